@@ -1,0 +1,273 @@
+// What the link costs, against the plainest code that could do the same. The figures that count
+// are the counters: ratios of two things measured in turn.
+
+#include "bench/Allocations.h"
+#include "bench/BareLink.h"
+#include "core/link/Command.h"
+#include "core/platform/PosixSerialDevice.h"
+#include "tests/core/link/FarEnd.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+namespace fieldcore::bench {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Bytes;
+using testing::FarEnd;
+using testing::Frame;
+using testing::LongFrame;
+using Microseconds = std::chrono::duration<double, std::micro>;
+
+constexpr std::size_t kRequestLength = 6;
+constexpr std::size_t kReplyLength = 60;
+const std::array<std::uint8_t, kRequestLength + 1> kStop{}; // no request has this length
+
+/// Answers every six bytes with the same frame, in a thread that blocks while nothing comes.
+class Echo
+{
+public:
+    Echo() : m_thread([this] { Run(); }) {}
+    ~Echo() { m_thread.join(); } // after whoever used it has sent the stop byte
+
+    [[nodiscard]] const std::string& Path() const { return m_farEnd.Path(); }
+
+private:
+    void Run() const
+    {
+        const Bytes reply = Frame(0x09, Bytes(kReplyLength - 6, '1'));
+        for (;;) {
+            // Exactly one request at a time, or an extra reply would put the bare side ahead.
+            const Bytes request = m_farEnd.Receive(kRequestLength);
+            if (request.size() != kRequestLength) {
+                return;
+            }
+            m_farEnd.Send(reply);
+        }
+    }
+
+    FarEnd m_farEnd;
+    std::thread m_thread;
+};
+
+double Quantile(std::vector<double>& values, double q)
+{
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(q * static_cast<double>(values.size() - 1))];
+}
+
+template <typename Action>
+double Timed(Action action)
+{
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return Microseconds(std::chrono::steady_clock::now() - start).count();
+}
+
+/// A 6-byte request and its 60-byte reply, ours and bare in turn.
+void Exchange(benchmark::State& state)
+{
+    Echo bareEnd;
+    Echo ourEnd;
+    std::vector<double> bareUs;
+    std::vector<double> ourUs;
+    long allocations = 0;
+    {
+        BareLink bare(bareEnd.Path());
+        CCommand command;
+        if (command.OpenPort(ourEnd.Path()) == 0) {
+            state.SkipWithError("no port");
+        }
+        bareUs.reserve(1'000'000);
+        ourUs.reserve(1'000'000);
+        const Bytes request = Frame(0x08);
+        for (auto _ : state) {
+            bareUs.push_back(Timed([&] {
+                bare.Write(request);
+                bare.Await(kReplyLength);
+            }));
+            command.BeginPacket(0x08, 0);
+            command.EndPacket();
+            const long before = AllocationCount();
+            ourUs.push_back(Timed([&] { command.Exchange(CCommand::Answer::Reply); }));
+            allocations += AllocationCount() - before;
+        }
+        bare.Write(kStop);
+        command.SendText(std::string_view("\0\0\0\0\0\0\0", kStop.size()));
+    }
+    state.counters["bare_us"] = Quantile(bareUs, 0.5);
+    state.counters["ours_us"] = Quantile(ourUs, 0.5);
+    state.counters["L1_median_ratio"] = Quantile(ourUs, 0.5) / Quantile(bareUs, 0.5);
+    state.counters["L2_p99_ratio"] = Quantile(ourUs, 0.99) / Quantile(bareUs, 0.99);
+    state.counters["alloc_per_exchange"] =
+        static_cast<double>(allocations) / static_cast<double>(ourUs.size());
+}
+BENCHMARK(Exchange)->MinTime(3.0)->UseRealTime();
+
+double ProcessorSeconds(clockid_t clock)
+{
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+/// Streams long frames through @p wait and returns the processor time of all but the sender.
+template <typename Wait>
+double Streamed(const FarEnd& end, const Bytes& frames, Wait wait)
+{
+    const double before = ProcessorSeconds(CLOCK_PROCESS_CPUTIME_ID);
+    double sender = 0.0;
+    std::thread thread([&] {
+        end.Send(frames);
+        sender = ProcessorSeconds(CLOCK_THREAD_CPUTIME_ID);
+    });
+    wait();
+    thread.join();
+    return ProcessorSeconds(CLOCK_PROCESS_CPUTIME_ID) - before - sender;
+}
+
+/// Processor time of reading and assembling long frames, against reading the same bytes.
+void LongFrames(benchmark::State& state)
+{
+    constexpr int kFrames = 2000;
+    Bytes frames;
+    const Bytes one = LongFrame(Bytes(1017, 0x5A));
+    for (int i = 0; i < kFrames; ++i) {
+        frames.insert(frames.end(), one.begin(), one.end());
+    }
+    const Bytes last = Frame(0x09, Bytes(21, '1'));
+    frames.insert(frames.end(), last.begin(), last.end());
+    std::vector<double> ratios;
+    for (auto _ : state) {
+        FarEnd bareEnd;
+        FarEnd ourEnd;
+        BareLink bare(bareEnd.Path());
+        SerialLink link;
+        if (link.Open(ourEnd.Path(), {}) == 0) {
+            state.SkipWithError("no port");
+            break;
+        }
+        // Neither side wakes anybody for what it reads: only reading and framing are compared.
+        const double bareS = Streamed(bareEnd, frames, [&] {
+            while (bare.Count() < frames.size()) {
+                std::this_thread::sleep_for(2ms);
+            }
+        });
+        const double ourS = Streamed(ourEnd, frames, [&] {
+            while (link.GetDeliveredLength() != last.size()) {
+                std::this_thread::sleep_for(2ms);
+            }
+        });
+        ratios.push_back(ourS / bareS);
+        state.counters["ours_us_per_frame"] = ourS / kFrames * 1e6;
+        state.counters["bare_us_per_frame"] = bareS / kFrames * 1e6;
+    }
+    state.counters["L4_ratio"] = Quantile(ratios, 0.5);
+}
+BENCHMARK(LongFrames)->Iterations(15)->UseRealTime();
+
+/// Frames of 607 and 1024 bytes, each written in one piece: how many of 1000 are delivered.
+void Bursts(benchmark::State& state)
+{
+    const Bytes frame = LongFrame(Bytes(static_cast<std::size_t>(state.range(0)) - 7, 0x5A));
+    constexpr int kFrames = 1000;
+    for (auto _ : state) {
+        FarEnd end;
+        SerialLink link;
+        static_cast<void>(link.Open(end.Path(), {}));
+        link.SetHandOver(true);
+        std::thread sender([&] {
+            for (int i = 0; i < kFrames; ++i) {
+                end.Send(frame);
+            }
+        });
+        int delivered = 0;
+        Bytes taken(kFrameBufferSize);
+        while (delivered < kFrames && link.WaitDelivery() == 1) {
+            delivered += link.TakeDelivery(taken).length == frame.size() ? 1 : 0;
+        }
+        sender.join();
+        state.counters["L8_delivered_of_1000"] = delivered;
+    }
+}
+BENCHMARK(Bursts)->Arg(607)->Arg(1024)->Iterations(5)->UseRealTime();
+
+/// How often the threads of this process but the calling one were switched to.
+long SwitchesOfOthers()
+{
+    long switches = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        if (task.path().filename() == std::to_string(gettid())) {
+            continue;
+        }
+        std::ifstream status(task.path() / "status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with("voluntary_ctxt_switches:")) {
+                switches += std::stol(line.substr(line.find(':') + 1));
+            }
+        }
+    }
+    return switches;
+}
+
+/// Wake-ups of the reader of an idle open port in ten seconds.
+void Idle(benchmark::State& state)
+{
+    const FarEnd end;
+    SerialLink link;
+    static_cast<void>(link.Open(end.Path(), {}));
+    std::this_thread::sleep_for(50ms); // until the reader has settled
+    for (auto _ : state) {
+        const long before = SwitchesOfOthers();
+        std::this_thread::sleep_for(10s);
+        state.counters["L6_wakeups_in_10s"] = static_cast<double>(SwitchesOfOthers() - before);
+    }
+}
+BENCHMARK(Idle)->Iterations(1)->UseRealTime();
+
+/// How much later than asked a time-out comes.
+void TimeOut(benchmark::State& state)
+{
+    const FarEnd end;
+    SerialLink link;
+    PortSettings settings;
+    settings.replyTimeout = 120ms; // two slices and a rest
+    static_cast<void>(link.Open(end.Path(), settings));
+    double worst = 0.0;
+    for (auto _ : state) {
+        worst = std::max(worst, Timed([&] { link.WaitDelivery(); }) / 1000.0 - 120.0);
+    }
+    state.counters["L7_worst_late_ms"] = worst;
+}
+BENCHMARK(TimeOut)->Iterations(40)->UseRealTime();
+
+/// Opening and closing a port, with its reader.
+void OpenClose(benchmark::State& state)
+{
+    const FarEnd end;
+    std::vector<double> us;
+    for (auto _ : state) {
+        us.push_back(Timed([&] {
+            SerialLink link;
+            static_cast<void>(link.Open(end.Path(), {}));
+            link.Close();
+        }));
+    }
+    state.counters["median_ms"] = Quantile(us, 0.5) / 1000.0;
+    state.counters["worst_ms"] = us.back() / 1000.0;
+}
+BENCHMARK(OpenClose)->Iterations(500)->UseRealTime();
+
+} // namespace
+} // namespace fieldcore::bench

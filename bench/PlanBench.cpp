@@ -1,0 +1,274 @@
+// What the plan costs, against the plainest way to the same figures. The figures that count are
+// the counters: ratios of two things measured in turn, medians of all turns.
+
+#include "bench/Allocations.h"
+#include "bench/literal/LiteralPlan.h"
+#include "core/planning/ObservationPlan.h"
+#include "tests/core/planning/SampleSky.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <ctime>
+#include <limits>
+#include <numbers>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+namespace fieldcore::bench {
+namespace {
+
+constexpr int kSites = 1000;
+
+/// A day over a site with a mask and a house to the south, all 32 satellites.
+void SetUp(ObservationPlan& plan)
+{
+    std::vector<std::uint8_t> content = testing::SampleFile();
+    for (int prn = 31; prn <= 32; ++prn) {
+        AlmanacRecord record = testing::SampleSatellite(prn - 5);
+        record.prn = static_cast<std::uint8_t>(prn);
+        record.m0 += 0.2;
+        const AlmanacBytes bytes = EncodeAlmanac(record);
+        content.insert(content.end(), bytes.begin(), bytes.end());
+    }
+    plan.Calc().LoadAlmanac(content);
+    ObstructionCurtain curtain{};
+    std::fill(curtain.begin() + 150, curtain.begin() + 210, std::uint8_t{35});
+    plan.Calc().SetCurtain(curtain);
+    plan.SetElMaskDeg(15);
+    using namespace std::chrono;
+    plan.Period() = {year(2022) / March / 10, 0, 24};
+}
+
+double Median(std::vector<double>& values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double NowUs(clockid_t clock)
+{
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) * 1e-3;
+}
+
+/// By default processor time of this thread: on a busy machine the longer of two actions would
+/// lose more to others.
+template <typename Action>
+double Timed(Action action, clockid_t clock = CLOCK_THREAD_CPUTIME_ID)
+{
+    const double start = NowUs(clock);
+    action();
+    return NowUs(clock) - start;
+}
+
+/// P1, P9: all graphs of a day for one site.
+void DayOfOneSite(benchmark::State& state)
+{
+    ObservationPlan plan;
+    SetUp(plan);
+    plan.Compute();
+    const LiteralPlan literal(plan.Calc(), plan.Period());
+    std::vector<double> literalUs;
+    std::vector<double> onceUs;
+    std::vector<double> ourUs;
+    long allocations = 0;
+    for (auto _ : state) {
+        literalUs.push_back(Timed([&] {
+            benchmark::DoNotOptimize(literal.Count());
+            benchmark::DoNotOptimize(literal.Dop(&DopValues::pdop));
+            benchmark::DoNotOptimize(literal.Dop(&DopValues::gdop));
+            benchmark::DoNotOptimize(literal.Dop(&DopValues::tdop));
+            benchmark::DoNotOptimize(literal.Tracks());
+        }));
+        onceUs.push_back(Timed([&] { benchmark::DoNotOptimize(literal.Tracks()); }));
+        ourUs.push_back(Timed([&] {
+            const long before = AllocationCount();
+            plan.Compute();
+            allocations += AllocationCount() - before;
+        }));
+    }
+    state.counters["P1_ratio"] = Median(literalUs) / Median(ourUs);
+    state.counters["each_satellite_once_ratio"] = Median(onceUs) / Median(ourUs);
+    state.counters["literal_us"] = Median(literalUs);
+    state.counters["ours_us"] = Median(ourUs);
+    state.counters["P9_allocations"] = static_cast<double>(allocations);
+}
+BENCHMARK(DayOfOneSite)->MinTime(2.0)->UseRealTime();
+
+/// P3: one position with its angles.
+void OneSatellite(benchmark::State& state)
+{
+    constexpr int kTimes = 1000;
+    CAlmanacSatellite satellite(7);
+    satellite.SetRecord(EncodeAlmanac(testing::SampleSatellite(7)));
+    const KeplerElements elements(testing::SampleSatellite(7));
+    std::vector<double> literalUs;
+    std::vector<double> ourUs;
+    for (auto _ : state) {
+        literalUs.push_back(Timed([&] {
+            for (int i = 0; i < kTimes; ++i) {
+                const auto position = ReferencePosition(elements, {testing::kSampleWeek, i * 60.0});
+                benchmark::DoNotOptimize(ReferenceDirection(Observer{}, *position));
+            }
+        }));
+        ourUs.push_back(Timed([&] {
+            for (int i = 0; i < kTimes; ++i) {
+                satellite.SetTime({testing::kSampleWeek, i * 60.0});
+                benchmark::DoNotOptimize(satellite.Compute());
+            }
+        }));
+    }
+    state.counters["P3_ratio"] = Median(literalUs) / Median(ourUs);
+    state.counters["literal_ns"] = Median(literalUs);
+    state.counters["ours_ns"] = Median(ourUs);
+}
+BENCHMARK(OneSatellite)->MinTime(1.0)->UseRealTime();
+
+std::vector<Observer> Sites()
+{
+    std::vector<Observer> sites;
+    sites.reserve(kSites);
+    for (int i = 0; i < kSites; ++i) {
+        sites.push_back({0.5 + 0.0003 * i, 2.2 + 0.0004 * i, 10.0});
+    }
+    return sites;
+}
+
+/// P4: counts and position dilutions of a day for many sites.
+void ManySites(benchmark::State& state)
+{
+    ObservationPlan plan;
+    SetUp(plan);
+    const std::vector<Observer> sites = Sites();
+    std::vector<SiteView> views(sites.size());
+    std::vector<double> literalUs;
+    std::vector<double> oneUs;
+    for (auto _ : state) {
+        LiteralPlan literal(plan.Calc(), plan.Period());
+        literalUs.push_back(Timed([&] {
+            for (const Observer& site : sites) {
+                literal.SetObserver(site);
+                benchmark::DoNotOptimize(literal.Count());
+                benchmark::DoNotOptimize(literal.Dop(&DopValues::pdop));
+            }
+        }));
+        oneUs.push_back(Timed([&] { plan.ComputeSites(sites, views, 1); }));
+    }
+    state.counters["P4_ratio"] = Median(literalUs) / Median(oneUs);
+    state.counters["literal_ms"] = Median(literalUs) / 1000.0;
+    state.counters["ours_ms"] = Median(oneUs) / 1000.0;
+}
+BENCHMARK(ManySites)->Iterations(7)->UseRealTime();
+
+/// P5: the same on two threads. By the clock, and by the fastest turns: those in which both cores
+/// were free.
+void TwoThreads(benchmark::State& state)
+{
+    ObservationPlan plan;
+    SetUp(plan);
+    const std::vector<Observer> sites = Sites();
+    std::vector<SiteView> views(sites.size());
+    double one = std::numeric_limits<double>::infinity();
+    double two = one;
+    for (auto _ : state) {
+        one = std::min(one, Timed([&] { plan.ComputeSites(sites, views, 1); }, CLOCK_MONOTONIC));
+        two = std::min(two, Timed([&] { plan.ComputeSites(sites, views, 2); }, CLOCK_MONOTONIC));
+    }
+    state.counters["P5_ratio"] = two / one;
+    state.counters["one_ms"] = one / 1000.0;
+    state.counters["two_ms"] = two / 1000.0;
+}
+BENCHMARK(TwoThreads)->Iterations(100)->UseRealTime();
+
+/// P7: what a host pays to draw all seven graphs, and one.
+void AllGraphs(benchmark::State& state)
+{
+    ObservationPlan plan;
+    SetUp(plan);
+    const auto read = [&](PlanGraph graph) {
+        double sum = 0.0;
+        for (int k = 0; k < plan.Division(); ++k) {
+            if (graph == PlanGraph::Count) {
+                sum += plan.CountAt(k);
+            } else if (graph >= PlanGraph::Pdop) {
+                sum += plan.DopAt(graph, k);
+            } else {
+                for (int prn = 0; prn < kMaxPrn; ++prn) {
+                    sum += plan.TrackAt(prn, k) ? 1.0 : 0.0;
+                }
+            }
+        }
+        return sum;
+    };
+    std::vector<double> oneUs;
+    std::vector<double> allUs;
+    for (auto _ : state) {
+        oneUs.push_back(Timed([&] {
+            plan.Compute();
+            benchmark::DoNotOptimize(read(PlanGraph::Count));
+        }));
+        allUs.push_back(Timed([&] {
+            plan.Compute();
+            for (int graph = 0; graph <= 6; ++graph) {
+                benchmark::DoNotOptimize(read(static_cast<PlanGraph>(graph)));
+            }
+        }));
+    }
+    state.counters["P7_ratio"] = Median(allUs) / Median(oneUs);
+}
+BENCHMARK(AllGraphs)->MinTime(1.0)->UseRealTime();
+
+/// P8: the largest differences from the literal plan over all hours of many sites.
+void Differences(benchmark::State& state)
+{
+    ObservationPlan plan;
+    SetUp(plan);
+    double angle = 0.0;
+    double dop = 0.0;
+    long cases = 0;
+    long decisions = 0;
+    const std::vector<Observer> sites = Sites();
+    for (auto _ : state) {
+        for (int i = 0; i < kSites; ++i) {
+            plan.Calc().SetObserver(sites[static_cast<std::size_t>(i)]);
+            plan.SetElMaskDeg(i % 40);
+            plan.Compute();
+            const LiteralPlan literal(plan.Calc(), plan.Period());
+            const auto skies = literal.Tracks();
+            const auto counts = literal.Count();
+            const auto pdops = literal.Dop(&DopValues::pdop);
+            for (int k = 0; k < plan.Division(); ++k) {
+                const auto at = static_cast<std::size_t>(k);
+                decisions += plan.CountAt(k) == counts[at] ? 0 : 1;
+                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / pdops[at] - 1.0));
+                for (int prn = 0; prn < kMaxPrn; ++prn) {
+                    ++cases;
+                    const auto& from = skies[at][static_cast<std::size_t>(prn)];
+                    const auto& to = skies[at + 1][static_cast<std::size_t>(prn)];
+                    const auto step = plan.TrackAt(prn, k);
+                    decisions += step.has_value() == (from && to) ? 0 : 1;
+                    if (step && from && to) {
+                        // Two azimuths on both sides of north differ by a whole turn.
+                        angle = std::max(
+                            angle, std::abs(std::remainder(step->from.azimuthRad - from->azimuthRad,
+                                                           2.0 * std::numbers::pi)));
+                        angle =
+                            std::max(angle, std::abs(step->from.elevationRad - from->elevationRad));
+                    }
+                }
+            }
+        }
+    }
+    state.counters["P8_angle_rad"] = angle;
+    state.counters["P8_dop_relative"] = dop;
+    state.counters["P8_decisions"] = static_cast<double>(decisions);
+    state.counters["cases"] = static_cast<double>(cases);
+}
+BENCHMARK(Differences)->Iterations(1)->UseRealTime();
+
+} // namespace
+} // namespace fieldcore::bench

@@ -1,0 +1,179 @@
+// What settings cost, against SQLite used by hand and a bare durable append. The figures that
+// count are the counters: ratios of the medians of two things measured in turn.
+
+#include "core/settings/HostReg.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+namespace fieldcore::bench {
+namespace {
+
+namespace fs = std::filesystem;
+using Microseconds = std::chrono::duration<double, std::micro>;
+
+constexpr const wchar_t* kKey = L"GPS\\Com\\Com0";
+
+/// A folder for one benchmark, on the disk that the programs' settings would be on.
+class Folder
+{
+public:
+    Folder()
+    {
+        std::string name = (fs::temp_directory_path() / "fieldcore-bench-XXXXXX").string();
+        m_path = mkdtemp(name.data());
+    }
+    ~Folder()
+    {
+        std::error_code ignored;
+        fs::remove_all(m_path, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    [[nodiscard]] const fs::path& Path() const { return m_path; }
+
+    /// Folders whose settings are kept here.
+    [[nodiscard]] Folders AsHome() const
+    {
+        FolderSources sources;
+        sources.variable = [home = m_path.string()](const std::string& name) {
+            return name == "HOME" ? std::optional(home) : std::nullopt;
+        };
+        return Folders(sources);
+    }
+
+private:
+    fs::path m_path;
+};
+
+double Median(std::vector<double>& values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+template <typename Action>
+double Timed(Action action)
+{
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return Microseconds(std::chrono::steady_clock::now() - start).count();
+}
+
+/// One value read through the accessor, and by a prepared statement on a connection that is kept.
+void Read(benchmark::State& state)
+{
+    const Folder folder;
+    SettingsRoots roots(folder.AsHome());
+    const HostReg reg(roots);
+    {
+        SettingsBatch batch(reg.Store()); // as many values as an antenna catalogue
+        for (int i = 0; i < 4288; ++i) {
+            reg.WriteString(L"GPS\\Antenna\\List", L"MeasMethod" + std::to_wstring(i), L"0.1,0.2");
+        }
+        reg.WriteString(kKey, L"Text", L"some text of 24 letters.");
+        if (!batch.Commit()) {
+            state.SkipWithError("cannot write");
+        }
+    }
+    const fs::path file = folder.Path() / "bare.db";
+    sqlite3* database = nullptr;
+    sqlite3_open(file.c_str(), &database);
+    sqlite3_exec(database,
+                 "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; CREATE TABLE s (key TEXT, name "
+                 "TEXT, data, PRIMARY KEY (key, name)) WITHOUT ROWID; WITH RECURSIVE n(i) AS "
+                 "(SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 4287) INSERT INTO s SELECT "
+                 "'software\\aldex-corvane\\olen+(gps)\\gps\\antenna\\list', 'measmethod' || i, "
+                 "'0.1,0.2' FROM n; INSERT INTO s VALUES "
+                 "('software\\aldex-corvane\\olen+(gps)\\gps\\com\\com0', 'text', "
+                 "'some text of 24 letters.')",
+                 nullptr, nullptr, nullptr);
+    sqlite3_stmt* get = nullptr;
+    sqlite3_prepare_v2(database, "SELECT data FROM s WHERE key = ?1 AND name = ?2", -1, &get,
+                       nullptr);
+    std::vector<double> bareUs;
+    std::vector<double> ourUs;
+    for (auto _ : state) {
+        bareUs.push_back(Timed([&] {
+            sqlite3_bind_text(get, 1, "software\\aldex-corvane\\olen+(gps)\\gps\\com\\com0", -1,
+                              SQLITE_STATIC);
+            sqlite3_bind_text(get, 2, "text", -1, SQLITE_STATIC);
+            sqlite3_step(get);
+            const std::string text(reinterpret_cast<const char*>(sqlite3_column_text(get, 0)));
+            benchmark::DoNotOptimize(text.data());
+            sqlite3_reset(get);
+        }));
+        ourUs.push_back(Timed([&] {
+            std::wstring text;
+            if (reg.ReadString(kKey, L"Text", text, L"") == 0) {
+                state.SkipWithError("not found");
+            }
+            benchmark::DoNotOptimize(text.data());
+        }));
+    }
+    sqlite3_finalize(get);
+    sqlite3_close(database);
+    state.counters["bare_us"] = Median(bareUs);
+    state.counters["ours_us"] = Median(ourUs);
+    state.counters["S1_ratio"] = Median(ourUs) / Median(bareUs);
+}
+BENCHMARK(Read)->MinTime(1.0)->UseRealTime();
+
+/// One durable write, eight in a batch, and 64 bytes appended to a file and synced.
+void Write(benchmark::State& state)
+{
+    const Folder folder;
+    SettingsRoots roots(folder.AsHome());
+    const HostReg reg(roots);
+    const int append =
+        open((folder.Path() / "append").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    const std::array<char, 64> bytes{};
+    std::vector<double> appendUs;
+    std::vector<double> oneUs;
+    std::vector<double> eightUs;
+    std::uint32_t number = 0;
+    int done = 1;
+    for (auto _ : state) {
+        appendUs.push_back(Timed([&] {
+            const bool written =
+                write(append, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+            done &= written && fdatasync(append) == 0 ? 1 : 0;
+        }));
+        oneUs.push_back(Timed([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); }));
+        eightUs.push_back(Timed([&] {
+            SettingsBatch batch(reg.Store());
+            for (wchar_t name = L'a'; name < L'i'; ++name) {
+                done &= reg.WriteNumber(kKey, std::wstring(1, name), ++number);
+            }
+            done &= batch.Commit() ? 1 : 0;
+        }));
+    }
+    close(append);
+    if (done == 0) {
+        state.SkipWithError("cannot write");
+    }
+    state.counters["append_us"] = Median(appendUs);
+    state.counters["one_us"] = Median(oneUs);
+    state.counters["eight_us"] = Median(eightUs);
+    state.counters["S2_ratio"] = Median(oneUs) / Median(appendUs);
+    state.counters["S4_ratio"] = Median(eightUs) / Median(oneUs);
+}
+BENCHMARK(Write)->MinTime(2.0)->UseRealTime();
+
+} // namespace
+} // namespace fieldcore::bench

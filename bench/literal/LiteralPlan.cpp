@@ -1,0 +1,110 @@
+#include "bench/literal/LiteralPlan.h"
+
+#include "core/planning/CalendarTime.h"
+
+#include <numbers>
+
+namespace fieldcore::bench {
+
+LiteralPlan::LiteralPlan(const CSurveyPlanCalc& calc, const PlanPeriod& period)
+    : m_satellites(), m_period(period), m_observer(calc.GetObserver()), m_maskRad(calc.GetElMask()),
+      m_curtain(calc.GetCurtain())
+{
+    for (int i = 0; i < kMaxPrn; ++i) {
+        const CAlmanacSatellite& satellite = calc.GetSatellite(i);
+        const AlmanacRecord record = DecodeAlmanac(satellite.GetRecord());
+        m_satellites[static_cast<std::size_t>(i)] = {satellite.IsValid() != 0 && record.health == 0,
+                                                     record};
+    }
+}
+
+std::optional<Direction> LiteralPlan::Test(int prnIndex, GpsEpoch epoch) const
+{
+    const Satellite& satellite = m_satellites[static_cast<std::size_t>(prnIndex)];
+    if (!satellite.usable) {
+        return std::nullopt;
+    }
+    const std::optional<Ecef> position = ReferencePosition(KeplerElements(satellite.record), epoch);
+    if (!position) {
+        return std::nullopt;
+    }
+    std::optional<Direction> direction = ReferenceDirection(m_observer, *position);
+    if (!direction || !(direction->elevationRad >= 0.0) ||
+        !(direction->elevationRad >= m_maskRad)) {
+        return std::nullopt;
+    }
+    direction->azimuthRad = NormalisedAzimuth(direction->azimuthRad);
+    const auto entry = static_cast<std::size_t>(direction->azimuthRad * 180.0 / std::numbers::pi);
+    if (direction->elevationRad < m_curtain[entry % 360] * std::numbers::pi / 180.0) {
+        return std::nullopt;
+    }
+    return direction;
+}
+
+int LiteralPlan::CountAt(GpsEpoch epoch) const
+{
+    int count = 0;
+    for (int i = 0; i < kMaxPrn; ++i) {
+        count += Test(i, epoch) ? 1 : 0;
+    }
+    return count;
+}
+
+DopValues LiteralPlan::DopAt(GpsEpoch epoch) const
+{
+    if (CountAt(epoch) < 4) {
+        return kNoDop;
+    }
+    std::vector<Ecef> visible;
+    for (int i = 0; i < kMaxPrn; ++i) {
+        if (Test(i, epoch)) {
+            const KeplerElements elements(m_satellites[static_cast<std::size_t>(i)].record);
+            visible.push_back(ReferencePosition(elements, epoch).value_or(Ecef{}));
+        }
+    }
+    return ReferenceDop(ToEcef(m_observer), visible);
+}
+
+std::vector<double> LiteralPlan::Count() const
+{
+    std::vector<double> series;
+    CGPSTime time = m_period.Start();
+    for (int k = 0; k < m_period.Division(); ++k) {
+        series.push_back(CountAt(ToEpoch(time)));
+        time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
+    }
+    return series;
+}
+
+std::vector<double> LiteralPlan::Dop(double DopValues::*value) const
+{
+    std::vector<double> series;
+    CGPSTime time = m_period.Start();
+    for (int k = 0; k < m_period.Division(); ++k) {
+        time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
+        series.push_back(DopAt(ToEpoch(time)).*value);
+    }
+    return series;
+}
+
+LiteralPlan::Sky LiteralPlan::SkyAt(GpsEpoch epoch) const
+{
+    Sky sky;
+    for (int i = 0; i < kMaxPrn; ++i) {
+        sky[static_cast<std::size_t>(i)] = Test(i, epoch);
+    }
+    return sky;
+}
+
+std::vector<LiteralPlan::Sky> LiteralPlan::Tracks() const
+{
+    CGPSTime time = m_period.Start();
+    std::vector<Sky> skies{SkyAt(ToEpoch(time))};
+    for (int k = 0; k < m_period.Division(); ++k) {
+        time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
+        skies.push_back(SkyAt(ToEpoch(time)));
+    }
+    return skies;
+}
+
+} // namespace fieldcore::bench

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "cli/World.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace fieldcore::cli {
+
+/// What a command runs with.
+struct Context
+{
+    const World& world;
+    Output& output;
+    /// What stands behind "--" on the command line: a command of the user's own.
+    std::vector<std::string> userCommand;
+};
+
+/// A command of the command line: the parser that reads its options, and what it then does.
+/// The options live in what the function holds.
+struct Command
+{
+    CLI::App* parser = nullptr;
+    std::function<ExitCode(const Context&)> run;
+};
+
+// Each adds its parser to the program's.
+Command AddPortsCommand(CLI::App& program);
+Command AddInfoCommand(CLI::App& program);
+Command AddStatusCommand(CLI::App& program);
+Command AddIdentifyCommand(CLI::App& program);
+Command AddResetCommand(CLI::App& program);
+Command AddSimCommand(CLI::App& program);
+Command AddTraceCommand(CLI::App& program);
+Command AddDoctorCommand(CLI::App& program);
+Command AddDemoCommand(CLI::App& program);
+
+/// Adds a parser with a name, one line about it, and examples, which its help begins with.
+CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
+                    const std::string& examples);
+
+} // namespace fieldcore::cli

@@ -1,0 +1,189 @@
+#include "cli/CommandLine.h"
+
+#include "cli/Command.h"
+#include "cli/Output.h"
+
+#include <algorithm>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <string_view>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr const char* kProgram = "fieldcore-cli";
+
+constexpr const char* kExamples =
+    R"(  fieldcore-cli demo                        see it all work, without a receiver
+  fieldcore-cli ports                       the serial ports of this machine
+  fieldcore-cli info --port /dev/ttyUSB0    who is the receiver, and what can it do
+  fieldcore-cli status --port sim: --watch  its state, every few seconds; here a simulated one
+  fieldcore-cli status --port COM1 --json   the same for a script
+  fieldcore-cli doctor                      why does it not work on this machine
+)";
+
+/// Puts the examples, which are kept as the footer, in front: they answer most questions.
+class HelpFormatter final : public CLI::Formatter
+{
+public:
+    std::string make_help(const CLI::App* app, std::string name,
+                          CLI::AppFormatMode mode) const override
+    {
+        if (mode == CLI::AppFormatMode::Sub) {
+            return make_expanded(app);
+        }
+        std::ostringstream help;
+        help << "Examples:\n"
+             << app->get_footer() << "\n"
+             << app->get_description() << "\n"
+             << make_usage(app, name) << make_positionals(app) << make_groups(app, mode)
+             << make_subcommands(app, mode);
+        return help.str();
+    }
+};
+
+struct Program
+{
+    CLI::App parser{"The field controller's library in a terminal. Results go to stdout, the rest "
+                    "to stderr.",
+                    kProgram};
+    bool json = false;
+    bool version = false;
+    std::vector<Command> commands;
+
+    Program()
+    {
+        auto formatter = std::make_shared<HelpFormatter>();
+        formatter->column_width(28);
+        parser.formatter(formatter);
+        parser.footer(kExamples);
+        parser.set_help_flag("-h,--help", "Show this help");
+        parser.add_flag("--version", version, "Show the version");
+        commands = {AddPortsCommand(parser),    AddInfoCommand(parser),   AddStatusCommand(parser),
+                    AddIdentifyCommand(parser), AddResetCommand(parser),  AddSimCommand(parser),
+                    AddTraceCommand(parser),    AddDoctorCommand(parser), AddDemoCommand(parser)};
+        AddJsonFlag(parser);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+private:
+    /// It is understood wherever it stands.
+    void AddJsonFlag(CLI::App& app)
+    {
+        app.add_flag("--json", json, "Print one JSON document (docs/cli.md)");
+        for (CLI::App* child : app.get_subcommands({})) {
+            AddJsonFlag(*child);
+        }
+    }
+};
+
+/// The name of the command as it was typed: "sim run".
+std::string CommandName(const CLI::App& parser)
+{
+    std::string name;
+    for (const CLI::App* app = &parser; app->get_parent() != nullptr; app = app->get_parent()) {
+        name.insert(0, app->get_name() + (name.empty() ? "" : " "));
+    }
+    return name;
+}
+
+const CLI::App& LastParsed(const CLI::App& parser)
+{
+    const std::vector<CLI::App*> children = parser.get_subcommands();
+    return children.empty() ? parser : LastParsed(*children.front());
+}
+
+ExitCode ShowVersion(Output& output)
+{
+    Report report;
+    report.Add("version", "version", Value::Text(std::string(FIELDCORE_VERSION)));
+    return output.Done(report, std::string(kProgram) + " " + FIELDCORE_VERSION + "\n");
+}
+
+/// The parser's own complaint, with the help of the command as the way out.
+ExitCode Complain(const World& world, const Program& program, const CLI::ParseError& error,
+                  bool json)
+{
+    const std::string name = CommandName(LastParsed(program.parser));
+    Output output(world, name, json);
+    std::string message = error.what();
+    if (!message.ends_with('.')) {
+        message += '.';
+    }
+    return output.Failed(UsageFailure(message, std::string(kProgram) + (name.empty() ? "" : " ") +
+                                                   name + " --help"));
+}
+
+ExitCode Dispatch(const World& world, Program& program, std::vector<std::string> userCommand)
+{
+    const CLI::App& parsed = LastParsed(program.parser);
+    Output output(world, program.version ? "version" : CommandName(parsed), program.json);
+    if (program.version) {
+        return ShowVersion(output);
+    }
+    const bool isSimRun = CommandName(parsed) == "sim run";
+    if (!userCommand.empty() && !isSimRun) {
+        return output.Failed(
+            UsageFailure("Only sim run starts a command of your own behind \"--\".",
+                         "fieldcore-cli sim run --help"));
+    }
+    for (const Command& command : program.commands) {
+        if (command.parser->parsed()) {
+            return command.run({world, output, std::move(userCommand)});
+        }
+    }
+    return output.Failed(UsageFailure("No command is named.", "fieldcore-cli --help"));
+}
+
+ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
+{
+    const auto dashes = std::find(arguments.begin(), arguments.end(), "--");
+    std::vector<std::string> userCommand(dashes == arguments.end() ? dashes : dashes + 1,
+                                         arguments.end());
+    const bool emptyCommand = dashes != arguments.end() && userCommand.empty();
+    arguments.erase(dashes, arguments.end());
+    const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+
+    Program program;
+    if (emptyCommand) {
+        return Output(world, "", json).Failed(UsageFailure("There is no command behind \"--\"."));
+    }
+    try {
+        std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
+        program.parser.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+        *world.out << program.parser.help() << std::flush;
+        return ExitCode::Done;
+    } catch (const CLI::ParseError& error) {
+        return Complain(world, program, error, json);
+    }
+    return Dispatch(world, program, std::move(userCommand));
+}
+
+} // namespace
+
+CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
+                    const std::string& examples)
+{
+    CLI::App* const parser = parent.add_subcommand(name, purpose);
+    parser->footer(examples);
+    return *parser;
+}
+
+int RunCommandLine(const World& world, std::vector<std::string> arguments)
+{
+    int code = static_cast<int>(ParseAndRun(world, std::move(arguments)));
+    world.out->flush();
+    if (!*world.out && code == static_cast<int>(ExitCode::Done)) {
+        *world.err << "fieldcore-cli: the result could not be written.\n";
+        code = static_cast<int>(ExitCode::LocalFile);
+    }
+    return code;
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,169 @@
+#include "cli/Command.h"
+#include "cli/PortSession.h"
+#include "cli/ReceiverWords.h"
+#include "cli/StatusReading.h"
+#include "cli/TerminalHost.h"
+
+#include "core/link/Connect.h"
+#include "simulator/ExchangeRecord.h"
+#include "simulator/FaultRule.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr std::uint8_t kStatusRequest = 0x08;
+constexpr std::size_t kTypeAt = 2; // in a frame
+
+/// How often the controller has sent a request of a type, by what the simulator received.
+std::size_t TimesReceived(const simulator::Simulator& simulator, std::uint8_t type)
+{
+    const auto record = simulator.Record();
+    const auto count = std::count_if(record.begin(), record.end(), [type](const auto& piece) {
+        return piece.direction == simulator::Direction::ToReceiver &&
+               piece.bytes.size() > kTypeAt && piece.bytes[kTypeAt] == type;
+    });
+    return static_cast<std::size_t>(count);
+}
+
+/// The guided session. Each part tells what it is about to do, does it, and shows what came.
+class Demo
+{
+public:
+    Demo(const Context& context, PortSession& session) : m_context(context), m_session(session) {}
+
+    ExitCode Run()
+    {
+        Heading("1. Connect");
+        if (const std::optional<Failure> failure = m_session.Connect()) {
+            return Fail(*failure);
+        }
+        Say("Port opened: " + m_session.Path() + ". A simulated receiver answers.");
+        for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::SurviveFault}) {
+            if (const std::optional<Failure> failure = (this->*part)()) {
+                return Fail(*failure);
+            }
+        }
+        Farewell();
+        return m_context.output.Done(m_report, "");
+    }
+
+private:
+    void Say(const std::string& text)
+    {
+        if (!m_context.output.IsJson()) {
+            *m_context.world.out << text << "\n" << std::flush;
+        }
+    }
+    void Heading(const std::string& text)
+    {
+        Say((m_isFirst ? "" : "\n") + m_context.output.Painted(text, Colour::Green));
+        m_isFirst = false;
+    }
+    ExitCode Fail(const Failure& failure)
+    {
+        return m_context.output.Failed(failure, m_context.output.IsJson() ? &m_report : nullptr);
+    }
+
+    std::optional<Failure> Identify()
+    {
+        Heading("2. Who is it?");
+        CConnect connect(m_session.Command(), 0, {});
+        connect.SupportAllTypes();
+        CRecvInfo info;
+        if (connect.CheckRecvType() == 0 || info.GetOptionData(m_session.Command()) == 0) {
+            return m_session.RequestFailed();
+        }
+        Report& identity = m_report.AddSection("identity", "");
+        AddIdentity(identity, info);
+        Say(identity.Words() + "The library knows this type, and its firmware is recent enough.");
+        return std::nullopt;
+    }
+
+    std::optional<Failure> ShowStatus()
+    {
+        Heading("3. How is it?");
+        StatusReading reading;
+        if (std::optional<Failure> failure = ReadStatus(m_session, reading)) {
+            return failure;
+        }
+        Report& status = m_report.AddSection("status", "");
+        AddStatus(status, reading);
+        const std::string words = status.Words();
+        Say(words.substr(0, words.find_last_not_of('\n') + 1));
+        return std::nullopt;
+    }
+
+    std::optional<Failure> SurviveFault()
+    {
+        Heading("4. A bad cable");
+        Say("The simulator damages its next answer. The library should notice and ask again.");
+        simulator::Simulator& simulator = *m_session.GetSimulator();
+        simulator::FaultRule damage;
+        damage.kind = simulator::FaultKind::Corrupt;
+        damage.requestType = kStatusRequest;
+        damage.count = 1;
+        simulator.AddFault(damage);
+        const std::size_t before = TimesReceived(simulator, kStatusRequest);
+        StatusReply status;
+        const bool answered = m_session.Command().RequestStatus(status) == 1;
+        const std::size_t times = TimesReceived(simulator, kStatusRequest) - before;
+        if (!answered) {
+            return m_session.RequestFailed();
+        }
+        if (times < 2) {
+            return Failure{ExitCode::Failed, "fault-not-seen",
+                           "The damaged answer was taken for a good one."};
+        }
+        Report& fault = m_report.AddSection("fault", "");
+        fault.Add("timesSent", "times sent", Value::Integer(static_cast<std::int64_t>(times)));
+        Say("The status request was sent " + std::to_string(times) +
+            " times, as the simulator counted them; the last answer was good: battery " +
+            std::to_string(status.batteryPercent) + " %, " +
+            std::to_string(status.satellitesTracked) + " satellites.");
+        return std::nullopt;
+    }
+
+    void Farewell()
+    {
+        Heading("What to try next");
+        Say("  fieldcore-cli ports                        the serial ports of this machine\n"
+            "  fieldcore-cli info --port /dev/ttyUSB0     a receiver of your own\n"
+            "  fieldcore-cli status --port sim: --watch   a simulated one, every 2 seconds\n"
+            "  fieldcore-cli sim list                     what else can be simulated\n"
+            "  fieldcore-cli doctor                       is this machine ready for the field");
+    }
+
+    const Context& m_context;
+    PortSession& m_session;
+    Report m_report;
+    bool m_isFirst = true;
+};
+
+} // namespace
+
+Command AddDemoCommand(CLI::App& program)
+{
+    CLI::App& parser =
+        AddParser(program, "demo", "See it all work, with a simulated receiver",
+                  "  fieldcore-cli demo              takes a few seconds\n"
+                  "  fieldcore-cli demo --speed 20   hardly any\n"
+                  "  fieldcore-cli demo --log exchange.log && fieldcore-cli trace exchange.log\n");
+    auto options = std::make_shared<PortOptions>();
+    options->port = "sim:lark";
+    options->AddSessionTo(parser);
+    return {&parser, [options](const Context& context) {
+                TerminalHost host(context.world, context.output);
+                PortSession session(context.world, context.output, host, *options);
+                return Demo(context, session).Run();
+            }};
+}
+
+} // namespace fieldcore::cli

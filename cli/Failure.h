@@ -1,0 +1,36 @@
+#pragma once
+
+#include "cli/ExitCode.h"
+
+#include "core/link/CommandChannel.h"
+#include "core/platform/SystemRoots.h"
+
+#include <string>
+
+namespace fieldcore::cli {
+
+/// Why a command did not do what it was asked.
+struct Failure
+{
+    ExitCode exit = ExitCode::Failed;
+    std::string code;     ///< for programs: lower-case words joined by "-"; never changes
+    std::string message;  ///< one or two sentences
+    std::string hint{};   ///< what to do about it, as a command where there is one; may be empty
+    std::string step{};   ///< of connecting, where it failed; empty otherwise
+    std::string detail{}; ///< for developers; may be empty
+};
+
+[[nodiscard]] Failure UsageFailure(std::string message, std::string hint = {});
+
+[[nodiscard]] Failure FileFailure(std::string message, std::string hint = {});
+
+/// A request that failed on an open port.
+[[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);
+
+/// A port that did not open: finds out why. Opens nothing.
+/// @param systemError  the errno value of the attempt
+/// @param detail       what the channel says of it
+[[nodiscard]] Failure PortFailure(const std::string& path, int systemError, std::string detail,
+                                  const SystemRoots& roots);
+
+} // namespace fieldcore::cli

@@ -1,0 +1,71 @@
+#include "cli/Command.h"
+#include "cli/PortSession.h"
+#include "cli/ReceiverWords.h"
+#include "cli/TerminalHost.h"
+
+#include "core/link/Connect.h"
+#include "core/link/ReceiverTypes.h"
+
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+Failure NotAccepted(const CRecvInfo& info)
+{
+    const std::uint32_t number = info.GetRecvTypeNum();
+    const ReceiverType* const type = FindReceiverType(number);
+    if (type == nullptr || !type->canBeSupported) {
+        return {ExitCode::Refused, "type-refused",
+                "Receivers of type " + std::to_string(number) + " are not supported."};
+    }
+    return {ExitCode::Refused,
+            "firmware-refused",
+            "The firmware " + Value::Real(info.GetNavVer(), 2).Words() +
+                " is older than the lowest that is supported for type " + std::to_string(number) +
+                ", " + Value::Real(MinimumNavVersion(number), 2).Words() + ".",
+            "Have the receiver's firmware updated.",
+            "",
+            ""};
+}
+
+ExitCode Run(const Context& context, const PortOptions& options)
+{
+    TerminalHost host(context.world, context.output);
+    PortSession session(context.world, context.output, host, options);
+    if (const std::optional<Failure> failure = session.Connect()) {
+        return context.output.Failed(*failure);
+    }
+    CConnect connect(session.Command(), 0, {});
+    connect.SupportAllTypes();
+    const bool accepted = connect.CheckRecvType() == 1;
+
+    CRecvInfo info;
+    if (info.GetOptionData(session.Command()) == 0) {
+        return context.output.Failed(session.RequestFailed());
+    }
+    Report report;
+    AddIdentity(report, info);
+    return accepted ? context.output.Done(report)
+                    : context.output.Failed(NotAccepted(info), &report);
+}
+
+} // namespace
+
+Command AddInfoCommand(CLI::App& program)
+{
+    CLI::App& parser = AddParser(
+        program, "info", "Who the receiver is, and what it can do",
+        "  fieldcore-cli info --port /dev/ttyUSB0               a receiver on an adapter\n"
+        "  fieldcore-cli info --port COM1 --baud 115200         on the first built-in port\n"
+        "  fieldcore-cli info --port sim:                       a simulated one\n"
+        "  fieldcore-cli info --port sim: --log exchange.log    keep what was said\n");
+    auto options = std::make_shared<PortOptions>();
+    options->AddTo(parser);
+    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+}
+
+} // namespace fieldcore::cli

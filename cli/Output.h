@@ -1,0 +1,73 @@
+#pragma once
+
+#include "cli/ExitCode.h"
+#include "cli/Failure.h"
+#include "cli/Report.h"
+#include "cli/World.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fieldcore::cli {
+
+/// The version of the JSON documents: it rises when a key goes away or changes its meaning.
+inline constexpr int kJsonSchema = 1;
+
+enum class Colour
+{
+    Plain,
+    Green,
+    Yellow,
+    Red,
+};
+
+/// Where a command says what it has to say: results on stdout, as text or as one JSON document,
+/// and everything else on stderr.
+class Output
+{
+public:
+    Output(const World& world, std::string command, bool json);
+
+    [[nodiscard]] bool IsJson() const { return m_json; }
+
+    /// The command is done. @return ExitCode::Done
+    ExitCode Done(const Report& report);
+    /// The same, with a text of the command's own for a person.
+    ExitCode Done(const Report& report, std::string_view words);
+
+    /// The command failed.
+    /// @param partial  what it found out nevertheless; may be null
+    /// @return the failure's exit code
+    ExitCode Failed(const Failure& failure, const Report* partial = nullptr);
+
+    /// A line on stderr for whoever looks on; not part of any result.
+    void Note(std::string_view text);
+    /// A message of the library or a warning: shown on stderr, and part of the JSON document.
+    void Message(std::string_view kind, std::string_view caption, std::string_view text,
+                 Colour colour);
+    /// A line on stderr that the next one replaces; only on a terminal. Empty: takes it away.
+    void Progress(std::string_view text);
+
+    /// @p text in a colour if stdout is a terminal that wants colours.
+    [[nodiscard]] std::string Painted(std::string_view text, Colour colour) const;
+
+private:
+    struct Told
+    {
+        std::string kind;
+        std::string caption;
+        std::string text;
+    };
+
+    void WriteJson(const Report* report, const Failure* failure);
+    [[nodiscard]] std::string Paint(std::string_view text, Colour colour, bool terminal) const;
+
+    const World& m_world;
+    const std::string m_command;
+    const bool m_json;
+    bool m_progressShown = false;
+    std::vector<Told> m_told; // since the last document
+};
+
+} // namespace fieldcore::cli

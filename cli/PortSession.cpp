@@ -1,0 +1,195 @@
+#include "cli/PortSession.h"
+
+#include "cli/Utf8.h"
+
+#include "core/link/FrameLog.h"
+#include "core/platform/PortList.h"
+#include "core/resources/StringTable.h"
+
+#include <fstream>
+#include <utility>
+
+namespace fieldcore::cli {
+
+namespace {
+
+/// Shows the steps of connecting as they come.
+class StepPrinter final : public ConnectObserver
+{
+public:
+    explicit StepPrinter(Output& output) : m_output(output) {}
+
+    void OnStep(ConnectStep step, int done, int total) override
+    {
+        m_output.Progress("[" + std::to_string(done + 1) + "/" + std::to_string(total) + "] " +
+                          ToUtf8(StepText(step)));
+    }
+
+private:
+    Output& m_output;
+};
+
+} // namespace
+
+const char* StepName(ConnectStep step)
+{
+    switch (step) {
+    case ConnectStep::OpenPort:
+        return "opening the port";
+    case ConnectStep::WakeReceiver:
+        return "waking the receiver";
+    case ConnectStep::AskStatus:
+        return "asking for its status";
+    case ConnectStep::ReadOptions:
+        return "reading its options";
+    case ConnectStep::ReadSerial:
+        return "reading its serial numbers";
+    }
+    return "";
+}
+
+PortSession::PortSession(const World& world, Output& output, Host& host, const PortOptions& options)
+    : m_world(world), m_output(output), m_host(host), m_options(options), m_names(world.roots)
+{}
+
+PortSession::~PortSession() = default;
+
+const Clock& PortSession::GetClock() const
+{
+    return m_fastClock ? *m_fastClock : *m_world.clock;
+}
+
+std::optional<Failure> PortSession::Prepare()
+{
+    if (std::optional<Failure> failure = FindPort()) {
+        return failure;
+    }
+    if (std::optional<Failure> failure = OpenLog()) {
+        return failure;
+    }
+    m_command = std::make_unique<CCommand>(
+        CommandChannel::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
+    if (!m_options.log.empty()) {
+        m_command->SetFrameObserver(
+            [this](Direction direction, std::span<const std::uint8_t> frame) {
+                KeepFrame(direction, frame);
+            });
+    }
+    return std::nullopt;
+}
+
+std::optional<Failure> PortSession::FindPort()
+{
+    const std::string name =
+        !m_options.port.empty() ? m_options.port : m_world.variable("FIELDCORE_PORT").value_or("");
+    if (name.empty()) {
+        return NoPortNamed();
+    }
+    const PortNameResult parsed = m_names.Parse(name);
+    if (!parsed.port) {
+        return UsageFailure(parsed.fault, "fieldcore-cli ports");
+    }
+    if (parsed.port->kind == PortKind::Simulator) {
+        return StartSimulator(parsed.port->scenario);
+    }
+    if (m_options.speed != 1.0) {
+        return UsageFailure("Only the simulator can let time run faster.",
+                            "--port sim: --speed N, or leave --speed out.");
+    }
+    m_path = parsed.port->path;
+    return std::nullopt;
+}
+
+Failure PortSession::NoPortNamed() const
+{
+    std::string hint;
+    for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
+        hint += "--port " + port.path + "  " + port.description + "\n         ";
+    }
+    return UsageFailure("No port is named: give --port, or set FIELDCORE_PORT.",
+                        hint + "--port sim:  a simulated receiver");
+}
+
+std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
+{
+    std::string error;
+    const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    if (!loaded) {
+        return UsageFailure("The scenario cannot be used: " + error + ".",
+                            "fieldcore-cli sim list");
+    }
+    if (m_options.speed != 1.0) {
+        m_fastClock = std::make_unique<FastClock>(m_options.speed, m_world.clock->Utc());
+    }
+    m_simulator = std::make_unique<simulator::Simulator>(*loaded, GetClock());
+    if (!m_simulator->Start(error)) {
+        return Failure{ExitCode::Failed, "simulator-not-started",
+                       "The simulator does not start: " + error + "."};
+    }
+    m_path = m_simulator->PortPath();
+    return std::nullopt;
+}
+
+std::optional<Failure> PortSession::OpenLog()
+{
+    if (!m_options.log.empty() && !std::ofstream(m_options.log, std::ios::app)) {
+        return FileFailure("The log " + m_options.log.string() + " cannot be written.",
+                           "Name a file in a folder that you may write to.");
+    }
+    return std::nullopt;
+}
+
+void PortSession::KeepFrame(Direction direction, std::span<const std::uint8_t> frame)
+{
+    if (!m_logFailed && !AppendToFrameLog(m_options.log, direction, frame)) {
+        m_logFailed = true; // once is enough to know
+        m_output.Message("warning", "",
+                         "The log " + m_options.log.string() + " can no longer be written.",
+                         Colour::Yellow);
+    }
+}
+
+std::optional<Failure> PortSession::Open()
+{
+    if (std::optional<Failure> failure = Prepare()) {
+        return failure;
+    }
+    if (m_command->OpenPort(m_path, m_options.Settings()) == 0) {
+        return PortFailure(m_path, m_command->SystemError(), m_command->LastError(), m_world.roots);
+    }
+    return std::nullopt;
+}
+
+std::optional<Failure> PortSession::Connect()
+{
+    if (std::optional<Failure> failure = Prepare()) {
+        return failure;
+    }
+    ConnectTarget target;
+    target.devicePath = m_path;
+    target.settings = m_options.Settings();
+    ConnectSequence sequence(*m_command, target);
+    StepPrinter printer(m_output);
+    if (sequence.Run(&printer) == 1) {
+        m_output.Progress("");
+        return std::nullopt;
+    }
+    const CommandFault fault = sequence.FailedFault();
+    if (fault != CommandFault::Cancelled) {
+        m_host.ShowMessage(sequence.FailureMessage(), Text(text::kConnectFailedCaption),
+                           {BoxButtons::Ok, BoxIcon::Stop});
+    }
+    Failure failure =
+        fault == CommandFault::OpenFailed
+            ? PortFailure(m_path, m_command->SystemError(), sequence.FailureDetail(), m_world.roots)
+            : RequestFailure(fault, sequence.FailureDetail());
+    failure.step = StepName(sequence.FailedStep());
+    return failure;
+}
+
+Failure PortSession::RequestFailed() const
+{
+    return RequestFailure(m_command->Fault(), m_command->LastError());
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "cli/Failure.h"
+#include "cli/Output.h"
+#include "cli/PortOptions.h"
+#include "cli/World.h"
+
+#include "core/host/Host.h"
+#include "core/link/Command.h"
+#include "core/link/ConnectSequence.h"
+#include "core/platform/FastClock.h"
+#include "core/platform/PortNames.h"
+#include "simulator/Simulator.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace fieldcore::cli {
+
+/// A port for the time of one command, with the receiver behind it: a real one, or a simulator
+/// that is started for this command and ends with it.
+class PortSession
+{
+public:
+    /// All four outlive the session.
+    PortSession(const World& world, Output& output, Host& host, const PortOptions& options);
+    ~PortSession();
+    PortSession(const PortSession&) = delete;
+    PortSession& operator=(const PortSession&) = delete;
+
+    /// Finds the port and starts the simulator if it is meant; opens nothing yet.
+    [[nodiscard]] std::optional<Failure> Prepare();
+    /// Prepares and opens the port.
+    [[nodiscard]] std::optional<Failure> Open();
+    /// Prepares, opens the port and makes sure that a receiver answers, showing each step.
+    [[nodiscard]] std::optional<Failure> Connect();
+
+    /// The channel; there is one once Prepare() succeeded.
+    [[nodiscard]] CCommand& Command() { return *m_command; }
+    /// The device that is opened; known once Prepare() succeeded.
+    [[nodiscard]] const std::string& Path() const { return m_path; }
+    /// Why the last request failed.
+    [[nodiscard]] Failure RequestFailed() const;
+    /// Counts time for the receiver: with a simulator it may run fast.
+    [[nodiscard]] const Clock& GetClock() const;
+    /// Null if the port is not simulated.
+    [[nodiscard]] simulator::Simulator* GetSimulator() { return m_simulator.get(); }
+
+private:
+    [[nodiscard]] std::optional<Failure> FindPort();
+    [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario);
+    [[nodiscard]] std::optional<Failure> OpenLog();
+    [[nodiscard]] Failure NoPortNamed() const;
+    void KeepFrame(Direction direction, std::span<const std::uint8_t> frame);
+
+    const World& m_world;
+    Output& m_output;
+    Host& m_host;
+    const PortOptions& m_options;
+    const PortNames m_names;
+    std::string m_path;
+    std::unique_ptr<FastClock> m_fastClock;
+    std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
+    std::unique_ptr<CCommand> m_command;               // behind the simulator, whose port it opens
+    bool m_logFailed = false;
+};
+
+/// Connect steps in plain words.
+[[nodiscard]] const char* StepName(ConnectStep step);
+
+} // namespace fieldcore::cli

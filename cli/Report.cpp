@@ -1,0 +1,262 @@
+#include "cli/Report.h"
+
+#include "cli/Utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr std::string_view kUnknown = "--";
+
+/// The digits of a number, with a decimal point whatever the user's locale.
+/// @param decimals  less than 0: as many as it takes
+std::string Digits(double number, int decimals)
+{
+    std::array<char, 512> buffer{}; // the largest double has 309 digits before the point
+    char* const first = buffer.data();
+    char* const last = first + buffer.size();
+    const std::to_chars_result end =
+        decimals < 0 ? std::to_chars(first, last, number)
+                     : std::to_chars(first, last, number, std::chars_format::fixed, decimals);
+    return {first, end.ptr};
+}
+
+std::string Joined(const std::vector<std::string>& texts)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += joined.empty() ? "" : ", ";
+        joined += Printable(text);
+    }
+    return joined.empty() ? "none" : joined;
+}
+
+/// Breaks a long text behind commas; further lines begin @p indent columns in.
+std::string Wrapped(const std::string& text, std::size_t indent)
+{
+    constexpr std::size_t kWidth = 80;
+    constexpr std::string_view kComma = ", ";
+    std::string wrapped;
+    std::size_t column = indent;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t comma = text.find(kComma, at);
+        const std::size_t end = comma == std::string::npos ? text.size() : comma + kComma.size();
+        const std::string piece = text.substr(at, end - at);
+        const std::size_t width = DisplayWidth(piece);
+        if (column > indent && column + width > kWidth) {
+            wrapped.pop_back(); // the blank behind the comma
+            wrapped += "\n" + std::string(indent, ' ');
+            column = indent;
+        }
+        wrapped += piece;
+        column += width;
+        at = end;
+    }
+    return wrapped;
+}
+
+std::string WithoutTrailingBlanks(std::string line)
+{
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+std::string TableWords(const Report::Table& table)
+{
+    if (table.rows.empty()) {
+        return table.whenEmpty + "\n";
+    }
+    std::vector<std::size_t> widths;
+    for (std::size_t at = 0; at < table.columns.size(); ++at) {
+        std::size_t width = DisplayWidth(table.columns[at].label);
+        for (const auto& row : table.rows) {
+            width = std::max(width, DisplayWidth(row[at].Words()));
+        }
+        widths.push_back(width + 2);
+    }
+    std::string header;
+    for (std::size_t at = 0; at < widths.size(); ++at) {
+        header += Padded(table.columns[at].label, widths[at]);
+    }
+    std::string text = WithoutTrailingBlanks(header) + "\n";
+    for (const auto& row : table.rows) {
+        std::string line;
+        for (std::size_t at = 0; at < widths.size(); ++at) {
+            line += Padded(row[at].Words(), widths[at]);
+        }
+        text += WithoutTrailingBlanks(line) + "\n";
+    }
+    return text;
+}
+
+std::string Indented(const std::string& text)
+{
+    std::string indented;
+    bool startsLine = true;
+    for (const char c : text) {
+        indented += startsLine ? "  " : "";
+        indented += c;
+        startsLine = c == '\n';
+    }
+    return indented;
+}
+
+} // namespace
+
+// The data are put in place: moved as a whole, GCC 12 takes the alternatives that are not there for
+// uninitialized ones.
+
+Value Value::Unknown()
+{
+    return {};
+}
+
+Value Value::Text(std::string utf8, std::string none)
+{
+    Value value;
+    if (utf8.empty()) {
+        value.m_words = std::move(none);
+    } else {
+        value.m_data.emplace<std::string>(std::move(utf8));
+    }
+    return value;
+}
+
+Value Value::Text(std::wstring_view text)
+{
+    return Text(ToUtf8(text));
+}
+
+Value Value::Integer(std::int64_t number, std::string unit)
+{
+    Value value;
+    value.m_data.emplace<std::int64_t>(number);
+    value.m_unit = std::move(unit);
+    return value;
+}
+
+Value Value::Real(double number, int decimals, std::string unit)
+{
+    if (!std::isfinite(number)) {
+        return Unknown();
+    }
+    const std::string digits = Digits(number, decimals);
+    double rounded = 0.0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), rounded);
+    Value value = Exact(rounded, std::move(unit));
+    value.m_decimals = decimals;
+    return value;
+}
+
+Value Value::Exact(double number, std::string unit)
+{
+    Value value;
+    if (std::isfinite(number)) {
+        value.m_data.emplace<double>(number);
+        value.m_unit = std::move(unit);
+    }
+    return value;
+}
+
+Value Value::YesNo(bool yes)
+{
+    Value value;
+    value.m_data.emplace<bool>(yes);
+    return value;
+}
+
+Value Value::List(std::vector<std::string> texts)
+{
+    Value value;
+    value.m_data.emplace<std::vector<std::string>>(std::move(texts));
+    return value;
+}
+
+Value Value::Word(std::string code, std::string words)
+{
+    Value value;
+    value.m_data.emplace<std::string>(std::move(code));
+    value.m_words = std::move(words);
+    return value;
+}
+
+std::string Value::Words() const
+{
+    if (!m_words.empty()) {
+        return Printable(m_words);
+    }
+    std::string text(kUnknown);
+    if (const auto* yes = std::get_if<bool>(&m_data)) {
+        text = *yes ? "yes" : "no";
+    } else if (const auto* integer = std::get_if<std::int64_t>(&m_data)) {
+        text = std::to_string(*integer);
+    } else if (const auto* real = std::get_if<double>(&m_data)) {
+        text = Digits(*real, m_decimals);
+    } else if (const auto* words = std::get_if<std::string>(&m_data)) {
+        text = Printable(*words);
+    } else if (const auto* list = std::get_if<std::vector<std::string>>(&m_data)) {
+        text = Joined(*list);
+    }
+    return m_unit.empty() ? text : text + " " + m_unit;
+}
+
+void Report::Add(std::string key, std::string label, Value value)
+{
+    m_items.emplace_back(Field{std::move(key), std::move(label), std::move(value)});
+}
+
+Report& Report::AddSection(std::string key, std::string title)
+{
+    m_items.emplace_back(Section{std::move(key), std::move(title), std::make_unique<Report>()});
+    return *std::get<Section>(m_items.back()).content;
+}
+
+void Report::AddEntry(const std::string& key, Report entry)
+{
+    const auto found = std::find_if(m_items.begin(), m_items.end(), [&](const Item& item) {
+        const auto* const list = std::get_if<List>(&item);
+        return list != nullptr && list->key == key;
+    });
+    Item& item = found != m_items.end() ? *found : m_items.emplace_back(List{key, {}});
+    std::get<List>(item).entries.push_back(std::make_unique<Report>(std::move(entry)));
+}
+
+std::string Report::Words() const
+{
+    std::size_t width = 0;
+    for (const Item& item : m_items) {
+        if (const auto* field = std::get_if<Field>(&item)) {
+            width = std::max(width, DisplayWidth(field->label));
+        }
+    }
+    std::string text;
+    for (const Item& item : m_items) {
+        if (const auto* field = std::get_if<Field>(&item)) {
+            text +=
+                Padded(field->label, width + 2) + Wrapped(field->value.Words(), width + 2) + "\n";
+        } else if (const auto* section = std::get_if<Section>(&item)) {
+            text += section->title + "\n" + Indented(section->content->Words());
+        } else if (const auto* table = std::get_if<Table>(&item)) {
+            text += TableWords(*table);
+        } else {
+            for (const auto& entry : std::get<List>(item).entries) {
+                text += entry->Words() + "\n";
+            }
+        }
+    }
+    return text;
+}
+
+std::string Padded(std::string_view text, std::size_t width)
+{
+    const std::size_t used = DisplayWidth(text);
+    return std::string(text) + std::string(used < width ? width - used : 0, ' ');
+}
+
+} // namespace fieldcore::cli

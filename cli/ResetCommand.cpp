@@ -1,0 +1,81 @@
+#include "cli/Command.h"
+#include "cli/PortSession.h"
+#include "cli/ReceiverWords.h"
+#include "cli/TerminalHost.h"
+
+#include "core/link/RecvForceInit.h"
+#include "core/link/RecvInfo.h"
+
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+struct ResetOptions
+{
+    PortOptions port;
+    bool yes = false;
+    bool dryRun = false;
+};
+
+ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
+{
+    Report report;
+    report.Add("reset", "reset", Value::YesNo(isReset));
+    AddIdentity(report, info);
+    return context.output.Done(report);
+}
+
+ExitCode Run(const Context& context, const ResetOptions& options)
+{
+    const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
+    if (!options.yes && !options.dryRun && !canAsk) {
+        return context.output.Failed(
+            UsageFailure("A reset wipes the receiver's settings and almanacs, and nobody can be "
+                         "asked here.",
+                         "--yes to do it all the same, --dry-run to see which receiver it is"));
+    }
+    TerminalHost host(context.world, context.output,
+                      options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);
+    PortSession session(context.world, context.output, host, options.port);
+    if (const std::optional<Failure> failure = session.Connect()) {
+        return context.output.Failed(*failure);
+    }
+    CRecvInfo info;
+    if (info.GetOptionData(session.Command()) == 0) {
+        return context.output.Failed(session.RequestFailed());
+    }
+    if (options.dryRun) {
+        context.output.Note("Nothing was sent. This is the receiver that would be reset:");
+        return Finish(context, info, false);
+    }
+    if (CRecvForceInit(session.Command()).stRecvForceInit() == 0) {
+        return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+    }
+    // The library does not look at the answer; whoever resets from a script wants to know.
+    if (session.Command().Fault() != CommandFault::None) {
+        return context.output.Failed(session.RequestFailed());
+    }
+    return Finish(context, info, true);
+}
+
+} // namespace
+
+Command AddResetCommand(CLI::App& program)
+{
+    CLI::App& parser = AddParser(
+        program, "reset", "Return the receiver to its factory settings",
+        "  fieldcore-cli reset --port /dev/ttyUSB0 --dry-run   which receiver would it be\n"
+        "  fieldcore-cli reset --port /dev/ttyUSB0             asks twice, then does it\n"
+        "  fieldcore-cli reset --port sim: --yes               without questions\n");
+    auto options = std::make_shared<ResetOptions>();
+    CLI::Option* const yes = parser.add_flag("--yes", options->yes, "Do not ask");
+    parser.add_flag("--dry-run", options->dryRun, "Send nothing")->excludes(yes);
+    options->port.AddTo(parser);
+    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+}
+
+} // namespace fieldcore::cli

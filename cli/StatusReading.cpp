@@ -1,0 +1,221 @@
+#include "cli/StatusReading.h"
+
+#include "cli/PortSession.h"
+#include "cli/ReceiverWords.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr int kDegreeDecimals = 8; // about a millimetre
+
+/// Asks for one thing that not every receiver can tell.
+template <typename Reply>
+bool Ask(CCommand& command, int (CCommand::*request)(Reply&), std::optional<Reply>& kept)
+{
+    Reply reply{};
+    if ((command.*request)(reply) == 1) {
+        kept = reply;
+        return true;
+    }
+    const CommandFault fault = command.Fault();
+    return fault == CommandFault::Refused || fault == CommandFault::WrongType ||
+           fault == CommandFault::WrongAnswer;
+}
+
+/// The value of what was read, or unknown.
+template <typename Reply, typename Read>
+Value Known(const std::optional<Reply>& reply, Read read)
+{
+    return reply ? read(*reply) : Value::Unknown();
+}
+
+Value Percent(int number)
+{
+    return number >= 0 && number <= 100 ? Value::Integer(number, "%") : Value::Unknown();
+}
+
+struct Place
+{
+    Value latitude = Value::Unknown();
+    Value longitude = Value::Unknown();
+    Value height = Value::Unknown();
+};
+
+Place PlaceOf(const StatusReading& reading)
+{
+    if (!reading.HasPosition()) {
+        return {};
+    }
+    const SiteReply& site = reading.position->position;
+    const auto degrees = [](double rad) {
+        return Value::Real(rad * 180.0 / std::numbers::pi, kDegreeDecimals, "deg");
+    };
+    return {degrees(site.latitudeRad), degrees(site.longitudeRad),
+            Value::Real(site.heightM, 3, "m")};
+}
+
+Value Utc(const StatusReading& reading)
+{
+    return Known(reading.Utc(), UtcValue);
+}
+
+Value Fix(const StatusReading& reading)
+{
+    return Known(reading.status, [](const StatusReply& s) { return FixInWords(s.fixKind); });
+}
+
+Value Satellites(const StatusReading& reading)
+{
+    return Known(reading.status,
+                 [](const StatusReply& s) { return Value::Integer(s.satellitesTracked); });
+}
+
+Value Pdop(const StatusReading& reading)
+{
+    return Known(reading.status, [](const StatusReply& s) { return PdopValue(s.pdop); });
+}
+
+Value Battery(const StatusReading& reading)
+{
+    return Known(reading.status, [](const StatusReply& s) { return Percent(s.batteryPercent); });
+}
+
+Value Survey(const StatusReply& status)
+{
+    std::wstring text = status.survey;
+    text.erase(text.find_last_not_of(L' ') + 1);
+    const Value value = Value::Text(std::wstring_view(text));
+    return value.IsUnknown() ? Value::Text(std::string(), "none") : value;
+}
+
+void AddPosition(Report& report, const StatusReading& reading)
+{
+    const auto dop = [&](float PositionStatusReply::*which) {
+        return Known(reading.position,
+                     [which](const PositionStatusReply& p) { return PdopValue(p.*which); });
+    };
+    Place place = PlaceOf(reading);
+    report.Add("fix", "fix", Known(reading.position, [](const PositionStatusReply& p) {
+                   return FixInWords(p.fixKind);
+               }));
+    report.Add("satellitesUsed", "satellites used",
+               Known(reading.position, [](const PositionStatusReply& p) {
+                   return Value::Integer(p.satellitesUsed);
+               }));
+    report.Add("latitudeDeg", "latitude", std::move(place.latitude));
+    report.Add("longitudeDeg", "longitude", std::move(place.longitude));
+    report.Add("heightM", "ellipsoidal height", std::move(place.height));
+    report.Add("pdop", "PDOP", dop(&PositionStatusReply::pdop));
+    report.Add("hdop", "HDOP", dop(&PositionStatusReply::hdop));
+    report.Add("vdop", "VDOP", dop(&PositionStatusReply::vdop));
+}
+
+struct WatchColumn
+{
+    const char* label;
+    std::size_t width;
+    Value (*read)(const StatusReading&);
+};
+
+constexpr std::array kWatchColumns{
+    WatchColumn{"TIME", 25, Utc},
+    WatchColumn{"FIX", 14, Fix},
+    WatchColumn{"SATS", 6, Satellites},
+    WatchColumn{"PDOP", 6, Pdop},
+    WatchColumn{"BATTERY", 9, Battery},
+    WatchColumn{"LATITUDE", 18, [](const StatusReading& r) { return PlaceOf(r).latitude; }},
+    WatchColumn{"LONGITUDE", 18, [](const StatusReading& r) { return PlaceOf(r).longitude; }},
+    WatchColumn{"HEIGHT", 0, [](const StatusReading& r) { return PlaceOf(r).height; }},
+};
+
+} // namespace
+
+std::optional<Clock::UtcTime> StatusReading::Utc() const
+{
+    if (!status || !status->timeValid || !time) {
+        return std::nullopt;
+    }
+    return UtcOf(*time, controllerTime);
+}
+
+bool StatusReading::HasPosition() const
+{
+    constexpr int kFirstWithPlace = 2;
+    if (!position || position->fixKind < kFirstWithPlace) {
+        return false;
+    }
+    const SiteReply& site = position->position;
+    return std::isfinite(site.latitudeRad) && std::isfinite(site.longitudeRad) &&
+           std::isfinite(site.heightM) && std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
+           std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
+}
+
+std::optional<Failure> ReadStatus(PortSession& session, StatusReading& reading)
+{
+    CCommand& command = session.Command();
+    StatusReading fresh;
+    fresh.controllerTime = session.GetClock().Utc();
+    StatusReply status;
+    const bool answered = command.RequestStatus(status) == 1 &&
+                          Ask(command, &CCommand::RequestGpsTime, fresh.time) &&
+                          Ask(command, &CCommand::RequestPositionStatus, fresh.position) &&
+                          Ask(command, &CCommand::RequestBatteryPort, fresh.powerSource);
+    if (!answered) {
+        return session.RequestFailed();
+    }
+    fresh.status = std::move(status);
+    reading = std::move(fresh);
+    return std::nullopt;
+}
+
+void AddStatus(Report& report, const StatusReading& reading)
+{
+    const std::optional<StatusReply>& status = reading.status;
+    report.Add("utc", "time", Utc(reading));
+    report.Add("jst", "", Known(reading.Utc(), JstValue));
+    report.Add("gpsWeek", "GPS week",
+               Known(reading.time, [](const GpsTimeReply& t) { return Value::Integer(t.week); }));
+    report.Add("gpsSecondsOfWeek", "second of the week",
+               Known(reading.time, [](const GpsTimeReply& t) {
+                   return Value::Integer(std::lround(t.secondsOfWeek), "s");
+               }));
+    report.Add("timeValid", "time is valid",
+               Known(status, [](const StatusReply& s) { return Value::YesNo(s.timeValid); }));
+    report.Add("fix", "fix", Fix(reading));
+    report.Add("satellitesTracked", "satellites tracked", Satellites(reading));
+    report.Add("pdop", "PDOP", Pdop(reading));
+    report.Add("batteryPercent", "battery", Battery(reading));
+    report.Add("powerSource", "power source",
+               Known(reading.powerSource, [](int source) { return Value::Integer(source); }));
+    report.Add("freeMemoryPercent", "free memory", Known(status, [](const StatusReply& s) {
+                   return Percent(s.freeMemoryTenths * 10);
+               }));
+    report.Add("survey", "running survey", Known(status, Survey));
+    AddPosition(report.AddSection("position", "position"), reading);
+}
+
+std::string WatchLine(const StatusReading& reading)
+{
+    std::string line;
+    for (const WatchColumn& column : kWatchColumns) {
+        line += Padded(column.read(reading).Words(), column.width);
+    }
+    return line + "\n";
+}
+
+std::string WatchHeader()
+{
+    std::string line;
+    for (const WatchColumn& column : kWatchColumns) {
+        line += Padded(column.label, column.width);
+    }
+    return line + "\n";
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,69 @@
+#include "cli/TerminalHost.h"
+
+#include "cli/Utf8.h"
+
+#include <istream>
+#include <ostream>
+#include <string>
+
+namespace fieldcore::cli {
+
+namespace {
+
+struct Manner
+{
+    const char* kind;
+    Colour colour;
+};
+
+Manner MannerOf(BoxIcon icon)
+{
+    switch (icon) {
+    case BoxIcon::Exclamation:
+        return {"warning", Colour::Yellow};
+    case BoxIcon::Stop:
+        return {"error", Colour::Red};
+    case BoxIcon::Question:
+        return {"question", Colour::Plain};
+    case BoxIcon::None:
+    case BoxIcon::Information:
+        break;
+    }
+    return {"information", Colour::Plain};
+}
+
+} // namespace
+
+BoxAnswer TerminalHost::ShowMessage(std::wstring_view text, std::wstring_view caption,
+                                    BoxStyle style)
+{
+    const Manner manner = MannerOf(style.icon);
+    m_output.Message(manner.kind, ToUtf8(caption), ToUtf8(text), manner.colour);
+    switch (style.buttons) {
+    case BoxButtons::Ok:
+        break;
+    case BoxButtons::OkCancel:
+        return Agrees() ? BoxAnswer::Ok : BoxAnswer::Cancel;
+    case BoxButtons::YesNo:
+        return Agrees() ? BoxAnswer::Yes : BoxAnswer::No;
+    case BoxButtons::RetryCancel:
+        return Agrees() ? BoxAnswer::Retry : BoxAnswer::Cancel;
+    }
+    return BoxAnswer::Ok;
+}
+
+bool TerminalHost::Agrees()
+{
+    if (m_answers == Answers::AllYes) {
+        return true;
+    }
+    if (!m_world.inIsTerminal || !m_world.errIsTerminal) {
+        return false;
+    }
+    *m_world.err << "[y/N] " << std::flush;
+    std::string answer;
+    std::getline(*m_world.in, answer);
+    return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+} // namespace fieldcore::cli

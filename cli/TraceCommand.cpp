@@ -1,0 +1,281 @@
+#include "cli/Command.h"
+#include "cli/FrameDescriber.h"
+#include "cli/Utf8.h"
+
+#include "simulator/ExchangeRecord.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+using Kind = DescribedBytes::Kind;
+
+struct TraceOptions
+{
+    std::string file;
+    bool brief = false;
+};
+
+std::string HexByte(std::uint8_t byte)
+{
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "0x%02X", byte);
+    return text.data();
+}
+
+const char* KindCode(Kind kind)
+{
+    switch (kind) {
+    case Kind::Frame:
+        return "frame";
+    case Kind::Ack:
+        return "ack";
+    case Kind::Nak:
+        return "nak";
+    case Kind::Break:
+        return "break";
+    case Kind::Line:
+        return "line";
+    case Kind::Piece:
+        return "piece";
+    case Kind::Stray:
+        break;
+    }
+    return "stray";
+}
+
+std::string KindWords(const DescribedBytes& bytes)
+{
+    switch (bytes.kind) {
+    case Kind::Frame:
+        return HexByte(*bytes.type) + " " + bytes.name;
+    case Kind::Ack:
+        return "ACK";
+    case Kind::Nak:
+        return "NAK";
+    case Kind::Break:
+        return "BREAK";
+    case Kind::Line:
+        return "line of text";
+    case Kind::Piece:
+        return "piece of a frame" +
+               (bytes.type ? ", " + HexByte(*bytes.type) + " " + bytes.name : std::string());
+    case Kind::Stray:
+        break;
+    }
+    return "bytes that are no frame";
+}
+
+Value Checksum(const DescribedBytes& bytes)
+{
+    if (bytes.kind != Kind::Frame) {
+        return Value::Unknown();
+    }
+    return bytes.checksumGood
+               ? Value::Word("good", "checksum good")
+               : Value::Word("bad", "checksum BAD: " + HexByte(bytes.checksum) + ", should be " +
+                                        HexByte(bytes.expectedChecksum));
+}
+
+/// One thing that went over the line, as a report of its own.
+Report ReportOf(std::int64_t line, Direction direction, const DescribedBytes& bytes)
+{
+    Report report;
+    report.Add("line", "line", Value::Integer(line));
+    report.Add("direction", "direction",
+               Value::Text(std::string(direction == Direction::Sent ? "Tx" : "Rx")));
+    report.Add("kind", "kind", Value::Word(KindCode(bytes.kind), KindWords(bytes)));
+    report.Add("type", "type", bytes.type ? Value::Text(HexByte(*bytes.type)) : Value::Unknown());
+    report.Add("name", "name", Value::Text(bytes.name));
+    report.Add("length", "length",
+               Value::Integer(static_cast<std::int64_t>(bytes.length), "bytes"));
+    report.Add("checksum", "checksum", Checksum(bytes));
+    report.Add("fault", "fault", Value::Text(bytes.fault));
+    Report::Table table{
+        "fields",
+        "",
+        {{"offset", ""}, {"name", ""}, {"value", ""}, {"unit", ""}, {"meaning", ""}},
+        {}};
+    for (const DescribedField& field : bytes.fields) {
+        table.rows.push_back({Value::Integer(static_cast<std::int64_t>(field.offset)),
+                              Value::Text(field.name), field.value, Value::Text(field.value.Unit()),
+                              Value::Text(field.meaning)});
+    }
+    report.AddTable(std::move(table));
+    return report;
+}
+
+std::string FieldWords(const std::vector<DescribedField>& fields)
+{
+    std::size_t nameWidth = 0;
+    for (const DescribedField& field : fields) {
+        nameWidth = std::max(nameWidth, DisplayWidth(field.name));
+    }
+    std::string text;
+    for (const DescribedField& field : fields) {
+        const std::string offset = std::to_string(field.offset);
+        text += std::string(offset.size() < 7 ? 7 - offset.size() : 0, ' ') + offset + "  " +
+                Padded(field.name, nameWidth + 2) + field.value.Words();
+        text += field.meaning.empty() ? "" : "  (" + Printable(field.meaning) + ")";
+        text += "\n";
+    }
+    return text;
+}
+
+/// Goes through a log line by line. Text is written as it comes, so that a long log needs no
+/// memory; a JSON document is complete only at the end.
+class Tracer
+{
+public:
+    Tracer(const Context& context, bool brief) : m_context(context), m_brief(brief) {}
+
+    void Take(const std::string& line)
+    {
+        ++m_line;
+        simulator::RecordedBytes piece;
+        std::string error;
+        if (line.find_first_not_of(" \t\r") == std::string::npos) {
+            return;
+        }
+        if (!simulator::ParseLogLine(line, piece, error)) {
+            ++m_damagedLines;
+            TellDamage(error);
+            return;
+        }
+        const Direction direction = piece.direction == simulator::Direction::ToReceiver
+                                        ? Direction::Sent
+                                        : Direction::Received;
+        for (const DescribedBytes& bytes : DescribeBytes(direction, piece.bytes)) {
+            Tell(direction, bytes);
+        }
+    }
+
+    ExitCode Finish()
+    {
+        m_report.Add("exchanged", "exchanged", Value::Integer(m_told));
+        m_report.Add("faults", "faults", Value::Integer(m_faults));
+        m_report.Add("damagedLines", "damaged lines", Value::Integer(m_damagedLines));
+        if (m_told == 0 && m_damagedLines > 0) {
+            return m_context.output.Failed(
+                FileFailure("No line of it is one of an exchange log.",
+                            "Lines look like this: 00:1.000 Rcvr Tx [02 00 08 00 08 03 ]"),
+                m_context.output.IsJson() ? &m_report : nullptr);
+        }
+        const ExitCode code = m_context.output.Done(m_report, "");
+        m_context.output.Note("Exchanged: " + std::to_string(m_told) +
+                              ", with a fault: " + std::to_string(m_faults) +
+                              ", damaged lines: " + std::to_string(m_damagedLines) + ".");
+        return code;
+    }
+
+private:
+    [[nodiscard]] std::string LineNumber() const
+    {
+        const std::string number = std::to_string(m_line);
+        return std::string(number.size() < 5 ? 5 - number.size() : 0, ' ') + number + "  ";
+    }
+
+    void TellDamage(const std::string& error)
+    {
+        if (m_context.output.IsJson()) {
+            Report entry;
+            entry.Add("line", "line", Value::Integer(m_line));
+            entry.Add("kind", "kind", Value::Text(std::string("damaged-line")));
+            entry.Add("fault", "fault", Value::Text(error));
+            m_report.AddEntry("entries", std::move(entry));
+            return;
+        }
+        *m_context.world.out << LineNumber()
+                             << m_context.output.Painted("damaged line: ", Colour::Red)
+                             << Printable(error) << "\n";
+    }
+
+    void Tell(Direction direction, const DescribedBytes& bytes)
+    {
+        ++m_told;
+        m_faults +=
+            !bytes.checksumGood || !bytes.fault.empty() || bytes.kind == Kind::Stray ? 1 : 0;
+        if (m_context.output.IsJson()) {
+            m_report.AddEntry("entries", ReportOf(m_line, direction, bytes));
+            return;
+        }
+        std::string text = LineNumber() + (direction == Direction::Sent ? "Tx  " : "Rx  ") +
+                           KindWords(bytes) + ", " + std::to_string(bytes.length) +
+                           (bytes.length == 1 ? " byte" : " bytes");
+        if (bytes.kind == Kind::Frame) {
+            text +=
+                ", " + m_context.output.Painted(Checksum(bytes).Words(),
+                                                bytes.checksumGood ? Colour::Plain : Colour::Red);
+        }
+        if (!bytes.fault.empty()) {
+            text += "; " + m_context.output.Painted(bytes.fault, Colour::Red);
+        }
+        *m_context.world.out << text << "\n" << (m_brief ? "" : FieldWords(bytes.fields));
+    }
+
+    const Context& m_context;
+    const bool m_brief;
+    Report m_report;
+    std::int64_t m_line = 0;
+    std::int64_t m_told = 0;
+    std::int64_t m_faults = 0;
+    std::int64_t m_damagedLines = 0;
+};
+
+ExitCode Run(const Context& context, const TraceOptions& options)
+{
+    std::ifstream file;
+    const bool fromStdin = options.file == "-";
+    if (!fromStdin) {
+        file.open(options.file, std::ios::binary);
+        // A folder opens and cannot be read.
+        if (!file || (file.peek() == std::ifstream::traits_type::eof() && file.bad())) {
+            return context.output.Failed(
+                FileFailure("The log " + options.file + " cannot be read.",
+                            "Name a file that --log or sim run --record has written."));
+        }
+        file.clear();
+    }
+    Tracer tracer(context, options.brief);
+    std::string line;
+    while (!context.world.StopRequested() && *context.world.out &&
+           std::getline(fromStdin ? *context.world.in : file, line)) {
+        tracer.Take(line);
+    }
+    return context.world.StopRequested()
+               ? context.output.Failed(RequestFailure(CommandFault::Cancelled, ""))
+               : tracer.Finish();
+}
+
+} // namespace
+
+Command AddTraceCommand(CLI::App& program)
+{
+    CLI::App& parser =
+        AddParser(program, "trace", "Show an exchange log, field by field",
+                  "  fieldcore-cli info --port COM1 --log exchange.log   keep what is said\n"
+                  "  fieldcore-cli trace exchange.log                    and look at it\n"
+                  "  fieldcore-cli trace exchange.log --brief            a line for each frame\n"
+                  "  fieldcore-cli trace - < exchange.log                from stdin\n");
+    auto options = std::make_shared<TraceOptions>();
+    parser.add_option("file", options->file, "The log; - is stdin")->required()->type_name("FILE");
+    parser.add_flag("--brief", options->brief, "Leave the fields out");
+    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "core/platform/Clock.h"
+#include "core/platform/Folders.h"
+#include "core/platform/SystemRoots.h"
+
+#include <filesystem>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace fieldcore::cli {
+
+/// What the command line uses of the process and the machine around it. A test makes one up.
+struct World
+{
+    // Streams; they outlive the world.
+    std::ostream* out = nullptr;
+    std::ostream* err = nullptr;
+    std::istream* in = nullptr;
+    bool outIsTerminal = false;
+    bool errIsTerminal = false;
+    bool inIsTerminal = false;
+
+    /// An environment variable; nothing if it is not set or empty.
+    std::function<std::optional<std::string>(const std::string& name)> variable;
+    /// The signal with which the user asked for an end; 0 if there was none.
+    std::function<int()> stopSignal;
+    const Clock* clock = nullptr; ///< outlives the world
+
+    SystemRoots roots;
+    FolderSources folders;
+
+    /// Families of the fonts that have Japanese, one a line; nothing if they cannot be listed.
+    std::function<std::optional<std::string>()> listJapaneseFonts;
+    std::vector<std::filesystem::path> fontFolders; ///< where fonts are looked for otherwise
+
+    struct SerialGroup
+    {
+        std::string name; ///< empty: this machine has none
+        bool isMember = false;
+        bool isListed = false; ///< the user database has it, this session may not yet
+    };
+    /// The group whose members may open serial ports, and whether the user is one.
+    std::function<SerialGroup()> serialGroup;
+
+    [[nodiscard]] bool StopRequested() const { return stopSignal() != 0; }
+
+    /// The process that asks. Ctrl-C and a termination request are noted from now on instead of
+    /// ending it at once.
+    static World OfThisProcess();
+};
+
+} // namespace fieldcore::cli

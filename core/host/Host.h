@@ -1,0 +1,78 @@
+#pragma once
+
+#include <string_view>
+
+namespace fieldcore {
+
+enum class BoxButtons
+{
+    Ok,
+    OkCancel,
+    YesNo,
+    RetryCancel,
+};
+
+enum class BoxIcon
+{
+    None,
+    Information,
+    Exclamation,
+    Stop,
+    Question,
+};
+
+struct BoxStyle
+{
+    BoxButtons buttons = BoxButtons::Ok;
+    BoxIcon icon = BoxIcon::None;
+};
+
+enum class BoxAnswer
+{
+    Ok,
+    Cancel,
+    Yes,
+    No,
+    Retry,
+};
+
+/// What the library asks of the application around it. A program with windows, a terminal
+/// program and a test each bring their own. Every call comes on the thread that uses the
+/// library, and none may throw.
+class Host
+{
+public:
+    virtual ~Host() = default;
+
+    /// Shows a message over the active window and waits for the answer.
+    virtual BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
+                                  BoxStyle style) = 0;
+
+    /// Puts the input focus into the control that carries @p controlId in the active window.
+    virtual void FocusControl(int controlId) { static_cast<void>(controlId); }
+
+    /// Switches the wait cursor on or off; calls nest.
+    virtual void ShowWaitCursor(bool on) { static_cast<void>(on); }
+
+    /// Called about every 50 ms while the library waits for the receiver, so that a window can
+    /// repaint. A request to the receiver made from inside is refused, since one is under way.
+    /// @return false when the user wants the running operation to end
+    virtual bool Breathe() { return true; }
+
+    /// Whether the controller is the model with the small screen, which has layouts of its own.
+    [[nodiscard]] virtual bool IsQ77() const { return false; }
+};
+
+/// The host of a program that has nobody to ask: every question is answered with the answer
+/// that changes nothing (Cancel or No), every message counts as read.
+class SilentHost final : public Host
+{
+public:
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
+                          BoxStyle style) override;
+
+    /// The one that is used where no other is given.
+    static SilentHost& Instance();
+};
+
+} // namespace fieldcore

@@ -1,0 +1,111 @@
+#include "core/link/Connect.h"
+
+#include "core/link/Command.h"
+#include "core/link/RecvInfo.h"
+#include "core/resources/StringTable.h"
+
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr double kFirstRelease = 1.0; // firmware before it is a beta
+
+} // namespace
+
+CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
+    : m_command(command), m_reconnect(reconnect), m_target(std::move(target))
+{}
+
+int CConnect::DoModal()
+{
+    if (m_command.IsPortOpen() != 0) {
+        return Connected;
+    }
+    if (stStartMessage() != 1) {
+        return NotConnected;
+    }
+    ConnectSequence sequence(m_command, m_target);
+    if (RunSequence(sequence) == 1) {
+        return Connected;
+    }
+    if (sequence.FailedFault() != CommandFault::Cancelled) {
+        m_command.GetHost().ShowMessage(sequence.FailureMessage(),
+                                        Text(text::kConnectFailedCaption),
+                                        {BoxButtons::Ok, BoxIcon::Stop});
+    }
+    return NotConnected;
+}
+
+int CConnect::RunSequence(ConnectSequence& sequence)
+{
+    return sequence.Run();
+}
+
+int CConnect::stStartMessage()
+{
+    Host& host = m_command.GetHost();
+    if (!m_target.IsBluetooth()) {
+        const BoxAnswer answer =
+            host.ShowMessage(Text(text::kConnectCable), Text(text::kConnectCableCaption),
+                             {BoxButtons::OkCancel, BoxIcon::Information});
+        return answer == BoxAnswer::Ok ? 1 : 0;
+    }
+    if (m_reconnect != 0) {
+        const BoxAnswer answer = host.ShowMessage(Text(text::kReconnectBluetooth),
+                                                  Text(text::kReconnectBluetoothCaption),
+                                                  {BoxButtons::RetryCancel, BoxIcon::Question});
+        return answer == BoxAnswer::Retry ? 1 : 0;
+    }
+    const BoxAnswer answer =
+        host.ShowMessage(Text(text::kConnectBluetooth), Text(text::kConnectBluetoothCaption),
+                         {BoxButtons::OkCancel, BoxIcon::Information});
+    return answer == BoxAnswer::Ok ? 1 : 0;
+}
+
+int CConnect::CheckRecvType()
+{
+    Host& host = m_command.GetHost();
+    CRecvInfo info;
+    if (info.GetOptionData(m_command) == 0) {
+        host.ShowMessage(Text(text::kPortIsSending), Text(text::kPortIsSendingCaption),
+                         {BoxButtons::Ok, BoxIcon::Stop});
+        return 0;
+    }
+    constexpr BoxStyle kWarning{BoxButtons::Ok, BoxIcon::Exclamation};
+    const std::uint32_t type = info.GetRecvTypeNum();
+    if (stGetRecvTypeFlag(type) == 0) {
+        host.ShowMessage(stCreateWarMes(type), Text(text::kUnsupportedTypeCaption), kWarning);
+        return 0;
+    }
+    const double minimum = stGetRecvVer(type);
+    const double version = info.GetNavVer();
+    if (minimum <= version) {
+        return 1;
+    }
+    if (version < kFirstRelease) {
+        host.ShowMessage(Text(text::kBetaFirmware), Text(text::kFirmwareCaption), kWarning);
+        return 1; // accepted on purpose, only with the warning
+    }
+    host.ShowMessage(FormatText(text::kOldFirmware, static_cast<long>(type), minimum, minimum),
+                     Text(text::kFirmwareCaption), kWarning);
+    return 0;
+}
+
+int CConnect::stGetRecvTypeFlag(std::uint32_t typeNumber) const
+{
+    return m_flags.Get(typeNumber);
+}
+
+double CConnect::stGetRecvVer(std::uint32_t typeNumber) const
+{
+    return MinimumNavVersion(typeNumber);
+}
+
+std::wstring CConnect::stCreateWarMes(std::uint32_t typeNumber) const
+{
+    return UnsupportedReceiverWarning(typeNumber);
+}
+
+} // namespace fieldcore

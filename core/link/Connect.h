@@ -1,0 +1,62 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/link/ConnectSequence.h"
+#include "core/link/ReceiverTypes.h"
+
+#include <cstdint>
+#include <string>
+
+namespace fieldcore {
+
+/// Connecting: makes sure that a receiver is there, that the host supports it, and that its
+/// firmware is recent enough. Asks and warns through the channel's host. Made where a receiver
+/// is needed, run, and thrown away; the port that it opened stays open for the caller.
+class CConnect
+{
+public:
+    enum Result : int
+    {
+        Connected = 1,
+        NotConnected = 2,
+    };
+
+    /// @param command    not owned; must outlive this object
+    /// @param reconnect  not 0 when the host asks after a lost Bluetooth link
+    CConnect(CCommand& command, int reconnect, ConnectTarget target);
+    virtual ~CConnect() = default;
+    CConnect(const CConnect&) = delete;
+    CConnect& operator=(const CConnect&) = delete;
+
+    /// Declares a receiver type acceptable or not. Numbers that no host can support are ignored.
+    void SetRecvTypeFlag(std::uint32_t typeNumber, int flag) { m_flags.Set(typeNumber, flag); }
+    void SupportAllTypes() { m_flags.SetAll(); }
+
+    /// Asks the user to prepare the receiver and connects, unless the port is open already.
+    /// @return Connected or NotConnected
+    int DoModal();
+
+    /// Whether the connected receiver is acceptable; if not, the user has been told why. Firmware
+    /// before 1.0 is accepted with a warning.
+    /// @return 1 or 0
+    int CheckRecvType();
+
+    [[nodiscard]] int stGetRecvTypeFlag(std::uint32_t typeNumber) const;
+    [[nodiscard]] double stGetRecvVer(std::uint32_t typeNumber) const;
+    [[nodiscard]] std::wstring stCreateWarMes(std::uint32_t typeNumber) const;
+    /// @return 1 if the user is ready
+    int stStartMessage();
+
+protected:
+    /// Runs the connect sequence. A screen overrides it to show the steps.
+    /// @return 1 if connected
+    virtual int RunSequence(ConnectSequence& sequence);
+
+private:
+    CCommand& m_command;
+    const int m_reconnect;
+    const ConnectTarget m_target;
+    SupportedTypeFlags m_flags;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,134 @@
+#include "core/link/ConnectSequence.h"
+
+#include "core/link/Command.h"
+#include "core/resources/StringTable.h"
+
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kPolls = 4;
+constexpr std::chrono::milliseconds kPollPause{300};
+constexpr int kTotalSteps = 3 + 2 * kPolls;
+
+} // namespace
+
+const wchar_t* StepText(ConnectStep step)
+{
+    switch (step) {
+    case ConnectStep::OpenPort:
+        return Text(text::kStepOpenPort);
+    case ConnectStep::WakeReceiver:
+        return Text(text::kStepWakeReceiver);
+    case ConnectStep::AskStatus:
+        return Text(text::kStepStatus);
+    case ConnectStep::ReadOptions:
+        return Text(text::kStepOptions);
+    case ConnectStep::ReadSerial:
+        return Text(text::kStepSerial);
+    }
+    return L"";
+}
+
+const wchar_t* CauseText(CommandFault fault)
+{
+    switch (fault) {
+    case CommandFault::None:
+        break;
+    case CommandFault::NotOpen:
+    case CommandFault::OpenFailed:
+        return Text(text::kCauseNotOpened);
+    case CommandFault::WriteFailed:
+    case CommandFault::TooLong:
+        return Text(text::kCauseNotWritten);
+    case CommandFault::TimedOut:
+        return Text(text::kCauseNoAnswer);
+    case CommandFault::Refused:
+        return Text(text::kCauseRefused);
+    case CommandFault::Malformed:
+    case CommandFault::BadChecksum:
+        return Text(text::kCauseDamaged);
+    case CommandFault::WrongAnswer:
+    case CommandFault::WrongType:
+        return Text(text::kCauseOtherAnswer);
+    case CommandFault::LinkLost:
+        return Text(text::kCauseLinkLost);
+    case CommandFault::Cancelled:
+        return Text(text::kCauseCancelled);
+    case CommandFault::Busy:
+        return Text(text::kCauseBusy);
+    }
+    return L"";
+}
+
+ConnectSequence::ConnectSequence(CCommand& command, ConnectTarget target)
+    : m_command(command), m_target(std::move(target))
+{}
+
+int ConnectSequence::Run(ConnectObserver* observer)
+{
+    m_observer = observer;
+    m_done = 0;
+    m_fault = CommandFault::None;
+    m_detail.clear();
+    StatusReply status;
+    const bool connected =
+        Do(ConnectStep::OpenPort, [this] { return OpenPort(); }) == 1 &&
+        Do(ConnectStep::WakeReceiver, [this] { return m_command.WakeReceiver(); }) == 1 &&
+        Do(ConnectStep::AskStatus, [&] { return m_command.RequestStatus(status); }) == 1 &&
+        Poll() == 1;
+    if (!connected) {
+        m_command.ClosePort();
+    }
+    return connected ? 1 : 0;
+}
+
+int ConnectSequence::OpenPort()
+{
+    return m_target.devicePath.empty() ? m_command.OpenPort(m_target.port, m_target.settings)
+                                       : m_command.OpenPort(m_target.devicePath, m_target.settings);
+}
+
+int ConnectSequence::Poll()
+{
+    for (int poll = 0; poll < kPolls; ++poll) {
+        OptionsReply options;
+        SerialReply serial;
+        const bool answered =
+            Do(ConnectStep::ReadOptions, [&] { return m_command.RequestOptions(options); }) == 1 &&
+            Do(ConnectStep::ReadSerial, [&] {
+                return m_command.RequestSerial(serial) == 1 && m_command.Rest(kPollPause) == 1 ? 1
+                                                                                               : 0;
+            }) == 1;
+        if (!answered) {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+/// Runs one step, and keeps why it failed if it does.
+template <typename Request>
+int ConnectSequence::Do(ConnectStep step, Request request)
+{
+    m_step = step;
+    if (m_observer != nullptr) {
+        m_observer->OnStep(step, m_done, kTotalSteps);
+    }
+    if (request() == 0) {
+        m_fault = m_command.Fault();
+        m_detail = m_command.LastError();
+        return 0;
+    }
+    ++m_done;
+    return 1;
+}
+
+std::wstring ConnectSequence::FailureMessage() const
+{
+    return FormatText(text::kConnectFailed, StepText(m_step), CauseText(m_fault));
+}
+
+} // namespace fieldcore

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "core/link/CommandChannel.h"
+
+#include <string>
+
+namespace fieldcore {
+
+class CCommand;
+
+/// Where the receiver is reached, and how.
+struct ConnectTarget
+{
+    int port = 1;           ///< COM number; 1 is the cable, any other a Bluetooth serial port
+    std::string devicePath; ///< a device of this machine in place of the COM number
+    PortSettings settings;
+
+    [[nodiscard]] bool IsBluetooth() const { return port != 1; }
+};
+
+enum class ConnectStep
+{
+    OpenPort,
+    WakeReceiver,
+    AskStatus,
+    ReadOptions,
+    ReadSerial,
+};
+
+/// What a step is called, for the user.
+[[nodiscard]] const wchar_t* StepText(ConnectStep step);
+
+/// Why a request failed, for the user, with what to do about it.
+[[nodiscard]] const wchar_t* CauseText(CommandFault fault);
+
+/// Watches a connection being made. Called on the thread that runs it.
+class ConnectObserver
+{
+public:
+    virtual ~ConnectObserver() = default;
+
+    /// @param done   how many steps are behind, of @p total
+    virtual void OnStep(ConnectStep step, int done, int total) = 0;
+};
+
+/// Makes the connection: opens the port, wakes the receiver, asks its status, and polls options
+/// and serial record until the line has shown that it holds. A screen and a terminal drive the
+/// same object. The user cancels through the host's breath.
+class ConnectSequence
+{
+public:
+    /// @param command  its port is not open; must outlive this object
+    ConnectSequence(CCommand& command, ConnectTarget target);
+
+    /// @return 1 with the port open; 0 with the port closed again, the reason in FailedStep()
+    ///         and FailedFault()
+    int Run(ConnectObserver* observer = nullptr);
+
+    [[nodiscard]] ConnectStep FailedStep() const { return m_step; }
+    [[nodiscard]] CommandFault FailedFault() const { return m_fault; }
+    /// What failed and why, for the user.
+    [[nodiscard]] std::wstring FailureMessage() const;
+    /// The same for developers.
+    [[nodiscard]] const std::string& FailureDetail() const { return m_detail; }
+
+private:
+    int OpenPort();
+    int Poll();
+    template <typename Request>
+    int Do(ConnectStep step, Request request);
+
+    CCommand& m_command;
+    const ConnectTarget m_target;
+    ConnectObserver* m_observer = nullptr;
+    int m_done = 0;
+    ConnectStep m_step = ConnectStep::OpenPort;
+    CommandFault m_fault = CommandFault::None;
+    std::string m_detail;
+};
+
+} // namespace fieldcore

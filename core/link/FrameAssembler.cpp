@@ -1,0 +1,126 @@
+#include "core/link/FrameAssembler.h"
+
+#include <algorithm>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr std::uint8_t kStx = 0x02;
+constexpr std::uint8_t kAck = 0x06;
+constexpr std::uint8_t kNak = 0x15;
+constexpr std::uint8_t kUnsolicitedType = 0x40;
+constexpr std::size_t kHeaderLength = 5; // enough to know the length of either kind of frame
+constexpr std::size_t kLongestLinePiece = 255;
+constexpr std::size_t kShortestLine = 2; // an LF before this index is part of the line
+
+} // namespace
+
+std::optional<Delivery> FrameAssembler::AssembleFrame(ByteQueue& queue, std::size_t available)
+{
+    available = std::min(available, queue.Size());
+    while (available > 0) {
+        if (m_count == 0 && available == 1) {
+            Append(queue, 1);
+            if (m_buffer[0] == kStx) {
+                return std::nullopt;
+            }
+            return DeliverLoneByte();
+        }
+        if (m_count < kHeaderLength) {
+            const std::size_t header = std::min(kHeaderLength - m_count, available);
+            Append(queue, header);
+            available -= header;
+            if (m_count < kHeaderLength) {
+                return std::nullopt;
+            }
+        }
+        const std::size_t expected = AnnouncedLength();
+        if (expected > m_buffer.size()) {
+            return Deliver(ExchangeState::Malformed, 0);
+        }
+        const std::size_t readNow = std::min(expected - m_count, available);
+        if (readNow > kLargestStep) {
+            return std::nullopt;
+        }
+        Append(queue, readNow);
+        available -= readNow;
+        if (m_buffer[0] != kStx) {
+            return Deliver(ExchangeState::Malformed, 0);
+        }
+        if (m_count == expected) {
+            if (m_buffer[2] != kUnsolicitedType) {
+                return Deliver(ExchangeState::Frame, expected);
+            }
+            PutAside();
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Delivery> FrameAssembler::AssembleLine(ByteQueue& queue)
+{
+    const std::size_t before = m_count;
+    const std::size_t room = m_buffer.size() - m_count;
+    const bool tooMuch = queue.Size() > kLongestLinePiece;
+    Append(queue, std::min(tooMuch ? kLongestLinePiece : queue.Size(), room));
+    queue.Clear();
+
+    const auto begin = m_buffer.begin();
+    const auto end = begin + static_cast<std::ptrdiff_t>(m_count);
+    const auto first =
+        begin + static_cast<std::ptrdiff_t>(std::max(kShortestLine, std::min(before, m_count)));
+    const auto lineFeed = first < end ? std::find(first, end, '\n') : end;
+    if (lineFeed != end) {
+        return Deliver(ExchangeState::Frame, static_cast<std::size_t>(lineFeed - begin));
+    }
+    if (m_count == m_buffer.size()) {
+        return Deliver(ExchangeState::Malformed, 0);
+    }
+    return std::nullopt;
+}
+
+void FrameAssembler::Reset()
+{
+    m_count = 0;
+}
+
+void FrameAssembler::Append(ByteQueue& queue, std::size_t count)
+{
+    m_count += queue.Take(std::span(m_buffer).subspan(m_count, count));
+}
+
+std::size_t FrameAssembler::AnnouncedLength() const
+{
+    if (m_buffer[2] == kLongFrameType) {
+        return (static_cast<std::size_t>(m_buffer[3]) << 8 | m_buffer[4]) + 7;
+    }
+    return m_buffer[3] + std::size_t{6};
+}
+
+void FrameAssembler::PutAside()
+{
+    std::copy_n(m_buffer.begin(), m_count, m_unsolicited.begin());
+    m_unsolicitedLength = m_count;
+    Reset();
+}
+
+Delivery FrameAssembler::Deliver(ExchangeState state, std::size_t length)
+{
+    Reset();
+    return {state, length};
+}
+
+Delivery FrameAssembler::DeliverLoneByte()
+{
+    switch (m_buffer[0]) {
+    case kAck:
+        return Deliver(ExchangeState::Ack, 1);
+    case kNak:
+        return Deliver(ExchangeState::Nak, 1);
+    default:
+        return Deliver(ExchangeState::Malformed, 0);
+    }
+}
+
+} // namespace fieldcore

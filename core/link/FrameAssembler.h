@@ -1,0 +1,77 @@
+#pragma once
+
+#include "core/link/ByteQueue.h"
+#include "core/link/FrameBuffer.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace fieldcore {
+
+/// What the reader of a port has to report to whoever waits for an answer.
+enum class ExchangeState : int
+{
+    Nothing = 0,
+    Frame = 1, ///< a complete frame, or a complete line of text
+    Ack = 6,   ///< a lone 0x06
+    Nak = 21,  ///< a lone 0x15
+    Malformed = -201,
+    TimedOut = -202,
+};
+
+/// One report.
+struct Delivery
+{
+    ExchangeState state = ExchangeState::Nothing;
+    std::size_t length = 0; ///< bytes of the buffer that belong to it; 0 if malformed
+};
+
+/// Makes frames, lone answer bytes or lines of text out of the queued bytes of a port. It reads
+/// exactly what the header of a frame announces, so that frames which arrive together are told
+/// apart and the bytes of a following one stay queued. Allocates nothing. Not locked.
+class FrameAssembler
+{
+public:
+    /// More than this is never taken from the queue in one step.
+    static constexpr std::size_t kLargestStep = 512;
+
+    /// One pass over the first @p available queued bytes: ends when they are used up, when a step
+    /// would take more than kLargestStep bytes (nothing is taken then), or with a delivery, after
+    /// which Buffer() holds what was delivered until the next pass.
+    ///
+    /// A frame that announces more than the buffer holds is malformed. A frame of type 0x40 is
+    /// nobody's answer: it is put aside (see Unsolicited()) and the pass goes on.
+    [[nodiscard]] std::optional<Delivery> AssembleFrame(ByteQueue& queue, std::size_t available);
+
+    /// The same for text: a line is complete with an LF at index 2 or later, which is not part
+    /// of it, and whatever is queued behind it is lost. So is what exceeds 255 bytes at a time.
+    [[nodiscard]] std::optional<Delivery> AssembleLine(ByteQueue& queue);
+
+    /// Forgets a half-assembled frame.
+    void Reset();
+
+    [[nodiscard]] std::span<const std::uint8_t> Buffer() const { return m_buffer; }
+
+    /// The last frame of type 0x40; empty if there was none.
+    [[nodiscard]] std::span<const std::uint8_t> Unsolicited() const
+    {
+        return std::span(m_unsolicited).first(m_unsolicitedLength);
+    }
+
+private:
+    void Append(ByteQueue& queue, std::size_t count);
+    [[nodiscard]] std::size_t AnnouncedLength() const;
+    void PutAside();
+    Delivery Deliver(ExchangeState state, std::size_t length);
+    Delivery DeliverLoneByte();
+
+    std::array<std::uint8_t, kFrameBufferSize> m_buffer{};
+    std::size_t m_count = 0; // bytes of the frame so far
+    std::array<std::uint8_t, kFrameBufferSize> m_unsolicited{};
+    std::size_t m_unsolicitedLength = 0;
+};
+
+} // namespace fieldcore

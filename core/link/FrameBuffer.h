@@ -1,0 +1,109 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace fieldcore {
+
+/// Size of every buffer that holds a frame, bytes.
+inline constexpr std::size_t kFrameBufferSize = 1024;
+
+/// The type of the only frames that carry a 16-bit data length.
+inline constexpr std::uint8_t kLongFrameType = 0x95;
+
+/// One frame of the receiver's protocol, being built or being read, with a cursor.
+///
+/// A frame is STX, status, type, data length n, n data bytes, checksum, ETX; a long frame (type
+/// 0x95, received only) has two length bytes. The checksum is the sum of everything between STX
+/// and itself, modulo 256. Integers are big-endian.
+///
+/// Nothing ever happens outside the 1024 bytes: a write behind the last byte is dropped, a read
+/// there yields 0xFF, a copy of several bytes is made only if it lies inside the buffer
+/// entirely. The cursor shows 1023 at the most. One thread.
+class FrameBuffer
+{
+public:
+    /// Which way GetByte reads its byte.
+    enum class ByteForm
+    {
+        Number,
+        Digit, ///< an ASCII digit as its value; any character below '0' is 0
+    };
+
+    // Building a frame. Each writes at the cursor and advances it.
+
+    /// Writes the first four bytes.
+    /// @param dataLength  more than 255 makes a frame that cannot be sent
+    /// @param clear  zero the buffer first and put the cursor behind the header
+    void BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool clear = true);
+    /// @return 0 if the byte was dropped
+    int PutByte(std::uint8_t value);
+    void PutWord(std::uint16_t value);
+    void PutLong(std::uint32_t value);
+    /// Writes CP932 text, cut or blank-filled to @p width bytes.
+    /// @param useTextLength  the width is the converted text's own length instead
+    void PutText(std::wstring_view text, std::size_t width, bool useTextLength = false);
+    /// Puts right a data length that is known only after the data are written: cursor minus 4.
+    void SetPacketLength(std::uint32_t dataLength);
+    /// Writes checksum and ETX behind the data; the cursor is not used.
+    void EndPacket();
+
+    // Reading a frame. Each reads at the cursor and advances it.
+
+    [[nodiscard]] std::uint8_t GetReplyType() const { return PacketBuffer[2]; }
+    [[nodiscard]] std::uint32_t GetDataLength() const { return m_dataLength; }
+    /// Puts the cursor on the first data byte of a short frame.
+    void ResetReadPos() { m_cursor = 4; }
+    [[nodiscard]] std::uint32_t GetCursor() const;
+    /// Moves the cursor on, at most to the last byte.
+    void SkipBytes(std::size_t count);
+    std::uint8_t GetByte(ByteForm form = ByteForm::Number);
+    std::uint16_t GetWord();
+    std::uint32_t GetTriple();
+    std::uint32_t GetLong();
+    /// An IEEE 754 double; NaN if it does not lie inside the buffer.
+    double GetDouble();
+    /// An IEEE 754 single; NaN if it does not lie inside the buffer.
+    float GetFloat();
+    /// @p count raw characters, as they are; empty if they do not lie inside the buffer.
+    std::string GetChars(std::size_t count);
+    /// @p count bytes of CP932 as text, at most 255 bytes of them; a zero byte ends the text.
+    std::wstring GetText(std::size_t count);
+
+    /// Puts a received frame in place and takes its data length from its header. Anything that
+    /// is too short to have one counts as a frame without data.
+    void Load(std::span<const std::uint8_t> frame);
+
+    /// @return 1 if STX stands first and the checksum is right (ETX is not looked at), else 0
+    [[nodiscard]] int VerifyChecksum() const;
+
+    [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return PacketBuffer; }
+    /// The frame that was built: data length + 6 bytes; empty if that does not make a frame.
+    [[nodiscard]] std::span<const std::uint8_t> BuiltFrame() const;
+
+protected:
+    /// While locked, nothing can be built: a frame is under way that must not be disturbed.
+    void LockBuilding(bool locked) { m_locked = locked; }
+    void SetDataLength(std::uint32_t length) { m_dataLength = length; }
+    /// Takes the data length from the header of the frame in the buffer.
+    void ReadDataLength();
+
+    std::array<std::uint8_t, kFrameBufferSize> PacketBuffer{};
+
+private:
+    /// The @p count bytes at the cursor if they lie inside the buffer, else none. Advances.
+    std::span<const std::uint8_t> Take(std::size_t count);
+    std::uint32_t GetInteger(std::size_t width);
+    void Advance(std::size_t count);
+    [[nodiscard]] std::uint8_t Checksum(std::size_t end) const;
+
+    std::uint32_t m_dataLength = 0;
+    std::uint32_t m_cursor = 4; // 1024: behind the last byte
+    bool m_locked = false;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace fieldcore {
+
+/// Families of receivers, which differ in their file commands.
+enum class ReceiverFamily
+{
+    Oldest,
+    Pica,
+    Lark,
+};
+
+/// One receiver model that the library knows by its type number.
+struct ReceiverType
+{
+    std::uint32_t number;
+    ReceiverFamily family;
+    bool canBeSupported;  ///< a host may declare it acceptable
+    double minimumNav;    ///< lowest navigation firmware version that is supported
+    const wchar_t* model; ///< null: known by its number only
+};
+
+/// @return null for a number that is in no table
+[[nodiscard]] const ReceiverType* FindReceiverType(std::uint32_t number);
+
+/// Lowest navigation firmware version that is supported; 9.99 for an unknown type.
+[[nodiscard]] double MinimumNavVersion(std::uint32_t typeNumber);
+
+/// Type number of the type code that the options reply carries.
+/// @param modelWord  tells apart the two models of code 0
+[[nodiscard]] std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord);
+
+/// The warning that the software does not support a receiver, by model name where it has one.
+[[nodiscard]] std::wstring UnsupportedReceiverWarning(std::uint32_t typeNumber);
+
+/// Which receivers a host accepts. None at first.
+class SupportedTypeFlags
+{
+public:
+    SupportedTypeFlags();
+
+    /// Numbers that no host can support are ignored.
+    void Set(std::uint32_t typeNumber, int flag);
+    /// @return 0 for a number that no host can support
+    [[nodiscard]] int Get(std::uint32_t typeNumber) const;
+    /// Accepts every receiver that can be supported.
+    void SetAll();
+
+private:
+    std::vector<int> m_flags; // one for each row of the type table
+};
+
+} // namespace fieldcore

@@ -1,0 +1,161 @@
+#pragma once
+
+#include "core/link/FrameBuffer.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace fieldcore {
+
+// What the receiver answers, read out of a frame. Every parser answers nothing when the frame is
+// of another type, shorter than its layout, or holds a value that no receiver can mean; the
+// frame's cursor is left behind the last field. The layouts stand in docs/protocol.md.
+
+/// Identity and firmware, reply 0x07. Versions are five digits, hundredths: "00443" is 4.43.
+struct SerialReply
+{
+    std::wstring shortSerial;
+    std::wstring receiverType; ///< without trailing blanks
+    std::wstring navVersion;
+    std::wstring sigVersion;
+    std::wstring bootVersion;
+    std::wstring antennaSerial;
+    std::wstring antennaType;
+    std::wstring longSerial; ///< a copy of the short one if the receiver sends none
+};
+[[nodiscard]] std::optional<SerialReply> ParseSerial(FrameBuffer& frame);
+
+/// Installed options, reply 0x4B to a request without data. See CRecvInfo for what they mean.
+struct OptionsReply
+{
+    std::uint8_t firstOption = 0;  ///< kept; nothing reads it
+    double tenths = 0.0;           ///< kept; nothing reads it
+    std::uint32_t loggingRate = 0; ///< the rate word times 100
+    std::uint8_t currentPort = 0;
+    std::uint8_t portCount = 0;
+    std::uint8_t frequencies = 0; ///< 2: L1 and L2
+    std::uint8_t nmea = 0;
+    std::uint8_t rtcm1Input = 0;
+    std::uint8_t rtcm2Input = 0;
+    std::uint8_t rtcmOutput = 0; ///< bit 1: version 2.3, bit 2: version 3.0
+    std::uint8_t rtcm2Output = 0;
+    std::uint16_t memory = 0;
+    std::uint8_t byte32 = 0; ///< kept; nothing reads it
+    std::uint8_t rtk = 0;
+    std::uint8_t rtkFlags = 0;
+    std::uint8_t rtcm21 = 0;
+    std::uint8_t typeCode = 0;
+    bool bluetooth = false;
+    std::uint8_t flags1 = 0;
+    std::uint8_t flags2 = 0;     ///< bit 7: extended options can be asked for
+    std::uint16_t modelWord = 0; ///< 0 unless the type code is 0
+};
+[[nodiscard]] std::optional<OptionsReply> ParseOptions(FrameBuffer& frame);
+
+/// Extended options, reply 0x4B to the request with the data byte 1. All clear when the receiver
+/// has none.
+struct ExtendedOptionsReply
+{
+    bool l5 = false;
+    bool l2c = false;
+    bool glonass = false;
+    bool galileo = false;
+    bool qzss = false;
+    bool tilt = false;
+    bool meridian = false;
+    bool cmrxInput = false;
+    bool cmrxOutput = false;
+    std::uint16_t loggingRate = 0;
+};
+[[nodiscard]] std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameBuffer& frame);
+
+/// Receiver status, reply 0x09.
+struct StatusReply
+{
+    bool timeValid = false;
+    int satellitesTracked = 0;
+    int batteryPercent = 0;
+    double pdop = 0.0; ///< 99.9 when there is none
+    int fixKind = 0;
+    bool rtkFixed = false; ///< the fix kind is 5
+    std::wstring survey;   ///< the running survey, blank when none; 4 characters
+    int freeMemoryTenths = 0;
+};
+[[nodiscard]] std::optional<StatusReply> ParseStatus(FrameBuffer& frame);
+
+/// GPS time, reply 0x15.
+struct GpsTimeReply
+{
+    double secondsOfWeek = 0.0; ///< 0 <= s < 604800
+    int week = 0;               ///< as sent, not repaired
+    int utcOffsetS = 0;         ///< of UTC from GPS time, whole seconds
+};
+[[nodiscard]] std::optional<GpsTimeReply> ParseGpsTime(FrameBuffer& frame);
+
+/// The receiver's last known place, reply 0x31. WGS84.
+struct SiteReply
+{
+    double latitudeRad = 0.0;
+    double longitudeRad = 0.0;
+    double heightM = 0.0; ///< above the ellipsoid
+};
+[[nodiscard]] std::optional<SiteReply> ParseSite(FrameBuffer& frame);
+
+/// Position status, reply 0x35.
+struct PositionStatusReply
+{
+    int fixKind = 0; ///< 0 none, 1 searching, 2 single, 3 differential, 4 float, 5 fixed
+    int satellitesUsed = 0;
+    std::uint32_t week = 0;
+    std::uint32_t secondsOfWeek = 0;
+    // From here on as sent: without a fix these may be no numbers.
+    float pdop = 0.0F;
+    float hdop = 0.0F;
+    float vdop = 0.0F;
+    SiteReply position;
+};
+[[nodiscard]] std::optional<PositionStatusReply> ParsePositionStatus(FrameBuffer& frame);
+
+/// The power source that feeds the receiver, reply 0x41: 1, 2 or 3.
+[[nodiscard]] std::optional<int> ParseBatteryPort(FrameBuffer& frame);
+
+/// Settings flags, reply 0x7A. The third is 1 while an application file fixes the signals.
+using SettingsFlags = std::array<std::uint8_t, 3>;
+[[nodiscard]] std::optional<SettingsFlags> ParseSettingsFlags(FrameBuffer& frame);
+
+/// A moment of GPS time as the tilt sensor reports it.
+struct TiltTime
+{
+    std::uint16_t week = 0;
+    std::uint32_t secondsOfWeek = 0;
+};
+
+/// A reading of the tilt sensor, reply 0xC8. Angles as sent; they may be no numbers.
+struct TiltReading
+{
+    int state = 0; ///< 0 starting, 1 measuring, 2 moving too fast, 3 out of range
+    bool error1 = false;
+    bool error2 = false;
+    bool sensorPresent = false;
+    int calibrationState = 0;
+    bool calibrationValid = false; ///< the calibration state may be believed
+    bool calibrated = false;
+    double t1Rad = 0.0;
+    double t2Rad = 0.0;
+    double tiltRad = 0.0;
+    std::optional<TiltTime> time; ///< nothing when unknown
+};
+[[nodiscard]] std::optional<TiltReading> ParseTiltReading(FrameBuffer& frame);
+
+/// The tilt sensor's calibration record, reply 0xC8.
+struct TiltCalibration
+{
+    int validityHours = 0;
+    std::optional<TiltTime> calibrated; ///< nothing when never
+    int progressPercent = 0;            ///< while a calibration runs
+};
+[[nodiscard]] std::optional<TiltCalibration> ParseTiltCalibration(FrameBuffer& frame);
+
+} // namespace fieldcore

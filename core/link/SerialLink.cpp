@@ -1,0 +1,508 @@
+#include "core/link/SerialLink.h"
+
+#include "core/platform/Folders.h"
+#include "core/platform/PosixSerialDevice.h"
+
+#include <algorithm>
+#include <array>
+#include <system_error>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kReadInterval{500};
+constexpr milliseconds kReadMultiplier{10}; // for each byte
+constexpr milliseconds kReadConstant{1000};
+constexpr milliseconds kWriteMultiplier{10}; // for each byte
+// How often a reader that does not end is woken again while the port is closed.
+constexpr milliseconds kWakeInterval{20};
+// How long a waiter may keep the host from breathing.
+constexpr milliseconds kWaitSlice{50};
+
+} // namespace
+
+bool SettingsForLine(const PortSettings& port, LineSettings& current)
+{
+    current.baudRate = port.baudRate;
+    current.binary = true;
+    current.checkParity = port.parity != 0;
+    current.replaceErrors = false;
+    current.stripNulls = false;
+    current.abortOnError = false;
+    current.byteSize = port.byteSize;
+    current.parity = port.parity;
+    current.stopBits = port.stopBits;
+
+    const FlowControl flow = port.flowControl;
+    const bool software = flow == FlowControl::Software;
+    current.ctsOutputFlow = flow == FlowControl::RtsCts;
+    current.rtsHandshake = flow == FlowControl::RtsCts;
+    current.dsrSensitivity = flow == FlowControl::RtsCts || flow == FlowControl::DsrDtr;
+    current.dsrOutputFlow = current.dsrSensitivity;
+    current.dtrEnabled = current.dsrSensitivity;
+    current.xonXoffOutput = software;
+    current.xonXoffInput = software;
+    current.sendAfterXoff = !software;
+    if (software) {
+        current.xonChar = 0x11;
+        current.xoffChar = 0x13;
+        current.xonLimit = 20;
+        current.xoffLimit = 128;
+    }
+    return flow >= FlowControl::None && flow <= FlowControl::DsrDtr;
+}
+
+SerialLink::SerialLink(std::unique_ptr<SerialDevice> device, const Clock& clock)
+    : m_device(device ? std::move(device) : std::make_unique<PosixSerialDevice>()), m_clock(clock)
+{}
+
+SerialLink::~SerialLink()
+{
+    Close();
+}
+
+int SerialLink::Open(const std::string& devicePath, const PortSettings& settings)
+{
+    if (m_device->IsOpen()) {
+        return Fail(LinkError::Open);
+    }
+    if (!m_device->Open(devicePath)) {
+        return Fail(LinkError::Open);
+    }
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_error = LinkError::None;
+        m_lost = false;
+        m_replyTimeout = settings.replyTimeout;
+        m_queue = ByteQueue(std::max(settings.receiveQueue, kFrameBufferSize));
+    }
+    ResetReceiveState();
+    if (!Configure(settings) || !StartReader()) {
+        static_cast<void>(m_device->Close());
+        return 0;
+    }
+    return 1;
+}
+
+bool SerialLink::Configure(const PortSettings& settings)
+{
+    if (!m_device->SetQueueSizes(settings.receiveQueue, settings.transmitQueue)) {
+        return false;
+    }
+    LineSettings line;
+    if (GetLineSettings(line) == 0) {
+        return false;
+    }
+    if (!SettingsForLine(settings, line)) {
+        Fail(LinkError::LineSettings);
+        return false;
+    }
+    const PortTimeouts timeouts{kReadInterval, kReadMultiplier, kReadConstant, kWriteMultiplier,
+                                settings.replyTimeout};
+    return ApplyLineSettings(line) == 1 && ApplyTimeouts(timeouts) == 1;
+}
+
+bool SerialLink::StartReader()
+{
+    m_closing = false;
+    m_frameReady.Reset();
+    m_threadState.Reset();
+    m_consumed.Reset();
+    try {
+        m_reader = std::thread(&SerialLink::ReadPort, this);
+    } catch (const std::system_error&) {
+        Fail(LinkError::Open);
+        return false;
+    }
+    m_threadState.Wait();
+    if (IsLost()) {
+        m_reader.join();
+        return false;
+    }
+    return true;
+}
+
+int SerialLink::Close()
+{
+    if (!m_device->IsOpen()) {
+        return 0;
+    }
+    // The queues of a lost link cannot be purged, and need not be.
+    static_cast<void>(m_device->Purge(SerialDevice::Queue::Transmit));
+    static_cast<void>(m_device->Purge(SerialDevice::Queue::Receive));
+    StopReader();
+    return Done(m_device->Close(), LinkError::Close);
+}
+
+void SerialLink::StopReader()
+{
+    if (!m_reader.joinable()) {
+        return;
+    }
+    m_closing = true;
+    if (!m_device->SetEventMask(SerialDevice::EventMask::None)) {
+        Fail(LinkError::EventMask);
+    }
+    // The reader may be in any of its waits, or on its way into one; it looks at m_closing first.
+    do {
+        m_device->Wake();
+        m_consumed.Set();
+    } while (!m_threadState.Wait(kWakeInterval));
+    m_reader.join();
+}
+
+bool SerialLink::IsOpen() const
+{
+    return m_device->IsOpen();
+}
+
+bool SerialLink::IsLost() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_lost;
+}
+
+std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
+{
+    if (IsLost()) {
+        Fail(LinkError::Write);
+        return 0;
+    }
+    const std::size_t written = m_device->Write(bytes);
+    if (written < bytes.size() || written == 0) {
+        Fail(LinkError::Write);
+        return 0;
+    }
+    return written;
+}
+
+std::size_t SerialLink::Read(std::span<std::uint8_t> buffer)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_lost || !m_device->IsOpen()) {
+        m_error = LinkError::Read;
+        return 0;
+    }
+    return m_queue.Take(buffer);
+}
+
+int SerialLink::WaitDelivery()
+{
+    return WaitDelivery(SilentHost::Instance()) == WaitOutcome::Delivered ? 1 : 0;
+}
+
+SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host)
+{
+    const Clock::Duration deadline = m_clock.Steady() + GetReplyTimeout();
+    WaitOutcome outcome = WaitOutcome::TimedOut;
+    if (IsLost()) {
+        m_frameReady.Set(); // it was waited for before; nothing else will set it
+    }
+    for (;;) {
+        const Clock::Duration left = deadline - m_clock.Steady();
+        if (m_frameReady.Wait(m_clock.RealTime(std::min<Clock::Duration>(left, kWaitSlice)))) {
+            if (GetExchangeState() != ExchangeState::Nothing) {
+                return WaitOutcome::Delivered;
+            }
+            if (IsLost()) {
+                outcome = WaitOutcome::Lost;
+                break;
+            }
+        }
+        if (left <= Clock::Duration::zero()) {
+            break;
+        }
+        if (!host.Breathe()) {
+            outcome = WaitOutcome::Cancelled;
+            break;
+        }
+    }
+    ResetReceiveState();
+    if (outcome == WaitOutcome::TimedOut) {
+        Fail(LinkError::TimedOut);
+    }
+    return outcome;
+}
+
+Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination)
+{
+    Delivery taken;
+    bool handOver = false;
+    {
+        const std::scoped_lock lock(m_mutex);
+        taken = {m_state, std::min(m_deliveredLength, destination.size())};
+        if (taken.length == 0) {
+            std::fill(destination.begin(), destination.end(), std::uint8_t{0});
+        } else {
+            std::copy_n(m_assembler.Buffer().begin(), taken.length, destination.begin());
+        }
+        handOver = m_handOver;
+    }
+    if (handOver) {
+        m_consumed.Set();
+    }
+    return taken;
+}
+
+void SerialLink::ResetFrameReady()
+{
+    m_frameReady.Reset();
+    const std::scoped_lock lock(m_mutex);
+    m_state = ExchangeState::Nothing;
+}
+
+void SerialLink::ResetReceiveState()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_assembler.Reset();
+    m_state = ExchangeState::Nothing;
+    m_deliveredLength = 0;
+}
+
+int SerialLink::Purge(SerialDevice::Queue queue)
+{
+    const std::scoped_lock lock(m_mutex); // the reader must not queue what it read before
+    if (queue == SerialDevice::Queue::Receive) {
+        m_queue.Clear();
+    }
+    const bool purged = m_device->Purge(queue);
+    if (!purged) {
+        m_error = LinkError::Purge;
+    }
+    return purged ? 1 : 0;
+}
+
+int SerialLink::SendBreak(milliseconds duration)
+{
+    constexpr std::array<std::uint8_t, 1> kNull{0x00};
+    if (Write(kNull) == 0 || SetBreak() == 0) {
+        return 0;
+    }
+    m_clock.Sleep(duration);
+    return ClearBreak();
+}
+
+int SerialLink::SetBreak()
+{
+    return Done(m_device->SetBreak(), LinkError::SetBreak);
+}
+
+int SerialLink::ClearBreak()
+{
+    return Done(m_device->ClearBreak(), LinkError::ClearBreak);
+}
+
+int SerialLink::EscapeFunction(SerialDevice::Escape function)
+{
+    return Done(m_device->EscapeFunction(function), LinkError::Escape);
+}
+
+int SerialLink::SetEventMask(SerialDevice::EventMask mask)
+{
+    return Done(m_device->SetEventMask(mask), LinkError::EventMask);
+}
+
+int SerialLink::GetModemStatus(ModemStatus& status)
+{
+    return Done(m_device->ReadModemStatus(status), LinkError::ModemStatus);
+}
+
+int SerialLink::GetLineSettings(LineSettings& settings)
+{
+    return Done(m_device->ReadSettings(settings), LinkError::LineSettings);
+}
+
+int SerialLink::ApplyLineSettings(const LineSettings& settings)
+{
+    if (!m_device->ApplySettings(settings)) {
+        return Fail(LinkError::LineSettings);
+    }
+    m_lineSettings = settings;
+    return 1;
+}
+
+int SerialLink::GetTimeouts(PortTimeouts& timeouts)
+{
+    return Done(m_device->ReadTimeouts(timeouts), LinkError::Timeouts);
+}
+
+int SerialLink::ApplyTimeouts(const PortTimeouts& timeouts)
+{
+    if (!m_device->ApplyTimeouts(timeouts)) {
+        return Fail(LinkError::Timeouts);
+    }
+    m_timeouts = timeouts;
+    return 1;
+}
+
+milliseconds SerialLink::GetReplyTimeout() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_replyTimeout;
+}
+
+void SerialLink::SetReplyTimeout(milliseconds timeout)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_replyTimeout = timeout;
+}
+
+SerialLink::Framing SerialLink::GetFraming() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_framing;
+}
+
+void SerialLink::SetFraming(Framing framing)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_framing = framing;
+}
+
+bool SerialLink::GetHandOver() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_handOver;
+}
+
+void SerialLink::SetHandOver(bool on)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_handOver = on;
+    }
+    if (!on) {
+        m_consumed.Set(); // a reader that still waits for its frame to be taken goes on
+    }
+}
+
+ExchangeState SerialLink::GetExchangeState() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_state;
+}
+
+std::size_t SerialLink::GetDeliveredLength() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_deliveredLength;
+}
+
+std::vector<std::uint8_t> SerialLink::GetUnsolicitedFrame() const
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto frame = m_assembler.Unsolicited();
+    return {frame.begin(), frame.end()};
+}
+
+LinkError SerialLink::TakeErrorCode()
+{
+    const std::scoped_lock lock(m_mutex);
+    return std::exchange(m_error, LinkError::None);
+}
+
+int SerialLink::Fail(LinkError error)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_error = error;
+    return 0;
+}
+
+int SerialLink::LogFrame(Direction direction, std::span<const std::uint8_t> bytes)
+{
+    const std::filesystem::path folder = Folders().BuiltInStorage();
+    return !Folders::Create(folder) && AppendToFrameLog(folder / "gnsslog.log", direction, bytes)
+               ? 1
+               : 0;
+}
+
+// The reader's thread.
+
+void SerialLink::ReadPort()
+{
+    const bool listening = m_device->SetEventMask(SerialDevice::EventMask::Received);
+    if (!listening) {
+        LoseLink(LinkError::EventMask);
+    }
+    m_threadState.Set();
+    while (listening && !m_closing) {
+        const SerialDevice::Event event = m_device->WaitEvent();
+        if (event != SerialDevice::Event::Received) {
+            if (!m_closing) {
+                LoseLink(LinkError::WaitEvent);
+            }
+            break;
+        }
+        if (!DrainDevice()) {
+            LoseLink(LinkError::Read);
+            break;
+        }
+        AssembleQueued();
+    }
+    if (listening) {
+        m_threadState.Set();
+    }
+}
+
+bool SerialLink::DrainDevice()
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto count = m_device->Read(m_queue.Free());
+    if (!count) {
+        return false;
+    }
+    m_queue.Commit(*count);
+    return true;
+}
+
+void SerialLink::AssembleQueued()
+{
+    while (!m_closing) {
+        std::unique_lock lock(m_mutex);
+        if (m_queue.Size() == 0) {
+            return;
+        }
+        const std::optional<Delivery> delivery =
+            m_framing == Framing::Lines
+                ? m_assembler.AssembleLine(m_queue)
+                : m_assembler.AssembleFrame(m_queue, FrameAssembler::kLargestStep);
+        if (delivery) {
+            Deliver(*delivery, std::move(lock));
+        }
+    }
+}
+
+void SerialLink::Deliver(const Delivery& delivery, std::unique_lock<std::mutex> lock)
+{
+    m_state = delivery.state;
+    m_deliveredLength = delivery.length;
+    if (delivery.state == ExchangeState::Nak) {
+        m_error = LinkError::Nak;
+    } else if (delivery.state == ExchangeState::Malformed) {
+        m_error = LinkError::Malformed;
+    }
+    const bool handOver = m_handOver;
+    const milliseconds limit = m_replyTimeout;
+    // Before the delivery: a take that comes too late must not free the next frame.
+    m_consumed.Reset();
+    lock.unlock();
+    m_frameReady.Set();
+    if (handOver && !m_closing) {
+        // Whether it was taken or given up, the reader goes on.
+        static_cast<void>(m_consumed.Wait(m_clock.RealTime(limit)));
+    }
+}
+
+void SerialLink::LoseLink(LinkError error)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_error = error;
+    m_lost = true;
+    m_frameReady.Set();
+}
+
+} // namespace fieldcore

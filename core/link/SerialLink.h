@@ -1,0 +1,218 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/link/ByteQueue.h"
+#include "core/link/FrameAssembler.h"
+#include "core/link/FrameLog.h"
+#include "core/platform/AutoResetEvent.h"
+#include "core/platform/Clock.h"
+#include "core/platform/SerialDevice.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace fieldcore {
+
+/// The transport's error codes.
+enum class LinkError : int
+{
+    None = 0,
+    Open = -101,
+    Close = -102,
+    Timeouts = -103,
+    LineSettings = -104,
+    EventMask = -107,
+    WaitEvent = -108, ///< also: the other end hung up
+    ModemStatus = -109,
+    ClearBreak = -110,
+    SetBreak = -111,
+    Escape = -112,
+    Write = -113,
+    Read = -114,
+    Purge = -115,
+    Nak = -200,
+    Malformed = -201,
+    TimedOut = -202,
+};
+
+enum class FlowControl : int
+{
+    None = 0,
+    Software = 1, ///< XON/XOFF
+    RtsCts = 2,
+    DsrDtr = 3,
+};
+
+/// How a port is opened. The defaults are those of a receiver as it leaves the factory.
+struct PortSettings
+{
+    std::uint32_t baudRate = 38400; ///< bit/s
+    std::uint8_t byteSize = 8;
+    std::uint8_t parity = 0;   ///< 0 none, 1 odd, 2 even
+    std::uint8_t stopBits = 0; ///< 0 one stop bit, 2 two stop bits
+    FlowControl flowControl = FlowControl::None;
+    /// How long an answer may take. A long frame at 9600 bit/s lasts 1.1 s.
+    std::chrono::milliseconds replyTimeout{2000};
+    std::size_t receiveQueue = 5120; ///< bytes
+    std::size_t transmitQueue = 512; ///< bytes
+};
+
+/// The serial port that leads to the receiver, with the thread that reads it.
+///
+/// Two threads meet here: the caller's, which opens, writes, waits and closes, and the reader's,
+/// which alone reads the port and assembles frames. All operations are the caller's; calls from
+/// several threads are not arbitrated. An object can be opened again after it was closed.
+///
+/// The other end may vanish (a cable pulled, a Bluetooth link lost): the reader ends, a waiter is
+/// woken at once, and everything but Close() fails from then on.
+class SerialLink
+{
+public:
+    enum class Framing : int
+    {
+        Lines = 0,
+        Frames = 1,
+    };
+    enum class WaitOutcome
+    {
+        Delivered,
+        TimedOut,
+        Lost,      ///< the link is gone
+        Cancelled, ///< the host asked for an end
+    };
+    /// @param device  not yet open; null: a port of this machine
+    /// @param clock   counts the time-outs; must outlive the link
+    explicit SerialLink(std::unique_ptr<SerialDevice> device = nullptr,
+                        const Clock& clock = SystemClock::Instance());
+    ~SerialLink();
+    SerialLink(const SerialLink&) = delete;
+    SerialLink& operator=(const SerialLink&) = delete;
+
+    /// Opens the device, applies all settings and starts the reader.
+    /// @return 1; or 0 with the error code set and everything closed again
+    [[nodiscard]] int Open(const std::string& devicePath, const PortSettings& settings);
+
+    /// Ends the reader and closes the port, whatever state it is in; never hangs.
+    /// @return 1; 0 if the link was not open or the system reported a failure (closed all the same)
+    int Close();
+
+    [[nodiscard]] bool IsOpen() const;
+    /// Whether the other end is gone. Only closing and opening again helps.
+    [[nodiscard]] bool IsLost() const;
+
+    /// @return bytes written; 0 on failure
+    std::size_t Write(std::span<const std::uint8_t> bytes);
+
+    /// Takes queued bytes that nothing has assembled yet, as they are; never waits.
+    /// @return the number of bytes; 0 with an error code once the link is lost
+    std::size_t Read(std::span<std::uint8_t> buffer);
+
+    /// Waits for the next delivery, at most the reply time-out.
+    /// @return 1; or 0 after resetting what was half assembled
+    int WaitDelivery();
+    /// The same, in slices of 50 ms between which @p host may breathe.
+    WaitOutcome WaitDelivery(Host& host);
+
+    /// Copies what was delivered to the start of @p destination, or zeroes it if there is nothing
+    /// with a length. In hand-over mode the reader then goes on.
+    /// @return what was delivered, with the number of bytes copied
+    Delivery TakeDelivery(std::span<std::uint8_t> destination);
+
+    /// Forgets a delivery that nobody waited for: called before a request is written.
+    void ResetFrameReady();
+    /// Forgets what is half assembled and what was delivered.
+    void ResetReceiveState();
+
+    int Purge(SerialDevice::Queue queue);
+    /// One 0x00 byte, then BREAK for @p duration.
+    int SendBreak(std::chrono::milliseconds duration);
+
+    // What the device offers, with its error codes: 1, or 0 with the code set.
+    int SetBreak();
+    int ClearBreak();
+    int EscapeFunction(SerialDevice::Escape function);
+    int SetEventMask(SerialDevice::EventMask mask);
+    int GetModemStatus(ModemStatus& status);
+    int GetLineSettings(LineSettings& settings);
+    int ApplyLineSettings(const LineSettings& settings);
+    int GetTimeouts(PortTimeouts& timeouts);
+    int ApplyTimeouts(const PortTimeouts& timeouts);
+
+    /// What was last applied with success.
+    [[nodiscard]] const LineSettings& AppliedLineSettings() const { return m_lineSettings; }
+    [[nodiscard]] const PortTimeouts& AppliedTimeouts() const { return m_timeouts; }
+
+    [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const;
+    void SetReplyTimeout(std::chrono::milliseconds timeout);
+    [[nodiscard]] Framing GetFraming() const;
+    void SetFraming(Framing framing);
+    [[nodiscard]] bool GetHandOver() const;
+    /// In hand-over mode the reader stops after each delivery until it was taken, at most the
+    /// reply time-out, so that a frame is never overwritten by the next one.
+    void SetHandOver(bool on);
+
+    [[nodiscard]] ExchangeState GetExchangeState() const;
+    [[nodiscard]] std::size_t GetDeliveredLength() const;
+    /// The last received frame of type 0x40, which is never delivered; empty if none came.
+    [[nodiscard]] std::vector<std::uint8_t> GetUnsolicitedFrame() const;
+
+    /// The last failure; reading it clears it.
+    LinkError TakeErrorCode();
+    /// What the device failed of last, for developers.
+    [[nodiscard]] std::string GetDeviceFault() const { return m_device->LastFault(); }
+    [[nodiscard]] int GetDeviceFaultCode() const { return m_device->LastFaultCode(); }
+
+    /// Appends a hex dump of a frame to "gnsslog.log" in the controller's built-in storage. The
+    /// library itself never calls it; it serves diagnostics.
+    /// @return 1; 0 if the file could not be written
+    static int LogFrame(Direction direction, std::span<const std::uint8_t> bytes);
+
+private:
+    int Fail(LinkError error);
+    int Done(bool succeeded, LinkError error) { return succeeded ? 1 : Fail(error); }
+    bool Configure(const PortSettings& settings);
+    bool StartReader();
+    void StopReader();
+
+    void ReadPort();
+    bool DrainDevice();
+    void AssembleQueued();
+    void Deliver(const Delivery& delivery, std::unique_lock<std::mutex> lock);
+    void LoseLink(LinkError error);
+
+    const std::unique_ptr<SerialDevice> m_device;
+    const Clock& m_clock;
+    LineSettings m_lineSettings;
+    PortTimeouts m_timeouts;
+
+    std::thread m_reader;
+    AutoResetEvent m_frameReady;  // set by the reader at each delivery, and when the link is lost
+    AutoResetEvent m_threadState; // set by the reader when it has started and when it ends
+    AutoResetEvent m_consumed;    // set by the consumer in hand-over mode
+    std::atomic<bool> m_closing = false;
+
+    mutable std::mutex m_mutex; // guards everything below
+    LinkError m_error = LinkError::None;
+    Framing m_framing = Framing::Frames;
+    bool m_handOver = false;
+    bool m_lost = false;
+    std::chrono::milliseconds m_replyTimeout{2000};
+    ByteQueue m_queue;
+    FrameAssembler m_assembler;
+    ExchangeState m_state = ExchangeState::Nothing;
+    std::size_t m_deliveredLength = 0;
+};
+
+/// The line settings that a port is opened with, on top of what @p current has.
+/// @return false if the flow-control code is none of the four
+[[nodiscard]] bool SettingsForLine(const PortSettings& port, LineSettings& current);
+
+} // namespace fieldcore

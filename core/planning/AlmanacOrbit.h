@@ -1,0 +1,77 @@
+#pragma once
+
+#include "core/planning/AlmanacRecord.h"
+#include "core/planning/Ecef.h"
+
+#include <optional>
+
+namespace fieldcore {
+
+/// An instant as orbits take it.
+struct GpsEpoch
+{
+    int week = 0;      ///< GPS week, full count or 10-bit
+    double sowS = 0.0; ///< seconds of the week
+};
+
+/// Orbit of one satellite from its almanac. Angles are radians: the semicircles of the record end
+/// here.
+struct KeplerElements
+{
+    double a = 0.0;            ///< semi-major axis, m
+    double eccentricity = 0.0; ///< e
+    double i0 = 0.0;           ///< inclination, rad
+    double omegaDot = 0.0;     ///< rate of right ascension, rad/s
+    double omega0 = 0.0;       ///< longitude of ascending node at the week's start, rad
+    double omega = 0.0;        ///< argument of perigee, rad
+    double m0 = 0.0;           ///< mean anomaly at toa, rad
+    int week = 0;              ///< week of toa as broadcast
+    double toaS = 0.0;         ///< reference time, seconds of its week
+
+    explicit KeplerElements(const AlmanacRecord& record) noexcept;
+    KeplerElements() = default;
+};
+
+/// Seconds from the reference time to @p epoch. Weeks above 1023 are reduced by 1024, once each,
+/// and compared as they then are: an almanac from another cycle of the 10-bit week count is far
+/// away, and there is no fold into half a week, since a plan may lie weeks away from toa.
+[[nodiscard]] double SecondsFromToa(const KeplerElements& elements, GpsEpoch epoch) noexcept;
+
+/// Earth-fixed position, step by step as published: the yardstick of AlmanacOrbit, which is several
+/// times as fast and turns to it where the two could decide differently.
+///
+/// @return metres; nothing if the elements are no orbit: one is not finite, e is not within
+/// 0 <= e < 1, or Kepler's equation does not settle
+///
+/// IS-GPS-200, 20.3.3.5.2.1: the equations of Table 20-IV without the terms that an almanac does
+/// not carry. Fit for planning, not for positioning.
+[[nodiscard]] std::optional<Ecef> ReferencePosition(const KeplerElements& elements,
+                                                    GpsEpoch epoch) noexcept;
+
+/// Where a satellite is at any time, with what does not change worked out once. Agrees with
+/// ReferencePosition() to some 1e-5 m.
+class AlmanacOrbit
+{
+public:
+    AlmanacOrbit() = default;
+    explicit AlmanacOrbit(const AlmanacRecord& record) noexcept;
+
+    /// @return metres, earth-fixed; nothing where ReferencePosition() has nothing
+    [[nodiscard]] std::optional<Ecef> Position(GpsEpoch epoch) const noexcept;
+
+    [[nodiscard]] const KeplerElements& Elements() const { return m_elements; }
+
+private:
+    KeplerElements m_elements;
+    bool m_nearlyCircular = false; // the short form of Position() fits
+    double m_toaCountS = 0.0;      // of toa, in the cycle of 10-bit weeks
+    double m_meanMotion = 0.0;     // rad/s
+    double m_nodeRate = 0.0;       // of the node against the turning earth, rad/s
+    double m_nodeAtToa = 0.0;      // longitude of the node at toa, rad
+    // Components of the in-plane axes towards perigee and 90 degrees ahead of it: along the node,
+    // across it in the equator, and to the north; the second scaled by b / a.
+    double m_perigee[3]{};
+    double m_ahead[3]{};
+};
+
+} // namespace fieldcore

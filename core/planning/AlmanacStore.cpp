@@ -1,0 +1,136 @@
+#include "core/planning/AlmanacStore.h"
+
+#include "core/link/Command.h"
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacRecord.h"
+#include "core/platform/Folders.h"
+#include "core/platform/ReplaceFile.h"
+#include "core/resources/StringTable.h"
+
+#include <cstdint>
+#include <fstream>
+#include <utility>
+
+namespace fieldcore {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+AlmanacBytes ToBytes(const AlmanacReply& reply)
+{
+    AlmanacRecord record;
+    record.prn = static_cast<std::uint8_t>(reply.prn);
+    record.timeStamp = reply.timeStamp;
+    record.week = static_cast<std::int16_t>(reply.week);
+    record.toaS = reply.toaS;
+    record.sqrtA = reply.sqrtA;
+    record.eccentricity = reply.eccentricity;
+    record.inclination = reply.inclination;
+    record.omegaDot = reply.omegaDot;
+    record.omega0 = reply.omega0;
+    record.omega = reply.omega;
+    record.m0 = reply.m0;
+    record.health = reply.health;
+    return EncodeAlmanac(record);
+}
+
+void Remove(const fs::path& file)
+{
+    std::error_code ignored;
+    fs::remove(file, ignored);
+}
+
+} // namespace
+
+AlmanacMessage MessageOf(AlmanacResult result)
+{
+    switch (result) {
+    case AlmanacResult::Done:
+        return {text::kAlmanacUpdated, text::kAlmanacUpdatedCaption, BoxIcon::Information};
+    case AlmanacResult::NotWritten:
+    case AlmanacResult::NotReplaced:
+        return {text::kAlmanacNotWritten, text::kAlmanacNotWrittenCaption, BoxIcon::Stop};
+    case AlmanacResult::TooFew:
+        return {text::kAlmanacTooFew, text::kAlmanacTooFewCaption, BoxIcon::Stop};
+    case AlmanacResult::NotRead:
+        return {text::kAlmanacNotRead, text::kAlmanacNotReadCaption, BoxIcon::Stop};
+    case AlmanacResult::Cancelled:
+        break;
+    }
+    return {};
+}
+
+AlmanacStore::AlmanacStore(fs::path folder) : m_folder(std::move(folder)) {}
+
+AlmanacResult AlmanacStore::Download(CCommand& command, std::size_t& size, const Progress& progress)
+{
+    size = 0;
+    m_error = Folders::Create(m_folder);
+    const fs::path temporary = AlmanacTemporaryPath(m_folder);
+    if (!m_error) {
+        // Not through whatever lies there: a link could lead out of the folder.
+        Remove(temporary);
+        m_error = WriteWholeFile(temporary, {});
+    }
+    if (m_error) {
+        return AlmanacResult::NotWritten;
+    }
+    const auto cancel = [&] {
+        command.SendAbort();
+        Remove(temporary);
+        return AlmanacResult::Cancelled;
+    };
+    std::ofstream file(temporary, std::ios::binary);
+    AlmanacBytes record{};
+    for (int prn = 1; prn <= kMaxPrn; ++prn) {
+        if (progress && !progress(prn)) {
+            return cancel();
+        }
+        AlmanacReply reply;
+        if (command.RequestAlmanac(prn, reply) != 0) {
+            record = ToBytes(reply);
+        } else if (command.Fault() == CommandFault::Cancelled) {
+            return cancel();
+        }
+        const std::string_view bytes(reinterpret_cast<const char*>(record.data()), record.size());
+        if (!(file << bytes << std::flush)) {
+            m_error = std::make_error_code(std::errc::io_error);
+            break;
+        }
+        size += record.size();
+    }
+    if (size == 0) {
+        return AlmanacResult::NotWritten;
+    }
+    if (progress && !progress(kMaxPrn + 1)) {
+        return cancel();
+    }
+    return AlmanacResult::Done;
+}
+
+AlmanacResult AlmanacStore::Commit(std::size_t size)
+{
+    const fs::path temporary = AlmanacTemporaryPath(m_folder);
+    // Counted, too: a receiver without almanac fills the file with the same record or none.
+    if (size <= kTooFewAlmanacs * kAlmanacRecordSize ||
+        CountAlmanacs(ReadAlmanacFile(temporary)) <= kTooFewAlmanacs) {
+        Remove(temporary);
+        return AlmanacResult::TooFew;
+    }
+    m_error = ReplaceFile(temporary, AlmanacPath(m_folder));
+    if (m_error) {
+        Remove(temporary);
+        return AlmanacResult::NotReplaced;
+    }
+    return AlmanacResult::Done;
+}
+
+AlmanacResult AlmanacStore::Update(CCommand& command, const Progress& progress)
+{
+    std::size_t size = 0;
+    const AlmanacResult downloaded = Download(command, size, progress);
+    return downloaded == AlmanacResult::Done ? Commit(size) : downloaded;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "core/host/Host.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+
+namespace fieldcore {
+
+class CCommand;
+
+enum class AlmanacResult
+{
+    Done,
+    NotWritten,  ///< the temporary file could not be made or nothing could be written
+    TooFew,      ///< four satellites or fewer; the almanac is as it was
+    NotReplaced, ///< the temporary file could not take its place; the almanac is as it was
+    NotRead,     ///< there is no almanac
+    Cancelled,   ///< by the user; the almanac is as it was
+};
+
+/// What to tell the user: string-table numbers. Both 0: nothing.
+struct AlmanacMessage
+{
+    int text = 0;
+    int caption = 0;
+    BoxIcon icon = BoxIcon::None;
+};
+[[nodiscard]] AlmanacMessage MessageOf(AlmanacResult result);
+
+/// The almanac file in the program's folder: received from the receiver, replaced, and read. All
+/// calls come from the thread of the command channel.
+class AlmanacStore
+{
+public:
+    /// Called before each request with the PRN that is asked for, 1 to 32, and once with 33 when
+    /// all are there. @return false to cancel
+    using Progress = std::function<bool(int prn)>;
+
+    /// @param folder  the program's folder; it is made if it is not there
+    explicit AlmanacStore(std::filesystem::path folder);
+
+    /// Asks for one satellite after the other and writes each record into the temporary file. The
+    /// record of a satellite that the receiver does not have is the one before it again. Takes up
+    /// to two reply time-outs and half a second for each of 32 requests. Cancelling, through
+    /// @p progress or the host of @p command, sends the abort command and removes the file.
+    /// @param size  the file's size, bytes
+    AlmanacResult Download(CCommand& command, std::size_t& size, const Progress& progress = {});
+
+    /// Puts the temporary file in place of the almanac, whole and safely on the medium, if it has
+    /// enough satellites; else removes it.
+    /// @param size  as Download() said
+    AlmanacResult Commit(std::size_t size);
+
+    /// Download() and Commit().
+    AlmanacResult Update(CCommand& command, const Progress& progress = {});
+
+    /// The system's word on the last NotWritten or NotReplaced, for developers.
+    [[nodiscard]] std::error_code LastError() const { return m_error; }
+
+private:
+    std::filesystem::path m_folder;
+    std::error_code m_error;
+};
+
+} // namespace fieldcore

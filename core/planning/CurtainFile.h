@@ -1,0 +1,24 @@
+#pragma once
+
+#include "core/planning/SkyLimits.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace fieldcore {
+
+// The obstruction curtain "CurTain.obs": 360 bytes without a header.
+
+/// @param folder  the program's folder
+[[nodiscard]] std::filesystem::path CurtainPath(const std::filesystem::path& folder);
+
+/// A short file leaves the rest without obstruction, a missing one everything; what a longer one
+/// has behind its 360 bytes is ignored.
+[[nodiscard]] ObstructionCurtain LoadCurtain(const std::filesystem::path& folder);
+
+/// Replaces the file as a whole.
+/// @return what went wrong; the old file is then still there
+[[nodiscard]] std::error_code SaveCurtain(const std::filesystem::path& folder,
+                                          const ObstructionCurtain& curtain);
+
+} // namespace fieldcore

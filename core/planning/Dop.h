@@ -1,0 +1,46 @@
+#pragma once
+
+#include "core/planning/LocalFrame.h"
+
+#include <optional>
+#include <span>
+
+namespace fieldcore {
+
+/// Dilution of precision: how much worse than a range a result from several ranges is.
+struct DopValues
+{
+    double pdop = 0.0; ///< position
+    double gdop = 0.0; ///< position and time
+    double tdop = 0.0; ///< time
+};
+
+/// What stands for the dilution with fewer satellites than a fix needs.
+inline constexpr DopValues kNoDop{16.0, 16.0, 16.0};
+inline constexpr int kSatellitesForDop = 4;
+
+/// From the normal matrix in the earth-fixed frame, inverted by its adjugate, step by step: the
+/// yardstick of DopSums.
+/// @param satellites  at least four, in the order of their PRN; a geometry without a solution gives
+/// infinite or undefined values
+[[nodiscard]] DopValues ReferenceDop(const Ecef& observer,
+                                     std::span<const Ecef> satellites) noexcept;
+
+/// Gathers the normal matrix satellite by satellite, in any one frame: the dilutions are the same
+/// in all. Its ten sums are inverted by blocks, the clock first.
+class DopSums
+{
+public:
+    /// Adds a satellite in direction (@p x, @p y, @p z), a unit vector.
+    void Add(double x, double y, double z) noexcept;
+
+    /// @return nothing if the geometry is so weak that rounding shows: ask ReferenceDop()
+    [[nodiscard]] std::optional<DopValues> Solve() const noexcept;
+
+private:
+    double m_n = 0.0;
+    double m_x = 0.0, m_y = 0.0, m_z = 0.0;
+    double m_xx = 0.0, m_xy = 0.0, m_xz = 0.0, m_yy = 0.0, m_yz = 0.0, m_zz = 0.0;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,108 @@
+#include "core/planning/ObservationPlan.h"
+
+#include "core/planning/CalendarTime.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <numbers>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace fieldcore {
+
+ObservationPlan::ObservationPlan() : m_results(std::make_unique<Results>()) {}
+
+void ObservationPlan::SetElMaskDeg(int maskDeg)
+{
+    m_calc.SetElMask(maskDeg / 180.0 * std::numbers::pi);
+}
+
+void ObservationPlan::ComputeGrid()
+{
+    const CTimeSpan interval(std::chrono::seconds(m_period.Interval()).count());
+    const std::size_t count = m_period.Division() + std::size_t{1};
+    std::array<GpsEpoch, kPlanEpochs> epochs;
+    CGPSTime time = m_period.Start();
+    for (std::size_t k = 0; k < count; ++k) {
+        epochs[k] = ToEpoch(time);
+        time += interval;
+    }
+    m_results->grid.Compute(m_calc, std::span(epochs).first(count));
+}
+
+void ObservationPlan::Compute()
+{
+    ComputeGrid();
+    m_division = m_period.Division();
+    m_results->grid.View(m_calc.GetFrame(), m_calc.GetLimits(), m_results->view,
+                         &m_results->directions);
+}
+
+double ObservationPlan::CountAt(int k) const
+{
+    return IsSample(k) ? m_results->view.count[static_cast<std::size_t>(k)] : 0.0;
+}
+
+double ObservationPlan::DopAt(PlanGraph graph, int k) const
+{
+    if (!IsSample(k)) {
+        return 0.0;
+    }
+    const DopValues& dop = m_results->view.dop[static_cast<std::size_t>(k) + 1];
+    switch (graph) {
+    case PlanGraph::Pdop:
+        return dop.pdop;
+    case PlanGraph::Gdop:
+        return dop.gdop;
+    case PlanGraph::Tdop:
+        return dop.tdop;
+    default:
+        return 0.0;
+    }
+}
+
+std::optional<ObservationPlan::TrackStep> ObservationPlan::TrackAt(int prnIndex, int k) const
+{
+    if (!IsSample(k) || prnIndex < 0 || prnIndex >= kMaxPrn) {
+        return std::nullopt;
+    }
+    const auto from = static_cast<std::size_t>(k);
+    const auto prn = static_cast<std::size_t>(prnIndex);
+    const auto& visible = m_results->view.visible;
+    if (((visible[from] & visible[from + 1]) >> prn & 1U) == 0) {
+        return std::nullopt;
+    }
+    return TrackStep{m_results->directions[from][prn], m_results->directions[from + 1][prn]};
+}
+
+void ObservationPlan::ComputeSites(std::span<const Observer> sites, std::span<SiteView> views,
+                                   unsigned threads)
+{
+    const PlanGrid& grid = m_results->grid;
+    ComputeGrid();
+    const std::size_t count = std::min(sites.size(), views.size());
+    const auto share = [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            grid.View(LocalFrame(sites[i]), m_calc.GetLimits(), views[i], nullptr);
+        }
+    };
+    const std::size_t parts = std::clamp<std::size_t>(threads, 1, std::max<std::size_t>(count, 1));
+    std::vector<std::jthread> helpers;
+    helpers.reserve(parts - 1);
+    std::size_t first = 0;
+    for (std::size_t part = 1; part < parts; ++part) {
+        const std::size_t last = count * part / parts;
+        try {
+            helpers.emplace_back(share, first, last);
+        } catch (const std::system_error&) {
+            break; // no more threads: the rest is ours
+        }
+        first = last;
+    }
+    share(first, count);
+}
+
+} // namespace fieldcore

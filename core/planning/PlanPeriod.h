@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/planning/AlmanacOrbit.h"
+#include "core/planning/GPSTime.h"
+
+#include <chrono>
+#include <cstdint>
+
+namespace fieldcore {
+
+/// The hours of a day that are planned, in Japan Standard Time (UTC + 9 h), and the samples that
+/// they are divided into.
+struct PlanPeriod
+{
+    /// The longest period is a day of half hours.
+    static constexpr int kMostSamples = 48;
+
+    std::chrono::year_month_day date{std::chrono::year(1980), std::chrono::January,
+                                     std::chrono::day(6)};
+    int startHour = 9; ///< 0 to 23
+    int hours = 2;     ///< 1 to 24, and not beyond midnight; others count as the nearest of these
+
+    /// 5, 10 or 15 for periods of one, two or three hours, else 30.
+    [[nodiscard]] std::chrono::minutes Interval() const;
+    /// Number of samples, 8 to 48.
+    [[nodiscard]] std::uint8_t Division() const;
+
+    /// When the period begins: midnight of the date by the controller's clock, and start hour less
+    /// nine; the GPS epoch if that is earlier. It fits the hours typed in Japan time when the
+    /// controller runs on UTC.
+    [[nodiscard]] CGPSTime Start() const;
+};
+
+/// As the orbits take it.
+[[nodiscard]] GpsEpoch ToEpoch(const CGPSTime& time);
+
+} // namespace fieldcore

@@ -1,0 +1,93 @@
+#include "core/planning/SkyLimits.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+constexpr double kTwoPi = 2.0 * kPi;
+/// Nearer to a limit than this, in radians or as a sine, rounding may decide. The two forms of the
+/// orbit differ by a hundredth of it.
+constexpr double kClose = 1.0e-9;
+constexpr double kOutOfReach = 2.0; // above every sine
+
+double LimitSine(double maskRad, std::uint8_t curtainDeg)
+{
+    const double limit = std::max({0.0, maskRad, curtainDeg * kPi / 180.0});
+    // A mask that is not a number hides everything, like one beyond the zenith.
+    return limit <= kPi / 2.0 && !std::isnan(maskRad) ? std::sin(limit) : kOutOfReach;
+}
+
+} // namespace
+
+double NormalisedAzimuth(double azimuthRad) noexcept
+{
+    if (!std::isfinite(azimuthRad)) {
+        return azimuthRad;
+    }
+    while (azimuthRad > kTwoPi) {
+        azimuthRad -= kTwoPi;
+    }
+    while (azimuthRad < 0.0) {
+        azimuthRad += kTwoPi;
+    }
+    return azimuthRad;
+}
+
+SkyLimits::SkyLimits(double maskRad, const ObstructionCurtain& curtain) noexcept
+    : m_maskRad(maskRad), m_curtain(curtain)
+{
+    // Curtains have few different heights side by side: most sines are those of the entry before.
+    for (std::size_t i = 0; i < curtain.size(); ++i) {
+        m_sines[i] =
+            i > 0 && curtain[i] == curtain[i - 1] ? m_sines[i - 1] : LimitSine(maskRad, curtain[i]);
+    }
+    const auto [lowest, highest] = std::minmax_element(m_sines.begin(), m_sines.end());
+    m_lowest = *lowest;
+    m_highest = *highest;
+}
+
+bool SkyLimits::Pass(const Direction& direction) const noexcept
+{
+    const double azimuth = NormalisedAzimuth(direction.azimuthRad);
+    if (!(direction.elevationRad >= 0.0 && direction.elevationRad >= m_maskRad) ||
+        !std::isfinite(azimuth)) {
+        return false;
+    }
+    // Exactly 2 pi is north again.
+    const auto entry = static_cast<std::size_t>(azimuth * 180.0 / kPi) % m_curtain.size();
+    return direction.elevationRad >= m_curtain[entry] * kPi / 180.0;
+}
+
+SkyLimits::Verdict SkyLimits::Judge(const EastNorthUp& enu, double range) const noexcept
+{
+    const double sine = enu.up / range;
+    if (sine < m_lowest - kClose) {
+        return Verdict::Hidden;
+    }
+    if (sine > m_highest + kClose) {
+        return Verdict::Visible;
+    }
+    if (m_lowest == m_highest) {
+        return Verdict::TooClose;
+    }
+    const double degrees = NormalisedAzimuth(std::atan2(enu.east, enu.north)) * 180.0 / kPi;
+    // Azimuths lose their meaning towards the zenith.
+    const double horizontal = std::sqrt(enu.east * enu.east + enu.north * enu.north);
+    const double margin = kClose * 180.0 / kPi * range / horizontal;
+    if (!(std::abs(degrees - std::round(degrees)) > margin)) {
+        return Verdict::TooClose;
+    }
+    const double limit = m_sines[static_cast<std::size_t>(degrees) % m_sines.size()];
+    if (sine < limit - kClose) {
+        return Verdict::Hidden;
+    }
+    return sine > limit + kClose ? Verdict::Visible : Verdict::TooClose;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,116 @@
+#include "core/planning/SurveyPlanCalc.h"
+
+#include "core/planning/AlmanacFile.h"
+
+#include <cassert>
+#include <cstddef>
+#include <optional>
+
+namespace fieldcore {
+
+CSurveyPlanCalc::CSurveyPlanCalc()
+{
+    for (std::size_t i = 0; i < m_satellites.size(); ++i) {
+        m_satellites[i] = CAlmanacSatellite(static_cast<int>(i) + 1);
+    }
+}
+
+bool CSurveyPlanCalc::LoadAlmanac(std::span<const std::uint8_t> content)
+{
+    for (CAlmanacSatellite& satellite : m_satellites) {
+        satellite.ClearRecord();
+    }
+    bool taken = false;
+    for (; content.size() >= kAlmanacRecordSize; content = content.subspan(kAlmanacRecordSize)) {
+        const unsigned index = content[0] - 1U;
+        if (index < m_satellites.size()) {
+            m_satellites[index].SetRecord(content.first<kAlmanacRecordSize>());
+            taken = true;
+        }
+    }
+    return taken;
+}
+
+bool CSurveyPlanCalc::LoadAlmanac(const std::filesystem::path& file)
+{
+    return LoadAlmanac(ReadAlmanacFile(file));
+}
+
+void CSurveyPlanCalc::SetCurtain(const ObstructionCurtain& curtain)
+{
+    m_curtain = curtain;
+    m_limits = SkyLimits(m_maskRad, m_curtain);
+}
+
+void CSurveyPlanCalc::SetElMask(double maskRad)
+{
+    m_maskRad = maskRad;
+    m_limits = SkyLimits(m_maskRad, m_curtain);
+}
+
+int CSurveyPlanCalc::IsValid(int index) const
+{
+    return IsIndex(index) ? GetSatellite(index).IsValid() : 0;
+}
+
+void CSurveyPlanCalc::SetUse(int index, int use)
+{
+    if (IsIndex(index)) {
+        m_satellites[static_cast<std::size_t>(index)].SetUse(use);
+    }
+}
+
+int CSurveyPlanCalc::TestVisibility(int index)
+{
+    if (!IsIndex(index)) {
+        return 0;
+    }
+    CAlmanacSatellite& satellite = m_satellites[static_cast<std::size_t>(index)];
+    satellite.SetObserver(m_frame);
+    satellite.SetTime(m_epoch);
+    return satellite.TestVisibility(m_limits) ? 1 : 0;
+}
+
+const CAlmanacSatellite& CSurveyPlanCalc::GetSatellite(int index) const
+{
+    assert(IsIndex(index));
+    return m_satellites[static_cast<std::size_t>(index)];
+}
+
+std::uint8_t CSurveyPlanCalc::CountVisible()
+{
+    int count = 0;
+    for (int i = 0; i < kSatellites; ++i) {
+        count += TestVisibility(i);
+    }
+    return static_cast<std::uint8_t>(count);
+}
+
+DopValues CSurveyPlanCalc::ComputeDop()
+{
+    if (CountVisible() < kSatellitesForDop) {
+        return kNoDop;
+    }
+    DopSums sums;
+    for (const CAlmanacSatellite& satellite : m_satellites) {
+        if (satellite.IsVisible() != 0) {
+            const EastNorthUp local = m_frame.ToLocal(satellite.GetPosition());
+            const double range = local.Range();
+            sums.Add(local.east / range, local.north / range, local.up / range);
+        }
+    }
+    if (const std::optional<DopValues> values = sums.Solve()) {
+        return *values;
+    }
+    std::array<Ecef, kSatellites> positions;
+    std::size_t count = 0;
+    for (const CAlmanacSatellite& satellite : m_satellites) {
+        if (satellite.IsVisible() != 0) {
+            positions[count++] = ReferencePosition(satellite.GetOrbit().Elements(), m_epoch)
+                                     .value_or(satellite.GetPosition());
+        }
+    }
+    return ReferenceDop(m_frame.Origin(), std::span(positions).first(count));
+}
+
+} // namespace fieldcore

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "core/platform/FileOperations.h"
+#include "core/platform/PosixFileOperations.h"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace fieldcore {
+
+/// Replaces a file as a whole: the new content is written under a temporary name in the same
+/// folder, synced, and renamed over the file. Whatever happens on the way, a flat battery
+/// included, the file holds either all of the old or all of the new content.
+///
+/// From Open() on nobody else who uses the same temporary name can replace the file, so what is
+/// read from it then is still true at Commit(). One thread at a time.
+class AtomicFile
+{
+public:
+    /// @param file  what is replaced; if it is a symbolic link, the file that the link leads to
+    /// @param temporaryName  without a folder
+    /// @param operations  must outlive the object
+    AtomicFile(const std::filesystem::path& file, const std::filesystem::path& temporaryName,
+               FileOperations& operations = PosixFileOperations::Instance());
+
+    /// Gives up what was not committed; the old file stays.
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
+
+    [[nodiscard]] std::error_code Open();
+
+    [[nodiscard]] std::error_code Write(std::string_view bytes);
+
+    /// Puts the new content in the file's place; once only.
+    /// @return no error if it is there to stay. After an error the old file is still there, unless
+    /// it was the folder that could not be synced: then the new one is, but may not outlive a
+    /// power cut.
+    [[nodiscard]] std::error_code Commit();
+
+private:
+    void Abandon();
+
+    FileOperations& m_operations;
+    std::filesystem::path m_file;
+    std::filesystem::path m_temporary;
+    int m_handle = -1;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace fieldcore {
+
+/// Numbers as text with a decimal point, whatever the language of the user's session: a decimal
+/// comma would change files and figures. All numbers of the library are read and written with
+/// these. Any thread.
+
+/// The number at the start of @p text, as the C library reads it: leading white space is
+/// skipped, what follows the number is ignored, and "inf", "nan" and hexadecimal numbers count as
+/// numbers too. Input that a person types is checked before it gets here.
+/// @param text  zero-terminated; a null pointer is read like an empty text
+/// @return 0.0 if there is no number; an infinity if it is too large for a double
+[[nodiscard]] double ParseReal(const wchar_t* text);
+
+/// As printf's "%.*f": the decimal nearest to the exact value of the double, ties to even.
+/// @param decimals  digits behind the point; with none there is no point either
+[[nodiscard]] std::wstring FormatFixed(double value, std::uint8_t decimals);
+
+/// As printf's "%0*u".
+/// @param width  digits at least, zeros are put in front
+[[nodiscard]] std::wstring FormatWhole(std::uint32_t number, std::size_t width);
+
+/// As printf's "%g": six significant digits.
+[[nodiscard]] std::wstring FormatGeneral(double value);
+
+} // namespace fieldcore

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/platform/SqliteStatement.h"
+
+#include <filesystem>
+#include <string>
+
+namespace fieldcore {
+
+/// A database with the tables of a settings store, ready for use.
+struct SettingsDatabase
+{
+    SqliteHandle handle;
+    std::string notice; ///< what the user should know, in plain English; usually empty
+};
+
+/// Opens the settings file, and makes it and its folder if they are not there.
+///
+/// A file that is damaged, or is no settings file at all, is renamed to FILE.damaged-1 (or the next
+/// number that is free) and a new one begun. Where no file can be written the settings are kept in
+/// memory; they start as a copy of the file if it can at least be read. The notice tells of both.
+/// Any thread; several processes may open the same file at once.
+[[nodiscard]] SettingsDatabase OpenSettingsDatabase(const std::filesystem::path& file);
+
+} // namespace fieldcore

@@ -1,0 +1,110 @@
+#include "core/resources/StringTable.h"
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <cstdarg>
+#include <cwchar>
+#include <locale.h>
+
+namespace fieldcore {
+
+namespace {
+
+struct Entry
+{
+    int id;
+    const wchar_t* text;
+};
+
+// By rising number: Text() searches by halves.
+constexpr std::array kEntries{
+    Entry{text::kAlmanacNotWritten, L"ファイル書き込みに失敗しました。"},
+    Entry{text::kAlmanacNotWrittenCaption, L"ファイルエラー"},
+    Entry{text::kAlmanacNotRead, L"ファイル読み込みに失敗しました。"},
+    Entry{text::kAlmanacNotReadCaption, L"ファイルエラー"},
+    Entry{text::kAlmanacTooFew, L"軌道暦データ数が4以下です。受信機へアンテナを接続し、衛星捕捉を15"
+                                L"分以上行ってから再度暦データを取得してください。"},
+    Entry{text::kAlmanacTooFewCaption, L"軌道暦更新エラー"},
+    Entry{text::kAlmanacOld,
+          L"観測日より30日以上古い軌道暦を使用しています軌道暦を更新して下さい\n"},
+    Entry{text::kAlmanacOldCaption, L"軌道暦エラー"},
+    Entry{text::kAlmanacUpdated, L"軌道暦を更新しました"},
+    Entry{text::kAlmanacUpdatedCaption, L"軌道暦更新"},
+    Entry{text::kConnectCable, L"ケーブルを接続してください"},
+    Entry{text::kConnectCableCaption, L"ケーブル接続確認"},
+    Entry{text::kReconnectBluetooth,
+          L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？"},
+    Entry{text::kReconnectBluetoothCaption, L"通信エラー検出"},
+    Entry{text::kConnectBluetooth, L"受信機の電源を入れてください。\nBluetoothで通信を行います。"},
+    Entry{text::kConnectBluetoothCaption, L"受信機電源確認"},
+    Entry{text::kPortIsSending,
+          L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
+          L"出力信号を停止させ、再度指定ポートへ接続してください。"},
+    Entry{text::kPortIsSendingCaption, L"通信ポート接続エラー"},
+    Entry{text::kUnsupportedModel, L"本ソフトウェアでは[ %ls ]受信機をサポートしておりません。"},
+    Entry{text::kUnsupportedType, L"本ソフトウェアでは[ %ld ]受信機をサポートしておりません。"},
+    Entry{text::kUnsupportedTypeCaption, L"未対応受信機タイプ警告"},
+    Entry{text::kBetaFirmware, L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\n"
+                               L"バージョンアップしてから行ってください。"},
+    Entry{text::kOldFirmware,
+          L"[ %ld ]受信機対応ファームウェアは[ %.2lf ]以上です。\n"
+          L"[ %.2lf ]未満の受信機ファームウェアへのサポートは行っておりません。\n"
+          L"ファームウェアをバージョンアップしてください。"},
+    Entry{text::kFirmwareCaption, L"受信機未対応バージョン警告"},
+    Entry{text::kForceInitQuestion, L"受信機設定を工場出荷状態へ戻しますか?"},
+    Entry{text::kForceInitSecondQuestion,
+          L"本当に受信機設定を工場出荷状態へ戻してもよろしいですか？\n\n"
+          L"受信機強制初期化を実行すると、受信機内にある暦データ等全て初期化されます。\n"
+          L"再度GNSS観測を行う場合は、15分程度衛星を捕捉してください。"},
+    Entry{text::kForceInitCaption, L"受信機強制初期化確認"},
+    Entry{text::kForceInitDone, L"受信機設定を工場出荷状態へ戻しました。"},
+    Entry{text::kConnectFailed, L"受信機へ接続できませんでした。\n処理：%ls\n原因：%ls"},
+    Entry{text::kConnectFailedCaption, L"受信機接続エラー"},
+    Entry{text::kStepOpenPort, L"通信ポートを開いています"},
+    Entry{text::kStepWakeReceiver, L"受信機を起動しています"},
+    Entry{text::kStepStatus, L"受信機の状態を確認しています"},
+    Entry{text::kStepOptions, L"受信機の機能を確認しています"},
+    Entry{text::kStepSerial, L"受信機のシリアル番号を確認しています"},
+    Entry{text::kCauseNotOpened,
+          L"通信ポートを開けません。ポート番号と、他のソフトウェアが使用していないかを"
+          L"確認してください。"},
+    Entry{text::kCauseNotWritten, L"受信機へ送信できません。ケーブルを確認してください。"},
+    Entry{text::kCauseNoAnswer,
+          L"受信機から応答がありません。電源、ケーブル、通信速度を確認してください。"},
+    Entry{text::kCauseRefused, L"受信機が要求を受け付けませんでした。"},
+    Entry{text::kCauseDamaged, L"受信データが壊れています。ケーブルと通信速度を確認してください。"},
+    Entry{text::kCauseOtherAnswer, L"受信機から予期しない応答がありました。"},
+    Entry{text::kCauseLinkLost,
+          L"通信が切断されました。ケーブル又はBluetoothの接続を確認してください。"},
+    Entry{text::kCauseCancelled, L"中止しました。"},
+    Entry{text::kCauseBusy, L"他の通信を実行中です。"},
+};
+
+static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),
+                             [](const Entry& a, const Entry& b) { return a.id < b.id; }));
+
+} // namespace
+
+const wchar_t* Text(int id)
+{
+    const auto* entry = std::lower_bound(kEntries.begin(), kEntries.end(), id,
+                                         [](const Entry& e, int wanted) { return e.id < wanted; });
+    return entry != kEntries.end() && entry->id == id ? entry->text : L"";
+}
+
+std::wstring FormatText(int id, ...)
+{
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t before = uselocale(plain);
+    std::array<wchar_t, 1024> buffer{};
+    va_list arguments;
+    va_start(arguments, id);
+    const int length = std::vswprintf(buffer.data(), buffer.size(), Text(id), arguments);
+    va_end(arguments);
+    uselocale(before);
+    return length > 0 ? std::wstring(buffer.data(), static_cast<std::size_t>(length))
+                      : std::wstring();
+}
+
+} // namespace fieldcore

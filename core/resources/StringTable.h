@@ -1,0 +1,73 @@
+#pragma once
+
+#include <string>
+
+namespace fieldcore {
+
+// The texts that the library shows, each under its number. Whoever shows a text looks it up, so
+// that a host finds all of them in one place. Texts with % are formats for FormatText().
+
+namespace text {
+
+// The almanac
+inline constexpr int kAlmanacNotWritten = 20136;
+inline constexpr int kAlmanacNotWrittenCaption = 20137;
+inline constexpr int kAlmanacNotRead = 20138;
+inline constexpr int kAlmanacNotReadCaption = 20139;
+inline constexpr int kAlmanacTooFew = 20140;
+inline constexpr int kAlmanacTooFewCaption = 20141;
+inline constexpr int kAlmanacOld = 20142;
+inline constexpr int kAlmanacOldCaption = 20143;
+inline constexpr int kAlmanacUpdated = 20176;
+inline constexpr int kAlmanacUpdatedCaption = 20177;
+
+// Connecting
+inline constexpr int kConnectCable = 60001;
+inline constexpr int kConnectCableCaption = 60002;
+inline constexpr int kReconnectBluetooth = 60003;
+inline constexpr int kReconnectBluetoothCaption = 60004;
+inline constexpr int kConnectBluetooth = 60005;
+inline constexpr int kConnectBluetoothCaption = 60006;
+inline constexpr int kPortIsSending = 60007;
+inline constexpr int kPortIsSendingCaption = 60008;
+inline constexpr int kUnsupportedModel = 60009;
+inline constexpr int kUnsupportedType = 60010;
+inline constexpr int kUnsupportedTypeCaption = 60011;
+inline constexpr int kBetaFirmware = 60012;
+inline constexpr int kOldFirmware = 60013;
+inline constexpr int kFirmwareCaption = 60014;
+
+// Returning the receiver to its factory settings
+inline constexpr int kForceInitQuestion = 60021;
+inline constexpr int kForceInitSecondQuestion = 60022;
+inline constexpr int kForceInitCaption = 60023;
+inline constexpr int kForceInitDone = 60024;
+
+// The connect sequence
+inline constexpr int kConnectFailed = 60031; ///< step, cause
+inline constexpr int kConnectFailedCaption = 60032;
+inline constexpr int kStepOpenPort = 60033;
+inline constexpr int kStepWakeReceiver = 60034;
+inline constexpr int kStepStatus = 60035;
+inline constexpr int kStepOptions = 60036;
+inline constexpr int kStepSerial = 60037;
+inline constexpr int kCauseNotOpened = 60041;
+inline constexpr int kCauseNotWritten = 60042;
+inline constexpr int kCauseNoAnswer = 60043;
+inline constexpr int kCauseRefused = 60044;
+inline constexpr int kCauseDamaged = 60045;
+inline constexpr int kCauseOtherAnswer = 60046;
+inline constexpr int kCauseLinkLost = 60047;
+inline constexpr int kCauseCancelled = 60048;
+inline constexpr int kCauseBusy = 60049;
+
+} // namespace text
+
+/// @return the text under @p id; empty if there is none. Any thread.
+[[nodiscard]] const wchar_t* Text(int id);
+
+/// The text under @p id as a wprintf format, filled in with a decimal point whatever the user's
+/// locale. The arguments must fit the format. Any thread.
+[[nodiscard]] std::wstring FormatText(int id, ...);
+
+} // namespace fieldcore

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/platform/PosixFileOperations.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace fieldcore {
+
+/// Profile files: see ProfileText for what is in them. Any thread, and several processes may write
+/// the same file. A file of more than kMaxProfileBytes is none: it is neither read nor written.
+inline constexpr std::uintmax_t kMaxProfileBytes = 16U << 20U;
+
+/// Reads one entry.
+/// @param value  its value, or @p defaultValue if it was not found
+/// @return 1 if it was found, else 0
+int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_view defaultValue,
+                std::wstring& value, const std::filesystem::path& file);
+
+/// Writes one entry. The new content is built in "$#TEMP.TMP" in the file's folder, which must be
+/// there, and takes the file's place when it is safely on the disk: a file that is not there is
+/// made, and whatever happens the file is either the old or the new one.
+/// @return 1 if the entry is on the disk; 0 with the old file kept if it is not, or could not be
+/// found again (see ProfileText::WithEntry)
+int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
+                 const std::filesystem::path& file,
+                 FileOperations& operations = PosixFileOperations::Instance());
+
+} // namespace fieldcore

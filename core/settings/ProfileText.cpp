@@ -1,0 +1,254 @@
+#include "core/settings/ProfileText.h"
+
+#include "core/platform/Cp932.h"
+#include "core/platform/Utf8.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
+constexpr std::wstring_view kLineEnd = L"\r\n";
+
+std::uint16_t Utf16Unit(std::string_view bytes, std::size_t at)
+{
+    const auto low = static_cast<std::uint8_t>(bytes[at]);
+    const auto high = static_cast<std::uint8_t>(bytes[at + 1]);
+    return static_cast<std::uint16_t>(low | (high << 8U));
+}
+
+std::wstring FromUtf16(std::string_view bytes)
+{
+    std::wstring text;
+    for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+        const std::uint32_t unit = Utf16Unit(bytes, at);
+        if (unit < 0xD800 || unit > 0xDFFF) {
+            text += static_cast<wchar_t>(unit);
+            continue;
+        }
+        const std::uint32_t next = at + 3 < bytes.size() ? Utf16Unit(bytes, at + 2) : 0U;
+        if (unit < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF) {
+            text += static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10U) + (next - 0xDC00));
+            at += 2;
+        } else {
+            text += L'?'; // half a pair
+        }
+    }
+    return text;
+}
+
+std::string ToUtf16(std::wstring_view text)
+{
+    std::string bytes;
+    const auto append = [&bytes](std::uint32_t unit) {
+        bytes += static_cast<char>(unit & 0xFFU);
+        bytes += static_cast<char>(unit >> 8U);
+    };
+    for (const wchar_t character : text) {
+        const auto code = static_cast<std::uint32_t>(character);
+        if (code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
+            append(0x3F); // a question mark
+        } else if (code > 0xFFFF) {
+            append(0xD800 + ((code - 0x10000) >> 10U));
+            append(0xDC00 + ((code - 0x10000) & 0x3FFU));
+        } else {
+            append(code);
+        }
+    }
+    return bytes;
+}
+
+/// The value of an entry's line.
+std::wstring ValueOf(std::wstring_view line)
+{
+    std::wstring_view value = line.substr(line.find(L'=') + 1);
+    const std::size_t end = value.find(L'=');
+    if (end != std::wstring_view::npos) {
+        // The two characters that a line end would have taken are taken here as well. Files in
+        // the field rely on what reading them has always given.
+        value = value.substr(0, end - std::min<std::size_t>(end, 2));
+    }
+    return std::wstring(value);
+}
+
+bool StartsSection(std::wstring_view line)
+{
+    return line.starts_with(L'[');
+}
+
+/// Whether @p line is the section line of @p name. Its last character closes the name, whatever
+/// it is.
+bool NamesSection(std::wstring_view line, std::wstring_view name)
+{
+    return line.size() == name.size() + 2 && StartsSection(line) &&
+           line.substr(1, name.size()) == name;
+}
+
+bool HoldsEntry(std::wstring_view line, std::wstring_view key)
+{
+    return line.size() > key.size() && line[key.size()] == L'=' && line.starts_with(key) &&
+           key.find(L'=') == std::wstring_view::npos;
+}
+
+bool BreaksLine(std::wstring_view text)
+{
+    constexpr std::wstring_view kBreaks(L"\r\n\0", 3);
+    return text.find_first_of(kBreaks) != std::wstring_view::npos;
+}
+
+} // namespace
+
+struct ProfileText::Line
+{
+    std::size_t start = 0;
+    std::size_t end = 0; ///< where the next line starts
+    std::wstring text;   ///< without the line end, cut to kMaxLine
+
+    [[nodiscard]] std::size_t Size() const { return end - start; }
+};
+
+/// Where an entry is, or where it would have to go.
+struct ProfileText::Place
+{
+    bool hasSection = false;
+    std::optional<Line> entry;
+    std::size_t insertAt = 0; ///< if there is no entry; always the start of a line
+};
+
+ProfileText::ProfileText(std::string bytes) : m_bytes(std::move(bytes))
+{
+    if (m_bytes.starts_with(kUtf8Mark)) {
+        m_encoding = ProfileEncoding::Utf8;
+        m_start = kUtf8Mark.size();
+    } else if (m_bytes.starts_with(kUtf16Mark)) {
+        m_encoding = ProfileEncoding::Utf16;
+        m_start = kUtf16Mark.size();
+        // Half a character at the end would shift all that is written behind it.
+        m_bytes.resize(m_bytes.size() - m_bytes.size() % 2);
+    }
+}
+
+std::wstring ProfileText::Decode(std::string_view bytes) const
+{
+    switch (m_encoding) {
+    case ProfileEncoding::Utf8:
+        return FromUtf8(bytes);
+    case ProfileEncoding::Utf16:
+        return FromUtf16(bytes);
+    case ProfileEncoding::Cp932:
+        break;
+    }
+    return FromCp932(bytes);
+}
+
+std::string ProfileText::Encode(std::wstring_view text) const
+{
+    switch (m_encoding) {
+    case ProfileEncoding::Utf8:
+        return ToUtf8(text);
+    case ProfileEncoding::Utf16:
+        return ToUtf16(text);
+    case ProfileEncoding::Cp932:
+        break;
+    }
+    return ToCp932(text);
+}
+
+ProfileText::Line ProfileText::LineAt(std::size_t start) const
+{
+    // Neither byte of a line end is ever part of a longer character, except in UTF-16.
+    const std::size_t width = m_encoding == ProfileEncoding::Utf16 ? 2 : 1;
+    const auto isAt = [&](std::size_t at, char character) {
+        return m_bytes[at] == character && (width == 1 || m_bytes[at + 1] == '\0');
+    };
+    std::size_t feed = m_bytes.find('\n', start);
+    while (feed != std::string::npos && ((feed - start) % width != 0 || !isAt(feed, '\n'))) {
+        feed = m_bytes.find('\n', feed + 1);
+    }
+    Line line;
+    line.start = start;
+    line.end = feed == std::string::npos ? m_bytes.size() : feed + width;
+    std::size_t end = feed == std::string::npos ? m_bytes.size() : feed;
+    if (feed != std::string::npos && end > start && isAt(end - width, '\r')) {
+        end -= width;
+    }
+    constexpr std::size_t kLongestCharacter = 4; // bytes, in any of the encodings
+    line.text = Decode(std::string_view(m_bytes).substr(
+        start, std::min(end - start, kMaxLine * kLongestCharacter)));
+    line.text.resize(std::min(line.text.size(), kMaxLine));
+    return line;
+}
+
+ProfileText::Place ProfileText::Find(std::wstring_view section, std::wstring_view key) const
+{
+    // As they come back from a file of this encoding, which may have another form of a sign.
+    const std::wstring wantedSection = Decode(Encode(section));
+    const std::wstring wantedKey = Decode(Encode(key));
+    Place place;
+    std::optional<std::size_t> emptyLine;
+    std::size_t at = m_start;
+    while (at < m_bytes.size()) {
+        Line line = LineAt(at);
+        if (!place.hasSection) {
+            place.hasSection = NamesSection(line.text, wantedSection);
+        } else if (StartsSection(line.text)) {
+            break;
+        } else if (HoldsEntry(line.text, wantedKey)) {
+            place.entry = std::move(line);
+            return place;
+        } else if (line.text.empty() && !emptyLine) {
+            emptyLine = at;
+        }
+        at = line.end;
+    }
+    place.insertAt = emptyLine.value_or(at);
+    return place;
+}
+
+std::optional<std::wstring> ProfileText::Value(std::wstring_view section,
+                                               std::wstring_view key) const
+{
+    const Place place = Find(section, key);
+    return place.entry ? std::optional(ValueOf(place.entry->text)) : std::nullopt;
+}
+
+std::optional<std::string> ProfileText::WithEntry(std::wstring_view section, std::wstring_view key,
+                                                  std::wstring_view value) const
+{
+    const bool lost = BreaksLine(section) || BreaksLine(key) || BreaksLine(value) ||
+                      key.find(L'=') != std::wstring_view::npos || StartsSection(key) ||
+                      section.size() + 2 > kMaxLine || key.size() + 1 + value.size() > kMaxLine;
+    if (lost) {
+        return std::nullopt;
+    }
+    std::wstring entry(key);
+    entry += L'=';
+    entry += value;
+    entry += kLineEnd;
+
+    const Place place = Find(section, key);
+    std::string changed = m_bytes;
+    if (place.entry) {
+        return changed.replace(place.entry->start, place.entry->Size(), Encode(entry));
+    }
+    std::wstring added;
+    if (place.insertAt == m_bytes.size() && m_bytes.size() > m_start &&
+        !m_bytes.ends_with(Encode(L"\n"))) {
+        added += kLineEnd; // the last line has none
+    }
+    if (!place.hasSection) {
+        added += L'[';
+        added += section;
+        added += L']';
+        added += kLineEnd;
+    }
+    added += entry;
+    return changed.insert(place.insertAt, Encode(added));
+}
+
+} // namespace fieldcore

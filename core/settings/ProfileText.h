@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace fieldcore {
+
+enum class ProfileEncoding
+{
+    Cp932, ///< without a byte order mark; also what a new file gets
+    Utf8,  ///< with a byte order mark
+    Utf16  ///< little-endian, with a byte order mark
+};
+
+/// The content of a profile file: section lines "[name]" and below each its entries "key=value".
+/// There are no comments, no trimming and no quoting. A line ends with CR LF or LF and counts for
+/// its first 256 characters. Sections and keys are compared exactly, as they are in the encoding of
+/// the file.
+///
+/// A section starts with the first line that names it and ends at the next line that starts with
+/// "[". Its name is what stands between that and the last character of the line, so that blanks
+/// behind the bracket make it another name.
+///
+/// Any bytes may be given to it.
+class ProfileText
+{
+public:
+    static constexpr std::size_t kMaxLine = 256; ///< characters, without the line end
+
+    explicit ProfileText(std::string bytes);
+
+    [[nodiscard]] ProfileEncoding Encoding() const { return m_encoding; }
+
+    /// The value of the first entry of @p key in the section: what follows the first "=". A value
+    /// should not contain a "=": it then ends there and loses its last two characters besides.
+    /// @return nothing if there is no such entry
+    [[nodiscard]] std::optional<std::wstring> Value(std::wstring_view section,
+                                                    std::wstring_view key) const;
+
+    /// The content with one entry set, in the encoding it has; all other lines stay as they are. An
+    /// entry of the key is replaced. A new one goes before the first empty line of the section, or
+    /// to its end; a section that does not exist is started at the end of the file.
+    /// @return nothing if the entry could not be found again: the key contains "=" or starts with
+    /// "[", the line would be too long, or there is a line end or NUL in a text
+    [[nodiscard]] std::optional<std::string>
+    WithEntry(std::wstring_view section, std::wstring_view key, std::wstring_view value) const;
+
+private:
+    struct Line;
+    struct Place;
+
+    [[nodiscard]] Line LineAt(std::size_t start) const;
+    [[nodiscard]] std::wstring Decode(std::string_view bytes) const;
+    [[nodiscard]] std::string Encode(std::wstring_view text) const;
+    [[nodiscard]] Place Find(std::wstring_view section, std::wstring_view key) const;
+
+    std::string m_bytes;
+    ProfileEncoding m_encoding = ProfileEncoding::Cp932;
+    std::size_t m_start = 0; ///< of the first line, behind the byte order mark
+};
+
+} // namespace fieldcore

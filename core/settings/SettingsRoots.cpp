@@ -1,0 +1,49 @@
+#include "core/settings/SettingsRoots.h"
+
+#include "core/platform/SqliteSettingsStore.h"
+
+#include <cstddef>
+
+namespace fieldcore {
+
+SettingsRoots::SettingsRoots(const Folders& folders)
+    : m_roots{Root{folders.Settings() / "user.db", nullptr},
+              Root{folders.MachineSettings() / "machine.db", nullptr}}
+{}
+
+SettingsRoots::~SettingsRoots() = default;
+
+SettingsStore& SettingsRoots::Store(RootKey root)
+{
+    Root& entry = m_roots[static_cast<std::size_t>(root)];
+    if (!entry.store) {
+        entry.store = std::make_unique<SqliteSettingsStore>(entry.file);
+    }
+    return *entry.store;
+}
+
+const std::filesystem::path& SettingsRoots::File(RootKey root) const
+{
+    return m_roots[static_cast<std::size_t>(root)].file;
+}
+
+std::string SettingsRoots::TakeNotice()
+{
+    std::string notices;
+    for (const Root& root : m_roots) {
+        const std::string notice = root.store ? root.store->TakeNotice() : "";
+        if (!notice.empty()) {
+            notices += notices.empty() ? "" : "\n";
+            notices += notice;
+        }
+    }
+    return notices;
+}
+
+SettingsRoots& SettingsRoots::Instance()
+{
+    static SettingsRoots instance;
+    return instance;
+}
+
+} // namespace fieldcore

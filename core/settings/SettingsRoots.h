@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/platform/Folders.h"
+#include "core/platform/SettingsStore.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace fieldcore {
+
+/// Which of the two trees of settings.
+enum class RootKey
+{
+    CurrentUser, ///< the user's own
+    LocalMachine ///< shared by all users of the machine
+};
+
+/// The two settings stores of a process. Each is opened when it is first asked for and stays open.
+/// One thread at a time.
+class SettingsRoots
+{
+public:
+    explicit SettingsRoots(const Folders& folders = Folders());
+    ~SettingsRoots();
+    SettingsRoots(const SettingsRoots&) = delete;
+    SettingsRoots& operator=(const SettingsRoots&) = delete;
+
+    [[nodiscard]] SettingsStore& Store(RootKey root);
+
+    /// The file of a root's store.
+    [[nodiscard]] const std::filesystem::path& File(RootKey root) const;
+
+    /// What the user should know about a store that was opened, in plain English: its file was
+    /// damaged, or it cannot be written and nothing will be kept. Told once, then empty.
+    [[nodiscard]] std::string TakeNotice();
+
+    /// The ones that are used where no others are given.
+    static SettingsRoots& Instance();
+
+private:
+    struct Root
+    {
+        std::filesystem::path file;
+        std::unique_ptr<SettingsStore> store;
+    };
+
+    std::array<Root, 2> m_roots; // in the order of RootKey
+};
+
+} // namespace fieldcore

@@ -1,0 +1,22 @@
+// Profile files: any bytes can be read, and an entry that was set is found again with its value.
+
+#include "core/settings/ProfileText.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+using namespace fieldcore;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const ProfileText profile(std::string(data, data + size));
+    static_cast<void>(profile.Value(L"S", L"K"));
+    const auto changed = profile.WithEntry(L"S", L"K", L"value");
+    if (!changed || ProfileText(*changed).Value(L"S", L"K") != L"value" ||
+        ProfileText(*changed).WithEntry(L"S", L"K", L"value") != changed) {
+        std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,103 @@
+#include "simulator/ExchangeRecord.h"
+
+#include <cerrno>
+#include <charconv>
+#include <system_error>
+#include <utility>
+
+namespace fieldcore::simulator {
+
+namespace {
+
+constexpr std::string_view kSent = " Rcvr Tx [";
+constexpr std::string_view kReceived = " Rcvr Rx [";
+
+} // namespace
+
+std::string LogLine(Direction direction, std::span<const std::uint8_t> bytes)
+{
+    constexpr std::string_view kHex = "0123456789ABCDEF";
+    std::string line("00:1.000");
+    line += direction == Direction::ToReceiver ? kSent : kReceived;
+    line.reserve(line.size() + bytes.size() * 3 + 3);
+    for (const std::uint8_t byte : bytes) {
+        line += kHex[byte >> 4U];
+        line += kHex[byte & 0x0FU];
+        line += ' ';
+    }
+    return line + "]\r\n";
+}
+
+bool ParseLogLine(std::string_view line, RecordedBytes& piece, std::string& error)
+{
+    const auto fail = [&](std::string cause) {
+        error = std::move(cause);
+        return false;
+    };
+    RecordedBytes read;
+    std::size_t open = line.find(kSent);
+    if (open == std::string_view::npos) {
+        open = line.find(kReceived);
+        read.direction = Direction::FromReceiver;
+    }
+    if (open == std::string_view::npos) {
+        return fail("neither \"Rcvr Tx [\" nor \"Rcvr Rx [\" stands in it");
+    }
+    std::string_view hex = line.substr(open + kSent.size());
+    const std::size_t close = hex.find(']');
+    if (close == std::string_view::npos) {
+        return fail("the closing \"]\" is missing");
+    }
+    hex = hex.substr(0, close);
+    while (!hex.empty()) {
+        std::uint8_t byte = 0;
+        const std::string_view digits = hex.substr(0, 2);
+        const char* const end = digits.data() + digits.size();
+        const auto [stop, failure] = std::from_chars(digits.data(), end, byte, 16);
+        if (failure != std::errc() || stop != end || digits.size() != 2 || hex.size() < 3 ||
+            hex[2] != ' ') {
+            return fail("\"" + std::string(hex.substr(0, 3)) +
+                        "\" is not two hexadecimal digits and a blank");
+        }
+        read.bytes.push_back(byte);
+        hex.remove_prefix(3);
+    }
+    if (read.bytes.empty()) {
+        return fail("there are no bytes between the brackets");
+    }
+    piece = std::move(read);
+    return true;
+}
+
+bool ExchangeRecord::OpenFile(const std::filesystem::path& path, std::string& error)
+{
+    const std::scoped_lock lock(m_mutex);
+    errno = 0;
+    m_file.open(path, std::ios::binary | std::ios::trunc);
+    if (!m_file.is_open()) {
+        error = path.string() + ": " + std::generic_category().message(errno);
+        return false;
+    }
+    return true;
+}
+
+void ExchangeRecord::Add(Direction direction, Clock::Duration time,
+                         std::span<const std::uint8_t> bytes)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_pieces.size() == m_limit) {
+        m_pieces.pop_front();
+    }
+    m_pieces.push_back({direction, time, {bytes.begin(), bytes.end()}});
+    if (m_file.is_open()) {
+        m_file << LogLine(direction, bytes) << std::flush; // complete even if we are killed
+    }
+}
+
+std::vector<RecordedBytes> ExchangeRecord::Pieces() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return {m_pieces.begin(), m_pieces.end()};
+}
+
+} // namespace fieldcore::simulator

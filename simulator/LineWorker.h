@@ -1,0 +1,81 @@
+#pragma once
+
+#include "core/platform/Clock.h"
+#include "simulator/PseudoTerminal.h"
+#include "simulator/RequestParser.h"
+#include "simulator/Responder.h"
+#include "simulator/Transmitter.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace fieldcore::simulator {
+
+/// The thread behind the port: takes in requests, sends what is due, and sleeps in between until
+/// a byte, a call or the next due moment comes. Everything on the line happens on this thread;
+/// other threads hand it calls.
+class LineWorker
+{
+public:
+    /// @param responder, clock  must outlive the worker
+    LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder);
+    ~LineWorker(); ///< stops the thread
+    LineWorker(const LineWorker&) = delete;
+    LineWorker& operator=(const LineWorker&) = delete;
+
+    [[nodiscard]] bool Start(const std::filesystem::path& link, std::string& error);
+    [[nodiscard]] std::string PortPath() const { return m_terminal.Link().string(); }
+
+    // Any thread from here on.
+    void Send(Bytes bytes); ///< returns at once
+    // Both return when it is done; on the thread itself, too.
+    void HangUp();
+    bool Plug();
+
+private:
+    void Run();
+    void Sleep();
+    [[nodiscard]] std::optional<Clock::Duration> NextDue() const;
+    void Read();
+    void TakeIn(std::uint8_t byte);
+    void Write();
+    /// Sends what the current piece may send.
+    /// @return false if a part of it must wait
+    [[nodiscard]] bool WriteCurrent(Clock::Duration now);
+    void Lose(Clock::Duration backAfter);
+    bool PlugNow();
+
+    /// Runs @p call on the thread; waits for it unless called there.
+    void Call(const std::function<void()>& call);
+    void RunCalls();
+    void Post(std::function<void()> call);
+    void Wake() const;
+
+    const Clock& m_clock;
+    Responder& m_responder;
+    const bool m_paced;
+
+    // The thread's own.
+    PseudoTerminal m_terminal;
+    RequestParser m_parser;
+    Transmitter m_transmitter;
+    std::uint32_t m_baudRate;
+    bool m_pipeFull = false;
+    Clock::Duration m_lastByte{};             // when the last byte of a request came
+    std::optional<Clock::Duration> m_plugDue; // when the port comes back
+
+    std::thread m_thread;
+    int m_wakeUp = -1; // eventfd
+    std::mutex m_mutex;
+    std::condition_variable m_called;
+    std::vector<std::function<void()>> m_calls; // guarded by m_mutex
+    bool m_stopping = false;                    // guarded by m_mutex
+};
+
+} // namespace fieldcore::simulator

@@ -1,0 +1,159 @@
+#include "simulator/PseudoTerminal.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace fieldcore::simulator {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string LastError(const std::string& what)
+{
+    return what + ": " + std::generic_category().message(errno);
+}
+
+void CloseDescriptor(int& descriptor)
+{
+    if (descriptor >= 0) {
+        close(descriptor);
+        descriptor = -1;
+    }
+}
+
+/// No echo, no line ends made of others, no signals: every byte passes as it is, also those that
+/// come before a controller has set up its end.
+bool MakeRaw(int slave)
+{
+    termios settings{};
+    if (tcgetattr(slave, &settings) != 0) {
+        return false;
+    }
+    cfmakeraw(&settings);
+    return tcsetattr(slave, TCSANOW, &settings) == 0;
+}
+
+} // namespace
+
+PseudoTerminal::~PseudoTerminal()
+{
+    Close();
+    if (!m_folder.empty()) {
+        std::error_code ignored; // a folder among the temporary files: nothing hangs on it
+        fs::remove(m_folder, ignored);
+    }
+}
+
+bool PseudoTerminal::SetLink(const fs::path& link, std::string& error)
+{
+    if (!link.empty()) {
+        std::error_code failure;
+        m_link = fs::absolute(link, failure);
+        if (failure) {
+            error = link.string() + ": " + failure.message();
+        }
+        return !failure;
+    }
+    std::error_code failure;
+    const fs::path temporary = fs::temp_directory_path(failure);
+    std::string folder = (temporary / "fieldcore-sim-XXXXXX").string();
+    if (failure || mkdtemp(folder.data()) == nullptr) {
+        error = LastError("no folder for the port among the temporary files");
+        return false;
+    }
+    m_folder = folder;
+    m_link = m_folder / "receiver";
+    return true;
+}
+
+bool PseudoTerminal::Open(std::string& error)
+{
+    if (IsOpen()) {
+        return true;
+    }
+    if (MakePair(error) && Publish(error)) {
+        return true;
+    }
+    CloseDescriptor(m_slave);
+    CloseDescriptor(m_master);
+    m_slaveName.clear();
+    return false;
+}
+
+bool PseudoTerminal::MakePair(std::string& error)
+{
+    std::array<char, 128> name{};
+    m_master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0 ||
+        ptsname_r(m_master, name.data(), name.size()) != 0) {
+        error = LastError("no pseudo-terminal");
+        return false;
+    }
+    m_slaveName = name.data();
+    m_slave = open(m_slaveName.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (m_slave < 0 || !MakeRaw(m_slave)) {
+        error = LastError(m_slaveName);
+        return false;
+    }
+    return true;
+}
+
+bool PseudoTerminal::Publish(std::string& error)
+{
+    std::error_code failure;
+    const fs::file_status there = fs::symlink_status(m_link, failure);
+    if (fs::exists(there)) {
+        // A simulator that was killed leaves its link behind. The pair that it names is gone or,
+        // since their numbers are given out again, is this very one.
+        const fs::path target = fs::read_symlink(m_link, failure);
+        const bool wasOurs = !failure && target.parent_path() == "/dev/pts" &&
+                             (target == m_slaveName || !fs::exists(target, failure));
+        if (!wasOurs) {
+            error = m_link.string() + ": is there already, and is no link that a simulator left";
+            return false;
+        }
+        fs::remove(m_link, failure);
+    }
+    fs::create_symlink(m_slaveName, m_link, failure);
+    if (failure) {
+        error = m_link.string() + ": " + failure.message();
+    }
+    return !failure;
+}
+
+void PseudoTerminal::WaitUntilRead(std::chrono::milliseconds limit) const
+{
+    using namespace std::chrono_literals;
+    pollfd unread{m_slave, POLLIN, 0};
+    for (auto waited = 0ms; waited < limit && poll(&unread, 1, 0) == 1; ++waited) {
+        std::this_thread::sleep_for(1ms);
+    }
+}
+
+void PseudoTerminal::Close()
+{
+    if (!IsOpen()) {
+        return;
+    }
+    // While the pair is closed its number may be given to a terminal of somebody else, so the
+    // link must not stay.
+    std::error_code failure;
+    if (fs::read_symlink(m_link, failure) == m_slaveName) {
+        fs::remove(m_link, failure);
+    }
+    CloseDescriptor(m_slave);
+    CloseDescriptor(m_master);
+    m_slaveName.clear();
+}
+
+} // namespace fieldcore::simulator

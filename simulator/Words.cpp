@@ -1,0 +1,135 @@
+#include "simulator/Words.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+namespace fieldcore::simulator {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view WithoutBlanks(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+template <typename Number>
+bool ReadWhole(std::string_view word, Number& value)
+{
+    const char* const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, value);
+    return error == std::errc() && stop == end && !word.empty();
+}
+
+std::string Short(double value)
+{
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%g", value);
+    return text.data();
+}
+
+} // namespace
+
+Words::Words(std::string_view line) : m_rest(WithoutBlanks(line)) {}
+
+std::string_view Words::Peek() const
+{
+    return m_rest.substr(0, m_rest.find_first_of(kBlanks));
+}
+
+std::string_view Words::Take()
+{
+    const std::string_view word = Peek();
+    m_rest = WithoutBlanks(m_rest.substr(word.size()));
+    return word;
+}
+
+std::string_view Words::TakeRest()
+{
+    return std::exchange(m_rest, {});
+}
+
+bool Words::Integer(std::string_view what, long min, long max, long& value)
+{
+    const std::string_view word = Take();
+    long read = 0;
+    if (!ReadWhole(word, read) || read < min || read > max) {
+        return FailAt(what,
+                      "a whole number from " + std::to_string(min) + " to " + std::to_string(max),
+                      word);
+    }
+    value = read;
+    return true;
+}
+
+bool Words::Integer(std::string_view what, long min, long max, int& value)
+{
+    long read = 0;
+    if (!Integer(what, min, max, read)) {
+        return false;
+    }
+    value = static_cast<int>(read);
+    return true;
+}
+
+bool Words::Real(std::string_view what, double min, double max, double& value)
+{
+    const std::string_view word = Take();
+    double read = 0.0;
+    if (!ReadWhole(word, read) || !std::isfinite(read) || read < min || read > max) {
+        return FailAt(what, "a number from " + Short(min) + " to " + Short(max), word);
+    }
+    value = read;
+    return true;
+}
+
+bool Words::YesNo(std::string_view what, bool& value)
+{
+    const std::string_view word = Take();
+    if (word != "yes" && word != "no") {
+        return FailAt(what, "yes or no", word);
+    }
+    value = word == "yes";
+    return true;
+}
+
+bool Words::Text(std::string_view what, std::size_t width, std::string& value)
+{
+    const std::string_view text = TakeRest();
+    const bool printable =
+        std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    if (text.empty() || text.size() > width || !printable) {
+        return FailAt(what, "1 to " + std::to_string(width) + " ASCII characters", text);
+    }
+    value = text;
+    return true;
+}
+
+bool Words::End()
+{
+    return AtEnd() || Fail("\"" + std::string(Peek()) + "\" is one word too many");
+}
+
+bool Words::Fail(std::string cause)
+{
+    m_error = std::move(cause);
+    return false;
+}
+
+bool Words::FailAt(std::string_view what, std::string_view wanted, std::string_view word)
+{
+    const std::string found = word.empty() ? "nothing" : "\"" + std::string(word) + "\"";
+    return Fail(std::string(what) + " must be " + std::string(wanted) + ", not " + found);
+}
+
+} // namespace fieldcore::simulator

@@ -1,0 +1,113 @@
+#include "tests/cli/Runner.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+nlohmann::json FindCheck(const nlohmann::json& document, const std::string& name)
+{
+    for (const nlohmann::json& check : document["result"]["checks"]) {
+        if (check["check"] == name) {
+            return check;
+        }
+    }
+    return {{"health", "(not checked)"}, {"found", ""}, {"advice", nullptr}};
+}
+
+TEST(Doctor, FindsEachTroubleAndSaysWhatToDo)
+{
+    struct Row
+    {
+        std::string_view trouble;
+        std::function<void(Runner&)> make;
+        std::string check;
+        std::string health;
+        std::string told; ///< part of what is found or advised
+        int code;
+    };
+    const auto group = [](World::SerialGroup found) {
+        return [found = std::move(found)](Runner& runner) {
+            runner.world.serialGroup = [found] { return found; };
+        };
+    };
+    const auto noFontList = [](Runner& runner) {
+        runner.world.listJapaneseFonts = [] { return std::nullopt; };
+        runner.world.fontFolders = {runner.Path("fonts"), runner.Path("no-fonts")};
+    };
+    const Row rows[] = {
+        {"nothing", [](Runner&) {}, "serial group", "ok", "dialout", 0},
+        {"not in the group", group({"uucp", false, false}), "serial group", "bad",
+         "sudo usermod -aG uucp", 1},
+        {"put into the group since", group({"dialout", false, true}), "serial group", "attention",
+         "log out and in", 0},
+        {"no such group", group({}), "serial group", "attention", "no group", 0},
+        {"no port", [](Runner&) {}, "serial ports", "attention", "sim:", 0},
+        {"no Japanese font",
+         [](Runner& runner) {
+             runner.world.listJapaneseFonts = [] { return std::optional<std::string>(""); };
+         },
+         "Japanese font", "attention", "fonts-vlgothic", 0},
+        {"fonts cannot be listed, and there is no file", noFontList, "Japanese font", "attention",
+         "fonts-vlgothic", 0},
+        {"fonts cannot be listed, but there is a file",
+         [&noFontList](Runner& runner) {
+             noFontList(runner);
+             runner.Folder().Write("fonts/truetype/vlgothic/VL-Gothic-Regular.ttf", "");
+         },
+         "Japanese font", "ok", "VL-Gothic-Regular.ttf", 0},
+        {"a font of another script is taken",
+         [&noFontList](Runner& runner) {
+             noFontList(runner);
+             runner.Folder().Write("fonts/DejaVuSans.ttf", "");
+         },
+         "Japanese font", "attention", "", 0},
+        {"folders that are not there yet", [](Runner&) {}, "settings", "ok",
+         "is made when it is needed", 0},
+        {"a file where a folder belongs",
+         [](Runner& runner) { runner.Folder().Write("home/.config", ""); }, "settings", "bad",
+         "is no folder", 1},
+        {"machine store elsewhere",
+         [](Runner& runner) {
+             runner.Folder().Write("shared/file", "");
+             runner.variables["FIELDCORE_MACHINE_STORE"] = runner.Path("shared");
+         },
+         "machine settings", "ok", "shared, ", 0},
+        {"program folder below a file",
+         [](Runner& runner) {
+             runner.Folder().Write("file", "");
+             runner.variables["FIELDCORE_HOME"] = runner.Path("file/below");
+         },
+         "program folder", "bad", "file is no folder", 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.trouble);
+        Runner runner;
+        std::filesystem::create_directories(runner.Path("home"));
+        row.make(runner);
+        const Outcome outcome = runner.Run("doctor --json");
+        EXPECT_EQ(outcome.code, row.code) << outcome.out;
+        const nlohmann::json check = FindCheck(outcome.Json(), row.check);
+        EXPECT_EQ(check["health"], row.health) << check;
+        EXPECT_NE(check.dump().find(row.told), std::string::npos) << check;
+        EXPECT_EQ(check["advice"].is_null(), row.health == "ok") << "all is well, or advice";
+    }
+}
+
+TEST(Doctor, WritesNothing)
+{
+    Runner runner;
+    std::filesystem::create_directories(runner.Path("home"));
+    EXPECT_EQ(runner.Run("doctor").code, 0);
+    EXPECT_TRUE(std::filesystem::is_empty(runner.Path("home")));
+}
+
+} // namespace
+} // namespace fieldcore::cli::test

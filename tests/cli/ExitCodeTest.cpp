@@ -1,0 +1,197 @@
+// Scripts stand on the exit codes and on one JSON document, whatever happens.
+
+#include "core/platform/PosixSerialDevice.h"
+#include "simulator/Simulator.h"
+#include "tests/cli/Runner.h"
+
+#include <csignal>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+struct Row
+{
+    std::string_view fault;
+    std::string arguments;
+    int code;
+    std::string error; ///< its code in the JSON document
+};
+
+void ExpectFailure(Runner& runner, const Row& row)
+{
+    SCOPED_TRACE(row.fault);
+    const Outcome text = runner.Run(row.arguments);
+    EXPECT_EQ(text.code, row.code) << text.err;
+    EXPECT_NE(text.err, "");
+
+    const Outcome json = runner.Run("--json " + row.arguments);
+    EXPECT_EQ(json.code, row.code) << json.err;
+    const nlohmann::json document = json.Json();
+    EXPECT_EQ(document["schema"], 1);
+    EXPECT_EQ(document["ok"], false);
+    EXPECT_EQ(document["error"]["exitCode"], row.code);
+    EXPECT_EQ(document["error"]["code"], row.error);
+    EXPECT_FALSE(document["error"]["message"].get<std::string>().empty());
+}
+
+TEST(ExitCode, UsageIsTwoAndNothingIsOnStdout)
+{
+    const Row rows[] = {
+        {"no command", "", 2, "usage"},
+        {"unknown command", "survey", 2, "usage"},
+        {"unknown option", "info --prot sim:", 2, "usage"},
+        {"option of another command", "ports --port sim:", 2, "usage"},
+        {"no port named", "info", 2, "usage"},
+        {"neither a port nor a path", "info --port ttyUSB0", 2, "usage"},
+        {"COM number that does not exist", "info --port COM0", 2, "usage"},
+        {"scenario that does not exist", "info --port sim:no-such", 2, "usage"},
+        {"rate that no port has", "info --port sim: --baud 38401", 2, "usage"},
+        {"number where a word is meant", "info --port sim: --parity 9", 2, "usage"},
+        {"no number", "info --port sim: --timeout soon", 2, "usage"},
+        {"time-out of nothing", "info --port sim: --timeout 0", 2, "usage"},
+        {"six data bits", "info --port sim: --bits 6", 2, "usage"},
+        {"three stop bits", "info --port sim: --stop-bits 3", 2, "usage"},
+        {"fast time without the simulator", "info --port /dev/null --speed 2", 2, "usage"},
+        {"watch without a pause", "status --port sim: --watch 0", 2, "usage"},
+        {"watch backwards", "status --port sim: --watch -1", 2, "usage"},
+        {"count without a watch", "status --port sim: --count 2", 2, "usage"},
+        {"sim of nothing", "sim", 2, "usage"},
+        {"sim run of a scenario that does not exist", "sim run --scenario no-such", 2, "usage"},
+        {"user command elsewhere", "info --port sim: -- true", 2, "usage"},
+        {"no user command behind the dashes", "sim run --", 2, "usage"},
+        {"trace of nothing", "trace", 2, "usage"},
+        {"reset that nobody was asked about", "reset --port sim:", 2, "usage"},
+        {"reset and not reset", "reset --port sim: --yes --dry-run", 2, "usage"},
+    };
+    Runner runner;
+    for (const Row& row : rows) {
+        ExpectFailure(runner, row);
+        EXPECT_EQ(runner.Run(row.arguments).out, "") << row.fault;
+    }
+}
+
+TEST(ExitCode, TellsPortsReceiversAndFilesApart)
+{
+    Runner runner;
+    const auto with = [&runner](const std::string& name, const std::string& lines) {
+        const std::string file = runner.Scenario(lines);
+        std::filesystem::rename(file, runner.Path(name));
+        return "sim:" + runner.Path(name) + " --speed 20 --timeout 60";
+    };
+    const Row rows[] = {
+        {"a file", "info --port @/damaged", 3, "port-not-serial"},
+        {"COM port that is not there", "status --port COM9", 3, "port-absent"},
+        {"path that is not there", "identify --port @/nothing", 3, "port-absent"},
+        {"a silent receiver", "info --port sim:silent --speed 20", 4, "no-answer"},
+        {"a silent receiver asked by BREAK", "identify --port sim:silent --speed 20", 4,
+         "no-answer"},
+        {"type that no host supports", "info --port sim:unsupported --speed 20 --timeout 60", 5,
+         "type-refused"},
+        {"old firmware", "info --port sim:old-firmware --speed 20 --timeout 60", 5,
+         "firmware-refused"},
+        {"NAK", "info --port " + with("nak", "fault nak on 06 skip 1"), 6, "nak"},
+        {"NAK of a reset", "reset --yes --port " + with("nak-reset", "fault nak on 58"), 6, "nak"},
+        {"every answer damaged", "status --port " + with("damaged", "fault corrupt on 08"), 1,
+         "damaged-answer"},
+        {"answer of another type", "info --port " + with("wrong", "fault wrong-type 126 on 4A"), 1,
+         "unexpected-answer"},
+        {"cable pulled", "status --port " + with("pulled", "fault hang-up reply 4 on 34"), 3,
+         "link-lost"},
+        {"log in a folder that is not there", "info --port sim: --log @/none/log", 8, "local-file"},
+        {"log that is not there", "trace @/none", 8, "local-file"},
+        {"log that is a folder", "trace @/", 8, "local-file"},
+        {"log that is none", "trace @/damaged", 8, "local-file"},
+    };
+    for (const Row& row : rows) {
+        ExpectFailure(runner, row);
+    }
+}
+
+TEST(ExitCode, PortsOfThisMachineAreThree)
+{
+    std::string error;
+    simulator::Simulator receiver(*simulator::LoadScenario("lark", error));
+    ASSERT_TRUE(receiver.Start(error)) << error;
+    PosixSerialDevice other;
+    ASSERT_TRUE(other.Open(receiver.PortPath()));
+    Runner runner;
+    runner.world.roots = {}; // who holds a port is seen in the real process table
+    ExpectFailure(runner, {"no serial port", "info --port /dev/null", 3, "port-not-serial"});
+    runner.world.roots.proc = runner.Folder().Path();
+    ExpectFailure(runner, {"port in use by somebody who is not to be seen",
+                           "info --port " + receiver.PortPath(), 3, "port-in-use"});
+    runner.world.roots = {};
+    ExpectFailure(runner, {"port in use", "info --port " + receiver.PortPath(), 3, "port-in-use"});
+}
+
+TEST(ExitCode, CtrlCIsSeven)
+{
+    struct StopRow
+    {
+        std::string_view fault;
+        std::string arguments;
+        int breaths; ///< that are let through first
+    };
+    const StopRow rows[] = {
+        {"while waking", "info --port sim: --speed 5", 1},
+        {"while nobody answers", "info --port sim:silent --speed 5", 4},
+        {"before a watch has shown anything", "status --port sim: --watch --speed 5", 3},
+    };
+    for (const StopRow& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Runner runner;
+        auto left = std::make_shared<int>(row.breaths);
+        runner.world.stopSignal = [left] { return (*left)-- > 0 ? 0 : SIGINT; };
+        const Outcome outcome = runner.Run(row.arguments + " --json");
+        EXPECT_EQ(outcome.code, 7);
+        EXPECT_EQ(outcome.Json()["error"]["code"], "cancelled");
+    }
+}
+
+TEST(ExitCode, ResetHappensOnlyWhenBothQuestionsAreAgreed)
+{
+    struct ResetRow
+    {
+        std::string_view fault;
+        std::string input;
+        int code;
+        bool isSent;
+    };
+    const ResetRow rows[] = {
+        {"both agreed", "y\ny\n", 0, true},
+        {"second one declined", "y\nn\n", 7, false},
+        {"first one declined", "n\ny\n", 7, false},
+        {"Enter is no agreement", "\n\n", 7, false},
+        {"end of the input is no agreement", "", 7, false},
+    };
+    for (const ResetRow& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Runner runner;
+        runner.world.inIsTerminal = true;
+        runner.world.errIsTerminal = true;
+        runner.input = row.input;
+        const Outcome outcome = runner.Run("reset --port sim: --speed 20 --timeout 60 --log @/log");
+        EXPECT_EQ(outcome.code, row.code) << outcome.err;
+        const bool isSent =
+            Content(runner.Path("log")).find("[02 00 58 07 FF 02 52 45 53 45 54 E3 03 ]") !=
+            std::string::npos;
+        EXPECT_EQ(isSent, row.isSent);
+    }
+}
+
+TEST(ExitCode, DryRunOfAResetSendsNone)
+{
+    Runner runner;
+    const Outcome outcome =
+        runner.Run("reset --port sim: --dry-run --speed 20 --timeout 60 --log @/log --json");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.Json()["result"]["reset"], false);
+    EXPECT_EQ(Content(runner.Path("log")).find("02 00 58 "), std::string::npos);
+}
+
+} // namespace
+} // namespace fieldcore::cli::test

@@ -1,0 +1,146 @@
+#include "cli/Report.h"
+#include "cli/ReceiverWords.h"
+#include "cli/Utf8.h"
+
+#include <chrono>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+TEST(Printable, LetsNothingThroughThatCommandsATerminal)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string text;
+        std::string shown;
+    };
+    const Row rows[] = {
+        {"Japanese stays", "受信機 VX1", "受信機 VX1"},
+        {"half-width kana and beyond the basic plane stay", "ﾃｽﾄ 𠮷", "ﾃｽﾄ 𠮷"},
+        {"escape sequence", "\x1b[2J", "?[2J"},
+        {"carriage return hides what stands before", "bad\rgood", "bad?good"},
+        {"DEL", "a\x7f", "a?"},
+        {"control character of two bytes (CSI)",
+         "\xC2\x9B"
+         "2J",
+         "?2J"},
+        {"byte that is no UTF-8",
+         "a\xFF"
+         "b",
+         "a?b"},
+        {"cut at the end", "a\xE5\x8F", "a??"},
+        {"overlong slash", "\xC0\xAF", "??"},
+        {"overlong slash of three bytes", "\xE0\x80\xAF", "???"},
+        {"surrogate", "\xED\xA0\x80", "???"},
+        {"beyond Unicode", "\xF4\x90\x80\x80", "????"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(Printable(row.text), row.shown);
+    }
+}
+
+TEST(ToUtf8, WritesEveryLengthOfACharacter)
+{
+    EXPECT_EQ(ToUtf8(L"A\u00E9\u53D7\U00020BB7"), "A\xC3\xA9\xE5\x8F\x97\xF0\xA0\xAE\xB7");
+    const wchar_t bad[] = {0xD800, static_cast<wchar_t>(0x110000), 0};
+    EXPECT_EQ(ToUtf8(bad), "??");
+}
+
+TEST(Value, IsReadTheSameByPeopleAndPrograms)
+{
+    struct Row
+    {
+        std::string_view fault;
+        Value value;
+        std::string words;
+        Value::Data data;
+    };
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const Row rows[] = {
+        {"unknown is 0", Value::Unknown(), "--", std::monostate{}},
+        {"not a number", Value::Real(kNan, 1), "--", std::monostate{}},
+        {"infinite", Value::Real(-kInfinity, 1, "m"), "--", std::monostate{}},
+        {"JSON has more digits than the text", Value::Real(1.79999995, 1), "1.8", 1.8},
+        {"zeros behind the point are lost", Value::Real(4.5, 2), "4.50", 4.5},
+        {"unit", Value::Integer(85, "%"), "85 %", std::int64_t{85}},
+        {"exact", Value::Exact(0.1, "rad"), "0.1 rad", 0.1},
+        {"largest", Value::Real(1e300, 2).IsUnknown() ? Value::Unknown() : Value::YesNo(true),
+         "yes", true},
+        {"empty text", Value::Text(std::string()), "--", std::monostate{}},
+        {"empty list", Value::List({}), "none", std::vector<std::string>{}},
+        {"word", Value::Word("fixed", "RTK fixed"), "RTK fixed", std::string("fixed")},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(row.value.Words(), row.words);
+        EXPECT_EQ(row.value.GetData(), row.data);
+    }
+}
+
+TEST(Report, AlignsByTheWidthThatIsSeen)
+{
+    Report report;
+    report.Add("a", "局", Value::Integer(1));
+    report.Add("b", "long label", Value::Integer(2));
+    Report& section = report.AddSection("s", "title");
+    section.Add("c", "x", Value::Unknown());
+    report.AddTable({"t", "nothing", {{"k", "KEY"}, {"v", "VALUE"}}, {}});
+    report.AddTable({"u",
+                     "nothing",
+                     {{"k", "KEY"}, {"v", "VALUE"}},
+                     {{Value::Text(std::string("受信機")), Value::Integer(3)}}});
+    EXPECT_EQ(report.Words(), "局          1\n"
+                              "long label  2\n"
+                              "title\n"
+                              "  x  --\n"
+                              "nothing\n"
+                              "KEY     VALUE\n"
+                              "受信機  3\n");
+}
+
+TEST(Report, WrapsLongListsBehindCommas)
+{
+    Report report;
+    report.Add("o", "options", Value::List({std::string(40, 'a'), std::string(40, 'b'), "c"}));
+    EXPECT_EQ(report.Words(),
+              "options  " + std::string(40, 'a') + ",\n         " + std::string(40, 'b') + ", c\n");
+}
+
+TEST(UtcOf, PlacesTheWeekThatTheReceiverMeans)
+{
+    using namespace std::chrono;
+    // GPS time 2410 week, 345600 s is 2026-03-19 00:00:00, 18 s ahead of UTC.
+    const auto utc = sys_days(2026y / March / 18) + 23h + 59min + 42s;
+    const auto now = sys_days(2026y / November / 21);
+    struct Row
+    {
+        std::string_view fault;
+        GpsTimeReply time;
+        Clock::UtcTime now;
+    };
+    const Row rows[] = {
+        {"full week", {345600.0, 2410, 18}, now},
+        {"full week while the controller's date is wrong",
+         {345600.0, 2410, 18},
+         sys_days(2000y / January / 1)},
+        {"ten bits of the week", {345600.0, 2410 % 1024, 18}, now},
+        {"ten bits, the controller a little behind",
+         {345600.0, 2410 % 1024, 18},
+         sys_days(2026y / January / 1)},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(UtcOf(row.time, row.now), utc);
+    }
+}
+
+} // namespace
+} // namespace fieldcore::cli::test

@@ -1,0 +1,94 @@
+#include "tests/cli/Runner.h"
+
+#include "cli/CommandLine.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace fieldcore::cli::test {
+
+nlohmann::json Outcome::Json() const
+{
+    EXPECT_TRUE(out.ends_with('\n') && out.find('\n') + 1 == out.size()) << "no one line: " << out;
+    nlohmann::json document = nlohmann::json::parse(out, nullptr, false);
+    EXPECT_FALSE(document.is_discarded()) << out;
+    return document;
+}
+
+Runner::Runner()
+{
+    world.variable = [this](const std::string& name) -> std::optional<std::string> {
+        const auto found = variables.find(name);
+        return found == variables.end() ? std::nullopt : std::optional(found->second);
+    };
+    world.stopSignal = [] { return 0; };
+    world.clock = &SystemClock::Instance();
+    world.roots = {m_folder.Path() / "dev", m_folder.Path() / "sys", m_folder.Path() / "proc"};
+    world.folders = {world.variable, m_folder.Path() / "home", "surveyor",
+                     m_folder.Path() / "mounts"};
+    world.listJapaneseFonts = [] { return std::optional<std::string>("VL Gothic\n"); };
+    world.serialGroup = [] { return World::SerialGroup{"dialout", true, true}; };
+}
+
+std::string Runner::Path(const std::string& name) const
+{
+    return (m_folder.Path() / name).string();
+}
+
+std::string Runner::Scenario(const std::string& lines) const
+{
+    const std::string healthy =
+        Content(std::filesystem::path(FIELDCORE_SOURCE_DIR) / "simulator/scenarios/lark.txt");
+    return m_folder.Write("scenario.txt", healthy + "\n" + lines + "\n").string();
+}
+
+std::string Runner::Expanded(const std::string& text) const
+{
+    std::string expanded = text;
+    for (std::size_t at = expanded.find("@/"); at != std::string::npos; at = expanded.find("@/")) {
+        expanded.replace(at, 2, m_folder.Path().string() + "/");
+    }
+    return expanded;
+}
+
+Outcome Runner::Run(const std::string& arguments)
+{
+    std::istringstream words(Expanded(arguments));
+    return Run(std::vector<std::string>(std::istream_iterator<std::string>(words), {}));
+}
+
+Outcome Runner::Run(std::vector<std::string> arguments)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    std::istringstream in(input);
+    world.out = &out;
+    world.err = &err;
+    world.in = &in;
+    const int code = RunCommandLine(world, std::move(arguments));
+    return {code, out.str(), err.str()};
+}
+
+Outcome Runner::RunProgram(const std::string& arguments) const
+{
+    const std::string out = Path("stdout");
+    const std::string err = Path("stderr");
+    const std::string command = std::string("exec ") + FIELDCORE_CLI + " " + Expanded(arguments) +
+                                " >" + out + " 2>" + err + " </dev/null";
+    const int status = std::system(command.c_str()); // NOLINT: a shell is what users have
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(out), Content(err)};
+}
+
+std::string Content(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace fieldcore::cli::test

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "cli/World.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace fieldcore::cli::test {
+
+/// What a run of the program came to.
+struct Outcome
+{
+    int code = -1;
+    std::string out;
+    std::string err;
+
+    /// stdout as the one JSON document that it must be; a failure of the test if it is not.
+    [[nodiscard]] nlohmann::json Json() const;
+};
+
+/// A process and a machine of the test's own, in which command lines are run: empty folders, no
+/// serial ports, no terminal, no Ctrl-C, until the test says otherwise.
+class Runner
+{
+public:
+    Runner();
+
+    /// @param arguments  separated by blanks; "@/" begins a path below the runner's folder
+    [[nodiscard]] Outcome Run(const std::string& arguments);
+    [[nodiscard]] Outcome Run(std::vector<std::string> arguments);
+
+    /// The same in the real program.
+    [[nodiscard]] Outcome RunProgram(const std::string& arguments) const;
+
+    [[nodiscard]] const TemporaryFolder& Folder() const { return m_folder; }
+    [[nodiscard]] std::string Path(const std::string& name) const;
+    /// Writes a scenario: the shipped healthy receiver's numbers with @p lines in addition.
+    [[nodiscard]] std::string Scenario(const std::string& lines) const;
+
+    World world;
+    std::map<std::string, std::string> variables;
+    std::string input; ///< what stands on stdin
+
+private:
+    [[nodiscard]] std::string Expanded(const std::string& text) const;
+
+    TemporaryFolder m_folder;
+};
+
+/// The bytes of a file as they are.
+[[nodiscard]] std::string Content(const std::filesystem::path& file);
+
+} // namespace fieldcore::cli::test

@@ -1,0 +1,238 @@
+#include "cli/FrameDescriber.h"
+#include "tests/cli/Runner.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes Hex(const std::string& text)
+{
+    std::istringstream words(text);
+    words >> std::hex;
+    Bytes bytes;
+    for (unsigned byte = 0; words >> byte;) {
+        bytes.push_back(static_cast<std::uint8_t>(byte));
+    }
+    return bytes;
+}
+
+struct DocFrame
+{
+    std::string label;
+    Direction direction;
+    Bytes bytes;
+};
+
+/// The examples of docs/protocol.md, each with the line above it.
+std::vector<DocFrame> DocFrames()
+{
+    std::ifstream doc(std::string(FIELDCORE_SOURCE_DIR) + "/docs/protocol.md");
+    std::vector<DocFrame> frames;
+    std::string label;
+    bool inFrame = false;
+    for (std::string line; std::getline(doc, line);) {
+        if (line == "```hex") {
+            const bool sent = label.starts_with("Request") || label == "Example 0x08:";
+            frames.push_back({label, sent ? Direction::Sent : Direction::Received, {}});
+            inFrame = true;
+        } else if (line == "```") {
+            inFrame = false;
+        } else if (inFrame) {
+            const Bytes more = Hex(line);
+            frames.back().bytes.insert(frames.back().bytes.end(), more.begin(), more.end());
+        } else if (!line.empty()) {
+            label = line;
+        }
+    }
+    return frames;
+}
+
+TEST(FrameDescriber, KnowsEveryExampleOfTheProtocol)
+{
+    const std::vector<DocFrame> frames = DocFrames();
+    ASSERT_GT(frames.size(), 50U);
+    for (const DocFrame& frame : frames) {
+        SCOPED_TRACE(frame.label);
+        const std::vector<DescribedBytes> described = DescribeBytes(frame.direction, frame.bytes);
+        ASSERT_EQ(described.size(), 1U);
+        EXPECT_EQ(described[0].kind, DescribedBytes::Kind::Frame);
+        EXPECT_NE(described[0].name, "unknown type");
+        EXPECT_TRUE(described[0].checksumGood);
+        EXPECT_EQ(described[0].fault, "");
+        for (const DescribedField& field : described[0].fields) {
+            EXPECT_NE(field.name, "more") << "bytes that no field stands for";
+            EXPECT_NE(field.meaning, "not a number") << field.name;
+        }
+    }
+}
+
+TEST(FrameDescriber, SurvivesEveryCutAndEveryDamagedByte)
+{
+    for (const DocFrame& frame : DocFrames()) {
+        SCOPED_TRACE(frame.label);
+        for (std::size_t at = 0; at < frame.bytes.size(); ++at) {
+            const Bytes cut(frame.bytes.begin(), frame.bytes.begin() + static_cast<long>(at));
+            std::size_t length = 0;
+            for (const DescribedBytes& piece : DescribeBytes(frame.direction, cut)) {
+                length += piece.length;
+            }
+            EXPECT_EQ(length, cut.size()) << "bytes lost or told twice";
+
+            Bytes damaged = frame.bytes;
+            damaged[at] ^= 0xFF; // an odd change of the sum, which no check byte passes
+            const std::vector<DescribedBytes> described = DescribeBytes(frame.direction, damaged);
+            const bool noticed = std::any_of(described.begin(), described.end(), [](const auto& d) {
+                return d.kind != DescribedBytes::Kind::Frame || !d.checksumGood || !d.fault.empty();
+            });
+            EXPECT_TRUE(noticed) << "byte " << at << " damaged and nothing told";
+        }
+    }
+}
+
+/// The value of a field, as a person reads it.
+std::string Field(const std::vector<DescribedBytes>& described, std::string_view name)
+{
+    for (const DescribedField& field : described.front().fields) {
+        if (field.name == name) {
+            return field.value.Words() + (field.meaning.empty() ? "" : "|" + field.meaning);
+        }
+    }
+    return "(not there)";
+}
+
+TEST(FrameDescriber, ReadsFieldsAsTheProtocolHasThem)
+{
+    // What stands beside the examples of docs/protocol.md.
+    struct Row
+    {
+        std::string_view fault;
+        std::string label;
+        std::string field;
+        std::string value;
+    };
+    const Row rows[] = {
+        {"text", "Reply 0x07:", "short serial number", "00301701"},
+        {"hundredths", "Reply 0x07:", "navigation firmware", "4.43"},
+        {"digits in front", "Reply 0x09:", "battery", "85 %"},
+        {"digits with a point", "Reply 0x09:", "PDOP", "1.8"},
+        {"value in words", "Reply 0x09:", "fix", "5|RTK fixed"},
+        {"blank text", "Reply 0x09:", "running survey", "(blank)"},
+        {"seconds of the week", "Reply 0x15:", "seconds of the GPS week", "345600 s"},
+        {"angle in degrees too", "Reply 0x31:", "longitude",
+         "2.426007660272118 rad|139.00000000 deg"},
+        {"single precision", "Reply 0x35:", "HDOP", "1"},
+        {"unsigned of four bytes", "Request 0x5E SetRS232PortParameters:", "rate", "115200 bit/s"},
+        {"bits", "Reply 0x41:", "power input", "1"},
+        {"mask of satellites", "Reply 0x55:", "PRN", "7"},
+        {"record", "Reply 0x9D:", "1. name", "A0314A00.Q01"},
+        {"record's size", "Reply 0x79:", "1. size", "48213 bytes"},
+        {"long frame", "Reply 0x95:", "flags", "1|last block"},
+        {"rest of the data", "Request 0x85 SetLabel:", "text", "POINT A1"},
+        {"low bits and single bits", "Reply 0xC8:", "state", "65|measuring, sensor present"},
+        {"satellite", "Reply 0x17:", "satellite",
+         "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
+        {"text satellite", "Example 0x17:", "satellite",
+         "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
+    };
+    const std::vector<DocFrame> frames = DocFrames();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const auto found =
+            std::find_if(frames.begin(), frames.end(),
+                         [&row](const DocFrame& frame) { return frame.label == row.label; });
+        ASSERT_NE(found, frames.end());
+        EXPECT_EQ(Field(DescribeBytes(found->direction, found->bytes), row.field), row.value);
+    }
+}
+
+TEST(Trace, ShowsGoodAndDamagedLines)
+{
+    Runner runner;
+    runner.world.outIsTerminal = false;
+    runner.Folder().Write("log", "00:1.000 Rcvr Tx [02 00 14 00 14 03 ]\r\n"
+                                 "00:1.000 Rcvr Rx [02 00 15 0D 30 33 34 35 36 30 30 32 34 31 30 "
+                                 "31 38 B4 03 ]\r\n"
+                                 "\r\n"
+                                 "00:1.000 Rcvr Rx [06 ]\r\n"
+                                 "00:1.000 Rcvr Rx [15 ]\n"
+                                 "00:1.000 Rcvr Tx [00 ]\r\n"
+                                 "00:1.000 Rcvr Rx [02 00 41 01 01 44 03 ]\r\n"
+                                 "00:1.000 Rcvr Rx [02 00 EE 02 AA 55 EF 03 ]\r\n"
+                                 "00:1.000 Rcvr Rx [02 00 41 01 0G 43 03 ]\r\n"
+                                 "\x1b[2J nonsense\r\n"
+                                 "00:1.000 Rcvr Rx [02 00 41 01 ]\r\n"
+                                 "00:1.000 Rcvr Rx [99 98 02 00 41 01 02 44 03 ]\r\n"
+                                 "00:1.000 Rcvr Rx [4F 4B 0D 0A ]");
+    const Outcome outcome = runner.Run("trace @/log");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.out,
+              "    1  Tx  0x14 GPS time request, 6 bytes, checksum good\n"
+              "    2  Rx  0x15 GPS time, 19 bytes, checksum good\n"
+              "      0  seconds of the GPS week  345600 s\n"
+              "      7  GPS week                 2410\n"
+              "     11  GPS time minus UTC       18 s\n"
+              "    4  Rx  ACK, 1 byte\n"
+              "    5  Rx  NAK, 1 byte\n"
+              "    6  Tx  BREAK, 1 byte\n"
+              "    7  Rx  0x41 power source, 7 bytes, checksum BAD: 0x44, should be 0x43\n"
+              "      0  power input  1\n"
+              "    8  Rx  0xEE unknown type, 8 bytes, checksum good\n"
+              "      0  data  AA 55\n"
+              "    9  damaged line: \"0G \" is not two hexadecimal digits and a blank\n"
+              "   10  damaged line: neither \"Rcvr Tx [\" nor \"Rcvr Rx [\" stands in it\n"
+              "   11  Rx  piece of a frame, 0x41 power source, 4 bytes; only 4 of 7 bytes of it "
+              "are there\n"
+              "   12  Rx  bytes that are no frame, 2 bytes\n"
+              "      0  bytes  99 98\n"
+              "   12  Rx  0x41 power source, 7 bytes, checksum good\n"
+              "      0  power input  2\n"
+              "   13  Rx  line of text, 4 bytes\n"
+              "      0  text  OK??\n");
+    EXPECT_EQ(outcome.err, "Exchanged: 11, with a fault: 3, damaged lines: 2.\n");
+
+    const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
+    EXPECT_EQ(result["damagedLines"], 2);
+    EXPECT_EQ(result["entries"].size(), 13U);
+    EXPECT_EQ(result["entries"][1]["fields"][1],
+              nlohmann::json::parse(R"({"offset":7,"name":"GPS week","value":2410.0,
+                                        "unit":null,"meaning":null})"));
+    EXPECT_EQ(result["entries"][5]["checksum"], "bad");
+}
+
+TEST(Trace, ReadsWhatLogAndRecordWrite)
+{
+    Runner runner;
+    ASSERT_EQ(runner.Run("info --port sim:noisy-line --speed 20 --timeout 10 --log @/log").code, 0);
+    const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
+    EXPECT_EQ(result["damagedLines"], 0);
+    EXPECT_GT(result["faults"], 0) << "that line damages every fifth answer";
+    const std::vector<std::string> arguments{
+        "sim",        "run", "--record", runner.Path("record"),
+        "--",         "sh",  "-c",       "\"$0\" identify >/dev/null",
+        FIELDCORE_CLI};
+    ASSERT_EQ(runner.Run(arguments).code, 0);
+    const Outcome outcome = runner.Run("trace --brief @/record");
+    EXPECT_NE(outcome.out.find("Tx  BREAK"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("0x6E identification"), std::string::npos) << outcome.out;
+}
+
+TEST(Trace, AnEmptyLogIsNoFault)
+{
+    Runner runner;
+    runner.Folder().Write("log", "\r\n");
+    EXPECT_EQ(runner.Run("trace @/log").code, 0);
+}
+
+} // namespace
+} // namespace fieldcore::cli::test

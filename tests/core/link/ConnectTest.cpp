@@ -1,0 +1,337 @@
+#include "core/link/Connect.h"
+
+#include "core/link/Command.h"
+#include "core/link/RecvForceInit.h"
+#include "core/platform/FastClock.h"
+#include "simulator/Simulator.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using simulator::Scenario;
+using simulator::Simulator;
+
+/// Keeps the questions and plays the answers.
+class RecordingHost : public Host
+{
+public:
+    struct Box
+    {
+        std::wstring text;
+        std::wstring caption;
+        BoxButtons buttons;
+        BoxIcon icon;
+    };
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
+                          BoxStyle style) override
+    {
+        boxes.push_back({std::wstring(text), std::wstring(caption), style.buttons, style.icon});
+        return boxes.size() <= answers.size() ? answers[boxes.size() - 1] : BoxAnswer::Ok;
+    }
+    bool Breathe() override { return !cancelled; }
+
+    std::vector<Box> boxes;
+    std::vector<BoxAnswer> answers;
+    bool cancelled = false;
+};
+
+/// What a simulated receiver reports of itself, over defaults.
+Scenario Receiver(int typeCode, double navVersion)
+{
+    Scenario scenario;
+    scenario.typeCode = typeCode;
+    scenario.navVersion = navVersion;
+    return scenario;
+}
+
+class ConnectTest : public ::testing::Test
+{
+protected:
+    void Start(const Scenario& scenario)
+    {
+        receiver = std::make_unique<Simulator>(scenario, clock);
+        std::string error;
+        ASSERT_TRUE(receiver->Start(error)) << error;
+        target.devicePath = receiver->PortPath();
+        target.settings.replyTimeout = 5s; // 50 ms on a watch
+    }
+
+    FastClock clock{100.0};
+    RecordingHost host;
+    CCommand command{{&host, &clock, nullptr, nullptr}};
+    std::unique_ptr<Simulator> receiver;
+    ConnectTarget target;
+};
+
+TEST_F(ConnectTest, AsksAsTheWayRequires)
+{
+    struct Row
+    {
+        std::string_view way;
+        int port;
+        int reconnect;
+        BoxAnswer answer;
+        int goesOn;
+        std::wstring text;
+        std::wstring caption;
+        BoxButtons buttons;
+        BoxIcon icon;
+    };
+    const std::wstring cable = L"ケーブルを接続してください";
+    const std::wstring power = L"受信機の電源を入れてください。\nBluetoothで通信を行います。";
+    const std::wstring lost = L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？";
+    using enum BoxAnswer;
+    const Row rows[] = {
+        {"cable", 1, 0, Ok, 1, cable, L"ケーブル接続確認", BoxButtons::OkCancel,
+         BoxIcon::Information},
+        {"cable, refused", 1, 1, Cancel, 0, cable, L"ケーブル接続確認", BoxButtons::OkCancel,
+         BoxIcon::Information},
+        {"Bluetooth", 5, 0, Ok, 1, power, L"受信機電源確認", BoxButtons::OkCancel,
+         BoxIcon::Information},
+        {"Bluetooth lost", 5, 1, Retry, 1, lost, L"通信エラー検出", BoxButtons::RetryCancel,
+         BoxIcon::Question},
+        {"Bluetooth given up", 5, 1, Cancel, 0, lost, L"通信エラー検出", BoxButtons::RetryCancel,
+         BoxIcon::Question},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.way);
+        host.boxes.clear();
+        host.answers = {row.answer};
+        target.port = row.port;
+        CConnect connect(command, row.reconnect, target);
+        EXPECT_EQ(connect.stStartMessage(), row.goesOn);
+        ASSERT_EQ(host.boxes.size(), 1U);
+        EXPECT_EQ(host.boxes[0].text, row.text);
+        EXPECT_EQ(host.boxes[0].caption, row.caption);
+        EXPECT_EQ(host.boxes[0].buttons, row.buttons);
+        EXPECT_EQ(host.boxes[0].icon, row.icon);
+    }
+}
+
+TEST_F(ConnectTest, ConnectsInItsSteps)
+{
+    class Steps : public ConnectObserver
+    {
+    public:
+        void OnStep(ConnectStep step, int done, int total) override
+        {
+            EXPECT_EQ(done, static_cast<int>(seen.size()));
+            EXPECT_EQ(total, 11);
+            EXPECT_NE(*StepText(step), L'\0');
+            seen.push_back(step);
+        }
+        std::vector<ConnectStep> seen;
+    };
+    Start(Scenario{});
+    Steps steps;
+    ConnectSequence sequence(command, target);
+    ASSERT_EQ(sequence.Run(&steps), 1) << sequence.FailureDetail();
+    using enum ConnectStep;
+    EXPECT_EQ(steps.seen,
+              (std::vector{OpenPort, WakeReceiver, AskStatus, ReadOptions, ReadSerial, ReadOptions,
+                           ReadSerial, ReadOptions, ReadSerial, ReadOptions, ReadSerial}));
+    EXPECT_EQ(receiver->RequestCount(), 10U);
+    EXPECT_EQ(command.IsPortOpen(), 1);
+    CConnect again(command, 0, target);
+    EXPECT_EQ(again.DoModal(), CConnect::Connected);
+    EXPECT_TRUE(host.boxes.empty()) << "an open port needs no question";
+}
+
+TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
+{
+    struct Row
+    {
+        std::string_view fault;
+        const char* rule;
+        ConnectStep step;
+        CommandFault reason;
+        std::wstring_view told;
+    };
+    const Row rows[] = {
+        {"silent receiver", "drop", ConnectStep::AskStatus, CommandFault::TimedOut,
+         L"応答がありません"},
+        {"refused options", "nak on 4A", ConnectStep::ReadOptions, CommandFault::Refused,
+         L"受け付けません"},
+        {"no options the third time", "nak on 4A skip 2", ConnectStep::ReadOptions,
+         CommandFault::Refused, L"受け付けません"},
+        {"wrong serial record", "wrong-type on 06", ConnectStep::ReadSerial,
+         CommandFault::WrongType, L"予期しない応答"},
+        {"pulled cable", "hang-up on 06 skip 1", ConnectStep::ReadSerial, CommandFault::LinkLost,
+         L"切断"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Scenario scenario;
+        simulator::FaultRule rule;
+        std::string error;
+        ASSERT_TRUE(ParseFaultRule(row.rule, rule, error)) << error;
+        scenario.faults = {rule};
+        Start(scenario);
+        ConnectSequence sequence(command, target);
+        EXPECT_EQ(sequence.Run(), 0);
+        EXPECT_EQ(sequence.FailedStep(), row.step);
+        EXPECT_EQ(sequence.FailedFault(), row.reason) << sequence.FailureDetail();
+        EXPECT_EQ(command.IsPortOpen(), 0);
+        const std::wstring message = sequence.FailureMessage();
+        EXPECT_NE(message.find(StepText(row.step)), std::wstring::npos);
+        EXPECT_NE(message.find(row.told), std::wstring::npos);
+    }
+}
+
+TEST_F(ConnectTest, NoPortIsTold)
+{
+    target.devicePath = "/dev/no-such-port";
+    CConnect connect(command, 0, target);
+    EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
+    ASSERT_EQ(host.boxes.size(), 2U); // the question, then the failure
+    EXPECT_EQ(host.boxes[1].caption, L"受信機接続エラー");
+    EXPECT_EQ(host.boxes[1].icon, BoxIcon::Stop);
+    EXPECT_NE(host.boxes[1].text.find(L"通信ポートを開けません"), std::wstring::npos);
+}
+
+TEST_F(ConnectTest, CancellingIsNotAFailure)
+{
+    Start(*[] {
+        std::string error;
+        return simulator::LoadScenario("silent", error);
+    }());
+    host.cancelled = true;
+    CConnect connect(command, 0, target);
+    EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
+    EXPECT_EQ(host.boxes.size(), 1U) << "who cancelled needs no message";
+    EXPECT_EQ(command.IsPortOpen(), 0);
+}
+
+TEST_F(ConnectTest, ChecksTypeAndFirmware)
+{
+    const std::wstring old =
+        L"[ 3010 ]受信機対応ファームウェアは[ 1.23 ]以上です。\n[ 1.23 ]未満の受信機ファームウェア"
+        L"へのサポートは行っておりません。\nファームウェアをバージョンアップしてください。";
+    const std::wstring beta = L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\n"
+                              L"バージョンアップしてから行ってください。";
+    const std::wstring notSupported =
+        L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。";
+    const std::wstring never = L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。";
+    struct Row
+    {
+        std::string_view name;
+        int typeCode;
+        double version;
+        bool flagged;
+        int accepted;
+        std::wstring text;
+        std::wstring caption;
+    };
+    const Row rows[] = {
+        {"good", 31, 4.43, true, 1, L"", L""},
+        {"a hair too old", 10, 1.22, true, 0, old, L"受信機未対応バージョン警告"},
+        {"just new enough", 10, 1.23, true, 1, L"", L""},
+        {"beta", 31, 0.95, true, 1, beta, L"受信機未対応バージョン警告"},
+        {"not declared", 31, 4.43, false, 0, notSupported, L"未対応受信機タイプ警告"},
+        {"never supported", 9, 9.99, true, 0, never, L"未対応受信機タイプ警告"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        host.boxes.clear();
+        Start(Receiver(row.typeCode, row.version));
+        ASSERT_EQ(command.OpenPort(target.devicePath, target.settings), 1);
+        CConnect connect(command, 0, target);
+        if (row.flagged) {
+            connect.SupportAllTypes();
+        }
+        EXPECT_EQ(connect.CheckRecvType(), row.accepted);
+        ASSERT_EQ(host.boxes.size(), row.text.empty() ? 0U : 1U);
+        if (!row.text.empty()) {
+            EXPECT_EQ(host.boxes[0].text, row.text);
+            EXPECT_EQ(host.boxes[0].caption, row.caption);
+            EXPECT_EQ(host.boxes[0].icon, BoxIcon::Exclamation);
+        }
+        command.ClosePort();
+    }
+}
+
+TEST_F(ConnectTest, AReceiverThatTalksPastUsIsTold)
+{
+    Scenario scenario;
+    scenario.answers = false;
+    Start(scenario);
+    ASSERT_EQ(command.OpenPort(target.devicePath, target.settings), 1);
+    CConnect connect(command, 0, target);
+    connect.SupportAllTypes();
+    EXPECT_EQ(connect.CheckRecvType(), 0);
+    ASSERT_EQ(host.boxes.size(), 1U);
+    EXPECT_EQ(host.boxes[0].text,
+              L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
+              L"出力信号を停止させ、再度指定ポートへ接続してください。");
+    EXPECT_EQ(host.boxes[0].caption, L"通信ポート接続エラー");
+    EXPECT_EQ(host.boxes[0].icon, BoxIcon::Stop);
+}
+
+TEST_F(ConnectTest, ForceInitAsksTwice)
+{
+    using enum BoxAnswer;
+    struct Row
+    {
+        std::string_view course;
+        std::vector<BoxAnswer> answers; // after the one about the cable
+        const char* rule;
+        int result;
+        std::size_t boxes;
+        std::size_t resets;
+    };
+    const Row rows[] = {
+        {"first question refused", {No}, nullptr, CRecvForceInit::NotDone, 1, 0},
+        {"second question refused", {Yes, Cancel}, nullptr, CRecvForceInit::NotDone, 2, 0},
+        {"done", {Yes, Ok, Ok}, nullptr, CRecvForceInit::Done, 3, 1},
+        {"not acknowledged is done too", {Yes, Ok, Ok}, "nak on 58", CRecvForceInit::Done, 3, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        host.boxes.clear();
+        host.answers = {Ok};
+        host.answers.insert(host.answers.end(), row.answers.begin(), row.answers.end());
+        Scenario scenario;
+        if (row.rule != nullptr) {
+            simulator::FaultRule rule;
+            std::string error;
+            ASSERT_TRUE(ParseFaultRule(row.rule, rule, error)) << error;
+            scenario.faults = {rule};
+        }
+        Start(scenario);
+        CConnect connect(command, 0, target);
+        CRecvForceInit forceInit(command);
+        EXPECT_EQ(forceInit.DoModal(connect), row.result);
+        EXPECT_EQ(command.IsPortOpen(), 0) << "the port must be closed whatever came of it";
+        ASSERT_EQ(host.boxes.size(), row.boxes + 1);
+        EXPECT_EQ(host.boxes[1].text, L"受信機設定を工場出荷状態へ戻しますか?");
+        EXPECT_EQ(host.boxes[1].caption, L"受信機強制初期化確認");
+        if (row.boxes > 1) {
+            EXPECT_EQ(host.boxes[2].icon, BoxIcon::Exclamation);
+            EXPECT_EQ(
+                host.boxes[2].text,
+                L"本当に受信機設定を工場出荷状態へ戻してもよろしいですか？\n\n"
+                L"受信機強制初期化を実行すると、受信機内にある暦データ等全て初期化されます。\n"
+                L"再度GNSS観測を行う場合は、15分程度衛星を捕捉してください。");
+        }
+        if (row.boxes > 2) {
+            EXPECT_EQ(host.boxes[3].text, L"受信機設定を工場出荷状態へ戻しました。");
+            EXPECT_EQ(host.boxes[3].caption, L"");
+        }
+        std::size_t resets = 0;
+        for (const auto& piece : receiver->Record()) {
+            resets += piece.direction == simulator::Direction::ToReceiver &&
+                      piece.bytes.size() == 13 && piece.bytes[2] == 0x58;
+        }
+        EXPECT_EQ(resets, row.resets);
+    }
+}
+
+} // namespace
+} // namespace fieldcore

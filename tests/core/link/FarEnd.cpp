@@ -1,0 +1,168 @@
+#include "tests/core/link/FarEnd.h"
+
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace fieldcore::testing {
+
+namespace {
+
+std::uint8_t Sum(std::span<const std::uint8_t> bytes)
+{
+    unsigned sum = 0;
+    for (const std::uint8_t byte : bytes) {
+        sum += byte;
+    }
+    return static_cast<std::uint8_t>(sum);
+}
+
+Bytes Closed(Bytes frame)
+{
+    frame.push_back(Sum(std::span(frame).subspan(1)));
+    frame.push_back(0x03);
+    return frame;
+}
+
+} // namespace
+
+Bytes Frame(std::uint8_t type, const Bytes& data)
+{
+    return Closed(Joined({{0x02, 0x00, type, static_cast<std::uint8_t>(data.size())}, data}));
+}
+
+Bytes LongFrame(const Bytes& data)
+{
+    const auto high = static_cast<std::uint8_t>(data.size() >> 8);
+    return Closed(
+        Joined({{0x02, 0x00, 0x95, high, static_cast<std::uint8_t>(data.size() & 0xFF)}, data}));
+}
+
+Bytes Joined(std::initializer_list<Bytes> pieces)
+{
+    Bytes all;
+    for (const Bytes& piece : pieces) {
+        all.insert(all.end(), piece.begin(), piece.end());
+    }
+    return all;
+}
+
+Bytes Ascii(const std::string& text)
+{
+    return {text.begin(), text.end()};
+}
+
+FarEnd::FarEnd() : m_master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
+{
+    std::array<char, 64> name{};
+    if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0 ||
+        ptsname_r(m_master, name.data(), name.size()) != 0) {
+        throw std::runtime_error("no pseudo-terminal");
+    }
+    m_path = name.data();
+    m_slave = open(m_path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios raw{};
+    tcgetattr(m_slave, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(m_slave, TCSANOW, &raw);
+}
+
+FarEnd::~FarEnd()
+{
+    HangUp();
+}
+
+void FarEnd::Send(std::span<const std::uint8_t> bytes) const
+{
+    while (!bytes.empty()) {
+        const ssize_t count = write(m_master, bytes.data(), bytes.size());
+        if (count <= 0) {
+            return; // the test will miss the bytes and say so
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+Bytes FarEnd::Receive(std::size_t count) const
+{
+    Bytes received;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    for (;;) {
+        const bool enough = received.size() >= count;
+        pollfd watched{m_master, POLLIN, 0};
+        const int ready = poll(&watched, 1, enough ? 0 : 50);
+        if (ready > 0 && (watched.revents & POLLIN) != 0) {
+            std::array<std::uint8_t, 512> buffer{};
+            const ssize_t got = read(m_master, buffer.data(), buffer.size());
+            received.insert(received.end(), buffer.begin(),
+                            buffer.begin() + std::max<ssize_t>(got, 0));
+        } else if (enough || std::chrono::steady_clock::now() > deadline) {
+            return received;
+        }
+    }
+}
+
+void FarEnd::HangUp()
+{
+    if (m_master >= 0) {
+        close(m_slave);
+        close(m_master);
+        m_master = -1;
+    }
+}
+
+ScriptedReceiver::ScriptedReceiver(std::vector<Answer> answers)
+    : m_answers(std::move(answers)), m_thread([this](const std::stop_token& stop) { Run(stop); })
+{}
+
+ScriptedReceiver::~ScriptedReceiver()
+{
+    Stop();
+}
+
+std::vector<Bytes> ScriptedReceiver::Stop()
+{
+    m_thread.request_stop();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+    return m_requests;
+}
+
+void ScriptedReceiver::Run(const std::stop_token& stop)
+{
+    Bytes pending;
+    while (!stop.stop_requested()) {
+        const Bytes more = m_farEnd.ReceiveAll();
+        if (more.empty()) {
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+            continue;
+        }
+        pending.insert(pending.end(), more.begin(), more.end());
+        for (;;) {
+            const std::size_t length = pending.empty()      ? 0
+                                       : pending[0] == 0x00 ? 1
+                                       : pending.size() < 4 ? 0
+                                                            : std::size_t{pending[3]} + 6;
+            if (length == 0 || pending.size() < length) {
+                break;
+            }
+            const auto end = pending.begin() + static_cast<std::ptrdiff_t>(length);
+            m_requests.emplace_back(pending.begin(), end);
+            pending.erase(pending.begin(), end);
+            if (m_requests.size() <= m_answers.size()) {
+                for (const Bytes& piece : m_answers[m_requests.size() - 1]) {
+                    m_farEnd.Send(piece);
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                }
+            }
+        }
+    }
+}
+
+} // namespace fieldcore::testing

@@ -1,0 +1,190 @@
+#include "core/link/FrameBuffer.h"
+
+#include "tests/core/link/FarEnd.h"
+
+#include <array>
+#include <cmath>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using testing::Bytes;
+using testing::Frame;
+using testing::LongFrame;
+
+Bytes Built(const FrameBuffer& frame)
+{
+    const auto bytes = frame.BuiltFrame();
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(FrameBuffer, BuildsHeaderDataChecksumAndEnd)
+{
+    FrameBuffer frame;
+    frame.BeginPacket(0x06, 0);
+    frame.EndPacket();
+    EXPECT_EQ(Built(frame), (Bytes{0x02, 0x00, 0x06, 0x00, 0x06, 0x03}));
+
+    frame.BeginPacket(0x5E, 7);
+    frame.PutByte(0x01);
+    frame.PutWord(0x0203);
+    frame.PutLong(0x04050607);
+    frame.EndPacket();
+    // 5E + 07 + (1 + 2 + ... + 7) = 81
+    EXPECT_EQ(Built(frame), (Bytes{0x02, 0x00, 0x5E, 0x07, 1, 2, 3, 4, 5, 6, 7, 0x81, 0x03}));
+}
+
+TEST(FrameBuffer, TextFieldsHaveTheirWidth)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::wstring text;
+        std::size_t width;
+        bool ownLength;
+        Bytes data;
+    };
+    const Row rows[] = {
+        {"short text is not filled with blanks", L"AB", 5, false, {0x41, 0x42, 0x20, 0x20, 0x20}},
+        {"long text is not cut", L"ABCDEF", 3, false, {0x41, 0x42, 0x43}},
+        {"a double-byte character is cut in half", L"Aあい", 4, false, {0x41, 0x82, 0xA0, 0x20}},
+        {"own length is ignored", L"ｱB", 9, true, {0xB1, 0x42}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        FrameBuffer frame;
+        frame.BeginPacket(0x85, 0);
+        frame.PutText(row.text, row.width, row.ownLength);
+        frame.SetPacketLength(frame.GetCursor() - 4);
+        frame.EndPacket();
+        EXPECT_EQ(Built(frame), Frame(0x85, row.data));
+    }
+}
+
+TEST(FrameBuffer, RefusesAFrameThatIsTooLong)
+{
+    FrameBuffer frame;
+    frame.BeginPacket(0x85, 256);
+    frame.EndPacket();
+    EXPECT_TRUE(frame.BuiltFrame().empty());
+    frame.SetPacketLength(255);
+    EXPECT_EQ(frame.BuiltFrame().size(), 261U);
+}
+
+TEST(FrameBuffer, StaysInsideItsBuffer)
+{
+    FrameBuffer frame;
+    frame.BeginPacket(0x01, 0);
+    frame.SkipBytes(5000);
+    EXPECT_EQ(frame.GetCursor(), 1023U);
+    EXPECT_EQ(frame.PutByte(0x11), 1);
+    EXPECT_EQ(frame.PutByte(0x22), 0) << "a byte behind the last was not dropped";
+    EXPECT_EQ(frame.GetCursor(), 1023U);
+    EXPECT_EQ(frame.Bytes()[1023], 0x11);
+
+    frame.ResetReadPos();
+    frame.SkipBytes(1018);
+    frame.PutLong(0xA1A2A3A4); // 1022 and 1023, then nothing
+    EXPECT_EQ(frame.Bytes()[1022], 0xA1);
+    EXPECT_EQ(frame.Bytes()[1023], 0xA2);
+
+    frame.ResetReadPos();
+    frame.SkipBytes(1018);
+    EXPECT_EQ(frame.GetLong(), 0xA1A2FFFFU) << "what lies behind the end is FF";
+    EXPECT_EQ(frame.GetByte(), 0xFF);
+    EXPECT_EQ(frame.GetWord(), 0xFFFF);
+    EXPECT_TRUE(std::isnan(frame.GetDouble()));
+    EXPECT_TRUE(frame.GetChars(1).empty());
+
+    frame.ResetReadPos();
+    frame.SkipBytes(1000);
+    EXPECT_TRUE(frame.GetChars(21).empty()) << "a copy must lie inside entirely";
+    frame.ResetReadPos();
+    frame.SkipBytes(1000);
+    frame.PutText(std::wstring(21, L'x'), 21);
+    EXPECT_EQ(frame.Bytes()[1004], 0x00) << "a copy must lie inside entirely";
+}
+
+TEST(FrameBuffer, ReadsFieldsInOrder)
+{
+    FrameBuffer frame;
+    frame.Load(Frame(0x31, {0x12, 0x34, 0x01, 0x02, 0x03, 0xFF, 0xFE, 0xFD, 0xFC,
+                            0xBF, 0xE8, 0,    0,    0,    0,    0,    0, // -0.75
+                            0x3F, 0xC0, 0,    0,                         // 1.5
+                            'A',  ' ',  0x82, 0xA0}));
+    EXPECT_EQ(frame.GetDataLength(), 25U);
+    frame.ResetReadPos();
+    EXPECT_EQ(frame.GetWord(), 0x1234);
+    EXPECT_EQ(frame.GetTriple(), 0x010203U);
+    EXPECT_EQ(frame.GetLong(), 0xFFFEFDFCU);
+    EXPECT_EQ(frame.GetDouble(), -0.75);
+    EXPECT_EQ(frame.GetFloat(), 1.5F);
+    EXPECT_EQ(frame.GetText(4), L"A あ");
+}
+
+TEST(FrameBuffer, DigitsBelowZeroAreZero)
+{
+    struct Row
+    {
+        std::uint8_t byte;
+        std::uint8_t value;
+    };
+    for (const Row row :
+         {Row{'0', 0}, {'7', 7}, {' ', 0}, {'A', 17}, {0x00, 0}, {0x80, 0}, {0xFF, 0}}) {
+        FrameBuffer frame;
+        frame.Load(Frame(0x09, {row.byte}));
+        frame.ResetReadPos();
+        EXPECT_EQ(frame.GetByte(FrameBuffer::ByteForm::Digit), row.value) << int{row.byte};
+    }
+}
+
+TEST(FrameBuffer, ChecksumTellsADamagedFrameFromAGoodOne)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::size_t at;
+        std::uint8_t becomes;
+        int accepted;
+    };
+    constexpr Row kRows[] = {
+        {"nothing damaged", 0, 0x02, 1},
+        {"start byte lost", 0, 0x03, 0},
+        {"status byte left out of the sum", 1, 0x01, 0},
+        {"type left out of the sum", 2, 0x0A, 0},
+        {"length points past the frame", 3, 0x40, 0},
+        {"data byte left out of the sum", 4, 0x35, 0},
+        {"check byte not compared", 5, 0x3F, 0},
+        {"end byte must not matter", 6, 0x00, 1},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.fault);
+        Bytes bytes{0x02, 0x00, 0x09, 0x01, 0x34, 0x3E, 0x03};
+        bytes[row.at] = row.becomes;
+        FrameBuffer frame;
+        frame.Load(bytes);
+        EXPECT_EQ(frame.VerifyChecksum(), row.accepted);
+    }
+}
+
+TEST(FrameBuffer, LongFramesHaveTheirChecksumBehindTwoLengthBytes)
+{
+    Bytes bytes = LongFrame(Bytes(600, 0x5A));
+    FrameBuffer frame;
+    frame.Load(bytes);
+    EXPECT_EQ(frame.GetDataLength(), 600U);
+    EXPECT_EQ(frame.VerifyChecksum(), 1);
+    bytes[605] ^= 1;
+    frame.Load(bytes);
+    EXPECT_EQ(frame.VerifyChecksum(), 0);
+
+    bytes[3] = 0xFF; // announces 65,368 bytes
+    frame.Load(bytes);
+    EXPECT_EQ(frame.VerifyChecksum(), 0);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,177 @@
+#include "core/link/Command.h"
+
+#include "core/platform/FastClock.h"
+#include "simulator/Simulator.h"
+#include "tests/core/link/FarEnd.h"
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Bytes;
+using testing::Frame;
+using testing::LongFrame;
+
+/// A receiver that answers whatever a test wants.
+class HostileFramesTest : public ::testing::Test
+{
+protected:
+    HostileFramesTest() : m_receiver(simulator::Scenario{}, m_clock) {}
+
+    void SetUp() override
+    {
+        std::string error;
+        ASSERT_TRUE(m_receiver.Start(error)) << error;
+        PortSettings settings;
+        settings.replyTimeout = 4s; // 20 ms on a watch
+        ASSERT_EQ(command.OpenPort(m_receiver.PortPath(), settings), 1) << command.LastError();
+    }
+
+    void AnswerWith(const Bytes& answer)
+    {
+        m_receiver.SetScripted([answer](std::span<const std::uint8_t>) { return answer; });
+    }
+
+    void ExpectUnharmed()
+    {
+        m_receiver.SetScripted(nullptr);
+        StatusReply status;
+        // What was sent before may still be on its way.
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        int answered = command.RequestStatus(status);
+        while (answered == 0 && std::chrono::steady_clock::now() < deadline) {
+            answered = command.RequestStatus(status);
+        }
+        EXPECT_EQ(answered, 1) << command.LastError();
+    }
+
+    FastClock m_clock{200.0};
+    simulator::Simulator m_receiver;
+    CCommand command{{nullptr, &m_clock, nullptr, nullptr}};
+};
+
+TEST_F(HostileFramesTest, EveryLengthOfEveryReply)
+{
+    SerialReply serial;
+    StatusReply status;
+    GpsTimeReply time;
+    SatelliteList list;
+    SiteReply site;
+    PositionStatusReply position;
+    int source = 0;
+    OptionsReply options;
+    ExtendedOptionsReply extended;
+    AlmanacReply almanac;
+    SatelliteDataReply data;
+    SatelliteDataExtra extra{};
+    SettingsFlags flags{};
+    TiltReading tilt;
+    TiltCalibration calibration;
+    IdentificationRecord identity;
+    struct Row
+    {
+        std::uint8_t replyType;
+        std::function<int()> ask;
+    };
+    const Row rows[] = {
+        {0x07, [&] { return command.RequestSerial(serial); }},
+        {0x09, [&] { return command.RequestStatus(status); }},
+        {0x15, [&] { return command.RequestGpsTime(time); }},
+        {0x17, [&] { return command.RequestSvList(list); }},
+        {0x31, [&] { return command.RequestSite(site); }},
+        {0x33, [&] { return command.RequestHostData(0, 0); }},
+        {0x35, [&] { return command.RequestPositionStatus(position); }},
+        {0x41, [&] { return command.RequestBatteryPort(source); }},
+        {0x4B, [&] { return command.RequestOptions(options); }},
+        {0x4B, [&] { return command.RequestOptionsEx(extended); }},
+        {0x55, [&] { return command.RequestAlmanac(1, almanac); }},
+        {0x55, [&] { return command.RequestSvData(data, extra); }},
+        {0x7A, [&] { return command.RequestSettingsFlags(flags); }},
+        {0xC8, [&] { return command.RequestTiltReading(tilt); }},
+        {0xC8, [&] { return command.RequestTiltCalibration(calibration); }},
+    };
+    std::mt19937 random(20261121); // NOLINT: the same bytes in every run
+    const auto byte = [&](std::uint8_t) { return static_cast<std::uint8_t>(random()); };
+    // Random bytes are texts without end, reals that are no numbers, counts beyond the data.
+    for (const Row& row : rows) {
+        SCOPED_TRACE(int{row.replyType});
+        for (std::size_t length = 0; length <= 255; ++length) {
+            Bytes noise(length);
+            std::transform(noise.begin(), noise.end(), noise.begin(), byte);
+            AnswerWith(Frame(row.replyType, noise));
+            row.ask();
+            ASSERT_EQ(command.GetDataLength(), length)
+                << "it did not arrive: " << command.LastError();
+        }
+        for (const std::uint8_t all : Bytes{0x00, 0x20, 0x39, 0x7F, 0xFF}) {
+            AnswerWith(Frame(row.replyType, Bytes(255, all)));
+            row.ask();
+        }
+    }
+    for (const std::size_t length : {0, 1, 12, 255}) {
+        AnswerWith(Frame(0x6E, Bytes(length, 'x')));
+        EXPECT_EQ(command.RequestIdentity(identity), 0);
+    }
+    ExpectUnharmed();
+}
+
+TEST_F(HostileFramesTest, AnnouncedLengthsThatAreNotThere)
+{
+    for (int announced = 0; announced <= 255; announced += 5) {
+        Bytes frame = Frame(0x09, Bytes(21, '1'));
+        frame[3] = static_cast<std::uint8_t>(announced);
+        AnswerWith(frame);
+        StatusReply status;
+        EXPECT_EQ(command.RequestStatus(status), 0) << announced;
+    }
+    ExpectUnharmed();
+}
+
+TEST_F(HostileFramesTest, LongFramesOfAnyLength)
+{
+    for (const std::size_t length : {0U, 1U, 511U, 512U, 1016U, 1017U, 1018U, 4096U, 65535U}) {
+        SCOPED_TRACE(length);
+        AnswerWith(LongFrame(Bytes(length, 0x02)));
+        StatusReply status;
+        EXPECT_EQ(command.RequestStatus(status), 0);
+        const bool fits = length <= 1017;
+        EXPECT_EQ(command.Fault() == CommandFault::WrongType, fits) << command.LastError();
+        ExpectUnharmed();
+    }
+    // Announced and not sent.
+    AnswerWith({0x02, 0x00, 0x95, 0xFF, 0xFF, 0x00});
+    StatusReply status;
+    EXPECT_EQ(command.RequestStatus(status), 0);
+    ExpectUnharmed();
+}
+
+TEST_F(HostileFramesTest, AnEndlessListEnds)
+{
+    // A list in several frames that never says which is the last.
+    command.SetReplyTimeout(20s);
+    std::atomic<int> requests = 0;
+    m_receiver.SetScripted([&requests](std::span<const std::uint8_t>) {
+        Bytes all;
+        for (int i = 0; i < 1000; ++i) {
+            const Bytes next = Frame(0x17, {2, static_cast<std::uint8_t>(i), 0, 0, 0});
+            all.insert(all.end(), next.begin(), next.end());
+        }
+        ++requests;
+        return all;
+    });
+    SatelliteList list;
+    EXPECT_EQ(command.RequestSvList(list, SatelliteListForm::InView), 0);
+    EXPECT_EQ(requests, 1);
+    ExpectUnharmed();
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,344 @@
+#include "core/link/RecvInfo.h"
+
+#include "core/link/Command.h"
+#include "core/link/ReceiverTypes.h"
+#include "core/platform/FastClock.h"
+#include "tests/core/link/FarEnd.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Ascii;
+using testing::Bytes;
+using testing::Frame;
+using testing::ScriptedReceiver;
+
+Bytes Serial(const std::string& navVersion)
+{
+    return Frame(0x07, Ascii("S1234567VX1     " + navVersion + "0034500120ANT00007AT0000"));
+}
+
+struct OptionByte
+{
+    std::size_t at;
+    std::uint8_t value;
+};
+
+Bytes Options(std::initializer_list<OptionByte> bytes)
+{
+    Bytes data(51, 0);
+    for (const OptionByte& byte : bytes) {
+        data[byte.at] = byte.value;
+    }
+    return Frame(0x4B, data);
+}
+
+Bytes Extended(std::initializer_list<OptionByte> bytes)
+{
+    Bytes data(34, 0);
+    data[0] = '[';
+    for (const OptionByte& byte : bytes) {
+        data[byte.at] = byte.value;
+    }
+    return Frame(0x4B, data);
+}
+
+class RecvInfoTest : public ::testing::Test
+{
+protected:
+    /// Reads everything from a receiver that answers so.
+    int Read(std::vector<ScriptedReceiver::Answer> answers)
+    {
+        ScriptedReceiver receiver(std::move(answers));
+        PortSettings settings;
+        settings.replyTimeout = 20s; // 200 ms on a watch; every request is answered
+        EXPECT_EQ(command.OpenPort(receiver.Path(), settings), 1);
+        const int result = info.GetOptionData(command);
+        command.ClosePort();
+        requests = receiver.Stop();
+        return result;
+    }
+
+    FastClock clock{100.0};
+    CCommand command{{nullptr, &clock, nullptr, nullptr}};
+    CRecvInfo info;
+    std::vector<Bytes> requests;
+};
+
+TEST_F(RecvInfoTest, AFreshOneKnowsNothing)
+{
+    EXPECT_EQ(info.GetRecvSN(), nullptr);
+    EXPECT_EQ(info.GetRecvType(), nullptr);
+    EXPECT_EQ(info.GetNavVer(), 0.0);
+    EXPECT_EQ(info.GetRecvTypeNum(), 0U);
+    EXPECT_EQ(info.GetCurrentPortID(), 1);
+    EXPECT_EQ(info.GetPortsAvailable(), 1);
+    EXPECT_EQ(info.GetCMR(CRecvInfo::Input), 0) << "clear bits that were never read are no option";
+    EXPECT_EQ(info.GetOptionData(command), 1) << "without a port nothing is asked";
+    EXPECT_EQ(info.GetRecvSN(), nullptr);
+}
+
+TEST_F(RecvInfoTest, ReadsAllThreeBlocks)
+{
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, '2'}, {48, 0x80}})}, {Extended({{15, 1}})}}),
+              1);
+    EXPECT_EQ(requests, (std::vector{Frame(0x06), Frame(0x4A), Frame(0x4A, {1})}));
+    EXPECT_STREQ(info.GetRecvSN(), L"S1234567");
+    EXPECT_STREQ(info.GetRecvSNLong(), L"S1234567");
+    EXPECT_STREQ(info.GetRecvType(), L"VX1");
+    EXPECT_EQ(info.GetNavVer(), 4.43);
+    EXPECT_EQ(info.GetSigVer(), 3.45);
+    EXPECT_EQ(info.GetBootVer(), 1.2);
+    EXPECT_EQ(info.GetRecvTypeNum(), 3012U);
+    EXPECT_EQ(info.GetGLONASS(), 1);
+}
+
+TEST_F(RecvInfoTest, AnOlderReceiverIsNotAskedForMore)
+{
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, '2'}, {48, 0x7F}})}}), 1);
+    EXPECT_EQ(requests.size(), 2U);
+    EXPECT_EQ(info.GetGLONASS(), 0);
+}
+
+TEST_F(RecvInfoTest, AFailureForgetsTheBlock)
+{
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, '2'}, {48, 0x80}})}, {Extended({{15, 1}})}}),
+              1);
+    ASSERT_EQ(Read({{Serial("00443")}, {{0x15}}}), 0);
+    EXPECT_EQ(requests.size(), 2U) << "it must stop at the first failure";
+    EXPECT_EQ(info.GetRecvTypeNum(), 0U);
+    EXPECT_STREQ(info.GetRecvSN(), L"S1234567");
+    ASSERT_EQ(Read({{{0x15}}}), 0);
+    EXPECT_EQ(info.GetRecvSN(), nullptr);
+}
+
+TEST_F(RecvInfoTest, OptionsByBit)
+{
+    using Getter = std::function<int(const CRecvInfo&)>;
+    struct Row
+    {
+        std::string_view option;
+        std::vector<OptionByte> bytes;
+        Getter get;
+        int value;
+    };
+    const auto with = [](int (CRecvInfo::*getter)() const) {
+        return [getter](const CRecvInfo& i) { return (i.*getter)(); };
+    };
+    const auto way = [](int (CRecvInfo::*getter)(int) const, int which) {
+        return [getter, which](const CRecvInfo& i) { return (i.*getter)(which); };
+    };
+    constexpr int kIn = CRecvInfo::Input;
+    constexpr int kOut = CRecvInfo::Output;
+    const Row rows[] = {
+        {"port", {{6, 3}}, with(&CRecvInfo::GetCurrentPortID), 3},
+        {"ports", {{7, 4}}, with(&CRecvInfo::GetPortsAvailable), 4},
+        {"memory", {{29, 1}, {30, 2}}, with(&CRecvInfo::GetRecvMemory), 258},
+        {"file naming", {{46, 0x10}}, with(&CRecvInfo::GetFileNaming), 1},
+        {"L1 and L2", {{8, 2}}, with(&CRecvInfo::GetL1L2Option), 1},
+        {"L1 only", {{8, 3}}, with(&CRecvInfo::GetL2), 0},
+        {"RTK survey", {{40, 8}}, with(&CRecvInfo::GetRtkSurvey), 1},
+        {"OTF", {{42, 0x08}}, with(&CRecvInfo::GetRtkOTF), 1},
+        {"NMEA", {{18, 9}}, with(&CRecvInfo::GetNMEA), 9},
+        {"CMR in, bit clear", {{42, 0xDF}}, way(&CRecvInfo::GetCMR, kIn), 1},
+        {"CMR in, bit set", {{42, 0x20}}, way(&CRecvInfo::GetCMR, kIn), 0},
+        {"CMR out, bit clear", {{42, 0xBF}}, way(&CRecvInfo::GetCMR, kOut), 1},
+        {"CMR out, bit set", {{42, 0x40}}, way(&CRecvInfo::GetCMR, kOut), 0},
+        {"CMR+", {{46, 0x04}}, with(&CRecvInfo::GetCMRp), 1},
+        {"VRS", {{48, 0x10}}, with(&CRecvInfo::GetRtkVRS), 1},
+        {"RTCM 1 in", {{19, 7}}, way(&CRecvInfo::GetRTCM1, kIn), 7},
+        {"RTCM 1 out", {{21, 1}}, way(&CRecvInfo::GetRTCM1, kOut), 1},
+        {"RTCM 1 out, of version bits", {{21, 2}}, way(&CRecvInfo::GetRTCM1, kOut), 0},
+        {"RTCM 2 in", {{20, 5}}, way(&CRecvInfo::GetRTCM2, kIn), 5},
+        {"RTCM 2 out", {{22, 6}}, way(&CRecvInfo::GetRTCM2, kOut), 6},
+        {"RTCM 2.1 in", {{43, 0x02}}, way(&CRecvInfo::GetRTCM21, kIn), 1},
+        {"RTCM 2.1 out", {{43, 0x04}}, way(&CRecvInfo::GetRTCM21, kOut), 1},
+        {"RTCM 2.2", {{46, 0x40}}, with(&CRecvInfo::GetRTCM22), 1},
+        {"RTCM 2.3", {{21, 0x02}}, with(&CRecvInfo::GetRTCM23), 1},
+        {"RTCM 3.0", {{21, 0x04}}, with(&CRecvInfo::GetRTCM30), 1},
+        {"Bluetooth", {{45, 0x10}}, with(&CRecvInfo::GetBlueTooth), 1},
+        {"2 Hz, masked", {{48, 0x02}}, with(&CRecvInfo::Get2HzLogging), 2},
+        {"Solace, masked", {{42, 0x80}}, with(&CRecvInfo::GetSolace), 128},
+        {"rate in hundreds",
+         {{4, 0xFF}, {5, 0xFF}},
+         [](const CRecvInfo& i) { return static_cast<int>(i.GetMaxLoggingRate()); },
+         6553500},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.option);
+        Bytes data(51, 0);
+        for (const OptionByte& byte : row.bytes) {
+            data[byte.at] = byte.value;
+        }
+        data[48] &= 0x7F; // no extended options
+        ASSERT_EQ(Read({{Serial("00443")}, {Frame(0x4B, data)}}), 1);
+        EXPECT_EQ(row.get(info), row.value);
+    }
+}
+
+TEST_F(RecvInfoTest, ExtendedOptionsNeedTheirBlock)
+{
+    // CMRx counts only with the Solace board; the extended rate comes before the other one.
+    const Bytes extended = Extended({{28, 0x30}, {31, 0x03}, {33, 50}});
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {42, 0x80}, {48, 0x80}})}, {extended}}),
+              1);
+    EXPECT_EQ(info.GetCMRxInput(), 1);
+    EXPECT_EQ(info.GetCMRxOutput(), 1);
+    EXPECT_EQ(info.GetMaxLoggingRate(), 50U);
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {48, 0x80}})}, {extended}}), 1);
+    EXPECT_EQ(info.GetCMRxInput(), 0);
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {48, 0x80}})}, {Extended({})}}), 1);
+    EXPECT_EQ(info.GetMaxLoggingRate(), 700U) << "a rate of 0 is none";
+}
+
+TEST_F(RecvInfoTest, FileFormatByVersionAndType)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string version;
+        std::uint8_t typeCode;
+        int has;
+    };
+    const Row rows[] = {
+        {"4.42 taken", "00442", 0, 0},
+        {"4.43 refused", "00443", 0, 1},
+        {"G needs no version", "00100", 'G', 1},
+        {"comma taken", "00500", ',', 0},
+        {"3 taken", "00500", '3', 0},
+        {"5 taken", "00500", '5', 0},
+        {"@ taken", "00500", '@', 0},
+        {"r taken", "00500", 'r', 0},
+        {"4 refused", "00500", '4', 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        ASSERT_EQ(Read({{Serial(row.version)}, {Options({{44, row.typeCode}})}}), 1);
+        EXPECT_EQ(info.GetQ02Format(), row.has);
+    }
+}
+
+TEST_F(RecvInfoTest, TypeCodeOfOneModelNamesIt)
+{
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, 'r'}})}}), 1);
+    EXPECT_STREQ(info.GetRecvType(), L"VX4");
+    EXPECT_EQ(info.GetRecvTypeNum(), 3024U);
+}
+
+TEST_F(RecvInfoTest, ThreeOhThreeTwoHasBluetooth)
+{
+    ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, 0}, {49, 1}, {50, 54}})}}), 1);
+    EXPECT_EQ(info.GetRecvTypeNum(), 3032U);
+    EXPECT_EQ(info.GetBlueTooth(), 1);
+}
+
+TEST_F(RecvInfoTest, FreeFunctionsTryFiveTimes)
+{
+    const ScriptedReceiver::Answer serial{Serial("00443")};
+    const ScriptedReceiver::Answer options{Options({{44, '2'}})};
+    const ScriptedReceiver::Answer nak{{0x15}};
+    PortSettings settings;
+    settings.replyTimeout = 20s; // 200 ms on a watch; every request is answered
+    {
+        ScriptedReceiver receiver({nak, serial, nak, nak, nak, serial, options});
+        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1);
+        EXPECT_EQ(GetRecvTypeNum(command), 3012U);
+        command.ClosePort();
+    }
+    {
+        ScriptedReceiver receiver({nak, nak, nak, nak, nak, serial, options});
+        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1);
+        EXPECT_EQ(GetRecvVer(command), 0.0);
+        command.ClosePort();
+        EXPECT_EQ(receiver.Stop().size(), 5U);
+    }
+}
+
+TEST(ReceiverTypes, NumberOfEveryCode)
+{
+    struct Row
+    {
+        int code;
+        std::uint32_t number;
+    };
+    constexpr Row kRows[] = {
+        {1, 2010},   {5, 2010},   {6, 2050},   {7, 2020},   {8, 2010},   {9, 2040},   {24, 2030},
+        {27, 3020},  {31, 3017},  {32, 3028},  {44, 3022},  {48, 3034},  {50, 3012},  {51, 3026},
+        {52, 3044},  {53, 3036},  {64, 3021},  {69, 3011},  {71, 3022},  {76, 3050},  {80, 3040},
+        {100, 3030}, {114, 3024}, {115, 3015}, {136, 3046}, {151, 3042}, {152, 3038}, {168, 3051},
+        {0, 3010},   {10, 3010},  {23, 3010},  {25, 3010},  {30, 3010},  {255, 3010},
+    };
+    for (const Row& row : kRows) {
+        EXPECT_EQ(TypeNumberOfCode(static_cast<std::uint8_t>(row.code), 0), row.number) << row.code;
+    }
+    EXPECT_EQ(TypeNumberOfCode(0, 310), 3032U);
+    EXPECT_EQ(TypeNumberOfCode(1, 310), 2010U);
+}
+
+TEST(ReceiverTypes, MinimaFlagsAndNames)
+{
+    struct Row
+    {
+        std::uint32_t number;
+        double minimum;
+        bool hasFlag;
+        std::wstring_view named;
+    };
+    constexpr Row kRows[] = {
+        {2010, 1.0, true, L"2010"},
+        {2020, 1.0, true, L"2020"},
+        {2030, 1.3, true, L"2030"},
+        {2040, 9.99, false, L"2040"},
+        {2050, 9.99, false, L"2050"},
+        {3010, 1.23, true, L"3010"},
+        {3011, 1.0, true, L"3011"},
+        {3012, 1.0, true, L"Corvane VX1 GNSS"},
+        {3015, 1.0, true, L"Corvane VX5"},
+        {3017, 1.0, true, L"Corvane VX1"},
+        {3020, 2.03, true, L"3020"},
+        {3021, 1.0, true, L"3021"},
+        {3022, 1.0, true, L"Corvane VX2 GNSS"},
+        {3024, 1.0, true, L"Corvane VX4"},
+        {3026, 1.0, true, L"Corvane VX3"},
+        {3028, 2.03, true, L"Corvane VX2"},
+        {3030, 1.0, true, L"Corvane VX7"},
+        {3032, 1.0, true, L"Corvane VX8"},
+        {3034, 1.0, true, L"Corvane VX4"},
+        {3036, 1.0, true, L"Corvane VX3"},
+        {3038, 1.0, true, L"Corvane VX4"},
+        {3040, 1.0, true, L"Corvane VX3"},
+        {3042, 1.0, true, L"Corvane VX3"},
+        {3044, 1.0, true, L"Corvane VX2 GNSS"},
+        {3046, 1.0, true, L"Corvane VX2s"},
+        {3050, 1.0, true, L"Corvane BaseVX6"},
+        {3051, 1.0, true, L"Corvane VX9s"},
+        {3052, 9.99, false, L"3052"},
+    };
+    SupportedTypeFlags flags;
+    flags.SetAll();
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.number);
+        EXPECT_EQ(MinimumNavVersion(row.number), row.minimum);
+        EXPECT_EQ(flags.Get(row.number), row.hasFlag ? 1 : 0);
+        EXPECT_EQ(UnsupportedReceiverWarning(row.number),
+                  L"本ソフトウェアでは[ " + std::wstring(row.named) +
+                      L" ]受信機をサポートしておりません。");
+    }
+    SupportedTypeFlags none;
+    none.Set(2040, 1);
+    EXPECT_EQ(none.Get(2040), 0) << "a type that can never be supported";
+    none.Set(3017, 1);
+    EXPECT_EQ(none.Get(3017), 1);
+    EXPECT_EQ(none.Get(3012), 0);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,357 @@
+#include "core/link/SerialLink.h"
+
+#include "core/platform/FastClock.h"
+#include "tests/core/link/FarEnd.h"
+#include "tests/core/link/ProcessCounts.h"
+
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Ascii;
+using testing::Bytes;
+using testing::FarEnd;
+using testing::Frame;
+using testing::Joined;
+using testing::LongFrame;
+
+/// A link on a far end of its own, with a short time-out.
+class SerialLinkTest : public ::testing::Test
+{
+protected:
+    SerialLinkTest() { settings.replyTimeout = 1s; }
+
+    void Open() { ASSERT_EQ(link.Open(farEnd.Path(), settings), 1) << link.GetDeviceFault(); }
+
+    Bytes Take()
+    {
+        Bytes buffer(kFrameBufferSize);
+        buffer.resize(link.TakeDelivery(buffer).length);
+        return buffer;
+    }
+
+    FarEnd farEnd;
+    PortSettings settings;
+    SerialLink link;
+};
+
+TEST_F(SerialLinkTest, DeliversAFrameThatComesInPieces)
+{
+    Open();
+    const Bytes reply = Frame(0x09, Bytes(21, '1'));
+    farEnd.Send(std::span(reply).first(3));
+    std::this_thread::yield();
+    farEnd.Send(std::span(reply).subspan(3));
+    ASSERT_EQ(link.WaitDelivery(), 1);
+    EXPECT_EQ(link.GetExchangeState(), ExchangeState::Frame);
+    EXPECT_EQ(Take(), reply);
+}
+
+TEST_F(SerialLinkTest, WritesReachTheFarEnd)
+{
+    Open();
+    const Bytes request = Frame(0x06);
+    EXPECT_EQ(link.Write(request), request.size());
+    EXPECT_EQ(farEnd.Receive(request.size()), request);
+}
+
+TEST_F(SerialLinkTest, ReportsWhatItCannotDeliver)
+{
+    struct Row
+    {
+        std::string_view fault;
+        Bytes sent;
+        ExchangeState state;
+        LinkError error;
+    };
+    const Row rows[] = {
+        {"NAK without its code", {0x15}, ExchangeState::Nak, LinkError::Nak},
+        {"foreign byte without its code", {0x41}, ExchangeState::Malformed, LinkError::Malformed},
+        {"ACK with a code", {0x06}, ExchangeState::Ack, LinkError::None},
+    };
+    Open();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        farEnd.Send(row.sent);
+        ASSERT_EQ(link.WaitDelivery(), 1);
+        EXPECT_EQ(link.GetExchangeState(), row.state);
+        EXPECT_EQ(link.TakeErrorCode(), row.error);
+        EXPECT_EQ(link.TakeErrorCode(), LinkError::None) << "reading the code must clear it";
+    }
+}
+
+TEST_F(SerialLinkTest, HandOverHoldsTheNextFrameBack)
+{
+    Open();
+    link.SetHandOver(true);
+    const Bytes first = Frame(0x17, Bytes(200, 1));
+    const Bytes second = Frame(0x17, Bytes(200, 2));
+    farEnd.Send(Joined({first, second, second}));
+    ASSERT_EQ(link.WaitDelivery(), 1);
+    std::this_thread::sleep_for(5ms); // gives a reader that does not hold back time to overwrite
+    EXPECT_EQ(Take(), first);
+    ASSERT_EQ(link.WaitDelivery(), 1);
+    EXPECT_EQ(Take(), second);
+    link.SetHandOver(false); // the third is still held; this must free the reader at once
+    farEnd.Send(first);
+    Bytes last;
+    for (int i = 0; i < 2 && last != first; ++i) {
+        ASSERT_EQ(link.WaitDelivery(), 1);
+        last = Take();
+    }
+    EXPECT_EQ(last, first);
+}
+
+TEST_F(SerialLinkTest, TimeOutForgetsTheHalfFrame)
+{
+    settings.replyTimeout = 20ms;
+    Open();
+    const Bytes reply = Frame(0x09, Bytes(21, '1'));
+    farEnd.Send(std::span(reply).first(9));
+    EXPECT_EQ(link.WaitDelivery(), 0);
+    EXPECT_EQ(link.TakeErrorCode(), LinkError::TimedOut);
+    Bytes buffer(kFrameBufferSize, 0xEE);
+    EXPECT_EQ(link.TakeDelivery(buffer).length, 0U);
+    EXPECT_EQ(buffer, Bytes(kFrameBufferSize, 0)) << "nothing delivered must read as zeros";
+    farEnd.Send(reply);
+    ASSERT_EQ(link.WaitDelivery(), 1);
+    EXPECT_EQ(Take(), reply);
+}
+
+TEST_F(SerialLinkTest, PurgeEmptiesWhatIsHalfReceived)
+{
+    settings.replyTimeout = 20ms;
+    Open();
+    farEnd.Send(Frame(0x09, Bytes(21, '1')));
+    ASSERT_EQ(link.WaitDelivery(), 1);
+    EXPECT_EQ(link.Purge(SerialDevice::Queue::Receive), 1);
+    EXPECT_EQ(link.Purge(SerialDevice::Queue::Transmit), 1);
+    link.ResetReceiveState();
+    EXPECT_EQ(link.WaitDelivery(), 0);
+}
+
+TEST_F(SerialLinkTest, UnsolicitedFrameIsKeptAndWakesNobody)
+{
+    settings.replyTimeout = 50ms;
+    Open();
+    const Bytes unasked = Frame(0x40, {1, 2, 3});
+    farEnd.Send(unasked);
+    EXPECT_EQ(link.WaitDelivery(), 0);
+    EXPECT_EQ(link.GetUnsolicitedFrame(), unasked);
+}
+
+TEST_F(SerialLinkTest, ReadsLinesInLineMode)
+{
+    Open();
+    link.SetFraming(SerialLink::Framing::Lines);
+    farEnd.Send(Ascii("OK\r\n"));
+    ASSERT_EQ(link.WaitDelivery(), 1);
+    EXPECT_EQ(Take(), Ascii("OK\r"));
+}
+
+TEST_F(SerialLinkTest, LosesNoFrameOfABurst)
+{
+    Open();
+    link.SetHandOver(true);
+    for (const std::size_t data : {600U, 1017U}) { // frames of 607 and 1024 bytes
+        const Bytes frame = LongFrame(Bytes(data, 0x5A));
+        std::jthread sender([&] {
+            for (int i = 0; i < 200; ++i) {
+                farEnd.Send(frame);
+            }
+        });
+        for (int i = 0; i < 200; ++i) {
+            ASSERT_EQ(link.WaitDelivery(), 1) << "frame " << i;
+            ASSERT_EQ(Take(), frame) << "frame " << i;
+        }
+    }
+}
+
+TEST_F(SerialLinkTest, BreakIsPrecededByAZeroByte)
+{
+    const FastClock fast(100.0);
+    SerialLink quick(nullptr, fast);
+    ASSERT_EQ(quick.Open(farEnd.Path(), settings), 1);
+    EXPECT_EQ(quick.SendBreak(300ms), 1);
+    EXPECT_EQ(farEnd.Receive(1), (Bytes{0x00}));
+}
+
+TEST_F(SerialLinkTest, HangUpWakesTheWaiterAndIdlesTheReader)
+{
+    settings.replyTimeout = 60s;
+    Open();
+    const auto start = std::chrono::steady_clock::now();
+    std::jthread puller([&] {
+        std::this_thread::sleep_for(5ms);
+        farEnd.HangUp();
+    });
+    EXPECT_EQ(link.WaitDelivery(), 0);
+    puller.join();
+    EXPECT_TRUE(link.IsLost());
+    EXPECT_EQ(link.Write(Frame(0x06)), 0U);
+    EXPECT_EQ(link.TakeErrorCode(), LinkError::Write);
+    EXPECT_EQ(link.WaitDelivery(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s) << "a lost link was waited for";
+
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_SELF, &before);
+    std::this_thread::sleep_for(50ms);
+    getrusage(RUSAGE_SELF, &after);
+    const auto microseconds = [](const rusage& use) {
+        return (use.ru_utime.tv_sec + use.ru_stime.tv_sec) * 1000000L + use.ru_utime.tv_usec +
+               use.ru_stime.tv_usec;
+    };
+    EXPECT_LT(microseconds(after) - microseconds(before), 25000) << "the reader spins";
+
+    EXPECT_EQ(link.Close(), 1);
+    const FarEnd another;
+    EXPECT_EQ(link.Open(another.Path(), settings), 1) << "a lost link must open again";
+}
+
+TEST_F(SerialLinkTest, RefusesWhatItCannotOpen)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string path;
+        std::uint32_t baudRate;
+        FlowControl flow;
+        LinkError error;
+    };
+    const Row rows[] = {
+        {"no device", "/dev/no-such-port", 9600, FlowControl::None, LinkError::Open},
+        {"not a serial device", "/dev/null", 9600, FlowControl::None, LinkError::Open},
+        {"a folder", "/", 9600, FlowControl::None, LinkError::Open},
+        {"a rate that is none", farEnd.Path(), 12345, FlowControl::None, LinkError::LineSettings},
+        {"a flow code that is none", farEnd.Path(), 9600, static_cast<FlowControl>(4),
+         LinkError::LineSettings},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        settings.baudRate = row.baudRate;
+        settings.flowControl = row.flow;
+        EXPECT_EQ(link.Open(row.path, settings), 0);
+        EXPECT_EQ(link.TakeErrorCode(), row.error);
+        EXPECT_FALSE(link.GetDeviceFault().empty() && row.error == LinkError::Open);
+        EXPECT_FALSE(link.IsOpen());
+    }
+    settings.baudRate = 9600;
+    settings.flowControl = FlowControl::None;
+    Open();
+    SerialLink second;
+    EXPECT_EQ(second.Open(farEnd.Path(), settings), 0) << "a port in use was opened twice";
+    EXPECT_EQ(second.TakeErrorCode(), LinkError::Open);
+}
+
+TEST(SerialLink, OpensAndClosesInEveryState)
+{
+    PortSettings settings;
+    settings.replyTimeout = 10s;
+    const Bytes frame = Frame(0x09, Bytes(21, '1'));
+    using Prepare = void (*)(SerialLink&, FarEnd&, const Bytes&);
+    struct State
+    {
+        std::string_view name;
+        Prepare prepare;
+    };
+    const State states[] = {
+        {"idle", [](SerialLink&, FarEnd&, const Bytes&) {}},
+        {"right after a delivery",
+         [](SerialLink& link, FarEnd& far, const Bytes& f) {
+             far.Send(f);
+             link.WaitDelivery();
+         }},
+        {"in the middle of a frame",
+         [](SerialLink&, FarEnd& far, const Bytes& f) { far.Send(std::span(f).first(7)); }},
+        {"with a frame handed over and not taken",
+         [](SerialLink& link, FarEnd& far, const Bytes& f) {
+             link.SetHandOver(true);
+             far.Send(Joined({f, f}));
+             link.WaitDelivery();
+         }},
+        {"during BREAK", [](SerialLink& link, FarEnd&, const Bytes&) { link.SetBreak(); }},
+        {"after a hang-up", [](SerialLink&, FarEnd& far, const Bytes&) { far.HangUp(); }},
+        {"with its reader ended",
+         [](SerialLink& link, FarEnd&, const Bytes&) {
+             link.SetEventMask(SerialDevice::EventMask::None);
+         }},
+    };
+    const auto before = testing::CountProcess();
+    for (int round = 0; round < 500; ++round) {
+        const State& state = states[static_cast<std::size_t>(round) % std::size(states)];
+        SCOPED_TRACE(state.name);
+        FarEnd far;
+        SerialLink fresh;
+        ASSERT_EQ(fresh.Open(far.Path(), settings), 1);
+        state.prepare(fresh, far, frame);
+        const auto start = std::chrono::steady_clock::now();
+        fresh.Close();
+        ASSERT_LT(std::chrono::steady_clock::now() - start, 2s) << "closing waited for something";
+        ASSERT_FALSE(fresh.IsOpen());
+    }
+    EXPECT_EQ(testing::CountProcessAgain(before), before) << "threads or descriptors leaked";
+}
+
+TEST(SettingsForLine, FollowsTheFlowControlTable)
+{
+    struct Row
+    {
+        FlowControl flow;
+        bool cts;
+        bool rtsHandshake;
+        bool dsr;
+        bool dtr;
+        bool xonXoff;
+    };
+    constexpr Row kRows[] = {
+        {FlowControl::None, false, false, false, false, false},
+        {FlowControl::Software, false, false, false, false, true},
+        {FlowControl::RtsCts, true, true, true, true, false},
+        {FlowControl::DsrDtr, false, false, true, true, false},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(static_cast<int>(row.flow));
+        PortSettings port;
+        port.flowControl = row.flow;
+        port.parity = 2;
+        LineSettings line;
+        ASSERT_TRUE(SettingsForLine(port, line));
+        EXPECT_TRUE(line.checkParity);
+        EXPECT_EQ(line.ctsOutputFlow, row.cts);
+        EXPECT_EQ(line.rtsHandshake, row.rtsHandshake);
+        EXPECT_EQ(line.dsrSensitivity, row.dsr);
+        EXPECT_EQ(line.dsrOutputFlow, row.dsr);
+        EXPECT_EQ(line.dtrEnabled, row.dtr);
+        EXPECT_EQ(line.xonXoffInput, row.xonXoff);
+        EXPECT_EQ(line.xonXoffOutput, row.xonXoff);
+        EXPECT_EQ(line.sendAfterXoff, !row.xonXoff);
+    }
+}
+
+TEST(LogFrame, AppendsADumpToTheBuiltInStorage)
+{
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("fieldcore-log-" + std::to_string(::getpid()));
+    setenv("XDG_STATE_HOME", folder.c_str(), 1);
+    const Bytes request{0x02, 0x00, 0x08, 0x00, 0x08, 0x03};
+    EXPECT_EQ(SerialLink::LogFrame(Direction::Sent, request), 1);
+    EXPECT_EQ(SerialLink::LogFrame(Direction::Received, Bytes{0xAB}), 1);
+    std::ifstream file(folder / "fieldcore" / "gnsslog.log", std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(text, "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [AB ]\r\n");
+    unsetenv("XDG_STATE_HOME");
+    std::filesystem::remove_all(folder);
+}
+
+} // namespace
+} // namespace fieldcore

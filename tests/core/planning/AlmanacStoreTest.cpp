@@ -1,0 +1,269 @@
+#include "core/planning/AlmanacStore.h"
+
+#include "core/link/Command.h"
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacRecord.h"
+#include "core/platform/FastClock.h"
+#include "core/platform/ReplaceFile.h"
+#include "core/resources/StringTable.h"
+#include "simulator/Simulator.h"
+#include "tests/core/planning/SampleSky.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <chrono>
+#include <fstream>
+#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using simulator::Scenario;
+using simulator::Simulator;
+using testing::SampleFile;
+using testing::SampleSatellite;
+
+constexpr std::size_t kMost = 1 << 20;
+
+/// A receiver that has the almanacs of @p prns.
+Scenario ReceiverWith(std::initializer_list<int> prns)
+{
+    Scenario scenario;
+    for (const int prn : prns) {
+        const AlmanacRecord r = SampleSatellite(prn);
+        scenario.almanacs.push_back({prn, r.timeStamp, r.week, r.toaS, r.sqrtA, r.eccentricity,
+                                     r.inclination, r.omegaDot, r.omega0, r.omega, r.m0, r.health});
+    }
+    return scenario;
+}
+
+class QuietHost : public Host
+{
+public:
+    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
+    {
+        return BoxAnswer::Ok;
+    }
+    bool Breathe() override { return !cancelled; }
+
+    bool cancelled = false;
+};
+
+class AlmanacStoreTest : public ::testing::Test
+{
+protected:
+    void Start(const Scenario& scenario)
+    {
+        command.ClosePort();
+        receiver = std::make_unique<Simulator>(scenario, clock);
+        std::string error;
+        ASSERT_TRUE(receiver->Start(error)) << error;
+        PortSettings settings;
+        settings.replyTimeout = 1s;
+        ASSERT_EQ(command.OpenPort(receiver->PortPath(), settings), 1) << command.LastError();
+    }
+    [[nodiscard]] std::vector<std::uint8_t> Almanac() const
+    {
+        return ReadWholeFile(AlmanacPath(folder.Path()), kMost);
+    }
+    [[nodiscard]] bool HasTemporary() const
+    {
+        return fs::exists(AlmanacTemporaryPath(folder.Path()));
+    }
+    [[nodiscard]] bool AbortWasSent() const
+    {
+        for (const auto& piece : receiver->Record()) {
+            if (piece.direction == simulator::Direction::ToReceiver && piece.bytes.size() > 2 &&
+                piece.bytes[2] == 0x5A) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    FastClock clock{100.0};
+    QuietHost host;
+    CCommand command{{&host, &clock, nullptr, nullptr}};
+    std::unique_ptr<Simulator> receiver;
+    TemporaryFolder folder;
+    AlmanacStore store{folder.Path()};
+};
+
+TEST_F(AlmanacStoreTest, KeepsWhatTheReceiverHas)
+{
+    Start(ReceiverWith({2, 3, 7, 8, 20}));
+    std::vector<int> asked;
+    ASSERT_EQ(store.Update(command,
+                           [&](int prn) {
+                               asked.push_back(prn);
+                               return true;
+                           }),
+              AlmanacResult::Done);
+    ASSERT_EQ(asked.size(), 33U);
+    EXPECT_EQ(asked.front(), 1);
+    EXPECT_EQ(asked.back(), 33);
+
+    // Zeros before the first; then what is missing repeats what came before it.
+    std::vector<std::uint8_t> expected;
+    for (int prn = 1; prn <= 32; ++prn) {
+        const int from = prn < 2 ? 0 : prn < 3 ? 2 : prn < 7 ? 3 : prn < 8 ? 7 : prn < 20 ? 8 : 20;
+        const AlmanacBytes bytes =
+            from == 0 ? AlmanacBytes{} : EncodeAlmanac(SampleSatellite(from));
+        expected.insert(expected.end(), bytes.begin(), bytes.end());
+    }
+    EXPECT_EQ(Almanac(), expected);
+    EXPECT_FALSE(HasTemporary());
+}
+
+TEST_F(AlmanacStoreTest, KeepsTheOldAlmanacWhenTheReceiverHasFewSatellites)
+{
+    folder.Write("GSurveyPlan.alm", "old");
+    const std::vector<std::uint8_t> old{'o', 'l', 'd'};
+    for (const auto& scenario : {ReceiverWith({}), ReceiverWith({1, 2, 3, 32})}) {
+        Start(scenario);
+        EXPECT_EQ(store.Update(command), AlmanacResult::TooFew);
+        EXPECT_EQ(Almanac(), old);
+        EXPECT_FALSE(HasTemporary());
+    }
+}
+
+TEST_F(AlmanacStoreTest, SendsTheAbortWhenTheUserCancels)
+{
+    folder.Write("GSurveyPlan.alm", "old");
+    Start(ReceiverWith({1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(store.Update(command, [](int prn) { return prn < 8; }), AlmanacResult::Cancelled);
+    EXPECT_TRUE(AbortWasSent());
+    EXPECT_EQ(receiver->RequestCount(), 8U) << "seven satellites and the abort";
+    EXPECT_EQ(Almanac().size(), 3U);
+    EXPECT_FALSE(HasTemporary());
+
+    Scenario silent;
+    silent.answers = false;
+    Start(silent);
+    host.cancelled = true;
+    EXPECT_EQ(store.Update(command), AlmanacResult::Cancelled) << "while waiting for an answer";
+    EXPECT_FALSE(HasTemporary());
+}
+
+TEST_F(AlmanacStoreTest, DoesNotFollowALinkOutOfTheFolder)
+{
+    const TemporaryFolder elsewhere;
+    const auto precious = elsewhere.Write("precious", "mine");
+    folder.Link("#$&Temp.Tmp", precious);
+    Start(ReceiverWith({1, 2, 3, 4, 5}));
+    EXPECT_EQ(store.Update(command), AlmanacResult::Done);
+    EXPECT_EQ(fs::file_size(precious), 4U);
+}
+
+TEST_F(AlmanacStoreTest, SaysWhyItFailed)
+{
+    Start(ReceiverWith({1, 2, 3, 4, 5}));
+    AlmanacStore nowhere(folder.Write("not-a-folder", ""));
+    EXPECT_EQ(nowhere.Update(command), AlmanacResult::NotWritten);
+    EXPECT_TRUE(nowhere.LastError());
+
+    fs::create_directories(AlmanacPath(folder.Path()) / "in the way");
+    EXPECT_EQ(store.Update(command), AlmanacResult::NotReplaced);
+    EXPECT_TRUE(store.LastError());
+    EXPECT_FALSE(HasTemporary());
+}
+
+TEST(AlmanacStore, NeedsFiveSatellites)
+{
+    struct Row
+    {
+        std::string_view what;
+        std::vector<std::uint8_t> content;
+        std::size_t size;
+        AlmanacResult result;
+    };
+    auto repeated = SampleFile(4);
+    const auto more = SampleFile(4);
+    repeated.insert(repeated.end(), more.begin(), more.end());
+    const Row rows[] = {
+        {"four", SampleFile(4), 320, AlmanacResult::TooFew},
+        {"five", SampleFile(5), 400, AlmanacResult::Done},
+        {"eight records of four satellites", repeated, 640, AlmanacResult::TooFew},
+        {"five, but told to be four", SampleFile(5), 320, AlmanacResult::TooFew},
+        {"nothing there", {}, 400, AlmanacResult::TooFew},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const TemporaryFolder folder;
+        ASSERT_FALSE(WriteWholeFile(AlmanacTemporaryPath(folder.Path()), row.content));
+        EXPECT_EQ(AlmanacStore(folder.Path()).Commit(row.size), row.result);
+        EXPECT_EQ(fs::exists(AlmanacPath(folder.Path())), row.result == AlmanacResult::Done);
+        EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path())));
+    }
+}
+
+TEST(AlmanacStore, TellsTheUserWhatHappened)
+{
+    const auto said = [](AlmanacResult result) {
+        return std::wstring(Text(MessageOf(result).text)) + L"|" + Text(MessageOf(result).caption);
+    };
+    EXPECT_EQ(said(AlmanacResult::Done), L"軌道暦を更新しました|軌道暦更新");
+    EXPECT_EQ(said(AlmanacResult::NotWritten), L"ファイル書き込みに失敗しました。|ファイルエラー");
+    EXPECT_EQ(said(AlmanacResult::NotRead), L"ファイル読み込みに失敗しました。|ファイルエラー");
+    EXPECT_EQ(said(AlmanacResult::TooFew),
+              L"軌道暦データ数が4以下です。受信機へアンテナを接続し、衛星捕捉を15分以上行ってから"
+              L"再度暦データを取得してください。|軌道暦更新エラー");
+    EXPECT_EQ(said(AlmanacResult::Cancelled), L"|") << "the user knows";
+}
+
+/// Replaces the almanac for ever, by turns with one of 30 and one of 12 satellites.
+[[noreturn]] void ReplaceForEver(const fs::path& folder, int ready)
+{
+    AlmanacStore store(folder);
+    for (int turn = 0;; ++turn) {
+        const auto content = SampleFile(turn % 2 == 0 ? 30 : 12);
+        if (WriteWholeFile(AlmanacTemporaryPath(folder), content) ||
+            store.Commit(content.size()) != AlmanacResult::Done) {
+            _exit(1);
+        }
+        if (turn == 0 && write(ready, "!", 1) != 1) {
+            _exit(1);
+        }
+    }
+}
+
+TEST(AlmanacStore, LeavesAWholeAlmanacWhenItIsKilled)
+{
+    const TemporaryFolder folder;
+    const auto longer = SampleFile(30);
+    const auto shorter = SampleFile(12);
+    std::minstd_rand random(20220310);
+    for (int kill = 0; kill < 100; ++kill) {
+        int ready[2];
+        ASSERT_EQ(pipe(ready), 0);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            ReplaceForEver(folder.Path(), ready[1]);
+        }
+        close(ready[1]);
+        char sign = 0;
+        EXPECT_EQ(read(ready[0], &sign, 1), 1) << "the child could not replace the file";
+        close(ready[0]);
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        const auto content = ReadWholeFile(AlmanacPath(folder.Path()), kMost);
+        ASSERT_TRUE(content == longer || content == shorter) << "kill " << kill;
+    }
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,82 @@
+#include "core/planning/Dop.h"
+
+#include <cmath>
+#include <numbers>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+/// A unit vector of the local frame.
+Ecef Toward(double azimuthDeg, double elevationDeg)
+{
+    const double a = azimuthDeg * kPi / 180.0;
+    const double e = elevationDeg * kPi / 180.0;
+    return {std::cos(e) * std::sin(a), std::cos(e) * std::cos(a), std::sin(e)};
+}
+
+TEST(Dop, AgreesWithClosedForms)
+{
+    struct Row
+    {
+        std::string_view geometry;
+        std::vector<Ecef> directions;
+        double pdop2, tdop2; // squares
+    };
+    // By hand: rings and a zenith make the normal matrix diagonal but for up and clock.
+    const Row rows[] = {
+        {"zenith and three on the horizon",
+         {Toward(0, 90), Toward(0, 0), Toward(120, 0), Toward(240, 0)},
+         4.0 / 3.0 + 4.0 / 3.0,
+         1.0 / 3.0},
+        {"zenith and four at 30 degrees",
+         {Toward(0, 90), Toward(0, 30), Toward(90, 30), Toward(180, 30), Toward(270, 30)},
+         4.0 / 3.0 + 5.0,
+         2.0},
+        {"rings of three at 0 and 30 degrees",
+         {Toward(0, 0), Toward(120, 0), Toward(240, 0), Toward(0, 30), Toward(120, 30),
+          Toward(240, 30)},
+         2.0 / 2.625 + 8.0 / 3.0,
+         1.0 / 3.0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.geometry);
+        DopSums sums;
+        std::vector<Ecef> satellites;
+        const Ecef observer{-3.9e6, 3.3e6, 3.7e6};
+        double range = 2.0e7;
+        for (const Ecef& d : row.directions) {
+            sums.Add(d.x, d.y, d.z);
+            satellites.push_back(
+                {observer.x + range * d.x, observer.y + range * d.y, observer.z + range * d.z});
+            range += 1.0e6; // distances must not matter
+        }
+        const auto tight = sums.Solve();
+        ASSERT_TRUE(tight);
+        for (const DopValues& dop : {*tight, ReferenceDop(observer, satellites)}) {
+            // 1e-9: positions of 1e7 m carry 1e-9 m.
+            EXPECT_NEAR(dop.pdop, std::sqrt(row.pdop2), 1e-9);
+            EXPECT_NEAR(dop.tdop, std::sqrt(row.tdop2), 1e-9);
+            EXPECT_NEAR(dop.gdop, std::sqrt(row.pdop2 + row.tdop2), 1e-9);
+        }
+    }
+}
+
+TEST(Dop, LeavesWeakGeometryToTheReference)
+{
+    // On one cone about the vertical, height and clock cannot be told apart.
+    DopSums sums;
+    for (const double azimuth : {0.0, 80.0, 200.0, 290.0}) {
+        const Ecef d = Toward(azimuth, 40.0);
+        sums.Add(d.x, d.y, d.z);
+    }
+    EXPECT_FALSE(sums.Solve());
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,252 @@
+#include "core/planning/ObservationPlan.h"
+
+#include "bench/literal/LiteralPlan.h"
+#include "tests/core/planning/SampleSky.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <numbers>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using bench::LiteralPlan;
+using testing::SampleFile;
+
+const PlanPeriod kDay{2022y / std::chrono::March / 10, 0, 24};
+
+void LoadSky(ObservationPlan& plan)
+{
+    plan.Calc().LoadAlmanac(SampleFile());
+    plan.Calc().SetUse(11, 0);
+    ObstructionCurtain curtain{};
+    for (std::size_t i = 0; i < curtain.size(); ++i) {
+        curtain[i] = static_cast<std::uint8_t>(i / 60 % 2 * 25 + i % 3);
+    }
+    plan.Calc().SetCurtain(curtain);
+    plan.SetElMaskDeg(15);
+}
+
+/// Every series against the literal plan.
+void ExpectLiteral(const ObservationPlan& plan)
+{
+    const LiteralPlan literal(plan.Calc(), plan.Period());
+    const auto counts = literal.Count();
+    const auto pdop = literal.Dop(&DopValues::pdop);
+    const auto skies = literal.Tracks();
+    ASSERT_EQ(plan.Division(), static_cast<int>(counts.size()));
+    for (int k = 0; k < plan.Division(); ++k) {
+        const auto at = static_cast<std::size_t>(k);
+        ASSERT_EQ(plan.CountAt(k), counts[at]) << k;
+        // Both may be infinite or no number for a geometry without a solution.
+        const double ours = plan.DopAt(PlanGraph::Pdop, k);
+        ASSERT_TRUE(ours == pdop[at] || std::abs(ours / pdop[at] - 1.0) < 1e-9 ||
+                    (std::isnan(ours) && std::isnan(pdop[at])))
+            << k << ": " << ours << " and " << pdop[at];
+        for (int prn = 0; prn < kMaxPrn; ++prn) {
+            const auto& from = skies[at][static_cast<std::size_t>(prn)];
+            const auto& to = skies[at + 1][static_cast<std::size_t>(prn)];
+            const auto step = plan.TrackAt(prn, k);
+            ASSERT_EQ(step.has_value(), from && to) << k << ", PRN " << prn + 1;
+            if (step) {
+                ASSERT_NEAR(step->from.azimuthRad, from->azimuthRad, 1e-9);
+                ASSERT_NEAR(step->from.elevationRad, from->elevationRad, 1e-9);
+                ASSERT_NEAR(step->to.azimuthRad, to->azimuthRad, 1e-9);
+                ASSERT_NEAR(step->to.elevationRad, to->elevationRad, 1e-9);
+            }
+        }
+    }
+}
+
+TEST(PlanPeriod, IsDividedByItsLength)
+{
+    struct Row
+    {
+        int hours;
+        int division;
+        std::chrono::minutes interval;
+    };
+    constexpr Row rows[] = {{1, 12, 5min},  {2, 12, 10min},  {3, 12, 15min},  {4, 8, 30min},
+                            {5, 10, 30min}, {24, 48, 30min}, {25, 48, 30min}, {0, 12, 5min}};
+    for (const Row& row : rows) {
+        const PlanPeriod period{kDay.date, 0, row.hours};
+        EXPECT_EQ(period.Division(), row.division) << row.hours;
+        EXPECT_EQ(period.Interval(), row.interval) << row.hours;
+    }
+}
+
+TEST(PlanPeriod, StartsNineHoursBeforeTheHourThatWasTyped)
+{
+    const auto start = [](int hour) {
+        return PlanPeriod{kDay.date, hour, 1}.Start().GetUtcTime().GetLocalParts();
+    };
+    EXPECT_EQ(start(0).day, 9);
+    EXPECT_EQ(start(0).hour, 15);
+    EXPECT_EQ(start(9).day, 10);
+    EXPECT_EQ(start(9).hour, 0);
+    EXPECT_EQ(start(23).hour, 14);
+    const PlanPeriod tooEarly{1980y / std::chrono::January / 6, 8, 1};
+    EXPECT_EQ(tooEarly.Start().GetUtcTime(), CGPSTime::m_OriginalTime);
+}
+
+TEST(ObservationPlan, HasTheSeriesOfTheLiteralPlan)
+{
+    struct Row
+    {
+        std::string_view what;
+        PlanPeriod period;
+        int maskDeg;
+    };
+    const Row rows[] = {
+        {"a day", kDay, 15},
+        {"an hour", {kDay.date, 9, 1}, 15},
+        {"three hours, no mask", {kDay.date, 12, 3}, 0},
+        {"over the end of a week", {2022y / std::chrono::March / 13, 0, 24}, 10},
+        {"over a change to daylight saving", {2022y / std::chrono::March / 13, 9, 12}, 10},
+        {"few satellites", kDay, 50},
+        {"none", kDay, 90},
+        {"years from the almanac", {2031y / std::chrono::June / 1, 0, 24}, 10},
+        {"before the almanac's cycle of weeks", {1998y / std::chrono::June / 1, 0, 24}, 10},
+    };
+    ObservationPlan plan;
+    LoadSky(plan);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        plan.Period() = row.period;
+        plan.SetElMaskDeg(row.maskDeg);
+        plan.Compute();
+        ExpectLiteral(plan);
+    }
+}
+
+TEST(ObservationPlan, HasTheSeriesOfTheLiteralPlanHoweverFarTheAlmanac)
+{
+    // A week that no receiver sends: the mean anomaly loses digits, and both must lose the same.
+    std::vector<std::uint8_t> content = SampleFile();
+    for (std::size_t at = 8; at < content.size(); at += kAlmanacRecordSize) {
+        content[at] = 0x00;
+        content[at + 1] = 0x80;
+    }
+    ObservationPlan plan;
+    LoadSky(plan);
+    ASSERT_TRUE(plan.Calc().LoadAlmanac(content));
+    plan.Period() = kDay;
+    plan.Compute();
+    ExpectLiteral(plan);
+}
+
+TEST(ObservationPlan, DecidesLikeTheLiteralPlanAtManySites)
+{
+    ObservationPlan plan;
+    LoadSky(plan);
+    plan.Period() = kDay;
+    for (int i = 0; i < 60; ++i) {
+        SCOPED_TRACE(i);
+        plan.Calc().SetObserver({-1.5 + 0.05 * i, -3.0 + 0.1 * i, 100.0 * i});
+        plan.SetElMaskDeg(i % 30);
+        plan.Compute();
+        ExpectLiteral(plan);
+    }
+}
+
+TEST(ObservationPlan, DecidesLikeTheLiteralPlanWhereRoundingDecides)
+{
+    // Masks on, just above and just below where a satellite stands at one of the epochs.
+    ObservationPlan plan;
+    LoadSky(plan);
+    plan.Period() = {kDay.date, 9, 4};
+    const GpsEpoch epoch = ToEpoch(plan.Period().Start());
+    int decided = 0;
+    for (int prn = 0; prn < kMaxPrn; ++prn) {
+        plan.Calc().SetElMask(0.0);
+        const auto direction = LiteralPlan(plan.Calc(), plan.Period()).Test(prn, epoch);
+        if (!direction) {
+            continue;
+        }
+        for (int ulps = -3; ulps <= 3; ++ulps) {
+            double mask = direction->elevationRad;
+            for (int i = 0; i < std::abs(ulps); ++i) {
+                mask = std::nextafter(mask, ulps < 0 ? 0.0 : 2.0);
+            }
+            plan.Calc().SetElMask(mask);
+            plan.Compute();
+            const bool visible = (plan.View().visible[0] >> prn & 1U) != 0;
+            EXPECT_EQ(visible, ulps <= 0) << prn << ' ' << ulps;
+            ExpectLiteral(plan);
+            ++decided;
+        }
+    }
+    EXPECT_GE(decided, 30);
+}
+
+TEST(ObservationPlan, DrawsDilutionsOneStepBehindCounts)
+{
+    ObservationPlan plan;
+    LoadSky(plan);
+    plan.Period() = {kDay.date, 9, 2};
+    plan.Compute();
+    CSurveyPlanCalc calc = plan.Calc();
+    const CTimeSpan interval(0, 0, 10, 0);
+    CGPSTime time = plan.Period().Start();
+    for (int k = 0; k < 12; ++k) {
+        calc.SetTime(time.GetGpsWeek(), time.GetGpsTime());
+        EXPECT_EQ(plan.CountAt(k), calc.CountVisible());
+        time += interval;
+        calc.SetTime(time.GetGpsWeek(), time.GetGpsTime());
+        const DopValues dop = calc.ComputeDop();
+        EXPECT_NEAR(plan.DopAt(PlanGraph::Pdop, k), dop.pdop, 1e-9);
+        EXPECT_NEAR(plan.DopAt(PlanGraph::Gdop, k), dop.gdop, 1e-9);
+        EXPECT_NEAR(plan.DopAt(PlanGraph::Tdop, k), dop.tdop, 1e-9);
+    }
+    EXPECT_EQ(plan.DopAt(PlanGraph::Azimuth, 0), 0.0) << "no dilution";
+    EXPECT_EQ(plan.CountAt(12), 0.0) << "beyond the samples";
+    EXPECT_FALSE(plan.TrackAt(0, 12));
+}
+
+TEST(ObservationPlan, HasNothingToShowWithoutAnAlmanac)
+{
+    ObservationPlan plan;
+    plan.Period() = kDay;
+    plan.Compute();
+    EXPECT_EQ(plan.CountAt(0), 0.0);
+    EXPECT_EQ(plan.DopAt(PlanGraph::Gdop, 47), 16.0);
+    for (int prn = 0; prn < kMaxPrn; ++prn) {
+        EXPECT_FALSE(plan.TrackAt(prn, 0));
+    }
+}
+
+TEST(ObservationPlan, ServesManySitesAsItServesOne)
+{
+    ObservationPlan plan;
+    LoadSky(plan);
+    plan.Period() = kDay;
+    std::vector<Observer> sites;
+    sites.reserve(25);
+    for (int i = 0; i < 25; ++i) {
+        sites.push_back({-1.2 + 0.1 * i, 0.25 * i, 0.0});
+    }
+    for (const unsigned threads : {0U, 1U, 2U, 3U, 100U}) {
+        SCOPED_TRACE(threads);
+        std::vector<SiteView> views(sites.size());
+        plan.ComputeSites(sites, views, threads);
+        for (std::size_t i = 0; i < sites.size(); ++i) {
+            plan.Calc().SetObserver(sites[i]);
+            plan.Compute();
+            EXPECT_EQ(views[i].visible, plan.View().visible) << i;
+            EXPECT_EQ(views[i].count, plan.View().count) << i;
+            EXPECT_EQ(views[i].dop[48].pdop, plan.DopAt(PlanGraph::Pdop, 47)) << i;
+        }
+    }
+    std::vector<SiteView> few(2);
+    plan.ComputeSites(sites, few, 4); // must not write beyond
+    plan.ComputeSites({}, {}, 4);
+}
+
+} // namespace
+} // namespace fieldcore

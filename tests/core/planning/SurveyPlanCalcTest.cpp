@@ -1,0 +1,175 @@
+#include "core/planning/SurveyPlanCalc.h"
+
+#include "core/planning/AlmanacTime.h"
+#include "core/planning/CalendarTime.h"
+#include "tests/core/planning/IndependentSky.h"
+#include "tests/core/planning/SampleSky.h"
+
+#include <cmath>
+#include <numbers>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using testing::kSampleWeek;
+using testing::SampleFile;
+using testing::SampleSatellite;
+
+std::vector<std::uint8_t> FileOf(std::initializer_list<AlmanacRecord> records)
+{
+    std::vector<std::uint8_t> content;
+    for (const AlmanacRecord& record : records) {
+        const AlmanacBytes bytes = EncodeAlmanac(record);
+        content.insert(content.end(), bytes.begin(), bytes.end());
+    }
+    return content;
+}
+
+AlmanacRecord WithPrn(AlmanacRecord record, std::uint8_t prn)
+{
+    record.prn = prn;
+    return record;
+}
+
+TEST(CSurveyPlanCalc, TakesTheRecordsThatAreSatellites)
+{
+    CSurveyPlanCalc calc;
+    EXPECT_TRUE(calc.LoadAlmanac(FileOf({SampleSatellite(9)})));
+
+    std::vector<std::uint8_t> content = FileOf(
+        {SampleSatellite(1), WithPrn(SampleSatellite(2), 0), WithPrn(SampleSatellite(3), 33),
+         WithPrn(SampleSatellite(4), 32), SampleSatellite(5), WithPrn(SampleSatellite(6), 5)});
+    const std::vector<std::uint8_t> cut = FileOf({SampleSatellite(7)});
+    content.insert(content.end(), cut.begin(), cut.end() - 1);
+    EXPECT_TRUE(calc.LoadAlmanac(content));
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        const bool loaded = index == 0 || index == 31 || index == 4;
+        EXPECT_EQ(calc.IsValid(index), loaded ? 1 : 0) << index;
+    }
+    EXPECT_EQ(DecodeAlmanac(calc.GetSatellite(4).GetRecord()).sqrtA, SampleSatellite(6).sqrtA)
+        << "a later record replaces an earlier one";
+
+    EXPECT_FALSE(calc.LoadAlmanac(FileOf({WithPrn(SampleSatellite(1), 200)})));
+    EXPECT_FALSE(calc.LoadAlmanac(std::span(cut).first(79)));
+    EXPECT_EQ(calc.IsValid(0), 0) << "a file without records clears them all";
+    EXPECT_EQ(calc.IsValid(-1) + calc.IsValid(32) + calc.TestVisibility(32), 0);
+}
+
+TEST(CSurveyPlanCalc, CountsWhatStandsAboveTheMask)
+{
+    CSurveyPlanCalc calc;
+    ASSERT_TRUE(calc.LoadAlmanac(SampleFile()));
+    calc.SetElMask(0.2);
+    for (double tkS = 0.0; tkS < 86400.0; tkS += 7200.0) {
+        calc.SetTime(kSampleWeek, SampleSatellite(1).toaS + tkS);
+        int expected = 0;
+        std::vector<Ecef> positions;
+        for (int prn = 1; prn <= 30; ++prn) {
+            const auto place = testing::PlaceOf(SampleSatellite(prn), tkS, Observer{});
+            if (place.elevationRad >= 0.2) {
+                ++expected;
+                positions.push_back(place.position);
+            }
+        }
+        ASSERT_GE(expected, 4);
+        EXPECT_EQ(calc.CountVisible(), expected) << tkS;
+        const DopValues reference = ReferenceDop(ToEcef(Observer{}), positions);
+        const DopValues dop = calc.ComputeDop();
+        EXPECT_NEAR(dop.pdop / reference.pdop, 1.0, 1e-9);
+        EXPECT_NEAR(dop.gdop / reference.gdop, 1.0, 1e-9);
+        EXPECT_NEAR(dop.tdop / reference.tdop, 1.0, 1e-9);
+    }
+}
+
+TEST(CSurveyPlanCalc, NeedsFourSatellitesForADilution)
+{
+    CSurveyPlanCalc calc;
+    ASSERT_TRUE(calc.LoadAlmanac(SampleFile()));
+    calc.SetTime(kSampleWeek, SampleSatellite(1).toaS);
+    int left = calc.CountVisible();
+    ASSERT_GT(left, 4);
+    for (int index = 0; left > 4; ++index) {
+        if (calc.GetSatellite(index).IsVisible() != 0) {
+            calc.SetUse(index, 0);
+            --left;
+        }
+    }
+    EXPECT_EQ(calc.CountVisible(), 4);
+    EXPECT_TRUE(std::isfinite(calc.ComputeDop().pdop));
+    EXPECT_NE(calc.ComputeDop().pdop, 16.0);
+    for (int index = 0; left > 3; ++index) {
+        if (calc.GetSatellite(index).IsVisible() != 0) {
+            calc.SetUse(index, 0);
+            --left;
+        }
+    }
+    const DopValues none = calc.ComputeDop();
+    EXPECT_EQ(none.pdop, 16.0);
+    EXPECT_EQ(none.gdop, 16.0);
+    EXPECT_EQ(none.tdop, 16.0);
+}
+
+TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
+{
+    const GpsEpoch epoch{kSampleWeek, 400000.0};
+    int tested = 0;
+    for (int prn = 1; prn <= 30; ++prn) {
+        CSurveyPlanCalc calc;
+        ASSERT_TRUE(calc.LoadAlmanac(FileOf({SampleSatellite(prn)})));
+        calc.SetTime(epoch.week, epoch.sowS);
+        const auto position = ReferencePosition(KeplerElements(SampleSatellite(prn)), epoch);
+        ASSERT_TRUE(position);
+        const auto direction = ReferenceDirection(Observer{}, *position);
+        ASSERT_TRUE(direction);
+        if (direction->elevationRad > 0.0) {
+            ++tested;
+            calc.SetElMask(direction->elevationRad);
+            EXPECT_EQ(calc.TestVisibility(prn - 1), 1) << prn;
+            calc.SetElMask(std::nextafter(direction->elevationRad, 2.0));
+            EXPECT_EQ(calc.TestVisibility(prn - 1), 0) << prn;
+        }
+    }
+    EXPECT_GE(tested, 6);
+}
+
+TEST(AlmanacTime, IsTheLatestOfTheValidSatellites)
+{
+    AlmanacRecord early = SampleSatellite(1);
+    AlmanacRecord late = SampleSatellite(2);
+    late.week = kSampleWeek + 1;
+    late.toaS = 61440;
+    AlmanacRecord broadcast = SampleSatellite(3);
+    broadcast.week = 176; // 1200 in the cycle before
+    AlmanacRecord broken = SampleSatellite(4);
+    broken.week = -1;
+    CSurveyPlanCalc calc;
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "no almanac";
+    ASSERT_TRUE(calc.LoadAlmanac(FileOf({early, late, broadcast, broken})));
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek + 1);
+    EXPECT_EQ((AlmanacTime(calc).GetUtcTime() - CGPSTime::m_OriginalTime).GetTotalSeconds(),
+              (kSampleWeek + 1) * 604800LL + 61440);
+    calc.SetUse(1, 0);
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek) << "switched off";
+    calc.SetUse(0, 0);
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1200) << "a 10-bit week";
+    calc.SetUse(2, 0);
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "a week that is none never wins";
+}
+
+TEST(AlmanacTime, IsOldAfterThirtyDays)
+{
+    const CTime almanac(1'650'000'000);
+    const auto old = [&](std::int64_t laterS) {
+        return IsAlmanacOld(CGPSTime(almanac), CGPSTime(almanac + CTimeSpan(laterS)));
+    };
+    EXPECT_FALSE(old(30 * 86400)) << "exactly thirty days";
+    EXPECT_TRUE(old(30 * 86400 + 1));
+    EXPECT_FALSE(old(-60 * 86400)) << "an almanac from after the plan";
+}
+
+} // namespace
+} // namespace fieldcore

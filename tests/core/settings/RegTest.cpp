@@ -1,0 +1,308 @@
+#include "core/settings/Reg.h"
+
+#include "core/platform/Folders.h"
+#include "core/settings/HostReg.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+Folders FoldersBelow(const std::string& home)
+{
+    FolderSources sources;
+    sources.variable = [home](const std::string& name) {
+        return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
+    };
+    return Folders(sources);
+}
+
+class Reg : public ::testing::Test
+{
+protected:
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{FoldersBelow(m_home.Path())};
+    CReg m_reg{m_roots};
+};
+
+TEST_F(Reg, GivesTheDefaultForWhatItCannotRead)
+{
+    m_reg.WriteNumber(L"K", L"number", 7);
+    m_reg.WriteString(L"K", L"text", L"seven");
+    m_reg.WriteBinary(L"K", L"bytes", Bytes{7, 7, 7});
+    m_reg.WriteString(L"K", L"digits", L"7");
+    m_reg.WriteNumber(L"K\\Removed", L"number", 7);
+    m_reg.DeleteKey(L"K", L"Removed");
+    struct Row
+    {
+        const char* fault;
+        const wchar_t* key;
+        const wchar_t* name;
+        int asText;
+        int asNumber;
+        int asBytes;
+    };
+    const Row rows[] = {
+        {"a number read as text or bytes", L"K", L"number", 0, 1, 0},
+        {"a text read as number or bytes", L"K", L"text", 1, 0, 0},
+        {"bytes read as text or number", L"K", L"bytes", 0, 0, 1},
+        {"a text of digits taken for a number", L"K", L"digits", 1, 0, 0},
+        {"found without its name", L"K", L"missing", 0, 0, 1}, // bytes get their default written
+        {"found in a removed key", L"K\\Removed", L"number", 0, 0, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        std::wstring text = L"before";
+        EXPECT_EQ(m_reg.ReadString(row.key, row.name, text, L"default"), row.asText);
+        EXPECT_EQ(text == L"default", row.asText == 0);
+        std::uint32_t number = 1;
+        EXPECT_EQ(m_reg.ReadNumber(row.key, row.name, number, 99), row.asNumber);
+        EXPECT_EQ(number, row.asNumber != 0 ? 7U : 99U);
+        std::array<std::uint8_t, 3> bytes{1, 1, 1};
+        EXPECT_EQ(m_reg.ReadBinary(row.key, row.name, bytes, Bytes{9, 9, 9}), row.asBytes);
+        EXPECT_EQ(bytes[2], row.asBytes != 0 && bytes[0] == 7 ? 7 : 9);
+    }
+}
+
+TEST_F(Reg, ReadsTextOfAtMost255Units)
+{
+    struct Row
+    {
+        const char* fault;
+        std::wstring stored;
+        int read;
+    };
+    const Row rows[] = {
+        {"the longest text refused", std::wstring(255, L'x'), 1},
+        {"one too many accepted", std::wstring(256, L'x'), 0},
+        {"units not counted, but bytes", std::wstring(255, L'\u6E2C'), 1},
+        {"a pair counted once", std::wstring(127, L'\U0002000B') + L"xx", 0},
+        {"a pair counted twice", std::wstring(127, L'\U0002000B') + L"x", 1},
+        {"empty text taken for missing", L"", 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(m_reg.WriteString(L"K", L"text", row.stored), 1);
+        std::wstring text;
+        EXPECT_EQ(m_reg.ReadString(L"K", L"text", text, L"default"), row.read);
+        EXPECT_EQ(text, row.read != 0 ? row.stored : L"default");
+    }
+}
+
+TEST_F(Reg, KeepsWhatItWasGiven)
+{
+    const std::wstring japanese = L"東京都千代田区ﾟ～\\=\"";
+    EXPECT_EQ(m_reg.WriteString(L"K", L"text", japanese), 1);
+    EXPECT_EQ(m_reg.WriteString(L"K", L"cut", std::wstring(L"a\0b", 3)), 1);
+    EXPECT_EQ(m_reg.WriteNumber(L"K", L"number", 0xFFFFFFFF), 1);
+    EXPECT_EQ(m_reg.WriteBinary(L"K", L"bytes", Bytes{0, 0xFF, 0}), 1);
+    EXPECT_EQ(m_reg.WriteBinary(L"K", L"none", {}), 1);
+
+    SettingsRoots again(FoldersBelow(m_home.Path())); // a second program
+    const CReg reg(again);
+    std::wstring text;
+    EXPECT_EQ(reg.ReadString(L"K", L"text", text, L""), 1);
+    EXPECT_EQ(text, japanese);
+    EXPECT_EQ(reg.ReadString(L"K", L"cut", text, L""), 1);
+    EXPECT_EQ(text, L"a");
+    std::uint32_t number = 0;
+    EXPECT_EQ(reg.ReadNumber(L"K", L"number", number, 1), 1);
+    EXPECT_EQ(number, 0xFFFFFFFF);
+    std::array<std::uint8_t, 3> bytes{1, 1, 1};
+    EXPECT_EQ(reg.ReadBinary(L"K", L"bytes", bytes, {}), 1);
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), (Bytes{0, 0xFF, 0}));
+    EXPECT_EQ(reg.ReadBinary(L"K", L"none", bytes, Bytes{4, 5, 6}), 1);
+}
+
+TEST_F(Reg, MeansTheSameKeyByDifferentPaths)
+{
+    struct Row
+    {
+        const char* fault;
+        const wchar_t* base;
+        const wchar_t* subkey;
+        const wchar_t* name;
+        int found;
+    };
+    m_reg.WriteNumber(L"Software\\Host\\GPS", L"Mask", 15);
+    m_reg.WriteNumber(L"ключ\\Ωμέγα\\ＡＢＣ", L"Mask", 15);
+    const Row rows[] = {
+        {"base and subkey not joined", L"Software\\Host", L"GPS", L"Mask", 1},
+        {"base alone", L"Software\\Host\\GPS", L"", L"Mask", 1},
+        {"subkey alone", L"", L"Software\\Host\\GPS", L"Mask", 1},
+        {"separator at the end", L"Software\\Host\\", L"GPS\\", L"Mask", 1},
+        {"case of a key", L"SOFTWARE\\host", L"gps", L"Mask", 1},
+        {"case of a value", L"Software\\Host", L"GPS", L"MASK", 1},
+        {"case of Greek, Cyrillic and wide letters", L"КЛЮЧ", L"ωΜέΓα\\ａｂｃ", L"Mask", 1},
+        {"another key", L"Software\\Host", L"GPS2", L"Mask", 0},
+        {"the key above", L"Software", L"Host", L"Mask", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_reg.SetRootKey(RootKey::CurrentUser, 0);
+        ASSERT_EQ(m_reg.SetBasePath(row.base), 1);
+        std::uint32_t number = 0;
+        EXPECT_EQ(m_reg.ReadNumber(row.subkey, row.name, number, 0), row.found);
+    }
+}
+
+TEST_F(Reg, MakesKeysOnlyWithTheCreateFlag)
+{
+    struct Row
+    {
+        const char* fault;
+        std::function<int(const CReg&)> operation;
+        int result; ///< with the create flag
+    };
+    std::uint32_t number = 0;
+    std::array<std::uint8_t, 1> bytes{};
+    const Row rows[] = {
+        {"write", [](const CReg& reg) { return reg.WriteNumber(L"A\\B", L"n", 1); }, 1},
+        {"read", [&](const CReg& reg) { return reg.ReadNumber(L"A\\B", L"n", number, 1); }, 0},
+        {"read binary",
+         [&](const CReg& reg) { return reg.ReadBinary(L"A\\B", L"n", bytes, bytes); }, 1},
+        {"delete", [](const CReg& reg) { return reg.DeleteKey(L"A\\B", L"C"); }, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_reg.DeleteKey(L"", L"A");
+        m_reg.SetRootKey(RootKey::CurrentUser, 0);
+        EXPECT_EQ(row.operation(m_reg), 0);
+        EXPECT_FALSE(m_reg.Store().OpenKey(L"A", KeyOpening::Existing));
+        m_reg.SetRootKey(RootKey::CurrentUser, 1);
+        EXPECT_EQ(row.operation(m_reg), row.result);
+        EXPECT_TRUE(m_reg.Store().OpenKey(L"a\\b", KeyOpening::Existing));
+    }
+}
+
+TEST_F(Reg, ReadsBytesOfAnotherLength)
+{
+    struct Row
+    {
+        const char* fault;
+        Bytes stored;
+        int result;
+        Bytes read;
+    };
+    const Row rows[] = {
+        {"the rest is not default", {1, 2}, 1, {1, 2, 9, 0}},
+        {"cut although it does not fit", {1, 2, 3, 4, 5}, 0, {9, 9, 9, 0}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_reg.WriteBinary(L"K", L"bytes", row.stored);
+        Bytes bytes(4, 0x55);
+        EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", bytes, Bytes{9, 9, 9}), row.result);
+        EXPECT_EQ(bytes, row.read);
+        Bytes kept(5);
+        m_reg.ReadBinary(L"K", L"bytes", kept, {});
+        kept.resize(row.stored.size());
+        EXPECT_EQ(kept, row.stored);
+    }
+}
+
+TEST_F(Reg, WritesMissingBytesOnReading)
+{
+    Bytes bytes(3);
+    EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", bytes, Bytes{1, 2, 3}), 1);
+    EXPECT_EQ(bytes, (Bytes{1, 2, 3}));
+    Bytes again(3);
+    EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", again, Bytes{9, 9, 9}), 1);
+    EXPECT_EQ(again, (Bytes{1, 2, 3}));
+}
+
+TEST_F(Reg, DeletesAKeyWithAllBelowIt)
+{
+    for (const wchar_t* key :
+         {L"A\\List", L"A\\List\\Deep", L"A\\List2", L"A\\Listing", L"A\\Li", L"A"}) {
+        ASSERT_EQ(m_reg.WriteNumber(key, L"n", 1), 1);
+    }
+    EXPECT_EQ(m_reg.DeleteKey(L"A", L""), 0);
+    EXPECT_EQ(m_reg.DeleteKey(L"A", L"\\"), 0);
+    EXPECT_EQ(m_reg.DeleteKey(L"A", L"LIST"), 1);
+    EXPECT_EQ(m_reg.DeleteKey(L"A", L"List"), 0);
+    EXPECT_EQ(m_reg.Store().Keys(L"a"), (std::vector<std::wstring>{L"Li", L"List2", L"Listing"}));
+    ASSERT_EQ(m_reg.WriteNumber(L"A\\List", L"other", 1), 1);
+    EXPECT_EQ(m_reg.Store().Values(L"A\\List").size(), 1U); // nothing old comes back
+    EXPECT_TRUE(m_reg.Store().Keys(L"A\\List").empty());
+    EXPECT_EQ(m_reg.Store().Keys(L""), (std::vector<std::wstring>{L"A"}));
+}
+
+TEST_F(Reg, RefusesNamesThatARegistryHasNoRoomFor)
+{
+    const std::wstring longest(255, L'n');
+    struct Row
+    {
+        const char* fault;
+        std::wstring key;
+        std::wstring name;
+        int result;
+    };
+    const Row rows[] = {
+        {"the longest names", longest, longest, 1},
+        {"key name too long", L"A\\" + longest + L"n", L"n", 0},
+        {"value name too long", L"A", longest + L"n", 0},
+        {"NUL in a key", std::wstring(L"a\0b", 3), L"n", 0},
+        {"NUL in a name", L"A", std::wstring(L"a\0b", 3), 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(m_reg.WriteNumber(row.key, row.name, 1), row.result);
+    }
+    EXPECT_EQ(m_reg.SetBasePath(std::wstring(259, L'b')), 1);
+    EXPECT_EQ(m_reg.SetBasePath(std::wstring(260, L'b')), 0);
+}
+
+TEST_F(Reg, KeepsTheRootsApart)
+{
+    m_reg.WriteNumber(L"K", L"n", 1);
+    m_reg.SetRootKey(RootKey::LocalMachine, 1);
+    std::uint32_t number = 0;
+    EXPECT_EQ(m_reg.ReadNumber(L"K", L"n", number, 5), 0);
+    EXPECT_EQ(number, 5U);
+}
+
+TEST_F(Reg, OfTheHostStartsAtItsOwnKey)
+{
+    EXPECT_EQ(HostReg(m_roots).WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 38400), 1);
+    std::uint32_t baud = 0;
+    EXPECT_EQ(m_reg.ReadNumber(L"Software\\Aldex-Corvane\\olen+(GPS)\\GPS\\Com\\Com0", L"Baudlate",
+                               baud, 0),
+              1);
+    EXPECT_EQ(baud, 38400U);
+}
+
+TEST_F(Reg, StoresABatchAsAWhole)
+{
+    {
+        SettingsBatch batch(m_reg.Store());
+        ASSERT_TRUE(batch.IsOpen());
+        EXPECT_FALSE(SettingsBatch(m_reg.Store()).IsOpen()); // and does not end the first
+        EXPECT_EQ(m_reg.WriteNumber(L"A", L"n", 1), 1);
+        EXPECT_EQ(m_reg.DeleteKey(L"", L"Missing"), 0);
+        std::uint32_t number = 0;
+        EXPECT_EQ(m_reg.ReadNumber(L"A", L"n", number, 0), 1);
+    }
+    m_reg.SetRootKey(RootKey::CurrentUser, 0);
+    std::uint32_t number = 0;
+    EXPECT_EQ(m_reg.ReadNumber(L"A", L"n", number, 0), 0);
+    m_reg.SetRootKey(RootKey::CurrentUser, 1);
+    SettingsBatch batch(m_reg.Store());
+    EXPECT_EQ(m_reg.WriteNumber(L"A", L"n", 1), 1);
+    EXPECT_TRUE(batch.Commit());
+    EXPECT_FALSE(batch.Commit());
+    EXPECT_EQ(m_reg.ReadNumber(L"A", L"n", number, 0), 1);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,295 @@
+#include "core/platform/SqliteSettingsStore.h"
+
+#include "core/settings/HostReg.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/core/settings/FileSizeLimit.h"
+#include "tests/core/settings/Writer.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::FileSizeLimit;
+using testing::Writer;
+
+constexpr auto kCreate = KeyOpening::Create;
+
+/// Runs SQL in a settings file from outside.
+/// @return the last column that came
+std::string Sql(const fs::path& file, const std::string& sql)
+{
+    sqlite3* database = nullptr;
+    std::string answer;
+    char* fault = nullptr;
+    sqlite3_open(file.c_str(), &database);
+    const auto keep = [](void* target, int columns, char** values, char**) {
+        *static_cast<std::string*>(target) = values[columns - 1];
+        return 0;
+    };
+    sqlite3_exec(database, sql.c_str(), keep, &answer, &fault);
+    EXPECT_EQ(fault, nullptr) << fault;
+    sqlite3_free(fault);
+    sqlite3_close(database);
+    return answer;
+}
+
+std::string Content(const fs::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::uint32_t NumberIn(SettingsStore& store, std::wstring_view key, std::wstring_view name)
+{
+    const SettingsRead read = store.Get(key, name);
+    const auto* number = std::get_if<std::uint32_t>(&read.value);
+    return read.state == SettingsReadState::Found && number != nullptr ? *number : 0xDEAD;
+}
+
+/// A settings file with enough in it for several pages, and without the log, from which damaged
+/// pages could be made good.
+fs::path FilledFile(const TemporaryFolder& folder)
+{
+    fs::path file = folder.Path() / "user.db";
+    {
+        SqliteSettingsStore store(file);
+        SettingsBatch batch(store);
+        const std::wstring text(100, L'x');
+        for (int i = 0; i < 300; ++i) {
+            EXPECT_TRUE(store.Set(L"K", L"n" + std::to_wstring(i), text, kCreate));
+        }
+        EXPECT_TRUE(batch.Commit());
+    }
+    fs::remove(file.string() + "-wal");
+    return file;
+}
+
+TEST(SqliteSettingsStore, RefusesRowsThatAreNoSetting)
+{
+    struct Row
+    {
+        const char* fault;
+        const char* change;
+        SettingsReadState state;
+    };
+    const Row rows[] = {
+        {"nothing wrong", "data = 5", SettingsReadState::Found},
+        {"negative number", "data = -1", SettingsReadState::Failed},
+        {"number of more than 32 bits", "data = 4294967296", SettingsReadState::Failed},
+        {"number that is a text", "data = '5'", SettingsReadState::Failed},
+        {"number with a fraction", "data = 5.5", SettingsReadState::Failed},
+        {"text that is bytes", "type = 1, data = x'35'", SettingsReadState::Failed},
+        {"bytes that are a number", "type = 3", SettingsReadState::Failed},
+        {"unknown type", "type = 4", SettingsReadState::Failed},
+        {"text that is no UTF-8", "type = 1, data = CAST(x'FFC0' AS TEXT)",
+         SettingsReadState::Found},
+    };
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "user.db";
+    SqliteSettingsStore store(file);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{5}, kCreate));
+        Sql(file, std::string("UPDATE value SET ") + row.change + " WHERE folded_name = 'n'");
+        EXPECT_EQ(store.Get(L"K", L"n").state, row.state);
+        EXPECT_EQ(store.Values(L"K").size(), row.state == SettingsReadState::Found ? 1U : 0U);
+    }
+}
+
+TEST(SqliteSettingsStore, SetsADamagedFileAside)
+{
+    struct Row
+    {
+        const char* fault;
+        std::function<void(const fs::path&)> damage;
+        bool setAside;
+    };
+    const auto overwrite = [](std::streamoff at, std::size_t count) {
+        return [at, count](const fs::path& file) {
+            std::fstream out(file, std::ios::binary | std::ios::in | std::ios::out);
+            out.seekp(at) << std::string(count, '\xA5');
+        };
+    };
+    const Row rows[] = {
+        {"a sound file not kept", [](const fs::path&) {}, false},
+        {"not a database", overwrite(0, 100), true},
+        {"a page in the middle", overwrite(3 * 4096L, 2000), true},
+        {"cut off", [](const fs::path& file) { fs::resize_file(file, 5000); }, true},
+        {"somebody else's database",
+         [](const fs::path& file) { Sql(file, "PRAGMA application_id = 1"); }, true},
+        {"a table is missing", [](const fs::path& file) { Sql(file, "DROP TABLE value"); }, true},
+        {"the root is missing", [](const fs::path& file) { Sql(file, "DELETE FROM key"); }, true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const TemporaryFolder folder;
+        const fs::path file = FilledFile(folder);
+        row.damage(file);
+        const std::string damaged = Content(file);
+        folder.Write("user.db.damaged-1", "an older one");
+        SqliteSettingsStore store(file);
+        const fs::path aside = folder.Path() / "user.db.damaged-2";
+        EXPECT_EQ(store.TakeNotice().find(aside.string()) != std::string::npos, row.setAside);
+        EXPECT_EQ(store.TakeNotice(), "");
+        EXPECT_EQ(Content(aside) == damaged, row.setAside);
+        EXPECT_EQ(Content(folder.Path() / "user.db.damaged-1"), "an older one");
+        EXPECT_EQ(store.Values(L"K").size(), row.setAside ? 0U : 300U);
+        EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
+        EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
+    }
+}
+
+TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
+{
+    const TemporaryFolder folder;
+    const fs::path plain = folder.Write("plain", "");
+    SqliteSettingsStore nowhere(plain / "below" / "user.db");
+    EXPECT_NE(nowhere.TakeNotice().find("cannot be saved"), std::string::npos);
+    EXPECT_EQ(nowhere.TakeNotice(), "");
+    EXPECT_TRUE(nowhere.Set(L"K", L"n", std::uint32_t{7}, kCreate));
+    EXPECT_EQ(NumberIn(nowhere, L"k", L"N"), 7U);
+
+    // What is there can still be read.
+    const fs::path file = FilledFile(folder);
+    fs::remove(file.string() + ".lock");
+    fs::create_directory(file.string() + ".lock");
+    const std::string before = Content(file);
+    SqliteSettingsStore readOnly(file);
+    EXPECT_NE(readOnly.TakeNotice(), "");
+    EXPECT_EQ(readOnly.Values(L"K").size(), 300U);
+    EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
+    EXPECT_EQ(Content(file), before);
+}
+
+TEST(SqliteSettingsStore, KeepsItsLogAtOneLength)
+{
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "user.db";
+    const fs::path log = file.string() + "-wal";
+    std::uintmax_t grown = 0;
+    for (int time = 0; time < 2; ++time) { // closing the file keeps the log
+        SqliteSettingsStore store(file);
+        grown = time == 0 ? fs::file_size(log) : grown;
+        for (std::uint32_t i = 0; i < 250; ++i) {
+            ASSERT_TRUE(store.Set(L"K", L"n", i, kCreate));
+        }
+        EXPECT_EQ(fs::file_size(log), grown);
+    }
+    EXPECT_GE(grown, 256U * 4096U);
+}
+
+TEST(SqliteSettingsStore, LosesNothingOnAFullDisk)
+{
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "user.db";
+    SqliteSettingsStore store(file);
+    ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
+    const SettingsValue large = std::vector<std::uint8_t>(500'000, 1);
+    std::uint32_t stored = 0;
+    {
+        const FileSizeLimit limit(2'000'000);
+        while (stored < 100 &&
+               store.Set(L"K", L"large" + std::to_wstring(stored), large, kCreate)) {
+            ++stored;
+        }
+        SettingsBatch batch(store);
+        EXPECT_FALSE(store.Set(L"K", L"lost", large, kCreate) && batch.Commit());
+    }
+    EXPECT_GT(stored, 0U);
+    EXPECT_LT(stored, 100U);
+    EXPECT_EQ(store.Values(L"K").size(), stored + 1);
+    EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{2}, kCreate)); // room again
+    EXPECT_EQ(NumberIn(store, L"K", L"n"), 2U);
+    EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
+}
+
+TEST(SqliteSettingsStore, RefusesAValueBeyondAllMeasure)
+{
+    const TemporaryFolder folder;
+    SqliteSettingsStore store(folder.Path() / "user.db");
+    ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
+    EXPECT_FALSE(store.Set(L"K", L"n", std::vector<std::uint8_t>(5'000'000), kCreate));
+    EXPECT_EQ(NumberIn(store, L"K", L"n"), 1U);
+}
+
+/// The numbers that a writer stored, as far as they are what and where they should be.
+std::size_t StoredBy(const std::string& name, const fs::path& config, std::size_t atMost)
+{
+    SqliteSettingsStore store(config / "fieldcore" / "user.db");
+    const std::wstring key = HostBasePath() + L"\\GPS\\Kill";
+    const std::wstring prefix(name.begin(), name.end());
+    std::uint32_t count = 0;
+    while (count < atMost && NumberIn(store, key, prefix + std::to_wstring(count)) == count) {
+        ++count;
+    }
+    EXPECT_EQ(store.TakeNotice(), "");
+    return count;
+}
+
+TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
+{
+    std::mt19937 random(20240607);
+    const TemporaryFolder folder;
+    for (int i = 0; i < 100; ++i) {
+        // Every fourth time a new file, so that some are killed while they make it.
+        const fs::path config = folder.Path() / std::to_string(i / 4);
+        const std::string name = "kill" + std::to_string(i) + "-";
+        Writer writer({"settings", config.string(), name, "1000000"});
+        writer.Await(random() % 8);
+        const std::size_t acknowledged =
+            writer.Kill(std::chrono::microseconds(random() % (i % 2 == 0 ? 8000 : 500)));
+        if (i % 3 != 0) { // else the next writer is the first to open what was left
+            ASSERT_EQ(StoredBy(name, config, acknowledged), acknowledged) << i;
+            ASSERT_EQ(Sql(config / "fieldcore" / "user.db", "PRAGMA integrity_check"), "ok") << i;
+        }
+    }
+}
+
+TEST(SqliteSettingsStore, ServesSeveralProcesses)
+{
+    const TemporaryFolder folder;
+    constexpr std::size_t kCount = 200;
+    Writer one({"settings", folder.Path().string(), "one", std::to_string(kCount)});
+    Writer two({"settings", folder.Path().string(), "two", std::to_string(kCount)});
+    Writer three({"settings", folder.Path().string(), "three", std::to_string(kCount)});
+    EXPECT_EQ(one.Finish(), 0);
+    EXPECT_EQ(two.Finish(), 0);
+    EXPECT_EQ(three.Finish(), 0);
+    for (const char* name : {"one", "two", "three"}) {
+        EXPECT_EQ(StoredBy(name, folder.Path(), kCount), kCount);
+    }
+}
+
+TEST(SqliteSettingsStore, SeesWhatAnotherOneDoes)
+{
+    const TemporaryFolder folder;
+    SqliteSettingsStore ours(folder.Path() / "user.db");
+    SqliteSettingsStore theirs(folder.Path() / "user.db");
+    ASSERT_TRUE(ours.Set(L"K", L"n", std::uint32_t{1}, kCreate));
+    EXPECT_EQ(NumberIn(theirs, L"K", L"n"), 1U);
+    ASSERT_TRUE(theirs.DeleteKey(L"K"));
+    EXPECT_EQ(ours.Get(L"K", L"n").state, SettingsReadState::Missing);
+    EXPECT_FALSE(ours.Set(L"K", L"n", std::uint32_t{2}, KeyOpening::Existing));
+    SettingsBatch batch(theirs);
+    ASSERT_TRUE(theirs.Set(L"K", L"n", std::uint32_t{3}, kCreate));
+    EXPECT_EQ(ours.Get(L"K", L"n").state, SettingsReadState::Missing);
+    ASSERT_TRUE(batch.Commit());
+    EXPECT_EQ(NumberIn(ours, L"K", L"n"), 3U);
+}
+
+} // namespace
+} // namespace fieldcore

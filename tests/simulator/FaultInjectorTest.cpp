@@ -1,0 +1,232 @@
+#include "simulator/FaultInjector.h"
+#include "tests/simulator/Support.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const Bytes kQuestion = Hex("02 00 4A 00 4A 03");
+const Bytes kReply = Hex("02 00 4B 02 11 22 80 03");
+
+FaultRule Rule(std::string_view text)
+{
+    FaultRule rule;
+    std::string error;
+    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
+    return rule;
+}
+
+/// The pieces as hexadecimal digits, one bracket each; "!" where the port hangs up.
+std::string Show(const Pieces& pieces)
+{
+    std::string text;
+    for (const Piece& piece : pieces) {
+        text += '[';
+        for (const std::uint8_t byte : piece.bytes) {
+            constexpr std::string_view kDigits = "0123456789ABCDEF";
+            text += kDigits[byte >> 4U];
+            text += kDigits[byte & 0x0FU];
+        }
+        text += piece.hangsUp ? "]!" : "]";
+    }
+    return text;
+}
+
+Pieces Apply(FaultInjector& injector, const Bytes& request = kQuestion)
+{
+    Clock::Duration silence{};
+    return injector.Apply(FrameRequest(request), {kReply}, silence);
+}
+
+/// Which of @p count answers a rule spoils, "x" for each spoilt one.
+std::string Pattern(std::string_view rule, int count)
+{
+    FaultInjector injector(1);
+    injector.Add(Rule(rule));
+    std::string pattern;
+    for (int i = 0; i < count; ++i) {
+        pattern += Apply(injector).empty() ? 'x' : '.';
+    }
+    return pattern;
+}
+
+} // namespace
+
+TEST(FaultInjector, DoesToTheAnswerWhatTheRuleSays)
+{
+    struct Row
+    {
+        std::string_view rule;
+        std::string_view sent;
+    };
+    constexpr Row kRows[] = {
+        {"drop", ""},
+        {"corrupt", "[02004B0211227F03]"},
+        {"corrupt 4", "[02004B02EE228003]"},
+        {"corrupt 99", "[02004B0211228003]"},
+        {"split 3", "[02004B][0211228003]"},
+        {"split", "[02][00][4B][02][11][22][80][03]"},
+        {"split 8", "[02004B0211228003]"},
+        {"delay 700", "[02004B0211228003]"},
+        {"duplicate", "[02004B0211228003][02004B0211228003]"},
+        {"nak", "[15]"},
+        {"nak-storm 3", "[151515]"},
+        {"ack", "[06]"},
+        {"wrong-type 77", "[02004D0211228203]"},
+        {"zero-length", "[02004B004B03]"},
+        {"oversize-length", "[02004BFF11228003]"},
+        {"oversize-length 65535", "[020095FFFF11228003]"},
+        {"hang-up", "[]!"},
+        {"hang-up reply 5", "[02004B0211][]!"},
+        {"hang-up reply 99", "[02004B0211228003][]!"},
+        {"reboot", ""},
+        {"drop on 4B", "[02004B0211228003]"},
+        {"drop on break", "[02004B0211228003]"},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        FaultInjector injector(1);
+        injector.Add(Rule(row.rule));
+        EXPECT_EQ(Show(Apply(injector)), row.sent);
+    }
+}
+
+TEST(FaultInjector, PutsStrangeBytesAroundTheAnswer)
+{
+    struct Row
+    {
+        std::string_view rule;
+        std::size_t pieces;
+        std::size_t answerAt; ///< piece in which the answer stands, at its start
+    };
+    constexpr Row kRows[] = {
+        {"unsolicited", 2, 1}, {"garbage 5", 2, 1}, {"early", 2, 0}, {"burst", 1, 0}};
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        FaultInjector injector(1);
+        injector.Add(Rule(row.rule));
+        const Pieces pieces = Apply(injector);
+        ASSERT_EQ(pieces.size(), row.pieces);
+        const Bytes& with = pieces[row.answerAt].bytes;
+        ASSERT_GE(with.size(), kReply.size());
+        EXPECT_TRUE(std::equal(kReply.begin(), kReply.end(), with.begin()));
+    }
+    FaultInjector injector(1);
+    injector.Add(Rule("unsolicited"));
+    EXPECT_EQ(Apply(injector)[0].bytes[2], 0x40);
+}
+
+TEST(FaultInjector, AStrayFrameIsNeverTheAnswerItself)
+{
+    const Bytes status = MakeFrame(0x09, "1014000085 1.85    09");
+    FaultInjector injector(1);
+    injector.Add(Rule("burst"));
+    Clock::Duration silence{};
+    const Pieces pieces = injector.Apply(FrameRequest(Hex("02 00 08 00 08 03")), {status}, silence);
+    ASSERT_EQ(pieces.size(), 1U);
+    ASSERT_GT(pieces[0].bytes.size(), status.size() + 2);
+    EXPECT_NE(pieces[0].bytes[status.size() + 2], 0x09);
+}
+
+TEST(FaultInjector, StrikesWhenTheRuleSays)
+{
+    struct Row
+    {
+        std::string_view rule;
+        std::string_view pattern;
+    };
+    constexpr Row kRows[] = {
+        {"drop", "xxxxxxxx"},
+        {"drop every 3", "..x..x.."},
+        {"drop first 2", "xx......"},
+        {"drop skip 2", "..xxxxxx"},
+        {"drop skip 1 every 2 count 2", "..x.x..."},
+        {"drop chance 0", "........"},
+        {"drop chance 1", "xxxxxxxx"},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        EXPECT_EQ(Pattern(row.rule, static_cast<int>(row.pattern.size())), row.pattern);
+    }
+}
+
+TEST(FaultInjector, ChanceIsRepeatableAndAboutWhatIsAskedFor)
+{
+    const std::string once = Pattern("drop chance 0.25", 4000);
+    EXPECT_EQ(Pattern("drop chance 0.25", 4000), once);
+    const auto spoilt = std::count(once.begin(), once.end(), 'x');
+    // 1000 with a deviation of 27: seven of them on either side.
+    EXPECT_NEAR(static_cast<double>(spoilt), 1000.0, 200.0);
+}
+
+TEST(FaultInjector, RulesActOneAfterTheOther)
+{
+    FaultInjector injector(1);
+    injector.Add(Rule("duplicate"));
+    injector.Add(Rule("delay 100"));
+    injector.Add(Rule("hang-up reply 10 back 50"));
+    const Pieces pieces = Apply(injector);
+    EXPECT_EQ(Show(pieces), "[02004B0211228003][0200][]!");
+    EXPECT_EQ(pieces[0].wait, 100ms);
+    EXPECT_EQ(pieces[2].backAfter, 50ms);
+}
+
+TEST(FaultInjector, OnTheNoisyLineAskingTwiceIsEnough)
+{
+    const Scenario scenario = Shipped("noisy-line");
+    FaultInjector injector(scenario.chanceStart);
+    for (const FaultRule& rule : scenario.faults) {
+        injector.Add(rule);
+    }
+    int spoilt = 0;
+    bool wasWhole = true;
+    for (int i = 0; i < 1000; ++i) {
+        Bytes heard;
+        for (const Piece& piece : Apply(injector)) {
+            const bool isAside = piece.bytes.size() > 2 && piece.bytes[2] == 0x40;
+            heard.insert(heard.end(), piece.bytes.begin(),
+                         isAside ? piece.bytes.begin() : piece.bytes.end());
+        }
+        const bool isWhole = heard == kReply;
+        ASSERT_TRUE(isWhole || wasWhole) << "answers " << i - 1 << " and " << i;
+        wasWhole = isWhole;
+        spoilt += isWhole ? 0 : 1;
+    }
+    EXPECT_GT(spoilt, 100) << "the line is not noisy";
+}
+
+TEST(FaultInjector, CutsARequestAtItsByte)
+{
+    struct Row
+    {
+        std::string_view rule;
+        std::size_t cutAt; ///< bytes of the request, 0: not cut
+    };
+    constexpr Row kRows[] = {
+        {"hang-up request", 1},         {"hang-up request 4", 4}, {"hang-up request 1 on 4A", 3},
+        {"hang-up request 4 on 08", 0}, {"hang-up reply", 0},     {"hang-up request 3 skip 1", 0},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        FaultInjector injector(1);
+        injector.Add(Rule(row.rule));
+        std::size_t cutAt = 0;
+        for (std::size_t n = 1; n < kQuestion.size() && cutAt == 0; ++n) {
+            if (injector.CutRequest(std::span(kQuestion).first(n))) {
+                cutAt = n;
+            }
+        }
+        EXPECT_EQ(cutAt, row.cutAt);
+    }
+}
+
+} // namespace fieldcore::simulator::test

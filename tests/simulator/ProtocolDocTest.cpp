@@ -1,0 +1,208 @@
+// docs/protocol.md is what both ends of the line are written from, so its examples are tested
+// like code: each must be a good frame, and the receiver must give the answers that stand there.
+
+#include "simulator/Receiver.h"
+#include "tests/simulator/Support.h"
+
+#include <algorithm>
+#include <fstream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace {
+
+enum class Role
+{
+    Request,
+    Reply,
+    Example
+};
+
+struct Fence
+{
+    Role role;
+    int type;
+    bool toBreak;
+    std::string label;
+    Bytes bytes;
+};
+
+struct Exchange
+{
+    std::string label;
+    Request request;
+    std::vector<Bytes> answer;
+};
+
+std::vector<std::string> DocLines()
+{
+    std::ifstream file(std::string(FIELDCORE_SOURCE_DIR) + "/docs/protocol.md");
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// The two hexadecimal digits behind the first "0x"; -1 if there are none.
+int TypeIn(const std::string& text)
+{
+    const std::size_t at = text.find("0x");
+    const Bytes digits = Hex(at == std::string::npos ? "" : text.substr(at + 2, 2));
+    return digits.size() == 1 ? digits[0] : -1;
+}
+
+Fence ReadLabel(const std::string& label)
+{
+    Fence fence{Role::Example, TypeIn(label), false, label, {}};
+    if (label.starts_with("Request 0x")) {
+        fence.role = Role::Request;
+    } else if (label.starts_with("Reply 0x")) {
+        fence.role = Role::Reply;
+        fence.toBreak = label.ends_with(" to a BREAK:");
+    } else if (!label.starts_with("Example 0x")) {
+        ADD_FAILURE() << "no label that can be read: " << label;
+    }
+    EXPECT_TRUE(fence.type >= 0 && label.ends_with(':')) << label;
+    return fence;
+}
+
+/// Every fence; an answer of ACK, which is no frame, stands among them as one byte.
+std::vector<Fence> AllFences()
+{
+    std::vector<Fence> fences;
+    std::string label;
+    bool inFence = false;
+    for (const std::string& line : DocLines()) {
+        if (line == "```hex") {
+            inFence = true;
+            fences.push_back(ReadLabel(label));
+        } else if (line == "```") {
+            inFence = false;
+        } else if (inFence) {
+            const Bytes more = Hex(line);
+            fences.back().bytes.insert(fences.back().bytes.end(), more.begin(), more.end());
+        } else if (line == "Reply ACK.") {
+            fences.push_back({Role::Reply, -1, false, line, {kAck}});
+        } else if (!line.empty()) {
+            label = line;
+        }
+    }
+    return fences;
+}
+
+std::vector<Exchange> AllExchanges()
+{
+    std::vector<Exchange> exchanges;
+    for (const Fence& fence : AllFences()) {
+        if (fence.role == Role::Request) {
+            exchanges.push_back({fence.label, FrameRequest(fence.bytes), {}});
+        } else if (fence.toBreak) {
+            exchanges.push_back({fence.label, {Request::Kind::Break, {0x00}}, {fence.bytes}});
+        } else if (fence.role == Role::Reply && !exchanges.empty()) {
+            exchanges.back().answer.push_back(fence.bytes);
+        }
+    }
+    return exchanges;
+}
+
+/// File commands are in the document and not in the simulator yet.
+bool IsFileCommand(std::uint8_t type)
+{
+    static const std::set<int> kTypes{0x60, 0x68, 0x79, 0x96, 0x9C, 0xA0, 0xA1};
+    return kTypes.count(type) != 0;
+}
+
+} // namespace
+
+TEST(ProtocolDoc, EveryExampleIsOneGoodFrame)
+{
+    int frames = 0;
+    for (const Fence& fence : AllFences()) {
+        if (fence.type < 0) {
+            continue;
+        }
+        SCOPED_TRACE(fence.label);
+        const Bytes& frame = fence.bytes;
+        ASSERT_GE(frame.size(), 6U);
+        const bool isLong = fence.type == 0x95;
+        const std::size_t data = isLong ? 5 : 4;
+        const std::size_t length = isLong ? frame[3] * 256U + frame[4] : frame[3];
+        ASSERT_EQ(frame.size(), data + length + 2);
+        EXPECT_EQ(frame[0], 0x02);
+        EXPECT_EQ(frame[1], 0x00);
+        EXPECT_EQ(frame[2], fence.type);
+        unsigned sum = 0;
+        for (std::size_t i = 1; i < data + length; ++i) {
+            sum += frame[i];
+        }
+        EXPECT_EQ(frame[data + length], sum % 256);
+        EXPECT_EQ(frame.back(), 0x03);
+        ++frames;
+    }
+    EXPECT_GE(frames, 60) << "the document was not read";
+}
+
+TEST(ProtocolDoc, EveryRequestOfTheTableHasAnExample)
+{
+    std::set<int> shown;
+    for (const Fence& fence : AllFences()) {
+        if (fence.role == Role::Request) {
+            shown.insert(fence.type);
+        }
+    }
+    int rows = 0;
+    for (const std::string& line : DocLines()) {
+        if (line.starts_with("| 0x") && line.find("| [") != std::string::npos) {
+            EXPECT_EQ(shown.count(TypeIn(line)), 1U) << line;
+            ++rows;
+        }
+    }
+    EXPECT_GE(rows, 25);
+}
+
+TEST(ProtocolDoc, TheReceiverGivesTheDocumentedAnswers)
+{
+    const HandClock clock;
+    for (const Exchange& exchange : AllExchanges()) {
+        SCOPED_TRACE(exchange.label);
+        ASSERT_FALSE(exchange.answer.empty()) << "no answer is documented";
+        const bool isFrame = exchange.request.kind == Request::Kind::Frame;
+        const bool isTilt = isFrame && exchange.request.Type() == 0xC8;
+        Receiver receiver(Shipped(isTilt ? "tilted" : "lark"), clock);
+        const std::vector<Bytes> answer = receiver.Answer(exchange.request);
+        if (isFrame && IsFileCommand(exchange.request.Type())) {
+            EXPECT_EQ(answer, std::vector<Bytes>{Bytes{kNak}});
+        } else {
+            EXPECT_EQ(answer, exchange.answer);
+        }
+    }
+}
+
+TEST(ProtocolDoc, TheTextListExampleIsWhatTheReceiverSends)
+{
+    Scenario scenario;
+    std::string error;
+    const auto parsed = ParseScenario("list-form text2\n"
+                                      "satellite G2   41 63 48.0 42.5\n"
+                                      "satellite R4  334 62 47.2 43.0 # has no text form\n"
+                                      "satellite G12 203 71 49.5 44.0\n"
+                                      "satellite S129 181 48 39.2\n",
+                                      error);
+    ASSERT_TRUE(parsed) << error;
+    Receiver receiver(*parsed, SystemClock::Instance());
+    const auto answer = receiver.Answer(FrameRequest(Hex("02 00 16 00 16 03")));
+    const std::vector<Fence> fences = AllFences();
+    const auto example = std::find_if(fences.begin(), fences.end(), [](const Fence& fence) {
+        return fence.role == Role::Example && fence.type == 0x17;
+    });
+    ASSERT_NE(example, fences.end());
+    EXPECT_EQ(answer, std::vector<Bytes>{example->bytes});
+}
+
+} // namespace fieldcore::simulator::test

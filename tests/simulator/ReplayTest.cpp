@@ -1,0 +1,90 @@
+#include "simulator/Replay.h"
+#include "simulator/ExchangeRecord.h"
+#include "tests/simulator/Support.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace {
+
+constexpr std::string_view kLog = "00:1.000 Rcvr Rx [55 ]\r\n" // before any request
+                                  "00:1.000 Rcvr Tx [01 ]\r\n"
+                                  "00:1.000 Rcvr Rx [0A ]\r\n"
+                                  "00:1.000 Rcvr Tx [02 ]\r\n"
+                                  "00:1.000 Rcvr Rx [0B ]\r\n"
+                                  "00:1.000 Rcvr Rx [0C ]\r\n"
+                                  "\n"
+                                  "00:1.000 Rcvr Tx [01 ]\n"
+                                  "00:1.000 Rcvr Rx [0D ]\n"
+                                  "00:1.000 Rcvr Tx [03 ]";
+
+} // namespace
+
+TEST(ExchangeRecord, WritesALineAsTheLogHasIt)
+{
+    EXPECT_EQ(LogLine(Direction::ToReceiver, Hex("02 00 08 00 08 03")),
+              "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n");
+    EXPECT_EQ(LogLine(Direction::FromReceiver, Hex("06 FA")), "00:1.000 Rcvr Rx [06 FA ]\r\n");
+}
+
+TEST(Replay, AnswersInTheOrderOfTheLogAndElseByTheRequest)
+{
+    using Answer = std::vector<Bytes>;
+    Replay replay;
+    std::string error;
+    ASSERT_TRUE(replay.Parse(kLog, error)) << error;
+    struct Row
+    {
+        std::string_view fault;
+        std::string_view request;
+        Answer answer;
+    };
+    const Row rows[] = {
+        {"first request", "01", {Hex("0A")}},
+        {"answer in several pieces", "02", {Hex("0B"), Hex("0C")}},
+        {"equal request answered the same again", "01", {Hex("0D")}},
+        {"request without an answer", "03", {}},
+        {"log not begun again", "01", {Hex("0A")}},
+        {"request out of turn not found", "01", {Hex("0D")}},
+        {"search does not go around the end", "02", {Hex("0B"), Hex("0C")}},
+        {"a request that is not in the log", "04", {}},
+        {"the place lost by it", "01", {Hex("0D")}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(replay.Answer(Hex(row.request)), row.answer);
+    }
+}
+
+TEST(Replay, ErrorsNameTheLineAndTheCause)
+{
+    struct Row
+    {
+        std::string_view log;
+        std::string_view error;
+    };
+    constexpr Row kRows[] = {
+        {"", R"(there is no request ("Rcvr Tx") in it)"},
+        {"00:1.000 Rcvr Rx [06 ]", R"(there is no request ("Rcvr Tx") in it)"},
+        {"\nhello", R"(line 2: neither "Rcvr Tx [" nor "Rcvr Rx [" stands in it)"},
+        {"00:1.000 Rcvr Tx [06 ", R"(line 1: the closing "]" is missing)"},
+        {"00:1.000 Rcvr Tx []", "line 1: there are no bytes between the brackets"},
+        {"00:1.000 Rcvr Tx [0G ]", R"(line 1: "0G " is not two hexadecimal digits and a blank)"},
+        {"00:1.000 Rcvr Tx [06]", R"(line 1: "06" is not two hexadecimal digits and a blank)"},
+        {"00:1.000 Rcvr Tx [6 07 ]", R"(line 1: "6 0" is not two hexadecimal digits and a blank)"},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.log);
+        Replay replay;
+        std::string error;
+        EXPECT_FALSE(replay.Parse(row.log, error));
+        EXPECT_EQ(error, row.error);
+    }
+}
+
+} // namespace fieldcore::simulator::test

@@ -1,0 +1,136 @@
+#include "simulator/Scenario.h"
+#include "simulator/Models.h"
+#include "tests/simulator/Support.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+TEST(Scenario, ErrorsNameTheLineAndTheCause)
+{
+    struct Row
+    {
+        std::string_view text;
+        std::string_view error;
+    };
+    constexpr Row kRows[] = {
+        {"modle 3017", R"(line 1: "modle" is not known)"},
+        {"# all well\n\nmodel 9999", R"(line 3: "9999" is neither a type number nor a model name)"},
+        {"pdop x", R"(line 1: the PDOP must be a number from 0 to 99.9, not "x")"},
+        {"pdop nan", R"(line 1: the PDOP must be a number from 0 to 99.9, not "nan")"},
+        {"battery", "line 1: the charge must be a number from 0 to 999, not nothing"},
+        {"utc-offset 1.5", R"(line 1: seconds must be a whole number from 0 to 99, not "1.5")"},
+        {"utc-offset 18 s", R"(line 1: "s" is one word too many)"},
+        {"options l2 l9", R"(line 1: "l9" is no option of a receiver)"},
+        {"satellite G33 10 10 40",
+         R"(line 1: the satellite's number must be a whole number from 1 to 32, not "33")"},
+        {"satellite Q1 10 10", R"(line 1: a satellite starts with G, S, R or X, not "Q1")"},
+        {"satellite G1 360 10",
+         R"(line 1: the azimuth must be a whole number from 0 to 359, not "360")"},
+        {"start 2026-02-30 00:00:00",
+         "line 1: a start is a date in UTC such as 2026-03-14 01:30:00, from 1980 to 2099"},
+        {"start 2026-02-03",
+         "line 1: a start is a date in UTC such as 2026-03-14 01:30:00, from 1980 to 2099"},
+        {"answers maybe", R"(line 1: answers must be yes or no, not "maybe")"},
+        {"serial 123456789",
+         R"(line 1: the serial must be 1 to 8 ASCII characters, not "123456789")"},
+        {"fault drop 3", R"(line 1: "drop" takes no number)"},
+        {"fault corrupt on 8",
+         "line 1: a request is two hexadecimal digits, any, break or line, not \"8\""},
+        {"fault corrupt every 0",
+         R"(line 1: every must be a whole number from 1 to 1000000000, not "0")"},
+        {"fault delay back 5",
+         "line 1: \"back\" is not understood here; a rule goes on with on, skip, every, first, "
+         "chance, count, and back for a hang-up"},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.text);
+        std::string error;
+        EXPECT_FALSE(ParseScenario(row.text, error));
+        EXPECT_EQ(error, row.error);
+    }
+}
+
+TEST(Scenario, ReadsWhatIsWrittenWithAnyLineEndAndComment)
+{
+    std::string error;
+    const auto scenario = ParseScenario("title  Two words # and a comment\r\n"
+                                        "\tmodel Corvane VX2 GNSS\r\n"
+                                        "battery 12.5 3\n"
+                                        "options tilt\n"
+                                        "satellite G2 41 63 48 - 47\n"
+                                        "fault hang-up reply 10 back 2000 on 4A skip 5 count 1",
+                                        error);
+    ASSERT_TRUE(scenario) << error;
+    EXPECT_EQ(scenario->title, "Two words");
+    EXPECT_EQ(scenario->typeNumber, 3022);
+    EXPECT_EQ(scenario->typeText, "VX2 GNSS");
+    EXPECT_EQ(scenario->batteryPercent, 12.5);
+    EXPECT_EQ(scenario->batteryDrainPerHour, 3.0);
+    EXPECT_TRUE(scenario->options.extended) << "an extended option needs the request for it";
+    ASSERT_EQ(scenario->satellites.size(), 1U);
+    EXPECT_EQ(scenario->satellites[0].signals[0], 48.0);
+    EXPECT_FALSE(scenario->satellites[0].signals[1]);
+    EXPECT_EQ(scenario->satellites[0].signals[2], 47.0);
+    ASSERT_EQ(scenario->faults.size(), 1U);
+    const FaultRule& rule = scenario->faults[0];
+    EXPECT_EQ(rule.kind, FaultKind::HangUp);
+    EXPECT_EQ(rule.amount, 10);
+    EXPECT_EQ(rule.backAfter, std::chrono::seconds(2));
+    EXPECT_EQ(rule.requestType, 0x4A);
+    EXPECT_EQ(rule.skip, 5U);
+    EXPECT_EQ(rule.count, 1U);
+}
+
+TEST(Scenario, EveryShippedOneIsGoodAndHasATitleOfItsOwn)
+{
+    const std::filesystem::path folder =
+        std::filesystem::path(FIELDCORE_SOURCE_DIR) / "simulator" / "scenarios";
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::string name = entry.path().stem().string();
+        SCOPED_TRACE(name);
+        std::string error;
+        const auto byName = LoadScenario(name, error);
+        ASSERT_TRUE(byName) << error;
+        EXPECT_NE(byName->title, Scenario().title);
+        EXPECT_TRUE(LoadScenario(entry.path().string(), error)) << error;
+        ++files;
+    }
+    EXPECT_EQ(ShippedScenarios().size(), files) << "a file is not compiled in";
+    EXPECT_EQ(ShippedScenarios().front().first, "lark");
+}
+
+TEST(Scenario, AnUnknownNameIsAnsweredWithTheNamesThereAre)
+{
+    std::string error;
+    EXPECT_FALSE(LoadScenario("larch", error));
+    EXPECT_NE(error.find("\"larch\""), std::string::npos) << error;
+    EXPECT_NE(error.find("lark, pica"), std::string::npos) << error;
+    EXPECT_FALSE(LoadScenario(std::filesystem::temp_directory_path().string(), error));
+}
+
+TEST(Models, CodesMeanTheTypesOfTheTable)
+{
+    struct Row
+    {
+        int code;
+        int word;
+        int type;
+    };
+    constexpr Row kRows[] = {{0, 0, 3010},  {0, 310, 3032}, {5, 0, 2010},   {8, 0, 2010},
+                             {9, 0, 2040},  {10, 0, 3010},  {31, 0, 3017},  {31, 310, 3017},
+                             {44, 0, 3022}, {71, 0, 3022},  {152, 0, 3038}, {255, 0, 3010}};
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.code);
+        const Model model = ModelOfCode(row.code, row.word);
+        EXPECT_EQ(model.typeNumber, row.type);
+        EXPECT_EQ(model.typeCode, row.code) << "the code must be sent as it was given";
+    }
+}
+
+} // namespace fieldcore::simulator::test

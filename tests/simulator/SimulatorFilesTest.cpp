@@ -1,0 +1,131 @@
+// What the simulator leaves in the file system: its link, its records, and nothing else.
+
+#include "simulator/Simulator.h"
+#include "tests/simulator/Client.h"
+#include "tests/simulator/Support.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const Bytes kSerialRequest = Hex("02 00 06 00 06 03");
+constexpr std::size_t kSerialSize = 61;
+
+/// A folder that goes away with its content.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        std::string name = (fs::temp_directory_path() / "simulator-test-XXXXXX").string();
+        EXPECT_NE(mkdtemp(name.data()), nullptr);
+        m_path = name;
+    }
+    ~TemporaryFolder()
+    {
+        std::error_code ignored;
+        fs::remove_all(m_path, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    [[nodiscard]] fs::path operator/(const char* name) const { return m_path / name; }
+
+private:
+    fs::path m_path;
+};
+
+std::string ReadAll(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace
+
+TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
+{
+    const TemporaryFolder folder;
+    const fs::path log = folder / "exchange.log";
+    Bytes serial;
+    {
+        const auto simulator = Started(Shipped("lark"), {{}, log, {}});
+        const Client client(simulator->PortPath());
+        ASSERT_TRUE(client.Send(kSerialRequest));
+        serial = client.Receive(kSerialSize);
+        const std::vector<RecordedBytes> record = simulator->Record();
+        ASSERT_EQ(record.size(), 2U);
+        EXPECT_EQ(record[0].direction, Direction::ToReceiver);
+        EXPECT_EQ(record[0].bytes, kSerialRequest);
+        EXPECT_EQ(record[1].direction, Direction::FromReceiver);
+        EXPECT_EQ(record[1].bytes, serial);
+        EXPECT_LE(record[0].time, record[1].time);
+    }
+    EXPECT_EQ(ReadAll(log), "00:1.000 Rcvr Tx [02 00 06 00 06 03 ]\r\n" +
+                                LogLine(Direction::FromReceiver, serial));
+
+    const auto simulator = Started(Shipped("unsupported"), {{}, {}, log});
+    const Client client(simulator->PortPath());
+    ASSERT_TRUE(client.Send(kSerialRequest));
+    EXPECT_EQ(client.Receive(kSerialSize), serial);
+}
+
+TEST(SimulatorFiles, NeverOverwritesWhatIsNotItsOwnLink)
+{
+    const TemporaryFolder folder;
+    std::ofstream(folder / "file") << "precious";
+    fs::create_symlink("/dev/null", folder / "elsewhere");
+    fs::create_symlink("nowhere", folder / "dangling");
+    fs::create_symlink("/dev/pts/999999", folder / "stale");
+    const auto first = Started(Shipped("lark"), {folder / "running", {}, {}});
+    struct Row
+    {
+        const char* name;
+        bool starts;
+    };
+    constexpr Row kRows[] = {{"file", false},     {"elsewhere", false}, {"dangling", false},
+                             {"running", false},  {"stale", true},      {"new", true},
+                             {"none/such", false}};
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.name);
+        std::string error;
+        Simulator simulator(Shipped("lark"), SystemClock::Instance(), {folder / row.name, {}, {}});
+        EXPECT_EQ(simulator.Start(error), row.starts) << error;
+        EXPECT_EQ(error.empty(), row.starts);
+    }
+    EXPECT_EQ(ReadAll(folder / "file"), "precious");
+    EXPECT_EQ(fs::read_symlink(folder / "elsewhere"), "/dev/null");
+    EXPECT_FALSE(fs::exists(fs::symlink_status(folder / "stale"))) << "its link stayed behind";
+    EXPECT_TRUE(fs::exists(first->PortPath()));
+}
+
+TEST(SimulatorFiles, FilesThatCannotBeOpenedAreNamed)
+{
+    const TemporaryFolder folder;
+    std::ofstream(folder / "bad.log") << "no log\n";
+    const SimulatorOptions rows[] = {{{}, folder / "none/record.log", {}},
+                                     {{}, {}, folder / "missing.log"},
+                                     {{}, {}, folder / "bad.log"}};
+    for (const SimulatorOptions& options : rows) {
+        const std::string name =
+            (options.recordFile.empty() ? options.replayFile : options.recordFile).string();
+        SCOPED_TRACE(name);
+        std::string error;
+        Simulator simulator(Shipped("lark"), SystemClock::Instance(), options);
+        EXPECT_FALSE(simulator.Start(error));
+        EXPECT_NE(error.find(name + ": "), std::string::npos) << error;
+    }
+}
+
+} // namespace fieldcore::simulator::test

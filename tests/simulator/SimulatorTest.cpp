@@ -1,0 +1,325 @@
+// The whole simulator from outside: a controller opens its port.
+
+#include "simulator/Simulator.h"
+
+#include "core/platform/FastClock.h"
+#include "tests/simulator/Client.h"
+#include "tests/simulator/Support.h"
+
+#include <chrono>
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const Bytes kStatusRequest = Hex("02 00 08 00 08 03");
+const Bytes kSerialRequest = Hex("02 00 06 00 06 03");
+const Bytes kAbortRequest = Hex("02 00 5A 09 00 00 00 00 00 00 00 00 00 63 03");
+constexpr std::size_t kStatusSize = 27;
+constexpr std::size_t kSerialSize = 61;
+
+std::size_t CountOf(const char* folder)
+{
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+std::unique_ptr<Simulator> WithFault(std::string_view text)
+{
+    auto simulator = Started(Shipped("lark"));
+    FaultRule rule;
+    std::string error;
+    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
+    simulator->AddFault(rule);
+    return simulator;
+}
+
+} // namespace
+
+TEST(Simulator, AnswersWhoOpensItsPort)
+{
+    const auto simulator = Started(Shipped("lark"));
+    const Client client(simulator->PortPath());
+    ASSERT_TRUE(client.Send(kSerialRequest));
+    EXPECT_EQ(client.Receive(kSerialSize)[2], 0x07);
+    ASSERT_TRUE(client.Send({0x00}));
+    EXPECT_EQ(client.Receive(46)[2], 0x6E);
+    ASSERT_TRUE(client.Send(kAbortRequest));
+    EXPECT_EQ(client.Receive(1), Bytes{kAck});
+    ASSERT_TRUE(client.Send(Hex("47 4F 0D 0A")));
+    EXPECT_EQ(client.Receive(4), Hex("4F 4B 0D 0A"));
+    EXPECT_EQ(simulator->RequestCount(), 4U);
+}
+
+TEST(Simulator, BytesSentWhileNobodyHasThePortOpenAreNotEchoed)
+{
+    const auto simulator = Started(Shipped("lark"));
+    simulator->Send(Hex("02 00 40 00 40 03")); // an echo would be a request of type 0x40
+    const Client client(simulator->PortPath());
+    EXPECT_EQ(client.Receive(6), Hex("02 00 40 00 40 03"));
+    ASSERT_TRUE(client.Send(kAbortRequest));
+    EXPECT_EQ(client.Receive(1), Bytes{kAck});
+    EXPECT_EQ(simulator->RequestCount(), 1U);
+}
+
+TEST(Simulator, EveryByteValuePassesUnchangedInBothDirections)
+{
+    const auto simulator = Started(Shipped("lark"));
+    Bytes heard;
+    simulator->SetScripted([&](std::span<const std::uint8_t> request) {
+        heard.assign(request.begin(), request.end());
+        return heard;
+    });
+    Bytes data(255);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        data[i] = static_cast<std::uint8_t>(i + 1);
+    }
+    const Bytes frame = MakeFrame(0x32, data);
+    const Client client(simulator->PortPath());
+    ASSERT_TRUE(client.Send(frame));
+    EXPECT_EQ(client.Receive(frame.size()), frame);
+    simulator->SetScripted(nullptr);
+    EXPECT_EQ(heard, frame);
+}
+
+TEST(Simulator, RulesOfTheLineHoldOnThePort)
+{
+    struct Row
+    {
+        std::string_view rule;
+        std::string_view status; ///< what the status request is answered with, before the ACK
+    };
+    // A second request, answered with ACK, ends the wait for what does not come.
+    constexpr Row kRows[] = {
+        {"drop on 08", ""},
+        {"nak on 08", "15"},
+        {"nak-storm 3 on 08", "15 15 15"},
+        {"zero-length on 08", "02 00 09 00 09 03"},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        const auto simulator = WithFault(row.rule);
+        const Client client(simulator->PortPath());
+        Bytes expected = Hex(row.status);
+        expected.push_back(kAck);
+        ASSERT_TRUE(client.Send(kStatusRequest));
+        ASSERT_TRUE(client.Send(kAbortRequest));
+        EXPECT_EQ(client.Receive(expected.size()), expected);
+    }
+}
+
+TEST(Simulator, ClearedRulesAreGone)
+{
+    const auto simulator = WithFault("nak");
+    const Client client(simulator->PortPath());
+    ASSERT_TRUE(client.Send(kStatusRequest));
+    EXPECT_EQ(client.Receive(1), Bytes{kNak});
+    simulator->ClearFaults();
+    ASSERT_TRUE(client.Send(kStatusRequest));
+    EXPECT_EQ(client.Receive(kStatusSize).size(), kStatusSize);
+}
+
+TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
+{
+    const auto simulator = Started(Shipped("lark"));
+    const std::string path = simulator->PortPath();
+    for (int turn = 0; turn < 3; ++turn) {
+        const Client client(path);
+        ASSERT_TRUE(client.Send(kAbortRequest));
+        ASSERT_EQ(client.Receive(1), Bytes{kAck});
+        simulator->HangUp();
+        EXPECT_FALSE(fs::exists(fs::symlink_status(path))) << "the path would lead elsewhere";
+        EXPECT_TRUE(client.SeesHangUp());
+        ASSERT_TRUE(simulator->Plug());
+        EXPECT_TRUE(simulator->Plug()) << "plugged in already";
+        EXPECT_EQ(simulator->PortPath(), path);
+    }
+}
+
+TEST(Simulator, AHangUpRuleCutsTheExchangeAndThePortComesBack)
+{
+    const FastClock clock(1000.0);
+    struct Row
+    {
+        const char* rule;
+        int before; ///< bytes of the answer that still come
+    };
+    constexpr Row kRows[] = {{"hang-up reply 4 back 5000 count 1", 4},
+                             {"hang-up back 5000 count 1", 0},
+                             {"hang-up request 3 back 5000 count 1", 0}};
+    const Bytes whole = Hex("02 00 09 15");
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        Simulator simulator(Shipped("lark"), clock);
+        std::string error;
+        ASSERT_TRUE(simulator.Start(error)) << error;
+        FaultRule rule;
+        ASSERT_TRUE(ParseFaultRule(row.rule, rule, error)) << error;
+        simulator.AddFault(rule);
+        const std::string path = simulator.PortPath();
+        {
+            const Client client(path);
+            ASSERT_TRUE(client.Send(kStatusRequest));
+            EXPECT_EQ(client.Receive(static_cast<std::size_t>(row.before)),
+                      Bytes(whole.begin(), whole.begin() + row.before));
+            EXPECT_TRUE(client.SeesHangUp());
+        }
+        const auto start = std::chrono::steady_clock::now();
+        while (!fs::exists(path) && std::chrono::steady_clock::now() - start < 10s) {
+            std::this_thread::yield();
+        }
+        const Client again(path);
+        ASSERT_TRUE(again.IsOpen());
+        ASSERT_TRUE(again.Send(kStatusRequest));
+        EXPECT_EQ(again.Receive(kStatusSize).size(), kStatusSize);
+    }
+}
+
+TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
+{
+    HandClock clock;
+    Simulator simulator(Shipped("lark"), clock);
+    std::string error;
+    ASSERT_TRUE(simulator.Start(error)) << error;
+    FaultRule rule;
+    ASSERT_TRUE(ParseFaultRule("reboot 5000 count 1", rule, error)) << error;
+    simulator.AddFault(rule);
+    const Client client(simulator.PortPath());
+    ASSERT_TRUE(client.Send(kStatusRequest));
+    ASSERT_TRUE(client.Send(kSerialRequest));
+    while (simulator.RequestCount() < 2) {
+        std::this_thread::yield();
+    }
+    clock.Advance(5s);
+    ASSERT_TRUE(client.Send(kAbortRequest));
+    EXPECT_EQ(client.Receive(1), Bytes{kAck}) << "something was answered in between";
+}
+
+TEST(Simulator, DelaysAndPacingGoByTheClockThatWasHandedIn)
+{
+    // An hour of waiting and eleven minutes of line time would not end in ten seconds.
+    const FastClock clock(100'000.0);
+    Scenario scenario = Shipped("lark");
+    scenario.pacing = Pacing::Baud;
+    scenario.baudRate = 1200;
+    scenario.latencyMs = 60'000;
+    Simulator simulator(scenario, clock);
+    std::string error;
+    ASSERT_TRUE(simulator.Start(error)) << error;
+    FaultRule rule;
+    ASSERT_TRUE(ParseFaultRule("delay 3600000", rule, error)) << error;
+    simulator.AddFault(rule);
+    const Client client(simulator.PortPath());
+    const Clock::Duration start = clock.Steady();
+    ASSERT_TRUE(client.Send(kStatusRequest));
+    EXPECT_EQ(client.Receive(kStatusSize).size(), kStatusSize);
+    EXPECT_GE(clock.Steady() - start, 3660s);
+}
+
+TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
+{
+    const FastClock clock(100.0);
+    Simulator simulator(Shipped("lark"), clock);
+    std::string error;
+    ASSERT_TRUE(simulator.Start(error)) << error;
+    const Client client(simulator.PortPath());
+    ASSERT_TRUE(client.Send(Hex("02 00 84 FF"))); // announces 255 bytes that never come
+    while (simulator.Record().empty()) {
+        std::this_thread::yield();
+    }
+    ASSERT_TRUE(client.Send(kAbortRequest));
+    EXPECT_EQ(client.Receive(1), Bytes{kAck});
+}
+
+TEST(Simulator, AFullPipeLosesNothingThatFits)
+{
+    const auto simulator = Started(Shipped("lark"));
+    Bytes much(100'000);
+    for (std::size_t i = 0; i < much.size(); ++i) {
+        much[i] = static_cast<std::uint8_t>(i * 7 + i / 251);
+    }
+    const Client client(simulator->PortPath());
+    simulator->Send(much);
+    EXPECT_EQ(client.Receive(much.size()), much);
+}
+
+TEST(Simulator, AScriptMayPullTheCable)
+{
+    const auto simulator = Started(Shipped("lark"));
+    Simulator* const self = simulator.get();
+    simulator->SetScripted([self](std::span<const std::uint8_t>) {
+        self->HangUp();
+        return Bytes{kAck};
+    });
+    const Client client(simulator->PortPath());
+    ASSERT_TRUE(client.Send(kStatusRequest));
+    EXPECT_TRUE(client.SeesHangUp());
+    simulator->SetScripted(nullptr);
+}
+
+TEST(Simulator, MayBeScriptedFromOtherThreadsWhileItAnswers)
+{
+    const auto simulator = Started(Shipped("lark"));
+    std::thread meddler([&] {
+        FaultRule rule;
+        rule.kind = FaultKind::Duplicate;
+        rule.requestType = 0x41;
+        for (int i = 0; i < 200; ++i) {
+            simulator->AddFault(rule);
+            simulator->SetScripted(nullptr);
+            static_cast<void>(simulator->Record());
+            simulator->ClearFaults();
+        }
+    });
+    const Client client(simulator->PortPath());
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_TRUE(client.Send(kAbortRequest));
+        ASSERT_EQ(client.Receive(1), Bytes{kAck});
+    }
+    meddler.join();
+    EXPECT_EQ(simulator->RequestCount(), 200U);
+}
+
+TEST(Simulator, LeavesNoDescriptorThreadOrLinkBehind)
+{
+    {
+        const auto warmUp = Started(Shipped("lark"));
+    }
+    const std::size_t descriptors = CountOf("/proc/self/fd");
+    const std::size_t threads = CountOf("/proc/self/task");
+    std::string path;
+    for (int i = 0; i < 200; ++i) {
+        const auto simulator = Started(Shipped("lark"));
+        path = simulator->PortPath();
+        if (i % 2 == 0) {
+            simulator->HangUp();
+        }
+    }
+    EXPECT_EQ(CountOf("/proc/self/fd"), descriptors);
+    EXPECT_EQ(CountOf("/proc/self/task"), threads);
+    EXPECT_FALSE(fs::exists(fs::path(path).parent_path()));
+}
+
+TEST(Simulator, IsQuietBeforeItIsStarted)
+{
+    Simulator simulator(Shipped("lark"));
+    EXPECT_EQ(simulator.PortPath(), "");
+    simulator.Send(kStatusRequest);
+    simulator.HangUp();
+    EXPECT_FALSE(simulator.Plug());
+    EXPECT_TRUE(simulator.Record().empty());
+}
+
+} // namespace fieldcore::simulator::test
