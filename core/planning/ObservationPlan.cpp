@@ -36,6 +36,7 @@ void ObservationPlan::ComputeGrid()
 void ObservationPlan::Compute()
 {
     ComputeGrid();
+    m_computed = m_period;
     m_division = m_period.Division();
     m_results->grid.View(m_calc.GetFrame(), m_calc.GetLimits(), m_results->view,
                          &m_results->directions);
@@ -66,16 +67,22 @@ double ObservationPlan::DopAt(PlanGraph graph, int k) const
 
 std::optional<ObservationPlan::TrackStep> ObservationPlan::TrackAt(int prnIndex, int k) const
 {
-    if (!IsSample(k) || prnIndex < 0 || prnIndex >= kMaxPrn) {
+    const std::optional<Direction> from = DirectionAt(prnIndex, k);
+    const std::optional<Direction> to = DirectionAt(prnIndex, k + 1);
+    return from && to ? std::optional(TrackStep{*from, *to}) : std::nullopt;
+}
+
+std::optional<Direction> ObservationPlan::DirectionAt(int prnIndex, int k) const
+{
+    if (m_division == 0 || k < 0 || k > m_division || prnIndex < 0 || prnIndex >= kMaxPrn) {
         return std::nullopt;
     }
-    const auto from = static_cast<std::size_t>(k);
+    const auto epoch = static_cast<std::size_t>(k);
     const auto prn = static_cast<std::size_t>(prnIndex);
-    const auto& visible = m_results->view.visible;
-    if (((visible[from] & visible[from + 1]) >> prn & 1U) == 0) {
+    if ((m_results->view.visible[epoch] >> prn & 1U) == 0) {
         return std::nullopt;
     }
-    return TrackStep{m_results->directions[from][prn], m_results->directions[from + 1][prn]};
+    return m_results->directions[epoch][prn];
 }
 
 void ObservationPlan::ComputeSites(std::span<const Observer> sites, std::span<SiteView> views,

@@ -42,7 +42,9 @@ public:
     /// Computes all graphs at once: one costs what seven cost.
     void Compute();
 
-    /// Samples of every series: Period().Division() at the last Compute().
+    /// Period() as it was at the last Compute(): the one of the series.
+    [[nodiscard]] const PlanPeriod& Computed() const { return m_computed; }
+    /// Samples of every series; 0 before the first Compute().
     [[nodiscard]] int Division() const { return m_division; }
 
     // Series; @p k is 0 to Division() - 1.
@@ -63,6 +65,11 @@ public:
     /// @param prnIndex  0 to 31
     /// @return nothing unless the satellite is usable at both ends
     [[nodiscard]] std::optional<TrackStep> TrackAt(int prnIndex, int k) const;
+
+    /// Where a satellite stands at start + k intervals.
+    /// @param k  0 to Division(), the end of the period
+    /// @return nothing unless it is usable then
+    [[nodiscard]] std::optional<Direction> DirectionAt(int prnIndex, int k) const;
 
     /// All that the site sees, by epoch: Division() + 1 of them, an interval apart from the start
     /// on.
@@ -88,6 +95,7 @@ private:
 
     CSurveyPlanCalc m_calc;
     PlanPeriod m_period;
+    PlanPeriod m_computed;
     int m_division = 0;
     std::unique_ptr<Results> m_results; // 90 kB: too much for a stack
 };

@@ -3,6 +3,8 @@
 #include "core/planning/CalendarTime.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 
 namespace fieldcore {
 
@@ -29,6 +31,26 @@ CGPSTime PlanPeriod::Start() const
                          static_cast<int>(static_cast<unsigned>(date.month())),
                          static_cast<int>(static_cast<unsigned>(date.day())), 0, 0, 0);
     return {midnight + CTimeSpan(0, startHour - kJapanBehindUtcH, 0, 0)};
+}
+
+std::chrono::sys_seconds PlanPeriod::UtcAfter(int samples) const
+{
+    return std::chrono::sys_days(date) + std::chrono::hours(startHour - kJapanBehindUtcH) +
+           samples * Interval();
+}
+
+std::string PlanPeriod::JstText(int samples) const
+{
+    const auto jst = UtcAfter(samples) + std::chrono::hours(kJapanBehindUtcH);
+    const auto day = std::chrono::floor<std::chrono::days>(jst);
+    const std::chrono::year_month_day calendar(day);
+    const auto minutes = std::chrono::floor<std::chrono::minutes>(jst - day).count();
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d+09:00",
+                  static_cast<int>(calendar.year()), static_cast<unsigned>(calendar.month()),
+                  static_cast<unsigned>(calendar.day()), static_cast<int>(minutes / 60),
+                  static_cast<int>(minutes % 60));
+    return text.data();
 }
 
 GpsEpoch ToEpoch(const CGPSTime& time)

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 
 namespace fieldcore {
 
@@ -29,6 +30,12 @@ struct PlanPeriod
     /// nine; the GPS epoch if that is earlier. It fits the hours typed in Japan time when the
     /// controller runs on UTC.
     [[nodiscard]] CGPSTime Start() const;
+
+    /// UTC of @p samples intervals after the start, by the calendar alone: what to write beside the
+    /// samples, whatever the zone of the controller.
+    [[nodiscard]] std::chrono::sys_seconds UtcAfter(int samples) const;
+    /// The same instant in Japan Standard Time: "2026-11-21T09:00+09:00".
+    [[nodiscard]] std::string JstText(int samples) const;
 };
 
 /// As the orbits take it.

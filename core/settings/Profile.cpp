@@ -54,6 +54,12 @@ int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_v
     return found ? 1 : 0;
 }
 
+std::vector<std::wstring> ReadProfileSections(const fs::path& file)
+{
+    std::optional<std::string> bytes = Load(file);
+    return bytes ? ProfileText(std::move(*bytes)).Sections() : std::vector<std::wstring>();
+}
+
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
                  const fs::path& file, FileOperations& operations)
 {

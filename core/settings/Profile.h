@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fieldcore {
 
@@ -18,6 +19,10 @@ inline constexpr std::uintmax_t kMaxProfileBytes = 16U << 20U;
 /// @return 1 if it was found, else 0
 int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_view defaultValue,
                 std::wstring& value, const std::filesystem::path& file);
+
+/// The names of the sections, in the order of the file; see ProfileText::Sections(). None if it
+/// cannot be read.
+[[nodiscard]] std::vector<std::wstring> ReadProfileSections(const std::filesystem::path& file);
 
 /// Writes one entry. The new content is built in "$#TEMP.TMP" in the file's folder, which must be
 /// there, and takes the file's place when it is safely on the disk: a file that is not there is

@@ -217,6 +217,22 @@ std::optional<std::wstring> ProfileText::Value(std::wstring_view section,
     return place.entry ? std::optional(ValueOf(place.entry->text)) : std::nullopt;
 }
 
+std::vector<std::wstring> ProfileText::Sections() const
+{
+    std::vector<std::wstring> names;
+    for (std::size_t at = m_start; at < m_bytes.size();) {
+        const Line line = LineAt(at);
+        at = line.end;
+        if (StartsSection(line.text) && line.text.size() >= 2) {
+            std::wstring name = line.text.substr(1, line.text.size() - 2);
+            if (std::find(names.begin(), names.end(), name) == names.end()) {
+                names.push_back(std::move(name));
+            }
+        }
+    }
+    return names;
+}
+
 std::optional<std::string> ProfileText::WithEntry(std::wstring_view section, std::wstring_view key,
                                                   std::wstring_view value) const
 {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fieldcore {
 
@@ -38,6 +39,9 @@ public:
     /// @return nothing if there is no such entry
     [[nodiscard]] std::optional<std::wstring> Value(std::wstring_view section,
                                                     std::wstring_view key) const;
+
+    /// The names of the sections, in their order, each once.
+    [[nodiscard]] std::vector<std::wstring> Sections() const;
 
     /// The content with one entry set, in the encoding it has; all other lines stay as they are. An
     /// entry of the key is replaced. A new one goes before the first empty line of the section, or

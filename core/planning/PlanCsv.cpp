@@ -1,0 +1,100 @@
+#include "core/planning/PlanCsv.h"
+
+#include "core/planning/Degrees.h"
+#include "core/platform/NumberText.h"
+#include "core/platform/Utf8.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr const char* kLineEnd = "\r\n";
+
+bool IsDilution(PlanGraph graph)
+{
+    return graph == PlanGraph::Pdop || graph == PlanGraph::Gdop || graph == PlanGraph::Tdop;
+}
+
+/// A field that a comma, a quote or a line end within it does not break.
+std::string Quoted(std::string_view text)
+{
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+        return std::string(text);
+    }
+    std::string quoted = "\"";
+    for (const char c : text) {
+        quoted += c;
+        quoted += c == '"' ? "\"" : "";
+    }
+    return quoted + "\"";
+}
+
+std::string Fixed(double number, std::uint8_t decimals)
+{
+    return std::isfinite(number) ? ToUtf8(FormatFixed(number, decimals)) : std::string();
+}
+
+std::string Whole(std::uint32_t number, std::size_t width)
+{
+    return ToUtf8(FormatWhole(number, width));
+}
+
+} // namespace
+
+std::string PlanCsvHeader(PlanGraph graph)
+{
+    std::string header = "site,time,";
+    switch (graph) {
+    case PlanGraph::Count:
+        header += "satellites";
+        break;
+    case PlanGraph::Pdop:
+        header += "pdop";
+        break;
+    case PlanGraph::Gdop:
+        header += "gdop";
+        break;
+    case PlanGraph::Tdop:
+        header += "tdop";
+        break;
+    case PlanGraph::SkyPlot:
+    case PlanGraph::Azimuth:
+    case PlanGraph::Elevation:
+        header += "prn,azimuth_deg,elevation_deg";
+        break;
+    }
+    return header + kLineEnd;
+}
+
+std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstring_view site)
+{
+    const std::string name = Quoted(ToUtf8(site));
+    const auto begin = [&](int epoch) { return name + "," + plan.Computed().JstText(epoch) + ","; };
+    std::string rows;
+    for (int k = 0; k < plan.Division(); ++k) {
+        if (graph == PlanGraph::Count) {
+            rows += begin(k) + Fixed(plan.CountAt(k), 0) + kLineEnd;
+        } else if (IsDilution(graph)) {
+            rows += begin(k + 1) + Fixed(plan.DopAt(graph, k), 2) + kLineEnd;
+        }
+    }
+    if (graph == PlanGraph::Count || IsDilution(graph)) {
+        return rows;
+    }
+    for (int k = 0; k <= plan.Division(); ++k) {
+        for (int index = 0; index < kMaxPrn; ++index) {
+            if (const std::optional<Direction> direction = plan.DirectionAt(index, k)) {
+                rows += begin(k) + Whole(static_cast<std::uint32_t>(index + 1), 1) + "," +
+                        Fixed(DegreesOf(direction->azimuthRad), 2) + "," +
+                        Fixed(DegreesOf(direction->elevationRad), 2) + kLineEnd;
+            }
+        }
+    }
+    return rows;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "core/planning/ObservationPlan.h"
+
+#include <string>
+#include <string_view>
+
+namespace fieldcore {
+
+/// A plan as comma-separated values, for a spreadsheet: UTF-8 without a byte order mark, lines that
+/// end in CR LF, times as 2026-11-21T09:00+09:00 (Japan Standard Time), numbers with a decimal
+/// point.
+///
+/// The rows of PlanGraph::Count and of the three dilutions are the samples of that series. Those of
+/// the other graphs are the visible satellites of every epoch, with azimuth and elevation in
+/// degrees. A dilution that is not finite is an empty field.
+
+/// The line of column names.
+[[nodiscard]] std::string PlanCsvHeader(PlanGraph graph);
+
+/// @param site  the name that each row begins with
+/// @param plan  after its Compute()
+[[nodiscard]] std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph,
+                                      std::wstring_view site);
+
+} // namespace fieldcore

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "core/settings/Reg.h"
+
+#include <string>
+
+namespace fieldcore {
+
+/// What the observation plan remembers between its runs, as it is for a user who has never chosen
+/// anything. It is kept in the key "GPS\SurveyPlan" below the library's own.
+struct PlanSettings
+{
+    int elMaskDeg = 15;  ///< elevation mask, whole degrees, 0 to 90
+    int startHour = 9;   ///< 0 to 23, Japan Standard Time
+    int hours = 2;       ///< 1 to 24, and not beyond midnight
+    int drawType = 0;    ///< the graph, a PlanGraph; another number stands for the sky plot
+    int listCoord = 0;   ///< kept for the site page
+    int positionNo = 13; ///< kept for the site page
+    std::wstring position = L"東京都千代田区"; ///< name of the site
+    int positionId = 0;                        ///< kept for the site page
+};
+
+/// Settings that are missing, or of another type, are those of a new user; mask and period are
+/// brought into their ranges.
+/// @param reg  one that starts at the library's own key
+[[nodiscard]] PlanSettings LoadPlanSettings(const CReg& reg);
+
+/// Stores all eight, or none.
+/// @return 1, or 0 if they could not be stored
+int SavePlanSettings(const CReg& reg, const PlanSettings& settings);
+
+} // namespace fieldcore

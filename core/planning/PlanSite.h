@@ -1,0 +1,39 @@
+#pragma once
+
+#include "core/planning/LocalFrame.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fieldcore {
+
+// The sites of the plan: "GSurveyPlan.ini" in the program's folder, a profile file with a section
+// for each site, "LAT" and "LON" as DD.MMSSsss and "HGT" in metres above the ellipsoid.
+
+[[nodiscard]] std::filesystem::path SitesPath(const std::filesystem::path& folder);
+
+/// The names of all sites of the file, in its order.
+[[nodiscard]] std::vector<std::wstring> SiteNames(const std::filesystem::path& folder);
+
+/// What the file says of one site.
+struct SiteEntry
+{
+    std::optional<double> latitudeRad;
+    std::optional<double> longitudeRad;
+    std::optional<double> heightM;
+
+    [[nodiscard]] bool IsComplete() const { return latitudeRad && longitudeRad && heightM; }
+    [[nodiscard]] bool IsEmpty() const { return !latitudeRad && !longitudeRad && !heightM; }
+};
+[[nodiscard]] SiteEntry ReadSite(const std::filesystem::path& folder, std::wstring_view name);
+
+/// Moves @p observer to a site of the file, as the plan's screen has always done: a missing
+/// latitude is 35 degrees, a missing longitude 139 degrees, and a missing height puts 50.0 into the
+/// latitude and leaves the height as it was. Whoever wants to know what is missing asks
+/// ReadSite().
+void ReadPosition(const std::filesystem::path& folder, std::wstring_view name, Observer& observer);
+
+} // namespace fieldcore

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/planning/ObservationPlan.h"
+
+#include <vector>
+
+namespace fieldcore {
+
+/// When the sky is good enough to observe.
+struct WindowLimits
+{
+    int minSatellites = 5;
+    double maxPdop = 4.0;
+    std::chrono::minutes minLength{30};
+};
+
+/// A part of a plan's period that is good from its first epoch to its last. Epoch k is start + k
+/// intervals, 0 to Division().
+struct PlanWindow
+{
+    int first = 0;
+    int last = 0;
+    int fewestSatellites = 0;
+    double highestPdop = 0.0;
+};
+
+/// The longest runs of epochs that keep to @p limits and last at least as long as they ask, in the
+/// order of time. What lies between two epochs is not looked at.
+/// @param plan  after its Compute()
+[[nodiscard]] std::vector<PlanWindow> FindWindows(const ObservationPlan& plan,
+                                                  const WindowLimits& limits);
+
+} // namespace fieldcore
