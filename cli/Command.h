@@ -39,6 +39,7 @@ Command AddIdentifyCommand(CLI::App& program);
 Command AddResetCommand(CLI::App& program);
 Command AddSimCommand(CLI::App& program);
 Command AddTraceCommand(CLI::App& program);
+Command AddPlanCommand(CLI::App& program);
 Command AddDoctorCommand(CLI::App& program);
 Command AddDemoCommand(CLI::App& program);
 

@@ -63,9 +63,10 @@ struct Program
         parser.footer(kExamples);
         parser.set_help_flag("-h,--help", "Show this help");
         parser.add_flag("--version", version, "Show the version");
-        commands = {AddPortsCommand(parser),    AddInfoCommand(parser),   AddStatusCommand(parser),
-                    AddIdentifyCommand(parser), AddResetCommand(parser),  AddSimCommand(parser),
-                    AddTraceCommand(parser),    AddDoctorCommand(parser), AddDemoCommand(parser)};
+        commands = {AddPortsCommand(parser),    AddInfoCommand(parser),  AddStatusCommand(parser),
+                    AddIdentifyCommand(parser), AddResetCommand(parser), AddSimCommand(parser),
+                    AddTraceCommand(parser),    AddPlanCommand(parser),  AddDoctorCommand(parser),
+                    AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

@@ -67,12 +67,12 @@ double ObservationPlan::DopAt(PlanGraph graph, int k) const
 
 std::optional<ObservationPlan::TrackStep> ObservationPlan::TrackAt(int prnIndex, int k) const
 {
-    const std::optional<Direction> from = DirectionAt(prnIndex, k);
-    const std::optional<Direction> to = DirectionAt(prnIndex, k + 1);
+    const std::optional<SkyDirection> from = DirectionAt(prnIndex, k);
+    const std::optional<SkyDirection> to = DirectionAt(prnIndex, k + 1);
     return from && to ? std::optional(TrackStep{*from, *to}) : std::nullopt;
 }
 
-std::optional<Direction> ObservationPlan::DirectionAt(int prnIndex, int k) const
+std::optional<SkyDirection> ObservationPlan::DirectionAt(int prnIndex, int k) const
 {
     if (m_division == 0 || k < 0 || k > m_division || prnIndex < 0 || prnIndex >= kMaxPrn) {
         return std::nullopt;

@@ -59,8 +59,8 @@ public:
     /// A satellite's way from start + k intervals to the next.
     struct TrackStep
     {
-        Direction from; ///< azimuth 0 to 2 pi
-        Direction to;
+        SkyDirection from; ///< azimuth 0 to 2 pi
+        SkyDirection to;
     };
     /// @param prnIndex  0 to 31
     /// @return nothing unless the satellite is usable at both ends
@@ -69,7 +69,7 @@ public:
     /// Where a satellite stands at start + k intervals.
     /// @param k  0 to Division(), the end of the period
     /// @return nothing unless it is usable then
-    [[nodiscard]] std::optional<Direction> DirectionAt(int prnIndex, int k) const;
+    [[nodiscard]] std::optional<SkyDirection> DirectionAt(int prnIndex, int k) const;
 
     /// All that the site sees, by epoch: Division() + 1 of them, an interval apart from the start
     /// on.

@@ -87,7 +87,7 @@ std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstri
     }
     for (int k = 0; k <= plan.Division(); ++k) {
         for (int index = 0; index < kMaxPrn; ++index) {
-            if (const std::optional<Direction> direction = plan.DirectionAt(index, k)) {
+            if (const std::optional<SkyDirection> direction = plan.DirectionAt(index, k)) {
                 rows += begin(k) + Whole(static_cast<std::uint32_t>(index + 1), 1) + "," +
                         Fixed(DegreesOf(direction->azimuthRad), 2) + "," +
                         Fixed(DegreesOf(direction->elevationRad), 2) + kLineEnd;

@@ -1,0 +1,228 @@
+#include "cli/Command.h"
+#include "cli/PlanReport.h"
+#include "cli/PlanRequest.h"
+
+#include "core/planning/Degrees.h"
+#include "core/planning/PlanCsv.h"
+#include "core/planning/PlanSettings.h"
+#include "core/planning/PlanWindows.h"
+#include "core/platform/Folders.h"
+#include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
+#include "core/settings/HostReg.h"
+#include "core/settings/SettingsRoots.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+struct Options
+{
+    PlanOptions plan;
+    std::string kind; ///< empty: the overview
+    bool csv = false;
+    WindowLimits window;
+    int minLengthMinutes = 30;
+    const CLI::App* best = nullptr;
+    const CLI::App* sites = nullptr;
+};
+
+const std::map<std::string, PlanGraph>& Kinds()
+{
+    static const std::map<std::string, PlanGraph> kinds{
+        {"count", PlanGraph::Count}, {"pdop", PlanGraph::Pdop},      {"gdop", PlanGraph::Gdop},
+        {"tdop", PlanGraph::Tdop},   {"tracks", PlanGraph::SkyPlot},
+    };
+    return kinds;
+}
+
+std::optional<PlanGraph> GraphOf(const std::string& kind)
+{
+    const auto found = Kinds().find(kind);
+    return found == Kinds().end() ? std::nullopt : std::optional(found->second);
+}
+
+void WarnOfAge(Output& output, const ObservationPlan& plan)
+{
+    const AlmanacState state = StateOfAlmanac(plan);
+    if (!state.isOld) {
+        return;
+    }
+    output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
+                   ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
+    output.Note("The almanac is " + Value::Real(state.ageDays, 1).Words() +
+                " days older than the plan. Get a new one: fieldcore-cli almanac get --port PORT");
+}
+
+/// Makes each of the plans that @p options ask for and hands it on.
+/// @param wholeDay  the period if none is given
+/// @return what is wrong with the options or the files
+std::optional<Failure>
+ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, PlanRequest& request,
+            const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
+{
+    SettingsRoots roots{Folders(context.world.folders)};
+    const PlanSettings settings = LoadPlanSettings(HostReg(roots));
+    if (std::optional<Failure> failure =
+            Resolve(options, context.world, settings, wholeDay, request)) {
+        return failure;
+    }
+    ObservationPlan plan;
+    if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
+        return failure;
+    }
+    bool warned = false;
+    for (const NamedSite& site : request.sites) {
+        plan.Calc().SetObserver(site.observer);
+        for (const std::chrono::year_month_day date : request.dates) {
+            plan.Period() = {date, request.startHour, request.hours};
+            if (!warned && StateOfAlmanac(plan).isOld) {
+                WarnOfAge(context.output, plan);
+                warned = true;
+            }
+            plan.Compute();
+            use(plan, site);
+        }
+    }
+    return std::nullopt;
+}
+
+ExitCode Plan(const Context& context, const Options& options)
+{
+    if (options.csv && context.output.IsJson()) {
+        return context.output.Failed(UsageFailure("--csv and --json are two different outputs."));
+    }
+    const std::optional<PlanGraph> graph = GraphOf(options.kind);
+    const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
+    PlanRequest request;
+    Report report;
+    std::string words = options.csv ? PlanCsvHeader(csvGraph) : "";
+    const std::optional<Failure> failure =
+        ForEachPlan(context, options.plan, false, request,
+                    [&](const ObservationPlan& plan, const NamedSite& site) {
+                        if (options.csv) {
+                            words += PlanCsvRows(plan, csvGraph, site.name);
+                        } else if (context.output.IsJson()) {
+                            report.AddEntry("plans", PlanReport(plan, site, request, graph));
+                        } else {
+                            words +=
+                                (words.empty() ? "" : "\n") + PlanWords(plan, site, request, graph);
+                        }
+                    });
+    return failure ? context.output.Failed(*failure) : context.output.Done(report, words);
+}
+
+ExitCode Best(const Context& context, const Options& options)
+{
+    WindowLimits limits = options.window;
+    limits.minLength = std::chrono::minutes(options.minLengthMinutes);
+    Report::Table table{"windows",
+                        "No such window. Ask for fewer satellites (--min-sv), a higher PDOP "
+                        "(--max-pdop) or less time (--min-length).",
+                        WindowColumns(),
+                        {}};
+    PlanRequest request;
+    const std::optional<Failure> failure =
+        ForEachPlan(context, options.plan, true, request,
+                    [&](const ObservationPlan& plan, const NamedSite& site) {
+                        for (const PlanWindow& window : FindWindows(plan, limits)) {
+                            table.rows.push_back(WindowRow(plan, site, window));
+                        }
+                    });
+    if (failure) {
+        return context.output.Failed(*failure);
+    }
+    Report report;
+    report.AddTable(std::move(table));
+    return context.output.Done(report);
+}
+
+ExitCode Sites(const Context& context)
+{
+    Report::Table table{"sites",
+                        "",
+                        {{"name", "SITE"},
+                         {"latitudeDeg", "LATITUDE"},
+                         {"longitudeDeg", "LONGITUDE"},
+                         {"heightM", "HEIGHT"},
+                         {"source", "FROM"}},
+                        {}};
+    for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
+        table.rows.push_back({Value::Text(std::wstring_view(site.name)),
+                              Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg"),
+                              Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg"),
+                              Value::Real(site.observer.heightM, 1, "m"),
+                              site.isSample ? Value::Word("sample", "comes with the program")
+                                            : Value::Word("file", "your site file")});
+    }
+    Report report;
+    report.AddTable(std::move(table));
+    return context.output.Done(report);
+}
+
+void AddBest(CLI::App& plan, Options& options)
+{
+    CLI::App& best =
+        AddParser(plan, "best", "When the sky is good: the windows of a day",
+                  "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5 --min-length 60m\n"
+                  "  fieldcore-cli plan best --site 大阪 --date tomorrow --days 3\n"
+                  "  fieldcore-cli plan best --from 8 --hours 9\n");
+    best.fallthrough(); // site, days and so on are those of plan
+    best.add_option("--min-sv", options.window.minSatellites, "Satellites at least (5)")
+        ->check(CLI::Range(4, 32).description(""))
+        ->type_name("N");
+    best.add_option("--max-pdop", options.window.maxPdop, "PDOP at most (4)")
+        ->check(CLI::Range(1.0, 100.0).description(""))
+        ->type_name("X");
+    const std::map<std::string, int> units{{"m", 1}, {"min", 1}, {"h", 60}};
+    best.add_option("--min-length", options.minLengthMinutes, "Length at least: 60m, 2h (30m)")
+        ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::CASE_INSENSITIVE))
+        ->check(CLI::Range(0, 1440).description(""))
+        ->type_name("TIME");
+    options.best = &best;
+}
+
+} // namespace
+
+Command AddPlanCommand(CLI::App& program)
+{
+    CLI::App& parser = AddParser(
+        program, "plan", "When to observe: satellites and dilution over the hours of a day",
+        "  fieldcore-cli plan                                      the usual site, today\n"
+        "  fieldcore-cli plan --site 札幌 --date 2026-11-21 --from 9 --hours 8\n"
+        "  fieldcore-cli plan --at 35.69,139.75,60 --kind tracks   when each satellite is up\n"
+        "  fieldcore-cli plan --kind pdop --csv > pdop.csv         for a spreadsheet\n"
+        "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5       the good hours\n"
+        "  fieldcore-cli plan sites                                the sites it knows\n");
+    auto options = std::make_shared<Options>();
+    options->plan.AddTo(parser);
+    std::vector<std::string> kinds;
+    for (const auto& kind : Kinds()) {
+        kinds.push_back(kind.first);
+    }
+    parser.add_option("--kind", options->kind, "One graph: count, pdop, gdop, tdop or tracks")
+        ->check(CLI::IsMember(kinds).description(""))
+        ->type_name("KIND")
+        ->group("Plan");
+    parser.add_flag("--csv", options->csv, "Comma-separated values, by default of the count")
+        ->group("Plan");
+    AddBest(parser, *options);
+    options->sites = &AddParser(parser, "sites", "The sites that plan knows by name",
+                                "  fieldcore-cli plan sites          names and coordinates\n"
+                                "  fieldcore-cli plan sites --json   for a script\n");
+    return {&parser, [options](const Context& context) {
+                if (options->sites->parsed()) {
+                    return Sites(context);
+                }
+                return options->best->parsed() ? Best(context, *options) : Plan(context, *options);
+            }};
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,366 @@
+#include "cli/PlanReport.h"
+
+#include "core/planning/AlmanacTime.h"
+#include "core/planning/CalendarTime.h"
+#include "core/planning/Degrees.h"
+#include "core/platform/Utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr int kDopDecimals = 1;
+
+/// "2026-11-21T09:00+09:00" is for programs, "09:00" for a person.
+std::string ClockOf(const std::string& jst)
+{
+    constexpr std::size_t kAt = 11;
+    constexpr std::size_t kLength = 5;
+    return jst.substr(kAt, kLength);
+}
+
+std::string DateOf(const std::string& jst)
+{
+    constexpr std::size_t kLength = 10;
+    return jst.substr(0, kLength);
+}
+
+/// The end of a day's period is 24:00 of that day, not 00:00 of the next.
+std::string ClockAt(const PlanPeriod& period, int epoch)
+{
+    const std::string text = period.JstText(epoch);
+    return DateOf(text) == DateOf(period.JstText(0)) ? ClockOf(text) : "24:00";
+}
+
+Value JstValue(const PlanPeriod& period, int epoch)
+{
+    return Value::Word(period.JstText(epoch), ClockAt(period, epoch));
+}
+
+const DopValues& DopOf(const ObservationPlan& plan, int epoch)
+{
+    return plan.View().dop[static_cast<std::size_t>(epoch)];
+}
+
+int CountOf(const ObservationPlan& plan, int epoch)
+{
+    return plan.View().count[static_cast<std::size_t>(epoch)];
+}
+
+std::string Repeated(std::string_view sign, int count)
+{
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += sign;
+    }
+    return text;
+}
+
+std::string Bar(double value)
+{
+    constexpr double kLongest = 16.0;
+    const double shown = std::isfinite(value) ? std::clamp(value, 0.0, kLongest) : kLongest;
+    return Repeated("█", static_cast<int>(std::lround(shown)));
+}
+
+Report::Table OverviewTable(const ObservationPlan& plan)
+{
+    Report::Table table{"samples",
+                        "",
+                        {{"time", "JST"},
+                         {"satellites", "SATELLITES"},
+                         {"pdop", "PDOP"},
+                         {"gdop", "GDOP"},
+                         {"tdop", "TDOP"}},
+                        {}};
+    for (int k = 0; k < plan.Division(); ++k) {
+        const DopValues& dop = DopOf(plan, k);
+        table.rows.push_back({JstValue(plan.Computed(), k), Value::Integer(CountOf(plan, k)),
+                              Value::Real(dop.pdop, kDopDecimals),
+                              Value::Real(dop.gdop, kDopDecimals),
+                              Value::Real(dop.tdop, kDopDecimals)});
+    }
+    return table;
+}
+
+Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
+{
+    constexpr std::array kNames{std::array{"pdop", "PDOP"}, std::array{"gdop", "GDOP"},
+                                std::array{"tdop", "TDOP"}};
+    const bool isCount = graph == PlanGraph::Count;
+    const auto& name = kNames[isCount ? 0
+                                      : static_cast<std::size_t>(graph) -
+                                            static_cast<std::size_t>(PlanGraph::Pdop)];
+    Report::Table table{
+        "samples",
+        "",
+        {{"time", "JST"},
+         isCount ? Report::Column{"satellites", "SATELLITES"} : Report::Column{name[0], name[1]}},
+        {}};
+    for (int k = 0; k < plan.Division(); ++k) {
+        table.rows.push_back({JstValue(plan.Computed(), isCount ? k : k + 1),
+                              isCount ? Value::Integer(std::lround(plan.CountAt(k)))
+                                      : Value::Real(plan.DopAt(graph, k), kDopDecimals)});
+    }
+    return table;
+}
+
+Report::Table TracksTable(const ObservationPlan& plan)
+{
+    Report::Table table{
+        "samples",
+        "",
+        {{"time", "JST"}, {"prn", "PRN"}, {"azimuthDeg", "AZIMUTH"}, {"elevationDeg", "ELEVATION"}},
+        {}};
+    for (int k = 0; k <= plan.Division(); ++k) {
+        for (int index = 0; index < kMaxPrn; ++index) {
+            if (const std::optional<SkyDirection> direction = plan.DirectionAt(index, k)) {
+                table.rows.push_back({JstValue(plan.Computed(), k), Value::Integer(index + 1),
+                                      Value::Real(DegreesOf(direction->azimuthRad), 1),
+                                      Value::Real(DegreesOf(direction->elevationRad), 1)});
+            }
+        }
+    }
+    return table;
+}
+
+bool IsTracks(PlanGraph graph)
+{
+    return graph == PlanGraph::SkyPlot || graph == PlanGraph::Azimuth ||
+           graph == PlanGraph::Elevation;
+}
+
+Report::Table Samples(const ObservationPlan& plan, std::optional<PlanGraph> graph)
+{
+    if (!graph) {
+        return OverviewTable(plan);
+    }
+    return IsTracks(*graph) ? TracksTable(plan) : SeriesTable(plan, *graph);
+}
+
+const char* KindOf(std::optional<PlanGraph> graph)
+{
+    constexpr std::array kKinds{"count", "tracks", "tracks", "tracks", "pdop", "gdop", "tdop"};
+    return graph ? kKinds[static_cast<std::size_t>(*graph)] : "overview";
+}
+
+/// Table with a bar behind each row.
+std::string ChartWords(const ObservationPlan& plan, std::optional<PlanGraph> graph)
+{
+    const Report::Table table = Samples(plan, graph);
+    Report report;
+    Report::Table charted = table;
+    charted.columns.push_back({"", ""});
+    for (std::size_t k = 0; k < charted.rows.size(); ++k) {
+        const auto sample = static_cast<int>(k);
+        const double value =
+            graph && *graph != PlanGraph::Count ? plan.DopAt(*graph, sample) : plan.CountAt(sample);
+        charted.rows[k].push_back(Value::Text(Bar(value), ""));
+    }
+    report.AddTable(std::move(charted));
+    return report.Words();
+}
+
+/// When each satellite is up, and how high it comes.
+std::string TrackWords(const ObservationPlan& plan)
+{
+    Report::Table table{"",
+                        "No satellite is up.",
+                        {{"", "PRN"}, {"", "FROM"}, {"", "TO"}, {"", "HIGHEST"}, {"", "UP"}},
+                        {}};
+    for (int index = 0; index < kMaxPrn; ++index) {
+        std::string line;
+        int first = -1;
+        int last = -1;
+        double highest = 0.0;
+        for (int k = 0; k <= plan.Division(); ++k) {
+            const std::optional<SkyDirection> direction = plan.DirectionAt(index, k);
+            line += direction ? "█" : "·";
+            if (direction) {
+                first = first < 0 ? k : first;
+                last = k;
+                highest = std::max(highest, direction->elevationRad);
+            }
+        }
+        if (first >= 0) {
+            const PlanPeriod& period = plan.Computed();
+            table.rows.push_back({Value::Integer(index + 1), Value::Text(ClockAt(period, first)),
+                                  Value::Text(ClockAt(period, last)),
+                                  Value::Integer(std::lround(DegreesOf(highest)), "deg"),
+                                  Value::Text(line)});
+        }
+    }
+    Report report;
+    report.AddTable(std::move(table));
+    return report.Words();
+}
+
+std::optional<PlanWindow> BestWindow(const ObservationPlan& plan)
+{
+    const std::vector<PlanWindow> windows = FindWindows(plan, WindowLimits{});
+    const auto best = std::max_element(
+        windows.begin(), windows.end(), [](const PlanWindow& a, const PlanWindow& b) {
+            const int lengthA = a.last - a.first;
+            const int lengthB = b.last - b.first;
+            return lengthA != lengthB ? lengthA < lengthB : a.highestPdop > b.highestPdop;
+        });
+    return best == windows.end() ? std::nullopt : std::optional(*best);
+}
+
+std::string BestWords(const ObservationPlan& plan)
+{
+    const std::optional<PlanWindow> best = BestWindow(plan);
+    const WindowLimits limits;
+    if (!best) {
+        return "best window: none with " + std::to_string(limits.minSatellites) +
+               " satellites and a PDOP of " + Value::Real(limits.maxPdop, 1).Words() +
+               " at most for " + std::to_string(limits.minLength.count()) + " minutes";
+    }
+    return "best window: " + ClockAt(plan.Computed(), best->first) + " to " +
+           ClockAt(plan.Computed(), best->last) + ", at least " +
+           std::to_string(best->fewestSatellites) + " satellites, PDOP " +
+           Value::Real(best->highestPdop, 1).Words() + " at most";
+}
+
+std::string Coordinates(const Observer& observer)
+{
+    std::array<char, 80> text{};
+    const double latitude = DegreesOf(observer.latitudeRad);
+    const double longitude = DegreesOf(observer.longitudeRad);
+    std::snprintf(text.data(), text.size(), "%.5f %c, %.5f %c, %.0f m", std::abs(latitude),
+                  latitude < 0.0 ? 'S' : 'N', std::abs(longitude), longitude < 0.0 ? 'W' : 'E',
+                  observer.heightM);
+    return text.data();
+}
+
+bool HasCurtain(const ObservationPlan& plan)
+{
+    const ObstructionCurtain& curtain = plan.Calc().GetCurtain();
+    return std::any_of(curtain.begin(), curtain.end(), [](std::uint8_t deg) { return deg != 0; });
+}
+
+Value TimeValue(std::chrono::sys_seconds time)
+{
+    const auto day = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day date(day);
+    const auto minutes = std::chrono::floor<std::chrono::minutes>(time - day).count();
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02dZ",
+                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                  static_cast<unsigned>(date.day()), static_cast<int>(minutes / 60),
+                  static_cast<int>(minutes % 60));
+    const std::string code = text.data();
+    return Value::Word(code, DateOf(code) + " " + ClockOf(code));
+}
+
+std::string AgeWords(const AlmanacState& almanac)
+{
+    const auto days = [](double count) { return Value::Real(count, 1).Words() + " days"; };
+    return almanac.ageDays < 0.0 ? days(-almanac.ageDays) + " newer than the plan"
+                                 : days(almanac.ageDays) + " old";
+}
+
+} // namespace
+
+AlmanacState StateOfAlmanac(const ObservationPlan& plan)
+{
+    using namespace std::chrono_literals;
+    constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
+    const CGPSTime time = AlmanacTime(plan.Calc());
+    const auto sinceEpoch = time.GetUtcTime() - CGPSTime::m_OriginalTime;
+    AlmanacState state;
+    state.time = kGpsEpoch + std::chrono::seconds(sinceEpoch.GetTotalSeconds());
+    const CGPSTime start = plan.Period().Start();
+    state.ageDays =
+        static_cast<double>((start.GetUtcTime() - time.GetUtcTime()).GetTotalSeconds()) / 86400.0;
+    state.isOld = IsAlmanacOld(time, start);
+    for (int index = 0; index < kMaxPrn; ++index) {
+        state.satellites += plan.Calc().IsValid(index);
+        state.healthy +=
+            plan.Calc().IsValid(index) != 0 ? plan.Calc().GetSatellite(index).IsHealthy() : 0;
+    }
+    return state;
+}
+
+Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const PlanRequest& request,
+                  std::optional<PlanGraph> graph)
+{
+    const PlanPeriod& period = plan.Computed();
+    const AlmanacState state = StateOfAlmanac(plan);
+    Report report;
+    report.Add("site", "site", Value::Text(std::wstring_view(site.name)));
+    report.Add("latitudeDeg", "latitude", Value::Real(DegreesOf(site.observer.latitudeRad), 8));
+    report.Add("longitudeDeg", "longitude", Value::Real(DegreesOf(site.observer.longitudeRad), 8));
+    report.Add("heightM", "height", Value::Real(site.observer.heightM, 3));
+    report.Add("date", "date", Value::Text(DateOf(period.JstText(0))));
+    report.Add("from", "from", Value::Text(period.JstText(0)));
+    report.Add("to", "to", Value::Text(period.JstText(plan.Division())));
+    report.Add("intervalMinutes", "interval", Value::Integer(period.Interval().count()));
+    report.Add("maskDeg", "mask", Value::Integer(request.maskDeg));
+    report.Add("hasCurtain", "curtain", Value::YesNo(HasCurtain(plan)));
+    Report& almanac = report.AddSection("almanac", "almanac");
+    almanac.Add("time", "time", TimeValue(state.time));
+    almanac.Add("ageDays", "age", Value::Real(state.ageDays, 1));
+    almanac.Add("isOld", "is old", Value::YesNo(state.isOld));
+    almanac.Add("satellites", "satellites", Value::Integer(state.satellites));
+    almanac.Add("healthy", "healthy", Value::Integer(state.healthy));
+    report.Add("kind", "kind", Value::Text(std::string(KindOf(graph))));
+    report.AddTable(Samples(plan, graph));
+    if (const std::optional<PlanWindow> best = BestWindow(plan)) {
+        Report& window = report.AddSection("bestWindow", "best window");
+        const std::vector<Report::Column> columns = WindowColumns();
+        std::vector<Value> row = WindowRow(plan, site, *best);
+        for (std::size_t at = 2; at < columns.size(); ++at) { // site and date stand above
+            window.Add(columns[at].key, columns[at].label, std::move(row[at]));
+        }
+    } else {
+        report.Add("bestWindow", "best window", Value::Unknown());
+    }
+    return report;
+}
+
+std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
+                      const PlanRequest& request, std::optional<PlanGraph> graph)
+{
+    const PlanPeriod& period = plan.Computed();
+    const AlmanacState almanac = StateOfAlmanac(plan);
+    std::string words = ToUtf8(site.name) + "  " + Coordinates(site.observer) + "\n";
+    words += DateOf(period.JstText(0)) + ", " + ClockAt(period, 0) + " to " +
+             ClockAt(period, plan.Division()) + " JST every " +
+             std::to_string(period.Interval().count()) + " minutes, mask " +
+             std::to_string(request.maskDeg) + " degrees, " +
+             (HasCurtain(plan) ? "with the curtain" : "no curtain") + "\n";
+    words += "almanac of " + TimeValue(almanac.time).Words() + " GPS time, " + AgeWords(almanac) +
+             ", " + std::to_string(almanac.satellites) + " satellites, " +
+             std::to_string(almanac.healthy) + " healthy\n\n";
+    words += graph && IsTracks(*graph) ? TrackWords(plan) : ChartWords(plan, graph);
+    return words + "\n" + BestWords(plan) + "\n";
+}
+
+std::vector<Report::Column> WindowColumns()
+{
+    return {{"site", "SITE"},       {"date", "DATE"},      {"from", "FROM"},
+            {"to", "TO"},           {"minutes", "LENGTH"}, {"fewestSatellites", "SATELLITES"},
+            {"highestPdop", "PDOP"}};
+}
+
+std::vector<Value> WindowRow(const ObservationPlan& plan, const NamedSite& site,
+                             const PlanWindow& window)
+{
+    const PlanPeriod& period = plan.Computed();
+    return {Value::Text(std::wstring_view(site.name)),
+            Value::Text(DateOf(period.JstText(0))),
+            JstValue(period, window.first),
+            JstValue(period, window.last),
+            Value::Integer((window.last - window.first) * period.Interval().count(), "min"),
+            Value::Integer(window.fewestSatellites),
+            Value::Real(window.highestPdop, kDopDecimals)};
+}
+
+} // namespace fieldcore::cli

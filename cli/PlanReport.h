@@ -1,0 +1,40 @@
+#pragma once
+
+#include "cli/PlanRequest.h"
+#include "cli/Report.h"
+
+#include "core/planning/ObservationPlan.h"
+#include "core/planning/PlanWindows.h"
+
+#include <optional>
+#include <string>
+
+namespace fieldcore::cli {
+
+/// The almanac that a plan is made with.
+struct AlmanacState
+{
+    std::chrono::sys_seconds time; ///< its latest reference time, on the GPS time scale
+    double ageDays = 0.0;          ///< at the start of the plan; negative: it is from later
+    bool isOld = false;
+    int satellites = 0;
+    int healthy = 0;
+};
+[[nodiscard]] AlmanacState StateOfAlmanac(const ObservationPlan& plan);
+
+/// One plan as a report. Times are Japan Standard Time.
+/// @param plan   after its Compute()
+/// @param graph  nothing: the overview, counts and dilutions of the same instants
+[[nodiscard]] Report PlanReport(const ObservationPlan& plan, const NamedSite& site,
+                                const PlanRequest& request, std::optional<PlanGraph> graph);
+
+/// The same for a person, with a chart.
+[[nodiscard]] std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
+                                    const PlanRequest& request, std::optional<PlanGraph> graph);
+
+/// A window's line in the table of good windows; its columns are WindowColumns().
+[[nodiscard]] std::vector<Value> WindowRow(const ObservationPlan& plan, const NamedSite& site,
+                                           const PlanWindow& window);
+[[nodiscard]] std::vector<Report::Column> WindowColumns();
+
+} // namespace fieldcore::cli

@@ -1,0 +1,276 @@
+#include "cli/PlanRequest.h"
+
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/CurtainFile.h"
+#include "core/planning/Degrees.h"
+#include "core/planning/Geodesy.h"
+#include "core/planning/PackedDegrees.h"
+#include "core/planning/PlanSite.h"
+#include "core/planning/SampleSites.h"
+#include "core/platform/Folders.h"
+#include "core/platform/Utf8.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <string_view>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr std::chrono::hours kJapanAheadOfUtc{9};
+constexpr const char* kSitesHint =
+    "fieldcore-cli plan sites lists them; a place of your own is --at LAT,LON,HEIGHT";
+
+std::optional<Failure> UsePlace(const std::string& text, NamedSite& site)
+{
+    double numbers[3] = {0.0, 0.0, 0.0};
+    std::size_t count = 0;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (count < std::size(numbers)) {
+        const std::from_chars_result read = std::from_chars(at, end, numbers[count]);
+        if (read.ec != std::errc()) {
+            count = 0;
+            break;
+        }
+        ++count;
+        at = read.ptr;
+        if (at == end || *at != ',') {
+            break;
+        }
+        ++at;
+    }
+    const GeodeticPosition place{RadiansOf(numbers[0]), RadiansOf(numbers[1]), numbers[2]};
+    if (count < 2 || at != end || !IsPlace(place)) {
+        return UsageFailure("--at " + text + " is no place.",
+                            "Latitude, longitude and, if you like, height: --at 35.69,139.75,60 "
+                            "(degrees, north and east positive; metres above the ellipsoid)");
+    }
+    site = {FromUtf8(text), {place.latitudeRad, place.longitudeRad, place.heightM}};
+    return std::nullopt;
+}
+
+std::optional<Failure> CheckEntry(const std::filesystem::path& folder, const std::wstring& name)
+{
+    const SiteEntry entry = ReadSite(folder, name);
+    if (!entry.IsComplete()) {
+        const char* const missing = !entry.latitudeRad    ? "LAT"
+                                    : !entry.longitudeRad ? "LON"
+                                                          : "HGT";
+        return FileFailure("The site " + ToUtf8(name) + " has no " + missing + " in " +
+                               SitesPath(folder).string() + ".",
+                           "Add the line, or give the place: --at LAT,LON,HEIGHT");
+    }
+    if (!IsPlace({*entry.latitudeRad, *entry.longitudeRad, *entry.heightM})) {
+        return FileFailure("The coordinates of the site " + ToUtf8(name) + " in " +
+                               SitesPath(folder).string() + " are no place on Earth.",
+                           "LAT and LON are written DD.MMSSsss, HGT in metres.");
+    }
+    return std::nullopt;
+}
+
+/// The site of that name, or the only one whose name has it as a part.
+std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedSite>& known,
+                               const std::filesystem::path& folder, NamedSite& site)
+{
+    const std::wstring wanted = FromUtf8(name);
+    std::vector<const NamedSite*> found;
+    for (const NamedSite& candidate : known) {
+        if (candidate.name == wanted) {
+            found = {&candidate};
+            break;
+        }
+        if (!wanted.empty() && candidate.name.find(wanted) != std::wstring::npos) {
+            found.push_back(&candidate);
+        }
+    }
+    if (found.empty()) {
+        return UsageFailure("There is no site " + name + ".", kSitesHint);
+    }
+    if (found.size() > 1) {
+        std::string names;
+        for (const NamedSite* candidate : found) {
+            names += names.empty() ? "" : ", ";
+            names += ToUtf8(candidate->name);
+        }
+        return UsageFailure("Several sites are called " + name + ": " + names + ".", kSitesHint);
+    }
+    site = *found.front();
+    return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
+}
+
+/// @return nothing if @p text is no date
+std::optional<std::chrono::sys_days> ParseDate(const std::string& text, const World& world)
+{
+    const auto today = std::chrono::floor<std::chrono::days>(world.clock->Utc() + kJapanAheadOfUtc);
+    if (text == "today") {
+        return today;
+    }
+    if (text == "tomorrow") {
+        return today + std::chrono::days(1);
+    }
+    int year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    char behind = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2u-%2u%c", &year, &month, &day, &behind) != 3) {
+        return std::nullopt;
+    }
+    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
+                                           std::chrono::day(day)};
+    return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
+}
+
+std::optional<Failure> ResolveDates(const PlanOptions& options, const World& world,
+                                    PlanRequest& request)
+{
+    using namespace std::chrono_literals;
+    constexpr std::chrono::sys_days kFirst = 1980y / std::chrono::January / 7;
+    constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31;
+    const std::optional<std::chrono::sys_days> first = ParseDate(options.date, world);
+    if (!first) {
+        return UsageFailure("--date " + options.date + " is no date.",
+                            "Write it as --date 2026-11-21, or today, or tomorrow.");
+    }
+    const std::chrono::sys_days last = *first + std::chrono::days(options.days - 1);
+    if (*first < kFirst || last > kLast) {
+        return UsageFailure("Plans are made for 1980-01-07 to 2099-12-31.");
+    }
+    for (std::chrono::sys_days day = *first; day <= last; day += std::chrono::days(1)) {
+        request.dates.emplace_back(day);
+    }
+    return std::nullopt;
+}
+
+std::optional<Failure> ResolvePeriod(const PlanOptions& options, const PlanSettings& settings,
+                                     bool wholeDay, PlanRequest& request)
+{
+    constexpr int kDayH = 24;
+    const bool anyGiven = options.from || options.hours;
+    if (wholeDay && !anyGiven) {
+        request.startHour = 0;
+        request.hours = kDayH;
+        return std::nullopt;
+    }
+    request.startHour = options.from.value_or(
+        options.hours ? std::min(settings.startHour, kDayH - *options.hours) : settings.startHour);
+    const int left = kDayH - request.startHour;
+    request.hours = options.hours.value_or(std::min(settings.hours, left));
+    if (request.hours > left) {
+        return UsageFailure(
+            "A period ends at midnight: from " + std::to_string(request.startHour) + " there are " +
+                std::to_string(left) + " hours left, not " + std::to_string(request.hours) + ".",
+            "Plan the rest on the next day: --days 2 plans the same hours of both.");
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+void PlanOptions::AddTo(CLI::App& command)
+{
+    const auto number = [&command](const char* name, auto& value, int lowest, int highest,
+                                   const char* type, const char* purpose) {
+        command.add_option(name, value, purpose)
+            ->check(CLI::Range(lowest, highest).description(""))
+            ->type_name(type)
+            ->group("Plan");
+    };
+    command.add_option("--site", sites, "A site by its name, or a part of it; several may follow")
+        ->type_name("NAME")
+        ->group("Plan");
+    command.add_option("--at", places, "A place in degrees and metres, e.g. 35.69,139.75,60")
+        ->type_name("LAT,LON[,HEIGHT]")
+        ->group("Plan");
+    command.add_option("--date", date, "2026-11-21, today or tomorrow (today in Japan)")
+        ->type_name("DATE")
+        ->group("Plan");
+    number("--days", days, 1, 366, "N", "So many days from the date on (1)");
+    number("--from", from, 0, 23, "HOUR", "First hour, Japan time, 0 to 23");
+    number("--hours", hours, 1, 24, "N", "So many hours, 1 to 24, until midnight at most");
+    number("--mask", maskDeg, 0, 90, "DEG", "Elevation mask, 0 to 90");
+    command.add_option("--almanac", almanac, "Another almanac than the one in use")
+        ->type_name("FILE")
+        ->group("Plan");
+    CLI::Option* const file =
+        command.add_option("--curtain", curtain, "Another obstruction curtain than the one in use")
+            ->type_name("FILE")
+            ->group("Plan");
+    command.add_flag("--no-curtain", noCurtain, "An open sky")->excludes(file)->group("Plan");
+}
+
+std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
+{
+    std::vector<NamedSite> sites;
+    for (const std::wstring& name : SiteNames(folder)) {
+        const SiteEntry entry = ReadSite(folder, name);
+        constexpr Observer kDefault;
+        sites.push_back({name,
+                         {entry.latitudeRad.value_or(kDefault.latitudeRad),
+                          entry.longitudeRad.value_or(kDefault.longitudeRad),
+                          entry.heightM.value_or(kDefault.heightM)}});
+    }
+    const std::size_t own = sites.size();
+    for (const SampleSite& sample : SampleSites()) {
+        const auto end = sites.begin() + static_cast<std::ptrdiff_t>(own);
+        const bool replaced = std::any_of(
+            sites.begin(), end, [&](const NamedSite& site) { return site.name == sample.name; });
+        if (!replaced) {
+            sites.push_back({sample.name,
+                             {ParsePackedDegrees(sample.latitude),
+                              ParsePackedDegrees(sample.longitude), sample.heightM},
+                             true});
+        }
+    }
+    return sites;
+}
+
+std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
+                               const PlanSettings& settings, bool wholeDay, PlanRequest& request)
+{
+    request.folder = Folders(world.folders).Program();
+    request.almanac = options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
+    request.maskDeg = options.maskDeg.value_or(settings.elMaskDeg);
+    std::vector<std::string> names = options.sites;
+    if (names.empty() && options.places.empty()) {
+        names.push_back(ToUtf8(settings.position));
+    }
+    const std::vector<NamedSite> known = KnownSites(request.folder);
+    for (const std::string& name : names) {
+        NamedSite& site = request.sites.emplace_back();
+        if (std::optional<Failure> failure = UseSite(name, known, request.folder, site)) {
+            return failure;
+        }
+    }
+    for (const std::string& place : options.places) {
+        if (std::optional<Failure> failure = UsePlace(place, request.sites.emplace_back())) {
+            return failure;
+        }
+    }
+    if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
+        return failure;
+    }
+    return ResolvePeriod(options, settings, wholeDay, request);
+}
+
+std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& request,
+                               ObservationPlan& plan)
+{
+    if (!plan.Calc().LoadAlmanac(request.almanac)) {
+        return FileFailure("There is no almanac in " + request.almanac.string() + ".",
+                           "Get one from the receiver: fieldcore-cli almanac get --port PORT; from "
+                           "a file: fieldcore-cli almanac import FILE; or a nominal one: "
+                           "fieldcore-cli almanac sample");
+    }
+    if (!options.noCurtain) {
+        plan.Calc().SetCurtain(LoadCurtain(request.folder));
+    }
+    plan.SetElMaskDeg(request.maskDeg);
+    return std::nullopt;
+}
+
+} // namespace fieldcore::cli
