@@ -1,0 +1,98 @@
+#include "core/planning/PlanSettings.h"
+
+#include "core/platform/Folders.h"
+#include "core/settings/HostReg.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+class PlanSettingsTest : public ::testing::Test
+{
+protected:
+    static Folders Below(const std::string& home)
+    {
+        FolderSources sources;
+        sources.variable = [home](const std::string& name) {
+            return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
+        };
+        return Folders(sources);
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{Below(m_home.Path())};
+    HostReg m_reg{m_roots};
+};
+
+TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
+{
+    const PlanSettings settings = LoadPlanSettings(m_reg);
+    EXPECT_EQ(settings.elMaskDeg, 15);
+    EXPECT_EQ(settings.startHour, 9);
+    EXPECT_EQ(settings.hours, 2);
+    EXPECT_EQ(settings.drawType, 0);
+    EXPECT_EQ(settings.listCoord, 0);
+    EXPECT_EQ(settings.positionNo, 13);
+    EXPECT_EQ(settings.position, L"東京都千代田区");
+    EXPECT_EQ(settings.positionId, 0);
+}
+
+TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
+{
+    EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99}), 1);
+    SettingsRoots later(Below(m_home.Path()));
+    const PlanSettings settings = LoadPlanSettings(HostReg(later));
+    EXPECT_EQ(settings.elMaskDeg, 25);
+    EXPECT_EQ(settings.startHour, 7);
+    EXPECT_EQ(settings.hours, 12);
+    EXPECT_EQ(settings.drawType, 4);
+    EXPECT_EQ(settings.listCoord, 1);
+    EXPECT_EQ(settings.positionNo, 27);
+    EXPECT_EQ(settings.position, L"自宅");
+    EXPECT_EQ(settings.positionId, 99);
+
+    // Under the names that other programs of the controller know.
+    std::uint32_t mask = 0;
+    EXPECT_EQ(m_reg.ReadNumber(L"GPS\\SurveyPlan", L"ElMask", mask, 0), 1);
+    EXPECT_EQ(mask, 25U);
+}
+
+TEST_F(PlanSettingsTest, FitTheControlsWhateverIsStored)
+{
+    struct Row
+    {
+        const char* fault;
+        const wchar_t* name;
+        std::uint32_t stored;
+        int PlanSettings::*member;
+        int loaded;
+    };
+    const Row rows[] = {
+        {"mask above the zenith", L"ElMask", 91, &PlanSettings::elMaskDeg, 90},
+        {"mask below the horizon", L"ElMask", 0xFFFFFFF6, &PlanSettings::elMaskDeg, 0},
+        {"an hour too many", L"StartTime", 24, &PlanSettings::startHour, 23},
+        {"no hours", L"DispTime", 0, &PlanSettings::hours, 1},
+        {"beyond midnight", L"DispTime", 16, &PlanSettings::hours, 15}, // it starts at 9
+        {"an unknown graph is kept", L"DrawType", 7, &PlanSettings::drawType, 7},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        ASSERT_EQ(SavePlanSettings(m_reg, PlanSettings{}), 1);
+        ASSERT_EQ(m_reg.WriteNumber(L"GPS\\SurveyPlan", row.name, row.stored), 1);
+        EXPECT_EQ(LoadPlanSettings(m_reg).*row.member, row.loaded);
+    }
+    ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"ElMask", L"thirty"), 1);
+    ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"Position", std::wstring(256, L'x')), 1);
+    EXPECT_EQ(LoadPlanSettings(m_reg).elMaskDeg, 15) << "a text for a number";
+    EXPECT_EQ(LoadPlanSettings(m_reg).position, L"東京都千代田区") << "a text too long";
+}
+
+} // namespace
+} // namespace fieldcore

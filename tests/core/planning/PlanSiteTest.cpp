@@ -1,0 +1,135 @@
+#include "core/planning/PlanSite.h"
+
+#include "core/planning/Degrees.h"
+#include "core/planning/Geodesy.h"
+#include "core/planning/PackedDegrees.h"
+#include "core/planning/PlanSettings.h"
+#include "core/planning/SampleSites.h"
+#include "core/platform/Cp932.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <cmath>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+TEST(PackedDegrees, AreReadDigitByDigit)
+{
+    struct Row
+    {
+        const wchar_t* text;
+        double degrees;
+    };
+    const Row rows[] = {
+        {L"35.4138", 35.0 + 41.0 / 60.0 + 38.0 / 3600.0},
+        {L"139.45135", 139.0 + 45.0 / 60.0 + 13.5 / 3600.0},
+        {L"35.4", 35.0 + 40.0 / 60.0},
+        {L"35.413", 35.0 + 41.0 / 60.0 + 30.0 / 3600.0},
+        {L"35", 35.0},
+        {L"35.", 35.0},
+        {L".3", 0.5},
+        {L"-35.30", -35.5},
+        {L"-0.30", -0.5},
+        {L" +35.30", 35.5},
+        {L"35.30x9", 35.5},
+        {L"35,30", 35.0},
+        {L"north", 0.0},
+        {L"", 0.0},
+        {L"-", 0.0},
+        {L"35.7560", 35.0 + 75.0 / 60.0 + 60.0 / 3600.0},
+        {L"1e5", 1.0},
+    };
+    for (const Row& row : rows) {
+        EXPECT_NEAR(DegreesOf(ParsePackedDegrees(row.text)), row.degrees, 1e-12)
+            << ToCp932(row.text);
+    }
+    EXPECT_GT(ParsePackedDegrees(std::wstring(400, L'9')), 1e300);
+}
+
+TEST(PlanSite, IsReadFromTheSiteFile)
+{
+    const TemporaryFolder folder;
+    folder.Write("GSurveyPlan.ini",
+                 ToCp932(L"[基準点]\r\nLAT=36.0000\r\nLON=140.0530\r\nHGT=72.5\r\n\r\n"
+                         L"[no height]\r\nLAT=36.00\r\nLON=140.00\r\n"
+                         L"[only height]\r\nHGT=-3\r\n"
+                         L"[nothing]\r\n"));
+    EXPECT_EQ(SiteNames(folder.Path()),
+              (std::vector<std::wstring>{L"基準点", L"no height", L"only height", L"nothing"}));
+    EXPECT_TRUE(ReadSite(folder.Path(), L"基準点").IsComplete());
+    EXPECT_TRUE(ReadSite(folder.Path(), L"nothing").IsEmpty());
+
+    constexpr double kKept = 99.0; // the height before
+    struct Row
+    {
+        const wchar_t* name;
+        double latitudeRad;
+        double longitudeDeg;
+        double heightM;
+    };
+    const Row rows[] = {
+        {L"基準点", RadiansOf(36.0), 140.0 + 5.5 / 60.0, 72.5},
+        {L"no height", 50.0, 140.0, kKept},
+        {L"only height", RadiansOf(35.0), 139.0, -3.0},
+        {L"nothing", 50.0, 139.0, kKept},
+        {L"unknown", 50.0, 139.0, kKept},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ToCp932(row.name));
+        Observer observer{1.0, 1.0, kKept};
+        ReadPosition(folder.Path(), row.name, observer);
+        EXPECT_NEAR(observer.latitudeRad, row.latitudeRad, 1e-15);
+        EXPECT_NEAR(DegreesOf(observer.longitudeRad), row.longitudeDeg, 1e-12);
+        EXPECT_EQ(observer.heightM, row.heightM);
+    }
+}
+
+TEST(PlanSite, SurvivesEveryDamageOfTheFile)
+{
+    const TemporaryFolder folder;
+    const std::string whole = ToCp932(L"[基準点]\r\nLAT=36.0\r\nLON=140.05\r\nHGT=72.5\r\n");
+    const auto read = [&](const std::string& content) {
+        folder.Write("GSurveyPlan.ini", content);
+        const SiteEntry entry = ReadSite(folder.Path(), L"基準点");
+        static_cast<void>(SiteNames(folder.Path()));
+        // Wherever the cut or the flipped bit is, what is read is a number or not there.
+        EXPECT_TRUE(!entry.latitudeRad || std::isfinite(*entry.latitudeRad));
+        return entry;
+    };
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const SiteEntry entry = read(whole.substr(0, length));
+        EXPECT_TRUE(entry.IsComplete() == (length >= whole.find("HGT=") + 4)) << length;
+    }
+    for (std::size_t bit = 0; bit < whole.size() * 8; ++bit) {
+        std::string damaged = whole;
+        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
+        static_cast<void>(read(damaged));
+    }
+    std::filesystem::remove(SitesPath(folder.Path()));
+    std::filesystem::create_directory(SitesPath(folder.Path()));
+    EXPECT_TRUE(ReadSite(folder.Path(), L"基準点").IsEmpty()) << "a folder";
+}
+
+TEST(SampleSites, AreFortySevenPlacesInJapan)
+{
+    std::set<std::wstring> names;
+    for (const SampleSite& site : SampleSites()) {
+        const double latitude = DegreesOf(ParsePackedDegrees(site.latitude));
+        const double longitude = DegreesOf(ParsePackedDegrees(site.longitude));
+        EXPECT_TRUE(latitude > 26.0 && latitude < 43.1) << ToCp932(site.name);
+        EXPECT_TRUE(longitude > 127.6 && longitude < 141.4) << ToCp932(site.name);
+        EXPECT_TRUE(site.heightM > 0.0 && site.heightM < 500.0) << ToCp932(site.name);
+        names.insert(site.name);
+    }
+    EXPECT_EQ(names.size(), 47U);
+    const PlanSettings settings;
+    const auto number = static_cast<std::size_t>(settings.positionNo);
+    EXPECT_EQ(SampleSites()[number - 1].name, settings.position);
+}
+
+} // namespace
+} // namespace fieldcore
