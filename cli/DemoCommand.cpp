@@ -1,15 +1,21 @@
 #include "cli/Command.h"
+#include "cli/PlanReport.h"
+#include "cli/PlanRequest.h"
 #include "cli/PortSession.h"
 #include "cli/ReceiverWords.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
 #include "core/link/Connect.h"
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <ostream>
 
@@ -33,6 +39,34 @@ std::size_t TimesReceived(const simulator::Simulator& simulator, std::uint8_t ty
     return static_cast<std::size_t>(count);
 }
 
+/// A folder that goes away with what is in it.
+class ScratchFolder
+{
+public:
+    ScratchFolder()
+    {
+        std::error_code ignored;
+        std::string name =
+            (std::filesystem::temp_directory_path(ignored) / "fieldcore-demo-XXXXXX").string();
+        if (mkdtemp(name.data()) != nullptr) {
+            m_path = name;
+        }
+    }
+    ~ScratchFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    /// Empty if it could not be made.
+    [[nodiscard]] const std::filesystem::path& Path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
 /// The guided session. Each part tells what it is about to do, does it, and shows what came.
 class Demo
 {
@@ -46,7 +80,8 @@ public:
             return Fail(*failure);
         }
         Say("Port opened: " + m_session.Path() + ". A simulated receiver answers.");
-        for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::SurviveFault}) {
+        for (const auto part :
+             {&Demo::Identify, &Demo::ShowStatus, &Demo::SurviveFault, &Demo::MakePlan}) {
             if (const std::optional<Failure> failure = (this->*part)()) {
                 return Fail(*failure);
             }
@@ -131,12 +166,60 @@ private:
         return std::nullopt;
     }
 
+    std::optional<Failure> MakePlan()
+    {
+        Heading("5. When to observe?");
+        Say("The almanac is downloaded from the receiver, and a day is planned with it.");
+        const ScratchFolder folder; // not over the almanac of the user
+        if (folder.Path().empty()) {
+            return FileFailure("There is no room for temporary files on this machine.");
+        }
+        AlmanacStore store(folder.Path());
+        switch (store.Update(m_session.Command())) {
+        case AlmanacResult::Done:
+            break;
+        case AlmanacResult::TooFew:
+            return Failure{ExitCode::Failed, "almanac-too-few", "The receiver has no almanac."};
+        case AlmanacResult::Cancelled:
+            return m_session.RequestFailed();
+        case AlmanacResult::NotWritten:
+        case AlmanacResult::NotReplaced:
+        case AlmanacResult::NotRead:
+            return FileFailure("The almanac could not be kept in " + folder.Path().string() + ": " +
+                               store.LastError().message());
+        }
+        PlanOptions options;
+        options.sites = {"東京都千代田区"};
+        options.almanac = AlmanacPath(folder.Path());
+        options.noCurtain = true;
+        options.from = 6;
+        options.hours = 12;
+        PlanRequest request;
+        if (std::optional<Failure> failure =
+                Resolve(options, m_context.world, PlanSettings{}, false, request)) {
+            return failure;
+        }
+        ObservationPlan plan;
+        if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
+            return failure;
+        }
+        plan.Calc().SetObserver(request.sites.front().observer);
+        plan.Period() = {request.dates.front(), request.startHour, request.hours};
+        plan.Compute();
+        m_report.AddEntry("plans", PlanReport(plan, request.sites.front(), request, std::nullopt));
+        const std::string words = PlanWords(plan, request.sites.front(), request, std::nullopt);
+        Say(words.substr(0, words.find_last_not_of('\n') + 1));
+        return std::nullopt;
+    }
+
     void Farewell()
     {
         Heading("What to try next");
         Say("  fieldcore-cli ports                        the serial ports of this machine\n"
             "  fieldcore-cli info --port /dev/ttyUSB0     a receiver of your own\n"
             "  fieldcore-cli status --port sim: --watch   a simulated one, every 2 seconds\n"
+            "  fieldcore-cli almanac get --port sim:      keep its almanac, for plans of your own\n"
+            "  fieldcore-cli plan --site 札幌              a day somewhere else\n"
             "  fieldcore-cli sim list                     what else can be simulated\n"
             "  fieldcore-cli doctor                       is this machine ready for the field");
     }

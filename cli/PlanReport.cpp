@@ -15,7 +15,7 @@ namespace fieldcore::cli {
 
 namespace {
 
-constexpr int kDopDecimals = 1;
+constexpr int kDopDecimals = 2;
 
 /// "2026-11-21T09:00+09:00" is for programs, "09:00" for a person.
 std::string ClockOf(const std::string& jst)
@@ -62,11 +62,12 @@ std::string Repeated(std::string_view sign, int count)
     return text;
 }
 
-std::string Bar(double value)
+/// @param scale  columns for each unit
+std::string Bar(double value, int scale)
 {
-    constexpr double kLongest = 16.0;
-    const double shown = std::isfinite(value) ? std::clamp(value, 0.0, kLongest) : kLongest;
-    return Repeated("█", static_cast<int>(std::lround(shown)));
+    constexpr double kHighest = 12.0; // as far as the graphs of the plan go
+    const double shown = std::isfinite(value) ? std::clamp(value, 0.0, kHighest) : kHighest;
+    return Repeated("█", static_cast<int>(std::lround(shown * scale)));
 }
 
 Report::Table OverviewTable(const ObservationPlan& plan)
@@ -153,17 +154,18 @@ const char* KindOf(std::optional<PlanGraph> graph)
 /// Table with a bar behind each row.
 std::string ChartWords(const ObservationPlan& plan, std::optional<PlanGraph> graph)
 {
-    const Report::Table table = Samples(plan, graph);
-    Report report;
-    Report::Table charted = table;
-    charted.columns.push_back({"", ""});
-    for (std::size_t k = 0; k < charted.rows.size(); ++k) {
+    constexpr int kDopScale = 4;
+    const bool isCount = !graph || *graph == PlanGraph::Count;
+    Report::Table table = Samples(plan, graph);
+    table.columns.push_back({"", ""});
+    for (std::size_t k = 0; k < table.rows.size(); ++k) {
         const auto sample = static_cast<int>(k);
-        const double value =
-            graph && *graph != PlanGraph::Count ? plan.DopAt(*graph, sample) : plan.CountAt(sample);
-        charted.rows[k].push_back(Value::Text(Bar(value), ""));
+        table.rows[k].push_back(Value::Text(isCount ? Bar(plan.CountAt(sample), 1)
+                                                    : Bar(plan.DopAt(*graph, sample), kDopScale),
+                                            ""));
     }
-    report.AddTable(std::move(charted));
+    Report report;
+    report.AddTable(std::move(table));
     return report.Words();
 }
 

@@ -162,8 +162,9 @@ std::optional<Failure> ResolvePeriod(const PlanOptions& options, const PlanSetti
     request.hours = options.hours.value_or(std::min(settings.hours, left));
     if (request.hours > left) {
         return UsageFailure(
-            "A period ends at midnight: from " + std::to_string(request.startHour) + " there are " +
-                std::to_string(left) + " hours left, not " + std::to_string(request.hours) + ".",
+            "A day ends at midnight: from " + std::to_string(request.startHour) + " on only " +
+                std::to_string(left) + " of its hours " + (left == 1 ? "is" : "are") +
+                " left, not " + std::to_string(request.hours) + ".",
             "Plan the rest on the next day: --days 2 plans the same hours of both.");
     }
     return std::nullopt;

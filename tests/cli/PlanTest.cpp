@@ -1,0 +1,158 @@
+// The plan in the terminal, with an almanac of the tests' own constellation.
+
+#include "core/planning/ObservationPlan.h"
+#include "tests/cli/Runner.h"
+#include "tests/core/planning/SampleSky.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+class PlanTest : public ::testing::Test
+{
+protected:
+    PlanTest()
+    {
+        m_runner.variables["FIELDCORE_HOME"] = m_runner.Path("program");
+        const std::vector<std::uint8_t> almanac = testing::SampleFile();
+        m_runner.Folder().Write("program/GSurveyPlan.alm",
+                                {reinterpret_cast<const char*>(almanac.data()), almanac.size()});
+    }
+
+    nlohmann::json Plans(const std::string& arguments)
+    {
+        return m_runner.Run(arguments + " --json").Json()["result"]["plans"];
+    }
+
+    Runner m_runner;
+};
+
+/// Two days after the reference time of the almanac.
+constexpr const char* kDay = "2022-03-12";
+
+TEST_F(PlanTest, ShowsTheSeriesOfThePlan)
+{
+    ObservationPlan expected;
+    expected.Calc().LoadAlmanac(testing::SampleFile());
+    expected.SetElMaskDeg(20);
+    expected.Calc().SetObserver(
+        {35.5 / 180.0 * 3.14159265358979, 139.5 / 180.0 * 3.14159265358979, 100.0});
+    using namespace std::chrono_literals;
+    expected.Period() = {2022y / std::chrono::March / 12, 9, 2};
+    expected.Compute();
+    const std::string arguments =
+        std::string("plan --at 35.5,139.5,100 --mask 20 --from 9 --hours 2 --date ") + kDay;
+
+    const nlohmann::json overview = Plans(arguments)[0];
+    ASSERT_EQ(overview["samples"].size(), 12U);
+    EXPECT_EQ(overview["intervalMinutes"], 10);
+    EXPECT_EQ(overview["samples"][0]["time"], "2022-03-12T09:00+09:00");
+    EXPECT_EQ(overview["samples"][11]["time"], "2022-03-12T10:50+09:00");
+    EXPECT_EQ(overview["to"], "2022-03-12T11:00+09:00");
+    const nlohmann::json pdop = Plans(arguments + " --kind pdop")[0];
+    ASSERT_EQ(pdop["samples"].size(), 12U);
+    EXPECT_EQ(pdop["samples"][0]["time"], "2022-03-12T09:10+09:00");
+    for (int k = 0; k < 12; ++k) {
+        const auto at = static_cast<std::size_t>(k);
+        EXPECT_EQ(overview["samples"][at]["satellites"], expected.CountAt(k));
+        EXPECT_NEAR(pdop["samples"][at]["pdop"].get<double>(), expected.DopAt(PlanGraph::Pdop, k),
+                    0.0051); // it has two decimals
+        if (k > 0) {         // the same instant in both
+            EXPECT_EQ(overview["samples"][at]["pdop"], pdop["samples"][at - 1]["pdop"]);
+        }
+    }
+    const nlohmann::json tracks = Plans(arguments + " --kind tracks")[0]["samples"];
+    const auto atStart = std::count_if(tracks.begin(), tracks.end(), [](const auto& sample) {
+        return sample["time"] == "2022-03-12T09:00+09:00" && sample["elevationDeg"] >= 20.0;
+    });
+    EXPECT_EQ(atStart, expected.CountAt(0));
+}
+
+TEST_F(PlanTest, TakesSitesAndDaysInOneCall)
+{
+    const nlohmann::json plans =
+        Plans(std::string("plan --site 札幌 千代田 --at 26,127.5 --days 2 --date ") + kDay);
+    ASSERT_EQ(plans.size(), 6U);
+    EXPECT_EQ(plans[0]["site"], "北海道札幌市");
+    EXPECT_EQ(plans[1]["date"], "2022-03-13");
+    EXPECT_EQ(plans[2]["site"], "東京都千代田区");
+    EXPECT_EQ(plans[4]["latitudeDeg"], 26.0);
+    EXPECT_EQ(plans[4]["heightM"], 0.0);
+
+    // A site of the user's own goes before a sample of the same name.
+    m_runner.Folder().Write("program/GSurveyPlan.ini",
+                            "\xEF\xBB\xBF[東京都千代田区]\r\nLAT=36.0\r\nLON=140.0\r\nHGT=7\r\n");
+    EXPECT_EQ(Plans(std::string("plan --date ") + kDay)[0]["latitudeDeg"], 36.0);
+}
+
+TEST_F(PlanTest, FindsTheGoodWindows)
+{
+    const std::string best = std::string("plan best --date ") + kDay;
+    const nlohmann::json all = m_runner.Run(best + " --min-sv 4 --max-pdop 99 --json").Json();
+    const nlohmann::json few =
+        m_runner.Run(best + " --min-sv 8 --max-pdop 2.5 --min-length 1h --json").Json();
+    ASSERT_GE(all["result"]["windows"].size(), 1U);
+    ASSERT_GE(few["result"]["windows"].size(), 1U);
+    for (const nlohmann::json& window : few["result"]["windows"]) {
+        EXPECT_GE(window["minutes"], 60);
+        EXPECT_GE(window["fewestSatellites"], 8);
+        EXPECT_LE(window["highestPdop"], 2.5);
+    }
+    EXPECT_NE(m_runner.Run(best + " --min-sv 32").out.find("--max-pdop"), std::string::npos)
+        << "no window, and no word on what to do";
+}
+
+TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
+{
+    m_runner.Folder().Write("program/GSurveyPlan.ini",
+                            "[low]\r\nLAT=36.0\r\nLON=140.0\r\n"
+                            "[far]\r\nLAT=136.0\r\nLON=140.0\r\nHGT=7\r\n");
+    struct Row
+    {
+        std::string arguments;
+        int code;
+        std::string_view told; ///< on stderr
+    };
+    const Row rows[] = {
+        {"plan --from 25", 2, "25"},
+        {"plan --from -1", 2, "-1"},
+        {"plan --from 23 --hours 2", 2, "only 1 of its hours"},
+        {"plan --hours 0", 2, "0"},
+        {"plan --date 2022-02-30", 2, "--date 2026-11-21"},
+        {"plan --date 1979-12-31", 2, "1980-01-07"},
+        {"plan --days 400", 2, "400"},
+        {"plan --site Atlantis", 2, "plan sites"},
+        {"plan --site 県", 2, "Several sites"},
+        {"plan --site low", 8, "has no HGT"},
+        {"plan --site far", 8, "no place on Earth"},
+        {"plan --at 35", 2, "--at 35.69,139.75,60"},
+        {"plan --at 35,139,1,2", 2, "--at 35.69,139.75,60"},
+        {"plan --at 95,139", 2, "--at 35.69,139.75,60"},
+        {"plan --at nan,139", 2, "--at 35.69,139.75,60"},
+        {"plan --kind hdop", 2, "hdop"},
+        {"plan --mask 91", 2, "91"},
+        {"plan --csv --json", 2, ""},
+        {"plan best --min-sv 3", 2, "3"},
+        {"plan best --min-length 60x", 2, "unit"},
+        {"plan --almanac @/missing.alm", 8, "almanac get"},
+        {"plan --almanac @/", 8, "almanac import"},
+        {std::string("plan --date ") + kDay, 0, ""},
+        {"plan --date 2022-04-09 --from 9", 0, ""}, // within 30 days
+        {"plan --date 2022-04-11 --from 9", 0, "almanac get"},
+    };
+    for (const Row& row : rows) {
+        const Outcome outcome = m_runner.Run(row.arguments);
+        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.err;
+        EXPECT_TRUE(outcome.err.find(row.told) != std::string::npos) << row.arguments << "\n"
+                                                                     << outcome.err;
+        EXPECT_EQ(outcome.err.empty(), row.told.empty() && row.code == 0) << row.arguments;
+    }
+}
+
+} // namespace
+} // namespace fieldcore::cli::test
