@@ -239,6 +239,11 @@ SqliteHandle OpenInMemory(const fs::path& file)
     sqlite3* opened = nullptr;
     sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     SqliteHandle memory(opened);
+    std::error_code ignored;
+    if (!fs::is_regular_file(file, ignored)) {
+        Execute(opened, kTables);
+        return memory;
+    }
     // Where nothing can be written there is no log either, and nothing to lock.
     const std::string address = "file:" + file.string() + "?mode=ro&immutable=1";
     sqlite3* source = nullptr;
@@ -268,6 +273,11 @@ SettingsDatabase OpenSettingsDatabase(const fs::path& file)
 {
     if (const std::error_code error = Folders::Create(file.parent_path())) {
         return InMemory(file, error.message());
+    }
+    std::error_code unknown;
+    const fs::file_status status = fs::status(file, unknown);
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        return InMemory(file, "not a file"); // opening a pipe would wait for its other end
     }
     const OpeningLock lock(file);
     if (lock.Error()) {

@@ -18,6 +18,7 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 namespace fieldcore {
 namespace {
@@ -151,6 +152,52 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
         EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
     }
+}
+
+TEST(SqliteSettingsStore, WorksAfterAnyDamage)
+{
+    const TemporaryFolder folder;
+    const fs::path sound = FilledFile(folder);
+    const std::string whole = Content(sound);
+    std::mt19937 random(20261121);
+    for (int i = 0; i < 100; ++i) {
+        SCOPED_TRACE(i);
+        const fs::path file = folder.Path() / std::to_string(i) / "user.db";
+        std::string damaged = whole;
+        const std::size_t at = random() % whole.size();
+        if (i % 2 == 0) {
+            damaged.resize(at);
+        } else {
+            damaged[at] = static_cast<char>(damaged[at] ^ (1U << random() % 8));
+        }
+        folder.Write(file.lexically_relative(folder.Path()), damaged);
+        SqliteSettingsStore store(file);
+        const std::string notice = store.TakeNotice();
+        const std::size_t values = store.Values(L"K").size();
+        EXPECT_TRUE(notice.empty() ? values <= 300 : values == 0) << notice;
+        if (!notice.empty()) {
+            EXPECT_EQ(Content(file.string() + ".damaged-1"), damaged) << "nothing is thrown away";
+        }
+        EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
+        EXPECT_EQ(NumberIn(store, L"K", L"n"), 7U);
+    }
+}
+
+TEST(SqliteSettingsStore, WorksWhereItsFileIsNoFile)
+{
+    const TemporaryFolder folder;
+    const fs::path pipe = folder.Path() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const fs::path directory = folder.Path() / "folder";
+    fs::create_directory(directory);
+    for (const fs::path& file : {pipe, directory}) {
+        SCOPED_TRACE(file.filename());
+        SqliteSettingsStore store(file);
+        EXPECT_NE(store.TakeNotice(), "");
+        EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
+        EXPECT_EQ(NumberIn(store, L"K", L"n"), 7U);
+    }
+    EXPECT_TRUE(fs::is_fifo(pipe) && fs::is_directory(directory)) << "they are not ours";
 }
 
 TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
