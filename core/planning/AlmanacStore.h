@@ -16,7 +16,8 @@ enum class AlmanacResult
     Done,
     NotWritten,  ///< the temporary file could not be made or nothing could be written
     TooFew,      ///< four satellites or fewer; the almanac is as it was
-    NotReplaced, ///< the temporary file could not take its place; the almanac is as it was
+    NotReplaced, ///< the temporary file could not take its place; the almanac is as it was, or
+                 ///< new but not safe from a power cut, where only its folder could not be synced
     NotRead,     ///< there is no almanac
     Cancelled,   ///< by the user; the almanac is as it was
 };
@@ -61,6 +62,9 @@ public:
     [[nodiscard]] std::error_code LastError() const { return m_error; }
 
 private:
+    AlmanacResult Receive(CCommand& command, int handle, std::size_t& size,
+                          const Progress& progress);
+
     std::filesystem::path m_folder;
     std::error_code m_error;
 };

@@ -3,7 +3,7 @@
 #include "core/planning/SemAlmanac.h"
 #include "core/planning/TextLines.h"
 #include "core/planning/YumaAlmanac.h"
-#include "core/platform/ReplaceFile.h"
+#include "core/platform/WholeFile.h"
 
 #include <algorithm>
 #include <cctype>
@@ -77,8 +77,12 @@ AlmanacText ParseAlmanacText(std::string_view text, const AlmanacWeek& week)
 AlmanacText LoadAlmanacText(const std::filesystem::path& file, const AlmanacWeek& week)
 {
     // One more than may be: longer texts are to be noticed.
-    const std::vector<std::uint8_t> content = ReadWholeFile(file, kMostText + 1);
-    return ParseAlmanacText({reinterpret_cast<const char*>(content.data()), content.size()}, week);
+    const auto content = ReadWholeFile(file, kMostText + 1);
+    if (!content) {
+        return Refused(0, "is no file that can be read");
+    }
+    return ParseAlmanacText({reinterpret_cast<const char*>(content->data()), content->size()},
+                            week);
 }
 
 } // namespace fieldcore

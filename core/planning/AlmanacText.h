@@ -50,7 +50,7 @@ struct AlmanacWeek
 /// end counts only if it is a week that another satellite has, too.
 [[nodiscard]] AlmanacText ParseAlmanacText(std::string_view text, const AlmanacWeek& week);
 
-/// The same with the text of @p file. An error if there is no such plain file.
+/// The same with the text of @p file. An error if there is no such regular file.
 [[nodiscard]] AlmanacText LoadAlmanacText(const std::filesystem::path& file,
                                           const AlmanacWeek& week);
 

@@ -294,8 +294,8 @@ TEST(AlmanacText, ReadsRealAlmanacs)
         for (const AlmanacRecord& record : read.records) {
             EXPECT_EQ(record.week, row.week);
             EXPECT_EQ(record.toaS, row.toaS);
-            // All of them fly at 55 degrees, near enough.
-            EXPECT_NEAR(record.inclination * 180.0, 55.0, 3.0);
+            // Planned are 55 degrees, from which one has drifted by four.
+            EXPECT_NEAR(record.inclination * 180.0, 55.0, 5.0);
         }
     }
 }
