@@ -8,7 +8,9 @@
 #include "core/platform/PosixFileOperations.h"
 #include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <utility>
 #include <vector>
@@ -68,25 +70,29 @@ AlmanacStore::AlmanacStore(fs::path folder) : m_folder(std::move(folder)) {}
 AlmanacResult AlmanacStore::Download(CCommand& command, std::size_t& size, const Progress& progress)
 {
     size = 0;
-    PosixFileOperations& files = PosixFileOperations::Instance();
-    const fs::path temporary = AlmanacTemporaryPath(m_folder);
     int handle = -1;
-    m_error = Folders::Create(m_folder);
-    if (!m_error) {
-        // Not through whatever lies there: a link could lead out of the folder.
-        Remove(temporary);
-        m_error = files.Open(temporary, AlmanacPath(m_folder), handle);
-    }
+    m_error = OpenTemporary(handle);
     if (m_error) {
         return AlmanacResult::NotWritten;
     }
     const AlmanacResult result = Receive(command, handle, size, progress);
-    files.Close(handle);
+    PosixFileOperations::Instance().Close(handle);
     if (result == AlmanacResult::Cancelled) {
         command.SendAbort();
-        Remove(temporary);
+        Remove(AlmanacTemporaryPath(m_folder));
     }
     return result;
+}
+
+std::error_code AlmanacStore::OpenTemporary(int& handle) const
+{
+    if (const std::error_code error = Folders::Create(m_folder)) {
+        return error;
+    }
+    const fs::path temporary = AlmanacTemporaryPath(m_folder);
+    // Not through whatever lies there: a link could lead out of the folder.
+    Remove(temporary);
+    return PosixFileOperations::Instance().Open(temporary, AlmanacPath(m_folder), handle);
 }
 
 AlmanacResult AlmanacStore::Receive(CCommand& command, int handle, std::size_t& size,
@@ -137,6 +143,34 @@ AlmanacResult AlmanacStore::Update(CCommand& command, const Progress& progress)
     std::size_t size = 0;
     const AlmanacResult downloaded = Download(command, size, progress);
     return downloaded == AlmanacResult::Done ? Commit(size) : downloaded;
+}
+
+AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records)
+{
+    std::vector<AlmanacRecord> sorted;
+    std::copy_if(records.begin(), records.end(), std::back_inserter(sorted),
+                 [](const AlmanacRecord& r) { return r.prn >= 1 && r.prn <= kMaxPrn; });
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const AlmanacRecord& a, const AlmanacRecord& b) { return a.prn < b.prn; });
+    std::vector<std::uint8_t> content;
+    for (const AlmanacRecord& record : sorted) {
+        const AlmanacBytes bytes = EncodeAlmanac(record);
+        content.insert(content.end(), bytes.begin(), bytes.end());
+    }
+
+    PosixFileOperations& files = PosixFileOperations::Instance();
+    int handle = -1;
+    m_error = OpenTemporary(handle);
+    if (!m_error) {
+        m_error =
+            files.Write(handle, {reinterpret_cast<const char*>(content.data()), content.size()});
+        files.Close(handle);
+    }
+    if (m_error) {
+        Remove(AlmanacTemporaryPath(m_folder));
+        return AlmanacResult::NotWritten;
+    }
+    return Commit(content.size());
 }
 
 } // namespace fieldcore

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/planning/AlmanacRecord.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <system_error>
 
 namespace fieldcore {
@@ -31,7 +33,7 @@ struct AlmanacMessage
 };
 [[nodiscard]] AlmanacMessage MessageOf(AlmanacResult result);
 
-/// The almanac file in the program's folder: received from the receiver, replaced, and read. All
+/// The almanac file in the program's folder: received from the receiver or given, and replaced. All
 /// calls come from the thread of the command channel.
 class AlmanacStore
 {
@@ -58,10 +60,17 @@ public:
     /// Download() and Commit().
     AlmanacResult Update(CCommand& command, const Progress& progress = {});
 
+    /// Writes @p records into the temporary file, in order of PRN, and Commit()s it. Those whose
+    /// PRN is not 1 to 32 are left out; the values are not looked at. After any result but Done the
+    /// temporary file is gone.
+    AlmanacResult Import(std::span<const AlmanacRecord> records);
+
     /// The system's word on the last NotWritten or NotReplaced, for developers.
     [[nodiscard]] std::error_code LastError() const { return m_error; }
 
 private:
+    /// @param handle  of the empty temporary file, to be closed, if there is no error
+    std::error_code OpenTemporary(int& handle) const;
     AlmanacResult Receive(CCommand& command, int handle, std::size_t& size,
                           const Progress& progress);
 

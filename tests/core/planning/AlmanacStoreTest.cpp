@@ -214,6 +214,28 @@ TEST(AlmanacStore, NeedsFiveSatellites)
     }
 }
 
+TEST(AlmanacStore, TakesRecordsThatAreGivenToIt)
+{
+    const TemporaryFolder folder;
+    AlmanacStore store(folder.Path() / "new");
+    std::vector<AlmanacRecord> records;
+    for (const int prn : {5, 3, 1, 2, 4}) {
+        records.push_back(SampleSatellite(prn));
+    }
+    AlmanacRecord none = SampleSatellite(6);
+    none.prn = 33;
+    records.push_back(none);
+    EXPECT_EQ(store.Import(records), AlmanacResult::Done);
+    const auto content = ReadAlmanacFile(AlmanacPath(folder.Path() / "new"));
+    EXPECT_EQ(content, SampleFile(5)) << "in order of PRN";
+
+    records.erase(records.begin());
+    EXPECT_EQ(store.Import(records), AlmanacResult::TooFew);
+    EXPECT_EQ(ReadAlmanacFile(AlmanacPath(folder.Path() / "new")), content);
+    EXPECT_EQ(store.Import({}), AlmanacResult::TooFew);
+    EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path() / "new")));
+}
+
 TEST(AlmanacStore, TellsTheUserWhatHappened)
 {
     const auto said = [](AlmanacResult result) {
