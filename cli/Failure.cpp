@@ -82,6 +82,14 @@ Failure FileFailure(std::string message, std::string hint)
     return {ExitCode::LocalFile, "local-file", std::move(message), std::move(hint)};
 }
 
+Failure TextFailure(const std::filesystem::path& file, const TextError& error, std::string hint)
+{
+    std::string place = file.string();
+    place += error.line > 0 ? ", line " + std::to_string(error.line) : "";
+    place += error.field.empty() ? "" : ", " + error.field;
+    return FileFailure(place + ": " + error.message, std::move(hint));
+}
+
 Failure RequestFailure(CommandFault fault, std::string detail)
 {
     Failure failure = OfFault(fault);

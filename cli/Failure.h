@@ -3,8 +3,10 @@
 #include "cli/ExitCode.h"
 
 #include "core/link/CommandChannel.h"
+#include "core/planning/TextError.h"
 #include "core/platform/SystemRoots.h"
 
+#include <filesystem>
 #include <string>
 
 namespace fieldcore::cli {
@@ -23,6 +25,10 @@ struct Failure
 [[nodiscard]] Failure UsageFailure(std::string message, std::string hint = {});
 
 [[nodiscard]] Failure FileFailure(std::string message, std::string hint = {});
+
+/// A text file with a mistake in it.
+[[nodiscard]] Failure TextFailure(const std::filesystem::path& file, const TextError& error,
+                                  std::string hint = {});
 
 /// A request that failed on an open port.
 [[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);

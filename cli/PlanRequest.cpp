@@ -2,6 +2,7 @@
 
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
+#include "core/planning/CurtainText.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PackedDegrees.h"
@@ -267,7 +268,14 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
                            "a file: fieldcore-cli almanac import FILE; or a nominal one: "
                            "fieldcore-cli almanac sample");
     }
-    if (!options.noCurtain) {
+    if (!options.curtain.empty()) {
+        const CurtainText text = LoadCurtainText(options.curtain);
+        if (text.error) {
+            return TextFailure(options.curtain, *text.error,
+                               "A line is an azimuth and an elevation in whole degrees: 170 40");
+        }
+        plan.Calc().SetCurtain(text.curtain);
+    } else if (!options.noCurtain) {
         plan.Calc().SetCurtain(LoadCurtain(request.folder));
     }
     plan.SetElMaskDeg(request.maskDeg);

@@ -112,6 +112,7 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
     m_runner.Folder().Write("program/GSurveyPlan.ini",
                             "[low]\r\nLAT=36.0\r\nLON=140.0\r\n"
                             "[far]\r\nLAT=136.0\r\nLON=140.0\r\nHGT=7\r\n");
+    m_runner.Folder().Write("wrong.txt", "60 15\n100 95\n");
     struct Row
     {
         std::string arguments;
@@ -140,6 +141,8 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
         {"plan best --min-sv 3", 2, "3"},
         {"plan best --min-length 60x", 2, "unit"},
         {"plan --almanac @/missing.alm", 8, "almanac get"},
+        {"plan --curtain @/missing.txt", 8, "missing.txt"},
+        {"plan --curtain @/wrong.txt", 8, "wrong.txt, line 2"},
         {"plan --almanac @/", 8, "almanac import"},
         {std::string("plan --date ") + kDay, 0, ""},
         {"plan --date 2022-04-09 --from 9", 0, ""}, // within 30 days
