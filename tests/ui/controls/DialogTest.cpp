@@ -1,0 +1,118 @@
+#include "ui/controls/Dialog.h"
+
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+/// Writes down what happens to it.
+class Probe : public Dialog
+{
+public:
+    explicit Probe(std::string& told) : m_told(told)
+    {
+        auto* const layout = new QVBoxLayout(this);
+        edit = new QLineEdit;
+        layout->addWidget(edit);
+        SetControlId(edit, 42);
+    }
+    ~Probe() override { Destroy(); }
+
+    bool stays = false;
+    QLineEdit* edit = nullptr;
+    using Dialog::IsTimerRunning;
+    using Dialog::KillTimer;
+    using Dialog::SetTimer;
+
+protected:
+    bool OnInitDialog() override
+    {
+        m_told += "init ";
+        return true;
+    }
+    bool OnClose(int result) override
+    {
+        m_told += "close" + std::to_string(result) + " ";
+        return !stays;
+    }
+    void OnDestroy() override { m_told += "destroy "; }
+    void OnTimer(int id) override
+    {
+        m_told += "timer" + std::to_string(id) + " ";
+        KillTimer(id);
+    }
+
+private:
+    std::string& m_told;
+};
+
+TEST(Dialog, CallsItsHooksOnce)
+{
+    std::string told;
+    {
+        Probe probe(told);
+        QTimer::singleShot(0, &probe, [&probe] { QTest::keyClick(&probe, Qt::Key_Escape); });
+        EXPECT_EQ(probe.DoModal(), Dialog::kCancelled);
+    }
+    EXPECT_EQ(told, "init close2 destroy ");
+    told.clear();
+    {
+        Probe probe(told); // never shown: nothing to undo
+    }
+    EXPECT_EQ(told, "");
+    {
+        Probe probe(told); // shown without a loop of its own, and thrown away
+        probe.show();
+    }
+    EXPECT_EQ(told, "init destroy ");
+}
+
+TEST(Dialog, StaysWhenItsCloseIsRefused)
+{
+    std::string told;
+    Probe probe(told);
+    probe.stays = true;
+    probe.show();
+    EXPECT_FALSE(probe.close());
+    QTest::keyClick(&probe, Qt::Key_Escape);
+    EXPECT_TRUE(probe.isVisible());
+    probe.stays = false;
+    probe.Close(7);
+    EXPECT_FALSE(probe.isVisible());
+    EXPECT_EQ(probe.result(), 7);
+    EXPECT_EQ(told, "init close2 close2 close7 destroy ");
+}
+
+TEST(Dialog, RunsTimersByItsOwnNumbers)
+{
+    std::string told;
+    Probe probe(told);
+    probe.show();
+    probe.SetTimer(256, 1);
+    probe.SetTimer(256, 1); // again: one timer, not two
+    probe.SetTimer(7, 60000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.find("timer256") != std::string::npos; }));
+    QTest::qWait(20);
+    EXPECT_EQ(told, "init timer256 ");
+    EXPECT_TRUE(probe.IsTimerRunning(7));
+    probe.Close(Dialog::kOk);
+    EXPECT_FALSE(probe.IsTimerRunning(7));
+}
+
+TEST(Dialog, FindsItsControlsByNumber)
+{
+    std::string told;
+    const Probe probe(told);
+    EXPECT_EQ(Dialog::FindControl(&probe, 42), probe.edit);
+    EXPECT_EQ(Dialog::FindControl(&probe, 43), nullptr);
+}
+
+} // namespace
+} // namespace fieldcore

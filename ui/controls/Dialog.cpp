@@ -1,0 +1,122 @@
+#include "ui/controls/Dialog.h"
+
+#include <QCloseEvent>
+#include <QTimerEvent>
+#include <QVariant>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr const char* kControlId = "fieldcoreControlId";
+
+} // namespace
+
+Dialog::Dialog(QWidget* parent) : QDialog(parent) {}
+
+int Dialog::DoModal()
+{
+    setResult(kCancelled);
+    const int result = exec();
+    Destroy();
+    return result == 0 ? kCancelled : result;
+}
+
+void Dialog::SetControlId(QWidget* control, int id)
+{
+    control->setProperty(kControlId, id);
+}
+
+int Dialog::ControlId(const QWidget* control)
+{
+    return control->property(kControlId).toInt();
+}
+
+QWidget* Dialog::FindControl(const QWidget* window, int id)
+{
+    for (QWidget* control : window->findChildren<QWidget*>()) {
+        if (ControlId(control) == id) {
+            return control;
+        }
+    }
+    return nullptr;
+}
+
+void Dialog::Close(int result)
+{
+    if (OnClose(result)) {
+        done(result);
+    }
+}
+
+void Dialog::reject()
+{
+    Close(kCancelled);
+}
+
+void Dialog::SetTimer(int id, int milliseconds)
+{
+    KillTimer(id);
+    m_timers.insert(id, startTimer(milliseconds));
+}
+
+void Dialog::KillTimer(int id)
+{
+    const auto found = m_timers.constFind(id);
+    if (found != m_timers.constEnd()) {
+        killTimer(found.value());
+        m_timers.erase(found);
+    }
+}
+
+bool Dialog::IsTimerRunning(int id) const
+{
+    return m_timers.contains(id);
+}
+
+void Dialog::Destroy()
+{
+    for (const int timer : std::as_const(m_timers)) {
+        killTimer(timer);
+    }
+    m_timers.clear();
+    if (m_initialised) {
+        m_initialised = false;
+        OnDestroy();
+    }
+}
+
+void Dialog::showEvent(QShowEvent* event)
+{
+    if (!m_initialised) {
+        m_initialised = true;
+        if (OnInitDialog() && nextInFocusChain() != nullptr && focusWidget() == nullptr) {
+            focusNextChild();
+        }
+    }
+    QDialog::showEvent(event);
+}
+
+void Dialog::timerEvent(QTimerEvent* event)
+{
+    const int id = m_timers.key(event->timerId(), -1);
+    if (id < 0) {
+        QDialog::timerEvent(event);
+        return;
+    }
+    OnTimer(id);
+}
+
+void Dialog::closeEvent(QCloseEvent* event)
+{
+    event->ignore(); // done() hides the window where closing is agreed
+    Close(kCancelled);
+}
+
+void Dialog::done(int result)
+{
+    QDialog::done(result);
+    Destroy();
+}
+
+} // namespace fieldcore
