@@ -3,7 +3,9 @@
 #include "core/platform/NumberText.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <numbers>
 #include <string>
 
@@ -45,6 +47,22 @@ double ParsePackedDegrees(std::wstring_view text)
     const double seconds = Number(packed.substr(2, 2) + L'.' + packed.substr(4));
     const double angle = (degrees + minutes / 60.0 + seconds / 3600.0) * (std::numbers::pi / 180.0);
     return negative ? -angle : angle;
+}
+
+std::wstring FormatPackedDegrees(double angleRad, int decimals)
+{
+    const double degrees =
+        std::isfinite(angleRad) ? std::abs(angleRad) / std::numbers::pi * 180.0 : 0.0;
+    // In units of the last decimal: then nothing can round up to 60.
+    const std::int64_t unit = std::llround(std::pow(10.0, decimals));
+    const std::int64_t count = std::llround(degrees * 3600.0 * static_cast<double>(unit));
+    const std::int64_t seconds = count / unit;
+    const auto whole = [](std::int64_t number, int width) {
+        return FormatWhole(static_cast<std::uint32_t>(number), static_cast<std::size_t>(width));
+    };
+    std::wstring text = angleRad < 0.0 && count > 0 ? L"-" : L"";
+    text += whole(seconds / 3600, 1) + L"." + whole(seconds / 60 % 60, 2) + whole(seconds % 60, 2);
+    return decimals > 0 ? text + whole(count % unit, decimals) : text;
 }
 
 } // namespace fieldcore

@@ -31,6 +31,14 @@ constexpr std::array kNumbers{
 
 } // namespace
 
+PlanSettings Fitted(PlanSettings settings)
+{
+    settings.elMaskDeg = std::clamp(settings.elMaskDeg, 0, 90);
+    settings.startHour = std::clamp(settings.startHour, 0, 23);
+    settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
+    return settings;
+}
+
 PlanSettings LoadPlanSettings(const CReg& reg)
 {
     PlanSettings settings;
@@ -42,10 +50,7 @@ PlanSettings LoadPlanSettings(const CReg& reg)
     }
     const std::wstring defaultPosition = settings.position;
     reg.ReadString(kKey, kPosition, settings.position, defaultPosition);
-    settings.elMaskDeg = std::clamp(settings.elMaskDeg, 0, 90);
-    settings.startHour = std::clamp(settings.startHour, 0, 23);
-    settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
-    return settings;
+    return Fitted(settings);
 }
 
 int SavePlanSettings(const CReg& reg, const PlanSettings& settings)

@@ -18,10 +18,15 @@ struct PlanSettings
     int positionNo = 13; ///< kept for the site page
     std::wstring position = L"東京都千代田区"; ///< name of the site
     int positionId = 0;                        ///< kept for the site page
+
+    friend bool operator==(const PlanSettings&, const PlanSettings&) = default;
 };
 
-/// Settings that are missing, or of another type, are those of a new user; mask and period are
-/// brought into their ranges.
+/// @p settings with mask and period brought into their ranges.
+[[nodiscard]] PlanSettings Fitted(PlanSettings settings);
+
+/// Settings that are missing, or of another type, are those of a new user; the
+/// others are Fitted().
 /// @param reg  one that starts at the library's own key
 [[nodiscard]] PlanSettings LoadPlanSettings(const CReg& reg);
 

@@ -30,6 +30,19 @@ struct SiteEntry
 };
 [[nodiscard]] SiteEntry ReadSite(const std::filesystem::path& folder, std::wstring_view name);
 
+/// Stores a site: a new one behind the others, a known one with its coordinates replaced.
+/// @return 1, or 0 with the file as it was: it cannot be written, or the name cannot be a section
+int WriteSite(const std::filesystem::path& folder, std::wstring_view name,
+              const Observer& observer);
+
+/// @return 1, or 0 with the file as it was: there is no such site, or the file cannot be written
+int RemoveSite(const std::filesystem::path& folder, std::wstring_view name);
+
+/// Makes the site file with the sample sites in it, if there is none yet: a program that begins
+/// does that, so that the site of a new user is there.
+/// @return 1 if the file is there now, else 0
+int InstallSampleSites(const std::filesystem::path& folder);
+
 /// Moves @p observer to a site of the file, as the plan's screen has always done: a missing
 /// latitude is 35 degrees, a missing longitude 139 degrees, and a missing height puts 50.0 into the
 /// latitude and leaves the height as it was. Whoever wants to know what is missing asks

@@ -40,6 +40,26 @@ std::optional<std::string> Load(const fs::path& file)
     return bytes;
 }
 
+/// Replaces the file by what @p change makes of its content.
+template <typename Change>
+int Edit(const fs::path& file, FileOperations& operations, Change change)
+{
+    AtomicFile replacement(file, "$#TEMP.TMP", operations);
+    if (replacement.Open()) {
+        return 0;
+    }
+    // Read only now that no other writer can come between.
+    std::optional<std::string> bytes = Load(file);
+    if (!bytes) {
+        return 0;
+    }
+    const std::optional<std::string> changed = change(std::move(*bytes));
+    if (!changed || changed->size() > kMaxProfileBytes) {
+        return 0;
+    }
+    return !replacement.Write(*changed) && !replacement.Commit() ? 1 : 0;
+}
+
 } // namespace
 
 int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_view defaultValue,
@@ -63,21 +83,31 @@ std::vector<std::wstring> ReadProfileSections(const fs::path& file)
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
                  const fs::path& file, FileOperations& operations)
 {
-    AtomicFile replacement(file, "$#TEMP.TMP", operations);
-    if (replacement.Open()) {
-        return 0;
-    }
-    // Read only now that no other writer can come between.
-    std::optional<std::string> bytes = Load(file);
-    if (!bytes) {
-        return 0;
-    }
-    const std::optional<std::string> changed =
-        ProfileText(std::move(*bytes)).WithEntry(section, key, value);
-    if (!changed || changed->size() > kMaxProfileBytes) {
-        return 0;
-    }
-    return !replacement.Write(*changed) && !replacement.Commit() ? 1 : 0;
+    const ProfileEntry entry{key, value};
+    return WriteProfile(section, std::span(&entry, 1), file, operations);
+}
+
+int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
+                 const fs::path& file, FileOperations& operations)
+{
+    return Edit(file, operations, [&](std::string bytes) {
+        std::optional<std::string> changed(std::move(bytes));
+        for (const ProfileEntry& entry : entries) {
+            changed =
+                changed
+                    ? ProfileText(std::move(*changed)).WithEntry(section, entry.key, entry.value)
+                    : std::nullopt;
+        }
+        return changed;
+    });
+}
+
+int RemoveProfileSection(std::wstring_view section, const fs::path& file,
+                         FileOperations& operations)
+{
+    return Edit(file, operations, [&](std::string bytes) {
+        return ProfileText(std::move(bytes)).WithoutSection(section);
+    });
 }
 
 } // namespace fieldcore

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,5 +33,22 @@ int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_v
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
                  const std::filesystem::path& file,
                  FileOperations& operations = PosixFileOperations::Instance());
+
+/// A key with its value.
+struct ProfileEntry
+{
+    std::wstring_view key;
+    std::wstring_view value;
+};
+
+/// Writes several entries of one section, all of them or none; else as above.
+int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
+                 const std::filesystem::path& file,
+                 FileOperations& operations = PosixFileOperations::Instance());
+
+/// Removes a section with all its lines.
+/// @return 1 if it is gone; 0 with the old file kept if there was none, or it could not be written
+int RemoveProfileSection(std::wstring_view section, const std::filesystem::path& file,
+                         FileOperations& operations = PosixFileOperations::Instance());
 
 } // namespace fieldcore

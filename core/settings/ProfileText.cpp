@@ -267,4 +267,26 @@ std::optional<std::string> ProfileText::WithEntry(std::wstring_view section, std
     return changed.insert(place.insertAt, Encode(added));
 }
 
+std::optional<std::string> ProfileText::WithoutSection(std::wstring_view section) const
+{
+    const std::wstring wanted = Decode(Encode(section));
+    std::optional<std::size_t> start;
+    std::size_t at = m_start;
+    while (at < m_bytes.size()) {
+        const Line line = LineAt(at);
+        if (start && StartsSection(line.text)) {
+            break;
+        }
+        if (!start && NamesSection(line.text, wanted)) {
+            start = at;
+        }
+        at = line.end;
+    }
+    if (!start) {
+        return std::nullopt;
+    }
+    std::string changed = m_bytes;
+    return changed.erase(*start, at - *start);
+}
+
 } // namespace fieldcore

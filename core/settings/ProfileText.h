@@ -51,6 +51,11 @@ public:
     [[nodiscard]] std::optional<std::string>
     WithEntry(std::wstring_view section, std::wstring_view key, std::wstring_view value) const;
 
+    /// The content without the lines from the first section line of that name up to the next
+    /// section line.
+    /// @return nothing if there is no such section
+    [[nodiscard]] std::optional<std::string> WithoutSection(std::wstring_view section) const;
+
 private:
     struct Line;
     struct Place;

@@ -77,9 +77,9 @@ protected:
         std::string error;
         ASSERT_TRUE(receiver->Start(error)) << error;
         PortSettings settings;
-        // 0.2 s on a watch: a busy machine may hold an answer up, and a satellite whose request
+        // 0.6 s on a watch: a busy machine may hold an answer up, and a satellite whose request
         // failed counts as missing.
-        settings.replyTimeout = 20s;
+        settings.replyTimeout = 60s;
         ASSERT_EQ(command.OpenPort(receiver->PortPath(), settings), 1) << command.LastError();
     }
     [[nodiscard]] std::vector<std::uint8_t> Almanac() const

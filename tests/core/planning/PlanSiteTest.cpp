@@ -5,6 +5,7 @@
 #include "core/planning/PackedDegrees.h"
 #include "core/planning/PlanSettings.h"
 #include "core/planning/SampleSites.h"
+#include "core/planning/SitesCsv.h"
 #include "core/platform/Cp932.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
@@ -112,6 +113,96 @@ TEST(PlanSite, SurvivesEveryDamageOfTheFile)
     std::filesystem::remove(SitesPath(folder.Path()));
     std::filesystem::create_directory(SitesPath(folder.Path()));
     EXPECT_TRUE(ReadSite(folder.Path(), L"基準点").IsEmpty()) << "a folder";
+}
+
+TEST(PackedDegrees, AreWrittenAsTheyAreRead)
+{
+    struct Row
+    {
+        double degrees;
+        int decimals;
+        const wchar_t* text;
+    };
+    const Row rows[] = {
+        {35.0 + 41.0 / 60.0 + 38.25 / 3600.0, 2, L"35.413825"},
+        {139.75, 0, L"139.4500"},
+        {-0.5, 1, L"-0.30000"},
+        {35.0 + 59.0 / 60.0 + 59.999999 / 3600.0, 5, L"36.000000000"},
+        {0.0, 0, L"0.0000"},
+        {-1e-12, 3, L"0.0000000"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(FormatPackedDegrees(RadiansOf(row.degrees), row.decimals), row.text)
+            << row.degrees;
+    }
+}
+
+TEST(PlanSite, IsWrittenReplacedAndRemoved)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path program = folder.Path() / "new";
+    const Observer first{RadiansOf(35.5), RadiansOf(-139.25), 12.3456};
+    const Observer second{RadiansOf(-36.123456789), RadiansOf(140.0), -7.0};
+    EXPECT_EQ(WriteSite(program, L"一", first), 1);
+    EXPECT_EQ(WriteSite(program, L"二", first), 1);
+    EXPECT_EQ(WriteSite(program, L"一", second), 1);
+    EXPECT_EQ(SiteNames(program), (std::vector<std::wstring>{L"一", L"二"}));
+    Observer read;
+    ReadPosition(program, L"一", read);
+    EXPECT_NEAR(read.latitudeRad, second.latitudeRad, 1e-10); // half a millimetre
+    EXPECT_NEAR(read.longitudeRad, second.longitudeRad, 1e-10);
+    EXPECT_EQ(read.heightM, second.heightM);
+    EXPECT_EQ(RemoveSite(program, L"一"), 1);
+    EXPECT_EQ(RemoveSite(program, L"一"), 0);
+    EXPECT_EQ(SiteNames(program), (std::vector<std::wstring>{L"二"}));
+    EXPECT_TRUE(ReadSite(program, L"二").IsComplete()) << "its neighbour took it along";
+    for (const wchar_t* name : {L"", L"two\nlines"}) {
+        EXPECT_EQ(WriteSite(program, name, first), 0);
+    }
+    EXPECT_EQ(InstallSampleSites(program), 1);
+    EXPECT_EQ(SiteNames(program).size(), 1U) << "the user's own sites are gone";
+}
+
+TEST(SitesCsv, AreReadOrTheLineIsNamed)
+{
+    const SitesCsv good = ParseSitesCsv("\xEF\xBB\xBFname,lat,lon,height\r\n"
+                                        "\"A, north\", 35.5 ,139.25,12.5\r\n\r\nB,-36,-140\r\n"
+                                        "\"the \"\"rock\"\"\",0,0,\n");
+    ASSERT_FALSE(good.error);
+    ASSERT_EQ(good.sites.size(), 3U);
+    EXPECT_EQ(good.sites[0].name, L"A, north");
+    EXPECT_NEAR(good.sites[0].observer.latitudeRad, RadiansOf(35.5), 1e-15);
+    EXPECT_EQ(good.sites[0].observer.heightM, 12.5);
+    EXPECT_NEAR(good.sites[1].observer.longitudeRad, RadiansOf(-140.0), 1e-15);
+    EXPECT_EQ(good.sites[2].name, L"the \"rock\"");
+    EXPECT_EQ(ParseSitesCsv(ToCp932(L"表,35,139")).sites.at(0).name, L"表");
+
+    struct Row
+    {
+        const char* text;
+        int line;
+        const char* field;
+    };
+    const Row rows[] = {
+        {"", 0, ""},
+        {"name,lat,lon\n", 0, ""},
+        {"A,35,139\nB,35\n", 2, ""},
+        {"A,35,139,1,2\n", 1, ""},
+        {"A,35,139\n,35,139\n", 2, "name"},
+        {"A,35,139\n\nA,36,139\n", 3, "name"},
+        {"A,95,139\n", 1, "latitude"},
+        {"A,35,east\n", 1, "longitude"},
+        {"A,35,139,high\n", 1, "height"},
+        {"A,nan,139\n", 1, "latitude"},
+        {"lat,lon,name\n35,139,A\n", 2, "latitude"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        const SitesCsv result = ParseSitesCsv(row.text);
+        ASSERT_TRUE(result.error && result.sites.empty());
+        EXPECT_EQ(result.error->line, row.line) << result.error->message;
+        EXPECT_EQ(result.error->field, row.field) << result.error->message;
+    }
 }
 
 TEST(SampleSites, AreFortySevenPlacesInJapan)

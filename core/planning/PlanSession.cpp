@@ -1,0 +1,144 @@
+#include "core/planning/PlanSession.h"
+
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacTime.h"
+#include "core/planning/CurtainFile.h"
+#include "core/planning/PlanSite.h"
+#include "core/resources/StringTable.h"
+
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kDayH = 24;
+
+} // namespace
+
+PlanSession::PlanSession(std::filesystem::path folder, const CReg& reg)
+    : m_folder(std::move(folder)), m_reg(reg)
+{}
+
+AlmanacMessage PlanSession::Begin(const Clock& clock)
+{
+    m_settings = LoadPlanSettings(m_reg);
+    ReadSite();
+    m_plan.Period().date = std::chrono::floor<std::chrono::days>(clock.Utc());
+    ResetSpins();
+    return ReloadAlmanac();
+}
+
+AlmanacMessage PlanSession::ReloadAlmanac()
+{
+    m_hasAlmanac = m_plan.Calc().LoadAlmanac(AlmanacPath(m_folder));
+    if (!m_hasAlmanac) {
+        return MessageOf(AlmanacResult::NotRead);
+    }
+    if (!m_hasCurtain) {
+        m_plan.Calc().SetCurtain(LoadCurtain(m_folder));
+        m_hasCurtain = true;
+    }
+    Compute();
+    return IsAlmanacTooOld()
+               ? AlmanacMessage{text::kAlmanacOld, text::kAlmanacOldCaption, BoxIcon::Exclamation}
+               : AlmanacMessage{};
+}
+
+CGPSTime PlanSession::AlmanacDate() const
+{
+    return AlmanacTime(m_plan.Calc());
+}
+
+bool PlanSession::IsAlmanacTooOld() const
+{
+    return m_hasAlmanac && IsAlmanacOld(AlmanacDate(), m_plan.Period().Start());
+}
+
+std::error_code PlanSession::ChangeCurtain(const ObstructionCurtain& curtain)
+{
+    m_plan.Calc().SetCurtain(curtain);
+    m_hasCurtain = true;
+    Compute();
+    return SaveCurtain(m_folder, curtain);
+}
+
+PlanSession::Spins PlanSession::ResetSpins()
+{
+    m_spins = {m_settings.startHour, m_settings.startHour + m_settings.hours};
+    return m_spins;
+}
+
+void PlanSession::ResetPeriod()
+{
+    const PlanSettings fresh;
+    m_settings.startHour = fresh.startHour;
+    m_settings.hours = fresh.hours;
+    ResetSpins();
+}
+
+PlanSession::Spins PlanSession::MoveStart(int hour)
+{
+    if (hour < 0 || hour >= kDayH) {
+        ResetPeriod();
+        return m_spins;
+    }
+    m_settings.startHour = hour;
+    if (m_settings.startHour + m_settings.hours > kDayH) {
+        --m_settings.hours; // a spin moves hour by hour: one is enough
+    }
+    return ResetSpins();
+}
+
+PlanSession::Spins PlanSession::MoveEnd(int hour)
+{
+    if (hour < 1 || hour > kDayH) {
+        ResetPeriod();
+    } else if (m_settings.startHour >= hour) {
+        m_spins.end = m_settings.startHour + 1;
+    } else {
+        m_settings.hours = hour - m_settings.startHour;
+        m_spins.end = hour;
+    }
+    return m_spins;
+}
+
+void PlanSession::Compute()
+{
+    m_plan.Period().startHour = m_settings.startHour;
+    m_plan.Period().hours = m_settings.hours;
+    m_plan.SetElMaskDeg(m_settings.elMaskDeg);
+    m_plan.Calc().SetObserver(m_site);
+    m_plan.Compute();
+}
+
+PlanGraph PlanSession::Graph() const
+{
+    constexpr int kGraphs = 7;
+    return m_settings.drawType >= 0 && m_settings.drawType < kGraphs
+               ? static_cast<PlanGraph>(m_settings.drawType)
+               : PlanGraph::SkyPlot;
+}
+
+int PlanSession::SetSettings(const PlanSettings& settings)
+{
+    const PlanSettings fitted = Fitted(settings);
+    const bool changes = fitted != m_settings;
+    m_settings = fitted;
+    ResetSpins();
+    return changes ? 1 : 0;
+}
+
+void PlanSession::SetDate(std::chrono::year_month_day date)
+{
+    if (date.ok()) {
+        m_plan.Period().date = date;
+    }
+}
+
+void PlanSession::ReadSite()
+{
+    ReadPosition(m_folder, m_settings.position, m_site);
+}
+
+} // namespace fieldcore

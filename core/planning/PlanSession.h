@@ -1,0 +1,95 @@
+#pragma once
+
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/ObservationPlan.h"
+#include "core/planning/PlanSettings.h"
+#include "core/platform/Clock.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace fieldcore {
+
+/// The plan's screen without the screen: settings, site, date, almanac and curtain, the rules of
+/// its two spins, and the plan that follows from all that. User-interface thread only.
+class PlanSession
+{
+public:
+    /// @param folder  the program's
+    /// @param reg     starts at the library's own key; must outlive the session
+    PlanSession(std::filesystem::path folder, const CReg& reg);
+
+    /// Begins: reads settings and site, takes today's date in UTC, loads almanac and curtain, and
+    /// computes. Without an almanac it stops at that: what comes behind is left for
+    /// ReloadAlmanac().
+    /// @return what to tell the user; both numbers 0: nothing
+    AlmanacMessage Begin(const Clock& clock);
+
+    /// Stores the settings. @return 1, or 0 if that was not possible
+    int SaveSettings() const { return SavePlanSettings(m_reg, m_settings); }
+
+    /// Loads the almanac and, if that has not been done, the curtain, and computes.
+    /// @return what to tell the user about the almanac: it cannot be read, or is too old
+    AlmanacMessage ReloadAlmanac();
+    [[nodiscard]] bool HasAlmanac() const { return m_hasAlmanac; }
+    /// The latest reference time of the almanac.
+    [[nodiscard]] CGPSTime AlmanacDate() const;
+    /// Whether the plan's start is more than 30 days behind that.
+    [[nodiscard]] bool IsAlmanacTooOld() const;
+
+    /// Takes a curtain and keeps it in the program's folder.
+    /// @return what went wrong with the file; the plan has the curtain all the same
+    std::error_code ChangeCurtain(const ObstructionCurtain& curtain);
+
+    /// Where the two spins stand after a move.
+    struct Spins
+    {
+        int start = 9; ///< hour, 0 to 23
+        int end = 11;  ///< hour, 1 to 24
+    };
+    [[nodiscard]] Spins GetSpins() const { return m_spins; }
+    /// Both spins on what the settings have.
+    Spins ResetSpins();
+    /// The start spin was moved to @p hour. A period that would end behind midnight loses an hour;
+    /// an hour that no spin has puts both back to 9 and 11.
+    Spins MoveStart(int hour);
+    /// The end spin was moved to @p hour. One that is not behind the start goes to the hour behind
+    /// it, and the period keeps the length it had; an hour that no spin has puts both back.
+    Spins MoveEnd(int hour);
+
+    /// Brings the plan to the settings, the date and the site.
+    void Compute();
+    [[nodiscard]] ObservationPlan& Plan() { return m_plan; }
+    [[nodiscard]] const ObservationPlan& Plan() const { return m_plan; }
+    /// The graph that is chosen; a number that is none stands for the sky plot.
+    [[nodiscard]] PlanGraph Graph() const;
+
+    [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder; }
+
+    // What the dialog and its pages read and set; Compute() takes it over.
+
+    [[nodiscard]] const PlanSettings& Settings() const { return m_settings; }
+    /// Mask and period are brought into their ranges. @return 1 if anything is different now
+    int SetSettings(const PlanSettings& settings);
+    [[nodiscard]] std::chrono::year_month_day Date() const { return m_plan.Period().date; }
+    /// A date that is none changes nothing.
+    void SetDate(std::chrono::year_month_day date);
+    /// Reads the site of the settings from the site file; see ReadPosition() for one that it lacks.
+    void ReadSite();
+    [[nodiscard]] const Observer& Site() const { return m_site; }
+    void SetSite(const Observer& site) { m_site = site; }
+
+private:
+    void ResetPeriod();
+
+    std::filesystem::path m_folder;
+    const CReg& m_reg;
+    PlanSettings m_settings;
+    Spins m_spins;
+    Observer m_site;
+    ObservationPlan m_plan;
+    bool m_hasAlmanac = false;
+    bool m_hasCurtain = false;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,173 @@
+#include "core/planning/PlanSession.h"
+
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/CurtainFile.h"
+#include "core/planning/PlanSite.h"
+#include "core/platform/Folders.h"
+#include "core/platform/WholeFile.h"
+#include "core/resources/StringTable.h"
+#include "core/settings/HostReg.h"
+#include "tests/core/planning/SampleSky.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A clock that stands still.
+class StoppedClock final : public Clock
+{
+public:
+    [[nodiscard]] Duration Steady() const override { return {}; }
+    [[nodiscard]] UtcTime Utc() const override { return time; }
+    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
+    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
+
+    UtcTime time = std::chrono::sys_days(2022y / std::chrono::March / 12) + 23h;
+};
+
+class PlanSessionTest : public ::testing::Test
+{
+protected:
+    static Folders Below(const std::string& home)
+    {
+        FolderSources sources;
+        sources.variable = [home](const std::string& name) {
+            return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
+        };
+        return Folders(sources);
+    }
+    void WriteAlmanac() const
+    {
+        const std::vector<std::uint8_t> almanac = testing::SampleFile();
+        m_home.Write("GSurveyPlan.alm",
+                     {reinterpret_cast<const char*>(almanac.data()), almanac.size()});
+    }
+    PlanSession::Spins Moved(int startHour, int hours, PlanSession::Spins (PlanSession::*move)(int),
+                             int to)
+    {
+        PlanSettings settings;
+        settings.startHour = startHour;
+        settings.hours = hours;
+        m_session.SetSettings(settings);
+        return (m_session.*move)(to);
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{Below(m_home.Path())};
+    HostReg m_reg{m_roots};
+    StoppedClock m_clock;
+    PlanSession m_session{m_home.Path(), m_reg};
+};
+
+TEST_F(PlanSessionTest, BeginsWithWhatIsKept)
+{
+    WriteAlmanac();
+    ASSERT_EQ(InstallSampleSites(m_home.Path()), 1);
+    m_home.Write("CurTain.obs", std::string(360, 30));
+    ASSERT_EQ(SavePlanSettings(m_reg, {20, 7, 3, 5, 0, 27, L"大阪府大阪市", 0}), 1);
+    EXPECT_EQ(m_session.Begin(m_clock).text, 0);
+    EXPECT_EQ(m_session.Date(), 2022y / std::chrono::March / 12) << "the date of UTC";
+    EXPECT_EQ(m_session.GetSpins().start, 7);
+    EXPECT_EQ(m_session.GetSpins().end, 10);
+    EXPECT_EQ(m_session.Graph(), PlanGraph::Gdop);
+    EXPECT_NEAR(m_session.Site().latitudeRad, 34.686389 / 180.0 * 3.14159265358979, 1e-7);
+    EXPECT_EQ(m_session.Plan().Division(), 12);
+    EXPECT_EQ(m_session.Plan().Calc().GetCurtain()[359], 30);
+    EXPECT_NEAR(m_session.Plan().Calc().GetElMask(), 0.349066, 1e-6);
+}
+
+TEST_F(PlanSessionTest, StopsAtAMissingAlmanacAndGoesOnWithItLater)
+{
+    m_home.Write("CurTain.obs", std::string(360, 30));
+    const AlmanacMessage missing = m_session.Begin(m_clock);
+    EXPECT_EQ(missing.text, text::kAlmanacNotRead);
+    EXPECT_EQ(missing.icon, BoxIcon::Stop);
+    EXPECT_FALSE(m_session.HasAlmanac() || m_session.IsAlmanacTooOld());
+    EXPECT_EQ(m_session.Plan().Division(), 0) << "nothing is computed";
+    WriteAlmanac();
+    EXPECT_EQ(m_session.ReloadAlmanac().text, 0);
+    EXPECT_EQ(m_session.Plan().Calc().GetCurtain()[0], 30);
+    EXPECT_EQ(m_session.Plan().Division(), 12);
+}
+
+TEST_F(PlanSessionTest, TellsOfAnOldAlmanacAndUsesIt)
+{
+    WriteAlmanac();
+    m_clock.time += std::chrono::days(31);
+    EXPECT_EQ(m_session.Begin(m_clock).text, text::kAlmanacOld);
+    EXPECT_EQ(m_session.Plan().Division(), 12);
+    m_session.SetDate(2022y / std::chrono::March / 12);
+    EXPECT_FALSE(m_session.IsAlmanacTooOld());
+}
+
+TEST_F(PlanSessionTest, KeepsTheRulesOfItsSpins)
+{
+    struct Row
+    {
+        const char* rule;
+        int startHour;
+        int hours;
+        PlanSession::Spins (PlanSession::*move)(int);
+        int to;
+        PlanSession::Spins spins;
+        int hoursThen;
+    };
+    constexpr auto kStart = &PlanSession::MoveStart;
+    constexpr auto kEnd = &PlanSession::MoveEnd;
+    const Row rows[] = {
+        {"the period moves along", 9, 2, kStart, 10, {10, 12}, 2},
+        {"midnight takes an hour", 22, 2, kStart, 23, {23, 24}, 1},
+        {"a whole day loses one at its end", 0, 24, kStart, 1, {1, 24}, 23},
+        {"below the range", 5, 4, kStart, -1, {9, 11}, 2},
+        {"above the range", 5, 4, kStart, 24, {9, 11}, 2},
+        {"a longer period", 9, 2, kEnd, 24, {9, 24}, 15},
+        {"the shortest", 9, 2, kEnd, 10, {9, 10}, 1},
+        {"on the start: the spin goes on, the period keeps its length", 9, 3, kEnd, 9, {9, 10}, 3},
+        {"before the start", 9, 3, kEnd, 1, {9, 10}, 3},
+        {"no hour of a day", 5, 4, kEnd, 0, {9, 11}, 2},
+        {"nor this one", 5, 4, kEnd, 25, {9, 11}, 2},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.rule);
+        const PlanSession::Spins spins = Moved(row.startHour, row.hours, row.move, row.to);
+        EXPECT_EQ(spins.start, row.spins.start);
+        EXPECT_EQ(spins.end, row.spins.end);
+        EXPECT_EQ(m_session.Settings().hours, row.hoursThen);
+    }
+}
+
+TEST_F(PlanSessionTest, SettingsSurviveARestart)
+{
+    PlanSettings settings;
+    settings.elMaskDeg = 95; // fits as 90
+    settings.position = L"現場";
+    EXPECT_EQ(m_session.SetSettings(settings), 1);
+    EXPECT_EQ(m_session.SetSettings(settings), 0) << "nothing is different";
+    EXPECT_EQ(m_session.SaveSettings(), 1);
+    PlanSession later(m_home.Path(), m_reg);
+    later.Begin(m_clock);
+    EXPECT_EQ(later.Settings(), m_session.Settings());
+    EXPECT_EQ(later.Settings().elMaskDeg, 90);
+}
+
+TEST_F(PlanSessionTest, KeepsACurtainThatIsChanged)
+{
+    WriteAlmanac();
+    m_session.Begin(m_clock);
+    const double before = m_session.Plan().CountAt(0);
+    ObstructionCurtain curtain;
+    curtain.fill(89);
+    EXPECT_FALSE(m_session.ChangeCurtain(curtain));
+    EXPECT_LT(m_session.Plan().CountAt(0), before);
+    EXPECT_EQ(LoadCurtain(m_home.Path()), curtain);
+}
+
+} // namespace
+} // namespace fieldcore
