@@ -120,10 +120,10 @@ TEST(NominalConstellation, GivesAsManyAsAreAskedFor)
     const auto slots = NominalConstellation(24, 2410, 0);
     for (const double latitudeDeg : {35.0, 5.0, 65.0}) {
         const LocalFrame frame({latitudeDeg * kDegree, 139.0 * kDegree, 0.0});
-        for (double sowS = 0.0; sowS < 86'400.0; sowS += 600.0) {
+        for (int sowS = 0; sowS < 86'400; sowS += 600) {
             int above = 0;
             for (const AlmanacRecord& record : slots) {
-                const EastNorthUp local = frame.ToLocal(PositionAt(record, {2410, sowS}));
+                const EastNorthUp local = frame.ToLocal(PositionAt(record, {2410, double(sowS)}));
                 const bool isAbove = local.up > local.Range() * std::sin(5.0 * kDegree);
                 above += isAbove ? 1 : 0;
             }
