@@ -65,7 +65,8 @@ struct Program
         parser.add_flag("--version", version, "Show the version");
         commands = {AddPortsCommand(parser),    AddInfoCommand(parser),   AddStatusCommand(parser),
                     AddIdentifyCommand(parser), AddResetCommand(parser),  AddSimCommand(parser),
-                    AddTraceCommand(parser),    AddDoctorCommand(parser), AddDemoCommand(parser)};
+                    AddTraceCommand(parser),    AddDoctorCommand(parser), AddDemoCommand(parser),
+                    AddSettingsCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

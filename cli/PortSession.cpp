@@ -5,6 +5,7 @@
 #include "core/link/FrameLog.h"
 #include "core/platform/PortList.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/StoredPorts.h"
 
 #include <fstream>
 #include <utility>
@@ -48,8 +49,23 @@ const char* StepName(ConnectStep step)
     return "";
 }
 
+PortNames KnownPortNames(const World& world, Output& output)
+{
+    PortNames names(world.roots);
+    SettingsRoots roots{Folders(world.folders)};
+    std::vector<std::string> warnings = AssignStoredPorts(names, roots);
+    warnings.push_back(roots.TakeNotice());
+    for (const std::string& warning : warnings) {
+        if (!warning.empty()) {
+            output.Message("warning", "", warning, Colour::Yellow);
+        }
+    }
+    return names;
+}
+
 PortSession::PortSession(const World& world, Output& output, Host& host, const PortOptions& options)
-    : m_world(world), m_output(output), m_host(host), m_options(options), m_names(world.roots)
+    : m_world(world), m_output(output), m_host(host), m_options(options),
+      m_names(KnownPortNames(world, output))
 {}
 
 PortSession::~PortSession() = default;

@@ -67,6 +67,10 @@ private:
     bool m_logFailed = false;
 };
 
+/// The port names of this machine and what the settings assign to them. What cannot be used of the
+/// settings is told as a warning.
+[[nodiscard]] PortNames KnownPortNames(const World& world, Output& output);
+
 /// Connect steps in plain words.
 [[nodiscard]] const char* StepName(ConnectStep step);
 
