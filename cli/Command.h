@@ -37,6 +37,7 @@ Command AddInfoCommand(CLI::App& program);
 Command AddStatusCommand(CLI::App& program);
 Command AddIdentifyCommand(CLI::App& program);
 Command AddResetCommand(CLI::App& program);
+Command AddGeoCommand(CLI::App& program);
 Command AddSettingsCommand(CLI::App& program);
 Command AddSimCommand(CLI::App& program);
 Command AddTraceCommand(CLI::App& program);

@@ -63,10 +63,10 @@ struct Program
         parser.footer(kExamples);
         parser.set_help_flag("-h,--help", "Show this help");
         parser.add_flag("--version", version, "Show the version");
-        commands = {AddPortsCommand(parser),    AddInfoCommand(parser),   AddStatusCommand(parser),
-                    AddIdentifyCommand(parser), AddResetCommand(parser),  AddSimCommand(parser),
-                    AddTraceCommand(parser),    AddDoctorCommand(parser), AddDemoCommand(parser),
-                    AddSettingsCommand(parser)};
+        commands = {AddPortsCommand(parser),    AddInfoCommand(parser),    AddStatusCommand(parser),
+                    AddIdentifyCommand(parser), AddResetCommand(parser),   AddSimCommand(parser),
+                    AddTraceCommand(parser),    AddDoctorCommand(parser),  AddDemoCommand(parser),
+                    AddGeoCommand(parser),      AddSettingsCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;
