@@ -1,7 +1,7 @@
 #include "core/planning/AlmanacFile.h"
 
 #include "core/planning/AlmanacRecord.h"
-#include "core/platform/ReplaceFile.h"
+#include "core/platform/WholeFile.h"
 
 #include <bitset>
 #include <cstddef>
@@ -29,7 +29,7 @@ fs::path AlmanacTemporaryPath(const fs::path& folder)
 
 std::vector<std::uint8_t> ReadAlmanacFile(const fs::path& file)
 {
-    return ReadWholeFile(file, kLongest);
+    return ReadWholeFile(file, kLongest).value_or(std::vector<std::uint8_t>());
 }
 
 int CountAlmanacs(std::span<const std::uint8_t> content)

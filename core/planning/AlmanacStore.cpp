@@ -3,13 +3,17 @@
 #include "core/link/Command.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacRecord.h"
+#include "core/platform/AtomicFile.h"
 #include "core/platform/Folders.h"
-#include "core/platform/ReplaceFile.h"
+#include "core/platform/PosixFileOperations.h"
 #include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <fstream>
+#include <iterator>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace fieldcore {
 
@@ -66,36 +70,48 @@ AlmanacStore::AlmanacStore(fs::path folder) : m_folder(std::move(folder)) {}
 AlmanacResult AlmanacStore::Download(CCommand& command, std::size_t& size, const Progress& progress)
 {
     size = 0;
-    m_error = Folders::Create(m_folder);
-    const fs::path temporary = AlmanacTemporaryPath(m_folder);
-    if (!m_error) {
-        // Not through whatever lies there: a link could lead out of the folder.
-        Remove(temporary);
-        m_error = WriteWholeFile(temporary, {});
-    }
+    int handle = -1;
+    m_error = OpenTemporary(handle);
     if (m_error) {
         return AlmanacResult::NotWritten;
     }
-    const auto cancel = [&] {
+    const AlmanacResult result = Receive(command, handle, size, progress);
+    PosixFileOperations::Instance().Close(handle);
+    if (result == AlmanacResult::Cancelled) {
         command.SendAbort();
-        Remove(temporary);
-        return AlmanacResult::Cancelled;
-    };
-    std::ofstream file(temporary, std::ios::binary);
+        Remove(AlmanacTemporaryPath(m_folder));
+    }
+    return result;
+}
+
+std::error_code AlmanacStore::OpenTemporary(int& handle) const
+{
+    if (const std::error_code error = Folders::Create(m_folder)) {
+        return error;
+    }
+    const fs::path temporary = AlmanacTemporaryPath(m_folder);
+    // Not through whatever lies there: a link could lead out of the folder.
+    Remove(temporary);
+    return PosixFileOperations::Instance().Open(temporary, AlmanacPath(m_folder), handle);
+}
+
+AlmanacResult AlmanacStore::Receive(CCommand& command, int handle, std::size_t& size,
+                                    const Progress& progress)
+{
     AlmanacBytes record{};
     for (int prn = 1; prn <= kMaxPrn; ++prn) {
         if (progress && !progress(prn)) {
-            return cancel();
+            return AlmanacResult::Cancelled;
         }
         AlmanacReply reply;
         if (command.RequestAlmanac(prn, reply) != 0) {
             record = ToBytes(reply);
         } else if (command.Fault() == CommandFault::Cancelled) {
-            return cancel();
+            return AlmanacResult::Cancelled;
         }
-        const std::string_view bytes(reinterpret_cast<const char*>(record.data()), record.size());
-        if (!(file << bytes << std::flush)) {
-            m_error = std::make_error_code(std::errc::io_error);
+        m_error = PosixFileOperations::Instance().Write(
+            handle, {reinterpret_cast<const char*>(record.data()), record.size()});
+        if (m_error) {
             break;
         }
         size += record.size();
@@ -103,27 +119,23 @@ AlmanacResult AlmanacStore::Download(CCommand& command, std::size_t& size, const
     if (size == 0) {
         return AlmanacResult::NotWritten;
     }
-    if (progress && !progress(kMaxPrn + 1)) {
-        return cancel();
-    }
-    return AlmanacResult::Done;
+    return progress && !progress(kMaxPrn + 1) ? AlmanacResult::Cancelled : AlmanacResult::Done;
 }
 
 AlmanacResult AlmanacStore::Commit(std::size_t size)
 {
     const fs::path temporary = AlmanacTemporaryPath(m_folder);
+    const std::vector<std::uint8_t> content = ReadAlmanacFile(temporary);
     // Counted, too: a receiver without almanac fills the file with the same record or none.
-    if (size <= kTooFewAlmanacs * kAlmanacRecordSize ||
-        CountAlmanacs(ReadAlmanacFile(temporary)) <= kTooFewAlmanacs) {
+    if (size <= kTooFewAlmanacs * kAlmanacRecordSize || CountAlmanacs(content) <= kTooFewAlmanacs) {
         Remove(temporary);
         return AlmanacResult::TooFew;
     }
-    m_error = ReplaceFile(temporary, AlmanacPath(m_folder));
-    if (m_error) {
-        Remove(temporary);
-        return AlmanacResult::NotReplaced;
-    }
-    return AlmanacResult::Done;
+    m_error =
+        ReplaceFile(AlmanacPath(m_folder), temporary.filename(), std::as_bytes(std::span(content)));
+    // It is still there after an error, and where the almanac is a link to another folder.
+    Remove(temporary);
+    return m_error ? AlmanacResult::NotReplaced : AlmanacResult::Done;
 }
 
 AlmanacResult AlmanacStore::Update(CCommand& command, const Progress& progress)
@@ -131,6 +143,34 @@ AlmanacResult AlmanacStore::Update(CCommand& command, const Progress& progress)
     std::size_t size = 0;
     const AlmanacResult downloaded = Download(command, size, progress);
     return downloaded == AlmanacResult::Done ? Commit(size) : downloaded;
+}
+
+AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records)
+{
+    std::vector<AlmanacRecord> sorted;
+    std::copy_if(records.begin(), records.end(), std::back_inserter(sorted),
+                 [](const AlmanacRecord& r) { return r.prn >= 1 && r.prn <= kMaxPrn; });
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const AlmanacRecord& a, const AlmanacRecord& b) { return a.prn < b.prn; });
+    std::vector<std::uint8_t> content;
+    for (const AlmanacRecord& record : sorted) {
+        const AlmanacBytes bytes = EncodeAlmanac(record);
+        content.insert(content.end(), bytes.begin(), bytes.end());
+    }
+
+    PosixFileOperations& files = PosixFileOperations::Instance();
+    int handle = -1;
+    m_error = OpenTemporary(handle);
+    if (!m_error) {
+        m_error =
+            files.Write(handle, {reinterpret_cast<const char*>(content.data()), content.size()});
+        files.Close(handle);
+    }
+    if (m_error) {
+        Remove(AlmanacTemporaryPath(m_folder));
+        return AlmanacResult::NotWritten;
+    }
+    return Commit(content.size());
 }
 
 } // namespace fieldcore

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/planning/AlmanacRecord.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <system_error>
 
 namespace fieldcore {
@@ -16,7 +18,8 @@ enum class AlmanacResult
     Done,
     NotWritten,  ///< the temporary file could not be made or nothing could be written
     TooFew,      ///< four satellites or fewer; the almanac is as it was
-    NotReplaced, ///< the temporary file could not take its place; the almanac is as it was
+    NotReplaced, ///< the temporary file could not take its place; the almanac is as it was, or
+                 ///< new but not safe from a power cut, where only its folder could not be synced
     NotRead,     ///< there is no almanac
     Cancelled,   ///< by the user; the almanac is as it was
 };
@@ -30,7 +33,7 @@ struct AlmanacMessage
 };
 [[nodiscard]] AlmanacMessage MessageOf(AlmanacResult result);
 
-/// The almanac file in the program's folder: received from the receiver, replaced, and read. All
+/// The almanac file in the program's folder: received from the receiver or given, and replaced. All
 /// calls come from the thread of the command channel.
 class AlmanacStore
 {
@@ -57,10 +60,20 @@ public:
     /// Download() and Commit().
     AlmanacResult Update(CCommand& command, const Progress& progress = {});
 
+    /// Writes @p records into the temporary file, in order of PRN, and Commit()s it. Those whose
+    /// PRN is not 1 to 32 are left out; the values are not looked at. After any result but Done the
+    /// temporary file is gone.
+    AlmanacResult Import(std::span<const AlmanacRecord> records);
+
     /// The system's word on the last NotWritten or NotReplaced, for developers.
     [[nodiscard]] std::error_code LastError() const { return m_error; }
 
 private:
+    /// @param handle  of the empty temporary file, to be closed, if there is no error
+    std::error_code OpenTemporary(int& handle) const;
+    AlmanacResult Receive(CCommand& command, int handle, std::size_t& size,
+                          const Progress& progress);
+
     std::filesystem::path m_folder;
     std::error_code m_error;
 };

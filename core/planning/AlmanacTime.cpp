@@ -4,14 +4,24 @@
 
 namespace fieldcore {
 
+namespace {
+
+constexpr double kWeekS = 7 * 86400.0;
+
+bool HasTime(const KeplerElements& elements)
+{
+    return elements.week >= 0 && elements.toaS >= 0.0 && elements.toaS <= kWeekS;
+}
+
+} // namespace
+
 CGPSTime AlmanacTime(const CSurveyPlanCalc& calc)
 {
-    const CGPSTime none(0, 0.0);
-    CGPSTime latest = none;
+    CGPSTime latest(0, 0.0);
     for (int i = 0; i < CSurveyPlanCalc::kSatellites; ++i) {
-        if (calc.IsValid(i) != 0) {
-            const KeplerElements& elements = calc.GetSatellite(i).GetOrbit().Elements();
-            CGPSTime time = none; // stays where the record has no usable time
+        const KeplerElements& elements = calc.GetSatellite(i).GetOrbit().Elements();
+        if (calc.IsValid(i) != 0 && HasTime(elements)) {
+            CGPSTime time = latest;
             time.SetGpsTime(elements.week, elements.toaS);
             if (time > latest) {
                 latest = time;

@@ -6,7 +6,8 @@
 namespace fieldcore {
 
 /// The latest reference time among the valid satellites of @p calc, week 1024 if there is none. A
-/// record whose week is negative does not count.
+/// record whose time cannot be one does not count: its week is negative, or its reference time not
+/// 0 to 604800 s.
 [[nodiscard]] CGPSTime AlmanacTime(const CSurveyPlanCalc& calc);
 
 /// Whether a plan that begins at @p start should not be made with an almanac of @p almanac: it is

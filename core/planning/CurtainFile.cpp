@@ -1,11 +1,11 @@
 #include "core/planning/CurtainFile.h"
 
+#include "core/platform/AtomicFile.h"
 #include "core/platform/Folders.h"
-#include "core/platform/ReplaceFile.h"
+#include "core/platform/WholeFile.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <vector>
+#include <span>
 
 namespace fieldcore {
 
@@ -19,8 +19,9 @@ fs::path CurtainPath(const fs::path& folder)
 ObstructionCurtain LoadCurtain(const fs::path& folder)
 {
     ObstructionCurtain curtain{};
-    const std::vector<std::uint8_t> content = ReadWholeFile(CurtainPath(folder), curtain.size());
-    std::copy(content.begin(), content.end(), curtain.begin());
+    if (const auto content = ReadWholeFile(CurtainPath(folder), curtain.size())) {
+        std::copy(content->begin(), content->end(), curtain.begin());
+    }
     return curtain;
 }
 
@@ -29,16 +30,7 @@ std::error_code SaveCurtain(const fs::path& folder, const ObstructionCurtain& cu
     if (const std::error_code error = Folders::Create(folder)) {
         return error;
     }
-    const fs::path temporary = folder / "CurTain.obs.new";
-    std::error_code error = WriteWholeFile(temporary, curtain);
-    if (!error) {
-        error = ReplaceFile(temporary, CurtainPath(folder));
-    }
-    if (error) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-    }
-    return error;
+    return ReplaceFile(CurtainPath(folder), "CurTain.obs.new", std::as_bytes(std::span(curtain)));
 }
 
 } // namespace fieldcore

@@ -36,6 +36,12 @@ AtomicFile::~AtomicFile()
 
 std::error_code AtomicFile::Open()
 {
+    std::error_code ignored; // what cannot be looked at cannot be opened beside either
+    const fs::file_status status = fs::status(m_file, ignored);
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        // The rename would put a file in the place of a pipe or a device.
+        return std::make_error_code(std::errc::not_supported);
+    }
     return m_operations.Open(m_temporary, m_file, m_handle);
 }
 
@@ -67,6 +73,17 @@ void AtomicFile::Abandon()
         m_operations.Close(m_handle);
         m_handle = -1;
     }
+}
+
+std::error_code ReplaceFile(const fs::path& file, const fs::path& temporaryName,
+                            std::span<const std::byte> content)
+{
+    AtomicFile replacement(file, temporaryName);
+    std::error_code error = replacement.Open();
+    if (!error) {
+        error = replacement.Write({reinterpret_cast<const char*>(content.data()), content.size()});
+    }
+    return error ? error : replacement.Commit();
 }
 
 } // namespace fieldcore

@@ -3,7 +3,9 @@
 #include "core/platform/FileOperations.h"
 #include "core/platform/PosixFileOperations.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <span>
 #include <string_view>
 #include <system_error>
 
@@ -29,6 +31,7 @@ public:
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
+    /// Refused if something other than a regular file is there to be replaced.
     [[nodiscard]] std::error_code Open();
 
     [[nodiscard]] std::error_code Write(std::string_view bytes);
@@ -47,5 +50,12 @@ private:
     std::filesystem::path m_temporary;
     int m_handle = -1;
 };
+
+/// Replaces @p file by one with @p content: Open(), Write() and Commit() of an AtomicFile.
+/// @param temporaryName  without a folder
+/// @return what went wrong; as after these, the old file is then still there
+[[nodiscard]] std::error_code ReplaceFile(const std::filesystem::path& file,
+                                          const std::filesystem::path& temporaryName,
+                                          std::span<const std::byte> content);
 
 } // namespace fieldcore

@@ -4,7 +4,7 @@
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacRecord.h"
 #include "core/platform/FastClock.h"
-#include "core/platform/ReplaceFile.h"
+#include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
 #include "tests/core/planning/SampleSky.h"
@@ -47,6 +47,13 @@ Scenario ReceiverWith(std::initializer_list<int> prns)
     return scenario;
 }
 
+void WriteTemporary(const fs::path& folder, const std::vector<std::uint8_t>& content)
+{
+    std::ofstream(AlmanacTemporaryPath(folder), std::ios::binary)
+        .write(reinterpret_cast<const char*>(content.data()),
+               static_cast<std::streamsize>(content.size()));
+}
+
 class QuietHost : public Host
 {
 public:
@@ -74,7 +81,7 @@ protected:
     }
     [[nodiscard]] std::vector<std::uint8_t> Almanac() const
     {
-        return ReadWholeFile(AlmanacPath(folder.Path()), kMost);
+        return ReadWholeFile(AlmanacPath(folder.Path()), kMost).value();
     }
     [[nodiscard]] bool HasTemporary() const
     {
@@ -200,11 +207,33 @@ TEST(AlmanacStore, NeedsFiveSatellites)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         const TemporaryFolder folder;
-        ASSERT_FALSE(WriteWholeFile(AlmanacTemporaryPath(folder.Path()), row.content));
+        WriteTemporary(folder.Path(), row.content);
         EXPECT_EQ(AlmanacStore(folder.Path()).Commit(row.size), row.result);
         EXPECT_EQ(fs::exists(AlmanacPath(folder.Path())), row.result == AlmanacResult::Done);
         EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path())));
     }
+}
+
+TEST(AlmanacStore, TakesRecordsThatAreGivenToIt)
+{
+    const TemporaryFolder folder;
+    AlmanacStore store(folder.Path() / "new");
+    std::vector<AlmanacRecord> records;
+    for (const int prn : {5, 3, 1, 2, 4}) {
+        records.push_back(SampleSatellite(prn));
+    }
+    AlmanacRecord none = SampleSatellite(6);
+    none.prn = 33;
+    records.push_back(none);
+    EXPECT_EQ(store.Import(records), AlmanacResult::Done);
+    const auto content = ReadAlmanacFile(AlmanacPath(folder.Path() / "new"));
+    EXPECT_EQ(content, SampleFile(5)) << "in order of PRN";
+
+    records.erase(records.begin());
+    EXPECT_EQ(store.Import(records), AlmanacResult::TooFew);
+    EXPECT_EQ(ReadAlmanacFile(AlmanacPath(folder.Path() / "new")), content);
+    EXPECT_EQ(store.Import({}), AlmanacResult::TooFew);
+    EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path() / "new")));
 }
 
 TEST(AlmanacStore, TellsTheUserWhatHappened)
@@ -227,8 +256,8 @@ TEST(AlmanacStore, TellsTheUserWhatHappened)
     AlmanacStore store(folder);
     for (int turn = 0;; ++turn) {
         const auto content = SampleFile(turn % 2 == 0 ? 30 : 12);
-        if (WriteWholeFile(AlmanacTemporaryPath(folder), content) ||
-            store.Commit(content.size()) != AlmanacResult::Done) {
+        WriteTemporary(folder, content);
+        if (store.Commit(content.size()) != AlmanacResult::Done) {
             _exit(1);
         }
         if (turn == 0 && write(ready, "!", 1) != 1) {
@@ -260,7 +289,7 @@ TEST(AlmanacStore, LeavesAWholeAlmanacWhenItIsKilled)
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
         ASSERT_TRUE(WIFSIGNALED(status));
-        const auto content = ReadWholeFile(AlmanacPath(folder.Path()), kMost);
+        const auto content = ReadWholeFile(AlmanacPath(folder.Path()), kMost).value();
         ASSERT_TRUE(content == longer || content == shorter) << "kill " << kill;
     }
 }

@@ -146,9 +146,14 @@ TEST(AlmanacTime, IsTheLatestOfTheValidSatellites)
     broadcast.week = 176; // 1200 in the cycle before
     AlmanacRecord broken = SampleSatellite(4);
     broken.week = -1;
+    AlmanacRecord beyond = SampleSatellite(5);
+    beyond.toaS = 604801;
+    AlmanacRecord lastSecond = SampleSatellite(6);
+    lastSecond.week = 1100;
+    lastSecond.toaS = 604800;
     CSurveyPlanCalc calc;
     EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "no almanac";
-    ASSERT_TRUE(calc.LoadAlmanac(FileOf({early, late, broadcast, broken})));
+    ASSERT_TRUE(calc.LoadAlmanac(FileOf({early, late, broadcast, broken, beyond, lastSecond})));
     EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek + 1);
     EXPECT_EQ((AlmanacTime(calc).GetUtcTime() - CGPSTime::m_OriginalTime).GetTotalSeconds(),
               (kSampleWeek + 1) * 604800LL + 61440);
@@ -157,7 +162,9 @@ TEST(AlmanacTime, IsTheLatestOfTheValidSatellites)
     calc.SetUse(0, 0);
     EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1200) << "a 10-bit week";
     calc.SetUse(2, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "a week that is none never wins";
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1101) << "at the very end of its week";
+    calc.SetUse(5, 0);
+    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "a time that is none never wins";
 }
 
 TEST(AlmanacTime, IsOldAfterThirtyDays)

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "core/planning/AlmanacText.h"
+
+#include <string_view>
+
+namespace fieldcore {
+
+/// As ParseAlmanacText() says of YUMA; the week of a record is that of the text. After an error the
+/// satellites before it are there.
+[[nodiscard]] AlmanacText ParseYuma(std::string_view text);
+
+} // namespace fieldcore

@@ -1,0 +1,52 @@
+#include "core/platform/WholeFile.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fieldcore {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+std::optional<Bytes> Read(int descriptor, std::size_t limit)
+{
+    struct stat info = {};
+    if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+        return std::nullopt;
+    }
+    Bytes content(limit);
+    std::size_t length = 0;
+    while (length < limit) {
+        const ssize_t count = ::read(descriptor, content.data() + length, limit - length);
+        if (count == 0) {
+            break;
+        }
+        if (count > 0) {
+            length += static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+    content.resize(length);
+    return content;
+}
+
+} // namespace
+
+std::optional<Bytes> ReadWholeFile(const std::filesystem::path& file, std::size_t limit)
+{
+    // Without O_NONBLOCK, opening a pipe that lies under the name would wait for its other end.
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        return std::nullopt;
+    }
+    std::optional<Bytes> content = Read(descriptor, limit);
+    ::close(descriptor);
+    return content;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,100 @@
+#include "core/planning/CurtainText.h"
+
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <random>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+TEST(CurtainText, HoldsAnElevationUpToTheNextLine)
+{
+    const CurtainText read = ParseCurtainText("\xEF\xBB\xBF# a house\r\n\r\n 10\t20 # its wall\r\n"
+                                              "12 0\n359 90");
+    ASSERT_FALSE(read.error) << read.error->message;
+    ObstructionCurtain expected{};
+    expected[10] = 20;
+    expected[11] = 20;
+    expected[359] = 90;
+    EXPECT_EQ(read.curtain, expected);
+    EXPECT_EQ(ParseCurtainText("# open sky\n").curtain, ObstructionCurtain{});
+}
+
+TEST(CurtainText, NamesTheLineAndTheFieldThatAreWrong)
+{
+    struct Row
+    {
+        std::string_view text;
+        int line;
+        std::string_view field;
+        std::string_view message; ///< part of it
+    };
+    const Row rows[] = {
+        {"", 0, "", "empty"},
+        {"\n \r\n", 0, "", "empty"},
+        {"0 5\n360 5\n", 2, "azimuth", "0 to 359"},
+        {"-1 5", 1, "azimuth", "0 to 359"},
+        {"north 5", 1, "azimuth", "not a number"},
+        {"1.5 5", 1, "azimuth", "whole"},
+        {"0 91", 1, "elevation", "0 to 90"},
+        {"0 -1", 1, "elevation", "0 to 90"},
+        {"0 4.5", 1, "elevation", "whole"},
+        {"0 # 5", 1, "elevation", "no number"},
+        {"0, 5", 1, "azimuth", "not a number"},
+        {"0 5 9", 1, "", "\"9\" is too much"},
+        {"0 5\n\n20 5\n20 6\n", 4, "azimuth", "greater than in the line before, 20"},
+        {"20 5\n0 6\n", 2, "azimuth", "greater"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        const CurtainText read = ParseCurtainText(row.text);
+        ASSERT_TRUE(read.error);
+        EXPECT_EQ(read.error->line, row.line);
+        EXPECT_EQ(read.error->field, row.field);
+        EXPECT_NE(read.error->message.find(row.message), std::string::npos) << read.error->message;
+        EXPECT_EQ(read.curtain, ObstructionCurtain{});
+    }
+    EXPECT_TRUE(ParseCurtainText(std::string((1 << 20) + 1, '#')).error);
+}
+
+TEST(CurtainText, ComesBackAsItWas)
+{
+    std::minstd_rand random(360);
+    for (int i = 0; i < 200; ++i) {
+        ObstructionCurtain curtain{};
+        std::uint8_t elevation = 0;
+        for (std::uint8_t& entry : curtain) {
+            // From runs of one entry to the whole circle.
+            elevation = random() % static_cast<unsigned>(1 + i * 2) == 0
+                            ? static_cast<std::uint8_t>(random() % 91)
+                            : elevation;
+            entry = elevation;
+        }
+        const CurtainText read = ParseCurtainText(FormatCurtainText(curtain));
+        ASSERT_FALSE(read.error) << read.error->message;
+        ASSERT_EQ(read.curtain, curtain) << i;
+    }
+}
+
+TEST(CurtainText, WritesOnlyWhatChanges)
+{
+    ObstructionCurtain curtain{};
+    curtain[3] = 7;
+    curtain[4] = 91; // no text can say more than 90
+    curtain[5] = 255;
+    const std::string text = FormatCurtainText(curtain);
+    EXPECT_EQ(text.substr(text.rfind('#')).substr(text.substr(text.rfind('#')).find('\n')),
+              "\n3 7\n4 90\n6 0\n");
+
+    const TemporaryFolder folder;
+    const auto file = folder.Write("site.txt", "old");
+    EXPECT_FALSE(SaveCurtainText(file, curtain));
+    EXPECT_EQ(LoadCurtainText(file).curtain, ParseCurtainText(text).curtain);
+}
+
+} // namespace
+} // namespace fieldcore

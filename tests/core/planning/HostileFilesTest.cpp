@@ -1,0 +1,234 @@
+// Almanac and curtain, binary and as text, where the file is not what it should be.
+
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/AlmanacText.h"
+#include "core/planning/CurtainFile.h"
+#include "core/planning/CurtainText.h"
+#include "core/planning/SurveyPlanCalc.h"
+#include "tests/core/planning/SampleSky.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/core/settings/FileSizeLimit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <iterator>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::FileSizeLimit;
+using testing::SampleFile;
+using testing::SampleSatellite;
+
+constexpr std::string_view kAlmanacName = "GSurveyPlan.alm";
+constexpr std::string_view kCurtainName = "CurTain.obs";
+constexpr std::string_view kTextName = "curtain.txt";
+
+std::vector<AlmanacRecord> SixSatellites()
+{
+    std::vector<AlmanacRecord> records;
+    for (int prn = 1; prn <= 6; ++prn) {
+        records.push_back(SampleSatellite(prn));
+    }
+    return records;
+}
+
+ObstructionCurtain Striped()
+{
+    ObstructionCurtain curtain{};
+    for (std::size_t k = 0; k < curtain.size(); ++k) {
+        curtain[k] = static_cast<std::uint8_t>(k % 2 == 0 ? 10 : 20);
+    }
+    return curtain;
+}
+
+/// The three files with content of which none is what the writers here write.
+void WriteOldFiles(const TemporaryFolder& folder)
+{
+    const auto almanac = SampleFile(30);
+    folder.Write(kAlmanacName, std::string(almanac.begin(), almanac.end()));
+    folder.Write(kCurtainName, std::string(360, '\x05'));
+    folder.Write(kTextName, "0 5\n");
+}
+
+/// Whether these are there, and nothing else is in the folder.
+bool HasOldFilesOnly(const fs::path& folder)
+{
+    ObstructionCurtain five{};
+    five.fill(5);
+    return ReadAlmanacFile(folder / kAlmanacName) == SampleFile(30) &&
+           LoadCurtain(folder) == five && LoadCurtainText(folder / kTextName).curtain == five &&
+           std::distance(fs::directory_iterator(folder), {}) == 3;
+}
+
+TEST(HostileFiles, CutAnywhereAnAlmanacKeepsItsWholeRecords)
+{
+    const auto content = SampleFile(3);
+    CSurveyPlanCalc calc;
+    for (std::size_t length = 0; length < content.size(); ++length) {
+        const auto whole = static_cast<int>(length / kAlmanacRecordSize);
+        EXPECT_EQ(calc.LoadAlmanac(std::span(content).first(length)), whole > 0) << length;
+        for (int index = 0; index < 3; ++index) {
+            EXPECT_EQ(calc.IsValid(index), index < whole ? 1 : 0) << length;
+        }
+    }
+}
+
+TEST(HostileFiles, AFlippedBitConcernsOneSatellite)
+{
+    auto content = SampleFile(2);
+    CSurveyPlanCalc good;
+    CSurveyPlanCalc damaged;
+    ASSERT_TRUE(good.LoadAlmanac(content));
+    for (CSurveyPlanCalc* calc : {&good, &damaged}) {
+        calc->SetTime(testing::kSampleWeek, 400000.0);
+    }
+    static_cast<void>(good.TestVisibility(1));
+    const double x = good.GetSatellite(1).GetPosition().x;
+    ASSERT_NE(x, 0.0);
+    for (std::size_t bit = 0; bit < 8 * kAlmanacRecordSize; ++bit) {
+        content[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+        ASSERT_TRUE(damaged.LoadAlmanac(content));
+        content[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+        static_cast<void>(damaged.CountVisible());
+        static_cast<void>(damaged.ComputeDop());
+        EXPECT_EQ(damaged.GetSatellite(1).GetPosition().x, x) << bit;
+        const CAlmanacSatellite& first = damaged.GetSatellite(0);
+        EXPECT_TRUE(first.IsVisible() == 0 || std::isfinite(first.GetPosition().x)) << bit;
+    }
+}
+
+TEST(HostileFiles, CutAnywhereACurtainLosesOnlyWhatIsCutOff)
+{
+    const ObstructionCurtain curtain = Striped();
+    const TemporaryFolder folder;
+    const auto file = folder.Write(kCurtainName, std::string(curtain.begin(), curtain.end()));
+    for (std::size_t length = curtain.size(); length-- > 0;) {
+        fs::resize_file(file, length);
+        ObstructionCurtain expected{};
+        std::copy_n(curtain.begin(), length, expected.begin());
+        ASSERT_EQ(LoadCurtain(folder.Path()), expected) << length;
+    }
+    const std::string text = FormatCurtainText(curtain); // a line for each entry
+    const std::size_t header = text.find("\n0 10\n") + 1;
+    for (std::size_t length = header; length < text.size(); ++length) {
+        const std::string cut = text.substr(0, length);
+        const auto lines =
+            std::count(cut.begin() + static_cast<std::ptrdiff_t>(header), cut.end(), '\n');
+        const CurtainText read = ParseCurtainText(cut);
+        EXPECT_TRUE(std::equal(curtain.begin(), curtain.begin() + (read.error ? 0 : lines),
+                               read.curtain.begin()))
+            << length;
+        EXPECT_TRUE(!read.error || read.error->field == "elevation") << length;
+    }
+}
+
+TEST(HostileFiles, WhatIsNoFileIsNotReadAndNotReplaced)
+{
+    struct Row
+    {
+        const char* what;
+        std::function<void(const fs::path&)> make;
+        fs::file_type type; ///< that it has before and afterwards
+    };
+    const Row rows[] = {
+        {"a folder", [](const fs::path& p) { fs::create_directories(p / "in the way"); },
+         fs::file_type::directory},
+        {"a pipe that nobody writes to",
+         [](const fs::path& p) { ASSERT_EQ(mkfifo(p.c_str(), 0600), 0); }, fs::file_type::fifo},
+        {"a device without an end", [](const fs::path& p) { fs::create_symlink("/dev/zero", p); },
+         fs::file_type::character},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const TemporaryFolder folder;
+        const fs::path& path = folder.Path();
+        for (const std::string_view name : {kAlmanacName, kCurtainName, kTextName}) {
+            row.make(path / name);
+        }
+        CSurveyPlanCalc calc;
+        EXPECT_FALSE(calc.LoadAlmanac(path / kAlmanacName));
+        EXPECT_EQ(LoadCurtain(path), ObstructionCurtain{});
+        for (const auto& error : {LoadAlmanacText(path / kTextName, {}).error,
+                                  LoadCurtainText(path / kTextName).error}) {
+            ASSERT_TRUE(error);
+            EXPECT_EQ(error->line, 0);
+            EXPECT_EQ(error->message, "is no file that can be read");
+        }
+        EXPECT_EQ(AlmanacStore(path).Import(SixSatellites()), AlmanacResult::NotReplaced);
+        EXPECT_TRUE(SaveCurtain(path, Striped()));
+        EXPECT_TRUE(SaveCurtainText(path / kTextName, Striped()));
+        for (const std::string_view name : {kAlmanacName, kCurtainName, kTextName}) {
+            EXPECT_EQ(fs::status(path / name).type(), row.type) << name;
+        }
+        EXPECT_EQ(std::distance(fs::directory_iterator(path), {}), 3) << "something was left";
+    }
+}
+
+TEST(HostileFiles, APipeUnderTheTemporaryNameStopsNobody)
+{
+    const TemporaryFolder folder;
+    WriteOldFiles(folder);
+    const fs::path pipe = folder.Path() / "CurTain.obs.new";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_TRUE(SaveCurtain(folder.Path(), Striped()));
+    fs::rename(pipe, AlmanacTemporaryPath(folder.Path())); // what a store removes first
+    EXPECT_EQ(AlmanacStore(folder.Path()).Import(SixSatellites()), AlmanacResult::Done);
+    EXPECT_EQ(ReadAlmanacFile(folder.Path() / kAlmanacName), SampleFile(6));
+}
+
+TEST(HostileFiles, AFullDiskLeavesTheOldOnes)
+{
+    const TemporaryFolder folder;
+    WriteOldFiles(folder);
+    {
+        const FileSizeLimit limit(100);
+        EXPECT_EQ(AlmanacStore(folder.Path()).Import(SixSatellites()), AlmanacResult::NotWritten);
+        EXPECT_TRUE(SaveCurtain(folder.Path(), Striped()));
+        EXPECT_TRUE(SaveCurtainText(folder.Path() / kTextName, Striped()));
+    }
+    EXPECT_TRUE(HasOldFilesOnly(folder.Path()));
+}
+
+TEST(HostileFiles, AReadOnlyFolderLeavesTheOldOnes)
+{
+    const TemporaryFolder folder;
+    WriteOldFiles(folder);
+    ASSERT_EQ(chmod(folder.Path().c_str(), 0555), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // Root may write everywhere.
+        constexpr uid_t kNobody = 65534;
+        if (geteuid() == 0 && setuid(kNobody) != 0) {
+            _exit(1);
+        }
+        const bool kept =
+            HasOldFilesOnly(folder.Path()) && // it can be read, at least
+            AlmanacStore(folder.Path()).Import(SixSatellites()) == AlmanacResult::NotWritten &&
+            SaveCurtain(folder.Path(), Striped()) &&
+            SaveCurtainText(folder.Path() / kTextName, Striped()) && HasOldFilesOnly(folder.Path());
+        _exit(kept ? 0 : 2);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    chmod(folder.Path().c_str(), 0755);
+}
+
+} // namespace
+} // namespace fieldcore
