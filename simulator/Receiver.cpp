@@ -3,6 +3,7 @@
 #include "simulator/IdentityReplies.h"
 #include "simulator/Models.h"
 #include "simulator/SatelliteReplies.h"
+#include "simulator/StateReplies.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,20 +69,8 @@ const Receiver::Handler Receiver::kHandlers[] = {
 
 Receiver::Receiver(const Scenario& scenario, const Clock& clock)
     : m_scenario(scenario), m_clock(clock), m_steadyAtStart(clock.Steady()),
-      m_utcAtStart(scenario.start.value_or(clock.Utc())), m_almanacs(scenario.almanacs),
-      m_baudRate(scenario.baudRate)
-{
-    if (scenario.nominalAlmanacs) {
-        for (const Almanac& nominal : NominalAlmanacs(Now().week)) {
-            const bool isGiven =
-                std::any_of(m_almanacs.begin(), m_almanacs.end(),
-                            [&](const Almanac& given) { return given.prn == nominal.prn; });
-            if (!isGiven) {
-                m_almanacs.push_back(nominal);
-            }
-        }
-    }
-}
+      m_utcAtStart(scenario.start.value_or(clock.Utc())), m_baudRate(scenario.baudRate)
+{}
 
 std::vector<Bytes> Receiver::Answer(const Request& request)
 {
@@ -132,6 +121,16 @@ GpsTime Receiver::Now() const
     return ToGpsTime(Utc(), m_scenario.utcOffsetS);
 }
 
+Sky Receiver::SkyNow() const
+{
+    return SkyAt(m_scenario, Now());
+}
+
+std::vector<Almanac> Receiver::HeldAlmanacs() const
+{
+    return m_wasReset ? std::vector<Almanac>() : AlmanacsAt(m_scenario, Now());
+}
+
 int Receiver::BatteryPercent() const
 {
     const double drained = m_scenario.batteryDrainPerHour * ElapsedS() / 3600.0;
@@ -151,7 +150,7 @@ std::vector<Bytes> Receiver::Serial(Data data)
 
 std::vector<Bytes> Receiver::Status(Data data)
 {
-    return IfEmpty(data, StatusReply(m_scenario, BatteryPercent()));
+    return IfEmpty(data, StatusReply(m_scenario, SkyNow(), BatteryPercent()));
 }
 
 std::vector<Bytes> Receiver::Time(Data data)
@@ -162,10 +161,10 @@ std::vector<Bytes> Receiver::Time(Data data)
 std::vector<Bytes> Receiver::Satellites(Data data)
 {
     if (data.empty()) {
-        return {SatelliteList(m_scenario)};
+        return {SatelliteList(m_scenario, SkyNow())};
     }
     if (Is(data, {1}) || Is(data, {2})) {
-        return SatelliteFrames(m_scenario, data[0]);
+        return SatelliteFrames(m_scenario, SkyNow(), data[0]);
     }
     return Nak();
 }
@@ -183,7 +182,7 @@ std::vector<Bytes> Receiver::Echo(Data data)
 
 std::vector<Bytes> Receiver::Position(Data data)
 {
-    return IfEmpty(data, PositionReply(m_scenario, Now()));
+    return IfEmpty(data, PositionReply(m_scenario, SkyNow(), Now()));
 }
 
 std::vector<Bytes> Receiver::PowerSource(Data data)
@@ -208,13 +207,13 @@ std::vector<Bytes> Receiver::InstalledOptions(Data data)
 std::vector<Bytes> Receiver::SatelliteData(Data data)
 {
     if (Is(data, {0x00, 0x00, 0x00}) || Is(data, {0x00, 0x00, 0x01})) {
-        return {SatelliteStateReply(m_scenario, m_almanacs, data[2] == 1)};
+        return {SatelliteStateReply(m_scenario, SkyNow(), HeldAlmanacs(), data[2] == 1)};
     }
     if (data.size() == 4 && data[0] == 0x14 && data[2] == 4 && data[3] == 0) {
-        return {OtherSatelliteReply(m_scenario, data[1])};
+        return {OtherSatelliteReply(SkyNow(), data[1])};
     }
     if (data.size() == 3 && data[0] == 2 && data[2] == 0) {
-        for (const Almanac& almanac : m_almanacs) {
+        for (const Almanac& almanac : HeldAlmanacs()) {
             if (almanac.prn == data[1]) {
                 return {AlmanacReply(almanac)};
             }
@@ -258,7 +257,7 @@ std::vector<Bytes> Receiver::Reset(Data data)
     if (!Is(data, {0xFF, 0x02, 'R', 'E', 'S', 'E', 'T'})) {
         return Nak();
     }
-    m_almanacs.clear();
+    m_wasReset = true;
     m_kept.fill({});
     m_tilt = TiltSensor();
     return Ack();

@@ -2,9 +2,10 @@
 
 #include "core/platform/Clock.h"
 #include "simulator/Frame.h"
+#include "simulator/GpsTime.h"
 #include "simulator/RequestParser.h"
 #include "simulator/Scenario.h"
-#include "simulator/StateReplies.h"
+#include "simulator/Sky.h"
 #include "simulator/TiltSensor.h"
 
 #include <array>
@@ -47,6 +48,8 @@ private:
     [[nodiscard]] Clock::UtcTime Utc() const;
     [[nodiscard]] double ElapsedS() const; ///< receiver's seconds since it started
     [[nodiscard]] GpsTime Now() const;
+    [[nodiscard]] Sky SkyNow() const;
+    [[nodiscard]] std::vector<Almanac> HeldAlmanacs() const;
     [[nodiscard]] int BatteryPercent() const;
     [[nodiscard]] Frames Keep(std::uint8_t type, Data data);
 
@@ -76,10 +79,10 @@ private:
     const Clock& m_clock;
     const Clock::Duration m_steadyAtStart;
     const Clock::UtcTime m_utcAtStart;
-    std::vector<Almanac> m_almanacs;
     TiltSensor m_tilt;
     std::uint32_t m_baudRate;
     bool m_isOff = false;
+    bool m_wasReset = false; // its almanacs are gone
     std::array<Bytes, 256> m_kept;
 };
 

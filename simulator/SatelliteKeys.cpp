@@ -76,11 +76,6 @@ bool ReadListForm(Words& words, Scenario& scenario)
 
 bool ReadAlmanac(Words& words, Scenario& scenario)
 {
-    if (words.Peek() == "nominal") {
-        words.Take();
-        scenario.nominalAlmanacs = true;
-        return true;
-    }
     constexpr long kMaxU32 = 4'294'967'295;
     constexpr double kHuge = 1e6; // any finite element may be tried on a controller
     Almanac almanac;

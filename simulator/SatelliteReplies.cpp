@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 namespace fieldcore::simulator {
 
@@ -11,12 +10,6 @@ namespace {
 constexpr std::uint8_t kList = 0x17;
 constexpr std::uint8_t kData = 0x55;
 constexpr std::size_t kMaxData = 255;
-
-bool IsTracked(const Satellite& satellite)
-{
-    return std::any_of(satellite.signals.begin(), satellite.signals.end(),
-                       [](const std::optional<double>& signal) { return signal.has_value(); });
-}
 
 /// The number of a satellite on the wire, where the systems share one row of numbers.
 unsigned WireNumber(const Satellite& satellite)
@@ -63,11 +56,11 @@ void PutText(DataWriter& out, const Satellite& satellite, bool withSecond)
     }
 }
 
-Bytes TextList(const Scenario& scenario)
+Bytes TextList(const Scenario& scenario, const Sky& sky)
 {
     const bool withSecond = scenario.listForm == ListForm::Text2;
     const std::size_t room = (kMaxData - 3) / (withSecond ? 15 : 10);
-    std::vector<Satellite> listed = Listed(scenario, false);
+    std::vector<Satellite> listed = Listed(sky, false);
     std::erase_if(listed, [](const Satellite& satellite) {
         return satellite.system != SatelliteSystem::Gps &&
                satellite.system != SatelliteSystem::Sbas;
@@ -81,10 +74,10 @@ Bytes TextList(const Scenario& scenario)
     return out.Frame(kList);
 }
 
-Bytes BinaryList(const Scenario& scenario)
+Bytes BinaryList(const Scenario& scenario, const Sky& sky)
 {
     constexpr std::size_t kRoom = (kMaxData - 3) / 8; // the longest record has eight bytes
-    std::vector<Satellite> listed = Listed(scenario, false);
+    std::vector<Satellite> listed = Listed(sky, false);
     listed.resize(std::min(listed.size(), kRoom));
     DataWriter out;
     out.Digits(static_cast<long>(listed.size()), 2).U8(scenario.signalMask);
@@ -120,22 +113,15 @@ bool HasSecondSignal(const Satellite& satellite)
 
 } // namespace
 
-std::vector<Satellite> Listed(const Scenario& scenario, bool inView)
+Bytes SatelliteList(const Scenario& scenario, const Sky& sky)
 {
-    std::vector<Satellite> listed;
-    std::copy_if(scenario.satellites.begin(), scenario.satellites.end(), std::back_inserter(listed),
-                 [&](const Satellite& satellite) { return inView || IsTracked(satellite); });
-    return listed;
+    return scenario.listForm == ListForm::Binary ? BinaryList(scenario, sky)
+                                                 : TextList(scenario, sky);
 }
 
-Bytes SatelliteList(const Scenario& scenario)
+std::vector<Bytes> SatelliteFrames(const Scenario& scenario, const Sky& sky, std::uint8_t form)
 {
-    return scenario.listForm == ListForm::Binary ? BinaryList(scenario) : TextList(scenario);
-}
-
-std::vector<Bytes> SatelliteFrames(const Scenario& scenario, std::uint8_t form)
-{
-    const std::vector<Satellite> listed = Listed(scenario, form == 2);
+    const std::vector<Satellite> listed = Listed(sky, form == 2);
     const std::size_t frames =
         std::max<std::size_t>((listed.size() + kRecordsPerFrame - 1) / kRecordsPerFrame, 1);
     std::vector<Bytes> all;
@@ -164,8 +150,8 @@ Bytes AlmanacReply(const Almanac& almanac)
     return out.Frame(kData);
 }
 
-Bytes SatelliteStateReply(const Scenario& scenario, const std::vector<Almanac>& almanacs,
-                          bool withGlonass)
+Bytes SatelliteStateReply(const Scenario& scenario, const Sky& sky,
+                          const std::vector<Almanac>& almanacs, bool withGlonass)
 {
     unsigned held = 0;
     unsigned healthy = 0;
@@ -177,7 +163,7 @@ Bytes SatelliteStateReply(const Scenario& scenario, const std::vector<Almanac>& 
         newest = almanac.week > newest.week ? almanac : newest;
     }
     const auto gps = [&](auto counts) {
-        return Mask(scenario.satellites, SatelliteSystem::Gps, counts);
+        return Mask(sky.satellites, SatelliteSystem::Gps, counts);
     };
     DataWriter out;
     out.U8(0).U8(0);
@@ -188,7 +174,7 @@ Bytes SatelliteStateReply(const Scenario& scenario, const std::vector<Almanac>& 
     out.U32(newest.toaS).U32(newest.stamp);
     if (withGlonass) {
         const auto glonass = [&](auto counts) {
-            return Mask(scenario.satellites, SatelliteSystem::Glonass, counts);
+            return Mask(sky.satellites, SatelliteSystem::Glonass, counts);
         };
         out.U24(0).U24(glonass(IsTracked)).U24(glonass(Always)).U24(0xFFFFFF);
         out.U24(glonass(IsTracked)).U24(glonass(HasSecondSignal)).U24(glonass(IsTracked));
@@ -196,40 +182,16 @@ Bytes SatelliteStateReply(const Scenario& scenario, const std::vector<Almanac>& 
     return out.Frame(kData);
 }
 
-Bytes OtherSatelliteReply(const Scenario& scenario, std::uint8_t first)
+Bytes OtherSatelliteReply(const Sky& sky, std::uint8_t first)
 {
     const auto other = [&](auto counts) {
-        return Mask(scenario.satellites, SatelliteSystem::Other, counts) & 0xFFFFU;
+        return Mask(sky.satellites, SatelliteSystem::Other, counts) & 0xFFFFU;
     };
     DataWriter out;
     out.U8(0x14).U8(first).U8(4).U8(0).U8(2);
     out.U16(0).U16(other(IsTracked)).U16(other(Always));
     out.U16(other(IsTracked)).U16(other(HasSecondSignal));
     return out.Frame(kData);
-}
-
-std::vector<Almanac> NominalAlmanacs(int week)
-{
-    constexpr int kPlanes = 6;
-    constexpr int kSlots = 4;
-    std::vector<Almanac> all;
-    for (int plane = 0; plane < kPlanes; ++plane) {
-        for (int slot = 0; slot < kSlots; ++slot) {
-            Almanac almanac;
-            almanac.prn = plane * kSlots + slot + 1;
-            almanac.week = week;
-            almanac.toaS = 147456; // a multiple of 4096 s, as satellites send it
-            almanac.stamp = static_cast<std::uint32_t>(week) * 604800U + almanac.toaS;
-            almanac.sqrtA = 5153.81; // half a sidereal day
-            almanac.inclination = 55.0 / 180.0;
-            almanac.omegaDot = -2.6e-9;
-            // Planes 60 degrees apart, slots 90, each plane 15 degrees ahead of the one before.
-            almanac.omega0 = (60.0 * plane - 180.0) / 180.0;
-            almanac.m0 = (90.0 * slot + 15.0 * plane - 180.0) / 180.0;
-            all.push_back(almanac);
-        }
-    }
-    return all;
 }
 
 } // namespace fieldcore::simulator

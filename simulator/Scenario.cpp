@@ -1,5 +1,6 @@
 #include "simulator/Scenario.h"
 
+#include "core/planning/NominalConstellation.h"
 #include "simulator/Models.h"
 #include "simulator/SatelliteKeys.h"
 #include "simulator/Words.h"
@@ -200,7 +201,8 @@ bool ReadDop(Words& words, Scenario& scenario)
     const auto dop = [&](std::string_view what, double& value) {
         return words.Real(what, 0.0, 99.9, value);
     };
-    return dop("the PDOP", scenario.pdop) && (words.AtEnd() || dop("the HDOP", scenario.hdop)) &&
+    return dop("the PDOP", scenario.pdop.emplace()) &&
+           (words.AtEnd() || dop("the HDOP", scenario.hdop)) &&
            (words.AtEnd() || dop("the VDOP", scenario.vdop));
 }
 
@@ -255,6 +257,12 @@ constexpr Key kKeys[] = {
     {"satellite", ReadSatellite},
     {"list-form", ReadListForm},
     {"almanac", ReadAlmanac},
+    {"almanacs",
+     [](Words& w, Scenario& s) {
+         return w.Integer("the number of almanacs", 0, kNominalSatellites,
+                          s.nominalAlmanacs.emplace());
+     }},
+    {"mask", [](Words& w, Scenario& s) { return w.Real("the mask", 0.0, 90.0, s.maskDeg); }},
     {"port",
      [](Words& w, Scenario& s) {
          return w.Integer("the port", 1, 255, s.port) &&

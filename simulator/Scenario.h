@@ -108,8 +108,9 @@ struct Scenario
 
     // How it is.
     bool timeValid = true;
-    int trackedSatellites = -1;                ///< negative: as many as are listed
-    double pdop = 1.8, hdop = 1.0, vdop = 1.5; ///< 99.9: none
+    int trackedSatellites = -1;    ///< negative: as many as are listed
+    std::optional<double> pdop;    ///< 99.9: none; not given: that of the sky, 1.8 if it stands
+    double hdop = 1.0, vdop = 1.5; ///< count where pdop is given, or the sky stands
     int fixKind = 5;          ///< 0 none, 1 searching, 2 single, 3 differential, 4 float, 5 fixed
     std::string survey;       ///< text of the running survey, up to 4 characters
     int freeMemoryTenths = 9; ///< 0 to 10
@@ -120,12 +121,15 @@ struct Scenario
     int utcOffsetS = 18;                                             ///< GPS time minus UTC
     bool signalsLocked = false; ///< an application file fixes the signals
 
-    std::vector<Satellite> satellites;
+    double maskDeg = 10.0; ///< GPS satellites that move are tracked from this elevation on
+    std::vector<Satellite> satellites; ///< with a GPS one among them none moves
     ListForm listForm = ListForm::Binary;
     std::uint8_t signalMask =
         0x03; ///< binary lists: bit 0 first, 1 second, 2 fourth, 3 third signal
     std::vector<Almanac> almanacs;
-    bool nominalAlmanacs = false; ///< add 24 satellites in circular orbits, of the current week
+    /// The sky has the nominal GPS constellation, and the receiver the almanacs of its PRN 1 to
+    /// this number, 0 to 31; those that almanacs gives stand for their PRN.
+    std::optional<int> nominalAlmanacs;
 
     // The port that the controller is plugged into.
     int port = 1; ///< 1 to portCount

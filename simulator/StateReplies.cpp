@@ -1,8 +1,5 @@
 #include "simulator/StateReplies.h"
 
-#include "simulator/SatelliteReplies.h"
-
-#include <cmath>
 #include <numbers>
 
 namespace fieldcore::simulator {
@@ -21,29 +18,19 @@ double Radians(double degrees)
 
 } // namespace
 
-GpsTime ToGpsTime(Clock::UtcTime utc, int utcOffsetS)
-{
-    using namespace std::chrono;
-    constexpr sys_days kEpoch{year(1980) / January / 6};
-    constexpr double kWeekS = 604800.0;
-    const duration<double> sinceEpoch = utc - kEpoch + seconds(utcOffsetS);
-    const double week = std::floor(sinceEpoch.count() / kWeekS);
-    return {static_cast<int>(week), sinceEpoch.count() - week * kWeekS};
-}
-
-int TrackedSatellites(const Scenario& scenario)
+int TrackedSatellites(const Scenario& scenario, const Sky& sky)
 {
     return scenario.trackedSatellites >= 0 ? scenario.trackedSatellites
-                                           : static_cast<int>(Listed(scenario, false).size());
+                                           : static_cast<int>(Listed(sky, false).size());
 }
 
-Bytes StatusReply(const Scenario& scenario, int batteryPercent)
+Bytes StatusReply(const Scenario& scenario, const Sky& sky, int batteryPercent)
 {
     DataWriter out;
     out.Digits(scenario.timeValid ? 1 : 0, 1).Digits(0, 1);
-    out.Digits(TrackedSatellites(scenario), 2);
+    out.Digits(TrackedSatellites(scenario, sky), 2);
     out.Digits(0, 3).Digits(batteryPercent, 3);
-    out.Tenths(scenario.pdop, 4);
+    out.Tenths(sky.dop.pdop, 4);
     out.Digits(scenario.fixKind, 1);
     out.Text(scenario.survey, 4);
     out.Digits(scenario.freeMemoryTenths, 2);
@@ -66,13 +53,13 @@ Bytes SiteReply(const Scenario& scenario)
     return out.Frame(kSite);
 }
 
-Bytes PositionReply(const Scenario& scenario, const GpsTime& time)
+Bytes PositionReply(const Scenario& scenario, const Sky& sky, const GpsTime& time)
 {
     DataWriter out;
     out.U8(static_cast<unsigned>(scenario.fixKind));
-    out.U8(static_cast<unsigned>(TrackedSatellites(scenario)));
+    out.U8(static_cast<unsigned>(TrackedSatellites(scenario, sky)));
     out.U32(static_cast<unsigned>(time.week)).U32(static_cast<std::uint64_t>(time.sowS));
-    out.F32(scenario.pdop).F32(scenario.hdop).F32(scenario.vdop);
+    out.F32(sky.dop.pdop).F32(sky.dop.hdop).F32(sky.dop.vdop);
     out.F64(Radians(scenario.latitudeDeg)).F64(Radians(scenario.longitudeDeg));
     out.F64(scenario.heightM);
     return out.Frame(kPosition);

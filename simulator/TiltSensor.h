@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/Frame.h"
-#include "simulator/StateReplies.h"
+#include "simulator/GpsTime.h"
 
 #include <cstdint>
 #include <optional>

@@ -7,10 +7,6 @@ namespace fieldcore {
 
 namespace {
 
-/// Earth's gravitational parameter GM, m^3/s^2, and rate of rotation, rad/s: IS-GPS-200,
-/// 20.3.3.4.3. Newer values exist; users of GPS orbits are told to keep these.
-constexpr double kGm = 3.986005e14;
-constexpr double kEarthRate = 7.2921151467e-5;
 constexpr double kPi = std::numbers::pi;
 constexpr double kTwoPi = 2.0 * kPi;
 constexpr double kWeekS = 7 * 86400.0;

@@ -28,7 +28,7 @@ double Cofactor(const Normal& n, std::size_t row, std::size_t column)
     return std::pow(-1.0, static_cast<double>(row + column)) * Minor(n, row, column);
 }
 
-Normal Inverse(const Normal& n)
+Normal InverseOf(const Normal& n)
 {
     double determinant = 0.0;
     for (std::size_t column = 0; column < 4; ++column) {
@@ -60,7 +60,7 @@ DopValues ReferenceDop(const Ecef& observer, std::span<const Ecef> satellites) n
             }
         }
     }
-    const Normal q = Inverse(normal);
+    const Normal q = InverseOf(normal);
     return {std::sqrt(q[0][0] + q[1][1] + q[2][2]),
             std::sqrt(q[0][0] + q[1][1] + q[2][2] + q[3][3]), std::sqrt(q[3][3])};
 }
@@ -79,7 +79,15 @@ void DopSums::Add(double x, double y, double z) noexcept
     m_zz += z * z;
 }
 
-std::optional<DopValues> DopSums::Solve() const noexcept
+/// Of the directions' scatter: its adjugate and its determinant.
+struct DopSums::Inverse
+{
+    double aa, bb, cc, dd, ee, ff;
+    double determinant;
+    bool isWeak;
+};
+
+DopSums::Inverse DopSums::Invert() const noexcept
 {
     // The clock eliminated: what the directions scatter about their mean.
     const double a = m_xx - m_x * m_x / m_n;
@@ -97,14 +105,33 @@ std::optional<DopValues> DopSums::Solve() const noexcept
     const double ff = a * d - b * b;
     const double determinant = a * aa + b * bb + c * cc;
     constexpr double kWeak = 1.0e-3; // of the product of the diagonal
-    if (!(determinant > kWeak * m_xx * m_yy * m_zz)) {
+    // Written so that what is not a number is weak, too.
+    const bool isWeak = !(determinant > kWeak * m_xx * m_yy * m_zz);
+    return {aa, bb, cc, dd, ee, ff, determinant, isWeak};
+}
+
+std::optional<DopValues> DopSums::Solve() const noexcept
+{
+    const Inverse i = Invert();
+    if (i.isWeak) {
         return std::nullopt;
     }
-    const double position = (aa + dd + ff) / determinant;
-    const double quadratic = aa * m_x * m_x + dd * m_y * m_y + ff * m_z * m_z +
-                             2.0 * (bb * m_x * m_y + cc * m_x * m_z + ee * m_y * m_z);
-    const double time = 1.0 / m_n + quadratic / (determinant * m_n * m_n);
+    const double position = (i.aa + i.dd + i.ff) / i.determinant;
+    const double quadratic = i.aa * m_x * m_x + i.dd * m_y * m_y + i.ff * m_z * m_z +
+                             2.0 * (i.bb * m_x * m_y + i.cc * m_x * m_z + i.ee * m_y * m_z);
+    const double time = 1.0 / m_n + quadratic / (i.determinant * m_n * m_n);
     return DopValues{std::sqrt(position), std::sqrt(position + time), std::sqrt(time)};
+}
+
+std::optional<LocalDop> DopSums::SolveLocal() const noexcept
+{
+    const Inverse i = Invert();
+    if (i.isWeak) {
+        return std::nullopt;
+    }
+    const double horizontal = (i.aa + i.dd) / i.determinant;
+    const double vertical = i.ff / i.determinant;
+    return LocalDop{std::sqrt(horizontal + vertical), std::sqrt(horizontal), std::sqrt(vertical)};
 }
 
 } // namespace fieldcore

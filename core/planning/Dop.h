@@ -15,6 +15,14 @@ struct DopValues
     double tdop = 0.0; ///< time
 };
 
+/// The dilution of a position by its parts in the observer's frame.
+struct LocalDop
+{
+    double pdop = 0.0; ///< position
+    double hdop = 0.0; ///< east and north together
+    double vdop = 0.0; ///< up
+};
+
 /// What stands for the dilution with fewer satellites than a fix needs.
 inline constexpr DopValues kNoDop{16.0, 16.0, 16.0};
 inline constexpr int kSatellitesForDop = 4;
@@ -36,8 +44,14 @@ public:
 
     /// @return nothing if the geometry is so weak that rounding shows: ask ReferenceDop()
     [[nodiscard]] std::optional<DopValues> Solve() const noexcept;
+    /// The same by its parts, if the directions were east, north and up.
+    /// @return nothing where Solve() has nothing
+    [[nodiscard]] std::optional<LocalDop> SolveLocal() const noexcept;
 
 private:
+    struct Inverse;
+    [[nodiscard]] Inverse Invert() const noexcept;
+
     double m_n = 0.0;
     double m_x = 0.0, m_y = 0.0, m_z = 0.0;
     double m_xx = 0.0, m_xy = 0.0, m_xz = 0.0, m_yy = 0.0, m_yz = 0.0, m_zz = 0.0;

@@ -174,7 +174,7 @@ TEST(ProtocolDoc, TheReceiverGivesTheDocumentedAnswers)
         ASSERT_FALSE(exchange.answer.empty()) << "no answer is documented";
         const bool isFrame = exchange.request.kind == Request::Kind::Frame;
         const bool isTilt = isFrame && exchange.request.Type() == 0xC8;
-        Receiver receiver(Shipped(isTilt ? "tilted" : "lark"), clock);
+        Receiver receiver(Shipped(isTilt ? "tilted" : "still-sky"), clock);
         const std::vector<Bytes> answer = receiver.Answer(exchange.request);
         if (isFrame && IsFileCommand(exchange.request.Type())) {
             EXPECT_EQ(answer, std::vector<Bytes>{Bytes{kNak}});

@@ -174,27 +174,29 @@ TEST(SatelliteReplies, WireNumbersAndSignalsStandWhereTheLayoutSays)
                                         "satellite G1 10 10\n",
                                         error);
     ASSERT_TRUE(scenario) << error;
-    const Bytes list = SatelliteList(*scenario);
+    const Sky sky = SkyAt(*scenario, {});
+    const Bytes list = SatelliteList(*scenario, sky);
     EXPECT_EQ(Bytes(list.begin() + 4, list.end() - 2), Hex("30 34 0F"
                                                            "20 67 DA 28 50 A0 78"
                                                            "33 00 81 28 00 00 00"
                                                            "4B 00 FF 02 28 00 00 00"
                                                            "6D 00 00 FF 00 00 00"));
     // In view are those without a signal, too: the fifth.
-    EXPECT_EQ(SatelliteFrames(*scenario, 1)[0][8], 4);
-    EXPECT_EQ(SatelliteFrames(*scenario, 2)[0][8], 5);
+    EXPECT_EQ(SatelliteFrames(*scenario, sky, 1)[0][8], 4);
+    EXPECT_EQ(SatelliteFrames(*scenario, sky, 2)[0][8], 5);
 }
 
 TEST(SatelliteReplies, ManySatellitesFillSeveralFramesAndOneFrameHoldsWhatFits)
 {
     Scenario scenario;
+    Sky sky;
     for (int i = 0; i < 40; ++i) {
         Satellite satellite;
         satellite.number = i % 32 + 1;
         satellite.signals[0] = 40.0;
-        scenario.satellites.push_back(satellite);
+        sky.satellites.push_back(satellite);
     }
-    const std::vector<Bytes> frames = SatelliteFrames(scenario, 1);
+    const std::vector<Bytes> frames = SatelliteFrames(scenario, sky, 1);
     ASSERT_EQ(frames.size(), 5U);
     for (std::size_t i = 0; i < frames.size(); ++i) {
         EXPECT_EQ(frames[i][5], i);
@@ -202,28 +204,11 @@ TEST(SatelliteReplies, ManySatellitesFillSeveralFramesAndOneFrameHoldsWhatFits)
     }
     for (const ListForm form : {ListForm::Text1, ListForm::Text2, ListForm::Binary}) {
         scenario.listForm = form;
-        const Bytes frame = SatelliteList(scenario);
+        const Bytes frame = SatelliteList(scenario, sky);
         EXPECT_EQ(frame.size(), frame[3] + 6U);
     }
-    scenario.satellites.clear();
-    EXPECT_EQ(SatelliteFrames(scenario, 2).size(), 1U) << "an empty list ends, too";
-}
-
-TEST(SatelliteReplies, NominalAlmanacsAreACircularConstellationOfHalfSiderealDays)
-{
-    const std::vector<Almanac> all = NominalAlmanacs(2410);
-    ASSERT_EQ(all.size(), 24U);
-    for (const Almanac& almanac : all) {
-        // Kepler's third law: n = sqrt(GM / a^3), a turn of half a sidereal day within a second.
-        const double axis = almanac.sqrtA * almanac.sqrtA;
-        const double turnS = 2.0 * 3.14159265358979 * std::sqrt(axis * axis * axis / 3.986005e14);
-        EXPECT_NEAR(turnS, 86164.0905 / 2.0, 2.0);
-        EXPECT_EQ(almanac.eccentricity, 0.0);
-        EXPECT_GE(almanac.m0, -1.0);
-        EXPECT_LT(almanac.m0, 1.0);
-        EXPECT_GE(almanac.omega0, -1.0);
-        EXPECT_LT(almanac.omega0, 1.0);
-    }
+    sky.satellites.clear();
+    EXPECT_EQ(SatelliteFrames(scenario, sky, 2).size(), 1U) << "an empty list ends, too";
 }
 
 } // namespace fieldcore::simulator::test

@@ -31,6 +31,8 @@ TEST(Scenario, ErrorsNameTheLineAndTheCause)
         {"satellite Q1 10 10", R"(line 1: a satellite starts with G, S, R or X, not "Q1")"},
         {"satellite G1 360 10",
          R"(line 1: the azimuth must be a whole number from 0 to 359, not "360")"},
+        {"almanacs 32",
+         R"(line 1: the number of almanacs must be a whole number from 0 to 31, not "32")"},
         {"start 2026-02-30 00:00:00",
          "line 1: a start is a date in UTC such as 2026-03-14 01:30:00, from 1980 to 2099"},
         {"start 2026-02-03",

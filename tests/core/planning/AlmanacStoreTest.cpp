@@ -10,6 +10,7 @@
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <random>
@@ -76,7 +77,7 @@ protected:
         std::string error;
         ASSERT_TRUE(receiver->Start(error)) << error;
         PortSettings settings;
-        settings.replyTimeout = 1s;
+        settings.replyTimeout = 10s; // 100 ms on a watch
         ASSERT_EQ(command.OpenPort(receiver->PortPath(), settings), 1) << command.LastError();
     }
     [[nodiscard]] std::vector<std::uint8_t> Almanac() const
@@ -144,15 +145,71 @@ TEST_F(AlmanacStoreTest, KeepsTheOldAlmanacWhenTheReceiverHasFewSatellites)
     }
 }
 
+TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
+{
+    struct Row
+    {
+        std::string_view what;
+        const char* scenario;
+        std::size_t skip; // requests before its fault
+        AlmanacResult result;
+        int satellites;
+    };
+    constexpr Row kRows[] = {
+        {"four are too few", "almanac-4", 0, AlmanacResult::TooFew, 0},
+        {"five are enough", "almanac-5", 0, AlmanacResult::Done, 5},
+        {"all there are", "almanac-31", 0, AlmanacResult::Done, 31},
+        {"silent from PRN 30 on", "almanac-stops", 29, AlmanacResult::Done, 29},
+        {"hangs up at PRN 4", "almanac-hangs-up", 3, AlmanacResult::TooFew, 0},
+        {"hangs up at PRN 13", "almanac-hangs-up", 12, AlmanacResult::Done, 12},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.what);
+        folder.Write("GSurveyPlan.alm", "old");
+        std::string error;
+        auto scenario = simulator::LoadScenario(row.scenario, error);
+        ASSERT_TRUE(scenario) << error;
+        for (simulator::FaultRule& fault : scenario->faults) {
+            fault.skip = row.skip;
+        }
+        Start(*scenario);
+        EXPECT_EQ(store.Update(command), row.result);
+        EXPECT_FALSE(HasTemporary());
+        const auto content = Almanac();
+        if (row.result == AlmanacResult::TooFew) {
+            EXPECT_EQ(content, (std::vector<std::uint8_t>{'o', 'l', 'd'}));
+        } else {
+            ASSERT_EQ(content.size(), 32 * kAlmanacRecordSize);
+            EXPECT_EQ(CountAlmanacs(content), row.satellites);
+            EXPECT_TRUE(std::equal(content.end() - kAlmanacRecordSize, content.end(),
+                                   content.begin() + (row.satellites - 1) * kAlmanacRecordSize))
+                << "the last good record repeats";
+        }
+        if (command.Fault() == CommandFault::LinkLost) {
+            command.ClosePort();
+            ASSERT_TRUE(receiver->Plug());
+            ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1) << command.LastError();
+        }
+        StatusReply status;
+        EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
+    }
+}
+
 TEST_F(AlmanacStoreTest, SendsTheAbortWhenTheUserCancels)
 {
     folder.Write("GSurveyPlan.alm", "old");
-    Start(ReceiverWith({1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(store.Update(command, [](int prn) { return prn < 8; }), AlmanacResult::Cancelled);
-    EXPECT_TRUE(AbortWasSent());
-    EXPECT_EQ(receiver->RequestCount(), 8U) << "seven satellites and the abort";
-    EXPECT_EQ(Almanac().size(), 3U);
-    EXPECT_FALSE(HasTemporary());
+    for (const int last : {0, 7, 32}) {
+        SCOPED_TRACE(last);
+        Start(ReceiverWith({1, 2, 3, 4, 5, 6}));
+        EXPECT_EQ(store.Update(command, [&](int prn) { return prn <= last; }),
+                  AlmanacResult::Cancelled);
+        EXPECT_TRUE(AbortWasSent());
+        EXPECT_EQ(receiver->RequestCount(), last + 1U) << "the satellites and the abort";
+        EXPECT_EQ(Almanac().size(), 3U);
+        EXPECT_FALSE(HasTemporary());
+        StatusReply status;
+        EXPECT_EQ(command.RequestStatus(status), 1) << "the link can be used";
+    }
 
     Scenario silent;
     silent.answers = false;

@@ -26,22 +26,25 @@ TEST(Dop, AgreesWithClosedForms)
     {
         std::string_view geometry;
         std::vector<Ecef> directions;
-        double pdop2, tdop2; // squares
+        double hdop2, vdop2, tdop2; // squares
     };
     // By hand: rings and a zenith make the normal matrix diagonal but for up and clock.
     const Row rows[] = {
         {"zenith and three on the horizon",
          {Toward(0, 90), Toward(0, 0), Toward(120, 0), Toward(240, 0)},
-         4.0 / 3.0 + 4.0 / 3.0,
+         4.0 / 3.0,
+         4.0 / 3.0,
          1.0 / 3.0},
         {"zenith and four at 30 degrees",
          {Toward(0, 90), Toward(0, 30), Toward(90, 30), Toward(180, 30), Toward(270, 30)},
-         4.0 / 3.0 + 5.0,
+         4.0 / 3.0,
+         5.0,
          2.0},
         {"rings of three at 0 and 30 degrees",
          {Toward(0, 0), Toward(120, 0), Toward(240, 0), Toward(0, 30), Toward(120, 30),
           Toward(240, 30)},
-         2.0 / 2.625 + 8.0 / 3.0,
+         2.0 / 2.625,
+         8.0 / 3.0,
          1.0 / 3.0},
     };
     for (const Row& row : rows) {
@@ -57,12 +60,17 @@ TEST(Dop, AgreesWithClosedForms)
             range += 1.0e6; // distances must not matter
         }
         const auto tight = sums.Solve();
-        ASSERT_TRUE(tight);
+        const auto local = sums.SolveLocal();
+        ASSERT_TRUE(tight && local);
+        const double pdop2 = row.hdop2 + row.vdop2;
+        EXPECT_NEAR(local->hdop, std::sqrt(row.hdop2), 1e-9);
+        EXPECT_NEAR(local->vdop, std::sqrt(row.vdop2), 1e-9);
+        EXPECT_NEAR(local->pdop, std::sqrt(pdop2), 1e-9);
         for (const DopValues& dop : {*tight, ReferenceDop(observer, satellites)}) {
             // 1e-9: positions of 1e7 m carry 1e-9 m.
-            EXPECT_NEAR(dop.pdop, std::sqrt(row.pdop2), 1e-9);
+            EXPECT_NEAR(dop.pdop, std::sqrt(pdop2), 1e-9);
             EXPECT_NEAR(dop.tdop, std::sqrt(row.tdop2), 1e-9);
-            EXPECT_NEAR(dop.gdop, std::sqrt(row.pdop2 + row.tdop2), 1e-9);
+            EXPECT_NEAR(dop.gdop, std::sqrt(pdop2 + row.tdop2), 1e-9);
         }
     }
 }
@@ -76,6 +84,7 @@ TEST(Dop, LeavesWeakGeometryToTheReference)
         sums.Add(d.x, d.y, d.z);
     }
     EXPECT_FALSE(sums.Solve());
+    EXPECT_FALSE(sums.SolveLocal());
 }
 
 } // namespace

@@ -1,0 +1,89 @@
+#include "core/planning/NominalConstellation.h"
+
+#include "core/planning/AlmanacOrbit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr double kWeekS = 7 * 86400.0;
+constexpr double kSemicircleDeg = 180.0;
+constexpr double kAxisM = 26'559'800.0;
+constexpr double kInclinationDeg = 55.0;
+
+/// 1993-07-01 00:00 UTC, a Thursday, in GPS time, which was 9 s ahead.
+constexpr int kEpochWeek = 703;
+constexpr double kEpochSowS = 4 * 86400.0 + 9.0;
+/// 18h 36m 14.4s: where Greenwich stood against the equinox.
+constexpr double kGreenwichDeg = (18.0 + 36.0 / 60.0 + 14.4 / 3600.0) * 15.0;
+
+/// The oblateness of the earth and its equatorial radius, m: WGS84.
+constexpr double kJ2 = 1.08263e-3;
+constexpr double kEarthRadiusM = 6'378'137.0;
+
+constexpr std::size_t kPlanes = 6;
+/// Right ascension of the node, planes A to F, degrees.
+constexpr double kNodeDeg[kPlanes] = {272.847, 332.847, 32.847, 92.847, 152.847, 212.847};
+/// Argument of latitude, degrees: a row for each slot, a column for each plane. The last two rows
+/// are the middles of the widest gaps.
+constexpr double kArgumentDeg[][kPlanes] = {
+    {268.126, 80.956, 111.876, 135.226, 197.046, 238.886},
+    {161.786, 173.336, 11.796, 265.446, 302.596, 345.226},
+    {11.676, 309.976, 339.666, 35.136, 66.066, 105.206},
+    {41.806, 204.376, 241.556, 167.356, 333.686, 135.346},
+    {101.796, 15.466, 176.716, 330.291, 131.556, 45.216},
+    {214.956},
+};
+
+/// @return an angle of as many turns as it may be in -1 to 1
+double Semicircles(double angleRad)
+{
+    return std::remainder(angleRad, 2.0 * std::numbers::pi) / std::numbers::pi;
+}
+
+double Radians(double degrees)
+{
+    return degrees / kSemicircleDeg * std::numbers::pi;
+}
+
+/// Of a circular orbit, rad/s: -3/2 n J2 (R / a)^2 cos i, the secular drift of the node.
+double NodeDrift(double meanMotion)
+{
+    const double ratio = kEarthRadiusM / kAxisM;
+    return -1.5 * meanMotion * kJ2 * ratio * ratio * std::cos(Radians(kInclinationDeg));
+}
+
+} // namespace
+
+std::vector<AlmanacRecord> NominalConstellation(int count, int week, std::uint32_t toaS)
+{
+    const double meanMotion = std::sqrt(kGm / (kAxisM * kAxisM * kAxisM)); // rad/s
+    const double nodeDrift = NodeDrift(meanMotion);
+    const double sinceEpochS = (week - kEpochWeek) * kWeekS + (toaS - kEpochSowS);
+    const auto size = static_cast<std::size_t>(std::clamp(count, 0, kNominalSatellites));
+    std::vector<AlmanacRecord> records(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        const double nodeAtEpoch = Radians(kNodeDeg[i % kPlanes] - kGreenwichDeg);
+        const double nodeAtToa = nodeAtEpoch + (nodeDrift - kEarthRate) * sinceEpochS;
+        const double argument = Radians(kArgumentDeg[i / kPlanes][i % kPlanes]);
+        AlmanacRecord& record = records[i];
+        record.prn = static_cast<std::uint8_t>(i + 1);
+        record.timeStamp = static_cast<std::uint32_t>(week) * 604'800U + toaS;
+        record.week = static_cast<std::int16_t>(week);
+        record.toaS = toaS;
+        record.sqrtA = std::sqrt(kAxisM);
+        record.inclination = kInclinationDeg / kSemicircleDeg;
+        record.omegaDot = nodeDrift / std::numbers::pi;
+        record.omega0 = Semicircles(nodeAtToa + kEarthRate * toaS);
+        // No perigee in a circle: counted from the node, the anomaly is the argument of latitude.
+        record.m0 = Semicircles(argument + meanMotion * sinceEpochS);
+    }
+    return records;
+}
+
+} // namespace fieldcore

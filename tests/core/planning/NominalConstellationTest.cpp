@@ -1,0 +1,136 @@
+#include "core/planning/NominalConstellation.h"
+
+#include "core/planning/AlmanacOrbit.h"
+#include "core/planning/LocalFrame.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+constexpr double kDegree = std::numbers::pi / 180.0;
+
+/// 1993-07-01 00:00 UTC: 4925 days and 9 leap seconds after 1980-01-06.
+constexpr GpsEpoch kPublished{703, 345'609.0};
+
+Ecef PositionAt(const AlmanacRecord& record, GpsEpoch epoch)
+{
+    const auto position = AlmanacOrbit(record).Position(epoch);
+    EXPECT_TRUE(position);
+    return position.value_or(Ecef{});
+}
+
+double Apart(const Ecef& a, const Ecef& b)
+{
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
+
+TEST(NominalConstellation, StandsAtTheEpochWhereTheStandardSays)
+{
+    struct Row
+    {
+        std::string_view slot;
+        int prn;
+        double nodeDeg;     // right ascension
+        double argumentDeg; // of latitude
+    };
+    constexpr Row kRows[] = {
+        {"A1", 1, 272.847, 268.126}, {"B1", 2, 332.847, 80.956},   {"C2", 9, 32.847, 11.796},
+        {"D3", 16, 92.847, 35.136},  {"E4", 23, 152.847, 333.686}, {"F4", 24, 212.847, 135.346},
+    };
+    constexpr double kGreenwichDeg = 279.06; // 18h 36m 14.4s
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.slot);
+        // A circle, its highest point at the inclination, turned from the equinox to Greenwich.
+        const double u = row.argumentDeg * kDegree;
+        const double i = 55.0 * kDegree;
+        const double node = (row.nodeDeg - kGreenwichDeg) * kDegree;
+        const double along = std::cos(u);
+        const double across = std::sin(u) * std::cos(i);
+        constexpr double kRadiusM = 26'559'800.0;
+        const Ecef expected{kRadiusM * (along * std::cos(node) - across * std::sin(node)),
+                            kRadiusM * (along * std::sin(node) + across * std::cos(node)),
+                            kRadiusM * std::sin(u) * std::sin(i)};
+        const auto near = NominalConstellation(31, 703, 344'064);
+        const AlmanacRecord& record = near[static_cast<std::size_t>(row.prn - 1)];
+        EXPECT_EQ(record.prn, row.prn);
+        EXPECT_EQ(record.health, 0);
+        EXPECT_LT(Apart(PositionAt(record, kPublished), expected), 0.1) << "metres";
+    }
+}
+
+TEST(NominalConstellation, IsTheSameMotionFromEveryReferenceTime)
+{
+    struct Row
+    {
+        std::string_view what;
+        int week;
+        std::uint32_t toaS;
+    };
+    constexpr Row kRows[] = {
+        {"another moment of the week", 2410, 602'112},
+        {"the next week", 2411, 0},
+        {"a year later", 2462, 61'440},
+        {"twenty years earlier", 1367, 405'504},
+    };
+    const auto now = NominalConstellation(31, 2410, 344'064);
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.what);
+        const auto other = NominalConstellation(31, row.week, row.toaS);
+        ASSERT_EQ(other.size(), now.size());
+        for (std::size_t i = 0; i < now.size(); ++i) {
+            // 0.1 m: the anomaly of twenty years, 1e5 rad, is rounded to some 1e-11.
+            const GpsEpoch epoch{2410, 350'000.0};
+            EXPECT_LT(Apart(PositionAt(now[i], epoch), PositionAt(other[i], epoch)), 0.1) << i;
+        }
+    }
+}
+
+TEST(NominalConstellation, FillsTheWidestGapOfEachPlane)
+{
+    // In one plane the arguments of latitude differ as the mean anomalies do.
+    const auto all = NominalConstellation(31, 2410, 344'064);
+    ASSERT_EQ(all.size(), 31U);
+    for (std::size_t extra = 24; extra < all.size(); ++extra) {
+        double ahead = 360.0;
+        double behind = 360.0;
+        for (std::size_t i = extra % 6; i < extra; i += 6) {
+            const double turn = std::fmod((all[i].m0 - all[extra].m0) * 180.0 + 720.0, 360.0);
+            ahead = std::min(ahead, turn);
+            behind = std::min(behind, 360.0 - turn);
+        }
+        EXPECT_NEAR(ahead, behind, 1e-6) << "PRN " << extra + 1 << " is not in the middle";
+        EXPECT_GT(ahead, 50.0) << "PRN " << extra + 1 << " is not in the widest gap";
+    }
+}
+
+TEST(NominalConstellation, GivesAsManyAsAreAskedFor)
+{
+    EXPECT_EQ(NominalConstellation(-1, 2410, 0).size(), 0U);
+    EXPECT_EQ(NominalConstellation(4, 2410, 0).size(), 4U);
+    EXPECT_EQ(NominalConstellation(99, 2410, 0).size(), 31U);
+    // The standard's promise for 24 slots: at least four above 5 degrees, here at all times of a
+    // day over Tokyo, the tropics and the north.
+    const auto slots = NominalConstellation(24, 2410, 0);
+    for (const double latitudeDeg : {35.0, 5.0, 65.0}) {
+        const LocalFrame frame({latitudeDeg * kDegree, 139.0 * kDegree, 0.0});
+        for (double sowS = 0.0; sowS < 86'400.0; sowS += 600.0) {
+            int above = 0;
+            for (const AlmanacRecord& record : slots) {
+                const EastNorthUp local = frame.ToLocal(PositionAt(record, {2410, sowS}));
+                const bool isAbove = local.up > local.Range() * std::sin(5.0 * kDegree);
+                above += isAbove ? 1 : 0;
+            }
+            EXPECT_GE(above, 4) << latitudeDeg << " degrees, second " << sowS;
+        }
+    }
+}
+
+} // namespace
+} // namespace fieldcore

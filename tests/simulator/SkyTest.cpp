@@ -1,0 +1,98 @@
+#include "simulator/Sky.h"
+#include "tests/simulator/Support.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace {
+
+constexpr GpsTime kNow{2410, 345'600.0};
+
+Scenario Parsed(std::string_view text)
+{
+    std::string error;
+    const auto scenario = ParseScenario(text, error);
+    EXPECT_TRUE(scenario) << error;
+    return scenario.value_or(Scenario());
+}
+
+std::vector<int> GpsNumbers(const Sky& sky)
+{
+    std::vector<int> numbers;
+    for (const Satellite& satellite : sky.satellites) {
+        if (satellite.system == SatelliteSystem::Gps) {
+            numbers.push_back(satellite.number);
+        }
+    }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+} // namespace
+
+TEST(Sky, TheScenarioHasTheLastWord)
+{
+    const Scenario moving = Parsed("almanacs 31");
+    const Sky plain = SkyAt(moving, kNow);
+    ASSERT_GE(plain.satellites.size(), 6U);
+    ASSERT_LT(plain.dop.pdop, 10.0);
+
+    const Sky stated = SkyAt(Parsed("almanacs 31\npdop 2.5 1.5 2.0"), kNow);
+    EXPECT_EQ(GpsNumbers(stated), GpsNumbers(plain));
+    EXPECT_EQ(stated.dop.pdop, 2.5);
+    EXPECT_EQ(stated.dop.vdop, 2.0);
+
+    const Sky placed = SkyAt(Parsed("almanacs 31\nsatellite G9 10 20 40"), kNow);
+    EXPECT_EQ(GpsNumbers(placed), std::vector<int>{9}) << "none moves where one is placed";
+    EXPECT_EQ(placed.dop.pdop, 1.8);
+
+    const Sky mixed = SkyAt(Parsed("almanacs 31\nsatellite R3 28 44 46"), kNow);
+    EXPECT_EQ(GpsNumbers(mixed), GpsNumbers(plain));
+    EXPECT_EQ(mixed.satellites.size(), plain.satellites.size() + 1);
+    EXPECT_LT(mixed.dop.pdop, plain.dop.pdop) << "one more satellite helps";
+
+    const Sky few = SkyAt(Parsed("almanacs 4"), kNow);
+    EXPECT_EQ(GpsNumbers(few), GpsNumbers(plain)) << "they shine whether it has their almanac";
+
+    const Sky blind = SkyAt(Parsed("almanacs 31\nmask 90"), kNow);
+    EXPECT_TRUE(Listed(blind, false).empty());
+    EXPECT_EQ(blind.dop.pdop, 99.9);
+    EXPECT_EQ(blind.dop.hdop, 99.9);
+}
+
+TEST(Sky, TakesTheAlmanacsThatTheScenarioGives)
+{
+    // The node's longitude is 151.2 degrees at toa, and so is the satellite's: over the equator.
+    constexpr std::string_view kOverhead =
+        " 344064 5153.62 0 0.3 0 8.826249595 0 0 "; // 0.84 + 7.2921151467e-5 * 344064 / pi
+    const auto skyWith = [&](std::string_view week, std::string_view health) {
+        return SkyAt(Parsed("position 0 151.2 0\nalmanac 7 0 " + std::string(week) +
+                            std::string(kOverhead) + std::string(health)),
+                     {2410, 344'064.0});
+    };
+    for (const std::string_view week : {"2410", "362"}) {
+        const Sky sky = skyWith(week, "0");
+        ASSERT_EQ(GpsNumbers(sky), std::vector<int>{7}) << "week " << week;
+        EXPECT_EQ(sky.satellites[0].elevationDeg, 90) << "week " << week;
+    }
+    EXPECT_TRUE(skyWith("2410", "63").satellites.empty()) << "an unhealthy satellite";
+
+    const auto held = AlmanacsAt(
+        Parsed("almanacs 4\nalmanac 2 5 2400 0 5153 0 0.3 0 0 0 0 0\nalmanac 9 5 2400 0 5153 "
+               "0 0.3 0 0 0 0 0"),
+        {2410, 604'799.5});
+    ASSERT_EQ(held.size(), 5U) << "PRN 1 to 4 and 9, each once";
+    for (const Almanac& almanac : held) {
+        const bool given = almanac.prn == 2 || almanac.prn == 9;
+        EXPECT_EQ(almanac.week, given ? 2400 : 2410);
+        EXPECT_EQ(almanac.toaS, given ? 0U : 602'112U) << "the last multiple of 4096 s";
+    }
+}
+
+} // namespace fieldcore::simulator::test
