@@ -68,7 +68,7 @@ double Signal(double zenith, double elevationRad)
     return std::round((zenith - kLoss * (1.0 - std::sin(elevationRad))) * 4.0) / 4.0;
 }
 
-Satellite Seen(const Scenario& scenario, int prn, const Direction& direction)
+Satellite Seen(const Scenario& scenario, int prn, const SkyDirection& direction)
 {
     Satellite satellite;
     satellite.number = prn;

@@ -18,7 +18,7 @@ LiteralPlan::LiteralPlan(const CSurveyPlanCalc& calc, const PlanPeriod& period)
     }
 }
 
-std::optional<Direction> LiteralPlan::Test(int prnIndex, GpsEpoch epoch) const
+std::optional<SkyDirection> LiteralPlan::Test(int prnIndex, GpsEpoch epoch) const
 {
     const Satellite& satellite = m_satellites[static_cast<std::size_t>(prnIndex)];
     if (!satellite.usable) {
@@ -28,7 +28,7 @@ std::optional<Direction> LiteralPlan::Test(int prnIndex, GpsEpoch epoch) const
     if (!position) {
         return std::nullopt;
     }
-    std::optional<Direction> direction = ReferenceDirection(m_observer, *position);
+    std::optional<SkyDirection> direction = ReferenceDirection(m_observer, *position);
     if (!direction || !(direction->elevationRad >= 0.0) ||
         !(direction->elevationRad >= m_maskRad)) {
         return std::nullopt;

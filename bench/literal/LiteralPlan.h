@@ -25,7 +25,7 @@ public:
     void SetObserver(const Observer& observer) { m_observer = observer; }
 
     /// @return where the satellite stands; nothing if it is not usable
-    [[nodiscard]] std::optional<Direction> Test(int prnIndex, GpsEpoch epoch) const;
+    [[nodiscard]] std::optional<SkyDirection> Test(int prnIndex, GpsEpoch epoch) const;
     [[nodiscard]] int CountAt(GpsEpoch epoch) const;
     [[nodiscard]] DopValues DopAt(GpsEpoch epoch) const;
 
@@ -35,7 +35,7 @@ public:
     /// @param value  which dilution
     [[nodiscard]] std::vector<double> Dop(double DopValues::*value) const;
 
-    using Sky = std::array<std::optional<Direction>, kMaxPrn>;
+    using Sky = std::array<std::optional<SkyDirection>, kMaxPrn>;
     /// Where every satellite stands, at the start and after each interval: one more than samples.
     [[nodiscard]] std::vector<Sky> Tracks() const;
 

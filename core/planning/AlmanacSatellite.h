@@ -62,7 +62,7 @@ private:
     int m_use = 1;
     int m_visible = 0;
     int m_prn;
-    Direction m_direction;
+    SkyDirection m_direction;
     LocalFrame m_frame;
     Ecef m_position;
     GpsEpoch m_epoch;

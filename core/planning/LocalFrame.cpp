@@ -66,8 +66,8 @@ Ecef ToEcef(const Observer& observer) noexcept
             (n + h) * cosLat * std::sin(observer.longitudeRad), (n * (1.0 - e2) + h) * sinLat};
 }
 
-std::optional<Direction> ReferenceDirection(const Observer& observer,
-                                            const Ecef& satellite) noexcept
+std::optional<SkyDirection> ReferenceDirection(const Observer& observer,
+                                               const Ecef& satellite) noexcept
 {
     const Matrix m = RotationZ(kHalfPi) * RotationY(kHalfPi - observer.latitudeRad) *
                      RotationZ(observer.longitudeRad) * TranslationBack(ToEcef(observer));

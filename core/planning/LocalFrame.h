@@ -17,7 +17,7 @@ struct Observer
 };
 
 /// Where in the sky a satellite stands.
-struct Direction
+struct SkyDirection
 {
     double azimuthRad = 0.0;   ///< clockwise from north, -pi to pi until it is normalised
     double elevationRad = 0.0; ///< above the horizon plane
@@ -30,8 +30,8 @@ struct Direction
 /// Direction of @p satellite by a 4 x 4 homogeneous transformation, step by step as published: the
 /// yardstick of LocalFrame.
 /// @return nothing if both stand in the same place
-[[nodiscard]] std::optional<Direction> ReferenceDirection(const Observer& observer,
-                                                          const Ecef& satellite) noexcept;
+[[nodiscard]] std::optional<SkyDirection> ReferenceDirection(const Observer& observer,
+                                                             const Ecef& satellite) noexcept;
 
 /// A difference of positions in the frame of an observer, metres.
 struct EastNorthUp
@@ -45,7 +45,7 @@ struct EastNorthUp
         return std::sqrt(east * east + north * north + up * up);
     }
     /// @param range  Range(), not 0
-    [[nodiscard]] Direction ToDirection(double range) const noexcept
+    [[nodiscard]] SkyDirection ToDirection(double range) const noexcept
     {
         // At the zenith the quotient may come out above 1.
         return {std::atan2(east, north), std::asin(std::min(up / range, 1.0))};

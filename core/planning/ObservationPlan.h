@@ -57,8 +57,8 @@ public:
     /// A satellite's way from start + k intervals to the next.
     struct TrackStep
     {
-        Direction from; ///< azimuth 0 to 2 pi
-        Direction to;
+        SkyDirection from; ///< azimuth 0 to 2 pi
+        SkyDirection to;
     };
     /// @param prnIndex  0 to 31
     /// @return nothing unless the satellite is usable at both ends

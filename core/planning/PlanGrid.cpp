@@ -48,13 +48,13 @@ void PlanGrid::ToLocal(const LocalFrame& frame, std::size_t epoch, LocalRows& lo
 }
 
 bool PlanGrid::PassesReference(const LocalFrame& frame, const SkyLimits& limits, std::size_t epoch,
-                               std::size_t slot, Direction& direction) const
+                               std::size_t slot, SkyDirection& direction) const
 {
     const std::optional<Ecef> position = ReferencePosition(m_elements[slot], m_epochs[epoch]);
     if (!position) {
         return false;
     }
-    direction = ReferenceDirection(frame.GetObserver(), *position).value_or(Direction{});
+    direction = ReferenceDirection(frame.GetObserver(), *position).value_or(SkyDirection{});
     return limits.Pass(direction);
 }
 
@@ -88,7 +88,7 @@ void PlanGrid::View(const LocalFrame& frame, const SkyLimits& limits, SiteView& 
                 continue;
             }
             const std::size_t prnIndex = m_prnIndex[slot];
-            Direction direction;
+            SkyDirection direction;
             if (verdict == SkyLimits::Verdict::TooClose) {
                 if (!PassesReference(frame, limits, k, slot, direction)) {
                     continue;

@@ -23,7 +23,7 @@ struct SiteView
 
 /// Where the visible satellites of a view stand: by epoch, then PRN index. Azimuths are 0 to 2 pi;
 /// entries of satellites that are not visible mean nothing.
-using SkyDirections = std::array<std::array<Direction, kMaxPrn>, kPlanEpochs>;
+using SkyDirections = std::array<std::array<SkyDirection, kMaxPrn>, kPlanEpochs>;
 
 /// Satellite positions over the epochs of a plan. They do not depend on the site: computed once,
 /// they serve every graph and any number of sites. Nothing allocates. After Compute(), View() may
@@ -53,7 +53,7 @@ private:
     void ToLocal(const LocalFrame& frame, std::size_t epoch, LocalRows& local) const;
     [[nodiscard]] bool PassesReference(const LocalFrame& frame, const SkyLimits& limits,
                                        std::size_t epoch, std::size_t slot,
-                                       Direction& direction) const;
+                                       SkyDirection& direction) const;
     [[nodiscard]] DopValues ReferenceDopOf(const LocalFrame& frame, std::size_t epoch,
                                            std::uint32_t visible) const;
 

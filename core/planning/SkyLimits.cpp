@@ -52,7 +52,7 @@ SkyLimits::SkyLimits(double maskRad, const ObstructionCurtain& curtain) noexcept
     m_highest = *highest;
 }
 
-bool SkyLimits::Pass(const Direction& direction) const noexcept
+bool SkyLimits::Pass(const SkyDirection& direction) const noexcept
 {
     const double azimuth = NormalisedAzimuth(direction.azimuthRad);
     if (!(direction.elevationRad >= 0.0 && direction.elevationRad >= m_maskRad) ||

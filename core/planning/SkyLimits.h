@@ -23,7 +23,7 @@ public:
     SkyLimits(double maskRad, const ObstructionCurtain& curtain) noexcept;
 
     /// The rule itself.
-    [[nodiscard]] bool Pass(const Direction& direction) const noexcept;
+    [[nodiscard]] bool Pass(const SkyDirection& direction) const noexcept;
 
     enum class Verdict : std::uint8_t
     {

@@ -83,8 +83,8 @@ TEST(SkyLimits, JudgesLikeTheRuleAndOnlyWhenItIsSure)
             for (int azimuthDeg = 0; azimuthDeg <= 360; ++azimuthDeg) {
                 for (int elevationDeg = -3; elevationDeg <= 87; elevationDeg += 3) {
                     for (const double offset : {0.0, 1e-12, -1e-12, 1e-8, -1e-8, 1e-3}) {
-                        const Direction direction{Rad(azimuthDeg) + offset,
-                                                  Rad(elevationDeg) - offset};
+                        const SkyDirection direction{Rad(azimuthDeg) + offset,
+                                                     Rad(elevationDeg) - offset};
                         const EastNorthUp enu = At(direction.azimuthRad, direction.elevationRad);
                         const auto verdict = limits.Judge(enu, enu.Range());
                         if (verdict != SkyLimits::Verdict::TooClose) {
