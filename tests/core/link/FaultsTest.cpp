@@ -166,7 +166,7 @@ TEST_P(FaultsTest, EveryExchangeEndsAsItMust)
         if (bothAttempts || !quickEnough) {
             EXPECT_TRUE(Exchange(fault.ask) == 1 || Exchange(fault.ask) == 1)
                 << "a clean line stays spoilt: " << m_command.LastError();
-            m_clock.SleepFor(kLongestDelay); // the answers that are still under way
+            m_clock.Sleep(kLongestDelay); // the answers that are still under way
         }
         if (HasFailure()) {
             break; // one report is enough
