@@ -59,7 +59,7 @@ private:
     Output& m_output;
     Host& m_host;
     const PortOptions& m_options;
-    const PortNames m_names;
+    PortNames m_names;
     std::string m_path;
     std::unique_ptr<FastClock> m_fastClock;
     std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
