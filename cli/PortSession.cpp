@@ -5,6 +5,7 @@
 #include "core/link/FrameLog.h"
 #include "core/platform/PortList.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/StoredPorts.h"
 
 #include <fstream>
 #include <utility>
@@ -48,6 +49,20 @@ const char* StepName(ConnectStep step)
     return "";
 }
 
+PortNames KnownPortNames(const World& world, Output& output)
+{
+    PortNames names(world.roots);
+    SettingsRoots roots{Folders(world.folders)};
+    std::vector<std::string> warnings = AssignStoredPorts(names, roots);
+    warnings.push_back(roots.TakeNotice());
+    for (const std::string& warning : warnings) {
+        if (!warning.empty()) {
+            output.Message("warning", "", warning, Colour::Yellow);
+        }
+    }
+    return names;
+}
+
 PortSession::PortSession(const World& world, Output& output, Host& host, const PortOptions& options)
     : m_world(world), m_output(output), m_host(host), m_options(options), m_names(world.roots)
 {}
@@ -85,13 +100,15 @@ std::optional<Failure> PortSession::FindPort()
     if (name.empty()) {
         return NoPortNamed();
     }
-    const PortNameResult parsed = m_names.Parse(name);
+    PortNameResult parsed = m_names.Parse(name);
     if (!parsed.port) {
         return UsageFailure(parsed.fault, "fieldcore-cli ports");
     }
     if (parsed.port->kind == PortKind::Simulator) {
-        return StartSimulator(parsed.port->scenario);
+        return StartSimulator(parsed.port->scenario); // which needs no settings
     }
+    m_names = KnownPortNames(m_world, m_output);
+    parsed = m_names.Parse(name);
     if (m_options.speed != 1.0) {
         return UsageFailure("Only the simulator can let time run faster.",
                             "--port sim: --speed N, or leave --speed out.");

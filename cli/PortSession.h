@@ -59,13 +59,17 @@ private:
     Output& m_output;
     Host& m_host;
     const PortOptions& m_options;
-    const PortNames m_names;
+    PortNames m_names;
     std::string m_path;
     std::unique_ptr<FastClock> m_fastClock;
     std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
     std::unique_ptr<CCommand> m_command;               // behind the simulator, whose port it opens
     bool m_logFailed = false;
 };
+
+/// The port names of this machine and what the settings assign to them. What cannot be used of the
+/// settings is told as a warning.
+[[nodiscard]] PortNames KnownPortNames(const World& world, Output& output);
 
 /// Connect steps in plain words.
 [[nodiscard]] const char* StepName(ConnectStep step);

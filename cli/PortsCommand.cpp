@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/PortSession.h"
 
 #include "core/platform/PortList.h"
 #include "core/platform/PortReport.h"
@@ -43,7 +44,8 @@ ExitCode Run(const Context& context)
                          {"stablePath", "STABLE NAME"},
                          {"state", "STATE"}},
                         {}};
-    for (const SerialPort& port : ListSerialPorts(PortNames(roots), roots)) {
+    for (const SerialPort& port :
+         ListSerialPorts(KnownPortNames(context.world, context.output), roots)) {
         table.rows.push_back({Value::Text(port.path), Value::Text(port.comName),
                               Value::Text(port.description), Value::Text(port.stablePath),
                               State(ReportPort(port.path, 0, roots))});

@@ -149,7 +149,8 @@ Value Value::Real(double number, int decimals, std::string unit)
     const std::string digits = Digits(number, decimals);
     double rounded = 0.0;
     std::from_chars(digits.data(), digits.data() + digits.size(), rounded);
-    Value value = Exact(rounded, std::move(unit));
+    // No "-0.00": a hair below nothing is nothing.
+    Value value = Exact(rounded == 0.0 ? 0.0 : rounded, std::move(unit));
     value.m_decimals = decimals;
     return value;
 }

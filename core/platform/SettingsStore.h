@@ -70,11 +70,18 @@ public:
     /// @return false if nothing was removed
     [[nodiscard]] virtual bool DeleteKey(std::wstring_view key) = 0;
 
+    /// Removes one value; its key stays.
+    /// @return false if nothing was removed
+    [[nodiscard]] virtual bool DeleteValue(std::wstring_view key, std::wstring_view name) = 0;
+
     /// Names of the keys directly below @p key, in alphabetical order.
     [[nodiscard]] virtual std::vector<std::wstring> Keys(std::wstring_view key) = 0;
 
     /// The values of @p key by name, in alphabetical order; what is no setting is left out.
     [[nodiscard]] virtual std::vector<NamedSetting> Values(std::wstring_view key) = 0;
+
+    /// Whether what is written outlasts the program; false where nothing can be written.
+    [[nodiscard]] virtual bool IsKept() const = 0;
 
     /// What the user should know about the store, in plain English; told once, then empty.
     [[nodiscard]] virtual std::string TakeNotice() = 0;

@@ -31,6 +31,7 @@ enum class Query : std::size_t
     MakeKey,
     DeleteKeys,
     DeleteValues,
+    DeleteValue,
     ListKeys,
     Get,
     Set,
@@ -49,6 +50,7 @@ constexpr std::array<std::string_view, kQueryCount> kQueries = {
     "INSERT OR IGNORE INTO key VALUES (?1, ?2)",
     "DELETE FROM key WHERE folded = ?1 OR (folded > ?2 AND folded < ?3)",
     "DELETE FROM value WHERE folded_key = ?1 OR (folded_key > ?2 AND folded_key < ?3)",
+    "DELETE FROM value WHERE folded_key = ?1 AND folded_name = ?2",
     "SELECT path FROM key WHERE folded > ?2 AND folded < ?3 ORDER BY folded",
     "SELECT type, data FROM value WHERE folded_key = ?1 AND folded_name = ?2",
     // In one statement, so that no other process can remove the key in between.
@@ -309,6 +311,19 @@ bool SqliteSettingsStore::DeleteKey(std::wstring_view key)
     });
 }
 
+bool SqliteSettingsStore::DeleteValue(std::wstring_view key, std::wstring_view name)
+{
+    const std::optional<std::wstring> path = CleanPath(key);
+    if (!path) {
+        return false;
+    }
+    const std::string foldedKey = Folded(*path);
+    const std::string foldedName = Folded(name);
+    SqliteStatement& remove = (*m_database)[Query::DeleteValue];
+    return remove.Bind(1, foldedKey).Bind(2, foldedName).Run() &&
+           sqlite3_changes(m_database->handle.get()) > 0;
+}
+
 std::vector<std::wstring> SqliteSettingsStore::Keys(std::wstring_view key)
 {
     std::vector<std::wstring> names;
@@ -347,6 +362,12 @@ std::vector<NamedSetting> SqliteSettingsStore::Values(std::wstring_view key)
         }
     }
     return values;
+}
+
+bool SqliteSettingsStore::IsKept() const
+{
+    const char* const file = sqlite3_db_filename(m_database->handle.get(), "main");
+    return file != nullptr && *file != '\0'; // memory has no name
 }
 
 std::string SqliteSettingsStore::TakeNotice()

@@ -28,8 +28,10 @@ public:
     [[nodiscard]] bool Set(std::wstring_view key, std::wstring_view name,
                            const SettingsValue& value, KeyOpening opening) override;
     [[nodiscard]] bool DeleteKey(std::wstring_view key) override;
+    [[nodiscard]] bool DeleteValue(std::wstring_view key, std::wstring_view name) override;
     [[nodiscard]] std::vector<std::wstring> Keys(std::wstring_view key) override;
     [[nodiscard]] std::vector<NamedSetting> Values(std::wstring_view key) override;
+    [[nodiscard]] bool IsKept() const override;
     [[nodiscard]] std::string TakeNotice() override;
 
 protected:

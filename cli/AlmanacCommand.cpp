@@ -1,0 +1,307 @@
+#include "cli/AlmanacReport.h"
+#include "cli/Command.h"
+#include "cli/PortSession.h"
+#include "cli/TerminalHost.h"
+
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/AlmanacText.h"
+#include "core/planning/AlmanacTime.h"
+#include "core/planning/NominalConstellation.h"
+#include "core/resources/StringTable.h"
+
+#include <memory>
+#include <optional>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr std::int64_t kWeekS = 604800;
+constexpr std::int64_t kToaStepS = 4096; // what satellites send
+
+struct AlmanacOptions
+{
+    PortOptions port;
+    std::string date; ///< empty: today
+    std::string file;
+    int week = 0;
+    CLI::Option* weekGiven = nullptr;
+    bool yes = false;
+};
+
+std::filesystem::path FolderOf(const Context& context)
+{
+    return Folders(context.world.folders).Program();
+}
+
+void ShowText(Host& host, AlmanacMessage message)
+{
+    if (message.text != 0) {
+        host.ShowMessage(Text(message.text), Text(message.caption), {BoxButtons::Ok, message.icon});
+    }
+}
+
+/// What to type to get an almanac.
+constexpr const char* kWaysToOne =
+    "fieldcore-cli almanac get --port PORT    from a receiver\n"
+    "         fieldcore-cli almanac import FILE        from a YUMA or SEM file\n"
+    "         fieldcore-cli almanac sample             a made-up one, to try things";
+
+Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacStore& store)
+{
+    switch (result) {
+    case AlmanacResult::Cancelled:
+        return RequestFailure(CommandFault::Cancelled, "");
+    case AlmanacResult::TooFew:
+        return {ExitCode::Failed, "almanac-too-few",
+                "Four satellites or fewer are no almanac; nothing was replaced.",
+                "Let the receiver track for a quarter of an hour, or take another file."};
+    case AlmanacResult::Done:
+    case AlmanacResult::NotRead:
+    case AlmanacResult::NotWritten:
+    case AlmanacResult::NotReplaced:
+        break;
+    }
+    return FileFailure("The almanac " + AlmanacPath(FolderOf(context)).string() +
+                           " cannot be written: " + store.LastError().message() + ".",
+                       "fieldcore-cli doctor");
+}
+
+/// The almanac as it now is in the program's folder, in short.
+Report Summary(const Context& context)
+{
+    const std::filesystem::path file = AlmanacPath(FolderOf(context));
+    CSurveyPlanCalc almanac;
+    almanac.LoadAlmanac(file);
+    Report report;
+    report.Add("file", "file", Value::Text(file.string()));
+    AddAlmanacSummary(report, almanac, GpsNow(context.world));
+    return report;
+}
+
+/// What became of the requests of a download, as far as it can be seen between them.
+struct Answers
+{
+    int received = 0;
+    int missing = 0; ///< the receiver has none of that satellite
+    int lost = 0;    ///< no answer, or a damaged one
+    CommandFault lastFault = CommandFault::None;
+
+    void Note(CommandFault fault)
+    {
+        ++(fault == CommandFault::None      ? received
+           : fault == CommandFault::Refused ? missing
+                                            : lost);
+        if (fault != CommandFault::None && fault != CommandFault::Refused) {
+            lastFault = fault;
+        }
+    }
+};
+
+ExitCode Get(const Context& context, const AlmanacOptions& options)
+{
+    TerminalHost host(context.world, context.output);
+    PortSession session(context.world, context.output, host, options.port);
+    if (const std::optional<Failure> failure = session.Connect()) {
+        return context.output.Failed(*failure);
+    }
+    Answers answers;
+    const auto onProgress = [&](int prn) {
+        if (prn > 1) {
+            answers.Note(session.Command().Fault());
+        }
+        if (prn <= kMaxPrn) {
+            context.output.Progress("[" + std::to_string(prn) + "/" + std::to_string(kMaxPrn) +
+                                    "] almanac of PRN " + std::to_string(prn));
+        }
+        return !context.world.StopRequested();
+    };
+    AlmanacStore store(FolderOf(context));
+    const AlmanacResult result = store.Update(session.Command(), onProgress);
+    context.output.Progress("");
+    ShowText(host, MessageOf(result));
+    const bool isLinkLost = answers.lastFault == CommandFault::LinkLost;
+    if (result != AlmanacResult::Done) {
+        // Without a single answer, why there was none says more than that there are too few.
+        const bool isLine = isLinkLost || (answers.received == 0 && answers.lost > 0);
+        return context.output.Failed(result == AlmanacResult::TooFew && isLine
+                                         ? RequestFailure(answers.lastFault, "")
+                                         : FailureOf(result, context, store));
+    }
+    Report report = Summary(context);
+    report.Add("received", "received now", Value::Integer(answers.received));
+    report.Add("missing", "unknown to receiver", Value::Integer(answers.missing));
+    report.Add("lost", "not answered", Value::Integer(answers.lost));
+    if (isLinkLost) {
+        return context.output.Failed(RequestFailure(answers.lastFault, ""), &report);
+    }
+    if (answers.lost > 0) {
+        context.output.Message("warning", "",
+                               "The receiver did not answer for " + std::to_string(answers.lost) +
+                                   " satellites; the almanac is without them.",
+                               Colour::Yellow);
+    }
+    return context.output.Done(report);
+}
+
+/// Says what is wrong with the age of an almanac at @p date: old ones, and those of a week that has
+/// not come yet.
+void ShowAge(const Context& context, Host& host, const CSurveyPlanCalc& almanac,
+             const CGPSTime& date)
+{
+    const CGPSTime time = AlmanacTime(almanac);
+    if (IsAlmanacOld(time, date)) {
+        ShowText(host, {text::kAlmanacOld, text::kAlmanacOldCaption, BoxIcon::Exclamation});
+    } else if (GpsSeconds(time) - GpsSeconds(GpsNow(context.world)) > kWeekS) {
+        context.output.Message("warning", "",
+                               "The almanac is of a week that has not come yet. If its file is an "
+                               "old one, import it with --week.",
+                               Colour::Yellow);
+    }
+}
+
+ExitCode Show(const Context& context, const AlmanacOptions& options)
+{
+    const std::optional<CGPSTime> date =
+        options.date.empty() ? GpsNow(context.world) : GpsMidnight(options.date);
+    if (!date) {
+        return context.output.Failed(UsageFailure("\"" + options.date + "\" is no date.",
+                                                  "--date 2026-11-21, from 1980-01-06 to 2099"));
+    }
+    TerminalHost host(context.world, context.output);
+    const std::filesystem::path file = AlmanacPath(FolderOf(context));
+    CSurveyPlanCalc almanac;
+    if (!almanac.LoadAlmanac(file)) {
+        ShowText(host, MessageOf(AlmanacResult::NotRead));
+        std::error_code ignored;
+        return context.output.Failed(
+            FileFailure(std::filesystem::exists(file, ignored)
+                            ? file.string() + " holds no almanac that can be read."
+                            : "There is no almanac yet: " + file.string() + " is missing.",
+                        kWaysToOne));
+    }
+    ShowAge(context, host, almanac, *date);
+    Report report;
+    report.Add("file", "file", Value::Text(file.string()));
+    AddAlmanacSummary(report, almanac, *date);
+    AddAlmanacTable(report, almanac, *date);
+    return context.output.Done(report);
+}
+
+/// Puts records in the almanac's place and says what came of it.
+ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records)
+{
+    TerminalHost host(context.world, context.output);
+    AlmanacStore store(FolderOf(context));
+    const AlmanacResult result = store.Import(records);
+    ShowText(host, MessageOf(result));
+    if (result != AlmanacResult::Done) {
+        return context.output.Failed(FailureOf(result, context, store));
+    }
+    CSurveyPlanCalc almanac;
+    almanac.LoadAlmanac(AlmanacPath(FolderOf(context)));
+    ShowAge(context, host, almanac, GpsNow(context.world));
+    return context.output.Done(Summary(context));
+}
+
+ExitCode Import(const Context& context, const AlmanacOptions& options)
+{
+    AlmanacWeek week;
+    week.today = static_cast<int>(GpsSeconds(GpsNow(context.world)) / kWeekS);
+    if (options.weekGiven->count() > 0) {
+        week.full = options.week;
+    }
+    const AlmanacText text = LoadAlmanacText(options.file, week);
+    if (text.error) {
+        const TextError& error = *text.error;
+        return context.output.Failed(FileFailure(
+            "Nothing was replaced: " + options.file +
+                (error.line > 0 ? ", line " + std::to_string(error.line) : "") +
+                (error.field.empty() ? "" : ", \"" + error.field + "\"") + ": " + error.message,
+            "Take a whole YUMA or SEM file."));
+    }
+    if (text.skipped > 0) {
+        context.output.Note(std::to_string(text.skipped) +
+                            " satellites with a PRN beyond 32 were left out.");
+    }
+    return Store(context, text.records);
+}
+
+ExitCode Sample(const Context& context, const AlmanacOptions& options)
+{
+    const std::filesystem::path file = AlmanacPath(FolderOf(context));
+    std::error_code ignored;
+    if (std::filesystem::exists(file, ignored) && !options.yes) {
+        if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
+            return context.output.Failed(
+                UsageFailure("There is an almanac already, which a made-up one would replace.",
+                             "--yes to replace it"));
+        }
+        TerminalHost host(context.world, context.output);
+        if (host.ShowMessage(L"Replace the almanac that is there by a made-up one?", L"",
+                             {BoxButtons::YesNo, BoxIcon::Question}) != BoxAnswer::Yes) {
+            return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+        }
+    }
+    const std::int64_t now = GpsSeconds(GpsNow(context.world));
+    const std::int64_t toa = now % kWeekS / kToaStepS * kToaStepS;
+    return Store(context, NominalConstellation(kNominalSatellites, static_cast<int>(now / kWeekS),
+                                               static_cast<std::uint32_t>(toa)));
+}
+
+} // namespace
+
+Command AddAlmanacCommand(CLI::App& program)
+{
+    CLI::App& parser = AddParser(
+        program, "almanac", "The satellites' orbits, for planning: get, import, show",
+        "  fieldcore-cli almanac get --port /dev/ttyUSB0   from a receiver\n"
+        "  fieldcore-cli almanac import current.alm        from a YUMA or SEM file\n"
+        "  fieldcore-cli almanac sample                    a made-up one, to try things\n"
+        "  fieldcore-cli almanac show                      what there is, and how old it is\n");
+    parser.require_subcommand(1);
+    const auto options = std::make_shared<AlmanacOptions>();
+
+    CLI::App& get = AddParser(parser, "get", "Receive the almanac from a receiver",
+                              "  fieldcore-cli almanac get --port /dev/ttyUSB0\n"
+                              "  fieldcore-cli almanac get --port sim:\n");
+    options->port.AddTo(get);
+
+    CLI::App& show =
+        AddParser(parser, "show", "Each satellite of the almanac, and how old it is",
+                  "  fieldcore-cli almanac show\n"
+                  "  fieldcore-cli almanac show --date 2026-12-24   will it do then?\n");
+    show.add_option("--date", options->date, "Count the age at the start of this day (now)")
+        ->type_name("YYYY-MM-DD");
+
+    CLI::App& import = AddParser(parser, "import", "Take the almanac from a YUMA or SEM file",
+                                 "  fieldcore-cli almanac import current.alm\n"
+                                 "  fieldcore-cli almanac import old.alm --week 2300\n");
+    import.add_option("FILE", options->file, "The file; which kind it is shows in it")
+        ->type_name("")
+        ->required();
+    options->weekGiven =
+        import
+            .add_option("--week", options->week,
+                        "Full GPS week, instead of the one in the file nearest to today")
+            ->check(CLI::Range(0, 32767).description(""))
+            ->type_name("N");
+
+    CLI::App& sample =
+        AddParser(parser, "sample", "Make one up: the constellation as it was laid out",
+                  "  fieldcore-cli almanac sample\n"
+                  "  fieldcore-cli almanac sample --yes   in place of a real one\n");
+    sample.add_flag("--yes", options->yes, "Replace an almanac without asking");
+
+    return {&parser, [=, &get, &show, &import](const Context& context) {
+                return get.parsed()      ? Get(context, *options)
+                       : show.parsed()   ? Show(context, *options)
+                       : import.parsed() ? Import(context, *options)
+                                         : Sample(context, *options);
+            }};
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,158 @@
+#include "cli/AlmanacReport.h"
+
+#include "core/planning/AlmanacTime.h"
+#include "core/planning/Degrees.h"
+
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+namespace fieldcore::cli {
+
+namespace {
+
+using std::chrono::sys_days;
+using std::chrono::year_month_day;
+using namespace std::chrono_literals;
+
+constexpr sys_days kGpsEpoch{1980y / 1 / 6};
+constexpr double kDayS = 86400.0;
+constexpr int kSecondsPerWeek = 604800;
+
+CGPSTime FromGpsSeconds(std::int64_t seconds)
+{
+    return {CGPSTime::m_OriginalTime + CTimeSpan(seconds)};
+}
+
+/// Date and time of day, for a person without the T between them.
+Value DateValue(const CGPSTime& time)
+{
+    const auto instant = kGpsEpoch + std::chrono::seconds(GpsSeconds(time));
+    const auto day = std::chrono::floor<std::chrono::days>(instant);
+    const year_month_day date(day);
+    const std::chrono::hh_mm_ss clock(instant - day);
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
+                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
+                  static_cast<int>(clock.minutes().count()),
+                  static_cast<int>(clock.seconds().count()));
+    std::string words(text.data());
+    words[words.find('T')] = ' ';
+    return Value::Word(text.data(), std::move(words));
+}
+
+Value AgeValue(const CGPSTime& time, const CGPSTime& date)
+{
+    return Value::Real(static_cast<double>(GpsSeconds(date) - GpsSeconds(time)) / kDayS, 1, "days");
+}
+
+/// The reference time of a satellite; nothing if the record has none.
+std::optional<CGPSTime> TimeOf(const KeplerElements& elements)
+{
+    if (elements.week < 0 || elements.toaS > kSecondsPerWeek) {
+        return std::nullopt;
+    }
+    CGPSTime time;
+    time.SetGpsTime(elements.week, elements.toaS);
+    return time;
+}
+
+/// A part of a date, all of whose characters must be digits.
+int DatePart(std::string_view text)
+{
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    return std::from_chars(text.data(), end, number).ptr == end ? number : -1;
+}
+
+} // namespace
+
+CGPSTime GpsNow(const World& world)
+{
+    const auto since = world.clock->Utc() - kGpsEpoch;
+    return FromGpsSeconds(std::chrono::duration_cast<std::chrono::seconds>(since).count());
+}
+
+std::optional<CGPSTime> GpsMidnight(std::string_view day)
+{
+    constexpr std::string_view kForm = "2026-11-21";
+    if (day.size() != kForm.size() || day[4] != '-' || day[7] != '-') {
+        return std::nullopt;
+    }
+    const int month = DatePart(day.substr(5, 2));
+    const int dayOfMonth = DatePart(day.substr(8));
+    if (month < 1 || dayOfMonth < 1) {
+        return std::nullopt;
+    }
+    const year_month_day date(std::chrono::year(DatePart(day.substr(0, 4))),
+                              std::chrono::month(static_cast<unsigned>(month)),
+                              std::chrono::day(static_cast<unsigned>(dayOfMonth)));
+    if (!date.ok() || sys_days(date) < kGpsEpoch || date.year() > 2099y) {
+        return std::nullopt;
+    }
+    return FromGpsSeconds(std::chrono::seconds(sys_days(date) - kGpsEpoch).count());
+}
+
+std::int64_t GpsSeconds(const CGPSTime& time)
+{
+    return time.GetUtcTime().GetTime() - CGPSTime::m_OriginalTime.GetTime();
+}
+
+void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
+{
+    std::int64_t loaded = 0;
+    std::int64_t healthy = 0;
+    bool anyTime = false;
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        if (almanac.IsValid(index) != 0) {
+            ++loaded;
+            healthy += almanac.GetSatellite(index).IsHealthy();
+            anyTime = anyTime || TimeOf(almanac.GetSatellite(index).GetOrbit().Elements());
+        }
+    }
+    const CGPSTime time = AlmanacTime(almanac);
+    report.Add("satelliteCount", "satellites", Value::Integer(loaded));
+    report.Add("healthyCount", "healthy", Value::Integer(healthy));
+    report.Add("gpsTime", "almanac time", anyTime ? DateValue(time) : Value::Unknown());
+    report.Add("ageDays", "age", anyTime ? AgeValue(time, date) : Value::Unknown());
+    report.Add("old", "too old", Value::YesNo(IsAlmanacOld(time, date)));
+}
+
+void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
+{
+    Report::Table table{"satellites",
+                        "",
+                        {{"prn", "PRN"},
+                         {"healthy", "HEALTHY"},
+                         {"health", "HEALTH"},
+                         {"week", "WEEK"},
+                         {"gpsTime", "REFERENCE TIME (GPS)"},
+                         {"eccentricity", "ECCENTRICITY"},
+                         {"inclinationDeg", "INCLINATION"},
+                         {"ageDays", "AGE"}},
+                        {}};
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        if (almanac.IsValid(index) == 0) {
+            continue;
+        }
+        const CAlmanacSatellite& satellite = almanac.GetSatellite(index);
+        const KeplerElements& elements = satellite.GetOrbit().Elements();
+        const AlmanacRecord record = DecodeAlmanac(satellite.GetRecord());
+        const std::optional<CGPSTime> time = TimeOf(elements);
+        table.rows.push_back(
+            {Value::Integer(satellite.GetPrn()), Value::YesNo(satellite.IsHealthy() != 0),
+             Value::Integer(record.health),
+             time ? Value::Integer(GpsSeconds(*time) / kSecondsPerWeek) : Value::Unknown(),
+             time ? DateValue(*time) : Value::Unknown(), Value::Real(elements.eccentricity, 6),
+             Value::Real(DegreesOf(elements.i0), 3, "deg"),
+             time ? AgeValue(*time, date) : Value::Unknown()});
+    }
+    report.AddTable(std::move(table));
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "cli/Report.h"
+#include "cli/World.h"
+
+#include "core/planning/GPSTime.h"
+#include "core/planning/SurveyPlanCalc.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace fieldcore::cli {
+
+// GPS time here is UTC without the leap seconds that have come since 1980: for the age of an
+// almanac in days they do not matter.
+
+/// Now, by the world's clock.
+[[nodiscard]] CGPSTime GpsNow(const World& world);
+
+/// The GPS midnight with which a day begins, written 2026-11-21.
+/// @return nothing if that is no day from 1980-01-06 to 2099
+[[nodiscard]] std::optional<CGPSTime> GpsMidnight(std::string_view day);
+
+/// Seconds since 1980-01-06 00:00:00 of GPS time.
+[[nodiscard]] std::int64_t GpsSeconds(const CGPSTime& time);
+
+/// Adds how many satellites the almanac has, how many of them are healthy, its time and how old it
+/// is at @p date.
+void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date);
+
+/// Adds the satellites as a table.
+void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date);
+
+} // namespace fieldcore::cli

@@ -1,0 +1,163 @@
+#include "cli/AngleText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <system_error>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr double kMostDegrees = 360.0;
+constexpr std::string_view kDigits = "0123456789";
+
+std::optional<double> ParseReal(std::string_view text)
+{
+    double number = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isWhole = error == std::errc() && end == text.data() + text.size();
+    return isWhole && std::isfinite(number) ? std::optional(number) : std::nullopt;
+}
+
+bool TakeOneOf(std::string_view& text, std::initializer_list<std::string_view> signs)
+{
+    for (const std::string_view sign : signs) {
+        if (text.starts_with(sign)) {
+            text.remove_prefix(sign.size());
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Takes what separates a part from the next one, or ends it.
+/// @param part  0 degrees, 1 minutes, 2 seconds
+bool TakeSeparator(std::string_view& text, std::size_t part)
+{
+    switch (part) {
+    case 0:
+        return TakeOneOf(text, {":", "-", "\u00B0", "\uFF9F"});
+    case 1:
+        return TakeOneOf(text, {":", "-", "'", "\u2032"});
+    default:
+        return TakeOneOf(text, {"\"", "\u2033"});
+    }
+}
+
+AngleResult Fault(std::string_view text, const std::string& why)
+{
+    return {std::nullopt, "\"" + std::string(text) + "\" is no angle: " + why};
+}
+
+/// "412240" as minutes and seconds: two digits each, then decimals. Missing ones are zeros.
+std::array<double, 3> Unpacked(std::string_view degrees, std::string_view decimals)
+{
+    std::string digits(decimals);
+    digits.resize(std::max<std::size_t>(digits.size(), 4), '0');
+    const std::string seconds = digits.substr(2, 2) + "." + digits.substr(4) + "0";
+    return {ParseReal(degrees).value_or(0.0), ParseReal(digits.substr(0, 2)).value_or(0.0),
+            ParseReal(seconds).value_or(0.0)};
+}
+
+/// A whole number of units of the last decimal of a second, split.
+struct Split
+{
+    std::string sign;
+    std::string degrees;
+    std::string minutes;
+    std::string seconds;
+    std::string decimals;
+};
+
+std::string Padded(std::uint64_t number, std::size_t digits)
+{
+    std::string text = std::to_string(number);
+    text.insert(0, digits - std::min(digits, text.size()), '0');
+    return text;
+}
+
+Split SplitAngle(double degrees, int decimals)
+{
+    std::uint64_t perSecond = 1;
+    for (int at = 0; at < decimals; ++at) {
+        perSecond *= 10;
+    }
+    const double units = std::abs(degrees) * 3600.0 * static_cast<double>(perSecond);
+    const auto count = static_cast<std::uint64_t>(std::llround(units));
+    const std::uint64_t seconds = count / perSecond;
+    return {degrees < 0.0 && count > 0 ? "-" : "", std::to_string(seconds / 3600),
+            Padded(seconds / 60 % 60, 2), Padded(seconds % 60, 2),
+            decimals > 0 ? Padded(count % perSecond, static_cast<std::size_t>(decimals)) : ""};
+}
+
+} // namespace
+
+AngleResult ParseAngle(std::string_view utf8, AngleForm form)
+{
+    std::string_view rest = utf8;
+    const bool isNegative = rest.starts_with('-');
+    static_cast<void>(TakeOneOf(rest, {"-", "+"}));
+    std::array<double, 3> parts{};
+    std::size_t count = 0;
+    for (bool isLast = false; !rest.empty(); ++count) {
+        const std::size_t whole = std::min(rest.find_first_not_of(kDigits), rest.size());
+        std::size_t length = whole;
+        if (rest.substr(whole).starts_with('.')) {
+            length = std::min(rest.find_first_not_of(kDigits, whole + 1), rest.size());
+        }
+        const std::optional<double> number = ParseReal(rest.substr(0, length));
+        if (count == parts.size() || isLast || whole == 0 || !number) {
+            return Fault(utf8, "write 35.68956, 35:41:22.4 or 35\u00B041'22.4\".");
+        }
+        parts[count] = *number;
+        isLast = length > whole;
+        const bool isAlone = count == 0 && length == rest.size();
+        if (isAlone && form == AngleForm::Packed) {
+            parts = Unpacked(rest.substr(0, whole),
+                             length > whole ? rest.substr(whole + 1) : std::string_view());
+        }
+        rest.remove_prefix(length);
+        if (!rest.empty() && !TakeSeparator(rest, count)) {
+            return Fault(utf8, "write 35.68956, 35:41:22.4 or 35\u00B041'22.4\".");
+        }
+    }
+    if (count == 0) {
+        return Fault(utf8, "there are no digits.");
+    }
+    if (parts[1] >= 60.0 || parts[2] >= 60.0) {
+        return Fault(utf8, "minutes and seconds are less than 60.");
+    }
+    const double degrees = parts[0] + (parts[1] * 60.0 + parts[2]) / 3600.0;
+    if (degrees > kMostDegrees) {
+        return Fault(utf8, "there are at most 360 degrees.");
+    }
+    return {isNegative ? -degrees : degrees, ""};
+}
+
+std::string SexagesimalText(double degrees, int decimals)
+{
+    const Split split = SplitAngle(degrees, decimals);
+    return split.sign + split.degrees + "\u00B0" + split.minutes + "'" + split.seconds +
+           (split.decimals.empty() ? "" : "." + split.decimals) + "\"";
+}
+
+std::string PackedText(double degrees, int decimals)
+{
+    const Split split = SplitAngle(degrees, decimals);
+    return split.sign + split.degrees + "." + split.minutes + split.seconds + split.decimals;
+}
+
+std::optional<double> ParseMetres(std::string_view text)
+{
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    return ParseReal(text);
+}
+
+} // namespace fieldcore::cli

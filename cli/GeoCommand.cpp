@@ -1,0 +1,371 @@
+#include "cli/AngleText.h"
+#include "cli/Command.h"
+#include "cli/Failure.h"
+#include "cli/GeoInput.h"
+#include "cli/Report.h"
+
+#include "core/planning/Degrees.h"
+#include "core/planning/Geodesy.h"
+#include "core/planning/PlaneRectangular.h"
+#include "core/planning/TokyoDatum.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <numbers>
+#include <utility>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr int kDegreeDecimals = 10; // 0.01 mm on the ground
+constexpr int kSecondDecimals = 6;  // 0.03 mm
+constexpr int kMetreDecimals = 4;
+
+struct GeoOptions
+{
+    std::string first; ///< a latitude, an x or an angle
+    std::string second;
+    std::string third = "0";
+    std::string to;
+    Ellipsoid ellipsoid = Ellipsoid::Grs80;
+    int zone = 0; ///< 0: none was named
+    bool packed = false;
+
+    [[nodiscard]] AngleForm Form() const { return packed ? AngleForm::Packed : AngleForm::Decimal; }
+};
+
+Value EllipsoidValue(Ellipsoid ellipsoid)
+{
+    switch (ellipsoid) {
+    case Ellipsoid::Grs80:
+        return Value::Word("grs80", "GRS80");
+    case Ellipsoid::Wgs84:
+        return Value::Word("wgs84", "WGS84");
+    case Ellipsoid::Bessel1841:
+        break;
+    }
+    return Value::Word("bessel", "Bessel 1841");
+}
+
+std::optional<Failure> ReadPlace(const GeoOptions& options, GeodeticPosition& place)
+{
+    std::optional<Failure> failure =
+        ReadAngle({"The latitude", options.first, -90.0, 90.0}, options.Form(), place.latitudeRad);
+    if (!failure) {
+        failure = ReadAngle({"The longitude", options.second, -360.0, 360.0}, options.Form(),
+                            place.longitudeRad);
+    }
+    if (!failure) {
+        failure = ReadMetres({"The height", options.third, kLowestHeightM, kHighestHeightM},
+                             place.heightM);
+    }
+    if (!failure && !IsPlace(place)) { // a full turn, a hair beyond what the library takes
+        failure = UsageFailure("The longitude " + options.second + " is out of range.",
+                               "-180 to 180 degrees");
+    }
+    return failure;
+}
+
+void AddAngle(Report& report, const std::string& key, const std::string& label, double rad,
+              bool packed)
+{
+    const double degrees = DegreesOf(rad);
+    report.Add(key + "Deg", label, Value::Real(degrees, kDegreeDecimals, "deg"));
+    report.Add(key + "Dms", "", Value::Text(SexagesimalText(degrees, kSecondDecimals)));
+    if (packed) {
+        report.Add(key + "Ddmmss", "", Value::Text(PackedText(degrees, kSecondDecimals)));
+    }
+}
+
+void AddPlace(Report& report, const GeodeticPosition& place, const GeoOptions& options)
+{
+    AddAngle(report, "latitude", "latitude", place.latitudeRad, options.packed);
+    AddAngle(report, "longitude", "longitude", place.longitudeRad, options.packed);
+    report.Add("heightM", "ellipsoidal height", Value::Real(place.heightM, kMetreDecimals, "m"));
+}
+
+ExitCode ToEcef(const Context& context, const GeoOptions& options)
+{
+    GeodeticPosition place;
+    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
+        return context.output.Failed(*failure);
+    }
+    const Ecef point = EcefOfGeodetic(place, options.ellipsoid).value_or(Ecef{});
+    Report report;
+    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
+    report.Add("xM", "X", Value::Real(point.x, kMetreDecimals, "m"));
+    report.Add("yM", "Y", Value::Real(point.y, kMetreDecimals, "m"));
+    report.Add("zM", "Z", Value::Real(point.z, kMetreDecimals, "m"));
+    return context.output.Done(report);
+}
+
+ExitCode ToGeodetic(const Context& context, const GeoOptions& options)
+{
+    constexpr double kFarthest = 1.1e8; // beyond the highest height
+    Ecef point;
+    std::optional<Failure> failure =
+        ReadMetres({"X", options.first, -kFarthest, kFarthest}, point.x);
+    if (!failure) {
+        failure = ReadMetres({"Y", options.second, -kFarthest, kFarthest}, point.y);
+    }
+    if (!failure) {
+        failure = ReadMetres({"Z", options.third, -kFarthest, kFarthest}, point.z);
+    }
+    const auto place = GeodeticOfEcef(point, options.ellipsoid);
+    if (!failure && !place) {
+        failure = UsageFailure("The point is too deep in the earth or too far away from it.",
+                               "X, Y and Z in metres, at most 100 km below the ellipsoid and "
+                               "100000 km above it");
+    }
+    if (failure) {
+        return context.output.Failed(*failure);
+    }
+    Report report;
+    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
+    AddPlace(report, *place, options);
+    return context.output.Done(report);
+}
+
+/// The zones with the nearest origins, the nearest one first.
+std::vector<int> NearestZones(const GeodeticPosition& place)
+{
+    const auto distance = [&place](int zone) {
+        const GeodeticPosition origin = PlaneOrigin(zone).value_or(GeodeticPosition{});
+        const double east =
+            std::remainder(place.longitudeRad - origin.longitudeRad, 2.0 * std::numbers::pi);
+        return std::hypot(place.latitudeRad - origin.latitudeRad,
+                          east * std::cos(place.latitudeRad));
+    };
+    std::vector<int> zones;
+    for (int zone = kFirstPlaneZone; zone <= kLastPlaneZone; ++zone) {
+        zones.push_back(zone);
+    }
+    std::sort(zones.begin(), zones.end(), [&](int a, int b) { return distance(a) < distance(b); });
+    return zones;
+}
+
+/// What to try, for a place that has no zone or is too far from it.
+std::string ZoneHint(const GeodeticPosition& place)
+{
+    const std::vector<int> zones = NearestZones(place);
+    if (!PlaneOfGeodetic(zones[0], place)) {
+        return "a place in Japan: no zone reaches this one";
+    }
+    return "--zone " + std::to_string(zones[0]) + " or --zone " + std::to_string(zones[1]) +
+           ", whose origins are nearest; the prefecture decides";
+}
+
+ExitCode ToPlane(const Context& context, const GeoOptions& options)
+{
+    GeodeticPosition place;
+    std::optional<Failure> failure = ReadPlace(options, place);
+    if (!failure && options.zone == 0) {
+        failure = UsageFailure("No zone is named.", ZoneHint(place));
+    }
+    const auto plane = PlaneOfGeodetic(options.zone, place, options.ellipsoid);
+    if (!failure && !plane) {
+        failure = UsageFailure("The place is out of the reach of zone " +
+                                   std::to_string(options.zone) + ".",
+                               ZoneHint(place));
+    }
+    if (failure) {
+        return context.output.Failed(*failure);
+    }
+    const double convergence = DegreesOf(plane->convergenceRad);
+    Report report;
+    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
+    report.Add("zone", "zone", Value::Integer(options.zone));
+    report.Add("xM", "x, north", Value::Real(plane->position.xM, kMetreDecimals, "m"));
+    report.Add("yM", "y, east", Value::Real(plane->position.yM, kMetreDecimals, "m"));
+    report.Add("convergenceDeg", "meridian convergence", Value::Real(convergence, 8, "deg"));
+    report.Add("convergenceDms", "", Value::Text(SexagesimalText(convergence, 2)));
+    report.Add("scaleFactor", "scale factor", Value::Real(plane->scaleFactor, 8));
+    return context.output.Done(report);
+}
+
+ExitCode FromPlane(const Context& context, const GeoOptions& options)
+{
+    PlanePosition point;
+    std::optional<Failure> failure =
+        ReadMetres({"x", options.first, -kPlaneReachM, kPlaneReachM}, point.xM);
+    if (!failure) {
+        failure = ReadMetres({"y", options.second, -kPlaneReachM, kPlaneReachM}, point.yM);
+    }
+    if (failure) {
+        return context.output.Failed(*failure);
+    }
+    const auto place = GeodeticOfPlane(options.zone, point, options.ellipsoid);
+    if (!place) {
+        return context.output.Failed(
+            UsageFailure("There is no such place.", "x is to the north, y to the east, in metres"));
+    }
+    Report report;
+    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
+    report.Add("zone", "zone", Value::Integer(options.zone));
+    AddAngle(report, "latitude", "latitude", place->latitudeRad, options.packed);
+    AddAngle(report, "longitude", "longitude", place->longitudeRad, options.packed);
+    return context.output.Done(report);
+}
+
+ExitCode ChangeDatum(const Context& context, const GeoOptions& options)
+{
+    GeodeticPosition place;
+    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
+        return context.output.Failed(*failure);
+    }
+    const bool toJgd = options.to == "jgd";
+    const auto other = toJgd ? Jgd2000OfTokyo(place) : TokyoOfJgd2000(place);
+    if (!other) {
+        return context.output.Failed(UsageFailure("The height leaves the range of the conversion.",
+                                                  "-100000 to 100000000 m in both datums"));
+    }
+    Report report;
+    report.Add("datum", "datum",
+               toJgd ? Value::Word("jgd", "JGD2000") : Value::Word("tokyo", "Tokyo datum"));
+    report.Add("ellipsoid", "ellipsoid",
+               EllipsoidValue(toJgd ? Ellipsoid::Grs80 : Ellipsoid::Bessel1841));
+    AddPlace(report, *other, options);
+    return context.output.Done(report);
+}
+
+ExitCode ShowAngle(const Context& context, const GeoOptions& options)
+{
+    const AngleResult angle = ParseAngle(options.first, options.Form());
+    if (!angle.degrees) {
+        return context.output.Failed(UsageFailure(angle.fault));
+    }
+    const double degrees = *angle.degrees;
+    Report report;
+    report.Add("deg", "degrees", Value::Real(degrees, kDegreeDecimals, "deg"));
+    report.Add("dms", "degrees, minutes, seconds",
+               Value::Text(SexagesimalText(degrees, kSecondDecimals)));
+    report.Add("ddmmss", "DD.MMSSsss", Value::Text(PackedText(degrees, kSecondDecimals)));
+    report.Add("rad", "radians", Value::Exact(RadiansOf(degrees), "rad"));
+    return context.output.Done(report);
+}
+
+using Options = std::shared_ptr<GeoOptions>;
+
+void AddPositional(CLI::App& parser, const char* name, std::string& value, const char* purpose)
+{
+    parser.add_option(name, value, purpose)->type_name("")->required();
+}
+
+void AddPlaceOptions(CLI::App& parser, const Options& options, bool withHeight)
+{
+    AddPositional(parser, "LAT", options->first, "Latitude, north positive");
+    AddPositional(parser, "LON", options->second, "Longitude, east positive");
+    if (withHeight) {
+        parser.add_option("H", options->third, "Ellipsoidal height, m (0)")->type_name("");
+    }
+}
+
+void AddPacked(CLI::App& parser, const Options& options)
+{
+    parser.add_flag("--ddmmss", options->packed,
+                    "35.412240 is 35 degrees, 41 minutes, 22.40 seconds");
+}
+
+void AddEllipsoid(CLI::App& parser, const Options& options,
+                  const std::map<std::string, Ellipsoid>& names, const char* purpose)
+{
+    parser.add_option("--ellipsoid", options->ellipsoid, purpose)
+        ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
+        ->type_name("NAME");
+}
+
+CLI::Option* AddZone(CLI::App& parser, const Options& options)
+{
+    return parser.add_option("--zone", options->zone, "Zone of the plane coordinates, 1 to 19")
+        ->check(CLI::Range(kFirstPlaneZone, kLastPlaneZone).description(""))
+        ->type_name("N");
+}
+
+} // namespace
+
+Command AddGeoCommand(CLI::App& program)
+{
+    CLI::App& parser = AddParser(
+        program, "geo", "Convert coordinates and angles",
+        "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45      to earth-fixed X, Y, Z\n"
+        "  fieldcore-cli geo geodetic -3957229 3310200 3737529   and back\n"
+        "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9     to plane x, y of zone 9\n"
+        "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9  and back\n"
+        "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd     from the old Tokyo datum\n"
+        "  fieldcore-cli geo angle 35.412240 --ddmmss            the same angle in other forms\n"
+        "\n"
+        "Angles are degrees, such as 35.6895 or -0.5, or degrees, minutes and seconds, such as\n"
+        "35:41:22.4 or 35\u00B041'22.4\" in quotes. With --ddmmss 35.412240 means the same.\n");
+    parser.require_subcommand(1);
+    const auto options = std::make_shared<GeoOptions>();
+    const std::map<std::string, Ellipsoid> all{{"grs80", Ellipsoid::Grs80},
+                                               {"wgs84", Ellipsoid::Wgs84},
+                                               {"bessel", Ellipsoid::Bessel1841}};
+    const std::map<std::string, Ellipsoid> japanese{{"grs80", Ellipsoid::Grs80},
+                                                    {"bessel", Ellipsoid::Bessel1841}};
+
+    CLI::App& ecef = AddParser(parser, "ecef", "A place as earth-fixed X, Y, Z",
+                               "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45\n"
+                               "  fieldcore-cli geo ecef -33.85 151.2 --ellipsoid wgs84\n");
+    AddPlaceOptions(ecef, options, true);
+    AddEllipsoid(ecef, options, all, "grs80, wgs84 or bessel (grs80)");
+    AddPacked(ecef, options);
+
+    CLI::App& geodetic = AddParser(parser, "geodetic", "Earth-fixed X, Y, Z as a place",
+                                   "  fieldcore-cli geo geodetic -3957229 3310200 3737529\n");
+    AddPositional(geodetic, "X", options->first, "Towards latitude 0, longitude 0, m");
+    AddPositional(geodetic, "Y", options->second, "Towards latitude 0, longitude 90, m");
+    AddPositional(geodetic, "Z", options->third, "Towards the north pole, m");
+    AddEllipsoid(geodetic, options, all, "grs80, wgs84 or bessel (grs80)");
+    AddPacked(geodetic, options);
+
+    CLI::App& plane = AddParser(parser, "plane", "A place as plane rectangular x, y of Japan",
+                                "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9\n"
+                                "  fieldcore-cli geo plane 35.6895 139.6917   which zone?\n");
+    AddPlaceOptions(plane, options, false);
+    AddZone(plane, options);
+    AddEllipsoid(plane, options, japanese, "grs80 (JGD) or bessel (Tokyo datum) (grs80)");
+    AddPacked(plane, options);
+
+    CLI::App& unplane = AddParser(parser, "unplane", "Plane rectangular x, y as a place",
+                                  "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9\n");
+    AddPositional(unplane, "X", options->first, "North of the zone's origin, m");
+    AddPositional(unplane, "Y", options->second, "East of the zone's meridian, m");
+    AddZone(unplane, options)->required();
+    AddEllipsoid(unplane, options, japanese, "grs80 (JGD) or bessel (Tokyo datum) (grs80)");
+    AddPacked(unplane, options);
+
+    CLI::App& tokyo =
+        AddParser(parser, "tokyo", "Between the Tokyo datum and JGD2000, to some metres",
+                  "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd      from an old map\n"
+                  "  fieldcore-cli geo tokyo 35.6895 139.6917 --to tokyo    onto one\n");
+    AddPlaceOptions(tokyo, options, true);
+    tokyo.add_option("--to", options->to, "The datum of the result: jgd or tokyo")
+        ->transform(CLI::IsMember(std::vector<std::string>{"jgd", "tokyo"}).description(""))
+        ->type_name("DATUM")
+        ->required();
+    AddPacked(tokyo, options);
+
+    CLI::App& angle = AddParser(parser, "angle", "One angle in all its forms",
+                                "  fieldcore-cli geo angle 35:41:22.4\n"
+                                "  fieldcore-cli geo angle 35.412240 --ddmmss\n");
+    AddPositional(angle, "ANGLE", options->first, "At most 360 degrees either way");
+    AddPacked(angle, options);
+
+    return {&parser, [=, &ecef, &geodetic, &plane, &unplane, &tokyo](const Context& context) {
+                return ecef.parsed()       ? ToEcef(context, *options)
+                       : geodetic.parsed() ? ToGeodetic(context, *options)
+                       : plane.parsed()    ? ToPlane(context, *options)
+                       : unplane.parsed()  ? FromPlane(context, *options)
+                       : tokyo.parsed()    ? ChangeDatum(context, *options)
+                                           : ShowAngle(context, *options);
+            }};
+}
+
+} // namespace fieldcore::cli

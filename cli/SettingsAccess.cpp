@@ -1,0 +1,86 @@
+#include "cli/SettingsAccess.h"
+
+#include "core/platform/Utf8.h"
+#include "core/settings/HostReg.h"
+
+#include <cstdint>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace fieldcore::cli {
+
+SettingsAccess::SettingsAccess(const Context& context, const SettingsOptions& options)
+    : m_roots(Folders(context.world.folders)),
+      m_root(options.machine ? RootKey::LocalMachine : RootKey::CurrentUser)
+{
+    if (!options.whole) {
+        m_key = HostBasePath();
+    }
+    if (!options.key.empty()) {
+        m_key += m_key.empty() ? L"" : L"\\";
+        m_key += FromUtf8(options.key);
+    }
+    const std::string notice = Store().TakeNotice();
+    if (!notice.empty()) {
+        context.output.Message("warning", "", notice, Colour::Yellow);
+    }
+}
+
+void SettingsAccess::AddPlace(Report& report) const
+{
+    report.Add("root", "root",
+               m_root == RootKey::LocalMachine ? Value::Word("machine", "machine")
+                                               : Value::Word("user", "user"));
+    report.Add("key", "key", Value::Word(ToUtf8(m_key), m_key.empty() ? "(root)" : ToUtf8(m_key)));
+}
+
+std::optional<Failure> SettingsAccess::CannotWrite()
+{
+    return Store().IsKept() ? std::nullopt : std::optional(NotWritten());
+}
+
+Failure SettingsAccess::NotWritten() const
+{
+    return FileFailure("Nothing was stored: " + m_roots.File(m_root).string() +
+                           " cannot be written.",
+                       "fieldcore-cli doctor");
+}
+
+std::string TypeName(const SettingsValue& value)
+{
+    return std::holds_alternative<std::wstring>(value)    ? "text"
+           : std::holds_alternative<std::uint32_t>(value) ? "number"
+                                                          : "binary";
+}
+
+Value ShownSetting(const SettingsValue& value)
+{
+    if (const auto* number = std::get_if<std::uint32_t>(&value)) {
+        return Value::Integer(*number);
+    }
+    const auto* words = std::get_if<std::wstring>(&value);
+    std::string text = words != nullptr
+                           ? ToUtf8(*words)
+                           : FormatSettingBytes(std::get<std::vector<std::uint8_t>>(value));
+    std::string shown = text.empty() ? "(empty)" : text;
+    return Value::Word(std::move(text), std::move(shown));
+}
+
+void AddKeys(Report& report, const std::vector<SettingsKey>& keys)
+{
+    for (const SettingsKey& key : keys) {
+        Report entry;
+        entry.Add("key", "", Value::Word(ToUtf8(key.path), ToUtf8(key.path)));
+        Report::Table table{"values", "", {{"name", ""}, {"type", ""}, {"value", ""}}, {}};
+        for (const NamedSetting& setting : key.values) {
+            table.rows.push_back({Value::Word(ToUtf8(setting.name), ToUtf8(setting.name)),
+                                  Value::Text(TypeName(setting.value)),
+                                  ShownSetting(setting.value)});
+        }
+        entry.AddTable(std::move(table));
+        report.AddEntry("keys", std::move(entry));
+    }
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "cli/Command.h"
+#include "cli/Failure.h"
+#include "cli/Report.h"
+
+#include "core/settings/SettingsRoots.h"
+#include "core/settings/SettingsTree.h"
+
+#include <optional>
+#include <string>
+
+namespace fieldcore::cli {
+
+/// Which settings, for all commands that have to do with them.
+struct SettingsOptions
+{
+    bool machine = false; ///< the root that all users share, instead of the user's own
+    bool whole = false;   ///< keys count from the root, instead of from the library's own key
+    bool yes = false;
+    bool dryRun = false;
+    std::string key;
+    std::string name;
+    std::string value;
+    std::string type; ///< empty: the one it has
+    std::string file; ///< empty: stdout
+};
+
+/// The settings of one root for the time of one command.
+class SettingsAccess
+{
+public:
+    /// Both outlive the object. What there is to say about the store is said as a warning.
+    SettingsAccess(const Context& context, const SettingsOptions& options);
+
+    [[nodiscard]] SettingsStore& Store() { return m_roots.Store(m_root); }
+    /// The whole path of the key that the user named.
+    [[nodiscard]] const std::wstring& Key() const { return m_key; }
+    /// Adds which root and key are meant.
+    void AddPlace(Report& report) const;
+    /// Why nothing can be written, if it cannot.
+    [[nodiscard]] std::optional<Failure> CannotWrite();
+    /// A write that the store refused.
+    [[nodiscard]] Failure NotWritten() const;
+
+private:
+    SettingsRoots m_roots;
+    const RootKey m_root;
+    std::wstring m_key;
+};
+
+/// "text", "number" or "binary".
+[[nodiscard]] std::string TypeName(const SettingsValue& value);
+
+/// A number for a program too; bytes as hexadecimal digits.
+[[nodiscard]] Value ShownSetting(const SettingsValue& value);
+
+/// Adds the keys as a list, with their values and types.
+void AddKeys(Report& report, const std::vector<SettingsKey>& keys);
+
+// Saving settings as text and bringing them back.
+ExitCode ExportSettings(const Context& context, const SettingsOptions& options);
+ExitCode ImportSettings(const Context& context, const SettingsOptions& options);
+
+} // namespace fieldcore::cli

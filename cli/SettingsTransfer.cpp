@@ -1,0 +1,173 @@
+#include "cli/SettingsAccess.h"
+#include "cli/TerminalHost.h"
+
+#include "core/platform/AtomicFile.h"
+#include "core/platform/Utf8.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <istream>
+#include <utility>
+
+namespace fieldcore::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::size_t CountValues(const std::vector<SettingsKey>& keys)
+{
+    std::size_t count = 0;
+    for (const SettingsKey& key : keys) {
+        count += key.values.size();
+    }
+    return count;
+}
+
+void AddCounts(Report& report, const std::vector<SettingsKey>& keys)
+{
+    report.Add("keyCount", "keys", Value::Integer(static_cast<std::int64_t>(keys.size())));
+    report.Add("valueCount", "values",
+               Value::Integer(static_cast<std::int64_t>(CountValues(keys))));
+}
+
+/// Puts @p text into @p file, whole. An existing file is replaced only if the user agrees.
+std::optional<Failure> WriteText(const Context& context, const SettingsOptions& options,
+                                 const std::string& text)
+{
+    const fs::path file(options.file);
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        return FileFailure(options.file + " is no file.", "Leave FILE out to write to stdout.");
+    }
+    if (fs::exists(status) && !options.yes) {
+        if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
+            return UsageFailure(options.file + " is there already.", "--yes to replace it");
+        }
+        TerminalHost host(context.world, context.output);
+        if (host.ShowMessage(FromUtf8(options.file + " is there already. Replace it?"), L"",
+                             {BoxButtons::YesNo, BoxIcon::Question}) != BoxAnswer::Yes) {
+            return Failure{ExitCode::Cancelled, "cancelled", "Cancelled."};
+        }
+    }
+    AtomicFile target(file, file.filename().string() + ".new");
+    error = target.Open();
+    if (!error) {
+        error = target.Write(text);
+    }
+    if (!error) {
+        error = target.Commit();
+    }
+    if (error) {
+        return FileFailure(options.file + " cannot be written: " + error.message() + ".",
+                           "Name a file in a folder that you may write to.");
+    }
+    return std::nullopt;
+}
+
+/// @param text  what stands in @p file, or on stdin if that is "-"
+std::optional<Failure> ReadText(const Context& context, const std::string& file, std::string& text)
+{
+    std::ifstream stream;
+    std::istream* in = context.world.in;
+    if (file != "-") {
+        std::error_code error;
+        if (!fs::is_regular_file(file, error)) {
+            return FileFailure(file + (fs::exists(file, error) ? " is no file." : " is not there."),
+                               "Name a file that settings export has written.");
+        }
+        stream.open(file, std::ios::binary);
+        in = &stream;
+    }
+    text.resize(kMaxSettingsText + 1);
+    in->read(text.data(), static_cast<std::streamsize>(text.size()));
+    const bool failed = in->bad() || (file != "-" && !stream.is_open());
+    text.resize(static_cast<std::size_t>(std::max<std::streamsize>(in->gcount(), 0)));
+    return failed ? std::optional(FileFailure(file + " cannot be read.")) : std::nullopt;
+}
+
+/// What bringing back @p keys changes: a row a value that is new or gets another value.
+Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys)
+{
+    Report::Table table{"changes",
+                        "All of it is in the settings already.",
+                        {{"change", "CHANGE"},
+                         {"key", "KEY"},
+                         {"name", "NAME"},
+                         {"type", "TYPE"},
+                         {"value", "VALUE"}},
+                        {}};
+    for (const SettingsKey& key : keys) {
+        for (const NamedSetting& setting : key.values) {
+            const SettingsRead old = store.Get(key.path, setting.name);
+            const bool isThere = old.state == SettingsReadState::Found;
+            if (!isThere || old.value != setting.value) {
+                table.rows.push_back({Value::Text(std::string(isThere ? "changed" : "new")),
+                                      Value::Word(ToUtf8(key.path), ToUtf8(key.path)),
+                                      Value::Word(ToUtf8(setting.name), ToUtf8(setting.name)),
+                                      Value::Text(TypeName(setting.value)),
+                                      ShownSetting(setting.value)});
+            }
+        }
+    }
+    return table;
+}
+
+} // namespace
+
+ExitCode ExportSettings(const Context& context, const SettingsOptions& options)
+{
+    SettingsAccess access(context, options);
+    const std::vector<SettingsKey> keys = ReadSettingsTree(access.Store(), access.Key());
+    const std::string text = FormatSettingsText(keys);
+    Report report;
+    access.AddPlace(report);
+    AddCounts(report, keys);
+    if (options.file.empty()) {
+        report.Add("text", "text", Value::Text(text));
+        return context.output.Done(report, text);
+    }
+    report.Add("file", "file", Value::Text(options.file));
+    const std::optional<Failure> failure = WriteText(context, options, text);
+    return failure ? context.output.Failed(*failure) : context.output.Done(report);
+}
+
+ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
+{
+    std::string text;
+    if (const std::optional<Failure> failure = ReadText(context, options.file, text)) {
+        return context.output.Failed(*failure);
+    }
+    const SettingsTextResult read = ParseSettingsText(text);
+    if (read.fault) {
+        return context.output.Failed(FileFailure(
+            "Nothing was stored: " + (options.file == "-" ? "stdin" : options.file) + ", line " +
+                std::to_string(read.fault->line) + ": " + read.fault->message,
+            "Correct the line; docs/settings.md describes the file."));
+    }
+    SettingsAccess access(context, options);
+    Report report;
+    report.Add("stored", "stored", Value::YesNo(!options.dryRun));
+    AddCounts(report, read.keys);
+    report.AddTable(Changes(access.Store(), read.keys));
+    if (options.dryRun) {
+        context.output.Note("Nothing was stored. This is what would change:");
+        return context.output.Done(report);
+    }
+    if (const std::optional<Failure> failure = access.CannotWrite()) {
+        return context.output.Failed(*failure);
+    }
+    std::wstring refused;
+    if (!StoreSettings(access.Store(), read.keys, refused)) {
+        return context.output.Failed(
+            refused.empty()
+                ? access.NotWritten()
+                : FileFailure("Nothing was stored: the settings refuse " + ToUtf8(refused) + ".",
+                              "It may be too long: a value has at most a megabyte."));
+    }
+    return context.output.Done(report);
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,53 @@
+#include "core/settings/StoredPorts.h"
+
+#include "core/platform/Utf8.h"
+#include "core/settings/HostReg.h"
+
+#include <charconv>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <variant>
+
+namespace fieldcore {
+
+namespace {
+
+/// @return nothing if @p name is not COM and a number
+std::optional<int> ComNumberOf(const std::wstring& name)
+{
+    const std::string text = ToUtf8(FoldCase(name));
+    constexpr std::string_view kCom = "com";
+    if (!text.starts_with(kCom)) {
+        return std::nullopt;
+    }
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data() + kCom.size(), end, number);
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+} // namespace
+
+std::vector<std::string> AssignStoredPorts(PortNames& names, SettingsRoots& roots)
+{
+    std::vector<std::string> faults;
+    std::error_code ignored;
+    if (!std::filesystem::exists(roots.File(RootKey::CurrentUser), ignored)) {
+        return faults;
+    }
+    const std::wstring key = HostBasePath() + L'\\' + kPortsKey;
+    for (const NamedSetting& setting : roots.Store(RootKey::CurrentUser).Values(key)) {
+        const std::optional<int> com = ComNumberOf(setting.name);
+        const auto* const path = std::get_if<std::wstring>(&setting.value);
+        if (!com || path == nullptr || !names.Assign(*com, ToUtf8(*path))) {
+            faults.push_back(
+                "The setting " + ToUtf8(setting.name) + " of the key " + ToUtf8(kPortsKey) +
+                " does not count: it should be COM1 to COM256 with the whole path of a "
+                "device as text.");
+        }
+    }
+    return faults;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,200 @@
+// Settings from the command line, in the real store.
+
+#include "tests/cli/Runner.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+using Words = std::vector<std::string>;
+
+Words Command(Words words)
+{
+    words.insert(words.begin(), "settings");
+    return words;
+}
+
+/// What the user's root holds, whole.
+std::string Saved(Runner& runner)
+{
+    return runner.Run("settings export --all").out;
+}
+
+TEST(Settings, KeepTheTypeThatAValueHas)
+{
+    struct Row
+    {
+        std::string_view fault;
+        Words set; ///< behind "set Plan Value"
+        int code;
+        std::string type; ///< afterwards
+        nlohmann::json value;
+    };
+    const Row rows[] = {
+        {"a new one is a text", {"17"}, 0, "text", "17"},
+        {"made a number", {"0x11", "--type", "number"}, 0, "number", 17},
+        {"stays a number", {"18"}, 0, "number", 18},
+        {"a number must be one", {"many"}, 2, "number", 18},
+        {"beyond 32 bits", {"4294967296"}, 2, "number", 18},
+        {"negative", {"-1"}, 2, "number", 18},
+        {"made bytes", {"00 fF1a", "--type", "binary"}, 0, "binary", "00 FF 1A"},
+        {"half a byte", {"0"}, 2, "binary", "00 FF 1A"},
+        {"a type that does not exist", {"1", "--type", "real"}, 2, "binary", "00 FF 1A"},
+        {"made a text", {"\xE6\xB8\xAC \"%\"", "--type", "text"}, 0, "text", "\xE6\xB8\xAC \"%\""},
+        {"an empty text", {""}, 0, "text", ""},
+    };
+    Runner runner;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Words words = Command({"set", "Plan", "Value"});
+        words.insert(words.end(), row.set.begin(), row.set.end());
+        const Outcome outcome = runner.Run(words);
+        EXPECT_EQ(outcome.code, row.code) << outcome.err;
+        const nlohmann::json result = runner.Run("settings get plan value --json").Json()["result"];
+        EXPECT_EQ(result["type"], row.type);
+        EXPECT_EQ(result["value"], row.value);
+    }
+}
+
+TEST(Settings, FindTheRootAndKeyThatAreMeant)
+{
+    Runner runner;
+    ASSERT_EQ(runner.Run("settings set A n user").code, 0);
+    ASSERT_EQ(runner.Run("settings set A n machine --machine").code, 0);
+    ASSERT_EQ(runner.Run("settings set A n root --all").code, 0);
+    EXPECT_EQ(runner.Run("settings get A n").out, "user\n");
+    EXPECT_EQ(runner.Run("settings get A n --machine").out, "machine\n");
+    EXPECT_EQ(runner.Run("settings get A n --all").out, "root\n");
+    EXPECT_EQ(
+        runner.Run({"settings", "get", "Software\\Aldex-Corvane\\olen+(GPS)\\A", "n", "--all"}).out,
+        "user\n");
+    EXPECT_EQ(runner.Run("settings list").out, "Software\\Aldex-Corvane\\olen+(GPS)\\\n"
+                                               "  A\\\n"
+                                               "    n  text    user\n");
+}
+
+TEST(Settings, AreDeletedOnlyWhenItIsAgreed)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string arguments;
+        std::string answer; ///< typed on a terminal; empty: there is none
+        int code;
+        Words left;
+    };
+    const Row rows[] = {
+        {"nobody can be asked", "delete A", "", 2, {"A", "A\\B", "n", "m", "o"}},
+        {"declined", "delete A", "n\n", 7, {"A", "A\\B", "n", "m", "o"}},
+        {"dry run", "delete A --dry-run", "", 0, {"A", "A\\B", "n", "m", "o"}},
+        {"a value that is not there", "delete A x --yes", "", 1, {"A", "A\\B", "n", "m", "o"}},
+        {"a key that is not there", "delete X --yes", "", 1, {"A", "A\\B", "n", "m", "o"}},
+        {"the key all stands in", "delete \\ --yes", "", 2, {"A", "A\\B", "n", "m", "o"}},
+        {"one value", "delete A n --yes", "", 0, {"A", "A\\B", "m", "o"}},
+        {"agreed", "delete A\\B", "y\n", 0, {"A", "n", "m"}},
+        {"with all below", "delete A --yes", "", 0, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Runner runner;
+        for (const char* const value : {"A n", "A m", "A\\B o"}) {
+            ASSERT_EQ(runner.Run("settings set " + std::string(value) + " x").code, 0);
+        }
+        runner.world.inIsTerminal = runner.world.errIsTerminal = !row.answer.empty();
+        runner.input = row.answer;
+        EXPECT_EQ(runner.Run("settings " + row.arguments).code, row.code);
+        Words left;
+        const nlohmann::json result = runner.Run("settings list --json").Json()["result"];
+        for (const nlohmann::json& key : result["keys"]) {
+            const auto path = key["key"].get<std::string>();
+            if (path.find("olen+(GPS)\\") != std::string::npos) {
+                left.push_back(path.substr(path.find(")\\") + 2));
+            }
+            for (const nlohmann::json& value : key["values"]) {
+                left.push_back(value["name"]);
+            }
+        }
+        std::sort(left.begin(), left.end());
+        Words expected = row.left;
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(left, expected);
+    }
+}
+
+TEST(Settings, ComeBackFromAnExport)
+{
+    Runner runner;
+    ASSERT_EQ(runner.Run("settings set A n 1 --type number").code, 0);
+    ASSERT_EQ(runner.Run("settings set A m old").code, 0);
+    const std::string before = Saved(runner);
+    ASSERT_EQ(runner.Run("settings export @/saved.txt").code, 0);
+    ASSERT_EQ(runner.Run("settings set A m new").code, 0);
+    ASSERT_EQ(runner.Run("settings set A added x").code, 0);
+    const std::string changed = Saved(runner);
+
+    // One damaged line, behind a good one: nothing of it may be stored.
+    const std::string good = Content(runner.Path("saved.txt"));
+    runner.Folder().Write("bad.txt", good + "\"x\" = number 1,5\n");
+    const Outcome bad = runner.Run("settings import @/bad.txt");
+    EXPECT_EQ(bad.code, 8);
+    EXPECT_NE(bad.err.find("bad.txt, line 8: "), std::string::npos) << bad.err;
+    EXPECT_EQ(Saved(runner), changed);
+
+    const Outcome dry = runner.Run("settings import @/saved.txt --dry-run --json");
+    EXPECT_EQ(dry.code, 0) << dry.err;
+    EXPECT_EQ(dry.Json()["result"]["changes"].size(), 1U);
+    EXPECT_EQ(dry.Json()["result"]["changes"][0]["value"], "old");
+    EXPECT_EQ(Saved(runner), changed);
+
+    EXPECT_EQ(runner.Run("settings import @/saved.txt").code, 0);
+    EXPECT_EQ(runner.Run("settings get A added").out, "x\n") << "what is not in the file stays";
+    ASSERT_EQ(runner.Run("settings delete A added --yes").code, 0);
+    EXPECT_EQ(Saved(runner), before);
+    runner.input = good;
+    EXPECT_EQ(runner.Run("settings import -").code, 0);
+}
+
+TEST(Settings, ReplaceNoFileUnasked)
+{
+    Runner runner;
+    runner.Folder().Write("mine.txt", "mine");
+    EXPECT_EQ(runner.Run("settings export @/mine.txt").code, 2);
+    EXPECT_EQ(Content(runner.Path("mine.txt")), "mine");
+    EXPECT_EQ(runner.Run("settings export @/mine.txt --yes").code, 0);
+    EXPECT_NE(Content(runner.Path("mine.txt")), "mine");
+    EXPECT_EQ(runner.Run("settings export --yes @/").code, 8) << "a folder";
+    EXPECT_EQ(runner.Run("settings export @/none/file").code, 8);
+    EXPECT_EQ(runner.Run("settings import @/").code, 8) << "a folder";
+    EXPECT_EQ(runner.Run("settings import @/none").code, 8);
+}
+
+TEST(Settings, SayWhenTheyCannotBeKept)
+{
+    Runner runner;
+    runner.Folder().Write("home/.config", ""); // where the folder should be
+    const Outcome outcome = runner.Run("settings set A n 1 --json");
+    EXPECT_EQ(outcome.code, 8);
+    EXPECT_EQ(outcome.Json()["messages"][0]["kind"], "warning");
+    EXPECT_NE(outcome.err.find("cannot be saved"), std::string::npos) << outcome.err;
+    EXPECT_EQ(runner.Run("settings list").code, 0);
+}
+
+TEST(Settings, SayWhichDeviceAComNumberMeans)
+{
+    Runner runner;
+    runner.Folder().Write("device", "");
+    ASSERT_EQ(runner.Run("settings set Ports COM9 @/device").code, 0);
+    const Outcome outcome = runner.Run("identify --port com9");
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_NE(outcome.err.find(runner.Path("device")), std::string::npos) << outcome.err;
+    const Outcome relative = runner.Run("settings set Ports COM8 ttyUSB0");
+    EXPECT_NE(relative.err.find("COM8"), std::string::npos) << "told only when it is used";
+}
+
+} // namespace
+} // namespace fieldcore::cli::test
