@@ -2,9 +2,15 @@
 
 namespace fieldcore {
 
-BoxAnswer SilentHost::ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style)
+namespace {
+
+Host* g_default = nullptr;
+
+} // namespace
+
+BoxAnswer HarmlessAnswer(BoxButtons buttons)
 {
-    switch (style.buttons) {
+    switch (buttons) {
     case BoxButtons::YesNo:
         return BoxAnswer::No;
     case BoxButtons::OkCancel:
@@ -16,10 +22,37 @@ BoxAnswer SilentHost::ShowMessage(std::wstring_view, std::wstring_view, BoxStyle
     return BoxAnswer::Ok;
 }
 
+BoxAnswer DefaultAnswer(BoxStyle style)
+{
+    const bool isRequest = style.icon == BoxIcon::None || style.icon == BoxIcon::Information;
+    if (style.buttons == BoxButtons::OkCancel && isRequest) {
+        return BoxAnswer::Ok;
+    }
+    if (style.buttons == BoxButtons::RetryCancel) {
+        return BoxAnswer::Retry;
+    }
+    return HarmlessAnswer(style.buttons);
+}
+
+BoxAnswer SilentHost::ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style)
+{
+    return HarmlessAnswer(style.buttons);
+}
+
 SilentHost& SilentHost::Instance()
 {
     static SilentHost host;
     return host;
+}
+
+Host& DefaultHost()
+{
+    return g_default != nullptr ? *g_default : SilentHost::Instance();
+}
+
+void SetDefaultHost(Host* host)
+{
+    g_default = host;
 }
 
 } // namespace fieldcore

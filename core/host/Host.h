@@ -36,6 +36,14 @@ enum class BoxAnswer
     Retry,
 };
 
+/// The answer that changes nothing: what Esc gives, and what nobody gives who is not there.
+[[nodiscard]] BoxAnswer HarmlessAnswer(BoxButtons buttons);
+
+/// The answer that Enter gives: the usual next step, unless agreeing may destroy something. It may
+/// where there is a question or a warning to agree to; trying again, and going on after a mere
+/// request, never does.
+[[nodiscard]] BoxAnswer DefaultAnswer(BoxStyle style);
+
 /// What the library asks of the application around it. A program with windows, a terminal
 /// program and a test each bring their own. Every call comes on the thread that uses the
 /// library, and none may throw.
@@ -59,7 +67,7 @@ public:
     /// @return false when the user wants the running operation to end
     virtual bool Breathe() { return true; }
 
-    /// Whether the controller is the model with the small screen, which has layouts of its own.
+    /// Whether the controller is the model with the taller screen, which has layouts of its own.
     [[nodiscard]] virtual bool IsQ77() const { return false; }
 };
 
@@ -74,5 +82,12 @@ public:
     /// The one that is used where no other is given.
     static SilentHost& Instance();
 };
+
+/// The host of what is given none: the one that SetDefaultHost() named, before that SilentHost.
+/// The thread that uses the library.
+[[nodiscard]] Host& DefaultHost();
+
+/// @param host  must outlive its use; nullptr goes back to SilentHost
+void SetDefaultHost(Host* host);
 
 } // namespace fieldcore

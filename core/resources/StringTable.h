@@ -61,6 +61,32 @@ inline constexpr int kCauseLinkLost = 60047;
 inline constexpr int kCauseCancelled = 60048;
 inline constexpr int kCauseBusy = 60049;
 
+// Controls that every screen shares
+inline constexpr int kButtonOk = 60101;
+inline constexpr int kButtonCancel = 60102;
+inline constexpr int kButtonYes = 60103;
+inline constexpr int kButtonNo = 60104;
+inline constexpr int kButtonRetry = 60105;
+inline constexpr int kButtonClose = 60106;
+inline constexpr int kButtonEndProgram = 60107;
+inline constexpr int kIncrease = 60108; ///< name of a button with a plus sign
+inline constexpr int kDecrease = 60109;
+inline constexpr int kMessageIconInformation = 60111; ///< names of the icons, for who cannot see
+inline constexpr int kMessageIconExclamation = 60112;
+inline constexpr int kMessageIconStop = 60113;
+inline constexpr int kMessageIconQuestion = 60114;
+inline constexpr int kBusy = 60121;
+inline constexpr int kBusySeconds = 60122; ///< whole seconds so far
+inline constexpr int kBusyCancelling = 60123;
+inline constexpr int kBusyCancel = 60124;
+
+// The question at the end of the program
+inline constexpr int kEndCaption = 60131;
+inline constexpr int kEndQuestion = 60132;
+inline constexpr int kEndLoggingNote = 60133;
+inline constexpr int kEndProgram = 60134;
+inline constexpr int kEndProgramPowerOff = 60135;
+
 } // namespace text
 
 /// @return the text under @p id; empty if there is none. Any thread.

@@ -1,0 +1,376 @@
+#include "ui/controls/QtHost.h"
+
+#include "core/host/MesBox.h"
+#include "core/resources/StringTable.h"
+#include "tests/ui/controls/Pictures.h"
+#include "ui/controls/BusyStrip.h"
+#include "ui/controls/Dialog.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/QtMessageTarget.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <chrono>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Time stands still until the test moves it.
+class HandClock : public Clock
+{
+public:
+    Duration now{};
+    [[nodiscard]] Duration Steady() const override { return now; }
+    [[nodiscard]] UtcTime Utc() const override { return {}; }
+    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
+    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
+};
+
+/// Does @p act as soon as a message box is there, and closes it if it is still there later.
+void OnMessage(QObject* context, const std::function<void(MessageDlg&)>& act)
+{
+    auto* const look = new QTimer(context);
+    QObject::connect(look, &QTimer::timeout, look, [look, act] {
+        auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget());
+        if (box == nullptr) {
+            return;
+        }
+        look->deleteLater();
+        look->stop();
+        act(*box);
+        QTimer::singleShot(20000, box, [box] {
+            ADD_FAILURE() << "nobody has answered";
+            box->close();
+        });
+    });
+    look->start(1);
+}
+
+/// A window with something to click and something to type into.
+class Window : public QWidget
+{
+public:
+    Window()
+    {
+        auto* const layout = new QVBoxLayout(this);
+        button = new QPushButton;
+        edit = new QLineEdit(QStringLiteral("abc"));
+        layout->addWidget(button);
+        layout->addWidget(edit);
+        layout->addStretch(1);
+        Dialog::SetControlId(edit, 1042);
+        connect(button, &QPushButton::clicked, this, [this] { ++clicks; });
+        resize(480, 640);
+        show();
+        activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(this));
+    }
+    [[nodiscard]] BusyStrip* Strip() const { return findChild<BusyStrip*>(); }
+
+    QPushButton* button;
+    QLineEdit* edit;
+    int clicks = 0;
+};
+
+/// What Enter, Esc and each button answer to each kind of box.
+TEST(QtHost, AnswersByKeysAndClicks)
+{
+    using enum BoxAnswer;
+    struct Row
+    {
+        const char* fault;
+        BoxStyle style;
+        BoxAnswer enter;
+        BoxAnswer escape;
+        std::vector<BoxAnswer> buttons; // from left to right
+    };
+    const Row rows[] = {
+        {"a message", {BoxButtons::Ok, BoxIcon::Stop}, Ok, Ok, {Ok}},
+        {"Enter goes on after a request",
+         {BoxButtons::OkCancel, BoxIcon::Information},
+         Ok,
+         Cancel,
+         {Cancel, Ok}},
+        {"Enter agreed to what destroys",
+         {BoxButtons::OkCancel, BoxIcon::Exclamation},
+         Cancel,
+         Cancel,
+         {Ok, Cancel}},
+        {"Enter answered a question with Yes",
+         {BoxButtons::YesNo, BoxIcon::Question},
+         No,
+         No,
+         {Yes, No}},
+        {"trying again destroys nothing",
+         {BoxButtons::RetryCancel, BoxIcon::Question},
+         Retry,
+         Cancel,
+         {Cancel, Retry}},
+    };
+    const Window window;
+    QtHost host;
+    const auto ask = [&](BoxStyle style, const std::function<void(MessageDlg&)>& act) {
+        QObject context;
+        OnMessage(&context, act);
+        return CMesBox(host).Show(L"text", L"caption", style);
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(ask(row.style, [](auto& box) { QTest::keyClick(&box, Qt::Key_Return); }),
+                  row.enter);
+        EXPECT_EQ(ask(row.style, [](auto& box) { QTest::keyClick(&box, Qt::Key_Escape); }),
+                  row.escape);
+        for (std::size_t i = 0; i < row.buttons.size(); ++i) {
+            const BoxAnswer answer = ask(row.style, [&](MessageDlg& box) {
+                auto buttons = box.findChildren<QPushButton*>();
+                ASSERT_EQ(buttons.size(), static_cast<qsizetype>(row.buttons.size()));
+                std::sort(buttons.begin(), buttons.end(),
+                          [](auto* a, auto* b) { return a->x() < b->x(); });
+                EXPECT_GE(buttons[static_cast<qsizetype>(i)]->height(), 44);
+                QTest::mouseClick(buttons[static_cast<qsizetype>(i)], Qt::LeftButton);
+            });
+            EXPECT_EQ(answer, row.buttons[i]);
+        }
+    }
+}
+
+TEST(QtHost, ShowsTextCaptionAndIcon)
+{
+    Window window;
+    QtHost host;
+    struct Row
+    {
+        BoxIcon icon;
+        int nameId;
+        const char* drawing;
+        QColor colour;
+    };
+    const Theme& theme = Theme::Current();
+    const Row rows[] = {
+        {BoxIcon::Information, text::kMessageIconInformation, "information", theme.accent},
+        {BoxIcon::Exclamation, text::kMessageIconExclamation, "exclamation", theme.attention},
+        {BoxIcon::Stop, text::kMessageIconStop, "stop", theme.bad},
+        {BoxIcon::Question, text::kMessageIconQuestion, "question", theme.accent},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.drawing);
+        OnMessage(&window, [&](MessageDlg& box) {
+            bool told = false;
+            bool headed = false;
+            bool drawn = false;
+            for (const QLabel* label : box.findChildren<QLabel*>()) {
+                told |= label->text() == QStringLiteral("受信機設定を工場出荷状態へ戻しますか?");
+                headed |= label->text() == QStringLiteral("受信機強制初期化確認");
+                drawn |= label->accessibleName() == UiText(row.nameId) &&
+                         label->pixmap().toImage() == DrawIcon(QString::fromLatin1(row.drawing), 48,
+                                                               label->devicePixelRatioF(),
+                                                               theme.text, row.colour)
+                                                          .toImage();
+            }
+            EXPECT_TRUE(told && headed && drawn) << told << headed << drawn;
+            EXPECT_EQ(box.windowTitle(), QStringLiteral("受信機強制初期化確認"));
+            KeepPicture(box, QStringLiteral("message-") + QString::fromLatin1(row.drawing));
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        CMesBox(host).Show(text::kForceInitQuestion, text::kForceInitCaption,
+                           {BoxButtons::YesNo, row.icon});
+    }
+    // A number without a text is seen as such, and the box is not empty.
+    EXPECT_EQ(BoxText(1).Get(), L"[1]");
+}
+
+/// The longest text there is, and one that no window can hold.
+TEST(QtHost, CutsNoMessage)
+{
+    Window window;
+    QtHost host;
+    const std::wstring longest = Text(text::kPortIsSending);
+    std::wstring endless;
+    for (int i = 0; i < 30; ++i) {
+        endless += longest;
+    }
+    QFont large = QApplication::font();
+    large.setPixelSize(21); // 30 % above 16
+    const QFont before = QApplication::font();
+    QApplication::setFont(large);
+    for (const std::wstring& said : {longest, endless}) {
+        OnMessage(&window, [&](MessageDlg& box) {
+            EXPECT_LE(box.width(), window.width());
+            EXPECT_LE(box.height(), window.height());
+            for (const QPushButton* button : box.findChildren<QPushButton*>()) {
+                EXPECT_TRUE(box.rect().contains(button->geometry()));
+                EXPECT_GE(button->width(), button->sizeHint().width());
+            }
+            for (const QLabel* label : box.findChildren<QLabel*>()) {
+                if (label->isVisible() && label->hasHeightForWidth()) {
+                    EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+                }
+            }
+            KeepPicture(box, said == longest ? QStringLiteral("message-longest")
+                                             : QStringLiteral("message-endless"));
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        CMesBox(host).Fail(said, text::kPortIsSendingCaption);
+    }
+    QApplication::setFont(before);
+}
+
+TEST(QtHost, NestsAndRestoresTheWaitCursor)
+{
+    const auto shape = [] {
+        const QCursor* const cursor = QApplication::overrideCursor();
+        return cursor != nullptr ? cursor->shape() : Qt::BlankCursor;
+    };
+    QApplication::setOverrideCursor(Qt::CrossCursor); // somebody else's
+    {
+        QtHost host;
+        host.ShowWaitCursor(false); // one too many: not ours to take away
+        EXPECT_EQ(shape(), Qt::CrossCursor);
+        host.ShowWaitCursor(true);
+        host.ShowWaitCursor(true);
+        host.ShowWaitCursor(false);
+        EXPECT_EQ(shape(), Qt::WaitCursor);
+        Window window;
+        OnMessage(&window, [&](MessageDlg& box) {
+            EXPECT_EQ(shape(), Qt::ArrowCursor) << "a question is not waited for";
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        CMesBox(host).Warn(L"text", L"caption");
+        EXPECT_EQ(shape(), Qt::WaitCursor);
+    }
+    EXPECT_EQ(shape(), Qt::CrossCursor) << "a host that goes leaves its cursor behind";
+    QApplication::restoreOverrideCursor();
+}
+
+TEST(QtHost, FocusesAControlByItsNumber)
+{
+    const Window window;
+    QtHost host;
+    window.button->setFocus();
+    host.FocusControl(7); // nobody's
+    EXPECT_TRUE(window.button->hasFocus());
+    host.FocusControl(1042);
+    EXPECT_TRUE(window.edit->hasFocus());
+    EXPECT_EQ(window.edit->selectedText(), QStringLiteral("abc"));
+}
+
+TEST(QtHost, ShowsTheStripOnlyInALongWait)
+{
+    HandClock clock;
+    QtHost host({.clock = &clock});
+    Window window;
+    EXPECT_TRUE(host.Breathe());
+    clock.now = 299ms;
+    EXPECT_TRUE(host.Breathe());
+    EXPECT_EQ(window.Strip(), nullptr);
+    clock.now = 2300ms;
+    EXPECT_TRUE(host.Breathe());
+    ASSERT_NE(window.Strip(), nullptr);
+    EXPECT_TRUE(window.Strip()->isVisible());
+    EXPECT_TRUE(window.rect().contains(window.Strip()->geometry()));
+    EXPECT_GE(window.Strip()->CancelButton()->height(), 44);
+    KeepPicture(window, QStringLiteral("busy"));
+    // Back in the event loop the wait is over, and the next one starts from the beginning.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.Strip() == nullptr; }));
+    clock.now = 2500ms;
+    EXPECT_TRUE(host.Breathe());
+    EXPECT_EQ(window.Strip(), nullptr);
+}
+
+TEST(QtHost, TakesNoInputWhileItBreathesButCancel)
+{
+    HandClock clock;
+    QtHost host({.clock = &clock});
+    Window window;
+    window.edit->setFocus();
+    host.Breathe();
+    clock.now = 300ms;
+    host.Breathe();
+    ASSERT_NE(window.Strip(), nullptr);
+
+    const auto during = [&](const std::function<void()>& act) {
+        bool done = false;
+        QTimer::singleShot(0, &window, [&] {
+            act();
+            done = true;
+        });
+        bool goesOn = true;
+        while (!done) {
+            goesOn = host.Breathe() && goesOn;
+        }
+        return goesOn;
+    };
+    EXPECT_TRUE(during([&] { QTest::mouseClick(window.button, Qt::LeftButton); }));
+    EXPECT_TRUE(during([&] { QTest::keyClicks(window.edit, QStringLiteral("xyz")); }));
+    // As it comes from the system, by way of the window.
+    EXPECT_TRUE(during([&] {
+        const QPoint place = window.button->mapTo(&window, window.button->rect().center());
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, place);
+    }));
+    bool nested = false;
+    EXPECT_TRUE(during([&] { nested = host.Breathe(); }));
+    EXPECT_TRUE(nested);
+
+    EXPECT_FALSE(
+        during([&] { QTest::mouseClick(window.Strip()->CancelButton(), Qt::LeftButton); }));
+    EXPECT_TRUE(host.Breathe()) << "the receiver has still to be told";
+    EXPECT_FALSE(during([&] { QTest::keyClick(window.edit, Qt::Key_Escape); }));
+
+    // A dialog that a timer opens over the wait can be answered, or the program would hang.
+    EXPECT_TRUE(during([&] {
+        OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        CMesBox(host).Warn(L"text", L"caption");
+    }));
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.Strip() == nullptr; }));
+    EXPECT_EQ(window.clicks, 0);
+    EXPECT_EQ(window.edit->text(), QStringLiteral("abc"));
+    QTest::mouseClick(window.button, Qt::LeftButton);
+    EXPECT_EQ(window.clicks, 1) << "input is still thrown away after the wait";
+}
+
+TEST(QtMessageTarget, DeliversInOrderFromAnotherThreadAndDropsWhenGone)
+{
+    std::vector<std::intptr_t> seen;
+    auto receiver = std::make_unique<QObject>();
+    QtMessageTarget target(receiver.get(), [&](unsigned message, auto wParam, auto lParam) {
+        EXPECT_EQ(message, 0x8005U);
+        EXPECT_EQ(lParam, -wParam);
+        EXPECT_EQ(QThread::currentThread(), qApp->thread());
+        seen.push_back(wParam);
+    });
+    std::thread([&] {
+        for (std::intptr_t i = 0; i < 512; ++i) {
+            target.Post(0x8005, i, -i);
+        }
+    }).join();
+    EXPECT_TRUE(seen.empty()) << "handled inside Post()";
+    QCoreApplication::processEvents();
+    ASSERT_EQ(seen.size(), 512U);
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+
+    target.Post(0x8005, 1, -1);
+    receiver.reset();
+    target.Post(0x8005, 2, -2);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(seen.size(), 512U);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,207 @@
+#include "ui/controls/MessageDlg.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <vector>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+constexpr int kIconSize = 6 * kGrid;
+/// Results of DoModal() that are answers, apart from those that every dialog has.
+constexpr int kFirstAnswer = 100;
+
+struct IconLook
+{
+    const char* name;
+    QColor colour;
+    int textId;
+};
+
+/// Nothing to show for BoxIcon::None.
+IconLook LookOf(BoxIcon icon)
+{
+    const Theme& theme = Theme::Current();
+    switch (icon) {
+    case BoxIcon::Information:
+        return {"information", theme.accent, text::kMessageIconInformation};
+    case BoxIcon::Exclamation:
+        return {"exclamation", theme.attention, text::kMessageIconExclamation};
+    case BoxIcon::Stop:
+        return {"stop", theme.bad, text::kMessageIconStop};
+    case BoxIcon::Question:
+        return {"question", theme.accent, text::kMessageIconQuestion};
+    case BoxIcon::None:
+        break;
+    }
+    return {"", theme.accent, 0};
+}
+
+int TextOf(BoxAnswer answer)
+{
+    switch (answer) {
+    case BoxAnswer::Cancel:
+        return text::kButtonCancel;
+    case BoxAnswer::Yes:
+        return text::kButtonYes;
+    case BoxAnswer::No:
+        return text::kButtonNo;
+    case BoxAnswer::Retry:
+        return text::kButtonRetry;
+    case BoxAnswer::Ok:
+        break;
+    }
+    return text::kButtonOk;
+}
+
+BoxAnswer AgreeingAnswer(BoxButtons buttons)
+{
+    switch (buttons) {
+    case BoxButtons::YesNo:
+        return BoxAnswer::Yes;
+    case BoxButtons::RetryCancel:
+        return BoxAnswer::Retry;
+    case BoxButtons::OkCancel:
+    case BoxButtons::Ok:
+        break;
+    }
+    return BoxAnswer::Ok;
+}
+
+} // namespace
+
+MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle style, QWidget* parent)
+    : Dialog(parent), m_style(style), m_text(new QLabel(text)), m_scroll(new QScrollArea)
+{
+    // The caption stands in the box: a controller shows no title bars.
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
+    setWindowTitle(caption);
+    setAccessibleName(caption);
+    setAccessibleDescription(text);
+
+    auto* const icon = new QLabel;
+    const IconLook look = LookOf(style.icon);
+    icon->setVisible(look.textId != 0);
+    if (look.textId != 0) {
+        icon->setPixmap(ThemeIcon(QString::fromLatin1(look.name), look.colour)
+                            .pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+        icon->setAccessibleName(UiText(look.textId));
+    }
+    auto* const heading = new QLabel(caption);
+    QFont bold = font();
+    bold.setBold(true);
+    heading->setFont(bold);
+    heading->setWordWrap(true);
+    heading->setVisible(!caption.isEmpty());
+    m_text->setWordWrap(true);
+    m_text->setTextFormat(Qt::PlainText);
+    heading->setTextFormat(Qt::PlainText);
+    m_text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_scroll->setWidget(m_text);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setFocusPolicy(Qt::NoFocus); // until there is something to scroll
+
+    auto* const words = new QVBoxLayout;
+    words->addWidget(heading);
+    words->addWidget(m_scroll, 1);
+    auto* const top = new QHBoxLayout;
+    top->setSpacing(2 * kGrid);
+    top->addWidget(icon, 0, Qt::AlignTop);
+    top->addLayout(words, 1);
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(kGrid);
+    buttons->addStretch(1);
+    AddButtons(*buttons);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
+    layout->setSpacing(2 * kGrid);
+    layout->addLayout(top, 1);
+    layout->addLayout(buttons);
+}
+
+void MessageDlg::AddButtons(QBoxLayout& row)
+{
+    const BoxAnswer byDefault = DefaultAnswer(m_style);
+    std::vector<BoxAnswer> answers{AgreeingAnswer(m_style.buttons)};
+    if (m_style.buttons != BoxButtons::Ok) {
+        answers.push_back(HarmlessAnswer(m_style.buttons));
+    }
+    if (answers.back() != byDefault) {
+        std::reverse(answers.begin(), answers.end());
+    }
+    for (const BoxAnswer answer : answers) {
+        auto* const button = new QPushButton(UiText(TextOf(answer)));
+        button->setMinimumSize(15 * kGrid, 6 * kGrid);
+        button->setDefault(answer == byDefault);
+        connect(button, &QPushButton::clicked, this,
+                [this, answer] { Close(kFirstAnswer + static_cast<int>(answer)); });
+        row.addWidget(button);
+        if (answer == byDefault) {
+            m_default = button;
+        }
+    }
+}
+
+BoxAnswer MessageDlg::Ask()
+{
+    const int result = DoModal();
+    return result < kFirstAnswer ? HarmlessAnswer(m_style.buttons)
+                                 : static_cast<BoxAnswer>(result - kFirstAnswer);
+}
+
+bool MessageDlg::OnInitDialog()
+{
+    const QWidget* under = parentWidget() != nullptr ? parentWidget()->window() : nullptr;
+    const QSize room = (under != nullptr ? under->size() : screen()->availableSize()) -
+                       QSize(2 * kGrid, 2 * kGrid);
+    // As wide as some thirty characters, which the eye finds its way back in.
+    const int wanted = 30 * fontMetrics().horizontalAdvance(QChar(0x3042));
+    const int width = std::max(std::min(wanted, room.width()), layout()->minimumSize().width());
+    resize(width, 1);
+    layout()->activate();
+    m_scroll->setMinimumHeight(1);
+    const int chrome = layout()->totalHeightForWidth(width) - m_scroll->sizeHint().height();
+    const int textHeight = m_text->heightForWidth(m_scroll->width());
+    const int fits = std::max(room.height() - chrome, 3 * fontMetrics().lineSpacing());
+    m_scroll->setMinimumHeight(std::min(textHeight, fits));
+    m_scroll->setMaximumHeight(std::max(textHeight, 1));
+    m_scroll->setFocusPolicy(textHeight > fits ? Qt::StrongFocus : Qt::NoFocus);
+    setFixedWidth(width);
+    adjustSize();
+    if (under != nullptr) {
+        move(under->mapToGlobal(under->rect().center()) - rect().center());
+    }
+    m_default->setFocus();
+    return false;
+}
+
+void MessageDlg::paintEvent(QPaintEvent* event)
+{
+    Q_UNUSED(event)
+    // An edge, since there is no frame, and a band in the colour of the icon.
+    QPainter painter(this);
+    const Theme& theme = Theme::Current();
+    painter.fillRect(rect(), theme.ground);
+    painter.setPen(theme.stale);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(0, 0, width(), kGrid / 2, LookOf(m_style.icon).colour);
+}
+
+} // namespace fieldcore

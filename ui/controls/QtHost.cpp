@@ -1,0 +1,200 @@
+#include "ui/controls/QtHost.h"
+
+#include "ui/controls/BusyStrip.h"
+#include "ui/controls/Dialog.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/UiText.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+
+namespace fieldcore {
+
+namespace {
+
+/// The window that the user has in front of him; null if there is none.
+QWidget* FrontWindow()
+{
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        return modal;
+    }
+    if (QWidget* const active = QApplication::activeWindow()) {
+        return active;
+    }
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible()) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+bool IsInput(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::InputMethod:
+    case QEvent::ContextMenu:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::TabletRelease:
+    case QEvent::Close:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+QtHost::QtHost(const Options& options)
+    : m_isQ77(options.isQ77),
+      m_clock(options.clock != nullptr ? *options.clock : SystemClock::Instance())
+{
+    m_back.setSingleShot(true);
+    connect(&m_back, &QTimer::timeout, this, &QtHost::EndWait);
+}
+
+QtHost::~QtHost()
+{
+    EndWait();
+    while (m_waitCursors > 0) {
+        ShowWaitCursor(false);
+    }
+}
+
+BoxAnswer QtHost::ShowMessage(std::wstring_view text, std::wstring_view caption, BoxStyle style)
+{
+    EndWait(); // whoever asks is not waiting for the receiver meanwhile
+    MessageDlg message(ToQt(text), ToQt(caption), style, FrontWindow());
+    QApplication::setOverrideCursor(Qt::ArrowCursor);
+    const BoxAnswer answer = message.Ask();
+    QApplication::restoreOverrideCursor();
+    return answer;
+}
+
+void QtHost::FocusControl(int controlId)
+{
+    QWidget* const window = FrontWindow();
+    QWidget* const control = window != nullptr ? Dialog::FindControl(window, controlId) : nullptr;
+    if (control == nullptr) {
+        return;
+    }
+    for (QWidget* around = control->parentWidget(); around != nullptr;
+         around = around->parentWidget()) {
+        if (auto* const area = qobject_cast<QScrollArea*>(around)) {
+            area->ensureWidgetVisible(control);
+        }
+    }
+    control->setFocus(Qt::OtherFocusReason);
+    if (auto* const edit = qobject_cast<QLineEdit*>(control)) {
+        edit->selectAll(); // what is wrong is typed over
+    }
+}
+
+void QtHost::ShowWaitCursor(bool on)
+{
+    if (on) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        ++m_waitCursors;
+    } else if (m_waitCursors > 0) {
+        QApplication::restoreOverrideCursor();
+        --m_waitCursors;
+    }
+}
+
+bool QtHost::Breathe()
+{
+    if (m_isBreathing) {
+        return true;
+    }
+    m_back.stop();
+    const Clock::Duration now = m_clock.Steady();
+    if (!m_isWaiting) {
+        m_isWaiting = true;
+        m_isCancelled = false;
+        m_waitBegan = now;
+    }
+    if (now - m_waitBegan >= kStripDelay) {
+        ShowStrip(now - m_waitBegan);
+    }
+    m_modalBefore = QApplication::activeModalWidget();
+    m_isBreathing = true;
+    qApp->installEventFilter(this);
+    QCoreApplication::processEvents();
+    qApp->removeEventFilter(this);
+    m_isBreathing = false;
+    m_back.start(0);
+    if (!m_isCancelled) {
+        return true;
+    }
+    m_isCancelled = false;
+    return false;
+}
+
+void QtHost::ShowStrip(Clock::Duration lasted)
+{
+    QWidget* const window = FrontWindow();
+    if (window == nullptr) {
+        return;
+    }
+    if (m_strip == nullptr || m_strip->parentWidget() != window) {
+        delete m_strip;
+        m_strip = new BusyStrip(window);
+        connect(m_strip->CancelButton(), &QPushButton::clicked, this, [this] {
+            m_isCancelled = true;
+            m_strip->ShowCancelling();
+        });
+    }
+    m_strip->Update(
+        static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(lasted).count()));
+}
+
+void QtHost::EndWait()
+{
+    m_back.stop();
+    m_isWaiting = false;
+    delete m_strip;
+}
+
+bool QtHost::eventFilter(QObject* watched, QEvent* event)
+{
+    // Only what reaches a widget: before, the window has to find out which widget that is.
+    const bool reaches = watched->isWidgetType() || event->type() == QEvent::Shortcut;
+    if (!reaches || !IsInput(event->type())) {
+        return false;
+    }
+    if (event->type() == QEvent::Close && !event->spontaneous()) {
+        return false; // the program closes it, not the user
+    }
+    if (QApplication::activeModalWidget() != m_modalBefore) {
+        return false; // a timer has opened a dialog over the wait: it has to be answered
+    }
+    if (m_strip != nullptr) {
+        QPushButton* const cancel = m_strip->CancelButton();
+        if (watched == cancel) {
+            return false;
+        }
+        if (event->type() == QEvent::KeyPress &&
+            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+            cancel->click();
+        }
+    }
+    event->setAccepted(event->type() != QEvent::Close);
+    return true;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/platform/Clock.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+namespace fieldcore {
+
+class BusyStrip;
+
+/// The host of a program with windows. User-interface thread only.
+///
+/// While the library waits, the windows go on repainting and timers go on ticking, but nothing is
+/// clicked or typed: input for anything but the Cancel button of the strip is thrown away, or it
+/// would come as a surprise once the wait is over. Esc presses that button.
+class QtHost : public QObject, public Host
+{
+    Q_OBJECT
+
+public:
+    struct Options
+    {
+        bool isQ77 = false;
+        Clock* clock = nullptr; ///< that waits are measured on; nullptr: the system's. Not owned
+    };
+
+    /// How long a wait may last before the strip appears.
+    static constexpr std::chrono::milliseconds kStripDelay{300};
+
+    QtHost() : QtHost(Options{}) {}
+    explicit QtHost(const Options& options);
+    /// Takes back the wait cursors that are still on.
+    ~QtHost() override;
+
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
+                          BoxStyle style) override;
+    /// A control on a page that is not in front brings its page to the front. Without such a
+    /// control nothing happens.
+    void FocusControl(int controlId) override;
+    void ShowWaitCursor(bool on) override;
+    /// The strip appears when the wait, counted from its first breath, has lasted kStripDelay, and
+    /// goes when the program is back in its event loop. A breath within a breath does nothing.
+    /// @return false once for every time that the user cancels, so that the receiver can still be
+    ///         told
+    bool Breathe() override;
+    [[nodiscard]] bool IsQ77() const override { return m_isQ77; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void EndWait();
+    void ShowStrip(Clock::Duration lasted);
+
+    const bool m_isQ77;
+    Clock& m_clock;
+    int m_waitCursors = 0;
+    QTimer m_back; // runs off when the program is back in its event loop
+    bool m_isWaiting = false;
+    bool m_isBreathing = false;
+    bool m_isCancelled = false;
+    Clock::Duration m_waitBegan{};
+    QPointer<BusyStrip> m_strip;     // owned by its window
+    QPointer<QWidget> m_modalBefore; // modal window when the breath began
+};
+
+} // namespace fieldcore

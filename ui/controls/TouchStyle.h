@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QProxyStyle>
+
+namespace fieldcore {
+
+/// The shape of all controls: large enough for a glove, whatever the font. Colours come from Theme
+/// by way of the palette. User-interface thread only.
+class TouchStyle : public QProxyStyle
+{
+    Q_OBJECT
+
+public:
+    TouchStyle();
+
+    /// The least height of what can be touched, logical pixels.
+    static constexpr int kTarget = 44;
+    /// The grid that distances are multiples of, logical pixels.
+    static constexpr int kGrid = 8;
+
+    /// Gives the whole application this style and its font of 16 px, in a face that has Japanese.
+    static void Install();
+
+    /// The one for a control that must be large in an application with a style of its own.
+    static TouchStyle* Shared();
+
+    [[nodiscard]] int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                                  const QWidget* widget) const override;
+    [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption* option,
+                                         const QSize& size, const QWidget* widget) const override;
+    [[nodiscard]] int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                                QStyleHintReturn* returned) const override;
+};
+
+} // namespace fieldcore
