@@ -152,8 +152,7 @@ constexpr std::array kEntries{
     Entry{text::kSheetMoreWindows, L"ほかに%d件あります。"},
     Entry{text::kExportNotWritten,
           L"%lsを保存できませんでした。\n原因：%ls\n"
-          L"保存先の空き容量と書き込みの許可を確認して、もう一度保存してください。"
-          L"元のファイルは変わっていません。"},
+          L"保存先の空き容量と書き込みの許可を確認して、もう一度保存してください。"},
 };
 
 static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),
