@@ -2,6 +2,7 @@
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 
+#include "core/planning/AlmanacState.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanCsv.h"
 #include "core/planning/PlanSettings.h"

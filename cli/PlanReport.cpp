@@ -1,8 +1,8 @@
 #include "cli/PlanReport.h"
 
-#include "core/planning/AlmanacTime.h"
-#include "core/planning/CalendarTime.h"
+#include "core/planning/AlmanacState.h"
 #include "core/planning/Degrees.h"
+#include "core/planning/PlanSeries.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
@@ -31,16 +31,9 @@ std::string DateOf(const std::string& jst)
     return jst.substr(0, kLength);
 }
 
-/// The end of a day's period is 24:00 of that day, not 00:00 of the next.
-std::string ClockAt(const PlanPeriod& period, int epoch)
-{
-    const std::string text = period.JstText(epoch);
-    return DateOf(text) == DateOf(period.JstText(0)) ? ClockOf(text) : "24:00";
-}
-
 Value JstValue(const PlanPeriod& period, int epoch)
 {
-    return Value::Word(period.JstText(epoch), ClockAt(period, epoch));
+    return Value::Word(period.JstText(epoch), period.ClockText(epoch));
 }
 
 const DopValues& DopOf(const ObservationPlan& plan, int epoch)
@@ -131,12 +124,6 @@ Report::Table TracksTable(const ObservationPlan& plan)
     return table;
 }
 
-bool IsTracks(PlanGraph graph)
-{
-    return graph == PlanGraph::SkyPlot || graph == PlanGraph::Azimuth ||
-           graph == PlanGraph::Elevation;
-}
-
 Report::Table Samples(const ObservationPlan& plan, std::optional<PlanGraph> graph)
 {
     if (!graph) {
@@ -192,8 +179,8 @@ std::string TrackWords(const ObservationPlan& plan)
         }
         if (first >= 0) {
             const PlanPeriod& period = plan.Computed();
-            table.rows.push_back({Value::Integer(index + 1), Value::Text(ClockAt(period, first)),
-                                  Value::Text(ClockAt(period, last)),
+            table.rows.push_back({Value::Integer(index + 1), Value::Text(period.ClockText(first)),
+                                  Value::Text(period.ClockText(last)),
                                   Value::Integer(std::lround(DegreesOf(highest)), "deg"),
                                   Value::Text(line)});
         }
@@ -224,8 +211,8 @@ std::string BestWords(const ObservationPlan& plan)
                " satellites and a PDOP of " + Value::Real(limits.maxPdop, 1).Words() +
                " at most for " + std::to_string(limits.minLength.count()) + " minutes";
     }
-    return "best window: " + ClockAt(plan.Computed(), best->first) + " to " +
-           ClockAt(plan.Computed(), best->last) + ", at least " +
+    return "best window: " + plan.Computed().ClockText(best->first) + " to " +
+           plan.Computed().ClockText(best->last) + ", at least " +
            std::to_string(best->fewestSatellites) + " satellites, PDOP " +
            Value::Real(best->highestPdop, 1).Words() + " at most";
 }
@@ -239,12 +226,6 @@ std::string Coordinates(const Observer& observer)
                   latitude < 0.0 ? 'S' : 'N', std::abs(longitude), longitude < 0.0 ? 'W' : 'E',
                   observer.heightM);
     return text.data();
-}
-
-bool HasCurtain(const ObservationPlan& plan)
-{
-    const ObstructionCurtain& curtain = plan.Calc().GetCurtain();
-    return std::any_of(curtain.begin(), curtain.end(), [](std::uint8_t deg) { return deg != 0; });
 }
 
 Value TimeValue(std::chrono::sys_seconds time)
@@ -270,26 +251,6 @@ std::string AgeWords(const AlmanacState& almanac)
 
 } // namespace
 
-AlmanacState StateOfAlmanac(const ObservationPlan& plan)
-{
-    using namespace std::chrono_literals;
-    constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
-    const CGPSTime time = AlmanacTime(plan.Calc());
-    const auto sinceEpoch = time.GetUtcTime() - CGPSTime::m_OriginalTime;
-    AlmanacState state;
-    state.time = kGpsEpoch + std::chrono::seconds(sinceEpoch.GetTotalSeconds());
-    const CGPSTime start = plan.Period().Start();
-    state.ageDays =
-        static_cast<double>((start.GetUtcTime() - time.GetUtcTime()).GetTotalSeconds()) / 86400.0;
-    state.isOld = IsAlmanacOld(time, start);
-    for (int index = 0; index < kMaxPrn; ++index) {
-        state.satellites += plan.Calc().IsValid(index);
-        state.healthy +=
-            plan.Calc().IsValid(index) != 0 ? plan.Calc().GetSatellite(index).IsHealthy() : 0;
-    }
-    return state;
-}
-
 Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const PlanRequest& request,
                   std::optional<PlanGraph> graph)
 {
@@ -305,7 +266,7 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
     report.Add("to", "to", Value::Text(period.JstText(plan.Division())));
     report.Add("intervalMinutes", "interval", Value::Integer(period.Interval().count()));
     report.Add("maskDeg", "mask", Value::Integer(request.maskDeg));
-    report.Add("hasCurtain", "curtain", Value::YesNo(HasCurtain(plan)));
+    report.Add("hasCurtain", "curtain", Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
     Report& almanac = report.AddSection("almanac", "almanac");
     almanac.Add("time", "time", TimeValue(state.time));
     almanac.Add("ageDays", "age", Value::Real(state.ageDays, 1));
@@ -333,11 +294,11 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
     const PlanPeriod& period = plan.Computed();
     const AlmanacState almanac = StateOfAlmanac(plan);
     std::string words = ToUtf8(site.name) + "  " + Coordinates(site.observer) + "\n";
-    words += DateOf(period.JstText(0)) + ", " + ClockAt(period, 0) + " to " +
-             ClockAt(period, plan.Division()) + " JST every " +
+    words += DateOf(period.JstText(0)) + ", " + period.ClockText(0) + " to " +
+             period.ClockText(plan.Division()) + " JST every " +
              std::to_string(period.Interval().count()) + " minutes, mask " +
              std::to_string(request.maskDeg) + " degrees, " +
-             (HasCurtain(plan) ? "with the curtain" : "no curtain") + "\n";
+             (HasObstruction(plan.Calc().GetCurtain()) ? "with the curtain" : "no curtain") + "\n";
     words += "almanac of " + TimeValue(almanac.time).Words() + " GPS time, " + AgeWords(almanac) +
              ", " + std::to_string(almanac.satellites) + " satellites, " +
              std::to_string(almanac.healthy) + " healthy\n\n";

@@ -11,17 +11,6 @@
 
 namespace fieldcore::cli {
 
-/// The almanac that a plan is made with.
-struct AlmanacState
-{
-    std::chrono::sys_seconds time; ///< its latest reference time, on the GPS time scale
-    double ageDays = 0.0;          ///< at the start of the plan; negative: it is from later
-    bool isOld = false;
-    int satellites = 0;
-    int healthy = 0;
-};
-[[nodiscard]] AlmanacState StateOfAlmanac(const ObservationPlan& plan);
-
 /// One plan as a report. Times are Japan Standard Time.
 /// @param plan   after its Compute()
 /// @param graph  nothing: the overview, counts and dilutions of the same instants

@@ -1,6 +1,7 @@
 #include "core/planning/PlanCsv.h"
 
 #include "core/planning/Degrees.h"
+#include "core/planning/PlanSeries.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 
@@ -13,11 +14,6 @@ namespace fieldcore {
 namespace {
 
 constexpr const char* kLineEnd = "\r\n";
-
-bool IsDilution(PlanGraph graph)
-{
-    return graph == PlanGraph::Pdop || graph == PlanGraph::Gdop || graph == PlanGraph::Tdop;
-}
 
 /// A field that a comma, a quote or a line end within it does not break.
 std::string Quoted(std::string_view text)

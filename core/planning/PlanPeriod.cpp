@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 
 namespace fieldcore {
@@ -51,6 +52,17 @@ std::string PlanPeriod::JstText(int samples) const
                   static_cast<unsigned>(calendar.day()), static_cast<int>(minutes / 60),
                   static_cast<int>(minutes % 60));
     return text.data();
+}
+
+std::string PlanPeriod::ClockText(int samples) const
+{
+    constexpr std::size_t kDateLength = 10;
+    constexpr std::size_t kClockAt = 11;
+    constexpr std::size_t kClockLength = 5;
+    const std::string text = JstText(samples);
+    return text.compare(0, kDateLength, JstText(0), 0, kDateLength) == 0
+               ? text.substr(kClockAt, kClockLength)
+               : "24:00";
 }
 
 GpsEpoch ToEpoch(const CGPSTime& time)

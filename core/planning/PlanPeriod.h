@@ -36,6 +36,8 @@ struct PlanPeriod
     [[nodiscard]] std::chrono::sys_seconds UtcAfter(int samples) const;
     /// The same instant in Japan Standard Time: "2026-11-21T09:00+09:00".
     [[nodiscard]] std::string JstText(int samples) const;
+    /// Its time of day: "09:00". The end of a day's period is "24:00" of that day.
+    [[nodiscard]] std::string ClockText(int samples) const;
 };
 
 /// As the orbits take it.

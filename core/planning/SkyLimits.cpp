@@ -25,6 +25,11 @@ double LimitSine(double maskRad, std::uint8_t curtainDeg)
 
 } // namespace
 
+bool HasObstruction(const ObstructionCurtain& curtain) noexcept
+{
+    return std::any_of(curtain.begin(), curtain.end(), [](std::uint8_t deg) { return deg != 0; });
+}
+
 double NormalisedAzimuth(double azimuthRad) noexcept
 {
     if (!std::isfinite(azimuthRad)) {

@@ -11,6 +11,9 @@ namespace fieldcore {
 /// to, but not including, k + 1 degrees.
 using ObstructionCurtain = std::array<std::uint8_t, 360>;
 
+/// @return whether @p curtain hides anything at all
+[[nodiscard]] bool HasObstruction(const ObstructionCurtain& curtain) noexcept;
+
 /// @return @p azimuthRad within 0 to 2 pi; exactly 2 pi stays, and so does what is not finite
 [[nodiscard]] double NormalisedAzimuth(double azimuthRad) noexcept;
 

@@ -21,6 +21,15 @@ inline constexpr int kAlmanacOldCaption = 20143;
 inline constexpr int kAlmanacUpdated = 20176;
 inline constexpr int kAlmanacUpdatedCaption = 20177;
 
+// The graphs of the observation plan, under the numbers of their menu items
+inline constexpr int kGraphCount = 21901;
+inline constexpr int kGraphAzimuth = 21902;
+inline constexpr int kGraphElevation = 21903;
+inline constexpr int kGraphSkyPlot = 21904;
+inline constexpr int kGraphPdop = 21905;
+inline constexpr int kGraphGdop = 21906;
+inline constexpr int kGraphTdop = 21907;
+
 // Connecting
 inline constexpr int kConnectCable = 60001;
 inline constexpr int kConnectCableCaption = 60002;
@@ -86,6 +95,74 @@ inline constexpr int kEndQuestion = 60132;
 inline constexpr int kEndLoggingNote = 60133;
 inline constexpr int kEndProgram = 60134;
 inline constexpr int kEndProgramPowerOff = 60135;
+// What stands in the graphs of the observation plan
+inline constexpr int kPlotTooFewSatellites = 60200;
+inline constexpr int kPlotNoAlmanac = 60201;
+inline constexpr int kPlotNotComputed = 60202;
+inline constexpr int kPlotNoTracks = 60203;
+inline constexpr int kPlotJst = 60204;
+inline constexpr int kPlotUtc = 60205;
+inline constexpr int kPlotWindow = 60206; ///< from, to
+inline constexpr int kPlotUpperLimit = 60207;
+inline constexpr int kPlotLowerLimit = 60208;
+inline constexpr int kPlotDegrees = 60209;
+inline constexpr int kPlotMask = 60210;
+inline constexpr int kPlotHeight = 60211;
+inline constexpr int kPlotDate = 60212;
+inline constexpr int kPlotAlmanac = 60213;      ///< date, age
+inline constexpr int kPlotAlmanacOlder = 60214; ///< days before the plan
+inline constexpr int kPlotAlmanacNewer = 60215; ///< days after it
+inline constexpr int kPlotAlmanacOld = 60216;   ///< more than 30 days before it
+inline constexpr int kPlotWithCurtain = 60217;
+inline constexpr int kPlotNoCurtain = 60218;
+inline constexpr int kPlotWindows = 60219;
+inline constexpr int kPlotNorth = 60220; ///< the eight directions follow one another, clockwise
+inline constexpr int kPlotNorthEast = 60221;
+inline constexpr int kPlotEast = 60222;
+inline constexpr int kPlotSouthEast = 60223;
+inline constexpr int kPlotSouth = 60224;
+inline constexpr int kPlotSouthWest = 60225;
+inline constexpr int kPlotWest = 60226;
+inline constexpr int kPlotNorthWest = 60227;
+inline constexpr int kPlotFromBelow = 60228;
+inline constexpr int kReadingTime = 60230;
+inline constexpr int kReadingPrn = 60231;
+inline constexpr int kReadingAzimuth = 60232;
+inline constexpr int kReadingElevation = 60233;
+inline constexpr int kReadingCount = 60234;
+inline constexpr int kReadingDilution = 60235;
+inline constexpr int kReadingHidden = 60236;
+inline constexpr int kGraphName = 60237;
+
+// The sheet of the observation plan, and its files
+inline constexpr int kSheetTitle = 60240;
+inline constexpr int kSheetSite = 60241;
+inline constexpr int kSheetPlace = 60242;
+inline constexpr int kSheetPlaceValue = 60243;
+inline constexpr int kSheetNorthLatitude = 60244;
+inline constexpr int kSheetSouthLatitude = 60245;
+inline constexpr int kSheetEastLongitude = 60246;
+inline constexpr int kSheetWestLongitude = 60247;
+inline constexpr int kSheetDate = 60248;
+inline constexpr int kSheetPeriod = 60249;
+inline constexpr int kSheetPeriodValue = 60250;
+inline constexpr int kSheetMask = 60251;
+inline constexpr int kSheetCurtain = 60252;
+inline constexpr int kSheetYes = 60253;
+inline constexpr int kSheetNo = 60254;
+inline constexpr int kSheetAlmanac = 60255;
+inline constexpr int kSheetAlmanacValue = 60256;
+inline constexpr int kSheetWindows = 60257;
+inline constexpr int kSheetConditions = 60258;
+inline constexpr int kSheetFrom = 60259;
+inline constexpr int kSheetTo = 60260;
+inline constexpr int kSheetLength = 60261;
+inline constexpr int kSheetMinutes = 60262;
+inline constexpr int kSheetFewest = 60263;
+inline constexpr int kSheetHighestPdop = 60264;
+inline constexpr int kSheetNoWindow = 60265;
+inline constexpr int kSheetMoreWindows = 60266;
+inline constexpr int kExportNotWritten = 60270; ///< file, cause
 
 } // namespace text
 

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "core/planning/ObservationPlan.h"
+
+#include <chrono>
+
+namespace fieldcore {
+
+/// The almanac that a plan is made with.
+struct AlmanacState
+{
+    std::chrono::sys_seconds time; ///< its latest reference time, on the GPS time scale
+    double ageDays = 0.0;          ///< at the start of the plan; negative: it is from later
+    bool isOld = false;            ///< IsAlmanacOld()
+    int satellites = 0;            ///< valid ones; 0: there is no almanac
+    int healthy = 0;               ///< of these
+};
+
+/// @param plan  its Calc() and Period() are looked at; it need not be computed
+[[nodiscard]] AlmanacState StateOfAlmanac(const ObservationPlan& plan);
+
+} // namespace fieldcore

@@ -1,0 +1,145 @@
+#include "ui/planning/PlanDrawing.h"
+
+#include "core/planning/AlmanacState.h"
+#include "core/planning/Degrees.h"
+#include "core/planning/PlanSeries.h"
+#include "ui/controls/UiText.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kMinutesOfDay = 24 * 60;
+constexpr int kJapanAheadMin = 9 * 60;
+
+/// @param minutes  of the day; others are taken to the day they belong to
+QString ClockText(int minutes)
+{
+    const int held = (minutes % kMinutesOfDay + kMinutesOfDay) % kMinutesOfDay;
+    return QStringLiteral("%1:%2")
+        .arg(held / 60, 2, 10, QLatin1Char('0'))
+        .arg(held % 60, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
+double PlanDrawing::LengthMin() const
+{
+    return HasPlan() ? plan->Division() * IntervalMin() : 0.0;
+}
+
+double PlanDrawing::IntervalMin() const
+{
+    return HasPlan() ? static_cast<double>(plan->Computed().Interval().count()) : 1.0;
+}
+
+std::vector<SkySatellite> PlanDrawing::Sky() const
+{
+    if (!HasPlan()) {
+        return {};
+    }
+    return SkyAt(*plan, std::chrono::seconds(std::lround(minutes * 60.0)));
+}
+
+QString PlanDrawing::Obstacle() const
+{
+    if (plan != nullptr && StateOfAlmanac(*plan).satellites == 0) {
+        return UiText(text::kPlotNoAlmanac);
+    }
+    return HasPlan() ? QString() : UiText(text::kPlotNotComputed);
+}
+
+int GraphTextId(PlanGraph graph)
+{
+    constexpr std::array kIds{text::kGraphCount,     text::kGraphSkyPlot, text::kGraphAzimuth,
+                              text::kGraphElevation, text::kGraphPdop,    text::kGraphGdop,
+                              text::kGraphTdop};
+    return kIds[static_cast<std::size_t>(graph)];
+}
+
+QString GraphText(PlanGraph graph)
+{
+    return UiText(GraphTextId(graph));
+}
+
+QString PrnText(int prn)
+{
+    return ToQt(FormatText(text::kReadingPrn, prn));
+}
+
+QString DateText(std::chrono::sys_seconds time)
+{
+    const std::chrono::year_month_day date(std::chrono::floor<std::chrono::days>(time));
+    return ToQt(FormatText(text::kPlotDate, static_cast<int>(date.year()),
+                           static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day())));
+}
+
+QString PlanDateText(const PlanDrawing& drawing)
+{
+    return DateText(std::chrono::sys_days(drawing.plan->Computed().date));
+}
+
+QString AlmanacAgeText(const PlanDrawing& drawing)
+{
+    const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
+    const int id = almanac.isOld           ? text::kPlotAlmanacOld
+                   : almanac.ageDays < 0.0 ? text::kPlotAlmanacNewer
+                                           : text::kPlotAlmanacOlder;
+    return ToQt(FormatText(id, std::abs(almanac.ageDays)));
+}
+
+QStringList PlanCaption(const PlanDrawing& drawing)
+{
+    const CSurveyPlanCalc& calc = drawing.plan->Calc();
+    const std::wstring date = DateText(StateOfAlmanac(*drawing.plan).time).toStdWString();
+    const std::wstring age = AlmanacAgeText(drawing).toStdWString();
+    return {
+        ToQt(drawing.site),
+        ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM)),
+        PlanDateText(drawing),
+        ToQt(FormatText(text::kPlotMask, drawing.maskDeg)),
+        UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain),
+        ToQt(FormatText(text::kPlotAlmanac, date.c_str(), age.c_str()))};
+}
+
+QString ReadingOfTime(const PlanDrawing& drawing, double minutes)
+{
+    const int jst =
+        drawing.plan->Computed().startHour * 60 + static_cast<int>(std::lround(minutes));
+    const QString local =
+        jst == kMinutesOfDay ? QStringLiteral("24:00") : ClockText(jst); // still the plan's day
+    return ToQt(FormatText(text::kReadingTime, local.toStdWString().c_str(),
+                           ClockText(jst - kJapanAheadMin).toStdWString().c_str()));
+}
+
+QStringList ReadingOfSample(const PlanDrawing& drawing, int sample)
+{
+    const PlanGraph graph = drawing.graph;
+    QStringList lines{ReadingOfTime(drawing, EpochOfSample(graph, sample) * drawing.IntervalMin())};
+    const std::optional<double> value = SampleAt(*drawing.plan, graph, sample);
+    if (!value) {
+        lines += UiText(text::kPlotTooFewSatellites);
+    } else if (IsDilution(graph)) {
+        lines += ToQt(FormatText(text::kReadingDilution, Text(GraphTextId(graph)), *value));
+    } else {
+        lines += ToQt(FormatText(text::kReadingCount, *value));
+    }
+    return lines;
+}
+
+QStringList ReadingOfSatellite(const SkySatellite& satellite)
+{
+    QString name = PrnText(satellite.prn);
+    if (!satellite.isVisible) {
+        name += QLatin1Char(' ') + UiText(text::kReadingHidden);
+    }
+    return {name,
+            ToQt(FormatText(text::kReadingAzimuth, DegreesOf(satellite.direction.azimuthRad))),
+            ToQt(FormatText(text::kReadingElevation, DegreesOf(satellite.direction.elevationRad)))};
+}
+
+} // namespace fieldcore

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "core/planning/ObservationPlan.h"
+#include "core/planning/PlanWindows.h"
+#include "core/planning/SkySnapshot.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+namespace fieldcore {
+
+/// What a picture of a plan is made of. Place, almanac and curtain are those of the plan itself.
+struct PlanDrawing
+{
+    const ObservationPlan* plan = nullptr; ///< after its Compute(); not owned, must outlive this
+    PlanGraph graph = PlanGraph::Count;
+    std::wstring site;
+    int maskDeg = 15; ///< as the plan was computed with, 0 to 90
+    WindowLimits limits;
+    double minutes = 0.0; ///< after the start of the period: what the tracks are brightest at
+    bool isFromBelow =
+        false; ///< the sky as a map that lies on the ground shows it: east to the left
+
+    /// @return whether there is anything to draw
+    [[nodiscard]] bool HasPlan() const { return plan != nullptr && plan->Division() > 0; }
+    /// Whole length of the period, minutes; 0 without a plan.
+    [[nodiscard]] double LengthMin() const;
+    /// Minutes between two epochs; 1 without a plan.
+    [[nodiscard]] double IntervalMin() const;
+    /// The satellites at #minutes.
+    [[nodiscard]] std::vector<SkySatellite> Sky() const;
+    /// Why nothing can be drawn; empty if something can.
+    [[nodiscard]] QString Obstacle() const;
+};
+
+// The words of a picture.
+
+/// The number of the text that names a graph.
+[[nodiscard]] int GraphTextId(PlanGraph graph);
+[[nodiscard]] QString GraphText(PlanGraph graph);
+[[nodiscard]] QString PrnText(int prn);
+
+/// Site, height, day, mask, curtain and almanac with its age: what tells one picture from another.
+[[nodiscard]] QStringList PlanCaption(const PlanDrawing& drawing);
+/// "2026/11/20", the calendar day of @p time without a change of zone.
+[[nodiscard]] QString DateText(std::chrono::sys_seconds time);
+/// The plan's day.
+[[nodiscard]] QString PlanDateText(const PlanDrawing& drawing);
+/// How old the almanac is: "3日前".
+[[nodiscard]] QString AlmanacAgeText(const PlanDrawing& drawing);
+
+// What the cursor tells.
+
+/// The sample's time and value. Its time is that of the sample, not of the pointer.
+[[nodiscard]] QStringList ReadingOfSample(const PlanDrawing& drawing, int sample);
+/// The time alone: "09:30 JST（00:30 UTC）".
+[[nodiscard]] QString ReadingOfTime(const PlanDrawing& drawing, double minutes);
+[[nodiscard]] QStringList ReadingOfSatellite(const SkySatellite& satellite);
+
+} // namespace fieldcore

@@ -1,0 +1,81 @@
+#include "ui/planning/PlanPainter.h"
+
+#include "ui/planning/SkyPlot.h"
+#include "ui/planning/TimePlot.h"
+
+#include <QFontMetricsF>
+
+#include <cmath>
+
+namespace fieldcore {
+
+namespace {
+
+/// The parts of the caption in as few lines as @p width allows; a part is never torn.
+QStringList CaptionLines(const PlanDrawing& drawing, const PlotStyle& style, qreal width)
+{
+    const QString between = QStringLiteral("  ");
+    const QFontMetricsF metrics(style.small);
+    QStringList lines;
+    for (const QString& part : PlanCaption(drawing)) {
+        if (!lines.isEmpty() && metrics.horizontalAdvance(lines.back() + between + part) <= width) {
+            lines.back() += between + part;
+        } else {
+            // Only the name of a site can be longer than a line.
+            lines += metrics.elidedText(part, Qt::ElideRight, width);
+        }
+    }
+    return lines;
+}
+
+qreal LineHeight(const PlotStyle& style)
+{
+    return std::ceil(QFontMetricsF(style.small).height());
+}
+
+} // namespace
+
+QRectF GraphArea(const PlanDrawing& drawing, const PlotStyle& style, const QRectF& area)
+{
+    constexpr qreal kMargin = 8.0;
+    const QRectF inner = area.adjusted(kMargin, kMargin / 2.0, -kMargin, -kMargin / 2.0);
+    if (!drawing.HasPlan()) {
+        return inner;
+    }
+    const auto lines = CaptionLines(drawing, style, inner.width()).size();
+    return inner.adjusted(0.0, 0.0, 0.0, -static_cast<qreal>(lines) * LineHeight(style) - 4.0);
+}
+
+void PaintBareGraph(QPainter& painter, const PlanDrawing& drawing, const PlotStyle& style,
+                    const QRectF& area)
+{
+    if (drawing.graph == PlanGraph::SkyPlot) {
+        SkyPlot(drawing, style, area).Draw(painter);
+    } else {
+        TimePlot(drawing, style, area).Draw(painter);
+    }
+}
+
+void PaintGraph(QPainter& painter, const PlanDrawing& drawing, const PlotStyle& style,
+                const QRectF& area)
+{
+    const QString obstacle = drawing.Obstacle();
+    if (!obstacle.isEmpty()) {
+        painter.setFont(style.font);
+        painter.setPen(style.text);
+        painter.drawText(area.adjusted(16.0, 16.0, -16.0, -16.0),
+                         Qt::AlignCenter | Qt::TextWordWrap, obstacle);
+        return;
+    }
+    const QRectF graph = GraphArea(drawing, style, area);
+    PaintBareGraph(painter, drawing, style, graph);
+    painter.setFont(style.small);
+    painter.setPen(style.second);
+    QRectF line(graph.left(), graph.bottom() + 4.0, graph.width(), LineHeight(style));
+    for (const QString& words : CaptionLines(drawing, style, graph.width())) {
+        painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, words);
+        line.translate(0.0, line.height());
+    }
+}
+
+} // namespace fieldcore
