@@ -164,6 +164,33 @@ inline constexpr int kSheetNoWindow = 60265;
 inline constexpr int kSheetMoreWindows = 60266;
 inline constexpr int kExportNotWritten = 60270; ///< file, cause
 
+// The field controller
+inline constexpr int kAppTitle = 60500;
+inline constexpr int kAppStatus = 60501;
+inline constexpr int kAppLinkConnected = 60502;
+inline constexpr int kAppLinkConnecting = 60503;
+inline constexpr int kAppLinkLost = 60504;
+inline constexpr int kAppLinkNone = 60505;
+inline constexpr int kAppLastReceived = 60506; ///< for QString::arg: the time
+inline constexpr int kAppSimulator = 60507;    ///< for QString::arg: the scenario
+inline constexpr int kAppConnect = 60508;
+inline constexpr int kAppDisconnect = 60509;
+inline constexpr int kAppSatellites = 60510;
+inline constexpr int kAppPlan = 60511;
+inline constexpr int kAppFrames = 60512;
+inline constexpr int kAppForceInit = 60513;
+inline constexpr int kAppSettings = 60514;
+inline constexpr int kAppMenuLink = 60515;
+inline constexpr int kAppMenuView = 60516;
+inline constexpr int kAppMenuHelp = 60517;
+inline constexpr int kAppThemeDaylight = 60518;
+inline constexpr int kAppThemeDark = 60519;
+inline constexpr int kAppThemeSystem = 60520;
+inline constexpr int kAppAbout = 60521;
+inline constexpr int kAppAboutText = 60522; ///< for QString::arg: the version
+inline constexpr int kAppNoJapaneseFont = 60523;
+inline constexpr int kAppNotice = 60524; ///< caption of a notice about the settings
+
 } // namespace text
 
 /// @return the text under @p id; empty if there is none. Any thread.

@@ -1,0 +1,90 @@
+#include "app/MainWindow.h"
+
+#include "app/HomePage.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/UiText.h"
+
+#include <QResizeEvent>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kWide = 900;
+
+struct Entry
+{
+    int choice;
+    const char* icon;
+    int text;
+};
+
+constexpr Entry kButtons[] = {
+    {MainWindow::kConnect, "connect", text::kAppConnect},
+    {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
+    {MainWindow::kPlan, "plan", text::kAppPlan},
+    {MainWindow::kFrames, "recording", text::kAppFrames},
+    {MainWindow::kForceInit, "restore", text::kAppForceInit},
+    {MainWindow::kSettings, "settings", text::kAppSettings},
+};
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QWidget(parent), m_status(new StatusStrip), m_home(new HomePage), m_scroll(new QScrollArea),
+      m_menu(new CnMenuBar(1))
+{
+    setWindowTitle(UiText(text::kAppTitle));
+    for (const Entry& entry : kButtons) {
+        m_home->AddButton(entry.choice, QString::fromLatin1(entry.icon), UiText(entry.text));
+    }
+    m_scroll->setWidget(m_home);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+
+    const int link = m_menu->AddPopup(UiText(text::kAppMenuLink));
+    m_menu->AddItem(link, kConnect, UiText(text::kAppConnect));
+    m_menu->AddItem(link, kDisconnect, UiText(text::kAppDisconnect));
+    m_menu->AddSeparator(link);
+    m_menu->AddItem(link, kFrames, UiText(text::kAppFrames));
+    const int view = m_menu->AddPopup(UiText(text::kAppMenuView));
+    m_menu->AddItem(view, kThemeDaylight, UiText(text::kAppThemeDaylight));
+    m_menu->AddItem(view, kThemeDark, UiText(text::kAppThemeDark));
+    m_menu->AddItem(view, kThemeSystem, UiText(text::kAppThemeSystem));
+    const int help = m_menu->AddPopup(UiText(text::kAppMenuHelp));
+    m_menu->AddItem(help, kAbout, UiText(text::kAppAbout));
+
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_status);
+    column->addWidget(m_scroll, 1);
+    column->addWidget(m_menu);
+
+    connect(m_home, &HomePage::Chosen, this, &MainWindow::Chosen);
+    connect(m_menu, &CnMenuBar::ItemChosen, this, &MainWindow::Chosen);
+    connect(m_menu, &CnMenuBar::CloseRequested, this, &QWidget::close);
+}
+
+void MainWindow::ShowState(const ReceiverState& state, const QDateTime& nowUtc)
+{
+    m_status->Show(state, nowUtc);
+    m_menu->EnableItem(kDisconnect, state.link != ReceiverState::Link::None);
+}
+
+void MainWindow::CheckTheme(int choice)
+{
+    m_menu->CheckRadioItem(kThemeDaylight, kThemeSystem, choice);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    constexpr int kColumns = 3;
+    constexpr int kWideColumns = 6;
+    m_home->SetColumns(event->size().width() > kWide ? kWideColumns : kColumns);
+}
+
+} // namespace fieldcore

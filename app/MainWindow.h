@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/StatusStrip.h"
+
+#include <QWidget>
+
+class QScrollArea;
+
+namespace fieldcore {
+
+class CnMenuBar;
+class HomePage;
+
+/// The window of the controller: status at the head, the buttons of the home page, the menu bar at
+/// the foot. It decides nothing: what was chosen goes out as a number. User-interface thread only.
+class MainWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// What can be chosen, from the home page or from the menu bar.
+    enum Choice : int
+    {
+        kConnect = 1,
+        kDisconnect,
+        kPlan,
+        kSkyPlot,
+        kFrames,
+        kForceInit,
+        kSettings,
+        kThemeDaylight,
+        kThemeDark,
+        kThemeSystem,
+        kAbout,
+    };
+
+    explicit MainWindow(QWidget* parent = nullptr);
+
+    void ShowState(const ReceiverState& state, const QDateTime& nowUtc);
+    /// Marks the theme that is in use among the choices.
+    void CheckTheme(int choice);
+
+Q_SIGNALS:
+    void Chosen(int choice);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    StatusStrip* m_status; // owned by the window, as is all that follows
+    HomePage* m_home;
+    QScrollArea* m_scroll;
+    CnMenuBar* m_menu;
+};
+
+} // namespace fieldcore

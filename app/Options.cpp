@@ -1,0 +1,65 @@
+#include "app/Options.h"
+
+#include <QCommandLineParser>
+
+namespace fieldcore {
+
+AppOptions ParseOptions(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("The field controller: receiver, plan and files on one screen."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption port(
+        {QStringLiteral("p"), QStringLiteral("port")},
+        QStringLiteral("COM1, a path such as /dev/ttyUSB0, sim: or sim:SCENARIO."),
+        QStringLiteral("PORT"));
+    const QCommandLineOption theme(QStringLiteral("theme"),
+                                   QStringLiteral("daylight, dark or system."),
+                                   QStringLiteral("THEME"));
+    const QCommandLineOption speed(
+        QStringLiteral("speed"),
+        QStringLiteral("Let time run this many times as fast; only with sim:, 0.1 to 100."),
+        QStringLiteral("N"));
+    const QCommandLineOption screenshots(
+        QStringLiteral("screenshots"),
+        QStringLiteral("Write every screen as PNG into this folder, and end."),
+        QStringLiteral("DIR"));
+    parser.addOptions({port, theme, speed, screenshots});
+
+    AppOptions options;
+    if (!parser.parse(arguments)) {
+        options.fault = parser.errorText();
+    } else if (!parser.positionalArguments().isEmpty()) {
+        options.fault =
+            QStringLiteral("%1 is no option.").arg(parser.positionalArguments().first());
+    }
+    options.showHelp = parser.isSet(help);
+    options.showVersion = parser.isSet(version);
+    options.help = parser.helpText();
+    options.port = parser.value(port);
+    options.screenshots = parser.value(screenshots);
+    if (parser.isSet(speed)) {
+        bool isNumber = false;
+        options.speed = parser.value(speed).toDouble(&isNumber);
+        if (!isNumber || !(options.speed >= 0.1 && options.speed <= 100.0)) {
+            options.fault = QStringLiteral("--speed must be 0.1 to 100.");
+        }
+    }
+    if (parser.isSet(theme)) {
+        const QString name = parser.value(theme);
+        if (name == QStringLiteral("daylight")) {
+            options.theme = Theme::Kind::Daylight;
+        } else if (name == QStringLiteral("dark")) {
+            options.theme = Theme::Kind::Dark;
+        } else if (name == QStringLiteral("system")) {
+            options.theme = Theme::Kind::System;
+        } else {
+            options.fault = QStringLiteral("--theme must be daylight, dark or system.");
+        }
+    }
+    return options;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ui/controls/Theme.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace fieldcore {
+
+/// What the program was started with.
+struct AppOptions
+{
+    QString port;                     ///< empty: the one of the settings
+    std::optional<Theme::Kind> theme; ///< nothing: the one of the settings
+    double speed = 1.0;               ///< of the simulator's time and the program's, 0.1 to 100
+    QString screenshots;              ///< folder; empty: an ordinary session
+    bool showVersion = false;
+    bool showHelp = false;
+    QString help;  ///< text of the help
+    QString fault; ///< what is wrong with the command line; empty: nothing
+};
+
+/// @param arguments  the program's name first
+[[nodiscard]] AppOptions ParseOptions(const QStringList& arguments);
+
+} // namespace fieldcore

@@ -1,0 +1,146 @@
+#include "app/StatusStrip.h"
+
+#include "ui/controls/Icon.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QStringList>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kLineHeight = 40;
+constexpr int kRibbonHeight = 24;
+constexpr int kMargin = 12;
+constexpr int kGap = 8;
+
+struct Lamp
+{
+    int text;
+    const char* icon;
+    QColor Theme::*colour;
+};
+
+Lamp LampOf(ReceiverState::Link link)
+{
+    switch (link) {
+    case ReceiverState::Link::Connected:
+        return {text::kAppLinkConnected, "connect", &Theme::good};
+    case ReceiverState::Link::Connecting:
+        return {text::kAppLinkConnecting, "refresh", &Theme::attention};
+    case ReceiverState::Link::Lost:
+        return {text::kAppLinkLost, "exclamation", &Theme::bad};
+    case ReceiverState::Link::None:
+        break;
+    }
+    return {text::kAppLinkNone, "disconnect", &Theme::second};
+}
+
+/// Text in a colour, of the theme that holds now.
+void Paint(QLabel* label, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+}
+
+QString Jst(const QDateTime& utc)
+{
+    constexpr int kJapanAheadS = 9 * 3600;
+    return utc.toOffsetFromUtc(kJapanAheadS).toString(QStringLiteral("HH:mm:ss"));
+}
+
+} // namespace
+
+StatusStrip::StatusStrip(QWidget* parent)
+    : QWidget(parent), m_lamp(new QLabel), m_receiver(new QLabel), m_values(new QLabel),
+      m_time(new QLabel), m_ribbon(new QLabel)
+{
+    setAutoFillBackground(true);
+    setAccessibleName(UiText(text::kAppStatus));
+    auto* const line = new QHBoxLayout;
+    line->setContentsMargins(kMargin, 0, kMargin, 0);
+    line->setSpacing(kGap);
+    m_receiver->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_values->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_time->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    line->addWidget(m_lamp);
+    line->addWidget(m_receiver, 1);
+    line->addWidget(m_values);
+    line->addWidget(m_time);
+    for (QLabel* label : {m_lamp, m_receiver, m_values, m_time}) {
+        label->setMinimumHeight(kLineHeight);
+    }
+    m_ribbon->setMinimumHeight(kRibbonHeight);
+    m_ribbon->setContentsMargins(kMargin, 0, kMargin, 0);
+    m_ribbon->setAutoFillBackground(true);
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(line);
+    column->addWidget(m_ribbon);
+    Show({}, QDateTime::currentDateTimeUtc());
+}
+
+void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
+{
+    m_state = state;
+    m_now = nowUtc;
+    const QString unknown = QStringLiteral("--");
+    const bool isFresh = state.link == ReceiverState::Link::Connected &&
+                         state.receivedUtc.isValid() && state.receivedUtc.secsTo(nowUtc) <= kStaleS;
+    m_lamp->setText(UiText(LampOf(state.link).text));
+    m_receiver->setText(state.receiver);
+    m_receiver->setToolTip(state.receiver);
+    const QString pdop = state.pdop ? QString::number(*state.pdop, 'f', 1) : unknown;
+    const QString battery = state.batteryPercent
+                                ? QString::number(*state.batteryPercent) + QStringLiteral(" %")
+                                : unknown;
+    m_values->setText(QStringLiteral("PDOP %1  %2").arg(pdop, battery));
+    if (isFresh && state.utc) {
+        // The receiver's clock goes on between two readings.
+        m_time->setText(Jst(state.utc->addMSecs(state.receivedUtc.msecsTo(nowUtc))) +
+                        QStringLiteral(" JST"));
+    } else if (state.receivedUtc.isValid()) {
+        m_time->setText(UiText(text::kAppLastReceived).arg(Jst(state.receivedUtc)));
+    } else {
+        m_time->setText(QStringLiteral("--:--:-- JST"));
+    }
+    m_ribbon->setVisible(!state.simulator.isEmpty());
+    m_ribbon->setText(UiText(text::kAppSimulator).arg(state.simulator));
+    Colour();
+}
+
+void StatusStrip::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_ribbon != nullptr) {
+        Colour();
+    }
+}
+
+void StatusStrip::Colour()
+{
+    const Theme& theme = Theme::Current();
+    const bool isFresh = m_state.link == ReceiverState::Link::Connected &&
+                         m_state.receivedUtc.isValid() &&
+                         m_state.receivedUtc.secsTo(m_now) <= kStaleS;
+    Paint(m_lamp, theme.*LampOf(m_state.link).colour);
+    Paint(m_values, isFresh ? theme.text : theme.stale);
+    Paint(m_time, isFresh ? theme.text : theme.stale);
+    QPalette ground = m_ribbon->palette();
+    ground.setColor(QPalette::Window, theme.attention);
+    ground.setColor(QPalette::WindowText, theme.ground);
+    m_ribbon->setPalette(ground);
+    QPalette own = palette();
+    if (own.color(QPalette::Window) != theme.raised) {
+        own.setColor(QPalette::Window, theme.raised);
+        setPalette(own);
+    }
+}
+
+} // namespace fieldcore

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QDateTime>
+#include <QLabel>
+#include <QString>
+#include <QWidget>
+
+#include <optional>
+
+namespace fieldcore {
+
+/// What the controller knows of its receiver at a moment. What is not known is empty.
+struct ReceiverState
+{
+    enum class Link
+    {
+        None, ///< nobody has asked for a connection
+        Connecting,
+        Connected,
+        Lost, ///< it was there; the controller tries to have it back
+    };
+    Link link = Link::None;
+    QString receiver;             ///< name of the model
+    QString simulator;            ///< name of the scenario; empty: a real receiver
+    QDateTime receivedUtc;        ///< when the values below came, by the controller's clock
+    std::optional<QDateTime> utc; ///< the receiver's time then
+    std::optional<int> batteryPercent;
+    std::optional<double> pdop;
+    std::optional<int> satellites;
+};
+
+/// The two lines at the head of the window: is the receiver there, and is it well. Values that are
+/// more than kStaleS seconds old are grey and carry the time they came. User-interface thread only.
+class StatusStrip : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kStaleS = 10;
+
+    explicit StatusStrip(QWidget* parent = nullptr);
+
+    /// @param nowUtc  by the controller's clock
+    void Show(const ReceiverState& state, const QDateTime& nowUtc);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void Colour();
+
+    ReceiverState m_state;
+    QDateTime m_now;
+    QLabel* m_lamp; // owned by the widget, as are all labels
+    QLabel* m_receiver;
+    QLabel* m_values;
+    QLabel* m_time;
+    QLabel* m_ribbon;
+};
+
+} // namespace fieldcore
