@@ -1,10 +1,11 @@
 #include "cli/AlmanacReport.h"
 
+#include "cli/DayText.h"
+
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/Degrees.h"
 
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -62,14 +63,6 @@ std::optional<CGPSTime> TimeOf(const KeplerElements& elements)
     return time;
 }
 
-/// A part of a date, all of whose characters must be digits.
-int DatePart(std::string_view text)
-{
-    int number = 0;
-    const char* const end = text.data() + text.size();
-    return std::from_chars(text.data(), end, number).ptr == end ? number : -1;
-}
-
 } // namespace
 
 CGPSTime GpsNow(const World& world)
@@ -78,24 +71,13 @@ CGPSTime GpsNow(const World& world)
     return FromGpsSeconds(std::chrono::duration_cast<std::chrono::seconds>(since).count());
 }
 
-std::optional<CGPSTime> GpsMidnight(std::string_view day)
+std::optional<CGPSTime> GpsMidnight(std::string_view text)
 {
-    constexpr std::string_view kForm = "2026-11-21";
-    if (day.size() != kForm.size() || day[4] != '-' || day[7] != '-') {
+    const std::optional<sys_days> day = ParseDay(text);
+    if (!day || *day < kGpsEpoch) {
         return std::nullopt;
     }
-    const int month = DatePart(day.substr(5, 2));
-    const int dayOfMonth = DatePart(day.substr(8));
-    if (month < 1 || dayOfMonth < 1) {
-        return std::nullopt;
-    }
-    const year_month_day date(std::chrono::year(DatePart(day.substr(0, 4))),
-                              std::chrono::month(static_cast<unsigned>(month)),
-                              std::chrono::day(static_cast<unsigned>(dayOfMonth)));
-    if (!date.ok() || sys_days(date) < kGpsEpoch || date.year() > 2099y) {
-        return std::nullopt;
-    }
-    return FromGpsSeconds(std::chrono::seconds(sys_days(date) - kGpsEpoch).count());
+    return FromGpsSeconds(std::chrono::seconds(*day - kGpsEpoch).count());
 }
 
 std::int64_t GpsSeconds(const CGPSTime& time)

@@ -1,5 +1,7 @@
 #include "cli/PlanReport.h"
 
+#include "cli/AlmanacReport.h"
+
 #include "core/planning/AlmanacState.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
@@ -255,7 +257,6 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
                   std::optional<PlanGraph> graph)
 {
     const PlanPeriod& period = plan.Computed();
-    const AlmanacState state = StateOfAlmanac(plan);
     Report report;
     report.Add("site", "site", Value::Text(std::wstring_view(site.name)));
     report.Add("latitudeDeg", "latitude", Value::Real(DegreesOf(site.observer.latitudeRad), 8));
@@ -268,11 +269,7 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
     report.Add("maskDeg", "mask", Value::Integer(request.maskDeg));
     report.Add("hasCurtain", "curtain", Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
     Report& almanac = report.AddSection("almanac", "almanac");
-    almanac.Add("time", "time", TimeValue(state.time));
-    almanac.Add("ageDays", "age", Value::Real(state.ageDays, 1));
-    almanac.Add("isOld", "is old", Value::YesNo(state.isOld));
-    almanac.Add("satellites", "satellites", Value::Integer(state.satellites));
-    almanac.Add("healthy", "healthy", Value::Integer(state.healthy));
+    AddAlmanacSummary(almanac, plan.Calc(), period.Start());
     report.Add("kind", "kind", Value::Text(std::string(KindOf(graph))));
     report.AddTable(Samples(plan, graph));
     if (const std::optional<PlanWindow> best = BestWindow(plan)) {

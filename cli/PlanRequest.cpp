@@ -1,5 +1,7 @@
 #include "cli/PlanRequest.h"
 
+#include "cli/DayText.h"
+
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
@@ -13,7 +15,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
@@ -114,16 +115,7 @@ std::optional<std::chrono::sys_days> ParseDate(const std::string& text, const Wo
     if (text == "tomorrow") {
         return today + std::chrono::days(1);
     }
-    int year = 0;
-    unsigned month = 0;
-    unsigned day = 0;
-    char behind = 0;
-    if (std::sscanf(text.c_str(), "%4d-%2u-%2u%c", &year, &month, &day, &behind) != 3) {
-        return std::nullopt;
-    }
-    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                           std::chrono::day(day)};
-    return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
+    return ParseDay(text);
 }
 
 std::optional<Failure> ResolveDates(const PlanOptions& options, const World& world,
@@ -131,7 +123,7 @@ std::optional<Failure> ResolveDates(const PlanOptions& options, const World& wor
 {
     using namespace std::chrono_literals;
     constexpr std::chrono::sys_days kFirst = 1980y / std::chrono::January / 7;
-    constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31;
+    constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31; // of a date
     const std::optional<std::chrono::sys_days> first = ParseDate(options.date, world);
     if (!first) {
         return UsageFailure("--date " + options.date + " is no date.",

@@ -125,7 +125,7 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
         {"plan --from 23 --hours 2", 2, "only 1 of its hours"},
         {"plan --hours 0", 2, "0"},
         {"plan --date 2022-02-30", 2, "--date 2026-11-21"},
-        {"plan --date 1979-12-31", 2, "1980-01-07"},
+        {"plan --date 1980-01-05", 2, "1980-01-07"},
         {"plan --days 400", 2, "400"},
         {"plan --site Atlantis", 2, "plan sites"},
         {"plan --site 県", 2, "Several sites"},
