@@ -102,6 +102,9 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption* option
     QSize wanted = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (IsTarget(type, option)) {
         wanted.setHeight(std::max(wanted.height(), kTarget));
+        if (type == CT_MenuItem) { // the column of the check marks is wider than it counts on
+            wanted.rwidth() += 5 * kGrid;
+        }
     }
     return wanted;
 }
