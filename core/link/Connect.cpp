@@ -31,9 +31,7 @@ int CConnect::DoModal()
         return Connected;
     }
     if (sequence.FailedFault() != CommandFault::Cancelled) {
-        m_command.GetHost().ShowMessage(sequence.FailureMessage(),
-                                        Text(text::kConnectFailedCaption),
-                                        {BoxButtons::Ok, BoxIcon::Stop});
+        ShowFailure(sequence);
     }
     return NotConnected;
 }
@@ -41,6 +39,12 @@ int CConnect::DoModal()
 int CConnect::RunSequence(ConnectSequence& sequence)
 {
     return sequence.Run();
+}
+
+void CConnect::ShowFailure(const ConnectSequence& sequence)
+{
+    m_command.GetHost().ShowMessage(sequence.FailureMessage(), Text(text::kConnectFailedCaption),
+                                    {BoxButtons::Ok, BoxIcon::Stop});
 }
 
 int CConnect::stStartMessage()

@@ -51,6 +51,9 @@ protected:
     /// Runs the connect sequence. A screen overrides it to show the steps.
     /// @return 1 if connected
     virtual int RunSequence(ConnectSequence& sequence);
+    /// Tells the user why the sequence failed. A screen overrides it to show the detail, too. Not
+    /// called when the user has cancelled.
+    virtual void ShowFailure(const ConnectSequence& sequence);
 
 private:
     CCommand& m_command;

@@ -1,0 +1,62 @@
+#include "core/link/FrameHistory.h"
+
+#include "core/platform/AtomicFile.h"
+
+#include <algorithm>
+#include <string>
+
+namespace fieldcore {
+
+FrameHistory::FrameHistory(const Clock& clock, std::size_t capacity)
+    : m_clock(clock), m_capacity(std::max<std::size_t>(capacity, 1))
+{}
+
+void FrameHistory::Add(Direction direction, std::span<const std::uint8_t> bytes)
+{
+    const Clock::UtcTime now = m_clock.Utc();
+    const std::lock_guard lock(m_mutex);
+    // The oldest gives its memory to the newest, so that a full history does not allocate.
+    ExchangedFrame frame;
+    if (m_frames.size() == m_capacity) {
+        frame = std::move(m_frames.front());
+        m_frames.pop_front();
+    }
+    frame.number = ++m_count;
+    frame.time = now;
+    frame.direction = direction;
+    frame.bytes.assign(bytes.begin(), bytes.end());
+    m_frames.push_back(std::move(frame));
+}
+
+CommandChannel::FrameObserver FrameHistory::Observer()
+{
+    return
+        [this](Direction direction, std::span<const std::uint8_t> frame) { Add(direction, frame); };
+}
+
+std::vector<ExchangedFrame> FrameHistory::After(std::uint64_t last) const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto first = std::upper_bound(
+        m_frames.begin(), m_frames.end(), last,
+        [](std::uint64_t number, const ExchangedFrame& frame) { return number < frame.number; });
+    return {first, m_frames.end()};
+}
+
+void FrameHistory::Clear()
+{
+    const std::lock_guard lock(m_mutex);
+    m_frames.clear();
+}
+
+std::error_code SaveFrameLog(const std::filesystem::path& file,
+                             std::span<const ExchangedFrame> frames)
+{
+    std::string log;
+    for (const ExchangedFrame& frame : frames) {
+        log += FrameLogLine(frame.direction, frame.bytes);
+    }
+    return ReplaceFile(file, "fieldcore-frames.tmp", std::as_bytes(std::span(log)));
+}
+
+} // namespace fieldcore

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "core/link/CommandChannel.h"
+#include "core/link/FrameLog.h"
+#include "core/platform/Clock.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <mutex>
+#include <span>
+#include <system_error>
+#include <vector>
+
+namespace fieldcore {
+
+/// A frame that went over the line.
+struct ExchangedFrame
+{
+    std::uint64_t number = 0; ///< counted from 1 on
+    Clock::UtcTime time;
+    Direction direction = Direction::Sent;
+    std::vector<std::uint8_t> bytes;
+};
+
+/// The last frames that went over the line; the oldest go first. Any thread.
+class FrameHistory
+{
+public:
+    static constexpr std::size_t kCapacity = 10000; // frames
+
+    /// @param clock  must outlive the object
+    explicit FrameHistory(const Clock& clock = SystemClock::Instance(),
+                          std::size_t capacity = kCapacity);
+
+    void Add(Direction direction, std::span<const std::uint8_t> bytes);
+
+    /// Keeps what passes a channel from now on; the object must outlive the channel's use of it.
+    [[nodiscard]] CommandChannel::FrameObserver Observer();
+
+    /// Those behind number @p last, oldest first; 0: all that are kept.
+    [[nodiscard]] std::vector<ExchangedFrame> After(std::uint64_t last) const;
+
+    /// Forgets them; the numbers go on.
+    void Clear();
+
+private:
+    const Clock& m_clock;
+    const std::size_t m_capacity;
+    mutable std::mutex m_mutex; // guards what follows
+    std::deque<ExchangedFrame> m_frames;
+    std::uint64_t m_count = 0;
+};
+
+/// Replaces @p file by an exchange log of these frames, see FrameLogLine().
+/// @return what went wrong; the old file is then still there
+[[nodiscard]] std::error_code SaveFrameLog(const std::filesystem::path& file,
+                                           std::span<const ExchangedFrame> frames);
+
+} // namespace fieldcore

@@ -1,0 +1,209 @@
+#include "core/link/ReceiverLink.h"
+
+#include "core/link/Command.h"
+#include "core/link/Connect.h"
+#include "core/resources/StringTable.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace fieldcore {
+
+const wchar_t* LinkStateText(LinkState state)
+{
+    switch (state) {
+    case LinkState::NotConnected:
+        return Text(text::kLinkNotConnected);
+    case LinkState::Connecting:
+        return Text(text::kLinkConnecting);
+    case LinkState::Connected:
+        return Text(text::kLinkConnected);
+    case LinkState::Lost:
+        return Text(text::kLinkLost);
+    case LinkState::Reconnecting:
+        return Text(text::kLinkReconnecting);
+    }
+    return L"";
+}
+
+int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
+{
+    if (m_isTicking || m_state == LinkState::Connecting) {
+        return 0;
+    }
+    const Hold hold(*this);
+    m_command.ClosePort(); // that of the connection before, which may be to another receiver
+    m_target = target;
+    m_status.reset();
+    m_missed = 0;
+    Enter(LinkState::Connecting);
+    const bool connected = connect.DoModal() == CConnect::Connected && connect.CheckRecvType() == 1;
+    if (!connected) {
+        m_command.ClosePort();
+    }
+    m_due = m_command.GetClock().Steady();
+    Enter(connected ? LinkState::Connected : LinkState::NotConnected);
+    return connected ? 1 : 0;
+}
+
+void ReceiverLink::Disconnect()
+{
+    if (m_isTicking || m_state == LinkState::Connecting) {
+        return;
+    }
+    m_command.ClosePort();
+    m_status.reset();
+    Enter(LinkState::NotConnected);
+}
+
+void ReceiverLink::Tick()
+{
+    if (m_isTicking || m_holds > 0 || m_command.IsBusy()) {
+        return;
+    }
+    m_isTicking = true;
+    switch (m_state) {
+    case LinkState::NotConnected:
+    case LinkState::Connecting:
+    case LinkState::Reconnecting:
+        break;
+    case LinkState::Connected:
+        if (m_command.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss
+            m_status.reset();
+            Enter(LinkState::NotConnected);
+        } else if (m_command.GetClock().Steady() >= m_due) {
+            Poll();
+        }
+        break;
+    case LinkState::Lost:
+        TryAgain();
+        break;
+    }
+    m_isTicking = false;
+}
+
+void ReceiverLink::Poll()
+{
+    const Clock& clock = m_command.GetClock();
+    m_due = clock.Steady() + kPollInterval;
+    ShortenTimeout();
+    StatusReply status;
+    const int answered = m_command.RequestStatus(status);
+    m_command.SetReplyTimeout(m_target.settings.replyTimeout);
+    if (answered == 1) {
+        m_missed = 0;
+        m_status = {std::move(status), clock.Steady()};
+        Enter(LinkState::Connected);
+        return;
+    }
+    if (m_command.Fault() == CommandFault::Cancelled) {
+        return; // the user has better things to do; the value grows old
+    }
+    ++m_missed;
+    if (m_command.Fault() == CommandFault::LinkLost || m_missed >= kMostMissed) {
+        Lose(kFirstPause);
+    } else {
+        // A question that is not answered makes the program wait: not as often, then.
+        m_due = clock.Steady() + std::min(kPollInterval * (m_missed + 1), kLongestPause);
+    }
+}
+
+void ReceiverLink::Lose(Clock::Duration pause)
+{
+    m_command.ClosePort();
+    m_wasAway = !IsPortThere();
+    m_pause = pause;
+    m_due = m_command.GetClock().Steady() + pause;
+    Enter(LinkState::Lost);
+}
+
+void ReceiverLink::TryAgain()
+{
+    if (!IsPortThere()) {
+        m_wasAway = true;
+        return;
+    }
+    const Clock& clock = m_command.GetClock();
+    if (m_wasAway) { // just plugged in: now is the time, and patience begins anew
+        m_wasAway = false;
+        m_pause = kFirstPause;
+        m_due = clock.Steady();
+    }
+    if (clock.Steady() < m_due) {
+        return;
+    }
+    Enter(LinkState::Reconnecting);
+    if (Reopen() == 1) {
+        m_missed = 0;
+        m_due = clock.Steady() + kPollInterval;
+        Enter(LinkState::Connected);
+        return;
+    }
+    if (m_command.Fault() == CommandFault::Cancelled) {
+        m_command.ClosePort();
+        Enter(LinkState::NotConnected); // whoever cancels an attempt wants no more of them
+        return;
+    }
+    Lose(std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
+}
+
+int ReceiverLink::Reopen()
+{
+    const int opened = m_target.devicePath.empty()
+                           ? m_command.OpenPort(m_target.port, m_target.settings)
+                           : m_command.OpenPort(m_target.devicePath, m_target.settings);
+    if (opened == 0) {
+        return 0;
+    }
+    ShortenTimeout();
+    StatusReply status;
+    const int answered = m_command.RequestStatus(status);
+    m_command.SetReplyTimeout(m_target.settings.replyTimeout);
+    if (answered == 1) {
+        m_status = {std::move(status), m_command.GetClock().Steady()};
+    }
+    return answered;
+}
+
+void ReceiverLink::ShortenTimeout()
+{
+    m_command.SetReplyTimeout(std::min(m_target.settings.replyTimeout, kReplyTimeout));
+}
+
+/// A COM number may mean another device tomorrow, so only a path can be looked for.
+bool ReceiverLink::IsPortThere() const
+{
+    std::error_code ignored;
+    return m_target.devicePath.empty() || std::filesystem::exists(m_target.devicePath, ignored);
+}
+
+std::optional<Clock::Duration> ReceiverLink::StatusAge() const
+{
+    return m_status ? std::optional(m_command.GetClock().Steady() - m_status->at) : std::nullopt;
+}
+
+bool ReceiverLink::IsStatusStale() const
+{
+    const std::optional<Clock::Duration> age = StatusAge();
+    return !age || *age >= kStaleAge || m_state != LinkState::Connected;
+}
+
+std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
+{
+    if (m_state != LinkState::Lost) {
+        return std::nullopt;
+    }
+    return m_wasAway ? Clock::Duration::zero()
+                     : std::max(m_due - m_command.GetClock().Steady(), Clock::Duration::zero());
+}
+
+void ReceiverLink::Enter(LinkState state)
+{
+    m_state = state;
+    if (m_observer) {
+        m_observer();
+    }
+}
+
+} // namespace fieldcore

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "core/link/ConnectSequence.h"
+#include "core/link/Replies.h"
+#include "core/platform/Clock.h"
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace fieldcore {
+
+class CCommand;
+class CConnect;
+
+enum class LinkState
+{
+    NotConnected,
+    Connecting, ///< the user connects
+    Connected,
+    Lost,        ///< waiting to try again
+    Reconnecting ///< trying
+};
+
+/// What the state is called, for the user.
+[[nodiscard]] const wchar_t* LinkStateText(LinkState state);
+
+/// A value with the time at which the receiver gave it.
+template <typename Value>
+struct TimedValue
+{
+    Value value;
+    Clock::Duration at; ///< of the channel's clock
+};
+
+/// Keeps a program connected to its receiver: asks its status every two seconds, notices a loss,
+/// and connects again when the receiver is back. It acts only in Tick(), which the program calls a
+/// few times a second, and does nothing while the channel is busy or somebody holds it. What it
+/// does blocks for an exchange at most, with a shorter reply time-out than the dialogs have. The
+/// thread that uses the channel.
+///
+/// A link is lost when the far end hangs up, or when kMostMissed questions one after the other got
+/// no good answer. The port that is gone is looked for at every tick; one that is there but does
+/// not help is tried again after a pause that grows from kFirstPause to kLongestPause.
+class ReceiverLink
+{
+public:
+    static constexpr std::chrono::seconds kPollInterval{2};
+    static constexpr std::chrono::seconds kFirstPause{2};
+    static constexpr std::chrono::seconds kPauseGrowth{2};
+    static constexpr std::chrono::seconds kLongestPause{10};
+    static constexpr std::chrono::milliseconds kReplyTimeout{600}; ///< at most, while polling
+    static constexpr int kMostMissed = 3;
+    /// From this age on a value is stale.
+    static constexpr std::chrono::seconds kStaleAge{5};
+
+    /// Keeps the link off the channel as long as it lives: for a dialog that uses it.
+    class Hold
+    {
+    public:
+        explicit Hold(ReceiverLink& link) : m_link(link) { ++m_link.m_holds; }
+        ~Hold() { --m_link.m_holds; }
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+    private:
+        ReceiverLink& m_link;
+    };
+
+    /// @param command  not owned; must outlive this object
+    explicit ReceiverLink(CCommand& command) : m_command(command) {}
+
+    /// Lets the user connect, and checks that the receiver is acceptable.
+    /// @param connect  made for @p target and the same channel
+    /// @return 1 if connected; 0 with the port closed
+    int Connect(CConnect& connect, const ConnectTarget& target);
+    /// Ends the connection, or the attempts to get it back.
+    void Disconnect();
+    /// Does what is due.
+    void Tick();
+
+    [[nodiscard]] LinkState State() const { return m_state; }
+    /// Where the receiver is, or was last; its device path or port number.
+    [[nodiscard]] const ConnectTarget& Target() const { return m_target; }
+    /// The last status; nothing before the first, or since another connection was made.
+    [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
+    /// How old the status is; nothing without one.
+    [[nodiscard]] std::optional<Clock::Duration> StatusAge() const;
+    [[nodiscard]] bool IsStatusStale() const;
+    /// How long until the next attempt to get the link back; nothing unless lost, zero if only the
+    /// port is waited for.
+    [[nodiscard]] std::optional<Clock::Duration> UntilNextAttempt() const;
+
+    /// Told when the state or the status has changed, on the calling thread. It may ask, but not
+    /// act. Empty: nobody.
+    void SetObserver(std::function<void()> observer) { m_observer = std::move(observer); }
+
+private:
+    void Poll();
+    void Lose(Clock::Duration pause);
+    void TryAgain();
+    [[nodiscard]] int Reopen();
+    [[nodiscard]] bool IsPortThere() const;
+    void Enter(LinkState state);
+    void ShortenTimeout();
+
+    CCommand& m_command;
+    ConnectTarget m_target;
+    LinkState m_state = LinkState::NotConnected;
+    std::optional<TimedValue<StatusReply>> m_status;
+    Clock::Duration m_due{}; // of the next question or attempt
+    Clock::Duration m_pause{};
+    bool m_wasAway = false; // the port, when it was last looked for
+    int m_missed = 0;       // questions without a good answer, one after the other
+    int m_holds = 0;
+    bool m_isTicking = false;
+    std::function<void()> m_observer;
+};
+
+} // namespace fieldcore
