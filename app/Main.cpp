@@ -1,29 +1,38 @@
-#include "app/MainWindow.h"
+#include "app/Controller.h"
 #include "app/Options.h"
+#include "app/Session.h"
 #include "ui/controls/TouchStyle.h"
 
 #include <QApplication>
 
+#include <cstdio>
+
 int main(int argc, char** argv)
 {
+    using namespace fieldcore;
     const QApplication application(argc, argv);
-    fieldcore::TouchStyle::Install();
-    fieldcore::Theme::Use(fieldcore::Theme::Kind::Daylight);
-    fieldcore::MainWindow window;
-    window.resize(480, 640);
-    fieldcore::ReceiverState state;
-    state.link = fieldcore::ReceiverState::Link::Connected;
-    state.receiver = QStringLiteral("Corvane VX1");
-    state.simulator = QStringLiteral("lark");
-    state.receivedUtc = QDateTime::currentDateTimeUtc();
-    state.utc = state.receivedUtc;
-    state.pdop = 1.8;
-    state.batteryPercent = 85;
-    window.ShowState(state, QDateTime::currentDateTimeUtc());
-    window.show();
-    window.grab().save(QStringLiteral("/tmp/app1.png"));
-    window.resize(1280, 800);
-    fieldcore::Theme::Use(fieldcore::Theme::Kind::Dark);
-    window.grab().save(QStringLiteral("/tmp/app2.png"));
-    return 0;
+    const AppOptions options = ParseOptions(QApplication::arguments());
+    constexpr int kUsage = 2; // as of the command line's programs
+    if (options.showHelp) {
+        std::fputs(qPrintable(options.help), stdout);
+        return 0;
+    }
+    if (options.showVersion) {
+        std::printf("fieldcore %s\n", FIELDCORE_VERSION);
+        return 0;
+    }
+    if (!options.fault.isEmpty()) {
+        std::fprintf(stderr, "fieldcore: %s\n  try:   fieldcore --help\n",
+                     qPrintable(options.fault));
+        return kUsage;
+    }
+    TouchStyle::Install();
+    Controller controller(options);
+    controller.Begin();
+    Session session(controller);
+    if (!options.screenshots.isEmpty()) {
+        return session.WriteScreenshots(options.screenshots);
+    }
+    session.Begin();
+    return QApplication::exec();
 }

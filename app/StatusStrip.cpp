@@ -101,10 +101,8 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
                                 ? QString::number(*state.batteryPercent) + QStringLiteral(" %")
                                 : unknown;
     m_values->setText(QStringLiteral("PDOP %1  %2").arg(pdop, battery));
-    if (isFresh && state.utc) {
-        // The receiver's clock goes on between two readings.
-        m_time->setText(Jst(state.utc->addMSecs(state.receivedUtc.msecsTo(nowUtc))) +
-                        QStringLiteral(" JST"));
+    if (isFresh || state.link == ReceiverState::Link::None) {
+        m_time->setText(Jst(nowUtc) + QStringLiteral(" JST"));
     } else if (state.receivedUtc.isValid()) {
         m_time->setText(UiText(text::kAppLastReceived).arg(Jst(state.receivedUtc)));
     } else {
@@ -131,7 +129,7 @@ void StatusStrip::Colour()
                          m_state.receivedUtc.secsTo(m_now) <= kStaleS;
     Paint(m_lamp, theme.*LampOf(m_state.link).colour);
     Paint(m_values, isFresh ? theme.text : theme.stale);
-    Paint(m_time, isFresh ? theme.text : theme.stale);
+    Paint(m_time, isFresh || m_state.link == ReceiverState::Link::None ? theme.text : theme.stale);
     QPalette ground = m_ribbon->palette();
     ground.setColor(QPalette::Window, theme.attention);
     ground.setColor(QPalette::WindowText, theme.ground);

@@ -20,17 +20,17 @@ struct ReceiverState
         Lost, ///< it was there; the controller tries to have it back
     };
     Link link = Link::None;
-    QString receiver;             ///< name of the model
-    QString simulator;            ///< name of the scenario; empty: a real receiver
-    QDateTime receivedUtc;        ///< when the values below came, by the controller's clock
-    std::optional<QDateTime> utc; ///< the receiver's time then
+    QString receiver;      ///< name of the model
+    QString simulator;     ///< name of the scenario; empty: a real receiver
+    QDateTime receivedUtc; ///< when the values below came, by the controller's clock
     std::optional<int> batteryPercent;
     std::optional<double> pdop;
     std::optional<int> satellites;
 };
 
-/// The two lines at the head of the window: is the receiver there, and is it well. Values that are
-/// more than kStaleS seconds old are grey and carry the time they came. User-interface thread only.
+/// The two lines at the head of the window: is the receiver there, and is it well, and what time it
+/// is by the controller's clock. Values that are more than kStaleS seconds old are grey, and the
+/// time they came stands in place of the time. User-interface thread only.
 class StatusStrip : public QWidget
 {
     Q_OBJECT

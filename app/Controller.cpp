@@ -1,0 +1,237 @@
+#include "app/Controller.h"
+
+#include "core/link/Connect.h"
+#include "core/link/ReceiverTypes.h"
+#include "core/link/RecvInfo.h"
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/NominalConstellation.h"
+#include "core/planning/PlanSite.h"
+#include "core/platform/FastClock.h"
+#include "core/platform/Utf8.h"
+#include "core/settings/StoredPorts.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
+#include "ui/controls/UiText.h"
+
+#include <chrono>
+#include <cmath>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kTickMs = 250;
+constexpr const wchar_t* kAppKey = L"GPS\\App";
+constexpr const wchar_t* kTheme = L"Theme";
+
+QDateTime ToQt(Clock::UtcTime time)
+{
+    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    return QDateTime::fromMSecsSinceEpoch(ms.count(), Qt::UTC);
+}
+
+ReceiverState::Link LampOf(LinkState state)
+{
+    switch (state) {
+    case LinkState::Connecting:
+        return ReceiverState::Link::Connecting;
+    case LinkState::Connected:
+        return ReceiverState::Link::Connected;
+    case LinkState::Lost:
+    case LinkState::Reconnecting:
+        return ReceiverState::Link::Lost;
+    case LinkState::NotConnected:
+        break;
+    }
+    return ReceiverState::Link::None;
+}
+
+/// A nominal almanac of today, for a program that has never seen a receiver.
+std::vector<AlmanacRecord> SampleAlmanac(Clock::UtcTime now)
+{
+    using namespace std::chrono_literals;
+    constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
+    constexpr std::int64_t kWeekS = 604800;
+    constexpr std::int64_t kStepS = 4096; // of reference times
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - kGpsEpoch).count();
+    const std::int64_t inWeek = seconds % kWeekS / kStepS * kStepS;
+    return NominalConstellation(kNominalSatellites, static_cast<int>(seconds / kWeekS),
+                                static_cast<std::uint32_t>(inWeek));
+}
+
+} // namespace
+
+Controller::Controller(const AppOptions& options)
+    : m_options(options),
+      m_fastClock(options.speed == 1.0 ? nullptr : std::make_unique<FastClock>(options.speed)),
+      m_clock(&SystemClock::Instance()), m_reg(m_roots), m_folder(Folders().Program())
+{
+    QtHost::Options hostOptions;
+    if (m_fastClock) {
+        m_clock = m_fastClock.get();
+        hostOptions.clock = m_fastClock.get();
+    }
+    m_host = std::make_unique<QtHost>(hostOptions);
+    SetDefaultHost(m_host.get());
+    for (const std::string& warning : AssignStoredPorts(m_names, m_roots)) {
+        m_notice += QString::fromStdString(warning) + QLatin1Char('\n');
+    }
+    m_command = std::make_unique<CCommand>(
+        CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
+    m_link = std::make_unique<ReceiverLink>(*m_command);
+    m_link->SetObserver([this] { Q_EMIT Changed(); });
+    m_choice = LoadConnectChoice(m_reg);
+    if (!m_options.port.isEmpty()) {
+        m_choice.port = m_options.port.toStdString();
+    }
+    connect(&m_tick, &QTimer::timeout, this, &Controller::Tick);
+}
+
+Controller::~Controller()
+{
+    m_tick.stop();
+    m_link->SetObserver({});
+    m_command->ClosePort();
+    SetDefaultHost(nullptr);
+}
+
+void Controller::Begin()
+{
+    InstallSampleSites(m_folder);
+    std::error_code unknown;
+    if (!std::filesystem::exists(AlmanacPath(m_folder), unknown)) {
+        AlmanacStore(m_folder).Import(SampleAlmanac(m_clock->Utc()));
+    }
+    std::uint32_t theme = 0;
+    m_reg.ReadNumber(kAppKey, kTheme, theme, 0);
+    const auto kept = theme <= static_cast<std::uint32_t>(Theme::Kind::System)
+                          ? static_cast<Theme::Kind>(theme)
+                          : Theme::Kind::Daylight;
+    Theme::Use(m_options.theme.value_or(kept));
+    m_tick.start(kTickMs);
+}
+
+bool Controller::ConnectQuietly(std::wstring& fault)
+{
+    const std::optional<ConnectTarget> target = Target(fault);
+    if (!target) {
+        return false;
+    }
+    if (m_command->IsPortOpen() == 0) {
+        ConnectSequence sequence(*m_command, *target);
+        if (sequence.Run() == 0) {
+            fault = sequence.FailureMessage();
+            return false;
+        }
+    }
+    CConnect connect(*m_command, 0, *target); // its port is open: it asks nothing
+    connect.SupportAllTypes();
+    if (m_link->Connect(connect, *target) == 0) {
+        return false; // the user has been told
+    }
+    CRecvInfo info;
+    m_receiver.clear();
+    if (info.GetOptionData(*m_command) != 0) {
+        const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
+        m_receiver = type != nullptr && type->model != nullptr
+                         ? fieldcore::ToQt(type->model)
+                         : QString::number(info.GetRecvTypeNum());
+    }
+    Q_EMIT Changed();
+    return true;
+}
+
+void Controller::Disconnect()
+{
+    m_link->Disconnect();
+    m_receiver.clear();
+    Q_EMIT Changed();
+}
+
+void Controller::Choose(const ConnectChoice& choice)
+{
+    m_choice = choice;
+    SaveConnectChoice(m_reg, choice);
+}
+
+std::optional<ConnectTarget> Controller::Target(std::wstring& fault)
+{
+    const PortNameResult named = m_names.Parse(m_choice.port);
+    if (!named.port) {
+        fault = FromUtf8(named.fault);
+        return std::nullopt;
+    }
+    if (named.port->kind == PortKind::Device) {
+        m_simulator.reset();
+        m_scenario.clear();
+        return TargetOf(named.port->path, m_choice.baudRate, m_names);
+    }
+    if (!StartSimulator(named.port->scenario.empty() ? "lark" : named.port->scenario, fault)) {
+        return std::nullopt;
+    }
+    return TargetOf(m_simulator->PortPath(), m_choice.baudRate, m_names);
+}
+
+bool Controller::StartSimulator(const std::string& scenario, std::wstring& fault)
+{
+    if (m_simulator && scenario == m_scenario) {
+        return true;
+    }
+    std::string error;
+    const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    auto started = loaded ? std::make_unique<simulator::Simulator>(*loaded, *m_clock) : nullptr;
+    if (!started || !started->Start(error)) {
+        fault = FromUtf8(error);
+        return false;
+    }
+    m_command->ClosePort();
+    m_simulator = std::move(started);
+    m_scenario = scenario;
+    return true;
+}
+
+void Controller::UseTheme(Theme::Kind kind)
+{
+    Theme::Use(kind);
+    m_reg.WriteNumber(kAppKey, kTheme, static_cast<std::uint32_t>(kind));
+}
+
+ReceiverState Controller::State() const
+{
+    ReceiverState state;
+    state.link = LampOf(m_link->State());
+    state.receiver = m_receiver;
+    state.simulator = m_simulator ? QString::fromStdString(m_scenario) : QString();
+    if (const auto& status = m_link->Status()) {
+        constexpr double kNoPdop = 99.0;
+        const auto age = m_link->StatusAge().value_or(Clock::Duration{});
+        state.receivedUtc =
+            ToQt(m_clock->Utc() - std::chrono::duration_cast<std::chrono::milliseconds>(age));
+        state.batteryPercent = status->value.batteryPercent;
+        state.satellites = status->value.satellitesTracked;
+        if (std::isfinite(status->value.pdop) && status->value.pdop < kNoPdop) {
+            state.pdop = status->value.pdop;
+        }
+    }
+    return state;
+}
+
+QDateTime Controller::NowUtc() const
+{
+    return ToQt(m_clock->Utc());
+}
+
+QString Controller::TakeNotice()
+{
+    const QString store = QString::fromStdString(m_roots.TakeNotice());
+    return std::exchange(m_notice, QString()) + store;
+}
+
+void Controller::Tick()
+{
+    m_link->Tick();
+    Q_EMIT Changed();
+}
+
+} // namespace fieldcore

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "app/Options.h"
+#include "app/StatusStrip.h"
+
+#include "core/link/Command.h"
+#include "core/link/ConnectChoice.h"
+#include "core/link/ReceiverLink.h"
+#include "core/platform/Folders.h"
+#include "core/platform/PortNames.h"
+#include "core/settings/HostReg.h"
+#include "core/settings/SettingsRoots.h"
+#include "ui/controls/QtHost.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace fieldcore {
+
+class FastClock;
+namespace simulator {
+class Simulator;
+}
+
+/// What the windows of the field controller work with: settings, the channel to the receiver, the
+/// link that is kept, and the simulated receiver if one is meant. User-interface thread only.
+class Controller : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param options  taken over
+    explicit Controller(const AppOptions& options);
+    ~Controller() override;
+
+    /// Puts what a new user needs into the program's folder, sample sites and a nominal almanac,
+    /// and chooses the theme of the settings. What is there stays.
+    void Begin();
+
+    /// Connects to the port of the settings or of the command line, without asking the user
+    /// anything but what the receiver gives reason for.
+    /// @return false if it is not connected; @p fault says why in words for the user
+    bool ConnectQuietly(std::wstring& fault);
+    void Disconnect();
+
+    /// @param choice  stored in the settings, too
+    void Choose(const ConnectChoice& choice);
+    [[nodiscard]] const ConnectChoice& Choice() const { return m_choice; }
+
+    /// Where the chosen port is reached; starts the simulated receiver if that is meant.
+    /// @return nothing, with @p fault in words for the user, if there is no such port
+    [[nodiscard]] std::optional<ConnectTarget> Target(std::wstring& fault);
+
+    void UseTheme(Theme::Kind kind);
+
+    [[nodiscard]] CCommand& Command() { return *m_command; }
+    [[nodiscard]] ReceiverLink& Link() { return *m_link; }
+    [[nodiscard]] const CReg& Reg() const { return m_reg; }
+    [[nodiscard]] QtHost& Host() { return *m_host; }
+    [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
+    [[nodiscard]] const std::filesystem::path& ProgramFolder() const { return m_folder; }
+    [[nodiscard]] const PortNames& Ports() const { return m_names; }
+
+    [[nodiscard]] ReceiverState State() const;
+    [[nodiscard]] QDateTime NowUtc() const;
+
+    /// What the user should know about the settings, once; empty: nothing.
+    [[nodiscard]] QString TakeNotice();
+
+Q_SIGNALS:
+    /// The state may have changed: at least once a second.
+    void Changed();
+
+private:
+    void Tick();
+    bool StartSimulator(const std::string& scenario, std::wstring& fault);
+
+    const AppOptions m_options;
+    std::unique_ptr<FastClock> m_fastClock; // null: time runs as it does
+    const Clock* m_clock;
+    SettingsRoots m_roots;
+    HostReg m_reg;
+    PortNames m_names;
+    std::filesystem::path m_folder;
+    std::unique_ptr<QtHost> m_host;
+    std::unique_ptr<simulator::Simulator> m_simulator; // null: a real port
+    std::string m_scenario;
+    std::unique_ptr<CCommand> m_command;
+    std::unique_ptr<ReceiverLink> m_link;
+    ConnectChoice m_choice;
+    QString m_receiver; // name of the model that is connected
+    QTimer m_tick;
+    QString m_notice;
+};
+
+} // namespace fieldcore

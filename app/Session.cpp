@@ -1,0 +1,117 @@
+#include "app/Session.h"
+
+#include "app/MainWindow.h"
+#include "core/host/MesBox.h"
+#include "core/link/Connect.h"
+#include "core/link/RecvForceInit.h"
+#include "ui/controls/UiText.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFontDatabase>
+
+namespace fieldcore {
+
+Session::Session(Controller& controller)
+    : m_controller(controller), m_window(std::make_unique<MainWindow>())
+{
+    connect(m_window.get(), &MainWindow::Chosen, this, &Session::Open);
+    connect(&m_controller, &Controller::Changed, this,
+            [this] { m_window->ShowState(m_controller.State(), m_controller.NowUtc()); });
+    ShowChosenTheme();
+}
+
+Session::~Session() = default;
+
+void Session::Begin()
+{
+    constexpr QSize kHandheld(480, 640);
+    m_window->resize(kHandheld);
+    m_window->show();
+    if (QFontDatabase::families(QFontDatabase::Japanese).isEmpty()) {
+        CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kAppTitle);
+    }
+    if (const QString notice = m_controller.TakeNotice(); !notice.isEmpty()) {
+        CMesBox(m_controller.Host()).Warn(notice.toStdWString(), text::kAppNotice);
+    }
+    QTimer::singleShot(0, this, &Session::ConnectAtStart);
+}
+
+void Session::ConnectAtStart()
+{
+    // Only the simulator is there for certain: a real receiver is asked for when the user wants it.
+    const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);
+    if (port.port && port.port->kind == PortKind::Simulator) {
+        Connect();
+    }
+}
+
+void Session::Open(int choice)
+{
+    switch (choice) {
+    case MainWindow::kConnect:
+        Connect();
+        break;
+    case MainWindow::kDisconnect:
+        m_controller.Disconnect();
+        break;
+    case MainWindow::kForceInit:
+        ForceInit();
+        break;
+    case MainWindow::kThemeDaylight:
+    case MainWindow::kThemeDark:
+    case MainWindow::kThemeSystem:
+        m_controller.UseTheme(static_cast<Theme::Kind>(choice - MainWindow::kThemeDaylight));
+        ShowChosenTheme();
+        break;
+    case MainWindow::kAbout:
+        ShowAbout();
+        break;
+    default:
+        break;
+    }
+}
+
+void Session::Connect()
+{
+    std::wstring fault;
+    if (!m_controller.ConnectQuietly(fault) && !fault.empty()) {
+        CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
+    }
+}
+
+void Session::ForceInit()
+{
+    std::wstring fault;
+    const std::optional<ConnectTarget> target = m_controller.Target(fault);
+    if (!target) {
+        CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
+        return;
+    }
+    const ReceiverLink::Hold hold(m_controller.Link());
+    CConnect connect(m_controller.Command(), 0, *target);
+    CRecvForceInit(m_controller.Command()).DoModal(connect);
+}
+
+void Session::ShowAbout()
+{
+    const QString words = UiText(text::kAppAboutText).arg(QStringLiteral(FIELDCORE_VERSION));
+    CMesBox(m_controller.Host())
+        .Show(words.toStdWString(), text::kAppTitle, {BoxButtons::Ok, BoxIcon::Information});
+}
+
+void Session::ShowChosenTheme()
+{
+    m_window->CheckTheme(MainWindow::kThemeDaylight + static_cast<int>(Theme::Used()));
+}
+
+int Session::WriteScreenshots(const QString& folder)
+{
+    constexpr int kLocalFile = 8;
+    if (!QDir().mkpath(folder)) {
+        return kLocalFile;
+    }
+    return 0;
+}
+
+} // namespace fieldcore

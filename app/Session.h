@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/Controller.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace fieldcore {
+
+class MainWindow;
+
+/// A session of the field controller: its window, and the dialogs that the user opens from it.
+/// User-interface thread only.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param controller  must outlive the session; Begin() has been called
+    explicit Session(Controller& controller);
+    ~Session() override;
+
+    /// Shows the window and connects.
+    void Begin();
+
+    /// Writes a picture of every screen, in both sizes and colours, and ends the program's work.
+    /// @param folder  is made if it is not there
+    /// @return an exit code: 0; 8 if the folder or a picture cannot be written
+    int WriteScreenshots(const QString& folder);
+
+private:
+    void Open(int choice);
+    void Connect();
+    void ConnectAtStart();
+    void ForceInit();
+    void ShowAbout();
+    void ShowChosenTheme();
+
+    Controller& m_controller;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+} // namespace fieldcore
