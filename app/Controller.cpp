@@ -127,7 +127,7 @@ bool Controller::ConnectQuietly(std::wstring& fault)
     }
     CConnect connect(*m_command, 0, *target); // its port is open: it asks nothing
     connect.SupportAllTypes();
-    if (m_link->Connect(connect, *target) == 0) {
+    if (m_link->Adopt(connect, *target) == 0) {
         return false; // the user has been told
     }
     CRecvInfo info;

@@ -10,6 +10,8 @@
 #include <QDir>
 #include <QFontDatabase>
 
+#include <cstdio>
+
 namespace fieldcore {
 
 Session::Session(Controller& controller)
@@ -105,13 +107,56 @@ void Session::ShowChosenTheme()
     m_window->CheckTheme(MainWindow::kThemeDaylight + static_cast<int>(Theme::Used()));
 }
 
+std::vector<Session::Screen> Session::Screens()
+{
+    std::vector<Screen> screens;
+    return screens;
+}
+
 int Session::WriteScreenshots(const QString& folder)
 {
     constexpr int kLocalFile = 8;
+    struct Look
+    {
+        const char* name;
+        QSize size;
+        Theme::Kind theme;
+    };
+    constexpr Look kLooks[] = {
+        {"480x640-daylight", {480, 640}, Theme::Kind::Daylight},
+        {"480x640-dark", {480, 640}, Theme::Kind::Dark},
+        {"1280x800-daylight", {1280, 800}, Theme::Kind::Daylight},
+        {"1280x800-dark", {1280, 800}, Theme::Kind::Dark},
+    };
     if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "fieldcore: %s cannot be made.\n", qPrintable(folder));
         return kLocalFile;
     }
-    return 0;
+    std::wstring fault;
+    m_controller.ConnectQuietly(fault);
+    m_window->ShowState(m_controller.State(), m_controller.NowUtc());
+    bool written = true;
+    const auto grab = [&](QWidget& window, const QString& name, const Look& look) {
+        window.resize(look.size);
+        window.show();
+        QCoreApplication::processEvents();
+        const QString file = QDir(folder).filePath(
+            name + QLatin1Char('-') + QLatin1String(look.name) + QStringLiteral(".png"));
+        const bool saved = window.grab().save(file);
+        std::printf("%s\n", qPrintable(saved ? file : file + QStringLiteral(": not written")));
+        written = written && saved;
+    };
+    for (const Look& look : kLooks) {
+        Theme::Use(look.theme);
+        grab(*m_window, QStringLiteral("home"), look);
+        for (const Screen& screen : Screens()) {
+            const std::unique_ptr<QWidget> window = screen.make();
+            grab(*window, screen.name, look);
+            window->hide();
+        }
+    }
+    m_controller.Disconnect();
+    return written ? 0 : kLocalFile;
 }
 
 } // namespace fieldcore

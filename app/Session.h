@@ -4,9 +4,11 @@
 
 #include <QObject>
 #include <QString>
+#include <QWidget>
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace fieldcore {
 
@@ -32,6 +34,13 @@ public:
     int WriteScreenshots(const QString& folder);
 
 private:
+    struct Screen
+    {
+        QString name; ///< of its pictures
+        std::function<std::unique_ptr<QWidget>()> make;
+    };
+    /// Every screen but the window itself, as it is when it has just been opened.
+    std::vector<Screen> Screens();
     void Open(int choice);
     void Connect();
     void ConnectAtStart();

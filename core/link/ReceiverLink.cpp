@@ -32,8 +32,16 @@ int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
     if (m_isTicking || m_state == LinkState::Connecting) {
         return 0;
     }
-    const Hold hold(*this);
     m_command.ClosePort(); // that of the connection before, which may be to another receiver
+    return Adopt(connect, target);
+}
+
+int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
+{
+    if (m_isTicking || m_state == LinkState::Connecting) {
+        return 0;
+    }
+    const Hold hold(*this);
     m_target = target;
     m_status.reset();
     m_missed = 0;

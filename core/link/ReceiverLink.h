@@ -74,6 +74,8 @@ public:
     /// @param connect  made for @p target and the same channel
     /// @return 1 if connected; 0 with the port closed
     int Connect(CConnect& connect, const ConnectTarget& target);
+    /// The same where the port is open already: nobody is asked to prepare a receiver.
+    int Adopt(CConnect& connect, const ConnectTarget& target);
     /// Ends the connection, or the attempts to get it back.
     void Disconnect();
     /// Does what is due.
