@@ -36,6 +36,7 @@ CPrgEndMes::CPrgEndMes(Mode mode, QWidget* parent) : Dialog(parent)
         layout->addWidget(note);
     }
     layout->addSpacing(kGrid);
+    layout->addStretch(1);
     AddButton(text::kEndProgram, QStringLiteral("ok"), kEnd);
     if (mode == Mode::Logging) {
         AddButton(text::kEndProgramPowerOff, QStringLiteral("power"), kPowerOffAndEnd);
