@@ -161,8 +161,10 @@ std::error_code ExportCsv(const fs::path& file, const PlanDrawing& drawing)
 
 QString ExportFailureText(const fs::path& file, const std::error_code& error)
 {
-    return ToQt(FormatText(text::kExportNotWritten, file.wstring().c_str(),
-                           QString::fromStdString(error.message()).toStdWString().c_str()));
+    // Not file.wstring(): it throws on a name that the locale has no characters for.
+    const std::wstring name = QString::fromUtf8(file.native().c_str()).toStdWString();
+    const std::wstring cause = QString::fromStdString(error.message()).toStdWString();
+    return ToQt(FormatText(text::kExportNotWritten, name.c_str(), cause.c_str()));
 }
 
 } // namespace fieldcore

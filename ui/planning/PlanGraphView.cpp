@@ -264,8 +264,9 @@ void PlanGraphView::StepTime(int direction)
         return;
     }
     const int last = m_drawing.plan->Division() - 1;
-    // The first key shows the cursor at the end that it comes from.
-    m_sample = m_sample ? std::clamp(*m_sample + direction, 0, last) : direction > 0 ? 0 : last;
+    // Without a cursor the first key comes in from outside.
+    const int from = m_sample.value_or(direction > 0 ? -1 : last + 1);
+    m_sample = std::clamp(from + direction, 0, last);
 }
 
 void PlanGraphView::StepSatellite(int direction)

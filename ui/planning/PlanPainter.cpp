@@ -101,12 +101,11 @@ void PaintReading(QPainter& painter, const PlotStyle& style, const QRectF& area,
         painter.drawEllipse(*point, kMark, kMark);
     }
     const QFontMetricsF metrics(style.small);
-    qreal width = 0.0;
-    for (const QString& line : reading) {
-        width = std::max(width, metrics.horizontalAdvance(line));
-    }
-    const qreal height = static_cast<qreal>(reading.size()) * metrics.lineSpacing();
-    QRectF box(area.left(), area.top(), width + 16.0, height + 8.0);
+    const QString text = reading.join(QLatin1Char('\n'));
+    QRectF box = metrics.boundingRect(QRectF(0.0, 0.0, area.width(), area.height()),
+                                      Qt::AlignLeft | Qt::AlignTop, text);
+    box.adjust(0.0, 0.0, 16.0, 10.0);
+    box.moveTopLeft(area.topLeft());
     if (!point || point->x() < area.center().x()) {
         box.moveRight(area.right()); // never on what it speaks of
     }
@@ -116,8 +115,7 @@ void PaintReading(QPainter& painter, const PlotStyle& style, const QRectF& area,
     painter.setBrush(Qt::NoBrush);
     painter.setFont(style.small);
     painter.setPen(style.text);
-    painter.drawText(box.adjusted(8.0, 4.0, -8.0, -4.0), Qt::AlignLeft | Qt::TextDontClip,
-                     reading.join(QLatin1Char('\n')));
+    painter.drawText(box.adjusted(8.0, 4.0, -8.0, -4.0), Qt::AlignLeft | Qt::TextDontClip, text);
 }
 
 } // namespace fieldcore

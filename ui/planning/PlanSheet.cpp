@@ -175,22 +175,24 @@ void Paint(QPainter& painter, const PlanDrawing& drawing)
     const qreal width = kPage.width() - 2.0 * kMargin;
     const qreal skyTop = DrawTitle(painter, drawing, style) + 12.0;
     constexpr qreal kSkyHeight = 330.0;
-    constexpr qreal kPlotHeight = 178.0;
-    constexpr qreal kTableHeight = kRow * (kMostWindows + 3.0);
-    const qreal tableTop = kPage.height() - kMargin / 2.0 - kTableHeight;
+    constexpr qreal kGap = 12.0;
+    constexpr qreal kTallestPlot = 230.0;
+    const std::size_t windows =
+        std::min(FindWindows(*drawing.plan, drawing.limits).size(), kMostWindows);
+    // The table's heading, its names and what stands beneath are three more rows.
+    const qreal tableHeight = kRow * (static_cast<qreal>(windows) + 3.0);
+    const qreal plotTop = skyTop + kSkyHeight + kGap;
+    const qreal plotHeight =
+        std::min((kPage.height() - kMargin - tableHeight - plotTop) / 2.0 - kGap, kTallestPlot);
     PlanDrawing part = drawing;
     part.graph = PlanGraph::SkyPlot;
-    // Beside the sky there is room for the two curves, one above the other.
-    const qreal half = width / 2.0;
-    static_cast<void>(half);
     PaintBareGraph(painter, part, style, QRectF(left, skyTop, width, kSkyHeight));
-    const qreal plotTop = skyTop + kSkyHeight + 8.0;
-    const qreal each = std::max((tableTop - plotTop - 16.0) / 2.0, kPlotHeight / 2.0);
     part.graph = PlanGraph::Count;
-    PaintBareGraph(painter, part, style, QRectF(left, plotTop, width, each));
+    PaintBareGraph(painter, part, style, QRectF(left, plotTop, width, plotHeight));
     part.graph = PlanGraph::Pdop;
-    PaintBareGraph(painter, part, style, QRectF(left, plotTop + each + 8.0, width, each));
-    DrawWindows(painter, drawing, style, tableTop);
+    PaintBareGraph(painter, part, style,
+                   QRectF(left, plotTop + plotHeight + kGap, width, plotHeight));
+    DrawWindows(painter, drawing, style, plotTop + 2.0 * (plotHeight + kGap));
 }
 
 } // namespace fieldcore::plan_sheet
