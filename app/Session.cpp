@@ -134,6 +134,7 @@ int Session::WriteScreenshots(const QString& folder)
     }
     std::wstring fault;
     m_controller.ConnectQuietly(fault);
+    m_controller.Link().Tick(); // which asks for the status
     m_window->ShowState(m_controller.State(), m_controller.NowUtc());
     bool written = true;
     const auto grab = [&](QWidget& window, const QString& name, const Look& look) {
