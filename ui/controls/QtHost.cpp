@@ -73,8 +73,8 @@ QtHost::QtHost(const Options& options)
 QtHost::~QtHost()
 {
     EndWait();
-    while (m_waitCursors > 0) {
-        ShowWaitCursor(false);
+    for (; m_waitCursors > 0; --m_waitCursors) {
+        QApplication::restoreOverrideCursor();
     }
 }
 

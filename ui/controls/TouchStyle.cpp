@@ -119,11 +119,11 @@ void TouchStyle::Install()
 
 TouchStyle* TouchStyle::Shared()
 {
-    static TouchStyle* const style = [] {
-        auto* const made = new TouchStyle;
-        made->setParent(QCoreApplication::instance());
-        return made;
-    }();
+    static TouchStyle* style = nullptr;
+    if (style == nullptr) {
+        style = new TouchStyle;
+        style->setParent(QCoreApplication::instance()); // which destroys it
+    }
     return style;
 }
 
