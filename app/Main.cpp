@@ -34,5 +34,9 @@ int main(int argc, char** argv)
         return session.WriteScreenshots(options.screenshots);
     }
     session.Begin();
+    if (options.firstPage) {
+        QApplication::processEvents(); // which paints the window
+        return 0;
+    }
     return QApplication::exec();
 }

@@ -26,7 +26,10 @@ AppOptions ParseOptions(const QStringList& arguments)
         QStringLiteral("screenshots"),
         QStringLiteral("Write every screen as PNG into this folder, and end."),
         QStringLiteral("DIR"));
-    parser.addOptions({port, theme, speed, screenshots});
+    const QCommandLineOption firstPage(
+        QStringLiteral("first-page"),
+        QStringLiteral("End when the first page has been painted; for measuring."));
+    parser.addOptions({port, theme, speed, screenshots, firstPage});
 
     AppOptions options;
     if (!parser.parse(arguments)) {
@@ -40,6 +43,7 @@ AppOptions ParseOptions(const QStringList& arguments)
     options.help = parser.helpText();
     options.port = parser.value(port);
     options.screenshots = parser.value(screenshots);
+    options.firstPage = parser.isSet(firstPage);
     if (parser.isSet(speed)) {
         bool isNumber = false;
         options.speed = parser.value(speed).toDouble(&isNumber);

@@ -36,7 +36,8 @@ void Session::Begin()
     if (const QString notice = m_controller.TakeNotice(); !notice.isEmpty()) {
         CMesBox(m_controller.Host()).Warn(notice.toStdWString(), text::kAppNotice);
     }
-    QTimer::singleShot(0, this, &Session::ConnectAtStart);
+    constexpr int kWhenPainted = 50; // ms: connecting may take seconds
+    QTimer::singleShot(kWhenPainted, this, &Session::ConnectAtStart);
 }
 
 void Session::ConnectAtStart()

@@ -148,6 +148,10 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
 
 ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 {
+    if (arguments.size() == 1 && arguments.front() == "--version") {
+        Output output(world, "version", false); // without making the parsers of all commands
+        return ShowVersion(output);
+    }
     const auto dashes = std::find(arguments.begin(), arguments.end(), "--");
     std::vector<std::string> userCommand(dashes == arguments.end() ? dashes : dashes + 1,
                                          arguments.end());
