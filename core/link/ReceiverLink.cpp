@@ -29,7 +29,7 @@ const wchar_t* LinkStateText(LinkState state)
 
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
-    if (m_isTicking || m_state == LinkState::Connecting) {
+    if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
     const Hold hold(*this);
@@ -47,14 +47,15 @@ int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
     return connected ? 1 : 0;
 }
 
-void ReceiverLink::Disconnect()
+int ReceiverLink::Disconnect()
 {
-    if (m_isTicking || m_state == LinkState::Connecting) {
-        return;
+    if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
+        return 0;
     }
     m_command.ClosePort();
     m_status.reset();
     Enter(LinkState::NotConnected);
+    return 1;
 }
 
 void ReceiverLink::Tick()
@@ -101,7 +102,10 @@ void ReceiverLink::Poll()
         return; // the user has better things to do; the value grows old
     }
     ++m_missed;
-    if (m_command.Fault() == CommandFault::LinkLost || m_missed >= kMostMissed) {
+    // Right after a hang-up it may be the write that fails first.
+    const bool isGone = m_command.Fault() == CommandFault::LinkLost ||
+                        m_command.Fault() == CommandFault::WriteFailed;
+    if (isGone || m_missed >= kMostMissed) {
         Lose(kFirstPause);
     } else {
         // A question that is not answered makes the program wait: not as often, then.

@@ -72,10 +72,12 @@ public:
 
     /// Lets the user connect, and checks that the receiver is acceptable.
     /// @param connect  made for @p target and the same channel
-    /// @return 1 if connected; 0 with the port closed
+    /// @return 1 if connected; 0 with the port closed, or with nothing changed while the channel is
+    ///         busy
     int Connect(CConnect& connect, const ConnectTarget& target);
     /// Ends the connection, or the attempts to get it back.
-    void Disconnect();
+    /// @return 0, and nothing changes, while the channel is busy
+    int Disconnect();
     /// Does what is due.
     void Tick();
 
