@@ -249,6 +249,12 @@ constexpr std::array kEntries{
     Entry{text::kFramesNak, L"NAK（否定応答）"},
     Entry{text::kFramesBadChecksum, L"チェックサム不一致"},
     Entry{text::kFramesNone, L"該当する通信はありません。"},
+    Entry{text::kStepNameOpenPort, L"通信ポートを開く"},
+    Entry{text::kStepNameWakeReceiver, L"受信機を起動する"},
+    Entry{text::kStepNameStatus, L"受信機の状態を確認する"},
+    Entry{text::kStepNameOptions, L"受信機の機能を確認する"},
+    Entry{text::kStepNameSerial, L"シリアル番号を確認する"},
+    Entry{text::kFailedPortState, L"%ls\n\nポートの状態：%ls"},
 };
 
 static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),

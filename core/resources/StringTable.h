@@ -236,6 +236,12 @@ inline constexpr int kFramesAck = 60383;
 inline constexpr int kFramesNak = 60384;
 inline constexpr int kFramesBadChecksum = 60385;
 inline constexpr int kFramesNone = 60386;
+inline constexpr int kStepNameOpenPort = 60387; ///< the steps follow one another
+inline constexpr int kStepNameWakeReceiver = 60388;
+inline constexpr int kStepNameStatus = 60389;
+inline constexpr int kStepNameOptions = 60390;
+inline constexpr int kStepNameSerial = 60391;
+inline constexpr int kFailedPortState = 60392; ///< message, state
 
 } // namespace text
 
