@@ -27,6 +27,19 @@ const wchar_t* LinkStateText(LinkState state)
     return L"";
 }
 
+std::wstring AgeText(std::optional<Clock::Duration> age)
+{
+    if (!age) {
+        return Text(text::kAgeUnknown);
+    }
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*age);
+    if (seconds < std::chrono::minutes(2)) {
+        return FormatText(text::kAgeSeconds, static_cast<int>(seconds.count()));
+    }
+    const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(seconds);
+    return FormatText(text::kAgeMinutes, static_cast<int>(minutes.count()));
+}
+
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
     if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace fieldcore {
 
@@ -24,6 +25,9 @@ enum class LinkState
 
 /// What the state is called, for the user.
 [[nodiscard]] const wchar_t* LinkStateText(LinkState state);
+
+/// How old a value is, for the user: seconds, then minutes; "--" for nothing.
+[[nodiscard]] std::wstring AgeText(std::optional<Clock::Duration> age);
 
 /// A value with the time at which the receiver gave it.
 template <typename Value>

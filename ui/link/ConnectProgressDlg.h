@@ -41,6 +41,11 @@ public:
     /// @param detail   for developers
     void ShowFailure(const QString& message, const QString& detail);
 
+    /// Whether @p step is under way.
+    [[nodiscard]] bool IsRunning(ConnectStep step) const
+    {
+        return isVisible() && !m_failed && m_step == step;
+    }
     [[nodiscard]] QPushButton* CancelButton() const { return m_cancel; }
     [[nodiscard]] QPushButton* CloseButton() const { return m_close; }
     [[nodiscard]] QPushButton* DetailButton() const { return m_showDetail; }
