@@ -73,8 +73,8 @@ private:
             return;
         }
         const ExpectedBox& expected = boxes[m_answered++];
-        EXPECT_EQ(box.accessibleDescription(), ToQt(expected.text));
-        EXPECT_EQ(box.windowTitle(), ToQt(expected.caption));
+        EXPECT_EQ(box.accessibleDescription().toStdString(), ToQt(expected.text).toStdString());
+        EXPECT_EQ(box.windowTitle().toStdString(), ToQt(expected.caption).toStdString());
         bool hasIcon = false;
         for (const QLabel* const label : box.findChildren<QLabel*>()) {
             hasIcon |= label->accessibleName() == UiText(expected.iconName);

@@ -162,7 +162,7 @@ TEST_F(ConnectDlgTest, WarnsOfReceiversByClicks)
          0},
         {"old-firmware",
          true,
-         {{L"[ 3010 ]受信機対応ファームウェアは[ 1.23 ]以上です。\n[ 1.23 "
+         {{L"[ 3020 ]受信機対応ファームウェアは[ 2.03 ]以上です。\n[ 2.03 "
            L"]未満の受信機ファームウェアへのサポートは行っておりません。"
            L"\nファームウェアをバージョンアップしてください。",
            L"受信機未対応バージョン警告", kWarn, ok, text::kButtonOk}},
