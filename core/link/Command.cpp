@@ -105,7 +105,10 @@ int CCommand::RequestStatus(StatusReply& reply)
 int CCommand::WakeReceiver()
 {
     Build(0x08);
-    return SendAndCollect() == 1 ? Rest(kWakePause) : 0;
+    if (SendAndCollect() == 0 || Fault() == CommandFault::Cancelled) {
+        return 0; // the host asks for an end only once
+    }
+    return Rest(kWakePause);
 }
 
 int CCommand::RequestGpsTime(GpsTimeReply& reply)

@@ -27,9 +27,22 @@ const wchar_t* LinkStateText(LinkState state)
     return L"";
 }
 
+std::wstring AgeText(std::optional<Clock::Duration> age)
+{
+    if (!age) {
+        return Text(text::kAgeUnknown);
+    }
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*age);
+    if (seconds < std::chrono::minutes(2)) {
+        return FormatText(text::kAgeSeconds, static_cast<int>(seconds.count()));
+    }
+    const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(seconds);
+    return FormatText(text::kAgeMinutes, static_cast<int>(minutes.count()));
+}
+
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
-    if (m_isTicking || m_state == LinkState::Connecting) {
+    if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
     m_command.ClosePort(); // that of the connection before, which may be to another receiver
@@ -55,14 +68,15 @@ int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
     return connected ? 1 : 0;
 }
 
-void ReceiverLink::Disconnect()
+int ReceiverLink::Disconnect()
 {
-    if (m_isTicking || m_state == LinkState::Connecting) {
-        return;
+    if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
+        return 0;
     }
     m_command.ClosePort();
     m_status.reset();
     Enter(LinkState::NotConnected);
+    return 1;
 }
 
 void ReceiverLink::Tick()
@@ -109,7 +123,10 @@ void ReceiverLink::Poll()
         return; // the user has better things to do; the value grows old
     }
     ++m_missed;
-    if (m_command.Fault() == CommandFault::LinkLost || m_missed >= kMostMissed) {
+    // Right after a hang-up it may be the write that fails first.
+    const bool isGone = m_command.Fault() == CommandFault::LinkLost ||
+                        m_command.Fault() == CommandFault::WriteFailed;
+    if (isGone || m_missed >= kMostMissed) {
         Lose(kFirstPause);
     } else {
         // A question that is not answered makes the program wait: not as often, then.

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace fieldcore {
 
@@ -24,6 +25,9 @@ enum class LinkState
 
 /// What the state is called, for the user.
 [[nodiscard]] const wchar_t* LinkStateText(LinkState state);
+
+/// How old a value is, for the user: seconds, then minutes; "--" for nothing.
+[[nodiscard]] std::wstring AgeText(std::optional<Clock::Duration> age);
 
 /// A value with the time at which the receiver gave it.
 template <typename Value>
@@ -72,12 +76,14 @@ public:
 
     /// Lets the user connect, and checks that the receiver is acceptable.
     /// @param connect  made for @p target and the same channel
-    /// @return 1 if connected; 0 with the port closed
+    /// @return 1 if connected; 0 with the port closed, or with nothing changed while the channel is
+    ///         busy
     int Connect(CConnect& connect, const ConnectTarget& target);
     /// The same where the port is open already: nobody is asked to prepare a receiver.
     int Adopt(CConnect& connect, const ConnectTarget& target);
     /// Ends the connection, or the attempts to get it back.
-    void Disconnect();
+    /// @return 0, and nothing changes, while the channel is busy
+    int Disconnect();
     /// Does what is due.
     void Tick();
 

@@ -59,22 +59,26 @@ std::optional<fs::path> UsbDevice(const fs::path& entry)
     return std::nullopt;
 }
 
-std::string Description(const fs::path& entry)
+/// Fills in what the port is.
+void Describe(const fs::path& entry, SerialPort& port)
 {
     if (entry.filename().string().starts_with(kBluetooth)) {
-        const std::string address = Attribute(entry / "address");
-        return address.empty() ? "Bluetooth serial port" : "Bluetooth serial port to " + address;
+        port.kind = SerialPort::Kind::Bluetooth;
+        port.label = Attribute(entry / "address");
+        port.description = "Bluetooth serial port";
+        port.description += port.label.empty() ? "" : " to " + port.label;
+        return;
     }
     const std::optional<fs::path> usb = UsbDevice(entry);
     if (!usb) {
-        return "built-in serial port";
+        port.description = "built-in serial port";
+        return;
     }
-    std::string text = Attribute(*usb / "product");
-    if (text.empty()) {
-        text = "USB serial adapter";
-    }
+    port.kind = SerialPort::Kind::Usb;
+    port.label = Attribute(*usb / "product");
+    port.description = port.label.empty() ? "USB serial adapter" : port.label;
     const std::string serial = Attribute(*usb / "serial");
-    return serial.empty() ? text : text + ", serial number " + serial;
+    port.description += serial.empty() ? "" : ", serial number " + serial;
 }
 
 /// Orders ttyUSB2 before ttyUSB10.
@@ -107,7 +111,7 @@ std::vector<SerialPort> ListSerialPorts(const PortNames& names, const SystemRoot
         if (port.stablePath == port.path) {
             port.stablePath.clear();
         }
-        port.description = Description(entry);
+        Describe(entry, port);
         if (const std::optional<int> com = names.ComNumber(port.path)) {
             port.comName = "COM" + std::to_string(*com);
         }

@@ -197,6 +197,9 @@ inline constexpr int kLinkConnecting = 60301;
 inline constexpr int kLinkConnected = 60302;
 inline constexpr int kLinkLost = 60303;
 inline constexpr int kLinkReconnecting = 60304;
+inline constexpr int kAgeSeconds = 60305; ///< whole seconds
+inline constexpr int kAgeMinutes = 60306; ///< whole minutes
+inline constexpr int kAgeUnknown = 60307;
 inline constexpr int kConnectingTitle = 60310;
 inline constexpr int kConnectingHint = 60311;
 inline constexpr int kConnectingCount = 60312;   ///< done, total
@@ -212,8 +215,6 @@ inline constexpr int kConnectStopping = 60321;
 inline constexpr int kDetailShow = 60322;
 inline constexpr int kDetailName = 60323;
 inline constexpr int kDetailHead = 60324; ///< port, detail
-inline constexpr int kForceInitTitle = 60328;
-inline constexpr int kForceInitRunning = 60329;
 inline constexpr int kPortTitle = 60330;
 inline constexpr int kPortList = 60331;
 inline constexpr int kPortName = 60332;
@@ -263,6 +264,12 @@ inline constexpr int kFramesAck = 60383;
 inline constexpr int kFramesNak = 60384;
 inline constexpr int kFramesBadChecksum = 60385;
 inline constexpr int kFramesNone = 60386;
+inline constexpr int kStepNameOpenPort = 60387; ///< the steps follow one another
+inline constexpr int kStepNameWakeReceiver = 60388;
+inline constexpr int kStepNameStatus = 60389;
+inline constexpr int kStepNameOptions = 60390;
+inline constexpr int kStepNameSerial = 60391;
+inline constexpr int kFailedPortState = 60392; ///< message, state
 
 } // namespace text
 

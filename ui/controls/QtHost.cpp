@@ -17,6 +17,8 @@ namespace fieldcore {
 
 namespace {
 
+constexpr const char* kCancelButton = "fieldcoreCancelsWaits";
+
 /// The window that the user has in front of him; null if there is none.
 QWidget* FrontWindow()
 {
@@ -123,6 +125,26 @@ void QtHost::ShowWaitCursor(bool on)
     }
 }
 
+void QtHost::UseForCancel(QAbstractButton* button)
+{
+    button->setProperty(kCancelButton, true);
+}
+
+QAbstractButton* QtHost::WindowsOwnCancel()
+{
+    const QWidget* const window = FrontWindow();
+    if (window == nullptr) {
+        return nullptr;
+    }
+    for (QAbstractButton* const button : window->findChildren<QAbstractButton*>()) {
+        if (button->property(kCancelButton).toBool() && button->isVisible() &&
+            button->isEnabled()) {
+            return button;
+        }
+    }
+    return nullptr;
+}
+
 bool QtHost::Breathe()
 {
     if (m_isBreathing) {
@@ -135,14 +157,23 @@ bool QtHost::Breathe()
         m_isCancelled = false;
         m_waitBegan = now;
     }
-    if (now - m_waitBegan >= kStripDelay) {
+    m_cancel = WindowsOwnCancel();
+    if (m_cancel != nullptr) {
+        delete m_strip;
+    } else if (now - m_waitBegan >= kStripDelay) {
         ShowStrip(now - m_waitBegan);
+    }
+    QMetaObject::Connection cancelled;
+    if (m_cancel != nullptr) {
+        cancelled =
+            connect(m_cancel, &QAbstractButton::clicked, this, [this] { m_isCancelled = true; });
     }
     m_modalBefore = QApplication::activeModalWidget();
     m_isBreathing = true;
     qApp->installEventFilter(this);
     QCoreApplication::processEvents();
     qApp->removeEventFilter(this);
+    disconnect(cancelled);
     m_isBreathing = false;
     m_back.start(0);
     if (!m_isCancelled) {
@@ -161,11 +192,10 @@ void QtHost::ShowStrip(Clock::Duration lasted)
     if (m_strip == nullptr || m_strip->parentWidget() != window) {
         delete m_strip;
         m_strip = new BusyStrip(window);
-        connect(m_strip->CancelButton(), &QPushButton::clicked, this, [this] {
-            m_isCancelled = true;
-            m_strip->ShowCancelling();
-        });
+        connect(m_strip->CancelButton(), &QPushButton::clicked, m_strip,
+                &BusyStrip::ShowCancelling);
     }
+    m_cancel = m_strip->CancelButton();
     m_strip->Update(
         static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(lasted).count()));
 }
@@ -190,14 +220,13 @@ bool QtHost::eventFilter(QObject* watched, QEvent* event)
     if (QApplication::activeModalWidget() != m_modalBefore) {
         return false; // a timer has opened a dialog over the wait: it has to be answered
     }
-    if (m_strip != nullptr) {
-        QPushButton* const cancel = m_strip->CancelButton();
-        if (watched == cancel) {
+    if (m_cancel != nullptr) {
+        const bool isEscape = event->type() == QEvent::KeyPress &&
+                              static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+        if (isEscape) {
+            m_cancel->click();
+        } else if (watched == m_cancel) {
             return false;
-        }
-        if (event->type() == QEvent::KeyPress &&
-            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-            cancel->click();
         }
     }
     event->setAccepted(event->type() != QEvent::Close);

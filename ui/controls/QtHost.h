@@ -3,6 +3,7 @@
 #include "core/host/Host.h"
 #include "core/platform/Clock.h"
 
+#include <QAbstractButton>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -41,6 +42,10 @@ public:
     /// control nothing happens.
     void FocusControl(int controlId) override;
     void ShowWaitCursor(bool on) override;
+    /// A window that itself shows what is waited for brings its own Cancel: while @p button can be
+    /// pressed in the front window, it ends the wait, and no strip appears.
+    static void UseForCancel(QAbstractButton* button);
+
     /// The strip appears when the wait, counted from its first breath, has lasted kStripDelay, and
     /// goes when the program is back in its event loop. A breath within a breath does nothing.
     /// @return false once for every time that the user cancels, so that the receiver can still be
@@ -52,6 +57,8 @@ public:
 
 private:
     void EndWait();
+    /// @return null if the front window has none of its own
+    [[nodiscard]] static QAbstractButton* WindowsOwnCancel();
     void ShowStrip(Clock::Duration lasted);
 
     const bool m_isQ77;
@@ -62,8 +69,9 @@ private:
     bool m_isBreathing = false;
     bool m_isCancelled = false;
     Clock::Duration m_waitBegan{};
-    QPointer<BusyStrip> m_strip;     // owned by its window
-    QPointer<QWidget> m_modalBefore; // modal window when the breath began
+    QPointer<BusyStrip> m_strip;        // owned by its window
+    QPointer<QAbstractButton> m_cancel; // ends the wait; of the strip or of the window
+    QPointer<QWidget> m_modalBefore;    // modal window when the breath began
 };
 
 } // namespace fieldcore

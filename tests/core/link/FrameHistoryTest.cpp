@@ -1,0 +1,77 @@
+#include "core/link/FrameHistory.h"
+
+#include "core/platform/WholeFile.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <array>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+TEST(FrameHistory, KeepsTheLastAndForgetsTheOldest)
+{
+    FrameHistory history(SystemClock::Instance(), 3);
+    const auto observe = history.Observer();
+    for (std::uint8_t i = 1; i <= 5; ++i) {
+        observe(i % 2 == 0 ? Direction::Received : Direction::Sent,
+                std::vector<std::uint8_t>(i, i));
+    }
+    const auto kept = history.After(0);
+    ASSERT_EQ(kept.size(), 3U);
+    EXPECT_EQ(kept.front().number, 3U);
+    EXPECT_EQ(kept.front().bytes, std::vector<std::uint8_t>(3, 3)) << "memory of an older frame";
+    EXPECT_EQ(kept.back().direction, Direction::Sent);
+    EXPECT_EQ(history.After(4).size(), 1U);
+    EXPECT_TRUE(history.After(5).empty());
+    history.Clear();
+    observe(Direction::Sent, kept.front().bytes);
+    ASSERT_EQ(history.After(0).size(), 1U);
+    EXPECT_EQ(history.After(5).front().number, 6U) << "numbers start anew under a reader's feet";
+}
+
+TEST(FrameHistory, TakesFromOneThreadWhatAnotherReads)
+{
+    FrameHistory history;
+    constexpr std::uint64_t kFrames = 25000;
+    std::thread writer([&] {
+        const std::array<std::uint8_t, 6> frame{0x02, 0x00, 0x08, 0x00, 0x08, 0x03};
+        for (std::uint64_t i = 0; i < kFrames; ++i) {
+            history.Add(Direction::Sent, frame);
+        }
+    });
+    std::uint64_t last = 0;
+    while (last < kFrames) {
+        const auto frames = history.After(last);
+        EXPECT_LE(frames.size(), FrameHistory::kCapacity);
+        for (const ExchangedFrame& frame : frames) {
+            ASSERT_GT(frame.number, last);
+            last = frame.number;
+        }
+    }
+    writer.join();
+    EXPECT_EQ(history.After(0).size(), FrameHistory::kCapacity);
+}
+
+TEST(FrameHistory, IsSavedAsAnExchangeLogOrNotAtAll)
+{
+    const TemporaryFolder folder;
+    FrameHistory history;
+    history.Add(Direction::Sent, std::array<std::uint8_t, 6>{2, 0, 8, 0, 8, 3});
+    history.Add(Direction::Received, std::array<std::uint8_t, 1>{0x15});
+    const auto file = folder.Write("exchange.log", "old");
+    ASSERT_FALSE(SaveFrameLog(file, history.After(0)));
+    const auto content = ReadWholeFile(file, 1000);
+    ASSERT_TRUE(content.has_value());
+    EXPECT_EQ(std::string(content->begin(), content->end()),
+              "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [15 ]\r\n");
+    EXPECT_TRUE(SaveFrameLog(folder.Path() / "no-folder/exchange.log", history.After(0)));
+    EXPECT_TRUE(SaveFrameLog(folder.Path(), history.After(0))) << "a folder was replaced";
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,242 @@
+#include "core/link/ReceiverLink.h"
+
+#include "core/link/Command.h"
+#include "core/link/Connect.h"
+#include "simulator/Simulator.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using enum LinkState;
+using simulator::Simulator;
+
+/// Time stands still until the test moves it, so that no answer comes too late.
+class HandClock : public Clock
+{
+public:
+    Duration now{};
+    [[nodiscard]] Duration Steady() const override { return now; }
+    [[nodiscard]] UtcTime Utc() const override { return {}; }
+    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
+    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
+};
+
+/// Agrees to everything, and does something in a breath.
+class AgreeingHost : public Host
+{
+public:
+    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
+    {
+        return BoxAnswer::Ok;
+    }
+    bool Breathe() override
+    {
+        if (onBreath) {
+            onBreath();
+        }
+        return !cancels;
+    }
+    std::function<void()> onBreath;
+    bool cancels = false;
+};
+
+/// Connects without the pauses that a clock would have to be moved for.
+class QuickConnect : public CConnect
+{
+public:
+    QuickConnect(CCommand& command, const ConnectTarget& target)
+        : CConnect(command, 0, target), m_command(command), m_path(target.devicePath)
+    {
+        SupportAllTypes();
+    }
+
+protected:
+    int RunSequence(ConnectSequence&) override { return m_command.OpenPort(m_path); }
+
+private:
+    CCommand& m_command;
+    const std::string m_path;
+};
+
+class ReceiverLinkTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string error;
+        ASSERT_TRUE(receiver.Start(error)) << error;
+        target.devicePath = receiver.PortPath();
+        link.SetObserver([this] {
+            if (seen.empty() || seen.back() != link.State()) {
+                seen.push_back(link.State());
+            }
+        });
+    }
+    int Connect()
+    {
+        QuickConnect connect(command, target);
+        return link.Connect(connect, target);
+    }
+    /// @return how many requests the receiver got
+    std::size_t TickAfter(Clock::Duration time)
+    {
+        const std::size_t before = receiver.RequestCount();
+        clock.now += time;
+        link.Tick();
+        return receiver.RequestCount() - before;
+    }
+    void AddFault(const char* text)
+    {
+        simulator::FaultRule rule;
+        std::string error;
+        ASSERT_TRUE(ParseFaultRule(text, rule, error)) << error;
+        receiver.AddFault(rule);
+    }
+
+    HandClock clock;
+    AgreeingHost host;
+    Simulator receiver{simulator::Scenario{}};
+    CCommand command{{&host, &clock, nullptr, nullptr}};
+    ReceiverLink link{command};
+    ConnectTarget target;
+    std::vector<LinkState> seen;
+};
+
+TEST_F(ReceiverLinkTest, AsksTheStatusEveryTwoSecondsAndKnowsItsAge)
+{
+    EXPECT_EQ(TickAfter(10s), 0U) << "asked without a connection";
+    ASSERT_EQ(Connect(), 1);
+    EXPECT_FALSE(link.StatusAge().has_value()) << "an age of nothing";
+    EXPECT_TRUE(link.IsStatusStale());
+    EXPECT_EQ(TickAfter(0s), 1U);
+    ASSERT_TRUE(link.Status().has_value());
+    EXPECT_GT(link.Status()->value.batteryPercent, 0);
+    EXPECT_EQ(TickAfter(1999ms), 0U);
+    EXPECT_EQ(link.StatusAge(), 1999ms);
+    EXPECT_EQ(TickAfter(1ms), 1U);
+    EXPECT_EQ(link.StatusAge(), 0s);
+    EXPECT_FALSE(link.IsStatusStale());
+    clock.now += 5s;
+    EXPECT_TRUE(link.IsStatusStale());
+    EXPECT_EQ(seen, (std::vector{Connecting, Connected}));
+}
+
+TEST_F(ReceiverLinkTest, KeepsOffTheChannelWhileOthersUseIt)
+{
+    ASSERT_EQ(Connect(), 1);
+    {
+        const ReceiverLink::Hold dialog(link);
+        const ReceiverLink::Hold question(link);
+        EXPECT_EQ(TickAfter(2s), 0U) << "asked over a dialog";
+    }
+    EXPECT_EQ(TickAfter(0s), 1U);
+    // A tick in a breath of somebody else's exchange, and of its own.
+    clock.now += 2s;
+    int breaths = 0;
+    host.onBreath = [&] {
+        ++breaths;
+        link.Tick();
+        EXPECT_EQ(link.Disconnect(), 0);
+        EXPECT_EQ(Connect(), 0);
+    };
+    AddFault("delay 120 count 2"); // longer than a breath
+    StatusReply status;
+    EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
+    EXPECT_EQ(TickAfter(0s), 1U);
+    EXPECT_GT(breaths, 0);
+    EXPECT_EQ(link.State(), Connected);
+}
+
+TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
+{
+    ASSERT_EQ(Connect(), 1);
+    TickAfter(0s);
+    receiver.HangUp();
+    TickAfter(2s);
+    EXPECT_EQ(link.State(), Lost);
+    EXPECT_EQ(command.IsPortOpen(), 0);
+    EXPECT_TRUE(link.IsStatusStale());
+    ASSERT_TRUE(link.Status().has_value()) << "the last values are still worth showing";
+    TickAfter(60s);
+    EXPECT_EQ(link.State(), Lost) << "tried a port that is not there";
+    EXPECT_EQ(link.UntilNextAttempt(), 0s);
+    ASSERT_TRUE(receiver.Plug());
+    {
+        const ReceiverLink::Hold dialog(link);
+        EXPECT_EQ(TickAfter(60s), 0U);
+    }
+    EXPECT_EQ(TickAfter(0s), 1U) << "must not wait once the cable is back";
+    EXPECT_EQ(link.State(), Connected);
+    EXPECT_EQ(link.StatusAge(), 0s);
+    EXPECT_EQ(seen, (std::vector{Connecting, Connected, Lost, Reconnecting, Connected}));
+}
+
+TEST_F(ReceiverLinkTest, TriesWithGrowingPausesWhileThePortIsThere)
+{
+    ASSERT_EQ(Connect(), 1);
+    AddFault("nak on 08");
+    // Missed questions come ever more slowly, until the link counts as lost.
+    EXPECT_EQ(TickAfter(0s), 1U);
+    EXPECT_EQ(TickAfter(3999ms), 0U);
+    EXPECT_EQ(TickAfter(1ms), 1U);
+    EXPECT_EQ(link.State(), Connected);
+    EXPECT_EQ(TickAfter(6s), 1U);
+    EXPECT_EQ(link.State(), Lost);
+    for (const auto pause : {2s, 4s, 6s, 8s, 10s, 10s}) {
+        EXPECT_EQ(link.UntilNextAttempt(), pause);
+        EXPECT_EQ(TickAfter(pause - 1ms), 0U) << pause.count();
+        EXPECT_EQ(TickAfter(1ms), 1U) << pause.count();
+    }
+    receiver.ClearFaults();
+    EXPECT_EQ(TickAfter(10s), 1U);
+    EXPECT_EQ(link.State(), Connected);
+    // One missed question is no loss, and is forgiven.
+    AddFault("nak on 08 count 1");
+    TickAfter(2s);
+    TickAfter(4s);
+    EXPECT_EQ(link.State(), Connected);
+    EXPECT_EQ(TickAfter(2s), 1U) << "the pauses stay long";
+}
+
+TEST_F(ReceiverLinkTest, OnlyALossBringsAttempts)
+{
+    ASSERT_EQ(Connect(), 1);
+    command.ClosePort(); // as a dialog does at its end
+    EXPECT_EQ(TickAfter(60s), 0U);
+    EXPECT_EQ(link.State(), NotConnected);
+
+    ASSERT_EQ(Connect(), 1);
+    EXPECT_EQ(link.Disconnect(), 1);
+    EXPECT_EQ(command.IsPortOpen(), 0);
+    EXPECT_EQ(TickAfter(60s), 0U);
+
+    // Who cancels an attempt wants no more of them.
+    ASSERT_EQ(Connect(), 1);
+    receiver.HangUp();
+    TickAfter(2s);
+    ASSERT_EQ(link.State(), Lost);
+    ASSERT_TRUE(receiver.Plug());
+    AddFault("drop");
+    host.cancels = true;
+    TickAfter(2s);
+    EXPECT_EQ(link.State(), NotConnected);
+    EXPECT_EQ(command.IsPortOpen(), 0);
+}
+
+TEST_F(ReceiverLinkTest, AReceiverThatIsNotAcceptableIsNotKept)
+{
+    AddFault("nak on 06");
+    EXPECT_EQ(Connect(), 0);
+    EXPECT_EQ(link.State(), NotConnected);
+    EXPECT_EQ(command.IsPortOpen(), 0);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,421 @@
+#include "ui/link/ConnectDlg.h"
+
+#include "core/link/Command.h"
+#include "core/platform/FastClock.h"
+#include "core/resources/StringTable.h"
+#include "simulator/Simulator.h"
+#include "tests/ui/link/Clicks.h"
+#include "ui/controls/BusyStrip.h"
+#include "ui/controls/QtHost.h"
+#include "ui/controls/Theme.h"
+#include "ui/link/LinkMonitor.h"
+#include "ui/link/RecvForceInitDlg.h"
+
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QRandomGenerator>
+#include <QScrollArea>
+#include <QSignalSpy>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using simulator::Scenario;
+using simulator::Simulator;
+
+constexpr int kInfo = text::kMessageIconInformation;
+constexpr int kWarn = text::kMessageIconExclamation;
+constexpr int kAsk = text::kMessageIconQuestion;
+constexpr int kStop = text::kMessageIconStop;
+const std::vector<int> kCancelOk{text::kButtonCancel, text::kButtonOk};
+
+ExpectedBox Cable(int click)
+{
+    return {L"ケーブルを接続してください", L"ケーブル接続確認", kInfo, kCancelOk, click};
+}
+
+simulator::FaultRule Rule(const std::string& text)
+{
+    simulator::FaultRule rule;
+    std::string error;
+    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
+    return rule;
+}
+
+class ConnectDlgTest : public ::testing::Test
+{
+protected:
+    ConnectDlgTest()
+    {
+        window.resize(480, 640);
+        window.show();
+        QApplication::setActiveWindow(&window);
+        command.SetHost(host);
+        target.settings.replyTimeout = 1000s; // 10 s on a watch: no busy machine comes too late
+    }
+    void Start(const Scenario& scenario)
+    {
+        receiver = std::make_unique<Simulator>(scenario, clock);
+        std::string error;
+        ASSERT_TRUE(receiver->Start(error)) << error;
+        target.devicePath = receiver->PortPath();
+    }
+    void StartShipped(const std::string& name)
+    {
+        std::string error;
+        const std::optional<Scenario> scenario = simulator::LoadScenario(name, error);
+        ASSERT_TRUE(scenario.has_value()) << error;
+        Start(*scenario);
+    }
+
+    FastClock clock{100.0};
+    QWidget window;
+    QtHost host{{.isQ77 = false, .clock = &clock}};
+    std::unique_ptr<Simulator> receiver;
+    CCommand command{{nullptr, &clock, nullptr, nullptr}};
+    ConnectTarget target;
+};
+
+TEST_F(ConnectDlgTest, AsksAndConnectsByClicks)
+{
+    const std::wstring power = L"受信機の電源を入れてください。\nBluetoothで通信を行います。";
+    const std::wstring lost = L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？";
+    const std::vector<int> cancelRetry{text::kButtonCancel, text::kButtonRetry};
+    struct Row
+    {
+        const char* course;
+        int port;
+        int reconnect;
+        ExpectedBox box;
+        int result;
+    };
+    using enum CConnect::Result;
+    const Row rows[] = {
+        {"cable", 1, 0, Cable(text::kButtonOk), Connected},
+        {"Enter goes on", 1, 1, Cable(0), Connected},
+        {"no cable", 1, 0, Cable(text::kButtonCancel), NotConnected},
+        {"Bluetooth",
+         5,
+         0,
+         {power, L"受信機電源確認", kInfo, kCancelOk, text::kButtonOk},
+         Connected},
+        {"Bluetooth back",
+         5,
+         1,
+         {lost, L"通信エラー検出", kAsk, cancelRetry, text::kButtonRetry},
+         Connected},
+        {"Bluetooth given up",
+         5,
+         1,
+         {lost, L"通信エラー検出", kAsk, cancelRetry, text::kButtonCancel},
+         NotConnected},
+    };
+    StartShipped("lark");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        target.port = row.port;
+        Surveyor surveyor;
+        surveyor.boxes = {row.box};
+        int mostDone = 0;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            mostDone = std::max(mostDone, dialog.findChild<QProgressBar*>()->value());
+            EXPECT_EQ(window.findChild<BusyStrip*>(), nullptr) << "two Cancel buttons";
+            EXPECT_EQ(dialog.findChild<BusyStrip*>(), nullptr) << "two Cancel buttons";
+        };
+        ConnectDlg dialog(command, row.reconnect, target, &window);
+        EXPECT_EQ(dialog.DoModal(), row.result);
+        EXPECT_EQ(command.IsPortOpen() == 1, row.result == Connected);
+        EXPECT_EQ(mostDone > 2, row.result == Connected) << "nothing was seen of it";
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "the dialog is left behind";
+        command.ClosePort();
+    }
+}
+
+TEST_F(ConnectDlgTest, WarnsOfReceiversByClicks)
+{
+    const std::vector<int> ok{text::kButtonOk};
+    struct Row
+    {
+        const char* scenario;
+        bool flagged;
+        std::vector<ExpectedBox> boxes;
+        int accepted;
+    };
+    const Row rows[] = {
+        {"lark", true, {}, 1},
+        {"lark",
+         false,
+         {{L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。",
+           L"未対応受信機タイプ警告", kWarn, ok, text::kButtonOk}},
+         0},
+        {"unsupported",
+         true,
+         {{L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。", L"未対応受信機タイプ警告",
+           kWarn, ok, text::kButtonOk}},
+         0},
+        {"old-firmware",
+         true,
+         {{L"[ 3020 ]受信機対応ファームウェアは[ 2.03 ]以上です。\n[ 2.03 "
+           L"]未満の受信機ファームウェアへのサポートは行っておりません。"
+           L"\nファームウェアをバージョンアップしてください。",
+           L"受信機未対応バージョン警告", kWarn, ok, text::kButtonOk}},
+         0},
+        {"beta-firmware",
+         true,
+         {{L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\nバージョンアップし"
+           L"てから行ってください。",
+           L"受信機未対応バージョン警告", kWarn, ok, text::kButtonOk}},
+         1},
+        {"silent",
+         true,
+         {{L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 "
+           L"]などが出力されています。\n出力信号を停止させ、再度指定ポートへ接続してください。",
+           L"通信ポート接続エラー", kStop, ok, text::kButtonOk}},
+         0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.scenario);
+        StartShipped(row.scenario);
+        PortSettings settings = target.settings;
+        if (std::string_view(row.scenario) == "silent") {
+            settings.replyTimeout = 2s; // here the time-out is waited for
+        }
+        ASSERT_EQ(command.OpenPort(target.devicePath, settings), 1);
+        Surveyor surveyor;
+        surveyor.boxes = row.boxes;
+        ConnectDlg dialog(command, 0, target, &window);
+        if (row.flagged) {
+            dialog.SupportAllTypes();
+        }
+        EXPECT_EQ(dialog.CheckRecvType(), row.accepted);
+        command.ClosePort();
+    }
+}
+
+TEST_F(ConnectDlgTest, AFailureShowsStepCauseAndDetail)
+{
+    struct Row
+    {
+        const char* fault;
+        const char* step;
+        const char* cause;
+        const char* detail;
+    };
+    const Row rows[] = {
+        {"nak on 4A", "受信機の機能を確認しています", "受け付けませんでした", "0x4A"},
+        {"wrong-type on 06 skip 1", "シリアル番号を確認しています", "予期しない応答", "0x06"},
+        {"hang-up on 4A skip 3", "受信機の機能を確認しています", "切断されました", "link is gone"},
+        {"", "通信ポートを開いています", "取り外されています", "no-such-port"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Scenario scenario;
+        const std::string fault = row.fault;
+        if (fault.empty()) {
+            target.devicePath = "/dev/no-such-port";
+        } else {
+            scenario.faults = {Rule(fault)};
+            Start(scenario);
+        }
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        bool told = false;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            if (!dialog.CloseButton()->isVisible() || std::exchange(told, true)) {
+                return;
+            }
+            const QString message = dialog.accessibleDescription();
+            EXPECT_TRUE(message.contains(QString::fromUtf8(row.step))) << message.toStdString();
+            EXPECT_TRUE(message.contains(QString::fromUtf8(row.cause))) << message.toStdString();
+            EXPECT_EQ(dialog.windowTitle(), QStringLiteral("受信機接続エラー"));
+            EXPECT_TRUE(dialog.CloseButton()->isDefault());
+            EXPECT_FALSE(dialog.CancelButton()->isVisible());
+            EXPECT_EQ(command.IsPortOpen(), 0);
+            auto* const detail = dialog.findChild<QPlainTextEdit*>();
+            EXPECT_FALSE(detail->isVisible());
+            QTest::mouseClick(dialog.DetailButton(), Qt::LeftButton);
+            EXPECT_TRUE(detail->isVisible());
+            EXPECT_TRUE(detail->toPlainText().contains(QString::fromUtf8(row.detail)))
+                << detail->toPlainText().toStdString();
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        };
+        ConnectDlg dialog(command, 0, target, &window);
+        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+        EXPECT_TRUE(told);
+    }
+}
+
+TEST_F(ConnectDlgTest, CancelsInEachStep)
+{
+    struct Row
+    {
+        const char* fault; // keeps the step waiting
+        int step;
+        bool byEscape;
+    };
+    for (const Row& row :
+         {Row{"drop", 1, false}, Row{"drop on 08 skip 1", 2, true}, Row{"drop on 4A", 3, false},
+          Row{"drop on 06", 4, true}, Row{"drop on 06 skip 3", 4, false}}) {
+        SCOPED_TRACE(row.fault);
+        Scenario scenario;
+        scenario.faults = {Rule(row.fault)};
+        Start(scenario);
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        bool cancelled = false;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            EXPECT_FALSE(dialog.CloseButton()->isVisible()) << "cancelling is no failure";
+            const auto steps = receiver->RequestCount();
+            const bool isHere = dialog.IsRunning(static_cast<ConnectStep>(row.step)) &&
+                                (row.fault != std::string_view("drop on 06 skip 3") || steps == 10);
+            if (!isHere || std::exchange(cancelled, true)) {
+                return;
+            }
+            if (row.byEscape) {
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+            } else {
+                QTest::mouseClick(dialog.CancelButton(), Qt::LeftButton);
+            }
+        };
+        ConnectDlg dialog(command, 0, target, &window);
+        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+        EXPECT_TRUE(cancelled);
+        EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
+        EXPECT_EQ(command.IsPortOpen(), 0);
+    }
+}
+
+/// Nothing but clicks on what says so may reset a receiver.
+TEST_F(ConnectDlgTest, ForceInitNeedsTwoClicks)
+{
+    const std::wstring caption = L"受信機強制初期化確認";
+    const auto first = [&](int click) {
+        return ExpectedBox{L"受信機設定を工場出荷状態へ戻しますか?",
+                           caption,
+                           kAsk,
+                           {text::kButtonYes, text::kButtonNo},
+                           click};
+    };
+    const auto second = [&](int click) {
+        return ExpectedBox{
+            L"本当に受信機設定を工場出荷状態へ戻してもよろしいですか？\n\n"
+            L"受信機強制初期化を実行すると、受信機内にある暦データ等全て初期化されます。\n"
+            L"再度GNSS観測を行う場合は、15分程度衛星を捕捉してください。",
+            caption,
+            kWarn,
+            {text::kButtonOk, text::kButtonCancel},
+            click};
+    };
+    const ExpectedBox done{
+        L"受信機設定を工場出荷状態へ戻しました。", L"", kInfo, {text::kButtonOk}, text::kButtonOk};
+    struct Row
+    {
+        const char* course;
+        std::vector<ExpectedBox> boxes;
+        int result;
+    };
+    const Row rows[] = {
+        {"Enter at the first question", {first(0)}, CRecvForceInit::NotDone},
+        {"Enter at the second", {first(text::kButtonYes), second(0)}, CRecvForceInit::NotDone},
+        {"both clicked",
+         {first(text::kButtonYes), second(text::kButtonOk), done},
+         CRecvForceInit::Done},
+    };
+    StartShipped("lark");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        surveyor.boxes.insert(surveyor.boxes.end(), row.boxes.begin(), row.boxes.end());
+        const std::size_t before = receiver->RequestCount();
+        RecvForceInitDlg dialog(command, target, &window);
+        EXPECT_EQ(dialog.DoModal(), row.result);
+        EXPECT_EQ(receiver->RequestCount() - before,
+                  row.result == CRecvForceInit::Done ? 11U : 10U);
+        EXPECT_EQ(command.IsPortOpen(), 0);
+    }
+}
+
+TEST_F(ConnectDlgTest, ComesBackAfterAnUnplug)
+{
+    StartShipped("lark");
+    ReceiverLink link(command);
+    LinkMonitor monitor(link);
+    const QSignalSpy changed(&monitor, &LinkMonitor::Changed);
+    {
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        ConnectDlg dialog(command, 0, target, &window);
+        dialog.SupportAllTypes();
+        ASSERT_EQ(link.Connect(dialog, target), 1);
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link.Status().has_value(); }, 30000));
+    receiver->HangUp();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Lost; }, 30000));
+    ASSERT_TRUE(receiver->Plug());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Connected; }, 30000));
+    EXPECT_GE(changed.count(), 5);
+}
+
+/// A thousand things that hands in gloves do, in an order that nobody thought of.
+TEST_F(ConnectDlgTest, StandsAThousandRandomEvents)
+{
+    Scenario scenario;
+    scenario.faults = {Rule("nak every 7"), Rule("delay 5000 every 5")};
+    Start(scenario);
+    QRandomGenerator random(20240229);
+    int events = 0;
+    QTimer hands;
+    const auto act = [&] {
+        QWidget* const front = QApplication::activeModalWidget();
+        if (front == nullptr) {
+            return;
+        }
+        ++events;
+        constexpr Qt::Key kKeys[] = {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Space,
+                                     Qt::Key_Down,   Qt::Key_F1,     Qt::Key_C,   Qt::Key_Backtab};
+        switch (random.bounded(3)) {
+        case 0:
+            QTest::keyClick(front, kKeys[random.bounded(8)],
+                            random.bounded(4) == 0 ? Qt::AltModifier : Qt::NoModifier);
+            break;
+        case 1:
+            QTest::mouseClick(front, Qt::LeftButton, {},
+                              {random.bounded(front->width()), random.bounded(front->height())});
+            break;
+        default:
+            if (const auto buttons = front->findChildren<QPushButton*>(); !buttons.isEmpty()) {
+                QTest::mouseClick(buttons[random.bounded(buttons.size())], Qt::LeftButton);
+            }
+        }
+    };
+    QObject::connect(&hands, &QTimer::timeout, &hands, act);
+    hands.start(0);
+    int runs = 0;
+    while (events < 1000 && runs < 1000) {
+        ++runs;
+        if (runs % 2 == 0) {
+            RecvForceInitDlg dialog(command, target, &window);
+            dialog.DoModal();
+            EXPECT_EQ(command.IsPortOpen(), 0);
+        } else {
+            ConnectDlg dialog(command, 0, target, &window);
+            const int result = dialog.DoModal();
+            EXPECT_EQ(command.IsPortOpen() == 1, result == CConnect::Connected);
+        }
+        ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
+        ASSERT_FALSE(command.IsBusy());
+        command.ClosePort();
+    }
+    EXPECT_GE(events, 1000) << runs;
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,280 @@
+#include "ui/link/PortChooserDlg.h"
+
+#include "simulator/Scenario.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/controls/Pictures.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<ScenarioChoice> Scenarios()
+{
+    std::vector<ScenarioChoice> scenarios;
+    for (const auto& [name, title] : simulator::ShippedScenarios()) {
+        scenarios.push_back({name, QString::fromStdString(title)});
+    }
+    return scenarios;
+}
+
+/// A made-up machine whose adapters come and go; no device of the real one is looked at.
+class PortChooserTest : public ::testing::Test
+{
+protected:
+    [[nodiscard]] SystemRoots Roots() const
+    {
+        return {machine.Path() / "dev", machine.Path() / "sys", machine.Path() / "proc"};
+    }
+    void Plug(const std::string& name, const std::string& product) const
+    {
+        const fs::path usb = "sys/devices/" + name;
+        machine.Write(usb / "idVendor", "1234\n");
+        machine.Write(usb / "product", product + "\n");
+        machine.Link(usb / "driver", "some-driver");
+        machine.Write(usb / "some-driver/name", "");
+        machine.Link(usb / "tty" / name / "device", "../..");
+        machine.Link("sys/class/tty/" + name, fs::path("../../devices") / name / "tty" / name);
+        machine.Write("dev/" + name, "");
+    }
+    void Unplug(const std::string& name) const
+    {
+        fs::remove(machine.Path() / "sys/class/tty" / name);
+        fs::remove_all(machine.Path() / "sys/devices" / name);
+        fs::remove(machine.Path() / "dev" / name);
+    }
+    [[nodiscard]] std::string Device(const std::string& name) const
+    {
+        return (machine.Path() / "dev" / name).string();
+    }
+    void Show(const ConnectChoice& choice)
+    {
+        window.resize(480, 640);
+        window.show();
+        dialog = std::make_unique<PortChooserDlg>(PortNames(Roots()), Scenarios(), choice, Roots(),
+                                                  &window);
+        dialog->show();
+        QApplication::setActiveWindow(dialog.get());
+    }
+    template <typename Control>
+    [[nodiscard]] Control* Find(int textId) const
+    {
+        for (Control* const control : dialog->findChildren<Control*>()) {
+            if (control->accessibleName() == UiText(textId).remove(QLatin1Char('&'))) {
+                return control;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] QListWidget* List() const { return Find<QListWidget>(text::kPortList); }
+    [[nodiscard]] QLineEdit* Name() const { return Find<QLineEdit>(text::kPortName); }
+    [[nodiscard]] QPushButton* Connect() const
+    {
+        for (QPushButton* const button : dialog->findChildren<QPushButton*>()) {
+            if (button->isDefault()) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+    void Type(const QString& name) const
+    {
+        Name()->setFocus();
+        Name()->selectAll();
+        QTest::keyClicks(Name(), name);
+    }
+    void ClickRow(int row) const
+    {
+        const QRect place = List()->visualItemRect(List()->item(row));
+        EXPECT_GE(place.height(), 44);
+        QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, place.center());
+    }
+
+    TemporaryFolder machine;
+    QWidget window;
+    std::unique_ptr<PortChooserDlg> dialog;
+};
+
+TEST_F(PortChooserTest, ShowsPortsThatComeAndGo)
+{
+    Show({});
+    EXPECT_EQ(List()->count(), 1) << "the simulator alone";
+    Plug("ttyUSB0", "Field Cable");
+    Plug("ttyUSB1", "Long Cable");
+    dialog->Chooser()->Refresh();
+    ASSERT_EQ(List()->count(), 3);
+    EXPECT_TRUE(List()->item(0)->text().contains(QStringLiteral("Field Cable")));
+    ClickRow(1);
+    EXPECT_EQ(dialog->Chooser()->Choice()->port, Device("ttyUSB1"));
+    // The one above goes: the choice stays, also as a row.
+    Unplug("ttyUSB0");
+    dialog->Chooser()->Refresh();
+    EXPECT_EQ(List()->currentRow(), 0);
+    EXPECT_EQ(dialog->Chooser()->Choice()->port, Device("ttyUSB1"));
+    // The chosen one goes and comes back.
+    Unplug("ttyUSB1");
+    dialog->Chooser()->Refresh();
+    EXPECT_EQ(List()->currentRow(), -1) << "another one was chosen";
+    EXPECT_EQ(dialog->Chooser()->Choice()->port, Device("ttyUSB1"));
+    Plug("ttyUSB1", "Long Cable");
+    dialog->Chooser()->Refresh();
+    EXPECT_EQ(List()->currentRow(), 0);
+    // Seen by itself, without being told.
+    Unplug("ttyUSB1");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return List()->count() == 1; }, 30000));
+}
+
+TEST_F(PortChooserTest, TakesWhatIsTypedAndSaysWhatIsWrong)
+{
+    Show({"COM3", 9600});
+    struct Row
+    {
+        const char* typed;
+        bool isPort;
+        bool isSimulator;
+    };
+    for (const Row& row :
+         {Row{"/dev/any where", true, false}, Row{"com7:", true, false}, Row{"COM0", false, false},
+          Row{"receiver", false, false}, Row{"sim:pica", true, true}, Row{" sim: ", true, true}}) {
+        SCOPED_TRACE(row.typed);
+        Type(QString::fromLatin1(row.typed));
+        EXPECT_EQ(Connect()->isEnabled(), row.isPort);
+        bool complains = false;
+        for (const QLabel* const label : dialog->findChildren<QLabel*>()) {
+            complains |= label->isVisible() && label->text() == UiText(text::kPortNameFault);
+        }
+        EXPECT_EQ(complains, !row.isPort);
+        EXPECT_EQ(Find<QComboBox>(text::kPortScenario)->isVisible(), row.isSimulator);
+        EXPECT_EQ(List()->currentRow(), row.isSimulator ? 0 : -1);
+    }
+    Type(QStringLiteral("nonsense"));
+    QTest::keyClick(Name(), Qt::Key_Return);
+    EXPECT_TRUE(dialog->isVisible()) << "left with a name that is none";
+}
+
+TEST_F(PortChooserTest, GivesTheChoiceBackAsItCame)
+{
+    Plug("ttyUSB0", "Field Cable");
+    const ConnectChoice last{"sim:noisy-line", 115200};
+    Show(last);
+    auto* const scenario = Find<QComboBox>(text::kPortScenario);
+    EXPECT_TRUE(scenario->currentText().startsWith(QStringLiteral("noisy-line")));
+    EXPECT_EQ(dialog->Chooser()->Choice(), last);
+    // The scenario by keys, then the rate, then Enter.
+    scenario->setFocus();
+    QTest::keyClick(scenario, Qt::Key_Home);
+    EXPECT_EQ(dialog->Chooser()->Choice()->port, "sim:");
+    auto* const rate = Find<QComboBox>(text::kPortBaudRate);
+    rate->setFocus();
+    QTest::keyClick(rate, Qt::Key_Up);
+    Name()->setFocus();
+    QTest::keyClick(Name(), Qt::Key_Return);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->result(), Dialog::kOk);
+    EXPECT_EQ(dialog->Choice(), (ConnectChoice{"sim:", 57600}));
+}
+
+TEST_F(PortChooserTest, StandsAThousandRandomEvents)
+{
+    Plug("ttyUSB0", "Field Cable");
+    Show({});
+    QRandomGenerator random(20240229);
+    for (int i = 0; i < 1000; ++i) {
+        if (!dialog->isVisible()) {
+            dialog->show();
+        }
+        QWidget* const focus = dialog->focusWidget();
+        switch (random.bounded(5)) {
+        case 0:
+            QTest::keyClick(focus != nullptr ? focus : dialog.get(),
+                            static_cast<char>(random.bounded(0x20, 0x7F)));
+            break;
+        case 1: {
+            constexpr Qt::Key kKeys[] = {Qt::Key_Return, Qt::Key_Tab,  Qt::Key_Down,
+                                         Qt::Key_Up,     Qt::Key_Home, Qt::Key_Backspace};
+            QTest::keyClick(focus != nullptr ? focus : dialog.get(), kKeys[random.bounded(6)]);
+            break;
+        }
+        case 2:
+            List()->setFocus();
+            QTest::mouseClick(List()->viewport(), Qt::LeftButton, {},
+                              {random.bounded(400), random.bounded(300)});
+            break;
+        case 3:
+            if (fs::exists(Device("ttyUSB0"))) {
+                Unplug("ttyUSB0");
+            } else {
+                Plug("ttyUSB0", "Field Cable");
+            }
+            break;
+        default:
+            dialog->Chooser()->Refresh();
+        }
+    }
+    dialog->Chooser()->Refresh();
+    EXPECT_EQ(List()->count(), fs::exists(Device("ttyUSB0")) ? 2 : 1);
+    Type(QStringLiteral("COM1"));
+    EXPECT_EQ(dialog->Chooser()->Choice()->port, "COM1");
+}
+
+TEST_F(PortChooserTest, CutsNothingOff)
+{
+    Plug("ttyUSB0", "A Field Cable with a Name That Is Longer than Any Name Should Be");
+    Plug("ttyUSB1", "Long Cable");
+    const QFont before = QApplication::font();
+    for (const int size : {16, 21}) { // and 30 % above
+        QFont font = before;
+        font.setPixelSize(size);
+        QApplication::setFont(font);
+        Show({"sim:old-firmware", 38400});
+        QCoreApplication::processEvents();
+        EXPECT_LE(dialog->width(), 480);
+        EXPECT_LE(dialog->height(), 640);
+        EXPECT_TRUE(dialog->rect().contains(Connect()->geometry()));
+        EXPECT_LE(dialog->Chooser()->minimumSizeHint().width(), dialog->width() - 24);
+        for (QWidget* const control : dialog->findChildren<QWidget*>()) {
+            if (qobject_cast<QPushButton*>(control) != nullptr ||
+                qobject_cast<QComboBox*>(control) != nullptr ||
+                qobject_cast<QLineEdit*>(control) != nullptr) {
+                EXPECT_GE(control->height(), 44) << control->metaObject()->className();
+                EXPECT_FALSE(control->accessibleName().isEmpty() && control->inherits("QComboBox"));
+            }
+        }
+        KeepPicture(*dialog, QStringLiteral("ports-480-%1").arg(size));
+    }
+    QApplication::setFont(before);
+    for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
+        Theme::Use(theme);
+        const QString name =
+            theme == Theme::Kind::Dark ? QStringLiteral("dark") : QStringLiteral("daylight");
+        Show({"sim:old-firmware", 38400});
+        KeepPicture(*dialog, QStringLiteral("ports-480-") + name);
+        Type(QStringLiteral("receiver"));
+        KeepPicture(*dialog, QStringLiteral("ports-480-wrong-") + name);
+        dialog->resize(800, 800);
+        window.resize(1280, 800);
+        KeepPicture(*dialog, QStringLiteral("ports-1280-") + name);
+    }
+    Theme::Use(Theme::Kind::Daylight);
+}
+
+} // namespace
+} // namespace fieldcore

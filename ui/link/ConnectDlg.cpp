@@ -1,0 +1,61 @@
+#include "ui/link/ConnectDlg.h"
+
+#include "core/link/Command.h"
+#include "core/link/PortChoices.h"
+#include "core/platform/PortReport.h"
+#include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
+#include "ui/controls/UiText.h"
+
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+std::wstring PortWords(const ConnectTarget& target)
+{
+    return target.devicePath.empty() ? L"COM" + std::to_wstring(target.port)
+                                     : FromUtf8(target.devicePath);
+}
+
+} // namespace
+
+ConnectDlg::ConnectDlg(CCommand& command, int reconnect, ConnectTarget target, QWidget* parent)
+    : CConnect(command, reconnect, target), m_command(command), m_target(std::move(target)),
+      m_parent(parent)
+{}
+
+int ConnectDlg::RunSequence(ConnectSequence& sequence)
+{
+    const QString target = ToQt(FormatText(text::kConnectingTarget, PortWords(m_target).c_str(),
+                                           static_cast<long>(m_target.settings.baudRate)));
+    m_progress = std::make_unique<ConnectProgressDlg>(target, m_command.GetClock(), m_parent);
+    m_progress->Begin();
+    const int connected = sequence.Run(m_progress.get());
+    const bool isOver = connected == 1 || sequence.FailedFault() == CommandFault::Cancelled;
+    if (isOver) {
+        m_progress.reset();
+    }
+    return connected;
+}
+
+void ConnectDlg::ShowFailure(const ConnectSequence& sequence)
+{
+    std::wstring message = sequence.FailureMessage();
+    std::string detail = sequence.FailureDetail();
+    if (sequence.FailedFault() == CommandFault::OpenFailed && !m_target.devicePath.empty()) {
+        const PortReport report = ReportPort(m_target.devicePath, m_command.SystemError());
+        if (report.trouble != PortTrouble::None) {
+            message =
+                FormatText(text::kFailedPortState, message.c_str(), PortStateText(report.trouble));
+        }
+        detail += "\n" + report.text + (report.command.empty() ? "" : "\n" + report.command);
+    }
+    m_progress->ShowFailure(
+        ToQt(message),
+        ToQt(FormatText(text::kDetailHead, PortWords(m_target).c_str(), FromUtf8(detail).c_str())));
+    m_progress.reset();
+}
+
+} // namespace fieldcore

@@ -1,0 +1,320 @@
+#include "ui/link/ConnectProgressDlg.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/QtHost.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+constexpr int kIconSize = 3 * kGrid;
+constexpr int kElapsedTimer = 1;
+constexpr int kElapsedInterval = 200; // ms
+constexpr double kLarge = 1.25;       // of the usual text
+
+QLabel* Wrapping(const QString& text = {})
+{
+    auto* const label = new QLabel(text);
+    label->setWordWrap(true);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+QFont LargeFont(const QFont& usual)
+{
+    QFont font = usual;
+    font.setBold(true);
+    font.setPixelSize(qRound(QFontInfo(usual).pixelSize() * kLarge));
+    return font;
+}
+
+void Colour(QLabel* label, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+}
+
+QPushButton* Button(int textId)
+{
+    auto* const button = new QPushButton(UiText(textId));
+    button->setMinimumSize(15 * kGrid, 6 * kGrid);
+    return button;
+}
+
+} // namespace
+
+ConnectProgressDlg::ConnectProgressDlg(const QString& target, const Clock& clock, QWidget* parent)
+    : Dialog(parent), m_clock(clock), m_heading(Wrapping(UiText(text::kConnectingTitle))),
+      m_current(Wrapping()), m_progress(new QProgressBar), m_elapsed(new QLabel),
+      m_hint(Wrapping(UiText(text::kConnectingHint))), m_message(Wrapping()),
+      m_detail(new QPlainTextEdit), m_scroll(new QScrollArea), m_cancel(Button(text::kConnectStop)),
+      m_showDetail(Button(text::kDetailShow)), m_close(Button(text::kButtonClose))
+{
+    // The caption stands in the dialog: a controller shows no title bars.
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
+    setModal(true);
+    setWindowTitle(UiText(text::kConnectingTitle));
+    setAccessibleName(UiText(text::kConnectingTitle));
+    Build(target);
+    QtHost::UseForCancel(m_cancel);
+    m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
+    connect(m_cancel, &QPushButton::clicked, this,
+            [this] { m_current->setText(UiText(text::kConnectStopping)); });
+    m_showDetail->setCheckable(true);
+    m_showDetail->setAutoDefault(false);
+    connect(m_showDetail, &QPushButton::toggled, this, &ConnectProgressDlg::ShowDetail);
+    connect(m_close, &QPushButton::clicked, this, [this] { Close(kOk); });
+}
+
+ConnectProgressDlg::~ConnectProgressDlg()
+{
+    Destroy();
+}
+
+void ConnectProgressDlg::Build(const QString& target)
+{
+    m_heading->setFont(LargeFont(font()));
+    QLabel* const where = Wrapping(target);
+    Colour(where, Theme::Current().second);
+    Colour(m_hint, Theme::Current().second);
+    QFont bold = font();
+    bold.setBold(true);
+    m_current->setFont(bold);
+    m_progress->setTextVisible(false);
+    m_progress->setAccessibleName(UiText(text::kConnectingProgress));
+    m_detail->setReadOnly(true);
+    m_detail->setAccessibleName(UiText(text::kDetailName));
+    m_detail->setTabChangesFocus(true);
+    m_detail->setMinimumHeight(5 * fontMetrics().lineSpacing());
+
+    auto* const steps = new QGridLayout;
+    steps->setHorizontalSpacing(kGrid);
+    steps->setVerticalSpacing(kGrid);
+    steps->setColumnStretch(1, 1);
+    for (int i = 0; i < kSteps; ++i) {
+        Row& row = m_rows[static_cast<std::size_t>(i)];
+        row = {new QLabel, Wrapping(UiText(text::kStepNameOpenPort + i)), new QLabel};
+        row.icon->setFixedSize(kIconSize, kIconSize);
+        steps->addWidget(row.icon, i, 0, Qt::AlignTop);
+        steps->addWidget(row.name, i, 1);
+        steps->addWidget(row.state, i, 2, Qt::AlignRight | Qt::AlignTop);
+        ShowRow(row, RowState::Waiting);
+    }
+    auto* const inner = new QWidget;
+    auto* const words = new QVBoxLayout(inner);
+    words->setContentsMargins({});
+    words->setSpacing(kGrid);
+    words->addWidget(m_message);
+    words->addLayout(steps);
+    words->addWidget(m_detail);
+    words->addStretch(1);
+    m_scroll->setWidget(inner);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+
+    auto* const far = new QHBoxLayout;
+    far->addWidget(m_hint, 1);
+    far->addWidget(m_elapsed, 0, Qt::AlignRight | Qt::AlignTop);
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(kGrid);
+    buttons->addWidget(m_showDetail);
+    buttons->addStretch(1);
+    buttons->addWidget(m_cancel);
+    buttons->addWidget(m_close);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
+    layout->setSpacing(kGrid);
+    layout->addWidget(m_heading);
+    layout->addWidget(where);
+    layout->addSpacing(kGrid);
+    layout->addWidget(m_scroll, 1);
+    layout->addSpacing(kGrid);
+    layout->addWidget(m_current);
+    layout->addWidget(m_progress);
+    layout->addLayout(far);
+    layout->addSpacing(kGrid);
+    layout->addLayout(buttons);
+    for (QWidget* const later :
+         std::initializer_list<QWidget*>{m_message, m_detail, m_showDetail, m_close}) {
+        later->hide();
+    }
+}
+
+bool ConnectProgressDlg::OnInitDialog()
+{
+    Place();
+    m_cancel->setFocus();
+    return false;
+}
+
+void ConnectProgressDlg::Begin()
+{
+    m_began = m_clock.Steady();
+    ShowElapsed();
+    show();
+    SetTimer(kElapsedTimer, kElapsedInterval);
+    // Opening a port takes its time without a breath; until then the dialog is to be seen.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void ConnectProgressDlg::OnStep(ConnectStep step, int done, int total)
+{
+    m_step = step;
+    m_progress->setRange(0, total);
+    m_progress->setValue(done);
+    m_current->setText(ToQt(StepText(step)) + QStringLiteral("　") +
+                       ToQt(FormatText(text::kConnectingCount, done, total)));
+    m_rows[static_cast<std::size_t>(step)].visited = true;
+    ShowRows(step, false);
+    ShowElapsed();
+}
+
+/// The last two steps take turns, so neither is done before both are.
+void ConnectProgressDlg::ShowRows(ConnectStep current, bool failed)
+{
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        Row& row = m_rows[i];
+        const auto step = static_cast<ConnectStep>(i);
+        RowState state = RowState::Waiting;
+        if (step == current) {
+            state = failed ? RowState::Failed : RowState::Running;
+        } else if (row.visited) {
+            state = step < ConnectStep::ReadOptions || failed ? RowState::Done : RowState::Running;
+        }
+        ShowRow(row, state);
+    }
+}
+
+void ConnectProgressDlg::ShowRow(Row& row, RowState state)
+{
+    const Theme& theme = Theme::Current();
+    struct Look
+    {
+        const char* icon;
+        int word;
+        QColor colour;
+    };
+    const Look looks[] = {{"", text::kStepWaiting, theme.second},
+                          {"refresh", text::kStepRunning, theme.accent},
+                          {"ok", text::kStepDone, theme.good},
+                          {"cancel", text::kStepFailed, theme.bad}};
+    const Look& look = looks[static_cast<std::size_t>(state)];
+    row.icon->setPixmap(state == RowState::Waiting
+                            ? QPixmap()
+                            : DrawIcon(QString::fromLatin1(look.icon), kIconSize,
+                                       devicePixelRatioF(), look.colour, look.colour));
+    row.state->setText(UiText(look.word));
+    Colour(row.state, look.colour);
+    Colour(row.name, state == RowState::Waiting ? theme.second : theme.text);
+}
+
+void ConnectProgressDlg::OnTimer(int id)
+{
+    if (id == kElapsedTimer) {
+        ShowElapsed();
+    }
+}
+
+void ConnectProgressDlg::ShowElapsed()
+{
+    const auto elapsed =
+        std::chrono::duration_cast<std::chrono::seconds>(m_clock.Steady() - m_began);
+    m_elapsed->setText(
+        ToQt(FormatText(text::kConnectingElapsed, static_cast<int>(elapsed.count()))));
+}
+
+void ConnectProgressDlg::ShowFailure(const QString& message, const QString& detail)
+{
+    KillTimer(kElapsedTimer);
+    m_failed = true;
+    ShowRows(m_step, true);
+    const QString caption = UiText(text::kConnectFailedCaption);
+    setWindowTitle(caption);
+    setAccessibleName(caption);
+    setAccessibleDescription(message);
+    m_heading->setText(caption);
+    Colour(m_heading, Theme::Current().bad);
+    m_message->setText(message);
+    m_detail->setPlainText(detail);
+    for (QWidget* const over :
+         std::initializer_list<QWidget*>{m_cancel, m_current, m_progress, m_hint, m_elapsed}) {
+        over->hide();
+    }
+    m_message->show();
+    m_showDetail->show();
+    m_close->show();
+    m_close->setDefault(true);
+    m_close->setFocus();
+    m_scroll->setFocusPolicy(Qt::StrongFocus);
+    Place();
+    DoModal();
+}
+
+void ConnectProgressDlg::ShowDetail(bool on)
+{
+    m_detail->setVisible(on);
+    Place();
+    if (on) {
+        QCoreApplication::sendPostedEvents(this, QEvent::LayoutRequest);
+        m_scroll->ensureWidgetVisible(m_detail);
+    }
+}
+
+/// As large as it has to be, in the middle of the window under it, and no larger than that.
+void ConnectProgressDlg::Place()
+{
+    const QWidget* const under = parentWidget() != nullptr ? parentWidget()->window() : nullptr;
+    const QSize room = (under != nullptr ? under->size() : screen()->availableSize()) -
+                       QSize(2 * kGrid, 2 * kGrid);
+    const int wanted = 30 * fontMetrics().horizontalAdvance(QChar(0x3042));
+    const int width = std::max(std::min(wanted, room.width()), layout()->minimumSize().width());
+    setFixedWidth(width);
+    QWidget* const inner = m_scroll->widget();
+    m_scroll->setMinimumHeight(0);
+    inner->layout()->activate();
+    layout()->activate();
+    const int content = inner->layout()->totalHeightForWidth(width - 4 * kGrid);
+    const int chrome = layout()->totalHeightForWidth(width) - m_scroll->sizeHint().height();
+    const int fits = std::max(room.height() - chrome, 3 * fontMetrics().lineSpacing());
+    m_scroll->setMinimumHeight(std::min(content, fits));
+    resize(width, chrome + std::min(content, fits));
+    if (under != nullptr) {
+        move(under->mapToGlobal(under->rect().center()) - rect().center());
+    }
+}
+
+void ConnectProgressDlg::paintEvent(QPaintEvent* event)
+{
+    Q_UNUSED(event)
+    // An edge, since there is no frame, and a band that shows a failure from afar.
+    QPainter painter(this);
+    const Theme& theme = Theme::Current();
+    painter.fillRect(rect(), theme.ground);
+    painter.setPen(theme.stale);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(0, 0, width(), kGrid / 2, m_failed ? theme.bad : theme.accent);
+}
+
+} // namespace fieldcore
