@@ -1,0 +1,133 @@
+#include "ui/controls/NMenuBar.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/BarButton.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QHBoxLayout>
+#include <QMenu>
+
+#include <algorithm>
+
+namespace fieldcore {
+
+CnMenuBar::CnMenuBar(int loadWay, QWidget* parent)
+    : QWidget(parent), m_loadWay(loadWay), m_row(new QHBoxLayout(this))
+{
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Button);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_row->setContentsMargins(0, 0, 0, 0);
+    m_row->setSpacing(0);
+    const int closes = loadWay != 0 ? text::kButtonEndProgram : text::kButtonClose;
+    auto* const close = new BarButton(UiText(closes), Qt::Key_Escape);
+    connect(close, &QAbstractButton::clicked, this, &CnMenuBar::CloseRequested);
+    m_row->addWidget(close);
+    m_close = close;
+}
+
+void CnMenuBar::HideClose()
+{
+    // Not only out of sight: its key belongs to the screen then.
+    delete m_close;
+    m_close = nullptr;
+}
+
+int CnMenuBar::AddPopup(const QString& text)
+{
+    const int index = static_cast<int>(m_popups.size());
+    if (index >= kMaxPopups) {
+        return -1;
+    }
+    auto* const button = new BarButton(text, static_cast<Qt::Key>(Qt::Key_F1 + index));
+    button->setCheckable(true); // as long as its popup is open
+    auto* const menu = new QMenu(this);
+    menu->setStyle(TouchStyle::Shared());
+    menu->setAccessibleName(button->accessibleName());
+    connect(button, &QAbstractButton::clicked, this, [this, index] { Open(index); });
+    connect(menu, &QMenu::aboutToHide, button, [button] { button->setChecked(false); });
+    m_row->insertWidget(index, button);
+    m_popups.append({button, menu});
+    return index;
+}
+
+void CnMenuBar::AddItem(int popup, int id, const QString& text)
+{
+    QMenu* const menu = Popup(popup);
+    if (menu == nullptr) {
+        return;
+    }
+    QAction* const item = menu->addAction(text);
+    connect(item, &QAction::triggered, this, [this, id] { Q_EMIT ItemChosen(id); });
+    m_items.insert(id, item);
+}
+
+void CnMenuBar::AddSeparator(int popup)
+{
+    if (QMenu* const menu = Popup(popup)) {
+        menu->addSeparator();
+    }
+}
+
+void CnMenuBar::EnableItem(int id, bool enabled)
+{
+    if (QAction* const item = m_items.value(id)) {
+        item->setEnabled(enabled);
+    }
+}
+
+void CnMenuBar::CheckRadioItem(int first, int last, int id)
+{
+    QActionGroup* group = nullptr;
+    for (int each = first; each <= last; ++each) {
+        QAction* const item = m_items.value(each);
+        if (item == nullptr) {
+            continue;
+        }
+        if (group == nullptr) {
+            group = item->actionGroup() != nullptr ? item->actionGroup() : new QActionGroup(this);
+        }
+        item->setCheckable(true);
+        item->setActionGroup(group);
+    }
+    if (QAction* const item = m_items.value(id); item != nullptr && item->actionGroup() == group) {
+        item->setChecked(true);
+    }
+}
+
+bool CnMenuBar::IsItemChecked(int id) const
+{
+    const QAction* const item = m_items.value(id);
+    return item != nullptr && item->isChecked();
+}
+
+QMenu* CnMenuBar::Popup(int popup) const
+{
+    return popup >= 0 && popup < m_popups.size() ? m_popups[popup].menu : nullptr;
+}
+
+void CnMenuBar::Open(int popup)
+{
+    const Entry& entry = m_popups[popup];
+    if (entry.menu->isEmpty()) {
+        entry.button->setChecked(false);
+        return;
+    }
+    entry.menu->setMinimumWidth(entry.button->width());
+    const QSize size = entry.menu->sizeHint();
+    // Upwards, and not beyond the right edge of the window.
+    QPoint corner = entry.button->mapTo(window(), QPoint(0, -size.height()));
+    corner.setX(std::max(0, std::min(corner.x(), window()->width() - size.width())));
+    entry.menu->popup(window()->mapToGlobal(corner));
+    for (QAction* const item : entry.menu->actions()) {
+        if (item->isEnabled() && !item->isSeparator()) {
+            entry.menu->setActiveAction(item); // for the keys
+            break;
+        }
+    }
+}
+
+} // namespace fieldcore
