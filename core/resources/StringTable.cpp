@@ -127,7 +127,7 @@ constexpr std::array kEntries{
     Entry{text::kPlotAlmanacOld, L"%.0f日前、更新してください"},
     Entry{text::kPlotWithCurtain, L"カーテンあり"},
     Entry{text::kPlotNoCurtain, L"カーテンなし"},
-    Entry{text::kPlotWindows, L"最適"},
+    Entry{text::kPlotWindows, L"最適時間帯"},
     Entry{text::kPlotNorth, L"北"},
     Entry{text::kPlotNorthEast, L"北東"},
     Entry{text::kPlotEast, L"東"},
