@@ -45,6 +45,25 @@ AlmanacMessage PlanSession::ReloadAlmanac()
                : AlmanacMessage{};
 }
 
+std::vector<AlmanacMessage> PlanSession::UpdateAlmanac(CCommand& command,
+                                                       const AlmanacStore::Progress& progress)
+{
+    const AlmanacResult result = AlmanacStore(m_folder).Update(command, progress);
+    if (result == AlmanacResult::Cancelled) {
+        return {};
+    }
+    std::vector<AlmanacMessage> messages{MessageOf(result)};
+    if (result == AlmanacResult::Done) {
+        const AlmanacMessage loaded = ReloadAlmanac();
+        if (!m_hasAlmanac) {
+            messages = {loaded};
+        } else if (loaded.text != 0) {
+            messages.push_back(loaded);
+        }
+    }
+    return messages;
+}
+
 CGPSTime PlanSession::AlmanacDate() const
 {
     return AlmanacTime(m_plan.Calc());
