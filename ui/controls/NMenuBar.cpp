@@ -50,6 +50,12 @@ int CnMenuBar::AddPopup(const QString& text)
     connect(button, &QAbstractButton::clicked, this, [this, index] { Open(index); });
     connect(menu, &QMenu::aboutToHide, button, [button] { button->setChecked(false); });
     m_row->insertWidget(index, button);
+    if (index > 0) {
+        setTabOrder(m_popups.back().button, button);
+    }
+    if (m_close != nullptr) {
+        setTabOrder(button, m_close);
+    }
     m_popups.append({button, menu});
     return index;
 }

@@ -3,6 +3,8 @@
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/MessageDlg.h"
+#include "ui/controls/PropertyPage.h"
+#include "ui/controls/PropertySheet.h"
 #include "ui/controls/UiText.h"
 
 #include <QApplication>
@@ -95,6 +97,11 @@ void QtHost::FocusControl(int controlId)
     }
     for (QWidget* around = control->parentWidget(); around != nullptr;
          around = around->parentWidget()) {
+        if (auto* const page = qobject_cast<PropertyPage*>(around); page != nullptr) {
+            if (page->Sheet() != nullptr && page->Sheet()->SetActivePage(page) == 0) {
+                return; // the page in front does not let go
+            }
+        }
         if (auto* const area = qobject_cast<QScrollArea*>(around)) {
             area->ensureWidgetVisible(control);
         }

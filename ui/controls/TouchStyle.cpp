@@ -5,9 +5,13 @@
 #include <QApplication>
 #include <QFont>
 #include <QFontDatabase>
+#include <QFormLayout>
+#include <QLabel>
+#include <QPainter>
 #include <QStyleOption>
 
 #include <algorithm>
+#include <array>
 
 namespace fieldcore {
 
@@ -36,6 +40,63 @@ bool IsTarget(QStyle::ContentsType type, const QStyleOption* option)
     default:
         return false;
     }
+}
+
+/// The edge of what is entered into. The base style makes it of the ground made darker, which
+/// nobody sees on a dark ground.
+void DrawEdge(QPainter& painter, const QRect& rect, const QStyleOption& option)
+{
+    const Theme& theme = Theme::Current();
+    const bool hasFocus = (option.state & QStyle::State_HasFocus) != 0;
+    painter.save();
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(hasFocus ? theme.accent : theme.stale, hasFocus ? 3.0 : 1.0));
+    const int inset = hasFocus ? 1 : 0;
+    painter.drawRect(rect.adjusted(inset, inset, -1 - inset, -1 - inset));
+    painter.restore();
+}
+
+void DrawIndicator(QPainter& painter, const QStyleOption& option, bool isRound)
+{
+    const Theme& theme = Theme::Current();
+    const bool isEnabled = (option.state & QStyle::State_Enabled) != 0;
+    const QRectF box = QRectF(option.rect).adjusted(2, 2, -2, -2);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(isEnabled ? theme.second : theme.stale, 2.0));
+    painter.setBrush(theme.ground);
+    isRound ? painter.drawEllipse(box) : painter.drawRect(box);
+    const QColor mark = isEnabled ? theme.accent : theme.stale;
+    if ((option.state & QStyle::State_On) != 0 && isRound) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(mark);
+        painter.drawEllipse(box.center(), box.width() / 4, box.height() / 4);
+    } else if ((option.state & QStyle::State_On) != 0) {
+        painter.setPen(QPen(mark, 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const auto at = [&box](double x, double y) {
+            return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
+        };
+        const std::array<QPointF, 3> tick{at(0.2, 0.5), at(0.42, 0.75), at(0.82, 0.25)};
+        painter.drawPolyline(tick.data(), static_cast<int>(tick.size()));
+    } else if ((option.state & QStyle::State_NoChange) != 0) {
+        painter.fillRect(box.adjusted(4, 4, -4, -4), mark);
+    }
+    painter.restore();
+}
+
+/// The field beside a label of a form; null if the widget is no such label.
+const QWidget* FieldOf(const QWidget* label)
+{
+    const QWidget* const parent = label->parentWidget();
+    const auto* form = parent != nullptr ? qobject_cast<QFormLayout*>(parent->layout()) : nullptr;
+    for (int row = 0; form != nullptr && row < form->rowCount(); ++row) {
+        const QLayoutItem* const item = form->itemAt(row, QFormLayout::LabelRole);
+        const QLayoutItem* const field = form->itemAt(row, QFormLayout::FieldRole);
+        if (item != nullptr && item->widget() == label && field != nullptr) {
+            return field->widget();
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -102,6 +163,9 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption* option
     QSize wanted = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (IsTarget(type, option)) {
         wanted.setHeight(std::max(wanted.height(), kTarget));
+        if (type == CT_MenuItem) { // the column of the check marks is wider than it counts on
+            wanted.rwidth() += 5 * kGrid;
+        }
     }
     return wanted;
 }
@@ -115,6 +179,47 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
         return 0;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+}
+
+void TouchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                               QPainter* painter, const QWidget* widget) const
+{
+    switch (element) {
+    case PE_FrameLineEdit:
+        DrawEdge(*painter, option->rect, *option);
+        break;
+    case PE_IndicatorCheckBox:
+        DrawIndicator(*painter, *option, false);
+        break;
+    case PE_IndicatorRadioButton:
+        DrawIndicator(*painter, *option, true);
+        break;
+    default:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        break;
+    }
+}
+
+void TouchStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control == CC_SpinBox || control == CC_ComboBox) {
+        DrawEdge(*painter, option->rect, *option);
+    }
+}
+
+void TouchStyle::polish(QWidget* widget)
+{
+    QProxyStyle::polish(widget);
+    // A form puts its labels near the upper edge of tall fields; as tall as those, they stand at
+    // the same height.
+    if (qobject_cast<QLabel*>(widget) != nullptr) {
+        const QWidget* const field = FieldOf(widget);
+        if (field != nullptr && field->sizeHint().height() >= kTarget) {
+            widget->setMinimumHeight(kTarget);
+        }
     }
 }
 

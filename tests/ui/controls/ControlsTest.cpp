@@ -1,0 +1,311 @@
+#include "core/resources/StringTable.h"
+#include "ui/controls/LabelSpin.h"
+#include "ui/controls/PrgEndMes.h"
+#include "ui/controls/SpinDouble.h"
+#include "ui/controls/StepButton.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/TextProgressCtrl.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+
+#include <QAbstractItemView>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+void Show(QWidget& widget)
+{
+    widget.show();
+    widget.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
+}
+
+void Wheel(QWidget* widget, int steps)
+{
+    const QPointF place = widget->rect().center();
+    QWheelEvent event(place, widget->mapToGlobal(place), {}, {0, 120 * steps}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(widget, &event);
+}
+
+TEST(CTComboBox, KeepsTheCodeWithItsEntry)
+{
+    CTComboBox combo;
+    EXPECT_EQ(combo.GetCode(), CTComboBox::kNoCode);
+    EXPECT_EQ(combo.AddEntry(QStringLiteral("9600"), 2), 0);
+    EXPECT_EQ(combo.AddEntry(QStringLiteral("38400"), 0), 1);
+    combo.InsertEntry(0, QStringLiteral("115200"), 6); // the others move down with their codes
+    EXPECT_EQ(combo.GetCode(), 2) << "the selection has moved to another entry";
+    EXPECT_EQ(combo.SelectCode(0), 1);
+    EXPECT_EQ(combo.currentText(), QStringLiteral("38400"));
+    EXPECT_EQ(combo.SelectCode(5), 0);
+    EXPECT_EQ(combo.GetCode(), 0) << "an unknown code has changed the selection";
+    EXPECT_EQ(combo.GetCode(3), CTComboBox::kNoCode);
+
+    Show(combo);
+    QTest::keyClick(&combo, Qt::Key_Up);
+    EXPECT_EQ(combo.GetCode(), 2);
+    combo.clearFocus();
+    Wheel(&combo, -1);
+    EXPECT_EQ(combo.GetCode(), 2) << "scrolling a page has changed a setting";
+    combo.showPopup();
+    EXPECT_GE(combo.view()->visualRect(combo.model()->index(0, 0)).height(), 44);
+    combo.hidePopup();
+}
+
+TEST(CTextProgressCtrl, ShowsTextAndFillsItsPart)
+{
+    CTextProgressCtrl bar;
+    bar.resize(202, 40);
+    bar.SetRange(0, 50);
+    bar.SetPos(25);
+    EXPECT_EQ(bar.text(), QStringLiteral("50 %"));
+    bar.SetText(QStringLiteral("25 / 50"));
+    EXPECT_EQ(bar.text(), QStringLiteral("25 / 50"));
+    const Theme& theme = Theme::Current();
+    const auto colourAt = [&](int x) { return bar.grab().toImage().pixelColor(x, 5); };
+    EXPECT_EQ(colourAt(98), theme.accent); // one pixel of edge, then half of 200
+    EXPECT_EQ(colourAt(103), theme.raised);
+    bar.SetPos(1000);
+    EXPECT_EQ(bar.GetPos(), 50);
+    EXPECT_EQ(colourAt(199), theme.accent);
+    bar.SetPos(-1);
+    EXPECT_EQ(bar.GetPos(), 0);
+    EXPECT_EQ(colourAt(3), theme.raised);
+    bar.SetRange(5, 1); // the wrong way round: full of nothing, and no division by it
+    EXPECT_EQ(bar.GetPos(), 5);
+    bar.SetText(QString());
+    EXPECT_EQ(bar.text(), QStringLiteral("0 %"));
+    bar.grab();
+}
+
+class SpinDoubleTest : public ::testing::Test
+{
+protected:
+    SpinDoubleTest()
+    {
+        spin.SetDecimals(3);
+        spin.SetRange(-1.0, 2.5);
+        spin.SetStep(0.1);
+        spin.SetUnit(QStringLiteral(" m"));
+        QObject::connect(&spin, &CSpinDouble::ValueChanged, &spin, [this] { ++changes; });
+        const auto buttons = spin.findChildren<StepButton*>();
+        minus = buttons.at(0);
+        plus = buttons.at(1);
+        box = spin.findChild<QDoubleSpinBox*>();
+        Show(spin);
+    }
+    CSpinDouble spin;
+    StepButton* minus;
+    StepButton* plus;
+    QDoubleSpinBox* box;
+    int changes = 0;
+};
+
+TEST_F(SpinDoubleTest, StepsByButtonsAndKeysInsideItsRange)
+{
+    for (int i = 0; i < 3; ++i) {
+        QTest::mouseClick(plus, Qt::LeftButton);
+    }
+    QTest::keyClick(box, Qt::Key_Up);
+    EXPECT_EQ(spin.GetValue(), 0.4) << "steps of 0.1 have piled up errors";
+    QTest::keyClick(box, Qt::Key_Down);
+    QTest::mouseClick(minus, Qt::LeftButton);
+    EXPECT_EQ(spin.GetValue(), 0.2);
+    EXPECT_EQ(changes, 6);
+    spin.SetValue(99.0);
+    EXPECT_EQ(spin.GetValue(), 2.5);
+    EXPECT_FALSE(plus->isEnabled());
+    EXPECT_TRUE(minus->isEnabled());
+    spin.SetValue(std::nan(""));
+    EXPECT_EQ(spin.GetValue(), 2.5);
+    spin.SetRange(-1.0, 2.0);
+    EXPECT_EQ(spin.GetValue(), 2.0);
+    minus->parentWidget()->setFocus();
+    box->clearFocus();
+    Wheel(box, 1);
+    EXPECT_EQ(spin.GetValue(), 2.0) << "scrolling a page has changed a value";
+}
+
+TEST_F(SpinDoubleTest, TakesWhatIsTypedWithAPoint)
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German)); // a comma for a point
+    struct Row
+    {
+        const char* typed;
+        double value;
+        const char* shown;
+    };
+    const Row rows[] = {
+        {"1.543", 1.543, "1.543 m"}, {"-.5", -0.5, "-0.500 m"},     {"1,5", 1.5, "1.500 m"},
+        {"9", 2.5, "2.500 m"},       {"1.23456", 1.234, "1.234 m"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.typed);
+        spin.SetValue(0.0);
+        auto* const edit = box->findChild<QLineEdit*>();
+        edit->selectAll();
+        QTest::keyClicks(edit, QString::fromLatin1(row.typed));
+        EXPECT_NEAR(spin.GetValue(), row.value, 1e-12);
+        QTest::keyClick(edit, Qt::Key_Return);
+        EXPECT_EQ(box->text(), QString::fromLatin1(row.shown));
+    }
+    QLocale::setDefault(before);
+}
+
+/// The start spin of the observation plan. What it tells is written down.
+class LabelSpinTest : public ::testing::Test
+{
+protected:
+    LabelSpinTest()
+    {
+        spin.setRange(0, 23);
+        spin.setValue(22);
+        spin.SetLabel(&LabelSpin::HourLabel);
+        QObject::connect(&spin, &LabelSpin::SpinMoved, &spin,
+                         [this](int value) { told += std::to_string(value) + " "; });
+        QObject::connect(&spin, &LabelSpin::ScrollEnded, &spin, [this] { told += "end "; });
+        const auto buttons = spin.findChildren<StepButton*>();
+        minus = buttons.at(0);
+        plus = buttons.at(1);
+        Show(spin);
+    }
+    LabelSpin spin;
+    StepButton* minus;
+    StepButton* plus;
+    std::string told;
+};
+
+TEST_F(LabelSpinTest, TellsMovesAndTheirEnd)
+{
+    struct Row
+    {
+        const char* fault;
+        std::function<void()> act;
+        const char* told;
+        const char* shown;
+    };
+    const Row rows[] = {
+        {"set by the program", [&] { spin.setValue(22); }, "", "22:00"},
+        {"a click", [&] { QTest::mouseClick(plus, Qt::LeftButton); }, "23 end ", "23:00"},
+        {"against the end of the range", [&] { QTest::mouseClick(plus, Qt::LeftButton); },
+         "23 end ", "23:00"},
+        {"the end only when the button is let go",
+         [&] {
+             QTest::mousePress(minus, Qt::LeftButton);
+             told += "held ";
+             QTest::mouseRelease(minus, Qt::LeftButton);
+         },
+         "22 held end ", "22:00"},
+        {"a button that is left while held",
+         [&] {
+             QTest::mousePress(minus, Qt::LeftButton);
+             QTest::mouseMove(minus, QPoint(-50, -50));
+             QTest::mouseRelease(minus, Qt::LeftButton, {}, QPoint(-50, -50));
+         },
+         "21 end ", "21:00"},
+        {"a key that is held repeats",
+         [&] {
+             QTest::keyPress(&spin, Qt::Key_Up);
+             QKeyEvent released(QEvent::KeyRelease, Qt::Key_Up, {}, {}, true);
+             QCoreApplication::sendEvent(&spin, &released);
+             QTest::keyPress(&spin, Qt::Key_Up);
+             told += "held ";
+             QTest::keyRelease(&spin, Qt::Key_Up);
+         },
+         "22 23 held end ", "23:00"},
+        {"Home", [&] { QTest::keyClick(&spin, Qt::Key_Home); }, "0 end ", "00:00"},
+        {"a key that moves nothing", [&] { QTest::keyClick(&spin, Qt::Key_A); }, "", "00:00"},
+        {"the wheel", [&] { Wheel(&spin, 1); }, "1 end ", "01:00"},
+        {"the focus goes while a key is down",
+         [&] {
+             QTest::keyPress(&spin, Qt::Key_Right);
+             spin.clearFocus();
+         },
+         "2 end ", "02:00"},
+        {"the wheel of a page that scrolls", [&] { Wheel(&spin, 1); }, "", "02:00"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        told.clear();
+        row.act();
+        EXPECT_EQ(told, row.told);
+        EXPECT_EQ(spin.LabelControl()->text(), QString::fromLatin1(row.shown));
+    }
+}
+
+TEST_F(LabelSpinTest, GoesOnWhileAButtonIsHeld)
+{
+    spin.setValue(23);
+    minus->setAutoRepeatDelay(1);
+    minus->setAutoRepeatInterval(1);
+    QTest::mousePress(minus, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return spin.value() == 0; }, 20000));
+    EXPECT_EQ(told.find("end"), std::string::npos) << told;
+    QTest::mouseRelease(minus, Qt::LeftButton);
+    EXPECT_EQ(told.substr(0, 9), "22 21 20 ");
+    EXPECT_EQ(told.substr(told.size() - 6), "0 end ");
+}
+
+TEST(CPrgEndMes, AnswersAsTheProgramActs)
+{
+    using Mode = CPrgEndMes::Mode;
+    struct Row
+    {
+        const char* fault;
+        Mode mode;
+        QString button; // empty: the key
+        Qt::Key key;
+        int result;
+    };
+    const QString end = QStringLiteral("プログラムを終了");
+    const QString powerOff = QStringLiteral("プログラムを終了（受信機電源OFF)");
+    const Row rows[] = {
+        {"end", Mode::Logging, end, Qt::Key_unknown, 1},
+        {"cancel", Mode::Logging, QStringLiteral("キャンセル"), Qt::Key_unknown, 2},
+        {"switch off", Mode::Logging, powerOff, Qt::Key_unknown, 3},
+        {"Esc stays", Mode::Logging, {}, Qt::Key_Escape, 2},
+        {"Enter leaves the receiver on", Mode::Logging, {}, Qt::Key_Return, 1},
+        {"end without a receiver", Mode::Normal, end, Qt::Key_unknown, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        CPrgEndMes question(row.mode);
+        QTimer watchdog;
+        QObject::connect(&watchdog, &QTimer::timeout, &question, [&] {
+            ADD_FAILURE() << "still open";
+            question.Close(99);
+        });
+        watchdog.start(20000);
+        QTimer::singleShot(0, &question, [&] {
+            for (QPushButton* button : question.findChildren<QPushButton*>()) {
+                EXPECT_GE(button->height(), 44);
+                EXPECT_FALSE(row.mode == Mode::Normal && button->text() == powerOff);
+                if (!row.button.isEmpty() && button->text() == row.button) {
+                    QTest::mouseClick(button, Qt::LeftButton);
+                    return;
+                }
+            }
+            QTest::keyClick(question.focusWidget(), row.key);
+        });
+        EXPECT_EQ(question.DoModal(), row.result);
+    }
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,57 @@
+#include "ui/controls/PrgEndMes.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+
+} // namespace
+
+CPrgEndMes::CPrgEndMes(Mode mode, QWidget* parent) : Dialog(parent)
+{
+    setWindowTitle(UiText(text::kEndCaption));
+    setAccessibleName(windowTitle());
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
+    layout->setSpacing(kGrid);
+    auto* const question = new QLabel(UiText(text::kEndQuestion));
+    QFont bold = font();
+    bold.setBold(true);
+    question->setFont(bold);
+    question->setWordWrap(true);
+    layout->addWidget(question);
+    if (mode == Mode::Logging) {
+        auto* const note = new QLabel(UiText(text::kEndLoggingNote));
+        note->setWordWrap(true);
+        layout->addWidget(note);
+    }
+    layout->addSpacing(kGrid);
+    layout->addStretch(1);
+    AddButton(text::kEndProgram, QStringLiteral("ok"), kEnd);
+    if (mode == Mode::Logging) {
+        AddButton(text::kEndProgramPowerOff, QStringLiteral("power"), kPowerOffAndEnd);
+    }
+    AddButton(text::kButtonCancel, QStringLiteral("back"), kStay);
+}
+
+void CPrgEndMes::AddButton(int textId, const QString& icon, int result)
+{
+    auto* const button = new QPushButton(UiText(textId));
+    button->setIcon(ThemeIcon(icon));
+    button->setMinimumHeight(7 * kGrid);
+    button->setDefault(result == kEnd);
+    connect(button, &QPushButton::clicked, this, [this, result] { Close(result); });
+    layout()->addWidget(button);
+}
+
+} // namespace fieldcore

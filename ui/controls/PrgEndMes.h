@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ui/controls/Dialog.h"
+
+namespace fieldcore {
+
+/// The question at the end of the program: end it, end it and switch the receiver off, or stay.
+/// User-interface thread only.
+///
+/// DoModal() answers kEnd: the caller closes the link and ends; kStay: he goes on; anything else,
+/// which is kPowerOffAndEnd: he switches the receiver off, closes the link and ends.
+class CPrgEndMes : public Dialog
+{
+    Q_OBJECT
+
+public:
+    enum class Mode
+    {
+        Normal,  ///< there is no receiver to switch off: only ending or staying
+        Logging, ///< a receiver is in use, and goes on logging unless it is switched off
+    };
+
+    static constexpr int kEnd = kOk;
+    static constexpr int kStay = kCancelled;
+    static constexpr int kPowerOffAndEnd = 3;
+
+    explicit CPrgEndMes(Mode mode, QWidget* parent = nullptr);
+
+private:
+    void AddButton(int textId, const QString& icon, int result);
+};
+
+} // namespace fieldcore

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QProgressBar>
+
+namespace fieldcore {
+
+/// A progress bar with a text in it, that can be read over the filled part and beside it.
+/// User-interface thread only.
+class CTextProgressCtrl : public QProgressBar
+{
+    Q_OBJECT
+
+public:
+    explicit CTextProgressCtrl(QWidget* parent = nullptr);
+
+    /// Both ends belong to the range; a range the wrong way round becomes its first number.
+    void SetRange(int first, int last);
+    /// @param position  outside the range it is taken as the nearer end
+    void SetPos(int position);
+    [[nodiscard]] int GetPos() const { return value(); }
+
+    /// @param text  instead of the percentage; empty goes back to that
+    void SetText(const QString& text);
+    [[nodiscard]] QString text() const override;
+    /// @param colour  of the filled part; not valid: the accent
+    void SetColour(const QColor& colour);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_text;
+    QColor m_colour;
+};
+
+} // namespace fieldcore
