@@ -9,13 +9,15 @@
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QLineF>
+#include <QMarginsF>
 #include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <limits>
+#include <vector>
 
 namespace fieldcore {
 
@@ -23,22 +25,7 @@ namespace {
 
 constexpr qreal kGrabZone = 44.0; // as wide as a thumb in a glove
 constexpr int kHighestMaskDeg = 90;
-
-/// How far a point of the graph is from a satellite; infinite if the satellite is not in it.
-double DistanceTo(const PlanDrawing& drawing, const PlotStyle& style, const QRectF& area,
-                  const SkySatellite& satellite, const QPointF& point)
-{
-    QPointF place;
-    if (drawing.graph == PlanGraph::SkyPlot) {
-        place = SkyPlot(drawing, style, area).PointOf(satellite.direction);
-    } else if (satellite.isVisible) {
-        place =
-            TimePlot(drawing, style, area).PointOfDirection(drawing.minutes, satellite.direction);
-    } else {
-        return std::numeric_limits<double>::infinity();
-    }
-    return std::hypot(place.x() - point.x(), place.y() - point.y());
-}
+constexpr QMarginsF kInside(8.0, 8.0, 8.0, 8.0);
 
 } // namespace
 
@@ -201,9 +188,9 @@ void PlanGraphView::ChooseNear(const QPointF& point)
     double nearest = kGrabZone / 2.0;
     m_prn.reset();
     for (const SkySatellite& satellite : m_drawing.Sky()) {
-        const double distance = DistanceTo(m_drawing, style, area, satellite, point);
-        if (distance <= nearest) {
-            nearest = distance;
+        const std::optional<QPointF> place = PointOfSatellite(m_drawing, style, area, satellite);
+        if (place && QLineF(*place, point).length() <= nearest) {
+            nearest = QLineF(*place, point).length();
             m_prn = satellite.prn;
         }
     }
@@ -277,8 +264,9 @@ void PlanGraphView::StepTime(int direction)
         return;
     }
     const int last = m_drawing.plan->Division() - 1;
-    // The first key shows the cursor at the end that it comes from.
-    m_sample = m_sample ? std::clamp(*m_sample + direction, 0, last) : direction > 0 ? 0 : last;
+    // Without a cursor the first key comes in from outside.
+    const int from = m_sample.value_or(direction > 0 ? -1 : last + 1);
+    m_sample = std::clamp(from + direction, 0, last);
 }
 
 void PlanGraphView::StepSatellite(int direction)
@@ -353,27 +341,6 @@ void PlanGraphView::Draw(QPainter& painter, const QSizeF& size)
     PaintGraph(painter, m_drawing, Style(), QRectF(QPointF(), size));
 }
 
-void PlanGraphView::DrawReading(QPainter& painter, const PlotStyle& style, const QRectF& area,
-                                bool isAtLeft) const
-{
-    const QFontMetricsF metrics(style.font);
-    const QStringList lines = Reading();
-    qreal width = 0.0;
-    for (const QString& line : lines) {
-        width = std::max(width, metrics.horizontalAdvance(line));
-    }
-    QRectF box(0.0, 0.0, width + 16.0, static_cast<qreal>(lines.size()) * metrics.height() + 8.0);
-    box.moveTop(area.top());
-    isAtLeft ? box.moveLeft(area.left()) : box.moveRight(area.right());
-    painter.setPen(PlotPen(style.second, 1.0));
-    painter.setBrush(style.ground);
-    painter.drawRoundedRect(box, 4.0, 4.0);
-    painter.setFont(style.font);
-    painter.setPen(style.text);
-    painter.drawText(box.adjusted(8.0, 4.0, -8.0, -4.0), Qt::AlignLeft | Qt::TextDontClip,
-                     lines.join(QLatin1Char('\n')));
-}
-
 void PlanGraphView::DrawOver(QPainter& painter, const QSizeF& size)
 {
     Q_UNUSED(size)
@@ -382,45 +349,32 @@ void PlanGraphView::DrawOver(QPainter& painter, const QSizeF& size)
         painter.setPen(PlotPen(style.accent, 2.0));
         painter.drawRect(QRectF(rect()).adjusted(1.0, 1.0, -1.0, -1.0));
     }
-    if (!IsReady()) {
+    const QStringList reading = Reading();
+    if (reading.isEmpty()) {
         return;
     }
     const QRectF area = Area();
-    painter.setBrush(Qt::NoBrush);
-    if (m_drawing.graph == PlanGraph::SkyPlot) {
-        const SkyPlot plot(m_drawing, style, area);
-        const std::optional<SkySatellite> satellite = Chosen();
-        if (satellite) {
-            painter.setPen(PlotPen(style.text, 2.0));
-            painter.drawEllipse(plot.PointOf(satellite->direction), 11.0, 11.0);
+    std::optional<QPointF> point;
+    if (IsTracks(m_drawing.graph)) {
+        if (const std::optional<SkySatellite> satellite = Chosen()) {
+            point = PointOfSatellite(m_drawing, style, area, *satellite);
         }
-        DrawReading(painter, style, area, true);
+        const bool isSky = m_drawing.graph == PlanGraph::SkyPlot;
+        PaintReading(painter, style,
+                     isSky ? area : TimeAxes(m_drawing, style, area).Plot().marginsRemoved(kInside),
+                     point, reading);
         return;
     }
     const TimePlot plot(m_drawing, style, area);
-    const QRectF inside = plot.Axes().Plot().adjusted(8.0, 8.0, -8.0, -8.0);
-    QPointF point;
-    if (IsTracks(m_drawing.graph)) {
-        const std::optional<SkySatellite> satellite = Chosen();
-        point = satellite ? plot.PointOfDirection(m_drawing.minutes, satellite->direction)
-                          : QPointF(plot.Axes().XOf(m_drawing.minutes), -100.0);
-    } else if (m_sample) {
-        const std::optional<double> value = SampleAt(*m_drawing.plan, m_drawing.graph, *m_sample);
-        point = plot.PointOf(EpochOfSample(m_drawing.graph, *m_sample) * m_drawing.IntervalMin(),
-                             value.value_or(0.0));
-        painter.setPen(PlotPen(style.text, 1.0));
-        const qreal x = std::floor(point.x()) + 0.5;
-        painter.drawLine(QPointF(x, plot.Axes().Plot().top()),
-                         QPointF(x, plot.Axes().Plot().bottom()));
-        if (!value) {
-            point.setY(-100.0); // nowhere
-        }
-    } else {
-        return;
-    }
-    painter.setPen(PlotPen(style.text, 2.0));
-    painter.drawEllipse(point, 6.0, 6.0);
-    DrawReading(painter, style, inside, point.x() > inside.center().x());
+    const QRectF& inside = plot.Axes().Plot();
+    const double minutes = EpochOfSample(m_drawing.graph, *m_sample) * m_drawing.IntervalMin();
+    const double value =
+        SampleAt(*m_drawing.plan, m_drawing.graph, *m_sample).value_or(plot.Axes().Highest() / 2.0);
+    point = plot.PointOf(minutes, value);
+    painter.setPen(PlotPen(style.text, 1.0));
+    const qreal x = std::floor(point->x()) + 0.5;
+    painter.drawLine(QPointF(x, inside.top()), QPointF(x, inside.bottom()));
+    PaintReading(painter, style, inside.marginsRemoved(kInside), point, reading);
 }
 
 } // namespace fieldcore

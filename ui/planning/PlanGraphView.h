@@ -84,8 +84,6 @@ private:
     void StepSatellite(int direction);
     void DragMask(int maskDeg);
     void Tell();
-    void DrawReading(QPainter& painter, const PlotStyle& style, const QRectF& area,
-                     bool isAtLeft) const;
 
     PlanDrawing m_drawing;
     QColor m_ground;             ///< not valid: the theme's

@@ -195,7 +195,7 @@ void SkyPlot::Draw(QPainter& painter) const
     if (m_drawing.isFromBelow) {
         painter.setFont(m_style.small);
         painter.setPen(m_style.second);
-        painter.drawText(m_area, Qt::AlignLeft | Qt::AlignTop, UiText(text::kPlotFromBelow));
+        painter.drawText(m_area, Qt::AlignLeft | Qt::AlignBottom, UiText(text::kPlotFromBelow));
     }
 }
 

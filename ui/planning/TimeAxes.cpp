@@ -10,7 +10,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <string>
+#include <initializer_list>
 
 namespace fieldcore {
 
@@ -153,29 +153,32 @@ void TimeAxes::DrawWindows(QPainter& painter) const
     painter.setFont(m_style.small);
     painter.setPen(m_style.text);
     for (std::size_t k = 0; k < windows.size(); ++k) {
-        const std::string from = period.ClockText(windows[k].first);
-        const std::string to = period.ClockText(windows[k].last);
-        const QString times =
-            ToQt(FormatText(text::kPlotWindow, std::wstring(from.begin(), from.end()).c_str(),
-                            std::wstring(to.begin(), to.end()).c_str()));
-        const qreal width = metrics.horizontalAdvance(times) + 4.0;
-        QRectF place(0.0, 0.0, width, m_line - 3.0);
-        place.moveCenter({taken[k].center().x(), top + (m_line - 3.0) / 2.0});
-        place.moveLeft(std::clamp(place.left(), m_plot.left(),
-                                  std::max(m_plot.left(), m_area.right() - width)));
-        // The times of a short window may stand out of it, but not on another window or its times.
-        bool isFree = true;
-        for (std::size_t other = 0; other < taken.size(); ++other) {
-            isFree = isFree && (other == k || !taken[other].intersects(place));
-        }
-        if (isFree) {
-            painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, times);
-            taken[k] |= place;
+        const QString whole = UiText(text::kPlotWindow)
+                                  .arg(QString::fromStdString(period.ClockText(windows[k].first)),
+                                       QString::fromStdString(period.ClockText(windows[k].last)));
+        // The times of a short window may stand out of it, but not on another window or its times;
+        // where they do not fit, whole hours go without their minutes.
+        for (const QString& times : {whole, QString(whole).remove(QStringLiteral(":00"))}) {
+            const qreal width = metrics.horizontalAdvance(times) + 4.0;
+            QRectF place(0.0, 0.0, width, m_line - 3.0);
+            place.moveCenter({taken[k].center().x(), top + (m_line - 3.0) / 2.0});
+            place.moveLeft(std::clamp(place.left(), m_plot.left(),
+                                      std::max(m_plot.left(), m_area.right() - width)));
+            bool isFree = true;
+            for (std::size_t other = 0; other < taken.size(); ++other) {
+                isFree = isFree && (other == k || !taken[other].intersects(place));
+            }
+            if (isFree) {
+                painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, times);
+                taken[k] |= place;
+                break;
+            }
         }
     }
+    DrawHeading(painter, !windows.empty());
 }
 
-void TimeAxes::DrawHeading(QPainter& painter) const
+void TimeAxes::DrawHeading(QPainter& painter, bool hasWindows) const
 {
     const QRectF heading(m_area.left(), m_area.top(), m_plot.right() - m_area.left(), m_line);
     painter.setFont(m_style.font);
@@ -183,11 +186,14 @@ void TimeAxes::DrawHeading(QPainter& painter) const
     painter.drawText(heading, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
                      GraphText(m_drawing.graph));
     painter.setFont(m_style.small); // what the band beneath is
-    painter.drawText(heading, Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip,
-                     UiText(text::kPlotWindows));
-    const qreal width = QFontMetricsF(m_style.small).horizontalAdvance(UiText(text::kPlotWindows));
-    painter.fillRect(QRectF(heading.right() - width - 26.0, heading.center().y() - 1.0, 20.0, 3.0),
-                     m_style.good);
+    const QString windows = UiText(hasWindows ? text::kPlotWindows : text::kPlotNoWindows);
+    painter.drawText(heading, Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, windows);
+    if (hasWindows) {
+        const qreal width = QFontMetricsF(m_style.small).horizontalAdvance(windows);
+        painter.fillRect(
+            QRectF(heading.right() - width - 26.0, heading.center().y() - 1.0, 20.0, 3.0),
+            m_style.good);
+    }
 }
 
 void TimeAxes::Draw(QPainter& painter) const
@@ -198,7 +204,6 @@ void TimeAxes::Draw(QPainter& painter) const
     painter.setPen(PlotPen(m_style.second, 1.0));
     painter.drawLine(m_plot.bottomLeft(), m_plot.bottomRight());
     painter.drawLine(m_plot.bottomLeft(), m_plot.topLeft());
-    DrawHeading(painter);
 }
 
 } // namespace fieldcore

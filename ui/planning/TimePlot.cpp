@@ -85,8 +85,11 @@ void TimePlot::DrawBeyond(QPainter& painter, double fromMin, double toMin, doubl
     painter.setFont(m_style.small);
     painter.setPen(m_style.text);
     const int decimals = m_drawing.graph == PlanGraph::Count ? 0 : 1;
-    DrawCentred(painter, tip + QPointF(0.0, 9.0 + QFontMetricsF(m_style.small).height() / 2.0),
-                QString::number(highest, 'f', decimals));
+    const QString value = QString::number(highest, 'f', decimals);
+    const QFontMetricsF metrics(m_style.small);
+    const qreal aside = 9.0 + metrics.horizontalAdvance(value) / 2.0;
+    const bool isAtEnd = tip.x() + 2.0 * aside > m_axes.Plot().right();
+    DrawCentred(painter, tip + QPointF(isAtEnd ? -aside : aside, metrics.height() / 2.0), value);
 }
 
 /// The name of the curve at its end.

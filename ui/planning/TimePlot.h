@@ -28,6 +28,9 @@ public:
     /// Where a satellite stands at an epoch; nothing unless it is usable then.
     [[nodiscard]] std::optional<QPointF> PointOfSatellite(int prnIndex, int epoch) const;
 
+    /// A satellite's line; an azimuth that passes north is broken there.
+    [[nodiscard]] QPainterPath PathOf(const TrackRun& run) const;
+
     /// What is drawn does not clear its ground.
     void Draw(QPainter& painter) const;
 
@@ -35,8 +38,6 @@ private:
     void DrawCount(QPainter& painter) const;
     void DrawDilution(QPainter& painter) const;
     void DrawGap(QPainter& painter, double fromMin, double toMin) const;
-    /// A satellite's line; an azimuth that passes north is broken there.
-    [[nodiscard]] QPainterPath PathOf(const TrackRun& run) const;
     void DrawTracks(QPainter& painter) const;
     void Shade(QPainter& painter, double from, double to) const;
     void DrawLimit(QPainter& painter, double value, const QString& text, bool isUpper) const;
