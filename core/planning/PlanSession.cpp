@@ -76,10 +76,13 @@ bool PlanSession::IsAlmanacTooOld() const
 
 std::error_code PlanSession::ChangeCurtain(const ObstructionCurtain& curtain)
 {
-    m_plan.Calc().SetCurtain(curtain);
-    m_hasCurtain = true;
-    Compute();
-    return SaveCurtain(m_folder, curtain);
+    const std::error_code error = SaveCurtain(m_folder, curtain);
+    if (!error) {
+        m_plan.Calc().SetCurtain(curtain);
+        m_hasCurtain = true;
+        Compute();
+    }
+    return error;
 }
 
 PlanSession::Spins PlanSession::ResetSpins()
@@ -146,6 +149,13 @@ int PlanSession::SetSettings(const PlanSettings& settings)
     m_settings = fitted;
     ResetSpins();
     return changes ? 1 : 0;
+}
+
+void PlanSession::SetMask(int maskDeg)
+{
+    PlanSettings settings = m_settings;
+    settings.elMaskDeg = maskDeg;
+    m_settings.elMaskDeg = Fitted(settings).elMaskDeg;
 }
 
 void PlanSession::SetDate(std::chrono::year_month_day date)

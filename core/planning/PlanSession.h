@@ -44,7 +44,7 @@ public:
     [[nodiscard]] bool IsAlmanacTooOld() const;
 
     /// Takes a curtain and keeps it in the program's folder.
-    /// @return what went wrong with the file; the plan has the curtain all the same
+    /// @return what went wrong with the file; the plan has then its curtain of before
     std::error_code ChangeCurtain(const ObstructionCurtain& curtain);
 
     /// Where the two spins stand after a move.
@@ -66,6 +66,9 @@ public:
     /// Chooses a graph; period and spins stay as they are.
     /// @param drawType  a PlanGraph; any other number stands for the sky plot
     void SetGraph(int drawType) { m_settings.drawType = drawType; }
+
+    /// @param maskDeg  elevation mask, whole degrees; brought into 0 to 90. Period and spins stay.
+    void SetMask(int maskDeg);
 
     /// When the sky counts as good. Kept as long as the session lives.
     [[nodiscard]] const WindowLimits& Limits() const { return m_limits; }

@@ -50,7 +50,8 @@ void Enlarge(QCalendarWidget& calendar)
     button(QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("forward"));
     button(QStringLiteral("qt_calendar_monthbutton"), {});
     button(QStringLiteral("qt_calendar_yearbutton"), {});
-    if (auto* const bar = calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"))) {
+    if (auto* const bar =
+            calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"))) {
         bar->setBackgroundRole(QPalette::Button);
         QPalette palette = bar->palette();
         palette.setColor(QPalette::Highlight, Theme::Current().raised);

@@ -30,8 +30,8 @@ QString DateOf(std::chrono::year_month_day date)
 } // namespace
 
 PlanHeader::PlanHeader(QWidget* parent)
-    : QWidget(parent), m_site(new QLabel), m_date(new QLabel), m_almanacDate(new QLabel),
-      m_almanacSign(new QLabel), m_age(new QLabel)
+    : QWidget(parent), m_top(new QHBoxLayout), m_site(new QLabel), m_date(new QLabel),
+      m_almanacDate(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
 {
     Dialog::SetControlId(m_date, kPlanDateId);
     Dialog::SetControlId(m_almanacDate, kAlmanacDateId);
@@ -53,7 +53,9 @@ PlanHeader::PlanHeader(QWidget* parent)
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(kGrid / 2);
-    layout->addWidget(m_site);
+    m_top->setSpacing(kGrid);
+    m_top->addWidget(m_site, 1);
+    layout->addLayout(m_top);
     auto* const day = new QHBoxLayout;
     day->setSpacing(kGrid);
     day->addWidget(previous);
@@ -80,6 +82,13 @@ QAbstractButton* PlanHeader::MakeButton(const QString& icon, int nameId)
     button->setToolTip(UiText(nameId));
     button->setAccessibleName(UiText(nameId));
     return button;
+}
+
+void PlanHeader::AddTools(QWidget* tools)
+{
+    tools->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    tools->setAutoFillBackground(false);
+    m_top->addWidget(tools);
 }
 
 void PlanHeader::ShowSite(const QString& site)

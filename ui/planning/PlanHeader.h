@@ -7,6 +7,7 @@
 #include <chrono>
 
 class QAbstractButton;
+class QHBoxLayout;
 class QLabel;
 
 namespace fieldcore {
@@ -23,6 +24,10 @@ public:
     static constexpr int kAlmanacDateId = 21380;
 
     explicit PlanHeader(QWidget* parent = nullptr);
+
+    /// Puts a bar of tools beside the site's name.
+    /// @param tools  owned by the header from now on
+    void AddTools(QWidget* tools);
 
     /// @param site  its name
     void ShowSite(const QString& site);
@@ -42,7 +47,8 @@ private:
     QAbstractButton* MakeButton(const QString& icon, int nameId);
     void UpdateLook();
 
-    QLabel* m_site; // owned by the widget, as is all that follows
+    QHBoxLayout* m_top; // owned by the widget, as is all that follows
+    QLabel* m_site;
     QLabel* m_date;
     QLabel* m_almanacDate;
     QLabel* m_almanacSign;

@@ -2,6 +2,7 @@
 
 #include "core/platform/Folders.h"
 
+#include <QFile>
 #include <QFileDialog>
 
 #include <utility>
@@ -13,11 +14,10 @@ namespace {
 std::filesystem::path AskForFile(QWidget* parent, bool save, const std::filesystem::path& suggested,
                                  const QString& filter)
 {
-    const QString start = QString::fromStdU16String(suggested.u16string());
-    const QString chosen = save
-                               ? QFileDialog::getSaveFileName(parent, QString(), start, filter)
-                               : QFileDialog::getOpenFileName(parent, QString(), start, filter);
-    return chosen.toStdU16String();
+    const QString start = QFile::decodeName(suggested.c_str());
+    const QString chosen = save ? QFileDialog::getSaveFileName(parent, QString(), start, filter)
+                                : QFileDialog::getOpenFileName(parent, QString(), start, filter);
+    return QFile::encodeName(chosen).toStdString();
 }
 
 } // namespace

@@ -30,9 +30,8 @@ struct PlanSurroundings
     /// Asks for a file.
     /// @param suggested  where to begin: a file to be saved, or a folder to open one from
     /// @return empty if the user cancels
-    std::function<std::filesystem::path(QWidget* parent, bool save,
-                                        const std::filesystem::path& suggested,
-                                        const QString& filter)>
+    std::function<std::filesystem::path(
+        QWidget* parent, bool save, const std::filesystem::path& suggested, const QString& filter)>
         chooseFile;
 
     /// @p given with everything in it that was left out.
