@@ -45,6 +45,25 @@ AlmanacMessage PlanSession::ReloadAlmanac()
                : AlmanacMessage{};
 }
 
+std::vector<AlmanacMessage> PlanSession::UpdateAlmanac(CCommand& command,
+                                                       const AlmanacStore::Progress& progress)
+{
+    const AlmanacResult result = AlmanacStore(m_folder).Update(command, progress);
+    if (result == AlmanacResult::Cancelled) {
+        return {};
+    }
+    std::vector<AlmanacMessage> messages{MessageOf(result)};
+    if (result == AlmanacResult::Done) {
+        const AlmanacMessage loaded = ReloadAlmanac();
+        if (!m_hasAlmanac) {
+            messages = {loaded};
+        } else if (loaded.text != 0) {
+            messages.push_back(loaded);
+        }
+    }
+    return messages;
+}
+
 CGPSTime PlanSession::AlmanacDate() const
 {
     return AlmanacTime(m_plan.Calc());
@@ -57,10 +76,13 @@ bool PlanSession::IsAlmanacTooOld() const
 
 std::error_code PlanSession::ChangeCurtain(const ObstructionCurtain& curtain)
 {
-    m_plan.Calc().SetCurtain(curtain);
-    m_hasCurtain = true;
-    Compute();
-    return SaveCurtain(m_folder, curtain);
+    const std::error_code error = SaveCurtain(m_folder, curtain);
+    if (!error) {
+        m_plan.Calc().SetCurtain(curtain);
+        m_hasCurtain = true;
+        Compute();
+    }
+    return error;
 }
 
 PlanSession::Spins PlanSession::ResetSpins()
@@ -127,6 +149,13 @@ int PlanSession::SetSettings(const PlanSettings& settings)
     m_settings = fitted;
     ResetSpins();
     return changes ? 1 : 0;
+}
+
+void PlanSession::SetMask(int maskDeg)
+{
+    PlanSettings settings = m_settings;
+    settings.elMaskDeg = maskDeg;
+    m_settings.elMaskDeg = Fitted(settings).elMaskDeg;
 }
 
 void PlanSession::SetDate(std::chrono::year_month_day date)

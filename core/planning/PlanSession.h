@@ -3,10 +3,11 @@
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/ObservationPlan.h"
 #include "core/planning/PlanSettings.h"
+#include "core/planning/PlanWindows.h"
 #include "core/platform/Clock.h"
 
 #include <filesystem>
-#include <optional>
+#include <vector>
 
 namespace fieldcore {
 
@@ -32,13 +33,18 @@ public:
     /// @return what to tell the user about the almanac: it cannot be read, or is too old
     AlmanacMessage ReloadAlmanac();
     [[nodiscard]] bool HasAlmanac() const { return m_hasAlmanac; }
+    /// Receives the almanac from the receiver, replaces the one in the folder, and goes on with
+    /// ReloadAlmanac(). Takes as long as AlmanacStore::Update().
+    /// @return what to tell the user, in this order; nothing after Cancel
+    std::vector<AlmanacMessage> UpdateAlmanac(CCommand& command,
+                                              const AlmanacStore::Progress& progress = {});
     /// The latest reference time of the almanac.
     [[nodiscard]] CGPSTime AlmanacDate() const;
     /// Whether the plan's start is more than 30 days behind that.
     [[nodiscard]] bool IsAlmanacTooOld() const;
 
     /// Takes a curtain and keeps it in the program's folder.
-    /// @return what went wrong with the file; the plan has the curtain all the same
+    /// @return what went wrong with the file; the plan has then its curtain of before
     std::error_code ChangeCurtain(const ObstructionCurtain& curtain);
 
     /// Where the two spins stand after a move.
@@ -56,6 +62,17 @@ public:
     /// The end spin was moved to @p hour. One that is not behind the start goes to the hour behind
     /// it, and the period keeps the length it had; an hour that no spin has puts both back.
     Spins MoveEnd(int hour);
+
+    /// Chooses a graph; period and spins stay as they are.
+    /// @param drawType  a PlanGraph; any other number stands for the sky plot
+    void SetGraph(int drawType) { m_settings.drawType = drawType; }
+
+    /// @param maskDeg  elevation mask, whole degrees; brought into 0 to 90. Period and spins stay.
+    void SetMask(int maskDeg);
+
+    /// When the sky counts as good. Kept as long as the session lives.
+    [[nodiscard]] const WindowLimits& Limits() const { return m_limits; }
+    void SetLimits(const WindowLimits& limits) { m_limits = limits; }
 
     /// Brings the plan to the settings, the date and the site.
     void Compute();
@@ -86,6 +103,7 @@ private:
     const CReg& m_reg;
     PlanSettings m_settings;
     Spins m_spins;
+    WindowLimits m_limits;
     Observer m_site;
     ObservationPlan m_plan;
     bool m_hasAlmanac = false;

@@ -8,14 +8,39 @@
 #include "core/platform/NumberText.h"
 #include "core/settings/Profile.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <system_error>
 
 namespace fieldcore {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// The entries of a site, with their texts. Stays where it is made.
+struct SiteLines
+{
+    explicit SiteLines(const Observer& observer)
+        : latitude(FormatPackedDegrees(observer.latitudeRad, kSecondsDecimals)),
+          longitude(FormatPackedDegrees(observer.longitudeRad, kSecondsDecimals)),
+          height(FormatFixed(observer.heightM, kHeightDecimals)),
+          entries{ProfileEntry{L"LAT", latitude}, ProfileEntry{L"LON", longitude},
+                  ProfileEntry{L"HGT", height}}
+    {}
+    SiteLines(const SiteLines&) = delete;
+    SiteLines& operator=(const SiteLines&) = delete;
+
+    static constexpr int kSecondsDecimals = 5; // 0.3 mm
+    static constexpr std::uint8_t kHeightDecimals = 4;
+    const std::wstring latitude, longitude, height;
+    const std::array<ProfileEntry, 3> entries;
+};
+
+} // namespace
 
 fs::path SitesPath(const fs::path& folder)
 {
@@ -49,17 +74,44 @@ SiteEntry ReadSite(const fs::path& folder, std::wstring_view name)
 
 int WriteSite(const fs::path& folder, std::wstring_view name, const Observer& observer)
 {
-    constexpr int kSecondsDecimals = 5; // 0.3 mm
-    constexpr std::uint8_t kHeightDecimals = 4;
-    if (name.empty() || Folders::Create(folder)) {
+    const ListedSite site{std::wstring(name), observer};
+    return WriteSites(folder, std::span(&site, 1));
+}
+
+int WriteSites(const fs::path& folder, std::span<const ListedSite> sites)
+{
+    if (std::any_of(sites.begin(), sites.end(),
+                    [](const ListedSite& site) { return site.name.empty(); }) ||
+        Folders::Create(folder)) {
         return 0;
     }
-    const std::wstring latitude = FormatPackedDegrees(observer.latitudeRad, kSecondsDecimals);
-    const std::wstring longitude = FormatPackedDegrees(observer.longitudeRad, kSecondsDecimals);
-    const std::wstring height = FormatFixed(observer.heightM, kHeightDecimals);
-    const std::array entries{ProfileEntry{L"LAT", latitude}, ProfileEntry{L"LON", longitude},
-                             ProfileEntry{L"HGT", height}};
-    return WriteProfile(name, entries, SitesPath(folder));
+    std::deque<SiteLines> lines; // which the sections point into
+    std::vector<ProfileSection> sections;
+    sections.reserve(sites.size());
+    for (const ListedSite& site : sites) {
+        const SiteLines& kept = lines.emplace_back(site.observer);
+        sections.push_back({site.name, kept.entries});
+    }
+    return WriteProfile(sections, SitesPath(folder));
+}
+
+int ChangeSite(const fs::path& folder, std::wstring_view name, const ListedSite& site)
+{
+    if (site.name == name) {
+        return WriteSite(folder, site.name, site.observer);
+    }
+    if (HasSite(folder, site.name) || WriteSite(folder, site.name, site.observer) == 0) {
+        return 0;
+    }
+    // Last: a site that is there twice can be mended, one that is gone cannot.
+    RemoveSite(folder, name);
+    return 1;
+}
+
+bool HasSite(const fs::path& folder, std::wstring_view name)
+{
+    const std::vector<std::wstring> names = SiteNames(folder);
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 int RemoveSite(const fs::path& folder, std::wstring_view name)

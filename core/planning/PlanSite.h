@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/planning/ListedSite.h"
 #include "core/planning/LocalFrame.h"
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +19,8 @@ namespace fieldcore {
 
 /// The names of all sites of the file, in its order.
 [[nodiscard]] std::vector<std::wstring> SiteNames(const std::filesystem::path& folder);
+
+[[nodiscard]] bool HasSite(const std::filesystem::path& folder, std::wstring_view name);
 
 /// What the file says of one site.
 struct SiteEntry
@@ -34,6 +38,17 @@ struct SiteEntry
 /// @return 1, or 0 with the file as it was: it cannot be written, or the name cannot be a section
 int WriteSite(const std::filesystem::path& folder, std::wstring_view name,
               const Observer& observer);
+
+/// Stores a list of sites, all or none: known ones with their coordinates replaced, the others
+/// behind them.
+/// @return 1, or 0 with the file as it was: see WriteSite(), or a name is there twice
+int WriteSites(const std::filesystem::path& folder, std::span<const ListedSite> sites);
+
+/// Stores a site that had another name before.
+/// @param name  of before; the same as the new one: only the coordinates change
+/// @return 1, or 0 with the file as it was: see WriteSite(), or the new name is another site's; a
+/// site that is not there any more is stored anew
+int ChangeSite(const std::filesystem::path& folder, std::wstring_view name, const ListedSite& site);
 
 /// @return 1, or 0 with the file as it was: there is no such site, or the file cannot be written
 int RemoveSite(const std::filesystem::path& folder, std::wstring_view name);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/planning/LocalFrame.h"
+#include "core/planning/ListedSite.h"
 #include "core/planning/TextError.h"
 
 #include <filesystem>
@@ -10,13 +10,6 @@
 #include <vector>
 
 namespace fieldcore {
-
-/// A site as a list from elsewhere has it.
-struct ListedSite
-{
-    std::wstring name;
-    Observer observer;
-};
 
 struct SitesCsv
 {

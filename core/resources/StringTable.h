@@ -30,6 +30,11 @@ inline constexpr int kGraphPdop = 21905;
 inline constexpr int kGraphGdop = 21906;
 inline constexpr int kGraphTdop = 21907;
 
+// The menu of the observation plan, under the numbers of its items
+inline constexpr int kPlanDetail = 21911;
+inline constexpr int kPlanUpdate = 21912;
+inline constexpr int kPlanCurtain = 21913;
+
 // Connecting
 inline constexpr int kConnectCable = 60001;
 inline constexpr int kConnectCableCaption = 60002;
@@ -270,6 +275,103 @@ inline constexpr int kStepNameStatus = 60389;
 inline constexpr int kStepNameOptions = 60390;
 inline constexpr int kStepNameSerial = 60391;
 inline constexpr int kFailedPortState = 60392; ///< message, state
+// The screen of the observation plan
+inline constexpr int kPlanMenuSettings = 60400;
+inline constexpr int kPlanMenuGraph = 60401;
+inline constexpr int kPlanTitle = 60402;
+inline constexpr int kPlanDate = 60403;
+inline constexpr int kPlanPreviousDay = 60404;
+inline constexpr int kPlanNextDay = 60405;
+inline constexpr int kPlanCalendar = 60406;
+inline constexpr int kPlanToday = 60407;
+inline constexpr int kPlanStart = 60408;
+inline constexpr int kPlanEnd = 60409;
+inline constexpr int kPlanAlmanac = 60410;
+inline constexpr int kPlanAlmanacUnknown = 60411;
+inline constexpr int kPlanAlmanacMissing = 60412;
+inline constexpr int kPlanBestWindows = 60413;
+inline constexpr int kPlanNoWindow = 60414;
+inline constexpr int kPlanMoreWindows = 60415;
+inline constexpr int kPlanTime = 60416;
+inline constexpr int kPlanFromBelow = 60417;
+inline constexpr int kPlanExport = 60418;
+inline constexpr int kPlanExportPdf = 60419;
+inline constexpr int kPlanExportPng = 60420;
+inline constexpr int kPlanExportSvg = 60421;
+inline constexpr int kPlanExportCsv = 60422;
+inline constexpr int kPlanExported = 60423;     ///< file
+inline constexpr int kPlanExportFile = 60424;   ///< day
+inline constexpr int kPlanUpdating = 60425;     ///< done, of
+inline constexpr int kPlanUpdatingLeft = 60426; ///< done, of, seconds
+inline constexpr int kPlanFileCaption = 60427;
+inline constexpr int kPlanFileNotTaken = 60428;      ///< file, line, detail
+inline constexpr int kPlanFileNotTakenAtAll = 60429; ///< file, detail
+
+// Its detail settings
+inline constexpr int kPlanPageConditions = 60435;
+inline constexpr int kPlanPageSite = 60436;
+inline constexpr int kPlanPageDetail = 60437;
+inline constexpr int kPlanMask = 60438;
+inline constexpr int kPlanDegrees = 60439;
+inline constexpr int kPlanHours = 60440;
+inline constexpr int kPlanHoursValue = 60441;
+inline constexpr int kPlanGraphKind = 60442;
+inline constexpr int kPlanHoursEnd = 60443;
+inline constexpr int kSiteSearch = 60445;
+inline constexpr int kSiteAdd = 60446;
+inline constexpr int kSiteEdit = 60447;
+inline constexpr int kSiteRemove = 60448;
+inline constexpr int kSiteImport = 60449;
+inline constexpr int kSiteFromReceiver = 60450;
+inline constexpr int kSiteRemoveQuestion = 60451;
+inline constexpr int kSiteRemoveCaption = 60452;
+inline constexpr int kSiteNotWritten = 60453;
+inline constexpr int kSiteCaption = 60454;
+inline constexpr int kSiteExists = 60455;
+inline constexpr int kSiteImported = 60456;
+inline constexpr int kSiteNotReceived = 60457; ///< cause
+inline constexpr int kSiteNone = 60458;
+inline constexpr int kSiteNoneFound = 60459;
+inline constexpr int kSiteAddTitle = 60460;
+inline constexpr int kSiteEditTitle = 60461;
+inline constexpr int kSiteName = 60462;
+inline constexpr int kSiteLatitude = 60463;
+inline constexpr int kSiteLongitude = 60464;
+inline constexpr int kSiteHeight = 60465;
+inline constexpr int kSitePlace = 60466;
+inline constexpr int kSiteIncomplete = 60467;
+inline constexpr int kSiteList = 60468;
+inline constexpr int kSiteReceiverName = 60469;
+inline constexpr int kSiteNoName = 60470;
+inline constexpr int kSiteBadName = 60471;
+inline constexpr int kSiteBadLatitude = 60472;
+inline constexpr int kSiteBadLongitude = 60473;
+inline constexpr int kSiteBadHeight = 60474;
+inline constexpr int kPlanUsedSatellites = 60475;
+inline constexpr int kPlanUseAll = 60476;
+inline constexpr int kPlanUseNone = 60477;
+inline constexpr int kPlanWindowLimits = 60478;
+inline constexpr int kPlanFewestSatellites = 60479;
+inline constexpr int kPlanHighestPdop = 60480;
+inline constexpr int kPlanShortestWindow = 60481;
+inline constexpr int kPlanMinutes = 60482;
+inline constexpr int kPlanSatelliteGood = 60483;
+inline constexpr int kPlanSatelliteBad = 60484;
+inline constexpr int kPlanSatelliteMissing = 60485;
+inline constexpr int kPlanSatelliteLegend = 60486;
+inline constexpr int kPlanNoSatellite = 60487;
+
+// The editor of the obstruction curtain
+inline constexpr int kCurtainRound = 60490;
+inline constexpr int kCurtainUnrolled = 60491;
+inline constexpr int kCurtainUndo = 60492;
+inline constexpr int kCurtainRedo = 60493;
+inline constexpr int kCurtainClear = 60494;
+inline constexpr int kCurtainImport = 60495;
+inline constexpr int kCurtainExport = 60496;
+inline constexpr int kCurtainReading = 60497;
+inline constexpr int kCurtainHint = 60498;
+inline constexpr int kCurtainFile = 60499;
 
 } // namespace text
 

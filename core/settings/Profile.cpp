@@ -1,7 +1,6 @@
 #include "core/settings/Profile.h"
 
 #include "core/platform/AtomicFile.h"
-#include "core/settings/ProfileText.h"
 
 #include <fstream>
 #include <optional>
@@ -99,6 +98,14 @@ int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entrie
                     : std::nullopt;
         }
         return changed;
+    });
+}
+
+int WriteProfile(std::span<const ProfileSection> sections, const fs::path& file,
+                 FileOperations& operations)
+{
+    return Edit(file, operations, [&](std::string bytes) {
+        return ProfileText(std::move(bytes)).WithSections(sections);
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/platform/PosixFileOperations.h"
+#include "core/settings/ProfileText.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -34,16 +35,13 @@ int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_
                  const std::filesystem::path& file,
                  FileOperations& operations = PosixFileOperations::Instance());
 
-/// A key with its value.
-struct ProfileEntry
-{
-    std::wstring_view key;
-    std::wstring_view value;
-};
-
 /// Writes several entries of one section, all of them or none; else as above.
 int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
                  const std::filesystem::path& file,
+                 FileOperations& operations = PosixFileOperations::Instance());
+
+/// Writes the entries of several sections, all of them or none; else as above.
+int WriteProfile(std::span<const ProfileSection> sections, const std::filesystem::path& file,
                  FileOperations& operations = PosixFileOperations::Instance());
 
 /// Removes a section with all its lines.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <utility>
 
 namespace fieldcore {
@@ -99,6 +100,15 @@ bool BreaksLine(std::wstring_view text)
 {
     constexpr std::wstring_view kBreaks(L"\r\n\0", 3);
     return text.find_first_of(kBreaks) != std::wstring_view::npos;
+}
+
+/// Whether an entry would be lost among the lines.
+bool IsLost(std::wstring_view section, const ProfileEntry& entry)
+{
+    return BreaksLine(section) || BreaksLine(entry.key) || BreaksLine(entry.value) ||
+           entry.key.find(L'=') != std::wstring_view::npos || StartsSection(entry.key) ||
+           section.size() + 2 > ProfileText::kMaxLine ||
+           entry.key.size() + 1 + entry.value.size() > ProfileText::kMaxLine;
 }
 
 } // namespace
@@ -236,10 +246,7 @@ std::vector<std::wstring> ProfileText::Sections() const
 std::optional<std::string> ProfileText::WithEntry(std::wstring_view section, std::wstring_view key,
                                                   std::wstring_view value) const
 {
-    const bool lost = BreaksLine(section) || BreaksLine(key) || BreaksLine(value) ||
-                      key.find(L'=') != std::wstring_view::npos || StartsSection(key) ||
-                      section.size() + 2 > kMaxLine || key.size() + 1 + value.size() > kMaxLine;
-    if (lost) {
+    if (IsLost(section, {key, value})) {
         return std::nullopt;
     }
     std::wstring entry(key);
@@ -265,6 +272,40 @@ std::optional<std::string> ProfileText::WithEntry(std::wstring_view section, std
     }
     added += entry;
     return changed.insert(place.insertAt, Encode(added));
+}
+
+std::optional<std::string> ProfileText::WithSections(std::span<const ProfileSection> sections) const
+{
+    const std::vector<std::wstring> names = Sections();
+    const std::set<std::wstring> known(names.begin(), names.end());
+    std::set<std::wstring> added;
+    std::optional<std::string> changed = m_bytes;
+    std::wstring text;
+    for (const ProfileSection& section : sections) {
+        const std::wstring name = Decode(Encode(section.name));
+        const bool isNew = !known.contains(name) && added.insert(name).second;
+        if (isNew) {
+            text.append(L"[").append(name).append(L"]").append(kLineEnd);
+        }
+        for (const ProfileEntry& entry : section.entries) {
+            if (IsLost(section.name, entry)) {
+                return std::nullopt;
+            }
+            if (isNew) {
+                text.append(entry.key).append(L"=").append(entry.value).append(kLineEnd);
+            } else if (!known.contains(name)) {
+                return std::nullopt; // given twice: which of them is meant?
+            } else if (changed = ProfileText(std::move(*changed))
+                                     .WithEntry(section.name, entry.key, entry.value);
+                       !changed) {
+                return std::nullopt;
+            }
+        }
+    }
+    if (!text.empty() && changed->size() > m_start && !changed->ends_with(Encode(L"\n"))) {
+        text.insert(0, kLineEnd); // the last line has none
+    }
+    return *changed + Encode(text);
 }
 
 std::optional<std::string> ProfileText::WithoutSection(std::wstring_view section) const

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,20 @@ enum class ProfileEncoding
     Cp932, ///< without a byte order mark; also what a new file gets
     Utf8,  ///< with a byte order mark
     Utf16  ///< little-endian, with a byte order mark
+};
+
+/// A key with its value.
+struct ProfileEntry
+{
+    std::wstring_view key;
+    std::wstring_view value;
+};
+
+/// A section with all its entries.
+struct ProfileSection
+{
+    std::wstring_view name;
+    std::span<const ProfileEntry> entries;
 };
 
 /// The content of a profile file: section lines "[name]" and below each its entries "key=value".
@@ -50,6 +65,12 @@ public:
     /// "[", the line would be too long, or there is a line end or NUL in a text
     [[nodiscard]] std::optional<std::string>
     WithEntry(std::wstring_view section, std::wstring_view key, std::wstring_view value) const;
+
+    /// The content with entries set as above. New sections are added in one go: thousands of them
+    /// cost one pass.
+    /// @return nothing if one of the entries could not be found again
+    [[nodiscard]] std::optional<std::string>
+    WithSections(std::span<const ProfileSection> sections) const;
 
     /// The content without the lines from the first section line of that name up to the next
     /// section line.

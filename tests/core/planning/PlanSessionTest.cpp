@@ -143,6 +143,19 @@ TEST_F(PlanSessionTest, KeepsTheRulesOfItsSpins)
     }
 }
 
+TEST_F(PlanSessionTest, LeavesTheSpinsAloneForAnotherGraphOrMask)
+{
+    Moved(9, 3, &PlanSession::MoveEnd, 9); // the spin stands on 10, the period still ends at 12
+    m_session.SetGraph(5);
+    m_session.SetMask(95);
+    EXPECT_EQ(m_session.Graph(), PlanGraph::Gdop);
+    EXPECT_EQ(m_session.Settings().elMaskDeg, 90);
+    EXPECT_EQ(m_session.GetSpins().end, 10);
+    EXPECT_EQ(m_session.ResetSpins().end, 12);
+    m_session.SetGraph(7);
+    EXPECT_EQ(m_session.Graph(), PlanGraph::SkyPlot);
+}
+
 TEST_F(PlanSessionTest, SettingsSurviveARestart)
 {
     PlanSettings settings;
@@ -167,6 +180,10 @@ TEST_F(PlanSessionTest, KeepsACurtainThatIsChanged)
     EXPECT_FALSE(m_session.ChangeCurtain(curtain));
     EXPECT_LT(m_session.Plan().CountAt(0), before);
     EXPECT_EQ(LoadCurtain(m_home.Path()), curtain);
+    std::filesystem::remove(CurtainPath(m_home.Path()));
+    std::filesystem::create_directory(CurtainPath(m_home.Path()));
+    EXPECT_TRUE(m_session.ChangeCurtain({}));
+    EXPECT_EQ(m_session.Plan().Calc().GetCurtain(), curtain) << "not kept, but shown";
 }
 
 } // namespace

@@ -163,6 +163,41 @@ TEST(PlanSite, IsWrittenReplacedAndRemoved)
     EXPECT_EQ(SiteNames(program).size(), 1U) << "the user's own sites are gone";
 }
 
+TEST(PlanSite, TakesAWholeListOrNothing)
+{
+    const TemporaryFolder folder;
+    folder.Write("GSurveyPlan.ini", ToCp932(L"[一]\r\nLAT=36.0\r\nLON=140.0\r\nHGT=1\r\n"
+                                            L"[二]\r\nLAT=1")); // its last line was cut
+    const Observer place{RadiansOf(35.5), RadiansOf(139.25), 5.0};
+    std::vector<ListedSite> sites{{L"二", place}, {L"三", place}, {L"四\n", place}};
+    EXPECT_EQ(WriteSites(folder.Path(), sites), 0);
+    EXPECT_FALSE(HasSite(folder.Path(), L"三")) << "a part was taken";
+    sites[2].name = L"三";
+    EXPECT_EQ(WriteSites(folder.Path(), sites), 0) << "given twice";
+    sites[2].name = L"四";
+    EXPECT_EQ(WriteSites(folder.Path(), sites), 1);
+    EXPECT_EQ(SiteNames(folder.Path()), (std::vector<std::wstring>{L"一", L"二", L"三", L"四"}));
+    for (const ListedSite& site : sites) {
+        EXPECT_NEAR(ReadSite(folder.Path(), site.name).latitudeRad.value_or(0.0), place.latitudeRad,
+                    1e-10)
+            << ToCp932(site.name);
+    }
+    EXPECT_EQ(ReadSite(folder.Path(), L"一").heightM, 1.0) << "a neighbour was changed";
+}
+
+TEST(PlanSite, IsRenamedWithoutPushingAnotherAside)
+{
+    const TemporaryFolder folder;
+    const Observer place{RadiansOf(35.5), RadiansOf(139.25), 5.0};
+    ASSERT_EQ(WriteSites(folder.Path(), std::vector<ListedSite>{{L"一", {}}, {L"二", {}}}), 1);
+    EXPECT_EQ(ChangeSite(folder.Path(), L"一", {L"二", place}), 0);
+    EXPECT_EQ(ReadSite(folder.Path(), L"二").heightM, Observer{}.heightM);
+    EXPECT_EQ(ChangeSite(folder.Path(), L"一", {L"三", place}), 1);
+    EXPECT_EQ(SiteNames(folder.Path()), (std::vector<std::wstring>{L"二", L"三"}));
+    EXPECT_EQ(ChangeSite(folder.Path(), L"三", {L"三", {0.1, 0.2, -1.0}}), 1);
+    EXPECT_EQ(ReadSite(folder.Path(), L"三").heightM, -1.0);
+}
+
 TEST(SitesCsv, AreReadOrTheLineIsNamed)
 {
     const SitesCsv good = ParseSitesCsv("\xEF\xBB\xBFname,lat,lon,height\r\n"

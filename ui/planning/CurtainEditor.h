@@ -1,0 +1,57 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/planning/CurtainEdit.h"
+#include "ui/controls/Dialog.h"
+#include "ui/planning/PlanSurroundings.h"
+
+class QLabel;
+
+namespace fieldcore {
+
+class CnToolBar;
+class CurtainView;
+class PlanSession;
+
+/// The editor of the obstruction curtain. OK stores the curtain in the program's folder and gives
+/// it to the plan; Cancel leaves both as they were. User-interface thread only.
+class CurtainEditor : public Dialog
+{
+    Q_OBJECT
+
+public:
+    /// @param session  all three must outlive the editor
+    CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
+                  QWidget* parent = nullptr);
+
+    // Numbers of the tools.
+    static constexpr int kFormTool = 1; ///< stays down while the view is unrolled
+    static constexpr int kUndoTool = 2;
+    static constexpr int kRedoTool = 3;
+    static constexpr int kClearTool = 4;
+    static constexpr int kImportTool = 5;
+    static constexpr int kExportTool = 6;
+
+    [[nodiscard]] CurtainView& View() const { return *m_view; }
+    [[nodiscard]] const CurtainEdit& Edit() const { return m_edit; }
+
+protected:
+    bool OnInitDialog() override;
+    bool OnClose(int result) override;
+
+private:
+    void OnTool(int id);
+    void Import();
+    void Export();
+    void Update();
+
+    PlanSession& m_session;
+    const PlanSurroundings& m_surroundings;
+    Host& m_host;
+    CurtainEdit m_edit;
+    CnToolBar* m_tools; // owned by the dialog, as is all that follows
+    CurtainView* m_view;
+    QLabel* m_reading;
+};
+
+} // namespace fieldcore

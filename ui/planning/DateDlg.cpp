@@ -1,0 +1,113 @@
+#include "ui/planning/DateDlg.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QCalendarWidget>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QTextCharFormat>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+
+QDate ToQDate(std::chrono::year_month_day date)
+{
+    return {static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
+            static_cast<int>(static_cast<unsigned>(date.day()))};
+}
+
+QPushButton* AddButton(QHBoxLayout& row, int textId)
+{
+    auto* const button = new QPushButton(UiText(textId));
+    button->setMinimumSize(12 * kGrid, 6 * kGrid);
+    button->setAutoDefault(false);
+    row.addWidget(button);
+    return button;
+}
+
+/// The buttons of the calendar's own are small and drawn for another style.
+void Enlarge(QCalendarWidget& calendar)
+{
+    const auto button = [&](const QString& name, const QString& icon) {
+        if (auto* const found = calendar.findChild<QToolButton*>(name)) {
+            found->setMinimumSize(6 * kGrid, 6 * kGrid);
+            if (!icon.isEmpty()) {
+                found->setIcon(ThemeIcon(icon));
+                found->setIconSize({3 * kGrid, 3 * kGrid});
+            }
+        }
+    };
+    button(QStringLiteral("qt_calendar_prevmonth"), QStringLiteral("back"));
+    button(QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("forward"));
+    button(QStringLiteral("qt_calendar_monthbutton"), {});
+    button(QStringLiteral("qt_calendar_yearbutton"), {});
+    if (auto* const bar =
+            calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"))) {
+        bar->setBackgroundRole(QPalette::Button);
+        QPalette palette = bar->palette();
+        palette.setColor(QPalette::Highlight, Theme::Current().raised);
+        palette.setColor(QPalette::HighlightedText, Theme::Current().text);
+        bar->setPalette(palette);
+    }
+}
+
+} // namespace
+
+DateDlg::DateDlg(std::chrono::year_month_day date, std::chrono::year_month_day today,
+                 QWidget* parent)
+    : Dialog(parent), m_calendar(new QCalendarWidget)
+{
+    setWindowTitle(UiText(text::kPlanDate));
+    setAccessibleName(windowTitle());
+    m_calendar->setLocale(QLocale(QLocale::Japanese, QLocale::Japan));
+    m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    m_calendar->setAccessibleName(windowTitle());
+    m_calendar->setDateRange({1980, 1, 6}, {2079, 12, 31});
+    m_calendar->setSelectedDate(ToQDate(date));
+    m_calendar->setMinimumSize(7 * 6 * kGrid, 8 * 6 * kGrid);
+    const Theme& theme = Theme::Current();
+    QTextCharFormat weekend;
+    weekend.setForeground(theme.bad);
+    m_calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
+    weekend.setForeground(theme.accent);
+    m_calendar->setWeekdayTextFormat(Qt::Saturday, weekend);
+    QTextCharFormat header;
+    header.setBackground(theme.ground);
+    m_calendar->setHeaderTextFormat(header);
+    Enlarge(*m_calendar);
+
+    auto* const layout = new QVBoxLayout(this);
+    layout->addWidget(m_calendar, 1);
+    auto* const row = new QHBoxLayout;
+    QPushButton* const now = AddButton(*row, text::kPlanToday);
+    row->addStretch(1);
+    QPushButton* const cancel = AddButton(*row, text::kButtonCancel);
+    QPushButton* const ok = AddButton(*row, text::kButtonOk);
+    ok->setDefault(true);
+    layout->addLayout(row);
+    connect(now, &QPushButton::clicked, this,
+            [this, today] { m_calendar->setSelectedDate(ToQDate(today)); });
+    connect(cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
+    connect(ok, &QPushButton::clicked, this, [this] { Close(kOk); });
+    connect(m_calendar, &QCalendarWidget::activated, this, [this] { Close(kOk); });
+}
+
+std::optional<std::chrono::year_month_day> DateDlg::Ask()
+{
+    if (DoModal() != kOk) {
+        return std::nullopt;
+    }
+    const QDate date = m_calendar->selectedDate();
+    return std::chrono::year(date.year()) / date.month() / date.day();
+}
+
+} // namespace fieldcore

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/planning/SurveyPlanCalc.h"
+#include "ui/controls/PropertyPage.h"
+
+#include <array>
+
+class QAbstractButton;
+
+namespace fieldcore {
+
+class CSpinDouble;
+class CSurveyPlan;
+
+/// Page of the plan's detail settings: which satellites count, and what makes a window of time a
+/// good one. Both hold as long as the plan's screen is there. User-interface thread only.
+class CPlanDet : public PropertyPage
+{
+    Q_OBJECT
+
+public:
+    /// @param plan  read when the page is shown and set on OK; must outlive it
+    explicit CPlanDet(CSurveyPlan& plan, QWidget* parent = nullptr);
+
+protected:
+    void OnInitDialog() override;
+    bool OnKillActive() override;
+    bool OnOK() override;
+
+private:
+    void CheckAll(bool checked);
+
+    CSurveyPlan& m_plan;
+    std::array<QAbstractButton*, CSurveyPlanCalc::kSatellites> m_satellites; // owned by the page
+    CSpinDouble* m_fewest; // owned by the page, as are the next two
+    CSpinDouble* m_pdop;
+    CSpinDouble* m_minutes;
+};
+
+} // namespace fieldcore

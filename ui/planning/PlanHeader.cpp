@@ -1,0 +1,139 @@
+#include "ui/planning/PlanHeader.h"
+
+#include "core/planning/AlmanacState.h"
+#include "core/resources/StringTable.h"
+#include "ui/controls/Dialog.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+
+QString DateOf(std::chrono::year_month_day date)
+{
+    return QString::asprintf("%02d/%02d/%02d", static_cast<int>(date.year()),
+                             static_cast<int>(static_cast<unsigned>(date.month())),
+                             static_cast<int>(static_cast<unsigned>(date.day())));
+}
+
+} // namespace
+
+PlanHeader::PlanHeader(QWidget* parent)
+    : QWidget(parent), m_top(new QHBoxLayout), m_site(new QLabel), m_date(new QLabel),
+      m_almanacDate(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
+{
+    Dialog::SetControlId(m_date, kPlanDateId);
+    Dialog::SetControlId(m_almanacDate, kAlmanacDateId);
+    m_site->setWordWrap(true);
+    m_site->setTextFormat(Qt::PlainText);
+    m_site->setAccessibleName(UiText(text::kPlanPageSite));
+    m_date->setAlignment(Qt::AlignCenter);
+    m_date->setAccessibleName(UiText(text::kPlanDate));
+    m_almanacDate->setAccessibleName(UiText(text::kPlanAlmanac));
+    m_age->setWordWrap(true);
+
+    QAbstractButton* const previous = MakeButton(QStringLiteral("back"), text::kPlanPreviousDay);
+    QAbstractButton* const next = MakeButton(QStringLiteral("forward"), text::kPlanNextDay);
+    QAbstractButton* const calendar = MakeButton(QStringLiteral("calendar"), text::kPlanCalendar);
+    connect(previous, &QAbstractButton::clicked, this, [this] { Q_EMIT DayStepped(-1); });
+    connect(next, &QAbstractButton::clicked, this, [this] { Q_EMIT DayStepped(1); });
+    connect(calendar, &QAbstractButton::clicked, this, &PlanHeader::CalendarRequested);
+
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(kGrid / 2);
+    m_top->setSpacing(kGrid);
+    m_top->addWidget(m_site, 1);
+    layout->addLayout(m_top);
+    auto* const day = new QHBoxLayout;
+    day->setSpacing(kGrid);
+    day->addWidget(previous);
+    day->addWidget(m_date, 1);
+    day->addWidget(next);
+    day->addWidget(calendar);
+    layout->addLayout(day);
+    auto* const almanac = new QHBoxLayout;
+    almanac->setSpacing(kGrid);
+    almanac->addWidget(m_almanacSign);
+    almanac->addWidget(new QLabel(UiText(text::kPlanAlmanac)));
+    almanac->addWidget(m_almanacDate);
+    almanac->addWidget(m_age, 1);
+    layout->addLayout(almanac);
+    UpdateLook();
+}
+
+QAbstractButton* PlanHeader::MakeButton(const QString& icon, int nameId)
+{
+    auto* const button = new QToolButton;
+    button->setIcon(ThemeIcon(icon));
+    button->setIconSize({3 * kGrid, 3 * kGrid});
+    button->setMinimumSize(6 * kGrid, 6 * kGrid);
+    button->setToolTip(UiText(nameId));
+    button->setAccessibleName(UiText(nameId));
+    return button;
+}
+
+void PlanHeader::AddTools(QWidget* tools)
+{
+    tools->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    tools->setAutoFillBackground(false);
+    m_top->addWidget(tools);
+}
+
+void PlanHeader::ShowSite(const QString& site)
+{
+    m_site->setText(site);
+}
+
+void PlanHeader::ShowDates(const PlanDrawing& drawing)
+{
+    m_date->setText(DateOf(drawing.plan->Period().date));
+    const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
+    if (almanac.satellites == 0) {
+        m_almanacDate->setText(UiText(text::kPlanAlmanacUnknown));
+        m_age->setText(UiText(text::kPlanAlmanacMissing));
+    } else {
+        m_almanacDate->setText(DateOf(std::chrono::floor<std::chrono::days>(almanac.time)));
+        m_age->setText(AlmanacAgeText(drawing));
+    }
+    m_isAlmanacBad = almanac.satellites == 0 || almanac.isOld;
+    UpdateLook();
+}
+
+void PlanHeader::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        UpdateLook();
+    }
+}
+
+void PlanHeader::UpdateLook()
+{
+    const Theme& theme = Theme::Current();
+    QFont large = font();
+    large.setPixelSize(fontInfo().pixelSize() * 5 / 4);
+    large.setBold(true);
+    m_site->setFont(large);
+    m_date->setFont(large);
+    QPalette palette = this->palette();
+    palette.setColor(QPalette::WindowText, m_isAlmanacBad ? theme.attention : theme.second);
+    m_age->setPalette(palette);
+    const int edge = fontInfo().pixelSize() * 5 / 4;
+    m_almanacSign->setPixmap(DrawIcon(QStringLiteral("exclamation"), edge, devicePixelRatioF(),
+                                      theme.attention, theme.attention));
+    m_almanacSign->setVisible(m_isAlmanacBad);
+}
+
+} // namespace fieldcore

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ui/planning/PlanDrawing.h"
+
+#include <QWidget>
+
+#include <chrono>
+
+class QAbstractButton;
+class QHBoxLayout;
+class QLabel;
+
+namespace fieldcore {
+
+/// The head of the plan's screen: the site, its day with buttons that change it, and the almanac
+/// with its age, in amber where that is old or missing. User-interface thread only.
+class PlanHeader : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // Numbers of the labels that show the dates.
+    static constexpr int kPlanDateId = 21378;
+    static constexpr int kAlmanacDateId = 21380;
+
+    explicit PlanHeader(QWidget* parent = nullptr);
+
+    /// Puts a bar of tools beside the site's name.
+    /// @param tools  owned by the header from now on
+    void AddTools(QWidget* tools);
+
+    /// @param site  its name
+    void ShowSite(const QString& site);
+    /// Shows both dates as year, month and day; that of the almanac as "--" while there is none.
+    /// @param drawing  with its plan, whose Period() and Calc() count
+    void ShowDates(const PlanDrawing& drawing);
+
+Q_SIGNALS:
+    /// @param days  to go by, 1 or -1
+    void DayStepped(int days);
+    void CalendarRequested();
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    QAbstractButton* MakeButton(const QString& icon, int nameId);
+    void UpdateLook();
+
+    QHBoxLayout* m_top; // owned by the widget, as is all that follows
+    QLabel* m_site;
+    QLabel* m_date;
+    QLabel* m_almanacDate;
+    QLabel* m_almanacSign;
+    QLabel* m_age;
+    bool m_isAlmanacBad = false;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,48 @@
+#include "ui/planning/PlanSurroundings.h"
+
+#include "core/platform/Folders.h"
+
+#include <QFile>
+#include <QFileDialog>
+
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+std::filesystem::path AskForFile(QWidget* parent, bool save, const std::filesystem::path& suggested,
+                                 const QString& filter)
+{
+    const QString start = QFile::decodeName(suggested.c_str());
+    const QString chosen = save ? QFileDialog::getSaveFileName(parent, QString(), start, filter)
+                                : QFileDialog::getOpenFileName(parent, QString(), start, filter);
+    return QFile::encodeName(chosen).toStdString();
+}
+
+} // namespace
+
+PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given)
+{
+    const Folders folders;
+    if (given.folder.empty()) {
+        given.folder = folders.Program();
+    }
+    if (given.documents.empty()) {
+        given.documents = folders.Documents();
+    }
+    if (given.roots == nullptr) {
+        given.roots = &SettingsRoots::Instance();
+    }
+    if (!given.makeConnect) {
+        given.makeConnect = [](CCommand& command) {
+            return std::make_unique<CConnect>(command, 0, ConnectTarget{});
+        };
+    }
+    if (!given.chooseFile) {
+        given.chooseFile = AskForFile;
+    }
+    return given;
+}
+
+} // namespace fieldcore

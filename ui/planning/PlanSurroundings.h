@@ -1,0 +1,41 @@
+#pragma once
+
+#include "core/link/Connect.h"
+#include "core/settings/SettingsRoots.h"
+
+#include <QString>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace fieldcore {
+
+class CCommand;
+
+/// What the screen of the plan uses of the world around it. What is left out is this machine's own.
+/// What is pointed to must outlive the screen.
+struct PlanSurroundings
+{
+    std::filesystem::path folder;    ///< the program's: almanac, sites and curtain
+    std::filesystem::path documents; ///< where files are saved by default
+    SettingsRoots* roots = nullptr;
+    const Clock* clock = nullptr; ///< today's date; nullptr: that of the command channel
+
+    /// Makes the screen that connects to the receiver; without one, connecting has none.
+    std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
+
+    /// Asks for a file.
+    /// @param suggested  where to begin: a file to be saved, or a folder to open one from
+    /// @return empty if the user cancels
+    std::function<std::filesystem::path(
+        QWidget* parent, bool save, const std::filesystem::path& suggested, const QString& filter)>
+        chooseFile;
+
+    /// @p given with everything in it that was left out.
+    [[nodiscard]] static PlanSurroundings Completed(PlanSurroundings given);
+};
+
+} // namespace fieldcore

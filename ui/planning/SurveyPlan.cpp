@@ -1,0 +1,335 @@
+#include "ui/planning/SurveyPlan.h"
+
+#include "core/host/MesBox.h"
+#include "core/link/Command.h"
+#include "core/resources/StringTable.h"
+#include "ui/controls/LabelSpin.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/PrgEndMes.h"
+#include "ui/controls/PropertySheet.h"
+#include "ui/controls/TextProgressCtrl.h"
+#include "ui/controls/UiText.h"
+#include "ui/planning/AlmanacProgress.h"
+#include "ui/planning/CurtainEditor.h"
+#include "ui/planning/PlanDet.h"
+#include "ui/planning/PlanGraphView.h"
+#include "ui/planning/PlanHeader.h"
+#include "ui/planning/PlanPos.h"
+#include "ui/planning/PlanSet.h"
+
+#include <array>
+
+namespace fieldcore {
+
+namespace {
+
+/// The items of the graphs in the order of the menu.
+struct GraphItem
+{
+    int id;
+    PlanGraph graph;
+};
+constexpr std::array kGraphItems{
+    GraphItem{text::kGraphCount, PlanGraph::Count},
+    GraphItem{text::kGraphAzimuth, PlanGraph::Azimuth},
+    GraphItem{text::kGraphElevation, PlanGraph::Elevation},
+    GraphItem{text::kGraphSkyPlot, PlanGraph::SkyPlot},
+    GraphItem{text::kGraphPdop, PlanGraph::Pdop},
+    GraphItem{text::kGraphGdop, PlanGraph::Gdop},
+    GraphItem{text::kGraphTdop, PlanGraph::Tdop},
+};
+static_assert(kGraphItems.front().id == CSurveyPlan::kFirstGraph);
+static_assert(kGraphItems.back().id == CSurveyPlan::kLastGraph);
+
+/// The wait cursor as long as it lives.
+class WaitCursor
+{
+public:
+    explicit WaitCursor(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
+    ~WaitCursor() { m_host.ShowWaitCursor(false); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+private:
+    Host& m_host;
+};
+
+} // namespace
+
+CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, QWidget* parent)
+    : CSurveyPlan(command, loadWay, PlanSurroundings{}, parent)
+{}
+
+CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings& surroundings,
+                         QWidget* parent)
+    : Dialog(parent), m_command(command), m_loadWay(loadWay),
+      m_surroundings(PlanSurroundings::Completed(surroundings)), m_reg(*m_surroundings.roots),
+      m_session(m_surroundings.folder, m_reg)
+{
+    setWindowTitle(UiText(text::kPlanTitle));
+    setAccessibleName(windowTitle());
+    SetControlId(this, GetHost().IsQ77() ? kTemplateQ77Id : kTemplateId);
+    BuildControls();
+}
+
+CSurveyPlan::~CSurveyPlan()
+{
+    Destroy();
+}
+
+Host& CSurveyPlan::GetHost() const
+{
+    return m_command != nullptr ? m_command->GetHost() : DefaultHost();
+}
+
+bool CSurveyPlan::OnInitDialog()
+{
+    const Clock& own = m_command != nullptr ? m_command->GetClock() : SystemClock::Instance();
+    const AlmanacMessage almanac =
+        m_session.Begin(m_surroundings.clock != nullptr ? *m_surroundings.clock : own);
+    BuildMenu();
+    SetGround();
+    DoDataExchange(false);
+    m_header->ShowSite(ToQt(GetPositionStr()));
+    m_graph->SetDrawing(Drawing());
+    ShowSlider();
+    Tell(almanac);
+    ShowDates();
+    if (m_session.HasAlmanac()) {
+        DrawResults();
+    }
+    m_graph->setFocus();
+    return false;
+}
+
+void CSurveyPlan::DoDataExchange(bool fromControls)
+{
+    if (fromControls) {
+        m_session.MoveStart(m_start->value());
+        ShowSpins(m_session.MoveEnd(m_end->value()));
+    } else {
+        ShowSpins(m_session.ResetSpins());
+    }
+}
+
+void CSurveyPlan::ShowSpins(const PlanSession::Spins& spins)
+{
+    m_start->setValue(spins.start);
+    m_end->setValue(spins.end);
+}
+
+void CSurveyPlan::Tell(const AlmanacMessage& message) const
+{
+    if (message.text != 0) {
+        CMesBox(GetHost()).Show(message.text, message.caption, {BoxButtons::Ok, message.icon});
+    }
+}
+
+PlanDrawing CSurveyPlan::Drawing() const
+{
+    PlanDrawing drawing = m_graph->Drawing(); // the slider's time, and from where it is seen
+    drawing.plan = &m_session.Plan();
+    drawing.graph = m_session.Graph();
+    drawing.site = GetPositionStr();
+    drawing.maskDeg = GetElMaskData();
+    drawing.limits = m_session.Limits();
+    return drawing;
+}
+
+void CSurveyPlan::DrawResults()
+{
+    const WaitCursor wait(GetHost());
+    m_session.Compute();
+    m_intervalMin = static_cast<int>(m_session.Plan().Computed().Interval().count());
+    m_graph->SetDrawing(Drawing());
+    ShowSlider();
+    ShowWindows();
+}
+
+void CSurveyPlan::ShowDates()
+{
+    m_header->ShowDates(Drawing());
+}
+
+int CSurveyPlan::GetMenuID(int drawType)
+{
+    for (const GraphItem& item : kGraphItems) {
+        if (static_cast<int>(item.graph) == drawType) {
+            return item.id;
+        }
+    }
+    return kFirstGraph;
+}
+
+void CSurveyPlan::SetDrawType(int drawType)
+{
+    m_session.SetGraph(drawType);
+    DrawResults();
+    m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(drawType));
+}
+
+void CSurveyPlan::OnMenu(int id)
+{
+    switch (id) {
+    case kDetailItem:
+        OnPlanSetDetail();
+        return;
+    case kCurtainItem:
+        OnPlanSetCurtain();
+        return;
+    case kAlmanacItem:
+        OnPlanSetAlm();
+        return;
+    default:
+        break;
+    }
+    for (const GraphItem& item : kGraphItems) {
+        if (item.id == id) {
+            SetDrawType(static_cast<int>(item.graph));
+        }
+    }
+}
+
+void CSurveyPlan::OnHScroll(bool isEnd, bool isStartSpin)
+{
+    if (isEnd) {
+        if (!IsTimerRunning(kRefreshTimer)) {
+            SetTimer(kRefreshTimer, kRefreshMs);
+        }
+        return;
+    }
+    KillTimer(kRefreshTimer);
+    ShowSpins(isStartSpin ? m_session.MoveStart(m_start->value())
+                          : m_session.MoveEnd(m_end->value()));
+}
+
+void CSurveyPlan::OnTimer(int id)
+{
+    if (id == kRefreshTimer) {
+        KillTimer(kRefreshTimer);
+        ShowDates(); // the age of the almanac follows the start
+        DrawResults();
+    }
+}
+
+void CSurveyPlan::OnPlanSetAlm()
+{
+    if (m_command == nullptr) {
+        return;
+    }
+    if (m_surroundings.makeConnect(*m_command)->DoModal() != CConnect::Connected) {
+        return;
+    }
+    std::vector<AlmanacMessage> messages;
+    {
+        const WaitCursor wait(GetHost());
+        AlmanacProgress progress(*m_command, *m_progress);
+        messages = m_session.UpdateAlmanac(*m_command,
+                                           [&progress](int prn) { return progress.Show(prn); });
+    }
+    for (const AlmanacMessage& message : messages) {
+        Tell(message);
+    }
+    ShowDates();
+    DrawResults();
+}
+
+void CSurveyPlan::OnPlanSetDetail()
+{
+    PropertySheet sheet(UiText(text::kPlanDetail), this);
+    sheet.AddPage(new CPlanSet(*this), UiText(text::kPlanPageConditions));
+    sheet.AddPage(new CPlanPos(*this), UiText(text::kPlanPageSite));
+    sheet.AddPage(new CPlanDet(*this), UiText(text::kPlanPageDetail));
+    sheet.resize(size());
+    if (sheet.DoModal() != kOk) {
+        return;
+    }
+    DoDataExchange(false);
+    m_header->ShowSite(ToQt(GetPositionStr()));
+    m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
+    ShowDates();
+    DrawResults();
+}
+
+void CSurveyPlan::OnPlanSetCurtain()
+{
+    CurtainEditor editor(m_session, m_surroundings, GetHost(), this);
+    editor.resize(size());
+    if (editor.DoModal() == kOk) {
+        DrawResults();
+    }
+}
+
+bool CSurveyPlan::OnClose(int result)
+{
+    if (m_loadWay == 0 || result != kCancelled) {
+        return true;
+    }
+    const int answer = CPrgEndMes(CPrgEndMes::Mode::Logging, this).DoModal();
+    if (answer == CPrgEndMes::kStay) {
+        return false;
+    }
+    if (m_command != nullptr) {
+        if (answer != CPrgEndMes::kEnd) {
+            m_command->PowerOff();
+        }
+        m_command->ClosePort();
+    }
+    return true;
+}
+
+void CSurveyPlan::OnDestroy()
+{
+    m_session.SaveSettings();
+    KillTimer(kRefreshTimer);
+}
+
+template <typename Change>
+void CSurveyPlan::ChangeSettings(Change change)
+{
+    PlanSettings settings = m_session.Settings();
+    change(settings);
+    m_session.SetSettings(settings);
+}
+
+void CSurveyPlan::SetElMaskData(int maskDeg)
+{
+    m_session.SetMask(maskDeg);
+}
+
+void CSurveyPlan::SetStartTimeData(int hour)
+{
+    ChangeSettings([hour](PlanSettings& settings) { settings.startHour = hour; });
+}
+
+void CSurveyPlan::SetDispTimeData(int hours)
+{
+    ChangeSettings([hours](PlanSettings& settings) { settings.hours = hours; });
+}
+
+void CSurveyPlan::SetListCoordData(int choice)
+{
+    ChangeSettings([choice](PlanSettings& settings) { settings.listCoord = choice; });
+}
+
+void CSurveyPlan::SetPositionData(int number)
+{
+    ChangeSettings([number](PlanSettings& settings) { settings.positionNo = number; });
+}
+
+const std::wstring& CSurveyPlan::GetPositionStr() const
+{
+    return m_session.Settings().position;
+}
+
+void CSurveyPlan::SetPositionStr(const std::wstring& name)
+{
+    ChangeSettings([&name](PlanSettings& settings) { settings.position = name; });
+}
+
+void CSurveyPlan::SetPositionID(int id)
+{
+    ChangeSettings([id](PlanSettings& settings) { settings.positionId = id; });
+}
+
+} // namespace fieldcore

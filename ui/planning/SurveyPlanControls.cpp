@@ -1,0 +1,242 @@
+// How the controls of the plan's screen stand, and what follows them without a rule of its own.
+
+#include "ui/planning/SurveyPlan.h"
+
+#include "core/link/Command.h"
+#include "core/planning/PlanSeries.h"
+#include "core/resources/StringTable.h"
+#include "ui/controls/LabelSpin.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/NToolBar.h"
+#include "ui/controls/TextProgressCtrl.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+#include "ui/planning/DateDlg.h"
+#include "ui/planning/PlanExportMenu.h"
+#include "ui/planning/PlanGraphView.h"
+#include "ui/planning/PlanHeader.h"
+
+#include <QLabel>
+#include <QResizeEvent>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+/// From this width on the panel stands beside the graph.
+constexpr int kWide = 900;
+
+constexpr int kExportTool = 1;
+constexpr int kFromBelowTool = 2;
+
+LabelSpin* MakeHourSpin(int id, int labelId, int nameId, int first, int last)
+{
+    auto* const spin = new LabelSpin;
+    spin->setRange(first, last);
+    spin->SetLabel(LabelSpin::HourLabel);
+    spin->setAccessibleName(UiText(nameId));
+    Dialog::SetControlId(spin, id);
+    Dialog::SetControlId(spin->LabelControl(), labelId);
+    return spin;
+}
+
+} // namespace
+
+void CSurveyPlan::BuildControls()
+{
+    m_graph = new PlanGraphView;
+    SetControlId(m_graph, kGraphId);
+    m_graph->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    m_panel = BuildPanel();
+    m_timeRow = new QWidget;
+    m_time = new QSlider(Qt::Horizontal);
+    m_time->setAccessibleName(UiText(text::kPlanTime));
+    m_time->setMinimumHeight(TouchStyle::kTarget);
+    m_timeText = new QLabel;
+    auto* const time = new QHBoxLayout(m_timeRow);
+    time->setContentsMargins(0, 0, 0, 0);
+    time->setSpacing(kGrid);
+    time->addWidget(m_time, 1);
+    time->addWidget(m_timeText);
+    m_windows = new QLabel;
+    m_windows->setWordWrap(true);
+    m_progress = new CTextProgressCtrl;
+    m_progress->hide();
+
+    auto* const right = new QVBoxLayout;
+    right->setSpacing(kGrid / 2);
+    right->addWidget(m_graph, 1);
+    right->addWidget(m_timeRow);
+    right->addWidget(m_windows);
+    right->addWidget(m_progress);
+    m_body = new QBoxLayout(QBoxLayout::TopToBottom);
+    m_body->setContentsMargins(12, kGrid, 12, kGrid);
+    m_body->setSpacing(kGrid);
+    m_body->addWidget(m_panel);
+    m_body->addLayout(right, 1);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(m_body, 1);
+
+    connect(m_time, &QSlider::valueChanged, m_graph,
+            [this](int minutes) { m_graph->SetTime(minutes); });
+    connect(m_graph, &PlanGraphView::timeChanged, this, [this] { ShowSlider(); });
+    connect(m_graph, &PlanGraphView::maskChanged, this, &CSurveyPlan::DragMask);
+}
+
+QWidget* CSurveyPlan::BuildPanel()
+{
+    m_header = new PlanHeader;
+    m_start = MakeHourSpin(kStartSpinId, kStartLabelId, text::kPlanStart, 0, 23);
+    m_end = MakeHourSpin(kEndSpinId, kEndLabelId, text::kPlanEnd, 1, 24);
+    m_tools = new CnToolBar;
+    m_tools->AddButton(kExportTool, QStringLiteral("download"), UiText(text::kPlanExport));
+    m_tools->AddButton(kFromBelowTool, QStringLiteral("restore"), UiText(text::kPlanFromBelow));
+    m_tools->CheckItem(kFromBelowTool, false);
+
+    auto* const panel = new QWidget;
+    auto* const layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(kGrid / 2);
+    layout->addWidget(m_header);
+    auto* const spins = new QHBoxLayout;
+    spins->setSpacing(kGrid);
+    spins->addWidget(m_start, 1);
+    spins->addWidget(m_end, 1);
+    layout->addLayout(spins);
+    layout->addStretch(1);
+    m_header->AddTools(m_tools);
+
+    connect(m_header, &PlanHeader::DayStepped, this, [this](int days) {
+        SetDay(std::chrono::sys_days(GetSystemTime()) + std::chrono::days(days));
+    });
+    connect(m_header, &PlanHeader::CalendarRequested, this, [this] {
+        const auto now = m_surroundings.clock != nullptr ? m_surroundings.clock->Utc()
+                                                         : SystemClock::Instance().Utc();
+        DateDlg calendar(GetSystemTime(), std::chrono::floor<std::chrono::days>(now), this);
+        if (const auto date = calendar.Ask()) {
+            SetDay(*date);
+        }
+    });
+    for (const bool isStart : {true, false}) {
+        const LabelSpin* const spin = isStart ? m_start : m_end;
+        connect(spin, &LabelSpin::SpinMoved, this, [this, isStart] { OnHScroll(false, isStart); });
+        connect(spin, &LabelSpin::ScrollEnded, this, [this, isStart] { OnHScroll(true, isStart); });
+    }
+    connect(m_tools, &CnToolBar::ItemChosen, this, [this](int id) {
+        if (id == kExportTool) {
+            Export();
+        } else {
+            m_graph->SetFromBelow(m_tools->IsItemChecked(kFromBelowTool));
+        }
+    });
+    return panel;
+}
+
+void CSurveyPlan::BuildMenu()
+{
+    delete m_menu; // of an earlier showing
+    m_menu = new CnMenuBar(m_loadWay);
+    SetControlId(m_menu, kMenuBarId);
+    const int settings = m_menu->AddPopup(UiText(text::kPlanMenuSettings));
+    m_menu->AddItem(settings, kDetailItem, UiText(text::kPlanDetail));
+    m_menu->AddItem(settings, kCurtainItem, UiText(text::kPlanCurtain));
+    m_menu->AddSeparator(settings);
+    m_menu->AddItem(settings, kAlmanacItem, UiText(text::kPlanUpdate));
+    m_menu->EnableItem(kAlmanacItem, m_command != nullptr);
+    const int graphs = m_menu->AddPopup(UiText(text::kPlanMenuGraph));
+    for (int id = kFirstGraph; id <= kLastGraph; ++id) {
+        m_menu->AddItem(graphs, id, UiText(id));
+        if (id == text::kGraphCount || id == text::kGraphElevation || id == text::kGraphSkyPlot) {
+            m_menu->AddSeparator(graphs);
+        }
+    }
+    m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
+    layout()->addWidget(m_menu);
+    connect(m_menu, &CnMenuBar::ItemChosen, this, &CSurveyPlan::OnMenu);
+    connect(m_menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+}
+
+void CSurveyPlan::SetGround()
+{
+    m_graph->SetGround(Theme::Current().isDark ? QColor() : PlanGraphView::ControllerGround());
+}
+
+void CSurveyPlan::SetDay(std::chrono::year_month_day date)
+{
+    SetSystemTime(date);
+    ShowDates();
+    DrawResults();
+}
+
+void CSurveyPlan::DragMask(int maskDeg)
+{
+    m_session.SetMask(maskDeg);
+    m_session.Compute();
+    m_graph->Refresh(maskDeg);
+    ShowWindows();
+}
+
+void CSurveyPlan::ShowWindows()
+{
+    constexpr std::size_t kShown = 2;
+    const ObservationPlan& plan = m_session.Plan();
+    const std::vector<PlanWindow> windows = FindWindows(plan, m_session.Limits());
+    std::wstring list;
+    for (std::size_t i = 0; i < windows.size() && i < kShown; ++i) {
+        const std::string from = plan.Computed().ClockText(windows[i].first);
+        const std::string to = plan.Computed().ClockText(windows[i].last);
+        list += (i > 0 ? L"、" : L"") + FormatText(text::kPlotWindow,
+                                                   std::wstring(from.begin(), from.end()).c_str(),
+                                                   std::wstring(to.begin(), to.end()).c_str());
+    }
+    if (windows.size() > kShown) {
+        list = FormatText(text::kPlanMoreWindows, list.c_str(),
+                          static_cast<int>(windows.size() - kShown));
+    }
+    m_windows->setText(windows.empty() ? UiText(text::kPlanNoWindow)
+                                       : ToQt(FormatText(text::kPlanBestWindows, list.c_str())));
+}
+
+void CSurveyPlan::ShowSlider()
+{
+    const PlanDrawing& drawing = m_graph->Drawing();
+    const QSignalBlocker quiet(m_time);
+    const bool isSky = drawing.graph == PlanGraph::SkyPlot;
+    m_timeRow->setVisible(IsTracks(drawing.graph) && drawing.HasPlan());
+    m_tools->EnableItem(kFromBelowTool, isSky);
+    m_time->setRange(0, static_cast<int>(drawing.LengthMin()));
+    m_time->setPageStep(static_cast<int>(drawing.IntervalMin()));
+    m_time->setValue(static_cast<int>(drawing.minutes));
+    m_timeText->setText(drawing.HasPlan() ? ReadingOfTime(drawing, drawing.minutes) : QString());
+}
+
+void CSurveyPlan::Export()
+{
+    PlanExportMenu menu(Drawing(), m_surroundings, GetHost(), this);
+    menu.exec(m_tools->mapToGlobal(QPoint(0, m_tools->height())));
+}
+
+void CSurveyPlan::resizeEvent(QResizeEvent* event)
+{
+    Dialog::resizeEvent(event);
+    const bool isWide = event->size().width() >= kWide;
+    m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_panel->setMaximumWidth(isWide ? kWide * 2 / 5 : QWIDGETSIZE_MAX);
+}
+
+void CSurveyPlan::changeEvent(QEvent* event)
+{
+    Dialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        SetGround();
+    }
+}
+
+} // namespace fieldcore
