@@ -5,6 +5,7 @@
 
 #include <QFontMetricsF>
 
+#include <algorithm>
 #include <cmath>
 
 namespace fieldcore {
@@ -76,6 +77,47 @@ void PaintGraph(QPainter& painter, const PlanDrawing& drawing, const PlotStyle& 
         painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, words);
         line.translate(0.0, line.height());
     }
+}
+
+std::optional<QPointF> PointOfSatellite(const PlanDrawing& drawing, const PlotStyle& style,
+                                        const QRectF& area, const SkySatellite& satellite)
+{
+    if (drawing.graph == PlanGraph::SkyPlot) {
+        return SkyPlot(drawing, style, area).PointOf(satellite.direction);
+    }
+    if (!satellite.isVisible) {
+        return std::nullopt;
+    }
+    return TimePlot(drawing, style, area).PointOfDirection(drawing.minutes, satellite.direction);
+}
+
+void PaintReading(QPainter& painter, const PlotStyle& style, const QRectF& area,
+                  const std::optional<QPointF>& point, const QStringList& reading)
+{
+    constexpr qreal kMark = 9.0;
+    painter.setBrush(Qt::NoBrush);
+    if (point) {
+        painter.setPen(PlotPen(style.text, 2.0));
+        painter.drawEllipse(*point, kMark, kMark);
+    }
+    const QFontMetricsF metrics(style.small);
+    qreal width = 0.0;
+    for (const QString& line : reading) {
+        width = std::max(width, metrics.horizontalAdvance(line));
+    }
+    const qreal height = static_cast<qreal>(reading.size()) * metrics.lineSpacing();
+    QRectF box(area.left(), area.top(), width + 16.0, height + 8.0);
+    if (!point || point->x() < area.center().x()) {
+        box.moveRight(area.right()); // never on what it speaks of
+    }
+    painter.setPen(PlotPen(style.second, 1.0));
+    painter.setBrush(style.ground);
+    painter.drawRoundedRect(box, 4.0, 4.0);
+    painter.setBrush(Qt::NoBrush);
+    painter.setFont(style.small);
+    painter.setPen(style.text);
+    painter.drawText(box.adjusted(8.0, 4.0, -8.0, -4.0), Qt::AlignLeft | Qt::TextDontClip,
+                     reading.join(QLatin1Char('\n')));
 }
 
 } // namespace fieldcore

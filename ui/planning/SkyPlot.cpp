@@ -118,10 +118,9 @@ void SkyPlot::DrawRings(QPainter& painter) const
     }
 }
 
-void SkyPlot::DrawTracks(QPainter& painter, LabelPlacer& labels) const
+void SkyPlot::DrawTracks(QPainter& painter, const std::vector<TrackRun>& runs) const
 {
     const double interval = m_drawing.IntervalMin();
-    const std::vector<TrackRun> runs = TrackRuns(*m_drawing.plan);
     for (const TrackRun& run : runs) {
         for (int epoch = run.first; epoch < run.last; ++epoch) {
             const auto step = m_drawing.plan->TrackAt(run.prnIndex, epoch);
@@ -136,11 +135,6 @@ void SkyPlot::DrawTracks(QPainter& painter, LabelPlacer& labels) const
         painter.drawEllipse(PointOf(*m_drawing.plan->DirectionAt(run.prnIndex, run.first)), kDot,
                             kDot);
         painter.setBrush(Qt::NoBrush);
-    }
-    DrawSatellites(painter, labels);
-    for (const TrackRun& run : runs) {
-        labels.Draw(painter, PointOf(*m_drawing.plan->DirectionAt(run.prnIndex, run.last)),
-                    QString::number(run.prnIndex + 1), 2.0);
     }
 }
 
@@ -163,21 +157,35 @@ void SkyPlot::DrawSatellites(QPainter& painter, LabelPlacer& labels) const
     }
 }
 
+void SkyPlot::DrawScale(QPainter& painter, LabelPlacer& labels) const
+{
+    const auto draw = [&](double azimuthDeg, int elevationDeg) {
+        labels.Draw(painter, At(azimuthDeg, elevationDeg),
+                    ToQt(FormatText(text::kPlotDegrees, static_cast<double>(elevationDeg))), 0.0);
+    };
+    draw(22.5, 30); // between the names of the directions
+    draw(22.5, 60);
+    if (m_drawing.maskDeg > 0) {
+        draw(kMaskLabelAzimuthDeg, m_drawing.maskDeg);
+    }
+}
+
 void SkyPlot::Draw(QPainter& painter) const
 {
     DrawCurtain(painter);
     DrawRings(painter);
+    const std::vector<TrackRun> runs = TrackRuns(*m_drawing.plan);
+    DrawTracks(painter, runs);
+    // In the order of weight: who comes late may find no room.
     LabelPlacer labels(m_style, QRectF(m_centre.x() - m_radius, m_centre.y() - m_radius,
                                        2.0 * m_radius, 2.0 * m_radius));
-    // The scale stands between north and north-east, where no name of a direction is.
-    for (const int elevation : {30, 60, m_drawing.maskDeg}) {
-        if (elevation > 0) {
-            labels.Draw(painter, At(elevation == m_drawing.maskDeg ? 157.5 : 22.5, elevation),
-                        ToQt(FormatText(text::kPlotDegrees, static_cast<double>(elevation))), 0.0);
-        }
+    DrawSatellites(painter, labels);
+    DrawScale(painter, labels);
+    for (const TrackRun& run : runs) {
+        labels.Draw(painter, PointOf(*m_drawing.plan->DirectionAt(run.prnIndex, run.last)),
+                    QString::number(run.prnIndex + 1), 2.0);
     }
-    DrawTracks(painter, labels);
-    if (TrackRuns(*m_drawing.plan).empty()) {
+    if (runs.empty()) {
         painter.setFont(m_style.font);
         painter.setPen(m_style.text);
         painter.drawText(
@@ -187,7 +195,7 @@ void SkyPlot::Draw(QPainter& painter) const
     if (m_drawing.isFromBelow) {
         painter.setFont(m_style.small);
         painter.setPen(m_style.second);
-        painter.drawText(m_area, Qt::AlignLeft | Qt::AlignTop, UiText(text::kPlotFromBelow));
+        painter.drawText(m_area, Qt::AlignLeft | Qt::AlignBottom, UiText(text::kPlotFromBelow));
     }
 }
 

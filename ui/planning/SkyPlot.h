@@ -1,11 +1,14 @@
 #pragma once
 
+#include "core/planning/PlanSeries.h"
 #include "ui/planning/PlanDrawing.h"
 #include "ui/planning/PlotStyle.h"
 
 #include <QPainter>
 #include <QPointF>
 #include <QRectF>
+
+#include <vector>
 
 namespace fieldcore {
 
@@ -28,6 +31,9 @@ public:
     /// outside the rim.
     [[nodiscard]] double ElevationDegAt(const QPointF& point) const;
 
+    /// Where the ring of the mask has its number.
+    static constexpr double kMaskLabelAzimuthDeg = 112.5;
+
     /// What is drawn does not clear its ground.
     void Draw(QPainter& painter) const;
 
@@ -35,7 +41,8 @@ private:
     [[nodiscard]] QPointF At(double azimuthDeg, double elevationDeg) const;
     void DrawCurtain(QPainter& painter) const;
     void DrawRings(QPainter& painter) const;
-    void DrawTracks(QPainter& painter, LabelPlacer& labels) const;
+    void DrawTracks(QPainter& painter, const std::vector<TrackRun>& runs) const;
+    void DrawScale(QPainter& painter, LabelPlacer& labels) const;
     void DrawSatellites(QPainter& painter, LabelPlacer& labels) const;
 
     const PlanDrawing& m_drawing;

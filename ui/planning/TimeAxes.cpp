@@ -9,7 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <string>
+#include <cstddef>
+#include <initializer_list>
 
 namespace fieldcore {
 
@@ -23,6 +24,14 @@ int StrideFor(qreal step, qreal room)
     const auto* const found = std::find_if(kStrides.begin(), kStrides.end(),
                                            [&](int stride) { return stride * step >= room; });
     return found == kStrides.end() ? kStrides.back() : *found;
+}
+
+/// Hours alone, and with minutes where there is room for sure.
+QString HourText(const PlanDrawing& drawing, int hour)
+{
+    constexpr double kShortMin = 6.0 * 60.0;
+    return QString::number(hour) +
+           (drawing.LengthMin() <= kShortMin ? QStringLiteral(":00") : QString());
 }
 
 /// On the middle of a pixel, where a line of one pixel is sharp.
@@ -39,10 +48,15 @@ TimeAxes::TimeAxes(const PlanDrawing& drawing, const PlotStyle& style, const QRe
 {
     const QFontMetricsF metrics(style.small);
     m_line = std::ceil(metrics.height());
-    const qreal left = std::ceil(std::max(metrics.horizontalAdvance(QStringLiteral("360°")),
-                                          metrics.horizontalAdvance(UiText(text::kPlotJst)))) +
-                       8.0;
-    const qreal right = std::ceil(metrics.horizontalAdvance(QStringLiteral("000"))) + 8.0;
+    const auto width = [&](const QString& text) { return metrics.horizontalAdvance(text); };
+    // Half of the first hour stands beside the name of its zone.
+    const qreal left = std::ceil(
+        std::max(width(QStringLiteral("360°")) + 8.0,
+                 width(UiText(text::kPlotUtc)) + 4.0 + width(HourText(drawing, 10)) / 2.0));
+    // The name of the curve, or the PRN of a track, stands behind its end.
+    const qreal right = std::ceil(width(IsTracks(drawing.graph) ? QStringLiteral("000")
+                                                                : GraphText(drawing.graph))) +
+                        10.0;
     m_plot = area.adjusted(left, 2.0 * m_line + 8.0, -right, -2.0 * m_line - 4.0);
     m_plot =
         QRectF(Crisp(m_plot.left()), Crisp(m_plot.top()), std::max(std::floor(m_plot.width()), 1.0),
@@ -69,11 +83,13 @@ double TimeAxes::MinutesAt(qreal x) const
 void TimeAxes::DrawValues(QPainter& painter) const
 {
     const qreal step = m_plot.height() / kGraphDivisions;
-    const int stride = StrideFor(step, m_line * 1.2);
+    const double division = GraphDivision(m_drawing.graph);
+    const bool isWhole = division == std::floor(division);
+    const int stride = std::max(StrideFor(step, m_line * 1.2), isWhole ? 1 : 2);
     const bool isAngle = IsTracks(m_drawing.graph);
     painter.setFont(m_style.small);
     for (int k = 0; k <= kGraphDivisions; ++k) {
-        const double value = k * GraphDivision(m_drawing.graph);
+        const double value = k * division;
         const qreal y = Crisp(YOf(value));
         painter.setPen(PlotPen(m_style.grid, 1.0));
         painter.drawLine(QPointF(m_plot.left(), y), QPointF(m_plot.right(), y));
@@ -94,13 +110,8 @@ void TimeAxes::DrawHours(QPainter& painter) const
     const QFontMetricsF metrics(m_style.small);
     const int first = m_drawing.plan->Computed().startHour;
     const int hours = static_cast<int>(std::lround(m_drawing.LengthMin() / 60.0));
-    const bool isShort = hours <= 6;
-    const qreal room =
-        metrics.horizontalAdvance(isShort ? QStringLiteral("00:00") : QStringLiteral("00")) + 10.0;
+    const qreal room = metrics.horizontalAdvance(HourText(m_drawing, 10)) + 10.0;
     const int stride = StrideFor(m_plot.width() / std::max(hours, 1), room);
-    const auto label = [&](int hour) {
-        return QString::number(hour) + (isShort ? QStringLiteral(":00") : QString());
-    };
     const qreal jst = m_plot.bottom() + 4.0 + m_line / 2.0;
     const qreal utc = jst + m_line;
     painter.setFont(m_style.small);
@@ -110,15 +121,13 @@ void TimeAxes::DrawHours(QPainter& painter) const
         painter.drawLine(QPointF(x, m_plot.top()), QPointF(x, m_plot.bottom()));
         if (k % stride == 0) {
             painter.setPen(m_style.text);
-            DrawCentred(painter, {x, jst}, label(first + k));
+            DrawCentred(painter, {x, jst}, HourText(m_drawing, first + k));
             painter.setPen(m_style.second);
-            DrawCentred(painter, {x, utc}, label((first + k + 15) % 24));
+            DrawCentred(painter, {x, utc}, HourText(m_drawing, (first + k + 15) % 24));
         }
     }
     const auto zone = [&](qreal y, int id) {
-        // The label of the first hour is centred under the axis and needs half of its width.
-        const qreal width = m_plot.left() - m_area.left() - (isShort ? 18.0 : 10.0);
-        painter.drawText(QRectF(m_area.left(), y - m_line / 2.0, width, m_line),
+        painter.drawText(QRectF(m_area.left(), y - m_line / 2.0, m_area.width(), m_line),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, UiText(id));
     };
     painter.setPen(m_style.text);
@@ -129,34 +138,61 @@ void TimeAxes::DrawHours(QPainter& painter) const
 
 void TimeAxes::DrawWindows(QPainter& painter) const
 {
-    const std::vector<PlanWindow> windows = FindWindows(*m_drawing.plan, m_drawing.limits);
-    const double interval = m_drawing.IntervalMin();
+    const PlanPeriod& period = m_drawing.plan->Computed();
     const QFontMetricsF metrics(m_style.small);
     const qreal top = m_plot.top() - m_line - 4.0;
-    qreal written = m_area.left(); // right end of the last text
-    painter.setFont(m_style.small);
+    const std::vector<PlanWindow> windows = FindWindows(*m_drawing.plan, m_drawing.limits);
+    std::vector<QRectF> taken;
     for (const PlanWindow& window : windows) {
-        const QRectF band(QPointF(XOf(window.first * interval), top),
-                          QPointF(XOf(window.last * interval), top + m_line));
+        const QRectF band(QPointF(XOf(window.first * m_drawing.IntervalMin()), top),
+                          QPointF(XOf(window.last * m_drawing.IntervalMin()), top + m_line));
         painter.fillRect(band, m_style.Faded(m_style.good, 0.22));
         painter.fillRect(QRectF(band.left(), band.bottom() - 3.0, band.width(), 3.0), m_style.good);
-        const PlanPeriod& period = m_drawing.plan->Computed();
-        const std::string from = period.ClockText(window.first);
-        const std::string to = period.ClockText(window.last);
-        const QString times =
-            ToQt(FormatText(text::kPlotWindow, std::wstring(from.begin(), from.end()).c_str(),
-                            std::wstring(to.begin(), to.end()).c_str()));
-        const qreal width = metrics.horizontalAdvance(times) + 6.0;
-        QRectF place(0.0, 0.0, width, m_line - 3.0);
-        place.moveCenter({band.center().x(), band.top() + (m_line - 3.0) / 2.0});
-        place.moveLeft(std::clamp(place.left(), m_area.left(),
-                                  std::max(m_area.left(), m_area.right() - width)));
-        // A short window's times may stand beside it, but not on those of another.
-        if (place.left() >= written) {
-            painter.setPen(m_style.text);
-            painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, times);
-            written = place.right();
+        taken.push_back(band);
+    }
+    painter.setFont(m_style.small);
+    painter.setPen(m_style.text);
+    for (std::size_t k = 0; k < windows.size(); ++k) {
+        const QString whole = UiText(text::kPlotWindow)
+                                  .arg(QString::fromStdString(period.ClockText(windows[k].first)),
+                                       QString::fromStdString(period.ClockText(windows[k].last)));
+        // The times of a short window may stand out of it, but not on another window or its times;
+        // where they do not fit, whole hours go without their minutes.
+        for (const QString& times : {whole, QString(whole).remove(QStringLiteral(":00"))}) {
+            const qreal width = metrics.horizontalAdvance(times) + 4.0;
+            QRectF place(0.0, 0.0, width, m_line - 3.0);
+            place.moveCenter({taken[k].center().x(), top + (m_line - 3.0) / 2.0});
+            place.moveLeft(std::clamp(place.left(), m_plot.left(),
+                                      std::max(m_plot.left(), m_area.right() - width)));
+            bool isFree = true;
+            for (std::size_t other = 0; other < taken.size(); ++other) {
+                isFree = isFree && (other == k || !taken[other].intersects(place));
+            }
+            if (isFree) {
+                painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, times);
+                taken[k] |= place;
+                break;
+            }
         }
+    }
+    DrawHeading(painter, !windows.empty());
+}
+
+void TimeAxes::DrawHeading(QPainter& painter, bool hasWindows) const
+{
+    const QRectF heading(m_area.left(), m_area.top(), m_plot.right() - m_area.left(), m_line);
+    painter.setFont(m_style.font);
+    painter.setPen(m_style.text);
+    painter.drawText(heading, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
+                     GraphText(m_drawing.graph));
+    painter.setFont(m_style.small); // what the band beneath is
+    const QString windows = UiText(hasWindows ? text::kPlotWindows : text::kPlotNoWindows);
+    painter.drawText(heading, Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, windows);
+    if (hasWindows) {
+        const qreal width = QFontMetricsF(m_style.small).horizontalAdvance(windows);
+        painter.fillRect(
+            QRectF(heading.right() - width - 26.0, heading.center().y() - 1.0, 20.0, 3.0),
+            m_style.good);
     }
 }
 
@@ -168,11 +204,6 @@ void TimeAxes::Draw(QPainter& painter) const
     painter.setPen(PlotPen(m_style.second, 1.0));
     painter.drawLine(m_plot.bottomLeft(), m_plot.bottomRight());
     painter.drawLine(m_plot.bottomLeft(), m_plot.topLeft());
-    painter.setFont(m_style.font);
-    painter.setPen(m_style.text);
-    painter.drawText(QRectF(m_area.left(), m_area.top(), m_area.width(), m_line),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
-                     GraphText(m_drawing.graph));
 }
 
 } // namespace fieldcore

@@ -37,6 +37,7 @@ private:
     void DrawValues(QPainter& painter) const;
     void DrawHours(QPainter& painter) const;
     void DrawWindows(QPainter& painter) const;
+    void DrawHeading(QPainter& painter, bool hasWindows) const;
 
     const PlanDrawing& m_drawing;
     const PlotStyle& m_style;

@@ -1,11 +1,9 @@
 #include "ui/planning/TimePlot.h"
 
 #include "core/planning/Degrees.h"
-#include "core/planning/PlanSeries.h"
 #include "ui/controls/UiText.h"
 
 #include <QFontMetricsF>
-#include <QPainterPath>
 #include <QPolygonF>
 
 #include <algorithm>
@@ -37,6 +35,11 @@ double TimePlot::ValueOf(const SkyDirection& direction) const
                                                            : direction.elevationRad);
 }
 
+QPointF TimePlot::PointOfDirection(double minutes, const SkyDirection& direction) const
+{
+    return PointOf(minutes, ValueOf(direction));
+}
+
 std::optional<QPointF> TimePlot::PointOfSatellite(int prnIndex, int epoch) const
 {
     const std::optional<SkyDirection> direction = m_drawing.plan->DirectionAt(prnIndex, epoch);
@@ -44,7 +47,17 @@ std::optional<QPointF> TimePlot::PointOfSatellite(int prnIndex, int epoch) const
                      : std::nullopt;
 }
 
-/// The line of a limit with its name, and what lies beyond it shaded.
+void TimePlot::Shade(QPainter& painter, double from, double to) const
+{
+    const QRectF& plot = m_axes.Plot();
+    const qreal top = m_axes.YOf(std::min(to, m_axes.Highest()));
+    const qreal bottom = m_axes.YOf(std::max(from, 0.0));
+    if (top < bottom) {
+        painter.fillRect(QRectF(plot.left(), top, plot.width(), bottom - top), m_style.shade);
+    }
+}
+
+/// The line of a limit with its name.
 void TimePlot::DrawLimit(QPainter& painter, double value, const QString& text, bool isUpper) const
 {
     if (value <= 0.0 || value >= m_axes.Highest()) {
@@ -52,12 +65,8 @@ void TimePlot::DrawLimit(QPainter& painter, double value, const QString& text, b
     }
     const QRectF& plot = m_axes.Plot();
     const qreal y = std::floor(m_axes.YOf(value)) + 0.5;
-    const QPointF left(plot.left(), y);
-    const QPointF right(plot.right(), y);
-    painter.fillRect(isUpper ? QRectF(plot.topLeft(), right) : QRectF(left, plot.bottomRight()),
-                     m_style.shade);
     painter.setPen(PlotPen(m_style.attention, 1.0, Qt::CustomDashLine));
-    painter.drawLine(left, right);
+    painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
     painter.setFont(m_style.small);
     painter.setPen(m_style.attention);
     const qreal height = QFontMetricsF(m_style.small).height();
@@ -91,17 +100,14 @@ void TimePlot::DrawHead(QPainter& painter, const QPointF& end) const
     painter.setPen(m_style.accent);
     const QFontMetricsF metrics(m_style.small);
     const QString name = GraphText(m_drawing.graph);
-    const qreal width = metrics.horizontalAdvance(name);
-    // Above the end, unless that is outside.
-    const qreal top = m_axes.Plot().top();
-    const qreal y =
-        end.y() - metrics.height() - 4.0 < top ? end.y() + 4.0 : end.y() - metrics.height() - 4.0;
-    painter.drawText(QRectF(end.x() - width - 4.0, y, width, metrics.height()),
-                     Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, name);
+    painter.drawText(QRectF(end.x() + 7.0, end.y() - metrics.height() / 2.0,
+                            metrics.horizontalAdvance(name), metrics.height()),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, name);
 }
 
 void TimePlot::DrawCount(QPainter& painter) const
 {
+    Shade(painter, 0.0, m_drawing.limits.minSatellites);
     DrawLimit(painter, m_drawing.limits.minSatellites,
               ToQt(FormatText(text::kPlotLowerLimit, m_drawing.limits.minSatellites)), false);
     const int division = m_drawing.plan->Division();
@@ -149,9 +155,9 @@ void TimePlot::DrawGap(QPainter& painter, double fromMin, double toMin) const
 void TimePlot::DrawDilution(QPainter& painter) const
 {
     const PlanGraph graph = m_drawing.graph;
+    const double limit = m_drawing.limits.maxPdop;
     if (graph == PlanGraph::Pdop) {
-        DrawLimit(painter, m_drawing.limits.maxPdop,
-                  ToQt(FormatText(text::kPlotUpperLimit, m_drawing.limits.maxPdop)), true);
+        Shade(painter, limit, m_axes.Highest());
     }
     const int division = m_drawing.plan->Division();
     const auto minutesOf = [&](int k) { return EpochOfSample(graph, k) * IntervalMin(); };
@@ -165,6 +171,9 @@ void TimePlot::DrawDilution(QPainter& painter) const
             DrawGap(painter, first == 0 ? 0.0 : minutesOf(first - 1),
                     k == division ? m_drawing.LengthMin() : minutesOf(k));
         }
+    }
+    if (graph == PlanGraph::Pdop) {
+        DrawLimit(painter, limit, ToQt(FormatText(text::kPlotUpperLimit, limit)), true);
     }
     std::optional<QPointF> end;
     for (int k = 0; k < division; ++k) {
@@ -198,6 +207,27 @@ void TimePlot::DrawDilution(QPainter& painter) const
     }
 }
 
+QPainterPath TimePlot::PathOf(const TrackRun& run) const
+{
+    const double all = m_axes.Highest();
+    QPainterPath path(*PointOfSatellite(run.prnIndex, run.first));
+    for (int epoch = run.first + 1; epoch <= run.last; ++epoch) {
+        const double from = ValueOf(*m_drawing.plan->DirectionAt(run.prnIndex, epoch - 1));
+        const double to = ValueOf(*m_drawing.plan->DirectionAt(run.prnIndex, epoch));
+        if (m_drawing.graph == PlanGraph::Azimuth && std::abs(to - from) > kHalfCircleDeg) {
+            // Out at one edge, in at the other at the same time.
+            const bool isUp = to < from;
+            const double rest = isUp ? all - from : from;
+            const double way = all - std::abs(to - from);
+            const double crossing = (epoch - 1 + (way > 0.0 ? rest / way : 0.0)) * IntervalMin();
+            path.lineTo(PointOf(crossing, isUp ? all : 0.0));
+            path.moveTo(PointOf(crossing, isUp ? 0.0 : all));
+        }
+        path.lineTo(*PointOfSatellite(run.prnIndex, epoch));
+    }
+    return path;
+}
+
 void TimePlot::DrawTracks(QPainter& painter) const
 {
     const QRectF& plot = m_axes.Plot();
@@ -213,18 +243,8 @@ void TimePlot::DrawTracks(QPainter& painter) const
     painter.setPen(PlotPen(m_style.accent, 1.0, Qt::CustomDashLine));
     const qreal now = std::floor(m_axes.XOf(m_drawing.minutes)) + 0.5;
     painter.drawLine(QPointF(now, plot.top()), QPointF(now, plot.bottom()));
-    const auto degreesAt = [&](int index, int epoch) {
-        return ValueOf(*m_drawing.plan->DirectionAt(index, epoch));
-    };
     for (const TrackRun& run : runs) {
-        QPainterPath path(*PointOfSatellite(run.prnIndex, run.first));
-        for (int epoch = run.first + 1; epoch <= run.last; ++epoch) {
-            const QPointF point = *PointOfSatellite(run.prnIndex, epoch);
-            const bool isBroken = m_drawing.graph == PlanGraph::Azimuth &&
-                                  std::abs(degreesAt(run.prnIndex, epoch) -
-                                           degreesAt(run.prnIndex, epoch - 1)) > kHalfCircleDeg;
-            isBroken ? path.moveTo(point) : path.lineTo(point);
-        }
+        const QPainterPath path = PathOf(run);
         painter.setPen(PlotPen(m_style.Curve(run.prnIndex), kCurveWidth));
         painter.setBrush(Qt::NoBrush);
         painter.drawPath(path);

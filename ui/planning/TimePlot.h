@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/planning/PlanSeries.h"
 #include "ui/planning/TimeAxes.h"
 
+#include <QPainterPath>
 #include <QPointF>
 
 #include <optional>
@@ -21,6 +23,8 @@ public:
 
     /// Where a value stands: what is beyond the scale stands at its edge.
     [[nodiscard]] QPointF PointOf(double minutes, double value) const;
+    /// Where a satellite in @p direction stands in a graph of tracks.
+    [[nodiscard]] QPointF PointOfDirection(double minutes, const SkyDirection& direction) const;
     /// Where a satellite stands at an epoch; nothing unless it is usable then.
     [[nodiscard]] std::optional<QPointF> PointOfSatellite(int prnIndex, int epoch) const;
 
@@ -31,7 +35,10 @@ private:
     void DrawCount(QPainter& painter) const;
     void DrawDilution(QPainter& painter) const;
     void DrawGap(QPainter& painter, double fromMin, double toMin) const;
+    /// A satellite's line; an azimuth that passes north is broken there.
+    [[nodiscard]] QPainterPath PathOf(const TrackRun& run) const;
     void DrawTracks(QPainter& painter) const;
+    void Shade(QPainter& painter, double from, double to) const;
     void DrawLimit(QPainter& painter, double value, const QString& text, bool isUpper) const;
     void DrawBeyond(QPainter& painter, double fromMin, double toMin, double highest) const;
     void DrawHead(QPainter& painter, const QPointF& end) const;

@@ -1,0 +1,196 @@
+#include "ui/planning/PlanSheet.h"
+
+#include "core/planning/AlmanacState.h"
+#include "core/planning/Degrees.h"
+#include "ui/controls/UiText.h"
+#include "ui/planning/PlanPainter.h"
+
+#include <QFontMetricsF>
+#include <QPair>
+#include <QRectF>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace fieldcore::plan_sheet {
+
+namespace {
+
+constexpr qreal kMargin = 56.0; // 15 mm
+constexpr qreal kRow = 20.0;
+constexpr qreal kRuleWidth = 0.75;
+/// As many as the page has room for.
+constexpr std::size_t kMostWindows = 10;
+
+QString Clock(const PlanDrawing& drawing, int epoch)
+{
+    return QString::fromStdString(drawing.plan->Computed().ClockText(epoch));
+}
+
+QString PlaceText(const Observer& observer)
+{
+    const double latitude = DegreesOf(observer.latitudeRad);
+    const double longitude = DegreesOf(observer.longitudeRad);
+    return ToQt(
+        FormatText(text::kSheetPlaceValue,
+                   Text(latitude < 0.0 ? text::kSheetSouthLatitude : text::kSheetNorthLatitude),
+                   std::abs(latitude),
+                   Text(longitude < 0.0 ? text::kSheetWestLongitude : text::kSheetEastLongitude),
+                   std::abs(longitude), observer.heightM));
+}
+
+/// What the title block says: names and values.
+std::vector<QPair<QString, QString>> TitleBlock(const PlanDrawing& drawing)
+{
+    const ObservationPlan& plan = *drawing.plan;
+    const AlmanacState almanac = StateOfAlmanac(plan);
+    const std::wstring from = Clock(drawing, 0).toStdWString();
+    const std::wstring to = Clock(drawing, plan.Division()).toStdWString();
+    const std::wstring date = DateText(almanac.time).toStdWString();
+    const std::wstring age = AlmanacAgeText(drawing).toStdWString();
+    const bool hasCurtain = HasObstruction(plan.Calc().GetCurtain());
+    return {
+        {UiText(text::kSheetSite), ToQt(drawing.site)},
+        {UiText(text::kSheetPlace), PlaceText(plan.Calc().GetObserver())},
+        {UiText(text::kSheetDate), PlanDateText(drawing)},
+        {UiText(text::kSheetPeriod),
+         ToQt(FormatText(text::kSheetPeriodValue, from.c_str(), to.c_str(),
+                         static_cast<int>(plan.Computed().Interval().count())))},
+        {UiText(text::kSheetMask),
+         ToQt(FormatText(text::kPlotDegrees, static_cast<double>(drawing.maskDeg)))},
+        {UiText(text::kSheetCurtain), UiText(hasCurtain ? text::kSheetYes : text::kSheetNo)},
+        {UiText(text::kSheetAlmanac),
+         ToQt(FormatText(text::kSheetAlmanacValue, date.c_str(), age.c_str(), almanac.satellites,
+                         almanac.healthy))},
+    };
+}
+
+/// Draws names and values as a ruled block.
+/// @return its lower edge
+qreal DrawTitle(QPainter& painter, const PlanDrawing& drawing, const PlotStyle& style)
+{
+    constexpr qreal kNameWidth = 90.0;
+    constexpr qreal kTitleHeight = 36.0;
+    const qreal width = kPage.width() - 2.0 * kMargin;
+    QFont title = style.font;
+    title.setPixelSize(24);
+    title.setBold(true);
+    painter.setFont(title);
+    painter.setPen(style.text);
+    painter.drawText(QRectF(kMargin, kMargin, width, kTitleHeight), Qt::AlignCenter,
+                     UiText(text::kSheetTitle));
+    qreal y = kMargin + kTitleHeight + 8.0;
+    const qreal top = y;
+    painter.setFont(style.font);
+    for (const auto& [name, value] : TitleBlock(drawing)) {
+        painter.setPen(PlotPen(style.second, kRuleWidth));
+        painter.drawLine(QPointF(kMargin, y), QPointF(kMargin + width, y));
+        const QRectF row(kMargin + 8.0, y, width - 16.0, kRow);
+        painter.setPen(style.second);
+        painter.drawText(row, Qt::AlignLeft | Qt::AlignVCenter, name);
+        painter.setPen(style.text);
+        const QRectF rest = row.adjusted(kNameWidth, 0.0, 0.0, 0.0);
+        painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter,
+                         QFontMetricsF(style.font).elidedText(value, Qt::ElideRight, rest.width()));
+        y += kRow;
+    }
+    painter.setPen(PlotPen(style.second, kRuleWidth));
+    painter.drawRect(QRectF(kMargin, top, width, y - top));
+    painter.drawLine(QPointF(kMargin + kNameWidth, top), QPointF(kMargin + kNameWidth, y));
+    return y;
+}
+
+/// @param y  upper edge
+void DrawWindows(QPainter& painter, const PlanDrawing& drawing, const PlotStyle& style, qreal y)
+{
+    const std::vector<PlanWindow> windows = FindWindows(*drawing.plan, drawing.limits);
+    const WindowLimits& limits = drawing.limits;
+    const qreal width = kPage.width() - 2.0 * kMargin;
+    painter.setFont(style.font);
+    painter.setPen(style.text);
+    const QRectF heading(kMargin, y, width, kRow);
+    painter.drawText(heading, Qt::AlignLeft | Qt::AlignVCenter, UiText(text::kSheetWindows));
+    painter.setPen(style.second);
+    painter.setFont(style.small);
+    painter.drawText(heading, Qt::AlignRight | Qt::AlignVCenter,
+                     ToQt(FormatText(text::kSheetConditions, limits.minSatellites, limits.maxPdop,
+                                     static_cast<int>(limits.minLength.count()))));
+    painter.setFont(style.font);
+    y += kRow;
+    constexpr std::array kColumns{text::kSheetFrom, text::kSheetTo, text::kSheetLength,
+                                  text::kSheetFewest, text::kSheetHighestPdop};
+    const qreal column = width / static_cast<qreal>(kColumns.size());
+    const auto drawRow = [&](const QStringList& cells, const QColor& colour) {
+        painter.setPen(PlotPen(style.second, kRuleWidth));
+        painter.drawLine(QPointF(kMargin, y), QPointF(kMargin + width, y));
+        painter.setPen(colour);
+        for (qsizetype k = 0; k < cells.size(); ++k) {
+            painter.drawText(QRectF(kMargin + static_cast<qreal>(k) * column, y, column, kRow),
+                             Qt::AlignCenter, cells[k]);
+        }
+        y += kRow;
+    };
+    QStringList names;
+    for (const int id : kColumns) {
+        names += UiText(id);
+    }
+    drawRow(names, style.second);
+    for (std::size_t k = 0; k < std::min(windows.size(), kMostWindows); ++k) {
+        const PlanWindow& window = windows[k];
+        const int minutes = static_cast<int>((window.last - window.first) *
+                                             drawing.plan->Computed().Interval().count());
+        drawRow({Clock(drawing, window.first), Clock(drawing, window.last),
+                 ToQt(FormatText(text::kSheetMinutes, minutes)),
+                 QString::number(window.fewestSatellites),
+                 QString::number(window.highestPdop, 'f', 2)},
+                style.text);
+    }
+    painter.setPen(PlotPen(style.second, kRuleWidth));
+    painter.drawLine(QPointF(kMargin, y), QPointF(kMargin + width, y));
+    QString rest = windows.empty() ? UiText(text::kSheetNoWindow) : QString();
+    if (windows.size() > kMostWindows) {
+        rest = ToQt(
+            FormatText(text::kSheetMoreWindows, static_cast<int>(windows.size() - kMostWindows)));
+    }
+    painter.setPen(style.text);
+    painter.drawText(QRectF(kMargin, y, width, kRow), Qt::AlignLeft | Qt::AlignVCenter, rest);
+}
+
+} // namespace
+
+void Paint(QPainter& painter, const PlanDrawing& drawing)
+{
+    const PlotStyle style = PlotStyle::OnPaper();
+    const QString obstacle = drawing.Obstacle();
+    if (!obstacle.isEmpty()) {
+        PaintGraph(painter, drawing, style, QRectF(QPointF(), kPage));
+        return;
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal left = kMargin;
+    const qreal width = kPage.width() - 2.0 * kMargin;
+    const qreal skyTop = DrawTitle(painter, drawing, style) + 12.0;
+    constexpr qreal kSkyHeight = 330.0;
+    constexpr qreal kPlotHeight = 178.0;
+    constexpr qreal kTableHeight = kRow * (kMostWindows + 3.0);
+    const qreal tableTop = kPage.height() - kMargin / 2.0 - kTableHeight;
+    PlanDrawing part = drawing;
+    part.graph = PlanGraph::SkyPlot;
+    // Beside the sky there is room for the two curves, one above the other.
+    const qreal half = width / 2.0;
+    static_cast<void>(half);
+    PaintBareGraph(painter, part, style, QRectF(left, skyTop, width, kSkyHeight));
+    const qreal plotTop = skyTop + kSkyHeight + 8.0;
+    const qreal each = std::max((tableTop - plotTop - 16.0) / 2.0, kPlotHeight / 2.0);
+    part.graph = PlanGraph::Count;
+    PaintBareGraph(painter, part, style, QRectF(left, plotTop, width, each));
+    part.graph = PlanGraph::Pdop;
+    PaintBareGraph(painter, part, style, QRectF(left, plotTop + each + 8.0, width, each));
+    DrawWindows(painter, drawing, style, tableTop);
+}
+
+} // namespace fieldcore::plan_sheet
