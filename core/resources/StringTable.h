@@ -373,6 +373,63 @@ inline constexpr int kCurtainReading = 60497;
 inline constexpr int kCurtainHint = 60498;
 inline constexpr int kCurtainFile = 60499;
 
+// The live sky plot
+inline constexpr int kSkyTitle = 60600;
+inline constexpr int kSkyAll = 60601; ///< the constellations follow one another behind this
+inline constexpr int kSkyGps = 60602;
+inline constexpr int kSkyGlonass = 60603;
+inline constexpr int kSkySbas = 60604;
+inline constexpr int kSkyOther = 60605;
+inline constexpr int kSkyUnknown = 60606;
+inline constexpr int kSkyLabelGps =
+    60610; ///< the labels of satellites, in the order of the constellations
+inline constexpr int kSkyLabelGlonass = 60611;
+inline constexpr int kSkyLabelSbas = 60612;
+inline constexpr int kSkyLabelOther = 60613;
+inline constexpr int kSkyLabelUnknown = 60614;
+inline constexpr int kSkyNotConnected = 60620; ///< what is wrong
+inline constexpr int kSkyWaiting = 60621;
+inline constexpr int kSkySilent = 60622;
+inline constexpr int kSkyDamaged = 60623;
+inline constexpr int kSkyRefused = 60624;
+inline constexpr int kSkyLinkLost = 60625;
+inline constexpr int kSkyCancelled = 60626;
+inline constexpr int kSkyEmpty = 60627;
+inline constexpr int kSkyNoneOfThese = 60628;
+inline constexpr int kSkyNoSignals = 60629;
+inline constexpr int kSkyAge = 60630;      ///< seconds
+inline constexpr int kSkyAgeStale = 60631; ///< seconds
+inline constexpr int kSkyAgeUnknown = 60632;
+inline constexpr int kSkyCounts = 60633; ///< used, tracked, in view
+inline constexpr int kSkyCountsUnknown = 60634;
+inline constexpr int kSkyLegend = 60635;
+inline constexpr int kSkyLegendNoAlmanac = 60636;
+inline constexpr int kSkyBars = 60640;
+inline constexpr int kSkyList = 60641;
+inline constexpr int kSkyMenuView = 60642;
+inline constexpr int kSkyUpdate = 60643;
+inline constexpr int kSkyFromBelow = 60644;
+inline constexpr int kSkyButton = 60645;        ///< constellation, satellites in view
+inline constexpr int kSkyButtonUnknown = 60646; ///< constellation
+inline constexpr int kSkyColumnName = 60650;    ///< the columns of the list follow one another
+inline constexpr int kSkyColumnAzimuth = 60651;
+inline constexpr int kSkyColumnElevation = 60652;
+inline constexpr int kSkyColumnState = 60653;
+inline constexpr int kSkyColumnSignal1 = 60654;
+inline constexpr int kSkyColumnSignal2 = 60655;
+inline constexpr int kSkyColumnSignal3 = 60656;
+inline constexpr int kSkyColumnSignal4 = 60657;
+inline constexpr int kSkyUsed = 60660;
+inline constexpr int kSkyTracked = 60661; ///< used or not: the receiver did not tell
+inline constexpr int kSkyUnused = 60662;  ///< tracked
+inline constexpr int kSkyInView = 60663;  ///< not tracked
+inline constexpr int kSkyNoValue = 60664;
+inline constexpr int kSkyDegrees = 60665;
+inline constexpr int kSkySignal = 60666; ///< dB-Hz
+inline constexpr int kSkySignalUnit = 60667;
+inline constexpr int kSkyPlotName = 60668; ///< names for who cannot see
+inline constexpr int kSkyListName = 60669;
+
 } // namespace text
 
 /// @return the text under @p id; empty if there is none. Any thread.

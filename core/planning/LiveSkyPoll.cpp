@@ -1,0 +1,193 @@
+#include "core/planning/LiveSkyPoll.h"
+
+#include "core/planning/AlmanacFile.h"
+#include "core/resources/StringTable.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+// Where the words of the satellite data tell who is used in the position.
+constexpr std::size_t kUsedGpsWord = 6;
+constexpr std::size_t kUsedGlonassTriple = 6;
+
+} // namespace
+
+LiveSkyPoll::LiveSkyPoll(CCommand* command, const Clock& clock, std::filesystem::path folder)
+    : m_command(command), m_clock(clock), m_folder(std::move(folder))
+{
+    LoadAlmanac();
+}
+
+void LiveSkyPoll::LoadAlmanac()
+{
+    m_hasAlmanac = m_calc.LoadAlmanac(AlmanacPath(m_folder));
+}
+
+std::chrono::seconds LiveSkyPoll::Pause() const
+{
+    std::chrono::seconds pause = kInterval;
+    for (int i = 0; i < m_failures && pause < kLongestPause; ++i) {
+        pause *= 2;
+    }
+    return std::min(pause, kLongestPause);
+}
+
+LiveSkyPoll::State LiveSkyPoll::StateOfFault() const
+{
+    switch (m_command->Fault()) {
+    case CommandFault::NotOpen:
+    case CommandFault::OpenFailed:
+        return State::NotConnected;
+    case CommandFault::LinkLost:
+    case CommandFault::WriteFailed:
+        return State::LinkLost;
+    case CommandFault::Refused:
+        return State::Refused;
+    case CommandFault::TimedOut:
+        return State::Silent;
+    case CommandFault::Cancelled:
+        return State::Cancelled;
+    default:
+        return State::Damaged;
+    }
+}
+
+void LiveSkyPoll::ForgetReceiver()
+{
+    m_hasFrames = true;
+    m_hasGlonass = true;
+    m_noUsedSince.reset();
+    m_noTimeSince.reset();
+    m_siteAskedAt.reset();
+    m_site.reset();
+    m_failures = 0;
+}
+
+bool LiveSkyPoll::Poll()
+{
+    if (m_isPolling || (m_command != nullptr && m_command->IsBusy())) {
+        return false;
+    }
+    if (m_command == nullptr || m_command->IsPortOpen() == 0) {
+        ForgetReceiver();
+        return std::exchange(m_state, State::NotConnected) != State::NotConnected;
+    }
+    m_isPolling = true;
+    LiveSky::Reading reading;
+    if (ReadLists(reading)) {
+        const Clock::Duration readAt = m_clock.Steady();
+        ReadUsed(reading);
+        Predict(reading);
+        m_sky.Take(reading, readAt);
+        m_state = State::Good;
+        m_failures = 0;
+    } else {
+        m_state = StateOfFault();
+        ++m_failures;
+    }
+    m_isPolling = false;
+    return true;
+}
+
+bool LiveSkyPoll::ReadLists(LiveSky::Reading& reading)
+{
+    if (m_hasFrames) {
+        if (m_command->RequestSvList(reading.inView, SatelliteListForm::InView) == 1) {
+            return m_command->RequestSvList(reading.tracked, SatelliteListForm::Tracked) == 1;
+        }
+        // Older receivers know the list in one frame only; some answer with that whatever the
+        // request says. A damaged answer may look the same, so that is no lasting verdict.
+        const CommandFault fault = m_command->Fault();
+        if (fault != CommandFault::Refused && fault != CommandFault::WrongType) {
+            return false;
+        }
+        m_hasFrames = fault != CommandFault::Refused;
+    }
+    return m_command->RequestSvList(reading.tracked) == 1;
+}
+
+void LiveSkyPoll::ReadUsed(LiveSky::Reading& reading)
+{
+    const Clock::Duration now = m_clock.Steady();
+    if (m_noUsedSince && now - *m_noUsedSince < kRarely) {
+        return;
+    }
+    m_noUsedSince.reset();
+    SatelliteDataReply data;
+    if (m_command->RequestSvData(data, m_hasGlonass) == 0) {
+        const CommandFault fault = m_command->Fault();
+        if (m_hasGlonass && (fault == CommandFault::Refused || fault == CommandFault::WrongType)) {
+            m_hasGlonass = false; // the next round asks for less
+        } else {
+            m_noUsedSince = now;
+        }
+        return;
+    }
+    reading.usedGps = data.words[kUsedGpsWord];
+    if (m_hasGlonass) {
+        reading.usedGlonass = data.triples[kUsedGlonassTriple];
+    }
+}
+
+void LiveSkyPoll::Predict(LiveSky::Reading& reading)
+{
+    const Clock::Duration now = m_clock.Steady();
+    if (!m_hasAlmanac || (m_noTimeSince && now - *m_noTimeSince < kRarely)) {
+        return;
+    }
+    m_noTimeSince.reset();
+    if (!m_siteAskedAt || now - *m_siteAskedAt >= kRarely) {
+        m_siteAskedAt = now;
+        SiteReply site;
+        m_site.reset();
+        if (m_command->RequestSite(site) == 1) {
+            m_site = Observer{site.latitudeRad, site.longitudeRad, site.heightM};
+        }
+    }
+    if (!m_site) {
+        return;
+    }
+    GpsTimeReply time;
+    if (m_command->RequestGpsTime(time) == 0) {
+        m_noTimeSince = now;
+        return;
+    }
+    m_calc.SetObserver(*m_site);
+    m_calc.SetTime(time.week, time.secondsOfWeek);
+    for (int i = 0; i < CSurveyPlanCalc::kSatellites; ++i) {
+        if (m_calc.TestVisibility(i) == 1) {
+            const CAlmanacSatellite& satellite = m_calc.GetSatellite(i);
+            reading.predicted.push_back(
+                {i + 1, {satellite.GetAzimuth(), satellite.GetElevation()}});
+        }
+    }
+}
+
+int LiveSkyTextId(LiveSkyPoll::State state)
+{
+    switch (state) {
+    case LiveSkyPoll::State::NotConnected:
+        return text::kSkyNotConnected;
+    case LiveSkyPoll::State::Waiting:
+        return text::kSkyWaiting;
+    case LiveSkyPoll::State::Silent:
+        return text::kSkySilent;
+    case LiveSkyPoll::State::Damaged:
+        return text::kSkyDamaged;
+    case LiveSkyPoll::State::Refused:
+        return text::kSkyRefused;
+    case LiveSkyPoll::State::LinkLost:
+        return text::kSkyLinkLost;
+    case LiveSkyPoll::State::Cancelled:
+        return text::kSkyCancelled;
+    case LiveSkyPoll::State::Good:
+        break;
+    }
+    return 0;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,250 @@
+// Rounds of questions to the simulator. Where the satellites must be comes from the library's
+// orbits over an almanac that is made here, not from what the receiver tells of itself.
+
+#include "core/planning/LiveSkyPoll.h"
+
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/Degrees.h"
+#include "core/resources/StringTable.h"
+#include "simulator/Simulator.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Moves only by hand, except that waits of an exchange pass a hundred times as fast.
+class HandClock final : public Clock
+{
+public:
+    [[nodiscard]] Duration Steady() const override { return m_steady; }
+    [[nodiscard]] UtcTime Utc() const override { return UtcTime(m_steady.load()); }
+    [[nodiscard]] bool SetUtc(UtcTime /*time*/) override { return false; }
+    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration / 100; }
+    void Advance(Duration duration) { m_steady = m_steady.load() + duration; }
+
+private:
+    std::atomic<Duration> m_steady{};
+};
+
+class LiveSkyPollTest : public ::testing::Test
+{
+protected:
+    void Start(const std::string& scenario)
+    {
+        std::string error;
+        const auto parsed = simulator::ParseScenario(scenario, error);
+        ASSERT_TRUE(parsed) << error;
+        m_simulator = std::make_unique<simulator::Simulator>(*parsed, m_clock);
+        ASSERT_TRUE(m_simulator->Start(error)) << error;
+        PortSettings settings;
+        settings.replyTimeout = 200s; // 2 s of a watch
+        ASSERT_EQ(m_command.OpenPort(m_simulator->PortPath(), settings), 1)
+            << m_command.LastError();
+        m_command.SetFrameObserver(
+            [this](Direction direction, std::span<const std::uint8_t> frame) {
+                if (direction == Direction::Sent) {
+                    m_asked.push_back(frame.size() > 2 ? frame[2] : 0);
+                }
+            });
+    }
+    void Fault(const std::string& text)
+    {
+        simulator::FaultRule rule;
+        std::string error;
+        ASSERT_TRUE(simulator::ParseFaultRule(text, rule, error)) << error;
+        m_simulator->AddFault(rule);
+    }
+    [[nodiscard]] long Asked(std::uint8_t type) const
+    {
+        return std::count(m_asked.begin(), m_asked.end(), type);
+    }
+
+    HandClock m_clock;
+    std::unique_ptr<simulator::Simulator> m_simulator;
+    CCommand m_command{CommandChannel::Surroundings{nullptr, &m_clock, nullptr, {}}};
+    std::vector<std::uint8_t> m_asked;
+    TemporaryFolder m_folder;
+};
+
+constexpr const char* kMovingSky = "start 2026-03-18 23:59:42\nposition -33.9 151.2 40\nmask 15\n"
+                                   "options l2 glonass\nalmanacs 31\nsatellite R4 334 62 47.25\n";
+
+TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
+{
+    Start(kMovingSky);
+    ASSERT_EQ(AlmanacStore(m_folder.Path()).Update(m_command), AlmanacResult::Done);
+    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    CSurveyPlanCalc calc;
+    ASSERT_TRUE(calc.LoadAlmanac(AlmanacPath(m_folder.Path())));
+    calc.SetObserver({RadiansOf(-33.9), RadiansOf(151.2), 40.0});
+    for (const int hour : {0, 5}) {
+        SCOPED_TRACE(hour);
+        ASSERT_TRUE(poll.Poll());
+        ASSERT_EQ(poll.GetState(), LiveSkyPoll::State::Good);
+        calc.SetTime(2410, 345600.0 + hour * 3600.0); // 2026-03-19 00:00:00 GPS time
+        const int above = calc.CountVisible();
+        const std::vector<LiveSatellite> gps = poll.Sky().Satellites(Constellation::Gps);
+        ASSERT_EQ(static_cast<int>(gps.size()), above);
+        ASSERT_EQ(poll.Sky().Predicted(std::nullopt).size(), gps.size());
+        for (std::size_t i = 0; i < gps.size(); ++i) {
+            SCOPED_TRACE(gps[i].number);
+            const CAlmanacSatellite& orbit = calc.GetSatellite(gps[i].number - 1);
+            EXPECT_NEAR(DegreesOf(gps[i].direction.elevationRad), DegreesOf(orbit.GetElevation()),
+                        0.5001)
+                << "the wire has whole degrees";
+            const double turn =
+                DegreesOf(gps[i].direction.azimuthRad) - DegreesOf(orbit.GetAzimuth());
+            EXPECT_NEAR(std::remainder(turn, 360.0), 0.0, 0.5001);
+            EXPECT_EQ(gps[i].IsSolid(), DegreesOf(orbit.GetElevation()) >= 15.0);
+            const PredictedSatellite& predicted = poll.Sky().Predicted(std::nullopt)[i];
+            EXPECT_EQ(predicted.prn, gps[i].number);
+            EXPECT_NEAR(predicted.direction.elevationRad, orbit.GetElevation(), 1e-6) << "rad";
+        }
+        EXPECT_EQ(poll.Sky().Count(Constellation::Glonass).solid, 1);
+        m_clock.Advance(5h);
+    }
+    EXPECT_EQ(Asked(0x30), 2) << "the site is asked for again after half a minute";
+    m_clock.Advance(10s);
+    EXPECT_TRUE(poll.Poll());
+    EXPECT_EQ(Asked(0x30), 3);
+    m_clock.Advance(29s);
+    EXPECT_TRUE(poll.Poll());
+    EXPECT_EQ(Asked(0x30), 3);
+}
+
+TEST_F(LiveSkyPollTest, WorksWithoutAnAlmanac)
+{
+    Start(kMovingSky);
+    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    EXPECT_FALSE(poll.HasAlmanac());
+    EXPECT_TRUE(poll.Poll());
+    EXPECT_GT(poll.Sky().Count(Constellation::Gps).inView, 4);
+    EXPECT_TRUE(poll.Sky().Predicted(std::nullopt).empty());
+    EXPECT_EQ(Asked(0x14) + Asked(0x30), 0) << "nothing to predict from";
+}
+
+TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
+{
+    Start("satellite G5 118 37 45.3\nsatellite S129 181 48 39.2\nlist-form text1\n");
+    Fault("nak on 54");
+    // The receiver of one frame: a request with a data byte is unknown to it.
+    Fault("nak on 16 count 1");
+    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_TRUE(poll.Poll());
+        ASSERT_EQ(poll.GetState(), LiveSkyPoll::State::Good);
+        const std::vector<LiveSatellite> all = poll.Sky().Satellites(std::nullopt);
+        ASSERT_EQ(all.size(), 2U);
+        EXPECT_EQ(all[0].signals[0], 45.3);
+        EXPECT_FALSE(all[0].isUsed) << "it was not told";
+        EXPECT_TRUE(all[0].IsSolid());
+    }
+    EXPECT_EQ(Asked(0x16), 4) << "what was refused is not asked for again";
+    EXPECT_EQ(Asked(0x54), 2) << "with GLONASS, without, then no more";
+    m_clock.Advance(30s);
+    EXPECT_TRUE(poll.Poll());
+    EXPECT_EQ(Asked(0x54), 3) << "but half a minute later";
+}
+
+TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
+{
+    struct Row
+    {
+        const char* fault;
+        LiveSkyPoll::State state;
+    };
+    const Row rows[] = {
+        {"drop on 16", LiveSkyPoll::State::Silent},
+        {"corrupt on 16", LiveSkyPoll::State::Damaged},
+        {"wrong-type on 16", LiveSkyPoll::State::Damaged},
+        {"zero-length on 16", LiveSkyPoll::State::Damaged},
+        {"nak on 16", LiveSkyPoll::State::Refused},
+        {"hang-up on 16", LiveSkyPoll::State::LinkLost},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_command.ClosePort();
+        Start(kMovingSky);
+        LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+        ASSERT_TRUE(poll.Poll());
+        const int before = poll.Sky().Count(std::nullopt).inView;
+        Fault(row.fault);
+        m_clock.Advance(10s);
+        EXPECT_TRUE(poll.Poll());
+        EXPECT_EQ(poll.GetState(), row.state);
+        EXPECT_NE(Text(LiveSkyTextId(poll.GetState())), std::wstring());
+        EXPECT_EQ(poll.Sky().Count(std::nullopt).inView, before);
+        EXPECT_TRUE(poll.Sky().IsStale(m_clock.Steady()));
+    }
+}
+
+TEST_F(LiveSkyPollTest, AsksASilentReceiverLessOften)
+{
+    Start("answers no\nmodel 3017\n");
+    PortSettings settings;
+    settings.replyTimeout = 1s; // 10 ms of a watch
+    m_command.ClosePort();
+    ASSERT_EQ(m_command.OpenPort(m_simulator->PortPath(), settings), 1);
+    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    EXPECT_EQ(poll.Pause(), 2s);
+    for (const auto pause : {4s, 8s, 16s, 16s}) {
+        EXPECT_TRUE(poll.Poll());
+        EXPECT_EQ(poll.GetState(), LiveSkyPoll::State::Silent);
+        EXPECT_EQ(poll.Pause(), pause);
+    }
+    m_command.ClosePort();
+    EXPECT_TRUE(poll.Poll());
+    EXPECT_EQ(poll.GetState(), LiveSkyPoll::State::NotConnected);
+    EXPECT_EQ(poll.Pause(), 2s) << "to see soon that there is a connection again";
+    EXPECT_FALSE(poll.Poll()) << "no news";
+}
+
+TEST_F(LiveSkyPollTest, LeavesABusyChannelAlone)
+{
+    Start("answers no\nmodel 3017\n");
+    // Starts a round from inside of a wait, as a timer would.
+    class Breather final : public Host
+    {
+    public:
+        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style) override
+        {
+            return HarmlessAnswer(style.buttons);
+        }
+        bool Breathe() override
+        {
+            nested += poll->Poll() ? 1 : 0;
+            ++breaths;
+            return true;
+        }
+        LiveSkyPoll* poll = nullptr;
+        int nested = 0;
+        int breaths = 0;
+    } breather;
+    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    breather.poll = &poll;
+    m_command.SetHost(breather);
+    StatusReply status;
+    EXPECT_EQ(m_command.RequestStatus(status), 0);
+    EXPECT_EQ(m_command.Fault(), CommandFault::TimedOut) << "the running one was left alone";
+    EXPECT_TRUE(poll.Poll());
+    EXPECT_GT(breather.breaths, 2);
+    EXPECT_EQ(breather.nested, 0);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,405 @@
+#include "ui/planning/SkyPlotDlg.h"
+
+#include "core/link/Command.h"
+#include "core/platform/Folders.h"
+#include "core/resources/StringTable.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+#include "ui/planning/ConstellationBar.h"
+#include "ui/planning/LiveSkyView.h"
+#include "ui/planning/SatelliteListModel.h"
+#include "ui/planning/SignalBars.h"
+
+#include <QButtonGroup>
+#include <QEvent>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QSortFilterProxyModel>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kPollTimer = 1;
+constexpr int kAgeTimer = 2;
+constexpr int kAgeTickMs = 1000;
+constexpr int kWide = 900; // from here on the details stand beside the sky
+
+constexpr int kMargin = 12;
+
+void Colour(QLabel* label, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+}
+
+QLabel* MakeLabel(int id)
+{
+    auto* const label = new QLabel;
+    label->setWordWrap(true);
+    Dialog::SetControlId(label, id);
+    return label;
+}
+
+QPushButton* MakeSwitch(int control, int textId)
+{
+    auto* const button = new QPushButton(UiText(textId));
+    button->setCheckable(true);
+    button->setAutoDefault(false);
+    button->setAccessibleName(button->text());
+    Dialog::SetControlId(button, control);
+    return button;
+}
+
+const Clock& ClockOf(const CCommand* command, const Clock* given)
+{
+    if (given != nullptr) {
+        return *given;
+    }
+    return command != nullptr ? command->GetClock() : SystemClock::Instance();
+}
+
+} // namespace
+
+CSkyPlot::CSkyPlot(CCommand* command, int loadWay, QWidget* parent)
+    : CSkyPlot(command, loadWay, Surroundings{nullptr, nullptr, Folders().Program()}, parent)
+{}
+
+CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
+                   QWidget* parent)
+    : Dialog(parent), m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
+      m_clock(ClockOf(command, surroundings.clock)), m_poll(command, m_clock, surroundings.program),
+      m_settings(LoadSkyPlotSettings(m_reg))
+{
+    setWindowTitle(UiText(text::kSkyTitle));
+    auto* const window = new QVBoxLayout(this);
+    window->setContentsMargins(0, 0, 0, 0);
+    window->setSpacing(0);
+    auto* const content = new QVBoxLayout;
+    content->setContentsMargins(kMargin, TouchStyle::kGrid, kMargin, TouchStyle::kGrid);
+    content->setSpacing(TouchStyle::kGrid);
+    window->addLayout(content, 1);
+    MakeHead(content);
+    m_body = new QBoxLayout(QBoxLayout::TopToBottom);
+    m_body->setSpacing(TouchStyle::kGrid);
+    content->addLayout(m_body, 1);
+    MakeSky();
+    MakeDetails();
+    MakeMenu(loadWay);
+    window->addWidget(m_menu);
+    ArrangeDetails();
+    ShowSky();
+}
+
+CSkyPlot::~CSkyPlot()
+{
+    Destroy();
+}
+
+void CSkyPlot::MakeHead(QBoxLayout* layout)
+{
+    auto* const row = new QHBoxLayout;
+    m_age = MakeLabel(kAge);
+    m_counts = MakeLabel(kCounts);
+    m_counts->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    row->addWidget(m_age, 2);
+    row->addWidget(m_counts, 3);
+    layout->addLayout(row);
+    m_problem = MakeLabel(kProblem);
+    layout->addWidget(m_problem);
+    m_constellations = new ConstellationBar;
+    SetControlId(m_constellations, kConstellations);
+    m_constellations->Choose(m_settings.constellation);
+    connect(m_constellations, &ConstellationBar::Changed, this, &CSkyPlot::ChooseConstellation);
+    layout->addWidget(m_constellations);
+}
+
+void CSkyPlot::MakeSky()
+{
+    auto* const column = new QVBoxLayout;
+    column->setSpacing(0);
+    m_sky = new LiveSkyView;
+    SetControlId(m_sky, kSky);
+    connect(m_sky, &LiveSkyView::Picked, this, &CSkyPlot::ChooseSatellite);
+    column->addWidget(m_sky, 1);
+    m_legend = MakeLabel(kLegend);
+    m_legend->setAlignment(Qt::AlignCenter);
+    column->addWidget(m_legend);
+    m_body->addLayout(column, 3);
+}
+
+void CSkyPlot::MakeDetails()
+{
+    auto* const column = new QVBoxLayout;
+    column->setSpacing(TouchStyle::kGrid);
+
+    m_switch = new QWidget;
+    auto* const row = new QHBoxLayout(m_switch);
+    row->setContentsMargins(0, 0, 0, 0);
+    m_showBars = MakeSwitch(kShowBars, text::kSkyBars);
+    m_showList = MakeSwitch(kShowList, text::kSkyList);
+    auto* const group = new QButtonGroup(this);
+    group->addButton(m_showBars);
+    group->addButton(m_showList);
+    row->addWidget(m_showBars);
+    row->addWidget(m_showList);
+    connect(m_showBars, &QPushButton::clicked, this,
+            [this] { ChooseView(SkyPlotSettings::View::Bars); });
+    connect(m_showList, &QPushButton::clicked, this,
+            [this] { ChooseView(SkyPlotSettings::View::List); });
+    column->addWidget(m_switch);
+
+    m_bars = new SignalBars;
+    SetControlId(m_bars, kBars);
+    m_barsScroll = new QScrollArea;
+    m_barsScroll->setFrameShape(QFrame::NoFrame);
+    m_barsScroll->setWidgetResizable(true);
+    m_barsScroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_barsScroll->setAccessibleName(UiText(text::kSkyBars));
+    m_barsScroll->setWidget(m_bars);
+    column->addWidget(m_barsScroll, 2);
+
+    m_model = new SatelliteListModel(this);
+    m_sorted = new QSortFilterProxyModel(this);
+    m_sorted->setSourceModel(m_model);
+    m_sorted->setSortRole(Qt::UserRole);
+    m_list = new QTableView;
+    SetControlId(m_list, kList);
+    m_list->setAccessibleName(UiText(text::kSkyListName));
+    m_list->setModel(m_sorted);
+    m_list->setSortingEnabled(true);
+    m_list->sortByColumn(SatelliteListModel::kName, Qt::AscendingOrder);
+    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_list->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_list->setTabKeyNavigation(false);
+    m_list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->verticalHeader()->hide();
+    m_list->horizontalHeader()->setMinimumHeight(TouchStyle::kTarget);
+    m_list->horizontalHeader()->setHighlightSections(false);
+    connect(m_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& current) {
+                ChooseSatellite(current.isValid() ? m_sorted->mapToSource(current).row() : -1);
+            });
+    column->addWidget(m_list, 3);
+    m_body->addLayout(column, 2);
+}
+
+void CSkyPlot::MakeMenu(int loadWay)
+{
+    m_menu = new CnMenuBar(loadWay);
+    const int view = m_menu->AddPopup(UiText(text::kSkyMenuView));
+    for (const int item : {text::kSkyUpdate, text::kSkyFromBelow}) {
+        m_menu->AddItem(view, item, UiText(item));
+    }
+    connect(m_menu, &CnMenuBar::ItemChosen, this, &CSkyPlot::OnMenu);
+    connect(m_menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+}
+
+void CSkyPlot::OnMenu(int item)
+{
+    if (item == text::kSkyUpdate) {
+        m_poll.LoadAlmanac();
+        Poll();
+    } else if (item == text::kSkyFromBelow) {
+        m_isFromBelow = !m_isFromBelow;
+        m_sky->SetFromBelow(m_isFromBelow);
+    }
+}
+
+void CSkyPlot::showEvent(QShowEvent* event)
+{
+    Dialog::showEvent(event);
+    SetTimer(kPollTimer, 0); // the window first, then the receiver
+    SetTimer(kAgeTimer, kAgeTickMs);
+}
+
+void CSkyPlot::hideEvent(QHideEvent* event)
+{
+    KillTimer(kPollTimer);
+    KillTimer(kAgeTimer);
+    Dialog::hideEvent(event);
+}
+
+void CSkyPlot::OnTimer(int id)
+{
+    if (id == kPollTimer) {
+        Poll();
+    } else if (id == kAgeTimer) {
+        ShowSky();
+    }
+}
+
+void CSkyPlot::Poll()
+{
+    KillTimer(kPollTimer);
+    m_poll.Poll();
+    if (isVisible()) {
+        // Counted from the end of the round: a slow line still leaves the user his time.
+        const auto pause = std::chrono::milliseconds(m_poll.Pause());
+        SetTimer(kPollTimer,
+                 static_cast<int>(m_clock.RealTime(pause) / std::chrono::milliseconds(1)));
+    }
+    ShowSky();
+}
+
+QString CSkyPlot::Notice() const
+{
+    const LiveSky& sky = m_poll.Sky();
+    if (!sky.HasReading()) {
+        return UiText(LiveSkyTextId(m_poll.GetState()));
+    }
+    if (sky.Count(m_settings.constellation).inView > 0) {
+        return {};
+    }
+    return UiText(m_settings.constellation ? text::kSkyNoneOfThese : text::kSkyEmpty);
+}
+
+void CSkyPlot::ShowHead()
+{
+    const LiveSky& sky = m_poll.Sky();
+    const Theme& theme = Theme::Current();
+    const Clock::Duration now = m_clock.Steady();
+    const bool isStale = sky.IsStale(now);
+    if (const auto age = sky.Age(now)) {
+        const LiveSky::Counts counts = sky.Count(m_settings.constellation);
+        m_age->setText(ToQt(FormatText(isStale ? text::kSkyAgeStale : text::kSkyAge,
+                                       static_cast<long long>(age->count()))));
+        m_counts->setText(
+            ToQt(FormatText(text::kSkyCounts, counts.solid, counts.tracked, counts.inView)));
+    } else {
+        m_age->setText(UiText(text::kSkyAgeUnknown));
+        m_counts->setText(UiText(text::kSkyCountsUnknown));
+    }
+    const bool isGrey = isStale || !sky.HasReading();
+    Colour(m_age, isGrey ? theme.stale : theme.text);
+    Colour(m_counts, isGrey ? theme.stale : theme.text);
+    // Without a reading the sky itself has room for the words.
+    const int problem = sky.HasReading() ? LiveSkyTextId(m_poll.GetState()) : 0;
+    m_problem->setText(UiText(problem));
+    m_problem->setVisible(problem != 0);
+    Colour(m_problem, theme.bad);
+    m_legend->setText(UiText(m_poll.HasAlmanac() ? text::kSkyLegend : text::kSkyLegendNoAlmanac));
+    Colour(m_legend, theme.second);
+}
+
+void CSkyPlot::ShowSky()
+{
+    ShowHead();
+    const LiveSky& sky = m_poll.Sky();
+    LiveSkyView::Picture picture;
+    picture.satellites = sky.Satellites(m_settings.constellation);
+    picture.predicted = sky.Predicted(m_settings.constellation);
+    picture.isStale = sky.IsStale(m_clock.Steady());
+    picture.notice = Notice();
+    m_constellations->Show(sky);
+    m_sky->Show(picture);
+    m_bars->Show(picture.satellites, picture.isStale);
+    m_isShowing = true; // the list forgets its row where its satellites change
+    m_model->Show(picture.satellites, picture.isStale);
+    m_isShowing = false;
+    ShowColumns();
+    ChooseSatellite(m_sky->Chosen());
+}
+
+void CSkyPlot::ShowColumns()
+{
+    QHeaderView* const header = m_list->horizontalHeader();
+    const QAbstractItemView& list = *m_list; // where the hint is public
+    int wanted = 0;
+    for (int column = 0; column < SatelliteListModel::kColumns; ++column) {
+        const int signal = column - SatelliteListModel::kSignal1;
+        m_list->setColumnHidden(column, signal > 0 && !m_model->HasSignal(signal));
+        if (!m_list->isColumnHidden(column)) {
+            wanted += std::max(header->sectionSizeHint(column), list.sizeHintForColumn(column));
+        }
+    }
+    // Columns share what there is; where that is too little, the list scrolls.
+    const auto mode = wanted <= m_list->viewport()->width() ? QHeaderView::Stretch
+                                                            : QHeaderView::ResizeToContents;
+    if (header->sectionResizeMode(0) != mode) {
+        header->setSectionResizeMode(mode);
+    }
+}
+
+void CSkyPlot::ChooseConstellation()
+{
+    m_settings.constellation = m_constellations->Chosen();
+    SaveSkyPlotSettings(m_reg, m_settings);
+    ShowSky();
+}
+
+void CSkyPlot::ChooseView(SkyPlotSettings::View view)
+{
+    m_settings.view = view;
+    SaveSkyPlotSettings(m_reg, m_settings);
+    ArrangeDetails();
+}
+
+void CSkyPlot::ChooseSatellite(int row)
+{
+    if (m_isShowing) {
+        return;
+    }
+    m_isShowing = true;
+    m_sky->Choose(row);
+    const std::vector<LiveSatellite> satellites = m_poll.Sky().Satellites(m_settings.constellation);
+    const bool isRow = row >= 0 && static_cast<std::size_t>(row) < satellites.size();
+    m_bars->Choose(isRow ? std::optional(satellites[static_cast<std::size_t>(row)]) : std::nullopt);
+    if (isRow) {
+        const QModelIndex index = m_sorted->mapFromSource(m_model->index(row, 0));
+        if (m_list->currentIndex().row() != index.row()) {
+            m_list->setCurrentIndex(index);
+        }
+    } else {
+        m_list->setCurrentIndex({});
+        m_list->clearSelection();
+    }
+    m_isShowing = false;
+}
+
+void CSkyPlot::ArrangeDetails()
+{
+    const bool isWide = width() >= kWide;
+    const bool isList = m_settings.view == SkyPlotSettings::View::List;
+    m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_switch->setVisible(!isWide);
+    m_showBars->setChecked(!isList);
+    m_showList->setChecked(isList);
+    m_barsScroll->setVisible(isWide || !isList);
+    m_list->setVisible(isWide || isList);
+    m_list->verticalHeader()->setDefaultSectionSize(
+        std::max(TouchStyle::kTarget, fontMetrics().height() + TouchStyle::kGrid));
+    ShowColumns();
+}
+
+void CSkyPlot::resizeEvent(QResizeEvent* event)
+{
+    Dialog::resizeEvent(event);
+    ArrangeDetails();
+}
+
+void CSkyPlot::changeEvent(QEvent* event)
+{
+    Dialog::changeEvent(event);
+    // Both change what is drawn by hand; the controls do not exist yet while the dialog is made.
+    if (m_menu != nullptr &&
+        (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange)) {
+        ArrangeDetails();
+        ShowSky();
+    }
+}
+
+} // namespace fieldcore

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "core/planning/LiveSkyPoll.h"
+#include "core/planning/SkyPlotSettings.h"
+#include "core/platform/Clock.h"
+#include "core/settings/HostReg.h"
+#include "ui/controls/Dialog.h"
+
+#include <filesystem>
+
+class QBoxLayout;
+class QButtonGroup;
+class QLabel;
+class QPushButton;
+class QScrollArea;
+class QSortFilterProxyModel;
+class QTableView;
+
+namespace fieldcore {
+
+class CnMenuBar;
+class ConstellationBar;
+class LiveSkyView;
+class SatelliteListModel;
+class SignalBars;
+
+/// The live sky: where the receiver sees its satellites, how well it hears them, and how old all
+/// that is. It asks every two seconds as long as it is visible, less often while nothing comes, and
+/// not while the channel is busy. User-interface thread only; a round of questions blocks it for
+/// two reply time-outs at worst, and the dialog must not be deleted meanwhile.
+class CSkyPlot : public Dialog
+{
+    Q_OBJECT
+
+public:
+    /// What the dialog uses of the world around it. What is left out is the library's own.
+    struct Surroundings
+    {
+        const CReg* reg = nullptr;     ///< starts at the library's own key; outlives the dialog
+        const Clock* clock = nullptr;  ///< that ages are counted on; outlives the dialog
+        std::filesystem::path program; ///< the folder of the almanac
+    };
+
+    /// @param command  receiver channel, may be null; not owned, must outlive the dialog
+    /// @param loadWay  how it runs: 0 as a dialog, any other value as the host's program by itself
+    explicit CSkyPlot(CCommand* command, int loadWay = 0, QWidget* parent = nullptr);
+    CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
+             QWidget* parent = nullptr);
+    ~CSkyPlot() override;
+
+    // The numbers of the controls.
+
+    enum Control : int
+    {
+        kAge = 1,
+        kCounts,
+        kProblem,
+        kConstellations,
+        kSky,
+        kLegend,
+        kShowBars,
+        kShowList,
+        kBars,
+        kList,
+    };
+
+protected:
+    void OnTimer(int id) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void MakeHead(QBoxLayout* layout);
+    void MakeSky();
+    void MakeDetails();
+    void MakeMenu(int loadWay);
+    void OnMenu(int item);
+    void Poll();
+    void ShowSky();
+    void ShowHead();
+    void ShowColumns();
+    [[nodiscard]] QString Notice() const;
+    void ChooseConstellation();
+    void ChooseView(SkyPlotSettings::View view);
+    void ChooseSatellite(int row);
+    void ArrangeDetails();
+
+    HostReg m_ownReg;
+    const CReg& m_reg;
+    const Clock& m_clock;
+    LiveSkyPoll m_poll;
+    SkyPlotSettings m_settings;
+    bool m_isFromBelow = false;
+    bool m_isShowing = false; // a choice is carried from one control to the others
+
+    // Owned by the dialog, as are all controls.
+    QLabel* m_age = nullptr;
+    QLabel* m_counts = nullptr;
+    QLabel* m_problem = nullptr;
+    ConstellationBar* m_constellations = nullptr;
+    QBoxLayout* m_body = nullptr; // the sky, then the details
+    LiveSkyView* m_sky = nullptr;
+    QLabel* m_legend = nullptr;
+    QWidget* m_switch = nullptr;
+    QPushButton* m_showBars = nullptr;
+    QPushButton* m_showList = nullptr;
+    SignalBars* m_bars = nullptr;
+    QScrollArea* m_barsScroll = nullptr;
+    QTableView* m_list = nullptr;
+    SatelliteListModel* m_model = nullptr;
+    QSortFilterProxyModel* m_sorted = nullptr;
+    CnMenuBar* m_menu = nullptr;
+};
+
+} // namespace fieldcore
