@@ -13,6 +13,7 @@
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
+#include "ui/link/ConnectDlg.h"
 
 #include <chrono>
 #include <cmath>
@@ -21,7 +22,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr int kTickMs = 250;
 constexpr const wchar_t* kAppKey = L"GPS\\App";
 constexpr const wchar_t* kTheme = L"Theme";
 
@@ -80,18 +80,18 @@ Controller::Controller(const AppOptions& options)
     m_command = std::make_unique<CCommand>(
         CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
     m_link = std::make_unique<ReceiverLink>(*m_command);
-    m_link->SetObserver([this] { Q_EMIT Changed(); });
+    m_monitor = std::make_unique<LinkMonitor>(*m_link);
+    connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
+    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::Changed);
     m_choice = LoadConnectChoice(m_reg);
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
     }
-    connect(&m_tick, &QTimer::timeout, this, &Controller::Tick);
 }
 
 Controller::~Controller()
 {
-    m_tick.stop();
-    m_link->SetObserver({});
+    m_monitor.reset();
     m_command->ClosePort();
     SetDefaultHost(nullptr);
 }
@@ -109,7 +109,6 @@ void Controller::Begin()
                           ? static_cast<Theme::Kind>(theme)
                           : Theme::Kind::Daylight;
     Theme::Use(m_options.theme.value_or(kept));
-    m_tick.start(kTickMs);
 }
 
 bool Controller::ConnectQuietly(std::wstring& fault)
@@ -130,6 +129,30 @@ bool Controller::ConnectQuietly(std::wstring& fault)
     if (m_link->Adopt(connect, *target) == 0) {
         return false; // the user has been told
     }
+    ReadModel();
+    return true;
+}
+
+bool Controller::Connect(QWidget* parent, std::wstring& fault)
+{
+    if (m_simulator || m_choice.port.starts_with("sim:")) {
+        return ConnectQuietly(fault);
+    }
+    const std::optional<ConnectTarget> target = Target(fault);
+    if (!target) {
+        return false;
+    }
+    ConnectDlg dialog(*m_command, 0, *target, parent);
+    dialog.SupportAllTypes();
+    if (m_link->Connect(dialog, *target) == 0) {
+        return false; // the user has been told
+    }
+    ReadModel();
+    return true;
+}
+
+void Controller::ReadModel()
+{
     CRecvInfo info;
     m_receiver.clear();
     if (info.GetOptionData(*m_command) != 0) {
@@ -139,7 +162,6 @@ bool Controller::ConnectQuietly(std::wstring& fault)
                          : QString::number(info.GetRecvTypeNum());
     }
     Q_EMIT Changed();
-    return true;
 }
 
 void Controller::Disconnect()
@@ -226,12 +248,6 @@ QString Controller::TakeNotice()
 {
     const QString store = QString::fromStdString(m_roots.TakeNotice());
     return std::exchange(m_notice, QString()) + store;
-}
-
-void Controller::Tick()
-{
-    m_link->Tick();
-    Q_EMIT Changed();
 }
 
 } // namespace fieldcore

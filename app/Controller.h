@@ -11,9 +11,9 @@
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
 #include "ui/controls/QtHost.h"
+#include "ui/link/LinkMonitor.h"
 
 #include <QObject>
-#include <QTimer>
 
 #include <filesystem>
 #include <memory>
@@ -45,6 +45,10 @@ public:
     /// anything but what the receiver gives reason for.
     /// @return false if it is not connected; @p fault says why in words for the user
     bool ConnectQuietly(std::wstring& fault);
+    /// Lets the user connect to the chosen port, with the questions and the steps on the screen. A
+    /// simulated receiver has no cable that could be asked for.
+    /// @return false if it is not connected; @p fault as above
+    bool Connect(QWidget* parent, std::wstring& fault);
     void Disconnect();
 
     /// @param choice  stored in the settings, too
@@ -60,6 +64,7 @@ public:
     [[nodiscard]] CCommand& Command() { return *m_command; }
     [[nodiscard]] ReceiverLink& Link() { return *m_link; }
     [[nodiscard]] const CReg& Reg() const { return m_reg; }
+    [[nodiscard]] SettingsRoots& Roots() { return m_roots; }
     [[nodiscard]] QtHost& Host() { return *m_host; }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
     [[nodiscard]] const std::filesystem::path& ProgramFolder() const { return m_folder; }
@@ -76,7 +81,7 @@ Q_SIGNALS:
     void Changed();
 
 private:
-    void Tick();
+    void ReadModel();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -93,7 +98,7 @@ private:
     std::unique_ptr<ReceiverLink> m_link;
     ConnectChoice m_choice;
     QString m_receiver; // name of the model that is connected
-    QTimer m_tick;
+    std::unique_ptr<LinkMonitor> m_monitor;
     QString m_notice;
 };
 

@@ -2,10 +2,13 @@
 
 #include "app/MainWindow.h"
 #include "core/host/MesBox.h"
-#include "core/link/Connect.h"
-#include "core/link/RecvForceInit.h"
+#include "simulator/Scenario.h"
+#include "simulator/ShippedScenarios.h"
 #include "ui/controls/UiText.h"
+#include "ui/link/ConnectDlg.h"
+#include "ui/link/RecvForceInitDlg.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFontDatabase>
@@ -53,10 +56,16 @@ void Session::Open(int choice)
 {
     switch (choice) {
     case MainWindow::kConnect:
-        Connect();
+        ChoosePort();
         break;
     case MainWindow::kDisconnect:
         m_controller.Disconnect();
+        break;
+    case MainWindow::kPlan:
+        CSurveyPlan(&m_controller.Command(), 0, PlanWorld(), m_window.get()).DoModal();
+        break;
+    case MainWindow::kSkyPlot:
+        CSkyPlot(&m_controller.Command(), 0, SkyWorld(), m_window.get()).DoModal();
         break;
     case MainWindow::kForceInit:
         ForceInit();
@@ -75,10 +84,53 @@ void Session::Open(int choice)
     }
 }
 
+PlanSurroundings Session::PlanWorld()
+{
+    PlanSurroundings world;
+    world.folder = m_controller.ProgramFolder();
+    world.roots = &m_controller.Roots();
+    world.clock = &m_controller.GetClock();
+    world.makeConnect = [this](CCommand& command) -> std::unique_ptr<CConnect> {
+        std::wstring fault;
+        const std::optional<ConnectTarget> target = m_controller.Target(fault);
+        return std::make_unique<ConnectDlg>(command, 0, target.value_or(ConnectTarget{}),
+                                            m_window.get());
+    };
+    return world;
+}
+
+CSkyPlot::Surroundings Session::SkyWorld() const
+{
+    return {&m_controller.Reg(), &m_controller.GetClock(), m_controller.ProgramFolder()};
+}
+
+std::vector<ScenarioChoice> Session::Scenarios()
+{
+    std::vector<ScenarioChoice> choices;
+    for (const simulator::ShippedScenario& shipped : simulator::AllShippedScenarios()) {
+        std::string error;
+        const auto scenario = simulator::LoadScenario(std::string(shipped.name), error);
+        choices.push_back({std::string(shipped.name),
+                           scenario ? QString::fromStdString(scenario->title) : QString()});
+    }
+    return choices;
+}
+
+void Session::ChoosePort()
+{
+    const ReceiverLink::Hold hold(m_controller.Link());
+    PortChooserDlg chooser(m_controller.Ports(), Scenarios(), m_controller.Choice(), {},
+                           m_window.get());
+    if (chooser.DoModal() == Dialog::kOk) {
+        m_controller.Choose(chooser.Choice());
+        Connect();
+    }
+}
+
 void Session::Connect()
 {
     std::wstring fault;
-    if (!m_controller.ConnectQuietly(fault) && !fault.empty()) {
+    if (!m_controller.Connect(m_window.get(), fault) && !fault.empty()) {
         CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
     }
 }
@@ -92,8 +144,7 @@ void Session::ForceInit()
         return;
     }
     const ReceiverLink::Hold hold(m_controller.Link());
-    CConnect connect(m_controller.Command(), 0, *target);
-    CRecvForceInit(m_controller.Command()).DoModal(connect);
+    RecvForceInitDlg(m_controller.Command(), *target, m_window.get()).DoModal();
 }
 
 void Session::ShowAbout()
@@ -110,8 +161,34 @@ void Session::ShowChosenTheme()
 
 std::vector<Session::Screen> Session::Screens()
 {
-    std::vector<Screen> screens;
-    return screens;
+    const auto plan = [this](int drawType) {
+        return [this, drawType]() -> std::unique_ptr<QWidget> {
+            auto dialog = std::make_unique<CSurveyPlan>(&m_controller.Command(), 0, PlanWorld());
+            dialog->show();
+            for (QAction* action : dialog->findChildren<QAction*>()) {
+                if (action->data().toInt() == CSurveyPlan::GetMenuID(drawType)) {
+                    action->trigger();
+                }
+            }
+            return dialog;
+        };
+    };
+    return {
+        {QStringLiteral("plan-count"), plan(0)},
+        {QStringLiteral("plan-skyplot"), plan(1)},
+        {QStringLiteral("plan-azimuth"), plan(2)},
+        {QStringLiteral("plan-elevation"), plan(3)},
+        {QStringLiteral("plan-pdop"), plan(4)},
+        {QStringLiteral("skyplot"),
+         [this]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<CSkyPlot>(&m_controller.Command(), 0, SkyWorld());
+         }},
+        {QStringLiteral("port"),
+         [this]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<PortChooserDlg>(m_controller.Ports(), Scenarios(),
+                                                     m_controller.Choice());
+         }},
+    };
 }
 
 int Session::WriteScreenshots(const QString& folder)

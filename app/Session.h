@@ -1,6 +1,9 @@
 #pragma once
 
 #include "app/Controller.h"
+#include "ui/link/PortChooserDlg.h"
+#include "ui/planning/SkyPlotDlg.h"
+#include "ui/planning/SurveyPlan.h"
 
 #include <QObject>
 #include <QString>
@@ -42,6 +45,11 @@ private:
     /// Every screen but the window itself, as it is when it has just been opened.
     std::vector<Screen> Screens();
     void Open(int choice);
+    [[nodiscard]] PlanSurroundings PlanWorld();
+    [[nodiscard]] CSkyPlot::Surroundings SkyWorld() const;
+    /// What the simulated receiver can play.
+    [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
+    void ChoosePort();
     void Connect();
     void ConnectAtStart();
     void ForceInit();

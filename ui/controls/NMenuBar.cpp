@@ -67,6 +67,7 @@ void CnMenuBar::AddItem(int popup, int id, const QString& text)
         return;
     }
     QAction* const item = menu->addAction(text);
+    item->setData(id);
     connect(item, &QAction::triggered, this, [this, id] { Q_EMIT ItemChosen(id); });
     m_items.insert(id, item);
 }
