@@ -1,7 +1,7 @@
 #include "cli/Command.h"
-#include "cli/FrameDescriber.h"
 #include "cli/Utf8.h"
 
+#include "core/link/FrameDescriber.h"
 #include "simulator/ExchangeRecord.h"
 
 #include <algorithm>

@@ -6,11 +6,6 @@ namespace fieldcore::cli {
 
 namespace {
 
-bool IsControl(char32_t code)
-{
-    return code < 0x20 || (code >= 0x7F && code < 0xA0);
-}
-
 bool IsWide(char32_t code)
 {
     return (code >= 0x1100 && code < 0x1160) || (code >= 0x2E80 && code < 0xA4D0) ||
@@ -19,16 +14,6 @@ bool IsWide(char32_t code)
 }
 
 } // namespace
-
-std::string Printable(std::string_view utf8)
-{
-    std::string text;
-    while (!utf8.empty()) {
-        const std::optional<char32_t> code = TakeUtf8Character(utf8);
-        AppendUtf8(text, code && !IsControl(*code) ? *code : U'?');
-    }
-    return text;
-}
 
 std::size_t DisplayWidth(std::string_view utf8)
 {

@@ -1,7 +1,7 @@
 // Bytes of an exchange log, as a broken receiver or a broken log may hold them: every byte is
 // told exactly once, and nothing that is shown commands the terminal.
 
-#include "cli/FrameDescriber.h"
+#include "core/link/FrameDescriber.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,10 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace fieldcore;
     for (const Direction direction : {Direction::Sent, Direction::Received}) {
         std::size_t told = 0;
-        for (const cli::DescribedBytes& bytes :
-             cli::DescribeBytes(direction, std::span(data, size))) {
+        for (const DescribedBytes& bytes : DescribeBytes(direction, std::span(data, size))) {
             told += bytes.length;
-            for (const cli::DescribedField& field : bytes.fields) {
+            for (const DescribedField& field : bytes.fields) {
                 if (!IsHarmless(field.value.Words())) {
                     std::abort();
                 }

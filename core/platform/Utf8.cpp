@@ -14,6 +14,11 @@ bool IsCharacter(char32_t code)
     return code < kBeyondUnicode && (code < 0xD800 || code > 0xDFFF);
 }
 
+bool IsControl(char32_t code)
+{
+    return code < 0x20 || (code >= 0x7F && code < 0xA0);
+}
+
 } // namespace
 
 void AppendUtf8(std::string& utf8, char32_t code)
@@ -77,6 +82,16 @@ std::wstring FromUtf8(std::string_view utf8)
         } else {
             text += static_cast<wchar_t>(TakeUtf8Character(utf8).value_or(U'?'));
         }
+    }
+    return text;
+}
+
+std::string Printable(std::string_view utf8)
+{
+    std::string text;
+    while (!utf8.empty()) {
+        const std::optional<char32_t> code = TakeUtf8Character(utf8);
+        AppendUtf8(text, code && !IsControl(*code) ? *code : U'?');
     }
     return text;
 }

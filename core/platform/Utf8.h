@@ -21,4 +21,8 @@ void AppendUtf8(std::string& utf8, char32_t code);
 /// @return nothing, with one byte taken, if the bytes are no UTF-8
 [[nodiscard]] std::optional<char32_t> TakeUtf8Character(std::string_view& utf8);
 
+/// UTF-8 that is safe to show: control characters, which a receiver or a log could
+/// smuggle in, and bytes that are no UTF-8 become "?".
+[[nodiscard]] std::string Printable(std::string_view utf8);
+
 } // namespace fieldcore

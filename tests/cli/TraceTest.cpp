@@ -1,4 +1,4 @@
-#include "cli/FrameDescriber.h"
+#include "core/link/FrameDescriber.h"
 #include "tests/cli/Runner.h"
 
 #include <algorithm>

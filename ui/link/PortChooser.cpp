@@ -25,10 +25,11 @@ constexpr int kGrid = TouchStyle::kGrid;
 constexpr std::chrono::seconds kInterval{1};
 const QString kSimulator = QStringLiteral("sim:");
 
+/// What it is, where it is unless that says nothing, and its state: a line each.
 QString RowText(const PortChoice& port)
 {
     const QString mark = port.usable ? QStringLiteral("○ ") : QStringLiteral("× ");
-    const QString place = port.place.empty() ? QString() : ToQt(port.place) + QStringLiteral("　");
+    const QString place = port.place.empty() ? QString() : ToQt(port.place) + QStringLiteral("\n");
     return ToQt(port.title) + QStringLiteral("\n") + place + mark + ToQt(port.state);
 }
 
@@ -57,8 +58,7 @@ void PortChooser::Build(const std::vector<ScenarioChoice>& scenarios)
 {
     m_list->setAccessibleName(UiText(text::kPortList));
     m_list->setIconSize(QSize(4 * kGrid, 4 * kGrid));
-    m_list->setWordWrap(true);
-    m_list->setUniformItemSizes(false);
+    m_list->setTextElideMode(Qt::ElideMiddle);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setMinimumHeight(3 * TouchStyle::kTarget);
     m_nothing->setWordWrap(true);
@@ -86,6 +86,7 @@ void PortChooser::Build(const std::vector<ScenarioChoice>& scenarios)
     auto* const form = new QFormLayout;
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     form->setSpacing(kGrid);
     form->addRow(UiText(text::kPortName), m_name);
     form->addRow(m_fault);

@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kGrid = TouchStyle::kGrid;
 constexpr int kMargin = 12;
+constexpr double kLarge = 1.25; // of the usual text
 
 } // namespace
 
@@ -30,6 +31,7 @@ PortChooserDlg::PortChooserDlg(const PortNames& names, const std::vector<Scenari
     auto* const heading = new QLabel(UiText(text::kPortTitle));
     QFont bold = font();
     bold.setBold(true);
+    bold.setPixelSize(qRound(QFontInfo(font()).pixelSize() * kLarge));
     heading->setFont(bold);
     auto* const cancel = new QPushButton(UiText(text::kButtonCancel));
     for (QPushButton* const button : {cancel, m_connect}) {

@@ -292,6 +292,61 @@ TEST_F(ConnectDlgTest, CancelsInEachStep)
     }
 }
 
+TEST_F(ConnectDlgTest, CutsNothingOff)
+{
+    const QFont before = QApplication::font();
+    struct Row
+    {
+        QSize size;
+        Theme::Kind theme;
+        int font; // px; 21 is 30 % above the usual
+        const char* name;
+    };
+    for (const Row& row : {Row{{480, 640}, Theme::Kind::Daylight, 16, "480-daylight"},
+                           Row{{480, 640}, Theme::Kind::Dark, 21, "480-dark-large"},
+                           Row{{1280, 800}, Theme::Kind::Daylight, 16, "1280-daylight"},
+                           Row{{1280, 800}, Theme::Kind::Dark, 16, "1280-dark"}}) {
+        SCOPED_TRACE(row.name);
+        QFont font = before;
+        font.setPixelSize(row.font);
+        QApplication::setFont(font);
+        Theme::Use(row.theme);
+        window.resize(row.size);
+        Scenario scenario;
+        scenario.faults = {Rule("hang-up on 06 skip 1")};
+        Start(scenario);
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        const QString name = QString::fromLatin1(row.name);
+        int seen = 0;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            const auto check = [&](const QPushButton* button, const char* state) {
+                EXPECT_LE(dialog.width(), row.size.width());
+                EXPECT_LE(dialog.height(), row.size.height());
+                EXPECT_TRUE(dialog.rect().contains(button->geometry())) << state;
+                EXPECT_GE(button->height(), 44);
+                KeepPicture(dialog, QStringLiteral("connect-") + QString::fromLatin1(state) + name);
+            };
+            if (dialog.IsRunning(ConnectStep::ReadOptions) && seen == 0) {
+                seen = 1;
+                check(dialog.CancelButton(), "running-");
+            } else if (dialog.CloseButton()->isVisible()) {
+                ++seen;
+                check(dialog.CloseButton(), "failed-");
+                QTest::keyClick(dialog.DetailButton(), Qt::Key_Space);
+                QCoreApplication::processEvents();
+                check(dialog.CloseButton(), "detail-");
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+            }
+        };
+        ConnectDlg dialog(command, 0, target, &window);
+        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+        EXPECT_EQ(seen, 2);
+    }
+    QApplication::setFont(before);
+    Theme::Use(Theme::Kind::Daylight);
+}
+
 /// Nothing but clicks on what says so may reset a receiver.
 TEST_F(ConnectDlgTest, ForceInitNeedsTwoClicks)
 {

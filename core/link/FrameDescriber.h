@@ -1,8 +1,7 @@
 #pragma once
 
-#include "cli/Report.h"
-
 #include "core/link/FrameLog.h"
+#include "core/platform/Value.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace fieldcore::cli {
+namespace fieldcore {
 
 /// One field of a frame, read.
 struct DescribedField
@@ -53,4 +52,4 @@ struct DescribedBytes
 [[nodiscard]] std::vector<DescribedBytes> DescribeBytes(Direction direction,
                                                         std::span<const std::uint8_t> bytes);
 
-} // namespace fieldcore::cli
+} // namespace fieldcore

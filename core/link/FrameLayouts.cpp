@@ -1,9 +1,9 @@
-#include "cli/FrameLayouts.h"
+#include "core/link/FrameLayouts.h"
 
 #include <algorithm>
 #include <array>
 
-namespace fieldcore::cli {
+namespace fieldcore {
 
 namespace {
 
@@ -331,4 +331,4 @@ const FrameLayout* FindFrameLayout(Direction direction, std::uint8_t type, std::
     return found == kLayouts.end() ? nullptr : found;
 }
 
-} // namespace fieldcore::cli
+} // namespace fieldcore

@@ -1,10 +1,9 @@
-#include "cli/FrameDescriber.h"
+#include "core/link/FrameDescriber.h"
 
-#include "cli/FrameLayouts.h"
-#include "cli/SatelliteRecords.h"
-#include "cli/Utf8.h"
-
+#include "core/link/FrameLayouts.h"
+#include "core/link/SatelliteRecords.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +14,7 @@
 #include <string_view>
 #include <utility>
 
-namespace fieldcore::cli {
+namespace fieldcore {
 
 namespace {
 
@@ -321,4 +320,4 @@ std::vector<DescribedBytes> DescribeBytes(Direction direction, Bytes bytes)
     return all;
 }
 
-} // namespace fieldcore::cli
+} // namespace fieldcore

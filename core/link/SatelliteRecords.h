@@ -1,13 +1,13 @@
 #pragma once
 
-#include "cli/FrameDescriber.h"
+#include "core/link/FrameDescriber.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-namespace fieldcore::cli {
+namespace fieldcore {
 
 /// Reads the records of a satellite list, whose width depends on the satellite and the format.
 /// @param offset      of the first record; moved on
@@ -16,4 +16,4 @@ namespace fieldcore::cli {
 [[nodiscard]] bool ReadSatellites(std::span<const std::uint8_t> data, std::size_t& offset,
                                   bool severalFrames, std::vector<DescribedField>& fields);
 
-} // namespace fieldcore::cli
+} // namespace fieldcore

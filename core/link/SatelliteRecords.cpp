@@ -1,8 +1,8 @@
-#include "cli/SatelliteRecords.h"
+#include "core/link/SatelliteRecords.h"
 
 #include <string>
 
-namespace fieldcore::cli {
+namespace fieldcore {
 
 namespace {
 
@@ -129,4 +129,4 @@ bool ReadSatellites(Bytes data, std::size_t& offset, bool severalFrames,
     return header.IsComplete();
 }
 
-} // namespace fieldcore::cli
+} // namespace fieldcore

@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-namespace fieldcore::cli {
+namespace fieldcore {
 
 /// How the bytes of a field are read.
 enum class FieldKind : std::uint8_t
@@ -66,4 +66,4 @@ struct FrameLayout
 [[nodiscard]] const FrameLayout* FindFrameLayout(Direction direction, std::uint8_t type,
                                                  std::string_view data);
 
-} // namespace fieldcore::cli
+} // namespace fieldcore

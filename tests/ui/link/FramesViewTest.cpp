@@ -1,0 +1,249 @@
+#include "ui/link/FramesView.h"
+
+#include "core/link/Command.h"
+#include "core/platform/WholeFile.h"
+#include "simulator/Simulator.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/link/Clicks.h"
+#include "ui/controls/QtHost.h"
+#include "ui/controls/Theme.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRandomGenerator>
+#include <QTableView>
+
+#include <array>
+#include <string>
+
+namespace fieldcore {
+namespace {
+
+using Frame = std::vector<std::uint8_t>;
+
+const Frame kStatus{0x02, 0x00, 0x08, 0x00, 0x08, 0x03};
+const Frame kDamaged{0x02, 0x00, 0x08, 0x00, 0x09, 0x03};
+const Frame kNak{0x15};
+
+class FramesViewTest : public ::testing::Test
+{
+protected:
+    FramesViewTest()
+    {
+        view.resize(480, 640);
+        view.show();
+        QApplication::setActiveWindow(&view);
+    }
+    [[nodiscard]] QString Cell(int row, int column) const
+    {
+        return table->model()->index(row, column).data().toString();
+    }
+    [[nodiscard]] QPushButton* Button(int textId) const
+    {
+        for (QPushButton* const button : view.findChildren<QPushButton*>()) {
+            if (button->text() == UiText(textId)) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+    void Click(int textId) const { QTest::mouseClick(Button(textId), Qt::LeftButton); }
+
+    FrameHistory history;
+    FramesView view{history};
+    QTableView* const table = view.findChild<QTableView*>();
+};
+
+TEST_F(FramesViewTest, ShowsWhatGoesOverTheLine)
+{
+    simulator::Simulator receiver{simulator::Scenario{}};
+    std::string error;
+    ASSERT_TRUE(receiver.Start(error)) << error;
+    CCommand command;
+    command.SetFrameObserver(history.Observer());
+    ASSERT_EQ(command.OpenPort(receiver.PortPath()), 1);
+    SerialReply serial;
+    ASSERT_EQ(command.RequestSerial(serial), 1);
+    view.Refresh();
+    ASSERT_EQ(table->model()->rowCount(), 2);
+    EXPECT_EQ(Cell(0, FramesModel::Way), QStringLiteral("→ Tx"));
+    EXPECT_EQ(Cell(0, FramesModel::Bytes), QStringLiteral("02 00 06 00 06 03"));
+    EXPECT_EQ(Cell(1, FramesModel::Way), QStringLiteral("← Rx"));
+    EXPECT_TRUE(Cell(1, FramesModel::Content).startsWith(QStringLiteral("07 ")));
+    QTest::keyClick(table, Qt::Key_End);
+    table->selectRow(1);
+    EXPECT_TRUE(view.findChild<QPlainTextEdit*>()->toPlainText().contains(
+        ToQt(serial.shortSerial).trimmed()));
+}
+
+TEST_F(FramesViewTest, FiltersHoldsAndClears)
+{
+    history.Add(Direction::Sent, kStatus);
+    history.Add(Direction::Received, kDamaged);
+    history.Add(Direction::Sent, kStatus);
+    history.Add(Direction::Received, kNak);
+    view.Refresh();
+    auto* const show = view.findChild<QComboBox*>();
+    auto* const search = view.findChild<QLineEdit*>();
+    const auto rowsFor = [&](int shown, const char* typed) {
+        show->setCurrentIndex(shown);
+        search->clear();
+        QTest::keyClicks(search, QString::fromLatin1(typed));
+        return table->model()->rowCount();
+    };
+    EXPECT_EQ(rowsFor(0, ""), 4);
+    EXPECT_EQ(rowsFor(1, ""), 2);
+    EXPECT_EQ(rowsFor(2, ""), 2);
+    EXPECT_EQ(rowsFor(3, ""), 2) << "the damaged one and the refusal";
+    EXPECT_EQ(rowsFor(0, "08 00 08"), 2);
+    EXPECT_EQ(rowsFor(2, "nak"), 1);
+    EXPECT_EQ(rowsFor(1, "nak"), 0);
+    // What comes later is filtered, too.
+    rowsFor(1, "");
+    history.Add(Direction::Received, kNak);
+    history.Add(Direction::Sent, kStatus);
+    view.Refresh();
+    EXPECT_EQ(table->model()->rowCount(), 3);
+    rowsFor(0, "");
+    Click(text::kFramesPause);
+    history.Add(Direction::Sent, kStatus);
+    view.Refresh();
+    EXPECT_EQ(table->model()->rowCount(), 6) << "went on while it was held";
+    Click(text::kFramesPause);
+    EXPECT_EQ(table->model()->rowCount(), 7);
+    Click(text::kFramesClear);
+    EXPECT_EQ(table->model()->rowCount(), 0);
+    EXPECT_FALSE(Button(text::kFramesSave)->isEnabled());
+    history.Add(Direction::Sent, kStatus);
+    view.Refresh();
+    EXPECT_EQ(table->model()->rowCount(), 1);
+}
+
+TEST_F(FramesViewTest, KeepsTenThousandRowsAndNoMore)
+{
+    for (int i = 0; i < 25000; ++i) {
+        history.Add(i % 2 == 0 ? Direction::Sent : Direction::Received,
+                    i % 2 == 0 ? kStatus : kNak);
+        if (i % 6000 == 0) {
+            view.Refresh();
+        }
+    }
+    view.Refresh();
+    EXPECT_EQ(table->model()->rowCount(), 10000);
+    EXPECT_EQ(view.Model().Frames().front().number, 15001U);
+    view.findChild<QComboBox*>()->setCurrentIndex(1);
+    EXPECT_EQ(table->model()->rowCount(), 5000);
+    for (int i = 0; i < 100; ++i) {
+        history.Add(Direction::Received, kNak);
+    }
+    view.Refresh();
+    EXPECT_EQ(table->model()->rowCount(), 4950) << "rows of frames that are gone";
+}
+
+TEST_F(FramesViewTest, SavesWhatIsShown)
+{
+    QtHost host;
+    SetDefaultHost(&host);
+    const TemporaryFolder folder;
+    const auto file = folder.Path() / "exchange.log";
+    history.Add(Direction::Sent, kStatus);
+    history.Add(Direction::Received, kNak);
+    view.Refresh();
+    view.findChild<QComboBox*>()->setCurrentIndex(2);
+    {
+        Surveyor surveyor;
+        surveyor.boxes = {
+            {L"通信記録を保存しました。",
+             L"通信記録",
+             text::kMessageIconInformation,
+             {text::kButtonOk},
+             text::kButtonOk},
+            {L"通信記録を保存できませんでした。\n原因：No such file or directory\n"
+             L"保存先の空き容量と書き込みの許可を確認して、もう一度保存してください。",
+             L"通信記録",
+             text::kMessageIconStop,
+             {text::kButtonOk},
+             0}};
+        EXPECT_EQ(view.Save(file), 1);
+        EXPECT_EQ(view.Save(folder.Path() / "no-folder" / "exchange.log"), 0);
+    }
+    const auto saved = ReadWholeFile(file, 1000);
+    ASSERT_TRUE(saved.has_value());
+    EXPECT_EQ(std::string(saved->begin(), saved->end()), "00:1.000 Rcvr Rx [15 ]\r\n");
+    SetDefaultHost(nullptr);
+}
+
+TEST_F(FramesViewTest, StandsAThousandRandomEvents)
+{
+    QRandomGenerator random(20240229);
+    const std::array buttons{text::kFramesPause, text::kFramesClear};
+    for (int i = 0; i < 1000; ++i) {
+        switch (random.bounded(6)) {
+        case 0: {
+            Frame noise(random.bounded(1, 300));
+            for (std::uint8_t& byte : noise) {
+                byte = static_cast<std::uint8_t>(random.bounded(256));
+            }
+            noise[0] = random.bounded(2) == 0 ? 0x02 : noise[0];
+            history.Add(random.bounded(2) == 0 ? Direction::Sent : Direction::Received, noise);
+            view.Refresh();
+            break;
+        }
+        case 1:
+            QTest::keyClick(view.findChild<QLineEdit*>(),
+                            random.bounded(2) == 0 ? static_cast<char>(random.bounded(0x20, 0x7F))
+                                                   : '\b');
+            break;
+        case 2:
+            if (random.bounded(20) == 0) {
+                Click(buttons[random.bounded(2)]);
+            }
+            break;
+        case 3:
+            QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                              {random.bounded(460), random.bounded(300)});
+            break;
+        case 4: {
+            constexpr Qt::Key kKeys[] = {Qt::Key_Down, Qt::Key_PageUp, Qt::Key_End, Qt::Key_Tab};
+            QTest::keyClick(table, kKeys[random.bounded(4)]);
+            break;
+        }
+        default:
+            view.findChild<QComboBox*>()->setCurrentIndex(static_cast<int>(random.bounded(4)));
+        }
+    }
+    view.findChild<QLineEdit*>()->clear();
+    view.findChild<QComboBox*>()->setCurrentIndex(0);
+    EXPECT_EQ(static_cast<std::size_t>(table->model()->rowCount()), view.Model().Total());
+}
+
+TEST_F(FramesViewTest, CutsNothingOff)
+{
+    KeepPicture(view, QStringLiteral("frames-480-empty"));
+    for (int i = 0; i < 30; ++i) {
+        history.Add(Direction::Sent, kStatus);
+        history.Add(Direction::Received, i % 5 == 0 ? kDamaged : kNak);
+    }
+    view.Refresh();
+    table->selectRow(7);
+    for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
+        Theme::Use(theme);
+        const QString name =
+            theme == Theme::Kind::Dark ? QStringLiteral("dark") : QStringLiteral("daylight");
+        for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
+            view.resize(size);
+            QCoreApplication::processEvents();
+            EXPECT_EQ(view.size(), size) << "does not fit";
+            KeepPicture(view, QStringLiteral("frames-%1-").arg(size.width()) + name);
+        }
+    }
+    Theme::Use(Theme::Kind::Daylight);
+    for (const QPushButton* const button : view.findChildren<QPushButton*>()) {
+        EXPECT_GE(button->height(), 44);
+        EXPECT_TRUE(view.rect().contains(button->geometry()));
+    }
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,197 @@
+#include "ui/link/FramesView.h"
+
+#include "core/host/MesBox.h"
+#include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTableView>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+constexpr std::chrono::milliseconds kInterval{200};
+
+} // namespace
+
+FramesView::FramesView(FrameHistory& history, QWidget* parent)
+    : QWidget(parent), m_model(history), m_table(new QTableView), m_show(new QComboBox),
+      m_search(new QLineEdit), m_count(new QLabel), m_detail(new QPlainTextEdit),
+      m_hold(new QPushButton(UiText(text::kFramesPause))),
+      m_save(new QPushButton(UiText(text::kFramesSave))),
+      m_clear(new QPushButton(UiText(text::kFramesClear)))
+{
+    Build();
+    connect(m_show, &QComboBox::currentIndexChanged, this, &FramesView::ApplyFilter);
+    connect(m_search, &QLineEdit::textChanged, this, &FramesView::ApplyFilter);
+    connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &FramesView::ShowDetail);
+    connect(m_hold, &QPushButton::toggled, this, &FramesView::Hold);
+    connect(m_save, &QPushButton::clicked, this, &FramesView::AskAndSave);
+    connect(m_clear, &QPushButton::clicked, this, [this] {
+        m_model.Clear();
+        m_detail->clear();
+        ShowCount();
+    });
+    connect(&m_timer, &QTimer::timeout, this, &FramesView::Refresh);
+    ShowCount();
+}
+
+void FramesView::Build()
+{
+    m_table->setModel(&m_model);
+    m_table->setAccessibleName(UiText(text::kFramesTitle));
+    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_table->setShowGrid(false);
+    m_table->setWordWrap(false);
+    m_table->setTabKeyNavigation(false);
+    m_table->verticalHeader()->hide();
+    m_table->verticalHeader()->setDefaultSectionSize(TouchStyle::kTarget);
+    m_table->horizontalHeader()->setHighlightSections(false);
+    m_table->horizontalHeader()->setStretchLastSection(true);
+    const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
+    m_table->setColumnWidth(FramesModel::Time, 13 * digit + 2 * kGrid);
+    m_table->setColumnWidth(FramesModel::Way, 6 * digit + 2 * kGrid);
+    m_table->setColumnWidth(FramesModel::Content, 40 * digit);
+    m_detail->setReadOnly(true);
+    m_detail->setAccessibleName(UiText(text::kFramesDetail));
+    m_detail->setTabChangesFocus(true);
+    m_detail->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_detail->setPlaceholderText(UiText(text::kFramesDetail));
+    m_detail->setFixedHeight(7 * fontMetrics().lineSpacing());
+    m_show->setAccessibleName(UiText(text::kFramesFilter));
+    for (int i = 0; i < 4; ++i) {
+        m_show->addItem(UiText(text::kFramesFilterAll + i));
+    }
+    m_search->setAccessibleName(UiText(text::kFramesSearch));
+    m_search->setPlaceholderText(UiText(text::kFramesSearch));
+    m_search->setClearButtonEnabled(true);
+    m_hold->setCheckable(true);
+    m_save->setIcon(ThemeIcon(QStringLiteral("download")));
+    m_clear->setIcon(ThemeIcon(QStringLiteral("trash")));
+    auto* const filter = new QHBoxLayout;
+    filter->setSpacing(kGrid);
+    filter->addWidget(m_show);
+    filter->addWidget(m_search, 1);
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(kGrid);
+    buttons->addWidget(m_hold);
+    buttons->addStretch(1);
+    buttons->addWidget(m_clear);
+    buttons->addWidget(m_save);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(12, 12, 12, 12);
+    layout->setSpacing(kGrid);
+    layout->addLayout(filter);
+    layout->addWidget(m_table, 1);
+    layout->addWidget(m_count);
+    layout->addWidget(m_detail);
+    layout->addLayout(buttons);
+}
+
+void FramesView::Refresh()
+{
+    if (m_hold->isChecked()) {
+        return;
+    }
+    QScrollBar* const bar = m_table->verticalScrollBar();
+    const bool isAtEnd = bar->value() == bar->maximum();
+    if (m_model.Pull()) {
+        ShowCount();
+        if (isAtEnd) { // who has scrolled back is reading
+            m_table->scrollToBottom();
+        }
+    }
+}
+
+void FramesView::ApplyFilter()
+{
+    m_model.SetFilter(static_cast<FramesModel::Show>(m_show->currentIndex()), m_search->text());
+    m_table->scrollToBottom();
+    ShowCount();
+    ShowDetail();
+}
+
+void FramesView::Hold(bool on)
+{
+    if (!on) {
+        Refresh();
+    }
+    ShowCount();
+}
+
+void FramesView::ShowCount()
+{
+    const auto rows = static_cast<long>(m_model.rowCount());
+    const auto most = static_cast<long>(FrameHistory::kCapacity);
+    m_save->setEnabled(rows > 0);
+    if (m_model.Total() == 0 && !m_hold->isChecked()) {
+        m_count->setText(UiText(text::kFramesEmpty));
+    } else if (rows == 0 && !m_hold->isChecked()) {
+        m_count->setText(UiText(text::kFramesNone));
+    } else {
+        m_count->setText(ToQt(FormatText(
+            m_hold->isChecked() ? text::kFramesPaused : text::kFramesCount, rows, most)));
+    }
+}
+
+void FramesView::ShowDetail()
+{
+    m_detail->setPlainText(m_model.Detail(m_table->currentIndex().row()));
+}
+
+void FramesView::AskAndSave()
+{
+    const bool wasHeld = m_hold->isChecked();
+    m_hold->setChecked(true); // what is saved is what was seen
+    const QString file = QFileDialog::getSaveFileName(
+        this, UiText(text::kFramesTitle), QStringLiteral("exchange.log"),
+        UiText(text::kFramesSaveName), nullptr, QFileDialog::DontUseNativeDialog);
+    if (!file.isEmpty()) {
+        Save(file.toStdString());
+    }
+    m_hold->setChecked(wasHeld);
+}
+
+int FramesView::Save(const std::filesystem::path& file)
+{
+    const std::error_code error = SaveFrameLog(file, m_model.Frames());
+    if (error) {
+        CMesBox().Fail(FormatText(text::kFramesNotSaved, FromUtf8(error.message()).c_str()),
+                       text::kFramesTitle);
+        return 0;
+    }
+    CMesBox().Show(text::kFramesSaved, text::kFramesTitle, {BoxButtons::Ok, BoxIcon::Information});
+    return 1;
+}
+
+void FramesView::showEvent(QShowEvent* event)
+{
+    Refresh();
+    m_timer.start(kInterval);
+    QWidget::showEvent(event);
+}
+
+void FramesView::hideEvent(QHideEvent* event)
+{
+    m_timer.stop();
+    QWidget::hideEvent(event);
+}
+
+} // namespace fieldcore
