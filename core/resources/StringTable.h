@@ -289,9 +289,9 @@ inline constexpr int kPlanEnd = 60409;
 inline constexpr int kPlanAlmanac = 60410;
 inline constexpr int kPlanAlmanacUnknown = 60411;
 inline constexpr int kPlanAlmanacMissing = 60412;
-inline constexpr int kPlanBestWindows = 60413;
+inline constexpr int kPlanBestWindows = 60413; ///< windows
 inline constexpr int kPlanNoWindow = 60414;
-inline constexpr int kPlanMoreWindows = 60415;
+inline constexpr int kPlanMoreWindows = 60415; ///< windows, how many more
 inline constexpr int kPlanTime = 60416;
 inline constexpr int kPlanFromBelow = 60417;
 inline constexpr int kPlanExport = 60418;
@@ -306,6 +306,7 @@ inline constexpr int kPlanUpdatingLeft = 60426; ///< done, of, seconds
 inline constexpr int kPlanFileCaption = 60427;
 inline constexpr int kPlanFileNotTaken = 60428;      ///< file, line, detail
 inline constexpr int kPlanFileNotTakenAtAll = 60429; ///< file, detail
+inline constexpr int kPlanListSeparator = 60430;
 
 // Its detail settings
 inline constexpr int kPlanPageConditions = 60435;

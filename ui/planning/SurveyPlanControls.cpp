@@ -23,6 +23,8 @@
 #include <QSlider>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace fieldcore {
 
 namespace {
@@ -97,7 +99,7 @@ QWidget* CSurveyPlan::BuildPanel()
     m_end = MakeHourSpin(kEndSpinId, kEndLabelId, text::kPlanEnd, 1, 24);
     m_tools = new CnToolBar;
     m_tools->AddButton(kExportTool, QStringLiteral("download"), UiText(text::kPlanExport));
-    m_tools->AddButton(kFromBelowTool, QStringLiteral("restore"), UiText(text::kPlanFromBelow));
+    m_tools->AddButton(kFromBelowTool, QStringLiteral("skyplot"), UiText(text::kPlanFromBelow));
     m_tools->CheckItem(kFromBelowTool, false);
 
     auto* const panel = new QWidget;
@@ -188,20 +190,21 @@ void CSurveyPlan::ShowWindows()
     constexpr std::size_t kShown = 2;
     const ObservationPlan& plan = m_session.Plan();
     const std::vector<PlanWindow> windows = FindWindows(plan, m_session.Limits());
-    std::wstring list;
+    QStringList list;
     for (std::size_t i = 0; i < windows.size() && i < kShown; ++i) {
-        const std::string from = plan.Computed().ClockText(windows[i].first);
-        const std::string to = plan.Computed().ClockText(windows[i].last);
-        list += (i > 0 ? L"、" : L"") + FormatText(text::kPlotWindow,
-                                                   std::wstring(from.begin(), from.end()).c_str(),
-                                                   std::wstring(to.begin(), to.end()).c_str());
+        const auto clock = [&](int epoch) {
+            return QString::fromStdString(plan.Computed().ClockText(epoch));
+        };
+        list += UiText(text::kPlotWindow).arg(clock(windows[i].first), clock(windows[i].last));
     }
-    if (windows.size() > kShown) {
-        list = FormatText(text::kPlanMoreWindows, list.c_str(),
-                          static_cast<int>(windows.size() - kShown));
+    if (windows.empty()) {
+        m_windows->setText(UiText(text::kPlanNoWindow));
+        return;
     }
-    m_windows->setText(windows.empty() ? UiText(text::kPlanNoWindow)
-                                       : ToQt(FormatText(text::kPlanBestWindows, list.c_str())));
+    const QString shown = list.join(UiText(text::kPlanListSeparator));
+    const int more = static_cast<int>(windows.size() - std::min(windows.size(), kShown));
+    m_windows->setText(more == 0 ? UiText(text::kPlanBestWindows).arg(shown)
+                                 : UiText(text::kPlanMoreWindows).arg(shown).arg(more));
 }
 
 void CSurveyPlan::ShowSlider()

@@ -1,0 +1,311 @@
+#include "core/planning/CurtainFile.h"
+#include "core/planning/CurtainText.h"
+#include "core/platform/Cp932.h"
+#include "simulator/Simulator.h"
+#include "tests/ui/controls/Pictures.h"
+#include "tests/ui/planning/PlanScreen.h"
+#include "ui/controls/LabelSpin.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/PropertySheet.h"
+#include "ui/controls/SpinDouble.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/planning/CurtainEditor.h"
+#include "ui/planning/CurtainView.h"
+#include "ui/planning/DateDlg.h"
+#include "ui/planning/PlanDet.h"
+#include "ui/planning/PlanPos.h"
+#include "ui/planning/PlanSet.h"
+#include "ui/planning/SiteDlg.h"
+
+#include <QCalendarWidget>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+
+#include <algorithm>
+#include <numeric>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Click;
+using testing::Next;
+using testing::PlanScreen;
+
+class PlanPagesTest : public PlanScreen
+{
+protected:
+    /// Opens the detail settings on a page, does @p act there, and presses a button.
+    template <typename Page>
+    void OnPage(const std::function<void(Page&)>& act, int button = text::kButtonOk)
+    {
+        Next(*plan, [&](QWidget& window) {
+            auto& sheet = dynamic_cast<PropertySheet&>(window);
+            auto* const page = sheet.findChild<Page*>();
+            ASSERT_EQ(sheet.SetActivePage(page), 1);
+            act(*page);
+            Click(sheet, button);
+            sheet.close(); // where it has refused
+        });
+        Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(21911);
+    }
+    void InEditor(const std::function<void(CurtainEditor&)>& act, int button)
+    {
+        Next(*plan, [&](QWidget& window) {
+            act(dynamic_cast<CurtainEditor&>(window));
+            Click(window, button);
+            window.close();
+        });
+        Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(21913);
+    }
+    static void Type(QWidget& dialog, int textId, const QString& text)
+    {
+        for (QLineEdit* const edit : dialog.findChildren<QLineEdit*>()) {
+            if (edit->accessibleName() == UiText(textId)) {
+                edit->selectAll();
+                QTest::keyClicks(edit, text);
+            }
+        }
+    }
+    [[nodiscard]] QStringList Shown(CPlanPos& page) const
+    {
+        QStringList names;
+        const auto* const list = page.findChild<QListWidget*>();
+        for (int row = 0; row < list->count(); ++row) {
+            if (!list->item(row)->isHidden()) {
+                names += list->item(row)->text();
+            }
+        }
+        return names;
+    }
+};
+
+TEST_F(PlanPagesTest, SetMaskPeriodAndGraph)
+{
+    Show();
+    const auto change = [](CPlanSet& page) {
+        page.findChild<CSpinDouble*>()->SetValue(25.0);
+        const auto spins = page.findChildren<LabelSpin*>();
+        QTest::keyClick(spins[0], Qt::Key_End); // 23:00
+        QTest::keyClick(spins[1], Qt::Key_End); // what is left of the day
+        page.findChild<CTComboBox*>()->SelectCode(6);
+        KeepPicture(*page.window(), QStringLiteral("page-set"));
+    };
+    OnPage<CPlanSet>(change, text::kButtonCancel);
+    EXPECT_EQ(plan->Session().Settings(), PlanSettings{}) << "Cancel has changed something";
+    OnPage<CPlanSet>(change);
+    EXPECT_EQ(plan->GetElMaskData(), 25);
+    EXPECT_EQ(Find<QLabel>(21374)->text(), QStringLiteral("23:00"));
+    EXPECT_EQ(Find<QLabel>(21376)->text(), QStringLiteral("24:00"));
+    EXPECT_TRUE(Find<CnMenuBar>(21201)->IsItemChecked(21907));
+    EXPECT_EQ(plan->Session().Plan().Computed().startHour, 23);
+}
+
+TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
+{
+    Show();
+    OnPage<CPlanPos>([&](CPlanPos& page) {
+        EXPECT_EQ(page.Chosen(), L"東京都千代田区");
+        KeepPicture(*page.window(), QStringLiteral("page-pos"));
+        QTest::keyClicks(page.findChild<QLineEdit*>(), QStringLiteral("大阪"));
+        EXPECT_EQ(Shown(page), QStringList{QStringLiteral("大阪府大阪市")});
+        EXPECT_EQ(page.Chosen(), L"大阪府大阪市");
+        Next(*page.window(), [&](QWidget& dialog) {
+            Type(dialog, text::kSiteName, QStringLiteral("現場"));
+            Type(dialog, text::kSiteLatitude, QStringLiteral("36.7000")); // 70 minutes
+            Type(dialog, text::kSiteLongitude, QStringLiteral("140.0000"));
+            Type(dialog, text::kSiteHeight, QStringLiteral("25"));
+            QTest::keyClick(&dialog, Qt::Key_Return);
+            EXPECT_TRUE(dialog.isVisible()) << "it was taken";
+            KeepPicture(dialog, QStringLiteral("site-fault"));
+            EXPECT_EQ(dynamic_cast<QLineEdit&>(*dialog.focusWidget()).text(),
+                      QStringLiteral("36.7000"));
+            Type(dialog, text::kSiteLatitude, QStringLiteral("36.3000"));
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        Click(page, text::kSiteAdd);
+        EXPECT_EQ(page.Chosen(), L"現場") << "the new one is chosen, whatever was searched for";
+    });
+    EXPECT_EQ(plan->GetPositionStr(), L"現場");
+    EXPECT_EQ(plan->GetPositionData(), 48);
+    EXPECT_NEAR(plan->Session().Site().latitudeRad * 180.0 / 3.14159265358979, 36.5, 1e-9);
+    EXPECT_EQ(plan->GetSurveyPlanCalc()->GetObserver().heightM, 25.0);
+
+    OnPage<CPlanPos>([&](CPlanPos& page) {
+        Next(*page.window(), [&](QWidget& dialog) {
+            Type(dialog, text::kSiteName, QStringLiteral("大阪府大阪市"));
+            Click(dialog, text::kButtonOk);
+            EXPECT_TRUE(dialog.isVisible()) << "another site would be pushed aside";
+            Type(dialog, text::kSiteName, QStringLiteral("現場2"));
+            Click(dialog, text::kButtonOk);
+        });
+        Click(page, text::kSiteEdit);
+        host.answer = BoxAnswer::No;
+        Click(page, text::kSiteRemove);
+        EXPECT_EQ(page.Chosen(), L"現場2");
+        host.answer = BoxAnswer::Yes;
+        Click(page, text::kSiteRemove);
+        EXPECT_EQ(host.notes.back().text, L"観測点「現場2」を削除しますか？");
+        EXPECT_EQ(host.notes.back().icon, BoxIcon::Question);
+        EXPECT_EQ(page.Chosen(), L"沖縄県那覇市") << "its neighbour is chosen";
+    });
+    EXPECT_EQ(SiteNames(home.Path()).size(), 47U);
+}
+
+TEST_F(PlanPagesTest, ImportSitesOrTellWhatIsWrong)
+{
+    Show();
+    chosenFile = home.Write("sites.csv", "A,35.5,139.5,10\nB,95,139\n");
+    OnPage<CPlanPos>([&](CPlanPos& page) {
+        Click(page, text::kSiteImport);
+        ASSERT_EQ(host.notes.size(), 1U);
+        EXPECT_EQ(host.notes[0].icon, BoxIcon::Stop);
+        EXPECT_NE(host.notes[0].text.find(L"sites.csv"), std::wstring::npos);
+        EXPECT_NE(host.notes[0].text.find(L"2行目"), std::wstring::npos);
+        EXPECT_EQ(Shown(page).size(), 47);
+        home.Write("sites.csv", "A,35.5,139.5,10\nB,36,139\n");
+        Click(page, text::kSiteImport);
+        EXPECT_EQ(host.notes.back().text, L"観測点を2件取り込みました。");
+        EXPECT_EQ(page.Chosen(), L"A");
+    });
+    EXPECT_EQ(plan->Session().Site().heightM, 10.0);
+}
+
+TEST_F(PlanPagesTest, TakeASiteFromTheReceiver)
+{
+    Show();
+    OnPage<CPlanPos>([&](CPlanPos& page) {
+        for (const QPushButton* const button : page.findChildren<QPushButton*>()) {
+            EXPECT_EQ(button->isEnabled(), button->text() != UiText(text::kSiteFromReceiver))
+                << "not connected";
+        }
+    });
+    std::string error;
+    const auto scenario = simulator::ParseScenario("position -33.9 151.2 40", error);
+    ASSERT_TRUE(scenario) << error;
+    simulator::Simulator receiver(*scenario);
+    ASSERT_TRUE(receiver.Start(error)) << error;
+    PortSettings settings;
+    settings.replyTimeout = 10s;
+    ASSERT_EQ(command->OpenPort(receiver.PortPath(), settings), 1);
+    OnPage<CPlanPos>([&](CPlanPos& page) {
+        Next(*page.window(), [](QWidget& dialog) { Click(dialog, text::kButtonOk); });
+        Click(page, text::kSiteFromReceiver);
+    });
+    EXPECT_EQ(plan->GetPositionStr(), L"受信機の位置");
+    EXPECT_EQ(plan->GetPositionID(), 1);
+    EXPECT_NEAR(plan->Session().Site().latitudeRad, -33.9 / 180.0 * 3.14159265358979, 1e-6);
+}
+
+TEST_F(PlanPagesTest, SwitchSatellitesOffButNotAll)
+{
+    WriteAlmanac(kWeek, 30);
+    Show();
+    const double before = plan->Session().Plan().CountAt(0);
+    OnPage<CPlanDet>([&](CPlanDet& page) {
+        KeepPicture(*page.window(), QStringLiteral("page-det"));
+        Click(page, text::kPlanUseNone);
+        Click(*page.window(), text::kButtonOk);
+        ASSERT_TRUE(page.isVisible());
+        EXPECT_EQ(host.notes.back().icon, BoxIcon::Exclamation);
+        const auto buttons = page.findChildren<QPushButton*>();
+        for (int index = 0; index < 4; ++index) {
+            QTest::mouseClick(buttons[index], Qt::LeftButton);
+        }
+        page.findChildren<CSpinDouble*>()[0]->SetValue(7.0);
+    });
+    EXPECT_EQ(plan->Session().Limits().minSatellites, 7);
+    EXPECT_LT(plan->Session().Plan().CountAt(0), before);
+    EXPECT_EQ(plan->GetSurveyPlanCalc()->IsValid(3), 1);
+    EXPECT_EQ(plan->GetSurveyPlanCalc()->IsValid(4), 0);
+}
+
+TEST_F(PlanPagesTest, ChooseADayInTheCalendar)
+{
+    Show();
+    Next(*plan, [](QWidget& dialog) {
+        auto* const calendar = dialog.findChild<QCalendarWidget*>();
+        KeepPicture(dialog, QStringLiteral("calendar"));
+        calendar->setSelectedDate({2027, 2, 28});
+        Click(dialog, text::kButtonOk);
+    });
+    Click(*plan, text::kPlanCalendar);
+    EXPECT_EQ(plan->GetSystemTime(), 2027y / 2 / 28);
+    EXPECT_EQ(Find<QLabel>(21378)->text(), QStringLiteral("2027/02/28"));
+}
+
+TEST_F(PlanPagesTest, DrawACurtainWithFingerAndKeys)
+{
+    Show();
+    const auto draw = [](CurtainEditor& editor) {
+        CurtainView& view = editor.View();
+        const auto at = [&](double azimuth, double elevation) {
+            return view.PointOf(azimuth, elevation).toPoint();
+        };
+        QTest::mousePress(&view, Qt::LeftButton, {}, at(350.5, 40.0));
+        QTest::mouseMove(&view, at(10.5, 40.0));
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, at(10.5, 40.0));
+        // A pixel is half a degree of elevation, and a degree and a half of azimuth there.
+        EXPECT_NEAR(editor.Edit().At(0), 40, 1);
+        EXPECT_EQ(editor.Edit().At(180), 0);
+        QTest::keyClick(&view, Qt::Key_Home);
+        QTest::keyClick(&view, Qt::Key_PageUp);
+        EXPECT_NEAR(editor.Edit().At(0), 50, 1);
+        Click(editor, text::kCurtainUndo);
+        EXPECT_NEAR(editor.Edit().At(0), 40, 1);
+        KeepPicture(editor, QStringLiteral("curtain-round"));
+        Click(editor, text::kCurtainUnrolled);
+        QTest::mousePress(&view, Qt::LeftButton, {}, at(90.5, 20.0));
+        QTest::mouseMove(&view, at(180.5, 60.0));
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, at(180.5, 60.0));
+        EXPECT_NEAR(editor.Edit().At(135), 40, 1);
+        KeepPicture(editor, QStringLiteral("curtain-unrolled"));
+    };
+    InEditor(draw, text::kButtonCancel);
+    EXPECT_FALSE(std::filesystem::exists(CurtainPath(home.Path())));
+    EXPECT_FALSE(HasObstruction(plan->GetSurveyPlanCalc()->GetCurtain()));
+    const double before = plan->Session().Plan().CountAt(0);
+    InEditor(
+        [&](CurtainEditor& editor) {
+            draw(editor);
+            QTest::keyClick(&editor.View(), Qt::Key_End);
+            for (int i = 0; i < 9; ++i) {
+                QTest::keyClick(&editor.View(), Qt::Key_PageUp);
+            }
+            for (int i = 0; i < 36; ++i) { // all around
+                QTest::keyClick(&editor.View(), Qt::Key_Left,
+                                Qt::ShiftModifier | Qt::ControlModifier);
+            }
+        },
+        text::kButtonOk);
+    EXPECT_EQ(std::filesystem::file_size(CurtainPath(home.Path())), 360U);
+    EXPECT_EQ(LoadCurtain(home.Path()), plan->GetSurveyPlanCalc()->GetCurtain());
+    EXPECT_EQ(plan->GetSurveyPlanCalc()->GetCurtain()[77], 90);
+    EXPECT_LT(plan->Session().Plan().CountAt(0), before);
+}
+
+TEST_F(PlanPagesTest, TakeACurtainAsText)
+{
+    Show();
+    chosenFile = home.Write("curtain.txt", "10 20\n5 30\n");
+    InEditor(
+        [&](CurtainEditor& editor) {
+            Click(editor, text::kCurtainImport);
+            EXPECT_NE(host.notes.back().text.find(L"2行目"), std::wstring::npos);
+            EXPECT_FALSE(editor.Edit().CanUndo());
+            home.Write("curtain.txt", "10 20\n50 0\n");
+            Click(editor, text::kCurtainImport);
+            EXPECT_EQ(editor.Edit().At(49), 20);
+            chosenFile = home.Path() / "copy" / "out.txt";
+            Click(editor, text::kCurtainExport);
+            EXPECT_EQ(LoadCurtainText(chosenFile).curtain, editor.Edit().Curtain());
+            Click(editor, text::kCurtainClear);
+            EXPECT_FALSE(HasObstruction(editor.Edit().Curtain()));
+        },
+        text::kButtonCancel);
+}
+
+} // namespace
+} // namespace fieldcore
