@@ -405,6 +405,7 @@ inline constexpr int kSkyCounts = 60633; ///< used, tracked, in view
 inline constexpr int kSkyCountsUnknown = 60634;
 inline constexpr int kSkyLegend = 60635;
 inline constexpr int kSkyLegendNoAlmanac = 60636;
+inline constexpr int kSkyAgeStaleMinutes = 60637; ///< minutes
 inline constexpr int kSkyBars = 60640;
 inline constexpr int kSkyList = 60641;
 inline constexpr int kSkyMenuView = 60642;

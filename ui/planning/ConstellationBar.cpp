@@ -3,6 +3,7 @@
 #include "core/resources/StringTable.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/ChoiceButton.h"
 #include "ui/planning/LiveSkyStyle.h"
 
 #include <QButtonGroup>
@@ -36,9 +37,7 @@ ConstellationBar::ConstellationBar(QWidget* parent)
     m_grid->setContentsMargins(0, 0, 0, 0);
     m_grid->setSpacing(TouchStyle::kGrid);
     for (int index = 0; index <= kConstellations; ++index) {
-        auto* const button = new QPushButton(this);
-        button->setCheckable(true);
-        button->setAutoDefault(false);
+        auto* const button = new ChoiceButton(this);
         m_group->addButton(button, index);
         m_buttons.append(button);
     }

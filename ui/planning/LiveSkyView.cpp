@@ -17,7 +17,8 @@ namespace fieldcore {
 namespace {
 
 constexpr qreal kSign = 6.0;
-constexpr qreal kCross = 4.0;
+constexpr qreal kCross = 10.0; // its arms show from behind a satellite
+constexpr qreal kRing = 10.0;  // around the chosen one
 constexpr qreal kReach = 32.0; // of a finger in a glove
 constexpr qreal kMargin = 4.0;
 
@@ -134,8 +135,8 @@ void LiveSkyView::Draw(QPainter& painter, const QSizeF& size)
     const PlotStyle style = Style();
     const QRectF area(QPointF(0.0, 0.0), size);
     const SkyDisc disc(style, area.adjusted(kMargin, kMargin, -kMargin, -kMargin), m_isFromBelow);
-    disc.DrawRings(painter, 0);
     LabelPlacer labels(style, area);
+    disc.DrawRings(painter, 0, &labels);
     painter.setPen(PlotPen(m_picture.isStale ? Theme::Current().stale : style.second, 1.5));
     for (const PredictedSatellite& predicted : m_picture.predicted) {
         const QPointF point = disc.PointOf(predicted.direction);
@@ -153,7 +154,7 @@ void LiveSkyView::Draw(QPainter& painter, const QSizeF& size)
     }
     for (const LiveSatellite& satellite : m_picture.satellites) {
         labels.Draw(painter, disc.PointOf(satellite.direction), SatelliteText(satellite),
-                    kSign + 2.0);
+                    kRing + 1.0);
     }
     disc.DrawScale(painter, labels, 0);
     painter.setFont(style.font);
@@ -178,7 +179,7 @@ void LiveSkyView::DrawOver(QPainter& painter, const QSizeF& size)
     painter.setBrush(Qt::NoBrush);
     painter.setPen(PlotPen(Theme::Current().accent, 2.5));
     if (const int row = Chosen(); row >= 0) {
-        painter.drawEllipse(PointOf(row), 2.0 * kSign, 2.0 * kSign);
+        painter.drawEllipse(PointOf(row), kRing, kRing);
     }
     if (hasFocus()) {
         painter.drawRect(QRectF(QPointF(0.0, 0.0), size).adjusted(1.5, 1.5, -1.5, -1.5));

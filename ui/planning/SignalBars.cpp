@@ -72,7 +72,7 @@ int SignalBars::GroupWidth() const
 QSize SignalBars::minimumSizeHint() const
 {
     const int em = QFontMetrics(font()).height();
-    return {ScaleWidth() + GroupWidth() * static_cast<int>(m_satellites.size()) + kGap, em * 5};
+    return {ScaleWidth() + GroupWidth() * static_cast<int>(m_satellites.size()) + kGap, em * 6};
 }
 
 QSize SignalBars::sizeHint() const
@@ -100,8 +100,8 @@ void SignalBars::Draw(QPainter& painter, const QSizeF& size)
             QRectF(0.0, y - metrics.height() / 2.0, area.left() - kGap / 2.0, metrics.height()),
             Qt::AlignRight | Qt::AlignVCenter, QString::number(value));
     }
-    painter.drawText(QRectF(2.0, 0.0, area.width(), metrics.height()),
-                     Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip, UiText(text::kSkySignalUnit));
+    painter.drawText(QRectF(area.left(), 0.0, area.width(), metrics.height()),
+                     Qt::AlignRight | Qt::AlignTop, UiText(text::kSkySignalUnit));
     if (m_satellites.empty()) {
         painter.setFont(style.font);
         painter.setPen(style.text);

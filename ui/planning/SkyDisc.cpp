@@ -74,7 +74,7 @@ void SkyDisc::DrawCurtain(QPainter& painter, const ObstructionCurtain& curtain) 
     painter.fillPath(hidden, m_style.Faded(m_style.second, 0.35));
 }
 
-void SkyDisc::DrawRings(QPainter& painter, int maskDeg) const
+void SkyDisc::DrawRings(QPainter& painter, int maskDeg, LabelPlacer* labels) const
 {
     constexpr int kRingStepDeg = 30;
     painter.setBrush(Qt::NoBrush);
@@ -102,10 +102,14 @@ void SkyDisc::DrawRings(QPainter& painter, int maskDeg) const
         const QPointF rim = At(k * 45.0, 0.0);
         const QPointF out = (rim - m_centre) / m_radius;
         painter.setPen(k % 2 == 0 ? m_style.text : m_style.second);
-        DrawCentred(painter,
-                    rim + QPointF(out.x() * (metrics.horizontalAdvance(name) / 2.0 + 4.0),
-                                  out.y() * (metrics.height() / 2.0 + 2.0)),
-                    name);
+        const QRectF taken =
+            DrawCentred(painter,
+                        rim + QPointF(out.x() * (metrics.horizontalAdvance(name) / 2.0 + 4.0),
+                                      out.y() * (metrics.height() / 2.0 + 2.0)),
+                        name);
+        if (labels != nullptr) {
+            labels->Reserve(taken);
+        }
     }
 }
 

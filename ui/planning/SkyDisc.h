@@ -42,7 +42,8 @@ public:
     void DrawCurtain(QPainter& painter, const ObstructionCurtain& curtain) const;
     /// The rings, the directions and their names.
     /// @param maskDeg  of the dashed ring; 0: there is none
-    void DrawRings(QPainter& painter, int maskDeg) const;
+    /// @param labels   to be kept away from the names; may be null
+    void DrawRings(QPainter& painter, int maskDeg, LabelPlacer* labels = nullptr) const;
     /// The numbers of the rings, where there is room.
     void DrawScale(QPainter& painter, LabelPlacer& labels, int maskDeg) const;
 

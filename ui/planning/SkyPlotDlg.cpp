@@ -7,6 +7,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/ChoiceButton.h"
 #include "ui/planning/ConstellationBar.h"
 #include "ui/planning/LiveSkyView.h"
 #include "ui/planning/SatelliteListModel.h"
@@ -19,13 +20,12 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QScrollBar>
-#include <QSignalBlocker>
 #include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 
 namespace fieldcore {
@@ -38,12 +38,23 @@ constexpr int kAgeTickMs = 1000;
 constexpr int kWide = 900; // from here on the details stand beside the sky
 
 constexpr int kMargin = 12;
+constexpr int kRowsAtLeast = 3; // of the list, its header among them
 
 void Colour(QLabel* label, const QColor& colour)
 {
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, colour);
     label->setPalette(palette);
+}
+
+QString AgeText(std::chrono::seconds age, bool isStale)
+{
+    constexpr std::chrono::seconds kInMinutes{120}; // from here on seconds are only noise
+    const bool inMinutes = age >= kInMinutes;
+    const int id = !isStale    ? text::kSkyAge
+                   : inMinutes ? text::kSkyAgeStaleMinutes
+                               : text::kSkyAgeStale;
+    return ToQt(FormatText(id, static_cast<long long>(age.count() / (inMinutes ? 60 : 1))));
 }
 
 QLabel* MakeLabel(int id)
@@ -56,9 +67,8 @@ QLabel* MakeLabel(int id)
 
 QPushButton* MakeSwitch(int control, int textId)
 {
-    auto* const button = new QPushButton(UiText(textId));
-    button->setCheckable(true);
-    button->setAutoDefault(false);
+    auto* const button = new ChoiceButton;
+    button->setText(UiText(textId));
     button->setAccessibleName(button->text());
     Dialog::SetControlId(button, control);
     return button;
@@ -93,9 +103,17 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundi
     content->setSpacing(TouchStyle::kGrid);
     window->addLayout(content, 1);
     MakeHead(content);
-    m_body = new QBoxLayout(QBoxLayout::TopToBottom);
+    auto* const scroll = new QScrollArea; // a large font needs more than a small screen has
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* const inside = new QWidget;
+    m_body = new QBoxLayout(QBoxLayout::TopToBottom, inside);
+    m_body->setContentsMargins(0, 0, 0, 0);
     m_body->setSpacing(TouchStyle::kGrid);
-    content->addLayout(m_body, 1);
+    scroll->setWidget(inside);
+    content->addWidget(scroll, 1);
     MakeSky();
     MakeDetails();
     MakeMenu(loadWay);
@@ -275,8 +293,7 @@ void CSkyPlot::ShowHead()
     const bool isStale = sky.IsStale(now);
     if (const auto age = sky.Age(now)) {
         const LiveSky::Counts counts = sky.Count(m_settings.constellation);
-        m_age->setText(ToQt(FormatText(isStale ? text::kSkyAgeStale : text::kSkyAge,
-                                       static_cast<long long>(age->count()))));
+        m_age->setText(AgeText(*age, isStale));
         m_counts->setText(
             ToQt(FormatText(text::kSkyCounts, counts.solid, counts.tracked, counts.inView)));
     } else {
@@ -374,14 +391,18 @@ void CSkyPlot::ArrangeDetails()
 {
     const bool isWide = width() >= kWide;
     const bool isList = m_settings.view == SkyPlotSettings::View::List;
+    m_body->setStretch(0, isWide ? 1 : 3);
+    m_body->setStretch(1, isWide ? 1 : 2);
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     m_switch->setVisible(!isWide);
     m_showBars->setChecked(!isList);
     m_showList->setChecked(isList);
     m_barsScroll->setVisible(isWide || !isList);
     m_list->setVisible(isWide || isList);
-    m_list->verticalHeader()->setDefaultSectionSize(
-        std::max(TouchStyle::kTarget, fontMetrics().height() + TouchStyle::kGrid));
+    const int row = std::max(TouchStyle::kTarget, fontMetrics().height() + TouchStyle::kGrid);
+    m_list->verticalHeader()->setDefaultSectionSize(row);
+    m_list->setMinimumHeight(kRowsAtLeast * row);
+    m_barsScroll->setMinimumHeight(kRowsAtLeast * row);
     ShowColumns();
 }
 
