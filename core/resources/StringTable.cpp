@@ -191,7 +191,7 @@ constexpr std::array kEntries{
     Entry{text::kConnectingHint, L"通常は数秒で終わります。"},
     Entry{text::kConnectingCount, L"%d / %d"},
     Entry{text::kConnectingElapsed, L"経過 %d 秒"},
-    Entry{text::kConnectingTarget, L"接続先　%ls　%ld bps"},
+    Entry{text::kConnectingTarget, L"接続先　%ls　%ld\u00A0bps"},
     Entry{text::kConnectingProgress, L"接続の進み具合"},
     Entry{text::kStepDone, L"完了"},
     Entry{text::kStepRunning, L"実行中"},

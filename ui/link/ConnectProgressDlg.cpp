@@ -115,15 +115,15 @@ void ConnectProgressDlg::Build(const QString& target)
         Row& row = m_rows[static_cast<std::size_t>(i)];
         row = {new QLabel, Wrapping(UiText(text::kStepNameOpenPort + i)), new QLabel};
         row.icon->setFixedSize(kIconSize, kIconSize);
-        steps->addWidget(row.icon, i, 0, Qt::AlignTop);
+        steps->addWidget(row.icon, i, 0, Qt::AlignVCenter);
         steps->addWidget(row.name, i, 1);
-        steps->addWidget(row.state, i, 2, Qt::AlignRight | Qt::AlignTop);
+        steps->addWidget(row.state, i, 2, Qt::AlignRight | Qt::AlignVCenter);
         ShowRow(row, RowState::Waiting);
     }
     auto* const inner = new QWidget;
     auto* const words = new QVBoxLayout(inner);
     words->setContentsMargins({});
-    words->setSpacing(kGrid);
+    words->setSpacing(2 * kGrid);
     words->addWidget(m_message);
     words->addLayout(steps);
     words->addWidget(m_detail);

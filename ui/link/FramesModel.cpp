@@ -193,6 +193,12 @@ QString FramesModel::Detail(int row) const
     QString detail = HexOf(frame.bytes);
     for (const DescribedBytes& described : DescribeBytes(frame.direction, frame.bytes)) {
         detail += QStringLiteral("\n") + QString::fromStdString(described.name);
+        if (!described.checksumGood) {
+            detail += QStringLiteral("\n%1: %2 ≠ %3")
+                          .arg(UiText(text::kFramesBadChecksum))
+                          .arg(described.checksum, 2, 16, QLatin1Char('0'))
+                          .arg(described.expectedChecksum, 2, 16, QLatin1Char('0'));
+        }
         for (const DescribedField& field : described.fields) {
             const QString meaning = QString::fromStdString(field.meaning);
             detail += QStringLiteral("\n  %1: %2")

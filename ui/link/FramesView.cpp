@@ -26,6 +26,7 @@ namespace {
 
 constexpr int kGrid = TouchStyle::kGrid;
 constexpr std::chrono::milliseconds kInterval{200};
+constexpr int kWide = 900; // logical pixels, from which on a desktop is assumed
 
 } // namespace
 
@@ -64,11 +65,13 @@ void FramesView::Build()
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(TouchStyle::kTarget);
     m_table->horizontalHeader()->setHighlightSections(false);
-    m_table->horizontalHeader()->setStretchLastSection(true);
+    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_table->horizontalHeader()->setSectionResizeMode(FramesModel::Content, QHeaderView::Stretch);
+    m_table->horizontalHeader()->setMinimumHeight(4 * kGrid);
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     m_table->setColumnWidth(FramesModel::Time, 13 * digit + 2 * kGrid);
     m_table->setColumnWidth(FramesModel::Way, 6 * digit + 2 * kGrid);
-    m_table->setColumnWidth(FramesModel::Content, 40 * digit);
+    m_table->setColumnWidth(FramesModel::Bytes, 40 * digit);
     m_detail->setReadOnly(true);
     m_detail->setAccessibleName(UiText(text::kFramesDetail));
     m_detail->setTabChangesFocus(true);
@@ -82,6 +85,9 @@ void FramesView::Build()
     m_search->setAccessibleName(UiText(text::kFramesSearch));
     m_search->setPlaceholderText(UiText(text::kFramesSearch));
     m_search->setClearButtonEnabled(true);
+    for (QPushButton* const button : {m_hold, m_clear, m_save}) {
+        button->setMinimumSize(15 * kGrid, 6 * kGrid);
+    }
     m_hold->setCheckable(true);
     m_save->setIcon(ThemeIcon(QStringLiteral("download")));
     m_clear->setIcon(ThemeIcon(QStringLiteral("trash")));
@@ -186,6 +192,13 @@ void FramesView::showEvent(QShowEvent* event)
     Refresh();
     m_timer.start(kInterval);
     QWidget::showEvent(event);
+}
+
+/// Where there is no room for the bytes of every row, those of the chosen one have to do.
+void FramesView::resizeEvent(QResizeEvent* event)
+{
+    m_table->setColumnHidden(FramesModel::Bytes, width() < kWide);
+    QWidget::resizeEvent(event);
 }
 
 void FramesView::hideEvent(QHideEvent* event)

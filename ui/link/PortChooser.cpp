@@ -143,8 +143,8 @@ void PortChooser::ShowPorts()
             ThemeIcon(isSimulator ? QStringLiteral("receiver") : QStringLiteral("port")),
             RowText(port), m_list);
         item->setToolTip(QString::fromStdString(port.name));
-        item->setSizeHint(
-            {0, std::max(TouchStyle::kTarget, 2 * fontMetrics().lineSpacing() + 2 * kGrid)});
+        const int lines = static_cast<int>(item->text().count(QLatin1Char('\n'))) + 1;
+        item->setSizeHint({0, lines * fontMetrics().lineSpacing() + 2 * kGrid});
         item->setForeground(port.usable ? Theme::Current().text : Theme::Current().second);
     }
     m_nothing->setVisible(m_ports.size() <= 1);

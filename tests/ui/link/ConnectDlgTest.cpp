@@ -313,7 +313,7 @@ TEST_F(ConnectDlgTest, CutsNothingOff)
         Theme::Use(row.theme);
         window.resize(row.size);
         Scenario scenario;
-        scenario.faults = {Rule("hang-up on 06 skip 1")};
+        scenario.faults = {Rule("delay 20000 on 4A count 1"), Rule("hang-up on 06 skip 1")};
         Start(scenario);
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};

@@ -226,7 +226,7 @@ TEST_F(FramesViewTest, CutsNothingOff)
         history.Add(Direction::Received, i % 5 == 0 ? kDamaged : kNak);
     }
     view.Refresh();
-    table->selectRow(7);
+    table->selectRow(11);
     for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
         Theme::Use(theme);
         const QString name =
