@@ -121,7 +121,7 @@ void CurtainView::Draw(QPainter& painter, const QSizeF& size)
         curtain.lineTo(sky.bottomLeft());
         curtain.closeSubpath();
     }
-    painter.fillPath(curtain, style.shade);
+    painter.fillPath(curtain, style.Faded(style.second, 0.4));
     painter.strokePath(curtain, PlotPen(style.second, 1.0));
     DrawGrid(painter);
 }

@@ -7,6 +7,7 @@
 #include "ui/controls/UiText.h"
 #include "ui/planning/SurveyPlan.h"
 
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -36,16 +37,14 @@ CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
     : PropertyPage(parent), m_plan(plan), m_satellites{}, m_fewest(new CSpinDouble),
       m_pdop(new CSpinDouble), m_minutes(new CSpinDouble)
 {
-    constexpr int kColumns = 6;
+    constexpr int kColumns = 5;
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(Heading(text::kPlanUsedSatellites));
     auto* const grid = new QGridLayout;
     grid->setSpacing(kGrid);
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
-        auto* const button = new QPushButton;
-        button->setCheckable(true);
-        button->setAutoDefault(false);
-        button->setMinimumWidth(TouchStyle::kTarget);
+        auto* const button = new QCheckBox;
+        button->setMinimumSize(TouchStyle::kTarget, TouchStyle::kTarget);
         grid->addWidget(button, index / kColumns, index % kColumns);
         m_satellites[static_cast<std::size_t>(index)] = button;
     }

@@ -164,9 +164,7 @@ private:
     LabelSpin* m_start;
     LabelSpin* m_end;
     PlanGraphView* m_graph;
-    QWidget* m_timeRow;
     QSlider* m_time;
-    QLabel* m_timeText;
     QLabel* m_windows;
     CTextProgressCtrl* m_progress;
 };

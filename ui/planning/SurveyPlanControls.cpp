@@ -55,16 +55,9 @@ void CSurveyPlan::BuildControls()
     SetControlId(m_graph, kGraphId);
     m_graph->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     m_panel = BuildPanel();
-    m_timeRow = new QWidget;
     m_time = new QSlider(Qt::Horizontal);
     m_time->setAccessibleName(UiText(text::kPlanTime));
     m_time->setMinimumHeight(TouchStyle::kTarget);
-    m_timeText = new QLabel;
-    auto* const time = new QHBoxLayout(m_timeRow);
-    time->setContentsMargins(0, 0, 0, 0);
-    time->setSpacing(kGrid);
-    time->addWidget(m_time, 1);
-    time->addWidget(m_timeText);
     m_windows = new QLabel;
     m_windows->setWordWrap(true);
     m_progress = new CTextProgressCtrl;
@@ -73,7 +66,7 @@ void CSurveyPlan::BuildControls()
     auto* const right = new QVBoxLayout;
     right->setSpacing(kGrid / 2);
     right->addWidget(m_graph, 1);
-    right->addWidget(m_timeRow);
+    right->addWidget(m_time);
     right->addWidget(m_windows);
     right->addWidget(m_progress);
     m_body = new QBoxLayout(QBoxLayout::TopToBottom);
@@ -212,12 +205,14 @@ void CSurveyPlan::ShowSlider()
     const PlanDrawing& drawing = m_graph->Drawing();
     const QSignalBlocker quiet(m_time);
     const bool isSky = drawing.graph == PlanGraph::SkyPlot;
-    m_timeRow->setVisible(IsTracks(drawing.graph) && drawing.HasPlan());
+    m_time->setVisible(IsTracks(drawing.graph) && drawing.HasPlan());
     m_tools->EnableItem(kFromBelowTool, isSky);
     m_time->setRange(0, static_cast<int>(drawing.LengthMin()));
     m_time->setPageStep(static_cast<int>(drawing.IntervalMin()));
     m_time->setValue(static_cast<int>(drawing.minutes));
-    m_timeText->setText(drawing.HasPlan() ? ReadingOfTime(drawing, drawing.minutes) : QString());
+    // The graph itself writes it in its corner.
+    m_time->setAccessibleDescription(drawing.HasPlan() ? ReadingOfTime(drawing, drawing.minutes)
+                                                       : QString());
 }
 
 void CSurveyPlan::Export()
@@ -231,7 +226,7 @@ void CSurveyPlan::resizeEvent(QResizeEvent* event)
     Dialog::resizeEvent(event);
     const bool isWide = event->size().width() >= kWide;
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    m_panel->setMaximumWidth(isWide ? kWide * 2 / 5 : QWIDGETSIZE_MAX);
+    m_panel->setMaximumWidth(isWide ? kWide * 4 / 9 : QWIDGETSIZE_MAX);
 }
 
 void CSurveyPlan::changeEvent(QEvent* event)

@@ -4,6 +4,7 @@
 #include "simulator/Simulator.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/planning/PlanScreen.h"
+#include "ui/controls/BarButton.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/PrgEndMes.h"
@@ -41,9 +42,13 @@ protected:
     }
     void Choose(int item) const
     {
-        // By keys, as a glove would not.
         const bool isGraph = item <= 21907;
-        QTest::keyClick(plan.get(), isGraph ? Qt::Key_F2 : Qt::Key_F1);
+        for (BarButton* const button : Menu()->findChildren<BarButton*>()) {
+            if (button->accessibleDescription() ==
+                (isGraph ? QLatin1String("F2") : QLatin1String("F1"))) {
+                QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
         QMenu* const menu = Menu()->Popup(isGraph ? 1 : 0);
         ASSERT_TRUE(menu->isVisible());
         const QString text = UiText(item);
@@ -236,7 +241,6 @@ TEST_F(SurveyPlanTest, LeavesTheAlmanacWhereAnUpdateFails)
     host.cancelAt = host.breaths + 3;
     Choose(21912);
     EXPECT_TRUE(host.notes.empty()) << "the user knows that he has cancelled";
-    QCoreApplication::processEvents(); // the wait is over
     Choose(21912);
     ASSERT_EQ(host.notes.size(), 1U);
     EXPECT_EQ(host.notes[0].caption, L"軌道暦更新エラー");
@@ -337,6 +341,78 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     EXPECT_EQ(graph->Drawing().minutes, 120.0);
     Choose(21901);
     EXPECT_FALSE(time->isVisible());
+}
+
+/// What stands on the screen is wide enough for its text, and the screen for all of it.
+void ExpectNothingCut(QWidget& window)
+{
+    EXPECT_LE(window.minimumSizeHint().width(), window.width());
+    EXPECT_LE(window.minimumSizeHint().height(), window.height());
+    EXPECT_TRUE(window.width() == 480 || window.width() == 1280) << "it has grown";
+    for (const QWidget* const child : window.findChildren<QWidget*>()) {
+        const auto* const label = qobject_cast<const QLabel*>(child);
+        const auto* const button = qobject_cast<const QAbstractButton*>(child);
+        if (!child->isVisible() || (label == nullptr && button == nullptr)) {
+            continue;
+        }
+        const QString text = label != nullptr ? label->text() : button->text();
+        if (label == nullptr || !label->wordWrap()) {
+            EXPECT_LE(child->minimumSizeHint().width(), child->width()) << text.toStdString();
+        }
+        if (label != nullptr && label->wordWrap()) {
+            EXPECT_LE(label->heightForWidth(label->width()), label->height()) << text.toStdString();
+        }
+    }
+}
+
+TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
+{
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPixelSize(before.pixelSize() * 13 / 10);
+    clock.time += std::chrono::days(140); // the longest line of the almanac
+    for (const bool isDark : {false, true}) {
+        Theme::Use(isDark ? Theme::Kind::Dark : Theme::Kind::Daylight);
+        for (const bool isLarge : {false, true}) {
+            QApplication::setFont(isLarge ? large : before);
+            for (const int item : {21901, 21902, 21904, 21905}) {
+                for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
+                    Show(1, size);
+                    Choose(item);
+                    ExpectNothingCut(*plan);
+                    KeepPicture(*plan, QStringLiteral("plan-%1-%2%3%4")
+                                           .arg(item)
+                                           .arg(size.width())
+                                           .arg(isDark ? QStringLiteral("-dark") : QString())
+                                           .arg(isLarge ? QStringLiteral("-large") : QString()));
+                }
+            }
+            Show(0);
+            for (int page = 0; page < 3; ++page) {
+                Next(*plan, [&](QWidget& window) {
+                    dynamic_cast<PropertySheet&>(window).SetActivePage(page);
+                    QCoreApplication::processEvents();
+                    ExpectNothingCut(window);
+                    KeepPicture(window, QStringLiteral("page-%1%2%3")
+                                            .arg(page)
+                                            .arg(isDark ? QStringLiteral("-dark") : QString())
+                                            .arg(isLarge ? QStringLiteral("-large") : QString()));
+                    window.close();
+                });
+                Choose(21911);
+            }
+            Next(*plan, [&](QWidget& window) {
+                ExpectNothingCut(window);
+                KeepPicture(window, QStringLiteral("curtain%1%2")
+                                        .arg(isDark ? QStringLiteral("-dark") : QString())
+                                        .arg(isLarge ? QStringLiteral("-large") : QString()));
+                window.close();
+            });
+            Choose(21913);
+        }
+    }
+    QApplication::setFont(before);
+    Theme::Use(Theme::Kind::Daylight);
 }
 
 TEST_F(SurveyPlanTest, StandsAThousandRandomEvents)
