@@ -40,7 +40,7 @@ QSize LiveSkyView::sizeHint() const
 QSize LiveSkyView::minimumSizeHint() const
 {
     const int em = QFontMetrics(font()).height();
-    return {em * 10, em * 8};
+    return {em * 10, em * 10};
 }
 
 PlotStyle LiveSkyView::Style() const

@@ -101,7 +101,7 @@ void SignalBars::Draw(QPainter& painter, const QSizeF& size)
             Qt::AlignRight | Qt::AlignVCenter, QString::number(value));
     }
     painter.drawText(QRectF(area.left(), 0.0, area.width(), metrics.height()),
-                     Qt::AlignRight | Qt::AlignTop, UiText(text::kSkySignalUnit));
+                     Qt::AlignLeft | Qt::AlignTop, UiText(text::kSkySignalUnit));
     if (m_satellites.empty()) {
         painter.setFont(style.font);
         painter.setPen(style.text);

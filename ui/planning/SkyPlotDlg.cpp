@@ -4,11 +4,11 @@
 #include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/NMenuBar.h"
-#include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/ChoiceButton.h"
 #include "ui/planning/ConstellationBar.h"
+#include "ui/planning/LiveSkyHead.h"
 #include "ui/planning/LiveSkyView.h"
 #include "ui/planning/SatelliteListModel.h"
 #include "ui/planning/SignalBars.h"
@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -39,31 +40,6 @@ constexpr int kWide = 900; // from here on the details stand beside the sky
 
 constexpr int kMargin = 12;
 constexpr int kRowsAtLeast = 3; // of the list, its header among them
-
-void Colour(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
-}
-
-QString AgeText(std::chrono::seconds age, bool isStale)
-{
-    constexpr std::chrono::seconds kInMinutes{120}; // from here on seconds are only noise
-    const bool inMinutes = age >= kInMinutes;
-    const int id = !isStale    ? text::kSkyAge
-                   : inMinutes ? text::kSkyAgeStaleMinutes
-                               : text::kSkyAgeStale;
-    return ToQt(FormatText(id, static_cast<long long>(age.count() / (inMinutes ? 60 : 1))));
-}
-
-QLabel* MakeLabel(int id)
-{
-    auto* const label = new QLabel;
-    label->setWordWrap(true);
-    Dialog::SetControlId(label, id);
-    return label;
-}
 
 QPushButton* MakeSwitch(int control, int textId)
 {
@@ -129,15 +105,8 @@ CSkyPlot::~CSkyPlot()
 
 void CSkyPlot::MakeHead(QBoxLayout* layout)
 {
-    auto* const row = new QHBoxLayout;
-    m_age = MakeLabel(kAge);
-    m_counts = MakeLabel(kCounts);
-    m_counts->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    row->addWidget(m_age, 2);
-    row->addWidget(m_counts, 3);
-    layout->addLayout(row);
-    m_problem = MakeLabel(kProblem);
-    layout->addWidget(m_problem);
+    m_head = new LiveSkyHead;
+    layout->addWidget(m_head);
     m_constellations = new ConstellationBar;
     SetControlId(m_constellations, kConstellations);
     m_constellations->Choose(m_settings.constellation);
@@ -153,7 +122,10 @@ void CSkyPlot::MakeSky()
     SetControlId(m_sky, kSky);
     connect(m_sky, &LiveSkyView::Picked, this, &CSkyPlot::ChooseSatellite);
     column->addWidget(m_sky, 1);
-    m_legend = MakeLabel(kLegend);
+    // Without wrapping: it would take what scrolls all the height that it wishes for.
+    m_legend = new QLabel;
+    SetControlId(m_legend, kLegend);
+    m_legend->setForegroundRole(QPalette::PlaceholderText); // the theme's second text
     m_legend->setAlignment(Qt::AlignCenter);
     column->addWidget(m_legend);
     m_body->addLayout(column, 3);
@@ -285,36 +257,10 @@ QString CSkyPlot::Notice() const
     return UiText(m_settings.constellation ? text::kSkyNoneOfThese : text::kSkyEmpty);
 }
 
-void CSkyPlot::ShowHead()
-{
-    const LiveSky& sky = m_poll.Sky();
-    const Theme& theme = Theme::Current();
-    const Clock::Duration now = m_clock.Steady();
-    const bool isStale = sky.IsStale(now);
-    if (const auto age = sky.Age(now)) {
-        const LiveSky::Counts counts = sky.Count(m_settings.constellation);
-        m_age->setText(AgeText(*age, isStale));
-        m_counts->setText(
-            ToQt(FormatText(text::kSkyCounts, counts.solid, counts.tracked, counts.inView)));
-    } else {
-        m_age->setText(UiText(text::kSkyAgeUnknown));
-        m_counts->setText(UiText(text::kSkyCountsUnknown));
-    }
-    const bool isGrey = isStale || !sky.HasReading();
-    Colour(m_age, isGrey ? theme.stale : theme.text);
-    Colour(m_counts, isGrey ? theme.stale : theme.text);
-    // Without a reading the sky itself has room for the words.
-    const int problem = sky.HasReading() ? LiveSkyTextId(m_poll.GetState()) : 0;
-    m_problem->setText(UiText(problem));
-    m_problem->setVisible(problem != 0);
-    Colour(m_problem, theme.bad);
-    m_legend->setText(UiText(m_poll.HasAlmanac() ? text::kSkyLegend : text::kSkyLegendNoAlmanac));
-    Colour(m_legend, theme.second);
-}
-
 void CSkyPlot::ShowSky()
 {
-    ShowHead();
+    m_head->Show(m_poll, m_settings.constellation, m_clock.Steady());
+    m_legend->setText(UiText(m_poll.HasAlmanac() ? text::kSkyLegend : text::kSkyLegendNoAlmanac));
     const LiveSky& sky = m_poll.Sky();
     LiveSkyView::Picture picture;
     picture.satellites = sky.Satellites(m_settings.constellation);
@@ -402,7 +348,8 @@ void CSkyPlot::ArrangeDetails()
     const int row = std::max(TouchStyle::kTarget, fontMetrics().height() + TouchStyle::kGrid);
     m_list->verticalHeader()->setDefaultSectionSize(row);
     m_list->setMinimumHeight(kRowsAtLeast * row);
-    m_barsScroll->setMinimumHeight(kRowsAtLeast * row);
+    m_barsScroll->setMinimumHeight(m_bars->minimumSizeHint().height() +
+                                   m_barsScroll->horizontalScrollBar()->sizeHint().height());
     ShowColumns();
 }
 

@@ -9,7 +9,6 @@
 #include <filesystem>
 
 class QBoxLayout;
-class QButtonGroup;
 class QLabel;
 class QPushButton;
 class QScrollArea;
@@ -20,6 +19,7 @@ namespace fieldcore {
 
 class CnMenuBar;
 class ConstellationBar;
+class LiveSkyHead;
 class LiveSkyView;
 class SatelliteListModel;
 class SignalBars;
@@ -52,7 +52,7 @@ public:
 
     enum Control : int
     {
-        kAge = 1,
+        kAge = 1, ///< in the head, as are the next two
         kCounts,
         kProblem,
         kConstellations,
@@ -79,7 +79,6 @@ private:
     void OnMenu(int item);
     void Poll();
     void ShowSky();
-    void ShowHead();
     void ShowColumns();
     [[nodiscard]] QString Notice() const;
     void ChooseConstellation();
@@ -96,9 +95,7 @@ private:
     bool m_isShowing = false; // a choice is carried from one control to the others
 
     // Owned by the dialog, as are all controls.
-    QLabel* m_age = nullptr;
-    QLabel* m_counts = nullptr;
-    QLabel* m_problem = nullptr;
+    LiveSkyHead* m_head = nullptr;
     ConstellationBar* m_constellations = nullptr;
     QBoxLayout* m_body = nullptr; // the sky, then the details
     LiveSkyView* m_sky = nullptr;

@@ -163,6 +163,49 @@ TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
     EXPECT_EQ(Asked(0x54), 3) << "but half a minute later";
 }
 
+/// A frame around @p data, as docs/protocol.md has it.
+std::vector<std::uint8_t> Framed(std::uint8_t type, const std::vector<std::uint8_t>& data)
+{
+    std::vector<std::uint8_t> frame{2, 0, type, static_cast<std::uint8_t>(data.size())};
+    frame.insert(frame.end(), data.begin(), data.end());
+    unsigned sum = 0;
+    for (std::size_t i = 1; i < frame.size(); ++i) {
+        sum += frame[i];
+    }
+    frame.push_back(static_cast<std::uint8_t>(sum & 0xFFU));
+    frame.push_back(3);
+    return frame;
+}
+
+TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
+{
+    Start("model 3017\n");
+    m_simulator->SetScripted([](std::span<const std::uint8_t> request) {
+        if (request[2] == 0x54) {
+            std::vector<std::uint8_t> masks(71, 0);
+            masks[18 + 3] = 0x30; // tracked: G5 and G6
+            masks[26 + 3] = 0x10; // used: G5
+            masks[62 + 2] = 0x0C; // tracked: R3 and R4
+            masks[68 + 2] = 0x08; // used: R4
+            return Framed(0x55, masks);
+        }
+        if (request[2] != 0x16 || request[3] != 0) {
+            return std::vector<std::uint8_t>{0x15};
+        }
+        return Framed(0x17, {'0', '4', 1,                         //
+                             5,   10,  20, 160, 6,   10, 20, 160, //
+                             54,  0,   10, 20,  160, 55, 0,  10,  20, 160});
+    });
+    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    ASSERT_TRUE(poll.Poll());
+    const std::vector<LiveSatellite> all = poll.Sky().Satellites(std::nullopt);
+    ASSERT_EQ(all.size(), 4U);
+    const bool used[] = {true, false, false, true}; // G5, G6, R3, R4
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        EXPECT_EQ(all[i].isUsed, used[i]) << i;
+    }
+}
+
 TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
 {
     struct Row

@@ -219,11 +219,11 @@ TEST_F(SkyPlotTest, SaysWhatIsWrongAndKeepsTheLastSky)
     struct Row
     {
         const char* fault; ///< empty: the cable is pulled out
-        int words;
+        int words;         ///< 0: what the garbage looks like is a matter of chance
     };
     const Row rows[] = {
         {"drop on 16", text::kSkySilent},
-        {"garbage 300 on 16", text::kSkyDamaged},
+        {"garbage 300 on 16", 0},
         {"wrong-type on 16", text::kSkyDamaged},
         {"", text::kSkyLinkLost},
     };
@@ -242,7 +242,7 @@ TEST_F(SkyPlotTest, SaysWhatIsWrongAndKeepsTheLastSky)
         }
         ASSERT_TRUE(QTest::qWaitFor(
             [&] { return Find<QLabel>(*dialog, CSkyPlot::kProblem)->isVisible(); }, 20000));
-        if (row.words != text::kSkyDamaged) { // what garbage looks like is a matter of chance
+        if (row.words != 0) {
             EXPECT_EQ(Words(*dialog, CSkyPlot::kProblem), UiText(row.words));
         }
         m_clock.Advance(60s);
@@ -285,8 +285,8 @@ TEST_F(SkyPlotTest, SurvivesAThousandRandomEvents)
     for (int i = 0; i < 1000; ++i) {
         const QList<QWidget*> widgets = dialog->findChildren<QWidget*>();
         QWidget* const widget = widgets[pick(static_cast<int>(widgets.size()))];
-        const bool isMenu = widget->inherits("BarButton") || widget->inherits("QMenu") ||
-                            widget->inherits("fieldcore::BarButton");
+        // Those leave the dialog, or open a popup that waits.
+        const bool isMenu = widget->inherits("QMenu") || widget->inherits("fieldcore::BarButton");
         switch (pick(6)) {
         case 0:
         case 1:

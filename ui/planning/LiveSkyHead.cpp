@@ -1,0 +1,83 @@
+#include "ui/planning/LiveSkyHead.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+#include "ui/planning/SkyPlotDlg.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include <chrono>
+
+namespace fieldcore {
+
+namespace {
+
+void Colour(QLabel* label, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+}
+
+QString AgeText(std::chrono::seconds age, bool isStale)
+{
+    constexpr std::chrono::seconds kInMinutes{120}; // from here on seconds are only noise
+    const bool inMinutes = age >= kInMinutes;
+    const int id = !isStale    ? text::kSkyAge
+                   : inMinutes ? text::kSkyAgeStaleMinutes
+                               : text::kSkyAgeStale;
+    return ToQt(FormatText(id, static_cast<long long>(age.count() / (inMinutes ? 60 : 1))));
+}
+
+QLabel* MakeLabel(int id)
+{
+    auto* const label = new QLabel;
+    label->setWordWrap(true);
+    Dialog::SetControlId(label, id);
+    return label;
+}
+
+} // namespace
+
+LiveSkyHead::LiveSkyHead(QWidget* parent)
+    : QWidget(parent), m_age(MakeLabel(CSkyPlot::kAge)), m_counts(MakeLabel(CSkyPlot::kCounts)),
+      m_problem(MakeLabel(CSkyPlot::kProblem))
+{
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    auto* const row = new QHBoxLayout;
+    m_counts->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    row->addWidget(m_age, 2);
+    row->addWidget(m_counts, 3);
+    column->addLayout(row);
+    column->addWidget(m_problem);
+}
+
+void LiveSkyHead::Show(const LiveSkyPoll& poll, std::optional<Constellation> filter,
+                       Clock::Duration now)
+{
+    const LiveSky& sky = poll.Sky();
+    const Theme& theme = Theme::Current();
+    const bool isStale = sky.IsStale(now);
+    if (const auto age = sky.Age(now)) {
+        const LiveSky::Counts counts = sky.Count(filter);
+        m_age->setText(AgeText(*age, isStale));
+        m_counts->setText(
+            ToQt(FormatText(text::kSkyCounts, counts.solid, counts.tracked, counts.inView)));
+    } else {
+        m_age->setText(UiText(text::kSkyAgeUnknown));
+        m_counts->setText(UiText(text::kSkyCountsUnknown));
+    }
+    const bool isGrey = isStale || !sky.HasReading();
+    Colour(m_age, isGrey ? theme.stale : theme.text);
+    Colour(m_counts, isGrey ? theme.stale : theme.text);
+    const int problem = sky.HasReading() ? LiveSkyTextId(poll.GetState()) : 0;
+    m_problem->setText(UiText(problem));
+    m_problem->setVisible(problem != 0);
+    Colour(m_problem, theme.bad);
+}
+
+} // namespace fieldcore
