@@ -65,11 +65,12 @@ std::vector<AlmanacRecord> SampleAlmanac(Clock::UtcTime now)
 Controller::Controller(const AppOptions& options)
     : m_options(options),
       m_fastClock(options.speed == 1.0 ? nullptr : std::make_unique<FastClock>(options.speed)),
-      m_clock(&SystemClock::Instance()), m_reg(m_roots), m_folder(Folders().Program())
+      m_clock(m_fastClock ? static_cast<const Clock*>(m_fastClock.get())
+                          : &SystemClock::Instance()),
+      m_reg(m_roots), m_folder(Folders().Program()), m_frames(*m_clock)
 {
     QtHost::Options hostOptions;
     if (m_fastClock) {
-        m_clock = m_fastClock.get();
         hostOptions.clock = m_fastClock.get();
     }
     m_host = std::make_unique<QtHost>(hostOptions);
@@ -79,6 +80,7 @@ Controller::Controller(const AppOptions& options)
     }
     m_command = std::make_unique<CCommand>(
         CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
+    m_command->SetFrameObserver(m_frames.Observer());
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_monitor = std::make_unique<LinkMonitor>(*m_link);
     connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);

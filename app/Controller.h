@@ -5,6 +5,7 @@
 
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
+#include "core/link/FrameHistory.h"
 #include "core/link/ReceiverLink.h"
 #include "core/platform/Folders.h"
 #include "core/platform/PortNames.h"
@@ -66,6 +67,8 @@ public:
     [[nodiscard]] const CReg& Reg() const { return m_reg; }
     [[nodiscard]] SettingsRoots& Roots() { return m_roots; }
     [[nodiscard]] QtHost& Host() { return *m_host; }
+    /// What has gone over the line.
+    [[nodiscard]] FrameHistory& Frames() { return m_frames; }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
     [[nodiscard]] const std::filesystem::path& ProgramFolder() const { return m_folder; }
     [[nodiscard]] const PortNames& Ports() const { return m_names; }
@@ -94,6 +97,7 @@ private:
     std::unique_ptr<QtHost> m_host;
     std::unique_ptr<simulator::Simulator> m_simulator; // null: a real port
     std::string m_scenario;
+    FrameHistory m_frames;
     std::unique_ptr<CCommand> m_command;
     std::unique_ptr<ReceiverLink> m_link;
     ConnectChoice m_choice;

@@ -1,6 +1,8 @@
 #include "app/Session.h"
 
+#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
+#include "app/SettingsSheet.h"
 #include "core/host/MesBox.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
@@ -67,6 +69,12 @@ void Session::Open(int choice)
     case MainWindow::kSkyPlot:
         CSkyPlot(&m_controller.Command(), 0, SkyWorld(), m_window.get()).DoModal();
         break;
+    case MainWindow::kFrames:
+        FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
+        break;
+    case MainWindow::kSettings:
+        ChangeSettings();
+        break;
     case MainWindow::kForceInit:
         ForceInit();
         break;
@@ -127,6 +135,21 @@ void Session::ChoosePort()
     }
 }
 
+void Session::ChangeSettings()
+{
+    SettingsSheet sheet(m_controller.Ports(), Scenarios(), m_controller.Choice(), m_window.get());
+    if (sheet.DoModal() != Dialog::kOk) {
+        return;
+    }
+    m_controller.UseTheme(sheet.ChosenTheme());
+    ShowChosenTheme();
+    const std::optional<ConnectChoice> port = sheet.ChosenPort();
+    if (port && *port != m_controller.Choice()) {
+        m_controller.Choose(*port);
+        Connect();
+    }
+}
+
 void Session::Connect()
 {
     std::wstring fault;
@@ -182,6 +205,15 @@ std::vector<Session::Screen> Session::Screens()
         {QStringLiteral("skyplot"),
          [this]() -> std::unique_ptr<QWidget> {
              return std::make_unique<CSkyPlot>(&m_controller.Command(), 0, SkyWorld());
+         }},
+        {QStringLiteral("frames"),
+         [this]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<FramesDlg>(m_controller.Frames());
+         }},
+        {QStringLiteral("settings"),
+         [this]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<SettingsSheet>(m_controller.Ports(), Scenarios(),
+                                                    m_controller.Choice());
          }},
         {QStringLiteral("port"),
          [this]() -> std::unique_ptr<QWidget> {

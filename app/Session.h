@@ -50,6 +50,7 @@ private:
     /// What the simulated receiver can play.
     [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
     void ChoosePort();
+    void ChangeSettings();
     void Connect();
     void ConnectAtStart();
     void ForceInit();

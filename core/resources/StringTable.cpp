@@ -386,6 +386,7 @@ constexpr std::array kEntries{
     Entry{text::kAppNoJapaneseFont, L"No Japanese font is installed: texts show boxes. Install "
                                     L"fonts-vlgothic and start again."},
     Entry{text::kAppNotice, L"設定"},
+    Entry{text::kAppTheme, L"画面の配色"},
     Entry{text::kSkyTitle, L"衛星情報"},
     Entry{text::kSkyAll, L"すべて"},
     Entry{text::kSkyGps, L"GPS"},

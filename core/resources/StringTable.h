@@ -195,6 +195,7 @@ inline constexpr int kAppThemeSystem = 60520;
 inline constexpr int kAppAbout = 60521;
 inline constexpr int kAppAboutText = 60522; ///< for QString::arg: the version
 inline constexpr int kAppNoJapaneseFont = 60523;
+inline constexpr int kAppTheme = 60525;
 inline constexpr int kAppNotice = 60524; ///< caption of a notice about the settings
 // The screens of connecting
 inline constexpr int kLinkNotConnected = 60300;
