@@ -4,6 +4,7 @@
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/UiText.h"
 
+#include <QCloseEvent>
 #include <QResizeEvent>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -77,6 +78,11 @@ void MainWindow::ShowState(const ReceiverState& state, const QDateTime& nowUtc)
 void MainWindow::CheckTheme(int choice)
 {
     m_menu->CheckRadioItem(kThemeDaylight, kThemeSystem, choice);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(!m_mayClose || m_mayClose());
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)

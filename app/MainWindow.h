@@ -4,6 +4,9 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <utility>
+
 class QScrollArea;
 
 namespace fieldcore {
@@ -36,6 +39,9 @@ public:
 
     explicit MainWindow(QWidget* parent = nullptr);
 
+    /// Asked when the user wants to close the window. Empty: he may.
+    void SetMayClose(std::function<bool()> mayClose) { m_mayClose = std::move(mayClose); }
+
     void ShowState(const ReceiverState& state, const QDateTime& nowUtc);
     /// Marks the theme that is in use among the choices.
     void CheckTheme(int choice);
@@ -44,6 +50,7 @@ Q_SIGNALS:
     void Chosen(int choice);
 
 protected:
+    void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -51,6 +58,7 @@ private:
     HomePage* m_home;
     QScrollArea* m_scroll;
     CnMenuBar* m_menu;
+    std::function<bool()> m_mayClose;
 };
 
 } // namespace fieldcore

@@ -6,6 +6,7 @@
 #include "core/host/MesBox.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
+#include "ui/controls/PrgEndMes.h"
 #include "ui/controls/UiText.h"
 #include "ui/link/ConnectDlg.h"
 #include "ui/link/RecvForceInitDlg.h"
@@ -25,6 +26,7 @@ Session::Session(Controller& controller)
     connect(m_window.get(), &MainWindow::Chosen, this, &Session::Open);
     connect(&m_controller, &Controller::Changed, this,
             [this] { m_window->ShowState(m_controller.State(), m_controller.NowUtc()); });
+    m_window->SetMayClose([this] { return MayEnd(); });
     ShowChosenTheme();
 }
 
@@ -52,6 +54,23 @@ void Session::ConnectAtStart()
     if (port.port && port.port->kind == PortKind::Simulator) {
         Connect();
     }
+}
+
+bool Session::MayEnd()
+{
+    const bool isConnected = m_controller.Link().State() == LinkState::Connected;
+    CPrgEndMes question(isConnected ? CPrgEndMes::Mode::Logging : CPrgEndMes::Mode::Normal,
+                        m_window.get());
+    const int answer = question.DoModal();
+    if (answer == CPrgEndMes::kStay) {
+        return false;
+    }
+    const ReceiverLink::Hold hold(m_controller.Link());
+    if (answer != CPrgEndMes::kEnd && isConnected) {
+        m_controller.Command().PowerOff();
+    }
+    m_controller.Disconnect();
+    return true;
 }
 
 void Session::Open(int choice)

@@ -53,6 +53,8 @@ private:
     void ChangeSettings();
     void Connect();
     void ConnectAtStart();
+    /// Asks how to end, and does it but for closing the window.
+    bool MayEnd();
     void ForceInit();
     void ShowAbout();
     void ShowChosenTheme();

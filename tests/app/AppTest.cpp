@@ -108,6 +108,19 @@ TEST(MainWindow, SaysWhatWasChosen)
               MainWindow::kPlan);
 }
 
+TEST(MainWindow, StaysWhenItMayNotClose)
+{
+    MainWindow window;
+    window.show();
+    bool mayClose = false;
+    window.SetMayClose([&mayClose] { return mayClose; });
+    EXPECT_FALSE(window.close());
+    EXPECT_TRUE(window.isVisible());
+    mayClose = true;
+    EXPECT_TRUE(window.close());
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST(HomePage, PutsItsButtonsIntoColumns)
 {
     HomePage page;
