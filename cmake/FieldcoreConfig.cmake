@@ -5,3 +5,8 @@ find_dependency(SQLite3)
 list(APPEND CMAKE_MODULE_PATH /usr/share/cmake/geographiclib)
 find_dependency(GeographicLib)
 include("${CMAKE_CURRENT_LIST_DIR}/FieldcoreTargets.cmake")
+# The screens: find_package(Fieldcore COMPONENTS ui), then link Fieldcore::ui.
+if("ui" IN_LIST Fieldcore_FIND_COMPONENTS)
+    find_dependency(Qt6 COMPONENTS Widgets Svg)
+    include("${CMAKE_CURRENT_LIST_DIR}/FieldcoreUiTargets.cmake")
+endif()

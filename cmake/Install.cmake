@@ -7,7 +7,19 @@ install(TARGETS fieldcore_core EXPORT FieldcoreTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore)
-install(TARGETS fieldcore-cli fieldcore-simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+set(programs fieldcore-simulator)
+if(FIELDCORE_CLI)
+    list(APPEND programs fieldcore-cli)
+endif()
+if(FIELDCORE_UI)
+    list(APPEND programs fieldcore)
+    install(TARGETS fieldcore_ui EXPORT FieldcoreUiTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore)
+    install(EXPORT FieldcoreUiTargets NAMESPACE Fieldcore:: DESTINATION ${package_folder})
+endif()
+install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(EXPORT FieldcoreTargets NAMESPACE Fieldcore:: DESTINATION ${package_folder})
 write_basic_package_version_file(FieldcoreConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES
