@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/HomePage.h"
+#include "app/Overview.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/UiText.h"
 
@@ -35,6 +36,7 @@ constexpr Entry kButtons[] = {
 
 MainWindow::MainWindow(QWidget* parent)
     : QWidget(parent), m_status(new StatusStrip), m_home(new HomePage), m_scroll(new QScrollArea),
+      m_overview(new Overview), m_body(new QBoxLayout(QBoxLayout::TopToBottom)),
       m_menu(new CnMenuBar(1))
 {
     setWindowTitle(UiText(text::kAppTitle));
@@ -61,7 +63,10 @@ MainWindow::MainWindow(QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(m_status);
-    column->addWidget(m_scroll, 1);
+    m_body->setSpacing(0);
+    m_body->addWidget(m_scroll, 3);
+    m_body->addWidget(m_overview, 2);
+    column->addLayout(m_body, 1);
     column->addWidget(m_menu);
 
     connect(m_home, &HomePage::Chosen, this, &MainWindow::Chosen);
@@ -72,6 +77,7 @@ MainWindow::MainWindow(QWidget* parent)
 void MainWindow::ShowState(const ReceiverState& state, const QDateTime& nowUtc)
 {
     m_status->Show(state, nowUtc);
+    m_overview->Show(state, nowUtc);
     m_menu->EnableItem(kDisconnect, state.link != ReceiverState::Link::None);
 }
 
@@ -89,8 +95,11 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     constexpr int kColumns = 3;
-    constexpr int kWideColumns = 6;
-    m_home->SetColumns(event->size().width() > kWide ? kWideColumns : kColumns);
+    const bool isWide = event->size().width() > kWide;
+    m_home->SetColumns(isWide ? 1 : kColumns);
+    m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_body->setStretch(0, isWide ? 1 : 3);
+    m_body->setStretch(1, isWide ? 4 : 2);
 }
 
 } // namespace fieldcore

@@ -7,15 +7,18 @@
 #include <functional>
 #include <utility>
 
+class QBoxLayout;
 class QScrollArea;
 
 namespace fieldcore {
 
 class CnMenuBar;
 class HomePage;
+class Overview;
 
-/// The window of the controller: status at the head, the buttons of the home page, the menu bar at
-/// the foot. It decides nothing: what was chosen goes out as a number. User-interface thread only.
+/// The window of the controller: status at the head, the buttons of the home page with the
+/// receiver's values below or, in a wide window, beside them, the menu bar at the foot. It decides
+/// nothing: what was chosen goes out as a number. User-interface thread only.
 class MainWindow : public QWidget
 {
     Q_OBJECT
@@ -57,6 +60,8 @@ private:
     StatusStrip* m_status; // owned by the window, as is all that follows
     HomePage* m_home;
     QScrollArea* m_scroll;
+    Overview* m_overview;
+    QBoxLayout* m_body;
     CnMenuBar* m_menu;
     std::function<bool()> m_mayClose;
 };

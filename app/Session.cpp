@@ -278,6 +278,7 @@ int Session::WriteScreenshots(const QString& folder)
     };
     for (const Look& look : kLooks) {
         Theme::Use(look.theme);
+        m_window->ShowState(m_controller.State(), m_controller.NowUtc()); // in its colours
         grab(*m_window, QStringLiteral("home"), look);
         for (const Screen& screen : Screens()) {
             const std::unique_ptr<QWidget> window = screen.make();

@@ -48,13 +48,19 @@ void Paint(QLabel* label, const QColor& colour)
     label->setPalette(palette);
 }
 
-QString Jst(const QDateTime& utc)
+} // namespace
+
+bool IsFresh(const ReceiverState& state, const QDateTime& nowUtc)
+{
+    return state.link == ReceiverState::Link::Connected && state.receivedUtc.isValid() &&
+           state.receivedUtc.secsTo(nowUtc) <= StatusStrip::kStaleS;
+}
+
+QString JstText(const QDateTime& utc)
 {
     constexpr int kJapanAheadS = 9 * 3600;
     return utc.toOffsetFromUtc(kJapanAheadS).toString(QStringLiteral("HH:mm:ss"));
 }
-
-} // namespace
 
 StatusStrip::StatusStrip(QWidget* parent)
     : QWidget(parent), m_lamp(new QLabel), m_receiver(new QLabel), m_values(new QLabel),
@@ -102,9 +108,9 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
                                 : unknown;
     m_values->setText(QStringLiteral("PDOP %1  %2").arg(pdop, battery));
     if (isFresh || state.link == ReceiverState::Link::None) {
-        m_time->setText(Jst(nowUtc) + QStringLiteral(" JST"));
+        m_time->setText(JstText(nowUtc) + QStringLiteral(" JST"));
     } else if (state.receivedUtc.isValid()) {
-        m_time->setText(UiText(text::kAppLastReceived).arg(Jst(state.receivedUtc)));
+        m_time->setText(UiText(text::kAppLastReceived).arg(JstText(state.receivedUtc)));
     } else {
         m_time->setText(QStringLiteral("--:--:-- JST"));
     }
@@ -124,9 +130,7 @@ void StatusStrip::changeEvent(QEvent* event)
 void StatusStrip::Colour()
 {
     const Theme& theme = Theme::Current();
-    const bool isFresh = m_state.link == ReceiverState::Link::Connected &&
-                         m_state.receivedUtc.isValid() &&
-                         m_state.receivedUtc.secsTo(m_now) <= kStaleS;
+    const bool isFresh = IsFresh(m_state, m_now);
     Paint(m_lamp, theme.*LampOf(m_state.link).colour);
     Paint(m_values, isFresh ? theme.text : theme.stale);
     Paint(m_time, isFresh || m_state.link == ReceiverState::Link::None ? theme.text : theme.stale);

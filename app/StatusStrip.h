@@ -28,6 +28,11 @@ struct ReceiverState
     std::optional<int> satellites;
 };
 
+/// Whether what is known of the receiver is from now.
+[[nodiscard]] bool IsFresh(const ReceiverState& state, const QDateTime& nowUtc);
+/// Time of day in Japan, "12:34:56".
+[[nodiscard]] QString JstText(const QDateTime& utc);
+
 /// The two lines at the head of the window: is the receiver there, and is it well, and what time it
 /// is by the controller's clock. Values that are more than kStaleS seconds old are grey, and the
 /// time they came stands in place of the time. User-interface thread only.

@@ -196,6 +196,12 @@ inline constexpr int kAppAbout = 60521;
 inline constexpr int kAppAboutText = 60522; ///< for QString::arg: the version
 inline constexpr int kAppNoJapaneseFont = 60523;
 inline constexpr int kAppTheme = 60525;
+inline constexpr int kAppTracked = 60526;
+inline constexpr int kAppBattery = 60527;
+inline constexpr int kAppReceived = 60528;
+inline constexpr int kAppConnectHint = 60529;
+inline constexpr int kAppLostHint = 60530;
+inline constexpr int kAppConnectingHint = 60531;
 inline constexpr int kAppNotice = 60524; ///< caption of a notice about the settings
 // The screens of connecting
 inline constexpr int kLinkNotConnected = 60300;

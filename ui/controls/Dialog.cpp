@@ -1,6 +1,10 @@
 #include "ui/controls/Dialog.h"
 
+#include "ui/controls/UiText.h"
+
 #include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QPushButton>
 #include <QTimerEvent>
 #include <QVariant>
 
@@ -40,6 +44,26 @@ QWidget* Dialog::FindControl(const QWidget* window, int id)
         }
     }
     return nullptr;
+}
+
+QBoxLayout* Dialog::MakeOkCancel()
+{
+    constexpr int kGrid = 8;
+    constexpr int kMargin = 12;
+    auto* const row = new QHBoxLayout;
+    row->setContentsMargins(kMargin, 0, kMargin, 0);
+    row->setSpacing(kGrid);
+    row->addStretch(1);
+    for (const bool isOk : {false, true}) {
+        auto* const button = new QPushButton(UiText(isOk ? text::kButtonOk : text::kButtonCancel));
+        button->setMinimumSize(15 * kGrid, 6 * kGrid);
+        button->setAutoDefault(false);
+        button->setDefault(isOk);
+        connect(button, &QPushButton::clicked, this,
+                [this, isOk] { Close(isOk ? kOk : kCancelled); });
+        row->addWidget(button);
+    }
+    return row;
 }
 
 void Dialog::Close(int result)

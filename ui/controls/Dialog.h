@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <QHash>
 
+class QBoxLayout;
+
 namespace fieldcore {
 
 /// Base of all dialogs: gives each the hooks that the controller's dialogs are written in, once,
@@ -35,6 +37,9 @@ public:
     [[nodiscard]] static int ControlId(const QWidget* control);
     /// The control with that number in @p window, itself not among them; null if there is none.
     [[nodiscard]] static QWidget* FindControl(const QWidget* window, int id);
+
+    /// A row for the foot of the dialog: Cancel and, at the right, OK, which Enter presses.
+    [[nodiscard]] QBoxLayout* MakeOkCancel();
 
     /// Ends the dialog with @p result for DoModal(), unless OnCommand() keeps it open.
     void Close(int result);

@@ -7,7 +7,6 @@
 #include "ui/controls/UiText.h"
 
 #include <QHBoxLayout>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QSignalBlocker>
@@ -19,14 +18,6 @@ namespace fieldcore {
 namespace {
 
 constexpr int kGrid = TouchStyle::kGrid;
-
-QPushButton* MakeButton(int textId)
-{
-    auto* const button = new QPushButton(UiText(textId));
-    button->setMinimumSize(15 * kGrid, 6 * kGrid);
-    button->setAutoDefault(false);
-    return button;
-}
 
 } // namespace
 
@@ -42,17 +33,9 @@ PropertySheet::PropertySheet(const QString& caption, QWidget* parent)
     m_tabs->setAccessibleName(caption);
     connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) { SetActivePage(index); });
 
-    QPushButton* const ok = MakeButton(text::kButtonOk);
-    QPushButton* const cancel = MakeButton(text::kButtonCancel);
-    ok->setDefault(true);
-    connect(ok, &QPushButton::clicked, this, [this] { Close(kOk); });
-    connect(cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
-    auto* const row = new QHBoxLayout(m_buttons);
+    auto* const row = MakeOkCancel();
     row->setContentsMargins(12, kGrid, 12, 12);
-    row->setSpacing(kGrid);
-    row->addStretch(1);
-    row->addWidget(cancel);
-    row->addWidget(ok);
+    m_buttons->setLayout(row);
 
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, kGrid, 0, 0);

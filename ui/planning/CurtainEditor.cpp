@@ -16,7 +16,6 @@
 #include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -59,19 +58,7 @@ CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surro
     layout->addWidget(m_view, 1);
     layout->addWidget(m_reading);
     layout->addWidget(hint);
-    auto* const row = new QHBoxLayout;
-    row->setContentsMargins(12, 0, 12, 0);
-    row->addStretch(1);
-    for (const bool isOk : {false, true}) {
-        auto* const button = new QPushButton(UiText(isOk ? text::kButtonOk : text::kButtonCancel));
-        button->setMinimumSize(15 * kGrid, 6 * kGrid);
-        button->setAutoDefault(false);
-        button->setDefault(isOk);
-        connect(button, &QPushButton::clicked, this,
-                [this, isOk] { Close(isOk ? kOk : kCancelled); });
-        row->addWidget(button);
-    }
-    layout->addLayout(row);
+    layout->addLayout(MakeOkCancel());
 
     connect(m_tools, &CnToolBar::ItemChosen, this, &CurtainEditor::OnTool);
     connect(m_view, &CurtainView::Changed, this, &CurtainEditor::Update);

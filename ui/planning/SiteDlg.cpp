@@ -9,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -72,19 +71,7 @@ SiteDlg::SiteDlg(std::filesystem::path folder, std::wstring name, const SiteInpu
     layout->setContentsMargins(0, 0, 0, 12);
     layout->addWidget(scroll, 1);
     layout->addWidget(m_fault);
-    auto* const row = new QHBoxLayout;
-    row->setContentsMargins(12, 0, 12, 0);
-    row->addStretch(1);
-    for (const bool isOk : {false, true}) {
-        auto* const button = new QPushButton(UiText(isOk ? text::kButtonOk : text::kButtonCancel));
-        button->setMinimumSize(15 * kGrid, 6 * kGrid);
-        button->setAutoDefault(false);
-        button->setDefault(isOk);
-        connect(button, &QPushButton::clicked, this,
-                [this, isOk] { Close(isOk ? kOk : kCancelled); });
-        row->addWidget(button);
-    }
-    layout->addLayout(row);
+    layout->addLayout(MakeOkCancel());
 }
 
 bool SiteDlg::OnClose(int result)
