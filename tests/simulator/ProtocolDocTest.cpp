@@ -41,7 +41,7 @@ struct Exchange
 
 std::vector<std::string> DocLines()
 {
-    std::ifstream file(std::string(FIELDCORE_SOURCE_DIR) + "/docs/protocol.md");
+    std::ifstream file(FIELDCORE_SOURCE_DIR "/docs/protocol.md");
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
         lines.push_back(line);
