@@ -67,9 +67,16 @@ double ObservationPlan::DopAt(PlanGraph graph, int k) const
 
 std::optional<ObservationPlan::TrackStep> ObservationPlan::TrackAt(int prnIndex, int k) const
 {
-    const std::optional<SkyDirection> from = DirectionAt(prnIndex, k);
-    const std::optional<SkyDirection> to = DirectionAt(prnIndex, k + 1);
-    return from && to ? std::optional(TrackStep{*from, *to}) : std::nullopt;
+    if (!IsSample(k) || prnIndex < 0 || prnIndex >= kMaxPrn) {
+        return std::nullopt;
+    }
+    const auto from = static_cast<std::size_t>(k);
+    const auto prn = static_cast<std::size_t>(prnIndex);
+    const auto& visible = m_results->view.visible;
+    if (((visible[from] & visible[from + 1]) >> prn & 1U) == 0) {
+        return std::nullopt;
+    }
+    return TrackStep{m_results->directions[from][prn], m_results->directions[from + 1][prn]};
 }
 
 std::optional<SkyDirection> ObservationPlan::DirectionAt(int prnIndex, int k) const
