@@ -175,5 +175,36 @@ void Write(benchmark::State& state)
 }
 BENCHMARK(Write)->MinTime(2.0)->UseRealTime();
 
+/// An antenna catalogue in one batch, against one durable write.
+void Import(benchmark::State& state)
+{
+    constexpr int kValues = 4288;
+    const Folder folder;
+    SettingsRoots roots(folder.AsHome());
+    const HostReg reg(roots);
+    std::vector<double> importUs;
+    std::vector<double> oneUs;
+    std::uint32_t number = 0;
+    int done = 1;
+    for (auto _ : state) {
+        oneUs.push_back(Timed([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); }));
+        importUs.push_back(Timed([&] {
+            SettingsBatch batch(reg.Store());
+            for (int i = 0; i < kValues; ++i) {
+                done &= reg.WriteString(L"GPS\\Antenna\\List", L"Method" + std::to_wstring(i),
+                                        std::to_wstring(++number));
+            }
+            done &= batch.Commit() ? 1 : 0;
+        }));
+    }
+    if (done == 0) {
+        state.SkipWithError("cannot write");
+    }
+    state.counters["one_us"] = Median(oneUs);
+    state.counters["import_us"] = Median(importUs);
+    state.counters["import_ratio"] = Median(importUs) / Median(oneUs);
+}
+BENCHMARK(Import)->MinTime(1.0)->UseRealTime();
+
 } // namespace
 } // namespace fieldcore::bench
