@@ -199,6 +199,29 @@ struct SqliteSettingsStore::Database
         return find.Bind(1, folded).Step() == SQLITE_ROW;
     }
 
+    /// A key as it was asked for, cleaned, and folded.
+    struct KnownKey
+    {
+        std::wstring asked;
+        std::wstring path;
+        std::string folded;
+    };
+
+    /// Keeps the last one: settings are read and written in rows, most of all on import.
+    /// @return nullptr if it is no key
+    const KnownKey* Know(std::wstring_view key)
+    {
+        if (!lastKey || lastKey->asked != key) {
+            std::optional<std::wstring> path = CleanPath(key);
+            if (!path) {
+                return nullptr;
+            }
+            std::string folded = Folded(*path);
+            lastKey = KnownKey{std::wstring(key), std::move(*path), std::move(folded)};
+        }
+        return &*lastKey;
+    }
+
     bool MakeKey(const std::wstring& path)
     {
         SqliteStatement& make = (*this)[Query::MakeKey];
@@ -227,6 +250,7 @@ struct SqliteSettingsStore::Database
 
     SqliteHandle handle;
     std::string notice;
+    std::optional<KnownKey> lastKey;
     std::array<SqliteStatement, kQueryCount> statements; // last, so that they go before the handle
 };
 
@@ -251,11 +275,11 @@ bool SqliteSettingsStore::OpenKey(std::wstring_view key, KeyOpening opening)
 
 SettingsRead SqliteSettingsStore::Get(std::wstring_view key, std::wstring_view name)
 {
-    const std::optional<std::wstring> path = CleanPath(key);
-    if (!path) {
+    const Database::KnownKey* const known = m_database->Know(key);
+    if (known == nullptr) {
         return {SettingsReadState::Failed, {}};
     }
-    const std::string foldedKey = Folded(*path);
+    const std::string& foldedKey = known->folded;
     const std::string foldedName = Folded(name);
     SqliteStatement& get = (*m_database)[Query::Get];
     const StatementUse use(get);
@@ -274,11 +298,12 @@ SettingsRead SqliteSettingsStore::Get(std::wstring_view key, std::wstring_view n
 bool SqliteSettingsStore::Set(std::wstring_view key, std::wstring_view name,
                               const SettingsValue& value, KeyOpening opening)
 {
-    const std::optional<std::wstring> path = CleanPath(key);
-    if (!path || name.size() > kMaxNameLength || name.find(L'\0') != std::wstring_view::npos) {
+    const Database::KnownKey* const known = m_database->Know(key);
+    if (known == nullptr || name.size() > kMaxNameLength ||
+        name.find(L'\0') != std::wstring_view::npos) {
         return false;
     }
-    const std::string foldedKey = Folded(*path);
+    const std::string& foldedKey = known->folded;
     const std::string foldedName = Folded(name);
     const std::string shownName = ToUtf8(name);
     std::string utf8;
@@ -295,7 +320,7 @@ bool SqliteSettingsStore::Set(std::wstring_view key, std::wstring_view name,
         return true;
     }
     return opening == KeyOpening::Create &&
-           m_database->Together([&] { return m_database->MakeKey(*path) && store(); });
+           m_database->Together([&] { return m_database->MakeKey(known->path) && store(); });
 }
 
 bool SqliteSettingsStore::DeleteKey(std::wstring_view key)
