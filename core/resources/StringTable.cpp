@@ -5,6 +5,7 @@
 #include <clocale>
 #include <cstdarg>
 #include <cwchar>
+#include <iterator>
 #include <locale.h>
 
 namespace fieldcore {
@@ -18,7 +19,7 @@ struct Entry
 };
 
 // By rising number: Text() searches by halves.
-constexpr std::array kEntries{
+constexpr Entry kEntries[] = {
     Entry{text::kAlmanacNotWritten, L"ファイル書き込みに失敗しました。"},
     Entry{text::kAlmanacNotWrittenCaption, L"ファイルエラー"},
     Entry{text::kAlmanacNotRead, L"ファイル読み込みに失敗しました。"},
@@ -450,16 +451,16 @@ constexpr std::array kEntries{
     Entry{text::kSkyListName, L"衛星の一覧"},
 };
 
-static_assert(std::is_sorted(kEntries.begin(), kEntries.end(),
+static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),
                              [](const Entry& a, const Entry& b) { return a.id < b.id; }));
 
 } // namespace
 
 const wchar_t* Text(int id)
 {
-    const auto* entry = std::lower_bound(kEntries.begin(), kEntries.end(), id,
+    const auto* entry = std::lower_bound(std::begin(kEntries), std::end(kEntries), id,
                                          [](const Entry& e, int wanted) { return e.id < wanted; });
-    return entry != kEntries.end() && entry->id == id ? entry->text : L"";
+    return entry != std::end(kEntries) && entry->id == id ? entry->text : L"";
 }
 
 std::wstring FormatText(int id, ...)
