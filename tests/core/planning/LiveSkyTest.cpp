@@ -3,6 +3,7 @@
 #include "core/planning/Degrees.h"
 #include "core/planning/SkyPlotSettings.h"
 #include "core/settings/HostReg.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <chrono>
@@ -127,17 +128,8 @@ TEST(LiveSky, GrowsOldAndStale)
 class SkyPlotSettingsTest : public ::testing::Test
 {
 protected:
-    static Folders Below(const std::string& home)
-    {
-        FolderSources sources;
-        sources.variable = [home](const std::string& name) {
-            return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
-        };
-        return Folders(sources);
-    }
-
     TemporaryFolder m_home;
-    SettingsRoots m_roots{Below(m_home.Path())};
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     HostReg m_reg{m_roots};
 };
 

@@ -3,11 +3,11 @@
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/PlanSite.h"
-#include "core/platform/Folders.h"
 #include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "tests/core/planning/SampleSky.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <optional>
@@ -35,14 +35,6 @@ public:
 class PlanSessionTest : public ::testing::Test
 {
 protected:
-    static Folders Below(const std::string& home)
-    {
-        FolderSources sources;
-        sources.variable = [home](const std::string& name) {
-            return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
-        };
-        return Folders(sources);
-    }
     void WriteAlmanac() const
     {
         const std::vector<std::uint8_t> almanac = testing::SampleFile();
@@ -60,7 +52,7 @@ protected:
     }
 
     TemporaryFolder m_home;
-    SettingsRoots m_roots{Below(m_home.Path())};
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     HostReg m_reg{m_roots};
     StoppedClock m_clock;
     PlanSession m_session{m_home.Path(), m_reg};

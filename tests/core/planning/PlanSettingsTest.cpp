@@ -1,7 +1,7 @@
 #include "core/planning/PlanSettings.h"
 
-#include "core/platform/Folders.h"
 #include "core/settings/HostReg.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <cstdint>
@@ -17,17 +17,8 @@ namespace {
 class PlanSettingsTest : public ::testing::Test
 {
 protected:
-    static Folders Below(const std::string& home)
-    {
-        FolderSources sources;
-        sources.variable = [home](const std::string& name) {
-            return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
-        };
-        return Folders(sources);
-    }
-
     TemporaryFolder m_home;
-    SettingsRoots m_roots{Below(m_home.Path())};
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     HostReg m_reg{m_roots};
 };
 
@@ -47,7 +38,7 @@ TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
 TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 {
     EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99}), 1);
-    SettingsRoots later(Below(m_home.Path()));
+    SettingsRoots later(testing::FoldersBelow(m_home.Path()));
     const PlanSettings settings = LoadPlanSettings(HostReg(later));
     EXPECT_EQ(settings.elMaskDeg, 25);
     EXPECT_EQ(settings.startHour, 7);

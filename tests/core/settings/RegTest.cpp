@@ -1,7 +1,7 @@
 #include "core/settings/Reg.h"
 
-#include "core/platform/Folders.h"
 #include "core/settings/HostReg.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <array>
@@ -18,20 +18,11 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Folders FoldersBelow(const std::string& home)
-{
-    FolderSources sources;
-    sources.variable = [home](const std::string& name) {
-        return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
-    };
-    return Folders(sources);
-}
-
 class Reg : public ::testing::Test
 {
 protected:
     TemporaryFolder m_home;
-    SettingsRoots m_roots{FoldersBelow(m_home.Path())};
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     CReg m_reg{m_roots};
 };
 
@@ -108,7 +99,7 @@ TEST_F(Reg, KeepsWhatItWasGiven)
     EXPECT_EQ(m_reg.WriteBinary(L"K", L"bytes", Bytes{0, 0xFF, 0}), 1);
     EXPECT_EQ(m_reg.WriteBinary(L"K", L"none", {}), 1);
 
-    SettingsRoots again(FoldersBelow(m_home.Path())); // a second program
+    SettingsRoots again(testing::FoldersBelow(m_home.Path())); // a second program
     const CReg reg(again);
     std::wstring text;
     EXPECT_EQ(reg.ReadString(L"K", L"text", text, L""), 1);

@@ -8,6 +8,7 @@
 #include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/ui/controls/Pictures.h"
 #include "ui/controls/QtHost.h"
@@ -59,15 +60,6 @@ class SkyPlotTest : public ::testing::Test
 {
 protected:
     SkyPlotTest() { m_command.SetHost(m_host); }
-
-    static Folders Below(const std::string& home)
-    {
-        FolderSources sources;
-        sources.variable = [home](const std::string& name) {
-            return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
-        };
-        return Folders(sources);
-    }
 
     /// @param scenario  a shipped one
     void Connect(const std::string& scenario, std::chrono::seconds timeout = 200s)
@@ -125,7 +117,7 @@ protected:
     }
 
     TemporaryFolder m_folder;
-    SettingsRoots m_roots{Below(m_folder.Path())};
+    SettingsRoots m_roots{testing::FoldersBelow(m_folder.Path())};
     HostReg m_reg{m_roots};
     HandClock m_clock;
     FastClock m_fast{100.0};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "core/platform/Folders.h"
+
+#include <optional>
+#include <string>
+
+namespace fieldcore::testing {
+
+/// Everything below a home of the test's own, and nothing of the environment.
+[[nodiscard]] inline Folders FoldersBelow(const std::string& home)
+{
+    FolderSources sources;
+    sources.variable = [home](const std::string& name) {
+        return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
+    };
+    return Folders(sources);
+}
+
+} // namespace fieldcore::testing
