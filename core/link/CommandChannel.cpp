@@ -86,7 +86,12 @@ CommandChannel::~CommandChannel() = default;
 int CommandChannel::OpenPort(int portNumber, const PortSettings& settings)
 {
     const PortNames defaults;
-    return OpenPort((m_ports != nullptr ? *m_ports : defaults).DevicePath(portNumber), settings);
+    const std::string path = (m_ports != nullptr ? *m_ports : defaults).DevicePath(portNumber);
+    if (OpenPort(path, settings) == 0) {
+        return 0;
+    }
+    m_portNumber = portNumber;
+    return 1;
 }
 
 int CommandChannel::OpenPort(const std::string& devicePath, const PortSettings& settings)
@@ -104,8 +109,14 @@ int CommandChannel::OpenPort(const std::string& devicePath, const PortSettings& 
         return Fail(CommandFault::OpenFailed);
     }
     m_link = std::move(link);
+    m_portNumber = 0;
     m_fault = CommandFault::None;
     return 1;
+}
+
+std::uint32_t CommandChannel::GetBaudRate() const
+{
+    return m_link ? m_link->AppliedLineSettings().baudRate : 0;
 }
 
 void CommandChannel::ClosePort()
@@ -160,6 +171,26 @@ LinkError CommandChannel::TakeLinkError()
 }
 
 // Exchanges.
+
+void CommandChannel::Build(std::uint8_t type, std::span<const std::uint8_t> data)
+{
+    BeginPacket(type, static_cast<std::uint32_t>(data.size()));
+    for (const std::uint8_t byte : data) {
+        PutByte(byte);
+    }
+    EndPacket();
+}
+
+void CommandChannel::Build(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+{
+    Build(type, std::span(data.begin(), data.size()));
+}
+
+int CommandChannel::Command(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+{
+    Build(type, data);
+    return Exchange(Answer::Ack);
+}
 
 bool CommandChannel::MayStart()
 {
