@@ -23,7 +23,9 @@ public:
     int stCheckRecoverSelect();
     int stCheckLogging();
 
-    /// The selected rows from the last to the first. @param deleting  1 delete, 0 recover
+    /// The selected rows from the last to the first. Ends when the user cancels and when the link
+    /// is gone; the rows that were not reached stay.
+    /// @param deleting  1 delete, 0 recover
     void stDeleteRecover(int deleting);
     /// One row, in the manner of the receiver's family. The row leaves the list whatever the
     /// receiver answers, unless the file is being logged.
@@ -38,6 +40,8 @@ public:
     int stFileRecoverKernel(int row);
 
 private:
+    [[nodiscard]] bool MustStop() const;
+
     ReceiverFiles& m_files;
 };
 

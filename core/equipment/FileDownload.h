@@ -3,12 +3,14 @@
 #include "core/equipment/FileDestination.h"
 #include "core/equipment/ReceiverFiles.h"
 #include "core/equipment/TransferProgress.h"
+#include "core/host/Host.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace fieldcore {
 
@@ -65,12 +67,11 @@ public:
     int stIsExistingFile(const std::filesystem::path& file);
 
 private:
-    struct Plan;
-
-    [[nodiscard]] Plan MakePlan(const FileDestination& destination);
+    std::vector<int> Selected(const FileDestination& destination, std::uint64_t& total);
     End FetchRow(int row, const FileDestination& destination, TransferMeter& meter);
     End Fetch(const std::filesystem::path& folder, const std::wstring& name, TransferMeter& meter);
-    End Report(int textId, int captionId);
+    End Fail(int textId, int captionId);
+    void Say(int textId, int captionId, BoxIcon icon);
 
     ReceiverFiles& m_files;
     Surroundings m_surroundings;

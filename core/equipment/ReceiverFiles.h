@@ -111,6 +111,11 @@ public:
     [[nodiscard]] int GetFileAttr_Pica(int row) const;
     int GetFileAttr_Lark(int row);
 
+    /// Whether the user has cancelled a look at the extension since ForgetCancel(): what follows
+    /// it would go on with a guess.
+    [[nodiscard]] bool WasCancelled() const { return m_cancelled; }
+    void ForgetCancel() { m_cancelled = false; }
+
     // Names. Each look at the extension asks the receiver for its options.
 
     /// Appends the extension. @param which  1 live file, 0 deleted file
@@ -145,6 +150,7 @@ private:
     int m_nextRow = 0;
     int m_openListings = 0; // asked for, end not yet seen
     bool m_waitCursor = false;
+    bool m_cancelled = false;
     std::vector<std::filesystem::path> m_fetchedFolders;
 };
 

@@ -384,6 +384,50 @@ void CommandChannel::LetLineSettle()
     m_fault = reason;
 }
 
+void CommandChannel::AbortTransmission()
+{
+    const CommandFault reason = m_fault;
+    const std::uint8_t request = m_faultRequest;
+    if (m_link && reason != CommandFault::LinkLost) {
+        Build(0x5A, {0, 0, 0, 0, 0, 0, 0, 0, 0});
+        KeepRequest();
+        const BusyGuard busy(*this);
+        if (!WriteRequest() || !AwaitQuiet()) {
+            m_suspectExchanges = 2;
+        }
+        PurgePort();
+    }
+    if (m_fault != CommandFault::LinkLost) {
+        m_fault = reason;
+    }
+    m_faultRequest = request;
+}
+
+/// Throws away what comes until the receiver acknowledges the abort, which it does behind all that
+/// it had sent before.
+/// @return whether it did
+bool CommandChannel::AwaitQuiet()
+{
+    constexpr int kMostStale = 512; // that a receiver which does not stop can make us look at
+    const Clock::Duration end = m_clock->Steady() + 2 * m_link->GetReplyTimeout();
+    for (int stale = 0; stale < kMostStale && m_clock->Steady() < end; ++stale) {
+        switch (WaitForAnswer().state) {
+        case ExchangeState::Ack:
+        case ExchangeState::Nak:
+            return true;
+        case ExchangeState::Malformed:
+            PurgePort(); // in the midst of a frame: every few bytes of it would be reported
+            break;
+        case ExchangeState::Frame:
+            break;
+        case ExchangeState::Nothing:
+        case ExchangeState::TimedOut:
+            return false;
+        }
+    }
+    return false;
+}
+
 int CommandChannel::Rest(milliseconds duration)
 {
     if (m_busy) {

@@ -164,19 +164,27 @@ protected:
     /// After a failure in the middle of several frames: waits until the rest has come, and throws
     /// it away.
     void LetLineSettle();
+    /// The same where the receiver may still be sending: tells it to stop, throws away what comes
+    /// until it acknowledges, and empties the queues. Leaves the fault as it is. The channel is
+    /// not marked as busy.
+    void AbortTransmission();
+    /// Writes the request that was kept.
+    bool WriteRequest();
+    /// Before a request: rids the line of answers to earlier ones.
+    /// @return false if the host asked for an end
+    bool ForgetLateAnswers();
+    void Succeed();
     int Fail(CommandFault fault);
     /// The frame in the buffer is not the one expected.
     int FailOnType();
 
 private:
-    bool ForgetLateAnswers();
     bool Attempt(Answer expected, bool isLast);
-    bool WriteRequest();
     bool Judge(Answer expected, ExchangeState state, bool isLast);
     bool PauseAndPurge(bool isLast);
     /// @return false if the host asked for an end
     bool Pause(std::chrono::milliseconds duration);
-    void Succeed();
+    bool AwaitQuiet();
     int FailOnWrite();
     void NoteLinkError(SerialLink& link);
     void Observe(Direction direction, std::span<const std::uint8_t> frame);

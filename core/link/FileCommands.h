@@ -3,6 +3,7 @@
 #include "core/host/MessageTarget.h"
 #include "core/link/CommandChannel.h"
 #include "core/link/DirectoryListing.h"
+#include "core/link/ReceivedFile.h"
 #include "core/platform/FileOperations.h"
 
 #include <cstdint>
@@ -12,22 +13,6 @@
 #include <system_error>
 
 namespace fieldcore {
-
-struct FilePage;
-
-/// Why a file did not arrive.
-enum class DownloadFault
-{
-    None,
-    Name,        ///< no name that a file in the folder may have, or too long for the receiver
-    Folder,      ///< the file cannot be made in the folder; see the system's error
-    Write,       ///< it cannot be written, synced or renamed: full, taken out...
-    NoSuchFile,  ///< the receiver has none of this name
-    BeingLogged, ///< the receiver still writes it
-    WrongSize,   ///< it ended before the announced size, or goes on beyond it
-    Link,        ///< no good block in four attempts, or the link is gone; see the channel's fault
-    Cancelled,
-};
 
 /// The commands for the files in the receiver's memory, a part of CCommand. Which of them a
 /// receiver understands depends on its family. Names are those of the receiver; the by-name
@@ -95,17 +80,18 @@ public:
     void SetFileOperations(FileOperations& operations) { m_operations = &operations; }
 
 private:
-    class Transfer;
+    enum class RunEnd;
 
     int ListPages_Pica(int mode, std::uint8_t variant, DirectoryTable& table, MessageTarget* window,
                        unsigned message);
-    int ListPages_Lark(std::wstring_view pattern, DirectoryTable& table, MessageTarget* window,
-                       unsigned message);
+    int ListPages_Lark(DirectoryTable& table, MessageTarget* window, unsigned message);
+    int CollectPages_Lark(DirectoryTable& table, MessageTarget* window, unsigned message);
+    int AskWhether(std::wstring_view name, bool& more);
+    bool BuildListRequest(std::wstring_view pattern);
     int CommandByName(std::uint8_t type, std::wstring_view name);
-    void BuildListRequest(std::wstring_view pattern);
-    bool FetchBlocks(std::wstring_view name, Transfer& transfer);
-    void FetchRun(std::wstring_view name, Transfer& transfer);
-    void EndTransmission();
+    bool FetchFile(std::wstring_view name, ReceivedFile& file, const BytesArrived& arrived);
+    RunEnd FetchRun(ReceivedFile& file, const BytesArrived& arrived);
+    RunEnd TakeBlock(ReceivedFile& file, const BytesArrived& arrived);
     std::int64_t FailDownload(DownloadFault fault, std::error_code error = {});
 
     FileOperations* m_operations = nullptr; // null: the system's own
