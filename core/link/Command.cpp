@@ -40,20 +40,6 @@ CCommand* GetCCommand()
 
 // Building blocks of the requests.
 
-void CCommand::Build(std::uint8_t type, std::span<const std::uint8_t> data)
-{
-    BeginPacket(type, static_cast<std::uint32_t>(data.size()));
-    for (const std::uint8_t byte : data) {
-        PutByte(byte);
-    }
-    EndPacket();
-}
-
-void CCommand::Build(std::uint8_t type, std::initializer_list<std::uint8_t> data)
-{
-    Build(type, std::span(data.begin(), data.size()));
-}
-
 template <typename Reply>
 int CCommand::Keep(std::optional<Reply> parsed, Reply& reply)
 {
@@ -68,12 +54,6 @@ template <typename Reply>
 int CCommand::Query(std::optional<Reply> (*parse)(FrameBuffer&), Reply& reply)
 {
     return Exchange(Answer::Reply) == 1 ? Keep(parse(*this), reply) : 0;
-}
-
-int CCommand::Command(std::uint8_t type, std::initializer_list<std::uint8_t> data)
-{
-    Build(type, data);
-    return Exchange(Answer::Ack);
 }
 
 // Requests.

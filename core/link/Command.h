@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/CommandChannel.h"
+#include "core/link/FileCommands.h"
 #include "core/link/Identification.h"
 #include "core/link/Replies.h"
 #include "core/link/SatelliteReplies.h"
@@ -16,12 +16,13 @@ namespace fieldcore {
 /// The receiver command channel: the one object through which the library and its host talk to
 /// the receiver. Every request is a method that answers 1, or 0 on failure; Fault() and
 /// LastError() then say why, and the out argument is left as it was. See CommandChannel for the
-/// port, the exchange and its threads; docs/protocol.md for the bytes.
-class CCommand : public CommandChannel
+/// port, the exchange and its threads; FileCommands for the receiver's files; docs/protocol.md for
+/// the bytes.
+class CCommand : public FileCommands
 {
 public:
     CCommand() : CCommand(Surroundings{}) {}
-    explicit CCommand(Surroundings surroundings) : CommandChannel(std::move(surroundings)) {}
+    explicit CCommand(Surroundings surroundings) : FileCommands(std::move(surroundings)) {}
 
     // Requests.
 
@@ -83,13 +84,10 @@ public:
     int ShowLabel(std::uint8_t place, std::uint16_t number, std::wstring_view text);
 
 private:
-    void Build(std::uint8_t type, std::span<const std::uint8_t> data);
-    void Build(std::uint8_t type, std::initializer_list<std::uint8_t> data = {});
     template <typename Reply>
     int Query(std::optional<Reply> (*parse)(FrameBuffer&), Reply& reply);
     template <typename Reply>
     int Keep(std::optional<Reply> parsed, Reply& reply);
-    int Command(std::uint8_t type, std::initializer_list<std::uint8_t> data);
     int CollectFrames(SatelliteList& list, SatelliteListForm form);
 };
 

@@ -86,7 +86,12 @@ CommandChannel::~CommandChannel() = default;
 int CommandChannel::OpenPort(int portNumber, const PortSettings& settings)
 {
     const PortNames defaults;
-    return OpenPort((m_ports != nullptr ? *m_ports : defaults).DevicePath(portNumber), settings);
+    const std::string path = (m_ports != nullptr ? *m_ports : defaults).DevicePath(portNumber);
+    if (OpenPort(path, settings) == 0) {
+        return 0;
+    }
+    m_portNumber = portNumber;
+    return 1;
 }
 
 int CommandChannel::OpenPort(const std::string& devicePath, const PortSettings& settings)
@@ -104,8 +109,14 @@ int CommandChannel::OpenPort(const std::string& devicePath, const PortSettings& 
         return Fail(CommandFault::OpenFailed);
     }
     m_link = std::move(link);
+    m_portNumber = 0;
     m_fault = CommandFault::None;
     return 1;
+}
+
+std::uint32_t CommandChannel::GetBaudRate() const
+{
+    return m_link ? m_link->AppliedLineSettings().baudRate : 0;
 }
 
 void CommandChannel::ClosePort()
@@ -160,6 +171,26 @@ LinkError CommandChannel::TakeLinkError()
 }
 
 // Exchanges.
+
+void CommandChannel::Build(std::uint8_t type, std::span<const std::uint8_t> data)
+{
+    BeginPacket(type, static_cast<std::uint32_t>(data.size()));
+    for (const std::uint8_t byte : data) {
+        PutByte(byte);
+    }
+    EndPacket();
+}
+
+void CommandChannel::Build(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+{
+    Build(type, std::span(data.begin(), data.size()));
+}
+
+int CommandChannel::Command(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+{
+    Build(type, data);
+    return Exchange(Answer::Ack);
+}
 
 bool CommandChannel::MayStart()
 {
@@ -351,6 +382,50 @@ void CommandChannel::LetLineSettle()
     }
     PurgePort();
     m_fault = reason;
+}
+
+void CommandChannel::AbortTransmission()
+{
+    const CommandFault reason = m_fault;
+    const std::uint8_t request = m_faultRequest;
+    if (m_link && reason != CommandFault::LinkLost) {
+        Build(0x5A, {0, 0, 0, 0, 0, 0, 0, 0, 0});
+        KeepRequest();
+        const BusyGuard busy(*this);
+        if (!WriteRequest() || !AwaitQuiet()) {
+            m_suspectExchanges = 2;
+        }
+        PurgePort();
+    }
+    if (m_fault != CommandFault::LinkLost) {
+        m_fault = reason;
+    }
+    m_faultRequest = request;
+}
+
+/// Throws away what comes until the receiver acknowledges the abort, which it does behind all that
+/// it had sent before.
+/// @return whether it did
+bool CommandChannel::AwaitQuiet()
+{
+    constexpr int kMostStale = 512; // that a receiver which does not stop can make us look at
+    const Clock::Duration end = m_clock->Steady() + 2 * m_link->GetReplyTimeout();
+    for (int stale = 0; stale < kMostStale && m_clock->Steady() < end; ++stale) {
+        switch (WaitForAnswer().state) {
+        case ExchangeState::Ack:
+        case ExchangeState::Nak:
+            return true;
+        case ExchangeState::Malformed:
+            PurgePort(); // in the midst of a frame: every few bytes of it would be reported
+            break;
+        case ExchangeState::Frame:
+            break;
+        case ExchangeState::Nothing:
+        case ExchangeState::TimedOut:
+            return false;
+        }
+    }
+    return false;
 }
 
 int CommandChannel::Rest(milliseconds duration)

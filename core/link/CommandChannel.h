@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -86,6 +87,10 @@ public:
     int OpenPort(const std::string& devicePath, const PortSettings& settings = {});
     void ClosePort();
     [[nodiscard]] int IsPortOpen() const { return m_link ? 1 : 0; }
+    /// Of the open port: its COM number, 0 if it was opened by its path or none is open.
+    [[nodiscard]] int GetPortNumber() const { return m_link ? m_portNumber : 0; }
+    /// Of the open port, bit/s; 0 if none is open.
+    [[nodiscard]] std::uint32_t GetBaudRate() const;
     /// Empties the queues and forgets what is half received.
     int PurgePort();
 
@@ -142,6 +147,10 @@ protected:
         CommandChannel& m_channel;
     };
 
+    void Build(std::uint8_t type, std::span<const std::uint8_t> data);
+    void Build(std::uint8_t type, std::initializer_list<std::uint8_t> data = {});
+    /// A request of these bytes that is answered by an acknowledgement.
+    int Command(std::uint8_t type, std::initializer_list<std::uint8_t> data);
     /// Whether a request may begin; if not, the fault is set.
     bool MayStart();
     /// Takes the built frame as the request; false if it is none.
@@ -155,19 +164,27 @@ protected:
     /// After a failure in the middle of several frames: waits until the rest has come, and throws
     /// it away.
     void LetLineSettle();
+    /// The same where the receiver may still be sending: tells it to stop, throws away what comes
+    /// until it acknowledges, and empties the queues. Leaves the fault as it is. The channel is
+    /// not marked as busy.
+    void AbortTransmission();
+    /// Writes the request that was kept.
+    bool WriteRequest();
+    /// Before a request: rids the line of answers to earlier ones.
+    /// @return false if the host asked for an end
+    bool ForgetLateAnswers();
+    void Succeed();
     int Fail(CommandFault fault);
     /// The frame in the buffer is not the one expected.
     int FailOnType();
 
 private:
-    bool ForgetLateAnswers();
     bool Attempt(Answer expected, bool isLast);
-    bool WriteRequest();
     bool Judge(Answer expected, ExchangeState state, bool isLast);
     bool PauseAndPurge(bool isLast);
     /// @return false if the host asked for an end
     bool Pause(std::chrono::milliseconds duration);
-    void Succeed();
+    bool AwaitQuiet();
     int FailOnWrite();
     void NoteLinkError(SerialLink& link);
     void Observe(Direction direction, std::span<const std::uint8_t> frame);
@@ -183,6 +200,7 @@ private:
     std::array<std::uint8_t, 261> m_request{};
     std::size_t m_requestLength = 0;
 
+    int m_portNumber = 0;
     int LastResult = 0;
     int m_suspectExchanges = 0; // that an answer which comes too late might disturb
     bool m_busy = false;

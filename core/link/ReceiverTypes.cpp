@@ -70,6 +70,11 @@ const auto* FindRow(std::uint32_t number)
 
 } // namespace
 
+std::span<const ReceiverType> AllReceiverTypes()
+{
+    return kTypes;
+}
+
 const ReceiverType* FindReceiverType(std::uint32_t number)
 {
     const auto* row = FindRow(number);

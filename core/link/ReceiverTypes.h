@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ struct ReceiverType
     double minimumNav;    ///< lowest navigation firmware version that is supported
     const wchar_t* model; ///< null: known by its number only
 };
+
+/// Every receiver in the table.
+[[nodiscard]] std::span<const ReceiverType> AllReceiverTypes();
 
 /// @return null for a number that is in no table
 [[nodiscard]] const ReceiverType* FindReceiverType(std::uint32_t number);

@@ -25,8 +25,9 @@ fs::path FolderOf(const fs::path& file)
 } // namespace
 
 AtomicFile::AtomicFile(const fs::path& file, const fs::path& temporaryName,
-                       FileOperations& operations)
-    : m_operations(operations), m_file(Target(file)), m_temporary(FolderOf(m_file) / temporaryName)
+                       FileOperations& operations, Unfinished unfinished)
+    : m_operations(operations), m_file(Target(file)), m_temporary(FolderOf(m_file) / temporaryName),
+      m_unfinished(unfinished)
 {}
 
 AtomicFile::~AtomicFile()
@@ -69,7 +70,9 @@ std::error_code AtomicFile::Commit()
 void AtomicFile::Abandon()
 {
     if (m_handle >= 0) {
-        m_operations.Remove(m_temporary);
+        if (m_unfinished == Unfinished::Remove) {
+            m_operations.Remove(m_temporary);
+        }
         m_operations.Close(m_handle);
         m_handle = -1;
     }

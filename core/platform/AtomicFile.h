@@ -20,11 +20,19 @@ namespace fieldcore {
 class AtomicFile
 {
 public:
+    /// What becomes of a temporary file that was not committed.
+    enum class Unfinished
+    {
+        Remove,
+        Keep, ///< for who wants to look at it; the next writer empties it
+    };
+
     /// @param file  what is replaced; if it is a symbolic link, the file that the link leads to
     /// @param temporaryName  without a folder
     /// @param operations  must outlive the object
     AtomicFile(const std::filesystem::path& file, const std::filesystem::path& temporaryName,
-               FileOperations& operations = PosixFileOperations::Instance());
+               FileOperations& operations = PosixFileOperations::Instance(),
+               Unfinished unfinished = Unfinished::Remove);
 
     /// Gives up what was not committed; the old file stays.
     ~AtomicFile();
@@ -48,6 +56,7 @@ private:
     FileOperations& m_operations;
     std::filesystem::path m_file;
     std::filesystem::path m_temporary;
+    const Unfinished m_unfinished;
     int m_handle = -1;
 };
 

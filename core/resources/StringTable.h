@@ -21,6 +21,40 @@ inline constexpr int kAlmanacOldCaption = 20143;
 inline constexpr int kAlmanacUpdated = 20176;
 inline constexpr int kAlmanacUpdatedCaption = 20177;
 
+// The receiver's files
+inline constexpr int kFileSelectCaption = 20238;
+inline constexpr int kDeleteNothing = 20240;
+inline constexpr int kRecoverNothing = 20241;
+inline constexpr int kDeleteLogging = 20250;
+inline constexpr int kDeleteSomeLogging = 20251;
+inline constexpr int kDeleteCaption = 20362;
+inline constexpr int kDeleteRecycled = 20368;
+inline constexpr int kDeleteForGood = 20384;
+inline constexpr int kDownloadNothing = 20385;
+inline constexpr int kDownloadLogging = 20386;
+inline constexpr int kOverwriteCaption = 20387;
+inline constexpr int kOverwrite = 20388;
+inline constexpr int kNoSpaceCaption = 20389;
+inline constexpr int kNoSpace = 20390;
+inline constexpr int kDownloadDoneCaption = 20391;
+inline constexpr int kDownloadDone = 20392;
+inline constexpr int kDownloadSummary = 20393;
+inline constexpr int kDownloadFailed = 20394;
+inline constexpr int kDownloadFailedCaption = 20395;
+inline constexpr int kFileFetched = 60700; ///< the mark of a row
+inline constexpr int kFileNameRefused = 60701;
+inline constexpr int kDownloadCancelled = 60702;
+inline constexpr int kDownloadCancelledCaption = 60703;
+inline constexpr int kDownloadNothingNew = 60704;
+inline constexpr int kTotalBelowKilobyte = 60710;
+inline constexpr int kTotalKilobytes = 60711;
+inline constexpr int kTotalMegabytes = 60712;
+inline constexpr int kTimeBelowTenSeconds = 60713;
+inline constexpr int kTimeTensOfSeconds = 60714; ///< tens of seconds
+inline constexpr int kTimeMinutes = 60715;
+inline constexpr int kFreeSpace = 60716;
+inline constexpr int kFreeSpaceUnknown = 60717;
+
 // The graphs of the observation plan, under the numbers of their menu items
 inline constexpr int kGraphCount = 21901;
 inline constexpr int kGraphAzimuth = 21902;

@@ -1,6 +1,7 @@
 #include "ui/planning/SurveyPlan.h"
 
 #include "core/host/MesBox.h"
+#include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/LabelSpin.h"
@@ -40,19 +41,6 @@ constexpr std::array kGraphItems{
 };
 static_assert(kGraphItems.front().id == CSurveyPlan::kFirstGraph);
 static_assert(kGraphItems.back().id == CSurveyPlan::kLastGraph);
-
-/// The wait cursor as long as it lives.
-class WaitCursor
-{
-public:
-    explicit WaitCursor(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
-    ~WaitCursor() { m_host.ShowWaitCursor(false); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-
-private:
-    Host& m_host;
-};
 
 } // namespace
 

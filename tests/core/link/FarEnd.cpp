@@ -117,7 +117,13 @@ void FarEnd::HangUp()
 }
 
 ScriptedReceiver::ScriptedReceiver(std::vector<Answer> answers)
-    : m_answers(std::move(answers)), m_thread([this](const std::stop_token& stop) { Run(stop); })
+    : ScriptedReceiver([answers = std::move(answers), next = std::size_t{0}](const Bytes&) mutable {
+          return next < answers.size() ? answers[next++] : Answer();
+      })
+{}
+
+ScriptedReceiver::ScriptedReceiver(std::function<Answer(const Bytes&)> answer, Each)
+    : m_answer(std::move(answer)), m_thread([this](const std::stop_token& stop) { Run(stop); })
 {}
 
 ScriptedReceiver::~ScriptedReceiver()
@@ -155,11 +161,9 @@ void ScriptedReceiver::Run(const std::stop_token& stop)
             const auto end = pending.begin() + static_cast<std::ptrdiff_t>(length);
             m_requests.emplace_back(pending.begin(), end);
             pending.erase(pending.begin(), end);
-            if (m_requests.size() <= m_answers.size()) {
-                for (const Bytes& piece : m_answers[m_requests.size() - 1]) {
-                    m_farEnd.Send(piece);
-                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-                }
+            for (const Bytes& piece : m_answer(m_requests.back())) {
+                m_farEnd.Send(piece);
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
             }
         }
     }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <chrono>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace fieldcore::testing {
@@ -52,6 +54,10 @@ class ScriptedReceiver
 public:
     using Answer = std::vector<Bytes>; ///< pieces, each written by itself
     explicit ScriptedReceiver(std::vector<Answer> answers);
+    /// Each request gets the answer that @p answer has for it, called on the thread.
+    template <std::invocable<const Bytes&> AnswerTo>
+    explicit ScriptedReceiver(AnswerTo answer) : ScriptedReceiver(std::move(answer), Each{})
+    {}
     ~ScriptedReceiver();
     ScriptedReceiver(const ScriptedReceiver&) = delete;
     ScriptedReceiver& operator=(const ScriptedReceiver&) = delete;
@@ -62,10 +68,13 @@ public:
     std::vector<Bytes> Stop();
 
 private:
+    struct Each
+    {};
+    ScriptedReceiver(std::function<Answer(const Bytes&)> answer, Each);
     void Run(const std::stop_token& stop);
 
     FarEnd m_farEnd;
-    const std::vector<Answer> m_answers;
+    const std::function<Answer(const Bytes&)> m_answer;
     std::vector<Bytes> m_requests; // the thread's until Stop()
     std::jthread m_thread;
 };

@@ -1,0 +1,114 @@
+#include "core/equipment/FileTexts.h"
+
+#include "core/input/Parts.h"
+#include "core/link/DirectoryListing.h"
+#include "core/planning/JulianDate.h"
+#include "core/platform/NumberText.h"
+#include "core/resources/StringTable.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr double kSecondsPerDay = 86400.0;
+constexpr std::size_t kShortYear = 2; // digits
+constexpr int kFirstYearOf1900s = 80;
+constexpr double kUnit = 1024.0;
+constexpr double kMostKilobytes = 1000.0;
+constexpr std::uint64_t kKilobyte = 1024;
+constexpr std::uint64_t kMegabyte = 1024 * kKilobyte;
+constexpr std::uint32_t kUsualRate = 9600;
+constexpr std::uint64_t kBitsPerByte = 10; // with start and stop bit
+
+bool IsNumber(std::wstring_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
+}
+
+} // namespace
+
+std::wstring FileRowName(std::wstring_view name)
+{
+    return std::wstring(name.substr(0, std::min(name.find(L'.'), kLongestFileName)));
+}
+
+std::wstring FileDateText(std::uint32_t seconds)
+{
+    const auto date = CalendarDateOfJulian(kGpsEpochJulianDate + seconds / kSecondsPerDay);
+    if (!date) {
+        return {};
+    }
+    const int year = static_cast<int>(date->year());
+    const int yearDigits = year < 2000 ? year - 1900 : year - 2000;
+    return FormatWhole(static_cast<std::uint32_t>(yearDigits), kShortYear) + L"/" +
+           FormatWhole(static_cast<unsigned>(date->month()), 2) + L"/" +
+           FormatWhole(static_cast<unsigned>(date->day()), 2);
+}
+
+std::wstring FileSizeText(double bytes)
+{
+    const double kilobytes = std::abs(bytes) / kUnit;
+    if (kilobytes < kMostKilobytes) {
+        return CParts::Round(kilobytes, 1);
+    }
+    return CParts::Round(kilobytes / kUnit, 1) + L"M";
+}
+
+std::wstring DateFolderName(std::wstring_view date)
+{
+    constexpr std::size_t kBehindYear = 6; // "/MM/DD"
+    if (date.size() < kShortYear + kBehindYear) {
+        return {};
+    }
+    const std::wstring_view wholeYear = date.substr(0, date.size() - kBehindYear);
+    const std::wstring_view rest = date.substr(wholeYear.size());
+    const std::wstring_view month = rest.substr(1, 2);
+    const std::wstring_view day = rest.substr(4, 2);
+    if (rest[0] != L'/' || rest[3] != L'/' || !IsNumber(wholeYear) || !IsNumber(month) ||
+        !IsNumber(day)) {
+        return {};
+    }
+    const std::wstring year(wholeYear.substr(wholeYear.size() - kShortYear));
+    const wchar_t* const century = CParts::atof(year) >= kFirstYearOf1900s ? L"19" : L"20";
+    return century + year + L"-" + std::wstring(month) + L"-" + std::wstring(day);
+}
+
+const wchar_t* FileExtension(bool q02Format, double version, bool live)
+{
+    if (q02Format) {
+        return L".Q02";
+    }
+    if (version >= 1.0 && version < 2.0) {
+        return live ? L".Q00" : L".Q0D";
+    }
+    return live ? L".Q01" : L".Q1D";
+}
+
+std::wstring TotalSizeText(std::uint64_t bytes)
+{
+    if (bytes < kKilobyte) {
+        return Text(text::kTotalBelowKilobyte);
+    }
+    const bool small = bytes < kMegabyte;
+    const std::uint64_t unit = small ? kKilobyte : kMegabyte;
+    return FormatText(small ? text::kTotalKilobytes : text::kTotalMegabytes,
+                      static_cast<unsigned long long>((bytes + unit / 2) / unit));
+}
+
+std::wstring TransferTimeText(std::uint64_t bytes, std::uint32_t bitsPerSecond)
+{
+    const std::uint32_t rate = bitsPerSecond != 0 ? bitsPerSecond : kUsualRate;
+    const auto seconds = static_cast<unsigned long long>(bytes * kBitsPerByte / rate);
+    if (seconds < 10) {
+        return Text(text::kTimeBelowTenSeconds);
+    }
+    if (seconds < 50) {
+        return FormatText(text::kTimeTensOfSeconds, seconds / 10 + 1);
+    }
+    return FormatText(text::kTimeMinutes, seconds / 60 + 1);
+}
+
+} // namespace fieldcore

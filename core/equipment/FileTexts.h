@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace fieldcore {
+
+// What is shown of a file in the receiver, and what it is called. No state; any thread.
+
+/// A receiver's file as it stands in the list: up to the first dot, 14 characters at most.
+[[nodiscard]] std::wstring FileRowName(std::wstring_view name);
+
+/// "YY/MM/DD", without a time of day and without a shift to a time zone. From the year 2100 on
+/// the year has three digits.
+/// @param seconds  since 1980-01-06 00:00
+[[nodiscard]] std::wstring FileDateText(std::uint32_t seconds);
+
+/// Kilobytes with one decimal and no unit below 1000 of them, else megabytes with "M".
+[[nodiscard]] std::wstring FileSizeText(double bytes);
+
+/// The folder of a day, "2016-04-21", from a row's date text. A year of 80 and above lies in the
+/// last century, and of a year with three digits the last two count.
+/// @return empty if @p date is no date text
+[[nodiscard]] std::wstring DateFolderName(std::wstring_view date);
+
+/// Extension of the receiver's files, with its dot.
+/// @param q02Format  the receiver writes the newer format
+/// @param version    firmware version; 0.0 when unknown
+/// @param live       false: the name that a deleted file has
+[[nodiscard]] const wchar_t* FileExtension(bool q02Format, double version, bool live);
+
+/// "約 3 MB" and the like, for a sum of files.
+[[nodiscard]] std::wstring TotalSizeText(std::uint64_t bytes);
+
+/// "約 20 秒" and the like: how long @p bytes take at @p bitsPerSecond, ten bits a byte. A rate of
+/// 0 counts as 9600.
+[[nodiscard]] std::wstring TransferTimeText(std::uint64_t bytes, std::uint32_t bitsPerSecond);
+
+} // namespace fieldcore

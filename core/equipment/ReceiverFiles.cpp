@@ -1,0 +1,261 @@
+#include "core/equipment/ReceiverFiles.h"
+
+#include "core/equipment/FileDestination.h"
+#include "core/equipment/FileTexts.h"
+#include "core/link/Command.h"
+#include "core/link/RecvInfo.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr double kFirstWithoutRecycleBin = 3.7; // firmware version
+constexpr std::uint16_t kNoFileIndex = 255;
+
+} // namespace
+
+ReceiverFiles::ReceiverFiles(CCommand& command, int loadWay)
+    : m_command(command), m_loadWay(loadWay)
+{}
+
+ReceiverFiles::~ReceiverFiles()
+{
+    ShowWaitCursor(false);
+}
+
+// Opening and closing.
+
+int ReceiverFiles::Open(CConnect& connect)
+{
+    if (connect.DoModal() != CConnect::Connected) {
+        m_command.ClosePort();
+        return NotOpened;
+    }
+    for (const ReceiverType& type : AllReceiverTypes()) {
+        connect.SetRecvTypeFlag(type.number, type.family != ReceiverFamily::Oldest ? 1 : 0);
+    }
+    if (connect.CheckRecvType() == 0) {
+        m_command.ClosePort();
+        return NotOpened;
+    }
+    m_typeNumber = fieldcore::GetRecvTypeNum(m_command);
+    SetRecvVer();
+    return Opened;
+}
+
+int ReceiverFiles::OpenConnected()
+{
+    m_typeNumber = fieldcore::GetRecvTypeNum(m_command);
+    SetRecvVer();
+    const ReceiverType* const type = FindReceiverType(m_typeNumber);
+    return type != nullptr && type->family != ReceiverFamily::Oldest ? 1 : 0;
+}
+
+int ReceiverFiles::CheckIDCANCEL(int answer)
+{
+    if (answer == StayOpen) {
+        return 0;
+    }
+    if (answer != EndProgram) {
+        m_command.PowerOff();
+    }
+    m_command.ClosePort();
+    return 1;
+}
+
+int ReceiverFiles::SetRecvVer()
+{
+    CRecvInfo info;
+    m_version = info.GetOptionData(m_command) == 1 ? info.GetNavVer() : 0.0;
+    return 1;
+}
+
+ReceiverFamily ReceiverFiles::Family() const
+{
+    const ReceiverType* const type = FindReceiverType(m_typeNumber);
+    return type != nullptr ? type->family : ReceiverFamily::Lark;
+}
+
+bool ReceiverFiles::HasRecyclePage() const
+{
+    return m_version < kFirstWithoutRecycleBin;
+}
+
+void ReceiverFiles::SetFetchedFolders(std::vector<std::filesystem::path> folders)
+{
+    m_fetchedFolders = std::move(folders);
+}
+
+void ReceiverFiles::ShowWaitCursor(bool on)
+{
+    if (on != m_waitCursor) {
+        m_waitCursor = on;
+        m_command.GetHost().ShowWaitCursor(on);
+    }
+}
+
+// Listing.
+
+int ReceiverFiles::GetFileData(MessageTarget& window)
+{
+    if (m_rows != nullptr) {
+        m_rows->Clear();
+    }
+    m_nextRow = 0;
+    m_logging = 0;
+    ++m_openListings;
+    ShowWaitCursor(true);
+    if (Family() == ReceiverFamily::Pica) {
+        return m_command.RequestFiles_Pica(m_mode, m_typeNumber, m_table, &window);
+    }
+    return m_command.RequestFiles_Lark(stGetSearchName(), m_table, &window);
+}
+
+int ReceiverFiles::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
+{
+    if (wParam != 0) {
+        m_openListings = std::max(m_openListings - 1, 0);
+        if (m_openListings == 0) {
+            if (m_rows != nullptr) {
+                m_rows->Redraw();
+            }
+            ShowWaitCursor(false);
+        }
+        return 0;
+    }
+    const bool ofLastListing = m_openListings <= 1;
+    if (ofLastListing && lParam >= 0 && lParam < static_cast<std::intptr_t>(kMostFiles)) {
+        InsertRow(static_cast<std::size_t>(lParam));
+    }
+    return 0;
+}
+
+void ReceiverFiles::InsertRow(std::size_t index)
+{
+    const DirectoryListingData& record = m_table[index];
+    const bool logging = GetFileAttr(static_cast<int>(index), 1) != 0;
+    if (m_rows != nullptr) {
+        FileRow row;
+        row.name = stCreateName(record.Name());
+        row.date = stCreateTime(record.time);
+        row.size = stCreateSize(record.size);
+        row.icon = m_mode == Recycled ? FileRow::Recycled
+                   : logging          ? FileRow::Logging
+                                      : FileRow::Live;
+        row.fetched = m_mode == Live && IsFetched(record, row);
+        // Somebody may have taken rows away since the listing began.
+        m_nextRow = std::min(m_nextRow, m_rows->Count());
+        m_rows->Insert(m_nextRow, row);
+        ++m_nextRow;
+    }
+    if (index == 0) {
+        m_logging = 0;
+    }
+    if (logging) {
+        m_logging = 1;
+    }
+}
+
+bool ReceiverFiles::IsFetched(const DirectoryListingData& record, const FileRow& row) const
+{
+    return std::any_of(m_fetchedFolders.begin(), m_fetchedFolders.end(), [&](const auto& folder) {
+        return IsFetchedFile(folder, row.date, record.Name(), record.size);
+    });
+}
+
+int ReceiverFiles::GetFileAttr(int index, int byRecord)
+{
+    const bool isPica = Family() == ReceiverFamily::Pica;
+    if (byRecord == 0) {
+        return isPica ? GetFileAttr_Pica(index) : GetFileAttr_Lark(index);
+    }
+    if (index < 0 || index >= static_cast<int>(kMostFiles)) {
+        return 0;
+    }
+    const std::uint8_t attributes = m_table[static_cast<std::size_t>(index)].attributes;
+    return isPica ? (attributes & DirectoryListingData::BeingLogged) != 0 ? 1 : 0 : attributes;
+}
+
+int ReceiverFiles::GetFileAttr_Pica(int row) const
+{
+    const DirectoryListingData* const record = FindRecord(m_rows->Name(row));
+    return record != nullptr && (record->attributes & DirectoryListingData::BeingLogged) != 0 ? 1
+                                                                                              : 0;
+}
+
+int ReceiverFiles::GetFileAttr_Lark(int row)
+{
+    std::wstring name = m_rows->Name(row);
+    stAddExtension(m_mode, name);
+    const DirectoryListingData* const record = FindRecord(name);
+    return record != nullptr ? record->attributes : 0;
+}
+
+// Names.
+
+void ReceiverFiles::stAddExtension(int which, std::wstring& name)
+{
+    CRecvInfo info;
+    const bool wasRead = info.GetOptionData(m_command) == 1;
+    if (!wasRead && m_command.Fault() == CommandFault::Cancelled) {
+        m_cancelled = true;
+    }
+    const bool q02Format = wasRead && info.GetQ02Format() != 0;
+    name += FileExtension(q02Format, m_version, which != 0);
+}
+
+void ReceiverFiles::stAddExtension(std::wstring_view base, std::wstring& live,
+                                   std::wstring& deleted)
+{
+    live = base;
+    stAddExtension(1, live);
+    deleted = base;
+    stAddExtension(0, deleted);
+}
+
+std::wstring ReceiverFiles::stGetSearchName()
+{
+    std::wstring pattern = L"*";
+    stAddExtension(m_mode, pattern);
+    return pattern;
+}
+
+std::wstring ReceiverFiles::stCreateName(std::wstring_view recordName)
+{
+    return FileRowName(recordName);
+}
+
+std::wstring ReceiverFiles::stCreateTime(std::uint32_t seconds)
+{
+    return FileDateText(seconds);
+}
+
+std::wstring ReceiverFiles::stCreateSize(double bytes)
+{
+    return FileSizeText(bytes);
+}
+
+const DirectoryListingData* ReceiverFiles::FindRecord(std::wstring_view name) const
+{
+    const auto found = std::find_if(m_table.begin(), m_table.end(),
+                                    [name](const auto& record) { return record.Name() == name; });
+    return found != m_table.end() ? &*found : nullptr;
+}
+
+const DirectoryListingData* ReceiverFiles::stGetFileData(int row)
+{
+    std::wstring name = m_rows->Name(row);
+    stAddExtension(1, name);
+    return FindRecord(name);
+}
+
+std::uint16_t ReceiverFiles::GetFileIndex_Pica(int row) const
+{
+    const DirectoryListingData* const record = FindRecord(m_rows->Name(row));
+    return record != nullptr ? record->fileIndex : kNoFileIndex;
+}
+
+} // namespace fieldcore

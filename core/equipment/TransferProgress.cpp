@@ -1,0 +1,69 @@
+#include "core/equipment/TransferProgress.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+constexpr Seconds kMeasureEvery{0.25};
+constexpr Seconds kSmoothing{3.0};   // how long a change of the rate takes to show
+constexpr double kLongestLeft = 1e9; // seconds
+
+} // namespace
+
+TransferMeter::TransferMeter(const Clock& clock, int files, std::uint64_t totalSize)
+    : m_clock(clock), m_measured(clock.Steady())
+{
+    m_progress.files = files;
+    m_progress.totalSize = totalSize;
+}
+
+void TransferMeter::StartFile(std::wstring name, std::uint64_t size)
+{
+    m_finishedBytes = m_progress.totalBytes;
+    ++m_progress.file;
+    m_progress.name = std::move(name);
+    m_progress.fileBytes = 0;
+    m_progress.fileSize = size;
+    // What passes between two files (questions, options, a rename) is not the line's rate.
+    m_measured = m_clock.Steady();
+    m_measuredBytes = m_progress.totalBytes;
+}
+
+void TransferMeter::Advance(std::uint64_t bytes)
+{
+    m_progress.fileBytes = bytes;
+    m_progress.totalBytes = m_finishedBytes + bytes;
+    Measure();
+    const std::uint64_t left =
+        m_progress.totalSize - std::min(m_progress.totalSize, m_progress.totalBytes);
+    if (m_progress.bytesPerSecond > 0.0) {
+        const double seconds = static_cast<double>(left) / m_progress.bytesPerSecond;
+        m_progress.timeLeft =
+            std::chrono::seconds(std::llround(std::ceil(std::min(seconds, kLongestLeft))));
+    }
+}
+
+void TransferMeter::Measure()
+{
+    const Clock::Duration now = m_clock.Steady();
+    const Seconds passed = now - m_measured;
+    if (passed < kMeasureEvery) {
+        return;
+    }
+    const double rate =
+        static_cast<double>(m_progress.totalBytes - m_measuredBytes) / passed.count();
+    // An exponential mean over unequal intervals.
+    const double weight =
+        m_progress.bytesPerSecond > 0.0 ? 1.0 - std::exp(-passed / kSmoothing) : 1.0;
+    m_progress.bytesPerSecond += weight * (rate - m_progress.bytesPerSecond);
+    m_measured = now;
+    m_measuredBytes = m_progress.totalBytes;
+}
+
+} // namespace fieldcore

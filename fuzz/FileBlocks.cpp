@@ -1,0 +1,101 @@
+// A row of file blocks, any bytes: the file never grows beyond its announced size, and holds
+// exactly what the blocks that were taken said.
+
+#include "core/link/FileReplies.h"
+#include "core/link/ReceivedFile.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <string_view>
+
+using namespace fieldcore;
+
+namespace {
+
+void Check(bool holds)
+{
+    if (!holds) {
+        std::abort();
+    }
+}
+
+/// Counts what is written, and writes nothing.
+class CountingOperations final : public FileOperations
+{
+public:
+    std::error_code Open(const std::filesystem::path&, const std::filesystem::path&,
+                         int& handle) override
+    {
+        handle = 1;
+        return {};
+    }
+    std::error_code Write(int, std::string_view bytes) override
+    {
+        written += bytes.size();
+        return {};
+    }
+    std::error_code Sync(int) override { return {}; }
+    void Close(int) override {}
+    std::error_code Rename(const std::filesystem::path&, const std::filesystem::path&) override
+    {
+        renamed = true;
+        return {};
+    }
+    std::error_code SyncFolder(const std::filesystem::path&) override { return {}; }
+    void Remove(const std::filesystem::path&) override {}
+
+    std::size_t written = 0;
+    bool renamed = false;
+};
+
+} // namespace
+
+/// The first two bytes are the announced size; then blocks, each with its length in two bytes.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    std::span<const std::uint8_t> input(data, size);
+    const auto takeWord = [&] {
+        const std::size_t value = input.size() >= 2 ? input[0] * 256U + input[1] : 0U;
+        input = input.subspan(std::min<std::size_t>(input.size(), 2));
+        return value;
+    };
+    const auto expected = static_cast<std::uint32_t>(takeWord());
+    CountingOperations operations;
+    // The folder is there: none is made.
+    ReceivedFile file(".", L"A.Q01", expected, operations);
+    if (!file.Open()) {
+        return 0;
+    }
+    FrameBuffer frame;
+    while (!input.empty()) {
+        const std::size_t announced = takeWord();
+        const std::size_t length = std::min(announced, input.size());
+        frame.Load(input.first(length));
+        input = input.subspan(length);
+        const auto block = ParseFileBlock(frame);
+        if (!block) {
+            continue;
+        }
+        Check(block->bytes.size() <= 1000);
+        const std::uint32_t before = file.Offset();
+        const ReceivedFile::Verdict verdict = file.Take(*block);
+        const bool taken =
+            verdict == ReceivedFile::Verdict::More || verdict == ReceivedFile::Verdict::Whole;
+        Check(!taken || (block->offset == before && file.Offset() == before + block->bytes.size()));
+        Check(taken || file.Offset() == before);
+        Check(verdict != ReceivedFile::Verdict::More || file.Offset() > before);
+        Check(file.Offset() <= expected && operations.written == file.Offset());
+        if (verdict == ReceivedFile::Verdict::Whole) {
+            Check(file.Finish() == (file.Offset() == expected));
+            Check(operations.renamed == (file.Offset() == expected));
+            return 0;
+        }
+        if (verdict == ReceivedFile::Verdict::Ended) {
+            return 0;
+        }
+    }
+    return 0;
+}

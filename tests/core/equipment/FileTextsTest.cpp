@@ -1,0 +1,125 @@
+#include "core/equipment/FileTexts.h"
+
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+constexpr std::uint32_t kDay = 86400;
+constexpr std::uint32_t kFirstOf2000 = 7300 * kDay; // 7300 days after 1980-01-06
+
+TEST(FileTexts, DatesAndTheirFolders)
+{
+    struct Row
+    {
+        std::uint32_t seconds;
+        std::wstring_view text;
+        std::wstring_view folder;
+    };
+    const Row rows[] = {
+        {0, L"80/01/06", L"1980-01-06"},
+        {kFirstOf2000 - 1, L"99/12/31", L"1999-12-31"},
+        {kFirstOf2000, L"00/01/01", L"2000-01-01"},
+        {kFirstOf2000 + 5955 * kDay + kDay - 1, L"16/04/21", L"2016-04-21"},
+        {kFirstOf2000 + 59 * kDay, L"00/02/29", L"2000-02-29"},
+        // 80 leap-yearless decades on: 29220 days are 80 years with 20 leap days.
+        {kFirstOf2000 + 29220 * kDay, L"80/01/01", L"1980-01-01"},
+        {kFirstOf2000 + 36525 * kDay, L"100/01/01", L"2000-01-01"},
+        {0xFFFFFFFF, L"116/02/12", L"2016-02-12"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.seconds);
+        EXPECT_EQ(FileDateText(row.seconds), row.text);
+        EXPECT_EQ(DateFolderName(row.text), row.folder);
+    }
+    for (const std::wstring_view text : {L"", L"1/2/3", L"../04/21", L"16-04-21", L"16/ab/21",
+                                         L"16/04/..", L"/4/04/21", L"16/04/2/"}) {
+        EXPECT_EQ(DateFolderName(text), L"") << "no folder from " << ::testing::PrintToString(text);
+    }
+}
+
+TEST(FileTexts, SizesOfAFile)
+{
+    struct Row
+    {
+        double bytes;
+        std::wstring_view text;
+    };
+    const Row rows[] = {
+        {0, L"0.0"},
+        {1024, L"1.0"},
+        {-1536, L"1.5"},
+        {999.94 * 1024, L"999.9"},
+        {999.96 * 1024, L"1000.0"}, // still kilobytes: the number decides, not its rounding
+        {1000.0 * 1024, L"1.0M"},
+        {1024.0 * 1024 * 9.96, L"10.0M"},
+        {4294967295.0, L"4096.0M"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.bytes);
+        EXPECT_EQ(FileSizeText(row.bytes), row.text);
+    }
+}
+
+TEST(FileTexts, NamesAndExtensions)
+{
+    EXPECT_EQ(FileRowName(L"A0314A00.Q01"), L"A0314A00");
+    EXPECT_EQ(FileRowName(L"A.B.Q01"), L"A");
+    EXPECT_EQ(FileRowName(L"ABCDEFGHIJKLMNOP"), L"ABCDEFGHIJKLMN");
+    EXPECT_EQ(FileRowName(L".Q01"), L"");
+    struct Row
+    {
+        bool q02;
+        double version;
+        std::wstring_view live;
+        std::wstring_view deleted;
+    };
+    const Row rows[] = {
+        {false, 0.0, L".Q01", L".Q1D"}, {false, 0.99, L".Q01", L".Q1D"},
+        {false, 1.0, L".Q00", L".Q0D"}, {false, 1.99, L".Q00", L".Q0D"},
+        {false, 2.0, L".Q01", L".Q1D"}, {true, 1.5, L".Q02", L".Q02"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.version);
+        EXPECT_EQ(FileExtension(row.q02, row.version, true), row.live);
+        EXPECT_EQ(FileExtension(row.q02, row.version, false), row.deleted);
+    }
+}
+
+TEST(FileTexts, SummaryOfADownload)
+{
+    const std::pair<std::uint64_t, std::wstring_view> sizes[] = {
+        {0, L"1 KB未満"},      {1023, L"1 KB未満"},
+        {1024, L"約 1 KB"},    {1535, L"約 1 KB"},
+        {1536, L"約 2 KB"},    {1048575, L"約 1024 KB"},
+        {1048576, L"約 1 MB"}, {1572863, L"約 1 MB"},
+        {1572864, L"約 2 MB"}, {512ULL << 32, L"約 2097152 MB"},
+    };
+    for (const auto& [bytes, text] : sizes) {
+        EXPECT_EQ(TotalSizeText(bytes), text) << bytes;
+    }
+    struct Row
+    {
+        std::uint64_t bytes;
+        std::uint32_t rate;
+        std::wstring_view text;
+    };
+    const Row times[] = {
+        {9599, 9600, L"10 秒未満"},
+        {9600, 9600, L"約 20 秒"},
+        {9600, 0, L"約 20 秒"},
+        {47999, 9600, L"約 50 秒"},
+        {48000, 9600, L"約 1 分"},
+        {57600, 9600, L"約 2 分"},
+        {512ULL << 32, 262144, L"約 1398102 分"}, // 83886080 s
+    };
+    for (const Row& row : times) {
+        EXPECT_EQ(TransferTimeText(row.bytes, row.rate), row.text) << row.bytes;
+    }
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,163 @@
+#pragma once
+
+#include "core/equipment/ReceiverFiles.h"
+#include "core/link/Command.h"
+#include "core/platform/FastClock.h"
+#include "tests/core/link/FileServer.h"
+
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::testing {
+
+/// Keeps the questions and plays the answers.
+class RecordingHost : public Host
+{
+public:
+    struct Box
+    {
+        std::wstring text;
+        std::wstring caption;
+        BoxButtons buttons;
+        BoxIcon icon;
+        bool operator==(const Box&) const = default;
+    };
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
+                          BoxStyle style) override
+    {
+        boxes.push_back({std::wstring(text), std::wstring(caption), style.buttons, style.icon});
+        return answer;
+    }
+    void ShowWaitCursor(bool on) override { waitCursors += on ? 1 : -1; }
+    bool Breathe() override { return !std::exchange(cancel, false); }
+
+    std::vector<Box> boxes;
+    BoxAnswer answer = BoxAnswer::Yes;
+    int waitCursors = 0;
+    bool cancel = false;
+};
+
+/// A receiver that answers what the file manager asks, by hand: its listing pages are given by
+/// the test, files by their names.
+struct ReceiverScript
+{
+    int typeCode = 31;             ///< 31 is a Lark, 27 the second Pica
+    std::string version = "00369"; ///< hundredths
+    std::vector<Bytes> records;
+    std::map<std::string, Bytes> files; ///< that FileExists finds and the download delivers
+    std::set<std::string> refused;      ///< names and indexes that are answered by NAK
+
+    ScriptedReceiver::Answer operator()(const Bytes& request) const;
+
+    [[nodiscard]] static std::string NameOf(const Bytes& request)
+    {
+        std::string name(request.begin() + 4, request.begin() + 18);
+        return name.substr(0, name.find_last_not_of(' ') + 1);
+    }
+};
+
+inline ScriptedReceiver::Answer ReceiverScript::operator()(const Bytes& request) const
+{
+    switch (request[2]) {
+    case 0x06:
+        return {Frame(0x07, Field("00000001VX1     " + version + version + version, 54))};
+    case 0x4A: {
+        Bytes data(49);
+        data[44] = static_cast<std::uint8_t>(typeCode);
+        return {Frame(0x4B, data)};
+    }
+    case 0x79:
+        return {Page(0x79, request[4], records)};
+    case 0x96: {
+        const auto file = files.find(NameOf(request));
+        if (file == files.end()) {
+            return {Block(0, 3, {})};
+        }
+        Bytes all;
+        for (const Bytes& block : Blocks(file->second, WantedOffset(request))) {
+            all.insert(all.end(), block.begin(), block.end());
+        }
+        return {all};
+    }
+    case 0x9C: {
+        const std::string name = NameOf(request);
+        if (name.starts_with("*")) {
+            return {Page(0x9D, 0x80, records)};
+        }
+        return {files.contains(name) ? Page(0x9D, 0x80, {LarkRecord(name, 1)})
+                                     : Page(0x9D, 0x80, {})};
+    }
+    case 0xA0:
+    case 0xA1:
+        return {{refused.contains(NameOf(request)) ? kNak : kAck}};
+    default:
+        return {{kAck}};
+    }
+}
+
+/// The file manager over a scripted receiver. Messages arrive at once.
+class FilesTest : public ::testing::Test, protected MessageTarget
+{
+protected:
+    void Start(const ReceiverScript& script, int mode = ReceiverFiles::Live)
+    {
+        command.ClosePort();
+        receiver = std::make_unique<ScriptedReceiver>(script);
+        PortSettings settings;
+        settings.replyTimeout = std::chrono::seconds(10);
+        ASSERT_EQ(command.OpenPort(receiver->Path(), settings), 1) << command.LastError();
+        host.boxes.clear();
+        files = std::make_unique<ReceiverFiles>(command);
+        files->SetRows(&rows);
+        ASSERT_EQ(files->OpenConnected(), 1) << command.LastError();
+        files->SetMode(mode);
+        ASSERT_EQ(files->GetFileData(*this), 1) << command.LastError();
+    }
+    void Post(unsigned, std::intptr_t wParam, std::intptr_t lParam) override
+    {
+        files->OnRecvFileList(wParam, lParam);
+    }
+    /// What was sent that changes or fetches something, in words: "A0 NAME", "60 4".
+    std::vector<std::string> Sent()
+    {
+        command.ClosePort();
+        std::vector<std::string> sent;
+        for (const Bytes& request : receiver->Stop()) {
+            char type[4];
+            std::snprintf(type, sizeof type, "%02X ", request[2]);
+            switch (request[2]) {
+            case 0x60:
+            case 0x68:
+                sent.push_back(type + std::to_string(request[4] << 8 | request[5]));
+                break;
+            case 0x9C:
+            case 0x96:
+            case 0xA0:
+            case 0xA1:
+                sent.push_back(type + ReceiverScript::NameOf(request));
+                break;
+            default:
+                break;
+            }
+        }
+        return sent;
+    }
+
+    FastClock clock{50.0};
+    RecordingHost host;
+    CCommand command{{&host, &clock, nullptr, nullptr}};
+    std::unique_ptr<ScriptedReceiver> receiver;
+    FileRowList rows;
+    std::unique_ptr<ReceiverFiles> files;
+};
+
+} // namespace fieldcore::testing

@@ -1,0 +1,205 @@
+#include "core/equipment/ReceiverFiles.h"
+
+#include "core/link/Connect.h"
+#include "tests/core/equipment/FilesFixture.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <array>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using testing::FilesTest;
+using testing::LarkRecord;
+using testing::PicaRecord;
+using testing::ReceiverScript;
+using testing::ScriptedReceiver;
+
+const testing::Bytes kDay{0x07, 0xEA, 3, 14, 20, 30}; // 2026-03-14 20:30 UTC: the 15th
+
+class ReceiverFilesTest : public FilesTest
+{};
+
+TEST_F(ReceiverFilesTest, ListsEachFamilyInItsManner)
+{
+    ReceiverScript lark;
+    lark.records = {LarkRecord("A.Q01", 2048, 0, 86400), LarkRecord("B.C.Q01", 3 << 20, 7)};
+    Start(lark);
+    ASSERT_EQ(rows.Count(), 2);
+    EXPECT_EQ(rows.Name(0), L"A");
+    EXPECT_EQ(rows.Date(0), L"80/01/07");
+    EXPECT_EQ(rows.At(0).size, L"2.0");
+    EXPECT_EQ(rows.At(0).icon, FileRow::Live);
+    EXPECT_EQ(rows.Name(1), L"B");
+    EXPECT_EQ(rows.At(1).size, L"3.0M");
+    EXPECT_EQ(rows.At(1).icon, FileRow::Logging);
+    EXPECT_EQ(files->GetLogging(), 1);
+    EXPECT_EQ(files->GetFileAttr(1, 1), 7) << "a Lark's attributes as they are";
+    EXPECT_EQ(files->GetFileAttr(1, 0), 0) << "no record is called B.Q01";
+    EXPECT_EQ(files->GetFileAttr(-1, 1), 0);
+    EXPECT_EQ(files->GetFileAttr(512, 1), 0);
+    EXPECT_EQ(host.waitCursors, 0);
+
+    lark.records = {LarkRecord("A.Q1D", 1, 1)};
+    Start(lark, ReceiverFiles::Recycled);
+    EXPECT_EQ(rows.At(0).icon, FileRow::Recycled) << "of the bin, whatever its attributes";
+    EXPECT_EQ(Sent(), std::vector<std::string>{"9C *.Q1D"});
+
+    ReceiverScript pica;
+    pica.typeCode = 27;
+    pica.records = {PicaRecord(9, "HIDDEN", 1, kDay), PicaRecord(300, "A0314A00", 0x20, kDay),
+                    PicaRecord(7, "A0314A01", 0, kDay)};
+    Start(pica);
+    ASSERT_EQ(rows.Count(), 2);
+    EXPECT_EQ(rows.Date(0), L"26/03/15");
+    EXPECT_EQ(rows.At(0).icon, FileRow::Logging);
+    EXPECT_EQ(files->GetFileAttr(0, 0), 1);
+    EXPECT_EQ(files->GetFileAttr(1, 1), 1) << "record 1 is row 0";
+    EXPECT_EQ(files->GetFileIndex_Pica(0), 300);
+    EXPECT_EQ(files->GetFileIndex_Pica(1), 7);
+}
+
+TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
+{
+    struct Row
+    {
+        const char* label;
+        int typeCode;
+        const char* version;
+        bool recyclePage;
+        bool download;
+        std::string_view live; ///< pattern of a Lark
+    };
+    const Row table[] = {
+        {"Lark 3.69", 31, "00369", true, true, "9C *.Q01"},
+        {"Lark 3.7", 31, "00370", false, true, "9C *.Q01"},
+        {"Lark 4.43, newer format", 31, "00443", false, true, "9C *.Q02"},
+        {"Lark 1.0", 31, "00100", true, true, "9C *.Q00"},
+        {"Lark 2.0", 31, "00200", true, true, "9C *.Q01"},
+        {"newer format whatever the version", 'G', "00150", true, true, "9C *.Q02"},
+        {"first Pica", 200, "00369", true, false, ""},
+        {"second Pica", 27, "00369", true, false, ""},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.label);
+        ReceiverScript script;
+        script.typeCode = row.typeCode;
+        script.version = row.version;
+        Start(script);
+        EXPECT_EQ(files->HasRecyclePage(), row.recyclePage);
+        EXPECT_EQ(files->ShowsDeleteNote(), !row.recyclePage);
+        EXPECT_EQ(files->CanDownload(), row.download);
+        EXPECT_EQ(files->CanDeleteRecycled(), row.download);
+        const auto sent = Sent();
+        EXPECT_EQ(sent.empty() ? "" : sent.front(), row.live);
+    }
+}
+
+TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
+{
+    const std::pair<int, int> types[] = {
+        {31, ReceiverFiles::Opened},    {27, ReceiverFiles::Opened},
+        {'r', ReceiverFiles::Opened},   {7, ReceiverFiles::NotOpened},
+        {24, ReceiverFiles::NotOpened}, {6, ReceiverFiles::NotOpened},
+    };
+    for (const auto& [code, result] : types) {
+        SCOPED_TRACE(code);
+        ReceiverScript script;
+        script.typeCode = code;
+        ScriptedReceiver far(script);
+        PortSettings settings;
+        settings.replyTimeout = std::chrono::seconds(10);
+        ASSERT_EQ(command.OpenPort(far.Path(), settings), 1);
+        CConnect connect(command, 0, {}); // the port is open: it has nothing to ask
+        ReceiverFiles opened(command);
+        EXPECT_EQ(opened.Open(connect), result);
+        EXPECT_EQ(command.IsPortOpen(), result == ReceiverFiles::Opened ? 1 : 0);
+        command.ClosePort();
+    }
+    CConnect refused(command, 0, {});
+    host.answer = BoxAnswer::Cancel;
+    ReceiverFiles opened(command);
+    EXPECT_EQ(opened.Open(refused), ReceiverFiles::NotOpened);
+}
+
+TEST_F(ReceiverFilesTest, ClosingFollowsTheAnswer)
+{
+    struct Row
+    {
+        int answer;
+        int closes;
+        bool powersOff;
+    };
+    for (const Row& row : {Row{1, 1, false}, Row{2, 0, false}, Row{3, 1, true}, Row{0, 1, true}}) {
+        SCOPED_TRACE(row.answer);
+        Start(ReceiverScript{});
+        EXPECT_EQ(files->CheckIDCANCEL(row.answer), row.closes);
+        EXPECT_EQ(command.IsPortOpen(), row.closes == 1 ? 0 : 1);
+        command.ClosePort();
+        const auto requests = receiver->Stop();
+        EXPECT_EQ(requests.back()[2] == 0x84, row.powersOff);
+    }
+}
+
+/// Keeps messages back, as a window does.
+class QueueingTarget : public MessageTarget
+{
+public:
+    void Post(unsigned, std::intptr_t wParam, std::intptr_t lParam) override
+    {
+        queue.emplace_back(wParam, lParam);
+    }
+    std::vector<std::pair<std::intptr_t, std::intptr_t>> queue;
+};
+
+TEST_F(ReceiverFilesTest, WhatIsLeftOfAnEarlierListingIsIgnored)
+{
+    ReceiverScript script;
+    script.records = {LarkRecord("A.Q01", 1), LarkRecord("B.Q01", 1)};
+    Start(script);
+    QueueingTarget window;
+    ASSERT_EQ(files->GetFileData(window), 1);
+    ASSERT_EQ(files->GetFileData(window), 1);
+    EXPECT_EQ(host.waitCursors, 1);
+    for (const auto& [wParam, lParam] : window.queue) {
+        EXPECT_TRUE(files->IsListing());
+        files->OnRecvFileList(wParam, lParam);
+    }
+    EXPECT_EQ(rows.Count(), 2) << "not twice";
+    EXPECT_EQ(host.waitCursors, 0);
+    files->OnRecvFileList(0, 512);
+    files->OnRecvFileList(0, -1);
+    EXPECT_EQ(rows.Count(), 2);
+    // A manager that goes before its listing ended leaves no wait cursor behind.
+    ASSERT_EQ(files->GetFileData(window), 1);
+    files.reset();
+    EXPECT_EQ(host.waitCursors, 0);
+}
+
+TEST_F(ReceiverFilesTest, MarksWhatWasFetched)
+{
+    const TemporaryFolder folder;
+    folder.Write("plain/A.Q01", "12345");
+    folder.Write("dated/1980-01-07/B.Q01", "12345");
+    folder.Write("dated/1980-01-08/C.Q01", "12345"); // of another day
+    folder.Write("plain/D.Q01", "1234");             // of another size
+    std::filesystem::create_directories(folder.Path() / "plain" / "E.Q01");
+    ReceiverScript script;
+    for (const char* name : {"A.Q01", "B.Q01", "C.Q01", "D.Q01", "E.Q01", "F.Q01", "../A.Q01"}) {
+        script.records.push_back(LarkRecord(name, 5, 0, 86400));
+    }
+    Start(script);
+    files->SetFetchedFolders({folder.Path() / "plain", folder.Path() / "dated", "", "/nowhere"});
+    files->GetFileData(*this);
+    constexpr std::array kFetched{true, true, false, false, false, false, false};
+    ASSERT_EQ(rows.Count(), 7);
+    for (int row = 0; row < 7; ++row) {
+        EXPECT_EQ(rows.At(row).fetched, kFetched.at(static_cast<std::size_t>(row))) << row;
+    }
+}
+
+} // namespace
+} // namespace fieldcore

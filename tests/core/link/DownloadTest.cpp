@@ -1,0 +1,468 @@
+#include "core/link/Command.h"
+
+#include "core/platform/FastClock.h"
+#include "tests/core/link/FileServer.h"
+#include "tests/core/link/HostileNames.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <atomic>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using testing::Block;
+using testing::Blocks;
+using testing::Bytes;
+using testing::ScriptedReceiver;
+
+constexpr std::size_t kBlocks = 8;
+constexpr std::size_t kSize = kBlocks * testing::kBlockBytes - 300;
+constexpr int kRounds = 20;
+
+enum class Damage
+{
+    None,
+    Checksum,
+    Offset,
+    Length,
+    Lost,
+    Repeated,
+    Empty,
+    Garbage,
+    Silence, ///< nothing from here on
+};
+
+/// A receiver with one file, which damages one of its blocks so many times.
+class FileServer
+{
+public:
+    ScriptedReceiver::Answer operator()(const Bytes& request)
+    {
+        if (request[2] == 0x08) {
+            return {testing::Frame(0x09, testing::Ascii("1008000080 1.85    10"))};
+        }
+        if (request[2] != 0x96) {
+            return {{testing::kAck}};
+        }
+        Bytes all;
+        std::size_t number = testing::WantedOffset(request) / testing::kBlockBytes;
+        for (Bytes block : Blocks(content, testing::WantedOffset(request))) {
+            const bool hit = number++ == at && times > 0;
+            times -= hit ? 1 : 0;
+            if (hit && damage == Damage::Silence) {
+                break;
+            }
+            Append(all, hit ? Damaged(std::move(block)) : block);
+        }
+        return {all};
+    }
+
+    Bytes content = testing::Content(kSize);
+    Damage damage = Damage::None;
+    std::size_t at = 0; ///< block
+    int times = 0;
+
+private:
+    static void Append(Bytes& all, const Bytes& more)
+    {
+        all.insert(all.end(), more.begin(), more.end());
+    }
+    [[nodiscard]] Bytes Damaged(Bytes block) const
+    {
+        switch (damage) {
+        case Damage::Checksum:
+            block[20] ^= 0x10;
+            return block;
+        case Damage::Offset:
+            block[8] ^= 0x01; // the checksum is right all the same
+            return Block(testing::NumberAt(block, 5), block[9],
+                         Bytes(block.begin() + 10, block.end() - 2));
+        case Damage::Length:
+            block[3] ^= 0x01;
+            return block;
+        case Damage::Repeated:
+            return testing::Joined({block, block});
+        case Damage::Empty:
+            return Block(testing::NumberAt(block, 5), 0, {});
+        case Damage::Garbage:
+            return testing::Joined({Bytes{0x55, 0x02, 0x00, 0x95, 0x02, 0x10}, block});
+        case Damage::None:
+        case Damage::Lost:
+        case Damage::Silence:
+            break;
+        }
+        return {};
+    }
+};
+
+std::optional<Bytes> Read(const fs::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        return std::nullopt;
+    }
+    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    return testing::Ascii(text);
+}
+
+/// Lets the n-th call of one kind fail.
+class FailingOperations final : public FileOperations
+{
+public:
+    enum class Call
+    {
+        None,
+        Open,
+        Write,
+        Sync,
+        Rename,
+    };
+    std::error_code Open(const fs::path& file, const fs::path& like, int& handle) override
+    {
+        return Fails(Call::Open) ? kFull : m_real.Open(file, like, handle);
+    }
+    std::error_code Write(int handle, std::string_view bytes) override
+    {
+        return Fails(Call::Write) ? kFull : m_real.Write(handle, bytes);
+    }
+    std::error_code Sync(int handle) override
+    {
+        return Fails(Call::Sync) ? kFull : m_real.Sync(handle);
+    }
+    void Close(int handle) override { m_real.Close(handle); }
+    std::error_code Rename(const fs::path& from, const fs::path& to) override
+    {
+        return Fails(Call::Rename) ? kFull : m_real.Rename(from, to);
+    }
+    std::error_code SyncFolder(const fs::path& folder) override
+    {
+        return m_real.SyncFolder(folder);
+    }
+    void Remove(const fs::path& file) override { m_real.Remove(file); }
+
+    const std::error_code kFull = std::make_error_code(std::errc::no_space_on_device);
+    Call failing = Call::None;
+    int after = 0; ///< calls that succeed first
+
+private:
+    bool Fails(Call call) { return call == failing && after-- <= 0; }
+
+    PosixFileOperations m_real;
+};
+
+class BreathingHost : public Host
+{
+public:
+    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
+    {
+        return BoxAnswer::Ok;
+    }
+    bool Breathe() override { return !std::exchange(cancel, false); }
+
+    bool cancel = false;
+};
+
+class DownloadTest : public ::testing::Test
+{
+protected:
+    void Open(const ScriptedReceiver& receiver)
+    {
+        PortSettings settings;
+        settings.replyTimeout = 2s;
+        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1) << command.LastError();
+    }
+    std::int64_t Download(std::uint32_t size = kSize,
+                          const FileCommands::BytesArrived& arrived = {})
+    {
+        return command.DownloadFile(folder.Path() / "day", L"A.Q01", size, arrived);
+    }
+    [[nodiscard]] fs::path File() const { return folder.Path() / "day" / "A.Q01"; }
+    [[nodiscard]] fs::path Part() const { return folder.Path() / "day" / "A.Q01.part"; }
+    /// The next exchange gets its own answer.
+    void ExpectCleanLine()
+    {
+        StatusReply status;
+        EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
+    }
+    static std::size_t Count(const std::vector<Bytes>& requests, std::uint8_t type)
+    {
+        std::size_t count = 0;
+        for (const Bytes& request : requests) {
+            count += request[2] == type ? 1 : 0;
+        }
+        return count;
+    }
+
+    FastClock clock{50.0};
+    BreathingHost host;
+    CCommand command{{&host, &clock, nullptr, nullptr}};
+    TemporaryFolder folder;
+};
+
+TEST_F(DownloadTest, MakesGoodWhatIsDamaged)
+{
+    struct Row
+    {
+        const char* fault;
+        Damage damage;
+        int times;
+        bool arrives;
+        std::size_t asks; ///< 0: as it comes
+    };
+    const Row rows[] = {
+        {"nothing", Damage::None, 0, true, 1},
+        {"checksum", Damage::Checksum, 1, true, 2},
+        {"offset", Damage::Offset, 1, true, 2},
+        {"length", Damage::Length, 1, true, 0},
+        {"lost", Damage::Lost, 1, true, 2},
+        {"repeated", Damage::Repeated, 1, true, 0},
+        {"without bytes", Damage::Empty, 1, true, 2},
+        {"garbage", Damage::Garbage, 1, true, 0},
+        {"silence", Damage::Silence, 1, true, 2},
+        {"three times", Damage::Checksum, 3, true, 4},
+        {"four times", Damage::Checksum, 4, false, 4},
+        {"silent for good", Damage::Silence, 100, false, 4},
+    };
+    const Bytes before = testing::Ascii("the file of yesterday");
+    for (const Row& row : rows) {
+        for (int round = 0; round < kRounds; ++round) {
+            SCOPED_TRACE(std::string(row.fault) + " " + std::to_string(round));
+            fs::remove_all(folder.Path() / "day");
+            folder.Write("day/A.Q01", "the file of yesterday");
+            FileServer server;
+            server.damage = row.damage;
+            server.times = row.times;
+            server.at = static_cast<std::size_t>(round) % kBlocks;
+            server.content.resize(kSize - static_cast<std::size_t>(round) * 13);
+            const Bytes content = server.content;
+            ScriptedReceiver receiver(server);
+            Open(receiver);
+            const std::int64_t bytes = Download(static_cast<std::uint32_t>(content.size()));
+            ExpectCleanLine();
+            command.ClosePort();
+            const std::size_t asks = Count(receiver.Stop(), 0x96);
+            if (row.asks != 0) {
+                EXPECT_EQ(asks, row.asks);
+            }
+            EXPECT_LE(asks, 8U);
+            if (row.arrives) {
+                EXPECT_EQ(bytes, static_cast<std::int64_t>(content.size())) << command.LastError();
+                EXPECT_EQ(Read(File()), content);
+                EXPECT_FALSE(fs::exists(Part()));
+            } else {
+                EXPECT_EQ(bytes, -1);
+                EXPECT_EQ(command.GetDownloadFault(), DownloadFault::Link);
+                EXPECT_EQ(Read(File()), before);
+                EXPECT_TRUE(fs::exists(Part()));
+            }
+            if (HasFailure()) {
+                return;
+            }
+        }
+    }
+}
+
+TEST_F(DownloadTest, TakesExactlyTheAnnouncedSize)
+{
+    struct Row
+    {
+        const char* fault;
+        std::size_t size;
+        std::uint32_t announced;
+        std::int64_t bytes;
+    };
+    const Row rows[] = {
+        {"empty", 0, 0, 0},
+        {"whole blocks", 3000, 3000, 3000},
+        {"one byte less than announced", 2999, 3000, 2999},
+        {"one byte more, in the last block", 3001, 3000, -1},
+        {"one byte more, behind the last block", 3501, 3500, -1},
+        {"announced as 4 GiB", 5000, 0xFFFFFFFF, 5000},
+        {"announced as nothing", 10, 0, -1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        fs::remove_all(folder.Path() / "day");
+        FileServer server;
+        server.content = testing::Content(row.size);
+        ScriptedReceiver receiver(server);
+        Open(receiver);
+        EXPECT_EQ(Download(row.announced), row.bytes) << command.LastError();
+        ExpectCleanLine();
+        const bool arrived = row.bytes == row.announced;
+        EXPECT_EQ(command.GetDownloadFault(),
+                  arrived ? DownloadFault::None : DownloadFault::WrongSize);
+        EXPECT_EQ(fs::exists(File()), arrived);
+        EXPECT_EQ(fs::exists(Part()), !arrived);
+        if (!arrived) {
+            EXPECT_LE(fs::file_size(Part()), row.announced);
+        }
+        command.ClosePort();
+    }
+}
+
+TEST_F(DownloadTest, SaysWhyTheReceiverDoesNotSend)
+{
+    struct Row
+    {
+        const char* fault;
+        Bytes answer;
+        DownloadFault why;
+    };
+    const Row rows[] = {
+        {"no such file", Block(0, 3, {}), DownloadFault::NoSuchFile},
+        {"being logged", Block(0, 5, {1, 2, 3}), DownloadFault::BeingLogged},
+        {"refused", {testing::kNak}, DownloadFault::Link},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        ScriptedReceiver receiver([&](const Bytes& request) {
+            return ScriptedReceiver::Answer{request[2] == 0x96 ? row.answer : Bytes{testing::kAck}};
+        });
+        Open(receiver);
+        EXPECT_EQ(Download(), -1);
+        EXPECT_EQ(command.GetDownloadFault(), row.why);
+        command.ClosePort();
+        EXPECT_EQ(Count(receiver.Stop(), 0x96), 1U);
+    }
+}
+
+TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
+{
+    using Call = FailingOperations::Call;
+    struct Row
+    {
+        const char* fault;
+        Call call;
+        DownloadFault why;
+    };
+    const Row rows[] = {
+        {"the file cannot be made", Call::Open, DownloadFault::Folder},
+        {"the disk is full", Call::Write, DownloadFault::Write},
+        {"the disk fails at the end", Call::Sync, DownloadFault::Write},
+        {"it cannot be renamed", Call::Rename, DownloadFault::Write},
+    };
+    const Bytes before = testing::Ascii("old");
+    for (const Row& row : rows) {
+        for (int round = 0; round < kRounds; ++round) {
+            SCOPED_TRACE(std::string(row.fault) + " " + std::to_string(round));
+            folder.Write("day/A.Q01", "old");
+            FailingOperations operations;
+            operations.failing = row.call;
+            operations.after = row.call == Call::Write ? round % static_cast<int>(kBlocks) : 0;
+            command.SetFileOperations(operations);
+            FileServer server;
+            ScriptedReceiver receiver(server);
+            Open(receiver);
+            EXPECT_EQ(Download(), -1);
+            EXPECT_EQ(command.GetDownloadFault(), row.why);
+            EXPECT_EQ(command.GetFileError(), operations.kFull);
+            EXPECT_EQ(Read(File()), before);
+            ExpectCleanLine();
+            command.ClosePort();
+            EXPECT_EQ(Count(receiver.Stop(), 0x5A), row.call == Call::Write ? 1U : 0U);
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
+TEST_F(DownloadTest, TheFolderMayVanishAndTheCableBePulled)
+{
+    for (const bool pulled : {false, true}) {
+        for (int round = 0; round < kRounds; ++round) {
+            SCOPED_TRACE(std::to_string(pulled) + " " + std::to_string(round));
+            const fs::path other = folder.Write("finished.Q01", "finished before");
+            FileServer server;
+            ScriptedReceiver receiver(server);
+            Open(receiver);
+            const auto at = static_cast<std::uint32_t>(1 + round % (kBlocks - 1));
+            const std::int64_t bytes = Download(kSize, [&](std::uint32_t arrived) {
+                if (arrived == at * testing::kBlockBytes && !pulled) {
+                    fs::remove_all(folder.Path() / "day");
+                } else if (arrived == at * testing::kBlockBytes) {
+                    receiver.Stop();
+                    receiver.End().HangUp();
+                }
+                return true;
+            });
+            // What the port had taken in before may be enough of a file that was nearly there.
+            EXPECT_TRUE(bytes == -1 || pulled);
+            EXPECT_EQ(fs::exists(File()), bytes == kSize);
+            EXPECT_EQ(Read(other), testing::Ascii("finished before"));
+            command.ClosePort();
+            fs::remove_all(folder.Path() / "day");
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
+TEST_F(DownloadTest, CancelsWithinOneBlock)
+{
+    for (const bool byHost : {false, true}) {
+        for (int round = 0; round < kRounds; ++round) {
+            SCOPED_TRACE(std::to_string(byHost) + " " + std::to_string(round));
+            FileServer server;
+            ScriptedReceiver receiver(server);
+            Open(receiver);
+            const auto at = static_cast<std::uint32_t>(1 + round % (kBlocks - 1));
+            std::uint32_t seen = 0;
+            EXPECT_EQ(Download(kSize,
+                               [&](std::uint32_t arrived) {
+                                   seen = arrived;
+                                   const bool now = arrived == at * testing::kBlockBytes;
+                                   host.cancel = byHost && now;
+                                   return byHost || !now;
+                               }),
+                      -1);
+            EXPECT_EQ(command.GetDownloadFault(), DownloadFault::Cancelled);
+            EXPECT_EQ(seen, at * testing::kBlockBytes) << "blocks were taken after the cancel";
+            EXPECT_EQ(fs::file_size(Part()), seen);
+            EXPECT_FALSE(fs::exists(File()));
+            ExpectCleanLine();
+            command.ClosePort();
+            EXPECT_EQ(Count(receiver.Stop(), 0x5A), 1U);
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
+TEST_F(DownloadTest, HostileNamesWriteAndSendNothing)
+{
+    FileServer server;
+    ScriptedReceiver receiver(server);
+    Open(receiver);
+    const fs::path target = folder.Path() / "outer" / "inner";
+    fs::create_directories(target);
+    for (const std::wstring_view name : testing::kHostileNames) {
+        SCOPED_TRACE(::testing::PrintToString(name));
+        EXPECT_EQ(command.DownloadFile(target, name, kSize), -1);
+        EXPECT_EQ(command.GetDownloadFault(), DownloadFault::Name);
+    }
+    EXPECT_TRUE(fs::is_empty(target));
+    EXPECT_EQ(std::distance(fs::recursive_directory_iterator(folder.Path()), {}), 2);
+    // A link under the name leads elsewhere.
+    fs::create_symlink(folder.Path() / "elsewhere", target / "A.Q01");
+    EXPECT_EQ(command.DownloadFile(target, L"A.Q01", kSize), -1);
+    EXPECT_FALSE(fs::exists(folder.Path() / "elsewhere"));
+    command.ClosePort();
+    EXPECT_TRUE(receiver.Stop().empty());
+    // Names as receivers give them, which look a little alike.
+    for (const std::wstring_view name : {L"A0314A00.Q01", L"COM.Q01", L"CONE.Q01", L"COM10.Q01",
+                                         L".Q01", L"a..b", L"測点／１.Q01", L"a b.Q02"}) {
+        SCOPED_TRACE(::testing::PrintToString(name));
+        EXPECT_TRUE(IsReceivableName(name));
+    }
+}
+
+} // namespace
+} // namespace fieldcore
