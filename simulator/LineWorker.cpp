@@ -49,7 +49,8 @@ timespec ToTimespec(Clock::Duration duration)
 
 LineWorker::LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder)
     : m_clock(clock), m_responder(responder), m_paced(scenario.pacing == Pacing::Baud),
-      m_transmitter(m_paced, scenario.baudRate), m_baudRate(scenario.baudRate)
+      m_checksRate(scenario.checksRate), m_transmitter(m_paced, scenario.baudRate),
+      m_baudRate(scenario.baudRate), m_heardRate(scenario.baudRate)
 {}
 
 LineWorker::~LineWorker()
@@ -112,7 +113,13 @@ std::optional<Clock::Duration> LineWorker::NextDue() const
             due = other;
         }
     };
-    consider(m_pipeFull ? m_clock.Steady() + kFullPipePause : m_transmitter.NextDue());
+    if (m_pipeFull) {
+        consider(m_clock.Steady() + kFullPipePause);
+    } else if (m_transmitter.IsEmpty() && m_responder.GoesOn()) {
+        consider(m_clock.Steady());
+    } else {
+        consider(m_transmitter.NextDue());
+    }
     if (!m_parser.Begun().empty()) {
         consider(m_lastByte + kRequestGap);
     }
@@ -145,6 +152,12 @@ void LineWorker::Read()
     std::array<std::uint8_t, 4096> bytes{};
     const ssize_t count =
         m_terminal.IsOpen() ? read(m_terminal.Master(), bytes.data(), bytes.size()) : -1;
+    if (count > 0 && !IsHeard()) {
+        const std::span<const std::uint8_t> noise(bytes.data(), static_cast<std::size_t>(count));
+        static_cast<void>(
+            m_responder.Answer({Request::Kind::Damaged, {noise.begin(), noise.end()}}));
+        return;
+    }
     for (ssize_t i = 0; i < count && m_terminal.IsOpen(); ++i) {
         TakeIn(bytes[static_cast<std::size_t>(i)]);
     }
@@ -155,6 +168,14 @@ void LineWorker::Read()
             m_transmitter.Queue(m_responder.Answer(*rest), m_clock.Steady());
         }
     }
+}
+
+bool LineWorker::IsHeard()
+{
+    if (m_clock.Steady() >= m_rateFrom) {
+        m_heardRate = m_baudRate;
+    }
+    return !m_checksRate || m_terminal.ControllerRate() == m_heardRate;
 }
 
 void LineWorker::TakeIn(std::uint8_t byte)
@@ -170,6 +191,12 @@ void LineWorker::TakeIn(std::uint8_t byte)
         return;
     }
     Pieces pieces = m_responder.Answer(*request);
+    if (request->kind != Request::Kind::Damaged) {
+        if (m_sendsOn) {
+            m_transmitter.DropUnsent();
+        }
+        m_sendsOn = m_responder.GoesOn();
+    }
     if (!m_terminal.IsOpen()) {
         return; // a script has hung up
     }
@@ -177,15 +204,20 @@ void LineWorker::TakeIn(std::uint8_t byte)
         // The pseudo-terminal brought the request at once; on a cable it would still be coming.
         pieces.front().wait += m_transmitter.LineTime(request->bytes.size());
     }
-    m_transmitter.Queue(pieces, m_clock.Steady());
+    m_transmitter.Queue(std::move(pieces), m_clock.Steady());
     if (m_responder.BaudRate() != m_baudRate) {
         m_baudRate = m_responder.BaudRate();
-        m_transmitter.SetBaudRate(m_baudRate, m_clock.Steady() + kRateChange);
+        m_rateFrom = m_clock.Steady() + kRateChange;
+        m_transmitter.SetBaudRate(m_baudRate, m_rateFrom);
     }
 }
 
 void LineWorker::Write()
 {
+    // One frame a turn: between two of them the receiver listens.
+    if (!m_pipeFull && m_transmitter.IsEmpty() && m_responder.GoesOn()) {
+        m_transmitter.Queue(m_responder.Next(), m_clock.Steady());
+    }
     while (!m_pipeFull && m_terminal.IsOpen()) {
         const Clock::Duration now = m_clock.Steady();
         const Piece* const piece = m_transmitter.Current(now);
@@ -219,6 +251,7 @@ bool LineWorker::WriteCurrent(Clock::Duration now)
 void LineWorker::Lose(Clock::Duration backAfter)
 {
     m_terminal.Close();
+    m_responder.StopAnswer();
     m_transmitter.Clear();
     m_pipeFull = false;
     m_parser = RequestParser();
