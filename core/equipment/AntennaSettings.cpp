@@ -99,6 +99,16 @@ int AntennaSettings::SetAntInputH(double heightM)
     return Change(m_inputM, CParts::round(std::clamp(heightM, 0.0, kHighestAntennaM), kDecimals));
 }
 
+std::wstring AntennaSettings::GetAntInputStr() const
+{
+    constexpr std::uint8_t kMostDecimals = 4;
+    std::wstring height = FormatFixed(m_inputM, kMostDecimals);
+    if (height.back() == L'0') {
+        height.pop_back(); // tenths of a millimetre only where somebody measured them
+    }
+    return height;
+}
+
 int AntennaSettings::SetAntSN(const std::wstring& serial)
 {
     return AntennaSerialFault(serial).empty() ? Change(m_serial, serial) : 0;
@@ -182,14 +192,9 @@ int AntennaSettings::ReadRegAnt()
 
 int AntennaSettings::WriteRegAnt()
 {
-    constexpr std::uint8_t kMostDecimals = 4;
-    std::wstring height = FormatFixed(m_inputM, kMostDecimals);
-    if (height.back() == L'0') {
-        height.pop_back(); // tenths of a millimetre only where somebody measured them
-    }
     std::vector<std::wstring> heights = ReadHeights();
     std::vector<std::wstring> serials = ReadSerials();
-    Remember(heights, height);
+    Remember(heights, GetAntInputStr());
     Remember(serials, m_serial);
     SettingsBatch batch(m_reg.Store());
     const bool written = batch.IsOpen() && WriteRegAntType() != 0 && WriteRegAntWay() != 0 &&

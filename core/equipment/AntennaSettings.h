@@ -77,6 +77,8 @@ public:
     int SetAntWayFlag(int way);
     /// Height as measured, metres.
     [[nodiscard]] double GetAntInputH() const { return m_inputM; }
+    /// The same as text: three decimals, four where they are needed.
+    [[nodiscard]] std::wstring GetAntInputStr() const;
     /// Rounded to 0.1 mm. What is no number is not taken.
     int SetAntInputH(double heightM);
     [[nodiscard]] const std::wstring& GetAntSN() const { return m_serial; }

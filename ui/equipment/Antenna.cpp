@@ -181,7 +181,7 @@ bool CAntenna::OnInitDialog()
         CMesBox().Warn(text::kAntennaNotStored, text::kAntennaCaption);
     }
     ReadRegAnt();
-    ShowAll();
+    DoDataExchange(false);
     if (GetReConnect() != 0) {
         SetReConnect(0);
         AskReceiver(false);
@@ -191,14 +191,19 @@ bool CAntenna::OnInitDialog()
     return false;
 }
 
-void CAntenna::ShowAll()
+void CAntenna::DoDataExchange(bool fromControls)
 {
+    if (fromControls) {
+        SetAntInputH(CParts::atof(m_height->currentText().toStdWString()));
+        SetAntSN(m_serial->currentText().toStdWString());
+        return;
+    }
     m_role->SelectCode(static_cast<int>(Role()));
     setWindowTitle(UiText(text::kAntennaTitle) + QStringLiteral(" - ") + m_role->currentText());
     SetAntType();
     SetAntWay();
-    Refill(m_height, RememberedHeights(),
-           RememberedHeights().empty() ? QString() : ToQt(RememberedHeights().front()));
+    const bool isMeasured = GetAntInputH() > 0.0 || !RememberedHeights().empty();
+    Refill(m_height, RememberedHeights(), isMeasured ? ToQt(GetAntInputStr()) : QString());
     Refill(m_serial, RememberedSerials(), ToQt(GetAntSN()));
     ShowHeight();
 }
@@ -249,7 +254,7 @@ void CAntenna::ChooseRole()
 {
     SetRole(static_cast<AntennaRole>(m_role->GetCode()));
     ReadRegAnt();
-    ShowAll();
+    DoDataExchange(false);
 }
 
 void CAntenna::ShowHeight()
@@ -328,8 +333,7 @@ bool CAntenna::OnClose(int result)
     if (const std::wstring fault = AntennaSerialFault(serial); !fault.empty()) {
         return Stay(fault, m_serial);
     }
-    SetAntInputH(CParts::atof(height));
-    SetAntSN(serial);
+    DoDataExchange(true);
     if (WriteRegAnt() == 0) {
         CMesBox().Fail(text::kAntennaNotStored, text::kAntennaCaption);
         return false;

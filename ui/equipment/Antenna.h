@@ -16,8 +16,7 @@ class CTComboBox;
 /// number, with a drawing of what is measured. The vertical height follows what is typed. OK stores
 /// it for the role. User-interface thread only.
 ///
-/// What a host sets before DoModal() is what is shown only if it is stored, too: opening reads the
-/// settings of the role.
+/// Opening reads the settings of the role; what a host has set before is forgotten then.
 class CAntenna : public Dialog, public AntennaSettings
 {
     Q_OBJECT
@@ -34,6 +33,9 @@ public:
     /// Lets the user choose the role, too.
     void OfferRoles();
 
+    /// Shows the values as they stand here, stored or not, when the dialog is open.
+    void ShowValues() { DoDataExchange(false); }
+
     /// Fills the list of types, with the chosen one selected.
     void SetAntType();
     /// Fills the list of ways to measure the chosen type, with the chosen one selected.
@@ -45,7 +47,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void ShowAll();
+    /// Height and serial number from the controls, or all values to them.
+    void DoDataExchange(bool fromControls);
     void ShowHeight();
     void ChooseType();
     void ChooseWay();
