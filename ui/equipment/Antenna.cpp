@@ -115,7 +115,7 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
     AddRow(grid, text::kAntennaMethod, m_antennaWay);
     AddRow(grid, text::kAntennaHeight, m_height);
     AddRow(grid, text::kAntennaSerial, m_serial);
-    for (CTComboBox* box : {m_antennaType, m_antennaWay}) {
+    for (CTComboBox* box : {m_antennaType, m_antennaWay, m_height, m_serial}) {
         box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     }
     grid->setRowStretch(grid->rowCount(), 1);

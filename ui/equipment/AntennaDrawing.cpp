@@ -20,6 +20,10 @@ constexpr qreal kThin = 1.0;
 constexpr qreal kLine = 2.0;
 constexpr qreal kMeasured = 3.0;
 constexpr qreal kGap = 6.0;
+constexpr qreal kTallest = 460.0; // a body that is drawn larger looks like no antenna
+constexpr qreal kBodyPart = 0.25; // of the height from the mark to the phase centre
+constexpr qreal kDome = 26.0;     // above the phase centre, before it is rounded
+constexpr qreal kRimPart = 0.64;  // of the body, where it is widest
 
 /// Where everything stands, logical pixels.
 struct Places
@@ -36,20 +40,22 @@ struct Places
 Places PlacesIn(const QSizeF& size, const AntennaHeight& height, qreal lineHeight)
 {
     const qreal middle = size.width() / 2.0;
-    const qreal ground = size.height() - lineHeight - 2.0 * kGap;
+    const qreal ground = std::min(size.height(), kTallest) - lineHeight - 2.0 * kGap;
     const qreal top = lineHeight + 2.0 * kGap;
-    const qreal above = ground - top;
+    const qreal centre = top + (ground - top) * 0.12;
+    const qreal body = (ground - centre) * kBodyPart;
     const qreal radius = std::clamp(size.width() * 0.16, 40.0, 110.0);
     Places at{};
     at.radius = radius;
     at.mark = {middle, ground};
-    at.centre = {middle, top + above * 0.12};
+    at.centre = {middle, centre};
     const bool isReduced = height.reduction != AntennaReduction::None;
     const bool isAside = height.method.radiusM != 0.0 && isReduced;
     // An upward V is drawn below the centre, a downward one above it.
     const qreal sink = !isReduced                      ? 0.0
-                       : height.method.verticalM < 0.0 ? -above * 0.08
-                                                       : above * (isAside ? 0.14 : 0.22);
+                       : height.method.verticalM < 0.0 ? -kDome
+                       : isAside                       ? body * kRimPart
+                                                       : body;
     at.axis = at.centre + QPointF(0.0, sink);
     at.point = at.axis + QPointF(isAside ? radius : 0.0, 0.0);
     at.left = middle - radius - 28.0;
@@ -84,16 +90,15 @@ void Label(QPainter& painter, const PlotStyle& style, QPointF centre, const QStr
     painter.drawText(area, Qt::AlignCenter, text);
 }
 
-void DrawAntenna(QPainter& painter, const PlotStyle& style, const Places& at, bool isReduced)
+void DrawAntenna(QPainter& painter, const PlotStyle& style, const Places& at)
 {
     // The body from its dome to the base, which lies where a base is measured.
-    const qreal base = at.centre.y() + (at.mark.y() - at.centre.y()) * (isReduced ? 0.22 : 0.18) *
-                                           (100.0 / 88.0) * 0.88;
-    const qreal rim = at.centre.y() + (base - at.centre.y()) * 0.64;
+    const qreal base = at.centre.y() + (at.mark.y() - at.centre.y()) * kBodyPart;
+    const qreal rim = at.centre.y() + (base - at.centre.y()) * kRimPart;
     QPainterPath body;
     body.moveTo(at.centre.x() - at.radius, rim);
-    body.cubicTo(at.centre.x() - at.radius, at.centre.y() - 26.0, at.centre.x() + at.radius,
-                 at.centre.y() - 26.0, at.centre.x() + at.radius, rim);
+    body.cubicTo(at.centre.x() - at.radius, at.centre.y() - kDome, at.centre.x() + at.radius,
+                 at.centre.y() - kDome, at.centre.x() + at.radius, rim);
     body.lineTo(at.centre.x() + at.radius * 0.45, base);
     body.lineTo(at.centre.x() - at.radius * 0.45, base);
     body.closeSubpath();
@@ -144,7 +149,7 @@ void AntennaDrawing::Draw(QPainter& painter, const QSizeF& size)
     painter.setFont(style.small);
     const bool isReduced = m_height.reduction != AntennaReduction::None;
     const Places at = PlacesIn(size, m_height, QFontMetricsF(style.small).height());
-    DrawAntenna(painter, style, at, isReduced);
+    DrawAntenna(painter, style, at);
 
     constexpr std::uint8_t kDecimals = 3;
     const auto metres = [&](int id, int withoutValue, double value) {
@@ -187,7 +192,7 @@ void AntennaDrawing::Draw(QPainter& painter, const QSizeF& size)
     Label(painter, style, (at.mark + at.centre) / 2.0 + toLeft - QPointF(0.0, line * 1.5),
           metres(text::kAntennaDrawnResult, text::kAntennaVertical, m_height.verticalM),
           isBad ? theme.attention : theme.good, size);
-    Label(painter, style, at.centre - QPointF(0.0, at.centre.y() - line / 2.0 - 2.0),
+    Label(painter, style, at.centre - QPointF(0.0, kDome + line / 2.0),
           UiText(text::kAntennaCentre), style.text, size);
     Label(painter, style, at.mark + QPointF(0.0, line / 2.0 + 2.0 * kGap),
           UiText(text::kAntennaMark), style.text, size);
