@@ -139,7 +139,7 @@ QSize AntennaDrawing::sizeHint() const
 
 QSize AntennaDrawing::minimumSizeHint() const
 {
-    return {240, 190 + 2 * fontMetrics().height()};
+    return {240, 110 + 2 * fontMetrics().height()};
 }
 
 void AntennaDrawing::Draw(QPainter& painter, const QSizeF& size)

@@ -11,7 +11,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string>
 
 #include <sys/wait.h>
@@ -194,24 +193,15 @@ TEST_F(Catalogue, IsWholeAfterAKilledImport)
     EXPECT_EQ(before.substr(0, 2), "7:");
     Write(ToCp932(kTwo));
 
-    /// Dies when the wait cursor goes: the values are written by then, or about to be.
-    struct DyingHost final : Host
-    {
-        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
-        {
-            return BoxAnswer::Ok;
-        }
-    };
-    for (const useconds_t wait : {200U, 1000U, 2000U, 4000U, 8000U}) {
+    for (useconds_t wait = 10000; wait < 50000; wait += 2500) {
         const pid_t child = fork();
         if (child == 0) {
             SettingsRoots roots(testing::FoldersBelow(m_home.Path()));
             AntennaCatalogue catalogue(m_home.Path(), roots);
-            DyingHost host;
             ualarm(wait, 0); // ends the process wherever it is
             for (;;) {
                 HostReg(roots).WriteString(AntennaCatalogue::kKey, L"Date", L"of another file");
-                catalogue.Update(host);
+                catalogue.Update(SilentHost::Instance());
             }
         }
         int status = 0;
