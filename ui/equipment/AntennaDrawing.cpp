@@ -134,7 +134,7 @@ void AntennaDrawing::Show(const AntennaHeight& height, bool isKnown)
 
 QSize AntennaDrawing::sizeHint() const
 {
-    return {360, 280};
+    return minimumSizeHint(); // it takes what is left, and does not make the page scroll
 }
 
 QSize AntennaDrawing::minimumSizeHint() const
