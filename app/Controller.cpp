@@ -24,6 +24,7 @@ namespace {
 
 constexpr const wchar_t* kAppKey = L"GPS\\App";
 constexpr const wchar_t* kTheme = L"Theme";
+constexpr const wchar_t* kAntennaRole = L"AntennaRole";
 
 QDateTime ToQt(Clock::UtcTime time)
 {
@@ -85,6 +86,8 @@ Controller::Controller(const AppOptions& options)
     m_monitor = std::make_unique<LinkMonitor>(*m_link);
     connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
     connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::Changed);
+    m_antenna = std::make_unique<AntennaSettings>(
+        m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
     m_choice = LoadConnectChoice(m_reg);
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
@@ -101,6 +104,14 @@ Controller::~Controller()
 void Controller::Begin()
 {
     InstallSampleSites(m_folder);
+    InstallSampleAntennas(m_folder);
+    m_antenna->CheckReg();
+    std::uint32_t role = 0;
+    m_reg.ReadNumber(kAppKey, kAntennaRole, role, static_cast<std::uint32_t>(AntennaRole::Rover));
+    m_antenna->SetRole(role <= static_cast<std::uint32_t>(AntennaRole::RoverSecond)
+                           ? static_cast<AntennaRole>(role)
+                           : AntennaRole::Rover);
+    ReadAntenna();
     std::error_code unknown;
     if (!std::filesystem::exists(AlmanacPath(m_folder), unknown)) {
         AlmanacStore(m_folder).Import(SampleAlmanac(m_clock->Utc()));
@@ -221,11 +232,26 @@ void Controller::UseTheme(Theme::Kind kind)
     m_reg.WriteNumber(kAppKey, kTheme, static_cast<std::uint32_t>(kind));
 }
 
+void Controller::UseAntenna(AntennaRole role)
+{
+    m_antenna->SetRole(role);
+    m_reg.WriteNumber(kAppKey, kAntennaRole, static_cast<std::uint32_t>(role));
+    ReadAntenna();
+}
+
+void Controller::ReadAntenna()
+{
+    m_antenna->ReadRegAnt();
+    m_antennaLine = fieldcore::ToQt(m_antenna->GetAntLine());
+    Q_EMIT Changed();
+}
+
 ReceiverState Controller::State() const
 {
     ReceiverState state;
     state.link = LampOf(m_link->State());
     state.receiver = m_receiver;
+    state.antenna = m_antennaLine;
     state.simulator = m_simulator ? QString::fromStdString(m_scenario) : QString();
     if (const auto& status = m_link->Status()) {
         constexpr double kNoPdop = 99.0;

@@ -3,6 +3,7 @@
 #include "app/Options.h"
 #include "app/StatusStrip.h"
 
+#include "core/equipment/AntennaSettings.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/FrameHistory.h"
@@ -38,8 +39,8 @@ public:
     explicit Controller(const AppOptions& options);
     ~Controller() override;
 
-    /// Puts what a new user needs into the program's folder, sample sites and a nominal almanac,
-    /// and chooses the theme of the settings. What is there stays.
+    /// Puts what a new user needs into the program's folder, sample sites, antennas and a nominal
+    /// almanac, reads the antenna, and chooses the theme of the settings. What is there stays.
     void Begin();
 
     /// Connects to the port of the settings or of the command line, without asking the user
@@ -67,6 +68,10 @@ public:
     [[nodiscard]] const CReg& Reg() const { return m_reg; }
     [[nodiscard]] SettingsRoots& Roots() { return m_roots; }
     [[nodiscard]] QtHost& Host() { return *m_host; }
+    /// The antenna of the role that the user chose last. Read it anew after changing the settings.
+    [[nodiscard]] AntennaSettings& Antenna() { return *m_antenna; }
+    /// Reads the antenna's settings for the status line. @param role  kept for the next start, too
+    void UseAntenna(AntennaRole role);
     /// What has gone over the line.
     [[nodiscard]] FrameHistory& Frames() { return m_frames; }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
@@ -85,6 +90,7 @@ Q_SIGNALS:
 
 private:
     void ReadModel();
+    void ReadAntenna();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -100,6 +106,8 @@ private:
     FrameHistory m_frames;
     std::unique_ptr<CCommand> m_command;
     std::unique_ptr<ReceiverLink> m_link;
+    std::unique_ptr<AntennaSettings> m_antenna;
+    QString m_antennaLine;
     ConnectChoice m_choice;
     QString m_receiver; // name of the model that is connected
     std::unique_ptr<LinkMonitor> m_monitor;

@@ -34,6 +34,7 @@ public:
         kFrames,
         kForceInit,
         kSettings,
+        kAntenna,
         kThemeDaylight,
         kThemeDark,
         kThemeSystem,

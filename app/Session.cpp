@@ -8,6 +8,7 @@
 #include "simulator/ShippedScenarios.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/UiText.h"
+#include "ui/equipment/Antenna.h"
 #include "ui/link/ConnectDlg.h"
 #include "ui/link/RecvForceInitDlg.h"
 
@@ -16,6 +17,7 @@
 #include <QDir>
 #include <QFontDatabase>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace fieldcore {
@@ -94,6 +96,9 @@ void Session::Open(int choice)
     case MainWindow::kSettings:
         ChangeSettings();
         break;
+    case MainWindow::kAntenna:
+        ChangeAntenna();
+        break;
     case MainWindow::kForceInit:
         ForceInit();
         break;
@@ -169,6 +174,31 @@ void Session::ChangeSettings()
     }
 }
 
+void Session::ChangeAntenna()
+{
+    const ReceiverLink::Hold hold(m_controller.Link());
+    const AntennaSettings& antenna = m_controller.Antenna();
+    CAntenna dialog(&m_controller.Command(), 0, 0,
+                    {m_controller.ProgramFolder(), &m_controller.Roots()}, m_window.get());
+    dialog.SetRole(antenna.Role());
+    dialog.OfferRoles();
+    const bool isStored = dialog.DoModal() == Dialog::kOk;
+    m_controller.UseAntenna(isStored ? dialog.Role() : antenna.Role());
+}
+
+std::unique_ptr<QWidget> Session::AntennaScreen(int way, double heightM)
+{
+    auto dialog = std::make_unique<CAntenna>(
+        &m_controller.Command(), 1, 0,
+        AntennaSettings::Surroundings{m_controller.ProgramFolder(), &m_controller.Roots()});
+    dialog->show(); // which reads the settings
+    dialog->SetAntTypeFlag(std::min(3, dialog->GetMaxCount() - 1));
+    dialog->SetAntWayFlag(way);
+    dialog->SetAntInputH(heightM);
+    dialog->ShowValues();
+    return dialog;
+}
+
 void Session::Connect()
 {
     std::wstring fault;
@@ -225,6 +255,10 @@ std::vector<Session::Screen> Session::Screens()
          [this]() -> std::unique_ptr<QWidget> {
              return std::make_unique<CSkyPlot>(&m_controller.Command(), 0, SkyWorld());
          }},
+        {QStringLiteral("antenna-vertical"), [this] { return AntennaScreen(0, 1.543); }},
+        {QStringLiteral("antenna-slant"), [this] { return AntennaScreen(1, 1.543); }},
+        {QStringLiteral("antenna-base"), [this] { return AntennaScreen(2, 1.543); }},
+        {QStringLiteral("antenna-too-short"), [this] { return AntennaScreen(1, 0.05); }},
         {QStringLiteral("frames"),
          [this]() -> std::unique_ptr<QWidget> {
              return std::make_unique<FramesDlg>(m_controller.Frames());

@@ -51,6 +51,8 @@ private:
     [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
     void ChoosePort();
     void ChangeSettings();
+    void ChangeAntenna();
+    [[nodiscard]] std::unique_ptr<QWidget> AntennaScreen(int way, double heightM);
     void Connect();
     void ConnectAtStart();
     /// Asks how to end, and does it but for closing the window.

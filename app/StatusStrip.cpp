@@ -64,7 +64,7 @@ QString JstText(const QDateTime& utc)
 
 StatusStrip::StatusStrip(QWidget* parent)
     : QWidget(parent), m_lamp(new QLabel), m_receiver(new QLabel), m_values(new QLabel),
-      m_time(new QLabel), m_ribbon(new QLabel)
+      m_time(new QLabel), m_antenna(new QLabel), m_ribbon(new QLabel)
 {
     setAutoFillBackground(true);
     setAccessibleName(UiText(text::kAppStatus));
@@ -84,10 +84,14 @@ StatusStrip::StatusStrip(QWidget* parent)
     m_ribbon->setMinimumHeight(kRibbonHeight);
     m_ribbon->setContentsMargins(kMargin, 0, kMargin, 0);
     m_ribbon->setAutoFillBackground(true);
+    m_antenna->setMinimumHeight(kRibbonHeight);
+    m_antenna->setContentsMargins(kMargin, 0, kMargin, 0);
+    m_antenna->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addLayout(line);
+    column->addWidget(m_antenna);
     column->addWidget(m_ribbon);
     Show({}, QDateTime::currentDateTimeUtc());
 }
@@ -114,6 +118,9 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     } else {
         m_time->setText(QStringLiteral("--:--:-- JST"));
     }
+    m_antenna->setVisible(!state.antenna.isEmpty());
+    m_antenna->setText(state.antenna);
+    m_antenna->setToolTip(state.antenna);
     m_ribbon->setVisible(!state.simulator.isEmpty());
     m_ribbon->setText(UiText(text::kAppSimulator).arg(state.simulator));
     Colour();

@@ -21,6 +21,7 @@ struct ReceiverState
     };
     Link link = Link::None;
     QString receiver;      ///< name of the model
+    QString antenna;       ///< its height and how it was measured, in one line
     QString simulator;     ///< name of the scenario; empty: a real receiver
     QDateTime receivedUtc; ///< when the values below came, by the controller's clock
     std::optional<int> batteryPercent;
@@ -33,9 +34,9 @@ struct ReceiverState
 /// Time of day in Japan, "12:34:56".
 [[nodiscard]] QString JstText(const QDateTime& utc);
 
-/// The two lines at the head of the window: is the receiver there, and is it well, and what time it
-/// is by the controller's clock. Values that are more than kStaleS seconds old are grey, and the
-/// time they came stands in place of the time. User-interface thread only.
+/// The lines at the head of the window: is the receiver there, and is it well, what time it is by
+/// the controller's clock, and how high the antenna is. Values that are more than kStaleS seconds
+/// old are grey, and the time they came stands in place of the time. User-interface thread only.
 class StatusStrip : public QWidget
 {
     Q_OBJECT
@@ -60,6 +61,7 @@ private:
     QLabel* m_receiver;
     QLabel* m_values;
     QLabel* m_time;
+    QLabel* m_antenna;
     QLabel* m_ribbon;
 };
 

@@ -40,6 +40,7 @@ Command AddResetCommand(CLI::App& program);
 Command AddAlmanacCommand(CLI::App& program);
 Command AddSettingsCommand(CLI::App& program);
 Command AddGeoCommand(CLI::App& program);
+Command AddAntennaCommand(CLI::App& program);
 Command AddSimCommand(CLI::App& program);
 Command AddTraceCommand(CLI::App& program);
 Command AddPlanCommand(CLI::App& program);

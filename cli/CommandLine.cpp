@@ -26,6 +26,8 @@ constexpr const char* kExamples =
   fieldcore-cli almanac get --port COM1     the satellites' orbits, for planning
   fieldcore-cli settings list               what is set, and what COM3 means
   fieldcore-cli geo plane 35.69 139.69      coordinates and angles converted
+  fieldcore-cli antenna height --slant 1.5 --r 0.1 --v 0.05
+                                            an antenna's vertical height
   fieldcore-cli doctor                      why does it not work on this machine
 )";
 
@@ -70,8 +72,8 @@ struct Program
             AddPortsCommand(parser),    AddInfoCommand(parser),     AddStatusCommand(parser),
             AddIdentifyCommand(parser), AddResetCommand(parser),    AddAlmanacCommand(parser),
             AddPlanCommand(parser),     AddSettingsCommand(parser), AddGeoCommand(parser),
-            AddSimCommand(parser),      AddTraceCommand(parser),    AddDoctorCommand(parser),
-            AddDemoCommand(parser)};
+            AddAntennaCommand(parser),  AddSimCommand(parser),      AddTraceCommand(parser),
+            AddDoctorCommand(parser),   AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

@@ -19,6 +19,8 @@ if(FIELDCORE_UI)
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore)
     install(EXPORT FieldcoreUiTargets NAMESPACE Fieldcore:: DESTINATION ${package_folder})
 endif()
+# The antenna catalogue that the programs begin with, for who wants to change it.
+install(FILES core/equipment/GAntenna.ini DESTINATION ${CMAKE_INSTALL_DATADIR}/fieldcore)
 install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(EXPORT FieldcoreTargets NAMESPACE Fieldcore:: DESTINATION ${package_folder})
 write_basic_package_version_file(FieldcoreConfigVersion.cmake COMPATIBILITY SameMinorVersion)

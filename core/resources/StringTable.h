@@ -473,6 +473,51 @@ inline constexpr int kSkySignalUnit = 60667;
 inline constexpr int kSkyPlotName = 60668; ///< names for who cannot see
 inline constexpr int kSkyListName = 60669;
 
+// The antenna
+inline constexpr int kAntennaTitle = 60800;
+inline constexpr int kAntennaRole = 60801;
+inline constexpr int kAntennaReference = 60802; ///< the roles follow one another
+inline constexpr int kAntennaRover = 60803;
+inline constexpr int kAntennaRoverSecond = 60804;
+inline constexpr int kAntennaType = 60805;
+inline constexpr int kAntennaMethod = 60806;
+inline constexpr int kAntennaHeight = 60807;
+inline constexpr int kAntennaSerial = 60808;
+inline constexpr int kAntennaVertical = 60809;
+inline constexpr int kAntennaMetres = 60810; ///< m
+inline constexpr int kAntennaNoMetres = 60811;
+inline constexpr int kAntennaPhaseCentre = 60812;
+inline constexpr int kAntennaBase = 60813;
+inline constexpr int kAntennaDefaultMethod = 60814;
+inline constexpr int kAntennaNoType = 60815;
+inline constexpr int kAntennaFromReceiver = 60816;
+inline constexpr int kAntennaTooShort = 60820; ///< height, radius, m
+inline constexpr int kAntennaNoCatalogue = 60821;
+inline constexpr int kAntennaCaption = 60822;
+inline constexpr int kAntennaBadHeight = 60823;
+inline constexpr int kAntennaNegativeHeight = 60824;
+inline constexpr int kAntennaHighHeight = 60825; ///< highest, m
+inline constexpr int kAntennaBadSerial = 60826;  ///< most characters
+inline constexpr int kAntennaNotStored = 60827;
+inline constexpr int kAntennaNotReceived = 60828;
+inline constexpr int kAntennaNotListed = 60829;     ///< what the receiver calls it
+inline constexpr int kAntennaStripVertical = 60830; ///< height, m
+inline constexpr int kAntennaStripSlant = 60831;    ///< measured, vertical, m
+inline constexpr int kAntennaStripBase = 60832;     ///< measured, vertical, m
+inline constexpr int kAntennaStripShort = 60833;    ///< measured, vertical, m
+inline constexpr int kAntennaStripNone = 60834;
+inline constexpr int kAntennaDrawing = 60840;
+inline constexpr int kAntennaMark = 60841;
+inline constexpr int kAntennaCentre = 60842;
+inline constexpr int kAntennaDrawnHeight = 60843; ///< m
+inline constexpr int kAntennaDrawnRadius = 60844; ///< m
+inline constexpr int kAntennaDrawnOffset = 60845; ///< m
+inline constexpr int kAntennaDrawnResult = 60846; ///< m
+inline constexpr int kAntennaHowVertical = 60850;
+inline constexpr int kAntennaHowSlant = 60851;
+inline constexpr int kAntennaHowBase = 60852;
+inline constexpr int kAppAntenna = 60860;
+
 } // namespace text
 
 /// @return the text under @p id; empty if there is none. Any thread.

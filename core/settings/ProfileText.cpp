@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -225,6 +226,34 @@ std::optional<std::wstring> ProfileText::Value(std::wstring_view section,
 {
     const Place place = Find(section, key);
     return place.entry ? std::optional(ValueOf(place.entry->text)) : std::nullopt;
+}
+
+void ProfileText::Visit(std::span<const std::wstring> sections,
+                        const std::function<void(std::size_t section, std::wstring_view key,
+                                                 std::wstring_view value)>& entry) const
+{
+    std::map<std::wstring, std::size_t> wanted; // and not seen yet
+    for (std::size_t at = 0; at < sections.size(); ++at) {
+        wanted.emplace(Decode(Encode(sections[at])), at);
+    }
+    std::optional<std::size_t> current;
+    for (std::size_t at = m_start; at < m_bytes.size() && (current || !wanted.empty());) {
+        const Line line = LineAt(at);
+        at = line.end;
+        if (StartsSection(line.text)) {
+            current.reset();
+            const std::wstring name =
+                line.text.size() < 2 ? std::wstring() : line.text.substr(1, line.text.size() - 2);
+            if (const auto found = wanted.find(name);
+                found != wanted.end() && NamesSection(line.text, name)) {
+                current = found->second;
+                wanted.erase(found);
+            }
+        } else if (const std::size_t equals = line.text.find(L'=');
+                   current && equals != std::wstring::npos) {
+            entry(*current, std::wstring_view(line.text).substr(0, equals), ValueOf(line.text));
+        }
+    }
 }
 
 std::vector<std::wstring> ProfileText::Sections() const

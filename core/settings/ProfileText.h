@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -54,6 +55,14 @@ public:
     /// @return nothing if there is no such entry
     [[nodiscard]] std::optional<std::wstring> Value(std::wstring_view section,
                                                     std::wstring_view key) const;
+
+    /// Hands over every entry of some sections in one pass, in the order of the file. Of a section
+    /// the first counts, and of an entry that is there twice the first is what Value() finds.
+    /// @param sections  no two alike
+    /// @param entry     gets the position in @p sections, key and value; these views end with it
+    void Visit(std::span<const std::wstring> sections,
+               const std::function<void(std::size_t section, std::wstring_view key,
+                                        std::wstring_view value)>& entry) const;
 
     /// The names of the sections, in their order, each once.
     [[nodiscard]] std::vector<std::wstring> Sections() const;

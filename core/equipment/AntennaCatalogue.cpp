@@ -1,0 +1,222 @@
+#include "core/equipment/AntennaCatalogue.h"
+
+#include "core/equipment/AntennaFile.h"
+#include "core/equipment/SampleAntennas.h"
+#include "core/input/Parts.h"
+#include "core/planning/CalendarTime.h"
+#include "core/platform/AtomicFile.h"
+#include "core/platform/Folders.h"
+#include "core/platform/SaturateCast.h"
+#include "core/platform/WholeFile.h"
+#include "core/settings/Profile.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <cwchar>
+#include <fstream>
+#include <span>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace fieldcore {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const wchar_t* kDate = L"Date";
+constexpr const wchar_t* kMaxCount = L"MaxCount";
+constexpr const wchar_t* kType = L"ANTENNATYPE";
+constexpr const wchar_t* kCharCode = L"CharCode";
+constexpr const wchar_t* kCode = L"Type";
+constexpr const wchar_t* kMethod = L"MeasMethod";
+
+/// The wait cursor for as long as this lives.
+class Waiting
+{
+public:
+    explicit Waiting(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
+    ~Waiting() { m_host.ShowWaitCursor(false); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+private:
+    Host& m_host;
+};
+
+std::vector<AntennaFileType> ReadFile(const fs::path& file)
+{
+    constexpr auto kMost = static_cast<std::size_t>(kMaxProfileBytes);
+    const auto content = ReadWholeFile(file, kMost + 1);
+    if (!content || content->size() > kMost) {
+        return {};
+    }
+    return ReadAntennaFile(std::string(content->begin(), content->end()));
+}
+
+/// @return false if a value was not taken
+bool WriteTypes(const CReg& reg, const std::vector<AntennaFileType>& types)
+{
+    bool written = true;
+    const auto write = [&](const std::wstring& name, const std::wstring& value) {
+        written = written && reg.WriteString(AntennaCatalogue::kKey, name, value) != 0;
+    };
+    for (std::size_t n = 0; n < types.size() && written; ++n) {
+        const std::wstring number = std::to_wstring(n);
+        write(kType + number, types[n].name);
+        write(kCharCode + number, types[n].charCode);
+        write(kCode + number, types[n].code);
+        for (std::size_t m = 0; m < types[n].methods.size(); ++m) {
+            write(kMethod + std::to_wstring(m) + number, types[n].methods[m]);
+        }
+    }
+    return written;
+}
+
+std::wstring WithoutBlanks(std::wstring_view text)
+{
+    return std::wstring(text.substr(0, text.find_last_not_of(L' ') + 1));
+}
+
+} // namespace
+
+fs::path AntennaFilePath(const fs::path& folder)
+{
+    return folder / "GAntenna.ini";
+}
+
+std::wstring AntennaFileStamp(const fs::path& folder)
+{
+    constexpr const wchar_t* kNoFile = L"00/00/00 00:00:00 0";
+    const fs::path file = AntennaFilePath(folder);
+    std::error_code error;
+    if (!fs::is_regular_file(file, error) || !std::ifstream(file)) {
+        return kNoFile;
+    }
+    const std::uintmax_t size = fs::file_size(file, error);
+    const fs::file_time_type written =
+        error ? fs::file_time_type() : fs::last_write_time(file, error);
+    if (error) {
+        return kNoFile;
+    }
+    const auto utc = std::chrono::file_clock::to_sys(written);
+    const CTime::LocalParts t =
+        CTime(std::chrono::floor<std::chrono::seconds>(utc).time_since_epoch().count())
+            .GetLocalParts();
+    std::array<wchar_t, 100> stamp{};
+    std::swprintf(stamp.data(), stamp.size(), L"%d/%d/%d %02d:%02d:%02d %ld", t.year, t.month,
+                  t.day, t.hour, t.minute, t.second, static_cast<long>(size));
+    return stamp.data();
+}
+
+int InstallSampleAntennas(const fs::path& folder)
+{
+    const fs::path file = AntennaFilePath(folder);
+    std::error_code error;
+    if (fs::exists(file, error)) {
+        return 1;
+    }
+    error = Folders::Create(folder);
+    return !error && !ReplaceFile(file, "$#TEMP.TMP", std::as_bytes(SampleAntennas())) ? 1 : 0;
+}
+
+AntennaCatalogue::AntennaCatalogue(fs::path folder, SettingsRoots& roots)
+    : m_folder(std::move(folder)), m_reg(roots)
+{
+    m_reg.SetRootKey(RootKey::CurrentUser, 0);
+}
+
+int AntennaCatalogue::Update(Host& host)
+{
+    // Taken before the file is read: if somebody changes it meanwhile, the next time finds another
+    // stamp and reads it again.
+    const std::wstring stamp = AntennaFileStamp(m_folder);
+    std::wstring known;
+    m_reg.ReadString(kKey, kDate, known, L"");
+    if (known == stamp) {
+        return 1;
+    }
+    const Waiting waiting(host);
+    const std::vector<AntennaFileType> types = ReadFile(AntennaFilePath(m_folder));
+    CReg reg(m_reg);
+    reg.SetRootKey(RootKey::CurrentUser, 1);
+    SettingsBatch batch(reg.Store());
+    if (!batch.IsOpen()) {
+        return 0; // piece by piece it could be cut off in the middle
+    }
+    reg.DeleteKey(L"", kKey);
+    const bool written =
+        reg.WriteString(kKey, kDate, stamp) != 0 && WriteTypes(reg, types) &&
+        reg.WriteNumber(kKey, kMaxCount, static_cast<std::uint32_t>(types.size())) != 0;
+    return written && batch.Commit() ? 1 : 0;
+}
+
+int AntennaCatalogue::GetMaxCount() const
+{
+    std::uint32_t count = 0;
+    m_reg.ReadNumber(kKey, kMaxCount, count, 0);
+    return static_cast<int>(std::min<std::uint32_t>(count, kMaxTypes));
+}
+
+std::wstring AntennaCatalogue::Read(const wchar_t* name, int type) const
+{
+    std::wstring text;
+    m_reg.ReadString(kKey, name + std::to_wstring(type), text, L"");
+    return text;
+}
+
+std::optional<AntennaType> AntennaCatalogue::Type(int type) const
+{
+    if (type < 0 || type >= GetMaxCount()) {
+        return std::nullopt;
+    }
+    return AntennaType{Read(kType, type), Read(kCharCode, type),
+                       SaturateCast<long>(CParts::atof(Read(kCode, type)))};
+}
+
+std::optional<AntennaMethod> AntennaCatalogue::Method(int type, int method) const
+{
+    if (type < 0 || method < 0 || type >= kMaxTypes || method >= kMaxMethods) {
+        return std::nullopt;
+    }
+    const std::wstring text = Read((kMethod + std::to_wstring(method)).c_str(), type);
+    return text.empty() ? std::nullopt : std::optional(ParseAntennaMethod(text));
+}
+
+int AntennaCatalogue::MethodCount(int type) const
+{
+    int count = 0;
+    while (Method(type, count)) {
+        ++count;
+    }
+    return count;
+}
+
+std::optional<int> AntennaCatalogue::FindCode(long code) const
+{
+    const int count = GetMaxCount();
+    for (int type = 0; type < count; ++type) {
+        const std::wstring text = Read(kCode, type);
+        if (!text.empty() && SaturateCast<long>(CParts::atof(text)) == code) {
+            return type;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<int> AntennaCatalogue::FindCharCode(std::wstring_view charCode) const
+{
+    const std::wstring wanted = WithoutBlanks(charCode);
+    const int count = wanted.empty() ? 0 : GetMaxCount();
+    for (int type = 0; type < count; ++type) {
+        if (WithoutBlanks(Read(kCharCode, type)) == wanted) {
+            return type;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "core/equipment/AntennaMethod.h"
+#include "core/host/Host.h"
+#include "core/settings/HostReg.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace fieldcore {
+
+/// @param folder  the program's folder
+[[nodiscard]] std::filesystem::path AntennaFilePath(const std::filesystem::path& folder);
+
+/// What a catalogue file is known by: the local time of its last change and its size,
+/// "2026/1/9 08:05:03 2048"; "00/00/00 00:00:00 0" for one that cannot be read.
+[[nodiscard]] std::wstring AntennaFileStamp(const std::filesystem::path& folder);
+
+/// Writes the catalogue that comes with the program, if there is no catalogue file yet.
+/// @return 1 if a file is there now, else 0
+int InstallSampleAntennas(const std::filesystem::path& folder);
+
+/// A type of antenna.
+struct AntennaType
+{
+    std::wstring name;
+    std::wstring charCode; ///< what receivers call it; two blanks if it has none
+    long code = 0;
+};
+
+/// The antennas that there are: the text file "GAntenna.ini" of the program's folder and the copy
+/// of it in the settings, from which all is read. See docs/antenna.md for the file.
+///
+/// Types count from 0 and so do their methods. The settings keep method m of type n under m and n
+/// written one behind the other: where that is the same for two of them, as for 1 of 11 and 11 of
+/// 1, the one of the later type counts for both.
+///
+/// One thread at a time, together with all others that use the same roots.
+class AntennaCatalogue
+{
+public:
+    static constexpr int kMaxTypes = 64;
+    static constexpr int kMaxMethods = 64; ///< of a type
+    /// Below HostBasePath().
+    static constexpr const wchar_t* kKey = L"GPS\\Antenna\\List";
+
+    /// @param folder  the program's folder
+    /// @param roots   must outlive the object
+    explicit AntennaCatalogue(std::filesystem::path folder,
+                              SettingsRoots& roots = SettingsRoots::Instance());
+
+    /// Brings the settings up to date if the file is not the one that they were made of. They
+    /// change as a whole or not at all. A file of more than 16 MB has no antennas.
+    /// @param host  shows its wait cursor meanwhile
+    /// @return 0 if the settings could not be written: they are as before
+    int Update(Host& host = DefaultHost());
+
+    /// The number of types, 0 to kMaxTypes.
+    [[nodiscard]] int GetMaxCount() const;
+
+    /// @return nothing if there is no such type
+    [[nodiscard]] std::optional<AntennaType> Type(int type) const;
+
+    /// @return nothing if there is no such method, or it is empty
+    [[nodiscard]] std::optional<AntennaMethod> Method(int type, int method) const;
+
+    /// How many methods a type has, counted to the first that is not there.
+    [[nodiscard]] int MethodCount(int type) const;
+
+    /// The first type of that code.
+    [[nodiscard]] std::optional<int> FindCode(long code) const;
+    /// The first type that receivers call @p charCode, blanks at its end not counted. Blank codes
+    /// are nobody's.
+    [[nodiscard]] std::optional<int> FindCharCode(std::wstring_view charCode) const;
+
+private:
+    [[nodiscard]] std::wstring Read(const wchar_t* name, int type) const;
+
+    const std::filesystem::path m_folder;
+    HostReg m_reg; // opens keys, and makes none
+};
+
+} // namespace fieldcore

@@ -1,0 +1,60 @@
+// Antennas from the command line: what is printed, stored and refused.
+
+#include "tests/cli/Runner.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+TEST(Antenna, ReducesASlantHeight)
+{
+    Runner runner;
+    EXPECT_EQ(runner.Run("antenna height --slant 1.5 --r 0.1 --v 0.05").out,
+              "1.547   sqrt(1.5000^2 - 0.10000^2) + 0.05000 = 1.546663\n");
+    const Outcome tooShort = runner.Run("antenna height --slant 0.05 --r 0.1 --v 0.05 --json");
+    EXPECT_EQ(tooShort.Json()["result"]["verticalM"], 0.1);
+    EXPECT_EQ(tooShort.Json()["messages"].size(), 1U) << "no warning";
+}
+
+TEST(Antenna, StoresWhatIsNamedAndKeepsTheRest)
+{
+    Runner runner;
+    struct Row
+    {
+        const char* fault;
+        const char* arguments;
+        int code;
+    };
+    const Row rows[] = {
+        {"no height yet", "--type 3", 2},
+        {"a negative height", "--height -0.1", 2},
+        {"no number", "--height nan", 2},
+        {"too high", "--height 154.3", 2},
+        {"no such type", "--height 1 --type 7", 2},
+        {"a negative type", "--height 1 --type -1", 2},
+        {"a method of another type", "--height 1 --type 6 --method 2", 2},
+        {"a bad serial", "--height 1 --serial a_b", 2},
+        {"a role that there is not", "--height 1 --role base", 2},
+        {"a good one", "--height 1.543 --type 3 --method 1 --serial A1", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(runner.Run(std::string("antenna set ") + row.arguments).code, row.code);
+        EXPECT_EQ(runner.Run("antenna show --json").Json()["result"]["isMeasured"], row.code == 0);
+    }
+    nlohmann::json now = runner.Run("antenna set --height 1.6 --json").Json()["result"];
+    EXPECT_EQ(now["type"], 3);
+    EXPECT_EQ(now["method"], 1);
+    EXPECT_EQ(now["serial"], "A1");
+    EXPECT_EQ(now["verticalM"], 1.647); // sqrt(2.56 - 0.01) + 0.05 = 1.64687
+    now = runner.Run("antenna set --type 4 --json").Json()["result"];
+    EXPECT_EQ(now["method"], 0) << "a method of the antenna before";
+    EXPECT_EQ(runner.Run("antenna show --role reference --json").Json()["result"]["isMeasured"],
+              false);
+}
+
+} // namespace
+} // namespace fieldcore::cli::test

@@ -1,0 +1,229 @@
+// The antenna catalogue: a file that anybody may have written, and its copy in the settings.
+
+#include "core/equipment/AntennaCatalogue.h"
+
+#include "core/equipment/SampleAntennas.h"
+#include "core/platform/Cp932.h"
+#include "core/platform/Utf8.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::wstring kTwo = L"[ANTENNATYPE]\r\nDATA0=縁付\r\nDATA1=小型\r\n"
+                          L"[縁付]\r\nCharCode=E1\r\nType=21\r\n"
+                          L"MeasMethod0=0.10000,0.05000,0.00000,\"縁の下端\"\r\n"
+                          L"MeasMethod1=0.00000,0.06230,0.00000,\"底面\"\r\n"
+                          L"[小型]\r\nMeasMethod0=0.0,0.02,0,\"ｱﾝﾃﾅﾏｳﾝﾄの底部\"\r\n";
+
+class Catalogue : public ::testing::Test
+{
+protected:
+    void Write(const std::string& bytes) const
+    {
+        std::ofstream(AntennaFilePath(m_home.Path()), std::ios::binary) << bytes;
+    }
+
+    /// What was imported, as "count: name/code/number/methods ...".
+    [[nodiscard]] std::string Imported(const AntennaCatalogue& catalogue) const
+    {
+        std::string words = std::to_string(catalogue.GetMaxCount()) + ":";
+        for (int n = 0; n < catalogue.GetMaxCount(); ++n) {
+            const AntennaType type = catalogue.Type(n).value_or(AntennaType{});
+            words += " " + ToUtf8(type.name) + "/" + ToUtf8(type.charCode) + "/" +
+                     std::to_string(type.code) + "/" + std::to_string(catalogue.MethodCount(n));
+        }
+        return words;
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    AntennaCatalogue m_catalogue{m_home.Path(), m_roots};
+    HostReg m_reg{m_roots};
+};
+
+TEST_F(Catalogue, TakesWhateverTheFileHolds)
+{
+    struct Row
+    {
+        const char* fault;
+        std::string bytes;
+        const char* imported;
+    };
+    const std::wstring half = L"[ANTENNATYPE]\nDATA0=A\nDATA2=B\n[A]\n[B]\nType=5\n";
+    const Row rows[] = {
+        {"code page 932", ToCp932(kTwo), "2: 縁付/E1/21/2 小型/  /0/1"},
+        {"UTF-8 with a mark", "\xEF\xBB\xBF" + ToUtf8(kTwo), "2: 縁付/E1/21/2 小型/  /0/1"},
+        {"an empty file", "", "0:"},
+        {"no end of the last line", "[ANTENNATYPE]\nDATA0=A", "1: A/  /0/0"},
+        {"a type beyond a gap", ToCp932(half), "1: A/  /0/0"},
+        {"a section that is missing", "[ANTENNATYPE]\nDATA0=A\nDATA1=B\n[B]\nType=7\n",
+         "2: A/  /0/0 B/  /7/0"},
+        {"one section for two types", "[ANTENNATYPE]\nDATA0=A\nDATA1=A\n[A]\nType=7\n",
+         "2: A/  /7/0 A/  /7/0"},
+        {"a section that comes twice", "[ANTENNATYPE]\nDATA0=A\n[A]\nType=7\n[A]\nCharCode=XX\n",
+         "1: A/  /7/0"},
+        {"an entry that comes twice", "[ANTENNATYPE]\nDATA0=A\n[A]\nType=7\nType=8\n",
+         "1: A/  /7/0"},
+        {"a number with zeros in front", "[ANTENNATYPE]\nDATA00=A\nDATA0=B\n", "1: B/  /0/0"},
+        {"a code that is no number", "[ANTENNATYPE]\nDATA0=A\n[A]\nType=inf\n",
+         "1: A/  /9223372036854775807/0"},
+        {"bytes that mean nothing", std::string("[ANTENNATYPE]\nDATA0=\xFF\x80\n\0\0=\n", 27),
+         "1: \?\?/  /0/0"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_reg.DeleteKey(L"", AntennaCatalogue::kKey);
+        Write(row.bytes);
+        EXPECT_EQ(m_catalogue.Update(), 1);
+        EXPECT_EQ(Imported(m_catalogue), row.imported);
+    }
+}
+
+TEST_F(Catalogue, CountsTo64)
+{
+    std::string text = "[ANTENNATYPE]\r\n";
+    for (int n = 0; n <= 64; ++n) {
+        text += "DATA" + std::to_string(n) + "=T" + std::to_string(n) + "\r\n";
+    }
+    for (int n = 0; n <= 64; ++n) {
+        text += "[T" + std::to_string(n) + "]\r\n";
+        for (int m = 0; m <= 64; ++m) {
+            text += "MeasMethod" + std::to_string(m) + "=0." + std::to_string(m) + ",0." +
+                    std::to_string(n) + ",0,\"M\"\r\n";
+        }
+    }
+    Write(text);
+    ASSERT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(m_catalogue.GetMaxCount(), 64);
+    EXPECT_EQ(m_catalogue.Type(63)->name, L"T63");
+    EXPECT_EQ(m_catalogue.MethodCount(63), 64);
+    EXPECT_FALSE(m_catalogue.Method(63, 64));
+    EXPECT_FALSE(m_catalogue.Type(64));
+    std::wstring text64;
+    EXPECT_EQ(m_reg.ReadString(AntennaCatalogue::kKey, L"ANTENNATYPE64", text64, L""), 0);
+    EXPECT_EQ(m_reg.ReadString(AntennaCatalogue::kKey, L"MeasMethod6463", text64, L""), 0);
+    // Method 1 of type 11 and 11 of 1 have one value: the later type's counts.
+    EXPECT_EQ(m_catalogue.Method(1, 11)->verticalM, 0.11);
+    EXPECT_EQ(m_catalogue.Method(1, 11)->radiusM, 0.1);
+}
+
+TEST_F(Catalogue, IsReadAgainOnlyWhenTheFileChanged)
+{
+    const fs::path file = AntennaFilePath(m_home.Path());
+    EXPECT_EQ(AntennaFileStamp(m_home.Path()), L"00/00/00 00:00:00 0");
+    EXPECT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(m_catalogue.GetMaxCount(), 0);
+    setenv("TZ", "JST-9", 1);
+    tzset();
+    using namespace std::chrono;
+    const auto time = file_clock::from_sys(sys_days(2026y / January / 8) + 23h + 5min + 3s);
+    const auto write = [&](const std::string& name, seconds later) {
+        Write("[ANTENNATYPE]\nDATA0=" + name + "\n");
+        fs::last_write_time(file, time + later);
+        EXPECT_EQ(m_catalogue.Update(), 1);
+        return m_catalogue.GetMaxCount() == 1 ? ToUtf8(m_catalogue.Type(0)->name) : "none";
+    };
+    EXPECT_EQ(write("A", 0s), "A");
+    EXPECT_EQ(AntennaFileStamp(m_home.Path()), L"2026/1/9 08:05:03 22");
+    EXPECT_EQ(write("B", 0s), "A") << "an unchanged stamp was not trusted";
+    EXPECT_EQ(write("C", 1s), "C") << "a change of the time alone was not seen";
+    EXPECT_EQ(write("DD", 1s), "DD") << "a change of the size alone was not seen";
+    m_reg.WriteString(AntennaCatalogue::kKey, L"MeasMethod70", L"1,1,1,\"left over\"");
+    EXPECT_EQ(write("E", 2s), "E");
+    EXPECT_FALSE(m_catalogue.Method(0, 7)) << "the old values were not deleted";
+    fs::remove(file);
+    EXPECT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(m_catalogue.GetMaxCount(), 0);
+    unsetenv("TZ");
+    tzset();
+}
+
+TEST_F(Catalogue, TakesAMillionLines)
+{
+    std::string text = ToCp932(kTwo);
+    for (int i = 0; i < 1000000; ++i) {
+        text += i % 3 == 0 ? "MeasMethod9=1\n" : i % 3 == 1 ? "[x]\n" : "DATA5=\n";
+    }
+    Write(text);
+    ASSERT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(Imported(m_catalogue), "2: 縁付/E1/21/2 小型/  /0/1");
+    Write(text + std::string(16U << 20U, '\n'));
+    ASSERT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(m_catalogue.GetMaxCount(), 0) << "a file beyond the limit was read";
+}
+
+TEST_F(Catalogue, DoesNotTrustTheSettings)
+{
+    Write(ToCp932(kTwo));
+    ASSERT_EQ(m_catalogue.Update(), 1);
+    constexpr const wchar_t* kKey = AntennaCatalogue::kKey;
+    m_reg.WriteNumber(kKey, L"MaxCount", 0xFFFFFFFF);
+    EXPECT_EQ(m_catalogue.GetMaxCount(), AntennaCatalogue::kMaxTypes);
+    EXPECT_EQ(m_catalogue.Type(40)->name, L"");
+    m_reg.WriteNumber(kKey, L"MeasMethod00", 1);
+    EXPECT_FALSE(m_catalogue.Method(0, 0)) << "a number was taken for a method";
+    m_reg.WriteString(kKey, L"MaxCount", L"2");
+    EXPECT_EQ(m_catalogue.GetMaxCount(), 0);
+    m_reg.DeleteKey(L"GPS", L"Antenna");
+    EXPECT_FALSE(m_catalogue.Type(0));
+    EXPECT_FALSE(m_roots.Store(RootKey::CurrentUser)
+                     .OpenKey(HostBasePath() + L"\\" + kKey, KeyOpening::Existing))
+        << "a mere look made the key";
+}
+
+TEST_F(Catalogue, IsWholeAfterAKilledImport)
+{
+    ASSERT_EQ(InstallSampleAntennas(m_home.Path()), 1);
+    ASSERT_EQ(m_catalogue.Update(), 1);
+    const std::string before = Imported(m_catalogue);
+    EXPECT_EQ(before.substr(0, 2), "7:");
+    Write(ToCp932(kTwo));
+
+    for (useconds_t wait = 10000; wait < 50000; wait += 2500) {
+        const pid_t child = fork();
+        if (child == 0) {
+            SettingsRoots roots(testing::FoldersBelow(m_home.Path()));
+            AntennaCatalogue catalogue(m_home.Path(), roots);
+            ualarm(wait, 0); // ends the process wherever it is
+            for (;;) {
+                HostReg(roots).WriteString(AntennaCatalogue::kKey, L"Date", L"of another file");
+                catalogue.Update(SilentHost::Instance());
+            }
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        SettingsRoots roots(testing::FoldersBelow(m_home.Path()));
+        const AntennaCatalogue catalogue(m_home.Path(), roots);
+        const std::string after = Imported(catalogue);
+        EXPECT_TRUE(after == before || after == "2: 縁付/E1/21/2 小型/  /0/1") << after;
+    }
+    EXPECT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(Imported(m_catalogue), "2: 縁付/E1/21/2 小型/  /0/1");
+}
+
+TEST_F(Catalogue, KeepsTheUsersOwnFile)
+{
+    Write("[ANTENNATYPE]\nDATA0=mine\n");
+    EXPECT_EQ(InstallSampleAntennas(m_home.Path()), 1);
+    ASSERT_EQ(m_catalogue.Update(), 1);
+    EXPECT_EQ(m_catalogue.Type(0)->name, L"mine");
+    EXPECT_EQ(m_catalogue.FindCharCode(L"  "), std::nullopt) << "blanks name no antenna";
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,319 @@
+// The antenna of a station: heights reduced, settings of each role, antennas from elsewhere.
+
+#include "core/equipment/AntennaSettings.h"
+
+#include "core/equipment/AntennaInput.h"
+#include "core/link/Command.h"
+#include "core/resources/StringTable.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+TEST(AntennaMethod, IsSplitAtItsCommas)
+{
+    struct Row
+    {
+        const char* fault;
+        const wchar_t* text;
+        double radiusM;
+        double verticalM;
+        const wchar_t* name;
+    };
+    const Row rows[] = {
+        {"a good one", L"0.10000,0.05000,0.00000,\"縁\"", 0.1, 0.05, L"縁"},
+        {"an empty field skipped", L",0.05,,\"縁\"", 0.0, 0.05, L"縁"},
+        {"too few fields", L"0.1", 0.1, 0.0, L""},
+        {"no name", L"0.1,0.05,0", 0.1, 0.05, L""},
+        {"no quotes", L"0.1,0.05,0,縁", 0.1, 0.05, L"縁"},
+        {"no closing quote", L"0.1,0.05,0,\"縁下", 0.1, 0.05, L"縁"},
+        {"one quote alone", L"0.1,0.05,0,\"", 0.1, 0.05, L""},
+        {"a comma in the name", L"0.1,0.05,0,\"縁,下\"", 0.1, 0.05, L""},
+        {"no numbers", L"nan,inf,x,\"縁\"", 0.0, 0.0, L"縁"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const AntennaMethod method = ParseAntennaMethod(row.text);
+        EXPECT_EQ(method.radiusM, row.radiusM);
+        EXPECT_EQ(method.verticalM, row.verticalM);
+        EXPECT_EQ(method.name, row.name);
+    }
+}
+
+TEST(AntennaHeight, IsReducedByPythagoras)
+{
+    struct Row
+    {
+        const char* fault;
+        double measuredM;
+        double radiusM;
+        double verticalM;
+        double resultM;
+        AntennaReduction reduction;
+    };
+    const Row rows[] = {
+        {"3, 4 and 5", 5.0, 3.0, 0.25, 4.25, AntennaReduction::Slant},
+        {"as far as the radius", 0.5, 0.5, 0.05, 0.55, AntennaReduction::TooShort},
+        {"shorter than the radius", 0.05, 0.1, 0.05, 0.1, AntennaReduction::TooShort},
+        {"no radius", 1.5, 0.0, -0.25, 1.25, AntennaReduction::Upright},
+        {"nothing measured", 0.0, 0.0, 0.25, 0.25, AntennaReduction::Upright},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const AntennaHeight height =
+            ReduceAntennaHeight(row.measuredM, {row.radiusM, row.verticalM, L""});
+        EXPECT_DOUBLE_EQ(height.verticalM, row.resultM);
+        EXPECT_EQ(height.reduction, row.reduction);
+    }
+    // The two squares are rounded before they are subtracted; fused, this would not be 0.
+    EXPECT_EQ(ReduceAntennaHeight(1.1, {1.1, 0.0, L""}).squareM2, 0.0);
+    EXPECT_TRUE(std::isnan(ReduceAntennaHeight(std::nan(""), {0.1, 0.0, L""}).verticalM));
+}
+
+TEST(AntennaInput, IsANumberThatCanBe)
+{
+    struct Row
+    {
+        const wchar_t* typed;
+        int fault; ///< text, 0: none
+    };
+    const Row rows[] = {
+        {L"1.543", 0},
+        {L"0", 0},
+        {L"100", 0},
+        {L".5", 0},
+        {L"", text::kAntennaBadHeight},
+        {L".", text::kAntennaBadHeight},
+        {L"-", text::kAntennaBadHeight},
+        {L"1.2.3", text::kAntennaBadHeight},
+        {L"1,5", text::kAntennaBadHeight},
+        {L"0x10", text::kAntennaBadHeight},
+        {L"nan", text::kAntennaBadHeight},
+        {L"1e3", text::kAntennaBadHeight},
+        {L"-0.001", text::kAntennaNegativeHeight},
+        {L"100.001", text::kAntennaHighHeight},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.typed);
+        EXPECT_EQ(AntennaHeightFault(row.typed),
+                  row.fault == 0 ? L"" : FormatText(row.fault, kHighestAntennaM));
+    }
+    EXPECT_EQ(AntennaSerialFault(L"A-0001"), L"");
+    EXPECT_NE(AntennaSerialFault(L"A 1"), L"");
+    EXPECT_NE(AntennaSerialFault(L"12345678901234567"), L"");
+}
+
+class Settings : public ::testing::Test
+{
+protected:
+    Settings()
+    {
+        std::ofstream(AntennaFilePath(m_home.Path()))
+            << "[ANTENNATYPE]\nDATA0=Rim\nDATA1=Small\nDATA2=Built-in\n"
+               "[Rim]\nCharCode=01\nType=21\n"
+               "MeasMethod0=0.1,0.05,0,\"rim\"\nMeasMethod1=0,0.0623,0,\"\"\n"
+               "[Small]\nCharCode=S \nType=7\nMeasMethod0=0.0,0.02,0,\"base\"\n"
+               "[Built-in]\nCharCode=ZZ\nType=3044\n";
+        m_antenna.CheckReg();
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    HostReg m_reg{m_roots};
+    AntennaSettings m_antenna{nullptr, 0, 0, {m_home.Path(), &m_roots}};
+};
+
+TEST_F(Settings, ReduceByTheChosenMethod)
+{
+    EXPECT_EQ(m_antenna.GetAntCalcH(1.5, 0, 0), 1.5);
+    EXPECT_EQ(m_antenna.GetAntCalcH(1.5, 0, 1), std::sqrt(1.5 * 1.5 - 0.1 * 0.1) + 0.05);
+    EXPECT_EQ(m_antenna.GetAntCalcH(0.05, 0, 1), 0.05 + 0.05);
+    EXPECT_EQ(m_antenna.GetAntCalcH(1.5, 0, 3), 1.5) << "no such method";
+    EXPECT_EQ(m_antenna.GetAntCalcH(1.5, -1, 1), 1.5) << "no such type";
+    double r = 9.0;
+    double v = 9.0;
+    std::wstring name = L"before";
+    EXPECT_EQ(m_antenna.GetMeasMethod(0, 2, r, v, name), 0);
+    EXPECT_EQ(r + v, 0.0);
+    EXPECT_EQ(name, L"before");
+    EXPECT_EQ(m_antenna.GetMeasMethod(0, 0, r, v, name), 1);
+    EXPECT_EQ(name, L"rim");
+    EXPECT_EQ(m_antenna.GetAntWayStr(0, 0), L"公称アンテナ位相中心 / 垂直高");
+    EXPECT_EQ(m_antenna.GetAntWayStr(0, 2), L"アンテナ底面");
+}
+
+TEST_F(Settings, AreKeptForEachRole)
+{
+    struct Row
+    {
+        const char* key;
+        int rover;
+        int second;
+    };
+    const Row rows[] = {{"PrmRef", 0, 0}, {"PrmRov", 1, 0}, {"PrmRovf", 1, 1}, {"PrmRovf", 0, 1}};
+    int type = 0;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.key);
+        type = (type + 1) % 2;
+        m_antenna.SetRov(row.rover);
+        m_antenna.SetRovf(row.second);
+        m_antenna.SetAntTypeFlag(type);
+        m_antenna.SetAntWayFlag(1);
+        m_antenna.SetAntInputH(1.0 + type);
+        m_antenna.SetAntSN(L"SN" + std::to_wstring(type));
+        ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
+        const std::wstring key =
+            L"GPS\\Antenna\\" + std::wstring(row.key, row.key + strlen(row.key));
+        std::uint32_t stored = 9;
+        EXPECT_EQ(m_reg.ReadNumber(key, L"AntType", stored, 9), 1);
+        EXPECT_EQ(stored, static_cast<std::uint32_t>(type));
+        std::wstring text;
+        m_reg.ReadString(key, L"AntH0", text, L"");
+        EXPECT_EQ(text, type == 0 ? L"1.000" : L"2.000");
+    }
+    m_antenna.SetRole(AntennaRole::Reference);
+    EXPECT_EQ(m_antenna.ReadRegAnt(), 1);
+    EXPECT_EQ(m_antenna.GetAntTypeStr(), L"Small");
+    EXPECT_EQ(m_antenna.GetAntInputH(), 2.0);
+    EXPECT_EQ(m_antenna.GetAntSN(), L"SN1");
+    EXPECT_EQ(m_antenna.GetAntHEx(), L"2.000");
+}
+
+TEST_F(Settings, RememberTenHeightsTheLastOneFirst)
+{
+    for (const double height : {1.0, 1.1, 1.2, 1.3, 1.4, 1.5, 1.6, 1.7, 1.8, 1.9, 2.0, 1.5432}) {
+        m_antenna.SetAntInputH(height);
+        ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
+    }
+    m_antenna.SetAntInputH(1.9);
+    m_antenna.WriteRegAnt();
+    const std::vector<std::wstring> wanted = {L"1.900", L"1.5432", L"2.000", L"1.800", L"1.700",
+                                              L"1.600", L"1.500",  L"1.400", L"1.300", L"1.200"};
+    m_antenna.ReadRegAnt();
+    EXPECT_EQ(m_antenna.RememberedHeights(), wanted);
+}
+
+TEST_F(Settings, WithstandWhatStandsInTheStore)
+{
+    constexpr const wchar_t* kKey = L"GPS\\Antenna\\PrmRef";
+    m_reg.WriteNumber(kKey, L"AntType", 0xFFFFFFFF);
+    m_reg.WriteString(kKey, L"AntWay", L"1");
+    m_reg.WriteNumber(kKey, L"AntH0", 7);
+    EXPECT_EQ(m_antenna.ReadRegAnt(), 0);
+    EXPECT_EQ(m_antenna.GetAntTypeFlag(), 2) << "the last type";
+    EXPECT_EQ(m_antenna.GetAntWayFlag(), 0);
+    EXPECT_EQ(m_antenna.GetAntFlag(), 0);
+    m_reg.WriteString(kKey, L"AntH0", L"-1");
+    m_reg.WriteString(kKey, L"AntH1", L"1.2");
+    m_antenna.ReadRegAnt();
+    EXPECT_EQ(m_antenna.GetAntInputH(), 1.2);
+    m_reg.WriteNumber(kKey, L"AntType", 1);
+    m_reg.WriteNumber(kKey, L"AntWay", 2); // type 1 has one method only
+    m_antenna.ReadRegAnt();
+    EXPECT_EQ(m_antenna.GetAntWayFlag(), 0);
+    m_reg.DeleteKey(L"", L"GPS"); // between reading and writing
+    EXPECT_EQ(m_antenna.WriteRegAnt(), 1);
+    EXPECT_EQ(m_antenna.ReadRegAnt(), 1);
+    EXPECT_EQ(m_antenna.GetAntTypeFlag(), 1) << "without a catalogue the stored type is lost";
+    EXPECT_EQ(m_antenna.SetAntInputH(std::numeric_limits<double>::quiet_NaN()), 0);
+    EXPECT_EQ(m_antenna.SetAntInputH(-3.0), 1);
+    EXPECT_EQ(m_antenna.GetAntInputH(), 0.0);
+    EXPECT_EQ(m_antenna.SetAntInputH(0.0), 0) << "nothing changed";
+}
+
+/// An antenna block with one thing of it changed.
+Bytes Block(std::size_t at = 0, std::uint8_t becomes = 0x08)
+{
+    Bytes bytes = {0x08, 15,  '0', '1', 'A', 'B', '1',  '2', ' ',
+                   ' ',  ' ', ' ', 1,   0,   0,   0x3C, 0x46}; // 15430: 1.543 m
+    bytes[at] = becomes;
+    return bytes;
+}
+
+TEST_F(Settings, AreTakenFromBlocks)
+{
+    struct Row
+    {
+        const char* fault;
+        Bytes bytes;
+        int taken;
+    };
+    Bytes two = Block();
+    two[16] = 0x47;
+    const Bytes last = Block();
+    two.insert(two.end(), {0x01, 2, 0x08, 15}); // a block of another kind, with a head inside
+    two.insert(two.end(), last.begin(), last.end());
+    two.insert(two.end(), {0x08, 0xFF, 0x30}); // cut off
+    const Row rows[] = {
+        {"a good one", Block(), 1},
+        {"of another type", Block(0, 0x09), 0},
+        {"too short", Block(1, 14), 0},
+        {"longer than there is", Block(1, 16), 0},
+        {"an unknown antenna", Block(2, 'X'), 0},
+        {"a method that it does not have", Block(12, 3), 0},
+        {"200 km high", Block(13, 0x77), 0},
+        {"control characters in the serial", Block(5, 0x07), 0},
+        {"among others, the last one", two, 1},
+        {"nothing", {}, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_antenna.SetAntInputH(9.0);
+        m_antenna.SetAntSN(L"X");
+        EXPECT_EQ(m_antenna.GetAntInfoFromLoggingData(row.bytes), row.taken);
+        EXPECT_EQ(m_antenna.GetAntInputH(), row.taken != 0 ? 1.543 : 9.0);
+        EXPECT_EQ(m_antenna.GetAntSN(), row.taken != 0 ? L"AB12" : L"X");
+    }
+    const Bytes good = Block();
+    EXPECT_EQ(m_antenna.SetAntInfo({0x08, std::span(good).subspan(2)}), 1);
+    EXPECT_EQ(m_antenna.GetAntWayFlag(), 1);
+}
+
+TEST_F(Settings, AreTakenFromTheReceiver)
+{
+    struct Row
+    {
+        const char* antennaType;
+        AntennaSettings::Taken taken;
+        const wchar_t* name;
+    };
+    using Taken = AntennaSettings::Taken;
+    const Row rows[] = {
+        {"01", Taken::Yes, L"Rim"}, {"S", Taken::Yes, L"Small"}, {"??", Taken::NotListed, L""}};
+    EXPECT_EQ(m_antenna.TakeFromReceiver(), Taken::NoAnswer);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.antennaType);
+        std::string error;
+        auto scenario = simulator::LoadScenario("lark", error);
+        ASSERT_TRUE(scenario) << error;
+        scenario->antennaType = row.antennaType;
+        simulator::Simulator receiver(*scenario);
+        ASSERT_TRUE(receiver.Start(error)) << error;
+        CCommand command;
+        ASSERT_EQ(command.OpenPort(receiver.PortPath()), 1);
+        AntennaSettings antenna(&command, 1, 0, {m_home.Path(), &m_roots});
+        EXPECT_EQ(antenna.TakeFromReceiver(), row.taken);
+        EXPECT_EQ(antenna.GetAntTypeStr(), row.name);
+        EXPECT_EQ(antenna.GetAntSN(), row.taken == Taken::Yes ? L"A0001" : L"");
+    }
+    EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(7), 1);
+    EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(8), -1);
+    EXPECT_EQ(m_antenna.GetAntTypeFromAntFlag(0), 21);
+    EXPECT_EQ(m_antenna.GetInternalAntTypeFromRecvType(3044), 2);
+}
+
+} // namespace
+} // namespace fieldcore

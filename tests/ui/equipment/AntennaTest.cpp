@@ -1,0 +1,185 @@
+// The antenna's dialog: what follows from what is typed, what is refused, what is stored.
+
+#include "ui/equipment/Antenna.h"
+
+#include "core/resources/StringTable.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/AntennaDrawing.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+/// Keeps the messages that are shown.
+class Listener final : public Host
+{
+public:
+    Listener() { SetDefaultHost(this); }
+    ~Listener() override { SetDefaultHost(nullptr); }
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view, BoxStyle) override
+    {
+        said.emplace_back(text);
+        return BoxAnswer::Ok;
+    }
+    std::vector<std::wstring> said;
+};
+
+class AntennaDialog : public ::testing::Test
+{
+protected:
+    AntennaDialog()
+    {
+        InstallSampleAntennas(m_home.Path());
+        dialog.show();
+    }
+
+    [[nodiscard]] CTComboBox* Box(int id)
+    {
+        for (auto* const box : dialog.findChildren<CTComboBox*>()) {
+            if (box->accessibleName() == UiText(id)) {
+                return box;
+            }
+        }
+        return nullptr;
+    }
+    void Choose(int id, int code)
+    {
+        CTComboBox* const box = Box(id);
+        ASSERT_EQ(box->SelectCode(code), 1);
+        Q_EMIT box->activated(box->currentIndex());
+    }
+    void Type(int id, const QString& keys)
+    {
+        Box(id)->lineEdit()->selectAll();
+        QTest::keyClick(Box(id), Qt::Key_Delete);
+        QTest::keyClicks(Box(id), keys);
+    }
+    /// What the labels of the dialog say.
+    [[nodiscard]] bool Says(const std::wstring& words)
+    {
+        for (const auto* const label : dialog.findChildren<QLabel*>()) {
+            if (label->isVisible() && label->text() == ToQt(words)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    Listener host;
+    CAntenna dialog{nullptr, 1, 0, {m_home.Path(), &m_roots}};
+};
+
+TEST_F(AntennaDialog, ReducesWhatIsTyped)
+{
+    struct Row
+    {
+        const char* typed;
+        int way;
+        const wchar_t* shown;
+        std::wstring warning;
+    };
+    Choose(text::kAntennaType, 3); // R 0.1, V 0.05 at its rim; V 0.0623 at its base
+    const Row rows[] = {
+        {"1.5", 0, L"1.500 m", L""},
+        {"1.5", 1, L"1.547 m", L""},
+        {"1.5", 2, L"1.562 m", L""},
+        {"0.05", 1, L"0.100 m", FormatText(text::kAntennaTooShort, 0.05, 0.1)},
+        {"-1", 1, L"--", Text(text::kAntennaNegativeHeight)},
+        {"1.5x", 1, L"--", Text(text::kAntennaBadHeight)},
+        {"", 1, L"--", L""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.typed) + " way " + std::to_string(row.way));
+        Choose(text::kAntennaMethod, row.way);
+        Type(text::kAntennaHeight, QString::fromLatin1(row.typed));
+        EXPECT_TRUE(Says(row.shown));
+        EXPECT_TRUE(row.warning.empty() || Says(row.warning));
+        EXPECT_FALSE(row.warning.empty() && Says(Text(text::kAntennaBadHeight)));
+    }
+    Choose(text::kAntennaMethod, 2);
+    Choose(text::kAntennaType, 6);
+    EXPECT_EQ(Box(text::kAntennaMethod)->GetCode(), 0) << "another antenna's method was kept";
+}
+
+TEST_F(AntennaDialog, StoresOnlyWhatIsGood)
+{
+    struct Row
+    {
+        const char* fault;
+        const char* height;
+        const char* serial;
+        int said; ///< 0: stored
+    };
+    const Row rows[] = {
+        {"nothing typed", "", "", text::kAntennaBadHeight},
+        {"below the ground", "-1.5", "", text::kAntennaNegativeHeight},
+        {"a serial with a blank", "1.5", "A 1", text::kAntennaBadSerial},
+        {"a good one", "1.543", "A0001", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        host.said.clear();
+        Type(text::kAntennaHeight, QString::fromLatin1(row.height));
+        Type(text::kAntennaSerial, QString::fromLatin1(row.serial));
+        QTest::keyClick(&dialog, Qt::Key_Return);
+        EXPECT_EQ(dialog.isVisible(), row.said != 0);
+        ASSERT_EQ(host.said.size(), row.said != 0 ? 1U : 0U);
+        EXPECT_TRUE(row.said == 0 || host.said.front() == FormatText(row.said, 16));
+        EXPECT_EQ(dialog.GetAntFlag(), row.said == 0 ? 1 : 0);
+    }
+    EXPECT_EQ(dialog.GetAntHEx(), L"1.543");
+    EXPECT_EQ(dialog.GetAntSNEx(), L"A0001");
+}
+
+TEST_F(AntennaDialog, ReadsTheRoleThatIsChosen)
+{
+    AntennaSettings reference(nullptr, 0, 0, {m_home.Path(), &m_roots});
+    reference.SetAntTypeFlag(4);
+    reference.SetAntWayFlag(2);
+    reference.SetAntInputH(1.2);
+    ASSERT_EQ(reference.WriteRegAnt(), 1);
+    EXPECT_FALSE(Box(text::kAntennaRole)->isVisible());
+    dialog.OfferRoles();
+    Choose(text::kAntennaRole, static_cast<int>(AntennaRole::Reference));
+    EXPECT_EQ(Box(text::kAntennaType)->GetCode(), 4);
+    EXPECT_EQ(Box(text::kAntennaMethod)->GetCode(), 2);
+    EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QStringLiteral("1.200"));
+}
+
+TEST_F(AntennaDialog, DrawsEachMethodInItsOwnWay)
+{
+    AntennaDrawing drawing;
+    drawing.resize(400, 300);
+    const auto picture = [&](const AntennaHeight& height) {
+        drawing.Show(height, true);
+        return drawing.grab().toImage();
+    };
+    const AntennaHeight vertical{1.5, 1.5, 0.0, {}, AntennaReduction::None};
+    const QImage none = picture(vertical);
+    const QImage slant = picture(ReduceAntennaHeight(1.5, {0.1, 0.05, L""}));
+    const QImage base = picture(ReduceAntennaHeight(1.5, {0.0, 0.05, L""}));
+    EXPECT_EQ(none, picture(vertical));
+    EXPECT_NE(none, slant);
+    EXPECT_NE(slant, base);
+    EXPECT_NE(base, none);
+    // The measured line runs up the axis, or to the rim at the right of it.
+    const auto isLine = [&](const QImage& image, double x, double y) {
+        const QColor colour = image.pixelColor(qRound(x), qRound(y));
+        return colour.blue() > colour.red() + 60;
+    };
+    EXPECT_TRUE(isLine(base, 200.0, 250.0));
+    EXPECT_FALSE(isLine(slant, 200.0, 180.0));
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,353 @@
+#include "ui/equipment/Antenna.h"
+
+#include "core/equipment/AntennaInput.h"
+#include "core/host/MesBox.h"
+#include "core/input/Parts.h"
+#include "core/link/Command.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/AntennaDrawing.h"
+
+#include <QFontInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QResizeEvent>
+#include <QScrollArea>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include <cmath>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kMargin = 12;
+constexpr int kWide = 900;
+
+/// A list that can be typed into.
+CTComboBox* MakeTyped(Qt::InputMethodHints hints)
+{
+    auto* const box = new CTComboBox;
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setCompleter(nullptr); // it would finish 1.5 to the 1.543 of before
+    box->lineEdit()->setInputMethodHints(hints);
+    return box;
+}
+
+QLabel* AddRow(QGridLayout* grid, int id, QWidget* field)
+{
+    const int row = grid->rowCount();
+    auto* const label = new QLabel(UiText(id));
+    label->setBuddy(field);
+    label->setWordWrap(true);
+    field->setAccessibleName(label->text());
+    field->setMinimumHeight(TouchStyle::kTarget);
+    field->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    grid->addWidget(label, row, 0);
+    grid->addWidget(field, row, 1);
+    return label;
+}
+
+void Refill(CTComboBox* box, const std::vector<std::wstring>& remembered, const QString& text)
+{
+    const QSignalBlocker quiet(box);
+    box->clear();
+    for (const std::wstring& entry : remembered) {
+        box->AddEntry(ToQt(entry), 0);
+    }
+    box->setEditText(text);
+}
+
+void Paint(QLabel* label, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
+}
+
+int HowText(const AntennaHeight& height)
+{
+    switch (height.reduction) {
+    case AntennaReduction::Slant:
+    case AntennaReduction::TooShort:
+        return text::kAntennaHowSlant;
+    case AntennaReduction::Upright:
+        return text::kAntennaHowBase;
+    case AntennaReduction::None:
+        break;
+    }
+    return text::kAntennaHowVertical;
+}
+
+} // namespace
+
+CAntenna::CAntenna(CCommand* command, int rover, int reConnect, QWidget* parent)
+    : CAntenna(command, rover, reConnect, {Folders().Program()}, parent)
+{}
+
+CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
+                   AntennaSettings::Surroundings surroundings, QWidget* parent)
+    : Dialog(parent), AntennaSettings(command, rover, reConnect, std::move(surroundings)),
+      m_role(new CTComboBox), m_roleLabel(nullptr), m_antennaType(new CTComboBox),
+      m_antennaWay(new CTComboBox), m_height(MakeTyped(Qt::ImhFormattedNumbersOnly)),
+      m_serial(MakeTyped(Qt::ImhLatinOnly | Qt::ImhNoPredictiveText)),
+      m_drawing(new AntennaDrawing), m_how(new QLabel), m_vertical(new QLabel),
+      m_warning(new QLabel), m_ask(new QPushButton(UiText(text::kAntennaFromReceiver))),
+      m_body(new QBoxLayout(QBoxLayout::TopToBottom))
+{
+    for (int id = text::kAntennaReference; id <= text::kAntennaRoverSecond; ++id) {
+        m_role->AddEntry(UiText(id), id - text::kAntennaReference);
+    }
+    auto* const grid = new QGridLayout;
+    grid->setColumnStretch(1, 1);
+    grid->setSpacing(TouchStyle::kGrid);
+    m_roleLabel = AddRow(grid, text::kAntennaRole, m_role);
+    m_role->hide();
+    m_roleLabel->hide();
+    AddRow(grid, text::kAntennaType, m_antennaType);
+    AddRow(grid, text::kAntennaMethod, m_antennaWay);
+    AddRow(grid, text::kAntennaHeight, m_height);
+    AddRow(grid, text::kAntennaSerial, m_serial);
+    for (CTComboBox* box : {m_antennaType, m_antennaWay, m_height, m_serial}) {
+        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    }
+    grid->setRowStretch(grid->rowCount(), 1);
+
+    auto* const picture = new QVBoxLayout;
+    m_how->setWordWrap(true);
+    picture->addWidget(m_how);
+    picture->addWidget(m_drawing, 1);
+    auto* const content = new QWidget;
+    m_body->setContentsMargins(kMargin, kMargin, kMargin, 0);
+    m_body->addLayout(grid);
+    m_body->addLayout(picture, 1);
+    content->setLayout(m_body);
+    auto* const scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidget(content);
+
+    constexpr double kLarge = 1.5; // of the text's own size
+    QFont large = font();
+    large.setPixelSize(qRound(QFontInfo(large).pixelSize() * kLarge));
+    large.setBold(true);
+    m_vertical->setFont(large);
+    m_vertical->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto* const verticalLabel = new QLabel(UiText(text::kAntennaVertical));
+    m_vertical->setAccessibleName(verticalLabel->text());
+    m_warning->setWordWrap(true);
+    auto* const result = new QHBoxLayout;
+    result->setContentsMargins(kMargin, 0, kMargin, 0);
+    result->addWidget(verticalLabel);
+    result->addWidget(m_vertical, 1);
+    m_warning->setContentsMargins(kMargin, 0, kMargin, 0);
+
+    QBoxLayout* const foot = MakeOkCancel();
+    m_ask->setMinimumHeight(TouchStyle::kTarget);
+    m_ask->setAutoDefault(false);
+    foot->insertWidget(0, m_ask);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, kMargin);
+    layout->addWidget(scroll, 1);
+    layout->addLayout(result);
+    layout->addWidget(m_warning);
+    layout->addLayout(foot);
+
+    m_ask->setEnabled(command != nullptr && command->IsPortOpen() != 0);
+    connect(m_role, &QComboBox::activated, this, &CAntenna::ChooseRole);
+    connect(m_antennaType, &QComboBox::activated, this, &CAntenna::ChooseType);
+    connect(m_antennaWay, &QComboBox::activated, this, &CAntenna::ChooseWay);
+    connect(m_height, &QComboBox::editTextChanged, this, &CAntenna::ShowHeight);
+    connect(m_ask, &QPushButton::clicked, this, [this] { AskReceiver(true); });
+}
+
+void CAntenna::OfferRoles()
+{
+    m_role->show();
+    m_roleLabel->show();
+}
+
+bool CAntenna::OnInitDialog()
+{
+    if (CheckReg() == 0) {
+        CMesBox().Warn(text::kAntennaNotStored, text::kAntennaCaption);
+    }
+    ReadRegAnt();
+    DoDataExchange(false);
+    if (GetReConnect() != 0) {
+        SetReConnect(0);
+        AskReceiver(false);
+    }
+    m_height->setFocus();
+    m_height->lineEdit()->selectAll();
+    return false;
+}
+
+void CAntenna::DoDataExchange(bool fromControls)
+{
+    if (fromControls) {
+        SetAntInputH(CParts::atof(m_height->currentText().toStdWString()));
+        SetAntSN(m_serial->currentText().toStdWString());
+        return;
+    }
+    m_role->SelectCode(static_cast<int>(Role()));
+    setWindowTitle(UiText(text::kAntennaTitle) + QStringLiteral(" - ") + m_role->currentText());
+    SetAntType();
+    SetAntWay();
+    const bool isMeasured = GetAntInputH() > 0.0 || !RememberedHeights().empty();
+    Refill(m_height, RememberedHeights(), isMeasured ? ToQt(GetAntInputStr()) : QString());
+    Refill(m_serial, RememberedSerials(), ToQt(GetAntSN()));
+    ShowHeight();
+}
+
+void CAntenna::SetAntType()
+{
+    m_antennaType->clear();
+    const int count = GetMaxCount();
+    for (int type = 0; type < count; ++type) {
+        const auto description = Catalogue().Type(type);
+        m_antennaType->AddEntry(description ? ToQt(description->name) : QString(), type);
+    }
+    if (count == 0) {
+        m_antennaType->AddEntry(UiText(text::kAntennaNoType), GetAntTypeFlag());
+    }
+    m_antennaType->setEnabled(count > 0);
+    m_antennaType->SelectCode(GetAntTypeFlag());
+}
+
+void CAntenna::SetAntWay()
+{
+    m_antennaWay->clear();
+    const int count = GetMaxCount() > 0 ? Catalogue().MethodCount(GetAntTypeFlag()) : 0;
+    for (int way = 0; way <= count; ++way) {
+        m_antennaWay->AddEntry(ToQt(GetAntWayStr(GetAntTypeFlag(), way)), way);
+    }
+    if (m_antennaWay->SelectCode(GetAntWayFlag()) == 0) {
+        m_antennaWay->SelectCode(0);
+    }
+}
+
+void CAntenna::ChooseType()
+{
+    if (SetAntTypeFlag(m_antennaType->GetCode()) != 0) {
+        SetAntWayFlag(0); // the other antenna's method would mean another point of this one
+    }
+    SetAntWay();
+    ShowHeight();
+}
+
+void CAntenna::ChooseWay()
+{
+    SetAntWayFlag(m_antennaWay->GetCode());
+    ShowHeight();
+}
+
+void CAntenna::ChooseRole()
+{
+    SetRole(static_cast<AntennaRole>(m_role->GetCode()));
+    ReadRegAnt();
+    DoDataExchange(false);
+}
+
+void CAntenna::ShowHeight()
+{
+    const std::wstring typed = m_height->currentText().toStdWString();
+    const std::wstring fault = AntennaHeightFault(typed);
+    if (fault.empty()) {
+        SetAntInputH(CParts::atof(typed));
+    }
+    const AntennaHeight height =
+        Height(fault.empty() ? GetAntInputH() : 1.0, GetAntTypeFlag(), GetAntWayFlag());
+    const bool isKnown = fault.empty() && std::isfinite(height.verticalM);
+    constexpr std::uint8_t kDecimals = 3;
+    m_vertical->setText(
+        isKnown ? ToQt(FormatText(text::kAntennaMetres, CParts::round(height.verticalM, kDecimals)))
+                : UiText(text::kAntennaNoMetres));
+    const bool isShort = isKnown && height.reduction == AntennaReduction::TooShort;
+    std::wstring warning;
+    if (!typed.empty()) {
+        warning = fault;
+    }
+    if (isShort) {
+        warning = FormatText(text::kAntennaTooShort, height.measuredM, height.method.radiusM);
+    } else if (warning.empty() && GetMaxCount() == 0) {
+        warning = Text(text::kAntennaNoCatalogue);
+    }
+    m_warning->setText(ToQt(warning));
+    m_warning->setVisible(!warning.empty());
+    const Theme& theme = Theme::Current();
+    Paint(m_warning, fault.empty() ? theme.attention : theme.bad);
+    Paint(m_vertical, isShort ? theme.attention : isKnown ? theme.text : theme.stale);
+    m_how->setText(UiText(HowText(height)));
+    m_drawing->Show(height, isKnown);
+}
+
+void CAntenna::AskReceiver(bool isWanted)
+{
+    switch (TakeFromReceiver()) {
+    case Taken::Yes: {
+        SetAntType();
+        SetAntWay();
+        const QSignalBlocker quiet(m_serial);
+        m_serial->setEditText(ToQt(GetAntSN()));
+        ShowHeight();
+        break;
+    }
+    case Taken::NotListed:
+        CMesBox().Warn(FormatText(text::kAntennaNotListed, SourceCode().c_str()),
+                       text::kAntennaCaption);
+        break;
+    case Taken::NoAnswer:
+        if (isWanted) {
+            CMesBox().Fail(text::kAntennaNotReceived, text::kAntennaCaption);
+        }
+        break;
+    }
+}
+
+bool CAntenna::Stay(const std::wstring& fault, QWidget* field)
+{
+    CMesBox().Warn(fault, text::kAntennaCaption);
+    field->setFocus();
+    return false;
+}
+
+bool CAntenna::OnClose(int result)
+{
+    if (result != kOk) {
+        return true;
+    }
+    const std::wstring height = m_height->currentText().toStdWString();
+    const std::wstring serial = m_serial->currentText().toStdWString();
+    if (const std::wstring fault = AntennaHeightFault(height); !fault.empty()) {
+        return Stay(fault, m_height);
+    }
+    if (const std::wstring fault = AntennaSerialFault(serial); !fault.empty()) {
+        return Stay(fault, m_serial);
+    }
+    DoDataExchange(true);
+    if (WriteRegAnt() == 0) {
+        CMesBox().Fail(text::kAntennaNotStored, text::kAntennaCaption);
+        return false;
+    }
+    return true;
+}
+
+void CAntenna::resizeEvent(QResizeEvent* event)
+{
+    Dialog::resizeEvent(event);
+    const bool isWide = event->size().width() > kWide;
+    m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_body->setStretch(0, isWide ? 1 : 0);
+    m_body->setStretch(1, 1);
+}
+
+} // namespace fieldcore
