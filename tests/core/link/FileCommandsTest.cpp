@@ -2,6 +2,7 @@
 
 #include "core/platform/FastClock.h"
 #include "tests/core/link/FileServer.h"
+#include "tests/core/platform/TemporaryFolder.h"
 
 #include <functional>
 #include <string_view>
@@ -67,6 +68,7 @@ protected:
     CCommand command{{nullptr, &clock, nullptr, nullptr}};
     DirectoryTable table{};
     Window window;
+    TemporaryFolder folder;
 };
 
 TEST_F(FileCommandsTest, SendsTheseBytes)
@@ -107,6 +109,10 @@ TEST_F(FileCommandsTest, SendsTheseBytes)
          {2,   0,   0xA1, 14,  'A', '0', '3', '1', '4',  'A',
           '0', '0', '.',  'Q', '0', '1', ' ', ' ', 0x79, 3}},
         {"download",
+         [&] { return static_cast<int>(command.DownloadFile(folder.Path(), L"A.Q01", 5)); },
+         {2,   0,   0x96, 20,  'A', '.', 'Q', '0', '1', ' ', ' ', ' ',  ' ',
+          ' ', ' ', ' ',  ' ', ' ', 0,   0,   0,   0,   0,   0,   0xEB, 3}},
+        {"download to where nothing can be kept",
          [&] { return static_cast<int>(command.DownloadFile("/nowhere/at/all", L"A", 0)); },
          {}},
     };
