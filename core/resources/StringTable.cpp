@@ -32,6 +32,20 @@ constexpr Entry kEntries[] = {
     Entry{text::kAlmanacOldCaption, L"軌道暦エラー"},
     Entry{text::kAlmanacUpdated, L"軌道暦を更新しました"},
     Entry{text::kAlmanacUpdatedCaption, L"軌道暦更新"},
+    Entry{text::kCheckNumber, L"入力値に不正な値が含まれています。再度確認してください。"},
+    Entry{text::kCheckNumberCaption, L"数値入力警告"},
+    Entry{text::kCheckPointName,
+          L"「観測点名」に不正な文字が含まれています。再度確認してください。\n"
+          L"「観測点名」で利用できる文字は、「半角英数カナ文字」と「一部の記号」です。\n"
+          L"「漢字・大文字のかな・カタカナ」は利用できません。"},
+    Entry{text::kCheckPointNameCaption, L"観測点名入力警告"},
+    Entry{text::kCheckAngle, L"角度データの入力は \nDD.MMSSsssss 形式です。\n"
+                             L"DD:度 MM:分 SS:秒(整数部) sssss:(小数部)\n"
+                             L"度分（データ区切りは小数点記号'.'です）\n"
+                             L"秒入力は始めの2桁が整数部分残りの桁が小数点部分です。"},
+    Entry{text::kCheckAngleCaption, L"角度入力警告"},
+    Entry{text::kCheckRange, L"入力値は[ %ls ]～[ %ls ]までです。"},
+    Entry{text::kCheckRangeCaption, L"制限値オーバー"},
     Entry{text::kGraphCount, L"衛星数"},
     Entry{text::kGraphAzimuth, L"方位角"},
     Entry{text::kGraphElevation, L"高度角"},

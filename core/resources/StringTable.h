@@ -21,6 +21,16 @@ inline constexpr int kAlmanacOldCaption = 20143;
 inline constexpr int kAlmanacUpdated = 20176;
 inline constexpr int kAlmanacUpdatedCaption = 20177;
 
+// What is wrong with what was typed
+inline constexpr int kCheckNumber = 20231;
+inline constexpr int kCheckNumberCaption = 20232;
+inline constexpr int kCheckPointName = 20233;
+inline constexpr int kCheckPointNameCaption = 20234;
+inline constexpr int kCheckAngle = 20235;
+inline constexpr int kCheckAngleCaption = 20236;
+inline constexpr int kCheckRange = 20274; ///< lowest, highest: both texts
+inline constexpr int kCheckRangeCaption = 20275;
+
 // The graphs of the observation plan, under the numbers of their menu items
 inline constexpr int kGraphCount = 21901;
 inline constexpr int kGraphAzimuth = 21902;
