@@ -3,6 +3,7 @@
 #include "app/Options.h"
 #include "app/StatusStrip.h"
 
+#include "core/equipment/PortEdit.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/FrameHistory.h"
@@ -52,9 +53,18 @@ public:
     bool Connect(QWidget* parent, std::wstring& fault);
     void Disconnect();
 
-    /// @param choice  stored in the settings, too
+    /// @param choice  stored in the settings, too: its rate as that of the controller's own line
     void Choose(const ConnectChoice& choice);
     [[nodiscard]] const ConnectChoice& Choice() const { return m_choice; }
+
+    /// The port of the receiver that the controller is plugged into, and how many it has, as it
+    /// said last; 1 and the most that there can be before it said anything.
+    [[nodiscard]] int ReceiverPort() const { return m_receiverPort; }
+    [[nodiscard]] int ReceiverPorts() const { return m_receiverPorts; }
+    /// Connects with the parameters of the line that @p edit has just stored; goes back to those
+    /// before if the receiver has stayed there.
+    /// @return string-table number of what to tell the user, 0 if all is well
+    int FollowLink(PortEdit& edit);
 
     /// Where the chosen port is reached; starts the simulated receiver if that is meant.
     /// @return nothing, with @p fault in words for the user, if there is no such port
@@ -85,6 +95,7 @@ Q_SIGNALS:
 
 private:
     void ReadModel();
+    void ReadLinkRate();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -101,6 +112,8 @@ private:
     std::unique_ptr<CCommand> m_command;
     std::unique_ptr<ReceiverLink> m_link;
     ConnectChoice m_choice;
+    int m_receiverPort = 1;
+    int m_receiverPorts = CComPrmSet::kMostPorts;
     QString m_receiver; // name of the model that is connected
     std::unique_ptr<LinkMonitor> m_monitor;
     QString m_notice;

@@ -28,6 +28,7 @@ constexpr Entry kButtons[] = {
     {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
     {MainWindow::kPlan, "plan", text::kAppPlan},
     {MainWindow::kFrames, "recording", text::kAppFrames},
+    {MainWindow::kPorts, "port", text::kComTitle},
     {MainWindow::kForceInit, "restore", text::kAppForceInit},
     {MainWindow::kSettings, "settings", text::kAppSettings},
 };
@@ -50,6 +51,7 @@ MainWindow::MainWindow(QWidget* parent)
     const int link = m_menu->AddPopup(UiText(text::kAppMenuLink));
     m_menu->AddItem(link, kConnect, UiText(text::kAppConnect));
     m_menu->AddItem(link, kDisconnect, UiText(text::kAppDisconnect));
+    m_menu->AddItem(link, kPorts, UiText(text::kComTitle));
     m_menu->AddSeparator(link);
     m_menu->AddItem(link, kFrames, UiText(text::kAppFrames));
     const int view = m_menu->AddPopup(UiText(text::kAppMenuView));

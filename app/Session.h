@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Controller.h"
+#include "ui/equipment/ComPort.h"
 #include "ui/link/PortChooserDlg.h"
 #include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
@@ -51,6 +52,8 @@ private:
     [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
     void ChoosePort();
     void ChangeSettings();
+    void ChangePorts();
+    [[nodiscard]] CComPort::Surroundings PortsWorld();
     void Connect();
     void ConnectAtStart();
     /// Asks how to end, and does it but for closing the window.

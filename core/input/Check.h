@@ -39,9 +39,9 @@ public:
     int CheckPointName(const std::wstring& text, int controlId, int showMessage);
     int CheckPointName(const std::wstring& text, FocusTarget* control, int showMessage);
 
-    /// An angle: degrees, minutes and seconds with minus signs between, such as 135-07-04.5; minutes
-    /// and seconds may be left out. Blanks do not count. Degrees within the limits, minutes to 59,
-    /// seconds to 59.9999999999.
+    /// An angle: degrees, minutes and seconds with minus signs between, such as 135-07-04.5;
+    /// minutes and seconds may be left out. Blanks do not count. Degrees within the limits, minutes
+    /// to 59, seconds to 59.9999999999.
     int CheckDeg(const std::wstring& text, int controlId, int showMessage);
     int CheckDeg(const std::wstring& text, FocusTarget* control, int showMessage);
 

@@ -78,7 +78,8 @@ public:
     static int WriteRegAttrib(const EntryList& list, int count, const CReg& reg = HostReg());
 
     /// The page of a dialog that was open last.
-    /// @param read   not 0: @p value becomes what is stored, and stays if there is nothing; 0: it is
+    /// @param read   not 0: @p value becomes what is stored, and stays if there is nothing; 0: it
+    /// is
     ///               stored
     /// @param value  whatever was stored: not checked against the pages that there are
     static int SetRegActivePage(int read, int& value, const std::wstring& dialogName,

@@ -463,6 +463,37 @@ constexpr Entry kEntries[] = {
     Entry{text::kSkySignalUnit, L"dB-Hz"},
     Entry{text::kSkyPlotName, L"スカイプロット"},
     Entry{text::kSkyListName, L"衛星の一覧"},
+    Entry{text::kComTitle, L"通信設定"},
+    Entry{text::kComPage, L"COM%d"},
+    Entry{text::kComRate, L"通信速度"},
+    Entry{text::kComDataBits, L"データ長"},
+    Entry{text::kComParity, L"パリティ"},
+    Entry{text::kComStopBits, L"ストップビット"},
+    Entry{text::kComFlow, L"フロー"},
+    Entry{text::kComIsLink,
+          L"コントローラが接続しているポートです。変更すると、新しい設定で接続し直します。"},
+    Entry{text::kComIsLinkOffline, L"コントローラが接続するポートです。受信機と接続していないため、"
+                                   L"コントローラ側の設定だけを変更します。"},
+    Entry{text::kComOffline, L"受信機と接続していないため、設定は保存だけ行います。"},
+    Entry{text::kComSearch, L"通信速度を探す"},
+    Entry{text::kComSearching, L"%ld bps を確認しています（%d/%d）"},
+    Entry{text::kComSearchFound, L"%ld bps で受信機が応答しました。"},
+    Entry{text::kComSearchFailed,
+          L"どの通信速度でも応答がありません。電源とケーブルを確認してください。"},
+    Entry{text::kComSearchCancelled, L"検索を中止しました。"},
+    Entry{text::kComRefused, L"受信機がCOM%dの設定を受け付けませんでした。\n"
+                             L"設定を変更して、再度実行してください。"},
+    Entry{text::kComNoAnswer, L"COM%dの設定に受信機が応答しません。\n"
+                              L"接続を確認して、再度実行してください。"},
+    Entry{text::kComNotStored,
+          L"COM%dの設定を保存できません。\n記憶領域の空き容量を確認してください。"},
+    Entry{text::kComFailedCaption, L"通信設定エラー"},
+    Entry{text::kComLinkStayed, L"受信機は変更前の設定で応答しています。\n"
+                                L"コントローラの設定も元に戻しました。"},
+    Entry{text::kComLinkLost, L"設定の変更後、受信機から応答がありません。\n"
+                              L"通信設定の「通信速度を探す」を実行してください。"},
+    Entry{text::kComLinkCaption, L"通信設定"},
+    Entry{text::kComSearchPort, L"通信ポートを開けません。接続を確認してください。"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

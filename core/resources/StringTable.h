@@ -449,6 +449,31 @@ inline constexpr int kSkySignalUnit = 60667;
 inline constexpr int kSkyPlotName = 60668; ///< names for who cannot see
 inline constexpr int kSkyListName = 60669;
 
+// The parameters of the serial ports
+inline constexpr int kComTitle = 60900;
+inline constexpr int kComPage = 60901; ///< number of the port
+inline constexpr int kComRate = 60902;
+inline constexpr int kComDataBits = 60903;
+inline constexpr int kComParity = 60904;
+inline constexpr int kComStopBits = 60905;
+inline constexpr int kComFlow = 60906;
+inline constexpr int kComIsLink = 60907; ///< the controller uses this port; the receiver is there
+inline constexpr int kComIsLinkOffline = 60908;
+inline constexpr int kComOffline = 60909;
+inline constexpr int kComSearch = 60910;
+inline constexpr int kComSearching = 60911;   ///< rate, number, of so many
+inline constexpr int kComSearchFound = 60912; ///< rate
+inline constexpr int kComSearchFailed = 60913;
+inline constexpr int kComSearchCancelled = 60914;
+inline constexpr int kComRefused = 60915; ///< number of the port, as the next two
+inline constexpr int kComNoAnswer = 60916;
+inline constexpr int kComNotStored = 60917;
+inline constexpr int kComFailedCaption = 60918;
+inline constexpr int kComLinkStayed = 60919;
+inline constexpr int kComLinkLost = 60920;
+inline constexpr int kComLinkCaption = 60921;
+inline constexpr int kComSearchPort = 60922; ///< why the port cannot be searched
+
 } // namespace text
 
 /// @return the text under @p id; empty if there is none. Any thread.

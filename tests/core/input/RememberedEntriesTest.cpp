@@ -16,7 +16,8 @@ using Texts = std::vector<std::wstring>;
 class PlainList final : public EntryList
 {
 public:
-    explicit PlainList(Texts given = {}, int chosen = -1) : texts(std::move(given)), selected(chosen)
+    explicit PlainList(Texts given = {}, int chosen = -1)
+        : texts(std::move(given)), selected(chosen)
     {}
     [[nodiscard]] int GetCount() const override { return static_cast<int>(texts.size()); }
     [[nodiscard]] std::wstring GetText(int index) const override
@@ -90,7 +91,9 @@ TEST_F(RememberedEntries, ComeBackWithTheChoiceFirst)
         {"none wanted", PlainList({L"A"}, 0), 0, {}},
         {"fewer than none", PlainList({L"A"}, 0), -3, {}},
         {"an empty one uses up its number", PlainList({L"A", L"", L"C"}), 10, {L"A"}},
-        {"one that cannot be read again", PlainList({longest, longest + L"x", L"C"}), 10,
+        {"one that cannot be read again",
+         PlainList({longest, longest + L"x", L"C"}),
+         10,
          {longest, L"C"}},
     };
     for (const Row& row : rows) {
