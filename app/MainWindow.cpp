@@ -66,8 +66,8 @@ MainWindow::MainWindow(QWidget* parent)
     column->setSpacing(0);
     column->addWidget(m_status);
     m_body->setSpacing(0);
-    m_body->addWidget(m_scroll, 3);
-    m_body->addWidget(m_overview, 2);
+    m_body->addWidget(m_scroll, 2);
+    m_body->addWidget(m_overview, 1);
     column->addLayout(m_body, 1);
     column->addWidget(m_menu);
 
@@ -100,8 +100,8 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     const bool isWide = event->size().width() > kWide;
     m_home->SetColumns(isWide ? 1 : kColumns);
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    m_body->setStretch(0, isWide ? 1 : 3);
-    m_body->setStretch(1, isWide ? 4 : 2);
+    m_body->setStretch(0, isWide ? 1 : 2);
+    m_body->setStretch(1, isWide ? 4 : 1);
 }
 
 } // namespace fieldcore

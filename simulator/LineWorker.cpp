@@ -5,11 +5,13 @@
 #include <cerrno>
 #include <chrono>
 #include <ctime>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace fieldcore::simulator {
@@ -49,7 +51,8 @@ timespec ToTimespec(Clock::Duration duration)
 
 LineWorker::LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder)
     : m_clock(clock), m_responder(responder), m_paced(scenario.pacing == Pacing::Baud),
-      m_transmitter(m_paced, scenario.baudRate), m_baudRate(scenario.baudRate)
+      m_strictRate(scenario.strictRate), m_transmitter(m_paced, scenario.baudRate),
+      m_baudRate(scenario.baudRate), m_rateBefore(scenario.baudRate)
 {}
 
 LineWorker::~LineWorker()
@@ -145,7 +148,7 @@ void LineWorker::Read()
     std::array<std::uint8_t, 4096> bytes{};
     const ssize_t count =
         m_terminal.IsOpen() ? read(m_terminal.Master(), bytes.data(), bytes.size()) : -1;
-    for (ssize_t i = 0; i < count && m_terminal.IsOpen(); ++i) {
+    for (ssize_t i = 0; i < count && m_terminal.IsOpen() && IsRateRight(); ++i) {
         TakeIn(bytes[static_cast<std::size_t>(i)]);
     }
     if (count > 0) {
@@ -155,6 +158,21 @@ void LineWorker::Read()
             m_transmitter.Queue(m_responder.Answer(*rest), m_clock.Steady());
         }
     }
+}
+
+bool LineWorker::IsRateRight() const
+{
+    termios line{};
+    if (!m_strictRate || tcgetattr(m_terminal.Master(), &line) != 0) {
+        return true;
+    }
+    constexpr std::pair<speed_t, std::uint32_t> kRates[] = {
+        {B1200, 1200},   {B2400, 2400},   {B4800, 4800},     {B9600, 9600},    {B19200, 19200},
+        {B38400, 38400}, {B57600, 57600}, {B115200, 115200}, {B230400, 230400}};
+    const std::uint32_t own = m_clock.Steady() < m_rateChange ? m_rateBefore : m_baudRate;
+    return std::any_of(std::begin(kRates), std::end(kRates), [&](const auto& rate) {
+        return rate.first == cfgetospeed(&line) && rate.second == own;
+    });
 }
 
 void LineWorker::TakeIn(std::uint8_t byte)
@@ -179,8 +197,9 @@ void LineWorker::TakeIn(std::uint8_t byte)
     }
     m_transmitter.Queue(pieces, m_clock.Steady());
     if (m_responder.BaudRate() != m_baudRate) {
-        m_baudRate = m_responder.BaudRate();
-        m_transmitter.SetBaudRate(m_baudRate, m_clock.Steady() + kRateChange);
+        m_rateBefore = std::exchange(m_baudRate, m_responder.BaudRate());
+        m_rateChange = m_clock.Steady() + kRateChange;
+        m_transmitter.SetBaudRate(m_baudRate, m_rateChange);
     }
 }
 

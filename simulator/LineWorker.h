@@ -44,6 +44,8 @@ private:
     [[nodiscard]] std::optional<Clock::Duration> NextDue() const;
     void Read();
     void TakeIn(std::uint8_t byte);
+    /// Whether the controller's side of the line runs at the receiver's rate, if that matters.
+    [[nodiscard]] bool IsRateRight() const;
     void Write();
     /// Sends what the current piece may send.
     /// @return false if a part of it must wait
@@ -60,12 +62,15 @@ private:
     const Clock& m_clock;
     Responder& m_responder;
     const bool m_paced;
+    const bool m_strictRate;
 
     // The thread's own.
     PseudoTerminal m_terminal;
     RequestParser m_parser;
     Transmitter m_transmitter;
     std::uint32_t m_baudRate;
+    std::uint32_t m_rateBefore; // until m_rateChange
+    Clock::Duration m_rateChange{};
     bool m_pipeFull = false;
     Clock::Duration m_lastByte{};             // when the last byte of a request came
     std::optional<Clock::Duration> m_plugDue; // when the port comes back

@@ -271,6 +271,7 @@ constexpr Key kKeys[] = {
     {"baud", ReadBaud},
     {"pacing", ReadPacing},
     {"latency", [](Words& w, Scenario& s) { return w.Integer("ms", 0, 60'000, s.latencyMs); }},
+    {"strict-rate", [](Words& w, Scenario& s) { return w.YesNo("strict-rate", s.strictRate); }},
     {"answers", [](Words& w, Scenario& s) { return w.YesNo("answers", s.answers); }},
     {"start", ReadStart},
     {"speed", [](Words& w, Scenario& s) { return w.Real("the speed", 1e-3, 1e6, s.speed); }},

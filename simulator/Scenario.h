@@ -136,8 +136,9 @@ struct Scenario
     int portCount = 2;
     std::uint32_t baudRate = 38400;
     Pacing pacing = Pacing::Burst;
-    int latencyMs = 0;   ///< thinking time before each answer
-    bool answers = true; ///< false: the port is there and nothing ever comes
+    int latencyMs = 0;       ///< thinking time before each answer
+    bool strictRate = false; ///< what comes at another rate than the receiver's is not understood
+    bool answers = true;     ///< false: the port is there and nothing ever comes
 
     // Time, and what goes wrong.
     std::optional<Clock::UtcTime> start; ///< the receiver's date when it starts; none: the clock's

@@ -20,7 +20,7 @@ int PortSetText(PortSet outcome)
     return 0;
 }
 
-PortEdit::PortEdit(int linkPort, SettingsRoots& roots)
+PortEdit::PortEdit(int linkPort, SettingsRoots& roots, const std::optional<PortSettings>& link)
     : m_roots(roots),
       m_linkPort(linkPort >= 1 && linkPort <= CComPrmSet::kMostPorts ? linkPort : 0),
       m_link(roots), m_ports{CComPrmSet(roots), CComPrmSet(roots), CComPrmSet(roots)}
@@ -28,10 +28,19 @@ PortEdit::PortEdit(int linkPort, SettingsRoots& roots)
     // What cannot be read is the default.
     m_link.ReadRegCommPrm(CComPrmSet::kLinkPort);
     m_link.ConvData2Flag();
+    if (link) {
+        m_link.SetSETCOMMS({0, link->baudRate, link->byteSize, link->parity, link->stopBits,
+                            static_cast<std::uint8_t>(link->flowControl), 0});
+    }
     m_link.ConvFlag2Data();
+    SetRS232PortParameters now;
+    m_link.GetSETCOMMS(m_linkPort, now);
     for (int port = 1; port <= CComPrmSet::kMostPorts; ++port) {
-        At(port).ReadRegCommPrm(port == m_linkPort ? CComPrmSet::kLinkPort : port);
+        At(port).ReadRegCommPrm(port);
         At(port).ConvData2Flag();
+        if (port == m_linkPort) {
+            At(port).SetSETCOMMS(now);
+        }
     }
 }
 
@@ -39,7 +48,7 @@ PortSet PortEdit::Set(int port, CCommand* command)
 {
     CComPrmSet& set = At(port);
     const bool isLink = port == m_linkPort;
-    if (isLink && !IsLinkChanged()) {
+    if (isLink && !MovesLink()) {
         return PortSet::Done;
     }
     set.ConvFlag2Data();
@@ -55,6 +64,12 @@ PortSet PortEdit::Set(int port, CCommand* command)
         }
     }
     return set.WriteRegCommPrm(port) == 1 ? PortSet::Done : PortSet::NotStored;
+}
+
+bool PortEdit::MovesLink() const
+{
+    return m_linkPort != 0 &&
+           !m_link.HasFlagsOf(m_ports.at(static_cast<std::size_t>(m_linkPort - 1)));
 }
 
 bool PortEdit::IsLinkChanged() const

@@ -3,6 +3,8 @@
 #include "core/equipment/ComPrmSet.h"
 
 #include <array>
+#include <cstddef>
+#include <optional>
 
 namespace fieldcore {
 
@@ -31,7 +33,9 @@ public:
     /// @param linkPort  the port of the receiver that the controller uses; 0 or above kMostPorts:
     ///                  none of those that can be set
     /// @param roots     must outlive the object
-    explicit PortEdit(int linkPort, SettingsRoots& roots = SettingsRoots::Instance());
+    /// @param link      how the link runs, if not as it is stored
+    explicit PortEdit(int linkPort, SettingsRoots& roots = SettingsRoots::Instance(),
+                      const std::optional<PortSettings>& link = std::nullopt);
 
     /// @param port  1 to CComPrmSet::kMostPorts
     [[nodiscard]] CComPrmSet& At(int port)
@@ -46,6 +50,8 @@ public:
     /// @param command  null, or its port closed: there is no receiver, the flags are stored only
     [[nodiscard]] PortSet Set(int port, CCommand* command);
 
+    /// Whether the controller's port is to run otherwise than the link did when this was made.
+    [[nodiscard]] bool MovesLink() const;
     /// Whether the stored link differs from the flags of the controller's port.
     [[nodiscard]] bool IsLinkChanged() const;
     /// Stores the flags of the controller's port as the link's. @return 1 or 0
