@@ -34,6 +34,7 @@ protected:
         auto sheet = std::make_unique<CComPort>(
             &m_command, 1, QStringLiteral("通信設定"), nullptr, page,
             CComPort::Surroundings{&m_roots, ports, [this] { return std::optional(m_target); }});
+        sheet->resize(480, 640);
         sheet->show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
         return sheet;
@@ -123,6 +124,7 @@ TEST_F(ComPortTest, FindsTheRateWithoutAConnection)
     }
     EXPECT_EQ(Combo(*sheet, 0, text::kComRate)->currentText(), QStringLiteral("38400"));
     EXPECT_EQ(Combo(*sheet, 0, text::kComFlow)->currentText(), QStringLiteral("CTS"));
+    QApplication::processEvents(); // which takes the strip of the wait away
     KeepPicture(*sheet, QStringLiteral("com-found"));
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->IsLinkChanged());
