@@ -1,5 +1,7 @@
 #include "app/Controller.h"
 
+#include "core/equipment/ComBlueToothSet.h"
+#include "core/equipment/LinkFollow.h"
 #include "core/link/Connect.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/link/RecvInfo.h"
@@ -9,12 +11,14 @@
 #include "core/planning/PlanSite.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
 #include "ui/link/ConnectDlg.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -61,6 +65,18 @@ std::vector<AlmanacRecord> SampleAlmanac(Clock::UtcTime now)
                                 static_cast<std::uint32_t>(inWeek));
 }
 
+/// The port of a user who has chosen none: where the host suite has the receiver, if it says so.
+ConnectChoice FirstChoice(SettingsRoots& roots)
+{
+    ConnectChoice choice;
+    CComBlueToothSet way(roots);
+    way.ReadReg();
+    if (way.IsStored() && way.GetConnectPort() >= 1 && way.GetConnectPort() <= PortNames::kMaxCom) {
+        choice.port = "COM" + std::to_string(way.GetConnectPort());
+    }
+    return choice;
+}
+
 } // namespace
 
 Controller::Controller(const AppOptions& options)
@@ -88,7 +104,8 @@ Controller::Controller(const AppOptions& options)
     connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::Changed);
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
-    m_choice = LoadConnectChoice(m_reg);
+    m_choice = LoadConnectChoice(m_reg, FirstChoice(m_roots));
+    ReadLinkRate();
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
     }
@@ -170,6 +187,8 @@ void Controller::ReadModel()
     m_receiver.clear();
     if (info.GetOptionData(*m_command) != 0) {
         const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
+        m_receiverPort = info.GetCurrentPortID();
+        m_receiverPorts = std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts);
         m_receiver = type != nullptr && type->model != nullptr
                          ? fieldcore::ToQt(type->model)
                          : QString::number(info.GetRecvTypeNum());
@@ -188,6 +207,45 @@ void Controller::Choose(const ConnectChoice& choice)
 {
     m_choice = choice;
     SaveConnectChoice(m_reg, choice);
+    SetLinkRate(choice.baudRate, m_roots);
+    ReadLinkRate();
+}
+
+void Controller::ReadLinkRate()
+{
+    m_choice.baudRate = LinkSettings(m_roots).baudRate;
+}
+
+int Controller::FollowLink(PortEdit& edit)
+{
+    ReadLinkRate();
+    if (m_command->IsPortOpen() == 0) {
+        return 0; // the next connection will have them
+    }
+    std::wstring fault;
+    const std::optional<ConnectTarget> target = Target(fault);
+    if (!target) {
+        return text::kComLinkLost;
+    }
+    const LinkFollowed followed = fieldcore::FollowLink(*m_command, *target, edit.LinkBefore());
+    if (followed == LinkFollowed::Stayed) {
+        edit.TakeLinkBack();
+        ReadLinkRate();
+    }
+    const bool isOpen = followed == LinkFollowed::Moved || followed == LinkFollowed::Stayed;
+    if (!isOpen || !ConnectQuietly(fault)) {
+        Disconnect();
+    }
+    switch (followed) {
+    case LinkFollowed::Stayed:
+        return text::kComLinkStayed;
+    case LinkFollowed::Lost:
+        return text::kComLinkLost;
+    case LinkFollowed::Moved:
+    case LinkFollowed::Cancelled:
+        break;
+    }
+    return 0;
 }
 
 std::optional<ConnectTarget> Controller::Target(std::wstring& fault)
@@ -200,12 +258,12 @@ std::optional<ConnectTarget> Controller::Target(std::wstring& fault)
     if (named.port->kind == PortKind::Device) {
         m_simulator.reset();
         m_scenario.clear();
-        return TargetOf(named.port->path, m_choice.baudRate, m_names);
+        return TargetOf(named.port->path, LinkSettings(m_roots), m_names);
     }
     if (!StartSimulator(named.port->scenario.empty() ? "lark" : named.port->scenario, fault)) {
         return std::nullopt;
     }
-    return TargetOf(m_simulator->PortPath(), m_choice.baudRate, m_names);
+    return TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
 }
 
 bool Controller::StartSimulator(const std::string& scenario, std::wstring& fault)

@@ -4,6 +4,7 @@
 #include "app/StatusStrip.h"
 
 #include "core/equipment/AntennaSettings.h"
+#include "core/equipment/PortEdit.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/FrameHistory.h"
@@ -53,9 +54,18 @@ public:
     bool Connect(QWidget* parent, std::wstring& fault);
     void Disconnect();
 
-    /// @param choice  stored in the settings, too
+    /// @param choice  stored in the settings, too: its rate as that of the controller's own line
     void Choose(const ConnectChoice& choice);
     [[nodiscard]] const ConnectChoice& Choice() const { return m_choice; }
+
+    /// The port of the receiver that the controller is plugged into, and how many it has, as it
+    /// said last; 1 and the most that there can be before it said anything.
+    [[nodiscard]] int ReceiverPort() const { return m_receiverPort; }
+    [[nodiscard]] int ReceiverPorts() const { return m_receiverPorts; }
+    /// Connects with the parameters of the line that @p edit has just stored; goes back to those
+    /// before if the receiver has stayed there.
+    /// @return string-table number of what to tell the user, 0 if all is well
+    int FollowLink(PortEdit& edit);
 
     /// Where the chosen port is reached; starts the simulated receiver if that is meant.
     /// @return nothing, with @p fault in words for the user, if there is no such port
@@ -91,6 +101,7 @@ Q_SIGNALS:
 private:
     void ReadModel();
     void ReadAntenna();
+    void ReadLinkRate();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -109,6 +120,8 @@ private:
     std::unique_ptr<AntennaSettings> m_antenna;
     QString m_antennaLine;
     ConnectChoice m_choice;
+    int m_receiverPort = 1;
+    int m_receiverPorts = CComPrmSet::kMostPorts;
     QString m_receiver; // name of the model that is connected
     std::unique_ptr<LinkMonitor> m_monitor;
     QString m_notice;

@@ -29,6 +29,7 @@ constexpr Entry kButtons[] = {
     {MainWindow::kPlan, "plan", text::kAppPlan},
     {MainWindow::kAntenna, "antenna", text::kAppAntenna},
     {MainWindow::kFrames, "recording", text::kAppFrames},
+    {MainWindow::kPorts, "port", text::kComTitle},
     {MainWindow::kForceInit, "restore", text::kAppForceInit},
     {MainWindow::kSettings, "settings", text::kAppSettings},
 };
@@ -51,6 +52,7 @@ MainWindow::MainWindow(QWidget* parent)
     const int link = m_menu->AddPopup(UiText(text::kAppMenuLink));
     m_menu->AddItem(link, kConnect, UiText(text::kAppConnect));
     m_menu->AddItem(link, kDisconnect, UiText(text::kAppDisconnect));
+    m_menu->AddItem(link, kPorts, UiText(text::kComTitle));
     m_menu->AddSeparator(link);
     m_menu->AddItem(link, kFrames, UiText(text::kAppFrames));
     const int view = m_menu->AddPopup(UiText(text::kAppMenuView));
@@ -65,8 +67,8 @@ MainWindow::MainWindow(QWidget* parent)
     column->setSpacing(0);
     column->addWidget(m_status);
     m_body->setSpacing(0);
-    m_body->addWidget(m_scroll, 3);
-    m_body->addWidget(m_overview, 2);
+    m_body->addWidget(m_scroll, 2);
+    m_body->addWidget(m_overview, 1);
     column->addLayout(m_body, 1);
     column->addWidget(m_menu);
 
@@ -99,8 +101,8 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     const bool isWide = event->size().width() > kWide;
     m_home->SetColumns(isWide ? 1 : kColumns);
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    m_body->setStretch(0, isWide ? 1 : 3);
-    m_body->setStretch(1, isWide ? 4 : 2);
+    m_body->setStretch(0, isWide ? 1 : 2);
+    m_body->setStretch(1, isWide ? 4 : 1);
 }
 
 } // namespace fieldcore

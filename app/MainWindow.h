@@ -33,6 +33,7 @@ public:
         kSkyPlot,
         kFrames,
         kForceInit,
+        kPorts,
         kSettings,
         kAntenna,
         kThemeDaylight,

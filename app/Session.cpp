@@ -93,6 +93,9 @@ void Session::Open(int choice)
     case MainWindow::kFrames:
         FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
         break;
+    case MainWindow::kPorts:
+        ChangePorts();
+        break;
     case MainWindow::kSettings:
         ChangeSettings();
         break;
@@ -199,6 +202,28 @@ std::unique_ptr<QWidget> Session::AntennaScreen(int way, double heightM)
     return dialog;
 }
 
+CComPort::Surroundings Session::PortsWorld()
+{
+    const auto target = [this] {
+        std::wstring fault;
+        return m_controller.Target(fault);
+    };
+    return {&m_controller.Roots(), m_controller.ReceiverPorts(), target};
+}
+
+void Session::ChangePorts()
+{
+    const ReceiverLink::Hold hold(m_controller.Link());
+    CComPort sheet(&m_controller.Command(), m_controller.ReceiverPort(), UiText(text::kComTitle),
+                   m_window.get(), CComPort::kLastPage, PortsWorld());
+    if (sheet.DoModal() != Dialog::kOk || !sheet.IsLinkChanged()) {
+        return;
+    }
+    if (const int told = m_controller.FollowLink(sheet.Edit()); told != 0) {
+        CMesBox(m_controller.Host()).Warn(told, text::kComLinkCaption);
+    }
+}
+
 void Session::Connect()
 {
     std::wstring fault;
@@ -245,7 +270,18 @@ std::vector<Session::Screen> Session::Screens()
             return dialog;
         };
     };
+    const auto ports = [this](int count) {
+        return [this, count]() -> std::unique_ptr<QWidget> {
+            CComPort::Surroundings world = PortsWorld();
+            world.ports = count;
+            return std::make_unique<CComPort>(&m_controller.Command(), m_controller.ReceiverPort(),
+                                              UiText(text::kComTitle), nullptr, count - 1, world);
+        };
+    };
     return {
+        {QStringLiteral("com-1"), ports(1)},
+        {QStringLiteral("com-2"), ports(2)},
+        {QStringLiteral("com-3"), ports(3)},
         {QStringLiteral("plan-count"), plan(0)},
         {QStringLiteral("plan-skyplot"), plan(1)},
         {QStringLiteral("plan-azimuth"), plan(2)},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Controller.h"
+#include "ui/equipment/ComPort.h"
 #include "ui/link/PortChooserDlg.h"
 #include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
@@ -53,6 +54,8 @@ private:
     void ChangeSettings();
     void ChangeAntenna();
     [[nodiscard]] std::unique_ptr<QWidget> AntennaScreen(int way, double heightM);
+    void ChangePorts();
+    [[nodiscard]] CComPort::Surroundings PortsWorld();
     void Connect();
     void ConnectAtStart();
     /// Asks how to end, and does it but for closing the window.

@@ -45,6 +45,8 @@ Command AddSimCommand(CLI::App& program);
 Command AddTraceCommand(CLI::App& program);
 Command AddPlanCommand(CLI::App& program);
 Command AddDoctorCommand(CLI::App& program);
+Command AddCheckCommand(CLI::App& program);
+Command AddNextCommand(CLI::App& program);
 Command AddDemoCommand(CLI::App& program);
 
 /// Adds a parser with a name, one line about it, and examples, which its help begins with.

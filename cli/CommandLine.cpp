@@ -72,8 +72,9 @@ struct Program
             AddPortsCommand(parser),    AddInfoCommand(parser),     AddStatusCommand(parser),
             AddIdentifyCommand(parser), AddResetCommand(parser),    AddAlmanacCommand(parser),
             AddPlanCommand(parser),     AddSettingsCommand(parser), AddGeoCommand(parser),
-            AddAntennaCommand(parser),  AddSimCommand(parser),      AddTraceCommand(parser),
-            AddDoctorCommand(parser),   AddDemoCommand(parser)};
+            AddCheckCommand(parser),    AddNextCommand(parser),     AddAntennaCommand(parser),
+            AddSimCommand(parser),      AddTraceCommand(parser),    AddDoctorCommand(parser),
+            AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

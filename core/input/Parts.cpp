@@ -1,5 +1,6 @@
 #include "core/input/Parts.h"
 
+#include "core/input/EntryList.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
 
@@ -7,6 +8,25 @@
 #include <cstddef>
 
 namespace fieldcore {
+
+namespace {
+
+constexpr const wchar_t* kPointName = L"PointName";
+constexpr const wchar_t* kPointNo = L"PointNo";
+constexpr const wchar_t* kAttrib = L"Attrib";
+
+/// The key of a group of settings, below the library's own.
+std::wstring GpsKey(const std::wstring& name)
+{
+    return L"GPS\\" + name;
+}
+
+std::wstring PointKey()
+{
+    return GpsKey(L"Point");
+}
+
+} // namespace
 
 double CParts::atof(const std::wstring& text)
 {
@@ -87,6 +107,100 @@ const wchar_t* CParts::GetPostSec(std::uint32_t surveyType)
     default:
         return L"Static";
     }
+}
+
+int CParts::StackComboList(EntryList& list, const std::wstring& text, int /*maxCount*/)
+{
+    if (text.empty()) {
+        return 1;
+    }
+    for (int i = 0; i < list.GetCount(); ++i) {
+        if (list.GetText(i) == text) {
+            list.Select(i);
+            return 1;
+        }
+    }
+    list.Insert(0, text);
+    list.ScrollToTop();
+    return 1;
+}
+
+int CParts::RegReadComboBoxList(EntryList& list, const CReg& reg, const std::wstring& key,
+                                const std::wstring& prefix, int count)
+{
+    for (int n = 0; n < count; ++n) {
+        std::wstring text;
+        if (reg.ReadString(key, prefix + std::to_wstring(n), text, L"") == 0 || text.empty()) {
+            break;
+        }
+        list.Insert(n, text);
+    }
+    return 1;
+}
+
+int CParts::RegWriteComboBoxList(const EntryList& list, const CReg& reg, const std::wstring& key,
+                                 const std::wstring& prefix, int count)
+{
+    const int selected = list.GetSelected();
+    const int first = selected >= 0 && selected < list.GetCount() ? selected : -1;
+    int number = 0;
+    const auto store = [&](int index) {
+        const std::wstring text = list.GetText(index);
+        if (CReg::FitsText(text)) {
+            const std::wstring name = prefix + std::to_wstring(number++);
+            return text.empty() || reg.WriteString(key, name, text) == 1;
+        }
+        return true;
+    };
+    bool goesOn = count > 0 && (first < 0 || store(first));
+    for (int i = 0; goesOn && i < list.GetCount() && number < count; ++i) {
+        goesOn = i == first || store(i);
+    }
+    return 1;
+}
+
+int CParts::ReadRegPointName(EntryList& list, int count, const CReg& reg)
+{
+    return RegReadComboBoxList(list, reg, PointKey(), kPointName, count);
+}
+
+int CParts::ReadRegPointNo(EntryList& list, int count, const CReg& reg)
+{
+    return RegReadComboBoxList(list, reg, PointKey(), kPointNo, count);
+}
+
+int CParts::ReadRegAttrib(EntryList& list, int count, const CReg& reg)
+{
+    return RegReadComboBoxList(list, reg, PointKey(), kAttrib, count);
+}
+
+int CParts::WriteRegPointName(const EntryList& list, int count, const CReg& reg)
+{
+    return RegWriteComboBoxList(list, reg, PointKey(), kPointName, count);
+}
+
+int CParts::WriteRegPointNo(const EntryList& list, int count, const CReg& reg)
+{
+    return RegWriteComboBoxList(list, reg, PointKey(), kPointNo, count);
+}
+
+int CParts::WriteRegAttrib(const EntryList& list, int count, const CReg& reg)
+{
+    return RegWriteComboBoxList(list, reg, PointKey(), kAttrib, count);
+}
+
+int CParts::SetRegActivePage(int read, int& value, const std::wstring& dialogName, const CReg& reg)
+{
+    constexpr const wchar_t* kActivePage = L"ActivePage";
+    const std::wstring key = GpsKey(dialogName);
+    auto number = static_cast<std::uint32_t>(value);
+    if (read != 0) {
+        reg.ReadNumber(key, kActivePage, number, number);
+        value = static_cast<int>(number);
+    } else {
+        reg.WriteNumber(key, kActivePage, number);
+    }
+    return 1;
 }
 
 } // namespace fieldcore

@@ -1,12 +1,17 @@
 #pragma once
 
+#include "core/settings/HostReg.h"
+
 #include <cstdint>
 #include <string>
 
 namespace fieldcore {
 
-/// Number text, the rounding that all screens share, and the names of the sections under which
-/// each survey type keeps its settings. It has no state; any thread.
+class EntryList;
+
+/// Number text, the rounding that all screens share, the names of the sections under which each
+/// survey type keeps its settings, and the entries that lists remember. It has no state. The
+/// functions that use no settings may be called by any thread.
 class CParts
 {
 public:
@@ -42,6 +47,43 @@ public:
     /// @param surveyType  one flag: 1, 2, 4 or 8; any other counts as 1
     /// @return a constant of the library
     [[nodiscard]] static const wchar_t* GetPostSec(std::uint32_t surveyType);
+
+    // Remembered entries. What was chosen is stored first, so that it comes back at the top, as the
+    // texts PREFIX0, PREFIX1 and so on of one key; an empty or missing one ends the list. A setting
+    // that cannot be written or read is no failure: all of these answer 1. An accessor of settings
+    // starts at the library's own key.
+
+    /// Puts a text at the top of the list, or selects it where it stands already, compared exactly.
+    /// An empty text changes nothing.
+    /// @param maxCount  how many are stored later; the list itself is not shortened
+    static int StackComboList(EntryList& list, const std::wstring& text, int maxCount);
+
+    /// Puts the stored entries into the list, in order, from its beginning.
+    /// @param count  at most
+    static int RegReadComboBoxList(EntryList& list, const CReg& reg, const std::wstring& key,
+                                   const std::wstring& prefix, int count);
+    /// Stores the selected entry and then the others. An empty one uses up its number; one that is
+    /// too long to be read again, see CReg::kMaxText, is left out. Ends at the first that cannot be
+    /// written.
+    /// @param count  numbers at most; what is stored under higher ones stays
+    static int RegWriteComboBoxList(const EntryList& list, const CReg& reg, const std::wstring& key,
+                                    const std::wstring& prefix, int count);
+
+    // The lists of the points: names, numbers and attributes.
+    static int ReadRegPointName(EntryList& list, int count, const CReg& reg = HostReg());
+    static int ReadRegPointNo(EntryList& list, int count, const CReg& reg = HostReg());
+    static int ReadRegAttrib(EntryList& list, int count, const CReg& reg = HostReg());
+    static int WriteRegPointName(const EntryList& list, int count, const CReg& reg = HostReg());
+    static int WriteRegPointNo(const EntryList& list, int count, const CReg& reg = HostReg());
+    static int WriteRegAttrib(const EntryList& list, int count, const CReg& reg = HostReg());
+
+    /// The page of a dialog that was open last.
+    /// @param read   not 0: @p value becomes what is stored, and stays if there is nothing; 0: it
+    /// is
+    ///               stored
+    /// @param value  whatever was stored: not checked against the pages that there are
+    static int SetRegActivePage(int read, int& value, const std::wstring& dialogName,
+                                const CReg& reg = HostReg());
 };
 
 } // namespace fieldcore

@@ -11,8 +11,8 @@
 namespace fieldcore {
 
 /// The rates that a receiver's port can be set to, bit/s.
-inline constexpr std::array<std::uint32_t, 7> kBaudRates{4800,  9600,   19200, 38400,
-                                                         57600, 115200, 230400};
+inline constexpr std::array<std::uint32_t, 7> kBaudRates{2400,  4800,  9600,  19200,
+                                                         38400, 57600, 115200};
 
 /// How the user last chose to reach the receiver.
 struct ConnectChoice
@@ -23,19 +23,21 @@ struct ConnectChoice
     bool operator==(const ConnectChoice&) const = default;
 };
 
-/// The choice that is stored in the key GPS\Connect. What is missing or can be no choice is as in
-/// one that was just made.
+/// The port that is stored in the key GPS\Connect, with the rate of @p otherwise: the rate is kept
+/// with the other parameters of the line, see CComPrmSet.
 /// @param reg  the accessor of the library's settings: a HostReg
-[[nodiscard]] ConnectChoice LoadConnectChoice(const CReg& reg);
+/// @param otherwise  its port where none is stored, or one that can be none
+[[nodiscard]] ConnectChoice LoadConnectChoice(const CReg& reg, ConnectChoice otherwise = {});
 
+/// Stores the port.
 /// @return 1; 0, and nothing is stored, if the name is longer than CReg::kMaxText or can be no
-///         port, or the rate is none of kBaudRates; 0 if the settings cannot be written
+///         port; 0 if the settings cannot be written
 int SaveConnectChoice(const CReg& reg, const ConnectChoice& choice);
 
 /// How a device is reached. COM1, and a device that has neither another COM number nor a Bluetooth
 /// name, is the cable.
 /// @param devicePath  of the port, or of the simulated receiver's
-[[nodiscard]] ConnectTarget TargetOf(const std::string& devicePath, std::uint32_t baudRate,
+[[nodiscard]] ConnectTarget TargetOf(const std::string& devicePath, const PortSettings& settings,
                                      const PortNames& names);
 
 } // namespace fieldcore

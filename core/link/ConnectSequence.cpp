@@ -63,6 +63,12 @@ const wchar_t* CauseText(CommandFault fault)
     return L"";
 }
 
+int OpenTarget(CCommand& command, const ConnectTarget& target)
+{
+    return target.devicePath.empty() ? command.OpenPort(target.port, target.settings)
+                                     : command.OpenPort(target.devicePath, target.settings);
+}
+
 ConnectSequence::ConnectSequence(CCommand& command, ConnectTarget target)
     : m_command(command), m_target(std::move(target))
 {}
@@ -75,7 +81,7 @@ int ConnectSequence::Run(ConnectObserver* observer)
     m_detail.clear();
     StatusReply status;
     const bool connected =
-        Do(ConnectStep::OpenPort, [this] { return OpenPort(); }) == 1 &&
+        Do(ConnectStep::OpenPort, [this] { return OpenTarget(m_command, m_target); }) == 1 &&
         Do(ConnectStep::WakeReceiver, [this] { return m_command.WakeReceiver(); }) == 1 &&
         Do(ConnectStep::AskStatus, [&] { return m_command.RequestStatus(status); }) == 1 &&
         Poll() == 1;
@@ -83,12 +89,6 @@ int ConnectSequence::Run(ConnectObserver* observer)
         m_command.ClosePort();
     }
     return connected ? 1 : 0;
-}
-
-int ConnectSequence::OpenPort()
-{
-    return m_target.devicePath.empty() ? m_command.OpenPort(m_target.port, m_target.settings)
-                                       : m_command.OpenPort(m_target.devicePath, m_target.settings);
 }
 
 int ConnectSequence::Poll()

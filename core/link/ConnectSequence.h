@@ -18,6 +18,9 @@ struct ConnectTarget
     [[nodiscard]] bool IsBluetooth() const { return port != 1; }
 };
 
+/// Opens the port of the target. @return 1 if it is open
+int OpenTarget(CCommand& command, const ConnectTarget& target);
+
 enum class ConnectStep
 {
     OpenPort,
@@ -64,7 +67,6 @@ public:
     [[nodiscard]] const std::string& FailureDetail() const { return m_detail; }
 
 private:
-    int OpenPort();
     int Poll();
     template <typename Request>
     int Do(ConnectStep step, Request request);

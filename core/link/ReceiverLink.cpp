@@ -175,10 +175,7 @@ void ReceiverLink::TryAgain()
 
 int ReceiverLink::Reopen()
 {
-    const int opened = m_target.devicePath.empty()
-                           ? m_command.OpenPort(m_target.port, m_target.settings)
-                           : m_command.OpenPort(m_target.devicePath, m_target.settings);
-    if (opened == 0) {
+    if (OpenTarget(m_command, m_target) == 0) {
         return 0;
     }
     ShortenTimeout();

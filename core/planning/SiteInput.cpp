@@ -1,12 +1,11 @@
 #include "core/planning/SiteInput.h"
 
+#include "core/input/Check.h"
 #include "core/planning/PackedDegrees.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
 
-#include <cmath>
-#include <numbers>
 #include <string_view>
 
 namespace fieldcore {
@@ -25,20 +24,15 @@ std::wstring Trimmed(std::wstring_view text)
                : std::wstring(text.substr(first, text.find_last_not_of(kBlanks) - first + 1));
 }
 
-/// A sign, digits, and perhaps a point and digits.
-bool IsDecimal(std::wstring_view text)
+/// A number within limits. That of a site has a digit before its point, too, and not more of them
+/// than a coordinate can have.
+bool IsNumber(const std::wstring& text, double lowest, double highest)
 {
-    if (text.starts_with(L'-') || text.starts_with(L'+')) {
-        text.remove_prefix(1);
-    }
-    const std::size_t point = text.find(L'.');
-    const std::wstring_view whole = text.substr(0, point);
-    const std::wstring_view rest =
-        point == std::wstring_view::npos ? std::wstring_view() : text.substr(point + 1);
-    constexpr std::size_t kMostDigits = 20;
-    return !whole.empty() && text.size() <= kMostDigits &&
-           whole.find_first_not_of(kDigits) == std::wstring_view::npos &&
-           rest.find_first_not_of(kDigits) == std::wstring_view::npos;
+    constexpr std::size_t kMostCharacters = 21;
+    const std::size_t first = text.find_first_of(kDigits);
+    return first != std::wstring::npos && first < text.find(L'.') &&
+           text.size() <= kMostCharacters &&
+           CCheck(lowest, highest).CheckNum(text, nullptr, 0, 0) == 1;
 }
 
 /// Whether the two digits at @p place behind the point, where there are any, are below 60.
@@ -51,15 +45,10 @@ bool IsSexagesimal(std::wstring_view text, std::size_t place)
 
 std::optional<double> ReadAngle(const std::wstring& text, double mostDeg)
 {
-    if (!IsDecimal(text) || !IsSexagesimal(text, 0) || !IsSexagesimal(text, 2)) {
+    if (!IsNumber(text, -mostDeg, mostDeg) || !IsSexagesimal(text, 0) || !IsSexagesimal(text, 2)) {
         return std::nullopt;
     }
-    const double angleRad = ParsePackedDegrees(text);
-    constexpr double kRounding = 1e-12;
-    if (std::abs(angleRad) > mostDeg / 180.0 * std::numbers::pi + kRounding) {
-        return std::nullopt;
-    }
-    return angleRad;
+    return ParsePackedDegrees(text);
 }
 
 bool IsName(const std::wstring& name)
@@ -94,11 +83,10 @@ std::optional<SiteFault> CheckSite(const SiteInput& input, ListedSite& site)
         return SiteFault{SiteField::Longitude, text::kSiteBadLongitude};
     }
     const std::wstring height = Trimmed(input.height);
-    const double heightM = ParseReal(height.c_str());
-    if (!IsDecimal(height) || heightM < kLowest || heightM > kHighest) {
+    if (!IsNumber(height, kLowest, kHighest)) {
         return SiteFault{SiteField::Height, text::kSiteBadHeight};
     }
-    read.observer = {*latitude, *longitude, heightM};
+    read.observer = {*latitude, *longitude, ParseReal(height.c_str())};
     site = read;
     return std::nullopt;
 }

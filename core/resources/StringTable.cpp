@@ -32,6 +32,18 @@ constexpr Entry kEntries[] = {
     Entry{text::kAlmanacOldCaption, L"軌道暦エラー"},
     Entry{text::kAlmanacUpdated, L"軌道暦を更新しました"},
     Entry{text::kAlmanacUpdatedCaption, L"軌道暦更新"},
+    Entry{text::kCheckNumber, L"入力値に不正な値が含まれています。再度確認してください。"},
+    Entry{text::kCheckNumberCaption, L"数値入力警告"},
+    Entry{text::kCheckPointName,
+          L"「観測点名」に不正な文字が含まれています。再度確認してください。\n"
+          L"「観測点名」で利用できる文字は、「半角英数カナ文字」と「一部の記号」です。\n"
+          L"「漢字・大文字のかな・カタカナ」は利用できません。"},
+    Entry{text::kCheckPointNameCaption, L"観測点名入力警告"},
+    Entry{text::kCheckAngle, L"角度データの入力は \nDD.MMSSsssss 形式です。\n"
+                             L"DD:度 MM:分 SS:秒(整数部) sssss:(小数部)\n"
+                             L"度分（データ区切りは小数点記号'.'です）\n"
+                             L"秒入力は始めの2桁が整数部分残りの桁が小数点部分です。"},
+    Entry{text::kCheckAngleCaption, L"角度入力警告"},
     Entry{text::kFileSelectCaption, L"データ選択警告"},
     Entry{text::kDeleteNothing, L"削除データを選択してください。"},
     Entry{text::kRecoverNothing, L"復帰データを選択してください。"},
@@ -39,6 +51,8 @@ constexpr Entry kEntries[] = {
     Entry{
         text::kDeleteSomeLogging,
         L"削除選択データ中にロギングデータが含まれて居ます。\nロギングデータの削除は行えません。"},
+    Entry{text::kCheckRange, L"入力値は[ %ls ]～[ %ls ]までです。"},
+    Entry{text::kCheckRangeCaption, L"制限値オーバー"},
     Entry{text::kDeleteCaption, L"データ削除確認"},
     Entry{text::kDeleteRecycled, L"ゴミ箱内のデータを削除すると、元に復帰できませせん。\nデータを完"
                                  L"全に削除してもよろしいですか？"},
@@ -537,6 +551,37 @@ constexpr Entry kEntries[] = {
     Entry{text::kAntennaHowSlant, L"測点からアンテナの縁までの斜距離を測ります。"},
     Entry{text::kAntennaHowBase, L"測点からアンテナの底面までの垂直な高さを測ります。"},
     Entry{text::kAppAntenna, L"アンテナ"},
+    Entry{text::kComTitle, L"通信設定"},
+    Entry{text::kComPage, L"COM%d"},
+    Entry{text::kComRate, L"通信速度"},
+    Entry{text::kComDataBits, L"データ長"},
+    Entry{text::kComParity, L"パリティ"},
+    Entry{text::kComStopBits, L"ストップビット"},
+    Entry{text::kComFlow, L"フロー"},
+    Entry{text::kComIsLink,
+          L"コントローラが接続しているポートです。変更すると、新しい設定で接続し直します。"},
+    Entry{text::kComIsLinkOffline, L"コントローラが接続するポートです。受信機と接続していないため、"
+                                   L"コントローラ側の設定だけを変更します。"},
+    Entry{text::kComOffline, L"受信機と接続していないため、設定は保存だけ行います。"},
+    Entry{text::kComSearch, L"通信速度を探す"},
+    Entry{text::kComSearching, L"%ld bps を確認しています（%d/%d）"},
+    Entry{text::kComSearchFound, L"%ld bps で受信機が応答しました。"},
+    Entry{text::kComSearchFailed,
+          L"どの通信速度でも応答がありません。電源とケーブルを確認してください。"},
+    Entry{text::kComSearchCancelled, L"検索を中止しました。"},
+    Entry{text::kComRefused, L"受信機がCOM%dの設定を受け付けませんでした。\n"
+                             L"設定を変更して、再度実行してください。"},
+    Entry{text::kComNoAnswer, L"COM%dの設定に受信機が応答しません。\n"
+                              L"接続を確認して、再度実行してください。"},
+    Entry{text::kComNotStored,
+          L"COM%dの設定を保存できません。\n記憶領域の空き容量を確認してください。"},
+    Entry{text::kComFailedCaption, L"通信設定エラー"},
+    Entry{text::kComLinkStayed, L"受信機は変更前の設定で応答しています。\n"
+                                L"コントローラの設定も元に戻しました。"},
+    Entry{text::kComLinkLost, L"設定の変更後、受信機から応答がありません。\n"
+                              L"通信設定の「通信速度を探す」を実行してください。"},
+    Entry{text::kComLinkCaption, L"通信設定"},
+    Entry{text::kComSearchPort, L"通信ポートを開けません。接続を確認してください。"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

@@ -54,6 +54,15 @@ inline constexpr int kTimeTensOfSeconds = 60714; ///< tens of seconds
 inline constexpr int kTimeMinutes = 60715;
 inline constexpr int kFreeSpace = 60716;
 inline constexpr int kFreeSpaceUnknown = 60717;
+// What is wrong with what was typed
+inline constexpr int kCheckNumber = 20231;
+inline constexpr int kCheckNumberCaption = 20232;
+inline constexpr int kCheckPointName = 20233;
+inline constexpr int kCheckPointNameCaption = 20234;
+inline constexpr int kCheckAngle = 20235;
+inline constexpr int kCheckAngleCaption = 20236;
+inline constexpr int kCheckRange = 20274; ///< lowest, highest: both texts
+inline constexpr int kCheckRangeCaption = 20275;
 
 // The graphs of the observation plan, under the numbers of their menu items
 inline constexpr int kGraphCount = 21901;
@@ -517,6 +526,30 @@ inline constexpr int kAntennaHowVertical = 60850;
 inline constexpr int kAntennaHowSlant = 60851;
 inline constexpr int kAntennaHowBase = 60852;
 inline constexpr int kAppAntenna = 60860;
+// The parameters of the serial ports
+inline constexpr int kComTitle = 60900;
+inline constexpr int kComPage = 60901; ///< number of the port
+inline constexpr int kComRate = 60902;
+inline constexpr int kComDataBits = 60903;
+inline constexpr int kComParity = 60904;
+inline constexpr int kComStopBits = 60905;
+inline constexpr int kComFlow = 60906;
+inline constexpr int kComIsLink = 60907; ///< the controller uses this port; the receiver is there
+inline constexpr int kComIsLinkOffline = 60908;
+inline constexpr int kComOffline = 60909;
+inline constexpr int kComSearch = 60910;
+inline constexpr int kComSearching = 60911;   ///< rate, number, of so many
+inline constexpr int kComSearchFound = 60912; ///< rate
+inline constexpr int kComSearchFailed = 60913;
+inline constexpr int kComSearchCancelled = 60914;
+inline constexpr int kComRefused = 60915; ///< number of the port, as the next two
+inline constexpr int kComNoAnswer = 60916;
+inline constexpr int kComNotStored = 60917;
+inline constexpr int kComFailedCaption = 60918;
+inline constexpr int kComLinkStayed = 60919;
+inline constexpr int kComLinkLost = 60920;
+inline constexpr int kComLinkCaption = 60921;
+inline constexpr int kComSearchPort = 60922; ///< why the port cannot be searched
 
 } // namespace text
 

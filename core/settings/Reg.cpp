@@ -34,6 +34,11 @@ std::size_t Utf16Length(std::wstring_view text)
 
 CReg::CReg(SettingsRoots& roots) : m_roots(roots) {}
 
+bool CReg::FitsText(std::wstring_view text)
+{
+    return Utf16Length(text) <= kMaxText && text.find(L'\0') == std::wstring_view::npos;
+}
+
 int CReg::SetRootKey(RootKey root, int create)
 {
     m_root = root;
@@ -78,6 +83,22 @@ int CReg::ReadNumber(std::wstring_view subkey, std::wstring_view name, std::uint
     const bool found = read.state == SettingsReadState::Found && stored != nullptr;
     number = found ? *stored : defaultNumber;
     return found ? 1 : 0;
+}
+
+int CReg::ReadOrStoreNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t& number,
+                            std::uint32_t defaultNumber) const
+{
+    const SettingsRead read = Read(subkey, name);
+    number = defaultNumber;
+    if (read.state == SettingsReadState::Missing) {
+        return WriteNumber(subkey, name, defaultNumber);
+    }
+    const auto* stored = std::get_if<std::uint32_t>(&read.value);
+    if (read.state != SettingsReadState::Found || stored == nullptr) {
+        return 0;
+    }
+    number = *stored;
+    return 1;
 }
 
 int CReg::WriteNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t number) const

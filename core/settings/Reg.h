@@ -31,6 +31,9 @@ public:
     /// @param roots  must outlive the object
     explicit CReg(SettingsRoots& roots = SettingsRoots::Instance());
 
+    /// Whether ReadString() would read this text again.
+    [[nodiscard]] static bool FitsText(std::wstring_view text);
+
     /// @param create  0: operations fail on a key that is not there
     int SetRootKey(RootKey root, int create);
 
@@ -47,6 +50,11 @@ public:
     /// @param number  the value; on failure @p defaultNumber
     int ReadNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t& number,
                    std::uint32_t defaultNumber) const;
+
+    /// The same, but a value that is missing gets stored with @p defaultNumber; that counts as
+    /// success.
+    int ReadOrStoreNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t& number,
+                          std::uint32_t defaultNumber) const;
 
     int WriteNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t number) const;
 

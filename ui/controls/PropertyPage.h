@@ -17,6 +17,8 @@ public:
 
     /// The sheet that the page stands in, nullptr while it stands in none.
     [[nodiscard]] PropertySheet* Sheet() const { return m_sheet; }
+    /// Whether OnInitDialog() has been called since the sheet was last opened: the page was seen.
+    [[nodiscard]] bool IsInitialised() const { return m_isInitialised; }
 
 protected:
     friend class PropertySheet;

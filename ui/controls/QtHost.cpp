@@ -94,9 +94,13 @@ void QtHost::FocusControl(int controlId)
 {
     QWidget* const window = FrontWindow();
     QWidget* const control = window != nullptr ? Dialog::FindControl(window, controlId) : nullptr;
-    if (control == nullptr) {
-        return;
+    if (control != nullptr) {
+        GiveFocus(control);
     }
+}
+
+void QtHost::GiveFocus(QWidget* control)
+{
     for (QWidget* around = control->parentWidget(); around != nullptr;
          around = around->parentWidget()) {
         if (auto* const page = qobject_cast<PropertyPage*>(around); page != nullptr) {

@@ -41,6 +41,9 @@ public:
     /// A control on a page that is not in front brings its page to the front. Without such a
     /// control nothing happens.
     void FocusControl(int controlId) override;
+    /// Puts the input focus into a control and brings it into sight: its page, and the part of the
+    /// page. What an edit box holds is selected.
+    static void GiveFocus(QWidget* control);
     void ShowWaitCursor(bool on) override;
     /// A window that itself shows what is waited for brings its own Cancel: while @p button can be
     /// pressed in the front window, it ends the wait, and no strip appears.

@@ -30,23 +30,26 @@ TEST(ConnectChoice, IsKeptAndNothingElseIsTaken)
     EXPECT_EQ(LoadConnectChoice(reg), fresh);
     const ConnectChoice chosen{"/dev/端末 1", 115200};
     ASSERT_EQ(SaveConnectChoice(reg, chosen), 1);
-    EXPECT_EQ(LoadConnectChoice(reg), chosen);
+    EXPECT_EQ(LoadConnectChoice(reg, {"sim:", 115200}), chosen);
     for (const ConnectChoice& wrong :
          {ConnectChoice{"/dev/" + std::string(260, 'x'), 38400}, ConnectChoice{"", 38400},
-          ConnectChoice{"receiver", 38400}, ConnectChoice{"COM3", 1234}}) {
+          ConnectChoice{"receiver", 38400}}) {
         EXPECT_EQ(SaveConnectChoice(reg, wrong), 0) << wrong.port;
-        EXPECT_EQ(LoadConnectChoice(reg), chosen);
+        EXPECT_EQ(LoadConnectChoice(reg).port, chosen.port);
     }
     // Somebody else's hand in the settings.
     reg.WriteString(L"GPS\\Connect", L"Port", L"\x1B[2J");
-    reg.WriteNumber(L"GPS\\Connect", L"BaudRate", 0);
     EXPECT_EQ(LoadConnectChoice(reg), fresh);
+    EXPECT_EQ(LoadConnectChoice(reg, {"COM5", 9600}).port, "COM5");
 }
 
 TEST(ConnectChoice, TellsTheCableFromBluetooth)
 {
     PortNames names;
     ASSERT_TRUE(names.Assign(5, "/dev/assigned"));
+    PortSettings settings;
+    settings.baudRate = 9600;
+    settings.parity = 2;
     struct Row
     {
         const char* path;
@@ -54,10 +57,11 @@ TEST(ConnectChoice, TellsTheCableFromBluetooth)
     };
     for (const Row& row : {Row{"/dev/ttyUSB7", false}, Row{"/dev/ttyS0", false},
                            Row{"/dev/rfcomm3", true}, Row{"/dev/assigned", true}}) {
-        const ConnectTarget target = TargetOf(row.path, 9600, names);
+        const ConnectTarget target = TargetOf(row.path, settings, names);
         EXPECT_EQ(target.IsBluetooth(), row.isBluetooth) << row.path;
         EXPECT_EQ(target.devicePath, row.path);
         EXPECT_EQ(target.settings.baudRate, 9600U);
+        EXPECT_EQ(target.settings.parity, 2);
     }
 }
 

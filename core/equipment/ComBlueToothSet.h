@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/settings/Reg.h"
+
+namespace fieldcore {
+
+/// How the controller reaches the receiver, as the host suite has set it for the whole machine: by
+/// cable on COM1, or by a Bluetooth serial port. One thread at a time, together with all others
+/// that use the same settings.
+class CComBlueToothSet
+{
+public:
+    enum Way : int
+    {
+        Cable = 0,
+        BlueTooth = 1,
+    };
+
+    /// @param roots  must outlive the object
+    explicit CComBlueToothSet(SettingsRoots& roots = SettingsRoots::Instance());
+
+    /// Reads the number GpsPort of the host suite; where there is none it is 1, and nothing is
+    /// made. 1 is the cable; any other is a Bluetooth port, whether there is such a COM number or
+    /// not.
+    /// @return 1
+    int ReadReg();
+    /// The host suite's settings are its own: writes nothing. @return 1
+    [[nodiscard]] int WriteReg() const { return 1; }
+
+    /// Whether the host suite has said it, as of ReadReg().
+    [[nodiscard]] bool IsStored() const { return m_isStored; }
+
+    [[nodiscard]] int GetConnectPort() const { return m_connectPort; } ///< COM number
+    void SetConnectPort(int port) { m_connectPort = port; }
+    [[nodiscard]] int GetComConnectWay() const { return m_way; } ///< a Way
+    void SetComConnectWay(int way) { m_way = way; }
+    [[nodiscard]] int GetBlueToothPort() const { return m_blueToothPort; } ///< COM number
+    void SetBlueToothPort(int port) { m_blueToothPort = port; }
+
+private:
+    CReg m_reg;
+    bool m_isStored = false;
+    int m_connectPort = 1;
+    int m_way = Cable;
+    int m_blueToothPort = 1;
+};
+
+} // namespace fieldcore

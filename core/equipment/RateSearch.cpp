@@ -1,0 +1,52 @@
+#include "core/equipment/RateSearch.h"
+
+#include "core/link/Command.h"
+
+#include <algorithm>
+#include <array>
+
+namespace fieldcore {
+
+namespace {
+
+// Factory setting, the usual ones, then the rest.
+constexpr std::array<std::uint32_t, 7> kLikely{38400, 9600, 115200, 57600, 19200, 4800, 2400};
+
+/// Long enough for a status at 2400 bit/s.
+constexpr std::chrono::milliseconds kAnswer{600};
+
+} // namespace
+
+std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
+                                        RateObserver* observer)
+{
+    std::array<std::uint32_t, kLikely.size()> rates = kLikely;
+    const auto first = std::find(rates.begin(), rates.end(), target.settings.baudRate);
+    if (first != rates.end()) {
+        std::rotate(rates.begin(), first, first + 1);
+    }
+    target.settings.replyTimeout = kAnswer;
+    int done = 0;
+    for (const std::uint32_t rate : rates) {
+        if (observer != nullptr) {
+            observer->OnRate(rate, done, static_cast<int>(rates.size()));
+        }
+        command.ClosePort();
+        target.settings.baudRate = rate;
+        StatusReply status;
+        const bool opened = OpenTarget(command, target) == 1;
+        const bool answered = opened && command.RequestStatus(status) == 1;
+        command.ClosePort();
+        if (answered) {
+            return rate;
+        }
+        if (!opened || command.Fault() == CommandFault::Cancelled ||
+            command.Fault() == CommandFault::LinkLost) {
+            return std::nullopt;
+        }
+        ++done;
+    }
+    return std::nullopt;
+}
+
+} // namespace fieldcore

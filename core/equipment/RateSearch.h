@@ -1,0 +1,34 @@
+#pragma once
+
+#include "core/link/ConnectSequence.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace fieldcore {
+
+class CCommand;
+
+/// Watches a search. Called on the thread that runs it.
+class RateObserver
+{
+public:
+    virtual ~RateObserver() = default;
+
+    /// @param rate  that is tried now, bit/s
+    /// @param done  how many are behind, of @p total
+    virtual void OnRate(std::uint32_t rate, int done, int total) = 0;
+};
+
+/// Looks for a receiver that does not answer at the rate it should: opens the port at each of the
+/// seven rates, the likely ones first, and asks for the status. A silent rate takes 1.75 s; the
+/// user cancels through the host's breath. The other parameters stay as they are. The port is
+/// closed before and after.
+/// @param target    where the receiver should be; its rate is tried first
+/// @param observer  may be null
+/// @return the rate at which it answered; nothing if none did, if the port does not open, or if the
+///         user has cancelled: command.Fault() tells which
+[[nodiscard]] std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
+                                                      RateObserver* observer = nullptr);
+
+} // namespace fieldcore

@@ -1,0 +1,185 @@
+#include "core/equipment/ComPrmSet.h"
+
+#include "core/equipment/ComBlueToothSet.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+class ComPrmSetTest : public ::testing::Test
+{
+protected:
+    /// What a port's settings show.
+    std::wstring Shown(int port)
+    {
+        CComPrmSet set(m_roots);
+        set.ReadRegCommPrm(port);
+        set.ConvData2Flag();
+        return set.GetPrmString();
+    }
+    std::uint32_t Stored(const wchar_t* name)
+    {
+        std::uint32_t number = 4711;
+        m_reg.ReadNumber(L"GPS\\Com\\Com2", name, number, number);
+        return number;
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    HostReg m_reg{m_roots};
+};
+
+TEST_F(ComPrmSetTest, IsTheFactorysAtFirst)
+{
+    EXPECT_EQ(Shown(0), L"38400-8-None-1-None");
+    EXPECT_EQ(Shown(1), L"9600-8-None-1-None");
+    EXPECT_EQ(Shown(2), L"9600-8-None-1-None");
+    EXPECT_EQ(Stored(L"Baudlate"), 9600U) << "a missing value gets made";
+    EXPECT_EQ(Stored(L"Length"), 8U);
+}
+
+TEST_F(ComPrmSetTest, ShowsAndWritesBackWhateverIsStored)
+{
+    struct Row
+    {
+        const char* fault;
+        const wchar_t* name;
+        std::uint32_t stored;
+        const wchar_t* shown;
+        std::uint32_t writtenBack;
+    };
+    const Row rows[] = {
+        {"slowest", L"Baudlate", 2400, L"2400-8-None-1-None", 2400},
+        {"4800", L"Baudlate", 4800, L"4800-8-None-1-None", 4800},
+        {"19200", L"Baudlate", 19200, L"19200-8-None-1-None", 19200},
+        {"38400", L"Baudlate", 38400, L"38400-8-None-1-None", 38400},
+        {"57600", L"Baudlate", 57600, L"57600-8-None-1-None", 57600},
+        {"fastest", L"Baudlate", 115200, L"115200-8-None-1-None", 115200},
+        {"unknown rate", L"Baudlate", 14400, L"9600-8-None-1-None", 9600},
+        {"rate beyond its field", L"Baudlate", 0xFFFFFFFF, L"9600-8-None-1-None", 9600},
+        {"7 bits", L"Length", 7, L"9600-7-None-1-None", 7},
+        {"unknown length", L"Length", 5, L"9600-8-None-1-None", 8},
+        {"low 8 bits count", L"Length", 0x107, L"9600-7-None-1-None", 7},
+        {"odd", L"Parity", 1, L"9600-8-Odd-1-None", 1},
+        {"even", L"Parity", 2, L"9600-8-Even-1-None", 2},
+        {"unknown parity is odd", L"Parity", 3, L"9600-8-Odd-1-None", 1},
+        {"two stop bits", L"Stopbit", 2, L"9600-8-None-2-None", 2},
+        {"one and a half", L"Stopbit", 1, L"9600-8-None-1-None", 0},
+        {"values and list differ: software", L"Flow", 1, L"9600-8-None-1-Xon/Xoff", 1},
+        {"values and list differ: hardware", L"Flow", 2, L"9600-8-None-1-CTS", 2},
+        {"unknown flow", L"Flow", 3, L"9600-8-None-1-None", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_reg.DeleteKey(L"GPS\\Com", L"Com2");
+        m_reg.WriteNumber(L"GPS\\Com\\Com2", row.name, row.stored);
+        EXPECT_EQ(Shown(2), row.shown);
+        CComPrmSet set(m_roots);
+        EXPECT_EQ(set.ReadRegCommPrm(2), 1);
+        set.ConvData2Flag();
+        set.ConvFlag2Data();
+        EXPECT_EQ(set.WriteRegCommPrm(2), 1);
+        EXPECT_EQ(Stored(row.name), row.writtenBack);
+    }
+}
+
+TEST_F(ComPrmSetTest, StopsAtWhatCannotBeRead)
+{
+    CComPrmSet good(m_roots);
+    ASSERT_EQ(good.SetPrmString(L"115200-7-Even-2-CTS"), 1);
+    ASSERT_EQ(good.WriteRegCommPrm(2), 1);
+    ASSERT_EQ(m_reg.WriteString(L"GPS\\Com\\Com2", L"Parity", L"even"), 1);
+    CComPrmSet read(m_roots);
+    EXPECT_EQ(read.ReadRegCommPrm(2), 0);
+    read.ConvData2Flag();
+    EXPECT_EQ(read.GetPrmString(), L"115200-7-None-1-None") << "read so far, then defaults";
+    EXPECT_EQ(good.WriteRegCommPrm(2), 1) << "a number takes the place of the text";
+    EXPECT_EQ(Shown(2), L"115200-7-Even-2-CTS");
+
+    // Somebody removes the key between reading and writing.
+    ASSERT_EQ(read.ReadRegCommPrm(2), 1);
+    ASSERT_EQ(m_reg.DeleteKey(L"GPS\\Com", L"Com2"), 1);
+    EXPECT_EQ(read.WriteRegCommPrm(2), 1);
+    EXPECT_EQ(Shown(2), L"115200-7-Even-2-CTS");
+}
+
+TEST_F(ComPrmSetTest, ReadsItsTextOrLeavesAllAsItWas)
+{
+    CComPrmSet set(m_roots);
+    ASSERT_EQ(set.SetPrmString(L"57600-7-ODD-2-xon/xoff"), 1);
+    for (const wchar_t* wrong : {L"", L"14400", L"9600-9", L"9600-8-None-1-None-", L"9600--None",
+                                 L"9600-8-None-1-None-8", L"９600", L"9600-8-Mark"}) {
+        EXPECT_EQ(set.SetPrmString(wrong), 0);
+        EXPECT_EQ(set.GetPrmString(), L"57600-7-Odd-2-Xon/Xoff");
+    }
+    SetRS232PortParameters record;
+    set.GetSETCOMMS(3, record);
+    EXPECT_EQ(record, (SetRS232PortParameters{3, 57600, 7, 1, 2, 1, 0}));
+    EXPECT_EQ(set.SetPrmString(L"9600"), 1) << "the rest stays";
+    EXPECT_EQ(set.GetPrmString(), L"9600-7-Odd-2-Xon/Xoff");
+    EXPECT_EQ(set.GetStrBps(7), L"9600");
+    EXPECT_EQ(set.GetStrBps(-1), L"9600");
+    EXPECT_EQ(set.GetStrParity(3), L"None");
+    EXPECT_EQ(set.SetFlagFlowCtrl(9), 1);
+    set.ConvFlag2Data();
+    EXPECT_EQ(set.GetDataFlowCtrl(), 0);
+}
+
+TEST_F(ComPrmSetTest, KeepsTheLinkUsable)
+{
+    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 14400), 1);
+    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Length", 200), 1);
+    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Flow", 2), 1);
+    EXPECT_EQ(LinkSettings(m_roots).baudRate, 9600U);
+    EXPECT_EQ(LinkSettings(m_roots).byteSize, 8);
+    EXPECT_EQ(LinkSettings(m_roots).flowControl, FlowControl::RtsCts);
+    EXPECT_EQ(SetLinkRate(230400, m_roots), 0);
+    EXPECT_EQ(SetLinkRate(115200, m_roots), 1);
+    EXPECT_EQ(Shown(0), L"115200-8-None-1-CTS");
+
+    int first = 0;
+    int second = 0;
+    const int others[][3] = {{1, 3, 2}, {2, 3, 1}, {3, 2, 1}, {0, 2, 1}, {-5, 2, 1}};
+    for (const auto& row : others) {
+        CComPrmSet::GetOtherPorNo(row[0], first, second);
+        EXPECT_EQ(first, row[1]);
+        EXPECT_EQ(second, row[2]);
+    }
+}
+
+TEST_F(ComPrmSetTest, TellsCableFromBluetooth)
+{
+    struct Row
+    {
+        const char* fault;
+        std::uint32_t stored;
+        int way;
+    };
+    CComBlueToothSet set(m_roots);
+    EXPECT_EQ(set.ReadReg(), 1);
+    EXPECT_FALSE(set.IsStored());
+    EXPECT_EQ(set.GetComConnectWay(), CComBlueToothSet::Cable);
+    CReg machine(m_roots);
+    machine.SetRootKey(RootKey::LocalMachine, 1);
+    const wchar_t* const key = L"Software\\CorvaneTS Software\\Wexmain\\Data\\System\\Rtk";
+    for (const Row& row : {Row{"the cable", 1, 0}, Row{"Bluetooth", 5, 1},
+                           Row{"no COM number at all", 0xFFFFFFFF, 1}, Row{"none", 0, 1}}) {
+        SCOPED_TRACE(row.fault);
+        ASSERT_EQ(machine.WriteNumber(key, L"GpsPort", row.stored), 1);
+        EXPECT_EQ(set.ReadReg(), 1);
+        EXPECT_EQ(set.GetConnectPort(), static_cast<int>(row.stored));
+        EXPECT_EQ(set.GetComConnectWay(), row.way);
+        EXPECT_EQ(set.WriteReg(), 1);
+    }
+    machine.WriteString(key, L"GpsPort", L"5");
+    EXPECT_EQ(set.ReadReg(), 1);
+    EXPECT_EQ(set.GetConnectPort(), 1) << "a text is no number";
+}
+
+} // namespace
+} // namespace fieldcore

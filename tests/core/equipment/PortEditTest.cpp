@@ -1,0 +1,197 @@
+// The receiver's ports, on a simulated one that understands nothing but its own rate.
+
+#include "core/equipment/PortEdit.h"
+
+#include "core/equipment/LinkFollow.h"
+#include "core/equipment/RateSearch.h"
+#include "core/link/Command.h"
+#include "core/platform/FastClock.h"
+#include "simulator/Simulator.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+class Ender final : public Host, public RateObserver
+{
+public:
+    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
+    {
+        return BoxAnswer::Ok;
+    }
+    bool Breathe() override { return static_cast<int>(rates.size()) < endAt; }
+    void OnRate(std::uint32_t rate, int done, int total) override
+    {
+        EXPECT_EQ(done, static_cast<int>(rates.size()));
+        EXPECT_EQ(total, 7);
+        rates.push_back(rate);
+    }
+    std::vector<std::uint32_t> rates;
+    int endAt = 100; // rates, then the user cancels
+};
+
+class PortEditTest : public ::testing::Test
+{
+protected:
+    void Start(std::uint32_t rate, bool answers = true)
+    {
+        simulator::Scenario scenario;
+        scenario.checksRate = true;
+        scenario.baudRate = rate;
+        scenario.answers = answers;
+        m_receiver = std::make_unique<simulator::Simulator>(scenario, m_clock);
+        std::string error;
+        ASSERT_TRUE(m_receiver->Start(error)) << error;
+        m_target.devicePath = m_receiver->PortPath();
+        m_target.settings = LinkSettings(m_roots);
+    }
+    std::wstring Stored(int port)
+    {
+        CComPrmSet set(m_roots);
+        set.ReadRegCommPrm(port);
+        set.ConvData2Flag();
+        return set.GetPrmString();
+    }
+    bool Answers()
+    {
+        StatusReply status;
+        return m_command.RequestStatus(status) == 1;
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    FastClock m_clock{20.0};
+    Ender m_host;
+    std::unique_ptr<simulator::Simulator> m_receiver;
+    CCommand m_command{{&m_host, &m_clock, nullptr, nullptr}};
+    ConnectTarget m_target;
+};
+
+TEST_F(PortEditTest, SetsAnotherPortAndLeavesTheLinkAlone)
+{
+    Start(38400);
+    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    PortEdit edit(1, m_roots);
+    EXPECT_EQ(edit.At(1).GetPrmString(), L"38400-8-None-1-None") << "the link's, not Com1's";
+    ASSERT_EQ(edit.At(2).SetPrmString(L"115200-8-Even-2-CTS"), 1);
+    EXPECT_EQ(edit.Set(2, &m_command), PortSet::Done);
+    EXPECT_EQ(Stored(2), L"115200-8-Even-2-CTS");
+    EXPECT_FALSE(edit.IsLinkChanged());
+    const std::size_t before = m_receiver->RequestCount();
+    EXPECT_EQ(edit.Set(1, &m_command), PortSet::Done);
+    EXPECT_EQ(m_receiver->RequestCount(), before) << "nothing changes: nothing is sent";
+
+    // A port that the receiver does not have is refused, and nothing is stored.
+    ASSERT_EQ(edit.At(3).SetPrmString(L"4800"), 1);
+    EXPECT_EQ(edit.Set(3, &m_command), PortSet::Refused);
+    EXPECT_EQ(Stored(3), L"9600-8-None-1-None");
+    EXPECT_TRUE(Answers());
+}
+
+TEST_F(PortEditTest, FollowsTheReceiverToItsNewRate)
+{
+    struct Row
+    {
+        const char* fault;
+        const char* rule; ///< what goes wrong; empty: nothing
+        LinkFollowed followed;
+        std::uint32_t answersAt;
+    };
+    for (const Row& row :
+         {Row{"all is well", "", LinkFollowed::Moved, 115200},
+          Row{"the answer is lost", "drop on 5E count 2", LinkFollowed::Moved, 115200},
+          Row{"the request is lost", "drop-request", LinkFollowed::Stayed, 38400}}) {
+        SCOPED_TRACE(row.fault);
+        m_command.ClosePort();
+        ASSERT_EQ(SetLinkRate(38400, m_roots), 1);
+        Start(38400);
+        ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+        if (row.rule == std::string("drop-request")) {
+            m_receiver->SetScripted([](auto) { return std::vector<std::uint8_t>{}; });
+        } else if (*row.rule != '\0') {
+            simulator::FaultRule rule;
+            std::string error;
+            ASSERT_TRUE(simulator::ParseFaultRule(row.rule, rule, error)) << error;
+            m_receiver->AddFault(rule);
+        }
+        PortEdit edit(1, m_roots);
+        ASSERT_EQ(edit.At(1).SetPrmString(L"115200"), 1);
+        ASSERT_EQ(edit.Set(1, &m_command), PortSet::Done);
+        EXPECT_TRUE(edit.IsLinkChanged());
+        ASSERT_EQ(edit.KeepLink(), 1);
+        EXPECT_FALSE(edit.IsLinkChanged());
+        m_receiver->SetScripted(nullptr);
+        m_target.settings = LinkSettings(m_roots);
+        EXPECT_EQ(m_target.settings.baudRate, 115200U);
+        EXPECT_EQ(FollowLink(m_command, m_target, edit.LinkBefore()), row.followed);
+        EXPECT_TRUE(Answers());
+        if (row.followed == LinkFollowed::Stayed) {
+            ASSERT_EQ(edit.TakeLinkBack(), 1);
+        }
+        EXPECT_EQ(LinkSettings(m_roots).baudRate, row.answersAt);
+    }
+}
+
+TEST_F(PortEditTest, SaysThatTheReceiverIsLost)
+{
+    Start(38400, false);
+    EXPECT_EQ(FollowLink(m_command, m_target, m_target.settings), LinkFollowed::Lost);
+    EXPECT_EQ(m_command.IsPortOpen(), 0);
+    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    PortEdit edit(1, m_roots);
+    EXPECT_EQ(edit.Set(2, &m_command), PortSet::NoAnswer);
+    m_host.endAt = 0;
+    EXPECT_EQ(FollowLink(m_command, m_target, m_target.settings), LinkFollowed::Cancelled);
+    EXPECT_EQ(m_command.IsPortOpen(), 0);
+}
+
+TEST_F(PortEditTest, StoresWithoutAReceiver)
+{
+    PortEdit edit(2, m_roots);
+    ASSERT_EQ(edit.At(2).SetPrmString(L"19200-7-Odd"), 1);
+    EXPECT_EQ(edit.Set(2, &m_command), PortSet::Done);
+    EXPECT_EQ(edit.KeepLink(), 1);
+    EXPECT_EQ(Stored(0), L"19200-7-Odd-1-None");
+    EXPECT_EQ(Stored(2), L"19200-7-Odd-1-None");
+    PortEdit none(0, m_roots);
+    EXPECT_EQ(none.KeepLink(), 0);
+    EXPECT_FALSE(none.IsLinkChanged());
+}
+
+TEST_F(PortEditTest, FindsTheRateOfASilentReceiver)
+{
+    for (const std::uint32_t rate : kBaudRates) {
+        SCOPED_TRACE(rate);
+        Start(rate);
+        m_host.rates.clear();
+        EXPECT_EQ(SearchRate(m_command, m_target, &m_host), rate);
+        EXPECT_EQ(m_host.rates.front(), 38400U) << "the one it should be, first";
+        EXPECT_EQ(m_host.rates.back(), rate);
+        EXPECT_EQ(m_command.IsPortOpen(), 0);
+    }
+    Start(230400);
+    m_host.rates.clear();
+    m_target.settings.baudRate = 2400;
+    EXPECT_EQ(SearchRate(m_command, m_target, &m_host), std::nullopt);
+    EXPECT_EQ(m_command.Fault(), CommandFault::TimedOut);
+    EXPECT_EQ(m_host.rates,
+              (std::vector<std::uint32_t>{2400, 38400, 9600, 115200, 57600, 19200, 4800}));
+    m_host.rates.clear();
+    m_host.endAt = 2;
+    EXPECT_EQ(SearchRate(m_command, m_target, &m_host), std::nullopt);
+    EXPECT_EQ(m_command.Fault(), CommandFault::Cancelled);
+    EXPECT_EQ(m_host.rates.size(), 2U);
+    m_target.devicePath = m_home.Path() / "gone";
+    EXPECT_EQ(SearchRate(m_command, m_target), std::nullopt);
+    EXPECT_EQ(m_command.Fault(), CommandFault::OpenFailed);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,145 @@
+#include "core/input/EntryList.h"
+#include "core/input/Parts.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+class PlainList final : public EntryList
+{
+public:
+    explicit PlainList(Texts given = {}, int chosen = -1)
+        : texts(std::move(given)), selected(chosen)
+    {}
+    [[nodiscard]] int GetCount() const override { return static_cast<int>(texts.size()); }
+    [[nodiscard]] std::wstring GetText(int index) const override
+    {
+        return texts.at(static_cast<std::size_t>(index));
+    }
+    [[nodiscard]] int GetSelected() const override { return selected; }
+    void Select(int index) override { selected = index; }
+    void Insert(int index, const std::wstring& text) override
+    {
+        texts.insert(texts.begin() + index, text);
+        selected += selected >= index ? 1 : 0;
+    }
+    void ScrollToTop() override { ++scrolled; }
+
+    Texts texts;
+    int selected;
+    int scrolled = 0;
+};
+
+class RememberedEntries : public ::testing::Test
+{
+protected:
+    Texts Stored(int count = 10)
+    {
+        PlainList list;
+        EXPECT_EQ(CParts::ReadRegPointName(list, count, m_reg), 1);
+        EXPECT_EQ(list.selected, -1);
+        return list.texts;
+    }
+    void Store(const PlainList& list, int count)
+    {
+        m_reg.DeleteKey(L"GPS", L"Point");
+        EXPECT_EQ(CParts::WriteRegPointName(list, count, m_reg), 1);
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    HostReg m_reg{m_roots};
+};
+
+TEST_F(RememberedEntries, AreStackedOnce)
+{
+    PlainList list({L"B", L"A"});
+    EXPECT_EQ(CParts::StackComboList(list, L"A", 10), 1);
+    EXPECT_EQ(list.texts, (Texts{L"B", L"A"}));
+    EXPECT_EQ(list.selected, 1);
+    EXPECT_EQ(CParts::StackComboList(list, L"a", 2), 1); // another text, and one more than stored
+    EXPECT_EQ(list.texts, (Texts{L"a", L"B", L"A"}));
+    EXPECT_EQ(list.scrolled, 1);
+    EXPECT_EQ(CParts::StackComboList(list, L"", 10), 1);
+    EXPECT_EQ(list.texts.size(), 3U);
+}
+
+TEST_F(RememberedEntries, ComeBackWithTheChoiceFirst)
+{
+    const std::wstring longest(CReg::kMaxText, L'x');
+    struct Row
+    {
+        const char* fault;
+        PlainList list;
+        int count;
+        Texts stored;
+    };
+    const Row rows[] = {
+        {"selected first", PlainList({L"A", L"B", L"C"}, 1), 10, {L"B", L"A", L"C"}},
+        {"no more than wanted", PlainList({L"A", L"B", L"C"}, 1), 2, {L"B", L"A"}},
+        {"the selected one alone", PlainList({L"A", L"B"}, 1), 1, {L"B"}},
+        {"nothing selected", PlainList({L"A", L"B"}), 10, {L"A", L"B"}},
+        {"selection beyond the list", PlainList({L"A", L"B"}, 5), 10, {L"A", L"B"}},
+        {"none wanted", PlainList({L"A"}, 0), 0, {}},
+        {"fewer than none", PlainList({L"A"}, 0), -3, {}},
+        {"an empty one uses up its number", PlainList({L"A", L"", L"C"}), 10, {L"A"}},
+        {"one that cannot be read again",
+         PlainList({longest, longest + L"x", L"C"}),
+         10,
+         {longest, L"C"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Store(row.list, row.count);
+        EXPECT_EQ(Stored(), row.stored);
+    }
+}
+
+TEST_F(RememberedEntries, EndWhereTheyCannotBeRead)
+{
+    Store(PlainList({L"A", L"B", L"C"}), 10);
+    EXPECT_EQ(Stored(2), (Texts{L"A", L"B"}));
+    Store(PlainList({L"Z"}), 10);
+    m_reg.WriteString(L"GPS\\Point", L"PointName2", L"C"); // what a longer list left behind
+    EXPECT_EQ(Stored(), (Texts{L"Z"}));
+    m_reg.WriteNumber(L"GPS\\Point", L"PointName1", 5);
+    EXPECT_EQ(Stored(), (Texts{L"Z"})) << "a number is no text";
+
+    // Each list has its own names, and a filled combo box gets the old entries in front.
+    PlainList numbers({L"9"});
+    EXPECT_EQ(CParts::WriteRegPointNo(PlainList({L"1", L"2"}), 10, m_reg), 1);
+    EXPECT_EQ(CParts::WriteRegAttrib(PlainList({L"杭"}), 10, m_reg), 1);
+    EXPECT_EQ(CParts::ReadRegPointNo(numbers, 10, m_reg), 1);
+    EXPECT_EQ(numbers.texts, (Texts{L"1", L"2", L"9"}));
+    PlainList attributes;
+    EXPECT_EQ(CParts::ReadRegAttrib(attributes, 10, m_reg), 1);
+    EXPECT_EQ(attributes.texts, (Texts{L"杭"}));
+    EXPECT_EQ(Stored(), (Texts{L"Z"}));
+}
+
+TEST_F(RememberedEntries, AndThePageThatWasOpen)
+{
+    int page = 2;
+    EXPECT_EQ(CParts::SetRegActivePage(1, page, L"Com", m_reg), 1);
+    EXPECT_EQ(page, 2) << "nothing stored: the value given";
+    EXPECT_EQ(CParts::SetRegActivePage(0, page, L"Com", m_reg), 1);
+    page = 0;
+    EXPECT_EQ(CParts::SetRegActivePage(1, page, L"Com", m_reg), 1);
+    EXPECT_EQ(page, 2);
+    EXPECT_EQ(CParts::SetRegActivePage(1, page = 1, L"Antenna", m_reg), 1);
+    EXPECT_EQ(page, 1) << "every dialog has its own";
+    m_reg.WriteString(L"GPS\\Com", L"ActivePage", L"two");
+    EXPECT_EQ(CParts::SetRegActivePage(1, page, L"Com", m_reg), 1);
+    EXPECT_EQ(page, 1);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,135 @@
+// The parameters of ports on the screen, with a simulated receiver that has two of them.
+
+#include "ui/equipment/ComPort.h"
+
+#include "core/link/Command.h"
+#include "core/platform/FastClock.h"
+#include "simulator/Simulator.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/link/Clicks.h"
+#include "ui/controls/QtHost.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/equipment/ComPortPage.h"
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+class ComPortTest : public ::testing::Test
+{
+protected:
+    ComPortTest() : m_host(QtHost::Options{false, &m_clock})
+    {
+        simulator::Scenario scenario;
+        scenario.checksRate = true;
+        m_receiver = std::make_unique<simulator::Simulator>(scenario, m_clock);
+        std::string error;
+        EXPECT_TRUE(m_receiver->Start(error)) << error;
+        m_target.devicePath = m_receiver->PortPath();
+    }
+    std::unique_ptr<CComPort> Open(int ports, int page = CComPort::kLastPage)
+    {
+        auto sheet = std::make_unique<CComPort>(
+            &m_command, 1, QStringLiteral("通信設定"), nullptr, page,
+            CComPort::Surroundings{&m_roots, ports, [this] { return std::optional(m_target); }});
+        sheet->resize(480, 640);
+        sheet->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
+        return sheet;
+    }
+    static CTComboBox* Combo(CComPort& sheet, int page, int name)
+    {
+        for (auto* combo : sheet.GetPage(page)->findChildren<CTComboBox*>()) {
+            if (combo->accessibleName() == UiText(name)) {
+                return combo;
+            }
+        }
+        return nullptr;
+    }
+    std::wstring Stored(int port)
+    {
+        CComPrmSet set(m_roots);
+        set.ReadRegCommPrm(port);
+        set.ConvData2Flag();
+        return set.GetPrmString();
+    }
+
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    FastClock m_clock{20.0};
+    QtHost m_host;
+    std::unique_ptr<simulator::Simulator> m_receiver;
+    CCommand m_command{{&m_host, &m_clock, nullptr, nullptr}};
+    ConnectTarget m_target;
+};
+
+TEST_F(ComPortTest, SetsWhatWasSeenAndTellsThatTheLinkChanged)
+{
+    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    auto sheet = Open(2);
+    EXPECT_EQ(sheet->GetPortNo(), 2);
+    EXPECT_EQ(Combo(*sheet, 0, text::kComRate)->currentText(), QStringLiteral("38400"));
+    sheet->SetActivePage(1);
+    EXPECT_EQ(Combo(*sheet, 1, text::kComRate)->currentText(), QStringLiteral("9600"));
+    Combo(*sheet, 1, text::kComFlow)->setCurrentIndex(1);
+    sheet->Close(Dialog::kOk);
+    EXPECT_FALSE(sheet->isVisible());
+    EXPECT_FALSE(sheet->IsLinkChanged());
+    EXPECT_EQ(Stored(2), L"9600-8-None-1-CTS");
+
+    sheet = Open(2);
+    EXPECT_EQ(sheet->GetActiveIndex(), 1) << "the page that was open last";
+    sheet->SetActivePage(0);
+    Combo(*sheet, 0, text::kComRate)->setCurrentIndex(6);
+    sheet->Close(Dialog::kCancelled);
+    EXPECT_FALSE(sheet->IsLinkChanged());
+    EXPECT_EQ(Stored(0), L"38400-8-None-1-None") << "cancelled";
+
+    sheet = Open(1, 7);
+    EXPECT_EQ(sheet->GetActiveIndex(), 0) << "there is no page beyond the last";
+    Combo(*sheet, 0, text::kComRate)->setCurrentIndex(6);
+    sheet->Close(Dialog::kOk);
+    EXPECT_TRUE(sheet->IsLinkChanged());
+    EXPECT_EQ(Stored(0), L"115200-8-None-1-None");
+}
+
+TEST_F(ComPortTest, StaysOpenWhereTheReceiverRefuses)
+{
+    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    auto sheet = Open(3, 2); // a third page, of a port that this receiver does not have
+    Combo(*sheet, 2, text::kComRate)->setCurrentIndex(0);
+    sheet->SetActivePage(0);
+    Surveyor surveyor;
+    surveyor.boxes = {{FormatText(text::kComRefused, 3),
+                       Text(text::kComFailedCaption),
+                       text::kMessageIconStop,
+                       {text::kButtonOk},
+                       text::kButtonOk}};
+    sheet->Close(Dialog::kOk);
+    EXPECT_TRUE(sheet->isVisible());
+    EXPECT_EQ(sheet->GetActiveIndex(), 2);
+    EXPECT_EQ(Stored(3), L"9600-8-None-1-None");
+}
+
+TEST_F(ComPortTest, FindsTheRateWithoutAConnection)
+{
+    CComPrmSet link(m_roots);
+    ASSERT_EQ(link.SetPrmString(L"9600-8-None-1-CTS"), 1);
+    ASSERT_EQ(link.WriteRegCommPrm(0), 1);
+    auto sheet = Open(1);
+    for (auto* button : sheet->GetPage(0)->findChildren<QPushButton*>()) {
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    EXPECT_EQ(Combo(*sheet, 0, text::kComRate)->currentText(), QStringLiteral("38400"));
+    EXPECT_EQ(Combo(*sheet, 0, text::kComFlow)->currentText(), QStringLiteral("CTS"));
+    QApplication::processEvents(); // which takes the strip of the wait away
+    KeepPicture(*sheet, QStringLiteral("com-found"));
+    sheet->Close(Dialog::kOk);
+    EXPECT_TRUE(sheet->IsLinkChanged());
+    EXPECT_EQ(Stored(0), L"38400-8-None-1-CTS");
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,133 @@
+// Checks and remembered entries on real controls.
+
+#include "core/input/Check.h"
+#include "core/input/Parts.h"
+#include "tests/ui/controls/Pictures.h"
+#include "ui/controls/Dialog.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/QtHost.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+#include "ui/input/ComboEntries.h"
+#include "ui/input/WidgetFocus.h"
+
+#include <QApplication>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+/// A dialog that takes a height and an angle.
+class InputDlg : public Dialog
+{
+public:
+    explicit InputDlg(Host& host) : check(0.0, 5.0, host)
+    {
+        auto* const form = new QFormLayout(this);
+        form->addRow(QStringLiteral("アンテナ高 (m)"), height);
+        form->addRow(QStringLiteral("方位角"), azimuth);
+        form->addRow(MakeOkCancel());
+        SetControlId(height, 1001);
+        TouchStyle::Install();
+        setWindowTitle(QStringLiteral("入力"));
+    }
+    QLineEdit* const height = new QLineEdit;
+    QLineEdit* const azimuth = new QLineEdit;
+    CCheck check;
+
+protected:
+    bool OnClose(int result) override
+    {
+        WidgetFocus focus(azimuth);
+        return result != kOk || (check.CheckNum(height->text().toStdWString(), 1001, 0, 1) == 1 &&
+                                 check.CheckDeg(azimuth->text().toStdWString(), &focus, 1) == 1);
+    }
+};
+
+TEST(Check, StandsOverItsDialogAndGoesBackToTheControl)
+{
+    QtHost host{QtHost::Options{}};
+    struct Row
+    {
+        const char* fault;
+        QString height;
+        QString azimuth;
+        int text; ///< of the message; 0: none
+        bool isHeight;
+    };
+    const Row rows[] = {
+        {"full-width number, by its number", QStringLiteral("１．５"), QStringLiteral("90"),
+         text::kCheckNumber, true},
+        {"angle with decimals, by the control", QStringLiteral("1.5"), QStringLiteral("90.5"),
+         text::kCheckAngle, false},
+        {"nothing wrong", QStringLiteral("1.5"), QStringLiteral("90-30"), 0, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
+            Theme::Use(theme);
+            InputDlg dialog(host);
+            dialog.height->setText(row.height);
+            dialog.azimuth->setText(row.azimuth);
+            dialog.resize(480, 640);
+            dialog.show();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+            (row.isHeight ? dialog.azimuth : dialog.height)->setFocus();
+            QString told;
+            QTimer watch;
+            QObject::connect(&watch, &QTimer::timeout, [&] {
+                if (auto* const box =
+                        qobject_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+                    told = box->accessibleDescription();
+                    EXPECT_EQ(box->parentWidget(), &dialog);
+                    const QString name =
+                        QStringLiteral("check-%1-%2")
+                            .arg(row.isHeight ? QStringLiteral("number") : QStringLiteral("angle"))
+                            .arg(static_cast<int>(theme));
+                    KeepPicture(*box, name);
+                    QTest::keyClick(box, Qt::Key_Return);
+                }
+            });
+            watch.start(5);
+            dialog.Close(Dialog::kOk);
+            EXPECT_EQ(told.toStdString(),
+                      (row.text != 0 ? UiText(row.text) : QString()).toStdString());
+            EXPECT_EQ(dialog.isVisible(), row.text != 0);
+            if (row.text != 0) {
+                QLineEdit* const wrong = row.isHeight ? dialog.height : dialog.azimuth;
+                EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.focusWidget() == wrong; }, 1000));
+                EXPECT_EQ(wrong->selectedText(), wrong->text()) << "to be typed over";
+            }
+        }
+    }
+    Theme::Use(Theme::Kind::Daylight);
+}
+
+TEST(ComboEntries, KeepWhatIsTypedAndSelected)
+{
+    CTComboBox combo;
+    combo.setEditable(true);
+    combo.setEditText(QStringLiteral("typing"));
+    ComboEntries entries(combo);
+    CParts::StackComboList(entries, L"P1", 10);
+    EXPECT_EQ(combo.currentIndex(), -1) << "nothing selects itself";
+    EXPECT_EQ(combo.currentText(), QStringLiteral("typing"));
+    CParts::StackComboList(entries, L"P2", 10);
+    CParts::StackComboList(entries, L"P1", 10);
+    EXPECT_EQ(combo.count(), 2);
+    EXPECT_EQ(combo.currentText(), QStringLiteral("P1"));
+    CParts::StackComboList(entries, L"P3", 10);
+    EXPECT_EQ(combo.itemText(0), QStringLiteral("P3"));
+    EXPECT_EQ(combo.currentText(), QStringLiteral("P1")) << "the selection moves with its entry";
+    EXPECT_EQ(entries.GetSelected(), 2);
+}
+
+} // namespace
+} // namespace fieldcore

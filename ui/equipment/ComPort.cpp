@@ -1,0 +1,201 @@
+#include "ui/equipment/ComPort.h"
+
+#include "core/host/MesBox.h"
+#include "core/input/Parts.h"
+#include "core/link/Command.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/ComPortPage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr const wchar_t* kName = L"Com"; // under which the open page is remembered
+
+QString TitleOf(int port)
+{
+    return ToQt(FormatText(text::kComPage, port));
+}
+
+} // namespace
+
+CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidget* parent,
+                   int startPage)
+    : CComPort(command, ioPort, caption, parent, startPage, Surroundings{})
+{}
+
+CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidget* parent,
+                   int startPage, Surroundings surroundings)
+    : PropertySheet(caption, parent), m_command(command), m_surroundings(std::move(surroundings)),
+      m_roots(m_surroundings.roots != nullptr ? *m_surroundings.roots : SettingsRoots::Instance()),
+      m_edit(ioPort, m_roots)
+{
+    switch (m_surroundings.ports) {
+    case 1:
+        stCreate_1PortType();
+        break;
+    case 2:
+        stCreate_2PortType();
+        break;
+    default:
+        stCreate_3PortType();
+        break;
+    }
+    int page = startPage;
+    if (startPage == kLastPage) {
+        page = 0;
+        CParts::SetRegActivePage(1, page, kName, HostReg(m_roots));
+    }
+    stSetOpenPage(page);
+}
+
+CComPort::~CComPort()
+{
+    Destroy();
+}
+
+void CComPort::stCreate_1PortType()
+{
+    AddPages(1);
+}
+
+void CComPort::stCreate_2PortType()
+{
+    AddPages(2);
+}
+
+void CComPort::stCreate_3PortType()
+{
+    AddPages(3);
+}
+
+void CComPort::AddPages(int count)
+{
+    while (GetPageCount() > 0) {
+        RemovePage(0);
+    }
+    for (int port = 1; port <= count; ++port) {
+        auto* const page = new ComPortPage(port);
+        page->InsertString(m_edit.At(port));
+        connect(page, &ComPortPage::SearchWanted, this, [this, page] { Search(page); });
+        AddPage(page, TitleOf(port));
+    }
+}
+
+void CComPort::stSetOpenPage(int page)
+{
+    SetActivePage(std::clamp(page, 0, GetPageCount() - 1));
+}
+
+ComPortPage* CComPort::PageOf(int port) const
+{
+    return qobject_cast<ComPortPage*>(GetPage(port - 1));
+}
+
+bool CComPort::IsConnected() const
+{
+    return m_command != nullptr && m_command->IsPortOpen() != 0;
+}
+
+bool CComPort::OnInitDialog()
+{
+    if (const QWidget* const under = parentWidget(); under != nullptr) {
+        const QSize whole = under->window()->size(); // nothing needs to scroll on a handheld
+        const int most = 40 * fontMetrics().horizontalAdvance(QChar(0x3042));
+        resize(std::min(whole.width(), most), whole.height());
+        move(under->window()->mapToGlobal(under->window()->rect().center()) - rect().center());
+    }
+    m_isAgreed = false;
+    m_isLinkChanged = false;
+    for (int port = 1; port <= GetPageCount(); ++port) {
+        ComPortPage* const page = PageOf(port);
+        if (port == GetIOPort()) {
+            page->ShowNote(UiText(IsConnected() ? text::kComIsLink : text::kComIsLinkOffline));
+            if (!IsConnected() && m_command != nullptr && m_surroundings.target) {
+                page->OfferSearch();
+            }
+        } else if (!IsConnected()) {
+            page->ShowNote(UiText(text::kComOffline));
+        }
+    }
+    return PropertySheet::OnInitDialog();
+}
+
+bool CComPort::OnClose(int result)
+{
+    if (result == kOk) {
+        // The controller's own port comes last: once it is set, nothing else arrives.
+        for (int port = 1; port <= GetPageCount(); ++port) {
+            if (port != GetIOPort() && !Set(PageOf(port))) {
+                return false;
+            }
+        }
+        if (GetIOPort() >= 1 && GetIOPort() <= GetPageCount() && !Set(PageOf(GetIOPort()))) {
+            return false;
+        }
+    }
+    m_isAgreed = result == kOk;
+    return PropertySheet::OnClose(result);
+}
+
+/// Sets what a page says, if it was seen.
+bool CComPort::Set(ComPortPage* page)
+{
+    if (!page->IsInitialised()) {
+        return true;
+    }
+    page->Take(m_edit.At(page->Port()));
+    const PortSet outcome = m_edit.Set(page->Port(), m_command);
+    if (outcome == PortSet::Done) {
+        return true;
+    }
+    SetActivePage(page);
+    const std::wstring message = FormatText(PortSetText(outcome), page->Port());
+    (m_command != nullptr ? CMesBox(m_command->GetHost()) : CMesBox())
+        .Fail(message, text::kComFailedCaption);
+    return false;
+}
+
+void CComPort::OnDestroy()
+{
+    int page = GetActiveIndex();
+    CParts::SetRegActivePage(0, page, kName, HostReg(m_roots));
+    if (m_isAgreed && stCompareCommPrm() != 0) {
+        m_isLinkChanged = m_edit.KeepLink() == 1;
+    }
+    PropertySheet::OnDestroy();
+}
+
+void CComPort::Search(ComPortPage* page)
+{
+    if (m_command->IsBusy()) {
+        return;
+    }
+    std::optional<ConnectTarget> target = m_surroundings.target();
+    if (!target) {
+        page->ShowSearchResult(UiText(text::kComSearchPort));
+        return;
+    }
+    CComPrmSet& set = m_edit.At(page->Port());
+    page->Take(set);
+    set.ConvFlag2Data();
+    SetRS232PortParameters chosen;
+    set.GetSETCOMMS(page->Port(), chosen);
+    target->settings = LineOf(chosen);
+    if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
+        chosen.baudRate = *rate;
+        set.SetSETCOMMS(chosen);
+        page->InsertString(set);
+        page->ShowSearchResult(ToQt(FormatText(text::kComSearchFound, static_cast<long>(*rate))));
+        return;
+    }
+    const CommandFault fault = m_command->Fault();
+    page->ShowSearchResult(UiText(fault == CommandFault::Cancelled    ? text::kComSearchCancelled
+                                  : fault == CommandFault::OpenFailed ? text::kComSearchPort
+                                                                      : text::kComSearchFailed));
+}
+
+} // namespace fieldcore

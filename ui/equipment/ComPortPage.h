@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/equipment/ComPrmSet.h"
+#include "core/equipment/RateSearch.h"
+#include "ui/controls/PropertyPage.h"
+
+class QLabel;
+class QPushButton;
+
+namespace fieldcore {
+
+class CTComboBox;
+
+/// The page of one port of the receiver: its five parameters. User-interface thread only.
+class ComPortPage : public PropertyPage, public RateObserver
+{
+    Q_OBJECT
+
+public:
+    /// @param port  of the receiver, from 1
+    explicit ComPortPage(int port, QWidget* parent = nullptr);
+
+    [[nodiscard]] int Port() const { return m_port; }
+    /// What stands below the parameters; empty: nothing.
+    void ShowNote(const QString& note);
+    /// Offers to look for the receiver's rate.
+    void OfferSearch();
+    void OnRate(std::uint32_t rate, int done, int total) override;
+    /// @param text  how the search ended
+    void ShowSearchResult(const QString& text);
+
+    /// Fills the five lists with their choices, and selects those of @p set.
+    void InsertString(const CComPrmSet& set);
+    /// Sets the flags of @p set to what is selected.
+    void Take(CComPrmSet& set) const;
+
+Q_SIGNALS:
+    void SearchWanted();
+
+private:
+    const int m_port;
+    CTComboBox* m_bps; // owned by the page, as are all that follow
+    CTComboBox* m_dataBits;
+    CTComboBox* m_parity;
+    CTComboBox* m_stopBits;
+    CTComboBox* m_flow;
+    QLabel* m_note;
+    QPushButton* m_search;
+    QLabel* m_found;
+};
+
+} // namespace fieldcore
