@@ -70,8 +70,8 @@ struct Program
             AddPortsCommand(parser),    AddInfoCommand(parser),     AddStatusCommand(parser),
             AddIdentifyCommand(parser), AddResetCommand(parser),    AddAlmanacCommand(parser),
             AddPlanCommand(parser),     AddSettingsCommand(parser), AddGeoCommand(parser),
-            AddSimCommand(parser),      AddTraceCommand(parser),    AddDoctorCommand(parser),
-            AddDemoCommand(parser)};
+            AddSignalCommand(parser),   AddTiltCommand(parser),     AddSimCommand(parser),
+            AddTraceCommand(parser),    AddDoctorCommand(parser),   AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;
