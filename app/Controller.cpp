@@ -10,6 +10,7 @@
 #include "core/platform/FastClock.h"
 #include "core/platform/Utf8.h"
 #include "core/settings/StoredPorts.h"
+#include "core/tilt/BubbleConfig.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
@@ -105,6 +106,7 @@ void Controller::Begin()
     if (!std::filesystem::exists(AlmanacPath(m_folder), unknown)) {
         AlmanacStore(m_folder).Import(SampleAlmanac(m_clock->Utc()));
     }
+    eBubbleConfig::LoadBubbleData(m_reg);
     std::uint32_t theme = 0;
     m_reg.ReadNumber(kAppKey, kTheme, theme, 0);
     const auto kept = theme <= static_cast<std::uint32_t>(Theme::Kind::System)
@@ -157,7 +159,9 @@ void Controller::ReadModel()
 {
     CRecvInfo info;
     m_receiver.clear();
+    m_hasTilt = false;
     if (info.GetOptionData(*m_command) != 0) {
+        m_hasTilt = info.GetTilt() != 0;
         const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
         m_receiver = type != nullptr && type->model != nullptr
                          ? fieldcore::ToQt(type->model)

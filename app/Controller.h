@@ -74,6 +74,8 @@ public:
     [[nodiscard]] const PortNames& Ports() const { return m_names; }
 
     [[nodiscard]] ReceiverState State() const;
+    /// The receiver that is connected has a tilt sensor.
+    [[nodiscard]] bool HasTilt() const { return m_hasTilt; }
     [[nodiscard]] QDateTime NowUtc() const;
 
     /// What the user should know about the settings, once; empty: nothing.
@@ -102,6 +104,7 @@ private:
     std::unique_ptr<ReceiverLink> m_link;
     ConnectChoice m_choice;
     QString m_receiver; // name of the model that is connected
+    bool m_hasTilt = false;
     std::unique_ptr<LinkMonitor> m_monitor;
     QString m_notice;
 };

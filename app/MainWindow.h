@@ -38,6 +38,9 @@ public:
         kThemeDark,
         kThemeSystem,
         kAbout,
+        kSignals,
+        kTilt,
+        kTracking,
     };
 
     explicit MainWindow(QWidget* parent = nullptr);

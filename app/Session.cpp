@@ -3,6 +3,7 @@
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
+#include "app/TiltScreens.h"
 #include "core/host/MesBox.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
@@ -10,6 +11,10 @@
 #include "ui/controls/UiText.h"
 #include "ui/link/ConnectDlg.h"
 #include "ui/link/RecvForceInitDlg.h"
+#include "ui/tilt/SetSignal.h"
+#include "ui/tilt/TiltStatusChk.h"
+#include "ui/tilt/TiltStatusDlg.h"
+#include "ui/tilt/TrackingDlg.h"
 
 #include <QAction>
 #include <QApplication>
@@ -30,7 +35,10 @@ Session::Session(Controller& controller)
     ShowChosenTheme();
 }
 
-Session::~Session() = default;
+Session::~Session()
+{
+    TiltStatusChk::SetCheckCalib(nullptr, false);
+}
 
 void Session::Begin()
 {
@@ -106,6 +114,15 @@ void Session::Open(int choice)
     case MainWindow::kAbout:
         ShowAbout();
         break;
+    case MainWindow::kSignals:
+        SetSignal(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+        break;
+    case MainWindow::kTilt:
+        TiltStatusDlg(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+        break;
+    case MainWindow::kTracking:
+        TrackingDlg(m_controller.Roots(), m_window.get()).DoModal();
+        break;
     default:
         break;
     }
@@ -172,9 +189,19 @@ void Session::ChangeSettings()
 void Session::Connect()
 {
     std::wstring fault;
-    if (!m_controller.Connect(m_window.get(), fault) && !fault.empty()) {
+    if (m_controller.Connect(m_window.get(), fault)) {
+        CheckTiltSoon();
+    } else if (!fault.empty()) {
         CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
     }
+}
+
+void Session::CheckTiltSoon()
+{
+    constexpr int kTimer = 1;
+    constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
+    TiltStatusChk::SetCheckCalib(&m_controller.Command(), m_controller.HasTilt());
+    TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 
 void Session::ForceInit()
@@ -215,7 +242,7 @@ std::vector<Session::Screen> Session::Screens()
             return dialog;
         };
     };
-    return {
+    std::vector<Screen> screens{
         {QStringLiteral("plan-count"), plan(0)},
         {QStringLiteral("plan-skyplot"), plan(1)},
         {QStringLiteral("plan-azimuth"), plan(2)},
@@ -240,6 +267,10 @@ std::vector<Session::Screen> Session::Screens()
                                                      m_controller.Choice());
          }},
     };
+    for (TiltScreen& screen : TiltScreens(m_controller)) {
+        screens.push_back({screen.name, screen.make});
+    }
+    return screens;
 }
 
 int Session::WriteScreenshots(const QString& folder)

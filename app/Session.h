@@ -53,6 +53,8 @@ private:
     void ChangeSettings();
     void Connect();
     void ConnectAtStart();
+    /// Offers a calibration soon, if the receiver has a sensor that needs it.
+    void CheckTiltSoon();
     /// Asks how to end, and does it but for closing the window.
     bool MayEnd();
     void ForceInit();

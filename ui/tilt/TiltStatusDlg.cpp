@@ -92,6 +92,7 @@ void TiltStatusDlg::Build()
     column->addSpacing(kGrid);
     auto* const form = new QFormLayout;
     form->setVerticalSpacing(kGrid);
+    form->setLabelAlignment(Qt::AlignVCenter);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     BuildSettings(*form);
     column->addLayout(form);

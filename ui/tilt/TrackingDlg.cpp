@@ -48,6 +48,8 @@ TrackingDlg::TrackingDlg(SettingsRoots& roots, QWidget* parent)
     column->setContentsMargins(12, kGrid, 12, kGrid);
     auto* const form = new QFormLayout;
     form->setVerticalSpacing(kGrid);
+    form->setLabelAlignment(Qt::AlignVCenter);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     BuildFields(*form);
     column->addLayout(form);
     auto* const grid = new QGridLayout;
