@@ -162,12 +162,12 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
 }
 
 /// Tells the receiver a setting of its sensor.
-ExitCode Send(const Context& context, const TiltOptions& options, const char* key, Value value,
-              const std::function<int(CCommand&)>& send)
+ExitCode Send(const Context& context, const TiltOptions& options, const char* key,
+              const char* label, Value value, const std::function<int(CCommand&)>& send)
 {
     return WithSensor(context, options, [&](Sensor& sensor) {
         Report report;
-        report.Add(key, key, value);
+        report.Add(key, label, value);
         if (options.dryRun) {
             context.output.Note("Nothing was sent.");
         } else if (send(sensor.session.Command()) == 0) {
@@ -180,7 +180,7 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
 
 ExitCode SetExpiry(const Context& context, const TiltOptions& options)
 {
-    return Send(context, options, "expiryHours", Value::Integer(options.hours, "h"),
+    return Send(context, options, "expiryHours", "valid for", Value::Integer(options.hours, "h"),
                 [&](CCommand& command) {
                     return command.SetTiltValidity(static_cast<std::uint16_t>(options.hours));
                 });
@@ -189,7 +189,7 @@ ExitCode SetExpiry(const Context& context, const TiltOptions& options)
 ExitCode SetSpeed(const Context& context, const TiltOptions& options)
 {
     const int viscosity = options.speed == "fast" ? 0 : options.speed == "medium" ? 1 : 2;
-    return Send(context, options, "speed", Value::Text(options.speed),
+    return Send(context, options, "speed", "speed", Value::Text(options.speed),
                 [&](CCommand& command) { return command.SetTiltSpeed(viscosity); });
 }
 

@@ -71,8 +71,9 @@ void BubbleView::DrawVial(QPainter& painter) const
     painter.setPen(QPen(m_isStale ? theme.stale : theme.text, 2.0));
     painter.drawEllipse(QPointF(), kRim, kRim);
     painter.setPen(QPen(theme.stale, 0.75));
-    painter.drawLine(QPointF(-kRim, 0), QPointF(kRim, 0));
-    painter.drawLine(QPointF(0, -kRim), QPointF(0, kRim));
+    constexpr double kInside = kRim - 2.0; // the lines end at the rim
+    painter.drawLine(QPointF(-kInside, 0), QPointF(kInside, 0));
+    painter.drawLine(QPointF(0, -kInside), QPointF(0, kInside));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(QPointF(), kBubble, kBubble);
 }

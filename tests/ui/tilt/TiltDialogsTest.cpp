@@ -15,6 +15,7 @@
 #include "ui/tilt/TrackingDlg.h"
 
 #include <QCheckBox>
+#include <QElapsedTimer>
 #include <QLineEdit>
 
 #include <memory>
@@ -74,7 +75,8 @@ TEST_F(TiltTest, TheBubbleFollowsAndIsThereOnce)
     EXPECT_EQ(TiltSensorDlg::Instance(), first);
     EXPECT_EQ(TiltSensorDlg::IsShow(), 1);
     EXPECT_EQ(first->size(), QSize(96, 96));
-    EXPECT_EQ(first->geometry().bottomRight(), window.mapToGlobal(window.rect().bottomRight()));
+    EXPECT_EQ(first->frameGeometry().bottomRight(),
+              window.mapToGlobal(window.rect().bottomRight()));
     EXPECT_TRUE(first->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     EXPECT_TRUE(first->testAttribute(Qt::WA_ShowWithoutActivating));
     ASSERT_TRUE(QTest::qWaitFor([&] { return first->View()->Picture().x == 6; }));
@@ -136,6 +138,26 @@ TEST_F(TiltTest, MayBeShutDownInTheMiddleOfAQuestion)
     shutDown.start(20);
     ASSERT_TRUE(QTest::qWaitFor([&] { return bubble.isNull(); }, 10000));
     EXPECT_TRUE(wasBusy);
+}
+
+TEST_F(TiltTest, LeavesOutTicksWhileAnAnswerIsLate)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("tilted", error);
+    ASSERT_TRUE(scenario) << error;
+    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    simulator::FaultRule late; // 700 ms of a watch, more than three ticks
+    ASSERT_TRUE(simulator::ParseFaultRule("delay 70000 on C8", late, error)) << error;
+    line.simulator->AddFault(late);
+    QWidget window;
+    window.show();
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    QElapsedTimer watch;
+    watch.start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8) >= 4; }, 10000));
+    EXPECT_GE(watch.elapsed(), 3 * 700) << "a question began before the one before was answered";
+    EXPECT_EQ(TiltSensorDlg::Instance()->View()->Picture().x, 5) << "0.008 rad to the right";
+    EXPECT_EQ(line.command.Fault(), CommandFault::None);
 }
 
 TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
@@ -212,7 +234,7 @@ TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
         surveyor.boxes = {{Text(text::kTiltStart),
                            L"チルト調整",
                            text::kMessageIconQuestion,
-                           {text::kButtonCancel, text::kButtonOk},
+                           {text::kButtonOk, text::kButtonCancel},
                            text::kButtonOk}};
         bool wasSeen = false;
         QTimer follow;
@@ -248,7 +270,7 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
     surveyor.boxes = {{L"チルト調整がされていません。\n今すぐ調整を行いますか？",
                        L"チルト調整",
                        text::kMessageIconQuestion,
-                       {text::kButtonCancel, text::kButtonOk},
+                       {text::kButtonOk, text::kButtonCancel},
                        text::kButtonOk}};
     bool wasOpened = false;
     QTimer leave;
