@@ -249,11 +249,11 @@ TEST(Bubble, IsShownOnlyWhenTheSensorCanBeBelieved)
 
 TEST(BubblePoll, KeepsThePictureThroughWhatFails)
 {
-    SensorLine line;
+    SensorLine line(10.0); // 200 ms of a watch make a picture stale
     SensorWords words;
     words.t2Rad = 0.01;
     line.Say(words);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::milliseconds(500)));
+    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
     BubblePoll poll(&line.command);
     EXPECT_TRUE(poll.IsStale());
     EXPECT_TRUE(poll.Picture().isNotReady);
@@ -274,7 +274,9 @@ TEST(BubblePoll, KeepsThePictureThroughWhatFails)
     }
     words.answers = false;
     line.Say(words);
+    line.command.SetReplyTimeout(std::chrono::milliseconds(500));
     EXPECT_TRUE(poll.Tick({}));
+    line.command.SetReplyTimeout(std::chrono::seconds(200));
     EXPECT_FALSE(poll.Tick({})) << "silence is not asked again at once";
     EXPECT_EQ(poll.Picture(), good);
     line.clock.Sleep(BubblePoll::kStaleAge);

@@ -304,7 +304,7 @@ protected:
         words.calibration = state;
         words.percent = 40;
         line.Say(words);
-        ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::milliseconds(2000)));
+        ASSERT_NO_FATAL_FAILURE(line.StartSensor());
         run.Start();
         ASSERT_EQ(line.Sent(0xC8, {4}), 1);
     }
@@ -417,9 +417,11 @@ TEST_F(CalibrationRunTest, EndsWhateverTheReceiverDoes)
     silent.Start();
     words.answers = false;
     line.Say(words);
-    while (!silent.IsOver()) {
-        silent.Tick();
+    line.command.SetReplyTimeout(2000ms);
+    for (int i = 0; i < 20 && !silent.IsOver(); ++i) {
+        silent.Tick(); // each is two time-outs long
     }
+    line.command.SetReplyTimeout(200s);
     EXPECT_EQ(silent.GetState(), CalibrationRun::State::Failed);
 
     // The cable.
@@ -427,6 +429,7 @@ TEST_F(CalibrationRunTest, EndsWhateverTheReceiverDoes)
     line.Say(words);
     CalibrationRun pulled(&line.command);
     pulled.Start();
+    ASSERT_EQ(pulled.GetState(), CalibrationRun::State::Running);
     line.simulator->HangUp();
     pulled.Tick();
     EXPECT_EQ(pulled.GetState(), CalibrationRun::State::Failed);

@@ -93,13 +93,14 @@ struct SensorWords
     }
 };
 
-/// A channel to a simulated receiver, or to a sensor whose words a test chooses; time runs a
-/// hundred times as fast. Settings are in a folder of its own, and what a program keeps of the
-/// bubble is as for a new user.
+/// A channel to a simulated receiver, or to a sensor whose words a test chooses; time runs fast.
+/// Settings are in a folder of its own, and what a program keeps of the bubble is as for a new
+/// user.
 class SensorLine
 {
 public:
-    SensorLine()
+    /// @param speed  of its time
+    explicit SensorLine(double speed = 100.0) : clock(speed)
     {
         eBubbleConfig::LoadBubbleData(reg);
         eBubbleConfig::SetBubbleExpiry(720);
@@ -156,7 +157,7 @@ public:
     TemporaryFolder folder;
     SettingsRoots roots{FoldersBelow(folder.Path())};
     HostReg reg{roots};
-    FastClock clock{100.0};
+    FastClock clock;
     std::unique_ptr<simulator::Simulator> simulator;
     CCommand command{CommandChannel::Surroundings{nullptr, &clock, nullptr, {}}};
     std::vector<Bytes> sent; ///< frames to the receiver, whole
