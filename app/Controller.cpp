@@ -13,6 +13,7 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
+#include "core/tilt/BubbleConfig.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
@@ -133,6 +134,7 @@ void Controller::Begin()
     if (!std::filesystem::exists(AlmanacPath(m_folder), unknown)) {
         AlmanacStore(m_folder).Import(SampleAlmanac(m_clock->Utc()));
     }
+    eBubbleConfig::LoadBubbleData(m_reg);
     std::uint32_t theme = 0;
     m_reg.ReadNumber(kAppKey, kTheme, theme, 0);
     const auto kept = theme <= static_cast<std::uint32_t>(Theme::Kind::System)
@@ -185,7 +187,9 @@ void Controller::ReadModel()
 {
     CRecvInfo info;
     m_receiver.clear();
+    m_hasTilt = false;
     if (info.GetOptionData(*m_command) != 0) {
+        m_hasTilt = info.GetTilt() != 0;
         const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
         m_receiverPort = info.GetCurrentPortID();
         m_receiverPorts = std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts);

@@ -89,6 +89,8 @@ public:
     [[nodiscard]] const PortNames& Ports() const { return m_names; }
 
     [[nodiscard]] ReceiverState State() const;
+    /// The receiver that is connected has a tilt sensor.
+    [[nodiscard]] bool HasTilt() const { return m_hasTilt; }
     [[nodiscard]] QDateTime NowUtc() const;
 
     /// What the user should know about the settings, once; empty: nothing.
@@ -123,6 +125,7 @@ private:
     int m_receiverPort = 1;
     int m_receiverPorts = CComPrmSet::kMostPorts;
     QString m_receiver; // name of the model that is connected
+    bool m_hasTilt = false;
     std::unique_ptr<LinkMonitor> m_monitor;
     QString m_notice;
 };

@@ -40,6 +40,9 @@ public:
         kThemeDark,
         kThemeSystem,
         kAbout,
+        kSignals,
+        kTilt,
+        kTracking,
     };
 
     explicit MainWindow(QWidget* parent = nullptr);

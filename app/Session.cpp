@@ -3,6 +3,7 @@
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
+#include "app/TiltScreens.h"
 #include "core/host/MesBox.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
@@ -11,6 +12,10 @@
 #include "ui/equipment/Antenna.h"
 #include "ui/link/ConnectDlg.h"
 #include "ui/link/RecvForceInitDlg.h"
+#include "ui/tilt/SetSignal.h"
+#include "ui/tilt/TiltStatusChk.h"
+#include "ui/tilt/TiltStatusDlg.h"
+#include "ui/tilt/TrackingDlg.h"
 
 #include <QAction>
 #include <QApplication>
@@ -32,7 +37,10 @@ Session::Session(Controller& controller)
     ShowChosenTheme();
 }
 
-Session::~Session() = default;
+Session::~Session()
+{
+    TiltStatusChk::SetCheckCalib(nullptr, false);
+}
 
 void Session::Begin()
 {
@@ -113,6 +121,15 @@ void Session::Open(int choice)
         break;
     case MainWindow::kAbout:
         ShowAbout();
+        break;
+    case MainWindow::kSignals:
+        SetSignal(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+        break;
+    case MainWindow::kTilt:
+        TiltStatusDlg(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+        break;
+    case MainWindow::kTracking:
+        TrackingDlg(m_controller.Roots(), m_window.get()).DoModal();
         break;
     default:
         break;
@@ -227,9 +244,19 @@ void Session::ChangePorts()
 void Session::Connect()
 {
     std::wstring fault;
-    if (!m_controller.Connect(m_window.get(), fault) && !fault.empty()) {
+    if (m_controller.Connect(m_window.get(), fault)) {
+        CheckTiltSoon();
+    } else if (!fault.empty()) {
         CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
     }
+}
+
+void Session::CheckTiltSoon()
+{
+    constexpr int kTimer = 1;
+    constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
+    TiltStatusChk::SetCheckCalib(&m_controller.Command(), m_controller.HasTilt());
+    TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 
 void Session::ForceInit()
@@ -278,7 +305,7 @@ std::vector<Session::Screen> Session::Screens()
                                               UiText(text::kComTitle), nullptr, count - 1, world);
         };
     };
-    return {
+    std::vector<Screen> screens{
         {QStringLiteral("com-1"), ports(1)},
         {QStringLiteral("com-2"), ports(2)},
         {QStringLiteral("com-3"), ports(3)},
@@ -310,6 +337,10 @@ std::vector<Session::Screen> Session::Screens()
                                                      m_controller.Choice());
          }},
     };
+    for (TiltScreen& screen : TiltScreens(m_controller)) {
+        screens.push_back({screen.name, screen.make});
+    }
+    return screens;
 }
 
 int Session::WriteScreenshots(const QString& folder)

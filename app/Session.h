@@ -58,6 +58,8 @@ private:
     [[nodiscard]] CComPort::Surroundings PortsWorld();
     void Connect();
     void ConnectAtStart();
+    /// Offers a calibration soon, if the receiver has a sensor that needs it.
+    void CheckTiltSoon();
     /// Asks how to end, and does it but for closing the window.
     bool MayEnd();
     void ForceInit();

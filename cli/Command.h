@@ -37,6 +37,8 @@ Command AddInfoCommand(CLI::App& program);
 Command AddStatusCommand(CLI::App& program);
 Command AddIdentifyCommand(CLI::App& program);
 Command AddResetCommand(CLI::App& program);
+Command AddSignalCommand(CLI::App& program);
+Command AddTiltCommand(CLI::App& program);
 Command AddAlmanacCommand(CLI::App& program);
 Command AddSettingsCommand(CLI::App& program);
 Command AddGeoCommand(CLI::App& program);

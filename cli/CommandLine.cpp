@@ -73,8 +73,8 @@ struct Program
             AddIdentifyCommand(parser), AddResetCommand(parser),    AddAlmanacCommand(parser),
             AddPlanCommand(parser),     AddSettingsCommand(parser), AddGeoCommand(parser),
             AddCheckCommand(parser),    AddNextCommand(parser),     AddAntennaCommand(parser),
-            AddSimCommand(parser),      AddTraceCommand(parser),    AddDoctorCommand(parser),
-            AddDemoCommand(parser)};
+            AddSignalCommand(parser),   AddTiltCommand(parser),     AddSimCommand(parser),
+            AddTraceCommand(parser),    AddDoctorCommand(parser),   AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

@@ -2,11 +2,10 @@
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
+#include "cli/Watch.h"
 
-#include <algorithm>
-#include <chrono>
 #include <memory>
-#include <ostream>
+#include <optional>
 
 #include <CLI/CLI.hpp>
 
@@ -22,19 +21,6 @@ struct StatusOptions
     unsigned count = 0; ///< readings of the watch; 0: until Ctrl-C
 };
 
-/// Waits until @p end, or until the user asks for an end.
-void WaitUntil(const World& world, const Clock& clock, Clock::Duration end)
-{
-    constexpr Clock::Duration kSlice = std::chrono::milliseconds(50);
-    while (!world.StopRequested()) {
-        const Clock::Duration left = end - clock.Steady();
-        if (left <= Clock::Duration::zero()) {
-            return;
-        }
-        clock.Sleep(std::min(left, kSlice));
-    }
-}
-
 ExitCode ShowReading(const Context& context, const StatusReading& reading, bool isFirst)
 {
     Report report;
@@ -42,38 +28,18 @@ ExitCode ShowReading(const Context& context, const StatusReading& reading, bool 
     return context.output.Done(report, (isFirst ? WatchHeader() : "") + WatchLine(reading));
 }
 
-/// Reads again and again. One that fails is told and forgotten, as long as the port is there:
-/// a receiver that is switched on again goes on where it stopped.
 ExitCode Watch(const Context& context, PortSession& session, const StatusOptions& options)
 {
-    const Clock& clock = session.GetClock();
-    const auto interval = std::chrono::duration_cast<Clock::Duration>(
-        std::chrono::duration<double>(options.intervalS));
-    ExitCode last = ExitCode::Cancelled;
-    bool anyGood = false;
-    Clock::Duration next = clock.Steady();
-    for (unsigned turn = 0; options.count == 0 || turn < options.count; ++turn) {
-        WaitUntil(context.world, clock, next);
-        next = std::max(next + interval, clock.Steady());
-        StatusReading reading;
-        const std::optional<Failure> failure = ReadStatus(session, reading);
-        if (context.world.StopRequested()) {
-            break;
-        }
-        if (!failure) {
-            last = ShowReading(context, reading, !anyGood);
-            anyGood = true;
-            if (!*context.world.out) {
-                return last; // nobody reads on
-            }
-        } else {
-            last = context.output.Failed(*failure);
-            if (last == ExitCode::NoPort) {
-                return last;
-            }
-        }
-    }
-    return anyGood ? ExitCode::Done : last;
+    return RunWatch(context.world, session.GetClock(), options.intervalS, options.count,
+                    [&](bool isFirst) -> std::optional<ExitCode> {
+                        StatusReading reading;
+                        const std::optional<Failure> failure = ReadStatus(session, reading);
+                        if (context.world.StopRequested()) {
+                            return std::nullopt;
+                        }
+                        return failure ? context.output.Failed(*failure)
+                                       : ShowReading(context, reading, isFirst);
+                    });
 }
 
 ExitCode Run(const Context& context, const StatusOptions& options)

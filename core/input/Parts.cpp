@@ -1,11 +1,15 @@
 #include "core/input/Parts.h"
 
 #include "core/input/EntryList.h"
+#include "core/input/TextList.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
+#include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace fieldcore {
 
@@ -24,6 +28,25 @@ std::wstring GpsKey(const std::wstring& name)
 std::wstring PointKey()
 {
     return GpsKey(L"Point");
+}
+
+using Wide = std::int64_t; // in which no sum of these rules overflows
+
+constexpr Wide kMostDegrees = 90;
+constexpr Wide kLongestInterval = 60;
+constexpr int kLongestList = 127;
+
+int Saturated(Wide value)
+{
+    return static_cast<int>(
+        std::clamp<Wide>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+void FillByRule(TextList& list, int (*rule)(int), int textId)
+{
+    for (int flag = 0; flag <= kLongestList && rule(flag) >= 0; ++flag) {
+        list.Insert(flag, FormatText(textId, rule(flag)));
+    }
 }
 
 } // namespace
@@ -201,6 +224,78 @@ int CParts::SetRegActivePage(int read, int& value, const std::wstring& dialogNam
         reg.WriteNumber(key, kActivePage, number);
     }
     return 1;
+}
+
+int CParts::ConvElMaskFlag2Data(int flag)
+{
+    const Wide data = flag < 11 ? Wide{flag} * 5 : (Wide{flag} - 10) * 10 + 50;
+    return data > kMostDegrees ? -1 : Saturated(data);
+}
+
+int CParts::ConvElMaskData2Flag(int data)
+{
+    const int flag = data > 50 ? (data - 50) / 10 + 10 : data / 5;
+    return data > kMostDegrees || flag < 0 ? -1 : flag;
+}
+
+int CParts::ConvIntervalFlag2Data(int flag)
+{
+    const Wide data = flag < 5 ? Wide{flag} + 1 : (Wide{flag} - 5) * 5 + 10;
+    return data > kLongestInterval ? -1 : Saturated(data);
+}
+
+int CParts::ConvIntervalData2Flag(int data)
+{
+    const Wide flag = data > 5 ? (Wide{data} - 10) / 5 + 5 : Wide{data} - 1;
+    return data > kLongestInterval || flag < 0 ? -1 : Saturated(flag);
+}
+
+int CParts::ConvMinSVsFlag2Data(int flag, int base)
+{
+    return Saturated(Wide{flag} + base);
+}
+
+int CParts::ConvMinSVsData2Flag(int data, int base)
+{
+    return Saturated(Wide{data} - base);
+}
+
+void CParts::SetElMaskStr(TextList& list)
+{
+    FillByRule(list, ConvElMaskFlag2Data, text::kListDegrees);
+}
+
+void CParts::SetIntervalStr(TextList& list, int unit)
+{
+    FillByRule(list, ConvIntervalFlag2Data, unit == 0 ? text::kListSeconds : text::kListMinutes);
+}
+
+void CParts::SetComboBoxStr(TextList& list, int count, const std::wstring& unit, int base)
+{
+    for (int i = 0; i < count; ++i) {
+        list.Insert(i, FormatText(text::kListEntry, Saturated(Wide{i} + base), unit.c_str()));
+    }
+}
+
+void CParts::SetMinSVsStr(TextList& list, int base)
+{
+    SetComboBoxStr(list, 6, Text(text::kListSatellites), base);
+}
+
+void CParts::SetSvHourStr(TextList& list, int flag)
+{
+    SetComboBoxStr(list, 24, Text(flag != 0 ? text::kListHour : text::kListHours), 0);
+}
+
+void CParts::SetSvMinuteStr(TextList& list)
+{
+    SetComboBoxStr(list, 60, Text(text::kListMinute), 0);
+}
+
+void CParts::SetSvEnableStr(TextList& list)
+{
+    list.Insert(0, Text(text::kListUnused));
+    list.Insert(1, Text(text::kListUsed));
 }
 
 } // namespace fieldcore

@@ -8,10 +8,12 @@
 namespace fieldcore {
 
 class EntryList;
+class TextList;
 
-/// Number text, the rounding that all screens share, the names of the sections under which each
-/// survey type keeps its settings, and the entries that lists remember. It has no state. The
-/// functions that use no settings may be called by any thread.
+/// Number text, the rounding that all screens share, the lists that tracking parameters are chosen
+/// from, the names of the sections under which each survey type keeps its settings, and the entries
+/// that lists remember. It has no state. The functions that use no settings may be called by any
+/// thread.
 class CParts
 {
 public:
@@ -84,6 +86,37 @@ public:
     /// @param value  whatever was stored: not checked against the pages that there are
     static int SetRegActivePage(int read, int& value, const std::wstring& dialogName,
                                 const CReg& reg = HostReg());
+
+    // Places in lists, from 0, and the values that they stand for. Where there is none, -1.
+
+    /// Elevation mask, degrees: 0, 5, 10 ... 50, 60 ... 90. A negative place goes on downwards in
+    /// steps of 5.
+    [[nodiscard]] static int ConvElMaskFlag2Data(int flag);
+    /// A mask between two entries has the place of the lower one.
+    [[nodiscard]] static int ConvElMaskData2Flag(int data);
+    /// Recording interval: 1, 2, 3, 4, 5, 10, 15 ... 60. A negative place goes on downwards.
+    [[nodiscard]] static int ConvIntervalFlag2Data(int flag);
+    /// 6 to 9 have the place of 10; above, a value between two entries has that of the lower one.
+    [[nodiscard]] static int ConvIntervalData2Flag(int data);
+    /// Least number of satellites. @param base  the first entry. Sums beyond an int saturate.
+    [[nodiscard]] static int ConvMinSVsFlag2Data(int flag, int base);
+    [[nodiscard]] static int ConvMinSVsData2Flag(int data, int base);
+
+    // Lists for these choices. Each text goes to the place that it stands for.
+
+    static void SetElMaskStr(TextList& list);
+    /// @param unit  0 seconds, else minutes
+    static void SetIntervalStr(TextList& list, int unit);
+    /// Numbers with a unit. @param base  the first one
+    static void SetComboBoxStr(TextList& list, int count, const std::wstring& unit, int base);
+    /// Six numbers of satellites from @p base on.
+    static void SetMinSVsStr(TextList& list, int base);
+    /// 0 to 23. @param flag  0 a duration, else hours of the day
+    static void SetSvHourStr(TextList& list, int flag);
+    /// 0 to 59 minutes.
+    static void SetSvMinuteStr(TextList& list);
+    /// Not to use, to use.
+    static void SetSvEnableStr(TextList& list);
 };
 
 } // namespace fieldcore

@@ -74,7 +74,7 @@ public:
     int SetTiltValidity(std::uint16_t hours);
     int StartTiltCalibration();
     int CancelTiltCalibration();
-    /// @param speed  0 slow, 1 middle, anything else fast
+    /// @param speed  0 fast, 1 medium, anything else slow
     int SetTiltSpeed(int speed);
 
     // Sent without waiting for more than whatever comes: 1 if written.

@@ -1,7 +1,9 @@
 #include "core/platform/NumberText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cwchar>
 #include <limits>
 
 #include <locale.h>
@@ -35,6 +37,13 @@ std::wstring Format(double value, std::chars_format format, int precision)
 double ParseReal(const wchar_t* text)
 {
     return text != nullptr ? wcstod_l(text, nullptr, CLocale()) : 0.0;
+}
+
+int ParseWhole(const wchar_t* text)
+{
+    const long number = text != nullptr ? std::wcstol(text, nullptr, 10) : 0;
+    return static_cast<int>(
+        std::clamp<long>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
 std::wstring FormatFixed(double value, std::uint8_t decimals)

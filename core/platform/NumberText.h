@@ -17,6 +17,12 @@ namespace fieldcore {
 /// @return 0.0 if there is no number; an infinity if it is too large for a double
 [[nodiscard]] double ParseReal(const wchar_t* text);
 
+/// The decimal whole number at the start of @p text: leading white space is skipped, what follows
+/// the digits is ignored, so that "40.7" is 40.
+/// @param text  zero-terminated; a null pointer is read like an empty text
+/// @return 0 if there is no number; the nearest int if there are too many digits
+[[nodiscard]] int ParseWhole(const wchar_t* text);
+
 /// As printf's "%.*f": the decimal nearest to the exact value of the double, ties to even.
 /// @param decimals  digits behind the point; with none there is no point either
 [[nodiscard]] std::wstring FormatFixed(double value, std::uint8_t decimals);

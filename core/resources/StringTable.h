@@ -550,6 +550,101 @@ inline constexpr int kComLinkStayed = 60919;
 inline constexpr int kComLinkLost = 60920;
 inline constexpr int kComLinkCaption = 60921;
 inline constexpr int kComSearchPort = 60922; ///< why the port cannot be searched
+// Entries of lists of numbers
+inline constexpr int kListDegrees = 61100;
+inline constexpr int kListSeconds = 61101;
+inline constexpr int kListMinutes = 61102;
+inline constexpr int kListEntry = 61103;      ///< number and unit
+inline constexpr int kListSatellites = 61104; ///< units of such entries
+inline constexpr int kListHour = 61105;       ///< of the day
+inline constexpr int kListHours = 61106;      ///< how many
+inline constexpr int kListMinute = 61107;
+inline constexpr int kListUnused = 61108;
+inline constexpr int kListUsed = 61109;
+
+// The signals that are tracked
+inline constexpr int kSignalTitle = 61110;
+inline constexpr int kSignalL2c = 61111; ///< in the order of SignalName
+inline constexpr int kSignalGlonass = 61112;
+inline constexpr int kSignalQzss = 61113;
+inline constexpr int kSignalGalileo = 61114;
+inline constexpr int kSignalL5 = 61115;
+inline constexpr int kSignalHint = 61116;
+inline constexpr int kSignalLocked = 61117;
+inline constexpr int kSignalUnread = 61118;
+inline constexpr int kSignalAbsent = 61119;
+
+// The electronic bubble
+inline constexpr int kBubbleNeedsCalibration = 61120;
+inline constexpr int kBubbleTitle = 61121;
+inline constexpr int kBubbleNotReady = 61122; ///< no reading yet, or the sensor is starting
+inline constexpr int kBubbleWithin = 61123;
+inline constexpr int kBubbleOutside = 61124;
+inline constexpr int kBubbleStale = 61125;
+
+// The tilt sensor's calibration
+inline constexpr int kTiltNotCompleted = 61130;
+inline constexpr int kTiltCompleted = 61131;
+inline constexpr int kTiltRunning = 61132;
+inline constexpr int kTiltFailed = 61133;
+inline constexpr int kTiltExpired = 61134;
+inline constexpr int kTiltAborted = 61135;
+inline constexpr int kTiltRemain = 61136;
+inline constexpr int kTiltExpiry = 61137;
+inline constexpr int kTiltCaption = 61138;
+inline constexpr int kTiltStart = 61139;
+inline constexpr int kTiltLeans = 61140;
+inline constexpr int kTiltLeansCaption = 61141;
+inline constexpr int kTiltCheck = 61142;
+inline constexpr int kTiltSensitivity130 = 61143; ///< by falling sensitivity
+inline constexpr int kTiltSensitivity70 = 61144;
+inline constexpr int kTiltSensitivity40 = 61145;
+inline constexpr int kTiltSensitivity20 = 61146;
+inline constexpr int kTiltSensitivity8 = 61147;
+inline constexpr int kTiltFast = 61148; ///< by rising viscosity
+inline constexpr int kTiltMedium = 61149;
+inline constexpr int kTiltSlow = 61150;
+inline constexpr int kTiltCancelling = 61151;
+inline constexpr int kTiltCalibrating = 61152;
+inline constexpr int kTiltSensitivityLabel = 61153;
+inline constexpr int kTiltSpeedLabel = 61154;
+inline constexpr int kTiltToleranceLabel = 61155;
+inline constexpr int kTiltMetres = 61156;
+inline constexpr int kTiltValidityLabel = 61157;
+inline constexpr int kTiltChange = 61158;
+inline constexpr int kTiltHours = 61159;
+inline constexpr int kTiltBubble = 61160;
+inline constexpr int kTiltCalibrate = 61161;
+inline constexpr int kTiltClose = 61162;
+
+// The tracking parameters of the survey types
+inline constexpr int kTrackingTitle = 61170;
+inline constexpr int kTrackingSurvey = 61171;
+inline constexpr int kTrackingInterval = 61172;
+inline constexpr int kTrackingMask = 61173;
+inline constexpr int kTrackingEpochs = 61174;
+inline constexpr int kTrackingMinSatellites = 61175;
+inline constexpr int kTrackingPdop = 61176;
+inline constexpr int kTrackingMsas = 61177; ///< the names of the signals are above
+inline constexpr int kTrackingNotKept = 61178;
+inline constexpr int kSurveyRtkRef = 61180; ///< in the order of AllSurveys()
+inline constexpr int kSurveyRtkRov = 61181;
+inline constexpr int kSurveyRtkKijun = 61182;
+inline constexpr int kSurvey2Set = 61183;
+inline constexpr int kSurveyCalib = 61184;
+inline constexpr int kSurvey1Set = 61185;
+inline constexpr int kSurveyRtkDgps = 61186;
+inline constexpr int kSurveySingle = 61187;
+inline constexpr int kSurveySokuLine = 61188;
+inline constexpr int kSurveyStatic = 61189;
+inline constexpr int kSurveyFStatic = 61190;
+inline constexpr int kSurveyKinemaRef = 61191;
+inline constexpr int kSurveyKinemaRov = 61192;
+
+// Home page of the controller
+inline constexpr int kAppSignals = 61195;
+inline constexpr int kAppTilt = 61196;
+inline constexpr int kAppTracking = 61197;
 
 } // namespace text
 

@@ -27,7 +27,7 @@ void ComboEntries::Select(int index)
     m_combo.setCurrentIndex(index);
 }
 
-void ComboEntries::Insert(int index, const std::wstring& text)
+void ComboEntries::Insert(int index, std::wstring_view text)
 {
     const bool wasSelected = m_combo.currentIndex() >= 0;
     const QString typed = m_combo.currentText();

@@ -17,7 +17,7 @@ public:
     [[nodiscard]] std::wstring GetText(int index) const override;
     [[nodiscard]] int GetSelected() const override;
     void Select(int index) override;
-    void Insert(int index, const std::wstring& text) override;
+    void Insert(int index, std::wstring_view text) override;
     void ScrollToTop() override;
 
 private:

@@ -26,9 +26,9 @@ public:
     }
     [[nodiscard]] int GetSelected() const override { return selected; }
     void Select(int index) override { selected = index; }
-    void Insert(int index, const std::wstring& text) override
+    void Insert(int index, std::wstring_view text) override
     {
-        texts.insert(texts.begin() + index, text);
+        texts.emplace(texts.begin() + index, text);
         selected += selected >= index ? 1 : 0;
     }
     void ScrollToTop() override { ++scrolled; }

@@ -1,0 +1,167 @@
+#include "cli/Command.h"
+#include "cli/PortSession.h"
+#include "cli/TerminalHost.h"
+
+#include "core/settings/HostReg.h"
+#include "core/settings/SettingsText.h"
+#include "core/tilt/SignalSession.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace fieldcore::cli {
+
+namespace {
+
+struct SignalOptions
+{
+    PortOptions port;
+    std::vector<std::string> names;
+    bool dryRun = false;
+};
+
+constexpr const char* kNone = "none";
+/// In the order of Signal.
+constexpr std::array<const char*, kAllSignals.size()> kNames{"l2c", "glonass", "qzss", "galileo",
+                                                             "l5"};
+
+const char* NameOf(Signal signal)
+{
+    return kNames[static_cast<std::size_t>(signal)];
+}
+
+void AddSignals(Report& report, const SignalSession& session)
+{
+    report.Add("typeNumber", "type number", Value::Integer(session.TypeNumber()));
+    report.Add("locked", "fixed by the receiver", Value::YesNo(session.IsLocked()));
+    Report::Table table{"signals",
+                        "none",
+                        {{"signal", "signal"}, {"available", "available"}, {"chosen", "chosen"}},
+                        {}};
+    for (const Signal signal : kAllSignals) {
+        // A locked receiver is not asked what it has.
+        table.rows.push_back(
+            {Value::Text(std::string(NameOf(signal))),
+             session.IsKnown() ? Value::YesNo(session.IsEnabled(signal)) : Value::Unknown(),
+             Value::YesNo(session.IsChecked(signal))});
+    }
+    report.AddTable(std::move(table));
+}
+
+/// What keeps the choice from being made, if anything does.
+std::optional<Failure> Apply(SignalSession& session, const std::vector<std::string>& names)
+{
+    if (session.IsLocked()) {
+        return Failure{ExitCode::Failed, "signals-locked",
+                       "An application in the receiver fixes the signals; nothing was sent.",
+                       "End that application at the receiver, then try again."};
+    }
+    for (const Signal signal : kAllSignals) {
+        const bool isWanted = std::find(names.begin(), names.end(), NameOf(signal)) != names.end();
+        if (isWanted && !session.IsEnabled(signal)) {
+            return Failure{ExitCode::Failed, "signal-absent",
+                           std::string("The receiver does not have ") + NameOf(signal) +
+                               "; nothing was sent.",
+                           "fieldcore-cli signal show --port PORT"};
+        }
+        session.Check(signal, isWanted);
+    }
+    return std::nullopt;
+}
+
+ExitCode Set(const Context& context, const SignalOptions& options, PortSession& port,
+             SignalSession& session)
+{
+    Report report;
+    if (const std::optional<Failure> failure = Apply(session, options.names)) {
+        AddSignals(report, session);
+        return context.output.Failed(*failure, &report);
+    }
+    AddSignals(report, session);
+    const std::vector<std::uint8_t> data = session.CommandData();
+    report.Add("data", "data of the command", Value::Text(FormatSettingBytes(data)));
+    if (options.dryRun) {
+        context.output.Note("Nothing was sent and nothing was stored.");
+        report.Add("sent", "sent", Value::YesNo(false));
+        report.Add("stored", "stored", Value::YesNo(false));
+        return context.output.Done(report);
+    }
+    std::optional<Failure> failure;
+    SignalSession::Outcome outcome = session.Confirm();
+    if (outcome.sent == 0 || outcome.boardTold == 0) {
+        failure = port.RequestFailed();
+    } else if (outcome.stored != 1) {
+        failure = Failure{ExitCode::LocalFile, "local-file",
+                          "The receiver has the choice, but it could not be stored.",
+                          "fieldcore-cli doctor"};
+    }
+    report.Add("sent", "sent", Value::YesNo(outcome.sent == 1));
+    report.Add("stored", "stored", Value::YesNo(outcome.stored == 1));
+    return failure ? context.output.Failed(*failure, &report) : context.output.Done(report);
+}
+
+ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)
+{
+    if (isSet && options.names.size() > 1 &&
+        std::find(options.names.begin(), options.names.end(), kNone) != options.names.end()) {
+        return context.output.Failed(
+            UsageFailure("\"none\" stands alone.", "fieldcore-cli signal set none --port PORT"));
+    }
+    TerminalHost host(context.world, context.output);
+    PortSession port(context.world, context.output, host, options.port);
+    if (const std::optional<Failure> failure = port.Connect()) {
+        return context.output.Failed(*failure);
+    }
+    SettingsRoots roots{Folders(context.world.folders)};
+    const HostReg reg(roots);
+    SignalSession session(&port.Command(), reg);
+    session.Open();
+    if (!session.IsLocked() && !session.IsKnown()) {
+        return context.output.Failed(port.RequestFailed());
+    }
+    if (isSet) {
+        return Set(context, options, port, session);
+    }
+    Report report;
+    AddSignals(report, session);
+    return context.output.Done(report);
+}
+
+} // namespace
+
+Command AddSignalCommand(CLI::App& program)
+{
+    CLI::App& parser =
+        AddParser(program, "signal", "Which signals the receiver tracks: show, set",
+                  "  fieldcore-cli signal show --port /dev/ttyUSB0\n"
+                  "  fieldcore-cli signal set glonass qzss l5 --port /dev/ttyUSB0\n");
+    parser.require_subcommand(1);
+    const auto options = std::make_shared<SignalOptions>();
+    CLI::App& show =
+        AddParser(parser, "show", "What the receiver has, and what was chosen for its type",
+                  "  fieldcore-cli signal show --port /dev/ttyUSB0\n");
+    options->port.AddTo(show);
+    CLI::App& set =
+        AddParser(parser, "set", "Track the signals that are named, and none of the others",
+                  "  fieldcore-cli signal set glonass qzss --port /dev/ttyUSB0\n"
+                  "  fieldcore-cli signal set none --port sim:\n"
+                  "  fieldcore-cli signal set l5 --port sim: --dry-run   what would be sent?\n");
+    set.add_option("SIGNAL", options->names, "l2c, glonass, qzss, galileo, l5; or none")
+        ->required()
+        ->expected(1, static_cast<int>(kNames.size()))
+        ->check(CLI::IsMember({"l2c", "glonass", "qzss", "galileo", "l5", "none"}).description(""))
+        ->type_name("");
+    set.add_flag("--dry-run", options->dryRun, "Send nothing and store nothing");
+    options->port.AddTo(set);
+    return {&parser, [options, &set](const Context& context) {
+                return Run(context, *options, set.parsed());
+            }};
+}
+
+} // namespace fieldcore::cli

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "core/link/Command.h"
+#include "core/link/RecvInfo.h"
+#include "core/settings/Reg.h"
+#include "core/tilt/SignalChoice.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace fieldcore {
+
+/// The choice of signals from opening to agreeing: what the receiver has, whether the choice is
+/// free, what was kept for this receiver type, and what goes to the receiver. The thread of the
+/// command channel.
+class SignalSession
+{
+public:
+    /// @param command  may be null; it and @p reg must outlive the object
+    /// @param reg      one that starts at the library's own key
+    SignalSession(CCommand* command, const CReg& reg) : m_command(command), m_reg(reg) {}
+
+    /// Asks the receiver and reads what is kept. Where its options cannot be read, all signals are
+    /// free to choose and none is chosen; without an open port there are none.
+    void Open();
+
+    /// An application file in the receiver fixes the signals: nothing can be chosen.
+    [[nodiscard]] bool IsLocked() const { return m_isLocked; }
+    /// The receiver's options are known. Where they are not, agreeing sends nothing.
+    [[nodiscard]] bool IsKnown() const { return m_isKnown; }
+    /// @return 0 if the receiver did not tell
+    [[nodiscard]] std::uint32_t TypeNumber() const { return m_typeNumber; }
+    /// As the receiver said when it was opened; it says nothing while the choice is locked.
+    [[nodiscard]] const CRecvInfo& Info() const { return m_info; }
+
+    [[nodiscard]] bool IsEnabled(Signal signal) const { return m_enabled.Has(signal); }
+    [[nodiscard]] bool IsChecked(Signal signal) const { return m_checked.Has(signal); }
+    /// A signal that is not enabled stays as it is.
+    void Check(Signal signal, bool on);
+
+    /// What became of an agreement. Nothing where it was not due.
+    struct Outcome
+    {
+        std::optional<int> sent;      ///< the signals: 1 if the receiver acknowledged
+        std::optional<int> boardTold; ///< the board that takes them over only when told
+        std::optional<int> stored;
+    };
+    /// Sends the choice and keeps it, whatever the receiver answers. Nothing while it is locked.
+    Outcome Confirm();
+
+    /// The data that Confirm() would send; empty: nothing.
+    [[nodiscard]] std::vector<std::uint8_t> CommandData() const;
+
+private:
+    CCommand* const m_command;
+    const CReg& m_reg;
+    CRecvInfo m_info;
+    std::uint32_t m_typeNumber = 0;
+    bool m_isLocked = false;
+    bool m_isKnown = false;
+    SignalSet m_enabled;
+    SignalSet m_checked;
+};
+
+} // namespace fieldcore

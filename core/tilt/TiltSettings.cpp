@@ -1,0 +1,139 @@
+#include "core/tilt/TiltSettings.h"
+
+#include "core/host/MesBox.h"
+#include "core/platform/NumberText.h"
+#include "core/resources/StringTable.h"
+#include "core/tilt/Bubble.h"
+#include "core/tilt/BubbleConfig.h"
+
+#include <cstdint>
+
+namespace fieldcore {
+
+namespace {
+
+bool IsPlace(int place, std::size_t count)
+{
+    return place >= 0 && static_cast<std::size_t>(place) < count;
+}
+
+} // namespace
+
+void TiltSettings::Open()
+{
+    constexpr int kLongest = 65534; // 65535: the receiver has none
+    TiltCalibration record;
+    if (m_command != nullptr && m_command->RequestTiltCalibration(record) == 1 &&
+        record.validityHours >= 1 && record.validityHours <= kLongest) {
+        eBubbleConfig::SetBubbleExpiry(record.validityHours);
+    }
+}
+
+bool TiltSettings::Refresh()
+{
+    if (m_command != nullptr && m_command->IsBusy()) {
+        return false;
+    }
+    m_reading.reset();
+    m_record.reset();
+    TiltReading reading;
+    if (m_command == nullptr || m_command->RequestTiltReading(reading) == 0) {
+        return true;
+    }
+    m_reading = reading;
+    TiltCalibration record;
+    if (m_command->RequestTiltCalibration(record) == 1) {
+        m_record = record;
+    }
+    return true;
+}
+
+std::wstring TiltSettings::Remain() const
+{
+    return RemainText(RemainingSeconds(m_record, m_reading));
+}
+
+int TiltSettings::StatusTextId() const
+{
+    return CalibrationTextId(m_reading, LastRun());
+}
+
+int TiltSettings::ChooseSensitivity(int place)
+{
+    if (!IsPlace(place, kSensitivities) ||
+        eBubbleConfig::SetBubbleSensitivity(
+            SensitivityChoices()[static_cast<std::size_t>(place)].value) == 0) {
+        return 0;
+    }
+    eBubbleConfig::SaveBubbleData(m_reg);
+    return 1;
+}
+
+int TiltSettings::ChooseSpeed(int place)
+{
+    if (!IsPlace(place, kSpeeds) ||
+        eBubbleConfig::SetBubbleViscosity(SpeedChoices()[static_cast<std::size_t>(place)].value) ==
+            0) {
+        return 0;
+    }
+    if (m_command != nullptr) {
+        m_command->SetTiltSpeed(eBubbleConfig::GetBubbleViscosity());
+    }
+    eBubbleConfig::SaveBubbleData(m_reg);
+    return 1;
+}
+
+int TiltSettings::EnterDuration(const std::wstring& text)
+{
+    const double toleranceM = ParseReal(text.c_str());
+    if (!(toleranceM > 0.0) || eBubbleConfig::SetBubbleDuration(toleranceM) == 0) {
+        return 0;
+    }
+    eBubbleConfig::SaveBubbleData(m_reg);
+    return 1;
+}
+
+int TiltSettings::EnterExpiry(const std::wstring& text)
+{
+    const int hours = ParseWhole(text.c_str());
+    if (hours <= 0 || eBubbleConfig::SetBubbleExpiry(hours) == 0) {
+        return 0;
+    }
+    if (m_command != nullptr) {
+        m_command->SetTiltValidity(static_cast<std::uint16_t>(eBubbleConfig::GetBubbleExpiry()));
+    }
+    return 1;
+}
+
+std::wstring TiltSettings::DurationText()
+{
+    return FormatFixed(eBubbleConfig::GetBubbleDuration(), 3);
+}
+
+std::wstring TiltSettings::ExpiryEditText()
+{
+    return std::to_wstring(eBubbleConfig::GetBubbleExpiry());
+}
+
+bool TiltSettings::MayCalibrate(Host& host)
+{
+    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question};
+    constexpr double kMostRad = 0.03490658503988659; // 2 degrees
+    const CMesBox box(host);
+    if (box.Show(text::kTiltStart, text::kTiltCaption, kQuestion) != BoxAnswer::Ok) {
+        return false;
+    }
+    TiltReading reading;
+    const bool leans = m_command != nullptr && m_command->RequestTiltReading(reading) == 1 &&
+                       IsUsable(reading) && reading.tiltRad > kMostRad;
+    return !leans ||
+           box.Show(text::kTiltLeans, text::kTiltLeansCaption, kQuestion) == BoxAnswer::Ok;
+}
+
+LastCalibrationRun& TiltSettings::LastRun()
+{
+    static LastCalibrationRun lastRun;
+    return lastRun;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/link/Command.h"
+#include "core/settings/Reg.h"
+#include "core/tilt/CalibrationStatus.h"
+
+#include <optional>
+#include <string>
+
+namespace fieldcore {
+
+/// The state of the tilt sensor's calibration and the settings of the bubble, from opening their
+/// screen to closing it. Settings go to eBubbleConfig, are stored when they changed, and go to the
+/// receiver where it keeps them too; whether it took them is not told. The thread of the command
+/// channel.
+class TiltSettings
+{
+public:
+    /// @param command  may be null; it and @p reg must outlive the object
+    /// @param reg      one that starts at the library's own key
+    TiltSettings(CCommand* command, const CReg& reg) : m_command(command), m_reg(reg) {}
+
+    /// Takes over how long the receiver counts a calibration as valid.
+    void Open();
+
+    /// Asks for reading and record. While another exchange is under way nothing is asked, and
+    /// nothing changes.
+    /// @return false in that case
+    bool Refresh();
+    /// Of the last Refresh().
+    [[nodiscard]] std::wstring Remain() const;
+    [[nodiscard]] int StatusTextId() const;
+    [[nodiscard]] const std::optional<TiltReading>& Reading() const { return m_reading; }
+    [[nodiscard]] const std::optional<TiltCalibration>& Record() const { return m_record; }
+
+    // What the user chooses or types. Places are those of the lists in CalibrationStatus.h;
+    // others change nothing. Each answers 1 if the value changed.
+
+    int ChooseSensitivity(int place);
+    int ChooseSpeed(int place);
+    /// A number that is not above 0 is ignored.
+    int EnterDuration(const std::wstring& text);
+    int EnterExpiry(const std::wstring& text);
+    [[nodiscard]] static std::wstring DurationText();
+    [[nodiscard]] static std::wstring ExpiryEditText();
+
+    /// Asks the user to prepare, and once more if the receiver leans by more than two degrees.
+    /// @return whether a calibration may begin
+    [[nodiscard]] bool MayCalibrate(Host& host);
+
+    /// How the last run of this program ended; the next one writes over it.
+    [[nodiscard]] static LastCalibrationRun& LastRun();
+
+private:
+    CCommand* const m_command;
+    const CReg& m_reg;
+    std::optional<TiltReading> m_reading;
+    std::optional<TiltCalibration> m_record;
+};
+
+} // namespace fieldcore

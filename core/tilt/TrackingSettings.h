@@ -1,0 +1,47 @@
+#pragma once
+
+#include "core/settings/Reg.h"
+#include "core/tilt/GPSPrm.h"
+
+#include <cstdint>
+#include <span>
+
+namespace fieldcore {
+
+// The tracking parameters of every survey type, kept in the keys "GPS\Tracking\SECTION" below the
+// library's own. The sections are those of CParts.
+
+/// A survey type with a set of parameters of its own.
+struct SurveyKind
+{
+    bool isPost;              ///< post-processing, else real time
+    std::uint32_t surveyType; ///< flag
+    int rover;                ///< 0: reference station; counts in real time only
+    int textId;               ///< its name
+};
+
+/// All of them, each section once.
+[[nodiscard]] std::span<const SurveyKind> AllSurveys();
+
+/// A constant of the library.
+[[nodiscard]] const wchar_t* SectionOf(const SurveyKind& kind);
+
+// Bounds of what can be kept; both ends belong to them.
+inline constexpr int kLeastSatellites = 4; ///< to choose from: this and the five that follow
+inline constexpr int kMostEpochs = 9999;   ///< from 1
+inline constexpr double kLeastPdop = 1.0;
+inline constexpr double kMostPdop = 99.0;
+
+/// What a new user has: interval 1 (post-processing 15) s, mask 15 degrees, 10 epochs, 5
+/// satellites, PDOP 7.0, all constellations but MSAS, no L2C and L5.
+void ResetTracking(CGPSPrm& parameters, const SurveyKind& kind);
+
+/// Values that are missing, of another type or out of their bounds are those of a new user.
+/// @param reg  one that starts at the library's own key
+void LoadTracking(const CReg& reg, const SurveyKind& kind, CGPSPrm& parameters);
+
+/// Stores the whole set or nothing.
+/// @return 1, or 0 if it could not be stored
+int SaveTracking(const CReg& reg, const SurveyKind& kind, const CGPSPrm& parameters);
+
+} // namespace fieldcore

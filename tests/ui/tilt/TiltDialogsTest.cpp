@@ -1,0 +1,399 @@
+// The dialogs of the tilt sensor in front of sensors that behave and sensors that do not.
+
+#include "core/resources/StringTable.h"
+#include "tests/core/tilt/SensorLine.h"
+#include "tests/ui/link/Clicks.h"
+#include "ui/controls/QtHost.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/UiText.h"
+#include "ui/tilt/BubbleView.h"
+#include "ui/tilt/SetSignal.h"
+#include "ui/tilt/TiltCalibDlg.h"
+#include "ui/tilt/TiltSensorDlg.h"
+#include "ui/tilt/TiltStatusChk.h"
+#include "ui/tilt/TiltStatusDlg.h"
+#include "ui/tilt/TrackingDlg.h"
+
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QLineEdit>
+
+#include <memory>
+#include <random>
+
+namespace fieldcore {
+namespace {
+
+using testing::SensorLine;
+using testing::SensorWords;
+
+class TiltTest : public ::testing::Test
+{
+protected:
+    TiltTest()
+    {
+        line.command.SetHost(m_host);
+        TiltSensorDlg::ForgetPlace();
+        TiltSensorDlg::SetAntH(0.0);
+    }
+    ~TiltTest() override { TiltSensorDlg::ShutDown(); }
+
+    template <typename Control>
+    static Control* Find(const Dialog& dialog, int id)
+    {
+        return qobject_cast<Control*>(Dialog::FindControl(&dialog, id));
+    }
+    static QString Words(const Dialog& dialog, int id) { return Find<QLabel>(dialog, id)->text(); }
+    static void Choose(CTComboBox* list, int place)
+    {
+        list->setFocus();
+        while (list->currentIndex() != place) {
+            QTest::keyClick(list, list->currentIndex() < place ? Qt::Key_Down : Qt::Key_Up);
+        }
+    }
+
+    QtHost m_host{QtHost::Options{}};
+    SensorLine line;
+};
+
+TEST_F(TiltTest, TheBubbleFollowsAndIsThereOnce)
+{
+    SensorWords words;
+    words.t2Rad = 0.01;
+    line.Say(words);
+    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+    // The sensor is started at the port that the options name; here they cannot be read.
+    QWidget window;
+    window.resize(480, 640);
+    window.show();
+    EXPECT_EQ(TiltSensorDlg::IsShow(), 0);
+    EXPECT_EQ(TiltSensorDlg::ShutDown(), 0);
+    EXPECT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
+    TiltSensorDlg* const first = TiltSensorDlg::Instance();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
+    EXPECT_EQ(TiltSensorDlg::Instance(), first);
+    EXPECT_EQ(TiltSensorDlg::IsShow(), 1);
+    EXPECT_EQ(first->size(), QSize(96, 96));
+    EXPECT_EQ(first->frameGeometry().bottomRight(),
+              window.mapToGlobal(window.rect().bottomRight()));
+    EXPECT_TRUE(first->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_TRUE(first->testAttribute(Qt::WA_ShowWithoutActivating));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return first->View()->Picture().x == 6; }));
+    words.t2Rad = 1.0;
+    line.Say(words);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return first->View()->Picture().x == 31; }));
+
+    TiltSensorDlg::WindowHide(0);
+    const std::size_t asked = line.sent.size();
+    QTest::qWait(500);
+    EXPECT_EQ(line.sent.size(), asked) << "a hidden bubble asks nothing";
+    TiltSensorDlg::WindowHide(5);
+    first->move(33, 44);
+    QTest::keyClick(first, Qt::Key_Escape);
+    EXPECT_FALSE(first->isVisible());
+    EXPECT_EQ(TiltSensorDlg::Instance(), first) << "hidden, not destroyed";
+    EXPECT_EQ(TiltSensorDlg::ShutDown(), 1);
+    EXPECT_EQ(TiltSensorDlg::Instance(), nullptr);
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    EXPECT_EQ(TiltSensorDlg::Instance()->pos(), QPoint(33, 44));
+}
+
+TEST_F(TiltTest, StartsAndStopsTheSensorAtTheReceiversPort)
+{
+    std::string error;
+    auto scenario = simulator::LoadScenario("tilted", error);
+    ASSERT_TRUE(scenario) << error;
+    scenario->port = 2;
+    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    QWidget window;
+    window.show();
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    EXPECT_EQ(line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 12, 34, 1, 0, 5}), 1);
+    TiltSensorDlg::Instance()->Close(Dialog::kCancelled);
+    EXPECT_EQ(line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 5, 255, 1, 0, 0, 0}), 1);
+    TiltSensorDlg::ShutDown();
+    EXPECT_EQ(line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 5, 255, 1, 0, 0, 0}), 2);
+}
+
+TEST_F(TiltTest, MayBeShutDownInTheMiddleOfAQuestion)
+{
+    SensorWords silent;
+    silent.answers = false;
+    line.Say(silent);
+    ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::seconds(30)));
+    QWidget window;
+    window.show();
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    const QPointer<TiltSensorDlg> bubble = TiltSensorDlg::Instance();
+    bool wasBusy = false;
+    QTimer shutDown;
+    QObject::connect(&shutDown, &QTimer::timeout, [&] {
+        if (line.command.IsBusy()) {
+            wasBusy = true;
+            shutDown.stop();
+            TiltSensorDlg::ShutDown();
+        }
+    });
+    shutDown.start(20);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bubble.isNull(); }, 10000));
+    EXPECT_TRUE(wasBusy);
+}
+
+TEST_F(TiltTest, LeavesOutTicksWhileAnAnswerIsLate)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("tilted", error);
+    ASSERT_TRUE(scenario) << error;
+    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    simulator::FaultRule late; // 700 ms of a watch, more than three ticks
+    ASSERT_TRUE(simulator::ParseFaultRule("delay 70000 on C8", late, error)) << error;
+    line.simulator->AddFault(late);
+    QWidget window;
+    window.show();
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    QElapsedTimer watch;
+    watch.start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8) >= 4; }, 10000));
+    EXPECT_GE(watch.elapsed(), 3 * 700) << "a question began before the one before was answered";
+    EXPECT_EQ(TiltSensorDlg::Instance()->View()->Picture().x, 5) << "0.008 rad to the right";
+    EXPECT_EQ(line.command.Fault(), CommandFault::None);
+}
+
+TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
+{
+    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+    TiltStatusDlg dialog(&line.command, line.reg);
+    dialog.show();
+    EXPECT_EQ(Words(dialog, TiltStatusDlg::kStatus), UiText(text::kTiltCompleted));
+    EXPECT_EQ(Words(dialog, TiltStatusDlg::kRemain), QStringLiteral("あと29日23時間0分0秒"));
+    EXPECT_EQ(Words(dialog, TiltStatusDlg::kExpiry), QStringLiteral("30日0時間"));
+    auto* const sensitivity = Find<CTComboBox>(dialog, TiltStatusDlg::kSensitivity);
+    EXPECT_EQ(sensitivity->currentText(), QStringLiteral("40分"));
+    Choose(sensitivity, 4);
+    EXPECT_EQ(eBubbleConfig::GetBubbleSensitivity(), 8.0);
+    Choose(Find<CTComboBox>(dialog, TiltStatusDlg::kSpeed), 0);
+    EXPECT_EQ(line.Sent(0xC8, {10, 22}), 1);
+
+    auto* const duration = Find<QLineEdit>(dialog, TiltStatusDlg::kDuration);
+    duration->setFocus();
+    duration->selectAll();
+    QTest::keyClicks(duration, QStringLiteral("5"));
+    QTest::keyClick(duration, Qt::Key_Return);
+    EXPECT_EQ(duration->text(), QStringLiteral("1.000"));
+    EXPECT_TRUE(dialog.isVisible()) << "Enter leaves the box, not the dialog";
+
+    QTest::mouseClick(Find<QPushButton>(dialog, TiltStatusDlg::kChange), Qt::LeftButton);
+    auto* const expiry = Find<QLineEdit>(dialog, TiltStatusDlg::kExpiryEdit);
+    EXPECT_TRUE(expiry->isVisible());
+    EXPECT_EQ(expiry->selectedText(), QStringLiteral("720"));
+    QTest::keyClicks(expiry, QStringLiteral("25"));
+    QTest::keyClick(expiry, Qt::Key_Return);
+    EXPECT_FALSE(expiry->isVisible());
+    EXPECT_EQ(Words(dialog, TiltStatusDlg::kExpiry), QStringLiteral("1日1時間"));
+    EXPECT_EQ(line.Sent(0xC8, {3, 0, 25}), 1);
+
+    SensorWords expired;
+    expired.calibration = 0x0C;
+    line.Say(expired);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return Words(dialog, TiltStatusDlg::kStatus) == UiText(text::kTiltExpired); }));
+    QTest::mouseClick(Find<QPushButton>(dialog, TiltStatusDlg::kBubble), Qt::LeftButton);
+    EXPECT_EQ(TiltSensorDlg::IsShow(), 1);
+    dialog.Close(Dialog::kCancelled);
+    EXPECT_EQ(TiltSensorDlg::IsShow(), 0) << "the bubble goes with it";
+}
+
+TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
+{
+    struct Row
+    {
+        const char* fault;
+        unsigned end; // calibration byte when the run is over
+        bool takesStart;
+        bool cancel;
+        int status;
+    };
+    const Row rows[] = {
+        {"done", 0x19, true, false, text::kTiltCompleted},
+        {"failed", 0x08, true, false, text::kTiltFailed},
+        {"cancelled", 0x08, true, true, text::kTiltAborted},
+        {"refused", 0x08, false, false, text::kTiltFailed},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        SensorWords words;
+        words.takes = row.takesStart;
+        words.calibration = row.takesStart ? 0x0A : row.end;
+        words.percent = 40;
+        line.Say(words);
+        ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+        TiltStatusDlg dialog(&line.command, line.reg);
+        dialog.show();
+        Surveyor surveyor;
+        surveyor.boxes = {{Text(text::kTiltStart),
+                           L"チルト調整",
+                           text::kMessageIconQuestion,
+                           {text::kButtonOk, text::kButtonCancel},
+                           text::kButtonOk}};
+        bool wasSeen = false;
+        QTimer follow;
+        QObject::connect(&follow, &QTimer::timeout, [&] {
+            auto* const run = qobject_cast<TiltCalibDlg*>(QApplication::activeModalWidget());
+            if (run == nullptr || line.Sent(0xC8, {4}) == 0 || line.command.IsBusy()) {
+                return;
+            }
+            wasSeen = true;
+            if (row.cancel) {
+                QTest::mouseClick(run->CancelButton(), Qt::LeftButton);
+            }
+            words.calibration = row.end;
+            line.Say(words);
+        });
+        follow.start(5);
+        QTest::mouseClick(Find<QPushButton>(dialog, TiltStatusDlg::kCalibrate), Qt::LeftButton);
+        EXPECT_EQ(wasSeen, row.takesStart);
+        EXPECT_EQ(Words(dialog, TiltStatusDlg::kStatus), UiText(row.status));
+        EXPECT_EQ(line.Sent(0xC8, {5}), row.cancel ? 1 : 0);
+    }
+}
+
+TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
+{
+    SensorWords words;
+    words.calibration = 0x08;
+    line.Say(words);
+    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+    QWidget window;
+    window.show();
+    Surveyor surveyor;
+    surveyor.boxes = {{L"チルト調整がされていません。\n今すぐ調整を行いますか？",
+                       L"チルト調整",
+                       text::kMessageIconQuestion,
+                       {text::kButtonOk, text::kButtonCancel},
+                       text::kButtonOk}};
+    bool wasOpened = false;
+    QTimer leave;
+    QObject::connect(&leave, &QTimer::timeout, [&wasOpened] {
+        if (auto* const d = qobject_cast<TiltStatusDlg*>(QApplication::activeModalWidget())) {
+            wasOpened = true;
+            d->Close(Dialog::kCancelled);
+        }
+    });
+    leave.start(5);
+    TiltStatusChk::SetCheckCalib(&line.command, true);
+    TiltStatusChk::SttCheckCalib(&window, 7, 10);
+    TiltStatusChk::SttCheckCalib(&window, 7, 10);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return wasOpened; }));
+    TiltStatusChk::SttCheckCalib(&window, 7, 1);
+    QTest::qWait(100);
+    TiltStatusChk::SetCheckCalib(nullptr, false);
+}
+
+TEST_F(TiltTest, SendsSignalsOnOkOnly)
+{
+    std::string error;
+    auto scenario = simulator::LoadScenario("lark", error);
+    ASSERT_TRUE(scenario) << error;
+    scenario->options.galileo = false;
+    for (const bool isLocked : {false, true}) {
+        scenario->signalsLocked = isLocked;
+        ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+        {
+            SetSignal dialog(&line.command, line.reg);
+            dialog.show();
+            EXPECT_EQ(dialog.Box(Signal::Galileo)->isEnabled(), false);
+            EXPECT_EQ(dialog.Box(Signal::Qzss)->isEnabled(), !isLocked);
+            EXPECT_EQ(dialog.Box(Signal::Qzss)->isChecked(), isLocked) << "kept by the run before";
+            QTest::mouseClick(dialog.Box(Signal::Qzss), Qt::LeftButton, {}, QPoint(10, 22));
+            dialog.Close(Dialog::kCancelled);
+        }
+        EXPECT_EQ(line.Sent(0x53), 0);
+        SetSignal dialog(&line.command, line.reg);
+        dialog.show();
+        QTest::mouseClick(dialog.Box(Signal::Qzss), Qt::LeftButton, {}, QPoint(10, 22));
+        QTest::mouseClick(dialog.OkButton(), Qt::LeftButton);
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_EQ(line.Sent(0x53, {0x0E, 0, 0, 0, 0x84}), isLocked ? 0 : 1);
+    }
+}
+
+TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
+{
+    for (const bool isSecond : {false, true}) {
+        TrackingDlg dialog(line.roots);
+        dialog.show();
+        auto* const survey = Find<CTComboBox>(dialog, TrackingDlg::kSurvey);
+        const auto boxes = dialog.findChildren<QCheckBox*>();
+        ASSERT_EQ(boxes.size(), 6);
+        EXPECT_EQ(boxes[0]->isChecked(), !isSecond);
+        boxes[0]->setChecked(false);
+        Choose(survey, 3);
+        EXPECT_TRUE(boxes[0]->isChecked()) << "another survey";
+        Choose(survey, 0);
+        EXPECT_FALSE(boxes[0]->isChecked());
+        dialog.Close(Dialog::kOk);
+    }
+}
+
+TEST_F(TiltTest, SurvivesAThousandEventsInEachDialog)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("tilted", error);
+    ASSERT_TRUE(scenario) << error;
+    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same events every time
+    const auto below = [&random](int limit) {
+        return static_cast<int>(random() % static_cast<unsigned>(limit));
+    };
+    constexpr Qt::Key kKeys[] = {Qt::Key_Tab,  Qt::Key_Space, Qt::Key_Return, Qt::Key_Up,
+                                 Qt::Key_Down, Qt::Key_9,     Qt::Key_Minus,  Qt::Key_Escape};
+    // Whatever else opens is left again, a calibration among them.
+    QTimer leave;
+    QObject::connect(&leave, &QTimer::timeout, [&] {
+        auto* const front = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (front != nullptr && below(2) == 0) {
+            front->reject();
+        } else if (auto* const box = qobject_cast<MessageDlg*>(front)) {
+            box->findChildren<QPushButton*>().last()->click();
+        } else if (QWidget* const popup = QApplication::activePopupWidget()) {
+            popup->close();
+        }
+    });
+    leave.start(3);
+    const std::function<std::unique_ptr<Dialog>()> makes[] = {
+        [&] { return std::make_unique<SetSignal>(&line.command, line.reg); },
+        [&] { return std::make_unique<TiltStatusDlg>(&line.command, line.reg); },
+        [&] { return std::make_unique<TiltCalibDlg>(&line.command); },
+        [&] { return std::make_unique<TrackingDlg>(line.roots); },
+    };
+    for (const auto& make : makes) {
+        auto dialog = make();
+        for (int i = 0; i < 1000; ++i) {
+            if (!dialog->isVisible()) {
+                dialog = make();
+                dialog->resize(200 + below(400), 200 + below(500));
+                dialog->show();
+            }
+            const QList<QWidget*> all = dialog->findChildren<QWidget*>();
+            QWidget* const target = all[below(static_cast<int>(all.size()))];
+            if (!target->isVisible() || target->window() != dialog.get()) {
+                continue;
+            }
+            if (below(2) == 0) {
+                QTest::keyClick(target, kKeys[below(8)]);
+            } else {
+                QTest::mouseClick(target, Qt::LeftButton, {}, target->rect().center());
+            }
+            if (i % 50 == 0) {
+                QCoreApplication::processEvents();
+            }
+        }
+        dialog->hide();
+    }
+    EXPECT_GE(eBubbleConfig::GetBubbleDuration(), 0.001);
+    EXPECT_LE(eBubbleConfig::GetBubbleExpiry(), 30000);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,104 @@
+#include "ui/tilt/SetSignal.h"
+
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace fieldcore {
+
+SetSignal::SetSignal(CCommand* command, QWidget* parent) : SetSignal(command, m_ownReg, parent) {}
+
+SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
+    : Dialog(parent), m_session(command, reg), m_hint(new QLabel(UiText(text::kSignalHint))),
+      m_ok(new QPushButton(UiText(text::kButtonOk)))
+{
+    setWindowTitle(UiText(text::kSignalTitle));
+    Build();
+}
+
+SetSignal::~SetSignal()
+{
+    Destroy();
+}
+
+void SetSignal::Build()
+{
+    constexpr int kGrid = TouchStyle::kGrid;
+    auto* const inside = new QWidget;
+    auto* const column = new QVBoxLayout(inside);
+    column->setContentsMargins(12, kGrid, 12, kGrid);
+    column->setSpacing(kGrid);
+    m_hint->setWordWrap(true);
+    column->addWidget(m_hint);
+    for (const Signal signal : kAllSignals) {
+        auto* const box = new QCheckBox(UiText(SignalTextId(signal)));
+        box->setMinimumHeight(TouchStyle::kTarget);
+        m_boxes[static_cast<std::size_t>(signal)] = box;
+        column->addWidget(box);
+    }
+    column->addStretch(1);
+    auto* const scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(inside);
+    m_ok->setMinimumSize(15 * kGrid, 6 * kGrid);
+    m_ok->setDefault(true);
+    connect(m_ok, &QPushButton::clicked, this, [this] { Close(kOk); });
+    auto* const row = new QHBoxLayout;
+    row->setContentsMargins(12, 0, 12, 0);
+    row->addStretch(1);
+    row->addWidget(m_ok);
+    auto* const menu = new CnMenuBar;
+    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+    auto* const window = new QVBoxLayout(this);
+    window->setContentsMargins({});
+    window->setSpacing(kGrid);
+    window->addWidget(scroll, 1);
+    window->addLayout(row);
+    window->addWidget(menu);
+}
+
+bool SetSignal::OnInitDialog()
+{
+    m_session.Open();
+    for (const Signal signal : kAllSignals) {
+        QCheckBox& box = *Box(signal);
+        const QString name = UiText(SignalTextId(signal));
+        const bool isAbsent = m_session.IsKnown() && !m_session.IsEnabled(signal);
+        box.setText(isAbsent ? ToQt(FormatText(text::kSignalAbsent, name.toStdWString().c_str()))
+                             : name);
+        box.setEnabled(m_session.IsEnabled(signal));
+        box.setChecked(m_session.IsChecked(signal));
+    }
+    m_hint->setText(UiText(m_session.IsLocked()  ? text::kSignalLocked
+                           : m_session.IsKnown() ? text::kSignalHint
+                                                 : text::kSignalUnread));
+    return true;
+}
+
+bool SetSignal::OnClose(int result)
+{
+    if (m_isConfirming) {
+        return false; // it closes when the receiver has answered
+    }
+    if (result == kOk) {
+        for (const Signal signal : kAllSignals) {
+            m_session.Check(signal, Box(signal)->isChecked());
+        }
+        m_isConfirming = true;
+        m_session.Confirm();
+        m_isConfirming = false;
+    }
+    return true;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "core/settings/HostReg.h"
+#include "core/tilt/SignalSession.h"
+#include "ui/controls/Dialog.h"
+
+#include <array>
+
+class QCheckBox;
+class QLabel;
+class QPushButton;
+
+namespace fieldcore {
+
+/// The choice of the signals that the receiver tracks. What is chosen is sent and kept with OK; a
+/// receiver whose signals are fixed shows what is kept and takes nothing. User-interface thread
+/// only; the rules are SignalSession's.
+class SetSignal : public Dialog
+{
+    Q_OBJECT
+
+public:
+    /// @param command  not owned; must outlive the dialog
+    explicit SetSignal(CCommand* command, QWidget* parent = nullptr);
+    /// @param reg  one that starts at the library's own key; must outlive the dialog
+    SetSignal(CCommand* command, const CReg& reg, QWidget* parent = nullptr);
+    ~SetSignal() override;
+
+    [[nodiscard]] QCheckBox* Box(Signal signal) const
+    {
+        return m_boxes[static_cast<std::size_t>(signal)];
+    }
+    [[nodiscard]] QPushButton* OkButton() const { return m_ok; }
+
+protected:
+    bool OnInitDialog() override;
+    bool OnClose(int result) override;
+
+private:
+    void Build();
+
+    const HostReg m_ownReg; // used unless another is given
+    SignalSession m_session;
+    bool m_isConfirming = false;
+    std::array<QCheckBox*, kAllSignals.size()> m_boxes{}; // owned by the dialog, as are the next
+    QLabel* m_hint;
+    QPushButton* m_ok;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,167 @@
+#include "ui/tilt/TiltSensorDlg.h"
+
+#include "core/link/RecvInfo.h"
+#include "core/tilt/BubbleConfig.h"
+#include "ui/controls/UiText.h"
+#include "ui/tilt/BubbleView.h"
+
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <cstdint>
+
+namespace fieldcore {
+
+namespace {
+
+QPointer<TiltSensorDlg> g_window;
+QPointer<QWidget> g_anchor;
+double g_antennaHeightM = 0.0;
+std::optional<QRect> g_place; // of the window's inside
+
+/// The receiver's port that the controller uses.
+std::optional<std::uint8_t> PortOf(CCommand* command)
+{
+    CRecvInfo info;
+    if (command == nullptr || command->IsBusy() || command->IsPortOpen() == 0 ||
+        info.GetOptionData(*command) == 0) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint8_t>(info.GetCurrentPortID());
+}
+
+} // namespace
+
+int TiltSensorDlg::StartUp(CCommand* command, QWidget* parent, QWidget* anchor)
+{
+    if (const auto port = PortOf(command)) {
+        command->StartTiltSensor(*port);
+    }
+    if (g_window.isNull()) {
+        g_anchor = anchor;
+        g_window = new TiltSensorDlg(command, parent);
+    }
+    g_window->show();
+    return 1;
+}
+
+int TiltSensorDlg::ShutDown()
+{
+    if (g_window.isNull()) {
+        return 0;
+    }
+    TiltSensorDlg* const window = g_window;
+    g_window.clear();
+    if (window->m_poll.IsPolling()) {
+        // The question below on the stack comes back to it.
+        window->m_isDoomed = true;
+        window->hide();
+    } else {
+        delete window;
+    }
+    return 1;
+}
+
+void TiltSensorDlg::WindowHide(int showCommand)
+{
+    if (!g_window.isNull()) {
+        g_window->setVisible(showCommand != 0);
+    }
+}
+
+void TiltSensorDlg::SetAntH(double heightM)
+{
+    g_antennaHeightM = heightM;
+}
+
+int TiltSensorDlg::IsActive()
+{
+    return !g_window.isNull() && g_window->isActiveWindow() ? 1 : 0;
+}
+
+int TiltSensorDlg::IsShow()
+{
+    return !g_window.isNull() && g_window->internalWinId() != 0 ? 1 : 0;
+}
+
+TiltSensorDlg* TiltSensorDlg::Instance()
+{
+    return g_window;
+}
+
+void TiltSensorDlg::ForgetPlace()
+{
+    g_place.reset();
+}
+
+TiltSensorDlg::TiltSensorDlg(CCommand* command, QWidget* parent)
+    : Dialog(parent), m_command(command), m_poll(command), m_view(new BubbleView)
+{
+    setWindowFlags(Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
+                   Qt::WindowStaysOnTopHint);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setWindowTitle(UiText(text::kBubbleTitle));
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(m_view);
+}
+
+TiltSensorDlg::~TiltSensorDlg()
+{
+    Destroy();
+}
+
+bool TiltSensorDlg::OnInitDialog()
+{
+    QRect place(0, 0, kVialWidth, kVialWidth);
+    if (g_place) {
+        place = *g_place;
+    } else if (!g_anchor.isNull()) {
+        const QMargins frame =
+            windowHandle() != nullptr ? windowHandle()->frameMargins() : QMargins();
+        place.moveBottomRight(g_anchor->mapToGlobal(g_anchor->rect().bottomRight()) -
+                              QPoint(frame.right(), frame.bottom()));
+    }
+    setGeometry(place);
+    SetTimer(kPollTimer, static_cast<int>(BubblePoll::kInterval.count()));
+    return false; // the focus stays where it is
+}
+
+void TiltSensorDlg::OnTimer(int id)
+{
+    if (id != kPollTimer || !isVisible() || m_isDoomed) {
+        return;
+    }
+    m_poll.Tick({eBubbleConfig::GetBubbleSensitivity(), eBubbleConfig::GetBubbleDuration(),
+                 g_antennaHeightM});
+    if (m_isDoomed) {
+        if (!m_poll.IsPolling()) {
+            deleteLater();
+        }
+        return;
+    }
+    m_view->Show(m_poll.Picture(), m_poll.IsStale());
+}
+
+bool TiltSensorDlg::OnClose(int result)
+{
+    Q_UNUSED(result)
+    SendStop();
+    hide();
+    return false; // it is hidden, not over
+}
+
+void TiltSensorDlg::OnDestroy()
+{
+    SendStop();
+    g_place = geometry();
+}
+
+void TiltSensorDlg::SendStop()
+{
+    if (const auto port = PortOf(m_command)) {
+        m_command->StopTiltSensor(*port);
+    }
+}
+
+} // namespace fieldcore

@@ -1,0 +1,253 @@
+#include "ui/tilt/TiltStatusDlg.h"
+
+#include "core/tilt/BubbleConfig.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+#include "ui/tilt/TiltCalibDlg.h"
+#include "ui/tilt/TiltSensorDlg.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kGrid = TouchStyle::kGrid;
+
+QPushButton* Button(int textId, const char* icon)
+{
+    auto* const button = new QPushButton(UiText(textId));
+    if (icon != nullptr) {
+        button->setIcon(ThemeIcon(QString::fromLatin1(icon)));
+    }
+    button->setMinimumHeight(6 * kGrid);
+    button->setAutoDefault(false);
+    return button;
+}
+
+template <typename Choices>
+void Fill(CTComboBox& list, const Choices& choices)
+{
+    list.clear();
+    for (const TiltChoice& choice : choices) {
+        list.AddEntry(UiText(choice.textId), choice.value);
+    }
+}
+
+} // namespace
+
+TiltStatusDlg::TiltStatusDlg(CCommand* command, QWidget* parent)
+    : TiltStatusDlg(command, m_ownReg, parent)
+{}
+
+TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent)
+    : Dialog(parent), m_command(command), m_tilt(command, reg), m_status(new QLabel),
+      m_remain(new QLabel), m_sensitivity(new CTComboBox), m_speed(new CTComboBox),
+      m_duration(new QLineEdit), m_expiryPlace(new QStackedWidget), m_expiry(new QLabel),
+      m_change(Button(text::kTiltChange, nullptr)), m_expiryEdit(new QLineEdit)
+{
+    setWindowTitle(UiText(text::kTiltCaption));
+    Build();
+    connect(m_sensitivity, &QComboBox::activated, this,
+            [this](int place) { m_tilt.ChooseSensitivity(place); });
+    connect(m_speed, &QComboBox::activated, this, [this](int place) { m_tilt.ChooseSpeed(place); });
+    connect(m_duration, &QLineEdit::editingFinished, this, [this] {
+        m_tilt.EnterDuration(m_duration->text().toStdWString());
+        m_duration->setText(ToQt(TiltSettings::DurationText()));
+    });
+    connect(m_change, &QPushButton::clicked, this, &TiltStatusDlg::EditExpiry);
+    connect(m_expiryEdit, &QLineEdit::editingFinished, this, &TiltStatusDlg::LeaveExpiry);
+}
+
+TiltStatusDlg::~TiltStatusDlg()
+{
+    Destroy();
+}
+
+void TiltStatusDlg::Build()
+{
+    auto* const inside = new QWidget;
+    auto* const column = new QVBoxLayout(inside);
+    column->setContentsMargins(12, kGrid, 12, kGrid);
+    column->setSpacing(kGrid);
+    QFont large = font();
+    large.setBold(true);
+    large.setPixelSize(20);
+    m_status->setFont(large);
+    m_status->setWordWrap(true);
+    column->addWidget(m_status);
+    column->addWidget(m_remain);
+    column->addSpacing(kGrid);
+    auto* const form = new QFormLayout;
+    form->setVerticalSpacing(kGrid);
+    form->setLabelAlignment(Qt::AlignVCenter);
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    BuildSettings(*form);
+    column->addLayout(form);
+    column->addStretch(1);
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(kGrid);
+    auto* const bubble = Button(text::kTiltBubble, "tilt");
+    auto* const calibrate = Button(text::kTiltCalibrate, "calibrate");
+    connect(bubble, &QPushButton::clicked, this,
+            [this] { TiltSensorDlg::StartUp(m_command, this, this); });
+    connect(calibrate, &QPushButton::clicked, this, &TiltStatusDlg::Calibrate);
+    buttons->addWidget(bubble);
+    buttons->addWidget(calibrate);
+
+    auto* const scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(inside);
+    auto* const menu = new CnMenuBar;
+    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+    auto* const window = new QVBoxLayout(this);
+    window->setContentsMargins({});
+    window->setSpacing(kGrid);
+    window->addWidget(scroll, 1);
+    auto* const foot = new QHBoxLayout;
+    foot->setContentsMargins(12, 0, 12, 0);
+    foot->addLayout(buttons);
+    window->addLayout(foot);
+    window->addWidget(menu);
+
+    const std::pair<QWidget*, int> numbers[] = {
+        {m_status, kStatus},         {m_remain, kRemain},     {m_sensitivity, kSensitivity},
+        {m_speed, kSpeed},           {m_duration, kDuration}, {m_expiry, kExpiry},
+        {m_expiryEdit, kExpiryEdit}, {m_change, kChange},     {bubble, kBubble},
+        {calibrate, kCalibrate}};
+    for (const auto& [control, id] : numbers) {
+        SetControlId(control, id);
+    }
+}
+
+void TiltStatusDlg::BuildSettings(QFormLayout& form)
+{
+    Fill(*m_sensitivity, SensitivityChoices());
+    Fill(*m_speed, SpeedChoices());
+    m_duration->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
+    m_expiryEdit->setInputMethodHints(Qt::ImhDigitsOnly);
+    auto* const duration = new QWidget;
+    auto* const row = new QHBoxLayout(duration);
+    row->setContentsMargins({});
+    row->addWidget(m_duration);
+    row->addWidget(new QLabel(UiText(text::kTiltMetres)));
+    auto* const shown = new QWidget;
+    auto* const shownRow = new QHBoxLayout(shown);
+    shownRow->setContentsMargins({});
+    shownRow->addWidget(m_expiry, 1);
+    shownRow->addWidget(m_change);
+    auto* const edited = new QWidget;
+    auto* const editRow = new QHBoxLayout(edited);
+    editRow->setContentsMargins({});
+    editRow->addWidget(m_expiryEdit, 1);
+    editRow->addWidget(new QLabel(UiText(text::kTiltHours)));
+    m_expiryPlace->addWidget(shown);
+    m_expiryPlace->addWidget(edited);
+    m_expiryPlace->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    form.addRow(UiText(text::kTiltSensitivityLabel), m_sensitivity);
+    form.addRow(UiText(text::kTiltSpeedLabel), m_speed);
+    form.addRow(UiText(text::kTiltToleranceLabel), duration);
+    form.addRow(UiText(text::kTiltValidityLabel), m_expiryPlace);
+    m_sensitivity->setAccessibleName(UiText(text::kTiltSensitivityLabel));
+    m_speed->setAccessibleName(UiText(text::kTiltSpeedLabel));
+    m_duration->setAccessibleName(UiText(text::kTiltToleranceLabel));
+    m_expiryEdit->setAccessibleName(UiText(text::kTiltValidityLabel));
+}
+
+bool TiltStatusDlg::OnInitDialog()
+{
+    m_sensitivity->setCurrentIndex(SensitivityPlace(eBubbleConfig::GetBubbleSensitivity()));
+    m_speed->setCurrentIndex(SpeedPlace(eBubbleConfig::GetBubbleViscosity()));
+    m_duration->setText(ToQt(TiltSettings::DurationText()));
+    m_tilt.Open();
+    ShowExpiry();
+    UpdateStatus();
+    SetTimer(kStatusTimer, kStatusMs);
+    return true;
+}
+
+void TiltStatusDlg::OnDestroy()
+{
+    TiltSensorDlg::ShutDown();
+}
+
+void TiltStatusDlg::OnTimer(int id)
+{
+    if (id == kStatusTimer && m_ticksToSkip-- <= 0) {
+        UpdateStatus();
+    }
+}
+
+void TiltStatusDlg::UpdateStatus()
+{
+    m_ticksToSkip = 0;
+    if (!m_tilt.Refresh()) {
+        return;
+    }
+    // Each question that is not answered blocks the program for two reply time-outs.
+    constexpr int kMostSkipped = 8;
+    const bool isSilent =
+        !m_tilt.Reading() && m_command != nullptr && m_command->Fault() == CommandFault::TimedOut;
+    m_lastSkipped = isSilent ? std::clamp(2 * m_lastSkipped, 1, kMostSkipped) : 0;
+    m_ticksToSkip = m_lastSkipped;
+    m_status->setText(UiText(m_tilt.StatusTextId()));
+    m_remain->setText(ToQt(m_tilt.Remain()));
+}
+
+void TiltStatusDlg::ShowExpiry()
+{
+    m_expiry->setText(ToQt(ExpiryText(eBubbleConfig::GetBubbleExpiry())));
+    m_expiryPlace->setCurrentIndex(0);
+}
+
+void TiltStatusDlg::EditExpiry()
+{
+    m_expiryEdit->setText(ToQt(TiltSettings::ExpiryEditText()));
+    m_expiryPlace->setCurrentIndex(1);
+    m_expiryEdit->setFocus();
+    m_expiryEdit->selectAll();
+}
+
+void TiltStatusDlg::LeaveExpiry()
+{
+    if (m_expiryPlace->currentIndex() == 1) { // hiding it takes the focus from it once more
+        m_expiryPlace->setCurrentIndex(0);
+        m_tilt.EnterExpiry(m_expiryEdit->text().toStdWString());
+        ShowExpiry();
+    }
+}
+
+void TiltStatusDlg::Calibrate()
+{
+    if (!m_tilt.MayCalibrate(GetHost())) {
+        return;
+    }
+    KillTimer(kStatusTimer);
+    TiltCalibDlg run(m_command, this);
+    run.DoModal();
+    TiltSettings::LastRun() = run.Result();
+    UpdateStatus();
+    SetTimer(kStatusTimer, kStatusMs);
+}
+
+Host& TiltStatusDlg::GetHost() const
+{
+    return m_command != nullptr ? m_command->GetHost() : DefaultHost();
+}
+
+} // namespace fieldcore

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "core/settings/HostReg.h"
+#include "core/tilt/TiltSettings.h"
+#include "ui/controls/Dialog.h"
+
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QStackedWidget;
+
+namespace fieldcore {
+
+class CTComboBox;
+
+/// The state of the tilt sensor's calibration, and the settings of the bubble. It asks the receiver
+/// once a second while it is open, and less often while the receiver keeps silent.
+/// User-interface thread only; the rules are TiltSettings'.
+class TiltStatusDlg : public Dialog
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kStatusTimer = 1;
+    static constexpr int kStatusMs = 1000;
+
+    // Numbers of the controls.
+    static constexpr int kStatus = 1;
+    static constexpr int kRemain = 2;
+    static constexpr int kSensitivity = 3;
+    static constexpr int kSpeed = 4;
+    static constexpr int kDuration = 5;
+    static constexpr int kExpiry = 6;
+    static constexpr int kExpiryEdit = 7;
+    static constexpr int kChange = 8;
+    static constexpr int kBubble = 9;
+    static constexpr int kCalibrate = 10;
+
+    /// @param command  receiver channel; not owned, must outlive the dialog
+    explicit TiltStatusDlg(CCommand* command, QWidget* parent = nullptr);
+    /// @param reg  one that starts at the library's own key; must outlive the dialog
+    TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent = nullptr);
+    ~TiltStatusDlg() override;
+
+    bool OnInitDialog() override;
+
+protected:
+    void OnDestroy() override;
+    void OnTimer(int id) override;
+
+private:
+    void Build();
+    void BuildSettings(QFormLayout& form);
+    void UpdateStatus();
+    void ShowExpiry();
+    void EditExpiry();
+    void LeaveExpiry();
+    void Calibrate();
+    [[nodiscard]] Host& GetHost() const;
+
+    CCommand* const m_command;
+    const HostReg m_ownReg; // used unless another is given
+    TiltSettings m_tilt;
+    int m_ticksToSkip = 0;
+    int m_lastSkipped = 0;
+    QLabel* m_status; // owned by the dialog, as are all that follow
+    QLabel* m_remain;
+    CTComboBox* m_sensitivity;
+    CTComboBox* m_speed;
+    QLineEdit* m_duration;
+    QStackedWidget* m_expiryPlace; // shown, or edited
+    QLabel* m_expiry;
+    QPushButton* m_change;
+    QLineEdit* m_expiryEdit;
+};
+
+} // namespace fieldcore
