@@ -85,7 +85,9 @@ void ExchangeRecord::Add(Direction direction, Clock::Duration time,
                          std::span<const std::uint8_t> bytes)
 {
     const std::scoped_lock lock(m_mutex);
-    if (m_pieces.size() == m_limit) {
+    m_bytes += bytes.size();
+    while (!m_pieces.empty() && (m_pieces.size() >= m_limit || m_bytes > m_byteLimit)) {
+        m_bytes -= m_pieces.front().bytes.size();
         m_pieces.pop_front();
     }
     m_pieces.push_back({direction, time, {bytes.begin(), bytes.end()}});

@@ -42,8 +42,10 @@ struct RecordedBytes
 class ExchangeRecord
 {
 public:
-    /// @param limit  pieces kept in memory; older ones are forgotten first
-    explicit ExchangeRecord(std::size_t limit) : m_limit(limit) {}
+    /// @param limit, byteLimit  pieces and bytes kept in memory; older ones are forgotten first
+    ExchangeRecord(std::size_t limit, std::size_t byteLimit)
+        : m_limit(limit), m_byteLimit(byteLimit)
+    {}
 
     /// Writes every further piece to a new file at @p path, a line each.
     [[nodiscard]] bool OpenFile(const std::filesystem::path& path, std::string& error);
@@ -54,7 +56,9 @@ public:
 private:
     mutable std::mutex m_mutex;
     const std::size_t m_limit;
+    const std::size_t m_byteLimit;
     std::deque<RecordedBytes> m_pieces; // guarded by m_mutex
+    std::size_t m_bytes = 0;            // guarded by m_mutex: of m_pieces
     std::ofstream m_file;               // guarded by m_mutex
 };
 

@@ -1,6 +1,7 @@
 #include "simulator/FaultInjector.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace fieldcore::simulator {
@@ -46,6 +47,29 @@ int RequestType(const Request& request)
 bool Matches(const FaultRule& rule, int type)
 {
     return rule.requestType == FaultRule::kAnyRequest || rule.requestType == type;
+}
+
+bool IsForFrames(const FaultRule& rule)
+{
+    return rule.replyType != FaultRule::kWholeAnswer;
+}
+
+/// Whether nothing of an answer is left behind what such a fault makes of it.
+bool EndsAnswer(FaultKind kind)
+{
+    constexpr FaultKind kEnds[] = {FaultKind::Drop,       FaultKind::Nak,    FaultKind::NakStorm,
+                                   FaultKind::Ack,        FaultKind::HangUp, FaultKind::Reboot,
+                                   FaultKind::ReplyForAck};
+    return std::find(std::begin(kEnds), std::end(kEnds), kind) != std::end(kEnds);
+}
+
+std::size_t SizeOf(const Pieces& pieces)
+{
+    std::size_t size = 0;
+    for (const Piece& piece : pieces) {
+        size += piece.bytes.size();
+    }
+    return size;
 }
 
 bool CutsRequest(const FaultRule& rule)
@@ -115,6 +139,11 @@ void AnnounceMore(Bytes& frame, int length)
     if (!IsFrame(frame)) {
         return;
     }
+    if (frame[2] == kLongFrame) {
+        frame[3] = static_cast<std::uint8_t>(length >> 8);
+        frame[4] = static_cast<std::uint8_t>(length & 0xFF);
+        return;
+    }
     frame[3] = static_cast<std::uint8_t>(length & 0xFF);
     if (length > 0xFF) {
         frame[2] = kLongFrame;
@@ -145,27 +174,86 @@ void ReplaceAnswer(Pieces& pieces, Bytes bytes)
 
 } // namespace
 
-Pieces FaultInjector::Apply(const Request& request, const std::vector<Bytes>& answer,
-                            Clock::Duration& silence)
+FaultInjector::Outcome FaultInjector::Apply(const Request& request, std::vector<Bytes> answer,
+                                            bool goesOn)
 {
-    Pieces pieces;
-    for (const Bytes& bytes : answer) {
-        pieces.push_back({bytes});
-    }
-    const int type = RequestType(request);
+    m_requestType = RequestType(request);
+    m_cut.reset();
+    Outcome outcome = ApplyToFrames(std::move(answer));
     for (RuleState& state : m_rules) {
-        if (!Matches(state.rule, type)) {
+        if (IsForFrames(state.rule) || !Matches(state.rule, m_requestType)) {
             continue;
         }
         if (!CutsRequest(state.rule)) {
-            if (Strikes(state)) {
-                Inflict(state.rule, pieces, silence);
+            if (!Strikes(state)) {
+                continue;
+            }
+            const auto cutAt = static_cast<std::size_t>(AmountOr(state.rule, 0));
+            const std::size_t size = SizeOf(outcome.pieces);
+            if (state.rule.kind == FaultKind::HangUp && goesOn && !outcome.ends && cutAt > size) {
+                m_cut = ComingCut{state.rule, cutAt - size};
+            } else {
+                Inflict(state.rule, outcome);
+                outcome.ends = outcome.ends || EndsAnswer(state.rule.kind);
             }
         } else if (request.bytes.size() <= CutAt(state.rule) && Strikes(state)) {
-            pieces = {HangUpPiece(state.rule)}; // too short to be cut before its end
+            outcome.pieces = {HangUpPiece(state.rule)}; // too short to be cut before its end
+            outcome.ends = true;
         }
     }
-    return pieces;
+    return outcome;
+}
+
+FaultInjector::Outcome FaultInjector::ApplyToNext(std::optional<Bytes> frame)
+{
+    if (!frame) {
+        Outcome outcome;
+        if (m_cut) {
+            outcome.pieces = {HangUpPiece(m_cut->rule)};
+            m_cut.reset();
+        }
+        return outcome;
+    }
+    std::vector<Bytes> frames;
+    frames.push_back(*std::move(frame));
+    Outcome outcome = ApplyToFrames(std::move(frames));
+    if (m_cut) {
+        const std::size_t size = SizeOf(outcome.pieces);
+        if (m_cut->bytesLeft <= size) {
+            CutAnswer(outcome.pieces, m_cut->bytesLeft, m_cut->rule);
+            outcome.ends = true;
+            m_cut.reset();
+        } else {
+            m_cut->bytesLeft -= size;
+        }
+    }
+    return outcome;
+}
+
+FaultInjector::Outcome FaultInjector::ApplyToFrames(std::vector<Bytes> frames)
+{
+    Outcome all;
+    for (Bytes& frame : frames) {
+        if (all.ends) {
+            break;
+        }
+        const int type = IsFrame(frame) ? frame[2] : FaultRule::kWholeAnswer;
+        Outcome one;
+        one.pieces.push_back({std::move(frame)});
+        for (RuleState& state : m_rules) {
+            const bool isMeant = IsForFrames(state.rule) && state.rule.replyType == type &&
+                                 Matches(state.rule, m_requestType);
+            if (isMeant && Strikes(state)) {
+                Inflict(state.rule, one);
+                one.ends = one.ends || state.rule.kind == FaultKind::HangUp ||
+                           state.rule.kind == FaultKind::Reboot;
+            }
+        }
+        std::move(one.pieces.begin(), one.pieces.end(), std::back_inserter(all.pieces));
+        all.silence = std::max(all.silence, one.silence);
+        all.ends = one.ends;
+    }
+    return all;
 }
 
 std::optional<Piece> FaultInjector::CutRequest(std::span<const std::uint8_t> begun)
@@ -202,9 +290,9 @@ bool FaultInjector::Strikes(RuleState& state)
     return true;
 }
 
-void FaultInjector::Inflict(const FaultRule& rule, Pieces& pieces, Clock::Duration& silence)
+void FaultInjector::Inflict(const FaultRule& rule, Outcome& outcome)
 {
-    const auto stray = [&] { return StrayFrame(pieces); };
+    Pieces& pieces = outcome.pieces;
     switch (rule.kind) {
     case FaultKind::Drop:
         pieces.clear();
@@ -216,19 +304,23 @@ void FaultInjector::Inflict(const FaultRule& rule, Pieces& pieces, Clock::Durati
     case FaultKind::Ack:
         return ReplaceAnswer(pieces, {kAck});
     case FaultKind::ReplyForAck:
-        return ReplaceAnswer(pieces, stray());
+        return ReplaceAnswer(pieces, StrayFrame(pieces));
     case FaultKind::HangUp:
         return CutAnswer(pieces, static_cast<std::size_t>(AmountOr(rule, 0)), rule);
     case FaultKind::Reboot:
-        silence = milliseconds(AmountOr(rule, 3000));
+        outcome.silence = milliseconds(AmountOr(rule, 3000));
         pieces.clear();
         return;
     default:
-        break;
+        if (!pieces.empty()) { // else nothing is said that could be said wrongly
+            InflictOnPieces(rule, pieces);
+        }
     }
-    if (pieces.empty()) {
-        return; // nothing is said that could be said wrongly
-    }
+}
+
+void FaultInjector::InflictOnPieces(const FaultRule& rule, Pieces& pieces)
+{
+    const auto stray = [&] { return StrayFrame(pieces); };
     Piece& first = pieces.front();
     switch (rule.kind) {
     case FaultKind::Corrupt:
@@ -268,6 +360,11 @@ void FaultInjector::Inflict(const FaultRule& rule, Pieces& pieces, Clock::Durati
             first.bytes = MakeFrame(first.bytes[2], Bytes());
         }
         break;
+    case FaultKind::Truncate: {
+        const auto lost = static_cast<std::size_t>(AmountOr(rule, 1));
+        first.bytes.resize(first.bytes.size() - std::min(lost, first.bytes.size()));
+        break;
+    }
     case FaultKind::OversizeLength:
         AnnounceMore(first.bytes, AmountOr(rule, 255));
         break;

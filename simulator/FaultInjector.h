@@ -23,10 +23,22 @@ public:
     void Add(const FaultRule& rule) { m_rules.push_back({rule}); }
     void Clear() { m_rules.clear(); }
 
+    /// What becomes of an answer.
+    struct Outcome
+    {
+        Pieces pieces;
+        Clock::Duration silence{}; ///< so long the receiver hears and says nothing from now on
+        bool ends = false;         ///< what would follow is not sent either
+    };
+
     /// What becomes of the answer to @p request. Call it once for every request.
-    /// @param silence  how long the receiver hears and says nothing from now on; set by a reboot
-    [[nodiscard]] Pieces Apply(const Request& request, const std::vector<Bytes>& answer,
-                               Clock::Duration& silence);
+    /// @param goesOn  more frames follow, which come through ApplyToNext()
+    [[nodiscard]] Outcome Apply(const Request& request, std::vector<Bytes> answer,
+                                bool goesOn = false);
+
+    /// What becomes of the next frame of that answer.
+    /// @param frame  nothing: the answer is at its end
+    [[nodiscard]] Outcome ApplyToNext(std::optional<Bytes> frame);
 
     /// A hang-up that cuts the request of which @p begun has come. Call it for every byte.
     [[nodiscard]] std::optional<Piece> CutRequest(std::span<const std::uint8_t> begun);
@@ -40,11 +52,23 @@ private:
     };
 
     [[nodiscard]] bool Strikes(RuleState& state);
-    void Inflict(const FaultRule& rule, Pieces& pieces, Clock::Duration& silence);
+    /// A hang-up of a whole answer whose byte has not come yet.
+    struct ComingCut
+    {
+        FaultRule rule;
+        std::size_t bytesLeft = 0;
+    };
+
+    void Inflict(const FaultRule& rule, Outcome& outcome);
+    void InflictOnPieces(const FaultRule& rule, Pieces& pieces);
+    /// Does to each frame what the rules for single frames say.
+    [[nodiscard]] Outcome ApplyToFrames(std::vector<Bytes> frames);
     [[nodiscard]] Bytes RandomBytes(std::size_t count);
 
     std::vector<RuleState> m_rules;
     std::mt19937 m_random;
+    int m_requestType = FaultRule::kAnyRequest; // of the answer that is being given
+    std::optional<ComingCut> m_cut;             // of it
 };
 
 } // namespace fieldcore::simulator

@@ -35,6 +35,7 @@ constexpr std::array kKinds{
     KindName{"burst", FaultKind::Burst, -1},
     KindName{"garbage", FaultKind::Garbage, 65535},
     KindName{"zero-length", FaultKind::ZeroLength, -1},
+    KindName{"truncate", FaultKind::Truncate, 65535},
     KindName{"oversize-length", FaultKind::OversizeLength, 65535},
     KindName{"hang-up", FaultKind::HangUp, 65535},
     KindName{"reboot", FaultKind::Reboot, kOneHour},
@@ -76,6 +77,20 @@ bool ReadKind(Words& words, FaultRule& rule)
                          rule.amount);
 }
 
+/// Two hexadecimal digits.
+/// @param wanted  what else may stand there, for the error
+bool ReadType(Words& words, std::string_view word, std::string_view wanted, int& type)
+{
+    int read = 0;
+    const char* const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, read, 16);
+    if (error != std::errc() || stop != end || word.size() != 2 || read < 0) {
+        return words.Fail(std::string(wanted) + ", not \"" + std::string(word) + "\"");
+    }
+    type = read;
+    return true;
+}
+
 bool ReadRequestType(Words& words, FaultRule& rule)
 {
     const std::string_view word = words.Take();
@@ -86,14 +101,8 @@ bool ReadRequestType(Words& words, FaultRule& rule)
     } else if (word == "line") {
         rule.requestType = FaultRule::kLineRequest;
     } else {
-        int type = 0;
-        const char* const end = word.data() + word.size();
-        const auto [stop, error] = std::from_chars(word.data(), end, type, 16);
-        if (error != std::errc() || stop != end || word.size() != 2 || type < 0) {
-            return words.Fail("a request is two hexadecimal digits, any, break or line, not \"" +
-                              std::string(word) + "\"");
-        }
-        rule.requestType = type;
+        return ReadType(words, word, "a request is two hexadecimal digits, any, break or line",
+                        rule.requestType);
     }
     return true;
 }
@@ -113,6 +122,11 @@ bool ReadClause(Words& words, FaultRule& rule)
     const std::string_view clause = words.Take();
     if (clause == "on") {
         return ReadRequestType(words, rule);
+    }
+    const bool inRequest = rule.kind == FaultKind::HangUp && rule.place == HangUpPlace::Request;
+    if (clause == "of" && !inRequest) {
+        return ReadType(words, words.Take(), "a frame of an answer is two hexadecimal digits",
+                        rule.replyType);
     }
     if (clause == "skip") {
         return ReadCount(words, "skip", 0, rule.skip);
@@ -135,7 +149,7 @@ bool ReadClause(Words& words, FaultRule& rule)
         return true;
     }
     return words.Fail("\"" + std::string(clause) +
-                      "\" is not understood here; a rule goes on with on, skip, every, first, "
+                      "\" is not understood here; a rule goes on with on, of, skip, every, first, "
                       "chance, count, and back for a hang-up");
 }
 

@@ -9,7 +9,9 @@
 namespace fieldcore::simulator {
 
 /// What goes wrong with the answer to one request. "Answer" is everything that the receiver
-/// would have sent; "first frame" is the first frame of it, or the lone ACK or NAK byte.
+/// would have sent; "first frame" is the first frame of it, or the lone ACK or NAK byte. Of a
+/// list of files or a download, which are made as they are sent, a rule for whole answers has the
+/// first frame alone; only a hang-up counts the bytes of all.
 enum class FaultKind : std::uint8_t
 {
     Drop,           ///< nothing is sent
@@ -29,6 +31,7 @@ enum class FaultKind : std::uint8_t
     Burst,          ///< a status frame follows the answer in the same write
     Garbage,        ///< @c amount random bytes stand in front of the answer; default 8
     ZeroLength,     ///< the first frame keeps its type and has no data
+    Truncate,       ///< the first frame lacks its last @c amount bytes; default 1
     OversizeLength, ///< the first frame announces @c amount data bytes, more than it has; default
                     ///< 255. More than 255 (up to 65535): it comes as a long frame
     HangUp,         ///< the port goes away, see FaultRule::place
@@ -44,23 +47,28 @@ enum class HangUpPlace : std::uint8_t
 
 /// A fault, and the requests that it happens to. Written as text:
 ///
-///     KIND [AMOUNT] [request|reply] [back MS] [on TYPE] [skip N] [every N | first N | chance P]
-///     [count N]
+///     KIND [AMOUNT] [request|reply] [back MS] [on TYPE] [of TYPE] [skip N] [every N | first N |
+///     chance P] [count N]
 ///
 /// for example `corrupt on 08 every 3`, `delay 700 chance 0.2`, `hang-up reply 10 back 2000 skip
-/// 5`. TYPE is two hexadecimal digits, `any`, `break` or `line`.
+/// 5`, `truncate 20 of 95 skip 3 count 1`. TYPE is two hexadecimal digits; behind `on`, which
+/// means the request, also `any`, `break` or `line`.
 struct FaultRule
 {
     static constexpr int kAnyRequest = -1;
     static constexpr int kBreakRequest = 0x100; ///< a BREAK
     static constexpr int kLineRequest = 0x101;  ///< a line of text
-    static constexpr int kDefaultAmount = -1;   ///< the kind's own default, see FaultKind
+    static constexpr int kWholeAnswer = -1;
+    static constexpr int kDefaultAmount = -1; ///< the kind's own default, see FaultKind
 
     FaultKind kind = FaultKind::Drop;
     int amount = kDefaultAmount; ///< bytes, milliseconds, a count or a type: see FaultKind
     HangUpPlace place = HangUpPlace::Reply;
     std::chrono::milliseconds backAfter{-1}; ///< a hang-up ends after this time; negative: never
 
+    /// The rule is about single frames of answers, those of this type 0 to 255: it counts them, and
+    /// "answer" means one of them. kWholeAnswer: it is about whole answers.
+    int replyType = kWholeAnswer;
     int requestType = kAnyRequest; ///< a frame type 0 to 255, or one of the constants above
     std::size_t skip = 0;          ///< matching requests that are let through first
     std::size_t every = 1;         ///< of the rest, each every-th one fails (1: each one)

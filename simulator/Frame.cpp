@@ -19,7 +19,9 @@ Bytes MakeFrame(std::uint8_t type, std::span<const std::uint8_t> data)
 {
     const bool isLong = type == kLongFrame;
     assert(data.size() <= (isLong ? 65535U : 255U));
-    Bytes frame{kStx, 0x00, type};
+    Bytes frame;
+    frame.reserve(data.size() + kFrameOverhead + 1);
+    frame.insert(frame.end(), {kStx, 0x00, type});
     if (isLong) {
         frame.push_back(static_cast<std::uint8_t>(data.size() >> 8U));
     }
@@ -60,6 +62,12 @@ DataWriter& DataWriter::Text(std::string_view text, std::size_t width)
     m_data.insert(m_data.end(), kept.begin(), kept.end());
     m_data.insert(m_data.end(), width - kept.size(), ' ');
     return *this;
+}
+
+std::span<std::uint8_t> DataWriter::Room(std::size_t count)
+{
+    m_data.resize(m_data.size() + count);
+    return std::span(m_data).last(count);
 }
 
 DataWriter& DataWriter::Digits(long value, std::size_t width)

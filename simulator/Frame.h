@@ -42,6 +42,9 @@ public:
     /// A decimal number with one decimal, filled with blanks on the left.
     DataWriter& Tenths(double value, std::size_t width);
 
+    /// Room for @p count bytes that the caller fills in at once.
+    [[nodiscard]] std::span<std::uint8_t> Room(std::size_t count);
+
     [[nodiscard]] const Bytes& Data() const { return m_data; }
     [[nodiscard]] Bytes Frame(std::uint8_t type) const { return MakeFrame(type, m_data); }
 

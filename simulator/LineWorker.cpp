@@ -112,7 +112,13 @@ std::optional<Clock::Duration> LineWorker::NextDue() const
             due = other;
         }
     };
-    consider(m_pipeFull ? m_clock.Steady() + kFullPipePause : m_transmitter.NextDue());
+    if (m_pipeFull) {
+        consider(m_clock.Steady() + kFullPipePause);
+    } else if (m_transmitter.IsEmpty() && m_responder.GoesOn()) {
+        consider(m_clock.Steady());
+    } else {
+        consider(m_transmitter.NextDue());
+    }
     if (!m_parser.Begun().empty()) {
         consider(m_lastByte + kRequestGap);
     }
@@ -170,6 +176,12 @@ void LineWorker::TakeIn(std::uint8_t byte)
         return;
     }
     Pieces pieces = m_responder.Answer(*request);
+    if (request->kind != Request::Kind::Damaged) {
+        if (m_sendsOn) {
+            m_transmitter.DropUnsent();
+        }
+        m_sendsOn = m_responder.GoesOn();
+    }
     if (!m_terminal.IsOpen()) {
         return; // a script has hung up
     }
@@ -177,7 +189,7 @@ void LineWorker::TakeIn(std::uint8_t byte)
         // The pseudo-terminal brought the request at once; on a cable it would still be coming.
         pieces.front().wait += m_transmitter.LineTime(request->bytes.size());
     }
-    m_transmitter.Queue(pieces, m_clock.Steady());
+    m_transmitter.Queue(std::move(pieces), m_clock.Steady());
     if (m_responder.BaudRate() != m_baudRate) {
         m_baudRate = m_responder.BaudRate();
         m_transmitter.SetBaudRate(m_baudRate, m_clock.Steady() + kRateChange);
@@ -186,6 +198,10 @@ void LineWorker::TakeIn(std::uint8_t byte)
 
 void LineWorker::Write()
 {
+    // One frame a turn: between two of them the receiver listens.
+    if (!m_pipeFull && m_transmitter.IsEmpty() && m_responder.GoesOn()) {
+        m_transmitter.Queue(m_responder.Next(), m_clock.Steady());
+    }
     while (!m_pipeFull && m_terminal.IsOpen()) {
         const Clock::Duration now = m_clock.Steady();
         const Piece* const piece = m_transmitter.Current(now);
@@ -219,6 +235,7 @@ bool LineWorker::WriteCurrent(Clock::Duration now)
 void LineWorker::Lose(Clock::Duration backAfter)
 {
     m_terminal.Close();
+    m_responder.StopAnswer();
     m_transmitter.Clear();
     m_pipeFull = false;
     m_parser = RequestParser();

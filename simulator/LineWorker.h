@@ -67,7 +67,8 @@ private:
     Transmitter m_transmitter;
     std::uint32_t m_baudRate;
     bool m_pipeFull = false;
-    Clock::Duration m_lastByte{};             // when the last byte of a request came
+    bool m_sendsOn = false;       // what is being sent belongs to an answer that goes on
+    Clock::Duration m_lastByte{}; // when the last byte of a request came
     std::optional<Clock::Duration> m_plugDue; // when the port comes back
 
     std::thread m_thread;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include <pthread.h>
 
@@ -27,13 +28,15 @@ Examples:
   fieldcore-simulator --link receiver            the port appears as ./receiver
   fieldcore-simulator --record exchange.log      keep what is said
   fieldcore-simulator --replay exchange.log      answer as it was answered then
+  fieldcore-simulator --export-files folder      write the receiver's files, to compare with
 )";
 
 struct Arguments
 {
     std::string scenario;
     SimulatorOptions options;
-    double speed = 0.0; // 0: the scenario's
+    double speed = 0.0;       // 0: the scenario's
+    std::string exportFolder; // empty: none
     bool list = false;
 };
 
@@ -48,6 +51,31 @@ int Complain(const std::string& error, int code)
 {
     std::fprintf(stderr, "fieldcore-simulator: %s\n", error.c_str());
     return code;
+}
+
+/// A name as it can be printed.
+std::string Printable(const std::string& name)
+{
+    std::string text;
+    for (const char c : name) {
+        text += c >= ' ' && c <= '~' ? c : '?';
+    }
+    return text;
+}
+
+int Export(const Scenario& scenario, const std::string& folder)
+{
+    std::vector<std::string> leftOut;
+    std::string error;
+    if (!ExportFiles(scenario, folder, leftOut, error)) {
+        return Complain(error, kFailed);
+    }
+    for (const std::string& name : leftOut) {
+        std::fprintf(stderr, "fieldcore-simulator: \"%s\" is no name for a file, left out\n",
+                     Printable(name).c_str());
+    }
+    std::printf("%zu files in %s\n", scenario.files.size() - leftOut.size(), folder.c_str());
+    return 0;
 }
 
 /// Blocks the signals that end the program for every thread of it, so that WaitForEnd() alone
@@ -72,6 +100,9 @@ int Run(const Arguments& arguments)
     }
     if (arguments.speed > 0.0) {
         scenario->speed = arguments.speed;
+    }
+    if (!arguments.exportFolder.empty()) {
+        return Export(*scenario, arguments.exportFolder);
     }
     const sigset_t signals = HoldEndSignals();
     Simulator simulator(*scenario, fieldcore::SystemClock::Instance(), arguments.options);
@@ -109,6 +140,8 @@ int main(int argc, char** argv)
         app.add_option("--replay", arguments.options.replayFile,
                        "Answer from a recorded file and not from a scenario")
             ->excludes(scenario);
+        app.add_option("--export-files", arguments.exportFolder,
+                       "Write the scenario's files into this folder, and end");
         try {
             app.parse(argc, argv);
         } catch (const CLI::ParseError& error) {

@@ -135,7 +135,12 @@ void PseudoTerminal::WaitUntilRead(std::chrono::milliseconds limit) const
 {
     using namespace std::chrono_literals;
     pollfd unread{m_slave, POLLIN, 0};
-    for (auto waited = 0ms; waited < limit && poll(&unread, 1, 0) == 1; ++waited) {
+    // What was written reaches the far end a moment later and in pieces, so that its being empty
+    // must last before it means that all was read.
+    constexpr auto kEmptyFor = 5ms;
+    auto empty = 0ms;
+    for (auto waited = 0ms; waited < limit && empty < kEmptyFor; ++waited) {
+        empty = poll(&unread, 1, 0) == 1 ? 0ms : empty + 1ms;
         std::this_thread::sleep_for(1ms);
     }
 }

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "core/platform/Clock.h"
+#include "simulator/FileNames.h"
+#include "simulator/FileReplies.h"
+#include "simulator/FileStore.h"
 #include "simulator/Frame.h"
 #include "simulator/GpsTime.h"
 #include "simulator/RequestParser.h"
@@ -28,6 +31,14 @@ public:
     /// @return the frames of the answer in their order, a lone ACK or NAK, or a line of text;
     ///         nothing if the request is not answered
     [[nodiscard]] std::vector<Bytes> Answer(const Request& request);
+
+    /// The next frame of an answer that has begun and goes on: a list of files, a download. Any
+    /// request but a damaged one ends it. Nothing if there is no more.
+    [[nodiscard]] std::optional<Bytes> NextFrame();
+    [[nodiscard]] bool GoesOn() const { return m_more != nullptr; }
+    void StopAnswer() { m_more = nullptr; }
+
+    [[nodiscard]] const FileStore& Files() const { return m_files; }
 
     /// The rate that the last set-port command gave the port; the line follows a little later.
     [[nodiscard]] std::uint32_t BaudRate() const { return m_baudRate; }
@@ -74,12 +85,23 @@ private:
     Frames SetPort(Data data);
     Frames PowerOff(Data data);
     Frames Label(Data data);
+    Frames PicaList(Data data);
+    Frames PicaDelete(Data data);
+    Frames PicaRecover(Data data);
+    Frames LarkList(Data data);
+    Frames LarkDelete(Data data);
+    Frames LarkRecover(Data data);
+    Frames Download(Data data);
+    Frames Begin(FrameSource source);
+    [[nodiscard]] bool IsOf(Family family) const;
 
     const Scenario m_scenario;
     const Clock& m_clock;
     const Clock::Duration m_steadyAtStart;
     const Clock::UtcTime m_utcAtStart;
     TiltSensor m_tilt;
+    FileStore m_files;
+    FrameSource m_more; // of the answer that goes on; null: none does
     std::uint32_t m_baudRate;
     bool m_isOff = false;
     bool m_wasReset = false; // its almanacs are gone

@@ -7,8 +7,9 @@ namespace fieldcore::simulator {
 
 Responder::Responder(const Scenario& scenario, const Clock& clock)
     : m_clock(clock), m_start(clock.Steady()), m_answers(scenario.answers),
-      m_latency(std::chrono::milliseconds(scenario.latencyMs)), m_receiver(scenario, clock),
-      m_record(Simulator::kRecordLimit), m_faults(scenario.chanceStart)
+      m_latency(std::chrono::milliseconds(scenario.latencyMs)),
+      m_record(Simulator::kRecordLimit, Simulator::kRecordBytes), m_receiver(scenario, clock),
+      m_faults(scenario.chanceStart)
 {
     for (const FaultRule& rule : scenario.faults) {
         m_faults.Add(rule);
@@ -29,6 +30,15 @@ Pieces Responder::Answer(const Request& request)
     if (request.kind == Request::Kind::Damaged) {
         return {};
     }
+    m_goesOn = false;
+    {
+        const std::scoped_lock lock(m_receiverMutex);
+        if (m_requestBytes.size() == Simulator::kRecordLimit) {
+            m_requestBytes.pop_front();
+        }
+        m_requestBytes.push_back(request.bytes);
+        m_receiver.StopAnswer();
+    }
     Pieces pieces = Decide(request);
     ++m_requests; // who waits for the count may rely on the answer being decided
     return pieces;
@@ -39,18 +49,37 @@ Pieces Responder::Decide(const Request& request)
     if (!m_answers || Elapsed() < m_silentUntil) {
         return {};
     }
-    const std::vector<Bytes> answer = PlainAnswer(request);
-    Clock::Duration silence{};
-    Pieces pieces;
+    std::vector<Bytes> answer = PlainAnswer(request);
+    FaultInjector::Outcome outcome;
     {
-        const std::scoped_lock lock(m_mutex);
-        pieces = m_faults.Apply(request, answer, silence);
+        const std::scoped_lock lock(m_mutex, m_receiverMutex);
+        m_goesOn = m_receiver.GoesOn();
+        outcome = m_faults.Apply(request, std::move(answer), m_goesOn);
     }
-    m_silentUntil = Elapsed() + silence;
-    if (!pieces.empty()) {
-        pieces.front().wait += m_latency;
+    Take(outcome);
+    if (!outcome.pieces.empty()) {
+        outcome.pieces.front().wait += m_latency;
     }
-    return pieces;
+    return std::move(outcome.pieces);
+}
+
+Pieces Responder::Next()
+{
+    FaultInjector::Outcome outcome;
+    {
+        const std::scoped_lock lock(m_mutex, m_receiverMutex);
+        std::optional<Bytes> frame = m_receiver.NextFrame();
+        m_goesOn = frame.has_value();
+        outcome = m_faults.ApplyToNext(std::move(frame));
+    }
+    Take(outcome);
+    return std::move(outcome.pieces);
+}
+
+void Responder::Take(const FaultInjector::Outcome& outcome)
+{
+    m_silentUntil = Elapsed() + outcome.silence;
+    m_goesOn = m_goesOn && !outcome.ends;
 }
 
 std::vector<Bytes> Responder::PlainAnswer(const Request& request)
@@ -64,7 +93,11 @@ std::vector<Bytes> Responder::PlainAnswer(const Request& request)
         Bytes bytes = script(request.bytes);
         return bytes.empty() ? std::vector<Bytes>() : std::vector<Bytes>{std::move(bytes)};
     }
-    return m_replay ? m_replay->Answer(request.bytes) : m_receiver.Answer(request);
+    if (m_replay) {
+        return m_replay->Answer(request.bytes);
+    }
+    const std::scoped_lock lock(m_receiverMutex);
+    return m_receiver.Answer(request);
 }
 
 std::optional<Piece> Responder::CutRequest(std::span<const std::uint8_t> begun)
@@ -76,6 +109,34 @@ std::optional<Piece> Responder::CutRequest(std::span<const std::uint8_t> begun)
 void Responder::RecordSent(std::span<const std::uint8_t> bytes)
 {
     m_record.Add(Direction::FromReceiver, Elapsed(), bytes);
+}
+
+std::uint32_t Responder::BaudRate() const
+{
+    const std::scoped_lock lock(m_receiverMutex);
+    return m_receiver.BaudRate();
+}
+
+std::vector<Bytes> Responder::Requests() const
+{
+    const std::scoped_lock lock(m_receiverMutex);
+    return {m_requestBytes.begin(), m_requestBytes.end()};
+}
+
+std::vector<ReceiverFile> Responder::Files() const
+{
+    const std::scoped_lock lock(m_receiverMutex);
+    std::vector<ReceiverFile> files;
+    for (const FileStore::Entry& entry : m_receiver.Files().Entries()) {
+        files.push_back(entry.file);
+    }
+    return files;
+}
+
+Bytes Responder::Kept(std::uint8_t type) const
+{
+    const std::scoped_lock lock(m_receiverMutex);
+    return m_receiver.Kept(type);
 }
 
 void Responder::AddFault(const FaultRule& rule)

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <deque>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -30,21 +31,30 @@ public:
 
     /// Records the request and answers it.
     [[nodiscard]] Pieces Answer(const Request& request);
+    /// Whether the answer to the last request goes on behind what Answer() gave.
+    [[nodiscard]] bool GoesOn() const { return m_goesOn; }
+    void StopAnswer() { m_goesOn = false; }
+    /// What comes next of it; perhaps nothing, if the next frame was lost.
+    [[nodiscard]] Pieces Next();
     /// See FaultInjector::CutRequest().
     [[nodiscard]] std::optional<Piece> CutRequest(std::span<const std::uint8_t> begun);
     /// Records bytes that go out now.
     void RecordSent(std::span<const std::uint8_t> bytes);
     /// The receiver's rate, as commands have set it.
-    [[nodiscard]] std::uint32_t BaudRate() const { return m_receiver.BaudRate(); }
+    [[nodiscard]] std::uint32_t BaudRate() const;
 
     void AddFault(const FaultRule& rule);
     void ClearFaults();
     void SetScript(Simulator::Script script);
     [[nodiscard]] std::vector<RecordedBytes> Record() const { return m_record.Pieces(); }
+    [[nodiscard]] std::vector<Bytes> Requests() const;
+    [[nodiscard]] std::vector<ReceiverFile> Files() const;
+    [[nodiscard]] Bytes Kept(std::uint8_t type) const;
     [[nodiscard]] std::size_t RequestCount() const { return m_requests; }
 
 private:
     [[nodiscard]] Pieces Decide(const Request& request);
+    void Take(const FaultInjector::Outcome& outcome);
     [[nodiscard]] std::vector<Bytes> PlainAnswer(const Request& request);
     [[nodiscard]] Clock::Duration Elapsed() const { return m_clock.Steady() - m_start; }
 
@@ -52,11 +62,15 @@ private:
     const Clock::Duration m_start;
     const bool m_answers;
     const Clock::Duration m_latency;
-    Receiver m_receiver;
     std::optional<Replay> m_replay;
     Clock::Duration m_silentUntil{}; // since m_start
     ExchangeRecord m_record;
     std::atomic<std::size_t> m_requests = 0;
+    bool m_goesOn = false;
+
+    mutable std::mutex m_receiverMutex;
+    Receiver m_receiver;              // guarded by m_receiverMutex
+    std::deque<Bytes> m_requestBytes; // guarded by m_receiverMutex
 
     std::mutex m_mutex;
     FaultInjector m_faults;     // guarded by m_mutex

@@ -1,12 +1,12 @@
 #include "simulator/Scenario.h"
 
 #include "core/planning/NominalConstellation.h"
+#include "simulator/FileKeys.h"
 #include "simulator/Models.h"
 #include "simulator/SatelliteKeys.h"
 #include "simulator/Words.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 
 namespace fieldcore::simulator {
@@ -134,30 +134,6 @@ bool ReadFix(Words& words, Scenario& scenario)
     return true;
 }
 
-bool ReadStart(Words& words, Scenario& scenario)
-{
-    using namespace std::chrono;
-    const std::string date(words.Take());
-    const std::string time(words.Take());
-    int part[6] = {};
-    int used = 0;
-    const std::string text = date + " " + time;
-    // The letters of a date are few enough for one scan; what it leaves over is no date.
-    const int fields = std::sscanf(text.c_str(), "%4d-%2d-%2d %2d:%2d:%2d%n", &part[0], &part[1],
-                                   &part[2], &part[3], &part[4], &part[5], &used);
-    const year_month_day day{year(part[0]), month(static_cast<unsigned>(part[1])),
-                             std::chrono::day(static_cast<unsigned>(part[2]))};
-    const bool good = fields == 6 && used == static_cast<int>(text.size()) && day.ok() &&
-                      part[0] >= 1980 && part[0] <= 2099 && part[3] >= 0 && part[3] < 24 &&
-                      part[4] >= 0 && part[4] < 60 && part[5] >= 0 && part[5] < 60;
-    if (!good) {
-        return words.Fail(
-            "a start is a date in UTC such as 2026-03-14 01:30:00, from 1980 to 2099");
-    }
-    scenario.start = sys_days(day) + hours(part[3]) + minutes(part[4]) + seconds(part[5]);
-    return true;
-}
-
 bool ReadFault(Words& words, Scenario& scenario)
 {
     FaultRule rule;
@@ -242,8 +218,10 @@ constexpr Key kKeys[] = {
     {"pdop", ReadDop},
     {"fix", ReadFix},
     {"survey", [](Words& w, Scenario& s) { return w.Text("the survey", 4, s.survey); }},
-    {"free-memory",
-     [](Words& w, Scenario& s) { return w.Integer("tenths", 0, 10, s.freeMemoryTenths); }},
+    {"free-memory", ReadFreeMemory},
+    {"file", ReadFile},
+    {"files", ReadFiles},
+    {"listing", ReadListing},
     {"battery",
      [](Words& w, Scenario& s) {
          return w.Real("the charge", 0.0, 999.0, s.batteryPercent) &&
@@ -272,7 +250,7 @@ constexpr Key kKeys[] = {
     {"pacing", ReadPacing},
     {"latency", [](Words& w, Scenario& s) { return w.Integer("ms", 0, 60'000, s.latencyMs); }},
     {"answers", [](Words& w, Scenario& s) { return w.YesNo("answers", s.answers); }},
-    {"start", ReadStart},
+    {"start", [](Words& w, Scenario& s) { return w.Moment("a start", s.start.emplace()); }},
     {"speed", [](Words& w, Scenario& s) { return w.Real("the speed", 1e-3, 1e6, s.speed); }},
     {"fault", ReadFault},
     {"chance-start",

@@ -2,6 +2,7 @@
 
 #include "core/platform/Clock.h"
 #include "simulator/FaultRule.h"
+#include "simulator/ReceiverFile.h"
 
 #include <array>
 #include <cstdint>
@@ -72,6 +73,14 @@ enum class ListForm : std::uint8_t
     Binary
 };
 
+/// In what manner files are listed.
+enum class ListingManner : std::uint8_t
+{
+    Plain,
+    Backwards, ///< a Lark's pages come from the last to the first
+    Endless    ///< the pages begin again and again
+};
+
 /// How fast the answers come.
 enum class Pacing : std::uint8_t
 {
@@ -111,9 +120,13 @@ struct Scenario
     int trackedSatellites = -1;    ///< negative: as many as are listed
     std::optional<double> pdop;    ///< 99.9: none; not given: that of the sky, 1.8 if it stands
     double hdop = 1.0, vdop = 1.5; ///< count where pdop is given, or the sky stands
-    int fixKind = 5;          ///< 0 none, 1 searching, 2 single, 3 differential, 4 float, 5 fixed
-    std::string survey;       ///< text of the running survey, up to 4 characters
-    int freeMemoryTenths = 9; ///< 0 to 10
+    int fixKind = 5;    ///< 0 none, 1 searching, 2 single, 3 differential, 4 float, 5 fixed
+    std::string survey; ///< text of the running survey, up to 4 characters
+    /// What it starts with, 0 to 10; it grows as files are deleted. None: what the files leave of
+    /// memoryMb.
+    std::optional<int> freeMemoryTenths = 9;
+    std::vector<ReceiverFile> files; ///< see FilesAtStart()
+    ListingManner listing = ListingManner::Plain;
     double batteryPercent = 85.0;
     double batteryDrainPerHour = 0.0;                                ///< percent
     int powerSource = 1;                                             ///< 1 to 3

@@ -68,6 +68,21 @@ std::vector<RecordedBytes> Simulator::Record() const
     return m_responder->Record();
 }
 
+std::vector<std::vector<std::uint8_t>> Simulator::Requests() const
+{
+    return m_responder->Requests();
+}
+
+std::vector<ReceiverFile> Simulator::Files() const
+{
+    return m_responder->Files();
+}
+
+std::vector<std::uint8_t> Simulator::LastCommand(std::uint8_t type) const
+{
+    return m_responder->Kept(type);
+}
+
 std::size_t Simulator::RequestCount() const
 {
     return m_responder->RequestCount();

@@ -3,6 +3,7 @@
 #include "core/platform/Clock.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
+#include "simulator/ReceiverFile.h"
 #include "simulator/Scenario.h"
 
 #include <atomic>
@@ -49,6 +50,7 @@ public:
 
     /// How many exchanged pieces Record() keeps; older ones are forgotten first.
     static constexpr std::size_t kRecordLimit = 65536;
+    static constexpr std::size_t kRecordBytes = 16U << 20U; ///< and how many bytes of them
 
     /// @param clock  counts delays, pacing and the receiver's date; must outlive the simulator
     explicit Simulator(const Scenario& scenario, const Clock& clock = SystemClock::Instance(),
@@ -85,6 +87,14 @@ public:
 
     /// What went over the line, oldest first. A request stands in it before its answer is sent.
     [[nodiscard]] std::vector<RecordedBytes> Record() const;
+    /// What was asked, oldest first: the last kRecordLimit whole frames, BREAKs and lines of text,
+    /// as they came. A long download does not push them out.
+    [[nodiscard]] std::vector<std::vector<std::uint8_t>> Requests() const;
+    /// The receiver's files as they are now, those of the recycle bin included.
+    [[nodiscard]] std::vector<ReceiverFile> Files() const;
+    /// Data of the last accepted command of that type, such as the signals of 0x53; empty if there
+    /// was none.
+    [[nodiscard]] std::vector<std::uint8_t> LastCommand(std::uint8_t type) const;
     /// Requests so far: whole frames, BREAKs and lines of text; damaged bytes do not count.
     [[nodiscard]] std::size_t RequestCount() const;
 

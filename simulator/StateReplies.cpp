@@ -24,7 +24,8 @@ int TrackedSatellites(const Scenario& scenario, const Sky& sky)
                                            : static_cast<int>(Listed(sky, false).size());
 }
 
-Bytes StatusReply(const Scenario& scenario, const Sky& sky, int batteryPercent)
+Bytes StatusReply(const Scenario& scenario, const Sky& sky, int batteryPercent,
+                  int freeMemoryTenths)
 {
     DataWriter out;
     out.Digits(scenario.timeValid ? 1 : 0, 1).Digits(0, 1);
@@ -33,7 +34,7 @@ Bytes StatusReply(const Scenario& scenario, const Sky& sky, int batteryPercent)
     out.Tenths(sky.dop.pdop, 4);
     out.Digits(scenario.fixKind, 1);
     out.Text(scenario.survey, 4);
-    out.Digits(scenario.freeMemoryTenths, 2);
+    out.Digits(freeMemoryTenths, 2);
     return out.Frame(kStatus);
 }
 

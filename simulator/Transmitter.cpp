@@ -1,6 +1,7 @@
 #include "simulator/Transmitter.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace fieldcore::simulator {
 
@@ -12,12 +13,12 @@ constexpr std::size_t kSlicesPerS = 250; // so often a paced piece goes on
 
 } // namespace
 
-void Transmitter::Queue(const Pieces& pieces, Clock::Duration now)
+void Transmitter::Queue(Pieces pieces, Clock::Duration now)
 {
     if (m_pieces.empty()) {
         TakeNewBaudRate(now);
     }
-    for (const Piece& piece : pieces) {
+    for (Piece& piece : pieces) {
         if (m_waiting + piece.bytes.size() > kMaxWaiting) {
             return;
         }
@@ -27,7 +28,16 @@ void Transmitter::Queue(const Pieces& pieces, Clock::Duration now)
             m_begun = false;
         }
         m_waiting += piece.bytes.size();
-        m_pieces.push_back(piece);
+        m_pieces.push_back(std::move(piece));
+    }
+}
+
+void Transmitter::DropUnsent()
+{
+    const std::size_t kept = !m_pieces.empty() && m_sent > 0 ? 1 : 0;
+    while (m_pieces.size() > kept) {
+        m_waiting -= m_pieces.back().bytes.size();
+        m_pieces.pop_back();
     }
 }
 

@@ -23,7 +23,9 @@ public:
     /// More than this many waiting bytes are not kept: nobody reads the port.
     static constexpr std::size_t kMaxWaiting = 1U << 20U;
 
-    void Queue(const Pieces& pieces, Clock::Duration now);
+    void Queue(Pieces pieces, Clock::Duration now);
+    /// Forgets the pieces of which nothing has gone out yet.
+    void DropUnsent();
     void Clear();
     [[nodiscard]] bool IsEmpty() const { return m_pieces.empty(); }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <system_error>
@@ -100,6 +101,31 @@ bool Words::YesNo(std::string_view what, bool& value)
         return FailAt(what, "yes or no", word);
     }
     value = word == "yes";
+    return true;
+}
+
+bool Words::Moment(std::string_view what, Clock::UtcTime& value)
+{
+    using namespace std::chrono;
+    const std::string date(Take());
+    const std::string text = date + " " + std::string(Take());
+    int part[6] = {};
+    int used = 0;
+    int usedAll = 0;
+    // The letters of a date are few enough for one scan; what it leaves over is no date.
+    const int fields = std::sscanf(text.c_str(), "%4d-%2d-%2d %2d:%2d%n:%2d%n", &part[0], &part[1],
+                                   &part[2], &part[3], &part[4], &used, &part[5], &usedAll);
+    const year_month_day day{year(part[0]), month(static_cast<unsigned>(part[1])),
+                             std::chrono::day(static_cast<unsigned>(part[2]))};
+    const int end = fields == 6 ? usedAll : used;
+    const bool good = fields >= 5 && end == static_cast<int>(text.size()) && day.ok() &&
+                      part[0] >= 1980 && part[0] <= 2099 && part[3] >= 0 && part[3] < 24 &&
+                      part[4] >= 0 && part[4] < 60 && part[5] >= 0 && part[5] < 60;
+    if (!good) {
+        return Fail(std::string(what) +
+                    " is a date in UTC such as 2026-03-14 01:30:00, from 1980 to 2099");
+    }
+    value = sys_days(day) + hours(part[3]) + minutes(part[4]) + seconds(part[5]);
     return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/platform/Clock.h"
+
 #include <string>
 #include <string_view>
 
@@ -24,6 +26,9 @@ public:
     [[nodiscard]] bool Integer(std::string_view what, long min, long max, int& value);
     [[nodiscard]] bool Real(std::string_view what, double min, double max, double& value);
     [[nodiscard]] bool YesNo(std::string_view what, bool& value);
+    /// A date and a time of day: 2026-03-14 01:30:00, from 1980 to 2099; seconds may be left out.
+    /// UTC.
+    [[nodiscard]] bool Moment(std::string_view what, Clock::UtcTime& value);
     /// All that is left, as printable ASCII of at most @p width characters.
     [[nodiscard]] bool Text(std::string_view what, std::size_t width, std::string& value);
     /// Fails if words are left over.

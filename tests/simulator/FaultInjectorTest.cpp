@@ -43,8 +43,7 @@ std::string Show(const Pieces& pieces)
 
 Pieces Apply(FaultInjector& injector, const Bytes& request = kQuestion)
 {
-    Clock::Duration silence{};
-    return injector.Apply(FrameRequest(request), {kReply}, silence);
+    return injector.Apply(FrameRequest(request), {kReply}).pieces;
 }
 
 /// Which of @p count answers a rule spoils, "x" for each spoilt one.
@@ -82,6 +81,12 @@ TEST(FaultInjector, DoesToTheAnswerWhatTheRuleSays)
         {"nak-storm 3", "[151515]"},
         {"ack", "[06]"},
         {"wrong-type 77", "[02004D0211228203]"},
+        {"truncate", "[02004B02112280]"},
+        {"truncate 3", "[02004B0211]"},
+        {"truncate 99", "[]"},
+        {"corrupt of 4B", "[02004B0211227F03]"},
+        {"corrupt of 4A", "[02004B0211228003]"},
+        {"nak on 08 of 4B", "[02004B0211228003]"},
         {"zero-length", "[02004B004B03]"},
         {"oversize-length", "[02004BFF11228003]"},
         {"oversize-length 65535", "[020095FFFF11228003]"},
@@ -130,11 +135,63 @@ TEST(FaultInjector, AStrayFrameIsNeverTheAnswerItself)
     const Bytes status = MakeFrame(0x09, "1014000085 1.85    09");
     FaultInjector injector(1);
     injector.Add(Rule("burst"));
-    Clock::Duration silence{};
-    const Pieces pieces = injector.Apply(FrameRequest(Hex("02 00 08 00 08 03")), {status}, silence);
+    const Pieces pieces = injector.Apply(FrameRequest(Hex("02 00 08 00 08 03")), {status}).pieces;
     ASSERT_EQ(pieces.size(), 1U);
     ASSERT_GT(pieces[0].bytes.size(), status.size() + 2);
     EXPECT_NE(pieces[0].bytes[status.size() + 2], 0x09);
+}
+
+TEST(FaultInjector, KnowsTheFramesOfAnAnswerThatGoesOn)
+{
+    struct Row
+    {
+        std::string_view rule;
+        std::string_view sent;
+    };
+    // Four blocks of two data bytes and four pages; a block has nine bytes.
+    constexpr Row kRows[] = {
+        {"drop of 95 skip 1 count 1", "b.bb"},
+        {"drop of 95 every 2", "b.b."},
+        {"drop of 9D", "bbbb"},
+        {"nak of 95 skip 2 count 1", "bbnb"},
+        {"duplicate of 95 skip 3", "bbbbb"},
+        {"hang-up of 95 skip 2", "bb!"},
+        {"hang-up 4 of 95 skip 2", "bbs!"},
+        {"drop", "."},
+        {"nak", "n"},
+        {"hang-up reply 9", "b!"},
+        {"hang-up reply 13", "bs!"},
+        {"hang-up reply 18", "bb!"},
+        {"hang-up reply 999", "bbbb!"},
+        {"truncate 7 of 95 skip 1 count 1", "bsbb"},
+        {"reboot of 95 skip 1", "b."},
+        {"drop on 08 of 95", "bbbb"},
+        {"drop on 4A of 95 skip 3", "bbb."},
+    };
+    const Bytes block = MakeFrame(0x95, Bytes{1, 2});
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.rule);
+        FaultInjector injector(1);
+        injector.Add(Rule(row.rule));
+        std::string sent;
+        auto outcome = injector.Apply(FrameRequest(kQuestion), {block}, true);
+        for (int turn = 1; turn <= 5; ++turn) {
+            if (outcome.pieces.empty() && turn < 5) {
+                sent += '.';
+            }
+            for (const Piece& piece : outcome.pieces) {
+                if (!piece.bytes.empty()) {
+                    sent += piece.bytes == block ? 'b' : piece.bytes == Bytes{kNak} ? 'n' : 's';
+                }
+                sent += piece.hangsUp ? "!" : "";
+            }
+            if (outcome.ends || turn == 5) {
+                break;
+            }
+            outcome = injector.ApplyToNext(turn < 4 ? std::optional(block) : std::nullopt);
+        }
+        EXPECT_EQ(sent, row.sent);
+    }
 }
 
 TEST(FaultInjector, StrikesWhenTheRuleSays)

@@ -45,8 +45,21 @@ TEST(Scenario, ErrorsNameTheLineAndTheCause)
          "line 1: a request is two hexadecimal digits, any, break or line, not \"8\""},
         {"fault corrupt every 0",
          R"(line 1: every must be a whole number from 1 to 1000000000, not "0")"},
+        {"fault hang-up request of 95",
+         "line 1: \"of\" is not understood here; a rule goes on with on, of, skip, every, first, "
+         "chance, count, and back for a hang-up"},
+        {"file A%4 1 2026-03-14 01:30",
+         "line 1: behind % in a file's name two hexadecimal digits must stand"},
+        {"file A0314A00.Q01234 1 2026-03-14 01:30",
+         R"(line 1: a file's name has 1 to 14 bytes, not "A0314A00.Q01234")"},
+        {"file A 4294967296 2026-03-14 01:30",
+         R"(line 1: the file's size must be a whole number from 0 to 4294967295, not "4294967296")"},
+        {"file A 1 2026-03-14 01:3x",
+         "line 1: a file's time is a date in UTC such as 2026-03-14 01:30:00, from 1980 to 2099"},
+        {"files 1200 1 2\nfiles 1200 1 2", "line 2: there are more than 2304 files"},
+        {"files 2 9 8", "line 1: the largest size is smaller than the smallest"},
         {"fault delay back 5",
-         "line 1: \"back\" is not understood here; a rule goes on with on, skip, every, first, "
+         "line 1: \"back\" is not understood here; a rule goes on with on, of, skip, every, first, "
          "chance, count, and back for a hang-up"},
     };
     for (const Row& row : kRows) {

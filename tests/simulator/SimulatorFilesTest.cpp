@@ -3,13 +3,12 @@
 #include "simulator/Simulator.h"
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
+#include "tests/simulator/TemporaryFolder.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,29 +21,6 @@ namespace {
 
 const Bytes kSerialRequest = Hex("02 00 06 00 06 03");
 constexpr std::size_t kSerialSize = 61;
-
-/// A folder that goes away with its content.
-class TemporaryFolder
-{
-public:
-    TemporaryFolder()
-    {
-        std::string name = (fs::temp_directory_path() / "simulator-test-XXXXXX").string();
-        EXPECT_NE(mkdtemp(name.data()), nullptr);
-        m_path = name;
-    }
-    ~TemporaryFolder()
-    {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    [[nodiscard]] fs::path operator/(const char* name) const { return m_path / name; }
-
-private:
-    fs::path m_path;
-};
 
 std::string ReadAll(const fs::path& path)
 {

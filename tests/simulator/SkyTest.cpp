@@ -14,14 +14,6 @@ namespace {
 
 constexpr GpsTime kNow{2410, 345'600.0};
 
-Scenario Parsed(std::string_view text)
-{
-    std::string error;
-    const auto scenario = ParseScenario(text, error);
-    EXPECT_TRUE(scenario) << error;
-    return scenario.value_or(Scenario());
-}
-
 std::vector<int> GpsNumbers(const Sky& sky)
 {
     std::vector<int> numbers;

@@ -67,6 +67,15 @@ inline Scenario Shipped(const std::string& name)
     return result;
 }
 
+/// A scenario from its text.
+inline Scenario Parsed(std::string_view text)
+{
+    std::string error;
+    const auto scenario = ParseScenario(text, error);
+    EXPECT_TRUE(scenario) << error;
+    return scenario.value_or(Scenario());
+}
+
 /// A simulator that runs.
 inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {})
 {

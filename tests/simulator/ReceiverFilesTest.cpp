@@ -1,0 +1,341 @@
+// The receiver's files: what is listed, read, deleted and brought back.
+
+#include "simulator/FileNames.h"
+#include "simulator/FileStore.h"
+#include "simulator/Receiver.h"
+#include "simulator/ReceiverFile.h"
+#include "tests/simulator/Support.h"
+#include "tests/simulator/TemporaryFolder.h"
+
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace {
+
+const std::vector<Bytes> kAccepted{Bytes{kAck}};
+const std::vector<Bytes> kRefused{Bytes{kNak}};
+
+Bytes Name(std::string_view name)
+{
+    DataWriter out;
+    return out.Text(name, 14).Data();
+}
+
+Bytes DownloadData(std::string_view name, std::uint32_t offset, unsigned blocks)
+{
+    DataWriter out;
+    return out.Text(name, 14).U32(offset).U16(blocks).Data();
+}
+
+std::vector<Bytes> Ask(Receiver& receiver, std::uint8_t type, const Bytes& data)
+{
+    std::vector<Bytes> answer = receiver.Answer(FrameRequest(MakeFrame(type, data)));
+    while (std::optional<Bytes> more = receiver.NextFrame()) {
+        answer.push_back(*std::move(more));
+    }
+    return answer;
+}
+
+/// Names in a list, with a blank behind each; "*" behind those being logged.
+std::string Listed(Receiver& receiver, std::string_view pattern)
+{
+    std::string names;
+    for (const Bytes& page : Ask(receiver, 0x9C, Name(pattern))) {
+        for (std::size_t at = 6; at + 24 <= page.size() - 2; at += 24) {
+            const std::string field(page.begin() + static_cast<std::ptrdiff_t>(at),
+                                    page.begin() + static_cast<std::ptrdiff_t>(at) + 14);
+            names += field.substr(0, field.find(' ')) + (page[at + 22] != 0 ? "* " : " ");
+        }
+    }
+    return names;
+}
+
+/// The receiver's files as "A.Q01 ", with "-" in front of those in the recycle bin.
+std::string Held(const Receiver& receiver)
+{
+    std::string names;
+    for (const FileStore::Entry& entry : receiver.Files().Entries()) {
+        names += (entry.file.state == FileState::Deleted ? "-" : "") + entry.file.name + " ";
+    }
+    return names;
+}
+
+constexpr std::string_view kThreeFiles = "file A 10 2026-03-14 01:30\n"
+                                         "file B 10 2026-03-14 01:30 open\n"
+                                         "file C 10 2026-03-14 01:30 locked\n"
+                                         "file A 10 2026-03-14 01:30 deleted\n";
+
+} // namespace
+
+TEST(ReceiverFiles, DeletingAndRecoveringByNameFollowTheFirmware)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string_view firmware;
+        std::string_view commands; ///< "d" delete or "r" recover, then the name
+        std::string_view answers;  ///< "+" ACK, "-" NAK
+        std::string_view held;
+    };
+    constexpr Row kRows[] = {
+        {"moved into the bin, over the older one", "3.69", "dA.Q01", "+", "-A.Q1D B.Q01 C.Q01 "},
+        {"a second deletion is for good", "3.69", "dA.Q01 dA.Q1D", "++", "B.Q01 C.Q01 "},
+        {"3.7 has no bin", "3.7", "dA.Q01", "+", "B.Q01 C.Q01 -A.Q1D "},
+        {"the older extension", "1.5", "dA.Q00 rA.Q0D", "++", "A.Q00 B.Q00 C.Q00 "},
+        {"open and locked files stay", "3.69", "dB.Q01 dC.Q01", "--", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
+        {"its name is taken", "3.69", "rA.Q1D", "-", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
+        {"a live file cannot come back", "3.69", "rA.Q01", "-", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
+        {"no such file", "3.69", "dX.Q01 rX.Q1D dA", "---", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
+    };
+    const HandClock clock;
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.fault);
+        Receiver receiver(
+            Parsed("firmware " + std::string(row.firmware) + "\n" + std::string(kThreeFiles)),
+            clock);
+        std::string answers;
+        std::string_view left = row.commands;
+        while (!left.empty()) {
+            const std::string_view command = left.substr(0, left.find(' '));
+            left.remove_prefix(std::min(command.size() + 1, left.size()));
+            const std::uint8_t type = command[0] == 'd' ? 0xA0 : 0xA1;
+            answers += Ask(receiver, type, Name(command.substr(1))) == kAccepted ? '+' : '-';
+        }
+        EXPECT_EQ(answers, row.answers);
+        EXPECT_EQ(Held(receiver), row.held);
+    }
+}
+
+TEST(ReceiverFiles, APicaNamesFilesByAnIndexThatIsNever255)
+{
+    const HandClock clock;
+    Receiver receiver(Parsed("model 3010\nfirmware 1.23\nfiles 300 1 9"), clock);
+    EXPECT_EQ(Ask(receiver, 0x60, Hex("00 FF")), kRefused);
+    EXPECT_EQ(Ask(receiver, 0x68, Hex("00 02")), kRefused) << "it is not in the bin";
+    EXPECT_EQ(Ask(receiver, 0x60, Hex("00 02")), kAccepted);
+    const std::vector<Bytes> bin = Ask(receiver, 0x79, Hex("00 00 01"));
+    ASSERT_EQ(bin.size(), 1U);
+    EXPECT_EQ(bin[0].size(), 6U + 2 + 22) << "one file is in it";
+    EXPECT_EQ(bin[0][4 + 2 + 20], 0x80) << "deleted";
+    // 299 files left: 33 pages of nine and one of two.
+    EXPECT_EQ(Ask(receiver, 0x79, Hex("20 01 01"))[0][5], 9);
+    EXPECT_EQ(Ask(receiver, 0x79, Hex("21 01 01"))[0][5], 2);
+    EXPECT_EQ(Ask(receiver, 0x79, Hex("22 01 01"))[0][5], 0);
+    EXPECT_EQ(Ask(receiver, 0x68, Hex("00 02")), kAccepted);
+    EXPECT_EQ(Ask(receiver, 0x79, Hex("21 01 01"))[0][5], 3);
+}
+
+TEST(ReceiverFiles, AListFollowsItsPatternAndItsManner)
+{
+    const HandClock clock;
+    const std::string files = "firmware 3.2\n" + std::string(kThreeFiles);
+    Receiver receiver(Parsed(files), clock);
+    EXPECT_EQ(Listed(receiver, "*.Q01"), "A.Q01 B.Q01* C.Q01 ");
+    EXPECT_EQ(Listed(receiver, "*.Q1D"), "A.Q1D ");
+    EXPECT_EQ(Listed(receiver, "B.Q01"), "B.Q01* ");
+    EXPECT_EQ(Listed(receiver, "B"), "");
+    EXPECT_EQ(Ask(receiver, 0x9C, Name("*.Q09")),
+              std::vector<Bytes>{MakeFrame(0x9D, Bytes{0x80, 0})});
+
+    Receiver many(Shipped("many-files"), clock);
+    const std::vector<Bytes> pages = Ask(many, 0x9C, Name("*.Q02"));
+    ASSERT_EQ(pages.size(), 75U);
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        EXPECT_EQ(pages[i][4], i == 74 ? 0x80 | 74 : i);
+    }
+    Receiver backwards(Parsed("listing backwards\nfiles 20 1 9"), clock);
+    const std::vector<Bytes> turned = Ask(backwards, 0x9C, Name("*"));
+    ASSERT_EQ(turned.size(), 3U);
+    EXPECT_EQ(turned[0][4], 2);
+    EXPECT_EQ(turned[2][4], 0x80) << "page 0 ends the list";
+    Receiver endless(Parsed("listing endless\nfiles 20 1 9"), clock);
+    static_cast<void>(endless.Answer(FrameRequest(MakeFrame(0x9C, Name("*")))));
+    for (int i = 0; i < 1000; ++i) {
+        const std::optional<Bytes> page = endless.NextFrame();
+        ASSERT_TRUE(page);
+        ASSERT_EQ((*page)[4] & 0x80, 0) << "no page is the last";
+    }
+}
+
+TEST(ReceiverFiles, ADownloadBeginsAndEndsWhereItIsAskedTo)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string_view name;
+        std::uint32_t offset;
+        unsigned blocks;
+        std::size_t frames;
+        std::size_t bytes;
+        std::uint8_t lastFlags;
+    };
+    constexpr Row kRows[] = {
+        {"whole file", "A.Q01", 0, 0, 3, 2500, 1},
+        {"whole file, its blocks counted", "A.Q01", 0, 3, 3, 2500, 1},
+        {"so many blocks and no more", "A.Q01", 0, 2, 2, 2000, 0},
+        {"from the middle", "A.Q01", 1501, 0, 1, 999, 1},
+        {"ends with a full block", "B.Q01", 0, 0, 2, 2000, 1},
+        {"offset at the end", "A.Q01", 2500, 0, 1, 0, 1},
+        {"offset behind the end", "A.Q01", 0xFFFFFFFF, 0, 1, 0, 1},
+        {"empty file", "E.Q01", 0, 0, 1, 0, 1},
+        {"no such file", "X.Q01", 7, 0, 1, 0, 2},
+        {"file in the bin", "D.Q1D", 0, 0, 1, 0, 2},
+        {"file being logged", "O.Q01", 0, 0, 1, 0, 4},
+    };
+    const HandClock clock;
+    Receiver receiver(Parsed("firmware 3.2\n"
+                             "file A 2500 2026-03-14 01:30 announces 4294967295\n"
+                             "file B 2000 2026-03-14 01:30\n"
+                             "file E 0 2026-03-14 01:30\n"
+                             "file D 9 2026-03-14 01:30 deleted\n"
+                             "file O 9 2026-03-14 01:30 open\n"),
+                      clock);
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.fault);
+        const auto frames = Ask(receiver, 0x96, DownloadData(row.name, row.offset, row.blocks));
+        ASSERT_EQ(frames.size(), row.frames);
+        Bytes content;
+        for (const Bytes& frame : frames) {
+            ASSERT_EQ(frame[2], 0x95);
+            DataWriter offset;
+            offset.U32(row.offset + content.size());
+            EXPECT_EQ(Bytes(frame.begin() + 5, frame.begin() + 9), offset.Data());
+            EXPECT_EQ(frame[9], &frame == &frames.back() ? row.lastFlags : 0);
+            content.insert(content.end(), frame.begin() + 10, frame.end() - 2);
+        }
+        ASSERT_EQ(content.size(), row.bytes);
+        ReceiverFile file;
+        file.name = row.name;
+        Bytes expected(row.bytes);
+        ReadFileContent(file, row.offset, expected);
+        EXPECT_EQ(content, expected);
+    }
+}
+
+TEST(ReceiverFiles, TheOtherFamilyAndTheOldestKnowNoSuchCommand)
+{
+    struct Row
+    {
+        std::string_view model;
+        std::initializer_list<std::uint8_t> types;
+    };
+    const Row rows[] = {{"2030", {0x60, 0x68, 0x79, 0x96, 0x9C, 0xA0, 0xA1}},
+                        {"3020", {0x96, 0x9C, 0xA0, 0xA1}},
+                        {"3032", {0x60, 0x68, 0x79}}};
+    const HandClock clock;
+    for (const Row& row : rows) {
+        Receiver receiver(Parsed("model " + std::string(row.model) + "\nfiles 9 1 2"), clock);
+        for (const std::uint8_t type : row.types) {
+            SCOPED_TRACE(std::string(row.model) + " " + std::to_string(type));
+            const Bytes data = type == 0x96   ? DownloadData("*", 0, 0)
+                               : type == 0x79 ? Hex("00 01 01")
+                               : type < 0x80  ? Hex("00 01")
+                                              : Name("*");
+            EXPECT_EQ(Ask(receiver, type, data), kRefused);
+        }
+    }
+}
+
+TEST(ReceiverFiles, FreeMemoryFollowsThem)
+{
+    const auto tenths = [](Receiver& receiver) {
+        const Bytes status = Ask(receiver, 0x6B, {})[0];
+        return std::string(status.begin() + 4 + 19, status.begin() + 4 + 21);
+    };
+    const HandClock clock;
+    const std::string files = "memory-mb 10\nfile A 3145728 2026-03-14 01:30\n"; // 3 MB
+    Receiver computed(Parsed(files + "free-memory files"), clock);
+    EXPECT_EQ(tenths(computed), "07");
+    EXPECT_EQ(Ask(computed, 0xA0, Name("A.Q01")), kAccepted);
+    EXPECT_EQ(tenths(computed), "10");
+    Receiver said(Parsed(files + "free-memory 2"), clock);
+    EXPECT_EQ(tenths(said), "02");
+    EXPECT_EQ(Ask(said, 0xA0, Name("A.Q01")), kAccepted);
+    EXPECT_EQ(tenths(said), "05");
+    Receiver withBin(Parsed("firmware 3.2\nfree-memory files\n" + files), clock);
+    EXPECT_EQ(Ask(withBin, 0xA0, Name("A.Q01")), kAccepted);
+    EXPECT_EQ(tenths(withBin), "07") << "the recycle bin is memory, too";
+}
+
+TEST(ReceiverFiles, ContentIsTheSameHoweverItIsRead)
+{
+    ReceiverFile file;
+    file.name = "A0314A00.Q01";
+    Bytes whole(10'000);
+    ReadFileContent(file, 0, whole);
+    file.name = "A0314A00.Q1D";
+    for (std::size_t offset = 0, step = 1; offset + step < whole.size(); offset += step++) {
+        Bytes part(step);
+        ReadFileContent(file, offset, part);
+        ASSERT_TRUE(std::equal(part.begin(), part.end(), whole.begin() + std::ptrdiff_t(offset)))
+            << "offset " << offset;
+    }
+    file.name = "A0314A01.Q01";
+    Bytes other(whole.size());
+    ReadFileContent(file, 0, other);
+    std::size_t equal = 0;
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        equal += whole[i] == other[i] ? 1 : 0;
+    }
+    EXPECT_LT(equal, 100U) << "40 by chance; files must not be alike";
+}
+
+TEST(ReceiverFiles, AnExportStaysInItsFolderAndOverwritesNothing)
+{
+    const TemporaryFolder folder;
+    std::vector<std::string> leftOut;
+    std::string error;
+    const Scenario hostile = Shipped("hostile-files");
+    ASSERT_TRUE(ExportFiles(hostile, folder / "in/side", leftOut, error)) << error;
+    EXPECT_EQ(leftOut.size(), 7U) << "six impossible names, and one twice";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "in"),
+                            std::filesystem::directory_iterator()),
+              1);
+    std::ifstream huge(folder / "in/side/HUGE.Q01", std::ios::binary);
+    const Bytes content{std::istreambuf_iterator<char>(huge), {}};
+    Bytes expected(20'000);
+    ReceiverFile file;
+    file.name = "HUGE";
+    ReadFileContent(file, 0, expected);
+    EXPECT_EQ(content, expected);
+    EXPECT_FALSE(ExportFiles(hostile, folder / "in/side", leftOut, error));
+    EXPECT_NE(error.find("in/side/"), std::string::npos) << error;
+}
+
+TEST(FileNames, APatternStandsForWhatItsStarsLeaveOpen)
+{
+    struct Row
+    {
+        std::string_view pattern;
+        std::string_view name;
+        bool fits;
+    };
+    constexpr Row kRows[] = {
+        {"*.Q01", "A.Q01", true},
+        {"*.Q01", ".Q01", true},
+        {"*.Q01", "A.Q01X", false},
+        {"*.Q01", "A.Q011", false},
+        {"A*1", "A.Q01", true},
+        {"A*1", "B.Q01", false},
+        {"*", "", true},
+        {"", "A", false},
+        {"**1*", "A.Q01", true},
+        {"A.Q01", "A.Q01", true},
+        {"A.Q01", "A.Q0", false},
+        {"*0*0*", "A.Q01", false},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(std::string(row.pattern) + " " + std::string(row.name));
+        EXPECT_EQ(FitsPattern(row.name, row.pattern), row.fits);
+    }
+}
+
+} // namespace fieldcore::simulator::test
