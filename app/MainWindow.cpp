@@ -27,6 +27,7 @@ constexpr Entry kButtons[] = {
     {MainWindow::kConnect, "connect", text::kAppConnect},
     {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
     {MainWindow::kPlan, "plan", text::kAppPlan},
+    {MainWindow::kFiles, "files", text::kAppFiles},
     {MainWindow::kFrames, "recording", text::kAppFrames},
     {MainWindow::kForceInit, "restore", text::kAppForceInit},
     {MainWindow::kSettings, "settings", text::kAppSettings},

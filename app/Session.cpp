@@ -1,5 +1,6 @@
 #include "app/Session.h"
 
+#include "app/FilePictures.h"
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
@@ -88,6 +89,9 @@ void Session::Open(int choice)
     case MainWindow::kSkyPlot:
         CSkyPlot(&m_controller.Command(), 0, SkyWorld(), m_window.get()).DoModal();
         break;
+    case MainWindow::kFiles:
+        ShowFiles();
+        break;
     case MainWindow::kFrames:
         FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
         break;
@@ -129,6 +133,21 @@ PlanSurroundings Session::PlanWorld()
 CSkyPlot::Surroundings Session::SkyWorld() const
 {
     return {&m_controller.Reg(), &m_controller.GetClock(), m_controller.ProgramFolder()};
+}
+
+CRecvFileMan::Surroundings Session::FilesWorld()
+{
+    CRecvFileMan::Surroundings world;
+    world.makeConnect = PlanWorld().makeConnect;
+    return world;
+}
+
+void Session::ShowFiles()
+{
+    const ReceiverLink::Hold hold(m_controller.Link());
+    CRecvFileMan sheet(&m_controller.Command(), 0, nullptr, FilesWorld(), m_window.get());
+    sheet.resize(m_window->size());
+    sheet.DoModal();
 }
 
 std::vector<ScenarioChoice> Session::Scenarios()
@@ -215,7 +234,13 @@ std::vector<Session::Screen> Session::Screens()
             return dialog;
         };
     };
+    const auto files = std::make_shared<FilePictures>(m_controller.Host(), m_controller.GetClock());
     return {
+        {QStringLiteral("files"), [files] { return files->Sheet(0); }},
+        {QStringLiteral("files-bin"), [files] { return files->Sheet(1); }},
+        {QStringLiteral("files-progress"), [files] { return files->Progress(); }},
+        {QStringLiteral("files-destination"), [files] { return files->Destination(); }},
+        {QStringLiteral("files-error"), &FilePictures::Error},
         {QStringLiteral("plan-count"), plan(0)},
         {QStringLiteral("plan-skyplot"), plan(1)},
         {QStringLiteral("plan-azimuth"), plan(2)},

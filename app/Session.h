@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Controller.h"
+#include "ui/equipment/RecvFileMan.h"
 #include "ui/link/PortChooserDlg.h"
 #include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
@@ -47,6 +48,8 @@ private:
     void Open(int choice);
     [[nodiscard]] PlanSurroundings PlanWorld();
     [[nodiscard]] CSkyPlot::Surroundings SkyWorld() const;
+    [[nodiscard]] CRecvFileMan::Surroundings FilesWorld();
+    void ShowFiles();
     /// What the simulated receiver can play.
     [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
     void ChoosePort();

@@ -38,6 +38,7 @@ Command AddStatusCommand(CLI::App& program);
 Command AddIdentifyCommand(CLI::App& program);
 Command AddResetCommand(CLI::App& program);
 Command AddAlmanacCommand(CLI::App& program);
+Command AddFilesCommand(CLI::App& program);
 Command AddSettingsCommand(CLI::App& program);
 Command AddGeoCommand(CLI::App& program);
 Command AddSimCommand(CLI::App& program);
