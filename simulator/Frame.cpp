@@ -19,9 +19,8 @@ Bytes MakeFrame(std::uint8_t type, std::span<const std::uint8_t> data)
 {
     const bool isLong = type == kLongFrame;
     assert(data.size() <= (isLong ? 65535U : 255U));
-    Bytes frame;
+    Bytes frame{kStx, 0x00, type};
     frame.reserve(data.size() + kFrameOverhead + 1);
-    frame.insert(frame.end(), {kStx, 0x00, type});
     if (isLong) {
         frame.push_back(static_cast<std::uint8_t>(data.size() >> 8U));
     }

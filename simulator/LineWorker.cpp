@@ -49,7 +49,8 @@ timespec ToTimespec(Clock::Duration duration)
 
 LineWorker::LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder)
     : m_clock(clock), m_responder(responder), m_paced(scenario.pacing == Pacing::Baud),
-      m_transmitter(m_paced, scenario.baudRate), m_baudRate(scenario.baudRate)
+      m_checksRate(scenario.checksRate), m_transmitter(m_paced, scenario.baudRate),
+      m_baudRate(scenario.baudRate), m_heardRate(scenario.baudRate)
 {}
 
 LineWorker::~LineWorker()
@@ -151,6 +152,12 @@ void LineWorker::Read()
     std::array<std::uint8_t, 4096> bytes{};
     const ssize_t count =
         m_terminal.IsOpen() ? read(m_terminal.Master(), bytes.data(), bytes.size()) : -1;
+    if (count > 0 && !IsHeard()) {
+        const std::span<const std::uint8_t> noise(bytes.data(), static_cast<std::size_t>(count));
+        static_cast<void>(
+            m_responder.Answer({Request::Kind::Damaged, {noise.begin(), noise.end()}}));
+        return;
+    }
     for (ssize_t i = 0; i < count && m_terminal.IsOpen(); ++i) {
         TakeIn(bytes[static_cast<std::size_t>(i)]);
     }
@@ -161,6 +168,14 @@ void LineWorker::Read()
             m_transmitter.Queue(m_responder.Answer(*rest), m_clock.Steady());
         }
     }
+}
+
+bool LineWorker::IsHeard()
+{
+    if (m_clock.Steady() >= m_rateFrom) {
+        m_heardRate = m_baudRate;
+    }
+    return !m_checksRate || m_terminal.ControllerRate() == m_heardRate;
 }
 
 void LineWorker::TakeIn(std::uint8_t byte)
@@ -192,7 +207,8 @@ void LineWorker::TakeIn(std::uint8_t byte)
     m_transmitter.Queue(std::move(pieces), m_clock.Steady());
     if (m_responder.BaudRate() != m_baudRate) {
         m_baudRate = m_responder.BaudRate();
-        m_transmitter.SetBaudRate(m_baudRate, m_clock.Steady() + kRateChange);
+        m_rateFrom = m_clock.Steady() + kRateChange;
+        m_transmitter.SetBaudRate(m_baudRate, m_rateFrom);
     }
 }
 

@@ -43,6 +43,8 @@ private:
     void Sleep();
     [[nodiscard]] std::optional<Clock::Duration> NextDue() const;
     void Read();
+    /// Whether the controller speaks at the receiver's rate, so far as that counts.
+    [[nodiscard]] bool IsHeard();
     void TakeIn(std::uint8_t byte);
     void Write();
     /// Sends what the current piece may send.
@@ -60,12 +62,15 @@ private:
     const Clock& m_clock;
     Responder& m_responder;
     const bool m_paced;
+    const bool m_checksRate;
 
     // The thread's own.
     PseudoTerminal m_terminal;
     RequestParser m_parser;
     Transmitter m_transmitter;
-    std::uint32_t m_baudRate;
+    std::uint32_t m_baudRate;     // as commands have set it
+    std::uint32_t m_heardRate;    // at which the receiver listens, which follows a little later
+    Clock::Duration m_rateFrom{}; // when it does
     bool m_pipeFull = false;
     bool m_sendsOn = false;       // what is being sent belongs to an answer that goes on
     Clock::Duration m_lastByte{}; // when the last byte of a request came

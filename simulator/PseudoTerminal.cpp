@@ -145,6 +145,29 @@ void PseudoTerminal::WaitUntilRead(std::chrono::milliseconds limit) const
     }
 }
 
+std::uint32_t PseudoTerminal::ControllerRate() const
+{
+    struct Rate
+    {
+        speed_t code;
+        std::uint32_t rate;
+    };
+    constexpr Rate kRates[] = {{B1200, 1200},     {B2400, 2400},     {B4800, 4800},
+                               {B9600, 9600},     {B19200, 19200},   {B38400, 38400},
+                               {B57600, 57600},   {B115200, 115200}, {B230400, 230400},
+                               {B460800, 460800}, {B921600, 921600}};
+    termios settings{};
+    if (tcgetattr(m_slave, &settings) != 0) {
+        return 0;
+    }
+    for (const Rate& rate : kRates) {
+        if (rate.code == cfgetospeed(&settings)) {
+            return rate.rate;
+        }
+    }
+    return 0;
+}
+
 void PseudoTerminal::Close()
 {
     if (!IsOpen()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -30,6 +31,9 @@ public:
 
     /// Waits until the controller has read everything that was sent, at most @p limit.
     void WaitUntilRead(std::chrono::milliseconds limit) const;
+
+    /// The rate that the controller has set its end to, bit/s; 0 if it is none of the usual ones.
+    [[nodiscard]] std::uint32_t ControllerRate() const;
 
     [[nodiscard]] bool IsOpen() const { return m_master >= 0; }
     [[nodiscard]] const std::filesystem::path& Link() const { return m_link; }

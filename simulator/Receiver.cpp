@@ -98,8 +98,8 @@ const Receiver::Handler Receiver::kHandlers[] = {
 
 Receiver::Receiver(const Scenario& scenario, const Clock& clock)
     : m_scenario(scenario), m_clock(clock), m_steadyAtStart(clock.Steady()),
-      m_utcAtStart(scenario.start.value_or(clock.Utc())), m_files(scenario),
-      m_baudRate(scenario.baudRate)
+      m_utcAtStart(scenario.start.value_or(clock.Utc())), m_tilt(scenario.tilt, Now()),
+      m_files(scenario), m_baudRate(scenario.baudRate)
 {}
 
 std::vector<Bytes> Receiver::Answer(const Request& request)
@@ -204,7 +204,9 @@ std::vector<Bytes> Receiver::Serial(Data data)
 
 std::vector<Bytes> Receiver::Status(Data data)
 {
-    return IfEmpty(data, StatusReply(m_scenario, SkyNow(), BatteryPercent(), m_files.FreeTenths()));
+    const Sky sky = SkyNow();
+    return IfEmpty(data, StatusReply(m_scenario, sky, SolutionAt(m_scenario, sky, ElapsedS()),
+                                     BatteryPercent(), m_files.FreeTenths()));
 }
 
 std::vector<Bytes> Receiver::Time(Data data)
@@ -236,7 +238,9 @@ std::vector<Bytes> Receiver::Echo(Data data)
 
 std::vector<Bytes> Receiver::Position(Data data)
 {
-    return IfEmpty(data, PositionReply(m_scenario, SkyNow(), Now()));
+    const Sky sky = SkyNow();
+    return IfEmpty(data,
+                   PositionReply(m_scenario, sky, SolutionAt(m_scenario, sky, ElapsedS()), Now()));
 }
 
 std::vector<Bytes> Receiver::PowerSource(Data data)
@@ -245,7 +249,8 @@ std::vector<Bytes> Receiver::PowerSource(Data data)
     if (m_scenario.typeNumber == kFirstPica) {
         return Nak(); // it has one source and does not know the question
     }
-    const Bytes reply{static_cast<std::uint8_t>(m_scenario.powerSource)};
+    const Bytes reply{static_cast<std::uint8_t>(
+        ValueAt(m_scenario.laterPowerSources, ElapsedS(), m_scenario.powerSource))};
     return IfEmpty(data, MakeFrame(kPowerSource, reply));
 }
 
@@ -286,7 +291,7 @@ std::vector<Bytes> Receiver::Flags(Data data)
 
 std::vector<Bytes> Receiver::Tilt(Data data)
 {
-    return m_scenario.options.tilt ? Frames{m_tilt.Answer(data, Now())} : Nak();
+    return m_scenario.options.tilt ? Frames{m_tilt.Answer(data, Now(), ElapsedS())} : Nak();
 }
 
 std::vector<Bytes> Receiver::Signals(Data data)
@@ -313,7 +318,7 @@ std::vector<Bytes> Receiver::Reset(Data data)
     }
     m_wasReset = true;
     m_kept.fill({});
-    m_tilt = TiltSensor();
+    m_tilt = TiltSensor(m_scenario.tilt, Now());
     return Ack();
 }
 

@@ -4,6 +4,7 @@
 #include "simulator/FileKeys.h"
 #include "simulator/Models.h"
 #include "simulator/SatelliteKeys.h"
+#include "simulator/StateKeys.h"
 #include "simulator/Words.h"
 
 #include <algorithm>
@@ -122,18 +123,6 @@ bool ReadOptions(Words& words, Scenario& scenario)
     return true;
 }
 
-bool ReadFix(Words& words, Scenario& scenario)
-{
-    constexpr std::string_view kKinds[] = {"none",         "searching", "single",
-                                           "differential", "float",     "fixed"};
-    const auto* const found = std::find(std::begin(kKinds), std::end(kKinds), words.Take());
-    if (found == std::end(kKinds)) {
-        return words.Fail("a fix is none, searching, single, differential, float or fixed");
-    }
-    scenario.fixKind = static_cast<int>(found - std::begin(kKinds));
-    return true;
-}
-
 bool ReadFault(Words& words, Scenario& scenario)
 {
     FaultRule rule;
@@ -227,11 +216,20 @@ constexpr Key kKeys[] = {
          return w.Real("the charge", 0.0, 999.0, s.batteryPercent) &&
                 (w.AtEnd() || w.Real("the drain", 0.0, 36'000.0, s.batteryDrainPerHour));
      }},
-    {"power-source",
-     [](Words& w, Scenario& s) { return w.Integer("the source", 0, 255, s.powerSource); }},
+    {"power-source", ReadPowerSource},
     {"position", ReadPosition},
-    {"utc-offset", [](Words& w, Scenario& s) { return w.Integer("seconds", 0, 99, s.utcOffsetS); }},
+    {"utc-offset",
+     [](Words& w, Scenario& s) { return w.Integer("seconds", -101, 101, s.utcOffsetS); }},
     {"signals-locked", [](Words& w, Scenario& s) { return w.YesNo("the lock", s.signalsLocked); }},
+    {"tilt-pole", ReadTiltPole},
+    {"tilt-present", ReadTiltPresent},
+    {"tilt-starting",
+     [](Words& w, Scenario& s) { return w.Real("seconds", 0.0, 3600.0, s.tilt.startingS); }},
+    {"tilt-errors",
+     [](Words& w, Scenario& s) { return w.Integer("the errors", 0, 3, s.tilt.errors); }},
+    {"tilt-calibration", ReadTiltCalibration},
+    {"tilt-calibrated", ReadTiltCalibrated},
+    {"tilt-validity", ReadTiltValidity},
     {"satellite", ReadSatellite},
     {"list-form", ReadListForm},
     {"almanac", ReadAlmanac},
@@ -248,6 +246,7 @@ constexpr Key kKeys[] = {
      }},
     {"baud", ReadBaud},
     {"pacing", ReadPacing},
+    {"check-rate", [](Words& w, Scenario& s) { return w.YesNo("the check", s.checksRate); }},
     {"latency", [](Words& w, Scenario& s) { return w.Integer("ms", 0, 60'000, s.latencyMs); }},
     {"answers", [](Words& w, Scenario& s) { return w.YesNo("answers", s.answers); }},
     {"start", [](Words& w, Scenario& s) { return w.Moment("a start", s.start.emplace()); }},

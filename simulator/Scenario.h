@@ -3,6 +3,8 @@
 #include "core/platform/Clock.h"
 #include "simulator/FaultRule.h"
 #include "simulator/ReceiverFile.h"
+#include "simulator/Steps.h"
+#include "simulator/TiltSettings.h"
 
 #include <array>
 #include <cstdint>
@@ -120,7 +122,10 @@ struct Scenario
     int trackedSatellites = -1;    ///< negative: as many as are listed
     std::optional<double> pdop;    ///< 99.9: none; not given: that of the sky, 1.8 if it stands
     double hdop = 1.0, vdop = 1.5; ///< count where pdop is given, or the sky stands
-    int fixKind = 5;    ///< 0 none, 1 searching, 2 single, 3 differential, 4 float, 5 fixed
+    int fixKind = 5; ///< 0 none, 1 searching, 2 single, 3 differential, 4 float, 5 fixed
+    /// What it is later on. While it is below single no satellite is used and there is no dilution;
+    /// a receiver that begins so knows no time until the first position.
+    Steps laterFixes;
     std::string survey; ///< text of the running survey, up to 4 characters
     /// What it starts with, 0 to 10; it grows as files are deleted. None: what the files leave of
     /// memoryMb.
@@ -128,10 +133,12 @@ struct Scenario
     std::vector<ReceiverFile> files; ///< see FilesAtStart()
     ListingManner listing = ListingManner::Plain;
     double batteryPercent = 85.0;
-    double batteryDrainPerHour = 0.0;                                ///< percent
-    int powerSource = 1;                                             ///< 1 to 3
+    double batteryDrainPerHour = 0.0; ///< percent
+    int powerSource = 1;              ///< 1 to 3
+    Steps laterPowerSources;
     double latitudeDeg = 35.0, longitudeDeg = 139.0, heightM = 70.0; ///< WGS84
     int utcOffsetS = 18;                                             ///< GPS time minus UTC
+    TiltSettings tilt;                                               ///< counts with the option
     bool signalsLocked = false; ///< an application file fixes the signals
 
     double maskDeg = 10.0; ///< GPS satellites that move are tracked from this elevation on
@@ -149,6 +156,9 @@ struct Scenario
     int portCount = 2;
     std::uint32_t baudRate = 38400;
     Pacing pacing = Pacing::Burst;
+    /// Requests at another rate than the port's are not heard. What the rate is a pseudo-terminal
+    /// knows, though it does not matter to it.
+    bool checksRate = false;
     int latencyMs = 0;   ///< thinking time before each answer
     bool answers = true; ///< false: the port is there and nothing ever comes
 

@@ -1,5 +1,8 @@
 #include "simulator/StateReplies.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <numbers>
 
 namespace fieldcore::simulator {
@@ -10,6 +13,8 @@ constexpr std::uint8_t kStatus = 0x09;
 constexpr std::uint8_t kTime = 0x15;
 constexpr std::uint8_t kSite = 0x31;
 constexpr std::uint8_t kPosition = 0x35;
+
+constexpr int kFirstPosition = 2; // single
 
 double Radians(double degrees)
 {
@@ -24,15 +29,30 @@ int TrackedSatellites(const Scenario& scenario, const Sky& sky)
                                            : static_cast<int>(Listed(sky, false).size());
 }
 
-Bytes StatusReply(const Scenario& scenario, const Sky& sky, int batteryPercent,
-                  int freeMemoryTenths)
+Solution SolutionAt(const Scenario& scenario, const Sky& sky, double elapsedS)
+{
+    Solution solution;
+    solution.fixKind = ValueAt(scenario.laterFixes, elapsedS, scenario.fixKind);
+    const bool hasPosition = solution.fixKind >= kFirstPosition;
+    solution.dop = hasPosition ? sky.dop : LocalDop{kDopNone, kDopNone, kDopNone};
+    const bool hadPosition =
+        scenario.laterFixes.empty() || scenario.fixKind >= kFirstPosition ||
+        std::any_of(scenario.laterFixes.begin(), scenario.laterFixes.end(), [&](const Step& step) {
+            return step.fromS <= elapsedS && step.value >= kFirstPosition;
+        });
+    solution.knowsTime = scenario.timeValid && hadPosition;
+    return solution;
+}
+
+Bytes StatusReply(const Scenario& scenario, const Sky& sky, const Solution& solution,
+                  int batteryPercent, int freeMemoryTenths)
 {
     DataWriter out;
-    out.Digits(scenario.timeValid ? 1 : 0, 1).Digits(0, 1);
+    out.Digits(solution.knowsTime ? 1 : 0, 1).Digits(0, 1);
     out.Digits(TrackedSatellites(scenario, sky), 2);
     out.Digits(0, 3).Digits(batteryPercent, 3);
-    out.Tenths(sky.dop.pdop, 4);
-    out.Digits(scenario.fixKind, 1);
+    out.Tenths(solution.dop.pdop, 4);
+    out.Digits(solution.fixKind, 1);
     out.Text(scenario.survey, 4);
     out.Digits(freeMemoryTenths, 2);
     return out.Frame(kStatus);
@@ -41,7 +61,11 @@ Bytes StatusReply(const Scenario& scenario, const Sky& sky, int batteryPercent,
 Bytes TimeReply(const GpsTime& time, int utcOffsetS)
 {
     DataWriter out;
-    out.Digits(static_cast<long>(time.sowS), 7).Digits(time.week, 4).Digits(utcOffsetS, 2);
+    out.Digits(static_cast<long>(time.sowS), 7).Digits(time.week, 4);
+    // The field has two characters; what does not fit makes the reply longer.
+    std::array<char, 16> offset{};
+    const int width = std::snprintf(offset.data(), offset.size(), "%0*d", 2, utcOffsetS);
+    out.Text(offset.data(), static_cast<std::size_t>(width));
     return out.Frame(kTime);
 }
 
@@ -54,13 +78,15 @@ Bytes SiteReply(const Scenario& scenario)
     return out.Frame(kSite);
 }
 
-Bytes PositionReply(const Scenario& scenario, const Sky& sky, const GpsTime& time)
+Bytes PositionReply(const Scenario& scenario, const Sky& sky, const Solution& solution,
+                    const GpsTime& time)
 {
     DataWriter out;
-    out.U8(static_cast<unsigned>(scenario.fixKind));
-    out.U8(static_cast<unsigned>(TrackedSatellites(scenario, sky)));
+    out.U8(static_cast<unsigned>(solution.fixKind));
+    const bool hasPosition = solution.fixKind >= kFirstPosition;
+    out.U8(hasPosition ? static_cast<unsigned>(TrackedSatellites(scenario, sky)) : 0U);
     out.U32(static_cast<unsigned>(time.week)).U32(static_cast<std::uint64_t>(time.sowS));
-    out.F32(sky.dop.pdop).F32(sky.dop.hdop).F32(sky.dop.vdop);
+    out.F32(solution.dop.pdop).F32(solution.dop.hdop).F32(solution.dop.vdop);
     out.F64(Radians(scenario.latitudeDeg)).F64(Radians(scenario.longitudeDeg));
     out.F64(scenario.heightM);
     return out.Frame(kPosition);

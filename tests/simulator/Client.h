@@ -37,6 +37,14 @@ public:
         return write(m_port, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
     }
 
+    /// Sets its end to a rate, as a controller does.
+    [[nodiscard]] bool SetRate(speed_t rate) const
+    {
+        termios settings{};
+        return tcgetattr(m_port, &settings) == 0 && cfsetspeed(&settings, rate) == 0 &&
+               tcsetattr(m_port, TCSANOW, &settings) == 0;
+    }
+
     /// Reads until @p count bytes are there. Fewer if the port hangs up or nothing more comes for
     /// ten seconds, which only a failing test waits for.
     [[nodiscard]] Bytes Receive(std::size_t count) const

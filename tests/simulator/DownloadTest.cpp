@@ -116,6 +116,20 @@ TEST(Download, FaultsOfTheLineStrikeItsBlocksAndItsEnd)
     EXPECT_EQ(again.Receive(1), Bytes{kAck});
 }
 
+TEST(Download, ABlockThatHasNotBegunIsNotSentBehindAnAbort)
+{
+    Scenario scenario = Parsed(kOneFile);
+    std::string error;
+    ASSERT_TRUE(ParseFaultRule("delay 3600000 of 95 skip 2", scenario.faults.emplace_back(), error))
+        << error;
+    const auto simulator = Started(scenario);
+    const Client client(simulator->PortPath());
+    ASSERT_TRUE(client.Send(Download("A.Q01")));
+    ASSERT_EQ(client.Receive(2 * kFullBlock).size(), 2 * kFullBlock);
+    ASSERT_TRUE(client.Send(kAbort));
+    EXPECT_EQ(client.Receive(1), Bytes{kAck}) << "it waits behind the late block";
+}
+
 TEST(Download, AnEndlessListEndsWhenItIsAborted)
 {
     const auto simulator = Started(Parsed("listing endless\nfiles 8 1 2"));

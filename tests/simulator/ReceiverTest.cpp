@@ -147,22 +147,6 @@ TEST(Receiver, SleepsWhenSwitchedOffUntilItIsAskedForItsStatus)
     EXPECT_EQ(Ask(receiver, 0x06).size(), 1U);
 }
 
-TEST(Receiver, ACalibrationOfTheTiltSensorTakesItsTime)
-{
-    HandClock clock;
-    Receiver receiver(Shipped("tilted"), clock);
-    EXPECT_EQ(Ask(receiver, 0xC8, "04"), kAccepted);
-    clock.Advance(5s);
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0A) << "running, believable, not calibrated";
-    EXPECT_EQ(Data(receiver, 0xC8, "01 01")[10], 25) << "percent of 20 s";
-    clock.Advance(15s);
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x19) << "completed, believable, calibrated";
-    EXPECT_EQ(Data(receiver, 0xC8, "01 01"), Hex("01 01 02D0 096A 00054614 00")); // second 345620
-    EXPECT_EQ(Ask(receiver, 0xC8, "04"), kAccepted);
-    EXPECT_EQ(Ask(receiver, 0xC8, "05"), kAccepted);
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x08) << "cancelled: not completed";
-}
-
 TEST(SatelliteReplies, WireNumbersAndSignalsStandWhereTheLayoutSays)
 {
     std::string error;

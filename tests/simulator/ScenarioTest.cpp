@@ -23,7 +23,7 @@ TEST(Scenario, ErrorsNameTheLineAndTheCause)
         {"pdop x", R"(line 1: the PDOP must be a number from 0 to 99.9, not "x")"},
         {"pdop nan", R"(line 1: the PDOP must be a number from 0 to 99.9, not "nan")"},
         {"battery", "line 1: the charge must be a number from 0 to 999, not nothing"},
-        {"utc-offset 1.5", R"(line 1: seconds must be a whole number from 0 to 99, not "1.5")"},
+        {"utc-offset 1.5", R"(line 1: seconds must be a whole number from -101 to 101, not "1.5")"},
         {"utc-offset 18 s", R"(line 1: "s" is one word too many)"},
         {"options l2 l9", R"(line 1: "l9" is no option of a receiver)"},
         {"satellite G33 10 10 40",

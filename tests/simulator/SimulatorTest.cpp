@@ -228,6 +228,54 @@ TEST(Simulator, DelaysAndPacingGoByTheClockThatWasHandedIn)
     EXPECT_GE(clock.Steady() - start, 3660s);
 }
 
+TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
+{
+    HandClock clock;
+    Simulator simulator(Shipped("other-rate"), clock);
+    std::string error;
+    ASSERT_TRUE(simulator.Start(error)) << error;
+    const Client client(simulator.PortPath());
+    const Bytes toSlow = MakeFrame(0x5E, Hex("01 00 00 25 80 08 00 00 00 00")); // 9600
+    struct Row
+    {
+        std::string_view fault;
+        speed_t rate;
+        Bytes request;
+        bool isHeard;
+        std::chrono::milliseconds then; ///< passes behind it
+    };
+    const Row rows[] = {
+        {"the rate of a fresh pseudo-terminal", B38400, kAbortRequest, false, 0ms},
+        {"a BREAK, whose answer would be noise", B9600, {0x00}, false, 0ms},
+        {"its rate", B115200, kAbortRequest, true, 0ms},
+        {"set port", B115200, toSlow, true, 199ms},
+        {"the old rate until 200 ms have passed", B115200, kAbortRequest, true, 1ms},
+        {"the old rate later", B115200, kAbortRequest, false, 0ms},
+        {"the new rate", B9600, kAbortRequest, true, 0ms},
+    };
+    std::size_t heard = 0;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const std::size_t recorded = simulator.Record().size();
+        ASSERT_TRUE(client.SetRate(row.rate));
+        ASSERT_TRUE(client.Send(row.request));
+        if (row.isHeard) {
+            EXPECT_EQ(client.Receive(1), Bytes{kAck});
+            ++heard;
+        } else {
+            // Noise stands in the record, so that its arrival can be waited for.
+            const auto start = std::chrono::steady_clock::now();
+            while (simulator.Record().size() <= recorded &&
+                   std::chrono::steady_clock::now() - start < 10s) {
+                std::this_thread::yield();
+            }
+            EXPECT_GT(simulator.Record().size(), recorded);
+        }
+        EXPECT_EQ(simulator.RequestCount(), heard);
+        clock.Advance(row.then);
+    }
+}
+
 TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
 {
     const FastClock clock(100.0);

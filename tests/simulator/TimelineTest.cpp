@@ -1,0 +1,236 @@
+// What changes with the receiver's time: fix, power, offset of UTC, the tilt sensor.
+
+#include "simulator/Receiver.h"
+#include "tests/simulator/Support.h"
+
+#include <bit>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::simulator::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::vector<Bytes> kAccepted{Bytes{kAck}};
+
+Bytes Data(Receiver& receiver, std::uint8_t type, std::string_view data = "")
+{
+    const std::vector<Bytes> answer = receiver.Answer(FrameRequest(MakeFrame(type, Hex(data))));
+    if (answer.size() != 1 || answer[0].size() < 6) {
+        ADD_FAILURE() << "no frame for type " << int(type);
+        return Bytes(255);
+    }
+    return Bytes(answer[0].begin() + 4, answer[0].end() - 2);
+}
+
+bool Accepts(Receiver& receiver, std::string_view tiltCommand)
+{
+    return receiver.Answer(FrameRequest(MakeFrame(0xC8, Hex(tiltCommand)))) == kAccepted;
+}
+
+std::uint64_t Number(const Bytes& data, std::size_t at, std::size_t width)
+{
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < width; ++i) {
+        value = value << 8U | data.at(at + i);
+    }
+    return value;
+}
+
+Scenario WithStart(std::string_view text)
+{
+    Scenario scenario = Parsed(text);
+    scenario.start = Shipped("lark").start;
+    return scenario;
+}
+
+} // namespace
+
+TEST(Timeline, TheFixComesAndGoesAndTheRepliesAgree)
+{
+    struct Row
+    {
+        std::chrono::seconds at;
+        char fix;
+        char timeValid;
+        std::string_view pdop;
+        bool used;
+        std::uint8_t powerSource;
+    };
+    constexpr Row kRows[] = {{0s, '1', '0', "99.9", false, 1},   {19s, '1', '0', "99.9", false, 1},
+                             {20s, '2', '1', " 1.8", true, 1},   {60s, '5', '1', " 1.8", true, 1},
+                             {120s, '5', '1', " 1.8", true, 3},  {300s, '0', '1', "99.9", false, 3},
+                             {9999s, '0', '1', "99.9", false, 3}};
+    HandClock clock;
+    Receiver receiver(WithStart("fix searching 20 single 60 fixed 300 none\n"
+                                "power-source 1 120 3\n"
+                                "satellite G2 41 63 48\n"),
+                      clock);
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.at.count());
+        clock.Advance(row.at - clock.Steady());
+        const Bytes status = Data(receiver, 0x08);
+        EXPECT_EQ(status[14], row.fix);
+        EXPECT_EQ(status[0], row.timeValid) << "known from the first position on";
+        EXPECT_EQ(std::string(status.begin() + 10, status.begin() + 14), row.pdop);
+        const Bytes position = Data(receiver, 0x34);
+        EXPECT_EQ(position[0], row.fix - '0');
+        EXPECT_EQ(position[1] > 0, row.used);
+        EXPECT_EQ(Number(position, 6, 4), 345600U + static_cast<std::uint64_t>(row.at.count()));
+        const auto pdop = std::bit_cast<float>(static_cast<std::uint32_t>(Number(position, 10, 4)));
+        EXPECT_FLOAT_EQ(pdop, row.used ? 1.8F : 99.9F);
+        EXPECT_EQ(Data(receiver, 0x41)[0], row.powerSource);
+    }
+}
+
+TEST(Timeline, TheOffsetOfUtcIsSaidInFull)
+{
+    struct Row
+    {
+        std::string_view offset;
+        std::string_view said;
+        std::string_view seconds;
+    };
+    // 23:59:42 UTC is 345600 - 18 s into the week of UTC.
+    constexpr Row kRows[] = {{"18", "18", "0345600"},    {"17", "17", "0345599"},
+                             {"0", "00", "0345582"},     {"-9", "-9", "0345573"},
+                             {"100", "100", "0345682"},  {"101", "101", "0345683"},
+                             {"-101", "-101", "0345481"}};
+    const HandClock clock;
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.offset);
+        Receiver receiver(WithStart("utc-offset " + std::string(row.offset)), clock);
+        const Bytes time = Data(receiver, 0x14);
+        EXPECT_EQ(std::string(time.begin(), time.begin() + 7), row.seconds);
+        EXPECT_EQ(std::string(time.begin() + 11, time.end()), row.said);
+    }
+}
+
+TEST(TiltSensor, ACalibrationTakesItsTimeAndEndsAsTheScenarioSays)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string_view scenario;
+        std::uint8_t after20s; ///< the calibration byte
+    };
+    constexpr Row kRows[] = {
+        {"succeeds", "", 0x19},
+        {"is still running", "tilt-calibration succeeds 21", 0x0A},
+        {"fails", "tilt-calibration fails 20", 0x0B},
+        {"the pole sways within its limits", "tilt-pole swaying 1 4", 0x19},
+        {"the pole sways too fast", "tilt-pole swaying 5 2", 0x0B},
+        {"the pole falls", "tilt-pole falling 3 12", 0x0B},
+        {"the pole falls later", "tilt-pole falling 3 60", 0x19},
+        {"the sensor goes away for a moment", "tilt-present yes 12 no 13 yes", 0x0B},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.fault);
+        HandClock clock;
+        Receiver receiver(
+            WithStart("options tilt\ntilt-calibrated no\n" + std::string(row.scenario)), clock);
+        EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x08) << "not completed, believable";
+        ASSERT_TRUE(Accepts(receiver, "04"));
+        clock.Advance(20s);
+        EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], row.after20s);
+    }
+}
+
+TEST(TiltSensor, TellsHowFarACalibrationIsAndWhenItWasMade)
+{
+    HandClock clock;
+    Receiver receiver(Shipped("tilted"), clock);
+    ASSERT_TRUE(Accepts(receiver, "04"));
+    clock.Advance(5s);
+    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0A) << "running, believable, not calibrated";
+    EXPECT_EQ(Data(receiver, 0xC8, "01 01"), Hex("01 01 02D0 FFFF 00000000 19")); // 25 %
+    clock.Advance(25s);
+    EXPECT_EQ(Data(receiver, 0xC8, "01 01"), Hex("01 01 02D0 096A 00054614 00"))
+        << "second 345620, though nobody asked then";
+    ASSERT_TRUE(Accepts(receiver, "04"));
+    ASSERT_TRUE(Accepts(receiver, "05"));
+    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x08) << "cancelled: not completed";
+}
+
+TEST(TiltSensor, ACalibrationExpiresAndALongerPeriodBringsItBack)
+{
+    HandClock clock;
+    Receiver receiver(WithStart("options tilt\ntilt-validity 24\ntilt-calibrated 23.5\n"), clock);
+    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x19);
+    // 23.5 h before second 345600 of week 2410.
+    EXPECT_EQ(Number(Data(receiver, 0xC8, "01 01"), 6, 4), 345600U - 84600U);
+    clock.Advance(30min);
+    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0C) << "too old, not calibrated";
+    ASSERT_TRUE(Accepts(receiver, "03 00 19"));
+    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x19) << "valid for 25 h now";
+    ASSERT_TRUE(Accepts(receiver, "03 00 01"));
+    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0C);
+}
+
+TEST(TiltSensor, TheReadingFollowsThePole)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string_view pole;
+        std::chrono::milliseconds at;
+        std::uint8_t state;
+        double tiltDeg;
+    };
+    constexpr Row kRows[] = {
+        {"still", "tilt-pole still 3 4", 5s, 0x41, 5.0},
+        {"beyond the range", "tilt-pole still 12 -16", 5s, 0x43, 20.0},
+        {"quarter of a period", "tilt-pole still 0 0\ntilt-pole swaying 2 4", 1s, 0x41, 2.0},
+        {"too fast", "tilt-pole still 0 0\ntilt-pole swaying 4 4", 1s, 0x42, 4.0},
+        {"before it falls", "tilt-pole still 1 0\ntilt-pole falling 2 10", 10s, 0x41, 1.0},
+        {"while it falls", "tilt-pole still 1 0\ntilt-pole falling 2 10", 13s, 0x41, 7.0},
+        {"falls fast", "tilt-pole still 0 0\ntilt-pole falling 6 10", 12s, 0x42, 12.0},
+        {"on the ground", "tilt-pole still 1 0\ntilt-pole falling 2 10", 1h, 0x43, 90.0},
+        {"starting", "tilt-pole still 3 4\ntilt-starting 6", 5s, 0x40, 5.0},
+        {"started", "tilt-pole still 3 4\ntilt-starting 5", 5s, 0x41, 5.0},
+        {"starting again", "tilt-starting 5\ntilt-pole still 0 0\ntilt-present yes 10 no 20 yes",
+         24s, 0x40, 0.0},
+        {"both errors", "tilt-errors 3\ntilt-pole still 0 0", 5s, 0x71, 0.0},
+        {"no sensor", "tilt-present no", 5s, 0x00, 0.0},
+        {"unplugged", "tilt-present yes 5 no", 5s, 0x00, 0.0},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.fault);
+        HandClock clock;
+        Receiver receiver(WithStart("options tilt\n" + std::string(row.pole)), clock);
+        clock.Advance(row.at);
+        const Bytes reading = Data(receiver, 0xC8, "01 00");
+        EXPECT_EQ(reading[2], row.state);
+        const double t1 = std::bit_cast<double>(Number(reading, 4, 8));
+        const double t2 = std::bit_cast<double>(Number(reading, 12, 8));
+        const double tilt = std::bit_cast<double>(Number(reading, 20, 8));
+        // 1e-9 degrees: far below what a sensor knows.
+        EXPECT_NEAR(tilt * 180.0 / std::numbers::pi, row.tiltDeg, 1e-9);
+        EXPECT_NEAR(std::sqrt(t1 * t1 + t2 * t2), tilt, 1e-12);
+        EXPECT_EQ(Accepts(receiver, "04"), row.state != 0) << "a sensor that is away does nothing";
+    }
+}
+
+TEST(Receiver, KeepsTheChoiceOfSignalsAndSaysThatItIsLocked)
+{
+    const HandClock clock;
+    Receiver receiver(Parsed("signals-locked yes"), clock);
+    EXPECT_EQ(Data(receiver, 0x7A, "01 00"), Hex("01 00 00 00 01"));
+    for (const char* choice : {"9E 03 00", "44 00 0B 00 84 04"}) {
+        EXPECT_EQ(receiver.Answer(FrameRequest(MakeFrame(0x53, Hex(choice)))), kAccepted);
+        EXPECT_EQ(receiver.Kept(0x53), Hex(choice));
+    }
+    EXPECT_EQ(receiver.Answer(FrameRequest(MakeFrame(0xA3, Hex("00 00 00")))), kAccepted);
+    EXPECT_EQ(receiver.Kept(0xA3), Hex("00 00 00"));
+}
+
+} // namespace fieldcore::simulator::test
