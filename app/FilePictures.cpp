@@ -7,6 +7,7 @@
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/RecvFileMan.h"
+#include "ui/equipment/RecvFilePage.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
@@ -58,6 +59,9 @@ std::unique_ptr<QWidget> FilePictures::Sheet(unsigned page)
 std::unique_ptr<QWidget> FilePictures::Progress()
 {
     auto sheet = Sheet(0);
+    auto* const page = sheet->findChild<RecvFilePage*>();
+    page->List().selectAll();
+    page->HideButtons();
     TransferProgress progress;
     progress.file = 2;
     progress.files = 3;

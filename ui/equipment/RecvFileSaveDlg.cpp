@@ -63,15 +63,18 @@ void CRecvFileSaveDlg::BuildControls()
 
     auto* const content = new QWidget;
     auto* const column = new QVBoxLayout(content);
-    column->setSpacing(kGrid);
+    column->setSpacing(0);
     column->addWidget(m_summary);
     column->addSpacing(kGrid);
     for (QWidget* const widget :
-         std::initializer_list<QWidget*>{m_card, m_cardFolder, m_memory, m_memoryFolder, m_free}) {
+         std::initializer_list<QWidget*>{m_card, m_cardFolder, m_memory, m_memoryFolder}) {
         column->addWidget(widget);
     }
+    column->addSpacing(2 * kGrid);
+    column->addWidget(m_free);
     column->addSpacing(kGrid);
     column->addWidget(m_dateFolders);
+    column->addSpacing(kGrid);
     column->addWidget(m_onlyNew);
     column->addStretch(1);
     auto* const scroll = new QScrollArea;
@@ -84,13 +87,12 @@ void CRecvFileSaveDlg::BuildControls()
     auto* const window = new QVBoxLayout(this);
     window->setContentsMargins(0, 0, 0, 12);
     window->addWidget(scroll, 1);
-    QBoxLayout* const row = MakeOkCancel();
+    window->addLayout(MakeOkCancel());
     for (QPushButton* const button : findChildren<QPushButton*>()) {
         if (button->isDefault()) {
             button->setText(UiText(text::kFileSaveStart));
         }
     }
-    window->addLayout(row);
     connect(m_card, &QRadioButton::toggled, this, &CRecvFileSaveDlg::ShowFreeSpace);
 }
 

@@ -267,6 +267,20 @@ TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
     EXPECT_TRUE(isMarked(0) && isMarked(5) && !isMarked(2)) << "known again in a new list";
 }
 
+TEST_F(RecvFileManTest, FetchesToTheCardWhereThereIsOne)
+{
+    hasCard = true;
+    Connect("lettered-power");
+    Show();
+    Tap(0);
+    Surveyor surveyor;
+    surveyor.onOther = Starting();
+    surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
+    Click(RecvFilePage::kFetch);
+    EXPECT_EQ(Read(Card() / "2026-03-14" / "A0314A00.Q01"), Content("A0314A00.Q01"));
+    EXPECT_FALSE(std::filesystem::exists(Documents()));
+}
+
 TEST_F(RecvFileManTest, SaysWhyItDoesNotFetch)
 {
     struct Row
