@@ -27,6 +27,7 @@ constexpr Entry kButtons[] = {
     {MainWindow::kConnect, "connect", text::kAppConnect},
     {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
     {MainWindow::kPlan, "plan", text::kAppPlan},
+    {MainWindow::kFiles, "files", text::kAppFiles},
     {MainWindow::kAntenna, "antenna", text::kAppAntenna},
     {MainWindow::kTracking, "tracking", text::kAppTracking},
     {MainWindow::kSignals, "signal", text::kAppSignals},

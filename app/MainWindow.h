@@ -31,6 +31,7 @@ public:
         kDisconnect,
         kPlan,
         kSkyPlot,
+        kFiles,
         kFrames,
         kForceInit,
         kPorts,

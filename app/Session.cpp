@@ -1,5 +1,6 @@
 #include "app/Session.h"
 
+#include "app/FilePictures.h"
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
@@ -98,6 +99,9 @@ void Session::Open(int choice)
     case MainWindow::kSkyPlot:
         CSkyPlot(&m_controller.Command(), 0, SkyWorld(), m_window.get()).DoModal();
         break;
+    case MainWindow::kFiles:
+        ShowFiles();
+        break;
     case MainWindow::kFrames:
         FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
         break;
@@ -154,6 +158,21 @@ PlanSurroundings Session::PlanWorld()
 CSkyPlot::Surroundings Session::SkyWorld() const
 {
     return {&m_controller.Reg(), &m_controller.GetClock(), m_controller.ProgramFolder()};
+}
+
+CRecvFileMan::Surroundings Session::FilesWorld()
+{
+    CRecvFileMan::Surroundings world;
+    world.makeConnect = PlanWorld().makeConnect;
+    return world;
+}
+
+void Session::ShowFiles()
+{
+    const ReceiverLink::Hold hold(m_controller.Link());
+    CRecvFileMan sheet(&m_controller.Command(), 0, nullptr, FilesWorld(), m_window.get());
+    sheet.resize(m_window->size());
+    sheet.DoModal();
 }
 
 std::vector<ScenarioChoice> Session::Scenarios()
@@ -297,6 +316,7 @@ std::vector<Session::Screen> Session::Screens()
             return dialog;
         };
     };
+    const auto files = std::make_shared<FilePictures>(m_controller.Host(), m_controller.GetClock());
     const auto ports = [this](int count) {
         return [this, count]() -> std::unique_ptr<QWidget> {
             CComPort::Surroundings world = PortsWorld();
@@ -309,6 +329,11 @@ std::vector<Session::Screen> Session::Screens()
         {QStringLiteral("com-1"), ports(1)},
         {QStringLiteral("com-2"), ports(2)},
         {QStringLiteral("com-3"), ports(3)},
+        {QStringLiteral("files"), [files] { return files->Sheet(0); }},
+        {QStringLiteral("files-bin"), [files] { return files->Sheet(1); }},
+        {QStringLiteral("files-progress"), [files] { return files->Progress(); }},
+        {QStringLiteral("files-destination"), [files] { return files->Destination(); }},
+        {QStringLiteral("files-error"), &FilePictures::Error},
         {QStringLiteral("plan-count"), plan(0)},
         {QStringLiteral("plan-skyplot"), plan(1)},
         {QStringLiteral("plan-azimuth"), plan(2)},

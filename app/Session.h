@@ -2,6 +2,7 @@
 
 #include "app/Controller.h"
 #include "ui/equipment/ComPort.h"
+#include "ui/equipment/RecvFileMan.h"
 #include "ui/link/PortChooserDlg.h"
 #include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
@@ -48,6 +49,8 @@ private:
     void Open(int choice);
     [[nodiscard]] PlanSurroundings PlanWorld();
     [[nodiscard]] CSkyPlot::Surroundings SkyWorld() const;
+    [[nodiscard]] CRecvFileMan::Surroundings FilesWorld();
+    void ShowFiles();
     /// What the simulated receiver can play.
     [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
     void ChoosePort();

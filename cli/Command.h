@@ -40,6 +40,7 @@ Command AddResetCommand(CLI::App& program);
 Command AddSignalCommand(CLI::App& program);
 Command AddTiltCommand(CLI::App& program);
 Command AddAlmanacCommand(CLI::App& program);
+Command AddFilesCommand(CLI::App& program);
 Command AddSettingsCommand(CLI::App& program);
 Command AddGeoCommand(CLI::App& program);
 Command AddAntennaCommand(CLI::App& program);

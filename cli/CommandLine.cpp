@@ -24,6 +24,7 @@ constexpr const char* kExamples =
   fieldcore-cli status --port sim: --watch  its state, every few seconds; here a simulated one
   fieldcore-cli status --port COM1 --json   the same for a script
   fieldcore-cli almanac get --port COM1     the satellites' orbits, for planning
+  fieldcore-cli files get '*' --port COM1   the receiver's data files
   fieldcore-cli settings list               what is set, and what COM3 means
   fieldcore-cli geo plane 35.69 139.69      coordinates and angles converted
   fieldcore-cli antenna height --slant 1.5 --r 0.1 --v 0.05
@@ -69,12 +70,13 @@ struct Program
         parser.set_help_flag("-h,--help", "Show this help");
         parser.add_flag("--version", version, "Show the version");
         commands = {
-            AddPortsCommand(parser),    AddInfoCommand(parser),     AddStatusCommand(parser),
-            AddIdentifyCommand(parser), AddResetCommand(parser),    AddAlmanacCommand(parser),
-            AddPlanCommand(parser),     AddSettingsCommand(parser), AddGeoCommand(parser),
-            AddCheckCommand(parser),    AddNextCommand(parser),     AddAntennaCommand(parser),
-            AddSignalCommand(parser),   AddTiltCommand(parser),     AddSimCommand(parser),
-            AddTraceCommand(parser),    AddDoctorCommand(parser),   AddDemoCommand(parser)};
+            AddPortsCommand(parser),    AddInfoCommand(parser),   AddStatusCommand(parser),
+            AddIdentifyCommand(parser), AddResetCommand(parser),  AddAlmanacCommand(parser),
+            AddFilesCommand(parser),    AddPlanCommand(parser),   AddSettingsCommand(parser),
+            AddGeoCommand(parser),      AddCheckCommand(parser),  AddNextCommand(parser),
+            AddAntennaCommand(parser),  AddSignalCommand(parser), AddTiltCommand(parser),
+            AddSimCommand(parser),      AddTraceCommand(parser),  AddDoctorCommand(parser),
+            AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

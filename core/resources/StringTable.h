@@ -64,6 +64,45 @@ inline constexpr int kCheckAngleCaption = 20236;
 inline constexpr int kCheckRange = 20274; ///< lowest, highest: both texts
 inline constexpr int kCheckRangeCaption = 20275;
 
+// The screens of the receiver's files
+inline constexpr int kFilesTitle = 60750;
+inline constexpr int kFilesPage = 60751;
+inline constexpr int kGomiPage = 60752;
+inline constexpr int kFilesDelete = 60753;
+inline constexpr int kFilesFetch = 60754;
+inline constexpr int kFilesRecover = 60755;
+inline constexpr int kFilesSelectAll = 60756;
+inline constexpr int kFilesNoRecovery = 60757;
+inline constexpr int kFilesColumnName = 60758; ///< the other columns follow
+inline constexpr int kFilesColumnDate = 60759;
+inline constexpr int kFilesColumnSize = 60760;
+inline constexpr int kFilesIconLive = 60761; ///< what the icons say, by their order
+inline constexpr int kFilesIconRecycled = 60762;
+inline constexpr int kFilesIconLogging = 60763;
+inline constexpr int kFilesCount = 60764;
+inline constexpr int kFilesListing = 60765;
+inline constexpr int kFilesEmpty = 60766;
+inline constexpr int kFilesNotListed = 60767;
+inline constexpr int kFilesReload = 60768;
+inline constexpr int kFileSaveTitle = 60769;
+inline constexpr int kFileSaveCard = 60770;
+inline constexpr int kFileSaveMemory = 60771;
+inline constexpr int kFileSaveDateFolders = 60772;
+inline constexpr int kFileSaveOnlyNew = 60773;
+inline constexpr int kFileSaveNoCard = 60774;
+inline constexpr int kFileSaveTooLittle = 60775;
+inline constexpr int kFileSaveStart = 60776;
+inline constexpr int kTransferTitle = 60777;
+inline constexpr int kTransferFile = 60778;
+inline constexpr int kTransferFileBytes = 60779;
+inline constexpr int kTransferTotalBytes = 60780;
+inline constexpr int kTransferSeconds = 60781;
+inline constexpr int kTransferMinutes = 60782;
+inline constexpr int kTransferHours = 60783;
+inline constexpr int kTransferMeasuring = 60784;
+inline constexpr int kTransferCancelling = 60785;
+inline constexpr int kAppFiles = 60786;
+
 // The graphs of the observation plan, under the numbers of their menu items
 inline constexpr int kGraphCount = 21901;
 inline constexpr int kGraphAzimuth = 21902;

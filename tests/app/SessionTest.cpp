@@ -101,6 +101,7 @@ TEST_F(SessionTest, ConnectsAndOpensItsPages)
     const Row rows[] = {
         {QStringLiteral("観測計画"), "fieldcore::CSurveyPlan"},
         {QStringLiteral("衛星"), "fieldcore::CSkyPlot"},
+        {QStringLiteral("ファイル"), "fieldcore::CRecvFileMan"},
         {QStringLiteral("通信記録"), "fieldcore::FramesDlg"},
         {QStringLiteral("通信設定"), "fieldcore::CComPort"},
         {QStringLiteral("設定"), "fieldcore::SettingsSheet"},
@@ -143,7 +144,7 @@ TEST_F(SessionTest, WritesAPictureOfEveryScreen)
     EXPECT_EQ(session.WriteScreenshots(folder), 0);
     const QStringList files = QDir(folder).entryList({QStringLiteral("*.png")});
     EXPECT_EQ(files.filter(QStringLiteral("home")).size(), 4);
-    EXPECT_GE(files.size(), 48);
+    EXPECT_GE(files.size(), 56);
     EXPECT_EQ(session.WriteScreenshots(QStringLiteral("/dev/null/pictures")), 8);
 }
 

@@ -52,6 +52,8 @@ public:
     std::vector<ExpectedBox> boxes;
     /// Called while the progress of a connection is shown.
     std::function<void(ConnectProgressDlg&)> onProgress;
+    /// Called while any other dialog is in front.
+    std::function<void(QWidget&)> onOther;
 
 private:
     void Look()
@@ -63,6 +65,8 @@ private:
             if (onProgress) {
                 onProgress(*progress);
             }
+        } else if (front != nullptr && onOther) {
+            onOther(*front);
         }
     }
     void Answer(MessageDlg& box)

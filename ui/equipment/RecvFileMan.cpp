@@ -1,0 +1,240 @@
+#include "ui/equipment/RecvFileMan.h"
+
+#include "core/equipment/FileDeletion.h"
+#include "core/equipment/FileDownload.h"
+#include "core/link/Command.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/PrgEndMes.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/RecvFile.h"
+#include "ui/equipment/RecvFileSaveDlg.h"
+#include "ui/equipment/RecvGomi.h"
+#include "ui/equipment/TransferPanel.h"
+
+#include <QLayout>
+
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kListTimer = 1;
+constexpr int kBusyMs = 50; // until it is looked again whether the channel is free
+constexpr int kGomiPage = 1;
+
+} // namespace
+
+/// While it lives something is being done, and the buttons show that they cannot be pressed.
+class CRecvFileMan::Work
+{
+public:
+    explicit Work(CRecvFileMan& sheet) : m_sheet(sheet)
+    {
+        m_sheet.m_isWorking = true;
+        m_sheet.Page()->EnableButtons(false);
+    }
+    ~Work()
+    {
+        m_sheet.m_isWorking = false;
+        m_sheet.Page()->EnableButtons(true);
+        m_sheet.Page()->ShowState();
+    }
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
+
+private:
+    CRecvFileMan& m_sheet;
+};
+
+CRecvFileMan::CRecvFileMan(CCommand* command, int loadWay, const wchar_t* caption, QWidget* parent,
+                           unsigned startPage)
+    : CRecvFileMan(command, loadWay, caption, Surroundings{}, parent, startPage)
+{}
+
+CRecvFileMan::CRecvFileMan(CCommand* command, int loadWay, const wchar_t* caption,
+                           Surroundings surroundings, QWidget* parent, unsigned startPage)
+    : PropertySheet(caption != nullptr ? ToQt(caption) : UiText(text::kFilesTitle), parent),
+      m_command(*command), m_surroundings(std::move(surroundings)), m_files(m_command, loadWay),
+      m_target(this,
+               [this](unsigned message, std::intptr_t wParam, std::intptr_t lParam) {
+                   if (message == kFileListMessage) {
+                       OnRecvFileList(wParam, lParam);
+                   }
+               }),
+      m_progress(new TransferPanel)
+{
+    AddPage(new CRecvFile(*this), UiText(text::kFilesPage));
+    AddPage(new CRecvGomi(*this), UiText(text::kGomiPage));
+    SetActivePage(static_cast<int>(startPage));
+    HideButtons();
+    layout()->addWidget(m_progress);
+    m_progress->hide();
+
+    std::vector<std::filesystem::path> fetched{m_surroundings.folders.Documents()};
+    const auto cards = m_surroundings.folders.StorageCards();
+    if (!cards.empty()) {
+        fetched.push_back(cards.front());
+    }
+    m_files.SetFetchedFolders(std::move(fetched));
+}
+
+CRecvFileMan::~CRecvFileMan()
+{
+    Destroy();
+}
+
+int CRecvFileMan::Open()
+{
+    const std::unique_ptr<CConnect> connect =
+        m_surroundings.makeConnect ? m_surroundings.makeConnect(m_command)
+                                   : std::make_unique<CConnect>(m_command, 0, ConnectTarget{});
+    const int result = m_files.Open(*connect);
+    if (result == ReceiverFiles::Opened && !m_files.HasRecyclePage()) {
+        RemovePage(kGomiPage);
+    }
+    return result;
+}
+
+int CRecvFileMan::DoModal()
+{
+    return Open() == ReceiverFiles::Opened ? PropertySheet::DoModal() : kCancelled;
+}
+
+bool CRecvFileMan::OnInitDialog()
+{
+    if (!m_hasMenu) {
+        m_hasMenu = true;
+        SetMenuBar(new CnMenuBar(GetLoadWay()));
+    }
+    PropertySheet::OnInitDialog();
+    return false; // the page has set the focus
+}
+
+bool CRecvFileMan::OnClose(int result)
+{
+    return !m_isWorking && PropertySheet::OnClose(result);
+}
+
+RecvFilePage* CRecvFileMan::Page() const
+{
+    return static_cast<RecvFilePage*>(GetActivePage()); // there are no others
+}
+
+bool CRecvFileMan::CanWork() const
+{
+    return !m_isWorking && !m_command.IsBusy() && m_files.GetRows() != nullptr;
+}
+
+bool CRecvFileMan::IsWorking() const
+{
+    return m_isWorking || IsTimerRunning(kListTimer);
+}
+
+void CRecvFileMan::SetListCtrl(FileList* list)
+{
+    m_files.SetRows(list);
+}
+
+void CRecvFileMan::InitListCtrl(FileList* list)
+{
+    list->ShowColumns();
+    list->setSelectionBehavior(QAbstractItemView::SelectRows);
+}
+
+void CRecvFileMan::InitIcon(FileList* list, FileImageList* images)
+{
+    (*images)[FileRow::Live] = ThemeIcon(QStringLiteral("file"));
+    (*images)[FileRow::Recycled] = ThemeIcon(QStringLiteral("trash"));
+    (*images)[FileRow::Logging] = ThemeIcon(QStringLiteral("recording"));
+    list->SetImages(*images);
+}
+
+void CRecvFileMan::ListSoon()
+{
+    SetTimer(kListTimer, 0);
+}
+
+void CRecvFileMan::OnTimer(int id)
+{
+    if (id == kListTimer && CanWork()) {
+        KillTimer(kListTimer);
+        GetFileData();
+    } else if (id == kListTimer) {
+        SetTimer(kListTimer, kBusyMs);
+    }
+}
+
+void CRecvFileMan::GetFileData()
+{
+    if (!CanWork()) {
+        return;
+    }
+    const Work work(*this);
+    m_wasListed = true;
+    m_wasListed = m_files.GetFileData(m_target) != 0;
+}
+
+int CRecvFileMan::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
+{
+    m_files.OnRecvFileList(wParam, lParam);
+    if (wParam != 0) {
+        Page()->ShowState();
+    }
+    return 0;
+}
+
+void CRecvFileMan::ChoiceAll()
+{
+    FileList& list = Page()->List();
+    list.selectAll();
+    list.Focus();
+}
+
+void CRecvFileMan::FileDownload()
+{
+    if (!CanWork()) {
+        return;
+    }
+    const Work work(*this);
+    fieldcore::FileDownload::Surroundings around;
+    around.folders = m_surroundings.folders;
+    around.freeBytes = m_surroundings.freeBytes;
+    around.askDestination = [this](FileDestination& destination) {
+        return CRecvFileSaveDlg(destination, this).DoModal() == kOk;
+    };
+    around.watch = [this](const TransferProgress& progress) {
+        if (!m_progress->isVisible()) {
+            Page()->HideButtons();
+        }
+        m_progress->Show(progress);
+        return true; // its Cancel button ends the wait that the host has charge of
+    };
+    fieldcore::FileDownload(m_files, around).Run();
+    m_progress->Reset();
+}
+
+void CRecvFileMan::FileDelete()
+{
+    if (CanWork()) {
+        const Work work(*this);
+        FileDeletion(m_files).FileDelete();
+    }
+}
+
+void CRecvFileMan::FileRecover()
+{
+    if (CanWork()) {
+        const Work work(*this);
+        FileDeletion(m_files).FileRecover();
+    }
+}
+
+int CRecvFileMan::CheckIDCANCEL()
+{
+    return m_files.CheckIDCANCEL(CPrgEndMes(CPrgEndMes::Mode::Logging, this).DoModal());
+}
+
+} // namespace fieldcore
