@@ -41,6 +41,7 @@ Command AddAlmanacCommand(CLI::App& program);
 Command AddSettingsCommand(CLI::App& program);
 Command AddGeoCommand(CLI::App& program);
 Command AddSimCommand(CLI::App& program);
+Command AddTimeCommand(CLI::App& program);
 Command AddTraceCommand(CLI::App& program);
 Command AddPlanCommand(CLI::App& program);
 Command AddDoctorCommand(CLI::App& program);

@@ -71,7 +71,7 @@ struct Program
             AddIdentifyCommand(parser), AddResetCommand(parser),    AddAlmanacCommand(parser),
             AddPlanCommand(parser),     AddSettingsCommand(parser), AddGeoCommand(parser),
             AddSimCommand(parser),      AddTraceCommand(parser),    AddDoctorCommand(parser),
-            AddDemoCommand(parser)};
+            AddTimeCommand(parser),     AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

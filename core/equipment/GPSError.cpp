@@ -30,12 +30,17 @@ constexpr std::uint8_t kPdopDecimals = 1;
 constexpr local_seconds kGpsEpoch{local_days(std::chrono::year(1980) / 1 / 6)};
 constexpr local_seconds kLast{local_days(std::chrono::year(10000) / 1 / 1) - seconds(1)};
 
-bool IsUsableOffset(int offsetS)
+} // namespace
+
+bool IsUsableUtcOffset(int offsetS)
 {
     return offsetS < kFirstRefusedOffsetS && offsetS > -kFirstRefusedOffsetS;
 }
 
-} // namespace
+bool IsPositionComputed(const ReturnPositionStatusInformation& status)
+{
+    return status.fixKind >= kFirstComputedFix;
+}
 
 std::optional<Clock::UtcTime> ControllerTime(int week, double seconds, int utcOffsetS)
 {
@@ -64,7 +69,7 @@ void CGPSError::SetTimeSynchro(int flag)
         return;
     }
     GpsTimeReply time;
-    if (stRequestGpsTime(time) == 0 || !IsUsableOffset(time.utcOffsetS)) {
+    if (stRequestGpsTime(time) == 0 || !IsUsableUtcOffset(time.utcOffsetS)) {
         m_utcOffsetS = 0;
         return;
     }
@@ -85,7 +90,7 @@ void CGPSError::SetClock(const GpsTimeReply& time)
 
 int CGPSError::CheckTimeSynchro()
 {
-    if (m_status.fixKind >= kFirstComputedFix) {
+    if (IsPositionComputed(m_status)) {
         SetTimeSynchro(1);
     } else if (m_isSynchronised != 0) {
         StatusReply status;

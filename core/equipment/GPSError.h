@@ -15,6 +15,12 @@ class CCommand;
 /// The receiver's last position status; see docs/protocol.md.
 using ReturnPositionStatusInformation = PositionStatusReply;
 
+/// Whether an offset of UTC from GPS time can be meant: nearer than 101 s.
+[[nodiscard]] bool IsUsableUtcOffset(int offsetS);
+
+/// Whether a position is being computed.
+[[nodiscard]] bool IsPositionComputed(const ReturnPositionStatusInformation& status);
+
 /// The date and time, UTC, to which the controller is set by GPS time.
 ///
 /// The date is that of GPS time and the time of day that of UTC: within the offset after midnight

@@ -14,7 +14,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr int kFirstComputedFix = 2;
 constexpr double kNoPdop = 99.0;
 constexpr std::chrono::hours kJst{9};
 
@@ -42,7 +41,7 @@ private:
 bool HasPlace(const ReturnPositionStatusInformation& position)
 {
     const SiteReply& site = position.position;
-    return position.fixKind >= kFirstComputedFix && std::isfinite(site.latitudeRad) &&
+    return IsPositionComputed(position) && std::isfinite(site.latitudeRad) &&
            std::isfinite(site.longitudeRad) && std::isfinite(site.heightM) &&
            std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
            std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
@@ -147,8 +146,7 @@ void StatusPoll::Remember(bool hasPosition)
     if (hasPosition) {
         const ReturnPositionStatusInformation& position = m_now.position->value;
         sample.satellites = position.satellitesUsed;
-        if (position.fixKind >= kFirstComputedFix && position.pdop > 0.0F &&
-            position.pdop < kNoPdop) {
+        if (IsPositionComputed(position) && position.pdop > 0.0F && position.pdop < kNoPdop) {
             sample.pdop = position.pdop;
         }
     }

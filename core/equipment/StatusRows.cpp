@@ -102,7 +102,7 @@ void AddPosition(Rows& rows, const LiveStatus& status, const StatusView& view)
     };
     add(text::kStatusFix, [](const Position& p) { return FixText(p.fixKind); });
     add(text::kStatusUsed, [](const Position& p) { return std::to_wstring(p.satellitesUsed); });
-    rows.Add(text::kStatusPdop, status.pdop, kStaleStatus,
+    rows.Add(text::kGraphPdop, status.pdop, kStaleStatus,
              [](const std::wstring& pdop, Clock::Duration) { return pdop; });
     add(text::kStatusHdop, [](const Position& p) { return Dop(p.hdop); });
     add(text::kStatusVdop, [](const Position& p) { return Dop(p.vdop); });
@@ -123,19 +123,17 @@ void AddPosition(Rows& rows, const LiveStatus& status, const StatusView& view)
     });
 }
 
-std::wstring SynchroText(const ReceiverTime& time, const LiveStatus& status, const StatusView& view)
+std::wstring ClockText(const ReceiverTime& time, const LiveStatus& status, const StatusView& view)
 {
     if (!time.isSynchronised) {
-        return Text(text::kStatusNotSynchronised);
+        return Unknown();
     }
-    std::wstring text = FormatText(text::kStatusSynchronised, time.utcOffsetS);
     const bool isSet = status.clockChange && status.clockChange->isSet;
     const double ahead = std::chrono::duration<double>(time.controllerAhead).count();
-    text += L"\n" + FormatText(text::kStatusClockAhead, ahead);
-    text += Text(isSet              ? text::kStatusClockSet
-                 : view.maySetClock ? text::kStatusClockRefused
-                                    : text::kStatusClockLeft);
-    return text;
+    return FormatText(text::kStatusClockAhead, ahead) + Text(isSet ? text::kStatusClockSet
+                                                             : view.maySetClock
+                                                                 ? text::kStatusClockRefused
+                                                                 : text::kStatusClockLeft);
 }
 
 void AddTime(Rows& rows, const LiveStatus& status, const StatusView& view)
@@ -149,7 +147,12 @@ void AddTime(Rows& rows, const LiveStatus& status, const StatusView& view)
     add(text::kStatusJst, {});
     add(text::kStatusUtc, kJst);
     rows.Add(text::kStatusSynchro, status.time, kStaleStatus,
-             [&](const ReceiverTime& t, Clock::Duration) { return SynchroText(t, status, view); });
+             [](const ReceiverTime& t, Clock::Duration) {
+                 return t.isSynchronised ? FormatText(text::kStatusSynchronised, t.utcOffsetS)
+                                         : std::wstring(Text(text::kStatusNotSynchronised));
+             });
+    rows.Add(text::kStatusClock, status.time, kStaleStatus,
+             [&](const ReceiverTime& t, Clock::Duration) { return ClockText(t, status, view); });
 }
 
 } // namespace

@@ -463,7 +463,7 @@ inline constexpr int kFixFloat = 61019;
 inline constexpr int kFixFixed = 61020;
 inline constexpr int kStatusFix = 61021;
 inline constexpr int kStatusUsed = 61022;
-inline constexpr int kStatusPdop = 61023;
+inline constexpr int kStatusClock = 61023;
 inline constexpr int kStatusHdop = 61024;
 inline constexpr int kStatusVdop = 61025;
 inline constexpr int kStatusLatitude = 61026;
@@ -539,6 +539,7 @@ inline constexpr int kStatusHistoryEmpty = 61095;
 inline constexpr int kStatusNow = 61096;
 inline constexpr int kAppSetClock = 61097;
 inline constexpr int kStatusNoLink = 61098;
+inline constexpr int kAppStatusButton = 61099;
 
 } // namespace text
 

@@ -56,12 +56,13 @@ TEST(StatusRows, ShowEachValueWithItsAge)
     const std::pair<int, const wchar_t*> shown[] = {
         {text::kStatusFix, L"RTKフィックス"},
         {text::kStatusUsed, L"14"},
-        {text::kStatusPdop, L"1.8"},
+        {text::kGraphPdop, L"1.8"},
         {text::kStatusHdop, L"0.9"},
         {text::kStatusLatitude, L"36ﾟ00'00\".0000"},
         {text::kStatusHeight, L"70.123 m"},
         {text::kStatusJst, L"2026-03-19 09:00:03"}, // it goes on while it is fresh
         {text::kStatusUtc, L"2026-03-19 00:00:03"},
+        {text::kStatusClock, L"+1.5秒\n時計は設定しません"},
         {text::kStatusBattery, L"80 %　電源A"},
         {text::kStatusMemory, L"90 %"},
     };
@@ -125,6 +126,8 @@ TEST(StatusRows, ShowTheUnknownAsUnknown)
         {"seconds without synchronisation",
          [](LiveStatus& s) { s.time->value.isSynchronised = false; }, text::kStatusJst,
          L"2026-03-19 09:00"},
+        {"clock against a time that means nothing",
+         [](LiveStatus& s) { s.time->value.isSynchronised = false; }, text::kStatusClock, L"--"},
         {"memory beyond all", [](LiveStatus& s) { s.status->value.freeMemoryTenths = 11; },
          text::kStatusMemory, L"--"},
     };
@@ -153,8 +156,8 @@ TEST(StatusRows, TellTheTrend)
 {
     EXPECT_EQ(TrendText(std::nullopt), L"--");
     EXPECT_EQ(TrendText(BatteryTrend{3.04, std::nullopt}), L"+3.0 %/時");
-    EXPECT_EQ(TrendText(BatteryTrend{-12.0, 5h + 7min}), L"-12.0 %/時　残り約5時間07分");
-    EXPECT_EQ(TrendText(BatteryTrend{-40.0, 59min}), L"-40.0 %/時　残り約59分");
+    EXPECT_EQ(TrendText(BatteryTrend{-12.0, 5h + 7min}), L"-12.0 %/時\n残り約5時間07分");
+    EXPECT_EQ(TrendText(BatteryTrend{-40.0, 59min}), L"-40.0 %/時\n残り約59分");
 }
 
 TEST(VersionRows, ListWhatIsThereAndWhatIsNot)
