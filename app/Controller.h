@@ -3,6 +3,8 @@
 #include "app/Options.h"
 #include "app/StatusStrip.h"
 
+#include "core/equipment/StatusPoll.h"
+#include "core/equipment/StatusRows.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/FrameHistory.h"
@@ -62,6 +64,14 @@ public:
 
     void UseTheme(Theme::Kind kind);
 
+    /// Whether the user wants the controller's clock set by the receiver's time; never by a
+    /// simulated one. Off at first.
+    [[nodiscard]] bool MaySetClock() const { return m_maySetClock; }
+    void SetMaySetClock(bool maySet);
+    /// How the receiver is, and what is needed to show it.
+    [[nodiscard]] const StatusPoll& Poll() const { return *m_poll; }
+    [[nodiscard]] StatusView View() const;
+
     [[nodiscard]] CCommand& Command() { return *m_command; }
     [[nodiscard]] ReceiverLink& Link() { return *m_link; }
     [[nodiscard]] const CReg& Reg() const { return m_reg; }
@@ -82,9 +92,13 @@ public:
 Q_SIGNALS:
     /// The state may have changed: at least once a second.
     void Changed();
+    /// @param words  a warning about the receiver's battery, once for each limit
+    void BatteryIsLow(const QString& words);
 
 private:
     void ReadModel();
+    void AskReceiver();
+    void AllowClock();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -100,6 +114,8 @@ private:
     FrameHistory m_frames;
     std::unique_ptr<CCommand> m_command;
     std::unique_ptr<ReceiverLink> m_link;
+    std::unique_ptr<StatusPoll> m_poll; // behind the link
+    bool m_maySetClock = false;
     ConnectChoice m_choice;
     QString m_receiver; // name of the model that is connected
     std::unique_ptr<LinkMonitor> m_monitor;

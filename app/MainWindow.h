@@ -33,6 +33,8 @@ public:
         kSkyPlot,
         kFrames,
         kForceInit,
+        kStatus,
+        kVersion,
         kSettings,
         kThemeDaylight,
         kThemeDark,

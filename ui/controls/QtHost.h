@@ -41,6 +41,9 @@ public:
     /// A control on a page that is not in front brings its page to the front. Without such a
     /// control nothing happens.
     void FocusControl(int controlId) override;
+    [[nodiscard]] bool HasActiveWindow() const override;
+    /// A label, a button or an edit shows the text.
+    void SetControlText(int controlId, std::wstring_view text) override;
     void ShowWaitCursor(bool on) override;
     /// A window that itself shows what is waited for brings its own Cancel: while @p button can be
     /// pressed in the front window, it ends the wait, and no strip appears.
