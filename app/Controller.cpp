@@ -30,6 +30,8 @@ namespace {
 constexpr const wchar_t* kAppKey = L"GPS\\App";
 constexpr const wchar_t* kTheme = L"Theme";
 constexpr const wchar_t* kAntennaRole = L"AntennaRole";
+constexpr const wchar_t* kSetClock = L"SetClock";
+constexpr const wchar_t* kPlaneZone = L"PlaneZone";
 
 QDateTime ToQt(Clock::UtcTime time)
 {
@@ -100,9 +102,10 @@ Controller::Controller(const AppOptions& options)
         CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
     m_command->SetFrameObserver(m_frames.Observer());
     m_link = std::make_unique<ReceiverLink>(*m_command);
+    m_poll = std::make_unique<StatusPoll>(*m_command, *m_link);
     m_monitor = std::make_unique<LinkMonitor>(*m_link);
     connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
-    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::Changed);
+    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskReceiver);
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
     m_choice = LoadConnectChoice(m_reg, FirstChoice(m_roots));
@@ -141,6 +144,10 @@ void Controller::Begin()
                           ? static_cast<Theme::Kind>(theme)
                           : Theme::Kind::Daylight;
     Theme::Use(m_options.theme.value_or(kept));
+    std::uint32_t maySet = 0;
+    m_reg.ReadNumber(kAppKey, kSetClock, maySet, 0);
+    m_maySetClock = maySet == 1;
+    AllowClock();
 }
 
 bool Controller::ConnectQuietly(std::wstring& fault)
@@ -262,6 +269,7 @@ std::optional<ConnectTarget> Controller::Target(std::wstring& fault)
     if (named.port->kind == PortKind::Device) {
         m_simulator.reset();
         m_scenario.clear();
+        AllowClock();
         return TargetOf(named.port->path, LinkSettings(m_roots), m_names);
     }
     if (!StartSimulator(named.port->scenario.empty() ? "lark" : named.port->scenario, fault)) {
@@ -284,6 +292,7 @@ bool Controller::StartSimulator(const std::string& scenario, std::wstring& fault
     }
     m_command->ClosePort();
     m_simulator = std::move(started);
+    AllowClock();
     m_scenario = scenario;
     return true;
 }
@@ -305,6 +314,41 @@ void Controller::ReadAntenna()
 {
     m_antenna->ReadRegAnt();
     m_antennaLine = fieldcore::ToQt(m_antenna->GetAntLine());
+}
+
+void Controller::SetMaySetClock(bool maySet)
+{
+    m_maySetClock = maySet;
+    m_reg.WriteNumber(kAppKey, kSetClock, maySet ? 1 : 0);
+    AllowClock();
+}
+
+/// A simulated receiver takes its time from this clock, or makes one up.
+void Controller::AllowClock()
+{
+    SystemClock::Instance().AllowSetting(m_maySetClock && !m_simulator &&
+                                         m_options.screenshots.isEmpty());
+}
+
+StatusView Controller::View() const
+{
+    constexpr std::uint32_t kLast = 19;
+    std::uint32_t zone = 0; // the nearest one
+    m_reg.ReadNumber(kAppKey, kPlaneZone, zone, 0);
+    return {m_clock->Steady(), m_clock->Utc(), m_link->State() == LinkState::Connected,
+            zone <= kLast ? static_cast<int>(zone) : 0, m_maySetClock};
+}
+
+void Controller::AskReceiver()
+{
+    m_poll->Tick();
+    const BatteryWatch::Warning warning = m_poll->TakeWarning();
+    if (warning != BatteryWatch::Warning::None) {
+        const int id =
+            warning == BatteryWatch::Warning::Low ? text::kBatteryLow : text::kBatteryVeryLow;
+        const int percent = m_poll->Now().battery->value.percent.value_or(0);
+        Q_EMIT BatteryIsLow(fieldcore::ToQt(FormatText(id, percent)));
+    }
     Q_EMIT Changed();
 }
 
@@ -321,6 +365,8 @@ ReceiverState Controller::State() const
         state.receivedUtc =
             ToQt(m_clock->Utc() - std::chrono::duration_cast<std::chrono::milliseconds>(age));
         state.batteryPercent = status->value.batteryPercent;
+        const auto& battery = m_poll->Now().battery;
+        state.batteryFailed = battery && !battery->value.percent;
         state.satellites = status->value.satellitesTracked;
         if (std::isfinite(status->value.pdop) && status->value.pdop < kNoPdop) {
             state.pdop = status->value.pdop;

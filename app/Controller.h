@@ -5,6 +5,8 @@
 
 #include "core/equipment/AntennaSettings.h"
 #include "core/equipment/PortEdit.h"
+#include "core/equipment/StatusPoll.h"
+#include "core/equipment/StatusRows.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/FrameHistory.h"
@@ -73,6 +75,14 @@ public:
 
     void UseTheme(Theme::Kind kind);
 
+    /// Whether the user wants the controller's clock set by the receiver's time; never by a
+    /// simulated one. Off at first.
+    [[nodiscard]] bool MaySetClock() const { return m_maySetClock; }
+    void SetMaySetClock(bool maySet);
+    /// How the receiver is, and what is needed to show it.
+    [[nodiscard]] const StatusPoll& Poll() const { return *m_poll; }
+    [[nodiscard]] StatusView View() const;
+
     [[nodiscard]] CCommand& Command() { return *m_command; }
     [[nodiscard]] ReceiverLink& Link() { return *m_link; }
     [[nodiscard]] const CReg& Reg() const { return m_reg; }
@@ -99,11 +109,15 @@ public:
 Q_SIGNALS:
     /// The state may have changed: at least once a second.
     void Changed();
+    /// @param words  a warning about the receiver's battery, once for each limit
+    void BatteryIsLow(const QString& words);
 
 private:
     void ReadModel();
     void ReadAntenna();
     void ReadLinkRate();
+    void AskReceiver();
+    void AllowClock();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -121,6 +135,8 @@ private:
     std::unique_ptr<ReceiverLink> m_link;
     std::unique_ptr<AntennaSettings> m_antenna;
     QString m_antennaLine;
+    std::unique_ptr<StatusPoll> m_poll; // behind the link
+    bool m_maySetClock = false;
     ConnectChoice m_choice;
     int m_receiverPort = 1;
     int m_receiverPorts = CComPrmSet::kMostPorts;

@@ -27,6 +27,7 @@ constexpr Entry kButtons[] = {
     {MainWindow::kConnect, "connect", text::kAppConnect},
     {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
     {MainWindow::kPlan, "plan", text::kAppPlan},
+    {MainWindow::kStatus, "status", text::kAppStatusButton},
     {MainWindow::kFiles, "files", text::kAppFiles},
     {MainWindow::kAntenna, "antenna", text::kAppAntenna},
     {MainWindow::kTracking, "tracking", text::kAppTracking},
@@ -64,6 +65,7 @@ MainWindow::MainWindow(QWidget* parent)
     m_menu->AddItem(view, kThemeDark, UiText(text::kAppThemeDark));
     m_menu->AddItem(view, kThemeSystem, UiText(text::kAppThemeSystem));
     const int help = m_menu->AddPopup(UiText(text::kAppMenuHelp));
+    m_menu->AddItem(help, kVersion, UiText(text::kVersionTitle));
     m_menu->AddItem(help, kAbout, UiText(text::kAppAbout));
 
     auto* const column = new QVBoxLayout(this);

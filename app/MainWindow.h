@@ -35,6 +35,8 @@ public:
         kFrames,
         kForceInit,
         kPorts,
+        kStatus,
+        kVersion,
         kSettings,
         kAntenna,
         kThemeDaylight,

@@ -34,6 +34,8 @@ Session::Session(Controller& controller)
     connect(m_window.get(), &MainWindow::Chosen, this, &Session::Open);
     connect(&m_controller, &Controller::Changed, this,
             [this] { m_window->ShowState(m_controller.State(), m_controller.NowUtc()); });
+    connect(&m_controller, &Controller::BatteryIsLow, this, &Session::WarnOfBattery,
+            Qt::QueuedConnection); // not from inside of a round
     m_window->SetMayClose([this] { return MayEnd(); });
     ShowChosenTheme();
 }
@@ -113,6 +115,12 @@ void Session::Open(int choice)
         break;
     case MainWindow::kAntenna:
         ChangeAntenna();
+        break;
+    case MainWindow::kStatus:
+        ShowStatus();
+        break;
+    case MainWindow::kVersion:
+        ShowVersion(m_window.get());
         break;
     case MainWindow::kForceInit:
         ForceInit();
@@ -200,11 +208,15 @@ void Session::ChoosePort()
 
 void Session::ChangeSettings()
 {
-    SettingsSheet sheet(m_controller.Ports(), Scenarios(), m_controller.Choice(), m_window.get());
+    SettingsSheet sheet(m_controller.Ports(), Scenarios(), m_controller.Choice(),
+                        m_controller.MaySetClock(), m_window.get());
     if (sheet.DoModal() != Dialog::kOk) {
         return;
     }
     m_controller.UseTheme(sheet.ChosenTheme());
+    if (sheet.MaySetClock() != m_controller.MaySetClock()) {
+        m_controller.SetMaySetClock(sheet.MaySetClock());
+    }
     ShowChosenTheme();
     const std::optional<ConnectChoice> port = sheet.ChosenPort();
     if (port && *port != m_controller.Choice()) {
@@ -354,7 +366,8 @@ std::vector<Session::Screen> Session::Screens()
         {QStringLiteral("settings"),
          [this]() -> std::unique_ptr<QWidget> {
              return std::make_unique<SettingsSheet>(m_controller.Ports(), Scenarios(),
-                                                    m_controller.Choice());
+                                                    m_controller.Choice(),
+                                                    m_controller.MaySetClock());
          }},
         {QStringLiteral("port"),
          [this]() -> std::unique_ptr<QWidget> {
@@ -362,6 +375,7 @@ std::vector<Session::Screen> Session::Screens()
                                                      m_controller.Choice());
          }},
     };
+    AddStatusScreens(screens);
     for (TiltScreen& screen : TiltScreens(m_controller)) {
         screens.push_back({screen.name, screen.make});
     }

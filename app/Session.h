@@ -67,6 +67,11 @@ private:
     bool MayEnd();
     void ForceInit();
     void ShowAbout();
+    void ShowStatus();
+    void ShowVersion(QWidget* parent);
+    void WarnOfBattery(const QString& words);
+    /// The status page, the version list and the battery's warning for pictures.
+    void AddStatusScreens(std::vector<Screen>& screens);
     void ShowChosenTheme();
 
     Controller& m_controller;

@@ -4,14 +4,16 @@
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/UiText.h"
 
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QVBoxLayout>
 
 namespace fieldcore {
 
 SettingsSheet::SettingsSheet(const PortNames& names, const std::vector<ScenarioChoice>& scenarios,
-                             const ConnectChoice& choice, QWidget* parent)
-    : PropertySheet(UiText(text::kAppSettings), parent), m_theme(new CTComboBox),
+                             const ConnectChoice& choice, bool maySetClock, QWidget* parent)
+    : PropertySheet(UiText(text::kAppSettings), parent),
+      m_setClock(new QCheckBox(UiText(text::kAppSetClock))), m_theme(new CTComboBox),
       m_ports(new PortChooser(names, scenarios))
 {
     auto* const look = new PropertyPage;
@@ -24,6 +26,8 @@ SettingsSheet::SettingsSheet(const PortNames& names, const std::vector<ScenarioC
     m_theme->SelectCode(static_cast<int>(Theme::Used()));
     m_theme->setAccessibleName(UiText(text::kAppMenuView));
     form->addRow(UiText(text::kAppTheme), m_theme);
+    m_setClock->setChecked(maySetClock);
+    form->addRow(m_setClock);
     AddPage(look, UiText(text::kAppMenuView));
 
     auto* const port = new PropertyPage;
@@ -36,6 +40,11 @@ SettingsSheet::SettingsSheet(const PortNames& names, const std::vector<ScenarioC
 Theme::Kind SettingsSheet::ChosenTheme() const
 {
     return static_cast<Theme::Kind>(m_theme->GetCode()); // one is always selected
+}
+
+bool SettingsSheet::MaySetClock() const
+{
+    return m_setClock->isChecked();
 }
 
 } // namespace fieldcore

@@ -107,7 +107,8 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     m_receiver->setText(state.receiver);
     m_receiver->setToolTip(state.receiver);
     const QString pdop = state.pdop ? QString::number(*state.pdop, 'f', 1) : unknown;
-    const QString battery = state.batteryPercent
+    const QString battery = state.batteryFailed ? UiText(text::kBatteryUnknown)
+                            : state.batteryPercent
                                 ? QString::number(*state.batteryPercent) + QStringLiteral(" %")
                                 : unknown;
     m_values->setText(QStringLiteral("PDOP %1  %2").arg(pdop, battery));

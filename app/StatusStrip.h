@@ -25,6 +25,7 @@ struct ReceiverState
     QString simulator;     ///< name of the scenario; empty: a real receiver
     QDateTime receivedUtc; ///< when the values below came, by the controller's clock
     std::optional<int> batteryPercent;
+    bool batteryFailed = false; ///< it was asked for and not told
     std::optional<double> pdop;
     std::optional<int> satellites;
 };

@@ -45,6 +45,7 @@ Command AddSettingsCommand(CLI::App& program);
 Command AddGeoCommand(CLI::App& program);
 Command AddAntennaCommand(CLI::App& program);
 Command AddSimCommand(CLI::App& program);
+Command AddTimeCommand(CLI::App& program);
 Command AddTraceCommand(CLI::App& program);
 Command AddPlanCommand(CLI::App& program);
 Command AddDoctorCommand(CLI::App& program);

@@ -70,13 +70,13 @@ struct Program
         parser.set_help_flag("-h,--help", "Show this help");
         parser.add_flag("--version", version, "Show the version");
         commands = {
-            AddPortsCommand(parser),    AddInfoCommand(parser),   AddStatusCommand(parser),
-            AddIdentifyCommand(parser), AddResetCommand(parser),  AddAlmanacCommand(parser),
-            AddFilesCommand(parser),    AddPlanCommand(parser),   AddSettingsCommand(parser),
-            AddGeoCommand(parser),      AddCheckCommand(parser),  AddNextCommand(parser),
-            AddAntennaCommand(parser),  AddSignalCommand(parser), AddTiltCommand(parser),
-            AddSimCommand(parser),      AddTraceCommand(parser),  AddDoctorCommand(parser),
-            AddDemoCommand(parser)};
+            AddPortsCommand(parser),    AddInfoCommand(parser),     AddStatusCommand(parser),
+            AddTimeCommand(parser),     AddIdentifyCommand(parser), AddResetCommand(parser),
+            AddAlmanacCommand(parser),  AddFilesCommand(parser),    AddPlanCommand(parser),
+            AddSettingsCommand(parser), AddGeoCommand(parser),      AddCheckCommand(parser),
+            AddNextCommand(parser),     AddAntennaCommand(parser),  AddSignalCommand(parser),
+            AddTiltCommand(parser),     AddSimCommand(parser),      AddTraceCommand(parser),
+            AddDoctorCommand(parser),   AddDemoCommand(parser)};
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;

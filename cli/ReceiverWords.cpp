@@ -1,5 +1,6 @@
 #include "cli/ReceiverWords.h"
 
+#include "core/equipment/InstalledOptions.h"
 #include "core/link/ReceiverTypes.h"
 
 #include <array>
@@ -19,50 +20,6 @@ constexpr std::chrono::hours kJst{9}; // Japan has no daylight saving time
 constexpr double kNoPdop = 99.9;
 constexpr int kWeekCycle = 1024;
 constexpr auto kGpsEpoch = sys_days(std::chrono::year(1980) / 1 / 6);
-
-struct OptionName
-{
-    const char* words;
-    int (*has)(const CRecvInfo&);
-};
-
-constexpr std::array kOptions{
-    OptionName{"L1/L2", [](const CRecvInfo& info) { return info.GetL2(); }},
-    OptionName{"L2C", [](const CRecvInfo& info) { return info.GetL2C(); }},
-    OptionName{"L5", [](const CRecvInfo& info) { return info.GetL5(); }},
-    OptionName{"GLONASS", [](const CRecvInfo& info) { return info.GetGLONASS(); }},
-    OptionName{"Galileo", [](const CRecvInfo& info) { return info.GetGalileo(); }},
-    OptionName{"QZSS", [](const CRecvInfo& info) { return info.GetQZSS(); }},
-    OptionName{"RTK", [](const CRecvInfo& info) { return info.GetRtkSurvey(); }},
-    OptionName{"on-the-fly initialisation", [](const CRecvInfo& info) { return info.GetRtkOTF(); }},
-    OptionName{"VRS", [](const CRecvInfo& info) { return info.GetRtkVRS(); }},
-    OptionName{"NMEA output", [](const CRecvInfo& info) { return info.GetNMEA(); }},
-    OptionName{"CMR input", [](const CRecvInfo& info) { return info.GetCMR(CRecvInfo::Input); }},
-    OptionName{"CMR output", [](const CRecvInfo& info) { return info.GetCMR(CRecvInfo::Output); }},
-    OptionName{"CMR+", [](const CRecvInfo& info) { return info.GetCMRp(); }},
-    OptionName{"CMRx input", [](const CRecvInfo& info) { return info.GetCMRxInput(); }},
-    OptionName{"CMRx output", [](const CRecvInfo& info) { return info.GetCMRxOutput(); }},
-    OptionName{"RTCM input", [](const CRecvInfo& info) { return info.GetRTCM1(CRecvInfo::Input); }},
-    OptionName{"RTCM output",
-               [](const CRecvInfo& info) { return info.GetRTCM1(CRecvInfo::Output); }},
-    OptionName{"RTCM 2 input",
-               [](const CRecvInfo& info) { return info.GetRTCM2(CRecvInfo::Input); }},
-    OptionName{"RTCM 2 output",
-               [](const CRecvInfo& info) { return info.GetRTCM2(CRecvInfo::Output); }},
-    OptionName{"RTCM 2.1 input",
-               [](const CRecvInfo& info) { return info.GetRTCM21(CRecvInfo::Input); }},
-    OptionName{"RTCM 2.1 output",
-               [](const CRecvInfo& info) { return info.GetRTCM21(CRecvInfo::Output); }},
-    OptionName{"RTCM 2.2", [](const CRecvInfo& info) { return info.GetRTCM22(); }},
-    OptionName{"RTCM 2.3", [](const CRecvInfo& info) { return info.GetRTCM23(); }},
-    OptionName{"RTCM 3.0", [](const CRecvInfo& info) { return info.GetRTCM30(); }},
-    OptionName{"Bluetooth", [](const CRecvInfo& info) { return info.GetBlueTooth(); }},
-    OptionName{"logging at 2 Hz", [](const CRecvInfo& info) { return info.Get2HzLogging(); }},
-    OptionName{"Q02 files", [](const CRecvInfo& info) { return info.GetQ02Format(); }},
-    OptionName{"tilt sensor", [](const CRecvInfo& info) { return info.GetTilt(); }},
-    OptionName{"Solace board", [](const CRecvInfo& info) { return info.GetSolace(); }},
-    OptionName{"Meridian board", [](const CRecvInfo& info) { return info.GetMeridian(); }},
-};
 
 Value FamilyValue(ReceiverFamily family)
 {
@@ -113,7 +70,7 @@ Value Moment(Clock::UtcTime local, const char* zone, const char* place)
 std::vector<std::string> OptionsInWords(const CRecvInfo& info)
 {
     std::vector<std::string> words;
-    for (const OptionName& option : kOptions) {
+    for (const InstalledOption& option : AllInstalledOptions()) {
         if (option.has(info) != 0) {
             words.emplace_back(option.words);
         }

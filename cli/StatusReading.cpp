@@ -3,6 +3,10 @@
 #include "cli/PortSession.h"
 #include "cli/ReceiverWords.h"
 
+#include "core/equipment/LiveStatus.h"
+#include "core/equipment/StatusRows.h"
+#include "core/planning/PlaneRectangular.h"
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -13,6 +17,7 @@ namespace fieldcore::cli {
 namespace {
 
 constexpr int kDegreeDecimals = 8; // about a millimetre
+constexpr int kMetreDecimals = 3;
 
 /// Asks for one thing that not every receiver can tell.
 template <typename Reply>
@@ -45,6 +50,9 @@ struct Place
     Value latitude = Value::Unknown();
     Value longitude = Value::Unknown();
     Value height = Value::Unknown();
+    Value zone = Value::Unknown();
+    Value planeX = Value::Unknown();
+    Value planeY = Value::Unknown();
 };
 
 Place PlaceOf(const StatusReading& reading)
@@ -56,8 +64,18 @@ Place PlaceOf(const StatusReading& reading)
     const auto degrees = [](double rad) {
         return Value::Real(rad * 180.0 / std::numbers::pi, kDegreeDecimals, "deg");
     };
-    return {degrees(site.latitudeRad), degrees(site.longitudeRad),
-            Value::Real(site.heightM, 3, "m")};
+    Place place;
+    place.latitude = degrees(site.latitudeRad);
+    place.longitude = degrees(site.longitudeRad);
+    place.height = Value::Real(site.heightM, kMetreDecimals, "m");
+    const int zone = NearestPlaneZone(site);
+    if (const auto plane =
+            PlaneOfGeodetic(zone, {site.latitudeRad, site.longitudeRad, site.heightM})) {
+        place.zone = Value::Integer(zone);
+        place.planeX = Value::Real(plane->position.xM, kMetreDecimals, "m");
+        place.planeY = Value::Real(plane->position.yM, kMetreDecimals, "m");
+    }
+    return place;
 }
 
 Value Utc(const StatusReading& reading)
@@ -111,6 +129,9 @@ void AddPosition(Report& report, const StatusReading& reading)
     report.Add("latitudeDeg", "latitude", std::move(place.latitude));
     report.Add("longitudeDeg", "longitude", std::move(place.longitude));
     report.Add("heightM", "ellipsoidal height", std::move(place.height));
+    report.Add("planeZone", "plane zone", std::move(place.zone));
+    report.Add("planeXM", "plane x", std::move(place.planeX));
+    report.Add("planeYM", "plane y", std::move(place.planeY));
     report.Add("pdop", "PDOP", dop(&PositionStatusReply::pdop));
     report.Add("hdop", "HDOP", dop(&PositionStatusReply::hdop));
     report.Add("vdop", "VDOP", dop(&PositionStatusReply::vdop));
@@ -146,14 +167,7 @@ std::optional<Clock::UtcTime> StatusReading::Utc() const
 
 bool StatusReading::HasPosition() const
 {
-    constexpr int kFirstWithPlace = 2;
-    if (!position || position->fixKind < kFirstWithPlace) {
-        return false;
-    }
-    const SiteReply& site = position->position;
-    return std::isfinite(site.latitudeRad) && std::isfinite(site.longitudeRad) &&
-           std::isfinite(site.heightM) && std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
-           std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
+    return position && HasPlace(*position);
 }
 
 std::optional<Failure> ReadStatus(PortSession& session, StatusReading& reading)
@@ -187,6 +201,15 @@ void AddStatus(Report& report, const StatusReading& reading)
                }));
     report.Add("timeValid", "time is valid",
                Known(status, [](const StatusReply& s) { return Value::YesNo(s.timeValid); }));
+    report.Add("utcOffsetS", "GPS time minus UTC", Known(reading.time, [](const GpsTimeReply& t) {
+                   return IsUsableUtcOffset(t.utcOffsetS) ? Value::Integer(t.utcOffsetS, "s")
+                                                          : Value::Unknown();
+               }));
+    report.Add("synchronised", "time can be trusted", Known(reading.position, [&](const auto& p) {
+                   return Value::YesNo(reading.time &&
+                                       IsUsableUtcOffset(reading.time->utcOffsetS) &&
+                                       IsPositionComputed(p));
+               }));
     report.Add("fix", "fix", Fix(reading));
     report.Add("satellitesTracked", "satellites tracked", Satellites(reading));
     report.Add("pdop", "PDOP", Pdop(reading));

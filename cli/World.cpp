@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
 #include <iostream>
 #include <memory>
+#include <system_error>
 
 #include <grp.h>
 #include <pwd.h>
@@ -85,6 +87,18 @@ World::SerialGroup FindSerialGroup()
     return found;
 }
 
+/// The one place from which this program sets the clock: the user has asked for it by now.
+std::string SetMachineClock(Clock::UtcTime time)
+{
+    SystemClock& clock = SystemClock::Instance();
+    clock.AllowSetting(true);
+    errno = 0;
+    const bool isSet = clock.SetUtc(time);
+    const int cause = errno;
+    clock.AllowSetting(false);
+    return isSet ? std::string() : std::generic_category().message(cause);
+}
+
 } // namespace
 
 World World::OfThisProcess()
@@ -100,6 +114,7 @@ World World::OfThisProcess()
     world.variable = Variable;
     world.stopSignal = [] { return static_cast<int>(stopSignalNumber); };
     world.clock = &SystemClock::Instance();
+    world.setClock = SetMachineClock;
     world.folders = FolderSources::System();
     world.listJapaneseFonts = ListJapaneseFonts;
     world.fontFolders = {"/usr/share/fonts", "/usr/local/share/fonts"};

@@ -30,6 +30,10 @@ struct World
     std::function<int()> stopSignal;
     const Clock* clock = nullptr; ///< outlives the world
 
+    /// Sets the machine's date and time. @return empty, or why it was not set. Null: nothing can
+    /// be set here.
+    std::function<std::string(Clock::UtcTime)> setClock;
+
     SystemRoots roots;
     FolderSources folders;
 

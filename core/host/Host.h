@@ -59,6 +59,16 @@ public:
     /// Puts the input focus into the control that carries @p controlId in the active window.
     virtual void FocusControl(int controlId) { static_cast<void>(controlId); }
 
+    /// Whether one of the application's windows is in front.
+    [[nodiscard]] virtual bool HasActiveWindow() const { return false; }
+    /// Writes @p text into the control that carries @p controlId in the active window; without
+    /// such a control nothing happens.
+    virtual void SetControlText(int controlId, std::wstring_view text)
+    {
+        static_cast<void>(controlId);
+        static_cast<void>(text);
+    }
+
     /// Switches the wait cursor on or off; calls nest.
     virtual void ShowWaitCursor(bool on) { static_cast<void>(on); }
 

@@ -222,6 +222,7 @@ std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
 
 void ReceiverLink::Enter(LinkState state)
 {
+    m_connections += state == LinkState::Connected && m_state != state ? 1 : 0;
     m_state = state;
     if (m_observer) {
         m_observer();

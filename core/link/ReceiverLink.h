@@ -99,6 +99,11 @@ public:
     /// port is waited for.
     [[nodiscard]] std::optional<Clock::Duration> UntilNextAttempt() const;
 
+    /// Whether a dialog uses the channel: polls leave it alone.
+    [[nodiscard]] bool IsHeld() const { return m_holds > 0; }
+    /// How many times a connection has been made: another number may be another receiver.
+    [[nodiscard]] unsigned Connections() const { return m_connections; }
+
     /// Told when the state or the status has changed, on the calling thread. It may ask, but not
     /// act. Empty: nobody.
     void SetObserver(std::function<void()> observer) { m_observer = std::move(observer); }
@@ -121,6 +126,7 @@ private:
     bool m_wasAway = false; // the port, when it was last looked for
     int m_missed = 0;       // questions without a good answer, one after the other
     int m_holds = 0;
+    unsigned m_connections = 0;
     bool m_isTicking = false;
     std::function<void()> m_observer;
 };

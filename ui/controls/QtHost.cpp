@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -115,6 +116,24 @@ void QtHost::GiveFocus(QWidget* control)
     control->setFocus(Qt::OtherFocusReason);
     if (auto* const edit = qobject_cast<QLineEdit*>(control)) {
         edit->selectAll(); // what is wrong is typed over
+    }
+}
+
+bool QtHost::HasActiveWindow() const
+{
+    return QApplication::activeWindow() != nullptr;
+}
+
+void QtHost::SetControlText(int controlId, std::wstring_view text)
+{
+    const QWidget* const window = QApplication::activeWindow();
+    QWidget* const control = window != nullptr ? Dialog::FindControl(window, controlId) : nullptr;
+    if (auto* const label = qobject_cast<QLabel*>(control)) {
+        label->setText(ToQt(text));
+    } else if (auto* const button = qobject_cast<QAbstractButton*>(control)) {
+        button->setText(ToQt(text));
+    } else if (auto* const edit = qobject_cast<QLineEdit*>(control)) {
+        edit->setText(ToQt(text));
     }
 }
 

@@ -44,6 +44,9 @@ public:
     /// Puts the input focus into a control and brings it into sight: its page, and the part of the
     /// page. What an edit box holds is selected.
     static void GiveFocus(QWidget* control);
+    [[nodiscard]] bool HasActiveWindow() const override;
+    /// A label, a button or an edit shows the text.
+    void SetControlText(int controlId, std::wstring_view text) override;
     void ShowWaitCursor(bool on) override;
     /// A window that itself shows what is waited for brings its own Cancel: while @p button can be
     /// pressed in the front window, it ends the wait, and no strip appears.

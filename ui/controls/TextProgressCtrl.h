@@ -1,12 +1,14 @@
 #pragma once
 
+#include "core/host/ProgressBar.h"
+
 #include <QProgressBar>
 
 namespace fieldcore {
 
 /// A progress bar with a text in it, that can be read over the filled part and beside it.
 /// User-interface thread only.
-class CTextProgressCtrl : public QProgressBar
+class CTextProgressCtrl : public QProgressBar, public ProgressBar
 {
     Q_OBJECT
 
@@ -14,9 +16,9 @@ public:
     explicit CTextProgressCtrl(QWidget* parent = nullptr);
 
     /// Both ends belong to the range; a range the wrong way round becomes its first number.
-    void SetRange(int first, int last);
+    void SetRange(int first, int last) override;
     /// @param position  outside the range it is taken as the nearer end
-    void SetPos(int position);
+    void SetPos(int position) override;
     [[nodiscard]] int GetPos() const { return value(); }
 
     /// @param text  instead of the percentage; empty goes back to that

@@ -1,0 +1,281 @@
+// The receiver's time and what is made of it. Runs in several time zones: none may move a result.
+
+#include "core/equipment/GPSError.h"
+
+#include "core/link/Command.h"
+#include "tests/core/equipment/HandClock.h"
+#include "tests/core/link/FarEnd.h"
+
+#include <chrono>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::sys_days;
+using testing::Ascii;
+using testing::Frame;
+using testing::HandClock;
+
+constexpr int kWeek = 2410; // begins 2026-03-15
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+/// A receiver whose answers are written down here: the wire has no room for some of them.
+class Told : public CGPSError
+{
+public:
+    explicit Told(HandClock& clock) : CGPSError(nullptr, &clock) {}
+    std::optional<GpsTimeReply> time;
+    bool timeValid = false;
+    int timeAsked = 0;
+    int statusAsked = 0;
+
+protected:
+    int stRequestGpsTime(GpsTimeReply& reply) override
+    {
+        ++timeAsked;
+        reply = time.value_or(reply);
+        return time ? 1 : 0;
+    }
+    int stRequestStatus(StatusReply& reply) override
+    {
+        ++statusAsked;
+        reply.timeValid = timeValid;
+        return 1;
+    }
+};
+
+TEST(GPSError, AcceptsATimeWithAPossibleOffset)
+{
+    struct Row
+    {
+        const char* fault;
+        std::optional<int> offset; ///< nothing: no answer
+        int flag;
+        int synchronised;
+        int kept;
+        std::size_t set; ///< how often the clock was
+    };
+    const Row rows[] = {
+        {"usual offset", 17, 1, 1, 17, 1},
+        {"last accepted", 100, 1, 1, 100, 1},
+        {"first refused", 101, 1, 0, 0, 0},
+        {"last accepted below", -100, 1, 1, -100, 1},
+        {"first refused below", -101, 1, 0, 0, 0},
+        {"no absolute value", std::numeric_limits<int>::min(), 1, 0, 0, 0},
+        {"no answer", std::nullopt, 1, 0, 0, 0},
+        {"the flag is kept as given", 17, 0, 0, 17, 1},
+        {"the flag is kept as given, again", 17, 7, 7, 17, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        HandClock clock;
+        Told error(clock);
+        if (row.offset) {
+            error.time = GpsTimeReply{1000.0, kWeek, *row.offset};
+        }
+        error.SetTimeSynchro(row.flag);
+        EXPECT_EQ(error.GetTimeSynchro(), row.synchronised);
+        EXPECT_EQ(error.GetSingleFlag(), row.synchronised != 0 ? 1 : 0);
+        EXPECT_EQ(error.GetUTCOffsetTime(), row.kept);
+        EXPECT_EQ(clock.asked.size(), row.set);
+    }
+}
+
+TEST(GPSError, StaysSynchronisedForGood)
+{
+    HandClock clock;
+    Told error(clock);
+    error.time = GpsTimeReply{1000.0, kWeek, 17};
+    error.GetRETPOS3()->fixKind = 1;
+    EXPECT_EQ(error.CheckTimeSynchro(), 0);
+    EXPECT_EQ(error.timeAsked + error.statusAsked, 0) << "asked without reason";
+    error.GetRETPOS3()->fixKind = 2;
+    EXPECT_EQ(error.CheckTimeSynchro(), 1);
+    EXPECT_EQ(error.timeAsked, 1);
+    error.time = GpsTimeReply{1000.0, kWeek, 101};
+    error.SetTimeSynchro(0);
+    EXPECT_EQ(error.CheckTimeSynchro(), 1);
+    error.GetRETPOS3()->fixKind = 1;
+    EXPECT_EQ(error.CheckTimeSynchro(), 1);
+    EXPECT_EQ(error.statusAsked, 1) << "without a fix the status is asked for";
+    EXPECT_EQ(error.timeAsked, 1);
+    EXPECT_EQ(error.GetUTCOffsetTime(), 17);
+    EXPECT_EQ(clock.asked.size(), 1U);
+}
+
+TEST(GPSError, TellsWhatItMadeOfTheClock)
+{
+    for (const bool maySet : {true, false}) {
+        HandClock clock;
+        clock.maySet = maySet;
+        clock.utc = sys_days(2026y / 3 / 1);
+        Told error(clock);
+        EXPECT_FALSE(error.LastClockChange());
+        error.time = GpsTimeReply{345618.0, kWeek, 18};
+        error.SetTimeSynchro(1);
+        ASSERT_TRUE(error.LastClockChange());
+        EXPECT_EQ(error.LastClockChange()->isSet, maySet);
+        EXPECT_EQ(error.LastClockChange()->was, clock.utc);
+        EXPECT_EQ(error.LastClockChange()->by, sys_days(2026y / 3 / 19));
+        EXPECT_EQ(error.GetTimeSynchro(), 1) << "the receiver's time counts all the same";
+    }
+    CGPSError real(nullptr);
+    EXPECT_FALSE(SystemClock::Instance().SetUtc(sys_days(2026y / 3 / 1))) << "off unless allowed";
+}
+
+TEST(ControllerTime, KeepsItsOddity)
+{
+    struct Row
+    {
+        const char* fault;
+        int week;
+        double seconds;
+        int offset;
+        std::optional<Clock::UtcTime> time;
+    };
+    const auto day = sys_days(2026y / 3 / 15);
+    const Row rows[] = {
+        {"afternoon", kWeek, 345600.0 + 54017.0, 17, day + 96h + 15h},
+        {"midnight by GPS is a day ahead by UTC's clock", kWeek, 345600.0, 18,
+         day + 96h + 23h + 59min + 42s},
+        {"the last second that is a day ahead", kWeek, 345617.0, 18, day + 96h + 23h + 59min + 59s},
+        {"midnight by UTC", kWeek, 345618.0, 18, day + 96h},
+        {"before the week's start", kWeek, 5.0, 18, day + 23h + 59min + 47s},
+        {"no offset", kWeek, 5.0, 0, day + 5s},
+        {"negative offset past the week's end", kWeek, 604790.0, -100, day + 144h + 90s},
+        {"fraction is cut", kWeek, 345618.9, 18, day + 96h},
+        {"the epoch", 0, 0.0, 0, sys_days(1980y / 1 / 6)},
+        {"the year 2100 is no leap year", 6269, 86400.0, 0, sys_days(2100y / 3 / 1)},
+        {"no number", kWeek, kNaN, 18, std::nullopt},
+        {"beyond any clock", std::numeric_limits<int>::max(), 0.0, 0, std::nullopt},
+        {"before any clock", std::numeric_limits<int>::min(), 0.0, 0, std::nullopt},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(ControllerTime(row.week, row.seconds, row.offset), row.time);
+    }
+}
+
+TEST(GPSError, ShowsTheTimeInJapan)
+{
+    struct Row
+    {
+        const char* fault;
+        int week;
+        double seconds;
+        int offset;
+        const char* wholly;
+        const char* timeOnly;
+    };
+    // Unsynchronised texts lack the seconds.
+    const Row rows[] = {
+        {"midnight in Japan", kWeek, 54017.0, 17, "000000-20260316", "00:00:00"},
+        {"the second before", kWeek, 54016.0, 17, "235959-20260315", "23:59:59"},
+        {"the next week in Japan", kWeek, 604790.0, 18, "085932-20260322", "08:59:32"},
+        {"before the week's start in UTC", kWeek, 5.0, 18, "085947-20260315", "08:59:47"},
+        {"summer, where there is daylight saving", 2427, 259218.0, 18, "090000-20260715",
+         "09:00:00"},
+        {"an hour that daylight saving leaves out elsewhere", 2408, 581418.0, 18, "023000-20260308",
+         "02:30:00"},
+        {"an hour that comes twice elsewhere", 2442, 577818.0, 18, "013000-20261101", "01:30:00"},
+        {"a week of ten bits", 999, 18.0, 18, "090000-20181014", "09:00:00"},
+        {"beyond all calendars", std::numeric_limits<int>::max(), 0.0, 18, "235959-99991231",
+         "23:59:59"},
+    };
+    const auto narrow = [](const std::wstring& text) {
+        return std::string(text.begin(), text.end());
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        HandClock clock;
+        Told error(clock);
+        error.time = GpsTimeReply{row.seconds, row.week, row.offset};
+        error.GetRETPOS3()->fixKind = 2;
+        error.GetRETPOS3()->week = static_cast<std::uint32_t>(row.week);
+        error.GetRETPOS3()->secondsOfWeek = static_cast<std::uint32_t>(row.seconds);
+        EXPECT_EQ(narrow(error.GetJSTTime(0)), row.wholly);
+        EXPECT_EQ(narrow(error.GetJSTTime(1)), row.timeOnly);
+        EXPECT_EQ(error.timeAsked, 1) << "the stored status has the time";
+    }
+    HandClock clock;
+    Told error(clock);
+    error.time = GpsTimeReply{54017.0, kWeek, 17};
+    EXPECT_EQ(narrow(error.GetJSTTime(0)), "0000-20260316") << "the offset is not known yet";
+    EXPECT_EQ(narrow(error.GetJSTTime(1)), "00:00");
+    EXPECT_EQ(error.timeAsked, 2) << "unsynchronised it is asked for";
+    error.SetTimeSynchro(1);
+    error.GetRETPOS3()->week = 2427;
+    error.GetRETPOS3()->secondsOfWeek = 259217;
+    EXPECT_EQ(error.GetJSTCTime().GetHour(), 9) << "summer";
+    EXPECT_EQ(error.GetJSTCTime().GetDay(), 15);
+    EXPECT_EQ(narrow(error.ChangeCTimetoString(CTime(2026, 7, 1, 1, 2, 3), 0)), "010203-20260701");
+}
+
+TEST(GPSError, ShowsOnlyAPdopThatIsOne)
+{
+    struct Row
+    {
+        const char* fault;
+        float pdop;
+        const wchar_t* text;
+    };
+    const Row rows[] = {
+        {"rounded as all screens do", 1.25F, L"1.2"},
+        {"above the tie", 1.26F, L"1.3"},
+        {"none", 0.0F, L"-.- "},
+        {"negative", -1.5F, L"-.- "},
+        {"no number", std::numeric_limits<float>::quiet_NaN(), L"-.- "},
+        {"infinite", std::numeric_limits<float>::infinity(), L"-.- "},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        HandClock clock;
+        Told error(clock);
+        error.time = GpsTimeReply{1000.0, kWeek, 17};
+        error.GetRETPOS3()->pdop = row.pdop;
+        EXPECT_EQ(error.GetPDOP(), L"-.- ") << "not synchronised";
+        error.SetTimeSynchro(1);
+        EXPECT_EQ(error.GetPDOP(), row.text);
+    }
+}
+
+TEST(GPSError, AsksTheReceiverOverTheLine)
+{
+    testing::ScriptedReceiver receiver({
+        {Frame(0x15, Ascii("0054017"
+                           "2410"
+                           "17"))},
+        {Frame(0x09, Ascii("0"
+                           "0"
+                           "08"
+                           "000"
+                           "085"
+                           "01.8"
+                           "1"
+                           "    "
+                           "09"))},
+    });
+    HandClock clock;
+    CCommand command;
+    ASSERT_EQ(command.OpenPort(receiver.Path()), 1) << command.LastError();
+    CGPSError error(&command, &clock);
+    error.GetRETPOS3()->fixKind = 2;
+    EXPECT_EQ(error.CheckTimeSynchro(), 1);
+    EXPECT_EQ(error.GetUTCOffsetTime(), 17);
+    error.GetRETPOS3()->fixKind = 0;
+    EXPECT_EQ(error.CheckTimeSynchro(), 1);
+    command.ClosePort();
+    const std::vector<testing::Bytes> asked = receiver.Stop();
+    ASSERT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked[0], Frame(0x14));
+    EXPECT_EQ(asked[1], Frame(0x08));
+}
+
+} // namespace
+} // namespace fieldcore

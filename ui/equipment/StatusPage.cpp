@@ -1,0 +1,169 @@
+#include "ui/equipment/StatusPage.h"
+
+#include "ui/controls/NMenuBar.h"
+#include "ui/controls/TextProgressCtrl.h"
+#include "ui/controls/Theme.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/StatusHistoryView.h"
+
+#include <QFontInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QResizeEvent>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr int kMargin = 12;
+constexpr int kWide = 900;
+constexpr double kLarge = 1.5;  // of the text's own size
+constexpr double kValue = 1.15; // the same
+constexpr int kSmallest = 13;   // pixels
+
+QFont Sized(const QFont& font, double factor, bool isBold)
+{
+    QFont sized = font;
+    sized.setPixelSize(std::max(kSmallest, qRound(QFontInfo(font).pixelSize() * factor)));
+    sized.setBold(isBold);
+    return sized;
+}
+
+void Paint(QLabel* label, const QColor& colour)
+{
+    QPalette palette = label->palette();
+    if (palette.color(QPalette::WindowText) != colour) {
+        palette.setColor(QPalette::WindowText, colour);
+        label->setPalette(palette);
+    }
+}
+
+} // namespace
+
+StatusPage::StatusPage(QWidget* parent)
+    : Dialog(parent), m_fixAge(new QLabel), m_batteryAge(new QLabel), m_headline(new QLabel),
+      m_battery(new CTextProgressCtrl), m_grid(new QGridLayout),
+      m_body(new QBoxLayout(QBoxLayout::TopToBottom)), m_history(new StatusHistoryView)
+{
+    setWindowTitle(UiText(text::kAppStatus));
+    m_headline->setFont(Sized(font(), kLarge, true));
+    m_headline->setWordWrap(true);
+    m_battery->setAccessibleName(UiText(text::kStatusBattery));
+    m_grid->setHorizontalSpacing(kMargin);
+    m_grid->setVerticalSpacing(8);
+    m_grid->setColumnStretch(1, 1);
+
+    auto* const inner = new QWidget;
+    auto* const column = new QVBoxLayout(inner);
+    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    column->setSpacing(kMargin);
+    for (const auto& [value, age] : {std::pair<QWidget*, QLabel*>{m_headline, m_fixAge},
+                                     std::pair<QWidget*, QLabel*>{m_battery, m_batteryAge}}) {
+        auto* const line = new QHBoxLayout;
+        line->addWidget(value, 1);
+        line->addWidget(age);
+        age->setFont(Sized(font(), 13.0 / 16.0, false));
+        column->addLayout(line);
+    }
+    auto* const values = new QVBoxLayout;
+    values->addLayout(m_grid);
+    values->addStretch(1);
+    auto* const title = new QLabel(UiText(text::kStatusHistoryTitle));
+    title->setFont(Sized(font(), 1.0, true));
+    auto* const graph = new QVBoxLayout;
+    graph->addWidget(title);
+    graph->addWidget(m_history, 1);
+    m_body->setSpacing(2 * kMargin);
+    m_body->addLayout(values);
+    m_body->addLayout(graph, 1);
+    column->addLayout(m_body, 1);
+    auto* const scroll = new QScrollArea;
+    scroll->setWidget(inner);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
+    auto* const menu = new CnMenuBar;
+    const int popup = menu->AddPopup(UiText(text::kAppMenuView));
+    constexpr int kVersion = 1;
+    menu->AddItem(popup, kVersion, UiText(text::kVersionTitle));
+    connect(menu, &CnMenuBar::ItemChosen, this, &StatusPage::VersionRequested);
+    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+    auto* const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->setSpacing(0);
+    whole->addWidget(scroll, 1);
+    whole->addWidget(menu);
+    Show({}, {}, {});
+}
+
+/// The graph stands beside the values where there is room.
+void StatusPage::resizeEvent(QResizeEvent* event)
+{
+    Dialog::resizeEvent(event);
+    m_body->setDirection(event->size().width() > kWide ? QBoxLayout::LeftToRight
+                                                       : QBoxLayout::TopToBottom);
+}
+
+void StatusPage::Show(const LiveStatus& status, const StatusHistory& history,
+                      const StatusView& view)
+{
+    const Theme& theme = Theme::Current();
+    const std::vector<StatusRow> rows = StatusRowsOf(status, view);
+    m_headline->setText(view.isConnected ? ToQt(rows.front().value) : UiText(text::kStatusNoLink));
+    Paint(m_headline, rows.front().isStale ? theme.stale : theme.text);
+    const auto& battery = status.battery;
+    const bool isKnown = battery && battery->value.percent;
+    m_battery->SetPos(isKnown ? *battery->value.percent : 0);
+    m_battery->SetText(battery ? ToQt(BatteryText(battery->value)) : UiText(text::kStatusUnknown));
+    const auto batteryRow = std::find_if(rows.begin(), rows.end(), [](const StatusRow& row) {
+        return row.labelId == text::kStatusBattery;
+    });
+    const bool isLow = isKnown && *battery->value.percent <= BatteryWatch::kLowPercent;
+    m_battery->SetColour(batteryRow->isStale ? theme.stale : isLow ? theme.bad : theme.good);
+    std::size_t shown = 0;
+    for (const StatusRow& row : rows) {
+        if (row.labelId == text::kStatusFix || row.labelId == text::kStatusBattery) {
+            QLabel* const age = row.labelId == text::kStatusFix ? m_fixAge : m_batteryAge;
+            age->setText(ToQt(row.age));
+            Paint(age, row.isStale ? theme.stale : theme.second);
+        } else {
+            ShowRow(shown++, row);
+        }
+    }
+    m_history->Show(history, view.now);
+}
+
+void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
+{
+    const Theme& theme = Theme::Current();
+    if (index == m_lines.size()) {
+        const Line line{new QLabel(UiText(row.labelId)), new QLabel, new QLabel};
+        line.value->setFont(Sized(font(), kValue, true));
+        line.age->setFont(Sized(font(), 13.0 / 16.0, false));
+        line.age->setAlignment(Qt::AlignRight | Qt::AlignTop);
+        line.name->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        line.value->setWordWrap(true);
+        line.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        const int at = static_cast<int>(index);
+        m_grid->addWidget(line.name, at, 0);
+        m_grid->addWidget(line.value, at, 1);
+        m_grid->addWidget(line.age, at, 2);
+        m_lines.push_back(line);
+    }
+    const Line& line = m_lines[index];
+    line.value->setText(ToQt(row.value));
+    line.value->setAccessibleName(UiText(row.labelId));
+    line.age->setText(ToQt(row.age));
+    Paint(line.name, theme.second);
+    Paint(line.value, row.isStale ? theme.stale : theme.text);
+    Paint(line.age, row.isStale ? theme.stale : theme.second);
+}
+
+} // namespace fieldcore

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "core/equipment/StatusPoll.h"
+#include "core/equipment/StatusRows.h"
+#include "ui/controls/Dialog.h"
+
+#include <vector>
+
+class QBoxLayout;
+class QGridLayout;
+class QLabel;
+
+namespace fieldcore {
+
+class CTextProgressCtrl;
+class StatusHistoryView;
+
+/// How the receiver is, value by value, each with its age, and the last hour of satellites and
+/// PDOP. It asks nobody: whoever polls calls Show(). User-interface thread only.
+class StatusPage : public Dialog
+{
+    Q_OBJECT
+
+public:
+    explicit StatusPage(QWidget* parent = nullptr);
+
+    void Show(const LiveStatus& status, const StatusHistory& history, const StatusView& view);
+
+Q_SIGNALS:
+    /// The user wants the version display.
+    void VersionRequested();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    struct Line
+    {
+        QLabel* name; // owned by the dialog, as are the next
+        QLabel* value;
+        QLabel* age;
+    };
+    void ShowRow(std::size_t index, const StatusRow& row);
+
+    QLabel* m_fixAge;
+    QLabel* m_batteryAge;
+    QLabel* m_headline; // the fix; owned by the dialog, as are the next
+    CTextProgressCtrl* m_battery;
+    QGridLayout* m_grid;
+    QBoxLayout* m_body; // values, then the graph
+    std::vector<Line> m_lines;
+    StatusHistoryView* m_history;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/equipment/VersionRows.h"
+#include "ui/controls/Dialog.h"
+
+#include <vector>
+
+class QLabel;
+class QPushButton;
+class QTableWidget;
+
+namespace fieldcore {
+
+class CCommand;
+
+/// The version display: who the receiver is, its firmware, and which options are installed. Reads
+/// them once when it is opened; cancelling that tells the receiver to stop. User-interface thread
+/// only.
+class CVersion : public Dialog
+{
+    Q_OBJECT
+
+public:
+    /// @param command  not owned, must outlive the dialog; may be null
+    explicit CVersion(CCommand* command, QWidget* parent = nullptr);
+
+    /// Reads the receiver again.
+    /// @return 1, or 0 with the reason on the screen
+    int Update();
+
+protected:
+    bool OnInitDialog() override;
+
+private:
+    void Show(std::vector<VersionRow> rows);
+    void Copy() const;
+
+    CCommand* const m_command;
+    std::vector<VersionRow> m_rows;
+    QLabel* m_notice; // owned by the dialog, as are the next
+    QTableWidget* m_list;
+    QPushButton* m_copy;
+};
+
+} // namespace fieldcore
