@@ -10,11 +10,14 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
 using namespace fieldcore;
 using namespace fieldcore::simulator;
+
+constexpr int kMostFrames = 8; // of an answer that goes on, which may be megabytes
 
 const Scenario& Tilted()
 {
@@ -32,6 +35,18 @@ void Check(bool holds)
     }
 }
 
+void CheckFrame(const Bytes& frame)
+{
+    Check(!frame.empty());
+    if (frame[0] != kStx) {
+        return;
+    }
+    const bool isLong = frame.size() > 4 && frame[2] == kLongFrame;
+    const std::size_t length =
+        isLong ? static_cast<std::size_t>(frame[3] << 8 | frame[4]) + 1 : frame[3];
+    Check(frame.size() == length + kFrameOverhead);
+}
+
 void Handle(Receiver& receiver, FaultInjector& faults, const Request& request)
 {
     if (request.kind == Request::Kind::Frame) {
@@ -39,11 +54,16 @@ void Handle(Receiver& receiver, FaultInjector& faults, const Request& request)
     }
     const std::vector<Bytes> answer = receiver.Answer(request);
     for (const Bytes& frame : answer) {
-        Check(!frame.empty());
-        Check(frame[0] != kStx || frame.size() == frame[3] + kFrameOverhead);
+        CheckFrame(frame);
     }
-    Clock::Duration silence{};
-    static_cast<void>(faults.Apply(request, answer, silence));
+    static_cast<void>(faults.Apply(request, answer, receiver.GoesOn()));
+    for (int more = 0; receiver.GoesOn() && more < kMostFrames; ++more) {
+        std::optional<Bytes> frame = receiver.NextFrame();
+        if (frame) {
+            CheckFrame(*frame);
+        }
+        static_cast<void>(faults.ApplyToNext(std::move(frame)));
+    }
 }
 
 } // namespace
