@@ -44,7 +44,8 @@ public:
 
     /// Connects to the port of the settings or of the command line, without asking the user
     /// anything but what the receiver gives reason for.
-    /// @return false if it is not connected; @p fault says why in words for the user
+    /// @return false if it is not connected; @p fault says why in words for the user, and stays
+    /// empty if he has cancelled
     bool ConnectQuietly(std::wstring& fault);
     /// Lets the user connect to the chosen port, with the questions and the steps on the screen. A
     /// simulated receiver has no cable that could be asked for.
@@ -84,7 +85,6 @@ Q_SIGNALS:
     void Changed();
 
 private:
-    void ReadModel();
     bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
@@ -101,9 +101,8 @@ private:
     std::unique_ptr<CCommand> m_command;
     std::unique_ptr<ReceiverLink> m_link;
     ConnectChoice m_choice;
-    QString m_receiver; // name of the model that is connected
     std::unique_ptr<LinkMonitor> m_monitor;
-    QString m_notice;
+    QStringList m_notices;
 };
 
 } // namespace fieldcore

@@ -162,6 +162,8 @@ protected:
 private:
     bool ForgetLateAnswers();
     bool Attempt(Answer expected, bool isLast);
+    /// @return false if the line cannot be written to, or the host asked for an end
+    bool AwaitRoom();
     bool WriteRequest();
     bool Judge(Answer expected, ExchangeState state, bool isLast);
     bool PauseAndPurge(bool isLast);
