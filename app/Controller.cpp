@@ -3,8 +3,6 @@
 #include "core/equipment/ComBlueToothSet.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/link/Connect.h"
-#include "core/link/ReceiverTypes.h"
-#include "core/link/RecvInfo.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/NominalConstellation.h"
@@ -95,8 +93,8 @@ Controller::Controller(const AppOptions& options)
     }
     m_host = std::make_unique<QtHost>(hostOptions);
     SetDefaultHost(m_host.get());
-    for (const std::string& warning : AssignStoredPorts(m_names, m_roots)) {
-        m_notice += QString::fromStdString(warning) + QLatin1Char('\n');
+    for (const std::wstring& setting : AssignStoredPorts(m_names, m_roots)) {
+        m_notices += UiText(text::kNoticePort).arg(fieldcore::ToQt(setting));
     }
     m_command = std::make_unique<CCommand>(
         CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
@@ -159,7 +157,8 @@ bool Controller::ConnectQuietly(std::wstring& fault)
     if (m_command->IsPortOpen() == 0) {
         ConnectSequence sequence(*m_command, *target);
         if (sequence.Run() == 0) {
-            fault = sequence.FailureMessage();
+            const bool isCancelled = sequence.FailedFault() == CommandFault::Cancelled;
+            fault = isCancelled ? std::wstring() : sequence.FailureMessage(); // he knows
             return false;
         }
     }
@@ -168,7 +167,8 @@ bool Controller::ConnectQuietly(std::wstring& fault)
     if (m_link->Adopt(connect, *target) == 0) {
         return false; // the user has been told
     }
-    ReadModel();
+    ReadOptions();
+    Q_EMIT Changed();
     return true;
 }
 
@@ -186,31 +186,25 @@ bool Controller::Connect(QWidget* parent, std::wstring& fault)
     if (m_link->Connect(dialog, *target) == 0) {
         return false; // the user has been told
     }
-    ReadModel();
+    ReadOptions();
+    Q_EMIT Changed();
     return true;
 }
 
-void Controller::ReadModel()
+void Controller::ReadOptions()
 {
     CRecvInfo info;
-    m_receiver.clear();
     m_hasTilt = false;
     if (info.GetOptionData(*m_command) != 0) {
         m_hasTilt = info.GetTilt() != 0;
-        const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
         m_receiverPort = info.GetCurrentPortID();
         m_receiverPorts = std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts);
-        m_receiver = type != nullptr && type->model != nullptr
-                         ? fieldcore::ToQt(type->model)
-                         : QString::number(info.GetRecvTypeNum());
     }
-    Q_EMIT Changed();
 }
 
 void Controller::Disconnect()
 {
     m_link->Disconnect();
-    m_receiver.clear();
     Q_EMIT Changed();
 }
 
@@ -356,7 +350,10 @@ ReceiverState Controller::State() const
 {
     ReceiverState state;
     state.link = LampOf(m_link->State());
-    state.receiver = m_receiver;
+    if (const auto& receiver = m_link->Receiver();
+        receiver && state.link != ReceiverState::Link::None) {
+        state.receiver = fieldcore::ToQt(receiver->model);
+    }
     state.antenna = m_antennaLine;
     state.simulator = m_simulator ? QString::fromStdString(m_scenario) : QString();
     if (const auto& status = m_link->Status()) {
@@ -382,8 +379,14 @@ QDateTime Controller::NowUtc() const
 
 QString Controller::TakeNotice()
 {
-    const QString store = QString::fromStdString(m_roots.TakeNotice());
-    return std::exchange(m_notice, QString()) + store;
+    for (const SettingsNotice& notice : m_roots.TakeNotices()) {
+        const QString file = QString::fromStdString(notice.file);
+        m_notices +=
+            notice.kind == SettingsNotice::Kind::SetAside
+                ? UiText(text::kNoticeSetAside).arg(file)
+                : UiText(text::kNoticeNotKept).arg(file, QString::fromStdString(notice.reason));
+    }
+    return std::exchange(m_notices, {}).join(QStringLiteral("\n\n"));
 }
 
 } // namespace fieldcore

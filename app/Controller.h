@@ -48,7 +48,8 @@ public:
 
     /// Connects to the port of the settings or of the command line, without asking the user
     /// anything but what the receiver gives reason for.
-    /// @return false if it is not connected; @p fault says why in words for the user
+    /// @return false if it is not connected; @p fault says why in words for the user, and stays
+    /// empty if he has cancelled
     bool ConnectQuietly(std::wstring& fault);
     /// Lets the user connect to the chosen port, with the questions and the steps on the screen. A
     /// simulated receiver has no cable that could be asked for.
@@ -113,7 +114,7 @@ Q_SIGNALS:
     void BatteryIsLow(const QString& words);
 
 private:
-    void ReadModel();
+    void ReadOptions();
     void ReadAntenna();
     void ReadLinkRate();
     void AskReceiver();
@@ -140,10 +141,9 @@ private:
     ConnectChoice m_choice;
     int m_receiverPort = 1;
     int m_receiverPorts = CComPrmSet::kMostPorts;
-    QString m_receiver; // name of the model that is connected
     bool m_hasTilt = false;
     std::unique_ptr<LinkMonitor> m_monitor;
-    QString m_notice;
+    QStringList m_notices;
 };
 
 } // namespace fieldcore

@@ -8,6 +8,7 @@
 #include "core/host/MesBox.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
+#include "ui/controls/FileChoice.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
@@ -62,6 +63,7 @@ void Session::Begin()
 
 void Session::ConnectAtStart()
 {
+    UseJapaneseTextsOfQt();
     // Only the simulator is there for certain: a real receiver is asked for when the user wants it.
     const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);
     if (port.port && port.port->kind == PortKind::Simulator) {
@@ -190,7 +192,7 @@ std::vector<ScenarioChoice> Session::Scenarios()
         std::string error;
         const auto scenario = simulator::LoadScenario(std::string(shipped.name), error);
         choices.push_back({std::string(shipped.name),
-                           scenario ? QString::fromStdString(scenario->title) : QString()});
+                           scenario ? QString::fromStdString(scenario->titleJa) : QString()});
     }
     return choices;
 }

@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace fieldcore {
 
 namespace {
@@ -63,26 +65,31 @@ QString JstText(const QDateTime& utc)
 }
 
 StatusStrip::StatusStrip(QWidget* parent)
-    : QWidget(parent), m_lamp(new QLabel), m_receiver(new QLabel), m_values(new QLabel),
-      m_time(new QLabel), m_antenna(new QLabel), m_ribbon(new QLabel)
+    : QWidget(parent), m_line(new QHBoxLayout), m_below(new QHBoxLayout), m_lamp(new QLabel),
+      m_receiver(new QLabel), m_values(new QLabel), m_time(new QLabel), m_antenna(new QLabel),
+      m_ribbon(new QLabel)
 {
     setAutoFillBackground(true);
     setAccessibleName(UiText(text::kAppStatus));
-    auto* const line = new QHBoxLayout;
-    line->setContentsMargins(kMargin, 0, kMargin, 0);
-    line->setSpacing(kGap);
+    for (QHBoxLayout* const line : {m_line, m_below}) {
+        line->setContentsMargins(kMargin, 0, kMargin, 0);
+        line->setSpacing(kGap);
+    }
+    m_time->setMinimumWidth(1); // or the window could not become so narrow that it has to move
     m_receiver->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_values->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_time->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    line->addWidget(m_lamp);
-    line->addWidget(m_receiver, 1);
-    line->addWidget(m_values);
-    line->addWidget(m_time);
-    for (QLabel* label : {m_lamp, m_receiver, m_values, m_time}) {
+    m_line->addWidget(m_lamp);
+    m_line->addWidget(m_receiver, 1);
+    m_line->addWidget(m_values);
+    m_line->addWidget(m_time);
+    for (QLabel* label : {m_lamp, m_receiver, m_values}) {
         label->setMinimumHeight(kLineHeight);
     }
+    m_time->setMinimumHeight(kRibbonHeight);
     m_ribbon->setMinimumHeight(kRibbonHeight);
     m_ribbon->setContentsMargins(kMargin, 0, kMargin, 0);
+    m_ribbon->setWordWrap(true);
     m_ribbon->setAutoFillBackground(true);
     m_antenna->setMinimumHeight(kRibbonHeight);
     m_antenna->setContentsMargins(kMargin, 0, kMargin, 0);
@@ -90,7 +97,8 @@ StatusStrip::StatusStrip(QWidget* parent)
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addLayout(line);
+    column->addLayout(m_line);
+    column->addLayout(m_below);
     column->addWidget(m_antenna);
     column->addWidget(m_ribbon);
     Show({}, QDateTime::currentDateTimeUtc());
@@ -104,7 +112,6 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     const bool isFresh = state.link == ReceiverState::Link::Connected &&
                          state.receivedUtc.isValid() && state.receivedUtc.secsTo(nowUtc) <= kStaleS;
     m_lamp->setText(UiText(LampOf(state.link).text));
-    m_receiver->setText(state.receiver);
     m_receiver->setToolTip(state.receiver);
     const QString pdop = state.pdop ? QString::number(*state.pdop, 'f', 1) : unknown;
     const QString battery = state.batteryFailed ? UiText(text::kBatteryUnknown)
@@ -125,6 +132,30 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     m_ribbon->setVisible(!state.simulator.isEmpty());
     m_ribbon->setText(UiText(text::kAppSimulator).arg(state.simulator));
     Colour();
+    Arrange();
+}
+
+void StatusStrip::Arrange()
+{
+    const int gaps = 2 * kMargin + 3 * kGap;
+    const int least = 3 * fontMetrics().averageCharWidth(); // of the name
+    const int values = m_lamp->sizeHint().width() + m_values->sizeHint().width();
+    const int time = m_time->sizeHint().width();
+    const bool isBelow = gaps + least + values + time > width();
+    QHBoxLayout* const line = isBelow ? m_below : m_line;
+    if (line->indexOf(m_time) < 0) {
+        (isBelow ? m_line : m_below)->removeWidget(m_time);
+        line->addWidget(m_time);
+    }
+    const int room = width() - gaps - values - (isBelow ? 0 : time);
+    m_receiver->setText(
+        m_receiver->fontMetrics().elidedText(m_state.receiver, Qt::ElideRight, std::max(room, 0)));
+}
+
+void StatusStrip::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    Arrange();
 }
 
 void StatusStrip::changeEvent(QEvent* event)

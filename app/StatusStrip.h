@@ -7,6 +7,8 @@
 
 #include <optional>
 
+class QHBoxLayout;
+
 namespace fieldcore {
 
 /// What the controller knows of its receiver at a moment. What is not known is empty.
@@ -37,7 +39,8 @@ struct ReceiverState
 
 /// The lines at the head of the window: is the receiver there, and is it well, what time it is by
 /// the controller's clock, and how high the antenna is. Values that are more than kStaleS seconds
-/// old are grey, and the time they came stands in place of the time. User-interface thread only.
+/// old are grey, and the time they came stands in place of the time. Where one line does not hold
+/// it all, the time goes below. User-interface thread only.
 class StatusStrip : public QWidget
 {
     Q_OBJECT
@@ -52,13 +55,17 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void Colour();
+    void Arrange();
 
     ReceiverState m_state;
     QDateTime m_now;
-    QLabel* m_lamp; // owned by the widget, as are all labels
+    QHBoxLayout* m_line;
+    QHBoxLayout* m_below; // of the time, where the line has no room for it
+    QLabel* m_lamp;       // owned by the widget, as are all labels
     QLabel* m_receiver;
     QLabel* m_values;
     QLabel* m_time;

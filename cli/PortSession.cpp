@@ -53,12 +53,15 @@ PortNames KnownPortNames(const World& world, Output& output)
 {
     PortNames names(world.roots);
     SettingsRoots roots{Folders(world.folders)};
-    std::vector<std::string> warnings = AssignStoredPorts(names, roots);
-    warnings.push_back(roots.TakeNotice());
-    for (const std::string& warning : warnings) {
-        if (!warning.empty()) {
-            output.Message("warning", "", warning, Colour::Yellow);
-        }
+    for (const std::wstring& setting : AssignStoredPorts(names, roots)) {
+        output.Message("warning", "",
+                       "The setting " + ToUtf8(setting) + " of the key " + ToUtf8(kPortsKey) +
+                           " does not count: it should be COM1 to COM256 with the whole path of a "
+                           "device as text.",
+                       Colour::Yellow);
+    }
+    for (const SettingsNotice& notice : roots.TakeNotices()) {
+        output.Message("warning", "", notice.Words(), Colour::Yellow);
     }
     return names;
 }

@@ -21,9 +21,9 @@ SettingsAccess::SettingsAccess(const Context& context, const SettingsOptions& op
         m_key += m_key.empty() ? L"" : L"\\";
         m_key += FromUtf8(options.key);
     }
-    const std::string notice = Store().TakeNotice();
-    if (!notice.empty()) {
-        context.output.Message("warning", "", notice, Colour::Yellow);
+    const SettingsNotice notice = Store().TakeNotice();
+    if (!notice.IsEmpty()) {
+        context.output.Message("warning", "", notice.Words(), Colour::Yellow);
     }
 }
 

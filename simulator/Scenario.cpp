@@ -183,6 +183,8 @@ bool ReadLongSerial(Words& words, Scenario& scenario)
 
 constexpr Key kKeys[] = {
     {"title", [](Words& w, Scenario& s) { return w.Text("the title", 100, s.title); }},
+    {"title-ja",
+     [](Words& w, Scenario& s) { return w.Utf8Text("the Japanese title", 200, s.titleJa); }},
     {"model", ReadModel},
     {"type-code", ReadTypeCode},
     {"type-text", [](Words& w, Scenario& s) { return w.Text("the type text", 8, s.typeText); }},

@@ -97,6 +97,7 @@ enum class Pacing : std::uint8_t
 struct Scenario
 {
     std::string title = "A receiver"; ///< one line, for lists
+    std::string titleJa;              ///< the same in Japanese, UTF-8; may be empty
 
     // Who it is.
     int typeCode = 31;               ///< the code that the receiver reports

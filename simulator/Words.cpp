@@ -1,5 +1,7 @@
 #include "simulator/Words.h"
 
+#include "core/platform/Utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -136,6 +138,18 @@ bool Words::Text(std::string_view what, std::size_t width, std::string& value)
         std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
     if (text.empty() || text.size() > width || !printable) {
         return FailAt(what, "1 to " + std::to_string(width) + " ASCII characters", text);
+    }
+    value = text;
+    return true;
+}
+
+bool Words::Utf8Text(std::string_view what, std::size_t width, std::string& value)
+{
+    const std::string_view text = TakeRest();
+    const bool hasControl =
+        std::any_of(text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; });
+    if (text.empty() || text.size() > width || hasControl || ToUtf8(FromUtf8(text)) != text) {
+        return FailAt(what, "UTF-8 of 1 to " + std::to_string(width) + " bytes", text);
     }
     value = text;
     return true;

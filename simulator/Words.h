@@ -31,6 +31,8 @@ public:
     [[nodiscard]] bool Moment(std::string_view what, Clock::UtcTime& value);
     /// All that is left, as printable ASCII of at most @p width characters.
     [[nodiscard]] bool Text(std::string_view what, std::size_t width, std::string& value);
+    /// All that is left, as UTF-8 of at most @p width bytes without control characters.
+    [[nodiscard]] bool Utf8Text(std::string_view what, std::size_t width, std::string& value);
     /// Fails if words are left over.
     [[nodiscard]] bool End();
 

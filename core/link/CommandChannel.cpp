@@ -264,15 +264,35 @@ bool CommandChannel::ForgetLateAnswers()
 bool CommandChannel::Attempt(Answer expected, bool isLast)
 {
     if (!WriteRequest()) {
-        return m_link->IsLost(); // otherwise tried again at once
+        const bool isOver = m_link->IsLost() || m_fault == CommandFault::Cancelled;
+        return isOver; // otherwise tried again at once
     }
     return Judge(expected, WaitForAnswer().state, isLast);
+}
+
+bool CommandChannel::AwaitRoom()
+{
+    switch (m_link->WaitRoom(*m_host)) {
+    case SerialLink::WaitOutcome::TimedOut:
+        FailOnWrite();
+        return false;
+    case SerialLink::WaitOutcome::Cancelled:
+        Fail(CommandFault::Cancelled);
+        return false;
+    case SerialLink::WaitOutcome::Delivered:
+    case SerialLink::WaitOutcome::Lost:
+        break;
+    }
+    return true;
 }
 
 bool CommandChannel::WriteRequest()
 {
     const auto request = std::span(m_request).first(m_requestLength);
     m_link->ResetFrameReady();
+    if (!AwaitRoom()) {
+        return false;
+    }
     if (m_link->Write(request) == 0) {
         FailOnWrite();
         return false;
@@ -312,8 +332,20 @@ int CommandChannel::BreakAndCollect(milliseconds duration)
     m_fault = CommandFault::None;
     m_faultRequest = 0;
     m_link->ResetFrameReady();
-    if (m_link->SendBreak(duration) == 0) {
+    if (!AwaitRoom()) {
+        return 0;
+    }
+    // As SerialLink::SendBreak(), but the host breathes meanwhile.
+    constexpr std::array<std::uint8_t, 1> kNull{0x00};
+    if (m_link->Write(kNull) == 0 || m_link->SetBreak() == 0) {
         return FailOnWrite();
+    }
+    const bool goOn = Pause(duration);
+    if (m_link->ClearBreak() == 0) {
+        return FailOnWrite();
+    }
+    if (!goOn) {
+        return Fail(CommandFault::Cancelled);
     }
     switch (WaitForAnswer().state) {
     case ExchangeState::Frame:

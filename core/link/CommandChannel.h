@@ -180,6 +180,8 @@ protected:
 
 private:
     bool Attempt(Answer expected, bool isLast);
+    /// @return false if the line cannot be written to, or the host asked for an end
+    bool AwaitRoom();
     bool Judge(Answer expected, ExchangeState state, bool isLast);
     bool PauseAndPurge(bool isLast);
     /// @return false if the host asked for an end

@@ -31,6 +31,8 @@ public:
     /// Declares a receiver type acceptable or not. Numbers that no host can support are ignored.
     void SetRecvTypeFlag(std::uint32_t typeNumber, int flag) { m_flags.Set(typeNumber, flag); }
     void SupportAllTypes() { m_flags.SetAll(); }
+    [[nodiscard]] const SupportedTypeFlags& SupportedTypes() const { return m_flags; }
+    void SetSupportedTypes(const SupportedTypeFlags& flags) { m_flags = flags; }
 
     /// Asks the user to prepare the receiver and connects, unless the port is open already.
     /// @return Connected or NotConnected

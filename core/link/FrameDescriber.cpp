@@ -243,6 +243,7 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     const std::string_view content = AsText(bytes.subspan(*start));
     const FrameLayout* const layout = FindFrameLayout(direction, bytes[2], content);
     frame.name = layout != nullptr ? layout->name : "unknown type";
+    frame.title = layout != nullptr ? layout->title : std::string_view();
     if (bytes.size() < length) {
         frame.fault = "only " + std::to_string(bytes.size()) + " of " + std::to_string(length) +
                       " bytes of it are there";

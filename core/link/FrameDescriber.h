@@ -39,7 +39,8 @@ struct DescribedBytes
     std::size_t length = 0; ///< bytes
     // Of a frame, or of a piece that has it:
     std::optional<std::uint8_t> type;
-    std::string name; ///< of the frame; "unknown type" if it has none
+    std::string name;  ///< of the frame; "unknown type" if it has none
+    std::string title; ///< the same for the screens, Japanese; empty if it has none
     // Of a frame:
     bool checksumGood = true;
     std::uint8_t checksum = 0;         ///< as it stands there

@@ -56,7 +56,8 @@ struct FrameLayout
     Direction direction;
     std::string_view prefix; ///< how the data begin; tells frames of one type apart
     std::string_view name;
-    std::size_t shortest; ///< data bytes that are there at least
+    std::string_view title; ///< the same for the screens, Japanese, UTF-8
+    std::size_t shortest;   ///< data bytes that are there at least
     std::span<const FieldLayout> fields;
     Records records = Records::None;
     std::span<const FieldLayout> record = {};

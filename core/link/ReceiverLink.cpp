@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace fieldcore {
 
@@ -40,6 +41,30 @@ std::wstring AgeText(std::optional<Clock::Duration> age)
     return FormatText(text::kAgeMinutes, static_cast<int>(minutes.count()));
 }
 
+namespace {
+
+/// Asks the receiver who it is. @return nothing if it does not tell
+std::optional<LinkedReceiver> AskIdentity(CCommand& command)
+{
+    SerialReply serial;
+    OptionsReply options;
+    if (command.RequestSerial(serial) == 0 || command.RequestOptions(options) == 0) {
+        return std::nullopt;
+    }
+    return LinkedReceiver{ReceiverModelName(TypeNumberOfCode(options.typeCode, options.modelWord)),
+                          serial.receiverType, serial.longSerial};
+}
+
+} // namespace
+
+std::wstring LinkedReceiver::Name() const
+{
+    const std::size_t length = serial.find_last_not_of(L' ') + 1; // it is filled with blanks
+    const std::wstring number = serial.substr(0, length);
+    return FormatText(text::kReceiverName, model.c_str(),
+                      number.empty() ? Text(text::kReceiverNoSerial) : number.c_str());
+}
+
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
     if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
@@ -56,11 +81,15 @@ int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
     }
     const Hold hold(*this);
     m_target = target;
+    m_supported = connect.SupportedTypes();
     m_status.reset();
+    m_receiver.reset();
     m_missed = 0;
     Enter(LinkState::Connecting);
     const bool connected = connect.DoModal() == CConnect::Connected && connect.CheckRecvType() == 1;
-    if (!connected) {
+    if (connected) {
+        m_receiver = AskIdentity(m_command);
+    } else {
         m_command.ClosePort();
     }
     m_due = m_command.GetClock().Steady();
@@ -159,7 +188,14 @@ void ReceiverLink::TryAgain()
         return;
     }
     Enter(LinkState::Reconnecting);
-    if (Reopen() == 1) {
+    SerialReply serial;
+    if (Reopen(serial) == 1) {
+        if (CheckIdentity(serial) == 0) {
+            m_command.ClosePort();
+            m_status.reset();
+            Enter(LinkState::NotConnected); // the user has been told why
+            return;
+        }
         m_missed = 0;
         m_due = clock.Steady() + kPollInterval;
         Enter(LinkState::Connected);
@@ -173,19 +209,47 @@ void ReceiverLink::TryAgain()
     Lose(std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
 }
 
-int ReceiverLink::Reopen()
+int ReceiverLink::Reopen(SerialReply& serial)
 {
     if (OpenTarget(m_command, m_target) == 0) {
         return 0;
     }
     ShortenTimeout();
     StatusReply status;
-    const int answered = m_command.RequestStatus(status);
+    const bool answered =
+        m_command.RequestStatus(status) == 1 && m_command.RequestSerial(serial) == 1;
     m_command.SetReplyTimeout(m_target.settings.replyTimeout);
-    if (answered == 1) {
-        m_status = {std::move(status), m_command.GetClock().Steady()};
+    if (!answered) {
+        return 0;
     }
-    return answered;
+    m_status = {std::move(status), m_command.GetClock().Steady()};
+    return 1;
+}
+
+/// @param serial  what the receiver at the other end says now
+/// @return 1 if it is the one of before, or another one that is acceptable
+int ReceiverLink::CheckIdentity(const SerialReply& serial)
+{
+    if (!m_receiver) {
+        m_receiver = AskIdentity(m_command);
+        return 1;
+    }
+    if (m_receiver->serial == serial.longSerial && m_receiver->type == serial.receiverType) {
+        return 1;
+    }
+    std::optional<LinkedReceiver> other = AskIdentity(m_command);
+    const std::wstring before = m_receiver->Name();
+    const std::wstring now = other ? other->Name() : serial.receiverType;
+    m_command.GetHost().ShowMessage(FormatText(text::kOtherReceiver, before.c_str(), now.c_str()),
+                                    Text(text::kOtherReceiverCaption),
+                                    {BoxButtons::Ok, BoxIcon::Exclamation});
+    CConnect check(m_command, 0, m_target);
+    check.SetSupportedTypes(m_supported);
+    if (check.CheckRecvType() == 0) {
+        return 0;
+    }
+    m_receiver = std::move(other);
+    return 1;
 }
 
 void ReceiverLink::ShortenTimeout()

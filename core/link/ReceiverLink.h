@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/link/ConnectSequence.h"
+#include "core/link/ReceiverTypes.h"
 #include "core/link/Replies.h"
 #include "core/platform/Clock.h"
 
@@ -37,6 +38,17 @@ struct TimedValue
     Clock::Duration at; ///< of the channel's clock
 };
 
+/// Which receiver it is that a program is connected to.
+struct LinkedReceiver
+{
+    std::wstring model;  ///< its name; the type number if it has none
+    std::wstring type;   ///< as it calls itself
+    std::wstring serial; ///< the long one; empty if it tells none
+
+    /// Model and serial number, for the user.
+    [[nodiscard]] std::wstring Name() const;
+};
+
 /// Keeps a program connected to its receiver: asks its status every two seconds, notices a loss,
 /// and connects again when the receiver is back. It acts only in Tick(), which the program calls a
 /// few times a second, and does nothing while the channel is busy or somebody holds it. What it
@@ -46,6 +58,10 @@ struct TimedValue
 /// A link is lost when the far end hangs up, or when kMostMissed questions one after the other got
 /// no good answer. The port that is gone is looked for at every tick; one that is there but does
 /// not help is tried again after a pause that grows from kFirstPause to kLongestPause.
+///
+/// What is reached again is asked who it is. If it is another receiver than before, the user is
+/// told so through the channel's host, and it is checked as the first one was: one that is not
+/// acceptable is not kept. A tick lasts, then, until the user has read that.
 class ReceiverLink
 {
 public:
@@ -90,6 +106,8 @@ public:
     [[nodiscard]] LinkState State() const { return m_state; }
     /// Where the receiver is, or was last; its device path or port number.
     [[nodiscard]] const ConnectTarget& Target() const { return m_target; }
+    /// Who answers, or answered last; nothing before the first connection, or if it did not tell.
+    [[nodiscard]] const std::optional<LinkedReceiver>& Receiver() const { return m_receiver; }
     /// The last status; nothing before the first, or since another connection was made.
     [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
     /// How old the status is; nothing without one.
@@ -112,13 +130,16 @@ private:
     void Poll();
     void Lose(Clock::Duration pause);
     void TryAgain();
-    [[nodiscard]] int Reopen();
+    [[nodiscard]] int Reopen(SerialReply& serial);
+    [[nodiscard]] int CheckIdentity(const SerialReply& serial);
     [[nodiscard]] bool IsPortThere() const;
     void Enter(LinkState state);
     void ShortenTimeout();
 
     CCommand& m_command;
     ConnectTarget m_target;
+    SupportedTypeFlags m_supported; // by whoever connected last
+    std::optional<LinkedReceiver> m_receiver;
     LinkState m_state = LinkState::NotConnected;
     std::optional<TimedValue<StatusReply>> m_status;
     Clock::Duration m_due{}; // of the next question or attempt

@@ -97,6 +97,12 @@ std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord)
     return row != kTypeCodes.end() ? row->number : kOtherCodes;
 }
 
+std::wstring ReceiverModelName(std::uint32_t typeNumber)
+{
+    const ReceiverType* type = FindReceiverType(typeNumber);
+    return type != nullptr && type->model != nullptr ? type->model : std::to_wstring(typeNumber);
+}
+
 std::wstring UnsupportedReceiverWarning(std::uint32_t typeNumber)
 {
     const ReceiverType* type = FindReceiverType(typeNumber);

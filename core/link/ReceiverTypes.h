@@ -39,6 +39,9 @@ struct ReceiverType
 /// @param modelWord  tells apart the two models of code 0
 [[nodiscard]] std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord);
 
+/// The model's name; the number for a type that has none or is in no table.
+[[nodiscard]] std::wstring ReceiverModelName(std::uint32_t typeNumber);
+
 /// The warning that the software does not support a receiver, by model name where it has one.
 [[nodiscard]] std::wstring UnsupportedReceiverWarning(std::uint32_t typeNumber);
 

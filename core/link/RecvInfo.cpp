@@ -46,6 +46,9 @@ int FetchAll(CRecvInfo& info, CCommand& command)
         if (info.GetOptionData(command) == 1) {
             return 1;
         }
+        if (command.Fault() == CommandFault::Cancelled) {
+            break; // who cancels one question means all of them
+        }
     }
     return 0;
 }

@@ -91,10 +91,11 @@ private:
     std::optional<ExtendedOptionsReply> m_extended;
 };
 
-/// The receiver's type number, in up to five attempts; 0 if none succeeds.
+/// The receiver's type number, in up to five attempts; 0 if none succeeds or the host cancels.
 [[nodiscard]] std::uint32_t GetRecvTypeNum(CCommand& command);
 
-/// The navigation firmware version, in up to five attempts; 0.0 if none succeeds.
+/// The navigation firmware version, in up to five attempts; 0.0 if none succeeds or the host
+/// cancels.
 [[nodiscard]] double GetRecvVer(CCommand& command);
 
 } // namespace fieldcore

@@ -166,6 +166,25 @@ bool SerialLink::IsLost() const
     return m_lost;
 }
 
+SerialLink::WaitOutcome SerialLink::WaitRoom(Host& host)
+{
+    const Clock::Duration deadline = m_clock.Steady() + m_timeouts.writeConstant;
+    for (;;) {
+        const Clock::Duration left = std::max(deadline - m_clock.Steady(), Clock::Duration::zero());
+        const auto slice = m_clock.RealTime(std::min<Clock::Duration>(left, kWaitSlice));
+        if (m_device->HasRoom(std::chrono::ceil<milliseconds>(slice))) {
+            return WaitOutcome::Delivered;
+        }
+        if (left == Clock::Duration::zero()) {
+            Fail(LinkError::Write);
+            return WaitOutcome::TimedOut;
+        }
+        if (!host.Breathe()) {
+            return WaitOutcome::Cancelled;
+        }
+    }
+}
+
 std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
 {
     if (IsLost()) {

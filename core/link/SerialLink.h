@@ -108,6 +108,10 @@ public:
     /// Whether the other end is gone. Only closing and opening again helps.
     [[nodiscard]] bool IsLost() const;
 
+    /// Waits until a write can begin, at most the write time-out, in slices of 50 ms between which
+    /// @p host may breathe: flow control may hold the line for that long.
+    /// @return Delivered when it can, or when only the write itself can tell
+    WaitOutcome WaitRoom(Host& host);
     /// @return bytes written; 0 on failure
     std::size_t Write(std::span<const std::uint8_t> bytes);
 

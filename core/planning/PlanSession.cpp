@@ -23,10 +23,23 @@ PlanSession::PlanSession(std::filesystem::path folder, const CReg& reg)
 AlmanacMessage PlanSession::Begin(const Clock& clock)
 {
     m_settings = LoadPlanSettings(m_reg);
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        m_plan.Calc().SetUse(index, (m_settings.switchedOff >> index & 1U) == 0 ? 1 : 0);
+    }
     ReadSite();
     m_plan.Period().date = std::chrono::floor<std::chrono::days>(clock.Utc());
     ResetSpins();
     return ReloadAlmanac();
+}
+
+int PlanSession::SaveSettings()
+{
+    m_settings.switchedOff = 0;
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        const bool isOff = m_plan.Calc().GetSatellite(index).GetUse() == 0;
+        m_settings.switchedOff |= (isOff ? 1U : 0U) << index;
+    }
+    return SavePlanSettings(m_reg, m_settings);
 }
 
 AlmanacMessage PlanSession::ReloadAlmanac()

@@ -26,8 +26,9 @@ public:
     /// @return what to tell the user; both numbers 0: nothing
     AlmanacMessage Begin(const Clock& clock);
 
-    /// Stores the settings. @return 1, or 0 if that was not possible
-    int SaveSettings() const { return SavePlanSettings(m_reg, m_settings); }
+    /// Stores the settings, and which satellites of the plan do not count. @return 1, or 0 if that
+    /// was not possible
+    int SaveSettings();
 
     /// Loads the almanac and, if that has not been done, the curtain, and computes.
     /// @return what to tell the user about the almanac: it cannot be read, or is too old
@@ -70,9 +71,10 @@ public:
     /// @param maskDeg  elevation mask, whole degrees; brought into 0 to 90. Period and spins stay.
     void SetMask(int maskDeg);
 
-    /// When the sky counts as good. Kept as long as the session lives.
-    [[nodiscard]] const WindowLimits& Limits() const { return m_limits; }
-    void SetLimits(const WindowLimits& limits) { m_limits = limits; }
+    /// When the sky counts as good.
+    [[nodiscard]] const WindowLimits& Limits() const { return m_settings.limits; }
+    /// @param limits  brought into their ranges
+    void SetLimits(const WindowLimits& limits) { m_settings.limits = Fitted(limits); }
 
     /// Brings the plan to the settings, the date and the site.
     void Compute();
@@ -103,7 +105,6 @@ private:
     const CReg& m_reg;
     PlanSettings m_settings;
     Spins m_spins;
-    WindowLimits m_limits;
     Observer m_site;
     ObservationPlan m_plan;
     bool m_hasAlmanac = false;

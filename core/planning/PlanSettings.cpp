@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cmath>
 #include <cstdint>
 
 namespace fieldcore {
@@ -12,6 +14,13 @@ namespace {
 
 constexpr const wchar_t* kKey = L"GPS\\SurveyPlan";
 constexpr const wchar_t* kPosition = L"Position";
+constexpr const wchar_t* kConditions = L"GPS\\SurveyPlan\\Conditions";
+constexpr const wchar_t* kFewest = L"MinSatellites";
+constexpr const wchar_t* kPdop = L"MaxPdop"; // hundredths
+constexpr const wchar_t* kMinutes = L"MinMinutes";
+constexpr const wchar_t* kSwitchedOff = L"SwitchedOff";
+constexpr std::uint32_t kAllSatellites = 0xFFFFFFFF;
+constexpr double kHundredths = 100.0;
 
 struct NumberSetting
 {
@@ -36,6 +45,8 @@ PlanSettings Fitted(PlanSettings settings)
     settings.elMaskDeg = std::clamp(settings.elMaskDeg, 0, 90);
     settings.startHour = std::clamp(settings.startHour, 0, 23);
     settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
+    settings.limits = Fitted(settings.limits);
+    settings.switchedOff = settings.switchedOff == kAllSatellites ? 0 : settings.switchedOff;
     return settings;
 }
 
@@ -50,6 +61,18 @@ PlanSettings LoadPlanSettings(const CReg& reg)
     }
     const std::wstring defaultPosition = settings.position;
     reg.ReadString(kKey, kPosition, settings.position, defaultPosition);
+    WindowLimits& limits = settings.limits;
+    const auto read = [&reg](const wchar_t* name, long whenMissing) {
+        std::uint32_t value = 0;
+        reg.ReadNumber(kConditions, name, value, static_cast<std::uint32_t>(whenMissing));
+        return value;
+    };
+    constexpr std::uint32_t kMost = 100'000; // of a number that becomes an int
+    limits.minSatellites = static_cast<int>(std::min(read(kFewest, limits.minSatellites), kMost));
+    limits.maxPdop = read(kPdop, std::lround(limits.maxPdop * kHundredths)) / kHundredths;
+    limits.minLength = std::chrono::minutes(
+        std::min(read(kMinutes, static_cast<long>(limits.minLength.count())), kMost));
+    settings.switchedOff = read(kSwitchedOff, 0);
     return Fitted(settings);
 }
 
@@ -62,6 +85,13 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
         stored = stored && reg.WriteNumber(kKey, number.name, value) == 1;
     }
     stored = stored && reg.WriteString(kKey, kPosition, settings.position) == 1;
+    const WindowLimits& limits = settings.limits;
+    const auto write = [&reg](const wchar_t* name, auto value) {
+        return reg.WriteNumber(kConditions, name, static_cast<std::uint32_t>(value)) == 1;
+    };
+    stored = stored && write(kFewest, limits.minSatellites) &&
+             write(kPdop, std::lround(limits.maxPdop * kHundredths)) &&
+             write(kMinutes, limits.minLength.count()) && write(kSwitchedOff, settings.switchedOff);
     return stored && batch.Commit() ? 1 : 0;
 }
 

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "core/planning/PlanWindows.h"
 #include "core/settings/Reg.h"
 
+#include <cstdint>
 #include <string>
 
 namespace fieldcore {
 
 /// What the observation plan remembers between its runs, as it is for a user who has never chosen
-/// anything. It is kept in the key "GPS\SurveyPlan" below the library's own.
+/// anything. It is kept in the key "GPS\SurveyPlan" below the library's own; what makes a good
+/// window in the key "Conditions" below that.
 struct PlanSettings
 {
     int elMaskDeg = 15;  ///< elevation mask, whole degrees, 0 to 90
@@ -18,11 +21,14 @@ struct PlanSettings
     int positionNo = 13; ///< kept for the site page
     std::wstring position = L"東京都千代田区"; ///< name of the site
     int positionId = 0;                        ///< kept for the site page
+    WindowLimits limits = {};                  ///< of a good window
+    std::uint32_t switchedOff = 0; ///< satellites that do not count: bit k is PRN k + 1; never all
 
     friend bool operator==(const PlanSettings&, const PlanSettings&) = default;
 };
 
-/// @p settings with mask and period brought into their ranges.
+/// @p settings with mask, period and limits brought into their ranges, and with all satellites if
+/// all are switched off.
 [[nodiscard]] PlanSettings Fitted(PlanSettings settings);
 
 /// Settings that are missing, or of another type, are those of a new user; the
@@ -30,7 +36,7 @@ struct PlanSettings
 /// @param reg  one that starts at the library's own key
 [[nodiscard]] PlanSettings LoadPlanSettings(const CReg& reg);
 
-/// Stores all eight, or none.
+/// Stores all of them, or none.
 /// @return 1, or 0 if they could not be stored
 int SavePlanSettings(const CReg& reg, const PlanSettings& settings);
 

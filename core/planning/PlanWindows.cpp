@@ -6,6 +6,17 @@
 
 namespace fieldcore {
 
+WindowLimits Fitted(WindowLimits limits)
+{
+    limits.minSatellites = std::clamp(limits.minSatellites, WindowLimits::kFewestSatellites,
+                                      WindowLimits::kMostSatellites);
+    limits.maxPdop =
+        std::clamp(limits.maxPdop, WindowLimits::kLowestPdop, WindowLimits::kHighestPdop);
+    limits.minLength =
+        std::clamp(limits.minLength, WindowLimits::kShortest, WindowLimits::kLongest);
+    return limits;
+}
+
 std::vector<PlanWindow> FindWindows(const ObservationPlan& plan, const WindowLimits& limits)
 {
     const SiteView& view = plan.View();

@@ -2,6 +2,7 @@
 
 #include "core/planning/ObservationPlan.h"
 
+#include <chrono>
 #include <vector>
 
 namespace fieldcore {
@@ -9,10 +10,19 @@ namespace fieldcore {
 /// When the sky is good enough to observe.
 struct WindowLimits
 {
+    static constexpr int kFewestSatellites = 4, kMostSatellites = 12;
+    static constexpr double kLowestPdop = 1.0, kHighestPdop = 10.0;
+    static constexpr std::chrono::minutes kShortest{5}, kLongest{720};
+
     int minSatellites = 5;
     double maxPdop = 4.0;
     std::chrono::minutes minLength{30};
+
+    friend bool operator==(const WindowLimits&, const WindowLimits&) = default;
 };
+
+/// @p limits brought into their ranges.
+[[nodiscard]] WindowLimits Fitted(WindowLimits limits);
 
 /// A part of a plan's period that is good from its first epoch to its last. Epoch k is start + k
 /// intervals, 0 to Division().

@@ -343,6 +343,19 @@ std::size_t PosixSerialDevice::Write(std::span<const std::uint8_t> bytes)
     return done;
 }
 
+bool PosixSerialDevice::HasRoom(std::chrono::milliseconds limit)
+{
+    const SteadyTime deadline = std::chrono::steady_clock::now() + limit;
+    while (m_settings.dsrOutputFlow && DsrIsOff()) {
+        if (RemainingMs(deadline) == 0) {
+            return false;
+        }
+        std::this_thread::sleep_for(kDsrPollInterval);
+    }
+    pollfd watched{m_port, POLLOUT, 0};
+    return poll(&watched, 1, RemainingMs(deadline)) != 0;
+}
+
 bool PosixSerialDevice::WaitForRoom(SteadyTime deadline)
 {
     pollfd watched{m_port, POLLOUT, 0};

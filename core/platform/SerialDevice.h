@@ -118,6 +118,9 @@ public:
     /// @return the number of bytes, 0 if there are none; nothing on failure
     [[nodiscard]] virtual std::optional<std::size_t> Read(std::span<std::uint8_t> buffer) = 0;
 
+    /// Whether a write could begin; waits for that, at most @p limit of real time. Where it cannot
+    /// be known the answer is yes: the write then tells.
+    [[nodiscard]] virtual bool HasRoom(std::chrono::milliseconds limit) = 0;
     /// Waits for room as long as the write time-outs allow.
     /// @return the number of bytes written; fewer than asked on failure
     [[nodiscard]] virtual std::size_t Write(std::span<const std::uint8_t> bytes) = 0;

@@ -233,6 +233,28 @@ fs::path SetAside(const fs::path& file)
     return error ? fs::path() : aside;
 }
 
+/// A path as it stands in an address: there "?" and "#" would end it and "%" begins a code.
+std::string UriPath(std::string_view path)
+{
+    std::string escaped;
+    for (const char c : path) {
+        switch (c) {
+        case '%':
+            escaped += "%25";
+            break;
+        case '?':
+            escaped += "%3f";
+            break;
+        case '#':
+            escaped += "%23";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
 /// A database in memory, with what can be read from @p file.
 SqliteHandle OpenInMemory(const fs::path& file)
 {
@@ -245,7 +267,7 @@ SqliteHandle OpenInMemory(const fs::path& file)
         return memory;
     }
     // Where nothing can be written there is no log either, and nothing to lock.
-    const std::string address = "file:" + file.string() + "?mode=ro&immutable=1";
+    const std::string address = "file:" + UriPath(file.string()) + "?mode=ro&immutable=1";
     sqlite3* source = nullptr;
     const int found =
         sqlite3_open_v2(address.c_str(), &source, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
@@ -263,8 +285,7 @@ SqliteHandle OpenInMemory(const fs::path& file)
 
 SettingsDatabase InMemory(const fs::path& file, const std::string& reason)
 {
-    return {OpenInMemory(file), "Settings cannot be saved and last only until the program ends: " +
-                                    file.string() + ": " + reason + "."};
+    return {OpenInMemory(file), {SettingsNotice::Kind::NotKept, file.string(), reason}};
 }
 
 } // namespace
@@ -284,14 +305,13 @@ SettingsDatabase OpenSettingsDatabase(const fs::path& file)
         return InMemory(file, lock.Error().message());
     }
     Attempt attempt = TryOpen(file);
-    std::string notice;
+    SettingsNotice notice;
     if (attempt.result == OpenResult::Damaged) {
         const fs::path aside = SetAside(file);
         if (aside.empty()) {
             return InMemory(file, "damaged, and cannot be renamed");
         }
-        notice = "The settings file was damaged. It is kept as " + aside.string() +
-                 ", and the settings start anew.";
+        notice = {SettingsNotice::Kind::SetAside, aside.string(), ""};
         attempt = TryOpen(file);
     }
     if (attempt.result != OpenResult::Ready) {

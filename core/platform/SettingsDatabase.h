@@ -1,9 +1,9 @@
 #pragma once
 
+#include "core/platform/SettingsStore.h"
 #include "core/platform/SqliteStatement.h"
 
 #include <filesystem>
-#include <string>
 
 namespace fieldcore {
 
@@ -11,7 +11,7 @@ namespace fieldcore {
 struct SettingsDatabase
 {
     SqliteHandle handle;
-    std::string notice; ///< what the user should know, in plain English; usually empty
+    SettingsNotice notice; ///< what the user should know; usually nothing
 };
 
 /// Opens the settings file, and makes it and its folder if they are not there.

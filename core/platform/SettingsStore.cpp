@@ -4,6 +4,21 @@
 
 namespace fieldcore {
 
+std::string SettingsNotice::Words() const
+{
+    switch (kind) {
+    case Kind::None:
+        break;
+    case Kind::NotKept:
+        return "Settings cannot be saved and last only until the program ends: " + file + ": " +
+               reason + ".";
+    case Kind::SetAside:
+        return "The settings file was damaged. It is kept as " + file +
+               ", and the settings start anew.";
+    }
+    return {};
+}
+
 namespace {
 
 /// A row of capitals beyond ASCII, whose small letters follow in the same order.

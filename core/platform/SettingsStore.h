@@ -39,6 +39,24 @@ struct SettingsRead
     SettingsValue value; ///< of meaning when Found
 };
 
+/// What the user of a store should know about it.
+struct SettingsNotice
+{
+    enum class Kind
+    {
+        None,    ///< nothing
+        NotKept, ///< nothing can be saved: the settings last until the program ends
+        SetAside ///< the file was damaged and is kept under another name; the settings start anew
+    };
+    Kind kind = Kind::None;
+    std::string file = {};   ///< that cannot be used, or that was kept
+    std::string reason = {}; ///< why nothing can be saved, for who knows the machine
+
+    [[nodiscard]] bool IsEmpty() const { return kind == Kind::None; }
+    /// In plain English, for a terminal; empty: nothing.
+    [[nodiscard]] std::string Words() const;
+};
+
 /// The settings below one root: a tree of keys, each with named values. Keys are written with
 /// backslashes between the names of the path; empty names do not count, so that "GPS\Com" and
 /// "GPS\Com\" are the same key, and the empty path is the root's own key, which is always there.
@@ -83,8 +101,8 @@ public:
     /// Whether what is written outlasts the program; false where nothing can be written.
     [[nodiscard]] virtual bool IsKept() const = 0;
 
-    /// What the user should know about the store, in plain English; told once, then empty.
-    [[nodiscard]] virtual std::string TakeNotice() = 0;
+    /// What the user should know about the store; told once, then nothing.
+    [[nodiscard]] virtual SettingsNotice TakeNotice() = 0;
 
 protected:
     friend class SettingsBatch;

@@ -249,7 +249,7 @@ struct SqliteSettingsStore::Database
     }
 
     SqliteHandle handle;
-    std::string notice;
+    SettingsNotice notice;
     std::optional<KnownKey> lastKey;
     std::array<SqliteStatement, kQueryCount> statements; // last, so that they go before the handle
 };
@@ -395,7 +395,7 @@ bool SqliteSettingsStore::IsKept() const
     return file != nullptr && *file != '\0'; // memory has no name
 }
 
-std::string SqliteSettingsStore::TakeNotice()
+SettingsNotice SqliteSettingsStore::TakeNotice()
 {
     return std::exchange(m_database->notice, {});
 }

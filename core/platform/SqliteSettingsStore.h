@@ -32,7 +32,7 @@ public:
     [[nodiscard]] std::vector<std::wstring> Keys(std::wstring_view key) override;
     [[nodiscard]] std::vector<NamedSetting> Values(std::wstring_view key) override;
     [[nodiscard]] bool IsKept() const override;
-    [[nodiscard]] std::string TakeNotice() override;
+    [[nodiscard]] SettingsNotice TakeNotice() override;
 
 protected:
     [[nodiscard]] bool Begin() override;

@@ -423,8 +423,10 @@ constexpr Entry kEntries[] = {
     Entry{text::kAppThemeSystem, L"システムに合わせる"},
     Entry{text::kAppAbout, L"バージョン"},
     Entry{text::kAppAboutText, L"フィールドコア %1"},
-    Entry{text::kAppNoJapaneseFont, L"No Japanese font is installed: texts show boxes. Install "
-                                    L"fonts-vlgothic and start again."},
+    Entry{text::kAppNoJapaneseFont,
+          L"日本語のフォントがありません。fonts-vlgothicをインストールして、"
+          L"もう一度起動してください。\n"
+          L"No Japanese font: install fonts-vlgothic and start again."},
     Entry{text::kAppNotice, L"設定"},
     Entry{text::kAppTheme, L"画面の配色"},
     Entry{text::kAppTracked, L"捕捉衛星数"},
@@ -488,6 +490,25 @@ constexpr Entry kEntries[] = {
     Entry{text::kSkySignalUnit, L"dB-Hz"},
     Entry{text::kSkyPlotName, L"スカイプロット"},
     Entry{text::kSkyListName, L"衛星の一覧"},
+    Entry{text::kNoticeNotKept, L"設定を保存できません。変更した設定は、プログラムを終了すると失わ"
+                                L"れます。\nファイル: %1\n詳細: %2"},
+    Entry{text::kNoticeSetAside, L"設定ファイルが壊れていたため、初期設定で始めます。\n"
+                                 L"壊れたファイルは次の名前で残してあります。\n%1"},
+    Entry{text::kNoticePort, L"ポートの割り当て「%1」は使えません。\n"
+                             L"COM1～COM256の名前に、装置のパスを設定してください。"},
+    Entry{text::kOtherReceiver, L"別の受信機が接続されました。\n前の受信機: %ls\n今の受信機: %ls"},
+    Entry{text::kOtherReceiverCaption, L"受信機の確認"},
+    Entry{text::kReceiverName, L"%ls（S/N %ls）"},
+    Entry{text::kReceiverNoSerial, L"--"},
+    Entry{text::kFramesUnknown, L"不明な種別"},
+    Entry{text::kPlanWindowLine, L"%ls-%ls　%d分　衛星%d　PDOP %.1f"},
+    Entry{text::kFileOpen, L"開く"},
+    Entry{text::kFileSave, L"保存"},
+    Entry{text::kFileName, L"ファイル名:"},
+    Entry{text::kFileType, L"種類:"},
+    Entry{text::kFileFolder, L"場所:"},
+    Entry{text::kFileOpenTitle, L"ファイルを開く"},
+    Entry{text::kSaveFileTitle, L"名前を付けて保存"},
     Entry{text::kFileFetched, L"取得済み"},
     Entry{text::kFileNameRefused,
           L"ファイル名に保存できない文字が含まれているため、取得できません。"},

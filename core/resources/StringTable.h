@@ -785,6 +785,25 @@ inline constexpr int kStatusNow = 61096;
 inline constexpr int kAppSetClock = 61097;
 inline constexpr int kStatusNoLink = 61098;
 inline constexpr int kAppStatusButton = 61099;
+// What the controller tells of settings, receivers and frames
+inline constexpr int kNoticeNotKept = 60670;  ///< file, reason; for QString::arg()
+inline constexpr int kNoticeSetAside = 60671; ///< file
+inline constexpr int kNoticePort = 60672;     ///< name of the setting
+inline constexpr int kOtherReceiver = 60673;  ///< receiver of before, receiver of now
+inline constexpr int kOtherReceiverCaption = 60674;
+inline constexpr int kReceiverName = 60675;     ///< model, serial number
+inline constexpr int kReceiverNoSerial = 60676; ///< in place of the serial number
+inline constexpr int kFramesUnknown = 60677;    ///< a frame of an unknown type
+inline constexpr int kPlanWindowLine = 60678;   ///< from, to, minutes, satellites, PDOP
+
+// Choosing a file
+inline constexpr int kFileOpen = 60680;
+inline constexpr int kFileSave = 60681;
+inline constexpr int kFileName = 60682;
+inline constexpr int kFileType = 60683;
+inline constexpr int kFileFolder = 60684;
+inline constexpr int kFileOpenTitle = 60685;
+inline constexpr int kSaveFileTitle = 60686;
 
 } // namespace text
 

@@ -3,6 +3,7 @@
 #include "core/platform/SqliteSettingsStore.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace fieldcore {
 
@@ -27,14 +28,13 @@ const std::filesystem::path& SettingsRoots::File(RootKey root) const
     return m_roots[static_cast<std::size_t>(root)].file;
 }
 
-std::string SettingsRoots::TakeNotice()
+std::vector<SettingsNotice> SettingsRoots::TakeNotices()
 {
-    std::string notices;
+    std::vector<SettingsNotice> notices;
     for (const Root& root : m_roots) {
-        const std::string notice = root.store ? root.store->TakeNotice() : "";
-        if (!notice.empty()) {
-            notices += notices.empty() ? "" : "\n";
-            notices += notice;
+        SettingsNotice notice = root.store ? root.store->TakeNotice() : SettingsNotice{};
+        if (!notice.IsEmpty()) {
+            notices.push_back(std::move(notice));
         }
     }
     return notices;

@@ -6,7 +6,7 @@
 #include <array>
 #include <filesystem>
 #include <memory>
-#include <string>
+#include <vector>
 
 namespace fieldcore {
 
@@ -32,9 +32,9 @@ public:
     /// The file of a root's store.
     [[nodiscard]] const std::filesystem::path& File(RootKey root) const;
 
-    /// What the user should know about a store that was opened, in plain English: its file was
-    /// damaged, or it cannot be written and nothing will be kept. Told once, then empty.
-    [[nodiscard]] std::string TakeNotice();
+    /// What the user should know about the stores that were opened: a file was damaged, or cannot
+    /// be written and nothing will be kept. Told once, then empty.
+    [[nodiscard]] std::vector<SettingsNotice> TakeNotices();
 
     /// The ones that are used where no others are given.
     static SettingsRoots& Instance();

@@ -29,9 +29,9 @@ std::optional<int> ComNumberOf(const std::wstring& name)
 
 } // namespace
 
-std::vector<std::string> AssignStoredPorts(PortNames& names, SettingsRoots& roots)
+std::vector<std::wstring> AssignStoredPorts(PortNames& names, SettingsRoots& roots)
 {
-    std::vector<std::string> faults;
+    std::vector<std::wstring> faults;
     std::error_code ignored;
     if (!std::filesystem::exists(roots.File(RootKey::CurrentUser), ignored)) {
         return faults;
@@ -41,10 +41,7 @@ std::vector<std::string> AssignStoredPorts(PortNames& names, SettingsRoots& root
         const std::optional<int> com = ComNumberOf(setting.name);
         const auto* const path = std::get_if<std::wstring>(&setting.value);
         if (!com || path == nullptr || !names.Assign(*com, ToUtf8(*path))) {
-            faults.push_back(
-                "The setting " + ToUtf8(setting.name) + " of the key " + ToUtf8(kPortsKey) +
-                " does not count: it should be COM1 to COM256 with the whole path of a "
-                "device as text.");
+            faults.push_back(setting.name);
         }
     }
     return faults;

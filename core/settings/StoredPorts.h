@@ -14,7 +14,7 @@ inline constexpr wchar_t kPortsKey[] = L"Ports";
 
 /// Gives @p names the devices that the settings assign to COM numbers. Settings that are not there
 /// yet are not made. One thread at a time, together with all others that use the same roots.
-/// @return a line in plain English for each assignment that cannot be used
-std::vector<std::string> AssignStoredPorts(PortNames& names, SettingsRoots& roots);
+/// @return the names of the settings that cannot be used
+std::vector<std::wstring> AssignStoredPorts(PortNames& names, SettingsRoots& roots);
 
 } // namespace fieldcore

@@ -18,6 +18,8 @@ TEST(Scenario, ErrorsNameTheLineAndTheCause)
         std::string_view error;
     };
     constexpr Row kRows[] = {
+        {"title-ja \xFF",
+         "line 1: the Japanese title must be UTF-8 of 1 to 200 bytes, not \"\xFF\""},
         {"modle 3017", R"(line 1: "modle" is not known)"},
         {"# all well\n\nmodel 9999", R"(line 3: "9999" is neither a type number nor a model name)"},
         {"pdop x", R"(line 1: the PDOP must be a number from 0 to 99.9, not "x")"},
@@ -74,6 +76,7 @@ TEST(Scenario, ReadsWhatIsWrittenWithAnyLineEndAndComment)
 {
     std::string error;
     const auto scenario = ParseScenario("title  Two words # and a comment\r\n"
+                                        "title-ja  二つの 語\n"
                                         "\tmodel Corvane VX2 GNSS\r\n"
                                         "battery 12.5 3\n"
                                         "options tilt\n"
@@ -82,6 +85,7 @@ TEST(Scenario, ReadsWhatIsWrittenWithAnyLineEndAndComment)
                                         error);
     ASSERT_TRUE(scenario) << error;
     EXPECT_EQ(scenario->title, "Two words");
+    EXPECT_EQ(scenario->titleJa, "二つの 語");
     EXPECT_EQ(scenario->typeNumber, 3022);
     EXPECT_EQ(scenario->typeText, "VX2 GNSS");
     EXPECT_EQ(scenario->batteryPercent, 12.5);
@@ -113,6 +117,7 @@ TEST(Scenario, EveryShippedOneIsGoodAndHasATitleOfItsOwn)
         const auto byName = LoadScenario(name, error);
         ASSERT_TRUE(byName) << error;
         EXPECT_NE(byName->title, Scenario().title);
+        EXPECT_FALSE(byName->titleJa.empty());
         EXPECT_TRUE(LoadScenario(entry.path().string(), error)) << error;
         ++files;
     }

@@ -8,6 +8,7 @@
 #include "ui/controls/UiText.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -31,9 +32,9 @@ constexpr int kElapsedTimer = 1;
 constexpr int kElapsedInterval = 200; // ms
 constexpr double kLarge = 1.25;       // of the usual text
 
-QLabel* Wrapping(const QString& text = {})
+RoleLabel* Wrapping(const QString& text = {}, RoleLabel::Role role = &Theme::text)
 {
-    auto* const label = new QLabel(text);
+    auto* const label = new RoleLabel(role, text);
     label->setWordWrap(true);
     label->setTextFormat(Qt::PlainText);
     return label;
@@ -45,13 +46,6 @@ QFont LargeFont(const QFont& usual)
     font.setBold(true);
     font.setPixelSize(qRound(QFontInfo(usual).pixelSize() * kLarge));
     return font;
-}
-
-void Colour(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
 }
 
 QPushButton* Button(int textId)
@@ -66,7 +60,7 @@ QPushButton* Button(int textId)
 ConnectProgressDlg::ConnectProgressDlg(const QString& target, const Clock& clock, QWidget* parent)
     : Dialog(parent), m_clock(clock), m_heading(Wrapping(UiText(text::kConnectingTitle))),
       m_current(Wrapping()), m_progress(new QProgressBar), m_elapsed(new QLabel),
-      m_hint(Wrapping(UiText(text::kConnectingHint))), m_message(Wrapping()),
+      m_hint(Wrapping(UiText(text::kConnectingHint), &Theme::second)), m_message(Wrapping()),
       m_detail(new QPlainTextEdit), m_scroll(new QScrollArea), m_cancel(Button(text::kConnectStop)),
       m_showDetail(Button(text::kDetailShow)), m_close(Button(text::kButtonClose))
 {
@@ -94,9 +88,7 @@ ConnectProgressDlg::~ConnectProgressDlg()
 void ConnectProgressDlg::Build(const QString& target)
 {
     m_heading->setFont(LargeFont(font()));
-    QLabel* const where = Wrapping(target);
-    Colour(where, Theme::Current().second);
-    Colour(m_hint, Theme::Current().second);
+    QLabel* const where = Wrapping(target, &Theme::second);
     QFont bold = font();
     bold.setBold(true);
     m_current->setFont(bold);
@@ -113,7 +105,8 @@ void ConnectProgressDlg::Build(const QString& target)
     steps->setColumnStretch(1, 1);
     for (int i = 0; i < kSteps; ++i) {
         Row& row = m_rows[static_cast<std::size_t>(i)];
-        row = {new QLabel, Wrapping(UiText(text::kStepNameOpenPort + i)), new QLabel};
+        row = {new QLabel, Wrapping(UiText(text::kStepNameOpenPort + i)),
+               new RoleLabel(&Theme::second)};
         row.icon->setFixedSize(kIconSize, kIconSize);
         steps->addWidget(row.icon, i, 0, Qt::AlignVCenter);
         steps->addWidget(row.name, i, 1);
@@ -209,25 +202,25 @@ void ConnectProgressDlg::ShowRows(ConnectStep current, bool failed)
 
 void ConnectProgressDlg::ShowRow(Row& row, RowState state)
 {
-    const Theme& theme = Theme::Current();
     struct Look
     {
         const char* icon;
         int word;
-        QColor colour;
+        RoleLabel::Role role;
     };
-    const Look looks[] = {{"", text::kStepWaiting, theme.second},
-                          {"refresh", text::kStepRunning, theme.accent},
-                          {"ok", text::kStepDone, theme.good},
-                          {"cancel", text::kStepFailed, theme.bad}};
-    const Look& look = looks[static_cast<std::size_t>(state)];
+    constexpr Look kLooks[] = {{"", text::kStepWaiting, &Theme::second},
+                               {"refresh", text::kStepRunning, &Theme::accent},
+                               {"ok", text::kStepDone, &Theme::good},
+                               {"cancel", text::kStepFailed, &Theme::bad}};
+    const Look& look = kLooks[static_cast<std::size_t>(state)];
+    const QColor& colour = Theme::Current().*look.role;
     row.icon->setPixmap(state == RowState::Waiting
                             ? QPixmap()
                             : DrawIcon(QString::fromLatin1(look.icon), kIconSize,
-                                       devicePixelRatioF(), look.colour, look.colour));
+                                       devicePixelRatioF(), colour, colour));
     row.state->setText(UiText(look.word));
-    Colour(row.state, look.colour);
-    Colour(row.name, state == RowState::Waiting ? theme.second : theme.text);
+    row.state->SetRole(look.role);
+    row.name->SetRole(state == RowState::Waiting ? &Theme::second : &Theme::text);
 }
 
 void ConnectProgressDlg::OnTimer(int id)
@@ -255,7 +248,7 @@ void ConnectProgressDlg::ShowFailure(const QString& message, const QString& deta
     setAccessibleName(caption);
     setAccessibleDescription(message);
     m_heading->setText(caption);
-    Colour(m_heading, Theme::Current().bad);
+    m_heading->SetRole(&Theme::bad);
     m_message->setText(message);
     m_detail->setPlainText(detail);
     for (QWidget* const over :
@@ -302,6 +295,14 @@ void ConnectProgressDlg::Place()
     resize(width, chrome + std::min(content, fits));
     if (under != nullptr) {
         move(under->mapToGlobal(under->rect().center()) - rect().center());
+    }
+}
+
+void ConnectProgressDlg::changeEvent(QEvent* event)
+{
+    Dialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_rows.back().icon != nullptr) {
+        ShowRows(m_step, m_failed); // their icons have colours, too
     }
 }
 

@@ -3,6 +3,7 @@
 #include "core/link/ConnectSequence.h"
 #include "core/platform/Clock.h"
 #include "ui/controls/Dialog.h"
+#include "ui/controls/RoleLabel.h"
 
 #include <QString>
 
@@ -54,6 +55,7 @@ protected:
     bool OnInitDialog() override;
     void OnTimer(int id) override;
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     static constexpr int kSteps = 5;
@@ -68,8 +70,8 @@ private:
     struct Row
     {
         QLabel* icon; // owned by the dialog, as are the next two
-        QLabel* name;
-        QLabel* state;
+        RoleLabel* name;
+        RoleLabel* state;
         bool visited = false;
     };
 
@@ -85,11 +87,11 @@ private:
     ConnectStep m_step = ConnectStep::OpenPort;
     bool m_failed = false;
     std::array<Row, kSteps> m_rows{};
-    QLabel* m_heading; // owned by the dialog, as are all that follow
+    RoleLabel* m_heading; // owned by the dialog, as are all that follow
     QLabel* m_current;
     QProgressBar* m_progress;
     QLabel* m_elapsed;
-    QLabel* m_hint;
+    RoleLabel* m_hint;
     QLabel* m_message;
     QPlainTextEdit* m_detail;
     QScrollArea* m_scroll;

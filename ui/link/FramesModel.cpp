@@ -39,6 +39,13 @@ bool IsFault(const DescribedBytes& described)
     return true;
 }
 
+/// What a frame is called, for the user.
+QString TitleOf(const DescribedBytes& described)
+{
+    return described.title.empty() ? UiText(text::kFramesUnknown)
+                                   : QString::fromStdString(described.title);
+}
+
 QString WordsOf(const DescribedBytes& described)
 {
     switch (described.kind) {
@@ -54,7 +61,7 @@ QString WordsOf(const DescribedBytes& described)
     QString words;
     if (described.type) {
         words = QStringLiteral("%1 ").arg(*described.type, 2, 16, QLatin1Char('0')).toUpper() +
-                QString::fromStdString(described.name);
+                TitleOf(described);
     }
     for (const DescribedField& field : described.fields) {
         if (words.size() > 120) { // a line, not a book: the rest stands in the detail
@@ -192,7 +199,9 @@ QString FramesModel::Detail(int row) const
     const ExchangedFrame& frame = At(row).frame;
     QString detail = HexOf(frame.bytes);
     for (const DescribedBytes& described : DescribeBytes(frame.direction, frame.bytes)) {
-        detail += QStringLiteral("\n") + QString::fromStdString(described.name);
+        if (described.type) {
+            detail += QStringLiteral("\n") + TitleOf(described);
+        }
         if (!described.checksumGood) {
             detail += QStringLiteral("\n%1: %2 ≠ %3")
                           .arg(UiText(text::kFramesBadChecksum))

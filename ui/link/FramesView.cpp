@@ -3,12 +3,12 @@
 #include "core/host/MesBox.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
+#include "ui/controls/FileChoice.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
 #include <QComboBox>
-#include <QFileDialog>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -75,7 +75,9 @@ void FramesView::Build()
     m_detail->setReadOnly(true);
     m_detail->setAccessibleName(UiText(text::kFramesDetail));
     m_detail->setTabChangesFocus(true);
-    m_detail->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPixelSize(fontInfo().pixelSize() * 13 / 16); // small print, of whatever size is large
+    m_detail->setFont(fixed);
     m_detail->setPlaceholderText(UiText(text::kFramesDetail));
     m_detail->setFixedHeight(7 * fontMetrics().lineSpacing());
     m_show->setAccessibleName(UiText(text::kFramesFilter));
@@ -166,11 +168,10 @@ void FramesView::AskAndSave()
 {
     const bool wasHeld = m_hold->isChecked();
     m_hold->setChecked(true); // what is saved is what was seen
-    const QString file = QFileDialog::getSaveFileName(
-        this, UiText(text::kFramesTitle), QStringLiteral("exchange.log"),
-        UiText(text::kFramesSaveName), nullptr, QFileDialog::DontUseNativeDialog);
-    if (!file.isEmpty()) {
-        Save(file.toStdString());
+    const std::filesystem::path file = ChooseFile(this, true, UiText(text::kFramesTitle),
+                                                  "exchange.log", UiText(text::kFramesSaveName));
+    if (!file.empty()) {
+        Save(file);
     }
     m_hold->setChecked(wasHeld);
 }

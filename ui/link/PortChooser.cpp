@@ -3,11 +3,13 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
 #include <QComboBox>
+#include <QEvent>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -39,7 +41,7 @@ PortChooser::PortChooser(PortNames names, const std::vector<ScenarioChoice>& sce
                          SystemRoots roots, QWidget* parent)
     : QWidget(parent), m_names(std::move(names)), m_roots(std::move(roots)),
       m_list(new QListWidget), m_nothing(new QLabel(UiText(text::kPortNone))),
-      m_name(new QLineEdit), m_fault(new QLabel(UiText(text::kPortNameFault))),
+      m_name(new QLineEdit), m_fault(new RoleLabel(&Theme::bad, UiText(text::kPortNameFault))),
       m_scenarioLabel(new QLabel(UiText(text::kPortScenario))), m_scenario(new QComboBox),
       m_baudRate(new QComboBox)
 {
@@ -50,7 +52,6 @@ PortChooser::PortChooser(PortNames names, const std::vector<ScenarioChoice>& sce
     connect(m_scenario, &QComboBox::activated, this, &PortChooser::OnScenario);
     connect(m_baudRate, &QComboBox::activated, this, &PortChooser::Chosen);
     connect(&m_timer, &QTimer::timeout, this, &PortChooser::Refresh);
-    Refresh();
     SetChoice({});
 }
 
@@ -64,9 +65,6 @@ void PortChooser::Build(const std::vector<ScenarioChoice>& scenarios)
     m_nothing->setWordWrap(true);
     m_fault->setWordWrap(true);
     m_fault->setTextFormat(Qt::PlainText);
-    QPalette palette = m_fault->palette();
-    palette.setColor(QPalette::WindowText, Theme::Current().bad);
-    m_fault->setPalette(palette);
     m_name->setAccessibleName(UiText(text::kPortName).remove(QLatin1Char('&')));
     m_name->setPlaceholderText(UiText(text::kPortNameHint));
     m_name->setMaxLength(static_cast<int>(CReg::kMaxText));
@@ -100,6 +98,7 @@ void PortChooser::Build(const std::vector<ScenarioChoice>& scenarios)
     layout->addWidget(m_list, 1);
     layout->addLayout(form);
     m_fault->hide();
+    m_nothing->hide(); // until it has been looked
 }
 
 std::string PortChooser::Name() const
@@ -129,6 +128,7 @@ void PortChooser::Refresh()
     std::vector<PortChoice> ports = ListPortChoices(m_names, m_roots);
     if (ports != m_ports) {
         m_ports = std::move(ports);
+        m_nothing->setVisible(m_ports.size() <= 1);
         ShowPorts();
     }
 }
@@ -147,7 +147,6 @@ void PortChooser::ShowPorts()
         item->setSizeHint({0, lines * fontMetrics().lineSpacing() + 2 * kGrid});
         item->setForeground(port.usable ? Theme::Current().text : Theme::Current().second);
     }
-    m_nothing->setVisible(m_ports.size() <= 1);
     SelectRow();
 }
 
@@ -197,14 +196,31 @@ void PortChooser::OnScenario()
 
 void PortChooser::showEvent(QShowEvent* event)
 {
-    Refresh();
     m_timer.start(kInterval);
     QWidget::showEvent(event);
+}
+
+void PortChooser::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    if (!m_hasLooked) {
+        m_hasLooked = true; // looking which program has which port takes longer than all the rest
+        QMetaObject::invokeMethod(this, &PortChooser::Refresh, Qt::QueuedConnection);
+    }
+}
+
+void PortChooser::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        ShowPorts();
+    }
 }
 
 void PortChooser::hideEvent(QHideEvent* event)
 {
     m_timer.stop();
+    m_hasLooked = false;
     QWidget::hideEvent(event);
 }
 

@@ -41,8 +41,8 @@ public:
     /// @return nothing while what is typed is no name of a port
     [[nodiscard]] std::optional<ConnectChoice> Choice() const;
 
-    /// Looks which ports there are. Called every second while the chooser is seen. What is chosen
-    /// stays chosen, also when it is unplugged.
+    /// Looks which ports there are. Called when the chooser has been painted, and every second
+    /// while it is seen. What is chosen stays chosen, also when it is unplugged.
     void Refresh();
 
 Q_SIGNALS:
@@ -53,6 +53,8 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
@@ -68,7 +70,8 @@ private:
     const SystemRoots m_roots;
     std::vector<PortChoice> m_ports;
     QTimer m_timer;
-    QListWidget* m_list; // owned by the chooser, as are all that follow
+    bool m_hasLooked = false; // since it was shown
+    QListWidget* m_list;      // owned by the chooser, as are all that follow
     QLabel* m_nothing;
     QLineEdit* m_name;
     QLabel* m_fault;

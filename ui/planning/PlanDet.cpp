@@ -68,11 +68,11 @@ CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
         layout->addWidget(label);
         layout->addWidget(spin);
     };
-    m_fewest->SetRange(4.0, 12.0);
-    m_pdop->SetRange(1.0, 10.0);
+    m_fewest->SetRange(WindowLimits::kFewestSatellites, WindowLimits::kMostSatellites);
+    m_pdop->SetRange(WindowLimits::kLowestPdop, WindowLimits::kHighestPdop);
     m_pdop->SetDecimals(1);
     m_pdop->SetStep(0.5);
-    m_minutes->SetRange(5.0, 720.0);
+    m_minutes->SetRange(WindowLimits::kShortest.count(), WindowLimits::kLongest.count());
     m_minutes->SetStep(5.0);
     m_minutes->SetUnit(UiText(text::kPlanMinutes));
     add(text::kPlanFewestSatellites, m_fewest);

@@ -13,7 +13,7 @@ class CSpinDouble;
 class CSurveyPlan;
 
 /// Page of the plan's detail settings: which satellites count, and what makes a window of time a
-/// good one. Both hold as long as the plan's screen is there. User-interface thread only.
+/// good one. User-interface thread only.
 class CPlanDet : public PropertyPage
 {
     Q_OBJECT

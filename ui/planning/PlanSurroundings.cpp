@@ -1,9 +1,9 @@
 #include "ui/planning/PlanSurroundings.h"
 
 #include "core/platform/Folders.h"
-
-#include <QFile>
-#include <QFileDialog>
+#include "core/resources/StringTable.h"
+#include "ui/controls/FileChoice.h"
+#include "ui/controls/UiText.h"
 
 #include <utility>
 
@@ -14,10 +14,8 @@ namespace {
 std::filesystem::path AskForFile(QWidget* parent, bool save, const std::filesystem::path& suggested,
                                  const QString& filter)
 {
-    const QString start = QFile::decodeName(suggested.c_str());
-    const QString chosen = save ? QFileDialog::getSaveFileName(parent, QString(), start, filter)
-                                : QFileDialog::getOpenFileName(parent, QString(), start, filter);
-    return QFile::encodeName(chosen).toStdString();
+    return ChooseFile(parent, save, UiText(save ? text::kSaveFileTitle : text::kFileOpenTitle),
+                      suggested, filter);
 }
 
 } // namespace

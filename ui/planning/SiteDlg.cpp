@@ -2,7 +2,7 @@
 
 #include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
-#include "ui/controls/Theme.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
@@ -37,7 +37,7 @@ constexpr std::array kFields{
 SiteDlg::SiteDlg(std::filesystem::path folder, std::wstring name, const SiteInput& input,
                  QWidget* parent)
     : Dialog(parent), m_folder(std::move(folder)), m_name(std::move(name)), m_fields{},
-      m_fault(new QLabel)
+      m_fault(new RoleLabel(&Theme::bad))
 {
     setWindowTitle(UiText(m_name.empty() ? text::kSiteAddTitle : text::kSiteEditTitle));
     setAccessibleName(windowTitle());
@@ -62,9 +62,6 @@ SiteDlg::SiteDlg(std::filesystem::path folder, std::wstring name, const SiteInpu
     scroll->setWidget(content);
     m_fault->setWordWrap(true);
     m_fault->setContentsMargins(12, 0, 12, 0);
-    QPalette palette = this->palette();
-    palette.setColor(QPalette::WindowText, Theme::Current().bad);
-    m_fault->setPalette(palette);
     m_fault->hide();
 
     auto* const layout = new QVBoxLayout(this);

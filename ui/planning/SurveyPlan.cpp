@@ -17,6 +17,7 @@
 #include "ui/planning/PlanHeader.h"
 #include "ui/planning/PlanPos.h"
 #include "ui/planning/PlanSet.h"
+#include "ui/planning/PlanWindowList.h"
 
 #include <array>
 
@@ -80,6 +81,7 @@ bool CSurveyPlan::OnInitDialog()
     DoDataExchange(false);
     m_header->ShowSite(ToQt(GetPositionStr()));
     m_graph->SetDrawing(Drawing());
+    m_windowList->Show(Drawing());
     ShowSlider();
     Tell(almanac);
     ShowDates();

@@ -22,6 +22,7 @@ class CTextProgressCtrl;
 class LabelSpin;
 class PlanGraphView;
 class PlanHeader;
+class PlanWindowList;
 
 /// The screen of the observation plan: for one day, a period of whole hours and a site, it shows
 /// how many satellites can be used, how good their geometry is, and where they stand. The rules are
@@ -165,7 +166,8 @@ private:
     LabelSpin* m_end;
     PlanGraphView* m_graph;
     QSlider* m_time;
-    QLabel* m_windows;
+    QLabel* m_windows;            // two of them, below the graph
+    PlanWindowList* m_windowList; // all of them, where the panel stands beside it
     CTextProgressCtrl* m_progress;
 };
 

@@ -16,6 +16,7 @@
 #include "ui/planning/PlanExportMenu.h"
 #include "ui/planning/PlanGraphView.h"
 #include "ui/planning/PlanHeader.h"
+#include "ui/planning/PlanWindowList.h"
 
 #include <QLabel>
 #include <QResizeEvent>
@@ -105,6 +106,9 @@ QWidget* CSurveyPlan::BuildPanel()
     spins->addWidget(m_start, 1);
     spins->addWidget(m_end, 1);
     layout->addLayout(spins);
+    m_windowList = new PlanWindowList;
+    m_windowList->hide();
+    layout->addWidget(m_windowList);
     layout->addStretch(1);
     m_header->AddTools(m_tools);
 
@@ -180,6 +184,7 @@ void CSurveyPlan::DragMask(int maskDeg)
 
 void CSurveyPlan::ShowWindows()
 {
+    m_windowList->Show(Drawing());
     constexpr std::size_t kShown = 2;
     const ObservationPlan& plan = m_session.Plan();
     const std::vector<PlanWindow> windows = FindWindows(plan, m_session.Limits());
@@ -227,6 +232,8 @@ void CSurveyPlan::resizeEvent(QResizeEvent* event)
     const bool isWide = event->size().width() >= kWide;
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     m_panel->setMaximumWidth(isWide ? kWide * 4 / 9 : QWIDGETSIZE_MAX);
+    m_windowList->setVisible(isWide);
+    m_windows->setHidden(isWide);
 }
 
 void CSurveyPlan::changeEvent(QEvent* event)

@@ -5,7 +5,9 @@
 
 #include <string_view>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace fieldcore {
 namespace {
@@ -221,6 +223,41 @@ TEST_F(CommandChannelTest, TheUserCanEndAWait)
         EXPECT_EQ(host.breaths, breath);
         command.ClosePort();
     }
+}
+
+/// Nobody reads at the far end, as behind flow control that a receiver without power holds.
+TEST_F(CommandChannelTest, TheUserCanEndTheWaitForALineThatTakesNothing)
+{
+    const FarEnd deaf;
+    Open(deaf.Path());
+    const int line = open(deaf.Path().c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(line, 0);
+    const std::vector<char> rubbish(4096, 'x');
+    while (write(line, rubbish.data(), rubbish.size()) > 0) {
+    }
+    host.inBreath = [&] { return host.breaths < 2; };
+    StatusReply status;
+    EXPECT_EQ(command.RequestStatus(status), 0);
+    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
+    EXPECT_EQ(host.breaths, 2);
+    host.breaths = 0;
+    IdentificationRecord record;
+    EXPECT_EQ(command.RequestIdentity(record), 0);
+    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
+    EXPECT_EQ(host.breaths, 2);
+    close(line);
+}
+
+TEST_F(CommandChannelTest, TheUserCanEndABreak)
+{
+    const FarEnd silent;
+    Open(silent.Path());
+    host.inBreath = [&] { return host.breaths < 2; }; // 300 ms have six
+    IdentificationRecord record;
+    EXPECT_EQ(command.RequestIdentity(record), 0);
+    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
+    EXPECT_EQ(host.breaths, 2);
+    EXPECT_EQ(silent.Receive(1), Bytes{0x00});
 }
 
 TEST_F(CommandChannelTest, WithoutAPortNothingHappens)

@@ -54,6 +54,7 @@ public:
     {
         return Fails("Read") ? std::nullopt : m_device.Read(buffer);
     }
+    bool HasRoom(std::chrono::milliseconds limit) override { return m_device.HasRoom(limit); }
     std::size_t Write(std::span<const std::uint8_t> bytes) override
     {
         return Fails("Write") ? 0 : m_device.Write(bytes);

@@ -3,7 +3,9 @@
 #include "core/link/Command.h"
 #include "core/link/Connect.h"
 #include "simulator/Simulator.h"
+#include "tests/core/platform/TemporaryFolder.h"
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -32,8 +34,9 @@ public:
 class AgreeingHost : public Host
 {
 public:
-    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view, BoxStyle) override
     {
+        said.emplace_back(text);
         return BoxAnswer::Ok;
     }
     bool Breathe() override
@@ -45,6 +48,7 @@ public:
     }
     std::function<void()> onBreath;
     bool cancels = false;
+    std::vector<std::wstring> said;
 };
 
 /// Connects without the pauses that a clock would have to be moved for.
@@ -172,7 +176,7 @@ TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
         const ReceiverLink::Hold dialog(link);
         EXPECT_EQ(TickAfter(60s), 0U);
     }
-    EXPECT_EQ(TickAfter(0s), 1U) << "must not wait once the cable is back";
+    EXPECT_EQ(TickAfter(0s), 2U) << "status and serial number; must not wait once it is back";
     EXPECT_EQ(link.State(), Connected);
     EXPECT_EQ(link.StatusAge(), 0s);
     EXPECT_EQ(seen, (std::vector{Connecting, Connected, Lost, Reconnecting, Connected}));
@@ -195,7 +199,7 @@ TEST_F(ReceiverLinkTest, TriesWithGrowingPausesWhileThePortIsThere)
         EXPECT_EQ(TickAfter(1ms), 1U) << pause.count();
     }
     receiver.ClearFaults();
-    EXPECT_EQ(TickAfter(10s), 1U);
+    EXPECT_EQ(TickAfter(10s), 2U);
     EXPECT_EQ(link.State(), Connected);
     // One missed question is no loss, and is forgiven.
     AddFault("nak on 08 count 1");
@@ -228,6 +232,73 @@ TEST_F(ReceiverLinkTest, OnlyALossBringsAttempts)
     TickAfter(2s);
     EXPECT_EQ(link.State(), NotConnected);
     EXPECT_EQ(command.IsPortOpen(), 0);
+}
+
+/// Behind the same name stands another receiver when the cable is back.
+TEST_F(ReceiverLinkTest, TellsWhenAnotherReceiverComesBack)
+{
+    struct Row
+    {
+        const char* course;
+        const char* change; ///< lines of the second receiver's scenario
+        std::vector<std::wstring> said;
+        LinkState state;
+        std::wstring name; ///< of the receiver that is known at the end
+    };
+    const std::wstring first = L"Corvane VX1（S/N 5017000001）";
+    const auto other = [&](const std::wstring& now) {
+        return L"別の受信機が接続されました。\n前の受信機: " + first + L"\n今の受信機: " + now;
+    };
+    const Row rows[] = {
+        {"the same", "", {}, Connected, first},
+        {"another antenna", "antenna-serial A0002", {}, Connected, first},
+        {"its firmware was renewed", "firmware 4.99", {}, Connected, first},
+        {"one of the same model",
+         "long-serial 5017000002",
+         {other(L"Corvane VX1（S/N 5017000002）")},
+         Connected,
+         L"Corvane VX1（S/N 5017000002）"},
+        {"another model with that number",
+         "model 3024\nfirmware 4.99",
+         {other(L"Corvane VX4（S/N 5017000001）")},
+         Connected,
+         L"Corvane VX4（S/N 5017000001）"},
+        {"one that is not supported",
+         "model 2040\nserial 7\nlong-serial none",
+         {other(L"2040（S/N 7）"), L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。"},
+         NotConnected,
+         first},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        const TemporaryFolder folder;
+        const auto cable = folder.Path() / "cable";
+        std::filesystem::create_symlink(receiver.PortPath(), cable);
+        target.devicePath = cable;
+        ASSERT_EQ(Connect(), 1);
+        ASSERT_TRUE(link.Receiver().has_value());
+        EXPECT_EQ(link.Receiver()->Name(), first);
+        TickAfter(0s);
+        std::string error;
+        const auto scenario = simulator::ParseScenario(row.change, error);
+        ASSERT_TRUE(scenario.has_value()) << error;
+        Simulator second(*scenario);
+        ASSERT_TRUE(second.Start(error)) << error;
+        receiver.HangUp();
+        TickAfter(2s);
+        ASSERT_EQ(link.State(), Lost);
+        std::filesystem::remove(cable);
+        std::filesystem::create_symlink(second.PortPath(), cable);
+        host.said.clear();
+        host.onBreath = [&] { link.Tick(); }; // as the program's timer does
+        TickAfter(2s);
+        host.onBreath = {};
+        EXPECT_EQ(host.said, row.said);
+        EXPECT_EQ(link.State(), row.state);
+        EXPECT_EQ(command.IsPortOpen() == 1, row.state == Connected);
+        EXPECT_EQ(link.Receiver()->Name(), row.name);
+        ASSERT_TRUE(receiver.Plug());
+    }
 }
 
 TEST_F(ReceiverLinkTest, AReceiverThatIsNotAcceptableIsNotKept)

@@ -33,11 +33,14 @@ TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
     EXPECT_EQ(settings.positionNo, 13);
     EXPECT_EQ(settings.position, L"東京都千代田区");
     EXPECT_EQ(settings.positionId, 0);
+    EXPECT_EQ(settings.limits, WindowLimits{});
+    EXPECT_EQ(settings.switchedOff, 0U);
 }
 
 TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 {
-    EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99}), 1);
+    const WindowLimits limits{7, 2.35, std::chrono::minutes(45)};
+    EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99, limits, 0x80000005}), 1);
     SettingsRoots later(testing::FoldersBelow(m_home.Path()));
     const PlanSettings settings = LoadPlanSettings(HostReg(later));
     EXPECT_EQ(settings.elMaskDeg, 25);
@@ -48,6 +51,8 @@ TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
     EXPECT_EQ(settings.positionNo, 27);
     EXPECT_EQ(settings.position, L"自宅");
     EXPECT_EQ(settings.positionId, 99);
+    EXPECT_EQ(settings.limits, limits);
+    EXPECT_EQ(settings.switchedOff, 0x80000005U);
 
     // Under the names that other programs of the controller know.
     std::uint32_t mask = 0;
@@ -78,6 +83,30 @@ TEST_F(PlanSettingsTest, FitTheControlsWhateverIsStored)
         ASSERT_EQ(SavePlanSettings(m_reg, PlanSettings{}), 1);
         ASSERT_EQ(m_reg.WriteNumber(L"GPS\\SurveyPlan", row.name, row.stored), 1);
         EXPECT_EQ(LoadPlanSettings(m_reg).*row.member, row.loaded);
+    }
+    const wchar_t* const conditions = L"GPS\\SurveyPlan\\Conditions";
+    using std::chrono::minutes;
+    const WindowLimits fresh;
+    struct Condition
+    {
+        const char* fault;
+        const wchar_t* name;
+        std::uint32_t stored;
+        WindowLimits loaded;
+    };
+    for (const Condition& row :
+         {Condition{"fewer than fix a place", L"MinSatellites", 3, {4, 4.0, minutes(30)}},
+          Condition{"more than an int", L"MinSatellites", 0xFFFFFFFF, {12, 4.0, minutes(30)}},
+          Condition{"no dilution", L"MaxPdop", 0, {5, 1.0, minutes(30)}},
+          Condition{"any dilution", L"MaxPdop", 0xFFFFFFFF, {5, 10.0, minutes(30)}},
+          Condition{"no length", L"MinMinutes", 0, {5, 4.0, minutes(5)}},
+          Condition{"longer than days", L"MinMinutes", 0x80000000, {5, 4.0, minutes(720)}},
+          Condition{"all satellites off", L"SwitchedOff", 0xFFFFFFFF, fresh}}) {
+        SCOPED_TRACE(row.fault);
+        ASSERT_EQ(SavePlanSettings(m_reg, PlanSettings{}), 1);
+        ASSERT_EQ(m_reg.WriteNumber(conditions, row.name, row.stored), 1);
+        EXPECT_EQ(LoadPlanSettings(m_reg).limits, row.loaded);
+        EXPECT_EQ(LoadPlanSettings(m_reg).switchedOff, 0U);
     }
     ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"ElMask", L"thirty"), 1);
     ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"Position", std::wstring(256, L'x')), 1);

@@ -144,8 +144,10 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         folder.Write("user.db.damaged-1", "an older one");
         SqliteSettingsStore store(file);
         const fs::path aside = folder.Path() / "user.db.damaged-2";
-        EXPECT_EQ(store.TakeNotice().find(aside.string()) != std::string::npos, row.setAside);
-        EXPECT_EQ(store.TakeNotice(), "");
+        const SettingsNotice notice = store.TakeNotice();
+        EXPECT_EQ(notice.kind == SettingsNotice::Kind::SetAside, row.setAside);
+        EXPECT_EQ(notice.Words().find(aside.string()) != std::string::npos, row.setAside);
+        EXPECT_TRUE(store.TakeNotice().IsEmpty());
         EXPECT_EQ(Content(aside) == damaged, row.setAside);
         EXPECT_EQ(Content(folder.Path() / "user.db.damaged-1"), "an older one");
         EXPECT_EQ(store.Values(L"K").size(), row.setAside ? 0U : 300U);
@@ -172,7 +174,7 @@ TEST(SqliteSettingsStore, WorksAfterAnyDamage)
         }
         folder.Write(file.lexically_relative(folder.Path()), damaged);
         SqliteSettingsStore store(file);
-        const std::string notice = store.TakeNotice();
+        const std::string notice = store.TakeNotice().Words();
         const std::size_t values = store.Values(L"K").size();
         EXPECT_TRUE(notice.empty() ? values <= 300 : values == 0) << notice;
         if (!notice.empty()) {
@@ -193,7 +195,7 @@ TEST(SqliteSettingsStore, WorksWhereItsFileIsNoFile)
     for (const fs::path& file : {pipe, directory}) {
         SCOPED_TRACE(file.filename());
         SqliteSettingsStore store(file);
-        EXPECT_NE(store.TakeNotice(), "");
+        EXPECT_EQ(store.TakeNotice().kind, SettingsNotice::Kind::NotKept);
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
         EXPECT_EQ(NumberIn(store, L"K", L"n"), 7U);
     }
@@ -205,21 +207,25 @@ TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
     const TemporaryFolder folder;
     const fs::path plain = folder.Write("plain", "");
     SqliteSettingsStore nowhere(plain / "below" / "user.db");
-    EXPECT_NE(nowhere.TakeNotice().find("cannot be saved"), std::string::npos);
-    EXPECT_EQ(nowhere.TakeNotice(), "");
+    EXPECT_NE(nowhere.TakeNotice().Words().find("cannot be saved"), std::string::npos);
+    EXPECT_TRUE(nowhere.TakeNotice().IsEmpty());
     EXPECT_TRUE(nowhere.Set(L"K", L"n", std::uint32_t{7}, kCreate));
     EXPECT_EQ(NumberIn(nowhere, L"k", L"N"), 7U);
 
-    // What is there can still be read.
-    const fs::path file = FilledFile(folder);
-    fs::remove(file.string() + ".lock");
-    fs::create_directory(file.string() + ".lock");
-    const std::string before = Content(file);
-    SqliteSettingsStore readOnly(file);
-    EXPECT_NE(readOnly.TakeNotice(), "");
-    EXPECT_EQ(readOnly.Values(L"K").size(), 300U);
-    EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-    EXPECT_EQ(Content(file), before);
+    // What is there can still be read, also where the path has what means something in an address.
+    const fs::path made = FilledFile(folder);
+    const std::string before = Content(made);
+    for (const std::string below : {"plain-name", "what?mode=rw", "50%41", "a#b", "日本 語&x"}) {
+        SCOPED_TRACE(below);
+        const fs::path file = folder.Path() / below / "user.db";
+        fs::create_directories(fs::path(file.string() + ".lock")); // so that it cannot be locked
+        fs::copy_file(made, file);
+        SqliteSettingsStore readOnly(file);
+        EXPECT_EQ(readOnly.TakeNotice().file, file.string());
+        EXPECT_EQ(readOnly.Values(L"K").size(), 300U);
+        EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
+        EXPECT_EQ(Content(file), before);
+    }
 }
 
 TEST(SqliteSettingsStore, KeepsItsLogAtOneLength)
@@ -283,7 +289,7 @@ std::size_t StoredBy(const std::string& name, const fs::path& config, std::size_
     while (count < atMost && NumberIn(store, key, prefix + std::to_wstring(count)) == count) {
         ++count;
     }
-    EXPECT_EQ(store.TakeNotice(), "");
+    EXPECT_TRUE(store.TakeNotice().IsEmpty());
     return count;
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/link/Command.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/PosixSerialDevice.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
 #include "tests/ui/link/Clicks.h"
@@ -11,6 +12,7 @@
 #include "ui/link/LinkMonitor.h"
 #include "ui/link/RecvForceInitDlg.h"
 
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QRandomGenerator>
@@ -290,6 +292,34 @@ TEST_F(ConnectDlgTest, CancelsInEachStep)
         EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
         EXPECT_EQ(command.IsPortOpen(), 0);
     }
+}
+
+/// The system call that opens a port does not ask the host; what was clicked meanwhile waits.
+TEST_F(ConnectDlgTest, ACancelWhileThePortOpensCounts)
+{
+    StartShipped("lark");
+    ConnectProgressDlg* shown = nullptr;
+    const auto click = [&shown](QEvent::Type type) {
+        QPushButton* const button = shown->CancelButton();
+        const QPointF at = button->rect().center();
+        QCoreApplication::postEvent(button, new QMouseEvent(type, at, button->mapToGlobal(at),
+                                                            Qt::LeftButton, Qt::LeftButton, {}));
+    };
+    CCommand slow({&host, &clock, nullptr, [&] {
+                       shown = qobject_cast<ConnectProgressDlg*>(QApplication::activeModalWidget());
+                       if (shown != nullptr) {
+                           click(QEvent::MouseButtonPress);
+                           click(QEvent::MouseButtonRelease);
+                       }
+                       return std::make_unique<PosixSerialDevice>();
+                   }});
+    Surveyor surveyor;
+    surveyor.boxes = {Cable(text::kButtonOk)};
+    ConnectDlg dialog(slow, 0, target, &window);
+    EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+    EXPECT_NE(shown, nullptr);
+    EXPECT_EQ(slow.Fault(), CommandFault::Cancelled);
+    EXPECT_LE(receiver->RequestCount(), 1U);
 }
 
 TEST_F(ConnectDlgTest, CutsNothingOff)

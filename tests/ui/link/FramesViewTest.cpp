@@ -4,6 +4,7 @@
 #include "core/platform/WholeFile.h"
 #include "simulator/Simulator.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/Theme.h"
@@ -234,15 +235,26 @@ TEST_F(FramesViewTest, CutsNothingOff)
         for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
             view.resize(size);
             QCoreApplication::processEvents();
-            EXPECT_EQ(view.size(), size) << "does not fit";
+            testing::ExpectNothingCut(view, size);
             KeepPicture(view, QStringLiteral("frames-%1-").arg(size.width()) + name);
         }
     }
     Theme::Use(Theme::Kind::Daylight);
-    for (const QPushButton* const button : view.findChildren<QPushButton*>()) {
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPixelSize(21); // 30 % above 16
+    QApplication::setFont(large);
+    FramesView larger(history);
+    larger.resize(480, 640);
+    larger.show();
+    QCoreApplication::processEvents();
+    testing::ExpectNothingCut(larger, {480, 640});
+    for (const QPushButton* const button : larger.findChildren<QPushButton*>()) {
         EXPECT_GE(button->height(), 44);
-        EXPECT_TRUE(view.rect().contains(button->geometry()));
+        EXPECT_TRUE(larger.rect().contains(button->geometry()));
     }
+    KeepPicture(larger, QStringLiteral("frames-480-large"));
+    QApplication::setFont(before);
 }
 
 } // namespace

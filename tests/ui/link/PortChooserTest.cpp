@@ -73,6 +73,8 @@ protected:
                                                   &window);
         dialog->show();
         QApplication::setActiveWindow(dialog.get());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return List()->count() > 0; }, 30000))
+            << "nobody looks for ports";
     }
     template <typename Control>
     [[nodiscard]] Control* Find(int textId) const
@@ -166,6 +168,16 @@ TEST_F(PortChooserTest, TakesWhatIsTypedAndSaysWhatIsWrong)
         EXPECT_EQ(List()->currentRow(), row.isSimulator ? 0 : -1);
     }
     Type(QStringLiteral("nonsense"));
+    for (const Theme::Kind theme : {Theme::Kind::Dark, Theme::Kind::Daylight}) {
+        Theme::Use(theme);
+        QCoreApplication::processEvents(); // which tell the widgets
+        for (const QLabel* const label : dialog->findChildren<QLabel*>()) {
+            if (label->text() == UiText(text::kPortNameFault)) {
+                EXPECT_EQ(label->palette().color(QPalette::WindowText), Theme::Current().bad);
+            }
+        }
+        EXPECT_EQ(List()->item(0)->foreground().color(), Theme::Current().text);
+    }
     QTest::keyClick(Name(), Qt::Key_Return);
     EXPECT_TRUE(dialog->isVisible()) << "left with a name that is none";
 }

@@ -3,6 +3,7 @@
 #include "core/platform/Cp932.h"
 #include "simulator/Simulator.h"
 #include "tests/ui/controls/Pictures.h"
+#include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/planning/PlanScreen.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
@@ -225,10 +226,49 @@ TEST_F(PlanPagesTest, SwitchSatellitesOffButNotAll)
         }
         page.findChildren<CSpinDouble*>()[0]->SetValue(7.0);
     });
-    EXPECT_EQ(plan->Session().Limits().minSatellites, 7);
     EXPECT_LT(plan->Session().Plan().CountAt(0), before);
-    EXPECT_EQ(plan->GetSurveyPlanCalc()->IsValid(3), 1);
-    EXPECT_EQ(plan->GetSurveyPlanCalc()->IsValid(4), 0);
+    for (const bool isReopened : {false, true}) {
+        SCOPED_TRACE(isReopened);
+        EXPECT_EQ(plan->Session().Limits().minSatellites, 7);
+        EXPECT_EQ(plan->GetSurveyPlanCalc()->IsValid(3), 1);
+        EXPECT_EQ(plan->GetSurveyPlanCalc()->IsValid(4), 0);
+        plan->Close(Dialog::kCancelled);
+        Show();
+    }
+}
+
+TEST_F(PlanPagesTest, StandAThousandRandomEvents)
+{
+    struct Row
+    {
+        const char* screen;
+        int item;
+        int page; ///< of the sheet; -1: it has none
+    };
+    for (const Row& row : {Row{"conditions", 21911, 0}, Row{"site", 21911, 1},
+                           Row{"satellites", 21911, 2}, Row{"curtain", 21913, -1}}) {
+        SCOPED_TRACE(row.screen);
+        Show();
+        testing::RandomHands hands;
+        constexpr int kPerOpening = 100;
+        while (!hands.IsTired()) {
+            Next(*plan, [&](QWidget& window) {
+                if (row.page >= 0) {
+                    dynamic_cast<PropertySheet&>(window).SetActivePage(row.page);
+                }
+                hands.Play(window, kPerOpening);
+                window.close();
+            });
+            Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(row.item);
+            const PlanSettings& settings = plan->Session().Settings();
+            ASSERT_EQ(settings, Fitted(settings)) << "after " << hands.Count();
+            for (const int elevation : plan->GetSurveyPlanCalc()->GetCurtain()) {
+                ASSERT_TRUE(elevation >= 0 && elevation <= 90) << elevation;
+            }
+            ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
+        }
+        EXPECT_FALSE(SiteNames(home.Path()).empty());
+    }
 }
 
 TEST_F(PlanPagesTest, ChooseADayInTheCalendar)

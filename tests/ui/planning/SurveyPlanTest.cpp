@@ -2,6 +2,7 @@
 
 #include "core/planning/AlmanacFile.h"
 #include "simulator/Simulator.h"
+#include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/planning/PlanScreen.h"
 #include "ui/controls/BarButton.h"
@@ -25,6 +26,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::Click;
+using testing::ExpectNothingCut;
 using testing::Next;
 using testing::PlanScreen;
 
@@ -343,28 +345,6 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     EXPECT_FALSE(time->isVisible());
 }
 
-/// What stands on the screen is wide enough for its text, and the screen for all of it.
-void ExpectNothingCut(QWidget& window)
-{
-    EXPECT_LE(window.minimumSizeHint().width(), window.width());
-    EXPECT_LE(window.minimumSizeHint().height(), window.height());
-    EXPECT_TRUE(window.width() == 480 || window.width() == 1280) << "it has grown";
-    for (const QWidget* const child : window.findChildren<QWidget*>()) {
-        const auto* const label = qobject_cast<const QLabel*>(child);
-        const auto* const button = qobject_cast<const QAbstractButton*>(child);
-        if (!child->isVisible() || (label == nullptr && button == nullptr)) {
-            continue;
-        }
-        const QString text = label != nullptr ? label->text() : button->text();
-        if (label == nullptr || !label->wordWrap()) {
-            EXPECT_LE(child->minimumSizeHint().width(), child->width()) << text.toStdString();
-        }
-        if (label != nullptr && label->wordWrap()) {
-            EXPECT_LE(label->heightForWidth(label->width()), label->height()) << text.toStdString();
-        }
-    }
-}
-
 TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
 {
     const QFont before = QApplication::font();
@@ -379,7 +359,7 @@ TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
                 for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
                     Show(1, size);
                     Choose(item);
-                    ExpectNothingCut(*plan);
+                    ExpectNothingCut(*plan, size);
                     KeepPicture(*plan, QStringLiteral("plan-%1-%2%3%4")
                                            .arg(item)
                                            .arg(size.width())
@@ -392,7 +372,7 @@ TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
                 Next(*plan, [&](QWidget& window) {
                     dynamic_cast<PropertySheet&>(window).SetActivePage(page);
                     QCoreApplication::processEvents();
-                    ExpectNothingCut(window);
+                    ExpectNothingCut(window, {480, 640});
                     KeepPicture(window, QStringLiteral("page-%1%2%3")
                                             .arg(page)
                                             .arg(isDark ? QStringLiteral("-dark") : QString())
@@ -402,7 +382,7 @@ TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
                 Choose(21911);
             }
             Next(*plan, [&](QWidget& window) {
-                ExpectNothingCut(window);
+                ExpectNothingCut(window, {480, 640});
                 KeepPicture(window, QStringLiteral("curtain%1%2")
                                         .arg(isDark ? QStringLiteral("-dark") : QString())
                                         .arg(isLarge ? QStringLiteral("-large") : QString()));

@@ -1,0 +1,98 @@
+// The dialogs that choose a file speak Japanese, and what was chosen comes back as it was typed.
+
+#include "ui/controls/FileChoice.h"
+
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/controls/Pictures.h"
+#include "ui/controls/RoleLabel.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+TEST(FileChoice, AsksInJapaneseAndKeepsTheName)
+{
+    UseJapaneseTextsOfQt(); // where it is not installed, what follows must hold as well
+    const TemporaryFolder folder;
+    folder.Write("old.csv", "1");
+    struct Row
+    {
+        bool save;
+        const char* name;
+        bool agrees;
+        QStringList words;
+    };
+    const Row rows[] = {
+        {true, "計画 #1.csv", true, {QStringLiteral("保存"), QStringLiteral("キャンセル")}},
+        {false, "old.csv", true, {QStringLiteral("開く"), QStringLiteral("キャンセル")}},
+        {true, "x.csv", false, {QStringLiteral("保存")}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        QTimer hand;
+        QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
+            auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (dialog == nullptr) {
+                return;
+            }
+            hand.stop();
+            QStringList shown;
+            for (const QPushButton* const button : dialog->findChildren<QPushButton*>()) {
+                shown += button->text().remove(QLatin1Char('&'));
+            }
+            for (const QLabel* const label : dialog->findChildren<QLabel*>()) {
+                shown += label->text();
+            }
+            for (const QString& word :
+                 row.words + QStringList{QStringLiteral("ファイル名:"), QStringLiteral("種類:"),
+                                         QStringLiteral("場所:")}) {
+                EXPECT_TRUE(shown.contains(word)) << shown.join(QLatin1Char('|')).toStdString();
+            }
+            KeepPicture(*dialog, QString::fromLatin1(row.save ? "file-save" : "file-open"));
+            auto* const name = dialog->findChild<QLineEdit*>();
+            EXPECT_EQ(name->text(), QString::fromUtf8(row.name)) << "the suggestion is lost";
+            row.agrees ? dialog->QDialog::accept() : dialog->reject();
+        });
+        hand.start(1);
+        const std::filesystem::path suggested = folder.Path() / row.name;
+        const std::filesystem::path chosen =
+            ChooseFile(nullptr, row.save, QString(), suggested, QStringLiteral("CSV (*.csv)"));
+        EXPECT_EQ(chosen, row.agrees ? suggested : std::filesystem::path());
+    }
+}
+
+TEST(RoleLabel, FollowsTheTheme)
+{
+    RoleLabel label(&Theme::bad, QStringLiteral("x"));
+    label.show();
+    const auto colour = [&label] { return label.palette().color(QPalette::WindowText); };
+    for (const Theme::Kind theme : {Theme::Kind::Dark, Theme::Kind::Daylight}) {
+        Theme::Use(theme);
+        QCoreApplication::processEvents(); // which tell the widgets
+        for (const RoleLabel::Role role : {&Theme::bad, &Theme::second, &Theme::text}) {
+            label.SetRole(role);
+            EXPECT_EQ(colour(), Theme::Current().*role);
+        }
+        label.SetRole(&Theme::bad); // for the change that comes next
+    }
+    EXPECT_EQ(colour(), Theme::Daylight().bad);
+    Theme::Use(Theme::Kind::Dark);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(colour(), Theme::Dark().bad);
+    Theme::Use(Theme::Kind::Daylight);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,42 @@
+#include "ui/controls/FileChoice.h"
+
+#include "core/resources/StringTable.h"
+#include "ui/controls/UiText.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLibraryInfo>
+#include <QTranslator>
+
+namespace fieldcore {
+
+std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& caption,
+                                 const std::filesystem::path& suggested, const QString& filter)
+{
+    const QFileInfo start(QFile::decodeName(suggested.c_str()));
+    QFileDialog dialog(parent, caption, start.path(), filter);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setLabelText(QFileDialog::Accept, UiText(save ? text::kFileSave : text::kFileOpen));
+    dialog.setLabelText(QFileDialog::Reject, UiText(text::kButtonCancel));
+    dialog.setLabelText(QFileDialog::FileName, UiText(text::kFileName));
+    dialog.setLabelText(QFileDialog::FileType, UiText(text::kFileType));
+    dialog.setLabelText(QFileDialog::LookIn, UiText(text::kFileFolder));
+    dialog.selectFile(start.fileName());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return {};
+    }
+    return QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
+}
+
+bool UseJapaneseTextsOfQt()
+{
+    auto* const translator = new QTranslator(QCoreApplication::instance());
+    return translator->load(QStringLiteral("qtbase_ja"),
+                            QLibraryInfo::path(QLibraryInfo::TranslationsPath)) &&
+           QCoreApplication::installTranslator(translator);
+}
+
+} // namespace fieldcore
