@@ -251,7 +251,7 @@ TEST_F(SessionTest, CutsNothingOff)
                 FramesDlg frames(controller.Frames());
                 check(frames, QStringLiteral("frames-") + look, size);
                 SettingsSheet sheet(controller.Ports(), {{"lark", QStringLiteral("正常な受信機")}},
-                                    ConnectChoice{"sim:lark", 38400});
+                                    ConnectChoice{"sim:lark", 38400}, false);
                 for (const int page : {0, 1}) {
                     sheet.SetActivePage(page);
                     check(sheet, QStringLiteral("settings%1-").arg(page) + look, size);
@@ -300,7 +300,7 @@ TEST_F(SessionTest, DialogsStandAThousandRandomEvents)
             return std::make_unique<SettingsSheet>(
                 controller.Ports(),
                 std::vector<ScenarioChoice>{{"lark", QStringLiteral("正常な受信機")}},
-                ConnectChoice{"sim:lark", 38400});
+                ConnectChoice{"sim:lark", 38400}, false);
         },
         [&]() -> std::unique_ptr<QWidget> {
             return std::make_unique<FramesDlg>(controller.Frames());
