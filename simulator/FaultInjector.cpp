@@ -1,5 +1,7 @@
 #include "simulator/FaultInjector.h"
 
+#include "simulator/FaultActions.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -7,27 +9,6 @@
 namespace fieldcore::simulator {
 
 namespace {
-
-using std::chrono::milliseconds;
-
-// Long enough for the far end to see two events, short enough for any reply time-out.
-constexpr milliseconds kSplitGap{2};
-
-bool IsFrame(const Bytes& bytes)
-{
-    return bytes.size() >= kFrameOverhead && bytes.front() == kStx;
-}
-
-/// A good frame that answers another question than the one in front of it.
-Bytes StrayFrame(const Pieces& pieces)
-{
-    constexpr std::uint8_t kStatus = 0x09;
-    constexpr std::uint8_t kTime = 0x15;
-    const bool isStatus =
-        !pieces.empty() && IsFrame(pieces.front().bytes) && pieces.front().bytes[2] == kStatus;
-    return isStatus ? MakeFrame(kTime, "0345600241018")
-                    : MakeFrame(kStatus, "1008000085 1.85    09");
-}
 
 int RequestType(const Request& request)
 {
@@ -63,23 +44,9 @@ bool EndsAnswer(FaultKind kind)
     return std::find(std::begin(kEnds), std::end(kEnds), kind) != std::end(kEnds);
 }
 
-std::size_t SizeOf(const Pieces& pieces)
-{
-    std::size_t size = 0;
-    for (const Piece& piece : pieces) {
-        size += piece.bytes.size();
-    }
-    return size;
-}
-
 bool CutsRequest(const FaultRule& rule)
 {
     return rule.kind == FaultKind::HangUp && rule.place == HangUpPlace::Request;
-}
-
-int AmountOr(const FaultRule& rule, int usual)
-{
-    return rule.amount == FaultRule::kDefaultAmount ? usual : rule.amount;
 }
 
 /// How much of a request must be there for the cut; its type is its third byte.
@@ -87,89 +54,6 @@ std::size_t CutAt(const FaultRule& rule)
 {
     const int least = rule.requestType == FaultRule::kAnyRequest ? 1 : 3;
     return static_cast<std::size_t>(std::max(AmountOr(rule, 1), least));
-}
-
-Piece HangUpPiece(const FaultRule& rule)
-{
-    Piece piece;
-    piece.hangsUp = true;
-    piece.backAfter = rule.backAfter;
-    return piece;
-}
-
-void Corrupt(Bytes& bytes, int amount)
-{
-    const std::size_t checkByte = IsFrame(bytes) ? bytes.size() - 2 : 0;
-    const std::size_t at = amount < 0 ? checkByte : static_cast<std::size_t>(amount);
-    if (at < bytes.size()) {
-        bytes[at] ^= 0xFFU;
-    }
-}
-
-void Split(Pieces& pieces, int amount)
-{
-    const Piece whole = pieces.front();
-    const std::size_t size = whole.bytes.size();
-    const std::size_t step = amount == 0 ? 1 : std::min(static_cast<std::size_t>(amount), size);
-    Pieces parts;
-    for (std::size_t begin = 0; begin < size;) {
-        const std::size_t end = amount == 0 || begin == 0 ? begin + step : size;
-        const auto from = whole.bytes.begin();
-        Piece part = whole;
-        part.bytes.assign(from + static_cast<std::ptrdiff_t>(begin),
-                          from + static_cast<std::ptrdiff_t>(end));
-        part.wait = begin == 0 ? whole.wait : Clock::Duration(kSplitGap);
-        parts.push_back(std::move(part));
-        begin = end;
-    }
-    pieces.erase(pieces.begin());
-    pieces.insert(pieces.begin(), parts.begin(), parts.end());
-}
-
-void SetType(Bytes& frame, int type)
-{
-    if (IsFrame(frame)) {
-        frame[2] = static_cast<std::uint8_t>(type);
-        frame[frame.size() - 2] = CheckSum(std::span(frame).subspan(1, frame.size() - 3));
-    }
-}
-
-void AnnounceMore(Bytes& frame, int length)
-{
-    if (!IsFrame(frame)) {
-        return;
-    }
-    if (frame[2] == kLongFrame) {
-        frame[3] = static_cast<std::uint8_t>(length >> 8);
-        frame[4] = static_cast<std::uint8_t>(length & 0xFF);
-        return;
-    }
-    frame[3] = static_cast<std::uint8_t>(length & 0xFF);
-    if (length > 0xFF) {
-        frame[2] = kLongFrame;
-        frame.insert(frame.begin() + 3, static_cast<std::uint8_t>(length >> 8));
-    }
-}
-
-/// Ends the answer behind its first @p bytes bytes.
-void CutAnswer(Pieces& pieces, std::size_t bytes, const FaultRule& rule)
-{
-    Pieces kept;
-    for (Piece& piece : pieces) {
-        piece.bytes.resize(std::min(piece.bytes.size(), bytes));
-        bytes -= piece.bytes.size();
-        if (!piece.bytes.empty()) {
-            kept.push_back(std::move(piece));
-        }
-    }
-    kept.push_back(HangUpPiece(rule));
-    pieces = std::move(kept);
-}
-
-void ReplaceAnswer(Pieces& pieces, Bytes bytes)
-{
-    const Clock::Duration wait = pieces.empty() ? Clock::Duration{} : pieces.front().wait;
-    pieces = {Piece{std::move(bytes), wait}};
 }
 
 } // namespace
@@ -193,7 +77,7 @@ FaultInjector::Outcome FaultInjector::Apply(const Request& request, std::vector<
             if (state.rule.kind == FaultKind::HangUp && goesOn && !outcome.ends && cutAt > size) {
                 m_cut = ComingCut{state.rule, cutAt - size};
             } else {
-                Inflict(state.rule, outcome);
+                Strike(state.rule, outcome);
                 outcome.ends = outcome.ends || EndsAnswer(state.rule.kind);
             }
         } else if (request.bytes.size() <= CutAt(state.rule) && Strikes(state)) {
@@ -244,7 +128,7 @@ FaultInjector::Outcome FaultInjector::ApplyToFrames(std::vector<Bytes> frames)
             const bool isMeant = IsForFrames(state.rule) && state.rule.replyType == type &&
                                  Matches(state.rule, m_requestType);
             if (isMeant && Strikes(state)) {
-                Inflict(state.rule, one);
+                Strike(state.rule, one);
                 one.ends = one.ends || state.rule.kind == FaultKind::HangUp ||
                            state.rule.kind == FaultKind::Reboot;
             }
@@ -290,95 +174,9 @@ bool FaultInjector::Strikes(RuleState& state)
     return true;
 }
 
-void FaultInjector::Inflict(const FaultRule& rule, Outcome& outcome)
+void FaultInjector::Strike(const FaultRule& rule, Outcome& outcome)
 {
-    Pieces& pieces = outcome.pieces;
-    switch (rule.kind) {
-    case FaultKind::Drop:
-        pieces.clear();
-        return;
-    case FaultKind::Nak:
-        return ReplaceAnswer(pieces, {kNak});
-    case FaultKind::NakStorm:
-        return ReplaceAnswer(pieces, Bytes(static_cast<std::size_t>(AmountOr(rule, 20)), kNak));
-    case FaultKind::Ack:
-        return ReplaceAnswer(pieces, {kAck});
-    case FaultKind::ReplyForAck:
-        return ReplaceAnswer(pieces, StrayFrame(pieces));
-    case FaultKind::HangUp:
-        return CutAnswer(pieces, static_cast<std::size_t>(AmountOr(rule, 0)), rule);
-    case FaultKind::Reboot:
-        outcome.silence = milliseconds(AmountOr(rule, 3000));
-        pieces.clear();
-        return;
-    default:
-        if (!pieces.empty()) { // else nothing is said that could be said wrongly
-            InflictOnPieces(rule, pieces);
-        }
-    }
-}
-
-void FaultInjector::InflictOnPieces(const FaultRule& rule, Pieces& pieces)
-{
-    const auto stray = [&] { return StrayFrame(pieces); };
-    Piece& first = pieces.front();
-    switch (rule.kind) {
-    case FaultKind::Corrupt:
-        Corrupt(first.bytes, rule.amount);
-        break;
-    case FaultKind::Split:
-        Split(pieces, AmountOr(rule, 0));
-        break;
-    case FaultKind::Delay:
-        first.wait += milliseconds(AmountOr(rule, 500));
-        break;
-    case FaultKind::Duplicate: {
-        const Pieces again = pieces;
-        pieces.insert(pieces.end(), again.begin(), again.end());
-        break;
-    }
-    case FaultKind::WrongType:
-        SetType(first.bytes, AmountOr(rule, 0x7E));
-        break;
-    case FaultKind::Unsolicited:
-        pieces.insert(pieces.begin(), Piece{MakeFrame(0x40, "unsolicited"), first.wait});
-        break;
-    case FaultKind::Early:
-        pieces.push_back({stray(), milliseconds(AmountOr(rule, 0))});
-        break;
-    case FaultKind::Burst: {
-        const Bytes other = stray();
-        pieces.back().bytes.insert(pieces.back().bytes.end(), other.begin(), other.end());
-        break;
-    }
-    case FaultKind::Garbage:
-        pieces.insert(pieces.begin(),
-                      Piece{RandomBytes(static_cast<std::size_t>(AmountOr(rule, 8))), first.wait});
-        break;
-    case FaultKind::ZeroLength:
-        if (IsFrame(first.bytes)) {
-            first.bytes = MakeFrame(first.bytes[2], Bytes());
-        }
-        break;
-    case FaultKind::Truncate: {
-        const auto lost = static_cast<std::size_t>(AmountOr(rule, 1));
-        first.bytes.resize(first.bytes.size() - std::min(lost, first.bytes.size()));
-        break;
-    }
-    case FaultKind::OversizeLength:
-        AnnounceMore(first.bytes, AmountOr(rule, 255));
-        break;
-    default:
-        break;
-    }
-}
-
-Bytes FaultInjector::RandomBytes(std::size_t count)
-{
-    Bytes bytes(count);
-    std::generate(bytes.begin(), bytes.end(),
-                  [this] { return static_cast<std::uint8_t>(m_random() >> 24U); });
-    return bytes;
+    outcome.silence = std::max(outcome.silence, Inflict(rule, outcome.pieces, m_random));
 }
 
 } // namespace fieldcore::simulator

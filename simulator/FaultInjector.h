@@ -59,11 +59,9 @@ private:
         std::size_t bytesLeft = 0;
     };
 
-    void Inflict(const FaultRule& rule, Outcome& outcome);
-    void InflictOnPieces(const FaultRule& rule, Pieces& pieces);
+    void Strike(const FaultRule& rule, Outcome& outcome);
     /// Does to each frame what the rules for single frames say.
     [[nodiscard]] Outcome ApplyToFrames(std::vector<Bytes> frames);
-    [[nodiscard]] Bytes RandomBytes(std::size_t count);
 
     std::vector<RuleState> m_rules;
     std::mt19937 m_random;

@@ -2,7 +2,9 @@
 
 #include "simulator/Models.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace fieldcore::simulator {
 
@@ -18,6 +20,19 @@ struct Renaming
 
 // The newer extension .Q02 has no form of its own for a deleted file.
 constexpr std::array kRenamings{Renaming{".Q00", ".Q0D"}, Renaming{".Q01", ".Q1D"}};
+
+/// Whether the receiver makes files of the newer format: from firmware 4.43 on, but for the types
+/// that never learnt it and for the code of type 3022 that always could.
+bool HasNewerFormat(const Scenario& scenario)
+{
+    constexpr std::array kNever{3021, 3024, 3026, 3036, 3044};
+    constexpr int kAlways = 71;  // type code
+    constexpr long kSince = 443; // hundredths
+    return scenario.options.fileNaming &&
+           (scenario.typeCode == kAlways ||
+            (std::lround(scenario.navVersion * 100.0) >= kSince &&
+             std::find(kNever.begin(), kNever.end(), scenario.typeNumber) == kNever.end()));
+}
 
 std::string WithEnd(std::string_view name, std::string_view end)
 {
@@ -36,7 +51,7 @@ Family FamilyOf(int typeNumber)
 
 std::string_view Extension(const Scenario& scenario, bool deleted)
 {
-    if (scenario.options.fileNaming) {
+    if (HasNewerFormat(scenario)) {
         return ".Q02";
     }
     const bool isFirst = scenario.navVersion >= 1.0 && scenario.navVersion < 2.0;

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 #include <utility>
 
 namespace fieldcore::simulator {
@@ -27,24 +26,10 @@ bool Is(std::span<const std::uint8_t> data, std::initializer_list<std::uint8_t> 
     return std::equal(data.begin(), data.end(), wanted.begin(), wanted.end());
 }
 
-std::uint16_t IndexIn(std::span<const std::uint8_t> data)
-{
-    return static_cast<std::uint16_t>(data[0] << 8U | data[1]);
-}
-
 std::uint32_t U32In(std::span<const std::uint8_t> data)
 {
-    return std::uint32_t{IndexIn(data)} << 16U | IndexIn(data.subspan(2));
-}
-
-constexpr std::size_t kNameBytes = 14;
-
-/// A file's name, without the blanks that fill it up.
-std::string_view NameIn(std::span<const std::uint8_t> data)
-{
-    const std::string_view name(reinterpret_cast<const char*>(data.data()), kNameBytes);
-    const std::size_t last = name.find_last_not_of(' ');
-    return name.substr(0, last == std::string_view::npos ? 0 : last + 1);
+    return std::uint32_t{data[0]} << 24U | std::uint32_t{data[1]} << 16U |
+           std::uint32_t{data[2]} << 8U | data[3];
 }
 
 std::vector<Bytes> Nak()
@@ -64,7 +49,7 @@ std::vector<Bytes> IfEmpty(std::span<const std::uint8_t> data, Bytes reply)
 
 } // namespace
 
-// A type that is not here is answered with NAK.
+// A type that is neither here nor one of the files' is answered with NAK.
 const Receiver::Handler Receiver::kHandlers[] = {
     {0x06, &Receiver::Serial},
     {kStatusRequest, &Receiver::Status},
@@ -80,18 +65,11 @@ const Receiver::Handler Receiver::kHandlers[] = {
     {0x58, &Receiver::Reset},
     {0x5A, &Receiver::Abort},
     {kSetPortCommand, &Receiver::SetPort},
-    {0x60, &Receiver::PicaDelete},
     {kApplicationCommand, &Receiver::Application},
-    {0x68, &Receiver::PicaRecover},
     {0x6B, &Receiver::Status},
-    {0x79, &Receiver::PicaList},
     {0x7A, &Receiver::Flags},
     {kPowerCommand, &Receiver::PowerOff},
     {kLabelCommand, &Receiver::Label},
-    {0x96, &Receiver::Download},
-    {0x9C, &Receiver::LarkList},
-    {0xA0, &Receiver::LarkDelete},
-    {0xA1, &Receiver::LarkRecover},
     {kSignalRefreshCommand, &Receiver::SignalRefresh},
     {0xC8, &Receiver::Tilt},
 };
@@ -105,7 +83,7 @@ Receiver::Receiver(const Scenario& scenario, const Clock& clock)
 std::vector<Bytes> Receiver::Answer(const Request& request)
 {
     if (request.kind != Request::Kind::Damaged) {
-        StopAnswer();
+        m_files.StopAnswer();
     }
     const bool isFrame = request.kind == Request::Kind::Frame;
     const bool wakes =
@@ -134,28 +112,8 @@ std::vector<Bytes> Receiver::AnswerFrame(const Request& request)
             return (this->*handler.answer)(request.Data());
         }
     }
-    return Nak();
-}
-
-std::optional<Bytes> Receiver::NextFrame()
-{
-    std::optional<Bytes> frame = m_more ? m_more() : std::nullopt;
-    if (!frame) {
-        StopAnswer();
-    }
-    return frame;
-}
-
-std::vector<Bytes> Receiver::Begin(FrameSource source)
-{
-    m_more = std::move(source);
-    std::optional<Bytes> first = NextFrame();
-    return first ? Frames{*std::move(first)} : Frames();
-}
-
-bool Receiver::IsOf(Family family) const
-{
-    return FamilyOf(m_scenario.typeNumber) == family;
+    std::optional<Bytes> ofFiles = m_files.Answer(request.Type(), request.Data());
+    return ofFiles ? Frames{*std::move(ofFiles)} : Nak();
 }
 
 double Receiver::ElapsedS() const
@@ -206,7 +164,7 @@ std::vector<Bytes> Receiver::Status(Data data)
 {
     const Sky sky = SkyNow();
     return IfEmpty(data, StatusReply(m_scenario, sky, SolutionAt(m_scenario, sky, ElapsedS()),
-                                     BatteryPercent(), m_files.FreeTenths()));
+                                     BatteryPercent(), Files().FreeTenths()));
 }
 
 std::vector<Bytes> Receiver::Time(Data data)
@@ -356,55 +314,6 @@ std::vector<Bytes> Receiver::PowerOff(Data data)
 std::vector<Bytes> Receiver::Label(Data data)
 {
     return data.size() >= 4 && data[3] == 0 ? Keep(kLabelCommand, data) : Nak();
-}
-
-std::vector<Bytes> Receiver::PicaList(Data data)
-{
-    const std::uint8_t variant = m_scenario.typeNumber == kFirstPica ? 1 : 2;
-    const bool good = IsOf(Family::Pica) && data.size() == 3 && data[1] <= 1 && data[2] == variant;
-    return good ? Frames{PicaPage(m_files, m_scenario.listing, data[0], data[1] == 1)} : Nak();
-}
-
-std::vector<Bytes> Receiver::PicaDelete(Data data)
-{
-    const bool done = IsOf(Family::Pica) && data.size() == 2 && m_files.Delete(IndexIn(data));
-    return done ? Ack() : Nak();
-}
-
-std::vector<Bytes> Receiver::PicaRecover(Data data)
-{
-    const bool done = IsOf(Family::Pica) && data.size() == 2 && m_files.Recover(IndexIn(data));
-    return done ? Ack() : Nak();
-}
-
-std::vector<Bytes> Receiver::LarkList(Data data)
-{
-    if (!IsOf(Family::Lark) || data.size() != kNameBytes) {
-        return Nak();
-    }
-    return Begin(LarkPages(m_files.Matching(NameIn(data)), m_scenario.listing));
-}
-
-std::vector<Bytes> Receiver::LarkDelete(Data data)
-{
-    const bool good = IsOf(Family::Lark) && data.size() == kNameBytes;
-    return good && m_files.Delete(NameIn(data)) ? Ack() : Nak();
-}
-
-std::vector<Bytes> Receiver::LarkRecover(Data data)
-{
-    const bool good = IsOf(Family::Lark) && data.size() == kNameBytes;
-    return good && m_files.Recover(NameIn(data)) ? Ack() : Nak();
-}
-
-std::vector<Bytes> Receiver::Download(Data data)
-{
-    if (!IsOf(Family::Lark) || data.size() != kNameBytes + 6) {
-        return Nak();
-    }
-    const Data rest = data.subspan(kNameBytes);
-    const auto blocks = static_cast<std::uint16_t>(rest[4] << 8U | rest[5]);
-    return Begin(FileBlocks(m_files.Find(NameIn(data)), U32In(rest), blocks));
 }
 
 } // namespace fieldcore::simulator

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "core/platform/Clock.h"
-#include "simulator/FileNames.h"
-#include "simulator/FileReplies.h"
-#include "simulator/FileStore.h"
+#include "simulator/FileRequests.h"
 #include "simulator/Frame.h"
 #include "simulator/GpsTime.h"
 #include "simulator/RequestParser.h"
@@ -34,11 +32,11 @@ public:
 
     /// The next frame of an answer that has begun and goes on: a list of files, a download. Any
     /// request but a damaged one ends it. Nothing if there is no more.
-    [[nodiscard]] std::optional<Bytes> NextFrame();
-    [[nodiscard]] bool GoesOn() const { return m_more != nullptr; }
-    void StopAnswer() { m_more = nullptr; }
+    [[nodiscard]] std::optional<Bytes> NextFrame() { return m_files.NextFrame(); }
+    [[nodiscard]] bool GoesOn() const { return m_files.GoesOn(); }
+    void StopAnswer() { m_files.StopAnswer(); }
 
-    [[nodiscard]] const FileStore& Files() const { return m_files; }
+    [[nodiscard]] const FileStore& Files() const { return m_files.Files(); }
 
     /// The rate that the last set-port command gave the port; the line follows a little later.
     [[nodiscard]] std::uint32_t BaudRate() const { return m_baudRate; }
@@ -85,23 +83,13 @@ private:
     Frames SetPort(Data data);
     Frames PowerOff(Data data);
     Frames Label(Data data);
-    Frames PicaList(Data data);
-    Frames PicaDelete(Data data);
-    Frames PicaRecover(Data data);
-    Frames LarkList(Data data);
-    Frames LarkDelete(Data data);
-    Frames LarkRecover(Data data);
-    Frames Download(Data data);
-    Frames Begin(FrameSource source);
-    [[nodiscard]] bool IsOf(Family family) const;
 
     const Scenario m_scenario;
     const Clock& m_clock;
     const Clock::Duration m_steadyAtStart;
     const Clock::UtcTime m_utcAtStart;
     TiltSensor m_tilt;
-    FileStore m_files;
-    FrameSource m_more; // of the answer that goes on; null: none does
+    FileRequests m_files;
     std::uint32_t m_baudRate;
     bool m_isOff = false;
     bool m_wasReset = false; // its almanacs are gone

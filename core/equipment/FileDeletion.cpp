@@ -9,6 +9,18 @@
 
 namespace fieldcore {
 
+namespace {
+
+/// Whether a look for a file that ended so has told that there is none: it was listed without it,
+/// its name is too long for any file, or the receiver refused to list it.
+bool IsKnownToBeGone(CommandFault fault)
+{
+    return fault == CommandFault::None || fault == CommandFault::TooLong ||
+           fault == CommandFault::Refused;
+}
+
+} // namespace
+
 void FileDeletion::FileDelete()
 {
     m_files.ForgetCancel();
@@ -150,7 +162,7 @@ int FileDeletion::stDeleteFileKernel(int row)
         if (m_files.GetMode() == ReceiverFiles::Live) {
             return 1; // the live file is not touched then
         }
-    } else if (command.Fault() != CommandFault::None && command.Fault() != CommandFault::TooLong) {
+    } else if (!IsKnownToBeGone(command.Fault())) {
         return 0; // without an answer nothing is known, and nothing more is deleted
     }
     return command.DeleteFile_Lark(live);

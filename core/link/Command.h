@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/FileCommands.h"
+#include "core/link/DownloadCommand.h"
 #include "core/link/Identification.h"
 #include "core/link/Replies.h"
 #include "core/link/SatelliteReplies.h"
@@ -16,13 +16,13 @@ namespace fieldcore {
 /// The receiver command channel: the one object through which the library and its host talk to
 /// the receiver. Every request is a method that answers 1, or 0 on failure; Fault() and
 /// LastError() then say why, and the out argument is left as it was. See CommandChannel for the
-/// port, the exchange and its threads; FileCommands for the receiver's files; docs/protocol.md for
-/// the bytes.
-class CCommand : public FileCommands
+/// port, the exchange and its threads; FileCommands and DownloadCommand for the receiver's files;
+/// docs/protocol.md for the bytes.
+class CCommand : public DownloadCommand
 {
 public:
     CCommand() : CCommand(Surroundings{}) {}
-    explicit CCommand(Surroundings surroundings) : FileCommands(std::move(surroundings)) {}
+    explicit CCommand(Surroundings surroundings) : DownloadCommand(std::move(surroundings)) {}
 
     // Requests.
 

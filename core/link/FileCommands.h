@@ -3,28 +3,19 @@
 #include "core/host/MessageTarget.h"
 #include "core/link/CommandChannel.h"
 #include "core/link/DirectoryListing.h"
-#include "core/link/ReceivedFile.h"
-#include "core/platform/FileOperations.h"
 
 #include <cstdint>
-#include <filesystem>
-#include <functional>
 #include <string_view>
-#include <system_error>
 
 namespace fieldcore {
 
-/// The commands for the files in the receiver's memory, a part of CCommand. Which of them a
-/// receiver understands depends on its family. Names are those of the receiver; the by-name
-/// commands send nothing and answer 0 (CommandFault::TooLong) for an empty name, one of more than
-/// 14 bytes, which would be cut to that of another file, and one with "*" or "?".
+/// The commands that list, delete and recover files in the receiver's memory, a part of CCommand.
+/// Which of them a receiver understands depends on its family. Names are those of the receiver;
+/// the by-name commands send nothing and answer 0 (CommandFault::TooLong) for an empty name, one
+/// of more than 14 bytes, which would be cut to that of another file, and one with "*" or "?".
 class FileCommands : public CommandChannel
 {
 public:
-    /// Called with the bytes that have arrived of the file.
-    /// @return false to cancel
-    using BytesArrived = std::function<bool(std::uint32_t bytes)>;
-
     explicit FileCommands(Surroundings surroundings) : CommandChannel(std::move(surroundings)) {}
 
     // Listings. They fill the table and post to the window as kFileListMessage says, with
@@ -56,32 +47,7 @@ public:
     int DeleteFile_Lark(std::wstring_view name);
     int RecoverFile_Lark(std::wstring_view name);
 
-    /// Copies a file of a Lark into a folder of this machine. It is written to NAME.part there,
-    /// block by block, synced, and renamed to NAME (replacing what has that name) once exactly
-    /// @p expectedSize bytes are there; else NAME.part stays, and the next try overwrites it.
-    ///
-    /// A damaged, missing or misplaced block is asked for again from its offset, at most three
-    /// times in a row. A host whose Breathe() answers false, or @p arrived, ends it within one
-    /// block. Memory does not grow with the file.
-    ///
-    /// @param folder  its last level is made if it is missing
-    /// @param name  refused unless IsPlainFileName(), or if it ends in ".part"
-    /// @return the bytes written; the file is there under its name only if they are
-    /// @p expectedSize and GetDownloadFault() is None. -1 when the transfer is incomplete
-    std::int64_t DownloadFile(const std::filesystem::path& folder, std::wstring_view name,
-                              std::uint32_t expectedSize, const BytesArrived& arrived = {});
-
-    /// Of the last download.
-    [[nodiscard]] DownloadFault GetDownloadFault() const { return m_downloadFault; }
-    /// What the system said to DownloadFault::Folder or Write.
-    [[nodiscard]] std::error_code GetFileError() const { return m_fileError; }
-
-    /// How files are written from now on. @p operations must outlive the channel or the next call.
-    void SetFileOperations(FileOperations& operations) { m_operations = &operations; }
-
 private:
-    enum class RunEnd;
-
     int ListPages_Pica(int mode, std::uint8_t variant, DirectoryTable& table, MessageTarget* window,
                        unsigned message);
     int ListPages_Lark(DirectoryTable& table, MessageTarget* window, unsigned message);
@@ -89,14 +55,6 @@ private:
     int AskWhether(std::wstring_view name, bool& more);
     bool BuildListRequest(std::wstring_view pattern);
     int CommandByName(std::uint8_t type, std::wstring_view name);
-    bool FetchFile(std::wstring_view name, ReceivedFile& file, const BytesArrived& arrived);
-    RunEnd FetchRun(ReceivedFile& file, const BytesArrived& arrived);
-    RunEnd TakeBlock(ReceivedFile& file, const BytesArrived& arrived);
-    std::int64_t FailDownload(DownloadFault fault, std::error_code error = {});
-
-    FileOperations* m_operations = nullptr; // null: the system's own
-    DownloadFault m_downloadFault = DownloadFault::None;
-    std::error_code m_fileError;
 };
 
 /// Whether the by-name commands can send @p name.

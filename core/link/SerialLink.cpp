@@ -224,7 +224,7 @@ SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host)
     for (;;) {
         const Clock::Duration left = deadline - m_clock.Steady();
         if (m_frameReady.Wait(m_clock.RealTime(std::min<Clock::Duration>(left, kWaitSlice)))) {
-            if (GetExchangeState() != ExchangeState::Nothing) {
+            if (IsDeliveryWaiting()) { // else it was taken with the one before it
                 return WaitOutcome::Delivered;
             }
             if (IsLost()) {
@@ -250,19 +250,20 @@ SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host)
 Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination)
 {
     Delivery taken;
-    bool handOver = false;
+    std::size_t waiting = 0;
     {
         const std::scoped_lock lock(m_mutex);
-        taken = {m_state, std::min(m_deliveredLength, destination.size())};
-        if (taken.length == 0) {
-            std::fill(destination.begin(), destination.end(), std::uint8_t{0});
-        } else {
-            std::copy_n(m_assembler.Buffer().begin(), taken.length, destination.begin());
-        }
-        handOver = m_handOver;
+        taken = m_deliveries.Take(destination);
+        waiting = m_deliveries.Waiting();
     }
-    if (handOver) {
-        m_consumed.Set();
+    if (taken.length == 0) {
+        std::fill(destination.begin(), destination.end(), std::uint8_t{0});
+    }
+    if (waiting > 0) {
+        m_frameReady.Set();
+    }
+    if (waiting == DeliveryQueue::kRoom / 2) {
+        m_consumed.Set(); // not for each: it would be a switch of threads for each
     }
     return taken;
 }
@@ -270,16 +271,21 @@ Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination)
 void SerialLink::ResetFrameReady()
 {
     m_frameReady.Reset();
-    const std::scoped_lock lock(m_mutex);
-    m_state = ExchangeState::Nothing;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_deliveries.Clear();
+    }
+    m_consumed.Set();
 }
 
 void SerialLink::ResetReceiveState()
 {
-    const std::scoped_lock lock(m_mutex);
-    m_assembler.Reset();
-    m_state = ExchangeState::Nothing;
-    m_deliveredLength = 0;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_assembler.Reset();
+        m_deliveries.Clear();
+    }
+    m_consumed.Set();
 }
 
 int SerialLink::Purge(SerialDevice::Queue queue)
@@ -395,20 +401,26 @@ void SerialLink::SetHandOver(bool on)
         m_handOver = on;
     }
     if (!on) {
-        m_consumed.Set(); // a reader that still waits for its frame to be taken goes on
+        m_consumed.Set(); // a reader that still waits for its frames to be taken goes on
     }
+}
+
+bool SerialLink::IsDeliveryWaiting() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_deliveries.Waiting() > 0;
 }
 
 ExchangeState SerialLink::GetExchangeState() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_state;
+    return m_deliveries.Next().state;
 }
 
 std::size_t SerialLink::GetDeliveredLength() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_deliveredLength;
+    return m_deliveries.Next().length;
 }
 
 std::vector<std::uint8_t> SerialLink::GetUnsolicitedFrame() const
@@ -497,22 +509,34 @@ void SerialLink::AssembleQueued()
 
 void SerialLink::Deliver(const Delivery& delivery, std::unique_lock<std::mutex> lock)
 {
-    m_state = delivery.state;
-    m_deliveredLength = delivery.length;
     if (delivery.state == ExchangeState::Nak) {
         m_error = LinkError::Nak;
     } else if (delivery.state == ExchangeState::Malformed) {
         m_error = LinkError::Malformed;
     }
-    const bool handOver = m_handOver;
-    const milliseconds limit = m_replyTimeout;
-    // Before the delivery: a take that comes too late must not free the next frame.
-    m_consumed.Reset();
+    if (!m_handOver) {
+        m_deliveries.DropWaiting();
+    }
+    m_deliveries.Put(delivery, m_assembler.Buffer());
+    const bool mustStop = m_handOver && m_deliveries.IsFull();
     lock.unlock();
     m_frameReady.Set();
-    if (handOver && !m_closing) {
-        // Whether it was taken or given up, the reader goes on.
-        static_cast<void>(m_consumed.Wait(m_clock.RealTime(limit)));
+    if (mustStop) {
+        AwaitConsumer();
+    }
+}
+
+/// Until there is room again; or nobody takes anything, and the reader goes on all the same.
+void SerialLink::AwaitConsumer()
+{
+    std::unique_lock lock(m_mutex);
+    const auto limit = m_clock.RealTime(m_replyTimeout);
+    bool isTaken = true;
+    while (m_handOver && m_deliveries.IsFull() && isTaken && !m_closing) {
+        m_consumed.Reset(); // a Set() that comes too late would only go round once more
+        lock.unlock();
+        isTaken = m_consumed.Wait(limit);
+        lock.lock();
     }
 }
 

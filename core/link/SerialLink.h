@@ -2,6 +2,7 @@
 
 #include "core/host/Host.h"
 #include "core/link/ByteQueue.h"
+#include "core/link/DeliveryQueue.h"
 #include "core/link/FrameAssembler.h"
 #include "core/link/FrameLog.h"
 #include "core/platform/AutoResetEvent.h"
@@ -126,7 +127,8 @@ public:
     WaitOutcome WaitDelivery(Host& host);
 
     /// Copies what was delivered to the start of @p destination, or zeroes it if there is nothing
-    /// with a length. In hand-over mode the reader then goes on.
+    /// with a length. In hand-over mode the next delivery, if it waits already, then counts as
+    /// delivered.
     /// @return what was delivered, with the number of bytes copied
     Delivery TakeDelivery(std::span<std::uint8_t> destination);
 
@@ -159,8 +161,9 @@ public:
     [[nodiscard]] Framing GetFraming() const;
     void SetFraming(Framing framing);
     [[nodiscard]] bool GetHandOver() const;
-    /// In hand-over mode the reader stops after each delivery until it was taken, at most the
-    /// reply time-out, so that a frame is never overwritten by the next one.
+    /// In hand-over mode deliveries wait for one another to be taken, DeliveryQueue::kRoom of them.
+    /// Then the reader stops until half of these were taken, at most the reply time-out, so that
+    /// a frame is never overwritten by the next one.
     void SetHandOver(bool on);
 
     [[nodiscard]] ExchangeState GetExchangeState() const;
@@ -180,6 +183,7 @@ public:
     static int LogFrame(Direction direction, std::span<const std::uint8_t> bytes);
 
 private:
+    [[nodiscard]] bool IsDeliveryWaiting() const;
     int Fail(LinkError error);
     int Done(bool succeeded, LinkError error) { return succeeded ? 1 : Fail(error); }
     bool Configure(const PortSettings& settings);
@@ -190,6 +194,7 @@ private:
     bool DrainDevice();
     void AssembleQueued();
     void Deliver(const Delivery& delivery, std::unique_lock<std::mutex> lock);
+    void AwaitConsumer();
     void LoseLink(LinkError error);
 
     const std::unique_ptr<SerialDevice> m_device;
@@ -200,7 +205,7 @@ private:
     std::thread m_reader;
     AutoResetEvent m_frameReady;  // set by the reader at each delivery, and when the link is lost
     AutoResetEvent m_threadState; // set by the reader when it has started and when it ends
-    AutoResetEvent m_consumed;    // set by the consumer in hand-over mode
+    AutoResetEvent m_consumed;    // set by the consumer when a reader that stopped can go on
     std::atomic<bool> m_closing = false;
 
     mutable std::mutex m_mutex; // guards everything below
@@ -211,8 +216,7 @@ private:
     std::chrono::milliseconds m_replyTimeout{2000};
     ByteQueue m_queue;
     FrameAssembler m_assembler;
-    ExchangeState m_state = ExchangeState::Nothing;
-    std::size_t m_deliveredLength = 0;
+    DeliveryQueue m_deliveries;
 };
 
 /// The line settings that a port is opened with, on top of what @p current has.

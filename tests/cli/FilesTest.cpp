@@ -14,6 +14,7 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -109,6 +110,8 @@ TEST_F(FilesTest, ListsBothPages)
                                 "in all  700 B\n");
     receiver = "lark"; // whose firmware deletes for good
     EXPECT_EQ(Run("ls --deleted").code, 5);
+    receiver = "logging"; // a type that never learnt the newer extension
+    EXPECT_EQ(Run("ls *.Q01 --json").Json()["result"]["fileCount"], 3);
 }
 
 TEST_F(FilesTest, FetchesEverythingByteByByte)
@@ -256,6 +259,29 @@ TEST_F(FilesTest, CtrlCEndsWithinABlock)
     ASSERT_GT(atSignal, 0U);
     EXPECT_LE(fs::file_size(part), atSignal + 1000);
     EXPECT_FALSE(fs::exists(runner.Path("there/A0314B00.Q02")));
+}
+
+TEST_F(FilesTest, AFullDiskEndsTheTransfer)
+{
+    // What a process may write at most stands for the room that is left.
+    constexpr rlim_t kRoom = 100'000;
+    const std::string folder = runner.Path("there");
+    const pid_t child = fork();
+    if (child == 0) {
+        const rlimit limit{kRoom, kRoom};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        signal(SIGXFSZ, SIG_IGN);
+        execl(FIELDCORE_CLI, "fieldcore-cli", "files", "get", "A0314A00", "A0314B00", "--to",
+              folder.c_str(), "--port", "sim:lark", nullptr);
+        _exit(127);
+    }
+    ASSERT_GT(child, 0);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 8);
+    EXPECT_EQ(FilesBelow(folder), (std::set<std::string>{"A0314A00.Q02", "A0314B00.Q02.part"}));
+    EXPECT_EQ(fs::file_size(folder + "/A0314B00.Q02.part"), kRoom) << "not full";
 }
 
 TEST_F(FilesTest, AKillLeavesNoFileUnderItsName)

@@ -54,7 +54,7 @@ struct ReceiverScript
     std::string version = "00369"; ///< hundredths
     std::vector<Bytes> records;
     std::map<std::string, Bytes> files; ///< that FileExists finds and the download delivers
-    std::set<std::string> refused;      ///< names and indexes that are answered by NAK
+    std::set<std::string> refused;      ///< names answered by NAK; "list NAME": the question for it
 
     ScriptedReceiver::Answer operator()(const Bytes& request) const;
 
@@ -92,6 +92,9 @@ inline ScriptedReceiver::Answer ReceiverScript::operator()(const Bytes& request)
         const std::string name = NameOf(request);
         if (name.starts_with("*")) {
             return {Page(0x9D, 0x80, records)};
+        }
+        if (refused.contains("list " + name)) {
+            return {{kNak}};
         }
         return {files.contains(name) ? Page(0x9D, 0x80, {LarkRecord(name, 1)})
                                      : Page(0x9D, 0x80, {})};

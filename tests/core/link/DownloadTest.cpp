@@ -1,6 +1,9 @@
 #include "core/link/Command.h"
 
 #include "core/platform/FastClock.h"
+#include "simulator/ReceiverFile.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
 #include "tests/core/link/FileServer.h"
 #include "tests/core/link/HostileNames.h"
 #include "tests/core/platform/TemporaryFolder.h"
@@ -40,6 +43,7 @@ enum class Damage
     Empty,
     Garbage,
     Silence, ///< nothing from here on
+    Half,    ///< half of it, and then nothing
 };
 
 /// A receiver with one file, which damages one of its blocks so many times.
@@ -59,7 +63,9 @@ public:
         for (Bytes block : Blocks(content, testing::WantedOffset(request))) {
             const bool hit = number++ == at && times > 0;
             times -= hit ? 1 : 0;
-            if (hit && damage == Damage::Silence) {
+            if (hit && (damage == Damage::Silence || damage == Damage::Half)) {
+                block.resize(damage == Damage::Half ? block.size() / 2 : 0);
+                Append(all, block);
                 break;
             }
             Append(all, hit ? Damaged(std::move(block)) : block);
@@ -99,6 +105,7 @@ private:
         case Damage::None:
         case Damage::Lost:
         case Damage::Silence:
+        case Damage::Half:
             break;
         }
         return {};
@@ -178,11 +185,10 @@ protected:
     void Open(const ScriptedReceiver& receiver)
     {
         PortSettings settings;
-        settings.replyTimeout = 2s;
+        settings.replyTimeout = 10s; // real 200 ms, for a machine that is busy
         ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1) << command.LastError();
     }
-    std::int64_t Download(std::uint32_t size = kSize,
-                          const FileCommands::BytesArrived& arrived = {})
+    std::int64_t Download(std::uint32_t size = kSize, const CCommand::BytesArrived& arrived = {})
     {
         return command.DownloadFile(folder.Path() / "day", L"A.Q01", size, arrived);
     }
@@ -235,7 +241,8 @@ TEST_F(DownloadTest, MakesGoodWhatIsDamaged)
     };
     const Bytes before = testing::Ascii("the file of yesterday");
     for (const Row& row : rows) {
-        for (int round = 0; round < kRounds; ++round) {
+        const int rounds = row.damage == Damage::Silence ? 4 : kRounds; // those that wait
+        for (int round = 0; round < rounds; ++round) {
             SCOPED_TRACE(std::string(row.fault) + " " + std::to_string(round));
             fs::remove_all(folder.Path() / "day");
             folder.Write("day/A.Q01", "the file of yesterday");
@@ -383,27 +390,57 @@ TEST_F(DownloadTest, TheFolderMayVanishAndTheCableBePulled)
             SCOPED_TRACE(std::to_string(pulled) + " " + std::to_string(round));
             const fs::path other = folder.Write("finished.Q01", "finished before");
             FileServer server;
+            server.at = static_cast<std::size_t>(1 + round % (kBlocks - 1));
+            server.damage = pulled ? Damage::Half : Damage::None; // no byte more can be on its way
+            server.times = 1;
             ScriptedReceiver receiver(server);
             Open(receiver);
-            const auto at = static_cast<std::uint32_t>(1 + round % (kBlocks - 1));
-            const std::int64_t bytes = Download(kSize, [&](std::uint32_t arrived) {
-                if (arrived == at * testing::kBlockBytes && !pulled) {
-                    fs::remove_all(folder.Path() / "day");
-                } else if (arrived == at * testing::kBlockBytes) {
-                    receiver.Stop();
-                    receiver.End().HangUp();
-                }
-                return true;
-            });
-            // What the port had taken in before may be enough of a file that was nearly there.
-            EXPECT_TRUE(bytes == -1 || pulled);
-            EXPECT_EQ(fs::exists(File()), bytes == kSize);
+            const auto before = static_cast<std::uint32_t>(server.at * testing::kBlockBytes);
+            EXPECT_EQ(Download(kSize,
+                               [&](std::uint32_t arrived) {
+                                   if (arrived == before && !pulled) {
+                                       fs::remove_all(folder.Path() / "day");
+                                   } else if (arrived == before) {
+                                       receiver.Stop();
+                                       receiver.End().HangUp();
+                                   }
+                                   return true;
+                               }),
+                      -1);
+            EXPECT_EQ(command.GetDownloadFault(),
+                      pulled ? DownloadFault::Link : DownloadFault::Write);
+            EXPECT_FALSE(fs::exists(File()));
+            EXPECT_EQ(pulled, fs::exists(Part()) && fs::file_size(Part()) == before);
             EXPECT_EQ(Read(other), testing::Ascii("finished before"));
             command.ClosePort();
             fs::remove_all(folder.Path() / "day");
             ASSERT_FALSE(HasFailure());
         }
     }
+}
+
+TEST_F(DownloadTest, GetsWholeFilesFromAReceiverThatBreaksThem)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("broken-files", error);
+    ASSERT_TRUE(scenario) << error;
+    simulator::Simulator receiver(*scenario);
+    ASSERT_TRUE(receiver.Start(error)) << error;
+    PortSettings settings;
+    settings.replyTimeout = 20s;
+    ASSERT_EQ(command.OpenPort(receiver.PortPath(), settings), 1) << command.LastError();
+    const auto files = receiver.Files();
+    ASSERT_EQ(files.size(), 3U);
+    for (const simulator::ReceiverFile& file : files) {
+        SCOPED_TRACE(file.name);
+        Bytes content(file.size);
+        simulator::ReadFileContent(file, 0, content);
+        const std::wstring name(file.name.begin(), file.name.end());
+        EXPECT_EQ(command.DownloadFile(folder.Path(), name, file.size), file.size)
+            << command.LastError();
+        EXPECT_TRUE(Read(folder.Path() / file.name) == content);
+    }
+    EXPECT_GT(Count(receiver.Requests(), 0x96), files.size()) << "nothing was broken";
 }
 
 TEST_F(DownloadTest, CancelsWithinOneBlock)

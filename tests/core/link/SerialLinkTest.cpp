@@ -89,26 +89,66 @@ TEST_F(SerialLinkTest, ReportsWhatItCannotDeliver)
     }
 }
 
-TEST_F(SerialLinkTest, HandOverHoldsTheNextFrameBack)
+/// A frame that can be told from the others.
+Bytes Numbered(int number)
+{
+    return Frame(0x17, Bytes(200, static_cast<std::uint8_t>(number)));
+}
+
+TEST_F(SerialLinkTest, HandOverHoldsTheNextFramesBack)
 {
     Open();
     link.SetHandOver(true);
-    const Bytes first = Frame(0x17, Bytes(200, 1));
-    const Bytes second = Frame(0x17, Bytes(200, 2));
-    farEnd.Send(Joined({first, second, second}));
-    ASSERT_EQ(link.WaitDelivery(), 1);
-    std::this_thread::sleep_for(5ms); // gives a reader that does not hold back time to overwrite
-    EXPECT_EQ(Take(), first);
-    ASSERT_EQ(link.WaitDelivery(), 1);
-    EXPECT_EQ(Take(), second);
-    link.SetHandOver(false); // the third is still held; this must free the reader at once
-    farEnd.Send(first);
-    Bytes last;
-    for (int i = 0; i < 2 && last != first; ++i) {
-        ASSERT_EQ(link.WaitDelivery(), 1);
-        last = Take();
+    constexpr int kFrames = 3 * static_cast<int>(DeliveryQueue::kRoom);
+    Bytes all;
+    for (int i = 0; i < kFrames; ++i) {
+        all = Joined({all, Numbered(i)});
     }
-    EXPECT_EQ(last, first);
+    std::jthread sender([&] { farEnd.Send(all); });
+    for (int i = 0; i < kFrames - 1; ++i) {
+        ASSERT_EQ(link.WaitDelivery(), 1) << i;
+        std::this_thread::sleep_for(
+            2ms); // gives a reader that does not hold back time to overwrite
+        ASSERT_EQ(Take(), Numbered(i)) << i;
+    }
+    EXPECT_EQ(link.GetExchangeState(), ExchangeState::Frame);
+    link.ResetFrameReady(); // a request is written: what waits is not its answer
+    EXPECT_EQ(link.GetExchangeState(), ExchangeState::Nothing);
+}
+
+TEST_F(SerialLinkTest, AReaderThatHoldsBackCanBeFreed)
+{
+    struct Row
+    {
+        std::string_view by;
+        void (*free)(SerialLink& one);
+    };
+    const Row rows[] = {
+        {"leaving hand-over mode", [](SerialLink& one) { one.SetHandOver(false); }},
+        {"another request", [](SerialLink& one) { one.ResetFrameReady(); }},
+        {"a reset", [](SerialLink& one) { one.ResetReceiveState(); }},
+    };
+    settings.replyTimeout = 60s;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.by);
+        FarEnd far;
+        SerialLink full;
+        ASSERT_EQ(full.Open(far.Path(), settings), 1);
+        full.SetHandOver(true);
+        const Bytes last = Frame(0x09, Bytes(21, '1'));
+        for (std::size_t i = 0; i < DeliveryQueue::kRoom + 2; ++i) {
+            far.Send(Numbered(0));
+        }
+        std::this_thread::sleep_for(20ms); // until it is full
+        const auto start = std::chrono::steady_clock::now();
+        row.free(full);
+        far.Send(last);
+        Bytes taken(kFrameBufferSize);
+        do {
+            ASSERT_EQ(full.WaitDelivery(), 1);
+        } while (full.TakeDelivery(taken).length != last.size());
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 10s) << "the reader stood still";
+    }
 }
 
 TEST_F(SerialLinkTest, TimeOutForgetsTheHalfFrame)
