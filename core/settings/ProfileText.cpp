@@ -236,12 +236,13 @@ void ProfileText::Visit(std::span<const std::wstring> sections,
     for (std::size_t at = 0; at < sections.size(); ++at) {
         wanted.emplace(Decode(Encode(sections[at])), at);
     }
-    std::optional<std::size_t> current;
-    for (std::size_t at = m_start; at < m_bytes.size() && (current || !wanted.empty());) {
+    const std::size_t none = sections.size();
+    std::size_t current = none;
+    for (std::size_t at = m_start; at < m_bytes.size() && (current != none || !wanted.empty());) {
         const Line line = LineAt(at);
         at = line.end;
         if (StartsSection(line.text)) {
-            current.reset();
+            current = none;
             const std::wstring name =
                 line.text.size() < 2 ? std::wstring() : line.text.substr(1, line.text.size() - 2);
             if (const auto found = wanted.find(name);
@@ -250,8 +251,8 @@ void ProfileText::Visit(std::span<const std::wstring> sections,
                 wanted.erase(found);
             }
         } else if (const std::size_t equals = line.text.find(L'=');
-                   current && equals != std::wstring::npos) {
-            entry(*current, std::wstring_view(line.text).substr(0, equals), ValueOf(line.text));
+                   current != none && equals != std::wstring::npos) {
+            entry(current, std::wstring_view(line.text).substr(0, equals), ValueOf(line.text));
         }
     }
 }
