@@ -183,6 +183,11 @@ bool Controller::Connect(QWidget* parent, std::wstring& fault)
     }
     ConnectDlg dialog(*m_command, 0, *target, parent);
     dialog.SupportAllTypes();
+    dialog.OfferSearch([this](std::uint32_t rate) {
+        const int kept = SetLinkRate(rate, m_roots);
+        ReadLinkRate();
+        return kept;
+    });
     if (m_link->Connect(dialog, *target) == 0) {
         return false; // the user has been told
     }

@@ -9,14 +9,16 @@
 
 namespace fieldcore::cli {
 
-PortSettings PortOptions::Settings() const
+PortSettings PortOptions::Settings(const PortSettings& stored) const
 {
-    PortSettings settings;
-    settings.baudRate = baudRate;
-    settings.byteSize = static_cast<std::uint8_t>(dataBits);
-    settings.parity = static_cast<std::uint8_t>(parity);
-    settings.stopBits = stopBits == 2 ? 2 : 0;
-    settings.flowControl = flow;
+    PortSettings settings = stored;
+    settings.baudRate = baudRate.value_or(stored.baudRate);
+    settings.byteSize = static_cast<std::uint8_t>(dataBits.value_or(stored.byteSize));
+    settings.parity = static_cast<std::uint8_t>(parity.value_or(stored.parity));
+    if (stopBits) {
+        settings.stopBits = *stopBits == 2 ? 2 : 0;
+    }
+    settings.flowControl = flow.value_or(stored.flowControl);
     settings.replyTimeout = std::chrono::milliseconds(std::lround(timeoutS * 1000.0));
     return settings;
 }
@@ -44,12 +46,12 @@ void PortOptions::AddTo(CLI::App& command)
                     "COM1, a path, sim: or sim:SCENARIO ($FIELDCORE_PORT if not given)")
         ->type_name("PORT")
         ->group("Port");
-    add("--baud", baudRate, "RATE", "Rate, 1200 to 230400 bit/s (38400)", CLI::IsMember(rates));
-    add("--bits", dataBits, "N", "Data bits, 7 or 8 (8)", CLI::Range(7, 8));
-    add("--parity", parity, "PARITY", "none, odd or even (none)",
+    add("--baud", baudRate, "RATE", "Rate, 1200 to 230400 bit/s", CLI::IsMember(rates));
+    add("--bits", dataBits, "N", "Data bits, 7 or 8", CLI::Range(7, 8));
+    add("--parity", parity, "PARITY", "none, odd or even",
         CLI::CheckedTransformer(parities, CLI::ignore_case));
-    add("--stop-bits", stopBits, "N", "1 or 2 (1)", CLI::Range(1, 2));
-    add("--flow", flow, "FLOW", "Handshake: none, xonxoff, rtscts or dsrdtr (none)",
+    add("--stop-bits", stopBits, "N", "1 or 2", CLI::Range(1, 2));
+    add("--flow", flow, "FLOW", "Handshake: none, xonxoff, rtscts or dsrdtr",
         CLI::CheckedTransformer(flows, CLI::ignore_case));
     AddSessionTo(command);
 }

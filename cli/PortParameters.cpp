@@ -81,13 +81,12 @@ ExitCode SetLink(const Context& context, const PortParameterOptions& options, Se
 }
 
 /// After the receiver was told to change the port in use: finds it again and says where it is.
-std::optional<Failure> Follow(PortSession& session, const PortParameterOptions& options,
-                              PortEdit& edit, SettingsRoots& roots)
+std::optional<Failure> Follow(PortSession& session, PortEdit& edit, SettingsRoots& roots)
 {
     ConnectTarget target;
     target.devicePath = session.Path();
     target.settings = LinkSettings(roots);
-    switch (FollowLink(session.Command(), target, options.port.Settings())) {
+    switch (FollowLink(session.Command(), target, session.Line())) {
     case LinkFollowed::Moved:
         return std::nullopt;
     case LinkFollowed::Stayed:
@@ -110,7 +109,7 @@ std::optional<Failure> SetPort(PortSession& session, const PortParameterOptions&
         return session.RequestFailed();
     }
     // What it is reached with counts, not what is stored.
-    PortEdit edit(info.GetCurrentPortID(), roots, options.port.Settings());
+    PortEdit edit(info.GetCurrentPortID(), roots, session.Line());
     CComPrmSet& set = edit.At(options.number);
     if (set.SetPrmString(FromUtf8(options.parameters)) == 0) {
         return BadParameters(options.parameters);
@@ -130,7 +129,7 @@ std::optional<Failure> SetPort(PortSession& session, const PortParameterOptions&
     if (edit.KeepLink() == 0) {
         return NotStored(roots);
     }
-    return Follow(session, options, edit, roots);
+    return Follow(session, edit, roots);
 }
 
 } // namespace

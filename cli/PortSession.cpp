@@ -2,6 +2,7 @@
 
 #include "cli/Utf8.h"
 
+#include "core/equipment/ComPrmSet.h"
 #include "core/link/FrameLog.h"
 #include "core/platform/PortList.h"
 #include "core/resources/StringTable.h"
@@ -82,6 +83,8 @@ std::optional<Failure> PortSession::Prepare()
     if (std::optional<Failure> failure = FindPort()) {
         return failure;
     }
+    SettingsRoots roots{Folders(m_world.folders)};
+    m_line = m_options.Settings(LinkSettings(roots));
     if (std::optional<Failure> failure = OpenLog()) {
         return failure;
     }
@@ -174,7 +177,7 @@ std::optional<Failure> PortSession::Open()
     if (std::optional<Failure> failure = Prepare()) {
         return failure;
     }
-    if (m_command->OpenPort(m_path, m_options.Settings()) == 0) {
+    if (m_command->OpenPort(m_path, m_line) == 0) {
         return PortFailure(m_path, m_command->SystemError(), m_command->LastError(), m_world.roots);
     }
     return std::nullopt;
@@ -187,7 +190,7 @@ std::optional<Failure> PortSession::Connect()
     }
     ConnectTarget target;
     target.devicePath = m_path;
-    target.settings = m_options.Settings();
+    target.settings = m_line;
     ConnectSequence sequence(*m_command, target);
     StepPrinter printer(m_output);
     if (sequence.Run(&printer) == 1) {

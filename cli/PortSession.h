@@ -41,6 +41,8 @@ public:
     [[nodiscard]] CCommand& Command() { return *m_command; }
     /// The device that is opened; known once Prepare() succeeded.
     [[nodiscard]] const std::string& Path() const { return m_path; }
+    /// How the line is run: as the options say, and else as the settings do.
+    [[nodiscard]] const PortSettings& Line() const { return m_line; }
     /// Why the last request failed.
     [[nodiscard]] Failure RequestFailed() const;
     /// Counts time for the receiver: with a simulator it may run fast.
@@ -61,6 +63,7 @@ private:
     const PortOptions& m_options;
     PortNames m_names;
     std::string m_path;
+    PortSettings m_line;
     std::unique_ptr<FastClock> m_fastClock;
     std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
     std::unique_ptr<CCommand> m_command;               // behind the simulator, whose port it opens

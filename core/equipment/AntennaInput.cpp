@@ -4,7 +4,6 @@
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace fieldcore {
 
@@ -15,30 +14,24 @@ bool IsDigit(wchar_t character)
     return character >= L'0' && character <= L'9';
 }
 
-/// Digits, one point at most, and a sign in front; with one digit at least.
-bool IsNumber(std::wstring_view text)
-{
-    if (!text.empty() && (text.front() == L'-' || text.front() == L'+')) {
-        text.remove_prefix(1);
-    }
-    const auto digits = std::count_if(text.begin(), text.end(), IsDigit);
-    const auto points = std::count(text.begin(), text.end(), L'.');
-    return digits > 0 && points <= 1 && digits + points == static_cast<std::ptrdiff_t>(text.size());
-}
-
 } // namespace
+
+CCheck AntennaHeightCheck(Host& host)
+{
+    return {0.0, kHighestAntennaM, host};
+}
 
 std::wstring AntennaHeightFault(const std::wstring& text)
 {
-    if (!IsNumber(text)) {
+    const bool isNumber = CCheck().CheckNum(text, nullptr, 0, 0) == 1;
+    if (!isNumber || std::none_of(text.begin(), text.end(), IsDigit)) {
         return Text(text::kAntennaBadHeight);
     }
-    const double heightM = CParts::atof(text);
-    if (heightM < 0.0) {
-        return Text(text::kAntennaNegativeHeight);
+    if (AntennaHeightCheck().CheckNum(text, nullptr, 0, 0) == 1) {
+        return {};
     }
-    return heightM > kHighestAntennaM ? FormatText(text::kAntennaHighHeight, kHighestAntennaM)
-                                      : std::wstring();
+    return CParts::atof(text) < 0.0 ? Text(text::kAntennaNegativeHeight)
+                                    : FormatText(text::kAntennaHighHeight, kHighestAntennaM);
 }
 
 std::wstring AntennaSerialFault(const std::wstring& text)

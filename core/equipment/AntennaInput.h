@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/input/Check.h"
+
 #include <cstddef>
 #include <string>
 
@@ -12,8 +14,14 @@ namespace fieldcore {
 inline constexpr double kHighestAntennaM = 100.0;
 inline constexpr std::size_t kMaxAntennaSerial = 16; ///< characters
 
-/// @param text  a number of metres: digits with at most one point
-/// @return what is wrong with it, in words; empty: it is 0 to kHighestAntennaM
+/// The checker of heights as they are typed: numbers from 0 to kHighestAntennaM. It takes a text
+/// without any digit for 0.
+/// @param host  shows the messages; must outlive the checker
+[[nodiscard]] CCheck AntennaHeightCheck(Host& host = DefaultHost());
+
+/// The same without a message, and a height has a digit.
+/// @param text  a number of metres
+/// @return what is wrong with it, in a few words for beside the text; empty: nothing
 [[nodiscard]] std::wstring AntennaHeightFault(const std::wstring& text);
 
 /// @param text  letters, digits and "-" of ASCII; may be empty

@@ -2,6 +2,7 @@
 
 #include "core/equipment/AntennaInput.h"
 #include "core/input/Parts.h"
+#include "core/input/TextEntries.h"
 #include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
 #include "core/platform/NumberText.h"
@@ -31,16 +32,6 @@ template <typename Value>
 int Change(Value& variable, const Value& value)
 {
     return std::exchange(variable, value) != value ? 1 : 0;
-}
-
-/// Puts @p text, unless it is empty, in front of the list, in which it stands once.
-void Remember(std::vector<std::wstring>& list, const std::wstring& text)
-{
-    if (!text.empty()) {
-        std::erase(list, text);
-        list.insert(list.begin(), text);
-        list.resize(std::min<std::size_t>(list.size(), AntennaSettings::kRemembered));
-    }
 }
 
 } // namespace
@@ -161,23 +152,26 @@ std::vector<std::wstring> AntennaSettings::ReadSerials() const
 
 std::vector<std::wstring> AntennaSettings::ReadList(const wchar_t* prefix) const
 {
-    std::vector<std::wstring> list;
-    std::wstring text;
-    while (list.size() < kRemembered &&
-           m_reg.ReadString(RoleKey(), prefix + std::to_wstring(list.size()), text, L"") != 0 &&
-           !text.empty()) {
-        list.push_back(text);
-    }
-    return list;
+    TextEntries list;
+    CParts::RegReadComboBoxList(list, m_reg, RoleKey(), prefix, kRemembered);
+    return list.Texts();
 }
 
-bool AntennaSettings::WriteList(const wchar_t* prefix, const std::vector<std::wstring>& list) const
+bool AntennaSettings::WriteList(const wchar_t* prefix, std::vector<std::wstring> list,
+                                const std::wstring& chosen) const
 {
-    bool written = true;
-    for (std::size_t at = 0; at < list.size() && written; ++at) {
-        written = m_reg.WriteString(RoleKey(), prefix + std::to_wstring(at), list[at]) != 0;
+    TextEntries entries(std::move(list));
+    CParts::StackComboList(entries, chosen, kRemembered);
+    CParts::RegWriteComboBoxList(entries, m_reg, RoleKey(), prefix, kRemembered);
+    list = entries.Texts(); // nobody told whether all of them could be written
+    const auto first = std::find(list.begin(), list.end(), chosen);
+    if (first != list.end()) {
+        std::rotate(list.begin(), first, first + 1);
     }
-    return written;
+    list.resize(std::min<std::size_t>(list.size(), kRemembered));
+    std::vector<std::wstring> stored = ReadList(prefix);
+    stored.resize(std::min(stored.size(), list.size()));
+    return stored == list;
 }
 
 int AntennaSettings::ReadRegAnt()
@@ -192,17 +186,13 @@ int AntennaSettings::ReadRegAnt()
 
 int AntennaSettings::WriteRegAnt()
 {
-    std::vector<std::wstring> heights = ReadHeights();
-    std::vector<std::wstring> serials = ReadSerials();
-    Remember(heights, GetAntInputStr());
-    Remember(serials, m_serial);
     SettingsBatch batch(m_reg.Store());
     const bool written = batch.IsOpen() && WriteRegAntType() != 0 && WriteRegAntWay() != 0 &&
-                         WriteList(kHeight, heights) && WriteList(kSerial, serials) &&
-                         batch.Commit();
+                         WriteList(kHeight, ReadHeights(), GetAntInputStr()) &&
+                         WriteList(kSerial, ReadSerials(), m_serial) && batch.Commit();
     if (written) {
-        m_heights = std::move(heights);
-        m_serials = std::move(serials);
+        m_heights = ReadHeights();
+        m_serials = ReadSerials();
     }
     return written ? 1 : 0;
 }

@@ -175,8 +175,10 @@ private:
     [[nodiscard]] std::vector<std::wstring> ReadHeights() const;
     [[nodiscard]] std::vector<std::wstring> ReadSerials() const;
     [[nodiscard]] std::vector<std::wstring> ReadList(const wchar_t* prefix) const;
-    [[nodiscard]] bool WriteList(const wchar_t* prefix,
-                                 const std::vector<std::wstring>& list) const;
+    /// Stores a list of remembered entries with @p chosen as the first.
+    /// @return false if not all of it could be stored
+    [[nodiscard]] bool WriteList(const wchar_t* prefix, std::vector<std::wstring> list,
+                                 const std::wstring& chosen) const;
     int Take(const AntennaRecord& record);
     void Describe();
 

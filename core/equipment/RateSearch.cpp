@@ -1,6 +1,7 @@
 #include "core/equipment/RateSearch.h"
 
 #include "core/link/Command.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>
@@ -47,6 +48,13 @@ std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
         ++done;
     }
     return std::nullopt;
+}
+
+int RateSearchText(CommandFault fault)
+{
+    return fault == CommandFault::Cancelled    ? text::kComSearchCancelled
+           : fault == CommandFault::OpenFailed ? text::kComSearchPort
+                                               : text::kComSearchFailed;
 }
 
 } // namespace fieldcore

@@ -31,4 +31,8 @@ public:
 [[nodiscard]] std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
                                                       RateObserver* observer = nullptr);
 
+/// Why no rate was found, for the user.
+/// @param fault  of the channel after the search
+[[nodiscard]] int RateSearchText(CommandFault fault);
+
 } // namespace fieldcore

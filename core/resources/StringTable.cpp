@@ -640,6 +640,11 @@ constexpr Entry kEntries[] = {
                               L"通信設定の「通信速度を探す」を実行してください。"},
     Entry{text::kComLinkCaption, L"通信設定"},
     Entry{text::kComSearchPort, L"通信ポートを開けません。接続を確認してください。"},
+    Entry{text::kConnectRateKept, L"%ld bps で受信機が応答しました。\n"
+                                  L"この通信速度に変更しました。もう一度接続してください。"},
+    Entry{text::kConnectRateNotKept,
+          L"%ld bps で受信機が応答しましたが、通信速度を保存できませんでした。"
+          L"保存先の空き容量を確認してください。"},
     Entry{text::kPowerSource1, L"電源1"},
     Entry{text::kPowerSource2, L"電源2"},
     Entry{text::kPowerSource3, L"電源3"},

@@ -588,7 +588,9 @@ inline constexpr int kComFailedCaption = 60918;
 inline constexpr int kComLinkStayed = 60919;
 inline constexpr int kComLinkLost = 60920;
 inline constexpr int kComLinkCaption = 60921;
-inline constexpr int kComSearchPort = 60922; ///< why the port cannot be searched
+inline constexpr int kComSearchPort = 60922;      ///< why the port cannot be searched
+inline constexpr int kConnectRateKept = 60930;    ///< rate
+inline constexpr int kConnectRateNotKept = 60931; ///< rate
 // Entries of lists of numbers
 inline constexpr int kListDegrees = 61100;
 inline constexpr int kListSeconds = 61101;

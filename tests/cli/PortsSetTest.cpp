@@ -57,5 +57,18 @@ TEST(PortsSet, TellsTheReceiverAndStores)
               "link 4800-8-Odd com1 57600-8-None com2 115200-7-Even com3 9600-8-None ");
 }
 
+TEST(PortOptions, DefaultToTheStoredLine)
+{
+    Runner runner;
+    const std::string info = "info --port sim:" + runner.Scenario("check-rate yes\nbaud 9600\n") +
+                             " --speed 20 --timeout 1";
+    ASSERT_EQ(runner.Run("ports set 0 9600").code, 0);
+    EXPECT_EQ(runner.Run(info).code, 0);
+    EXPECT_EQ(runner.Run(info + " --baud 38400").code, 4) << "the option does not count";
+    ASSERT_EQ(runner.Run("ports set 0 38400").code, 0);
+    EXPECT_EQ(runner.Run(info).code, 4);
+    EXPECT_EQ(runner.Run(info + " --baud 9600").code, 0);
+}
+
 } // namespace
 } // namespace fieldcore::cli::test

@@ -9,6 +9,8 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/AntennaDrawing.h"
+#include "ui/input/ComboEntries.h"
+#include "ui/input/WidgetFocus.h"
 
 #include <QFontInfo>
 #include <QGridLayout>
@@ -59,8 +61,9 @@ void Refill(CTComboBox* box, const std::vector<std::wstring>& remembered, const 
 {
     const QSignalBlocker quiet(box);
     box->clear();
+    ComboEntries entries(*box);
     for (const std::wstring& entry : remembered) {
-        box->AddEntry(ToQt(entry), 0);
+        entries.Insert(entries.GetCount(), entry);
     }
     box->setEditText(text);
 }
@@ -313,10 +316,10 @@ void CAntenna::AskReceiver(bool isWanted)
     }
 }
 
-bool CAntenna::Stay(const std::wstring& fault, QWidget* field)
+bool CAntenna::Stay(const std::wstring& fault, CTComboBox* field)
 {
     CMesBox().Warn(fault, text::kAntennaCaption);
-    field->setFocus();
+    WidgetFocus(field->lineEdit()).TakeFocus();
     return false;
 }
 
@@ -327,8 +330,12 @@ bool CAntenna::OnClose(int result)
     }
     const std::wstring height = m_height->currentText().toStdWString();
     const std::wstring serial = m_serial->currentText().toStdWString();
+    WidgetFocus heightField(m_height->lineEdit());
+    if (AntennaHeightCheck().CheckNum(height, &heightField, 0, 1) == 0) {
+        return false;
+    }
     if (const std::wstring fault = AntennaHeightFault(height); !fault.empty()) {
-        return Stay(fault, m_height);
+        return Stay(fault, m_height); // nothing was typed
     }
     if (const std::wstring fault = AntennaSerialFault(serial); !fault.empty()) {
         return Stay(fault, m_serial);

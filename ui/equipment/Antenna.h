@@ -54,7 +54,7 @@ private:
     void ChooseWay();
     void ChooseRole();
     void AskReceiver(bool isWanted);
-    bool Stay(const std::wstring& fault, QWidget* field);
+    bool Stay(const std::wstring& fault, CTComboBox* field);
 
     CTComboBox* m_role; // owned by the dialog, as are all that follow
     QLabel* m_roleLabel;

@@ -31,7 +31,7 @@ CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidge
                    int startPage, Surroundings surroundings)
     : PropertySheet(caption, parent), m_command(command), m_surroundings(std::move(surroundings)),
       m_roots(m_surroundings.roots != nullptr ? *m_surroundings.roots : SettingsRoots::Instance()),
-      m_edit(ioPort, m_roots)
+      m_edit(std::in_place, ioPort, m_roots)
 {
     switch (m_surroundings.ports) {
     case 1:
@@ -79,10 +79,25 @@ void CComPort::AddPages(int count)
     }
     for (int port = 1; port <= count; ++port) {
         auto* const page = new ComPortPage(port);
-        page->InsertString(m_edit.At(port));
+        InsertString(*page, m_edit->At(port));
         connect(page, &ComPortPage::SearchWanted, this, [this, page] { Search(page); });
         AddPage(page, TitleOf(port));
     }
+}
+
+int CComPort::SetIOPort(int port)
+{
+    const int before = GetIOPort();
+    const int open = GetActiveIndex();
+    m_edit.emplace(port, m_roots);
+    AddPages(GetPageCount());
+    stSetOpenPage(open);
+    return GetIOPort() != before ? 1 : 0;
+}
+
+void CComPort::InsertString(ComPortPage& page, const CComPrmSet& set)
+{
+    page.InsertString(set);
 }
 
 void CComPort::stSetOpenPage(int page)
@@ -147,8 +162,8 @@ bool CComPort::Set(ComPortPage* page)
     if (!page->IsInitialised()) {
         return true;
     }
-    page->Take(m_edit.At(page->Port()));
-    const PortSet outcome = m_edit.Set(page->Port(), m_command);
+    page->Take(m_edit->At(page->Port()));
+    const PortSet outcome = m_edit->Set(page->Port(), m_command);
     if (outcome == PortSet::Done) {
         return true;
     }
@@ -164,7 +179,7 @@ void CComPort::OnDestroy()
     int page = GetActiveIndex();
     CParts::SetRegActivePage(0, page, kName, HostReg(m_roots));
     if (m_isAgreed && stCompareCommPrm() != 0) {
-        m_isLinkChanged = m_edit.KeepLink() == 1;
+        m_isLinkChanged = m_edit->KeepLink() == 1;
     }
     PropertySheet::OnDestroy();
 }
@@ -179,7 +194,7 @@ void CComPort::Search(ComPortPage* page)
         page->ShowSearchResult(UiText(text::kComSearchPort));
         return;
     }
-    CComPrmSet& set = m_edit.At(page->Port());
+    CComPrmSet& set = m_edit->At(page->Port());
     page->Take(set);
     set.ConvFlag2Data();
     SetRS232PortParameters chosen;
@@ -188,14 +203,11 @@ void CComPort::Search(ComPortPage* page)
     if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
         chosen.baudRate = *rate;
         set.SetSETCOMMS(chosen);
-        page->InsertString(set);
+        InsertString(*page, set);
         page->ShowSearchResult(ToQt(FormatText(text::kComSearchFound, static_cast<long>(*rate))));
         return;
     }
-    const CommandFault fault = m_command->Fault();
-    page->ShowSearchResult(UiText(fault == CommandFault::Cancelled    ? text::kComSearchCancelled
-                                  : fault == CommandFault::OpenFailed ? text::kComSearchPort
-                                                                      : text::kComSearchFailed));
+    page->ShowSearchResult(UiText(RateSearchText(m_command->Fault())));
 }
 
 } // namespace fieldcore

@@ -40,7 +40,11 @@ public:
              int startPage = kLastPage);
     ~CComPort() override;
 
-    [[nodiscard]] int GetIOPort() const { return m_edit.LinkPort(); }
+    [[nodiscard]] int GetIOPort() const { return m_edit->LinkPort(); }
+    /// Another port that the controller uses, before the sheet is shown; all is read anew.
+    /// @param port  0: none of the pages'
+    /// @return 1 if it is another one
+    int SetIOPort(int port);
     /// How many ports there are, and pages.
     [[nodiscard]] int GetPortNo() const { return GetPageCount(); }
     /// Number of the sheet's icon among those of the program: it has none.
@@ -49,16 +53,18 @@ public:
     /// After OK: the parameters of the controller's own link have changed, and are stored. Whoever
     /// opened the sheet connects anew, see FollowLink().
     [[nodiscard]] bool IsLinkChanged() const { return m_isLinkChanged; }
-    [[nodiscard]] PortEdit& Edit() { return m_edit; }
+    [[nodiscard]] PortEdit& Edit() { return *m_edit; }
 
     // Choosing the pages, before the sheet is shown.
     void stCreate_1PortType();
     void stCreate_2PortType();
     void stCreate_3PortType();
+    /// Fills the lists of a page, see ComPortPage::InsertString().
+    static void InsertString(ComPortPage& page, const CComPrmSet& set);
     /// Brings a page to the front, the last one if there are not so many.
     void stSetOpenPage(int page);
     /// Whether port 0 of the settings differs from what the sheet has for the controller's port.
-    [[nodiscard]] int stCompareCommPrm() const { return m_edit.IsLinkChanged() ? 1 : 0; }
+    [[nodiscard]] int stCompareCommPrm() const { return m_edit->IsLinkChanged() ? 1 : 0; }
 
 protected:
     bool OnInitDialog() override;
@@ -75,7 +81,7 @@ private:
     CCommand* const m_command;
     const Surroundings m_surroundings;
     SettingsRoots& m_roots;
-    PortEdit m_edit;
+    std::optional<PortEdit> m_edit; // there always is one; it is replaced as a whole
     bool m_isAgreed = false;
     bool m_isLinkChanged = false;
 };

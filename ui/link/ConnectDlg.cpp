@@ -1,5 +1,6 @@
 #include "ui/link/ConnectDlg.h"
 
+#include "core/equipment/RateSearch.h"
 #include "core/link/Command.h"
 #include "core/link/PortChoices.h"
 #include "core/platform/PortReport.h"
@@ -7,6 +8,7 @@
 #include "core/resources/StringTable.h"
 #include "ui/controls/UiText.h"
 
+#include <optional>
 #include <utility>
 
 namespace fieldcore {
@@ -17,6 +19,13 @@ std::wstring PortWords(const ConnectTarget& target)
 {
     return target.devicePath.empty() ? L"COM" + std::to_wstring(target.port)
                                      : FromUtf8(target.devicePath);
+}
+
+/// Whether a receiver that talks at another rate could look like that.
+bool MayBeTheRate(CommandFault fault)
+{
+    return fault == CommandFault::TimedOut || fault == CommandFault::Malformed ||
+           fault == CommandFault::BadChecksum;
 }
 
 } // namespace
@@ -54,8 +63,20 @@ void ConnectDlg::ShowFailure(const ConnectSequence& sequence)
     }
     m_progress->ShowFailure(
         ToQt(message),
-        ToQt(FormatText(text::kDetailHead, PortWords(m_target).c_str(), FromUtf8(detail).c_str())));
+        ToQt(FormatText(text::kDetailHead, PortWords(m_target).c_str(), FromUtf8(detail).c_str())),
+        m_keepRate && MayBeTheRate(sequence.FailedFault()) ? [this] { return ToQt(Search()); }
+                                                           : std::function<QString()>());
     m_progress.reset();
+}
+
+std::wstring ConnectDlg::Search()
+{
+    const std::optional<std::uint32_t> rate = SearchRate(m_command, m_target, m_progress.get());
+    if (!rate) {
+        return Text(RateSearchText(m_command.Fault()));
+    }
+    return FormatText(m_keepRate(*rate) == 1 ? text::kConnectRateKept : text::kConnectRateNotKept,
+                      static_cast<long>(*rate));
 }
 
 } // namespace fieldcore

@@ -6,7 +6,11 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace fieldcore {
 
@@ -19,14 +23,22 @@ public:
     /// @param parent  the window under the dialog, which must outlive DoModal(); nullptr for none
     ConnectDlg(CCommand& command, int reconnect, ConnectTarget target, QWidget* parent = nullptr);
 
+    /// Lets the user look for the receiver's rate where the failure may come from another one.
+    /// @param keep  stores the rate for the next connection; answers 1, or 0 if it cannot
+    void OfferSearch(std::function<int(std::uint32_t rate)> keep) { m_keepRate = std::move(keep); }
+
 protected:
     int RunSequence(ConnectSequence& sequence) override;
     void ShowFailure(const ConnectSequence& sequence) override;
 
 private:
+    /// @return how it ended, in words
+    [[nodiscard]] std::wstring Search();
+
     CCommand& m_command;
     const ConnectTarget m_target;
     const QPointer<QWidget> m_parent;
+    std::function<int(std::uint32_t)> m_keepRate;
     std::unique_ptr<ConnectProgressDlg> m_progress; // while the sequence runs and is told about
 };
 

@@ -21,6 +21,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace fieldcore {
 
@@ -62,7 +63,8 @@ ConnectProgressDlg::ConnectProgressDlg(const QString& target, const Clock& clock
       m_current(Wrapping()), m_progress(new QProgressBar), m_elapsed(new QLabel),
       m_hint(Wrapping(UiText(text::kConnectingHint), &Theme::second)), m_message(Wrapping()),
       m_detail(new QPlainTextEdit), m_scroll(new QScrollArea), m_cancel(Button(text::kConnectStop)),
-      m_showDetail(Button(text::kDetailShow)), m_close(Button(text::kButtonClose))
+      m_showDetail(Button(text::kDetailShow)), m_search(Button(text::kComSearch)),
+      m_close(Button(text::kButtonClose))
 {
     // The caption stands in the dialog: a controller shows no title bars.
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
@@ -77,6 +79,8 @@ ConnectProgressDlg::ConnectProgressDlg(const QString& target, const Clock& clock
     m_showDetail->setCheckable(true);
     m_showDetail->setAutoDefault(false);
     connect(m_showDetail, &QPushButton::toggled, this, &ConnectProgressDlg::ShowDetail);
+    m_search->setAutoDefault(false);
+    connect(m_search, &QPushButton::clicked, this, &ConnectProgressDlg::Search);
     connect(m_close, &QPushButton::clicked, this, [this] { Close(kOk); });
 }
 
@@ -118,6 +122,7 @@ void ConnectProgressDlg::Build(const QString& target)
     words->setContentsMargins({});
     words->setSpacing(2 * kGrid);
     words->addWidget(m_message);
+    words->addWidget(m_search, 0, Qt::AlignLeft);
     words->addLayout(steps);
     words->addWidget(m_detail);
     words->addStretch(1);
@@ -150,7 +155,7 @@ void ConnectProgressDlg::Build(const QString& target)
     layout->addSpacing(kGrid);
     layout->addLayout(buttons);
     for (QWidget* const later :
-         std::initializer_list<QWidget*>{m_message, m_detail, m_showDetail, m_close}) {
+         std::initializer_list<QWidget*>{m_message, m_detail, m_showDetail, m_search, m_close}) {
         later->hide();
     }
 }
@@ -238,8 +243,10 @@ void ConnectProgressDlg::ShowElapsed()
         ToQt(FormatText(text::kConnectingElapsed, static_cast<int>(elapsed.count()))));
 }
 
-void ConnectProgressDlg::ShowFailure(const QString& message, const QString& detail)
+void ConnectProgressDlg::ShowFailure(const QString& message, const QString& detail,
+                                     std::function<QString()> search)
 {
+    m_searchRate = std::move(search);
     KillTimer(kElapsedTimer);
     m_failed = true;
     ShowRows(m_step, true);
@@ -257,12 +264,45 @@ void ConnectProgressDlg::ShowFailure(const QString& message, const QString& deta
     }
     m_message->show();
     m_showDetail->show();
+    m_search->setVisible(m_searchRate != nullptr);
     m_close->show();
     m_close->setDefault(true);
     m_close->setFocus();
     m_scroll->setFocusPolicy(Qt::StrongFocus);
     Place();
     DoModal();
+}
+
+/// While a search runs it can be cancelled, and nothing else.
+void ConnectProgressDlg::ShowSearching(bool on)
+{
+    for (QWidget* const shown : std::initializer_list<QWidget*>{m_cancel, m_current, m_progress}) {
+        shown->setVisible(on);
+    }
+    for (QWidget* const hidden : std::initializer_list<QWidget*>{m_showDetail, m_search, m_close}) {
+        hidden->setVisible(!on);
+    }
+    (on ? m_cancel : m_close)->setFocus();
+    Place();
+}
+
+void ConnectProgressDlg::Search()
+{
+    m_showDetail->setChecked(false);
+    ShowSearching(true);
+    const QString result = m_searchRate();
+    ShowSearching(false);
+    m_message->setText(result);
+    setAccessibleDescription(result);
+    Place();
+}
+
+void ConnectProgressDlg::OnRate(std::uint32_t rate, int done, int total)
+{
+    m_progress->setRange(0, total);
+    m_progress->setValue(done);
+    m_current->setText(
+        ToQt(FormatText(text::kComSearching, static_cast<long>(rate), done + 1, total)));
 }
 
 void ConnectProgressDlg::ShowDetail(bool on)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/equipment/RateSearch.h"
 #include "core/link/ConnectSequence.h"
 #include "core/platform/Clock.h"
 #include "ui/controls/Dialog.h"
@@ -8,6 +9,7 @@
 #include <QString>
 
 #include <array>
+#include <functional>
 
 class QLabel;
 class QPlainTextEdit;
@@ -23,7 +25,7 @@ namespace fieldcore {
 ///
 /// While the connection is made the dialog is shown without a loop of its own: the program's host
 /// breathes, see QtHost.
-class ConnectProgressDlg : public Dialog, public ConnectObserver
+class ConnectProgressDlg : public Dialog, public ConnectObserver, public RateObserver
 {
     Q_OBJECT
 
@@ -40,7 +42,12 @@ public:
     /// Says what went wrong at the last step, and waits until the user has read it.
     /// @param message  for the user
     /// @param detail   for developers
-    void ShowFailure(const QString& message, const QString& detail);
+    /// @param search   looks for the receiver's rate when the user wants it, with this dialog as
+    /// its
+    ///                 observer, and says how that ended; empty: not offered
+    void ShowFailure(const QString& message, const QString& detail,
+                     std::function<QString()> search = {});
+    void OnRate(std::uint32_t rate, int done, int total) override;
 
     /// Whether @p step is under way.
     [[nodiscard]] bool IsRunning(ConnectStep step) const
@@ -50,6 +57,7 @@ public:
     [[nodiscard]] QPushButton* CancelButton() const { return m_cancel; }
     [[nodiscard]] QPushButton* CloseButton() const { return m_close; }
     [[nodiscard]] QPushButton* DetailButton() const { return m_showDetail; }
+    [[nodiscard]] QPushButton* SearchButton() const { return m_search; }
 
 protected:
     bool OnInitDialog() override;
@@ -80,12 +88,15 @@ private:
     void ShowRow(Row& row, RowState state);
     void ShowElapsed();
     void ShowDetail(bool on);
+    void Search();
+    void ShowSearching(bool on);
     void Place();
 
     const Clock& m_clock;
     Clock::Duration m_began{};
     ConnectStep m_step = ConnectStep::OpenPort;
     bool m_failed = false;
+    std::function<QString()> m_searchRate;
     std::array<Row, kSteps> m_rows{};
     RoleLabel* m_heading; // owned by the dialog, as are all that follow
     QLabel* m_current;
@@ -97,6 +108,7 @@ private:
     QScrollArea* m_scroll;
     QPushButton* m_cancel;
     QPushButton* m_showDetail;
+    QPushButton* m_search;
     QPushButton* m_close;
 };
 

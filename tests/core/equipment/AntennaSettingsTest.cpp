@@ -98,6 +98,8 @@ TEST(AntennaInput, IsANumberThatCanBe)
         {L"", text::kAntennaBadHeight},
         {L".", text::kAntennaBadHeight},
         {L"-", text::kAntennaBadHeight},
+        {L"１.5", text::kAntennaBadHeight},
+        {L" 1.5", text::kAntennaBadHeight},
         {L"1.2.3", text::kAntennaBadHeight},
         {L"1,5", text::kAntennaBadHeight},
         {L"0x10", text::kAntennaBadHeight},
@@ -126,7 +128,7 @@ protected:
                "[Rim]\nCharCode=01\nType=21\n"
                "MeasMethod0=0.1,0.05,0,\"rim\"\nMeasMethod1=0,0.0623,0,\"\"\n"
                "[Small]\nCharCode=S \nType=7\nMeasMethod0=0.0,0.02,0,\"base\"\n"
-               "[Built-in]\nCharCode=ZZ\nType=3044\n";
+               "[Built-in]\nCharCode=ZZ\nType=3017\n";
         m_antenna.CheckReg();
     }
 
@@ -204,6 +206,25 @@ TEST_F(Settings, RememberTenHeightsTheLastOneFirst)
                                               L"1.600", L"1.500",  L"1.400", L"1.300", L"1.200"};
     m_antenna.ReadRegAnt();
     EXPECT_EQ(m_antenna.RememberedHeights(), wanted);
+}
+
+TEST_F(Settings, AreAsBeforeIfTheyCannotBeWritten)
+{
+    m_antenna.SetAntInputH(1.5);
+    ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
+    m_antenna.SetAntTypeFlag(1);
+    m_antenna.SetAntInputH(1.7);
+    {
+        const SettingsBatch other(m_reg.Store()); // whose writer has not finished
+        ASSERT_TRUE(other.IsOpen());
+        EXPECT_EQ(m_antenna.WriteRegAnt(), 0);
+        EXPECT_EQ(m_antenna.RememberedHeights(), std::vector<std::wstring>{L"1.500"});
+    }
+    EXPECT_EQ(m_antenna.GetAntHEx(), L"1.500");
+    EXPECT_EQ(m_antenna.GetAntTypeStrEx(), L"Rim");
+    EXPECT_EQ(m_antenna.GetAntInputH(), 1.7) << "what was typed is lost";
+    EXPECT_EQ(m_antenna.WriteRegAnt(), 1);
+    EXPECT_EQ(m_antenna.GetAntHEx(), L"1.700");
 }
 
 TEST_F(Settings, WithstandWhatStandsInTheStore)
@@ -286,18 +307,23 @@ TEST_F(Settings, AreTakenFromTheReceiver)
 {
     struct Row
     {
+        const char* scenario;
         const char* antennaType;
         AntennaSettings::Taken taken;
         const wchar_t* name;
     };
     using Taken = AntennaSettings::Taken;
     const Row rows[] = {
-        {"01", Taken::Yes, L"Rim"}, {"S", Taken::Yes, L"Small"}, {"??", Taken::NotListed, L""}};
+        {"lark", "01", Taken::Yes, L"Rim"},
+        {"lark", "S", Taken::Yes, L"Small"},
+        {"lark", "??", Taken::Yes, L"Built-in"}, // by the receiver's type
+        {"pica", "??", Taken::NotListed, L""},
+    };
     EXPECT_EQ(m_antenna.TakeFromReceiver(), Taken::NoAnswer);
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.antennaType);
+        SCOPED_TRACE(std::string(row.scenario) + row.antennaType);
         std::string error;
-        auto scenario = simulator::LoadScenario("lark", error);
+        auto scenario = simulator::LoadScenario(row.scenario, error);
         ASSERT_TRUE(scenario) << error;
         scenario->antennaType = row.antennaType;
         simulator::Simulator receiver(*scenario);
@@ -312,7 +338,6 @@ TEST_F(Settings, AreTakenFromTheReceiver)
     EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(7), 1);
     EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(8), -1);
     EXPECT_EQ(m_antenna.GetAntTypeFromAntFlag(0), 21);
-    EXPECT_EQ(m_antenna.GetInternalAntTypeFromRecvType(3044), 2);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#include "core/input/EntryList.h"
 #include "core/input/Parts.h"
+#include "core/input/TextEntries.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
@@ -13,42 +13,17 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-class PlainList final : public EntryList
-{
-public:
-    explicit PlainList(Texts given = {}, int chosen = -1)
-        : texts(std::move(given)), selected(chosen)
-    {}
-    [[nodiscard]] int GetCount() const override { return static_cast<int>(texts.size()); }
-    [[nodiscard]] std::wstring GetText(int index) const override
-    {
-        return texts.at(static_cast<std::size_t>(index));
-    }
-    [[nodiscard]] int GetSelected() const override { return selected; }
-    void Select(int index) override { selected = index; }
-    void Insert(int index, std::wstring_view text) override
-    {
-        texts.emplace(texts.begin() + index, text);
-        selected += selected >= index ? 1 : 0;
-    }
-    void ScrollToTop() override { ++scrolled; }
-
-    Texts texts;
-    int selected;
-    int scrolled = 0;
-};
-
 class RememberedEntries : public ::testing::Test
 {
 protected:
     Texts Stored(int count = 10)
     {
-        PlainList list;
+        TextEntries list;
         EXPECT_EQ(CParts::ReadRegPointName(list, count, m_reg), 1);
-        EXPECT_EQ(list.selected, -1);
-        return list.texts;
+        EXPECT_EQ(list.GetSelected(), -1);
+        return list.Texts();
     }
-    void Store(const PlainList& list, int count)
+    void Store(const TextEntries& list, int count)
     {
         m_reg.DeleteKey(L"GPS", L"Point");
         EXPECT_EQ(CParts::WriteRegPointName(list, count, m_reg), 1);
@@ -61,15 +36,14 @@ protected:
 
 TEST_F(RememberedEntries, AreStackedOnce)
 {
-    PlainList list({L"B", L"A"});
+    TextEntries list({L"B", L"A"});
     EXPECT_EQ(CParts::StackComboList(list, L"A", 10), 1);
-    EXPECT_EQ(list.texts, (Texts{L"B", L"A"}));
-    EXPECT_EQ(list.selected, 1);
+    EXPECT_EQ(list.Texts(), (Texts{L"B", L"A"}));
+    EXPECT_EQ(list.GetSelected(), 1);
     EXPECT_EQ(CParts::StackComboList(list, L"a", 2), 1); // another text, and one more than stored
-    EXPECT_EQ(list.texts, (Texts{L"a", L"B", L"A"}));
-    EXPECT_EQ(list.scrolled, 1);
+    EXPECT_EQ(list.Texts(), (Texts{L"a", L"B", L"A"}));
     EXPECT_EQ(CParts::StackComboList(list, L"", 10), 1);
-    EXPECT_EQ(list.texts.size(), 3U);
+    EXPECT_EQ(list.Texts().size(), 3U);
 }
 
 TEST_F(RememberedEntries, ComeBackWithTheChoiceFirst)
@@ -78,21 +52,21 @@ TEST_F(RememberedEntries, ComeBackWithTheChoiceFirst)
     struct Row
     {
         const char* fault;
-        PlainList list;
+        TextEntries list;
         int count;
         Texts stored;
     };
     const Row rows[] = {
-        {"selected first", PlainList({L"A", L"B", L"C"}, 1), 10, {L"B", L"A", L"C"}},
-        {"no more than wanted", PlainList({L"A", L"B", L"C"}, 1), 2, {L"B", L"A"}},
-        {"the selected one alone", PlainList({L"A", L"B"}, 1), 1, {L"B"}},
-        {"nothing selected", PlainList({L"A", L"B"}), 10, {L"A", L"B"}},
-        {"selection beyond the list", PlainList({L"A", L"B"}, 5), 10, {L"A", L"B"}},
-        {"none wanted", PlainList({L"A"}, 0), 0, {}},
-        {"fewer than none", PlainList({L"A"}, 0), -3, {}},
-        {"an empty one uses up its number", PlainList({L"A", L"", L"C"}), 10, {L"A"}},
+        {"selected first", TextEntries({L"A", L"B", L"C"}, 1), 10, {L"B", L"A", L"C"}},
+        {"no more than wanted", TextEntries({L"A", L"B", L"C"}, 1), 2, {L"B", L"A"}},
+        {"the selected one alone", TextEntries({L"A", L"B"}, 1), 1, {L"B"}},
+        {"nothing selected", TextEntries({L"A", L"B"}), 10, {L"A", L"B"}},
+        {"selection beyond the list", TextEntries({L"A", L"B"}, 5), 10, {L"A", L"B"}},
+        {"none wanted", TextEntries({L"A"}, 0), 0, {}},
+        {"fewer than none", TextEntries({L"A"}, 0), -3, {}},
+        {"an empty one uses up its number", TextEntries({L"A", L"", L"C"}), 10, {L"A"}},
         {"one that cannot be read again",
-         PlainList({longest, longest + L"x", L"C"}),
+         TextEntries({longest, longest + L"x", L"C"}),
          10,
          {longest, L"C"}},
     };
@@ -105,23 +79,23 @@ TEST_F(RememberedEntries, ComeBackWithTheChoiceFirst)
 
 TEST_F(RememberedEntries, EndWhereTheyCannotBeRead)
 {
-    Store(PlainList({L"A", L"B", L"C"}), 10);
+    Store(TextEntries({L"A", L"B", L"C"}), 10);
     EXPECT_EQ(Stored(2), (Texts{L"A", L"B"}));
-    Store(PlainList({L"Z"}), 10);
+    Store(TextEntries({L"Z"}), 10);
     m_reg.WriteString(L"GPS\\Point", L"PointName2", L"C"); // what a longer list left behind
     EXPECT_EQ(Stored(), (Texts{L"Z"}));
     m_reg.WriteNumber(L"GPS\\Point", L"PointName1", 5);
     EXPECT_EQ(Stored(), (Texts{L"Z"})) << "a number is no text";
 
     // Each list has its own names, and a filled combo box gets the old entries in front.
-    PlainList numbers({L"9"});
-    EXPECT_EQ(CParts::WriteRegPointNo(PlainList({L"1", L"2"}), 10, m_reg), 1);
-    EXPECT_EQ(CParts::WriteRegAttrib(PlainList({L"杭"}), 10, m_reg), 1);
+    TextEntries numbers({L"9"});
+    EXPECT_EQ(CParts::WriteRegPointNo(TextEntries({L"1", L"2"}), 10, m_reg), 1);
+    EXPECT_EQ(CParts::WriteRegAttrib(TextEntries({L"杭"}), 10, m_reg), 1);
     EXPECT_EQ(CParts::ReadRegPointNo(numbers, 10, m_reg), 1);
-    EXPECT_EQ(numbers.texts, (Texts{L"1", L"2", L"9"}));
-    PlainList attributes;
+    EXPECT_EQ(numbers.Texts(), (Texts{L"1", L"2", L"9"}));
+    TextEntries attributes;
     EXPECT_EQ(CParts::ReadRegAttrib(attributes, 10, m_reg), 1);
-    EXPECT_EQ(attributes.texts, (Texts{L"杭"}));
+    EXPECT_EQ(attributes.Texts(), (Texts{L"杭"}));
     EXPECT_EQ(Stored(), (Texts{L"Z"}));
 }
 

@@ -2,21 +2,32 @@
 
 #include "ui/equipment/Antenna.h"
 
+#include "core/link/Command.h"
 #include "core/resources/StringTable.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/controls/Pictures.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
+#include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/AntennaDrawing.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
+
+using Texts = std::vector<std::wstring>;
 
 /// Keeps the messages that are shown.
 class Listener final : public Host
@@ -29,7 +40,7 @@ public:
         said.emplace_back(text);
         return BoxAnswer::Ok;
     }
-    std::vector<std::wstring> said;
+    Texts said;
 };
 
 class AntennaDialog : public ::testing::Test
@@ -118,27 +129,130 @@ TEST_F(AntennaDialog, StoresOnlyWhatIsGood)
         const char* fault;
         const char* height;
         const char* serial;
-        int said; ///< 0: stored
+        std::wstring said; ///< empty: stored
     };
     const Row rows[] = {
-        {"nothing typed", "", "", text::kAntennaBadHeight},
-        {"below the ground", "-1.5", "", text::kAntennaNegativeHeight},
-        {"a serial with a blank", "1.5", "A 1", text::kAntennaBadSerial},
-        {"a good one", "1.543", "A0001", 0},
+        {"nothing typed", "", "", Text(text::kAntennaBadHeight)},
+        {"full-width digits", "１.5", "", Text(text::kCheckNumber)},
+        {"below the ground", "-1.5", "", FormatText(text::kCheckRange, L"0.000", L"100.000")},
+        {"a serial with a blank", "1.5", "A 1", FormatText(text::kAntennaBadSerial, 16)},
+        {"a good one", "1.543", "A0001", L""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         host.said.clear();
-        Type(text::kAntennaHeight, QString::fromLatin1(row.height));
+        Type(text::kAntennaHeight, QString::fromUtf8(row.height));
         Type(text::kAntennaSerial, QString::fromLatin1(row.serial));
         QTest::keyClick(&dialog, Qt::Key_Return);
-        EXPECT_EQ(dialog.isVisible(), row.said != 0);
-        ASSERT_EQ(host.said.size(), row.said != 0 ? 1U : 0U);
-        EXPECT_TRUE(row.said == 0 || host.said.front() == FormatText(row.said, 16));
-        EXPECT_EQ(dialog.GetAntFlag(), row.said == 0 ? 1 : 0);
+        EXPECT_EQ(dialog.isVisible(), !row.said.empty());
+        EXPECT_EQ(host.said, row.said.empty() ? Texts() : Texts{row.said});
+        EXPECT_EQ(dialog.GetAntFlag(), row.said.empty() ? 1 : 0);
+        if (!row.said.empty()) {
+            const bool isSerial = *row.serial != '\0';
+            const QLineEdit* const wrong =
+                Box(isSerial ? text::kAntennaSerial : text::kAntennaHeight)->lineEdit();
+            EXPECT_EQ(wrong->selectedText(), wrong->text()) << "to be typed over";
+        }
     }
     EXPECT_EQ(dialog.GetAntHEx(), L"1.543");
     EXPECT_EQ(dialog.GetAntSNEx(), L"A0001");
+}
+
+TEST_F(AntennaDialog, StaysIfItCannotStore)
+{
+    Type(text::kAntennaHeight, QStringLiteral("1.543"));
+    {
+        const SettingsBatch other(HostReg(m_roots).Store()); // whose writer has not finished
+        dialog.Close(Dialog::kOk);
+    }
+    EXPECT_EQ(host.said, Texts{Text(text::kAntennaNotStored)});
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.GetAntFlag(), 0);
+    dialog.Close(Dialog::kOk);
+    EXPECT_EQ(dialog.GetAntHEx(), L"1.543");
+}
+
+TEST_F(AntennaDialog, AsksAReceiverThatIsConnectedAnew)
+{
+    struct Row
+    {
+        const char* course;
+        const char* antennaType;
+        int reConnect;
+        bool isOpen;
+        int type; ///< -1: the one that the receiver has
+        std::wstring said;
+    };
+    const Row rows[] = {
+        {"connected anew", "01", 1, true, -1, L""},
+        {"as before", "01", 0, true, 4, L""},
+        {"an antenna that nobody knows", "??", 1, true, 4,
+         FormatText(text::kAntennaNotListed, L"??")},
+        {"gone again", "01", 1, false, 4, L""},
+    };
+    AntennaSettings stored(nullptr, 1, 0, {m_home.Path(), &m_roots});
+    stored.SetAntTypeFlag(4);
+    ASSERT_EQ(stored.WriteRegAnt(), 1);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        host.said.clear();
+        simulator::Scenario scenario;
+        scenario.antennaType = row.antennaType;
+        simulator::Simulator receiver(scenario);
+        std::string error;
+        ASSERT_TRUE(receiver.Start(error)) << error;
+        CCommand command;
+        ASSERT_TRUE(!row.isOpen || command.OpenPort(receiver.PortPath()) == 1);
+        CAntenna antenna(&command, 1, row.reConnect, {m_home.Path(), &m_roots});
+        antenna.show();
+        const int known = stored.Catalogue().FindCharCode(L"01").value_or(-1);
+        EXPECT_EQ(antenna.GetAntTypeFlag(), row.type < 0 ? known : row.type);
+        EXPECT_EQ(antenna.GetAntSN(), row.type < 0 ? L"A0001" : L"");
+        EXPECT_EQ(antenna.GetReConnect(), 0) << "asked once";
+        EXPECT_EQ(host.said, row.said.empty() ? Texts() : Texts{row.said});
+    }
+}
+
+TEST_F(AntennaDialog, HasItsMessageInFrontOfIt)
+{
+    QtHost screen{QtHost::Options{}};
+    SetDefaultHost(&screen);
+    struct Row
+    {
+        const char* name;
+        QSize size;
+        Theme::Kind theme;
+    };
+    for (const Row& row : {Row{"480-daylight", {480, 640}, Theme::Kind::Daylight},
+                           Row{"480-dark", {480, 640}, Theme::Kind::Dark},
+                           Row{"1280-daylight", {1280, 800}, Theme::Kind::Daylight},
+                           Row{"1280-dark", {1280, 800}, Theme::Kind::Dark}}) {
+        SCOPED_TRACE(row.name);
+        Theme::Use(row.theme);
+        dialog.resize(row.size);
+        Type(text::kAntennaHeight, QStringLiteral("120"));
+        Box(text::kAntennaSerial)->setFocus();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        int seen = 0;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            if (auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+                EXPECT_EQ(box->parentWidget(), &dialog);
+                EXPECT_TRUE(dialog.frameGeometry().contains(box->frameGeometry()));
+                KeepPicture(dialog, *box,
+                            QStringLiteral("antenna-message-") + QString::fromLatin1(row.name));
+                ++seen;
+                QTest::keyClick(box, Qt::Key_Return);
+            }
+        });
+        watch.start(5);
+        dialog.Close(Dialog::kOk);
+        EXPECT_EQ(seen, 1);
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return dialog.focusWidget() == Box(text::kAntennaHeight)->lineEdit(); }, 1000));
+    }
+    Theme::Use(Theme::Kind::Daylight);
+    SetDefaultHost(&host);
 }
 
 TEST_F(AntennaDialog, ReadsTheRoleThatIsChosen)

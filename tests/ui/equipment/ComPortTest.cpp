@@ -95,6 +95,17 @@ TEST_F(ComPortTest, SetsWhatWasSeenAndTellsThatTheLinkChanged)
     EXPECT_EQ(Stored(0), L"115200-8-None-1-None");
 }
 
+TEST_F(ComPortTest, ShowsTheLinkOnThePortThatItIsToldToUse)
+{
+    CComPort sheet(nullptr, 1, QString(), nullptr, 1, {&m_roots, 2, {}});
+    EXPECT_EQ(sheet.SetIOPort(1), 0);
+    EXPECT_EQ(sheet.SetIOPort(2), 1);
+    EXPECT_EQ(sheet.GetIOPort(), 2);
+    EXPECT_EQ(sheet.GetActiveIndex(), 1);
+    EXPECT_EQ(Combo(sheet, 0, text::kComRate)->currentText(), QStringLiteral("9600"));
+    EXPECT_EQ(Combo(sheet, 1, text::kComRate)->currentText(), QStringLiteral("38400"));
+}
+
 TEST_F(ComPortTest, StaysOpenWhereTheReceiverRefuses)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);

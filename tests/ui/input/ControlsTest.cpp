@@ -91,7 +91,7 @@ TEST(Check, StandsOverItsDialogAndGoesBackToTheControl)
                         QStringLiteral("check-%1-%2")
                             .arg(row.isHeight ? QStringLiteral("number") : QStringLiteral("angle"))
                             .arg(static_cast<int>(theme));
-                    KeepPicture(*box, name);
+                    KeepPicture(dialog, *box, name);
                     QTest::keyClick(box, Qt::Key_Return);
                 }
             });

@@ -254,6 +254,70 @@ TEST_F(ConnectDlgTest, AFailureShowsStepCauseAndDetail)
     }
 }
 
+TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
+{
+    struct Row
+    {
+        const char* fault; ///< of the receiver; it talks at 9600
+        bool offered;
+        int kept; ///< answer of who stores the rate
+        int text; ///< how it ends
+    };
+    const Row rows[] = {
+        {"", true, 1, text::kConnectRateKept},
+        {"", true, 0, text::kConnectRateNotKept},
+        {"drop", true, 1, text::kComSearchCancelled},
+        {"nak", false, 1, 0},
+    };
+    FastClock search(10.0); // a search waits 0.6 s for each answer
+    CCommand command({&host, &search, nullptr, nullptr});
+    target.settings.replyTimeout = 600ms;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        Scenario scenario;
+        scenario.checksRate = row.offered;
+        scenario.baudRate = 9600;
+        if (*row.fault != '\0') {
+            scenario.faults = {Rule(row.fault)};
+        }
+        Start(scenario);
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        std::vector<std::uint32_t> keptRates;
+        bool searched = false;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            if (searched && dialog.CancelButton()->isVisible()) {
+                EXPECT_FALSE(dialog.CloseButton()->isVisible());
+                KeepPicture(dialog, QStringLiteral("connect-searching"));
+                if (row.text == text::kComSearchCancelled) {
+                    QTest::mouseClick(dialog.CancelButton(), Qt::LeftButton);
+                }
+            } else if (dialog.CloseButton()->isVisible() && !std::exchange(searched, true)) {
+                EXPECT_EQ(dialog.SearchButton()->isVisible(), row.offered);
+                EXPECT_TRUE(keptRates.empty());
+                KeepPicture(dialog, QStringLiteral("connect-search-offered"));
+                QTest::mouseClick(row.offered ? dialog.SearchButton() : dialog.CloseButton(),
+                                  Qt::LeftButton);
+                if (row.offered) {
+                    EXPECT_EQ(dialog.accessibleDescription().toStdWString(),
+                              FormatText(row.text, 9600L));
+                    KeepPicture(dialog, QStringLiteral("connect-searched-%1").arg(row.text));
+                    QTest::keyClick(&dialog, Qt::Key_Return);
+                }
+            }
+        };
+        ConnectDlg dialog(command, 0, target, &window);
+        dialog.OfferSearch([&](std::uint32_t rate) {
+            keptRates.push_back(rate);
+            return row.kept;
+        });
+        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+        EXPECT_TRUE(searched);
+        EXPECT_EQ(keptRates.size(), row.offered && row.text != text::kComSearchCancelled ? 1U : 0U);
+        EXPECT_EQ(command.IsPortOpen(), 0);
+    }
+}
+
 TEST_F(ConnectDlgTest, CancelsInEachStep)
 {
     struct Row
