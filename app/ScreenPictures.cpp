@@ -15,9 +15,12 @@
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QEventLoop>
 
 #include <algorithm>
 #include <chrono>
@@ -158,10 +161,18 @@ ScreenPictures::Pictures ScreenPictures::Planning()
                             return dialog;
                         }});
     }
-    made.push_back({QStringLiteral("skyplot"), [this]() -> std::unique_ptr<QWidget> {
-                        return std::make_unique<CSkyPlot>(&m_controller.Command(), 0,
-                                                          SkyWorld(m_controller));
-                    }});
+    made.push_back(
+        {QStringLiteral("skyplot"), [this]() -> std::unique_ptr<QWidget> {
+             auto dialog =
+                 std::make_unique<CSkyPlot>(&m_controller.Command(), 0, SkyWorld(m_controller));
+             dialog->show(); // which asks the receiver
+             const auto* const list = dialog->findChild<QAbstractItemView*>();
+             const QDeadlineTimer patience(std::chrono::seconds(5));
+             while (list != nullptr && list->model()->rowCount() == 0 && !patience.hasExpired()) {
+                 QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+             }
+             return dialog;
+         }});
     return made;
 }
 

@@ -156,10 +156,10 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
         {MainWindow::kSkyPlot, "CSkyPlot", "CSkyPlot"},
         {MainWindow::kPlan, "CSurveyPlan", "CSurveyPlan"},
         {MainWindow::kStatus, "StatusPage", "StatusPage"},
-        {MainWindow::kFiles, "CRecvFileMan", "CRecvFileMan"},
+        {MainWindow::kFiles, "CRecvFileMan", "MessageDlg"},
         {MainWindow::kAntenna, "CAntenna", "CAntenna"},
         {MainWindow::kTracking, "TrackingDlg", "TrackingDlg"},
-        {MainWindow::kSignals, "SetSignal", "MessageDlg"},
+        {MainWindow::kSignals, "SetSignal", "SetSignal"},
         {MainWindow::kTilt, "TiltStatusDlg", "TiltStatusDlg"},
         {MainWindow::kFrames, "FramesDlg", "FramesDlg"},
         {MainWindow::kPorts, "CComPort", "CComPort"},
@@ -186,7 +186,7 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
             SCOPED_TRACE(std::string(page) + (isConnected ? "" : " without a receiver"));
             EscapeKey esc;
             Q_EMIT window.Chosen(row.choice);
-            EXPECT_EQ(esc.First(), QStringLiteral("fieldcore::") + QLatin1String(page));
+            EXPECT_EQ(esc.First().toStdString(), std::string("fieldcore::") + page);
             EXPECT_LE(esc.Count(), 3) << "one page after another";
             EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
             EXPECT_TRUE(window.isVisible() && window.isEnabled());
