@@ -1,25 +1,18 @@
 #include "app/Controller.h"
 
-#include "core/equipment/ComBlueToothSet.h"
+#include "app/FirstStart.h"
+#include "app/PortTarget.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/link/Connect.h"
-#include "core/planning/AlmanacFile.h"
-#include "core/planning/AlmanacStore.h"
-#include "core/planning/NominalConstellation.h"
-#include "core/planning/PlanSite.h"
 #include "core/platform/FastClock.h"
-#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
-#include "simulator/Scenario.h"
-#include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
 #include "ui/link/ConnectDlg.h"
+#include "ui/tilt/TiltSensorDlg.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
 
 namespace fieldcore {
 
@@ -30,53 +23,6 @@ constexpr const wchar_t* kTheme = L"Theme";
 constexpr const wchar_t* kAntennaRole = L"AntennaRole";
 constexpr const wchar_t* kSetClock = L"SetClock";
 constexpr const wchar_t* kPlaneZone = L"PlaneZone";
-
-QDateTime ToQt(Clock::UtcTime time)
-{
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
-    return QDateTime::fromMSecsSinceEpoch(ms.count(), Qt::UTC);
-}
-
-ReceiverState::Link LampOf(LinkState state)
-{
-    switch (state) {
-    case LinkState::Connecting:
-        return ReceiverState::Link::Connecting;
-    case LinkState::Connected:
-        return ReceiverState::Link::Connected;
-    case LinkState::Lost:
-    case LinkState::Reconnecting:
-        return ReceiverState::Link::Lost;
-    case LinkState::NotConnected:
-        break;
-    }
-    return ReceiverState::Link::None;
-}
-
-/// A nominal almanac of today, for a program that has never seen a receiver.
-std::vector<AlmanacRecord> SampleAlmanac(Clock::UtcTime now)
-{
-    using namespace std::chrono_literals;
-    constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
-    constexpr std::int64_t kWeekS = 604800;
-    constexpr std::int64_t kStepS = 4096; // of reference times
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - kGpsEpoch).count();
-    const std::int64_t inWeek = seconds % kWeekS / kStepS * kStepS;
-    return NominalConstellation(kNominalSatellites, static_cast<int>(seconds / kWeekS),
-                                static_cast<std::uint32_t>(inWeek));
-}
-
-/// The port of a user who has chosen none: where the host suite has the receiver, if it says so.
-ConnectChoice FirstChoice(SettingsRoots& roots)
-{
-    ConnectChoice choice;
-    CComBlueToothSet way(roots);
-    way.ReadReg();
-    if (way.IsStored() && way.GetConnectPort() >= 1 && way.GetConnectPort() <= PortNames::kMaxCom) {
-        choice.port = "COM" + std::to_string(way.GetConnectPort());
-    }
-    return choice;
-}
 
 } // namespace
 
@@ -99,6 +45,7 @@ Controller::Controller(const AppOptions& options)
     m_command = std::make_unique<CCommand>(
         CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
     m_command->SetFrameObserver(m_frames.Observer());
+    m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(*m_command, *m_link);
     m_monitor = std::make_unique<LinkMonitor>(*m_link);
@@ -122,8 +69,7 @@ Controller::~Controller()
 
 void Controller::Begin()
 {
-    InstallSampleSites(m_folder);
-    InstallSampleAntennas(m_folder);
+    PutSamples(m_folder, m_clock->Utc());
     m_antenna->CheckReg();
     std::uint32_t role = 0;
     m_reg.ReadNumber(kAppKey, kAntennaRole, role, static_cast<std::uint32_t>(AntennaRole::Rover));
@@ -131,10 +77,6 @@ void Controller::Begin()
                            ? static_cast<AntennaRole>(role)
                            : AntennaRole::Rover);
     ReadAntenna();
-    std::error_code unknown;
-    if (!std::filesystem::exists(AlmanacPath(m_folder), unknown)) {
-        AlmanacStore(m_folder).Import(SampleAlmanac(m_clock->Utc()));
-    }
     eBubbleConfig::LoadBubbleData(m_reg);
     std::uint32_t theme = 0;
     m_reg.ReadNumber(kAppKey, kTheme, theme, 0);
@@ -174,7 +116,7 @@ bool Controller::ConnectQuietly(std::wstring& fault)
 
 bool Controller::Connect(QWidget* parent, std::wstring& fault)
 {
-    if (m_simulator || m_choice.port.starts_with("sim:")) {
+    if (m_target->IsSimulated() || m_choice.port.starts_with("sim:")) {
         return ConnectQuietly(fault);
     }
     const std::optional<ConnectTarget> target = Target(fault);
@@ -260,40 +202,9 @@ int Controller::FollowLink(PortEdit& edit)
 
 std::optional<ConnectTarget> Controller::Target(std::wstring& fault)
 {
-    const PortNameResult named = m_names.Parse(m_choice.port);
-    if (!named.port) {
-        fault = FromUtf8(named.fault);
-        return std::nullopt;
-    }
-    if (named.port->kind == PortKind::Device) {
-        m_simulator.reset();
-        m_scenario.clear();
-        AllowClock();
-        return TargetOf(named.port->path, LinkSettings(m_roots), m_names);
-    }
-    if (!StartSimulator(named.port->scenario.empty() ? "lark" : named.port->scenario, fault)) {
-        return std::nullopt;
-    }
-    return TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
-}
-
-bool Controller::StartSimulator(const std::string& scenario, std::wstring& fault)
-{
-    if (m_simulator && scenario == m_scenario) {
-        return true;
-    }
-    std::string error;
-    const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
-    auto started = loaded ? std::make_unique<simulator::Simulator>(*loaded, *m_clock) : nullptr;
-    if (!started || !started->Start(error)) {
-        fault = FromUtf8(error);
-        return false;
-    }
-    m_command->ClosePort();
-    m_simulator = std::move(started);
+    std::optional<ConnectTarget> target = m_target->Resolve(m_choice.port, fault);
     AllowClock();
-    m_scenario = scenario;
-    return true;
+    return target;
 }
 
 void Controller::UseTheme(Theme::Kind kind)
@@ -311,7 +222,8 @@ void Controller::UseAntenna(AntennaRole role)
 
 void Controller::ReadAntenna()
 {
-    m_antenna->ReadRegAnt();
+    const bool isStored = m_antenna->ReadRegAnt() != 0;
+    TiltSensorDlg::SetAntH(isStored ? m_antenna->GetAntCalcH() : 0.0);
     m_antennaLine = fieldcore::ToQt(m_antenna->GetAntLine());
 }
 
@@ -325,7 +237,7 @@ void Controller::SetMaySetClock(bool maySet)
 /// A simulated receiver takes its time from this clock, or makes one up.
 void Controller::AllowClock()
 {
-    SystemClock::Instance().AllowSetting(m_maySetClock && !m_simulator &&
+    SystemClock::Instance().AllowSetting(m_maySetClock && !m_target->IsSimulated() &&
                                          m_options.screenshots.isEmpty());
 }
 
@@ -353,33 +265,15 @@ void Controller::AskReceiver()
 
 ReceiverState Controller::State() const
 {
-    ReceiverState state;
-    state.link = LampOf(m_link->State());
-    if (const auto& receiver = m_link->Receiver();
-        receiver && state.link != ReceiverState::Link::None) {
-        state.receiver = fieldcore::ToQt(receiver->model);
-    }
+    ReceiverState state = StateOf(*m_link, *m_poll, *m_clock);
     state.antenna = m_antennaLine;
-    state.simulator = m_simulator ? QString::fromStdString(m_scenario) : QString();
-    if (const auto& status = m_link->Status()) {
-        constexpr double kNoPdop = 99.0;
-        const auto age = m_link->StatusAge().value_or(Clock::Duration{});
-        state.receivedUtc =
-            ToQt(m_clock->Utc() - std::chrono::duration_cast<std::chrono::milliseconds>(age));
-        state.batteryPercent = status->value.batteryPercent;
-        const auto& battery = m_poll->Now().battery;
-        state.batteryFailed = battery && !battery->value.percent;
-        state.satellites = status->value.satellitesTracked;
-        if (std::isfinite(status->value.pdop) && status->value.pdop < kNoPdop) {
-            state.pdop = status->value.pdop;
-        }
-    }
+    state.simulator = QString::fromStdString(m_target->Scenario());
     return state;
 }
 
 QDateTime Controller::NowUtc() const
 {
-    return ToQt(m_clock->Utc());
+    return QtTime(m_clock->Utc());
 }
 
 QString Controller::TakeNotice()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Options.h"
-#include "app/StatusStrip.h"
+#include "app/ReceiverState.h"
 
 #include "core/equipment/AntennaSettings.h"
 #include "core/equipment/PortEdit.h"
@@ -16,6 +16,7 @@
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
 #include "ui/controls/QtHost.h"
+#include "ui/controls/Theme.h"
 #include "ui/link/LinkMonitor.h"
 
 #include <QObject>
@@ -27,9 +28,7 @@
 namespace fieldcore {
 
 class FastClock;
-namespace simulator {
-class Simulator;
-}
+class PortTarget;
 
 /// What the windows of the field controller work with: settings, the channel to the receiver, the
 /// link that is kept, and the simulated receiver if one is meant. User-interface thread only.
@@ -119,7 +118,6 @@ private:
     void ReadLinkRate();
     void AskReceiver();
     void AllowClock();
-    bool StartSimulator(const std::string& scenario, std::wstring& fault);
 
     const AppOptions m_options;
     std::unique_ptr<FastClock> m_fastClock; // null: time runs as it does
@@ -129,10 +127,9 @@ private:
     PortNames m_names;
     std::filesystem::path m_folder;
     std::unique_ptr<QtHost> m_host;
-    std::unique_ptr<simulator::Simulator> m_simulator; // null: a real port
-    std::string m_scenario;
     FrameHistory m_frames;
     std::unique_ptr<CCommand> m_command;
+    std::unique_ptr<PortTarget> m_target;
     std::unique_ptr<ReceiverLink> m_link;
     std::unique_ptr<AntennaSettings> m_antenna;
     QString m_antennaLine;

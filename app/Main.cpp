@@ -1,5 +1,6 @@
 #include "app/Controller.h"
 #include "app/Options.h"
+#include "app/ScreenPictures.h"
 #include "app/Session.h"
 #include "ui/controls/TouchStyle.h"
 
@@ -31,7 +32,7 @@ int main(int argc, char** argv)
     controller.Begin();
     Session session(controller);
     if (!options.screenshots.isEmpty()) {
-        return session.WriteScreenshots(options.screenshots);
+        return ScreenPictures(controller, session.Window()).Write(options.screenshots);
     }
     session.Begin();
     if (options.firstPage) {

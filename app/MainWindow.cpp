@@ -23,6 +23,7 @@ struct Entry
     int text;
 };
 
+// Twelve fill the page; what is seldom needed, or destroys, stands in the menu alone.
 constexpr Entry kButtons[] = {
     {MainWindow::kConnect, "connect", text::kAppConnect},
     {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
@@ -35,7 +36,6 @@ constexpr Entry kButtons[] = {
     {MainWindow::kTilt, "tilt", text::kAppTilt},
     {MainWindow::kFrames, "recording", text::kAppFrames},
     {MainWindow::kPorts, "port", text::kComTitle},
-    {MainWindow::kForceInit, "restore", text::kAppForceInit},
     {MainWindow::kSettings, "settings", text::kAppSettings},
 };
 
@@ -60,6 +60,7 @@ MainWindow::MainWindow(QWidget* parent)
     m_menu->AddItem(link, kPorts, UiText(text::kComTitle));
     m_menu->AddSeparator(link);
     m_menu->AddItem(link, kFrames, UiText(text::kAppFrames));
+    m_menu->AddItem(link, kForceInit, UiText(text::kAppForceInit));
     const int view = m_menu->AddPopup(UiText(text::kAppMenuView));
     m_menu->AddItem(view, kThemeDaylight, UiText(text::kAppThemeDaylight));
     m_menu->AddItem(view, kThemeDark, UiText(text::kAppThemeDark));
@@ -103,12 +104,37 @@ void MainWindow::closeEvent(QCloseEvent* event)
 void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    constexpr int kColumns = 3;
-    const bool isWide = event->size().width() > kWide;
-    m_home->SetColumns(isWide ? 1 : kColumns);
+    Arrange();
+}
+
+bool MainWindow::event(QEvent* event)
+{
+    const bool isDone = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest) {
+        Arrange(); // the lines at the head have become more, or fewer
+    }
+    return isDone;
+}
+
+void MainWindow::Arrange()
+{
+    const bool isWide = width() > kWide;
+    const auto heightOf = [this](const QWidget* part) {
+        return part->hasHeightForWidth() ? part->heightForWidth(width())
+                                         : part->sizeHint().height();
+    };
+    const int room = height() - heightOf(m_status) - heightOf(m_menu);
+    m_home->Arrange(room, isWide);
+    const int over = room - m_home->minimumSizeHint().height();
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    m_body->setStretch(0, isWide ? 1 : 2);
-    m_body->setStretch(1, isWide ? 4 : 1);
+    m_body->setStretch(0, isWide ? 0 : 1);
+    m_body->setStretch(1, isWide ? 1 : 0);
+    // A side bar is as wide as its buttons.
+    m_scroll->setHorizontalScrollBarPolicy(isWide ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    const int bar = m_home->minimumSizeHint().width();
+    m_scroll->setMinimumWidth(isWide ? bar : 0);
+    m_scroll->setMaximumWidth(isWide ? bar : QWIDGETSIZE_MAX);
+    m_overview->setVisible(isWide || over >= heightOf(m_overview));
 }
 
 } // namespace fieldcore

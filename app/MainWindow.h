@@ -16,9 +16,10 @@ class CnMenuBar;
 class HomePage;
 class Overview;
 
-/// The window of the controller: status at the head, the buttons of the home page with the
-/// receiver's values below or, in a wide window, beside them, the menu bar at the foot. It decides
-/// nothing: what was chosen goes out as a number. User-interface thread only.
+/// The window of the controller: status at the head, the buttons of the home page, the menu bar at
+/// the foot. The receiver's values stand large beside the buttons in a wide window, below them in
+/// one that is high enough. It decides nothing: what was chosen goes out as a number.
+/// User-interface thread only.
 class MainWindow : public QWidget
 {
     Q_OBJECT
@@ -63,8 +64,11 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
+    void Arrange();
+
     StatusStrip* m_status; // owned by the window, as is all that follows
     HomePage* m_home;
     QScrollArea* m_scroll;

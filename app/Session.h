@@ -1,19 +1,11 @@
 #pragma once
 
 #include "app/Controller.h"
-#include "ui/equipment/ComPort.h"
-#include "ui/equipment/RecvFileMan.h"
-#include "ui/link/PortChooserDlg.h"
-#include "ui/planning/SkyPlotDlg.h"
-#include "ui/planning/SurveyPlan.h"
 
 #include <QObject>
 #include <QString>
-#include <QWidget>
 
-#include <functional>
 #include <memory>
-#include <vector>
 
 namespace fieldcore {
 
@@ -33,32 +25,15 @@ public:
     /// Shows the window and connects.
     void Begin();
 
-    /// Writes a picture of every screen, in both sizes and colours, and ends the program's work.
-    /// @param folder  is made if it is not there
-    /// @return an exit code: 0; 8 if the folder or a picture cannot be written
-    int WriteScreenshots(const QString& folder);
+    [[nodiscard]] MainWindow& Window() { return *m_window; }
 
 private:
-    struct Screen
-    {
-        QString name; ///< of its pictures
-        std::function<std::unique_ptr<QWidget>()> make;
-    };
-    /// Every screen but the window itself, as it is when it has just been opened.
-    std::vector<Screen> Screens();
     void Open(int choice);
-    [[nodiscard]] PlanSurroundings PlanWorld();
-    [[nodiscard]] CSkyPlot::Surroundings SkyWorld() const;
-    [[nodiscard]] CRecvFileMan::Surroundings FilesWorld();
     void ShowFiles();
-    /// What the simulated receiver can play.
-    [[nodiscard]] static std::vector<ScenarioChoice> Scenarios();
     void ChoosePort();
     void ChangeSettings();
     void ChangeAntenna();
-    [[nodiscard]] std::unique_ptr<QWidget> AntennaScreen(int way, double heightM);
     void ChangePorts();
-    [[nodiscard]] CComPort::Surroundings PortsWorld();
     void Connect();
     void ConnectAtStart();
     /// Offers a calibration soon, if the receiver has a sensor that needs it.
@@ -70,8 +45,6 @@ private:
     void ShowStatus();
     void ShowVersion(QWidget* parent);
     void WarnOfBattery(const QString& words);
-    /// The status page, the version list and the battery's warning for pictures.
-    void AddStatusScreens(std::vector<Screen>& screens);
     void ShowChosenTheme();
 
     Controller& m_controller;

@@ -52,22 +52,10 @@ void Paint(QLabel* label, const QColor& colour)
 
 } // namespace
 
-bool IsFresh(const ReceiverState& state, const QDateTime& nowUtc)
-{
-    return state.link == ReceiverState::Link::Connected && state.receivedUtc.isValid() &&
-           state.receivedUtc.secsTo(nowUtc) <= StatusStrip::kStaleS;
-}
-
-QString JstText(const QDateTime& utc)
-{
-    constexpr int kJapanAheadS = 9 * 3600;
-    return utc.toOffsetFromUtc(kJapanAheadS).toString(QStringLiteral("HH:mm:ss"));
-}
-
 StatusStrip::StatusStrip(QWidget* parent)
     : QWidget(parent), m_line(new QHBoxLayout), m_below(new QHBoxLayout), m_lamp(new QLabel),
-      m_receiver(new QLabel), m_values(new QLabel), m_time(new QLabel), m_antenna(new QLabel),
-      m_ribbon(new QLabel)
+      m_receiver(new QLabel), m_pdop(new QLabel), m_time(new QLabel), m_battery(new QLabel),
+      m_antenna(new QLabel), m_ribbon(new QLabel)
 {
     setAutoFillBackground(true);
     setAccessibleName(UiText(text::kAppStatus));
@@ -77,13 +65,13 @@ StatusStrip::StatusStrip(QWidget* parent)
     }
     m_time->setMinimumWidth(1); // or the window could not become so narrow that it has to move
     m_receiver->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_values->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_time->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_line->addWidget(m_lamp);
     m_line->addWidget(m_receiver, 1);
-    m_line->addWidget(m_values);
+    m_line->addWidget(m_pdop);
     m_line->addWidget(m_time);
-    for (QLabel* label : {m_lamp, m_receiver, m_values}) {
+    m_line->addWidget(m_battery);
+    for (QLabel* label : {m_lamp, m_receiver, m_pdop, m_battery}) {
         label->setMinimumHeight(kLineHeight);
     }
     m_time->setMinimumHeight(kRibbonHeight);
@@ -109,16 +97,11 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     m_state = state;
     m_now = nowUtc;
     const QString unknown = QStringLiteral("--");
-    const bool isFresh = state.link == ReceiverState::Link::Connected &&
-                         state.receivedUtc.isValid() && state.receivedUtc.secsTo(nowUtc) <= kStaleS;
+    const bool isFresh = IsFresh(state, nowUtc);
     m_lamp->setText(UiText(LampOf(state.link).text));
     m_receiver->setToolTip(state.receiver);
     const QString pdop = state.pdop ? QString::number(*state.pdop, 'f', 1) : unknown;
-    const QString battery = state.batteryFailed ? UiText(text::kBatteryUnknown)
-                            : state.batteryPercent
-                                ? QString::number(*state.batteryPercent) + QStringLiteral(" %")
-                                : unknown;
-    m_values->setText(QStringLiteral("PDOP %1  %2").arg(pdop, battery));
+    m_pdop->setText(QStringLiteral("PDOP ") + pdop);
     if (isFresh || state.link == ReceiverState::Link::None) {
         m_time->setText(JstText(nowUtc) + QStringLiteral(" JST"));
     } else if (state.receivedUtc.isValid()) {
@@ -135,21 +118,40 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     Arrange();
 }
 
+QString StatusStrip::BatteryWords() const
+{
+    if (m_state.batteryFailed) {
+        return UiText(text::kBatteryUnknown);
+    }
+    return m_state.batteryPercent ? QString::number(*m_state.batteryPercent) + QStringLiteral(" %")
+                                  : QStringLiteral("--");
+}
+
 void StatusStrip::Arrange()
 {
-    const int gaps = 2 * kMargin + 3 * kGap;
-    const int least = 3 * fontMetrics().averageCharWidth(); // of the name
-    const int values = m_lamp->sizeHint().width() + m_values->sizeHint().width();
+    const QFontMetrics metrics = m_receiver->fontMetrics();
+    const QString charge = BatteryWords();
+    m_battery->setText(charge);
+    const int gaps = 2 * kMargin + 4 * kGap;
+    const int least = 3 * metrics.averageCharWidth(); // of the name
+    const int others = gaps + m_lamp->sizeHint().width() + m_pdop->sizeHint().width() +
+                       m_battery->sizeHint().width();
     const int time = m_time->sizeHint().width();
-    const bool isBelow = gaps + least + values + time > width();
+    const bool isBelow = others + least + time > width();
     QHBoxLayout* const line = isBelow ? m_below : m_line;
     if (line->indexOf(m_time) < 0) {
         (isBelow ? m_line : m_below)->removeWidget(m_time);
-        line->addWidget(m_time);
+        line->insertWidget(line->indexOf(m_battery), m_time); // below: the only one
     }
-    const int room = width() - gaps - values - (isBelow ? 0 : time);
-    m_receiver->setText(
-        m_receiver->fontMetrics().elidedText(m_state.receiver, Qt::ElideRight, std::max(room, 0)));
+    int room = width() - others - (isBelow ? 0 : time);
+    const QString source = QLatin1Char(' ') + m_state.batterySource;
+    const int more = metrics.horizontalAdvance(source);
+    if (!m_state.batterySource.isEmpty() &&
+        room - more >= metrics.horizontalAdvance(m_state.receiver)) {
+        m_battery->setText(charge + source);
+        room -= more;
+    }
+    m_receiver->setText(metrics.elidedText(m_state.receiver, Qt::ElideRight, std::max(room, 0)));
 }
 
 void StatusStrip::resizeEvent(QResizeEvent* event)
@@ -171,7 +173,8 @@ void StatusStrip::Colour()
     const Theme& theme = Theme::Current();
     const bool isFresh = IsFresh(m_state, m_now);
     Paint(m_lamp, theme.*LampOf(m_state.link).colour);
-    Paint(m_values, isFresh ? theme.text : theme.stale);
+    Paint(m_pdop, isFresh ? theme.text : theme.stale);
+    Paint(m_battery, isFresh ? theme.text : theme.stale);
     Paint(m_time, isFresh || m_state.link == ReceiverState::Link::None ? theme.text : theme.stale);
     QPalette ground = m_ribbon->palette();
     ground.setColor(QPalette::Window, theme.attention);

@@ -53,7 +53,7 @@ TiltReading Leaning(double t1Rad, double t2Rad)
     return reading;
 }
 
-TiltScreen Bubble(const QString& name, const TiltReading& reading)
+Picture Bubble(const QString& name, const TiltReading& reading)
 {
     return {name, [reading]() -> std::unique_ptr<QWidget> {
                 constexpr BubbleRules kRules{40.0, 0.02, 1.8};
@@ -65,13 +65,13 @@ TiltScreen Bubble(const QString& name, const TiltReading& reading)
 
 } // namespace
 
-std::vector<TiltScreen> TiltScreens(Controller& controller)
+std::vector<Picture> TiltScreens(Controller& controller)
 {
     const auto bench = MakeBench("tilted", false);
     const auto locked = MakeBench("tilted", true);
     const CReg& reg = controller.Reg();
     SettingsRoots& roots = controller.Roots();
-    std::vector<TiltScreen> screens{
+    std::vector<Picture> screens{
         {QStringLiteral("signals"),
          [bench, &reg]() -> std::unique_ptr<QWidget> {
              return std::make_unique<SetSignal>(bench->command.get(), reg);

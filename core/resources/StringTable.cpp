@@ -421,7 +421,7 @@ constexpr Entry kEntries[] = {
     Entry{text::kAppThemeDaylight, L"昼間の配色"},
     Entry{text::kAppThemeDark, L"暗い配色"},
     Entry{text::kAppThemeSystem, L"システムに合わせる"},
-    Entry{text::kAppAbout, L"バージョン"},
+    Entry{text::kAppAbout, L"フィールドコアについて"},
     Entry{text::kAppAboutText, L"フィールドコア %1"},
     Entry{text::kAppNoJapaneseFont,
           L"日本語のフォントがありません。fonts-vlgothicをインストールして、"

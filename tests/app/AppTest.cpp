@@ -72,18 +72,18 @@ TEST(StatusStrip, TellsFreshFromStale)
     state.batteryPercent = 0;
     StatusStrip strip;
     strip.Show(state, now);
-    EXPECT_EQ(Words(strip), QStringLiteral("● 接続中|Corvane VX1|PDOP 1.8  0 %|12:04:05 JST"));
+    EXPECT_EQ(Words(strip), QStringLiteral("● 接続中|Corvane VX1|PDOP 1.8|12:04:05 JST|0 %"));
 
-    strip.Show(state, now.addSecs(StatusStrip::kStaleS));
-    EXPECT_TRUE(Words(strip).endsWith(QStringLiteral("最終受信 12:04:03")))
+    strip.Show(state, now.addSecs(kStaleS));
+    EXPECT_TRUE(Words(strip).contains(QStringLiteral("|最終受信 12:04:03|")))
         << Words(strip).toStdString();
     state.link = ReceiverState::Link::Lost;
     strip.Show(state, now);
     EXPECT_TRUE(Words(strip).startsWith(QStringLiteral("▲ 切断")));
-    EXPECT_TRUE(Words(strip).endsWith(QStringLiteral("最終受信 12:04:03")));
+    EXPECT_TRUE(Words(strip).contains(QStringLiteral("|最終受信 12:04:03|")));
 
     strip.Show({}, now);
-    EXPECT_EQ(Words(strip), QStringLiteral("○ 未接続||PDOP --  --|12:04:05 JST"));
+    EXPECT_EQ(Words(strip), QStringLiteral("○ 未接続||PDOP --|12:04:05 JST|--"));
     state.simulator = QStringLiteral("pica");
     strip.Show(state, now);
     EXPECT_TRUE(Words(strip).contains(QStringLiteral("シミュレータに接続しています（pica）")));
@@ -138,8 +138,10 @@ TEST(HomePage, PutsItsButtonsIntoColumns)
         return positions.size();
     };
     EXPECT_EQ(lefts(), 3);
-    page.SetColumns(1);
-    EXPECT_EQ(lefts(), 1);
+    page.Arrange(664, true);
+    EXPECT_EQ(lefts(), 2);
+    page.Arrange(200, true); // too low for two
+    EXPECT_EQ(lefts(), 3);
 }
 
 } // namespace

@@ -4,19 +4,25 @@
 #include "app/Controller.h"
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
+#include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/controls/RandomHands.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/IconButton.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/tilt/BubbleView.h"
+#include "ui/tilt/TiltSensorDlg.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -32,6 +38,31 @@
 
 namespace fieldcore {
 namespace {
+
+/// A finger on Esc: presses it on whatever window is in front, until it has gone.
+class EscapeKey
+{
+public:
+    explicit EscapeKey(int everyMs = 100)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            if (QWidget* const page = QApplication::activeModalWidget()) {
+                m_pressed.append(QString::fromLatin1(page->metaObject()->className()));
+                QTest::keyClick(page, Qt::Key_Escape);
+            }
+        });
+        m_timer.start(everyMs);
+    }
+
+    /// Class of the first page that was in front.
+    [[nodiscard]] QString First() const { return m_pressed.value(0); }
+    /// How often it had to be pressed.
+    [[nodiscard]] int Count() const { return static_cast<int>(m_pressed.size()); }
+
+private:
+    QTimer m_timer;
+    QStringList m_pressed;
+};
 
 class SessionTest : public ::testing::Test
 {
@@ -102,46 +133,100 @@ TEST_F(SessionTest, ConnectsAndOpensItsPages)
     EXPECT_EQ(controller.State().receiver, QStringLiteral("Corvane VX1"));
     EXPECT_EQ(controller.State().simulator, QStringLiteral("lark"));
 
-    struct Row
-    {
-        QString button;
-        const char* page;
-    };
-    const Row rows[] = {
-        {QStringLiteral("観測計画"), "fieldcore::CSurveyPlan"},
-        {QStringLiteral("衛星"), "fieldcore::CSkyPlot"},
-        {QStringLiteral("ファイル"), "fieldcore::CRecvFileMan"},
-        {QStringLiteral("通信記録"), "fieldcore::FramesDlg"},
-        {QStringLiteral("通信設定"), "fieldcore::CComPort"},
-        {QStringLiteral("設定"), "fieldcore::SettingsSheet"},
-        {QStringLiteral("接続"), "fieldcore::PortChooserDlg"},
-    };
     MainWindow* const window = Window();
     ASSERT_NE(window, nullptr);
-    QString opened;
-    QTimer watchdog; // leaves whatever page is in front
-    QObject::connect(&watchdog, &QTimer::timeout, [&opened] {
-        if (auto* const page = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-            opened = QString::fromLatin1(page->metaObject()->className());
-            page->Close(Dialog::kCancelled);
-        }
-    });
-    watchdog.start(50);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.page);
-        opened.clear();
-        for (CIconButton* button : window->findChildren<CIconButton*>()) {
-            if (button->accessibleName() == row.button) {
-                QTest::mouseClick(button, Qt::LeftButton);
-            }
-        }
-        EXPECT_EQ(opened, QString::fromLatin1(row.page));
-    }
     EXPECT_FALSE(controller.Frames().After(0).empty());
 
-    opened.clear();
+    EscapeKey esc;
     EXPECT_FALSE(window->close()) << "the question at the end was answered with staying";
-    EXPECT_EQ(opened, QStringLiteral("fieldcore::CPrgEndMes"));
+    EXPECT_EQ(esc.First(), QStringLiteral("fieldcore::CPrgEndMes"));
+}
+
+/// The row's page opens, with or without a receiver, and Esc leaves everything as it was.
+TEST_F(SessionTest, LeavesEveryEntryWithEsc)
+{
+    struct Row
+    {
+        MainWindow::Choice choice;
+        const char* page;
+        const char* pageWithoutReceiver;
+    };
+    const Row rows[] = {
+        {MainWindow::kConnect, "PortChooserDlg", "PortChooserDlg"},
+        {MainWindow::kSkyPlot, "CSkyPlot", "CSkyPlot"},
+        {MainWindow::kPlan, "CSurveyPlan", "CSurveyPlan"},
+        {MainWindow::kStatus, "StatusPage", "StatusPage"},
+        {MainWindow::kFiles, "CRecvFileMan", "MessageDlg"},
+        {MainWindow::kAntenna, "CAntenna", "CAntenna"},
+        {MainWindow::kTracking, "TrackingDlg", "TrackingDlg"},
+        {MainWindow::kSignals, "SetSignal", "SetSignal"},
+        {MainWindow::kTilt, "TiltStatusDlg", "TiltStatusDlg"},
+        {MainWindow::kFrames, "FramesDlg", "FramesDlg"},
+        {MainWindow::kPorts, "CComPort", "CComPort"},
+        {MainWindow::kSettings, "SettingsSheet", "SettingsSheet"},
+        {MainWindow::kForceInit, "MessageDlg", "MessageDlg"},
+        {MainWindow::kVersion, "CVersion", "CVersion"},
+        {MainWindow::kAbout, "MessageDlg", "MessageDlg"},
+    };
+    Controller controller(Options(QStringLiteral("sim:lark")));
+    controller.Begin();
+    Session session(controller);
+    MainWindow& window = session.Window();
+    window.show();
+    std::wstring fault;
+    for (const bool isConnected : {true, false}) {
+        if (isConnected) {
+            ASSERT_TRUE(controller.ConnectQuietly(fault));
+        } else {
+            controller.Disconnect();
+        }
+        const LinkState before = controller.Link().State();
+        for (const Row& row : rows) {
+            const char* const page = isConnected ? row.page : row.pageWithoutReceiver;
+            SCOPED_TRACE(std::string(page) + (isConnected ? "" : " without a receiver"));
+            EscapeKey esc;
+            Q_EMIT window.Chosen(row.choice);
+            EXPECT_EQ(esc.First().toStdString(), std::string("fieldcore::") + page);
+            EXPECT_LE(esc.Count(), 3) << "one page after another";
+            EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+            EXPECT_TRUE(window.isVisible() && window.isEnabled());
+            EXPECT_FALSE(controller.Command().IsBusy());
+            EXPECT_EQ(controller.Link().State(), before);
+        }
+    }
+}
+
+/// The cable comes off while a page is open, and is put back when the page has been left.
+TEST_F(SessionTest, ComesBackFromUnderEveryPage)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("lark", error);
+    ASSERT_TRUE(scenario) << error;
+    simulator::Simulator receiver(*scenario);
+    ASSERT_TRUE(receiver.Start(error)) << error;
+    Controller controller(Options(QString::fromStdString(receiver.PortPath())));
+    controller.Begin();
+    Session session(controller);
+    session.Window().show();
+    std::wstring fault;
+    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    for (const MainWindow::Choice choice :
+         {MainWindow::kSkyPlot, MainWindow::kStatus, MainWindow::kFiles, MainWindow::kTilt,
+          MainWindow::kPorts, MainWindow::kVersion}) {
+        SCOPED_TRACE(static_cast<int>(choice));
+        {
+            EscapeKey esc(1500); // after the page has had time to miss it
+            QTimer::singleShot(500, &session, [&receiver] { receiver.HangUp(); });
+            Q_EMIT session.Window().Chosen(choice);
+            EXPECT_FALSE(esc.First().isEmpty());
+        }
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return controller.State().link == ReceiverState::Link::Lost; }, 20000));
+        ASSERT_TRUE(receiver.Plug());
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return controller.State().link == ReceiverState::Link::Connected; }, 20000));
+    }
 }
 
 TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
@@ -180,6 +265,28 @@ TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
     EXPECT_EQ(boxes, 0);
 }
 
+TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)
+{
+    Controller controller(Options(QStringLiteral("sim:tilted")));
+    controller.Begin();
+    AntennaSettings antenna(nullptr, 1, 0, {controller.ProgramFolder(), &controller.Roots()});
+    antenna.SetRole(AntennaRole::Rover);
+    antenna.SetAntInputH(1.8);
+    ASSERT_EQ(antenna.WriteRegAnt(), 1);
+    std::wstring fault;
+    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    ASSERT_EQ(TiltSensorDlg::StartUp(&controller.Command(), nullptr, nullptr), 1);
+    const auto ring = [] { return TiltSensorDlg::Instance()->View()->Picture().ringRadius; };
+    const auto shows = [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; };
+    EXPECT_TRUE(QTest::qWaitFor(shows, 10000));
+    EXPECT_EQ(ring(), 0) << "no height is known yet";
+    controller.UseAntenna(AntennaRole::Rover);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ring() > 0; }, 10000));
+    controller.UseAntenna(AntennaRole::Reference); // which has none
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ring() == 0; }, 10000));
+    TiltSensorDlg::ShutDown();
+}
+
 TEST_F(SessionTest, TellsOfItsSettingsInJapanese)
 {
     const std::filesystem::path config = m_folder.filePath(QStringLiteral("config")).toStdString();
@@ -208,6 +315,23 @@ TEST_F(SessionTest, TellsOfItsSettingsInJapanese)
     EXPECT_TRUE(notice.contains(QStringLiteral("user.db")));
 }
 
+/// Every entry of the home page is in sight, and large enough for a glove.
+void ExpectAllEntries(MainWindow& window)
+{
+    const QList<CIconButton*> buttons = window.findChildren<CIconButton*>();
+    EXPECT_EQ(buttons.size(), 12);
+    window.show();
+    QCoreApplication::processEvents();
+    for (const CIconButton* button : buttons) {
+        SCOPED_TRACE(button->text().toStdString());
+        EXPECT_GE(button->width(), 120);
+        EXPECT_GE(button->height(), 88);
+        EXPECT_EQ(button->visibleRegion().boundingRect(), button->rect())
+            << "it has to be scrolled";
+    }
+    window.hide();
+}
+
 /// The window with all that can be known on it, its settings, the frames.
 TEST_F(SessionTest, CutsNothingOff)
 {
@@ -224,6 +348,8 @@ TEST_F(SessionTest, CutsNothingOff)
         state.receivedUtc = controller.NowUtc().addSecs(-60);
         state.pdop = 12.3;
         state.batteryPercent = 100;
+        state.batterySource = QStringLiteral("電源1");
+        state.antenna = QStringLiteral("アンテナ高 10.543 m（アンテナ底面）→ 鉛直高 10.6123 m");
         state.satellites = 24;
         state.simulator = QStringLiteral("almanac-hangs-up");
         return state;
@@ -248,6 +374,7 @@ TEST_F(SessionTest, CutsNothingOff)
                 MainWindow window;
                 window.ShowState(stale, controller.NowUtc());
                 check(window, QStringLiteral("home-") + look, size);
+                ExpectAllEntries(window);
                 FramesDlg frames(controller.Frames());
                 check(frames, QStringLiteral("frames-") + look, size);
                 SettingsSheet sheet(controller.Ports(), {{"lark", QStringLiteral("正常な受信機")}},
@@ -327,13 +454,14 @@ TEST_F(SessionTest, WritesAPictureOfEveryScreen)
 {
     Controller controller(Options(QStringLiteral("sim:lark")));
     controller.Begin();
-    Session session(controller);
+    MainWindow window;
+    ScreenPictures pictures(controller, window);
     const QString folder = m_folder.filePath(QStringLiteral("pictures"));
-    EXPECT_EQ(session.WriteScreenshots(folder), 0);
+    EXPECT_EQ(pictures.Write(folder), 0);
     const QStringList files = QDir(folder).entryList({QStringLiteral("*.png")});
     EXPECT_EQ(files.filter(QStringLiteral("home")).size(), 4);
     EXPECT_GE(files.size(), 56);
-    EXPECT_EQ(session.WriteScreenshots(QStringLiteral("/dev/null/pictures")), 8);
+    EXPECT_EQ(pictures.Write(QStringLiteral("/dev/null/pictures")), 8);
 }
 
 } // namespace

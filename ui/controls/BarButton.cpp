@@ -52,8 +52,12 @@ void BarButton::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     const bool pressed = isDown() || isChecked();
     painter.fillRect(rect(), pressed ? theme.accent : theme.raised);
-    painter.setPen(theme.stale);
-    painter.drawLine(rect().topRight() + QPoint(0, kGrid), rect().bottomRight() - QPoint(0, kGrid));
+    if (parentWidget() == nullptr || geometry().right() < parentWidget()->rect().right()) {
+        // To its neighbour; the last one has none.
+        painter.setPen(theme.stale);
+        painter.drawLine(rect().topRight() + QPoint(0, kGrid),
+                         rect().bottomRight() - QPoint(0, kGrid));
+    }
     if (hasFocus()) {
         painter.setPen(QPen(theme.accent, 3.0));
         painter.drawRect(rect().adjusted(1, 1, -2, -2));

@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace fieldcore {
 
@@ -15,6 +16,9 @@ namespace {
 
 constexpr int kGrid = TouchStyle::kGrid;
 constexpr QSize kLeast(15 * kGrid, 12 * kGrid);
+constexpr QSize kLeastLow(15 * kGrid, 11 * kGrid);
+constexpr int kIcon = 6 * kGrid;
+constexpr int kLowIcon = 5 * kGrid;
 // A Japanese label has no blanks to break at.
 constexpr int kLabelFlags =
     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWrapAnywhere | Qt::TextShowMnemonic;
@@ -31,7 +35,7 @@ CIconButton::CIconButton(const QString& icon, const QString& label, QWidget* par
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAttribute(Qt::WA_Hover);
     SetIcon(icon);
-    SetIconSize(6 * kGrid);
+    SetIconSize(kIcon);
 }
 
 void CIconButton::SetIcon(const QString& icon)
@@ -46,6 +50,13 @@ void CIconButton::SetIconSize(int size)
     updateGeometry();
 }
 
+void CIconButton::SetLow(bool isLow)
+{
+    if (std::exchange(m_isLow, isLow) != isLow) {
+        SetIconSize(isLow ? kLowIcon : kIcon);
+    }
+}
+
 int CIconButton::LabelHeight(int width) const
 {
     return fontMetrics().boundingRect(QRect(0, 0, width, 1000), kLabelFlags, text()).height();
@@ -56,9 +67,10 @@ QSize CIconButton::sizeHint() const
     // Wide enough for five characters, whatever the font: longer labels break.
     const int width = std::max({kLeast.width(), iconSize().width() + 2 * kGrid,
                                 fontMetrics().horizontalAdvance(QChar(0x3042)) * 5 + 2 * kGrid});
-    const int iconPart = icon().isNull() ? 0 : iconSize().height() + kGrid;
-    const int height = 2 * kGrid + iconPart + LabelHeight(width - 2 * kGrid);
-    return QSize(width, height).expandedTo(kLeast);
+    const int gap = m_isLow ? kGrid / 2 : kGrid;
+    const int iconPart = icon().isNull() ? 0 : iconSize().height() + gap;
+    const int height = 2 * gap + iconPart + LabelHeight(width - 2 * kGrid);
+    return QSize(width, height).expandedTo(m_isLow ? kLeastLow : kLeast);
 }
 
 void CIconButton::paintEvent(QPaintEvent* event)
@@ -74,8 +86,9 @@ void CIconButton::paintEvent(QPaintEvent* event)
     painter.setBrush(pressed ? theme.accent : theme.raised);
     painter.drawRoundedRect(edge, kGrid / 2.0, kGrid / 2.0);
 
-    const QRect inner = rect().adjusted(kGrid, kGrid, -kGrid, -kGrid);
-    const int iconPart = icon().isNull() ? 0 : iconSize().height() + kGrid;
+    const int gap = m_isLow ? kGrid / 2 : kGrid;
+    const QRect inner = rect().adjusted(kGrid, gap, -kGrid, -gap);
+    const int iconPart = icon().isNull() ? 0 : iconSize().height() + gap;
     const int label = LabelHeight(inner.width());
     int top = inner.top() + (inner.height() - iconPart - label) / 2;
     if (!icon().isNull()) {

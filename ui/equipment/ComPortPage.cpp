@@ -1,5 +1,6 @@
 #include "ui/equipment/ComPortPage.h"
 
+#include "ui/controls/FormRow.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
@@ -45,10 +46,7 @@ ComPortPage::ComPortPage(int port, QWidget* parent)
         combo->setAccessibleName(UiText(id));
         combo->setMaximumWidth(35 * TouchStyle::kGrid);
         combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        auto* const label = new QLabel(UiText(id));
-        label->setMinimumHeight(TouchStyle::kTarget);
-        label->setBuddy(combo);
-        form->addRow(label, combo);
+        AddFormRow(*form, UiText(id), combo);
     };
     add(text::kComRate, m_bps);
     add(text::kComDataBits, m_dataBits);

@@ -2,6 +2,7 @@
 
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
+#include "ui/controls/FormRow.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/RoleLabel.h"
 #include "ui/controls/Theme.h"
@@ -86,11 +87,12 @@ void PortChooser::Build(const std::vector<ScenarioChoice>& scenarios)
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     form->setSpacing(kGrid);
-    form->addRow(UiText(text::kPortName), m_name);
+    AddFormRow(*form, UiText(text::kPortName), m_name);
     form->addRow(m_fault);
     m_scenarioLabel->setBuddy(m_scenario);
+    m_scenarioLabel->setMinimumHeight(TouchStyle::kTarget);
     form->addRow(m_scenarioLabel, m_scenario);
-    form->addRow(UiText(text::kPortBaudRate), m_baudRate);
+    AddFormRow(*form, UiText(text::kPortBaudRate), m_baudRate);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(kGrid);

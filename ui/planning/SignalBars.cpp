@@ -85,8 +85,14 @@ void SignalBars::Draw(QPainter& painter, const QSizeF& size)
 {
     const PlotStyle style = StyleOf(*this);
     const QFontMetricsF metrics(style.small);
-    const QRectF area(ScaleWidth(), metrics.height(), size.width() - ScaleWidth() - kGap,
-                      size.height() - 2.0 * metrics.height() - 4.0);
+    const qreal across = size.width() - ScaleWidth() - kGap;
+    const auto groups = static_cast<qreal>(std::max<std::size_t>(m_satellites.size(), 1));
+    // Groups that could be wider than a hand would not read as bars.
+    const qreal group = std::min(across / groups, 2.0 * GroupWidth());
+    // Names that would touch stand in two rows.
+    const int rows = group < GroupWidth() + kGap ? 2 : 1;
+    const QRectF area(ScaleWidth(), metrics.height(), across,
+                      size.height() - (1.0 + rows) * metrics.height() - 4.0);
     const auto heightOf = [&](double signal) {
         return area.bottom() - std::clamp(signal / kTop, 0.0, 1.0) * area.height();
     };
@@ -108,10 +114,8 @@ void SignalBars::Draw(QPainter& painter, const QSizeF& size)
         painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, UiText(text::kSkyNoSignals));
         return;
     }
-    // Groups that could be wider than a hand would not read as bars.
-    const qreal group =
-        std::min(area.width() / static_cast<qreal>(m_satellites.size()), 2.0 * GroupWidth());
     qreal left = area.left();
+    int row = 0;
     for (const LiveSatellite& satellite : m_satellites) {
         const QColor colour = m_isStale ? Theme::Current().stale
                                         : ConstellationColour(style, satellite.constellation);
@@ -129,13 +133,15 @@ void SignalBars::Draw(QPainter& painter, const QSizeF& size)
             }
         }
         const bool isChosen = m_chosen && m_chosen->IsSame(satellite);
-        const QRectF label(left, area.bottom() + 2.0, group, metrics.height());
+        const QRectF label(left, area.bottom() + 2.0 + row * metrics.height(), group,
+                           metrics.height());
         if (isChosen) {
             painter.fillRect(label, style.accent);
         }
         painter.setPen(isChosen ? style.ground : m_isStale ? Theme::Current().stale : style.text);
         painter.drawText(label, Qt::AlignCenter, SatelliteText(satellite));
         left += group;
+        row = (row + 1) % rows;
     }
 }
 

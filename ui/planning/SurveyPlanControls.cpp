@@ -231,7 +231,9 @@ void CSurveyPlan::resizeEvent(QResizeEvent* event)
     Dialog::resizeEvent(event);
     const bool isWide = event->size().width() >= kWide;
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    m_panel->setMaximumWidth(isWide ? kWide * 4 / 9 : QWIDGETSIZE_MAX);
+    m_panel->setMinimumWidth(isWide ? kWide / 2
+                                    : 0); // or the times would stand against their frames
+    m_panel->setMaximumWidth(isWide ? kWide / 2 : QWIDGETSIZE_MAX);
     m_windowList->setVisible(isWide);
     m_windows->setHidden(isWide);
 }

@@ -1,6 +1,7 @@
 #include "ui/tilt/TiltStatusDlg.h"
 
 #include "core/tilt/BubbleConfig.h"
+#include "ui/controls/FormRow.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/TComboBox.h"
@@ -159,10 +160,10 @@ void TiltStatusDlg::BuildSettings(QFormLayout& form)
     m_expiryPlace->addWidget(shown);
     m_expiryPlace->addWidget(edited);
     m_expiryPlace->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    form.addRow(UiText(text::kTiltSensitivityLabel), m_sensitivity);
-    form.addRow(UiText(text::kTiltSpeedLabel), m_speed);
-    form.addRow(UiText(text::kTiltToleranceLabel), duration);
-    form.addRow(UiText(text::kTiltValidityLabel), m_expiryPlace);
+    AddFormRow(form, UiText(text::kTiltSensitivityLabel), m_sensitivity);
+    AddFormRow(form, UiText(text::kTiltSpeedLabel), m_speed);
+    AddFormRow(form, UiText(text::kTiltToleranceLabel), duration);
+    AddFormRow(form, UiText(text::kTiltValidityLabel), m_expiryPlace);
     m_sensitivity->setAccessibleName(UiText(text::kTiltSensitivityLabel));
     m_speed->setAccessibleName(UiText(text::kTiltSpeedLabel));
     m_duration->setAccessibleName(UiText(text::kTiltToleranceLabel));

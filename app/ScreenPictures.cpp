@@ -1,0 +1,236 @@
+#include "app/ScreenPictures.h"
+
+#include "app/Controller.h"
+#include "app/FilePictures.h"
+#include "app/FramesDlg.h"
+#include "app/MainWindow.h"
+#include "app/SettingsSheet.h"
+#include "app/SimulatedHour.h"
+#include "app/TiltScreens.h"
+#include "app/Worlds.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/Antenna.h"
+#include "ui/equipment/StatusHistoryView.h"
+#include "ui/equipment/StatusPage.h"
+#include "ui/equipment/Version.h"
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QEventLoop>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <iterator>
+#include <optional>
+
+namespace fieldcore {
+
+namespace {
+
+struct Look
+{
+    const char* name;
+    QSize size;
+    Theme::Kind theme;
+};
+
+constexpr Look kLooks[] = {
+    {"480x640-daylight", {480, 640}, Theme::Kind::Daylight},
+    {"480x640-dark", {480, 640}, Theme::Kind::Dark},
+    {"1280x800-daylight", {1280, 800}, Theme::Kind::Daylight},
+    {"1280x800-dark", {1280, 800}, Theme::Kind::Dark},
+};
+
+bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& folder)
+{
+    window.resize(look.size);
+    window.show();
+    QCoreApplication::processEvents();
+    const QString file = folder.filePath(name + QLatin1Char('-') + QLatin1String(look.name) +
+                                         QStringLiteral(".png"));
+    const bool saved = window.grab().save(file);
+    std::printf("%s\n", qPrintable(saved ? file : file + QStringLiteral(": not written")));
+    return saved;
+}
+
+} // namespace
+
+ScreenPictures::ScreenPictures(Controller& controller, MainWindow& window)
+    : m_controller(controller), m_window(window)
+{}
+
+int ScreenPictures::Write(const QString& folder)
+{
+    constexpr int kLocalFile = 8;
+    if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "fieldcore: %s cannot be made.\n", qPrintable(folder));
+        return kLocalFile;
+    }
+    std::wstring fault;
+    m_controller.ConnectQuietly(fault);
+    m_controller.Link().Tick(); // which asks for the status
+    bool written = true;
+    for (const Look& look : kLooks) {
+        Theme::Use(look.theme);
+        m_window.ShowState(m_controller.State(), m_controller.NowUtc()); // in its colours
+        written = Grab(m_window, QStringLiteral("home"), look, folder) && written;
+        for (const Picture& picture : All()) {
+            const std::unique_ptr<QWidget> screen = picture.make();
+            written = Grab(*screen, picture.name, look, folder) && written;
+            screen->hide();
+        }
+    }
+    m_controller.Disconnect();
+    return written ? 0 : kLocalFile;
+}
+
+ScreenPictures::Pictures ScreenPictures::All()
+{
+    Pictures all;
+    for (const Pictures& group :
+         {Own(), Ports(), Files(), Planning(), Antennas(), Status(), TiltScreens(m_controller)}) {
+        all.insert(all.end(), group.begin(), group.end());
+    }
+    return all;
+}
+
+ScreenPictures::Pictures ScreenPictures::Own()
+{
+    return {{QStringLiteral("frames"),
+             [this]() -> std::unique_ptr<QWidget> {
+                 return std::make_unique<FramesDlg>(m_controller.Frames());
+             }},
+            {QStringLiteral("settings"),
+             [this]() -> std::unique_ptr<QWidget> {
+                 return std::make_unique<SettingsSheet>(m_controller.Ports(), Scenarios(),
+                                                        m_controller.Choice(),
+                                                        m_controller.MaySetClock());
+             }},
+            {QStringLiteral("port"), [this]() -> std::unique_ptr<QWidget> {
+                 return std::make_unique<PortChooserDlg>(m_controller.Ports(), Scenarios(),
+                                                         m_controller.Choice());
+             }}};
+}
+
+ScreenPictures::Pictures ScreenPictures::Ports()
+{
+    Pictures made;
+    for (int count = 1; count <= 3; ++count) {
+        made.push_back(
+            {QStringLiteral("com-%1").arg(count), [this, count]() -> std::unique_ptr<QWidget> {
+                 CComPort::Surroundings world = PortsWorld(m_controller);
+                 world.ports = count;
+                 return std::make_unique<CComPort>(
+                     &m_controller.Command(), m_controller.ReceiverPort(), UiText(text::kComTitle),
+                     nullptr, count - 1, world);
+             }});
+    }
+    return made;
+}
+
+ScreenPictures::Pictures ScreenPictures::Files()
+{
+    const auto files = std::make_shared<FilePictures>(m_controller.Host(), m_controller.GetClock());
+    return {{QStringLiteral("files"), [files] { return files->Sheet(0); }},
+            {QStringLiteral("files-bin"), [files] { return files->Sheet(1); }},
+            {QStringLiteral("files-progress"), [files] { return files->Progress(); }},
+            {QStringLiteral("files-destination"), [files] { return files->Destination(); }},
+            {QStringLiteral("files-error"), &FilePictures::Error}};
+}
+
+ScreenPictures::Pictures ScreenPictures::Planning()
+{
+    Pictures made;
+    const char* const names[] = {"count", "skyplot", "azimuth", "elevation", "pdop"};
+    for (int drawType = 0; drawType < static_cast<int>(std::size(names)); ++drawType) {
+        made.push_back({QStringLiteral("plan-") + QLatin1String(names[drawType]),
+                        [this, drawType]() -> std::unique_ptr<QWidget> {
+                            auto dialog = std::make_unique<CSurveyPlan>(
+                                &m_controller.Command(), 0, PlanWorld(m_controller, nullptr));
+                            dialog->show();
+                            for (QAction* action : dialog->findChildren<QAction*>()) {
+                                if (action->data().toInt() == CSurveyPlan::GetMenuID(drawType)) {
+                                    action->trigger();
+                                }
+                            }
+                            return dialog;
+                        }});
+    }
+    made.push_back(
+        {QStringLiteral("skyplot"), [this]() -> std::unique_ptr<QWidget> {
+             auto dialog =
+                 std::make_unique<CSkyPlot>(&m_controller.Command(), 0, SkyWorld(m_controller));
+             dialog->show(); // which asks the receiver
+             const auto* const list = dialog->findChild<QAbstractItemView*>();
+             const QDeadlineTimer patience(std::chrono::seconds(5));
+             while (list != nullptr && list->model()->rowCount() == 0 && !patience.hasExpired()) {
+                 QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+             }
+             return dialog;
+         }});
+    return made;
+}
+
+ScreenPictures::Pictures ScreenPictures::Antennas()
+{
+    const auto antenna = [this](int way, double heightM) {
+        return [this, way, heightM]() -> std::unique_ptr<QWidget> {
+            auto dialog = std::make_unique<CAntenna>(
+                &m_controller.Command(), 1, 0,
+                AntennaSettings::Surroundings{m_controller.ProgramFolder(), &m_controller.Roots()});
+            dialog->show(); // which reads the settings
+            dialog->SetAntTypeFlag(std::min(3, dialog->GetMaxCount() - 1));
+            dialog->SetAntWayFlag(way);
+            dialog->SetAntInputH(heightM);
+            dialog->ShowValues();
+            return dialog;
+        };
+    };
+    return {{QStringLiteral("antenna-vertical"), antenna(0, 1.543)},
+            {QStringLiteral("antenna-slant"), antenna(1, 1.543)},
+            {QStringLiteral("antenna-base"), antenna(2, 1.543)},
+            {QStringLiteral("antenna-too-short"), antenna(1, 0.05)}};
+}
+
+ScreenPictures::Pictures ScreenPictures::Status()
+{
+    static const std::optional<SimulatedHour> hour = LiveAnHour(); // once for all pictures
+    if (!hour) {
+        return {};
+    }
+    const auto page = [](Clock::Duration later, bool isConnected) {
+        return [later, isConnected]() -> std::unique_ptr<QWidget> {
+            auto made = std::make_unique<StatusPage>();
+            made->Show(hour->status, hour->history,
+                       {hour->now + later, hour->utc + later, isConnected});
+            return made;
+        };
+    };
+    return {{QStringLiteral("status"), page({}, true)},
+            {QStringLiteral("status-stale"), page(std::chrono::minutes(3), true)},
+            {QStringLiteral("status-lost"), page(std::chrono::minutes(3), false)},
+            {QStringLiteral("status-empty"),
+             []() -> std::unique_ptr<QWidget> { return std::make_unique<StatusPage>(); }},
+            {QStringLiteral("status-history"),
+             []() -> std::unique_ptr<QWidget> {
+                 auto made = std::make_unique<StatusHistoryView>();
+                 made->Show(hour->history, hour->now);
+                 return made;
+             }},
+            {QStringLiteral("version"),
+             [this]() -> std::unique_ptr<QWidget> {
+                 return std::make_unique<CVersion>(&m_controller.Command());
+             }},
+            {QStringLiteral("battery-low"), []() -> std::unique_ptr<QWidget> {
+                 return std::make_unique<MessageDlg>(
+                     ToQt(FormatText(text::kBatteryLow, 20)), UiText(text::kBatteryCaption),
+                     BoxStyle{BoxButtons::Ok, BoxIcon::Exclamation});
+             }}};
+}
+
+} // namespace fieldcore

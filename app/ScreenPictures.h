@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/Picture.h"
+
+#include <vector>
+
+namespace fieldcore {
+
+class Controller;
+class MainWindow;
+
+/// Pictures of every screen of the controller, in both sizes and colours. User-interface thread
+/// only.
+class ScreenPictures
+{
+public:
+    /// @param controller, window  must outlive the object
+    ScreenPictures(Controller& controller, MainWindow& window);
+
+    /// Connects, writes the pictures as PNG and disconnects.
+    /// @param folder  is made if it is not there
+    /// @return an exit code: 0; 8 if the folder or a picture cannot be written
+    int Write(const QString& folder);
+
+private:
+    using Pictures = std::vector<Picture>;
+
+    /// Every screen but the window itself, as it is when it has just been opened.
+    [[nodiscard]] Pictures All();
+    [[nodiscard]] Pictures Own();
+    [[nodiscard]] Pictures Ports();
+    [[nodiscard]] Pictures Files();
+    [[nodiscard]] Pictures Planning();
+    [[nodiscard]] Pictures Antennas();
+    [[nodiscard]] Pictures Status();
+
+    Controller& m_controller;
+    MainWindow& m_window;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,61 @@
+#include "app/Worlds.h"
+
+#include "app/Controller.h"
+#include "simulator/Scenario.h"
+#include "simulator/ShippedScenarios.h"
+#include "ui/link/ConnectDlg.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace fieldcore {
+
+PlanSurroundings PlanWorld(Controller& controller, QWidget* parent)
+{
+    PlanSurroundings world;
+    world.folder = controller.ProgramFolder();
+    world.roots = &controller.Roots();
+    world.clock = &controller.GetClock();
+    world.makeConnect = [&controller, parent](CCommand& command) -> std::unique_ptr<CConnect> {
+        std::wstring fault;
+        const std::optional<ConnectTarget> target = controller.Target(fault);
+        return std::make_unique<ConnectDlg>(command, 0, target.value_or(ConnectTarget{}), parent);
+    };
+    return world;
+}
+
+CSkyPlot::Surroundings SkyWorld(const Controller& controller)
+{
+    return {&controller.Reg(), &controller.GetClock(), controller.ProgramFolder()};
+}
+
+CRecvFileMan::Surroundings FilesWorld(Controller& controller, QWidget* parent)
+{
+    CRecvFileMan::Surroundings world;
+    world.makeConnect = PlanWorld(controller, parent).makeConnect;
+    return world;
+}
+
+CComPort::Surroundings PortsWorld(Controller& controller)
+{
+    const auto target = [&controller] {
+        std::wstring fault;
+        return controller.Target(fault);
+    };
+    return {&controller.Roots(), controller.ReceiverPorts(), target};
+}
+
+std::vector<ScenarioChoice> Scenarios()
+{
+    std::vector<ScenarioChoice> choices;
+    for (const simulator::ShippedScenario& shipped : simulator::AllShippedScenarios()) {
+        std::string error;
+        const auto scenario = simulator::LoadScenario(std::string(shipped.name), error);
+        choices.push_back({std::string(shipped.name),
+                           scenario ? QString::fromStdString(scenario->titleJa) : QString()});
+    }
+    return choices;
+}
+
+} // namespace fieldcore
