@@ -115,7 +115,9 @@ void CalibrationRun::TellCancel()
 
 LastCalibrationRun CalibrationRun::Result() const
 {
-    return {m_state == State::Aborted, m_state == State::Failed};
+    // A screen that is torn down does not wait until the receiver has stopped.
+    const bool isAborted = m_state == State::Aborted || m_state == State::Cancelling;
+    return {isAborted, m_state == State::Failed};
 }
 
 } // namespace fieldcore

@@ -270,8 +270,8 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
     surveyor.boxes = {{L"チルト調整がされていません。\n今すぐ調整を行いますか？",
                        L"チルト調整",
                        text::kMessageIconQuestion,
-                       {text::kButtonOk, text::kButtonCancel},
-                       text::kButtonOk}};
+                       {text::kButtonCancel, text::kButtonOk},
+                       0}}; // Enter agrees
     bool wasOpened = false;
     QTimer leave;
     QObject::connect(&leave, &QTimer::timeout, [&wasOpened] {
