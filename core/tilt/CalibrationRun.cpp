@@ -65,7 +65,7 @@ void CalibrationRun::Tick()
     }
     TiltCalibration record;
     if (m_state == State::Running && m_command->RequestTiltCalibration(record) == 1) {
-        m_percent = std::clamp(record.progressPercent, 0, 100);
+        m_percent = std::clamp(record.progressPercent, m_percent, 100); // it never goes back
     }
 }
 
