@@ -1,6 +1,7 @@
 #include "ui/tilt/TiltStatusDlg.h"
 
 #include "core/tilt/BubbleConfig.h"
+#include "ui/controls/FormRows.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/TComboBox.h"
@@ -9,6 +10,7 @@
 #include "ui/tilt/TiltCalibDlg.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
+#include <QFontInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -84,7 +86,7 @@ void TiltStatusDlg::Build()
     column->setSpacing(kGrid);
     QFont large = font();
     large.setBold(true);
-    large.setPixelSize(20);
+    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
     m_status->setFont(large);
     m_status->setWordWrap(true);
     column->addWidget(m_status);
@@ -94,6 +96,7 @@ void TiltStatusDlg::Build()
     form->setVerticalSpacing(kGrid);
     form->setLabelAlignment(Qt::AlignVCenter);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     BuildSettings(*form);
     column->addLayout(form);
     column->addStretch(1);
@@ -159,10 +162,10 @@ void TiltStatusDlg::BuildSettings(QFormLayout& form)
     m_expiryPlace->addWidget(shown);
     m_expiryPlace->addWidget(edited);
     m_expiryPlace->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    form.addRow(UiText(text::kTiltSensitivityLabel), m_sensitivity);
-    form.addRow(UiText(text::kTiltSpeedLabel), m_speed);
-    form.addRow(UiText(text::kTiltToleranceLabel), duration);
-    form.addRow(UiText(text::kTiltValidityLabel), m_expiryPlace);
+    AddFormRow(form, UiText(text::kTiltSensitivityLabel), m_sensitivity);
+    AddFormRow(form, UiText(text::kTiltSpeedLabel), m_speed);
+    AddFormRow(form, UiText(text::kTiltToleranceLabel), duration);
+    AddFormRow(form, UiText(text::kTiltValidityLabel), m_expiryPlace);
     m_sensitivity->setAccessibleName(UiText(text::kTiltSensitivityLabel));
     m_speed->setAccessibleName(UiText(text::kTiltSpeedLabel));
     m_duration->setAccessibleName(UiText(text::kTiltToleranceLabel));

@@ -4,6 +4,7 @@
 #include "core/input/Parts.h"
 #include "core/input/TextList.h"
 #include "core/platform/SettingsStore.h"
+#include "ui/controls/FormRows.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
@@ -118,7 +119,7 @@ void TrackingDlg::BuildFields(QFormLayout& form)
         {text::kTrackingPdop, m_pdop},     {text::kTrackingEpochs, m_epochs},
     };
     for (const auto& [textId, field] : rows) {
-        form.addRow(UiText(textId), field);
+        AddFormRow(form, UiText(textId), field);
         field->setAccessibleName(UiText(textId));
     }
 }
