@@ -18,6 +18,8 @@ public:
         Clock::Duration at{};          ///< never before the one in front of it
         std::optional<int> satellites; ///< used; nothing: it was not known
         std::optional<double> pdop;    ///< nothing: there was none
+
+        friend bool operator==(const Sample&, const Sample&) = default;
     };
 
     static constexpr std::chrono::hours kLength{1};

@@ -22,8 +22,26 @@ BoxAnswer HarmlessAnswer(BoxButtons buttons)
     return BoxAnswer::Ok;
 }
 
+BoxAnswer AgreeingAnswer(BoxButtons buttons)
+{
+    switch (buttons) {
+    case BoxButtons::YesNo:
+        return BoxAnswer::Yes;
+    case BoxButtons::RetryCancel:
+        return BoxAnswer::Retry;
+    case BoxButtons::OkCancel:
+    case BoxButtons::Ok:
+        break;
+    }
+    return BoxAnswer::Ok;
+}
+
 BoxAnswer DefaultAnswer(BoxStyle style)
 {
+    if (style.byDefault == AgreeingAnswer(style.buttons) ||
+        style.byDefault == HarmlessAnswer(style.buttons)) {
+        return *style.byDefault;
+    }
     const bool isRequest = style.icon == BoxIcon::None || style.icon == BoxIcon::Information;
     if (style.buttons == BoxButtons::OkCancel && isRequest) {
         return BoxAnswer::Ok;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 namespace fieldcore {
@@ -21,12 +22,6 @@ enum class BoxIcon
     Question,
 };
 
-struct BoxStyle
-{
-    BoxButtons buttons = BoxButtons::Ok;
-    BoxIcon icon = BoxIcon::None;
-};
-
 enum class BoxAnswer
 {
     Ok,
@@ -36,10 +31,21 @@ enum class BoxAnswer
     Retry,
 };
 
+struct BoxStyle
+{
+    BoxButtons buttons = BoxButtons::Ok;
+    BoxIcon icon = BoxIcon::None;
+    /// The answer that Enter gives, one of the buttons; nothing: see DefaultAnswer().
+    std::optional<BoxAnswer> byDefault = std::nullopt;
+};
+
 /// The answer that changes nothing: what Esc gives, and what nobody gives who is not there.
 [[nodiscard]] BoxAnswer HarmlessAnswer(BoxButtons buttons);
+/// The answer that goes on: what a caller waits for, or the only one.
+[[nodiscard]] BoxAnswer AgreeingAnswer(BoxButtons buttons);
 
-/// The answer that Enter gives: the usual next step, unless agreeing may destroy something. It may
+/// The answer that Enter gives: the one that the style names, if its buttons have it. Else the
+/// usual next step, unless agreeing may destroy something. It may
 /// where there is a question or a warning to agree to; trying again, and going on after a mere
 /// request, never does.
 [[nodiscard]] BoxAnswer DefaultAnswer(BoxStyle style);

@@ -222,7 +222,11 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameBuffer& frame)
     GpsTimeReply reply;
     reply.secondsOfWeek = RealField(frame, 7);
     reply.week = IntegerField(frame, 4);
-    reply.utcOffsetS = IntegerField(frame, 2);
+    // A number that does not fit its two characters goes on to the end of the reply.
+    constexpr std::size_t kOffsetAt = 11;
+    constexpr std::size_t kLongest = 8;
+    const std::size_t rest = frame.GetDataLength() - kOffsetAt;
+    reply.utcOffsetS = IntegerField(frame, std::min(rest, kLongest));
     const bool possible = reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
     if (!possible) {
         return std::nullopt;

@@ -65,7 +65,7 @@ void CalibrationRun::Tick()
     }
     TiltCalibration record;
     if (m_state == State::Running && m_command->RequestTiltCalibration(record) == 1) {
-        m_percent = std::clamp(record.progressPercent, 0, 100);
+        m_percent = std::clamp(record.progressPercent, m_percent, 100); // it never goes back
     }
 }
 
@@ -115,7 +115,9 @@ void CalibrationRun::TellCancel()
 
 LastCalibrationRun CalibrationRun::Result() const
 {
-    return {m_state == State::Aborted, m_state == State::Failed};
+    // A screen that is torn down does not wait until the receiver has stopped.
+    const bool isAborted = m_state == State::Aborted || m_state == State::Cancelling;
+    return {isAborted, m_state == State::Failed};
 }
 
 } // namespace fieldcore

@@ -45,7 +45,8 @@ public:
     [[nodiscard]] State GetState() const { return m_state; }
     [[nodiscard]] bool IsOver() const { return m_state >= State::Done; }
     [[nodiscard]] int ProgressPercent() const { return m_percent; } ///< 0 to 100
-    /// Aborted and failed as the status shows them afterwards.
+    /// Aborted and failed as the status shows them afterwards. A run that was cancelled and is not
+    /// over yet counts as aborted.
     [[nodiscard]] LastCalibrationRun Result() const;
     /// Why the receiver did not take the start, or fell silent.
     [[nodiscard]] CommandFault Fault() const { return m_fault; }

@@ -117,7 +117,7 @@ std::wstring TiltSettings::ExpiryEditText()
 
 bool TiltSettings::MayCalibrate(Host& host)
 {
-    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question};
+    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question, BoxAnswer::Cancel};
     constexpr double kMostRad = 0.03490658503988659; // 2 degrees
     const CMesBox box(host);
     if (box.Show(text::kTiltStart, text::kTiltCaption, kQuestion) != BoxAnswer::Ok) {

@@ -13,6 +13,8 @@ void AddFormRow(QFormLayout& form, const QString& label, QWidget* field)
     shown->setMinimumHeight(TouchStyle::kTarget);
     shown->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     shown->setBuddy(field);
+    field->setMinimumHeight(TouchStyle::kTarget);
+    field->setSizePolicy(QSizePolicy::Expanding, field->sizePolicy().verticalPolicy());
     form.addRow(shown, field);
 }
 

@@ -69,20 +69,6 @@ int TextOf(BoxAnswer answer)
     return text::kButtonOk;
 }
 
-BoxAnswer AgreeingAnswer(BoxButtons buttons)
-{
-    switch (buttons) {
-    case BoxButtons::YesNo:
-        return BoxAnswer::Yes;
-    case BoxButtons::RetryCancel:
-        return BoxAnswer::Retry;
-    case BoxButtons::OkCancel:
-    case BoxButtons::Ok:
-        break;
-    }
-    return BoxAnswer::Ok;
-}
-
 } // namespace
 
 MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle style, QWidget* parent)

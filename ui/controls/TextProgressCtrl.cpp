@@ -38,6 +38,9 @@ void CTextProgressCtrl::SetPos(int position)
 
 void CTextProgressCtrl::SetText(const QString& text)
 {
+    if (m_text == text) {
+        return;
+    }
     m_text = text;
     setAccessibleDescription(text);
     updateGeometry();
@@ -56,6 +59,9 @@ QString CTextProgressCtrl::text() const
 
 void CTextProgressCtrl::SetColour(const QColor& colour)
 {
+    if (m_colour == colour) {
+        return;
+    }
     m_colour = colour;
     update();
 }

@@ -53,7 +53,16 @@ StatusHistoryView::StatusHistoryView(QWidget* parent) : CGraphicsBase(parent)
 
 void StatusHistoryView::Show(const StatusHistory& history, Clock::Duration now)
 {
-    m_history = history;
+    const bool isSame = m_history.Samples() == history.Samples();
+    // Half a pixel: an hour is some hundred pixels wide.
+    const double moved =
+        std::chrono::duration<double, std::ratio<60>>(now - m_now).count() * width() / kMinutes;
+    if (isSame && (history.Samples().empty() || std::abs(moved) < 0.5)) {
+        return;
+    }
+    if (!isSame) {
+        m_history = history;
+    }
     m_now = now;
     Invalidate();
 }

@@ -16,6 +16,7 @@ class StatusHistoryView : public CGraphicsBase
 public:
     explicit StatusHistoryView(QWidget* parent = nullptr);
 
+    /// Draws anew only if there is another sample, or time has moved the graph by half a pixel.
     /// @param history  copied
     /// @param now      of the clock that the samples are timed by
     void Show(const StatusHistory& history, Clock::Duration now);

@@ -7,6 +7,7 @@
 #include "ui/equipment/StatusHistoryView.h"
 
 #include <QFontInfo>
+#include <QFontMetrics>
 #include <QGridLayout>
 #include <QLabel>
 #include <QResizeEvent>
@@ -23,7 +24,8 @@ namespace {
 
 constexpr int kMargin = 12;
 constexpr int kWide = 900;
-constexpr double kLarge = 1.5;  // of the text's own size
+constexpr int kNarrowGraph = 200;
+constexpr double kLarge = 1.75; // of the text's own size
 constexpr double kValue = 1.15; // the same
 constexpr int kSmallest = 13;   // pixels
 
@@ -103,12 +105,19 @@ StatusPage::StatusPage(QWidget* parent)
     Show({}, {}, {});
 }
 
-/// The graph stands beside the values where there is room.
+/// The graph stands beside the values where there is room, else before them.
 void StatusPage::resizeEvent(QResizeEvent* event)
 {
     Dialog::resizeEvent(event);
-    m_body->setDirection(event->size().width() > kWide ? QBoxLayout::LeftToRight
-                                                       : QBoxLayout::TopToBottom);
+    m_isWide = event->size().width() > kWide;
+    m_body->setDirection(m_isWide ? QBoxLayout::LeftToRight : QBoxLayout::BottomToTop);
+    m_history->setMaximumHeight(m_isWide ? QWIDGETSIZE_MAX : kNarrowGraph);
+    for (std::size_t i = 0; i < m_lines.size(); ++i) {
+        PutAge(i);
+    }
+    const QFontMetrics metrics(Sized(font(), kValue, true));
+    const int date = metrics.horizontalAdvance(QStringLiteral("0000-00-00 00:00:00 "));
+    m_grid->setColumnMinimumWidth(1, m_isWide ? date : 0);
 }
 
 void StatusPage::Show(const LiveStatus& status, const StatusHistory& history,
@@ -140,18 +149,31 @@ void StatusPage::Show(const LiveStatus& status, const StatusHistory& history,
     m_history->Show(history, view.now);
 }
 
+/// The long words of a stale value stand below it where they would take its room.
+void StatusPage::PutAge(std::size_t index)
+{
+    Line& line = m_lines[index];
+    const bool isBelow = line.isStale && !m_isWide;
+    if (isBelow != std::exchange(line.isAgeBelow, isBelow)) {
+        const int at = 2 * static_cast<int>(index);
+        m_grid->addWidget(line.age, isBelow ? at + 1 : at, isBelow ? 1 : 2);
+        line.age->setAlignment((isBelow ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignTop);
+    }
+}
+
 void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
 {
     const Theme& theme = Theme::Current();
     if (index == m_lines.size()) {
         const Line line{new QLabel(UiText(row.labelId)), new QLabel, new QLabel};
+        line.value->setAccessibleName(UiText(row.labelId)); // the rows are always the same
         line.value->setFont(Sized(font(), kValue, true));
         line.age->setFont(Sized(font(), 13.0 / 16.0, false));
         line.age->setAlignment(Qt::AlignRight | Qt::AlignTop);
         line.name->setAlignment(Qt::AlignLeft | Qt::AlignTop);
         line.value->setWordWrap(true);
         line.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        const int at = static_cast<int>(index);
+        const int at = 2 * static_cast<int>(index); // an age may stand below
         m_grid->addWidget(line.name, at, 0);
         m_grid->addWidget(line.value, at, 1);
         m_grid->addWidget(line.age, at, 2);
@@ -159,8 +181,9 @@ void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
     }
     const Line& line = m_lines[index];
     line.value->setText(ToQt(row.value));
-    line.value->setAccessibleName(UiText(row.labelId));
     line.age->setText(ToQt(row.age));
+    m_lines[index].isStale = row.isStale;
+    PutAge(index);
     Paint(line.name, theme.second);
     Paint(line.value, row.isStale ? theme.stale : theme.text);
     Paint(line.age, row.isStale ? theme.stale : theme.second);

@@ -15,8 +15,9 @@ namespace fieldcore {
 class CTextProgressCtrl;
 class StatusHistoryView;
 
-/// How the receiver is, value by value, each with its age, and the last hour of satellites and
-/// PDOP. It asks nobody: whoever polls calls Show(). User-interface thread only.
+/// How the receiver is: the fix and the battery large, the last hour of satellites and PDOP, and
+/// value by value the rest, each with its age. It asks nobody: whoever polls calls Show().
+/// User-interface thread only.
 class StatusPage : public Dialog
 {
     Q_OBJECT
@@ -39,7 +40,10 @@ private:
         QLabel* name; // owned by the dialog, as are the next
         QLabel* value;
         QLabel* age;
+        bool isStale = false;
+        bool isAgeBelow = false;
     };
+    void PutAge(std::size_t index);
     void ShowRow(std::size_t index, const StatusRow& row);
 
     QLabel* m_fixAge;
@@ -49,6 +53,7 @@ private:
     QGridLayout* m_grid;
     QBoxLayout* m_body; // values, then the graph
     std::vector<Line> m_lines;
+    bool m_isWide = false;
     StatusHistoryView* m_history;
 };
 

@@ -6,6 +6,7 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
+#include <QFontInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -18,6 +19,10 @@ TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
 {
     constexpr int kGrid = TouchStyle::kGrid;
     setWindowTitle(UiText(text::kTiltCaption));
+    QFont large = font();
+    large.setBold(true);
+    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
+    m_words->setFont(large);
     m_words->setWordWrap(true);
     m_progress->setAccessibleName(UiText(text::kTiltCaption));
     m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
@@ -28,6 +33,7 @@ TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
     layout->setSpacing(2 * kGrid);
+    layout->addStretch(1);
     layout->addWidget(m_words);
     layout->addWidget(m_progress);
     layout->addStretch(1);

@@ -49,7 +49,7 @@ void TiltStatusChk::TimerCheckProc(QWidget* window)
     if (!g_check.Look()) {
         return;
     }
-    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question};
+    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question, BoxAnswer::Ok};
     const QPointer<QWidget> under(window);
     if (CMesBox(command->GetHost()).Show(text::kTiltCheck, text::kTiltCaption, kQuestion) ==
         BoxAnswer::Ok) {

@@ -10,6 +10,7 @@
 #include "ui/tilt/TiltCalibDlg.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
+#include <QFontInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -85,7 +86,7 @@ void TiltStatusDlg::Build()
     column->setSpacing(kGrid);
     QFont large = font();
     large.setBold(true);
-    large.setPixelSize(20);
+    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
     m_status->setFont(large);
     m_status->setWordWrap(true);
     column->addWidget(m_status);
@@ -95,6 +96,7 @@ void TiltStatusDlg::Build()
     form->setVerticalSpacing(kGrid);
     form->setLabelAlignment(Qt::AlignVCenter);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     BuildSettings(*form);
     column->addLayout(form);
     column->addStretch(1);

@@ -148,7 +148,7 @@ public:
     {
         EXPECT_EQ(style.buttons, BoxButtons::OkCancel);
         EXPECT_EQ(style.icon, BoxIcon::Question);
-        EXPECT_EQ(DefaultAnswer(style), BoxAnswer::Cancel);
+        EXPECT_EQ(style.byDefault, BoxAnswer::Cancel);
         captions.emplace_back(caption);
         texts.emplace_back(text);
         const BoxAnswer answer = answers.front();

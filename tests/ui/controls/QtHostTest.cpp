@@ -122,6 +122,16 @@ TEST(QtHost, AnswersByKeysAndClicks)
          Retry,
          Cancel,
          {Cancel, Retry}},
+        {"a question that may be agreed to with Enter",
+         {BoxButtons::OkCancel, BoxIcon::Question, Ok},
+         Ok,
+         Cancel,
+         {Cancel, Ok}},
+        {"a default that is no button of the box",
+         {BoxButtons::YesNo, BoxIcon::Question, Retry},
+         No,
+         No,
+         {Yes, No}},
     };
     const Window window;
     QtHost host;

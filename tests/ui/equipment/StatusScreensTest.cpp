@@ -3,21 +3,30 @@
 #include "core/equipment/BattLevel.h"
 #include "core/link/Command.h"
 #include "simulator/Simulator.h"
+#include "tests/ui/controls/NothingCut.h"
+#include "tests/ui/controls/Pictures.h"
+#include "tests/ui/controls/RandomHands.h"
+#include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
+#include <QTimer>
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -80,6 +89,78 @@ TEST_F(StatusScreensTest, TheVersionListCanBeCopied)
     EXPECT_FALSE(version.findChild<QPushButton*>()->isEnabled());
 }
 
+TEST_F(StatusScreensTest, CancellingTheVersionsStopsTheReceiver)
+{
+    simulator::FaultRule silence;
+    std::string error;
+    ASSERT_TRUE(simulator::ParseFaultRule("drop on 4A count 2", silence, error)) << error;
+    receiver->AddFault(silence);
+    CVersion version(&command);
+    bool isClicked = false;
+    QTimer hand;
+    QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
+        auto* const strip = version.findChild<BusyStrip*>();
+        if (strip != nullptr && strip->isVisible() && !std::exchange(isClicked, true)) {
+            QTest::mouseClick(strip->CancelButton(), Qt::LeftButton);
+        }
+    });
+    hand.start(10);
+    version.show();
+    EXPECT_TRUE(isClicked);
+    const auto requests = receiver->Requests();
+    EXPECT_TRUE(std::any_of(requests.begin(), requests.end(), [](const auto& request) {
+        return request.size() == 15 && request[2] == 0x5A;
+    })) << "it goes on sending what nobody waits for";
+    EXPECT_EQ(version.findChild<QTableWidget*>()->rowCount(), 0) << "half of a receiver";
+    EXPECT_EQ(version.Update(), 1) << "and can be asked again";
+}
+
+/// Counts what is painted below a window.
+class PaintCount final : public QObject
+{
+public:
+    explicit PaintCount(QWidget& window)
+    {
+        for (QWidget* widget : window.findChildren<QWidget*>()) {
+            widget->installEventFilter(this);
+        }
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+    int count = 0;
+};
+
+TEST(StatusPage, PaintsOnlyWhatChanged)
+{
+    LiveStatus status;
+    status.battery = {BatteryReading{64, L"電源A"}, 100s};
+    StatusHistory history;
+    history.Add({99s, 8, 1.8});
+    const Clock::UtcTime utc = std::chrono::sys_days(2026y / 3 / 19);
+    StatusPage page;
+    page.resize(480, 640);
+    page.Show(status, history, {100s, utc, true});
+    page.show();
+    QTest::qWait(50);
+    const auto paintedBy = [&](Clock::Duration now) {
+        PaintCount paint(page);
+        page.Show(status, history, {now, utc, true});
+        QTest::qWait(50);
+        return paint.count;
+    };
+    EXPECT_EQ(paintedBy(100250ms), 0) << "nothing is different";
+    EXPECT_GT(paintedBy(103s), 0) << "the age";
+    EXPECT_EQ(paintedBy(103250ms), 0);
+    history.Add({104s, 9, 1.7});
+    EXPECT_GT(paintedBy(103250ms), 0) << "the graph";
+    EXPECT_GT(paintedBy(120s), 0) << "the graph has moved";
+    status.battery->value.percent = 63;
+    EXPECT_GT(paintedBy(120s), 0);
+}
+
 TEST(StatusPage, SaysWhatIsStale)
 {
     LiveStatus status;
@@ -105,6 +186,61 @@ TEST(StatusPage, SaysWhatIsStale)
     page.Show(status, {}, {101s, utc, false});
     EXPECT_TRUE(words(page).contains(QStringLiteral("受信機に接続していません")));
     EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:59")));
+}
+
+/// A receiver as the status shows it with its longest words, and the versions.
+TEST_F(StatusScreensTest, StandLargeFontsAndAThousandEvents)
+{
+    LiveStatus status;
+    ReturnPositionStatusInformation position;
+    position.fixKind = 3;
+    position.satellitesUsed = 24;
+    position.position = {0.61, 2.42, 1234.567};
+    status.position = {position, 100s};
+    status.pdop = {L"12.3", 100s};
+    status.time = {ReceiverTime{std::chrono::local_days(2026y / 3 / 19), 18, true, 12345ms}, 100s};
+    status.battery = {BatteryReading{100, L"電源A"}, 100s};
+    status.trend = BatteryTrend{-12.3, 99h};
+    const std::function<std::unique_ptr<Dialog>()> makes[] = {
+        [&]() -> std::unique_ptr<Dialog> {
+            auto page = std::make_unique<StatusPage>();
+            page->Show(status, {}, {100s, {}, true});
+            return page;
+        },
+        [&]() -> std::unique_ptr<Dialog> {
+            auto page = std::make_unique<StatusPage>();
+            page->Show(status, {}, {300s, {}, false}); // all of it stale
+            return page;
+        },
+        [&]() -> std::unique_ptr<Dialog> { return std::make_unique<CVersion>(&command); },
+    };
+    const QFont before = QApplication::font();
+    for (const auto& make : makes) {
+        QFont large = before;
+        large.setPixelSize(21); // 30 % above 16
+        QApplication::setFont(large);
+        for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
+            const std::unique_ptr<Dialog> dialog = make();
+            dialog->resize(size);
+            dialog->show();
+            QCoreApplication::processEvents();
+            SCOPED_TRACE(dialog->metaObject()->className());
+            testing::ExpectNothingCut(*dialog, size);
+            KeepPicture(*dialog, QStringLiteral("large-%1-%2-%3")
+                                     .arg(dialog->windowTitle())
+                                     .arg(&make - makes)
+                                     .arg(size.width()));
+        }
+        QApplication::setFont(before);
+        testing::RandomHands hands;
+        while (!hands.IsTired()) {
+            const std::unique_ptr<Dialog> dialog = make();
+            dialog->resize(200 + hands.Below(1000), 200 + hands.Below(600));
+            dialog->show();
+            hands.Play(*dialog, 250);
+        }
+        ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
+    }
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "core/resources/StringTable.h"
 #include "tests/core/tilt/SensorLine.h"
+#include "tests/ui/controls/NothingCut.h"
+#include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
@@ -213,11 +215,13 @@ TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
         bool takesStart;
         bool cancel;
         int status;
+        bool isClosed = false; // its window is, instead of a click
     };
     const Row rows[] = {
         {"done", 0x19, true, false, text::kTiltCompleted},
         {"failed", 0x08, true, false, text::kTiltFailed},
         {"cancelled", 0x08, true, true, text::kTiltAborted},
+        {"closed while it runs", 0x08, true, true, text::kTiltAborted, true},
         {"refused", 0x08, false, false, text::kTiltFailed},
     };
     for (const Row& row : rows) {
@@ -244,7 +248,9 @@ TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
                 return;
             }
             wasSeen = true;
-            if (row.cancel) {
+            if (row.isClosed) {
+                EXPECT_FALSE(run->close()) << "not before the receiver has stopped";
+            } else if (row.cancel) {
                 QTest::mouseClick(run->CancelButton(), Qt::LeftButton);
             }
             words.calibration = row.end;
@@ -270,8 +276,8 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
     surveyor.boxes = {{L"チルト調整がされていません。\n今すぐ調整を行いますか？",
                        L"チルト調整",
                        text::kMessageIconQuestion,
-                       {text::kButtonOk, text::kButtonCancel},
-                       text::kButtonOk}};
+                       {text::kButtonCancel, text::kButtonOk},
+                       0}}; // Enter agrees
     bool wasOpened = false;
     QTimer leave;
     QObject::connect(&leave, &QTimer::timeout, [&wasOpened] {
@@ -334,6 +340,67 @@ TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
         EXPECT_FALSE(boxes[0]->isChecked());
         dialog.Close(Dialog::kOk);
     }
+}
+
+/// The bubble among them, which is there once and comes back where it was.
+TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("swaying-pole", error);
+    ASSERT_TRUE(scenario) << error;
+    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    QWidget window;
+    window.resize(480, 640);
+    window.show();
+    testing::RandomHands hands;
+    while (!hands.IsTired()) {
+        TiltSensorDlg::SetAntH(hands.Below(4) - 1.0);
+        ASSERT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
+        hands.Play(*TiltSensorDlg::Instance(), 100);
+        TiltSensorDlg::WindowHide(hands.Below(2));
+        if (hands.Below(3) == 0) {
+            EXPECT_EQ(TiltSensorDlg::ShutDown(), 1);
+            EXPECT_EQ(TiltSensorDlg::ShutDown(), 0);
+        }
+    }
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    EXPECT_TRUE(QTest::qWaitFor([] {
+        return TiltSensorDlg::Instance()->View()->Picture().showBubble;
+    })) << "it follows the pole no more";
+}
+
+TEST_F(TiltTest, CutsNothingOffInLargeFonts)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("tilted", error);
+    ASSERT_TRUE(scenario) << error;
+    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    const std::function<std::unique_ptr<Dialog>()> makes[] = {
+        [&] { return std::make_unique<SetSignal>(&line.command, line.reg); },
+        [&] { return std::make_unique<TiltStatusDlg>(&line.command, line.reg); },
+        [&] { return std::make_unique<TiltCalibDlg>(&line.command); },
+        [&] { return std::make_unique<TrackingDlg>(line.roots); },
+    };
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPixelSize(21); // 30 % above 16
+    QApplication::setFont(large);
+    for (const auto& make : makes) {
+        for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
+            const std::unique_ptr<Dialog> dialog = make();
+            dialog->resize(size);
+            dialog->show();
+            QCoreApplication::processEvents();
+            SCOPED_TRACE(dialog->metaObject()->className());
+            testing::ExpectNothingCut(*dialog, size);
+            KeepPicture(*dialog, QStringLiteral("large-%1-%2")
+                                     .arg(QString::fromLatin1(dialog->metaObject()->className()))
+                                     .remove(QStringLiteral("fieldcore::"))
+                                     .arg(size.width()));
+            dialog->Close(Dialog::kCancelled);
+        }
+    }
+    QApplication::setFont(before);
 }
 
 TEST_F(TiltTest, SurvivesAThousandEventsInEachDialog)

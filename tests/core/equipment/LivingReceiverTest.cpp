@@ -1,0 +1,116 @@
+// A receiver that searches, finds and loses, drains its battery and changes its power source, over
+// half an hour of its own time.
+
+#include "core/equipment/StatusRows.h"
+#include "core/resources/StringTable.h"
+#include "tests/core/equipment/PolledReceiver.h"
+
+#include <array>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+
+class LivingReceiverTest : public testing::PolledReceiver
+{
+protected:
+    /// A line of the status display, as it is now.
+    [[nodiscard]] StatusRow Row(int labelId) const
+    {
+        for (const StatusRow& row : StatusRowsOf(poll.Now(), {clock.Steady(), {}, true})) {
+            if (row.labelId == labelId) {
+                return row;
+            }
+        }
+        ADD_FAILURE() << "no such row: " << labelId;
+        return {};
+    }
+    /// Rounds until the clock says @p end; the warnings that came are added up.
+    void LiveUntil(Clock::Duration end)
+    {
+        while (clock.Steady() < end) {
+            Round(10s);
+            const BatteryWatch::Warning warning = poll.TakeWarning();
+            if (warning != BatteryWatch::Warning::None) {
+                warnings.push_back(warning);
+            }
+        }
+    }
+    std::vector<BatteryWatch::Warning> warnings;
+};
+
+TEST_F(LivingReceiverTest, IsFollowedFromTheFirstFixToTheLastCharge)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario("first-fix", error);
+    ASSERT_TRUE(scenario) << error;
+    ASSERT_NO_FATAL_FAILURE(PlugIn(*scenario));
+    struct Moment
+    {
+        std::chrono::seconds at;
+        const wchar_t* fix;
+        bool hasPlace, hasPdop, isSynchronised;
+        const wchar_t* source;
+    };
+    const Moment moments[] = {
+        {10s, L"衛星探索中", false, false, false, L"電源A"},
+        {30s, L"単独測位", true, true, true, L"電源A"},
+        {70s, L"RTKフロート", true, true, true, L"電源A"},
+        {150s, L"RTKフィックス", true, true, true, L"電源A"},
+        {160s, L"RTKフィックス", true, true, true, L"電源B"}, // at the sixteenth round
+        {310s, L"測位なし", false, false, true, L"電源B"},    // the time stays trusted
+        {370s, L"衛星探索中", false, false, true, L"電源B"},
+        {390s, L"RTKフィックス", true, true, true, L"電源B"},
+    };
+    const std::wstring unknown = Text(text::kStatusUnknown);
+    for (const Moment& moment : moments) {
+        SCOPED_TRACE(moment.at.count());
+        LiveUntil(moment.at);
+        EXPECT_EQ(Row(text::kStatusFix).value, moment.fix);
+        EXPECT_EQ(Row(text::kStatusLatitude).value != unknown, moment.hasPlace);
+        EXPECT_EQ(Row(text::kStatusPlane).value != unknown, moment.hasPlace);
+        EXPECT_EQ(Row(text::kStatusHdop).value != unknown, moment.hasPdop);
+        EXPECT_EQ(poll.History().Samples().back().pdop.has_value(), moment.hasPdop);
+        EXPECT_EQ(poll.History().Samples().back().satellites.value_or(0) > 0, moment.hasPlace);
+        EXPECT_EQ(poll.Now().time && poll.Now().time->value.isSynchronised, moment.isSynchronised);
+        EXPECT_EQ(poll.Now().battery->value.source, moment.source);
+        EXPECT_EQ(controller.asked.size(), moment.isSynchronised ? 1U : 0U);
+    }
+    EXPECT_TRUE(warnings.empty());
+    LiveUntil(1800s); // 34 % less one a minute
+    EXPECT_EQ(warnings, (std::vector{BatteryWatch::Warning::Low, BatteryWatch::Warning::VeryLow}));
+    ASSERT_TRUE(poll.Now().trend && poll.Now().trend->left);
+    EXPECT_NEAR(poll.Now().trend->percentPerHour, -60.0, 3.0);
+    EXPECT_LT(*poll.Now().trend->left, 10min);
+}
+
+TEST_F(LivingReceiverTest, IsBelievedWhereItsOffsetCanBe)
+{
+    struct Offset
+    {
+        int seconds;
+        bool isSynchronised;
+    };
+    constexpr std::array kOffsets{Offset{17, true},   Offset{0, true},    Offset{-7, true},
+                                  Offset{100, true},  Offset{-100, true}, Offset{101, false},
+                                  Offset{-101, false}};
+    for (const Offset& offset : kOffsets) {
+        SCOPED_TRACE(offset.seconds);
+        const std::string seconds = std::to_string(offset.seconds);
+        ASSERT_NO_FATAL_FAILURE(
+            Plug("model 3017\nserial 10" + std::to_string(&offset - &kOffsets[0]) +
+                 "\npdop 1.8\nutc-offset " + seconds + "\nstart 2026-03-18 23:59:42\n"));
+        Round();
+        ASSERT_TRUE(poll.Now().time);
+        EXPECT_EQ(poll.Now().time->value.isSynchronised, offset.isSynchronised);
+        EXPECT_EQ(poll.Now().time->value.utcOffsetS, offset.isSynchronised ? offset.seconds : 0);
+        const std::wstring trusted = FormatText(text::kStatusSynchronised, offset.seconds);
+        EXPECT_EQ(Row(text::kStatusSynchro).value,
+                  offset.isSynchronised ? trusted : Text(text::kStatusNotSynchronised));
+        EXPECT_EQ(poll.Now().pdop->value == Text(text::kStatusNoPdop), !offset.isSynchronised);
+    }
+}
+
+} // namespace
+} // namespace fieldcore
