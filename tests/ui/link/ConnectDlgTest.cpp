@@ -270,7 +270,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         {"nak", false, 1, 0},
     };
     FastClock search(10.0); // a search waits 0.6 s for each answer
-    CCommand command({&host, &search, nullptr, nullptr});
+    CCommand patient({&host, &search, nullptr, nullptr});
     target.settings.replyTimeout = 600ms;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
@@ -280,7 +280,10 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         if (*row.fault != '\0') {
             scenario.faults = {Rule(row.fault)};
         }
-        Start(scenario);
+        receiver = std::make_unique<Simulator>(scenario, search);
+        std::string error;
+        ASSERT_TRUE(receiver->Start(error)) << error;
+        target.devicePath = receiver->PortPath();
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};
         std::vector<std::uint32_t> keptRates;
@@ -306,7 +309,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
                 }
             }
         };
-        ConnectDlg dialog(command, 0, target, &window);
+        ConnectDlg dialog(patient, 0, target, &window);
         dialog.OfferSearch([&](std::uint32_t rate) {
             keptRates.push_back(rate);
             return row.kept;
@@ -314,7 +317,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
         EXPECT_TRUE(searched);
         EXPECT_EQ(keptRates.size(), row.offered && row.text != text::kComSearchCancelled ? 1U : 0U);
-        EXPECT_EQ(command.IsPortOpen(), 0);
+        EXPECT_EQ(patient.IsPortOpen(), 0);
     }
 }
 
