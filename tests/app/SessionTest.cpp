@@ -168,7 +168,9 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
         {MainWindow::kVersion, "CVersion", "CVersion"},
         {MainWindow::kAbout, "MessageDlg", "MessageDlg"},
     };
-    Controller controller(Options(QStringLiteral("sim:lark")));
+    AppOptions options = Options(QStringLiteral("sim:lark"));
+    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
+    Controller controller(options);
     controller.Begin();
     Session session(controller);
     MainWindow& window = session.Window();
@@ -204,7 +206,9 @@ TEST_F(SessionTest, ComesBackFromUnderEveryPage)
     ASSERT_TRUE(scenario) << error;
     simulator::Simulator receiver(*scenario);
     ASSERT_TRUE(receiver.Start(error)) << error;
-    Controller controller(Options(QString::fromStdString(receiver.PortPath())));
+    AppOptions options = Options(QString::fromStdString(receiver.PortPath()));
+    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
+    Controller controller(options);
     controller.Begin();
     Session session(controller);
     session.Window().show();
@@ -267,7 +271,9 @@ TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
 
 TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)
 {
-    Controller controller(Options(QStringLiteral("sim:tilted")));
+    AppOptions options = Options(QStringLiteral("sim:tilted"));
+    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
+    Controller controller(options);
     controller.Begin();
     AntennaSettings antenna(nullptr, 1, 0, {controller.ProgramFolder(), &controller.Roots()});
     antenna.SetRole(AntennaRole::Rover);
