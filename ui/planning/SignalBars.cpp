@@ -72,7 +72,9 @@ int SignalBars::GroupWidth() const
 QSize SignalBars::minimumSizeHint() const
 {
     const int em = QFontMetrics(font()).height();
-    return {ScaleWidth() + GroupWidth() * static_cast<int>(m_satellites.size()) + kGap, em * 6};
+    // A group may be narrower than its name: they stand in two rows then.
+    const int groups = GroupWidth() * 2 * static_cast<int>(m_satellites.size()) / 3;
+    return {ScaleWidth() + groups + kGap, em * 6};
 }
 
 QSize SignalBars::sizeHint() const
@@ -133,7 +135,8 @@ void SignalBars::Draw(QPainter& painter, const QSizeF& size)
             }
         }
         const bool isChosen = m_chosen && m_chosen->IsSame(satellite);
-        const QRectF label(left, area.bottom() + 2.0 + row * metrics.height(), group,
+        const QRectF label(left + (group - GroupWidth()) / 2.0,
+                           area.bottom() + 2.0 + row * metrics.height(), GroupWidth(),
                            metrics.height());
         if (isChosen) {
             painter.fillRect(label, style.accent);
