@@ -2,6 +2,7 @@
 
 #include "ui/controls/TouchStyle.h"
 
+#include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
 
@@ -16,6 +17,10 @@ inline QLabel* AddFormRow(QFormLayout& form, const QString& words, QWidget* fiel
     label->setMinimumHeight(TouchStyle::kTarget);
     field->setMinimumHeight(TouchStyle::kTarget);
     field->setSizePolicy(QSizePolicy::Expanding, field->sizePolicy().verticalPolicy());
+    if (auto* const list = qobject_cast<QComboBox*>(field)) {
+        // It would shrink to its contents for a moment after it was filled.
+        list->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    }
     form.addRow(label, field);
     return label;
 }
