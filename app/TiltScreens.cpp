@@ -1,6 +1,11 @@
 #include "app/TiltScreens.h"
 
 #include "app/Controller.h"
+#include "core/link/RecvInfo.h"
+#include "core/platform/Folders.h"
+#include "core/settings/HostReg.h"
+#include "core/tilt/SignalChoice.h"
+#include "core/tilt/TiltSettings.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "ui/tilt/BubbleView.h"
@@ -9,36 +14,104 @@
 #include "ui/tilt/TiltStatusDlg.h"
 #include "ui/tilt/TrackingDlg.h"
 
+#include <QEventLoop>
+#include <QGridLayout>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
 #include <cmath>
 #include <iterator>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace fieldcore {
 
 namespace {
 
-/// A simulated receiver and a channel to it.
+Folders FoldersBelow(const std::string& home)
+{
+    FolderSources sources;
+    sources.variable = [home](const std::string& name) {
+        return name == "HOME" ? std::optional(home) : std::nullopt;
+    };
+    return Folders(sources);
+}
+
+/// A simulated receiver beside the session's, a channel to it, and settings that are not the
+/// user's.
 struct Bench
 {
-    std::unique_ptr<simulator::Simulator> simulator;
-    std::unique_ptr<CCommand> command;
-};
-
-/// A receiver beside the session's.
-std::shared_ptr<Bench> MakeBench(const char* scenarioName, bool isLocked)
-{
-    std::string error;
-    auto scenario = simulator::LoadScenario(scenarioName, error);
-    auto bench = std::make_shared<Bench>();
-    bench->command = std::make_unique<CCommand>();
-    if (scenario) {
-        scenario->signalsLocked = isLocked;
-        bench->simulator = std::make_unique<simulator::Simulator>(*scenario);
-        if (bench->simulator->Start(error)) {
-            bench->command->OpenPort(bench->simulator->PortPath());
+    explicit Bench(const std::string& sensor)
+    {
+        constexpr const char* kReceiver =
+            "model 3051\noptions l2 rtk l5 l2c glonass galileo qzss tilt\nalmanacs 31\n";
+        std::string error;
+        auto scenario = simulator::ParseScenario(kReceiver + sensor, error);
+        if (scenario) {
+            simulator = std::make_unique<simulator::Simulator>(*scenario);
+            if (simulator->Start(error)) {
+                command.OpenPort(simulator->PortPath());
+            }
         }
     }
-    return bench;
+
+    QTemporaryDir folder;
+    SettingsRoots roots{FoldersBelow(folder.path().toStdString())};
+    HostReg reg{roots};
+    std::unique_ptr<simulator::Simulator> simulator;
+    CCommand command;
+};
+
+std::shared_ptr<Bench> MakeBench(const char* sensor)
+{
+    return std::make_shared<Bench>(sensor);
+}
+
+/// The status after a run that ended so.
+Picture Status(const char* name, const char* sensor, LastCalibrationRun lastRun)
+{
+    const auto bench = MakeBench(sensor);
+    return {QString::fromLatin1(name), [bench, lastRun]() -> std::unique_ptr<QWidget> {
+                auto dialog = std::make_unique<TiltStatusDlg>(&bench->command, bench->reg);
+                const LastCalibrationRun before = std::exchange(TiltSettings::LastRun(), lastRun);
+                dialog->show(); // which reads the status
+                TiltSettings::LastRun() = before;
+                return dialog;
+            }};
+}
+
+/// A calibration that has got some way, and perhaps was cancelled then.
+Picture Calibrating(const char* name, bool isCancelled)
+{
+    const auto bench = MakeBench("tilt-calibration succeeds 2\n");
+    return {QString::fromLatin1(name), [bench, isCancelled]() -> std::unique_ptr<QWidget> {
+                auto dialog = std::make_unique<TiltCalibDlg>(&bench->command);
+                dialog->show();
+                constexpr int kSomeWay = 700;
+                QEventLoop wait;
+                QTimer::singleShot(kSomeWay, &wait, &QEventLoop::quit);
+                wait.exec();
+                if (isCancelled) {
+                    dialog->CancelButton()->click();
+                }
+                return dialog;
+            }};
+}
+
+/// All signals are there, some are chosen, and an application file holds them.
+Picture LockedSignals()
+{
+    const auto bench = MakeBench("signals-locked yes\n");
+    SignalSet chosen;
+    for (const Signal signal : {Signal::Glonass, Signal::Qzss, Signal::L5}) {
+        chosen.Set(signal, true);
+    }
+    SaveSignals(bench->reg, GetRecvTypeNum(bench->command), chosen);
+    return {QStringLiteral("signals-locked"), [bench]() -> std::unique_ptr<QWidget> {
+                return std::make_unique<SetSignal>(&bench->command, bench->reg);
+            }};
 }
 
 TiltReading Leaning(double t1Rad, double t2Rad)
@@ -53,61 +126,81 @@ TiltReading Leaning(double t1Rad, double t2Rad)
     return reading;
 }
 
-Picture Bubble(const QString& name, const TiltReading& reading)
+std::unique_ptr<BubbleView> View(const TiltReading& reading, bool isStale = false)
 {
-    return {name, [reading]() -> std::unique_ptr<QWidget> {
-                constexpr BubbleRules kRules{40.0, 0.02, 1.8};
-                auto view = std::make_unique<BubbleView>();
-                view->Show(PictureOf(reading, kRules), false);
-                return view;
-            }};
+    constexpr BubbleRules kRules{40.0, 0.02, 1.8};
+    auto view = std::make_unique<BubbleView>();
+    view->Show(PictureOf(reading, kRules), isStale);
+    return view;
+}
+
+Picture Bubble(const char* name, const TiltReading& reading, bool isStale = false)
+{
+    return {QString::fromLatin1(name),
+            [reading, isStale]() -> std::unique_ptr<QWidget> { return View(reading, isStale); }};
+}
+
+/// From the rim, out of tolerance, to the middle.
+std::unique_ptr<QWidget> Levelling()
+{
+    constexpr std::pair<double, double> kSteps[] = {{0.08, -0.09},   {0.04, -0.03}, {0.02, -0.015},
+                                                    {0.012, -0.009}, {0.008, 0.0},  {0.0, 0.0}};
+    auto series = std::make_unique<QWidget>();
+    auto* const grid = new QGridLayout(series.get());
+    for (int i = 0; i < static_cast<int>(std::size(kSteps)); ++i) {
+        grid->addWidget(View(Leaning(kSteps[i].first, kSteps[i].second)).release(), i / 3, i % 3);
+    }
+    return series;
+}
+
+/// The bubble as small as its window is, over the lower right corner of the status.
+std::unique_ptr<QWidget> SmallBubble(const std::shared_ptr<Bench>& bench)
+{
+    auto screen = std::make_unique<QWidget>();
+    auto* const layers = new QGridLayout(screen.get());
+    layers->setContentsMargins({});
+    auto* const under = new TiltStatusDlg(&bench->command, bench->reg);
+    under->setWindowFlags(Qt::Widget);
+    BubbleView* const view = View(Leaning(0.004, 0.012)).release();
+    view->setFixedSize(kVialWidth, kVialWidth);
+    view->setAutoFillBackground(true);
+    layers->addWidget(under, 0, 0);
+    layers->addWidget(view, 0, 0, Qt::AlignRight | Qt::AlignBottom);
+    return screen;
 }
 
 } // namespace
 
 std::vector<Picture> TiltScreens(Controller& controller)
 {
-    const auto bench = MakeBench("tilted", false);
-    const auto locked = MakeBench("tilted", true);
-    const CReg& reg = controller.Reg();
+    const auto bench = MakeBench("");
     SettingsRoots& roots = controller.Roots();
     std::vector<Picture> screens{
         {QStringLiteral("signals"),
-         [bench, &reg]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<SetSignal>(bench->command.get(), reg);
+         [bench]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<SetSignal>(&bench->command, bench->reg);
          }},
-        {QStringLiteral("signals-locked"),
-         [locked, &reg]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<SetSignal>(locked->command.get(), reg);
-         }},
+        LockedSignals(),
         {QStringLiteral("tracking"),
          [&roots]() -> std::unique_ptr<QWidget> { return std::make_unique<TrackingDlg>(roots); }},
-        {QStringLiteral("tilt-status"),
-         [bench, &reg]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<TiltStatusDlg>(bench->command.get(), reg);
-         }},
         {QStringLiteral("tilt-no-receiver"),
-         [&reg]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<TiltStatusDlg>(nullptr, reg);
-         }},
-        {QStringLiteral("tilt-calibrating"),
          [bench]() -> std::unique_ptr<QWidget> {
-             auto dialog = std::make_unique<TiltCalibDlg>(bench->command.get());
-             dialog->show();
-             return dialog;
+             return std::make_unique<TiltStatusDlg>(nullptr, bench->reg);
          }},
+        Status("tilt-done", "tilt-calibrated 0.5\n", {}),
+        Status("tilt-failed", "tilt-calibrated no\n", {false, true}),
+        Status("tilt-aborted", "tilt-calibrated no\n", {true, false}),
+        Status("tilt-expired", "tilt-calibrated 800\n", {}),
+        Calibrating("tilt-calibrating", false),
+        Calibrating("tilt-cancelling", true),
+        {QStringLiteral("bubble-window"), [bench] { return SmallBubble(bench); }},
+        {QStringLiteral("bubble-levelling"), Levelling},
     };
     TiltReading uncalibrated = Leaning(0.0, 0.0);
     uncalibrated.calibrated = false;
-    screens.push_back(Bubble(QStringLiteral("bubble-not-ready"), TiltReading()));
-    screens.push_back(Bubble(QStringLiteral("bubble-needs-calibration"), uncalibrated));
-    // A levelling: from the rim, out of tolerance, to the middle.
-    const std::pair<double, double> steps[] = {
-        {0.08, -0.09}, {0.04, -0.03}, {0.02, -0.015}, {0.008, -0.006}, {0.0, 0.0}};
-    for (std::size_t i = 0; i < std::size(steps); ++i) {
-        screens.push_back(Bubble(QStringLiteral("bubble-levelling-%1").arg(i + 1),
-                                 Leaning(steps[i].first, steps[i].second)));
-    }
+    screens.push_back(Bubble("bubble-not-ready", TiltReading()));
+    screens.push_back(Bubble("bubble-needs-calibration", uncalibrated));
+    screens.push_back(Bubble("bubble-stale", Leaning(0.008, -0.006), true));
     return screens;
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/controls/TouchStyle.h"
 
+#include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
 
@@ -15,6 +16,10 @@ void AddFormRow(QFormLayout& form, const QString& label, QWidget* field)
     shown->setBuddy(field);
     field->setMinimumHeight(TouchStyle::kTarget);
     field->setSizePolicy(QSizePolicy::Expanding, field->sizePolicy().verticalPolicy());
+    if (auto* const list = qobject_cast<QComboBox*>(field)) {
+        // It would shrink to its contents for a moment after it was filled.
+        list->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    }
     form.addRow(shown, field);
 }
 
