@@ -149,19 +149,11 @@ void StatusPage::Show(const LiveStatus& status, const StatusHistory& history,
     m_history->Show(history, view.now);
 }
 
-/// The words of a stale value's age stand below it where they would take its room.
+/// The long words of a stale value stand below it where they would take its room.
 void StatusPage::PutAge(std::size_t index)
 {
     Line& line = m_lines[index];
-    int names = 0;
-    for (const Line& each : m_lines) {
-        names = std::max(names, each.name->sizeHint().width());
-    }
-    constexpr int kAround = 6 * kMargin; // margins, spaces and the scroll bar
-    const int room = width() - kAround - names - line.age->sizeHint().width();
-    const QFontMetrics metrics(line.value->font());
-    const int needed = metrics.size(Qt::TextExpandTabs, line.value->text()).width();
-    const bool isBelow = line.isStale && needed > room;
+    const bool isBelow = line.isStale && !m_isWide;
     if (isBelow != std::exchange(line.isAgeBelow, isBelow)) {
         const int at = 2 * static_cast<int>(index);
         m_grid->addWidget(line.age, isBelow ? at + 1 : at, isBelow ? 1 : 2);

@@ -288,6 +288,9 @@ void ConnectProgressDlg::ShowSearching(bool on)
 
 void ConnectProgressDlg::Search()
 {
+    if (!m_searchRate) {
+        return;
+    }
     m_showDetail->setChecked(false);
     ShowSearching(true);
     const QString result = m_searchRate();

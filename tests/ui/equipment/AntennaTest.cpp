@@ -232,6 +232,7 @@ TEST_F(AntennaDialog, HasItsMessageInFrontOfIt)
         dialog.resize(row.size);
         Type(text::kAntennaHeight, QStringLiteral("120"));
         Box(text::kAntennaSerial)->setFocus();
+        dialog.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
         int seen = 0;
         QTimer watch;
@@ -249,7 +250,7 @@ TEST_F(AntennaDialog, HasItsMessageInFrontOfIt)
         dialog.Close(Dialog::kOk);
         EXPECT_EQ(seen, 1);
         EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return dialog.focusWidget() == Box(text::kAntennaHeight)->lineEdit(); }, 1000));
+            [&] { return dialog.focusWidget() == Box(text::kAntennaHeight); }, 1000));
     }
     Theme::Use(Theme::Kind::Daylight);
     SetDefaultHost(&host);
