@@ -17,6 +17,7 @@
 #include "ui/equipment/AntennaDrawing.h"
 
 #include <QApplication>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -71,7 +72,10 @@ protected:
     {
         Box(id)->lineEdit()->selectAll();
         QTest::keyClick(Box(id), Qt::Key_Delete);
-        QTest::keyClicks(Box(id), keys);
+        // What is no key of a Latin keyboard comes from an input method.
+        QInputMethodEvent composed;
+        composed.setCommitString(keys);
+        QCoreApplication::sendEvent(Box(id)->lineEdit(), &composed);
     }
     /// What the labels of the dialog say.
     [[nodiscard]] bool Says(const std::wstring& words)
