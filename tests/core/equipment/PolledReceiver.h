@@ -2,10 +2,10 @@
 
 #include "core/equipment/StatusPoll.h"
 #include "core/link/Command.h"
-#include "core/link/Connect.h"
 #include "core/link/ReceiverLink.h"
 #include "simulator/Simulator.h"
 #include "tests/core/equipment/HandClock.h"
+#include "tests/core/link/QuickConnect.h"
 
 #include <algorithm>
 #include <chrono>
@@ -38,24 +38,6 @@ public:
         return true;
     }
     std::function<void()> onBreath;
-};
-
-/// Connects without the pauses that a clock would have to be moved for.
-class QuickConnect final : public CConnect
-{
-public:
-    QuickConnect(CCommand& command, const ConnectTarget& target)
-        : CConnect(command, 0, target), m_command(command), m_path(target.devicePath)
-    {
-        SupportAllTypes();
-    }
-
-protected:
-    int RunSequence(ConnectSequence&) override { return m_command.OpenPort(m_path); }
-
-private:
-    CCommand& m_command;
-    const std::string m_path;
 };
 
 inline constexpr const char* kRover = "model 3017\nserial 00301701\npower-source 2\nbattery 85\n"

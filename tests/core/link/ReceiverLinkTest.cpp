@@ -1,8 +1,8 @@
 #include "core/link/ReceiverLink.h"
 
 #include "core/link/Command.h"
-#include "core/link/Connect.h"
 #include "simulator/Simulator.h"
+#include "tests/core/link/QuickConnect.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <filesystem>
@@ -51,24 +51,6 @@ public:
     std::vector<std::wstring> said;
 };
 
-/// Connects without the pauses that a clock would have to be moved for.
-class QuickConnect : public CConnect
-{
-public:
-    QuickConnect(CCommand& command, const ConnectTarget& target)
-        : CConnect(command, 0, target), m_command(command), m_path(target.devicePath)
-    {
-        SupportAllTypes();
-    }
-
-protected:
-    int RunSequence(ConnectSequence&) override { return m_command.OpenPort(m_path); }
-
-private:
-    CCommand& m_command;
-    const std::string m_path;
-};
-
 class ReceiverLinkTest : public ::testing::Test
 {
 protected:
@@ -85,7 +67,7 @@ protected:
     }
     int Connect()
     {
-        QuickConnect connect(command, target);
+        testing::QuickConnect connect(command, target);
         return link.Connect(connect, target);
     }
     /// @return how many requests the receiver got
