@@ -129,6 +129,7 @@ private:
         if (std::optional<Failure> failure = ReadStatus(m_session, reading)) {
             return failure;
         }
+        BatteryFollow().Follow(m_session, reading);
         Report& status = m_report.AddSection("status", "");
         AddStatus(status, reading);
         const std::string words = status.Words();

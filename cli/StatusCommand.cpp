@@ -30,10 +30,14 @@ ExitCode ShowReading(const Context& context, const StatusReading& reading, bool 
 
 ExitCode Watch(const Context& context, PortSession& session, const StatusOptions& options)
 {
+    BatteryFollow battery;
     return RunWatch(context.world, session.GetClock(), options.intervalS, options.count,
                     [&](bool isFirst) -> std::optional<ExitCode> {
                         StatusReading reading;
                         const std::optional<Failure> failure = ReadStatus(session, reading);
+                        if (!failure) {
+                            battery.Follow(session, reading);
+                        }
                         if (context.world.StopRequested()) {
                             return std::nullopt;
                         }
@@ -56,6 +60,7 @@ ExitCode Run(const Context& context, const StatusOptions& options)
     if (const std::optional<Failure> failure = ReadStatus(session, reading)) {
         return context.output.Failed(*failure);
     }
+    BatteryFollow().Follow(session, reading);
     Report report;
     AddStatus(report, reading);
     return context.output.Done(report);

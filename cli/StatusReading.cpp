@@ -3,11 +3,14 @@
 #include "cli/PortSession.h"
 #include "cli/ReceiverWords.h"
 
+#include "core/equipment/BattLevel.h"
 #include "core/equipment/LiveStatus.h"
 #include "core/equipment/StatusRows.h"
+#include "core/link/RecvInfo.h"
 #include "core/planning/PlaneRectangular.h"
 
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -21,11 +24,13 @@ constexpr int kMetreDecimals = 3;
 
 /// Asks for one thing that not every receiver can tell.
 template <typename Reply>
-bool Ask(CCommand& command, int (CCommand::*request)(Reply&), std::optional<Reply>& kept)
+bool Ask(CCommand& command, int (CCommand::*request)(Reply&), std::optional<Reply>& kept,
+         Clock::Duration& at)
 {
     Reply reply{};
     if ((command.*request)(reply) == 1) {
         kept = reply;
+        at = command.GetClock().Steady();
         return true;
     }
     const CommandFault fault = command.Fault();
@@ -137,6 +142,31 @@ void AddPosition(Report& report, const StatusReading& reading)
     report.Add("vdop", "VDOP", dop(&PositionStatusReply::vdop));
 }
 
+void AddTrend(Report& report, const std::optional<BatteryTrend>& trend)
+{
+    report.Add("batteryTrendPercentPerHour", "battery trend",
+               Known(trend, [](const auto& t) { return Value::Real(t.percentPerHour, 1, "%/h"); }));
+    const bool isDraining = trend && trend->left;
+    report.Add(
+        "batteryMinutesLeft", "battery lasts",
+        isDraining
+            ? Value::Integer(std::chrono::floor<std::chrono::minutes>(*trend->left).count(), "min")
+            : Value::Unknown());
+}
+
+void AddAges(Report& report, const StatusReading& reading)
+{
+    const auto add = [&](const char* key, const char* label, bool isThere, Clock::Duration at) {
+        const std::chrono::duration<double> age = reading.endedAt - at;
+        report.Add(key, label, isThere ? Value::Real(age.count(), 3, "s") : Value::Unknown());
+    };
+    // By the answer that they came with.
+    add("status", "status, battery", reading.status.has_value(), reading.statusAt);
+    add("time", "time", reading.time.has_value(), reading.timeAt);
+    add("position", "position", reading.position.has_value(), reading.positionAt);
+    add("powerSource", "power source", reading.powerSource.has_value(), reading.powerSourceAt);
+}
+
 struct WatchColumn
 {
     const char* label;
@@ -176,16 +206,39 @@ std::optional<Failure> ReadStatus(PortSession& session, StatusReading& reading)
     StatusReading fresh;
     fresh.controllerTime = session.GetClock().Utc();
     StatusReply status;
-    const bool answered = command.RequestStatus(status) == 1 &&
-                          Ask(command, &CCommand::RequestGpsTime, fresh.time) &&
-                          Ask(command, &CCommand::RequestPositionStatus, fresh.position) &&
-                          Ask(command, &CCommand::RequestBatteryPort, fresh.powerSource);
+    if (command.RequestStatus(status) == 0) {
+        return session.RequestFailed();
+    }
+    fresh.statusAt = session.GetClock().Steady();
+    const bool answered =
+        Ask(command, &CCommand::RequestGpsTime, fresh.time, fresh.timeAt) &&
+        Ask(command, &CCommand::RequestPositionStatus, fresh.position, fresh.positionAt) &&
+        Ask(command, &CCommand::RequestBatteryPort, fresh.powerSource, fresh.powerSourceAt);
     if (!answered) {
         return session.RequestFailed();
     }
     fresh.status = std::move(status);
+    fresh.endedAt = session.GetClock().Steady();
     reading = std::move(fresh);
     return std::nullopt;
+}
+
+void BatteryFollow::Follow(PortSession& session, StatusReading& reading)
+{
+    if (m_typeNumber == 0) {
+        m_typeNumber = GetRecvTypeNum(session.Command());
+    }
+    const int source = reading.powerSource.value_or(1); // one that does not tell has one
+    reading.powerSourceName = PowerSourceName(m_typeNumber, source);
+    if (m_source != source) {
+        m_watch.ForgetTrend(); // another battery
+    }
+    m_source = source;
+    const int percent = reading.status ? reading.status->batteryPercent : -1;
+    if (percent >= 0 && percent <= 100) {
+        m_watch.Take(percent, reading.statusAt);
+    }
+    reading.trend = m_watch.Trend();
 }
 
 void AddStatus(Report& report, const StatusReading& reading)
@@ -216,11 +269,14 @@ void AddStatus(Report& report, const StatusReading& reading)
     report.Add("batteryPercent", "battery", Battery(reading));
     report.Add("powerSource", "power source",
                Known(reading.powerSource, [](int source) { return Value::Integer(source); }));
+    report.Add("powerSourceName", "its name", Value::Text(reading.powerSourceName));
+    AddTrend(report, reading.trend);
     report.Add("freeMemoryPercent", "free memory", Known(status, [](const StatusReply& s) {
                    return Percent(s.freeMemoryTenths * 10);
                }));
     report.Add("survey", "running survey", Known(status, Survey));
     AddPosition(report.AddSection("position", "position"), reading);
+    AddAges(report.AddSection("agesS", "age"), reading);
 }
 
 std::string WatchLine(const StatusReading& reading)

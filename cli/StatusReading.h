@@ -3,9 +3,11 @@
 #include "cli/Failure.h"
 #include "cli/Report.h"
 
+#include "core/equipment/BatteryWatch.h"
 #include "core/link/Replies.h"
 #include "core/platform/Clock.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -23,10 +25,35 @@ struct StatusReading
     std::optional<int> powerSource;
     Clock::UtcTime controllerTime; ///< of the controller, when it was asked
 
+    std::wstring powerSourceName;      ///< empty: not looked up, see BatteryFollow
+    std::optional<BatteryTrend> trend; ///< nothing: not known yet
+
+    // When each of them came, by the session's clock, and when the last answer was there.
+    Clock::Duration statusAt{};
+    Clock::Duration timeAt{};
+    Clock::Duration positionAt{};
+    Clock::Duration powerSourceAt{};
+    Clock::Duration endedAt{};
+
     /// Time by the receiver; nothing while it does not know the time itself.
     [[nodiscard]] std::optional<Clock::UtcTime> Utc() const;
     /// Whether there is a place to show.
     [[nodiscard]] bool HasPosition() const;
+};
+
+/// What one reading does not tell of the battery: the name of its source, which depends on the
+/// type of the receiver, and over many readings how the charge goes.
+class BatteryFollow
+{
+public:
+    /// Fills in name and trend. Asks for the type of the receiver once, which may fail: the name
+    /// is then that of a receiver that nobody knows.
+    void Follow(PortSession& session, StatusReading& reading);
+
+private:
+    std::uint32_t m_typeNumber = 0; // 0: not known
+    std::optional<int> m_source;
+    BatteryWatch m_watch;
 };
 
 /// Asks for all of it. What a receiver refuses is left out; silence and a lost link are not.

@@ -42,6 +42,11 @@ int SourceTextId(std::uint32_t typeNumber, int source)
 
 } // namespace
 
+std::wstring PowerSourceName(std::uint32_t typeNumber, int source)
+{
+    return Text(SourceTextId(typeNumber, source));
+}
+
 void CBattLevel::SetInit(ProgressBar* bar)
 {
     if (bar != nullptr) {
@@ -92,7 +97,7 @@ std::wstring CBattLevel::GetBattPort()
     if (m_typeNumber != kFirstPica && m_command != nullptr) {
         m_command->RequestBatteryPort(source); // stays 1 if it fails: every family's first name
     }
-    return Text(SourceTextId(m_typeNumber, source));
+    return PowerSourceName(m_typeNumber, source);
 }
 
 } // namespace fieldcore

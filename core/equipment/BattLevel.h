@@ -9,6 +9,11 @@ namespace fieldcore {
 class CCommand;
 class ProgressBar;
 
+/// What a receiver of a type calls its power sources.
+/// @param typeNumber  of the receiver; 0: not known
+/// @param source      as it answers; its first one where it is no source of that type
+[[nodiscard]] std::wstring PowerSourceName(std::uint32_t typeNumber, int source);
+
 /// Shows the receiver's battery as a progress bar and names its power source. The host calls
 /// SetBatteryStatus() from a periodic timer; the receiver is asked at every fifteenth call. The
 /// type of the receiver is read once: another receiver needs another object. The thread of the
