@@ -3,6 +3,7 @@
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/FilesFixture.h"
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -216,7 +217,7 @@ TEST_F(FileDeletionTest, StopsWhenTheUserDoesOrTheLinkIsGone)
     EXPECT_EQ(Names(), std::vector<std::wstring>{L"A"});
     command.SetFrameObserver({});
     // A cancelled look at the options is no reason to guess a name and delete it.
-    bool silent = false;
+    std::atomic<bool> silent = false;
     command.ClosePort();
     receiver = std::make_unique<testing::ScriptedReceiver>(
         [&](const testing::Bytes& request) -> testing::ScriptedReceiver::Answer {
