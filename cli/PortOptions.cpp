@@ -66,7 +66,7 @@ void PortOptions::AddSessionTo(CLI::App& command)
         ->type_name("FILE")
         ->group("Port");
     command.add_option("--speed", speed, "Let time run this many times as fast; only with sim:")
-        ->check(CLI::Range(0.1, 100.0).description(""))
+        ->check(CLI::Range(0.1, 1000.0).description(""))
         ->type_name("N")
         ->group("Port");
 }

@@ -269,7 +269,7 @@ void AddStatus(Report& report, const StatusReading& reading)
     report.Add("batteryPercent", "battery", Battery(reading));
     report.Add("powerSource", "power source",
                Known(reading.powerSource, [](int source) { return Value::Integer(source); }));
-    report.Add("powerSourceName", "its name", Value::Text(reading.powerSourceName));
+    report.Add("powerSourceName", "power source name", Value::Text(reading.powerSourceName));
     AddTrend(report, reading.trend);
     report.Add("freeMemoryPercent", "free memory", Known(status, [](const StatusReply& s) {
                    return Percent(s.freeMemoryTenths * 10);
