@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/FileCatalogue.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 #include "cli/PortSession.h"
@@ -11,13 +12,19 @@
 #include "core/planning/AlmanacStore.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
+#include "simulator/ReceiverFile.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -37,6 +44,24 @@ std::size_t TimesReceived(const simulator::Simulator& simulator, std::uint8_t ty
                piece.bytes.size() > kTypeAt && piece.bytes[kTypeAt] == type;
     });
     return static_cast<std::size_t>(count);
+}
+
+/// Whether a file is here as it is in the simulator, byte by byte.
+bool IsSameAsIn(const simulator::Simulator& simulator, const std::string& name,
+                const std::filesystem::path& file)
+{
+    for (const simulator::ReceiverFile& original : simulator.Files()) {
+        if (original.name == name) {
+            std::vector<std::uint8_t> expected(original.size);
+            simulator::ReadFileContent(original, 0, expected);
+            std::ifstream stream(file, std::ios::binary);
+            const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
+            return std::equal(
+                bytes.begin(), bytes.end(), expected.begin(), expected.end(),
+                [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+        }
+    }
+    return false;
 }
 
 /// A folder that goes away with what is in it.
@@ -80,8 +105,8 @@ public:
             return Fail(*failure);
         }
         Say("Port opened: " + m_session.Path() + ". A simulated receiver answers.");
-        for (const auto part :
-             {&Demo::Identify, &Demo::ShowStatus, &Demo::SurviveFault, &Demo::MakePlan}) {
+        for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::FetchFile,
+                                &Demo::SurviveFault, &Demo::MakePlan}) {
             if (const std::optional<Failure> failure = (this->*part)()) {
                 return Fail(*failure);
             }
@@ -137,9 +162,51 @@ private:
         return std::nullopt;
     }
 
+    std::optional<Failure> FetchFile()
+    {
+        Heading("4. What has it stored?");
+        FileCatalogue catalogue(m_session);
+        if (std::optional<Failure> failure = catalogue.List(false)) {
+            return failure;
+        }
+        const ListedFile* smallest = nullptr; // that has anything in it
+        for (const ListedFile& file : catalogue.Files()) {
+            if (file.record.size > 0 && !file.isLogging &&
+                (smallest == nullptr || file.record.size < smallest->record.size)) {
+                smallest = &file;
+            }
+        }
+        if (smallest == nullptr) {
+            return Failure{ExitCode::Failed, "no-files", "The receiver has no files."};
+        }
+        Say(std::to_string(catalogue.Files().size()) + " files. " + smallest->Name() + " with " +
+            std::to_string(smallest->record.size) + " bytes is the smallest; it is fetched.");
+        const ScratchFolder folder;
+        CCommand& command = m_session.Command();
+        if (command.DownloadFile(folder.Path(), smallest->record.Name(), smallest->record.size) !=
+            smallest->record.size) {
+            return command.Fault() != CommandFault::None
+                       ? m_session.RequestFailed()
+                       : FileFailure(smallest->Name() +
+                                     " could not be written: " + command.GetFileError().message());
+        }
+        if (!IsSameAsIn(*m_session.GetSimulator(), smallest->Name(),
+                        folder.Path() / smallest->Name())) {
+            return Failure{ExitCode::Failed, "file-differs",
+                           "What came is not what the simulator has."};
+        }
+        Say("It has arrived, and every byte is as the simulator has it.");
+        Report& files = m_report.AddSection("files", "");
+        files.Add("fileCount", "files",
+                  Value::Integer(static_cast<std::int64_t>(catalogue.Files().size())));
+        files.Add("fetched", "fetched", Value::Text(smallest->Name()));
+        files.Add("sizeBytes", "its size", Value::Integer(smallest->record.size, "B"));
+        return std::nullopt;
+    }
+
     std::optional<Failure> SurviveFault()
     {
-        Heading("4. A bad cable");
+        Heading("5. A bad cable");
         Say("The simulator damages its next answer. The library should notice and ask again.");
         simulator::Simulator& simulator = *m_session.GetSimulator();
         simulator::FaultRule damage;
@@ -169,7 +236,7 @@ private:
 
     std::optional<Failure> MakePlan()
     {
-        Heading("5. When to observe?");
+        Heading("6. When to observe?");
         Say("The almanac is downloaded from the receiver, and a day is planned with it.");
         const ScratchFolder folder; // not over the almanac of the user
         if (folder.Path().empty()) {
@@ -219,6 +286,7 @@ private:
         Say("  fieldcore-cli ports                        the serial ports of this machine\n"
             "  fieldcore-cli info --port /dev/ttyUSB0     a receiver of your own\n"
             "  fieldcore-cli status --port sim: --watch   a simulated one, every 2 seconds\n"
+            "  fieldcore-cli files get '*' --port sim: --to DIR   its files, into a folder\n"
             "  fieldcore-cli almanac get --port sim:      keep its almanac, for plans of your own\n"
             "  fieldcore-cli plan --site 札幌              a day somewhere else\n"
             "  fieldcore-cli sim list                     what else can be simulated\n"

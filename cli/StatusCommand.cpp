@@ -25,6 +25,7 @@ ExitCode ShowReading(const Context& context, const StatusReading& reading, bool 
 {
     Report report;
     AddStatus(report, reading);
+    AddAges(report, reading);
     return context.output.Done(report, (isFirst ? WatchHeader() : "") + WatchLine(reading));
 }
 
@@ -63,7 +64,9 @@ ExitCode Run(const Context& context, const StatusOptions& options)
     BatteryFollow().Follow(session, reading);
     Report report;
     AddStatus(report, reading);
-    return context.output.Done(report);
+    const std::string words = report.Words();
+    AddAges(report, reading); // of one reading no words: it is as old as its command
+    return context.output.Done(report, words);
 }
 
 } // namespace

@@ -154,19 +154,6 @@ void AddTrend(Report& report, const std::optional<BatteryTrend>& trend)
             : Value::Unknown());
 }
 
-void AddAges(Report& report, const StatusReading& reading)
-{
-    const auto add = [&](const char* key, const char* label, bool isThere, Clock::Duration at) {
-        const std::chrono::duration<double> age = reading.endedAt - at;
-        report.Add(key, label, isThere ? Value::Real(age.count(), 3, "s") : Value::Unknown());
-    };
-    // By the answer that they came with.
-    add("status", "status, battery", reading.status.has_value(), reading.statusAt);
-    add("time", "time", reading.time.has_value(), reading.timeAt);
-    add("position", "position", reading.position.has_value(), reading.positionAt);
-    add("powerSource", "power source", reading.powerSource.has_value(), reading.powerSourceAt);
-}
-
 struct WatchColumn
 {
     const char* label;
@@ -276,7 +263,20 @@ void AddStatus(Report& report, const StatusReading& reading)
                }));
     report.Add("survey", "running survey", Known(status, Survey));
     AddPosition(report.AddSection("position", "position"), reading);
-    AddAges(report.AddSection("agesS", "age"), reading);
+}
+
+void AddAges(Report& report, const StatusReading& reading)
+{
+    Report& ages = report.AddSection("agesS", "age");
+    const auto add = [&](const char* key, const char* label, bool isThere, Clock::Duration at) {
+        const std::chrono::duration<double> age = reading.endedAt - at;
+        ages.Add(key, label, isThere ? Value::Real(age.count(), 3, "s") : Value::Unknown());
+    };
+    // By the answer that they came with.
+    add("status", "status, battery", reading.status.has_value(), reading.statusAt);
+    add("time", "time", reading.time.has_value(), reading.timeAt);
+    add("position", "position", reading.position.has_value(), reading.positionAt);
+    add("powerSource", "power source", reading.powerSource.has_value(), reading.powerSourceAt);
 }
 
 std::string WatchLine(const StatusReading& reading)

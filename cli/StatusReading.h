@@ -62,6 +62,8 @@ private:
 
 /// Everything, a value a line.
 void AddStatus(Report& report, const StatusReading& reading);
+/// How old each answer was when the last one came.
+void AddAges(Report& report, const StatusReading& reading);
 
 /// One line of the watch, and the line that heads its columns.
 [[nodiscard]] std::string WatchLine(const StatusReading& reading);

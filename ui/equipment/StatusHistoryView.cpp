@@ -158,13 +158,12 @@ void StatusHistoryView::DrawCurve(QPainter& painter, const Band& band) const
     QPainterPath path;
     std::optional<QPointF> last;
     double lastBefore = 0.0;
-    std::optional<double> newest;
+    double newest = 0.0;
     for (const StatusHistory::Sample& sample : m_history.Samples()) {
         const double before = band.MinutesBefore(sample);
         const std::optional<double> value = band.read(sample);
         if (before > kMinutes || !value) {
             last.reset();
-            newest.reset();
             continue;
         }
         const QPointF point = band.PointOf(std::max(before, 0.0), *value);
@@ -179,13 +178,13 @@ void StatusHistoryView::DrawCurve(QPainter& painter, const Band& band) const
         }
         last = point;
         lastBefore = before;
-        newest = value;
+        newest = *value;
     }
     painter.setPen(QPen(band.colour, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(path);
-    if (newest) {
-        const QString value = QString::number(*newest, 'f', band.isSteps ? 0 : 1);
+    if (last) {
+        const QString value = QString::number(newest, 'f', band.isSteps ? 0 : 1);
         painter.drawText(QRectF(band.area.left(), band.area.top() - 24.0, band.area.width(), 24.0),
                          Qt::AlignRight | Qt::AlignBottom, value);
     }
