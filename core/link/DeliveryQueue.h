@@ -16,7 +16,7 @@ class DeliveryQueue
 {
 public:
     /// How many can wait.
-    static constexpr std::size_t kRoom = 8;
+    static constexpr std::size_t kRoom = 32;
 
     [[nodiscard]] std::size_t Waiting() const { return m_waiting; }
     [[nodiscard]] bool IsFull() const { return m_waiting == kRoom; }

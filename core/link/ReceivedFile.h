@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -32,7 +33,7 @@ public:
     /// What a block has come to.
     enum class Verdict
     {
-        More,  ///< written; others follow
+        More,  ///< taken; others follow
         Whole, ///< it was the last one: Finish()
         Again, ///< not the one that is due: it has to be asked for again
         Ended, ///< nothing more will come of this file, see Fault()
@@ -42,6 +43,10 @@ public:
     /// @param operations    must outlive the object
     ReceivedFile(const std::filesystem::path& folder, std::wstring_view name,
                  std::uint32_t expectedSize, FileOperations& operations);
+    /// What came of a file that is not whole stays as NAME.part.
+    ~ReceivedFile();
+    ReceivedFile(const ReceivedFile&) = delete;
+    ReceivedFile& operator=(const ReceivedFile&) = delete;
 
     /// Makes the folder's last level if it is missing, and the file NAME.part in it.
     /// @return false with the fault set
@@ -51,18 +56,20 @@ public:
     bool Finish();
 
     /// Where the next block has to start.
-    [[nodiscard]] std::uint32_t Offset() const { return m_written; }
+    [[nodiscard]] std::uint32_t Offset() const { return m_taken; }
     [[nodiscard]] DownloadFault Fault() const { return m_fault; }
     [[nodiscard]] std::error_code Error() const { return m_error; }
 
 private:
+    [[nodiscard]] std::error_code WritePiece();
     bool Fail(DownloadFault fault, std::error_code error = {});
     Verdict End(DownloadFault fault, std::error_code error = {});
 
     const std::filesystem::path m_target;
     const std::uint32_t m_expected;
     AtomicFile m_file;
-    std::uint32_t m_written = 0; // never more than expected
+    std::string m_unwritten;   // taken, but not yet in the file
+    std::uint32_t m_taken = 0; // never more than expected
     DownloadFault m_fault = DownloadFault::None;
     std::error_code m_error;
 };

@@ -74,7 +74,7 @@ int SerialLink::Open(const std::string& devicePath, const PortSettings& settings
         return Fail(LinkError::Open);
     }
     {
-        const std::scoped_lock lock(m_mutex);
+        const std::scoped_lock lock(m_intake, m_mutex);
         m_error = LinkError::None;
         m_lost = false;
         m_replyTimeout = settings.replyTimeout;
@@ -201,7 +201,7 @@ std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
 
 std::size_t SerialLink::Read(std::span<std::uint8_t> buffer)
 {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_intake, m_mutex);
     if (m_lost || !m_device->IsOpen()) {
         m_error = LinkError::Read;
         return 0;
@@ -281,7 +281,7 @@ void SerialLink::ResetFrameReady()
 void SerialLink::ResetReceiveState()
 {
     {
-        const std::scoped_lock lock(m_mutex);
+        const std::scoped_lock lock(m_intake, m_mutex);
         m_assembler.Reset();
         m_deliveries.Clear();
     }
@@ -290,15 +290,11 @@ void SerialLink::ResetReceiveState()
 
 int SerialLink::Purge(SerialDevice::Queue queue)
 {
-    const std::scoped_lock lock(m_mutex); // the reader must not queue what it read before
+    const std::scoped_lock lock(m_intake); // the reader must not queue what it read before
     if (queue == SerialDevice::Queue::Receive) {
         m_queue.Clear();
     }
-    const bool purged = m_device->Purge(queue);
-    if (!purged) {
-        m_error = LinkError::Purge;
-    }
-    return purged ? 1 : 0;
+    return Done(m_device->Purge(queue), LinkError::Purge);
 }
 
 int SerialLink::SendBreak(milliseconds duration)
@@ -378,13 +374,13 @@ void SerialLink::SetReplyTimeout(milliseconds timeout)
 
 SerialLink::Framing SerialLink::GetFraming() const
 {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_intake);
     return m_framing;
 }
 
 void SerialLink::SetFraming(Framing framing)
 {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_intake);
     m_framing = framing;
 }
 
@@ -425,7 +421,7 @@ std::size_t SerialLink::GetDeliveredLength() const
 
 std::vector<std::uint8_t> SerialLink::GetUnsolicitedFrame() const
 {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_intake);
     const auto frame = m_assembler.Unsolicited();
     return {frame.begin(), frame.end()};
 }
@@ -481,7 +477,7 @@ void SerialLink::ReadPort()
 
 bool SerialLink::DrainDevice()
 {
-    const std::scoped_lock lock(m_mutex);
+    const std::scoped_lock lock(m_intake);
     const auto count = m_device->Read(m_queue.Free());
     if (!count) {
         return false;
@@ -492,23 +488,33 @@ bool SerialLink::DrainDevice()
 
 void SerialLink::AssembleQueued()
 {
-    while (!m_closing) {
-        std::unique_lock lock(m_mutex);
-        if (m_queue.Size() == 0) {
-            return;
-        }
+    bool hasNews = false;
+    std::unique_lock lock(m_intake);
+    while (!m_closing && m_queue.Size() > 0) {
         const std::optional<Delivery> delivery =
             m_framing == Framing::Lines
                 ? m_assembler.AssembleLine(m_queue)
                 : m_assembler.AssembleFrame(m_queue, FrameAssembler::kLargestStep);
-        if (delivery) {
-            Deliver(*delivery, std::move(lock));
+        if (!delivery) {
+            continue;
         }
+        hasNews = true;
+        if (Deliver(*delivery)) {
+            lock.unlock();
+            m_frameReady.Set();
+            AwaitConsumer();
+            lock.lock();
+        }
+    }
+    if (hasNews) { // not for each: it would be a switch of threads for each
+        m_frameReady.Set();
     }
 }
 
-void SerialLink::Deliver(const Delivery& delivery, std::unique_lock<std::mutex> lock)
+/// @return whether nothing more may be delivered until the consumer has taken some
+bool SerialLink::Deliver(const Delivery& delivery)
 {
+    const std::scoped_lock lock(m_mutex);
     if (delivery.state == ExchangeState::Nak) {
         m_error = LinkError::Nak;
     } else if (delivery.state == ExchangeState::Malformed) {
@@ -518,12 +524,7 @@ void SerialLink::Deliver(const Delivery& delivery, std::unique_lock<std::mutex> 
         m_deliveries.DropWaiting();
     }
     m_deliveries.Put(delivery, m_assembler.Buffer());
-    const bool mustStop = m_handOver && m_deliveries.IsFull();
-    lock.unlock();
-    m_frameReady.Set();
-    if (mustStop) {
-        AwaitConsumer();
-    }
+    return m_handOver && m_deliveries.IsFull();
 }
 
 /// Until there is room again; or nobody takes anything, and the reader goes on all the same.

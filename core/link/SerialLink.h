@@ -193,7 +193,7 @@ private:
     void ReadPort();
     bool DrainDevice();
     void AssembleQueued();
-    void Deliver(const Delivery& delivery, std::unique_lock<std::mutex> lock);
+    [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
     void LoseLink(LinkError error);
 
@@ -208,14 +208,18 @@ private:
     AutoResetEvent m_consumed;    // set by the consumer when a reader that stopped can go on
     std::atomic<bool> m_closing = false;
 
+    // The reader holds m_intake while it reads the port and assembles; taken before m_mutex. What a
+    // consumer needs of each delivery is guarded by m_mutex alone, and never waits for the port.
+    mutable std::mutex m_intake; // guards these
+    Framing m_framing = Framing::Frames;
+    ByteQueue m_queue;
+    FrameAssembler m_assembler;
+
     mutable std::mutex m_mutex; // guards everything below
     LinkError m_error = LinkError::None;
-    Framing m_framing = Framing::Frames;
     bool m_handOver = false;
     bool m_lost = false;
     std::chrono::milliseconds m_replyTimeout{2000};
-    ByteQueue m_queue;
-    FrameAssembler m_assembler;
     DeliveryQueue m_deliveries;
 };
 

@@ -359,6 +359,8 @@ TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
         {"the disk fails at the end", Call::Sync, DownloadFault::Write},
         {"it cannot be renamed", Call::Rename, DownloadFault::Write},
     };
+    constexpr std::uint32_t kLong = 90'000; // is written in several pieces
+    constexpr int kWrites = 3;
     const Bytes before = testing::Ascii("old");
     for (const Row& row : rows) {
         for (int round = 0; round < kRounds; ++round) {
@@ -366,12 +368,13 @@ TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
             folder.Write("day/A.Q01", "old");
             FailingOperations operations;
             operations.failing = row.call;
-            operations.after = row.call == Call::Write ? round % static_cast<int>(kBlocks) : 0;
+            operations.after = row.call == Call::Write ? round % kWrites : 0;
             command.SetFileOperations(operations);
             FileServer server;
+            server.content = testing::Content(kLong);
             ScriptedReceiver receiver(server);
             Open(receiver);
-            EXPECT_EQ(Download(), -1);
+            EXPECT_EQ(Download(kLong), -1);
             EXPECT_EQ(command.GetDownloadFault(), row.why);
             EXPECT_EQ(command.GetFileError(), operations.kFull);
             EXPECT_EQ(Read(File()), before);
