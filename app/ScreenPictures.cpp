@@ -50,7 +50,9 @@ bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& fo
 {
     window.resize(look.size);
     window.show();
-    QCoreApplication::processEvents();
+    for (int i = 0; i < 3; ++i) { // some fill their lists behind the first painting
+        QCoreApplication::processEvents();
+    }
     const QString file = folder.filePath(name + QLatin1Char('-') + QLatin1String(look.name) +
                                          QStringLiteral(".png"));
     const bool saved = window.grab().save(file);

@@ -799,7 +799,7 @@ constexpr Entry kEntries[] = {
     Entry{text::kTiltMedium, L"中速"},
     Entry{text::kTiltSlow, L"低速"},
     Entry{text::kTiltCancelling, L"中止しています..."},
-    Entry{text::kTiltCalibrating, L"チルト調整中です。機器を動かさないでください。"},
+    Entry{text::kTiltCalibrating, L"チルト調整中です。\n機器を動かさないでください。"},
     Entry{text::kTiltSensitivityLabel, L"感度"},
     Entry{text::kTiltSpeedLabel, L"速度"},
     Entry{text::kTiltToleranceLabel, L"許容値"},

@@ -74,7 +74,7 @@ void StatusHistoryView::Draw(QPainter& painter, const QSizeF& size)
     small.setPixelSize(std::max(kSmallest, QFontInfo(font()).pixelSize() * 13 / 16));
     painter.setFont(small);
     const QFontMetricsF metrics(small);
-    const qreal line = std::ceil(metrics.height());
+    const qreal line = std::ceil(metrics.height()) + 2.0; // ink may stand out of it
     const qreal left = std::ceil(metrics.horizontalAdvance(QStringLiteral("00"))) + 12.0;
     const qreal width = size.width() - left - 12.0;
     const qreal height = (size.height() - 3.75 * line - 8.0) / 2.0;

@@ -393,7 +393,7 @@ TEST_F(DownloadTest, TheFolderMayVanishAndTheCableBePulled)
             SCOPED_TRACE(std::to_string(pulled) + " " + std::to_string(round));
             const fs::path other = folder.Write("finished.Q01", "finished before");
             FileServer server;
-            server.at = static_cast<std::size_t>(1 + round % (kBlocks - 1));
+            server.at = 1 + static_cast<std::size_t>(round) % (kBlocks - 1);
             server.damage = pulled ? Damage::Half : Damage::None; // no byte more can be on its way
             server.times = 1;
             ScriptedReceiver receiver(server);
@@ -454,7 +454,8 @@ TEST_F(DownloadTest, CancelsWithinOneBlock)
             FileServer server;
             ScriptedReceiver receiver(server);
             Open(receiver);
-            const auto at = static_cast<std::uint32_t>(1 + round % (kBlocks - 1));
+            const auto at =
+                static_cast<std::uint32_t>(1 + static_cast<std::size_t>(round) % (kBlocks - 1));
             std::uint32_t seen = 0;
             EXPECT_EQ(Download(kSize,
                                [&](std::uint32_t arrived) {

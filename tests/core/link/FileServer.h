@@ -88,8 +88,11 @@ inline constexpr std::size_t kBlockBytes = 1000;
 
 [[nodiscard]] inline std::uint32_t NumberAt(const Bytes& frame, std::size_t at)
 {
-    return static_cast<std::uint32_t>(frame.at(at)) << 24 | frame.at(at + 1) << 16 |
-           frame.at(at + 2) << 8 | frame.at(at + 3);
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        number = number << 8U | frame.at(at + i);
+    }
+    return number;
 }
 
 /// Where a request 0x96 wants the file from.

@@ -116,7 +116,7 @@ TEST_F(HostileFramesTest, EveryLengthOfEveryReply)
             row.ask();
         }
     }
-    for (const std::size_t length : {0, 1, 12, 255}) {
+    for (const std::size_t length : {0U, 1U, 12U, 255U}) {
         AnswerWith(Frame(0x6E, Bytes(length, 'x')));
         EXPECT_EQ(command.RequestIdentity(identity), 0);
     }

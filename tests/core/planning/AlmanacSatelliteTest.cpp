@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <limits>
-#include <numbers>
 #include <string_view>
 
 #include <gtest/gtest.h>
@@ -17,7 +16,6 @@ using testing::kSampleWeek;
 using testing::PlaceOf;
 using testing::SampleSatellite;
 
-constexpr double kPi = std::numbers::pi;
 constexpr double kWeekS = 604800.0;
 
 CAlmanacSatellite Loaded(const AlmanacRecord& record)

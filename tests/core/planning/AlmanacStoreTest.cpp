@@ -183,8 +183,9 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         } else {
             ASSERT_EQ(content.size(), 32 * kAlmanacRecordSize);
             EXPECT_EQ(CountAlmanacs(content), row.satellites);
-            EXPECT_TRUE(std::equal(content.end() - kAlmanacRecordSize, content.end(),
-                                   content.begin() + (row.satellites - 1) * kAlmanacRecordSize))
+            constexpr auto kRecord = static_cast<std::ptrdiff_t>(kAlmanacRecordSize);
+            EXPECT_TRUE(std::equal(content.end() - kRecord, content.end(),
+                                   content.begin() + (row.satellites - 1) * kRecord))
                 << "the last good record repeats";
         }
         if (command.Fault() == CommandFault::LinkLost) {
@@ -200,11 +201,12 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
 TEST_F(AlmanacStoreTest, SendsTheAbortWhenTheUserCancels)
 {
     folder.Write("GSurveyPlan.alm", "old");
-    for (const int last : {0, 7, 32}) {
+    for (const unsigned last : {0U, 7U, 32U}) {
         SCOPED_TRACE(last);
         Start(ReceiverWith({1, 2, 3, 4, 5, 6}));
-        EXPECT_EQ(store.Update(command, [&](int prn) { return prn <= last; }),
-                  AlmanacResult::Cancelled);
+        EXPECT_EQ(
+            store.Update(command, [&](int prn) { return static_cast<unsigned>(prn) <= last; }),
+            AlmanacResult::Cancelled);
         EXPECT_TRUE(AbortWasSent());
         EXPECT_EQ(receiver->RequestCount(), last + 1U) << "the satellites and the abort";
         EXPECT_EQ(Almanac().size(), 3U);

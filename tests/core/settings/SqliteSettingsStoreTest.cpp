@@ -170,7 +170,7 @@ TEST(SqliteSettingsStore, WorksAfterAnyDamage)
         if (i % 2 == 0) {
             damaged.resize(at);
         } else {
-            damaged[at] = static_cast<char>(damaged[at] ^ (1U << random() % 8));
+            damaged[at] = static_cast<char>(damaged[at] ^ (1 << random() % 8));
         }
         folder.Write(file.lexically_relative(folder.Path()), damaged);
         SqliteSettingsStore store(file);
