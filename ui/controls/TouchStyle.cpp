@@ -201,6 +201,23 @@ void TouchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
     }
 }
 
+void TouchStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const
+{
+    const auto* const combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (element != CE_ComboBoxLabel || combo == nullptr) {
+        QProxyStyle::drawControl(element, option, painter, widget);
+        return;
+    }
+    // The base style lets the arrow cut a long text in the midst of a character.
+    QStyleOptionComboBox fitting = *combo;
+    const int icon = combo->currentIcon.isNull() ? 0 : combo->iconSize.width() + 4;
+    const QRect field = subControlRect(CC_ComboBox, combo, SC_ComboBoxEditField, widget);
+    fitting.currentText =
+        combo->fontMetrics.elidedText(combo->currentText, Qt::ElideRight, field.width() - icon - 2);
+    QProxyStyle::drawControl(element, &fitting, painter, widget);
+}
+
 void TouchStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                     QPainter* painter, const QWidget* widget) const
 {
