@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -150,6 +151,29 @@ TEST_F(Catalogue, IsReadAgainOnlyWhenTheFileChanged)
     EXPECT_EQ(m_catalogue.GetMaxCount(), 0);
     unsetenv("TZ");
     tzset();
+}
+
+TEST_F(Catalogue, FollowsAFileThatIsReplacedWhileItIsRead)
+{
+    const std::string comment(300'000, ';'); // takes some milliseconds to read
+    const auto write = [&](const fs::path& file, const std::string& name) {
+        std::ofstream(file, std::ios::binary) << "[ANTENNATYPE]\nDATA0=" << name << "\n" << comment;
+    };
+    const fs::path next = m_home.Path() / "next";
+    for (int round = 0; round < 60; ++round) {
+        const std::string name = "new" + std::to_string(round);
+        write(AntennaFilePath(m_home.Path()), "before " + name);
+        write(next, name);
+        std::thread writer([&] {
+            std::this_thread::sleep_for(std::chrono::microseconds(30 * round));
+            fs::rename(next, AntennaFilePath(m_home.Path()));
+        });
+        EXPECT_EQ(m_catalogue.Update(), 1);
+        writer.join();
+        EXPECT_EQ(m_catalogue.Update(), 1);
+        ASSERT_TRUE(m_catalogue.Type(0)) << name;
+        ASSERT_EQ(ToUtf8(m_catalogue.Type(0)->name), name);
+    }
 }
 
 TEST_F(Catalogue, TakesAMillionLines)
