@@ -1,6 +1,7 @@
 // What settings cost, against SQLite used by hand and a bare durable append. The figures that
 // count are the counters: ratios of the medians of two things measured in turn.
 
+#include "core/equipment/AntennaCatalogue.h"
 #include "core/settings/HostReg.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -175,35 +177,47 @@ void Write(benchmark::State& state)
 }
 BENCHMARK(Write)->MinTime(2.0)->UseRealTime();
 
-/// An antenna catalogue in one batch, against one durable write.
+/// A catalogue file of 64 types with 64 methods each, as large as one can be.
+std::string LargestCatalogue()
+{
+    std::string text = "[ANTENNATYPE]\r\n";
+    for (int type = 0; type < AntennaCatalogue::kMaxTypes; ++type) {
+        text += "DATA" + std::to_string(type) + "=Antenna " + std::to_string(type) + "\r\n";
+    }
+    for (int type = 0; type < AntennaCatalogue::kMaxTypes; ++type) {
+        text += "[Antenna " + std::to_string(type) + "]\r\nCharCode=A" + std::to_string(type) +
+                "\r\nType=" + std::to_string(type) + "\r\n";
+        for (int method = 0; method < AntennaCatalogue::kMaxMethods; ++method) {
+            text += "MeasMethod" + std::to_string(method) + "=0.10000,0.05000,0.00000,\"rim " +
+                    std::to_string(method) + "\"\r\n";
+        }
+    }
+    return text;
+}
+
+/// The import of that file, from its stamp to the values on the disk, against one durable write.
 void Import(benchmark::State& state)
 {
-    constexpr int kValues = 4288;
     const Folder folder;
     SettingsRoots roots(folder.AsHome());
     const HostReg reg(roots);
+    AntennaCatalogue catalogue(folder.Path(), roots);
+    const std::string text = LargestCatalogue();
     std::vector<double> importUs;
     std::vector<double> oneUs;
-    std::vector<std::wstring>
-        names; // made beforehand: the catalogue's text is not what is measured
-    for (int i = 0; i < kValues; ++i) {
-        names.push_back(L"Method" + std::to_wstring(i));
-    }
     std::uint32_t number = 0;
     int done = 1;
     for (auto _ : state) {
-        const std::wstring value = L"0.1,0.2," + std::to_wstring(number);
+        // Another size, so that it counts as changed.
+        std::ofstream(AntennaFilePath(folder.Path())) << text << std::string(1 + number % 2, '\n');
         oneUs.push_back(Timed([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); }));
-        importUs.push_back(Timed([&] {
-            SettingsBatch batch(reg.Store());
-            for (const std::wstring& name : names) {
-                done &= reg.WriteString(L"GPS\\Antenna\\List", name, value);
-            }
-            done &= batch.Commit() ? 1 : 0;
-        }));
+        importUs.push_back(Timed([&] { done &= catalogue.Update(); }));
+        const auto last =
+            catalogue.Method(AntennaCatalogue::kMaxTypes - 1, AntennaCatalogue::kMaxMethods - 1);
+        done &= last && last->name == L"rim 63" ? 1 : 0;
     }
     if (done == 0) {
-        state.SkipWithError("cannot write");
+        state.SkipWithError("not imported");
     }
     state.counters["one_us"] = Median(oneUs);
     state.counters["import_us"] = Median(importUs);
