@@ -1,4 +1,4 @@
-#include "cli/FilesCommand.h"
+#include "cli/FilesWork.h"
 #include "cli/TerminalHost.h"
 #include "cli/Utf8.h"
 
@@ -50,22 +50,20 @@ Value StateValue(Change::State state, bool deleting)
 }
 
 /// Deletes files or brings them back, one by one.
-class Changer
+class Changer final : public FilesWork
 {
 public:
     Changer(const Context& context, const FilesOptions& options, Host& host, bool deleting)
-        : m_context(context), m_options(options), m_host(host),
-          m_session(context.world, context.output, host, options.port), m_deleting(deleting)
+        : FilesWork(context, options, host), m_deleting(deleting)
     {}
 
-    ExitCode Run();
-
 private:
-    [[nodiscard]] std::optional<Failure> Plan();
-    [[nodiscard]] std::optional<Failure> Agree();
-    [[nodiscard]] std::optional<Failure> ChangeAll();
+    [[nodiscard]] std::optional<Failure> Plan() override;
+    [[nodiscard]] std::optional<Failure> Agree() override;
+    [[nodiscard]] std::optional<Failure> Work() override;
     [[nodiscard]] bool ChangeOne(const Change& change);
-    [[nodiscard]] Report Result() const;
+    void LeaveRest() override;
+    [[nodiscard]] Report Result() const override;
 
     /// Whether what is deleted cannot be brought back.
     [[nodiscard]] bool IsForGood()
@@ -74,11 +72,6 @@ private:
     }
     [[nodiscard]] bool IsPica() { return m_catalogue->Receiver().Family() == ReceiverFamily::Pica; }
 
-    const Context& m_context;
-    const FilesOptions& m_options;
-    Host& m_host;
-    PortSession m_session;
-    std::optional<FileCatalogue> m_catalogue; // once it is connected
     const bool m_deleting;
     std::vector<Change> m_changes;
 };
@@ -105,14 +98,11 @@ std::optional<Failure> Changer::Plan()
         }
         if (file.isLogging) {
             change.state = Change::State::Logging;
-            m_context.output.Message("warning", "", file.Name() + " is being logged and left out.",
-                                     Colour::Yellow);
+            Warn(file.Name() + " is being logged and left out.");
         }
         if (!IsPica() && !IsReceiverFileName(file.record.Name())) { // a Pica goes by numbers
             change.state = Change::State::Odd;
-            m_context.output.Message("warning", "",
-                                     "\"" + change.name + "\" is an odd name and left out.",
-                                     Colour::Yellow);
+            Warn("\"" + change.name + "\" is an odd name and left out.");
         }
         m_changes.push_back(std::move(change));
     }
@@ -155,7 +145,7 @@ bool Changer::ChangeOne(const Change& change)
                        : command.RecoverFile_Lark(record.Name())) == 1;
 }
 
-std::optional<Failure> Changer::ChangeAll()
+std::optional<Failure> Changer::Work()
 {
     std::optional<Failure> refused;
     for (Change& change : m_changes) {
@@ -196,32 +186,13 @@ Report Changer::Result() const
     return report;
 }
 
-ExitCode Changer::Run()
+void Changer::LeaveRest()
 {
-    std::optional<Failure> failure = m_session.Connect();
-    if (!failure) {
-        m_catalogue.emplace(m_session);
-        failure = Plan();
-    }
-    if (failure) {
-        return m_context.output.Failed(*failure);
-    }
-    if (!m_options.dryRun) {
-        failure = Agree();
-        if (!failure) {
-            failure = ChangeAll();
-        }
-    }
-    if (!failure) {
-        return m_context.output.Done(Result());
-    }
     for (Change& change : m_changes) {
         if (change.state == Change::State::Planned) {
             change.state = Change::State::NotReached;
         }
     }
-    const Report partial = Result();
-    return m_context.output.Failed(*failure, &partial);
 }
 
 } // namespace

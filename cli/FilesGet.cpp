@@ -1,4 +1,4 @@
-#include "cli/FilesCommand.h"
+#include "cli/FilesWork.h"
 #include "cli/TerminalHost.h"
 #include "cli/Utf8.h"
 
@@ -101,34 +101,21 @@ private:
 };
 
 /// The steps of one get.
-class Fetcher
+class Fetcher final : public FilesWork
 {
 public:
-    Fetcher(const Context& context, const FilesOptions& options, Host& host)
-        : m_context(context), m_options(options), m_host(host),
-          m_session(context.world, context.output, host, options.port)
-    {}
-
-    ExitCode Run();
+    using FilesWork::FilesWork;
 
 private:
-    [[nodiscard]] std::optional<Failure> Plan();
-    [[nodiscard]] std::optional<Failure> AskToReplace();
-    [[nodiscard]] std::optional<Failure> FetchAll();
+    [[nodiscard]] std::optional<Failure> Plan() override;
+    [[nodiscard]] std::optional<Failure> Agree() override;
+    [[nodiscard]] std::optional<Failure> Work() override;
     [[nodiscard]] std::optional<Failure> Fetch(Fetching& fetching, TransferMeter& meter,
                                                ProgressLine& progress);
     [[nodiscard]] Failure WhyNot(const Fetching& fetching);
-    [[nodiscard]] Report Result() const;
-    void Warn(const std::string& text)
-    {
-        m_context.output.Message("warning", "", text, Colour::Yellow);
-    }
+    void LeaveRest() override;
+    [[nodiscard]] Report Result() const override;
 
-    const Context& m_context;
-    const FilesOptions& m_options;
-    Host& m_host;
-    PortSession m_session;
-    std::optional<FileCatalogue> m_catalogue; // once it is connected
     std::vector<Fetching> m_files;
 };
 
@@ -175,7 +162,7 @@ std::optional<Failure> Fetcher::Plan()
     return std::nullopt;
 }
 
-std::optional<Failure> Fetcher::AskToReplace()
+std::optional<Failure> Fetcher::Agree()
 {
     std::vector<std::string> there;
     for (const Fetching& fetching : m_files) {
@@ -257,7 +244,7 @@ std::optional<Failure> Fetcher::Fetch(Fetching& fetching, TransferMeter& meter,
     return std::nullopt;
 }
 
-std::optional<Failure> Fetcher::FetchAll()
+std::optional<Failure> Fetcher::Work()
 {
     if (const std::error_code error = Folders::Create(m_options.folder)) {
         return FileFailure(m_options.folder.string() + " cannot be written to: " + error.message() +
@@ -317,33 +304,13 @@ Report Fetcher::Result() const
     return report;
 }
 
-ExitCode Fetcher::Run()
+void Fetcher::LeaveRest()
 {
-    std::optional<Failure> failure = m_session.Connect();
-    if (!failure) {
-        m_catalogue.emplace(m_session);
-        failure = Plan();
-    }
-    if (failure) {
-        return m_context.output.Failed(*failure);
-    }
-    if (m_options.dryRun) {
-        return m_context.output.Done(Result());
-    }
-    failure = AskToReplace();
-    if (!failure) {
-        failure = FetchAll();
-    }
-    if (!failure) {
-        return m_context.output.Done(Result());
-    }
     for (Fetching& fetching : m_files) {
         if (fetching.state == Fetching::State::Planned) {
             fetching.state = Fetching::State::NotFetched;
         }
     }
-    const Report partial = Result();
-    return m_context.output.Failed(*failure, &partial);
 }
 
 } // namespace
