@@ -8,7 +8,7 @@
 
 namespace fieldcore {
 
-FramesDlg::FramesDlg(FrameHistory& history, QWidget* parent) : Dialog(parent)
+FramesDlg::FramesDlg(FrameHistory& history, QWidget* parent) : Dialog(parent, Extent::Whole)
 {
     setWindowTitle(UiText(text::kAppFrames));
     auto* const column = new QVBoxLayout(this);

@@ -150,7 +150,6 @@ void Session::ShowFiles()
     const ReceiverLink::Hold hold(m_controller.Link());
     CRecvFileMan sheet(&m_controller.Command(), 0, nullptr,
                        FilesWorld(m_controller, m_window.get()), m_window.get());
-    sheet.resize(m_window->size());
     sheet.DoModal();
 }
 

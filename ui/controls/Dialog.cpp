@@ -16,7 +16,7 @@ constexpr const char* kControlId = "fieldcoreControlId";
 
 } // namespace
 
-Dialog::Dialog(QWidget* parent) : QDialog(parent) {}
+Dialog::Dialog(QWidget* parent, Extent extent) : QDialog(parent), m_extent(extent) {}
 
 int Dialog::DoModal()
 {
@@ -110,10 +110,23 @@ void Dialog::Destroy()
     }
 }
 
+void Dialog::OpenOverParent()
+{
+    if (m_extent == Extent::Natural || parentWidget() == nullptr || testAttribute(Qt::WA_Resized)) {
+        return;
+    }
+    const QWidget* const under = parentWidget()->window();
+    const int character = fontMetrics().horizontalAdvance(QChar(0x3042));
+    const QSize form(40 * character, 45 * character);
+    resize(m_extent == Extent::Whole ? under->size() : under->size().boundedTo(form));
+    move(under->mapToGlobal(under->rect().center()) - rect().center());
+}
+
 void Dialog::showEvent(QShowEvent* event)
 {
     if (!m_initialised) {
         m_initialised = true;
+        OpenOverParent();
         if (OnInitDialog() && nextInFocusChain() != nullptr && focusWidget() == nullptr) {
             focusNextChild();
         }

@@ -18,7 +18,15 @@ class Dialog : public QDialog
     Q_OBJECT
 
 public:
-    explicit Dialog(QWidget* parent = nullptr);
+    /// How large a dialog opens, unless it was given a size before.
+    enum class Extent
+    {
+        Natural, ///< as its contents wish
+        Form,    ///< over its parent's window, but no larger than a form reads well
+        Whole,   ///< over all of its parent's window
+    };
+
+    explicit Dialog(QWidget* parent = nullptr, Extent extent = Extent::Natural);
     /// A derived class whose OnDestroy() does something calls Destroy() in its own destructor: here
     /// it is too late for that.
     ~Dialog() override = default;
@@ -79,6 +87,9 @@ protected:
     void done(int result) override;
 
 private:
+    void OpenOverParent();
+
+    const Extent m_extent;
     bool m_initialised = false;
     QHash<int, int> m_timers; // by the dialog's number: Qt's
 };

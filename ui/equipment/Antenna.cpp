@@ -97,9 +97,10 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect, QWidget* parent)
 
 CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
                    AntennaSettings::Surroundings surroundings, QWidget* parent)
-    : Dialog(parent), AntennaSettings(command, rover, reConnect, std::move(surroundings)),
-      m_role(new CTComboBox), m_roleLabel(nullptr), m_antennaType(new CTComboBox),
-      m_antennaWay(new CTComboBox), m_height(MakeTyped(Qt::ImhFormattedNumbersOnly)),
+    : Dialog(parent, Extent::Form),
+      AntennaSettings(command, rover, reConnect, std::move(surroundings)), m_role(new CTComboBox),
+      m_roleLabel(nullptr), m_antennaType(new CTComboBox), m_antennaWay(new CTComboBox),
+      m_height(MakeTyped(Qt::ImhFormattedNumbersOnly)),
       m_serial(MakeTyped(Qt::ImhLatinOnly | Qt::ImhNoPredictiveText)),
       m_drawing(new AntennaDrawing), m_how(new QLabel), m_vertical(new QLabel),
       m_warning(new QLabel), m_ask(new QPushButton(UiText(text::kAntennaFromReceiver))),

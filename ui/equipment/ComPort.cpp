@@ -117,12 +117,6 @@ bool CComPort::IsConnected() const
 
 bool CComPort::OnInitDialog()
 {
-    if (const QWidget* const under = parentWidget(); under != nullptr) {
-        const QSize whole = under->window()->size(); // nothing needs to scroll on a handheld
-        const int most = 40 * fontMetrics().horizontalAdvance(QChar(0x3042));
-        resize(std::min(whole.width(), most), whole.height());
-        move(under->window()->mapToGlobal(under->window()->rect().center()) - rect().center());
-    }
     m_isAgreed = false;
     m_isLinkChanged = false;
     for (int port = 1; port <= GetPageCount(); ++port) {

@@ -36,7 +36,7 @@ QLabel* MakeFolderLabel(const std::filesystem::path& folder)
 } // namespace
 
 CRecvFileSaveDlg::CRecvFileSaveDlg(FileDestination& destination, QWidget* parent)
-    : Dialog(parent), m_destination(destination), m_summary(new QLabel),
+    : Dialog(parent, Extent::Form), m_destination(destination), m_summary(new QLabel),
       m_card(new QRadioButton(UiText(text::kFileSaveCard))),
       m_memory(new QRadioButton(UiText(text::kFileSaveMemory))),
       m_cardFolder(MakeFolderLabel(destination.CardFolder())),

@@ -49,8 +49,8 @@ void Paint(QLabel* label, const QColor& colour)
 } // namespace
 
 StatusPage::StatusPage(QWidget* parent)
-    : Dialog(parent), m_fixAge(new QLabel), m_batteryAge(new QLabel), m_headline(new QLabel),
-      m_battery(new CTextProgressCtrl), m_grid(new QGridLayout),
+    : Dialog(parent, Extent::Whole), m_fixAge(new QLabel), m_batteryAge(new QLabel),
+      m_headline(new QLabel), m_battery(new CTextProgressCtrl), m_grid(new QGridLayout),
       m_body(new QBoxLayout(QBoxLayout::TopToBottom)), m_history(new StatusHistoryView)
 {
     setWindowTitle(UiText(text::kAppStatus));

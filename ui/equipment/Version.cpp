@@ -26,8 +26,8 @@ constexpr int kMargin = 12;
 } // namespace
 
 CVersion::CVersion(CCommand* command, QWidget* parent)
-    : Dialog(parent), m_command(command), m_notice(new QLabel), m_list(new QTableWidget(0, 2)),
-      m_copy(new QPushButton(UiText(text::kVersionCopy)))
+    : Dialog(parent, Extent::Form), m_command(command), m_notice(new QLabel),
+      m_list(new QTableWidget(0, 2)), m_copy(new QPushButton(UiText(text::kVersionCopy)))
 {
     setWindowTitle(UiText(text::kVersionTitle));
     m_notice->setWordWrap(true);

@@ -24,7 +24,8 @@ constexpr double kLarge = 1.25; // of the usual text
 PortChooserDlg::PortChooserDlg(const PortNames& names, const std::vector<ScenarioChoice>& scenarios,
                                const ConnectChoice& choice, const SystemRoots& roots,
                                QWidget* parent)
-    : Dialog(parent), m_choice(choice), m_chooser(new PortChooser(names, scenarios, roots)),
+    : Dialog(parent, Extent::Form), m_choice(choice),
+      m_chooser(new PortChooser(names, scenarios, roots)),
       m_connect(new QPushButton(UiText(text::kPortConnect)))
 {
     setWindowTitle(UiText(text::kPortTitle));
@@ -63,17 +64,6 @@ PortChooserDlg::PortChooserDlg(const PortNames& names, const std::vector<Scenari
     layout->addWidget(scroll, 1);
     layout->addLayout(buttons);
     m_chooser->SetChoice(choice);
-}
-
-bool PortChooserDlg::OnInitDialog()
-{
-    const QWidget* const under = parentWidget() != nullptr ? parentWidget()->window() : nullptr;
-    if (under != nullptr) {
-        const int most = 40 * fontMetrics().horizontalAdvance(QChar(0x3042));
-        resize(std::min(under->width(), most), under->height());
-        move(under->mapToGlobal(under->rect().center()) - rect().center());
-    }
-    return true;
 }
 
 bool PortChooserDlg::OnClose(int result)

@@ -23,7 +23,6 @@ public:
     [[nodiscard]] PortChooser* Chooser() const { return m_chooser; }
 
 protected:
-    bool OnInitDialog() override;
     bool OnClose(int result) override;
 
 private:

@@ -29,7 +29,7 @@ constexpr int kGrid = TouchStyle::kGrid;
 
 CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
                              QWidget* parent)
-    : Dialog(parent), m_session(session), m_surroundings(surroundings), m_host(host),
+    : Dialog(parent, Extent::Whole), m_session(session), m_surroundings(surroundings), m_host(host),
       m_tools(new CnToolBar), m_view(new CurtainView(m_edit)), m_reading(new QLabel)
 {
     setWindowTitle(UiText(text::kPlanCurtain));

@@ -36,8 +36,8 @@ constexpr std::array kFields{
 
 SiteDlg::SiteDlg(std::filesystem::path folder, std::wstring name, const SiteInput& input,
                  QWidget* parent)
-    : Dialog(parent), m_folder(std::move(folder)), m_name(std::move(name)), m_fields{},
-      m_fault(new RoleLabel(&Theme::bad))
+    : Dialog(parent, Extent::Form), m_folder(std::move(folder)),
+      m_name(std::move(name)), m_fields{}, m_fault(new RoleLabel(&Theme::bad))
 {
     setWindowTitle(UiText(m_name.empty() ? text::kSiteAddTitle : text::kSiteEditTitle));
     setAccessibleName(windowTitle());

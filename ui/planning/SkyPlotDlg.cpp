@@ -66,7 +66,8 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, QWidget* parent)
 
 CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
                    QWidget* parent)
-    : Dialog(parent), m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
+    : Dialog(parent, Extent::Whole),
+      m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
       m_clock(ClockOf(command, surroundings.clock)), m_poll(command, m_clock, surroundings.program),
       m_settings(LoadSkyPlotSettings(m_reg))
 {

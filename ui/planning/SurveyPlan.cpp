@@ -51,7 +51,7 @@ CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, QWidget* parent)
 
 CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings& surroundings,
                          QWidget* parent)
-    : Dialog(parent), m_command(command), m_loadWay(loadWay),
+    : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
       m_surroundings(PlanSurroundings::Completed(surroundings)), m_reg(*m_surroundings.roots),
       m_session(m_surroundings.folder, m_reg)
 {
@@ -244,7 +244,6 @@ void CSurveyPlan::OnPlanSetDetail()
 void CSurveyPlan::OnPlanSetCurtain()
 {
     CurtainEditor editor(m_session, m_surroundings, GetHost(), this);
-    editor.resize(size());
     if (editor.DoModal() == kOk) {
         DrawResults();
     }

@@ -16,8 +16,8 @@ namespace fieldcore {
 SetSignal::SetSignal(CCommand* command, QWidget* parent) : SetSignal(command, m_ownReg, parent) {}
 
 SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
-    : Dialog(parent), m_session(command, reg), m_hint(new QLabel(UiText(text::kSignalHint))),
-      m_ok(new QPushButton(UiText(text::kButtonOk)))
+    : Dialog(parent, Extent::Form), m_session(command, reg),
+      m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(new QPushButton(UiText(text::kButtonOk)))
 {
     setWindowTitle(UiText(text::kSignalTitle));
     Build();

@@ -55,7 +55,7 @@ TiltStatusDlg::TiltStatusDlg(CCommand* command, QWidget* parent)
 {}
 
 TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent)
-    : Dialog(parent), m_command(command), m_tilt(command, reg), m_status(new QLabel),
+    : Dialog(parent, Extent::Form), m_command(command), m_tilt(command, reg), m_status(new QLabel),
       m_remain(new QLabel), m_sensitivity(new CTComboBox), m_speed(new CTComboBox),
       m_duration(new QLineEdit), m_expiryPlace(new QStackedWidget), m_expiry(new QLabel),
       m_change(Button(text::kTiltChange, nullptr)), m_expiryEdit(new QLineEdit)

@@ -37,7 +37,7 @@ private:
 } // namespace
 
 TrackingDlg::TrackingDlg(SettingsRoots& roots, QWidget* parent)
-    : Dialog(parent), m_reg(roots), m_sets(AllSurveys().size(), CGPSPrm(roots)),
+    : Dialog(parent, Extent::Form), m_reg(roots), m_sets(AllSurveys().size(), CGPSPrm(roots)),
       m_survey(new CTComboBox), m_interval(new CTComboBox), m_mask(new CTComboBox),
       m_satellites(new CTComboBox), m_epochs(new CSpinDouble), m_pdop(new CSpinDouble)
 {

@@ -1,5 +1,7 @@
 #include "ui/controls/Dialog.h"
 
+#include <QApplication>
+#include <QFontMetrics>
 #include <QLineEdit>
 #include <QTest>
 #include <QTimer>
@@ -52,6 +54,50 @@ protected:
 private:
     std::string& m_told;
 };
+
+TEST(Dialog, OpensAsLargeAsItIsToBe)
+{
+    struct Row
+    {
+        const char* fault;
+        Dialog::Extent extent;
+        QSize under;
+        QSize given;
+        QSize opened; // empty: as the contents wish
+    };
+    const int character = QFontMetrics(QApplication::font()).horizontalAdvance(QChar(0x3042));
+    const QSize handheld(20 * character, 25 * character);
+    const QSize desktop(80 * character, 60 * character);
+    const Row rows[] = {
+        {"a form on a handheld", Dialog::Extent::Form, handheld, {}, handheld},
+        {"a form on a desktop",
+         Dialog::Extent::Form,
+         desktop,
+         {},
+         {40 * character, 45 * character}},
+        {"a page on a desktop", Dialog::Extent::Whole, desktop, {}, desktop},
+        {"a page of a given size", Dialog::Extent::Whole, desktop, handheld, handheld},
+        {"a message", Dialog::Extent::Natural, desktop, {}, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        QWidget under;
+        under.resize(row.under);
+        under.show();
+        Dialog dialog(&under, row.extent);
+        QVBoxLayout layout(&dialog);
+        layout.addWidget(new QLineEdit);
+        if (!row.given.isEmpty()) {
+            dialog.resize(row.given);
+        }
+        dialog.show();
+        if (row.opened.isEmpty()) {
+            EXPECT_EQ(dialog.height(), dialog.sizeHint().height());
+        } else {
+            EXPECT_EQ(dialog.size(), row.opened);
+        }
+    }
+}
 
 TEST(Dialog, CallsItsHooksOnce)
 {
