@@ -5,7 +5,6 @@
 #include "ui/controls/UiText.h"
 
 #include <chrono>
-#include <cmath>
 
 namespace fieldcore {
 
@@ -67,7 +66,7 @@ ReceiverState StateOf(const ReceiverLink& link, const StatusPoll& poll, const Cl
             state.batterySource = ToQt(battery->value.source);
         }
         state.satellites = status->value.satellitesTracked;
-        if (std::isfinite(status->value.pdop) && status->value.pdop < kNoPdop) {
+        if (status->value.pdop > 0.0 && status->value.pdop < kNoPdop) {
             state.pdop = status->value.pdop;
         }
     }

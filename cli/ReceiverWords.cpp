@@ -1,5 +1,6 @@
 #include "cli/ReceiverWords.h"
 
+#include "core/equipment/GPSError.h"
 #include "core/equipment/InstalledOptions.h"
 #include "core/link/ReceiverTypes.h"
 
@@ -132,8 +133,9 @@ Clock::UtcTime UtcOf(const GpsTimeReply& time, Clock::UtcTime now)
         const auto current = static_cast<int>(duration_cast<days>(now - kGpsEpoch).count() / 7);
         week += (current - week + kWeekCycle / 2) / kWeekCycle * kWeekCycle;
     }
+    const int offsetS = IsUsableUtcOffset(time.utcOffsetS) ? time.utcOffsetS : 0;
     const auto sinceEpoch =
-        weeks(week) + seconds(std::lround(time.secondsOfWeek)) - seconds(time.utcOffsetS);
+        weeks(week) + seconds(std::lround(time.secondsOfWeek)) - seconds(offsetS);
     return Clock::UtcTime(kGpsEpoch.time_since_epoch() + sinceEpoch);
 }
 

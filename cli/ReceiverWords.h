@@ -25,7 +25,8 @@ void AddIdentity(Report& report, const CRecvInfo& info);
 /// @param pdop  99.9 or more, 0 or less, and what is no number mean that there is none
 [[nodiscard]] Value PdopValue(double pdop);
 
-/// The moment that a time reply means. A week of ten bits is taken to lie near @p now.
+/// The moment that a time reply means. A week of ten bits is taken to lie near @p now; an offset
+/// that cannot be meant counts as 0.
 [[nodiscard]] Clock::UtcTime UtcOf(const GpsTimeReply& time, Clock::UtcTime now);
 
 /// A moment as ISO 8601, in UTC ("...Z") or in Japanese standard time ("...+09:00").

@@ -75,8 +75,7 @@ std::optional<Failure> Apply(SignalSession& session, const std::vector<std::stri
     return std::nullopt;
 }
 
-ExitCode Set(const Context& context, const SignalOptions& options, PortSession& port,
-             SignalSession& session)
+ExitCode Set(const Context& context, const SignalOptions& options, SignalSession& session)
 {
     Report report;
     if (const std::optional<Failure> failure = Apply(session, options.names)) {
@@ -93,9 +92,12 @@ ExitCode Set(const Context& context, const SignalOptions& options, PortSession& 
         return context.output.Done(report);
     }
     std::optional<Failure> failure;
-    SignalSession::Outcome outcome = session.Confirm();
-    if (outcome.sent == 0 || outcome.boardTold == 0) {
-        failure = port.RequestFailed();
+    const SignalSession::Outcome outcome = session.Confirm();
+    if (outcome.boardTold == 0) {
+        context.output.Note("The receiver's board did not confirm that it takes the signals over.");
+    }
+    if (outcome.sent == 0) {
+        failure = RequestFailure(outcome.fault, "");
     } else if (outcome.stored != 1) {
         failure = Failure{ExitCode::LocalFile, "local-file",
                           "The receiver has the choice, but it could not be stored.",
@@ -126,7 +128,7 @@ ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)
         return context.output.Failed(port.RequestFailed());
     }
     if (isSet) {
-        return Set(context, options, port, session);
+        return Set(context, options, session);
     }
     Report report;
     AddSignals(report, session);

@@ -191,14 +191,15 @@ std::optional<Failure> ReadStatus(PortSession& session, StatusReading& reading)
 {
     CCommand& command = session.Command();
     StatusReading fresh;
-    fresh.controllerTime = session.GetClock().Utc();
     StatusReply status;
     if (command.RequestStatus(status) == 0) {
         return session.RequestFailed();
     }
     fresh.statusAt = session.GetClock().Steady();
+    const bool hasTime = Ask(command, &CCommand::RequestGpsTime, fresh.time, fresh.timeAt);
+    fresh.controllerTime = session.GetClock().Utc();
     const bool answered =
-        Ask(command, &CCommand::RequestGpsTime, fresh.time, fresh.timeAt) &&
+        hasTime &&
         Ask(command, &CCommand::RequestPositionStatus, fresh.position, fresh.positionAt) &&
         Ask(command, &CCommand::RequestBatteryPort, fresh.powerSource, fresh.powerSourceAt);
     if (!answered) {

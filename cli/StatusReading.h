@@ -23,7 +23,7 @@ struct StatusReading
     std::optional<GpsTimeReply> time;
     std::optional<PositionStatusReply> position;
     std::optional<int> powerSource;
-    Clock::UtcTime controllerTime; ///< of the controller, when it was asked
+    Clock::UtcTime controllerTime; ///< the controller's, when the receiver told its own
 
     std::wstring powerSourceName;      ///< empty: not looked up, see BatteryFollow
     std::optional<BatteryTrend> trend; ///< nothing: not known yet

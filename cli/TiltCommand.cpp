@@ -5,6 +5,7 @@
 #include "cli/Watch.h"
 
 #include "core/settings/HostReg.h"
+#include "core/tilt/BubbleConfig.h"
 #include "core/tilt/CalibrationRun.h"
 #include "core/tilt/TiltSettings.h"
 
@@ -38,6 +39,7 @@ struct Sensor
     PortSession& session;
     TerminalHost& host;
     TiltSettings& tilt;
+    const CReg& reg;
 };
 
 /// Connects, and makes sure that there is a sensor that answers.
@@ -57,7 +59,7 @@ ExitCode WithSensor(const Context& context, const TiltOptions& options,
     if (!tilt.Reading()) {
         return context.output.Failed(session.RequestFailed());
     }
-    Sensor sensor{session, host, tilt};
+    Sensor sensor{session, host, tilt, reg};
     return act(sensor);
 }
 
@@ -162,8 +164,10 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
 }
 
 /// Tells the receiver a setting of its sensor.
+/// @param keep  stores it here once the receiver has it; 0 if it could not be stored
 ExitCode Send(const Context& context, const TiltOptions& options, const char* key,
-              const char* label, Value value, const std::function<int(CCommand&)>& send)
+              const char* label, Value value, const std::function<int(CCommand&)>& send,
+              const std::function<int(const CReg&)>& keep)
 {
     return WithSensor(context, options, [&](Sensor& sensor) {
         Report report;
@@ -174,23 +178,37 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
             return context.output.Failed(sensor.session.RequestFailed());
         }
         report.Add("sent", "sent", Value::YesNo(!options.dryRun));
+        if (!options.dryRun && keep(sensor.reg) == 0) {
+            return context.output.Failed(
+                FileFailure("The receiver has the setting, but it could not be stored.",
+                            "fieldcore-cli doctor"),
+                &report);
+        }
         return context.output.Done(report);
     });
 }
 
 ExitCode SetExpiry(const Context& context, const TiltOptions& options)
 {
-    return Send(context, options, "expiryHours", "valid for", Value::Integer(options.hours, "h"),
-                [&](CCommand& command) {
-                    return command.SetTiltValidity(static_cast<std::uint16_t>(options.hours));
-                });
+    return Send(
+        context, options, "expiryHours", "valid for", Value::Integer(options.hours, "h"),
+        [&](CCommand& command) {
+            return command.SetTiltValidity(static_cast<std::uint16_t>(options.hours));
+        },
+        [](const CReg&) { return 1; }); // the receiver keeps it
 }
 
 ExitCode SetSpeed(const Context& context, const TiltOptions& options)
 {
     const int viscosity = options.speed == "fast" ? 0 : options.speed == "medium" ? 1 : 2;
-    return Send(context, options, "speed", "speed", Value::Text(options.speed),
-                [&](CCommand& command) { return command.SetTiltSpeed(viscosity); });
+    return Send(
+        context, options, "speed", "speed", Value::Text(options.speed),
+        [&](CCommand& command) { return command.SetTiltSpeed(viscosity); },
+        [&](const CReg& reg) { // nobody can ask the receiver for it
+            eBubbleConfig::LoadBubbleData(reg);
+            eBubbleConfig::SetBubbleViscosity(viscosity);
+            return eBubbleConfig::SaveBubbleData(reg);
+        });
 }
 
 } // namespace

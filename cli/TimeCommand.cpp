@@ -118,7 +118,9 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
     if (!context.world.setClock) {
         return context.output.Failed(NotPermitted(""), &report);
     }
-    const std::string cause = context.world.setClock(*comparison.receiver);
+    // More was asked since the receiver told its time, and may have been asked twice.
+    const Clock::Duration since = session.GetClock().Steady() - comparison.reading.timeAt;
+    const std::string cause = context.world.setClock(*comparison.receiver + since);
     if (!cause.empty()) {
         return context.output.Failed(NotPermitted(cause), &report);
     }

@@ -161,11 +161,15 @@ bool StatusPoll::AskTime()
     if (isSynchronised || isKnown) {
         const std::chrono::local_seconds jst = m_error->GetJST();
         if (isSynchronised || m_command.Fault() == CommandFault::None) {
-            const auto utc = m_command.GetClock().Utc().time_since_epoch();
+            // Once synchronised it is the time of the last position, which may have come earlier.
+            const Clock& clock = m_command.GetClock();
+            const Clock::Duration now = clock.Steady();
+            const Clock::Duration at = isSynchronised && m_now.position ? m_now.position->at : now;
+            const auto utc = clock.Utc().time_since_epoch() - (now - at);
             m_now.time = {ReceiverTime{jst, m_error->GetUTCOffsetTime(), isSynchronised,
                                        std::chrono::floor<std::chrono::milliseconds>(
                                            utc + kJst - jst.time_since_epoch())},
-                          m_command.GetClock().Steady()};
+                          at};
         }
     }
     if (m_now.position) {

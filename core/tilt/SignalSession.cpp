@@ -59,6 +59,7 @@ SignalSession::Outcome SignalSession::Confirm()
     }
     if (const std::vector<std::uint8_t> data = CommandData(); !data.empty()) {
         outcome.sent = m_command->SetSignals(data);
+        outcome.fault = m_command->Fault();
     }
     if (m_info.GetMeridian() != 0) {
         outcome.boardTold = m_command->SetBoardSignals(0, 0, 0);

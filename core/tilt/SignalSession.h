@@ -41,8 +41,9 @@ public:
     /// What became of an agreement. Nothing where it was not due.
     struct Outcome
     {
-        std::optional<int> sent;      ///< the signals: 1 if the receiver acknowledged
-        std::optional<int> boardTold; ///< the board that takes them over only when told
+        std::optional<int> sent;                 ///< the signals: 1 if the receiver acknowledged
+        CommandFault fault = CommandFault::None; ///< why it did not
+        std::optional<int> boardTold;            ///< the board that takes them over only when told
         std::optional<int> stored;
     };
     /// Sends the choice and keeps it, whatever the receiver answers. Nothing while it is locked.

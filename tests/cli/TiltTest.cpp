@@ -17,6 +17,8 @@ TEST(Signal, SetsWhatIsNamedAndKeepsIt)
 {
     Runner runner;
     const std::string locked = runner.Scenario("signals-locked yes");
+    const Runner other; // one scenario each
+    const std::string refused = other.Scenario("options l2 glonass meridian\nfault nak on 53");
     struct Row
     {
         const char* fault;
@@ -35,6 +37,8 @@ TEST(Signal, SetsWhatIsNamedAndKeepsIt)
         {"the receiver lacks it", "set galileo --port sim:pica", 1, "signal-absent", "", false},
         {"fixed", "set glonass --port sim:" + locked, 1, "signals-locked", "", false},
         {"no answer", "set glonass --port sim:silent", 4, "no-answer", "", false},
+        {"refused, then told to the board", "set glonass --port sim:" + refused, 6, "nak", "",
+         false},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
@@ -87,6 +91,8 @@ TEST(Tilt, ShowsCalibratesAndSets)
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         EXPECT_EQ(outcome.Json()[row.code == 0 ? "result" : "error"][row.key], row.value);
     }
+    const Outcome kept = runner.Run("settings get GPS\\eBubble Viscosity --json");
+    EXPECT_EQ(kept.Json()["result"]["value"], "2") << "as the controller's screen shows it";
     const Outcome watched =
         runner.Run(std::string("tilt show --watch --count 3 --port sim:tilted") + kFast);
     EXPECT_EQ(watched.code, 0);

@@ -108,6 +108,15 @@ TEST_F(StatusPollTest, ShowsWhatTheReceiverKnows)
     }
 }
 
+TEST_F(StatusPollTest, CallsTheTimeOfAnOldPositionOld)
+{
+    Plug(kRover);
+    Round();
+    Fault("nak on 34");
+    Round();
+    EXPECT_EQ(poll.Now().time->at, poll.Now().position->at);
+}
+
 TEST_F(StatusPollTest, AsksASilentReceiverLessOften)
 {
     Plug(kRover);
