@@ -142,6 +142,7 @@ public:
     /// Metres with three decimals; empty if none is stored.
     [[nodiscard]] std::wstring GetAntHEx() const;
     [[nodiscard]] double GetAntHExD() const; ///< 0 if none is stored
+    /// Empty if the antenna has none, also where others are remembered.
     [[nodiscard]] std::wstring GetAntSNEx() const;
     /// @return 1 if a height is stored for the role
     [[nodiscard]] int GetAntFlag() const;

@@ -206,6 +206,22 @@ TEST_F(Settings, RememberTenHeightsTheLastOneFirst)
                                               L"1.600", L"1.500",  L"1.400", L"1.300", L"1.200"};
     m_antenna.ReadRegAnt();
     EXPECT_EQ(m_antenna.RememberedHeights(), wanted);
+    m_antenna.SetAntInputH(1.5445);
+    m_antenna.WriteRegAnt();
+    EXPECT_EQ(m_antenna.GetAntHEx(), L"1.545") << "another number than on the other screens";
+}
+
+TEST_F(Settings, KnowAnAntennaWithoutSerialNumber)
+{
+    for (const wchar_t* serial : {L"A1", L"", L"A1"}) {
+        SCOPED_TRACE(serial);
+        m_antenna.SetAntSN(serial);
+        ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
+        m_antenna.SetAntSN(L"X");
+        m_antenna.ReadRegAnt();
+        EXPECT_EQ(m_antenna.GetAntSN(), serial) << "that of another antenna came back";
+        EXPECT_EQ(m_antenna.RememberedSerials(), std::vector<std::wstring>{L"A1"});
+    }
 }
 
 TEST_F(Settings, AreAsBeforeIfTheyCannotBeWritten)
