@@ -334,6 +334,9 @@ AntennaSettings::Taken AntennaSettings::TakeFromReceiver()
     }
     std::wstring serial = identity.antennaSerial;
     serial.resize(serial.find_last_not_of(std::wstring_view(L" \0", 2)) + 1);
+    if (!AntennaSerialFault(serial).empty()) {
+        serial.clear(); // unknown: the one of before belongs to another antenna
+    }
     SetAntSN(serial);
     return Taken::Yes;
 }

@@ -162,7 +162,7 @@ public:
         NotListed, ///< SourceCode() says what it is called
     };
     /// Type and serial number of the connected receiver's antenna; one that is built in is found
-    /// by the receiver's own type.
+    /// by the receiver's own type. What cannot be a serial number counts as none.
     Taken TakeFromReceiver();
     /// The last antenna in logged data.
     int GetAntInfoFromLoggingData(std::span<const std::uint8_t> blocks);

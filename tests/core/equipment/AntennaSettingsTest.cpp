@@ -327,13 +327,16 @@ TEST_F(Settings, AreTakenFromTheReceiver)
         const char* antennaType;
         AntennaSettings::Taken taken;
         const wchar_t* name;
+        const char* sent = "A0001";
+        const wchar_t* serial = L"A0001";
     };
     using Taken = AntennaSettings::Taken;
     const Row rows[] = {
         {"lark", "01", Taken::Yes, L"Rim"},
         {"lark", "S", Taken::Yes, L"Small"},
-        {"lark", "??", Taken::Yes, L"Built-in"}, // by the receiver's type
-        {"pica", "??", Taken::NotListed, L""},
+        {"lark", "??", Taken::Yes, L"Built-in"},         // by the receiver's type
+        {"lark", "01", Taken::Yes, L"Rim", "A_01", L""}, // not that of the antenna before
+        {"pica", "??", Taken::NotListed, L"", "A0001", L"OLD"},
     };
     EXPECT_EQ(m_antenna.TakeFromReceiver(), Taken::NoAnswer);
     for (const Row& row : rows) {
@@ -342,14 +345,16 @@ TEST_F(Settings, AreTakenFromTheReceiver)
         auto scenario = simulator::LoadScenario(row.scenario, error);
         ASSERT_TRUE(scenario) << error;
         scenario->antennaType = row.antennaType;
+        scenario->antennaSerial = row.sent;
         simulator::Simulator receiver(*scenario);
         ASSERT_TRUE(receiver.Start(error)) << error;
         CCommand command;
         ASSERT_EQ(command.OpenPort(receiver.PortPath()), 1);
         AntennaSettings antenna(&command, 1, 0, {m_home.Path(), &m_roots});
+        antenna.SetAntSN(L"OLD");
         EXPECT_EQ(antenna.TakeFromReceiver(), row.taken);
         EXPECT_EQ(antenna.GetAntTypeStr(), row.name);
-        EXPECT_EQ(antenna.GetAntSN(), row.taken == Taken::Yes ? L"A0001" : L"");
+        EXPECT_EQ(antenna.GetAntSN(), row.serial);
     }
     EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(7), 1);
     EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(8), -1);
