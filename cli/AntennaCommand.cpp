@@ -4,6 +4,7 @@
 
 #include "core/equipment/AntennaInput.h"
 #include "core/equipment/AntennaSettings.h"
+#include "core/input/Parts.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 
@@ -85,6 +86,11 @@ Value Words(const std::wstring& text)
     return Value::Word(utf8, utf8.empty() ? "-" : utf8);
 }
 
+Value Vertical(double metres)
+{
+    return Value::Real(CParts::round(metres, kMillimetres), kMillimetres, "m");
+}
+
 Value Metres(double value, int decimals)
 {
     return Value::Real(value, decimals, "m");
@@ -157,7 +163,7 @@ void AddHeight(Report& report, const AntennaHeight& height)
     report.Add("radiusM", "radius R", Metres(height.method.radiusM, kCatalogue));
     report.Add("offsetM", "offset V", Metres(height.method.verticalM, kCatalogue));
     report.Add("derivation", "derivation", Value::Text(Derivation(height)));
-    report.Add("verticalM", "vertical height", Metres(height.verticalM, kMillimetres));
+    report.Add("verticalM", "vertical height", Vertical(height.verticalM));
 }
 
 void WarnOfShort(const Context& context, const AntennaHeight& height)
@@ -278,8 +284,8 @@ ExitCode Height(const Context& context, const AntennaOptions& options)
     Report report;
     AddHeight(report, height);
     WarnOfShort(context, height);
-    return context.output.Done(report, ToUtf8(FormatFixed(height.verticalM, kMillimetres)) + "   " +
-                                           Derivation(height) + "\n");
+    return context.output.Done(report, ToUtf8(CParts::Round(height.verticalM, kMillimetres)) +
+                                           "   " + Derivation(height) + "\n");
 }
 
 using Options = std::shared_ptr<AntennaOptions>;

@@ -21,6 +21,7 @@ constexpr const wchar_t* kType = L"AntType";
 constexpr const wchar_t* kWay = L"AntWay";
 constexpr const wchar_t* kHeight = L"AntH";
 constexpr const wchar_t* kSerial = L"AntSN";
+constexpr const wchar_t* kNoSerial = L"AntNoSN"; // 1: none, whatever is remembered
 
 int Limited(std::uint32_t number, int most)
 {
@@ -180,7 +181,7 @@ int AntennaSettings::ReadRegAnt()
     m_heights = ReadHeights();
     m_serials = ReadSerials();
     SetAntInputH(m_heights.empty() ? 0.0 : CParts::atof(m_heights.front()));
-    SetAntSN(m_serials.empty() ? std::wstring() : m_serials.front());
+    SetAntSN(GetAntSNEx());
     return read != 0 && !m_heights.empty() ? 1 : 0;
 }
 
@@ -189,7 +190,9 @@ int AntennaSettings::WriteRegAnt()
     SettingsBatch batch(m_reg.Store());
     const bool written = batch.IsOpen() && WriteRegAntType() != 0 && WriteRegAntWay() != 0 &&
                          WriteList(kHeight, ReadHeights(), GetAntInputStr()) &&
-                         WriteList(kSerial, ReadSerials(), m_serial) && batch.Commit();
+                         WriteList(kSerial, ReadSerials(), m_serial) &&
+                         m_reg.WriteNumber(RoleKey(), kNoSerial, m_serial.empty() ? 1 : 0) != 0 &&
+                         batch.Commit();
     if (written) {
         m_heights = ReadHeights();
         m_serials = ReadSerials();
@@ -257,7 +260,7 @@ std::wstring AntennaSettings::GetAntWayStr(int type, int way) const
 std::wstring AntennaSettings::GetAntHEx() const
 {
     constexpr std::uint8_t kDecimals = 3;
-    return GetAntFlag() != 0 ? FormatFixed(GetAntHExD(), kDecimals) : std::wstring();
+    return GetAntFlag() != 0 ? CParts::Round(GetAntHExD(), kDecimals) : std::wstring();
 }
 
 double AntennaSettings::GetAntHExD() const
@@ -268,8 +271,10 @@ double AntennaSettings::GetAntHExD() const
 
 std::wstring AntennaSettings::GetAntSNEx() const
 {
+    std::uint32_t none = 0;
+    m_reg.ReadNumber(RoleKey(), kNoSerial, none, 0);
     const std::vector<std::wstring> serials = ReadSerials();
-    return serials.empty() ? std::wstring() : serials.front();
+    return none != 0 || serials.empty() ? std::wstring() : serials.front();
 }
 
 int AntennaSettings::GetAntFlag() const
@@ -329,6 +334,9 @@ AntennaSettings::Taken AntennaSettings::TakeFromReceiver()
     }
     std::wstring serial = identity.antennaSerial;
     serial.resize(serial.find_last_not_of(std::wstring_view(L" \0", 2)) + 1);
+    if (!AntennaSerialFault(serial).empty()) {
+        serial.clear(); // unknown: the one of before belongs to another antenna
+    }
     SetAntSN(serial);
     return Taken::Yes;
 }

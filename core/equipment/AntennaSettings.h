@@ -142,6 +142,7 @@ public:
     /// Metres with three decimals; empty if none is stored.
     [[nodiscard]] std::wstring GetAntHEx() const;
     [[nodiscard]] double GetAntHExD() const; ///< 0 if none is stored
+    /// Empty if the antenna has none, also where others are remembered.
     [[nodiscard]] std::wstring GetAntSNEx() const;
     /// @return 1 if a height is stored for the role
     [[nodiscard]] int GetAntFlag() const;
@@ -161,7 +162,7 @@ public:
         NotListed, ///< SourceCode() says what it is called
     };
     /// Type and serial number of the connected receiver's antenna; one that is built in is found
-    /// by the receiver's own type.
+    /// by the receiver's own type. What cannot be a serial number counts as none.
     Taken TakeFromReceiver();
     /// The last antenna in logged data.
     int GetAntInfoFromLoggingData(std::span<const std::uint8_t> blocks);

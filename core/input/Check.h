@@ -40,8 +40,9 @@ public:
     int CheckPointName(const std::wstring& text, FocusTarget* control, int showMessage);
 
     /// An angle: degrees, minutes and seconds with minus signs between, such as 135-07-04.5;
-    /// minutes and seconds may be left out. Blanks do not count. Degrees within the limits, minutes
-    /// to 59, seconds to 59.9999999999.
+    /// minutes and seconds may be left out. Blanks are no fault, but what follows one within a
+    /// number does not count: 1 35 is 1 degree. Degrees within the limits, minutes to 59, seconds
+    /// to 59.9999999999.
     int CheckDeg(const std::wstring& text, int controlId, int showMessage);
     int CheckDeg(const std::wstring& text, FocusTarget* control, int showMessage);
 

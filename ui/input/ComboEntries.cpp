@@ -19,7 +19,11 @@ std::wstring ComboEntries::GetText(int index) const
 
 int ComboEntries::GetSelected() const
 {
-    return m_combo.currentIndex();
+    const int index = m_combo.currentIndex();
+    // Qt keeps the entry of before as the current one while another text is typed over it.
+    const bool isTypedOver =
+        m_combo.isEditable() && m_combo.currentText() != m_combo.itemText(index);
+    return isTypedOver ? -1 : index;
 }
 
 void ComboEntries::Select(int index)

@@ -15,6 +15,7 @@ public:
 
     [[nodiscard]] int GetCount() const override;
     [[nodiscard]] std::wstring GetText(int index) const override;
+    /// -1, too, if what was chosen has been typed over.
     [[nodiscard]] int GetSelected() const override;
     void Select(int index) override;
     void Insert(int index, std::wstring_view text) override;

@@ -206,6 +206,22 @@ TEST_F(Settings, RememberTenHeightsTheLastOneFirst)
                                               L"1.600", L"1.500",  L"1.400", L"1.300", L"1.200"};
     m_antenna.ReadRegAnt();
     EXPECT_EQ(m_antenna.RememberedHeights(), wanted);
+    m_antenna.SetAntInputH(1.5445);
+    m_antenna.WriteRegAnt();
+    EXPECT_EQ(m_antenna.GetAntHEx(), L"1.545") << "another number than on the other screens";
+}
+
+TEST_F(Settings, KnowAnAntennaWithoutSerialNumber)
+{
+    for (const wchar_t* serial : {L"A1", L"", L"A1"}) {
+        SCOPED_TRACE(serial);
+        m_antenna.SetAntSN(serial);
+        ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
+        m_antenna.SetAntSN(L"X");
+        m_antenna.ReadRegAnt();
+        EXPECT_EQ(m_antenna.GetAntSN(), serial) << "that of another antenna came back";
+        EXPECT_EQ(m_antenna.RememberedSerials(), std::vector<std::wstring>{L"A1"});
+    }
 }
 
 TEST_F(Settings, AreAsBeforeIfTheyCannotBeWritten)
@@ -311,13 +327,16 @@ TEST_F(Settings, AreTakenFromTheReceiver)
         const char* antennaType;
         AntennaSettings::Taken taken;
         const wchar_t* name;
+        const char* sent = "A0001";
+        const wchar_t* serial = L"A0001";
     };
     using Taken = AntennaSettings::Taken;
     const Row rows[] = {
         {"lark", "01", Taken::Yes, L"Rim"},
         {"lark", "S", Taken::Yes, L"Small"},
-        {"lark", "??", Taken::Yes, L"Built-in"}, // by the receiver's type
-        {"pica", "??", Taken::NotListed, L""},
+        {"lark", "??", Taken::Yes, L"Built-in"},         // by the receiver's type
+        {"lark", "01", Taken::Yes, L"Rim", "A_01", L""}, // not that of the antenna before
+        {"pica", "??", Taken::NotListed, L"", "A0001", L"OLD"},
     };
     EXPECT_EQ(m_antenna.TakeFromReceiver(), Taken::NoAnswer);
     for (const Row& row : rows) {
@@ -326,14 +345,16 @@ TEST_F(Settings, AreTakenFromTheReceiver)
         auto scenario = simulator::LoadScenario(row.scenario, error);
         ASSERT_TRUE(scenario) << error;
         scenario->antennaType = row.antennaType;
+        scenario->antennaSerial = row.sent;
         simulator::Simulator receiver(*scenario);
         ASSERT_TRUE(receiver.Start(error)) << error;
         CCommand command;
         ASSERT_EQ(command.OpenPort(receiver.PortPath()), 1);
         AntennaSettings antenna(&command, 1, 0, {m_home.Path(), &m_roots});
+        antenna.SetAntSN(L"OLD");
         EXPECT_EQ(antenna.TakeFromReceiver(), row.taken);
         EXPECT_EQ(antenna.GetAntTypeStr(), row.name);
-        EXPECT_EQ(antenna.GetAntSN(), row.taken == Taken::Yes ? L"A0001" : L"");
+        EXPECT_EQ(antenna.GetAntSN(), row.serial);
     }
     EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(7), 1);
     EXPECT_EQ(m_antenna.GetAntTypeFromAntNo(8), -1);

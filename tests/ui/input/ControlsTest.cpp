@@ -127,6 +127,8 @@ TEST(ComboEntries, KeepWhatIsTypedAndSelected)
     EXPECT_EQ(combo.itemText(0), QStringLiteral("P3"));
     EXPECT_EQ(combo.currentText(), QStringLiteral("P1")) << "the selection moves with its entry";
     EXPECT_EQ(entries.GetSelected(), 2);
+    combo.setEditText(QStringLiteral("P4"));
+    EXPECT_EQ(entries.GetSelected(), -1) << "P1 would be stored as the choice, before P4";
 }
 
 } // namespace
