@@ -16,6 +16,7 @@
 #include "tests/ui/controls/RandomHands.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/IconButton.h"
+#include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/TiltSensorDlg.h"
@@ -275,6 +276,35 @@ TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
     EXPECT_EQ(controller.Command().IsPortOpen(), 0);
     EXPECT_EQ(fault, L"") << "who cancels is not told that it failed";
     EXPECT_EQ(boxes, 0);
+}
+
+TEST_F(SessionTest, GoesFromTheSimulatorToARealPort)
+{
+    Controller controller(Options(QStringLiteral("sim:lark")));
+    controller.Begin();
+    std::wstring fault;
+    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    std::string error;
+    const auto scenario = simulator::LoadScenario("pica", error);
+    ASSERT_TRUE(scenario) << error;
+    simulator::Simulator real(*scenario, controller.GetClock()); // what is behind a path is real
+    ASSERT_TRUE(real.Start(error)) << error;
+    QStringList asked;
+    QTimer hand;
+    QObject::connect(&hand, &QTimer::timeout, &hand, [&asked] {
+        if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+            asked += box->windowTitle();
+            QTest::keyClick(box, Qt::Key_Return);
+        }
+    });
+    hand.start(10);
+    ConnectChoice choice = controller.Choice();
+    choice.port = real.PortPath();
+    controller.Choose(choice);
+    EXPECT_TRUE(controller.Connect(nullptr, fault));
+    EXPECT_EQ(asked, QStringList{QStringLiteral("ケーブル接続確認")});
+    EXPECT_GT(real.RequestCount(), 0U);
+    EXPECT_EQ(controller.State().simulator, QString());
 }
 
 TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)
