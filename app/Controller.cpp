@@ -116,12 +116,12 @@ bool Controller::ConnectQuietly(std::wstring& fault)
 
 bool Controller::Connect(QWidget* parent, std::wstring& fault)
 {
-    if (m_target->IsSimulated() || m_choice.port.starts_with("sim:")) {
-        return ConnectQuietly(fault);
-    }
     const std::optional<ConnectTarget> target = Target(fault);
     if (!target) {
         return false;
+    }
+    if (m_target->IsSimulated()) { // there is nothing to plug in
+        return ConnectQuietly(fault);
     }
     ConnectDlg dialog(*m_command, 0, *target, parent);
     dialog.SupportAllTypes();

@@ -27,8 +27,11 @@ std::optional<ConnectTarget> PortTarget::Resolve(const std::string& port, std::w
         return std::nullopt;
     }
     if (named.port->kind == PortKind::Device) {
-        m_simulator.reset();
-        m_scenario.clear();
+        if (m_simulator) {
+            m_command.ClosePort(); // or the port would pass for that of the device
+            m_simulator.reset();
+            m_scenario.clear();
+        }
         return TargetOf(named.port->path, LinkSettings(m_roots), m_names);
     }
     if (!StartSimulator(named.port->scenario.empty() ? "lark" : named.port->scenario, fault)) {

@@ -94,12 +94,14 @@ void Session::Open(int choice)
         CSurveyPlan(&m_controller.Command(), 0, PlanWorld(m_controller, m_window.get()),
                     m_window.get())
             .DoModal();
+        TakeLinkOver();
         break;
     case MainWindow::kSkyPlot:
         CSkyPlot(&m_controller.Command(), 0, SkyWorld(m_controller), m_window.get()).DoModal();
         break;
     case MainWindow::kFiles:
         ShowFiles();
+        TakeLinkOver();
         break;
     case MainWindow::kFrames:
         FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
@@ -215,6 +217,16 @@ void Session::Connect()
         CheckTiltSoon();
     } else if (!fault.empty()) {
         CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
+    }
+}
+
+void Session::TakeLinkOver()
+{
+    std::wstring unused; // the port is open: nothing is left that could fail without being told
+    if (m_controller.Command().IsPortOpen() != 0 &&
+        m_controller.Link().State() != LinkState::Connected &&
+        m_controller.ConnectQuietly(unused)) {
+        CheckTiltSoon();
     }
 }
 

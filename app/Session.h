@@ -36,6 +36,8 @@ private:
     void ChangePorts();
     void Connect();
     void ConnectAtStart();
+    /// Makes a connection that a page has made for itself that of the program.
+    void TakeLinkOver();
     /// Offers a calibration soon, if the receiver has a sensor that needs it.
     void CheckTiltSoon();
     /// Asks how to end, and does it but for closing the window.

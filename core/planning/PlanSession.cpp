@@ -6,6 +6,7 @@
 #include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace fieldcore {
@@ -119,9 +120,8 @@ PlanSession::Spins PlanSession::MoveStart(int hour)
         return m_spins;
     }
     m_settings.startHour = hour;
-    if (m_settings.startHour + m_settings.hours > kDayH) {
-        --m_settings.hours; // a spin moves hour by hour: one is enough
-    }
+    // Each hour on the way takes one off: a key may move the spin by several.
+    m_settings.hours = std::min(m_settings.hours, kDayH - hour);
     return ResetSpins();
 }
 

@@ -645,6 +645,7 @@ constexpr Entry kEntries[] = {
     Entry{text::kConnectRateNotKept,
           L"%ld bps で受信機が応答しましたが、通信速度を保存できませんでした。"
           L"保存先の空き容量を確認してください。"},
+    Entry{text::kPlanSiteMissing, L"座標が未登録です。詳細設定で登録してください。"},
     Entry{text::kPowerSource1, L"電源1"},
     Entry{text::kPowerSource2, L"電源2"},
     Entry{text::kPowerSource3, L"電源3"},

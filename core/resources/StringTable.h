@@ -687,6 +687,7 @@ inline constexpr int kAppSignals = 61195;
 inline constexpr int kAppTilt = 61196;
 inline constexpr int kAppTracking = 61197;
 // The receiver's state
+inline constexpr int kPlanSiteMissing = 60980;
 inline constexpr int kPowerSource1 = 61000;
 inline constexpr int kPowerSource2 = 61001;
 inline constexpr int kPowerSource3 = 61002;

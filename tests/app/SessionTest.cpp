@@ -6,6 +6,7 @@
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
+#include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
@@ -16,7 +17,9 @@
 #include "tests/ui/controls/RandomHands.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/IconButton.h"
+#include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/planning/SurveyPlan.h"
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
@@ -275,6 +278,65 @@ TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
     EXPECT_EQ(controller.Command().IsPortOpen(), 0);
     EXPECT_EQ(fault, L"") << "who cancels is not told that it failed";
     EXPECT_EQ(boxes, 0);
+}
+
+TEST_F(SessionTest, GoesFromTheSimulatorToARealPort)
+{
+    Controller controller(Options(QStringLiteral("sim:lark")));
+    controller.Begin();
+    std::wstring fault;
+    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    std::string error;
+    const auto scenario = simulator::LoadScenario("pica", error);
+    ASSERT_TRUE(scenario) << error;
+    simulator::Simulator real(*scenario, controller.GetClock()); // what is behind a path is real
+    ASSERT_TRUE(real.Start(error)) << error;
+    QStringList asked;
+    QTimer hand;
+    QObject::connect(&hand, &QTimer::timeout, &hand, [&asked] {
+        if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+            asked += box->windowTitle();
+            QTest::keyClick(box, Qt::Key_Return);
+        }
+    });
+    hand.start(10);
+    ConnectChoice choice = controller.Choice();
+    choice.port = real.PortPath();
+    controller.Choose(choice);
+    EXPECT_TRUE(controller.Connect(nullptr, fault));
+    EXPECT_EQ(asked, QStringList{QStringLiteral("ケーブル接続確認")});
+    EXPECT_GT(real.RequestCount(), 0U);
+    EXPECT_EQ(controller.State().simulator, QString());
+}
+
+TEST_F(SessionTest, TakesOverALinkThatAPageHasMade)
+{
+    Controller controller(Options(QStringLiteral("sim:lark")));
+    controller.Begin();
+    Session session(controller);
+    session.Window().show();
+    QTimer agree;
+    QObject::connect(&agree, &QTimer::timeout, &agree, [] {
+        if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+            QTest::keyClick(box, Qt::Key_Return);
+        }
+    });
+    agree.start(10);
+    bool isConnected = false;
+    QTimer hand;
+    QObject::connect(&hand, &QTimer::timeout, &hand, [&isConnected] {
+        auto* const plan = dynamic_cast<CSurveyPlan*>(QApplication::activeModalWidget());
+        if (plan != nullptr && std::exchange(isConnected, true)) {
+            QTest::keyClick(plan, Qt::Key_Escape);
+        } else if (plan != nullptr) {
+            const auto connect = plan->Surroundings().makeConnect(*plan->GetCCommand());
+            EXPECT_EQ(connect->DoModal(), CConnect::Connected);
+        }
+    });
+    hand.start(50);
+    Q_EMIT session.Window().Chosen(MainWindow::kPlan);
+    EXPECT_TRUE(isConnected);
+    EXPECT_EQ(controller.State().link, ReceiverState::Link::Connected);
 }
 
 TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)

@@ -24,6 +24,9 @@ std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& capt
     dialog.setLabelText(QFileDialog::FileName, UiText(text::kFileName));
     dialog.setLabelText(QFileDialog::FileType, UiText(text::kFileType));
     dialog.setLabelText(QFileDialog::LookIn, UiText(text::kFileFolder));
+    if (save) {
+        dialog.setDefaultSuffix(start.suffix()); // here, so that it asks before replacing a file
+    }
     dialog.selectFile(start.fileName());
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return {};

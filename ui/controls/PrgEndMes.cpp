@@ -1,5 +1,6 @@
 #include "ui/controls/PrgEndMes.h"
 
+#include "core/link/Command.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/TouchStyle.h"
@@ -42,6 +43,22 @@ CPrgEndMes::CPrgEndMes(Mode mode, QWidget* parent) : Dialog(parent)
         AddButton(text::kEndProgramPowerOff, QStringLiteral("power"), kPowerOffAndEnd);
     }
     AddButton(text::kButtonCancel, QStringLiteral("back"), kStay);
+}
+
+bool CPrgEndMes::MayEnd(CCommand* command, QWidget* parent)
+{
+    const int answer =
+        CPrgEndMes(command != nullptr ? Mode::Logging : Mode::Normal, parent).DoModal();
+    if (answer == kStay) {
+        return false;
+    }
+    if (command != nullptr) {
+        if (answer != kEnd) {
+            command->PowerOff();
+        }
+        command->ClosePort();
+    }
+    return true;
 }
 
 void CPrgEndMes::AddButton(int textId, const QString& icon, int result)

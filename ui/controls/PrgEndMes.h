@@ -4,6 +4,8 @@
 
 namespace fieldcore {
 
+class CCommand;
+
 /// The question at the end of the program: end it, end it and switch the receiver off, or stay.
 /// User-interface thread only.
 ///
@@ -25,6 +27,12 @@ public:
     static constexpr int kPowerOffAndEnd = 3;
 
     explicit CPrgEndMes(Mode mode, QWidget* parent = nullptr);
+
+    /// Asks for a screen that is the program by itself, and does with receiver and link what the
+    /// user wants.
+    /// @param command  null: there is no receiver
+    /// @return whether the screen may close
+    [[nodiscard]] static bool MayEnd(CCommand* command, QWidget* parent);
 
 private:
     void AddButton(int textId, const QString& icon, int result);

@@ -4,6 +4,7 @@
 #include "core/resources/StringTable.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/Icon.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
@@ -30,8 +31,9 @@ QString DateOf(std::chrono::year_month_day date)
 } // namespace
 
 PlanHeader::PlanHeader(QWidget* parent)
-    : QWidget(parent), m_top(new QHBoxLayout), m_site(new QLabel), m_date(new QLabel),
-      m_almanacDate(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
+    : QWidget(parent), m_top(new QHBoxLayout), m_site(new QLabel),
+      m_siteNote(new RoleLabel(&Theme::attention, UiText(text::kPlanSiteMissing))),
+      m_date(new QLabel), m_almanacDate(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
 {
     Dialog::SetControlId(m_date, kPlanDateId);
     Dialog::SetControlId(m_almanacDate, kAlmanacDateId);
@@ -56,6 +58,9 @@ PlanHeader::PlanHeader(QWidget* parent)
     m_top->setSpacing(kGrid);
     m_top->addWidget(m_site, 1);
     layout->addLayout(m_top);
+    m_siteNote->setWordWrap(true);
+    m_siteNote->hide();
+    layout->addWidget(m_siteNote);
     auto* const day = new QHBoxLayout;
     day->setSpacing(kGrid);
     day->addWidget(previous);
@@ -91,9 +96,10 @@ void PlanHeader::AddTools(QWidget* tools)
     m_top->addWidget(tools);
 }
 
-void PlanHeader::ShowSite(const QString& site)
+void PlanHeader::ShowSite(const QString& site, bool isKnown)
 {
     m_site->setText(site);
+    m_siteNote->setVisible(!isKnown);
 }
 
 void PlanHeader::ShowDates(const PlanDrawing& drawing)

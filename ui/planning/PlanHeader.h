@@ -30,7 +30,8 @@ public:
     void AddTools(QWidget* tools);
 
     /// @param site  its name
-    void ShowSite(const QString& site);
+    /// @param isKnown  its coordinates are in the site file; if not, the header says so
+    void ShowSite(const QString& site, bool isKnown);
     /// Shows both dates as year, month and day; that of the almanac as "--" while there is none.
     /// @param drawing  with its plan, whose Period() and Calc() count
     void ShowDates(const PlanDrawing& drawing);
@@ -49,6 +50,7 @@ private:
 
     QHBoxLayout* m_top; // owned by the widget, as is all that follows
     QLabel* m_site;
+    QLabel* m_siteNote;
     QLabel* m_date;
     QLabel* m_almanacDate;
     QLabel* m_almanacSign;

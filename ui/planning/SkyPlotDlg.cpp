@@ -4,6 +4,7 @@
 #include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/NMenuBar.h"
+#include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/ChoiceButton.h"
@@ -66,7 +67,7 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, QWidget* parent)
 
 CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
                    QWidget* parent)
-    : Dialog(parent, Extent::Whole),
+    : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
       m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
       m_clock(ClockOf(command, surroundings.clock)), m_poll(command, m_clock, surroundings.program),
       m_settings(LoadSkyPlotSettings(m_reg))
@@ -93,7 +94,7 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundi
     content->addWidget(scroll, 1);
     MakeSky();
     MakeDetails();
-    MakeMenu(loadWay);
+    MakeMenu();
     window->addWidget(m_menu);
     ArrangeDetails();
     ShowSky();
@@ -188,9 +189,9 @@ void CSkyPlot::MakeDetails()
     m_body->addLayout(column, 2);
 }
 
-void CSkyPlot::MakeMenu(int loadWay)
+void CSkyPlot::MakeMenu()
 {
-    m_menu = new CnMenuBar(loadWay);
+    m_menu = new CnMenuBar(m_loadWay);
     const int view = m_menu->AddPopup(UiText(text::kSkyMenuView));
     for (const int item : {text::kSkyUpdate, text::kSkyFromBelow}) {
         m_menu->AddItem(view, item, UiText(item));
@@ -208,6 +209,11 @@ void CSkyPlot::OnMenu(int item)
         m_isFromBelow = !m_isFromBelow;
         m_sky->SetFromBelow(m_isFromBelow);
     }
+}
+
+bool CSkyPlot::OnClose(int result)
+{
+    return m_loadWay == 0 || result != kCancelled || CPrgEndMes::MayEnd(m_command, this);
 }
 
 void CSkyPlot::showEvent(QShowEvent* event)

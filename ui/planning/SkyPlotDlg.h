@@ -42,7 +42,8 @@ public:
     };
 
     /// @param command  receiver channel, may be null; not owned, must outlive the dialog
-    /// @param loadWay  how it runs: 0 as a dialog, any other value as the host's program by itself
+    /// @param loadWay  how it runs: 0 as a dialog, any other value as the host's program by itself,
+    /// which closing asks how to end
     explicit CSkyPlot(CCommand* command, int loadWay = 0, QWidget* parent = nullptr);
     CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
              QWidget* parent = nullptr);
@@ -65,6 +66,7 @@ public:
     };
 
 protected:
+    bool OnClose(int result) override;
     void OnTimer(int id) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -75,7 +77,7 @@ private:
     void MakeHead(QBoxLayout* layout);
     void MakeSky();
     void MakeDetails();
-    void MakeMenu(int loadWay);
+    void MakeMenu();
     void OnMenu(int item);
     void Poll();
     void ShowSky();
@@ -86,6 +88,8 @@ private:
     void ChooseSatellite(int row);
     void ArrangeDetails();
 
+    CCommand* const m_command;
+    const int m_loadWay;
     HostReg m_ownReg;
     const CReg& m_reg;
     const Clock& m_clock;

@@ -3,6 +3,7 @@
 #include "core/host/MesBox.h"
 #include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
+#include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
@@ -79,7 +80,7 @@ bool CSurveyPlan::OnInitDialog()
     BuildMenu();
     SetGround();
     DoDataExchange(false);
-    m_header->ShowSite(ToQt(GetPositionStr()));
+    ShowSite();
     m_graph->SetDrawing(Drawing());
     m_windowList->Show(Drawing());
     ShowSlider();
@@ -134,6 +135,12 @@ void CSurveyPlan::DrawResults()
     m_graph->SetDrawing(Drawing());
     ShowSlider();
     ShowWindows();
+}
+
+void CSurveyPlan::ShowSite()
+{
+    const SiteEntry site = fieldcore::ReadSite(m_session.Folder(), GetPositionStr());
+    m_header->ShowSite(ToQt(GetPositionStr()), site.IsComplete());
 }
 
 void CSurveyPlan::ShowDates()
@@ -235,7 +242,7 @@ void CSurveyPlan::OnPlanSetDetail()
         return;
     }
     DoDataExchange(false);
-    m_header->ShowSite(ToQt(GetPositionStr()));
+    ShowSite();
     m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
     ShowDates();
     DrawResults();
@@ -251,20 +258,7 @@ void CSurveyPlan::OnPlanSetCurtain()
 
 bool CSurveyPlan::OnClose(int result)
 {
-    if (m_loadWay == 0 || result != kCancelled) {
-        return true;
-    }
-    const int answer = CPrgEndMes(CPrgEndMes::Mode::Logging, this).DoModal();
-    if (answer == CPrgEndMes::kStay) {
-        return false;
-    }
-    if (m_command != nullptr) {
-        if (answer != CPrgEndMes::kEnd) {
-            m_command->PowerOff();
-        }
-        m_command->ClosePort();
-    }
-    return true;
+    return m_loadWay == 0 || result != kCancelled || CPrgEndMes::MayEnd(m_command, this);
 }
 
 void CSurveyPlan::OnDestroy()

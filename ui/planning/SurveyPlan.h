@@ -137,6 +137,7 @@ private:
     void BuildMenu();
     void OnMenu(int id);
     void SetDrawType(int drawType);
+    void ShowSite();
     void ShowDates();
     void ShowSpins(const PlanSession::Spins& spins);
     void ShowWindows();

@@ -33,11 +33,13 @@ TEST(FileChoice, AsksInJapaneseAndKeepsTheName)
         const char* name;
         bool agrees;
         QStringList words;
+        const char* typed = nullptr; ///< in place of the suggestion, without its ending
     };
     const Row rows[] = {
         {true, "計画 #1.csv", true, {QStringLiteral("保存"), QStringLiteral("キャンセル")}},
         {false, "old.csv", true, {QStringLiteral("開く"), QStringLiteral("キャンセル")}},
         {true, "x.csv", false, {QStringLiteral("保存")}},
+        {true, "x.csv", true, {QStringLiteral("保存")}, "old"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -63,13 +65,18 @@ TEST(FileChoice, AsksInJapaneseAndKeepsTheName)
             KeepPicture(*dialog, QString::fromLatin1(row.save ? "file-save" : "file-open"));
             auto* const name = dialog->findChild<QLineEdit*>();
             EXPECT_EQ(name->text(), QString::fromUtf8(row.name)) << "the suggestion is lost";
+            if (row.typed != nullptr) {
+                name->setText(QString::fromUtf8(row.typed));
+            }
             row.agrees ? dialog->QDialog::accept() : dialog->reject();
         });
         hand.start(1);
         const std::filesystem::path suggested = folder.Path() / row.name;
         const std::filesystem::path chosen =
             ChooseFile(nullptr, row.save, QString(), suggested, QStringLiteral("CSV (*.csv)"));
-        EXPECT_EQ(chosen, row.agrees ? suggested : std::filesystem::path());
+        const std::filesystem::path named =
+            row.typed != nullptr ? folder.Path() / (std::string(row.typed) + ".csv") : suggested;
+        EXPECT_EQ(chosen, row.agrees ? named : std::filesystem::path());
     }
 }
 

@@ -19,6 +19,7 @@
 #include <QMenu>
 #include <QSlider>
 
+#include <algorithm>
 #include <random>
 
 namespace fieldcore {
@@ -261,7 +262,17 @@ TEST_F(SurveyPlanTest, KeepsTheSlipOfAMissingSite)
     EXPECT_TRUE(host.notes.empty());
     EXPECT_EQ(plan->Session().Site().latitudeRad, 50.0);
     EXPECT_EQ(plan->Session().Site().heightM, 70.0);
+    const auto isTold = [this] {
+        const QList<QLabel*> labels = plan->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+            return label->isVisible() && label->text() == UiText(text::kPlanSiteMissing);
+        });
+    };
+    EXPECT_TRUE(isTold());
     KeepPicture(*plan, QStringLiteral("plan-no-site"));
+    InstallSampleSites(home.Path());
+    Show();
+    EXPECT_FALSE(isTold());
 }
 
 TEST_F(SurveyPlanTest, AsksHowToEndTheProgram)
