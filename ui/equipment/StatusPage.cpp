@@ -25,7 +25,7 @@ namespace {
 constexpr int kMargin = 12;
 constexpr int kWide = 900;
 constexpr int kNarrowGraph = 200;
-constexpr double kLarge = 1.5; // of the text's own size
+constexpr double kLarge = 1.5;  // of the text's own size
 constexpr double kValue = 1.15; // the same
 constexpr int kSmallest = 13;   // pixels
 
