@@ -93,11 +93,16 @@ void FileDeletion::stDeleteRecover(int deleting)
     // From the last one: a row that is removed does not move those that are still to come.
     FileRows& rows = *m_files.GetRows();
     for (int row = rows.Count() - 1; row >= 0; --row) {
-        if (rows.IsSelected(row)) {
-            stDeleteRecover(deleting, row);
-            if (MustStop()) {
-                break;
-            }
+        if (!rows.IsSelected(row)) {
+            continue;
+        }
+        const int before = rows.Count();
+        stDeleteRecover(deleting, row);
+        // A Pica is asked nothing about a row that stays: the fault is still that of an earlier
+        // request, such as a listing that was cancelled.
+        const bool wasAsked = m_files.Family() != ReceiverFamily::Pica || rows.Count() < before;
+        if (wasAsked && MustStop()) {
+            break;
         }
     }
 }

@@ -111,7 +111,14 @@ int ReceiverFiles::GetFileData(MessageTarget& window)
     if (Family() == ReceiverFamily::Pica) {
         return m_command.RequestFiles_Pica(m_mode, m_typeNumber, m_table, &window);
     }
-    return m_command.RequestFiles_Lark(stGetSearchName(), m_table, &window);
+    ForgetCancel();
+    const std::wstring pattern = stGetSearchName();
+    if (m_cancelled) {
+        // Under a guessed extension the receiver might seem to have no files.
+        window.Post(kFileListMessage, 1, 0);
+        return 0;
+    }
+    return m_command.RequestFiles_Lark(pattern, m_table, &window);
 }
 
 int ReceiverFiles::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
@@ -170,6 +177,9 @@ int ReceiverFiles::GetFileAttr(int index, int byRecord)
 {
     const bool isPica = Family() == ReceiverFamily::Pica;
     if (byRecord == 0) {
+        if (m_rows == nullptr || index < 0 || index >= m_rows->Count()) {
+            return 0;
+        }
         return isPica ? GetFileAttr_Pica(index) : GetFileAttr_Lark(index);
     }
     if (index < 0 || index >= static_cast<int>(kMostFiles)) {

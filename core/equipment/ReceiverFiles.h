@@ -104,7 +104,7 @@ public:
     int OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam);
     [[nodiscard]] bool IsListing() const { return m_openListings > 0; }
 
-    /// Not 0 when the file is being logged.
+    /// Not 0 when the file is being logged; 0 also for an index that there is not.
     /// @param index  of a record, or a row
     /// @param byRecord  0: @p index is a row
     int GetFileAttr(int index, int byRecord);

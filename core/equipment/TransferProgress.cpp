@@ -17,7 +17,7 @@ constexpr double kLongestLeft = 1e9; // seconds
 } // namespace
 
 TransferMeter::TransferMeter(const Clock& clock, int files, std::uint64_t totalSize)
-    : m_clock(clock), m_measured(clock.Steady())
+    : m_clock(clock), m_measured(clock.Steady()), m_advanced(m_measured)
 {
     m_progress.files = files;
     m_progress.totalSize = totalSize;
@@ -30,9 +30,11 @@ void TransferMeter::StartFile(std::wstring name, std::uint64_t size)
     m_progress.name = std::move(name);
     m_progress.fileBytes = 0;
     m_progress.fileSize = size;
-    // What passes between two files (questions, options, a rename) is not the line's rate.
-    m_measured = m_clock.Steady();
-    m_measuredBytes = m_progress.totalBytes;
+    // What passes between two files (questions, options, a rename) is not the line's rate. What
+    // was counted before counts on: a file may be over sooner than a rate can be measured.
+    const Clock::Duration now = m_clock.Steady();
+    m_measured += now - m_advanced;
+    m_advanced = now;
 }
 
 void TransferMeter::Advance(std::uint64_t bytes)
@@ -52,6 +54,7 @@ void TransferMeter::Advance(std::uint64_t bytes)
 void TransferMeter::Measure()
 {
     const Clock::Duration now = m_clock.Steady();
+    m_advanced = now;
     const Seconds passed = now - m_measured;
     if (passed < kMeasureEvery) {
         return;

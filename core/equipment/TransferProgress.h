@@ -44,6 +44,7 @@ private:
     std::uint64_t m_finishedBytes = 0; // of the files before
     Clock::Duration m_measured{};      // when, and at how many bytes
     std::uint64_t m_measuredBytes = 0;
+    Clock::Duration m_advanced{}; // when bytes or a file came last
 };
 
 } // namespace fieldcore

@@ -102,7 +102,7 @@ DownloadCommand::RunEnd DownloadCommand::FetchRun(ReceivedFile& file, const Byte
         return RunEnd::GivenUp;
     }
     if (!WriteRequest()) {
-        return RunEnd::AskAgain;
+        return Fault() == CommandFault::Cancelled ? RunEnd::GivenUp : RunEnd::AskAgain;
     }
     bool first = true;
     for (;;) { // ends: every block that is taken brings the file nearer to its expected size

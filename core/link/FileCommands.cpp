@@ -72,6 +72,9 @@ int FileCommands::RequestFiles_Pica(int mode, std::uint32_t typeNumber, Director
 {
     const std::uint8_t variant = typeNumber == kSecondPica ? 2 : 1;
     const int result = ListPages_Pica(mode, variant, table, window, message);
+    if (result == 0 && Fault() == CommandFault::Cancelled) {
+        AbortTransmission();
+    }
     PostEnd(window, message);
     return result;
 }
@@ -203,6 +206,7 @@ int FileCommands::AskWhether(std::wstring_view name, bool& more)
     const int exchanged = ExchangeKept(Answer::Reply);
     SetHandOver(false);
     if (exchanged == 0) {
+        more = Fault() == CommandFault::Cancelled;
         return 0;
     }
     const auto page = ParseLarkFilePage(*this);

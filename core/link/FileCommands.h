@@ -19,7 +19,8 @@ public:
     explicit FileCommands(Surroundings surroundings) : CommandChannel(std::move(surroundings)) {}
 
     // Listings. They fill the table and post to the window as kFileListMessage says, with
-    // the number @p message; the end is always posted, also where 0 is answered.
+    // the number @p message; the end is always posted, also where 0 is answered. When the user
+    // cancels one, or FileExists(), the receiver is told to stop.
 
     /// Lists the files of a Pica, a request a page and 57 pages at most. Only those that may be
     /// listed and fit @p mode are stored; page p, entry k goes to index 9p + k whatever the ones

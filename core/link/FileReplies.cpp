@@ -20,6 +20,7 @@ constexpr std::uint8_t kMoreFollows = 128;
 constexpr std::size_t kBlockHead = 5;
 constexpr std::size_t kLongHeader = 5; // bytes before the data
 constexpr std::size_t kMostBlockBytes = 1000;
+constexpr std::uint8_t kEtx = 0x03;
 constexpr std::int64_t kShiftS = 9 * 3600;
 
 /// @return seconds since 1980-01-06 00:00, 0 if these are no date and time
@@ -112,6 +113,10 @@ std::optional<FileBlock> ParseFileBlock(FrameBuffer& frame)
     const std::size_t length = frame.GetDataLength();
     if (frame.GetReplyType() != kLongFrameType || length < kBlockHead ||
         length > kBlockHead + kMostBlockBytes) {
+        return std::nullopt;
+    }
+    // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum fits.
+    if (frame.Bytes()[kLongHeader + length + 1] != kEtx) {
         return std::nullopt;
     }
     frame.ResetReadPos();

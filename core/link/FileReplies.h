@@ -47,6 +47,7 @@ struct FileBlock
     std::uint8_t flags = 0;
     std::span<const std::uint8_t> bytes; ///< at most 1000; inside the frame
 };
+/// Nothing either for a frame that does not end in ETX.
 [[nodiscard]] std::optional<FileBlock> ParseFileBlock(FrameBuffer& frame);
 
 } // namespace fieldcore

@@ -72,13 +72,6 @@ CRecvFileMan::CRecvFileMan(CCommand* command, int loadWay, const wchar_t* captio
     HideButtons();
     layout()->addWidget(m_progress);
     m_progress->hide();
-
-    std::vector<std::filesystem::path> fetched{m_surroundings.folders.Documents()};
-    const auto cards = m_surroundings.folders.StorageCards();
-    if (!cards.empty()) {
-        fetched.push_back(cards.front());
-    }
-    m_files.SetFetchedFolders(std::move(fetched));
 }
 
 CRecvFileMan::~CRecvFileMan()
@@ -173,6 +166,13 @@ void CRecvFileMan::GetFileData()
         return;
     }
     const Work work(*this);
+    // Looked for each time: a card comes and goes while the sheet is open.
+    std::vector<std::filesystem::path> fetched{m_surroundings.folders.Documents()};
+    const auto cards = m_surroundings.folders.StorageCards();
+    if (!cards.empty()) {
+        fetched.push_back(cards.front());
+    }
+    m_files.SetFetchedFolders(std::move(fetched));
     m_wasListed = true;
     m_wasListed = m_files.GetFileData(m_target) != 0;
 }

@@ -232,7 +232,25 @@ TEST_F(FileDeletionTest, StopsWhenTheUserDoesOrTheLinkIsGone)
     host.cancel = true;
     FileDeletion(*files).FileDelete();
     EXPECT_EQ(rows.Count(), 2);
+    // Nor to list under one.
+    host.cancel = true;
+    EXPECT_EQ(files->GetFileData(*this), 0);
+    EXPECT_FALSE(files->IsListing());
     EXPECT_EQ(Sent(), Strings{"9C *.Q01"});
+}
+
+TEST_F(FileDeletionTest, WhatWasCancelledBeforeDoesNotStopIt)
+{
+    const testing::Bytes day{0x07, 0xEA, 3, 14, 1, 30};
+    ReceiverScript script;
+    script.typeCode = 27;
+    script.records = {PicaRecord(4, "A", 0, day), PicaRecord(5, "LOGGED", 0x20, day)};
+    Start(script);
+    rows.SelectAll();
+    host.cancel = true;
+    ASSERT_EQ(command.Rest(std::chrono::seconds(1)), 0);
+    FileDeletion(*files).FileDelete();
+    EXPECT_EQ(Names(), std::vector<std::wstring>{L"LOGGED"});
 }
 
 } // namespace

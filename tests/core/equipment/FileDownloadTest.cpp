@@ -341,6 +341,16 @@ TEST(TransferMeterRules, RateAndTimeLeft)
     EXPECT_NEAR(meter.Get().bytesPerSecond, 1000.0 + 1000.0 / 2.718281828, 0.1);
     meter.Advance(50000); // more than was announced
     EXPECT_EQ(meter.Get().timeLeft, 0s);
+
+    TransferMeter brief(clock, 10, 1000);
+    for (int file = 0; file < 4; ++file) { // each is over before a rate can be measured
+        clock.now += 1h;
+        brief.StartFile(L"S", 100);
+        clock.now += 100ms;
+        brief.Advance(100);
+    }
+    EXPECT_NEAR(brief.Get().bytesPerSecond, 1000.0, 1e-6);
+    EXPECT_EQ(brief.Get().timeLeft, 1s);
 }
 
 } // namespace

@@ -173,6 +173,8 @@ TEST_F(ReceiverFilesTest, WhatIsLeftOfAnEarlierListingIsIgnored)
     files->OnRecvFileList(0, 512);
     files->OnRecvFileList(0, -1);
     EXPECT_EQ(rows.Count(), 2);
+    EXPECT_EQ(files->GetFileAttr(2, 0), 0);
+    EXPECT_EQ(files->GetFileAttr(-1, 0), 0);
     // A manager that goes before its listing ended leaves no wait cursor behind.
     ASSERT_EQ(files->GetFileData(window), 1);
     files.reset();

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -229,6 +230,49 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
     window.messages.clear();
     EXPECT_EQ(command.RequestFiles_Lark(L"*.Q01", table, &window), 0) << "no port";
     EXPECT_EQ(window.messages, Posted({}));
+}
+
+TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
+{
+    class Impatient : public Host
+    {
+    public:
+        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
+        {
+            return BoxAnswer::Cancel;
+        }
+        bool Breathe() override { return std::exchange(m_patient, true); }
+
+    private:
+        bool m_patient = false;
+    };
+    struct Row
+    {
+        std::string_view what;
+        std::function<int()> ask;
+    };
+    const Row rows[] = {
+        {"listing of a Pica", [&] { return command.RequestFiles_Pica(1, 3010, table, &window); }},
+        {"listing of a Lark", [&] { return command.RequestFiles_Lark(L"*.Q01", table, &window); }},
+        {"whether a file exists", [&] { return command.FileExists(L"A.Q1D"); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        ScriptedReceiver receiver([](const Bytes& request) {
+            return request[2] == 0x5A ? ScriptedReceiver::Answer{{testing::kAck}}
+                                      : ScriptedReceiver::Answer{};
+        });
+        Open(receiver);
+        Impatient host;
+        command.SetHost(host);
+        EXPECT_EQ(row.ask(), 0);
+        EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
+        command.ClosePort();
+        command.SetHost(SilentHost::Instance());
+        const auto requests = receiver.Stop();
+        ASSERT_EQ(requests.size(), 2U);
+        EXPECT_EQ(requests[1][2], 0x5A);
+    }
 }
 
 TEST_F(FileCommandsTest, AFileExistsUnderExactlyItsName)

@@ -7,6 +7,7 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/Theme.h"
+#include "ui/equipment/FileListModel.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
@@ -279,6 +280,10 @@ TEST_F(RecvFileManTest, FetchesToTheCardWhereThereIsOne)
     Click(RecvFilePage::kFetch);
     EXPECT_EQ(Read(Card() / "2026-03-14" / "A0314A00.Q01"), Content("A0314A00.Q01"));
     EXPECT_FALSE(std::filesystem::exists(Documents()));
+    home.Write("mounts", ""); // the card is taken out
+    Click(RecvFilePage::kReload);
+    WaitForList();
+    EXPECT_FALSE(List().model()->index(0, 0).data(FileListModel::kFetchedRole).toBool());
 }
 
 TEST_F(RecvFileManTest, SaysWhyItDoesNotFetch)
