@@ -6,7 +6,6 @@
 #include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace fieldcore {
@@ -120,8 +119,9 @@ PlanSession::Spins PlanSession::MoveStart(int hour)
         return m_spins;
     }
     m_settings.startHour = hour;
-    // Each hour on the way takes one off: a key may move the spin by several.
-    m_settings.hours = std::min(m_settings.hours, kDayH - hour);
+    if (m_settings.startHour + m_settings.hours > kDayH) {
+        --m_settings.hours; // a spin moves hour by hour: one is enough
+    }
     return ResetSpins();
 }
 

@@ -57,8 +57,8 @@ public:
     [[nodiscard]] Spins GetSpins() const { return m_spins; }
     /// Both spins on what the settings have.
     Spins ResetSpins();
-    /// The start spin was moved to @p hour. A period that would end behind midnight loses an hour
-    /// for each hour beyond; an hour that no spin has puts both back to 9 and 11.
+    /// The start spin was moved to @p hour. A period that would end behind midnight loses an hour;
+    /// an hour that no spin has puts both back to 9 and 11.
     Spins MoveStart(int hour);
     /// The end spin was moved to @p hour. One that is not behind the start goes to the hour behind
     /// it, and the period keeps the length it had; an hour that no spin has puts both back.

@@ -196,8 +196,19 @@ void CSurveyPlan::OnHScroll(bool isEnd, bool isStartSpin)
         return;
     }
     KillTimer(kRefreshTimer);
-    ShowSpins(isStartSpin ? m_session.MoveStart(m_start->value())
-                          : m_session.MoveEnd(m_end->value()));
+    if (!isStartSpin) {
+        ShowSpins(m_session.MoveEnd(m_end->value()));
+        return;
+    }
+    // A key or a wheel may move it by several hours. Each on the way takes an hour off a period
+    // that would end behind midnight.
+    const int wanted = m_start->value();
+    int hour = m_session.GetSpins().start;
+    do {
+        hour = hour < wanted ? hour + 1 : wanted;
+        m_session.MoveStart(hour);
+    } while (hour != wanted);
+    ShowSpins(m_session.GetSpins());
 }
 
 void CSurveyPlan::OnTimer(int id)

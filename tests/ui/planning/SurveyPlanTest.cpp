@@ -138,6 +138,11 @@ TEST_F(SurveyPlanTest, MovesTheSpinsByTheirRules)
     EXPECT_EQ(TextOf(21374) + TextOf(21376), QStringLiteral("23:0024:00"));
     Step(21377, true);
     EXPECT_EQ(TextOf(21376), QStringLiteral("24:00"));
+    QTest::keyClick(Find(21375), Qt::Key_Home);
+    QTest::keyClick(Find(21377), Qt::Key_End);
+    EXPECT_EQ(plan->GetDispTimeData(), 24);
+    QTest::keyClick(Find(21375), Qt::Key_End);
+    EXPECT_EQ(plan->GetDispTimeData(), 1) << "a jump led beyond midnight";
 }
 
 TEST_F(SurveyPlanTest, RedrawsASecondAfterTheScrollsEnd)
