@@ -22,7 +22,8 @@ constexpr int kGrid = TouchStyle::kGrid;
 } // namespace
 
 PropertySheet::PropertySheet(const QString& caption, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_tabs(new QTabBar), m_stack(new QStackedWidget), m_buttons(new QWidget)
+    : Dialog(parent, Extent::Form), m_tabs(new QTabBar), m_stack(new QStackedWidget),
+      m_buttons(new QWidget)
 {
     setWindowTitle(caption);
     setAccessibleName(caption);
