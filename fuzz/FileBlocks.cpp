@@ -2,6 +2,7 @@
 // exactly what the blocks that were taken said.
 
 #include "core/link/FileReplies.h"
+#include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
         const std::size_t length = std::min(announced, input.size());
         frame.Load(input.first(length));
         input = input.subspan(length);
-        const auto block = ParseFileBlock(frame);
+        const auto block = ParseFileBlock(frame.Reader());
         if (!block) {
             continue;
         }

@@ -3,6 +3,7 @@
 
 #include "core/equipment/FileTexts.h"
 #include "core/link/FileReplies.h"
+#include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
 #include "core/platform/Utf8.h"
 
@@ -46,10 +47,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     FrameBuffer frame;
     frame.Load({data, size});
-    if (const auto page = ParsePicaFilePage(frame)) {
+    if (const auto page = ParsePicaFilePage(frame.Reader())) {
         CheckPage(*page, kPicaPageFiles);
     }
-    if (const auto page = ParseLarkFilePage(frame)) {
+    if (const auto page = ParseLarkFilePage(frame.Reader())) {
         CheckPage(*page, kLarkPageFiles);
         Check(page->number < 128);
     }

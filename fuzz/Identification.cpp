@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::copy_n(data, length, bytes.begin() + 4);
     FrameBuffer frame;
     frame.Load(bytes);
-    const auto record = ParseIdentification(frame);
+    const auto record = ParseIdentification(frame.Reader());
     if (record && (record->port == 0 || record->parity > 2 || record->stopBits % 2 != 0)) {
         std::abort();
     }

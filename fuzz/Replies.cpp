@@ -39,39 +39,39 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     frame.Load({data, size});
     static_cast<void>(frame.VerifyChecksum());
 
-    static_cast<void>(ParseOptions(frame));
-    static_cast<void>(ParseExtendedOptions(frame));
-    static_cast<void>(ParseBatteryPort(frame));
-    static_cast<void>(ParseSettingsFlags(frame));
-    static_cast<void>(ParseTiltCalibration(frame));
-    static_cast<void>(ParseAlmanac(frame, 1));
-    static_cast<void>(ParseSatelliteData(frame, false));
-    static_cast<void>(ParseSatelliteData(frame, true));
-    static_cast<void>(ParseSatelliteDataExtra(frame));
+    static_cast<void>(ParseOptions(frame.Reader()));
+    static_cast<void>(ParseExtendedOptions(frame.Reader()));
+    static_cast<void>(ParseBatteryPort(frame.Reader()));
+    static_cast<void>(ParseSettingsFlags(frame.Reader()));
+    static_cast<void>(ParseTiltCalibration(frame.Reader()));
+    static_cast<void>(ParseAlmanac(frame.Reader(), 1));
+    static_cast<void>(ParseSatelliteData(frame.Reader(), false));
+    static_cast<void>(ParseSatelliteData(frame.Reader(), true));
+    static_cast<void>(ParseSatelliteDataExtra(frame.Reader()));
 
-    if (const auto reply = ParseSerial(frame)) {
+    if (const auto reply = ParseSerial(frame.Reader())) {
         Check(reply->shortSerial.size() <= 8 && reply->longSerial.size() <= 10);
     }
-    if (const auto reply = ParseStatus(frame)) {
+    if (const auto reply = ParseStatus(frame.Reader())) {
         Check(reply->batteryPercent <= 999 && reply->survey.size() <= 4);
     }
-    if (const auto reply = ParseGpsTime(frame)) {
+    if (const auto reply = ParseGpsTime(frame.Reader())) {
         Check(reply->secondsOfWeek >= 0.0 && reply->secondsOfWeek < 604800.0);
     }
-    if (const auto reply = ParseSite(frame)) {
+    if (const auto reply = ParseSite(frame.Reader())) {
         Check(std::isfinite(reply->heightM) && std::abs(reply->latitudeRad) < 1.5708);
     }
-    if (const auto reply = ParsePositionStatus(frame)) {
+    if (const auto reply = ParsePositionStatus(frame.Reader())) {
         Check(reply->secondsOfWeek < 604800);
     }
-    if (const auto reply = ParseTiltReading(frame)) {
+    if (const auto reply = ParseTiltReading(frame.Reader())) {
         Check(!reply->time || reply->time->secondsOfWeek < 604800);
     }
-    if (const auto list = ParseSatelliteList(frame)) {
+    if (const auto list = ParseSatelliteList(frame.Reader())) {
         CheckList(*list);
     }
     SatelliteList collected;
-    if (ParseSatelliteListFrame(frame, SatelliteListForm::InView, 0, collected)) {
+    if (ParseSatelliteListFrame(frame.Reader(), SatelliteListForm::InView, 0, collected)) {
         CheckList(collected);
     }
     return 0;

@@ -51,9 +51,9 @@ int CCommand::Keep(std::optional<Reply> parsed, Reply& reply)
 }
 
 template <typename Reply>
-int CCommand::Query(std::optional<Reply> (*parse)(FrameBuffer&), Reply& reply)
+int CCommand::Query(std::optional<Reply> (*parse)(FrameReader), Reply& reply)
 {
-    return Exchange(Answer::Reply) == 1 ? Keep(parse(*this), reply) : 0;
+    return Exchange(Answer::Reply) == 1 ? Keep(parse(Reader()), reply) : 0;
 }
 
 // Requests.
@@ -67,7 +67,7 @@ int CCommand::RequestIdentity(IdentificationRecord& record)
     if (BreakAndCollect(kBreakDuration) == 0) {
         return 0;
     }
-    return Keep(ParseIdentification(*this), record);
+    return Keep(ParseIdentification(Reader()), record);
 }
 
 int CCommand::RequestSerial(SerialReply& reply)
@@ -138,7 +138,7 @@ int CCommand::CollectFrames(SatelliteList& list, SatelliteListForm form)
             return Fail(CommandFault::BadChecksum);
         }
         bool last = false;
-        if (Keep(ParseSatelliteListFrame(*this, form, number, list), last) == 0) {
+        if (Keep(ParseSatelliteListFrame(Reader(), form, number, list), last) == 0) {
             return 0;
         }
         if (last) {
@@ -194,7 +194,7 @@ int CCommand::RequestOptionsEx(ExtendedOptionsReply& reply)
 int CCommand::RequestAlmanac(int prn, AlmanacReply& reply)
 {
     Build(0x54, {0x02, static_cast<std::uint8_t>(prn), 0x00});
-    return Exchange(Answer::Reply) == 1 ? Keep(ParseAlmanac(*this, prn), reply) : 0;
+    return Exchange(Answer::Reply) == 1 ? Keep(ParseAlmanac(Reader(), prn), reply) : 0;
 }
 
 int CCommand::RequestSvData(SatelliteDataReply& reply, bool withTriples)
@@ -203,7 +203,7 @@ int CCommand::RequestSvData(SatelliteDataReply& reply, bool withTriples)
     if (Exchange(Answer::Reply) == 0) {
         return 0;
     }
-    return Keep(ParseSatelliteData(*this, withTriples), reply);
+    return Keep(ParseSatelliteData(Reader(), withTriples), reply);
 }
 
 int CCommand::RequestSvData(SatelliteDataReply& reply, SatelliteDataExtra& extra)

@@ -85,7 +85,7 @@ public:
 
 private:
     template <typename Reply>
-    int Query(std::optional<Reply> (*parse)(FrameBuffer&), Reply& reply);
+    int Query(std::optional<Reply> (*parse)(FrameReader), Reply& reply);
     template <typename Reply>
     int Keep(std::optional<Reply> parsed, Reply& reply);
     int CollectFrames(SatelliteList& list, SatelliteListForm form);

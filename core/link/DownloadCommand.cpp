@@ -136,7 +136,7 @@ DownloadCommand::RunEnd DownloadCommand::TakeBlock(ReceivedFile& file, const Byt
         Fail(CommandFault::BadChecksum);
         return RunEnd::AskAgain;
     }
-    const auto block = ParseFileBlock(*this);
+    const auto block = ParseFileBlock(Reader());
     if (!block) {
         FailOnType();
         return RunEnd::AskAgain;

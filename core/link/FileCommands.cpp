@@ -88,7 +88,7 @@ int FileCommands::ListPages_Pica(int mode, std::uint8_t variant, DirectoryTable&
         if (Exchange(Answer::Reply) == 0) {
             return 0;
         }
-        const auto page = ParsePicaFilePage(*this);
+        const auto page = ParsePicaFilePage(Reader());
         if (!page || page->number != number) {
             return FailOnType();
         }
@@ -160,7 +160,7 @@ int FileCommands::CollectPages_Lark(DirectoryTable& table, MessageTarget* window
         if (VerifyChecksum() == 0) {
             return Fail(CommandFault::BadChecksum);
         }
-        const auto page = ParseLarkFilePage(*this);
+        const auto page = ParseLarkFilePage(Reader());
         if (!page || page->number > expected || expected == kMostLarkPages) {
             return FailOnType(); // a page is missing, or there is no end of them
         }
@@ -209,7 +209,7 @@ int FileCommands::AskWhether(std::wstring_view name, bool& more)
         more = Fault() == CommandFault::Cancelled;
         return 0;
     }
-    const auto page = ParseLarkFilePage(*this);
+    const auto page = ParseLarkFilePage(Reader());
     if (!page || page->number != 0) {
         more = true; // whatever it is, the rest of it is nobody's answer
         return FailOnType();

@@ -18,7 +18,6 @@ constexpr std::size_t kPicaName = 8;
 constexpr std::uint8_t kLastPage = 0x80;
 constexpr std::uint8_t kMoreFollows = 128;
 constexpr std::size_t kBlockHead = 5;
-constexpr std::size_t kLongHeader = 5; // bytes before the data
 constexpr std::size_t kMostBlockBytes = 1000;
 constexpr std::uint8_t kEtx = 0x03;
 constexpr std::int64_t kShiftS = 9 * 3600;
@@ -46,21 +45,20 @@ void KeepName(std::wstring text, DirectoryListingData& file)
 }
 
 /// Starts reading a page: the number byte stands in @p first then, the cursor on the records.
-bool StartPage(FrameBuffer& frame, std::uint8_t type, std::size_t recordLength, std::size_t most,
+bool StartPage(FrameReader& frame, std::uint8_t type, std::size_t recordLength, std::size_t most,
                std::uint8_t& first, FilePage& page)
 {
-    if (frame.GetReplyType() != type || frame.GetDataLength() < kPageHead) {
+    if (frame.Type() != type || frame.DataLength() < kPageHead) {
         return false;
     }
-    frame.ResetReadPos();
-    first = frame.GetByte();
-    page.count = frame.GetByte();
-    return page.count <= most && frame.GetDataLength() >= kPageHead + page.count * recordLength;
+    first = frame.Byte();
+    page.count = frame.Byte();
+    return page.count <= most && frame.DataLength() >= kPageHead + page.count * recordLength;
 }
 
 } // namespace
 
-std::optional<FilePage> ParsePicaFilePage(FrameBuffer& frame)
+std::optional<FilePage> ParsePicaFilePage(FrameReader frame)
 {
     FilePage page;
     std::uint8_t number = 0;
@@ -72,22 +70,22 @@ std::optional<FilePage> ParsePicaFilePage(FrameBuffer& frame)
     for (std::size_t i = 0; i < page.count; ++i) {
         DirectoryListingData& file = page.files[i];
         file.pageFlag = page.last ? 0 : kMoreFollows;
-        file.fileIndex = frame.GetWord();
-        KeepName(frame.GetText(kPicaName), file);
-        file.size = frame.GetLong();
-        const int year = frame.GetWord();
-        const unsigned month = frame.GetByte();
-        const unsigned day = frame.GetByte();
-        const unsigned hour = frame.GetByte();
-        const unsigned minute = frame.GetByte();
+        file.fileIndex = frame.Word();
+        KeepName(frame.Text(kPicaName), file);
+        file.size = frame.Long();
+        const int year = frame.Word();
+        const unsigned month = frame.Byte();
+        const unsigned day = frame.Byte();
+        const unsigned hour = frame.Byte();
+        const unsigned minute = frame.Byte();
         file.time = RecordTime(year, month, day, hour, minute);
-        file.attributes = frame.GetByte();
-        file.spare = frame.GetByte();
+        file.attributes = frame.Byte();
+        file.spare = frame.Byte();
     }
     return page;
 }
 
-std::optional<FilePage> ParseLarkFilePage(FrameBuffer& frame)
+std::optional<FilePage> ParseLarkFilePage(FrameReader frame)
 {
     FilePage page;
     std::uint8_t first = 0;
@@ -99,33 +97,30 @@ std::optional<FilePage> ParseLarkFilePage(FrameBuffer& frame)
     for (std::size_t i = 0; i < page.count; ++i) {
         DirectoryListingData& file = page.files[i];
         file.pageFlag = first;
-        KeepName(frame.GetText(kLongestFileName), file);
-        file.size = frame.GetLong();
-        file.time = frame.GetLong();
-        file.attributes = frame.GetByte();
-        file.spare = frame.GetByte();
+        KeepName(frame.Text(kLongestFileName), file);
+        file.size = frame.Long();
+        file.time = frame.Long();
+        file.attributes = frame.Byte();
+        file.spare = frame.Byte();
     }
     return page;
 }
 
-std::optional<FileBlock> ParseFileBlock(FrameBuffer& frame)
+std::optional<FileBlock> ParseFileBlock(FrameReader frame)
 {
-    const std::size_t length = frame.GetDataLength();
-    if (frame.GetReplyType() != kLongFrameType || length < kBlockHead ||
+    const std::size_t length = frame.DataLength();
+    if (frame.Type() != kLongFrameType || length < kBlockHead ||
         length > kBlockHead + kMostBlockBytes) {
         return std::nullopt;
     }
-    // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum fits.
-    if (frame.Bytes()[kLongHeader + length + 1] != kEtx) {
-        return std::nullopt;
-    }
-    frame.ResetReadPos();
-    frame.SkipBytes(1); // the second length byte
+    frame.Skip(1); // the second length byte
     FileBlock block;
-    block.offset = frame.GetLong();
-    block.flags = frame.GetByte();
-    block.bytes = frame.Bytes().subspan(kLongHeader + kBlockHead, length - kBlockHead);
-    return block;
+    block.offset = frame.Long();
+    block.flags = frame.Byte();
+    block.bytes = frame.Bytes(length - kBlockHead);
+    frame.Skip(1); // the checksum
+    // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum fits.
+    return frame.Byte() == kEtx ? std::optional(block) : std::nullopt;
 }
 
 } // namespace fieldcore

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/link/DirectoryListing.h"
-#include "core/link/FrameBuffer.h"
+#include "core/link/FrameReader.h"
 
 #include <array>
 #include <cstddef>
@@ -28,10 +28,10 @@ struct FilePage
 
 /// A page of a Pica, reply 0x79. The time is the record's date, hour and minute (UTC) and 9 hours;
 /// 0 where they are no date since 1980-01-06, the last second that fits where they are beyond it.
-[[nodiscard]] std::optional<FilePage> ParsePicaFilePage(FrameBuffer& frame);
+[[nodiscard]] std::optional<FilePage> ParsePicaFilePage(FrameReader frame);
 
 /// A page of a Lark, frame 0x9D.
-[[nodiscard]] std::optional<FilePage> ParseLarkFilePage(FrameBuffer& frame);
+[[nodiscard]] std::optional<FilePage> ParseLarkFilePage(FrameReader frame);
 
 /// A piece of a file, long frame 0x95.
 struct FileBlock
@@ -48,6 +48,6 @@ struct FileBlock
     std::span<const std::uint8_t> bytes; ///< at most 1000; inside the frame
 };
 /// Nothing either for a frame that does not end in ETX.
-[[nodiscard]] std::optional<FileBlock> ParseFileBlock(FrameBuffer& frame);
+[[nodiscard]] std::optional<FileBlock> ParseFileBlock(FrameReader frame);
 
 } // namespace fieldcore

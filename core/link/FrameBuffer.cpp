@@ -1,24 +1,26 @@
 #include "core/link/FrameBuffer.h"
 
-#include "core/platform/Cp932.h"
+#include "core/link/FrameWriter.h"
 
 #include <algorithm>
-#include <bit>
-#include <limits>
 
 namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kStx = 0x02;
-constexpr std::uint8_t kEtx = 0x03;
-constexpr std::size_t kHeaderLength = 4;
 constexpr std::uint32_t kLastIndex = kFrameBufferSize - 1;
-constexpr std::uint32_t kBehindLast = kFrameBufferSize;
-constexpr std::size_t kLongestText = 255;
 constexpr std::uint32_t kMostData = 255; // of a frame that is sent
 
 } // namespace
+
+template <typename View, typename Work>
+auto FrameBuffer::AtCursor(Work work)
+{
+    View view(PacketBuffer, m_cursor);
+    auto result = work(view);
+    m_cursor = static_cast<std::uint32_t>(view.Cursor());
+    return result;
+}
 
 void FrameBuffer::BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool clear)
 {
@@ -27,23 +29,18 @@ void FrameBuffer::BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool 
     }
     if (clear) {
         PacketBuffer.fill(0);
-        m_cursor = kHeaderLength;
+        m_cursor = kFrameDataStart;
     }
-    PacketBuffer[0] = kStx;
-    PacketBuffer[1] = 0x00;
-    PacketBuffer[2] = type;
-    PacketBuffer[3] = static_cast<std::uint8_t>(dataLength);
+    FrameWriter(PacketBuffer).Header(type, dataLength);
     m_dataLength = dataLength;
 }
 
 int FrameBuffer::PutByte(std::uint8_t value)
 {
-    if (m_locked || m_cursor > kLastIndex) {
+    if (m_locked) {
         return 0;
     }
-    PacketBuffer[m_cursor] = value;
-    Advance(1);
-    return 1;
+    return AtCursor<FrameWriter>([&](FrameWriter& out) { return out.Byte(value) ? 1 : 0; });
 }
 
 void FrameBuffer::PutWord(std::uint16_t value)
@@ -60,12 +57,13 @@ void FrameBuffer::PutLong(std::uint32_t value)
 
 void FrameBuffer::PutText(std::wstring_view text, std::size_t width, bool useTextLength)
 {
-    const std::string bytes = useTextLength ? ToCp932(text) : ToCp932Field(text, width);
-    if (m_locked || m_cursor + bytes.size() > PacketBuffer.size()) {
+    if (m_locked) {
         return;
     }
-    std::copy(bytes.begin(), bytes.end(), PacketBuffer.begin() + m_cursor);
-    Advance(bytes.size());
+    AtCursor<FrameWriter>([&](FrameWriter& out) {
+        useTextLength ? out.Text(text) : out.Text(text, width);
+        return 1;
+    });
 }
 
 void FrameBuffer::SetPacketLength(std::uint32_t dataLength)
@@ -79,13 +77,8 @@ void FrameBuffer::SetPacketLength(std::uint32_t dataLength)
 
 void FrameBuffer::EndPacket()
 {
-    if (m_locked) {
-        return;
-    }
-    const std::size_t end = kHeaderLength + m_dataLength;
-    if (end + 1 < PacketBuffer.size()) {
-        PacketBuffer[end] = Checksum(end);
-        PacketBuffer[end + 1] = kEtx;
+    if (!m_locked) {
+        FrameWriter(PacketBuffer).End(m_dataLength);
     }
 }
 
@@ -101,130 +94,66 @@ void FrameBuffer::SkipBytes(std::size_t count)
     }
 }
 
-void FrameBuffer::Advance(std::size_t count)
-{
-    m_cursor += static_cast<std::uint32_t>(std::min<std::size_t>(count, kBehindLast - m_cursor));
-}
-
 std::uint8_t FrameBuffer::GetByte(ByteForm form)
 {
-    const auto value = static_cast<std::uint8_t>(GetInteger(1));
-    if (form == ByteForm::Number) {
-        return value;
-    }
-    // The top bit makes a negative character, which is below '0' like a blank.
-    const bool belowZero = value < '0' || value >= 0x80;
-    return belowZero ? std::uint8_t{0} : static_cast<std::uint8_t>(value - '0');
+    return AtCursor<FrameReader>([form](FrameReader& in) { return in.Byte(form); });
 }
 
 std::uint16_t FrameBuffer::GetWord()
 {
-    return static_cast<std::uint16_t>(GetInteger(2));
+    return AtCursor<FrameReader>([](FrameReader& in) { return in.Word(); });
 }
 
 std::uint32_t FrameBuffer::GetTriple()
 {
-    return GetInteger(3);
+    return AtCursor<FrameReader>([](FrameReader& in) { return in.Triple(); });
 }
 
 std::uint32_t FrameBuffer::GetLong()
 {
-    return GetInteger(4);
+    return AtCursor<FrameReader>([](FrameReader& in) { return in.Long(); });
 }
 
 double FrameBuffer::GetDouble()
 {
-    const auto bytes = Take(sizeof(double));
-    if (bytes.empty()) {
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-    std::uint64_t bits = 0;
-    for (const std::uint8_t byte : bytes) {
-        bits = bits << 8 | byte;
-    }
-    return std::bit_cast<double>(bits);
+    return AtCursor<FrameReader>([](FrameReader& in) { return in.Double(); });
 }
 
 float FrameBuffer::GetFloat()
 {
-    return std::bit_cast<float>(GetInteger(sizeof(float)));
+    return AtCursor<FrameReader>([](FrameReader& in) { return in.Float(); });
 }
 
 std::string FrameBuffer::GetChars(std::size_t count)
 {
-    const auto bytes = Take(count);
-    return {bytes.begin(), bytes.end()};
+    return AtCursor<FrameReader>([count](FrameReader& in) { return in.Chars(count); });
 }
 
 std::wstring FrameBuffer::GetText(std::size_t count)
 {
-    std::string bytes = GetChars(count);
-    bytes.resize(std::min(bytes.size(), kLongestText));
-    bytes.resize(std::min(bytes.size(), bytes.find('\0')));
-    return FromCp932(bytes);
+    return AtCursor<FrameReader>([count](FrameReader& in) { return in.Text(count); });
 }
 
 void FrameBuffer::Load(std::span<const std::uint8_t> frame)
 {
     const std::size_t length = std::min(frame.size(), PacketBuffer.size());
     std::copy_n(frame.begin(), length, PacketBuffer.begin());
-    m_dataLength = 0;
-    if (length > kHeaderLength) {
-        ReadDataLength();
-    }
+    m_dataLength = FrameReader(frame.first(length)).DataLength();
 }
 
 void FrameBuffer::ReadDataLength()
 {
-    m_dataLength = PacketBuffer[3];
-    if (GetReplyType() == kLongFrameType) {
-        m_dataLength = m_dataLength << 8 | PacketBuffer[4];
-    }
+    m_dataLength = Reader().DataLength();
 }
 
 int FrameBuffer::VerifyChecksum() const
 {
-    const std::size_t lengthBytes = GetReplyType() == kLongFrameType ? 2 : 1;
-    const std::size_t end = 3 + lengthBytes + m_dataLength;
-    if (PacketBuffer[0] != kStx || end >= PacketBuffer.size()) {
-        return 0;
-    }
-    return Checksum(end) == PacketBuffer[end] ? 1 : 0;
+    return Reader().IsIntact(m_dataLength) ? 1 : 0;
 }
 
 std::span<const std::uint8_t> FrameBuffer::BuiltFrame() const
 {
     return std::span(PacketBuffer).first(m_dataLength > kMostData ? 0 : m_dataLength + 6);
-}
-
-std::span<const std::uint8_t> FrameBuffer::Take(std::size_t count)
-{
-    const std::size_t start = m_cursor;
-    Advance(count);
-    if (count > PacketBuffer.size() - start) {
-        return {};
-    }
-    return std::span(PacketBuffer).subspan(start, count);
-}
-
-std::uint32_t FrameBuffer::GetInteger(std::size_t width)
-{
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < width; ++i) {
-        const std::size_t index = m_cursor + i;
-        value = value << 8 | (index < PacketBuffer.size() ? PacketBuffer[index] : 0xFFU);
-    }
-    Advance(width);
-    return value;
-}
-
-std::uint8_t FrameBuffer::Checksum(std::size_t end) const
-{
-    unsigned sum = 0;
-    for (std::size_t i = 1; i < end; ++i) {
-        sum += PacketBuffer[i];
-    }
-    return static_cast<std::uint8_t>(sum);
 }
 
 } // namespace fieldcore

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/link/FrameReader.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -8,12 +10,6 @@
 #include <string_view>
 
 namespace fieldcore {
-
-/// Size of every buffer that holds a frame, bytes.
-inline constexpr std::size_t kFrameBufferSize = 1024;
-
-/// The type of the only frames that carry a 16-bit data length.
-inline constexpr std::uint8_t kLongFrameType = 0x95;
 
 /// One frame of the receiver's protocol, being built or being read, with a cursor.
 ///
@@ -27,12 +23,7 @@ inline constexpr std::uint8_t kLongFrameType = 0x95;
 class FrameBuffer
 {
 public:
-    /// Which way GetByte reads its byte.
-    enum class ByteForm
-    {
-        Number,
-        Digit, ///< an ASCII digit as its value; any character below '0' is 0
-    };
+    using ByteForm = fieldcore::ByteForm;
 
     // Building a frame. Each writes at the cursor and advances it.
 
@@ -82,6 +73,8 @@ public:
     [[nodiscard]] int VerifyChecksum() const;
 
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return PacketBuffer; }
+    /// The frame in the buffer, to be read from its data on.
+    [[nodiscard]] FrameReader Reader() const { return FrameReader(PacketBuffer); }
     /// The frame that was built: data length + 6 bytes; empty if that does not make a frame.
     [[nodiscard]] std::span<const std::uint8_t> BuiltFrame() const;
 
@@ -95,11 +88,9 @@ protected:
     std::array<std::uint8_t, kFrameBufferSize> PacketBuffer{};
 
 private:
-    /// The @p count bytes at the cursor if they lie inside the buffer, else none. Advances.
-    std::span<const std::uint8_t> Take(std::size_t count);
-    std::uint32_t GetInteger(std::size_t width);
-    void Advance(std::size_t count);
-    [[nodiscard]] std::uint8_t Checksum(std::size_t end) const;
+    /// Reads, or writes, at the cursor and moves it on.
+    template <typename View, typename Work>
+    auto AtCursor(Work work);
 
     std::uint32_t m_dataLength = 0;
     std::uint32_t m_cursor = 4; // 1024: behind the last byte

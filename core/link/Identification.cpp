@@ -45,13 +45,12 @@ std::uint8_t ParityCode(wchar_t letter)
 
 } // namespace
 
-std::optional<IdentificationRecord> ParseIdentification(FrameBuffer& frame)
+std::optional<IdentificationRecord> ParseIdentification(FrameReader frame)
 {
-    if (frame.GetReplyType() != kIdentificationType) {
+    if (frame.Type() != kIdentificationType) {
         return std::nullopt;
     }
-    frame.ResetReadPos();
-    const std::wstring text = frame.GetText(frame.GetDataLength());
+    const std::wstring text = frame.Text(frame.DataLength());
     std::wstring_view rest = text;
     Fields fields;
     for (std::size_t i = 0; i < fields.size(); ++i) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/FrameBuffer.h"
+#include "core/link/FrameReader.h"
 
 #include <cstdint>
 #include <optional>
@@ -24,7 +24,7 @@ struct IdentificationRecord
 /// Reads the packet's text, as "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,". Empty fields do not
 /// count as fields.
 /// @return nothing for a packet of another type, or with fewer than twelve fields
-[[nodiscard]] std::optional<IdentificationRecord> ParseIdentification(FrameBuffer& frame);
+[[nodiscard]] std::optional<IdentificationRecord> ParseIdentification(FrameReader frame);
 
 /// Type number of a model text: four leading digits are the number itself; otherwise "VX2",
 /// "VX1" and "VX1-GNSS" are known, and any other text is type 3010.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/FrameBuffer.h"
+#include "core/link/FrameReader.h"
 
 #include <cstddef>
 
@@ -10,8 +10,8 @@ namespace fieldcore {
 // that holds no number is 0.
 
 /// Values beyond the range of int are cut to it.
-[[nodiscard]] int IntegerField(FrameBuffer& frame, std::size_t width);
+[[nodiscard]] int IntegerField(FrameReader& frame, std::size_t width);
 
-[[nodiscard]] double RealField(FrameBuffer& frame, std::size_t width);
+[[nodiscard]] double RealField(FrameReader& frame, std::size_t width);
 
 } // namespace fieldcore

@@ -42,10 +42,9 @@ constexpr std::uint16_t kBluetoothModel = 310;
 constexpr int kRtkFixed = 5;
 
 /// Tests type and length and puts the cursor on the data.
-bool Begin(FrameBuffer& frame, std::uint8_t type, std::size_t length)
+bool Begin(FrameReader& frame, std::uint8_t type, std::size_t length)
 {
-    frame.ResetReadPos();
-    return frame.GetReplyType() == type && frame.GetDataLength() >= length;
+    return frame.Type() == type && frame.DataLength() >= length;
 }
 
 constexpr bool Bit(std::uint32_t value, int bit)
@@ -53,12 +52,12 @@ constexpr bool Bit(std::uint32_t value, int bit)
     return (value >> bit & 1) != 0;
 }
 
-SiteReply ReadPlace(FrameBuffer& frame)
+SiteReply ReadPlace(FrameReader& frame)
 {
     SiteReply place;
-    place.latitudeRad = frame.GetDouble();
-    place.longitudeRad = frame.GetDouble();
-    place.heightM = frame.GetDouble();
+    place.latitudeRad = frame.Double();
+    place.longitudeRad = frame.Double();
+    place.heightM = frame.Double();
     return place;
 }
 
@@ -70,11 +69,11 @@ bool IsOnEarth(const SiteReply& place)
            std::abs(place.longitudeRad) <= 2 * kHalfTurn && std::isfinite(place.heightM);
 }
 
-std::optional<TiltTime> ReadTiltTime(FrameBuffer& frame)
+std::optional<TiltTime> ReadTiltTime(FrameReader& frame)
 {
     TiltTime time;
-    time.week = frame.GetWord();
-    time.secondsOfWeek = frame.GetLong();
+    time.week = frame.Word();
+    time.secondsOfWeek = frame.Long();
     if (time.week == kUnknownWeek || time.secondsOfWeek >= kSecondsPerWeek) {
         return std::nullopt;
     }
@@ -82,92 +81,92 @@ std::optional<TiltTime> ReadTiltTime(FrameBuffer& frame)
 }
 
 /// The tilt sensor's two replies carry the query in their first two bytes.
-bool BeginTilt(FrameBuffer& frame, std::uint8_t what, std::size_t length)
+bool BeginTilt(FrameReader& frame, std::uint8_t what, std::size_t length)
 {
-    return Begin(frame, kTiltType, length) && frame.GetByte() == 1 && frame.GetByte() == what;
+    return Begin(frame, kTiltType, length) && frame.Byte() == 1 && frame.Byte() == what;
 }
 
 } // namespace
 
-std::optional<SerialReply> ParseSerial(FrameBuffer& frame)
+std::optional<SerialReply> ParseSerial(FrameReader frame)
 {
     if (!Begin(frame, kSerialType, kSerialLength)) {
         return std::nullopt;
     }
     SerialReply reply;
-    reply.shortSerial = frame.GetText(8);
-    reply.receiverType = frame.GetText(8);
+    reply.shortSerial = frame.Text(8);
+    reply.receiverType = frame.Text(8);
     reply.receiverType.erase(reply.receiverType.find_last_not_of(L' ') + 1);
-    reply.navVersion = frame.GetText(5);
-    reply.sigVersion = frame.GetText(5);
-    reply.bootVersion = frame.GetText(5);
-    reply.antennaSerial = frame.GetText(8);
-    reply.antennaType = frame.GetText(2);
-    frame.SkipBytes(4);
-    const std::size_t length = frame.GetDataLength();
+    reply.navVersion = frame.Text(5);
+    reply.sigVersion = frame.Text(5);
+    reply.bootVersion = frame.Text(5);
+    reply.antennaSerial = frame.Text(8);
+    reply.antennaType = frame.Text(2);
+    frame.Skip(4);
+    const std::size_t length = frame.DataLength();
     reply.longSerial = length >= kLongSerialFrom
-                           ? frame.GetText(std::min<std::size_t>(length - kSerialLength, 10))
+                           ? frame.Text(std::min<std::size_t>(length - kSerialLength, 10))
                            : reply.shortSerial;
     return reply;
 }
 
-std::optional<OptionsReply> ParseOptions(FrameBuffer& frame)
+std::optional<OptionsReply> ParseOptions(FrameReader frame)
 {
     if (!Begin(frame, kOptionsType, kOptionsLength)) {
         return std::nullopt;
     }
     OptionsReply reply;
-    reply.firstOption = frame.GetByte();
-    reply.tenths = frame.GetByte() / 10.0;
-    frame.SkipBytes(2);
-    reply.loggingRate = frame.GetWord() * 100U;
-    reply.currentPort = frame.GetByte();
-    reply.portCount = frame.GetByte();
-    reply.frequencies = frame.GetByte();
-    frame.SkipBytes(9);
-    reply.nmea = frame.GetByte();
-    reply.rtcm1Input = frame.GetByte();
-    reply.rtcm2Input = frame.GetByte();
-    reply.rtcmOutput = frame.GetByte();
-    reply.rtcm2Output = frame.GetByte();
-    frame.SkipBytes(6);
-    reply.memory = frame.GetWord();
-    frame.SkipBytes(1);
-    reply.byte32 = frame.GetByte();
-    frame.SkipBytes(7);
-    reply.rtk = frame.GetByte();
-    frame.SkipBytes(1);
-    reply.rtkFlags = frame.GetByte();
-    reply.rtcm21 = frame.GetByte();
-    reply.typeCode = frame.GetByte();
-    reply.bluetooth = Bit(frame.GetByte(), 4);
-    reply.flags1 = frame.GetByte();
-    frame.SkipBytes(1);
-    reply.flags2 = frame.GetByte();
-    if (reply.typeCode == 0 && frame.GetDataLength() >= kModelWordLength) {
-        reply.modelWord = frame.GetWord();
+    reply.firstOption = frame.Byte();
+    reply.tenths = frame.Byte() / 10.0;
+    frame.Skip(2);
+    reply.loggingRate = frame.Word() * 100U;
+    reply.currentPort = frame.Byte();
+    reply.portCount = frame.Byte();
+    reply.frequencies = frame.Byte();
+    frame.Skip(9);
+    reply.nmea = frame.Byte();
+    reply.rtcm1Input = frame.Byte();
+    reply.rtcm2Input = frame.Byte();
+    reply.rtcmOutput = frame.Byte();
+    reply.rtcm2Output = frame.Byte();
+    frame.Skip(6);
+    reply.memory = frame.Word();
+    frame.Skip(1);
+    reply.byte32 = frame.Byte();
+    frame.Skip(7);
+    reply.rtk = frame.Byte();
+    frame.Skip(1);
+    reply.rtkFlags = frame.Byte();
+    reply.rtcm21 = frame.Byte();
+    reply.typeCode = frame.Byte();
+    reply.bluetooth = Bit(frame.Byte(), 4);
+    reply.flags1 = frame.Byte();
+    frame.Skip(1);
+    reply.flags2 = frame.Byte();
+    if (reply.typeCode == 0 && frame.DataLength() >= kModelWordLength) {
+        reply.modelWord = frame.Word();
         reply.bluetooth = reply.bluetooth || reply.modelWord == kBluetoothModel;
     }
     return reply;
 }
 
-std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameBuffer& frame)
+std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame)
 {
     if (!Begin(frame, kOptionsType, 1)) {
         return std::nullopt;
     }
     ExtendedOptionsReply reply;
-    if (frame.GetByte() != '[') {
+    if (frame.Byte() != '[') {
         return reply; // a receiver without extended options
     }
-    const std::size_t length = frame.GetDataLength();
+    const std::size_t length = frame.DataLength();
     if (length < kExtendedLength) {
         return std::nullopt;
     }
-    frame.SkipBytes(7);
-    const std::uint32_t w1 = frame.GetLong();
-    const std::uint32_t w2 = frame.GetLong();
-    const std::uint32_t w3 = frame.GetLong();
+    frame.Skip(7);
+    const std::uint32_t w1 = frame.Long();
+    const std::uint32_t w2 = frame.Long();
+    const std::uint32_t w3 = frame.Long();
     reply.l5 = Bit(w1, 29);
     reply.l2c = Bit(w1, 21);
     reply.glonass = Bit(w2, 0);
@@ -177,16 +176,16 @@ std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameBuffer& frame)
     if (length < kMeridianLength) {
         return reply;
     }
-    frame.SkipBytes(8);
-    const std::uint8_t b = frame.GetByte();
+    frame.Skip(8);
+    const std::uint8_t b = frame.Byte();
     reply.meridian = Bit(b, 6);
     if (length < kCmrxLength) {
         return reply;
     }
-    frame.SkipBytes(2);
-    const std::uint8_t d = frame.GetByte();
+    frame.Skip(2);
+    const std::uint8_t d = frame.Byte();
     if (Bit(d, 1) && length >= kExtendedRateLength) {
-        reply.loggingRate = frame.GetWord();
+        reply.loggingRate = frame.Word();
     }
     if (Bit(d, 0)) {
         reply.cmrxInput = Bit(b, 4);
@@ -195,26 +194,26 @@ std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameBuffer& frame)
     return reply;
 }
 
-std::optional<StatusReply> ParseStatus(FrameBuffer& frame)
+std::optional<StatusReply> ParseStatus(FrameReader frame)
 {
     if (!Begin(frame, kStatusType, kStatusLength)) {
         return std::nullopt;
     }
     StatusReply reply;
-    reply.timeValid = frame.GetByte(FrameBuffer::ByteForm::Digit) == 1;
-    frame.SkipBytes(1);
+    reply.timeValid = frame.Byte(ByteForm::Digit) == 1;
+    frame.Skip(1);
     reply.satellitesTracked = IntegerField(frame, 2);
-    frame.SkipBytes(3);
+    frame.Skip(3);
     reply.batteryPercent = IntegerField(frame, 3);
     reply.pdop = RealField(frame, 4);
-    reply.fixKind = frame.GetByte(FrameBuffer::ByteForm::Digit);
+    reply.fixKind = frame.Byte(ByteForm::Digit);
     reply.rtkFixed = reply.fixKind == kRtkFixed;
-    reply.survey = frame.GetText(4);
+    reply.survey = frame.Text(4);
     reply.freeMemoryTenths = IntegerField(frame, 2);
     return reply;
 }
 
-std::optional<GpsTimeReply> ParseGpsTime(FrameBuffer& frame)
+std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 {
     if (!Begin(frame, kGpsTimeType, kGpsTimeLength)) {
         return std::nullopt;
@@ -225,7 +224,7 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameBuffer& frame)
     // A number that does not fit its two characters goes on to the end of the reply.
     constexpr std::size_t kOffsetAt = 11;
     constexpr std::size_t kLongest = 8;
-    const std::size_t rest = frame.GetDataLength() - kOffsetAt;
+    const std::size_t rest = frame.DataLength() - kOffsetAt;
     reply.utcOffsetS = IntegerField(frame, std::min(rest, kLongest));
     const bool possible = reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
     if (!possible) {
@@ -234,9 +233,9 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameBuffer& frame)
     return reply;
 }
 
-std::optional<SiteReply> ParseSite(FrameBuffer& frame)
+std::optional<SiteReply> ParseSite(FrameReader frame)
 {
-    if (!Begin(frame, kSiteType, kSiteLength) || frame.GetByte() != 18 || frame.GetByte() != 0) {
+    if (!Begin(frame, kSiteType, kSiteLength) || frame.Byte() != 18 || frame.Byte() != 0) {
         return std::nullopt;
     }
     const SiteReply place = ReadPlace(frame);
@@ -246,19 +245,19 @@ std::optional<SiteReply> ParseSite(FrameBuffer& frame)
     return place;
 }
 
-std::optional<PositionStatusReply> ParsePositionStatus(FrameBuffer& frame)
+std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
 {
     if (!Begin(frame, kPositionStatusType, kPositionStatusLength)) {
         return std::nullopt;
     }
     PositionStatusReply reply;
-    reply.fixKind = frame.GetByte();
-    reply.satellitesUsed = frame.GetByte();
-    reply.week = frame.GetLong();
-    reply.secondsOfWeek = frame.GetLong();
-    reply.pdop = frame.GetFloat();
-    reply.hdop = frame.GetFloat();
-    reply.vdop = frame.GetFloat();
+    reply.fixKind = frame.Byte();
+    reply.satellitesUsed = frame.Byte();
+    reply.week = frame.Long();
+    reply.secondsOfWeek = frame.Long();
+    reply.pdop = frame.Float();
+    reply.hdop = frame.Float();
+    reply.vdop = frame.Float();
     reply.position = ReadPlace(frame);
     if (reply.secondsOfWeek >= kSecondsPerWeek) {
         return std::nullopt;
@@ -266,58 +265,58 @@ std::optional<PositionStatusReply> ParsePositionStatus(FrameBuffer& frame)
     return reply;
 }
 
-std::optional<int> ParseBatteryPort(FrameBuffer& frame)
+std::optional<int> ParseBatteryPort(FrameReader frame)
 {
     if (!Begin(frame, kBatteryPortType, 1)) {
         return std::nullopt;
     }
-    return frame.GetByte();
+    return frame.Byte();
 }
 
-std::optional<SettingsFlags> ParseSettingsFlags(FrameBuffer& frame)
+std::optional<SettingsFlags> ParseSettingsFlags(FrameReader frame)
 {
     if (!Begin(frame, kSettingsFlagsType, kSettingsFlagsLength)) {
         return std::nullopt;
     }
-    frame.SkipBytes(2);
+    frame.Skip(2);
     SettingsFlags flags{};
     for (std::uint8_t& flag : flags) {
-        flag = frame.GetByte();
+        flag = frame.Byte();
     }
     return flags;
 }
 
-std::optional<TiltReading> ParseTiltReading(FrameBuffer& frame)
+std::optional<TiltReading> ParseTiltReading(FrameReader frame)
 {
     if (!BeginTilt(frame, 0, kTiltReadingLength)) {
         return std::nullopt;
     }
     TiltReading reading;
-    const std::uint8_t status = frame.GetByte();
+    const std::uint8_t status = frame.Byte();
     reading.state = status & 0x0F;
     reading.error1 = Bit(status, 4);
     reading.error2 = Bit(status, 5);
     reading.sensorPresent = Bit(status, 6);
-    const std::uint8_t calibration = frame.GetByte();
+    const std::uint8_t calibration = frame.Byte();
     reading.calibrationState = calibration & 0x07;
     reading.calibrationValid = Bit(calibration, 3);
     reading.calibrated = Bit(calibration, 4);
-    reading.t1Rad = frame.GetDouble();
-    reading.t2Rad = frame.GetDouble();
-    reading.tiltRad = frame.GetDouble();
+    reading.t1Rad = frame.Double();
+    reading.t2Rad = frame.Double();
+    reading.tiltRad = frame.Double();
     reading.time = ReadTiltTime(frame);
     return reading;
 }
 
-std::optional<TiltCalibration> ParseTiltCalibration(FrameBuffer& frame)
+std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame)
 {
     if (!BeginTilt(frame, 1, kTiltCalibrationLength)) {
         return std::nullopt;
     }
     TiltCalibration calibration;
-    calibration.validityHours = frame.GetWord();
+    calibration.validityHours = frame.Word();
     calibration.calibrated = ReadTiltTime(frame);
-    calibration.progressPercent = frame.GetByte();
+    calibration.progressPercent = frame.Byte();
     return calibration;
 }
 

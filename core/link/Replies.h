@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/FrameBuffer.h"
+#include "core/link/FrameReader.h"
 
 #include <array>
 #include <cstdint>
@@ -25,7 +25,7 @@ struct SerialReply
     std::wstring antennaType;
     std::wstring longSerial; ///< a copy of the short one if the receiver sends none
 };
-[[nodiscard]] std::optional<SerialReply> ParseSerial(FrameBuffer& frame);
+[[nodiscard]] std::optional<SerialReply> ParseSerial(FrameReader frame);
 
 /// Installed options, reply 0x4B to a request without data. See CRecvInfo for what they mean.
 struct OptionsReply
@@ -52,7 +52,7 @@ struct OptionsReply
     std::uint8_t flags2 = 0;     ///< bit 7: extended options can be asked for
     std::uint16_t modelWord = 0; ///< 0 unless the type code is 0
 };
-[[nodiscard]] std::optional<OptionsReply> ParseOptions(FrameBuffer& frame);
+[[nodiscard]] std::optional<OptionsReply> ParseOptions(FrameReader frame);
 
 /// Extended options, reply 0x4B to the request with the data byte 1. All clear when the receiver
 /// has none.
@@ -69,7 +69,7 @@ struct ExtendedOptionsReply
     bool cmrxOutput = false;
     std::uint16_t loggingRate = 0;
 };
-[[nodiscard]] std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameBuffer& frame);
+[[nodiscard]] std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame);
 
 /// Receiver status, reply 0x09.
 struct StatusReply
@@ -83,7 +83,7 @@ struct StatusReply
     std::wstring survey;   ///< the running survey, blank when none; 4 characters
     int freeMemoryTenths = 0;
 };
-[[nodiscard]] std::optional<StatusReply> ParseStatus(FrameBuffer& frame);
+[[nodiscard]] std::optional<StatusReply> ParseStatus(FrameReader frame);
 
 /// GPS time, reply 0x15.
 struct GpsTimeReply
@@ -92,7 +92,7 @@ struct GpsTimeReply
     int week = 0;               ///< as sent, not repaired
     int utcOffsetS = 0;         ///< of UTC from GPS time, whole seconds
 };
-[[nodiscard]] std::optional<GpsTimeReply> ParseGpsTime(FrameBuffer& frame);
+[[nodiscard]] std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame);
 
 /// The receiver's last known place, reply 0x31. WGS84.
 struct SiteReply
@@ -101,7 +101,7 @@ struct SiteReply
     double longitudeRad = 0.0;
     double heightM = 0.0; ///< above the ellipsoid
 };
-[[nodiscard]] std::optional<SiteReply> ParseSite(FrameBuffer& frame);
+[[nodiscard]] std::optional<SiteReply> ParseSite(FrameReader frame);
 
 /// Position status, reply 0x35.
 struct PositionStatusReply
@@ -116,14 +116,14 @@ struct PositionStatusReply
     float vdop = 0.0F;
     SiteReply position;
 };
-[[nodiscard]] std::optional<PositionStatusReply> ParsePositionStatus(FrameBuffer& frame);
+[[nodiscard]] std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame);
 
 /// The power source that feeds the receiver, reply 0x41: 1, 2 or 3.
-[[nodiscard]] std::optional<int> ParseBatteryPort(FrameBuffer& frame);
+[[nodiscard]] std::optional<int> ParseBatteryPort(FrameReader frame);
 
 /// Settings flags, reply 0x7A. The third is 1 while an application file fixes the signals.
 using SettingsFlags = std::array<std::uint8_t, 3>;
-[[nodiscard]] std::optional<SettingsFlags> ParseSettingsFlags(FrameBuffer& frame);
+[[nodiscard]] std::optional<SettingsFlags> ParseSettingsFlags(FrameReader frame);
 
 /// A moment of GPS time as the tilt sensor reports it.
 struct TiltTime
@@ -147,7 +147,7 @@ struct TiltReading
     double tiltRad = 0.0;
     std::optional<TiltTime> time; ///< nothing when unknown
 };
-[[nodiscard]] std::optional<TiltReading> ParseTiltReading(FrameBuffer& frame);
+[[nodiscard]] std::optional<TiltReading> ParseTiltReading(FrameReader frame);
 
 /// The tilt sensor's calibration record, reply 0xC8.
 struct TiltCalibration
@@ -156,6 +156,6 @@ struct TiltCalibration
     std::optional<TiltTime> calibrated; ///< nothing when never
     int progressPercent = 0;            ///< while a calibration runs
 };
-[[nodiscard]] std::optional<TiltCalibration> ParseTiltCalibration(FrameBuffer& frame);
+[[nodiscard]] std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame);
 
 } // namespace fieldcore

@@ -54,7 +54,7 @@ private:
     std::size_t m_left;
 };
 
-bool ReadTextRecord(FrameBuffer& frame, bool secondSignal, Remaining& left,
+bool ReadTextRecord(FrameReader& frame, bool secondSignal, Remaining& left,
                     ListedSatellite& satellite)
 {
     if (!left.Spend(kTextRecord + (secondSignal ? kTextSecondSignal : 0))) {
@@ -94,29 +94,29 @@ void Classify(ListedSatellite& satellite)
     }
 }
 
-bool ReadBinaryRecord(FrameBuffer& frame, std::uint8_t format, Remaining& left,
+bool ReadBinaryRecord(FrameReader& frame, std::uint8_t format, Remaining& left,
                       ListedSatellite& satellite)
 {
     const auto signalCount = static_cast<std::size_t>(std::popcount(format & 0x0FU));
     if (!left.Spend(kBinaryRecord + signalCount)) {
         return false;
     }
-    satellite.rawNumber = frame.GetByte();
+    satellite.rawNumber = frame.Byte();
     Classify(satellite);
     if (satellite.system == ListedSatellite::Glonass) {
         if (!left.Spend(1)) {
             return false;
         }
-        frame.SkipBytes(1);
+        frame.Skip(1);
     }
-    const std::uint8_t a = frame.GetByte();
-    const std::uint8_t b = frame.GetByte();
+    const std::uint8_t a = frame.Byte();
+    const std::uint8_t b = frame.Byte();
     satellite.azimuthDeg = a + ((b & 0x80) != 0 ? 256 : 0);
     satellite.elevationDeg = b & 0x7F;
     constexpr std::array<std::size_t, 4> kWireOrder{0, 1, 3, 2}; // bit 2 stands for the fourth
     for (std::size_t bit = 0; bit < kWireOrder.size(); ++bit) {
         if ((format >> bit & 1) != 0) {
-            satellite.signals[kWireOrder[bit]] = frame.GetByte() / 4.0;
+            satellite.signals[kWireOrder[bit]] = frame.Byte() / 4.0;
         }
     }
     return IsDirection(satellite);
@@ -129,7 +129,7 @@ void Add(SatelliteList& list, const ListedSatellite& satellite)
     list.satellites.push_back(satellite);
 }
 
-bool ReadBinaryRecords(FrameBuffer& frame, std::uint8_t format, int count, Remaining& left,
+bool ReadBinaryRecords(FrameReader& frame, std::uint8_t format, int count, Remaining& left,
                        SatelliteList& list)
 {
     for (int i = 0; i < count; ++i) {
@@ -143,26 +143,24 @@ bool ReadBinaryRecords(FrameBuffer& frame, std::uint8_t format, int count, Remai
 }
 
 /// Starts reading satellite data of a sub-type; false if the frame is none or too short.
-bool BeginData(FrameBuffer& frame, std::uint8_t subType, std::size_t length)
+bool BeginData(FrameReader& frame, std::uint8_t subType, std::size_t length)
 {
-    if (frame.GetReplyType() != kDataType || frame.GetDataLength() < length) {
+    if (frame.Type() != kDataType || frame.DataLength() < length) {
         return false;
     }
-    frame.ResetReadPos();
-    return frame.GetByte() == subType;
+    return frame.Byte() == subType;
 }
 
 } // namespace
 
-std::optional<SatelliteList> ParseSatelliteList(FrameBuffer& frame)
+std::optional<SatelliteList> ParseSatelliteList(FrameReader frame)
 {
-    if (frame.GetReplyType() != kListType || frame.GetDataLength() < kListHeader) {
+    if (frame.Type() != kListType || frame.DataLength() < kListHeader) {
         return std::nullopt;
     }
-    frame.ResetReadPos();
     const int count = IntegerField(frame, 2);
-    const std::uint8_t format = frame.GetByte();
-    Remaining left(frame.GetDataLength() - kListHeader);
+    const std::uint8_t format = frame.Byte();
+    Remaining left(frame.DataLength() - kListHeader);
     SatelliteList list;
     if ((format & kTextFormat) == 0) {
         if (!ReadBinaryRecords(frame, format, count, left, list)) {
@@ -180,19 +178,18 @@ std::optional<SatelliteList> ParseSatelliteList(FrameBuffer& frame)
     return list;
 }
 
-std::optional<bool> ParseSatelliteListFrame(FrameBuffer& frame, SatelliteListForm form, int number,
+std::optional<bool> ParseSatelliteListFrame(FrameReader frame, SatelliteListForm form, int number,
                                             SatelliteList& list)
 {
-    if (frame.GetReplyType() != kListType || frame.GetDataLength() < kListFrameHeader) {
+    if (frame.Type() != kListType || frame.DataLength() < kListFrameHeader) {
         return std::nullopt;
     }
-    frame.ResetReadPos();
-    const std::uint8_t echo = frame.GetByte();
-    const std::uint8_t frameNumber = frame.GetByte();
-    const bool last = frame.GetByte() == 1;
-    const std::uint8_t format = frame.GetByte();
-    const std::uint8_t count = frame.GetByte();
-    Remaining left(frame.GetDataLength() - kListFrameHeader);
+    const std::uint8_t echo = frame.Byte();
+    const std::uint8_t frameNumber = frame.Byte();
+    const bool last = frame.Byte() == 1;
+    const std::uint8_t format = frame.Byte();
+    const std::uint8_t count = frame.Byte();
+    Remaining left(frame.DataLength() - kListFrameHeader);
     if (echo != static_cast<std::uint8_t>(form) || frameNumber != number ||
         !ReadBinaryRecords(frame, format, count, left, list)) {
         return std::nullopt;
@@ -200,73 +197,73 @@ std::optional<bool> ParseSatelliteListFrame(FrameBuffer& frame, SatelliteListFor
     return last;
 }
 
-std::optional<AlmanacReply> ParseAlmanac(FrameBuffer& frame, int prn)
+std::optional<AlmanacReply> ParseAlmanac(FrameReader frame, int prn)
 {
     if (!BeginData(frame, kAlmanacSubType, kAlmanacLength)) {
         return std::nullopt;
     }
     AlmanacReply reply;
-    reply.prn = frame.GetByte();
-    reply.timeStamp = frame.GetLong();
-    reply.week = frame.GetWord();
-    reply.toaS = frame.GetLong();
-    reply.sqrtA = frame.GetDouble();
-    reply.eccentricity = frame.GetDouble();
-    reply.inclination = frame.GetDouble();
-    reply.omegaDot = frame.GetDouble();
-    reply.omega0 = frame.GetDouble();
-    reply.omega = frame.GetDouble();
-    reply.m0 = frame.GetDouble();
-    reply.health = frame.GetByte();
+    reply.prn = frame.Byte();
+    reply.timeStamp = frame.Long();
+    reply.week = frame.Word();
+    reply.toaS = frame.Long();
+    reply.sqrtA = frame.Double();
+    reply.eccentricity = frame.Double();
+    reply.inclination = frame.Double();
+    reply.omegaDot = frame.Double();
+    reply.omega0 = frame.Double();
+    reply.omega = frame.Double();
+    reply.m0 = frame.Double();
+    reply.health = frame.Byte();
     if (reply.prn != prn) {
         return std::nullopt;
     }
     return reply;
 }
 
-std::optional<SatelliteDataReply> ParseSatelliteData(FrameBuffer& frame, bool withTriples)
+std::optional<SatelliteDataReply> ParseSatelliteData(FrameReader frame, bool withTriples)
 {
     if (!BeginData(frame, kGeneralSubType, kGeneralLength + (withTriples ? kTriplesLength : 0))) {
         return std::nullopt;
     }
-    frame.SkipBytes(1);
+    frame.Skip(1);
     SatelliteDataReply reply;
     for (std::uint32_t& word : reply.words) {
-        word = frame.GetLong();
+        word = frame.Long();
     }
-    frame.SkipBytes(4);
+    frame.Skip(4);
     for (std::uint16_t& word : reply.shortWords) {
-        word = frame.GetWord();
+        word = frame.Word();
     }
     for (std::uint32_t& word : reply.moreWords) {
-        word = frame.GetLong();
+        word = frame.Long();
     }
     if (withTriples) {
         for (std::uint32_t& triple : reply.triples) {
-            triple = frame.GetTriple();
+            triple = frame.Triple();
         }
     }
     return reply;
 }
 
-std::optional<SatelliteDataExtra> ParseSatelliteDataExtra(FrameBuffer& frame)
+std::optional<SatelliteDataExtra> ParseSatelliteDataExtra(FrameReader frame)
 {
     if (!BeginData(frame, kExtraSubType, kExtraLength)) {
         return std::nullopt;
     }
-    frame.SkipBytes(1);
-    const std::uint8_t p = frame.GetByte();
-    const std::uint8_t q = frame.GetByte();
-    const std::uint8_t r = frame.GetByte();
+    frame.Skip(1);
+    const std::uint8_t p = frame.Byte();
+    const std::uint8_t q = frame.Byte();
+    const std::uint8_t r = frame.Byte();
     SatelliteDataExtra extra{};
     if (p != 4 || q != 0 || r != 2) {
         return extra;
     }
-    if (frame.GetDataLength() < kExtraLength + kExtraWordsLength) {
+    if (frame.DataLength() < kExtraLength + kExtraWordsLength) {
         return std::nullopt;
     }
     for (std::uint16_t& word : extra) {
-        word = frame.GetWord();
+        word = frame.Word();
     }
     return extra;
 }

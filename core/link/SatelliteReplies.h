@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/FrameBuffer.h"
+#include "core/link/FrameReader.h"
 
 #include <array>
 #include <cstdint>
@@ -41,7 +41,7 @@ struct SatelliteList
 };
 
 /// The list in a single frame, reply 0x17.
-[[nodiscard]] std::optional<SatelliteList> ParseSatelliteList(FrameBuffer& frame);
+[[nodiscard]] std::optional<SatelliteList> ParseSatelliteList(FrameReader frame);
 
 /// Which list is asked for in several frames.
 enum class SatelliteListForm : std::uint8_t
@@ -53,9 +53,8 @@ enum class SatelliteListForm : std::uint8_t
 /// Adds one frame of a list in several frames, reply 0x17.
 /// @param number  the frame expected, from 0
 /// @return whether it was the last; nothing if the frame is not the expected one
-[[nodiscard]] std::optional<bool> ParseSatelliteListFrame(FrameBuffer& frame,
-                                                          SatelliteListForm form, int number,
-                                                          SatelliteList& list);
+[[nodiscard]] std::optional<bool> ParseSatelliteListFrame(FrameReader frame, SatelliteListForm form,
+                                                          int number, SatelliteList& list);
 
 /// Almanac of one GPS satellite, reply 0x55 with sub-type 2. Angles are semicircles, as sent.
 struct AlmanacReply
@@ -74,7 +73,7 @@ struct AlmanacReply
     std::uint8_t health = 0;  ///< 0: healthy
 };
 /// @param prn  the satellite that was asked for
-[[nodiscard]] std::optional<AlmanacReply> ParseAlmanac(FrameBuffer& frame, int prn);
+[[nodiscard]] std::optional<AlmanacReply> ParseAlmanac(FrameReader frame, int prn);
 
 /// General satellite data, reply 0x55 with sub-type 0: words whose meaning the host knows.
 struct SatelliteDataReply
@@ -84,12 +83,12 @@ struct SatelliteDataReply
     std::array<std::uint32_t, 2> moreWords{};
     std::array<std::uint32_t, 7> triples{}; ///< 24 bits each; only if they were asked for
 };
-[[nodiscard]] std::optional<SatelliteDataReply> ParseSatelliteData(FrameBuffer& frame,
+[[nodiscard]] std::optional<SatelliteDataReply> ParseSatelliteData(FrameReader frame,
                                                                    bool withTriples);
 
 /// Further satellite data, reply 0x55 with sub-type 0x14: five words, zero when the receiver
 /// answered another selection than 4, 0, 2.
 using SatelliteDataExtra = std::array<std::uint16_t, 5>;
-[[nodiscard]] std::optional<SatelliteDataExtra> ParseSatelliteDataExtra(FrameBuffer& frame);
+[[nodiscard]] std::optional<SatelliteDataExtra> ParseSatelliteDataExtra(FrameReader frame);
 
 } // namespace fieldcore

@@ -1,4 +1,5 @@
 #include "core/link/FileReplies.h"
+#include "core/link/FrameBuffer.h"
 
 #include "tests/core/link/FileServer.h"
 
@@ -31,7 +32,7 @@ TEST(FileReplies, ReadsThePageOfAPica)
     FrameBuffer frame = Loaded({0x02, 0x00, 0x79, 0x18, 0x00, 0x01, 0x00, 0x04, 0x41, 0x30,
                                 0x33, 0x31, 0x34, 0x41, 0x30, 0x30, 0x00, 0x00, 0xBC, 0x55,
                                 0x07, 0xEA, 0x03, 0x0E, 0x01, 0x1E, 0x00, 0x00, 0x72, 0x03});
-    const auto page = ParsePicaFilePage(frame);
+    const auto page = ParsePicaFilePage(frame.Reader());
     ASSERT_TRUE(page);
     EXPECT_TRUE(page->last);
     ASSERT_EQ(page->count, 1U);
@@ -47,7 +48,7 @@ TEST(FileReplies, ReadsThePageOfALark)
     FrameBuffer frame = Loaded({0x02, 0x00, 0x9D, 0x1A, 0x80, 0x01, 0x41, 0x30, 0x33, 0x31, 0x34,
                                 0x41, 0x30, 0x30, 0x2E, 0x51, 0x30, 0x31, 0x20, 0x20, 0x00, 0x00,
                                 0xBC, 0x55, 0x56, 0xE5, 0xFF, 0x00, 0x00, 0x00, 0x4D, 0x03});
-    const auto page = ParseLarkFilePage(frame);
+    const auto page = ParseLarkFilePage(frame.Reader());
     ASSERT_TRUE(page);
     EXPECT_TRUE(page->last);
     EXPECT_EQ(page->number, 0);
@@ -79,7 +80,7 @@ TEST(FileReplies, MakesNoTimeOfWhatIsNoDate)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         FrameBuffer frame = Loaded(Page(0x79, 0, {PicaRecord(1, "A", 0, row.dateAndTime)}));
-        const auto page = ParsePicaFilePage(frame);
+        const auto page = ParsePicaFilePage(frame.Reader());
         ASSERT_TRUE(page);
         EXPECT_EQ(page->files[0].time, row.time);
     }
@@ -115,9 +116,9 @@ TEST(FileReplies, RefusesWhatDoesNotFitItsLayout)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         FrameBuffer frame = Loaded(row.frame);
-        EXPECT_EQ(ParsePicaFilePage(frame).has_value(), row.pica);
-        EXPECT_EQ(ParseLarkFilePage(frame).has_value(), row.lark);
-        EXPECT_EQ(ParseFileBlock(frame).has_value(), row.block);
+        EXPECT_EQ(ParsePicaFilePage(frame.Reader()).has_value(), row.pica);
+        EXPECT_EQ(ParseLarkFilePage(frame.Reader()).has_value(), row.lark);
+        EXPECT_EQ(ParseFileBlock(frame.Reader()).has_value(), row.block);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "core/link/Replies.h"
+#include "core/link/FrameBuffer.h"
 
 #include "core/link/Identification.h"
 #include "tests/core/link/FarEnd.h"
@@ -26,13 +27,13 @@ FrameBuffer Loaded(const Bytes& frame)
 }
 
 template <typename Reply>
-using Parser = std::optional<Reply> (*)(FrameBuffer&);
+using Parser = std::optional<Reply> (*)(FrameReader);
 
 template <typename Reply>
 std::optional<Reply> Parse(Parser<Reply> parser, std::uint8_t type, const Bytes& data)
 {
     FrameBuffer buffer = Loaded(Frame(type, data));
-    return parser(buffer);
+    return parser(buffer.Reader());
 }
 
 Bytes F64(double value)

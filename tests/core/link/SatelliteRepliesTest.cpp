@@ -1,4 +1,5 @@
 #include "core/link/SatelliteReplies.h"
+#include "core/link/FrameBuffer.h"
 
 #include "tests/core/link/FarEnd.h"
 
@@ -26,7 +27,7 @@ FrameBuffer Loaded(std::uint8_t type, const Bytes& data)
 std::optional<SatelliteList> List(const Bytes& data)
 {
     FrameBuffer buffer = Loaded(0x17, data);
-    return ParseSatelliteList(buffer);
+    return ParseSatelliteList(buffer.Reader());
 }
 
 TEST(SatelliteList, TextRecords)
@@ -149,7 +150,7 @@ TEST(SatelliteData, Almanac)
     }
     data.push_back(9);
     FrameBuffer buffer = Loaded(0x55, data);
-    const auto almanac = ParseAlmanac(buffer, 17);
+    const auto almanac = ParseAlmanac(buffer.Reader(), 17);
     ASSERT_TRUE(almanac);
     EXPECT_EQ(almanac->prn, 17);
     EXPECT_EQ(almanac->timeStamp, 0x00010203U);
@@ -164,14 +165,14 @@ TEST(SatelliteData, Almanac)
     EXPECT_EQ(almanac->omega, 128.0);
     EXPECT_EQ(almanac->m0, 256.0);
     EXPECT_EQ(almanac->health, 9);
-    EXPECT_FALSE(ParseAlmanac(buffer, 18)) << "another satellite's almanac";
+    EXPECT_FALSE(ParseAlmanac(buffer.Reader(), 18)) << "another satellite's almanac";
     data[0] = 0;
     buffer = Loaded(0x55, data);
-    EXPECT_FALSE(ParseAlmanac(buffer, 17)) << "another sub-type";
+    EXPECT_FALSE(ParseAlmanac(buffer.Reader(), 17)) << "another sub-type";
     data[0] = 2;
     data.pop_back();
     buffer = Loaded(0x55, data);
-    EXPECT_FALSE(ParseAlmanac(buffer, 17)) << "cut off";
+    EXPECT_FALSE(ParseAlmanac(buffer.Reader(), 17)) << "cut off";
 }
 
 TEST(SatelliteData, GeneralWords)
@@ -181,7 +182,7 @@ TEST(SatelliteData, GeneralWords)
         data.push_back(i);
     }
     FrameBuffer buffer = Loaded(0x55, data);
-    const auto reply = ParseSatelliteData(buffer, true);
+    const auto reply = ParseSatelliteData(buffer.Reader(), true);
     ASSERT_TRUE(reply);
     EXPECT_EQ(reply->words[0], 0x02030405U);
     EXPECT_EQ(reply->words[7], 0x1E1F2021U);
@@ -192,24 +193,24 @@ TEST(SatelliteData, GeneralWords)
     EXPECT_EQ(reply->triples[6], 0x444546U);
     data.resize(50);
     buffer = Loaded(0x55, data);
-    EXPECT_TRUE(ParseSatelliteData(buffer, false));
-    EXPECT_FALSE(ParseSatelliteData(buffer, true)) << "the longer form was asked for";
+    EXPECT_TRUE(ParseSatelliteData(buffer.Reader(), false));
+    EXPECT_FALSE(ParseSatelliteData(buffer.Reader(), true)) << "the longer form was asked for";
 }
 
 TEST(SatelliteData, ExtraWords)
 {
     const Bytes words{0, 1, 0, 2, 0, 3, 0, 4, 0xFF, 0xFF};
     FrameBuffer buffer = Loaded(0x55, Joined({{0x14, 0xC1, 4, 0, 2}, words}));
-    EXPECT_EQ(ParseSatelliteDataExtra(buffer), (SatelliteDataExtra{1, 2, 3, 4, 0xFFFF}));
+    EXPECT_EQ(ParseSatelliteDataExtra(buffer.Reader()), (SatelliteDataExtra{1, 2, 3, 4, 0xFFFF}));
     for (const Bytes& other :
          {Bytes{0x14, 0xC1, 5, 0, 2}, {0x14, 0xC1, 4, 1, 2}, {0x14, 0xC1, 4, 0, 3}}) {
         buffer = Loaded(0x55, Joined({other, words}));
-        EXPECT_EQ(ParseSatelliteDataExtra(buffer), SatelliteDataExtra{});
+        EXPECT_EQ(ParseSatelliteDataExtra(buffer.Reader()), SatelliteDataExtra{});
     }
     buffer = Loaded(0x55, {0x14, 0xC1, 4, 0, 2, 0, 1});
-    EXPECT_FALSE(ParseSatelliteDataExtra(buffer)) << "words cut off";
+    EXPECT_FALSE(ParseSatelliteDataExtra(buffer.Reader())) << "words cut off";
     buffer = Loaded(0x55, Joined({{0x00, 0xC1, 4, 0, 2}, words}));
-    EXPECT_FALSE(ParseSatelliteDataExtra(buffer)) << "another sub-type";
+    EXPECT_FALSE(ParseSatelliteDataExtra(buffer.Reader())) << "another sub-type";
 }
 
 } // namespace

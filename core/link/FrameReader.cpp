@@ -1,0 +1,111 @@
+#include "core/link/FrameReader.h"
+
+#include "core/platform/Cp932.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr std::uint8_t kStx = 0x02;
+constexpr std::size_t kLongestText = 255;
+
+} // namespace
+
+std::uint8_t FrameChecksum(std::span<const std::uint8_t> frame, std::size_t end)
+{
+    unsigned sum = 0;
+    for (std::size_t i = 1; i < end; ++i) {
+        sum += frame[i];
+    }
+    return static_cast<std::uint8_t>(sum);
+}
+
+std::uint32_t FrameReader::DataLength() const
+{
+    if (m_bytes.size() <= kFrameDataStart) {
+        return 0;
+    }
+    return Type() == kLongFrameType ? static_cast<std::uint32_t>(m_bytes[3]) << 8 | m_bytes[4]
+                                    : m_bytes[3];
+}
+
+bool FrameReader::IsIntact(std::uint32_t dataLength) const
+{
+    const std::size_t lengthBytes = Type() == kLongFrameType ? 2 : 1;
+    const std::size_t end = 3 + lengthBytes + std::size_t{dataLength};
+    return end < m_bytes.size() && m_bytes[0] == kStx &&
+           FrameChecksum(m_bytes, end) == m_bytes[end];
+}
+
+void FrameReader::Skip(std::size_t count)
+{
+    m_cursor += std::min(count, m_bytes.size() - std::min(m_cursor, m_bytes.size()));
+}
+
+std::uint8_t FrameReader::Byte(ByteForm form)
+{
+    const auto value = static_cast<std::uint8_t>(Integer(1));
+    if (form == ByteForm::Number) {
+        return value;
+    }
+    // The top bit makes a negative character, which is below '0' like a blank.
+    const bool belowZero = value < '0' || value >= 0x80;
+    return belowZero ? std::uint8_t{0} : static_cast<std::uint8_t>(value - '0');
+}
+
+double FrameReader::Double()
+{
+    const auto bytes = Bytes(sizeof(double));
+    if (bytes.empty()) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    std::uint64_t bits = 0;
+    for (const std::uint8_t byte : bytes) {
+        bits = bits << 8 | byte;
+    }
+    return std::bit_cast<double>(bits);
+}
+
+float FrameReader::Float()
+{
+    return std::bit_cast<float>(Integer(sizeof(float)));
+}
+
+std::span<const std::uint8_t> FrameReader::Bytes(std::size_t count)
+{
+    const std::size_t start = std::min(m_cursor, m_bytes.size());
+    Skip(count);
+    return count > m_bytes.size() - start ? std::span<const std::uint8_t>()
+                                          : m_bytes.subspan(start, count);
+}
+
+std::string FrameReader::Chars(std::size_t count)
+{
+    const auto bytes = Bytes(count);
+    return {bytes.begin(), bytes.end()};
+}
+
+std::wstring FrameReader::Text(std::size_t count)
+{
+    std::string bytes = Chars(count);
+    bytes.resize(std::min(bytes.size(), kLongestText));
+    bytes.resize(std::min(bytes.size(), bytes.find('\0')));
+    return FromCp932(bytes);
+}
+
+std::uint32_t FrameReader::Integer(std::size_t width)
+{
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < width; ++i) {
+        const std::size_t index = m_cursor + i;
+        value = value << 8 | (index < m_bytes.size() ? m_bytes[index] : 0xFFU);
+    }
+    Skip(width);
+    return value;
+}
+
+} // namespace fieldcore

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace fieldcore {
+
+/// Size of every buffer that holds a frame, bytes.
+inline constexpr std::size_t kFrameBufferSize = 1024;
+
+/// The type of the only frames that carry a 16-bit data length.
+inline constexpr std::uint8_t kLongFrameType = 0x95;
+
+/// Where the data of a short frame begin.
+inline constexpr std::size_t kFrameDataStart = 4;
+
+/// How a byte is read.
+enum class ByteForm
+{
+    Number,
+    Digit, ///< an ASCII digit as its value; any character below '0' is 0
+};
+
+/// Reads one frame of the receiver's protocol from left to right. A view: it owns no bytes and must
+/// not outlive them; copying it copies the cursor.
+///
+/// A frame is STX, status, type, data length n, n data bytes, checksum, ETX; a long frame (type
+/// 0x95, received only) has two length bytes. The checksum is the sum of everything between STX
+/// and itself, modulo 256. Integers are big-endian.
+///
+/// Nothing is ever read outside the bytes: what lies behind them reads as 0xFF, and a copy of
+/// several bytes is made only if all of them are there. Any thread, one at a time.
+class FrameReader
+{
+public:
+    /// @param bytes   a frame from its STX on, or the buffer that it stands at the start of
+    /// @param cursor  the first byte to read
+    explicit FrameReader(std::span<const std::uint8_t> bytes, std::size_t cursor = kFrameDataStart)
+        : m_bytes(bytes), m_cursor(cursor)
+    {}
+
+    /// The frame's type; 0 if there is none.
+    [[nodiscard]] std::uint8_t Type() const { return m_bytes.size() > 2 ? m_bytes[2] : 0; }
+    /// The data length of the header; 0 if there is none.
+    [[nodiscard]] std::uint32_t DataLength() const;
+    /// Whether STX stands first and the checksum is right. ETX is not looked at.
+    [[nodiscard]] bool IsIntact() const { return IsIntact(DataLength()); }
+    /// The same with a data length that is known otherwise.
+    [[nodiscard]] bool IsIntact(std::uint32_t dataLength) const;
+
+    [[nodiscard]] std::size_t Cursor() const { return m_cursor; }
+    void Skip(std::size_t count);
+    std::uint8_t Byte(ByteForm form = ByteForm::Number);
+    std::uint16_t Word() { return static_cast<std::uint16_t>(Integer(2)); }
+    std::uint32_t Triple() { return Integer(3); }
+    std::uint32_t Long() { return Integer(4); }
+    /// An IEEE 754 double; NaN if it is not there.
+    double Double();
+    /// An IEEE 754 single; NaN if it is not there.
+    float Float();
+    /// The next @p count bytes as they are; empty if they are not there.
+    std::span<const std::uint8_t> Bytes(std::size_t count);
+    /// The same as characters.
+    std::string Chars(std::size_t count);
+    /// @p count bytes of CP932 as text, at most 255 bytes of them; a zero byte ends the text.
+    std::wstring Text(std::size_t count);
+
+private:
+    std::uint32_t Integer(std::size_t width);
+
+    std::span<const std::uint8_t> m_bytes;
+    std::size_t m_cursor;
+};
+
+/// The checksum of a frame: of everything between STX and the byte at @p end.
+[[nodiscard]] std::uint8_t FrameChecksum(std::span<const std::uint8_t> frame, std::size_t end);
+
+} // namespace fieldcore
