@@ -223,7 +223,7 @@ SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host)
     }
     for (;;) {
         const Clock::Duration left = deadline - m_clock.Steady();
-        if (m_frameReady.Wait(m_clock.RealTime(std::min<Clock::Duration>(left, kWaitSlice)))) {
+        if (m_clock.Wait(m_frameReady, std::min<Clock::Duration>(left, kWaitSlice))) {
             if (IsDeliveryWaiting()) { // else it was taken with the one before it
                 return WaitOutcome::Delivered;
             }
@@ -531,12 +531,12 @@ bool SerialLink::Deliver(const Delivery& delivery)
 void SerialLink::AwaitConsumer()
 {
     std::unique_lock lock(m_mutex);
-    const auto limit = m_clock.RealTime(m_replyTimeout);
+    const milliseconds limit = m_replyTimeout;
     bool isTaken = true;
     while (m_handOver && m_deliveries.IsFull() && isTaken && !m_closing) {
         m_consumed.Reset(); // a Set() that comes too late would only go round once more
         lock.unlock();
-        isTaken = m_consumed.Wait(limit);
+        isTaken = m_clock.Wait(m_consumed, limit);
         lock.lock();
     }
 }

@@ -1,5 +1,7 @@
 #include "core/platform/Clock.h"
 
+#include "core/platform/AutoResetEvent.h"
+
 #include <ctime>
 #include <thread>
 
@@ -8,6 +10,11 @@ namespace fieldcore {
 void Clock::Sleep(Duration duration) const
 {
     std::this_thread::sleep_for(RealTime(duration));
+}
+
+bool Clock::Wait(AutoResetEvent& event, Duration limit) const
+{
+    return event.Wait(RealTime(limit));
 }
 
 SystemClock& SystemClock::Instance()

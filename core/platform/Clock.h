@@ -4,9 +4,11 @@
 
 namespace fieldcore {
 
+class AutoResetEvent;
+
 /// The controller's clock: date and time, and the steady time in which time-outs and ages are
-/// counted. It is handed in wherever time matters, so that a test or the simulator can let time
-/// run faster than it does; every wait is converted by RealTime() before the system is asked.
+/// counted. It is handed in wherever time matters, and whoever waits for time to pass waits through
+/// it: a test or the simulator can let time run faster than it does, or only while everybody waits.
 /// Any thread.
 class Clock
 {
@@ -29,7 +31,11 @@ public:
     [[nodiscard]] virtual Duration RealTime(Duration duration) const = 0;
 
     /// Blocks the calling thread for @p duration of this clock.
-    void Sleep(Duration duration) const;
+    virtual void Sleep(Duration duration) const;
+
+    /// Waits for @p event, at most @p limit of this clock; 0 or less only looks.
+    /// @return false if the limit passed first
+    [[nodiscard]] virtual bool Wait(AutoResetEvent& event, Duration limit) const;
 };
 
 /// The operating system's clock. Setting it is refused until AllowSetting(true): only the user
