@@ -43,7 +43,7 @@ Controller::Controller(const AppOptions& options)
         m_notices += UiText(text::kNoticePort).arg(fieldcore::ToQt(setting));
     }
     m_command = std::make_unique<CCommand>(
-        CommandChannel::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
+        CCommand::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
     m_command->SetFrameObserver(m_frames.Observer());
     m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);

@@ -32,7 +32,7 @@ public:
 
 FilePictures::FilePictures(Host& host, const Clock& clock)
     : m_command(
-          std::make_unique<CCommand>(CommandChannel::Surroundings{&host, &clock, nullptr, nullptr}))
+          std::make_unique<CCommand>(CCommand::Surroundings{&host, &clock, nullptr, nullptr}))
 {
     std::string error;
     const auto scenario = simulator::LoadScenario("lettered-power", error);

@@ -6,7 +6,7 @@
 #include "core/equipment/FileDownload.h"
 #include "core/equipment/FileTexts.h"
 #include "core/equipment/TransferProgress.h"
-#include "core/link/FileCommands.h"
+#include "core/link/ReceivedFile.h"
 
 #include <algorithm>
 #include <chrono>

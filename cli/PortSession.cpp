@@ -89,7 +89,7 @@ std::optional<Failure> PortSession::Prepare()
         return failure;
     }
     m_command = std::make_unique<CCommand>(
-        CommandChannel::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
+        CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
     if (!m_options.log.empty()) {
         m_command->SetFrameObserver(
             [this](Direction direction, std::span<const std::uint8_t> frame) {

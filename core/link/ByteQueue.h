@@ -17,6 +17,11 @@ public:
 
     [[nodiscard]] std::size_t Size() const { return m_end - m_begin; }
 
+    [[nodiscard]] std::span<const std::uint8_t> Bytes() const
+    {
+        return std::span(m_bytes).subspan(m_begin, Size());
+    }
+
     /// Room behind the queued bytes; what was written there is queued by Commit().
     [[nodiscard]] std::span<std::uint8_t> Free() { return std::span(m_bytes).subspan(m_end); }
     void Commit(std::size_t count) { m_end += std::min(count, m_bytes.size() - m_end); }

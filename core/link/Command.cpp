@@ -1,8 +1,13 @@
 #include "core/link/Command.h"
 
+#include "core/link/FileListing.h"
+#include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/PosixFileOperations.h"
 
-#include <string>
+#include <algorithm>
+#include <array>
+#include <cstdio>
 
 namespace fieldcore {
 
@@ -12,7 +17,53 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kWakePause{500};
 constexpr milliseconds kBreakDuration{300};
-constexpr int kMostListFrames = 256; // they are numbered by a byte
+constexpr int kMostListFrames = 256;      // they are numbered by a byte
+constexpr std::size_t kLongestLine = 256; // bytes, without the CR LF that is added
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::uint8_t kDeletePica = 0x60;
+constexpr std::uint8_t kRecoverPica = 0x68;
+constexpr std::uint8_t kListPica = 0x79;
+constexpr std::uint8_t kFetch = 0x96;
+constexpr std::uint8_t kListLark = 0x9C;
+constexpr std::uint8_t kDeleteLark = 0xA0;
+constexpr std::uint8_t kRecoverLark = 0xA1;
+constexpr std::uint32_t kSecondPica = 3020;
+constexpr std::intptr_t kListEnded = 1;
+
+const char* Describe(CommandFault fault)
+{
+    switch (fault) {
+    case CommandFault::None:
+        return "";
+    case CommandFault::Busy:
+        return "another request is under way";
+    case CommandFault::NotOpen:
+        return "no port is open";
+    case CommandFault::OpenFailed:
+        return "the port could not be opened";
+    case CommandFault::TooLong:
+        return "the request does not fit into a frame";
+    case CommandFault::WriteFailed:
+        return "the request could not be written";
+    case CommandFault::TimedOut:
+        return "no answer in time";
+    case CommandFault::Refused:
+        return "the receiver refused (NAK)";
+    case CommandFault::Malformed:
+        return "the answer was no frame";
+    case CommandFault::BadChecksum:
+        return "the answer was damaged (checksum)";
+    case CommandFault::WrongAnswer:
+        return "an acknowledgement came for data, or data for an acknowledgement";
+    case CommandFault::WrongType:
+        return "the answer was of another type or did not fit its layout";
+    case CommandFault::LinkLost:
+        return "the link is gone";
+    case CommandFault::Cancelled:
+        return "cancelled";
+    }
+    return "";
+}
 
 /// The parity, stop-bit and flow codes of the receiver are those of the port settings, but for
 /// flow control: it knows none, XON/XOFF and the hardware lines.
@@ -38,13 +89,246 @@ CCommand* GetCCommand()
     return &command;
 }
 
+CCommand::CCommand(Surroundings surroundings)
+    : m_channel(std::make_shared<Channel>(surroundings)), m_host(surroundings.host)
+{}
+
+CCommand::CCommand(const CCommand& shared, Host& host) : m_channel(shared.m_channel), m_host(&host)
+{}
+
+CCommand::~CCommand() = default;
+
+Questions& CCommand::Background()
+{
+    if (!m_questions) {
+        m_questions = std::make_unique<Questions>(*this);
+    }
+    return *m_questions;
+}
+
+// The port.
+
+int CCommand::OpenPort(int portNumber, const PortSettings& settings)
+{
+    return OpenPort(m_channel->PathOf(portNumber), settings, portNumber);
+}
+
+int CCommand::OpenPort(const std::string& devicePath, const PortSettings& settings, int portNumber)
+{
+    m_failed = {};
+    ChannelTurn turn(*m_channel, GetHost());
+    if (!turn.IsMine()) {
+        return Finish(turn, 0);
+    }
+    m_timeout = {};
+    return Finish(turn, turn.Open(devicePath, settings, portNumber));
+}
+
+void CCommand::ClosePort()
+{
+    /// Lets the host breathe, but goes on waiting for the turn.
+    class Patient final : public Host
+    {
+    public:
+        explicit Patient(Host& host) : m_host(host) {}
+        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style) override
+        {
+            return HarmlessAnswer(style.buttons);
+        }
+        bool Breathe() override { return m_host.Breathe() || true; }
+
+    private:
+        Host& m_host;
+    };
+    if (IsPortOpen() == 0) {
+        return;
+    }
+    Patient host(GetHost());
+    ChannelTurn turn(*m_channel, host);
+    if (turn.IsMine()) {
+        turn.Close();
+    }
+}
+
+int CCommand::PurgePort()
+{
+    return InTurn(0, [](ChannelTurn& turn) { return turn.Purge(); });
+}
+
+void CCommand::SetFraming(SerialLink::Framing framing)
+{
+    ChannelTurn turn(*m_channel, GetHost());
+    if (turn.MayAsk()) {
+        turn.Link().SetFraming(framing);
+    }
+}
+
+void CCommand::SetHandOver(bool on)
+{
+    ChannelTurn turn(*m_channel, GetHost());
+    if (turn.MayAsk()) {
+        turn.Link().SetHandOver(on);
+    }
+}
+
+void CCommand::SetFrameObserver(FrameObserver observer)
+{
+    if (!observer) {
+        SetLineObserver({});
+        return;
+    }
+    SetLineObserver([observer = std::move(observer)](Direction direction, LineUnit unit,
+                                                     std::span<const std::uint8_t> bytes) {
+        if (unit == LineUnit::Frame) {
+            observer(direction, bytes);
+        }
+    });
+}
+
+// Exchanges.
+
+template <typename Work>
+int CCommand::InTurn(std::uint8_t request, Work work)
+{
+    m_failed = {CommandFault::None, request, 0, {}};
+    ChannelTurn turn(*m_channel, GetHost(), PacketBuffer, m_timeout);
+    return Finish(turn, turn.MayAsk() ? work(turn) : 0);
+}
+
+/// Keeps how the turn went.
+int CCommand::Finish(ChannelTurn& turn, int result)
+{
+    m_failed.fault = turn.Fault();
+    m_failed.answer = GetReplyType();
+    if (turn.Fault() == CommandFault::OpenFailed || turn.Fault() == CommandFault::WriteFailed ||
+        turn.Fault() == CommandFault::LinkLost) {
+        m_failed.device = m_channel->DeviceFault();
+    }
+    if (turn.Last().state == ExchangeState::Frame) {
+        ReadDataLength();
+    }
+    return result;
+}
+
+int CCommand::Exchange(Answer expected)
+{
+    LastResult =
+        InTurn(GetReplyType(), [&](ChannelTurn& turn) { return turn.Ask(BuiltFrame(), expected); });
+    return LastResult;
+}
+
+int CCommand::SendAndCollect()
+{
+    return InTurn(GetReplyType(),
+                  [&](ChannelTurn& turn) { return turn.Ask(BuiltFrame(), Answer::Anything); });
+}
+
+int CCommand::SendLine(std::wstring_view text)
+{
+    std::string line = ToCp932(text);
+    line.resize(std::min(line.size(), kLongestLine));
+    if (!std::string_view(line).ends_with(kLineEnd)) {
+        line += kLineEnd;
+    }
+    std::size_t length = 0;
+    const int result = InTurn(0, [&](ChannelTurn& turn) {
+        if (turn.Link().GetFraming() != SerialLink::Framing::Lines) {
+            return int{turn.Fail(CommandFault::WrongAnswer)};
+        }
+        const std::vector<std::uint8_t> raw(line.begin(), line.end());
+        if (!turn.Send(raw, LineUnit::Line)) {
+            return 0;
+        }
+        const Delivery answer = turn.Next();
+        if (answer.state == ExchangeState::Malformed) {
+            turn.Fail(CommandFault::Malformed);
+        }
+        length = answer.length;
+        return answer.state == ExchangeState::Frame ? 1 : 0;
+    });
+    if (result == 1) {
+        SetDataLength(static_cast<std::uint32_t>(length));
+    }
+    return result;
+}
+
+int CCommand::SendText(std::wstring_view text)
+{
+    return SendText(std::string_view(ToCp932(text)));
+}
+
+int CCommand::SendText(std::string_view bytes)
+{
+    return InTurn(0, [&](ChannelTurn& turn) {
+        const std::vector<std::uint8_t> raw(bytes.begin(), bytes.end());
+        turn.NoteOdd(); // whatever answers it is not waited for
+        return turn.Send(raw, LineUnit::Line) ? 1 : 0;
+    });
+}
+
+int CCommand::Rest(milliseconds duration)
+{
+    m_failed = {};
+    ChannelTurn turn(*m_channel, GetHost());
+    return Finish(turn, turn.IsMine() && turn.Pause(duration) ? 1 : 0);
+}
+
+int CCommand::Fail(CommandFault fault)
+{
+    m_failed.fault = fault;
+    return 0;
+}
+
+std::string CCommand::LastError() const
+{
+    if (m_failed.fault == CommandFault::None) {
+        return {};
+    }
+    std::string text = Describe(m_failed.fault);
+    std::array<char, 40> buffer{};
+    if (m_failed.request != 0) {
+        std::snprintf(buffer.data(), buffer.size(), "request 0x%02X: ", m_failed.request);
+        text.insert(0, buffer.data());
+    }
+    if (m_failed.fault == CommandFault::WrongType) {
+        std::snprintf(buffer.data(), buffer.size(), " (type 0x%02X)", m_failed.answer);
+        text += buffer.data();
+    }
+    if (!m_failed.device.empty()) {
+        text += " (" + m_failed.device + ")";
+    }
+    return text;
+}
+
 // Building blocks of the requests.
+
+void CCommand::Build(std::uint8_t type, std::span<const std::uint8_t> data)
+{
+    BeginPacket(type, static_cast<std::uint32_t>(data.size()));
+    for (const std::uint8_t byte : data) {
+        PutByte(byte);
+    }
+    EndPacket();
+}
+
+void CCommand::Build(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+{
+    Build(type, std::span(data.begin(), data.size()));
+}
+
+/// A request of these bytes that is answered by an acknowledgement.
+int CCommand::Command(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+{
+    Build(type, data);
+    return Exchange(Answer::Ack);
+}
 
 template <typename Reply>
 int CCommand::Keep(std::optional<Reply> parsed, Reply& reply)
 {
     if (!parsed) {
-        return FailOnType();
+        m_channel->NoteOdd();
+        return Fail(CommandFault::WrongType);
     }
     reply = std::move(*parsed);
     return 1;
@@ -60,14 +344,28 @@ int CCommand::Query(std::optional<Reply> (*parse)(FrameReader), Reply& reply)
 
 int CCommand::RequestIdentity(IdentificationRecord& record)
 {
-    if (!MayStart()) {
-        return 0;
+    const int came = InTurn(0, [](ChannelTurn& turn) {
+        if (!turn.SendBreak(kBreakDuration)) {
+            return 0;
+        }
+        switch (turn.Next().state) {
+        case ExchangeState::Frame:
+            return 1;
+        case ExchangeState::Ack:
+        case ExchangeState::Nak:
+            return int{turn.Fail(CommandFault::WrongAnswer)};
+        case ExchangeState::Malformed:
+            return int{turn.Fail(CommandFault::Malformed)};
+        case ExchangeState::Nothing:
+        case ExchangeState::TimedOut:
+            break;
+        }
+        return 0; // the wait has said why
+    });
+    if (came == 1 && VerifyChecksum() == 0) {
+        return Fail(CommandFault::BadChecksum);
     }
-    const BusyGuard busy(*this);
-    if (BreakAndCollect(kBreakDuration) == 0) {
-        return 0;
-    }
-    return Keep(ParseIdentification(Reader()), record);
+    return came == 1 ? Keep(ParseIdentification(Reader()), record) : 0;
 }
 
 int CCommand::RequestSerial(SerialReply& reply)
@@ -105,47 +403,43 @@ int CCommand::RequestSvList(SatelliteList& list)
 
 int CCommand::RequestSvList(SatelliteList& list, SatelliteListForm form)
 {
-    if (!MayStart()) {
-        return 0;
-    }
     Build(0x16, {static_cast<std::uint8_t>(form)});
-    if (!KeepRequest()) {
-        return 0;
-    }
-    const BusyGuard busy(*this);
-    SetHandOver(true);
     SatelliteList collected;
-    const int result = CollectFrames(collected, form);
-    SetHandOver(false);
-    if (result == 0) {
-        LetLineSettle(); // frames that are still on their way are nobody's answer
-        return 0;
+    const int result = InTurn(0x16, [&](ChannelTurn& turn) {
+        turn.TakeFramesInTurn();
+        const int all = CollectFrames(turn, collected, form);
+        if (all == 0) {
+            turn.NoteOdd(); // frames that are still on their way are nobody's answer
+        }
+        return all;
+    });
+    if (result == 1) {
+        list = std::move(collected);
     }
-    list = std::move(collected);
-    return 1;
+    return result;
 }
 
-int CCommand::CollectFrames(SatelliteList& list, SatelliteListForm form)
+int CCommand::CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteListForm form)
 {
-    if (ExchangeKept(Answer::Reply) == 0) {
+    if (turn.Ask(BuiltFrame(), Answer::Reply) == 0) {
         return 0;
     }
     for (int number = 0; number < kMostListFrames; ++number) {
-        if (number > 0 && WaitForAnswer().state != ExchangeState::Frame) {
+        if (number > 0 && turn.Next().state != ExchangeState::Frame) {
             return 0;
         }
-        if (VerifyChecksum() == 0) {
-            return Fail(CommandFault::BadChecksum);
+        if (!Reader().IsIntact()) {
+            return int{turn.Fail(CommandFault::BadChecksum)};
         }
-        bool last = false;
-        if (Keep(ParseSatelliteListFrame(Reader(), form, number, list), last) == 0) {
-            return 0;
+        const auto last = ParseSatelliteListFrame(Reader(), form, number, list);
+        if (!last) {
+            break;
         }
-        if (last) {
+        if (*last) {
             return 1;
         }
     }
-    return FailOnType();
+    return int{turn.Fail(CommandFault::WrongType)};
 }
 
 int CCommand::RequestSite(SiteReply& reply)
@@ -161,7 +455,7 @@ int CCommand::RequestHostData(std::uint8_t first, std::uint8_t second)
         return 0;
     }
     if (GetReplyType() != 0x33) {
-        return FailOnType();
+        return Fail(CommandFault::WrongType);
     }
     ResetReadPos();
     return 1;
@@ -208,11 +502,16 @@ int CCommand::RequestSvData(SatelliteDataReply& reply, bool withTriples)
 
 int CCommand::RequestSvData(SatelliteDataReply& reply, SatelliteDataExtra& extra)
 {
-    if (RequestSvData(reply, true) == 0) {
+    SatelliteDataReply first;
+    if (RequestSvData(first, true) == 0) {
         return 0;
     }
     Build(0x54, {0x14, 0xC1, 0x04, 0x00});
-    return Query(ParseSatelliteDataExtra, extra);
+    if (Query(ParseSatelliteDataExtra, extra) == 0) {
+        return 0;
+    }
+    reply = first;
+    return 1;
 }
 
 int CCommand::RequestSettingsFlags(SettingsFlags& flags)
@@ -326,6 +625,117 @@ int CCommand::ShowLabel(std::uint8_t place, std::uint16_t number, std::wstring_v
     PutText(text, 0, true);
     EndPacket();
     return SendAndCollect();
+}
+
+// Files.
+
+int CCommand::List(MessageTarget* window, unsigned message, std::uint8_t request,
+                   const std::function<int(FileListing&)>& list)
+{
+    const int result = InTurn(request, [&](ChannelTurn& turn) {
+        FileListing listing(turn, *this);
+        return list(listing);
+    });
+    if (window != nullptr) {
+        window->Post(message, kListEnded, 0);
+    }
+    return result;
+}
+
+int CCommand::RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTable& table,
+                                MessageTarget* window, unsigned message)
+{
+    const std::uint8_t variant = typeNumber == kSecondPica ? 2 : 1;
+    return List(window, message, kListPica, [&](FileListing& listing) {
+        return listing.Pica(mode, variant, {table, window, message});
+    });
+}
+
+int CCommand::RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table,
+                                MessageTarget* window, unsigned message)
+{
+    return List(window, message, kListLark, [&](FileListing& listing) {
+        return listing.Lark(pattern, {table, window, message});
+    });
+}
+
+int CCommand::FileExists(std::wstring_view name)
+{
+    if (!IsReceiverFileName(name)) {
+        return Fail(CommandFault::TooLong);
+    }
+    return List(nullptr, 0, kListLark, [&](FileListing& listing) { return listing.Exists(name); });
+}
+
+int CCommand::DeleteFile_Pica(std::uint16_t fileIndex)
+{
+    return Command(kDeletePica, {static_cast<std::uint8_t>(fileIndex >> 8),
+                                 static_cast<std::uint8_t>(fileIndex & 0xFF)});
+}
+
+int CCommand::RecoverFile_Pica(std::uint16_t fileIndex)
+{
+    return Command(kRecoverPica, {static_cast<std::uint8_t>(fileIndex >> 8),
+                                  static_cast<std::uint8_t>(fileIndex & 0xFF)});
+}
+
+int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)
+{
+    if (!IsReceiverFileName(name)) {
+        return Fail(CommandFault::TooLong);
+    }
+    BeginPacket(type, kLongestFileName);
+    PutText(name, kLongestFileName);
+    EndPacket();
+    return Exchange(Answer::Ack);
+}
+
+int CCommand::DeleteFile_Lark(std::wstring_view name)
+{
+    return CommandByName(kDeleteLark, name);
+}
+
+int CCommand::RecoverFile_Lark(std::wstring_view name)
+{
+    return CommandByName(kRecoverLark, name);
+}
+
+std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::wstring_view name,
+                                    std::uint32_t expectedSize, const BytesArrived& arrived)
+{
+    m_downloadFault = DownloadFault::None;
+    m_fileError = {};
+    if (!IsReceivableName(name) || !IsReceiverFileName(name)) {
+        return FailDownload(DownloadFault::Name);
+    }
+    ReceivedFile file(folder, name, expectedSize,
+                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance());
+    const bool isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
+                             if (!file.Open() || !FileFetch(turn, *this, file, arrived).Run(name)) {
+                                 return 0;
+                             }
+                             turn.Succeed(); // whatever went wrong on the way was made good
+                             return 1;
+                         }) == 1;
+    if (file.Fault() != DownloadFault::None) {
+        return FailDownload(file.Fault(), file.Error());
+    }
+    if (!isWhole) {
+        return FailDownload(Fault() == CommandFault::Cancelled ? DownloadFault::Cancelled
+                                                               : DownloadFault::Link);
+    }
+    if (!file.Finish()) {
+        const std::int64_t failed = FailDownload(file.Fault(), file.Error());
+        return file.Fault() == DownloadFault::WrongSize ? std::int64_t{file.Offset()} : failed;
+    }
+    return file.Offset();
+}
+
+std::int64_t CCommand::FailDownload(DownloadFault fault, std::error_code error)
+{
+    m_downloadFault = fault;
+    m_fileError = error;
+    return -1;
 }
 
 } // namespace fieldcore

@@ -1,28 +1,140 @@
 #pragma once
 
-#include "core/link/DownloadCommand.h"
+#include "core/host/MessageTarget.h"
+#include "core/link/Channel.h"
+#include "core/link/ChannelTurn.h"
+#include "core/link/DirectoryListing.h"
+#include "core/link/FileFetch.h"
+#include "core/link/FrameBuffer.h"
 #include "core/link/Identification.h"
 #include "core/link/Replies.h"
 #include "core/link/SatelliteReplies.h"
+#include "core/platform/FileOperations.h"
 
+#include <chrono>
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 namespace fieldcore {
 
+class FileListing;
+class Questions;
+
 /// The receiver command channel: the one object through which the library and its host talk to
 /// the receiver. Every request is a method that answers 1, or 0 on failure; Fault() and
-/// LastError() then say why, and the out argument is left as it was. See CommandChannel for the
-/// port, the exchange and its threads; FileCommands and DownloadCommand for the receiver's files;
-/// docs/protocol.md for the bytes.
-class CCommand : public DownloadCommand
+/// LastError() then say why, and the out argument is left as it was. docs/protocol.md has the
+/// bytes.
+///
+/// It is a face of the line to the receiver: it has the buffer in which a request is built and its
+/// answer read, and what went wrong last. Several faces can share the line, one for each thread;
+/// the requests of one thread wait while another one's is under way. All calls of a face come from
+/// one thread.
+///
+/// An exchange blocks the calling thread for two reply time-outs plus 550 ms at most (one that
+/// changes the receiver may first wait for the line to become quiet, see ChannelTurn), and lets the
+/// host breathe meanwhile. One that is started from inside such a breath is refused
+/// (CommandFault::Busy) and leaves the running one alone.
+class CCommand : public FrameBuffer
 {
 public:
+    using Surroundings = ChannelSurroundings;
+    using Answer = fieldcore::Answer;
+    using BytesArrived = fieldcore::BytesArrived;
+    /// A frame, or a lone answer byte, that passed the line, as it was sent or as it came.
+    using FrameObserver = std::function<void(Direction, std::span<const std::uint8_t> frame)>;
+
     CCommand() : CCommand(Surroundings{}) {}
-    explicit CCommand(Surroundings surroundings) : DownloadCommand(std::move(surroundings)) {}
+    explicit CCommand(Surroundings surroundings);
+    /// Another face of the same line, for another thread.
+    /// @param host  that is asked and breathes here; must outlive the object
+    CCommand(const CCommand& shared, Host& host);
+    ~CCommand();
+    CCommand(const CCommand&) = delete;
+    CCommand& operator=(const CCommand&) = delete;
+
+    /// Whom to ask and to let breathe from now on. @p host must outlive the face or the next call.
+    void SetHost(Host& host) { m_host = &host; }
+    /// The host that was given, else that of SetDefaultHost().
+    [[nodiscard]] Host& GetHost() const { return m_host != nullptr ? *m_host : DefaultHost(); }
+    [[nodiscard]] const Clock& GetClock() const { return m_channel->GetClock(); }
+
+    /// What is asked over this line in the background; its thread begins with the first call.
+    [[nodiscard]] Questions& Background();
+
+    // The port. Close an open one before opening it with other parameters.
+
+    /// @param portNumber  1 for COM1 and so on
+    /// @return 1 if the port is open
+    int OpenPort(int portNumber, const PortSettings& settings = {});
+    /// @param devicePath  a serial device of this machine
+    /// @param portNumber  the COM number that it counts as; 0: none
+    int OpenPort(const std::string& devicePath, const PortSettings& settings = {},
+                 int portNumber = 0);
+    /// Does nothing from inside a breath of this thread.
+    void ClosePort();
+    [[nodiscard]] int IsPortOpen() const { return m_channel->IsOpen() ? 1 : 0; }
+    /// Of the open port: its COM number, 0 if it has none or none is open.
+    [[nodiscard]] int GetPortNumber() const { return m_channel->PortNumber(); }
+    /// Of the open port, bit/s; 0 if none is open.
+    [[nodiscard]] std::uint32_t GetBaudRate() const { return m_channel->BaudRate(); }
+    /// Empties the queues and forgets what is half received.
+    int PurgePort();
+
+    /// Of the requests of this face, until the next port is opened; before that the port's own.
+    void SetReplyTimeout(std::chrono::milliseconds timeout) { m_timeout = timeout; }
+    // These need an open port; without one they do nothing.
+    void SetFraming(SerialLink::Framing framing);
+    void SetHandOver(bool on);
+    /// The transport's last error; reading it clears it.
+    LinkError TakeLinkError() { return m_channel->TakeLinkError(); }
+
+    // Exchanges of whatever was built in the buffer.
+
+    /// Sends the frame and waits for the answer, twice at the most: a time-out is tried again
+    /// after 500 ms and a purge, a damaged answer at once, a refusal not at all.
+    /// @return LastResult: 1 or 0. The buffer then holds what came last, zeros after a time-out.
+    int Exchange(Answer expected);
+    [[nodiscard]] int GetLastResult() const { return LastResult; }
+    /// Sends the frame once and keeps whatever comes back, unchecked.
+    /// @return 1 if the frame was written
+    int SendAndCollect();
+    /// Sends a line of text and waits for one, which is then in the buffer; its length is the
+    /// data length. The link must be in line mode.
+    /// @param text  cut to 256 bytes; CR LF is added unless it ends so
+    int SendLine(std::wstring_view text);
+    /// Writes text as it is. @return 1 if it was written; no answer is awaited
+    int SendText(std::wstring_view text);
+    int SendText(std::string_view bytes);
+
+    /// Waits while the host breathes, and keeps the line. @return 0 if the host asked for an end
+    int Rest(std::chrono::milliseconds duration);
+
+    // Diagnostics, for developers.
+
+    /// Whether this thread has a request under way, or waits to begin one.
+    [[nodiscard]] bool IsBusy() const { return m_channel->IsMine(); }
+    [[nodiscard]] CommandFault Fault() const { return m_failed.fault; }
+    /// What went wrong last and with which request, in words; empty if nothing did.
+    [[nodiscard]] std::string LastError() const;
+    /// The system's number for what the port failed of last; 0 if it did not.
+    [[nodiscard]] int SystemError() const { return m_channel->DeviceFaultCode(); }
+    /// The last bytes, at most 256, that came over the open port and were no frame.
+    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const { return m_channel->RecentNoise(); }
+    /// Sees everything that passes the line: on the thread that sends, and on that which reads the
+    /// port. Empty: nobody does. One for all faces of the line.
+    void SetLineObserver(LineObserver observer) { m_channel->SetObserver(std::move(observer)); }
+    /// The same for frames and lone answers only.
+    void SetFrameObserver(FrameObserver observer);
 
     // Requests.
 
@@ -83,12 +195,96 @@ public:
     /// A label for the receiver's display; 251 bytes of text at most.
     int ShowLabel(std::uint8_t place, std::uint16_t number, std::wstring_view text);
 
+    // Files of the receiver. Which of these a receiver understands depends on its family. Names are
+    // those of the receiver; what names a file sends nothing and answers 0 (CommandFault::TooLong)
+    // for an empty name, one of more than 14 bytes, which would be cut to that of another file, and
+    // one with "*" or "?".
+
+    // Listings fill the table and post to the window as kFileListMessage says, with the number
+    // @p message; the end is always posted, also where 0 is answered. When the user cancels one, or
+    // FileExists(), the receiver is told to stop.
+
+    /// Lists the files of a Pica, a request a page and 57 pages at most. Only those that may be
+    /// listed and fit @p mode are stored; page p, entry k goes to index 9p + k whatever the ones
+    /// before it were.
+    /// @param mode  1 live files, 0 deleted ones
+    /// @param typeNumber  of the receiver: the two Pica types ask differently
+    /// @param window  null: nobody is told
+    /// @return 1; 0 if it failed, with what came until then in the table
+    int RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTable& table,
+                          MessageTarget* window, unsigned message = kFileListMessage);
+    /// Lists the files of a Lark that match @p pattern, such as "*.Q01". Page p, entry k goes to
+    /// index 8p + k, in whatever order the pages come; one that never comes makes the result 0.
+    int RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table, MessageTarget* window,
+                          unsigned message = kFileListMessage);
+    /// Whether a Lark has a file of exactly this name. Fills no table, posts nothing.
+    /// @return 1 or 0; of a 0 that is no answer Fault() says why
+    int FileExists(std::wstring_view name);
+
+    // Each 1 if the receiver acknowledged.
+    int DeleteFile_Pica(std::uint16_t fileIndex);
+    int RecoverFile_Pica(std::uint16_t fileIndex);
+    int DeleteFile_Lark(std::wstring_view name);
+    int RecoverFile_Lark(std::wstring_view name);
+
+    /// Copies a file of a Lark into a folder of this machine. It is written to NAME.part there,
+    /// block by block, synced, and renamed to NAME (replacing what has that name) once exactly
+    /// @p expectedSize bytes are there; else NAME.part stays, and the next try overwrites it. A
+    /// host whose Breathe() answers false, or @p arrived, ends it within one block. Memory does not
+    /// grow with the file.
+    ///
+    /// @param folder  its last level is made if it is missing
+    /// @param name  refused unless IsPlainFileName(), or if it ends in ".part"
+    /// @return the bytes written; the file is there under its name only if they are
+    /// @p expectedSize and GetDownloadFault() is None. -1 when the transfer is incomplete
+    std::int64_t DownloadFile(const std::filesystem::path& folder, std::wstring_view name,
+                              std::uint32_t expectedSize, const BytesArrived& arrived = {});
+    /// Of the last download.
+    [[nodiscard]] DownloadFault GetDownloadFault() const { return m_downloadFault; }
+    /// What the system said to DownloadFault::Folder or Write.
+    [[nodiscard]] std::error_code GetFileError() const { return m_fileError; }
+    /// How files are written from now on. @p operations must outlive the face or the next call.
+    void SetFileOperations(FileOperations& operations) { m_operations = &operations; }
+
 private:
+    /// How a request has failed.
+    struct Failed
+    {
+        CommandFault fault = CommandFault::None;
+        std::uint8_t request = 0; ///< its type; 0: it was no frame
+        std::uint8_t answer = 0;  ///< type of the one that was not expected
+        std::string device;       ///< what the port says
+    };
+
+    void Build(std::uint8_t type, std::span<const std::uint8_t> data);
+    void Build(std::uint8_t type, std::initializer_list<std::uint8_t> data = {});
+    int Command(std::uint8_t type, std::initializer_list<std::uint8_t> data);
+    int CommandByName(std::uint8_t type, std::wstring_view name);
+    /// Does the work of a request of that type, 0 if it is no frame, in a turn on the open port.
+    template <typename Work>
+    int InTurn(std::uint8_t request, Work work);
+    int Finish(ChannelTurn& turn, int result);
+    int Fail(CommandFault fault);
     template <typename Reply>
     int Query(std::optional<Reply> (*parse)(FrameReader), Reply& reply);
     template <typename Reply>
     int Keep(std::optional<Reply> parsed, Reply& reply);
-    int CollectFrames(SatelliteList& list, SatelliteListForm form);
+    int CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteListForm form);
+    int List(MessageTarget* window, unsigned message, std::uint8_t request,
+             const std::function<int(FileListing&)>& list);
+    std::int64_t FailDownload(DownloadFault fault, std::error_code error = {});
+
+    const std::shared_ptr<Channel> m_channel;
+    Host* m_host;                          // null: the default one
+    std::chrono::milliseconds m_timeout{}; // 0: that of the port
+    Failed m_failed;
+    int LastResult = 0;
+
+    FileOperations* m_operations = nullptr; // null: the system's own
+    DownloadFault m_downloadFault = DownloadFault::None;
+    std::error_code m_fileError;
+
+    std::unique_ptr<Questions> m_questions; // null until they are asked for
 };
 
 /// The library's one channel to the receiver. It exists as long as the program.

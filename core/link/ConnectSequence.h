@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/CommandChannel.h"
+#include "core/link/Command.h"
 
 #include <string>
 

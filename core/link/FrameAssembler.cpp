@@ -80,11 +80,6 @@ std::optional<Delivery> FrameAssembler::AssembleLine(ByteQueue& queue)
     return std::nullopt;
 }
 
-void FrameAssembler::Reset()
-{
-    m_count = 0;
-}
-
 void FrameAssembler::Append(ByteQueue& queue, std::size_t count)
 {
     m_count += queue.Take(std::span(m_buffer).subspan(m_count, count));
@@ -102,11 +97,13 @@ void FrameAssembler::PutAside()
 {
     std::copy_n(m_buffer.begin(), m_count, m_unsolicited.begin());
     m_unsolicitedLength = m_count;
+    ++m_unsolicitedCount;
     Reset();
 }
 
 Delivery FrameAssembler::Deliver(ExchangeState state, std::size_t length)
 {
+    m_delivered = m_count;
     Reset();
     return {state, length};
 }

@@ -51,11 +51,23 @@ public:
     [[nodiscard]] std::optional<Delivery> AssembleLine(ByteQueue& queue);
 
     /// Forgets a half-assembled frame.
-    void Reset();
+    void Reset() { m_count = 0; }
+    /// What is half assembled.
+    [[nodiscard]] std::span<const std::uint8_t> HalfAssembled() const
+    {
+        return std::span(m_buffer).first(m_count);
+    }
 
     [[nodiscard]] std::span<const std::uint8_t> Buffer() const { return m_buffer; }
+    /// The bytes that the last delivery was made of, those of malformed input too.
+    [[nodiscard]] std::span<const std::uint8_t> DeliveredBytes() const
+    {
+        return std::span(m_buffer).first(m_delivered);
+    }
 
-    /// The last frame of type 0x40; empty if there was none.
+    /// How many frames of type 0x40 have come.
+    [[nodiscard]] unsigned UnsolicitedCount() const { return m_unsolicitedCount; }
+    /// The last of them; empty if there was none.
     [[nodiscard]] std::span<const std::uint8_t> Unsolicited() const
     {
         return std::span(m_unsolicited).first(m_unsolicitedLength);
@@ -69,9 +81,11 @@ private:
     Delivery DeliverLoneByte();
 
     std::array<std::uint8_t, kFrameBufferSize> m_buffer{};
-    std::size_t m_count = 0; // bytes of the frame so far
+    std::size_t m_count = 0;     // bytes of the frame so far
+    std::size_t m_delivered = 0; // bytes that the last delivery took
     std::array<std::uint8_t, kFrameBufferSize> m_unsolicited{};
     std::size_t m_unsolicitedLength = 0;
+    unsigned m_unsolicitedCount = 0;
 };
 
 } // namespace fieldcore

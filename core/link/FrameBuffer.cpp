@@ -24,9 +24,6 @@ auto FrameBuffer::AtCursor(Work work)
 
 void FrameBuffer::BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool clear)
 {
-    if (m_locked) {
-        return;
-    }
     if (clear) {
         PacketBuffer.fill(0);
         m_cursor = kFrameDataStart;
@@ -37,9 +34,6 @@ void FrameBuffer::BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool 
 
 int FrameBuffer::PutByte(std::uint8_t value)
 {
-    if (m_locked) {
-        return 0;
-    }
     return AtCursor<FrameWriter>([&](FrameWriter& out) { return out.Byte(value) ? 1 : 0; });
 }
 
@@ -57,9 +51,6 @@ void FrameBuffer::PutLong(std::uint32_t value)
 
 void FrameBuffer::PutText(std::wstring_view text, std::size_t width, bool useTextLength)
 {
-    if (m_locked) {
-        return;
-    }
     AtCursor<FrameWriter>([&](FrameWriter& out) {
         useTextLength ? out.Text(text) : out.Text(text, width);
         return 1;
@@ -68,18 +59,13 @@ void FrameBuffer::PutText(std::wstring_view text, std::size_t width, bool useTex
 
 void FrameBuffer::SetPacketLength(std::uint32_t dataLength)
 {
-    if (m_locked) {
-        return;
-    }
     PacketBuffer[3] = static_cast<std::uint8_t>(dataLength);
     m_dataLength = dataLength;
 }
 
 void FrameBuffer::EndPacket()
 {
-    if (!m_locked) {
-        FrameWriter(PacketBuffer).End(m_dataLength);
-    }
+    FrameWriter(PacketBuffer).End(m_dataLength);
 }
 
 std::uint32_t FrameBuffer::GetCursor() const
@@ -139,11 +125,6 @@ void FrameBuffer::Load(std::span<const std::uint8_t> frame)
     const std::size_t length = std::min(frame.size(), PacketBuffer.size());
     std::copy_n(frame.begin(), length, PacketBuffer.begin());
     m_dataLength = FrameReader(frame.first(length)).DataLength();
-}
-
-void FrameBuffer::ReadDataLength()
-{
-    m_dataLength = Reader().DataLength();
 }
 
 int FrameBuffer::VerifyChecksum() const

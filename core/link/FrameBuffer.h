@@ -79,11 +79,9 @@ public:
     [[nodiscard]] std::span<const std::uint8_t> BuiltFrame() const;
 
 protected:
-    /// While locked, nothing can be built: a frame is under way that must not be disturbed.
-    void LockBuilding(bool locked) { m_locked = locked; }
     void SetDataLength(std::uint32_t length) { m_dataLength = length; }
     /// Takes the data length from the header of the frame in the buffer.
-    void ReadDataLength();
+    void ReadDataLength() { m_dataLength = Reader().DataLength(); }
 
     std::array<std::uint8_t, kFrameBufferSize> PacketBuffer{};
 
@@ -94,7 +92,6 @@ private:
 
     std::uint32_t m_dataLength = 0;
     std::uint32_t m_cursor = 4; // 1024: behind the last byte
-    bool m_locked = false;
 };
 
 } // namespace fieldcore

@@ -28,7 +28,7 @@ void FrameHistory::Add(Direction direction, std::span<const std::uint8_t> bytes)
     m_frames.push_back(std::move(frame));
 }
 
-CommandChannel::FrameObserver FrameHistory::Observer()
+CCommand::FrameObserver FrameHistory::Observer()
 {
     return
         [this](Direction direction, std::span<const std::uint8_t> frame) { Add(direction, frame); };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/CommandChannel.h"
+#include "core/link/Command.h"
 #include "core/link/FrameLog.h"
 #include "core/platform/Clock.h"
 
@@ -37,7 +37,7 @@ public:
     void Add(Direction direction, std::span<const std::uint8_t> bytes);
 
     /// Keeps what passes a channel from now on; the object must outlive the channel's use of it.
-    [[nodiscard]] CommandChannel::FrameObserver Observer();
+    [[nodiscard]] CCommand::FrameObserver Observer();
 
     /// Those behind number @p last, oldest first; 0: all that are kept.
     [[nodiscard]] std::vector<ExchangedFrame> After(std::uint64_t last) const;

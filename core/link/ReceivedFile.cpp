@@ -1,5 +1,7 @@
 #include "core/link/ReceivedFile.h"
 
+#include "core/link/DirectoryListing.h"
+#include "core/platform/Cp932.h"
 #include "core/platform/FileNameCheck.h"
 #include "core/platform/Utf8.h"
 
@@ -116,6 +118,12 @@ ReceivedFile::Verdict ReceivedFile::End(DownloadFault fault, std::error_code err
 {
     Fail(fault, error);
     return Verdict::Ended;
+}
+
+bool IsReceiverFileName(std::wstring_view name)
+{
+    return !name.empty() && ToCp932(name).size() <= kLongestFileName &&
+           name.find_first_of(L"*?") == std::wstring_view::npos;
 }
 
 } // namespace fieldcore

@@ -77,5 +77,7 @@ private:
 /// Whether a received file may be kept under @p name: IsPlainFileName(), and not the name of an
 /// unfinished one.
 [[nodiscard]] bool IsReceivableName(std::wstring_view name);
+/// Whether the requests that name a file of the receiver can send @p name.
+[[nodiscard]] bool IsReceiverFileName(std::wstring_view name);
 
 } // namespace fieldcore

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <system_error>
 #include <utility>
 
@@ -22,6 +23,9 @@ constexpr milliseconds kWriteMultiplier{10}; // for each byte
 constexpr milliseconds kWakeInterval{20};
 // How long a waiter may keep the host from breathing.
 constexpr milliseconds kWaitSlice{50};
+constexpr std::size_t kMostNoise = 256; // bytes that are kept
+// A frame of fewer bytes does not tell whether the line takes time.
+constexpr std::size_t kTellingLength = 8;
 
 } // namespace
 
@@ -79,6 +83,12 @@ int SerialLink::Open(const std::string& devicePath, const PortSettings& settings
         m_lost = false;
         m_replyTimeout = settings.replyTimeout;
         m_queue = ByteQueue(std::max(settings.receiveQueue, kFrameBufferSize));
+        m_arrivals = {};
+    }
+    {
+        const std::scoped_lock lock(m_observing);
+        m_noise.clear();
+        m_noise.reserve(2 * kMostNoise);
     }
     ResetReceiveState();
     if (!Configure(settings) || !StartReader()) {
@@ -185,14 +195,26 @@ SerialLink::WaitOutcome SerialLink::WaitRoom(Host& host)
     }
 }
 
-std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
+std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
 {
     if (IsLost()) {
         Fail(LinkError::Write);
         return 0;
     }
-    const std::size_t written = m_device->Write(bytes);
+    std::size_t written = 0;
+    {
+        const std::scoped_lock lock(m_observing); // the answer must not be seen before the request
+        written = m_device->Write(bytes);
+        if (written == bytes.size()) {
+            ObserveLocked(Direction::Sent, unit, bytes);
+        }
+    }
     if (written < bytes.size() || written == 0) {
+        // A port whose other end is gone may tell the writer first.
+        const int code = m_device->LastFaultCode();
+        if (code == EIO || code == ENXIO || code == ENODEV) {
+            LoseLink(LinkError::Write);
+        }
         Fail(LinkError::Write);
         return 0;
     }
@@ -214,9 +236,9 @@ int SerialLink::WaitDelivery()
     return WaitDelivery(SilentHost::Instance()) == WaitOutcome::Delivered ? 1 : 0;
 }
 
-SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host)
+SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host, Clock::Duration limit)
 {
-    const Clock::Duration deadline = m_clock.Steady() + GetReplyTimeout();
+    const Clock::Duration deadline = m_clock.Steady() + limit;
     WaitOutcome outcome = WaitOutcome::TimedOut;
     if (IsLost()) {
         m_frameReady.Set(); // it was waited for before; nothing else will set it
@@ -282,6 +304,7 @@ void SerialLink::ResetReceiveState()
 {
     {
         const std::scoped_lock lock(m_intake, m_mutex);
+        Observe(Direction::Received, LineUnit::Noise, m_assembler.HalfAssembled());
         m_assembler.Reset();
         m_deliveries.Clear();
     }
@@ -292,6 +315,14 @@ int SerialLink::Purge(SerialDevice::Queue queue)
 {
     const std::scoped_lock lock(m_intake); // the reader must not queue what it read before
     if (queue == SerialDevice::Queue::Receive) {
+        while (const auto count = m_device->Read(m_queue.Free())) { // to be seen, and thrown away
+            m_queue.Commit(*count);
+            Observe(Direction::Received, LineUnit::Noise, m_queue.Bytes());
+            m_queue.Clear();
+            if (*count == 0) {
+                break;
+            }
+        }
         m_queue.Clear();
     }
     return Done(m_device->Purge(queue), LinkError::Purge);
@@ -300,7 +331,7 @@ int SerialLink::Purge(SerialDevice::Queue queue)
 int SerialLink::SendBreak(milliseconds duration)
 {
     constexpr std::array<std::uint8_t, 1> kNull{0x00};
-    if (Write(kNull) == 0 || SetBreak() == 0) {
+    if (Write(kNull, LineUnit::Break) == 0 || SetBreak() == 0) {
         return 0;
     }
     m_clock.Sleep(duration);
@@ -483,6 +514,14 @@ bool SerialLink::DrainDevice()
         return false;
     }
     m_queue.Commit(*count);
+    if (*count > 0) {
+        const Clock::Duration now = m_clock.Steady();
+        if (m_queue.Size() == *count && m_assembler.HalfAssembled().empty()) {
+            m_beganAt = now;
+        }
+        const std::scoped_lock arrivals(m_mutex);
+        m_arrivals.lastByteAt = now;
+    }
     return true;
 }
 
@@ -491,13 +530,18 @@ void SerialLink::AssembleQueued()
     bool hasNews = false;
     std::unique_lock lock(m_intake);
     while (!m_closing && m_queue.Size() > 0) {
+        const unsigned unsolicited = m_assembler.UnsolicitedCount();
         const std::optional<Delivery> delivery =
             m_framing == Framing::Lines
                 ? m_assembler.AssembleLine(m_queue)
                 : m_assembler.AssembleFrame(m_queue, FrameAssembler::kLargestStep);
+        if (m_assembler.UnsolicitedCount() != unsolicited) {
+            Observe(Direction::Received, LineUnit::Frame, m_assembler.Unsolicited());
+        }
         if (!delivery) {
             continue;
         }
+        NoteArrival(*delivery);
         hasNews = true;
         if (Deliver(*delivery)) {
             lock.unlock();
@@ -508,6 +552,85 @@ void SerialLink::AssembleQueued()
     }
     if (hasNews) { // not for each: it would be a switch of threads for each
         m_frameReady.Set();
+    }
+}
+
+/// What a delivery tells about the line; and who watches it sees the bytes.
+void SerialLink::NoteArrival(const Delivery& delivery)
+{
+    const auto bytes = m_assembler.DeliveredBytes();
+    const LineUnit unit = delivery.state == ExchangeState::Malformed ? LineUnit::Noise
+                          : m_framing == Framing::Lines              ? LineUnit::Line
+                                                                     : LineUnit::Frame;
+    Observe(Direction::Received, unit, bytes);
+    const std::scoped_lock lock(m_mutex);
+    ++m_arrivals.deliveries;
+    const Clock::Duration arrived = m_arrivals.lastByteAt;
+    if (delivery.state == ExchangeState::Frame && bytes.size() >= kTellingLength) {
+        const auto gaps = static_cast<Clock::Duration::rep>(bytes.size() - 1);
+        m_arrivals.takesTime = 2 * (arrived - m_beganAt) >= gaps * CharacterTime();
+    }
+    m_beganAt = arrived; // of what stands behind it in the queue
+}
+
+Arrivals SerialLink::GetArrivals() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_arrivals;
+}
+
+bool SerialLink::HasInput()
+{
+    const std::scoped_lock lock(m_intake, m_mutex);
+    if (m_device->HasInput()) {
+        m_arrivals.lastByteAt = m_clock.Steady();
+        return true;
+    }
+    return m_deliveries.Waiting() > 0 || m_queue.Size() > 0 || !m_assembler.HalfAssembled().empty();
+}
+
+Clock::Duration SerialLink::CharacterTime() const
+{
+    constexpr int kBits = 10; // with start and stop bit
+    return Clock::Duration(std::chrono::seconds(kBits)) /
+           std::max<std::uint32_t>(m_lineSettings.baudRate, 1);
+}
+
+void SerialLink::SetObserver(LineObserver observer)
+{
+    const std::scoped_lock lock(m_observing);
+    m_observer = std::move(observer);
+}
+
+std::vector<std::uint8_t> SerialLink::RecentNoise() const
+{
+    const std::scoped_lock lock(m_observing);
+    const std::size_t count = std::min(m_noise.size(), kMostNoise);
+    return {m_noise.end() - static_cast<std::ptrdiff_t>(count), m_noise.end()};
+}
+
+void SerialLink::Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)
+{
+    const std::scoped_lock lock(m_observing);
+    ObserveLocked(direction, unit, bytes);
+}
+
+void SerialLink::ObserveLocked(Direction direction, LineUnit unit,
+                               std::span<const std::uint8_t> bytes)
+{
+    if (bytes.empty()) {
+        return;
+    }
+    if (unit == LineUnit::Noise) {
+        if (m_noise.size() + bytes.size() > m_noise.capacity()) { // never grows: no allocation
+            m_noise.erase(m_noise.begin(), m_noise.end() - static_cast<std::ptrdiff_t>(std::min(
+                                                               m_noise.size(), kMostNoise)));
+        }
+        const auto last = bytes.last(std::min(bytes.size(), kMostNoise));
+        m_noise.insert(m_noise.end(), last.begin(), last.end());
+    }
+    if (m_observer) {
+        m_observer(direction, unit, bytes);
     }
 }
 

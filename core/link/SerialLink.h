@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -66,6 +67,28 @@ struct PortSettings
     std::size_t transmitQueue = 512; ///< bytes
 };
 
+/// What passed the line.
+enum class LineUnit
+{
+    Frame, ///< or a lone answer byte
+    Line,  ///< text
+    Break,
+    Noise, ///< bytes that came and were no frame
+};
+
+/// Sees what passes the line, in its order: on the thread that writes, and on the reader's. It must
+/// not call the link.
+using LineObserver =
+    std::function<void(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)>;
+
+/// What has come in, seen by who is about to write.
+struct Arrivals
+{
+    Clock::Duration lastByteAt{}; ///< of the link's clock; 0: none came
+    unsigned deliveries = 0;      ///< since the port was opened
+    bool takesTime = false;       ///< the bytes come one by one, not in bursts
+};
+
 /// The serial port that leads to the receiver, with the thread that reads it.
 ///
 /// Two threads meet here: the caller's, which opens, writes, waits and closes, and the reader's,
@@ -113,8 +136,9 @@ public:
     /// @p host may breathe: flow control may hold the line for that long.
     /// @return Delivered when it can, or when only the write itself can tell
     WaitOutcome WaitRoom(Host& host);
+    /// @param unit  as which the observer sees them
     /// @return bytes written; 0 on failure
-    std::size_t Write(std::span<const std::uint8_t> bytes);
+    std::size_t Write(std::span<const std::uint8_t> bytes, LineUnit unit = LineUnit::Frame);
 
     /// Takes queued bytes that nothing has assembled yet, as they are; never waits.
     /// @return the number of bytes; 0 with an error code once the link is lost
@@ -124,7 +148,16 @@ public:
     /// @return 1; or 0 after resetting what was half assembled
     int WaitDelivery();
     /// The same, in slices of 50 ms between which @p host may breathe.
-    WaitOutcome WaitDelivery(Host& host);
+    WaitOutcome WaitDelivery(Host& host) { return WaitDelivery(host, GetReplyTimeout()); }
+    /// The same, at most @p limit of the link's clock.
+    WaitOutcome WaitDelivery(Host& host, Clock::Duration limit);
+
+    [[nodiscard]] Arrivals GetArrivals() const;
+    /// Whether there are bytes, or a delivery, that nobody has taken. Those that the reader has not
+    /// seen yet count as arriving now.
+    [[nodiscard]] bool HasInput();
+    /// How long a character takes on the line.
+    [[nodiscard]] Clock::Duration CharacterTime() const;
 
     /// Copies what was delivered to the start of @p destination, or zeroes it if there is nothing
     /// with a length. In hand-over mode the next delivery, if it waits already, then counts as
@@ -177,6 +210,12 @@ public:
     [[nodiscard]] std::string GetDeviceFault() const { return m_device->LastFault(); }
     [[nodiscard]] int GetDeviceFaultCode() const { return m_device->LastFaultCode(); }
 
+    /// Empty: nobody. Any thread; once it is back the old observer is not called any more.
+    void SetObserver(LineObserver observer);
+    /// The last bytes, at most 256, that came since the port was opened and were no frame. Any
+    /// thread.
+    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const;
+
     /// Appends a hex dump of a frame to "gnsslog.log" in the controller's built-in storage. The
     /// library itself never calls it; it serves diagnostics.
     /// @return 1; 0 if the file could not be written
@@ -196,6 +235,9 @@ private:
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
     void LoseLink(LinkError error);
+    void NoteArrival(const Delivery& delivery);
+    void Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
+    void ObserveLocked(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
 
     const std::unique_ptr<SerialDevice> m_device;
     const Clock& m_clock;
@@ -214,6 +256,7 @@ private:
     Framing m_framing = Framing::Frames;
     ByteQueue m_queue;
     FrameAssembler m_assembler;
+    Clock::Duration m_beganAt{}; // the frame that is being assembled
 
     mutable std::mutex m_mutex; // guards everything below
     LinkError m_error = LinkError::None;
@@ -221,6 +264,11 @@ private:
     bool m_lost = false;
     std::chrono::milliseconds m_replyTimeout{2000};
     DeliveryQueue m_deliveries;
+    Arrivals m_arrivals;
+
+    mutable std::mutex m_observing; // guards these; taken last
+    LineObserver m_observer;
+    std::vector<std::uint8_t> m_noise;
 };
 
 /// The line settings that a port is opened with, on top of what @p current has.

@@ -314,6 +314,12 @@ std::optional<std::size_t> PosixSerialDevice::Read(std::span<std::uint8_t> buffe
     return static_cast<std::size_t>(count);
 }
 
+bool PosixSerialDevice::HasInput()
+{
+    int count = 0;
+    return ioctl(m_port, FIONREAD, &count) == 0 && count > 0;
+}
+
 std::size_t PosixSerialDevice::Write(std::span<const std::uint8_t> bytes)
 {
     const SteadyTime deadline = std::chrono::steady_clock::now() + m_timeouts.writeConstant +

@@ -41,6 +41,7 @@ public:
     [[nodiscard]] Event WaitEvent() override;
     void Wake() override;
     [[nodiscard]] std::optional<std::size_t> Read(std::span<std::uint8_t> buffer) override;
+    [[nodiscard]] bool HasInput() override;
     [[nodiscard]] bool HasRoom(std::chrono::milliseconds limit) override;
     [[nodiscard]] std::size_t Write(std::span<const std::uint8_t> bytes) override;
     [[nodiscard]] bool Purge(Queue queue) override;

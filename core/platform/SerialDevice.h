@@ -118,6 +118,9 @@ public:
     /// @return the number of bytes, 0 if there are none; nothing on failure
     [[nodiscard]] virtual std::optional<std::size_t> Read(std::span<std::uint8_t> buffer) = 0;
 
+    /// Whether something waits to be read. Where it cannot be known the answer is no.
+    [[nodiscard]] virtual bool HasInput() { return false; }
+
     /// Whether a write could begin; waits for that, at most @p limit of real time. Where it cannot
     /// be known the answer is yes: the write then tells.
     [[nodiscard]] virtual bool HasRoom(std::chrono::milliseconds limit) = 0;

@@ -78,7 +78,7 @@ protected:
     HandClock m_clock;
     FastClock m_fast{100.0}; // for the time-outs, which must pass by themselves
     std::unique_ptr<simulator::Simulator> m_simulator;
-    CCommand m_command{CommandChannel::Surroundings{nullptr, &m_fast, nullptr, {}}};
+    CCommand m_command{CCommand::Surroundings{nullptr, &m_fast, nullptr, {}}};
     std::vector<std::uint8_t> m_asked;
     TemporaryFolder m_folder;
 };

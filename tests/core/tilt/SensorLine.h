@@ -159,7 +159,7 @@ public:
     HostReg reg{roots};
     FastClock clock;
     std::unique_ptr<simulator::Simulator> simulator;
-    CCommand command{CommandChannel::Surroundings{nullptr, &clock, nullptr, {}}};
+    CCommand command{CCommand::Surroundings{nullptr, &clock, nullptr, {}}};
     std::vector<Bytes> sent; ///< frames to the receiver, whole
 
 private:

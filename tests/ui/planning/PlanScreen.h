@@ -114,7 +114,7 @@ protected:
 
     PlanScreen()
     {
-        CommandChannel::Surroundings surroundings;
+        CCommand::Surroundings surroundings;
         surroundings.host = &host;
         command = std::make_unique<CCommand>(surroundings);
         InstallSampleSites(home.Path());

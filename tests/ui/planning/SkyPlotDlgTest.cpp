@@ -124,7 +124,7 @@ protected:
     FastClock m_fast{100.0};
     QtHost m_host{QtHost::Options{}};
     std::unique_ptr<simulator::Simulator> m_simulator;
-    CCommand m_command{CommandChannel::Surroundings{nullptr, &m_fast, nullptr, {}}};
+    CCommand m_command{CCommand::Surroundings{nullptr, &m_fast, nullptr, {}}};
 };
 
 TEST_F(SkyPlotTest, ShowsWhatTheReceiverSees)

@@ -1,0 +1,104 @@
+#include "core/link/Channel.h"
+
+#include "core/platform/PosixSerialDevice.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fieldcore {
+
+Channel::Channel(ChannelSurroundings surroundings)
+    : m_clock(surroundings.clock != nullptr ? *surroundings.clock : SystemClock::Instance()),
+      m_ports(surroundings.ports), m_makeDevice(std::move(surroundings.makeDevice))
+{
+    if (!m_makeDevice) {
+        m_makeDevice = [] { return std::make_unique<PosixSerialDevice>(); };
+    }
+}
+
+Channel::~Channel() = default;
+
+bool Channel::IsMine() const
+{
+    const std::thread::id self = std::this_thread::get_id();
+    const std::scoped_lock lock(m_turns);
+    return m_owner == self || std::ranges::find(m_waiting, self) != m_waiting.end();
+}
+
+std::string Channel::PathOf(int portNumber) const
+{
+    return (m_ports != nullptr ? *m_ports : PortNames()).DevicePath(portNumber);
+}
+
+int Channel::Open(const std::string& devicePath, const PortSettings& settings, int number)
+{
+    auto link = std::make_unique<SerialLink>(m_makeDevice(), m_clock);
+    {
+        const std::scoped_lock lock(m_mutex);
+        link->SetObserver(m_observer);
+    }
+    if (link->Open(devicePath, settings) == 0) {
+        NoteFault(*link);
+        return 0;
+    }
+    m_doubt = {};
+    m_isOdd = false;
+    m_portNumber = number;
+    m_baudRate = link->AppliedLineSettings().baudRate;
+    const std::scoped_lock lock(m_mutex);
+    m_link = std::move(link);
+    m_isOpen = true;
+    return 1;
+}
+
+void Channel::Close()
+{
+    if (!m_isOpen) {
+        return;
+    }
+    m_link->Close();
+    const std::scoped_lock lock(m_mutex);
+    m_link.reset();
+    m_isOpen = false;
+    m_portNumber = 0;
+    m_baudRate = 0;
+}
+
+void Channel::SetObserver(LineObserver observer)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_observer = std::move(observer);
+    if (m_link) {
+        m_link->SetObserver(m_observer);
+    }
+}
+
+std::vector<std::uint8_t> Channel::RecentNoise() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_link ? m_link->RecentNoise() : std::vector<std::uint8_t>();
+}
+
+LinkError Channel::TakeLinkError()
+{
+    const std::scoped_lock lock(m_mutex);
+    const LinkError error = m_link ? m_link->TakeErrorCode() : LinkError::None;
+    const LinkError before = std::exchange(m_linkError, LinkError::None);
+    return error != LinkError::None ? error : before;
+}
+
+std::string Channel::DeviceFault() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_deviceFault;
+}
+
+void Channel::NoteFault(SerialLink& link)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_linkError = link.TakeErrorCode();
+    m_deviceFault = link.GetDeviceFault();
+    m_deviceFaultCode = link.GetDeviceFaultCode();
+}
+
+} // namespace fieldcore

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/link/SerialLink.h"
+#include "core/platform/AutoResetEvent.h"
+#include "core/platform/Clock.h"
+#include "core/platform/PortNames.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace fieldcore {
+
+/// What the channel uses of the world around it. What is left out is this machine's own, the host
+/// that of SetDefaultHost(). All must outlive the channel.
+struct ChannelSurroundings
+{
+    Host* host = nullptr;
+    const Clock* clock = nullptr;
+    const PortNames* ports = nullptr; ///< resolves port numbers
+    std::function<std::unique_ptr<SerialDevice>()> makeDevice;
+};
+
+/// The line to a receiver: its port, whose turn it is to use it, and what is known of answers that
+/// may still come. One owner at a time: everything is said and heard in a ChannelTurn. Any thread.
+class Channel
+{
+public:
+    explicit Channel(ChannelSurroundings surroundings);
+    ~Channel();
+    Channel(const Channel&) = delete;
+    Channel& operator=(const Channel&) = delete;
+
+    [[nodiscard]] const Clock& GetClock() const { return m_clock; }
+    [[nodiscard]] std::string PathOf(int portNumber) const;
+
+    [[nodiscard]] bool IsOpen() const { return m_isOpen; }
+    /// Whether the calling thread has the turn, or waits for it.
+    [[nodiscard]] bool IsMine() const;
+    /// An answer was not the one that was due: the line must be quiet before the next request.
+    void NoteOdd() { m_isOdd = true; }
+    /// Of the open port: its COM number, 0 if it is none or no port is open.
+    [[nodiscard]] int PortNumber() const { return m_portNumber; }
+    /// Of the open port, bit/s; 0 if none is open.
+    [[nodiscard]] std::uint32_t BaudRate() const { return m_baudRate; }
+
+    /// Sees what passes the ports that are opened, see LineObserver. Empty: nobody does.
+    void SetObserver(LineObserver observer);
+    /// See SerialLink; empty while no port is open.
+    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const;
+
+    /// The transport's last error; reading it clears it.
+    LinkError TakeLinkError();
+    /// What the port failed of last: for developers, and as the system's number; 0 if it did not.
+    [[nodiscard]] std::string DeviceFault() const;
+    [[nodiscard]] int DeviceFaultCode() const { return m_deviceFaultCode; }
+
+private:
+    friend class ChannelTurn;
+
+    /// Answers that may still come.
+    struct Doubt
+    {
+        int due = 0;                 ///< answers to what was sent
+        Clock::Duration dueUntil{};  ///< then they are not expected any more
+        Clock::Duration sentAt{};    ///< the last request
+        unsigned deliveries = 0;     ///< that are accounted for
+        Clock::Duration longest{-1}; ///< an answer took; less than 0: none came yet
+    };
+
+    [[nodiscard]] int Open(const std::string& devicePath, const PortSettings& settings, int number);
+    void Close();
+    /// Keeps what @p link failed of.
+    void NoteFault(SerialLink& link);
+
+    const Clock& m_clock;
+    const PortNames* const m_ports; // null: the defaults
+    std::function<std::unique_ptr<SerialDevice>()> m_makeDevice;
+
+    mutable std::mutex m_turns;             // guards these
+    std::thread::id m_owner;                // of the turn; none: nobody's
+    std::vector<std::thread::id> m_waiting; // for it
+    bool m_isReserved = false;              // for one of those that wait
+    AutoResetEvent m_turnIsFree;            // set when a turn ends while somebody waits
+
+    Doubt m_doubt;                     // the owner's alone
+    std::atomic<bool> m_isOdd = false; // damaged bytes came, or some that nobody waited for
+
+    mutable std::mutex m_mutex; // guards these; the owner alone replaces the link
+    std::unique_ptr<SerialLink> m_link;
+    LineObserver m_observer;
+    LinkError m_linkError = LinkError::None;
+    std::string m_deviceFault;
+
+    std::atomic<bool> m_isOpen = false;
+    std::atomic<int> m_portNumber = 0;
+    std::atomic<std::uint32_t> m_baudRate = 0;
+    std::atomic<int> m_deviceFaultCode = 0;
+};
+
+} // namespace fieldcore

@@ -1,0 +1,452 @@
+#include "core/link/ChannelTurn.h"
+
+#include <algorithm>
+
+namespace fieldcore {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr int kAttempts = 2;
+constexpr milliseconds kRetryPause{500};
+/// What an exchange may take beside two time-outs and the pause between them.
+constexpr milliseconds kMargin{50};
+constexpr milliseconds kBreathInterval{50};
+/// An answer is taken to last at least so long where the line is in doubt.
+constexpr milliseconds kShortestAnswer{50};
+constexpr int kQuietCharacters = 4;
+constexpr std::uint8_t kAbort = 0x5A;
+
+} // namespace
+
+// Whose turn it is.
+
+ChannelTurn::ChannelTurn(Channel& channel, Host& host, std::span<std::uint8_t> answer,
+                         milliseconds timeout)
+    : m_channel(channel), m_host(host), m_answer(answer), m_timeout(timeout)
+{
+    m_isMine = Acquire();
+    if (m_isMine && m_channel.IsOpen() && m_timeout == milliseconds::zero()) {
+        m_timeout = Link().GetReplyTimeout();
+    }
+}
+
+ChannelTurn::~ChannelTurn()
+{
+    if (!m_isMine) {
+        return;
+    }
+    if (m_handsOver && m_channel.IsOpen()) {
+        Link().SetHandOver(false);
+    }
+    EndTurn();
+}
+
+bool ChannelTurn::Acquire()
+{
+    const std::thread::id self = std::this_thread::get_id();
+    if (m_channel.IsMine()) {
+        return Fail(CommandFault::Busy);
+    }
+    bool waits = false;
+    const auto leave = [&] { std::erase(m_channel.m_waiting, self); };
+    for (;;) {
+        {
+            const std::scoped_lock lock(m_channel.m_turns);
+            if (m_channel.m_owner == std::thread::id() && (waits || !m_channel.m_isReserved)) {
+                leave();
+                m_channel.m_isReserved = false;
+                m_channel.m_owner = self;
+                return true;
+            }
+            if (!waits) {
+                waits = true;
+                m_channel.m_waiting.push_back(self);
+            }
+        }
+        const bool isTold = m_channel.m_clock.Wait(m_channel.m_turnIsFree, kBreathInterval);
+        if (!isTold && !m_host.Breathe()) {
+            const std::scoped_lock lock(m_channel.m_turns);
+            leave();
+            m_channel.m_isReserved = m_channel.m_isReserved && !m_channel.m_waiting.empty();
+            return Fail(CommandFault::Cancelled);
+        }
+    }
+}
+
+void ChannelTurn::EndTurn()
+{
+    const std::scoped_lock lock(m_channel.m_turns);
+    m_channel.m_owner = {};
+    // Whoever waits comes next: who asks again and again would leave no gap for the others.
+    m_channel.m_isReserved = !m_channel.m_waiting.empty();
+    if (m_channel.m_isReserved) {
+        m_channel.m_turnIsFree.Set();
+    }
+}
+
+bool ChannelTurn::MayAsk()
+{
+    return m_isMine && (m_channel.IsOpen() || Fail(CommandFault::NotOpen));
+}
+
+int ChannelTurn::Open(const std::string& devicePath, const PortSettings& settings, int number)
+{
+    if (m_channel.IsOpen() || m_channel.Open(devicePath, settings, number) == 0) {
+        Fail(CommandFault::OpenFailed);
+        return 0;
+    }
+    Succeed();
+    return 1;
+}
+
+// One request.
+
+int ChannelTurn::Ask(std::span<const std::uint8_t> request, Answer expected)
+{
+    if (request.empty() || request.size() > m_request.size()) {
+        Fail(CommandFault::TooLong);
+        return 0;
+    }
+    std::copy(request.begin(), request.end(), m_request.begin());
+    const auto kept = std::span<const std::uint8_t>(m_request).first(request.size());
+    const bool changes = expected == Answer::Ack && kept[2] != kAbort;
+    const Clock::Duration most = 2 * m_timeout + kRetryPause + kMargin;
+    m_deadline = Now() + most;
+    if (!AwaitQuiet(changes)) {
+        return 0;
+    }
+    if (changes) { // what it waited for was not its own
+        m_deadline = Now() + most;
+    }
+    if (expected == Answer::Anything) {
+        const bool written = Write(kept, LineUnit::Frame);
+        if (written) {
+            Next();
+        }
+        m_deadline = {};
+        return written ? 1 : 0;
+    }
+    bool isFinal = false;
+    for (int attempt = 1; attempt <= kAttempts && !isFinal; ++attempt) {
+        isFinal = Attempt(kept, expected, attempt == kAttempts);
+    }
+    m_deadline = {};
+    return m_fault == CommandFault::None ? 1 : 0;
+}
+
+/// @return whether the request ends with this attempt
+bool ChannelTurn::Attempt(std::span<const std::uint8_t> request, Answer expected, bool isLast)
+{
+    if (!Write(request, LineUnit::Frame)) {
+        // Otherwise tried again at once.
+        return m_fault == CommandFault::LinkLost || m_fault == CommandFault::Cancelled;
+    }
+    return Judge(Next().state, expected, isLast);
+}
+
+/// @return whether the request ends here
+bool ChannelTurn::Judge(ExchangeState state, Answer expected, bool isLast)
+{
+    switch (state) {
+    case ExchangeState::Frame:
+        if (expected == Answer::Ack) {
+            NoteOdd();
+            Fail(CommandFault::WrongAnswer);
+            return true;
+        }
+        if (!FrameReader(m_answer).IsIntact()) {
+            NoteOdd();
+            return Fail(CommandFault::BadChecksum);
+        }
+        Succeed();
+        return true;
+    case ExchangeState::Ack:
+        if (expected == Answer::Ack) {
+            Succeed();
+        } else {
+            NoteOdd();
+            Fail(CommandFault::WrongAnswer);
+        }
+        return true;
+    case ExchangeState::Nak: // an answer: asking again would get the same one
+        Fail(CommandFault::Refused);
+        return true;
+    case ExchangeState::Malformed:
+        NoteOdd();
+        Fail(CommandFault::Malformed);
+        return expected == Answer::Reply && !PauseAndPurge(isLast);
+    case ExchangeState::Nothing:
+    case ExchangeState::TimedOut:
+        break;
+    }
+    const bool lostOrCancelled = m_fault != CommandFault::TimedOut;
+    return lostOrCancelled || !PauseAndPurge(isLast);
+}
+
+/// @return whether the request goes on
+bool ChannelTurn::PauseAndPurge(bool isLast)
+{
+    const bool goOn = isLast || Pause(kRetryPause);
+    Purge();
+    return goOn;
+}
+
+bool ChannelTurn::Send(std::span<const std::uint8_t> bytes, LineUnit unit, bool changes)
+{
+    return AwaitQuiet(changes) && Write(bytes, unit);
+}
+
+bool ChannelTurn::SendBreak(milliseconds duration)
+{
+    constexpr std::array<std::uint8_t, 1> kNull{0x00};
+    if (!Send(kNull, LineUnit::Break)) {
+        return false;
+    }
+    if (Link().SetBreak() == 0) {
+        return FailOnWrite();
+    }
+    const bool goOn = Pause(duration);
+    if (Link().ClearBreak() == 0) {
+        return FailOnWrite();
+    }
+    return goOn;
+}
+
+bool ChannelTurn::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
+{
+    Link().ResetFrameReady();
+    switch (Link().WaitRoom(m_host)) {
+    case SerialLink::WaitOutcome::TimedOut:
+        return FailOnWrite();
+    case SerialLink::WaitOutcome::Cancelled:
+        return Fail(CommandFault::Cancelled);
+    case SerialLink::WaitOutcome::Delivered:
+    case SerialLink::WaitOutcome::Lost:
+        break;
+    }
+    CountSent();
+    return Link().Write(bytes, unit) != 0 || FailOnWrite();
+}
+
+Delivery ChannelTurn::Next()
+{
+    const Clock::Duration timeout = m_timeout;
+    const Clock::Duration limit =
+        m_deadline == Clock::Duration::zero()
+            ? timeout
+            : std::clamp(m_deadline - Now(), Clock::Duration::zero(), timeout);
+    const SerialLink::WaitOutcome outcome = Link().WaitDelivery(m_host, limit);
+    m_last = Link().TakeDelivery(m_answer);
+    CountArrived(Link().GetArrivals());
+    switch (outcome) {
+    case SerialLink::WaitOutcome::Delivered:
+        m_fault = CommandFault::None;
+        return m_last;
+    case SerialLink::WaitOutcome::TimedOut:
+        Fail(CommandFault::TimedOut);
+        break;
+    case SerialLink::WaitOutcome::Lost:
+        FailOnWrite();
+        break;
+    case SerialLink::WaitOutcome::Cancelled:
+        Fail(CommandFault::Cancelled);
+        break;
+    }
+    return m_last = {ExchangeState::TimedOut, 0};
+}
+
+void ChannelTurn::TakeFramesInTurn()
+{
+    m_handsOver = true;
+    Link().SetHandOver(true);
+}
+
+// Answers that come too late.
+
+void ChannelTurn::CountSent()
+{
+    Channel::Doubt& doubt = m_channel.m_doubt;
+    ++doubt.due;
+    doubt.sentAt = Now();
+    doubt.dueUntil = doubt.sentAt + 2 * m_timeout + kRetryPause;
+}
+
+void ChannelTurn::CountArrived(const Arrivals& arrivals)
+{
+    Channel::Doubt& doubt = m_channel.m_doubt;
+    const auto count = static_cast<int>(arrivals.deliveries - doubt.deliveries);
+    doubt.deliveries = arrivals.deliveries;
+    if (count == 0) {
+        return;
+    }
+    if (doubt.due == 1) {
+        doubt.longest = std::max(doubt.longest, arrivals.lastByteAt - doubt.sentAt);
+    }
+    if (m_handsOver) { // one request, many frames
+        doubt.due = 0;
+        return;
+    }
+    if (count > doubt.due) {
+        NoteOdd();
+    }
+    doubt.due = std::max(doubt.due - count, 0);
+}
+
+/// Waits until the line is quiet enough for the next request, and throws away what comes.
+/// @return false if the host asked for an end, or if the request @p changes the receiver and the
+///         line does not become quiet
+bool ChannelTurn::AwaitQuiet(bool changes)
+{
+    Channel::Doubt& doubt = m_channel.m_doubt;
+    const Clock::Duration latest =
+        Now() + (changes ? 2 * m_timeout + 2 * kRetryPause : Clock::Duration(m_timeout));
+    bool hasDropped = false;
+    for (;;) {
+        const bool hasInput = Link().HasInput();
+        const Arrivals arrivals = Link().GetArrivals();
+        CountArrived(arrivals);
+        if (hasInput) {
+            hasDropped = true;
+            if (doubt.due == 0) {
+                NoteOdd();
+            }
+        }
+        const Clock::Duration now = Now();
+        if (now >= doubt.dueUntil) {
+            doubt.due = 0;
+        }
+        const Clock::Duration until = QuietUntil(arrivals, changes);
+        if (now >= until) {
+            break;
+        }
+        if (now >= latest) {
+            if (changes) { // its acknowledgement could not be told from the rest
+                return Fail(CommandFault::Malformed);
+            }
+            break;
+        }
+        switch (Link().WaitDelivery(m_host, std::min(until, latest) - now)) {
+        case SerialLink::WaitOutcome::Delivered:
+            Link().TakeDelivery({});
+            hasDropped = true;
+            break;
+        case SerialLink::WaitOutcome::TimedOut:
+            static_cast<void>(Link().TakeErrorCode()); // nothing was to come
+            break;
+        case SerialLink::WaitOutcome::Lost:
+            return FailOnWrite();
+        case SerialLink::WaitOutcome::Cancelled:
+            return Fail(CommandFault::Cancelled);
+        }
+    }
+    m_channel.m_isOdd = false;
+    if (hasDropped) {
+        Purge();
+    }
+    return true;
+}
+
+/// When the line will have been quiet for long enough if nothing more comes.
+Clock::Duration ChannelTurn::QuietUntil(const Arrivals& arrivals, bool changes) const
+{
+    const Channel::Doubt& doubt = m_channel.m_doubt;
+    Clock::Duration until = arrivals.takesTime
+                                ? arrivals.lastByteAt + kQuietCharacters * Link().CharacterTime()
+                                : Clock::Duration::zero();
+    if (doubt.due > 0 || m_channel.m_isOdd) {
+        const Clock::Duration answer =
+            doubt.longest < Clock::Duration::zero()
+                ? Clock::Duration(m_timeout)
+                : std::max<Clock::Duration>(doubt.longest, kShortestAnswer);
+        until = std::max(until, std::max(arrivals.lastByteAt, doubt.sentAt) + answer);
+    }
+    return changes && doubt.due > 0 ? std::max(until, doubt.dueUntil) : until;
+}
+
+void ChannelTurn::Abort()
+{
+    const CommandFault before = m_fault;
+    if (m_channel.IsOpen() && before != CommandFault::LinkLost) {
+        constexpr std::array<std::uint8_t, 15> kFrame{0x02, 0x00, kAbort, 9, 0, 0,    0,   0,
+                                                      0,    0,    0,      0, 0, 0x63, 0x03};
+        const bool isQuiet = Write(kFrame, LineUnit::Frame) && AwaitAbort();
+        if (!isQuiet) {
+            NoteOdd();
+        }
+        Purge();
+    }
+    if (m_fault != CommandFault::LinkLost) {
+        m_fault = before;
+    }
+}
+
+/// Throws away what comes until the receiver acknowledges the abort, which it does behind all that
+/// it had sent before.
+/// @return whether it did
+bool ChannelTurn::AwaitAbort()
+{
+    constexpr int kMostStale = 512; // that a receiver which does not stop can make us look at
+    const Clock::Duration end = Now() + 2 * m_timeout;
+    for (int stale = 0; stale < kMostStale && Now() < end; ++stale) {
+        switch (Next().state) {
+        case ExchangeState::Ack:
+        case ExchangeState::Nak:
+            return true;
+        case ExchangeState::Malformed:
+            Purge(); // in the midst of a frame: every few bytes of it would be reported
+            break;
+        case ExchangeState::Frame:
+            break;
+        case ExchangeState::Nothing:
+        case ExchangeState::TimedOut:
+            return false;
+        }
+    }
+    return false;
+}
+
+// Waiting and failing.
+
+bool ChannelTurn::Pause(milliseconds duration)
+{
+    const Clock::Duration end = Now() + duration;
+    for (;;) {
+        const Clock::Duration left = end - Now();
+        if (left <= Clock::Duration::zero()) {
+            return true;
+        }
+        m_channel.m_clock.Sleep(std::min<Clock::Duration>(left, kBreathInterval));
+        if (!Breathe()) {
+            return false;
+        }
+    }
+}
+
+bool ChannelTurn::Breathe()
+{
+    return m_host.Breathe() || Fail(CommandFault::Cancelled);
+}
+
+int ChannelTurn::Purge()
+{
+    const int transmit = Link().Purge(SerialDevice::Queue::Transmit);
+    const int receive = Link().Purge(SerialDevice::Queue::Receive);
+    Link().ResetReceiveState();
+    return transmit == 1 && receive == 1 ? 1 : 0;
+}
+
+bool ChannelTurn::Fail(CommandFault fault)
+{
+    m_fault = fault;
+    return false;
+}
+
+bool ChannelTurn::FailOnWrite()
+{
+    m_channel.NoteFault(Link());
+    return Fail(Link().IsLost() ? CommandFault::LinkLost : CommandFault::WriteFailed);
+}
+
+} // namespace fieldcore

@@ -1,0 +1,134 @@
+#include "core/link/Questions.h"
+
+#include <algorithm>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr Clock::Duration kLongestWait = std::chrono::hours(1);
+constexpr int kMostDoublings = 16;
+
+} // namespace
+
+Questions::Questions(const CCommand& command, bool hasThread)
+    : m_clock(command.GetClock()), m_command(command, m_host)
+{
+    if (hasThread) {
+        m_thread = std::thread(&Questions::Run, this);
+    }
+}
+
+Questions::~Questions()
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_ends = true;
+        m_host.stop = true;
+    }
+    m_wake.Set();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+Questions::Id Questions::Add(Rhythm rhythm, Ask ask)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_questions.push_back({++m_lastId, rhythm, std::move(ask), m_clock.Steady(), 0});
+    m_wake.Set();
+    return m_lastId;
+}
+
+void Questions::Remove(Id id)
+{
+    std::unique_lock lock(m_mutex);
+    if (m_running == id) {
+        AwaitEnd(lock);
+    }
+    m_questions.remove_if([id](const Question& question) { return question.id == id; });
+}
+
+void Questions::Hurry(Id id)
+{
+    const std::scoped_lock lock(m_mutex);
+    for (Question& question : m_questions) {
+        if (question.id == id) {
+            question.due = m_clock.Steady();
+            question.silent = 0;
+        }
+    }
+    m_wake.Set();
+}
+
+Questions::Quiet::Quiet(Questions& questions) : m_questions(questions)
+{
+    std::unique_lock lock(m_questions.m_mutex);
+    ++m_questions.m_quiet;
+    m_questions.AwaitEnd(lock);
+}
+
+Questions::Quiet::~Quiet()
+{
+    {
+        const std::scoped_lock lock(m_questions.m_mutex);
+        --m_questions.m_quiet;
+    }
+    m_questions.m_wake.Set();
+}
+
+/// Gives up the question under way and waits until it has ended; not for the one that calls.
+void Questions::AwaitEnd(std::unique_lock<std::mutex>& lock)
+{
+    if (std::this_thread::get_id() == m_thread.get_id()) {
+        return;
+    }
+    const Id ending = m_running;
+    m_host.stop = ending != 0;
+    m_idle.wait(lock, [&] { return m_running == 0 || m_running != ending; });
+}
+
+Clock::Duration Questions::Step()
+{
+    std::unique_lock lock(m_mutex);
+    for (auto at = m_questions.begin(); at != m_questions.end() && m_quiet == 0 && !m_ends; ++at) {
+        if (at->due > m_clock.Steady()) {
+            continue;
+        }
+        Question& question = *at; // stays in its place: whoever removes it waits for its end
+        m_running = question.id;
+        m_host.stop = false; // what was to end has ended
+        lock.unlock();
+        m_command.SetReplyTimeout(kReplyTimeout);
+        const bool isAnswered = question.ask(m_command) || m_host.stop;
+        lock.lock();
+        question.silent = isAnswered ? 0 : std::min(question.silent + 1, kMostDoublings);
+        const Clock::Duration pause = std::min(question.rhythm.interval * (1 << question.silent),
+                                               std::max(question.rhythm.longestPause,
+                                                        question.rhythm.interval));
+        question.due = m_clock.Steady() + pause;
+        m_running = 0;
+        m_idle.notify_all();
+    }
+    Clock::Duration wait = kLongestWait;
+    for (const Question& question : m_questions) {
+        wait = std::min(wait, question.due - m_clock.Steady());
+    }
+    return m_quiet > 0 ? kLongestWait : std::max(wait, Clock::Duration::zero());
+}
+
+void Questions::Run()
+{
+    for (;;) {
+        const Clock::Duration wait = Step();
+        {
+            const std::scoped_lock lock(m_mutex);
+            if (m_ends) {
+                return;
+            }
+        }
+        static_cast<void>(m_clock.Wait(m_wake, wait));
+    }
+}
+
+} // namespace fieldcore
