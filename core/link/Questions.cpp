@@ -99,13 +99,13 @@ Clock::Duration Questions::Step()
         m_running = question.id;
         m_host.stop = false; // what was to end has ended
         lock.unlock();
-        m_command.SetReplyTimeout(kReplyTimeout);
+        m_command.SetReplyTimeout(m_timeout);
         const bool isAnswered = question.ask(m_command) || m_host.stop;
         lock.lock();
         question.silent = isAnswered ? 0 : std::min(question.silent + 1, kMostDoublings);
-        const Clock::Duration pause = std::min(question.rhythm.interval * (1 << question.silent),
-                                               std::max(question.rhythm.longestPause,
-                                                        question.rhythm.interval));
+        const Clock::Duration pause =
+            std::min(question.rhythm.interval * (1 << question.silent),
+                     std::max(question.rhythm.longestPause, question.rhythm.interval));
         question.due = m_clock.Steady() + pause;
         m_running = 0;
         m_idle.notify_all();

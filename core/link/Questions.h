@@ -29,7 +29,8 @@ struct Rhythm
 class Questions
 {
 public:
-    /// How long an answer may take here, at most.
+    /// How long an answer may take here unless SetReplyTimeout() says otherwise: whoever wants the
+    /// line waits for the question under way.
     static constexpr std::chrono::milliseconds kReplyTimeout{600};
 
     /// One round of a question. @return whether the receiver answered, be it with a refusal
@@ -50,6 +51,9 @@ public:
     void Remove(Id id);
     /// Asks as soon as it can be.
     void Hurry(Id id);
+
+    /// Of the rounds that begin from now on.
+    void SetReplyTimeout(std::chrono::milliseconds timeout) { m_timeout = timeout; }
 
     /// As long as it lives nothing is asked in the background; a question that is under way is
     /// given up. For who opens and closes the port, or changes what the questions look at.
@@ -98,6 +102,7 @@ private:
     Background m_host;
     CCommand m_command; // the thread's own face
     AutoResetEvent m_wake;
+    std::atomic<std::chrono::milliseconds> m_timeout = kReplyTimeout;
 
     std::mutex m_mutex; // guards these
     std::condition_variable m_idle;

@@ -14,31 +14,10 @@ namespace {
 constexpr std::size_t kUsedGpsWord = 6;
 constexpr std::size_t kUsedGlonassTriple = 6;
 
-} // namespace
-
-LiveSkyPoll::LiveSkyPoll(CCommand* command, const Clock& clock, std::filesystem::path folder)
-    : m_command(command), m_clock(clock), m_folder(std::move(folder))
+LiveSkyPoll::State StateOf(CommandFault fault)
 {
-    LoadAlmanac();
-}
-
-void LiveSkyPoll::LoadAlmanac()
-{
-    m_hasAlmanac = m_calc.LoadAlmanac(AlmanacPath(m_folder));
-}
-
-std::chrono::seconds LiveSkyPoll::Pause() const
-{
-    std::chrono::seconds pause = kInterval;
-    for (int i = 0; i < m_failures && pause < kLongestPause; ++i) {
-        pause *= 2;
-    }
-    return std::min(pause, kLongestPause);
-}
-
-LiveSkyPoll::State LiveSkyPoll::StateOfFault() const
-{
-    switch (m_command->Fault()) {
+    using State = LiveSkyPoll::State;
+    switch (fault) {
     case CommandFault::NotOpen:
     case CommandFault::OpenFailed:
         return State::NotConnected;
@@ -56,6 +35,20 @@ LiveSkyPoll::State LiveSkyPoll::StateOfFault() const
     }
 }
 
+} // namespace
+
+LiveSkyPoll::LiveSkyPoll(const Clock& clock, std::filesystem::path folder)
+    : m_clock(clock), m_folder(std::move(folder))
+{
+    m_now.state = State::Waiting;
+    LoadAlmanac();
+}
+
+void LiveSkyPoll::LoadAlmanac()
+{
+    m_now.hasAlmanac = m_calc.LoadAlmanac(AlmanacPath(m_folder));
+}
+
 void LiveSkyPoll::ForgetReceiver()
 {
     m_hasFrames = true;
@@ -64,32 +57,26 @@ void LiveSkyPoll::ForgetReceiver()
     m_noTimeSince.reset();
     m_siteAskedAt.reset();
     m_site.reset();
-    m_failures = 0;
 }
 
-bool LiveSkyPoll::Poll()
+bool LiveSkyPoll::Poll(CCommand& command)
 {
-    if (m_isPolling || (m_command != nullptr && m_command->IsBusy())) {
+    m_command = &command;
+    if (command.IsPortOpen() == 0) {
+        ForgetReceiver();
+        m_now.state = State::NotConnected;
+        return true;
+    }
+    LiveSky::Reading reading;
+    if (!ReadLists(reading)) {
+        m_now.state = StateOf(command.Fault());
         return false;
     }
-    if (m_command == nullptr || m_command->IsPortOpen() == 0) {
-        ForgetReceiver();
-        return std::exchange(m_state, State::NotConnected) != State::NotConnected;
-    }
-    m_isPolling = true;
-    LiveSky::Reading reading;
-    if (ReadLists(reading)) {
-        const Clock::Duration readAt = m_clock.Steady();
-        ReadUsed(reading);
-        Predict(reading);
-        m_sky.Take(reading, readAt);
-        m_state = State::Good;
-        m_failures = 0;
-    } else {
-        m_state = StateOfFault();
-        ++m_failures;
-    }
-    m_isPolling = false;
+    const Clock::Duration readAt = m_clock.Steady();
+    ReadUsed(reading);
+    Predict(reading);
+    m_now.sky.Take(reading, readAt);
+    m_now.state = State::Good;
     return true;
 }
 
@@ -136,7 +123,7 @@ void LiveSkyPoll::ReadUsed(LiveSky::Reading& reading)
 void LiveSkyPoll::Predict(LiveSky::Reading& reading)
 {
     const Clock::Duration now = m_clock.Steady();
-    if (!m_hasAlmanac || (m_noTimeSince && now - *m_noTimeSince < kRarely)) {
+    if (!m_now.hasAlmanac || (m_noTimeSince && now - *m_noTimeSince < kRarely)) {
         return;
     }
     m_noTimeSince.reset();

@@ -10,22 +10,20 @@
 
 namespace fieldcore {
 
-/// Asks the receiver for its sky, a round at a time. All calls come from the thread of the command
-/// channel. A round blocks it as long as its exchanges last, and ends with the first satellite list
-/// that does not come; the object must not go away from inside.
+/// Asks the receiver for its sky, a round at a time. All calls come from one thread, that of the
+/// face which is asked. A round ends with the first satellite list that does not come.
 class LiveSkyPoll
 {
 public:
     static constexpr std::chrono::seconds kInterval{2};
-    /// The longest pause between two rounds, for a receiver that keeps silent: each of its rounds
-    /// blocks the program for two reply time-outs.
+    /// The longest pause between two rounds, for a receiver that keeps silent.
     static constexpr std::chrono::seconds kLongestPause{16};
     /// What a receiver did not answer, and what hardly changes, is not asked for again for so long.
     static constexpr std::chrono::seconds kRarely{30};
 
-    /// @param command  may be null; it and @p clock must outlive the object
-    /// @param folder   the program's, where the almanac is
-    LiveSkyPoll(CCommand* command, const Clock& clock, std::filesystem::path folder);
+    /// @param clock   must outlive the object
+    /// @param folder  the program's, where the almanac is
+    LiveSkyPoll(const Clock& clock, std::filesystem::path folder);
 
     enum class State
     {
@@ -39,35 +37,31 @@ public:
         Cancelled,
     };
 
+    /// What there is to show.
+    struct Now
+    {
+        LiveSky sky;
+        State state = State::NotConnected;
+        bool hasAlmanac = false;
+    };
+
     /// Reads the almanac again.
     void LoadAlmanac();
-    [[nodiscard]] bool HasAlmanac() const { return m_hasAlmanac; }
-
-    /// One round. While another exchange is under way it is left out.
-    /// @return whether there is anything new to show, be it only the state
-    bool Poll();
-    [[nodiscard]] State GetState() const { return m_state; }
-    [[nodiscard]] const LiveSky& Sky() const { return m_sky; }
-    /// How long to wait for the next round: kInterval, twice as long after each that failed, up to
-    /// kLongestPause.
-    [[nodiscard]] std::chrono::seconds Pause() const;
+    /// One round. @return whether the receiver answered
+    bool Poll(CCommand& command);
+    [[nodiscard]] const Now& GetNow() const { return m_now; }
 
 private:
-    [[nodiscard]] State StateOfFault() const;
     bool ReadLists(LiveSky::Reading& reading);
     void ReadUsed(LiveSky::Reading& reading);
     void Predict(LiveSky::Reading& reading);
     void ForgetReceiver();
 
-    CCommand* const m_command;
+    CCommand* m_command = nullptr; // of the round under way
     const Clock& m_clock;
     const std::filesystem::path m_folder;
     CSurveyPlanCalc m_calc; // mask and curtain are none: all above the horizon
-    bool m_hasAlmanac = false;
-    LiveSky m_sky;
-    State m_state = State::Waiting;
-    int m_failures = 0; // in a row
-    bool m_isPolling = false;
+    Now m_now;
 
     // What is known of the receiver that is connected.
     bool m_hasFrames = true;  // it knows the list in several frames

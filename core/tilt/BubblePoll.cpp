@@ -1,34 +1,30 @@
 #include "core/tilt/BubblePoll.h"
 
-#include <algorithm>
-
 namespace fieldcore {
 
-bool BubblePoll::Tick(const BubbleRules& rules)
+TiltHeard AskTilt(CCommand& command, bool withRecord)
 {
-    if (m_command == nullptr || m_isPolling || m_command->IsBusy()) {
-        return false;
-    }
-    const Clock& clock = m_command->GetClock();
-    if (clock.Steady() < m_pausedUntil) {
-        return false;
-    }
-    m_isPolling = true;
+    TiltHeard heard;
     TiltReading reading;
-    const bool good = m_command->RequestTiltReading(reading) == 1;
-    m_isPolling = false;
-    if (!good && m_command->Fault() == CommandFault::TimedOut) {
-        m_pause = std::clamp(2 * m_pause, kFirstPause, kLongestPause);
-        m_pausedUntil = clock.Steady() + m_pause;
-        return true;
+    if (command.RequestTiltReading(reading) == 1) {
+        heard.reading = reading;
     }
-    m_pause = std::chrono::seconds(0);
-    if (good && IsUsable(reading)) {
-        m_reading = reading;
-        m_readAt = clock.Steady();
-        m_picture = PictureOf(reading, rules);
+    heard.isAnswered = command.Fault() != CommandFault::TimedOut;
+    heard.at = command.GetClock().Steady();
+    TiltCalibration record;
+    if (heard.reading && withRecord && command.RequestTiltCalibration(record) == 1) {
+        heard.record = record;
     }
-    return true;
+    return heard;
+}
+
+void BubblePoll::Take(const TiltHeard& heard, const BubbleRules& rules)
+{
+    if (heard.reading && IsUsable(*heard.reading)) {
+        m_reading = heard.reading;
+        m_readAt = heard.at;
+        Recompute(rules);
+    }
 }
 
 void BubblePoll::Recompute(const BubbleRules& rules)
@@ -38,9 +34,9 @@ void BubblePoll::Recompute(const BubbleRules& rules)
     }
 }
 
-bool BubblePoll::IsStale() const
+bool BubblePoll::IsStale(Clock::Duration now) const
 {
-    return !m_reading || m_command->GetClock().Steady() - m_readAt > kStaleAge;
+    return !m_reading || now - m_readAt > kStaleAge;
 }
 
 } // namespace fieldcore

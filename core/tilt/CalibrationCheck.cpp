@@ -12,18 +12,15 @@ void CalibrationCheck::Arm(CCommand* command, bool isArmed)
     m_isArmed = isArmed;
 }
 
-bool CalibrationCheck::MustWait() const
+bool CalibrationCheck::Disarm()
 {
-    return m_isArmed && m_command != nullptr && m_command->IsBusy();
+    return std::exchange(m_isArmed, false) && m_command != nullptr;
 }
 
-bool CalibrationCheck::Look()
+bool CalibrationCheck::Look(CCommand& command)
 {
-    if (!std::exchange(m_isArmed, false) || m_command == nullptr) {
-        return false;
-    }
     TiltReading reading;
-    return m_command->RequestTiltReading(reading) == 1 && NeedsCalibration(reading);
+    return command.RequestTiltReading(reading) == 1 && NeedsCalibration(reading);
 }
 
 } // namespace fieldcore

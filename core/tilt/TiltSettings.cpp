@@ -21,10 +21,16 @@ bool IsPlace(int place, std::size_t count)
 
 void TiltSettings::Open()
 {
-    constexpr int kLongest = 65534; // 65535: the receiver has none
     TiltCalibration record;
-    if (m_command != nullptr && m_command->RequestTiltCalibration(record) == 1 &&
-        record.validityHours >= 1 && record.validityHours <= kLongest) {
+    if (m_command != nullptr && m_command->RequestTiltCalibration(record) == 1) {
+        Open(record);
+    }
+}
+
+void TiltSettings::Open(const TiltCalibration& record)
+{
+    constexpr int kLongest = 65534; // 65535: the receiver has none
+    if (record.validityHours >= 1 && record.validityHours <= kLongest) {
         eBubbleConfig::SetBubbleExpiry(record.validityHours);
     }
 }
@@ -34,18 +40,14 @@ bool TiltSettings::Refresh()
     if (m_command != nullptr && m_command->IsBusy()) {
         return false;
     }
-    m_reading.reset();
-    m_record.reset();
-    TiltReading reading;
-    if (m_command == nullptr || m_command->RequestTiltReading(reading) == 0) {
-        return true;
-    }
-    m_reading = reading;
-    TiltCalibration record;
-    if (m_command->RequestTiltCalibration(record) == 1) {
-        m_record = record;
-    }
+    Take(m_command != nullptr ? AskTilt(*m_command, true) : TiltHeard());
     return true;
+}
+
+void TiltSettings::Take(const TiltHeard& heard)
+{
+    m_reading = heard.reading;
+    m_record = heard.record;
 }
 
 std::wstring TiltSettings::Remain() const

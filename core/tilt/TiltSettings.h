@@ -3,6 +3,7 @@
 #include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "core/settings/Reg.h"
+#include "core/tilt/BubblePoll.h"
 #include "core/tilt/CalibrationStatus.h"
 
 #include <optional>
@@ -23,11 +24,14 @@ public:
 
     /// Takes over how long the receiver counts a calibration as valid.
     void Open();
+    static void Open(const TiltCalibration& record);
 
     /// Asks for reading and record. While another exchange is under way nothing is asked, and
     /// nothing changes.
     /// @return false in that case
     bool Refresh();
+    /// What was asked elsewhere, in place of Refresh().
+    void Take(const TiltHeard& heard);
     /// Of the last Refresh().
     [[nodiscard]] std::wstring Remain() const;
     [[nodiscard]] int StatusTextId() const;

@@ -56,10 +56,10 @@ LiveSkyHead::LiveSkyHead(QWidget* parent)
     column->addWidget(m_problem);
 }
 
-void LiveSkyHead::Show(const LiveSkyPoll& poll, std::optional<Constellation> filter,
+void LiveSkyHead::Show(const LiveSkyPoll::Now& live, std::optional<Constellation> filter,
                        Clock::Duration now)
 {
-    const LiveSky& sky = poll.Sky();
+    const LiveSky& sky = live.sky;
     const Theme& theme = Theme::Current();
     const bool isStale = sky.IsStale(now);
     if (const auto age = sky.Age(now)) {
@@ -74,7 +74,7 @@ void LiveSkyHead::Show(const LiveSkyPoll& poll, std::optional<Constellation> fil
     const bool isGrey = isStale || !sky.HasReading();
     Colour(m_age, isGrey ? theme.stale : theme.text);
     Colour(m_counts, isGrey ? theme.stale : theme.text);
-    const int problem = sky.HasReading() ? LiveSkyTextId(poll.GetState()) : 0;
+    const int problem = sky.HasReading() ? LiveSkyTextId(live.state) : 0;
     m_problem->setText(UiText(problem));
     m_problem->setVisible(problem != 0);
     Colour(m_problem, theme.bad);

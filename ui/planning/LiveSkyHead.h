@@ -23,7 +23,8 @@ public:
     /// Without a reading nothing is said to be wrong: the sky itself has room for those words.
     /// @param filter  what is counted; nothing: all
     /// @param now     a Clock's Steady()
-    void Show(const LiveSkyPoll& poll, std::optional<Constellation> filter, Clock::Duration now);
+    void Show(const LiveSkyPoll::Now& live, std::optional<Constellation> filter,
+              Clock::Duration now);
 
 private:
     QLabel* m_age; // owned by the widget, as are the others

@@ -34,7 +34,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr int kPollTimer = 1;
 constexpr int kAgeTimer = 2;
 constexpr int kAgeTickMs = 1000;
 constexpr int kWide = 900; // from here on the details stand beside the sky
@@ -69,7 +68,8 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundi
                    QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
       m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
-      m_clock(ClockOf(command, surroundings.clock)), m_poll(command, m_clock, surroundings.program),
+      m_clock(ClockOf(command, surroundings.clock)),
+      m_poll(std::make_shared<LiveSkyPoll>(m_clock, surroundings.program)),
       m_settings(LoadSkyPlotSettings(m_reg))
 {
     setWindowTitle(UiText(text::kSkyTitle));
@@ -203,8 +203,9 @@ void CSkyPlot::MakeMenu()
 void CSkyPlot::OnMenu(int item)
 {
     if (item == text::kSkyUpdate) {
-        m_poll.LoadAlmanac();
-        Poll();
+        m_question.reset();
+        m_poll->LoadAlmanac();
+        Ask();
     } else if (item == text::kSkyFromBelow) {
         m_isFromBelow = !m_isFromBelow;
         m_sky->SetFromBelow(m_isFromBelow);
@@ -219,44 +220,49 @@ bool CSkyPlot::OnClose(int result)
 void CSkyPlot::showEvent(QShowEvent* event)
 {
     Dialog::showEvent(event);
-    SetTimer(kPollTimer, 0); // the window first, then the receiver
+    Ask();
     SetTimer(kAgeTimer, kAgeTickMs);
 }
 
 void CSkyPlot::hideEvent(QHideEvent* event)
 {
-    KillTimer(kPollTimer);
+    m_question.reset();
     KillTimer(kAgeTimer);
     Dialog::hideEvent(event);
 }
 
 void CSkyPlot::OnTimer(int id)
 {
-    if (id == kPollTimer) {
-        Poll();
-    } else if (id == kAgeTimer) {
+    if (id == kAgeTimer) {
         ShowSky();
     }
 }
 
-void CSkyPlot::Poll()
+void CSkyPlot::Ask()
 {
-    KillTimer(kPollTimer);
-    m_poll.Poll();
-    if (isVisible()) {
-        // Counted from the end of the round: a slow line still leaves the user his time.
-        const auto pause = std::chrono::milliseconds(m_poll.Pause());
-        SetTimer(kPollTimer,
-                 static_cast<int>(m_clock.RealTime(pause) / std::chrono::milliseconds(1)));
+    m_now = m_poll->GetNow();
+    if (m_command == nullptr) {
+        m_now.state = LiveSkyPoll::State::NotConnected;
+    } else {
+        m_question = std::make_unique<BackgroundQuestion>(
+            *m_command, Rhythm{LiveSkyPoll::kInterval, LiveSkyPoll::kLongestPause},
+            [poll = m_poll](CCommand& command) {
+                const bool isAnswered = poll->Poll(command);
+                return std::pair(isAnswered, poll->GetNow());
+            },
+            [this](const LiveSkyPoll::Now& now) {
+                m_now = now;
+                ShowSky();
+            });
     }
     ShowSky();
 }
 
 QString CSkyPlot::Notice() const
 {
-    const LiveSky& sky = m_poll.Sky();
+    const LiveSky& sky = m_now.sky;
     if (!sky.HasReading()) {
-        return UiText(LiveSkyTextId(m_poll.GetState()));
+        return UiText(LiveSkyTextId(m_now.state));
     }
     if (sky.Count(m_settings.constellation).inView > 0) {
         return {};
@@ -266,9 +272,9 @@ QString CSkyPlot::Notice() const
 
 void CSkyPlot::ShowSky()
 {
-    m_head->Show(m_poll, m_settings.constellation, m_clock.Steady());
-    m_legend->setText(UiText(m_poll.HasAlmanac() ? text::kSkyLegend : text::kSkyLegendNoAlmanac));
-    const LiveSky& sky = m_poll.Sky();
+    m_head->Show(m_now, m_settings.constellation, m_clock.Steady());
+    m_legend->setText(UiText(m_now.hasAlmanac ? text::kSkyLegend : text::kSkyLegendNoAlmanac));
+    const LiveSky& sky = m_now.sky;
     LiveSkyView::Picture picture;
     picture.satellites = sky.Satellites(m_settings.constellation);
     picture.predicted = sky.Predicted(m_settings.constellation);
@@ -325,7 +331,7 @@ void CSkyPlot::ChooseSatellite(int row)
     }
     m_isShowing = true;
     m_sky->Choose(row);
-    const std::vector<LiveSatellite> satellites = m_poll.Sky().Satellites(m_settings.constellation);
+    const std::vector<LiveSatellite> satellites = m_now.sky.Satellites(m_settings.constellation);
     const bool isRow = row >= 0 && static_cast<std::size_t>(row) < satellites.size();
     m_bars->Choose(isRow ? std::optional(satellites[static_cast<std::size_t>(row)]) : std::nullopt);
     if (isRow) {

@@ -4,9 +4,11 @@
 #include "core/planning/SkyPlotSettings.h"
 #include "core/platform/Clock.h"
 #include "core/settings/HostReg.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 
 #include <filesystem>
+#include <memory>
 
 class QBoxLayout;
 class QLabel;
@@ -25,9 +27,8 @@ class SatelliteListModel;
 class SignalBars;
 
 /// The live sky: where the receiver sees its satellites, how well it hears them, and how old all
-/// that is. It asks every two seconds as long as it is visible, less often while nothing comes, and
-/// not while the channel is busy. User-interface thread only; a round of questions blocks it for
-/// two reply time-outs at worst, and the dialog must not be deleted meanwhile.
+/// that is. It asks in the background, every two seconds as long as it is visible and less often
+/// while nothing comes. User-interface thread only.
 class CSkyPlot : public Dialog
 {
     Q_OBJECT
@@ -79,7 +80,7 @@ private:
     void MakeDetails();
     void MakeMenu();
     void OnMenu(int item);
-    void Poll();
+    void Ask();
     void ShowSky();
     void ShowColumns();
     [[nodiscard]] QString Notice() const;
@@ -93,7 +94,9 @@ private:
     HostReg m_ownReg;
     const CReg& m_reg;
     const Clock& m_clock;
-    LiveSkyPoll m_poll;
+    const std::shared_ptr<LiveSkyPoll> m_poll; // the question's while there is one
+    LiveSkyPoll::Now m_now;
+    std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
     SkyPlotSettings m_settings;
     bool m_isFromBelow = false;
     bool m_isShowing = false; // a choice is carried from one control to the others

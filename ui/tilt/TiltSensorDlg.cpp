@@ -50,15 +50,7 @@ int TiltSensorDlg::ShutDown()
     if (g_window.isNull()) {
         return 0;
     }
-    TiltSensorDlg* const window = g_window;
-    g_window.clear();
-    if (window->m_poll.IsPolling()) {
-        // The question below on the stack comes back to it.
-        window->m_isDoomed = true;
-        window->hide();
-    } else {
-        delete window;
-    }
+    delete g_window.data();
     return 1;
 }
 
@@ -95,7 +87,7 @@ void TiltSensorDlg::ForgetPlace()
 }
 
 TiltSensorDlg::TiltSensorDlg(CCommand* command, QWidget* parent)
-    : Dialog(parent), m_command(command), m_poll(command), m_view(new BubbleView)
+    : Dialog(parent), m_command(command), m_view(new BubbleView)
 {
     setWindowFlags(Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
                    Qt::WindowStaysOnTopHint);
@@ -123,24 +115,46 @@ bool TiltSensorDlg::OnInitDialog()
                               QPoint(frame.right(), frame.bottom()));
     }
     setGeometry(place);
-    SetTimer(kPollTimer, static_cast<int>(BubblePoll::kInterval.count()));
     return false; // the focus stays where it is
+}
+
+void TiltSensorDlg::showEvent(QShowEvent* event)
+{
+    Dialog::showEvent(event);
+    SetTimer(kPollTimer, static_cast<int>(BubblePoll::kInterval.count())); // readings grow old
+    if (m_command != nullptr && !m_question) {
+        m_question = std::make_unique<BackgroundQuestion>(
+            *m_command, Rhythm{BubblePoll::kInterval, BubblePoll::kLongestPause},
+            [](CCommand& command) {
+                const TiltHeard heard = AskTilt(command, false);
+                return std::pair(heard.isAnswered, heard);
+            },
+            [this](const TiltHeard& heard) {
+                m_poll.Take(heard, {eBubbleConfig::GetBubbleSensitivity(),
+                                    eBubbleConfig::GetBubbleDuration(), g_antennaHeightM});
+                ShowBubble();
+            });
+    }
+}
+
+void TiltSensorDlg::hideEvent(QHideEvent* event)
+{
+    m_question.reset();
+    KillTimer(kPollTimer);
+    Dialog::hideEvent(event);
 }
 
 void TiltSensorDlg::OnTimer(int id)
 {
-    if (id != kPollTimer || !isVisible() || m_isDoomed) {
-        return;
+    if (id == kPollTimer) {
+        ShowBubble();
     }
-    m_poll.Tick({eBubbleConfig::GetBubbleSensitivity(), eBubbleConfig::GetBubbleDuration(),
-                 g_antennaHeightM});
-    if (m_isDoomed) {
-        if (!m_poll.IsPolling()) {
-            deleteLater();
-        }
-        return;
-    }
-    m_view->Show(m_poll.Picture(), m_poll.IsStale());
+}
+
+void TiltSensorDlg::ShowBubble()
+{
+    m_view->Show(m_poll.Picture(),
+                 m_command == nullptr || m_poll.IsStale(m_command->GetClock().Steady()));
 }
 
 bool TiltSensorDlg::OnClose(int result)

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "core/tilt/BubblePoll.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 
 #include <QPointer>
 #include <QRect>
 
 #include <optional>
+
+#include <memory>
 
 namespace fieldcore {
 
@@ -55,17 +58,20 @@ protected:
     bool OnClose(int result) override;
     void OnDestroy() override;
     void OnTimer(int id) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     TiltSensorDlg(CCommand* command, QWidget* parent);
     ~TiltSensorDlg() override;
 
     void SendStop();
+    void ShowBubble();
 
     CCommand* const m_command;
     BubblePoll m_poll;
-    bool m_isDoomed = false; ///< goes away when the question that is under way is over
-    BubbleView* m_view;      // owned by the dialog
+    std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
+    BubbleView* m_view;                             // owned by the dialog
 };
 
 } // namespace fieldcore

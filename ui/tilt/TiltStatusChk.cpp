@@ -1,4 +1,5 @@
 #include "ui/tilt/TiltStatusChk.h"
+#include "ui/controls/BackgroundQuestion.h"
 
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
@@ -14,11 +15,23 @@ namespace fieldcore {
 namespace {
 
 CalibrationCheck g_check;
+std::unique_ptr<BackgroundQuestion> g_look; // while it is under way
+
+void Offer(CCommand* command, QWidget* window)
+{
+    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question, BoxAnswer::Ok};
+    if (CMesBox(command->GetHost()).Show(text::kTiltCheck, text::kTiltCaption, kQuestion) ==
+        BoxAnswer::Ok) {
+        TiltSensorDlg::ShutDown();
+        TiltStatusDlg(command, window).DoModal();
+    }
+}
 
 } // namespace
 
 void TiltStatusChk::SetCheckCalib(CCommand* command, bool isArmed)
 {
+    g_look.reset();
     g_check.Arm(command, isArmed);
 }
 
@@ -33,9 +46,6 @@ void TiltStatusChk::SttCheckCalib(QWidget* window, int timerId, int delayMs)
         timer = new QTimer(window);
         timer->setObjectName(name);
         QObject::connect(timer, &QTimer::timeout, timer, [timer, window] {
-            if (g_check.MustWait()) {
-                return; // it comes again
-            }
             timer->stop();
             TimerCheckProc(window);
         });
@@ -46,16 +56,19 @@ void TiltStatusChk::SttCheckCalib(QWidget* window, int timerId, int delayMs)
 void TiltStatusChk::TimerCheckProc(QWidget* window)
 {
     CCommand* const command = g_check.Command();
-    if (!g_check.Look()) {
+    if (!g_check.Disarm()) {
         return;
     }
-    constexpr BoxStyle kQuestion{BoxButtons::OkCancel, BoxIcon::Question, BoxAnswer::Ok};
-    const QPointer<QWidget> under(window);
-    if (CMesBox(command->GetHost()).Show(text::kTiltCheck, text::kTiltCaption, kQuestion) ==
-        BoxAnswer::Ok) {
-        TiltSensorDlg::ShutDown();
-        TiltStatusDlg(command, under).DoModal();
-    }
+    constexpr std::chrono::hours kOnce{1};
+    g_look = std::make_unique<BackgroundQuestion>(
+        *command, Rhythm{kOnce, kOnce},
+        [](CCommand& asking) { return std::pair(true, CalibrationCheck::Look(asking)); },
+        [command, under = QPointer<QWidget>(window)](bool isNeeded) {
+            g_look.release()->deleteLater(); // it is on the stack
+            if (isNeeded) {
+                Offer(command, under);
+            }
+        });
 }
 
 } // namespace fieldcore

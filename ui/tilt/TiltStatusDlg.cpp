@@ -177,37 +177,43 @@ bool TiltStatusDlg::OnInitDialog()
     m_sensitivity->setCurrentIndex(SensitivityPlace(eBubbleConfig::GetBubbleSensitivity()));
     m_speed->setCurrentIndex(SpeedPlace(eBubbleConfig::GetBubbleViscosity()));
     m_duration->setText(ToQt(TiltSettings::DurationText()));
-    m_tilt.Open();
     ShowExpiry();
-    UpdateStatus();
-    SetTimer(kStatusTimer, kStatusMs);
+    ShowStatus();
+    AskStatus();
     return true;
 }
 
 void TiltStatusDlg::OnDestroy()
 {
+    m_question.reset();
     TiltSensorDlg::ShutDown();
 }
 
-void TiltStatusDlg::OnTimer(int id)
+void TiltStatusDlg::AskStatus()
 {
-    if (id == kStatusTimer && m_ticksToSkip-- <= 0) {
-        UpdateStatus();
-    }
-}
-
-void TiltStatusDlg::UpdateStatus()
-{
-    m_ticksToSkip = 0;
-    if (!m_tilt.Refresh()) {
+    constexpr std::chrono::seconds kLongestPause{8}; // of a sensor that keeps silent
+    if (m_command == nullptr) {
         return;
     }
-    // Each question that is not answered blocks the program for two reply time-outs.
-    constexpr int kMostSkipped = 8;
-    const bool isSilent =
-        !m_tilt.Reading() && m_command != nullptr && m_command->Fault() == CommandFault::TimedOut;
-    m_lastSkipped = isSilent ? std::clamp(2 * m_lastSkipped, 1, kMostSkipped) : 0;
-    m_ticksToSkip = m_lastSkipped;
+    m_question = std::make_unique<BackgroundQuestion>(
+        *m_command, Rhythm{std::chrono::milliseconds(kStatusMs), kLongestPause},
+        [](CCommand& command) {
+            TiltHeard heard = AskTilt(command, true);
+            return std::pair(heard.isAnswered, heard);
+        },
+        [this](const TiltHeard& heard) {
+            m_tilt.Take(heard);
+            if (heard.record && !m_hasRecord) {
+                m_hasRecord = true;
+                TiltSettings::Open(*heard.record);
+                m_expiry->setText(ToQt(ExpiryText(eBubbleConfig::GetBubbleExpiry())));
+            }
+            ShowStatus();
+        });
+}
+
+void TiltStatusDlg::ShowStatus()
+{
     m_status->setText(UiText(m_tilt.StatusTextId()));
     m_remain->setText(ToQt(m_tilt.Remain()));
 }
@@ -240,12 +246,12 @@ void TiltStatusDlg::Calibrate()
     if (!m_tilt.MayCalibrate(GetHost())) {
         return;
     }
-    KillTimer(kStatusTimer);
+    m_question.reset();
     TiltCalibDlg run(m_command, this);
     run.DoModal();
     TiltSettings::LastRun() = run.Result();
-    UpdateStatus();
-    SetTimer(kStatusTimer, kStatusMs);
+    ShowStatus();
+    AskStatus();
 }
 
 Host& TiltStatusDlg::GetHost() const

@@ -2,6 +2,7 @@
 
 #include "core/settings/HostReg.h"
 #include "core/tilt/TiltSettings.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 
 class QFormLayout;
@@ -9,6 +10,8 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QStackedWidget;
+
+#include <memory>
 
 namespace fieldcore {
 
@@ -47,12 +50,12 @@ public:
 
 protected:
     void OnDestroy() override;
-    void OnTimer(int id) override;
 
 private:
     void Build();
     void BuildSettings(QFormLayout& form);
-    void UpdateStatus();
+    void AskStatus();
+    void ShowStatus();
     void ShowExpiry();
     void EditExpiry();
     void LeaveExpiry();
@@ -62,9 +65,9 @@ private:
     CCommand* const m_command;
     const HostReg m_ownReg; // used unless another is given
     TiltSettings m_tilt;
-    int m_ticksToSkip = 0;
-    int m_lastSkipped = 0;
-    QLabel* m_status; // owned by the dialog, as are all that follow
+    bool m_hasRecord = false;                       // the receiver's record has been taken over
+    std::unique_ptr<BackgroundQuestion> m_question; // null while a calibration runs
+    QLabel* m_status;                               // owned by the dialog, as are all that follow
     QLabel* m_remain;
     CTComboBox* m_sensitivity;
     CTComboBox* m_speed;

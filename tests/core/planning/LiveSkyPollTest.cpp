@@ -90,19 +90,19 @@ TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
 {
     Start(kMovingSky);
     ASSERT_EQ(AlmanacStore(m_folder.Path()).Update(m_command), AlmanacResult::Done);
-    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    LiveSkyPoll poll(m_clock, m_folder.Path());
     CSurveyPlanCalc calc;
     ASSERT_TRUE(calc.LoadAlmanac(AlmanacPath(m_folder.Path())));
     calc.SetObserver({RadiansOf(-33.9), RadiansOf(151.2), 40.0});
     for (const int hour : {0, 5}) {
         SCOPED_TRACE(hour);
-        ASSERT_TRUE(poll.Poll());
-        ASSERT_EQ(poll.GetState(), LiveSkyPoll::State::Good);
+        ASSERT_TRUE(poll.Poll(m_command));
+        ASSERT_EQ(poll.GetNow().state, LiveSkyPoll::State::Good);
         calc.SetTime(2410, 345600.0 + hour * 3600.0); // 2026-03-19 00:00:00 GPS time
         const int above = calc.CountVisible();
-        const std::vector<LiveSatellite> gps = poll.Sky().Satellites(Constellation::Gps);
+        const std::vector<LiveSatellite> gps = poll.GetNow().sky.Satellites(Constellation::Gps);
         ASSERT_EQ(static_cast<int>(gps.size()), above);
-        const std::vector<PredictedSatellite> predicted = poll.Sky().Predicted(std::nullopt);
+        const std::vector<PredictedSatellite> predicted = poll.GetNow().sky.Predicted(std::nullopt);
         ASSERT_EQ(predicted.size(), gps.size());
         for (std::size_t i = 0; i < gps.size(); ++i) {
             SCOPED_TRACE(gps[i].number);
@@ -117,26 +117,26 @@ TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
             EXPECT_EQ(predicted[i].prn, gps[i].number);
             EXPECT_NEAR(predicted[i].direction.elevationRad, orbit.GetElevation(), 1e-6) << "rad";
         }
-        EXPECT_EQ(poll.Sky().Count(Constellation::Glonass).solid, 1);
+        EXPECT_EQ(poll.GetNow().sky.Count(Constellation::Glonass).solid, 1);
         m_clock.Advance(5h);
     }
     EXPECT_EQ(Asked(0x30), 2) << "the site is asked for again after half a minute";
     m_clock.Advance(10s);
-    EXPECT_TRUE(poll.Poll());
+    EXPECT_TRUE(poll.Poll(m_command));
     EXPECT_EQ(Asked(0x30), 3);
     m_clock.Advance(29s);
-    EXPECT_TRUE(poll.Poll());
+    EXPECT_TRUE(poll.Poll(m_command));
     EXPECT_EQ(Asked(0x30), 3);
 }
 
 TEST_F(LiveSkyPollTest, WorksWithoutAnAlmanac)
 {
     Start(kMovingSky);
-    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
-    EXPECT_FALSE(poll.HasAlmanac());
-    EXPECT_TRUE(poll.Poll());
-    EXPECT_GT(poll.Sky().Count(Constellation::Gps).inView, 4);
-    EXPECT_TRUE(poll.Sky().Predicted(std::nullopt).empty());
+    LiveSkyPoll poll(m_clock, m_folder.Path());
+    EXPECT_FALSE(poll.GetNow().hasAlmanac);
+    EXPECT_TRUE(poll.Poll(m_command));
+    EXPECT_GT(poll.GetNow().sky.Count(Constellation::Gps).inView, 4);
+    EXPECT_TRUE(poll.GetNow().sky.Predicted(std::nullopt).empty());
     EXPECT_EQ(Asked(0x14) + Asked(0x30), 0) << "nothing to predict from";
 }
 
@@ -146,11 +146,11 @@ TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
     Fault("nak on 54");
     // The receiver of one frame: a request with a data byte is unknown to it.
     Fault("nak on 16 count 1");
-    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
+    LiveSkyPoll poll(m_clock, m_folder.Path());
     for (int round = 0; round < 3; ++round) {
-        ASSERT_TRUE(poll.Poll());
-        ASSERT_EQ(poll.GetState(), LiveSkyPoll::State::Good);
-        const std::vector<LiveSatellite> all = poll.Sky().Satellites(std::nullopt);
+        ASSERT_TRUE(poll.Poll(m_command));
+        ASSERT_EQ(poll.GetNow().state, LiveSkyPoll::State::Good);
+        const std::vector<LiveSatellite> all = poll.GetNow().sky.Satellites(std::nullopt);
         ASSERT_EQ(all.size(), 2U);
         EXPECT_EQ(all[0].signals[0], 45.3);
         EXPECT_FALSE(all[0].isUsed) << "it was not told";
@@ -159,7 +159,7 @@ TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
     EXPECT_EQ(Asked(0x16), 4) << "what was refused is not asked for again";
     EXPECT_EQ(Asked(0x54), 2) << "with GLONASS, without, then no more";
     m_clock.Advance(30s);
-    EXPECT_TRUE(poll.Poll());
+    EXPECT_TRUE(poll.Poll(m_command));
     EXPECT_EQ(Asked(0x54), 3) << "but half a minute later";
 }
 
@@ -196,9 +196,9 @@ TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
                              5,   10,  20, 160, 6,   10, 20, 160, //
                              54,  0,   10, 20,  160, 55, 0,  10,  20, 160});
     });
-    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
-    ASSERT_TRUE(poll.Poll());
-    const std::vector<LiveSatellite> all = poll.Sky().Satellites(std::nullopt);
+    LiveSkyPoll poll(m_clock, m_folder.Path());
+    ASSERT_TRUE(poll.Poll(m_command));
+    const std::vector<LiveSatellite> all = poll.GetNow().sky.Satellites(std::nullopt);
     ASSERT_EQ(all.size(), 4U);
     const bool used[] = {true, false, false, true}; // G5, G6, R3, R4
     for (std::size_t i = 0; i < all.size(); ++i) {
@@ -225,70 +225,19 @@ TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
         SCOPED_TRACE(row.fault);
         m_command.ClosePort();
         Start("satellite G5 118 37 45.3\nsatellite R4 334 62 47.25\n"); // one frame holds both
-        LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
-        ASSERT_TRUE(poll.Poll());
+        LiveSkyPoll poll(m_clock, m_folder.Path());
+        ASSERT_TRUE(poll.Poll(m_command));
         Fault(row.fault);
         if (row.state == LiveSkyPoll::State::Silent) {
             m_command.SetReplyTimeout(5s);
         }
         m_clock.Advance(10s);
-        EXPECT_TRUE(poll.Poll());
-        EXPECT_EQ(poll.GetState(), row.state);
-        EXPECT_NE(Text(LiveSkyTextId(poll.GetState())), std::wstring());
-        EXPECT_EQ(poll.Sky().Count(std::nullopt).inView, 2);
-        EXPECT_TRUE(poll.Sky().IsStale(m_clock.Steady()));
+        EXPECT_FALSE(poll.Poll(m_command));
+        EXPECT_EQ(poll.GetNow().state, row.state);
+        EXPECT_NE(Text(LiveSkyTextId(poll.GetNow().state)), std::wstring());
+        EXPECT_EQ(poll.GetNow().sky.Count(std::nullopt).inView, 2);
+        EXPECT_TRUE(poll.GetNow().sky.IsStale(m_clock.Steady()));
     }
-}
-
-TEST_F(LiveSkyPollTest, AsksASilentReceiverLessOften)
-{
-    Start("answers no\nmodel 3017\n");
-    m_command.SetReplyTimeout(1s); // 10 ms of a watch
-    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
-    EXPECT_EQ(poll.Pause(), 2s);
-    for (const auto pause : {4s, 8s, 16s, 16s}) {
-        EXPECT_TRUE(poll.Poll());
-        EXPECT_EQ(poll.GetState(), LiveSkyPoll::State::Silent);
-        EXPECT_EQ(poll.Pause(), pause);
-    }
-    m_command.ClosePort();
-    EXPECT_TRUE(poll.Poll());
-    EXPECT_EQ(poll.GetState(), LiveSkyPoll::State::NotConnected);
-    EXPECT_EQ(poll.Pause(), 2s) << "to see soon that there is a connection again";
-    EXPECT_FALSE(poll.Poll()) << "no news";
-}
-
-TEST_F(LiveSkyPollTest, LeavesABusyChannelAlone)
-{
-    Start("answers no\nmodel 3017\n");
-    m_command.SetReplyTimeout(5s);
-    // Starts a round from inside of a wait, as a timer would.
-    class Breather final : public Host
-    {
-    public:
-        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style) override
-        {
-            return HarmlessAnswer(style.buttons);
-        }
-        bool Breathe() override
-        {
-            nested += poll->Poll() ? 1 : 0;
-            ++breaths;
-            return true;
-        }
-        LiveSkyPoll* poll = nullptr;
-        int nested = 0;
-        int breaths = 0;
-    } breather;
-    LiveSkyPoll poll(&m_command, m_clock, m_folder.Path());
-    breather.poll = &poll;
-    m_command.SetHost(breather);
-    StatusReply status;
-    EXPECT_EQ(m_command.RequestStatus(status), 0);
-    EXPECT_EQ(m_command.Fault(), CommandFault::TimedOut) << "the running one was left alone";
-    EXPECT_TRUE(poll.Poll());
-    EXPECT_GT(breather.breaths, 2);
-    EXPECT_EQ(breather.nested, 0);
 }
 
 } // namespace

@@ -254,13 +254,18 @@ TEST(BubblePoll, KeepsThePictureThroughWhatFails)
     words.t2Rad = 0.01;
     line.Say(words);
     ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-    BubblePoll poll(&line.command);
-    EXPECT_TRUE(poll.IsStale());
+    BubblePoll poll;
+    const auto ask = [&] {
+        const TiltHeard heard = AskTilt(line.command, false);
+        poll.Take(heard, {});
+        return heard.isAnswered;
+    };
+    EXPECT_TRUE(poll.IsStale(line.clock.Steady()));
     EXPECT_TRUE(poll.Picture().isNotReady);
-    ASSERT_TRUE(poll.Tick({}));
+    ASSERT_TRUE(ask());
     const BubblePicture good = poll.Picture();
     EXPECT_EQ(good.x, 6);
-    EXPECT_FALSE(poll.IsStale());
+    EXPECT_FALSE(poll.IsStale(line.clock.Steady()));
 
     for (double SensorWords::*const angle :
          {&SensorWords::t1Rad, &SensorWords::t2Rad, &SensorWords::tiltRad}) {
@@ -268,25 +273,24 @@ TEST(BubblePoll, KeepsThePictureThroughWhatFails)
             SensorWords damaged;
             damaged.*angle = bad;
             line.Say(damaged);
-            EXPECT_TRUE(poll.Tick({})) << "no pause: the receiver answers";
+            EXPECT_TRUE(ask());
             EXPECT_EQ(poll.Picture(), good);
         }
     }
     words.answers = false;
     line.Say(words);
     line.command.SetReplyTimeout(std::chrono::milliseconds(500));
-    EXPECT_TRUE(poll.Tick({}));
+    EXPECT_FALSE(ask()) << "silence was not told";
     line.command.SetReplyTimeout(std::chrono::seconds(200));
-    EXPECT_FALSE(poll.Tick({})) << "silence is not asked again at once";
     EXPECT_EQ(poll.Picture(), good);
     line.clock.Sleep(BubblePoll::kStaleAge);
-    EXPECT_TRUE(poll.IsStale());
+    EXPECT_TRUE(poll.IsStale(line.clock.Steady()));
     words.answers = true;
     words.t2Rad = -0.01;
     line.Say(words);
-    EXPECT_TRUE(poll.Tick({}));
+    EXPECT_TRUE(ask());
     EXPECT_EQ(poll.Picture().x, -6);
-    EXPECT_FALSE(poll.IsStale());
+    EXPECT_FALSE(poll.IsStale(line.clock.Steady()));
 }
 
 } // namespace

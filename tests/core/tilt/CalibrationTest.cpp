@@ -209,7 +209,7 @@ TEST(TiltSettings, StoresAndSendsWhatChanged)
         settings.Open();
         EXPECT_EQ(eBubbleConfig::GetBubbleExpiry(), kept) << told;
     }
-    line.sent.clear();
+    line.ForgetSent();
     const auto stored = [&line](const wchar_t* name) {
         std::wstring text;
         line.reg.ReadString(L"GPS\\eBubble", name, text, L"-");
@@ -219,9 +219,9 @@ TEST(TiltSettings, StoresAndSendsWhatChanged)
     EXPECT_EQ(stored(L"Sensitivity"), L"-") << "nothing changed, nothing stored";
     EXPECT_EQ(settings.ChooseSensitivity(4), 1);
     EXPECT_EQ(stored(L"Sensitivity"), L"8");
-    EXPECT_TRUE(line.sent.empty()) << "the receiver does not know it";
+    EXPECT_TRUE(line.SentCount() == 0) << "the receiver does not know it";
     EXPECT_EQ(settings.ChooseSpeed(1), 0);
-    EXPECT_TRUE(line.sent.empty());
+    EXPECT_TRUE(line.SentCount() == 0);
     EXPECT_EQ(settings.ChooseSpeed(0), 1);
     EXPECT_EQ(line.Sent(0xC8, {10, 22}), 1);
     EXPECT_EQ(settings.ChooseSpeed(2), 1);
@@ -231,7 +231,7 @@ TEST(TiltSettings, StoresAndSendsWhatChanged)
         EXPECT_EQ(settings.ChooseSpeed(place), 0);
         EXPECT_EQ(place == 3 ? 0 : settings.ChooseSensitivity(place), 0);
     }
-    line.sent.clear();
+    line.ForgetSent();
     struct Row
     {
         const wchar_t* typed;
@@ -246,7 +246,7 @@ TEST(TiltSettings, StoresAndSendsWhatChanged)
     }
     EXPECT_EQ(line.Sent(0xC8, {3, 0x75, 0x30}), 1); // 30000
     EXPECT_EQ(line.Sent(0xC8, {3, 0, 12}), 1);
-    EXPECT_EQ(line.sent.size(), 2U);
+    EXPECT_EQ(line.SentCount(), 2U);
     for (const wchar_t* const typed : {L"0", L"-0.5", L"x", L"nan", L"0.02"}) {
         EXPECT_EQ(settings.EnterDuration(typed), 0);
     }
@@ -281,16 +281,17 @@ TEST(CalibrationCheck, LooksOncePerArming)
         words.status = row.status;
         words.calibration = row.calibration;
         line.Say(words);
-        EXPECT_FALSE(check.Look()) << "not armed";
+        EXPECT_FALSE(check.Disarm()) << "not armed";
         check.Arm(&line.command, true);
-        EXPECT_EQ(check.Look(), row.needed);
-        EXPECT_FALSE(check.Look()) << "it has looked";
+        EXPECT_TRUE(check.Disarm());
+        EXPECT_EQ(CalibrationCheck::Look(line.command), row.needed);
+        EXPECT_FALSE(check.Disarm()) << "it has looked";
     }
     EXPECT_EQ(line.Sent(0xC8), 5);
     check.Arm(&line.command, false);
-    EXPECT_FALSE(check.Look());
+    EXPECT_FALSE(check.Disarm());
     check.Arm(nullptr, true);
-    EXPECT_FALSE(check.Look());
+    EXPECT_FALSE(check.Disarm());
 }
 
 class CalibrationRunTest : public ::testing::Test
@@ -358,7 +359,7 @@ TEST_F(CalibrationRunTest, FollowsTheReceiver)
         ASSERT_NO_FATAL_FAILURE(own.StartSensor());
         CalibrationRun each(&own.command);
         each.Tick();
-        EXPECT_TRUE(own.sent.empty()) << "it has not begun";
+        EXPECT_TRUE(own.SentCount() == 0) << "it has not begun";
         each.Start();
         each.Tick();
         EXPECT_EQ(each.GetState(), State::Running);
@@ -380,10 +381,10 @@ TEST_F(CalibrationRunTest, FollowsTheReceiver)
         EXPECT_EQ(each.GetState(), row.end);
         EXPECT_EQ(each.Result().isAborted, row.end == State::Aborted);
         EXPECT_EQ(each.Result().isFailed, row.end == State::Failed);
-        const std::size_t asked = own.sent.size();
+        const std::size_t asked = own.SentCount();
         each.Tick();
         each.Cancel();
-        EXPECT_EQ(own.sent.size(), asked) << "it is over";
+        EXPECT_EQ(own.SentCount(), asked) << "it is over";
     }
 }
 

@@ -28,11 +28,11 @@ simulator::Scenario WithSensor(const std::string& lines)
 std::vector<BubblePicture> Watch(SensorLine& line, std::chrono::seconds time)
 {
     std::vector<BubblePicture> pictures;
-    BubblePoll poll(&line.command);
+    BubblePoll poll;
     const Clock::Duration end = line.clock.Steady() + time;
     while (line.clock.Steady() < end) {
-        EXPECT_TRUE(poll.Tick({}));
-        EXPECT_FALSE(poll.IsStale());
+        poll.Take(AskTilt(line.command, false), {});
+        EXPECT_FALSE(poll.IsStale(line.clock.Steady()));
         pictures.push_back(poll.Picture());
         line.clock.Sleep(BubblePoll::kInterval);
     }
@@ -171,14 +171,14 @@ TEST(LivingSensor, ACalibrationGetsTooOldAndALongerPeriodMakesItGood)
     ASSERT_TRUE(settings.Refresh());
     EXPECT_EQ(settings.StatusTextId(), text::kTiltExpired);
     EXPECT_EQ(settings.Remain(), L"あと0日0時間0分0秒");
-    BubblePoll poll(&line.command);
-    EXPECT_TRUE(poll.Tick({}));
+    BubblePoll poll;
+    poll.Take(AskTilt(line.command, false), {});
     EXPECT_TRUE(poll.Picture().needsCalibration);
     EXPECT_EQ(settings.EnterExpiry(L"744"), 1);
     ASSERT_TRUE(settings.Refresh());
     EXPECT_EQ(settings.StatusTextId(), text::kTiltCompleted);
     EXPECT_GT(RemainingSeconds(settings.Record(), settings.Reading()), 23 * 3600);
-    EXPECT_TRUE(poll.Tick({}));
+    poll.Take(AskTilt(line.command, false), {});
     EXPECT_TRUE(poll.Picture().showBubble);
 }
 

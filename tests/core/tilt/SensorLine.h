@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/link/Command.h"
+#include "core/link/Questions.h"
 #include "core/platform/FastClock.h"
 #include "core/settings/HostReg.h"
 #include "core/tilt/BubbleConfig.h"
@@ -107,11 +108,16 @@ public:
         TiltSettings::LastRun() = {};
         command.SetFrameObserver([this](Direction direction, std::span<const std::uint8_t> frame) {
             if (direction == Direction::Sent) {
-                sent.emplace_back(frame.begin(), frame.end());
+                const std::lock_guard lock(m_mutex);
+                m_sent.emplace_back(frame.begin(), frame.end());
             }
         });
     }
-    ~SensorLine() { command.ClosePort(); }
+    ~SensorLine()
+    {
+        const Questions::Quiet quiet(command.Background());
+        command.ClosePort();
+    }
     SensorLine(const SensorLine&) = delete;
     SensorLine& operator=(const SensorLine&) = delete;
 
@@ -125,7 +131,9 @@ public:
         PortSettings settings;
         settings.replyTimeout = timeout;
         ASSERT_EQ(command.OpenPort(simulator->PortPath(), settings), 1) << command.LastError();
-        sent.clear();
+        command.Background().SetReplyTimeout(timeout);
+        const std::lock_guard lock(m_mutex);
+        m_sent.clear();
     }
     /// The sensor says what Say() was given last.
     void StartSensor(std::chrono::milliseconds timeout = std::chrono::seconds(200))
@@ -144,8 +152,9 @@ public:
     /// How many requests with that type and that beginning were sent.
     [[nodiscard]] int Sent(std::uint8_t type, std::initializer_list<std::uint8_t> data = {}) const
     {
+        const std::lock_guard lock(m_mutex);
         int count = 0;
-        for (const Bytes& frame : sent) {
+        for (const Bytes& frame : m_sent) {
             count += frame.size() >= 6 + data.size() && frame[2] == type &&
                              std::equal(data.begin(), data.end(), frame.begin() + 4)
                          ? 1
@@ -154,17 +163,30 @@ public:
         return count;
     }
 
+    void ForgetSent()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_sent.clear();
+    }
+    /// Frames to the receiver, whole.
+    [[nodiscard]] std::vector<Bytes> SentFrames() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_sent;
+    }
+    [[nodiscard]] std::size_t SentCount() const { return SentFrames().size(); }
+
     TemporaryFolder folder;
     SettingsRoots roots{FoldersBelow(folder.Path())};
     HostReg reg{roots};
     FastClock clock;
     std::unique_ptr<simulator::Simulator> simulator;
     CCommand command{CCommand::Surroundings{nullptr, &clock, nullptr, {}}};
-    std::vector<Bytes> sent; ///< frames to the receiver, whole
 
 private:
-    std::mutex m_mutex;
-    SensorWords m_words; // guarded by m_mutex
+    mutable std::mutex m_mutex; // guards these
+    SensorWords m_words;
+    std::vector<Bytes> m_sent;
 };
 
 } // namespace fieldcore::testing

@@ -71,7 +71,7 @@ TEST(Signals, SendsEveryChoiceOfEveryReceiverAsItsBytes)
                 session.Check(signal, chosen.Has(signal));
                 chosen.Set(signal, chosen.Has(signal) && has.Has(signal));
             }
-            line.sent.clear();
+            line.ForgetSent();
             const SignalSession::Outcome outcome = session.Confirm();
             std::vector<Bytes> expected;
             if (!has.IsEmpty()) {
@@ -81,7 +81,7 @@ TEST(Signals, SendsEveryChoiceOfEveryReceiverAsItsBytes)
             if (isMeridian) {
                 expected.push_back({0x02, 0x00, 0xA3, 0x03, 0x00, 0x00, 0x00, 0xA6, 0x03});
             }
-            ASSERT_EQ(line.sent, expected);
+            ASSERT_EQ(line.SentFrames(), expected);
             ASSERT_EQ(outcome.stored, 1);
             ASSERT_EQ(LoadSignals(reg, 3017), chosen);
         }

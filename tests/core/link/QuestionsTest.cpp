@@ -1,0 +1,107 @@
+#include "core/link/Questions.h"
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+
+class HandClock : public Clock
+{
+public:
+    Duration now{};
+    [[nodiscard]] Duration Steady() const override { return now; }
+    [[nodiscard]] UtcTime Utc() const override { return {}; }
+    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
+    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
+};
+
+TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
+{
+    HandClock clock;
+    CCommand command{{nullptr, &clock, nullptr, {}}};
+    Questions questions(command, false);
+    bool isAnswered = true;
+    int asked = 0;
+    const auto id = questions.Add({2s, 16s}, [&](CCommand&) {
+        ++asked;
+        return isAnswered;
+    });
+    struct Row
+    {
+        const char* fault;
+        bool isAnswered;
+        Clock::Duration pause;
+    };
+    const Row rows[] = {{"not at once, or not in its rhythm", true, 2s},
+                        {"silence asked again as soon", false, 4s},
+                        {"the pause does not grow", false, 8s},
+                        {"nor on", false, 16s},
+                        {"beyond its bound", false, 16s},
+                        {"an answer does not end the patience", true, 2s}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        isAnswered = row.isAnswered;
+        const int before = asked;
+        EXPECT_EQ(questions.Step(), row.pause);
+        EXPECT_EQ(asked, before + 1);
+        clock.now += row.pause - 1ms;
+        EXPECT_EQ(questions.Step(), 1ms);
+        EXPECT_EQ(asked, before + 1);
+        clock.now += 1ms;
+    }
+    questions.Step();
+    const int before = asked;
+    questions.Hurry(id);
+    questions.Step();
+    EXPECT_EQ(asked, before + 1);
+    questions.Remove(id);
+    clock.now += 1h;
+    questions.Step();
+    EXPECT_EQ(asked, before + 1);
+}
+
+/// Time is real here, and nothing depends on how long it takes.
+TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
+{
+    CCommand command;
+    std::atomic<int> begun = 0;
+    std::atomic<int> ended = 0;
+    {
+        Questions& questions = command.Background();
+        const auto endless = [&](CCommand& face) {
+            ++begun;
+            while (face.GetHost().Breathe()) {
+                std::this_thread::yield();
+            }
+            ++ended;
+            return false;
+        };
+        const auto id = questions.Add({1ms, 1ms}, endless);
+        while (begun == 0) {
+            std::this_thread::yield();
+        }
+        {
+            const Questions::Quiet quiet(questions);
+            EXPECT_EQ(begun, ended) << "still asking";
+            const int before = begun;
+            questions.Hurry(id);
+            std::this_thread::sleep_for(20ms);
+            EXPECT_EQ(begun, before) << "asked into the quiet";
+        }
+        const int before = begun;
+        while (begun == before) {
+            std::this_thread::yield();
+        }
+        questions.Remove(id);
+        EXPECT_EQ(begun, ended);
+        questions.Add({1ms, 1ms}, endless);
+        while (begun == ended) {
+            std::this_thread::yield();
+        }
+    } // the last one is under way when its channel goes
+}
+
+} // namespace
+} // namespace fieldcore
