@@ -13,41 +13,6 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kBreathInterval{50};
 
-const char* Describe(CommandFault fault)
-{
-    switch (fault) {
-    case CommandFault::None:
-        return "";
-    case CommandFault::Busy:
-        return "another request is under way";
-    case CommandFault::NotOpen:
-        return "no port is open";
-    case CommandFault::OpenFailed:
-        return "the port could not be opened";
-    case CommandFault::TooLong:
-        return "the request does not fit into a frame";
-    case CommandFault::WriteFailed:
-        return "the request could not be written";
-    case CommandFault::TimedOut:
-        return "no answer in time";
-    case CommandFault::Refused:
-        return "the receiver refused (NAK)";
-    case CommandFault::Malformed:
-        return "the answer was no frame";
-    case CommandFault::BadChecksum:
-        return "the answer was damaged (checksum)";
-    case CommandFault::WrongAnswer:
-        return "an acknowledgement came for data, or data for an acknowledgement";
-    case CommandFault::WrongType:
-        return "the answer was of another type or did not fit its layout";
-    case CommandFault::LinkLost:
-        return "the link is gone";
-    case CommandFault::Cancelled:
-        return "cancelled";
-    }
-    return "";
-}
-
 } // namespace
 
 ReceiverLine::BusyGuard::BusyGuard(ReceiverLine& channel) : m_channel(channel)
@@ -303,7 +268,7 @@ std::string ReceiverLine::LastError() const
     if (m_failed.fault == CommandFault::None) {
         return {};
     }
-    std::string text = Describe(m_failed.fault);
+    std::string text = MeaningOf(m_failed.fault).words;
     std::array<char, 40> buffer{};
     if (m_failed.request != 0) {
         std::snprintf(buffer.data(), buffer.size(), "request 0x%02X: ", m_failed.request);

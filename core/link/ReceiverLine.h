@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/link/CommandFault.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/SerialLink.h"
 #include "core/platform/Clock.h"
@@ -16,25 +17,6 @@
 #include <utility>
 
 namespace fieldcore {
-
-/// Why the last request to the receiver failed.
-enum class CommandFault
-{
-    None,
-    Busy,       ///< another request is under way
-    NotOpen,    ///< no port is open
-    OpenFailed, ///< see the link error and the device's text
-    TooLong,    ///< the request does not fit into a frame
-    WriteFailed,
-    TimedOut,
-    Refused, ///< NAK
-    Malformed,
-    BadChecksum,
-    WrongAnswer, ///< an acknowledgement where data was expected, or the other way round
-    WrongType,   ///< an answer of another type, or one that does not fit its layout
-    LinkLost,    ///< the other end is gone
-    Cancelled,
-};
 
 /// The line to a receiver as a request sees it: a port, the frame that is built and sent, the one
 /// that came, and what went wrong. It knows how to send and how to wait; what to do about an answer

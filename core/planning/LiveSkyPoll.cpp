@@ -38,21 +38,16 @@ std::chrono::seconds LiveSkyPoll::Pause() const
 
 LiveSkyPoll::State LiveSkyPoll::StateOfFault() const
 {
-    switch (m_command->Fault()) {
-    case CommandFault::NotOpen:
-    case CommandFault::OpenFailed:
-        return State::NotConnected;
-    case CommandFault::LinkLost:
-    case CommandFault::WriteFailed:
-        return State::LinkLost;
-    case CommandFault::Refused:
-        return State::Refused;
-    case CommandFault::TimedOut:
+    const CommandFault fault = m_command->Fault();
+    switch (ClassOf(fault)) {
+    case FaultClass::Gone:
+        return m_command->IsPortOpen() == 0 ? State::NotConnected : State::LinkLost;
+    case FaultClass::Silent:
         return State::Silent;
-    case CommandFault::Cancelled:
+    case FaultClass::Cancelled:
         return State::Cancelled;
     default:
-        return State::Damaged;
+        return fault == CommandFault::Refused ? State::Refused : State::Damaged;
     }
 }
 
@@ -102,7 +97,7 @@ bool LiveSkyPoll::ReadLists(LiveSky::Reading& reading)
         // Older receivers know the list in one frame only; some answer with that whatever the
         // request says. A damaged answer may look the same, so that is no lasting verdict.
         const CommandFault fault = m_command->Fault();
-        if (fault != CommandFault::Refused && fault != CommandFault::WrongType) {
+        if (ClassOf(fault) != FaultClass::Answered) {
             return false;
         }
         m_hasFrames = fault != CommandFault::Refused;
@@ -119,8 +114,7 @@ void LiveSkyPoll::ReadUsed(LiveSky::Reading& reading)
     m_noUsedSince.reset();
     SatelliteDataReply data;
     if (m_command->RequestSvData(data, m_hasGlonass) == 0) {
-        const CommandFault fault = m_command->Fault();
-        if (m_hasGlonass && (fault == CommandFault::Refused || fault == CommandFault::WrongType)) {
+        if (m_hasGlonass && ClassOf(m_command->Fault()) == FaultClass::Answered) {
             m_hasGlonass = false; // the next round asks for less
         } else {
             m_noUsedSince = now;
