@@ -9,24 +9,27 @@ constexpr int kSbasOffset = 87;            // raw SBAS numbers start at 33 for P
 constexpr int kMaxPrn = 32;
 constexpr int kHighAzimuthDeg = 256;
 
-/// Tells system and number from the raw number of a binary record.
+/// What the raw number of a binary record tells.
+struct NumberRange
+{
+    int first;
+    int last;
+    ListedSatellite::System system;
+    int shift; ///< to the numbering of the system
+};
+constexpr NumberRange kRanges[] = {{1, kMaxPrn, ListedSatellite::Gps, 0},
+                                   {33, 51, ListedSatellite::Sbas, kSbasOffset},
+                                   {52, 75, ListedSatellite::Glonass, -51},
+                                   {76, 109, ListedSatellite::System6, -76}};
+
 void Classify(ListedSatellite& satellite)
 {
-    const int raw = satellite.rawNumber;
-    satellite.number = raw;
-    if (raw >= 1 && raw <= kMaxPrn) {
-        satellite.system = ListedSatellite::Gps;
-    } else if (raw >= 33 && raw <= 51) {
-        satellite.system = ListedSatellite::Sbas;
-        satellite.number = raw + kSbasOffset;
-    } else if (raw >= 52 && raw <= 75) {
-        satellite.system = ListedSatellite::Glonass;
-        satellite.number = raw - 51;
-    } else if (raw >= 76 && raw <= 109) {
-        satellite.system = ListedSatellite::System6;
-        satellite.number = raw - 76;
-    } else {
-        satellite.system = ListedSatellite::Unknown;
+    satellite.number = satellite.rawNumber;
+    for (const NumberRange& range : kRanges) {
+        if (satellite.rawNumber >= range.first && satellite.rawNumber <= range.last) {
+            satellite.system = range.system;
+            satellite.number += range.shift;
+        }
     }
 }
 
