@@ -32,44 +32,6 @@ const char* CodeOf(PortTrouble trouble)
     return "port-not-opened";
 }
 
-Failure OfFault(CommandFault fault)
-{
-    switch (fault) {
-    case CommandFault::TimedOut:
-        return {ExitCode::NoAnswer, "no-answer", "The receiver does not answer.",
-                "Check that it is on, the cable, and the rate of the port (--baud)."};
-    case CommandFault::Refused:
-        return {ExitCode::Nak, "nak", "The receiver refused the request.",
-                "It does not know the request, or cannot do it now."};
-    case CommandFault::Cancelled:
-        return {ExitCode::Cancelled, "cancelled", "Cancelled."};
-    case CommandFault::LinkLost:
-        return {ExitCode::NoPort, "link-lost", "The port is gone.",
-                "Check the cable or the Bluetooth link, then try again."};
-    case CommandFault::NotOpen:
-    case CommandFault::OpenFailed:
-        return {ExitCode::NoPort, "port-not-opened", "The port is not open.",
-                "fieldcore-cli doctor"};
-    case CommandFault::WriteFailed:
-        return {ExitCode::Failed, "not-written", "Nothing could be sent to the receiver.",
-                "Check the cable and the handshake (--flow)."};
-    case CommandFault::Malformed:
-    case CommandFault::BadChecksum:
-        return {ExitCode::Failed, "damaged-answer", "What the receiver answers arrives damaged.",
-                "Check the cable, and the rate and parity of the port."};
-    case CommandFault::WrongAnswer:
-    case CommandFault::WrongType:
-        return {ExitCode::Failed, "unexpected-answer", "The receiver answered something else.",
-                "Something may be sent over the port besides. Keep what is said with --log FILE "
-                "and look at it with fieldcore-cli trace FILE."};
-    case CommandFault::None:
-    case CommandFault::Busy:
-    case CommandFault::TooLong:
-        break;
-    }
-    return {ExitCode::Failed, "failed", "The request could not be made."};
-}
-
 } // namespace
 
 Failure UsageFailure(std::string message, std::string hint)
@@ -92,9 +54,8 @@ Failure TextFailure(const std::filesystem::path& file, const TextError& error, s
 
 Failure RequestFailure(CommandFault fault, std::string detail)
 {
-    Failure failure = OfFault(fault);
-    failure.detail = std::move(detail);
-    return failure;
+    const TerminalFault& said = MeaningOf(fault).terminal;
+    return {ExitCode{said.exitCode}, said.code, said.message, said.hint, "", std::move(detail)};
 }
 
 Failure PortFailure(const std::string& path, int systemError, std::string detail,

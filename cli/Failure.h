@@ -2,7 +2,7 @@
 
 #include "cli/ExitCode.h"
 
-#include "core/link/Command.h"
+#include "core/link/CommandFault.h"
 #include "core/planning/TextError.h"
 #include "core/platform/SystemRoots.h"
 

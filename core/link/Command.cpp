@@ -30,41 +30,6 @@ constexpr std::uint8_t kRecoverLark = 0xA1;
 constexpr std::uint32_t kSecondPica = 3020;
 constexpr std::intptr_t kListEnded = 1;
 
-const char* Describe(CommandFault fault)
-{
-    switch (fault) {
-    case CommandFault::None:
-        return "";
-    case CommandFault::Busy:
-        return "another request is under way";
-    case CommandFault::NotOpen:
-        return "no port is open";
-    case CommandFault::OpenFailed:
-        return "the port could not be opened";
-    case CommandFault::TooLong:
-        return "the request does not fit into a frame";
-    case CommandFault::WriteFailed:
-        return "the request could not be written";
-    case CommandFault::TimedOut:
-        return "no answer in time";
-    case CommandFault::Refused:
-        return "the receiver refused (NAK)";
-    case CommandFault::Malformed:
-        return "the answer was no frame";
-    case CommandFault::BadChecksum:
-        return "the answer was damaged (checksum)";
-    case CommandFault::WrongAnswer:
-        return "an acknowledgement came for data, or data for an acknowledgement";
-    case CommandFault::WrongType:
-        return "the answer was of another type or did not fit its layout";
-    case CommandFault::LinkLost:
-        return "the link is gone";
-    case CommandFault::Cancelled:
-        return "cancelled";
-    }
-    return "";
-}
-
 /// The parity, stop-bit and flow codes of the receiver are those of the port settings, but for
 /// flow control: it knows none, XON/XOFF and the hardware lines.
 std::uint8_t ReceiverFlowCode(FlowControl flow)
@@ -200,8 +165,7 @@ int CCommand::Finish(ChannelTurn& turn, int result)
 {
     m_failed.fault = turn.Fault();
     m_failed.answer = GetReplyType();
-    if (turn.Fault() == CommandFault::OpenFailed || turn.Fault() == CommandFault::WriteFailed ||
-        turn.Fault() == CommandFault::LinkLost) {
+    if (ClassOf(turn.Fault()) == FaultClass::Gone && turn.Fault() != CommandFault::NotOpen) {
         m_failed.device = m_channel->DeviceFault();
     }
     if (turn.Last().state == ExchangeState::Frame) {
@@ -284,7 +248,7 @@ std::string CCommand::LastError() const
     if (m_failed.fault == CommandFault::None) {
         return {};
     }
-    std::string text = Describe(m_failed.fault);
+    std::string text = MeaningOf(m_failed.fault).words;
     std::array<char, 40> buffer{};
     if (m_failed.request != 0) {
         std::snprintf(buffer.data(), buffer.size(), "request 0x%02X: ", m_failed.request);

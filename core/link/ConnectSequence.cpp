@@ -32,37 +32,6 @@ const wchar_t* StepText(ConnectStep step)
     return L"";
 }
 
-const wchar_t* CauseText(CommandFault fault)
-{
-    switch (fault) {
-    case CommandFault::None:
-        break;
-    case CommandFault::NotOpen:
-    case CommandFault::OpenFailed:
-        return Text(text::kCauseNotOpened);
-    case CommandFault::WriteFailed:
-    case CommandFault::TooLong:
-        return Text(text::kCauseNotWritten);
-    case CommandFault::TimedOut:
-        return Text(text::kCauseNoAnswer);
-    case CommandFault::Refused:
-        return Text(text::kCauseRefused);
-    case CommandFault::Malformed:
-    case CommandFault::BadChecksum:
-        return Text(text::kCauseDamaged);
-    case CommandFault::WrongAnswer:
-    case CommandFault::WrongType:
-        return Text(text::kCauseOtherAnswer);
-    case CommandFault::LinkLost:
-        return Text(text::kCauseLinkLost);
-    case CommandFault::Cancelled:
-        return Text(text::kCauseCancelled);
-    case CommandFault::Busy:
-        return Text(text::kCauseBusy);
-    }
-    return L"";
-}
-
 int OpenTarget(CCommand& command, const ConnectTarget& target)
 {
     return target.devicePath.empty() ? command.OpenPort(target.port, target.settings)

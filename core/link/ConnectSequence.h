@@ -33,9 +33,6 @@ enum class ConnectStep
 /// What a step is called, for the user.
 [[nodiscard]] const wchar_t* StepText(ConnectStep step);
 
-/// Why a request failed, for the user, with what to do about it.
-[[nodiscard]] const wchar_t* CauseText(CommandFault fault);
-
 /// Watches a connection being made. Called on the thread that runs it.
 class ConnectObserver
 {

@@ -1,5 +1,7 @@
 #include "core/link/FileReplies.h"
 
+#include "core/link/LayoutReader.h"
+
 #include <algorithm>
 #include <chrono>
 #include <limits>
@@ -9,15 +11,8 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kPicaPage = 0x79;
-constexpr std::uint8_t kLarkPage = 0x9D;
-constexpr std::size_t kPageHead = 2; // bytes
-constexpr std::size_t kPicaRecord = 22;
-constexpr std::size_t kLarkRecord = 24;
-constexpr std::size_t kPicaName = 8;
 constexpr std::uint8_t kLastPage = 0x80;
 constexpr std::uint8_t kMoreFollows = 128;
-constexpr std::size_t kBlockHead = 5;
 constexpr std::size_t kMostBlockBytes = 1000;
 constexpr std::uint8_t kEtx = 0x03;
 constexpr std::int64_t kShiftS = 9 * 3600;
@@ -38,58 +33,56 @@ std::uint32_t RecordTime(int year, unsigned month, unsigned day, unsigned hour, 
         std::clamp<std::int64_t>(midnight + hour * 3600 + minute * 60 + kShiftS, 0, kMost));
 }
 
-void KeepName(std::wstring text, DirectoryListingData& file)
+/// Reads the next field as a file's name.
+void ReadName(LayoutReader& in, DirectoryListingData& file)
 {
+    std::wstring text;
+    in.Read(text);
     text.resize(std::min(text.find_last_not_of(L' ') + 1, kLongestFileName));
     std::copy(text.begin(), text.end(), file.name);
-}
-
-/// Starts reading a page: the number byte stands in @p first then, the cursor on the records.
-bool StartPage(FrameReader& frame, std::uint8_t type, std::size_t recordLength, std::size_t most,
-               std::uint8_t& first, FilePage& page)
-{
-    if (frame.Type() != type || frame.DataLength() < kPageHead) {
-        return false;
-    }
-    first = frame.Byte();
-    page.count = frame.Byte();
-    return page.count <= most && frame.DataLength() >= kPageHead + page.count * recordLength;
 }
 
 } // namespace
 
 std::optional<FilePage> ParsePicaFilePage(FrameReader frame)
 {
-    FilePage page;
-    std::uint8_t number = 0;
-    if (!StartPage(frame, kPicaPage, kPicaRecord, kPicaPageFiles, number, page)) {
+    LayoutReader in(frame, 0x79);
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    page.number = number;
+    FilePage page;
+    in.Read(page.number, page.count);
+    if (page.count > kPicaPageFiles) {
+        return std::nullopt;
+    }
     page.last = page.count < kPicaPageFiles;
     for (std::size_t i = 0; i < page.count; ++i) {
         DirectoryListingData& file = page.files[i];
         file.pageFlag = page.last ? 0 : kMoreFollows;
-        file.fileIndex = frame.Word();
-        KeepName(frame.Text(kPicaName), file);
-        file.size = frame.Long();
-        const int year = frame.Word();
-        const unsigned month = frame.Byte();
-        const unsigned day = frame.Byte();
-        const unsigned hour = frame.Byte();
-        const unsigned minute = frame.Byte();
+        int year = 0;
+        unsigned month = 0;
+        unsigned day = 0;
+        unsigned hour = 0;
+        unsigned minute = 0;
+        in.BeginRecord();
+        in.Read(file.fileIndex);
+        ReadName(in, file);
+        in.Read(file.size, year, month, day, hour, minute, file.attributes);
         file.time = RecordTime(year, month, day, hour, minute);
-        file.attributes = frame.Byte();
-        file.spare = frame.Byte();
     }
-    return page;
+    return in.IsComplete() ? std::optional(page) : std::nullopt;
 }
 
 std::optional<FilePage> ParseLarkFilePage(FrameReader frame)
 {
+    LayoutReader in(frame, 0x9D);
+    if (!in.Fits()) {
+        return std::nullopt;
+    }
     FilePage page;
     std::uint8_t first = 0;
-    if (!StartPage(frame, kLarkPage, kLarkRecord, kLarkPageFiles, first, page)) {
+    in.Read(first, page.count);
+    if (page.count > kLarkPageFiles) {
         return std::nullopt;
     }
     page.number = first & ~kLastPage;
@@ -97,30 +90,25 @@ std::optional<FilePage> ParseLarkFilePage(FrameReader frame)
     for (std::size_t i = 0; i < page.count; ++i) {
         DirectoryListingData& file = page.files[i];
         file.pageFlag = first;
-        KeepName(frame.Text(kLongestFileName), file);
-        file.size = frame.Long();
-        file.time = frame.Long();
-        file.attributes = frame.Byte();
-        file.spare = frame.Byte();
+        in.BeginRecord();
+        ReadName(in, file);
+        in.Read(file.size, file.time, file.attributes);
     }
-    return page;
+    return in.IsComplete() ? std::optional(page) : std::nullopt;
 }
 
 std::optional<FileBlock> ParseFileBlock(FrameReader frame)
 {
-    const std::size_t length = frame.DataLength();
-    if (frame.Type() != kLongFrameType || length < kBlockHead ||
-        length > kBlockHead + kMostBlockBytes) {
+    LayoutReader in(frame, kLongFrameType);
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    frame.Skip(1); // the second length byte
     FileBlock block;
-    block.offset = frame.Long();
-    block.flags = frame.Byte();
-    block.bytes = frame.Bytes(length - kBlockHead);
-    frame.Skip(1); // the checksum
+    in.Read(block.offset, block.flags, block.bytes);
+    frame.Skip(1 + frame.DataLength() + 1); // the second length byte, the data, the checksum
     // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum fits.
-    return frame.Byte() == kEtx ? std::optional(block) : std::nullopt;
+    const bool isWhole = frame.Byte() == kEtx && block.bytes.size() <= kMostBlockBytes;
+    return isWhole ? std::optional(block) : std::nullopt;
 }
 
 } // namespace fieldcore

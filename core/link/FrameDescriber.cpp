@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cstdio>
 #include <numbers>
@@ -24,28 +23,11 @@ constexpr std::uint8_t kStx = 0x02;
 constexpr std::uint8_t kEtx = 0x03;
 constexpr std::uint8_t kAck = 0x06;
 constexpr std::uint8_t kNak = 0x15;
-constexpr std::uint8_t kLongType = 0x95;
 constexpr std::size_t kTailLength = 2; // checksum and ETX
 
 std::string_view AsText(Bytes bytes)
 {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-std::uint64_t BigEndian(Bytes bytes)
-{
-    std::uint64_t number = 0;
-    for (const std::uint8_t byte : bytes) {
-        number = (number << 8U) | byte;
-    }
-    return number;
-}
-
-double RealNumber(Bytes bytes)
-{
-    const std::uint64_t bits = BigEndian(bytes);
-    return bytes.size() == sizeof(float) ? std::bit_cast<float>(static_cast<std::uint32_t>(bits))
-                                         : std::bit_cast<double>(bits);
 }
 
 std::string Trimmed(std::string_view text)
@@ -78,7 +60,7 @@ void ReadDigits(Bytes bytes, const FieldLayout& layout, DescribedField& field)
     const auto [stop, failure] =
         std::from_chars(text.data(), end, number, std::chars_format::fixed);
     const bool isNumber = failure == std::errc() && stop == end &&
-                          text.find_first_not_of("0123456789.") == std::string::npos;
+                          text.find_first_not_of("-0123456789.") == std::string::npos;
     if (!isNumber) {
         field.value = Value::Text(AsText(bytes) == std::string(bytes.size(), ' ')
                                       ? std::string()
@@ -122,22 +104,24 @@ DescribedField ReadField(Bytes bytes, std::size_t offset, const FieldLayout& lay
     field.offset = offset;
     field.name = layout.name;
     const std::string unit(layout.unit);
+    FrameReader in(bytes, 0);
     switch (layout.kind) {
     case FieldKind::Unsigned: {
-        const auto number = static_cast<std::uint32_t>(BigEndian(bytes));
+        const std::uint32_t number = in.Unsigned(layout.width);
         field.value = Value::Integer(number, unit);
         field.meaning = MeaningOf(number, layout.meanings);
         break;
     }
     case FieldKind::Real:
-        field.value = Value::Exact(RealNumber(bytes), unit);
+        field.value = Value::Exact(layout.width == sizeof(float) ? in.Float() : in.Double(), unit);
         break;
     case FieldKind::Angle: {
-        const double rad = RealNumber(bytes);
+        const double rad = in.Double();
         field.value = Value::Exact(rad, "rad");
         field.meaning = Value::Real(rad * 180.0 / std::numbers::pi, 8, "deg").Words();
         break;
     }
+    case FieldKind::Digit:
     case FieldKind::Digits:
     case FieldKind::Hundredths:
         ReadDigits(bytes, layout, field);
@@ -145,12 +129,10 @@ DescribedField ReadField(Bytes bytes, std::size_t offset, const FieldLayout& lay
     case FieldKind::Text:
         field.value = Value::Text(Trimmed(ToUtf8(FromCp932(AsText(bytes)))), "(blank)");
         break;
-    case FieldKind::Mask: {
-        const auto mask = static_cast<std::uint32_t>(BigEndian(bytes));
+    case FieldKind::Mask:
         field.value = Value::Text(Hex(bytes));
-        field.meaning = SatellitesOf(mask);
+        field.meaning = SatellitesOf(in.Unsigned(layout.width));
         break;
-    }
     case FieldKind::Pattern:
     case FieldKind::Spare:
         field.value = Value::Text(Hex(bytes), "(none)");
@@ -166,7 +148,8 @@ bool ReadFields(Bytes data, std::size_t& offset, std::span<const FieldLayout> la
 {
     for (const FieldLayout& layout : layouts) {
         const std::size_t left = data.size() - offset;
-        const std::size_t width = layout.width == 0 ? left : layout.width;
+        const bool isCutText = layout.kind == FieldKind::Text && left > 0 && left < layout.width;
+        const std::size_t width = layout.width == 0 || isCutText ? left : layout.width;
         if (width > left) {
             return false;
         }
@@ -179,7 +162,55 @@ bool ReadFields(Bytes data, std::size_t& offset, std::span<const FieldLayout> la
     return true;
 }
 
-void ReadRecords(Bytes data, std::size_t& offset, const FrameLayout& layout, DescribedBytes& frame)
+std::string NameOf(const ListedSatellite& satellite)
+{
+    const std::string number = std::to_string(satellite.number);
+    switch (satellite.system) {
+    case ListedSatellite::Gps:
+        return "G" + number;
+    case ListedSatellite::Sbas:
+        return "S" + number;
+    case ListedSatellite::Glonass:
+        return "R" + number + " channel " + std::to_string(satellite.channel);
+    case ListedSatellite::System6:
+        return "X" + number;
+    default:
+        return "unknown " + number;
+    }
+}
+
+DescribedField DescribeSatellite(std::size_t offset, const ListedSatellite& satellite)
+{
+    std::string signals;
+    for (const double signal : satellite.signals) {
+        signals += signal == kNoSignal ? "" : Value::Real(signal, 2).Words() + " ";
+    }
+    return {offset, "satellite", Value::Text(NameOf(satellite)),
+            "azimuth " + std::to_string(satellite.azimuthDeg) + ", elevation " +
+                std::to_string(satellite.elevationDeg) + " deg; " + signals + "dB-Hz" +
+                (satellite.HasDirection() ? "" : "; dropped, that is no direction")};
+}
+
+/// Reads the records of a satellite list behind @p offset, which it moves on.
+/// @return false if the data end in one
+bool ReadSatellites(SatelliteRecords& records, std::size_t& offset,
+                    std::vector<DescribedField>& fields)
+{
+    std::int64_t dropped = 0;
+    for (; const std::optional<ListedSatellite> satellite = records.Next();
+         offset = records.Offset()) {
+        fields.push_back(DescribeSatellite(offset, *satellite));
+        dropped += satellite->HasDirection() ? 0 : 1;
+    }
+    if (dropped > 0) {
+        fields.push_back({offset, "dropped satellites", Value::Integer(dropped), ""});
+    }
+    return records.IsComplete();
+}
+
+/// @param whole  the frame
+void ReadRecords(Bytes whole, Bytes data, std::size_t& offset, const FrameLayout& layout,
+                 DescribedBytes& frame)
 {
     bool complete = true;
     if (layout.records == Records::Fixed) {
@@ -188,40 +219,32 @@ void ReadRecords(Bytes data, std::size_t& offset, const FrameLayout& layout, Des
             complete = ReadFields(data, offset, layout.record, std::to_string(record) + ". ",
                                   frame.fields);
         }
-    } else if (layout.records != Records::None) {
-        complete = ReadSatellites(data, offset, layout.records == Records::SatellitesOfFrame,
-                                  frame.fields);
+    } else if (layout.records == Records::Satellites) {
+        SatelliteRecords records(FrameReader(whole), layout.prefix);
+        complete = ReadSatellites(records, offset, frame.fields);
     }
     if (!complete) {
         frame.fault = "it ends in the middle of its records";
     }
 }
 
-void ReadData(Bytes data, const FrameLayout& layout, DescribedBytes& frame)
+/// @param whole  the frame that has these data
+void ReadData(Bytes whole, Bytes data, const FrameLayout& layout, DescribedBytes& frame)
 {
-    if (data.size() < layout.shortest) {
+    const std::size_t shortest = layout.ShortestLength();
+    if (data.size() < shortest) {
         frame.fault = std::to_string(data.size()) + " data bytes where there should be " +
-                      std::to_string(layout.shortest);
+                      std::to_string(shortest);
     }
     std::size_t offset = layout.fields.empty() ? layout.prefix.size() : 0;
     const bool complete = ReadFields(data, offset, layout.fields, "", frame.fields);
     if (complete) {
-        ReadRecords(data, offset, layout, frame);
+        ReadRecords(whole, data, offset, layout, frame);
     }
     if (offset < data.size()) {
         frame.fields.push_back(
             ReadField(data.subspan(offset), offset, {0, FieldKind::Pattern, "more"}));
     }
-}
-
-/// How long the frame at the start of @p bytes is; nothing if too little of it is there to know.
-std::optional<std::size_t> DataStart(Bytes bytes)
-{
-    if (bytes.size() < 4) {
-        return std::nullopt;
-    }
-    const std::size_t start = bytes[2] == kLongType ? 5 : 4;
-    return bytes.size() >= start ? std::optional(start) : std::nullopt;
 }
 
 DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
@@ -232,15 +255,15 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     if (bytes.size() > 2) {
         frame.type = bytes[2];
     }
-    const std::optional<std::size_t> start = DataStart(bytes);
-    if (!start) {
+    const std::size_t start = kFrameDataStart + (frame.type == kLongFrameType ? 1 : 0);
+    if (bytes.size() < start) {
         frame.fault = "only " + std::to_string(bytes.size()) + " bytes of it are there";
         return frame;
     }
-    const std::size_t dataLength =
-        *start == 5 ? static_cast<std::size_t>(BigEndian(bytes.subspan(3, 2))) : bytes[3];
-    const std::size_t length = *start + dataLength + kTailLength;
-    const std::string_view content = AsText(bytes.subspan(*start));
+    // The length stands right before the data.
+    const std::size_t dataLength = FrameReader(bytes, 3).Unsigned(start - 3);
+    const std::size_t length = start + dataLength + kTailLength;
+    const std::string_view content = AsText(bytes.subspan(start));
     const FrameLayout* const layout = FindFrameLayout(direction, bytes[2], content);
     frame.name = layout != nullptr ? layout->name : "unknown type";
     frame.title = layout != nullptr ? layout->title : std::string_view();
@@ -252,13 +275,11 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     frame.kind = DescribedBytes::Kind::Frame;
     frame.length = length;
     frame.checksum = bytes[length - 2];
-    for (const std::uint8_t byte : bytes.subspan(1, length - kTailLength - 1)) {
-        frame.expectedChecksum = static_cast<std::uint8_t>(frame.expectedChecksum + byte);
-    }
+    frame.expectedChecksum = FrameChecksum(bytes, length - kTailLength);
     frame.checksumGood = frame.checksum == frame.expectedChecksum;
-    const Bytes data = bytes.subspan(*start, dataLength);
+    const Bytes data = bytes.subspan(start, dataLength);
     if (layout != nullptr) {
-        ReadData(data, *layout, frame);
+        ReadData(bytes.first(length), data, *layout, frame);
     } else if (!data.empty()) {
         frame.fields.push_back(ReadField(data, 0, {0, FieldKind::Pattern, "data"}));
     }

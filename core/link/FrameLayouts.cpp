@@ -26,8 +26,6 @@ constexpr Meaning Low(std::uint32_t bits, std::uint32_t value, std::string_view 
     return {bits, value, words};
 }
 
-// The layouts of docs/protocol.md, in its order.
-
 constexpr Meaning kFix[] = {Is(0, "none"),         Is(1, "searching"), Is(2, "single"),
                             Is(3, "differential"), Is(4, "RTK float"), Is(5, "RTK fixed")};
 constexpr Meaning kYesNo[] = {Is(0, "no"), Is(1, "yes")};
@@ -43,7 +41,7 @@ constexpr FieldLayout kSerial[] = {{8, Text, "short serial number"},
                                    {4, Spare, ""},
                                    {10, Text, "long serial number"}};
 
-constexpr Meaning kRtcmOutput[] = {Bit(0, "basic"), Bit(1, "2.3"), Bit(2, "3.0")};
+constexpr Meaning kRtcmOutput[] = {Bit(0, "basic"), Bit(1, "version 2.3"), Bit(2, "version 3.0")};
 constexpr Meaning kRtkFlags[] = {Bit(3, "on-the-fly"), Bit(5, "no CMR input"),
                                  Bit(6, "no CMR output"), Bit(7, "Solace board")};
 constexpr Meaning kRtcm21[] = {Bit(1, "input"), Bit(2, "output")};
@@ -66,7 +64,9 @@ constexpr FieldLayout kOptions[] = {{1, Unsigned, "option generation"},
                                     {1, Unsigned, "RTCM 2 output", "", kYesNo},
                                     {6, Spare, ""},
                                     {2, Unsigned, "memory", "MB"},
-                                    {9, Spare, ""},
+                                    {1, Spare, ""},
+                                    {1, Unsigned, "byte 32"},
+                                    {7, Spare, ""},
                                     {1, Unsigned, "RTK survey"},
                                     {1, Spare, ""},
                                     {1, Unsigned, "RTK flags", "", kRtkFlags},
@@ -84,8 +84,7 @@ constexpr Meaning kExtended3[] = {Bit(1, "tilt sensor"), Bit(2, "QZSS")};
 constexpr Meaning kBoard[] = {Bit(4, "CMRx input"), Bit(5, "CMRx output"),
                               Bit(6, "Meridian board")};
 constexpr Meaning kFollows[] = {Bit(0, "CMRx bits count"), Bit(1, "logging interval follows")};
-constexpr FieldLayout kExtendedOptions[] = {{1, Text, "mark"},
-                                            {7, Spare, ""},
+constexpr FieldLayout kExtendedOptions[] = {{8, Spare, ""},
                                             {4, Unsigned, "signals", "", kExtended1},
                                             {4, Unsigned, "systems", "", kExtended2},
                                             {4, Unsigned, "sensors", "", kExtended3},
@@ -96,14 +95,15 @@ constexpr FieldLayout kExtendedOptions[] = {{1, Text, "mark"},
                                             {2, Unsigned, "shortest logging interval"}};
 
 constexpr FieldLayout kStatus[] = {
-    {1, Digits, "time valid", "", kYesNo}, {1, Spare, ""},
-    {2, Digits, "satellites tracked"},     {3, Spare, ""},
-    {3, Digits, "battery", "%"},           {4, Digits, "PDOP"},
-    {1, Digits, "fix", "", kFix},          {4, Text, "running survey"},
+    {1, Digit, "time valid", "", kYesNo}, {1, Spare, ""},
+    {2, Digits, "satellites tracked"},    {3, Spare, ""},
+    {3, Digits, "battery", "%"},          {4, Digits, "PDOP"},
+    {1, Digit, "fix", "", kFix},          {4, Text, "running survey"},
     {2, Digits, "free memory", "tenths"}};
 constexpr FieldLayout kTime[] = {{7, Digits, "seconds of the GPS week", "s"},
                                  {4, Digits, "GPS week"},
                                  {2, Digits, "GPS time minus UTC", "s"}};
+constexpr FieldLayout kQuery[] = {{2, Pattern, "what"}};
 constexpr FieldLayout kTwoBytes[] = {{1, Unsigned, "first"}, {1, Unsigned, "second"}};
 constexpr FieldLayout kSite[] = {{2, Spare, ""},
                                  {8, Angle, "latitude"},
@@ -125,6 +125,20 @@ constexpr FieldLayout kPower[] = {{1, Unsigned, "power input"}};
 constexpr Meaning kListForm[] = {Is(1, "tracked"), Is(2, "in view")};
 constexpr FieldLayout kListRequest[] = {{1, Unsigned, "list", "", kListForm}};
 constexpr FieldLayout kSatelliteList[] = {{2, Digits, "satellites"}, {1, Unsigned, "format"}};
+constexpr Meaning kHighAzimuth[] = {Bit(7, "azimuth + 256 deg")};
+constexpr FieldLayout kTextSatellite[] = {{2, Digits, "number"},
+                                          {3, Digits, "azimuth", "deg"},
+                                          {2, Digits, "elevation", "deg"},
+                                          {3, Digits, "first signal", "tenths of a dB-Hz"},
+                                          {5, Digits, "second signal", "hundredths of a dB-Hz"}};
+constexpr FieldLayout kBinarySatellite[] = {{1, Unsigned, "number"},
+                                            {1, Unsigned, "frequency channel, two's complement"},
+                                            {1, Unsigned, "azimuth, low eight bits", "deg"},
+                                            {1, Unsigned, "elevation", "deg", kHighAzimuth},
+                                            {1, Unsigned, "first signal", "quarters of a dB-Hz"},
+                                            {1, Unsigned, "second signal", "quarters of a dB-Hz"},
+                                            {1, Unsigned, "fourth signal", "quarters of a dB-Hz"},
+                                            {1, Unsigned, "third signal", "quarters of a dB-Hz"}};
 constexpr FieldLayout kSatelliteFrame[] = {{1, Unsigned, "list", "", kListForm},
                                            {1, Unsigned, "frame"},
                                            {1, Unsigned, "last frame", "", kYesNo},
@@ -180,8 +194,10 @@ constexpr FieldLayout kOtherState[] = {{1, Spare, ""},
                                        {2, Mask, "tracked, second signal"}};
 
 constexpr FieldLayout kSignals[] = {{0, Pattern, "signals"}};
-constexpr FieldLayout kFlags[] = {
-    {2, Spare, ""}, {2, Pattern, "flags"}, {1, Unsigned, "signals are fixed", "", kYesNo}};
+constexpr FieldLayout kFlags[] = {{2, Spare, ""},
+                                  {1, Unsigned, "first flags"},
+                                  {1, Unsigned, "second flags"},
+                                  {1, Unsigned, "signals are fixed", "", kYesNo}};
 constexpr Meaning kParity[] = {Is(0, "none"), Is(1, "odd"), Is(2, "even")};
 constexpr Meaning kStopBits[] = {Is(0, "one"), Is(2, "two")};
 constexpr Meaning kFlow[] = {Is(0, "none"), Is(1, "software"), Is(2, "RTS/CTS"), Is(3, "DSR/DTR")};
@@ -256,72 +272,98 @@ constexpr auto Tx = Direction::Sent;
 constexpr auto Rx = Direction::Received;
 
 constexpr std::array kLayouts{
-    FrameLayout{0x06, Tx, "", "serial numbers request", "製造番号の要求", 0, {}},
-    FrameLayout{0x07, Rx, "", "serial numbers", "製造番号", 45, kSerial},
-    FrameLayout{0x08, Tx, "", "status request", "状態の要求", 0, {}},
-    FrameLayout{0x09, Rx, "", "status", "状態", 21, kStatus},
-    FrameLayout{0x14, Tx, "", "GPS time request", "GPS時刻の要求", 0, {}},
-    FrameLayout{0x15, Rx, "", "GPS time", "GPS時刻", 13, kTime},
-    FrameLayout{0x16, Tx, "", "satellite list request", "衛星一覧の要求", 0, kListRequest},
-    FrameLayout{0x17, Rx, "\1"sv, "satellite list, one frame of several", "衛星一覧（分割）", 5,
-                kSatelliteFrame, Records::SatellitesOfFrame},
-    FrameLayout{0x17, Rx, "\2"sv, "satellite list, one frame of several", "衛星一覧（分割）", 5,
-                kSatelliteFrame, Records::SatellitesOfFrame},
-    FrameLayout{0x17, Rx, "", "satellite list", "衛星一覧", 3, kSatelliteList, Records::Satellites},
-    FrameLayout{0x30, Tx, "", "site request", "設置位置の要求", 2, kTwoBytes},
-    FrameLayout{0x31, Rx, "", "site", "設置位置", 26, kSite},
-    FrameLayout{0x32, Tx, "", "echo request", "折り返しの要求", 2, kTwoBytes},
-    FrameLayout{0x33, Rx, "", "echo", "折り返し", 2, kTwoBytes},
-    FrameLayout{0x34, Tx, "", "position request", "測位の要求", 0, {}},
-    FrameLayout{0x35, Rx, "", "position", "測位", 46, kPosition},
-    FrameLayout{0x40, Rx, "", "unsolicited", "自発の通知", 0, kUnsolicited},
-    FrameLayout{0x41, Tx, "", "power source request", "電源の要求", 0, {}},
-    FrameLayout{0x41, Rx, "", "power source", "電源", 1, kPower},
-    FrameLayout{0x4A, Tx, "\1"sv, "extended options request", "拡張オプションの要求", 1, {}},
-    FrameLayout{0x4A, Tx, "", "options request", "オプションの要求", 0, {}},
-    FrameLayout{0x4B, Rx, "[", "extended options", "拡張オプション", 28, kExtendedOptions},
-    FrameLayout{0x4B, Rx, "", "options", "オプション", 49, kOptions},
-    FrameLayout{0x53, Tx, "", "choose signals", "信号の選択", 3, kSignals},
-    FrameLayout{0x54, Tx, "\2"sv, "almanac request", "軌道暦の要求", 3, kAlmanacRequest},
-    FrameLayout{0x54, Tx, "\x14"sv, "other satellites request", "他の衛星系の要求", 4,
-                kOtherRequest},
-    FrameLayout{0x54, Tx, "", "satellite state request", "衛星状態の要求", 3, kStateRequest},
-    FrameLayout{0x55, Rx, "\2"sv, "almanac", "軌道暦", 69, kAlmanac},
-    FrameLayout{0x55, Rx, "\x14"sv, "other satellites", "他の衛星系", 15, kOtherState},
-    FrameLayout{0x55, Rx, "", "satellite state", "衛星状態", 50, kSatelliteState},
-    FrameLayout{0x58, Tx, "", "reset", "初期化", 7, kReset},
-    FrameLayout{0x5A, Tx, "", "abort", "中止", 9, kAbort},
-    FrameLayout{0x5E, Tx, "", "set port", "ポート設定", 10, kSetPort},
-    FrameLayout{0x60, Tx, "", "delete file", "ファイル削除", 2, kFileIndex},
-    FrameLayout{0x64, Tx, "", "application file", "設定ファイル", 14, kApplicationFile},
-    FrameLayout{0x68, Tx, "", "recover file", "ファイル復元", 2, kFileIndex},
-    FrameLayout{0x6B, Tx, "", "file memory state request", "ファイルメモリ状態の要求", 0, {}},
-    FrameLayout{0x6E, Rx, "", "identification", "機種情報", 0, kIdentification},
-    FrameLayout{0x79, Tx, "", "file list request", "ファイル一覧の要求", 3, kPicaListRequest},
-    FrameLayout{0x79, Rx, "", "file list", "ファイル一覧", 2, kPicaList, Records::Fixed, kPicaFile},
-    FrameLayout{0x7A, Tx, "", "settings flags request", "設定フラグの要求", 2, kTwoBytes},
-    FrameLayout{0x7A, Rx, "", "settings flags", "設定フラグ", 5, kFlags},
-    FrameLayout{0x84, Tx, "", "power off", "電源断", 2, kTwoBytes},
-    FrameLayout{0x85, Tx, "", "label", "表示ラベル", 4, kLabel},
-    FrameLayout{0x95, Rx, "", "file block", "ファイルの一部", 5, kBlock},
-    FrameLayout{0x96, Tx, "", "file request", "ファイルの要求", 20, kDownload},
-    FrameLayout{0x9C, Tx, "", "file list request", "ファイル一覧の要求", 14, kFileName},
-    FrameLayout{0x9D, Rx, "", "file list", "ファイル一覧", 2, kLarkList, Records::Fixed, kLarkFile},
-    FrameLayout{0xA0, Tx, "", "delete file", "ファイル削除", 14, kFileName},
-    FrameLayout{0xA1, Tx, "", "recover file", "ファイル復元", 14, kFileName},
-    FrameLayout{0xA3, Tx, "", "refresh the signals", "信号の更新", 3, kSignals},
-    FrameLayout{0xC8, Tx, "\1\0"sv, "tilt reading request", "傾斜の要求", 2, {}},
-    FrameLayout{0xC8, Tx, "\1\1"sv, "tilt calibration request", "傾斜校正の要求", 2, {}},
+    FrameLayout{0x06, Tx, "", "serial numbers request", "製造番号の要求"},
+    FrameLayout{0x07, Rx, "", "serial numbers", "製造番号", kSerial, 45},
+    FrameLayout{0x08, Tx, "", "status request", "状態の要求"},
+    FrameLayout{0x09, Rx, "", "status", "状態", kStatus},
+    FrameLayout{0x14, Tx, "", "GPS time request", "GPS時刻の要求"},
+    FrameLayout{0x15, Rx, "", "GPS time", "GPS時刻", kTime},
+    FrameLayout{0x16, Tx, "", "satellite list request", "衛星一覧の要求", kListRequest, 0},
+    FrameLayout{0x17, Rx, "\1"sv, "satellite list, one frame of several", "衛星一覧（分割）",
+                kSatelliteFrame, kWhole, Records::Satellites},
+    FrameLayout{0x17, Rx, "\2"sv, "satellite list, one frame of several", "衛星一覧（分割）",
+                kSatelliteFrame, kWhole, Records::Satellites},
+    FrameLayout{0x17, Rx, "", "satellite list", "衛星一覧", kSatelliteList, kWhole,
+                Records::Satellites},
+    FrameLayout{0x30, Tx, "", "site request", "設置位置の要求", kQuery},
+    FrameLayout{0x31, Rx, "\x12\0"sv, "site", "設置位置", kSite},
+    FrameLayout{0x32, Tx, "", "echo request", "折り返しの要求", kTwoBytes},
+    FrameLayout{0x33, Rx, "", "echo", "折り返し", kTwoBytes},
+    FrameLayout{0x34, Tx, "", "position request", "測位の要求"},
+    FrameLayout{0x35, Rx, "", "position", "測位", kPosition},
+    FrameLayout{0x40, Rx, "", "unsolicited", "自発の通知", kUnsolicited},
+    FrameLayout{0x41, Tx, "", "power source request", "電源の要求"},
+    FrameLayout{0x41, Rx, "", "power source", "電源", kPower},
+    FrameLayout{0x4A, Tx, "\1"sv, "extended options request", "拡張オプションの要求"},
+    FrameLayout{0x4A, Tx, "", "options request", "オプションの要求"},
+    FrameLayout{0x4B, Rx, "[", "extended options", "拡張オプション", kExtendedOptions, 20},
+    FrameLayout{0x4B, Rx, "", "options", "オプション", kOptions, 49},
+    FrameLayout{0x53, Tx, "", "choose signals", "信号の選択", kSignals, 3},
+    FrameLayout{0x54, Tx, "\2"sv, "almanac request", "軌道暦の要求", kAlmanacRequest},
+    FrameLayout{0x54, Tx, "\x14"sv, "other satellites request", "他の衛星系の要求", kOtherRequest},
+    FrameLayout{0x54, Tx, "\0"sv, "satellite state request", "衛星状態の要求", kStateRequest},
+    FrameLayout{0x55, Rx, "\2"sv, "almanac", "軌道暦", kAlmanac},
+    FrameLayout{0x55, Rx, "\x14"sv, "other satellites", "他の衛星系", kOtherState, 5},
+    FrameLayout{0x55, Rx, "\0"sv, "satellite state", "衛星状態", kSatelliteState, 50},
+    FrameLayout{0x58, Tx, "", "reset", "初期化", kReset},
+    FrameLayout{0x5A, Tx, "", "abort", "中止", kAbort},
+    FrameLayout{0x5E, Tx, "", "set port", "ポート設定", kSetPort},
+    FrameLayout{0x60, Tx, "", "delete file", "ファイル削除", kFileIndex},
+    FrameLayout{0x64, Tx, "", "application file", "設定ファイル", kApplicationFile, 14},
+    FrameLayout{0x68, Tx, "", "recover file", "ファイル復元", kFileIndex},
+    FrameLayout{0x6B, Tx, "", "file memory state request", "ファイルメモリ状態の要求"},
+    FrameLayout{0x6E, Rx, "", "identification", "機種情報", kIdentification},
+    FrameLayout{0x79, Tx, "", "file list request", "ファイル一覧の要求", kPicaListRequest},
+    FrameLayout{0x79, Rx, "", "file list", "ファイル一覧", kPicaList, kWhole, Records::Fixed,
+                kPicaFile},
+    FrameLayout{0x7A, Tx, "", "settings flags request", "設定フラグの要求", kQuery},
+    FrameLayout{0x7A, Rx, "", "settings flags", "設定フラグ", kFlags},
+    FrameLayout{0x84, Tx, "", "power off", "電源断", kQuery},
+    FrameLayout{0x85, Tx, "", "label", "表示ラベル", kLabel},
+    FrameLayout{0x95, Rx, "", "file block", "ファイルの一部", kBlock},
+    FrameLayout{0x96, Tx, "", "file request", "ファイルの要求", kDownload},
+    FrameLayout{0x9C, Tx, "", "file list request", "ファイル一覧の要求", kFileName},
+    FrameLayout{0x9D, Rx, "", "file list", "ファイル一覧", kLarkList, kWhole, Records::Fixed,
+                kLarkFile},
+    FrameLayout{0xA0, Tx, "", "delete file", "ファイル削除", kFileName},
+    FrameLayout{0xA1, Tx, "", "recover file", "ファイル復元", kFileName},
+    FrameLayout{0xA3, Tx, "", "refresh the signals", "信号の更新", kSignals, 3},
+    FrameLayout{0xC8, Tx, "\1\0"sv, "tilt reading request", "傾斜の要求"},
+    FrameLayout{0xC8, Tx, "\1\1"sv, "tilt calibration request", "傾斜校正の要求"},
     FrameLayout{0xC8, Tx, "\3"sv, "set validity of the tilt calibration", "傾斜校正の有効期間設定",
-                3, kTiltValidity},
-    FrameLayout{0xC8, Tx, "\4"sv, "start the tilt calibration", "傾斜校正の開始", 1, {}},
-    FrameLayout{0xC8, Tx, "\5"sv, "cancel the tilt calibration", "傾斜校正の取消", 1, {}},
-    FrameLayout{0xC8, Tx, "\n"sv, "set speed of the bubble", "気泡の速さ設定", 2, kTiltSpeed},
-    FrameLayout{0xC8, Rx, "\1\0"sv, "tilt reading", "傾斜", 34, kTiltReading},
-    FrameLayout{0xC8, Rx, "\1\1"sv, "tilt calibration", "傾斜校正", 11, kTiltRecord},
+                kTiltValidity},
+    FrameLayout{0xC8, Tx, "\4"sv, "start the tilt calibration", "傾斜校正の開始"},
+    FrameLayout{0xC8, Tx, "\5"sv, "cancel the tilt calibration", "傾斜校正の取消"},
+    FrameLayout{0xC8, Tx, "\n"sv, "set speed of the bubble", "気泡の速さ設定", kTiltSpeed},
+    FrameLayout{0xC8, Rx, "\1\0"sv, "tilt reading", "傾斜", kTiltReading},
+    FrameLayout{0xC8, Rx, "\1\1"sv, "tilt calibration", "傾斜校正", kTiltRecord},
 };
 
 } // namespace
+
+std::size_t FrameLayout::ShortestLength() const
+{
+    std::size_t length = 0;
+    for (const FieldLayout& field : fields) {
+        length += field.width;
+    }
+    return endsFrom == kWhole ? std::max(length, prefix.size()) : endsFrom;
+}
+
+std::span<const FrameLayout> FrameLayouts()
+{
+    return kLayouts;
+}
+
+std::span<const FieldLayout> TextSatelliteLayout()
+{
+    return kTextSatellite;
+}
+
+std::span<const FieldLayout> BinarySatelliteLayout()
+{
+    return kBinarySatellite;
+}
 
 const FrameLayout* FindFrameLayout(Direction direction, std::uint8_t type, std::string_view data)
 {

@@ -15,7 +15,8 @@ enum class FieldKind : std::uint8_t
     Unsigned,   ///< most significant byte first, 1 to 4 bytes
     Real,       ///< IEEE 754, 4 or 8 bytes
     Angle,      ///< the same, radians
-    Digits,     ///< a decimal number in ASCII
+    Digit,      ///< one ASCII digit; any character below '0' is 0
+    Digits,     ///< a decimal number in ASCII; 0 where there is none
     Hundredths, ///< the same without its point: "00443" is 4.43
     Text,       ///< code page 932, filled with blanks
     Pattern,    ///< bytes that mean nothing as a number
@@ -44,12 +45,14 @@ struct FieldLayout
 enum class Records : std::uint8_t
 {
     None,
-    Fixed,            ///< of the layout's record fields, as many as the last byte before says
-    Satellites,       ///< counted by the two digits at the start, form in the third byte
-    SatellitesOfFrame ///< counted by the fifth byte, form in the fourth
+    Fixed,     ///< of the layout's record fields, as many as the last byte before says
+    Satellites ///< see SatelliteRecords.h
 };
 
-/// The data of one kind of frame.
+/// Instead of a number of bytes: no field may be missing.
+inline constexpr std::size_t kWhole = ~std::size_t{0};
+
+/// The data of one kind of frame, with every field that a frame of it may have.
 struct FrameLayout
 {
     std::uint8_t type;
@@ -57,11 +60,24 @@ struct FrameLayout
     std::string_view prefix; ///< how the data begin; tells frames of one type apart
     std::string_view name;
     std::string_view title; ///< the same for the screens, Japanese, UTF-8
-    std::size_t shortest;   ///< data bytes that are there at least
-    std::span<const FieldLayout> fields;
+    std::span<const FieldLayout> fields = {};
+    std::size_t endsFrom = kWhole; ///< data bytes from which on a field may be missing
     Records records = Records::None;
     std::span<const FieldLayout> record = {};
+
+    /// Data bytes that are there at least.
+    [[nodiscard]] std::size_t ShortestLength() const;
 };
+
+// The layouts of docs/protocol.md, in its order: what the parsers read by, what a trace shows, and
+// what the tables of that page are compared with. The simulator writes its own bytes.
+
+[[nodiscard]] std::span<const FrameLayout> FrameLayouts();
+
+// The two kinds of records in a list of satellites. Which of the fields a record has depends on the
+// satellite and on the format of the list.
+[[nodiscard]] std::span<const FieldLayout> TextSatelliteLayout();
+[[nodiscard]] std::span<const FieldLayout> BinarySatelliteLayout();
 
 /// @return null for a frame that no receiver or controller is known to send
 [[nodiscard]] const FrameLayout* FindFrameLayout(Direction direction, std::uint8_t type,

@@ -48,7 +48,7 @@ void FrameReader::Skip(std::size_t count)
 
 std::uint8_t FrameReader::Byte(ByteForm form)
 {
-    const auto value = static_cast<std::uint8_t>(Integer(1));
+    const auto value = static_cast<std::uint8_t>(Unsigned(1));
     if (form == ByteForm::Number) {
         return value;
     }
@@ -72,7 +72,7 @@ double FrameReader::Double()
 
 float FrameReader::Float()
 {
-    return std::bit_cast<float>(Integer(sizeof(float)));
+    return std::bit_cast<float>(Unsigned(sizeof(float)));
 }
 
 std::span<const std::uint8_t> FrameReader::Bytes(std::size_t count)
@@ -97,7 +97,7 @@ std::wstring FrameReader::Text(std::size_t count)
     return FromCp932(bytes);
 }
 
-std::uint32_t FrameReader::Integer(std::size_t width)
+std::uint32_t FrameReader::Unsigned(std::size_t width)
 {
     std::uint32_t value = 0;
     for (std::size_t i = 0; i < width; ++i) {

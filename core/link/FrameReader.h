@@ -53,9 +53,11 @@ public:
     [[nodiscard]] std::size_t Cursor() const { return m_cursor; }
     void Skip(std::size_t count);
     std::uint8_t Byte(ByteForm form = ByteForm::Number);
-    std::uint16_t Word() { return static_cast<std::uint16_t>(Integer(2)); }
-    std::uint32_t Triple() { return Integer(3); }
-    std::uint32_t Long() { return Integer(4); }
+    std::uint16_t Word() { return static_cast<std::uint16_t>(Unsigned(2)); }
+    std::uint32_t Triple() { return Unsigned(3); }
+    std::uint32_t Long() { return Unsigned(4); }
+    /// @param width  bytes, up to 4
+    std::uint32_t Unsigned(std::size_t width);
     /// An IEEE 754 double; NaN if it is not there.
     double Double();
     /// An IEEE 754 single; NaN if it is not there.
@@ -68,8 +70,6 @@ public:
     std::wstring Text(std::size_t count);
 
 private:
-    std::uint32_t Integer(std::size_t width);
-
     std::span<const std::uint8_t> m_bytes;
     std::size_t m_cursor;
 };

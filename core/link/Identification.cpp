@@ -1,6 +1,7 @@
 #include "core/link/Identification.h"
 
 #include "core/input/Parts.h"
+#include "core/link/LayoutReader.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kIdentificationType = 0x6E;
 constexpr std::size_t kModelDigits = 4;
 
 // What ends each field, in turn.
@@ -47,10 +47,12 @@ std::uint8_t ParityCode(wchar_t letter)
 
 std::optional<IdentificationRecord> ParseIdentification(FrameReader frame)
 {
-    if (frame.Type() != kIdentificationType) {
+    LayoutReader in(frame, 0x6E);
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    const std::wstring text = frame.Text(frame.DataLength());
+    std::wstring text;
+    in.Read(text);
     std::wstring_view rest = text;
     Fields fields;
     for (std::size_t i = 0; i < fields.size(); ++i) {

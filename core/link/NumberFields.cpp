@@ -1,25 +1,38 @@
 #include "core/link/NumberFields.h"
 
-#include "core/input/Parts.h"
+#include "core/platform/NumberText.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <limits>
-#include <string>
+#include <array>
+#include <cstddef>
 
 namespace fieldcore {
 
-int IntegerField(FrameReader& frame, std::size_t width)
+namespace {
+
+constexpr std::size_t kWidest = 16; // bytes; no layout has a wider number
+
+using NumberText = std::array<wchar_t, kWidest + 1>;
+
+NumberText TextOf(std::span<const std::uint8_t> field)
 {
-    const std::string text = frame.Chars(width);
-    constexpr long kLeast = std::numeric_limits<int>::min();
-    constexpr long kMost = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(std::strtol(text.c_str(), nullptr, 10), kLeast, kMost));
+    NumberText text{};
+    // No character beyond ASCII belongs to a number, and none is a blank.
+    std::transform(field.begin(), field.begin() + std::min(field.size(), kWidest), text.begin(),
+                   [](std::uint8_t byte) { return byte < 0x80 ? wchar_t{byte} : L'?'; });
+    return text;
 }
 
-double RealField(FrameReader& frame, std::size_t width)
+} // namespace
+
+int IntegerField(std::span<const std::uint8_t> field)
 {
-    return CParts::atof(frame.Text(width));
+    return ParseWhole(TextOf(field).data());
+}
+
+double RealField(std::span<const std::uint8_t> field)
+{
+    return ParseReal(TextOf(field).data());
 }
 
 } // namespace fieldcore

@@ -105,10 +105,10 @@ const wchar_t* CRecvInfo::GetRecvSNLong() const
 
 const wchar_t* CRecvInfo::GetRecvType() const
 {
-    if (m_options && m_options->typeCode == 'r') {
-        return L"VX4";
+    if (!m_identity) {
+        return nullptr;
     }
-    return m_identity ? m_identity->receiverType.c_str() : nullptr;
+    return m_options && m_options->typeCode == 'r' ? L"VX4" : m_identity->receiverType.c_str();
 }
 
 double CRecvInfo::GetNavVer() const

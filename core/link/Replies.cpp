@@ -1,64 +1,30 @@
 #include "core/link/Replies.h"
 
-#include "core/link/NumberFields.h"
+#include "core/link/LayoutReader.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kSerialType = 0x07;
-constexpr std::uint8_t kStatusType = 0x09;
-constexpr std::uint8_t kGpsTimeType = 0x15;
-constexpr std::uint8_t kSiteType = 0x31;
-constexpr std::uint8_t kPositionStatusType = 0x35;
-constexpr std::uint8_t kBatteryPortType = 0x41;
-constexpr std::uint8_t kOptionsType = 0x4B;
-constexpr std::uint8_t kSettingsFlagsType = 0x7A;
-constexpr std::uint8_t kTiltType = 0xC8;
+using namespace std::string_view_literals;
 
-// Shortest data lengths.
-constexpr std::size_t kSerialLength = 45;
-constexpr std::size_t kLongSerialFrom = 46; // the frame has a long serial number from here on
-constexpr std::size_t kStatusLength = 21;
-constexpr std::size_t kGpsTimeLength = 13;
-constexpr std::size_t kSiteLength = 26;
-constexpr std::size_t kPositionStatusLength = 46;
-constexpr std::size_t kOptionsLength = 49;
-constexpr std::size_t kModelWordLength = 51;
-constexpr std::size_t kExtendedLength = 20; // behind the mark: up to the three words
-constexpr std::size_t kMeridianLength = 29;
-constexpr std::size_t kCmrxLength = 33;
-constexpr std::size_t kExtendedRateLength = 34;
-constexpr std::size_t kSettingsFlagsLength = 5;
-constexpr std::size_t kTiltReadingLength = 34;
-constexpr std::size_t kTiltCalibrationLength = 11;
+constexpr std::size_t kCmrxLength = 33; // of the extended options, from which on CMRx counts
 
 constexpr double kSecondsPerWeek = 604800.0;
 constexpr std::uint16_t kUnknownWeek = 0xFFFF;
 constexpr std::uint16_t kBluetoothModel = 310;
 constexpr int kRtkFixed = 5;
 
-/// Tests type and length and puts the cursor on the data.
-bool Begin(FrameReader& frame, std::uint8_t type, std::size_t length)
-{
-    return frame.Type() == type && frame.DataLength() >= length;
-}
-
 constexpr bool Bit(std::uint32_t value, int bit)
 {
     return (value >> bit & 1) != 0;
 }
 
-SiteReply ReadPlace(FrameReader& frame)
+void ReadPlace(LayoutReader& in, SiteReply& place)
 {
-    SiteReply place;
-    place.latitudeRad = frame.Double();
-    place.longitudeRad = frame.Double();
-    place.heightM = frame.Double();
-    return place;
+    in.Read(place.latitudeRad, place.longitudeRad, place.heightM);
 }
 
 /// Not so when one of the values is no number.
@@ -69,254 +35,207 @@ bool IsOnEarth(const SiteReply& place)
            std::abs(place.longitudeRad) <= 2 * kHalfTurn && std::isfinite(place.heightM);
 }
 
-std::optional<TiltTime> ReadTiltTime(FrameReader& frame)
+std::optional<TiltTime> ReadTiltTime(LayoutReader& in)
 {
     TiltTime time;
-    time.week = frame.Word();
-    time.secondsOfWeek = frame.Long();
+    in.Read(time.week, time.secondsOfWeek);
     if (time.week == kUnknownWeek || time.secondsOfWeek >= kSecondsPerWeek) {
         return std::nullopt;
     }
     return time;
 }
 
-/// The tilt sensor's two replies carry the query in their first two bytes.
-bool BeginTilt(FrameReader& frame, std::uint8_t what, std::size_t length)
-{
-    return Begin(frame, kTiltType, length) && frame.Byte() == 1 && frame.Byte() == what;
-}
-
 } // namespace
 
 std::optional<SerialReply> ParseSerial(FrameReader frame)
 {
-    if (!Begin(frame, kSerialType, kSerialLength)) {
+    LayoutReader in(frame, 0x07);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     SerialReply reply;
-    reply.shortSerial = frame.Text(8);
-    reply.receiverType = frame.Text(8);
+    in.Read(reply.shortSerial, reply.receiverType, reply.navVersion, reply.sigVersion,
+            reply.bootVersion, reply.antennaSerial, reply.antennaType);
     reply.receiverType.erase(reply.receiverType.find_last_not_of(L' ') + 1);
-    reply.navVersion = frame.Text(5);
-    reply.sigVersion = frame.Text(5);
-    reply.bootVersion = frame.Text(5);
-    reply.antennaSerial = frame.Text(8);
-    reply.antennaType = frame.Text(2);
-    frame.Skip(4);
-    const std::size_t length = frame.DataLength();
-    reply.longSerial = length >= kLongSerialFrom
-                           ? frame.Text(std::min<std::size_t>(length - kSerialLength, 10))
-                           : reply.shortSerial;
+    reply.longSerial = reply.shortSerial;
+    if (in.HasNext()) {
+        in.Read(reply.longSerial);
+    }
     return reply;
 }
 
 std::optional<OptionsReply> ParseOptions(FrameReader frame)
 {
-    if (!Begin(frame, kOptionsType, kOptionsLength)) {
+    LayoutReader in(frame, 0x4B);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     OptionsReply reply;
-    reply.firstOption = frame.Byte();
-    reply.tenths = frame.Byte() / 10.0;
-    frame.Skip(2);
-    reply.loggingRate = frame.Word() * 100U;
-    reply.currentPort = frame.Byte();
-    reply.portCount = frame.Byte();
-    reply.frequencies = frame.Byte();
-    frame.Skip(9);
-    reply.nmea = frame.Byte();
-    reply.rtcm1Input = frame.Byte();
-    reply.rtcm2Input = frame.Byte();
-    reply.rtcmOutput = frame.Byte();
-    reply.rtcm2Output = frame.Byte();
-    frame.Skip(6);
-    reply.memory = frame.Word();
-    frame.Skip(1);
-    reply.byte32 = frame.Byte();
-    frame.Skip(7);
-    reply.rtk = frame.Byte();
-    frame.Skip(1);
-    reply.rtkFlags = frame.Byte();
-    reply.rtcm21 = frame.Byte();
-    reply.typeCode = frame.Byte();
-    reply.bluetooth = Bit(frame.Byte(), 4);
-    reply.flags1 = frame.Byte();
-    frame.Skip(1);
-    reply.flags2 = frame.Byte();
-    if (reply.typeCode == 0 && frame.DataLength() >= kModelWordLength) {
-        reply.modelWord = frame.Word();
-        reply.bluetooth = reply.bluetooth || reply.modelWord == kBluetoothModel;
+    std::uint8_t tenths = 0;
+    std::uint16_t loggingRate = 0;
+    std::uint8_t radio = 0;
+    in.Read(reply.firstOption, tenths, loggingRate, reply.currentPort, reply.portCount,
+            reply.frequencies, reply.nmea, reply.rtcm1Input, reply.rtcm2Input, reply.rtcmOutput,
+            reply.rtcm2Output, reply.memory, reply.byte32, reply.rtk, reply.rtkFlags, reply.rtcm21,
+            reply.typeCode, radio, reply.flags1, reply.flags2);
+    if (reply.typeCode == 0 && in.HasNext()) {
+        in.Read(reply.modelWord);
+    } else {
+        in.Leave();
     }
+    reply.tenths = tenths / 10.0;
+    reply.loggingRate = loggingRate * 100U;
+    reply.bluetooth = Bit(radio, 4) || reply.modelWord == kBluetoothModel;
     return reply;
 }
 
 std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame)
 {
-    if (!Begin(frame, kOptionsType, 1)) {
-        return std::nullopt;
-    }
     ExtendedOptionsReply reply;
-    if (frame.Byte() != '[') {
+    const bool holdsData = frame.DataLength() > 0 && FrameReader(frame).Byte() == '[';
+    if (frame.Type() == 0x4B && !holdsData) {
         return reply; // a receiver without extended options
     }
-    const std::size_t length = frame.DataLength();
-    if (length < kExtendedLength) {
+    LayoutReader in(frame, 0x4B, "[");
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    frame.Skip(7);
-    const std::uint32_t w1 = frame.Long();
-    const std::uint32_t w2 = frame.Long();
-    const std::uint32_t w3 = frame.Long();
-    reply.l5 = Bit(w1, 29);
-    reply.l2c = Bit(w1, 21);
-    reply.glonass = Bit(w2, 0);
-    reply.galileo = Bit(w2, 19) || Bit(w2, 23);
-    reply.qzss = Bit(w3, 2);
-    reply.tilt = Bit(w3, 1);
-    if (length < kMeridianLength) {
+    std::uint32_t signals = 0;
+    std::uint32_t systems = 0;
+    std::uint32_t sensors = 0;
+    in.Read(signals, systems, sensors);
+    reply.l5 = Bit(signals, 29);
+    reply.l2c = Bit(signals, 21);
+    reply.glonass = Bit(systems, 0);
+    reply.galileo = Bit(systems, 19) || Bit(systems, 23);
+    reply.qzss = Bit(sensors, 2);
+    reply.tilt = Bit(sensors, 1);
+    if (!in.HasNext()) {
         return reply;
     }
-    frame.Skip(8);
-    const std::uint8_t b = frame.Byte();
-    reply.meridian = Bit(b, 6);
-    if (length < kCmrxLength) {
+    std::uint8_t board = 0;
+    in.Read(board);
+    reply.meridian = Bit(board, 6);
+    if (frame.DataLength() < kCmrxLength) {
+        in.Leave(2);
         return reply;
     }
-    frame.Skip(2);
-    const std::uint8_t d = frame.Byte();
-    if (Bit(d, 1) && length >= kExtendedRateLength) {
-        reply.loggingRate = frame.Word();
+    std::uint8_t counts = 0;
+    in.Read(counts);
+    if (Bit(counts, 1) && in.HasNext()) {
+        in.Read(reply.loggingRate);
+    } else {
+        in.Leave();
     }
-    if (Bit(d, 0)) {
-        reply.cmrxInput = Bit(b, 4);
-        reply.cmrxOutput = Bit(b, 5);
-    }
+    reply.cmrxInput = Bit(counts, 0) && Bit(board, 4);
+    reply.cmrxOutput = Bit(counts, 0) && Bit(board, 5);
     return reply;
 }
 
 std::optional<StatusReply> ParseStatus(FrameReader frame)
 {
-    if (!Begin(frame, kStatusType, kStatusLength)) {
+    LayoutReader in(frame, 0x09);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     StatusReply reply;
-    reply.timeValid = frame.Byte(ByteForm::Digit) == 1;
-    frame.Skip(1);
-    reply.satellitesTracked = IntegerField(frame, 2);
-    frame.Skip(3);
-    reply.batteryPercent = IntegerField(frame, 3);
-    reply.pdop = RealField(frame, 4);
-    reply.fixKind = frame.Byte(ByteForm::Digit);
+    int timeValid = 0;
+    in.Read(timeValid, reply.satellitesTracked, reply.batteryPercent, reply.pdop, reply.fixKind,
+            reply.survey, reply.freeMemoryTenths);
+    reply.timeValid = timeValid == 1;
     reply.rtkFixed = reply.fixKind == kRtkFixed;
-    reply.survey = frame.Text(4);
-    reply.freeMemoryTenths = IntegerField(frame, 2);
     return reply;
 }
 
 std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 {
-    if (!Begin(frame, kGpsTimeType, kGpsTimeLength)) {
+    LayoutReader in(frame, 0x15);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     GpsTimeReply reply;
-    reply.secondsOfWeek = RealField(frame, 7);
-    reply.week = IntegerField(frame, 4);
-    // A number that does not fit its two characters goes on to the end of the reply.
-    constexpr std::size_t kOffsetAt = 11;
-    constexpr std::size_t kLongest = 8;
-    const std::size_t rest = frame.DataLength() - kOffsetAt;
-    reply.utcOffsetS = IntegerField(frame, std::min(rest, kLongest));
+    in.Read(reply.secondsOfWeek, reply.week, reply.utcOffsetS);
     const bool possible = reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
-    if (!possible) {
-        return std::nullopt;
-    }
-    return reply;
+    return possible ? std::optional(reply) : std::nullopt;
 }
 
 std::optional<SiteReply> ParseSite(FrameReader frame)
 {
-    if (!Begin(frame, kSiteType, kSiteLength) || frame.Byte() != 18 || frame.Byte() != 0) {
+    LayoutReader in(frame, 0x31, "\x12\0"sv);
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    const SiteReply place = ReadPlace(frame);
-    if (!IsOnEarth(place)) {
-        return std::nullopt;
-    }
-    return place;
+    SiteReply place;
+    ReadPlace(in, place);
+    return IsOnEarth(place) ? std::optional(place) : std::nullopt;
 }
 
 std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
 {
-    if (!Begin(frame, kPositionStatusType, kPositionStatusLength)) {
+    LayoutReader in(frame, 0x35);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     PositionStatusReply reply;
-    reply.fixKind = frame.Byte();
-    reply.satellitesUsed = frame.Byte();
-    reply.week = frame.Long();
-    reply.secondsOfWeek = frame.Long();
-    reply.pdop = frame.Float();
-    reply.hdop = frame.Float();
-    reply.vdop = frame.Float();
-    reply.position = ReadPlace(frame);
-    if (reply.secondsOfWeek >= kSecondsPerWeek) {
-        return std::nullopt;
-    }
-    return reply;
+    in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
+            reply.hdop, reply.vdop);
+    ReadPlace(in, reply.position);
+    return reply.secondsOfWeek < kSecondsPerWeek ? std::optional(reply) : std::nullopt;
 }
 
 std::optional<int> ParseBatteryPort(FrameReader frame)
 {
-    if (!Begin(frame, kBatteryPortType, 1)) {
+    LayoutReader in(frame, 0x41);
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    return frame.Byte();
+    int input = 0;
+    in.Read(input);
+    return input;
 }
 
 std::optional<SettingsFlags> ParseSettingsFlags(FrameReader frame)
 {
-    if (!Begin(frame, kSettingsFlagsType, kSettingsFlagsLength)) {
+    LayoutReader in(frame, 0x7A);
+    if (!in.Fits()) {
         return std::nullopt;
     }
-    frame.Skip(2);
     SettingsFlags flags{};
-    for (std::uint8_t& flag : flags) {
-        flag = frame.Byte();
-    }
+    in.Read(flags[0], flags[1], flags[2]);
     return flags;
 }
 
 std::optional<TiltReading> ParseTiltReading(FrameReader frame)
 {
-    if (!BeginTilt(frame, 0, kTiltReadingLength)) {
+    LayoutReader in(frame, 0xC8, "\1\0"sv);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     TiltReading reading;
-    const std::uint8_t status = frame.Byte();
+    std::uint8_t status = 0;
+    std::uint8_t calibration = 0;
+    in.Read(status, calibration, reading.t1Rad, reading.t2Rad, reading.tiltRad);
     reading.state = status & 0x0F;
     reading.error1 = Bit(status, 4);
     reading.error2 = Bit(status, 5);
     reading.sensorPresent = Bit(status, 6);
-    const std::uint8_t calibration = frame.Byte();
     reading.calibrationState = calibration & 0x07;
     reading.calibrationValid = Bit(calibration, 3);
     reading.calibrated = Bit(calibration, 4);
-    reading.t1Rad = frame.Double();
-    reading.t2Rad = frame.Double();
-    reading.tiltRad = frame.Double();
-    reading.time = ReadTiltTime(frame);
+    reading.time = ReadTiltTime(in);
     return reading;
 }
 
 std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame)
 {
-    if (!BeginTilt(frame, 1, kTiltCalibrationLength)) {
+    LayoutReader in(frame, 0xC8, "\1\1"sv);
+    if (!in.Fits()) {
         return std::nullopt;
     }
     TiltCalibration calibration;
-    calibration.validityHours = frame.Word();
-    calibration.calibrated = ReadTiltTime(frame);
-    calibration.progressPercent = frame.Byte();
+    in.Read(calibration.validityHours);
+    calibration.calibrated = ReadTiltTime(in);
+    in.Read(calibration.progressPercent);
     return calibration;
 }
 

@@ -1,132 +1,110 @@
 #include "core/link/SatelliteRecords.h"
 
-#include <string>
-
 namespace fieldcore {
 
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
+constexpr std::uint8_t kTextFormat = 0x30; // any of these bits: the format byte is a digit
+constexpr int kSbasOffset = 87;            // raw SBAS numbers start at 33 for PRN 120
+constexpr int kMaxPrn = 32;
+constexpr int kHighAzimuthDeg = 256;
 
-constexpr std::uint8_t kTextForm = 0x30; // these bits set: the records are digits
-
-/// Takes records apart; what lies behind the end of the data makes all that follows nothing.
-class Cursor
+/// What the raw number of a binary record tells.
+struct NumberRange
 {
-public:
-    Cursor(Bytes data, std::size_t offset) : m_data(data), m_offset(offset) {}
-
-    std::uint8_t Byte()
-    {
-        m_complete = m_complete && m_offset < m_data.size();
-        return m_complete ? m_data[m_offset++] : std::uint8_t{0};
-    }
-    int Digits(int count)
-    {
-        int number = 0;
-        for (int digit = 0; digit < count; ++digit) {
-            const std::uint8_t byte = Byte();
-            m_complete = m_complete && (byte == ' ' || (byte >= '0' && byte <= '9'));
-            number = number * 10 + (byte == ' ' ? 0 : byte - '0');
-        }
-        return number;
-    }
-    [[nodiscard]] bool IsComplete() const { return m_complete; }
-    [[nodiscard]] std::size_t Offset() const { return m_offset; }
-
-private:
-    const Bytes m_data;
-    std::size_t m_offset;
-    bool m_complete = true;
+    int first;
+    int last;
+    ListedSatellite::System system;
+    int shift; ///< to the numbering of the system
 };
+constexpr NumberRange kRanges[] = {{1, kMaxPrn, ListedSatellite::Gps, 0},
+                                   {33, 51, ListedSatellite::Sbas, kSbasOffset},
+                                   {52, 75, ListedSatellite::Glonass, -51},
+                                   {76, 109, ListedSatellite::System6, -76}};
 
-struct Satellite
+void Classify(ListedSatellite& satellite)
 {
-    std::string name;
-    int azimuthDeg = 0;
-    int elevationDeg = 0;
-    std::string signals; // dB-Hz
-};
-
-std::string Named(char system, int number)
-{
-    std::string name(1, system);
-    name += std::to_string(number);
-    return name;
-}
-
-void AddSignal(Satellite& satellite, double decibelHertz)
-{
-    satellite.signals += satellite.signals.empty() ? "" : " ";
-    satellite.signals += Value::Real(decibelHertz, 2).Words();
-}
-
-Satellite ReadBinary(Cursor& cursor, std::uint8_t form)
-{
-    constexpr int kLastGps = 32;
-    constexpr int kLastSbas = 51;
-    constexpr int kLastGlonass = 75;
-    Satellite satellite;
-    const int number = cursor.Byte();
-    if (number <= kLastGps) {
-        satellite.name = Named('G', number);
-    } else if (number <= kLastSbas) {
-        satellite.name = Named('S', number + 87);
-    } else if (number <= kLastGlonass) {
-        satellite.name = Named('R', number - kLastSbas);
-        const int channel = cursor.Byte(); // two's complement
-        satellite.name += " channel " + std::to_string(channel < 128 ? channel : channel - 256);
-    } else {
-        satellite.name = Named('X', number - kLastGlonass - 1);
-    }
-    satellite.azimuthDeg = cursor.Byte();
-    const std::uint8_t elevation = cursor.Byte();
-    satellite.azimuthDeg += (elevation & 0x80U) != 0 ? 256 : 0;
-    satellite.elevationDeg = elevation & 0x7F;
-    for (unsigned bit = 0; bit < 4; ++bit) {
-        if ((form >> bit & 1U) != 0) {
-            AddSignal(satellite, cursor.Byte() / 4.0);
+    satellite.number = satellite.rawNumber;
+    for (const NumberRange& range : kRanges) {
+        if (satellite.rawNumber >= range.first && satellite.rawNumber <= range.last) {
+            satellite.system = range.system;
+            satellite.number += range.shift;
         }
     }
-    return satellite;
-}
-
-Satellite ReadText(Cursor& cursor, std::uint8_t form)
-{
-    Satellite satellite;
-    const int number = cursor.Digits(2);
-    satellite.name = number < 33 ? Named('G', number) : Named('S', number + 87);
-    satellite.azimuthDeg = cursor.Digits(3);
-    satellite.elevationDeg = cursor.Digits(2);
-    AddSignal(satellite, cursor.Digits(3) / 10.0);
-    if (form == '2') {
-        AddSignal(satellite, cursor.Digits(5) / 100.0);
-    }
-    return satellite;
 }
 
 } // namespace
 
-bool ReadSatellites(Bytes data, std::size_t& offset, bool severalFrames,
-                    std::vector<DescribedField>& fields)
+SatelliteRecords::SatelliteRecords(FrameReader frame, std::string_view prefix)
+    : m_in(frame, 0x17, prefix)
 {
-    Cursor header(data, 0);
-    const std::uint8_t form = data[severalFrames ? 3 : 2];
-    const int count = severalFrames ? data[4] : header.Digits(2);
-    const bool isText = !severalFrames && (form & kTextForm) == kTextForm;
-    for (int record = 0; header.IsComplete() && record < count; ++record) {
-        Cursor cursor(data, offset);
-        const Satellite satellite = isText ? ReadText(cursor, form) : ReadBinary(cursor, form);
-        if (!cursor.IsComplete()) {
-            return false;
-        }
-        fields.push_back({offset, "satellite", Value::Text(satellite.name),
-                          "azimuth " + std::to_string(satellite.azimuthDeg) + ", elevation " +
-                              std::to_string(satellite.elevationDeg) + " deg; " +
-                              satellite.signals + " dB-Hz"});
-        offset = cursor.Offset();
+    if (!m_in.Fits()) {
+        return;
     }
-    return header.IsComplete();
+    if (prefix.empty()) {
+        m_in.Read(m_left, m_format);
+        m_isText = (m_format & kTextFormat) != 0;
+    } else {
+        std::uint8_t form = 0;
+        m_in.Read(form, m_frameNumber, m_last, m_format, m_left);
+    }
+}
+
+std::optional<ListedSatellite> SatelliteRecords::Next()
+{
+    if (m_left <= 0 || !m_in.IsComplete()) {
+        return std::nullopt;
+    }
+    --m_left;
+    ListedSatellite satellite;
+    m_isText ? ReadText(satellite) : ReadBinary(satellite);
+    return m_in.IsComplete() ? std::optional(satellite) : std::nullopt;
+}
+
+void SatelliteRecords::ReadText(ListedSatellite& satellite)
+{
+    int tenths = 0;
+    m_in.BeginRecord(TextSatelliteLayout());
+    m_in.Read(satellite.rawNumber, satellite.azimuthDeg, satellite.elevationDeg, tenths);
+    satellite.signals[0] = tenths / 10.0;
+    if (m_format == '2') {
+        int hundredths = 0;
+        m_in.Read(hundredths);
+        satellite.signals[1] = hundredths / 100.0;
+    } else {
+        m_in.Leave();
+    }
+    const bool gps = satellite.rawNumber <= kMaxPrn;
+    satellite.system = gps ? ListedSatellite::Gps : ListedSatellite::Sbas;
+    satellite.number = satellite.rawNumber + (gps ? 0 : kSbasOffset);
+}
+
+void SatelliteRecords::ReadBinary(ListedSatellite& satellite)
+{
+    m_in.BeginRecord(BinarySatelliteLayout());
+    m_in.Read(satellite.rawNumber);
+    Classify(satellite);
+    if (satellite.system == ListedSatellite::Glonass) {
+        std::uint8_t channel = 0;
+        m_in.Read(channel);
+        satellite.channel = static_cast<std::int8_t>(channel);
+    } else {
+        m_in.Leave();
+    }
+    std::uint8_t elevation = 0;
+    m_in.Read(satellite.azimuthDeg, elevation);
+    satellite.azimuthDeg += (elevation & 0x80) != 0 ? kHighAzimuthDeg : 0;
+    satellite.elevationDeg = elevation & 0x7F;
+    constexpr std::array<std::size_t, 4> kWireOrder{0, 1, 3, 2}; // bit 2 stands for the fourth
+    for (std::size_t bit = 0; bit < kWireOrder.size(); ++bit) {
+        if ((m_format >> bit & 1) != 0) {
+            std::uint8_t quarters = 0;
+            m_in.Read(quarters);
+            satellite.signals[kWireOrder[bit]] = quarters / 4.0;
+        } else {
+            m_in.Leave();
+        }
+    }
 }
 
 } // namespace fieldcore

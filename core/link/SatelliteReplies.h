@@ -28,9 +28,16 @@ struct ListedSatellite
     std::uint8_t system = Unknown;
     int number = 0;    ///< in the numbering of its system
     int rawNumber = 0; ///< as received
+    int channel = 0;   ///< the frequency channel of a GLONASS satellite; kept for diagnostics
     int azimuthDeg = 0;
     int elevationDeg = 0;
     std::array<double, 4> signals{kNoSignal, kNoSignal, kNoSignal, kNoSignal};
+
+    /// Whether the angles are a direction of the sky, the horizon's other side included.
+    [[nodiscard]] bool HasDirection() const
+    {
+        return azimuthDeg >= 0 && azimuthDeg <= 360 && elevationDeg >= -90 && elevationDeg <= 90;
+    }
 };
 
 struct SatelliteList
@@ -38,6 +45,7 @@ struct SatelliteList
     std::vector<ListedSatellite> satellites;
     int gpsCount = 0;
     int glonassCount = 0; ///< counted in binary records only
+    int dropped = 0;      ///< records left out, whose direction is none
 };
 
 /// The list in a single frame, reply 0x17.

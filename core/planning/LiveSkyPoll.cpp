@@ -14,24 +14,18 @@ namespace {
 constexpr std::size_t kUsedGpsWord = 6;
 constexpr std::size_t kUsedGlonassTriple = 6;
 
-LiveSkyPoll::State StateOf(CommandFault fault)
+LiveSkyPoll::State StateOf(const CCommand& command)
 {
     using State = LiveSkyPoll::State;
-    switch (fault) {
-    case CommandFault::NotOpen:
-    case CommandFault::OpenFailed:
-        return State::NotConnected;
-    case CommandFault::LinkLost:
-    case CommandFault::WriteFailed:
-        return State::LinkLost;
-    case CommandFault::Refused:
-        return State::Refused;
-    case CommandFault::TimedOut:
+    switch (ClassOf(command.Fault())) {
+    case FaultClass::Gone:
+        return command.IsPortOpen() == 0 ? State::NotConnected : State::LinkLost;
+    case FaultClass::Silent:
         return State::Silent;
-    case CommandFault::Cancelled:
+    case FaultClass::Cancelled:
         return State::Cancelled;
     default:
-        return State::Damaged;
+        return command.Fault() == CommandFault::Refused ? State::Refused : State::Damaged;
     }
 }
 
@@ -69,7 +63,7 @@ bool LiveSkyPoll::Poll(CCommand& command)
     }
     LiveSky::Reading reading;
     if (!ReadLists(reading)) {
-        m_now.state = StateOf(command.Fault());
+        m_now.state = StateOf(command);
         return false;
     }
     const Clock::Duration readAt = m_clock.Steady();
@@ -89,7 +83,7 @@ bool LiveSkyPoll::ReadLists(LiveSky::Reading& reading)
         // Older receivers know the list in one frame only; some answer with that whatever the
         // request says. A damaged answer may look the same, so that is no lasting verdict.
         const CommandFault fault = m_command->Fault();
-        if (fault != CommandFault::Refused && fault != CommandFault::WrongType) {
+        if (ClassOf(fault) != FaultClass::Answered) {
             return false;
         }
         m_hasFrames = fault != CommandFault::Refused;
@@ -106,8 +100,7 @@ void LiveSkyPoll::ReadUsed(LiveSky::Reading& reading)
     m_noUsedSince.reset();
     SatelliteDataReply data;
     if (m_command->RequestSvData(data, m_hasGlonass) == 0) {
-        const CommandFault fault = m_command->Fault();
-        if (m_hasGlonass && (fault == CommandFault::Refused || fault == CommandFault::WrongType)) {
+        if (m_hasGlonass && ClassOf(m_command->Fault()) == FaultClass::Answered) {
             m_hasGlonass = false; // the next round asks for less
         } else {
             m_noUsedSince = now;

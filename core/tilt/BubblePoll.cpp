@@ -9,7 +9,7 @@ TiltHeard AskTilt(CCommand& command, bool withRecord)
     if (command.RequestTiltReading(reading) == 1) {
         heard.reading = reading;
     }
-    heard.isAnswered = command.Fault() != CommandFault::TimedOut;
+    heard.isAnswered = ClassOf(command.Fault()) != FaultClass::Silent;
     heard.at = command.GetClock().Steady();
     TiltCalibration record;
     if (heard.reading && withRecord && command.RequestTiltCalibration(record) == 1) {

@@ -54,10 +54,7 @@ void CalibrationRun::Tick()
         Judge(reading);
     } else {
         m_fault = m_command->Fault();
-        const bool isGone = m_fault == CommandFault::LinkLost ||
-                            m_fault == CommandFault::WriteFailed ||
-                            m_fault == CommandFault::NotOpen;
-        if (isGone || clock.Steady() - m_heardAt >= kSilence) {
+        if (ClassOf(m_fault) == FaultClass::Gone || clock.Steady() - m_heardAt >= kSilence) {
             m_state = m_state == State::Cancelling ? State::Aborted : State::Failed;
         } else if (m_fault == CommandFault::Cancelled) {
             BeginCancelling();

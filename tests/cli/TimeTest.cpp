@@ -97,14 +97,6 @@ TEST_F(TimeTest, CountsWhatPassesWhileAnAnswerIsLost)
     EXPECT_GE(set.front() - sys_days(2026y / 3 / 14), 10s) << "5 at first, and the wait";
 }
 
-TEST_F(TimeTest, TakesNoNoticeOfAnOffsetThatCannotBeMeant)
-{
-    const Outcome outcome = runner.Run(Plug(std::string(kThen) + "\nutc-offset 101"));
-    const nlohmann::json result = outcome.Json()["result"];
-    EXPECT_EQ(result["receiverUtc"], "2026-03-14T00:01:46Z") << "GPS time as it is";
-    EXPECT_EQ(result["synchronised"], false);
-}
-
 TEST_F(TimeTest, NeverTakesTheTimeOfASimulator)
 {
     runner.world.setClock = [this](Clock::UtcTime time) {

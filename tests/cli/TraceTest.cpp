@@ -156,6 +156,38 @@ TEST(FrameDescriber, ReadsFieldsAsTheProtocolHasThem)
     }
 }
 
+TEST(FrameDescriber, ReadsSatellitesAsTheParserDoes)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string data;
+        std::string satellite;
+        std::string dropped;
+    };
+    const std::string none = "(not there)";
+    const std::string text = "0709045412"; // and what each form makes of it
+    const Row rows[] = {
+        {"any digit is a form", "013" + text, "G7|azimuth 90, elevation 45 deg; 41.20 dB-Hz", none},
+        {"one of the two bits is enough", "01\x10" + text,
+         "G7|azimuth 90, elevation 45 deg; 41.20 dB-Hz", none},
+        {"a satellite of no system", "01\x01\x70\x5A\x2D\x08",
+         "unknown 112|azimuth 90, elevation 45 deg; 2.00 dB-Hz", none},
+        {"no direction", "01\x01\x07\x5A\x5B\x08",
+         "G7|azimuth 90, elevation 91 deg; 2.00 dB-Hz; dropped, that is no direction", "1"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Bytes frame{0x02, 0x00, 0x17, static_cast<std::uint8_t>(row.data.size())};
+        frame.insert(frame.end(), row.data.begin(), row.data.end());
+        frame.insert(frame.end(), {0x00, 0x03});
+        const std::vector<DescribedBytes> described = DescribeBytes(Direction::Received, frame);
+        EXPECT_EQ(described.front().fault, "");
+        EXPECT_EQ(Field(described, "satellite"), row.satellite);
+        EXPECT_EQ(Field(described, "dropped satellites"), row.dropped);
+    }
+}
+
 TEST(Trace, ShowsGoodAndDamagedLines)
 {
     Runner runner;

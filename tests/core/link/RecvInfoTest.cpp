@@ -231,6 +231,9 @@ TEST_F(RecvInfoTest, TypeCodeOfOneModelNamesIt)
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, 'r'}})}}), 1);
     EXPECT_STREQ(info.GetRecvType(), L"VX4");
     EXPECT_EQ(info.GetRecvTypeNum(), 3024U);
+    ASSERT_EQ(Read({{{0x15}}}), 0);
+    EXPECT_EQ(info.GetRecvTypeNum(), 3024U) << "the options are still known";
+    EXPECT_EQ(info.GetRecvType(), nullptr) << "and the identity is not";
 }
 
 TEST_F(RecvInfoTest, ThreeOhThreeTwoHasBluetooth)

@@ -2,6 +2,7 @@
 #include "core/link/FrameBuffer.h"
 
 #include "core/link/Identification.h"
+#include "core/link/NumberFields.h"
 #include "tests/core/link/FarEnd.h"
 
 #include <cmath>
@@ -132,6 +133,9 @@ TEST(Replies, GpsTime)
     EXPECT_EQ(reply->secondsOfWeek, 604799.0);
     EXPECT_EQ(reply->week, 2400);
     EXPECT_EQ(reply->utcOffsetS, 18);
+    const auto longer = Parse(ParseGpsTime, 0x15, Ascii("604799.2400-181"));
+    ASSERT_TRUE(longer);
+    EXPECT_EQ(longer->utcOffsetS, -1) << "the offset is two characters, whatever follows";
     for (const char* impossible :
          {"604800.240018", "-1.0000240018", "nan    240018", "inf    240018"}) {
         EXPECT_FALSE(Parse(ParseGpsTime, 0x15, Ascii(impossible))) << impossible;
@@ -318,6 +322,50 @@ TEST(Replies, ExtendedOptions)
     const auto none = Parse(ParseExtendedOptions, 0x4B, full);
     ASSERT_TRUE(none) << "a receiver without extended options is no failure";
     EXPECT_EQ(count(*none), 0);
+    EXPECT_TRUE(Parse(ParseExtendedOptions, 0x4B, {})) << "nor is one that sends nothing";
+}
+
+TEST(NumberFields, ReadWhatStandsAtTheStart)
+{
+    struct Row
+    {
+        std::string_view fault;
+        std::string text;
+        int integer;
+        double real;
+    };
+    const Row rows[] = {
+        {"empty field", "", 0, 0.0},
+        {"blanks in front", "  42", 42, 42.0},
+        {"blanks behind", "42  ", 42, 42.0},
+        {"blank inside", "4 2", 4, 4.0},
+        {"tab as a blank", "\t42", 42, 42.0},
+        {"zeros in front are no octal", "0017", 17, 17.0},
+        {"sign", "-18", -18, -18.0},
+        {"plus", "+18", 18, 18.0},
+        {"sign alone", "-", 0, 0.0},
+        {"two signs", "--5", 0, 0.0},
+        {"point", "1.85", 1, 1.85},
+        {"comma is no point", "1,85", 1, 1.0},
+        {"point first", ".5", 0, 0.5},
+        {"letters", "---", 0, 0.0},
+        {"letters behind", "12E", 12, 12.0},
+        {"exponent", "1e3", 1, 1000.0},
+        {"beyond int", "9999999999", 2147483647, 9999999999.0},
+        {"beyond long", "9999999999999999", 2147483647, 9999999999999999.0},
+        {"beyond int, negative", "-9999999999", -2147483647 - 1, -9999999999.0},
+        {"a zero byte ends it", std::string("1\0002", 3), 1, 1.0},
+        {"full-width digits", "\x82\x50\x82\x51", 0, 0.0},
+        {"a byte that other code pages call a blank",
+         "\xA0"
+         "7",
+         0, 0.0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_EQ(IntegerField(Ascii(row.text)), row.integer);
+        EXPECT_EQ(RealField(Ascii(row.text)), row.real);
+    }
 }
 
 TEST(Replies, TiltReading)

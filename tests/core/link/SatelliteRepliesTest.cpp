@@ -128,10 +128,6 @@ TEST(SatelliteList, RefusesWhatDoesNotFit)
                                       "051204541")},
         {"second signal cut off", Ascii("012"
                                         "05120454120432")},
-        {"azimuth beyond the circle", {'0', '1', 0x00, 7, 0x69, 0x80 | 45}},
-        {"elevation beyond the zenith", {'0', '1', 0x00, 7, 90, 91}},
-        {"azimuth in text beyond the circle", Ascii("011"
-                                                    "0536145412")},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
@@ -140,6 +136,39 @@ TEST(SatelliteList, RefusesWhatDoesNotFit)
     const auto none = List({'0', '0', 0x03});
     ASSERT_TRUE(none) << "no satellites are no failure";
     EXPECT_TRUE(none->satellites.empty());
+}
+
+TEST(SatelliteList, DropsWhatIsNoDirectionAndKeepsTheRest)
+{
+    struct Row
+    {
+        std::string_view fault;
+        Bytes data; ///< the second of three satellites
+    };
+    const Row rows[] = {
+        {"azimuth beyond the circle", {'0', '3', 0x00, 7, 90, 45, 8, 0x69, 0x80 | 45, 9, 90, 45}},
+        {"elevation beyond the zenith", {'0', '3', 0x00, 7, 90, 45, 8, 90, 91, 9, 90, 45}},
+        {"azimuth in text beyond the circle", Ascii("031"
+                                                    "0709045412"
+                                                    "0836145412"
+                                                    "0909045412")},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const auto list = List(row.data);
+        ASSERT_TRUE(list);
+        ASSERT_EQ(list->satellites.size(), 2U);
+        EXPECT_EQ(list->satellites[1].number, 9);
+        EXPECT_EQ(list->gpsCount, 2);
+        EXPECT_EQ(list->dropped, 1);
+    }
+    SatelliteList list;
+    FrameBuffer buffer = Loaded(0x17, {2, 0, 0, 0x00, 2, 7, 90, 91, 8, 90, 45});
+    EXPECT_EQ(ParseSatelliteListFrame(buffer.Reader(), SatelliteListForm::InView, 0, list), false);
+    buffer = Loaded(0x17, {2, 1, 1, 0x00, 1, 9, 90, 91});
+    EXPECT_EQ(ParseSatelliteListFrame(buffer.Reader(), SatelliteListForm::InView, 1, list), true);
+    EXPECT_EQ(list.satellites.size(), 1U);
+    EXPECT_EQ(list.dropped, 2) << "in all frames together";
 }
 
 TEST(SatelliteData, Almanac)

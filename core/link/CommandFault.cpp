@@ -1,0 +1,87 @@
+#include "core/link/CommandFault.h"
+
+#include "core/resources/StringTable.h"
+
+#include <array>
+#include <cstddef>
+
+namespace fieldcore {
+
+namespace {
+
+using enum CommandFault;
+
+constexpr TerminalFault kNotMade{1, "failed", "The request could not be made.", ""};
+constexpr TerminalFault kNotOpen{3, "port-not-opened", "The port is not open.",
+                                 "fieldcore-cli doctor"};
+constexpr TerminalFault kLost{3, "link-lost", "The port is gone.",
+                              "Check the cable or the Bluetooth link, then try again."};
+constexpr TerminalFault kNotWritten{1, "not-written", "Nothing could be sent to the receiver.",
+                                    "Check the cable and the handshake (--flow)."};
+constexpr TerminalFault kNoAnswer{
+    4, "no-answer", "The receiver does not answer.",
+    "Check that it is on, the cable, and the rate of the port (--baud)."};
+constexpr TerminalFault kNak{6, "nak", "The receiver refused the request.",
+                             "It does not know the request, or cannot do it now."};
+constexpr TerminalFault kDamaged{1, "damaged-answer", "What the receiver answers arrives damaged.",
+                                 "Check the cable, and the rate and parity of the port."};
+constexpr TerminalFault kOther{
+    1, "unexpected-answer", "The receiver answered something else.",
+    "Something may be sent over the port besides. Keep what is said with --log FILE and look at it "
+    "with fieldcore-cli trace FILE."};
+constexpr TerminalFault kCancelled{7, "cancelled", "Cancelled.", ""};
+
+constexpr std::array kMeanings{
+    FaultMeaning{None, FaultClass::Answered, "", 0, kNotMade},
+    FaultMeaning{Busy, FaultClass::Local, "another request is under way", text::kCauseBusy,
+                 kNotMade},
+    FaultMeaning{NotOpen, FaultClass::Gone, "no port is open", text::kCauseNotOpened, kNotOpen},
+    FaultMeaning{OpenFailed, FaultClass::Gone, "the port could not be opened",
+                 text::kCauseNotOpened, kNotOpen},
+    FaultMeaning{TooLong, FaultClass::Local, "the request does not fit into a frame",
+                 text::kCauseNotWritten, kNotMade},
+    FaultMeaning{WriteFailed, FaultClass::Gone, "the request could not be written",
+                 text::kCauseNotWritten, kNotWritten},
+    FaultMeaning{TimedOut, FaultClass::Silent, "no answer in time", text::kCauseNoAnswer,
+                 kNoAnswer},
+    FaultMeaning{Refused, FaultClass::Answered, "the receiver refused (NAK)", text::kCauseRefused,
+                 kNak},
+    FaultMeaning{Malformed, FaultClass::Damaged, "the answer was no frame", text::kCauseDamaged,
+                 kDamaged},
+    FaultMeaning{BadChecksum, FaultClass::Damaged, "the answer was damaged (checksum)",
+                 text::kCauseDamaged, kDamaged},
+    FaultMeaning{WrongAnswer, FaultClass::Answered,
+                 "an acknowledgement came for data, or data for an acknowledgement",
+                 text::kCauseOtherAnswer, kOther},
+    FaultMeaning{WrongType, FaultClass::Answered,
+                 "the answer was of another type or did not fit its layout",
+                 text::kCauseOtherAnswer, kOther},
+    FaultMeaning{LinkLost, FaultClass::Gone, "the link is gone", text::kCauseLinkLost, kLost},
+    FaultMeaning{Cancelled, FaultClass::Cancelled, "cancelled", text::kCauseCancelled, kCancelled},
+};
+
+constexpr bool StandAtTheirPlaces()
+{
+    for (std::size_t i = 0; i < kMeanings.size(); ++i) {
+        if (static_cast<std::size_t>(kMeanings[i].fault) != i) {
+            return false;
+        }
+    }
+    return kMeanings.size() == static_cast<std::size_t>(Cancelled) + 1;
+}
+static_assert(StandAtTheirPlaces());
+
+} // namespace
+
+const FaultMeaning& MeaningOf(CommandFault fault)
+{
+    return kMeanings[static_cast<std::size_t>(fault)];
+}
+
+const wchar_t* CauseText(CommandFault fault)
+{
+    const int id = MeaningOf(fault).textId;
+    return id == 0 ? L"" : Text(id);
+}
+
+} // namespace fieldcore
