@@ -31,6 +31,8 @@ struct ListedSatellite
     int azimuthDeg = 0;
     int elevationDeg = 0;
     std::array<double, 4> signals{kNoSignal, kNoSignal, kNoSignal, kNoSignal};
+
+    friend bool operator==(const ListedSatellite&, const ListedSatellite&) = default;
 };
 
 struct SatelliteList
@@ -38,6 +40,8 @@ struct SatelliteList
     std::vector<ListedSatellite> satellites;
     int gpsCount = 0;
     int glonassCount = 0; ///< counted in binary records only
+
+    friend bool operator==(const SatelliteList&, const SatelliteList&) = default;
 };
 
 /// The list in a single frame, reply 0x17.
