@@ -75,7 +75,10 @@ int ScreenPictures::Write(const QString& folder)
     }
     std::wstring fault;
     m_controller.ConnectQuietly(fault);
-    m_controller.Link().Tick(); // which asks for the status
+    const QDeadlineTimer patience(std::chrono::seconds(5));
+    while (!m_controller.Link().Heard().powerSource && !patience.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20); // which asks how it is
+    }
     bool written = true;
     for (const Look& look : kLooks) {
         Theme::Use(look.theme);
