@@ -109,7 +109,6 @@ bool Controller::ConnectQuietly(std::wstring& fault)
     if (m_link->Adopt(connect, *target) == 0) {
         return false; // the user has been told
     }
-    ReadOptions();
     Q_EMIT Changed();
     return true;
 }
@@ -133,20 +132,15 @@ bool Controller::Connect(QWidget* parent, std::wstring& fault)
     if (m_link->Connect(dialog, *target) == 0) {
         return false; // the user has been told
     }
-    ReadOptions();
     Q_EMIT Changed();
     return true;
 }
 
-void Controller::ReadOptions()
+int Controller::ReceiverPorts() const
 {
-    CRecvInfo info;
-    m_hasTilt = false;
-    if (info.GetOptionData(*m_command) != 0) {
-        m_hasTilt = info.GetTilt() != 0;
-        m_receiverPort = info.GetCurrentPortID();
-        m_receiverPorts = std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts);
-    }
+    const CRecvInfo info = Info();
+    return info.Known().options ? std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts)
+                                : CComPrmSet::kMostPorts;
 }
 
 void Controller::Disconnect()
@@ -246,8 +240,8 @@ StatusView Controller::View() const
     constexpr std::uint32_t kLast = 19;
     std::uint32_t zone = 0; // the nearest one
     m_reg.ReadNumber(kAppKey, kPlaneZone, zone, 0);
-    return {m_clock->Steady(), m_clock->Utc(), m_link->State() == LinkState::Connected,
-            zone <= kLast ? static_cast<int>(zone) : 0, m_maySetClock};
+    return {m_clock->Steady(), m_clock->Utc(), zone <= kLast ? static_cast<int>(zone) : 0,
+            m_maySetClock};
 }
 
 void Controller::AskReceiver()
@@ -257,23 +251,18 @@ void Controller::AskReceiver()
     if (warning != BatteryWatch::Warning::None) {
         const int id =
             warning == BatteryWatch::Warning::Low ? text::kBatteryLow : text::kBatteryVeryLow;
-        const int percent = m_poll->Now().battery->value.percent.value_or(0);
+        const int percent = m_link->Heard().status->value.batteryPercent;
         Q_EMIT BatteryIsLow(fieldcore::ToQt(FormatText(id, percent)));
     }
     Q_EMIT Changed();
 }
 
-ReceiverState Controller::State() const
+HomeState Controller::State() const
 {
-    ReceiverState state = StateOf(*m_link, *m_poll, *m_clock);
-    state.antenna = m_antennaLine;
-    state.simulator = QString::fromStdString(m_target->Scenario());
-    return state;
-}
-
-QDateTime Controller::NowUtc() const
-{
-    return QtTime(m_clock->Utc());
+    return {m_link->Heard(),
+            {m_clock->Steady(), m_clock->Utc()},
+            m_antennaLine,
+            QString::fromStdString(m_target->Scenario())};
 }
 
 QString Controller::TakeNotice()

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "app/HomeState.h"
 #include "app/Options.h"
-#include "app/ReceiverState.h"
 
 #include "core/equipment/AntennaSettings.h"
 #include "core/equipment/PortEdit.h"
 #include "core/equipment/StatusPoll.h"
-#include "core/equipment/StatusRows.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/FrameHistory.h"
 #include "core/link/ReceiverLink.h"
+#include "core/link/RecvInfo.h"
 #include "core/platform/Folders.h"
 #include "core/platform/PortNames.h"
 #include "core/settings/HostReg.h"
@@ -62,8 +62,8 @@ public:
 
     /// The port of the receiver that the controller is plugged into, and how many it has, as it
     /// said last; 1 and the most that there can be before it said anything.
-    [[nodiscard]] int ReceiverPort() const { return m_receiverPort; }
-    [[nodiscard]] int ReceiverPorts() const { return m_receiverPorts; }
+    [[nodiscard]] int ReceiverPort() const { return Info().GetCurrentPortID(); }
+    [[nodiscard]] int ReceiverPorts() const;
     /// Connects with the parameters of the line that @p edit has just stored; goes back to those
     /// before if the receiver has stayed there.
     /// @return string-table number of what to tell the user, 0 if all is well
@@ -79,8 +79,8 @@ public:
     /// simulated one. Off at first.
     [[nodiscard]] bool MaySetClock() const { return m_maySetClock; }
     void SetMaySetClock(bool maySet);
-    /// How the receiver is, and what is needed to show it.
     [[nodiscard]] const StatusPoll& Poll() const { return *m_poll; }
+    /// What is needed to show how the receiver is.
     [[nodiscard]] StatusView View() const;
 
     [[nodiscard]] CCommand& Command() { return *m_command; }
@@ -98,10 +98,9 @@ public:
     [[nodiscard]] const std::filesystem::path& ProgramFolder() const { return m_folder; }
     [[nodiscard]] const PortNames& Ports() const { return m_names; }
 
-    [[nodiscard]] ReceiverState State() const;
+    [[nodiscard]] HomeState State() const;
     /// The receiver that is connected has a tilt sensor.
-    [[nodiscard]] bool HasTilt() const { return m_hasTilt; }
-    [[nodiscard]] QDateTime NowUtc() const;
+    [[nodiscard]] bool HasTilt() const { return Info().GetTilt() != 0; }
 
     /// What the user should know about the settings, once; empty: nothing.
     [[nodiscard]] QString TakeNotice();
@@ -113,7 +112,7 @@ Q_SIGNALS:
     void BatteryIsLow(const QString& words);
 
 private:
-    void ReadOptions();
+    [[nodiscard]] CRecvInfo Info() const { return CRecvInfo(m_link->Heard().identity); }
     void ReadAntenna();
     void ReadLinkRate();
     void AskReceiver();
@@ -136,9 +135,6 @@ private:
     std::unique_ptr<StatusPoll> m_poll; // behind the link
     bool m_maySetClock = false;
     ConnectChoice m_choice;
-    int m_receiverPort = 1;
-    int m_receiverPorts = CComPrmSet::kMostPorts;
-    bool m_hasTilt = false;
     std::unique_ptr<LinkMonitor> m_monitor;
     QStringList m_notices;
 };

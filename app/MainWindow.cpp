@@ -84,11 +84,11 @@ MainWindow::MainWindow(QWidget* parent)
     connect(m_menu, &CnMenuBar::CloseRequested, this, &QWidget::close);
 }
 
-void MainWindow::ShowState(const ReceiverState& state, const QDateTime& nowUtc)
+void MainWindow::ShowState(const HomeState& state)
 {
-    m_status->Show(state, nowUtc);
-    m_overview->Show(state, nowUtc);
-    m_menu->EnableItem(kDisconnect, state.link != ReceiverState::Link::None);
+    m_status->Show(state);
+    m_overview->Show(state);
+    m_menu->EnableItem(kDisconnect, state.receiver.link != LinkState::NotConnected);
 }
 
 void MainWindow::CheckTheme(int choice)

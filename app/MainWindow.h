@@ -54,7 +54,7 @@ public:
     /// Asked when the user wants to close the window. Empty: he may.
     void SetMayClose(std::function<bool()> mayClose) { m_mayClose = std::move(mayClose); }
 
-    void ShowState(const ReceiverState& state, const QDateTime& nowUtc);
+    void ShowState(const HomeState& state);
     /// Marks the theme that is in use among the choices.
     void CheckTheme(int choice);
 

@@ -1,7 +1,10 @@
 #include "app/Overview.h"
 
+#include "core/equipment/BattLevel.h"
+#include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
+#include "ui/equipment/BatteryBar.h"
 
 #include <QFontInfo>
 #include <QFormLayout>
@@ -42,7 +45,8 @@ Overview::Overview(QWidget* parent) : QFrame(parent), m_headline(new QLabel)
     m_headline->setWordWrap(true);
     m_satellites = MakeValue(large);
     m_pdop = MakeValue(large);
-    m_battery = MakeValue(large);
+    m_battery = new CTextProgressCtrl;
+    CBattLevel(nullptr).SetInit(m_battery);
     m_received = MakeValue(large);
     setAccessibleName(UiText(text::kAppStatus));
 
@@ -59,37 +63,39 @@ Overview::Overview(QWidget* parent) : QFrame(parent), m_headline(new QLabel)
     column->addWidget(m_headline);
     column->addLayout(form);
     column->addStretch(1);
-    Show({}, QDateTime::currentDateTimeUtc());
+    Show({});
 }
 
-void Overview::Show(const ReceiverState& state, const QDateTime& nowUtc)
+void Overview::Show(const HomeState& state)
 {
-    const QString unknown = QStringLiteral("--");
-    const bool isFresh = IsFresh(state, nowUtc);
-    switch (state.link) {
-    case ReceiverState::Link::Connected:
-        m_headline->setText(state.receiver);
+    const auto& [receiver, view, antenna, simulator] = state;
+    switch (receiver.link) {
+    case LinkState::Connected:
+        m_headline->setText(ToQt(receiver.identity.Model()));
         break;
-    case ReceiverState::Link::Connecting:
+    case LinkState::Connecting:
         m_headline->setText(UiText(text::kAppConnectingHint));
         break;
-    case ReceiverState::Link::Lost:
+    case LinkState::Lost:
+    case LinkState::Reconnecting:
         m_headline->setText(UiText(text::kAppLostHint));
         break;
-    case ReceiverState::Link::None:
+    case LinkState::NotConnected:
         m_headline->setText(UiText(text::kAppConnectHint));
         break;
     }
-    m_satellites->setText(state.satellites ? QString::number(*state.satellites) : unknown);
-    m_pdop->setText(state.pdop ? QString::number(*state.pdop, 'f', 1) : unknown);
-    m_battery->setText(state.batteryPercent
-                           ? QString::number(*state.batteryPercent) + QStringLiteral(" %")
-                           : unknown);
-    m_received->setText(state.receivedUtc.isValid() ? JstText(state.receivedUtc) : unknown);
     const Theme& theme = Theme::Current();
-    for (QLabel* label : {m_satellites, m_pdop, m_battery, m_received}) {
-        Paint(label, isFresh ? theme.text : theme.stale);
-    }
+    const auto show = [&](QLabel* label, std::string_view key) {
+        label->setText(ToQt(FieldText(FieldOf(key), receiver, view)));
+        Paint(label, IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text);
+    };
+    show(m_satellites, "satellitesTracked");
+    show(m_pdop, "pdop");
+    ShowBattery(*m_battery, receiver, view);
+    m_received->setText(receiver.status
+                            ? ToQt(ControllerTimeOfDay(view.utc - (view.now - receiver.status->at)))
+                            : UiText(text::kStatusUnknown));
+    Paint(m_received, IsStale(FieldOf(kHeartbeat), receiver, view) ? theme.stale : theme.text);
 }
 
 } // namespace fieldcore

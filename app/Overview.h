@@ -1,12 +1,14 @@
 #pragma once
 
-#include "app/StatusStrip.h"
+#include "app/HomeState.h"
 
 #include <QFrame>
 
 class QLabel;
 
 namespace fieldcore {
+
+class CTextProgressCtrl;
 
 /// How the receiver is, large: fills the window where the buttons leave room. Values that are not
 /// fresh are grey. User-interface thread only.
@@ -17,14 +19,13 @@ class Overview : public QFrame
 public:
     explicit Overview(QWidget* parent = nullptr);
 
-    /// @param nowUtc  by the controller's clock
-    void Show(const ReceiverState& state, const QDateTime& nowUtc);
+    void Show(const HomeState& state);
 
 private:
     QLabel* m_headline; // owned by the widget, as are the next
     QLabel* m_satellites;
     QLabel* m_pdop;
-    QLabel* m_battery;
+    CTextProgressCtrl* m_battery;
     QLabel* m_received;
 };
 

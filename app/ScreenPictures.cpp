@@ -75,11 +75,14 @@ int ScreenPictures::Write(const QString& folder)
     }
     std::wstring fault;
     m_controller.ConnectQuietly(fault);
-    m_controller.Link().Tick(); // which asks for the status
+    const QDeadlineTimer patience(std::chrono::seconds(5));
+    while (!m_controller.Link().Heard().powerSource && !patience.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20); // which asks how it is
+    }
     bool written = true;
     for (const Look& look : kLooks) {
         Theme::Use(look.theme);
-        m_window.ShowState(m_controller.State(), m_controller.NowUtc()); // in its colours
+        m_window.ShowState(m_controller.State()); // in its colours
         written = Grab(m_window, QStringLiteral("home"), look, folder) && written;
         for (const Picture& picture : All()) {
             const std::unique_ptr<QWidget> screen = picture.make();
@@ -205,17 +208,18 @@ ScreenPictures::Pictures ScreenPictures::Status()
     if (!hour) {
         return {};
     }
-    const auto page = [](Clock::Duration later, bool isConnected) {
-        return [later, isConnected]() -> std::unique_ptr<QWidget> {
+    const auto page = [](Clock::Duration later, LinkState link) {
+        return [later, link]() -> std::unique_ptr<QWidget> {
             auto made = std::make_unique<StatusPage>();
-            made->Show(hour->status, hour->history,
-                       {hour->now + later, hour->utc + later, isConnected});
+            Receiver receiver = hour->receiver;
+            receiver.link = link;
+            made->Show(receiver, hour->history, {hour->now + later, hour->utc + later});
             return made;
         };
     };
-    return {{QStringLiteral("status"), page({}, true)},
-            {QStringLiteral("status-stale"), page(std::chrono::minutes(3), true)},
-            {QStringLiteral("status-lost"), page(std::chrono::minutes(3), false)},
+    return {{QStringLiteral("status"), page({}, LinkState::Connected)},
+            {QStringLiteral("status-stale"), page(std::chrono::minutes(3), LinkState::Connected)},
+            {QStringLiteral("status-lost"), page(std::chrono::minutes(3), LinkState::Lost)},
             {QStringLiteral("status-empty"),
              []() -> std::unique_ptr<QWidget> { return std::make_unique<StatusPage>(); }},
             {QStringLiteral("status-history"),

@@ -27,7 +27,7 @@ Session::Session(Controller& controller)
 {
     connect(m_window.get(), &MainWindow::Chosen, this, &Session::Open);
     connect(&m_controller, &Controller::Changed, this,
-            [this] { m_window->ShowState(m_controller.State(), m_controller.NowUtc()); });
+            [this] { m_window->ShowState(m_controller.State()); });
     connect(&m_controller, &Controller::BatteryIsLow, this, &Session::WarnOfBattery,
             Qt::QueuedConnection); // not from inside of a round
     m_window->SetMayClose([this] { return MayEnd(); });
@@ -261,7 +261,7 @@ void Session::ShowStatus()
 {
     StatusPage page(m_window.get());
     const auto show = [this, &page] {
-        page.Show(m_controller.Poll().Now(), m_controller.Poll().History(), m_controller.View());
+        page.Show(m_controller.Link().Heard(), m_controller.Poll().History(), m_controller.View());
     };
     connect(&m_controller, &Controller::Changed, &page, show);
     connect(&page, &StatusPage::VersionRequested, this, [this, &page] { ShowVersion(&page); });
@@ -272,7 +272,7 @@ void Session::ShowStatus()
 void Session::ShowVersion(QWidget* parent)
 {
     const ReceiverLink::Hold hold(m_controller.Link());
-    CVersion(&m_controller.Command(), parent).DoModal();
+    CVersion(&m_controller.Command(), parent, m_controller.Link().Heard().identity).DoModal();
 }
 
 void Session::WarnOfBattery(const QString& words)

@@ -78,7 +78,7 @@ std::optional<SimulatedHour> LiveAnHour()
         link.Tick();
         poll.Tick();
     }
-    return SimulatedHour{poll.Now(), poll.History(), clock.Steady(), clock.Utc()};
+    return SimulatedHour{link.Heard(), poll.History(), clock.Steady(), clock.Utc()};
 }
 
 } // namespace fieldcore

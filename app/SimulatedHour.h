@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/equipment/LiveStatus.h"
 #include "core/equipment/StatusHistory.h"
+#include "core/link/Receiver.h"
 #include "core/platform/Clock.h"
 
 #include <optional>
@@ -11,7 +11,7 @@ namespace fieldcore {
 /// What an hour with a simulated receiver leaves behind.
 struct SimulatedHour
 {
-    LiveStatus status;
+    Receiver receiver;
     StatusHistory history;
     Clock::Duration now{}; ///< of the clock that they are timed by
     Clock::UtcTime utc;

@@ -1,6 +1,6 @@
 #include "app/StatusStrip.h"
 
-#include "ui/controls/Icon.h"
+#include "core/equipment/StatusRows.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 
@@ -23,23 +23,23 @@ constexpr int kGap = 8;
 struct Lamp
 {
     int text;
-    const char* icon;
     QColor Theme::*colour;
 };
 
-Lamp LampOf(ReceiverState::Link link)
+Lamp LampOf(LinkState link)
 {
     switch (link) {
-    case ReceiverState::Link::Connected:
-        return {text::kAppLinkConnected, "connect", &Theme::good};
-    case ReceiverState::Link::Connecting:
-        return {text::kAppLinkConnecting, "refresh", &Theme::attention};
-    case ReceiverState::Link::Lost:
-        return {text::kAppLinkLost, "exclamation", &Theme::bad};
-    case ReceiverState::Link::None:
+    case LinkState::Connected:
+        return {text::kAppLinkConnected, &Theme::good};
+    case LinkState::Connecting:
+        return {text::kAppLinkConnecting, &Theme::attention};
+    case LinkState::Lost:
+    case LinkState::Reconnecting:
+        return {text::kAppLinkLost, &Theme::bad};
+    case LinkState::NotConnected:
         break;
     }
-    return {text::kAppLinkNone, "disconnect", &Theme::second};
+    return {text::kAppLinkNone, &Theme::second};
 }
 
 /// Text in a colour, of the theme that holds now.
@@ -89,26 +89,16 @@ StatusStrip::StatusStrip(QWidget* parent)
     column->addLayout(m_below);
     column->addWidget(m_antenna);
     column->addWidget(m_ribbon);
-    Show({}, QDateTime::currentDateTimeUtc());
+    Show({});
 }
 
-void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
+void StatusStrip::Show(const HomeState& state)
 {
     m_state = state;
-    m_now = nowUtc;
-    const QString unknown = QStringLiteral("--");
-    const bool isFresh = IsFresh(state, nowUtc);
-    m_lamp->setText(UiText(LampOf(state.link).text));
-    m_receiver->setToolTip(state.receiver);
-    const QString pdop = state.pdop ? QString::number(*state.pdop, 'f', 1) : unknown;
-    m_pdop->setText(QStringLiteral("PDOP ") + pdop);
-    if (isFresh || state.link == ReceiverState::Link::None) {
-        m_time->setText(JstText(nowUtc) + QStringLiteral(" JST"));
-    } else if (state.receivedUtc.isValid()) {
-        m_time->setText(UiText(text::kAppLastReceived).arg(JstText(state.receivedUtc)));
-    } else {
-        m_time->setText(QStringLiteral("--:--:-- JST"));
-    }
+    m_lamp->setText(UiText(LampOf(state.receiver.link).text));
+    m_receiver->setToolTip(Name());
+    m_pdop->setText(QStringLiteral("PDOP ") + Words("pdop"));
+    m_time->setText(TimeWords());
     m_antenna->setVisible(!state.antenna.isEmpty());
     m_antenna->setText(state.antenna);
     m_antenna->setToolTip(state.antenna);
@@ -118,19 +108,36 @@ void StatusStrip::Show(const ReceiverState& state, const QDateTime& nowUtc)
     Arrange();
 }
 
-QString StatusStrip::BatteryWords() const
+/// A field of the receiver.
+QString StatusStrip::Words(std::string_view key) const
 {
-    if (m_state.batteryFailed) {
-        return UiText(text::kBatteryUnknown);
+    return ToQt(FieldText(FieldOf(key), m_state.receiver, m_state.view));
+}
+
+/// The model, while there is a link or shall be one.
+QString StatusStrip::Name() const
+{
+    const bool isMeant = m_state.receiver.link != LinkState::NotConnected;
+    return isMeant ? ToQt(m_state.receiver.identity.Model()) : QString();
+}
+
+QString StatusStrip::TimeWords() const
+{
+    const auto& [receiver, view, antenna, simulator] = m_state;
+    if (receiver.status && IsStale(FieldOf(kHeartbeat), receiver, view)) {
+        return ToQt(StatusRowOf(FieldOf(kHeartbeat), receiver, view).age);
     }
-    return m_state.batteryPercent ? QString::number(*m_state.batteryPercent) + QStringLiteral(" %")
-                                  : QStringLiteral("--");
+    const std::wstring jst = JstTimeOfDay(receiver, view);
+    return jst.empty()
+               ? ToQt(FormatText(text::kAppControllerTime, ControllerTimeOfDay(view.utc).c_str()))
+               : ToQt(jst) + QStringLiteral(" JST");
 }
 
 void StatusStrip::Arrange()
 {
     const QFontMetrics metrics = m_receiver->fontMetrics();
-    const QString charge = BatteryWords();
+    const QString charge = Words("batteryPercent");
+    const QString name = Name();
     m_battery->setText(charge);
     const int gaps = 2 * kMargin + 4 * kGap;
     const int least = 3 * metrics.averageCharWidth(); // of the name
@@ -144,14 +151,14 @@ void StatusStrip::Arrange()
         line->insertWidget(line->indexOf(m_battery), m_time); // below: the only one
     }
     int room = width() - others - (isBelow ? 0 : time);
-    const QString source = QLatin1Char(' ') + m_state.batterySource;
+    const bool hasSource = BatteryPercent(m_state.receiver) && m_state.receiver.powerSource;
+    const QString source = QLatin1Char(' ') + Words("powerSourceName");
     const int more = metrics.horizontalAdvance(source);
-    if (!m_state.batterySource.isEmpty() &&
-        room - more >= metrics.horizontalAdvance(m_state.receiver)) {
+    if (hasSource && room - more >= metrics.horizontalAdvance(name)) {
         m_battery->setText(charge + source);
         room -= more;
     }
-    m_receiver->setText(metrics.elidedText(m_state.receiver, Qt::ElideRight, std::max(room, 0)));
+    m_receiver->setText(metrics.elidedText(name, Qt::ElideRight, std::max(room, 0)));
 }
 
 void StatusStrip::resizeEvent(QResizeEvent* event)
@@ -171,11 +178,14 @@ void StatusStrip::changeEvent(QEvent* event)
 void StatusStrip::Colour()
 {
     const Theme& theme = Theme::Current();
-    const bool isFresh = IsFresh(m_state, m_now);
-    Paint(m_lamp, theme.*LampOf(m_state.link).colour);
-    Paint(m_pdop, isFresh ? theme.text : theme.stale);
-    Paint(m_battery, isFresh ? theme.text : theme.stale);
-    Paint(m_time, isFresh || m_state.link == ReceiverState::Link::None ? theme.text : theme.stale);
+    const auto& [receiver, view, antenna, simulator] = m_state;
+    const auto colourOf = [&](std::string_view key) {
+        return IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text;
+    };
+    Paint(m_lamp, theme.*LampOf(receiver.link).colour);
+    Paint(m_pdop, colourOf("pdop"));
+    Paint(m_battery, colourOf("batteryPercent"));
+    Paint(m_time, receiver.status ? colourOf(kHeartbeat) : theme.text);
     QPalette ground = m_ribbon->palette();
     ground.setColor(QPalette::Window, theme.attention);
     ground.setColor(QPalette::WindowText, theme.ground);

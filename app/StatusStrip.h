@@ -1,18 +1,21 @@
 #pragma once
 
-#include "app/ReceiverState.h"
+#include "app/HomeState.h"
 
 #include <QLabel>
 #include <QWidget>
+
+#include <string_view>
 
 class QHBoxLayout;
 
 namespace fieldcore {
 
-/// The lines at the head of the window: is the receiver there, and is it well, what time it is by
-/// the controller's clock, and how high the antenna is. Values that are not fresh are grey, and the
-/// time they came stands in place of the time. Where one line does not hold it all, the time goes
-/// below; the name of the power source stands where there is room. User-interface thread only.
+/// The lines at the head of the window: is the receiver there, and is it well, what time it is, and
+/// how high the antenna is. Values that are not fresh are grey, and the time they came stands in
+/// place of the time. While the receiver tells no time it is that of the controller's clock, and
+/// says so. Where one line does not hold it all, the time goes below; the name of the power source
+/// stands where there is room. User-interface thread only.
 class StatusStrip : public QWidget
 {
     Q_OBJECT
@@ -20,8 +23,7 @@ class StatusStrip : public QWidget
 public:
     explicit StatusStrip(QWidget* parent = nullptr);
 
-    /// @param nowUtc  by the controller's clock
-    void Show(const ReceiverState& state, const QDateTime& nowUtc);
+    void Show(const HomeState& state);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -30,10 +32,11 @@ protected:
 private:
     void Colour();
     void Arrange();
-    [[nodiscard]] QString BatteryWords() const;
+    [[nodiscard]] QString Name() const;
+    [[nodiscard]] QString TimeWords() const;
+    [[nodiscard]] QString Words(std::string_view key) const;
 
-    ReceiverState m_state;
-    QDateTime m_now;
+    HomeState m_state;
     QHBoxLayout* m_line;
     QHBoxLayout* m_below; // of the time, where the line has no room for it
     QLabel* m_lamp;       // owned by the widget, as are all labels

@@ -3,7 +3,6 @@
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 #include "cli/PortSession.h"
-#include "cli/ReceiverWords.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
@@ -137,12 +136,11 @@ private:
         Heading("2. Who is it?");
         CConnect connect(m_session.Command(), 0, {});
         connect.SupportAllTypes();
-        CRecvInfo info;
-        if (connect.CheckRecvType() == 0 || info.GetOptionData(m_session.Command()) == 0) {
+        if (connect.CheckRecvType() == 0) {
             return m_session.RequestFailed();
         }
         Report& identity = m_report.AddSection("identity", "");
-        AddIdentity(identity, info);
+        AddIdentity(identity, connect.Identity());
         Say(identity.Words() + "The library knows this type, and its firmware is recent enough.");
         return std::nullopt;
     }
@@ -150,13 +148,12 @@ private:
     std::optional<Failure> ShowStatus()
     {
         Heading("3. How is it?");
-        StatusReading reading;
-        if (std::optional<Failure> failure = ReadStatus(m_session, reading)) {
+        StatusReader reader(m_session);
+        if (std::optional<Failure> failure = reader.Read()) {
             return failure;
         }
-        BatteryFollow().Follow(m_session, reading);
         Report& status = m_report.AddSection("status", "");
-        AddStatus(status, reading);
+        AddStatus(status, reader.Reading());
         const std::string words = status.Words();
         Say(words.substr(0, words.find_last_not_of('\n') + 1));
         return std::nullopt;

@@ -1,10 +1,11 @@
 #include "cli/Command.h"
 #include "cli/PortSession.h"
-#include "cli/ReceiverWords.h"
+#include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
 #include "core/link/Connect.h"
 #include "core/link/ReceiverTypes.h"
+#include "core/link/RecvInfo.h"
 
 #include <memory>
 
@@ -43,12 +44,12 @@ ExitCode Run(const Context& context, const PortOptions& options)
     connect.SupportAllTypes();
     const bool accepted = connect.CheckRecvType() == 1;
 
-    CRecvInfo info;
-    if (info.GetOptionData(session.Command()) == 0) {
+    CRecvInfo info(connect.Identity());
+    if (info.ReadMissing(session.Command()) == 0) {
         return context.output.Failed(session.RequestFailed());
     }
     Report report;
-    AddIdentity(report, info);
+    AddIdentity(report, info.Known());
     return accepted ? context.output.Done(report)
                     : context.output.Failed(NotAccepted(info), &report);
 }

@@ -1,6 +1,6 @@
 #include "cli/Command.h"
 #include "cli/PortSession.h"
-#include "cli/ReceiverWords.h"
+#include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
 #include "core/link/RecvForceInit.h"
@@ -25,7 +25,7 @@ ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
 {
     Report report;
     report.Add("reset", "reset", Value::YesNo(isReset));
-    AddIdentity(report, info);
+    AddIdentity(report, info.Known());
     return context.output.Done(report);
 }
 

@@ -21,29 +21,26 @@ struct StatusOptions
     unsigned count = 0; ///< readings of the watch; 0: until Ctrl-C
 };
 
-ExitCode ShowReading(const Context& context, const StatusReading& reading, bool isFirst)
+ExitCode ShowReading(const Context& context, const StatusReader& reader, bool isFirst)
 {
     Report report;
-    AddStatus(report, reading);
-    AddAges(report, reading);
-    return context.output.Done(report, (isFirst ? WatchHeader() : "") + WatchLine(reading));
+    AddStatus(report, reader.Reading());
+    AddAges(report, reader.Reading(), reader.View().now);
+    return context.output.Done(report,
+                               (isFirst ? WatchHeader() : "") + WatchLine(reader.Reading()));
 }
 
 ExitCode Watch(const Context& context, PortSession& session, const StatusOptions& options)
 {
-    BatteryFollow battery;
+    StatusReader reader(session);
     return RunWatch(context.world, session.GetClock(), options.intervalS, options.count,
                     [&](bool isFirst) -> std::optional<ExitCode> {
-                        StatusReading reading;
-                        const std::optional<Failure> failure = ReadStatus(session, reading);
-                        if (!failure) {
-                            battery.Follow(session, reading);
-                        }
+                        const std::optional<Failure> failure = reader.Read();
                         if (context.world.StopRequested()) {
                             return std::nullopt;
                         }
                         return failure ? context.output.Failed(*failure)
-                                       : ShowReading(context, reading, isFirst);
+                                       : ShowReading(context, reader, isFirst);
                     });
 }
 
@@ -57,15 +54,15 @@ ExitCode Run(const Context& context, const StatusOptions& options)
     if (options.watch->count() > 0) {
         return Watch(context, session, options);
     }
-    StatusReading reading;
-    if (const std::optional<Failure> failure = ReadStatus(session, reading)) {
+    StatusReader reader(session);
+    if (const std::optional<Failure> failure = reader.Read()) {
         return context.output.Failed(*failure);
     }
-    BatteryFollow().Follow(session, reading);
     Report report;
-    AddStatus(report, reading);
+    AddStatus(report, reader.Reading());
     const std::string words = report.Words();
-    AddAges(report, reading); // of one reading no words: it is as old as its command
+    // Of one reading no words: it is as old as its command.
+    AddAges(report, reader.Reading(), reader.View().now);
     return context.output.Done(report, words);
 }
 

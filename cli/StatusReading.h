@@ -4,10 +4,9 @@
 #include "cli/Report.h"
 
 #include "core/equipment/BatteryWatch.h"
-#include "core/link/Replies.h"
-#include "core/platform/Clock.h"
+#include "core/equipment/ReceiverFields.h"
+#include "core/equipment/ReceiverQuestions.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -15,58 +14,43 @@ namespace fieldcore::cli {
 
 class PortSession;
 
-/// How the receiver is at one moment. What it refused to tell, or told in a way that makes no
-/// sense, is nothing.
-struct StatusReading
-{
-    std::optional<StatusReply> status;
-    std::optional<GpsTimeReply> time;
-    std::optional<PositionStatusReply> position;
-    std::optional<int> powerSource;
-    Clock::UtcTime controllerTime; ///< the controller's, when the receiver told its own
-
-    std::wstring powerSourceName;      ///< empty: not looked up, see BatteryFollow
-    std::optional<BatteryTrend> trend; ///< nothing: not known yet
-
-    // When each of them came, by the session's clock, and when the last answer was there.
-    Clock::Duration statusAt{};
-    Clock::Duration timeAt{};
-    Clock::Duration positionAt{};
-    Clock::Duration powerSourceAt{};
-    Clock::Duration endedAt{};
-
-    /// Time by the receiver; nothing while it does not know the time itself.
-    [[nodiscard]] std::optional<Clock::UtcTime> Utc() const;
-    /// Whether there is a place to show.
-    [[nodiscard]] bool HasPosition() const;
-};
-
-/// What one reading does not tell of the battery: the name of its source, which depends on the
-/// type of the receiver, and over many readings how the charge goes.
-class BatteryFollow
+/// Reads how the receiver is, once or again and again.
+class StatusReader
 {
 public:
-    /// Fills in name and trend. Asks for the type of the receiver once, which may fail: the name
-    /// is then that of a receiver that nobody knows.
-    void Follow(PortSession& session, StatusReading& reading);
+    /// @param session  with its port open, outlives the reader
+    explicit StatusReader(PortSession& session);
+
+    /// Asks for all of it. What a receiver refuses is left out; silence and a lost link are not.
+    /// @return why it failed; nothing if there is a new reading
+    [[nodiscard]] std::optional<Failure> Read();
+
+    /// The last reading: nothing in it is older than its begin, but who the receiver is.
+    [[nodiscard]] const Receiver& Reading() const { return m_reading; }
+    /// The controller's clocks at its end.
+    [[nodiscard]] const StatusView& View() const { return m_view; }
 
 private:
-    std::uint32_t m_typeNumber = 0; // 0: not known
-    std::optional<int> m_source;
+    bool Ask(Receiver& reading);
+
+    PortSession& m_session;
+    ReceiverQuestions m_questions;
     BatteryWatch m_watch;
+    Receiver m_reading;
+    StatusView m_view;
 };
 
-/// Asks for all of it. What a receiver refuses is left out; silence and a lost link are not.
-/// @return why it failed; nothing if @p reading is filled
-[[nodiscard]] std::optional<Failure> ReadStatus(PortSession& session, StatusReading& reading);
-
-/// Everything, a value a line.
-void AddStatus(Report& report, const StatusReading& reading);
-/// How old each answer was when the last one came.
-void AddAges(Report& report, const StatusReading& reading);
+/// The fields of a receiver that have this place, a value a line.
+void AddFields(Report& report, const Receiver& receiver, ReceiverField::Place place);
+/// How the receiver is.
+void AddStatus(Report& report, const Receiver& receiver);
+/// How old each answer was at @p now of the clock that they are timed by.
+void AddAges(Report& report, const Receiver& receiver, Clock::Duration now);
+/// Model, numbers, firmware and options of a receiver.
+void AddIdentity(Report& report, const ReceiverIdentity& identity);
 
 /// One line of the watch, and the line that heads its columns.
-[[nodiscard]] std::string WatchLine(const StatusReading& reading);
+[[nodiscard]] std::string WatchLine(const Receiver& receiver);
 [[nodiscard]] std::string WatchHeader();
 
 } // namespace fieldcore::cli

@@ -1,10 +1,8 @@
 #include "cli/Command.h"
 #include "cli/PortSession.h"
-#include "cli/ReceiverWords.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
-#include "core/equipment/GPSError.h"
 #include "core/platform/Utf8.h"
 
 #include <chrono>
@@ -25,46 +23,34 @@ struct TimeOptions
     bool dryRun = false;
 };
 
+/// Whether the receiver's time is good to the second.
+bool CanBeTrusted(const StatusReader& reader)
+{
+    return reader.Reading().isSynchronised && reader.Reading().time;
+}
+
 /// The receiver's time against the controller's.
-struct Comparison
+Report ReportOf(const StatusReader& reader, bool isSet)
 {
-    StatusReading reading;
-    std::optional<Clock::UtcTime> receiver; ///< nothing: it does not know the time
-    bool canBeTrusted = false;              ///< to the second
-};
-
-double SecondsBetween(Clock::UtcTime later, Clock::UtcTime earlier)
-{
-    return std::chrono::duration<double>(later - earlier).count();
-}
-
-Comparison Compare(StatusReading reading)
-{
-    Comparison comparison;
-    comparison.receiver = reading.Utc();
-    comparison.canBeTrusted = comparison.receiver && reading.position &&
-                              IsPositionComputed(*reading.position) &&
-                              IsUsableUtcOffset(reading.time->utcOffsetS);
-    comparison.reading = std::move(reading);
-    return comparison;
-}
-
-Report ReportOf(const Comparison& comparison, bool isSet)
-{
-    const Clock::UtcTime controller = comparison.reading.controllerTime;
+    const auto field = [&](const char* key) {
+        return ReportField(FieldOf(key), reader.Reading(), reader.View());
+    };
     Report report;
-    report.Add("receiverUtc", "receiver",
-               comparison.receiver ? UtcValue(*comparison.receiver) : Value::Unknown());
-    report.Add("receiverJst", "",
-               comparison.receiver ? JstValue(*comparison.receiver) : Value::Unknown());
-    report.Add("controllerUtc", "controller", UtcValue(controller));
-    report.Add("controllerAheadS", "controller ahead by",
-               comparison.receiver
-                   ? Value::Real(SecondsBetween(controller, *comparison.receiver), 1, "s")
-                   : Value::Unknown());
-    report.Add("synchronised", "time can be trusted", Value::YesNo(comparison.canBeTrusted));
+    report.Add("receiverUtc", "receiver", field("utc"));
+    report.Add("receiverJst", "", field("jst"));
+    report.Add("controllerUtc", "controller", UtcValue(reader.View().utc));
+    report.Add("controllerAheadS", "controller ahead by", field("controllerAheadS"));
+    report.Add("synchronised", "time can be trusted", Value::YesNo(CanBeTrusted(reader)));
     report.Add("set", "controller's clock set", Value::YesNo(isSet));
     return report;
+}
+
+/// The receiver's time by now, which has been accepted.
+Clock::UtcTime TimeByNow(const StatusReader& reader, Clock::Duration now)
+{
+    constexpr std::chrono::hours kJst{9};
+    const TimedValue<ReceiverTime>& time = *reader.Reading().time;
+    return Clock::UtcTime(time.value.jst.time_since_epoch() - kJst) + (now - time.at);
 }
 
 Failure NotTrusted()
@@ -90,16 +76,15 @@ bool Agrees(TerminalHost& host, const std::string& question)
 ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& host,
              PortSession& session)
 {
-    StatusReading reading;
-    if (const std::optional<Failure> failure = ReadStatus(session, reading)) {
+    StatusReader reader(session);
+    if (const std::optional<Failure> failure = reader.Read()) {
         return context.output.Failed(*failure);
     }
-    Comparison comparison = Compare(std::move(reading));
-    Report report = ReportOf(comparison, false);
-    if (!comparison.canBeTrusted) {
+    const Report report = ReportOf(reader, false);
+    if (!CanBeTrusted(reader)) {
         return context.output.Failed(NotTrusted(), &report);
     }
-    const std::string time = UtcValue(*comparison.receiver).Words();
+    const std::string time = UtcValue(TimeByNow(reader, reader.Reading().time->at)).Words();
     if (options.dryRun) {
         context.output.Note("Nothing was set. The controller's clock would become " + time + ".");
         return context.output.Done(report);
@@ -108,23 +93,22 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
         return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""), &report);
     }
     // The question may have waited for long.
-    if (const std::optional<Failure> failure = ReadStatus(session, comparison.reading)) {
+    if (const std::optional<Failure> failure = reader.Read()) {
         return context.output.Failed(*failure);
     }
-    comparison = Compare(std::move(comparison.reading));
-    if (!comparison.canBeTrusted) {
+    if (!CanBeTrusted(reader)) {
         return context.output.Failed(NotTrusted(), &report);
     }
     if (!context.world.setClock) {
         return context.output.Failed(NotPermitted(""), &report);
     }
     // More was asked since the receiver told its time, and may have been asked twice.
-    const Clock::Duration since = session.GetClock().Steady() - comparison.reading.timeAt;
-    const std::string cause = context.world.setClock(*comparison.receiver + since);
+    const std::string cause =
+        context.world.setClock(TimeByNow(reader, session.GetClock().Steady()));
     if (!cause.empty()) {
         return context.output.Failed(NotPermitted(cause), &report);
     }
-    return context.output.Done(ReportOf(comparison, true));
+    return context.output.Done(ReportOf(reader, true));
 }
 
 ExitCode Run(const Context& context, const TimeOptions& options)
@@ -150,11 +134,11 @@ ExitCode Run(const Context& context, const TimeOptions& options)
         }
         return Set(context, options, host, session);
     }
-    StatusReading reading;
-    if (const std::optional<Failure> failure = ReadStatus(session, reading)) {
+    StatusReader reader(session);
+    if (const std::optional<Failure> failure = reader.Read()) {
         return context.output.Failed(*failure);
     }
-    return context.output.Done(ReportOf(Compare(std::move(reading)), false));
+    return context.output.Done(ReportOf(reader, false));
 }
 
 } // namespace

@@ -21,14 +21,6 @@ constexpr int kFirstShown = 5;    // percent; less is empty
 constexpr int kFirstInSteps = 10; // from here on a band is ten wide
 constexpr int kFirstBeyond = 110;
 
-int LevelOf(int percent)
-{
-    if (percent < kFirstShown || percent >= kFirstBeyond) {
-        return 0;
-    }
-    return percent < kFirstInSteps ? 10 : std::min(percent / 10 * 10 + 10, 100);
-}
-
 int SourceTextId(std::uint32_t typeNumber, int source)
 {
     if (std::find(kLettered.begin(), kLettered.end(), typeNumber) != kLettered.end()) {
@@ -41,6 +33,19 @@ int SourceTextId(std::uint32_t typeNumber, int source)
 }
 
 } // namespace
+
+bool CanTellPowerSource(std::uint32_t typeNumber)
+{
+    return typeNumber != kFirstPica;
+}
+
+int BatteryBand(int percent)
+{
+    if (percent < kFirstShown || percent >= kFirstBeyond) {
+        return 0;
+    }
+    return percent < kFirstInSteps ? 10 : std::min(percent / 10 * 10 + 10, 100);
+}
 
 std::wstring PowerSourceName(std::uint32_t typeNumber, int source)
 {
@@ -77,15 +82,9 @@ void CBattLevel::SetBatteryStatus(int textControlId, ProgressBar* bar)
 
 int CBattLevel::GetBattLevel()
 {
-    m_charge.reset();
     StatusReply status;
-    if (m_command == nullptr || m_command->RequestStatus(status) == 0) {
-        return 0;
-    }
-    if (status.batteryPercent >= 0 && status.batteryPercent < kFirstBeyond) {
-        m_charge = std::min(status.batteryPercent, 100);
-    }
-    return LevelOf(status.batteryPercent);
+    const bool isKnown = m_command != nullptr && m_command->RequestStatus(status) == 1;
+    return isKnown ? BatteryBand(status.batteryPercent) : 0;
 }
 
 std::wstring CBattLevel::GetBattPort()
@@ -94,7 +93,7 @@ std::wstring CBattLevel::GetBattPort()
         m_typeNumber = fieldcore::GetRecvTypeNum(*m_command);
     }
     int source = 1;
-    if (m_typeNumber != kFirstPica && m_command != nullptr) {
+    if (CanTellPowerSource(m_typeNumber) && m_command != nullptr) {
         m_command->RequestBatteryPort(source); // stays 1 if it fails: every family's first name
     }
     return PowerSourceName(m_typeNumber, source);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -13,6 +12,13 @@ class ProgressBar;
 /// @param typeNumber  of the receiver; 0: not known
 /// @param source      as it answers; its first one where it is no source of that type
 [[nodiscard]] std::wstring PowerSourceName(std::uint32_t typeNumber, int source);
+
+/// Whether receivers of a type know the question for the power source. The others have the first.
+[[nodiscard]] bool CanTellPowerSource(std::uint32_t typeNumber);
+
+/// The charge as the progress bar shows it: the upper edge of its band, 0 to 100 in steps of 10.
+/// @param percent  as the receiver tells it; 110 or more, and less than 0, are shown as 0
+[[nodiscard]] int BatteryBand(int percent);
 
 /// Shows the receiver's battery as a progress bar and names its power source. The host calls
 /// SetBatteryStatus() from a periodic timer; the receiver is asked at every fifteenth call. The
@@ -42,16 +48,12 @@ public:
     /// @return its name; that of the first source if it fails
     std::wstring GetBattPort();
 
-    /// The charge of the last GetBattLevel(), percent; nothing if it failed or told no charge.
-    [[nodiscard]] std::optional<int> LastCharge() const { return m_charge; }
-
 private:
     static constexpr int kCallsPerQuery = 15;
 
     CCommand* const m_command;
     std::uint32_t m_typeNumber = 0; ///< 0: not known
     int m_calls = kCallsPerQuery;   ///< since the last query
-    std::optional<int> m_charge;
 };
 
 } // namespace fieldcore

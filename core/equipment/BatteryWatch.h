@@ -1,19 +1,12 @@
 #pragma once
 
-#include "core/platform/Clock.h"
+#include "core/link/Receiver.h"
 
 #include <chrono>
 #include <deque>
 #include <optional>
 
 namespace fieldcore {
-
-/// How the charge has changed.
-struct BatteryTrend
-{
-    double percentPerHour = 0.0;         ///< negative: it drains
-    std::optional<Clock::Duration> left; ///< until it is empty; nothing unless it drains
-};
 
 /// Looks at the battery's charge as time goes by: warns when it gets low, and tells how long it
 /// will last. Any one thread.

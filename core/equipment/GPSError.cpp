@@ -4,6 +4,7 @@
 #include "core/link/Command.h"
 #include "core/planning/GPSTime.h"
 #include "core/planning/JulianDate.h"
+#include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
@@ -40,6 +41,14 @@ bool IsUsableUtcOffset(int offsetS)
 bool IsPositionComputed(const ReturnPositionStatusInformation& status)
 {
     return status.fixKind >= kFirstComputedFix;
+}
+
+std::optional<double> PdopOf(bool isSynchronised, double pdop)
+{
+    if (!isSynchronised || !std::isfinite(pdop) || pdop <= 0.0) {
+        return std::nullopt;
+    }
+    return CParts::atof(CParts::Round(pdop, kPdopDecimals));
 }
 
 std::optional<Clock::UtcTime> ControllerTime(int week, double seconds, int utcOffsetS)
@@ -102,11 +111,8 @@ int CGPSError::CheckTimeSynchro()
 
 std::wstring CGPSError::GetPDOP() const
 {
-    const bool hasPdop = std::isfinite(m_status.pdop) && m_status.pdop > 0.0F;
-    if (m_isSynchronised == 0 || !hasPdop) {
-        return Text(text::kStatusNoPdop);
-    }
-    return CParts::Round(m_status.pdop, kPdopDecimals);
+    const std::optional<double> pdop = PdopOf(m_isSynchronised != 0, m_status.pdop);
+    return pdop ? FormatFixed(*pdop, kPdopDecimals) : Text(text::kStatusNoPdop);
 }
 
 local_seconds CGPSError::GetJST()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/Replies.h"
+#include "core/link/Receiver.h"
 #include "core/planning/CalendarTime.h"
 #include "core/platform/Clock.h"
 
@@ -21,6 +21,10 @@ using ReturnPositionStatusInformation = PositionStatusReply;
 /// Whether a position is being computed.
 [[nodiscard]] bool IsPositionComputed(const ReturnPositionStatusInformation& status);
 
+/// The PDOP where there is one to show: the receiver's time has been accepted, and it is a number
+/// above 0. As all screens round it.
+[[nodiscard]] std::optional<double> PdopOf(bool isSynchronised, double pdop);
+
 /// The date and time, UTC, to which the controller is set by GPS time.
 ///
 /// The date is that of GPS time and the time of day that of UTC: within the offset after midnight
@@ -39,14 +43,6 @@ using ReturnPositionStatusInformation = PositionStatusReply;
 class CGPSError
 {
 public:
-    /// What was made of the controller's clock when the receiver's time was accepted.
-    struct ClockChange
-    {
-        Clock::UtcTime was; ///< the controller's time
-        Clock::UtcTime by;  ///< what it was to be set to
-        bool isSet = false; ///< false: the clock may not be set, or the system refused
-    };
-
     /// @param command  not owned; must outlive the object, as must @p clock
     /// @param clock    that is set; null: the system's, which is not unless the user has allowed it
     explicit CGPSError(CCommand* command, Clock* clock = nullptr);

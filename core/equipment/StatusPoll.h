@@ -1,26 +1,21 @@
 #pragma once
 
-#include "core/equipment/BattLevel.h"
 #include "core/equipment/BatteryWatch.h"
-#include "core/equipment/GPSError.h"
-#include "core/equipment/LiveStatus.h"
+#include "core/equipment/ReceiverQuestions.h"
 #include "core/equipment/StatusHistory.h"
-#include "core/link/RecvInfo.h"
 
 #include <chrono>
-#include <cstdint>
-#include <optional>
-#include <string>
 
 namespace fieldcore {
 
 class CCommand;
 class ReceiverLink;
 
-/// Asks a connected receiver how it is: position and time every two seconds, the battery at every
-/// fifteenth round. It acts only in Tick(), which the program calls a few times a second, and does
-/// nothing while the channel is busy or somebody holds the link. Who is connected is asked once for
-/// each connection: another receiver begins anew, the same one keeps its history. The thread of the
+/// Asks a connected receiver how it is: position and time every two seconds, the power source at
+/// every fifteenth round. The answers go into what the link has heard. It acts only in Tick(),
+/// which the program calls a few times a second, and does nothing while the channel is busy or
+/// somebody holds the link. What the link does not know of who is there is asked once for a
+/// connection: another receiver begins anew, the same one keeps its history. The thread of the
 /// command channel, which a round blocks for its exchanges, with the link's short reply time-out.
 class StatusPoll
 {
@@ -32,16 +27,13 @@ public:
 
     /// @param command  not owned, must outlive the object, as must the next two
     /// @param clock    that is set by the receiver's time; null: the system's, if that is allowed
-    StatusPoll(CCommand& command, const ReceiverLink& link, Clock* clock = nullptr);
+    StatusPoll(CCommand& command, ReceiverLink& link, Clock* clock = nullptr);
 
     /// Does what is due.
     /// @return whether there is anything new
     bool Tick();
 
-    [[nodiscard]] const LiveStatus& Now() const { return m_now; }
     [[nodiscard]] const StatusHistory& History() const { return m_history; }
-    /// The receiver of the connection; empty before the first round.
-    [[nodiscard]] const CRecvInfo& Receiver() const { return m_info; }
     /// The warning that is due, once.
     [[nodiscard]] BatteryWatch::Warning TakeWarning();
 
@@ -49,23 +41,15 @@ private:
     [[nodiscard]] bool MayAsk() const;
     bool Round();
     bool BeginConnection();
-    bool AskPosition();
-    bool AskTime();
-    bool AskBattery();
     void Remember(bool hasPosition);
-    [[nodiscard]] bool GoesOn() const;
+    void FollowBattery();
 
     CCommand& m_command;
-    const ReceiverLink& m_link;
-    Clock* const m_clock;
+    ReceiverLink& m_link;
+    ReceiverQuestions m_questions;
 
-    unsigned m_connection = 0; // of the link, that the next three belong to
-    CRecvInfo m_info;
-    std::optional<CGPSError> m_error;
-    std::optional<CBattLevel> m_battLevel;
-
-    std::wstring m_who; // serial number and type of the receiver; empty: nobody yet
-    LiveStatus m_now;
+    unsigned m_connection = 0; // of the link, that the questions are about
+    unsigned m_receiver = 0;   // the same, that the next three belong to
     StatusHistory m_history;
     BatteryWatch m_watch;
     BatteryWatch::Warning m_warning = BatteryWatch::Warning::None;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/RecvInfo.h"
+#include "core/link/Receiver.h"
 
 #include <string>
 #include <vector>
@@ -17,7 +17,7 @@ struct VersionRow
 };
 
 /// Who the receiver is, its firmware and every option, as the version display lists them.
-[[nodiscard]] std::vector<VersionRow> VersionRowsOf(const CRecvInfo& info);
+[[nodiscard]] std::vector<VersionRow> VersionRowsOf(const ReceiverIdentity& identity);
 
 /// The list as text to copy: a row a line, name and value with a tab between.
 [[nodiscard]] std::wstring VersionText(const std::vector<VersionRow>& rows);

@@ -72,11 +72,13 @@ int CConnect::CheckRecvType()
 {
     Host& host = m_command.GetHost();
     CRecvInfo info;
+    m_identity = {};
     if (info.GetOptionData(m_command) == 0) {
         host.ShowMessage(Text(text::kPortIsSending), Text(text::kPortIsSendingCaption),
                          {BoxButtons::Ok, BoxIcon::Stop});
         return 0;
     }
+    m_identity = info.Known();
     constexpr BoxStyle kWarning{BoxButtons::Ok, BoxIcon::Exclamation};
     const std::uint32_t type = info.GetRecvTypeNum();
     if (stGetRecvTypeFlag(type) == 0) {

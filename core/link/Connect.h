@@ -2,6 +2,7 @@
 
 #include "core/host/Host.h"
 #include "core/link/ConnectSequence.h"
+#include "core/link/Receiver.h"
 #include "core/link/ReceiverTypes.h"
 
 #include <cstdint>
@@ -42,6 +43,8 @@ public:
     /// before 1.0 is accepted with a warning.
     /// @return 1 or 0
     int CheckRecvType();
+    /// The receiver as CheckRecvType() read it last; empty before, or if it did not tell.
+    [[nodiscard]] const ReceiverIdentity& Identity() const { return m_identity; }
 
     [[nodiscard]] int stGetRecvTypeFlag(std::uint32_t typeNumber) const;
     [[nodiscard]] double stGetRecvVer(std::uint32_t typeNumber) const;
@@ -62,6 +65,7 @@ private:
     const int m_reconnect;
     const ConnectTarget m_target;
     SupportedTypeFlags m_flags;
+    ReceiverIdentity m_identity;
 };
 
 } // namespace fieldcore

@@ -2,6 +2,7 @@
 
 #include "core/link/Command.h"
 #include "core/link/Connect.h"
+#include "core/link/RecvInfo.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
@@ -11,63 +12,9 @@
 
 namespace fieldcore {
 
-const wchar_t* LinkStateText(LinkState state)
-{
-    switch (state) {
-    case LinkState::NotConnected:
-        return Text(text::kLinkNotConnected);
-    case LinkState::Connecting:
-        return Text(text::kLinkConnecting);
-    case LinkState::Connected:
-        return Text(text::kLinkConnected);
-    case LinkState::Lost:
-        return Text(text::kLinkLost);
-    case LinkState::Reconnecting:
-        return Text(text::kLinkReconnecting);
-    }
-    return L"";
-}
-
-std::wstring AgeText(std::optional<Clock::Duration> age)
-{
-    if (!age) {
-        return Text(text::kAgeUnknown);
-    }
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*age);
-    if (seconds < std::chrono::minutes(2)) {
-        return FormatText(text::kAgeSeconds, static_cast<int>(seconds.count()));
-    }
-    const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(seconds);
-    return FormatText(text::kAgeMinutes, static_cast<int>(minutes.count()));
-}
-
-namespace {
-
-/// Asks the receiver who it is. @return nothing if it does not tell
-std::optional<LinkedReceiver> AskIdentity(CCommand& command)
-{
-    SerialReply serial;
-    OptionsReply options;
-    if (command.RequestSerial(serial) == 0 || command.RequestOptions(options) == 0) {
-        return std::nullopt;
-    }
-    return LinkedReceiver{ReceiverModelName(TypeNumberOfCode(options.typeCode, options.modelWord)),
-                          serial.receiverType, serial.longSerial};
-}
-
-} // namespace
-
-std::wstring LinkedReceiver::Name() const
-{
-    const std::size_t length = serial.find_last_not_of(L' ') + 1; // it is filled with blanks
-    const std::wstring number = serial.substr(0, length);
-    return FormatText(text::kReceiverName, model.c_str(),
-                      number.empty() ? Text(text::kReceiverNoSerial) : number.c_str());
-}
-
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
-    if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
+    if (m_isTicking || m_heard.link == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
     m_command.ClosePort(); // that of the connection before, which may be to another receiver
@@ -76,21 +23,20 @@ int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 
 int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
 {
-    if (m_isTicking || m_state == LinkState::Connecting) {
+    if (m_isTicking || m_heard.link == LinkState::Connecting) {
         return 0;
     }
     const Hold hold(*this);
     m_target = target;
     m_supported = connect.SupportedTypes();
-    m_status.reset();
-    m_receiver.reset();
     m_missed = 0;
     Enter(LinkState::Connecting);
     const bool connected = connect.DoModal() == CConnect::Connected && connect.CheckRecvType() == 1;
     if (connected) {
-        m_receiver = AskIdentity(m_command);
+        Meet(connect.Identity());
     } else {
         m_command.ClosePort();
+        Forget();
     }
     m_due = m_command.GetClock().Steady();
     Enter(connected ? LinkState::Connected : LinkState::NotConnected);
@@ -99,11 +45,11 @@ int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
 
 int ReceiverLink::Disconnect()
 {
-    if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
+    if (m_isTicking || m_heard.link == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
     m_command.ClosePort();
-    m_status.reset();
+    Forget();
     Enter(LinkState::NotConnected);
     return 1;
 }
@@ -114,14 +60,14 @@ void ReceiverLink::Tick()
         return;
     }
     m_isTicking = true;
-    switch (m_state) {
+    switch (m_heard.link) {
     case LinkState::NotConnected:
     case LinkState::Connecting:
     case LinkState::Reconnecting:
         break;
     case LinkState::Connected:
         if (m_command.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss
-            m_status.reset();
+            Forget();
             Enter(LinkState::NotConnected);
         } else if (m_command.GetClock().Steady() >= m_due) {
             Poll();
@@ -144,7 +90,7 @@ void ReceiverLink::Poll()
     m_command.SetReplyTimeout(m_target.settings.replyTimeout);
     if (answered == 1) {
         m_missed = 0;
-        m_status = {std::move(status), clock.Steady()};
+        m_heard.status = {std::move(status), clock.Steady()};
         Enter(LinkState::Connected);
         return;
     }
@@ -188,14 +134,17 @@ void ReceiverLink::TryAgain()
         return;
     }
     Enter(LinkState::Reconnecting);
+    StatusReply status;
     SerialReply serial;
-    if (Reopen(serial) == 1) {
+    if (Reopen(status, serial) == 1) {
+        const Clock::Duration at = clock.Steady();
         if (CheckIdentity(serial) == 0) {
             m_command.ClosePort();
-            m_status.reset();
+            Forget();
             Enter(LinkState::NotConnected); // the user has been told why
             return;
         }
+        m_heard.status = {std::move(status), at};
         m_missed = 0;
         m_due = clock.Steady() + kPollInterval;
         Enter(LinkState::Connected);
@@ -209,37 +158,34 @@ void ReceiverLink::TryAgain()
     Lose(std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
 }
 
-int ReceiverLink::Reopen(SerialReply& serial)
+int ReceiverLink::Reopen(StatusReply& status, SerialReply& serial)
 {
     if (OpenTarget(m_command, m_target) == 0) {
         return 0;
     }
     ShortenTimeout();
-    StatusReply status;
     const bool answered =
         m_command.RequestStatus(status) == 1 && m_command.RequestSerial(serial) == 1;
     m_command.SetReplyTimeout(m_target.settings.replyTimeout);
-    if (!answered) {
-        return 0;
-    }
-    m_status = {std::move(status), m_command.GetClock().Steady()};
-    return 1;
+    return answered ? 1 : 0;
 }
 
 /// @param serial  what the receiver at the other end says now
 /// @return 1 if it is the one of before, or another one that is acceptable
 int ReceiverLink::CheckIdentity(const SerialReply& serial)
 {
-    if (!m_receiver) {
-        m_receiver = AskIdentity(m_command);
+    CRecvInfo info(ReceiverIdentity{serial, std::nullopt, std::nullopt});
+    if (info.Known().IsSame(m_heard.identity)) {
+        m_heard.identity.serial = serial; // its firmware may be another one
         return 1;
     }
-    if (m_receiver->serial == serial.longSerial && m_receiver->type == serial.receiverType) {
+    info.ReadMissing(m_command);
+    if (!m_heard.identity.serial) { // it did not tell before
+        Meet(info.Known());
         return 1;
     }
-    std::optional<LinkedReceiver> other = AskIdentity(m_command);
-    const std::wstring before = m_receiver->Name();
-    const std::wstring now = other ? other->Name() : serial.receiverType;
+    const std::wstring before = m_heard.identity.Name();
+    const std::wstring now = info.Known().Name();
     m_command.GetHost().ShowMessage(FormatText(text::kOtherReceiver, before.c_str(), now.c_str()),
                                     Text(text::kOtherReceiverCaption),
                                     {BoxButtons::Ok, BoxIcon::Exclamation});
@@ -248,8 +194,27 @@ int ReceiverLink::CheckIdentity(const SerialReply& serial)
     if (check.CheckRecvType() == 0) {
         return 0;
     }
-    m_receiver = std::move(other);
+    Meet(check.Identity());
     return 1;
+}
+
+/// The receiver at the other end is this one.
+void ReceiverLink::Meet(ReceiverIdentity identity)
+{
+    if (!identity.IsSame(m_heard.identity)) {
+        ++m_receivers;
+        Forget();
+    }
+    m_heard.identity = std::move(identity);
+}
+
+/// Forgets all but who the receiver was.
+void ReceiverLink::Forget()
+{
+    Receiver fresh;
+    fresh.link = m_heard.link;
+    fresh.identity = std::move(m_heard.identity);
+    m_heard = std::move(fresh);
 }
 
 void ReceiverLink::ShortenTimeout()
@@ -264,20 +229,9 @@ bool ReceiverLink::IsPortThere() const
     return m_target.devicePath.empty() || std::filesystem::exists(m_target.devicePath, ignored);
 }
 
-std::optional<Clock::Duration> ReceiverLink::StatusAge() const
-{
-    return m_status ? std::optional(m_command.GetClock().Steady() - m_status->at) : std::nullopt;
-}
-
-bool ReceiverLink::IsStatusStale() const
-{
-    const std::optional<Clock::Duration> age = StatusAge();
-    return !age || *age >= kStaleAge || m_state != LinkState::Connected;
-}
-
 std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
 {
-    if (m_state != LinkState::Lost) {
+    if (m_heard.link != LinkState::Lost) {
         return std::nullopt;
     }
     return m_wasAway ? Clock::Duration::zero()
@@ -286,8 +240,8 @@ std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
 
 void ReceiverLink::Enter(LinkState state)
 {
-    m_connections += state == LinkState::Connected && m_state != state ? 1 : 0;
-    m_state = state;
+    m_connections += state == LinkState::Connected && m_heard.link != state ? 1 : 0;
+    m_heard.link = state;
     if (m_observer) {
         m_observer();
     }

@@ -1,53 +1,18 @@
 #pragma once
 
 #include "core/link/ConnectSequence.h"
+#include "core/link/Receiver.h"
 #include "core/link/ReceiverTypes.h"
-#include "core/link/Replies.h"
 #include "core/platform/Clock.h"
 
 #include <chrono>
 #include <functional>
 #include <optional>
-#include <string>
 
 namespace fieldcore {
 
 class CCommand;
 class CConnect;
-
-enum class LinkState
-{
-    NotConnected,
-    Connecting, ///< the user connects
-    Connected,
-    Lost,        ///< waiting to try again
-    Reconnecting ///< trying
-};
-
-/// What the state is called, for the user.
-[[nodiscard]] const wchar_t* LinkStateText(LinkState state);
-
-/// How old a value is, for the user: seconds, then minutes; "--" for nothing.
-[[nodiscard]] std::wstring AgeText(std::optional<Clock::Duration> age);
-
-/// A value with the time at which the receiver gave it.
-template <typename Value>
-struct TimedValue
-{
-    Value value;
-    Clock::Duration at; ///< of the channel's clock
-};
-
-/// Which receiver it is that a program is connected to.
-struct LinkedReceiver
-{
-    std::wstring model;  ///< its name; the type number if it has none
-    std::wstring type;   ///< as it calls itself
-    std::wstring serial; ///< the long one; empty if it tells none
-
-    /// Model and serial number, for the user.
-    [[nodiscard]] std::wstring Name() const;
-};
 
 /// Keeps a program connected to its receiver: asks its status every two seconds, notices a loss,
 /// and connects again when the receiver is back. It acts only in Tick(), which the program calls a
@@ -62,6 +27,9 @@ struct LinkedReceiver
 /// What is reached again is asked who it is. If it is another receiver than before, the user is
 /// told so through the channel's host, and it is checked as the first one was: one that is not
 /// acceptable is not kept. A tick lasts, then, until the user has read that.
+///
+/// It owns what is known of the receiver. The last values outlive a loss; another receiver, or the
+/// end of the connection, leaves nothing of them.
 class ReceiverLink
 {
 public:
@@ -71,8 +39,6 @@ public:
     static constexpr std::chrono::seconds kLongestPause{10};
     static constexpr std::chrono::milliseconds kReplyTimeout{600}; ///< at most, while polling
     static constexpr int kMostMissed = 3;
-    /// From this age on a value is stale.
-    static constexpr std::chrono::seconds kStaleAge{5};
 
     /// Keeps the link off the channel as long as it lives: for a dialog that uses it.
     class Hold
@@ -103,16 +69,13 @@ public:
     /// Does what is due.
     void Tick();
 
-    [[nodiscard]] LinkState State() const { return m_state; }
+    [[nodiscard]] LinkState State() const { return m_heard.link; }
     /// Where the receiver is, or was last; its device path or port number.
     [[nodiscard]] const ConnectTarget& Target() const { return m_target; }
-    /// Who answers, or answered last; nothing before the first connection, or if it did not tell.
-    [[nodiscard]] const std::optional<LinkedReceiver>& Receiver() const { return m_receiver; }
-    /// The last status; nothing before the first, or since another connection was made.
-    [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
-    /// How old the status is; nothing without one.
-    [[nodiscard]] std::optional<Clock::Duration> StatusAge() const;
-    [[nodiscard]] bool IsStatusStale() const;
+    /// What is known of the receiver; who it is outlives the connection. Whoever else asks it puts
+    /// the answers here.
+    [[nodiscard]] const Receiver& Heard() const { return m_heard; }
+    [[nodiscard]] Receiver& Heard() { return m_heard; }
     /// How long until the next attempt to get the link back; nothing unless lost, zero if only the
     /// port is waited for.
     [[nodiscard]] std::optional<Clock::Duration> UntilNextAttempt() const;
@@ -121,6 +84,8 @@ public:
     [[nodiscard]] bool IsHeld() const { return m_holds > 0; }
     /// How many times a connection has been made: another number may be another receiver.
     [[nodiscard]] unsigned Connections() const { return m_connections; }
+    /// How many receivers there have been: one that comes back behind itself counts once.
+    [[nodiscard]] unsigned Receivers() const { return m_receivers; }
 
     /// Told when the state or the status has changed, on the calling thread. It may ask, but not
     /// act. Empty: nobody.
@@ -130,8 +95,10 @@ private:
     void Poll();
     void Lose(Clock::Duration pause);
     void TryAgain();
-    [[nodiscard]] int Reopen(SerialReply& serial);
+    [[nodiscard]] int Reopen(StatusReply& status, SerialReply& serial);
     [[nodiscard]] int CheckIdentity(const SerialReply& serial);
+    void Meet(ReceiverIdentity identity);
+    void Forget();
     [[nodiscard]] bool IsPortThere() const;
     void Enter(LinkState state);
     void ShortenTimeout();
@@ -139,15 +106,14 @@ private:
     CCommand& m_command;
     ConnectTarget m_target;
     SupportedTypeFlags m_supported; // by whoever connected last
-    std::optional<LinkedReceiver> m_receiver;
-    LinkState m_state = LinkState::NotConnected;
-    std::optional<TimedValue<StatusReply>> m_status;
+    Receiver m_heard;
     Clock::Duration m_due{}; // of the next question or attempt
     Clock::Duration m_pause{};
     bool m_wasAway = false; // the port, when it was last looked for
     int m_missed = 0;       // questions without a good answer, one after the other
     int m_holds = 0;
     unsigned m_connections = 0;
+    unsigned m_receivers = 0;
     bool m_isTicking = false;
     std::function<void()> m_observer;
 };

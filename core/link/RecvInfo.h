@@ -1,16 +1,16 @@
 #pragma once
 
-#include "core/link/Replies.h"
+#include "core/link/Receiver.h"
 
 #include <cstdint>
-#include <optional>
+#include <utility>
 
 namespace fieldcore {
 
 class CCommand;
 
-/// Who the receiver is and what it can do: a snapshot of its identity, its installed options and
-/// its extended options, and the answers that the dialogs ask of them. A getter whose block was
+/// Who the receiver is and what it can do: reads its identity, its installed options and its
+/// extended options, and gives the answers that the dialogs ask of them. A getter whose block was
 /// not read answers 0 or what it says. Not tied to a channel; one thread.
 class CRecvInfo
 {
@@ -23,16 +23,23 @@ public:
     };
 
     CRecvInfo() = default;
+    /// What has been read already, perhaps only in part.
+    explicit CRecvInfo(ReceiverIdentity known) : m_known(std::move(known)) {}
     virtual ~CRecvInfo() = default;
 
     // Reading. Each answers 1 or 0; without an open port 1 at once, with nothing changed.
 
     /// All three blocks, in this order; ends at the first that fails.
     int GetOptionData(CCommand& command);
+    /// The same, but asks only for the blocks that are not there yet.
+    int ReadMissing(CCommand& command);
     int GetRSERIAL(CCommand& command);
     int GetRETOPT(CCommand& command);
     /// A receiver that has no extended options is no failure.
     int GetRETOPTEX(CCommand& command);
+
+    /// The three blocks; one that is there is valid.
+    [[nodiscard]] const ReceiverIdentity& Known() const { return m_known; }
 
     // Identity. The texts live as long as the object and are null when it was not read.
 
@@ -85,10 +92,7 @@ public:
     [[nodiscard]] int GetCMRxOutput() const;
 
 private:
-    // A block that is there is valid.
-    std::optional<SerialReply> m_identity;
-    std::optional<OptionsReply> m_options;
-    std::optional<ExtendedOptionsReply> m_extended;
+    ReceiverIdentity m_known;
 };
 
 /// The receiver's type number, in up to five attempts; 0 if none succeeds or the host cancels.

@@ -24,6 +24,8 @@ struct SerialReply
     std::wstring antennaSerial;
     std::wstring antennaType;
     std::wstring longSerial; ///< a copy of the short one if the receiver sends none
+
+    friend bool operator==(const SerialReply&, const SerialReply&) = default;
 };
 [[nodiscard]] std::optional<SerialReply> ParseSerial(FrameReader frame);
 
@@ -51,6 +53,8 @@ struct OptionsReply
     std::uint8_t flags1 = 0;
     std::uint8_t flags2 = 0;     ///< bit 7: extended options can be asked for
     std::uint16_t modelWord = 0; ///< 0 unless the type code is 0
+
+    friend bool operator==(const OptionsReply&, const OptionsReply&) = default;
 };
 [[nodiscard]] std::optional<OptionsReply> ParseOptions(FrameReader frame);
 
@@ -68,6 +72,8 @@ struct ExtendedOptionsReply
     bool cmrxInput = false;
     bool cmrxOutput = false;
     std::uint16_t loggingRate = 0;
+
+    friend bool operator==(const ExtendedOptionsReply&, const ExtendedOptionsReply&) = default;
 };
 [[nodiscard]] std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame);
 
@@ -82,6 +88,8 @@ struct StatusReply
     bool rtkFixed = false; ///< the fix kind is 5
     std::wstring survey;   ///< the running survey, blank when none; 4 characters
     int freeMemoryTenths = 0;
+
+    friend bool operator==(const StatusReply&, const StatusReply&) = default;
 };
 [[nodiscard]] std::optional<StatusReply> ParseStatus(FrameReader frame);
 
@@ -91,6 +99,8 @@ struct GpsTimeReply
     double secondsOfWeek = 0.0; ///< 0 <= s < 604800
     int week = 0;               ///< as sent, not repaired
     int utcOffsetS = 0;         ///< of UTC from GPS time, whole seconds
+
+    friend bool operator==(const GpsTimeReply&, const GpsTimeReply&) = default;
 };
 [[nodiscard]] std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame);
 
@@ -100,6 +110,8 @@ struct SiteReply
     double latitudeRad = 0.0;
     double longitudeRad = 0.0;
     double heightM = 0.0; ///< above the ellipsoid
+
+    friend bool operator==(const SiteReply&, const SiteReply&) = default;
 };
 [[nodiscard]] std::optional<SiteReply> ParseSite(FrameReader frame);
 
@@ -115,6 +127,8 @@ struct PositionStatusReply
     float hdop = 0.0F;
     float vdop = 0.0F;
     SiteReply position;
+
+    friend bool operator==(const PositionStatusReply&, const PositionStatusReply&) = default;
 };
 [[nodiscard]] std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame);
 
@@ -130,6 +144,8 @@ struct TiltTime
 {
     std::uint16_t week = 0;
     std::uint32_t secondsOfWeek = 0;
+
+    friend bool operator==(const TiltTime&, const TiltTime&) = default;
 };
 
 /// A reading of the tilt sensor, reply 0xC8. Angles as sent; they may be no numbers.
@@ -146,6 +162,8 @@ struct TiltReading
     double t2Rad = 0.0;
     double tiltRad = 0.0;
     std::optional<TiltTime> time; ///< nothing when unknown
+
+    friend bool operator==(const TiltReading&, const TiltReading&) = default;
 };
 [[nodiscard]] std::optional<TiltReading> ParseTiltReading(FrameReader frame);
 
@@ -155,6 +173,8 @@ struct TiltCalibration
     int validityHours = 0;
     std::optional<TiltTime> calibrated; ///< nothing when never
     int progressPercent = 0;            ///< while a calibration runs
+
+    friend bool operator==(const TiltCalibration&, const TiltCalibration&) = default;
 };
 [[nodiscard]] std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame);
 

@@ -38,6 +38,8 @@ struct ListedSatellite
     {
         return azimuthDeg >= 0 && azimuthDeg <= 360 && elevationDeg >= -90 && elevationDeg <= 90;
     }
+
+    friend bool operator==(const ListedSatellite&, const ListedSatellite&) = default;
 };
 
 struct SatelliteList
@@ -46,6 +48,8 @@ struct SatelliteList
     int gpsCount = 0;
     int glonassCount = 0; ///< counted in binary records only
     int dropped = 0;      ///< records left out, whose direction is none
+
+    friend bool operator==(const SatelliteList&, const SatelliteList&) = default;
 };
 
 /// The list in a single frame, reply 0x17.

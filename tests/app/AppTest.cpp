@@ -3,9 +3,15 @@
 #include "app/HomePage.h"
 #include "app/MainWindow.h"
 #include "app/Options.h"
+#include "app/Overview.h"
 #include "app/StatusStrip.h"
+#include "core/equipment/StatusRows.h"
+#include "tests/core/equipment/KnownReceiver.h"
 #include "ui/controls/IconButton.h"
+#include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/StatusPage.h"
 
 #include <QLabel>
 #include <QSignalSpy>
@@ -15,6 +21,8 @@
 
 namespace fieldcore {
 namespace {
+
+using namespace std::chrono_literals;
 
 TEST(AppOptions, AreReadOrRefused)
 {
@@ -49,44 +57,109 @@ TEST(AppOptions, AreReadOrRefused)
     EXPECT_EQ(options.speed, 1.0);
 }
 
-/// All that the strip says.
-QString Words(const StatusStrip& strip)
+/// All that stands on a widget.
+template <typename Label>
+QStringList WordsOf(const QWidget& widget)
 {
     QStringList words;
-    for (const QLabel* label : strip.findChildren<QLabel*>()) {
-        if (label->isVisibleTo(&strip)) {
+    for (const Label* label : widget.findChildren<Label*>()) {
+        if (label->isVisibleTo(&widget)) {
             words.append(label->text());
         }
     }
-    return words.join(QLatin1Char('|'));
+    return words;
+}
+
+/// A state whose values came two seconds ago, at 03:04:03 UTC by the controller's clock.
+HomeState KnownState()
+{
+    HomeState state;
+    state.receiver = testing::KnownReceiver();
+    state.receiver.powerSource.reset(); // its name stands where there is room
+    state.view = {102s, std::chrono::sys_days(2026y / 11 / 21) + 3h + 4min + 5s};
+    return state;
 }
 
 TEST(StatusStrip, TellsFreshFromStale)
 {
-    const QDateTime now(QDate(2026, 11, 21), QTime(3, 4, 5), Qt::UTC);
-    ReceiverState state;
-    state.link = ReceiverState::Link::Connected;
-    state.receiver = QStringLiteral("Corvane VX1");
-    state.receivedUtc = now.addSecs(-2);
-    state.pdop = 1.84;
-    state.batteryPercent = 0;
     StatusStrip strip;
-    strip.Show(state, now);
-    EXPECT_EQ(Words(strip), QStringLiteral("● 接続中|Corvane VX1|PDOP 1.8|12:04:05 JST|0 %"));
-
-    strip.Show(state, now.addSecs(kStaleS));
-    EXPECT_TRUE(Words(strip).contains(QStringLiteral("|最終受信 12:04:03|")))
-        << Words(strip).toStdString();
-    state.link = ReceiverState::Link::Lost;
-    strip.Show(state, now);
-    EXPECT_TRUE(Words(strip).startsWith(QStringLiteral("▲ 切断")));
-    EXPECT_TRUE(Words(strip).contains(QStringLiteral("|最終受信 12:04:03|")));
-
-    strip.Show({}, now);
-    EXPECT_EQ(Words(strip), QStringLiteral("○ 未接続||PDOP --|12:04:05 JST|--"));
+    const auto words = [&strip](const HomeState& state) {
+        strip.Show(state);
+        return WordsOf<QLabel>(strip).join(QLatin1Char('|'));
+    };
+    HomeState state = KnownState();
+    EXPECT_EQ(words(state), QStringLiteral("● 接続中|Corvane VX1|PDOP 2.0|09:00:02 JST|80 %"))
+        << "the receiver's time, not the controller's";
+    state.view.now = 110s;
+    EXPECT_TRUE(words(state).contains(QStringLiteral("|最終受信 12:03:55|")));
+    state = KnownState();
+    state.receiver.link = LinkState::Lost;
+    EXPECT_TRUE(words(state).startsWith(QStringLiteral("▲ 切断")));
+    EXPECT_TRUE(words(state).contains(QStringLiteral("|最終受信 12:04:03|")));
     state.simulator = QStringLiteral("pica");
-    strip.Show(state, now);
-    EXPECT_TRUE(Words(strip).contains(QStringLiteral("シミュレータに接続しています（pica）")));
+    EXPECT_TRUE(words(state).contains(QStringLiteral("シミュレータに接続しています（pica）")));
+}
+
+/// Strip, overview and status page show the rows of the table, and the bar the band.
+TEST(Screens, ShowWhatTheFieldsSay)
+{
+    struct Row
+    {
+        const char* what;
+        void (*change)(Receiver&);
+        const char* pdop;
+        const char* battery;
+        const char* time; ///< on the strip
+        int bar;
+    };
+    const Row rows[] = {
+        {"good", [](Receiver&) {}, "2.0", "80 %", "09:00:02 JST", 90},
+        {"battery 105", [](Receiver& r) { r.status->value.batteryPercent = 105; }, "2.0", "不明",
+         "09:00:02 JST", 0},
+        {"battery 250", [](Receiver& r) { r.status->value.batteryPercent = 250; }, "2.0", "不明",
+         "09:00:02 JST", 0},
+        {"PDOP 99.5", [](Receiver& r) { r.position->value.pdop = 99.5F; }, "99.5", "80 %",
+         "09:00:02 JST", 90},
+        {"offset refused", [](Receiver& r) { r.isSynchronised = false; }, "-.- ", "80 %",
+         "09:00 JST", 90},
+        {"no fix, no time",
+         [](Receiver& r) {
+             r.position->value.fixKind = 1;
+             r.isSynchronised = false;
+             r.time.reset();
+         },
+         "-.- ", "80 %", "端末時計 12:04:05", 90},
+        {"no receiver", [](Receiver& r) { r = {}; }, "-.- ", "不明", "端末時計 12:04:05", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        HomeState state = KnownState();
+        row.change(state.receiver);
+        StatusStrip strip;
+        Overview overview;
+        StatusPage page;
+        strip.Show(state);
+        overview.Show(state);
+        page.Show(state.receiver, {}, state.view);
+        const QString battery = QString::fromUtf8(row.battery);
+        EXPECT_TRUE(
+            WordsOf<QLabel>(strip).contains(QStringLiteral("PDOP ") + QLatin1String(row.pdop)));
+        EXPECT_TRUE(WordsOf<QLabel>(strip).contains(QString::fromUtf8(row.time)));
+        EXPECT_TRUE(WordsOf<QLabel>(strip).contains(battery));
+        EXPECT_TRUE(WordsOf<QLabel>(overview).contains(QLatin1String(row.pdop)));
+        for (const QWidget* screen :
+             {static_cast<const QWidget*>(&overview), static_cast<const QWidget*>(&page)}) {
+            const auto* const bar = screen->findChild<CTextProgressCtrl*>();
+            EXPECT_TRUE(bar->text().startsWith(battery)) << bar->text().toStdString();
+            EXPECT_EQ(bar->GetPos(), row.bar);
+        }
+        const QStringList shown = WordsOf<QLabel>(page);
+        for (const StatusRow& field : StatusRowsOf(state.receiver, state.view)) {
+            const bool isElsewhere = field.field->textId == text::kStatusBattery ||
+                                     field.field->textId == text::kStatusFix;
+            EXPECT_TRUE(isElsewhere || shown.contains(ToQt(field.value))) << field.field->key;
+        }
+    }
 }
 
 TEST(MainWindow, SaysWhatWasChosen)

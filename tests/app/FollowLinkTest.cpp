@@ -59,7 +59,7 @@ TEST(FollowLink, FindsTheReceiverOrTellsWhyNot)
         EXPECT_EQ(controller.Choice().baudRate, row.stored);
         EXPECT_EQ(LinkSettings(controller.Roots()).baudRate, row.stored);
         EXPECT_EQ(controller.Command().IsPortOpen() != 0, row.isOpen);
-        EXPECT_EQ(controller.State().link == ReceiverState::Link::Connected, row.isOpen);
+        EXPECT_EQ(controller.Link().State() == LinkState::Connected, row.isOpen);
     }
 }
 

@@ -12,6 +12,7 @@
 #include "core/planning/SampleSites.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
+#include "tests/core/equipment/KnownReceiver.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/controls/RandomHands.h"
@@ -41,6 +42,8 @@
 
 namespace fieldcore {
 namespace {
+
+using namespace std::chrono_literals;
 
 /// A finger on Esc: presses it on whatever window is in front, until it has gone.
 class EscapeKey
@@ -121,7 +124,7 @@ TEST_F(SessionTest, TellsWhyItCannotConnect)
         std::wstring fault;
         EXPECT_FALSE(controller.ConnectQuietly(fault)) << port.toStdString();
         EXPECT_FALSE(fault.empty()) << port.toStdString();
-        EXPECT_EQ(controller.State().link, ReceiverState::Link::None);
+        EXPECT_EQ(controller.Link().State(), LinkState::NotConnected);
     }
 }
 
@@ -131,9 +134,10 @@ TEST_F(SessionTest, ConnectsAndOpensItsPages)
     controller.Begin();
     Session session(controller);
     session.Begin();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return controller.State().pdop.has_value(); }, 30000));
-    EXPECT_EQ(controller.State().link, ReceiverState::Link::Connected);
-    EXPECT_EQ(controller.State().receiver, QStringLiteral("Corvane VX1"));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return controller.State().receiver.position.has_value(); }, 30000));
+    EXPECT_EQ(controller.Link().State(), LinkState::Connected);
+    EXPECT_EQ(controller.State().receiver.identity.Model(), L"Corvane VX1");
     EXPECT_EQ(controller.State().simulator, QStringLiteral("lark"));
 
     MainWindow* const window = Window();
@@ -236,11 +240,11 @@ TEST_F(SessionTest, ComesBackFromUnderEveryPage)
             EXPECT_FALSE(esc.First().isEmpty());
         }
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return controller.State().link == ReceiverState::Link::Lost; }, 20000));
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return controller.Link().State() == LinkState::Lost; }, 20000));
         ASSERT_TRUE(receiver.Plug());
         EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return controller.State().link == ReceiverState::Link::Connected; }, 20000));
+            [&] { return controller.Link().State() == LinkState::Connected; }, 20000));
     }
 }
 
@@ -336,7 +340,7 @@ TEST_F(SessionTest, TakesOverALinkThatAPageHasMade)
     hand.start(50);
     Q_EMIT session.Window().Chosen(MainWindow::kPlan);
     EXPECT_TRUE(isConnected);
-    EXPECT_EQ(controller.State().link, ReceiverState::Link::Connected);
+    EXPECT_EQ(controller.Link().State(), LinkState::Connected);
 }
 
 TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)
@@ -418,15 +422,14 @@ TEST_F(SessionTest, CutsNothingOff)
     const QFont before = QApplication::font();
     QFont large = before;
     large.setPixelSize(21); // 30 % above 16
-    const ReceiverState stale = [&] {
-        ReceiverState state = controller.State();
-        state.link = ReceiverState::Link::Lost; // the longest words
-        state.receivedUtc = controller.NowUtc().addSecs(-60);
-        state.pdop = 12.3;
-        state.batteryPercent = 100;
-        state.batterySource = QStringLiteral("電源1");
+    const HomeState stale = [&] {
+        HomeState state = controller.State();
+        state.receiver = testing::KnownReceiver();
+        state.receiver.link = LinkState::Lost; // the longest words
+        state.receiver.position->value.pdop = 12.3F;
+        state.receiver.status->value.batteryPercent = 100;
+        state.view.now = 160s;
         state.antenna = QStringLiteral("アンテナ高 10.543 m（アンテナ底面）→ 鉛直高 10.6123 m");
-        state.satellites = 24;
         state.simulator = QStringLiteral("almanac-hangs-up");
         return state;
     }();
@@ -448,7 +451,7 @@ TEST_F(SessionTest, CutsNothingOff)
                 (theme == Theme::Kind::Dark ? QStringLiteral("dark") : QStringLiteral("daylight"));
             for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
                 MainWindow window;
-                window.ShowState(stale, controller.NowUtc());
+                window.ShowState(stale);
                 check(window, QStringLiteral("home-") + look, size);
                 ExpectAllEntries(window);
                 FramesDlg frames(controller.Frames());

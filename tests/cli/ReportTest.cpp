@@ -1,5 +1,4 @@
 #include "cli/Report.h"
-#include "cli/ReceiverWords.h"
 #include "cli/Utf8.h"
 
 #include <chrono>
@@ -112,34 +111,6 @@ TEST(Report, WrapsLongListsBehindCommas)
     report.Add("o", "options", Value::List({std::string(40, 'a'), std::string(40, 'b'), "c"}));
     EXPECT_EQ(report.Words(),
               "options  " + std::string(40, 'a') + ",\n         " + std::string(40, 'b') + ", c\n");
-}
-
-TEST(UtcOf, PlacesTheWeekThatTheReceiverMeans)
-{
-    using namespace std::chrono;
-    // GPS time 2410 week, 345600 s is 2026-03-19 00:00:00, 18 s ahead of UTC.
-    const auto utc = sys_days(2026y / March / 18) + 23h + 59min + 42s;
-    const auto now = sys_days(2026y / November / 21);
-    struct Row
-    {
-        std::string_view fault;
-        GpsTimeReply time;
-        Clock::UtcTime now;
-    };
-    const Row rows[] = {
-        {"full week", {345600.0, 2410, 18}, now},
-        {"full week while the controller's date is wrong",
-         {345600.0, 2410, 18},
-         sys_days(2000y / January / 1)},
-        {"ten bits of the week", {345600.0, 2410 % 1024, 18}, now},
-        {"ten bits, the controller a little behind",
-         {345600.0, 2410 % 1024, 18},
-         sys_days(2026y / January / 1)},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(UtcOf(row.time, row.now), utc);
-    }
 }
 
 } // namespace

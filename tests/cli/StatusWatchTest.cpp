@@ -16,7 +16,7 @@ TEST(StatusWatch, FollowsTheBatteryAndTellsAges)
     Runner runner;
     const Outcome outcome = runner.Run(
         "status --json --watch 60 --count 16 --speed 1000 --timeout 600 --port sim:" +
-        runner.Scenario("model 3017\nbattery 90 60\npower-source 2\nfault nak on 14 skip 15"));
+        runner.Scenario("model 3017\nbattery 90 60\npower-source 2\nfault nak on 34 skip 15"));
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     std::vector<nlohmann::json> readings;
     std::istringstream lines(outcome.out);
@@ -32,10 +32,11 @@ TEST(StatusWatch, FollowsTheBatteryAndTellsAges)
     EXPECT_NEAR(last["batteryTrendPercentPerHour"].get<double>(), -60.0, 6.0);
     EXPECT_NEAR(last["batteryMinutesLeft"].get<double>(), last["batteryPercent"].get<double>(), 9);
     // They are asked for in this order.
-    EXPECT_GT(last["agesS"]["status"], last["agesS"]["position"]);
-    EXPECT_GT(last["agesS"]["position"], last["agesS"]["powerSource"]);
-    EXPECT_TRUE(first["agesS"]["time"].is_number());
-    EXPECT_TRUE(last["agesS"]["time"].is_null()) << "it was refused";
+    EXPECT_GT(first["agesS"]["status"], first["agesS"]["position"]);
+    EXPECT_GT(first["agesS"]["position"], first["agesS"]["powerSource"]);
+    EXPECT_EQ(first["agesS"]["time"], first["agesS"]["position"]) << "the time of the position";
+    EXPECT_TRUE(last["agesS"]["position"].is_null()) << "it was refused";
+    EXPECT_TRUE(last["pdop"].is_null() && last["utc"].is_null()) << "nothing of the reading before";
 }
 
 } // namespace

@@ -1,9 +1,12 @@
 #include "ui/equipment/StatusPage.h"
 
+#include "core/equipment/BattLevel.h"
+#include "core/equipment/StatusRows.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
+#include "ui/equipment/BatteryBar.h"
 #include "ui/equipment/StatusHistoryView.h"
 
 #include <QFontInfo>
@@ -56,6 +59,7 @@ StatusPage::StatusPage(QWidget* parent)
     setWindowTitle(UiText(text::kAppStatus));
     m_headline->setFont(Sized(font(), kLarge, true));
     m_headline->setWordWrap(true);
+    CBattLevel(nullptr).SetInit(m_battery);
     m_battery->setAccessibleName(UiText(text::kStatusBattery));
     m_grid->setHorizontalSpacing(kMargin);
     m_grid->setVerticalSpacing(8);
@@ -120,28 +124,24 @@ void StatusPage::resizeEvent(QResizeEvent* event)
     m_grid->setColumnMinimumWidth(1, m_isWide ? date : 0);
 }
 
-void StatusPage::Show(const LiveStatus& status, const StatusHistory& history,
+void StatusPage::Show(const Receiver& receiver, const StatusHistory& history,
                       const StatusView& view)
 {
     const Theme& theme = Theme::Current();
-    const std::vector<StatusRow> rows = StatusRowsOf(status, view);
-    m_headline->setText(view.isConnected ? ToQt(rows.front().value) : UiText(text::kStatusNoLink));
-    Paint(m_headline, rows.front().isStale ? theme.stale : theme.text);
-    const auto& battery = status.battery;
-    const bool isKnown = battery && battery->value.percent;
-    m_battery->SetPos(isKnown ? *battery->value.percent : 0);
-    m_battery->SetText(battery ? ToQt(BatteryText(battery->value)) : UiText(text::kStatusUnknown));
-    const auto batteryRow = std::find_if(rows.begin(), rows.end(), [](const StatusRow& row) {
-        return row.labelId == text::kStatusBattery;
-    });
-    const bool isLow = isKnown && *battery->value.percent <= BatteryWatch::kLowPercent;
-    m_battery->SetColour(batteryRow->isStale ? theme.stale : isLow ? theme.bad : theme.good);
+    const auto showAge = [&theme](QLabel* age, const StatusRow& row) {
+        age->setText(ToQt(row.age));
+        Paint(age, row.isStale ? theme.stale : theme.second);
+    };
     std::size_t shown = 0;
-    for (const StatusRow& row : rows) {
-        if (row.labelId == text::kStatusFix || row.labelId == text::kStatusBattery) {
-            QLabel* const age = row.labelId == text::kStatusFix ? m_fixAge : m_batteryAge;
-            age->setText(ToQt(row.age));
-            Paint(age, row.isStale ? theme.stale : theme.second);
+    for (const StatusRow& row : StatusRowsOf(receiver, view)) {
+        if (row.field->textId == text::kStatusFix) {
+            const bool isConnected = receiver.link == LinkState::Connected;
+            m_headline->setText(isConnected ? ToQt(row.value) : UiText(text::kStatusNoLink));
+            Paint(m_headline, row.isStale ? theme.stale : theme.text);
+            showAge(m_fixAge, row);
+        } else if (row.field->textId == text::kStatusBattery) {
+            ShowBattery(*m_battery, receiver, view);
+            showAge(m_batteryAge, row);
         } else {
             ShowRow(shown++, row);
         }
@@ -165,8 +165,8 @@ void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
 {
     const Theme& theme = Theme::Current();
     if (index == m_lines.size()) {
-        const Line line{new QLabel(UiText(row.labelId)), new QLabel, new QLabel};
-        line.value->setAccessibleName(UiText(row.labelId)); // the rows are always the same
+        const Line line{new QLabel(UiText(row.field->textId)), new QLabel, new QLabel};
+        line.value->setAccessibleName(UiText(row.field->textId)); // the rows are always the same
         line.value->setFont(Sized(font(), kValue, true));
         line.age->setFont(Sized(font(), 13.0 / 16.0, false));
         line.age->setAlignment(Qt::AlignRight | Qt::AlignTop);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/equipment/StatusPoll.h"
-#include "core/equipment/StatusRows.h"
+#include "core/equipment/ReceiverFields.h"
+#include "core/equipment/StatusHistory.h"
 #include "ui/controls/Dialog.h"
 
 #include <vector>
@@ -14,6 +14,7 @@ namespace fieldcore {
 
 class CTextProgressCtrl;
 class StatusHistoryView;
+struct StatusRow;
 
 /// How the receiver is: the fix and the battery large, the last hour of satellites and PDOP, and
 /// value by value the rest, each with its age. It asks nobody: whoever polls calls Show().
@@ -25,7 +26,7 @@ class StatusPage : public Dialog
 public:
     explicit StatusPage(QWidget* parent = nullptr);
 
-    void Show(const LiveStatus& status, const StatusHistory& history, const StatusView& view);
+    void Show(const Receiver& receiver, const StatusHistory& history, const StatusView& view);
 
 Q_SIGNALS:
     /// The user wants the version display.

@@ -25,9 +25,10 @@ constexpr int kMargin = 12;
 
 } // namespace
 
-CVersion::CVersion(CCommand* command, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_command(command), m_notice(new QLabel),
-      m_list(new QTableWidget(0, 2)), m_copy(new QPushButton(UiText(text::kVersionCopy)))
+CVersion::CVersion(CCommand* command, QWidget* parent, ReceiverIdentity known)
+    : Dialog(parent, Extent::Form), m_command(command), m_known(std::move(known)),
+      m_notice(new QLabel), m_list(new QTableWidget(0, 2)),
+      m_copy(new QPushButton(UiText(text::kVersionCopy)))
 {
     setWindowTitle(UiText(text::kVersionTitle));
     m_notice->setWordWrap(true);
@@ -77,13 +78,13 @@ int CVersion::Update()
         Show({});
         return 0;
     }
-    CRecvInfo info;
-    const int read = info.GetOptionData(*m_command);
+    CRecvInfo info(m_known);
+    const int read = info.ReadMissing(*m_command);
     if (read == 0 && m_command->Fault() == CommandFault::Cancelled) {
         m_command->SendAbort();
     }
     m_notice->setText(read == 1 ? QString() : UiText(text::kVersionNotRead));
-    Show(read == 1 ? VersionRowsOf(info) : std::vector<VersionRow>());
+    Show(read == 1 ? VersionRowsOf(info.Known()) : std::vector<VersionRow>());
     return read;
 }
 

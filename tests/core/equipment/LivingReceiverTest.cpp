@@ -1,7 +1,8 @@
 // A receiver that searches, finds and loses, drains its battery and changes its power source, over
 // half an hour of its own time.
 
-#include "core/equipment/StatusRows.h"
+#include "core/equipment/ReceiverFields.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/PolledReceiver.h"
 
@@ -15,16 +16,10 @@ using namespace std::chrono_literals;
 class LivingReceiverTest : public testing::PolledReceiver
 {
 protected:
-    /// A line of the status display, as it is now.
-    [[nodiscard]] StatusRow Row(int labelId) const
+    /// A field, as the user reads it.
+    [[nodiscard]] std::wstring Shown(const char* key) const
     {
-        for (const StatusRow& row : StatusRowsOf(poll.Now(), {clock.Steady(), {}, true})) {
-            if (row.labelId == labelId) {
-                return row;
-            }
-        }
-        ADD_FAILURE() << "no such row: " << labelId;
-        return {};
+        return FieldText(FieldOf(key), link.Heard(), {clock.Steady()});
     }
     /// Rounds until the clock says @p end; the warnings that came are added up.
     void LiveUntil(Clock::Duration end)
@@ -67,22 +62,22 @@ TEST_F(LivingReceiverTest, IsFollowedFromTheFirstFixToTheLastCharge)
     for (const Moment& moment : moments) {
         SCOPED_TRACE(moment.at.count());
         LiveUntil(moment.at);
-        EXPECT_EQ(Row(text::kStatusFix).value, moment.fix);
-        EXPECT_EQ(Row(text::kStatusLatitude).value != unknown, moment.hasPlace);
-        EXPECT_EQ(Row(text::kStatusPlane).value != unknown, moment.hasPlace);
-        EXPECT_EQ(Row(text::kStatusHdop).value != unknown, moment.hasPdop);
+        EXPECT_EQ(Shown("fix"), moment.fix);
+        EXPECT_EQ(Shown("latitudeDeg") != unknown, moment.hasPlace);
+        EXPECT_EQ(Shown("planeXM") != unknown, moment.hasPlace);
+        EXPECT_EQ(Shown("hdop") != unknown, moment.hasPdop);
         EXPECT_EQ(poll.History().Samples().back().pdop.has_value(), moment.hasPdop);
         EXPECT_EQ(poll.History().Samples().back().satellites.value_or(0) > 0, moment.hasPlace);
-        EXPECT_EQ(poll.Now().time && poll.Now().time->value.isSynchronised, moment.isSynchronised);
-        EXPECT_EQ(poll.Now().battery->value.source, moment.source);
+        EXPECT_EQ(link.Heard().isSynchronised, moment.isSynchronised);
+        EXPECT_EQ(Shown("powerSourceName"), moment.source);
         EXPECT_EQ(controller.asked.size(), moment.isSynchronised ? 1U : 0U);
     }
     EXPECT_TRUE(warnings.empty());
     LiveUntil(1800s); // 34 % less one a minute
     EXPECT_EQ(warnings, (std::vector{BatteryWatch::Warning::Low, BatteryWatch::Warning::VeryLow}));
-    ASSERT_TRUE(poll.Now().trend && poll.Now().trend->left);
-    EXPECT_NEAR(poll.Now().trend->percentPerHour, -60.0, 3.0);
-    EXPECT_LT(*poll.Now().trend->left, 10min);
+    ASSERT_TRUE(link.Heard().trend && link.Heard().trend->left);
+    EXPECT_NEAR(link.Heard().trend->percentPerHour, -60.0, 3.0);
+    EXPECT_LT(*link.Heard().trend->left, 10min);
 }
 
 TEST_F(LivingReceiverTest, IsBelievedWhereItsOffsetCanBe)
@@ -95,11 +90,9 @@ TEST_F(LivingReceiverTest, IsBelievedWhereItsOffsetCanBe)
             Plug("model 3017\nserial 10" + std::to_string(&offset - &kOffsets[0]) +
                  "\npdop 1.8\nutc-offset " + seconds + "\nstart 2026-03-18 23:59:42\n"));
         Round();
-        ASSERT_TRUE(poll.Now().time);
-        EXPECT_TRUE(poll.Now().time->value.isSynchronised);
-        EXPECT_EQ(poll.Now().time->value.utcOffsetS, offset);
-        EXPECT_EQ(Row(text::kStatusSynchro).value, FormatText(text::kStatusSynchronised, offset));
-        EXPECT_NE(poll.Now().pdop->value, Text(text::kStatusNoPdop));
+        EXPECT_TRUE(link.Heard().isSynchronised);
+        EXPECT_EQ(Shown("utcOffsetS"), FromUtf8(seconds + " 秒"));
+        EXPECT_NE(Shown("pdop"), Text(text::kStatusNoPdop));
     }
 }
 

@@ -99,18 +99,16 @@ TEST_F(ReceiverLinkTest, AsksTheStatusEveryTwoSecondsAndKnowsItsAge)
 {
     EXPECT_EQ(TickAfter(10s), 0U) << "asked without a connection";
     ASSERT_EQ(Connect(), 1);
-    EXPECT_FALSE(link.StatusAge().has_value()) << "an age of nothing";
-    EXPECT_TRUE(link.IsStatusStale());
+    EXPECT_FALSE(link.Heard().status);
     EXPECT_EQ(TickAfter(0s), 1U);
-    ASSERT_TRUE(link.Status().has_value());
-    EXPECT_GT(link.Status()->value.batteryPercent, 0);
+    ASSERT_TRUE(link.Heard().status);
+    EXPECT_GT(link.Heard().status->value.batteryPercent, 0);
+    const Clock::Duration first = link.Heard().status->at;
+    EXPECT_EQ(first, clock.Steady());
     EXPECT_EQ(TickAfter(1999ms), 0U);
-    EXPECT_EQ(link.StatusAge(), 1999ms);
+    EXPECT_EQ(link.Heard().status->at, first);
     EXPECT_EQ(TickAfter(1ms), 1U);
-    EXPECT_EQ(link.StatusAge(), 0s);
-    EXPECT_FALSE(link.IsStatusStale());
-    clock.now += 5s;
-    EXPECT_TRUE(link.IsStatusStale());
+    EXPECT_EQ(link.Heard().status->at, clock.Steady());
     EXPECT_EQ(seen, (std::vector{Connecting, Connected}));
 }
 
@@ -148,8 +146,7 @@ TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
     TickAfter(2s);
     EXPECT_EQ(link.State(), Lost);
     EXPECT_EQ(command.IsPortOpen(), 0);
-    EXPECT_TRUE(link.IsStatusStale());
-    ASSERT_TRUE(link.Status().has_value()) << "the last values are still worth showing";
+    ASSERT_TRUE(link.Heard().status) << "the last values are still worth showing";
     TickAfter(60s);
     EXPECT_EQ(link.State(), Lost) << "tried a port that is not there";
     EXPECT_EQ(link.UntilNextAttempt(), 0s);
@@ -160,7 +157,8 @@ TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
     }
     EXPECT_EQ(TickAfter(0s), 2U) << "status and serial number; must not wait once it is back";
     EXPECT_EQ(link.State(), Connected);
-    EXPECT_EQ(link.StatusAge(), 0s);
+    EXPECT_EQ(link.Heard().status->at, clock.Steady());
+    EXPECT_EQ(link.Receivers(), 1U);
     EXPECT_EQ(seen, (std::vector{Connecting, Connected, Lost, Reconnecting, Connected}));
 }
 
@@ -200,6 +198,7 @@ TEST_F(ReceiverLinkTest, OnlyALossBringsAttempts)
 
     ASSERT_EQ(Connect(), 1);
     EXPECT_EQ(link.Disconnect(), 1);
+    EXPECT_FALSE(link.Heard().status) << "of nobody";
     EXPECT_EQ(command.IsPortOpen(), 0);
     EXPECT_EQ(TickAfter(60s), 0U);
 
@@ -258,8 +257,7 @@ TEST_F(ReceiverLinkTest, TellsWhenAnotherReceiverComesBack)
         std::filesystem::create_symlink(receiver.PortPath(), cable);
         target.devicePath = cable;
         ASSERT_EQ(Connect(), 1);
-        ASSERT_TRUE(link.Receiver().has_value());
-        EXPECT_EQ(link.Receiver()->Name(), first);
+        EXPECT_EQ(link.Heard().identity.Name(), first);
         TickAfter(0s);
         std::string error;
         const auto scenario = simulator::ParseScenario(row.change, error);
@@ -278,7 +276,7 @@ TEST_F(ReceiverLinkTest, TellsWhenAnotherReceiverComesBack)
         EXPECT_EQ(host.said, row.said);
         EXPECT_EQ(link.State(), row.state);
         EXPECT_EQ(command.IsPortOpen() == 1, row.state == Connected);
-        EXPECT_EQ(link.Receiver()->Name(), row.name);
+        EXPECT_EQ(link.Heard().identity.Name(), row.name);
         ASSERT_TRUE(receiver.Plug());
     }
 }

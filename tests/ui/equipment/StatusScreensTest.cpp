@@ -2,7 +2,9 @@
 
 #include "core/equipment/BattLevel.h"
 #include "core/link/Command.h"
+#include "core/link/RecvInfo.h"
 #include "simulator/Simulator.h"
+#include "tests/core/equipment/KnownReceiver.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/controls/RandomHands.h"
@@ -76,6 +78,9 @@ TEST_F(StatusScreensTest, ThePeriodicCallReachesBarAndText)
 
 TEST_F(StatusScreensTest, TheVersionListCanBeCopied)
 {
+    CRecvInfo info;
+    ASSERT_EQ(info.GetOptionData(command), 1);
+    const ReceiverIdentity known = info.Known();
     CVersion version(&command);
     version.show();
     const auto* const list = version.findChild<QTableWidget*>();
@@ -83,6 +88,11 @@ TEST_F(StatusScreensTest, TheVersionListCanBeCopied)
     EXPECT_EQ(list->item(1, 1)->text(), QStringLiteral("Corvane VX1"));
     QTest::mouseClick(version.findChild<QPushButton*>(), Qt::LeftButton);
     EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(QStringLiteral("機種\tCorvane VX1")));
+    const std::size_t asked = receiver->Requests().size();
+    CVersion again(&command, nullptr, known);
+    again.show();
+    EXPECT_EQ(again.findChild<QTableWidget*>()->rowCount(), list->rowCount());
+    EXPECT_EQ(receiver->Requests().size(), asked) << "who it is is known";
     command.ClosePort();
     EXPECT_EQ(version.Update(), 0);
     EXPECT_EQ(list->rowCount(), 0) << "another receiver's list";
@@ -135,19 +145,18 @@ public:
 
 TEST(StatusPage, PaintsOnlyWhatChanged)
 {
-    LiveStatus status;
-    status.battery = {BatteryReading{64, L"電源A"}, 100s};
+    Receiver receiver = testing::KnownReceiver();
     StatusHistory history;
     history.Add({99s, 8, 1.8});
     const Clock::UtcTime utc = std::chrono::sys_days(2026y / 3 / 19);
     StatusPage page;
     page.resize(480, 640);
-    page.Show(status, history, {100s, utc, true});
+    page.Show(receiver, history, {100s, utc});
     page.show();
     QTest::qWait(50);
     const auto paintedBy = [&](Clock::Duration now) {
         PaintCount paint(page);
-        page.Show(status, history, {now, utc, true});
+        page.Show(receiver, history, {now, utc});
         QTest::qWait(50);
         return paint.count;
     };
@@ -157,17 +166,13 @@ TEST(StatusPage, PaintsOnlyWhatChanged)
     history.Add({104s, 9, 1.7});
     EXPECT_GT(paintedBy(103250ms), 0) << "the graph";
     EXPECT_GT(paintedBy(120s), 0) << "the graph has moved";
-    status.battery->value.percent = 63;
+    receiver.status->value.batteryPercent = 63;
     EXPECT_GT(paintedBy(120s), 0);
 }
 
 TEST(StatusPage, SaysWhatIsStale)
 {
-    LiveStatus status;
-    ReturnPositionStatusInformation position;
-    position.fixKind = 5;
-    status.position = {position, 100s};
-    status.battery = {BatteryReading{}, 100s};
+    Receiver receiver = testing::KnownReceiver();
     const Clock::UtcTime utc = std::chrono::sys_days(2026y / 3 / 19);
     const auto words = [](const StatusPage& page) {
         QString all;
@@ -177,13 +182,13 @@ TEST(StatusPage, SaysWhatIsStale)
         return all;
     };
     StatusPage page;
-    page.Show(status, {}, {101s, utc, true});
+    page.Show(receiver, {}, {101s, utc});
     EXPECT_TRUE(words(page).contains(QStringLiteral("RTKフィックス")));
     EXPECT_FALSE(words(page).contains(QStringLiteral("最終受信")));
-    EXPECT_EQ(page.findChild<CTextProgressCtrl*>()->text(), QStringLiteral("不明"));
-    page.Show(status, {}, {111s, utc, true});
+    page.Show(receiver, {}, {111s, utc});
     EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:49")));
-    page.Show(status, {}, {101s, utc, false});
+    receiver.link = LinkState::Lost;
+    page.Show(receiver, {}, {101s, utc});
     EXPECT_TRUE(words(page).contains(QStringLiteral("受信機に接続していません")));
     EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:59")));
 }
@@ -191,25 +196,24 @@ TEST(StatusPage, SaysWhatIsStale)
 /// A receiver as the status shows it with its longest words, and the versions.
 TEST_F(StatusScreensTest, StandLargeFontsAndAThousandEvents)
 {
-    LiveStatus status;
-    ReturnPositionStatusInformation position;
-    position.fixKind = 3;
-    position.satellitesUsed = 24;
-    position.position = {0.61, 2.42, 1234.567};
-    status.position = {position, 100s};
-    status.pdop = {L"12.3", 100s};
-    status.time = {ReceiverTime{std::chrono::local_days(2026y / 3 / 19), 18, true, 12345ms}, 100s};
-    status.battery = {BatteryReading{100, L"電源A"}, 100s};
-    status.trend = BatteryTrend{-12.3, 99h};
+    Receiver told = testing::KnownReceiver();
+    told.position->value.fixKind = 3;
+    told.position->value.satellitesUsed = 24;
+    told.position->value.position = {0.61, 2.42, 1234.567};
+    told.position->value.pdop = 12.3F;
+    told.status->value.batteryPercent = 100;
+    told.trend = BatteryTrend{-12.3, 99h};
+    Receiver lost = told;
+    lost.link = LinkState::Lost;
     const std::function<std::unique_ptr<Dialog>()> makes[] = {
         [&]() -> std::unique_ptr<Dialog> {
             auto page = std::make_unique<StatusPage>();
-            page->Show(status, {}, {100s, {}, true});
+            page->Show(told, {}, {100s});
             return page;
         },
         [&]() -> std::unique_ptr<Dialog> {
             auto page = std::make_unique<StatusPage>();
-            page->Show(status, {}, {300s, {}, false}); // all of it stale
+            page->Show(lost, {}, {300s}); // all of it stale
             return page;
         },
         [&]() -> std::unique_ptr<Dialog> { return std::make_unique<CVersion>(&command); },

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "core/equipment/ReceiverFields.h"
+
+#include <QString>
+
+#include <string_view>
+
+namespace fieldcore {
+
+/// What the head of the window and the overview are made of.
+struct HomeState
+{
+    Receiver receiver;
+    StatusView view;
+    QString antenna;   ///< its height and how it was measured, in one line
+    QString simulator; ///< name of the scenario; empty: a real receiver
+};
+
+/// A field that comes with each answer of the link: it is as old as the last of them.
+inline constexpr std::string_view kHeartbeat = "satellitesTracked";
+
+} // namespace fieldcore

@@ -1,0 +1,182 @@
+// What is told of a receiver: the user's text and the report's value of every field.
+
+#include "core/equipment/ReceiverFields.h"
+
+#include "core/equipment/InstalledOptions.h"
+#include "core/equipment/StatusRows.h"
+#include "core/equipment/VersionRows.h"
+#include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
+#include "tests/core/equipment/KnownReceiver.h"
+
+#include <chrono>
+#include <limits>
+#include <numbers>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::KnownReceiver;
+
+constexpr double kRad = std::numbers::pi / 180.0;
+constexpr auto kUtc = std::chrono::sys_days(std::chrono::year(2026) / 3 / 19);
+
+StatusView At(Clock::Duration now)
+{
+    return {now, kUtc + now - 100s};
+}
+
+TEST(ReceiverFields, SayTheSameToEverybody)
+{
+    constexpr auto kNothing = [](Receiver&) {};
+    constexpr auto kNoTrust = [](Receiver& r) { r.isSynchronised = false; };
+    struct Row
+    {
+        const char* what;
+        void (*change)(Receiver&);
+        const char* key;
+        const wchar_t* text;
+        const char* words; ///< of a report
+    };
+    const Row rows[] = {
+        {"battery", kNothing, "batteryPercent", L"80 %", "80 %"},
+        {"battery above all", [](Receiver& r) { r.status->value.batteryPercent = 105; },
+         "batteryPercent", L"不明", "--"},
+        {"battery far above all", [](Receiver& r) { r.status->value.batteryPercent = 250; },
+         "batteryPercent", L"不明", "--"},
+        {"battery below nothing", [](Receiver& r) { r.status->value.batteryPercent = -1; },
+         "batteryPercent", L"不明", "--"},
+        {"full battery", [](Receiver& r) { r.status->value.batteryPercent = 100; },
+         "batteryPercent", L"100 %", "100 %"},
+        {"PDOP", kNothing, "pdop", L"2.0", "2.0"},
+        {"large PDOP", [](Receiver& r) { r.position->value.pdop = 99.5F; }, "pdop", L"99.5",
+         "99.5"},
+        {"PDOP that says there is none", [](Receiver& r) { r.position->value.pdop = 99.9F; },
+         "pdop", L"-.- ", "--"},
+        {"no PDOP", [](Receiver& r) { r.position->value.pdop = 0.0F; }, "pdop", L"-.- ", "--"},
+        {"PDOP of a tie, rounded alike", [](Receiver& r) { r.position->value.pdop = 1.25F; },
+         "pdop", L"1.2", "1.2"},
+        {"PDOP without trust", kNoTrust, "pdop", L"-.- ", "--"},
+        {"time", kNothing, "jst", L"2026-03-19 09:00:01", "2026-03-19 09:00:00 JST"},
+        {"time without trust", kNoTrust, "jst", L"2026-03-19 09:00", "2026-03-19 09:00 JST"},
+        {"UTC without trust", kNoTrust, "utc", L"2026-03-19 00:00", "2026-03-19 00:00 UTC"},
+        {"seconds of the week without trust", kNoTrust, "gpsSecondsOfWeek", L"--", "--"},
+        {"offset", kNothing, "utcOffsetS", L"18 秒", "18 s"},
+        {"offset without trust", kNoTrust, "utcOffsetS", L"--", "--"},
+        {"trust", kNothing, "synchronised", L"同期済み", "yes"},
+        {"no trust", kNoTrust, "synchronised", L"未同期", "no"},
+        {"controller's clock", kNothing, "controllerAheadS", L"+1.5 秒", "1.5 s"},
+        {"clock against a time that means nothing", kNoTrust, "controllerAheadS", L"--", "--"},
+        {"fix", kNothing, "fix", L"RTKフィックス", "RTK fixed"},
+        {"kind that nobody knows", [](Receiver& r) { r.position->value.fixKind = 6; }, "fix", L"--",
+         "--"},
+        {"latitude", kNothing, "latitudeDeg", L"36ﾟ00'00\".0000", "36.00000000 deg"},
+        {"no fix, no place", [](Receiver& r) { r.position->value.fixKind = 1; }, "latitudeDeg",
+         L"--", "--"},
+        {"place that is no number",
+         [](Receiver& r) {
+             r.position->value.position.heightM = std::numeric_limits<double>::quiet_NaN();
+         },
+         "latitudeDeg", L"--", "--"},
+        {"height", kNothing, "heightM", L"70.123 m", "70.123 m"},
+        {"nearest zone", kNothing, "planeZone", L"9 系", "9"},
+        {"no fix, no plane", [](Receiver& r) { r.position->value.fixKind = 0; }, "planeXM", L"--",
+         "--"},
+        {"place beyond the zones", [](Receiver& r) { r.position->value.position.longitudeRad = 0; },
+         "planeZone", L"--", "--"},
+        {"HDOP", kNothing, "hdop", L"0.9", "0.9"},
+        {"no dilution", [](Receiver& r) { r.position->value.hdop = 99.9F; }, "hdop", L"--", "--"},
+        {"infinite dilution",
+         [](Receiver& r) { r.position->value.vdop = std::numeric_limits<float>::infinity(); },
+         "vdop", L"--", "--"},
+        {"power source by its family's name", [](Receiver& r) { r.powerSource->value = 2; },
+         "powerSourceName", L"電源B", "電源B"},
+        {"power source that was not told", [](Receiver& r) { r.powerSource.reset(); },
+         "powerSourceName", L"--", "--"},
+        {"trend", kNothing, "batteryTrendPercentPerHour", L"-12.0 %/時", "-12.0 %/h"},
+        {"charging",
+         [](Receiver& r) {
+             r.trend = BatteryTrend{3.04, std::nullopt};
+         },
+         "batteryTrendPercentPerHour", L"+3.0 %/時", "3.0 %/h"},
+        {"charge that lasts", kNothing, "batteryMinutesLeft", L"約5時間07分", "307 min"},
+        {"memory", kNothing, "freeMemoryPercent", L"90 %", "90 %"},
+        {"memory beyond all", [](Receiver& r) { r.status->value.freeMemoryTenths = 11; },
+         "freeMemoryPercent", L"--", "--"},
+        {"model", kNothing, "model", L"Corvane VX1", "Corvane VX1"},
+        {"firmware", kNothing, "navigationFirmware", L"4.43", "4.43"},
+        {"firmware that was not told", [](Receiver& r) { r.identity.serial.reset(); },
+         "navigationFirmware", L"--", "--"},
+        {"memory that was not told", [](Receiver& r) { r.identity.options->memory = 0; },
+         "memoryMb", L"--", "--"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        Receiver receiver = KnownReceiver();
+        row.change(receiver);
+        const ReceiverField& field = FieldOf(row.key);
+        EXPECT_EQ(FieldText(field, receiver, At(101s)), row.text);
+        EXPECT_EQ(ReportField(field, receiver).Words(), row.words);
+    }
+    for (const ReceiverField& field : AllReceiverFields()) { // of nobody nothing is known
+        EXPECT_TRUE(ReportField(field, {}).IsUnknown()) << field.key;
+        EXPECT_FALSE(ReadField(field, {})) << field.key;
+    }
+}
+
+TEST(ReceiverFields, TellWhenAStaleValueCame)
+{
+    const auto rowOf = [](const char* key, Clock::Duration now, LinkState link) {
+        Receiver receiver = KnownReceiver();
+        receiver.link = link;
+        return StatusRowOf(FieldOf(key), receiver, At(now));
+    };
+    EXPECT_EQ(rowOf("fix", 103s, LinkState::Connected).age, L"3秒前");
+    EXPECT_FALSE(rowOf("fix", 109999ms, LinkState::Connected).isStale);
+    const StatusRow old = rowOf("fix", 110s, LinkState::Connected);
+    EXPECT_TRUE(old.isStale);
+    EXPECT_EQ(old.age, L"最終受信 09:00:00");
+    EXPECT_EQ(rowOf("jst", 103s, LinkState::Connected).value, L"2026-03-19 09:00:03");
+    EXPECT_EQ(rowOf("jst", 110s, LinkState::Connected).value, L"2026-03-19 09:00:00")
+        << "a clock that stopped";
+    EXPECT_FALSE(rowOf("powerSourceName", 174s, LinkState::Connected).isStale) << "asked for less";
+    EXPECT_TRUE(rowOf("powerSourceName", 175s, LinkState::Connected).isStale);
+    EXPECT_TRUE(rowOf("powerSourceName", 101s, LinkState::Lost).isStale) << "no link";
+    for (const StatusRow& row : StatusRowsOf({}, At(100s))) {
+        EXPECT_TRUE(row.isStale && row.age.empty()) << row.field->key;
+    }
+}
+
+TEST(ReceiverFields, NameTheNearestZone)
+{
+    const std::pair<SiteReply, int> places[] = {
+        {{35.69 * kRad, 139.69 * kRad, 0.0}, 9},  // Tokyo
+        {{43.06 * kRad, 141.35 * kRad, 0.0}, 12}, // Sapporo
+        {{26.21 * kRad, 127.68 * kRad, 0.0}, 15}, // Naha
+        {{24.34 * kRad, 124.16 * kRad, 0.0}, 16}, // Ishigaki
+    };
+    for (const auto& [place, zone] : places) {
+        EXPECT_EQ(NearestPlaneZone(place), zone);
+    }
+}
+
+TEST(VersionRows, ListWhatIsThereAndWhatIsNot)
+{
+    const std::vector<VersionRow> rows = VersionRowsOf({});
+    std::size_t missing = 0;
+    for (const VersionRow& row : rows) {
+        EXPECT_FALSE(row.name.empty());
+        missing += row.isMissing ? 1 : 0;
+        EXPECT_TRUE(row.isHeading || row.isMissing || row.value == L"--") << "nothing was read";
+    }
+    EXPECT_EQ(missing, AllInstalledOptions().size());
+    const std::wstring text = VersionText(rows);
+    EXPECT_TRUE(text.starts_with(L"[受信機]\n機種\t--\n")) << "headings in brackets, then tabs";
+}
+
+} // namespace
+} // namespace fieldcore
