@@ -2,15 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
-#include <ctime>
-#include <system_error>
 #include <utility>
-
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace fieldcore::simulator {
 
@@ -35,21 +28,12 @@ constexpr milliseconds kFullPipePause{50};
 // The worker whose thread this is: a script may call its own simulator.
 thread_local const LineWorker* t_running = nullptr;
 
-timespec ToTimespec(Clock::Duration duration)
-{
-    const Clock::Duration positive = std::max(duration, Clock::Duration::zero());
-    const auto whole = std::chrono::floor<std::chrono::seconds>(positive);
-    timespec value{};
-    value.tv_sec = static_cast<std::time_t>(whole.count());
-    value.tv_nsec = static_cast<long>((positive - whole).count());
-    return value;
-}
-
 } // namespace
 
-LineWorker::LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder)
+LineWorker::LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder,
+                       Port& port)
     : m_clock(clock), m_responder(responder), m_paced(scenario.pacing == Pacing::Baud),
-      m_checksRate(scenario.checksRate), m_transmitter(m_paced, scenario.baudRate),
+      m_checksRate(scenario.checksRate), m_port(port), m_transmitter(m_paced, scenario.baudRate),
       m_baudRate(scenario.baudRate), m_heardRate(scenario.baudRate)
 {}
 
@@ -60,25 +44,14 @@ LineWorker::~LineWorker()
             const std::scoped_lock lock(m_mutex);
             m_stopping = true;
         }
-        Wake();
+        m_port.Wake();
         m_thread.join();
-    }
-    if (m_wakeUp >= 0) {
-        close(m_wakeUp);
     }
 }
 
-bool LineWorker::Start(const std::filesystem::path& link, std::string& error)
+bool LineWorker::Start(std::string& error)
 {
-    if (m_wakeUp < 0) {
-        m_wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    }
-    if (m_wakeUp < 0) {
-        error = "no event descriptor: " + std::generic_category().message(errno);
-        return false;
-    }
-    if ((m_terminal.Link().empty() && !m_terminal.SetLink(link, error)) ||
-        !m_terminal.Open(error)) {
+    if (!m_port.Open(error)) {
         return false;
     }
     m_thread = std::thread([this] { Run(); });
@@ -128,40 +101,26 @@ std::optional<Clock::Duration> LineWorker::NextDue() const
 
 void LineWorker::Sleep()
 {
-    std::array<pollfd, 2> waits{};
-    waits[0] = {m_wakeUp, POLLIN, 0};
-    waits[1] = {m_terminal.Master(), POLLIN, 0}; // a descriptor of -1 is not looked at
-    if (m_pipeFull) {
-        waits[1].events |= POLLOUT;
+    std::optional<Clock::Duration> limit = NextDue();
+    if (limit) {
+        limit = m_clock.RealTime(*limit - m_clock.Steady());
     }
-    const std::optional<Clock::Duration> due = NextDue();
-    timespec limit{};
-    if (due) {
-        limit = ToTimespec(m_clock.RealTime(*due - m_clock.Steady()));
-    }
-    const int events = ppoll(waits.data(), waits.size(), due ? &limit : nullptr, nullptr);
-    if ((waits[0].revents & POLLIN) != 0) {
-        eventfd_t ignored = 0;
-        eventfd_read(m_wakeUp, &ignored);
-    }
-    m_pipeFull = m_pipeFull && events != 0 && (waits[1].revents & POLLOUT) == 0;
+    m_pipeFull = !m_port.Wait(limit, m_pipeFull) && m_pipeFull;
 }
 
 void LineWorker::Read()
 {
-    std::array<std::uint8_t, 4096> bytes{};
-    const ssize_t count =
-        m_terminal.IsOpen() ? read(m_terminal.Master(), bytes.data(), bytes.size()) : -1;
-    if (count > 0 && !IsHeard()) {
-        const std::span<const std::uint8_t> noise(bytes.data(), static_cast<std::size_t>(count));
+    std::array<std::uint8_t, 4096> buffer{};
+    const auto bytes = std::span(buffer).first(m_port.Read(buffer));
+    if (!bytes.empty() && !IsHeard()) {
         static_cast<void>(
-            m_responder.Answer({Request::Kind::Damaged, {noise.begin(), noise.end()}}));
+            m_responder.Answer({Request::Kind::Damaged, {bytes.begin(), bytes.end()}}));
         return;
     }
-    for (ssize_t i = 0; i < count && m_terminal.IsOpen(); ++i) {
-        TakeIn(bytes[static_cast<std::size_t>(i)]);
+    for (std::size_t i = 0; i < bytes.size() && m_port.IsOpen(); ++i) {
+        TakeIn(bytes[i]);
     }
-    if (count > 0) {
+    if (!bytes.empty()) {
         m_lastByte = m_clock.Steady();
     } else if (!m_parser.Begun().empty() && m_clock.Steady() >= m_lastByte + kRequestGap) {
         if (const std::optional<Request> rest = m_parser.GiveUp()) {
@@ -175,7 +134,7 @@ bool LineWorker::IsHeard()
     if (m_clock.Steady() >= m_rateFrom) {
         m_heardRate = m_baudRate;
     }
-    return !m_checksRate || m_terminal.ControllerRate() == m_heardRate;
+    return !m_checksRate || m_port.ControllerRate() == m_heardRate;
 }
 
 void LineWorker::TakeIn(std::uint8_t byte)
@@ -197,7 +156,7 @@ void LineWorker::TakeIn(std::uint8_t byte)
         }
         m_sendsOn = m_responder.GoesOn();
     }
-    if (!m_terminal.IsOpen()) {
+    if (!m_port.IsOpen()) {
         return; // a script has hung up
     }
     if (!pieces.empty()) {
@@ -218,14 +177,14 @@ void LineWorker::Write()
     if (!m_pipeFull && m_transmitter.IsEmpty() && m_responder.GoesOn()) {
         m_transmitter.Queue(m_responder.Next(), m_clock.Steady());
     }
-    while (!m_pipeFull && m_terminal.IsOpen()) {
+    while (!m_pipeFull && m_port.IsOpen()) {
         const Clock::Duration now = m_clock.Steady();
         const Piece* const piece = m_transmitter.Current(now);
         if (piece == nullptr || !WriteCurrent(now)) {
             return;
         }
         if (piece->hangsUp) {
-            m_terminal.WaitUntilRead(kLastBytesLimit);
+            m_port.WaitUntilRead(kLastBytesLimit);
             Lose(piece->backAfter);
             return;
         }
@@ -241,16 +200,16 @@ bool LineWorker::WriteCurrent(Clock::Duration now)
     }
     const std::span<const std::uint8_t> due = m_transmitter.DueBytes(now);
     if (!due.empty()) {
-        const ssize_t count = write(m_terminal.Master(), due.data(), due.size());
-        m_transmitter.Sent(count > 0 ? static_cast<std::size_t>(count) : 0);
-        m_pipeFull = count < static_cast<ssize_t>(due.size());
+        const std::size_t count = m_port.Write(due);
+        m_transmitter.Sent(count);
+        m_pipeFull = count < due.size();
     }
     return m_transmitter.IsCurrentDone();
 }
 
 void LineWorker::Lose(Clock::Duration backAfter)
 {
-    m_terminal.Close();
+    m_port.Close();
     m_responder.StopAnswer();
     m_transmitter.Clear();
     m_pipeFull = false;
@@ -265,13 +224,13 @@ bool LineWorker::PlugNow()
 {
     m_plugDue.reset();
     std::string ignored; // the path stays away, which is what the controller sees
-    return m_terminal.Open(ignored);
+    return m_port.Open(ignored);
 }
 
 void LineWorker::Send(Bytes bytes)
 {
     Post([this, piece = Piece{std::move(bytes)}] {
-        if (m_terminal.IsOpen()) {
+        if (m_port.IsOpen()) {
             m_transmitter.Queue({piece}, m_clock.Steady());
         }
     });
@@ -312,7 +271,7 @@ void LineWorker::Post(std::function<void()> call)
         const std::scoped_lock lock(m_mutex);
         m_calls.push_back(std::move(call));
     }
-    Wake();
+    m_port.Wake();
 }
 
 void LineWorker::RunCalls()
@@ -325,11 +284,6 @@ void LineWorker::RunCalls()
     for (const std::function<void()>& call : calls) {
         call();
     }
-}
-
-void LineWorker::Wake() const
-{
-    eventfd_write(m_wakeUp, 1);
 }
 
 } // namespace fieldcore::simulator

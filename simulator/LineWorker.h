@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/platform/Clock.h"
-#include "simulator/PseudoTerminal.h"
+#include "simulator/Port.h"
 #include "simulator/RequestParser.h"
 #include "simulator/Responder.h"
 #include "simulator/Transmitter.h"
@@ -23,14 +23,13 @@ namespace fieldcore::simulator {
 class LineWorker
 {
 public:
-    /// @param responder, clock  must outlive the worker
-    LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder);
+    /// @param clock, responder, port  must outlive the worker
+    LineWorker(const Scenario& scenario, const Clock& clock, Responder& responder, Port& port);
     ~LineWorker(); ///< stops the thread
     LineWorker(const LineWorker&) = delete;
     LineWorker& operator=(const LineWorker&) = delete;
 
-    [[nodiscard]] bool Start(const std::filesystem::path& link, std::string& error);
-    [[nodiscard]] std::string PortPath() const { return m_terminal.Link().string(); }
+    [[nodiscard]] bool Start(std::string& error);
 
     // Any thread from here on.
     void Send(Bytes bytes); ///< returns at once
@@ -57,7 +56,6 @@ private:
     void Call(const std::function<void()>& call);
     void RunCalls();
     void Post(std::function<void()> call);
-    void Wake() const;
 
     const Clock& m_clock;
     Responder& m_responder;
@@ -65,7 +63,7 @@ private:
     const bool m_checksRate;
 
     // The thread's own.
-    PseudoTerminal m_terminal;
+    Port& m_port;
     RequestParser m_parser;
     Transmitter m_transmitter;
     std::uint32_t m_baudRate;     // as commands have set it
@@ -77,7 +75,6 @@ private:
     std::optional<Clock::Duration> m_plugDue; // when the port comes back
 
     std::thread m_thread;
-    int m_wakeUp = -1; // eventfd
     std::mutex m_mutex;
     std::condition_variable m_called;
     std::vector<std::function<void()>> m_calls; // guarded by m_mutex

@@ -1,14 +1,17 @@
 #include "simulator/PseudoTerminal.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -31,6 +34,16 @@ void CloseDescriptor(int& descriptor)
     }
 }
 
+timespec ToTimespec(Clock::Duration duration)
+{
+    const Clock::Duration positive = std::max(duration, Clock::Duration::zero());
+    const auto whole = std::chrono::floor<std::chrono::seconds>(positive);
+    timespec value{};
+    value.tv_sec = static_cast<std::time_t>(whole.count());
+    value.tv_nsec = static_cast<long>((positive - whole).count());
+    return value;
+}
+
 /// No echo, no line ends made of others, no signals: every byte passes as it is, also those that
 /// come before a controller has set up its end.
 bool MakeRaw(int slave)
@@ -48,19 +61,20 @@ bool MakeRaw(int slave)
 PseudoTerminal::~PseudoTerminal()
 {
     Close();
+    CloseDescriptor(m_wakeUp);
     if (!m_folder.empty()) {
         std::error_code ignored; // a folder among the temporary files: nothing hangs on it
         fs::remove(m_folder, ignored);
     }
 }
 
-bool PseudoTerminal::SetLink(const fs::path& link, std::string& error)
+bool PseudoTerminal::SetLink(std::string& error)
 {
-    if (!link.empty()) {
+    if (!m_wanted.empty()) {
         std::error_code failure;
-        m_link = fs::absolute(link, failure);
+        m_link = fs::absolute(m_wanted, failure);
         if (failure) {
-            error = link.string() + ": " + failure.message();
+            error = m_wanted.string() + ": " + failure.message();
         }
         return !failure;
     }
@@ -80,6 +94,16 @@ bool PseudoTerminal::Open(std::string& error)
 {
     if (IsOpen()) {
         return true;
+    }
+    if (m_wakeUp < 0) {
+        m_wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    }
+    if (m_wakeUp < 0) {
+        error = LastError("no event descriptor");
+        return false;
+    }
+    if (m_link.empty() && !SetLink(error)) {
+        return false;
     }
     if (MakePair(error) && Publish(error)) {
         return true;
@@ -131,7 +155,41 @@ bool PseudoTerminal::Publish(std::string& error)
     return !failure;
 }
 
-void PseudoTerminal::WaitUntilRead(std::chrono::milliseconds limit) const
+std::size_t PseudoTerminal::Read(std::span<std::uint8_t> buffer)
+{
+    const ssize_t count = IsOpen() ? read(m_master, buffer.data(), buffer.size()) : -1;
+    return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+}
+
+std::size_t PseudoTerminal::Write(std::span<const std::uint8_t> bytes)
+{
+    const ssize_t count = write(m_master, bytes.data(), bytes.size());
+    return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+}
+
+bool PseudoTerminal::Wait(std::optional<Clock::Duration> limit, bool forRoom)
+{
+    std::array<pollfd, 2> waits{};
+    waits[0] = {m_wakeUp, POLLIN, 0};
+    waits[1] = {m_master, POLLIN, 0}; // a descriptor of -1 is not looked at
+    if (forRoom) {
+        waits[1].events |= POLLOUT;
+    }
+    const timespec atMost = limit ? ToTimespec(*limit) : timespec{};
+    const int events = ppoll(waits.data(), waits.size(), limit ? &atMost : nullptr, nullptr);
+    if ((waits[0].revents & POLLIN) != 0) {
+        eventfd_t ignored = 0;
+        eventfd_read(m_wakeUp, &ignored);
+    }
+    return events == 0 || (waits[1].revents & POLLOUT) != 0;
+}
+
+void PseudoTerminal::Wake()
+{
+    eventfd_write(m_wakeUp, 1);
+}
+
+void PseudoTerminal::WaitUntilRead(std::chrono::milliseconds limit)
 {
     using namespace std::chrono_literals;
     pollfd unread{m_slave, POLLIN, 0};

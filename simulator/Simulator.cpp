@@ -1,6 +1,7 @@
 #include "simulator/Simulator.h"
 
 #include "simulator/LineWorker.h"
+#include "simulator/PseudoTerminal.h"
 #include "simulator/Responder.h"
 
 #include <utility>
@@ -9,7 +10,10 @@ namespace fieldcore::simulator {
 
 Simulator::Simulator(const Scenario& scenario, const Clock& clock, SimulatorOptions options)
     : m_options(std::move(options)), m_responder(std::make_unique<Responder>(scenario, clock)),
-      m_worker(std::make_unique<LineWorker>(scenario, clock, *m_responder))
+      m_terminal(m_options.port == nullptr ? std::make_unique<PseudoTerminal>(m_options.link)
+                                           : nullptr),
+      m_port(m_terminal ? *m_terminal : *m_options.port),
+      m_worker(std::make_unique<LineWorker>(scenario, clock, *m_responder, m_port))
 {}
 
 Simulator::~Simulator() = default;
@@ -18,15 +22,14 @@ bool Simulator::Start(std::string& error)
 {
     const std::scoped_lock lock(m_startMutex);
     if (!m_started) {
-        m_started =
-            m_responder->Prepare(m_options, error) && m_worker->Start(m_options.link, error);
+        m_started = m_responder->Prepare(m_options, error) && m_worker->Start(error);
     }
     return m_started;
 }
 
 std::string Simulator::PortPath() const
 {
-    return m_started ? m_worker->PortPath() : std::string();
+    return m_started ? m_port.Path() : std::string();
 }
 
 void Simulator::AddFault(const FaultRule& rule)

@@ -20,6 +20,7 @@
 namespace fieldcore::simulator {
 
 class LineWorker;
+class Port;
 class Responder;
 
 struct SimulatorOptions
@@ -31,6 +32,9 @@ struct SimulatorOptions
     std::filesystem::path recordFile;
     /// Answers come from this exchange log and not from the scenario's receiver. Empty: not.
     std::filesystem::path replayFile;
+    /// The receiver answers on this port in place of a pseudo-terminal; it must outlive the
+    /// simulator. Null: not.
+    Port* port = nullptr;
 };
 
 /// A receiver in software behind a pseudo-terminal, which a controller opens like any port.
@@ -101,6 +105,8 @@ public:
 private:
     const SimulatorOptions m_options;
     const std::unique_ptr<Responder> m_responder;
+    const std::unique_ptr<Port> m_terminal; // null where another port was given
+    Port& m_port;
     const std::unique_ptr<LineWorker> m_worker; // behind the responder, which it asks
     std::mutex m_startMutex;
     std::atomic<bool> m_started = false;

@@ -175,6 +175,12 @@ TEST(ProtocolDoc, TheReceiverGivesTheDocumentedAnswers)
     for (const Exchange& exchange : AllExchanges()) {
         SCOPED_TRACE(exchange.label);
         ASSERT_FALSE(exchange.answer.empty()) << "no answer is documented";
+        RequestParser parser;
+        std::optional<Request> heard;
+        for (const std::uint8_t byte : exchange.request.bytes) {
+            heard = parser.Feed(byte);
+        }
+        ASSERT_TRUE(heard && heard->kind == exchange.request.kind) << "is no good request";
         Receiver receiver(ScenarioFor(exchange.request), clock);
         // What another file leaves behind must not stand in a list.
         for (const char* index : {"00 01", "00 02"}) {

@@ -94,32 +94,6 @@ TEST(Simulator, EveryByteValuePassesUnchangedInBothDirections)
     EXPECT_EQ(heard, frame);
 }
 
-TEST(Simulator, RulesOfTheLineHoldOnThePort)
-{
-    struct Row
-    {
-        std::string_view rule;
-        std::string_view status; ///< what the status request is answered with, before the ACK
-    };
-    // A second request, answered with ACK, ends the wait for what does not come.
-    constexpr Row kRows[] = {
-        {"drop on 08", ""},
-        {"nak on 08", "15"},
-        {"nak-storm 3 on 08", "15 15 15"},
-        {"zero-length on 08", "02 00 09 00 09 03"},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.rule);
-        const auto simulator = WithFault(row.rule);
-        const Client client(simulator->PortPath());
-        Bytes expected = Hex(row.status);
-        expected.push_back(kAck);
-        ASSERT_TRUE(client.Send(kStatusRequest));
-        ASSERT_TRUE(client.Send(kAbortRequest));
-        EXPECT_EQ(client.Receive(expected.size()), expected);
-    }
-}
-
 TEST(Simulator, ClearedRulesAreGone)
 {
     const auto simulator = WithFault("nak");

@@ -4,6 +4,8 @@
 #include "core/host/ProgressBar.h"
 #include "core/link/Command.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <array>
 #include <cstdio>
@@ -19,14 +21,15 @@ namespace {
 using testing::Ascii;
 using testing::Bytes;
 using testing::Frame;
-using testing::ScriptedReceiver;
+using testing::ScriptedEnd;
+using testing::VirtualChannel;
 
-ScriptedReceiver::Answer Charge(const char* threeDigits)
+ScriptedEnd::Answer Charge(const char* threeDigits)
 {
     return {Frame(0x09, Ascii(std::string("1008000") + threeDigits + "01.85    09"))};
 }
 
-ScriptedReceiver::Answer Source(std::uint8_t number)
+ScriptedEnd::Answer Source(std::uint8_t number)
 {
     return {Frame(0x41, {number})};
 }
@@ -57,10 +60,10 @@ public:
 };
 
 /// Types of the requests that came.
-std::string Types(ScriptedReceiver& receiver)
+std::string Types(const ScriptedEnd& receiver)
 {
     std::string types;
-    for (const Bytes& request : receiver.Stop()) {
+    for (const Bytes& request : receiver.Requests()) {
         std::array<char, 8> type{};
         std::snprintf(type.data(), type.size(), "%02X ", request.size() > 2 ? request[2] : 0U);
         types += type.data();
@@ -70,12 +73,13 @@ std::string Types(ScriptedReceiver& receiver)
 
 TEST(BattLevel, AsksAtEveryFifteenthCall)
 {
-    ScriptedReceiver receiver(
-        {Charge("085"), Source(2), Charge("004"), Charge("036"), Source(1), Charge("050")});
+    VirtualChannel channel;
+    const ScriptedEnd receiver(channel.line, {Charge("085"), Source(2), Charge("004"),
+                                              Charge("036"), Source(1), Charge("050")});
     Window window;
-    CCommand command({&window, nullptr, nullptr, {}});
-    ASSERT_EQ(command.OpenPort(receiver.Path()), 1);
-    CBattLevel level(&command);
+    channel.command.SetHost(window);
+    channel.Open();
+    CBattLevel level(&channel.command);
     level.SetRecvTypeNum(3017);
     Bar bar;
     level.SetInit(&bar);
@@ -95,7 +99,6 @@ TEST(BattLevel, AsksAtEveryFifteenthCall)
     EXPECT_EQ(bar.positions.back(), 40);
     EXPECT_EQ(window.texts,
               (std::vector<std::pair<int, std::wstring>>{{1001, L"電源B"}, {1001, L"電源A"}}));
-    command.ClosePort();
     EXPECT_EQ(Types(receiver), "08 41 08 08 41 ") << "without a window no source is asked for";
 }
 
@@ -106,15 +109,15 @@ TEST(BattLevel, ShowsTheUpperEdgeOfTheBand)
         {"019", 20},  {"020", 30},  {"059", 60}, {"089", 90}, {"090", 100},
         {"095", 100}, {"109", 100}, {"110", 0},  {"999", 0},  {"-05", 0},
     };
-    std::vector<ScriptedReceiver::Answer> answers;
+    std::vector<ScriptedEnd::Answer> answers;
     for (const auto& [charge, level] : rows) {
         answers.push_back(Charge(charge));
     }
     answers.push_back({Bytes{0x15}});
-    ScriptedReceiver receiver(std::move(answers));
-    CCommand command;
-    ASSERT_EQ(command.OpenPort(receiver.Path()), 1);
-    CBattLevel battery(&command);
+    VirtualChannel channel;
+    const ScriptedEnd receiver(channel.line, std::move(answers));
+    channel.Open();
+    CBattLevel battery(&channel.command);
     for (const auto& [charge, level] : rows) {
         EXPECT_EQ(battery.GetBattLevel(), level) << charge;
     }
@@ -144,23 +147,24 @@ TEST(BattLevel, NamesThePowerSourceByFamily)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.type);
-        ScriptedReceiver receiver({Source(1), Source(2), Source(3), Source(4), {Bytes{0x15}}});
-        CCommand command;
-        ASSERT_EQ(command.OpenPort(receiver.Path()), 1);
-        CBattLevel level(&command);
+        VirtualChannel channel;
+        const ScriptedEnd receiver(channel.line,
+                                   {Source(1), Source(2), Source(3), Source(4), {Bytes{0x15}}});
+        channel.Open();
+        CBattLevel level(&channel.command);
         level.SetRecvTypeNum(row.type);
         for (const std::wstring& name : row.names) {
             EXPECT_EQ(level.GetBattPort(), name);
         }
     }
-    ScriptedReceiver receiver({Source(2)});
-    CCommand command;
-    ASSERT_EQ(command.OpenPort(receiver.Path()), 1);
-    CBattLevel level(&command);
+    VirtualChannel channel;
+    const ScriptedEnd receiver(channel.line, {Source(2)});
+    channel.Open();
+    CBattLevel level(&channel.command);
     level.SetRecvTypeNum(3010);
     EXPECT_EQ(level.GetBattPort(), L"電源1");
-    command.ClosePort();
-    EXPECT_TRUE(receiver.Stop().empty()) << "the oldest of its family does not know the request";
+    EXPECT_TRUE(receiver.Requests().empty())
+        << "the oldest of its family does not know the request";
 }
 
 } // namespace

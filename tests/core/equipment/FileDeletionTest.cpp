@@ -3,7 +3,6 @@
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/FilesFixture.h"
 
-#include <atomic>
 #include <string>
 #include <vector>
 
@@ -209,22 +208,19 @@ TEST_F(FileDeletionTest, StopsWhenTheUserDoesOrTheLinkIsGone)
     rows.SelectAll();
     command.SetFrameObserver([&](Direction direction, std::span<const std::uint8_t> frame) {
         if (direction == Direction::Sent && frame[2] == 0x9C) {
-            receiver->Stop();
-            receiver->End().HangUp();
+            line.HangUp();
         }
     });
     FileDeletion(*files).FileDelete();
     EXPECT_EQ(Names(), std::vector<std::wstring>{L"A"});
     command.SetFrameObserver({});
     // A cancelled look at the options is no reason to guess a name and delete it.
-    std::atomic<bool> silent = false;
+    bool silent = false;
     command.ClosePort();
-    receiver = std::make_unique<testing::ScriptedReceiver>(
-        [&](const testing::Bytes& request) -> testing::ScriptedReceiver::Answer {
-            return silent && request[2] == 0x06 ? testing::ScriptedReceiver::Answer{}
-                                                : script(request);
-        });
-    ASSERT_EQ(command.OpenPort(receiver->Path()), 1);
+    receiver.emplace(line, [&](const testing::Bytes& request) {
+        return silent && request[2] == 0x06 ? testing::ScriptedEnd::Answer{} : script(request);
+    });
+    ASSERT_EQ(command.OpenPort("in memory"), 1);
     files->GetFileData(*this);
     ASSERT_EQ(rows.Count(), 2);
     rows.SelectAll();

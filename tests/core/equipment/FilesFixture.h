@@ -2,13 +2,13 @@
 
 #include "core/equipment/ReceiverFiles.h"
 #include "core/link/Command.h"
-#include "core/platform/FastClock.h"
 #include "tests/core/link/FileServer.h"
+#include "tests/support/ScriptedEnd.h"
 
 #include <cstdio>
 #include <map>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -56,7 +56,7 @@ struct ReceiverScript
     std::map<std::string, Bytes> files; ///< that FileExists finds and the download delivers
     std::set<std::string> refused;      ///< names answered by NAK; "list NAME": the question for it
 
-    ScriptedReceiver::Answer operator()(const Bytes& request) const;
+    ScriptedEnd::Answer operator()(const Bytes& request) const;
 
     [[nodiscard]] static std::string NameOf(const Bytes& request)
     {
@@ -65,7 +65,7 @@ struct ReceiverScript
     }
 };
 
-inline ScriptedReceiver::Answer ReceiverScript::operator()(const Bytes& request) const
+inline ScriptedEnd::Answer ReceiverScript::operator()(const Bytes& request) const
 {
     switch (request[2]) {
     case 0x06:
@@ -114,10 +114,8 @@ protected:
     void Start(const ReceiverScript& script, int mode = ReceiverFiles::Live)
     {
         command.ClosePort();
-        receiver = std::make_unique<ScriptedReceiver>(script);
-        PortSettings settings;
-        settings.replyTimeout = std::chrono::seconds(10);
-        ASSERT_EQ(command.OpenPort(receiver->Path(), settings), 1) << command.LastError();
+        receiver.emplace(line, script);
+        ASSERT_EQ(command.OpenPort("in memory"), 1) << command.LastError();
         host.boxes.clear();
         files = std::make_unique<ReceiverFiles>(command);
         files->SetRows(&rows);
@@ -132,9 +130,8 @@ protected:
     /// What was sent that changes or fetches something, in words: "A0 NAME", "60 4".
     std::vector<std::string> Sent()
     {
-        command.ClosePort();
         std::vector<std::string> sent;
-        for (const Bytes& request : receiver->Stop()) {
+        for (const Bytes& request : receiver->Requests()) {
             char type[4];
             std::snprintf(type, sizeof type, "%02X ", request[2]);
             switch (request[2]) {
@@ -155,10 +152,11 @@ protected:
         return sent;
     }
 
-    FastClock clock{50.0};
+    VirtualClock clock;
+    VirtualLine line{clock};
     RecordingHost host;
-    CCommand command{{&host, &clock, nullptr, nullptr}};
-    std::unique_ptr<ScriptedReceiver> receiver;
+    CCommand command{{&host, &clock, nullptr, [this] { return line.MakeDevice(); }}};
+    std::optional<ScriptedEnd> receiver;
     FileRowList rows;
     std::unique_ptr<ReceiverFiles> files;
 };

@@ -5,6 +5,8 @@
 #include "core/link/Command.h"
 #include "tests/core/equipment/HandClock.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <chrono>
 #include <limits>
@@ -247,31 +249,30 @@ TEST(GPSError, ShowsOnlyAPdopThatIsOne)
 
 TEST(GPSError, AsksTheReceiverOverTheLine)
 {
-    testing::ScriptedReceiver receiver({
-        {Frame(0x15, Ascii("0054017"
-                           "2410"
-                           "17"))},
-        {Frame(0x09, Ascii("0"
-                           "0"
-                           "08"
-                           "000"
-                           "085"
-                           "01.8"
-                           "1"
-                           "    "
-                           "09"))},
-    });
+    testing::VirtualChannel channel;
+    const testing::ScriptedEnd receiver(channel.line, {
+                                                          {Frame(0x15, Ascii("0054017"
+                                                                             "2410"
+                                                                             "17"))},
+                                                          {Frame(0x09, Ascii("0"
+                                                                             "0"
+                                                                             "08"
+                                                                             "000"
+                                                                             "085"
+                                                                             "01.8"
+                                                                             "1"
+                                                                             "    "
+                                                                             "09"))},
+                                                      });
     HandClock clock;
-    CCommand command;
-    ASSERT_EQ(command.OpenPort(receiver.Path()), 1) << command.LastError();
-    CGPSError error(&command, &clock);
+    channel.Open();
+    CGPSError error(&channel.command, &clock);
     error.GetRETPOS3()->fixKind = 2;
     EXPECT_EQ(error.CheckTimeSynchro(), 1);
     EXPECT_EQ(error.GetUTCOffsetTime(), 17);
     error.GetRETPOS3()->fixKind = 0;
     EXPECT_EQ(error.CheckTimeSynchro(), 1);
-    command.ClosePort();
-    const std::vector<testing::Bytes> asked = receiver.Stop();
+    const std::vector<testing::Bytes>& asked = receiver.Requests();
     ASSERT_EQ(asked.size(), 2U);
     EXPECT_EQ(asked[0], Frame(0x14));
     EXPECT_EQ(asked[1], Frame(0x08));

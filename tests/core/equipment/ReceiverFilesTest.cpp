@@ -16,7 +16,7 @@ using testing::FilesTest;
 using testing::LarkRecord;
 using testing::PicaRecord;
 using testing::ReceiverScript;
-using testing::ScriptedReceiver;
+using testing::ScriptedEnd;
 
 const testing::Bytes kDay{0x07, 0xEA, 3, 14, 20, 30}; // 2026-03-14 20:30 UTC: the 15th
 
@@ -109,10 +109,8 @@ TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
         SCOPED_TRACE(code);
         ReceiverScript script;
         script.typeCode = code;
-        ScriptedReceiver far(script);
-        PortSettings settings;
-        settings.replyTimeout = std::chrono::seconds(10);
-        ASSERT_EQ(command.OpenPort(far.Path(), settings), 1);
+        const ScriptedEnd far(line, script);
+        ASSERT_EQ(command.OpenPort("in memory"), 1);
         CConnect connect(command, 0, {}); // the port is open: it has nothing to ask
         ReceiverFiles opened(command);
         EXPECT_EQ(opened.Open(connect), result);
@@ -138,8 +136,7 @@ TEST_F(ReceiverFilesTest, ClosingFollowsTheAnswer)
         Start(ReceiverScript{});
         EXPECT_EQ(files->CheckIDCANCEL(row.answer), row.closes);
         EXPECT_EQ(command.IsPortOpen(), row.closes == 1 ? 0 : 1);
-        command.ClosePort();
-        const auto requests = receiver->Stop();
+        const auto& requests = receiver->Requests();
         EXPECT_EQ(requests.back()[2] == 0x84, row.powersOff);
     }
 }

@@ -1,7 +1,8 @@
 #include "core/link/Command.h"
 
-#include "core/platform/FastClock.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <functional>
 #include <string_view>
@@ -11,26 +12,14 @@
 namespace fieldcore {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::Ascii;
 using testing::Bytes;
 using testing::Frame;
 using testing::Joined;
-using testing::ScriptedReceiver;
+using testing::ScriptedEnd;
 
-class CommandTest : public ::testing::Test
-{
-protected:
-    void Open(const ScriptedReceiver& receiver, std::chrono::milliseconds timeout)
-    {
-        PortSettings settings;
-        settings.replyTimeout = timeout;
-        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1) << command.LastError();
-    }
-
-    FastClock clock{50.0};
-    CCommand command{{nullptr, &clock, nullptr, nullptr}};
-};
+class CommandTest : public ::testing::Test, protected testing::VirtualChannel
+{};
 
 TEST_F(CommandTest, SendsTheseBytes)
 {
@@ -144,15 +133,14 @@ TEST_F(CommandTest, SendsTheseBytes)
          {2, 0, 0x85, 6, 1, 2, 3, 0, 0xB1, 0x42, 0x84, 3}},
     };
     // A refusal ends every request at once, so each is sent exactly once.
-    ScriptedReceiver receiver(std::vector<ScriptedReceiver::Answer>(std::size(rows), {{0x15}}));
-    Open(receiver, 20s);
+    const ScriptedEnd receiver(line, std::vector<ScriptedEnd::Answer>(std::size(rows), {{0x15}}));
+    Open();
     std::vector<Bytes> expected;
     for (const Row& row : rows) {
         row.send();
         expected.push_back(row.request);
     }
-    command.ClosePort();
-    const std::vector<Bytes> requests = receiver.Stop();
+    const std::vector<Bytes>& requests = receiver.Requests();
     ASSERT_EQ(requests.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(requests[i], expected[i]) << rows[i].name;
@@ -161,8 +149,8 @@ TEST_F(CommandTest, SendsTheseBytes)
 
 TEST_F(CommandTest, AnAnswerOfAnotherTypeFailsTheRequest)
 {
-    ScriptedReceiver receiver({{Frame(0x15, Bytes(60, '1'))}, {Frame(0x55, Bytes(60, 0))}});
-    Open(receiver, 5s);
+    const ScriptedEnd receiver(line, {{Frame(0x15, Bytes(60, '1'))}, {Frame(0x55, Bytes(60, 0))}});
+    Open();
     StatusReply status;
     status.batteryPercent = -7;
     EXPECT_EQ(command.RequestStatus(status), 0);
@@ -175,8 +163,8 @@ TEST_F(CommandTest, AnAnswerOfAnotherTypeFailsTheRequest)
 
 TEST_F(CommandTest, HostDataStaysInTheBuffer)
 {
-    ScriptedReceiver receiver({{Frame(0x33, {0x12, 0x34})}});
-    Open(receiver, 5s);
+    const ScriptedEnd receiver(line, {{Frame(0x33, {0x12, 0x34})}});
+    Open();
     ASSERT_EQ(command.RequestHostData(1, 2), 1);
     EXPECT_EQ(command.GetWord(), 0x1234);
 }
@@ -197,7 +185,7 @@ TEST_F(CommandTest, CollectsAListInSeveralFrames)
     struct Row
     {
         std::string_view fault;
-        ScriptedReceiver::Answer pieces;
+        ScriptedEnd::Answer pieces;
         int result;
         std::size_t satellites;
     };
@@ -217,8 +205,9 @@ TEST_F(CommandTest, CollectsAListInSeveralFrames)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        ScriptedReceiver receiver({row.pieces, {Frame(0x09, Ascii("1008000080 1.85    10"))}});
-        Open(receiver, 5s);
+        const ScriptedEnd receiver(line,
+                                   {row.pieces, {Frame(0x09, Ascii("1008000080 1.85    10"))}});
+        Open();
         SatelliteList list;
         EXPECT_EQ(command.RequestSvList(list, SatelliteListForm::InView), row.result)
             << command.LastError();
@@ -228,7 +217,6 @@ TEST_F(CommandTest, CollectsAListInSeveralFrames)
         EXPECT_TRUE(command.RequestStatus(status) == 1 ||
                     (row.result == 1 && command.RequestStatus(status) == 1))
             << "what was left of the list spoils the line: " << command.LastError();
-        command.ClosePort();
     }
 }
 
@@ -253,13 +241,12 @@ TEST_F(CommandTest, IdentifiesAfterABreak)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        ScriptedReceiver receiver({{row.answer}});
-        Open(receiver, 5s);
+        const ScriptedEnd receiver(line, {{row.answer}});
+        Open();
         IdentificationRecord record;
         EXPECT_EQ(command.RequestIdentity(record), row.result);
         EXPECT_EQ(command.Fault(), row.reason);
-        command.ClosePort();
-        EXPECT_EQ(receiver.Stop(), (std::vector<Bytes>{{0x00}})) << "a BREAK is sent once";
+        EXPECT_EQ(receiver.Requests(), (std::vector<Bytes>{{0x00}})) << "a BREAK is sent once";
     }
 }
 

@@ -1,12 +1,13 @@
 #include "core/link/Command.h"
 
-#include "core/platform/FastClock.h"
 #include "simulator/ReceiverFile.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/core/link/FileServer.h"
 #include "tests/core/link/HostileNames.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <atomic>
 #include <fstream>
@@ -24,11 +25,10 @@ namespace fieldcore {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using testing::Block;
 using testing::Blocks;
 using testing::Bytes;
-using testing::ScriptedReceiver;
+using testing::ScriptedEnd;
 
 constexpr std::size_t kBlocks = 8;
 constexpr std::size_t kSize = kBlocks * testing::kBlockBytes - 300;
@@ -52,7 +52,7 @@ enum class Damage
 class FileServer
 {
 public:
-    ScriptedReceiver::Answer operator()(const Bytes& request)
+    ScriptedEnd::Answer operator()(const Bytes& request)
     {
         if (request[2] == 0x08) {
             return {testing::Frame(0x09, testing::Ascii("1008000080 1.85    10"))};
@@ -169,26 +169,12 @@ private:
     PosixFileOperations m_real;
 };
 
-class BreathingHost : public Host
-{
-public:
-    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
-    {
-        return BoxAnswer::Ok;
-    }
-    bool Breathe() override { return !std::exchange(cancel, false); }
-
-    bool cancel = false;
-};
-
-class DownloadTest : public ::testing::Test
+class DownloadTest : public ::testing::Test, protected testing::VirtualChannel
 {
 protected:
-    void Open(const ScriptedReceiver& receiver)
+    DownloadTest()
     {
-        PortSettings settings;
-        settings.replyTimeout = 10s; // real 200 ms, for a machine that is busy
-        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1) << command.LastError();
+        host.inBreath = [this] { return !std::exchange(cancel, false); };
     }
     std::int64_t Download(std::uint32_t size = kSize, const CCommand::BytesArrived& arrived = {})
     {
@@ -211,9 +197,7 @@ protected:
         return count;
     }
 
-    FastClock clock{50.0};
-    BreathingHost host;
-    CCommand command{{&host, &clock, nullptr, nullptr}};
+    bool cancel = false; // at the next breath
     TemporaryFolder folder;
 };
 
@@ -254,12 +238,12 @@ TEST_F(DownloadTest, MakesGoodWhatIsDamaged)
             server.at = static_cast<std::size_t>(round) % kBlocks;
             server.content.resize(kSize - static_cast<std::size_t>(round) * 13);
             const Bytes content = server.content;
-            ScriptedReceiver receiver(server);
-            Open(receiver);
+            const ScriptedEnd receiver(line, server);
+            Open();
             const std::int64_t bytes = Download(static_cast<std::uint32_t>(content.size()));
             ExpectCleanLine();
             command.ClosePort();
-            const std::size_t asks = Count(receiver.Stop(), 0x96);
+            const std::size_t asks = Count(receiver.Requests(), 0x96);
             if (row.asks != 0) {
                 EXPECT_EQ(asks, row.asks);
             }
@@ -304,8 +288,8 @@ TEST_F(DownloadTest, TakesExactlyTheAnnouncedSize)
         fs::remove_all(folder.Path() / "day");
         FileServer server;
         server.content = testing::Content(row.size);
-        ScriptedReceiver receiver(server);
-        Open(receiver);
+        const ScriptedEnd receiver(line, server);
+        Open();
         EXPECT_EQ(Download(row.announced), row.bytes) << command.LastError();
         ExpectCleanLine();
         const bool arrived = row.bytes == row.announced;
@@ -335,14 +319,14 @@ TEST_F(DownloadTest, SaysWhyTheReceiverDoesNotSend)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        ScriptedReceiver receiver([&](const Bytes& request) {
-            return ScriptedReceiver::Answer{request[2] == 0x96 ? row.answer : Bytes{testing::kAck}};
+        const ScriptedEnd receiver(line, [&](const Bytes& request) {
+            return ScriptedEnd::Answer{request[2] == 0x96 ? row.answer : Bytes{testing::kAck}};
         });
-        Open(receiver);
+        Open();
         EXPECT_EQ(Download(), -1);
         EXPECT_EQ(command.GetDownloadFault(), row.why);
         command.ClosePort();
-        EXPECT_EQ(Count(receiver.Stop(), 0x96), 1U);
+        EXPECT_EQ(Count(receiver.Requests(), 0x96), 1U);
     }
 }
 
@@ -374,15 +358,15 @@ TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
             command.SetFileOperations(operations);
             FileServer server;
             server.content = testing::Content(kLong);
-            ScriptedReceiver receiver(server);
-            Open(receiver);
+            const ScriptedEnd receiver(line, server);
+            Open();
             EXPECT_EQ(Download(kLong), -1);
             EXPECT_EQ(command.GetDownloadFault(), row.why);
             EXPECT_EQ(command.GetFileError(), operations.kFull);
             EXPECT_EQ(Read(File()), before);
             ExpectCleanLine();
             command.ClosePort();
-            EXPECT_EQ(Count(receiver.Stop(), 0x5A), row.call == Call::Write ? 1U : 0U);
+            EXPECT_EQ(Count(receiver.Requests(), 0x5A), row.call == Call::Write ? 1U : 0U);
             ASSERT_FALSE(HasFailure());
         }
     }
@@ -398,16 +382,15 @@ TEST_F(DownloadTest, TheFolderMayVanishAndTheCableBePulled)
             server.at = 1 + static_cast<std::size_t>(round) % (kBlocks - 1);
             server.damage = pulled ? Damage::Half : Damage::None; // no byte more can be on its way
             server.times = 1;
-            ScriptedReceiver receiver(server);
-            Open(receiver);
+            const ScriptedEnd receiver(line, server);
+            Open();
             const auto before = static_cast<std::uint32_t>(server.at * testing::kBlockBytes);
             EXPECT_EQ(Download(kSize,
                                [&](std::uint32_t arrived) {
                                    if (arrived == before && !pulled) {
                                        fs::remove_all(folder.Path() / "day");
                                    } else if (arrived == before) {
-                                       receiver.Stop();
-                                       receiver.End().HangUp();
+                                       line.HangUp();
                                    }
                                    return true;
                                }),
@@ -429,11 +412,11 @@ TEST_F(DownloadTest, GetsWholeFilesFromAReceiverThatBreaksThem)
     std::string error;
     const auto scenario = simulator::LoadScenario("broken-files", error);
     ASSERT_TRUE(scenario) << error;
-    simulator::Simulator receiver(*scenario);
+    simulator::SimulatorOptions options;
+    options.port = &line.FarPort();
+    simulator::Simulator receiver(*scenario, clock, options);
     ASSERT_TRUE(receiver.Start(error)) << error;
-    PortSettings settings;
-    settings.replyTimeout = 20s;
-    ASSERT_EQ(command.OpenPort(receiver.PortPath(), settings), 1) << command.LastError();
+    Open();
     const auto files = receiver.Files();
     ASSERT_EQ(files.size(), 3U);
     for (const simulator::ReceiverFile& file : files) {
@@ -459,15 +442,16 @@ TEST_F(DownloadTest, NoticesLostBytesThatTheSumDoesNotShow)
     const auto sum = std::accumulate(merged.begin() + 1, merged.end() - 2, 0U);
     server.content[0] += static_cast<std::uint8_t>(merged[merged.size() - 2] - sum);
     bool isFirst = true;
-    ScriptedReceiver receiver([&](const Bytes& request) {
-        ScriptedReceiver::Answer answer = server(request);
+    const ScriptedEnd receiver(line, [&](const Bytes& request) {
+        ScriptedEnd::Answer answer = server(request);
         if (request[2] == 0x96 && std::exchange(isFirst, false)) {
-            const auto end = answer[0].begin() + static_cast<std::ptrdiff_t>(blocks[0].size());
-            answer[0].erase(end - kLost, end);
+            Bytes& sent = answer[0].bytes;
+            const auto end = sent.begin() + static_cast<std::ptrdiff_t>(blocks[0].size());
+            sent.erase(end - kLost, end);
         }
         return answer;
     });
-    Open(receiver);
+    Open();
     EXPECT_EQ(Download(), kSize) << command.LastError();
     EXPECT_TRUE(Read(File()) == server.content);
 }
@@ -478,8 +462,8 @@ TEST_F(DownloadTest, CancelsWithinOneBlock)
         for (int round = 0; round < kRounds; ++round) {
             SCOPED_TRACE(std::to_string(byHost) + " " + std::to_string(round));
             FileServer server;
-            ScriptedReceiver receiver(server);
-            Open(receiver);
+            const ScriptedEnd receiver(line, server);
+            Open();
             const auto at =
                 static_cast<std::uint32_t>(1 + static_cast<std::size_t>(round) % (kBlocks - 1));
             std::uint32_t seen = 0;
@@ -487,7 +471,7 @@ TEST_F(DownloadTest, CancelsWithinOneBlock)
                                [&](std::uint32_t arrived) {
                                    seen = arrived;
                                    const bool now = arrived == at * testing::kBlockBytes;
-                                   host.cancel = byHost && now;
+                                   cancel = byHost && now;
                                    return byHost || !now;
                                }),
                       -1);
@@ -497,7 +481,7 @@ TEST_F(DownloadTest, CancelsWithinOneBlock)
             EXPECT_FALSE(fs::exists(File()));
             ExpectCleanLine();
             command.ClosePort();
-            EXPECT_EQ(Count(receiver.Stop(), 0x5A), 1U);
+            EXPECT_EQ(Count(receiver.Requests(), 0x5A), 1U);
             ASSERT_FALSE(HasFailure());
         }
     }
@@ -506,8 +490,8 @@ TEST_F(DownloadTest, CancelsWithinOneBlock)
 TEST_F(DownloadTest, HostileNamesWriteAndSendNothing)
 {
     FileServer server;
-    ScriptedReceiver receiver(server);
-    Open(receiver);
+    const ScriptedEnd receiver(line, server);
+    Open();
     const fs::path target = folder.Path() / "outer" / "inner";
     fs::create_directories(target);
     for (const std::wstring_view name : testing::kHostileNames) {
@@ -522,7 +506,7 @@ TEST_F(DownloadTest, HostileNamesWriteAndSendNothing)
     EXPECT_EQ(command.DownloadFile(target, L"A.Q01", kSize), -1);
     EXPECT_FALSE(fs::exists(folder.Path() / "elsewhere"));
     command.ClosePort();
-    EXPECT_TRUE(receiver.Stop().empty());
+    EXPECT_TRUE(receiver.Requests().empty());
     // Names as receivers give them, which look a little alike.
     for (const std::wstring_view name : {L"A0314A00.Q01", L"COM.Q01", L"CONE.Q01", L"COM10.Q01",
                                          L".Q01", L"a..b", L"測点／１.Q01", L"a b.Q02"}) {

@@ -1,6 +1,8 @@
 #include "tests/core/link/FarEnd.h"
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -113,59 +115,6 @@ void FarEnd::HangUp()
         close(m_slave);
         close(m_master);
         m_master = -1;
-    }
-}
-
-ScriptedReceiver::ScriptedReceiver(std::vector<Answer> answers)
-    : ScriptedReceiver([answers = std::move(answers), next = std::size_t{0}](const Bytes&) mutable {
-          return next < answers.size() ? answers[next++] : Answer();
-      })
-{}
-
-ScriptedReceiver::ScriptedReceiver(std::function<Answer(const Bytes&)> answer, Each)
-    : m_answer(std::move(answer)), m_thread([this](const std::stop_token& stop) { Run(stop); })
-{}
-
-ScriptedReceiver::~ScriptedReceiver()
-{
-    Stop();
-}
-
-std::vector<Bytes> ScriptedReceiver::Stop()
-{
-    m_thread.request_stop();
-    if (m_thread.joinable()) {
-        m_thread.join();
-    }
-    return m_requests;
-}
-
-void ScriptedReceiver::Run(const std::stop_token& stop)
-{
-    Bytes pending;
-    while (!stop.stop_requested()) {
-        const Bytes more = m_farEnd.ReceiveAll();
-        if (more.empty()) {
-            std::this_thread::sleep_for(std::chrono::microseconds(200));
-            continue;
-        }
-        pending.insert(pending.end(), more.begin(), more.end());
-        for (;;) {
-            const std::size_t length = pending.empty()      ? 0
-                                       : pending[0] == 0x00 ? 1
-                                       : pending.size() < 4 ? 0
-                                                            : std::size_t{pending[3]} + 6;
-            if (length == 0 || pending.size() < length) {
-                break;
-            }
-            const auto end = pending.begin() + static_cast<std::ptrdiff_t>(length);
-            m_requests.emplace_back(pending.begin(), end);
-            pending.erase(pending.begin(), end);
-            for (const Bytes& piece : m_answer(m_requests.back())) {
-                m_farEnd.Send(piece);
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        }
     }
 }
 

@@ -1,8 +1,9 @@
 #include "core/link/Command.h"
 
-#include "core/platform/FastClock.h"
 #include "tests/core/link/FileServer.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <functional>
 #include <string_view>
@@ -20,7 +21,7 @@ using testing::Frame;
 using testing::LarkRecord;
 using testing::Page;
 using testing::PicaRecord;
-using testing::ScriptedReceiver;
+using testing::ScriptedEnd;
 
 const Bytes kDay{0x07, 0xEA, 3, 14, 1, 30};
 
@@ -54,19 +55,9 @@ std::vector<Window::Message> Posted(const std::vector<std::intptr_t>& indexes)
     return messages;
 }
 
-class FileCommandsTest : public ::testing::Test
+class FileCommandsTest : public ::testing::Test, protected testing::VirtualChannel
 {
 protected:
-    void Open(const ScriptedReceiver& receiver, std::chrono::milliseconds timeout = 2s)
-    {
-        PortSettings settings;
-        settings.replyTimeout = timeout;
-        command.ClosePort();
-        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1) << command.LastError();
-    }
-
-    FastClock clock{20.0};
-    CCommand command{{nullptr, &clock, nullptr, nullptr}};
     DirectoryTable table{};
     Window window;
     TemporaryFolder folder;
@@ -119,11 +110,10 @@ TEST_F(FileCommandsTest, SendsTheseBytes)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        ScriptedReceiver receiver({{Bytes{testing::kNak}}});
-        Open(receiver);
+        const ScriptedEnd receiver(line, {{Bytes{testing::kNak}}});
+        Open();
         row.send();
-        command.ClosePort();
-        const auto requests = receiver.Stop();
+        const auto& requests = receiver.Requests();
         ASSERT_EQ(requests.size(), row.request.empty() ? 0U : 1U);
         EXPECT_TRUE(row.request.empty() || requests[0] == row.request);
     }
@@ -131,8 +121,8 @@ TEST_F(FileCommandsTest, SendsTheseBytes)
 
 TEST_F(FileCommandsTest, ANameThatWouldReachAnotherFileIsNotSent)
 {
-    ScriptedReceiver receiver([](const Bytes&) { return ScriptedReceiver::Answer{{0x06}}; });
-    Open(receiver);
+    const ScriptedEnd receiver(line, [](const Bytes&) { return ScriptedEnd::Answer{{0x06}}; });
+    Open();
     // The last one has 8 characters and 16 bytes.
     for (const std::wstring_view name :
          {L"", L"A*.Q01", L"?.Q01", L"ABCDEFGHIJKLMNO", L"測量測量測量測量"}) {
@@ -143,8 +133,7 @@ TEST_F(FileCommandsTest, ANameThatWouldReachAnotherFileIsNotSent)
         EXPECT_EQ(command.Fault(), CommandFault::TooLong);
     }
     EXPECT_EQ(command.DeleteFile_Lark(L"ABCDEFGHIJKLMN"), 1);
-    command.ClosePort();
-    EXPECT_EQ(receiver.Stop().size(), 1U);
+    EXPECT_EQ(receiver.Requests().size(), 1U);
 }
 
 TEST_F(FileCommandsTest, APicaListsWhatFitsTheMode)
@@ -157,8 +146,8 @@ TEST_F(FileCommandsTest, APicaListsWhatFitsTheMode)
     const std::vector<Bytes> rest{PicaRecord(50, "J", 0x00, kDay)};
     for (const int mode : {1, 0}) {
         SCOPED_TRACE(mode);
-        ScriptedReceiver receiver({{Page(0x79, 0, full)}, {Page(0x79, 1, rest)}});
-        Open(receiver);
+        const ScriptedEnd receiver(line, {{Page(0x79, 0, full)}, {Page(0x79, 1, rest)}});
+        Open();
         window.messages.clear();
         EXPECT_EQ(command.RequestFiles_Pica(mode, 3010, table, &window), 1) << command.LastError();
         EXPECT_EQ(window.messages, mode == 1 ? Posted({0, 3, 5, 7, 8, 9}) : Posted({2, 6}));
@@ -180,23 +169,22 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
             const Bytes page = Page(0x9D, last && i == count - 1 ? number | 0x80 : number, larks);
             all.insert(all.end(), page.begin(), page.end());
         }
-        return ScriptedReceiver::Answer{all};
+        return ScriptedEnd::Answer{all};
     };
     struct Row
     {
         std::string_view fault;
         bool pica;
-        std::function<ScriptedReceiver::Answer(const Bytes&)> answer;
+        std::function<ScriptedEnd::Answer(const Bytes&)> answer;
         int result;
         std::size_t records;
         std::size_t requests; ///< with the abort
     };
     const Row rows[] = {
         {"Pica without end", true,
-         [&](const Bytes& r) { return ScriptedReceiver::Answer{Page(0x79, r[4], picas)}; }, 1, 512,
-         57},
+         [&](const Bytes& r) { return ScriptedEnd::Answer{Page(0x79, r[4], picas)}; }, 1, 512, 57},
         {"Pica answers with another page", true,
-         [&](const Bytes&) { return ScriptedReceiver::Answer{Page(0x79, 1, picas)}; }, 0, 0, 1},
+         [&](const Bytes&) { return ScriptedEnd::Answer{Page(0x79, 1, picas)}; }, 0, 0, 1},
         {"Lark with 64 pages", false, [&](const Bytes&) { return larkPages(64, 1, true); }, 1, 512,
          1},
         {"Lark with more files than fit", false,
@@ -212,21 +200,20 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        ScriptedReceiver receiver([&](const Bytes& request) {
-            return request[2] == 0x5A ? ScriptedReceiver::Answer{{testing::kAck}}
-                                      : row.answer(request);
+        const ScriptedEnd receiver(line, [&](const Bytes& request) {
+            return request[2] == 0x5A ? ScriptedEnd::Answer{{testing::kAck}} : row.answer(request);
         });
-        Open(receiver);
+        Open();
         window.messages.clear();
         EXPECT_EQ(row.pica ? command.RequestFiles_Pica(1, 3010, table, &window)
                            : command.RequestFiles_Lark(L"*.Q01", table, &window),
                   row.result)
             << command.LastError();
-        command.ClosePort();
         EXPECT_EQ(window.messages.size(), row.records + 1);
         EXPECT_EQ(window.messages.back(), (Window::Message{0x8005, 1, 0}));
-        EXPECT_EQ(receiver.Stop().size(), row.requests);
+        EXPECT_EQ(receiver.Requests().size(), row.requests);
     }
+    command.ClosePort();
     window.messages.clear();
     EXPECT_EQ(command.RequestFiles_Lark(L"*.Q01", table, &window), 0) << "no port";
     EXPECT_EQ(window.messages, Posted({}));
@@ -234,18 +221,6 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
 
 TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
 {
-    class Impatient : public Host
-    {
-    public:
-        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
-        {
-            return BoxAnswer::Cancel;
-        }
-        bool Breathe() override { return std::exchange(m_patient, true); }
-
-    private:
-        bool m_patient = false;
-    };
     struct Row
     {
         std::string_view what;
@@ -258,18 +233,15 @@ TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        ScriptedReceiver receiver([](const Bytes& request) {
-            return request[2] == 0x5A ? ScriptedReceiver::Answer{{testing::kAck}}
-                                      : ScriptedReceiver::Answer{};
+        const ScriptedEnd receiver(line, [](const Bytes& request) {
+            return request[2] == 0x5A ? ScriptedEnd::Answer{{testing::kAck}}
+                                      : ScriptedEnd::Answer{};
         });
-        Open(receiver);
-        Impatient host;
-        command.SetHost(host);
+        Open();
+        host.inBreath = [isPatient = false]() mutable { return std::exchange(isPatient, true); };
         EXPECT_EQ(row.ask(), 0);
         EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-        command.ClosePort();
-        command.SetHost(SilentHost::Instance());
-        const auto requests = receiver.Stop();
+        const auto& requests = receiver.Requests();
         ASSERT_EQ(requests.size(), 2U);
         EXPECT_EQ(requests[1][2], 0x5A);
     }
@@ -293,8 +265,8 @@ TEST_F(FileCommandsTest, AFileExistsUnderExactlyItsName)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        ScriptedReceiver receiver({{row.answer}});
-        Open(receiver);
+        const ScriptedEnd receiver(line, {{row.answer}});
+        Open();
         EXPECT_EQ(command.FileExists(L"A.Q1D"), row.exists) << command.LastError();
     }
 }

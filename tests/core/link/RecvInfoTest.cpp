@@ -2,8 +2,9 @@
 
 #include "core/link/Command.h"
 #include "core/link/ReceiverTypes.h"
-#include "core/platform/FastClock.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <algorithm>
 #include <functional>
@@ -15,11 +16,10 @@
 namespace fieldcore {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::Ascii;
 using testing::Bytes;
 using testing::Frame;
-using testing::ScriptedReceiver;
+using testing::ScriptedEnd;
 
 Bytes Serial(const std::string& navVersion)
 {
@@ -51,24 +51,20 @@ Bytes Extended(std::initializer_list<OptionByte> bytes)
     return Frame(0x4B, data);
 }
 
-class RecvInfoTest : public ::testing::Test
+class RecvInfoTest : public ::testing::Test, protected testing::VirtualChannel
 {
 protected:
     /// Reads everything from a receiver that answers so.
-    int Read(std::vector<ScriptedReceiver::Answer> answers)
+    int Read(std::vector<ScriptedEnd::Answer> answers)
     {
-        ScriptedReceiver receiver(std::move(answers));
-        PortSettings settings;
-        settings.replyTimeout = 20s; // 200 ms on a watch; every request is answered
-        EXPECT_EQ(command.OpenPort(receiver.Path(), settings), 1);
+        const ScriptedEnd receiver(line, std::move(answers));
+        Open();
         const int result = info.GetOptionData(command);
         command.ClosePort();
-        requests = receiver.Stop();
+        requests = receiver.Requests();
         return result;
     }
 
-    FastClock clock{100.0};
-    CCommand command{{nullptr, &clock, nullptr, nullptr}};
     CRecvInfo info;
     std::vector<Bytes> requests;
 };
@@ -245,23 +241,21 @@ TEST_F(RecvInfoTest, ThreeOhThreeTwoHasBluetooth)
 
 TEST_F(RecvInfoTest, FreeFunctionsTryFiveTimes)
 {
-    const ScriptedReceiver::Answer serial{Serial("00443")};
-    const ScriptedReceiver::Answer options{Options({{44, '2'}})};
-    const ScriptedReceiver::Answer nak{{0x15}};
-    PortSettings settings;
-    settings.replyTimeout = 20s; // 200 ms on a watch; every request is answered
+    const ScriptedEnd::Answer serial{Serial("00443")};
+    const ScriptedEnd::Answer options{Options({{44, '2'}})};
+    const ScriptedEnd::Answer nak{{0x15}};
     {
-        ScriptedReceiver receiver({nak, serial, nak, nak, nak, serial, options});
-        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1);
+        const ScriptedEnd receiver(line, {nak, serial, nak, nak, nak, serial, options});
+        Open();
         EXPECT_EQ(GetRecvTypeNum(command), 3012U);
         command.ClosePort();
     }
     {
-        ScriptedReceiver receiver({nak, nak, nak, nak, nak, serial, options});
-        ASSERT_EQ(command.OpenPort(receiver.Path(), settings), 1);
+        const ScriptedEnd receiver(line, {nak, nak, nak, nak, nak, serial, options});
+        Open();
         EXPECT_EQ(GetRecvVer(command), 0.0);
         command.ClosePort();
-        EXPECT_EQ(receiver.Stop().size(), 5U);
+        EXPECT_EQ(receiver.Requests().size(), 5U);
     }
 }
 
