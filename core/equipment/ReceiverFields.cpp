@@ -15,6 +15,7 @@
 #include <cassert>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 #include <numbers>
 #include <type_traits>
 #include <utility>
@@ -32,7 +33,7 @@ constexpr std::chrono::hours kJst{9}; // Japan has no daylight saving time
 constexpr double kLargestDop = 99.8;  // 99.9 says that there is none
 constexpr int kSecondDecimals = 4;    // of an arc second: 3 mm
 constexpr int kDegreeDecimals = 8;    // about a millimetre
-constexpr std::uint8_t kMetreDecimals = 3;
+constexpr seconds kUsual{10};
 constexpr seconds kSeldom{75}; // what is asked for at every fifteenth round
 
 // In the order of their numbers.
@@ -141,324 +142,217 @@ const ReceiverType* TypeOf(R r)
     return FindReceiverType(r.identity.TypeNumber());
 }
 
+/// A member of the options.
+template <auto Member>
+Known Option(R r, V /*view*/)
+{
+    return r.identity.options ? Known(Made((*r.identity.options).*Member)) : std::nullopt;
+}
+
+Known Model(R r, V /*view*/)
+{
+    const ReceiverType* const type = TypeOf(r);
+    return type != nullptr ? TextOf(type->model) : std::nullopt;
+}
+
+Known Family(R r, V /*view*/)
+{
+    const ReceiverType* const type = TypeOf(r);
+    return type != nullptr ? Known(&kFamilies[static_cast<std::size_t>(type->family)])
+                           : std::nullopt;
+}
+
+Known SecondsOfWeek(R r, V /*view*/)
+{
+    return Synchronised(r, [](const ReceiverTime& t) { // it tells whole ones
+        return Made(static_cast<std::int64_t>(t.secondsOfWeek));
+    });
+}
+
+Known ControllerAhead(R r, V /*view*/)
+{
+    return Synchronised(r, [](const ReceiverTime& t) {
+        return Made(std::chrono::duration<double>(t.controllerAhead).count());
+    });
+}
+
+Known ControllerClock(R r, V view)
+{
+    const Term& other = view.maySetClock ? kClockRefused : kClockLeft;
+    const bool isSet = r.clockChange && r.clockChange->isSet;
+    return Synchronised(
+        r, [&](const ReceiverTime&) { return FieldValue(isSet ? &kClockSet : &other); });
+}
+
+Known Fix(R r, V /*view*/)
+{
+    const int kind = r.position ? r.position->value.fixKind : -1;
+    const bool isKind = kind >= 0 && kind < static_cast<int>(kFixes.size());
+    return isKind ? Known(&kFixes[static_cast<std::size_t>(kind)]) : std::nullopt;
+}
+
+Known Height(R r, V /*view*/)
+{
+    const SiteReply* const place = PlaceOf(r);
+    return place != nullptr ? Known(place->heightM) : std::nullopt;
+}
+
+Known Zone(R r, V view)
+{
+    const std::optional<PlanePlace> plane = PlaneOf(r, view);
+    return plane ? Known(Made(plane->zone)) : std::nullopt;
+}
+
+Known PowerSource(R r, V /*view*/)
+{
+    return r.powerSource ? Known(Made(r.powerSource->value)) : std::nullopt;
+}
+
+Known NameOfPowerSource(R r, V /*view*/)
+{
+    return r.powerSource ? Known(PowerSourceName(r.identity.TypeNumber(), r.powerSource->value))
+                         : std::nullopt;
+}
+
+Known Trend(R r, V /*view*/)
+{
+    return r.trend ? Known(r.trend->percentPerHour) : std::nullopt;
+}
+
+Known TimeLeft(R r, V /*view*/)
+{
+    return r.trend && r.trend->left
+               ? Known(std::chrono::floor<std::chrono::minutes>(*r.trend->left))
+               : std::nullopt;
+}
+
+Known FreeMemory(R r, V /*view*/)
+{
+    return r.status ? Known(Made(r.status->value.freeMemoryTenths * 10)) : std::nullopt;
+}
+
+/// Blank: none runs.
+Known Survey(R r, V /*view*/)
+{
+    return r.status ? Known(TextOf(r.status->value.survey.c_str()).value_or(std::wstring()))
+                    : std::nullopt;
+}
+
 using F = ReceiverField;
 using S = FieldSource;
-constexpr unsigned kEverywhere = F::Report | F::PositionReport | F::Page;
 
-constexpr std::
-    array
-        kFields{
-            // Who it is
-            F{"model", "model", text::kVersionModel, F::Who | F::Version, S::Identity,
-              [](R r, V) {
-                  return TypeOf(r) != nullptr ? TextOf(TypeOf(r)->model) : std::nullopt;
-              }},
-            F{.key = "typeNumber",
-              .label = "type number",
-              .textId = text::kVersionTypeNumber,
-              .places = F::Who | F::Version,
-              .source = S::Identity,
-              .read = [](R r, V) { return Known(Made(r.identity.TypeNumber())); },
-              .least = 1},
-            F{"typeText", "type text", text::kVersionType, F::Who | F::Version, S::Identity,
-              [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvType()); }},
-            F{"family", "family", 0, F::Who, S::Identity,
-              [](R r, V) {
-                  return TypeOf(r) != nullptr
-                             ? Known(&kFamilies[static_cast<std::size_t>(TypeOf(r)->family)])
-                             : std::nullopt;
-              }},
-            F{"serial", "serial number", text::kVersionSerial, F::Who | F::Version, S::Identity,
-              [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSN()); }},
-            F{"longSerial", "long serial number", text::kVersionLongSerial, F::Who | F::Version,
-              S::Identity, [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSNLong()); }},
-            F{.key = "navigationFirmware",
-              .label = "navigation firmware",
-              .textId = text::kVersionNav,
-              .places = F::Who | F::Firmware,
-              .source = S::Identity,
-              .read = [](R r, V) { return Known(CRecvInfo(r.identity).GetNavVer()); },
-              .decimals = 2,
-              .least = 0.01},
-            F{.key = "signalFirmware",
-              .label = "signal firmware",
-              .textId = text::kVersionSig,
-              .places = F::Who | F::Firmware,
-              .source = S::Identity,
-              .read = [](R r, V) { return Known(CRecvInfo(r.identity).GetSigVer()); },
-              .decimals = 2,
-              .least = 0.01},
-            F{.key = "bootFirmware",
-              .label = "boot firmware",
-              .textId = text::kVersionBoot,
-              .places = F::Who | F::Firmware,
-              .source = S::Identity,
-              .read = [](R r, V) { return Known(CRecvInfo(r.identity).GetBootVer()); },
-              .decimals = 2,
-              .least = 0.01},
-            F{.key = "memoryMb",
-              .label = "memory",
-              .textId = text::kVersionMemory,
-              .places = F::Who | F::Version,
-              .source = S::Identity,
-              .read = [](R r, V) { return Known(Made(CRecvInfo(r.identity).GetRecvMemory())); },
-              .unit = "MB",
-              .least = 1},
-            F{"port", "port in use", 0, F::Who, S::Identity,
-              [](R r, V) {
-                  return r.identity.options ? Known(Made(r.identity.options->currentPort))
-                                            : std::nullopt;
-              }},
-            F{"ports", "ports", 0, F::Who, S::Identity,
-              [](R r, V) {
-                  return r.identity.options ? Known(Made(r.identity.options->portCount))
-                                            : std::nullopt;
-              }},
+constexpr unsigned kWho = F::Who | F::Version;
+constexpr unsigned kFirmware = F::Who | F::Firmware;
+constexpr unsigned kStatus = F::Report | F::Page;
+constexpr unsigned kPosition = F::PositionReport | F::Page;
 
-            // Its time
-            F{"utc", "time", text::kStatusUtc, F::Report | F::Page, S::Time,
-              [](R r, V) { return MomentOf(r, false); }},
-            F{"jst", "", text::kStatusJst, F::Report | F::Page, S::Time,
-              [](R r, V) { return MomentOf(r, true); }},
-            F{.key = "gpsWeek",
-              .label = "GPS week",
-              .textId = 0,
-              .places = F::Report,
-              .source = S::Time,
-              .read = &Told<&Receiver::time, &ReceiverTime::week>,
-              .least = 0},
-            F{.key = "gpsSecondsOfWeek",
-              .label = "second of the week",
-              .textId = 0,
-              .places = F::Report,
-              .source = S::Time,
-              .read =
-                  [](R r, V) {
-                      return Synchronised(r, [](const ReceiverTime& t) { // it tells whole seconds
-                          return Made(static_cast<std::int64_t>(t.secondsOfWeek));
-                      });
-                  },
-              .unit = "s",
-              .least = 0,
-              .most = 604799},
-            F{"timeValid", "time is valid", 0, F::Report, S::Status,
-              &Told<&Receiver::status, &StatusReply::timeValid>},
-            F{.key = "utcOffsetS",
-              .label = "GPS time minus UTC",
-              .textId = text::kStatusOffset,
-              .places = F::Report | F::Page,
-              .source = S::Time,
-              .read =
-                  [](R r, V) {
-                      return Synchronised(r,
-                                          [&](const ReceiverTime&) { return Made(r.utcOffsetS); });
-                  },
-              .unit = "s",
-              .unitTextId = text::kUnitSeconds,
-              .least = -100,
-              .most = 100},
-            F{"synchronised", "time can be trusted", text::kStatusSynchro, F::Report | F::Page,
-              S::Time,
-              [](R r, V) { return r.time || r.position ? Known(r.isSynchronised) : std::nullopt; }},
-            F{.key = "controllerAheadS",
-              .label = "controller ahead by",
-              .textId = text::kStatusClock,
-              .places = F::Page,
-              .source = S::Time,
-              .read =
-                  [](R r, V) {
-                      return Synchronised(r, [](const ReceiverTime& t) {
-                          return Made(std::chrono::duration<double>(t.controllerAhead).count());
-                      });
-                  },
-              .unit = "s",
-              .unitTextId = text::kUnitSeconds,
-              .decimals = 1,
-              .isSigned = true},
-            F{"controllerClock", "controller's clock", text::kStatusClockSetting, F::Page, S::Time,
-              [](R r, V view) {
-                  return Synchronised(r, [&](const ReceiverTime&) {
-                      const bool isSet = r.clockChange && r.clockChange->isSet;
-                      const Term& not_set = view.maySetClock ? kClockRefused : kClockLeft;
-                      return FieldValue(isSet ? &kClockSet : &not_set);
-                  });
-              }},
+constexpr FieldNumber kPlain{};
+constexpr FieldNumber kTypeNumber{.least = 1};
+constexpr FieldNumber kOfWeek{.unit = "s", .least = 0, .most = 604799};
+constexpr FieldNumber kZone{.unitTextId = text::kUnitZone};
+constexpr FieldNumber kSource{.least = 1, .most = 3};
+constexpr FieldNumber kMinutes{.unit = "min"};
+constexpr FieldNumber kCount{.least = 0};
+constexpr FieldNumber kVersion{.decimals = 2, .least = 0.01};
+constexpr FieldNumber kMegabytes{.unit = "MB", .least = 1};
+constexpr FieldNumber kOffset{
+    .unit = "s", .unitTextId = text::kUnitSeconds, .least = -100, .most = 100};
+constexpr FieldNumber kAhead{
+    .unit = "s", .unitTextId = text::kUnitSeconds, .decimals = 1, .isSigned = true};
+constexpr FieldNumber kDop{.decimals = 1, .most = kLargestDop};
+constexpr FieldNumber kMetres{.unit = "m", .decimals = 3};
+constexpr FieldNumber kPercent{.unit = "%", .least = 0, .most = 100};
+constexpr FieldNumber kPerHour{
+    .unit = "%/h", .unitTextId = text::kUnitPercentPerHour, .decimals = 1, .isSigned = true};
 
-            // Its position
-            F{"fix", "fix", text::kStatusFix, kEverywhere, S::Position,
-              [](R r, V) {
-                  const int kind = r.position ? r.position->value.fixKind : -1;
-                  const bool isKind = kind >= 0 && kind < static_cast<int>(kFixes.size());
-                  return isKind ? Known(&kFixes[static_cast<std::size_t>(kind)]) : std::nullopt;
-              }},
-            F{.key = "satellitesTracked",
-              .label = "satellites tracked",
-              .textId = text::kStatusTracked,
-              .places = F::Report | F::Page,
-              .source = S::Status,
-              .read = &Told<&Receiver::status, &StatusReply::satellitesTracked>,
-              .least = 0},
-            F{.key = "satellitesUsed",
-              .label = "satellites used",
-              .textId = text::kStatusUsed,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read = &Told<&Receiver::position, &PositionStatusReply::satellitesUsed>,
-              .least = 0},
-            F{.key = "pdop",
-              .label = "PDOP",
-              .textId = text::kGraphPdop,
-              .places = kEverywhere,
-              .source = S::Position,
-              .read = [](R r, V) { return DopOf(r, &PositionStatusReply::pdop, r.isSynchronised); },
-              .decimals = 1,
-              .most = kLargestDop,
-              .unknownTextId = text::kStatusNoPdop},
-            F{.key = "hdop",
-              .label = "HDOP",
-              .textId = text::kStatusHdop,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read = [](R r, V) { return DopOf(r, &PositionStatusReply::hdop, true); },
-              .decimals = 1,
-              .most = kLargestDop},
-            F{.key = "vdop",
-              .label = "VDOP",
-              .textId = text::kStatusVdop,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read = [](R r, V) { return DopOf(r, &PositionStatusReply::vdop, true); },
-              .decimals = 1,
-              .most = kLargestDop},
-            F{"latitudeDeg", "latitude", text::kStatusLatitude, F::PositionReport | F::Page,
-              S::Position, [](R r, V) { return AngleOf(r, &SiteReply::latitudeRad); }},
-            F{"longitudeDeg", "longitude", text::kStatusLongitude, F::PositionReport | F::Page,
-              S::Position, [](R r, V) { return AngleOf(r, &SiteReply::longitudeRad); }},
-            F{.key = "heightM",
-              .label = "ellipsoidal height",
-              .textId = text::kStatusHeight,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read =
-                  [](R r, V) {
-                      return PlaceOf(r) != nullptr ? Known(PlaceOf(r)->heightM) : std::nullopt;
-                  },
-              .unit = "m",
-              .decimals = kMetreDecimals},
-            F{.key = "planeZone",
-              .label = "plane zone",
-              .textId = text::kStatusZone,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read =
-                  [](R r, V view) {
-                      const std::optional<PlanePlace> plane = PlaneOf(r, view);
-                      return plane ? Known(Made(plane->zone)) : std::nullopt;
-                  },
-              .unitTextId = text::kUnitZone},
-            F{.key = "planeXM",
-              .label = "plane x",
-              .textId = text::kStatusPlaneX,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read = [](R r, V view) { return PlaneOf(r, view, &PlanePosition::xM); },
-              .unit = "m",
-              .decimals = kMetreDecimals},
-            F{.key = "planeYM",
-              .label = "plane y",
-              .textId = text::kStatusPlaneY,
-              .places = F::PositionReport | F::Page,
-              .source = S::Position,
-              .read = [](R r, V view) { return PlaneOf(r, view, &PlanePosition::yM); },
-              .unit = "m",
-              .decimals = kMetreDecimals},
+constexpr ReceiverField kFields[] = {
+    // Who it is
+    {"model", "model", text::kVersionModel, kWho, S::Identity, Model},
+    {"typeNumber", "type number", text::kVersionTypeNumber, kWho, S::Identity,
+     [](R r, V) { return Known(Made(r.identity.TypeNumber())); }, kTypeNumber},
+    {"typeText", "type text", text::kVersionType, kWho, S::Identity,
+     [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvType()); }},
+    {"family", "family", 0, F::Who, S::Identity, Family},
+    {"serial", "serial number", text::kVersionSerial, kWho, S::Identity,
+     [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSN()); }},
+    {"longSerial", "long serial number", text::kVersionLongSerial, kWho, S::Identity,
+     [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSNLong()); }},
+    {"navigationFirmware", "navigation firmware", text::kVersionNav, kFirmware, S::Identity,
+     [](R r, V) { return Known(CRecvInfo(r.identity).GetNavVer()); }, kVersion},
+    {"signalFirmware", "signal firmware", text::kVersionSig, kFirmware, S::Identity,
+     [](R r, V) { return Known(CRecvInfo(r.identity).GetSigVer()); }, kVersion},
+    {"bootFirmware", "boot firmware", text::kVersionBoot, kFirmware, S::Identity,
+     [](R r, V) { return Known(CRecvInfo(r.identity).GetBootVer()); }, kVersion},
+    {"memoryMb", "memory", text::kVersionMemory, kWho, S::Identity, Option<&OptionsReply::memory>,
+     kMegabytes},
+    {"port", "port in use", 0, F::Who, S::Identity, Option<&OptionsReply::currentPort>},
+    {"ports", "ports", 0, F::Who, S::Identity, Option<&OptionsReply::portCount>},
 
-            // Its battery and its memory
-            F{.key = "batteryPercent",
-              .label = "battery",
-              .textId = text::kStatusBattery,
-              .places = F::Report | F::Page,
-              .source = S::Status,
-              .read = &Told<&Receiver::status, &StatusReply::batteryPercent>,
-              .unit = "%",
-              .least = 0,
-              .most = 100,
-              .unknownTextId = text::kBatteryUnknown},
-            F{.key = "powerSource",
-              .label = "power source",
-              .textId = 0,
-              .places = F::Report,
-              .source = S::PowerSource,
-              .read =
-                  [](R r, V) {
-                      return r.powerSource ? Known(Made(r.powerSource->value)) : std::nullopt;
-                  },
-              .least = 1,
-              .most = 3},
-            F{.key = "powerSourceName",
-              .label = "power source name",
-              .textId = text::kStatusSource,
-              .places = F::Report | F::Page,
-              .source = S::PowerSource,
-              .read =
-                  [](R r, V) {
-                      return r.powerSource ? Known(PowerSourceName(r.identity.TypeNumber(),
-                                                                   r.powerSource->value))
-                                           : std::nullopt;
-                  },
-              .stale = kSeldom},
-            F{.key = "batteryTrendPercentPerHour",
-              .label = "battery trend",
-              .textId = text::kStatusTrend,
-              .places = F::Report | F::Page,
-              .source = S::Status,
-              .read = [](R r,
-                         V) { return r.trend ? Known(r.trend->percentPerHour) : std::nullopt; },
-              .unit = "%/h",
-              .unitTextId = text::kUnitPercentPerHour,
-              .decimals = 1,
-              .stale = kSeldom,
-              .isSigned = true},
-            F{.key = "batteryMinutesLeft",
-              .label = "battery lasts",
-              .textId = text::kStatusLeft,
-              .places = F::Report | F::Page,
-              .source = S::Status,
-              .read =
-                  [](R r, V) {
-                      return r.trend && r.trend->left
-                                 ? Known(std::chrono::floor<std::chrono::minutes>(*r.trend->left))
-                                 : std::nullopt;
-                  },
-              .unit = "min",
-              .stale = kSeldom},
-            F{.key = "freeMemoryPercent",
-              .label = "free memory",
-              .textId = text::kStatusMemory,
-              .places = F::Report | F::Page,
-              .source = S::Status,
-              .read =
-                  [](R r, V) {
-                      return r.status ? Known(Made(r.status->value.freeMemoryTenths * 10))
-                                      : std::nullopt;
-                  },
-              .unit = "%",
-              .least = 0,
-              .most = 100},
-            F{
-                "survey", "running survey", 0, F::Report, S::Status,
-                [](R r, V) { // blank: none runs
-                    return r.status ? Known(TextOf(r.status->value.survey.c_str())
-                                                .value_or(std::wstring()))
-                                    : std::nullopt;
-                }},
-        };
+    // Its time
+    {"utc", "time", text::kStatusUtc, kStatus, S::Time, [](R r, V) { return MomentOf(r, false); }},
+    {"jst", "", text::kStatusJst, kStatus, S::Time, [](R r, V) { return MomentOf(r, true); }},
+    {"gpsWeek", "GPS week", 0, F::Report, S::Time, Told<&Receiver::time, &ReceiverTime::week>,
+     kCount},
+    {"gpsSecondsOfWeek", "second of the week", 0, F::Report, S::Time, SecondsOfWeek, kOfWeek},
+    {"timeValid", "time is valid", 0, F::Report, S::Status,
+     Told<&Receiver::status, &StatusReply::timeValid>},
+    {"utcOffsetS", "GPS time minus UTC", text::kStatusOffset, kStatus, S::Time,
+     [](R r, V) {
+         return Synchronised(r, [&](const ReceiverTime&) { return Made(r.utcOffsetS); });
+     },
+     kOffset},
+    {"synchronised", "time can be trusted", text::kStatusSynchro, kStatus, S::Time,
+     [](R r, V) { return r.time || r.position ? Known(r.isSynchronised) : std::nullopt; }},
+    {"controllerAheadS", "controller ahead by", text::kStatusClock, F::Page, S::Time,
+     ControllerAhead, kAhead},
+    {"controllerClock", "controller's clock", text::kStatusClockSetting, F::Page, S::Time,
+     ControllerClock},
+
+    // Its position
+    {"fix", "fix", text::kStatusFix, kPosition | F::Report, S::Position, Fix},
+    {"satellitesTracked", "satellites tracked", text::kStatusTracked, kStatus, S::Status,
+     Told<&Receiver::status, &StatusReply::satellitesTracked>, kCount},
+    {"satellitesUsed", "satellites used", text::kStatusUsed, kPosition, S::Position,
+     Told<&Receiver::position, &PositionStatusReply::satellitesUsed>, kCount},
+    {"pdop", "PDOP", text::kGraphPdop, kPosition | F::Report, S::Position,
+     [](R r, V) { return DopOf(r, &PositionStatusReply::pdop, r.isSynchronised); }, kDop, kUsual,
+     text::kStatusNoPdop},
+    {"hdop", "HDOP", text::kStatusHdop, kPosition, S::Position,
+     [](R r, V) { return DopOf(r, &PositionStatusReply::hdop, true); }, kDop},
+    {"vdop", "VDOP", text::kStatusVdop, kPosition, S::Position,
+     [](R r, V) { return DopOf(r, &PositionStatusReply::vdop, true); }, kDop},
+    {"latitudeDeg", "latitude", text::kStatusLatitude, kPosition, S::Position,
+     [](R r, V) { return AngleOf(r, &SiteReply::latitudeRad); }},
+    {"longitudeDeg", "longitude", text::kStatusLongitude, kPosition, S::Position,
+     [](R r, V) { return AngleOf(r, &SiteReply::longitudeRad); }},
+    {"heightM", "ellipsoidal height", text::kStatusHeight, kPosition, S::Position, Height, kMetres},
+    {"planeZone", "plane zone", text::kStatusZone, kPosition, S::Position, Zone, kZone},
+    {"planeXM", "plane x", text::kStatusPlaneX, kPosition, S::Position,
+     [](R r, V view) { return PlaneOf(r, view, &PlanePosition::xM); }, kMetres},
+    {"planeYM", "plane y", text::kStatusPlaneY, kPosition, S::Position,
+     [](R r, V view) { return PlaneOf(r, view, &PlanePosition::yM); }, kMetres},
+
+    // Its battery and its memory
+    {"batteryPercent", "battery", text::kStatusBattery, kStatus, S::Status,
+     Told<&Receiver::status, &StatusReply::batteryPercent>, kPercent, kUsual,
+     text::kBatteryUnknown},
+    {"powerSource", "power source", 0, F::Report, S::PowerSource, PowerSource, kSource, kSeldom},
+    {"powerSourceName", "power source name", text::kStatusSource, kStatus, S::PowerSource,
+     NameOfPowerSource, kPlain, kSeldom},
+    {"batteryTrendPercentPerHour", "battery trend", text::kStatusTrend, kStatus, S::Status, Trend,
+     kPerHour, kSeldom},
+    {"batteryMinutesLeft", "battery lasts", text::kStatusLeft, kStatus, S::Status, TimeLeft,
+     kMinutes, kSeldom},
+    {"freeMemoryPercent", "free memory", text::kStatusMemory, kStatus, S::Status, FreeMemory,
+     kPercent},
+    {"survey", "running survey", 0, F::Report, S::Status, Survey},
+};
 
 template <typename Number>
 bool IsWithin(const ReceiverField& field, Number number)
 {
     const auto value = static_cast<double>(number);
-    return std::isfinite(value) && value >= field.least && value <= field.most;
+    return std::isfinite(value) && value >= field.number.least && value <= field.number.most;
 }
 
 std::optional<Clock::Duration> AgeOf(const ReceiverField& field, R receiver, V view)
@@ -514,9 +408,10 @@ Clock::Duration GoneBy(const ReceiverField& field, R receiver, V view)
 
 std::wstring WithUnit(const ReceiverField& field, std::wstring number, bool isBelowZero)
 {
-    number = (field.isSigned && !isBelowZero ? L"+" : L"") + number;
-    const std::wstring unit =
-        field.unitTextId != 0 ? std::wstring(Text(field.unitTextId)) : FromUtf8(field.unit);
+    number = (field.number.isSigned && !isBelowZero ? L"+" : L"") + number;
+    const std::wstring unit = field.number.unitTextId != 0
+                                  ? std::wstring(Text(field.number.unitTextId))
+                                  : FromUtf8(field.number.unit);
     return unit.empty() ? number : number + L" " + unit;
 }
 
@@ -573,9 +468,9 @@ std::span<const ReceiverField> AllReceiverFields()
 const ReceiverField& FieldOf(std::string_view key)
 {
     const auto* const field =
-        std::find_if(kFields.begin(), kFields.end(),
+        std::find_if(std::begin(kFields), std::end(kFields),
                      [key](const ReceiverField& candidate) { return candidate.key == key; });
-    assert(field != kFields.end());
+    assert(field != std::end(kFields));
     return *field;
 }
 
@@ -602,15 +497,19 @@ Value ReportField(const ReceiverField& field, const Receiver& receiver, const St
     return std::visit(
         Overloaded{
             [](bool yes) { return Value::YesNo(yes); },
-            [&](std::int64_t whole) { return Value::Integer(whole, field.unit); },
-            [&](double real) { return Value::Real(real, field.decimals, field.unit); },
+            [&](std::int64_t whole) { return Value::Integer(whole, field.number.unit); },
+            [&](double real) {
+                return Value::Real(real, field.number.decimals, field.number.unit);
+            },
             [](const std::wstring& text) { return Value::Text(ToUtf8(text), "none"); },
             [](const Term* term) { return Value::Word(term->code, term->words); },
             [](Angle angle) {
                 return Value::Real(angle.rad * 180.0 / std::numbers::pi, kDegreeDecimals, "deg");
             },
             [](const Moment& moment) { return ReportMoment(moment); },
-            [&](std::chrono::minutes left) { return Value::Integer(left.count(), field.unit); },
+            [&](std::chrono::minutes left) {
+                return Value::Integer(left.count(), field.number.unit);
+            },
         },
         *value);
 }
@@ -628,7 +527,7 @@ std::wstring FieldText(const ReceiverField& field, const Receiver& receiver, con
             },
             [&](std::int64_t whole) { return WithUnit(field, std::to_wstring(whole), whole < 0); },
             [&](double real) {
-                const auto decimals = static_cast<std::uint8_t>(field.decimals);
+                const auto decimals = static_cast<std::uint8_t>(field.number.decimals);
                 return WithUnit(field, FormatFixed(real, decimals), real < 0.0);
             },
             [](const std::wstring& text) { return OneLine(text); },

@@ -64,6 +64,17 @@ enum class FieldSource
 /// When a reply came; nothing if it has not, and for who the receiver is.
 [[nodiscard]] std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver);
 
+/// How a number is shown, and between what it lies.
+struct FieldNumber
+{
+    const char* unit = "";
+    int unitTextId = 0; ///< the unit for the user; 0: the same
+    int decimals = 0;
+    double least = -std::numeric_limits<double>::infinity();
+    double most = std::numeric_limits<double>::infinity();
+    bool isSigned = false; ///< the user sees a plus, too
+};
+
 struct ReceiverField
 {
     /// Where it is shown.
@@ -85,14 +96,9 @@ struct ReceiverField
     /// What it says; nothing for what is not known. Its range is not checked.
     std::optional<FieldValue> (*read)(const Receiver& receiver, const StatusView& view);
 
-    const char* unit = "";
-    int unitTextId = 0; ///< the unit for the user; 0: the same
-    int decimals = 0;
-    double least = -std::numeric_limits<double>::infinity(); ///< of a number, as shown
-    double most = std::numeric_limits<double>::infinity();   ///< the same
-    std::chrono::seconds stale{10};                          ///< from this age on
-    int unknownTextId = 0; ///< for the user when it is not known; 0: "--"
-    bool isSigned = false; ///< a plus is shown, too
+    FieldNumber number{};
+    std::chrono::seconds stale{10}; ///< from this age on
+    int unknownTextId = 0;          ///< for the user when it is not known; 0: "--"
 };
 
 /// All of them, in the order in which they are listed.
