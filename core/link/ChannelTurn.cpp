@@ -352,9 +352,10 @@ bool ChannelTurn::AwaitQuiet(bool changes)
 Clock::Duration ChannelTurn::QuietUntil(const Arrivals& arrivals, bool changes) const
 {
     const Channel::Doubt& doubt = m_channel.m_doubt;
-    Clock::Duration until = arrivals.takesTime
-                                ? arrivals.lastByteAt + kQuietCharacters * Link().CharacterTime()
-                                : Clock::Duration::zero();
+    Clock::Duration until = arrivals.lastByteAt;
+    if (until > Clock::Duration::zero()) { // else none has come yet
+        until += kQuietCharacters * arrivals.characterTime;
+    }
     if (doubt.due > 0 || m_channel.m_isOdd) {
         const Clock::Duration answer =
             doubt.longest < Clock::Duration::zero()

@@ -23,9 +23,8 @@ constexpr milliseconds kWriteMultiplier{10}; // for each byte
 constexpr milliseconds kWakeInterval{20};
 // How long a waiter may keep the host from breathing.
 constexpr milliseconds kWaitSlice{50};
-constexpr std::size_t kMostNoise = 256; // bytes that are kept
-// A frame of fewer bytes does not tell whether the line takes time.
-constexpr std::size_t kTellingLength = 8;
+constexpr std::size_t kMostNoise = 256;       // bytes that are kept
+constexpr milliseconds kSlowestCharacter{10}; // at 1200 bit/s 8.3
 
 } // namespace
 
@@ -159,8 +158,8 @@ void SerialLink::StopReader()
     }
     // The reader may be in any of its waits, or on its way into one; it looks at m_closing first.
     do {
-        m_device->Wake();
         m_consumed.Set();
+        m_device->Wake();
     } while (!m_threadState.Wait(kWakeInterval));
     m_reader.join();
 }
@@ -374,6 +373,8 @@ int SerialLink::ApplyLineSettings(const LineSettings& settings)
         return Fail(LinkError::LineSettings);
     }
     m_lineSettings = settings;
+    const std::scoped_lock lock(m_mutex);
+    m_arrivals.characterTime = NominalCharacter(); // until bytes have been seen to come
     return 1;
 }
 
@@ -566,9 +567,13 @@ void SerialLink::NoteArrival(const Delivery& delivery)
     const std::scoped_lock lock(m_mutex);
     ++m_arrivals.deliveries;
     const Clock::Duration arrived = m_arrivals.lastByteAt;
-    if (delivery.state == ExchangeState::Frame && bytes.size() >= kTellingLength) {
-        const auto gaps = static_cast<Clock::Duration::rep>(bytes.size() - 1);
-        m_arrivals.takesTime = 2 * (arrived - m_beganAt) >= gaps * CharacterTime();
+    if (delivery.state == ExchangeState::Frame && bytes.size() > 1) {
+        const Clock::Duration seen =
+            (arrived - m_beganAt) / static_cast<Clock::Duration::rep>(bytes.size() - 1);
+        // A pause in the midst of a frame tells nothing of the others.
+        m_arrivals.characterTime = 2 * seen < NominalCharacter()
+                                       ? Clock::Duration::zero()
+                                       : std::min<Clock::Duration>(seen, kSlowestCharacter);
     }
     m_beganAt = arrived; // of what stands behind it in the queue
 }
@@ -589,9 +594,10 @@ bool SerialLink::HasInput()
     return m_deliveries.Waiting() > 0 || m_queue.Size() > 0 || !m_assembler.HalfAssembled().empty();
 }
 
-Clock::Duration SerialLink::CharacterTime() const
+/// With start and stop bit, at the rate that the port was opened with.
+Clock::Duration SerialLink::NominalCharacter() const
 {
-    constexpr int kBits = 10; // with start and stop bit
+    constexpr int kBits = 10;
     return Clock::Duration(std::chrono::seconds(kBits)) /
            std::max<std::uint32_t>(m_lineSettings.baudRate, 1);
 }

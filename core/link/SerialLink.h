@@ -84,9 +84,9 @@ using LineObserver =
 /// What has come in, seen by who is about to write.
 struct Arrivals
 {
-    Clock::Duration lastByteAt{}; ///< of the link's clock; 0: none came
-    unsigned deliveries = 0;      ///< since the port was opened
-    bool takesTime = false;       ///< the bytes come one by one, not in bursts
+    Clock::Duration lastByteAt{};    ///< of the link's clock; 0: none came
+    unsigned deliveries = 0;         ///< since the port was opened
+    Clock::Duration characterTime{}; ///< from one byte to the next, as seen; 0: in bursts
 };
 
 /// The serial port that leads to the receiver, with the thread that reads it.
@@ -156,8 +156,6 @@ public:
     /// Whether there are bytes, or a delivery, that nobody has taken. Those that the reader has not
     /// seen yet count as arriving now.
     [[nodiscard]] bool HasInput();
-    /// How long a character takes on the line.
-    [[nodiscard]] Clock::Duration CharacterTime() const;
 
     /// Copies what was delivered to the start of @p destination, or zeroes it if there is nothing
     /// with a length. In hand-over mode the next delivery, if it waits already, then counts as
@@ -236,6 +234,7 @@ private:
     void AwaitConsumer();
     void LoseLink(LinkError error);
     void NoteArrival(const Delivery& delivery);
+    [[nodiscard]] Clock::Duration NominalCharacter() const;
     void Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
     void ObserveLocked(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
 
