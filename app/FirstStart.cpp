@@ -1,7 +1,7 @@
 #include "app/FirstStart.h"
 
 #include "core/equipment/AntennaCatalogue.h"
-#include "core/equipment/ComBlueToothSet.h"
+#include "core/link/ComBlueToothSet.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/NominalConstellation.h"

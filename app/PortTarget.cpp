@@ -1,6 +1,6 @@
 #include "app/PortTarget.h"
 
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/platform/PortNames.h"

@@ -3,9 +3,9 @@
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
 
-#include "core/equipment/ComBlueToothSet.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/PortEdit.h"
+#include "core/link/ComBlueToothSet.h"
 #include "core/link/RecvInfo.h"
 #include "core/platform/Utf8.h"
 

@@ -2,7 +2,7 @@
 
 #include "cli/Utf8.h"
 
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 #include "core/link/FrameLog.h"
 #include "core/platform/PortList.h"
 #include "core/resources/StringTable.h"
