@@ -5,13 +5,13 @@
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
 #include "core/host/MesBox.h"
+#include "core/link/RecvForceInit.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
-#include "ui/link/RecvForceInitDlg.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltStatusChk.h"
 #include "ui/tilt/TiltStatusDlg.h"
@@ -58,8 +58,9 @@ void Session::ConnectAtStart()
 {
     UseJapaneseTextsOfQt();
     // Only the simulator is there for certain: a real receiver is asked for when the user wants it.
+    // A name that is none of a port is told at once.
     const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);
-    if (port.port && port.port->kind == PortKind::Simulator) {
+    if (!port.port || port.port->kind == PortKind::Simulator) {
         Connect();
     }
 }
@@ -240,14 +241,8 @@ void Session::CheckTiltSoon()
 
 void Session::ForceInit()
 {
-    std::wstring fault;
-    const std::optional<ConnectTarget> target = m_controller.Target(fault);
-    if (!target) {
-        CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
-        return;
-    }
     const ReceiverLink::Hold hold(m_controller.Link());
-    RecvForceInitDlg(m_controller.Command(), *target, m_window.get()).DoModal();
+    CRecvForceInit(m_controller.Command()).DoModal(*m_controller.MakeConnect(m_window.get()));
 }
 
 void Session::ShowAbout()

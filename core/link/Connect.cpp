@@ -14,19 +14,40 @@ constexpr double kFirstRelease = 1.0; // firmware before it is a beta
 
 } // namespace
 
-CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
-    : m_command(command), m_reconnect(reconnect), m_target(std::move(target))
+CConnect::CConnect(CCommand& command, int reconnect, SettingsRoots& roots)
+    : m_command(command), m_reconnect(reconnect), m_roots(&roots)
 {}
+
+CConnect::CConnect(CCommand& command, int reconnect, FoundTarget found)
+    : m_command(command), m_reconnect(reconnect), m_roots(nullptr), m_found(std::move(found))
+{}
+
+CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
+    : CConnect(command, reconnect, FoundTarget{std::move(target), {}, {}, {}})
+{}
+
+void CConnect::Find()
+{
+    if (m_roots != nullptr) {
+        m_found = FindTarget(*m_roots);
+    }
+}
 
 int CConnect::DoModal()
 {
     if (m_command.IsPortOpen() != 0) {
         return Connected;
     }
+    Find();
+    if (!m_found.target) {
+        m_command.GetHost().ShowMessage(m_found.fault, Text(text::kConnectFailedCaption),
+                                        {BoxButtons::Ok, BoxIcon::Stop});
+        return NotConnected;
+    }
     if (stStartMessage() != 1) {
         return NotConnected;
     }
-    ConnectSequence sequence(m_command, m_target);
+    ConnectSequence sequence(m_command, *m_found.target);
     if (RunSequence(sequence) == 1) {
         return Connected;
     }
@@ -43,14 +64,15 @@ int CConnect::RunSequence(ConnectSequence& sequence)
 
 void CConnect::ShowFailure(const ConnectSequence& sequence)
 {
-    m_command.GetHost().ShowMessage(sequence.FailureMessage(), Text(text::kConnectFailedCaption),
+    m_command.GetHost().ShowMessage(sequence.FailureMessage(), sequence.FailureCaption(),
                                     {BoxButtons::Ok, BoxIcon::Stop});
 }
 
 int CConnect::stStartMessage()
 {
+    Find();
     Host& host = m_command.GetHost();
-    if (!m_target.IsBluetooth()) {
+    if (!m_found.target || !m_found.target->IsBluetooth()) {
         const BoxAnswer answer =
             host.ShowMessage(Text(text::kConnectCable), Text(text::kConnectCableCaption),
                              {BoxButtons::OkCancel, BoxIcon::Information});

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/link/ConnectChoice.h"
 #include "core/link/ConnectSequence.h"
 #include "core/link/ReceiverTypes.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -21,8 +23,12 @@ public:
         NotConnected = 2,
     };
 
-    /// @param command    not owned; must outlive this object
+    /// Connects as the settings say at the time, see FindTarget().
+    /// @param command    not owned; must outlive this object, as must @p roots
     /// @param reconnect  not 0 when the host asks after a lost Bluetooth link
+    CConnect(CCommand& command, int reconnect, SettingsRoots& roots = SettingsRoots::Instance());
+    /// Connects to @p found. One that is no port is told to the user.
+    CConnect(CCommand& command, int reconnect, FoundTarget found);
     CConnect(CCommand& command, int reconnect, ConnectTarget target);
     virtual ~CConnect() = default;
     CConnect(const CConnect&) = delete;
@@ -50,6 +56,8 @@ public:
     int stStartMessage();
 
 protected:
+    /// Where DoModal() connects to; nothing before, or if there is no port.
+    [[nodiscard]] const std::optional<ConnectTarget>& Target() const { return m_found.target; }
     /// Runs the connect sequence. A screen overrides it to show the steps.
     /// @return 1 if connected
     virtual int RunSequence(ConnectSequence& sequence);
@@ -58,9 +66,12 @@ protected:
     virtual void ShowFailure(const ConnectSequence& sequence);
 
 private:
+    void Find();
+
     CCommand& m_command;
     const int m_reconnect;
-    const ConnectTarget m_target;
+    SettingsRoots* const m_roots; // null: the target was given
+    FoundTarget m_found;
     SupportedTypeFlags m_flags;
 };
 

@@ -1,6 +1,7 @@
 #include "core/link/ConnectSequence.h"
 
 #include "core/link/Command.h"
+#include "core/link/PortOutput.h"
 #include "core/resources/StringTable.h"
 
 #include <utility>
@@ -65,8 +66,9 @@ const wchar_t* CauseText(CommandFault fault)
 
 int OpenTarget(CCommand& command, const ConnectTarget& target)
 {
-    return target.devicePath.empty() ? command.OpenPort(target.port, target.settings)
-                                     : command.OpenPort(target.devicePath, target.settings);
+    return target.devicePath.empty()
+               ? command.OpenPort(target.port, target.settings)
+               : command.OpenPort(target.devicePath, target.settings, target.port);
 }
 
 ConnectSequence::ConnectSequence(CCommand& command, ConnectTarget target)
@@ -78,6 +80,7 @@ int ConnectSequence::Run(ConnectObserver* observer)
     m_observer = observer;
     m_done = 0;
     m_fault = CommandFault::None;
+    m_isSending = false;
     m_detail.clear();
     StatusReply status;
     const bool connected =
@@ -120,6 +123,8 @@ int ConnectSequence::Do(ConnectStep step, Request request)
     if (request() == 0) {
         m_fault = m_command.Fault();
         m_detail = m_command.LastError();
+        m_isSending =
+            m_fault != CommandFault::Cancelled && LooksLikeOutput(m_command.RecentNoise());
         return 0;
     }
     ++m_done;
@@ -128,7 +133,13 @@ int ConnectSequence::Do(ConnectStep step, Request request)
 
 std::wstring ConnectSequence::FailureMessage() const
 {
-    return FormatText(text::kConnectFailed, StepText(m_step), CauseText(m_fault));
+    return m_isSending ? Text(text::kPortIsSending)
+                       : FormatText(text::kConnectFailed, StepText(m_step), CauseText(m_fault));
+}
+
+const wchar_t* ConnectSequence::FailureCaption() const
+{
+    return Text(m_isSending ? text::kPortIsSendingCaption : text::kConnectFailedCaption);
 }
 
 } // namespace fieldcore

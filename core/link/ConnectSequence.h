@@ -61,8 +61,12 @@ public:
 
     [[nodiscard]] ConnectStep FailedStep() const { return m_step; }
     [[nodiscard]] CommandFault FailedFault() const { return m_fault; }
-    /// What failed and why, for the user.
+    /// Whether the port puts something out by itself, which its settings must stop: what came in
+    /// place of an answer looks like NMEA or corrections.
+    [[nodiscard]] bool IsPortSending() const { return m_isSending; }
+    /// What failed and why, for the user, and the caption over it.
     [[nodiscard]] std::wstring FailureMessage() const;
+    [[nodiscard]] const wchar_t* FailureCaption() const;
     /// The same for developers.
     [[nodiscard]] const std::string& FailureDetail() const { return m_detail; }
 
@@ -77,6 +81,7 @@ private:
     int m_done = 0;
     ConnectStep m_step = ConnectStep::OpenPort;
     CommandFault m_fault = CommandFault::None;
+    bool m_isSending = false;
     std::string m_detail;
 };
 

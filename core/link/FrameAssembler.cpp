@@ -107,6 +107,7 @@ void FrameAssembler::PutAside()
 
 Delivery FrameAssembler::Deliver(ExchangeState state, std::size_t length)
 {
+    m_taken = m_count;
     Reset();
     return {state, length};
 }

@@ -54,6 +54,11 @@ public:
     void Reset();
 
     [[nodiscard]] std::span<const std::uint8_t> Buffer() const { return m_buffer; }
+    /// The bytes that the last delivery was made of, malformed ones too.
+    [[nodiscard]] std::span<const std::uint8_t> Taken() const
+    {
+        return std::span(m_buffer).first(m_taken);
+    }
 
     /// The last frame of type 0x40; empty if there was none.
     [[nodiscard]] std::span<const std::uint8_t> Unsolicited() const
@@ -70,6 +75,7 @@ private:
 
     std::array<std::uint8_t, kFrameBufferSize> m_buffer{};
     std::size_t m_count = 0; // bytes of the frame so far
+    std::size_t m_taken = 0; // bytes of the last delivery
     std::array<std::uint8_t, kFrameBufferSize> m_unsolicited{};
     std::size_t m_unsolicitedLength = 0;
 };

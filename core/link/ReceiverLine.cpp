@@ -63,7 +63,7 @@ ReceiverLine::BusyGuard::~BusyGuard()
 }
 
 ReceiverLine::ReceiverLine(Surroundings surroundings)
-    : m_host(surroundings.host != nullptr ? surroundings.host : &SilentHost::Instance()),
+    : m_host(surroundings.host),
       m_clock(surroundings.clock != nullptr ? surroundings.clock : &SystemClock::Instance()),
       m_ports(surroundings.ports), m_makeDevice(std::move(surroundings.makeDevice))
 {
@@ -80,14 +80,11 @@ int ReceiverLine::OpenPort(int portNumber, const PortSettings& settings)
 {
     const PortNames defaults;
     const std::string path = (m_ports != nullptr ? *m_ports : defaults).DevicePath(portNumber);
-    if (OpenPort(path, settings) == 0) {
-        return 0;
-    }
-    m_portNumber = portNumber;
-    return 1;
+    return OpenPort(path, settings, portNumber);
 }
 
-int ReceiverLine::OpenPort(const std::string& devicePath, const PortSettings& settings)
+int ReceiverLine::OpenPort(const std::string& devicePath, const PortSettings& settings,
+                           int portNumber)
 {
     if (m_busy) {
         return Fail(CommandFault::Busy);
@@ -102,7 +99,7 @@ int ReceiverLine::OpenPort(const std::string& devicePath, const PortSettings& se
         return Fail(CommandFault::OpenFailed);
     }
     m_link = std::move(link);
-    m_portNumber = 0;
+    m_portNumber = portNumber;
     m_failed.fault = CommandFault::None;
     return 1;
 }
@@ -110,6 +107,11 @@ int ReceiverLine::OpenPort(const std::string& devicePath, const PortSettings& se
 std::uint32_t ReceiverLine::GetBaudRate() const
 {
     return m_link ? m_link->AppliedLineSettings().baudRate : 0;
+}
+
+std::vector<std::uint8_t> ReceiverLine::RecentNoise() const
+{
+    return m_link ? m_link->RecentNoise() : std::vector<std::uint8_t>();
 }
 
 void ReceiverLine::ClosePort()
@@ -193,7 +195,7 @@ bool ReceiverLine::KeepRequest()
 
 bool ReceiverLine::AwaitRoom()
 {
-    switch (m_link->WaitRoom(*m_host)) {
+    switch (m_link->WaitRoom(GetHost())) {
     case SerialLink::WaitOutcome::TimedOut:
         FailOnWrite();
         return false;
@@ -224,7 +226,7 @@ bool ReceiverLine::WriteRequest()
 
 Delivery ReceiverLine::WaitForAnswer()
 {
-    const SerialLink::WaitOutcome outcome = m_link->WaitDelivery(*m_host);
+    const SerialLink::WaitOutcome outcome = m_link->WaitDelivery(GetHost());
     const Delivery delivery = m_link->TakeDelivery(PacketBuffer);
     switch (outcome) {
     case SerialLink::WaitOutcome::Delivered:
@@ -257,7 +259,7 @@ bool ReceiverLine::Pause(milliseconds duration)
             return true;
         }
         m_clock->Sleep(std::min<Clock::Duration>(left, kBreathInterval));
-        if (!m_host->Breathe()) {
+        if (!GetHost().Breathe()) {
             Fail(CommandFault::Cancelled);
             return false;
         }

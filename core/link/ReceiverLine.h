@@ -14,6 +14,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace fieldcore {
 
@@ -45,7 +46,7 @@ public:
     /// What the channel uses of the world around it. What is left out is this machine's own.
     struct Surroundings
     {
-        Host* host = nullptr; ///< outlives the channel, as do the next two
+        Host* host = nullptr; ///< outlives the channel, as do the next two; null: DefaultHost()
         const Clock* clock = nullptr;
         const PortNames* ports = nullptr; ///< resolves port numbers
         std::function<std::unique_ptr<SerialDevice>()> makeDevice;
@@ -62,7 +63,7 @@ public:
     /// Whom to ask and to let breathe from now on. @p host must outlive the channel or the next
     /// call.
     void SetHost(Host& host) { m_host = &host; }
-    [[nodiscard]] Host& GetHost() const { return *m_host; }
+    [[nodiscard]] Host& GetHost() const { return m_host != nullptr ? *m_host : DefaultHost(); }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
 
     // The port. Close an open one before opening it with other parameters.
@@ -71,10 +72,12 @@ public:
     /// @return 1 if the port is open
     int OpenPort(int portNumber, const PortSettings& settings = {});
     /// @param devicePath  a serial device of this machine
-    int OpenPort(const std::string& devicePath, const PortSettings& settings = {});
+    /// @param portNumber  the COM number that it counts as
+    int OpenPort(const std::string& devicePath, const PortSettings& settings = {},
+                 int portNumber = 0);
     void ClosePort();
     [[nodiscard]] int IsPortOpen() const { return m_link ? 1 : 0; }
-    /// Of the open port: its COM number, 0 if it was opened by its path or none is open.
+    /// Of the open port: its COM number, 0 if it was opened by its path alone or none is open.
     [[nodiscard]] int GetPortNumber() const { return m_link ? m_portNumber : 0; }
     /// Of the open port, bit/s; 0 if none is open.
     [[nodiscard]] std::uint32_t GetBaudRate() const;
@@ -96,6 +99,8 @@ public:
     [[nodiscard]] std::string LastError() const;
     /// The system's number for what the port failed of last; 0 if it did not.
     [[nodiscard]] int SystemError() const { return m_deviceFaultCode; }
+    /// The last bytes that came over the open port and were no frame, 256 at most.
+    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const;
     /// Sees every frame that is sent or taken, on the calling thread. Empty: nobody does.
     void SetFrameObserver(FrameObserver observer) { m_observer = std::move(observer); }
 
@@ -149,7 +154,7 @@ private:
     void NoteLinkError(SerialLink& link);
     void Observe(Direction direction, std::span<const std::uint8_t> frame);
 
-    Host* m_host;
+    Host* m_host; // null: the default one
     const Clock* m_clock;
     const PortNames* m_ports; // null: the defaults
     std::function<std::unique_ptr<SerialDevice>()> m_makeDevice;

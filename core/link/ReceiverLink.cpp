@@ -85,6 +85,7 @@ int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
     m_status.reset();
     m_receiver.reset();
     m_missed = 0;
+    m_question = LinkQuestion::None;
     Enter(LinkState::Connecting);
     const bool connected = connect.DoModal() == CConnect::Connected && connect.CheckRecvType() == 1;
     if (connected) {
@@ -102,9 +103,7 @@ int ReceiverLink::Disconnect()
     if (m_isTicking || m_state == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
-    m_command.ClosePort();
-    m_status.reset();
-    Enter(LinkState::NotConnected);
+    GiveUp();
     return 1;
 }
 
@@ -121,14 +120,15 @@ void ReceiverLink::Tick()
         break;
     case LinkState::Connected:
         if (m_command.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss
-            m_status.reset();
-            Enter(LinkState::NotConnected);
+            GiveUp();
         } else if (m_command.GetClock().Steady() >= m_due) {
             Poll();
         }
         break;
     case LinkState::Lost:
-        TryAgain();
+        if (m_question == LinkQuestion::None) {
+            TryAgain();
+        }
         break;
     }
     m_isTicking = false;
@@ -168,6 +168,7 @@ void ReceiverLink::Lose(Clock::Duration pause)
     m_command.ClosePort();
     m_wasAway = !IsPortThere();
     m_pause = pause;
+    m_question = m_target.IsBluetooth() ? LinkQuestion::Reconnect : LinkQuestion::None;
     m_due = m_command.GetClock().Steady() + pause;
     Enter(LinkState::Lost);
 }
@@ -190,20 +191,16 @@ void ReceiverLink::TryAgain()
     Enter(LinkState::Reconnecting);
     SerialReply serial;
     if (Reopen(serial) == 1) {
-        if (CheckIdentity(serial) == 0) {
-            m_command.ClosePort();
-            m_status.reset();
-            Enter(LinkState::NotConnected); // the user has been told why
-            return;
+        if (IsOther(serial)) {
+            m_question = LinkQuestion::OtherReceiver;
+            Enter(LinkState::Reconnecting);
+        } else {
+            Resume();
         }
-        m_missed = 0;
-        m_due = clock.Steady() + kPollInterval;
-        Enter(LinkState::Connected);
         return;
     }
     if (m_command.Fault() == CommandFault::Cancelled) {
-        m_command.ClosePort();
-        Enter(LinkState::NotConnected); // whoever cancels an attempt wants no more of them
+        GiveUp(); // whoever cancels an attempt wants no more of them
         return;
     }
     Lose(std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
@@ -227,29 +224,71 @@ int ReceiverLink::Reopen(SerialReply& serial)
 }
 
 /// @param serial  what the receiver at the other end says now
-/// @return 1 if it is the one of before, or another one that is acceptable
-int ReceiverLink::CheckIdentity(const SerialReply& serial)
+bool ReceiverLink::IsOther(const SerialReply& serial)
 {
     if (!m_receiver) {
         m_receiver = AskIdentity(m_command);
-        return 1;
+        return false;
     }
     if (m_receiver->serial == serial.longSerial && m_receiver->type == serial.receiverType) {
-        return 1;
+        return false;
     }
-    std::optional<LinkedReceiver> other = AskIdentity(m_command);
-    const std::wstring before = m_receiver->Name();
-    const std::wstring now = other ? other->Name() : serial.receiverType;
-    m_command.GetHost().ShowMessage(FormatText(text::kOtherReceiver, before.c_str(), now.c_str()),
-                                    Text(text::kOtherReceiverCaption),
-                                    {BoxButtons::Ok, BoxIcon::Exclamation});
-    CConnect check(m_command, 0, m_target);
-    check.SetSupportedTypes(m_supported);
-    if (check.CheckRecvType() == 0) {
+    m_other = AskIdentity(m_command).value_or(
+        LinkedReceiver{serial.receiverType, serial.receiverType, serial.longSerial});
+    return true;
+}
+
+int ReceiverLink::AskUser(CConnect& connect)
+{
+    if (m_isTicking || m_holds > 0 || m_command.IsBusy()) {
         return 0;
     }
-    m_receiver = std::move(other);
+    switch (m_question) {
+    case LinkQuestion::None:
+        break;
+    case LinkQuestion::Reconnect:
+        return Connect(connect, m_target);
+    case LinkQuestion::OtherReceiver:
+        return MeetOther(connect);
+    }
+    return 0;
+}
+
+int ReceiverLink::MeetOther(CConnect& connect)
+{
+    const Hold hold(*this);
+    m_question = LinkQuestion::None;
+    m_command.GetHost().ShowMessage(
+        FormatText(text::kOtherReceiver, m_receiver->Name().c_str(), m_other.Name().c_str()),
+        Text(text::kOtherReceiverCaption), {BoxButtons::Ok, BoxIcon::Exclamation});
+    StatusReply status;
+    if (m_command.RequestStatus(status) == 0) { // it may be gone by now
+        Lose(kFirstPause);
+        return 0;
+    }
+    connect.SetSupportedTypes(m_supported);
+    if (connect.CheckRecvType() == 0) {
+        GiveUp(); // the user has been told why
+        return 0;
+    }
+    m_receiver = m_other;
+    Resume();
     return 1;
+}
+
+void ReceiverLink::Resume()
+{
+    m_missed = 0;
+    m_due = m_command.GetClock().Steady() + kPollInterval;
+    Enter(LinkState::Connected);
+}
+
+void ReceiverLink::GiveUp()
+{
+    m_command.ClosePort();
+    m_status.reset();
+    m_question = LinkQuestion::None;
+    Enter(LinkState::NotConnected);
 }
 
 void ReceiverLink::ShortenTimeout()
@@ -277,7 +316,7 @@ bool ReceiverLink::IsStatusStale() const
 
 std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
 {
-    if (m_state != LinkState::Lost) {
+    if (m_state != LinkState::Lost || m_question != LinkQuestion::None) {
         return std::nullopt;
     }
     return m_wasAway ? Clock::Duration::zero()

@@ -24,6 +24,14 @@ enum class LinkState
     Reconnecting ///< trying
 };
 
+/// What the user has to be asked before the link goes on.
+enum class LinkQuestion
+{
+    None,
+    Reconnect,    ///< Lost, and Bluetooth: whether to connect again
+    OtherReceiver ///< Reconnecting: it is another receiver than before
+};
+
 /// What the state is called, for the user.
 [[nodiscard]] const wchar_t* LinkStateText(LinkState state);
 
@@ -59,9 +67,11 @@ struct LinkedReceiver
 /// no good answer. The port that is gone is looked for at every tick; one that is there but does
 /// not help is tried again after a pause that grows from kFirstPause to kLongestPause.
 ///
-/// What is reached again is asked who it is. If it is another receiver than before, the user is
-/// told so through the channel's host, and it is checked as the first one was: one that is not
-/// acceptable is not kept. A tick lasts, then, until the user has read that.
+/// So it is with a cable. A Bluetooth link that is lost stays so until the user was asked whether
+/// to connect again. What is reached again is asked who it is: if it is another receiver than
+/// before, the user is told, and it is checked as the first one was; one that is not acceptable is
+/// not kept. No tick asks the user: it leaves a Question(), and the program calls AskUser() from
+/// where a message may be shown.
 class ReceiverLink
 {
 public:
@@ -102,6 +112,15 @@ public:
     int Disconnect();
     /// Does what is due.
     void Tick();
+    /// What AskUser() would ask; the link waits for it.
+    [[nodiscard]] LinkQuestion Question() const { return m_question; }
+    /// Asks that through the channel's host and does as the user says: connects again, or takes the
+    /// other receiver if it is acceptable. Not from inside a request. What he does not want ends
+    /// the connection.
+    /// @param connect  made for Target() and the same channel, to reconnect
+    /// @return 1 if connected; 0 too with nothing changed while the channel is busy or held, or if
+    ///         there is no question
+    int AskUser(CConnect& connect);
 
     [[nodiscard]] LinkState State() const { return m_state; }
     /// Where the receiver is, or was last; its device path or port number.
@@ -113,8 +132,8 @@ public:
     /// How old the status is; nothing without one.
     [[nodiscard]] std::optional<Clock::Duration> StatusAge() const;
     [[nodiscard]] bool IsStatusStale() const;
-    /// How long until the next attempt to get the link back; nothing unless lost, zero if only the
-    /// port is waited for.
+    /// How long until the next attempt to get the link back; nothing unless lost, and while the
+    /// user is to be asked; zero if only the port is waited for.
     [[nodiscard]] std::optional<Clock::Duration> UntilNextAttempt() const;
 
     /// Whether a dialog uses the channel: polls leave it alone.
@@ -131,7 +150,10 @@ private:
     void Lose(Clock::Duration pause);
     void TryAgain();
     [[nodiscard]] int Reopen(SerialReply& serial);
-    [[nodiscard]] int CheckIdentity(const SerialReply& serial);
+    [[nodiscard]] bool IsOther(const SerialReply& serial);
+    int MeetOther(CConnect& connect);
+    void Resume();
+    void GiveUp();
     [[nodiscard]] bool IsPortThere() const;
     void Enter(LinkState state);
     void ShortenTimeout();
@@ -140,6 +162,8 @@ private:
     ConnectTarget m_target;
     SupportedTypeFlags m_supported; // by whoever connected last
     std::optional<LinkedReceiver> m_receiver;
+    LinkedReceiver m_other; // that is asked about
+    LinkQuestion m_question = LinkQuestion::None;
     LinkState m_state = LinkState::NotConnected;
     std::optional<TimedValue<StatusReply>> m_status;
     Clock::Duration m_due{}; // of the next question or attempt

@@ -77,6 +77,7 @@ int SerialLink::Open(const std::string& devicePath, const PortSettings& settings
         const std::scoped_lock lock(m_intake, m_mutex);
         m_error = LinkError::None;
         m_lost = false;
+        m_noiseLength = 0;
         m_replyTimeout = settings.replyTimeout;
         m_queue = ByteQueue(std::max(settings.receiveQueue, kFrameBufferSize));
     }
@@ -519,12 +520,29 @@ bool SerialLink::Deliver(const Delivery& delivery)
         m_error = LinkError::Nak;
     } else if (delivery.state == ExchangeState::Malformed) {
         m_error = LinkError::Malformed;
+        KeepNoise(m_assembler.Taken());
     }
     if (!m_handOver) {
         m_deliveries.DropWaiting();
     }
     m_deliveries.Put(delivery, m_assembler.Buffer());
     return m_handOver && m_deliveries.IsFull();
+}
+
+void SerialLink::KeepNoise(std::span<const std::uint8_t> bytes)
+{
+    bytes = bytes.last(std::min(bytes.size(), m_noise.size()));
+    const std::size_t kept = std::min(m_noiseLength, m_noise.size() - bytes.size());
+    std::copy_n(m_noise.begin() + static_cast<std::ptrdiff_t>(m_noiseLength - kept), kept,
+                m_noise.begin());
+    std::copy(bytes.begin(), bytes.end(), m_noise.begin() + static_cast<std::ptrdiff_t>(kept));
+    m_noiseLength = kept + bytes.size();
+}
+
+std::vector<std::uint8_t> SerialLink::RecentNoise() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return {m_noise.begin(), m_noise.begin() + static_cast<std::ptrdiff_t>(m_noiseLength)};
 }
 
 /// Until there is room again; or nobody takes anything, and the reader goes on all the same.

@@ -9,6 +9,7 @@
 #include "core/platform/Clock.h"
 #include "core/platform/SerialDevice.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -171,6 +172,9 @@ public:
     /// The last received frame of type 0x40, which is never delivered; empty if none came.
     [[nodiscard]] std::vector<std::uint8_t> GetUnsolicitedFrame() const;
 
+    /// The last bytes that were no frame, 256 at most, since the port was opened.
+    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const;
+
     /// The last failure; reading it clears it.
     LinkError TakeErrorCode();
     /// What the device failed of last, for developers.
@@ -195,6 +199,7 @@ private:
     void AssembleQueued();
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
+    void KeepNoise(std::span<const std::uint8_t> bytes);
     void LoseLink(LinkError error);
 
     const std::unique_ptr<SerialDevice> m_device;
@@ -221,6 +226,8 @@ private:
     bool m_lost = false;
     std::chrono::milliseconds m_replyTimeout{2000};
     DeliveryQueue m_deliveries;
+    std::array<std::uint8_t, 256> m_noise{};
+    std::size_t m_noiseLength = 0;
 };
 
 /// The line settings that a port is opened with, on top of what @p current has.

@@ -686,6 +686,17 @@ inline constexpr int kSurveyKinemaRov = 61192;
 inline constexpr int kAppSignals = 61195;
 inline constexpr int kAppTilt = 61196;
 inline constexpr int kAppTracking = 61197;
+
+// Where the settings lead
+inline constexpr int kPortUnusableTarget = 61260; ///< name of the port, cause
+inline constexpr int kPortNameTooLong = 61261;    ///< causes
+inline constexpr int kPortNameControl = 61262;
+inline constexpr int kPortNameEmpty = 61263;
+inline constexpr int kPortNameCom = 61264;
+inline constexpr int kPortNameUnknown = 61265;
+inline constexpr int kPortNameSimulator = 61266;
+inline constexpr int kPortNameDevice = 61267;
+
 // The receiver's state
 inline constexpr int kPlanSiteMissing = 60980;
 inline constexpr int kPowerSource1 = 61000;

@@ -53,7 +53,7 @@ CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, QWidget* parent)
 CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings& surroundings,
                          QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
-      m_surroundings(PlanSurroundings::Completed(surroundings)), m_reg(*m_surroundings.roots),
+      m_surroundings(PlanSurroundings::Completed(surroundings, this)), m_reg(*m_surroundings.roots),
       m_session(m_surroundings.folder, m_reg)
 {
     setWindowTitle(UiText(text::kPlanTitle));
