@@ -11,6 +11,7 @@
 #include "ui/tilt/TiltSensorDlg.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <algorithm>
 
@@ -41,6 +42,8 @@ Controller::Controller(const AppOptions& options)
     if (m_fastClock) {
         hostOptions.clock = m_fastClock.get();
     }
+    hostOptions.icon = QStringLiteral(":/fieldcore/icons/receiver.svg");
+    QApplication::setWindowIcon(QIcon(hostOptions.icon));
     m_host = std::make_unique<QtHost>(hostOptions);
     SetDefaultHost(m_host.get());
     for (const std::wstring& setting : AssignStoredPorts(m_names, m_roots)) {

@@ -42,7 +42,8 @@ Session::~Session()
 void Session::Begin()
 {
     constexpr QSize kHandheld(480, 640);
-    m_window->resize(kHandheld);
+    constexpr QSize kTall(480, 800);
+    m_window->resize(m_controller.Host().IsQ77() ? kTall : kHandheld);
     m_window->show();
     if (QFontDatabase::families(QFontDatabase::Japanese).isEmpty()) {
         CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kAppTitle);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace fieldcore {
@@ -85,6 +86,10 @@ public:
 
     /// Whether the controller is the model with the taller screen, which has layouts of its own.
     [[nodiscard]] virtual bool IsQ77() const { return false; }
+
+    /// The icon that the library's windows carry: path of an image file or of a resource of the
+    /// program, UTF-8. Empty: none of the application's own.
+    [[nodiscard]] virtual std::string CommonIcon() const { return {}; }
 };
 
 /// The host of a program that has nobody to ask: every question is answered with the answer

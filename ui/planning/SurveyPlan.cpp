@@ -54,11 +54,11 @@ CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings&
                          QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
       m_surroundings(PlanSurroundings::Completed(surroundings, this)), m_reg(*m_surroundings.roots),
-      m_session(m_surroundings.folder, m_reg)
+      m_session(m_surroundings.folder, m_reg), m_isTall(GetHost().IsQ77())
 {
     setWindowTitle(UiText(text::kPlanTitle));
     setAccessibleName(windowTitle());
-    SetControlId(this, GetHost().IsQ77() ? kTemplateQ77Id : kTemplateId);
+    SetControlId(this, m_isTall ? kTemplateQ77Id : kTemplateId);
     BuildControls();
 }
 
