@@ -26,8 +26,8 @@ public:
     struct Options
     {
         bool isQ77 = false;
-        QString icon = {};      ///< that all windows carry: file or resource; empty: none
         Clock* clock = nullptr; ///< that waits are measured on; nullptr: the system's. Not owned
+        QString icon = {};      ///< that all windows carry: file or resource; empty: none
     };
 
     /// How long a wait may last before the strip appears.
