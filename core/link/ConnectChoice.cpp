@@ -48,7 +48,7 @@ int CauseOf(PortNameFault why)
 
 FoundTarget Unusable(const std::string& port, int cause, std::string detail)
 {
-    constexpr std::size_t kMostShown = 80;
+    constexpr std::size_t kMostShown = 32; // a word that no line of a box cuts off
     std::wstring shown = FromUtf8(port);
     std::replace_if(
         shown.begin(), shown.end(), [](wchar_t c) { return c < L' ' || c == L'\x7F'; }, L'?');

@@ -836,7 +836,7 @@ constexpr Entry kEntries[] = {
     Entry{text::kAppSignals, L"受信信号"},
     Entry{text::kAppTilt, L"チルト"},
     Entry{text::kAppTracking, L"観測条件"},
-    Entry{text::kPortUnusableTarget, L"設定されている接続先[ %ls ]は使用できません。\n"
+    Entry{text::kPortUnusableTarget, L"設定されている接続先は使用できません。\n接続先：%ls\n"
                                      L"原因：%ls\n接続先を選択し直してください。"},
     Entry{text::kPortNameTooLong, L"名前が長すぎます。"},
     Entry{text::kPortNameControl, L"使用できない文字が含まれています。"},

@@ -6,6 +6,7 @@
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
+#include "app/Worlds.h"
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/PlanSite.h"
@@ -20,6 +21,7 @@
 #include "ui/controls/IconButton.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/planning/PlanWindowList.h"
 #include "ui/planning/SurveyPlan.h"
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/TiltSensorDlg.h"
@@ -308,6 +310,38 @@ TEST_F(SessionTest, GoesFromTheSimulatorToARealPort)
     EXPECT_EQ(asked, QStringList{QStringLiteral("ケーブル接続確認")});
     EXPECT_GT(real.RequestCount(), 0U);
     EXPECT_EQ(controller.State().simulator, QString());
+}
+
+TEST_F(SessionTest, UsesTheHeightOfTheTallerController)
+{
+    for (const bool bySetting : {false, true}) {
+        SCOPED_TRACE(bySetting ? "setting" : "option");
+        AppOptions options = Options(m_folder.filePath(QStringLiteral("no-device")));
+        EXPECT_FALSE(Controller(options).Host().IsQ77());
+        options.isQ77 = !bySetting;
+        if (bySetting) {
+            Controller(options).Reg().WriteNumber(L"GPS\\App", L"Q77", 1);
+        }
+        Controller controller(options);
+        controller.Begin();
+        Session session(controller);
+        session.Begin();
+        EXPECT_EQ(session.Window().size(), QSize(480, 800));
+        CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, &session.Window()),
+                         &session.Window());
+        for (const QSize size : {QSize(480, 640), QSize(480, 800)}) {
+            plan.resize(size);
+            plan.show();
+            QCoreApplication::processEvents();
+            EXPECT_TRUE(plan.findChild<PlanWindowList*>()->isVisible());
+            testing::ExpectNothingCut(plan, size);
+        }
+        CRecvFileMan files(&controller.Command(), 0, nullptr, FilesWorld(controller, nullptr),
+                           &session.Window());
+        files.show();
+        EXPECT_EQ(files.height(), 800) << "a form of 45 lines is 720 high";
+        EXPECT_FALSE(files.windowIcon().pixmap(32).isNull());
+    }
 }
 
 TEST_F(SessionTest, AsksOnceWhenBluetoothIsLost)
