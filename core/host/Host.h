@@ -105,10 +105,10 @@ public:
 };
 
 /// The host of what is given none: the one that SetDefaultHost() named, before that SilentHost.
-/// The thread that uses the library.
+/// Asked at each use, so that one that is named later counts, too. Any thread.
 [[nodiscard]] Host& DefaultHost();
 
-/// @param host  must outlive its use; nullptr goes back to SilentHost
+/// @param host  must outlive its use; nullptr goes back to SilentHost. Any thread.
 void SetDefaultHost(Host* host);
 
 } // namespace fieldcore
