@@ -3,14 +3,16 @@
 #include "app/FirstStart.h"
 #include "app/PortTarget.h"
 #include "core/equipment/LinkFollow.h"
-#include "core/link/Connect.h"
+#include "core/equipment/StatusRows.h"
 #include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
 #include "ui/controls/UiText.h"
-#include "ui/link/ConnectDlg.h"
 #include "ui/tilt/TiltSensorDlg.h"
+
+#include <QApplication>
+#include <QIcon>
 
 #include <algorithm>
 
@@ -23,6 +25,7 @@ constexpr const wchar_t* kTheme = L"Theme";
 constexpr const wchar_t* kAntennaRole = L"AntennaRole";
 constexpr const wchar_t* kSetClock = L"SetClock";
 constexpr const wchar_t* kPlaneZone = L"PlaneZone";
+constexpr const wchar_t* kQ77 = L"Q77"; // 1: the controller with the taller screen
 
 } // namespace
 
@@ -34,9 +37,14 @@ Controller::Controller(const AppOptions& options)
       m_reg(m_roots), m_folder(Folders().Program()), m_frames(*m_clock)
 {
     QtHost::Options hostOptions;
+    std::uint32_t isQ77 = 0;
+    m_reg.ReadNumber(kAppKey, kQ77, isQ77, 0);
+    hostOptions.isQ77 = m_options.isQ77 || isQ77 == 1;
     if (m_fastClock) {
         hostOptions.clock = m_fastClock.get();
     }
+    hostOptions.icon = QStringLiteral(":/fieldcore/icons/receiver.svg");
+    QApplication::setWindowIcon(QIcon(hostOptions.icon));
     m_host = std::make_unique<QtHost>(hostOptions);
     SetDefaultHost(m_host.get());
     for (const std::wstring& setting : AssignStoredPorts(m_names, m_roots)) {
@@ -47,13 +55,15 @@ Controller::Controller(const AppOptions& options)
     m_command->SetFrameObserver(m_frames.Observer());
     m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);
-    m_poll = std::make_unique<StatusPoll>(*m_command, *m_link);
-    m_monitor = std::make_unique<LinkMonitor>(*m_link);
+    m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);
+    m_monitor = std::make_unique<LinkMonitor>(*m_command, *m_link, [this] { m_poll->Tick(); });
     connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
-    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskReceiver);
+    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::LookAtReceiver);
+    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskUser,
+            Qt::QueuedConnection); // not from inside of a round
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
-    m_choice = LoadConnectChoice(m_reg, FirstChoice(m_roots));
+    m_choice.port = StoredPort(m_roots).value_or(m_choice.port);
     ReadLinkRate();
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
@@ -92,10 +102,14 @@ void Controller::Begin()
 
 bool Controller::ConnectQuietly(std::wstring& fault)
 {
-    const std::optional<ConnectTarget> target = Target(fault);
+    const FoundTarget found = Target();
+    const std::optional<ConnectTarget>& target = found.target;
     if (!target) {
+        fault = found.fault;
         return false;
     }
+    CConnect connect(*m_command, 0, *target); // its port is open: it asks nothing
+    connect.SupportAllTypes();
     if (m_command->IsPortOpen() == 0) {
         ConnectSequence sequence(*m_command, *target);
         if (sequence.Run() == 0) {
@@ -103,9 +117,8 @@ bool Controller::ConnectQuietly(std::wstring& fault)
             fault = isCancelled ? std::wstring() : sequence.FailureMessage(); // he knows
             return false;
         }
+        connect.Take(sequence);
     }
-    CConnect connect(*m_command, 0, *target); // its port is open: it asks nothing
-    connect.SupportAllTypes();
     if (m_link->Adopt(connect, *target) == 0) {
         return false; // the user has been told
     }
@@ -115,25 +128,46 @@ bool Controller::ConnectQuietly(std::wstring& fault)
 
 bool Controller::Connect(QWidget* parent, std::wstring& fault)
 {
-    const std::optional<ConnectTarget> target = Target(fault);
-    if (!target) {
+    const FoundTarget found = Target();
+    if (!found.target) {
+        fault = found.fault;
         return false;
     }
     if (m_target->IsSimulated()) { // there is nothing to plug in
         return ConnectQuietly(fault);
     }
-    ConnectDlg dialog(*m_command, 0, *target, parent);
-    dialog.SupportAllTypes();
-    dialog.OfferSearch([this](std::uint32_t rate) {
-        const int kept = SetLinkRate(rate, m_roots);
-        ReadLinkRate();
-        return kept;
-    });
-    if (m_link->Connect(dialog, *target) == 0) {
+    if (m_link->Connect(*MakeConnect(parent, 0, found), *found.target) == 0) {
         return false; // the user has been told
     }
     Q_EMIT Changed();
     return true;
+}
+
+std::unique_ptr<ConnectDlg> Controller::MakeConnect(QWidget* parent, int reconnect,
+                                                    const FoundTarget& found)
+{
+    auto dialog = std::make_unique<ConnectDlg>(*m_command, reconnect, found, parent);
+    dialog->SupportAllTypes();
+    dialog->OfferSearch([this](std::uint32_t rate) {
+        const int kept = SetLinkRate(rate, m_roots);
+        ReadLinkRate();
+        return kept;
+    });
+    return dialog;
+}
+
+void Controller::AskUser()
+{
+    if (m_link->Question() == LinkQuestion::None || m_link->IsHeld() || m_command->IsBusy()) {
+        return; // if it is not the time, it comes round again
+    }
+    QWidget* const modal = QApplication::activeModalWidget();
+    FoundTarget before;
+    before.target = m_link->Target();
+    const auto dialog =
+        MakeConnect(modal != nullptr ? modal : QApplication::activeWindow(), 1, before);
+    m_link->AskUser(*dialog);
+    Q_EMIT Changed();
 }
 
 int Controller::ReceiverPorts() const
@@ -168,17 +202,18 @@ int Controller::FollowLink(PortEdit& edit)
     if (m_command->IsPortOpen() == 0) {
         return 0; // the next connection will have them
     }
-    std::wstring fault;
-    const std::optional<ConnectTarget> target = Target(fault);
-    if (!target) {
+    const FoundTarget found = Target();
+    if (!found.target) {
         return text::kComLinkLost;
     }
-    const LinkFollowed followed = fieldcore::FollowLink(*m_command, *target, edit.LinkBefore());
+    const LinkFollowed followed =
+        fieldcore::FollowLink(*m_command, *found.target, edit.LinkBefore());
     if (followed == LinkFollowed::Stayed) {
         edit.TakeLinkBack();
         ReadLinkRate();
     }
     const bool isOpen = followed == LinkFollowed::Moved || followed == LinkFollowed::Stayed;
+    std::wstring fault;
     if (!isOpen || !ConnectQuietly(fault)) {
         Disconnect();
     }
@@ -194,11 +229,11 @@ int Controller::FollowLink(PortEdit& edit)
     return 0;
 }
 
-std::optional<ConnectTarget> Controller::Target(std::wstring& fault)
+FoundTarget Controller::Target()
 {
-    std::optional<ConnectTarget> target = m_target->Resolve(m_choice.port, fault);
+    FoundTarget found = m_target->Resolve(m_choice.port);
     AllowClock();
-    return target;
+    return found;
 }
 
 void Controller::UseTheme(Theme::Kind kind)
@@ -244,14 +279,13 @@ StatusView Controller::View() const
             m_maySetClock};
 }
 
-void Controller::AskReceiver()
+void Controller::LookAtReceiver()
 {
-    m_poll->Tick();
     const BatteryWatch::Warning warning = m_poll->TakeWarning();
     if (warning != BatteryWatch::Warning::None) {
         const int id =
             warning == BatteryWatch::Warning::Low ? text::kBatteryLow : text::kBatteryVeryLow;
-        const int percent = m_link->Heard().status->value.batteryPercent;
+        const int percent = BatteryPercent(m_link->Heard()).value_or(0);
         Q_EMIT BatteryIsLow(fieldcore::ToQt(FormatText(id, percent)));
     }
     Q_EMIT Changed();

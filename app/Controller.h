@@ -17,6 +17,7 @@
 #include "core/settings/SettingsRoots.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/Theme.h"
+#include "ui/link/ConnectDlg.h"
 #include "ui/link/LinkMonitor.h"
 
 #include <QObject>
@@ -70,8 +71,12 @@ public:
     int FollowLink(PortEdit& edit);
 
     /// Where the chosen port is reached; starts the simulated receiver if that is meant.
-    /// @return nothing, with @p fault in words for the user, if there is no such port
-    [[nodiscard]] std::optional<ConnectTarget> Target(std::wstring& fault);
+    [[nodiscard]] FoundTarget Target();
+    /// The screen that connects to there, for every type of receiver.
+    [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent)
+    {
+        return MakeConnect(parent, 0, Target());
+    }
 
     void UseTheme(Theme::Kind kind);
 
@@ -113,9 +118,12 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] CRecvInfo Info() const { return CRecvInfo(m_link->Heard().identity); }
+    [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent, int reconnect,
+                                                          const FoundTarget& found);
+    void AskUser();
     void ReadAntenna();
     void ReadLinkRate();
-    void AskReceiver();
+    void LookAtReceiver();
     void AllowClock();
 
     const AppOptions m_options;

@@ -31,8 +31,7 @@ public:
 } // namespace
 
 FilePictures::FilePictures(Host& host, const Clock& clock)
-    : m_command(
-          std::make_unique<CCommand>(CCommand::Surroundings{&host, &clock, nullptr, nullptr}))
+    : m_command(std::make_unique<CCommand>(CCommand::Surroundings{&host, &clock, nullptr, nullptr}))
 {
     std::string error;
     const auto scenario = simulator::LoadScenario("lettered-power", error);

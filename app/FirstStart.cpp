@@ -1,13 +1,10 @@
 #include "app/FirstStart.h"
 
 #include "core/equipment/AntennaCatalogue.h"
-#include "core/equipment/ComBlueToothSet.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/PlanSite.h"
-#include "core/platform/PortNames.h"
-#include "core/settings/SettingsRoots.h"
 
 #include <chrono>
 #include <cstdint>
@@ -42,17 +39,6 @@ void PutSamples(const std::filesystem::path& folder, Clock::UtcTime now)
     if (!std::filesystem::exists(AlmanacPath(folder), unknown)) {
         AlmanacStore(folder).Import(SampleAlmanac(now));
     }
-}
-
-ConnectChoice FirstChoice(SettingsRoots& roots)
-{
-    ConnectChoice choice;
-    CComBlueToothSet way(roots);
-    way.ReadReg();
-    if (way.IsStored() && way.GetConnectPort() >= 1 && way.GetConnectPort() <= PortNames::kMaxCom) {
-        choice.port = "COM" + std::to_string(way.GetConnectPort());
-    }
-    return choice;
 }
 
 } // namespace fieldcore

@@ -26,10 +26,13 @@ AppOptions ParseOptions(const QStringList& arguments)
         QStringLiteral("screenshots"),
         QStringLiteral("Write every screen as PNG into this folder, and end."),
         QStringLiteral("DIR"));
+    const QCommandLineOption q77(
+        QStringLiteral("q77"),
+        QStringLiteral("The layouts of the controller with the taller screen."));
     const QCommandLineOption firstPage(
         QStringLiteral("first-page"),
         QStringLiteral("End when the first page has been painted; for measuring."));
-    parser.addOptions({port, theme, speed, screenshots, firstPage});
+    parser.addOptions({port, theme, speed, screenshots, q77, firstPage});
 
     AppOptions options;
     if (!parser.parse(arguments)) {
@@ -43,6 +46,7 @@ AppOptions ParseOptions(const QStringList& arguments)
     options.help = parser.helpText();
     options.port = parser.value(port);
     options.screenshots = parser.value(screenshots);
+    options.isQ77 = parser.isSet(q77);
     options.firstPage = parser.isSet(firstPage);
     if (parser.isSet(speed)) {
         bool isNumber = false;

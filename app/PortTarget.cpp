@@ -1,8 +1,7 @@
 #include "app/PortTarget.h"
 
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 #include "core/link/Command.h"
-#include "core/link/ConnectChoice.h"
 #include "core/platform/PortNames.h"
 #include "core/platform/Utf8.h"
 #include "simulator/Scenario.h"
@@ -19,37 +18,33 @@ PortTarget::PortTarget(CCommand& command, const PortNames& names, SettingsRoots&
 
 PortTarget::~PortTarget() = default;
 
-std::optional<ConnectTarget> PortTarget::Resolve(const std::string& port, std::wstring& fault)
+FoundTarget PortTarget::Resolve(const std::string& port)
 {
-    const PortNameResult named = m_names.Parse(port);
-    if (!named.port) {
-        fault = FromUtf8(named.fault);
-        return std::nullopt;
+    FoundTarget found = FindTarget(m_roots, port);
+    if (found.target && m_simulator) {
+        m_command.ClosePort(); // or the port would pass for that of the device
+        m_simulator.reset();
+        m_scenario.clear();
     }
-    if (named.port->kind == PortKind::Device) {
-        if (m_simulator) {
-            m_command.ClosePort(); // or the port would pass for that of the device
-            m_simulator.reset();
-            m_scenario.clear();
-        }
-        return TargetOf(named.port->path, LinkSettings(m_roots), m_names);
+    if (!found.scenario) {
+        return found;
     }
-    if (!StartSimulator(named.port->scenario.empty() ? "lark" : named.port->scenario, fault)) {
-        return std::nullopt;
+    if (StartSimulator(found.scenario->empty() ? "lark" : *found.scenario, found.detail)) {
+        found.target = TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
+        found.detail.clear();
     }
-    return TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
+    found.fault = FromUtf8(found.detail);
+    return found;
 }
 
-bool PortTarget::StartSimulator(const std::string& scenario, std::wstring& fault)
+bool PortTarget::StartSimulator(const std::string& scenario, std::string& error)
 {
     if (m_simulator && scenario == m_scenario) {
         return true;
     }
-    std::string error;
     const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
     auto started = loaded ? std::make_unique<simulator::Simulator>(*loaded, m_clock) : nullptr;
     if (!started || !started->Start(error)) {
-        fault = FromUtf8(error);
         return false;
     }
     m_command.ClosePort();

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "core/link/ConnectSequence.h"
+#include "core/link/ConnectChoice.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -30,16 +29,15 @@ public:
 
     /// Starts the simulated receiver that is meant, unless it runs, and ends it if none is.
     /// @param port  name as the user writes it
-    /// @return nothing, with @p fault in words for the user, if there is no such port
-    [[nodiscard]] std::optional<ConnectTarget> Resolve(const std::string& port,
-                                                       std::wstring& fault);
+    /// @return as FindTarget(), with the port of the simulated receiver in place of its scenario
+    [[nodiscard]] FoundTarget Resolve(const std::string& port);
 
     [[nodiscard]] bool IsSimulated() const { return m_simulator != nullptr; }
     /// What the simulated receiver plays; empty without one.
     [[nodiscard]] const std::string& Scenario() const { return m_scenario; }
 
 private:
-    bool StartSimulator(const std::string& scenario, std::wstring& fault);
+    bool StartSimulator(const std::string& scenario, std::string& error);
 
     CCommand& m_command;
     const PortNames& m_names;

@@ -27,6 +27,7 @@
 #include <cstdio>
 #include <iterator>
 #include <optional>
+#include <span>
 
 namespace fieldcore {
 
@@ -44,6 +45,12 @@ constexpr Look kLooks[] = {
     {"480x640-dark", {480, 640}, Theme::Kind::Dark},
     {"1280x800-daylight", {1280, 800}, Theme::Kind::Daylight},
     {"1280x800-dark", {1280, 800}, Theme::Kind::Dark},
+};
+
+/// On the controller with the taller screen.
+constexpr Look kTallLooks[] = {
+    {"q77-480x800-daylight", {480, 800}, Theme::Kind::Daylight},
+    {"q77-480x640-daylight", {480, 640}, Theme::Kind::Daylight},
 };
 
 bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& folder)
@@ -80,7 +87,8 @@ int ScreenPictures::Write(const QString& folder)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20); // which asks how it is
     }
     bool written = true;
-    for (const Look& look : kLooks) {
+    const bool isTall = m_controller.Host().IsQ77();
+    for (const Look& look : isTall ? std::span<const Look>(kTallLooks) : std::span(kLooks)) {
         Theme::Use(look.theme);
         m_window.ShowState(m_controller.State()); // in its colours
         written = Grab(m_window, QStringLiteral("home"), look, folder) && written;

@@ -5,13 +5,13 @@
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
 #include "core/host/MesBox.h"
+#include "core/link/RecvForceInit.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
-#include "ui/link/RecvForceInitDlg.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltStatusChk.h"
 #include "ui/tilt/TiltStatusDlg.h"
@@ -28,6 +28,7 @@ Session::Session(Controller& controller)
     connect(m_window.get(), &MainWindow::Chosen, this, &Session::Open);
     connect(&m_controller, &Controller::Changed, this,
             [this] { m_window->ShowState(m_controller.State()); });
+    connect(&m_controller, &Controller::Changed, this, &Session::CheckTiltWhenKnown);
     connect(&m_controller, &Controller::BatteryIsLow, this, &Session::WarnOfBattery,
             Qt::QueuedConnection); // not from inside of a round
     m_window->SetMayClose([this] { return MayEnd(); });
@@ -42,7 +43,8 @@ Session::~Session()
 void Session::Begin()
 {
     constexpr QSize kHandheld(480, 640);
-    m_window->resize(kHandheld);
+    constexpr QSize kTall(480, 800);
+    m_window->resize(m_controller.Host().IsQ77() ? kTall : kHandheld);
     m_window->show();
     if (QFontDatabase::families(QFontDatabase::Japanese).isEmpty()) {
         CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kAppTitle);
@@ -58,8 +60,9 @@ void Session::ConnectAtStart()
 {
     UseJapaneseTextsOfQt();
     // Only the simulator is there for certain: a real receiver is asked for when the user wants it.
+    // A name that is none of a port is told at once.
     const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);
-    if (port.port && port.port->kind == PortKind::Simulator) {
+    if (!port.port || port.port->kind == PortKind::Simulator) {
         Connect();
     }
 }
@@ -232,22 +235,26 @@ void Session::TakeLinkOver()
 
 void Session::CheckTiltSoon()
 {
+    m_isTiltOpen = true;
+    CheckTiltWhenKnown();
+}
+
+void Session::CheckTiltWhenKnown()
+{
+    if (!m_isTiltOpen || !m_controller.HasTilt()) {
+        return;
+    }
+    m_isTiltOpen = false;
     constexpr int kTimer = 1;
     constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
-    TiltStatusChk::SetCheckCalib(&m_controller.Command(), m_controller.HasTilt());
+    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true);
     TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 
 void Session::ForceInit()
 {
-    std::wstring fault;
-    const std::optional<ConnectTarget> target = m_controller.Target(fault);
-    if (!target) {
-        CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
-        return;
-    }
     const ReceiverLink::Hold hold(m_controller.Link());
-    RecvForceInitDlg(m_controller.Command(), *target, m_window.get()).DoModal();
+    CRecvForceInit(m_controller.Command()).DoModal(*m_controller.MakeConnect(m_window.get()));
 }
 
 void Session::ShowAbout()

@@ -38,8 +38,10 @@ private:
     void ConnectAtStart();
     /// Makes a connection that a page has made for itself that of the program.
     void TakeLinkOver();
-    /// Offers a calibration soon, if the receiver has a sensor that needs it.
+    /// Offers a calibration soon, if the receiver has a sensor that needs it: once its options are
+    /// known.
     void CheckTiltSoon();
+    void CheckTiltWhenKnown();
     /// Asks how to end, and does it but for closing the window.
     bool MayEnd();
     void ForceInit();
@@ -51,6 +53,7 @@ private:
 
     Controller& m_controller;
     std::unique_ptr<MainWindow> m_window;
+    bool m_isTiltOpen = false; // whether its receiver has a sensor is not known yet
 };
 
 } // namespace fieldcore

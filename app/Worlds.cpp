@@ -3,7 +3,6 @@
 #include "app/Controller.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
-#include "ui/link/ConnectDlg.h"
 
 #include <memory>
 #include <optional>
@@ -17,11 +16,7 @@ PlanSurroundings PlanWorld(Controller& controller, QWidget* parent)
     world.folder = controller.ProgramFolder();
     world.roots = &controller.Roots();
     world.clock = &controller.GetClock();
-    world.makeConnect = [&controller, parent](CCommand& command) -> std::unique_ptr<CConnect> {
-        std::wstring fault;
-        const std::optional<ConnectTarget> target = controller.Target(fault);
-        return std::make_unique<ConnectDlg>(command, 0, target.value_or(ConnectTarget{}), parent);
-    };
+    world.makeConnect = [&controller, parent](CCommand&) { return controller.MakeConnect(parent); };
     return world;
 }
 
@@ -39,11 +34,8 @@ CRecvFileMan::Surroundings FilesWorld(Controller& controller, QWidget* parent)
 
 CComPort::Surroundings PortsWorld(Controller& controller)
 {
-    const auto target = [&controller] {
-        std::wstring fault;
-        return controller.Target(fault);
-    };
-    return {&controller.Roots(), controller.ReceiverPorts(), target};
+    return {&controller.Roots(), controller.ReceiverPorts(),
+            [&controller] { return controller.Target().target; }};
 }
 
 std::vector<ScenarioChoice> Scenarios()

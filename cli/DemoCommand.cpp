@@ -103,7 +103,7 @@ public:
         if (const std::optional<Failure> failure = m_session.Connect()) {
             return Fail(*failure);
         }
-        Say("Port opened: " + m_session.Path() + ". A simulated receiver answers.");
+        Say("Port opened: " + m_session.Target().devicePath + ". A simulated receiver answers.");
         for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::FetchFile,
                                 &Demo::SurviveFault, &Demo::MakePlan}) {
             if (const std::optional<Failure> failure = (this->*part)()) {
@@ -134,7 +134,7 @@ private:
     std::optional<Failure> Identify()
     {
         Heading("2. Who is it?");
-        CConnect connect(m_session.Command(), 0, {});
+        CConnect connect(m_session.Command(), 0); // its port is open: it asks nothing
         connect.SupportAllTypes();
         if (connect.CheckRecvType() == 0) {
             return m_session.RequestFailed();

@@ -58,6 +58,16 @@ Failure RequestFailure(CommandFault fault, std::string detail)
     return {ExitCode{said.exitCode}, said.code, said.message, said.hint, "", std::move(detail)};
 }
 
+Failure SendingFailure(std::string detail)
+{
+    return {ExitCode::Failed,
+            "port-sending",
+            "The receiver puts NMEA or corrections out over this port.",
+            "Stop the output at the receiver, or use another of its ports, then try again.",
+            "",
+            std::move(detail)};
+}
+
 Failure PortFailure(const std::string& path, int systemError, std::string detail,
                     const SystemRoots& roots)
 {

@@ -33,6 +33,9 @@ struct Failure
 /// A request that failed on an open port.
 [[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);
 
+/// The port talks by itself: NMEA or corrections come where an answer should.
+[[nodiscard]] Failure SendingFailure(std::string detail);
+
 /// A port that did not open: finds out why. Opens nothing.
 /// @param systemError  the errno value of the attempt
 /// @param detail       what the channel says of it

@@ -2,6 +2,7 @@
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
 
+#include "core/link/ComPrmSet.h"
 #include "core/link/ReceiverTypes.h"
 
 #include <memory>
@@ -36,11 +37,21 @@ void AddRecord(Report& report, const IdentificationRecord& record)
     report.Add("flowControl", "flow control", Value::YesNo(record.flowControl));
 }
 
-ExitCode Run(const Context& context, const PortOptions& options)
+struct Options : PortOptions
 {
+    bool search = false;
+    bool store = false;
+};
+
+ExitCode Run(const Context& context, const Options& options)
+{
+    if (options.store && !options.search) {
+        return context.output.Failed(
+            UsageFailure("Only a rate that was searched for can be stored.", "--search --store"));
+    }
     TerminalHost host(context.world, context.output);
     PortSession session(context.world, context.output, host, options);
-    if (const std::optional<Failure> failure = session.Open()) {
+    if (const std::optional<Failure> failure = options.search ? session.Search() : session.Open()) {
         return context.output.Failed(*failure);
     }
     IdentificationRecord record;
@@ -49,6 +60,19 @@ ExitCode Run(const Context& context, const PortOptions& options)
     }
     Report report;
     AddRecord(report, record);
+    if (options.search) {
+        const std::uint32_t rate = session.Target().settings.baudRate;
+        report.Add("answersAt", "answers at", Value::Integer(rate, "bit/s"));
+        SettingsRoots roots{Folders(context.world.folders)};
+        if (options.store &&
+            (!roots.Store(RootKey::CurrentUser).IsKept() || SetLinkRate(rate, roots) == 0)) {
+            return context.output.Failed(FileFailure(
+                "The rate could not be stored: " + roots.File(RootKey::CurrentUser).string() +
+                    " cannot be written, or nothing but --baud has it.",
+                "fieldcore-cli doctor"));
+        }
+        report.Add("stored", "stored", Value::YesNo(options.store));
+    }
     return context.output.Done(report);
 }
 
@@ -57,12 +81,16 @@ ExitCode Run(const Context& context, const PortOptions& options)
 Command AddIdentifyCommand(CLI::App& program)
 {
     CLI::App& parser =
-        AddParser(program, "identify", "Ask who is there with a BREAK, whatever the rate",
-                  "  fieldcore-cli identify --port /dev/ttyUSB0   a receiver whose port settings "
-                  "are unknown\n"
-                  "  fieldcore-cli identify --port sim:pica       a simulated one\n");
-    auto options = std::make_shared<PortOptions>();
+        AddParser(program, "identify", "Ask who is there with a BREAK",
+                  "  fieldcore-cli identify --port sim:pica                 a simulated receiver\n"
+                  "  fieldcore-cli identify --port /dev/ttyUSB0 --search    one whose rate is "
+                  "unknown\n"
+                  "  fieldcore-cli identify --search --store                and keep the rate for "
+                  "the next time\n");
+    auto options = std::make_shared<Options>();
     options->AddTo(parser);
+    parser.add_flag("--search", options->search, "Try one rate after the other");
+    parser.add_flag("--store", options->store, "Store the rate that --search finds");
     return {&parser, [options](const Context& context) { return Run(context, *options); }};
 }
 

@@ -40,7 +40,7 @@ ExitCode Run(const Context& context, const PortOptions& options)
     if (const std::optional<Failure> failure = session.Connect()) {
         return context.output.Failed(*failure);
     }
-    CConnect connect(session.Command(), 0, {});
+    CConnect connect(session.Command(), 0); // its port is open: it asks nothing
     connect.SupportAllTypes();
     const bool accepted = connect.CheckRecvType() == 1;
 

@@ -43,7 +43,7 @@ void PortOptions::AddTo(CLI::App& command)
     };
     command
         .add_option("-p,--port", port,
-                    "COM1, a path, sim: or sim:SCENARIO ($FIELDCORE_PORT if not given)")
+                    "COM1, a path, sim: or sim:SCENARIO (else $FIELDCORE_PORT, else as stored)")
         ->type_name("PORT")
         ->group("Port");
     add("--baud", baudRate, "RATE", "Rate, 1200 to 230400 bit/s", CLI::IsMember(rates));

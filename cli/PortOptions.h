@@ -16,7 +16,7 @@ namespace fieldcore::cli {
 /// Which port, and how it is run.
 struct PortOptions
 {
-    std::string port; ///< empty: $FIELDCORE_PORT
+    std::string port; ///< empty: $FIELDCORE_PORT, else the one of the settings
     // The line; what is not given is as the settings have it.
     std::optional<std::uint32_t> baudRate; ///< bit/s
     std::optional<int> dataBits;

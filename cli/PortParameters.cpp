@@ -3,9 +3,9 @@
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
 
-#include "core/equipment/ComBlueToothSet.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/PortEdit.h"
+#include "core/link/ComBlueToothSet.h"
 #include "core/link/RecvInfo.h"
 #include "core/platform/Utf8.h"
 
@@ -83,10 +83,9 @@ ExitCode SetLink(const Context& context, const PortParameterOptions& options, Se
 /// After the receiver was told to change the port in use: finds it again and says where it is.
 std::optional<Failure> Follow(PortSession& session, PortEdit& edit, SettingsRoots& roots)
 {
-    ConnectTarget target;
-    target.devicePath = session.Path();
+    ConnectTarget target = session.Target();
     target.settings = LinkSettings(roots);
-    switch (FollowLink(session.Command(), target, session.Line())) {
+    switch (FollowLink(session.Command(), target, session.Target().settings)) {
     case LinkFollowed::Moved:
         return std::nullopt;
     case LinkFollowed::Stayed:
@@ -109,7 +108,7 @@ std::optional<Failure> SetPort(PortSession& session, const PortParameterOptions&
         return session.RequestFailed();
     }
     // What it is reached with counts, not what is stored.
-    PortEdit edit(info.GetCurrentPortID(), roots, session.Line());
+    PortEdit edit(info.GetCurrentPortID(), roots, session.Target().settings);
     CComPrmSet& set = edit.At(options.number);
     if (set.SetPrmString(FromUtf8(options.parameters)) == 0) {
         return BadParameters(options.parameters);

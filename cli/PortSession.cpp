@@ -2,8 +2,10 @@
 
 #include "cli/Utf8.h"
 
-#include "core/equipment/ComPrmSet.h"
+#include "core/equipment/RateSearch.h"
+#include "core/link/ComPrmSet.h"
 #include "core/link/FrameLog.h"
+#include "core/link/PortOutput.h"
 #include "core/platform/PortList.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
@@ -25,6 +27,22 @@ public:
     {
         m_output.Progress("[" + std::to_string(done + 1) + "/" + std::to_string(total) + "] " +
                           ToUtf8(StepText(step)));
+    }
+
+private:
+    Output& m_output;
+};
+
+/// Shows the rates of a search as they are tried.
+class RatePrinter final : public RateObserver
+{
+public:
+    explicit RatePrinter(Output& output) : m_output(output) {}
+
+    void OnRate(std::uint32_t rate, int done, int total) override
+    {
+        m_output.Progress("[" + std::to_string(done + 1) + "/" + std::to_string(total) + "] " +
+                          std::to_string(rate) + " bit/s");
     }
 
 private:
@@ -80,11 +98,11 @@ const Clock& PortSession::GetClock() const
 
 std::optional<Failure> PortSession::Prepare()
 {
-    if (std::optional<Failure> failure = FindPort()) {
+    SettingsRoots roots{Folders(m_world.folders)};
+    if (std::optional<Failure> failure = FindPort(roots)) {
         return failure;
     }
-    SettingsRoots roots{Folders(m_world.folders)};
-    m_line = m_options.Settings(LinkSettings(roots));
+    m_target.settings = m_options.Settings(m_target.settings);
     if (std::optional<Failure> failure = OpenLog()) {
         return failure;
     }
@@ -99,27 +117,30 @@ std::optional<Failure> PortSession::Prepare()
     return std::nullopt;
 }
 
-std::optional<Failure> PortSession::FindPort()
+std::optional<Failure> PortSession::FindPort(SettingsRoots& roots)
 {
-    const std::string name =
+    const std::string named =
         !m_options.port.empty() ? m_options.port : m_world.variable("FIELDCORE_PORT").value_or("");
-    if (name.empty()) {
+    if (named.empty() && !StoredPort(roots)) {
         return NoPortNamed();
     }
-    PortNameResult parsed = m_names.Parse(name);
-    if (!parsed.port) {
-        return UsageFailure(parsed.fault, "fieldcore-cli ports");
+    const FoundTarget found = FindTarget(roots, named, m_world.roots);
+    if (found.scenario) {
+        return StartSimulator(*found.scenario, roots);
     }
-    if (parsed.port->kind == PortKind::Simulator) {
-        return StartSimulator(parsed.port->scenario); // which needs no settings
+    if (!found.target) {
+        return named.empty()
+                   ? Failure{ExitCode::NoPort, "port-unusable",
+                             "The port of the settings cannot be used: " + found.detail,
+                             "--port PORT, or fieldcore-cli settings set 'GPS\\Connect' Port PORT"}
+                   : UsageFailure(found.detail, "fieldcore-cli ports");
     }
     m_names = KnownPortNames(m_world, m_output);
-    parsed = m_names.Parse(name);
     if (m_options.speed != 1.0) {
         return UsageFailure("Only the simulator can let time run faster.",
                             "--port sim: --speed N, or leave --speed out.");
     }
-    m_path = parsed.port->path;
+    m_target = *found.target;
     return std::nullopt;
 }
 
@@ -129,11 +150,12 @@ Failure PortSession::NoPortNamed() const
     for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
         hint += "--port " + port.path + "  " + port.description + "\n         ";
     }
-    return UsageFailure("No port is named: give --port, or set FIELDCORE_PORT.",
+    return UsageFailure("No port is named, and none is stored: give --port, or set FIELDCORE_PORT.",
                         hint + "--port sim:  a simulated receiver");
 }
 
-std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
+std::optional<Failure> PortSession::StartSimulator(const std::string& scenario,
+                                                   SettingsRoots& roots)
 {
     std::string error;
     const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
@@ -149,7 +171,7 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
         return Failure{ExitCode::Failed, "simulator-not-started",
                        "The simulator does not start: " + error + "."};
     }
-    m_path = m_simulator->PortPath();
+    m_target = TargetOf(m_simulator->PortPath(), LinkSettings(roots), m_names);
     return std::nullopt;
 }
 
@@ -177,10 +199,14 @@ std::optional<Failure> PortSession::Open()
     if (std::optional<Failure> failure = Prepare()) {
         return failure;
     }
-    if (m_command->OpenPort(m_path, m_line) == 0) {
-        return PortFailure(m_path, m_command->SystemError(), m_command->LastError(), m_world.roots);
-    }
-    return std::nullopt;
+    return OpenTarget(*m_command, m_target) == 1 ? std::nullopt
+                                                 : std::optional(NotOpened(m_command->LastError()));
+}
+
+Failure PortSession::NotOpened(std::string detail) const
+{
+    return PortFailure(m_target.devicePath, m_command->SystemError(), std::move(detail),
+                       m_world.roots);
 }
 
 std::optional<Failure> PortSession::Connect()
@@ -188,10 +214,7 @@ std::optional<Failure> PortSession::Connect()
     if (std::optional<Failure> failure = Prepare()) {
         return failure;
     }
-    ConnectTarget target;
-    target.devicePath = m_path;
-    target.settings = m_line;
-    ConnectSequence sequence(*m_command, target);
+    ConnectSequence sequence(*m_command, m_target);
     StepPrinter printer(m_output);
     if (sequence.Run(&printer) == 1) {
         m_output.Progress("");
@@ -199,20 +222,51 @@ std::optional<Failure> PortSession::Connect()
     }
     const CommandFault fault = sequence.FailedFault();
     if (fault != CommandFault::Cancelled) {
-        m_host.ShowMessage(sequence.FailureMessage(), Text(text::kConnectFailedCaption),
+        m_host.ShowMessage(sequence.FailureMessage(), sequence.FailureCaption(),
                            {BoxButtons::Ok, BoxIcon::Stop});
     }
-    Failure failure =
-        fault == CommandFault::OpenFailed
-            ? PortFailure(m_path, m_command->SystemError(), sequence.FailureDetail(), m_world.roots)
-            : RequestFailure(fault, sequence.FailureDetail());
+    Failure failure = fault == CommandFault::OpenFailed ? NotOpened(sequence.FailureDetail())
+                      : sequence.IsPortSending()        ? SendingFailure(sequence.FailureDetail())
+                                                 : RequestFailure(fault, sequence.FailureDetail());
     failure.step = StepName(sequence.FailedStep());
     return failure;
 }
 
+std::optional<Failure> PortSession::Search()
+{
+    if (std::optional<Failure> failure = Prepare()) {
+        return failure;
+    }
+    RatePrinter printer(m_output);
+    const std::optional<std::uint32_t> rate = SearchRate(*m_command, m_target, &printer);
+    m_output.Progress("");
+    if (rate) {
+        m_target.settings.baudRate = *rate;
+        return OpenTarget(*m_command, m_target) == 1
+                   ? std::nullopt
+                   : std::optional(NotOpened(m_command->LastError()));
+    }
+    switch (m_command->Fault()) {
+    case CommandFault::OpenFailed:
+        return NotOpened(m_command->LastError());
+    case CommandFault::Cancelled:
+    case CommandFault::LinkLost:
+        return RequestFailure(m_command->Fault(), m_command->LastError());
+    default:
+        return Failure{ExitCode::NoAnswer,
+                       "no-answer",
+                       "The receiver answers at no rate.",
+                       "Check that it is on, the cable, and its parity and data bits.",
+                       "",
+                       m_command->LastError()};
+    }
+}
+
 Failure PortSession::RequestFailed() const
 {
-    return RequestFailure(m_command->Fault(), m_command->LastError());
+    return LooksLikeOutput(m_command->RecentNoise())
+               ? SendingFailure(m_command->LastError())
+               : RequestFailure(m_command->Fault(), m_command->LastError());
 }
 
 } // namespace fieldcore::cli

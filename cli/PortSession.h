@@ -7,6 +7,7 @@
 
 #include "core/host/Host.h"
 #include "core/link/Command.h"
+#include "core/link/ConnectChoice.h"
 #include "core/link/ConnectSequence.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/PortNames.h"
@@ -36,14 +37,16 @@ public:
     [[nodiscard]] std::optional<Failure> Open();
     /// Prepares, opens the port and makes sure that a receiver answers, showing each step.
     [[nodiscard]] std::optional<Failure> Connect();
+    /// Prepares, looks for the rate at which the receiver answers, showing each, and opens the port
+    /// with it.
+    [[nodiscard]] std::optional<Failure> Search();
 
     /// The channel; there is one once Prepare() succeeded.
     [[nodiscard]] CCommand& Command() { return *m_command; }
-    /// The device that is opened; known once Prepare() succeeded.
-    [[nodiscard]] const std::string& Path() const { return m_path; }
-    /// How the line is run: as the options say, and else as the settings do.
-    [[nodiscard]] const PortSettings& Line() const { return m_line; }
-    /// Why the last request failed.
+    /// Where the receiver is; known once Prepare() succeeded. The line is run as the options say,
+    /// and else as the settings do.
+    [[nodiscard]] const ConnectTarget& Target() const { return m_target; }
+    /// Why the last request failed, on the open port.
     [[nodiscard]] Failure RequestFailed() const;
     /// Counts time for the receiver: with a simulator it may run fast.
     [[nodiscard]] const Clock& GetClock() const;
@@ -51,8 +54,10 @@ public:
     [[nodiscard]] simulator::Simulator* GetSimulator() { return m_simulator.get(); }
 
 private:
-    [[nodiscard]] std::optional<Failure> FindPort();
-    [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario);
+    [[nodiscard]] std::optional<Failure> FindPort(SettingsRoots& roots);
+    [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario,
+                                                        SettingsRoots& roots);
+    [[nodiscard]] Failure NotOpened(std::string detail) const;
     [[nodiscard]] std::optional<Failure> OpenLog();
     [[nodiscard]] Failure NoPortNamed() const;
     void KeepFrame(Direction direction, std::span<const std::uint8_t> frame);
@@ -62,8 +67,7 @@ private:
     Host& m_host;
     const PortOptions& m_options;
     PortNames m_names;
-    std::string m_path;
-    PortSettings m_line;
+    ConnectTarget m_target;
     std::unique_ptr<FastClock> m_fastClock;
     std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
     std::unique_ptr<CCommand> m_command;               // behind the simulator, whose port it opens

@@ -2,7 +2,7 @@
 #include "cli/PortParameters.h"
 #include "cli/PortSession.h"
 
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 #include "core/platform/PortList.h"
 #include "core/platform/PortReport.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 
 #include <array>
 #include <cstddef>

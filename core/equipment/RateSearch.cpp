@@ -3,8 +3,8 @@
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
 
-#include <algorithm>
 #include <array>
+#include <vector>
 
 namespace fieldcore {
 
@@ -21,11 +21,9 @@ constexpr std::chrono::milliseconds kAnswer{600};
 std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
                                         RateObserver* observer)
 {
-    std::array<std::uint32_t, kLikely.size()> rates = kLikely;
-    const auto first = std::find(rates.begin(), rates.end(), target.settings.baudRate);
-    if (first != rates.end()) {
-        std::rotate(rates.begin(), first, first + 1);
-    }
+    std::vector<std::uint32_t> rates(kLikely.begin(), kLikely.end());
+    std::erase(rates, target.settings.baudRate);
+    rates.insert(rates.begin(), target.settings.baudRate);
     target.settings.replyTimeout = kAnswer;
     int done = 0;
     for (const std::uint32_t rate : rates) {

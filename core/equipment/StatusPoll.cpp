@@ -51,7 +51,7 @@ bool StatusPoll::Tick()
     const bool hasChanged = std::exchange(m_wasConnected, isConnected) != isConnected;
     const Clock::Duration now = m_command.GetClock().Steady();
     if (hasChanged && !isConnected) {
-        m_history.Add({now, std::nullopt, std::nullopt}); // here the line of the graph breaks
+        Add({now, std::nullopt, std::nullopt}); // here the line of the graph breaks
     }
     if (!MayAsk() || (now < m_due && m_connection == m_link.Connections())) {
         return hasChanged;
@@ -72,66 +72,78 @@ bool StatusPoll::Tick()
 /// What a receiver does not know is left out; silence ends the round.
 bool StatusPoll::Round()
 {
-    if (m_connection != m_link.Connections() && !BeginConnection()) {
-        return false;
+    if (m_connection != m_link.Connections()) {
+        BeginConnection();
     }
-    Receiver& heard = m_link.Heard();
+    Receiver heard = m_link.Heard();
     const bool isSourceDue = m_rounds++ % kRoundsPerBattery == 0;
     const Clock::Duration begun = m_command.GetClock().Steady();
     const auto before = heard.powerSource;
     bool isAnswering = m_questions.AskPosition(heard) && m_questions.AskTime(heard);
-    Remember(heard.position && heard.position->at >= begun);
+    Remember(heard, heard.position && heard.position->at >= begun);
+    m_link.Put(heard);
+    // How it is comes first, who it is in all its options behind that.
+    isAnswering = isAnswering && m_questions.AskIdentity(heard);
     if (isAnswering && isSourceDue) {
         isAnswering = m_questions.AskPowerSource(heard);
         if (before && heard.powerSource->value != before->value) {
             m_watch.ForgetTrend(); // another battery
         }
-        FollowBattery();
+        FollowBattery(heard);
     }
+    m_link.Put(std::move(heard));
     return isAnswering;
 }
 
-bool StatusPoll::BeginConnection()
+void StatusPoll::BeginConnection()
 {
-    const unsigned connection = m_link.Connections();
-    if (!m_questions.AskIdentity(m_link.Heard())) {
-        return false;
-    }
     if (std::exchange(m_receiver, m_link.Receivers()) != m_link.Receivers()) {
+        const std::scoped_lock lock(m_mutex);
         m_history.Clear();
         m_watch = {};
     }
     m_questions.Begin();
-    m_connection = connection;
+    m_connection = m_link.Connections();
     m_rounds = 0;
-    return true;
 }
 
-void StatusPoll::Remember(bool hasPosition)
+void StatusPoll::Remember(const Receiver& heard, bool hasPosition)
 {
     StatusHistory::Sample sample{m_command.GetClock().Steady(), std::nullopt, std::nullopt};
-    const Receiver& heard = m_link.Heard();
     if (hasPosition) {
         sample.satellites = heard.position->value.satellitesUsed;
         if (const auto pdop = ReadField(FieldOf("pdop"), heard)) {
             sample.pdop = std::get<double>(*pdop);
         }
     }
-    m_history.Add(sample);
+    Add(sample);
 }
 
-void StatusPoll::FollowBattery()
+void StatusPoll::FollowBattery(Receiver& heard)
 {
-    Receiver& heard = m_link.Heard();
     if (const std::optional<int> percent = BatteryPercent(heard)) {
         const BatteryWatch::Warning warning = m_watch.Take(*percent, heard.status->at);
+        const std::scoped_lock lock(m_mutex);
         m_warning = warning != BatteryWatch::Warning::None ? warning : m_warning;
     }
     heard.trend = m_watch.Trend();
 }
 
+void StatusPoll::Add(const StatusHistory::Sample& sample)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_history.Add(sample);
+}
+
+StatusHistory StatusPoll::History() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_history;
+}
+
 BatteryWatch::Warning StatusPoll::TakeWarning()
 {
+    const std::scoped_lock lock(m_mutex);
     return std::exchange(m_warning, BatteryWatch::Warning::None);
 }
 

@@ -5,6 +5,7 @@
 #include "core/equipment/StatusHistory.h"
 
 #include <chrono>
+#include <mutex>
 
 namespace fieldcore {
 
@@ -15,8 +16,8 @@ class ReceiverLink;
 /// every fifteenth round. The answers go into what the link has heard. It acts only in Tick(),
 /// which the program calls a few times a second, and does nothing while the channel is busy or
 /// somebody holds the link. What the link does not know of who is there is asked once for a
-/// connection: another receiver begins anew, the same one keeps its history. The thread of the
-/// command channel, which a round blocks for its exchanges, with the link's short reply time-out.
+/// connection, behind the first round: another receiver begins anew, the same one keeps its
+/// history. Tick() comes from the thread of the face that is asked; any thread may look.
 class StatusPoll
 {
 public:
@@ -33,31 +34,34 @@ public:
     /// @return whether there is anything new
     bool Tick();
 
-    [[nodiscard]] const StatusHistory& History() const { return m_history; }
+    [[nodiscard]] StatusHistory History() const;
     /// The warning that is due, once.
     [[nodiscard]] BatteryWatch::Warning TakeWarning();
 
 private:
     [[nodiscard]] bool MayAsk() const;
     bool Round();
-    bool BeginConnection();
-    void Remember(bool hasPosition);
-    void FollowBattery();
+    void BeginConnection();
+    void Remember(const Receiver& heard, bool hasPosition);
+    void FollowBattery(Receiver& heard);
+    void Add(const StatusHistory::Sample& sample);
 
     CCommand& m_command;
     ReceiverLink& m_link;
     ReceiverQuestions m_questions;
 
     unsigned m_connection = 0; // of the link, that the questions are about
-    unsigned m_receiver = 0;   // the same, that the next three belong to
-    StatusHistory m_history;
+    unsigned m_receiver = 0;   // the same, that the history and the watch belong to
     BatteryWatch m_watch;
-    BatteryWatch::Warning m_warning = BatteryWatch::Warning::None;
     Clock::Duration m_due{};
     unsigned m_rounds = 0;
     int m_failures = 0; // in a row
     bool m_isTicking = false;
     bool m_wasConnected = false;
+
+    mutable std::mutex m_mutex; // guards these
+    StatusHistory m_history;
+    BatteryWatch::Warning m_warning = BatteryWatch::Warning::None;
 };
 
 } // namespace fieldcore

@@ -1,10 +1,12 @@
 #include "core/host/Host.h"
 
+#include <atomic>
+
 namespace fieldcore {
 
 namespace {
 
-Host* g_default = nullptr;
+std::atomic<Host*> g_default = nullptr;
 
 } // namespace
 
@@ -65,7 +67,8 @@ SilentHost& SilentHost::Instance()
 
 Host& DefaultHost()
 {
-    return g_default != nullptr ? *g_default : SilentHost::Instance();
+    Host* const named = g_default;
+    return named != nullptr ? *named : SilentHost::Instance();
 }
 
 void SetDefaultHost(Host* host)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace fieldcore {
@@ -85,6 +86,10 @@ public:
 
     /// Whether the controller is the model with the taller screen, which has layouts of its own.
     [[nodiscard]] virtual bool IsQ77() const { return false; }
+
+    /// The icon that the library's windows carry: path of an image file or of a resource of the
+    /// program, UTF-8. Empty: none of the application's own.
+    [[nodiscard]] virtual std::string CommonIcon() const { return {}; }
 };
 
 /// The host of a program that has nobody to ask: every question is answered with the answer
@@ -100,10 +105,10 @@ public:
 };
 
 /// The host of what is given none: the one that SetDefaultHost() named, before that SilentHost.
-/// The thread that uses the library.
+/// Asked at each use, so that one that is named later counts, too. Any thread.
 [[nodiscard]] Host& DefaultHost();
 
-/// @param host  must outlive its use; nullptr goes back to SilentHost
+/// @param host  must outlive its use; nullptr goes back to SilentHost. Any thread.
 void SetDefaultHost(Host* host);
 
 } // namespace fieldcore

@@ -70,6 +70,7 @@ public:
 
     /// What is asked over this line in the background; its thread begins with the first call.
     [[nodiscard]] Questions& Background();
+    [[nodiscard]] bool HasBackground() const { return m_questions != nullptr; }
 
     // The port. Close an open one before opening it with other parameters.
 

@@ -14,26 +14,54 @@ constexpr double kFirstRelease = 1.0; // firmware before it is a beta
 
 } // namespace
 
-CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
-    : m_command(command), m_reconnect(reconnect), m_target(std::move(target))
+CConnect::CConnect(CCommand& command, int reconnect, SettingsRoots& roots)
+    : m_command(command), m_reconnect(reconnect), m_roots(&roots)
 {}
+
+CConnect::CConnect(CCommand& command, int reconnect, FoundTarget found)
+    : m_command(command), m_reconnect(reconnect), m_roots(nullptr), m_found(std::move(found))
+{}
+
+CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
+    : CConnect(command, reconnect, FoundTarget{std::move(target), {}, {}, {}})
+{}
+
+void CConnect::Find()
+{
+    if (m_roots != nullptr) {
+        m_found = FindTarget(*m_roots);
+    }
+}
 
 int CConnect::DoModal()
 {
     if (m_command.IsPortOpen() != 0) {
         return Connected;
     }
+    Find();
+    if (!m_found.target) {
+        m_command.GetHost().ShowMessage(m_found.fault, Text(text::kConnectFailedCaption),
+                                        {BoxButtons::Ok, BoxIcon::Stop});
+        return NotConnected;
+    }
     if (stStartMessage() != 1) {
         return NotConnected;
     }
-    ConnectSequence sequence(m_command, m_target);
+    ConnectSequence sequence(m_command, *m_found.target);
     if (RunSequence(sequence) == 1) {
+        Take(sequence);
         return Connected;
     }
     if (sequence.FailedFault() != CommandFault::Cancelled) {
         ShowFailure(sequence);
     }
     return NotConnected;
+}
+
+void CConnect::Take(const ConnectSequence& sequence)
+{
+    m_identity = sequence.Identity();
+    m_status = sequence.Status();
 }
 
 int CConnect::RunSequence(ConnectSequence& sequence)
@@ -43,14 +71,15 @@ int CConnect::RunSequence(ConnectSequence& sequence)
 
 void CConnect::ShowFailure(const ConnectSequence& sequence)
 {
-    m_command.GetHost().ShowMessage(sequence.FailureMessage(), Text(text::kConnectFailedCaption),
+    m_command.GetHost().ShowMessage(sequence.FailureMessage(), sequence.FailureCaption(),
                                     {BoxButtons::Ok, BoxIcon::Stop});
 }
 
 int CConnect::stStartMessage()
 {
+    Find();
     Host& host = m_command.GetHost();
-    if (!m_target.IsBluetooth()) {
+    if (!m_found.target || !m_found.target->IsBluetooth()) {
         const BoxAnswer answer =
             host.ShowMessage(Text(text::kConnectCable), Text(text::kConnectCableCaption),
                              {BoxButtons::OkCancel, BoxIcon::Information});
@@ -71,9 +100,9 @@ int CConnect::stStartMessage()
 int CConnect::CheckRecvType()
 {
     Host& host = m_command.GetHost();
-    CRecvInfo info;
-    m_identity = {};
-    if (info.GetOptionData(m_command) == 0) {
+    CRecvInfo info(std::exchange(m_identity, {}));
+    const bool isKnown = info.Known().serial && info.Known().options;
+    if (!isKnown && info.GetOptionData(m_command) == 0) {
         host.ShowMessage(Text(text::kPortIsSending), Text(text::kPortIsSendingCaption),
                          {BoxButtons::Ok, BoxIcon::Stop});
         return 0;

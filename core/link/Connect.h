@@ -1,11 +1,13 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/link/ConnectChoice.h"
 #include "core/link/ConnectSequence.h"
 #include "core/link/Receiver.h"
 #include "core/link/ReceiverTypes.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -22,8 +24,12 @@ public:
         NotConnected = 2,
     };
 
-    /// @param command    not owned; must outlive this object
+    /// Connects as the settings say at the time, see FindTarget().
+    /// @param command    not owned; must outlive this object, as must @p roots
     /// @param reconnect  not 0 when the host asks after a lost Bluetooth link
+    CConnect(CCommand& command, int reconnect, SettingsRoots& roots = SettingsRoots::Instance());
+    /// Connects to @p found. One that is no port is told to the user.
+    CConnect(CCommand& command, int reconnect, FoundTarget found);
     CConnect(CCommand& command, int reconnect, ConnectTarget target);
     virtual ~CConnect() = default;
     CConnect(const CConnect&) = delete;
@@ -39,12 +45,17 @@ public:
     /// @return Connected or NotConnected
     int DoModal();
 
+    /// Takes over what a sequence that has succeeded was told: it is not asked again.
+    void Take(const ConnectSequence& sequence);
+
     /// Whether the connected receiver is acceptable; if not, the user has been told why. Firmware
     /// before 1.0 is accepted with a warning.
     /// @return 1 or 0
     int CheckRecvType();
     /// The receiver as CheckRecvType() read it last; empty before, or if it did not tell.
     [[nodiscard]] const ReceiverIdentity& Identity() const { return m_identity; }
+    /// What the connect sequence was told; nothing if it was not needed.
+    [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
 
     [[nodiscard]] int stGetRecvTypeFlag(std::uint32_t typeNumber) const;
     [[nodiscard]] double stGetRecvVer(std::uint32_t typeNumber) const;
@@ -53,6 +64,8 @@ public:
     int stStartMessage();
 
 protected:
+    /// Where DoModal() connects to; nothing before, or if there is no port.
+    [[nodiscard]] const std::optional<ConnectTarget>& Target() const { return m_found.target; }
     /// Runs the connect sequence. A screen overrides it to show the steps.
     /// @return 1 if connected
     virtual int RunSequence(ConnectSequence& sequence);
@@ -61,11 +74,15 @@ protected:
     virtual void ShowFailure(const ConnectSequence& sequence);
 
 private:
+    void Find();
+
     CCommand& m_command;
     const int m_reconnect;
-    const ConnectTarget m_target;
+    SettingsRoots* const m_roots; // null: the target was given
+    FoundTarget m_found;
     SupportedTypeFlags m_flags;
     ReceiverIdentity m_identity;
+    std::optional<TimedValue<StatusReply>> m_status;
 };
 
 } // namespace fieldcore

@@ -3,9 +3,11 @@
 #include "core/link/ConnectSequence.h"
 #include "core/platform/PortNames.h"
 #include "core/settings/Reg.h"
+#include "core/settings/SettingsRoots.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -23,19 +25,37 @@ struct ConnectChoice
     bool operator==(const ConnectChoice&) const = default;
 };
 
-/// The port that is stored in the key GPS\Connect, with the rate of @p otherwise: the rate is kept
-/// with the other parameters of the line, see CComPrmSet.
-/// @param reg  the accessor of the library's settings: a HostReg
-/// @param otherwise  its port where none is stored, or one that can be none
-[[nodiscard]] ConnectChoice LoadConnectChoice(const CReg& reg, ConnectChoice otherwise = {});
+/// The name of the port that the settings say: the user's own choice in the key GPS\Connect, else
+/// the COM number of the host suite, see CComBlueToothSet. It need not be one that can be used.
+/// @return nothing if neither is stored
+[[nodiscard]] std::optional<std::string> StoredPort(SettingsRoots& roots);
 
 /// Stores the port.
 /// @return 1; 0, and nothing is stored, if the name is longer than CReg::kMaxText or can be no
 ///         port; 0 if the settings cannot be written
 int SaveConnectChoice(const CReg& reg, const ConnectChoice& choice);
 
+/// Where a port name leads: to a port, to a simulated receiver, or nowhere.
+struct FoundTarget
+{
+    std::optional<ConnectTarget> target; ///< a port to open
+    /// The simulated receiver is meant, which the program that has one starts, playing this; empty:
+    /// what it plays by itself. See TargetOf() for its port.
+    std::optional<std::string> scenario;
+    std::wstring fault; ///< why there is no port to open, for the user; empty if there is
+    std::string detail; ///< the same in plain English
+};
+
+/// Where and how to connect, as the settings have it: the port by its name and the devices that are
+/// assigned to COM numbers, the line by the parameters of port 0. Nothing takes the place of a port
+/// that cannot be used. Opens no port.
+/// @param port    name of the port; empty: StoredPort(), and the cable on COM1 where none is stored
+/// @param system  where devices are looked for
+[[nodiscard]] FoundTarget FindTarget(SettingsRoots& roots = SettingsRoots::Instance(),
+                                     const std::string& port = {}, const SystemRoots& system = {});
+
 /// How a device is reached. COM1, and a device that has neither another COM number nor a Bluetooth
-/// name, is the cable.
+/// name, is the cable. A Bluetooth device without a COM number counts as one above all of them.
 /// @param devicePath  of the port, or of the simulated receiver's
 [[nodiscard]] ConnectTarget TargetOf(const std::string& devicePath, const PortSettings& settings,
                                      const PortNames& names);

@@ -1,6 +1,7 @@
 #include "core/link/ConnectSequence.h"
 
 #include "core/link/Command.h"
+#include "core/link/PortOutput.h"
 #include "core/resources/StringTable.h"
 
 #include <utility>
@@ -34,8 +35,9 @@ const wchar_t* StepText(ConnectStep step)
 
 int OpenTarget(CCommand& command, const ConnectTarget& target)
 {
-    return target.devicePath.empty() ? command.OpenPort(target.port, target.settings)
-                                     : command.OpenPort(target.devicePath, target.settings);
+    return target.devicePath.empty()
+               ? command.OpenPort(target.port, target.settings)
+               : command.OpenPort(target.devicePath, target.settings, target.port);
 }
 
 ConnectSequence::ConnectSequence(CCommand& command, ConnectTarget target)
@@ -47,12 +49,19 @@ int ConnectSequence::Run(ConnectObserver* observer)
     m_observer = observer;
     m_done = 0;
     m_fault = CommandFault::None;
+    m_isSending = false;
     m_detail.clear();
+    m_identity = {};
     StatusReply status;
     const bool connected =
         Do(ConnectStep::OpenPort, [this] { return OpenTarget(m_command, m_target); }) == 1 &&
         Do(ConnectStep::WakeReceiver, [this] { return m_command.WakeReceiver(); }) == 1 &&
-        Do(ConnectStep::AskStatus, [&] { return m_command.RequestStatus(status); }) == 1 &&
+        Do(ConnectStep::AskStatus,
+           [&] {
+               const int answered = m_command.RequestStatus(status);
+               m_status = {status, m_command.GetClock().Steady()};
+               return answered;
+           }) == 1 &&
         Poll() == 1;
     if (!connected) {
         m_command.ClosePort();
@@ -74,6 +83,8 @@ int ConnectSequence::Poll()
         if (!answered) {
             return 0;
         }
+        m_identity.options = options;
+        m_identity.serial = serial;
     }
     return 1;
 }
@@ -89,6 +100,8 @@ int ConnectSequence::Do(ConnectStep step, Request request)
     if (request() == 0) {
         m_fault = m_command.Fault();
         m_detail = m_command.LastError();
+        m_isSending =
+            m_fault != CommandFault::Cancelled && LooksLikeOutput(m_command.RecentNoise());
         return 0;
     }
     ++m_done;
@@ -97,7 +110,13 @@ int ConnectSequence::Do(ConnectStep step, Request request)
 
 std::wstring ConnectSequence::FailureMessage() const
 {
-    return FormatText(text::kConnectFailed, StepText(m_step), CauseText(m_fault));
+    return m_isSending ? Text(text::kPortIsSending)
+                       : FormatText(text::kConnectFailed, StepText(m_step), CauseText(m_fault));
+}
+
+const wchar_t* ConnectSequence::FailureCaption() const
+{
+    return Text(m_isSending ? text::kPortIsSendingCaption : text::kConnectFailedCaption);
 }
 
 } // namespace fieldcore

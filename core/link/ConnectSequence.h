@@ -1,7 +1,9 @@
 #pragma once
 
 #include "core/link/Command.h"
+#include "core/link/Receiver.h"
 
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -56,10 +58,18 @@ public:
     ///         and FailedFault()
     int Run(ConnectObserver* observer = nullptr);
 
+    // What the receiver said, of a sequence that has succeeded.
+    [[nodiscard]] const ReceiverIdentity& Identity() const { return m_identity; }
+    [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
+
     [[nodiscard]] ConnectStep FailedStep() const { return m_step; }
     [[nodiscard]] CommandFault FailedFault() const { return m_fault; }
-    /// What failed and why, for the user.
+    /// Whether the port puts something out by itself, which its settings must stop: what came in
+    /// place of an answer looks like NMEA or corrections.
+    [[nodiscard]] bool IsPortSending() const { return m_isSending; }
+    /// What failed and why, for the user, and the caption over it.
     [[nodiscard]] std::wstring FailureMessage() const;
+    [[nodiscard]] const wchar_t* FailureCaption() const;
     /// The same for developers.
     [[nodiscard]] const std::string& FailureDetail() const { return m_detail; }
 
@@ -74,7 +84,10 @@ private:
     int m_done = 0;
     ConnectStep m_step = ConnectStep::OpenPort;
     CommandFault m_fault = CommandFault::None;
+    bool m_isSending = false;
     std::string m_detail;
+    ReceiverIdentity m_identity;
+    std::optional<TimedValue<StatusReply>> m_status;
 };
 
 } // namespace fieldcore

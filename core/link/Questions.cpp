@@ -61,20 +61,28 @@ void Questions::Hurry(Id id)
     m_wake.Set();
 }
 
-Questions::Quiet::Quiet(Questions& questions) : m_questions(questions)
+Questions::Quiet::Quiet(CCommand& command)
+    : Quiet(command.HasBackground() ? &command.Background() : nullptr)
+{}
+
+Questions::Quiet::Quiet(Questions* questions) : m_questions(questions)
 {
-    std::unique_lock lock(m_questions.m_mutex);
-    ++m_questions.m_quiet;
-    m_questions.AwaitEnd(lock);
+    if (m_questions != nullptr) {
+        std::unique_lock lock(m_questions->m_mutex);
+        ++m_questions->m_quiet;
+        m_questions->AwaitEnd(lock);
+    }
 }
 
 Questions::Quiet::~Quiet()
 {
-    {
-        const std::scoped_lock lock(m_questions.m_mutex);
-        --m_questions.m_quiet;
+    if (m_questions != nullptr) {
+        {
+            const std::scoped_lock lock(m_questions->m_mutex);
+            --m_questions->m_quiet;
+        }
+        m_questions->m_wake.Set();
     }
-    m_questions.m_wake.Set();
 }
 
 /// Gives up the question under way and waits until it has ended; not for the one that calls.

@@ -60,14 +60,21 @@ public:
     class Quiet
     {
     public:
-        explicit Quiet(Questions& questions);
+        explicit Quiet(Questions& questions) : Quiet(&questions) {}
+        /// Of the questions of @p command; nothing happens if there were none yet.
+        explicit Quiet(CCommand& command);
         ~Quiet();
         Quiet(const Quiet&) = delete;
         Quiet& operator=(const Quiet&) = delete;
 
     private:
-        Questions& m_questions;
+        explicit Quiet(Questions* questions);
+
+        Questions* const m_questions;
     };
+
+    /// The face of the thread that asks: for what lives in a question.
+    [[nodiscard]] CCommand& Face() { return m_command; }
 
     /// Asks what is due, each question once. @return how long until the next one is due
     Clock::Duration Step();

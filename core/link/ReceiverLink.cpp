@@ -2,6 +2,7 @@
 
 #include "core/link/Command.h"
 #include "core/link/Connect.h"
+#include "core/link/Questions.h"
 #include "core/link/RecvInfo.h"
 #include "core/resources/StringTable.h"
 
@@ -14,6 +15,10 @@ namespace fieldcore {
 
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
+    if (m_isTicking && m_command.IsBusy()) {
+        return 0;
+    }
+    const Questions::Quiet quiet(m_command);
     if (m_isTicking || m_heard.link == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
@@ -23,178 +28,221 @@ int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 
 int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
 {
+    const Questions::Quiet quiet(m_command);
     if (m_isTicking || m_heard.link == LinkState::Connecting) {
         return 0;
     }
     const Hold hold(*this);
-    m_target = target;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_target = target;
+    }
     m_supported = connect.SupportedTypes();
     m_missed = 0;
     Enter(LinkState::Connecting);
     const bool connected = connect.DoModal() == CConnect::Connected && connect.CheckRecvType() == 1;
-    if (connected) {
-        Meet(connect.Identity());
-    } else {
-        m_command.ClosePort();
-        Forget();
+    if (!connected) {
+        GiveUp(m_command);
+        return 0;
     }
-    m_due = m_command.GetClock().Steady();
-    Enter(connected ? LinkState::Connected : LinkState::NotConnected);
-    return connected ? 1 : 0;
+    Meet(connect.Identity());
+    if (const auto& status = connect.Status()) {
+        const std::scoped_lock lock(m_mutex);
+        m_heard.status = status;
+    }
+    Resume();
+    return 1;
 }
 
 int ReceiverLink::Disconnect()
 {
+    const Questions::Quiet quiet(m_command);
     if (m_isTicking || m_heard.link == LinkState::Connecting || m_command.IsBusy()) {
         return 0;
     }
-    m_command.ClosePort();
-    Forget();
-    Enter(LinkState::NotConnected);
+    GiveUp(m_command);
     return 1;
 }
 
-void ReceiverLink::Tick()
+void ReceiverLink::Tick(CCommand& asking)
 {
-    if (m_isTicking || m_holds > 0 || m_command.IsBusy()) {
+    if (m_holds > 0 || asking.IsBusy() || m_isTicking.exchange(true)) {
         return;
     }
-    m_isTicking = true;
     switch (m_heard.link) {
     case LinkState::NotConnected:
     case LinkState::Connecting:
     case LinkState::Reconnecting:
         break;
     case LinkState::Connected:
-        if (m_command.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss
-            Forget();
-            Enter(LinkState::NotConnected);
-        } else if (m_command.GetClock().Steady() >= m_due) {
-            Poll();
+        if (asking.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss
+            GiveUp(asking);
+        } else if (asking.GetClock().Steady() >= m_due) {
+            Poll(asking);
         }
         break;
     case LinkState::Lost:
-        TryAgain();
+        if (m_question == LinkQuestion::None) {
+            TryAgain(asking);
+        }
         break;
     }
     m_isTicking = false;
 }
 
-void ReceiverLink::Poll()
+void ReceiverLink::Poll(CCommand& asking)
 {
-    const Clock& clock = m_command.GetClock();
+    const Clock& clock = asking.GetClock();
     m_due = clock.Steady() + kPollInterval;
-    ShortenTimeout();
+    ShortenTimeout(asking);
     StatusReply status;
-    const int answered = m_command.RequestStatus(status);
-    m_command.SetReplyTimeout(m_target.settings.replyTimeout);
+    const int answered = asking.RequestStatus(status);
+    asking.SetReplyTimeout(m_target.settings.replyTimeout);
     if (answered == 1) {
         m_missed = 0;
-        m_heard.status = {std::move(status), clock.Steady()};
+        {
+            const std::scoped_lock lock(m_mutex);
+            m_heard.status = {std::move(status), clock.Steady()};
+        }
         Enter(LinkState::Connected);
         return;
     }
-    if (m_command.Fault() == CommandFault::Cancelled) {
+    if (ClassOf(asking.Fault()) == FaultClass::Cancelled) {
         return; // the user has better things to do; the value grows old
     }
     ++m_missed;
-    // Right after a hang-up it may be the write that fails first.
-    const bool isGone = m_command.Fault() == CommandFault::LinkLost ||
-                        m_command.Fault() == CommandFault::WriteFailed;
-    if (isGone || m_missed >= kMostMissed) {
-        Lose(kFirstPause);
+    if (ClassOf(asking.Fault()) == FaultClass::Gone || m_missed >= kMostMissed) {
+        Lose(asking, kFirstPause);
     } else {
-        // A question that is not answered makes the program wait: not as often, then.
+        // A question that is not answered keeps the line: not as often, then.
         m_due = clock.Steady() + std::min(kPollInterval * (m_missed + 1), kLongestPause);
     }
 }
 
-void ReceiverLink::Lose(Clock::Duration pause)
+void ReceiverLink::Lose(CCommand& asking, Clock::Duration pause)
 {
-    m_command.ClosePort();
-    m_wasAway = !IsPortThere();
-    m_pause = pause;
-    m_due = m_command.GetClock().Steady() + pause;
-    Enter(LinkState::Lost);
+    asking.ClosePort();
+    const bool isAway = !IsPortThere();
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_wasAway = isAway;
+        m_pause = pause;
+        m_due = asking.GetClock().Steady() + pause;
+    }
+    Enter(LinkState::Lost, m_target.IsBluetooth() ? LinkQuestion::Reconnect : LinkQuestion::None);
 }
 
-void ReceiverLink::TryAgain()
+void ReceiverLink::TryAgain(CCommand& asking)
 {
-    if (!IsPortThere()) {
-        m_wasAway = true;
-        return;
+    const bool isThere = IsPortThere();
+    const Clock::Duration now = asking.GetClock().Steady();
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (isThere && m_wasAway) { // just plugged in: now is the time, and patience begins anew
+            m_pause = kFirstPause;
+            m_due = now;
+        }
+        m_wasAway = !isThere;
     }
-    const Clock& clock = m_command.GetClock();
-    if (m_wasAway) { // just plugged in: now is the time, and patience begins anew
-        m_wasAway = false;
-        m_pause = kFirstPause;
-        m_due = clock.Steady();
-    }
-    if (clock.Steady() < m_due) {
+    if (!isThere || now < m_due) {
         return;
     }
     Enter(LinkState::Reconnecting);
     StatusReply status;
     SerialReply serial;
-    if (Reopen(status, serial) == 1) {
-        const Clock::Duration at = clock.Steady();
-        if (CheckIdentity(serial) == 0) {
-            m_command.ClosePort();
-            Forget();
-            Enter(LinkState::NotConnected); // the user has been told why
-            return;
+    if (Reopen(asking, status, serial) == 1) {
+        const Clock::Duration at = asking.GetClock().Steady();
+        if (IsOther(asking, serial)) {
+            Enter(LinkState::Reconnecting, LinkQuestion::OtherReceiver);
+        } else {
+            const std::unique_lock lock(m_mutex);
+            m_heard.status = {std::move(status), at};
         }
-        m_heard.status = {std::move(status), at};
-        m_missed = 0;
-        m_due = clock.Steady() + kPollInterval;
-        Enter(LinkState::Connected);
+        if (m_question == LinkQuestion::None) {
+            Resume();
+        }
         return;
     }
-    if (m_command.Fault() == CommandFault::Cancelled) {
-        m_command.ClosePort();
-        Enter(LinkState::NotConnected); // whoever cancels an attempt wants no more of them
+    if (asking.Fault() == CommandFault::Cancelled) {
+        if (&asking == &m_command) {
+            GiveUp(asking); // whoever cancels an attempt wants no more of them
+        } else {
+            Lose(asking, m_pause); // somebody wanted quiet
+        }
         return;
     }
-    Lose(std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
+    Lose(asking, std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
 }
 
-int ReceiverLink::Reopen(StatusReply& status, SerialReply& serial)
+int ReceiverLink::Reopen(CCommand& asking, StatusReply& status, SerialReply& serial)
 {
-    if (OpenTarget(m_command, m_target) == 0) {
+    if (OpenTarget(asking, m_target) == 0) {
         return 0;
     }
-    ShortenTimeout();
-    const bool answered =
-        m_command.RequestStatus(status) == 1 && m_command.RequestSerial(serial) == 1;
-    m_command.SetReplyTimeout(m_target.settings.replyTimeout);
+    ShortenTimeout(asking);
+    const bool answered = asking.RequestStatus(status) == 1 && asking.RequestSerial(serial) == 1;
+    asking.SetReplyTimeout(m_target.settings.replyTimeout);
     return answered ? 1 : 0;
 }
 
 /// @param serial  what the receiver at the other end says now
-/// @return 1 if it is the one of before, or another one that is acceptable
-int ReceiverLink::CheckIdentity(const SerialReply& serial)
+bool ReceiverLink::IsOther(CCommand& asking, const SerialReply& serial)
 {
     CRecvInfo info(ReceiverIdentity{serial, std::nullopt, std::nullopt});
     if (info.Known().IsSame(m_heard.identity)) {
+        const std::scoped_lock lock(m_mutex);
         m_heard.identity.serial = serial; // its firmware may be another one
-        return 1;
+        return false;
     }
-    info.ReadMissing(m_command);
+    info.ReadMissing(asking);
     if (!m_heard.identity.serial) { // it did not tell before
         Meet(info.Known());
-        return 1;
+        return false;
     }
-    const std::wstring before = m_heard.identity.Name();
-    const std::wstring now = info.Known().Name();
-    m_command.GetHost().ShowMessage(FormatText(text::kOtherReceiver, before.c_str(), now.c_str()),
-                                    Text(text::kOtherReceiverCaption),
-                                    {BoxButtons::Ok, BoxIcon::Exclamation});
-    CConnect check(m_command, 0, m_target);
-    check.SetSupportedTypes(m_supported);
-    if (check.CheckRecvType() == 0) {
+    m_other = info.Known();
+    return true;
+}
+
+int ReceiverLink::AskUser(CConnect& connect)
+{
+    const Questions::Quiet quiet(m_command);
+    if (m_isTicking || m_holds > 0 || m_command.IsBusy()) {
         return 0;
     }
-    Meet(check.Identity());
+    switch (m_question) {
+    case LinkQuestion::None:
+        break;
+    case LinkQuestion::Reconnect:
+        return Connect(connect, Target());
+    case LinkQuestion::OtherReceiver:
+        return MeetOther(connect);
+    }
+    return 0;
+}
+
+int ReceiverLink::MeetOther(CConnect& connect)
+{
+    const Hold hold(*this);
+    Enter(LinkState::Reconnecting);
+    m_command.GetHost().ShowMessage(
+        FormatText(text::kOtherReceiver, m_heard.identity.Name().c_str(), m_other.Name().c_str()),
+        Text(text::kOtherReceiverCaption), {BoxButtons::Ok, BoxIcon::Exclamation});
+    StatusReply status;
+    if (m_command.RequestStatus(status) == 0) { // it may be gone by now
+        Lose(m_command, kFirstPause);
+        return 0;
+    }
+    connect.SetSupportedTypes(m_supported);
+    if (connect.CheckRecvType() == 0) {
+        GiveUp(m_command); // the user has been told why
+        return 0;
+    }
+    Meet(connect.Identity());
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_heard.status = {std::move(status), m_command.GetClock().Steady()};
+    }
+    Resume();
     return 1;
 }
 
@@ -205,21 +253,38 @@ void ReceiverLink::Meet(ReceiverIdentity identity)
         ++m_receivers;
         Forget();
     }
+    const std::scoped_lock lock(m_mutex);
     m_heard.identity = std::move(identity);
+}
+
+/// There is a connection, with a status of now.
+void ReceiverLink::Resume()
+{
+    m_missed = 0;
+    m_due = m_command.GetClock().Steady() + (m_heard.status ? kPollInterval : Clock::Duration());
+    Enter(LinkState::Connected);
+}
+
+void ReceiverLink::GiveUp(CCommand& asking)
+{
+    asking.ClosePort();
+    Forget();
+    Enter(LinkState::NotConnected);
 }
 
 /// Forgets all but who the receiver was.
 void ReceiverLink::Forget()
 {
+    const std::scoped_lock lock(m_mutex);
     Receiver fresh;
     fresh.link = m_heard.link;
     fresh.identity = std::move(m_heard.identity);
     m_heard = std::move(fresh);
 }
 
-void ReceiverLink::ShortenTimeout()
+void ReceiverLink::ShortenTimeout(CCommand& asking) const
 {
-    m_command.SetReplyTimeout(std::min(m_target.settings.replyTimeout, kReplyTimeout));
+    asking.SetReplyTimeout(std::min(m_target.settings.replyTimeout, kReplyTimeout));
 }
 
 /// A COM number may mean another device tomorrow, so only a path can be looked for.
@@ -229,22 +294,60 @@ bool ReceiverLink::IsPortThere() const
     return m_target.devicePath.empty() || std::filesystem::exists(m_target.devicePath, ignored);
 }
 
+void ReceiverLink::Enter(LinkState state, LinkQuestion question)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_connections += state == LinkState::Connected && m_heard.link != state ? 1 : 0;
+        m_heard.link = state;
+        m_question = question;
+    }
+    if (m_observer) {
+        m_observer();
+    }
+}
+
+// Who looks.
+
+LinkState ReceiverLink::State() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_heard.link;
+}
+
+LinkQuestion ReceiverLink::Question() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_question;
+}
+
+ConnectTarget ReceiverLink::Target() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_target;
+}
+
+Receiver ReceiverLink::Heard() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_heard;
+}
+
+void ReceiverLink::Put(Receiver heard)
+{
+    const std::scoped_lock lock(m_mutex);
+    heard.link = m_heard.link;
+    m_heard = std::move(heard);
+}
+
 std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
 {
-    if (m_heard.link != LinkState::Lost) {
+    const std::scoped_lock lock(m_mutex);
+    if (m_heard.link != LinkState::Lost || m_question != LinkQuestion::None) {
         return std::nullopt;
     }
     return m_wasAway ? Clock::Duration::zero()
                      : std::max(m_due - m_command.GetClock().Steady(), Clock::Duration::zero());
-}
-
-void ReceiverLink::Enter(LinkState state)
-{
-    m_connections += state == LinkState::Connected && m_heard.link != state ? 1 : 0;
-    m_heard.link = state;
-    if (m_observer) {
-        m_observer();
-    }
 }
 
 } // namespace fieldcore

@@ -3,10 +3,13 @@
 #include "core/link/ConnectSequence.h"
 #include "core/link/Receiver.h"
 #include "core/link/ReceiverTypes.h"
+#include "core/link/Replies.h"
 #include "core/platform/Clock.h"
 
+#include <atomic>
 #include <chrono>
 #include <functional>
+#include <mutex>
 #include <optional>
 
 namespace fieldcore {
@@ -14,19 +17,29 @@ namespace fieldcore {
 class CCommand;
 class CConnect;
 
+/// What the user has to be asked before the link goes on.
+enum class LinkQuestion
+{
+    None,
+    Reconnect,    ///< Lost, and Bluetooth: whether to connect again
+    OtherReceiver ///< Reconnecting: it is another receiver than before
+};
+
 /// Keeps a program connected to its receiver: asks its status every two seconds, notices a loss,
-/// and connects again when the receiver is back. It acts only in Tick(), which the program calls a
-/// few times a second, and does nothing while the channel is busy or somebody holds it. What it
-/// does blocks for an exchange at most, with a shorter reply time-out than the dialogs have. The
-/// thread that uses the channel.
+/// and connects again when the receiver is back. It acts by itself only in Tick(), which is called
+/// a few times a second: by a question in the background, or by the thread of the command channel.
+/// What the user wants (connecting, ending, an answer) comes from the thread of the command
+/// channel, and keeps the questions in the background quiet meanwhile. Any thread may look.
 ///
-/// A link is lost when the far end hangs up, or when kMostMissed questions one after the other got
+/// The link is lost when the port is gone, or when kMostMissed questions in a row were answered by
 /// no good answer. The port that is gone is looked for at every tick; one that is there but does
 /// not help is tried again after a pause that grows from kFirstPause to kLongestPause.
 ///
-/// What is reached again is asked who it is. If it is another receiver than before, the user is
-/// told so through the channel's host, and it is checked as the first one was: one that is not
-/// acceptable is not kept. A tick lasts, then, until the user has read that.
+/// So it is with a cable. A Bluetooth link that is lost stays so until the user was asked whether
+/// to connect again. What is reached again is asked who it is: if it is another receiver than
+/// before, the user is told, and it is checked as the first one was; one that is not acceptable is
+/// not kept. No tick asks the user: it leaves a Question(), and the program calls AskUser() from
+/// where a message may be shown.
 ///
 /// It owns what is known of the receiver. The last values outlive a loss; another receiver, or the
 /// end of the connection, leaves nothing of them.
@@ -56,6 +69,8 @@ public:
     /// @param command  not owned; must outlive this object
     explicit ReceiverLink(CCommand& command) : m_command(command) {}
 
+    // The thread of the command channel.
+
     /// Lets the user connect, and checks that the receiver is acceptable.
     /// @param connect  made for @p target and the same channel
     /// @return 1 if connected; 0 with the port closed, or with nothing changed while the channel is
@@ -66,18 +81,33 @@ public:
     /// Ends the connection, or the attempts to get it back.
     /// @return 0, and nothing changes, while the channel is busy
     int Disconnect();
-    /// Does what is due.
-    void Tick();
+    /// Asks what Question() says, through the channel's host, and does as the user says: connects
+    /// again, or takes the other receiver if it is acceptable. Not from inside a request. What he
+    /// does not want ends the connection.
+    /// @param connect  made for Target() and the same channel, to reconnect
+    /// @return 1 if connected; 0 too with nothing changed while the channel is busy or held, or if
+    ///         there is no question
+    int AskUser(CConnect& connect);
 
-    [[nodiscard]] LinkState State() const { return m_heard.link; }
+    /// Does what is due.
+    void Tick() { Tick(m_command); }
+    /// The same on another thread. @param asking  its face of the channel
+    void Tick(CCommand& asking);
+
+    // Any thread.
+
+    [[nodiscard]] LinkState State() const;
+    /// What AskUser() would ask; the link waits for it.
+    [[nodiscard]] LinkQuestion Question() const;
     /// Where the receiver is, or was last; its device path or port number.
-    [[nodiscard]] const ConnectTarget& Target() const { return m_target; }
-    /// What is known of the receiver; who it is outlives the connection. Whoever else asks it puts
-    /// the answers here.
-    [[nodiscard]] const Receiver& Heard() const { return m_heard; }
-    [[nodiscard]] Receiver& Heard() { return m_heard; }
-    /// How long until the next attempt to get the link back; nothing unless lost, zero if only the
-    /// port is waited for.
+    [[nodiscard]] ConnectTarget Target() const;
+    /// What is known of the receiver; who it is outlives the connection.
+    [[nodiscard]] Receiver Heard() const;
+    /// Whoever else asks it puts the answers here, from the thread that ticks. The state of the
+    /// link stays as it is.
+    void Put(Receiver heard);
+    /// How long until the next attempt to get the link back; nothing unless lost, and while the
+    /// user is to be asked; zero if only the port is waited for.
     [[nodiscard]] std::optional<Clock::Duration> UntilNextAttempt() const;
 
     /// Whether a dialog uses the channel: polls leave it alone.
@@ -87,35 +117,43 @@ public:
     /// How many receivers there have been: one that comes back behind itself counts once.
     [[nodiscard]] unsigned Receivers() const { return m_receivers; }
 
-    /// Told when the state or the status has changed, on the calling thread. It may ask, but not
-    /// act. Empty: nobody.
+    /// Told when the state or the status has changed, on the thread that changed it. It may look,
+    /// but not act. Empty: nobody. While nothing ticks.
     void SetObserver(std::function<void()> observer) { m_observer = std::move(observer); }
 
 private:
-    void Poll();
-    void Lose(Clock::Duration pause);
-    void TryAgain();
-    [[nodiscard]] int Reopen(StatusReply& status, SerialReply& serial);
-    [[nodiscard]] int CheckIdentity(const SerialReply& serial);
+    void Poll(CCommand& asking);
+    void Lose(CCommand& asking, Clock::Duration pause);
+    void TryAgain(CCommand& asking);
+    [[nodiscard]] int Reopen(CCommand& asking, StatusReply& status, SerialReply& serial);
+    [[nodiscard]] bool IsOther(CCommand& asking, const SerialReply& serial);
+    int MeetOther(CConnect& connect);
     void Meet(ReceiverIdentity identity);
+    void Resume();
+    void GiveUp(CCommand& asking);
     void Forget();
     [[nodiscard]] bool IsPortThere() const;
-    void Enter(LinkState state);
-    void ShortenTimeout();
+    void Enter(LinkState state, LinkQuestion question = LinkQuestion::None);
+    void ShortenTimeout(CCommand& asking) const;
 
     CCommand& m_command;
-    ConnectTarget m_target;
     SupportedTypeFlags m_supported; // by whoever connected last
+    ReceiverIdentity m_other;       // that is asked about
+    int m_missed = 0;               // questions without a good answer, one after the other
+    std::atomic<int> m_holds = 0;
+    std::atomic<unsigned> m_connections = 0;
+    std::atomic<unsigned> m_receivers = 0;
+    std::atomic<bool> m_isTicking = false;
+    std::function<void()> m_observer;
+
+    // Changed while nobody else acts; guarded for those who look.
+    mutable std::mutex m_mutex;
+    ConnectTarget m_target;
     Receiver m_heard;
+    LinkQuestion m_question = LinkQuestion::None;
     Clock::Duration m_due{}; // of the next question or attempt
     Clock::Duration m_pause{};
     bool m_wasAway = false; // the port, when it was last looked for
-    int m_missed = 0;       // questions without a good answer, one after the other
-    int m_holds = 0;
-    unsigned m_connections = 0;
-    unsigned m_receivers = 0;
-    bool m_isTicking = false;
-    std::function<void()> m_observer;
 };
 
 } // namespace fieldcore

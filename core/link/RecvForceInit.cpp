@@ -7,6 +7,12 @@
 
 namespace fieldcore {
 
+int CRecvForceInit::DoModal()
+{
+    CConnect connect(m_command, 0);
+    return DoModal(connect);
+}
+
 int CRecvForceInit::DoModal(CConnect& connect)
 {
     if (connect.DoModal() != CConnect::Connected) {

@@ -20,8 +20,10 @@ public:
     explicit CRecvForceInit(CCommand& command) : m_command(command) {}
 
     /// Connects, asks, sends the reset and closes the port whatever came of it.
-    /// @param connect  how the receiver is reached; used only if the port is not open yet
     /// @return Done or NotDone
+    int DoModal();
+    /// @param connect  how the receiver is reached, in place of as the settings say; used only if
+    ///                 the port is not open yet
     int DoModal(CConnect& connect);
 
     /// Asks twice and sends the reset. Whether the receiver acknowledges it is not examined: one

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 
 namespace fieldcore {
@@ -54,7 +55,7 @@ public:
     void AllowSetting(bool allowed) { m_settingAllowed = allowed; }
 
 private:
-    bool m_settingAllowed = false; // user-interface thread only
+    std::atomic<bool> m_settingAllowed = false;
 };
 
 } // namespace fieldcore

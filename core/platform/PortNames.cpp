@@ -66,9 +66,14 @@ fs::path Resolved(const fs::path& path)
     return error ? path : resolved;
 }
 
-PortNameResult Fault(std::string text)
+PortNameResult Fault(PortNameFault why, std::string text)
 {
-    return {std::nullopt, std::move(text)};
+    return {std::nullopt, why, std::move(text)};
+}
+
+PortNameResult Found(NamedPort port)
+{
+    return {std::move(port), PortNameFault::None, {}};
 }
 
 } // namespace
@@ -124,35 +129,37 @@ PortNameResult PortNames::Parse(std::string_view name) const
     constexpr std::string_view kSimulator = "SIM:";
 
     if (name.size() > kLongestName) {
-        return Fault("The port name is too long.");
+        return Fault(PortNameFault::TooLong, "The port name is too long.");
     }
     if (HasControlCharacter(name)) {
-        return Fault("The port name holds a control character.");
+        return Fault(PortNameFault::ControlCharacter, "The port name holds a control character.");
     }
     name = WithoutBlanks(name);
     if (name.empty()) {
-        return Fault("No port is named. Write COM1, a path such as /dev/ttyUSB0, or sim: for the "
+        return Fault(PortNameFault::Empty,
+                     "No port is named. Write COM1, a path such as /dev/ttyUSB0, or sim: for the "
                      "simulator.");
     }
     if (StartsWithAnyCase(name, kSimulator)) {
-        return {NamedPort{PortKind::Simulator, "", std::string(name.substr(kSimulator.size()))},
-                ""};
+        return Found({PortKind::Simulator, "", std::string(name.substr(kSimulator.size()))});
     }
     if (name.find('/') != std::string_view::npos) {
-        return {NamedPort{PortKind::Device, std::string(name), ""}, ""};
+        return Found({PortKind::Device, std::string(name), ""});
     }
     if (StartsWithAnyCase(name, kCom)) {
         if (const std::optional<int> com = ComNumberOf(name.substr(kCom.size()))) {
-            return {NamedPort{PortKind::Device, DevicePath(*com), ""}, ""};
+            return Found({PortKind::Device, DevicePath(*com), "", *com});
         }
-        return Fault("\"" + std::string(name) +
-                     "\" is no port: COM is followed by a number from 1 to " +
-                     std::to_string(kMaxCom) + ".");
+        return Fault(PortNameFault::NoComNumber,
+                     "\"" + std::string(name) +
+                         "\" is no port: COM is followed by a number from 1 to " +
+                         std::to_string(kMaxCom) + ".");
     }
     return Fault(
+        PortNameFault::Unknown,
         "\"" + std::string(name) +
-        "\" is no port name. Write COM1, a whole path such as /dev/ttyUSB0, or sim: for the "
-        "simulator.");
+            "\" is no port name. Write COM1, a whole path such as /dev/ttyUSB0, or sim: for the "
+            "simulator.");
 }
 
 std::string PortNames::StablePath(const std::string& path) const

@@ -21,13 +21,26 @@ struct NamedPort
     PortKind kind = PortKind::Device;
     std::string path;     ///< of a Device
     std::string scenario; ///< of a Simulator; empty: the one it plays by itself
+    int com = 0;          ///< the number that a Device is named by; 0: by its path
 };
 
-/// A port, or in plain English why the name is none.
+/// Why a name is none of a port.
+enum class PortNameFault
+{
+    None,
+    TooLong,
+    ControlCharacter,
+    Empty,
+    NoComNumber, ///< COM with something else behind it than 1 to PortNames::kMaxCom
+    Unknown
+};
+
+/// A port, or why the name is none.
 struct PortNameResult
 {
     std::optional<NamedPort> port;
-    std::string fault; ///< empty if there is a port
+    PortNameFault why = PortNameFault::None;
+    std::string fault; ///< the same in plain English; empty if there is a port
 };
 
 /// Knows which device is meant by COM1, COM2 and so on: the one assigned to it, else the built-in

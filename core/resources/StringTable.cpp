@@ -835,6 +835,15 @@ constexpr Entry kEntries[] = {
     Entry{text::kUnitSeconds, L"秒"},
     Entry{text::kUnitPercentPerHour, L"%/時"},
     Entry{text::kVersionTypeNumber, L"機種番号"},
+    Entry{text::kPortUnusableTarget, L"設定されている接続先は使用できません。\n接続先：%ls\n"
+                                     L"原因：%ls\n接続先を選択し直してください。"},
+    Entry{text::kPortNameTooLong, L"名前が長すぎます。"},
+    Entry{text::kPortNameControl, L"使用できない文字が含まれています。"},
+    Entry{text::kPortNameEmpty, L"名前がありません。"},
+    Entry{text::kPortNameCom, L"COM番号は1から256までです。"},
+    Entry{text::kPortNameUnknown, L"ポートの名前ではありません。"},
+    Entry{text::kPortNameSimulator, L"このソフトウェアにはシミュレータがありません。"},
+    Entry{text::kPortNameDevice, L"COM番号に割り当てられたデバイスのパスが正しくありません。"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

@@ -692,6 +692,17 @@ inline constexpr int kStatusLeft = 61208;
 inline constexpr int kUnitSeconds = 61209;
 inline constexpr int kUnitPercentPerHour = 61210;
 inline constexpr int kVersionTypeNumber = 61211;
+
+// Where the settings lead
+inline constexpr int kPortUnusableTarget = 61260; ///< name of the port, cause
+inline constexpr int kPortNameTooLong = 61261;    ///< causes
+inline constexpr int kPortNameControl = 61262;
+inline constexpr int kPortNameEmpty = 61263;
+inline constexpr int kPortNameCom = 61264;
+inline constexpr int kPortNameUnknown = 61265;
+inline constexpr int kPortNameSimulator = 61266;
+inline constexpr int kPortNameDevice = 61267;
+
 // The receiver's state
 inline constexpr int kPlanSiteMissing = 60980;
 inline constexpr int kPowerSource1 = 61000;

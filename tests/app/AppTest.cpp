@@ -51,10 +51,11 @@ TEST(AppOptions, AreReadOrRefused)
     }
     const AppOptions options =
         ParseOptions({QStringLiteral("fieldcore"), QStringLiteral("-p"), QStringLiteral("COM3"),
-                      QStringLiteral("--theme=system")});
+                      QStringLiteral("--theme=system"), QStringLiteral("--q77")});
     EXPECT_EQ(options.port, QStringLiteral("COM3"));
     EXPECT_EQ(options.theme, Theme::Kind::System);
     EXPECT_EQ(options.speed, 1.0);
+    EXPECT_TRUE(options.isQ77);
 }
 
 /// All that stands on a widget.

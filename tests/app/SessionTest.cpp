@@ -6,10 +6,12 @@
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
+#include "app/Worlds.h"
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
+#include "core/platform/Utf8.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/core/equipment/KnownReceiver.h"
@@ -20,6 +22,7 @@
 #include "ui/controls/IconButton.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/planning/PlanWindowList.h"
 #include "ui/planning/SurveyPlan.h"
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/TiltSensorDlg.h"
@@ -311,6 +314,75 @@ TEST_F(SessionTest, GoesFromTheSimulatorToARealPort)
     EXPECT_EQ(asked, QStringList{QStringLiteral("ケーブル接続確認")});
     EXPECT_GT(real.RequestCount(), 0U);
     EXPECT_EQ(controller.State().simulator, QString());
+}
+
+TEST_F(SessionTest, UsesTheHeightOfTheTallerController)
+{
+    for (const bool bySetting : {false, true}) {
+        SCOPED_TRACE(bySetting ? "setting" : "option");
+        AppOptions options = Options(m_folder.filePath(QStringLiteral("no-device")));
+        EXPECT_FALSE(Controller(options).Host().IsQ77());
+        options.isQ77 = !bySetting;
+        if (bySetting) {
+            Controller(options).Reg().WriteNumber(L"GPS\\App", L"Q77", 1);
+        }
+        Controller controller(options);
+        controller.Begin();
+        Session session(controller);
+        session.Begin();
+        EXPECT_EQ(session.Window().size(), QSize(480, 800));
+        CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, &session.Window()),
+                         &session.Window());
+        for (const QSize size : {QSize(480, 640), QSize(480, 800)}) {
+            plan.resize(size);
+            plan.show();
+            QCoreApplication::processEvents();
+            EXPECT_TRUE(plan.findChild<PlanWindowList*>()->isVisible());
+            testing::ExpectNothingCut(plan, size);
+        }
+        CRecvFileMan files(&controller.Command(), 0, nullptr, FilesWorld(controller, nullptr),
+                           &session.Window());
+        files.show();
+        EXPECT_EQ(files.height(), 800) << "a form of 45 lines is 720 high";
+        EXPECT_FALSE(files.windowIcon().pixmap(32).isNull());
+    }
+}
+
+TEST_F(SessionTest, AsksOnceWhenBluetoothIsLost)
+{
+    for (const bool retries : {true, false}) {
+        SCOPED_TRACE(retries ? "Retry" : "Cancel");
+        AppOptions options = Options(QStringLiteral("COM5"));
+        options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
+        Controller controller(options);
+        simulator::Simulator receiver{simulator::Scenario{}};
+        std::string error;
+        ASSERT_TRUE(receiver.Start(error)) << error;
+        controller.Reg().WriteString(L"Ports", L"COM5", FromUtf8(receiver.PortPath()));
+        std::wstring fault;
+        ASSERT_TRUE(controller.ConnectQuietly(fault));
+        EXPECT_EQ(controller.Command().GetPortNumber(), 5);
+        QStringList asked;
+        QTimer hand;
+        QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
+            if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+                EXPECT_FALSE(controller.Command().IsBusy()) << "asked from inside of a request";
+                EXPECT_TRUE(receiver.Plug());
+                asked += box->windowTitle();
+                QTest::keyClick(box, retries ? Qt::Key_Return : Qt::Key_Escape);
+            }
+        });
+        hand.start(10);
+        receiver.HangUp();
+        const auto over = [&] {
+            return !asked.isEmpty() &&
+                   controller.Link().State() ==
+                       (retries ? LinkState::Connected : LinkState::NotConnected);
+        };
+        EXPECT_TRUE(QTest::qWaitFor(over, 20000));
+        QTest::qWait(600); // two rounds of the program's timer
+        EXPECT_EQ(asked, QStringList{QStringLiteral("通信エラー検出")});
+    }
 }
 
 TEST_F(SessionTest, TakesOverALinkThatAPageHasMade)

@@ -1,13 +1,19 @@
 // What the commands show, against what the shipped scenarios and the made-up ones say.
 
+#include "core/platform/FastClock.h"
+#include "simulator/Simulator.h"
 #include "tests/cli/Runner.h"
+#include "tests/core/link/FarEnd.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <map>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -215,6 +221,63 @@ TEST(Identify, ReadsTheIdentificationPacket)
     EXPECT_EQ(result["dataBits"], 8);
     EXPECT_EQ(result["stopBits"], 1);
     EXPECT_EQ(result["port"], 1);
+}
+
+TEST(Identify, SearchesEveryRateAndStoresNoneUnasked)
+{
+    FastClock clock{5.0};
+    std::string error;
+    const auto scenario = simulator::ParseScenario("baud 9600\ncheck-rate yes", error);
+    ASSERT_TRUE(scenario.has_value()) << error;
+    simulator::Simulator receiver(*scenario, clock);
+    ASSERT_TRUE(receiver.Start(error)) << error;
+    Runner runner;
+    runner.world.clock = &clock;
+    const std::string identify = "identify --json --timeout 60 --port " + receiver.PortPath();
+    const nlohmann::json found = runner.Run(identify + " --search").Json()["result"];
+    EXPECT_EQ(found["answersAt"], 9600);
+    EXPECT_EQ(found["typeNumber"], 3017);
+    const std::string line = "ports show --json";
+    EXPECT_EQ(runner.Run(line).Json()["result"]["ports"][0]["rate"], "38400");
+    EXPECT_EQ(runner.Run(identify + " --search --store").Json()["result"]["stored"], true);
+    EXPECT_EQ(runner.Run(line).Json()["result"]["ports"][0]["rate"], "9600");
+    EXPECT_EQ(runner.Run(identify + " --store").code, 2) << "a rate that was not searched";
+}
+
+TEST(Port, ComesFromTheSettingsWhereNoneIsNamed)
+{
+    Runner runner;
+    const auto store = [&runner](const std::string& port) {
+        return runner.Run({"settings", "set", "GPS\\Connect", "Port", port}).code;
+    };
+    ASSERT_EQ(store("sim:pica"), 0);
+    EXPECT_EQ(runner.Run("identify --json --speed 20 --timeout 60").Json()["result"]["typeNumber"],
+              3010);
+    ASSERT_EQ(store("COM300"), 0);
+    const nlohmann::json refused = runner.Run("info --json").Json()["error"];
+    EXPECT_EQ(refused["code"], "port-unusable");
+    EXPECT_EQ(refused["exitCode"], 3);
+    EXPECT_NE(refused["message"].get<std::string>().find("COM300"), std::string::npos);
+}
+
+TEST(Port, ThatTalksByItselfIsNotTakenForADamagedLine)
+{
+    const fieldcore::testing::FarEnd talks;
+    std::atomic<bool> ends = false;
+    std::jthread talker([&] {
+        while (!ends) {
+            talks.Send(fieldcore::testing::Ascii("$GNRMC,120000.00,A,,*11\r\n"));
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    });
+    Runner runner;
+    for (const std::string command : {"info", "identify"}) {
+        const nlohmann::json error =
+            runner.Run(command + " --json --timeout 5 --port " + talks.Path()).Json()["error"];
+        EXPECT_EQ(error["code"], "port-sending") << command;
+        EXPECT_EQ(error["exitCode"], 1);
+    }
+    ends = true;
 }
 
 TEST(Port, ComesFromTheEnvironmentUnlessNamed)

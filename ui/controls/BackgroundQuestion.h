@@ -29,7 +29,10 @@ public:
             return answer.first;
         });
     }
-    ~BackgroundQuestion() override { m_questions.Remove(m_id); }
+    ~BackgroundQuestion() override { Stop(); }
+
+    /// Asks no more: once it is back, nothing runs on the thread of the questions.
+    void Stop() { m_questions.Remove(m_id); }
 
     /// Asks as soon as it can be.
     void Hurry() { m_questions.Hurry(m_id); }

@@ -1,9 +1,11 @@
 #include "ui/controls/Dialog.h"
 
+#include "core/host/Host.h"
 #include "ui/controls/UiText.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QPushButton>
 #include <QTimerEvent>
 #include <QVariant>
@@ -13,6 +15,8 @@ namespace fieldcore {
 namespace {
 
 constexpr const char* kControlId = "fieldcoreControlId";
+constexpr int kFormLines = 45;
+constexpr int kFormLinesQ77 = 60; // on the controller with the taller screen
 
 } // namespace
 
@@ -117,7 +121,8 @@ void Dialog::OpenOverParent()
     }
     const QWidget* const under = parentWidget()->window();
     const int character = fontMetrics().horizontalAdvance(QChar(0x3042));
-    const QSize form(40 * character, 45 * character);
+    const int lines = DefaultHost().IsQ77() ? kFormLinesQ77 : kFormLines;
+    const QSize form(40 * character, lines * character);
     resize(m_extent == Extent::Whole ? under->size() : under->size().boundedTo(form));
     move(under->mapToGlobal(under->rect().center()) - rect().center());
 }
@@ -126,6 +131,9 @@ void Dialog::showEvent(QShowEvent* event)
 {
     if (!m_initialised) {
         m_initialised = true;
+        if (const std::string icon = DefaultHost().CommonIcon(); !icon.empty()) {
+            setWindowIcon(QIcon(QString::fromStdString(icon)));
+        }
         OpenOverParent();
         if (OnInitDialog() && nextInFocusChain() != nullptr && focusWidget() == nullptr) {
             focusNextChild();

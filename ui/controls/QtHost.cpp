@@ -66,7 +66,7 @@ bool IsInput(QEvent::Type type)
 } // namespace
 
 QtHost::QtHost(const Options& options)
-    : m_isQ77(options.isQ77),
+    : m_isQ77(options.isQ77), m_icon(options.icon),
       m_clock(options.clock != nullptr ? *options.clock : SystemClock::Instance())
 {
     m_back.setSingleShot(true);

@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QObject>
 #include <QPointer>
+#include <QString>
 #include <QTimer>
 
 namespace fieldcore {
@@ -26,6 +27,7 @@ public:
     {
         bool isQ77 = false;
         Clock* clock = nullptr; ///< that waits are measured on; nullptr: the system's. Not owned
+        QString icon = {};      ///< that all windows carry: file or resource; empty: none
     };
 
     /// How long a wait may last before the strip appears.
@@ -58,6 +60,7 @@ public:
     ///         told
     bool Breathe() override;
     [[nodiscard]] bool IsQ77() const override { return m_isQ77; }
+    [[nodiscard]] std::string CommonIcon() const override { return m_icon.toStdString(); }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -68,6 +71,7 @@ private:
     void ShowStrip(Clock::Duration lasted);
 
     const bool m_isQ77;
+    const QString m_icon;
     Clock& m_clock;
     int m_waitCursors = 0;
     QTimer m_back; // runs off when the program is back in its event loop

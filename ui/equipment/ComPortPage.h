@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/equipment/ComPrmSet.h"
 #include "core/equipment/RateSearch.h"
+#include "core/link/ComPrmSet.h"
 #include "ui/controls/PropertyPage.h"
 
 class QLabel;

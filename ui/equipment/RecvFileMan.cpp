@@ -12,6 +12,7 @@
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/RecvGomi.h"
 #include "ui/equipment/TransferPanel.h"
+#include "ui/link/ConnectDlg.h"
 
 #include <QLayout>
 
@@ -83,7 +84,7 @@ int CRecvFileMan::Open()
 {
     const std::unique_ptr<CConnect> connect =
         m_surroundings.makeConnect ? m_surroundings.makeConnect(m_command)
-                                   : std::make_unique<CConnect>(m_command, 0, ConnectTarget{});
+                                   : std::make_unique<ConnectDlg>(m_command, 0, parentWidget());
     const int result = m_files.Open(*connect);
     if (result == ReceiverFiles::Opened && !m_files.HasRecyclePage()) {
         RemovePage(kGomiPage);

@@ -29,7 +29,8 @@ public:
     /// What the sheet uses of the world around it. What is left out is this machine's own.
     struct Surroundings
     {
-        /// Makes the screen that connects to the receiver; without one, connecting has none.
+        /// Makes the screen that connects to the receiver; without one, it is a ConnectDlg to
+        /// where the settings say.
         std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
         Folders folders = Folders();
         /// Bytes that can be written to a folder.

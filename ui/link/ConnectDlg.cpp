@@ -1,6 +1,7 @@
 #include "ui/link/ConnectDlg.h"
 
 #include "core/equipment/RateSearch.h"
+#include "core/link/ComPrmSet.h"
 #include "core/link/Command.h"
 #include "core/link/PortChoices.h"
 #include "core/platform/PortReport.h"
@@ -30,16 +31,24 @@ bool MayBeTheRate(CommandFault fault)
 
 } // namespace
 
+ConnectDlg::ConnectDlg(CCommand& command, int reconnect, QWidget* parent, SettingsRoots& roots)
+    : CConnect(command, reconnect, roots), m_command(command), m_parent(parent),
+      m_keepRate([&roots](std::uint32_t rate) { return SetLinkRate(rate, roots); })
+{}
+
+ConnectDlg::ConnectDlg(CCommand& command, int reconnect, FoundTarget found, QWidget* parent)
+    : CConnect(command, reconnect, std::move(found)), m_command(command), m_parent(parent)
+{}
+
 ConnectDlg::ConnectDlg(CCommand& command, int reconnect, ConnectTarget target, QWidget* parent)
-    : CConnect(command, reconnect, target), m_command(command), m_target(std::move(target)),
-      m_parent(parent)
+    : CConnect(command, reconnect, std::move(target)), m_command(command), m_parent(parent)
 {}
 
 int ConnectDlg::RunSequence(ConnectSequence& sequence)
 {
-    const QString target = ToQt(FormatText(text::kConnectingTarget, PortWords(m_target).c_str(),
-                                           static_cast<long>(m_target.settings.baudRate)));
-    m_progress = std::make_unique<ConnectProgressDlg>(target, m_command.GetClock(), m_parent);
+    const QString where = ToQt(FormatText(text::kConnectingTarget, PortWords(*Target()).c_str(),
+                                          static_cast<long>(Target()->settings.baudRate)));
+    m_progress = std::make_unique<ConnectProgressDlg>(where, m_command.GetClock(), m_parent);
     m_progress->Begin();
     const int connected = sequence.Run(m_progress.get());
     const bool isOver = connected == 1 || sequence.FailedFault() == CommandFault::Cancelled;
@@ -51,10 +60,16 @@ int ConnectDlg::RunSequence(ConnectSequence& sequence)
 
 void ConnectDlg::ShowFailure(const ConnectSequence& sequence)
 {
+    if (sequence.IsPortSending()) { // a step that failed is not what is wrong
+        m_progress.reset();
+        CConnect::ShowFailure(sequence);
+        return;
+    }
     std::wstring message = sequence.FailureMessage();
+    const std::string& path = Target()->devicePath;
     std::string detail = sequence.FailureDetail();
-    if (sequence.FailedFault() == CommandFault::OpenFailed && !m_target.devicePath.empty()) {
-        const PortReport report = ReportPort(m_target.devicePath, m_command.SystemError());
+    if (sequence.FailedFault() == CommandFault::OpenFailed && !path.empty()) {
+        const PortReport report = ReportPort(path, m_command.SystemError());
         if (report.trouble != PortTrouble::None) {
             message =
                 FormatText(text::kFailedPortState, message.c_str(), PortStateText(report.trouble));
@@ -63,7 +78,7 @@ void ConnectDlg::ShowFailure(const ConnectSequence& sequence)
     }
     m_progress->ShowFailure(
         ToQt(message),
-        ToQt(FormatText(text::kDetailHead, PortWords(m_target).c_str(), FromUtf8(detail).c_str())),
+        ToQt(FormatText(text::kDetailHead, PortWords(*Target()).c_str(), FromUtf8(detail).c_str())),
         m_keepRate && MayBeTheRate(sequence.FailedFault()) ? [this] { return ToQt(Search()); }
                                                            : std::function<QString()>());
     m_progress.reset();
@@ -71,7 +86,7 @@ void ConnectDlg::ShowFailure(const ConnectSequence& sequence)
 
 std::wstring ConnectDlg::Search()
 {
-    const std::optional<std::uint32_t> rate = SearchRate(m_command, m_target, m_progress.get());
+    const std::optional<std::uint32_t> rate = SearchRate(m_command, *Target(), m_progress.get());
     if (!rate) {
         return Text(RateSearchText(m_command.Fault()));
     }

@@ -1,20 +1,27 @@
 #pragma once
 
 #include "core/link/ReceiverLink.h"
+#include "ui/controls/BackgroundQuestion.h"
 
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
+
 namespace fieldcore {
 
-/// Keeps a ReceiverLink ticking, and tells the screens of it. User-interface thread only.
+/// Keeps a ReceiverLink ticking in the background, and tells the screens of it. User-interface
+/// thread only.
 class LinkMonitor : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param link  not owned, must outlive the monitor, which is its only observer
-    explicit LinkMonitor(ReceiverLink& link, QObject* parent = nullptr);
+    /// @param command  of the link; must outlive the monitor, as must the link, whose only observer
+    ///                 this is
+    /// @param more     is done behind each tick, on the thread that asks in the background
+    LinkMonitor(CCommand& command, ReceiverLink& link, std::function<void()> more = {},
+                QObject* parent = nullptr);
     ~LinkMonitor() override;
 
     [[nodiscard]] const ReceiverLink& Link() const { return m_link; }
@@ -26,10 +33,9 @@ Q_SIGNALS:
     void Aged();
 
 private:
-    void Tick();
-
     ReceiverLink& m_link;
     QTimer m_timer;
+    BackgroundQuestion m_question;
 };
 
 } // namespace fieldcore

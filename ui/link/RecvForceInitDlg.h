@@ -10,7 +10,10 @@ namespace fieldcore {
 class RecvForceInitDlg
 {
 public:
-    /// As ConnectDlg and CRecvForceInit.
+    /// As ConnectDlg and CRecvForceInit: to where the settings say, or to a given port.
+    explicit RecvForceInitDlg(CCommand& command, QWidget* parent = nullptr)
+        : m_connect(command, 0, parent), m_forceInit(command)
+    {}
     RecvForceInitDlg(CCommand& command, const ConnectTarget& target, QWidget* parent = nullptr)
         : m_connect(command, 0, target, parent), m_forceInit(command)
     {}

@@ -4,6 +4,7 @@
 #include "core/resources/StringTable.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/UiText.h"
+#include "ui/link/ConnectDlg.h"
 
 #include <utility>
 
@@ -20,7 +21,7 @@ std::filesystem::path AskForFile(QWidget* parent, bool save, const std::filesyst
 
 } // namespace
 
-PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given)
+PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given, QWidget* screen)
 {
     const Folders folders;
     if (given.folder.empty()) {
@@ -33,8 +34,8 @@ PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given)
         given.roots = &SettingsRoots::Instance();
     }
     if (!given.makeConnect) {
-        given.makeConnect = [](CCommand& command) {
-            return std::make_unique<CConnect>(command, 0, ConnectTarget{});
+        given.makeConnect = [screen, roots = given.roots](CCommand& command) {
+            return std::make_unique<ConnectDlg>(command, 0, screen, *roots);
         };
     }
     if (!given.chooseFile) {

@@ -24,7 +24,8 @@ struct PlanSurroundings
     SettingsRoots* roots = nullptr;
     const Clock* clock = nullptr; ///< today's date; nullptr: that of the command channel
 
-    /// Makes the screen that connects to the receiver; without one, connecting has none.
+    /// Makes the screen that connects to the receiver; without one, it is a ConnectDlg to where
+    /// the settings of @ref roots say.
     std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
 
     /// Asks for a file.
@@ -35,7 +36,8 @@ struct PlanSurroundings
         chooseFile;
 
     /// @p given with everything in it that was left out.
-    [[nodiscard]] static PlanSurroundings Completed(PlanSurroundings given);
+    /// @param screen  the plan's, over which the rest is shown
+    [[nodiscard]] static PlanSurroundings Completed(PlanSurroundings given, QWidget* screen);
 };
 
 } // namespace fieldcore

@@ -53,12 +53,12 @@ CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, QWidget* parent)
 CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings& surroundings,
                          QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
-      m_surroundings(PlanSurroundings::Completed(surroundings)), m_reg(*m_surroundings.roots),
-      m_session(m_surroundings.folder, m_reg)
+      m_surroundings(PlanSurroundings::Completed(surroundings, this)), m_reg(*m_surroundings.roots),
+      m_session(m_surroundings.folder, m_reg), m_isTall(GetHost().IsQ77())
 {
     setWindowTitle(UiText(text::kPlanTitle));
     setAccessibleName(windowTitle());
-    SetControlId(this, GetHost().IsQ77() ? kTemplateQ77Id : kTemplateId);
+    SetControlId(this, m_isTall ? kTemplateQ77Id : kTemplateId);
     BuildControls();
 }
 

@@ -156,6 +156,7 @@ private:
     const PlanSurroundings m_surroundings;
     const HostReg m_reg;
     PlanSession m_session;
+    const bool m_isTall; // the controller with the taller screen
     int m_intervalMin = 0;
 
     CnMenuBar* m_menu = nullptr; // owned by the dialog, as is all that follows
@@ -168,7 +169,7 @@ private:
     PlanGraphView* m_graph;
     QSlider* m_time;
     QLabel* m_windows;            // two of them, below the graph
-    PlanWindowList* m_windowList; // all of them, where the panel stands beside it
+    PlanWindowList* m_windowList; // all of them, where the panel stands beside it or it is tall
     CTextProgressCtrl* m_progress;
 };
 

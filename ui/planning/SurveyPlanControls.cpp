@@ -69,6 +69,9 @@ void CSurveyPlan::BuildControls()
     right->addWidget(m_graph, 1);
     right->addWidget(m_time);
     right->addWidget(m_windows);
+    if (m_isTall) {
+        right->addWidget(m_windowList);
+    }
     right->addWidget(m_progress);
     m_body = new QBoxLayout(QBoxLayout::TopToBottom);
     m_body->setContentsMargins(12, kGrid, 12, kGrid);
@@ -108,7 +111,9 @@ QWidget* CSurveyPlan::BuildPanel()
     layout->addLayout(spins);
     m_windowList = new PlanWindowList;
     m_windowList->hide();
-    layout->addWidget(m_windowList);
+    if (!m_isTall) {
+        layout->addWidget(m_windowList);
+    }
     layout->addStretch(1);
     m_header->AddTools(m_tools);
 
@@ -234,8 +239,8 @@ void CSurveyPlan::resizeEvent(QResizeEvent* event)
     m_panel->setMinimumWidth(isWide ? kWide / 2
                                     : 0); // or the times would stand against their frames
     m_panel->setMaximumWidth(isWide ? kWide / 2 : QWIDGETSIZE_MAX);
-    m_windowList->setVisible(isWide);
-    m_windows->setHidden(isWide);
+    m_windowList->setVisible(isWide || m_isTall);
+    m_windows->setHidden(isWide || m_isTall);
 }
 
 void CSurveyPlan::changeEvent(QEvent* event)

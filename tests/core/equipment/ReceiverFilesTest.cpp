@@ -111,13 +111,13 @@ TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
         script.typeCode = code;
         const ScriptedEnd far(line, script);
         ASSERT_EQ(command.OpenPort("in memory"), 1);
-        CConnect connect(command, 0, {}); // the port is open: it has nothing to ask
+        CConnect connect(command, 0, ConnectTarget{}); // the port is open: it has nothing to ask
         ReceiverFiles opened(command);
         EXPECT_EQ(opened.Open(connect), result);
         EXPECT_EQ(command.IsPortOpen(), result == ReceiverFiles::Opened ? 1 : 0);
         command.ClosePort();
     }
-    CConnect refused(command, 0, {});
+    CConnect refused(command, 0, ConnectTarget{});
     host.answer = BoxAnswer::Cancel;
     ReceiverFiles opened(command);
     EXPECT_EQ(opened.Open(refused), ReceiverFiles::NotOpened);

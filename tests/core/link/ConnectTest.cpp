@@ -3,7 +3,14 @@
 #include "core/link/Command.h"
 #include "core/link/RecvForceInit.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/Utf8.h"
+#include "core/settings/HostReg.h"
 #include "simulator/Simulator.h"
+#include "tests/core/link/FarEnd.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <string>
 #include <string_view>
@@ -112,6 +119,81 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
         EXPECT_EQ(host.boxes[0].caption, row.caption);
         EXPECT_EQ(host.boxes[0].buttons, row.buttons);
         EXPECT_EQ(host.boxes[0].icon, row.icon);
+    }
+}
+
+TEST_F(ConnectTest, ConnectsAsTheSettingsSay)
+{
+    Start(Scenario{});
+    const TemporaryFolder home;
+    SettingsRoots roots(testing::FoldersBelow(home.Path()));
+    const HostReg reg(roots);
+    reg.WriteString(L"Ports", L"COM5", FromUtf8(receiver->PortPath()));
+    reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 57600);
+    CReg machine(roots);
+    machine.SetRootKey(RootKey::LocalMachine, 1);
+    machine.WriteNumber(L"Software\\CorvaneTS Software\\Wexmain\\Data\\System\\Rtk", L"GpsPort", 5);
+    CConnect connect(command, 0, roots);
+    ASSERT_EQ(connect.DoModal(), CConnect::Connected);
+    ASSERT_EQ(host.boxes.size(), 1U);
+    EXPECT_EQ(host.boxes[0].caption, L"受信機電源確認") << "by Bluetooth";
+    EXPECT_EQ(command.GetPortNumber(), 5) << "of which the time of a transfer is estimated";
+    EXPECT_EQ(command.GetBaudRate(), 57600U);
+    command.ClosePort();
+
+    reg.WriteString(L"GPS\\Connect", L"Port", L"COM300");
+    host.boxes.clear();
+    EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
+    ASSERT_EQ(host.boxes.size(), 1U) << "asked for a cable that leads nowhere";
+    EXPECT_NE(host.boxes[0].text.find(L"COM300"), std::wstring::npos);
+    EXPECT_EQ(host.boxes[0].icon, BoxIcon::Stop);
+    EXPECT_EQ(command.IsPortOpen(), 0);
+}
+
+/// The default host may be named, and replaced, after what uses it was made.
+TEST_F(ConnectTest, AsksTheDefaultHostWhereNoneIsGiven)
+{
+    CCommand& shared = *GetCCommand();
+    EXPECT_EQ(&shared.GetHost(), &DefaultHost());
+    RecordingHost later;
+    for (RecordingHost* const named : {&host, &later}) {
+        SetDefaultHost(named);
+        EXPECT_EQ(CConnect(shared, 0, target).stStartMessage(), 1);
+        EXPECT_EQ(named->boxes.size(), 1U);
+    }
+    SetDefaultHost(nullptr);
+}
+
+TEST_F(ConnectTest, APortThatTalksIsNotTakenForADamagedLine)
+{
+    struct Row
+    {
+        const char* course;
+        testing::Bytes sends;
+        std::wstring caption;
+    };
+    const Row rows[] = {
+        {"positions",
+         testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45,M,,M,,*5C\r\n"),
+         L"通信ポート接続エラー"},
+        {"corrections",
+         {0xD3, 0x00, 0x13, 0x3E, 0xD0, 0x00, 0x03, 0x8A, 0x0E, 0xDE},
+         L"通信ポート接続エラー"},
+        {"noise", {0xF8, 0x00, 0x80, 0x78, 0x06, 0xFF, 0x24, 0x18}, L"受信機接続エラー"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        testing::VirtualChannel channel;
+        const testing::ScriptedEnd talks(channel.line, [&row](const testing::Bytes&) {
+            return testing::ScriptedEnd::Answer{row.sends, row.sends, row.sends};
+        });
+        channel.command.SetHost(host);
+        target.devicePath = "in memory";
+        host.boxes.clear();
+        EXPECT_EQ(CConnect(channel.command, 0, target).DoModal(), CConnect::NotConnected);
+        ASSERT_EQ(host.boxes.size(), 2U);
+        EXPECT_EQ(host.boxes[1].caption, row.caption);
+        EXPECT_EQ(host.boxes[1].icon, BoxIcon::Stop);
     }
 }
 

@@ -37,7 +37,7 @@ public:
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view, BoxStyle) override
     {
         said.emplace_back(text);
-        return BoxAnswer::Ok;
+        return answer;
     }
     bool Breathe() override
     {
@@ -48,6 +48,7 @@ public:
     }
     std::function<void()> onBreath;
     bool cancels = false;
+    BoxAnswer answer = BoxAnswer::Ok;
     std::vector<std::wstring> said;
 };
 
@@ -272,12 +273,52 @@ TEST_F(ReceiverLinkTest, TellsWhenAnotherReceiverComesBack)
         host.said.clear();
         host.onBreath = [&] { link.Tick(); }; // as the program's timer does
         TickAfter(2s);
+        const bool isOther = !row.said.empty();
+        EXPECT_EQ(link.Question() == LinkQuestion::OtherReceiver, isOther);
+        EXPECT_TRUE(host.said.empty()) << "a tick has asked the user";
+        TickAfter(1min);
+        EXPECT_EQ(link.State(), isOther ? Reconnecting : Connected) << "did not wait for the user";
+        testing::QuickConnect check(command, target);
+        EXPECT_EQ(link.AskUser(check), isOther && row.state == Connected ? 1 : 0);
         host.onBreath = {};
         EXPECT_EQ(host.said, row.said);
         EXPECT_EQ(link.State(), row.state);
         EXPECT_EQ(command.IsPortOpen() == 1, row.state == Connected);
         EXPECT_EQ(link.Heard().identity.Name(), row.name);
         ASSERT_TRUE(receiver.Plug());
+    }
+}
+
+/// A lost Bluetooth link is asked about, once, and not tried behind the user's back.
+TEST_F(ReceiverLinkTest, AsksWhetherToReconnectBluetooth)
+{
+    target.port = 5;
+    for (const bool retries : {true, false}) {
+        SCOPED_TRACE(retries ? "Retry" : "Cancel");
+        ASSERT_EQ(Connect(), 1);
+        EXPECT_EQ(command.GetPortNumber(), 5) << "the number that the path counts as";
+        receiver.HangUp();
+        TickAfter(2s);
+        ASSERT_EQ(link.State(), Lost);
+        ASSERT_TRUE(receiver.Plug());
+        EXPECT_EQ(TickAfter(1min), 0U);
+        EXPECT_EQ(link.State(), Lost);
+        EXPECT_FALSE(link.UntilNextAttempt().has_value());
+        testing::QuickConnect connect(command, target, 1);
+        {
+            const ReceiverLink::Hold page(link);
+            EXPECT_EQ(link.AskUser(connect), 0);
+            EXPECT_EQ(link.Question(), LinkQuestion::Reconnect) << "asked over a dialog's head";
+        }
+        host.said.clear();
+        host.answer = retries ? BoxAnswer::Retry : BoxAnswer::Cancel;
+        EXPECT_EQ(link.AskUser(connect), retries ? 1 : 0);
+        EXPECT_EQ(host.said, std::vector<std::wstring>{L"Bluetooth通信が行えません。\n"
+                                                       L"Bluetooth通信接続を復帰しますか？"});
+        EXPECT_EQ(link.State(), retries ? Connected : NotConnected);
+        EXPECT_EQ(link.Question(), LinkQuestion::None);
+        EXPECT_EQ(link.AskUser(connect), 0) << "asked twice";
+        host.answer = BoxAnswer::Ok;
     }
 }
 

@@ -1,10 +1,14 @@
 #include "ui/link/ConnectDlg.h"
 
+#include "core/link/ComPrmSet.h"
 #include "core/link/Command.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/PosixSerialDevice.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
@@ -327,6 +331,37 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
     }
 }
 
+/// Where the settings lead to the receiver but not to its rate, the rate that is found is stored.
+TEST_F(ConnectDlgTest, OffersTheSearchWithThePortOfTheSettings)
+{
+    FastClock search(10.0);
+    CCommand patient({&host, &search, nullptr, nullptr});
+    Scenario scenario;
+    scenario.checksRate = true;
+    scenario.baudRate = 9600;
+    receiver = std::make_unique<Simulator>(scenario, search);
+    std::string error;
+    ASSERT_TRUE(receiver->Start(error)) << error;
+    const TemporaryFolder home;
+    SettingsRoots roots(testing::FoldersBelow(home.Path()));
+    HostReg(roots).WriteString(L"GPS\\Connect", L"Port", FromUtf8(receiver->PortPath()));
+    for (const bool isKnown : {false, true}) {
+        Surveyor surveyor;
+        surveyor.boxes = {Cable(text::kButtonOk)};
+        bool searched = false;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            if (dialog.CloseButton()->isVisible() && !std::exchange(searched, true)) {
+                QTest::mouseClick(dialog.SearchButton(), Qt::LeftButton);
+                QTest::keyClick(&dialog, Qt::Key_Return);
+            }
+        };
+        ConnectDlg dialog(patient, 0, &window, roots);
+        EXPECT_EQ(dialog.DoModal(), isKnown ? CConnect::Connected : CConnect::NotConnected);
+        EXPECT_EQ(searched, !isKnown);
+        EXPECT_EQ(LinkSettings(roots).baudRate, 9600U);
+    }
+}
+
 TEST_F(ConnectDlgTest, CancelsInEachStep)
 {
     struct Row
@@ -505,7 +540,7 @@ TEST_F(ConnectDlgTest, ComesBackAfterAnUnplug)
 {
     StartShipped("lark");
     ReceiverLink link(command);
-    LinkMonitor monitor(link);
+    LinkMonitor monitor(command, link);
     const QSignalSpy changed(&monitor, &LinkMonitor::Changed);
     {
         Surveyor surveyor;
@@ -514,7 +549,7 @@ TEST_F(ConnectDlgTest, ComesBackAfterAnUnplug)
         dialog.SupportAllTypes();
         ASSERT_EQ(link.Connect(dialog, target), 1);
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.Status().has_value(); }, 30000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link.Heard().status.has_value(); }, 30000));
     receiver->HangUp();
     EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Lost; }, 30000));
     ASSERT_TRUE(receiver->Plug());

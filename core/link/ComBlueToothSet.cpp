@@ -1,4 +1,4 @@
-#include "core/equipment/ComBlueToothSet.h"
+#include "core/link/ComBlueToothSet.h"
 
 #include <cstdint>
 

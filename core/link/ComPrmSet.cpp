@@ -1,4 +1,4 @@
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 
 #include "core/platform/SettingsStore.h"
 

@@ -1,6 +1,6 @@
-#include "core/equipment/ComPrmSet.h"
+#include "core/link/ComPrmSet.h"
 
-#include "core/equipment/ComBlueToothSet.h"
+#include "core/link/ComBlueToothSet.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
