@@ -8,9 +8,16 @@
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace fieldcore {
+
+namespace {
+
+constexpr int kThinkingMs = 60; // at least, as in the field: what is slow there is to be seen here
+
+} // namespace
 
 PortTarget::PortTarget(CCommand& command, const PortNames& names, SettingsRoots& roots,
                        const Clock& clock)
@@ -46,7 +53,10 @@ bool PortTarget::StartSimulator(const std::string& scenario, std::wstring& fault
         return true;
     }
     std::string error;
-    const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    if (loaded) {
+        loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
+    }
     auto started = loaded ? std::make_unique<simulator::Simulator>(*loaded, m_clock) : nullptr;
     if (!started || !started->Start(error)) {
         fault = FromUtf8(error);
