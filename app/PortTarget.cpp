@@ -7,9 +7,16 @@
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace fieldcore {
+
+namespace {
+
+constexpr int kThinkingMs = 60; // at least, as in the field: what is slow there is to be seen here
+
+} // namespace
 
 PortTarget::PortTarget(CCommand& command, const PortNames& names, SettingsRoots& roots,
                        const Clock& clock)
@@ -42,7 +49,10 @@ bool PortTarget::StartSimulator(const std::string& scenario, std::string& error)
     if (m_simulator && scenario == m_scenario) {
         return true;
     }
-    const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    if (loaded) {
+        loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
+    }
     auto started = loaded ? std::make_unique<simulator::Simulator>(*loaded, m_clock) : nullptr;
     if (!started || !started->Start(error)) {
         return false;

@@ -2,11 +2,15 @@
 
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
+#include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
+#include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -19,12 +23,12 @@ constexpr int kGrid = TouchStyle::kGrid;
 } // namespace
 
 BusyStrip::BusyStrip(QWidget* window)
-    : QFrame(window), m_what(new QLabel(UiText(text::kBusy))), m_seconds(new QLabel),
-      m_cancel(new QPushButton(UiText(text::kBusyCancel)))
+    : QWidget(window), m_bar(new QFrame(this)), m_what(new QLabel(UiText(text::kBusy))),
+      m_seconds(new QLabel), m_cancel(new QPushButton(UiText(text::kBusyCancel)))
 {
-    setFrameShape(QFrame::Box);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Button);
+    m_bar->setFrameShape(QFrame::Box);
+    m_bar->setAutoFillBackground(true);
+    m_bar->setBackgroundRole(QPalette::Button);
     setAccessibleName(UiText(text::kBusy));
     m_what->setWordWrap(true);
     m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
@@ -34,7 +38,7 @@ BusyStrip::BusyStrip(QWidget* window)
     words->setSpacing(0);
     words->addWidget(m_what);
     words->addWidget(m_seconds);
-    auto* const layout = new QHBoxLayout(this);
+    auto* const layout = new QHBoxLayout(m_bar);
     layout->setContentsMargins(2 * kGrid, kGrid, kGrid, kGrid);
     layout->addLayout(words, 1);
     layout->addWidget(m_cancel);
@@ -45,8 +49,10 @@ void BusyStrip::Update(int seconds)
     m_seconds->setText(ToQt(FormatText(text::kBusySeconds, seconds)));
     const QWidget* const window = parentWidget();
     const int height =
-        std::min(std::max(sizeHint().height(), heightForWidth(window->width())), window->height());
-    setGeometry(0, window->height() - height, window->width(), height);
+        std::min(std::max(m_bar->sizeHint().height(), m_bar->heightForWidth(window->width())),
+                 window->height());
+    setGeometry(window->rect());
+    m_bar->setGeometry(0, window->height() - height, window->width(), height);
     raise();
     show();
 }
@@ -54,6 +60,13 @@ void BusyStrip::Update(int seconds)
 void BusyStrip::ShowCancelling()
 {
     m_what->setText(UiText(text::kBusyCancelling));
+}
+
+void BusyStrip::paintEvent(QPaintEvent* event)
+{
+    QColor veil = Theme::Current().stale;
+    veil.setAlphaF(0.5F);
+    QPainter(this).fillRect(event->rect(), veil);
 }
 
 } // namespace fieldcore

@@ -5,9 +5,13 @@
 
 #include <QAbstractButton>
 #include <QObject>
+#include <QPointF>
 #include <QPointer>
 #include <QString>
 #include <QTimer>
+
+#include <deque>
+#include <memory>
 
 namespace fieldcore {
 
@@ -15,9 +19,17 @@ class BusyStrip;
 
 /// The host of a program with windows. User-interface thread only.
 ///
-/// While the library waits, the windows go on repainting and timers go on ticking, but nothing is
-/// clicked or typed: input for anything but the Cancel button of the strip is thrown away, or it
-/// would come as a surprise once the wait is over. Esc presses that button.
+/// While the library waits, the windows go on repainting and timers go on ticking. What is tapped
+/// or typed meanwhile is kept and handed on in the order in which it came, one event at a time,
+/// when the program is back in its event loop: to the widget that was under the finger, wherever
+/// that is by then, and to the one that has the focus by then. A wait that one of them begins keeps
+/// the rest back. Nothing is left of what was meant for a widget that has gone, or for a window
+/// that what was handed on before it has put a dialog over; a box that the program itself puts over
+/// a window keeps back what was for that window until it is answered.
+///
+/// Input is refused only while a Cancel button can be seen: that of the strip, which lies over the
+/// greyed page, or the window's own. Esc presses that button. A button that was pressed before is
+/// still let go.
 class QtHost : public QObject, public Host
 {
     Q_OBJECT
@@ -32,6 +44,8 @@ public:
 
     /// How long a wait may last before the strip appears.
     static constexpr std::chrono::milliseconds kStripDelay{300};
+    /// How much input is kept; what comes after is refused.
+    static constexpr std::size_t kMostKept = 256;
 
     QtHost() : QtHost(Options{}) {}
     explicit QtHost(const Options& options);
@@ -65,7 +79,24 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// Input that waits for its turn.
+    struct Kept
+    {
+        QPointer<QObject> receiver;
+        std::unique_ptr<QEvent> event;
+        QPointer<QWidget> under; // what was under the finger; null for keys
+        QPointF at;              // of the finger, on that widget
+        bool isBehind = false;   // what came before it is being handed on
+    };
+
     void EndWait();
+    void LookForEvents();
+    bool Keep(QObject* receiver, const QEvent& event);
+    bool Refuse(QObject* watched, QEvent* event);
+    [[nodiscard]] bool IsForCancel(QObject* watched, const QEvent& event) const;
+    [[nodiscard]] bool IsInputDue() const;
+    void HandOn();
+    static void Send(const Kept& kept);
     /// @return null if the front window has none of its own
     [[nodiscard]] static QAbstractButton* WindowsOwnCancel();
     void ShowStrip(Clock::Duration lasted);
@@ -75,6 +106,9 @@ private:
     Clock& m_clock;
     int m_waitCursors = 0;
     QTimer m_back; // runs off when the program is back in its event loop
+    std::deque<Kept> m_kept;
+    Qt::MouseButtons m_refused; // pressed, and not let go yet
+    int m_handingOn = -1;       // the event loop that hands input on; negative: none
     bool m_isWaiting = false;
     bool m_isBreathing = false;
     bool m_isCancelled = false;

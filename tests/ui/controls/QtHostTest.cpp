@@ -12,15 +12,24 @@
 #include "ui/controls/UiText.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
+#include <QPointingDevice>
 #include <QPushButton>
+#include <QShortcut>
+#include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWheelEvent>
+#include <QWindow>
 
 #include <chrono>
 #include <functional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -303,18 +312,28 @@ TEST(QtHost, ShowsTheStripOnlyInALongWait)
     EXPECT_EQ(window.Strip(), nullptr);
 }
 
-TEST(QtHost, TakesNoInputWhileItBreathesButCancel)
+/// A window over which the library waits, with all kinds of things to be used in it.
+class WaitTest : public ::testing::Test
 {
-    HandClock clock;
-    QtHost host({.clock = &clock});
-    Window window;
-    window.edit->setFocus();
-    host.Breathe();
-    clock.now = 300ms;
-    host.Breathe();
-    ASSERT_NE(window.Strip(), nullptr);
+protected:
+    WaitTest()
+    {
+        auto* const layout = qobject_cast<QVBoxLayout*>(window.layout());
+        layout->addWidget(other);
+        layout->addWidget(spin);
+        window.button->setFocusPolicy(Qt::NoFocus);
+        window.button->setContextMenuPolicy(Qt::CustomContextMenu);
+        QObject::connect(window.button, &QWidget::customContextMenuRequested, &window,
+                         [this] { menus += 1; });
+        QObject::connect(new QShortcut(Qt::Key_F5, &window), &QShortcut::activated, &window,
+                         [this] { shortcuts += 1; });
+        QCoreApplication::processEvents();
+        Settle();
+    }
 
-    const auto during = [&](const std::function<void()>& act) {
+    /// Does @p act in the middle of a wait, and ends the wait without going to the event loop.
+    bool During(const std::function<void()>& act)
+    {
         bool done = false;
         QTimer::singleShot(0, &window, [&] {
             act();
@@ -324,35 +343,282 @@ TEST(QtHost, TakesNoInputWhileItBreathesButCancel)
         while (!done) {
             goesOn = host.Breathe() && goesOn;
         }
-        return goesOn;
+        return host.Breathe() && goesOn; // what was posted meanwhile
+    }
+
+    /// Lets the event loop run until nothing is left to be done.
+    static void Settle()
+    {
+        for (int i = 0; i < 100; ++i) {
+            QCoreApplication::processEvents();
+        }
+    }
+
+    void Tap(QWidget* on) const
+    {
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(on));
+    }
+    void Type(const char* keys) const
+    {
+        for (; *keys != 0; ++keys) {
+            QTest::keyClick(window.windowHandle(), *keys);
+        }
+    }
+    [[nodiscard]] QPoint PlaceOf(const QWidget* on) const
+    {
+        return on->mapTo(&window, on->rect().center());
+    }
+
+    /// All that input can change.
+    [[nodiscard]] std::string State() const
+    {
+        const QString marked = window.edit->selectedText();
+        return QStringLiteral("%1 clicks, '%2'%3, '%4', %5, %6 menus, %7 keys%8")
+            .arg(window.clicks)
+            .arg(window.edit->text(), marked.isEmpty() ? QString() : QStringLiteral(" marked"),
+                 other->text())
+            .arg(spin->value())
+            .arg(menus)
+            .arg(shortcuts)
+            .arg(window.isVisible() ? QString() : QStringLiteral(", closed"))
+            .toStdString();
+    }
+
+    HandClock clock;
+    QtHost host{{.clock = &clock}};
+    Window window;
+    QLineEdit* other = new QLineEdit;
+    QSpinBox* spin = new QSpinBox;
+    int menus = 0;
+    int shortcuts = 0;
+};
+
+TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
+{
+    const QPointer<QPushButton> doomed = new QPushButton(&window);
+    doomed->setGeometry(0, 400, 100, 50);
+    doomed->show();
+    QPointingDevice* const finger = QTest::createTouchDevice();
+    const auto wheel = [&] {
+        const QPointF at = PlaceOf(spin);
+        QWheelEvent turned(at, window.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
+                           false);
+        QSpontaneKeyEvent::setSpontaneous(&turned); // as the system's own
+        qApp->notify(window.windowHandle(), &turned);
     };
-    EXPECT_TRUE(during([&] { QTest::mouseClick(window.button, Qt::LeftButton); }));
-    EXPECT_TRUE(during([&] { QTest::keyClicks(window.edit, QStringLiteral("xyz")); }));
-    // As it comes from the system, by way of the window.
-    EXPECT_TRUE(during([&] {
-        const QPoint place = window.button->mapTo(&window, window.button->rect().center());
-        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, place);
+    struct Row
+    {
+        const char* fault;
+        std::function<void()> act;
+        const char* after;
+    };
+    const Row rows[] = {
+        {"a tap is lost", [&] { Tap(window.button); }, "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
+        {"a tap is lost that comes to the widget",
+         [&] { QTest::mouseClick(window.button, Qt::LeftButton); },
+         "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
+        {"a finger is no mouse",
+         [&] {
+             QTest::touchEvent(window.windowHandle(), finger).press(1, PlaceOf(window.button));
+             QTest::touchEvent(window.windowHandle(), finger).release(1, PlaceOf(window.button));
+         },
+         "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
+        {"digits are lost or change places", [&] { Type("0.125"); },
+         "0 clicks, 'abc0.125', '', 0, 0 menus, 0 keys"},
+        {"digits go to where the focus was before the tap",
+         [&] {
+             Type("1");
+             Tap(other);
+             Type("23");
+             Tap(window.edit);
+             Type("4");
+             Tap(window.button);
+         },
+         "1 clicks, 'abc14', '23', 0, 0 menus, 0 keys"},
+        {"a tap hits what has come to lie under it",
+         [&] {
+             Tap(window.button);
+             Tap(other);
+             Type("5");
+             window.layout()->setContentsMargins(0, 200, 0, 0);
+         },
+         "1 clicks, 'abc', '5', 0, 0 menus, 0 keys"},
+        {"a second click is none of its own",
+         [&] {
+             QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(window.edit));
+         },
+         "0 clicks, 'abc' marked, '', 0, 0 menus, 0 keys"},
+        {"a wheel is turned where the next tap is",
+         [&] {
+             wheel();
+             Tap(window.button);
+         },
+         "1 clicks, 'abc', '', 1, 0 menus, 0 keys"},
+        {"a shortcut is lost", [&] { QTest::keyClick(window.windowHandle(), Qt::Key_F5); },
+         "0 clicks, 'abc', '', 0, 0 menus, 1 keys"},
+        {"what an input method puts together is lost",
+         [&] {
+             Tap(other);
+             QInputMethodEvent composed;
+             composed.setCommitString(QStringLiteral("点"));
+             QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
+         },
+         "0 clicks, 'abc', '点', 0, 0 menus, 0 keys"},
+        {"a menu is not asked for",
+         [&] {
+             QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1},
+                                     window.button->mapToGlobal(QPoint(1, 1)));
+             QCoreApplication::sendEvent(window.button, &asked);
+         },
+         "0 clicks, 'abc', '', 0, 1 menus, 0 keys"},
+        {"the widget has gone",
+         [&] {
+             Tap(doomed);
+             Type("6");
+             delete doomed;
+         },
+         "0 clicks, 'abc6', '', 0, 0 menus, 0 keys"},
+        {"the user cannot close it", [&] { window.windowHandle()->close(); },
+         "0 clicks, 'abc', '', 0, 0 menus, 0 keys, closed"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        window.clicks = menus = shortcuts = 0;
+        window.layout()->setContentsMargins({});
+        window.edit->setText(QStringLiteral("abc"));
+        other->clear();
+        spin->setValue(0);
+        window.edit->setFocus();
+        Settle();
+        const std::string before = State();
+        EXPECT_TRUE(During(row.act));
+        EXPECT_EQ(State(), before) << "while it waits";
+        Settle();
+        EXPECT_EQ(State(), row.after);
+    }
+}
+
+/// What is handed on may itself wait for the receiver, and what comes meanwhile goes behind.
+TEST_F(WaitTest, KeepsTheRestWhileATapWaits)
+{
+    std::string order;
+    bool waits = false;
+    QObject::connect(window.button, &QPushButton::clicked, &window, [&] {
+        EXPECT_FALSE(waits) << "one exchange within another";
+        waits = true;
+        order += "tap ";
+        EXPECT_TRUE(During([&] { Type("3"); }));
+        order += window.edit->text().toStdString() + ' ';
+        waits = false;
+    });
+    window.edit->setFocus();
+    EXPECT_TRUE(During([&] {
+        Type("1");
+        Tap(window.button);
+        Tap(window.edit);
+        Type("2");
+        Tap(window.button);
     }));
+    Type("x"); // behind it, although the wait is over
+    Settle();
+    EXPECT_EQ(order, "tap abc1 tap abc12 ");
+    EXPECT_EQ(window.edit->text(), QStringLiteral("abc12x33"));
+}
+
+TEST_F(WaitTest, PutsNoInputIntoADialogThatWasNotThere)
+{
+    QObject::connect(window.button, &QPushButton::clicked, &window, [&] {
+        OnMessage(&window, [&](MessageDlg& box) {
+            EXPECT_EQ(window.clicks, 1);
+            Settle();
+            EXPECT_TRUE(box.isVisible()) << "answered by what was typed before";
+            // The box has waits of its own.
+            EXPECT_TRUE(During([&] { QTest::keyClick(&box, Qt::Key_Return); }));
+        });
+        CMesBox(host).Warn(L"text", L"caption");
+    });
+    window.edit->setFocus();
+    EXPECT_TRUE(During([&] {
+        Tap(window.button);
+        Tap(window.button); // twice, out of impatience
+        QTest::keyClick(window.windowHandle(), Qt::Key_Return);
+    }));
+    Settle();
+    EXPECT_EQ(window.clicks, 1);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+
+    // A box that the program itself puts over the wait takes nothing away.
+    EXPECT_TRUE(During([&] { Type("1"); }));
+    window.edit->setFocus();
+    EXPECT_TRUE(During([&] {
+        OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        CMesBox(host).Warn(L"text", L"caption");
+    }));
+    Type("2");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.edit->text() == QStringLiteral("abc12"); }))
+        << window.edit->text().toStdString();
+}
+
+TEST_F(WaitTest, RefusesInputOnlyUnderTheStrip)
+{
+    const auto press = [&](QWidget* on) {
+        QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(on));
+    };
+    const auto letGo = [&](QWidget* on) {
+        QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(on));
+    };
+    window.edit->setFocus();
+    EXPECT_TRUE(During([&] {
+        Type("1");
+        press(window.button);
+    }));
+    clock.now = 300ms;
+    QTimer::singleShot(0, &window, [&] { Type("2"); }); // before the strip can be seen
+    host.Breathe();
+    ASSERT_NE(window.Strip(), nullptr);
+    EXPECT_EQ(window.Strip()->geometry(), window.rect()) << "the page looks as if it took input";
+    EXPECT_TRUE(During([&] { letGo(window.button); }));
+    EXPECT_TRUE(During([&] { Tap(window.button); }));
+    EXPECT_TRUE(During([&] { Type("xyz"); }));
+    EXPECT_TRUE(During([&] { window.windowHandle()->close(); }));
     bool nested = false;
-    EXPECT_TRUE(during([&] { nested = host.Breathe(); }));
+    EXPECT_TRUE(During([&] { nested = host.Breathe(); }));
     EXPECT_TRUE(nested);
 
-    EXPECT_FALSE(
-        during([&] { QTest::mouseClick(window.Strip()->CancelButton(), Qt::LeftButton); }));
+    EXPECT_FALSE(During([&] { Tap(window.Strip()->CancelButton()); }));
     EXPECT_TRUE(host.Breathe()) << "the receiver has still to be told";
-    EXPECT_FALSE(during([&] { QTest::keyClick(window.edit, Qt::Key_Escape); }));
+    EXPECT_FALSE(During([&] { QTest::keyClick(window.edit, Qt::Key_Escape); }));
 
     // A dialog that a timer opens over the wait can be answered, or the program would hang.
-    EXPECT_TRUE(during([&] {
+    EXPECT_TRUE(During([&] {
         OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
         CMesBox(host).Warn(L"text", L"caption");
     }));
 
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.Strip() == nullptr; }));
-    EXPECT_EQ(window.clicks, 0);
-    EXPECT_EQ(window.edit->text(), QStringLiteral("abc"));
-    QTest::mouseClick(window.button, Qt::LeftButton);
-    EXPECT_EQ(window.clicks, 1) << "input is still thrown away after the wait";
+    Settle();
+    EXPECT_EQ(window.clicks, 1) << "the tap that the strip has cut in two";
+    EXPECT_EQ(window.edit->text(), QStringLiteral("abc12"));
+    EXPECT_TRUE(window.isVisible());
+    Tap(window.button);
+    EXPECT_EQ(window.clicks, 2) << "input is still refused after the wait";
+}
+
+TEST_F(WaitTest, KeepsNoMoreThanItCanHold)
+{
+    window.edit->setFocus();
+    EXPECT_TRUE(During([&] {
+        for (std::size_t i = 0; i < QtHost::kMostKept; ++i) {
+            Type("7"); // pressed and let go
+        }
+    }));
+    Settle();
+    for (int i = 0; i < 10; ++i) {
+        Settle();
+    }
+    EXPECT_EQ(window.edit->text().size(), 3 + static_cast<qsizetype>(QtHost::kMostKept / 2));
+    Type("8");
+    EXPECT_TRUE(window.edit->text().endsWith(QLatin1Char('8')));
 }
 
 TEST(QtMessageTarget, DeliversInOrderFromAnotherThreadAndDropsWhenGone)
