@@ -69,7 +69,7 @@ FieldLayout LayoutReader::Take()
     return field;
 }
 
-std::int64_t LayoutReader::WholeNumber(std::size_t widest)
+std::int64_t LayoutReader::WholeNumber([[maybe_unused]] std::size_t widest)
 {
     const FieldLayout field = Take();
     std::int64_t number = 0;
