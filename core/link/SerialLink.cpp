@@ -305,6 +305,7 @@ void SerialLink::ResetReceiveState()
         const std::scoped_lock lock(m_intake, m_mutex);
         Observe(Direction::Received, LineUnit::Noise, m_assembler.HalfAssembled());
         m_assembler.Reset();
+        m_isHalf = m_queue.Size() > 0;
         m_deliveries.Clear();
     }
     m_consumed.Set();
@@ -551,6 +552,8 @@ void SerialLink::AssembleQueued()
             lock.lock();
         }
     }
+    m_isHalf = m_queue.Size() > 0 || !m_assembler.HalfAssembled().empty();
+    lock.unlock(); // whoever is woken may want it
     if (hasNews) { // not for each: it would be a switch of threads for each
         m_frameReady.Set();
     }
@@ -586,12 +589,12 @@ Arrivals SerialLink::GetArrivals() const
 
 bool SerialLink::HasInput()
 {
-    const std::scoped_lock lock(m_intake, m_mutex);
-    if (m_device->HasInput()) {
+    const bool isUnread = m_device->HasInput();
+    const std::scoped_lock lock(m_mutex); // not m_intake: the reader may be at its work
+    if (isUnread) {
         m_arrivals.lastByteAt = m_clock.Steady();
-        return true;
     }
-    return m_deliveries.Waiting() > 0 || m_queue.Size() > 0 || !m_assembler.HalfAssembled().empty();
+    return isUnread || m_isHalf || m_deliveries.Waiting() > 0;
 }
 
 /// With start and stop bit, at the rate that the port was opened with.
