@@ -255,7 +255,7 @@ private:
     Framing m_framing = Framing::Frames;
     ByteQueue m_queue;
     FrameAssembler m_assembler;
-    Clock::Duration m_beganAt{}; // the frame that is being assembled
+    Clock::Duration m_beganAt{};        // the frame that is being assembled
     std::atomic<bool> m_isHalf = false; // there are bytes that were not delivered; read by anyone
 
     mutable std::mutex m_mutex; // guards everything below

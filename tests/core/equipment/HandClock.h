@@ -8,7 +8,8 @@
 
 namespace fieldcore::testing {
 
-/// Moves by hand and by each wait that nothing ends, and keeps what it was set to. The machine's clock is never touched.
+/// Moves by hand and by each wait that nothing ends, and keeps what it was set to. The machine's
+/// clock is never touched.
 class HandClock final : public Clock
 {
 public:
