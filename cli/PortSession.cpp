@@ -106,8 +106,8 @@ std::optional<Failure> PortSession::Prepare()
     if (std::optional<Failure> failure = OpenLog()) {
         return failure;
     }
-    m_command = std::make_unique<CCommand>(
-        CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
+    m_command =
+        std::make_unique<CCommand>(CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
     if (!m_options.log.empty()) {
         m_command->SetFrameObserver(
             [this](Direction direction, std::span<const std::uint8_t> frame) {
