@@ -345,11 +345,10 @@ bool World::Begin(int latencyMs)
     return true;
 }
 
-/// The status is complete when the state has its values, and time and fix were answered.
+/// The status is complete when it has come, and time and fix were asked too.
 void World::LookForStatus()
 {
-    const ReceiverState state = m_controller->State();
-    if (m_frames > 0 || !state.pdop || !state.satellites || !state.batteryPercent) {
+    if (m_frames > 0 || !m_controller->Link().Heard().status) {
         return;
     }
     constexpr std::uint8_t kTime = 0x14;
@@ -452,7 +451,7 @@ void World::ClearTheWay()
     Ask([this] {
         m_application.Leave();
         std::wstring fault;
-        if (m_controller->State().link != ReceiverState::Link::Connected &&
+        if (m_controller->Link().State() != LinkState::Connected &&
             !m_controller->ConnectQuietly(fault)) {
             std::fprintf(stderr, "input_bench: not connected\n");
         }
