@@ -52,7 +52,9 @@ void CalibrationRun::Follow(CCommand& asking)
         Judge(reading);
     } else {
         m_fault = asking.Fault();
-        if (ClassOf(m_fault) == FaultClass::Gone || now - m_heardAt >= kSilence) {
+        const FaultClass fault = ClassOf(m_fault);
+        const bool isSilent = fault != FaultClass::Cancelled && now - m_heardAt >= kSilence;
+        if (fault == FaultClass::Gone || isSilent) {
             m_state = m_state == State::Cancelling ? State::Aborted : State::Failed;
         }
     }

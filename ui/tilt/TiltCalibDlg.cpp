@@ -86,12 +86,20 @@ void TiltCalibDlg::Take(const CalibrationRun& run)
 bool TiltCalibDlg::OnClose(int result)
 {
     Q_UNUSED(result)
-    m_isUnwanted = true;
-    Take(m_told);
-    if (m_question) {
+    if (m_question && !m_isUnwanted.exchange(true)) {
+        Take(m_told);
         m_question->Hurry();
+        const Clock::Duration most = m_command->GetClock().RealTime(CalibrationRun::kCancelTime);
+        SetTimer(kPatienceTimer, static_cast<int>(most / std::chrono::milliseconds(1)));
     }
     return !m_question || m_told.IsOver();
+}
+
+void TiltCalibDlg::OnTimer(int id)
+{
+    if (id == kPatienceTimer) {
+        done(kCancelled);
+    }
 }
 
 void TiltCalibDlg::OnDestroy()

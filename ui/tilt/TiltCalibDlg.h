@@ -23,6 +23,8 @@ class TiltCalibDlg : public Dialog
     Q_OBJECT
 
 public:
+    static constexpr int kPatienceTimer = 1; ///< with a receiver that does not stop
+
     /// @param command  not owned; must outlive the dialog. Null: nothing runs
     explicit TiltCalibDlg(CCommand* command, QWidget* parent = nullptr);
     ~TiltCalibDlg() override;
@@ -35,6 +37,7 @@ protected:
     bool OnInitDialog() override;
     bool OnClose(int result) override;
     void OnDestroy() override;
+    void OnTimer(int id) override;
 
 private:
     void Take(const CalibrationRun& run);

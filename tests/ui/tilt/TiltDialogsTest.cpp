@@ -175,6 +175,8 @@ TEST_F(TiltTest, ACalibrationIsCancelledWhateverTheReceiverDoes)
             EXPECT_EQ(dialog->findChild<QLabel*>()->text(), QStringLiteral("中止しています..."));
             EXPECT_FALSE(dialog->CancelButton()->isEnabled());
             EXPECT_TRUE(dialog->isVisible()) << "until the receiver has stopped";
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !dialog->isVisible(); })) << "or ten seconds";
+            EXPECT_TRUE(dialog->Result().isAborted);
         }
         dialog.reset();
         EXPECT_TRUE(isSilent || QTest::qWaitFor([&] { return line.Sent(0xC8, {5}) == 1; }));
