@@ -69,6 +69,15 @@ std::shared_ptr<Bench> MakeBench(const char* sensor)
     return std::make_shared<Bench>(sensor);
 }
 
+/// The receiver is asked, and answers.
+void LetSomeTimePass()
+{
+    constexpr int kSomeWay = 700; // ms, of a calibration of two seconds
+    QEventLoop wait;
+    QTimer::singleShot(kSomeWay, &wait, &QEventLoop::quit);
+    wait.exec();
+}
+
 /// The status after a run that ended so.
 Picture Status(const char* name, const char* sensor, LastCalibrationRun lastRun)
 {
@@ -76,7 +85,8 @@ Picture Status(const char* name, const char* sensor, LastCalibrationRun lastRun)
     return {QString::fromLatin1(name), [bench, lastRun]() -> std::unique_ptr<QWidget> {
                 auto dialog = std::make_unique<TiltStatusDlg>(&bench->command, bench->reg);
                 const LastCalibrationRun before = std::exchange(TiltSettings::LastRun(), lastRun);
-                dialog->show(); // which reads the status
+                dialog->show(); // which asks for the status
+                LetSomeTimePass();
                 TiltSettings::LastRun() = before;
                 return dialog;
             }};
@@ -89,10 +99,7 @@ Picture Calibrating(const char* name, bool isCancelled)
     return {QString::fromLatin1(name), [bench, isCancelled]() -> std::unique_ptr<QWidget> {
                 auto dialog = std::make_unique<TiltCalibDlg>(&bench->command);
                 dialog->show();
-                constexpr int kSomeWay = 700;
-                QEventLoop wait;
-                QTimer::singleShot(kSomeWay, &wait, &QEventLoop::quit);
-                wait.exec();
+                LetSomeTimePass();
                 if (isCancelled) {
                     dialog->CancelButton()->click();
                 }

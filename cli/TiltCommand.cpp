@@ -98,23 +98,21 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
 {
     CCommand& command = sensor.session.Command();
     const Clock& clock = sensor.session.GetClock();
-    run.Start();
-    while (!run.IsOver()) {
-        if (context.world.StopRequested() && run.GetState() != CalibrationRun::State::Cancelling) {
-            // The host ends every wait from now on; the receiver has to be told nevertheless.
-            command.SetHost(SilentHost::Instance());
-            run.Cancel();
-        }
-        context.output.Progress(run.GetState() == CalibrationRun::State::Cancelling
-                                    ? "Cancelling the calibration"
-                                    : "[" + std::to_string(run.ProgressPercent()) +
-                                          " %] calibrating; do not move the receiver");
-        if (context.world.StopRequested()) {
+    for (run.Tick(command); !run.IsOver(); run.Tick(command)) {
+        const bool isCancelling = run.GetState() == CalibrationRun::State::Cancelling;
+        context.output.Progress(isCancelling ? "Cancelling the calibration"
+                                             : "[" + std::to_string(run.ProgressPercent()) +
+                                                   " %] calibrating; do not move the receiver");
+        if (isCancelling) {
             clock.Sleep(CalibrationRun::kInterval);
         } else {
             WaitUntil(context.world, clock, clock.Steady() + CalibrationRun::kInterval);
         }
-        run.Tick();
+        if (context.world.StopRequested()) {
+            // The host ends every wait from now on; the receiver has to be told nevertheless.
+            command.SetHost(SilentHost::Instance());
+            run.Cancel();
+        }
     }
     context.output.Progress("");
     command.SetHost(sensor.host);
@@ -140,7 +138,7 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
         if (!sensor.tilt.MayCalibrate(sensor.host)) {
             return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
         }
-        CalibrationRun run(&sensor.session.Command());
+        CalibrationRun run;
         Follow(context, sensor, run);
         TiltSettings::LastRun() = run.Result();
         if (run.GetState() == CalibrationRun::State::Aborted) {

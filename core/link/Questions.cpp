@@ -1,6 +1,7 @@
 #include "core/link/Questions.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace fieldcore {
 
@@ -32,10 +33,23 @@ Questions::~Questions()
     }
 }
 
-Questions::Id Questions::Add(Rhythm rhythm, Ask ask)
+void Questions::Once(std::function<void(CCommand& command)> tell)
+{
+    Put({0,
+         {},
+         [tell = std::move(tell)](CCommand& command) {
+             tell(command);
+             return true;
+         },
+         true});
+}
+
+Questions::Id Questions::Put(Question question)
 {
     const std::scoped_lock lock(m_mutex);
-    m_questions.push_back({++m_lastId, rhythm, std::move(ask), m_clock.Steady(), 0});
+    question.id = ++m_lastId;
+    question.due = m_clock.Steady();
+    m_questions.push_back(std::move(question));
     m_wake.Set();
     return m_lastId;
 }
@@ -99,8 +113,9 @@ void Questions::AwaitEnd(std::unique_lock<std::mutex>& lock)
 Clock::Duration Questions::Step()
 {
     std::unique_lock lock(m_mutex);
-    for (auto at = m_questions.begin(); at != m_questions.end() && m_quiet == 0 && !m_ends; ++at) {
+    for (auto at = m_questions.begin(); at != m_questions.end() && m_quiet == 0 && !m_ends;) {
         if (at->due > m_clock.Steady()) {
+            ++at;
             continue;
         }
         Question& question = *at; // stays in its place: whoever removes it waits for its end
@@ -117,6 +132,7 @@ Clock::Duration Questions::Step()
         question.due = m_clock.Steady() + pause;
         m_running = 0;
         m_idle.notify_all();
+        at = question.isOnce && !m_host.stop ? m_questions.erase(at) : std::next(at);
     }
     Clock::Duration wait = kLongestWait;
     for (const Question& question : m_questions) {

@@ -46,7 +46,10 @@ public:
     Questions& operator=(const Questions&) = delete;
 
     /// Asks at once and then in the rhythm.
-    Id Add(Rhythm rhythm, Ask ask);
+    Id Add(Rhythm rhythm, Ask ask) { return Put({0, rhythm, std::move(ask)}); }
+    /// Tells the receiver something, as soon as it can be and in the order of the calls; once more
+    /// if it was given up for somebody who wants quiet. Nobody waits for it.
+    void Once(std::function<void(CCommand& command)> tell);
     /// Once it is back, the question is not asked any more. One that is under way is given up.
     void Remove(Id id);
     /// Asks as soon as it can be.
@@ -85,6 +88,7 @@ private:
         Id id;
         Rhythm rhythm;
         Ask ask;
+        bool isOnce = false;
         Clock::Duration due{};
         int silent = 0; // rounds, one after the other
     };
@@ -101,8 +105,8 @@ private:
         std::atomic<bool> stop = false;
     };
 
+    Id Put(Question question);
     void Run();
-    void Round(Question& question);
     void AwaitEnd(std::unique_lock<std::mutex>& lock);
 
     const Clock& m_clock;

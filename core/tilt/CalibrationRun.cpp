@@ -12,56 +12,54 @@ constexpr int kRunning = 2;
 
 } // namespace
 
-void CalibrationRun::Start()
+void CalibrationRun::Tick(CCommand& asking)
 {
-    if (m_state != State::Waiting) {
-        return;
+    const Clock::Duration now = asking.GetClock().Steady();
+    if (m_state == State::Cancelling && now - m_cancelledAt.value_or(now) >= kCancelTime) {
+        m_state = State::Aborted;
+    } else if (m_state == State::Waiting) {
+        m_heardAt = now;
+        Start(asking);
+    } else if (!IsOver()) {
+        Follow(asking);
     }
-    if (m_command == nullptr) {
-        m_fault = CommandFault::NotOpen;
-        m_state = State::Failed;
-        return;
-    }
-    m_heardAt = m_command->GetClock().Steady();
-    if (m_command->StartTiltCalibration() == 0) {
-        m_fault = m_command->Fault();
-        if (m_fault == CommandFault::Cancelled) {
-            BeginCancelling(); // the receiver may have heard it
-        } else if (m_state == State::Waiting) {
-            m_state = State::Failed;
-        }
-    } else if (m_state == State::Waiting) { // it may be cancelled while the answer is waited for
-        m_state = State::Running;
+    if (m_state == State::Cancelling && !m_cancelledAt) {
+        m_cancelledAt = now;
     }
 }
 
-void CalibrationRun::Tick()
+void CalibrationRun::Start(CCommand& asking)
 {
-    if ((m_state != State::Running && m_state != State::Cancelling) || m_command->IsBusy()) {
+    if (asking.StartTiltCalibration() == 1) {
+        m_state = State::Running;
         return;
     }
-    const Clock& clock = m_command->GetClock();
-    if (m_state == State::Cancelling && clock.Steady() - m_cancelledAt >= kCancelTime) {
-        m_state = State::Aborted;
-        return;
-    }
-    if (m_state == State::Cancelling && !m_isCancelTold) {
-        TellCancel();
+    m_fault = asking.Fault();
+    // The receiver may have heard what somebody has cancelled.
+    m_state = m_fault == CommandFault::Cancelled ? State::Cancelling : State::Failed;
+}
+
+void CalibrationRun::Follow(CCommand& asking)
+{
+    if (MustTell()) {
+        m_isCancelTold = asking.CancelTiltCalibration() == 1;
     }
     TiltReading reading;
-    if (m_command->RequestTiltReading(reading) == 1 && reading.calibrationValid) {
-        m_heardAt = clock.Steady();
+    const bool isRead = asking.RequestTiltReading(reading) == 1;
+    const Clock::Duration now = asking.GetClock().Steady();
+    if (isRead && reading.calibrationValid) {
+        m_heardAt = now;
         Judge(reading);
     } else {
-        m_fault = m_command->Fault();
-        if (ClassOf(m_fault) == FaultClass::Gone || clock.Steady() - m_heardAt >= kSilence) {
+        m_fault = asking.Fault();
+        const FaultClass fault = ClassOf(m_fault);
+        const bool isSilent = fault != FaultClass::Cancelled && now - m_heardAt >= kSilence;
+        if (fault == FaultClass::Gone || isSilent) {
             m_state = m_state == State::Cancelling ? State::Aborted : State::Failed;
-        } else if (m_fault == CommandFault::Cancelled) {
-            BeginCancelling();
         }
     }
     TiltCalibration record;
-    if (m_state == State::Running && m_command->RequestTiltCalibration(record) == 1) {
+    if (m_state == State::Running && asking.RequestTiltCalibration(record) == 1) {
         m_percent = std::clamp(record.progressPercent, m_percent, 100); // it never goes back
     }
 }
@@ -83,31 +81,11 @@ void CalibrationRun::Judge(const TiltReading& reading)
 
 void CalibrationRun::Cancel()
 {
-    if (IsOver() || m_state == State::Cancelling) {
-        return;
-    }
-    const bool isBusy = m_command != nullptr && m_command->IsBusy();
-    if (m_state == State::Waiting && !isBusy) {
+    if (m_state == State::Waiting) {
         m_state = State::Aborted;
-        return;
-    }
-    BeginCancelling();
-    if (!isBusy) {
-        TellCancel();
-    }
-}
-
-void CalibrationRun::BeginCancelling()
-{
-    if (m_state != State::Cancelling) {
+    } else if (!IsOver()) {
         m_state = State::Cancelling;
-        m_cancelledAt = m_command->GetClock().Steady();
     }
-}
-
-void CalibrationRun::TellCancel()
-{
-    m_isCancelTold = m_command->CancelTiltCalibration() == 1;
 }
 
 LastCalibrationRun CalibrationRun::Result() const

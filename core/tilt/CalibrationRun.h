@@ -4,11 +4,12 @@
 #include "core/tilt/CalibrationStatus.h"
 
 #include <chrono>
+#include <optional>
 
 namespace fieldcore {
 
 /// One calibration of the tilt sensor, from the command that starts it to its end. It acts only in
-/// Start() and Tick(); each blocks for two exchanges at most. The thread of the command channel.
+/// Tick(), which blocks for three exchanges at most. A value: who only shows it has a copy.
 ///
 /// The receiver says when it is over. A run that it stays silent about for kSilence has failed, and
 /// a cancelled one is over after kCancelTime whatever the receiver says.
@@ -29,21 +30,18 @@ public:
         Aborted,
     };
 
-    /// @param command  may be null: every run fails then. Must outlive the object
-    explicit CalibrationRun(CCommand* command) : m_command(command) {}
-
-    /// A receiver that does not take the command makes the run fail.
-    void Start();
-    /// Asks how far it is. Nothing happens while another exchange is under way, or before the start
-    /// or after the end.
-    void Tick();
-    /// Ends the run. While an exchange is under way the receiver is told with the next tick, and
-    /// again with every tick until it has acknowledged. Whoever cancels an exchange of the run, by
-    /// way of the host, cancels the run.
+    /// Starts it, and asks with the next ticks how far it is. A receiver that does not take the
+    /// start makes it fail. Nothing happens once it is over.
+    /// @param asking  the face of the calling thread
+    void Tick(CCommand& asking);
+    /// Cancels it: the receiver is told with the next tick, and again with every tick until it has
+    /// acknowledged. Whoever cancels the start, by way of the host, cancels the run.
     void Cancel();
 
     [[nodiscard]] State GetState() const { return m_state; }
     [[nodiscard]] bool IsOver() const { return m_state >= State::Done; }
+    /// Cancelled, and the receiver has not acknowledged it yet.
+    [[nodiscard]] bool MustTell() const { return m_state == State::Cancelling && !m_isCancelTold; }
     [[nodiscard]] int ProgressPercent() const { return m_percent; } ///< 0 to 100
     /// Aborted and failed as the status shows them afterwards. A run that was cancelled and is not
     /// over yet counts as aborted.
@@ -52,15 +50,14 @@ public:
     [[nodiscard]] CommandFault Fault() const { return m_fault; }
 
 private:
-    void BeginCancelling();
-    void TellCancel();
+    void Start(CCommand& asking);
+    void Follow(CCommand& asking);
     void Judge(const TiltReading& reading);
 
-    CCommand* const m_command;
     State m_state = State::Waiting;
     int m_percent = 0;
     Clock::Duration m_heardAt{};
-    Clock::Duration m_cancelledAt{};
+    std::optional<Clock::Duration> m_cancelledAt; // seen by a tick
     bool m_isCancelTold = false;
     CommandFault m_fault = CommandFault::None;
 };

@@ -1,7 +1,6 @@
 #include "ui/tilt/TiltCalibDlg.h"
 
 #include "ui/controls/Icon.h"
-#include "ui/controls/QtHost.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
@@ -14,7 +13,7 @@
 namespace fieldcore {
 
 TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
-    : Dialog(parent), m_run(command), m_words(new QLabel), m_progress(new CTextProgressCtrl),
+    : Dialog(parent), m_command(command), m_words(new QLabel), m_progress(new CTextProgressCtrl),
       m_cancel(new QPushButton(UiText(text::kButtonCancel)))
 {
     constexpr int kGrid = TouchStyle::kGrid;
@@ -28,7 +27,6 @@ TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
     m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
     m_cancel->setMinimumSize(15 * kGrid, 6 * kGrid);
     m_cancel->setAutoDefault(false);
-    QtHost::UseForCancel(m_cancel);
     connect(m_cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
@@ -39,7 +37,7 @@ TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
     layout->addStretch(1);
     layout->addWidget(m_cancel, 0, Qt::AlignRight);
     setMinimumWidth(42 * kGrid);
-    ShowRun();
+    Take({});
 }
 
 TiltCalibDlg::~TiltCalibDlg()
@@ -49,49 +47,72 @@ TiltCalibDlg::~TiltCalibDlg()
 
 bool TiltCalibDlg::OnInitDialog()
 {
-    SetTimer(kRunTimer, 1); // when it is to be seen
     m_cancel->setFocus();
+    if (m_command == nullptr) {
+        return false;
+    }
+    m_question = std::make_unique<BackgroundQuestion>(
+        *m_command, Rhythm{CalibrationRun::kInterval, CalibrationRun::kInterval},
+        [this](CCommand& asking) {
+            if (m_isUnwanted) {
+                m_run.Cancel();
+            }
+            m_run.Tick(asking);
+            return std::pair(true, m_run);
+        },
+        [this](const CalibrationRun& run) {
+            if (isVisible()) {
+                Take(run);
+                if (run.IsOver()) {
+                    done(kOk);
+                }
+            }
+        });
     return false;
 }
 
-void TiltCalibDlg::OnTimer(int id)
+void TiltCalibDlg::Take(const CalibrationRun& run)
 {
-    if (id != kRunTimer || m_isTicking) {
-        return;
+    m_told = run;
+    if (m_isUnwanted) {
+        m_told.Cancel(); // it may not have come to that yet
     }
-    m_isTicking = true;
-    if (m_run.GetState() == CalibrationRun::State::Waiting) {
-        SetTimer(kRunTimer, static_cast<int>(CalibrationRun::kInterval.count()));
-        m_run.Start();
-    } else {
-        m_run.Tick();
-    }
-    m_isTicking = false;
-    ShowRun();
-    if (m_run.IsOver() && isVisible()) {
-        Close(kOk);
-    }
-}
-
-void TiltCalibDlg::ShowRun()
-{
-    const bool isCancelling = m_run.GetState() == CalibrationRun::State::Cancelling;
+    const bool isCancelling = m_told.GetState() == CalibrationRun::State::Cancelling;
     m_words->setText(UiText(isCancelling ? text::kTiltCancelling : text::kTiltCalibrating));
-    m_progress->SetPos(m_run.ProgressPercent());
+    m_progress->SetPos(m_told.ProgressPercent());
     m_cancel->setEnabled(!isCancelling);
 }
 
 bool TiltCalibDlg::OnClose(int result)
 {
     Q_UNUSED(result)
-    m_run.Cancel();
-    ShowRun();
-    return m_run.IsOver();
+    if (m_question && !m_isUnwanted.exchange(true)) {
+        Take(m_told);
+        m_question->Hurry();
+        const Clock::Duration most = m_command->GetClock().RealTime(CalibrationRun::kCancelTime);
+        SetTimer(kPatienceTimer, static_cast<int>(most / std::chrono::milliseconds(1)));
+    }
+    return !m_question || m_told.IsOver();
+}
+
+void TiltCalibDlg::OnTimer(int id)
+{
+    if (id == kPatienceTimer) {
+        done(kCancelled);
+    }
 }
 
 void TiltCalibDlg::OnDestroy()
 {
+    if (!m_question) {
+        return;
+    }
+    m_question->Stop();
     m_run.Cancel(); // for whoever did not wait
+    m_told = m_run;
+    if (m_run.MustTell()) {
+        m_command->Background().Once([](CCommand& asking) { asking.CancelTiltCalibration(); });
+    }
 }
 
 } // namespace fieldcore

@@ -5,10 +5,13 @@
 #include "ui/controls/UiText.h"
 #include "ui/tilt/BubbleView.h"
 
+#include <QPointer>
+#include <QRect>
 #include <QVBoxLayout>
 #include <QWindow>
 
 #include <cstdint>
+#include <optional>
 
 namespace fieldcore {
 
@@ -19,28 +22,15 @@ QPointer<QWidget> g_anchor;
 double g_antennaHeightM = 0.0;
 std::optional<QRect> g_place; // of the window's inside
 
-/// The receiver's port that the controller uses.
-std::optional<std::uint8_t> PortOf(CCommand* command)
-{
-    CRecvInfo info;
-    if (command == nullptr || command->IsBusy() || command->IsPortOpen() == 0 ||
-        info.GetOptionData(*command) == 0) {
-        return std::nullopt;
-    }
-    return static_cast<std::uint8_t>(info.GetCurrentPortID());
-}
-
 } // namespace
 
 int TiltSensorDlg::StartUp(CCommand* command, QWidget* parent, QWidget* anchor)
 {
-    if (const auto port = PortOf(command)) {
-        command->StartTiltSensor(*port);
-    }
     if (g_window.isNull()) {
         g_anchor = anchor;
         g_window = new TiltSensorDlg(command, parent);
     }
+    g_window->TellSensor(command, true);
     g_window->show();
     return 1;
 }
@@ -160,22 +150,33 @@ void TiltSensorDlg::ShowBubble()
 bool TiltSensorDlg::OnClose(int result)
 {
     Q_UNUSED(result)
-    SendStop();
+    TellSensor(m_command, false);
     hide();
     return false; // it is hidden, not over
 }
 
 void TiltSensorDlg::OnDestroy()
 {
-    SendStop();
+    TellSensor(m_command, false);
     g_place = geometry();
 }
 
-void TiltSensorDlg::SendStop()
+void TiltSensorDlg::TellSensor(CCommand* command, bool isStart)
 {
-    if (const auto port = PortOf(m_command)) {
-        m_command->StopTiltSensor(*port);
+    if (command == nullptr) {
+        return;
     }
+    command->Background().Once([port = m_port, isStart](CCommand& asking) {
+        if (isStart || *port < 0) {
+            CRecvInfo info;
+            const bool isRead = asking.IsPortOpen() != 0 && info.GetOptionData(asking) == 1;
+            *port = isRead ? info.GetCurrentPortID() : -1;
+        }
+        if (*port >= 0) {
+            const auto known = static_cast<std::uint8_t>(*port);
+            isStart ? asking.StartTiltSensor(known) : asking.StopTiltSensor(known);
+        }
+    });
 }
 
 } // namespace fieldcore

@@ -4,11 +4,7 @@
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 
-#include <QPointer>
-#include <QRect>
-
-#include <optional>
-
+#include <atomic>
 #include <memory>
 
 namespace fieldcore {
@@ -28,7 +24,8 @@ public:
     static constexpr int kTemplateId = 21046;
     static constexpr int kPollTimer = 1;
 
-    /// Makes the receiver send its tilt, and shows the window; makes it first if there is none.
+    /// Shows the window, and makes the receiver send its tilt; makes the window first if there is
+    /// none. Nobody waits for the receiver: it is told in the background.
     /// @param command  not owned; must outlive the window
     /// @param parent   of a window that is made
     /// @param anchor   a window that is made appears in the lower right corner of this one, unless
@@ -65,11 +62,14 @@ private:
     TiltSensorDlg(CCommand* command, QWidget* parent);
     ~TiltSensorDlg() override;
 
-    void SendStop();
+    void TellSensor(CCommand* command, bool isStart);
     void ShowBubble();
 
     CCommand* const m_command;
     BubblePoll m_poll;
+    /// The receiver's port that the sensor was started at; negative: not known. What the receiver
+    /// is still to be told outlives the window.
+    const std::shared_ptr<std::atomic<int>> m_port = std::make_shared<std::atomic<int>>(-1);
     std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
     BubbleView* m_view;                             // owned by the dialog
 };

@@ -243,7 +243,7 @@ void TiltStatusDlg::LeaveExpiry()
 
 void TiltStatusDlg::Calibrate()
 {
-    if (!m_tilt.MayCalibrate(GetHost())) {
+    if (m_command == nullptr || !m_tilt.MayCalibrate(GetHost())) {
         return;
     }
     m_question.reset();

@@ -57,9 +57,15 @@ TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
     questions.Step();
     EXPECT_EQ(asked, before + 1);
     questions.Remove(id);
-    clock.now += 1h;
-    questions.Step();
+    std::string told;
+    questions.Once([&told](CCommand&) { told += 'a'; });
+    questions.Once([&told](CCommand&) { told += 'b'; });
+    for (int i = 0; i < 3; ++i) {
+        clock.now += 1h;
+        questions.Step();
+    }
     EXPECT_EQ(asked, before + 1);
+    EXPECT_EQ(told, "ab");
 }
 
 /// Time is real here, and nothing depends on how long it takes.
@@ -96,6 +102,20 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
         }
         questions.Remove(id);
         EXPECT_EQ(begun, ended);
+        std::atomic<int> told = 0;
+        questions.Once([&told](CCommand& face) {
+            ++told;
+            while (told == 1 && face.GetHost().Breathe()) {
+                std::this_thread::yield();
+            }
+        });
+        while (told == 0) {
+            std::this_thread::yield();
+        }
+        static_cast<void>(Questions::Quiet(questions));
+        while (told == 1) { // for ever, if it is not told once more
+            std::this_thread::yield();
+        }
         questions.Add({1ms, 1ms}, endless);
         while (begun == ended) {
             std::this_thread::yield();

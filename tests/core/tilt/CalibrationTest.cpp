@@ -306,7 +306,7 @@ protected:
         words.percent = 40;
         line.Say(words);
         ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-        run.Start();
+        run.Tick(line.command);
         ASSERT_EQ(line.Sent(0xC8, {4}), 1);
     }
     void Become(unsigned state)
@@ -314,7 +314,7 @@ protected:
         SensorWords words;
         words.calibration = state;
         line.Say(words);
-        run.Tick();
+        run.Tick(line.command);
     }
     /// Ticks until it is over. @return how long that took
     Clock::Duration Finish()
@@ -322,14 +322,14 @@ protected:
         const Clock::Duration began = line.clock.Steady();
         for (int i = 0; i < 200 && !run.IsOver(); ++i) {
             line.clock.Sleep(CalibrationRun::kInterval);
-            run.Tick();
+            run.Tick(line.command);
         }
         EXPECT_TRUE(run.IsOver());
         return line.clock.Steady() - began;
     }
 
     SensorLine line;
-    CalibrationRun run{&line.command};
+    CalibrationRun run;
 };
 
 TEST_F(CalibrationRunTest, FollowsTheReceiver)
@@ -357,32 +357,33 @@ TEST_F(CalibrationRunTest, FollowsTheReceiver)
         words.percent = 140;
         own.Say(words);
         ASSERT_NO_FATAL_FAILURE(own.StartSensor());
-        CalibrationRun each(&own.command);
-        each.Tick();
-        EXPECT_TRUE(own.SentCount() == 0) << "it has not begun";
-        each.Start();
-        each.Tick();
+        CalibrationRun each;
+        each.Tick(own.command);
+        EXPECT_EQ(own.Sent(0xC8, {4}), 1);
+        each.Tick(own.command);
         EXPECT_EQ(each.GetState(), State::Running);
         EXPECT_EQ(each.ProgressPercent(), 100) << "brought into its range";
         if (row.cancel) {
             each.Cancel();
+            each.Tick(own.command);
             each.Cancel();
+            each.Tick(own.command);
             EXPECT_EQ(own.Sent(0xC8, {5}), 1);
-            each.Tick();
             EXPECT_EQ(each.GetState(), State::Cancelling) << "until the receiver has stopped";
+            EXPECT_TRUE(each.Result().isAborted) << "whoever is torn down does not wait for it";
         }
         words.calibration = 0x02; // not to be believed
         own.Say(words);
-        each.Tick();
+        each.Tick(own.command);
         EXPECT_FALSE(each.IsOver());
         words.calibration = row.state;
         own.Say(words);
-        each.Tick();
+        each.Tick(own.command);
         EXPECT_EQ(each.GetState(), row.end);
         EXPECT_EQ(each.Result().isAborted, row.end == State::Aborted);
         EXPECT_EQ(each.Result().isFailed, row.end == State::Failed);
         const std::size_t asked = own.SentCount();
-        each.Tick();
+        each.Tick(own.command);
         each.Cancel();
         EXPECT_EQ(own.SentCount(), asked) << "it is over";
     }
@@ -396,8 +397,8 @@ TEST_F(CalibrationRunTest, EndsWhateverTheReceiverDoes)
     SensorWords refusing;
     refusing.takes = false;
     line.Say(refusing);
-    CalibrationRun refused(&line.command);
-    refused.Start();
+    CalibrationRun refused;
+    refused.Tick(line.command);
     EXPECT_EQ(refused.GetState(), CalibrationRun::State::Failed);
     EXPECT_EQ(refused.Fault(), CommandFault::Refused);
 
@@ -411,16 +412,16 @@ TEST_F(CalibrationRunTest, EndsWhateverTheReceiverDoes)
     EXPECT_GE(line.Sent(0xC8, {5}), 5) << "told again until it takes it";
 
     // Silent.
-    CalibrationRun silent(&line.command);
+    CalibrationRun silent;
     SensorWords words;
     words.calibration = kRunning;
     line.Say(words);
-    silent.Start();
+    silent.Tick(line.command);
     words.answers = false;
     line.Say(words);
     line.command.SetReplyTimeout(2000ms);
     for (int i = 0; i < 20 && !silent.IsOver(); ++i) {
-        silent.Tick(); // each is two time-outs long
+        silent.Tick(line.command); // each is two time-outs long
     }
     line.command.SetReplyTimeout(200s);
     EXPECT_EQ(silent.GetState(), CalibrationRun::State::Failed);
@@ -428,19 +429,16 @@ TEST_F(CalibrationRunTest, EndsWhateverTheReceiverDoes)
     // The cable.
     words.answers = true;
     line.Say(words);
-    CalibrationRun pulled(&line.command);
-    pulled.Start();
+    CalibrationRun pulled;
+    pulled.Tick(line.command);
     ASSERT_EQ(pulled.GetState(), CalibrationRun::State::Running);
     line.simulator->HangUp();
-    pulled.Tick();
+    pulled.Tick(line.command);
     EXPECT_EQ(pulled.GetState(), CalibrationRun::State::Failed);
 
-    CalibrationRun nothing(nullptr);
-    nothing.Start();
-    EXPECT_EQ(nothing.GetState(), CalibrationRun::State::Failed);
-    CalibrationRun never(&line.command);
+    CalibrationRun never;
     never.Cancel();
-    never.Start();
+    never.Tick(line.command);
     EXPECT_EQ(never.GetState(), CalibrationRun::State::Aborted);
 }
 
@@ -450,7 +448,7 @@ TEST_F(CalibrationRunTest, RunsThroughOnTheSimulatedReceiver)
     const auto tilted = simulator::LoadScenario("tilted", error);
     ASSERT_TRUE(tilted) << error;
     ASSERT_NO_FATAL_FAILURE(line.Start(*tilted));
-    run.Start();
+    run.Tick(line.command);
     Finish();
     EXPECT_EQ(run.GetState(), CalibrationRun::State::Done);
     TiltSettings settings(&line.command, line.reg);

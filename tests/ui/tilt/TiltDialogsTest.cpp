@@ -110,12 +110,24 @@ TEST_F(TiltTest, StartsAndStopsTheSensorAtTheReceiversPort)
     ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
     QWidget window;
     window.show();
-    TiltSensorDlg::StartUp(&line.command, &window, &window);
-    EXPECT_EQ(line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 12, 34, 1, 0, 5}), 1);
-    TiltSensorDlg::Instance()->Close(Dialog::kCancelled);
-    EXPECT_EQ(line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 5, 255, 1, 0, 0, 0}), 1);
+    const auto starts = [this] {
+        return line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 12, 34, 1, 0, 5});
+    };
+    const auto stops = [this] {
+        return line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 5, 255, 1, 0, 0, 0});
+    };
+    for (int i = 1; i <= 2; ++i) { // shown again it is started again
+        TiltSensorDlg::StartUp(&line.command, &window, &window);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return starts() == i; }));
+        TiltSensorDlg::Instance()->Close(Dialog::kCancelled);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return stops() == i; }));
+    }
     TiltSensorDlg::ShutDown();
-    EXPECT_EQ(line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 5, 255, 1, 0, 0, 0}), 2);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return stops() == 3; }));
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    TiltSensorDlg::ShutDown(); // at once: what is told outlives the window, and comes in its order
+    ASSERT_TRUE(QTest::qWaitFor([&] { return stops() == 4; }));
+    EXPECT_EQ(starts(), 3);
 }
 
 /// A silent sensor keeps neither the window waiting nor its end.
@@ -133,9 +145,42 @@ TEST_F(TiltTest, MayBeShutDownInTheMiddleOfAQuestion)
         ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8) > 0; }));
         EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
     }
+    line.ForgetSent();
+    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    EXPECT_TRUE(TiltSensorDlg::Instance()->isVisible());
+    TiltSensorDlg::ShutDown();
     TiltSensorDlg::StartUp(nullptr, &window, &window);
     TiltSensorDlg::ShutDown();
     TiltSensorDlg::WindowHide(0);
+}
+
+/// Torn down, it leaves word for the receiver; cancelled, it says so at once. A silent one holds up
+/// neither.
+TEST_F(TiltTest, ACalibrationIsCancelledWhateverTheReceiverDoes)
+{
+    for (const bool isSilent : {false, true}) {
+        SCOPED_TRACE(isSilent);
+        SensorWords words;
+        words.calibration = 0x0A;
+        words.answers = !isSilent;
+        line.Say(words);
+        ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::hours(10)));
+        auto dialog = std::make_unique<TiltCalibDlg>(&line.command);
+        dialog->show();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8, {1}) > 0; }));
+        EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
+        if (isSilent) {
+            QCoreApplication::processEvents(); // it hears that it runs
+            QTest::mouseClick(dialog->CancelButton(), Qt::LeftButton);
+            EXPECT_EQ(dialog->findChild<QLabel*>()->text(), QStringLiteral("中止しています..."));
+            EXPECT_FALSE(dialog->CancelButton()->isEnabled());
+            EXPECT_TRUE(dialog->isVisible()) << "until the receiver has stopped";
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !dialog->isVisible(); })) << "or ten seconds";
+            EXPECT_TRUE(dialog->Result().isAborted);
+        }
+        dialog.reset();
+        EXPECT_TRUE(isSilent || QTest::qWaitFor([&] { return line.Sent(0xC8, {5}) == 1; }));
+    }
 }
 
 TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
