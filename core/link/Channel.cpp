@@ -22,7 +22,15 @@ bool Channel::IsMine() const
 {
     const std::thread::id self = std::this_thread::get_id();
     const std::scoped_lock lock(m_turns);
-    return m_owner == self || std::ranges::find(m_waiting, self) != m_waiting.end();
+    return m_owner == self ||
+           std::ranges::find(m_waiting, self, &Waiter::thread) != m_waiting.end();
+}
+
+void Channel::TellNext()
+{
+    if (m_owner == std::thread::id() && !m_waiting.empty()) {
+        m_waiting.front()->isNext.Set();
+    }
 }
 
 std::string Channel::PathOf(int portNumber) const

@@ -75,6 +75,15 @@ private:
         Clock::Duration longest{-1}; ///< an answer took; less than 0: none came yet
     };
 
+    /// A thread that waits for its turn.
+    struct Waiter
+    {
+        std::thread::id thread;
+        AutoResetEvent isNext{};
+    };
+
+    /// Wakes the one whose turn it is. With m_turns held.
+    void TellNext();
     [[nodiscard]] int Open(const std::string& devicePath, const PortSettings& settings, int number);
     void Close();
     /// Keeps what @p link failed of.
@@ -84,11 +93,9 @@ private:
     const PortNames* const m_ports; // null: the defaults
     std::function<std::unique_ptr<SerialDevice>()> m_makeDevice;
 
-    mutable std::mutex m_turns;             // guards these
-    std::thread::id m_owner;                // of the turn; none: nobody's
-    std::vector<std::thread::id> m_waiting; // for it
-    bool m_isReserved = false;              // for one of those that wait
-    AutoResetEvent m_turnIsFree;            // set when a turn ends while somebody waits
+    mutable std::mutex m_turns;     // guards these
+    std::thread::id m_owner;        // of the turn; none: nobody's
+    std::vector<Waiter*> m_waiting; // for it, in the order in which they came
 
     Doubt m_doubt;                     // the owner's alone
     std::atomic<bool> m_isOdd = false; // damaged bytes came, or some that nobody waited for

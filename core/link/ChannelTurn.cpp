@@ -45,45 +45,33 @@ ChannelTurn::~ChannelTurn()
 
 bool ChannelTurn::Acquire()
 {
-    const std::thread::id self = std::this_thread::get_id();
     if (m_channel.IsMine()) {
         return Fail(CommandFault::Busy);
     }
-    bool waits = false;
-    const auto leave = [&] { std::erase(m_channel.m_waiting, self); };
-    for (;;) {
-        {
-            const std::scoped_lock lock(m_channel.m_turns);
-            if (m_channel.m_owner == std::thread::id() && (waits || !m_channel.m_isReserved)) {
-                leave();
-                m_channel.m_isReserved = false;
-                m_channel.m_owner = self;
-                return true;
-            }
-            if (!waits) {
-                waits = true;
-                m_channel.m_waiting.push_back(self);
-            }
-        }
-        const bool isTold = m_channel.m_clock.Wait(m_channel.m_turnIsFree, kBreathInterval);
-        if (!isTold && !m_host.Breathe()) {
-            const std::scoped_lock lock(m_channel.m_turns);
-            leave();
-            m_channel.m_isReserved = m_channel.m_isReserved && !m_channel.m_waiting.empty();
+    Channel::Waiter self{std::this_thread::get_id(), {}};
+    std::unique_lock lock(m_channel.m_turns);
+    m_channel.m_waiting.push_back(&self);
+    while (m_channel.m_owner != std::thread::id() || m_channel.m_waiting.front() != &self) {
+        lock.unlock();
+        const bool goesOn =
+            m_channel.m_clock.Wait(self.isNext, kBreathInterval) || m_host.Breathe();
+        lock.lock();
+        if (!goesOn) {
+            std::erase(m_channel.m_waiting, &self);
+            m_channel.TellNext(); // this one may have been told
             return Fail(CommandFault::Cancelled);
         }
     }
+    m_channel.m_waiting.erase(m_channel.m_waiting.begin());
+    m_channel.m_owner = self.thread;
+    return true;
 }
 
 void ChannelTurn::EndTurn()
 {
     const std::scoped_lock lock(m_channel.m_turns);
     m_channel.m_owner = {};
-    // Whoever waits comes next: who asks again and again would leave no gap for the others.
-    m_channel.m_isReserved = !m_channel.m_waiting.empty();
-    if (m_channel.m_isReserved) {
-        m_channel.m_turnIsFree.Set();
-    }
+    m_channel.TellNext();
 }
 
 bool ChannelTurn::MayAsk()

@@ -29,6 +29,7 @@ Questions::~Questions()
     }
     m_wake.Set();
     if (m_thread.joinable()) {
+        static_cast<void>(m_clock.Wait(m_hasEnded, kLongestWait)); // a clock sees who waits in it
         m_thread.join();
     }
 }
@@ -148,6 +149,7 @@ void Questions::Run()
         {
             const std::scoped_lock lock(m_mutex);
             if (m_ends) {
+                m_hasEnded.Set();
                 return;
             }
         }

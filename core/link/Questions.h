@@ -113,6 +113,7 @@ private:
     Background m_host;
     CCommand m_command; // the thread's own face
     AutoResetEvent m_wake;
+    AutoResetEvent m_hasEnded; // the thread is about to
     std::atomic<std::chrono::milliseconds> m_timeout = kReplyTimeout;
 
     std::mutex m_mutex; // guards these

@@ -375,7 +375,7 @@ int SerialLink::ApplyLineSettings(const LineSettings& settings)
     }
     m_lineSettings = settings;
     const std::scoped_lock lock(m_mutex);
-    m_arrivals.characterTime = NominalCharacter(); // until bytes have been seen to come
+    m_arrivals.characterTime = kSlowestCharacter; // until bytes have been seen to come
     return 1;
 }
 

@@ -1,14 +1,19 @@
 #include "tests/support/VirtualReceiver.h"
 
+#include <cstdlib>
 #include <string>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore::testing {
 
-namespace {
+int Exchanges(int usual)
+{
+    const char* const wanted = std::getenv("FIELDCORE_EXCHANGES"); // NOLINT(concurrency-mt-unsafe)
+    return wanted != nullptr ? std::atoi(wanted) : usual;          // NOLINT(cert-err34-c)
+}
 
-simulator::Scenario Parsed(std::string_view text)
+simulator::Scenario ParsedScenario(std::string_view text)
 {
     std::string error;
     const auto scenario = simulator::ParseScenario(text, error);
@@ -23,8 +28,6 @@ simulator::SimulatorOptions On(simulator::Port& port)
     return options;
 }
 
-} // namespace
-
 void VirtualChannel::Open(std::chrono::milliseconds replyTimeout)
 {
     PortSettings settings;
@@ -34,7 +37,7 @@ void VirtualChannel::Open(std::chrono::milliseconds replyTimeout)
 }
 
 VirtualReceiver::VirtualReceiver(std::string_view scenario, std::uint32_t baudRate)
-    : VirtualChannel(baudRate), simulator(Parsed(scenario), clock, On(line.FarPort()))
+    : VirtualChannel(baudRate), simulator(ParsedScenario(scenario), clock, On(line.FarPort()))
 {
     std::string error;
     EXPECT_TRUE(simulator.Start(error)) << error;

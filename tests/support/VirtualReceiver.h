@@ -8,17 +8,28 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace fieldcore::testing {
 
-/// A host that agrees to everything, counts its breaths and does what a test wants in them.
-class CountingHost final : public Host
+/// A host that keeps its boxes, counts its breaths and does what a test wants in them.
+class RecordingHost final : public Host
 {
 public:
-    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style) override
+    struct Box
     {
-        return AgreeingAnswer(style.buttons);
+        std::wstring text;
+        std::wstring caption;
+        BoxStyle style;
+    };
+    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
+                          BoxStyle style) override
+    {
+        boxes.push_back({std::wstring(text), std::wstring(caption), style});
+        return boxes.size() <= answers.size() ? answers[boxes.size() - 1]
+                                              : AgreeingAnswer(style.buttons);
     }
     bool Breathe() override
     {
@@ -26,6 +37,8 @@ public:
         return inBreath ? inBreath() : true;
     }
 
+    std::vector<Box> boxes;
+    std::vector<BoxAnswer> answers; ///< of the boxes in turn; to further ones it agrees
     int breaths = 0;
     std::function<bool()> inBreath;
 };
@@ -41,9 +54,18 @@ struct VirtualChannel
 
     VirtualClock clock;
     VirtualLine line;
-    CountingHost host;
-    CCommand command{{&host, &clock, nullptr, [this] { return line.MakeDevice(); }}};
+    RecordingHost host;
+    VirtualLine* plugged = &line; ///< what the next port that is opened leads to
+    CCommand command{{&host, &clock, nullptr, [this] { return plugged->MakeDevice(); }}};
 };
+
+/// How many exchanges a row of a table has: @p usual, or FIELDCORE_EXCHANGES of the environment.
+[[nodiscard]] int Exchanges(int usual);
+
+/// Of a simulator on a line in memory.
+[[nodiscard]] simulator::SimulatorOptions On(simulator::Port& port);
+/// @return the default one, and the test fails, if @p text is none
+[[nodiscard]] simulator::Scenario ParsedScenario(std::string_view text);
 
 /// With a simulated receiver at the other end. A scenario or a rule that is none fails the test.
 struct VirtualReceiver : VirtualChannel

@@ -1,17 +1,15 @@
 #include "core/link/Connect.h"
 
-#include "core/link/Command.h"
 #include "core/link/RecvForceInit.h"
-#include "core/platform/FastClock.h"
 #include "core/platform/Utf8.h"
 #include "core/settings/HostReg.h"
-#include "simulator/Simulator.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,60 +19,20 @@
 namespace fieldcore {
 namespace {
 
-using namespace std::chrono_literals;
-using simulator::Scenario;
-using simulator::Simulator;
-
-/// Keeps the questions and plays the answers.
-class RecordingHost : public Host
-{
-public:
-    struct Box
-    {
-        std::wstring text;
-        std::wstring caption;
-        BoxButtons buttons;
-        BoxIcon icon;
-    };
-    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
-                          BoxStyle style) override
-    {
-        boxes.push_back({std::wstring(text), std::wstring(caption), style.buttons, style.icon});
-        return boxes.size() <= answers.size() ? answers[boxes.size() - 1] : BoxAnswer::Ok;
-    }
-    bool Breathe() override { return !cancelled; }
-
-    std::vector<Box> boxes;
-    std::vector<BoxAnswer> answers;
-    bool cancelled = false;
-};
-
-/// What a simulated receiver reports of itself, over defaults.
-Scenario Receiver(int typeCode, double navVersion)
-{
-    Scenario scenario;
-    scenario.typeCode = typeCode;
-    scenario.navVersion = navVersion;
-    return scenario;
-}
-
 class ConnectTest : public ::testing::Test
 {
 protected:
-    void Start(const Scenario& scenario)
+    /// A new receiver, who plays this, and a new channel to it.
+    void Start(std::string_view scenario)
     {
-        receiver = std::make_unique<Simulator>(scenario, clock);
-        std::string error;
-        ASSERT_TRUE(receiver->Start(error)) << error;
-        target.devicePath = receiver->PortPath();
-        target.settings.replyTimeout = 5s; // 50 ms on a watch
+        receiver.reset();
+        receiver.emplace(scenario);
     }
+    [[nodiscard]] CCommand& Command() { return receiver->command; }
+    [[nodiscard]] testing::RecordingHost& Host() { return receiver->host; }
 
-    FastClock clock{100.0};
-    RecordingHost host;
-    CCommand command{{&host, &clock, nullptr, nullptr}};
-    std::unique_ptr<Simulator> receiver;
-    ConnectTarget target;
+    std::optional<testing::VirtualReceiver> receiver{std::in_place};
+    ConnectTarget target{1, "in memory", {}};
 };
 
 TEST_F(ConnectTest, AsksAsTheWayRequires)
@@ -109,45 +67,44 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.way);
-        host.boxes.clear();
-        host.answers = {row.answer};
+        Host().boxes.clear();
+        Host().answers = {row.answer};
         target.port = row.port;
-        CConnect connect(command, row.reconnect, target);
+        CConnect connect(Command(), row.reconnect, target);
         EXPECT_EQ(connect.stStartMessage(), row.goesOn);
-        ASSERT_EQ(host.boxes.size(), 1U);
-        EXPECT_EQ(host.boxes[0].text, row.text);
-        EXPECT_EQ(host.boxes[0].caption, row.caption);
-        EXPECT_EQ(host.boxes[0].buttons, row.buttons);
-        EXPECT_EQ(host.boxes[0].icon, row.icon);
+        ASSERT_EQ(Host().boxes.size(), 1U);
+        EXPECT_EQ(Host().boxes[0].text, row.text);
+        EXPECT_EQ(Host().boxes[0].caption, row.caption);
+        EXPECT_EQ(Host().boxes[0].style.buttons, row.buttons);
+        EXPECT_EQ(Host().boxes[0].style.icon, row.icon);
     }
 }
 
 TEST_F(ConnectTest, ConnectsAsTheSettingsSay)
 {
-    Start(Scenario{});
     const TemporaryFolder home;
     SettingsRoots roots(testing::FoldersBelow(home.Path()));
     const HostReg reg(roots);
-    reg.WriteString(L"Ports", L"COM5", FromUtf8(receiver->PortPath()));
+    reg.WriteString(L"Ports", L"COM5", L"/dev/ttyS9");
     reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 57600);
     CReg machine(roots);
     machine.SetRootKey(RootKey::LocalMachine, 1);
     machine.WriteNumber(L"Software\\CorvaneTS Software\\Wexmain\\Data\\System\\Rtk", L"GpsPort", 5);
-    CConnect connect(command, 0, roots);
+    CConnect connect(Command(), 0, roots);
     ASSERT_EQ(connect.DoModal(), CConnect::Connected);
-    ASSERT_EQ(host.boxes.size(), 1U);
-    EXPECT_EQ(host.boxes[0].caption, L"受信機電源確認") << "by Bluetooth";
-    EXPECT_EQ(command.GetPortNumber(), 5) << "of which the time of a transfer is estimated";
-    EXPECT_EQ(command.GetBaudRate(), 57600U);
-    command.ClosePort();
+    ASSERT_EQ(Host().boxes.size(), 1U);
+    EXPECT_EQ(Host().boxes[0].caption, L"受信機電源確認") << "by Bluetooth";
+    EXPECT_EQ(Command().GetPortNumber(), 5) << "of which the time of a transfer is estimated";
+    EXPECT_EQ(Command().GetBaudRate(), 57600U);
+    Command().ClosePort();
 
     reg.WriteString(L"GPS\\Connect", L"Port", L"COM300");
-    host.boxes.clear();
+    Host().boxes.clear();
     EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
-    ASSERT_EQ(host.boxes.size(), 1U) << "asked for a cable that leads nowhere";
-    EXPECT_NE(host.boxes[0].text.find(L"COM300"), std::wstring::npos);
-    EXPECT_EQ(host.boxes[0].icon, BoxIcon::Stop);
-    EXPECT_EQ(command.IsPortOpen(), 0);
+    ASSERT_EQ(Host().boxes.size(), 1U) << "asked for a cable that leads nowhere";
+    EXPECT_NE(Host().boxes[0].text.find(L"COM300"), std::wstring::npos);
+    EXPECT_EQ(Host().boxes[0].style.icon, BoxIcon::Stop);
+    EXPECT_EQ(Command().IsPortOpen(), 0);
 }
 
 /// The default host may be named, and replaced, after what uses it was made.
@@ -155,8 +112,8 @@ TEST_F(ConnectTest, AsksTheDefaultHostWhereNoneIsGiven)
 {
     CCommand& shared = *GetCCommand();
     EXPECT_EQ(&shared.GetHost(), &DefaultHost());
-    RecordingHost later;
-    for (RecordingHost* const named : {&host, &later}) {
+    testing::RecordingHost later;
+    for (testing::RecordingHost* const named : {&Host(), &later}) {
         SetDefaultHost(named);
         EXPECT_EQ(CConnect(shared, 0, target).stStartMessage(), 1);
         EXPECT_EQ(named->boxes.size(), 1U);
@@ -183,17 +140,15 @@ TEST_F(ConnectTest, APortThatTalksIsNotTakenForADamagedLine)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
+        receiver.reset();
         testing::VirtualChannel channel;
         const testing::ScriptedEnd talks(channel.line, [&row](const testing::Bytes&) {
             return testing::ScriptedEnd::Answer{row.sends, row.sends, row.sends};
         });
-        channel.command.SetHost(host);
-        target.devicePath = "in memory";
-        host.boxes.clear();
         EXPECT_EQ(CConnect(channel.command, 0, target).DoModal(), CConnect::NotConnected);
-        ASSERT_EQ(host.boxes.size(), 2U);
-        EXPECT_EQ(host.boxes[1].caption, row.caption);
-        EXPECT_EQ(host.boxes[1].icon, BoxIcon::Stop);
+        ASSERT_EQ(channel.host.boxes.size(), 2U);
+        EXPECT_EQ(channel.host.boxes[1].caption, row.caption);
+        EXPECT_EQ(channel.host.boxes[1].style.icon, BoxIcon::Stop);
     }
 }
 
@@ -211,19 +166,18 @@ TEST_F(ConnectTest, ConnectsInItsSteps)
         }
         std::vector<ConnectStep> seen;
     };
-    Start(Scenario{});
     Steps steps;
-    ConnectSequence sequence(command, target);
+    ConnectSequence sequence(Command(), target);
     ASSERT_EQ(sequence.Run(&steps), 1) << sequence.FailureDetail();
     using enum ConnectStep;
     EXPECT_EQ(steps.seen,
               (std::vector{OpenPort, WakeReceiver, AskStatus, ReadOptions, ReadSerial, ReadOptions,
                            ReadSerial, ReadOptions, ReadSerial, ReadOptions, ReadSerial}));
-    EXPECT_EQ(receiver->RequestCount(), 10U);
-    EXPECT_EQ(command.IsPortOpen(), 1);
-    CConnect again(command, 0, target);
+    EXPECT_EQ(receiver->simulator.RequestCount(), 10U);
+    EXPECT_EQ(Command().IsPortOpen(), 1);
+    CConnect again(Command(), 0, target);
     EXPECT_EQ(again.DoModal(), CConnect::Connected);
-    EXPECT_TRUE(host.boxes.empty()) << "an open port needs no question";
+    EXPECT_TRUE(Host().boxes.empty()) << "an open port needs no question";
 }
 
 TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
@@ -250,17 +204,13 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        Scenario scenario;
-        simulator::FaultRule rule;
-        std::string error;
-        ASSERT_TRUE(ParseFaultRule(row.rule, rule, error)) << error;
-        scenario.faults = {rule};
-        Start(scenario);
-        ConnectSequence sequence(command, target);
+        Start({});
+        receiver->AddFault(row.rule);
+        ConnectSequence sequence(Command(), target);
         EXPECT_EQ(sequence.Run(), 0);
         EXPECT_EQ(sequence.FailedStep(), row.step);
         EXPECT_EQ(sequence.FailedFault(), row.reason) << sequence.FailureDetail();
-        EXPECT_EQ(command.IsPortOpen(), 0);
+        EXPECT_EQ(Command().IsPortOpen(), 0);
         const std::wstring message = sequence.FailureMessage();
         EXPECT_NE(message.find(StepText(row.step)), std::wstring::npos);
         EXPECT_NE(message.find(row.told), std::wstring::npos);
@@ -269,26 +219,23 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
 
 TEST_F(ConnectTest, NoPortIsTold)
 {
-    target.devicePath = "/dev/no-such-port";
-    CConnect connect(command, 0, target);
+    receiver->simulator.HangUp();
+    CConnect connect(Command(), 0, target);
     EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
-    ASSERT_EQ(host.boxes.size(), 2U); // the question, then the failure
-    EXPECT_EQ(host.boxes[1].caption, L"受信機接続エラー");
-    EXPECT_EQ(host.boxes[1].icon, BoxIcon::Stop);
-    EXPECT_NE(host.boxes[1].text.find(L"通信ポートを開けません"), std::wstring::npos);
+    ASSERT_EQ(Host().boxes.size(), 2U); // the question, then the failure
+    EXPECT_EQ(Host().boxes[1].caption, L"受信機接続エラー");
+    EXPECT_EQ(Host().boxes[1].style.icon, BoxIcon::Stop);
+    EXPECT_NE(Host().boxes[1].text.find(L"通信ポートを開けません"), std::wstring::npos);
 }
 
 TEST_F(ConnectTest, CancellingIsNotAFailure)
 {
-    Start(*[] {
-        std::string error;
-        return simulator::LoadScenario("silent", error);
-    }());
-    host.cancelled = true;
-    CConnect connect(command, 0, target);
+    Start("answers no");
+    Host().inBreath = [] { return false; };
+    CConnect connect(Command(), 0, target);
     EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
-    EXPECT_EQ(host.boxes.size(), 1U) << "who cancelled needs no message";
-    EXPECT_EQ(command.IsPortOpen(), 0);
+    EXPECT_EQ(Host().boxes.size(), 1U) << "who cancelled needs no message";
+    EXPECT_EQ(Command().IsPortOpen(), 0);
 }
 
 TEST_F(ConnectTest, ChecksTypeAndFirmware)
@@ -304,56 +251,55 @@ TEST_F(ConnectTest, ChecksTypeAndFirmware)
     struct Row
     {
         std::string_view name;
-        int typeCode;
-        double version;
+        const char* scenario;
         bool flagged;
         int accepted;
         std::wstring text;
         std::wstring caption;
     };
     const Row rows[] = {
-        {"good", 31, 4.43, true, 1, L"", L""},
-        {"a hair too old", 10, 1.22, true, 0, old, L"受信機未対応バージョン警告"},
-        {"just new enough", 10, 1.23, true, 1, L"", L""},
-        {"beta", 31, 0.95, true, 1, beta, L"受信機未対応バージョン警告"},
-        {"not declared", 31, 4.43, false, 0, notSupported, L"未対応受信機タイプ警告"},
-        {"never supported", 9, 9.99, true, 0, never, L"未対応受信機タイプ警告"},
+        {"good", "type-code 31\nfirmware 4.43", true, 1, L"", L""},
+        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, old,
+         L"受信機未対応バージョン警告"},
+        {"just new enough", "type-code 10\nfirmware 1.23", true, 1, L"", L""},
+        {"beta", "type-code 31\nfirmware 0.95", true, 1, beta, L"受信機未対応バージョン警告"},
+        {"not declared", "type-code 31\nfirmware 4.43", false, 0, notSupported,
+         L"未対応受信機タイプ警告"},
+        {"never supported", "type-code 9\nfirmware 9.99", true, 0, never,
+         L"未対応受信機タイプ警告"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        host.boxes.clear();
-        Start(Receiver(row.typeCode, row.version));
-        ASSERT_EQ(command.OpenPort(target.devicePath, target.settings), 1);
-        CConnect connect(command, 0, target);
+        Start(row.scenario);
+        ASSERT_EQ(Command().OpenPort(target.devicePath, target.settings), 1);
+        CConnect connect(Command(), 0, target);
         if (row.flagged) {
             connect.SupportAllTypes();
         }
         EXPECT_EQ(connect.CheckRecvType(), row.accepted);
-        ASSERT_EQ(host.boxes.size(), row.text.empty() ? 0U : 1U);
+        ASSERT_EQ(Host().boxes.size(), row.text.empty() ? 0U : 1U);
         if (!row.text.empty()) {
-            EXPECT_EQ(host.boxes[0].text, row.text);
-            EXPECT_EQ(host.boxes[0].caption, row.caption);
-            EXPECT_EQ(host.boxes[0].icon, BoxIcon::Exclamation);
+            EXPECT_EQ(Host().boxes[0].text, row.text);
+            EXPECT_EQ(Host().boxes[0].caption, row.caption);
+            EXPECT_EQ(Host().boxes[0].style.icon, BoxIcon::Exclamation);
         }
-        command.ClosePort();
+        Command().ClosePort();
     }
 }
 
 TEST_F(ConnectTest, AReceiverThatTalksPastUsIsTold)
 {
-    Scenario scenario;
-    scenario.answers = false;
-    Start(scenario);
-    ASSERT_EQ(command.OpenPort(target.devicePath, target.settings), 1);
-    CConnect connect(command, 0, target);
+    Start("answers no");
+    ASSERT_EQ(Command().OpenPort(target.devicePath, target.settings), 1);
+    CConnect connect(Command(), 0, target);
     connect.SupportAllTypes();
     EXPECT_EQ(connect.CheckRecvType(), 0);
-    ASSERT_EQ(host.boxes.size(), 1U);
-    EXPECT_EQ(host.boxes[0].text,
+    ASSERT_EQ(Host().boxes.size(), 1U);
+    EXPECT_EQ(Host().boxes[0].text,
               L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
               L"出力信号を停止させ、再度指定ポートへ接続してください。");
-    EXPECT_EQ(host.boxes[0].caption, L"通信ポート接続エラー");
-    EXPECT_EQ(host.boxes[0].icon, BoxIcon::Stop);
+    EXPECT_EQ(Host().boxes[0].caption, L"通信ポート接続エラー");
+    EXPECT_EQ(Host().boxes[0].style.icon, BoxIcon::Stop);
 }
 
 TEST_F(ConnectTest, ForceInitAsksTwice)
@@ -376,38 +322,33 @@ TEST_F(ConnectTest, ForceInitAsksTwice)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        host.boxes.clear();
-        host.answers = {Ok};
-        host.answers.insert(host.answers.end(), row.answers.begin(), row.answers.end());
-        Scenario scenario;
+        Start({});
         if (row.rule != nullptr) {
-            simulator::FaultRule rule;
-            std::string error;
-            ASSERT_TRUE(ParseFaultRule(row.rule, rule, error)) << error;
-            scenario.faults = {rule};
+            receiver->AddFault(row.rule);
         }
-        Start(scenario);
-        CConnect connect(command, 0, target);
-        CRecvForceInit forceInit(command);
+        Host().answers = {Ok};
+        Host().answers.insert(Host().answers.end(), row.answers.begin(), row.answers.end());
+        CConnect connect(Command(), 0, target);
+        CRecvForceInit forceInit(Command());
         EXPECT_EQ(forceInit.DoModal(connect), row.result);
-        EXPECT_EQ(command.IsPortOpen(), 0) << "the port must be closed whatever came of it";
-        ASSERT_EQ(host.boxes.size(), row.boxes + 1);
-        EXPECT_EQ(host.boxes[1].text, L"受信機設定を工場出荷状態へ戻しますか?");
-        EXPECT_EQ(host.boxes[1].caption, L"受信機強制初期化確認");
+        EXPECT_EQ(Command().IsPortOpen(), 0) << "the port must be closed whatever came of it";
+        ASSERT_EQ(Host().boxes.size(), row.boxes + 1);
+        EXPECT_EQ(Host().boxes[1].text, L"受信機設定を工場出荷状態へ戻しますか?");
+        EXPECT_EQ(Host().boxes[1].caption, L"受信機強制初期化確認");
         if (row.boxes > 1) {
-            EXPECT_EQ(host.boxes[2].icon, BoxIcon::Exclamation);
+            EXPECT_EQ(Host().boxes[2].style.icon, BoxIcon::Exclamation);
             EXPECT_EQ(
-                host.boxes[2].text,
+                Host().boxes[2].text,
                 L"本当に受信機設定を工場出荷状態へ戻してもよろしいですか？\n\n"
                 L"受信機強制初期化を実行すると、受信機内にある暦データ等全て初期化されます。\n"
                 L"再度GNSS観測を行う場合は、15分程度衛星を捕捉してください。");
         }
         if (row.boxes > 2) {
-            EXPECT_EQ(host.boxes[3].text, L"受信機設定を工場出荷状態へ戻しました。");
-            EXPECT_EQ(host.boxes[3].caption, L"");
+            EXPECT_EQ(Host().boxes[3].text, L"受信機設定を工場出荷状態へ戻しました。");
+            EXPECT_EQ(Host().boxes[3].caption, L"");
         }
         std::size_t resets = 0;
-        for (const auto& piece : receiver->Record()) {
+        for (const auto& piece : receiver->simulator.Record()) {
             resets += piece.direction == simulator::Direction::ToReceiver &&
                       piece.bytes.size() == 13 && piece.bytes[2] == 0x58;
         }

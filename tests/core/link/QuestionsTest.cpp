@@ -1,5 +1,7 @@
 #include "core/link/Questions.h"
 
+#include "tests/support/VirtualReceiver.h"
+
 #include <gtest/gtest.h>
 
 namespace fieldcore {
@@ -7,19 +9,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class HandClock : public Clock
-{
-public:
-    Duration now{};
-    [[nodiscard]] Duration Steady() const override { return now; }
-    [[nodiscard]] UtcTime Utc() const override { return {}; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-};
-
 TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
 {
-    HandClock clock;
+    const testing::VirtualClock clock;
     CCommand command{{nullptr, &clock, nullptr, {}}};
     Questions questions(command, false);
     bool isAnswered = true;
@@ -46,10 +38,10 @@ TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
         const int before = asked;
         EXPECT_EQ(questions.Step(), row.pause);
         EXPECT_EQ(asked, before + 1);
-        clock.now += row.pause - 1ms;
+        clock.Sleep(row.pause - 1ms);
         EXPECT_EQ(questions.Step(), 1ms);
         EXPECT_EQ(asked, before + 1);
-        clock.now += 1ms;
+        clock.Sleep(1ms);
     }
     questions.Step();
     const int before = asked;
@@ -61,11 +53,52 @@ TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
     questions.Once([&told](CCommand&) { told += 'a'; });
     questions.Once([&told](CCommand&) { told += 'b'; });
     for (int i = 0; i < 3; ++i) {
-        clock.now += 1h;
+        clock.Sleep(1h);
         questions.Step();
     }
     EXPECT_EQ(asked, before + 1);
     EXPECT_EQ(told, "ab");
+}
+
+/// The window's thread gets the line behind the one exchange under way, however much is still to be
+/// asked; who is in the midst of one is refused.
+TEST(Questions, LetOthersHaveTheLineBehindTheExchangeUnderWay)
+{
+    testing::VirtualReceiver receiver("latency 100");
+    receiver.Open();
+    CCommand& window = receiver.command;
+    AutoResetEvent begins;
+    AutoResetEvent hasEnded;
+    int asked = 0;
+    int nested = 0;
+    StatusReply status;
+    receiver.clock.Expect(); // the thread of the questions
+    window.Background().Add({1h, 1h}, [&](CCommand& face) {
+        receiver.clock.Join(true);
+        begins.Set();
+        for (int i = 0; i < 10; ++i) {
+            asked += face.RequestStatus(status);
+        }
+        hasEnded.Set();
+        return true;
+    });
+    ASSERT_TRUE(receiver.clock.Wait(begins, 1s));
+    receiver.clock.Sleep(50ms);
+    receiver.host.inBreath = [&] {
+        StatusReply other;
+        EXPECT_EQ(window.RequestStatus(other), 0);
+        EXPECT_EQ(window.Fault(), CommandFault::Busy);
+        ++nested;
+        return true;
+    };
+    StatusReply own;
+    EXPECT_EQ(window.RequestStatus(own), 1) << window.LastError();
+    EXPECT_EQ(receiver.clock.Steady(), 200ms) << "of an exchange under way and one's own";
+    EXPECT_EQ(asked, 1);
+    EXPECT_GT(nested, 0);
+    receiver.host.inBreath = nullptr;
+    EXPECT_TRUE(receiver.clock.Wait(hasEnded, 10s));
+    EXPECT_EQ(asked, 10);
 }
 
 /// Time is real here, and nothing depends on how long it takes.

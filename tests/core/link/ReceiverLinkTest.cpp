@@ -1,12 +1,14 @@
 #include "core/link/ReceiverLink.h"
 
 #include "core/link/Command.h"
-#include "simulator/Simulator.h"
 #include "tests/core/link/QuickConnect.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <functional>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,49 +19,15 @@ namespace {
 
 using namespace std::chrono_literals;
 using enum LinkState;
-using simulator::Simulator;
 
-/// Time stands still until the test moves it, so that no answer comes too late.
-class HandClock : public Clock
-{
-public:
-    Duration now{};
-    [[nodiscard]] Duration Steady() const override { return now; }
-    [[nodiscard]] UtcTime Utc() const override { return {}; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-};
-
-/// Agrees to everything, and does something in a breath.
-class AgreeingHost : public Host
-{
-public:
-    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view, BoxStyle) override
-    {
-        said.emplace_back(text);
-        return answer;
-    }
-    bool Breathe() override
-    {
-        if (onBreath) {
-            onBreath();
-        }
-        return !cancels;
-    }
-    std::function<void()> onBreath;
-    bool cancels = false;
-    BoxAnswer answer = BoxAnswer::Ok;
-    std::vector<std::wstring> said;
-};
-
-class ReceiverLinkTest : public ::testing::Test
+/// The port is there as long as a file of its name is.
+class ReceiverLinkTest : public ::testing::Test, protected testing::VirtualReceiver
 {
 protected:
-    void SetUp() override
+    ReceiverLinkTest()
     {
-        std::string error;
-        ASSERT_TRUE(receiver.Start(error)) << error;
-        target.devicePath = receiver.PortPath();
+        target.devicePath = folder.Path() / "port";
+        Plug();
         link.SetObserver([this] {
             if (seen.empty() || seen.back() != link.State()) {
                 seen.push_back(link.State());
@@ -74,25 +42,33 @@ protected:
     /// @return how many requests the receiver got
     std::size_t TickAfter(Clock::Duration time)
     {
-        const std::size_t before = receiver.RequestCount();
-        clock.now += time;
+        const std::size_t before = simulator.RequestCount();
+        clock.Sleep(time);
         link.Tick();
-        return receiver.RequestCount() - before;
+        return simulator.RequestCount() - before;
     }
-    void AddFault(const char* text)
+    void HangUp()
     {
-        simulator::FaultRule rule;
-        std::string error;
-        ASSERT_TRUE(ParseFaultRule(text, rule, error)) << error;
-        receiver.AddFault(rule);
+        simulator.HangUp();
+        std::filesystem::remove(target.devicePath);
+    }
+    void Plug()
+    {
+        EXPECT_TRUE(simulator.Plug());
+        std::ofstream(target.devicePath).put('\n');
     }
 
-    HandClock clock;
-    AgreeingHost host;
-    Simulator receiver{simulator::Scenario{}};
-    CCommand command{{&host, &clock, nullptr, nullptr}};
-    ReceiverLink link{command};
+    std::vector<std::wstring> Said() const
+    {
+        std::vector<std::wstring> said;
+        std::ranges::transform(host.boxes, std::back_inserter(said),
+                               &testing::RecordingHost::Box::text);
+        return said;
+    }
+
+    const TemporaryFolder folder;
     ConnectTarget target;
+    ReceiverLink link{command};
     std::vector<LinkState> seen;
 };
 
@@ -123,13 +99,14 @@ TEST_F(ReceiverLinkTest, KeepsOffTheChannelWhileOthersUseIt)
     }
     EXPECT_EQ(TickAfter(0s), 1U);
     // A tick in a breath of somebody else's exchange, and of its own.
-    clock.now += 2s;
+    clock.Sleep(2s);
     int breaths = 0;
-    host.onBreath = [&] {
+    host.inBreath = [&] {
         ++breaths;
         link.Tick();
         EXPECT_EQ(link.Disconnect(), 0);
         EXPECT_EQ(Connect(), 0);
+        return true;
     };
     AddFault("delay 120 count 2"); // longer than a breath
     StatusReply status;
@@ -143,7 +120,7 @@ TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
 {
     ASSERT_EQ(Connect(), 1);
     TickAfter(0s);
-    receiver.HangUp();
+    HangUp();
     TickAfter(2s);
     EXPECT_EQ(link.State(), Lost);
     EXPECT_EQ(command.IsPortOpen(), 0);
@@ -151,7 +128,7 @@ TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
     TickAfter(60s);
     EXPECT_EQ(link.State(), Lost) << "tried a port that is not there";
     EXPECT_EQ(link.UntilNextAttempt(), 0s);
-    ASSERT_TRUE(receiver.Plug());
+    Plug();
     {
         const ReceiverLink::Hold dialog(link);
         EXPECT_EQ(TickAfter(60s), 0U);
@@ -179,7 +156,7 @@ TEST_F(ReceiverLinkTest, TriesWithGrowingPausesWhileThePortIsThere)
         EXPECT_EQ(TickAfter(pause - 1ms), 0U) << pause.count();
         EXPECT_EQ(TickAfter(1ms), 1U) << pause.count();
     }
-    receiver.ClearFaults();
+    simulator.ClearFaults();
     EXPECT_EQ(TickAfter(10s), 2U);
     EXPECT_EQ(link.State(), Connected);
     // One missed question is no loss, and is forgiven.
@@ -205,12 +182,12 @@ TEST_F(ReceiverLinkTest, OnlyALossBringsAttempts)
 
     // Who cancels an attempt wants no more of them.
     ASSERT_EQ(Connect(), 1);
-    receiver.HangUp();
+    HangUp();
     TickAfter(2s);
     ASSERT_EQ(link.State(), Lost);
-    ASSERT_TRUE(receiver.Plug());
+    Plug();
     AddFault("drop");
-    host.cancels = true;
+    host.inBreath = [] { return false; };
     TickAfter(2s);
     EXPECT_EQ(link.State(), NotConnected);
     EXPECT_EQ(command.IsPortOpen(), 0);
@@ -253,39 +230,39 @@ TEST_F(ReceiverLinkTest, TellsWhenAnotherReceiverComesBack)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        const TemporaryFolder folder;
-        const auto cable = folder.Path() / "cable";
-        std::filesystem::create_symlink(receiver.PortPath(), cable);
-        target.devicePath = cable;
         ASSERT_EQ(Connect(), 1);
         EXPECT_EQ(link.Heard().identity.Name(), first);
         TickAfter(0s);
+        testing::VirtualLine cable(clock);
+        simulator::Simulator second(testing::ParsedScenario(row.change), clock,
+                                    testing::On(cable.FarPort()));
         std::string error;
-        const auto scenario = simulator::ParseScenario(row.change, error);
-        ASSERT_TRUE(scenario.has_value()) << error;
-        Simulator second(*scenario);
         ASSERT_TRUE(second.Start(error)) << error;
-        receiver.HangUp();
+        HangUp();
         TickAfter(2s);
         ASSERT_EQ(link.State(), Lost);
-        std::filesystem::remove(cable);
-        std::filesystem::create_symlink(second.PortPath(), cable);
-        host.said.clear();
-        host.onBreath = [&] { link.Tick(); }; // as the program's timer does
+        Plug();
+        plugged = &cable;
+        host.boxes.clear();
+        host.inBreath = [&] { // as the program's timer does
+            link.Tick();
+            return true;
+        };
         TickAfter(2s);
         const bool isOther = !row.said.empty();
         EXPECT_EQ(link.Question() == LinkQuestion::OtherReceiver, isOther);
-        EXPECT_TRUE(host.said.empty()) << "a tick has asked the user";
+        EXPECT_TRUE(host.boxes.empty()) << "a tick has asked the user";
         TickAfter(1min);
         EXPECT_EQ(link.State(), isOther ? Reconnecting : Connected) << "did not wait for the user";
         testing::QuickConnect check(command, target);
         EXPECT_EQ(link.AskUser(check), isOther && row.state == Connected ? 1 : 0);
-        host.onBreath = {};
-        EXPECT_EQ(host.said, row.said);
+        host.inBreath = nullptr;
+        EXPECT_EQ(Said(), row.said);
         EXPECT_EQ(link.State(), row.state);
         EXPECT_EQ(command.IsPortOpen() == 1, row.state == Connected);
         EXPECT_EQ(link.Heard().identity.Name(), row.name);
-        ASSERT_TRUE(receiver.Plug());
+        command.ClosePort();
+        plugged = &line;
     }
 }
 
@@ -297,10 +274,10 @@ TEST_F(ReceiverLinkTest, AsksWhetherToReconnectBluetooth)
         SCOPED_TRACE(retries ? "Retry" : "Cancel");
         ASSERT_EQ(Connect(), 1);
         EXPECT_EQ(command.GetPortNumber(), 5) << "the number that the path counts as";
-        receiver.HangUp();
+        HangUp();
         TickAfter(2s);
         ASSERT_EQ(link.State(), Lost);
-        ASSERT_TRUE(receiver.Plug());
+        Plug();
         EXPECT_EQ(TickAfter(1min), 0U);
         EXPECT_EQ(link.State(), Lost);
         EXPECT_FALSE(link.UntilNextAttempt().has_value());
@@ -310,15 +287,14 @@ TEST_F(ReceiverLinkTest, AsksWhetherToReconnectBluetooth)
             EXPECT_EQ(link.AskUser(connect), 0);
             EXPECT_EQ(link.Question(), LinkQuestion::Reconnect) << "asked over a dialog's head";
         }
-        host.said.clear();
-        host.answer = retries ? BoxAnswer::Retry : BoxAnswer::Cancel;
+        host.boxes.clear();
+        host.answers = {retries ? BoxAnswer::Retry : BoxAnswer::Cancel};
         EXPECT_EQ(link.AskUser(connect), retries ? 1 : 0);
-        EXPECT_EQ(host.said, std::vector<std::wstring>{L"Bluetooth通信が行えません。\n"
-                                                       L"Bluetooth通信接続を復帰しますか？"});
+        EXPECT_EQ(Said(), std::vector<std::wstring>{L"Bluetooth通信が行えません。\n"
+                                                    L"Bluetooth通信接続を復帰しますか？"});
         EXPECT_EQ(link.State(), retries ? Connected : NotConnected);
         EXPECT_EQ(link.Question(), LinkQuestion::None);
         EXPECT_EQ(link.AskUser(connect), 0) << "asked twice";
-        host.answer = BoxAnswer::Ok;
     }
 }
 
