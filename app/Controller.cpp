@@ -52,7 +52,7 @@ Controller::Controller(const AppOptions& options)
     }
     m_command = std::make_unique<CCommand>(
         CCommand::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
-    m_command->SetFrameObserver(m_frames.Observer());
+    m_command->SetLineObserver(m_frames.Observer());
     m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);

@@ -113,6 +113,7 @@ ExitCode Output::Done(const Report& report)
 
 ExitCode Output::Done(const Report& report, std::string_view words)
 {
+    TellPosted();
     Progress("");
     if (m_json) {
         WriteJson(&report, nullptr);
@@ -124,6 +125,7 @@ ExitCode Output::Done(const Report& report, std::string_view words)
 
 ExitCode Output::Failed(const Failure& failure, const Report* partial)
 {
+    TellPosted();
     Progress("");
     if (m_json) {
         WriteJson(partial, &failure);
@@ -154,6 +156,7 @@ void Output::Note(std::string_view text)
 void Output::Message(std::string_view kind, std::string_view caption, std::string_view text,
                      Colour colour)
 {
+    TellPosted();
     Progress("");
     m_told.push_back({std::string(kind), std::string(caption), std::string(text)});
     if (!caption.empty()) {
@@ -161,6 +164,24 @@ void Output::Message(std::string_view kind, std::string_view caption, std::strin
                      << "\n";
     }
     *m_world.err << PrintableLines(text) << std::flush;
+}
+
+void Output::Post(std::string warning)
+{
+    const std::scoped_lock lock(m_posting);
+    m_posted.push_back(std::move(warning));
+}
+
+void Output::TellPosted()
+{
+    std::vector<std::string> posted;
+    {
+        const std::scoped_lock lock(m_posting);
+        posted.swap(m_posted);
+    }
+    for (const std::string& warning : posted) {
+        Message("warning", "", warning, Colour::Yellow);
+    }
 }
 
 void Output::Progress(std::string_view text)

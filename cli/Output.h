@@ -5,6 +5,7 @@
 #include "cli/Report.h"
 #include "cli/World.h"
 
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +24,7 @@ enum class Colour
 };
 
 /// Where a command says what it has to say: results on stdout, as text or as one JSON document,
-/// and everything else on stderr.
+/// and everything else on stderr. One thread; Post() any.
 class Output
 {
 public:
@@ -46,6 +47,8 @@ public:
     /// A message of the library or a warning: shown on stderr, and part of the JSON document.
     void Message(std::string_view kind, std::string_view caption, std::string_view text,
                  Colour colour);
+    /// A warning that is told with the next result, failure or message.
+    void Post(std::string warning);
     /// A line on stderr that the next one replaces; only on a terminal. Empty: takes it away.
     void Progress(std::string_view text);
 
@@ -60,6 +63,7 @@ private:
         std::string text;
     };
 
+    void TellPosted();
     void WriteJson(const Report* report, const Failure* failure);
     [[nodiscard]] std::string Paint(std::string_view text, Colour colour, bool terminal) const;
 
@@ -68,6 +72,8 @@ private:
     const bool m_json;
     bool m_progressShown = false;
     std::vector<Told> m_told; // since the last document
+    std::mutex m_posting;
+    std::vector<std::string> m_posted; // guarded by m_posting
 };
 
 } // namespace fieldcore::cli

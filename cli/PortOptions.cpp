@@ -62,7 +62,7 @@ void PortOptions::AddSessionTo(CLI::App& command)
         ->check(CLI::Range(0.05, 600.0).description(""))
         ->type_name("SECONDS")
         ->group("Port");
-    command.add_option("--log", log, "Append every frame to this file; see trace")
+    command.add_option("--log", log, "Append all that passes the line to this file; see trace")
         ->type_name("FILE")
         ->group("Port");
     command.add_option("--speed", speed, "Let time run this many times as fast; only with sim:")

@@ -10,7 +10,6 @@
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 
-#include <fstream>
 #include <utility>
 
 namespace fieldcore::cli {
@@ -109,9 +108,9 @@ std::optional<Failure> PortSession::Prepare()
     m_command =
         std::make_unique<CCommand>(CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
     if (!m_options.log.empty()) {
-        m_command->SetFrameObserver(
-            [this](Direction direction, std::span<const std::uint8_t> frame) {
-                KeepFrame(direction, frame);
+        m_command->SetLineObserver(
+            [this](Direction direction, LineUnit, std::span<const std::uint8_t> bytes) {
+                Keep(direction, bytes);
             });
     }
     return std::nullopt;
@@ -177,20 +176,27 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario,
 
 std::optional<Failure> PortSession::OpenLog()
 {
-    if (!m_options.log.empty() && !std::ofstream(m_options.log, std::ios::app)) {
+    if (m_options.log.empty()) {
+        return std::nullopt;
+    }
+    m_log.open(m_options.log, std::ios::binary | std::ios::app);
+    if (!m_log) {
         return FileFailure("The log " + m_options.log.string() + " cannot be written.",
                            "Name a file in a folder that you may write to.");
     }
     return std::nullopt;
 }
 
-void PortSession::KeepFrame(Direction direction, std::span<const std::uint8_t> frame)
+/// On the thread that sends, and on that which reads the port; never on both at once.
+void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
 {
-    if (!m_logFailed && !AppendToFrameLog(m_options.log, direction, frame)) {
-        m_logFailed = true; // once is enough to know
-        m_output.Message("warning", "",
-                         "The log " + m_options.log.string() + " can no longer be written.",
-                         Colour::Yellow);
+    if (m_logFailed) {
+        return; // once is enough to know
+    }
+    m_log << FrameLogLine(direction, bytes, GetClock().Utc()) << std::flush;
+    if (!m_log) {
+        m_logFailed = true;
+        m_output.Post("The log " + m_options.log.string() + " can no longer be written.");
     }
 }
 

@@ -13,6 +13,7 @@
 #include "core/platform/PortNames.h"
 #include "simulator/Simulator.h"
 
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <span>
@@ -60,7 +61,7 @@ private:
     [[nodiscard]] Failure NotOpened(std::string detail) const;
     [[nodiscard]] std::optional<Failure> OpenLog();
     [[nodiscard]] Failure NoPortNamed() const;
-    void KeepFrame(Direction direction, std::span<const std::uint8_t> frame);
+    void Keep(Direction direction, std::span<const std::uint8_t> bytes);
 
     const World& m_world;
     Output& m_output;
@@ -70,8 +71,10 @@ private:
     ConnectTarget m_target;
     std::unique_ptr<FastClock> m_fastClock;
     std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
-    std::unique_ptr<CCommand> m_command;               // behind the simulator, whose port it opens
+    // Touched by the command's observer alone once there is one, and outliving it:
+    std::ofstream m_log;
     bool m_logFailed = false;
+    std::unique_ptr<CCommand> m_command; // behind the simulator, whose port it opens
 };
 
 /// The port names of this machine and what the settings assign to them. What cannot be used of the

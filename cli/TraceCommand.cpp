@@ -92,11 +92,29 @@ Value Checksum(const DescribedBytes& bytes)
                                         HexByte(bytes.expectedChecksum));
 }
 
+/// The time at the start of a log line, minutes and seconds of an hour; empty if there is none, or
+/// only the text that is the same in every line.
+std::string TimeOf(const std::string& line)
+{
+    const std::string time = line.substr(0, std::min(line.find(' '), std::size_t{10}));
+    unsigned minutes = 0;
+    unsigned seconds = 0;
+    unsigned thousandths = 0;
+    int end = 0;
+    const int count =
+        std::sscanf(time.c_str(), "%2u:%2u.%3u%n", &minutes, &seconds, &thousandths, &end);
+    const bool isTime = count == 3 && static_cast<std::size_t>(end) == time.size() &&
+                        time.find_first_not_of("0123456789:.") == std::string::npos;
+    return isTime && time != "00:1.000" ? time : std::string();
+}
+
 /// One thing that went over the line, as a report of its own.
-Report ReportOf(std::int64_t line, Direction direction, const DescribedBytes& bytes)
+Report ReportOf(std::int64_t line, const std::string& time, Direction direction,
+                const DescribedBytes& bytes)
 {
     Report report;
     report.Add("line", "line", Value::Integer(line));
+    report.Add("time", "time", time.empty() ? Value::Unknown() : Value::Text(time));
     report.Add("direction", "direction",
                Value::Text(std::string(direction == Direction::Sent ? "Tx" : "Rx")));
     report.Add("kind", "kind", Value::Word(KindCode(bytes.kind), KindWords(bytes)));
@@ -160,7 +178,14 @@ public:
         const Direction direction = piece.direction == simulator::Direction::ToReceiver
                                         ? Direction::Sent
                                         : Direction::Received;
-        for (const DescribedBytes& bytes : DescribeBytes(direction, piece.bytes)) {
+        m_time = TimeOf(line);
+        for (DescribedBytes& bytes : DescribeBytes(direction, piece.bytes)) {
+            const bool isLine = bytes.kind == Kind::Line;
+            if (direction == Direction::Sent) {
+                m_awaitsLine = isLine;
+            } else if (isLine && !m_awaitsLine) {
+                bytes.fault = "no line of text was sent before it";
+            }
             Tell(direction, bytes);
         }
     }
@@ -208,14 +233,14 @@ private:
     void Tell(Direction direction, const DescribedBytes& bytes)
     {
         ++m_told;
-        m_faults +=
-            !bytes.checksumGood || !bytes.fault.empty() || bytes.kind == Kind::Stray ? 1 : 0;
+        m_faults += bytes.IsFault() ? 1 : 0;
         if (m_context.output.IsJson()) {
-            m_report.AddEntry("entries", ReportOf(m_line, direction, bytes));
+            m_report.AddEntry("entries", ReportOf(m_line, m_time, direction, bytes));
             return;
         }
-        std::string text = LineNumber() + (direction == Direction::Sent ? "Tx  " : "Rx  ") +
-                           KindWords(bytes) + ", " + std::to_string(bytes.length) +
+        std::string text = LineNumber() + (m_time.empty() ? "" : Padded(m_time, 9) + "  ") +
+                           (direction == Direction::Sent ? "Tx  " : "Rx  ") + KindWords(bytes) +
+                           ", " + std::to_string(bytes.length) +
                            (bytes.length == 1 ? " byte" : " bytes");
         if (bytes.kind == Kind::Frame) {
             text +=
@@ -231,6 +256,8 @@ private:
     const Context& m_context;
     const bool m_brief;
     Report m_report;
+    std::string m_time;        // of the line, or empty
+    bool m_awaitsLine = false; // what was sent last was a line of text
     std::int64_t m_line = 0;
     std::int64_t m_told = 0;
     std::int64_t m_faults = 0;

@@ -289,14 +289,20 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     return frame;
 }
 
-/// A line of text at the start of @p bytes, with its line end; 0 if there is none.
-std::size_t LineLength(Bytes bytes)
+/// A line of text at the start of @p bytes, with its line end; 0 if there is none. What is sent is
+/// sent whole: its line may lack the end.
+std::size_t LineLength(Direction direction, Bytes bytes)
 {
     std::size_t length = 0;
     while (length < bytes.size() && (bytes[length] >= 0x20 || bytes[length] == '\r')) {
         ++length;
     }
-    return length > 0 && length < bytes.size() && bytes[length] == '\n' ? length + 1 : 0;
+    if (length == bytes.size()) {
+        const bool isAscii =
+            std::all_of(bytes.begin(), bytes.end(), [](auto b) { return b < 0x7F; });
+        return direction == Direction::Sent && isAscii ? length : 0;
+    }
+    return length > 0 && bytes[length] == '\n' ? length + 1 : 0;
 }
 
 DescribedBytes Describe(Direction direction, Bytes bytes)
@@ -316,11 +322,12 @@ DescribedBytes Describe(Direction direction, Bytes bytes)
         described.kind = Kind::Break;
         return described;
     }
-    if (const std::size_t length = LineLength(bytes); length > 0) {
+    if (const std::size_t length = LineLength(direction, bytes); length > 0) {
         described.kind = Kind::Line;
         described.length = length;
+        const std::size_t shown = AsText(bytes.first(length)).find_last_not_of("\r\n") + 1;
         described.fields.push_back(
-            ReadField(bytes.first(length), 0, {length, FieldKind::Text, "text"}));
+            ReadField(bytes.first(shown), 0, {shown, FieldKind::Text, "text"}));
         return described;
     }
     const auto next = std::find(bytes.begin(), bytes.end(), kStx);

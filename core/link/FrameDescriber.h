@@ -47,6 +47,12 @@ struct DescribedBytes
     std::uint8_t expectedChecksum = 0; ///< as it should be
     std::vector<DescribedField> fields;
     std::string fault; ///< what is wrong with it; empty if nothing is
+
+    /// Whether it is damaged or no frame at all.
+    [[nodiscard]] bool IsFault() const
+    {
+        return kind == Kind::Stray || !checksumGood || !fault.empty();
+    }
 };
 
 /// Takes apart what went over the line in one piece: mostly one frame, or a lone byte.

@@ -11,7 +11,7 @@ FrameHistory::FrameHistory(const Clock& clock, std::size_t capacity)
     : m_clock(clock), m_capacity(std::max<std::size_t>(capacity, 1))
 {}
 
-void FrameHistory::Add(Direction direction, std::span<const std::uint8_t> bytes)
+void FrameHistory::Add(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)
 {
     const Clock::UtcTime now = m_clock.Utc();
     const std::lock_guard lock(m_mutex);
@@ -24,14 +24,16 @@ void FrameHistory::Add(Direction direction, std::span<const std::uint8_t> bytes)
     frame.number = ++m_count;
     frame.time = now;
     frame.direction = direction;
+    frame.unit = unit;
     frame.bytes.assign(bytes.begin(), bytes.end());
     m_frames.push_back(std::move(frame));
 }
 
-CCommand::FrameObserver FrameHistory::Observer()
+LineObserver FrameHistory::Observer()
 {
-    return
-        [this](Direction direction, std::span<const std::uint8_t> frame) { Add(direction, frame); };
+    return [this](Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes) {
+        Add(direction, unit, bytes);
+    };
 }
 
 std::vector<ExchangedFrame> FrameHistory::After(std::uint64_t last) const
@@ -54,7 +56,7 @@ std::error_code SaveFrameLog(const std::filesystem::path& file,
 {
     std::string log;
     for (const ExchangedFrame& frame : frames) {
-        log += FrameLogLine(frame.direction, frame.bytes);
+        log += FrameLogLine(frame.direction, frame.bytes, frame.time);
     }
     return ReplaceFile(file, "fieldcore-frames.tmp", std::as_bytes(std::span(log)));
 }

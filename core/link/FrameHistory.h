@@ -15,16 +15,17 @@
 
 namespace fieldcore {
 
-/// A frame that went over the line.
+/// What went over the line in one piece.
 struct ExchangedFrame
 {
     std::uint64_t number = 0; ///< counted from 1 on
     Clock::UtcTime time;
     Direction direction = Direction::Sent;
+    LineUnit unit = LineUnit::Frame;
     std::vector<std::uint8_t> bytes;
 };
 
-/// The last frames that went over the line; the oldest go first. Any thread.
+/// The last that went over the line, frames and all else; the oldest go first. Any thread.
 class FrameHistory
 {
 public:
@@ -34,10 +35,10 @@ public:
     explicit FrameHistory(const Clock& clock = SystemClock::Instance(),
                           std::size_t capacity = kCapacity);
 
-    void Add(Direction direction, std::span<const std::uint8_t> bytes);
+    void Add(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
 
     /// Keeps what passes a channel from now on; the object must outlive the channel's use of it.
-    [[nodiscard]] CCommand::FrameObserver Observer();
+    [[nodiscard]] LineObserver Observer();
 
     /// Those behind number @p last, oldest first; 0: all that are kept.
     [[nodiscard]] std::vector<ExchangedFrame> After(std::uint64_t last) const;
@@ -53,7 +54,7 @@ private:
     std::uint64_t m_count = 0;
 };
 
-/// Replaces @p file by an exchange log of these frames, see FrameLogLine().
+/// Replaces @p file by an exchange log of these, each with its time; see FrameLogLine().
 /// @return what went wrong; the old file is then still there
 [[nodiscard]] std::error_code SaveFrameLog(const std::filesystem::path& file,
                                            std::span<const ExchangedFrame> frames);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/platform/Clock.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <span>
@@ -7,7 +9,7 @@
 
 namespace fieldcore {
 
-/// Which way a frame went, seen from the controller.
+/// Which way bytes went, seen from the controller.
 enum class Direction : int
 {
     Sent = 0,
@@ -18,7 +20,11 @@ enum class Direction : int
 /// "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]" with CR LF.
 [[nodiscard]] std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> bytes);
 
-/// Appends such a line to @p file, which is made if it is missing.
+/// The same with minutes and seconds of the hour in place of the fixed stamp, as "09:4.250".
+[[nodiscard]] std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> bytes,
+                                       Clock::UtcTime time);
+
+/// Appends a line with the fixed stamp to @p file, which is made if it is missing.
 /// @return false if it could not be written
 [[nodiscard]] bool AppendToFrameLog(const std::filesystem::path& file, Direction direction,
                                     std::span<const std::uint8_t> bytes);

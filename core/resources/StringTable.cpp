@@ -844,6 +844,8 @@ constexpr Entry kEntries[] = {
     Entry{text::kPortNameUnknown, L"ポートの名前ではありません。"},
     Entry{text::kPortNameSimulator, L"このソフトウェアにはシミュレータがありません。"},
     Entry{text::kPortNameDevice, L"COM番号に割り当てられたデバイスのパスが正しくありません。"},
+    Entry{text::kFramesLine, L"文字「%1」"},
+    Entry{text::kFramesNoise, L"フレーム外"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

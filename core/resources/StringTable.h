@@ -703,6 +703,10 @@ inline constexpr int kPortNameUnknown = 61265;
 inline constexpr int kPortNameSimulator = 61266;
 inline constexpr int kPortNameDevice = 61267;
 
+// What passes the line
+inline constexpr int kFramesLine = 61300; ///< text, shown by UiText().arg()
+inline constexpr int kFramesNoise = 61301;
+
 // The receiver's state
 inline constexpr int kPlanSiteMissing = 60980;
 inline constexpr int kPowerSource1 = 61000;

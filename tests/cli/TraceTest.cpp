@@ -205,7 +205,10 @@ TEST(Trace, ShowsGoodAndDamagedLines)
                                  "\x1b[2J nonsense\r\n"
                                  "00:1.000 Rcvr Rx [02 00 41 01 ]\r\n"
                                  "00:1.000 Rcvr Rx [99 98 02 00 41 01 02 44 03 ]\r\n"
-                                 "00:1.000 Rcvr Rx [4F 4B 0D 0A ]");
+                                 "00:1.000 Rcvr Rx [4F 4B 0D 0A ]\r\n"
+                                 "59:9.250 Rcvr Tx [49 44 ]\r\n"
+                                 "59:59.999 Rcvr Rx [4F 4B 0D 0A ]\r\n"
+                                 "\t9:9.250 Rcvr Rx [99 98 ]\r\n");
     const Outcome outcome = runner.Run("trace @/log");
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(outcome.out,
@@ -229,13 +232,21 @@ TEST(Trace, ShowsGoodAndDamagedLines)
               "      0  bytes  99 98\n"
               "   12  Rx  0x41 power source, 7 bytes, checksum good\n"
               "      0  power input  2\n"
-              "   13  Rx  line of text, 4 bytes\n"
-              "      0  text  OK??\n");
-    EXPECT_EQ(outcome.err, "Exchanged: 11, with a fault: 3, damaged lines: 2.\n");
+              "   13  Rx  line of text, 4 bytes; no line of text was sent before it\n"
+              "      0  text  OK\n"
+              "   14  59:9.250   Tx  line of text, 2 bytes\n"
+              "      0  text  ID\n"
+              "   15  59:59.999  Rx  line of text, 4 bytes\n"
+              "      0  text  OK\n"
+              "   16  Rx  bytes that are no frame, 2 bytes\n"
+              "      0  bytes  99 98\n");
+    EXPECT_EQ(outcome.err, "Exchanged: 14, with a fault: 5, damaged lines: 2.\n");
 
     const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
     EXPECT_EQ(result["damagedLines"], 2);
-    EXPECT_EQ(result["entries"].size(), 13U);
+    EXPECT_EQ(result["entries"].size(), 16U);
+    EXPECT_EQ(result["entries"][12]["time"], nullptr);
+    EXPECT_EQ(result["entries"][13]["time"], "59:9.250");
     EXPECT_EQ(result["entries"][1]["fields"][1],
               nlohmann::json::parse(R"({"offset":7,"name":"GPS week","value":2410.0,
                                         "unit":null,"meaning":null})"));
@@ -249,6 +260,10 @@ TEST(Trace, ReadsWhatLogAndRecordWrite)
     const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
     EXPECT_EQ(result["damagedLines"], 0);
     EXPECT_GT(result["faults"], 0) << "that line damages every fifth answer";
+    EXPECT_TRUE(result["entries"].front()["time"].is_string() ||
+                result["entries"].back()["time"].is_string());
+    ASSERT_EQ(runner.Run("identify --port sim: --log @/identified").code, 0);
+    EXPECT_NE(runner.Run("trace @/identified").out.find("Tx  BREAK"), std::string::npos);
     const std::vector<std::string> arguments{
         "sim",        "run", "--record", runner.Path("record"),
         "--",         "sh",  "-c",       "\"$0\" identify >/dev/null",
@@ -257,6 +272,15 @@ TEST(Trace, ReadsWhatLogAndRecordWrite)
     const Outcome outcome = runner.Run("trace --brief @/record");
     EXPECT_NE(outcome.out.find("Tx  BREAK"), std::string::npos) << outcome.out;
     EXPECT_NE(outcome.out.find("0x6E identification"), std::string::npos) << outcome.out;
+}
+
+TEST(Trace, ALogThatCannotBeWrittenIsToldOnce)
+{
+    Runner runner;
+    const nlohmann::json told =
+        runner.Run("info --port sim: --log /dev/full --json").Json()["messages"];
+    ASSERT_EQ(told.size(), 1U) << told;
+    EXPECT_EQ(told[0]["text"], "The log /dev/full can no longer be written.");
 }
 
 TEST(Trace, AnEmptyLogIsNoFault)

@@ -22,23 +22,6 @@ QString HexOf(const std::vector<std::uint8_t>& bytes)
         .toUpper();
 }
 
-bool IsFault(const DescribedBytes& described)
-{
-    switch (described.kind) {
-    case DescribedBytes::Kind::Frame:
-        return !described.checksumGood || !described.fault.empty();
-    case DescribedBytes::Kind::Ack:
-    case DescribedBytes::Kind::Break:
-    case DescribedBytes::Kind::Line:
-        return false;
-    case DescribedBytes::Kind::Nak:
-    case DescribedBytes::Kind::Piece:
-    case DescribedBytes::Kind::Stray:
-        break;
-    }
-    return true;
-}
-
 /// What a frame is called, for the user.
 QString TitleOf(const DescribedBytes& described)
 {
@@ -55,7 +38,13 @@ QString WordsOf(const DescribedBytes& described)
         return UiText(text::kFramesNak);
     case DescribedBytes::Kind::Break:
         return QStringLiteral("BREAK");
-    default:
+    case DescribedBytes::Kind::Line:
+        return UiText(text::kFramesLine)
+            .arg(QString::fromStdString(described.fields.front().value.Words()));
+    case DescribedBytes::Kind::Stray:
+        return QString::fromStdString(described.fields.front().value.Words());
+    case DescribedBytes::Kind::Frame:
+    case DescribedBytes::Kind::Piece:
         break;
     }
     QString words;
@@ -95,10 +84,16 @@ FramesModel::FramesModel(FrameHistory& history, QObject* parent)
 FramesModel::Entry FramesModel::MakeEntry(ExchangedFrame frame)
 {
     Entry entry;
+    entry.isFault = frame.unit == LineUnit::Noise;
     for (const DescribedBytes& described : DescribeBytes(frame.direction, frame.bytes)) {
         entry.content +=
             (entry.content.isEmpty() ? QString() : QStringLiteral(" / ")) + WordsOf(described);
-        entry.isFault = entry.isFault || IsFault(described);
+        const bool isText = frame.unit == LineUnit::Line; // whatever it looks like
+        entry.isFault = entry.isFault || described.kind == DescribedBytes::Kind::Nak ||
+                        (!isText && described.IsFault());
+    }
+    if (frame.unit == LineUnit::Noise) {
+        entry.content.prepend(UiText(text::kFramesNoise) + QStringLiteral("  "));
     }
     entry.bytes = HexOf(frame.bytes);
     entry.frame = std::move(frame);
@@ -198,6 +193,9 @@ QString FramesModel::Detail(int row) const
     }
     const ExchangedFrame& frame = At(row).frame;
     QString detail = HexOf(frame.bytes);
+    if (frame.unit == LineUnit::Noise) {
+        detail += QStringLiteral("\n") + UiText(text::kFramesNoise);
+    }
     for (const DescribedBytes& described : DescribeBytes(frame.direction, frame.bytes)) {
         if (described.type) {
             detail += QStringLiteral("\n") + TitleOf(described);

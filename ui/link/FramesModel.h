@@ -10,7 +10,7 @@
 
 namespace fieldcore {
 
-/// The frames of a history as rows of a table, oldest first. User-interface thread only.
+/// What a history holds as rows of a table, oldest first. User-interface thread only.
 class FramesModel : public QAbstractTableModel
 {
     Q_OBJECT

@@ -19,17 +19,19 @@ TEST(FrameHistory, KeepsTheLastAndForgetsTheOldest)
     const auto observe = history.Observer();
     for (std::uint8_t i = 1; i <= 5; ++i) {
         observe(i % 2 == 0 ? Direction::Received : Direction::Sent,
-                std::vector<std::uint8_t>(i, i));
+                i == 5 ? LineUnit::Noise : LineUnit::Frame, std::vector<std::uint8_t>(i, i));
     }
     const auto kept = history.After(0);
     ASSERT_EQ(kept.size(), 3U);
     EXPECT_EQ(kept.front().number, 3U);
     EXPECT_EQ(kept.front().bytes, std::vector<std::uint8_t>(3, 3)) << "memory of an older frame";
     EXPECT_EQ(kept.back().direction, Direction::Sent);
+    EXPECT_EQ(kept.front().unit, LineUnit::Frame);
+    EXPECT_EQ(kept.back().unit, LineUnit::Noise) << "the unit of an older one";
     EXPECT_EQ(history.After(4).size(), 1U);
     EXPECT_TRUE(history.After(5).empty());
     history.Clear();
-    observe(Direction::Sent, kept.front().bytes);
+    observe(Direction::Sent, LineUnit::Frame, kept.front().bytes);
     ASSERT_EQ(history.After(0).size(), 1U);
     EXPECT_EQ(history.After(5).front().number, 6U) << "numbers start anew under a reader's feet";
 }
@@ -41,7 +43,7 @@ TEST(FrameHistory, TakesFromOneThreadWhatAnotherReads)
     std::thread writer([&] {
         const std::array<std::uint8_t, 6> frame{0x02, 0x00, 0x08, 0x00, 0x08, 0x03};
         for (std::uint64_t i = 0; i < kFrames; ++i) {
-            history.Add(Direction::Sent, frame);
+            history.Add(Direction::Sent, LineUnit::Frame, frame);
         }
     });
     std::uint64_t last = 0;
@@ -60,17 +62,22 @@ TEST(FrameHistory, TakesFromOneThreadWhatAnotherReads)
 TEST(FrameHistory, IsSavedAsAnExchangeLogOrNotAtAll)
 {
     const TemporaryFolder folder;
-    FrameHistory history;
-    history.Add(Direction::Sent, std::array<std::uint8_t, 6>{2, 0, 8, 0, 8, 3});
-    history.Add(Direction::Received, std::array<std::uint8_t, 1>{0x15});
+    using namespace std::chrono_literals;
+    const Clock::UtcTime day{std::chrono::sys_days(std::chrono::year(2024) / 2 / 29)};
+    const std::vector<ExchangedFrame> frames{
+        {1, day + 9h + 7min + 4s + 50ms, Direction::Sent, LineUnit::Frame, {2, 0, 8, 0, 8, 3}},
+        {2, day + 9h + 59min + 59s + 999999us, Direction::Received, LineUnit::Frame, {0x15}},
+        {3, day + 10h, Direction::Sent, LineUnit::Break, {0}},
+        {4, day + 10h + 10s, Direction::Received, LineUnit::Noise, {0x99, 0xFF}}};
     const auto file = folder.Write("exchange.log", "old");
-    ASSERT_FALSE(SaveFrameLog(file, history.After(0)));
+    ASSERT_FALSE(SaveFrameLog(file, frames));
     const auto content = ReadWholeFile(file, 1000);
     ASSERT_TRUE(content.has_value());
     EXPECT_EQ(std::string(content->begin(), content->end()),
-              "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [15 ]\r\n");
-    EXPECT_TRUE(SaveFrameLog(folder.Path() / "no-folder/exchange.log", history.After(0)));
-    EXPECT_TRUE(SaveFrameLog(folder.Path(), history.After(0))) << "a folder was replaced";
+              "07:4.050 Rcvr Tx [02 00 08 00 08 03 ]\r\n59:59.999 Rcvr Rx [15 ]\r\n"
+              "00:0.000 Rcvr Tx [00 ]\r\n00:10.000 Rcvr Rx [99 FF ]\r\n");
+    EXPECT_TRUE(SaveFrameLog(folder.Path() / "no-folder/exchange.log", frames));
+    EXPECT_TRUE(SaveFrameLog(folder.Path(), frames)) << "a folder was replaced";
 }
 
 } // namespace
