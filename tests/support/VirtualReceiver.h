@@ -15,7 +15,7 @@
 namespace fieldcore::testing {
 
 /// A host that keeps its boxes, counts its breaths and does what a test wants in them.
-class RecordingHost final : public Host
+class BoxKeepingHost final : public Host
 {
 public:
     struct Box
@@ -54,7 +54,7 @@ struct VirtualChannel
 
     VirtualClock clock;
     VirtualLine line;
-    RecordingHost host;
+    BoxKeepingHost host;
     VirtualLine* plugged = &line; ///< what the next port that is opened leads to
     CCommand command{{&host, &clock, nullptr, [this] { return plugged->MakeDevice(); }}};
 };

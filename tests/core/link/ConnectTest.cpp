@@ -29,7 +29,7 @@ protected:
         receiver.emplace(scenario);
     }
     [[nodiscard]] CCommand& Command() { return receiver->command; }
-    [[nodiscard]] testing::RecordingHost& Host() { return receiver->host; }
+    [[nodiscard]] testing::BoxKeepingHost& Host() { return receiver->host; }
 
     std::optional<testing::VirtualReceiver> receiver{std::in_place};
     ConnectTarget target{1, "in memory", {}};
@@ -112,8 +112,8 @@ TEST_F(ConnectTest, AsksTheDefaultHostWhereNoneIsGiven)
 {
     CCommand& shared = *GetCCommand();
     EXPECT_EQ(&shared.GetHost(), &DefaultHost());
-    testing::RecordingHost later;
-    for (testing::RecordingHost* const named : {&Host(), &later}) {
+    testing::BoxKeepingHost later;
+    for (testing::BoxKeepingHost* const named : {&Host(), &later}) {
         SetDefaultHost(named);
         EXPECT_EQ(CConnect(shared, 0, target).stStartMessage(), 1);
         EXPECT_EQ(named->boxes.size(), 1U);

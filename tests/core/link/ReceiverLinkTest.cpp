@@ -62,7 +62,7 @@ protected:
     {
         std::vector<std::wstring> said;
         std::ranges::transform(host.boxes, std::back_inserter(said),
-                               &testing::RecordingHost::Box::text);
+                               &testing::BoxKeepingHost::Box::text);
         return said;
     }
 
