@@ -46,7 +46,8 @@ TEST_F(StatusPollTest, BeginsAnewWithAnotherReceiver)
     receiver->HangUp();
     Round();
     EXPECT_NE(link.State(), LinkState::Connected);
-    EXPECT_TRUE(std::any_of(poll.History().Samples().begin(), poll.History().Samples().end(),
+    const StatusHistory history = poll.History();
+    EXPECT_TRUE(std::any_of(history.Samples().begin(), history.Samples().end(),
                             [](const StatusHistory::Sample& s) { return !s.satellites; }))
         << "the graph shows the gap";
     EXPECT_TRUE(link.Heard().powerSource) << "the last values stay, to be shown as stale";

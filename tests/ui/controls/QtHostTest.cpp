@@ -398,7 +398,7 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
     const QPointer<QPushButton> doomed = new QPushButton(&window);
     doomed->setGeometry(0, 400, 100, 50);
     doomed->show();
-    QPointingDevice* const finger = QTest::createTouchDevice();
+    static QPointingDevice* const finger = QTest::createTouchDevice(); // of the whole program
     const auto wheel = [&] {
         const QPointF at = PlaceOf(spin);
         QWheelEvent turned(at, window.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
