@@ -20,8 +20,13 @@ Channel::~Channel() = default;
 
 bool Channel::IsMine() const
 {
-    const std::thread::id self = std::this_thread::get_id();
     const std::scoped_lock lock(m_turns);
+    return IsMineLocked();
+}
+
+bool Channel::IsMineLocked() const
+{
+    const std::thread::id self = std::this_thread::get_id();
     return m_owner == self ||
            std::ranges::find(m_waiting, self, &Waiter::thread) != m_waiting.end();
 }

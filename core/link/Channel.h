@@ -65,6 +65,8 @@ public:
 private:
     friend class ChannelTurn;
 
+    [[nodiscard]] bool IsMineLocked() const;
+
     /// Answers that may still come.
     struct Doubt
     {

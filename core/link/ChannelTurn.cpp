@@ -45,11 +45,15 @@ ChannelTurn::~ChannelTurn()
 
 bool ChannelTurn::Acquire()
 {
-    if (m_channel.IsMine()) {
+    std::unique_lock lock(m_channel.m_turns);
+    if (m_channel.m_owner == std::thread::id() && m_channel.m_waiting.empty()) {
+        m_channel.m_owner = std::this_thread::get_id();
+        return true;
+    }
+    if (m_channel.IsMineLocked()) {
         return Fail(CommandFault::Busy);
     }
     Channel::Waiter self{std::this_thread::get_id(), {}};
-    std::unique_lock lock(m_channel.m_turns);
     m_channel.m_waiting.push_back(&self);
     while (m_channel.m_owner != std::thread::id() || m_channel.m_waiting.front() != &self) {
         lock.unlock();
@@ -226,8 +230,9 @@ Delivery ChannelTurn::Next()
             ? timeout
             : std::clamp(m_deadline - Now(), Clock::Duration::zero(), timeout);
     const SerialLink::WaitOutcome outcome = Link().WaitDelivery(m_host, limit);
-    m_last = Link().TakeDelivery(m_answer);
-    CountArrived(Link().GetArrivals());
+    Arrivals arrivals;
+    m_last = Link().TakeDelivery(m_answer, &arrivals);
+    CountArrived(arrivals);
     switch (outcome) {
     case SerialLink::WaitOutcome::Delivered:
         m_fault = CommandFault::None;
@@ -292,10 +297,9 @@ bool ChannelTurn::AwaitQuiet(bool changes)
         Now() + (changes ? 2 * m_timeout + 2 * kRetryPause : Clock::Duration(m_timeout));
     bool hasDropped = false;
     for (;;) {
-        const bool hasInput = Link().HasInput();
-        const Arrivals arrivals = Link().GetArrivals();
+        const Arrivals arrivals = Link().LookAtArrivals();
         CountArrived(arrivals);
-        if (hasInput) {
+        if (arrivals.isWaiting) {
             hasDropped = true;
             if (doubt.due == 0) {
                 NoteOdd();

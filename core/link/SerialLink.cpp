@@ -268,7 +268,7 @@ SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host, Clock::Duration lim
     return outcome;
 }
 
-Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination)
+Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination, Arrivals* arrivals)
 {
     Delivery taken;
     std::size_t waiting = 0;
@@ -276,6 +276,9 @@ Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination)
         const std::scoped_lock lock(m_mutex);
         taken = m_deliveries.Take(destination);
         waiting = m_deliveries.Waiting();
+        if (arrivals != nullptr) {
+            *arrivals = m_arrivals;
+        }
     }
     if (taken.length == 0) {
         std::fill(destination.begin(), destination.end(), std::uint8_t{0});
@@ -581,20 +584,16 @@ void SerialLink::NoteArrival(const Delivery& delivery)
     m_beganAt = arrived; // of what stands behind it in the queue
 }
 
-Arrivals SerialLink::GetArrivals() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_arrivals;
-}
-
-bool SerialLink::HasInput()
+Arrivals SerialLink::LookAtArrivals()
 {
     const bool isUnread = m_device->HasInput();
     const std::scoped_lock lock(m_mutex); // not m_intake: the reader may be at its work
     if (isUnread) {
         m_arrivals.lastByteAt = m_clock.Steady();
     }
-    return isUnread || m_isHalf || m_deliveries.Waiting() > 0;
+    Arrivals arrivals = m_arrivals;
+    arrivals.isWaiting = isUnread || m_isHalf || m_deliveries.Waiting() > 0;
+    return arrivals;
 }
 
 /// With start and stop bit, at the rate that the port was opened with.
@@ -609,6 +608,7 @@ void SerialLink::SetObserver(LineObserver observer)
 {
     const std::scoped_lock lock(m_observing);
     m_observer = std::move(observer);
+    m_isObserved = static_cast<bool>(m_observer);
 }
 
 std::vector<std::uint8_t> SerialLink::RecentNoise() const
@@ -620,6 +620,9 @@ std::vector<std::uint8_t> SerialLink::RecentNoise() const
 
 void SerialLink::Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)
 {
+    if (!m_isObserved && unit != LineUnit::Noise) {
+        return;
+    }
     const std::scoped_lock lock(m_observing);
     ObserveLocked(direction, unit, bytes);
 }

@@ -87,6 +87,7 @@ struct Arrivals
     Clock::Duration lastByteAt{};    ///< of the link's clock; 0: none came
     unsigned deliveries = 0;         ///< since the port was opened
     Clock::Duration characterTime{}; ///< from one byte to the next, as seen; 0: in bursts
+    bool isWaiting = false;          ///< there are bytes, or a delivery, that nobody has taken
 };
 
 /// The serial port that leads to the receiver, with the thread that reads it.
@@ -152,16 +153,15 @@ public:
     /// The same, at most @p limit of the link's clock.
     WaitOutcome WaitDelivery(Host& host, Clock::Duration limit);
 
-    [[nodiscard]] Arrivals GetArrivals() const;
-    /// Whether there are bytes, or a delivery, that nobody has taken. Those that the reader has not
-    /// seen yet count as arriving now.
-    [[nodiscard]] bool HasInput();
+    /// Bytes that the reader has not seen yet count as arriving now.
+    [[nodiscard]] Arrivals LookAtArrivals();
 
     /// Copies what was delivered to the start of @p destination, or zeroes it if there is nothing
     /// with a length. In hand-over mode the next delivery, if it waits already, then counts as
     /// delivered.
+    /// @param arrivals  gets what has come in until now, but whether something waits
     /// @return what was delivered, with the number of bytes copied
-    Delivery TakeDelivery(std::span<std::uint8_t> destination);
+    Delivery TakeDelivery(std::span<std::uint8_t> destination, Arrivals* arrivals = nullptr);
 
     /// Forgets a delivery that nobody waited for: called before a request is written.
     void ResetFrameReady();
@@ -266,6 +266,7 @@ private:
     DeliveryQueue m_deliveries;
     Arrivals m_arrivals;
 
+    std::atomic<bool> m_isObserved = false;
     mutable std::mutex m_observing; // guards these; taken last
     LineObserver m_observer;
     std::vector<std::uint8_t> m_noise;
