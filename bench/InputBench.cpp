@@ -359,8 +359,8 @@ bool World::Begin(int latencyMs)
     return true;
 }
 
-/// The status is complete when it has come, and with it time and fix; what was asked behind the last
-/// of them does not count.
+/// The status is complete when it has come, and with it time and fix; what was asked behind the
+/// last of them does not count.
 void World::LookForStatus()
 {
     if (m_frames > 0 || !m_controller->Link().Heard().status) {
