@@ -79,8 +79,10 @@ Outcome Runner::RunProgram(const std::string& arguments) const
 {
     const std::string out = Path("stdout");
     const std::string err = Path("stderr");
-    const std::string command = std::string("exec ") + FIELDCORE_CLI + " " + Expanded(arguments) +
-                                " >" + out + " 2>" + err + " </dev/null";
+    // Not the settings of whoever runs the tests.
+    const std::string command =
+        "FIELDCORE_HOME=" + Path("home") + " XDG_CONFIG_HOME=" + Path("config") + " exec " +
+        FIELDCORE_CLI + " " + Expanded(arguments) + " >" + out + " 2>" + err + " </dev/null";
     const int status = std::system(command.c_str()); // NOLINT: a shell is what users have
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(out), Content(err)};
 }
