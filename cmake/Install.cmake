@@ -6,7 +6,8 @@ set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Fieldcore)
 install(TARGETS fieldcore_core EXPORT FieldcoreTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore)
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore
+    FILE_SET made DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore)
 set(programs fieldcore-simulator)
 if(FIELDCORE_CLI)
     list(APPEND programs fieldcore-cli)
