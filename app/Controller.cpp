@@ -15,6 +15,7 @@
 #include <QIcon>
 
 #include <algorithm>
+#include <iterator>
 
 namespace fieldcore {
 
@@ -34,11 +35,11 @@ Controller::Controller(const AppOptions& options)
       m_fastClock(options.speed == 1.0 ? nullptr : std::make_unique<FastClock>(options.speed)),
       m_clock(m_fastClock ? static_cast<const Clock*>(m_fastClock.get())
                           : &SystemClock::Instance()),
-      m_reg(m_roots), m_folder(Folders().Program()), m_frames(*m_clock)
+      m_ownReg(m_ownRoots), m_reg(m_roots), m_frames(*m_clock)
 {
     QtHost::Options hostOptions;
     std::uint32_t isQ77 = 0;
-    m_reg.ReadNumber(kAppKey, kQ77, isQ77, 0);
+    m_ownReg.ReadNumber(kAppKey, kQ77, isQ77, 0);
     hostOptions.isQ77 = m_options.isQ77 || isQ77 == 1;
     if (m_fastClock) {
         hostOptions.clock = m_fastClock.get();
@@ -47,7 +48,7 @@ Controller::Controller(const AppOptions& options)
     QApplication::setWindowIcon(QIcon(hostOptions.icon));
     m_host = std::make_unique<QtHost>(hostOptions);
     SetDefaultHost(m_host.get());
-    for (const std::wstring& setting : AssignStoredPorts(m_names, m_roots)) {
+    for (const std::wstring& setting : AssignStoredPorts(m_names, m_ownRoots)) {
         m_notices += UiText(text::kNoticePort).arg(fieldcore::ToQt(setting));
     }
     m_command = std::make_unique<CCommand>(
@@ -61,10 +62,7 @@ Controller::Controller(const AppOptions& options)
     connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::LookAtReceiver);
     connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskUser,
             Qt::QueuedConnection); // not from inside of a round
-    m_antenna = std::make_unique<AntennaSettings>(
-        m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
-    m_choice.port = StoredPort(m_roots).value_or(m_choice.port);
-    ReadLinkRate();
+    m_choice.port = StoredPort(m_ownRoots).value_or(m_choice.port);
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
     }
@@ -79,7 +77,33 @@ Controller::~Controller()
 
 void Controller::Begin()
 {
+    UseStore();
+    std::uint32_t theme = 0;
+    m_ownReg.ReadNumber(kAppKey, kTheme, theme, 0);
+    const auto kept = theme <= static_cast<std::uint32_t>(Theme::Kind::System)
+                          ? static_cast<Theme::Kind>(theme)
+                          : Theme::Kind::Daylight;
+    Theme::Use(m_options.theme.value_or(kept));
+    std::uint32_t maySet = 0;
+    m_ownReg.ReadNumber(kAppKey, kSetClock, maySet, 0);
+    m_maySetClock = maySet == 1;
+    AllowClock();
+}
+
+void Controller::UseStore()
+{
+    FolderSources sources = FolderSources::System();
+    const PortNameResult port = m_names.Parse(m_choice.port);
+    sources.isSimulated = port.port && port.port->kind == PortKind::Simulator;
+    const Folders folders(sources);
+    if (m_antenna && m_folder == folders.Program()) {
+        return;
+    }
+    m_folder = folders.Program();
+    m_roots.Use(folders);
     PutSamples(m_folder, m_clock->Utc());
+    m_antenna = std::make_unique<AntennaSettings>(
+        m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
     m_antenna->CheckReg();
     std::uint32_t role = 0;
     m_reg.ReadNumber(kAppKey, kAntennaRole, role, static_cast<std::uint32_t>(AntennaRole::Rover));
@@ -88,16 +112,7 @@ void Controller::Begin()
                            : AntennaRole::Rover);
     ReadAntenna();
     eBubbleConfig::LoadBubbleData(m_reg);
-    std::uint32_t theme = 0;
-    m_reg.ReadNumber(kAppKey, kTheme, theme, 0);
-    const auto kept = theme <= static_cast<std::uint32_t>(Theme::Kind::System)
-                          ? static_cast<Theme::Kind>(theme)
-                          : Theme::Kind::Daylight;
-    Theme::Use(m_options.theme.value_or(kept));
-    std::uint32_t maySet = 0;
-    m_reg.ReadNumber(kAppKey, kSetClock, maySet, 0);
-    m_maySetClock = maySet == 1;
-    AllowClock();
+    ReadLinkRate();
 }
 
 bool Controller::ConnectQuietly(std::wstring& fault)
@@ -186,7 +201,8 @@ void Controller::Disconnect()
 void Controller::Choose(const ConnectChoice& choice)
 {
     m_choice = choice;
-    SaveConnectChoice(m_reg, choice);
+    SaveConnectChoice(m_ownReg, choice);
+    UseStore();
     SetLinkRate(choice.baudRate, m_roots);
     ReadLinkRate();
 }
@@ -239,7 +255,7 @@ FoundTarget Controller::Target()
 void Controller::UseTheme(Theme::Kind kind)
 {
     Theme::Use(kind);
-    m_reg.WriteNumber(kAppKey, kTheme, static_cast<std::uint32_t>(kind));
+    m_ownReg.WriteNumber(kAppKey, kTheme, static_cast<std::uint32_t>(kind));
 }
 
 void Controller::UseAntenna(AntennaRole role)
@@ -259,7 +275,7 @@ void Controller::ReadAntenna()
 void Controller::SetMaySetClock(bool maySet)
 {
     m_maySetClock = maySet;
-    m_reg.WriteNumber(kAppKey, kSetClock, maySet ? 1 : 0);
+    m_ownReg.WriteNumber(kAppKey, kSetClock, maySet ? 1 : 0);
     AllowClock();
 }
 
@@ -274,7 +290,7 @@ StatusView Controller::View() const
 {
     constexpr std::uint32_t kLast = 19;
     std::uint32_t zone = 0; // the nearest one
-    m_reg.ReadNumber(kAppKey, kPlaneZone, zone, 0);
+    m_ownReg.ReadNumber(kAppKey, kPlaneZone, zone, 0);
     return {m_clock->Steady(), m_clock->Utc(), zone <= kLast ? static_cast<int>(zone) : 0,
             m_maySetClock};
 }
@@ -301,7 +317,11 @@ HomeState Controller::State() const
 
 QString Controller::TakeNotice()
 {
-    for (const SettingsNotice& notice : m_roots.TakeNotices()) {
+    std::vector<SettingsNotice> notices = m_ownRoots.TakeNotices();
+    if (m_roots.File(RootKey::CurrentUser) != m_ownRoots.File(RootKey::CurrentUser)) {
+        std::ranges::move(m_roots.TakeNotices(), std::back_inserter(notices));
+    }
+    for (const SettingsNotice& notice : notices) {
         const QString file = QString::fromStdString(notice.file);
         m_notices +=
             notice.kind == SettingsNotice::Kind::SetAside

@@ -90,6 +90,7 @@ public:
 
     [[nodiscard]] CCommand& Command() { return *m_command; }
     [[nodiscard]] ReceiverLink& Link() { return *m_link; }
+    /// The settings that go with the chosen receiver: those of a simulated one stay apart.
     [[nodiscard]] const CReg& Reg() const { return m_reg; }
     [[nodiscard]] SettingsRoots& Roots() { return m_roots; }
     [[nodiscard]] QtHost& Host() { return *m_host; }
@@ -121,6 +122,7 @@ private:
     [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent, int reconnect,
                                                           const FoundTarget& found);
     void AskUser();
+    void UseStore();
     void ReadAntenna();
     void ReadLinkRate();
     void LookAtReceiver();
@@ -129,7 +131,9 @@ private:
     const AppOptions m_options;
     std::unique_ptr<FastClock> m_fastClock; // null: time runs as it does
     const Clock* m_clock;
-    SettingsRoots m_roots;
+    SettingsRoots m_ownRoots; // the controller's own settings, whatever is connected
+    HostReg m_ownReg;
+    SettingsRoots m_roots; // of the receiver that is chosen, a simulated one apart
     HostReg m_reg;
     PortNames m_names;
     std::filesystem::path m_folder;

@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 const fs::path kOwnFolder = "fieldcore";
+const fs::path kSimulatorFolder = "simulator";
 
 /// The value of a line like XDG_DOCUMENTS_DIR="$HOME/Documents": shell text in double quotes that
 /// is an absolute path or starts at the home folder; anything else does not count.
@@ -132,9 +133,15 @@ std::optional<fs::path> Folders::Named(const std::string& variable) const
     return error ? fs::path(*value) : absolute;
 }
 
+fs::path Folders::Own(const fs::path& folder) const
+{
+    return m_sources.isSimulated ? folder / kSimulatorFolder : folder;
+}
+
 fs::path Folders::Program() const
 {
-    return Named("FIELDCORE_HOME").value_or(XdgBase("XDG_DATA_HOME", ".local/share") / kOwnFolder);
+    return Own(
+        Named("FIELDCORE_HOME").value_or(XdgBase("XDG_DATA_HOME", ".local/share") / kOwnFolder));
 }
 
 fs::path Folders::Documents() const
@@ -155,12 +162,13 @@ fs::path Folders::BuiltInStorage() const
 
 fs::path Folders::Settings() const
 {
-    return XdgBase("XDG_CONFIG_HOME", ".config") / kOwnFolder;
+    return Own(XdgBase("XDG_CONFIG_HOME", ".config") / kOwnFolder);
 }
 
 fs::path Folders::MachineSettings() const
 {
-    return Named("FIELDCORE_MACHINE_STORE").value_or(Settings());
+    const std::optional<fs::path> named = Named("FIELDCORE_MACHINE_STORE");
+    return named ? Own(*named) : Settings();
 }
 
 std::vector<fs::path> Folders::StorageCards() const

@@ -17,6 +17,9 @@ struct FolderSources
     std::filesystem::path passwdHome; ///< home folder of the user's account; empty if unknown
     std::string userName;             ///< login name; empty if unknown
     std::filesystem::path mountTable; ///< what is mounted where, as the kernel writes it
+    /// What a simulated receiver leads to stays apart: almanac, profiles and both trees of settings
+    /// stand in a folder of their own below the real ones.
+    bool isSimulated = false;
 
     /// This process's environment and account.
     static FolderSources System();
@@ -59,6 +62,7 @@ public:
 private:
     [[nodiscard]] std::optional<std::string> Variable(const std::string& name) const;
     [[nodiscard]] std::filesystem::path Home() const;
+    [[nodiscard]] std::filesystem::path Own(const std::filesystem::path& folder) const;
     [[nodiscard]] std::filesystem::path XdgBase(const std::string& variable,
                                                 const std::filesystem::path& belowHome) const;
     [[nodiscard]] std::optional<std::filesystem::path> Named(const std::string& variable) const;

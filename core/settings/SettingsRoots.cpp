@@ -8,11 +8,17 @@
 namespace fieldcore {
 
 SettingsRoots::SettingsRoots(const Folders& folders)
-    : m_roots{Root{folders.Settings() / "user.db", nullptr},
-              Root{folders.MachineSettings() / "machine.db", nullptr}}
-{}
+{
+    Use(folders);
+}
 
 SettingsRoots::~SettingsRoots() = default;
+
+void SettingsRoots::Use(const Folders& folders)
+{
+    m_roots[0] = {folders.Settings() / "user.db", nullptr};
+    m_roots[1] = {folders.MachineSettings() / "machine.db", nullptr};
+}
 
 SettingsStore& SettingsRoots::Store(RootKey root)
 {

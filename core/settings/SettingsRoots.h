@@ -28,6 +28,8 @@ public:
     SettingsRoots& operator=(const SettingsRoots&) = delete;
 
     [[nodiscard]] SettingsStore& Store(RootKey root);
+    /// Goes on with the stores of other folders; references to those of before end.
+    void Use(const Folders& folders);
 
     /// The file of a root's store.
     [[nodiscard]] const std::filesystem::path& File(RootKey root) const;

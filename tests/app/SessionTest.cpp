@@ -448,7 +448,8 @@ TEST_F(SessionTest, TellsOfItsSettingsInJapanese)
         Controller controller(Options(QStringLiteral("sim:lark")));
         controller.Begin();
         EXPECT_EQ(controller.TakeNotice(), QString());
-        SettingsStore& store = controller.Roots().Store(RootKey::CurrentUser);
+        SettingsRoots real;
+        SettingsStore& store = real.Store(RootKey::CurrentUser);
         ASSERT_TRUE(store.Set(HostBasePath() + L"\\Ports", L"COM999", std::wstring(L"/dev/x"),
                               KeyOpening::Create));
     }
@@ -467,6 +468,37 @@ TEST_F(SessionTest, TellsOfItsSettingsInJapanese)
     EXPECT_TRUE(notice.startsWith(QStringLiteral("設定を保存できません。")))
         << notice.toStdString();
     EXPECT_TRUE(notice.contains(QStringLiteral("user.db")));
+}
+
+TEST_F(SessionTest, KeepsWhatTheSimulatorLeadsToApart)
+{
+    const auto height = [](const Controller& controller) {
+        std::uint32_t value = 0;
+        controller.Reg().ReadNumber(L"GPS\\Mark", L"Height", value, 0);
+        return value;
+    };
+    const std::filesystem::path home = Folders().Program();
+    Controller controller(Options(QString()));
+    controller.Choose({"COM7", 9600});
+    controller.Begin();
+    ASSERT_EQ(controller.Reg().WriteNumber(L"GPS\\Mark", L"Height", 1), 1);
+    EXPECT_EQ(controller.ProgramFolder(), home);
+
+    controller.Choose({"sim:lark", 38400});
+    controller.UseTheme(Theme::Kind::Dark);
+    EXPECT_EQ(height(controller), 0U) << "the simulator's are its own";
+    EXPECT_NE(controller.ProgramFolder(), home);
+    EXPECT_TRUE(std::filesystem::exists(AlmanacPath(controller.ProgramFolder())));
+    ASSERT_EQ(controller.Reg().WriteNumber(L"GPS\\Mark", L"Height", 2), 1);
+
+    controller.Choose({"COM7", 9600});
+    EXPECT_EQ(height(controller), 1U) << "the real ones have not been touched";
+    Controller later(Options(QString()));
+    later.Begin();
+    EXPECT_EQ(later.Choice(), (ConnectChoice{"COM7", 9600}));
+    EXPECT_EQ(Theme::Used(), Theme::Kind::Dark)
+        << "the controller's own look is not the receiver's";
+    Theme::Use(Theme::Kind::Daylight);
 }
 
 /// Every entry of the home page is in sight, and large enough for a glove.
