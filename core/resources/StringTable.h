@@ -707,6 +707,21 @@ inline constexpr int kPortNameDevice = 61267;
 inline constexpr int kFramesLine = 61300; ///< text, shown by UiText().arg()
 inline constexpr int kFramesNoise = 61301;
 
+// Names of files that a receiver offers, and transfers that broke off
+inline constexpr int kNameHidden = 61451;
+inline constexpr int kNameObeyed = 61452;
+inline constexpr int kNameUnfinished = 61453;
+inline constexpr int kNameUnaskable = 61454;
+inline constexpr int kNameTaken = 61455;
+inline constexpr int kTransferContinued = 61456; ///< text: how much was there
+inline constexpr int kTransferAnew = 61457;      ///< text: why
+inline constexpr int kAnewNotOurs = 61458;
+inline constexpr int kAnewNoRecord = 61459;
+inline constexpr int kAnewOtherFile = 61460;
+inline constexpr int kAnewDamaged = 61461;
+inline constexpr int kAnewChanged = 61462;
+inline constexpr int kAnewNotFromMiddle = 61463;
+
 // The receiver's state
 inline constexpr int kPlanSiteMissing = 60980;
 inline constexpr int kPowerSource1 = 61000;
