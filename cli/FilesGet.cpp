@@ -114,11 +114,6 @@ private:
     [[nodiscard]] std::optional<Failure> Fetch(Fetching& fetching, TransferMeter& meter,
                                                ProgressLine& progress);
     [[nodiscard]] Failure WhyNot(const Fetching& fetching);
-    void Tell(const Fetching& fetching, const std::string& what)
-    {
-        m_context.output.Message("note", "", fetching.file->Name() + " " + what + ".",
-                                 Colour::Plain);
-    }
     void LeaveRest() override;
     [[nodiscard]] Report Result() const override;
 
@@ -204,6 +199,13 @@ Failure Fetcher::WhyNot(const Fetching& fetching)
     case DownloadFault::Name:
         return FileFailure("\"" + name + "\" " + MeaningOf(command.GetNameFault()).words + ".");
     case DownloadFault::Folder:
+        if (command.GetTransferStart().reason == AnewReason::NotOurs) {
+            return FileFailure(fetching.Path().string() +
+                                   ".part is in the way and cannot be removed: " +
+                                   command.GetFileError().message() + ".",
+                               "Choose another folder with --to.");
+        }
+        [[fallthrough]];
     case DownloadFault::Write:
         return FileFailure(fetching.Path().string() +
                            " cannot be written: " + command.GetFileError().message() + ".");
@@ -247,11 +249,10 @@ std::optional<Failure> Fetcher::Fetch(Fetching& fetching, TransferMeter& meter,
             return !m_context.world.StopRequested();
         },
         record.time);
-    const TransferStart& start = command.GetTransferStart();
-    if (start.continuedAt > 0) {
-        Tell(fetching, "continued at byte " + std::to_string(start.continuedAt));
-    } else if (start.reason != AnewReason::None) {
-        Tell(fetching, std::string("begun anew: ") + MeaningOf(start.reason).words);
+    const std::string start = TransferStartWords(command.GetTransferStart());
+    if (!start.empty() && command.GetDownloadFault() != DownloadFault::Folder) {
+        m_context.output.Message("note", "", fetching.file->Name() + " " + start + ".",
+                                 Colour::Plain);
     }
     if (bytes != record.size || m_session.Command().GetDownloadFault() != DownloadFault::None) {
         return WhyNot(fetching);

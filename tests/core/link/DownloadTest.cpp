@@ -15,6 +15,7 @@
 #include <iterator>
 #include <numeric>
 #include <optional>
+#include <random>
 #include <span>
 #include <string>
 #include <string_view>
@@ -687,6 +688,43 @@ TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
             ASSERT_FALSE(HasFailure());
         }
     }
+}
+
+TEST_F(DownloadTest, WhateverHappensToWhatIsLeftTheFileIsRight)
+{
+    std::mt19937 random(19800106);
+    const fs::path parts[] = {Part(), folder.Path() / "day" / "A.Q01.part.info"};
+    int continued = 0;
+    constexpr int kTimes = 60;
+    for (int i = 0; i < kTimes; ++i) {
+        SCOPED_TRACE(i);
+        fs::remove_all(folder.Path() / "day");
+        FileServer server;
+        const ScriptedEnd receiver(line, server);
+        Open();
+        const auto first = static_cast<std::uint32_t>(1000 + random() % 3000);
+        for (const std::uint32_t until : {first, 5000U, 0U}) {
+            command.DownloadFile(
+                folder.Path() / "day", L"A.Q01", kSize,
+                [&](std::uint32_t bytes) { return until == 0 || bytes < until; }, 1);
+            continued += command.GetTransferStart().continuedAt > 0 ? 1 : 0;
+            const fs::path& file = parts[random() % 2];
+            if (until == 0 || !fs::exists(file)) {
+                continue;
+            }
+            const auto size = fs::file_size(file);
+            if (random() % 3 == 0) {
+                fs::resize_file(file, random() % (size + 20)); // zeros, where it gets longer
+            } else {
+                std::fstream(file, std::ios::in | std::ios::out | std::ios::binary)
+                        .seekp(static_cast<std::streamoff>(random() % (size + 1)))
+                    << static_cast<char>(random());
+            }
+        }
+        command.ClosePort();
+        ASSERT_TRUE(Read(File()) == server.content);
+    }
+    EXPECT_GT(continued, 0);
 }
 
 /// What has arrived as a whole and could not get its name.

@@ -342,7 +342,8 @@ TEST_F(RecvFileManTest, SaysWhyItDoesNotFetch)
         EXPECT_EQ(wasAsked, row.asksWhere);
         EXPECT_EQ(sheet->focusWidget(), &List());
         for (const auto& entry : std::filesystem::recursive_directory_iterator(home.Path())) {
-            EXPECT_TRUE(!entry.is_regular_file() || entry.path().extension() == ".part")
+            EXPECT_TRUE(!entry.is_regular_file() || entry.path().extension() == ".part" ||
+                        entry.path().extension() == ".info")
                 << entry.path();
         }
     }
@@ -447,10 +448,28 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
     EXPECT_FALSE(std::filesystem::exists(Documents() / "2026-03-14" / "A0314B00.Q02"));
     EXPECT_FALSE(panel->isVisible());
     EXPECT_TRUE(Find(RecvFilePage::kFetch)->isEnabled() && Find(RecvFilePage::kFetch)->isVisible());
-    host.onBreath = {};
     Click(RecvFilePage::kReload);
     WaitForList();
     EXPECT_EQ(List().Count(), 3) << "the line is free again";
+
+    bool hasGoneOn = false;
+    host.onBreath = [&] {
+        for (const QLabel* const label : panel->findChildren<QLabel*>()) {
+            hasGoneOn = hasGoneOn || (label->isVisible() &&
+                                      label->text().endsWith(QStringLiteral("から再開しました。")));
+        }
+        if (hasGoneOn) {
+            KeepPicture(*sheet, QStringLiteral("files-continued"));
+        }
+    };
+    Tap(1);
+    surveyor.onOther = Starting();
+    surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
+    Click(RecvFilePage::kFetch);
+    EXPECT_TRUE(hasGoneOn);
+    EXPECT_EQ(Read(Documents() / "2026-03-14" / "A0314B00.Q02"), Content("A0314B00.Q02"));
+    EXPECT_FALSE(std::filesystem::exists(part));
+    host.onBreath = {};
 }
 
 TEST_F(RecvFileManTest, AsksBeforeItDeletes)
