@@ -7,6 +7,7 @@
 #include "core/equipment/FileTexts.h"
 #include "core/equipment/TransferProgress.h"
 #include "core/link/ReceivedFile.h"
+#include "core/link/ReceivedName.h"
 
 #include <algorithm>
 #include <chrono>
@@ -26,7 +27,7 @@ struct Fetching
         Fetched,
         AlreadyThere,
         Logging,    ///< left out: the receiver still writes it
-        Unsafe,     ///< left out: no file of this machine may have its name
+        Unsafe,     ///< left out: it may not be kept under its name
         NotFetched, ///< something went wrong with it or before it
     };
 
@@ -49,7 +50,7 @@ Value StateValue(Fetching::State state)
     case Fetching::State::Logging:
         return Value::Word("logging", "being logged, left out");
     case Fetching::State::Unsafe:
-        return Value::Word("unsafe-name", "no name for a file, left out");
+        return Value::Word("unsafe-name", "name not kept here, left out");
     case Fetching::State::NotFetched:
         break;
     }
@@ -117,6 +118,7 @@ private:
     [[nodiscard]] Report Result() const override;
 
     std::vector<Fetching> m_files;
+    ReceivedNames m_names;
 };
 
 /// Which files, and which of them not.
@@ -149,10 +151,10 @@ std::optional<Failure> Fetcher::Plan()
         if (file.isLogging) {
             fetching.state = Fetching::State::Logging;
             Warn(file.Name() + " is being logged and left out.");
-        } else if (!IsReceivableName(file.record.Name()) ||
-                   !IsReceiverFileName(file.record.Name())) {
+        } else if (const NameFault fault = m_names.Add(file.record.Name(), fetching.folder);
+                   fault != NameFault::None) {
             fetching.state = Fetching::State::Unsafe;
-            Warn("\"" + file.Name() + "\" is no name for a file here and left out.");
+            Warn("\"" + file.Name() + "\" " + MeaningOf(fault).words + ", and is left out.");
         } else if (m_options.onlyNew &&
                    IsFetchedFile(m_options.folder, date, file.record.Name(), file.record.size)) {
             fetching.state = Fetching::State::AlreadyThere;
@@ -195,8 +197,15 @@ Failure Fetcher::WhyNot(const Fetching& fetching)
     const std::string name = fetching.file->Name();
     switch (command.GetDownloadFault()) {
     case DownloadFault::Name:
-        return FileFailure("\"" + name + "\" is no name for a file here.");
+        return FileFailure("\"" + name + "\" " + MeaningOf(command.GetNameFault()).words + ".");
     case DownloadFault::Folder:
+        if (command.GetTransferStart().reason == AnewReason::NotOurs) {
+            return FileFailure(fetching.Path().string() +
+                                   ".part is in the way and cannot be removed: " +
+                                   command.GetFileError().message() + ".",
+                               "Choose another folder with --to.");
+        }
+        [[fallthrough]];
     case DownloadFault::Write:
         return FileFailure(fetching.Path().string() +
                            " cannot be written: " + command.GetFileError().message() + ".");
@@ -231,12 +240,20 @@ std::optional<Failure> Fetcher::Fetch(Fetching& fetching, TransferMeter& meter,
     }
     meter.StartFile(std::wstring(record.Name()), record.size);
     progress.Show(meter.Get());
-    const std::int64_t bytes = m_session.Command().DownloadFile(
-        fetching.folder, record.Name(), record.size, [&](std::uint32_t arrived) {
-            meter.Advance(arrived);
+    CCommand& command = m_session.Command();
+    const std::int64_t bytes = command.DownloadFile(
+        fetching.folder, record.Name(), record.size,
+        [&](std::uint32_t arrived) {
+            meter.Advance(arrived, command.GetTransferStart());
             progress.Show(meter.Get());
             return !m_context.world.StopRequested();
-        });
+        },
+        record.time);
+    const std::string start = TransferStartWords(command.GetTransferStart());
+    if (!start.empty() && command.GetDownloadFault() != DownloadFault::Folder) {
+        m_context.output.Message("note", "", fetching.file->Name() + " " + start + ".",
+                                 Colour::Plain);
+    }
     if (bytes != record.size || m_session.Command().GetDownloadFault() != DownloadFault::None) {
         return WhyNot(fetching);
     }

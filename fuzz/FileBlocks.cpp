@@ -33,6 +33,16 @@ public:
         handle = 1;
         return {};
     }
+    std::error_code OpenLeft(const std::filesystem::path&, int&) override
+    {
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    }
+    std::error_code Read(int, std::span<char>, std::size_t& count) override
+    {
+        count = 0;
+        return {};
+    }
+    std::error_code Cut(int, std::uint64_t) override { return {}; }
     std::error_code Write(int, std::string_view bytes) override
     {
         written += bytes.size();
@@ -66,7 +76,7 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
                       CountingOperations& operations)
 {
     // The folder is there: none is made.
-    ReceivedFile file(".", L"A.Q01", expected, operations);
+    ReceivedFile file(".", L"A.Q01", expected, {}, operations);
     Check(file.Open());
     FrameBuffer frame;
     while (!input.empty()) {

@@ -4,7 +4,7 @@
 #include "core/equipment/FileTexts.h"
 #include "core/link/FileReplies.h"
 #include "core/link/FrameBuffer.h"
-#include "core/link/ReceivedFile.h"
+#include "core/link/ReceivedName.h"
 #include "core/platform/Utf8.h"
 
 #include <cstddef>
@@ -34,7 +34,7 @@ void CheckPage(const FilePage& page, std::size_t most)
         Check(FileRowName(file.Name()).size() <= kLongestFileName);
         Check(!DateFolderName(FileDateText(file.time)).empty());
         Check(!FileSizeText(file.size).empty());
-        if (IsReceivableName(file.Name())) {
+        if (CheckReceivedName(file.Name()) == NameFault::None) {
             const std::filesystem::path name(ToUtf8(file.Name()));
             Check(!name.has_parent_path() && !name.is_absolute() && name != ".." && name != ".");
         }

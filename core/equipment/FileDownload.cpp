@@ -66,8 +66,8 @@ int FileDownload::stCheckDownloadSelect(std::uint64_t& total)
             Say(text::kDownloadLogging, text::kFileSelectCaption, BoxIcon::Exclamation);
             return 0;
         }
-        if (!IsReceivableName(record->Name()) || !IsReceiverFileName(record->Name())) {
-            Say(text::kFileNameRefused, text::kDownloadFailedCaption, BoxIcon::Stop);
+        if (const NameFault fault = CheckReceivedName(record->Name()); fault != NameFault::None) {
+            Say(MeaningOf(fault).textId, text::kDownloadFailedCaption, BoxIcon::Stop);
             return 0;
         }
         total += record->size;
@@ -146,8 +146,8 @@ FileDownload::End FileDownload::FetchRow(int row, const FileDestination& destina
     if (stIsEnoughMemoryLeft(destination.Folder(), m_record.size) == 0) {
         return Fail(text::kNoSpace, text::kNoSpaceCaption);
     }
-    if (!IsReceivableName(name) || !IsReceiverFileName(name)) {
-        return Fail(text::kFileNameRefused, text::kDownloadFailedCaption);
+    if (const NameFault fault = CheckReceivedName(name, folder); fault != NameFault::None) {
+        return Fail(MeaningOf(fault).textId, text::kDownloadFailedCaption);
     }
     if (stIsExistingFile(folder / ToUtf8(name)) == 0) {
         return End::Failed;
@@ -164,11 +164,13 @@ FileDownload::End FileDownload::Fetch(const fs::path& folder, const std::wstring
 {
     CCommand& command = m_files.GetCommand();
     meter.StartFile(name, m_record.size);
-    const std::int64_t bytes =
-        command.DownloadFile(folder, name, m_record.size, [&](std::uint32_t arrived) {
-            meter.Advance(arrived);
+    const std::int64_t bytes = command.DownloadFile(
+        folder, name, m_record.size,
+        [&](std::uint32_t arrived) {
+            meter.Advance(arrived, command.GetTransferStart());
             return !m_surroundings.watch || m_surroundings.watch(meter.Get());
-        });
+        },
+        m_record.time);
     if (bytes == m_record.size) {
         return End::Done;
     }

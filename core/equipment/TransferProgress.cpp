@@ -1,5 +1,8 @@
 #include "core/equipment/TransferProgress.h"
 
+#include "core/equipment/AmountTexts.h"
+#include "core/resources/StringTable.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -30,6 +33,7 @@ void TransferMeter::StartFile(std::wstring name, std::uint64_t size)
     m_progress.name = std::move(name);
     m_progress.fileBytes = 0;
     m_progress.fileSize = size;
+    m_progress.start = {};
     // What passes between two files (questions, options, a rename) is not the line's rate. What
     // was counted before counts on: a file may be over sooner than a rate can be measured.
     const Clock::Duration now = m_clock.Steady();
@@ -37,8 +41,10 @@ void TransferMeter::StartFile(std::wstring name, std::uint64_t size)
     m_advanced = now;
 }
 
-void TransferMeter::Advance(std::uint64_t bytes)
+void TransferMeter::Advance(std::uint64_t bytes, const TransferStart& start)
 {
+    m_measuredBytes += start.continuedAt - m_progress.start.continuedAt;
+    m_progress.start = start;
     m_progress.fileBytes = bytes;
     m_progress.totalBytes = m_finishedBytes + bytes;
     Measure();
@@ -67,6 +73,16 @@ void TransferMeter::Measure()
     m_progress.bytesPerSecond += weight * (rate - m_progress.bytesPerSecond);
     m_measured = now;
     m_measuredBytes = m_progress.totalBytes;
+}
+
+std::wstring TransferStartText(const TransferStart& start)
+{
+    if (start.continuedAt > 0) {
+        return FormatText(text::kTransferContinued, ByteCountText(start.continuedAt).c_str());
+    }
+    return start.reason != AnewReason::None
+               ? FormatText(text::kTransferAnew, Text(MeaningOf(start.reason).textId))
+               : std::wstring();
 }
 
 } // namespace fieldcore

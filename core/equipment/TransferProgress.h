@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/link/ReceivedFile.h"
 #include "core/platform/Clock.h"
 
 #include <chrono>
@@ -15,9 +16,10 @@ struct TransferProgress
     int file = 0; ///< the one under way, from 1
     int files = 0;
     std::wstring name;
-    std::uint64_t fileBytes = 0; ///< arrived of it
+    std::uint64_t fileBytes = 0; ///< there of it
     std::uint64_t fileSize = 0;
-    std::uint64_t totalBytes = 0; ///< arrived of all
+    TransferStart start;          ///< of the file, once its first bytes have arrived
+    std::uint64_t totalBytes = 0; ///< there of all
     std::uint64_t totalSize = 0;
     double bytesPerSecond = 0.0; ///< smoothed; 0 until it is known
     /// For the rest of all files at that rate; nothing until it is known.
@@ -32,8 +34,9 @@ public:
     TransferMeter(const Clock& clock, int files, std::uint64_t totalSize);
 
     void StartFile(std::wstring name, std::uint64_t size);
-    /// @param bytes  of the current file, all that have arrived
-    void Advance(std::uint64_t bytes);
+    /// @param bytes  of the current file, all that are there
+    /// @param start  how its transfer began; what was there before does not count for the rate
+    void Advance(std::uint64_t bytes, const TransferStart& start = {});
     [[nodiscard]] const TransferProgress& Get() const { return m_progress; }
 
 private:
@@ -46,5 +49,8 @@ private:
     std::uint64_t m_measuredBytes = 0;
     Clock::Duration m_advanced{}; // when bytes or a file came last
 };
+
+/// That a transfer went on or began anew, for the user; empty if it just began.
+[[nodiscard]] std::wstring TransferStartText(const TransferStart& start);
 
 } // namespace fieldcore

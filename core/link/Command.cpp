@@ -665,22 +665,30 @@ int CCommand::RecoverFile_Lark(std::wstring_view name)
 }
 
 std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::wstring_view name,
-                                    std::uint32_t expectedSize, const BytesArrived& arrived)
+                                    std::uint32_t expectedSize, const BytesArrived& arrived,
+                                    std::optional<std::uint32_t> time)
 {
     m_downloadFault = DownloadFault::None;
     m_fileError = {};
-    if (!IsReceivableName(name) || !IsReceiverFileName(name)) {
+    m_transferStart = {};
+    m_nameFault = CheckReceivedName(name, folder);
+    if (m_nameFault != NameFault::None) {
         return FailDownload(DownloadFault::Name);
     }
-    ReceivedFile file(folder, name, expectedSize,
+    ReceivedFile file(folder, name, expectedSize, time,
                       m_operations != nullptr ? *m_operations : PosixFileOperations::Instance());
+    const BytesArrived known = [&](std::uint32_t bytes) {
+        m_transferStart = file.Start();
+        return !arrived || arrived(bytes);
+    };
     const bool isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
-                             if (!file.Open() || !FileFetch(turn, *this, file, arrived).Run(name)) {
+                             if (!file.Open() || !FileFetch(turn, *this, file, known).Run(name)) {
                                  return 0;
                              }
                              turn.Succeed(); // whatever went wrong on the way was made good
                              return 1;
                          }) == 1;
+    m_transferStart = file.Start();
     if (file.Fault() != DownloadFault::None) {
         return FailDownload(file.Fault(), file.Error());
     }

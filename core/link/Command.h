@@ -7,6 +7,7 @@
 #include "core/link/FileFetch.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/Identification.h"
+#include "core/link/ReceivedName.h"
 #include "core/link/Replies.h"
 #include "core/link/SatelliteReplies.h"
 #include "core/platform/FileOperations.h"
@@ -230,18 +231,25 @@ public:
 
     /// Copies a file of a Lark into a folder of this machine. It is written to NAME.part there,
     /// block by block, synced, and renamed to NAME (replacing what has that name) once exactly
-    /// @p expectedSize bytes are there; else NAME.part stays, and the next try overwrites it. A
-    /// host whose Breathe() answers false, or @p arrived, ends it within one block. Memory does not
-    /// grow with the file.
+    /// @p expectedSize bytes are there; else NAME.part stays. The next transfer of a file of this
+    /// name, size and time goes on there if it can, see ReceivedFile; else it begins anew.
+    /// GetTransferStart() says which. A host whose Breathe() answers false, or @p arrived, ends it
+    /// within one block. Memory does not grow with the file.
     ///
     /// @param folder  its last level is made if it is missing
-    /// @param name  refused unless IsPlainFileName(), or if it ends in ".part"
+    /// @param name  refused if CheckReceivedName() says so
+    /// @param time  of the file, as the receiver lists it; nothing: it always begins anew
     /// @return the bytes written; the file is there under its name only if they are
     /// @p expectedSize and GetDownloadFault() is None. -1 when the transfer is incomplete
     std::int64_t DownloadFile(const std::filesystem::path& folder, std::wstring_view name,
-                              std::uint32_t expectedSize, const BytesArrived& arrived = {});
-    /// Of the last download.
+                              std::uint32_t expectedSize, const BytesArrived& arrived = {},
+                              std::optional<std::uint32_t> time = std::nullopt);
+    /// Of the last download, as the next three.
     [[nodiscard]] DownloadFault GetDownloadFault() const { return m_downloadFault; }
+    /// Also from inside @p arrived, which is first called when it is known.
+    [[nodiscard]] const TransferStart& GetTransferStart() const { return m_transferStart; }
+    /// Of DownloadFault::Name.
+    [[nodiscard]] NameFault GetNameFault() const { return m_nameFault; }
     /// What the system said to DownloadFault::Folder or Write.
     [[nodiscard]] std::error_code GetFileError() const { return m_fileError; }
     /// How files are written from now on. @p operations must outlive the face or the next call.
@@ -283,6 +291,8 @@ private:
 
     FileOperations* m_operations = nullptr; // null: the system's own
     DownloadFault m_downloadFault = DownloadFault::None;
+    TransferStart m_transferStart;
+    NameFault m_nameFault = NameFault::None;
     std::error_code m_fileError;
 
     std::unique_ptr<Questions> m_questions; // null until they are asked for

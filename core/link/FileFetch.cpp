@@ -60,6 +60,10 @@ FileFetch::RunEnd FileFetch::TakeBlocks(std::wstring_view name)
         case ExchangeState::Frame:
             break;
         case ExchangeState::Nak:
+            if (first && m_file.IsComparing() && m_file.Offset() > 0) {
+                m_file.BeginAnew(AnewReason::NotFromMiddle);
+                return AskAgain(CommandFault::WrongAnswer);
+            }
             if (first) {
                 m_turn.Fail(CommandFault::Refused);
                 return RunEnd::GivenUp;
@@ -101,7 +105,7 @@ FileFetch::RunEnd FileFetch::TakeBlock()
         break;
     }
     // A receiver that sends without a pause would leave the host no other moment to breathe.
-    const bool wanted = !m_arrived || m_arrived(m_file.Offset());
+    const bool wanted = !m_arrived || m_file.IsComparing() || m_arrived(m_file.Offset());
     if (!m_turn.Breathe() || !wanted) {
         m_turn.Fail(CommandFault::Cancelled);
         return RunEnd::GivenUp;

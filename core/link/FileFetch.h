@@ -10,7 +10,8 @@
 
 namespace fieldcore {
 
-/// Called with the bytes that have arrived of a file.
+/// Called with the bytes that are there of a file: those that have arrived, and those that it went
+/// on behind.
 /// @return false to cancel
 using BytesArrived = std::function<bool(std::uint32_t bytes)>;
 

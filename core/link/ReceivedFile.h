@@ -3,8 +3,10 @@
 #include "core/link/FileReplies.h"
 #include "core/platform/AtomicFile.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -15,7 +17,7 @@ namespace fieldcore {
 enum class DownloadFault
 {
     None,
-    Name,        ///< no name that a file in the folder may have, or too long for the receiver
+    Name,        ///< it may not be kept under its name, see CCommand::GetNameFault()
     Folder,      ///< the file cannot be made in the folder; see the system's error
     Write,       ///< it cannot be written, synced or renamed: full, taken out...
     NoSuchFile,  ///< the receiver has none of this name
@@ -25,8 +27,45 @@ enum class DownloadFault
     Cancelled,
 };
 
+/// Why a transfer did not go on where an earlier one had broken off.
+enum class AnewReason
+{
+    None,          ///< nothing was there to go on with
+    NotOurs,       ///< what is there is another user's, has a second name, or is a link
+    NoRecord,      ///< nothing says what it is the beginning of
+    OtherFile,     ///< of a file of another size or time
+    Damaged,       ///< it is no longer what had arrived
+    Changed,       ///< the receiver sends other bytes for the end of it
+    NotFromMiddle, ///< the receiver sends from the beginning only
+};
+
+/// How a transfer began.
+struct TransferStart
+{
+    std::uint32_t continuedAt = 0; ///< bytes that were there; 0: with the first one
+    AnewReason reason = AnewReason::None;
+};
+
+/// What is said of a reason, each thing once.
+struct AnewMeaning
+{
+    AnewReason reason;
+    const char* words; ///< for the terminal, behind "begun anew: "
+    int textId;        ///< for the user, a number of the string table
+};
+/// Any thread, as the next one.
+[[nodiscard]] const AnewMeaning& MeaningOf(AnewReason reason);
+/// For the terminal, behind a name: "continued at byte 40000", "begun anew: ..."; empty if the
+/// transfer just began.
+[[nodiscard]] std::string TransferStartWords(const TransferStart& start);
+
 /// A file of the receiver that is being put together on this machine, block by block, as NAME.part
 /// and, once it is whole, as NAME. Knows nothing of the line. One thread.
+///
+/// Beside a NAME.part whose file's time is known is NAME.part.info: name, size and time of the
+/// file, and for each piece that was written where it ends and a sum over all up to there. A later
+/// object of the same three goes on behind the last piece that is still as its sum says, once the
+/// receiver has sent the block before that place again and it is the same; else it begins anew.
 class ReceivedFile
 {
 public:
@@ -35,49 +74,71 @@ public:
     {
         More,  ///< taken; others follow
         Whole, ///< it was the last one: Finish()
-        Again, ///< not the one that is due: it has to be asked for again
+        Again, ///< not the one that is due, which is at Offset(): that has to be asked for
         Ended, ///< nothing more will come of this file, see Fault()
     };
 
     /// @param expectedSize  bytes
+    /// @param time          as the receiver lists it; nothing: it is not known, and the transfer
+    ///                      neither goes on nor can be gone on with
     /// @param operations    must outlive the object
     ReceivedFile(const std::filesystem::path& folder, std::wstring_view name,
-                 std::uint32_t expectedSize, FileOperations& operations);
+                 std::uint32_t expectedSize, std::optional<std::uint32_t> time,
+                 FileOperations& operations);
     /// What came of a file that is not whole stays as NAME.part.
     ~ReceivedFile();
     ReceivedFile(const ReceivedFile&) = delete;
     ReceivedFile& operator=(const ReceivedFile&) = delete;
 
-    /// Makes the folder's last level if it is missing, and the file NAME.part in it.
+    /// Makes the folder's last level if it is missing, and the file NAME.part in it, unless one is
+    /// there to go on with.
     /// @return false with the fault set
     bool Open();
     Verdict Take(const FileBlock& block);
+    /// The next block that is taken has to be the first one. What is there stays until then.
+    void BeginAnew(AnewReason reason);
     /// Syncs the file and gives it its name. @return false with the fault set
     bool Finish();
 
     /// Where the next block has to start.
     [[nodiscard]] std::uint32_t Offset() const { return m_taken; }
+    /// Whether the next block is still compared with what is there.
+    [[nodiscard]] bool IsComparing() const { return m_taken < m_held; }
+    /// Known when a block was taken and none is compared any more.
+    [[nodiscard]] const TransferStart& Start() const { return m_start; }
     [[nodiscard]] DownloadFault Fault() const { return m_fault; }
     [[nodiscard]] std::error_code Error() const { return m_error; }
 
 private:
+    AnewReason ReadLeft();
+    AnewReason ReadPieces(std::string_view pieces);
+    bool ReadPiece(std::uint32_t size, std::uint64_t& sum, std::string& tail);
+    bool OpenNew();
+    void CloseInfo();
+    bool Compare(const FileBlock& block, std::size_t count);
+    [[nodiscard]] std::string InfoHead() const;
     [[nodiscard]] std::error_code WritePiece();
     bool Fail(DownloadFault fault, std::error_code error = {});
     Verdict End(DownloadFault fault, std::error_code error = {});
 
+    FileOperations& m_operations;
     const std::filesystem::path m_target;
+    const std::filesystem::path m_infoFile;
     const std::uint32_t m_expected;
+    const std::optional<std::uint32_t> m_time;
     AtomicFile m_file;
-    std::string m_unwritten;   // taken, but not yet in the file
-    std::uint32_t m_taken = 0; // never more than expected
+    int m_info = -1; // the open info file
+
+    std::string m_unwritten;     // taken, but not yet in the file
+    std::uint32_t m_taken = 0;   // or, while it is compared, seen; never more than expected
+    std::uint32_t m_written = 0; // bytes in the file
+    std::uint64_t m_sum = 0;     // over them
+    std::uint32_t m_held = 0;    // bytes that an earlier transfer has left
+    std::string m_tail;          // the last of them, as many as are compared
+    bool m_opensNew = false;     // with the next block
+    TransferStart m_start;
     DownloadFault m_fault = DownloadFault::None;
     std::error_code m_error;
 };
-
-/// Whether a received file may be kept under @p name: IsPlainFileName(), and not the name of an
-/// unfinished one.
-[[nodiscard]] bool IsReceivableName(std::wstring_view name);
-/// Whether the requests that name a file of the receiver can send @p name.
-[[nodiscard]] bool IsReceiverFileName(std::wstring_view name);
 
 } // namespace fieldcore

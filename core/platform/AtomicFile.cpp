@@ -37,6 +37,7 @@ AtomicFile::~AtomicFile()
 
 std::error_code AtomicFile::Open()
 {
+    Abandon();
     std::error_code ignored; // what cannot be looked at cannot be opened beside either
     const fs::file_status status = fs::status(m_file, ignored);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
@@ -44,6 +45,21 @@ std::error_code AtomicFile::Open()
         return std::make_error_code(std::errc::not_supported);
     }
     return m_operations.Open(m_temporary, m_file, m_handle);
+}
+
+std::error_code AtomicFile::OpenLeft()
+{
+    return m_operations.OpenLeft(m_temporary, m_handle);
+}
+
+std::error_code AtomicFile::Read(std::span<char> bytes, std::size_t& count)
+{
+    return m_operations.Read(m_handle, bytes, count);
+}
+
+std::error_code AtomicFile::Cut(std::uint64_t size)
+{
+    return m_operations.Cut(m_handle, size);
 }
 
 std::error_code AtomicFile::Write(std::string_view bytes)

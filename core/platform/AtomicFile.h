@@ -4,6 +4,7 @@
 #include "core/platform/PosixFileOperations.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <span>
 #include <string_view>
@@ -24,7 +25,7 @@ public:
     enum class Unfinished
     {
         Remove,
-        Keep, ///< for who wants to look at it; the next writer empties it
+        Keep, ///< for who wants to look at it or to go on; Open() makes a new one
     };
 
     /// @param file  what is replaced; if it is a symbolic link, the file that the link leads to
@@ -39,8 +40,15 @@ public:
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Refused if something other than a regular file is there to be replaced.
+    /// Begins a new content; what was written since an earlier call is given up. Refused if
+    /// something other than a regular file is there to be replaced.
     [[nodiscard]] std::error_code Open();
+    /// Goes on with what was left under the temporary name, which has to be this user's, see
+    /// FileOperations::OpenLeft(). It is read with Read() to its end, or cut, before it is written
+    /// to.
+    [[nodiscard]] std::error_code OpenLeft();
+    [[nodiscard]] std::error_code Read(std::span<char> bytes, std::size_t& count);
+    [[nodiscard]] std::error_code Cut(std::uint64_t size);
 
     [[nodiscard]] std::error_code Write(std::string_view bytes);
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string_view>
 #include <system_error>
 
@@ -13,12 +16,24 @@ class FileOperations
 public:
     virtual ~FileOperations() = default;
 
-    /// Opens @p file for writing, creates it if it is not there, keeps all others out who open it
-    /// this way, and empties it. A symbolic link in its place is refused.
-    /// @param like  an existing file whose permissions it gets; if there is none, the usual ones
+    /// Makes @p file for writing and keeps all others out who open it this way. It is always a new
+    /// one: what is left under its name, a link or another user's file among it, is not opened for
+    /// writing but loses the name, once nobody has it open this way any more.
+    /// @param like  if this is a file of the user's, the new one gets its permissions; else the
+    /// usual ones
     /// @param handle  for the calls below, if there is no error
     [[nodiscard]] virtual std::error_code Open(const std::filesystem::path& file,
                                                const std::filesystem::path& like, int& handle) = 0;
+    /// Opens a file that was left, to go on with it, and keeps all others out. Refused unless it is
+    /// a regular file of this user's that has this one name and is reached without a link.
+    /// @return no_such_file_or_directory if nothing is there
+    [[nodiscard]] virtual std::error_code OpenLeft(const std::filesystem::path& file,
+                                                   int& handle) = 0;
+    /// Reads on. @param count  of bytes that were read; 0 at the end
+    [[nodiscard]] virtual std::error_code Read(int handle, std::span<char> bytes,
+                                               std::size_t& count) = 0;
+    /// Leaves the first @p size bytes. Writing goes on behind them.
+    [[nodiscard]] virtual std::error_code Cut(int handle, std::uint64_t size) = 0;
     [[nodiscard]] virtual std::error_code Write(int handle, std::string_view bytes) = 0;
     /// What was written is on the disk afterwards.
     [[nodiscard]] virtual std::error_code Sync(int handle) = 0;

@@ -17,9 +17,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::chrono::seconds kLockLimit{5};
-constexpr int kMaxAttempts = 1000;  // each time another process was faster
-constexpr mode_t kUsualMode = 0666; // less the user's umask
-constexpr mode_t kPermissions = 07777;
+constexpr int kMaxAttempts = 1000;    // each time another process was faster
+constexpr mode_t kUsualMode = 0666;   // less the user's umask
+constexpr mode_t kPermissions = 0777; // a replaced file's other bits do not pass on
 
 std::error_code LastError()
 {
@@ -37,23 +37,50 @@ bool IsStillNamed(int descriptor, const fs::path& file)
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-/// Empties the file, which is a plain one, and gives it the permissions of @p like.
-std::error_code Prepare(int descriptor, const fs::path& like)
+bool IsOwn(const struct stat& info)
 {
-    struct stat own
-    {};
+    return S_ISREG(info.st_mode) && info.st_uid == geteuid();
+}
+
+/// Gives the file the permissions of @p like, if that is the user's.
+std::error_code TakePermissions(int descriptor, const fs::path& like)
+{
     struct stat model
     {};
-    if (fstat(descriptor, &own) != 0) {
+    if (lstat(like.c_str(), &model) == 0 && IsOwn(model) &&
+        fchmod(descriptor, model.st_mode & kPermissions) != 0) {
         return LastError();
     }
-    if (!S_ISREG(own.st_mode)) {
-        return std::make_error_code(std::errc::not_supported);
+    return {};
+}
+
+std::error_code Unlink(const fs::path& file)
+{
+    return unlink(file.c_str()) == 0 || errno == ENOENT ? std::error_code() : LastError();
+}
+
+/// Takes the name from what has it, when nobody writes to that any more.
+std::error_code FreeName(const fs::path& file)
+{
+    struct stat left
+    {};
+    if (lstat(file.c_str(), &left) != 0) {
+        return errno == ENOENT ? std::error_code() : LastError();
     }
-    if (stat(like.c_str(), &model) == 0 && fchmod(descriptor, model.st_mode & kPermissions) != 0) {
-        return LastError();
+    if (!S_ISREG(left.st_mode)) {
+        return Unlink(file);
     }
-    return ftruncate(descriptor, 0) == 0 ? std::error_code() : LastError();
+    // Only for the lock. Not blocking: by now a pipe may be under the name.
+    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0) {
+        return errno == ENOENT ? std::error_code() : LastError();
+    }
+    std::error_code error = LockFile(descriptor, kLockLimit);
+    if (!error && IsStillNamed(descriptor, file)) {
+        error = Unlink(file);
+    }
+    close(descriptor);
+    return error;
 }
 
 } // namespace
@@ -67,20 +94,26 @@ PosixFileOperations& PosixFileOperations::Instance()
 std::error_code PosixFileOperations::Open(const fs::path& file, const fs::path& like, int& handle)
 {
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
-        // Not blocking: a pipe left under the name would otherwise wait for a reader.
-        constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+        constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
         const int descriptor = open(file.c_str(), kFlags, kUsualMode);
         if (descriptor < 0) {
-            return LastError();
+            std::error_code error = LastError();
+            if (error == std::errc::file_exists) {
+                error = FreeName(file);
+            }
+            if (error) {
+                return error;
+            }
+            continue;
         }
         std::error_code error = LockFile(descriptor, kLockLimit);
         if (!error && !IsStillNamed(descriptor, file)) {
-            // Who held the lock has renamed the file away: under the name is another one now.
+            // Before it was locked, another writer took it for one that was left.
             close(descriptor);
             continue;
         }
         if (!error) {
-            error = Prepare(descriptor, like);
+            error = TakePermissions(descriptor, like);
         }
         if (error) {
             close(descriptor);
@@ -90,6 +123,49 @@ std::error_code PosixFileOperations::Open(const fs::path& file, const fs::path& 
         return {};
     }
     return std::make_error_code(std::errc::device_or_resource_busy);
+}
+
+std::error_code PosixFileOperations::OpenLeft(const fs::path& file, int& handle)
+{
+    const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0) {
+        return LastError();
+    }
+    std::error_code error = LockFile(descriptor, kLockLimit);
+    struct stat info
+    {};
+    if (!error && fstat(descriptor, &info) != 0) {
+        error = LastError();
+    }
+    if (!error && (!IsOwn(info) || info.st_nlink != 1 || !IsStillNamed(descriptor, file))) {
+        error = std::make_error_code(std::errc::operation_not_permitted);
+    }
+    if (error) {
+        close(descriptor);
+        return error;
+    }
+    handle = descriptor;
+    return {};
+}
+
+std::error_code PosixFileOperations::Read(int handle, std::span<char> bytes, std::size_t& count)
+{
+    ssize_t got = 0;
+    do {
+        got = read(handle, bytes.data(), bytes.size());
+    } while (got < 0 && errno == EINTR);
+    if (got < 0) {
+        return LastError();
+    }
+    count = static_cast<std::size_t>(got);
+    return {};
+}
+
+std::error_code PosixFileOperations::Cut(int handle, std::uint64_t size)
+{
+    const auto end = static_cast<off_t>(size);
+    return ftruncate(handle, end) == 0 && lseek(handle, end, SEEK_SET) == end ? std::error_code()
+                                                                              : LastError();
 }
 
 std::error_code PosixFileOperations::Write(int handle, std::string_view bytes)
@@ -135,7 +211,7 @@ std::error_code PosixFileOperations::SyncFolder(const fs::path& folder)
 
 void PosixFileOperations::Remove(const fs::path& file)
 {
-    std::error_code ignored; // a left-over is emptied and used again by the next writer
+    std::error_code ignored; // a left-over is removed by the next writer
     fs::remove(file, ignored);
 }
 

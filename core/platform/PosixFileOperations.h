@@ -13,6 +13,10 @@ public:
 
     [[nodiscard]] std::error_code Open(const std::filesystem::path& file,
                                        const std::filesystem::path& like, int& handle) override;
+    [[nodiscard]] std::error_code OpenLeft(const std::filesystem::path& file, int& handle) override;
+    [[nodiscard]] std::error_code Read(int handle, std::span<char> bytes,
+                                       std::size_t& count) override;
+    [[nodiscard]] std::error_code Cut(int handle, std::uint64_t size) override;
     [[nodiscard]] std::error_code Write(int handle, std::string_view bytes) override;
     [[nodiscard]] std::error_code Sync(int handle) override;
     void Close(int handle) override;

@@ -56,7 +56,7 @@ void ShowBar(CTextProgressCtrl& bar, int textId, std::uint64_t part, std::uint64
 } // namespace
 
 TransferPanel::TransferPanel(QWidget* parent)
-    : QFrame(parent), m_name(new QLabel), m_fileBar(new CTextProgressCtrl),
+    : QFrame(parent), m_name(new QLabel), m_start(new QLabel), m_fileBar(new CTextProgressCtrl),
       m_totalBar(new CTextProgressCtrl), m_rate(new QLabel), m_left(new QLabel),
       m_cancel(new QPushButton(UiText(text::kButtonCancel)))
 {
@@ -81,6 +81,8 @@ TransferPanel::TransferPanel(QWidget* parent)
     column->setContentsMargins(12, kGrid, 12, kGrid);
     column->setSpacing(kGrid);
     column->addWidget(m_name);
+    m_start->setWordWrap(true);
+    column->addWidget(m_start);
     column->addWidget(m_fileBar);
     column->addWidget(m_totalBar);
     auto* const words = new QVBoxLayout;
@@ -106,6 +108,9 @@ void TransferPanel::Show(const TransferProgress& progress)
     m_shown.start();
     m_name->setText(ToQt(
         FormatText(text::kTransferFile, progress.file, progress.files, progress.name.c_str())));
+    const std::wstring start = TransferStartText(progress.start);
+    m_start->setText(ToQt(start));
+    m_start->setVisible(!start.empty());
     ShowBar(*m_fileBar, text::kTransferFileBytes, progress.fileBytes, progress.fileSize);
     ShowBar(*m_totalBar, text::kTransferTotalBytes, progress.totalBytes, progress.totalSize);
     m_rate->setText(ToQt(ByteRateText(progress.bytesPerSecond)));

@@ -34,6 +34,7 @@ private:
     bool m_isCancelled = false;
     QElapsedTimer m_shown;
     QLabel* m_name; // owned by the panel, as is all that follows
+    QLabel* m_start;
     CTextProgressCtrl* m_fileBar;
     CTextProgressCtrl* m_totalBar;
     QLabel* m_rate;

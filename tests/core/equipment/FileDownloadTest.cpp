@@ -339,7 +339,12 @@ TEST(TransferMeterRules, RateAndTimeLeft)
     clock.now += 3s; // one smoothing time at 1000 bytes/s: 1/e of the difference is left
     meter.Advance(4000);
     EXPECT_NEAR(meter.Get().bytesPerSecond, 1000.0 + 1000.0 / 2.718281828, 0.1);
-    meter.Advance(50000); // more than was announced
+    meter.StartFile(L"C", 90000);
+    const double before = meter.Get().bytesPerSecond;
+    clock.now += 1s;
+    meter.Advance(80000, {80000, AnewReason::None}); // nothing came in this second
+    EXPECT_LT(meter.Get().bytesPerSecond, before) << "what was there counts for the rate";
+    meter.Advance(90000); // more than was announced
     EXPECT_EQ(meter.Get().timeLeft, 0s);
 
     TransferMeter brief(clock, 10, 1000);

@@ -11,15 +11,20 @@
 
 #include <atomic>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <numeric>
 #include <optional>
+#include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace fieldcore {
 namespace {
@@ -60,9 +65,13 @@ public:
         if (request[2] != 0x96) {
             return {{testing::kAck}};
         }
+        if (testing::WantedOffset(request) > 0 && refusesMiddle) {
+            return {{testing::kNak}};
+        }
+        const std::size_t from = fromBeginning ? 0 : testing::WantedOffset(request);
         Bytes all;
-        std::size_t number = testing::WantedOffset(request) / testing::kBlockBytes;
-        for (Bytes block : Blocks(content, testing::WantedOffset(request))) {
+        std::size_t number = from / testing::kBlockBytes;
+        for (Bytes block : Blocks(content, from)) {
             const bool hit = number++ == at && times > 0;
             times -= hit ? 1 : 0;
             if (hit && (damage == Damage::Silence || damage == Damage::Half)) {
@@ -79,6 +88,8 @@ public:
     Damage damage = Damage::None;
     std::size_t at = 0; ///< block
     int times = 0;
+    bool refusesMiddle = false;
+    bool fromBeginning = false; ///< whatever is asked for
 
 private:
     static void Append(Bytes& all, const Bytes& more)
@@ -139,6 +150,18 @@ public:
     std::error_code Open(const fs::path& file, const fs::path& like, int& handle) override
     {
         return Fails(Call::Open) ? kFull : m_real.Open(file, like, handle);
+    }
+    std::error_code OpenLeft(const fs::path& file, int& handle) override
+    {
+        return m_real.OpenLeft(file, handle);
+    }
+    std::error_code Read(int handle, std::span<char> bytes, std::size_t& count) override
+    {
+        return m_real.Read(handle, bytes, count);
+    }
+    std::error_code Cut(int handle, std::uint64_t size) override
+    {
+        return m_real.Cut(handle, size);
     }
     std::error_code Write(int handle, std::string_view bytes) override
     {
@@ -509,10 +532,241 @@ TEST_F(DownloadTest, HostileNamesWriteAndSendNothing)
     EXPECT_TRUE(receiver.Requests().empty());
     // Names as receivers give them, which look a little alike.
     for (const std::wstring_view name : {L"A0314A00.Q01", L"COM.Q01", L"CONE.Q01", L"COM10.Q01",
-                                         L".Q01", L"a..b", L"測点／１.Q01", L"a b.Q02"}) {
+                                         L"autorun.Q01", L"a..b", L"測点／１.Q01", L"a b.Q02"}) {
         SCOPED_TRACE(::testing::PrintToString(name));
-        EXPECT_TRUE(IsReceivableName(name));
+        EXPECT_EQ(CheckReceivedName(name), NameFault::None);
     }
+}
+
+TEST_F(DownloadTest, NamesThatACardTakesForTheSameAreRefused)
+{
+    FileServer server;
+    const ScriptedEnd receiver(line, server);
+    Open();
+    folder.Write("day/Ａ.q01", "kept");
+    EXPECT_EQ(command.DownloadFile(folder.Path() / "day", L"ａ.Q01", kSize), -1);
+    EXPECT_EQ(command.GetDownloadFault(), DownloadFault::Name);
+    EXPECT_EQ(command.GetNameFault(), NameFault::Taken);
+    EXPECT_EQ(Read(folder.Path() / "day" / "Ａ.q01"), testing::Ascii("kept"));
+    EXPECT_EQ(command.DownloadFile(folder.Path() / "day", L"Ａ.q01", kSize), kSize)
+        << "the very same name is no other";
+
+    ReceivedNames names;
+    EXPECT_EQ(names.Add(L"A.Q01", folder.Path()), NameFault::None);
+    EXPECT_EQ(names.Add(L"a.Q01", folder.Path()), NameFault::Taken);
+    EXPECT_EQ(names.Add(L"A.Q01", folder.Path()), NameFault::Taken) << "two files of one name";
+    EXPECT_EQ(names.Add(L"a.Q01", folder.Path() / "day"), NameFault::None) << "another folder";
+    EXPECT_EQ(names.Add(L"д.Q01", folder.Path()), NameFault::None);
+    EXPECT_EQ(names.Add(L"Д.Q01", folder.Path()), NameFault::Taken);
+}
+
+/// Breaks a transfer off, changes something, and fetches again.
+TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
+{
+    constexpr std::uint32_t kLong = 90'000;
+    constexpr std::size_t kAt = 70;             // the first block that does not come
+    constexpr std::uint32_t kPieceEnd = 33'000; // of the first piece that was written at once
+    constexpr std::uint32_t kTime = 1'457'913'600;
+    const fs::path info = folder.Path() / "day" / "A.Q01.part.info";
+    const fs::path other = folder.Path() / "other";
+    const auto overwrite = [](const fs::path& file, std::streamoff at, std::string_view bytes) {
+        std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(at) << bytes;
+    };
+    std::uint32_t time = 0;
+    FileServer server;
+    struct Row
+    {
+        const char* change;
+        std::function<void()> make;
+        TransferStart start;
+    };
+    const Row rows[] = {
+        {"nothing", [] {}, {kAt * 1000, AnewReason::None}},
+        {"the time", [&] { ++time; }, {0, AnewReason::OtherFile}},
+        {"the size", [&] { server.content.push_back(1); }, {0, AnewReason::OtherFile}},
+        {"no time is known any more", [&] { time = 0; }, {}},
+        {"the last block in the receiver",
+         [&] { server.content[kAt * 1000 - 1] ^= 1; },
+         {0, AnewReason::Changed}},
+        {"the info file is gone", [&] { fs::remove(info); }, {0, AnewReason::NoRecord}},
+        {"it is something else",
+         [&] { folder.Write("day/A.Q01.part.info", "notes"); },
+         {0, AnewReason::NoRecord}},
+        {"its last line is torn",
+         [&] { fs::resize_file(info, fs::file_size(info) - 3); },
+         {2 * kPieceEnd, AnewReason::None}},
+        {"nothing had been written", [&] { fs::resize_file(Part(), 0); }, {0, AnewReason::Damaged}},
+        {"a byte of the second piece",
+         [&] { overwrite(Part(), kPieceEnd + 7, "?"); },
+         {kPieceEnd, AnewReason::None}},
+        {"a byte of the first one", [&] { overwrite(Part(), 7, "?"); }, {0, AnewReason::Damaged}},
+        {"more than had arrived",
+         [&] { overwrite(Part(), kAt * 1000, "more"); },
+         {kAt * 1000, AnewReason::None}},
+        {"a second name", [&] { fs::create_hard_link(Part(), other); }, {0, AnewReason::NotOurs}},
+        {"a link to it",
+         [&] {
+             fs::rename(Part(), other);
+             fs::create_symlink(other, Part());
+         },
+         {0, AnewReason::NotOurs}},
+        {"a link to the info",
+         [&] {
+             fs::rename(info, other);
+             fs::create_symlink(other, info);
+         },
+         {0, AnewReason::NoRecord}},
+        {"another user's",
+         [&] { ASSERT_EQ(chown(Part().c_str(), 65534, 65534), 0); },
+         {0, AnewReason::NotOurs}},
+        {"the receiver refuses to begin in the middle",
+         [&] { server.refusesMiddle = true; },
+         {0, AnewReason::NotFromMiddle}},
+        {"it begins at the beginning whatever is asked",
+         [&] { server.fromBeginning = true; },
+         {0, AnewReason::NotFromMiddle}},
+    };
+    for (const bool cancelled : {false, true}) {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(row.change);
+            if (std::string_view(row.change) == "another user's" && geteuid() != 0) {
+                continue; // nobody else can give a file away
+            }
+            fs::remove_all(folder.Path() / "day");
+            fs::remove(other);
+            time = kTime;
+            server = {};
+            server.content = testing::Content(kLong);
+            server.at = kAt;
+            server.damage = cancelled ? Damage::None : Damage::Half;
+            server.times = 1;
+            std::uint32_t first = 0; // bytes that are told of first
+            const auto fetch = [&](bool breaksOff) {
+                first = 0;
+                return command.DownloadFile(
+                    folder.Path() / "day", L"A.Q01",
+                    static_cast<std::uint32_t>(server.content.size()),
+                    [&](std::uint32_t bytes) {
+                        first = first == 0 ? bytes : first;
+                        if (!breaksOff || bytes < kAt * 1000) {
+                            return true;
+                        }
+                        if (!cancelled) {
+                            line.HangUp();
+                        }
+                        return !cancelled;
+                    },
+                    time == 0 ? std::nullopt : std::optional(time));
+            };
+            std::optional<ScriptedEnd> receiver;
+            receiver.emplace(line, server);
+            Open();
+            EXPECT_EQ(fetch(true), -1);
+            command.ClosePort();
+            EXPECT_EQ(fs::file_size(Part()), kAt * 1000);
+            server.times = 0;
+            row.make();
+            const std::optional<Bytes> before = Read(other);
+            receiver.emplace(line, server);
+            Open();
+            EXPECT_EQ(fetch(false), static_cast<std::int64_t>(server.content.size()))
+                << command.LastError();
+            ExpectCleanLine();
+            command.ClosePort();
+            EXPECT_EQ(command.GetTransferStart().continuedAt, row.start.continuedAt);
+            EXPECT_EQ(command.GetTransferStart().reason, row.start.reason);
+            EXPECT_EQ(first, row.start.continuedAt > 0 && row.start.continuedAt % 1000 == 0
+                                 ? row.start.continuedAt
+                                 : 1000U);
+            EXPECT_TRUE(Read(File()) == server.content);
+            EXPECT_EQ(Read(other), before) << "what had another name was written to";
+            EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path() / "day"), {}), 1);
+            struct stat finished = {};
+            EXPECT_EQ(lstat(File().c_str(), &finished), 0);
+            EXPECT_TRUE(S_ISREG(finished.st_mode) && finished.st_nlink == 1 &&
+                        finished.st_uid == geteuid());
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
+TEST_F(DownloadTest, WhateverHappensToWhatIsLeftTheFileIsRight)
+{
+    std::mt19937 random(19800106);
+    const fs::path parts[] = {Part(), folder.Path() / "day" / "A.Q01.part.info"};
+    int continued = 0;
+    constexpr int kTimes = 60;
+    for (int i = 0; i < kTimes; ++i) {
+        SCOPED_TRACE(i);
+        fs::remove_all(folder.Path() / "day");
+        FileServer server;
+        const ScriptedEnd receiver(line, server);
+        Open();
+        const auto first = static_cast<std::uint32_t>(1000 + random() % 3000);
+        for (const std::uint32_t until : {first, 5000U, 0U}) {
+            command.DownloadFile(
+                folder.Path() / "day", L"A.Q01", kSize,
+                [&](std::uint32_t bytes) { return until == 0 || bytes < until; }, 1);
+            continued += command.GetTransferStart().continuedAt > 0 ? 1 : 0;
+            const fs::path& file = parts[random() % 2];
+            if (until == 0 || !fs::exists(file)) {
+                continue;
+            }
+            const auto size = fs::file_size(file);
+            if (random() % 3 == 0) {
+                fs::resize_file(file, random() % (size + 20)); // zeros, where it gets longer
+            } else {
+                std::fstream(file, std::ios::in | std::ios::out | std::ios::binary)
+                        .seekp(static_cast<std::streamoff>(random() % (size + 1)))
+                    << static_cast<char>(random());
+            }
+        }
+        command.ClosePort();
+        ASSERT_TRUE(Read(File()) == server.content);
+    }
+    EXPECT_GT(continued, 0);
+}
+
+/// What has arrived as a whole and could not get its name.
+TEST_F(DownloadTest, AsksOnlyForTheLastBlockOfWhatIsThere)
+{
+    FailingOperations operations;
+    operations.failing = FailingOperations::Call::Rename;
+    command.SetFileOperations(operations);
+    FileServer server;
+    const ScriptedEnd receiver(line, server);
+    Open();
+    EXPECT_EQ(command.DownloadFile(folder.Path() / "day", L"A.Q01", kSize, {}, 1), -1);
+    operations.failing = FailingOperations::Call::None;
+    EXPECT_EQ(command.DownloadFile(folder.Path() / "day", L"A.Q01", kSize, {}, 1), kSize);
+    command.ClosePort();
+    EXPECT_EQ(command.GetTransferStart().continuedAt, kSize);
+    EXPECT_EQ(testing::WantedOffset(receiver.Requests().back()), 7000U);
+    EXPECT_TRUE(Read(File()) == server.content);
+}
+
+/// A receiver that gives nothing more does not cost what is there.
+TEST_F(DownloadTest, KeepsWhatIsThereUntilTheFirstBlockComes)
+{
+    FileServer server;
+    server.damage = Damage::Silence;
+    server.times = 100;
+    server.at = 4;
+    ScriptedEnd receiver(line, server);
+    Open();
+    const auto fetch = [&] {
+        return command.DownloadFile(folder.Path() / "day", L"A.Q01", kSize, {}, 1);
+    };
+    EXPECT_EQ(fetch(), -1);
+    command.ClosePort();
+    const std::optional<Bytes> before = Read(Part());
+    EXPECT_EQ(before->size(), 4000U);
+    const ScriptedEnd refusing(line, [](const Bytes& request) {
+        return ScriptedEnd::Answer{{request[2] == 0x96 ? testing::kNak : testing::kAck}};
+    });
+    Open();
+    EXPECT_EQ(fetch(), -1);
+    EXPECT_EQ(Read(Part()), before);
 }
 
 } // namespace

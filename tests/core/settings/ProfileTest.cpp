@@ -7,10 +7,12 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <optional>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -20,6 +22,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fieldcore {
 namespace {
@@ -61,6 +64,18 @@ public:
     {
         m_open = file.filename();
         return Refused(Call::Open, "") ? kFault : m_real.Open(file, like, handle);
+    }
+    std::error_code OpenLeft(const fs::path& file, int& handle) override
+    {
+        return m_real.OpenLeft(file, handle);
+    }
+    std::error_code Read(int handle, std::span<char> bytes, std::size_t& count) override
+    {
+        return m_real.Read(handle, bytes, count);
+    }
+    std::error_code Cut(int handle, std::uint64_t size) override
+    {
+        return m_real.Cut(handle, size);
     }
     std::error_code Write(int handle, std::string_view bytes) override
     {
@@ -296,7 +311,6 @@ TEST(Profile, LeavesAloneWhatIsNoProfile)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const fs::path huge = folder.Write("huge.ini", "[S]\r\nK=v\r\n");
     fs::resize_file(huge, kMaxProfileBytes + 1);
-    const fs::path victim = folder.Write("victim", "kept");
     struct Row
     {
         const char* fault;
@@ -315,9 +329,51 @@ TEST(Profile, LeavesAloneWhatIsNoProfile)
         EXPECT_EQ(value, L"default");
         EXPECT_EQ(WriteProfile(L"S", L"K", L"v", row.file), 0);
     }
-    fs::create_symlink(victim, folder.Path() / kTemporary);
-    EXPECT_EQ(WriteProfile(L"S", L"K", L"v", folder.Path() / "p.ini"), 0);
-    EXPECT_EQ(Content(victim), "kept");
+}
+
+TEST(Profile, WritesToNothingThatOthersLeftUnderTheTemporaryName)
+{
+    struct Row
+    {
+        const char* left;
+        std::function<void(const fs::path& victim, const fs::path& temporary)> make;
+    };
+    const Row rows[] = {
+        {"a link", [](const fs::path& victim,
+                      const fs::path& temporary) { fs::create_symlink(victim, temporary); }},
+        {"a second name of a file",
+         [](const fs::path& victim, const fs::path& temporary) {
+             fs::create_hard_link(victim, temporary);
+         }},
+        {"a pipe",
+         [](const fs::path&, const fs::path& temporary) {
+             ASSERT_EQ(mkfifo(temporary.c_str(), 0666), 0);
+         }},
+        {"a file that everybody may write to",
+         [](const fs::path&, const fs::path& temporary) {
+             std::ofstream(temporary) << "theirs";
+             ASSERT_EQ(chmod(temporary.c_str(), 0666), 0);
+             if (geteuid() == 0) { // else it is at least its mode
+                 ASSERT_EQ(chown(temporary.c_str(), 65534, 65534), 0);
+             }
+         }},
+    };
+    const mode_t mask = umask(027);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.left);
+        const TemporaryFolder folder;
+        const fs::path victim = folder.Write("victim", "kept");
+        const fs::path file = folder.Path() / "p.ini";
+        row.make(victim, folder.Path() / kTemporary);
+        EXPECT_EQ(WriteProfile(L"S", L"K", L"v", file), 1);
+        EXPECT_EQ(Content(victim), "kept");
+        struct stat written = {};
+        EXPECT_EQ(lstat(file.c_str(), &written), 0);
+        EXPECT_EQ(written.st_mode, static_cast<mode_t>(S_IFREG | 0640));
+        EXPECT_EQ(written.st_nlink, 1U);
+        EXPECT_EQ(written.st_uid, geteuid());
+    }
+    umask(mask);
 }
 
 } // namespace

@@ -342,7 +342,8 @@ TEST_F(RecvFileManTest, SaysWhyItDoesNotFetch)
         EXPECT_EQ(wasAsked, row.asksWhere);
         EXPECT_EQ(sheet->focusWidget(), &List());
         for (const auto& entry : std::filesystem::recursive_directory_iterator(home.Path())) {
-            EXPECT_TRUE(!entry.is_regular_file() || entry.path().extension() == ".part")
+            EXPECT_TRUE(!entry.is_regular_file() || entry.path().extension() == ".part" ||
+                        entry.path().extension() == ".info")
                 << entry.path();
         }
     }
@@ -447,10 +448,29 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
     EXPECT_FALSE(std::filesystem::exists(Documents() / "2026-03-14" / "A0314B00.Q02"));
     EXPECT_FALSE(panel->isVisible());
     EXPECT_TRUE(Find(RecvFilePage::kFetch)->isEnabled() && Find(RecvFilePage::kFetch)->isVisible());
-    host.onBreath = {};
     Click(RecvFilePage::kReload);
     WaitForList();
     EXPECT_EQ(List().Count(), 3) << "the line is free again";
+
+    bool hasGoneOn = false;
+    host.onBreath = [&] {
+        for (const QLabel* const label : panel->findChildren<QLabel*>()) {
+            if (!hasGoneOn && label->isVisible() &&
+                label->text().endsWith(QStringLiteral("から再開しました。"))) {
+                hasGoneOn = true;
+                KeepPicture(*sheet, QStringLiteral("files-continued"));
+                QTimer::singleShot(0, panel, [panel] {
+                    QTest::mouseClick(panel->findChild<QPushButton*>(), Qt::LeftButton);
+                });
+            }
+        }
+    };
+    Tap(1);
+    surveyor.onOther = Starting();
+    surveyor.boxes.push_back(surveyor.boxes.front());
+    Click(RecvFilePage::kFetch);
+    EXPECT_TRUE(hasGoneOn);
+    host.onBreath = {};
 }
 
 TEST_F(RecvFileManTest, AsksBeforeItDeletes)
