@@ -120,11 +120,14 @@ Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys
 ExitCode ExportSettings(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
-    const std::vector<SettingsKey> keys = ReadSettingsTree(access.Store(), access.Key());
-    const std::string text = FormatSettingsText(keys);
+    const std::optional<std::vector<SettingsKey>> keys = access.Tree();
+    if (!keys) {
+        return context.output.Failed(access.NotRead());
+    }
+    const std::string text = FormatSettingsText(*keys);
     Report report;
     access.AddPlace(report);
-    AddCounts(report, keys);
+    AddCounts(report, *keys);
     if (options.file.empty()) {
         report.Add("text", "text", Value::Text(text));
         return context.output.Done(report, text);
@@ -148,6 +151,9 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
             "Correct the line; docs/settings.md describes the file."));
     }
     SettingsAccess access(context, options);
+    if (const std::optional<Failure> failure = access.CannotRead()) {
+        return context.output.Failed(*failure);
+    }
     Report report;
     report.Add("stored", "stored", Value::YesNo(!options.dryRun));
     AddCounts(report, read.keys);

@@ -1,0 +1,157 @@
+#include "core/platform/SqliteSettingsStore.h"
+
+#include "core/settings/SettingsTree.h"
+#include "tests/core/link/ProcessCounts.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/SqliteFileLayer.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::SqliteFileLayer;
+
+constexpr auto kCreate = KeyOpening::Create;
+
+std::string AsText(SettingsStore& store)
+{
+    const auto keys = ReadSettingsTree(store, L"");
+    return keys ? FormatSettingsText(*keys) : "cannot be read";
+}
+
+/// What somebody finds who opens the store of @p folder after the fault.
+std::string FoundLater(const TemporaryFolder& folder)
+{
+    SqliteSettingsStore store(folder.Path() / "user.db");
+    const std::string found = AsText(store);
+    EXPECT_EQ(store.TakeNotice().Words(), "");
+    EXPECT_FALSE(fs::exists(folder.Path() / "user.db.damaged-1")) << "thrown away";
+    return found;
+}
+
+/// A store whose newest values are in the log only: number "n" of key K is 1 in the file, and 2.
+void Fill(const fs::path& folder)
+{
+    const TemporaryFolder made;
+    for (const std::uint32_t value : {1U, 2U}) {
+        SqliteSettingsStore store(made.Path() / "user.db");
+        ASSERT_TRUE(store.Set(L"K", L"n", value, kCreate));
+        ASSERT_TRUE(store.Set(L"K\\L", L"m", std::uint32_t{3}, kCreate));
+        if (value == 2) { // closing would copy the log into the file
+            for (const char* const name : {"user.db", "user.db-wal"}) {
+                fs::copy_file(made.Path() / name, folder / name);
+            }
+        }
+    }
+}
+
+bool ReadsWhatWasStored(SettingsStore& store)
+{
+    const SettingsRead read = store.Get(L"K", L"n");
+    if (read.state == SettingsReadState::Found) {
+        EXPECT_EQ(read.value, SettingsValue(std::uint32_t{2})) << "an old one";
+    }
+    EXPECT_TRUE(read.state != SettingsReadState::Missing || !store.IsKept()) << "not told";
+    return read.state == SettingsReadState::Found;
+}
+
+bool ListsWhatWasStored(SettingsStore& store)
+{
+    const std::string text = AsText(store);
+    const bool isWhole = text.find("[K\\L]\n\"m\" = number 3\n") != std::string::npos;
+    EXPECT_TRUE(isWhole || text == "cannot be read" || !store.IsKept()) << text;
+    return isWhole;
+}
+
+bool StoresTwoTogether(SettingsStore& store)
+{
+    SettingsBatch batch(store);
+    return batch.IsOpen() && store.Set(L"K", L"n", std::uint32_t{7}, kCreate) &&
+           store.Set(L"K\\New", L"n", std::uint32_t{7}, kCreate) && batch.Commit();
+}
+
+/// Each call of SQLite's file layer fails, once and from then on, in each operation: nothing that
+/// was stored is lost, an operation that is said to be done is done, and of one that is not either
+/// all was stored or nothing.
+TEST(SettingsFaults, EveryCallMayFail)
+{
+    struct Row
+    {
+        const char* operation;
+        bool isNew; // there is no file yet
+        std::function<bool(SettingsStore&)> run;
+    };
+    const Row rows[] = {
+        {"get", false, ReadsWhatWasStored},
+        {"list", false, ListsWhatWasStored},
+        {"set", false,
+         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set in a new key", false,
+         [](SettingsStore& store) { return store.Set(L"N\\K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set in a new file", true,
+         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"two together", false, StoresTwoTogether},
+        {"delete a value", false,
+         [](SettingsStore& store) { return store.DeleteValue(L"K", L"n"); }},
+        {"delete a key", false, [](SettingsStore& store) { return store.DeleteKey(L"K"); }},
+    };
+    const TemporaryFolder filled;
+    Fill(filled.Path());
+    for (const Row& row : rows) {
+        std::string before;
+        std::string after;
+        int calls = 1;
+        for (int n = 0; n <= calls; n += n < 150 ? 1 : 50) { // n == 0: nothing fails
+            for (const bool once : {true, false}) {
+                const TemporaryFolder folder;
+                if (!row.isNew) {
+                    fs::copy(filled.Path(), folder.Path());
+                }
+                before = n == 0 ? FoundLater(folder) : before;
+                const auto memory = sqlite3_memory_used();
+                const auto process = testing::CountProcess();
+                int count = 0;
+                std::string failed;
+                bool isDone = false;
+                bool isTold = false;
+                {
+                    const SqliteFileLayer layer([&](const SqliteFileLayer::Call& call) {
+                        ++count;
+                        const bool fails = n > 0 && (once ? count == n : count >= n);
+                        failed = fails && failed.empty() ? call.name : failed;
+                        return fails;
+                    });
+                    SqliteSettingsStore store(folder.Path() / "user.db");
+                    isTold = !store.TakeNotice().IsEmpty();
+                    isDone = row.run(store);
+                    EXPECT_EQ(store.IsKept(), !isTold);
+                }
+                SCOPED_TRACE(std::string(row.operation) + ", call " + std::to_string(n) + ", " +
+                             failed + (once ? "" : " and all later ones"));
+                EXPECT_EQ(sqlite3_memory_used(), memory);
+                EXPECT_EQ(testing::CountProcessAgain(process), process);
+                const std::string found = FoundLater(folder);
+                if (n == 0) {
+                    EXPECT_TRUE(isDone && !isTold);
+                    after = found;
+                    calls = count;
+                } else {
+                    EXPECT_TRUE(found == after || (found == before && (!isDone || isTold)))
+                        << found;
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace fieldcore
