@@ -846,6 +846,9 @@ constexpr Entry kEntries[] = {
     Entry{text::kPortNameDevice, L"COM番号に割り当てられたデバイスのパスが正しくありません。"},
     Entry{text::kFramesLine, L"文字「%1」"},
     Entry{text::kFramesNoise, L"フレーム外"},
+    Entry{text::kNoticeNotRead,
+          L"設定を読み込めないため、初期設定で始めます。変更した設定は保存でき"
+          L"ません。\nファイル: %1\n詳細: %2"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

@@ -806,6 +806,7 @@ inline constexpr int kAppStatusButton = 61099;
 // What the controller tells of settings, receivers and frames
 inline constexpr int kNoticeNotKept = 60670;  ///< file, reason; for QString::arg()
 inline constexpr int kNoticeSetAside = 60671; ///< file
+inline constexpr int kNoticeNotRead = 61570;  ///< file, reason
 inline constexpr int kNoticePort = 60672;     ///< name of the setting
 inline constexpr int kOtherReceiver = 60673;  ///< receiver of before, receiver of now
 inline constexpr int kOtherReceiverCaption = 60674;

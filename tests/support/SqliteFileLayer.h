@@ -7,8 +7,8 @@
 
 namespace fieldcore::testing {
 
-/// SQLite's file layer with a watcher before it. As long as it lives, every database that this
-/// process opens goes through it. One at a time, and one thread.
+/// SQLite's file layer with a watcher before it, and without syncs. As long as it lives, every
+/// database that this process opens goes through it. One at a time, and one thread.
 class SqliteFileLayer
 {
 public:

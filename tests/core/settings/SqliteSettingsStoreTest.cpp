@@ -4,6 +4,7 @@
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/core/settings/FileSizeLimit.h"
 #include "tests/core/settings/Writer.h"
+#include "tests/support/ProofSize.h"
 
 #include <chrono>
 #include <cstddef>
@@ -428,7 +429,8 @@ TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
 {
     std::mt19937 random(20240607);
     const TemporaryFolder folder;
-    for (int i = 0; i < 100; ++i) {
+    const int kills = testing::ProofSize("FIELDCORE_KILLS", 100);
+    for (int i = 0; i < kills; ++i) {
         // Every fourth time a new file, so that some are killed while they make it.
         const fs::path config = folder.Path() / std::to_string(i / 4);
         const std::string name = "kill" + std::to_string(i) + "-";
