@@ -83,7 +83,7 @@ std::optional<Failure> ReadText(const Context& context, const std::string& file,
     }
     text.resize(kMaxSettingsText + 1);
     in->read(text.data(), static_cast<std::streamsize>(text.size()));
-    const bool failed = in->bad() || (file != "-" && !stream.is_open());
+    const bool failed = World::HasFailed(*in) || (file != "-" && !stream.is_open());
     text.resize(static_cast<std::size_t>(std::max<std::streamsize>(in->gcount(), 0)));
     return failed ? std::optional(FileFailure(file + " cannot be read.")) : std::nullopt;
 }

@@ -288,7 +288,7 @@ std::optional<Failure> Read(const Context& context, std::istream& in, const std:
         ++lines;
     }
     const std::string next = "line " + std::to_string(lines + 1);
-    if (in.bad()) {
+    if (World::HasFailed(in)) {
         return FileFailure(name + " cannot be read from " + next + " on.");
     }
     if (in.fail() && !in.eof()) {

@@ -314,6 +314,12 @@ TEST(Trace, SaysWhereALogCannotBeReadOn)
     EXPECT_EQ(runner.Run("trace @/long").out,
               "    1  Tx  0x14 GPS time request, 6 bytes, checksum good\n");
 
+    EXPECT_EQ(runner
+                  .Run({"sim", "run", "--", "sh", "-c", "exec \"$0\" trace - </ 2>/dev/null",
+                        FIELDCORE_CLI})
+                  .code,
+              8)
+        << "a folder as stdin";
     std::istream failing(nullptr); // every read of it fails
     std::ostringstream err;
     runner.world.in = &failing;
