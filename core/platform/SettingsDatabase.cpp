@@ -236,6 +236,9 @@ int UseLog(sqlite3* database)
 
 int CopyAll(sqlite3* from, sqlite3* to)
 {
+    if (to == nullptr) {
+        return SQLITE_NOMEM;
+    }
     sqlite3_backup* const backup = sqlite3_backup_init(to, "main", from, "main");
     if (backup == nullptr) {
         return sqlite3_errcode(to);

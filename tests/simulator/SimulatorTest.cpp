@@ -385,7 +385,7 @@ TEST(Simulator, TakesBackWhatAKilledOneLeft)
     const fs::path killed = folder / "fieldcore-sim-killed";
     fs::create_directory(killed);
     const auto other = LeaveLink(killed / "receiver");
-    setenv("TMPDIR", killed.parent_path().c_str(), 1); // NOLINT(concurrency-mt-unsafe): no other thread
+    setenv("TMPDIR", killed.parent_path().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     {
         PseudoTerminal first("");
         PseudoTerminal second("");
