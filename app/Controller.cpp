@@ -323,10 +323,12 @@ QString Controller::TakeNotice()
     }
     for (const SettingsNotice& notice : notices) {
         const QString file = QString::fromStdString(notice.file);
-        m_notices +=
-            notice.kind == SettingsNotice::Kind::SetAside
-                ? UiText(text::kNoticeSetAside).arg(file)
-                : UiText(text::kNoticeNotKept).arg(file, QString::fromStdString(notice.reason));
+        const QString reason = QString::fromStdString(notice.reason);
+        m_notices += notice.kind == SettingsNotice::Kind::SetAside
+                         ? UiText(text::kNoticeSetAside).arg(file)
+                     : notice.kind == SettingsNotice::Kind::NotRead
+                         ? UiText(text::kNoticeNotRead).arg(file, reason)
+                         : UiText(text::kNoticeNotKept).arg(file, reason);
     }
     return std::exchange(m_notices, {}).join(QStringLiteral("\n\n"));
 }

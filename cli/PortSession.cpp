@@ -179,9 +179,9 @@ std::optional<Failure> PortSession::OpenLog()
     if (m_options.log.empty()) {
         return std::nullopt;
     }
-    m_log.open(m_options.log, std::ios::binary | std::ios::app);
-    if (!m_log) {
-        return FileFailure("The log " + m_options.log.string() + " cannot be written.",
+    if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
+        return FileFailure("The log " + m_options.log.string() +
+                               " cannot be written: " + error.message() + ".",
                            "Name a file in a folder that you may write to.");
     }
     return std::nullopt;
@@ -193,8 +193,7 @@ void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
     if (m_logFailed) {
         return; // once is enough to know
     }
-    m_log << FrameLogLine(direction, bytes, GetClock().Utc()) << std::flush;
-    if (!m_log) {
+    if (m_log.Write(FrameLogLine(direction, bytes, GetClock().Utc()))) {
         m_logFailed = true;
         m_output.Post("The log " + m_options.log.string() + " can no longer be written.");
     }

@@ -10,10 +10,10 @@
 #include "core/link/ConnectChoice.h"
 #include "core/link/ConnectSequence.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/LogFile.h"
 #include "core/platform/PortNames.h"
 #include "simulator/Simulator.h"
 
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <span>
@@ -72,7 +72,7 @@ private:
     std::unique_ptr<FastClock> m_fastClock;
     std::unique_ptr<simulator::Simulator> m_simulator; // behind its clock
     // Touched by the command's observer alone once there is one, and outliving it:
-    std::ofstream m_log;
+    LogFile m_log;
     bool m_logFailed = false;
     std::unique_ptr<CCommand> m_command; // behind the simulator, whose port it opens
 };

@@ -22,6 +22,7 @@ SettingsAccess::SettingsAccess(const Context& context, const SettingsOptions& op
         m_key += FromUtf8(options.key);
     }
     const SettingsNotice notice = Store().TakeNotice();
+    m_canRead = notice.kind != SettingsNotice::Kind::NotRead;
     if (!notice.IsEmpty()) {
         context.output.Message("warning", "", notice.Words(), Colour::Yellow);
     }
@@ -33,6 +34,28 @@ void SettingsAccess::AddPlace(Report& report) const
                m_root == RootKey::LocalMachine ? Value::Word("machine", "machine")
                                                : Value::Word("user", "user"));
     report.Add("key", "key", Value::Word(ToUtf8(m_key), m_key.empty() ? "(root)" : ToUtf8(m_key)));
+}
+
+SettingsRead SettingsAccess::Read(const std::string& name)
+{
+    return m_canRead ? Store().Get(m_key, FromUtf8(name))
+                     : SettingsRead{SettingsReadState::Failed, {}};
+}
+
+std::optional<std::vector<SettingsKey>> SettingsAccess::Tree()
+{
+    return m_canRead ? ReadSettingsTree(Store(), m_key) : std::nullopt;
+}
+
+std::optional<Failure> SettingsAccess::CannotRead() const
+{
+    return m_canRead ? std::nullopt : std::optional(NotRead());
+}
+
+Failure SettingsAccess::NotRead() const
+{
+    return FileFailure("What is stored in " + m_roots.File(m_root).string() + " cannot be read.",
+                       "fieldcore-cli doctor");
 }
 
 std::optional<Failure> SettingsAccess::CannotWrite()

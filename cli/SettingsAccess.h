@@ -9,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace fieldcore::cli {
 
@@ -38,6 +39,14 @@ public:
     [[nodiscard]] const std::wstring& Key() const { return m_key; }
     /// Adds which root and key are meant.
     void AddPlace(Report& report) const;
+    /// The value @p name of that key.
+    [[nodiscard]] SettingsRead Read(const std::string& name);
+    /// That key with all below it; nothing if it cannot be read.
+    [[nodiscard]] std::optional<std::vector<SettingsKey>> Tree();
+    /// Why nothing can be read, if it cannot.
+    [[nodiscard]] std::optional<Failure> CannotRead() const;
+    /// What is stored could not be read; why not was said as a warning, if all of it cannot.
+    [[nodiscard]] Failure NotRead() const;
     /// Why nothing can be written, if it cannot.
     [[nodiscard]] std::optional<Failure> CannotWrite();
     /// A write that the store refused.
@@ -47,6 +56,7 @@ private:
     SettingsRoots m_roots;
     const RootKey m_root;
     std::wstring m_key;
+    bool m_canRead = true;
 };
 
 /// "text", "number" or "binary".

@@ -68,15 +68,18 @@ Failure Missing(const SettingsAccess& access, const std::string& name)
 ExitCode List(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
-    const std::vector<SettingsKey> keys = ReadSettingsTree(access.Store(), access.Key());
-    if (keys.empty() && !options.key.empty()) {
+    const std::optional<std::vector<SettingsKey>> keys = access.Tree();
+    if (!keys) {
+        return context.output.Failed(access.NotRead());
+    }
+    if (keys->empty() && !options.key.empty()) {
         return context.output.Failed(Missing(access, ""));
     }
     Report report;
     access.AddPlace(report);
-    AddKeys(report, keys);
-    return context.output.Done(report, keys.empty() ? "There are no settings yet.\n"
-                                                    : TreeWords(keys, access.Key()));
+    AddKeys(report, *keys);
+    return context.output.Done(report, keys->empty() ? "There are no settings yet.\n"
+                                                     : TreeWords(*keys, access.Key()));
 }
 
 ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std::string& name,
@@ -99,12 +102,12 @@ ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std
 ExitCode Get(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
-    const SettingsRead read = access.Store().Get(access.Key(), FromUtf8(options.name));
+    const SettingsRead read = access.Read(options.name);
     if (read.state == SettingsReadState::Missing) {
         return context.output.Failed(Missing(access, options.name));
     }
     if (read.state == SettingsReadState::Failed) {
-        return context.output.Failed(FileFailure("The setting cannot be read."));
+        return context.output.Failed(access.NotRead());
     }
     return ShowOne(context, access, options.name, read.value, true);
 }
@@ -131,7 +134,15 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
     SettingsAccess access(context, options);
     const std::wstring name = FromUtf8(options.name);
     std::string type = options.type;
-    const SettingsRead old = access.Store().Get(access.Key(), name);
+    if (const std::optional<Failure> failure = access.CannotWrite()) {
+        return context.output.Failed(*failure);
+    }
+    const SettingsRead old = access.Read(options.name);
+    if (type.empty() && old.state == SettingsReadState::Failed) {
+        return context.output.Failed(
+            FileFailure("Nothing was stored: the value that is there cannot be read, nor its type.",
+                        "--type replaces it by one of that type"));
+    }
     const bool keeps = type.empty() && old.state == SettingsReadState::Found;
     if (type.empty()) {
         type = keeps ? TypeName(old.value) : "text";
@@ -142,9 +153,6 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
         return context.output.Failed(UsageFailure(
             "\"" + options.value + "\" is no " + type + " value. " + fault,
             keeps ? "The value has been a " + type + " so far; --type text makes it a text." : ""));
-    }
-    if (const std::optional<Failure> failure = access.CannotWrite()) {
-        return context.output.Failed(*failure);
     }
     const SettingsKey key{access.Key(), {{name, *value}}};
     std::wstring refused;
@@ -162,16 +170,18 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
 }
 
 /// What a delete would take away; empty if there is nothing.
-std::vector<SettingsKey> Doomed(SettingsAccess& access, const std::optional<std::string>& name)
+/// @return nothing if it cannot be read
+std::optional<std::vector<SettingsKey>> Doomed(SettingsAccess& access,
+                                               const std::optional<std::string>& name)
 {
     if (!name) {
-        return ReadSettingsTree(access.Store(), access.Key());
+        return access.Tree();
     }
-    const SettingsRead read = access.Store().Get(access.Key(), FromUtf8(*name));
+    const SettingsRead read = access.Read(*name);
     if (read.state == SettingsReadState::Missing) {
-        return {};
+        return std::vector<SettingsKey>();
     }
-    return {{access.Key(), {{FromUtf8(*name), read.value}}}};
+    return std::vector{SettingsKey{access.Key(), {{FromUtf8(*name), read.value}}}};
 }
 
 ExitCode Delete(const Context& context, const SettingsOptions& options, bool isValue)
@@ -188,15 +198,18 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
     }
     SettingsAccess access(context, options);
     const auto name = isValue ? std::optional(options.name) : std::nullopt;
-    const std::vector<SettingsKey> doomed = Doomed(access, name);
-    if (doomed.empty()) {
+    const std::optional<std::vector<SettingsKey>> doomed = Doomed(access, name);
+    if (access.CannotRead() || !doomed) {
+        return context.output.Failed(access.NotRead());
+    }
+    if (doomed->empty()) {
         return context.output.Failed(Missing(access, options.name));
     }
     Report report;
     report.Add("deleted", "deleted", Value::YesNo(!options.dryRun));
     access.AddPlace(report);
-    AddKeys(report, doomed);
-    const std::string words = TreeWords(doomed, access.Key());
+    AddKeys(report, *doomed);
+    const std::string words = TreeWords(*doomed, access.Key());
     if (options.dryRun) {
         context.output.Note("Nothing was deleted. This is what would be:");
         return context.output.Done(report, words);

@@ -83,7 +83,7 @@ std::optional<Failure> ReadText(const Context& context, const std::string& file,
     }
     text.resize(kMaxSettingsText + 1);
     in->read(text.data(), static_cast<std::streamsize>(text.size()));
-    const bool failed = in->bad() || (file != "-" && !stream.is_open());
+    const bool failed = World::HasFailed(*in) || (file != "-" && !stream.is_open());
     text.resize(static_cast<std::size_t>(std::max<std::streamsize>(in->gcount(), 0)));
     return failed ? std::optional(FileFailure(file + " cannot be read.")) : std::nullopt;
 }
@@ -120,11 +120,14 @@ Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys
 ExitCode ExportSettings(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
-    const std::vector<SettingsKey> keys = ReadSettingsTree(access.Store(), access.Key());
-    const std::string text = FormatSettingsText(keys);
+    const std::optional<std::vector<SettingsKey>> keys = access.Tree();
+    if (!keys) {
+        return context.output.Failed(access.NotRead());
+    }
+    const std::string text = FormatSettingsText(*keys);
     Report report;
     access.AddPlace(report);
-    AddCounts(report, keys);
+    AddCounts(report, *keys);
     if (options.file.empty()) {
         report.Add("text", "text", Value::Text(text));
         return context.output.Done(report, text);
@@ -148,6 +151,9 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
             "Correct the line; docs/settings.md describes the file."));
     }
     SettingsAccess access(context, options);
+    if (const std::optional<Failure> failure = access.CannotRead()) {
+        return context.output.Failed(*failure);
+    }
     Report report;
     report.Add("stored", "stored", Value::YesNo(!options.dryRun));
     AddCounts(report, read.keys);

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <istream>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -190,11 +191,16 @@ public:
         }
     }
 
-    ExitCode Finish()
+    /// @param failure  why not all of the log was read, if so
+    ExitCode Finish(const std::optional<Failure>& failure)
     {
         m_report.Add("exchanged", "exchanged", Value::Integer(m_told));
         m_report.Add("faults", "faults", Value::Integer(m_faults));
         m_report.Add("damagedLines", "damaged lines", Value::Integer(m_damagedLines));
+        if (failure) {
+            return m_context.output.Failed(*failure,
+                                           m_context.output.IsJson() ? &m_report : nullptr);
+        }
         if (m_told == 0 && m_damagedLines > 0) {
             return m_context.output.Failed(
                 FileFailure("No line of it is one of an exchange log.",
@@ -264,6 +270,33 @@ private:
     std::int64_t m_damagedLines = 0;
 };
 
+/// What is named may have no lines and no end. The longest line that a log has is a read of 5120
+/// bytes, three characters each.
+constexpr std::size_t kMaxLine = 65536;
+
+/// Takes @p in line by line to its end, or until nobody wants more.
+/// @return why it could not be read to its end
+std::optional<Failure> Read(const Context& context, std::istream& in, const std::string& name,
+                            Tracer& tracer)
+{
+    std::vector<char> buffer(kMaxLine + 1);
+    std::int64_t lines = 0;
+    while (!context.world.StopRequested() && *context.world.out &&
+           in.getline(buffer.data(), kMaxLine + 1)) {
+        const std::streamsize terminator = in.eof() ? 0 : 1; // is counted
+        tracer.Take({buffer.data(), static_cast<std::size_t>(in.gcount() - terminator)});
+        ++lines;
+    }
+    const std::string next = "line " + std::to_string(lines + 1);
+    if (World::HasFailed(in)) {
+        return FileFailure(name + " cannot be read from " + next + " on.");
+    }
+    if (in.fail() && !in.eof()) {
+        return FileFailure(name + " is no exchange log: " + next + " is longer than any of a log.");
+    }
+    return std::nullopt;
+}
+
 ExitCode Run(const Context& context, const TraceOptions& options)
 {
     std::ifstream file;
@@ -279,14 +312,12 @@ ExitCode Run(const Context& context, const TraceOptions& options)
         file.clear();
     }
     Tracer tracer(context, options.brief);
-    std::string line;
-    while (!context.world.StopRequested() && *context.world.out &&
-           std::getline(fromStdin ? *context.world.in : file, line)) {
-        tracer.Take(line);
-    }
+    const std::optional<Failure> failure =
+        fromStdin ? Read(context, *context.world.in, "stdin", tracer)
+                  : Read(context, file, "The log " + options.file, tracer);
     return context.world.StopRequested()
                ? context.output.Failed(RequestFailure(CommandFault::Cancelled, ""))
-               : tracer.Finish();
+               : tracer.Finish(failure);
 }
 
 } // namespace

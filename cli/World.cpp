@@ -101,6 +101,12 @@ std::string SetMachineClock(Clock::UtcTime time)
 
 } // namespace
 
+bool World::HasFailed(const std::istream& stream)
+{
+    // The standard input takes a failure for its end.
+    return stream.bad() || (&stream == &std::cin && std::ferror(stdin) != 0);
+}
+
 World World::OfThisProcess()
 {
     CatchStopSignals();

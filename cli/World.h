@@ -52,6 +52,9 @@ struct World
 
     [[nodiscard]] bool StopRequested() const { return stopSignal() != 0; }
 
+    /// Whether reading a stream has failed, which is not its end.
+    [[nodiscard]] static bool HasFailed(const std::istream& stream);
+
     /// The process that asks. Ctrl-C and a termination request are noted from now on instead of
     /// ending it at once.
     static World OfThisProcess();

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 using namespace fieldcore;
 
@@ -37,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     {
         SqliteSettingsStore store(file);
-        for (const std::wstring& key : store.Keys(L"")) {
+        for (const std::wstring& key : store.Keys(L"").value_or(std::vector<std::wstring>())) {
             static_cast<void>(store.Values(key));
         }
         if (!store.Set(L"K", L"n", std::uint32_t{7}, KeyOpening::Create) ||

@@ -1,6 +1,5 @@
 #include "simulator/ExchangeRecord.h"
 
-#include <cerrno>
 #include <charconv>
 #include <system_error>
 #include <utility>
@@ -72,13 +71,11 @@ bool ParseLogLine(std::string_view line, RecordedBytes& piece, std::string& erro
 bool ExchangeRecord::OpenFile(const std::filesystem::path& path, std::string& error)
 {
     const std::scoped_lock lock(m_mutex);
-    errno = 0;
-    m_file.open(path, std::ios::binary | std::ios::trunc);
-    if (!m_file.is_open()) {
-        error = path.string() + ": " + std::generic_category().message(errno);
-        return false;
+    const std::error_code fault = m_file.Open(path, LogFile::Start::New);
+    if (fault) {
+        error = path.string() + ": " + fault.message();
     }
-    return true;
+    return !fault;
 }
 
 void ExchangeRecord::Add(Direction direction, Clock::Duration time,
@@ -91,8 +88,8 @@ void ExchangeRecord::Add(Direction direction, Clock::Duration time,
         m_pieces.pop_front();
     }
     m_pieces.push_back({direction, time, {bytes.begin(), bytes.end()}});
-    if (m_file.is_open()) {
-        m_file << LogLine(direction, bytes) << std::flush; // complete even if we are killed
+    if (m_file.IsOpen() && !m_isTorn) { // nothing behind half a line
+        m_isTorn = static_cast<bool>(m_file.Write(LogLine(direction, bytes)));
     }
 }
 

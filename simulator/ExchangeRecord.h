@@ -1,12 +1,12 @@
 #pragma once
 
 #include "core/platform/Clock.h"
+#include "core/platform/LogFile.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <mutex>
 #include <span>
 #include <string>
@@ -59,7 +59,8 @@ private:
     const std::size_t m_byteLimit;
     std::deque<RecordedBytes> m_pieces; // guarded by m_mutex
     std::size_t m_bytes = 0;            // guarded by m_mutex: of m_pieces
-    std::ofstream m_file;               // guarded by m_mutex
+    LogFile m_file;                     // guarded by m_mutex
+    bool m_isTorn = false;              // guarded by m_mutex: the file could not be written
 };
 
 } // namespace fieldcore::simulator

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -42,6 +43,47 @@ timespec ToTimespec(Clock::Duration duration)
     value.tv_sec = static_cast<std::time_t>(whole.count());
     value.tv_nsec = static_cast<long>((positive - whole).count());
     return value;
+}
+
+constexpr const char* kFolderName = "fieldcore-sim-";
+constexpr const char* kLinkName = "receiver";
+
+bool IsLater(const timespec& time, const timespec& other)
+{
+    return time.tv_sec != other.tv_sec ? time.tv_sec > other.tv_sec : time.tv_nsec > other.tv_nsec;
+}
+
+/// Whether a simulator of this user that was killed left @p link: the pair that it names is gone,
+/// or its number was given to a terminal that is younger than the link.
+bool IsLeftOver(const fs::path& link)
+{
+    std::error_code failure;
+    const fs::path target = fs::read_symlink(link, failure);
+    struct stat made = {};
+    if (failure || target.parent_path() != "/dev/pts" || lstat(link.c_str(), &made) != 0 ||
+        made.st_uid != geteuid()) {
+        return false;
+    }
+    struct stat terminal = {};
+    if (stat(target.c_str(), &terminal) != 0) {
+        return errno == ENOENT;
+    }
+    return IsLater(terminal.st_ctim, made.st_ctim);
+}
+
+/// Removes the folders that simulators of this user left when they were killed.
+void RemoveLeftOvers(const fs::path& temporary)
+{
+    std::error_code ignored;
+    fs::directory_iterator entry(temporary, ignored);
+    for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
+        const fs::path& folder = entry->path();
+        if (folder.filename().string().starts_with(kFolderName) &&
+            fs::is_directory(entry->symlink_status(ignored)) && IsLeftOver(folder / kLinkName)) {
+            fs::remove(folder / kLinkName, ignored);
+            fs::remove(folder, ignored);
+        }
+    }
 }
 
 /// No echo, no line ends made of others, no signals: every byte passes as it is, also those that
@@ -80,13 +122,14 @@ bool PseudoTerminal::SetLink(std::string& error)
     }
     std::error_code failure;
     const fs::path temporary = fs::temp_directory_path(failure);
-    std::string folder = (temporary / "fieldcore-sim-XXXXXX").string();
+    RemoveLeftOvers(temporary);
+    std::string folder = (temporary / kFolderName).string() + "XXXXXX";
     if (failure || mkdtemp(folder.data()) == nullptr) {
         error = LastError("no folder for the port among the temporary files");
         return false;
     }
     m_folder = folder;
-    m_link = m_folder / "receiver";
+    m_link = m_folder / kLinkName;
     return true;
 }
 
@@ -137,13 +180,13 @@ bool PseudoTerminal::Publish(std::string& error)
     std::error_code failure;
     const fs::file_status there = fs::symlink_status(m_link, failure);
     if (fs::exists(there)) {
-        // A simulator that was killed leaves its link behind. The pair that it names is gone or,
-        // since their numbers are given out again, is this very one.
         const fs::path target = fs::read_symlink(m_link, failure);
-        const bool wasOurs = !failure && target.parent_path() == "/dev/pts" &&
-                             (target == m_slaveName || !fs::exists(target, failure));
-        if (!wasOurs) {
-            error = m_link.string() + ": is there already, and is no link that a simulator left";
+        if (target != m_slaveName && !IsLeftOver(m_link)) {
+            error = m_link.string() +
+                    (target.parent_path() == "/dev/pts"
+                         ? ": leads to " + target.string() +
+                               ", a terminal in use; remove the link if no simulator runs there"
+                         : ": is there already, and is no link that a simulator left");
             return false;
         }
         fs::remove(m_link, failure);

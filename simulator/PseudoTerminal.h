@@ -18,7 +18,7 @@ class PseudoTerminal final : public Port
 {
 public:
     /// @param link  where it appears; empty: a link in a fresh private folder among the temporary
-    ///              files
+    ///              files, where those that killed simulators left are removed
     explicit PseudoTerminal(std::filesystem::path link) : m_wanted(std::move(link)) {}
     ~PseudoTerminal() override; ///< closes it, and removes the link and its folder
     PseudoTerminal(const PseudoTerminal&) = delete;

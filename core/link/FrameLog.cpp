@@ -1,9 +1,10 @@
 #include "core/link/FrameLog.h"
 
+#include "core/platform/LogFile.h"
+
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <string_view>
 
 namespace fieldcore {
@@ -48,9 +49,8 @@ std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> byte
 bool AppendToFrameLog(const std::filesystem::path& file, Direction direction,
                       std::span<const std::uint8_t> bytes)
 {
-    std::ofstream log(file, std::ios::binary | std::ios::app);
-    log << FrameLogLine(direction, bytes) << std::flush;
-    return log.good();
+    LogFile log;
+    return !log.Open(file, LogFile::Start::Append) && !log.Write(FrameLogLine(direction, bytes));
 }
 
 } // namespace fieldcore

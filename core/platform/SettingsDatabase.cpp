@@ -5,11 +5,14 @@
 
 #include <cerrno>
 #include <chrono>
+#include <initializer_list>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fieldcore {
@@ -45,31 +48,38 @@ constexpr const char* kTables = R"sql(
     INSERT INTO key VALUES ('', '');
 )sql";
 
-enum class OpenResult
-{
-    Ready,
-    Damaged, ///< something else than settings is in the file
-    Unusable ///< it cannot be opened or written now
-};
+/// What SQLite's codes do not say: the file is a sound database, and not ours.
+constexpr int kForeign = SQLITE_MISMATCH;
 
+/// A database that was opened, or why it was not.
 struct Attempt
 {
-    OpenResult result = OpenResult::Unusable;
-    SqliteHandle handle;
-    std::string reason; ///< why it is not ready
+    int result = SQLITE_OK; ///< SQLite's code, or kForeign
+    SqliteHandle handle;    ///< of meaning if that is SQLITE_OK
+    std::string reason;     ///< else
 };
 
 /// Not part of this includes: the locks that SQLite sets on the file itself, which do not cover
 /// making the file, setting it aside and the change to a write-ahead log.
+///
+/// Who may only read a file can lock it. So this one can only be written, by those who may.
 class OpeningLock
 {
 public:
-    explicit OpeningLock(const fs::path& file)
+    OpeningLock(const fs::path& file, SettingsSharing sharing)
         : m_descriptor(open((file.string() + ".lock").c_str(),
-                            O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666))
+                            O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
+                            sharing == SettingsSharing::Private ? S_IWUSR : kWriters))
     {
-        m_error = m_descriptor < 0 ? std::error_code(errno, std::generic_category())
-                                   : LockFile(m_descriptor, kBusyLimit);
+        if (m_descriptor < 0) {
+            m_error = {errno, std::generic_category()};
+            return;
+        }
+        struct stat status = {};
+        if (fstat(m_descriptor, &status) == 0 && (status.st_mode & kReaders) != 0) {
+            fchmod(m_descriptor, status.st_mode & kWriters); // as earlier versions made it
+        }
+        m_error = LockFile(m_descriptor, kBusyLimit);
     }
     ~OpeningLock()
     {
@@ -83,6 +93,9 @@ public:
     [[nodiscard]] const std::error_code& Error() const { return m_error; }
 
 private:
+    static constexpr mode_t kWriters = S_IWUSR | S_IWGRP | S_IWOTH;
+    static constexpr mode_t kReaders = S_IRUSR | S_IRGRP | S_IROTH;
+
     int m_descriptor;
     std::error_code m_error;
 };
@@ -114,11 +127,26 @@ bool IsDamage(int result)
     return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
 }
 
+std::string Reason(sqlite3* database, int result)
+{
+    if (result == kForeign) {
+        return "no settings are in it; move it away, and a new one is begun";
+    }
+    std::string reason = sqlite3_extended_errcode(database) == result ? sqlite3_errmsg(database)
+                                                                      : sqlite3_errstr(result);
+    const int primary = result & 0xFF;
+    if (const int cause = sqlite3_system_errno(database);
+        cause != 0 && (primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN)) {
+        reason += ", " + std::generic_category().message(cause);
+    }
+    return reason;
+}
+
+/// Closes the database as it is, without copying its log into the file.
 Attempt Failed(SqliteHandle handle, int result)
 {
-    Attempt attempt{IsDamage(result) ? OpenResult::Damaged : OpenResult::Unusable, nullptr,
-                    sqlite3_errmsg(handle.get())};
-    return attempt; // which closes the database
+    sqlite3_db_config(handle.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    return {result, nullptr, Reason(handle.get(), result)};
 }
 
 /// Makes the log as long as it is going to be, with as many commits of one page as that takes. They
@@ -146,8 +174,8 @@ int MakeTables(sqlite3* database)
     return result == SQLITE_OK ? GrowLog(database) : result;
 }
 
-/// How the connection behaves; nothing of it is kept in the file but the write-ahead log.
-int Configure(sqlite3* database)
+/// How the connection behaves; nothing of it is kept in the file.
+void Configure(sqlite3* database)
 {
     sqlite3_extended_result_codes(database, 1);
     sqlite3_busy_timeout(database, static_cast<int>(kBusyLimit.count()));
@@ -157,6 +185,43 @@ int Configure(sqlite3* database)
     sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+}
+
+Attempt Open(const std::string& name, int flags)
+{
+    sqlite3* opened = nullptr;
+    const int result = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    SqliteHandle handle(opened);
+    if (result != SQLITE_OK) {
+        return Failed(std::move(handle), result);
+    }
+    Configure(opened);
+    return {SQLITE_OK, std::move(handle), ""};
+}
+
+SqliteHandle OpenMemory()
+{
+    return Open(":memory:", SQLITE_OPEN_READWRITE).handle;
+}
+
+/// Whether the database is ours; writes nothing. One that has nothing in it yet is.
+int Identify(sqlite3* database, bool& isEmpty)
+{
+    std::string id;
+    std::string objects;
+    int result = Ask(database, "PRAGMA application_id", id);
+    if (result == SQLITE_ROW) {
+        result = Ask(database, "SELECT count(*) FROM sqlite_schema", objects);
+    }
+    if (result != SQLITE_ROW) {
+        return result;
+    }
+    isEmpty = id == "0" && objects == "0";
+    return isEmpty || id == std::to_string(kApplicationId) ? SQLITE_OK : kForeign;
+}
+
+int UseLog(sqlite3* database)
+{
     int keepLog = 1;
     sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &keepLog);
     std::string mode;
@@ -164,51 +229,83 @@ int Configure(sqlite3* database)
     if (result != SQLITE_ROW) {
         return result;
     }
-    return mode == "wal" ? SQLITE_OK : SQLITE_READONLY;
+    // What may only be read opens without a word.
+    const bool canWrite = mode == "wal" && sqlite3_db_readonly(database, "main") == 0;
+    return canWrite ? SQLITE_OK : SQLITE_READONLY;
+}
+
+int CopyAll(sqlite3* from, sqlite3* to)
+{
+    if (to == nullptr) {
+        return SQLITE_NOMEM;
+    }
+    sqlite3_backup* const backup = sqlite3_backup_init(to, "main", from, "main");
+    if (backup == nullptr) {
+        return sqlite3_errcode(to);
+    }
+    const int copied = sqlite3_backup_step(backup, -1);
+    sqlite3_backup_finish(backup);
+    return copied == SQLITE_DONE ? SQLITE_OK : copied;
+}
+
+int CheckPages(sqlite3* database)
+{
+    std::string answer;
+    const int result = Ask(database, "PRAGMA quick_check(1)", answer);
+    if (result != SQLITE_ROW) {
+        return result;
+    }
+    return answer == "ok" ? SQLITE_OK : SQLITE_CORRUPT;
 }
 
 /// Whether the file holds what MakeTables() makes, unharmed.
-bool IsSound(sqlite3* database)
+int Check(sqlite3* database)
 {
-    std::string id;
-    std::string check;
-    std::string root;
-    return Ask(database, "PRAGMA application_id", id) == SQLITE_ROW &&
-           id == std::to_string(kApplicationId) &&
-           Ask(database, "PRAGMA quick_check(1)", check) == SQLITE_ROW && check == "ok" &&
-           Ask(database, "SELECT path FROM key WHERE folded = ''", root) == SQLITE_ROW &&
-           SqliteStatement().Prepare(
-               database, "SELECT folded_key, folded_name, name, type, data FROM value") ==
-               SQLITE_OK;
+    int result = CheckPages(database);
+    if (IsDamage(result)) {
+        // A page that cannot be read now is called the same. In memory all of them can be read.
+        const SqliteHandle memory = OpenMemory();
+        result = CopyAll(database, memory.get());
+        if (result == SQLITE_OK) {
+            result =
+                CheckPages(memory.get()) == SQLITE_CORRUPT ? SQLITE_CORRUPT : SQLITE_IOERR_READ;
+        }
+    }
+    for (const char* const rows : {"SELECT folded, path FROM key",
+                                   "SELECT folded_key, folded_name, name, type, data FROM value"}) {
+        result = result == SQLITE_OK ? SqliteStatement().Prepare(database, rows) : result;
+    }
+    return result;
 }
 
-Attempt TryOpen(const fs::path& file)
+/// Whether the log can be written, too.
+int ProveWritable(sqlite3* database)
 {
-    sqlite3* opened = nullptr;
-    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-    int result = sqlite3_open_v2(file.c_str(), &opened, kFlags, nullptr);
-    SqliteHandle handle(opened);
+    sqlite3_busy_timeout(database, 0);
+    const int result = Execute(database, "BEGIN IMMEDIATE; ROLLBACK");
+    sqlite3_busy_timeout(database, static_cast<int>(kBusyLimit.count()));
+    return (result & 0xFF) == SQLITE_BUSY ? SQLITE_OK : result; // who may not is told so
+}
+
+Attempt OpenFile(const fs::path& file)
+{
+    Attempt attempt = Open(file.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    if (attempt.result != SQLITE_OK) {
+        return attempt;
+    }
+    sqlite3* const database = attempt.handle.get();
+    bool isEmpty = false;
+    int result = Identify(database, isEmpty); // first: another program's file is left as it is
+    result = result == SQLITE_OK ? UseLog(database) : result;
     if (result == SQLITE_OK) {
-        result = Configure(opened);
+        result = isEmpty ? MakeTables(database) : Check(database);
     }
-    std::string objects;
+    result = result == SQLITE_OK ? ProveWritable(database) : result;
     if (result == SQLITE_OK) {
-        result = Ask(opened, "SELECT count(*) FROM sqlite_schema", objects);
+        result = Execute(database, "PRAGMA synchronous=FULL; PRAGMA wal_autocheckpoint=" +
+                                       std::to_string(kCheckpointPages));
     }
-    if (result != SQLITE_ROW) {
-        return Failed(std::move(handle), result);
-    }
-    if (objects == "0") {
-        result = MakeTables(opened);
-        if (result != SQLITE_OK) {
-            return Failed(std::move(handle), result);
-        }
-    } else if (!IsSound(opened)) {
-        return Failed(std::move(handle), SQLITE_CORRUPT);
-    }
-    Execute(opened, "PRAGMA synchronous=FULL; PRAGMA wal_autocheckpoint=" +
-                        std::to_string(kCheckpointPages));
-    return {OpenResult::Ready, std::move(handle), ""};
+    return result == SQLITE_OK ? std::move(attempt) : Failed(std::move(attempt.handle), result);
 }
 
 /// Renames the file and what SQLite keeps beside it, so that it can still be looked at.
@@ -255,44 +352,93 @@ std::string UriPath(std::string_view path)
     return escaped;
 }
 
-/// A database in memory, with what can be read from @p file.
-SqliteHandle OpenInMemory(const fs::path& file)
+bool HasLog(const fs::path& file)
 {
-    sqlite3* opened = nullptr;
-    sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
-    SqliteHandle memory(opened);
-    std::error_code ignored;
-    if (!fs::is_regular_file(file, ignored)) {
-        Execute(opened, kTables);
-        return memory;
-    }
-    // Where nothing can be written there is no log either, and nothing to lock.
-    const std::string address = "file:" + UriPath(file.string()) + "?mode=ro&immutable=1";
-    sqlite3* source = nullptr;
-    const int found =
-        sqlite3_open_v2(address.c_str(), &source, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
-    const SqliteHandle sourceHandle(source);
-    if (found == SQLITE_OK && IsSound(source)) {
-        sqlite3_backup* backup = sqlite3_backup_init(opened, "main", source, "main");
-        const bool copied = backup != nullptr && sqlite3_backup_step(backup, -1) == SQLITE_DONE;
-        if (sqlite3_backup_finish(backup) == SQLITE_OK && copied) {
-            return memory;
-        }
-    }
-    Execute(opened, kTables);
-    return memory;
+    std::error_code error;
+    const fs::path target = fs::canonical(file, error); // the log is beside the file, not its link
+    const auto size = fs::file_size((error ? file : target).string() + "-wal", error);
+    return error ? error != std::errc::no_such_file_or_directory : size > 0;
 }
 
+/// All that the file and its log hold, in memory.
+Attempt ReadAll(const fs::path& file)
+{
+    // What has no log can be read as it is, even where no lock can be set. What has one is never
+    // read without it: the newest settings are only there.
+    const bool hasLog = HasLog(file);
+    const std::string address =
+        "file:" + UriPath(file.string()) + (hasLog ? "?mode=ro" : "?mode=ro&immutable=1");
+    Attempt source = Open(address, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if (source.result != SQLITE_OK) {
+        return source;
+    }
+    bool isEmpty = false;
+    int result = Identify(source.handle.get(), isEmpty);
+    if (result == SQLITE_OK && !isEmpty) {
+        result = Check(source.handle.get());
+    }
+    SqliteHandle memory = OpenMemory();
+    if (result == SQLITE_OK) {
+        result =
+            isEmpty ? Execute(memory.get(), kTables) : CopyAll(source.handle.get(), memory.get());
+    }
+    if (result == SQLITE_OK && HasLog(file) != hasLog) {
+        result = SQLITE_BUSY; // somebody has begun to write meanwhile
+    }
+    return result == SQLITE_OK ? Attempt{SQLITE_OK, std::move(memory), ""}
+                               : Failed(std::move(source.handle), result);
+}
+
+/// Settings in memory, with what can be read from the file.
 SettingsDatabase InMemory(const fs::path& file, const std::string& reason)
 {
-    return {OpenInMemory(file), {SettingsNotice::Kind::NotKept, file.string(), reason}};
+    SettingsNotice notice{SettingsNotice::Kind::NotKept, file.string(), reason};
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (fs::is_regular_file(status) || !fs::status_known(status)) {
+        Attempt read = ReadAll(file);
+        if (read.result == SQLITE_OK) {
+            return {std::move(read.handle), std::move(notice)};
+        }
+        notice.kind = SettingsNotice::Kind::NotRead;
+        notice.reason = read.reason == reason ? reason : reason + "; " + read.reason;
+    }
+    SqliteHandle memory = OpenMemory();
+    Execute(memory.get(), kTables);
+    return {std::move(memory), std::move(notice)};
+}
+
+/// Makes the folder if it is not there; the user's own for the user alone.
+std::error_code MakeFolder(const fs::path& folder, SettingsSharing sharing)
+{
+    std::error_code ignored;
+    const bool isNew = !fs::exists(folder, ignored);
+    const std::error_code error = Folders::Create(folder);
+    if (!error && isNew && sharing == SettingsSharing::Private) {
+        fs::permissions(folder, fs::perms::owner_all, ignored);
+    }
+    return error;
+}
+
+/// SQLite would make the file for all to read, and what belongs to it like the file.
+void MakePrivate(const fs::path& file)
+{
+    const int made = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (made >= 0) {
+        close(made);
+    }
+    for (const std::string suffix : {"", "-wal", "-shm"}) {
+        std::error_code ignored; // they may not be there, or not be ours
+        fs::permissions(file.string() + suffix, fs::perms::group_all | fs::perms::others_all,
+                        fs::perm_options::remove, ignored);
+    }
 }
 
 } // namespace
 
-SettingsDatabase OpenSettingsDatabase(const fs::path& file)
+SettingsDatabase OpenSettingsDatabase(const fs::path& file, SettingsSharing sharing)
 {
-    if (const std::error_code error = Folders::Create(file.parent_path())) {
+    if (const std::error_code error = MakeFolder(file.parent_path(), sharing)) {
         return InMemory(file, error.message());
     }
     std::error_code unknown;
@@ -300,21 +446,30 @@ SettingsDatabase OpenSettingsDatabase(const fs::path& file)
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         return InMemory(file, "not a file"); // opening a pipe would wait for its other end
     }
-    const OpeningLock lock(file);
+    const OpeningLock lock(file, sharing);
     if (lock.Error()) {
-        return InMemory(file, lock.Error().message());
+        return InMemory(file, lock.Error() == std::errc::timed_out
+                                  ? "another program keeps it locked"
+                                  : lock.Error().message());
     }
-    Attempt attempt = TryOpen(file);
+    if (sharing == SettingsSharing::Private) {
+        MakePrivate(file);
+    }
+    Attempt attempt = OpenFile(file);
     SettingsNotice notice;
-    if (attempt.result == OpenResult::Damaged) {
+    if (IsDamage(attempt.result)) {
         const fs::path aside = SetAside(file);
         if (aside.empty()) {
             return InMemory(file, "damaged, and cannot be renamed");
         }
         notice = {SettingsNotice::Kind::SetAside, aside.string(), ""};
-        attempt = TryOpen(file);
+        if (sharing == SettingsSharing::Private) {
+            MakePrivate(file);
+        }
+        attempt = OpenFile(file);
+        attempt.reason = "damaged and kept as " + aside.string() + "; " + attempt.reason;
     }
-    if (attempt.result != OpenResult::Ready) {
+    if (attempt.result != SQLITE_OK) {
         return InMemory(file, attempt.reason);
     }
     return {std::move(attempt.handle), notice};

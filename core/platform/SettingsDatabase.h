@@ -16,10 +16,12 @@ struct SettingsDatabase
 
 /// Opens the settings file, and makes it and its folder if they are not there.
 ///
-/// A file that is damaged, or is no settings file at all, is renamed to FILE.damaged-1 (or the next
-/// number that is free) and a new one begun. Where no file can be written the settings are kept in
-/// memory; they start as a copy of the file if it can at least be read. The notice tells of both.
+/// A file that SQLite calls damaged or no database is renamed to FILE.damaged-1 (or the next number
+/// that is free) and a new one begun. After any other failure, and where no file can be written,
+/// nothing is written, and the settings are kept in memory; they start as a copy of the file with
+/// its log, if these can be read. The notice tells of all that.
 /// Any thread; several processes may open the same file at once.
-[[nodiscard]] SettingsDatabase OpenSettingsDatabase(const std::filesystem::path& file);
+[[nodiscard]] SettingsDatabase OpenSettingsDatabase(const std::filesystem::path& file,
+                                                    SettingsSharing sharing);
 
 } // namespace fieldcore

@@ -12,6 +12,8 @@ std::string SettingsNotice::Words() const
     case Kind::NotKept:
         return "Settings cannot be saved and last only until the program ends: " + file + ": " +
                reason + ".";
+    case Kind::NotRead:
+        return "Settings can be neither read nor saved: " + file + ": " + reason + ".";
     case Kind::SetAside:
         return "The settings file was damaged. It is kept as " + file +
                ", and the settings start anew.";

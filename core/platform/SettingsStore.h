@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -39,6 +40,13 @@ struct SettingsRead
     SettingsValue value; ///< of meaning when Found
 };
 
+/// Whom a store's file is made for.
+enum class SettingsSharing
+{
+    Private, ///< its owner alone
+    Shared   ///< all users of the machine, as far as the file's rights let them
+};
+
 /// What the user of a store should know about it.
 struct SettingsNotice
 {
@@ -46,11 +54,12 @@ struct SettingsNotice
     {
         None,    ///< nothing
         NotKept, ///< nothing can be saved: the settings last until the program ends
+        NotRead, ///< and what was saved cannot be read: they start anew
         SetAside ///< the file was damaged and is kept under another name; the settings start anew
     };
     Kind kind = Kind::None;
     std::string file = {};   ///< that cannot be used, or that was kept
-    std::string reason = {}; ///< why nothing can be saved, for who knows the machine
+    std::string reason = {}; ///< why it cannot be used, for who knows the machine
 
     [[nodiscard]] bool IsEmpty() const { return kind == Kind::None; }
     /// In plain English, for a terminal; empty: nothing.
@@ -93,10 +102,13 @@ public:
     [[nodiscard]] virtual bool DeleteValue(std::wstring_view key, std::wstring_view name) = 0;
 
     /// Names of the keys directly below @p key, in alphabetical order.
-    [[nodiscard]] virtual std::vector<std::wstring> Keys(std::wstring_view key) = 0;
+    /// @return nothing if the store could not be read to its end
+    [[nodiscard]] virtual std::optional<std::vector<std::wstring>> Keys(std::wstring_view key) = 0;
 
     /// The values of @p key by name, in alphabetical order; what is no setting is left out.
-    [[nodiscard]] virtual std::vector<NamedSetting> Values(std::wstring_view key) = 0;
+    /// @return nothing if the store could not be read to its end
+    [[nodiscard]] virtual std::optional<std::vector<NamedSetting>>
+    Values(std::wstring_view key) = 0;
 
     /// Whether what is written outlasts the program; false where nothing can be written.
     [[nodiscard]] virtual bool IsKept() const = 0;

@@ -146,9 +146,9 @@ void BindValue(SqliteStatement& statement, const SettingsValue& value, std::stri
 
 struct SqliteSettingsStore::Database
 {
-    explicit Database(const std::filesystem::path& file)
+    Database(const std::filesystem::path& file, SettingsSharing sharing)
     {
-        SettingsDatabase opened = OpenSettingsDatabase(file);
+        SettingsDatabase opened = OpenSettingsDatabase(file, sharing);
         notice = std::move(opened.notice);
         handle = std::move(opened.handle);
         for (std::size_t query = 0; query < kQueryCount; ++query) {
@@ -254,8 +254,8 @@ struct SqliteSettingsStore::Database
     std::array<SqliteStatement, kQueryCount> statements; // last, so that they go before the handle
 };
 
-SqliteSettingsStore::SqliteSettingsStore(const std::filesystem::path& file)
-    : m_database(std::make_unique<Database>(file))
+SqliteSettingsStore::SqliteSettingsStore(const std::filesystem::path& file, SettingsSharing sharing)
+    : m_database(std::make_unique<Database>(file, sharing))
 {}
 
 SqliteSettingsStore::~SqliteSettingsStore() = default;
@@ -349,7 +349,7 @@ bool SqliteSettingsStore::DeleteValue(std::wstring_view key, std::wstring_view n
            sqlite3_changes(m_database->handle.get()) > 0;
 }
 
-std::vector<std::wstring> SqliteSettingsStore::Keys(std::wstring_view key)
+std::optional<std::vector<std::wstring>> SqliteSettingsStore::Keys(std::wstring_view key)
 {
     std::vector<std::wstring> names;
     const std::optional<std::wstring> path = CleanPath(key);
@@ -361,16 +361,17 @@ std::vector<std::wstring> SqliteSettingsStore::Keys(std::wstring_view key)
     const StatementUse use(list);
     list.Bind(2, below.first).Bind(3, below.last);
     const std::size_t prefix = path->empty() ? 0 : path->size() + 1;
-    while (list.Step() == SQLITE_ROW) {
+    int result = list.Step();
+    for (; result == SQLITE_ROW; result = list.Step()) {
         const std::wstring found = FromUtf8(list.Text(0));
         if (found.size() > prefix && found.find(kSeparator, prefix) == std::wstring::npos) {
             names.push_back(found.substr(prefix));
         }
     }
-    return names;
+    return result == SQLITE_DONE ? std::optional(std::move(names)) : std::nullopt;
 }
 
-std::vector<NamedSetting> SqliteSettingsStore::Values(std::wstring_view key)
+std::optional<std::vector<NamedSetting>> SqliteSettingsStore::Values(std::wstring_view key)
 {
     std::vector<NamedSetting> values;
     const std::optional<std::wstring> path = CleanPath(key);
@@ -381,12 +382,13 @@ std::vector<NamedSetting> SqliteSettingsStore::Values(std::wstring_view key)
     SqliteStatement& list = (*m_database)[Query::ListValues];
     const StatementUse use(list);
     list.Bind(1, folded);
-    while (list.Step() == SQLITE_ROW) {
+    int result = list.Step();
+    for (; result == SQLITE_ROW; result = list.Step()) {
         if (std::optional<SettingsValue> value = ValueOf(list)) {
             values.push_back({FromUtf8(list.Text(2)), std::move(*value)});
         }
     }
-    return values;
+    return result == SQLITE_DONE ? std::optional(std::move(values)) : std::nullopt;
 }
 
 bool SqliteSettingsStore::IsKept() const

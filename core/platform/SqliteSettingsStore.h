@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,8 @@ class SqliteSettingsStore final : public SettingsStore
 {
 public:
     /// Opens @p file; the store can be used whatever becomes of it.
-    explicit SqliteSettingsStore(const std::filesystem::path& file);
+    explicit SqliteSettingsStore(const std::filesystem::path& file,
+                                 SettingsSharing sharing = SettingsSharing::Private);
     ~SqliteSettingsStore() override;
     SqliteSettingsStore(const SqliteSettingsStore&) = delete;
     SqliteSettingsStore& operator=(const SqliteSettingsStore&) = delete;
@@ -29,8 +31,8 @@ public:
                            const SettingsValue& value, KeyOpening opening) override;
     [[nodiscard]] bool DeleteKey(std::wstring_view key) override;
     [[nodiscard]] bool DeleteValue(std::wstring_view key, std::wstring_view name) override;
-    [[nodiscard]] std::vector<std::wstring> Keys(std::wstring_view key) override;
-    [[nodiscard]] std::vector<NamedSetting> Values(std::wstring_view key) override;
+    [[nodiscard]] std::optional<std::vector<std::wstring>> Keys(std::wstring_view key) override;
+    [[nodiscard]] std::optional<std::vector<NamedSetting>> Values(std::wstring_view key) override;
     [[nodiscard]] bool IsKept() const override;
     [[nodiscard]] SettingsNotice TakeNotice() override;
 

@@ -24,7 +24,9 @@ SettingsStore& SettingsRoots::Store(RootKey root)
 {
     Root& entry = m_roots[static_cast<std::size_t>(root)];
     if (!entry.store) {
-        entry.store = std::make_unique<SqliteSettingsStore>(entry.file);
+        entry.store = std::make_unique<SqliteSettingsStore>(
+            entry.file,
+            root == RootKey::LocalMachine ? SettingsSharing::Shared : SettingsSharing::Private);
     }
     return *entry.store;
 }

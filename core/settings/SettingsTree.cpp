@@ -14,25 +14,30 @@ std::wstring Below(const std::wstring& path, const std::wstring& name)
 
 } // namespace
 
-std::vector<SettingsKey> ReadSettingsTree(SettingsStore& store, std::wstring_view path)
+std::optional<std::vector<SettingsKey>> ReadSettingsTree(SettingsStore& store,
+                                                         std::wstring_view path)
 {
     // Keeps others from writing meanwhile. Where that cannot be had the tree is read all the same.
     const SettingsBatch still(store);
     std::vector<SettingsKey> keys;
-    if (!store.OpenKey(path, KeyOpening::Existing)) {
-        return keys;
-    }
-    std::vector<std::wstring> waiting{std::wstring(path)}; // the next one last
+    const bool isThere = store.OpenKey(path, KeyOpening::Existing); // or could not be looked for
+    std::vector<std::wstring> waiting{std::wstring(path)};          // the next one last
     while (!waiting.empty()) {
         std::wstring key = std::move(waiting.back());
         waiting.pop_back();
-        std::vector<std::wstring> below = store.Keys(key);
-        std::reverse(below.begin(), below.end());
-        for (const std::wstring& name : below) {
+        std::optional<std::vector<std::wstring>> below = store.Keys(key);
+        std::optional<std::vector<NamedSetting>> values = store.Values(key);
+        if (!below || !values) {
+            return std::nullopt;
+        }
+        if (!isThere && below->empty() && values->empty()) {
+            return keys;
+        }
+        std::reverse(below->begin(), below->end());
+        for (const std::wstring& name : *below) {
             waiting.push_back(Below(key, name));
         }
-        std::vector<NamedSetting> values = store.Values(key);
-        keys.push_back({std::move(key), std::move(values)});
+        keys.push_back({std::move(key), std::move(*values)});
     }
     return keys;
 }

@@ -3,6 +3,7 @@
 #include "core/platform/SettingsStore.h"
 #include "core/settings/SettingsText.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,9 +15,9 @@ namespace fieldcore {
 
 /// The key @p path with its values and all keys below it, each after the one it stands in, in
 /// alphabetical order; read as they are at one moment, whatever other processes do.
-/// @return nothing if there is no such key
-[[nodiscard]] std::vector<SettingsKey> ReadSettingsTree(SettingsStore& store,
-                                                        std::wstring_view path);
+/// @return no keys if there is none at @p path; nothing if the store could not be read to its end
+[[nodiscard]] std::optional<std::vector<SettingsKey>> ReadSettingsTree(SettingsStore& store,
+                                                                       std::wstring_view path);
 
 /// Stores all of @p keys, or nothing. What is in the store besides stays there.
 /// @param refused  what could not be stored, if it was one value and not the store as a whole

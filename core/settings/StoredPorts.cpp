@@ -37,7 +37,8 @@ std::vector<std::wstring> AssignStoredPorts(PortNames& names, SettingsRoots& roo
         return faults;
     }
     const std::wstring key = HostBasePath() + L'\\' + kPortsKey;
-    for (const NamedSetting& setting : roots.Store(RootKey::CurrentUser).Values(key)) {
+    const auto values = roots.Store(RootKey::CurrentUser).Values(key);
+    for (const NamedSetting& setting : values.value_or(std::vector<NamedSetting>())) {
         const std::optional<int> com = ComNumberOf(setting.name);
         const auto* const path = std::get_if<std::wstring>(&setting.value);
         if (!com || path == nullptr || !names.Assign(*com, ToUtf8(*path))) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 namespace fieldcore::cli::test {
 namespace {
@@ -76,6 +77,29 @@ TEST(Settings, FindTheRootAndKeyThatAreMeant)
     EXPECT_EQ(runner.Run("settings list").out, "Software\\Aldex-Corvane\\olen+(GPS)\\\n"
                                                "  A\\\n"
                                                "    n  text    user\n");
+}
+
+TEST(Settings, AStoreThatCannotBeReadIsToldByEveryCommand)
+{
+    Runner runner;
+    ASSERT_EQ(runner.Run("settings set A n 1").code, 0);
+    runner.Folder().Write("saved", runner.Run("settings export").out);
+    const std::string file = runner.Path("home/.config/fieldcore/user.db");
+    sqlite3* database = nullptr;
+    sqlite3_open(file.c_str(), &database);
+    EXPECT_EQ(sqlite3_exec(database, "DROP TABLE value", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+    const std::string before = Content(file);
+    for (const char* const command :
+         {"list", "get A n", "set A n 2", "delete A --yes", "delete A n --yes", "export",
+          "import @/saved", "import @/saved --dry-run"}) {
+        SCOPED_TRACE(command);
+        const Outcome outcome = runner.Run(std::string("settings ") + command);
+        EXPECT_EQ(outcome.code, 8);
+        EXPECT_NE(outcome.err.find("no such table: value"), std::string::npos) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+    }
+    EXPECT_EQ(Content(file), before);
 }
 
 TEST(Settings, AreDeletedOnlyWhenItIsAgreed)

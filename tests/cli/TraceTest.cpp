@@ -1,3 +1,4 @@
+#include "cli/CommandLine.h"
 #include "core/link/FrameDescriber.h"
 #include "tests/cli/Runner.h"
 
@@ -265,8 +266,10 @@ TEST(Trace, ReadsWhatLogAndRecordWrite)
     ASSERT_EQ(runner.Run("identify --port sim: --log @/identified").code, 0);
     EXPECT_NE(runner.Run("trace @/identified").out.find("Tx  BREAK"), std::string::npos);
     const std::vector<std::string> arguments{
-        "sim",        "run", "--record", runner.Path("record"),
-        "--",         "sh",  "-c",       "\"$0\" identify >/dev/null",
+        "sim",        "run",
+        "--record",   runner.Path("record"),
+        "--",         "sh",
+        "-c",         "ls -l /proc/self/fd | grep -q record && exit 9; \"$0\" identify >/dev/null",
         FIELDCORE_CLI};
     ASSERT_EQ(runner.Run(arguments).code, 0);
     const Outcome outcome = runner.Run("trace --brief @/record");
@@ -281,6 +284,48 @@ TEST(Trace, ALogThatCannotBeWrittenIsToldOnce)
         runner.Run("info --port sim: --log /dev/full --json").Json()["messages"];
     ASSERT_EQ(told.size(), 1U) << told;
     EXPECT_EQ(told[0]["text"], "The log /dev/full can no longer be written.");
+}
+
+TEST(Trace, SaysWhereALogCannotBeReadOn)
+{
+    const std::string good = "00:1.000 Rcvr Tx [02 00 14 00 14 03 ]\r\n";
+    Runner runner;
+    runner.Folder().Write("long", good + std::string(65536, ' ') + good + good);
+    runner.Folder().Write("wide", std::string(65536 - good.size() + 1, ' ') + good + good);
+    struct Row
+    {
+        std::string_view fault;
+        std::string log;
+        int code;
+        std::string_view err;
+    };
+    const Row rows[] = {
+        {"a longest line refused", "@/wide", 0, "Exchanged: 2"},
+        {"a line without bound", "@/long", 8, "line 2 is longer than any of a log."},
+        {"no line, and no end", "/dev/zero", 8, "line 1 is longer than any of a log."},
+        {"a folder taken for an empty log", "@/", 8, "cannot be read"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const Outcome outcome = runner.Run("trace " + row.log);
+        EXPECT_EQ(outcome.code, row.code);
+        EXPECT_NE(outcome.err.find(row.err), std::string::npos) << outcome.err;
+    }
+    EXPECT_EQ(runner.Run("trace @/long").out,
+              "    1  Tx  0x14 GPS time request, 6 bytes, checksum good\n");
+
+    EXPECT_EQ(runner
+                  .Run({"sim", "run", "--", "sh", "-c", "exec \"$0\" trace - </ 2>/dev/null",
+                        FIELDCORE_CLI})
+                  .code,
+              8)
+        << "a folder as stdin";
+    std::istream failing(nullptr); // every read of it fails
+    std::ostringstream err;
+    runner.world.in = &failing;
+    runner.world.out = runner.world.err = &err;
+    EXPECT_EQ(RunCommandLine(runner.world, {"trace", "-"}), 8);
+    EXPECT_NE(err.str().find("stdin cannot be read from line 1 on."), std::string::npos);
 }
 
 TEST(Trace, AnEmptyLogIsNoFault)

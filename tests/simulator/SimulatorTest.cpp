@@ -3,18 +3,25 @@
 #include "simulator/Simulator.h"
 
 #include "core/platform/FastClock.h"
+#include "simulator/PseudoTerminal.h"
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
+#include "tests/simulator/TemporaryFolder.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace fieldcore::simulator::test {
 
@@ -332,6 +339,61 @@ TEST(Simulator, LeavesNoDescriptorThreadOrLinkBehind)
     EXPECT_EQ(CountOf("/proc/self/fd"), descriptors);
     EXPECT_EQ(CountOf("/proc/self/task"), threads);
     EXPECT_FALSE(fs::exists(fs::path(path).parent_path()));
+}
+
+/// Another program's pseudo-terminal.
+struct Terminal
+{
+    int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    std::string name = grantpt(master) == 0 && unlockpt(master) == 0 ? ptsname(master) : "";
+    ~Terminal() { close(master); }
+};
+
+/// A link as a killed simulator leaves it, to a terminal that somebody else has got since.
+std::unique_ptr<Terminal> LeaveLink(const fs::path& link)
+{
+    fs::remove(link);
+    fs::create_symlink(std::make_unique<Terminal>()->name, link); // closed already
+    struct stat made = {};
+    struct stat terminal = {};
+    lstat(link.c_str(), &made);
+    for (;;) { // the clock of files has a coarse tick
+        auto other = std::make_unique<Terminal>();
+        if (stat(link.c_str(), &terminal) == 0 &&
+            (terminal.st_ctim.tv_sec > made.st_ctim.tv_sec ||
+             terminal.st_ctim.tv_nsec > made.st_ctim.tv_nsec)) {
+            return other;
+        }
+    }
+}
+
+TEST(Simulator, TakesBackWhatAKilledOneLeft)
+{
+    const TemporaryFolder folder;
+    const fs::path link = folder / "link";
+    const auto left = LeaveLink(link);
+    std::string error;
+    {
+        PseudoTerminal port(link);
+        EXPECT_TRUE(port.Open(error)) << error;
+        PseudoTerminal second(link);
+        EXPECT_FALSE(second.Open(error)) << "the first one's";
+        EXPECT_NE(error.find("a terminal in use"), std::string::npos) << error;
+    }
+    EXPECT_FALSE(fs::is_symlink(link));
+
+    const fs::path killed = folder / "fieldcore-sim-killed";
+    fs::create_directory(killed);
+    const auto other = LeaveLink(killed / "receiver");
+    setenv("TMPDIR", killed.parent_path().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    {
+        PseudoTerminal first("");
+        PseudoTerminal second("");
+        EXPECT_TRUE(first.Open(error) && second.Open(error)) << error;
+        EXPECT_TRUE(fs::exists(first.Path())) << "the second one has removed it";
+    }
+    unsetenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe)
+    EXPECT_FALSE(fs::exists(killed));
 }
 
 TEST(Simulator, IsQuietBeforeItIsStarted)

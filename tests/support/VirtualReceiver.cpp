@@ -1,6 +1,7 @@
 #include "tests/support/VirtualReceiver.h"
 
-#include <cstdlib>
+#include "tests/support/ProofSize.h"
+
 #include <string>
 
 #include <gtest/gtest.h>
@@ -9,8 +10,7 @@ namespace fieldcore::testing {
 
 int Exchanges(int usual)
 {
-    const char* const wanted = std::getenv("FIELDCORE_EXCHANGES"); // NOLINT(concurrency-mt-unsafe)
-    return wanted != nullptr ? std::atoi(wanted) : usual;          // NOLINT(cert-err34-c)
+    return ProofSize("FIELDCORE_EXCHANGES", usual);
 }
 
 simulator::Scenario ParsedScenario(std::string_view text)

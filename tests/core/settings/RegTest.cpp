@@ -224,8 +224,8 @@ TEST_F(Reg, DeletesAKeyWithAllBelowIt)
     EXPECT_EQ(m_reg.DeleteKey(L"A", L"List"), 0);
     EXPECT_EQ(m_reg.Store().Keys(L"a"), (std::vector<std::wstring>{L"Li", L"List2", L"Listing"}));
     ASSERT_EQ(m_reg.WriteNumber(L"A\\List", L"other", 1), 1);
-    EXPECT_EQ(m_reg.Store().Values(L"A\\List").size(), 1U); // nothing old comes back
-    EXPECT_TRUE(m_reg.Store().Keys(L"A\\List").empty());
+    EXPECT_EQ(m_reg.Store().Values(L"A\\List").value().size(), 1U); // nothing old comes back
+    EXPECT_TRUE(m_reg.Store().Keys(L"A\\List").value().empty());
     EXPECT_EQ(m_reg.Store().Keys(L""), (std::vector<std::wstring>{L"A"}));
 }
 

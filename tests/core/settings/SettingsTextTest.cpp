@@ -145,7 +145,7 @@ TEST(SettingsText, TellsACutTextAndSurvivesADamagedOne)
 /// What is in a store, whole.
 std::string Content(SettingsStore& store)
 {
-    return FormatSettingsText(ReadSettingsTree(store, L""));
+    return FormatSettingsText(ReadSettingsTree(store, L"").value());
 }
 
 TEST(SettingsTree, BringsBackWhatWasSavedAndKeepsTheRest)

@@ -4,6 +4,7 @@
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/core/settings/FileSizeLimit.h"
 #include "tests/core/settings/Writer.h"
+#include "tests/support/ProofSize.h"
 
 #include <chrono>
 #include <cstddef>
@@ -11,14 +12,19 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <initializer_list>
 #include <iterator>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace fieldcore {
 namespace {
@@ -107,7 +113,8 @@ TEST(SqliteSettingsStore, RefusesRowsThatAreNoSetting)
         ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{5}, kCreate));
         Sql(file, std::string("UPDATE value SET ") + row.change + " WHERE folded_name = 'n'");
         EXPECT_EQ(store.Get(L"K", L"n").state, row.state);
-        EXPECT_EQ(store.Values(L"K").size(), row.state == SettingsReadState::Found ? 1U : 0U);
+        EXPECT_EQ(store.Values(L"K").value().size(),
+                  row.state == SettingsReadState::Found ? 1U : 0U);
     }
 }
 
@@ -130,10 +137,6 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         {"not a database", overwrite(0, 100), true},
         {"a page in the middle", overwrite(3 * 4096L, 2000), true},
         {"cut off", [](const fs::path& file) { fs::resize_file(file, 5000); }, true},
-        {"somebody else's database",
-         [](const fs::path& file) { Sql(file, "PRAGMA application_id = 1"); }, true},
-        {"a table is missing", [](const fs::path& file) { Sql(file, "DROP TABLE value"); }, true},
-        {"the root is missing", [](const fs::path& file) { Sql(file, "DELETE FROM key"); }, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
@@ -150,9 +153,29 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         EXPECT_TRUE(store.TakeNotice().IsEmpty());
         EXPECT_EQ(Content(aside) == damaged, row.setAside);
         EXPECT_EQ(Content(folder.Path() / "user.db.damaged-1"), "an older one");
-        EXPECT_EQ(store.Values(L"K").size(), row.setAside ? 0U : 300U);
+        EXPECT_EQ(store.Values(L"K").value().size(), row.setAside ? 0U : 300U);
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
         EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
+    }
+}
+
+TEST(SqliteSettingsStore, LeavesASoundFileThatItCannotUse)
+{
+    const TemporaryFolder folder;
+    for (const char* const change : {"PRAGMA application_id = 1", "DROP TABLE value"}) {
+        SCOPED_TRACE(change);
+        const fs::path file = folder.Path() / change / "user.db";
+        fs::create_directory(file.parent_path());
+        fs::copy_file(FilledFile(TemporaryFolder()), file);
+        Sql(file, change);
+        const std::string before = Content(file);
+        {
+            SqliteSettingsStore store(file);
+            EXPECT_EQ(store.TakeNotice().kind, SettingsNotice::Kind::NotRead);
+            EXPECT_FALSE(store.IsKept());
+            EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
+        }
+        EXPECT_EQ(Content(file), before);
     }
 }
 
@@ -175,10 +198,12 @@ TEST(SqliteSettingsStore, WorksAfterAnyDamage)
         folder.Write(file.lexically_relative(folder.Path()), damaged);
         SqliteSettingsStore store(file);
         const std::string notice = store.TakeNotice().Words();
-        const std::size_t values = store.Values(L"K").size();
+        const std::size_t values = store.Values(L"K").value().size();
         EXPECT_TRUE(notice.empty() ? values <= 300 : values == 0) << notice;
         if (!notice.empty()) {
-            EXPECT_EQ(Content(file.string() + ".damaged-1"), damaged) << "nothing is thrown away";
+            const bool isLeft = notice.find("damaged") == std::string::npos;
+            EXPECT_EQ(Content(isLeft ? file.string() : file.string() + ".damaged-1"), damaged)
+                << "nothing is thrown away";
         }
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
         EXPECT_EQ(NumberIn(store, L"K", L"n"), 7U);
@@ -222,10 +247,117 @@ TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
         fs::copy_file(made, file);
         SqliteSettingsStore readOnly(file);
         EXPECT_EQ(readOnly.TakeNotice().file, file.string());
-        EXPECT_EQ(readOnly.Values(L"K").size(), 300U);
+        EXPECT_EQ(readOnly.Values(L"K").value().size(), 300U);
         EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
         EXPECT_EQ(Content(file), before);
     }
+}
+
+/// Runs @p check in a process that has no more rights than the modes of files give, even if this
+/// one is the administrator's.
+void AsAnyUser(const std::function<void()>& check)
+{
+    constexpr uid_t kNobody = 65534;
+    const pid_t process = fork();
+    ASSERT_GE(process, 0);
+    if (process == 0) {
+        if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setuid(kNobody) != 0)) {
+            _exit(2);
+        }
+        check();
+        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    waitpid(process, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(SqliteSettingsStore, ReadsItsLogWithItOrSaysThatItCannot)
+{
+    struct Row
+    {
+        const char* fault;
+        std::vector<std::string> files; // behind "user.db" that are there
+        std::string unreadable;
+        SettingsNotice::Kind told;
+        std::uint32_t number;
+    };
+    constexpr auto kNotKept = SettingsNotice::Kind::NotKept;
+    constexpr auto kNotRead = SettingsNotice::Kind::NotRead;
+    const Row rows[] = {
+        {"the log is not read", {"", "-wal", "-shm"}, "none", kNotKept, 2},
+        {"an old file without a log is not read", {""}, "none", kNotKept, 1},
+        {"the old value without the log's index", {"", "-wal"}, "none", kNotRead, 0xDEAD},
+        {"the old value without rights", {"", "-wal", "-shm"}, "-wal", kNotRead, 0xDEAD},
+    };
+    const TemporaryFolder made;
+    SqliteSettingsStore store(made.Path() / "user.db");
+    ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
+    Sql(made.Path() / "user.db", "PRAGMA wal_checkpoint");
+    ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{2}, kCreate)); // in the log only
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const TemporaryFolder folder;
+        const std::string file = folder.Path() / "user.db";
+        std::vector<std::string> before;
+        for (const std::string& suffix : row.files) {
+            fs::copy_file(made.Path() / ("user.db" + suffix), file + suffix);
+            before.push_back(Content(file + suffix));
+            chmod((file + suffix).c_str(), suffix == row.unreadable ? 0 : 0444);
+        }
+        chmod(folder.Path().c_str(), 0555);
+        AsAnyUser([&] {
+            SqliteSettingsStore readOnly(file);
+            EXPECT_EQ(NumberIn(readOnly, L"K", L"n"), row.number);
+            EXPECT_EQ(readOnly.TakeNotice().kind, row.told);
+            EXPECT_FALSE(readOnly.IsKept());
+        });
+        chmod(folder.Path().c_str(), 0755);
+        for (std::size_t i = 0; i < row.files.size(); ++i) {
+            EXPECT_EQ(Content(file + row.files[i]), before[i]);
+        }
+    }
+}
+
+TEST(SqliteSettingsStore, TellsWhereItsFileAloneCannotBeWritten)
+{
+    const TemporaryFolder folder;
+    const fs::path file = FilledFile(folder);
+    chmod(file.c_str(), 0444);
+    chmod(folder.Path().c_str(), 0777);
+    fs::remove(file.string() + ".lock");
+    fs::remove(file.string() + "-shm");
+    AsAnyUser([&] {
+        SqliteSettingsStore store(file);
+        EXPECT_EQ(store.TakeNotice().kind, SettingsNotice::Kind::NotKept);
+        EXPECT_EQ(store.Values(L"K").value().size(), 300U);
+    });
+}
+
+TEST(SqliteSettingsStore, LocksOutWhoMayNotWrite)
+{
+    const TemporaryFolder folder;
+    const auto modes = [](const fs::path& file) {
+        std::string text;
+        for (const std::string suffix : {"", "-wal", "-shm", ".lock"}) {
+            struct stat status = {};
+            stat((file.string() + suffix).c_str(), &status);
+            text += (std::ostringstream() << std::oct << (status.st_mode & 0777U) << ' ').str();
+        }
+        return text;
+    };
+    const fs::path ours = folder.Path() / "ours" / "user.db";
+    static_cast<void>(SqliteSettingsStore(ours));
+    EXPECT_EQ(modes(ours), "600 600 600 200 ");
+    EXPECT_EQ(fs::status(ours.parent_path()).permissions(), fs::perms::owner_all);
+    const fs::path shared = folder.Path() / "shared" / "machine.db";
+    static_cast<void>(SqliteSettingsStore(shared, SettingsSharing::Shared));
+    EXPECT_EQ(modes(shared), "644 644 644 200 ");
+
+    // As earlier versions made them.
+    chmod((shared.string() + ".lock").c_str(), 0644);
+    static_cast<void>(SqliteSettingsStore(shared));
+    EXPECT_EQ(modes(shared), "600 600 600 200 ");
 }
 
 TEST(SqliteSettingsStore, KeepsItsLogAtOneLength)
@@ -264,7 +396,7 @@ TEST(SqliteSettingsStore, LosesNothingOnAFullDisk)
     }
     EXPECT_GT(stored, 0U);
     EXPECT_LT(stored, 100U);
-    EXPECT_EQ(store.Values(L"K").size(), stored + 1);
+    EXPECT_EQ(store.Values(L"K").value().size(), stored + 1);
     EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{2}, kCreate)); // room again
     EXPECT_EQ(NumberIn(store, L"K", L"n"), 2U);
     EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
@@ -297,7 +429,8 @@ TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
 {
     std::mt19937 random(20240607);
     const TemporaryFolder folder;
-    for (int i = 0; i < 100; ++i) {
+    const int kills = testing::ProofSize("FIELDCORE_KILLS", 100);
+    for (int i = 0; i < kills; ++i) {
         // Every fourth time a new file, so that some are killed while they make it.
         const fs::path config = folder.Path() / std::to_string(i / 4);
         const std::string name = "kill" + std::to_string(i) + "-";

@@ -1,0 +1,314 @@
+#include "core/platform/SqliteSettingsStore.h"
+
+#include "core/settings/SettingsTree.h"
+#include "tests/core/link/ProcessCounts.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/ProofSize.h"
+#include "tests/support/SqliteFileLayer.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::SqliteFileLayer;
+
+constexpr auto kCreate = KeyOpening::Create;
+
+std::string AsText(SettingsStore& store)
+{
+    const auto keys = ReadSettingsTree(store, L"");
+    return keys ? FormatSettingsText(*keys) : "cannot be read";
+}
+
+/// What somebody finds who opens the store of @p folder after the fault.
+std::string FoundLater(const TemporaryFolder& folder)
+{
+    SqliteSettingsStore store(folder.Path() / "user.db");
+    const std::string found = AsText(store);
+    EXPECT_EQ(store.TakeNotice().Words(), "");
+    EXPECT_FALSE(fs::exists(folder.Path() / "user.db.damaged-1")) << "thrown away";
+    return found;
+}
+
+/// A store whose newest values are in the log only: number "n" of key K is 1 in the file, and 2.
+void Fill(const fs::path& folder)
+{
+    const TemporaryFolder made;
+    for (const std::uint32_t value : {1U, 2U}) {
+        SqliteSettingsStore store(made.Path() / "user.db");
+        ASSERT_TRUE(store.Set(L"K", L"n", value, kCreate));
+        ASSERT_TRUE(store.Set(L"K\\L", L"m", std::uint32_t{3}, kCreate));
+        if (value == 2) { // closing would copy the log into the file
+            for (const char* const name : {"user.db", "user.db-wal"}) {
+                fs::copy_file(made.Path() / name, folder / name);
+            }
+        }
+    }
+}
+
+bool ReadsWhatWasStored(SettingsStore& store)
+{
+    const SettingsRead read = store.Get(L"K", L"n");
+    if (read.state == SettingsReadState::Found) {
+        EXPECT_EQ(read.value, SettingsValue(std::uint32_t{2})) << "an old one";
+    }
+    EXPECT_TRUE(read.state != SettingsReadState::Missing || !store.IsKept()) << "not told";
+    return read.state == SettingsReadState::Found;
+}
+
+bool ListsWhatWasStored(SettingsStore& store)
+{
+    const std::string text = AsText(store);
+    const bool isWhole = text.find("[K\\L]\n\"m\" = number 3\n") != std::string::npos;
+    EXPECT_TRUE(isWhole || text == "cannot be read" || !store.IsKept()) << text;
+    return isWhole;
+}
+
+bool StoresTwoTogether(SettingsStore& store)
+{
+    SettingsBatch batch(store);
+    return batch.IsOpen() && store.Set(L"K", L"n", std::uint32_t{7}, kCreate) &&
+           store.Set(L"K\\New", L"n", std::uint32_t{7}, kCreate) && batch.Commit();
+}
+
+/// Each call of SQLite's file layer fails, once and from then on, in each operation: nothing that
+/// was stored is lost, an operation that is said to be done is done, and of one that is not either
+/// all was stored or nothing.
+TEST(SettingsFaults, EveryCallMayFail)
+{
+    struct Row
+    {
+        const char* operation;
+        bool isNew; // there is no file yet
+        std::function<bool(SettingsStore&)> run;
+    };
+    const Row rows[] = {
+        {"get", false, ReadsWhatWasStored},
+        {"list", false, ListsWhatWasStored},
+        {"set", false,
+         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set in a new key", false,
+         [](SettingsStore& store) { return store.Set(L"N\\K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set in a new file", true,
+         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"two together", false, StoresTwoTogether},
+        {"delete a value", false,
+         [](SettingsStore& store) { return store.DeleteValue(L"K", L"n"); }},
+        {"delete a key", false, [](SettingsStore& store) { return store.DeleteKey(L"K"); }},
+    };
+    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
+    const TemporaryFolder filled;
+    Fill(filled.Path());
+    for (const Row& row : rows) {
+        std::string before;
+        std::string after;
+        int calls = 1;
+        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
+            for (const bool once : {true, false}) {
+                const TemporaryFolder folder;
+                if (!row.isNew) {
+                    fs::copy(filled.Path(), folder.Path());
+                }
+                before = n == 0 ? FoundLater(folder) : before;
+                const auto memory = sqlite3_memory_used();
+                const auto process = testing::CountProcess();
+                int count = 0;
+                std::string failed;
+                bool isDone = false;
+                bool isTold = false;
+                {
+                    const SqliteFileLayer layer([&](const SqliteFileLayer::Call& call) {
+                        ++count;
+                        const bool fails = n > 0 && (once ? count == n : count >= n);
+                        failed = fails && failed.empty() ? call.name : failed;
+                        return fails;
+                    });
+                    SqliteSettingsStore store(folder.Path() / "user.db");
+                    isTold = !store.TakeNotice().IsEmpty();
+                    isDone = row.run(store);
+                    EXPECT_EQ(store.IsKept(), !isTold);
+                }
+                SCOPED_TRACE(std::string(row.operation) + ", call " + std::to_string(n) + ", " +
+                             failed + (once ? "" : " and all later ones"));
+                EXPECT_EQ(sqlite3_memory_used(), memory);
+                EXPECT_EQ(testing::CountProcessAgain(process), process);
+                const std::string found = FoundLater(folder);
+                if (n == 0) {
+                    EXPECT_TRUE(isDone && !isTold);
+                    after = found;
+                    calls = count;
+                } else {
+                    EXPECT_TRUE(found == after || (found == before && (!isDone || isTold)))
+                        << found;
+                }
+            }
+        }
+    }
+}
+
+/// The files of a store on a disk that keeps only what was synced for certain.
+class FragileDisk
+{
+public:
+    enum class Unsynced
+    {
+        Dropped,
+        Halved, ///< the first half of the writes, and the next one torn
+        Kept
+    };
+    struct Step
+    {
+        SqliteFileLayer::Call call;
+        std::vector<std::uint8_t> bytes;
+    };
+
+    void Do(const Step& step)
+    {
+        File& file = m_files[fs::path(step.call.file).filename().string()];
+        if (step.call.name == "sync") {
+            file.synced = After(file, Unsynced::Kept);
+            file.waiting.clear();
+        } else if (step.call.name == "delete") {
+            file = {};
+            file.isThere = false;
+        } else {
+            file.isThere = true;
+            file.waiting.push_back(&step);
+        }
+    }
+
+    /// Leaves the files as the power cut does.
+    /// @param log, others  what becomes of what was not synced
+    void Cut(const fs::path& folder, Unsynced log, Unsynced others) const
+    {
+        for (const auto& [name, file] : m_files) {
+            if (file.isThere) {
+                std::ofstream(folder / name, std::ios::binary)
+                    << After(file, name.ends_with("-wal") ? log : others);
+            }
+        }
+    }
+
+private:
+    struct File
+    {
+        bool isThere = true;
+        std::string synced;
+        std::vector<const Step*> waiting;
+    };
+
+    static void Apply(std::string& content, const Step& step, std::size_t count)
+    {
+        const auto at = static_cast<std::size_t>(step.call.at);
+        if (step.call.name == "truncate") {
+            content.resize(at);
+        } else {
+            content.resize(std::max(content.size(), at + count));
+            std::copy_n(step.bytes.begin(), count, content.begin() + step.call.at);
+        }
+    }
+
+    static std::string After(const File& file, Unsynced unsynced)
+    {
+        std::string content = file.synced;
+        const std::size_t count = file.waiting.size();
+        const std::size_t whole = unsynced == Unsynced::Kept     ? count
+                                  : unsynced == Unsynced::Halved ? count / 2
+                                                                 : 0;
+        for (std::size_t i = 0; i < whole; ++i) {
+            Apply(content, *file.waiting[i], file.waiting[i]->bytes.size());
+        }
+        if (unsynced == Unsynced::Halved && whole < count &&
+            file.waiting[whole]->call.name == "write") {
+            Apply(content, *file.waiting[whole], file.waiting[whole]->bytes.size() / 2);
+        }
+        return content;
+    }
+
+    std::map<std::string, File> m_files;
+};
+
+/// The power goes after each write, and of what was not synced any part is there: the settings are
+/// those of the last operation that was done, or of the one under way, and never a mixture.
+TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
+{
+    using Unsynced = FragileDisk::Unsynced;
+    const TemporaryFolder folder;
+    std::vector<FragileDisk::Step> steps;
+    struct Done
+    {
+        std::size_t steps;
+        std::string settings;
+    };
+    std::vector<Done> done;
+    {
+        const SqliteFileLayer layer([&](const SqliteFileLayer::Call& call) {
+            for (const char* const change : {"write", "truncate", "sync", "delete"}) {
+                if (call.name == change) {
+                    steps.push_back({call, {call.bytes.begin(), call.bytes.end()}});
+                }
+            }
+            return false;
+        });
+        for (const std::uint32_t session : {1U, 2U}) { // its end copies the log into the file
+            SqliteSettingsStore store(folder.Path() / "user.db");
+            const auto isDone = [&] { done.push_back({steps.size(), AsText(store)}); };
+            isDone();
+            ASSERT_TRUE(store.Set(L"K", L"n", session, kCreate));
+            isDone();
+            ASSERT_TRUE(StoresTwoTogether(store));
+            isDone();
+            ASSERT_TRUE(store.DeleteKey(L"K"));
+            isDone();
+            ASSERT_TRUE(store.Set(L"Last", L"n", session, kCreate));
+            isDone();
+        }
+    }
+    done.front().steps = 0; // an empty store is what is there before it is made, too
+    const auto stride = static_cast<std::size_t>(testing::ProofSize("FIELDCORE_STRIDE", 50));
+    constexpr std::size_t kLastOnes = 80; // behind those that make the store
+    FragileDisk disk;
+    std::size_t last = 0;
+    for (std::size_t step = 0; step < steps.size(); ++step) {
+        disk.Do(steps[step]);
+        if (step % stride != 0 && step + kLastOnes < steps.size()) {
+            continue;
+        }
+        while (last + 1 < done.size() && done[last + 1].steps <= step + 1) {
+            ++last;
+        }
+        constexpr std::pair<Unsynced, Unsynced> kLeft[] = {
+            {Unsynced::Dropped, Unsynced::Dropped}, {Unsynced::Halved, Unsynced::Halved},
+            {Unsynced::Kept, Unsynced::Kept},       {Unsynced::Dropped, Unsynced::Kept},
+            {Unsynced::Kept, Unsynced::Dropped},
+        };
+        for (const auto& [log, others] : kLeft) {
+            const TemporaryFolder after;
+            disk.Cut(after.Path(), log, others);
+            const std::string found = FoundLater(after);
+            const std::string& next = done[std::min(last + 1, done.size() - 1)].settings;
+            EXPECT_TRUE(found == done[last].settings || found == next)
+                << "cut behind step " << step << " of " << steps.size() << ", "
+                << steps[step].call.name << " of " << steps[step].call.file << ", log "
+                << static_cast<int>(log) << ", others " << static_cast<int>(others) << ": "
+                << found;
+        }
+    }
+}
+
+} // namespace
+} // namespace fieldcore
