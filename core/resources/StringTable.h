@@ -196,10 +196,7 @@ inline constexpr int kPlotDegrees = 60209;
 inline constexpr int kPlotMask = 60210;
 inline constexpr int kPlotHeight = 60211;
 inline constexpr int kPlotDate = 60212;
-inline constexpr int kPlotAlmanac = 60213;      ///< date, age
-inline constexpr int kPlotAlmanacOlder = 60214; ///< days before the plan
-inline constexpr int kPlotAlmanacNewer = 60215; ///< days after it
-inline constexpr int kPlotAlmanacOld = 60216;   ///< more than 30 days before it
+inline constexpr int kPlotAlmanac = 60213; ///< date, age
 inline constexpr int kPlotWithCurtain = 60217;
 inline constexpr int kPlotNoCurtain = 60218;
 inline constexpr int kPlotWindows = 60219;
@@ -822,6 +819,37 @@ inline constexpr int kFileType = 60683;
 inline constexpr int kFileFolder = 60684;
 inline constexpr int kFileOpenTitle = 60685;
 inline constexpr int kSaveFileTitle = 60686;
+
+// The plan: which day, which almanac, which site
+inline constexpr int kAlmanacIncomplete = 61600; ///< asked for, received, why
+inline constexpr int kAlmanacBrokenOff = 61601;  ///< asked for, received, why
+inline constexpr int kAlmanacFromUnknown = 61602;
+inline constexpr int kAlmanacFromReceiver = 61603;
+inline constexpr int kAlmanacFromFile = 61604;
+inline constexpr int kAlmanacNominal = 61605;
+inline constexpr int kDayYesterday = 61606;
+inline constexpr int kDayTomorrow = 61607;
+inline constexpr int kDayWeekdays = 61608; ///< a character each, from Sunday on
+inline constexpr int kDayPlain = 61609;    ///< weekday
+inline constexpr int kDayNear = 61610;     ///< weekday, today or the like
+inline constexpr int kAgeOfPlanDay = 61611;
+inline constexpr int kAgeBeforePlan = 61612; ///< days
+inline constexpr int kAgeBehindPlan = 61613; ///< days
+inline constexpr int kAgeOfToday = 61614;
+inline constexpr int kAgeBeforeToday = 61615; ///< days
+inline constexpr int kAgeBehindToday = 61616; ///< days
+inline constexpr int kAgeBoth = 61617;
+inline constexpr int kAgeOld = 61618; ///< age
+inline constexpr int kSheetSource = 61619;
+inline constexpr int kPlanNotKept = 61620;
+inline constexpr int kSkyNotKept = 61621;
+inline constexpr int kSitesReading = 61622;
+inline constexpr int kSitesStoring = 61623; ///< how many
+inline constexpr int kPlanMaskUndo = 61624; ///< degrees
+inline constexpr int kSiteCoordinates = 61625;
+inline constexpr int kSiteSexagesimal = 61626;
+inline constexpr int kSiteDecimal = 61627;
+inline constexpr int kSiteHeightValue = 61628; ///< metres
 
 } // namespace text
 

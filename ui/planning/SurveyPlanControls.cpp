@@ -19,6 +19,7 @@
 #include "ui/planning/PlanWindowList.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -59,6 +60,10 @@ void CSurveyPlan::BuildControls()
     m_time = new QSlider(Qt::Horizontal);
     m_time->setAccessibleName(UiText(text::kPlanTime));
     m_time->setMinimumHeight(TouchStyle::kTarget);
+    m_maskUndo = new QPushButton;
+    m_maskUndo->setMinimumHeight(TouchStyle::kTarget);
+    m_maskUndo->setAutoDefault(false);
+    m_maskUndo->hide();
     m_windows = new QLabel;
     m_windows->setWordWrap(true);
     m_progress = new CTextProgressCtrl;
@@ -67,6 +72,7 @@ void CSurveyPlan::BuildControls()
     auto* const right = new QVBoxLayout;
     right->setSpacing(kGrid / 2);
     right->addWidget(m_graph, 1);
+    right->addWidget(m_maskUndo);
     right->addWidget(m_time);
     right->addWidget(m_windows);
     if (m_isTall) {
@@ -87,6 +93,8 @@ void CSurveyPlan::BuildControls()
             [this](int minutes) { m_graph->SetTime(minutes); });
     connect(m_graph, &PlanGraphView::timeChanged, this, [this] { ShowSlider(); });
     connect(m_graph, &PlanGraphView::maskChanged, this, &CSurveyPlan::DragMask);
+    connect(m_graph, &PlanGraphView::maskDropped, this, &CSurveyPlan::OfferOldMask);
+    connect(m_maskUndo, &QPushButton::clicked, this, &CSurveyPlan::UndoMask);
 }
 
 QWidget* CSurveyPlan::BuildPanel()
@@ -121,13 +129,12 @@ QWidget* CSurveyPlan::BuildPanel()
         SetDay(std::chrono::sys_days(GetSystemTime()) + std::chrono::days(days));
     });
     connect(m_header, &PlanHeader::CalendarRequested, this, [this] {
-        const auto now = m_surroundings.clock != nullptr ? m_surroundings.clock->Utc()
-                                                         : SystemClock::Instance().Utc();
-        DateDlg calendar(GetSystemTime(), std::chrono::floor<std::chrono::days>(now), this);
+        DateDlg calendar(GetSystemTime(), Today(), this);
         if (const auto date = calendar.Ask()) {
             SetDay(*date);
         }
     });
+    connect(m_header, &PlanHeader::TodayRequested, this, [this] { SetDay(Today()); });
     for (const bool isStart : {true, false}) {
         const LabelSpin* const spin = isStart ? m_start : m_end;
         connect(spin, &LabelSpin::SpinMoved, this, [this, isStart] { OnHScroll(false, isStart); });
@@ -175,16 +182,33 @@ void CSurveyPlan::SetGround()
 void CSurveyPlan::SetDay(std::chrono::year_month_day date)
 {
     SetSystemTime(date);
-    ShowDates();
     DrawResults();
 }
 
 void CSurveyPlan::DragMask(int maskDeg)
 {
+    m_oldMaskDeg = m_oldMaskDeg.value_or(GetElMaskData());
     m_session.SetMask(maskDeg);
     m_session.Compute();
     m_graph->Refresh(maskDeg);
     ShowWindows();
+}
+
+void CSurveyPlan::OfferOldMask()
+{
+    if (m_oldMaskDeg == GetElMaskData()) {
+        m_oldMaskDeg.reset();
+    }
+    m_maskUndo->setVisible(m_oldMaskDeg.has_value());
+    m_maskUndo->setText(ToQt(FormatText(text::kPlanMaskUndo, m_oldMaskDeg.value_or(0))));
+}
+
+void CSurveyPlan::UndoMask()
+{
+    SetElMaskData(m_oldMaskDeg.value_or(GetElMaskData()));
+    OfferOldMask();
+    m_graph->setFocus();
+    DrawResults();
 }
 
 void CSurveyPlan::ShowWindows()

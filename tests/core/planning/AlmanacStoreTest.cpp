@@ -162,7 +162,7 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         {"five are enough", "almanac-5", 0, AlmanacResult::Done, 5},
         {"all there are", "almanac-31", 0, AlmanacResult::Done, 31},
         {"silent from PRN 30 on", "almanac-stops", 29, AlmanacResult::Done, 29},
-        {"hangs up at PRN 4", "almanac-hangs-up", 3, AlmanacResult::TooFew, 0},
+        {"hangs up at PRN 4", "almanac-hangs-up", 3, AlmanacResult::BrokenOff, 0},
         {"hangs up at PRN 13", "almanac-hangs-up", 12, AlmanacResult::Done, 12},
     };
     for (const Row& row : kRows) {
@@ -178,7 +178,7 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         EXPECT_EQ(store.Update(command), row.result);
         EXPECT_FALSE(HasTemporary());
         const auto content = Almanac();
-        if (row.result == AlmanacResult::TooFew) {
+        if (row.result != AlmanacResult::Done) {
             EXPECT_EQ(content, (std::vector<std::uint8_t>{'o', 'l', 'd'}));
         } else {
             ASSERT_EQ(content.size(), 32 * kAlmanacRecordSize);
@@ -188,7 +188,11 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
                                    content.begin() + (row.satellites - 1) * kRecord))
                 << "the last good record repeats";
         }
+        const AlmanacTally& tally = store.Tally();
+        EXPECT_EQ(tally.received + tally.missing + tally.lost, 32);
+        EXPECT_EQ(MessageOf(row.result, tally).words.empty(), tally.lost == 0);
         if (command.Fault() == CommandFault::LinkLost) {
+            EXPECT_EQ(tally.fault, CommandFault::LinkLost);
             command.ClosePort();
             ASSERT_TRUE(receiver->Plug());
             ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1) << command.LastError();
