@@ -90,7 +90,10 @@ std::int64_t GpsSeconds(const CGPSTime& time)
 Value SourceValue(const AlmanacSource& source)
 {
     constexpr std::array kCodes{"unknown", "receiver", "file", "nominal"};
-    return Value::Word(kCodes[static_cast<std::size_t>(source.origin)], ToUtf8(SourceText(source)));
+    const char* const code = kCodes[static_cast<std::size_t>(source.origin)];
+    return source.origin == AlmanacOrigin::Nominal
+               ? Value::Word(code, ToUtf8(SourceText(source)) + ", made up")
+               : Value::Word(code, code);
 }
 
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
@@ -107,7 +110,9 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
     }
     const CGPSTime time = AlmanacTime(almanac);
     report.Add("source", "source", SourceValue(almanac.Source()));
-    report.Add("sourceName", "", Value::Text(std::wstring_view(almanac.Source().name)));
+    const std::wstring& name = almanac.Source().name;
+    report.Add("sourceName", "source name",
+               name.empty() ? Value::Unknown() : Value::Text(std::wstring_view(name)));
     report.Add("satelliteCount", "satellites", Value::Integer(loaded));
     report.Add("healthyCount", "healthy", Value::Integer(healthy));
     report.Add("gpsTime", "almanac time", anyTime ? DateValue(time) : Value::Unknown());

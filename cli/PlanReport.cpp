@@ -299,7 +299,8 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
     words += "almanac of " + TimeValue(almanac.time).Words() + " GPS time, " + AgeWords(almanac) +
              ", " + std::to_string(almanac.satellites) + " satellites, " +
              std::to_string(almanac.healthy) + " healthy; from " +
-             SourceValue(almanac.source).Words() + "\n\n";
+             SourceValue(almanac.source).Words() +
+             (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name)) + "\n\n";
     words += graph && IsTracks(*graph) ? TrackWords(plan) : ChartWords(plan, graph);
     return words + "\n" + BestWords(plan, request.settings.limits) + "\n";
 }

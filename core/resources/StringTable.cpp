@@ -164,7 +164,7 @@ constexpr Entry kEntries[] = {
     Entry{text::kPlotMask, L"マスク%d°"},
     Entry{text::kPlotHeight, L"高さ%.0fm"},
     Entry{text::kPlotDate, L"%04d/%02u/%02u"},
-    Entry{text::kPlotAlmanac, L"軌道暦 %ls（%ls）"},
+    Entry{text::kPlotAlmanac, L"軌道暦 %ls"},
     Entry{text::kPlotWithCurtain, L"カーテンあり"},
     Entry{text::kPlotNoCurtain, L"カーテンなし"},
     Entry{text::kPlotWindows, L"最適時間帯"},

@@ -124,7 +124,6 @@ QStringList PlanCaption(const PlanDrawing& drawing)
     const CSurveyPlanCalc& calc = drawing.plan->Calc();
     const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
     const std::wstring date = DateText(almanac.time).toStdWString();
-    const std::wstring age = AlmanacAgeText(drawing).toStdWString();
     return {
         ToQt(drawing.site),
         drawing.isPlaceKnown ? ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM))
@@ -132,7 +131,8 @@ QStringList PlanCaption(const PlanDrawing& drawing)
         PlanDateText(drawing),
         ToQt(FormatText(text::kPlotMask, drawing.maskDeg)),
         UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain),
-        ToQt(FormatText(text::kPlotAlmanac, date.c_str(), age.c_str())),
+        ToQt(FormatText(text::kPlotAlmanac, date.c_str())),
+        AlmanacAgeText(drawing),
         ToQt(SourceText(almanac.source))};
 }
 

@@ -80,7 +80,7 @@ CPlanPos::CPlanPos(CSurveyPlan& plan, QWidget* parent)
     m_note->setWordWrap(true);
     m_note->setAlignment(Qt::AlignCenter);
     m_place->setWordWrap(true);
-    m_place->setMinimumHeight(3 * m_place->fontMetrics().lineSpacing());
+    m_place->setMinimumHeight(4 * m_place->fontMetrics().lineSpacing());
 
     QPushButton* const add = MakeButton(text::kSiteAdd, &CPlanPos::Add);
     m_edit = MakeButton(text::kSiteEdit, &CPlanPos::Edit);

@@ -260,7 +260,6 @@ void CSurveyPlan::OnPlanSetDetail()
     sheet.resize(size());
     if (sheet.DoModal() == kOk) {
         m_oldMaskDeg.reset();
-        OfferOldMask();
         DoDataExchange(false);
         m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
     }

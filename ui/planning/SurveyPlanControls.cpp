@@ -72,8 +72,11 @@ void CSurveyPlan::BuildControls()
     auto* const right = new QVBoxLayout;
     right->setSpacing(kGrid / 2);
     right->addWidget(m_graph, 1);
-    right->addWidget(m_maskUndo);
-    right->addWidget(m_time);
+    auto* const below = new QHBoxLayout; // one row: the sky does not shrink under the finger
+    below->setSpacing(kGrid);
+    below->addWidget(m_time, 1);
+    below->addWidget(m_maskUndo);
+    right->addLayout(below);
     right->addWidget(m_windows);
     if (m_isTall) {
         right->addWidget(m_windowList);
@@ -199,14 +202,13 @@ void CSurveyPlan::OfferOldMask()
     if (m_oldMaskDeg == GetElMaskData()) {
         m_oldMaskDeg.reset();
     }
-    m_maskUndo->setVisible(m_oldMaskDeg.has_value());
+    m_maskUndo->setVisible(m_oldMaskDeg && m_session.Graph() == PlanGraph::SkyPlot);
     m_maskUndo->setText(ToQt(FormatText(text::kPlanMaskUndo, m_oldMaskDeg.value_or(0))));
 }
 
 void CSurveyPlan::UndoMask()
 {
     SetElMaskData(m_oldMaskDeg.value_or(GetElMaskData()));
-    OfferOldMask();
     m_graph->setFocus();
     DrawResults();
 }
@@ -241,6 +243,7 @@ void CSurveyPlan::ShowSlider()
     const bool isSky = drawing.graph == PlanGraph::SkyPlot;
     m_time->setVisible(IsTracks(drawing.graph) && drawing.HasPlan());
     m_tools->EnableItem(kFromBelowTool, isSky);
+    OfferOldMask();
     m_time->setRange(0, static_cast<int>(drawing.LengthMin()));
     m_time->setPageStep(static_cast<int>(drawing.IntervalMin()));
     m_time->setValue(static_cast<int>(drawing.minutes));

@@ -3,6 +3,8 @@
 #include "core/link/Command.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacRecord.h"
+#include "core/planning/NominalConstellation.h"
+#include "core/planning/SurveyPlanCalc.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
@@ -133,6 +135,12 @@ TEST_F(AlmanacStoreTest, KeepsWhatTheReceiverHas)
     }
     EXPECT_EQ(Almanac(), expected);
     EXPECT_FALSE(HasTemporary());
+    CSurveyPlanCalc calc;
+    calc.LoadAlmanac(AlmanacPath(folder.Path()));
+    EXPECT_EQ(calc.Source().origin, AlmanacOrigin::Receiver);
+    SerialReply serial;
+    ASSERT_EQ(command.RequestSerial(serial), 1);
+    EXPECT_NE(calc.Source().name.find(serial.shortSerial), std::wstring::npos);
 }
 
 TEST_F(AlmanacStoreTest, KeepsTheOldAlmanacWhenTheReceiverHasFewSatellites)
@@ -299,6 +307,34 @@ TEST(AlmanacStore, TakesRecordsThatAreGivenToIt)
     EXPECT_EQ(ReadAlmanacFile(AlmanacPath(folder.Path() / "new")), content);
     EXPECT_EQ(store.Import({}), AlmanacResult::TooFew);
     EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path() / "new")));
+}
+
+TEST(AlmanacStore, RemembersWhereTheAlmanacComesFrom)
+{
+    const TemporaryFolder folder;
+    AlmanacStore store(folder.Path());
+    const auto source = [&] {
+        CSurveyPlanCalc calc;
+        EXPECT_TRUE(calc.LoadAlmanac(AlmanacPath(folder.Path())));
+        return calc.Source();
+    };
+    std::vector<AlmanacRecord> records;
+    for (int prn = 1; prn <= 6; ++prn) {
+        records.push_back(SampleSatellite(prn));
+    }
+    ASSERT_EQ(store.Import(records, {AlmanacOrigin::File, L"現在.alm"}), AlmanacResult::Done);
+    EXPECT_EQ(source().origin, AlmanacOrigin::File);
+    EXPECT_EQ(SourceText(source()), L"ファイル 現在.alm");
+
+    WriteTemporary(folder.Path(), SampleFile(7));
+    fs::rename(AlmanacTemporaryPath(folder.Path()), AlmanacPath(folder.Path()));
+    EXPECT_EQ(source().origin, AlmanacOrigin::Unknown) << "replaced by another program";
+
+    records.push_back(NominalConstellation(7, 2445, 0).back());
+    ASSERT_EQ(store.Import(records, {AlmanacOrigin::File, L"a"}), AlmanacResult::Done);
+    EXPECT_EQ(source().origin, AlmanacOrigin::Nominal) << "made up, whatever it came through";
+    ASSERT_EQ(store.Import(std::span(records).first(6)), AlmanacResult::Done);
+    EXPECT_EQ(source().origin, AlmanacOrigin::Unknown);
 }
 
 TEST(AlmanacStore, TellsTheUserWhatHappened)

@@ -192,17 +192,19 @@ TEST_F(PlanPagesTest, ThePlanStaysOnItsSite)
 
     // One that another program has taken out of the file stays as well, and says what is unknown.
     home.Write("GSurveyPlan.ini", "[A]\r\nLAT=35.0\r\n[B]\r\nLAT=35.0\r\nLON=139.0\r\nHGT=1\r\n");
-    OnPage<CPlanPos>([&](CPlanPos& page) {
-        auto* const list = page.findChild<QListWidget*>();
-        list->setFocus(Qt::TabFocusReason);
-        EXPECT_EQ(page.Chosen(), L"");
-        list->setCurrentRow(0);
-        const QList<QLabel*> labels = page.findChildren<QLabel*>();
-        EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->text().contains(QStringLiteral("経度 --"));
-        }));
-        KeepPicture(*page.window(), QStringLiteral("page-pos-unknown"));
-    }, text::kButtonCancel);
+    OnPage<CPlanPos>(
+        [&](CPlanPos& page) {
+            auto* const list = page.findChild<QListWidget*>();
+            list->setFocus(Qt::TabFocusReason);
+            EXPECT_EQ(page.Chosen(), L"");
+            list->setCurrentRow(0);
+            const QList<QLabel*> labels = page.findChildren<QLabel*>();
+            EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+                return label->text().contains(QStringLiteral("経度 --"));
+            }));
+            KeepPicture(*page.window(), QStringLiteral("page-pos-unknown"));
+        },
+        text::kButtonCancel);
     OnPage<CPlanPos>([](CPlanPos&) {});
     EXPECT_EQ(plan->GetPositionStr(), L"本社");
 }
@@ -242,8 +244,7 @@ TEST_F(PlanPagesTest, ImportSitesOrTellWhatIsWrong)
     });
     EXPECT_EQ(plan->Session().Site().heightM, 10.0);
     home.Write("sites.csv", "A,35.5,139.5,11\n");
-    OnPage<CPlanPos>([&](CPlanPos& page) { Click(page, text::kSiteImport); },
-                     text::kButtonCancel);
+    OnPage<CPlanPos>([&](CPlanPos& page) { Click(page, text::kSiteImport); }, text::kButtonCancel);
     EXPECT_EQ(plan->Session().Site().heightM, 11.0) << "the plan's own site was imported";
 }
 
