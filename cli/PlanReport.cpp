@@ -247,7 +247,7 @@ std::string AgeWords(const AlmanacState& almanac)
 {
     const auto days = [](double count) { return Value::Real(count, 1).Words() + " days"; };
     return days(std::abs(almanac.ageDays)) + (almanac.ageDays < 0.0
-                                                  ? " behind the start of the plan"
+                                                  ? " after the start of the plan"
                                                   : " before the start of the plan");
 }
 

@@ -176,12 +176,14 @@ AlmanacResult AlmanacStore::Update(CCommand& command, const Progress& progress)
     if (downloaded != AlmanacResult::Done) {
         return downloaded;
     }
-    ReceiverIdentity identity;
+    AlmanacSource source{AlmanacOrigin::Receiver, {}};
     SerialReply serial;
     if (ClassOf(m_tally.fault) != FaultClass::Gone && command.RequestSerial(serial) != 0) {
+        ReceiverIdentity identity;
         identity.serial = serial;
+        source.name = identity.Name();
     }
-    const AlmanacResult result = Commit(size, {AlmanacOrigin::Receiver, identity.Name()});
+    const AlmanacResult result = Commit(size, source);
     // Few came, but whether the receiver has more nobody knows.
     return result == AlmanacResult::TooFew && m_tally.lost > 0 ? AlmanacResult::BrokenOff : result;
 }

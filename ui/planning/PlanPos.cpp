@@ -59,9 +59,7 @@ QString PlaceText(const SiteEntry& entry, int coordinates)
     const std::wstring longitude = AngleText(entry.longitudeRad, coordinates);
     const std::wstring height = entry.heightM ? FormatText(text::kSiteHeightValue, *entry.heightM)
                                               : Text(text::kPlanAlmanacUnknown);
-    const QString place =
-        ToQt(FormatText(text::kSitePlace, latitude.c_str(), longitude.c_str(), height.c_str()));
-    return entry.IsComplete() ? place : place + QLatin1Char('\n') + UiText(text::kSiteIncomplete);
+    return ToQt(FormatText(text::kSitePlace, latitude.c_str(), longitude.c_str(), height.c_str()));
 }
 
 } // namespace
@@ -80,7 +78,7 @@ CPlanPos::CPlanPos(CSurveyPlan& plan, QWidget* parent)
     m_note->setWordWrap(true);
     m_note->setAlignment(Qt::AlignCenter);
     m_place->setWordWrap(true);
-    m_place->setMinimumHeight(4 * m_place->fontMetrics().lineSpacing());
+    m_place->setMinimumHeight(3 * m_place->fontMetrics().lineSpacing());
 
     QPushButton* const add = MakeButton(text::kSiteAdd, &CPlanPos::Add);
     m_edit = MakeButton(text::kSiteEdit, &CPlanPos::Edit);
@@ -189,8 +187,6 @@ void CPlanPos::Filter()
             m_list->scrollToItem(chosen);
         }
     }
-    m_note->setVisible(first == nullptr);
-    m_note->setText(UiText(m_list->count() == 0 ? text::kSiteNone : text::kSiteNoneFound));
     ShowChosen();
 }
 
@@ -199,9 +195,17 @@ void CPlanPos::ShowChosen()
     const std::wstring name = Chosen();
     m_edit->setEnabled(!name.empty());
     m_remove->setEnabled(!name.empty());
-    m_place->setText(name.empty() ? QString()
-                                  : PlaceText(ReadSite(m_plan.Session().Folder(), name),
-                                              m_coordinates->GetCode()));
+    if (!name.empty()) {
+        const SiteEntry entry = ReadSite(m_plan.Session().Folder(), name);
+        m_place->setText(PlaceText(entry, m_coordinates->GetCode()));
+        m_note->setText(UiText(text::kSiteIncomplete));
+        m_note->setVisible(!entry.IsComplete());
+        return;
+    }
+    m_place->clear();
+    const bool isSearching = !m_search->text().trimmed().isEmpty();
+    m_note->setText(UiText(m_list->count() == 0 ? text::kSiteNone : text::kSiteNoneFound));
+    m_note->setVisible(m_list->count() == 0 || isSearching); // a search chooses what it finds
 }
 
 bool CPlanPos::EditSite(const std::wstring& name, const SiteInput& input)

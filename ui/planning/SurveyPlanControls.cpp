@@ -202,8 +202,10 @@ void CSurveyPlan::OfferOldMask()
     if (m_oldMaskDeg == GetElMaskData()) {
         m_oldMaskDeg.reset();
     }
+    const QString words = ToQt(FormatText(text::kPlanMaskUndo, m_oldMaskDeg.value_or(0)));
+    m_maskUndo->setText(words);
+    m_maskUndo->setMinimumWidth(m_maskUndo->fontMetrics().horizontalAdvance(words) + 4 * kGrid);
     m_maskUndo->setVisible(m_oldMaskDeg && m_session.Graph() == PlanGraph::SkyPlot);
-    m_maskUndo->setText(ToQt(FormatText(text::kPlanMaskUndo, m_oldMaskDeg.value_or(0))));
 }
 
 void CSurveyPlan::UndoMask()
