@@ -864,7 +864,7 @@ constexpr Entry kEntries[] = {
     Entry{text::kAgeBeforeToday, L"今日の%d日前"},
     Entry{text::kAgeBehindToday, L"今日の%d日後"},
     Entry{text::kAgeBoth, L"%ls、%ls"},
-    Entry{text::kAgeOld, L"%ls。更新してください"},
+    Entry{text::kAgeOld, L"%ls、要更新"},
     Entry{text::kSheetSource, L"軌道暦の出所"},
     Entry{text::kPlanNotKept, L"観測計画の設定を保存できませんでした。次に開いたときは前の設定に戻"
                               L"ります。\n記憶装置の空き容量と書込み権限を確認してください。"},

@@ -131,7 +131,7 @@ TEST_F(SurveyPlanTest, JudgesTheAlmanacByTheStartThatIsDrawn)
     const auto isUrged = [this] {
         const QList<QLabel*> labels = plan->findChildren<QLabel*>();
         return std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->text().endsWith(QStringLiteral("更新してください"));
+            return label->text().endsWith(QStringLiteral("要更新"));
         });
     };
     EXPECT_FALSE(isUrged());
