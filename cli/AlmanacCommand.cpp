@@ -8,6 +8,7 @@
 #include "core/planning/AlmanacText.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/NominalConstellation.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
 #include <memory>
@@ -40,7 +41,8 @@ std::filesystem::path FolderOf(const Context& context)
 void ShowText(Host& host, AlmanacMessage message)
 {
     if (message.text != 0) {
-        host.ShowMessage(Text(message.text), Text(message.caption), {BoxButtons::Ok, message.icon});
+        host.ShowMessage(message.words.empty() ? Text(message.text) : message.words,
+                         Text(message.caption), {BoxButtons::Ok, message.icon});
     }
 }
 
@@ -63,6 +65,7 @@ Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacSto
     case AlmanacResult::NotRead:
     case AlmanacResult::NotWritten:
     case AlmanacResult::NotReplaced:
+    case AlmanacResult::BrokenOff:
         break;
     }
     return FileFailure("The almanac " + AlmanacPath(FolderOf(context)).string() +
@@ -82,24 +85,15 @@ Report Summary(const Context& context)
     return report;
 }
 
-/// What became of the requests of a download, as far as it can be seen between them.
-struct Answers
+/// A download that lost answers: how far it came, and why.
+Failure LossOf(const AlmanacTally& tally, const char* consequence)
 {
-    int received = 0;
-    int missing = 0; ///< the receiver has none of that satellite
-    int lost = 0;    ///< no answer, or a damaged one
-    CommandFault lastFault = CommandFault::None;
-
-    void Note(CommandFault fault)
-    {
-        ++(fault == CommandFault::None      ? received
-           : fault == CommandFault::Refused ? missing
-                                            : lost);
-        if (fault != CommandFault::None && fault != CommandFault::Refused) {
-            lastFault = fault;
-        }
-    }
-};
+    Failure failure = RequestFailure(tally.fault, "");
+    failure.message = "The almanac broke off: " + std::to_string(tally.received) + " of " +
+                      std::to_string(tally.received + tally.lost) + " satellites came; " +
+                      consequence + ". " + failure.message;
+    return failure;
+}
 
 ExitCode Get(const Context& context, const AlmanacOptions& options)
 {
@@ -108,11 +102,7 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
     if (const std::optional<Failure> failure = session.Connect()) {
         return context.output.Failed(*failure);
     }
-    Answers answers;
     const auto onProgress = [&](int prn) {
-        if (prn > 1) {
-            answers.Note(session.Command().Fault());
-        }
         if (prn <= kMaxPrn) {
             context.output.Progress("[" + std::to_string(prn) + "/" + std::to_string(kMaxPrn) +
                                     "] almanac of PRN " + std::to_string(prn));
@@ -121,28 +111,26 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
     };
     AlmanacStore store(FolderOf(context));
     const AlmanacResult result = store.Update(session.Command(), onProgress);
+    const AlmanacTally& tally = store.Tally();
     context.output.Progress("");
     ShowText(host, MessageOf(result));
-    const bool isLinkLost = answers.lastFault == CommandFault::LinkLost;
+    ShowText(host, MessageOf(result, tally));
+    if (result == AlmanacResult::BrokenOff) {
+        return context.output.Failed(LossOf(tally, "nothing was replaced"));
+    }
     if (result != AlmanacResult::Done) {
-        // Without a single answer, why there was none says more than that there are too few.
-        const bool isLine = isLinkLost || (answers.received == 0 && answers.lost > 0);
-        return context.output.Failed(result == AlmanacResult::TooFew && isLine
-                                         ? RequestFailure(answers.lastFault, "")
-                                         : FailureOf(result, context, store));
+        return context.output.Failed(FailureOf(result, context, store));
     }
     Report report = Summary(context);
-    report.Add("received", "received now", Value::Integer(answers.received));
-    report.Add("missing", "unknown to receiver", Value::Integer(answers.missing));
-    report.Add("lost", "not answered", Value::Integer(answers.lost));
-    if (isLinkLost) {
-        return context.output.Failed(RequestFailure(answers.lastFault, ""), &report);
-    }
-    if (answers.lost > 0) {
-        context.output.Message("warning", "",
-                               "The receiver did not answer for " + std::to_string(answers.lost) +
-                                   " satellites; the almanac is without them.",
-                               Colour::Yellow);
+    report.Add("received", "received now", Value::Integer(tally.received));
+    report.Add("missing", "unknown to receiver", Value::Integer(tally.missing));
+    report.Add("lost", "not answered", Value::Integer(tally.lost));
+    if (tally.lost > 0) {
+        const Failure loss = LossOf(tally, "the almanac has only these");
+        if (ClassOf(tally.fault) == FaultClass::Gone) {
+            return context.output.Failed(loss, &report);
+        }
+        context.output.Message("warning", "", loss.message, Colour::Yellow);
     }
     return context.output.Done(report);
 }
@@ -192,11 +180,12 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
 }
 
 /// Puts records in the almanac's place and says what came of it.
-ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records)
+ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records,
+               const AlmanacSource& source)
 {
     TerminalHost host(context.world, context.output);
     AlmanacStore store(FolderOf(context));
-    const AlmanacResult result = store.Import(records);
+    const AlmanacResult result = store.Import(records, source);
     ShowText(host, MessageOf(result));
     if (result != AlmanacResult::Done) {
         return context.output.Failed(FailureOf(result, context, store));
@@ -227,7 +216,9 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
         context.output.Note(std::to_string(text.skipped) +
                             " satellites with a PRN beyond 32 were left out.");
     }
-    return Store(context, text.records);
+    return Store(
+        context, text.records,
+        {AlmanacOrigin::File, FromUtf8(std::filesystem::path(options.file).filename().string())});
 }
 
 ExitCode Sample(const Context& context, const AlmanacOptions& options)
@@ -248,8 +239,10 @@ ExitCode Sample(const Context& context, const AlmanacOptions& options)
     }
     const std::int64_t now = GpsSeconds(GpsNow(context.world));
     const std::int64_t toa = now % kWeekS / kToaStepS * kToaStepS;
-    return Store(context, NominalConstellation(kNominalSatellites, static_cast<int>(now / kWeekS),
-                                               static_cast<std::uint32_t>(toa)));
+    return Store(context,
+                 NominalConstellation(kNominalSatellites, static_cast<int>(now / kWeekS),
+                                      static_cast<std::uint32_t>(toa)),
+                 {AlmanacOrigin::Nominal, {}});
 }
 
 } // namespace

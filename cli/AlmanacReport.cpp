@@ -4,10 +4,12 @@
 
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/Degrees.h"
+#include "core/platform/Utf8.h"
 
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -85,6 +87,15 @@ std::int64_t GpsSeconds(const CGPSTime& time)
     return time.GetUtcTime().GetTime() - CGPSTime::m_OriginalTime.GetTime();
 }
 
+Value SourceValue(const AlmanacSource& source)
+{
+    constexpr std::array kCodes{"unknown", "receiver", "file", "nominal"};
+    const char* const code = kCodes[static_cast<std::size_t>(source.origin)];
+    return source.origin == AlmanacOrigin::Nominal
+               ? Value::Word(code, ToUtf8(SourceText(source)) + ", made up")
+               : Value::Word(code, code);
+}
+
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
 {
     std::int64_t loaded = 0;
@@ -98,6 +109,10 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
         }
     }
     const CGPSTime time = AlmanacTime(almanac);
+    report.Add("source", "source", SourceValue(almanac.Source()));
+    const std::wstring& name = almanac.Source().name;
+    report.Add("sourceName", "source name",
+               name.empty() ? Value::Unknown() : Value::Text(std::wstring_view(name)));
     report.Add("satelliteCount", "satellites", Value::Integer(loaded));
     report.Add("healthyCount", "healthy", Value::Integer(healthy));
     report.Add("gpsTime", "almanac time", anyTime ? DateValue(time) : Value::Unknown());

@@ -25,9 +25,12 @@ namespace fieldcore::cli {
 /// Seconds since 1980-01-06 00:00:00 of GPS time.
 [[nodiscard]] std::int64_t GpsSeconds(const CGPSTime& time);
 
-/// Adds how many satellites the almanac has, how many of them are healthy, its time and how old it
-/// is at @p date.
+/// Adds where the almanac comes from, how many satellites it has, how many of them are healthy, its
+/// time and how old it is at @p date.
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date);
+
+/// Where an almanac comes from; for a program "nominal", "receiver", "file" or "unknown".
+[[nodiscard]] Value SourceValue(const AlmanacSource& source);
 
 /// Adds the satellites as a table.
 void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date);

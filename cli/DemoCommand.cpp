@@ -245,6 +245,7 @@ private:
             break;
         case AlmanacResult::TooFew:
             return Failure{ExitCode::Failed, "almanac-too-few", "The receiver has no almanac."};
+        case AlmanacResult::BrokenOff:
         case AlmanacResult::Cancelled:
             return m_session.RequestFailed();
         case AlmanacResult::NotWritten:

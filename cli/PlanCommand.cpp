@@ -29,8 +29,10 @@ struct Options
     PlanOptions plan;
     std::string kind; ///< empty: the overview
     bool csv = false;
-    WindowLimits window;
-    int minLengthMinutes = 30;
+    // Of a good window; what is not given is what the settings have.
+    std::optional<int> minSatellites;
+    std::optional<double> maxPdop;
+    std::optional<int> minLengthMinutes;
     const CLI::App* best = nullptr;
     const CLI::App* sites = nullptr;
 };
@@ -62,6 +64,18 @@ void WarnOfAge(Output& output, const ObservationPlan& plan)
                 " days older than the plan. Get a new one: fieldcore-cli almanac get --port PORT");
 }
 
+void WarnOfSource(Output& output, const ObservationPlan& plan)
+{
+    const AlmanacSource& source = plan.Calc().Source();
+    if (source.origin == AlmanacOrigin::Nominal) {
+        output.Message("warning", "",
+                       ToUtf8(SourceText(source)) +
+                           ": the almanac is made up. It shows how many satellites there are, not "
+                           "where a real one is.",
+                       Colour::Yellow);
+    }
+}
+
 /// Makes each of the plans that @p options ask for and hands it on.
 /// @param wholeDay  the period if none is given
 /// @return what is wrong with the options or the files
@@ -79,6 +93,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
     }
+    WarnOfSource(context.output, plan);
     bool warned = false;
     for (const NamedSite& site : request.sites) {
         plan.Calc().SetObserver(site.observer);
@@ -122,8 +137,6 @@ ExitCode Plan(const Context& context, const Options& options)
 
 ExitCode Best(const Context& context, const Options& options)
 {
-    WindowLimits limits = options.window;
-    limits.minLength = std::chrono::minutes(options.minLengthMinutes);
     Report::Table table{"windows",
                         "No such window. Ask for fewer satellites (--min-sv), a higher PDOP "
                         "(--max-pdop) or less time (--min-length).",
@@ -133,6 +146,12 @@ ExitCode Best(const Context& context, const Options& options)
     const std::optional<Failure> failure =
         ForEachPlan(context, options.plan, true, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
+                        WindowLimits limits = request.settings.limits;
+                        limits.minSatellites = options.minSatellites.value_or(limits.minSatellites);
+                        limits.maxPdop = options.maxPdop.value_or(limits.maxPdop);
+                        if (options.minLengthMinutes) {
+                            limits.minLength = std::chrono::minutes(*options.minLengthMinutes);
+                        }
                         for (const PlanWindow& window : FindWindows(plan, limits)) {
                             table.rows.push_back(WindowRow(plan, site, window));
                         }
@@ -176,14 +195,16 @@ void AddBest(CLI::App& plan, Options& options)
                   "  fieldcore-cli plan best --site 大阪 --date tomorrow --days 3\n"
                   "  fieldcore-cli plan best --from 8 --hours 9\n");
     best.fallthrough(); // site, days and so on are those of plan
-    best.add_option("--min-sv", options.window.minSatellites, "Satellites at least (5)")
+    best.add_option("--min-sv", options.minSatellites,
+                    "Satellites at least (as the plan's page: 5)")
         ->check(CLI::Range(4, 32).description(""))
         ->type_name("N");
-    best.add_option("--max-pdop", options.window.maxPdop, "PDOP at most (4)")
+    best.add_option("--max-pdop", options.maxPdop, "PDOP at most (the same: 4)")
         ->check(CLI::Range(1.0, 100.0).description(""))
         ->type_name("X");
     const std::map<std::string, int> units{{"m", 1}, {"min", 1}, {"h", 60}};
-    best.add_option("--min-length", options.minLengthMinutes, "Length at least: 60m, 2h (30m)")
+    best.add_option("--min-length", options.minLengthMinutes,
+                    "Length at least: 60m, 2h (the same: 30m)")
         ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::CASE_INSENSITIVE))
         ->check(CLI::Range(0, 1440).description(""))
         ->type_name("TIME");

@@ -192,9 +192,9 @@ std::string TrackWords(const ObservationPlan& plan)
     return report.Words();
 }
 
-std::optional<PlanWindow> BestWindow(const ObservationPlan& plan)
+std::optional<PlanWindow> BestWindow(const ObservationPlan& plan, const WindowLimits& limits)
 {
-    const std::vector<PlanWindow> windows = FindWindows(plan, WindowLimits{});
+    const std::vector<PlanWindow> windows = FindWindows(plan, limits);
     const auto best = std::max_element(
         windows.begin(), windows.end(), [](const PlanWindow& a, const PlanWindow& b) {
             const int lengthA = a.last - a.first;
@@ -204,10 +204,9 @@ std::optional<PlanWindow> BestWindow(const ObservationPlan& plan)
     return best == windows.end() ? std::nullopt : std::optional(*best);
 }
 
-std::string BestWords(const ObservationPlan& plan)
+std::string BestWords(const ObservationPlan& plan, const WindowLimits& limits)
 {
-    const std::optional<PlanWindow> best = BestWindow(plan);
-    const WindowLimits limits;
+    const std::optional<PlanWindow> best = BestWindow(plan, limits);
     if (!best) {
         return "best window: none with " + std::to_string(limits.minSatellites) +
                " satellites and a PDOP of " + Value::Real(limits.maxPdop, 1).Words() +
@@ -247,8 +246,9 @@ Value TimeValue(std::chrono::sys_seconds time)
 std::string AgeWords(const AlmanacState& almanac)
 {
     const auto days = [](double count) { return Value::Real(count, 1).Words() + " days"; };
-    return almanac.ageDays < 0.0 ? days(-almanac.ageDays) + " newer than the plan"
-                                 : days(almanac.ageDays) + " old";
+    return days(std::abs(almanac.ageDays)) + (almanac.ageDays < 0.0
+                                                  ? " after the start of the plan"
+                                                  : " before the start of the plan");
 }
 
 } // namespace
@@ -272,7 +272,7 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
     AddAlmanacSummary(almanac, plan.Calc(), period.Start());
     report.Add("kind", "kind", Value::Text(std::string(KindOf(graph))));
     report.AddTable(Samples(plan, graph));
-    if (const std::optional<PlanWindow> best = BestWindow(plan)) {
+    if (const std::optional<PlanWindow> best = BestWindow(plan, request.settings.limits)) {
         Report& window = report.AddSection("bestWindow", "best window");
         const std::vector<Report::Column> columns = WindowColumns();
         std::vector<Value> row = WindowRow(plan, site, *best);
@@ -298,9 +298,11 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
              (HasObstruction(plan.Calc().GetCurtain()) ? "with the curtain" : "no curtain") + "\n";
     words += "almanac of " + TimeValue(almanac.time).Words() + " GPS time, " + AgeWords(almanac) +
              ", " + std::to_string(almanac.satellites) + " satellites, " +
-             std::to_string(almanac.healthy) + " healthy\n\n";
+             std::to_string(almanac.healthy) + " healthy; from " +
+             SourceValue(almanac.source).Words() +
+             (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name)) + "\n\n";
     words += graph && IsTracks(*graph) ? TrackWords(plan) : ChartWords(plan, graph);
-    return words + "\n" + BestWords(plan) + "\n";
+    return words + "\n" + BestWords(plan, request.settings.limits) + "\n";
 }
 
 std::vector<Report::Column> WindowColumns()

@@ -15,7 +15,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -23,7 +25,6 @@ namespace fieldcore::cli {
 
 namespace {
 
-constexpr std::chrono::hours kJapanAheadOfUtc{9};
 constexpr const char* kSitesHint =
     "fieldcore-cli plan sites lists them; a place of your own is --at LAT,LON,HEIGHT";
 
@@ -108,7 +109,7 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
 /// @return nothing if @p text is no date
 std::optional<std::chrono::sys_days> ParseDate(const std::string& text, const World& world)
 {
-    const auto today = std::chrono::floor<std::chrono::days>(world.clock->Utc() + kJapanAheadOfUtc);
+    const std::chrono::sys_days today = JapanDay(world.clock->Utc());
     if (text == "today") {
         return today;
     }
@@ -191,7 +192,9 @@ void PlanOptions::AddTo(CLI::App& command)
         ->type_name("FILE")
         ->group("Plan");
     CLI::Option* const file =
-        command.add_option("--curtain", curtain, "Another obstruction curtain than the one in use")
+        command
+            .add_option("--curtain", curtain,
+                        "Another obstruction curtain: a text, or a CurTain.obs")
             ->type_name("FILE")
             ->group("Plan");
     command.add_flag("--no-curtain", noCurtain, "An open sky")->excludes(file)->group("Plan");
@@ -200,13 +203,12 @@ void PlanOptions::AddTo(CLI::App& command)
 std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
 {
     std::vector<NamedSite> sites;
-    for (const std::wstring& name : SiteNames(folder)) {
-        const SiteEntry entry = ReadSite(folder, name);
-        constexpr Observer kDefault;
-        sites.push_back({name,
-                         {entry.latitudeRad.value_or(kDefault.latitudeRad),
-                          entry.longitudeRad.value_or(kDefault.longitudeRad),
-                          entry.heightM.value_or(kDefault.heightM)}});
+    constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+    for (auto& [name, entry] : ReadSites(folder)) {
+        sites.push_back(
+            {std::move(name),
+             {entry.latitudeRad.value_or(kUnknown), entry.longitudeRad.value_or(kUnknown),
+              entry.heightM.value_or(kUnknown)}});
     }
     const std::size_t own = sites.size();
     for (const SampleSite& sample : SampleSites()) {
@@ -248,7 +250,14 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
         return failure;
     }
-    return ResolvePeriod(options, settings, wholeDay, request);
+    if (std::optional<Failure> failure = ResolvePeriod(options, settings, wholeDay, request)) {
+        return failure;
+    }
+    request.settings = settings;
+    request.settings.elMaskDeg = request.maskDeg;
+    request.settings.startHour = request.startHour;
+    request.settings.hours = request.hours;
+    return std::nullopt;
 }
 
 std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& request,
@@ -270,7 +279,7 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
     } else if (!options.noCurtain) {
         plan.Calc().SetCurtain(LoadCurtain(request.folder));
     }
-    plan.SetElMaskDeg(request.maskDeg);
+    ApplySettings(request.settings, plan);
     return std::nullopt;
 }
 

@@ -19,7 +19,7 @@ class App;
 
 namespace fieldcore::cli {
 
-/// A site of the plan under its name.
+/// A site of the plan under its name. What the site file does not say of it is not a number.
 struct NamedSite
 {
     std::wstring name;
@@ -57,6 +57,7 @@ struct PlanRequest
     int startHour = 0;
     int hours = 0;
     int maskDeg = 0;
+    PlanSettings settings;         ///< what is given above in place of the user's
     std::filesystem::path folder;  ///< the program's
     std::filesystem::path almanac; ///< file
 };

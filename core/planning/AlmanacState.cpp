@@ -12,6 +12,7 @@ AlmanacState StateOfAlmanac(const ObservationPlan& plan)
     const CGPSTime time = AlmanacTime(plan.Calc());
     const auto sinceEpoch = time.GetUtcTime() - CGPSTime::m_OriginalTime;
     AlmanacState state;
+    state.source = plan.Calc().Source();
     state.time = kGpsEpoch + std::chrono::seconds(sinceEpoch.GetTotalSeconds());
     const CGPSTime start = plan.Period().Start();
     state.ageDays =

@@ -14,6 +14,13 @@ struct AlmanacState
     bool isOld = false;            ///< IsAlmanacOld()
     int satellites = 0;            ///< valid ones; 0: there is no almanac
     int healthy = 0;               ///< of these
+    AlmanacSource source;
+
+    /// Its day by the calendar: the one that is shown.
+    [[nodiscard]] std::chrono::sys_days Day() const
+    {
+        return std::chrono::floor<std::chrono::days>(time);
+    }
 };
 
 /// @param plan  its Calc() and Period() are looked at; it need not be computed

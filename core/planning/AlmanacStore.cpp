@@ -1,6 +1,7 @@
 #include "core/planning/AlmanacStore.h"
 
 #include "core/link/Command.h"
+#include "core/link/Receiver.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacRecord.h"
 #include "core/platform/AtomicFile.h"
@@ -59,10 +60,32 @@ AlmanacMessage MessageOf(AlmanacResult result)
         return {text::kAlmanacTooFew, text::kAlmanacTooFewCaption, BoxIcon::Stop};
     case AlmanacResult::NotRead:
         return {text::kAlmanacNotRead, text::kAlmanacNotReadCaption, BoxIcon::Stop};
+    case AlmanacResult::BrokenOff: // only its tally says it
     case AlmanacResult::Cancelled:
         break;
     }
     return {};
+}
+
+AlmanacMessage MessageOf(AlmanacResult result, const AlmanacTally& tally)
+{
+    const bool isDone = result == AlmanacResult::Done;
+    if (tally.lost == 0 || (!isDone && result != AlmanacResult::BrokenOff)) {
+        return {};
+    }
+    const int id = isDone ? text::kAlmanacIncomplete : text::kAlmanacBrokenOff;
+    return {id, text::kAlmanacTooFewCaption, isDone ? BoxIcon::Exclamation : BoxIcon::Stop,
+            FormatText(id, tally.received + tally.lost, tally.received, CauseText(tally.fault))};
+}
+
+void AlmanacTally::Note(CommandFault outcome)
+{
+    ++(outcome == CommandFault::None      ? received
+       : outcome == CommandFault::Refused ? missing
+                                          : lost);
+    if (outcome != CommandFault::None && outcome != CommandFault::Refused) {
+        fault = outcome;
+    }
 }
 
 AlmanacStore::AlmanacStore(fs::path folder) : m_folder(std::move(folder)) {}
@@ -70,6 +93,7 @@ AlmanacStore::AlmanacStore(fs::path folder) : m_folder(std::move(folder)) {}
 AlmanacResult AlmanacStore::Download(CCommand& command, std::size_t& size, const Progress& progress)
 {
     size = 0;
+    m_tally = {};
     int handle = -1;
     m_error = OpenTemporary(handle);
     if (m_error) {
@@ -106,8 +130,11 @@ AlmanacResult AlmanacStore::Receive(CCommand& command, int handle, std::size_t& 
         AlmanacReply reply;
         if (command.RequestAlmanac(prn, reply) != 0) {
             record = ToBytes(reply);
+            m_tally.Note(CommandFault::None);
         } else if (command.Fault() == CommandFault::Cancelled) {
             return AlmanacResult::Cancelled;
+        } else {
+            m_tally.Note(command.Fault());
         }
         m_error = PosixFileOperations::Instance().Write(
             handle, {reinterpret_cast<const char*>(record.data()), record.size()});
@@ -122,7 +149,7 @@ AlmanacResult AlmanacStore::Receive(CCommand& command, int handle, std::size_t& 
     return progress && !progress(kMaxPrn + 1) ? AlmanacResult::Cancelled : AlmanacResult::Done;
 }
 
-AlmanacResult AlmanacStore::Commit(std::size_t size)
+AlmanacResult AlmanacStore::Commit(std::size_t size, const AlmanacSource& source)
 {
     const fs::path temporary = AlmanacTemporaryPath(m_folder);
     const std::vector<std::uint8_t> content = ReadAlmanacFile(temporary);
@@ -135,17 +162,34 @@ AlmanacResult AlmanacStore::Commit(std::size_t size)
         ReplaceFile(AlmanacPath(m_folder), temporary.filename(), std::as_bytes(std::span(content)));
     // It is still there after an error, and where the almanac is a link to another folder.
     Remove(temporary);
-    return m_error ? AlmanacResult::NotReplaced : AlmanacResult::Done;
+    if (m_error) {
+        return AlmanacResult::NotReplaced;
+    }
+    SaveAlmanacSource(AlmanacPath(m_folder), content, source);
+    return AlmanacResult::Done;
 }
 
 AlmanacResult AlmanacStore::Update(CCommand& command, const Progress& progress)
 {
     std::size_t size = 0;
     const AlmanacResult downloaded = Download(command, size, progress);
-    return downloaded == AlmanacResult::Done ? Commit(size) : downloaded;
+    if (downloaded != AlmanacResult::Done) {
+        return downloaded;
+    }
+    AlmanacSource source{AlmanacOrigin::Receiver, {}};
+    SerialReply serial;
+    if (ClassOf(m_tally.fault) != FaultClass::Gone && command.RequestSerial(serial) != 0) {
+        ReceiverIdentity identity;
+        identity.serial = serial;
+        source.name = identity.Name();
+    }
+    const AlmanacResult result = Commit(size, source);
+    // Few came, but whether the receiver has more nobody knows.
+    return result == AlmanacResult::TooFew && m_tally.lost > 0 ? AlmanacResult::BrokenOff : result;
 }
 
-AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records)
+AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records,
+                                   const AlmanacSource& source)
 {
     std::vector<AlmanacRecord> sorted;
     std::copy_if(records.begin(), records.end(), std::back_inserter(sorted),
@@ -170,7 +214,7 @@ AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records)
         Remove(AlmanacTemporaryPath(m_folder));
         return AlmanacResult::NotWritten;
     }
-    return Commit(content.size());
+    return Commit(content.size(), source);
 }
 
 } // namespace fieldcore

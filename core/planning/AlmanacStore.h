@@ -1,12 +1,15 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/link/CommandFault.h"
 #include "core/planning/AlmanacRecord.h"
+#include "core/planning/AlmanacSource.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <span>
+#include <string>
 #include <system_error>
 
 namespace fieldcore {
@@ -18,10 +21,22 @@ enum class AlmanacResult
     Done,
     NotWritten,  ///< the temporary file could not be made or nothing could be written
     TooFew,      ///< four satellites or fewer; the almanac is as it was
+    BrokenOff,   ///< the same, and the receiver did not answer for others
     NotReplaced, ///< the temporary file could not take its place; the almanac is as it was, or
                  ///< new but not safe from a power cut, where only its folder could not be synced
     NotRead,     ///< there is no almanac
     Cancelled,   ///< by the user; the almanac is as it was
+};
+
+/// What became of the requests of a download.
+struct AlmanacTally
+{
+    int received = 0;
+    int missing = 0;                         ///< the receiver has none of that satellite
+    int lost = 0;                            ///< no answer, or a damaged one
+    CommandFault fault = CommandFault::None; ///< of the last one that was lost
+
+    void Note(CommandFault outcome);
 };
 
 /// What to tell the user: string-table numbers. Both 0: nothing.
@@ -30,8 +45,12 @@ struct AlmanacMessage
     int text = 0;
     int caption = 0;
     BoxIcon icon = BoxIcon::None;
+    std::wstring words{}; ///< what stands in place of the text if that has gaps to fill
 };
 [[nodiscard]] AlmanacMessage MessageOf(AlmanacResult result);
+/// What to tell of a download that lost answers, beside or in place of its result: how many
+/// satellites came, and why not the others. Nothing if all was answered.
+[[nodiscard]] AlmanacMessage MessageOf(AlmanacResult result, const AlmanacTally& tally);
 
 /// The almanac file in the program's folder: received from the receiver or given, and replaced. All
 /// calls come from the thread of the command channel.
@@ -54,16 +73,19 @@ public:
 
     /// Puts the temporary file in place of the almanac, whole and safely on the medium, if it has
     /// enough satellites; else removes it.
-    /// @param size  as Download() said
-    AlmanacResult Commit(std::size_t size);
+    /// @param size    as Download() said
+    /// @param source  where the almanac comes from, kept beside it
+    AlmanacResult Commit(std::size_t size, const AlmanacSource& source = {});
 
-    /// Download() and Commit().
+    /// Download() and Commit(); asks the receiver for its serial number between them.
     AlmanacResult Update(CCommand& command, const Progress& progress = {});
+    /// Of the last Download().
+    [[nodiscard]] const AlmanacTally& Tally() const { return m_tally; }
 
     /// Writes @p records into the temporary file, in order of PRN, and Commit()s it. Those whose
     /// PRN is not 1 to 32 are left out; the values are not looked at. After any result but Done the
     /// temporary file is gone.
-    AlmanacResult Import(std::span<const AlmanacRecord> records);
+    AlmanacResult Import(std::span<const AlmanacRecord> records, const AlmanacSource& source = {});
 
     /// The system's word on the last NotWritten or NotReplaced, for developers.
     [[nodiscard]] std::error_code LastError() const { return m_error; }
@@ -76,6 +98,7 @@ private:
 
     std::filesystem::path m_folder;
     std::error_code m_error;
+    AlmanacTally m_tally;
 };
 
 } // namespace fieldcore

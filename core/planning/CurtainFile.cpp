@@ -16,13 +16,17 @@ fs::path CurtainPath(const fs::path& folder)
     return folder / "CurTain.obs";
 }
 
-ObstructionCurtain LoadCurtain(const fs::path& folder)
+ObstructionCurtain CurtainOf(std::span<const std::uint8_t> content)
 {
     ObstructionCurtain curtain{};
-    if (const auto content = ReadWholeFile(CurtainPath(folder), curtain.size())) {
-        std::copy(content->begin(), content->end(), curtain.begin());
-    }
+    std::copy_n(content.begin(), std::min(content.size(), curtain.size()), curtain.begin());
     return curtain;
+}
+
+ObstructionCurtain LoadCurtain(const fs::path& folder)
+{
+    const auto content = ReadWholeFile(CurtainPath(folder), ObstructionCurtain{}.size());
+    return content ? CurtainOf(*content) : ObstructionCurtain{};
 }
 
 std::error_code SaveCurtain(const fs::path& folder, const ObstructionCurtain& curtain)

@@ -1,5 +1,6 @@
 #include "core/planning/CurtainText.h"
 
+#include "core/planning/CurtainFile.h"
 #include "core/planning/TextLines.h"
 #include "core/platform/AtomicFile.h"
 #include "core/platform/WholeFile.h"
@@ -109,11 +110,20 @@ std::string FormatCurtainText(const ObstructionCurtain& curtain)
 CurtainText LoadCurtainText(const fs::path& file)
 {
     // One more than may be: longer texts are to be noticed.
-    if (const auto content = ReadWholeFile(file, kMostText + 1)) {
-        return ParseCurtainText({reinterpret_cast<const char*>(content->data()), content->size()});
-    }
+    const auto content = ReadWholeFile(file, kMostText + 1);
     CurtainText result;
-    result.error = Wrong(0, "", "is no file that can be read");
+    if (!content) {
+        result.error = Wrong(0, "", "is no file that can be read");
+        return result;
+    }
+    const bool isNamedSo = file.extension() == ".obs";
+    if (!isNamedSo) {
+        result =
+            ParseCurtainText({reinterpret_cast<const char*>(content->data()), content->size()});
+    }
+    if (isNamedSo || (result.error && content->size() == result.curtain.size())) {
+        return {CurtainOf(*content), std::nullopt};
+    }
     return result;
 }
 

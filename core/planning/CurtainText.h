@@ -38,7 +38,9 @@ struct CurtainText
 /// they hide stays hidden but a satellite exactly in the zenith.
 [[nodiscard]] std::string FormatCurtainText(const ObstructionCurtain& curtain);
 
-/// ParseCurtainText() with the text of @p file. An error if there is no such regular file.
+/// The curtain of a file that the user has chosen: such a text, or the 360 bytes of "CurTain.obs".
+/// A file counts as these if its name ends in ".obs", or if it has their length and is no text that
+/// can be read. An error if there is no such regular file.
 [[nodiscard]] CurtainText LoadCurtainText(const std::filesystem::path& file);
 
 /// Replaces @p file as a whole by FormatCurtainText().

@@ -1,5 +1,6 @@
 #include "core/planning/PlanCsv.h"
 
+#include "core/planning/AlmanacState.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
 #include "core/platform/NumberText.h"
@@ -39,6 +40,17 @@ std::string Whole(std::uint32_t number, std::size_t width)
     return ToUtf8(FormatWhole(number, width));
 }
 
+/// Where the almanac comes from, and its day: "公称軌道暦（見本） 2026-11-19".
+std::string AlmanacOf(const ObservationPlan& plan)
+{
+    const AlmanacState almanac = StateOfAlmanac(plan);
+    const std::chrono::year_month_day day(almanac.Day());
+    return ToUtf8(SourceText(almanac.source)) + " " +
+           Whole(static_cast<std::uint32_t>(static_cast<int>(day.year())), 4) + "-" +
+           Whole(static_cast<unsigned>(day.month()), 2) + "-" +
+           Whole(static_cast<unsigned>(day.day()), 2);
+}
+
 } // namespace
 
 std::string PlanCsvHeader(PlanGraph graph)
@@ -63,19 +75,20 @@ std::string PlanCsvHeader(PlanGraph graph)
         header += "prn,azimuth_deg,elevation_deg";
         break;
     }
-    return header + kLineEnd;
+    return header + ",almanac" + kLineEnd;
 }
 
 std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstring_view site)
 {
     const std::string name = Quoted(ToUtf8(site));
+    const std::string end = "," + Quoted(AlmanacOf(plan)) + kLineEnd;
     const auto begin = [&](int epoch) { return name + "," + plan.Computed().JstText(epoch) + ","; };
     std::string rows;
     for (int k = 0; k < plan.Division(); ++k) {
         if (graph == PlanGraph::Count) {
-            rows += begin(k) + Fixed(plan.CountAt(k), 0) + kLineEnd;
+            rows += begin(k) + Fixed(plan.CountAt(k), 0) + end;
         } else if (IsDilution(graph)) {
-            rows += begin(k + 1) + Fixed(plan.DopAt(graph, k), 2) + kLineEnd;
+            rows += begin(k + 1) + Fixed(plan.DopAt(graph, k), 2) + end;
         }
     }
     if (graph == PlanGraph::Count || IsDilution(graph)) {
@@ -86,7 +99,7 @@ std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstri
             if (const std::optional<SkyDirection> direction = plan.DirectionAt(index, k)) {
                 rows += begin(k) + Whole(static_cast<std::uint32_t>(index + 1), 1) + "," +
                         Fixed(DegreesOf(direction->azimuthRad), 2) + "," +
-                        Fixed(DegreesOf(direction->elevationRad), 2) + kLineEnd;
+                        Fixed(DegreesOf(direction->elevationRad), 2) + end;
             }
         }
     }

@@ -13,7 +13,8 @@ namespace fieldcore {
 ///
 /// The rows of PlanGraph::Count and of the three dilutions are the samples of that series. Those of
 /// the other graphs are the visible satellites of every epoch, with azimuth and elevation in
-/// degrees. A dilution that is not finite is an empty field.
+/// degrees. A dilution that is not finite is an empty field. The last field of each row is the
+/// almanac's source and day, so that what is made up says so wherever the rows go.
 
 /// The line of column names.
 [[nodiscard]] std::string PlanCsvHeader(PlanGraph graph);

@@ -65,6 +65,11 @@ std::string PlanPeriod::ClockText(int samples) const
                : "24:00";
 }
 
+std::chrono::sys_days JapanDay(Clock::UtcTime utc)
+{
+    return std::chrono::floor<std::chrono::days>(utc + std::chrono::hours(kJapanBehindUtcH));
+}
+
 GpsEpoch ToEpoch(const CGPSTime& time)
 {
     return {time.GetGpsWeek(), time.GetGpsTime()};

@@ -2,6 +2,7 @@
 
 #include "core/planning/AlmanacOrbit.h"
 #include "core/planning/GPSTime.h"
+#include "core/platform/Clock.h"
 
 #include <chrono>
 #include <cstdint>
@@ -39,6 +40,9 @@ struct PlanPeriod
     /// Its time of day: "09:00". The end of a day's period is "24:00" of that day.
     [[nodiscard]] std::string ClockText(int samples) const;
 };
+
+/// The day that Japan has at @p utc: what 今日 and "today" mean.
+[[nodiscard]] std::chrono::sys_days JapanDay(Clock::UtcTime utc);
 
 /// As the orbits take it.
 [[nodiscard]] GpsEpoch ToEpoch(const CGPSTime& time);

@@ -23,22 +23,25 @@ PlanSession::PlanSession(std::filesystem::path folder, const CReg& reg)
 AlmanacMessage PlanSession::Begin(const Clock& clock)
 {
     m_settings = LoadPlanSettings(m_reg);
-    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
-        m_plan.Calc().SetUse(index, (m_settings.switchedOff >> index & 1U) == 0 ? 1 : 0);
-    }
+    ApplySettings(m_settings, m_plan);
     ReadSite();
     m_plan.Period().date = std::chrono::floor<std::chrono::days>(clock.Utc());
     ResetSpins();
     return ReloadAlmanac();
 }
 
-int PlanSession::SaveSettings()
+void PlanSession::TakeUse()
 {
     m_settings.switchedOff = 0;
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         const bool isOff = m_plan.Calc().GetSatellite(index).GetUse() == 0;
         m_settings.switchedOff |= (isOff ? 1U : 0U) << index;
     }
+}
+
+int PlanSession::SaveSettings()
+{
+    TakeUse();
     return SavePlanSettings(m_reg, m_settings);
 }
 
@@ -61,19 +64,18 @@ AlmanacMessage PlanSession::ReloadAlmanac()
 std::vector<AlmanacMessage> PlanSession::UpdateAlmanac(CCommand& command,
                                                        const AlmanacStore::Progress& progress)
 {
-    const AlmanacResult result = AlmanacStore(m_folder).Update(command, progress);
-    if (result == AlmanacResult::Cancelled) {
-        return {};
-    }
-    std::vector<AlmanacMessage> messages{MessageOf(result)};
+    AlmanacStore store(m_folder);
+    const AlmanacResult result = store.Update(command, progress);
+    std::vector<AlmanacMessage> messages{MessageOf(result), MessageOf(result, store.Tally())};
     if (result == AlmanacResult::Done) {
         const AlmanacMessage loaded = ReloadAlmanac();
         if (!m_hasAlmanac) {
             messages = {loaded};
-        } else if (loaded.text != 0) {
+        } else {
             messages.push_back(loaded);
         }
     }
+    std::erase_if(messages, [](const AlmanacMessage& message) { return message.text == 0; });
     return messages;
 }
 
@@ -140,9 +142,8 @@ PlanSession::Spins PlanSession::MoveEnd(int hour)
 
 void PlanSession::Compute()
 {
-    m_plan.Period().startHour = m_settings.startHour;
-    m_plan.Period().hours = m_settings.hours;
-    m_plan.SetElMaskDeg(m_settings.elMaskDeg);
+    TakeUse();
+    ApplySettings(m_settings, m_plan);
     m_plan.Calc().SetObserver(m_site);
     m_plan.Compute();
 }
@@ -180,6 +181,7 @@ void PlanSession::SetDate(std::chrono::year_month_day date)
 
 void PlanSession::ReadSite()
 {
+    m_isSiteKnown = fieldcore::ReadSite(m_folder, m_settings.position).IsComplete();
     ReadPosition(m_folder, m_settings.position, m_site);
 }
 

@@ -96,10 +96,14 @@ public:
     /// Reads the site of the settings from the site file; see ReadPosition() for one that it lacks.
     void ReadSite();
     [[nodiscard]] const Observer& Site() const { return m_site; }
-    void SetSite(const Observer& site) { m_site = site; }
+    /// Whether the site file had all of its coordinates; if not, Site() is only where the plan
+    /// computes.
+    [[nodiscard]] bool IsSiteKnown() const { return m_isSiteKnown; }
 
 private:
     void ResetPeriod();
+    /// What the plan's satellites are to the user becomes a setting.
+    void TakeUse();
 
     std::filesystem::path m_folder;
     const CReg& m_reg;
@@ -107,6 +111,7 @@ private:
     Spins m_spins;
     Observer m_site;
     ObservationPlan m_plan;
+    bool m_isSiteKnown = false;
     bool m_hasAlmanac = false;
     bool m_hasCurtain = false;
 };

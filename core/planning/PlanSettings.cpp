@@ -50,6 +50,16 @@ PlanSettings Fitted(PlanSettings settings)
     return settings;
 }
 
+void ApplySettings(const PlanSettings& settings, ObservationPlan& plan)
+{
+    plan.Period().startHour = settings.startHour;
+    plan.Period().hours = settings.hours;
+    plan.SetElMaskDeg(settings.elMaskDeg);
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        plan.Calc().SetUse(index, (settings.switchedOff >> index & 1U) == 0 ? 1 : 0);
+    }
+}
+
 PlanSettings LoadPlanSettings(const CReg& reg)
 {
     PlanSettings settings;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/planning/ObservationPlan.h"
 #include "core/planning/PlanWindows.h"
 #include "core/settings/Reg.h"
 
@@ -30,6 +31,10 @@ struct PlanSettings
 /// @p settings with mask, period and limits brought into their ranges, and with all satellites if
 /// all are switched off.
 [[nodiscard]] PlanSettings Fitted(PlanSettings settings);
+
+/// Gives @p plan what of @p settings it is made of: hours, mask, and the satellites that count. The
+/// plan's page and the terminal make the same plan of the same settings by this.
+void ApplySettings(const PlanSettings& settings, ObservationPlan& plan);
 
 /// Settings that are missing, or of another type, are those of a new user; the
 /// others are Fitted().

@@ -40,6 +40,28 @@ struct SiteLines
     const std::array<ProfileEntry, 3> entries;
 };
 
+/// What the profile says of the sites @p names.
+std::vector<std::pair<std::wstring, SiteEntry>> EntriesOf(const ProfileText& profile,
+                                                          const std::vector<std::wstring>& names)
+{
+    std::vector<std::pair<std::wstring, SiteEntry>> sites;
+    for (const std::wstring& name : names) {
+        sites.emplace_back(name, SiteEntry());
+    }
+    profile.Visit(names, [&](std::size_t at, std::wstring_view key, std::wstring_view value) {
+        SiteEntry& entry = sites[at].second;
+        // Of an entry that is there twice the first counts.
+        if (key == L"LAT" && !entry.latitudeRad) {
+            entry.latitudeRad = ParsePackedDegrees(value);
+        } else if (key == L"LON" && !entry.longitudeRad) {
+            entry.longitudeRad = ParsePackedDegrees(value);
+        } else if (key == L"HGT" && !entry.heightM) {
+            entry.heightM = ParseReal(std::wstring(value).c_str());
+        }
+    });
+    return sites;
+}
+
 } // namespace
 
 fs::path SitesPath(const fs::path& folder)
@@ -52,24 +74,17 @@ std::vector<std::wstring> SiteNames(const fs::path& folder)
     return ReadProfileSections(SitesPath(folder));
 }
 
+std::vector<std::pair<std::wstring, SiteEntry>> ReadSites(const fs::path& folder)
+{
+    const std::optional<ProfileText> profile = LoadProfile(SitesPath(folder));
+    return profile ? EntriesOf(*profile, profile->Sections())
+                   : std::vector<std::pair<std::wstring, SiteEntry>>();
+}
+
 SiteEntry ReadSite(const fs::path& folder, std::wstring_view name)
 {
-    const fs::path file = SitesPath(folder);
-    const auto read = [&](std::wstring_view key) {
-        std::wstring text;
-        return ReadProfile(name, key, L"", text, file) == 1 ? std::optional(text) : std::nullopt;
-    };
-    SiteEntry entry;
-    if (const auto text = read(L"LAT")) {
-        entry.latitudeRad = ParsePackedDegrees(*text);
-    }
-    if (const auto text = read(L"LON")) {
-        entry.longitudeRad = ParsePackedDegrees(*text);
-    }
-    if (const auto text = read(L"HGT")) {
-        entry.heightM = ParseReal(text->c_str());
-    }
-    return entry;
+    const std::optional<ProfileText> profile = LoadProfile(SitesPath(folder));
+    return profile ? EntriesOf(*profile, {std::wstring(name)}).front().second : SiteEntry();
 }
 
 int WriteSite(const fs::path& folder, std::wstring_view name, const Observer& observer)

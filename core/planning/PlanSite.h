@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -33,6 +34,9 @@ struct SiteEntry
     [[nodiscard]] bool IsEmpty() const { return !latitudeRad && !longitudeRad && !heightM; }
 };
 [[nodiscard]] SiteEntry ReadSite(const std::filesystem::path& folder, std::wstring_view name);
+/// All sites with their names, in the order of the file, in one pass.
+[[nodiscard]] std::vector<std::pair<std::wstring, SiteEntry>>
+ReadSites(const std::filesystem::path& folder);
 
 /// Stores a site: a new one behind the others, a known one with its coordinates replaced.
 /// @return 1, or 0 with the file as it was: it cannot be written, or the name cannot be a section

@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 namespace fieldcore {
 
@@ -20,6 +21,7 @@ bool CSurveyPlanCalc::LoadAlmanac(std::span<const std::uint8_t> content)
     for (CAlmanacSatellite& satellite : m_satellites) {
         satellite.ClearRecord();
     }
+    m_source = {HasNominal(content) ? AlmanacOrigin::Nominal : AlmanacOrigin::Unknown, {}};
     bool taken = false;
     for (; content.size() >= kAlmanacRecordSize; content = content.subspan(kAlmanacRecordSize)) {
         const unsigned index = content[0] - 1U;
@@ -33,7 +35,10 @@ bool CSurveyPlanCalc::LoadAlmanac(std::span<const std::uint8_t> content)
 
 bool CSurveyPlanCalc::LoadAlmanac(const std::filesystem::path& file)
 {
-    return LoadAlmanac(ReadAlmanacFile(file));
+    const std::vector<std::uint8_t> content = ReadAlmanacFile(file);
+    const bool taken = LoadAlmanac(content);
+    m_source = LoadAlmanacSource(file, content);
+    return taken;
 }
 
 void CSurveyPlanCalc::SetCurtain(const ObstructionCurtain& curtain)

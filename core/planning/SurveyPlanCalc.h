@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/planning/AlmanacSatellite.h"
+#include "core/planning/AlmanacSource.h"
 #include "core/planning/Dop.h"
 
 #include <array>
@@ -26,6 +27,8 @@ public:
     bool LoadAlmanac(std::span<const std::uint8_t> content);
     /// The same from a file; a file that cannot be read holds no records.
     bool LoadAlmanac(const std::filesystem::path& file);
+    /// Where the almanac comes from, as far as its file or its content tell.
+    [[nodiscard]] const AlmanacSource& Source() const { return m_source; }
 
     void SetCurtain(const ObstructionCurtain& curtain);
     [[nodiscard]] const ObstructionCurtain& GetCurtain() const { return m_curtain; }
@@ -65,6 +68,7 @@ private:
     double m_maskRad = 0.0;
     SkyLimits m_limits;
     std::array<CAlmanacSatellite, kSatellites> m_satellites;
+    AlmanacSource m_source;
 };
 
 } // namespace fieldcore

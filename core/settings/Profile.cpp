@@ -64,19 +64,22 @@ int Edit(const fs::path& file, FileOperations& operations, Change change)
 int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_view defaultValue,
                 std::wstring& value, const fs::path& file)
 {
-    std::optional<std::string> bytes = Load(file);
-    std::optional<std::wstring> found;
-    if (bytes) {
-        found = ProfileText(std::move(*bytes)).Value(section, key);
-    }
+    const std::optional<ProfileText> profile = LoadProfile(file);
+    const std::optional<std::wstring> found = profile ? profile->Value(section, key) : std::nullopt;
     value = found ? *found : std::wstring(defaultValue);
     return found ? 1 : 0;
 }
 
 std::vector<std::wstring> ReadProfileSections(const fs::path& file)
 {
+    const std::optional<ProfileText> profile = LoadProfile(file);
+    return profile ? profile->Sections() : std::vector<std::wstring>();
+}
+
+std::optional<ProfileText> LoadProfile(const fs::path& file)
+{
     std::optional<std::string> bytes = Load(file);
-    return bytes ? ProfileText(std::move(*bytes)).Sections() : std::vector<std::wstring>();
+    return bytes ? std::optional(ProfileText(std::move(*bytes))) : std::nullopt;
 }
 
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,6 +26,11 @@ int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_v
 /// The names of the sections, in the order of the file; see ProfileText::Sections(). None if it
 /// cannot be read.
 [[nodiscard]] std::vector<std::wstring> ReadProfileSections(const std::filesystem::path& file);
+
+/// The whole content, for who reads much of it; see ProfileText. That of a file that is not there
+/// is empty.
+/// @return nothing if it cannot be read
+[[nodiscard]] std::optional<ProfileText> LoadProfile(const std::filesystem::path& file);
 
 /// Writes one entry. The new content is built in "$#TEMP.TMP" in the file's folder, which must be
 /// there, and takes the file's place when it is safely on the disk: a file that is not there is

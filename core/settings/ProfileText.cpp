@@ -123,14 +123,6 @@ struct ProfileText::Line
     [[nodiscard]] std::size_t Size() const { return end - start; }
 };
 
-/// Where an entry is, or where it would have to go.
-struct ProfileText::Place
-{
-    bool hasSection = false;
-    std::optional<Line> entry;
-    std::size_t insertAt = 0; ///< if there is no entry; always the start of a line
-};
-
 ProfileText::ProfileText(std::string bytes) : m_bytes(std::move(bytes))
 {
     if (m_bytes.starts_with(kUtf8Mark)) {
@@ -195,37 +187,25 @@ ProfileText::Line ProfileText::LineAt(std::size_t start) const
     return line;
 }
 
-ProfileText::Place ProfileText::Find(std::wstring_view section, std::wstring_view key) const
+std::optional<std::wstring> ProfileText::Value(std::wstring_view section,
+                                               std::wstring_view key) const
 {
     // As they come back from a file of this encoding, which may have another form of a sign.
     const std::wstring wantedSection = Decode(Encode(section));
     const std::wstring wantedKey = Decode(Encode(key));
-    Place place;
-    std::optional<std::size_t> emptyLine;
-    std::size_t at = m_start;
-    while (at < m_bytes.size()) {
-        Line line = LineAt(at);
-        if (!place.hasSection) {
-            place.hasSection = NamesSection(line.text, wantedSection);
+    bool isInside = false;
+    for (std::size_t at = m_start; at < m_bytes.size();) {
+        const Line line = LineAt(at);
+        at = line.end;
+        if (!isInside) {
+            isInside = NamesSection(line.text, wantedSection);
         } else if (StartsSection(line.text)) {
             break;
         } else if (HoldsEntry(line.text, wantedKey)) {
-            place.entry = std::move(line);
-            return place;
-        } else if (line.text.empty() && !emptyLine) {
-            emptyLine = at;
+            return ValueOf(line.text);
         }
-        at = line.end;
     }
-    place.insertAt = emptyLine.value_or(at);
-    return place;
-}
-
-std::optional<std::wstring> ProfileText::Value(std::wstring_view section,
-                                               std::wstring_view key) const
-{
-    const Place place = Find(section, key);
-    return place.entry ? std::optional(ValueOf(place.entry->text)) : std::nullopt;
+    return std::nullopt;
 }
 
 void ProfileText::Visit(std::span<const std::wstring> sections,
@@ -260,12 +240,13 @@ void ProfileText::Visit(std::span<const std::wstring> sections,
 std::vector<std::wstring> ProfileText::Sections() const
 {
     std::vector<std::wstring> names;
+    std::set<std::wstring> known;
     for (std::size_t at = m_start; at < m_bytes.size();) {
         const Line line = LineAt(at);
         at = line.end;
         if (StartsSection(line.text) && line.text.size() >= 2) {
             std::wstring name = line.text.substr(1, line.text.size() - 2);
-            if (std::find(names.begin(), names.end(), name) == names.end()) {
+            if (known.insert(name).second) {
                 names.push_back(std::move(name));
             }
         }
@@ -276,32 +257,89 @@ std::vector<std::wstring> ProfileText::Sections() const
 std::optional<std::string> ProfileText::WithEntry(std::wstring_view section, std::wstring_view key,
                                                   std::wstring_view value) const
 {
-    if (IsLost(section, {key, value})) {
-        return std::nullopt;
-    }
-    std::wstring entry(key);
-    entry += L'=';
-    entry += value;
-    entry += kLineEnd;
+    const ProfileEntry entry{key, value};
+    const ProfileSection changed{section, std::span(&entry, 1)};
+    return WithSections(std::span(&changed, 1));
+}
 
-    const Place place = Find(section, key);
-    std::string changed = m_bytes;
-    if (place.entry) {
-        return changed.replace(place.entry->start, place.entry->Size(), Encode(entry));
+/// The entries that one section is to have.
+struct ProfileText::Change
+{
+    struct Entry
+    {
+        std::wstring key;
+        std::string line; ///< as it stands in the file
+        bool isPlaced = false;
+    };
+    std::vector<Entry> entries;
+    bool isSeen = false; ///< its section
+
+    void Set(std::wstring key, std::string line)
+    {
+        const auto known = std::find_if(entries.begin(), entries.end(),
+                                        [&](const Entry& entry) { return entry.key == key; });
+        if (known != entries.end()) {
+            known->line = std::move(line);
+        } else {
+            entries.push_back({std::move(key), std::move(line)});
+        }
     }
-    std::wstring added;
-    if (place.insertAt == m_bytes.size() && m_bytes.size() > m_start &&
-        !m_bytes.ends_with(Encode(L"\n"))) {
-        added += kLineEnd; // the last line has none
+    /// The entry that takes the place of @p line; nullptr if it stays.
+    Entry* Replaces(std::wstring_view line)
+    {
+        const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
+            return !entry.isPlaced && HoldsEntry(line, entry.key);
+        });
+        return found != entries.end() ? &*found : nullptr;
     }
-    if (!place.hasSection) {
-        added += L'[';
-        added += section;
-        added += L']';
-        added += kLineEnd;
+};
+
+std::string ProfileText::WithChanges(std::map<std::wstring, Change>& changes) const
+{
+    std::string changed = m_bytes.substr(0, m_start);
+    Change* current = nullptr;
+    std::optional<std::size_t> emptyLine; // in the section
+    const auto finish = [&] {
+        std::string added;
+        for (Change::Entry& entry :
+             current != nullptr ? current->entries : std::vector<Change::Entry>()) {
+            added += entry.isPlaced ? std::string() : entry.line;
+        }
+        if (!added.empty()) {
+            const std::size_t at = emptyLine.value_or(changed.size());
+            if (at == changed.size() && !changed.ends_with(Encode(L"\n"))) {
+                added.insert(0, Encode(kLineEnd)); // the last line has none
+            }
+            changed.insert(at, added);
+        }
+        current = nullptr;
+        emptyLine.reset();
+    };
+    for (std::size_t at = m_start; at < m_bytes.size();) {
+        const Line line = LineAt(at);
+        at = line.end;
+        if (StartsSection(line.text)) {
+            finish();
+            const auto named = line.text.size() < 2
+                                   ? changes.end()
+                                   : changes.find(line.text.substr(1, line.text.size() - 2));
+            if (named != changes.end() && !std::exchange(named->second.isSeen, true)) {
+                current = &named->second;
+            }
+        } else if (current != nullptr) {
+            if (Change::Entry* const entry = current->Replaces(line.text)) {
+                entry->isPlaced = true;
+                changed += entry->line;
+                continue;
+            }
+            if (line.text.empty() && !emptyLine) {
+                emptyLine = changed.size();
+            }
+        }
+        changed.append(m_bytes, line.start, line.end - line.start);
     }
-    added += entry;
-    return changed.insert(place.insertAt, Encode(added));
+    finish();
+    return changed;
 }
 
 std::optional<std::string> ProfileText::WithSections(std::span<const ProfileSection> sections) const
@@ -309,33 +347,36 @@ std::optional<std::string> ProfileText::WithSections(std::span<const ProfileSect
     const std::vector<std::wstring> names = Sections();
     const std::set<std::wstring> known(names.begin(), names.end());
     std::set<std::wstring> added;
-    std::optional<std::string> changed = m_bytes;
-    std::wstring text;
+    std::map<std::wstring, Change> changes; // of sections that are there
+    std::wstring text;                      // of those that are not
     for (const ProfileSection& section : sections) {
+        // As it comes back from a file of this encoding, which may have another form of a sign.
         const std::wstring name = Decode(Encode(section.name));
-        const bool isNew = !known.contains(name) && added.insert(name).second;
-        if (isNew) {
+        const bool isKnown = known.contains(name);
+        if (!isKnown && !added.insert(name).second) {
+            return std::nullopt; // given twice: which of them is meant?
+        }
+        if (!isKnown) {
             text.append(L"[").append(name).append(L"]").append(kLineEnd);
         }
         for (const ProfileEntry& entry : section.entries) {
             if (IsLost(section.name, entry)) {
                 return std::nullopt;
             }
-            if (isNew) {
-                text.append(entry.key).append(L"=").append(entry.value).append(kLineEnd);
-            } else if (!known.contains(name)) {
-                return std::nullopt; // given twice: which of them is meant?
-            } else if (changed = ProfileText(std::move(*changed))
-                                     .WithEntry(section.name, entry.key, entry.value);
-                       !changed) {
-                return std::nullopt;
+            const std::wstring line =
+                std::wstring(entry.key).append(L"=").append(entry.value).append(kLineEnd);
+            if (isKnown) {
+                changes[name].Set(Decode(Encode(entry.key)), Encode(line));
+            } else {
+                text += line;
             }
         }
     }
-    if (!text.empty() && changed->size() > m_start && !changed->ends_with(Encode(L"\n"))) {
+    std::string changed = WithChanges(changes);
+    if (!text.empty() && changed.size() > m_start && !changed.ends_with(Encode(L"\n"))) {
         text.insert(0, kLineEnd); // the last line has none
     }
-    return *changed + Encode(text);
+    return changed + Encode(text);
 }
 
 std::optional<std::string> ProfileText::WithoutSection(std::wstring_view section) const

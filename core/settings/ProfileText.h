@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -75,9 +76,9 @@ public:
     [[nodiscard]] std::optional<std::string>
     WithEntry(std::wstring_view section, std::wstring_view key, std::wstring_view value) const;
 
-    /// The content with entries set as above. New sections are added in one go: thousands of them
-    /// cost one pass.
-    /// @return nothing if one of the entries could not be found again
+    /// The content with entries set as above: thousands of sections, known or new, cost one pass.
+    /// @return nothing if one of the entries could not be found again, or a new section is there
+    /// twice
     [[nodiscard]] std::optional<std::string>
     WithSections(std::span<const ProfileSection> sections) const;
 
@@ -88,12 +89,13 @@ public:
 
 private:
     struct Line;
-    struct Place;
+    struct Change;
 
     [[nodiscard]] Line LineAt(std::size_t start) const;
     [[nodiscard]] std::wstring Decode(std::string_view bytes) const;
     [[nodiscard]] std::string Encode(std::wstring_view text) const;
-    [[nodiscard]] Place Find(std::wstring_view section, std::wstring_view key) const;
+    /// The content with the entries of sections that are there, in one pass.
+    [[nodiscard]] std::string WithChanges(std::map<std::wstring, Change>& changes) const;
 
     std::string m_bytes;
     ProfileEncoding m_encoding = ProfileEncoding::Cp932;

@@ -1,6 +1,8 @@
 // The plan in the terminal, with an almanac of the tests' own constellation.
 
 #include "core/planning/ObservationPlan.h"
+#include "core/planning/PlanSettings.h"
+#include "core/settings/HostReg.h"
 #include "tests/cli/Runner.h"
 #include "tests/core/planning/SampleSky.h"
 
@@ -12,6 +14,8 @@
 
 namespace fieldcore::cli::test {
 namespace {
+
+using namespace std::chrono_literals;
 
 class PlanTest : public ::testing::Test
 {
@@ -42,7 +46,6 @@ TEST_F(PlanTest, ShowsTheSeriesOfThePlan)
     expected.SetElMaskDeg(20);
     expected.Calc().SetObserver(
         {35.5 / 180.0 * 3.14159265358979, 139.5 / 180.0 * 3.14159265358979, 100.0});
-    using namespace std::chrono_literals;
     expected.Period() = {2022y / std::chrono::March / 12, 9, 2};
     expected.Compute();
     const std::string arguments =
@@ -105,6 +108,71 @@ TEST_F(PlanTest, FindsTheGoodWindows)
     }
     EXPECT_NE(m_runner.Run(best + " --min-sv 32").out.find("--max-pdop"), std::string::npos)
         << "no window, and no word on what to do";
+}
+
+TEST_F(PlanTest, TakesWhatThePageKeeps)
+{
+    const std::string day = std::string("plan --date ") + kDay;
+    const nlohmann::json all = Plans(day + " --kind tracks");
+    const int prn = all[0]["samples"][0]["prn"];
+    const nlohmann::json best = Plans(day)[0]["bestWindow"];
+    {
+        SettingsRoots roots{Folders(m_runner.world.folders)};
+        const HostReg reg(roots);
+        PlanSettings settings;
+        settings.switchedOff = 1U << (prn - 1);
+        settings.limits.maxPdop = best["highestPdop"].get<double>() - 0.3;
+        settings.limits.minLength = 10min;
+        ASSERT_EQ(SavePlanSettings(reg, settings), 1);
+    }
+    for (const nlohmann::json& sample : Plans(day + " --kind tracks")[0]["samples"]) {
+        EXPECT_NE(sample["prn"], prn) << "switched off";
+    }
+    EXPECT_NE(Plans(day)[0]["bestWindow"], best) << "by limits of its own";
+    const auto windows = [&](const std::string& more) {
+        return m_runner.Run("plan best --date " + std::string(kDay) + more + " --json")
+            .Json()["result"]["windows"];
+    };
+    EXPECT_EQ(windows(""), windows(" --min-sv 5 --min-length 10m --max-pdop " +
+                                   std::to_string(best["highestPdop"].get<double>() - 0.3)));
+    EXPECT_NE(windows(""), windows(" --max-pdop 90"));
+}
+
+TEST_F(PlanTest, SaysThatAnAlmanacIsMadeUp)
+{
+    ASSERT_EQ(m_runner.Run("almanac sample --yes").code, 0);
+    const std::string made = "公称軌道暦（見本）";
+    for (const char* const arguments : {"plan", "plan --json", "plan --csv", "plan best"}) {
+        const Outcome outcome = m_runner.Run(arguments);
+        EXPECT_NE(outcome.err.find(made), std::string::npos) << arguments;
+        EXPECT_TRUE(outcome.out.find(made) != std::string::npos ||
+                    outcome.out.find("\"nominal\"") != std::string::npos ||
+                    std::string(arguments) == "plan best")
+            << arguments;
+    }
+    EXPECT_NE(m_runner.Run("almanac show").out.find(made), std::string::npos);
+}
+
+TEST_F(PlanTest, KnowsNoCoordinatesThatNobodyGave)
+{
+    m_runner.Folder().Write("program/GSurveyPlan.ini", "[A]\r\nLAT=36.0\r\n");
+    const nlohmann::json site = m_runner.Run("plan sites --json").Json()["result"]["sites"][0];
+    EXPECT_EQ(site["latitudeDeg"], 36.0);
+    EXPECT_TRUE(site["longitudeDeg"].is_null());
+    EXPECT_TRUE(site["heightM"].is_null());
+    EXPECT_NE(m_runner.Run("plan sites").out.find("--"), std::string::npos);
+}
+
+TEST_F(PlanTest, TakesACurtainInEitherForm)
+{
+    m_runner.Folder().Write("CurTain.obs", std::string(360, '\x5A')); // 90 degrees
+    m_runner.Folder().Write("wall.txt", "0 90\n");
+    m_runner.Folder().Write("backup", std::string(360, '\x5A'));
+    const std::string day = std::string("plan --date ") + kDay + " --curtain @/";
+    const nlohmann::json walled = Plans(day + "wall.txt")[0]["samples"];
+    EXPECT_EQ(walled[0]["satellites"], 0);
+    EXPECT_EQ(Plans(day + "CurTain.obs")[0]["samples"], walled);
+    EXPECT_EQ(Plans(day + "backup")[0]["samples"], walled) << "told by its content";
 }
 
 TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)

@@ -85,7 +85,8 @@ void Dialog::reject()
 void Dialog::SetTimer(int id, int milliseconds)
 {
     KillTimer(id);
-    m_timers.insert(id, startTimer(milliseconds));
+    // Precise: a coarse one may be a twentieth early.
+    m_timers.insert(id, startTimer(milliseconds, Qt::PreciseTimer));
 }
 
 void Dialog::KillTimer(int id)

@@ -34,8 +34,8 @@ QLabel* Heading(int textId)
 } // namespace
 
 CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
-    : PropertyPage(parent), m_plan(plan), m_satellites{}, m_fewest(new CSpinDouble),
-      m_pdop(new CSpinDouble), m_minutes(new CSpinDouble)
+    : PropertyPage(parent), m_plan(plan), m_satellites{}, m_legend(new QLabel),
+      m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_minutes(new CSpinDouble)
 {
     constexpr int kColumns = 5;
     auto* const layout = new QVBoxLayout(this);
@@ -49,7 +49,7 @@ CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
         m_satellites[static_cast<std::size_t>(index)] = button;
     }
     layout->addLayout(grid);
-    layout->addWidget(new QLabel(UiText(text::kPlanSatelliteLegend)));
+    layout->addWidget(m_legend);
     auto* const all = new QHBoxLayout;
     for (const bool checked : {true, false}) {
         auto* const button =
@@ -97,6 +97,11 @@ void CPlanDet::OnInitDialog()
         button->setToolTip(button->accessibleName());
         button->setChecked(satellite.GetUse() != 0);
     }
+    const AlmanacSource& source = calc.Source();
+    m_legend->setText(UiText(text::kPlanSatelliteLegend) +
+                      (source.origin == AlmanacOrigin::Nominal
+                           ? QStringLiteral("　") + ToQt(SourceText(source))
+                           : QString()));
     const WindowLimits& limits = m_plan.Session().Limits();
     m_fewest->SetValue(limits.minSatellites);
     m_pdop->SetValue(limits.maxPdop);

@@ -6,6 +6,7 @@
 #include <array>
 
 class QAbstractButton;
+class QLabel;
 
 namespace fieldcore {
 
@@ -32,7 +33,8 @@ private:
 
     CSurveyPlan& m_plan;
     std::array<QAbstractButton*, CSurveyPlanCalc::kSatellites> m_satellites; // owned by the page
-    CSpinDouble* m_fewest; // owned by the page, as are the next two
+    QLabel* m_legend; // owned by the page, as is all that follows
+    CSpinDouble* m_fewest;
     CSpinDouble* m_pdop;
     CSpinDouble* m_minutes;
 };

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 
 namespace fieldcore {
 
@@ -23,6 +24,23 @@ QString ClockText(int minutes)
     return QStringLiteral("%1:%2")
         .arg(held / 60, 2, 10, QLatin1Char('0'))
         .arg(held % 60, 2, 10, QLatin1Char('0'));
+}
+
+/// How many days a day lies before or behind another.
+/// @param sameId  the number of the text for the same day; those for before and behind follow it
+std::wstring Behind(std::chrono::sys_days day, std::chrono::sys_days other, int sameId)
+{
+    static_assert(text::kAgeBeforePlan == text::kAgeOfPlanDay + 1 &&
+                  text::kAgeBehindPlan == text::kAgeOfPlanDay + 2 &&
+                  text::kAgeBeforeToday == text::kAgeOfToday + 1 &&
+                  text::kAgeBehindToday == text::kAgeOfToday + 2);
+    const auto days = static_cast<int>((day - other).count());
+    return days == 0 ? Text(sameId) : FormatText(sameId + (days < 0 ? 1 : 2), std::abs(days));
+}
+
+QString Urged(const std::wstring& age, const AlmanacState& almanac)
+{
+    return ToQt(almanac.isOld ? FormatText(text::kAgeOld, age.c_str()) : age);
 }
 
 } // namespace
@@ -86,24 +104,36 @@ QString PlanDateText(const PlanDrawing& drawing)
 QString AlmanacAgeText(const PlanDrawing& drawing)
 {
     const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
-    const int id = almanac.isOld           ? text::kPlotAlmanacOld
-                   : almanac.ageDays < 0.0 ? text::kPlotAlmanacNewer
-                                           : text::kPlotAlmanacOlder;
-    return ToQt(FormatText(id, std::abs(almanac.ageDays)));
+    return Urged(Behind(almanac.Day(), drawing.plan->Period().date, text::kAgeOfPlanDay), almanac);
+}
+
+QString AlmanacAgeText(const PlanDrawing& drawing, std::chrono::sys_days today)
+{
+    const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
+    const std::chrono::sys_days day = drawing.plan->Period().date;
+    std::wstring age = Behind(almanac.Day(), today, text::kAgeOfToday);
+    if (day != today) {
+        const std::wstring ofPlan = Behind(almanac.Day(), day, text::kAgeOfPlanDay);
+        age = FormatText(text::kAgeBoth, age.c_str(), ofPlan.c_str());
+    }
+    return Urged(age, almanac);
 }
 
 QStringList PlanCaption(const PlanDrawing& drawing)
 {
     const CSurveyPlanCalc& calc = drawing.plan->Calc();
-    const std::wstring date = DateText(StateOfAlmanac(*drawing.plan).time).toStdWString();
-    const std::wstring age = AlmanacAgeText(drawing).toStdWString();
+    const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
+    const std::wstring date = DateText(almanac.time).toStdWString();
     return {
         ToQt(drawing.site),
-        ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM)),
+        drawing.isPlaceKnown ? ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM))
+                             : UiText(text::kSheetPlace) + QStringLiteral(" --"),
         PlanDateText(drawing),
         ToQt(FormatText(text::kPlotMask, drawing.maskDeg)),
         UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain),
-        ToQt(FormatText(text::kPlotAlmanac, date.c_str(), age.c_str()))};
+        ToQt(FormatText(text::kPlotAlmanac, date.c_str())),
+        AlmanacAgeText(drawing),
+        ToQt(SourceText(almanac.source))};
 }
 
 QString ReadingOfTime(const PlanDrawing& drawing, double minutes)

@@ -18,7 +18,8 @@ struct PlanDrawing
     const ObservationPlan* plan = nullptr; ///< after its Compute(); not owned, must outlive this
     PlanGraph graph = PlanGraph::Count;
     std::wstring site;
-    int maskDeg = 15; ///< as the plan was computed with, 0 to 90
+    bool isPlaceKnown = true; ///< false: the plan computes for a place that nobody has given
+    int maskDeg = 15;         ///< as the plan was computed with, 0 to 90
     WindowLimits limits;
     double minutes = 0.0; ///< after the start of the period: what the tracks are brightest at
     bool isFromBelow =
@@ -49,8 +50,10 @@ struct PlanDrawing
 [[nodiscard]] QString DateText(std::chrono::sys_seconds time);
 /// The plan's day.
 [[nodiscard]] QString PlanDateText(const PlanDrawing& drawing);
-/// How old the almanac is: "3日前".
+/// How old the almanac is, by the days of the calendar that are shown: "観測日の3日前".
 [[nodiscard]] QString AlmanacAgeText(const PlanDrawing& drawing);
+/// The same for a screen, against @p today as well: "今日の2日前、観測日の3日前".
+[[nodiscard]] QString AlmanacAgeText(const PlanDrawing& drawing, std::chrono::sys_days today);
 
 // What the cursor tells.
 

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -244,8 +245,8 @@ void PlanGraphView::mouseMoveEvent(QMouseEvent* event)
 
 void PlanGraphView::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton) {
-        m_isDragging = false;
+    if (event->button() == Qt::LeftButton && std::exchange(m_isDragging, false)) {
+        Q_EMIT maskDropped();
     }
 }
 
@@ -327,6 +328,7 @@ void PlanGraphView::keyPressEvent(QKeyEvent* event)
             return;
         }
         DragMask(m_drawing.maskDeg + (event->key() == Qt::Key_Plus ? 1 : -1));
+        Q_EMIT maskDropped();
         break;
     default:
         CGraphicsBase::keyPressEvent(event); // Esc is the dialog's

@@ -59,6 +59,8 @@ Q_SIGNALS:
     /// the tracks do when the plan has been computed and Refresh() called.
     /// @param maskDeg  0 to 90
     void maskChanged(int maskDeg);
+    /// The ring is let go, or a key has moved it: after the last maskChanged().
+    void maskDropped();
     void timeChanged(double minutes);
     /// Reading() is another.
     void readingChanged(const QStringList& reading);

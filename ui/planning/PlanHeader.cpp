@@ -28,12 +28,27 @@ QString DateOf(std::chrono::year_month_day date)
                              static_cast<int>(static_cast<unsigned>(date.day())));
 }
 
+/// "日曜日（今日）"
+QString DayText(std::chrono::sys_days day, std::chrono::sys_days today)
+{
+    const std::wstring weekday =
+        Text(text::kDaySunday + static_cast<int>(std::chrono::weekday(day).c_encoding()));
+    const auto ahead = (day - today).count();
+    const int near = ahead == -1  ? text::kDayYesterday
+                     : ahead == 0 ? text::kPlanToday
+                     : ahead == 1 ? text::kDayTomorrow
+                                  : 0;
+    return ToQt(near == 0 ? FormatText(text::kDayPlain, weekday.c_str())
+                          : FormatText(text::kDayNear, weekday.c_str(), Text(near)));
+}
+
 } // namespace
 
 PlanHeader::PlanHeader(QWidget* parent)
     : QWidget(parent), m_top(new QHBoxLayout), m_site(new QLabel),
       m_siteNote(new RoleLabel(&Theme::attention, UiText(text::kPlanSiteMissing))),
-      m_date(new QLabel), m_almanacDate(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
+      m_date(new QLabel), m_weekday(new QLabel), m_today(MakeButton({}, text::kPlanToday)),
+      m_almanacDate(new QLabel), m_source(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
 {
     Dialog::SetControlId(m_date, kPlanDateId);
     Dialog::SetControlId(m_almanacDate, kAlmanacDateId);
@@ -42,7 +57,11 @@ PlanHeader::PlanHeader(QWidget* parent)
     m_site->setAccessibleName(UiText(text::kPlanPageSite));
     m_date->setAlignment(Qt::AlignCenter);
     m_date->setAccessibleName(UiText(text::kPlanDate));
+    m_weekday->setAlignment(Qt::AlignCenter);
     m_almanacDate->setAccessibleName(UiText(text::kPlanAlmanac));
+    m_source->setTextFormat(Qt::PlainText);
+    m_source->setWordWrap(true);
+    m_source->setAccessibleName(UiText(text::kSheetSource));
     m_age->setWordWrap(true);
 
     QAbstractButton* const previous = MakeButton(QStringLiteral("back"), text::kPlanPreviousDay);
@@ -51,6 +70,7 @@ PlanHeader::PlanHeader(QWidget* parent)
     connect(previous, &QAbstractButton::clicked, this, [this] { Q_EMIT DayStepped(-1); });
     connect(next, &QAbstractButton::clicked, this, [this] { Q_EMIT DayStepped(1); });
     connect(calendar, &QAbstractButton::clicked, this, &PlanHeader::CalendarRequested);
+    connect(m_today, &QAbstractButton::clicked, this, &PlanHeader::TodayRequested);
 
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -64,8 +84,13 @@ PlanHeader::PlanHeader(QWidget* parent)
     auto* const day = new QHBoxLayout;
     day->setSpacing(kGrid);
     day->addWidget(previous);
-    day->addWidget(m_date, 1);
+    auto* const date = new QVBoxLayout;
+    date->setSpacing(0);
+    date->addWidget(m_date);
+    date->addWidget(m_weekday);
+    day->addLayout(date, 1);
     day->addWidget(next);
+    day->addWidget(m_today);
     day->addWidget(calendar);
     layout->addLayout(day);
     auto* const almanac = new QHBoxLayout;
@@ -73,16 +98,21 @@ PlanHeader::PlanHeader(QWidget* parent)
     almanac->addWidget(m_almanacSign);
     almanac->addWidget(new QLabel(UiText(text::kPlanAlmanac)));
     almanac->addWidget(m_almanacDate);
-    almanac->addWidget(m_age, 1);
+    almanac->addWidget(m_source, 1);
     layout->addLayout(almanac);
+    layout->addWidget(m_age);
     UpdateLook();
 }
 
 QAbstractButton* PlanHeader::MakeButton(const QString& icon, int nameId)
 {
     auto* const button = new QToolButton;
-    button->setIcon(ThemeIcon(icon));
-    button->setIconSize({3 * kGrid, 3 * kGrid});
+    if (icon.isEmpty()) {
+        button->setText(UiText(nameId));
+    } else {
+        button->setIcon(ThemeIcon(icon));
+        button->setIconSize({3 * kGrid, 3 * kGrid});
+    }
     button->setMinimumSize(6 * kGrid, 6 * kGrid);
     button->setToolTip(UiText(nameId));
     button->setAccessibleName(UiText(nameId));
@@ -102,17 +132,22 @@ void PlanHeader::ShowSite(const QString& site, bool isKnown)
     m_siteNote->setVisible(!isKnown);
 }
 
-void PlanHeader::ShowDates(const PlanDrawing& drawing)
+void PlanHeader::ShowDates(const PlanDrawing& drawing, std::chrono::sys_days today)
 {
+    const std::chrono::sys_days day = drawing.plan->Period().date;
     m_date->setText(DateOf(drawing.plan->Period().date));
+    m_weekday->setText(DayText(day, today));
+    m_today->setEnabled(day != today);
     const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
     if (almanac.satellites == 0) {
         m_almanacDate->setText(UiText(text::kPlanAlmanacUnknown));
         m_age->setText(UiText(text::kPlanAlmanacMissing));
     } else {
-        m_almanacDate->setText(DateOf(std::chrono::floor<std::chrono::days>(almanac.time)));
-        m_age->setText(AlmanacAgeText(drawing));
+        m_almanacDate->setText(DateOf(almanac.Day()));
+        m_age->setText(AlmanacAgeText(drawing, today));
     }
+    m_source->setText(almanac.satellites == 0 ? QString() : ToQt(SourceText(almanac.source)));
+    m_isMadeUp = almanac.source.origin == AlmanacOrigin::Nominal;
     m_isAlmanacBad = almanac.satellites == 0 || almanac.isOld;
     UpdateLook();
 }
@@ -136,10 +171,12 @@ void PlanHeader::UpdateLook()
     QPalette palette = this->palette();
     palette.setColor(QPalette::WindowText, m_isAlmanacBad ? theme.attention : theme.second);
     m_age->setPalette(palette);
+    palette.setColor(QPalette::WindowText, m_isMadeUp ? theme.attention : theme.second);
+    m_source->setPalette(palette);
     const int edge = fontInfo().pixelSize() * 5 / 4;
     m_almanacSign->setPixmap(DrawIcon(QStringLiteral("exclamation"), edge, devicePixelRatioF(),
                                       theme.attention, theme.attention));
-    m_almanacSign->setVisible(m_isAlmanacBad);
+    m_almanacSign->setVisible(m_isAlmanacBad || m_isMadeUp);
 }
 
 } // namespace fieldcore

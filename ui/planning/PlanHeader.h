@@ -13,7 +13,8 @@ class QLabel;
 namespace fieldcore {
 
 /// The head of the plan's screen: the site, its day with buttons that change it, and the almanac
-/// with its age, in amber where that is old or missing. User-interface thread only.
+/// with its source and its age, in amber where it is old, missing or made up. User-interface thread
+/// only.
 class PlanHeader : public QWidget
 {
     Q_OBJECT
@@ -33,29 +34,36 @@ public:
     /// @param isKnown  its coordinates are in the site file; if not, the header says so
     void ShowSite(const QString& site, bool isKnown);
     /// Shows both dates as year, month and day; that of the almanac as "--" while there is none.
+    /// Beside that of the plan stands its weekday, and whether it is today or next to it.
     /// @param drawing  with its plan, whose Period() and Calc() count
-    void ShowDates(const PlanDrawing& drawing);
+    /// @param today    in Japan
+    void ShowDates(const PlanDrawing& drawing, std::chrono::sys_days today);
 
 Q_SIGNALS:
     /// @param days  to go by, 1 or -1
     void DayStepped(int days);
     void CalendarRequested();
+    void TodayRequested();
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    QAbstractButton* MakeButton(const QString& icon, int nameId);
+    static QAbstractButton* MakeButton(const QString& icon, int nameId);
     void UpdateLook();
 
     QHBoxLayout* m_top; // owned by the widget, as is all that follows
     QLabel* m_site;
     QLabel* m_siteNote;
     QLabel* m_date;
+    QLabel* m_weekday;
+    QAbstractButton* m_today;
     QLabel* m_almanacDate;
+    QLabel* m_source;
     QLabel* m_almanacSign;
     QLabel* m_age;
     bool m_isAlmanacBad = false;
+    bool m_isMadeUp = false;
 };
 
 } // namespace fieldcore

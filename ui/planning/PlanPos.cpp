@@ -3,24 +3,32 @@
 #include "core/host/MesBox.h"
 #include "core/input/Angles.h"
 #include "core/link/Command.h"
+#include "core/planning/Degrees.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SitesCsv.h"
+#include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
+#include "ui/controls/TComboBox.h"
+#include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/SiteDlg.h"
 #include "ui/planning/SurveyPlan.h"
 #include "ui/planning/TextErrorText.h"
 
+#include <QEventLoop>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QThread>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 
 namespace fieldcore {
 
@@ -30,24 +38,36 @@ constexpr int kGrid = TouchStyle::kGrid;
 constexpr int kFromList = 0;
 constexpr int kFromReceiver = 1;
 
-QString PlaceText(const SiteEntry& entry)
+// How coordinates are shown: ListCoord of the settings.
+constexpr int kSexagesimal = 0;
+constexpr int kDecimal = 1;
+
+std::wstring AngleText(const std::optional<double>& angleRad, int coordinates)
 {
-    if (!entry.IsComplete()) {
-        return UiText(text::kSiteIncomplete);
-    }
     constexpr int kPlain = 0;
-    constexpr std::uint8_t kDecimals = 3;
-    const std::wstring latitude = RADtoDEGStr(*entry.latitudeRad, kPlain, kDecimals);
-    const std::wstring longitude = RADtoDEGStr(*entry.longitudeRad, kPlain, kDecimals);
-    return ToQt(FormatText(text::kSitePlace, latitude.c_str(), longitude.c_str(), *entry.heightM));
+    constexpr std::uint8_t kSecondsDecimals = 3;
+    constexpr std::uint8_t kDegreesDecimals = 8;
+    return !angleRad ? Text(text::kPlanAlmanacUnknown)
+           : coordinates == kDecimal
+               ? FormatFixed(DegreesOf(*angleRad), kDegreesDecimals) + Text(text::kPlanDegrees)
+               : RADtoDEGStr(*angleRad, kPlain, kSecondsDecimals);
+}
+
+QString PlaceText(const SiteEntry& entry, int coordinates)
+{
+    const std::wstring latitude = AngleText(entry.latitudeRad, coordinates);
+    const std::wstring longitude = AngleText(entry.longitudeRad, coordinates);
+    const std::wstring height = entry.heightM ? FormatText(text::kSiteHeightValue, *entry.heightM)
+                                              : Text(text::kPlanAlmanacUnknown);
+    return ToQt(FormatText(text::kSitePlace, latitude.c_str(), longitude.c_str(), height.c_str()));
 }
 
 } // namespace
 
 CPlanPos::CPlanPos(CSurveyPlan& plan, QWidget* parent)
     : PropertyPage(parent), m_plan(plan), m_search(new QLineEdit), m_list(new QListWidget),
-      m_note(new QLabel), m_place(new QLabel), m_edit(nullptr), m_remove(nullptr),
-      m_receiver(nullptr)
+      m_note(new QLabel), m_place(new QLabel), m_coordinates(new CTComboBox),
+      m_progress(new CTextProgressCtrl), m_edit(nullptr), m_remove(nullptr), m_receiver(nullptr)
 {
     m_search->setPlaceholderText(UiText(text::kSiteSearch));
     m_search->setAccessibleName(UiText(text::kSiteSearch));
@@ -69,7 +89,17 @@ CPlanPos::CPlanPos(CSurveyPlan& plan, QWidget* parent)
     layout->addWidget(m_search);
     layout->addWidget(m_list, 1);
     layout->addWidget(m_note);
-    layout->addWidget(m_place);
+    auto* const place = new QHBoxLayout;
+    place->setSpacing(kGrid);
+    place->addWidget(m_place, 1);
+    m_coordinates->AddEntry(UiText(text::kSiteSexagesimal), kSexagesimal);
+    m_coordinates->AddEntry(UiText(text::kSiteDecimal), kDecimal);
+    m_coordinates->setAccessibleName(UiText(text::kSiteCoordinates));
+    m_coordinates->setToolTip(m_coordinates->accessibleName());
+    place->addWidget(m_coordinates, 0, Qt::AlignTop);
+    layout->addLayout(place);
+    m_progress->hide();
+    layout->addWidget(m_progress);
     auto* const buttons = new QGridLayout;
     buttons->setSpacing(kGrid);
     buttons->addWidget(add, 0, 0, 1, 2);
@@ -80,7 +110,12 @@ CPlanPos::CPlanPos(CSurveyPlan& plan, QWidget* parent)
     layout->addLayout(buttons);
 
     connect(m_search, &QLineEdit::textChanged, this, &CPlanPos::Filter);
-    connect(m_list, &QListWidget::currentRowChanged, this, &CPlanPos::ShowChosen);
+    // Not the current row: that is one, too, where nothing is chosen.
+    connect(m_list, &QListWidget::itemSelectionChanged, this, [this] {
+        m_wanted = Chosen();
+        ShowChosen();
+    });
+    connect(m_coordinates, &QComboBox::currentIndexChanged, this, &CPlanPos::ShowChosen);
 }
 
 QPushButton* CPlanPos::MakeButton(int textId, void (CPlanPos::*action)())
@@ -94,8 +129,12 @@ QPushButton* CPlanPos::MakeButton(int textId, void (CPlanPos::*action)())
 
 void CPlanPos::OnInitDialog()
 {
-    m_received.clear();
+    m_received = m_plan.GetPositionID() == kFromReceiver ? m_plan.GetPositionStr() : std::wstring();
+    m_coordinates->SelectCode(m_plan.GetListCoordData() == kDecimal ? kDecimal : kSexagesimal);
     Fill(m_plan.GetPositionStr());
+    if (Chosen().empty()) { // where it was when it was still there
+        m_list->scrollToItem(m_list->item(std::min(m_plan.GetPositionData(), m_list->count()) - 1));
+    }
 }
 
 void CPlanPos::OnSetActive()
@@ -106,50 +145,48 @@ void CPlanPos::OnSetActive()
 
 std::wstring CPlanPos::Chosen() const
 {
-    const QListWidgetItem* const item = m_list->currentItem();
-    return item != nullptr && !item->isHidden() ? item->text().toStdWString() : std::wstring();
+    const QListWidgetItem* const item = m_list->selectedItems().value(0);
+    return item != nullptr ? item->text().toStdWString() : std::wstring();
 }
 
 void CPlanPos::Fill(const std::wstring& name)
 {
-    const int before = std::max(m_list->currentRow(), 0);
     {
         const QSignalBlocker quiet(m_list);
         m_list->clear();
         for (const std::wstring& site : SiteNames(m_plan.Session().Folder())) {
             auto* const item = new QListWidgetItem(ToQt(site), m_list);
             item->setSizeHint({0, TouchStyle::kTarget});
-            if (site == name) {
-                m_list->setCurrentItem(item);
-            }
-        }
-        if (m_list->currentItem() == nullptr && m_list->count() > 0) {
-            m_list->setCurrentRow(std::min(before, m_list->count() - 1));
         }
     }
+    m_wanted = name;
     Filter();
 }
 
 void CPlanPos::Filter()
 {
-    const QString wanted = m_search->text().trimmed();
+    const QString searched = m_search->text().trimmed();
+    const QString wanted = ToQt(m_wanted);
     QListWidgetItem* first = nullptr;
+    QListWidgetItem* chosen = nullptr;
     for (int row = 0; row < m_list->count(); ++row) {
         QListWidgetItem* const item = m_list->item(row);
-        const bool fits = item->text().contains(wanted, Qt::CaseInsensitive);
+        const bool fits = item->text().contains(searched, Qt::CaseInsensitive);
         item->setHidden(!fits);
         first = first == nullptr && fits ? item : first;
+        chosen = fits && item->text() == wanted ? item : chosen;
     }
-    // What the search hides must not be chosen.
-    if (first != nullptr &&
-        (m_list->currentItem() == nullptr || m_list->currentItem()->isHidden())) {
-        m_list->setCurrentItem(first);
+    // What the search hides must not be chosen, and without a search nothing but what is wanted.
+    chosen = chosen == nullptr && !searched.isEmpty() ? first : chosen;
+    {
+        const QSignalBlocker quiet(m_list);
+        m_list->setCurrentItem(chosen);
+        if (chosen == nullptr) {
+            m_list->clearSelection();
+        } else {
+            m_list->scrollToItem(chosen);
+        }
     }
-    if (m_list->currentItem() != nullptr) {
-        m_list->scrollToItem(m_list->currentItem());
-    }
-    m_note->setVisible(first == nullptr);
-    m_note->setText(UiText(m_list->count() == 0 ? text::kSiteNone : text::kSiteNoneFound));
     ShowChosen();
 }
 
@@ -158,8 +195,17 @@ void CPlanPos::ShowChosen()
     const std::wstring name = Chosen();
     m_edit->setEnabled(!name.empty());
     m_remove->setEnabled(!name.empty());
-    m_place->setText(name.empty() ? QString()
-                                  : PlaceText(ReadSite(m_plan.Session().Folder(), name)));
+    if (!name.empty()) {
+        const SiteEntry entry = ReadSite(m_plan.Session().Folder(), name);
+        m_place->setText(PlaceText(entry, m_coordinates->GetCode()));
+        m_note->setText(UiText(text::kSiteIncomplete));
+        m_note->setVisible(!entry.IsComplete());
+        return;
+    }
+    m_place->clear();
+    const bool isSearching = !m_search->text().trimmed().isEmpty();
+    m_note->setText(UiText(m_list->count() == 0 ? text::kSiteNone : text::kSiteNoneFound));
+    m_note->setVisible(m_list->count() == 0 || isSearching); // a search chooses what it finds
 }
 
 bool CPlanPos::EditSite(const std::wstring& name, const SiteInput& input)
@@ -169,9 +215,24 @@ bool CPlanPos::EditSite(const std::wstring& name, const SiteInput& input)
     if (dialog.DoModal() != Dialog::kOk) {
         return false;
     }
+    const std::wstring& stored = dialog.Site().name;
+    if (!name.empty() && name == m_plan.GetPositionStr()) {
+        m_plan.SetPositionStr(stored);
+    }
+    if (!name.empty() && name == m_received) {
+        m_received = stored;
+    }
+    Follow();
     m_search->clear();
-    Fill(dialog.Site().name);
+    Fill(stored);
     return true;
+}
+
+void CPlanPos::Follow()
+{
+    if (HasSite(m_plan.Session().Folder(), m_plan.GetPositionStr())) {
+        m_plan.ReadPosition();
+    }
 }
 
 void CPlanPos::Add()
@@ -217,19 +278,55 @@ void CPlanPos::Import()
         return;
     }
     const CMesBox box(m_plan.GetHost());
-    const SitesCsv read = LoadSitesCsv(file);
+    SitesCsv read;
+    bool isStored = false;
+    DoAside([&, folder = m_plan.Session().Folder()] {
+        ShowProgress(UiText(text::kSitesReading));
+        read = LoadSitesCsv(file);
+        if (!read.error) {
+            ShowProgress(
+                ToQt(FormatText(text::kSitesStoring, static_cast<int>(read.sites.size()))));
+            isStored = WriteSites(folder, read.sites) == 1;
+        }
+    });
     if (read.error) {
         box.Fail(TextErrorText(file, *read.error), text::kSiteImport);
         return;
     }
-    if (WriteSites(m_plan.Session().Folder(), read.sites) == 0) {
+    if (!isStored) {
         box.Fail(text::kSiteNotWritten, text::kSiteImport);
         return;
     }
+    Follow();
     m_search->clear();
     Fill(read.sites.front().name);
     box.Show(FormatText(text::kSiteImported, static_cast<int>(read.sites.size())),
              text::kSiteImport, {BoxButtons::Ok, BoxIcon::Information});
+}
+
+void CPlanPos::DoAside(const std::function<void()>& work)
+{
+    QWidget* const focus = window()->focusWidget();
+    window()->setEnabled(false);
+    m_progress->SetRange(0, 0); // how far it is nobody knows: most of it is one write
+    m_progress->show();
+    const std::unique_ptr<QThread> thread(QThread::create(work));
+    QEventLoop loop;
+    connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    thread->start();
+    loop.exec();
+    thread->wait(); // a program that ends has left the loop before
+    m_progress->hide();
+    window()->setEnabled(true);
+    if (focus != nullptr) {
+        focus->setFocus();
+    }
+}
+
+void CPlanPos::ShowProgress(const QString& text)
+{
+    QMetaObject::invokeMethod(
+        this, [this, text] { m_progress->SetText(text); }, Qt::QueuedConnection);
 }
 
 void CPlanPos::TakeFromReceiver()
@@ -251,6 +348,7 @@ void CPlanPos::TakeFromReceiver()
 
 bool CPlanPos::OnOK()
 {
+    m_plan.SetListCoordData(m_coordinates->GetCode());
     const std::wstring name = Chosen();
     if (!name.empty()) {
         m_plan.SetPositionStr(name);

@@ -3,6 +3,7 @@
 #include "core/planning/SiteInput.h"
 #include "ui/controls/PropertyPage.h"
 
+#include <functional>
 #include <string>
 
 class QLabel;
@@ -13,11 +14,13 @@ class QPushButton;
 namespace fieldcore {
 
 class CSurveyPlan;
+class CTComboBox;
+class CTextProgressCtrl;
 
 /// Page of the plan's detail settings: the list of sites, to choose one from, and to keep it. Which
-/// one is chosen counts on OK; what is added, changed, removed or imported is stored at once, and a
-/// plan that shows such a site keeps its coordinates until one is chosen. User-interface thread
-/// only.
+/// one is chosen counts on OK; what is added, changed, removed or imported is stored at once, and
+/// the plan follows its own site there: to its new name and place, whatever ends the dialog. A plan
+/// whose site is not in the list keeps it until the user chooses one. User-interface thread only.
 class CPlanPos : public PropertyPage
 {
     Q_OBJECT
@@ -36,7 +39,7 @@ protected:
 
 private:
     QPushButton* MakeButton(int textId, void (CPlanPos::*action)());
-    /// Reads the list anew and chooses @p name, or what is nearest to it.
+    /// Reads the list anew and chooses @p name; nothing if it is not there.
     void Fill(const std::wstring& name);
     void Filter();
     void ShowChosen();
@@ -45,15 +48,23 @@ private:
     void Remove();
     void Import();
     void TakeFromReceiver();
+    /// What is stored has changed: so may have the plan's site.
+    void Follow();
+    /// Does what takes long on a thread of its own; meanwhile the dialog takes no input.
+    void DoAside(const std::function<void()>& work);
+    void ShowProgress(const QString& text);
     /// @return whether a site was stored
     bool EditSite(const std::wstring& name, const SiteInput& input);
 
     CSurveyPlan& m_plan;
     std::wstring m_received; ///< name of the site that the receiver has given last
+    std::wstring m_wanted;   ///< the site that the user has chosen; a search may hide it
     QLineEdit* m_search;     // owned by the page, as is all that follows
     QListWidget* m_list;
     QLabel* m_note;
     QLabel* m_place;
+    CTComboBox* m_coordinates;
+    CTextProgressCtrl* m_progress;
     QPushButton* m_edit;
     QPushButton* m_remove;
     QPushButton* m_receiver;

@@ -55,7 +55,8 @@ std::vector<QPair<QString, QString>> TitleBlock(const PlanDrawing& drawing)
     const bool hasCurtain = HasObstruction(plan.Calc().GetCurtain());
     return {
         {UiText(text::kSheetSite), ToQt(drawing.site)},
-        {UiText(text::kSheetPlace), PlaceText(plan.Calc().GetObserver())},
+        {UiText(text::kSheetPlace), drawing.isPlaceKnown ? PlaceText(plan.Calc().GetObserver())
+                                                         : UiText(text::kPlanAlmanacUnknown)},
         {UiText(text::kSheetDate), PlanDateText(drawing)},
         {UiText(text::kSheetPeriod),
          ToQt(FormatText(text::kSheetPeriodValue, from.c_str(), to.c_str(),
@@ -66,6 +67,7 @@ std::vector<QPair<QString, QString>> TitleBlock(const PlanDrawing& drawing)
         {UiText(text::kSheetAlmanac),
          ToQt(FormatText(text::kSheetAlmanacValue, date.c_str(), age.c_str(), almanac.satellites,
                          almanac.healthy))},
+        {UiText(text::kSheetSource), ToQt(SourceText(almanac.source))},
     };
 }
 

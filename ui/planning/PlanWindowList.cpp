@@ -61,9 +61,14 @@ void PlanWindowList::Show(const PlanDrawing& drawing)
     }
     m_windows->setText(lines.join(QLatin1Char('\n')));
     const WindowLimits& limits = drawing.limits;
+    const AlmanacSource& source = drawing.plan->Calc().Source();
+    const QString madeUp = source.origin == AlmanacOrigin::Nominal
+                               ? QLatin1Char('\n') + ToQt(SourceText(source))
+                               : QString();
     m_conditions->setText(
         ToQt(FormatText(text::kSheetConditions, limits.minSatellites, limits.maxPdop,
-                        static_cast<int>(limits.minLength.count()))));
+                        static_cast<int>(limits.minLength.count()))) +
+        madeUp);
 }
 
 void PlanWindowList::changeEvent(QEvent* event)

@@ -1,5 +1,6 @@
 #include "ui/planning/SkyPlotDlg.h"
 
+#include "core/host/MesBox.h"
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
@@ -29,6 +30,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <utility>
 
 namespace fieldcore {
 
@@ -313,15 +315,23 @@ void CSkyPlot::ShowColumns()
 void CSkyPlot::ChooseConstellation()
 {
     m_settings.constellation = m_constellations->Chosen();
-    SaveSkyPlotSettings(m_reg, m_settings);
     ShowSky();
+    KeepSettings();
 }
 
 void CSkyPlot::ChooseView(SkyPlotSettings::View view)
 {
     m_settings.view = view;
-    SaveSkyPlotSettings(m_reg, m_settings);
     ArrangeDetails();
+    KeepSettings();
+}
+
+void CSkyPlot::KeepSettings()
+{
+    if (SaveSkyPlotSettings(m_reg, m_settings) == 0 && !std::exchange(m_isLossTold, true)) {
+        CMesBox(m_command != nullptr ? m_command->GetHost() : DefaultHost())
+            .Fail(text::kSkyNotKept, windowTitle().toStdWString());
+    }
 }
 
 void CSkyPlot::ChooseSatellite(int row)

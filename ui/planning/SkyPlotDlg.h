@@ -86,6 +86,7 @@ private:
     [[nodiscard]] QString Notice() const;
     void ChooseConstellation();
     void ChooseView(SkyPlotSettings::View view);
+    void KeepSettings();
     void ChooseSatellite(int row);
     void ArrangeDetails();
 
@@ -99,7 +100,8 @@ private:
     std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
     SkyPlotSettings m_settings;
     bool m_isFromBelow = false;
-    bool m_isShowing = false; // a choice is carried from one control to the others
+    bool m_isLossTold = false; // of settings that could not be stored
+    bool m_isShowing = false;  // a choice is carried from one control to the others
 
     // Owned by the dialog, as are all controls.
     LiveSkyHead* m_head = nullptr;

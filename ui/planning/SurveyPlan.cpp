@@ -3,7 +3,6 @@
 #include "core/host/MesBox.h"
 #include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
-#include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
@@ -72,11 +71,20 @@ Host& CSurveyPlan::GetHost() const
     return m_command != nullptr ? m_command->GetHost() : DefaultHost();
 }
 
-bool CSurveyPlan::OnInitDialog()
+const Clock& CSurveyPlan::GetClock() const
 {
     const Clock& own = m_command != nullptr ? m_command->GetClock() : SystemClock::Instance();
-    const AlmanacMessage almanac =
-        m_session.Begin(m_surroundings.clock != nullptr ? *m_surroundings.clock : own);
+    return m_surroundings.clock != nullptr ? *m_surroundings.clock : own;
+}
+
+std::chrono::sys_days CSurveyPlan::Today() const
+{
+    return JapanDay(GetClock().Utc());
+}
+
+bool CSurveyPlan::OnInitDialog()
+{
+    const AlmanacMessage almanac = m_session.Begin(GetClock());
     BuildMenu();
     SetGround();
     DoDataExchange(false);
@@ -89,6 +97,7 @@ bool CSurveyPlan::OnInitDialog()
     if (m_session.HasAlmanac()) {
         DrawResults();
     }
+    SetTimer(kDayTimer, kDayMs);
     m_graph->setFocus();
     return false;
 }
@@ -112,7 +121,8 @@ void CSurveyPlan::ShowSpins(const PlanSession::Spins& spins)
 void CSurveyPlan::Tell(const AlmanacMessage& message) const
 {
     if (message.text != 0) {
-        CMesBox(GetHost()).Show(message.text, message.caption, {BoxButtons::Ok, message.icon});
+        const BoxText words = message.words.empty() ? BoxText(message.text) : message.words;
+        CMesBox(GetHost()).Show(words, message.caption, {BoxButtons::Ok, message.icon});
     }
 }
 
@@ -122,6 +132,7 @@ PlanDrawing CSurveyPlan::Drawing() const
     drawing.plan = &m_session.Plan();
     drawing.graph = m_session.Graph();
     drawing.site = GetPositionStr();
+    drawing.isPlaceKnown = m_session.IsSiteKnown();
     drawing.maskDeg = GetElMaskData();
     drawing.limits = m_session.Limits();
     return drawing;
@@ -133,19 +144,19 @@ void CSurveyPlan::DrawResults()
     m_session.Compute();
     m_intervalMin = static_cast<int>(m_session.Plan().Computed().Interval().count());
     m_graph->SetDrawing(Drawing());
+    ShowDates(); // only now: the age of the almanac follows the start
     ShowSlider();
     ShowWindows();
 }
 
 void CSurveyPlan::ShowSite()
 {
-    const SiteEntry site = fieldcore::ReadSite(m_session.Folder(), GetPositionStr());
-    m_header->ShowSite(ToQt(GetPositionStr()), site.IsComplete());
+    m_header->ShowSite(ToQt(GetPositionStr()), m_session.IsSiteKnown());
 }
 
 void CSurveyPlan::ShowDates()
 {
-    m_header->ShowDates(Drawing());
+    m_header->ShowDates(Drawing(), Today());
 }
 
 int CSurveyPlan::GetMenuID(int drawType)
@@ -190,9 +201,7 @@ void CSurveyPlan::OnMenu(int id)
 void CSurveyPlan::OnHScroll(bool isEnd, bool isStartSpin)
 {
     if (isEnd) {
-        if (!IsTimerRunning(kRefreshTimer)) {
-            SetTimer(kRefreshTimer, kRefreshMs);
-        }
+        SetTimer(kRefreshTimer, kRefreshMs); // anew, if it runs
         return;
     }
     KillTimer(kRefreshTimer);
@@ -215,8 +224,9 @@ void CSurveyPlan::OnTimer(int id)
 {
     if (id == kRefreshTimer) {
         KillTimer(kRefreshTimer);
-        ShowDates(); // the age of the almanac follows the start
         DrawResults();
+    } else if (id == kDayTimer) {
+        ShowDates();
     }
 }
 
@@ -238,7 +248,6 @@ void CSurveyPlan::OnPlanSetAlm()
     for (const AlmanacMessage& message : messages) {
         Tell(message);
     }
-    ShowDates();
     DrawResults();
 }
 
@@ -249,13 +258,13 @@ void CSurveyPlan::OnPlanSetDetail()
     sheet.AddPage(new CPlanPos(*this), UiText(text::kPlanPageSite));
     sheet.AddPage(new CPlanDet(*this), UiText(text::kPlanPageDetail));
     sheet.resize(size());
-    if (sheet.DoModal() != kOk) {
-        return;
+    if (sheet.DoModal() == kOk) {
+        m_oldMaskDeg.reset();
+        DoDataExchange(false);
+        m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
     }
-    DoDataExchange(false);
+    // The page of sites stores at once: the plan's own may be another, whatever ended the sheet.
     ShowSite();
-    m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
-    ShowDates();
     DrawResults();
 }
 
@@ -274,7 +283,9 @@ bool CSurveyPlan::OnClose(int result)
 
 void CSurveyPlan::OnDestroy()
 {
-    m_session.SaveSettings();
+    if (m_session.SaveSettings() == 0) {
+        CMesBox(GetHost()).Fail(text::kPlanNotKept, text::kPlanTitle);
+    }
     KillTimer(kRefreshTimer);
 }
 

@@ -7,10 +7,12 @@
 #include "ui/planning/PlanSurroundings.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 class QBoxLayout;
 class QLabel;
+class QPushButton;
 class QSlider;
 
 namespace fieldcore {
@@ -55,6 +57,9 @@ public:
     /// Redraws when the user has left the spins alone for so long.
     static constexpr int kRefreshTimer = 256;
     static constexpr int kRefreshMs = 1000;
+    /// Looks whether today is another day.
+    static constexpr int kDayTimer = 257;
+    static constexpr int kDayMs = 60'000;
 
     /// @param command  channel to the receiver, not owned; without one there is no almanac update
     /// @param loadWay  not 0: the screen is the host's program by itself, and closing it asks how
@@ -111,6 +116,8 @@ public:
     [[nodiscard]] PlanSession& Session() { return m_session; }
     [[nodiscard]] const PlanSurroundings& Surroundings() const { return m_surroundings; }
     [[nodiscard]] Host& GetHost() const;
+    /// The day that Japan has by the clock of the channel.
+    [[nodiscard]] std::chrono::sys_days Today() const;
 
     /// The menu item of a graph; a graph that is none has that of the first.
     [[nodiscard]] static int GetMenuID(int drawType);
@@ -144,6 +151,9 @@ private:
     void ShowSlider();
     void SetDay(std::chrono::year_month_day date);
     void DragMask(int maskDeg);
+    void OfferOldMask();
+    void UndoMask();
+    [[nodiscard]] const Clock& GetClock() const;
     void Export();
     void SetGround();
     void Tell(const AlmanacMessage& message) const;
@@ -158,6 +168,7 @@ private:
     PlanSession m_session;
     const bool m_isTall; // the controller with the taller screen
     int m_intervalMin = 0;
+    std::optional<int> m_oldMaskDeg; // before its ring was dragged
 
     CnMenuBar* m_menu = nullptr; // owned by the dialog, as is all that follows
     QBoxLayout* m_body;          // panel and graph: one below the other, or side by side
@@ -168,6 +179,7 @@ private:
     LabelSpin* m_end;
     PlanGraphView* m_graph;
     QSlider* m_time;
+    QPushButton* m_maskUndo;
     QLabel* m_windows;            // two of them, below the graph
     PlanWindowList* m_windowList; // all of them, where the panel stands beside it or it is tall
     CTextProgressCtrl* m_progress;

@@ -19,6 +19,7 @@
 #include "ui/planning/PlanWindowList.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -59,6 +60,10 @@ void CSurveyPlan::BuildControls()
     m_time = new QSlider(Qt::Horizontal);
     m_time->setAccessibleName(UiText(text::kPlanTime));
     m_time->setMinimumHeight(TouchStyle::kTarget);
+    m_maskUndo = new QPushButton;
+    m_maskUndo->setMinimumHeight(TouchStyle::kTarget);
+    m_maskUndo->setAutoDefault(false);
+    m_maskUndo->hide();
     m_windows = new QLabel;
     m_windows->setWordWrap(true);
     m_progress = new CTextProgressCtrl;
@@ -67,7 +72,11 @@ void CSurveyPlan::BuildControls()
     auto* const right = new QVBoxLayout;
     right->setSpacing(kGrid / 2);
     right->addWidget(m_graph, 1);
-    right->addWidget(m_time);
+    auto* const below = new QHBoxLayout; // one row: the sky does not shrink under the finger
+    below->setSpacing(kGrid);
+    below->addWidget(m_time, 1);
+    below->addWidget(m_maskUndo);
+    right->addLayout(below);
     right->addWidget(m_windows);
     if (m_isTall) {
         right->addWidget(m_windowList);
@@ -87,6 +96,8 @@ void CSurveyPlan::BuildControls()
             [this](int minutes) { m_graph->SetTime(minutes); });
     connect(m_graph, &PlanGraphView::timeChanged, this, [this] { ShowSlider(); });
     connect(m_graph, &PlanGraphView::maskChanged, this, &CSurveyPlan::DragMask);
+    connect(m_graph, &PlanGraphView::maskDropped, this, &CSurveyPlan::OfferOldMask);
+    connect(m_maskUndo, &QPushButton::clicked, this, &CSurveyPlan::UndoMask);
 }
 
 QWidget* CSurveyPlan::BuildPanel()
@@ -121,13 +132,12 @@ QWidget* CSurveyPlan::BuildPanel()
         SetDay(std::chrono::sys_days(GetSystemTime()) + std::chrono::days(days));
     });
     connect(m_header, &PlanHeader::CalendarRequested, this, [this] {
-        const auto now = m_surroundings.clock != nullptr ? m_surroundings.clock->Utc()
-                                                         : SystemClock::Instance().Utc();
-        DateDlg calendar(GetSystemTime(), std::chrono::floor<std::chrono::days>(now), this);
+        DateDlg calendar(GetSystemTime(), Today(), this);
         if (const auto date = calendar.Ask()) {
             SetDay(*date);
         }
     });
+    connect(m_header, &PlanHeader::TodayRequested, this, [this] { SetDay(Today()); });
     for (const bool isStart : {true, false}) {
         const LabelSpin* const spin = isStart ? m_start : m_end;
         connect(spin, &LabelSpin::SpinMoved, this, [this, isStart] { OnHScroll(false, isStart); });
@@ -175,16 +185,34 @@ void CSurveyPlan::SetGround()
 void CSurveyPlan::SetDay(std::chrono::year_month_day date)
 {
     SetSystemTime(date);
-    ShowDates();
     DrawResults();
 }
 
 void CSurveyPlan::DragMask(int maskDeg)
 {
+    m_oldMaskDeg = m_oldMaskDeg.value_or(GetElMaskData());
     m_session.SetMask(maskDeg);
     m_session.Compute();
     m_graph->Refresh(maskDeg);
     ShowWindows();
+}
+
+void CSurveyPlan::OfferOldMask()
+{
+    if (m_oldMaskDeg == GetElMaskData()) {
+        m_oldMaskDeg.reset();
+    }
+    const QString words = ToQt(FormatText(text::kPlanMaskUndo, m_oldMaskDeg.value_or(0)));
+    m_maskUndo->setText(words);
+    m_maskUndo->setMinimumWidth(m_maskUndo->fontMetrics().horizontalAdvance(words) + 4 * kGrid);
+    m_maskUndo->setVisible(m_oldMaskDeg && m_session.Graph() == PlanGraph::SkyPlot);
+}
+
+void CSurveyPlan::UndoMask()
+{
+    SetElMaskData(m_oldMaskDeg.value_or(GetElMaskData()));
+    m_graph->setFocus();
+    DrawResults();
 }
 
 void CSurveyPlan::ShowWindows()
@@ -217,6 +245,7 @@ void CSurveyPlan::ShowSlider()
     const bool isSky = drawing.graph == PlanGraph::SkyPlot;
     m_time->setVisible(IsTracks(drawing.graph) && drawing.HasPlan());
     m_tools->EnableItem(kFromBelowTool, isSky);
+    OfferOldMask();
     m_time->setRange(0, static_cast<int>(drawing.LengthMin()));
     m_time->setPageStep(static_cast<int>(drawing.IntervalMin()));
     m_time->setValue(static_cast<int>(drawing.minutes));

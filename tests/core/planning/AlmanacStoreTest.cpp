@@ -3,7 +3,10 @@
 #include "core/link/Command.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacRecord.h"
+#include "core/planning/NominalConstellation.h"
+#include "core/planning/SurveyPlanCalc.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
@@ -111,7 +114,8 @@ protected:
 
 TEST_F(AlmanacStoreTest, KeepsWhatTheReceiverHas)
 {
-    Start(ReceiverWith({2, 3, 7, 8, 20}));
+    const Scenario scenario = ReceiverWith({2, 3, 7, 8, 20});
+    Start(scenario);
     std::vector<int> asked;
     ASSERT_EQ(store.Update(command,
                            [&](int prn) {
@@ -133,6 +137,10 @@ TEST_F(AlmanacStoreTest, KeepsWhatTheReceiverHas)
     }
     EXPECT_EQ(Almanac(), expected);
     EXPECT_FALSE(HasTemporary());
+    CSurveyPlanCalc calc;
+    calc.LoadAlmanac(AlmanacPath(folder.Path()));
+    EXPECT_EQ(calc.Source().origin, AlmanacOrigin::Receiver);
+    EXPECT_EQ(ToUtf8(calc.Source().name), "VX1（S/N " + scenario.longSerial + "）");
 }
 
 TEST_F(AlmanacStoreTest, KeepsTheOldAlmanacWhenTheReceiverHasFewSatellites)
@@ -162,7 +170,7 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         {"five are enough", "almanac-5", 0, AlmanacResult::Done, 5},
         {"all there are", "almanac-31", 0, AlmanacResult::Done, 31},
         {"silent from PRN 30 on", "almanac-stops", 29, AlmanacResult::Done, 29},
-        {"hangs up at PRN 4", "almanac-hangs-up", 3, AlmanacResult::TooFew, 0},
+        {"hangs up at PRN 4", "almanac-hangs-up", 3, AlmanacResult::BrokenOff, 0},
         {"hangs up at PRN 13", "almanac-hangs-up", 12, AlmanacResult::Done, 12},
     };
     for (const Row& row : kRows) {
@@ -178,7 +186,7 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         EXPECT_EQ(store.Update(command), row.result);
         EXPECT_FALSE(HasTemporary());
         const auto content = Almanac();
-        if (row.result == AlmanacResult::TooFew) {
+        if (row.result != AlmanacResult::Done) {
             EXPECT_EQ(content, (std::vector<std::uint8_t>{'o', 'l', 'd'}));
         } else {
             ASSERT_EQ(content.size(), 32 * kAlmanacRecordSize);
@@ -188,7 +196,11 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
                                    content.begin() + (row.satellites - 1) * kRecord))
                 << "the last good record repeats";
         }
+        const AlmanacTally& tally = store.Tally();
+        EXPECT_EQ(tally.received + tally.missing + tally.lost, 32);
+        EXPECT_EQ(MessageOf(row.result, tally).words.empty(), tally.lost == 0);
         if (command.Fault() == CommandFault::LinkLost) {
+            EXPECT_EQ(tally.fault, CommandFault::LinkLost);
             command.ClosePort();
             ASSERT_TRUE(receiver->Plug());
             ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1) << command.LastError();
@@ -295,6 +307,34 @@ TEST(AlmanacStore, TakesRecordsThatAreGivenToIt)
     EXPECT_EQ(ReadAlmanacFile(AlmanacPath(folder.Path() / "new")), content);
     EXPECT_EQ(store.Import({}), AlmanacResult::TooFew);
     EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path() / "new")));
+}
+
+TEST(AlmanacStore, RemembersWhereTheAlmanacComesFrom)
+{
+    const TemporaryFolder folder;
+    AlmanacStore store(folder.Path());
+    const auto source = [&] {
+        CSurveyPlanCalc calc;
+        EXPECT_TRUE(calc.LoadAlmanac(AlmanacPath(folder.Path())));
+        return calc.Source();
+    };
+    std::vector<AlmanacRecord> records;
+    for (int prn = 1; prn <= 6; ++prn) {
+        records.push_back(SampleSatellite(prn));
+    }
+    ASSERT_EQ(store.Import(records, {AlmanacOrigin::File, L"現在.alm"}), AlmanacResult::Done);
+    EXPECT_EQ(source().origin, AlmanacOrigin::File);
+    EXPECT_EQ(SourceText(source()), L"ファイル 現在.alm");
+
+    WriteTemporary(folder.Path(), SampleFile(7));
+    fs::rename(AlmanacTemporaryPath(folder.Path()), AlmanacPath(folder.Path()));
+    EXPECT_EQ(source().origin, AlmanacOrigin::Unknown) << "replaced by another program";
+
+    records.push_back(NominalConstellation(7, 2445, 0).back());
+    ASSERT_EQ(store.Import(records, {AlmanacOrigin::File, L"a"}), AlmanacResult::Done);
+    EXPECT_EQ(source().origin, AlmanacOrigin::Nominal) << "made up, whatever it came through";
+    ASSERT_EQ(store.Import(std::span(records).first(6)), AlmanacResult::Done);
+    EXPECT_EQ(source().origin, AlmanacOrigin::Unknown);
 }
 
 TEST(AlmanacStore, TellsTheUserWhatHappened)

@@ -93,7 +93,7 @@ TEST(PlanCsv, HasTheSamplesAtTheirTimes)
     const std::vector<std::string> counts = LinesOf(PlanCsvRows(plan, PlanGraph::Count, L"現場"));
     ASSERT_EQ(counts.size(), 12U);
     const std::string count = std::to_string(static_cast<int>(plan.CountAt(0)));
-    EXPECT_EQ(counts[0], "現場,2022-03-10T09:00+09:00," + count);
+    EXPECT_EQ(counts[0], "現場,2022-03-10T09:00+09:00," + count + ",出所不明 2022-03-10");
     EXPECT_TRUE(counts[11].starts_with("現場,2022-03-10T10:50+09:00,"));
 
     // The dilutions run one step behind.

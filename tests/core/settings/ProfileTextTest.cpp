@@ -164,6 +164,38 @@ TEST(ProfileText, RefusesWhatItCouldNotFindAgain)
     }
 }
 
+TEST(ProfileText, SetsManySectionsAtOnce)
+{
+    const ProfileEntry both[] = {{L"K", L"1"}, {L"L", L"2"}};
+    const ProfileEntry twice[] = {{L"K", L"0"}, {L"K", L"1"}};
+    const ProfileSection known[] = {{L"S", both}, {L"T", both}};
+    struct Row
+    {
+        std::string_view what;
+        std::span<const ProfileSection> sections;
+        std::string_view before, after;
+    };
+    const ProfileSection again[] = {{L"T", twice}};
+    const ProfileSection added[] = {{L"N", both}, {L"S", both}};
+    const Row rows[] = {
+        {"one entry replaced, one put before the empty line", known,
+         "[S]\r\nL=9\r\nx\r\n\r\ny\r\n[T]\r\nK=9",
+         "[S]\r\nL=2\r\nx\r\nK=1\r\n\r\ny\r\n[T]\r\nK=1\r\nL=2\r\n"},
+        {"only the first section of a name", known, "[T]\n[S]\nK=0\n[T]\nK=9\n",
+         "[T]\nK=1\r\nL=2\r\n[S]\nK=1\r\nL=2\r\n[T]\nK=9\n"},
+        {"only the first entry of a key, and the last value", again, "[T]\nK=8\nK=9\n",
+         "[T]\nK=1\r\nK=9\n"},
+        {"a new section behind a known one without a line end", added, "[S]",
+         "[S]\r\nK=1\r\nL=2\r\n[N]\r\nK=1\r\nL=2\r\n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(ProfileText(std::string(row.before)).WithSections(row.sections), row.after);
+    }
+    const ProfileSection newTwice[] = {{L"N", both}, {L"N", both}};
+    EXPECT_EQ(ProfileText("").WithSections(newTwice), std::nullopt);
+}
+
 TEST(ProfileText, FindsInEveryEncodingWhatItWrote)
 {
     for (const std::string mark : {"", "\xEF\xBB\xBF", "\xFF\xFE"}) {

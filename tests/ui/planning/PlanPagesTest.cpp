@@ -159,9 +159,71 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
         Click(page, text::kSiteRemove);
         EXPECT_EQ(host.notes.back().text, L"観測点「現場2」を削除しますか？");
         EXPECT_EQ(host.notes.back().icon, BoxIcon::Question);
-        EXPECT_EQ(page.Chosen(), L"沖縄県那覇市") << "its neighbour is chosen";
+        EXPECT_EQ(page.Chosen(), L"") << "another one is chosen by itself";
     });
     EXPECT_EQ(SiteNames(home.Path()).size(), 47U);
+    EXPECT_EQ(plan->GetPositionStr(), L"現場2") << "the plan goes to another site by itself";
+}
+
+TEST_F(PlanPagesTest, ThePlanStaysOnItsSite)
+{
+    Show();
+    const auto rename = [&](CPlanPos& page) {
+        Next(*page.window(), [&](QWidget& dialog) {
+            Type(dialog, text::kSiteName, QStringLiteral("本社"));
+            Type(dialog, text::kSiteLatitude, QStringLiteral("36.0000"));
+            Click(dialog, text::kButtonOk);
+        });
+        Click(page, text::kSiteEdit);
+    };
+    OnPage<CPlanPos>(rename, text::kButtonCancel);
+    EXPECT_EQ(plan->GetPositionStr(), L"本社") << "renamed, and Cancel";
+    EXPECT_NEAR(plan->GetSurveyPlanCalc()->GetObserver().latitudeRad, 0.628318530718, 1e-9);
+
+    // Neither a look at the page nor a search that is taken back changes it.
+    const PlanSettings before = plan->Session().Settings();
+    OnPage<CPlanPos>([&](CPlanPos& page) {
+        Enter(page.findChild<QLineEdit*>(), QStringLiteral("札幌"));
+        EXPECT_EQ(page.Chosen(), L"北海道札幌市");
+        page.findChild<QLineEdit*>()->clear();
+        EXPECT_EQ(page.Chosen(), L"本社");
+    });
+    EXPECT_EQ(plan->GetPositionStr(), before.position);
+
+    // One that another program has taken out of the file stays as well, and says what is unknown.
+    home.Write("GSurveyPlan.ini", "[A]\r\nLAT=35.0\r\n[B]\r\nLAT=35.0\r\nLON=139.0\r\nHGT=1\r\n");
+    OnPage<CPlanPos>(
+        [&](CPlanPos& page) {
+            auto* const list = page.findChild<QListWidget*>();
+            list->setFocus(Qt::TabFocusReason);
+            EXPECT_EQ(page.Chosen(), L"");
+            list->setCurrentRow(0);
+            const QList<QLabel*> labels = page.findChildren<QLabel*>();
+            EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+                return label->text().contains(QStringLiteral("経度 --"));
+            }));
+            KeepPicture(*page.window(), QStringLiteral("page-pos-unknown"));
+        },
+        text::kButtonCancel);
+    OnPage<CPlanPos>([](CPlanPos&) {});
+    EXPECT_EQ(plan->GetPositionStr(), L"本社");
+}
+
+TEST_F(PlanPagesTest, TheSitePageKeepsItsChoices)
+{
+    Show();
+    plan->SetPositionID(1);
+    OnPage<CPlanPos>([](CPlanPos& page) {
+        EXPECT_EQ(page.findChild<CTComboBox*>()->SelectCode(1), 1);
+        const QList<QLabel*> labels = page.findChildren<QLabel*>();
+        EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+            return label->text().contains(QStringLiteral("35.69388889°"));
+        }));
+        KeepPicture(*page.window(), QStringLiteral("page-pos-decimal"));
+    });
+    EXPECT_EQ(plan->GetListCoordData(), 1);
+    EXPECT_EQ(plan->GetPositionID(), 1) << "still the receiver's";
+    EXPECT_EQ(plan->GetPositionData(), 13);
 }
 
 TEST_F(PlanPagesTest, ImportSitesOrTellWhatIsWrong)
@@ -181,6 +243,9 @@ TEST_F(PlanPagesTest, ImportSitesOrTellWhatIsWrong)
         EXPECT_EQ(page.Chosen(), L"A");
     });
     EXPECT_EQ(plan->Session().Site().heightM, 10.0);
+    home.Write("sites.csv", "A,35.5,139.5,11\n");
+    OnPage<CPlanPos>([&](CPlanPos& page) { Click(page, text::kSiteImport); }, text::kButtonCancel);
+    EXPECT_EQ(plan->Session().Site().heightM, 11.0) << "the plan's own site was imported";
 }
 
 TEST_F(PlanPagesTest, TakeASiteFromTheReceiver)

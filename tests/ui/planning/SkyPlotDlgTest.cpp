@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <atomic>
@@ -192,6 +193,24 @@ TEST_F(SkyPlotTest, SortsChoosesAndRemembers)
     EXPECT_TRUE(Find<QTableView>(*again, CSkyPlot::kList)->isVisible());
     ASSERT_TRUE(QTest::qWaitFor([&] { return HasReading(*again); }));
     EXPECT_EQ(Rows(*again), 9);
+}
+
+TEST_F(SkyPlotTest, TellsOnceThatItsSettingsCouldNotBeStored)
+{
+    const auto dialog = Open();
+    int told = 0;
+    QTimer reader; // closes what is said
+    QObject::connect(&reader, &QTimer::timeout, &reader, [&told] {
+        if (QWidget* const message = QApplication::activeModalWidget()) {
+            ++told;
+            message->close();
+        }
+    });
+    reader.start(1);
+    const SettingsBatch other(m_reg.Store()); // whose writer has not finished
+    QTest::mouseClick(Find<QPushButton>(*dialog, CSkyPlot::kShowList), Qt::LeftButton);
+    QTest::mouseClick(Find<QPushButton>(*dialog, CSkyPlot::kShowBars), Qt::LeftButton);
+    EXPECT_EQ(told, 1);
 }
 
 TEST_F(SkyPlotTest, AsksOnlyWhileItIsSeen)

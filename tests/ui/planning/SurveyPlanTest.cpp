@@ -1,6 +1,7 @@
 #include "ui/planning/SurveyPlan.h"
 
 #include "core/planning/AlmanacFile.h"
+#include "core/platform/SettingsStore.h"
 #include "simulator/Simulator.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
@@ -17,6 +18,7 @@
 #include <QAbstractEventDispatcher>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QSlider>
 
 #include <algorithm>
@@ -96,6 +98,51 @@ TEST_F(SurveyPlanTest, OpensWithWhatANewUserHas)
     EXPECT_EQ(picture.pixelColor(4, picture.height() - 5), QColor(255, 255, 150));
 }
 
+TEST_F(SurveyPlanTest, TellsWhichDayAndWhichAlmanacItIs)
+{
+    const auto isSaid = [this](const char* text) {
+        const QList<QLabel*> labels = plan->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [text](const QLabel* label) {
+            return label->isVisible() && label->text() == QString::fromUtf8(text);
+        });
+    };
+    Show(); // on the day of UTC; Japan has the next one
+    EXPECT_TRUE(isSaid("金曜日（昨日）") && isSaid("今日の2日前、観測日の1日前") &&
+                isSaid("公称軌道暦（見本）"));
+    KeepPicture(*plan, QStringLiteral("plan-yesterday"));
+    Click(*plan, text::kPlanToday);
+    EXPECT_EQ(TextOf(21378), QStringLiteral("2026/11/21"));
+    EXPECT_TRUE(isSaid("土曜日（今日）") && isSaid("今日の2日前"));
+    Click(*plan, text::kPlanNextDay);
+    EXPECT_TRUE(isSaid("日曜日（明日）") && isSaid("今日の2日前、観測日の3日前"));
+    clock.time += std::chrono::hours(16); // midnight has passed in Japan
+    plan->OnTimer(257);
+    EXPECT_TRUE(isSaid("日曜日（今日）") && isSaid("今日の3日前"));
+    plan->SetSystemTime(2026y / 11 / 19);
+    plan->DrawResults();
+    EXPECT_TRUE(isSaid("木曜日") && isSaid("今日の3日前、観測日と同じ日"));
+}
+
+TEST_F(SurveyPlanTest, JudgesTheAlmanacByTheStartThatIsDrawn)
+{
+    clock.time += std::chrono::days(29); // at 9 o'clock 29.3 days behind the almanac
+    Show();
+    EXPECT_TRUE(host.notes.empty());
+    const auto isUrged = [this] {
+        const QList<QLabel*> labels = plan->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+            return label->text().endsWith(QStringLiteral("要更新"));
+        });
+    };
+    EXPECT_FALSE(isUrged());
+    Click(*plan, text::kPlanNextDay); // 30.3 days
+    EXPECT_TRUE(isUrged());
+    // The reference time is 16:38 in UTC, and a start at 0 o'clock 15:00 the day before: 29.9 days.
+    QTest::keyClick(Find(21375), Qt::Key_Home);
+    plan->OnTimer(256);
+    EXPECT_FALSE(isUrged()) << "one drawing behind";
+}
+
 TEST_F(SurveyPlanTest, HasTheMenusToTheLetter)
 {
     Show();
@@ -149,11 +196,15 @@ TEST_F(SurveyPlanTest, RedrawsASecondAfterTheScrollsEnd)
 {
     Show();
     const PlanPeriod& shown = plan->Session().Plan().Computed();
+    int id = 0;
     const auto left = [&] { // milliseconds of the refresh timer, 0 without one
         int found = 0;
         for (const auto& timer :
              QAbstractEventDispatcher::instance()->registeredTimers(plan.get())) {
-            found = timer.interval >= 900 ? timer.interval : found;
+            const bool isRefresh = timer.interval >= 900 && timer.interval < 60'000;
+            EXPECT_TRUE(!isRefresh || timer.timerType == Qt::PreciseTimer) << "may be early";
+            found = isRefresh ? timer.interval : found;
+            id = isRefresh ? timer.timerId : id;
         }
         return found;
     };
@@ -164,10 +215,22 @@ TEST_F(SurveyPlanTest, RedrawsASecondAfterTheScrollsEnd)
     QTest::keyRelease(start, Qt::Key_Right);
     EXPECT_TRUE(plan->IsTimerRunning(256));
     EXPECT_EQ(left(), 1000);
+    // The second begins with the last end of a scroll: only then can more be left than before.
+    bool isLonger = false;
+    for (int attempt = 0; attempt < 50 && !isLonger; ++attempt) {
+        QTest::qWait(50);
+        const auto remaining = [&] {
+            return left() == 0 ? 0 : QAbstractEventDispatcher::instance()->remainingTime(id);
+        };
+        const int before = remaining();
+        Q_EMIT start->ScrollEnded();
+        isLonger = before > 0 && remaining() > before;
+    }
+    EXPECT_TRUE(isLonger);
     QTest::keyPress(start, Qt::Key_Right);
     EXPECT_FALSE(plan->IsTimerRunning(256)) << "moving on calls the redrawing off";
     QTest::keyRelease(start, Qt::Key_Right);
-    EXPECT_EQ(shown.startHour, 9);
+    EXPECT_LT(shown.startHour, 11);
     plan->OnTimer(256);
     EXPECT_FALSE(plan->IsTimerRunning(256));
     EXPECT_EQ(shown.startHour, 11);
@@ -258,6 +321,30 @@ TEST_F(SurveyPlanTest, LeavesTheAlmanacWhereAnUpdateFails)
         L"暦データを取得してください。");
     EXPECT_EQ(host.notes[0].icon, BoxIcon::Stop);
     EXPECT_EQ(TextOf(21380), QStringLiteral("2026/11/19"));
+}
+
+TEST_F(SurveyPlanTest, SaysHowFarAnUpdateCameThatBrokeOff)
+{
+    Show();
+    Connect("almanacs 31\nfault hang-up reply 0 back 10000 on 54 skip 12 count 1");
+    Choose(21912);
+    ASSERT_EQ(host.notes.size(), 2U);
+    EXPECT_EQ(host.notes[0].text, L"軌道暦を更新しました");
+    EXPECT_TRUE(host.notes[1].text.starts_with(L"32衛星のうち12衛星の軌道暦だけを受信しました。"));
+    EXPECT_NE(host.notes[1].text.find(CauseText(CommandFault::LinkLost)), std::wstring::npos);
+    EXPECT_EQ(host.notes[1].icon, BoxIcon::Exclamation);
+}
+
+TEST_F(SurveyPlanTest, TellsThatItsSettingsCouldNotBeStored)
+{
+    Show();
+    {
+        const SettingsBatch other(HostReg(roots).Store()); // whose writer has not finished
+        plan->Close(Dialog::kCancelled);
+    }
+    ASSERT_EQ(host.notes.size(), 1U);
+    EXPECT_EQ(host.notes[0].text, Text(text::kPlanNotKept));
+    EXPECT_EQ(host.notes[0].icon, BoxIcon::Stop);
 }
 
 TEST_F(SurveyPlanTest, KeepsTheSlipOfAMissingSite)
@@ -353,6 +440,18 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     QTest::keyClick(graph, Qt::Key_Plus);
     EXPECT_EQ(plan->GetElMaskData(), 16);
     EXPECT_NEAR(plan->GetSurveyPlanCalc()->GetElMask(), 16.0 / 180.0 * 3.14159265, 1e-6);
+    QTest::keyClick(graph, Qt::Key_Plus);
+    const QString undo = QStringLiteral("マスクを15°に戻す");
+    const auto buttons = plan->findChildren<QPushButton*>();
+    const auto found = std::find_if(buttons.begin(), buttons.end(), [&](const QPushButton* button) {
+        return button->isVisible() && button->text() == undo;
+    });
+    ASSERT_NE(found, buttons.end());
+    KeepPicture(*plan, QStringLiteral("plan-mask"));
+    QTest::mouseClick(*found, Qt::LeftButton);
+    EXPECT_EQ(plan->GetElMaskData(), 15);
+    EXPECT_EQ(graph->Drawing().maskDeg, 15);
+    EXPECT_FALSE((*found)->isVisible());
     auto* const time = plan->findChild<QSlider*>();
     ASSERT_TRUE(time->isVisible());
     QTest::keyClick(time, Qt::Key_End);
