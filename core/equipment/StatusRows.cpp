@@ -30,6 +30,30 @@ std::vector<StatusRow> StatusRowsOf(const Receiver& receiver, const StatusView& 
     return rows;
 }
 
+std::vector<std::wstring> BrokenLimits(const Receiver& receiver, const StatusView& view)
+{
+    std::vector<std::wstring> broken;
+    const auto fresh = [&](std::string_view key) {
+        const ReceiverField& field = FieldOf(key);
+        return IsStale(field, receiver, view) ? std::nullopt : ReadField(field, receiver, view);
+    };
+    if (!view.limits) {
+        return broken;
+    }
+    if (const auto pdop = fresh("pdop"); pdop && std::get<double>(*pdop) > view.limits->pdop) {
+        broken.push_back(FormatText(text::kLimitPdop,
+                                    FieldText(FieldOf("pdop"), receiver, view).c_str(),
+                                    view.limits->pdop));
+    }
+    if (const auto above = fresh("satellitesAboveMask");
+        above && std::get<std::int64_t>(*above) < view.limits->satellites) {
+        broken.push_back(FormatText(text::kLimitSatellites, view.limits->maskDeg,
+                                    static_cast<int>(std::get<std::int64_t>(*above)),
+                                    view.limits->satellites));
+    }
+    return broken;
+}
+
 std::wstring BatteryText(const Receiver& receiver, const StatusView& view)
 {
     const std::wstring charge = FieldText(FieldOf("batteryPercent"), receiver, view);

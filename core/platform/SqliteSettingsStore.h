@@ -32,6 +32,7 @@ public:
     [[nodiscard]] std::vector<std::wstring> Keys(std::wstring_view key) override;
     [[nodiscard]] std::vector<NamedSetting> Values(std::wstring_view key) override;
     [[nodiscard]] bool IsKept() const override;
+    [[nodiscard]] StoringFault LastFault() const override;
     [[nodiscard]] SettingsNotice TakeNotice() override;
 
 protected:

@@ -660,7 +660,6 @@ inline constexpr int kTrackingEpochs = 61174;
 inline constexpr int kTrackingMinSatellites = 61175;
 inline constexpr int kTrackingPdop = 61176;
 inline constexpr int kTrackingMsas = 61177; ///< the names of the signals are above
-inline constexpr int kTrackingNotKept = 61178;
 inline constexpr int kSurveyRtkRef = 61180; ///< in the order of AllSurveys()
 inline constexpr int kSurveyRtkRov = 61181;
 inline constexpr int kSurveyRtkKijun = 61182;
@@ -822,6 +821,45 @@ inline constexpr int kFileType = 60683;
 inline constexpr int kFileFolder = 60684;
 inline constexpr int kFileOpenTitle = 60685;
 inline constexpr int kSaveFileTitle = 60686;
+
+// Bubble and tilt sensor without a reading, and how the bubble is shown
+inline constexpr int kTiltNoReceiver = 61520;
+inline constexpr int kTiltNoSensor = 61521;
+inline constexpr int kTiltSilent = 61522;
+inline constexpr int kTiltAsking = 61523;
+inline constexpr int kBubbleNoSensor = 61524;
+inline constexpr int kBubbleLarger = 61525;
+inline constexpr int kBubbleSmaller = 61526;
+inline constexpr int kBubbleSummary = 61527; ///< state, tilt, offset
+inline constexpr int kUnitDegrees = 61528;
+inline constexpr int kUnitMillimetres = 61529;
+inline constexpr int kTiltAngle = 61530;
+inline constexpr int kTiltOffset = 61531;
+
+// What could not be stored
+inline constexpr int kNotKept = 61535; ///< what, why
+inline constexpr int kNotKeptCaption = 61536;
+inline constexpr int kNotKeptUnknown = 61537; ///< in the order of StoringFault
+inline constexpr int kNotKeptInUse = 61538;
+inline constexpr int kNotKeptFull = 61539;
+inline constexpr int kNotKeptReadOnly = 61540;
+inline constexpr int kNotKeptBubble = 61541; ///< what it is
+
+// Signals of the receiver that is being asked
+inline constexpr int kSignalAsking = 61545;
+inline constexpr int kSignalNoReceiver = 61546;
+inline constexpr int kSignalNone = 61547;   ///< none is chosen
+inline constexpr int kSignalOthers = 61548; ///< the button that chooses them
+inline constexpr int kTrackingSignals = 61549;
+
+// The conditions of the survey against the receiver
+inline constexpr int kLimitPdop = 61550;       ///< PDOP, limit
+inline constexpr int kLimitSatellites = 61551; ///< mask, satellites, how many are needed
+inline constexpr int kLimitShort = 61552;      ///< for the head of the window: all of them
+inline constexpr int kStatusAboveMask = 61553;
+inline constexpr int kTrackingHint = 61554; ///< what the chosen survey means
+inline constexpr int kPlanTakeConditions = 61555;
+inline constexpr int kPlanConditionsTaken = 61556; ///< mask, satellites, PDOP
 
 } // namespace text
 
