@@ -43,8 +43,7 @@ Folders FoldersBelow(const std::string& home)
 /// user's.
 struct Bench
 {
-    explicit Bench(const std::string& sensor)
-        : isSilent(sensor.find("drop") != std::string::npos)
+    explicit Bench(const std::string& sensor) : isSilent(sensor.find("drop") != std::string::npos)
     {
         constexpr const char* kReceiver =
             "model 3051\noptions l2 rtk l5 l2c glonass galileo qzss tilt\nalmanacs 31\n";

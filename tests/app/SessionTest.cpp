@@ -12,6 +12,7 @@
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
 #include "core/platform/Utf8.h"
+#include "core/tilt/TrackingSettings.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/core/equipment/KnownReceiver.h"
@@ -22,7 +23,10 @@
 #include "ui/controls/IconButton.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/controls/SpinDouble.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/PlanDet.h"
+#include "ui/planning/PlanSet.h"
 #include "ui/planning/PlanWindowList.h"
 #include "ui/planning/SurveyPlan.h"
 #include "ui/tilt/BubbleView.h"
@@ -237,6 +241,34 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
     }
 }
 
+TEST_F(SessionTest, ThePlanTakesTheSurveysConditionsOver)
+{
+    Controller controller(Options(QStringLiteral("sim:lark")));
+    controller.Begin();
+    CGPSPrm parameters(controller.Roots());
+    ResetTracking(parameters, AllSurveys()[5]);
+    parameters.SetElMaskData(25);
+    parameters.SetMinSVsData(6);
+    parameters.SetPDOPMaskData(3.5);
+    ASSERT_EQ(SaveTracking(controller.Reg(), AllSurveys()[5], parameters), 1);
+    ASSERT_EQ(SaveSurvey(controller.Reg(), 5), 1);
+    controller.ReadLimits();
+    EXPECT_EQ(controller.View().limits, (ObservingLimits{25, 6, 3.5}));
+    CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, nullptr));
+    CPlanSet set(plan);
+    CPlanDet details(plan);
+    for (QWidget* page : {static_cast<QWidget*>(&set), static_cast<QWidget*>(&details)}) {
+        for (QPushButton* button : page->findChildren<QPushButton*>()) {
+            if (button->text() == UiText(text::kPlanTakeConditions)) {
+                button->click();
+            }
+        }
+    }
+    EXPECT_EQ(set.findChildren<CSpinDouble*>().value(0)->GetValue(), 25.0);
+    EXPECT_EQ(details.findChildren<CSpinDouble*>().value(0)->GetValue(), 6.0);
+    EXPECT_EQ(details.findChildren<CSpinDouble*>().value(1)->GetValue(), 3.5);
+}
+
 TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
 {
     AppOptions options = Options(QStringLiteral("sim:tilted"));
@@ -254,15 +286,22 @@ TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
         EscapeKey esc;
         Q_EMIT window.Chosen(choice);
     };
-    choose(MainWindow::kBubble);
-    ASSERT_TRUE(isShown());
-    QCoreApplication::processEvents();
-    for (const CIconButton* button : window.findChildren<CIconButton*>()) {
-        const QRect place(button->mapToGlobal(QPoint()), button->size());
-        EXPECT_FALSE(place.intersects(TiltSensorDlg::Instance()->frameGeometry()))
-            << button->accessibleName().toStdString();
+    for (const QSize size : {QSize(1280, 800), QSize(480, 640)}) {
+        TiltSensorDlg::ShutDown();
+        TiltSensorDlg::ForgetPlace();
+        window.resize(size);
+        QCoreApplication::processEvents();
+        choose(MainWindow::kBubble);
+        ASSERT_TRUE(isShown());
+        QCoreApplication::processEvents();
+        for (const CIconButton* button : window.findChildren<CIconButton*>()) {
+            const QRect place(button->mapToGlobal(QPoint()), button->size());
+            EXPECT_FALSE(place.intersects(TiltSensorDlg::Instance()->frameGeometry()))
+                << button->accessibleName().toStdString();
+        }
+        KeepPicture(window, *TiltSensorDlg::Instance(),
+                    QStringLiteral("bubble-home-%1").arg(size.width()));
     }
-    KeepPicture(window, *TiltSensorDlg::Instance(), QStringLiteral("bubble-home"));
     EXPECT_EQ(TiltSensorDlg::Instance()->View()->accessibleDescription(),
               UiText(text::kBubbleStale))
         << "there is no receiver";

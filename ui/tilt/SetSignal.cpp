@@ -120,7 +120,7 @@ void SetSignal::ShowSignals(int hintId)
         const bool isAbsent = m_session.IsKnown() && !m_session.IsEnabled(signal);
         box.setText(isAbsent ? ToQt(FormatText(text::kSignalAbsent, name.toStdWString().c_str()))
                              : name);
-        box.setEnabled(m_session.IsEnabled(signal));
+        box.setEnabled(m_isAsked && m_session.IsEnabled(signal));
         box.setChecked(m_session.IsChecked(signal));
     }
     m_hint->setText(UiText(hintId));

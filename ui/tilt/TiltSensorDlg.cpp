@@ -94,6 +94,9 @@ int TiltSensorDlg::StartUp(CCommand* command, QWidget* parent, QWidget* anchor)
     if (g_window.isNull()) {
         g_anchor = anchor;
         g_window = new TiltSensorDlg(command, parent);
+    } else if (anchor != nullptr && !g_window->isVisible()) {
+        g_anchor = anchor;
+        g_window->setGeometry(FreePlace(*anchor, g_window->geometry()));
     }
     g_window->TellSensor(command, true);
     g_window->show();

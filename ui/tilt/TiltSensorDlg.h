@@ -39,8 +39,8 @@ public:
     /// @param command  not owned; must outlive the window
     /// @param parent   of a window that is made
     /// @param anchor   a window that is made appears where the one before was closed, else in the
-    ///                 lower right corner of this one; but as far from there as it takes to cover
-    ///                 none of its buttons and fields. May be null
+    ///                 lower right corner of this one. Where a window that appears would cover
+    ///                 buttons or fields of the anchor it goes to the next free place. May be null
     /// @return 1
     static int StartUp(CCommand* command, QWidget* parent, QWidget* anchor);
     /// Destroys the window.

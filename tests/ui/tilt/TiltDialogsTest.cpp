@@ -288,7 +288,8 @@ TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
         EXPECT_TRUE(wasSeen || !row.takesStart);
         ASSERT_TRUE(QTest::qWaitFor(
             [&] { return Words(dialog, TiltStatusDlg::kStatus) == UiText(row.status); }));
-        EXPECT_EQ(line.Sent(0xC8, {5}), row.cancel ? 1 : 0);
+        // A busy machine may close the dialog first: then the receiver is told behind it.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8, {5}) == (row.cancel ? 1 : 0); }));
     }
 }
 
@@ -451,13 +452,21 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
     QTest::mouseClick(Find<QPushButton>(page, TiltStatusDlg::kBubble), Qt::LeftButton);
     TiltSensorDlg* const bubble = TiltSensorDlg::Instance();
     ASSERT_NE(bubble, nullptr);
-    const QRect small = bubble->geometry();
-    EXPECT_EQ(small.size(), QSize(96, 96));
-    for (const QPushButton* button : page.findChildren<QPushButton*>()) {
-        const QRect place(button->mapToGlobal(QPoint()), button->size());
-        EXPECT_FALSE(button->isVisible() && place.intersects(small))
-            << button->text().toStdString();
+    for (const bool isAgain : {false, true}) { // over a button it does not come back
+        const auto buttons = page.findChildren<QPushButton*>();
+        if (isAgain) {
+            TiltSensorDlg::WindowHide(0);
+            bubble->move(buttons.first()->mapToGlobal(QPoint()));
+            TiltSensorDlg::StartUp(&line.command, &page, &page);
+        }
+        EXPECT_EQ(bubble->size(), QSize(96, 96));
+        for (const QPushButton* button : buttons) {
+            const QRect place(button->mapToGlobal(QPoint()), button->size());
+            EXPECT_FALSE(button->isVisible() && place.intersects(bubble->geometry()))
+                << button->text().toStdString();
+        }
     }
+    const QRect small = bubble->geometry();
     KeepPicture(page, *bubble, QStringLiteral("bubble-small"));
     auto* const numbers = bubble->findChild<QLabel*>();
     ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->windowTitle() == numbers->text(); }));
