@@ -3,6 +3,7 @@
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace fieldcore {
 
@@ -40,7 +41,9 @@ std::vector<std::wstring> BrokenLimits(const Receiver& receiver, const StatusVie
     if (!view.limits) {
         return broken;
     }
-    if (const auto pdop = fresh("pdop"); pdop && std::get<double>(*pdop) > view.limits->pdop) {
+    const auto shown = [](double pdop) { return std::lround(pdop * 10.0); }; // with one decimal
+    if (const auto pdop = fresh("pdop");
+        pdop && shown(std::get<double>(*pdop)) > shown(view.limits->pdop)) {
         broken.push_back(FormatText(text::kLimitPdop,
                                     FieldText(FieldOf("pdop"), receiver, view).c_str(),
                                     view.limits->pdop));

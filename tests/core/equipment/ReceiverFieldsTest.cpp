@@ -201,6 +201,7 @@ TEST(ReceiverFields, WarnWhenASurveysLimitsAreBroken)
     };
     const Row rows[] = {
         {"on the limits", 2.0F, {15, 40, 70}, 101s, true, {}},
+        {"PDOP that reads as its limit", 2.04F, {15, 40, 70}, 101s, true, {}},
         {"PDOP above", 2.1F, {15, 40, 70}, 101s, true, {kPdop}},
         {"one below the mask", 1.0F, {14, 40, 70}, 101s, true, {kFew}},
         {"both", 2.1F, {14, 40, 70}, 101s, true, {kPdop, kFew}},
