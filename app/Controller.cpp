@@ -8,6 +8,7 @@
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
+#include "core/tilt/TrackingSettings.h"
 #include "ui/controls/UiText.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
@@ -111,6 +112,7 @@ void Controller::UseStore()
                            ? static_cast<AntennaRole>(role)
                            : AntennaRole::Rover);
     ReadAntenna();
+    ReadLimits();
     eBubbleConfig::LoadBubbleData(m_reg);
     ReadLinkRate();
 }
@@ -268,8 +270,17 @@ void Controller::UseAntenna(AntennaRole role)
 void Controller::ReadAntenna()
 {
     const bool isStored = m_antenna->ReadRegAnt() != 0;
-    TiltSensorDlg::SetAntH(isStored ? m_antenna->GetAntCalcH() : 0.0);
+    m_antennaHeightM = isStored ? m_antenna->GetAntCalcH() : 0.0;
+    TiltSensorDlg::SetAntH(m_antennaHeightM);
     m_antennaLine = fieldcore::ToQt(m_antenna->GetAntLine());
+}
+
+void Controller::ReadLimits()
+{
+    CGPSPrm parameters(m_roots);
+    LoadTracking(m_reg, AllSurveys()[LoadSurvey(m_reg)], 0, parameters);
+    m_limits = {parameters.GetElMaskData(), parameters.GetMinSVsData(),
+                parameters.GetPDOPMaskData(1)};
 }
 
 void Controller::SetMaySetClock(bool maySet)
@@ -292,7 +303,7 @@ StatusView Controller::View() const
     std::uint32_t zone = 0; // the nearest one
     m_ownReg.ReadNumber(kAppKey, kPlaneZone, zone, 0);
     return {m_clock->Steady(), m_clock->Utc(), zone <= kLast ? static_cast<int>(zone) : 0,
-            m_maySetClock};
+            m_maySetClock,     m_limits,       m_antennaHeightM};
 }
 
 void Controller::LookAtReceiver()
@@ -309,10 +320,7 @@ void Controller::LookAtReceiver()
 
 HomeState Controller::State() const
 {
-    return {m_link->Heard(),
-            {m_clock->Steady(), m_clock->Utc()},
-            m_antennaLine,
-            QString::fromStdString(m_target->Scenario())};
+    return {m_link->Heard(), View(), m_antennaLine, QString::fromStdString(m_target->Scenario())};
 }
 
 QString Controller::TakeNotice()

@@ -98,6 +98,9 @@ public:
     [[nodiscard]] AntennaSettings& Antenna() { return *m_antenna; }
     /// Reads the antenna's settings for the status line. @param role  kept for the next start, too
     void UseAntenna(AntennaRole role);
+    /// Reads the limits of the survey that is run. Anew after changing the settings.
+    void ReadLimits();
+    [[nodiscard]] const ObservingLimits& Limits() const { return m_limits; }
     /// What has gone over the line.
     [[nodiscard]] FrameHistory& Frames() { return m_frames; }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
@@ -144,6 +147,8 @@ private:
     std::unique_ptr<ReceiverLink> m_link;
     std::unique_ptr<AntennaSettings> m_antenna;
     QString m_antennaLine;
+    double m_antennaHeightM = 0.0; // 0: not known
+    ObservingLimits m_limits;
     std::unique_ptr<StatusPoll> m_poll; // behind the link
     bool m_maySetClock = false;
     ConnectChoice m_choice;

@@ -33,8 +33,8 @@ constexpr Entry kButtons[] = {
     {MainWindow::kAntenna, "antenna", text::kAppAntenna},
     {MainWindow::kTracking, "tracking", text::kAppTracking},
     {MainWindow::kSignals, "signal", text::kAppSignals},
-    {MainWindow::kTilt, "tilt", text::kAppTilt},
-    {MainWindow::kFrames, "recording", text::kAppFrames},
+    {MainWindow::kTilt, "calibrate", text::kAppTilt},
+    {MainWindow::kBubble, "tilt", text::kBubbleTitle},
     {MainWindow::kPorts, "port", text::kComTitle},
     {MainWindow::kSettings, "settings", text::kAppSettings},
 };
@@ -43,8 +43,8 @@ constexpr Entry kButtons[] = {
 
 MainWindow::MainWindow(QWidget* parent)
     : QWidget(parent), m_status(new StatusStrip), m_home(new HomePage), m_scroll(new QScrollArea),
-      m_overview(new Overview), m_body(new QBoxLayout(QBoxLayout::TopToBottom)),
-      m_menu(new CnMenuBar(1))
+      m_overview(new Overview), m_bubblePlace(new QWidget),
+      m_body(new QBoxLayout(QBoxLayout::TopToBottom)), m_menu(new CnMenuBar(1))
 {
     setWindowTitle(UiText(text::kAppTitle));
     for (const Entry& entry : kButtons) {
@@ -77,6 +77,10 @@ MainWindow::MainWindow(QWidget* parent)
     m_body->addWidget(m_scroll, 2);
     m_body->addWidget(m_overview, 1);
     column->addLayout(m_body, 1);
+    constexpr int kBubbleRoom = 104; // of the small bubble, and some distance
+    m_bubblePlace->setFixedHeight(kBubbleRoom);
+    m_bubblePlace->hide();
+    column->addWidget(m_bubblePlace);
     column->addWidget(m_menu);
 
     connect(m_home, &HomePage::Chosen, this, &MainWindow::Chosen);
@@ -89,6 +93,18 @@ void MainWindow::ShowState(const HomeState& state)
     m_status->Show(state);
     m_overview->Show(state);
     m_menu->EnableItem(kDisconnect, state.receiver.link != LinkState::NotConnected);
+}
+
+void MainWindow::ShowBubble(bool isShown)
+{
+    m_hasBubble = isShown;
+    Arrange();
+    layout()->activate();
+}
+
+QWidget* MainWindow::BubbleAnchor() const
+{
+    return width() > kWide ? static_cast<QWidget*>(m_overview) : m_bubblePlace;
 }
 
 void MainWindow::CheckTheme(int choice)
@@ -123,7 +139,9 @@ void MainWindow::Arrange()
         return part->hasHeightForWidth() ? part->heightForWidth(width())
                                          : part->sizeHint().height();
     };
-    const int room = height() - heightOf(m_status) - heightOf(m_menu);
+    m_bubblePlace->setVisible(m_hasBubble && !isWide);
+    const int bubble = m_hasBubble && !isWide ? m_bubblePlace->height() : 0;
+    const int room = height() - heightOf(m_status) - heightOf(m_menu) - bubble;
     m_home->Arrange(room, isWide);
     const int over = room - m_home->minimumSizeHint().height();
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);

@@ -47,6 +47,7 @@ public:
         kSignals,
         kTilt,
         kTracking,
+        kBubble,
     };
 
     explicit MainWindow(QWidget* parent = nullptr);
@@ -55,6 +56,10 @@ public:
     void SetMayClose(std::function<bool()> mayClose) { m_mayClose = std::move(mayClose); }
 
     void ShowState(const HomeState& state);
+    /// Whether the bubble is shown: the home page leaves room for it beside its buttons.
+    void ShowBubble(bool isShown);
+    /// In the lower right corner of this part the bubble covers nothing.
+    [[nodiscard]] QWidget* BubbleAnchor() const;
     /// Marks the theme that is in use among the choices.
     void CheckTheme(int choice);
 
@@ -73,8 +78,10 @@ private:
     HomePage* m_home;
     QScrollArea* m_scroll;
     Overview* m_overview;
+    QWidget* m_bubblePlace; // below the buttons
     QBoxLayout* m_body;
     CnMenuBar* m_menu;
+    bool m_hasBubble = false;
     std::function<bool()> m_mayClose;
 };
 

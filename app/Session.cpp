@@ -7,12 +7,15 @@
 #include "core/host/MesBox.h"
 #include "core/link/RecvForceInit.h"
 #include "ui/controls/FileChoice.h"
+#include "ui/controls/Icon.h"
+#include "ui/controls/PageAction.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 #include "ui/tilt/SetSignal.h"
+#include "ui/tilt/TiltSensorDlg.h"
 #include "ui/tilt/TiltStatusChk.h"
 #include "ui/tilt/TiltStatusDlg.h"
 #include "ui/tilt/TrackingDlg.h"
@@ -23,8 +26,22 @@
 namespace fieldcore {
 
 Session::Session(Controller& controller)
-    : m_controller(controller), m_window(std::make_unique<MainWindow>())
+    : m_controller(controller),
+      m_bubble(ThemeIcon(QStringLiteral("tilt")), UiText(text::kBubbleTitle)),
+      m_window(std::make_unique<MainWindow>())
 {
+    m_bubble.setCheckable(true);
+    m_bubble.setShortcut(Qt::Key_F9);
+    m_bubble.setShortcutContext(Qt::ApplicationShortcut);
+    m_window->addAction(&m_bubble);
+    SetPageAction(&m_bubble);
+    connect(&m_bubble, &QAction::triggered, this, &Session::SwitchBubble);
+    TiltSensorDlg::SetObserver([this](TiltSensorDlg::Event event) {
+        const bool isShown = event == TiltSensorDlg::Event::Shown;
+        m_isBubbleWanted = m_isBubbleWanted && event != TiltSensorDlg::Event::Closed;
+        m_bubble.setChecked(isShown);
+        m_window->ShowBubble(isShown);
+    });
     connect(m_window.get(), &MainWindow::Chosen, this, &Session::Open);
     connect(&m_controller, &Controller::Changed, this,
             [this] { m_window->ShowState(m_controller.State()); });
@@ -38,6 +55,9 @@ Session::Session(Controller& controller)
 Session::~Session()
 {
     TiltStatusChk::SetCheckCalib(nullptr, false);
+    TiltSensorDlg::SetObserver({});
+    TiltSensorDlg::ShutDown();
+    SetPageAction(nullptr);
 }
 
 void Session::Begin()
@@ -140,10 +160,13 @@ void Session::Open(int choice)
         SetSignal(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
         break;
     case MainWindow::kTilt:
-        TiltStatusDlg(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+        ShowTilt();
+        break;
+    case MainWindow::kBubble:
+        m_bubble.trigger();
         break;
     case MainWindow::kTracking:
-        TrackingDlg(m_controller.Roots(), m_window.get()).DoModal();
+        ChangeTracking();
         break;
     default:
         break;
@@ -249,6 +272,41 @@ void Session::CheckTiltWhenKnown()
     constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
     TiltStatusChk::SetCheckCalib(&m_controller.Command(), true);
     TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
+}
+
+/// The page shuts the bubble down at its end; who has switched it on wants it further on.
+void Session::ShowTilt()
+{
+    TiltStatusDlg(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+    if (m_isBubbleWanted) {
+        StartBubble();
+    }
+}
+
+void Session::ChangeTracking()
+{
+    TrackingDlg(&m_controller.Command(), m_controller.Roots(), m_window.get()).DoModal();
+    m_controller.ReadLimits();
+}
+
+void Session::SwitchBubble(bool isWanted)
+{
+    m_isBubbleWanted = isWanted;
+    if (isWanted) {
+        StartBubble();
+    } else if (TiltSensorDlg* const bubble = TiltSensorDlg::Instance()) {
+        bubble->Close(Dialog::kCancelled);
+    }
+}
+
+void Session::StartBubble()
+{
+    QWidget* const page = QApplication::activeModalWidget();
+    if (page == nullptr) {
+        m_window->ShowBubble(true); // which makes its place
+    }
+    TiltSensorDlg::StartUp(&m_controller.Command(), m_window.get(),
+                           page != nullptr ? page : m_window->BubbleAnchor());
 }
 
 void Session::ForceInit()

@@ -2,6 +2,7 @@
 
 #include "app/Controller.h"
 
+#include <QAction>
 #include <QObject>
 #include <QString>
 
@@ -44,6 +45,11 @@ private:
     void CheckTiltWhenKnown();
     /// Asks how to end, and does it but for closing the window.
     bool MayEnd();
+    void ShowTilt();
+    void ChangeTracking();
+    /// @param isWanted  by the user, from wherever he is
+    void SwitchBubble(bool isWanted);
+    void StartBubble();
     void ForceInit();
     void ShowAbout();
     void ShowStatus();
@@ -52,6 +58,8 @@ private:
     void ShowChosenTheme();
 
     Controller& m_controller;
+    QAction m_bubble; // on every page
+    bool m_isBubbleWanted = false;
     std::unique_ptr<MainWindow> m_window;
     bool m_isTiltOpen = false; // whether its receiver has a sensor is not known yet
 };

@@ -55,7 +55,7 @@ void Paint(QLabel* label, const QColor& colour)
 StatusStrip::StatusStrip(QWidget* parent)
     : QWidget(parent), m_line(new QHBoxLayout), m_below(new QHBoxLayout), m_lamp(new QLabel),
       m_receiver(new QLabel), m_pdop(new QLabel), m_time(new QLabel), m_battery(new QLabel),
-      m_antenna(new QLabel), m_ribbon(new QLabel)
+      m_broken(new QLabel), m_antenna(new QLabel), m_ribbon(new QLabel)
 {
     setAutoFillBackground(true);
     setAccessibleName(UiText(text::kAppStatus));
@@ -79,6 +79,12 @@ StatusStrip::StatusStrip(QWidget* parent)
     m_ribbon->setContentsMargins(kMargin, 0, kMargin, 0);
     m_ribbon->setWordWrap(true);
     m_ribbon->setAutoFillBackground(true);
+    m_broken->setMinimumHeight(kRibbonHeight);
+    m_broken->setContentsMargins(kMargin, 0, kMargin, 0);
+    m_broken->setWordWrap(true);
+    QFont bold = font();
+    bold.setBold(true);
+    m_broken->setFont(bold);
     m_antenna->setMinimumHeight(kRibbonHeight);
     m_antenna->setContentsMargins(kMargin, 0, kMargin, 0);
     m_antenna->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -87,6 +93,7 @@ StatusStrip::StatusStrip(QWidget* parent)
     column->setSpacing(0);
     column->addLayout(m_line);
     column->addLayout(m_below);
+    column->addWidget(m_broken);
     column->addWidget(m_antenna);
     column->addWidget(m_ribbon);
     Show({});
@@ -99,6 +106,13 @@ void StatusStrip::Show(const HomeState& state)
     m_receiver->setToolTip(Name());
     m_pdop->setText(QStringLiteral("PDOP ") + Words("pdop"));
     m_time->setText(TimeWords());
+    QStringList broken;
+    for (const std::wstring& words : BrokenLimits(state.receiver, state.view)) {
+        broken += ToQt(words);
+    }
+    m_broken->setVisible(!broken.isEmpty());
+    m_broken->setText(ToQt(
+        FormatText(text::kLimitShort, broken.join(QStringLiteral("、")).toStdWString().c_str())));
     m_antenna->setVisible(!state.antenna.isEmpty());
     m_antenna->setText(state.antenna);
     m_antenna->setToolTip(state.antenna);
@@ -184,6 +198,7 @@ void StatusStrip::Colour()
     };
     Paint(m_lamp, theme.*LampOf(receiver.link).colour);
     Paint(m_pdop, colourOf("pdop"));
+    Paint(m_broken, theme.attention);
     Paint(m_battery, colourOf("batteryPercent"));
     Paint(m_time, receiver.status ? colourOf(kHeartbeat) : theme.text);
     QPalette ground = m_ribbon->palette();

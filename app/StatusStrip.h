@@ -13,9 +13,10 @@ namespace fieldcore {
 
 /// The lines at the head of the window: is the receiver there, and is it well, what time it is, and
 /// how high the antenna is. Values that are not fresh are grey, and the time they came stands in
-/// place of the time. While the receiver tells no time it is that of the controller's clock, and
-/// says so. Where one line does not hold it all, the time goes below; the name of the power source
-/// stands where there is room. User-interface thread only.
+/// place of the time. What the survey's limits are broken by is told. While the receiver tells no
+/// time it is that of the controller's clock, and says so. Where one line does not hold it all, the
+/// time goes below; the name of the power source stands where there is room. User-interface thread
+/// only.
 class StatusStrip : public QWidget
 {
     Q_OBJECT
@@ -44,6 +45,7 @@ private:
     QLabel* m_pdop;
     QLabel* m_time;
     QLabel* m_battery;
+    QLabel* m_broken; // limits of the survey
     QLabel* m_antenna;
     QLabel* m_ribbon;
 };

@@ -43,7 +43,7 @@ Folders FoldersBelow(const std::string& home)
 /// user's.
 struct Bench
 {
-    explicit Bench(const std::string& sensor)
+    explicit Bench(const std::string& sensor) : isSilent(sensor.find("drop") != std::string::npos)
     {
         constexpr const char* kReceiver =
             "model 3051\noptions l2 rtk l5 l2c glonass galileo qzss tilt\nalmanacs 31\n";
@@ -57,6 +57,7 @@ struct Bench
         }
     }
 
+    const bool isSilent;
     QTemporaryDir folder;
     SettingsRoots roots{FoldersBelow(folder.path().toStdString())};
     HostReg reg{roots};
@@ -70,12 +71,22 @@ std::shared_ptr<Bench> MakeBench(const char* sensor)
 }
 
 /// The receiver is asked, and answers.
-void LetSomeTimePass()
+void LetSomeTimePass(int ms = 700) // of a calibration of two seconds
 {
-    constexpr int kSomeWay = 700; // ms, of a calibration of two seconds
     QEventLoop wait;
-    QTimer::singleShot(kSomeWay, &wait, &QEventLoop::quit);
+    QTimer::singleShot(ms, &wait, &QEventLoop::quit);
     wait.exec();
+}
+
+/// A page that has asked its receiver.
+template <typename Page>
+std::unique_ptr<Page> Answered(Bench& bench)
+{
+    auto page = std::make_unique<Page>(&bench.command, bench.reg);
+    page->show();
+    constexpr int kUntilSilent = 2200; // ms
+    LetSomeTimePass(bench.isSilent ? kUntilSilent : 700);
+    return page;
 }
 
 /// The status after a run that ended so.
@@ -83,10 +94,8 @@ Picture Status(const char* name, const char* sensor, LastCalibrationRun lastRun)
 {
     const auto bench = MakeBench(sensor);
     return {QString::fromLatin1(name), [bench, lastRun]() -> std::unique_ptr<QWidget> {
-                auto dialog = std::make_unique<TiltStatusDlg>(&bench->command, bench->reg);
                 const LastCalibrationRun before = std::exchange(TiltSettings::LastRun(), lastRun);
-                dialog->show(); // which asks for the status
-                LetSomeTimePass();
+                auto dialog = Answered<TiltStatusDlg>(*bench);
                 TiltSettings::LastRun() = before;
                 return dialog;
             }};
@@ -116,9 +125,8 @@ Picture LockedSignals()
         chosen.Set(signal, true);
     }
     SaveSignals(bench->reg, GetRecvTypeNum(bench->command), chosen);
-    return {QStringLiteral("signals-locked"), [bench]() -> std::unique_ptr<QWidget> {
-                return std::make_unique<SetSignal>(&bench->command, bench->reg);
-            }};
+    return {QStringLiteral("signals-locked"),
+            [bench]() -> std::unique_ptr<QWidget> { return Answered<SetSignal>(*bench); }};
 }
 
 TiltReading Leaning(double t1Rad, double t2Rad)
@@ -133,18 +141,20 @@ TiltReading Leaning(double t1Rad, double t2Rad)
     return reading;
 }
 
-std::unique_ptr<BubbleView> View(const TiltReading& reading, bool isStale = false)
+std::unique_ptr<BubbleView> View(const TiltReading& reading,
+                                 BubbleView::Source source = BubbleView::Source::Reading)
 {
     constexpr BubbleRules kRules{40.0, 0.02, 1.8};
     auto view = std::make_unique<BubbleView>();
-    view->Show(PictureOf(reading, kRules), isStale);
+    view->Show(PictureOf(reading, kRules), source);
     return view;
 }
 
-Picture Bubble(const char* name, const TiltReading& reading, bool isStale = false)
+Picture Bubble(const char* name, const TiltReading& reading,
+               BubbleView::Source source = BubbleView::Source::Reading)
 {
     return {QString::fromLatin1(name),
-            [reading, isStale]() -> std::unique_ptr<QWidget> { return View(reading, isStale); }};
+            [reading, source]() -> std::unique_ptr<QWidget> { return View(reading, source); }};
 }
 
 /// From the rim, out of tolerance, to the middle.
@@ -184,16 +194,22 @@ std::vector<Picture> TiltScreens(Controller& controller)
     SettingsRoots& roots = controller.Roots();
     std::vector<Picture> screens{
         {QStringLiteral("signals"),
-         [bench]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<SetSignal>(&bench->command, bench->reg);
-         }},
+         [bench]() -> std::unique_ptr<QWidget> { return Answered<SetSignal>(*bench); }},
         LockedSignals(),
         {QStringLiteral("tracking"),
-         [&roots]() -> std::unique_ptr<QWidget> { return std::make_unique<TrackingDlg>(roots); }},
+         [&controller, &roots]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<TrackingDlg>(&controller.Command(), roots);
+         }},
         {QStringLiteral("tilt-no-receiver"),
          [bench]() -> std::unique_ptr<QWidget> {
              return std::make_unique<TiltStatusDlg>(nullptr, bench->reg);
          }},
+        {QStringLiteral("signals-no-receiver"),
+         [bench]() -> std::unique_ptr<QWidget> {
+             return std::make_unique<SetSignal>(nullptr, bench->reg);
+         }},
+        Status("tilt-no-sensor", "tilt-present no\n", {}),
+        Status("tilt-silent", "fault drop on C8\n", {}),
         Status("tilt-done", "tilt-calibrated 0.5\n", {}),
         Status("tilt-failed", "tilt-calibrated no\n", {false, true}),
         Status("tilt-aborted", "tilt-calibrated no\n", {true, false}),
@@ -207,7 +223,9 @@ std::vector<Picture> TiltScreens(Controller& controller)
     uncalibrated.calibrated = false;
     screens.push_back(Bubble("bubble-not-ready", TiltReading()));
     screens.push_back(Bubble("bubble-needs-calibration", uncalibrated));
-    screens.push_back(Bubble("bubble-stale", Leaning(0.008, -0.006), true));
+    screens.push_back(
+        Bubble("bubble-stale", Leaning(0.008, -0.006), BubbleView::Source::NotReceived));
+    screens.push_back(Bubble("bubble-no-sensor", {}, BubbleView::Source::NoSensor));
     return screens;
 }
 

@@ -17,6 +17,10 @@ PlanSurroundings PlanWorld(Controller& controller, QWidget* parent)
     world.roots = &controller.Roots();
     world.clock = &controller.GetClock();
     world.makeConnect = [&controller, parent](CCommand&) { return controller.MakeConnect(parent); };
+    world.conditions = [&controller] {
+        const ObservingLimits& limits = controller.Limits();
+        return PlanSurroundings::Conditions{limits.maskDeg, limits.satellites, limits.pdop};
+    };
     return world;
 }
 

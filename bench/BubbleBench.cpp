@@ -36,7 +36,7 @@ void BubbleTick(benchmark::State& state)
         lean = lean > 0.05 ? 0.0 : lean + 0.002; // at least a pixel further each time
         reading.t1Rad = lean;
         reading.tiltRad = lean;
-        view.Show(PictureOf(reading, {40.0, 0.02, 1.8}), false);
+        view.Show(PictureOf(reading, {40.0, 0.02, 1.8}), BubbleView::Source::Reading);
         view.render(&pixels);
         benchmark::DoNotOptimize(pixels.bits());
     }

@@ -75,9 +75,10 @@ ExitCode Watch(const Context& context, const TiltOptions& options, Sensor& senso
                             return context.output.Failed(sensor.session.RequestFailed());
                         }
                         Report report;
-                        AddTilt(report, sensor.tilt);
-                        return context.output.Done(report, (isFirst ? TiltHeader() : "") +
-                                                               TiltLine(sensor.tilt));
+                        AddTilt(report, sensor.session.Command().Heard());
+                        return context.output.Done(report,
+                                                   (isFirst ? TiltHeader() : "") +
+                                                       TiltLine(sensor.session.Command().Heard()));
                     });
 }
 
@@ -88,7 +89,7 @@ ExitCode Show(const Context& context, const TiltOptions& options)
             return Watch(context, options, sensor);
         }
         Report report;
-        AddTilt(report, sensor.tilt);
+        AddTilt(report, sensor.session.Command().Heard());
         return context.output.Done(report);
     });
 }
@@ -132,7 +133,7 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
         if (options.dryRun) {
             context.output.Note("No calibration was started. This is how the sensor is:");
             report.Add("outcome", "outcome", Value::Word("not-started", "not started"));
-            AddTilt(report, sensor.tilt);
+            AddTilt(report, sensor.session.Command().Heard());
             return context.output.Done(report);
         }
         if (!sensor.tilt.MayCalibrate(sensor.host)) {
@@ -148,7 +149,7 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
         const bool isDone = run.GetState() == CalibrationRun::State::Done;
         report.Add("outcome", "outcome",
                    Value::Word(isDone ? "completed" : "failed", isDone ? "completed" : "failed"));
-        AddTilt(report, sensor.tilt);
+        AddTilt(report, sensor.session.Command().Heard());
         if (isDone) {
             return context.output.Done(report);
         }

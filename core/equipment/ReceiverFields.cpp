@@ -9,6 +9,7 @@
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
+#include "core/tilt/CalibrationStatus.h"
 
 #include <algorithm>
 #include <array>
@@ -50,6 +51,20 @@ constexpr std::array kFamilies{Term{"oldest", "oldest", 0}, Term{"pica", "Pica",
 constexpr Term kClockSet{"set", "set when synchronised", text::kStatusClockSet};
 constexpr Term kClockRefused{"refused", "could not be set", text::kStatusClockRefused};
 constexpr Term kClockLeft{"left", "left alone", text::kStatusClockLeft};
+
+constexpr Term kNoTiltSensor{"absent", "no sensor", 0};
+constexpr std::array kTiltStates{
+    // in the order of their numbers, as the next
+    Term{"starting", "starting", 0},
+    Term{"measuring", "measuring", 0},
+    Term{"moving", "moving too fast", 0},
+    Term{"out-of-range", "out of range", 0},
+};
+constexpr std::array kCalibrations{
+    Term{"none", "not completed", 0}, Term{"completed", "completed", 0},
+    Term{"running", "running", 0},    Term{"failed", "failed", 0},
+    Term{"expired", "too old", 0},
+};
 
 /// A number or a text as a field has it.
 template <typename Raw>
@@ -238,6 +253,64 @@ Known Survey(R r, V /*view*/)
                     : std::nullopt;
 }
 
+Known AboveMask(R r, V view)
+{
+    if (!r.tracked || !view.limits) {
+        return std::nullopt;
+    }
+    const auto& all = r.tracked->value.satellites;
+    return Known(static_cast<std::int64_t>(std::count_if(
+        all.begin(), all.end(), [mask = view.limits->maskDeg](const ListedSatellite& satellite) {
+            return satellite.HasDirection() && satellite.elevationDeg >= mask;
+        })));
+}
+
+template <std::size_t Count>
+Known TermOf(const std::array<Term, Count>& terms, int number)
+{
+    const bool isOne = number >= 0 && number < static_cast<int>(Count);
+    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
+}
+
+Known StateOfTilt(R r, V /*view*/)
+{
+    if (!r.tilt) {
+        return std::nullopt;
+    }
+    return r.tilt->value.sensorPresent ? TermOf(kTiltStates, r.tilt->value.state)
+                                       : Known(&kNoTiltSensor);
+}
+
+/// An angle of the reading, degrees.
+template <auto Member>
+Known TiltAngle(R r, V /*view*/)
+{
+    return r.tilt ? Known(r.tilt->value.*Member * 180.0 / std::numbers::pi) : std::nullopt;
+}
+
+/// How far the antenna stands beside the point, mm.
+Known TiltOffset(R r, V view)
+{
+    constexpr double kMmInM = 1000.0;
+    return r.tilt && view.antennaHeightM > 0.0 && r.tilt->value.tiltRad <= std::numbers::pi / 2
+               ? Known(std::sin(r.tilt->value.tiltRad) * view.antennaHeightM * kMmInM)
+               : std::nullopt;
+}
+
+Known StateOfCalibration(R r, V /*view*/)
+{
+    const bool isTold =
+        r.tilt && r.tilt->value.calibrationValid && !r.tilt->value.error1 && !r.tilt->value.error2;
+    return isTold ? TermOf(kCalibrations, r.tilt->value.calibrationState) : std::nullopt;
+}
+
+Known CalibrationLeft(R r, V /*view*/)
+{
+    return r.tilt && r.calibration ? Known(static_cast<std::int64_t>(
+                                         RemainingSeconds(r.calibration->value, r.tilt->value)))
+                                   : std::nullopt;
+}
+
 using F = ReceiverField;
 using S = FieldSource;
 
@@ -264,6 +337,22 @@ constexpr FieldNumber kMetres{.unit = "m", .decimals = 3};
 constexpr FieldNumber kPercent{.unit = "%", .least = 0, .most = 100};
 constexpr FieldNumber kPerHour{
     .unit = "%/h", .unitTextId = text::kUnitPercentPerHour, .decimals = 1, .isSigned = true};
+
+constexpr FieldNumber kTiltDegrees{.unit = "deg",
+                                   .unitTextId = text::kUnitDegrees,
+                                   .decimals = 4,
+                                   .userDecimals = 2,
+                                   .least = -360,
+                                   .most = 360};
+constexpr FieldNumber kMillimetres{.unit = "mm",
+                                   .unitTextId = text::kUnitMillimetres,
+                                   .decimals = 1,
+                                   .userDecimals = 0,
+                                   .least = 0};
+constexpr FieldNumber kHours{.unit = "h", .least = 0};
+constexpr FieldNumber kLeftS{.unit = "s", .least = 1};
+constexpr seconds kTracked{30}; // what is asked for at every fifth round
+constexpr seconds kOfBubble{2};
 
 constexpr ReceiverField kFields[] = {
     // Who it is
@@ -314,6 +403,8 @@ constexpr ReceiverField kFields[] = {
      Told<&Receiver::status, &StatusReply::satellitesTracked>, kCount},
     {"satellitesUsed", "satellites used", text::kStatusUsed, kPosition, S::Position,
      Told<&Receiver::position, &PositionStatusReply::satellitesUsed>, kCount},
+    {"satellitesAboveMask", "satellites above the mask", text::kStatusAboveMask, F::Page,
+     S::Tracked, AboveMask, kCount, kTracked},
     {"pdop", "PDOP", text::kGraphPdop, kPosition | F::Report, S::Position,
      [](R r, V) { return DopOf(r, &PositionStatusReply::pdop, r.isSynchronised); }, kDop, kUsual,
      text::kStatusNoPdop},
@@ -346,6 +437,23 @@ constexpr ReceiverField kFields[] = {
     {"freeMemoryPercent", "free memory", text::kStatusMemory, kStatus, S::Status, FreeMemory,
      kPercent},
     {"survey", "running survey", 0, F::Report, S::Status, Survey},
+
+    // Its tilt sensor
+    {"state", "state", 0, F::Tilt, S::Tilt, StateOfTilt},
+    {"tiltDeg", "tilt", text::kTiltAngle, F::Tilt, S::Tilt, TiltAngle<&TiltReading::tiltRad>,
+     kTiltDegrees, kOfBubble},
+    {"t1Deg", "first component", 0, F::Tilt, S::Tilt, TiltAngle<&TiltReading::t1Rad>, kTiltDegrees,
+     kOfBubble},
+    {"t2Deg", "second component", 0, F::Tilt, S::Tilt, TiltAngle<&TiltReading::t2Rad>, kTiltDegrees,
+     kOfBubble},
+    {"tiltOffsetMm", "antenna beside the point", text::kTiltOffset, 0, S::Tilt, TiltOffset,
+     kMillimetres, kOfBubble},
+    {"calibrated", "calibrated", 0, F::Tilt, S::Tilt,
+     Told<&Receiver::tilt, &TiltReading::calibrated>},
+    {"calibration", "calibration", 0, F::Tilt, S::Tilt, StateOfCalibration},
+    {"expiryHours", "valid for", 0, F::Tilt, S::Calibration,
+     Told<&Receiver::calibration, &TiltCalibration::validityHours>, kHours},
+    {"remainingSeconds", "still valid for", 0, F::Tilt, S::Calibration, CalibrationLeft, kLeftS},
 };
 
 template <typename Number>
@@ -456,6 +564,12 @@ std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiv
         return at(receiver.time);
     case FieldSource::PowerSource:
         return at(receiver.powerSource);
+    case FieldSource::Tracked:
+        return at(receiver.tracked);
+    case FieldSource::Tilt:
+        return at(receiver.tilt);
+    case FieldSource::Calibration:
+        return at(receiver.calibration);
     }
     return std::nullopt;
 }
@@ -527,7 +641,9 @@ std::wstring FieldText(const ReceiverField& field, const Receiver& receiver, con
             },
             [&](std::int64_t whole) { return WithUnit(field, std::to_wstring(whole), whole < 0); },
             [&](double real) {
-                const auto decimals = static_cast<std::uint8_t>(field.number.decimals);
+                const FieldNumber& number = field.number;
+                const auto decimals = static_cast<std::uint8_t>(
+                    number.userDecimals < 0 ? number.decimals : number.userDecimals);
                 return WithUnit(field, FormatFixed(real, decimals), real < 0.0);
             },
             [](const std::wstring& text) { return OneLine(text); },

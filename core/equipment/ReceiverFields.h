@@ -18,13 +18,25 @@ namespace fieldcore {
 // What is told of a receiver, a field a row: every screen, the terminal and its JSON print these
 // rows, so that none of them knows what another does not.
 
+/// What a survey asks of the sky.
+struct ObservingLimits
+{
+    int maskDeg = 0;    ///< satellites below do not count
+    int satellites = 0; ///< so many have to be there
+    double pdop = 0.0;  ///< it must not be above
+
+    friend bool operator==(const ObservingLimits&, const ObservingLimits&) = default;
+};
+
 /// What a field is made of beside the receiver.
 struct StatusView
 {
-    Clock::Duration now{};    ///< of the clock that the values are timed by
-    Clock::UtcTime utc{};     ///< the controller's date and time
-    int planeZone = 0;        ///< 1 to 19; 0: the one whose origin is nearest
-    bool maySetClock = false; ///< the user wants the controller's clock set
+    Clock::Duration now{};                   ///< of the clock that the values are timed by
+    Clock::UtcTime utc{};                    ///< the controller's date and time
+    int planeZone = 0;                       ///< 1 to 19; 0: the one whose origin is nearest
+    bool maySetClock = false;                ///< the user wants the controller's clock set
+    std::optional<ObservingLimits> limits{}; ///< of the survey that is run
+    double antennaHeightM = 0.0;             ///< above the point; 0 or less: not known
 };
 
 /// One of a few things that a value may be.
@@ -59,6 +71,9 @@ enum class FieldSource
     Position,
     Time,
     PowerSource,
+    Tracked,
+    Tilt,
+    Calibration,
 };
 
 /// When a reply came; nothing if it has not, and for who the receiver is.
@@ -70,6 +85,7 @@ struct FieldNumber
     const char* unit = "";
     int unitTextId = 0; ///< the unit for the user; 0: the same
     int decimals = 0;
+    int userDecimals = -1; ///< for the user; less than 0: the same
     double least = -std::numeric_limits<double>::infinity();
     double most = std::numeric_limits<double>::infinity();
     bool isSigned = false; ///< the user sees a plus, too
@@ -86,6 +102,7 @@ struct ReceiverField
         Who = 8,            ///< among those of the identity
         Version = 16,       ///< on the version page
         Firmware = 32,      ///< there, below the heading of the firmware
+        Tilt = 64,          ///< among the values of the tilt sensor
     };
 
     const char* key;   ///< in JSON

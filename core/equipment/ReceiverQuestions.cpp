@@ -6,6 +6,7 @@
 #include "core/link/RecvInfo.h"
 
 #include <chrono>
+#include <utility>
 
 namespace fieldcore {
 
@@ -145,6 +146,17 @@ bool ReceiverQuestions::AskPowerSource(Receiver& receiver)
     if (!CanTellPowerSource(receiver.identity.TypeNumber()) ||
         m_command.RequestBatteryPort(source) == 1) {
         receiver.powerSource = {source, m_command.GetClock().Steady()};
+    }
+    return IsAnswering();
+}
+
+bool ReceiverQuestions::AskTracked(Receiver& receiver)
+{
+    SatelliteList list;
+    // Older receivers know the list in one frame only.
+    if (m_command.RequestSvList(list, SatelliteListForm::Tracked) == 1 ||
+        (IsAnswering() && m_command.RequestSvList(list) == 1)) {
+        receiver.tracked = {std::move(list), m_command.GetClock().Steady()};
     }
     return IsAnswering();
 }

@@ -37,6 +37,8 @@ public:
     /// receiver that does not know the time itself is not asked for it.
     bool AskTime(Receiver& receiver);
     bool AskPowerSource(Receiver& receiver);
+    /// The satellites that it tracks.
+    bool AskTracked(Receiver& receiver);
 
     /// Whether the receiver answered the last question in whatever way.
     [[nodiscard]] bool IsAnswering() const;

@@ -76,7 +76,8 @@ bool StatusPoll::Round()
         BeginConnection();
     }
     Receiver heard = m_link.Heard();
-    const bool isSourceDue = m_rounds++ % kRoundsPerBattery == 0;
+    const bool isSourceDue = m_rounds % kRoundsPerBattery == 0;
+    const bool isSkyDue = m_rounds++ % kRoundsPerSky == 1; // never together
     const Clock::Duration begun = m_command.GetClock().Steady();
     const auto before = heard.powerSource;
     bool isAnswering = m_questions.AskPosition(heard) && m_questions.AskTime(heard);
@@ -90,6 +91,9 @@ bool StatusPoll::Round()
             m_watch.ForgetTrend(); // another battery
         }
         FollowBattery(heard);
+    }
+    if (isAnswering && isSkyDue) {
+        isAnswering = m_questions.AskTracked(heard);
     }
     m_link.Put(std::move(heard));
     return isAnswering;

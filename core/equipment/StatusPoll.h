@@ -12,19 +12,21 @@ namespace fieldcore {
 class CCommand;
 class ReceiverLink;
 
-/// Asks a connected receiver how it is: position and time every two seconds, the power source at
-/// every fifteenth round. The answers go into what the link has heard. It acts only in Tick(),
-/// which the program calls a few times a second, and does nothing while the channel is busy or
-/// somebody holds the link. What the link does not know of who is there is asked once for a
-/// connection, behind the first round: another receiver begins anew, the same one keeps its
-/// history. Tick() comes from the thread of the face that is asked; any thread may look.
+/// Asks a connected receiver how it is: position and time every two seconds, the satellites that it
+/// tracks at every fifth round, the power source at every fifteenth. The answers go into what the
+/// link has heard. It acts only in Tick(), which the program calls a few times a second, and does
+/// nothing while the channel is busy or somebody holds the link. What the link does not know of who
+/// is there is asked once for a connection, behind the first round: another receiver begins anew,
+/// the same one keeps its history. Tick() comes from the thread of the face that is asked; any
+/// thread may look.
 class StatusPoll
 {
 public:
     static constexpr std::chrono::seconds kInterval{2};
     /// Between rounds of a receiver that keeps silent.
     static constexpr std::chrono::seconds kLongestPause{16};
-    static constexpr int kRoundsPerBattery = 15;
+    static constexpr unsigned kRoundsPerBattery = 15;
+    static constexpr unsigned kRoundsPerSky = 5;
 
     /// @param command  not owned, must outlive the object, as must the next two
     /// @param clock    that is set by the receiver's time; null: the system's, if that is allowed

@@ -3,6 +3,7 @@
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace fieldcore {
 
@@ -28,6 +29,32 @@ std::vector<StatusRow> StatusRowsOf(const Receiver& receiver, const StatusView& 
         }
     }
     return rows;
+}
+
+std::vector<std::wstring> BrokenLimits(const Receiver& receiver, const StatusView& view)
+{
+    std::vector<std::wstring> broken;
+    const auto fresh = [&](std::string_view key) {
+        const ReceiverField& field = FieldOf(key);
+        return IsStale(field, receiver, view) ? std::nullopt : ReadField(field, receiver, view);
+    };
+    if (!view.limits) {
+        return broken;
+    }
+    const auto shown = [](double pdop) { return std::lround(pdop * 10.0); }; // with one decimal
+    if (const auto pdop = fresh("pdop");
+        pdop && shown(std::get<double>(*pdop)) > shown(view.limits->pdop)) {
+        broken.push_back(FormatText(text::kLimitPdop,
+                                    FieldText(FieldOf("pdop"), receiver, view).c_str(),
+                                    view.limits->pdop));
+    }
+    if (const auto above = fresh("satellitesAboveMask");
+        above && std::get<std::int64_t>(*above) < view.limits->satellites) {
+        broken.push_back(FormatText(text::kLimitSatellites, view.limits->maskDeg,
+                                    static_cast<int>(std::get<std::int64_t>(*above)),
+                                    view.limits->satellites));
+    }
+    return broken;
 }
 
 std::wstring BatteryText(const Receiver& receiver, const StatusView& view)

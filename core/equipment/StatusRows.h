@@ -23,6 +23,11 @@ struct StatusRow
 /// The lines, always the same ones in the same order: the position, then the rest.
 [[nodiscard]] std::vector<StatusRow> StatusRowsOf(const Receiver& receiver, const StatusView& view);
 
+/// What the survey's limits are broken by now, a line each: nothing where all is well, where a
+/// value is not known or not fresh, and without limits.
+[[nodiscard]] std::vector<std::wstring> BrokenLimits(const Receiver& receiver,
+                                                     const StatusView& view);
+
 /// The charge with its source for a status bar.
 [[nodiscard]] std::wstring BatteryText(const Receiver& receiver, const StatusView& view);
 /// The charge in percent; nothing if it is not known.

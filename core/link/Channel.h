@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/host/Host.h"
+#include "core/link/Receiver.h"
 #include "core/link/SerialLink.h"
 #include "core/platform/AutoResetEvent.h"
 #include "core/platform/Clock.h"
@@ -28,6 +29,13 @@ struct ChannelSurroundings
     std::function<std::unique_ptr<SerialDevice>()> makeDevice;
 };
 
+/// What is known of the receiver at the other end of a line, and the lock that guards it.
+struct KnownReceiver
+{
+    mutable std::mutex mutex;
+    Receiver receiver; // guarded by mutex
+};
+
 /// The line to a receiver: its port, whose turn it is to use it, and what is known of answers that
 /// may still come. One owner at a time: everything is said and heard in a ChannelTurn. Any thread.
 class Channel
@@ -50,6 +58,9 @@ public:
     [[nodiscard]] int PortNumber() const { return m_portNumber; }
     /// Of the open port, bit/s; 0 if none is open.
     [[nodiscard]] std::uint32_t BaudRate() const { return m_baudRate; }
+
+    /// One for the line: whoever asks the receiver puts the answers here.
+    [[nodiscard]] KnownReceiver& Known() { return m_known; }
 
     /// Sees what passes the ports that are opened, see LineObserver. Empty: nobody does.
     void SetObserver(LineObserver observer);
@@ -108,6 +119,7 @@ private:
     LinkError m_linkError = LinkError::None;
     std::string m_deviceFault;
 
+    KnownReceiver m_known;
     std::atomic<bool> m_isOpen = false;
     std::atomic<int> m_portNumber = 0;
     std::atomic<std::uint32_t> m_baudRate = 0;

@@ -71,6 +71,20 @@ Questions& CCommand::Background()
     return *m_questions;
 }
 
+Receiver CCommand::Heard() const
+{
+    const KnownReceiver& known = m_channel->Known();
+    const std::scoped_lock lock(known.mutex);
+    return known.receiver;
+}
+
+void CCommand::Hear(const std::function<void(Receiver& known)>& put)
+{
+    KnownReceiver& known = m_channel->Known();
+    const std::scoped_lock lock(known.mutex);
+    put(known.receiver);
+}
+
 // The port.
 
 int CCommand::OpenPort(int portNumber, const PortSettings& settings)

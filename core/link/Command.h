@@ -73,6 +73,13 @@ public:
     [[nodiscard]] Questions& Background();
     [[nodiscard]] bool HasBackground() const { return m_questions != nullptr; }
 
+    // What is known of the receiver at the other end, one value for all faces of the line; who asks
+    // puts the answers there, in one go for each. Any thread.
+
+    [[nodiscard]] Receiver Heard() const;
+    void Hear(const std::function<void(Receiver& known)>& put);
+    [[nodiscard]] KnownReceiver& Known() const { return m_channel->Known(); }
+
     // The port. Close an open one before opening it with other parameters.
 
     /// @param portNumber  1 for COM1 and so on

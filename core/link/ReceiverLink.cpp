@@ -13,6 +13,15 @@
 
 namespace fieldcore {
 
+ReceiverLink::ReceiverLink(CCommand& command) : ReceiverLink(command, command.Known()) {}
+
+ReceiverLink::ReceiverLink(CCommand& command, KnownReceiver& known)
+    : m_command(command), m_mutex(known.mutex), m_heard(known.receiver)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_heard = {};
+}
+
 int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
 {
     if (m_isTicking && m_command.IsBusy()) {

@@ -16,6 +16,7 @@ namespace fieldcore {
 
 class CCommand;
 class CConnect;
+struct KnownReceiver;
 
 /// What the user has to be asked before the link goes on.
 enum class LinkQuestion
@@ -41,8 +42,8 @@ enum class LinkQuestion
 /// not kept. No tick asks the user: it leaves a Question(), and the program calls AskUser() from
 /// where a message may be shown.
 ///
-/// It owns what is known of the receiver. The last values outlive a loss; another receiver, or the
-/// end of the connection, leaves nothing of them.
+/// It decides how long that counts which the line knows of the receiver: the last values outlive a
+/// loss; another receiver, or the end of the connection, leaves nothing of them.
 class ReceiverLink
 {
 public:
@@ -66,8 +67,9 @@ public:
         ReceiverLink& m_link;
     };
 
+    /// What is known of the receiver at the other end of @p command begins anew.
     /// @param command  not owned; must outlive this object
-    explicit ReceiverLink(CCommand& command) : m_command(command) {}
+    explicit ReceiverLink(CCommand& command);
 
     // The thread of the command channel.
 
@@ -103,7 +105,7 @@ public:
     [[nodiscard]] ConnectTarget Target() const;
     /// What is known of the receiver; who it is outlives the connection.
     [[nodiscard]] Receiver Heard() const;
-    /// Whoever else asks it puts the answers here, from the thread that ticks. The state of the
+    /// Whoever asks in rounds puts all of it back, from the thread that ticks. The state of the
     /// link stays as it is.
     void Put(Receiver heard);
     /// How long until the next attempt to get the link back; nothing unless lost, and while the
@@ -122,6 +124,8 @@ public:
     void SetObserver(std::function<void()> observer) { m_observer = std::move(observer); }
 
 private:
+    ReceiverLink(CCommand& command, KnownReceiver& known);
+
     void Poll(CCommand& asking);
     void Lose(CCommand& asking, Clock::Duration pause);
     void TryAgain(CCommand& asking);
@@ -147,9 +151,9 @@ private:
     std::function<void()> m_observer;
 
     // Changed while nobody else acts; guarded for those who look.
-    mutable std::mutex m_mutex;
+    std::mutex& m_mutex; // of the line
+    Receiver& m_heard;   // the line's
     ConnectTarget m_target;
-    Receiver m_heard;
     LinkQuestion m_question = LinkQuestion::None;
     Clock::Duration m_due{}; // of the next question or attempt
     Clock::Duration m_pause{};

@@ -67,6 +67,12 @@ bool LiveSkyPoll::Poll(CCommand& command)
         return false;
     }
     const Clock::Duration readAt = m_clock.Steady();
+    command.Hear([&](Receiver& known) {
+        known.tracked = {reading.tracked, readAt};
+        known.inView = m_hasFrames
+                           ? std::optional(TimedValue<SatelliteList>{reading.inView, readAt})
+                           : std::nullopt;
+    });
     ReadUsed(reading);
     Predict(reading);
     m_now.sky.Take(reading, readAt);

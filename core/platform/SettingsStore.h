@@ -66,6 +66,15 @@ struct SettingsNotice
     [[nodiscard]] std::string Words() const;
 };
 
+/// Why something could not be stored.
+enum class StoringFault
+{
+    Unknown,
+    InUse,    ///< another program kept the settings too long
+    Full,     ///< no room on the disk
+    ReadOnly, ///< the file, or its disk, takes nothing
+};
+
 /// The settings below one root: a tree of keys, each with named values. Keys are written with
 /// backslashes between the names of the path; empty names do not count, so that "GPS\Com" and
 /// "GPS\Com\" are the same key, and the empty path is the root's own key, which is always there.
@@ -112,6 +121,9 @@ public:
 
     /// Whether what is written outlasts the program; false where nothing can be written.
     [[nodiscard]] virtual bool IsKept() const = 0;
+
+    /// Of the last write that failed.
+    [[nodiscard]] virtual StoringFault LastFault() const { return StoringFault::Unknown; }
 
     /// What the user should know about the store; told once, then nothing.
     [[nodiscard]] virtual SettingsNotice TakeNotice() = 0;

@@ -142,6 +142,23 @@ void BindValue(SqliteStatement& statement, const SettingsValue& value, std::stri
     }
 }
 
+StoringFault FaultOf(int code)
+{
+    switch (code) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return StoringFault::InUse;
+    case SQLITE_FULL:
+        return StoringFault::Full;
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+    case SQLITE_CANTOPEN:
+        return StoringFault::ReadOnly;
+    default:
+        return StoringFault::Unknown;
+    }
+}
+
 } // namespace
 
 struct SqliteSettingsStore::Database
@@ -169,6 +186,14 @@ struct SqliteSettingsStore::Database
 
     SqliteStatement& operator[](Query query) { return statements[static_cast<std::size_t>(query)]; }
 
+    /// Runs a statement that stores, and keeps why it could not.
+    bool Store(SqliteStatement& statement)
+    {
+        const bool done = statement.Run();
+        fault = done ? fault : FaultOf(sqlite3_errcode(handle.get()));
+        return done;
+    }
+
     [[nodiscard]] bool InTransaction() const { return sqlite3_get_autocommit(handle.get()) == 0; }
 
     /// Runs @p work, in a transaction of its own if no batch is open. Half of the work is never
@@ -179,10 +204,10 @@ struct SqliteSettingsStore::Database
         if (InTransaction()) {
             return work();
         }
-        if (!(*this)[Query::Begin].Run()) {
+        if (!Store((*this)[Query::Begin])) {
             return false;
         }
-        if (work() && (*this)[Query::Commit].Run()) {
+        if (work() && Store((*this)[Query::Commit])) {
             return true;
         }
         // SQLite has already rolled back after some errors, such as a full disk.
@@ -230,7 +255,7 @@ struct SqliteSettingsStore::Database
             const std::wstring part = path.substr(0, end);
             const std::string folded = Folded(part);
             const std::string shown = ToUtf8(part);
-            if (!make.Bind(1, folded).Bind(2, shown).Run()) {
+            if (!Store(make.Bind(1, folded).Bind(2, shown))) {
                 return false;
             }
         }
@@ -250,6 +275,7 @@ struct SqliteSettingsStore::Database
 
     SqliteHandle handle;
     SettingsNotice notice;
+    StoringFault fault = StoringFault::Unknown; // of the last write that failed
     std::optional<KnownKey> lastKey;
     std::array<SqliteStatement, kQueryCount> statements; // last, so that they go before the handle
 };
@@ -311,7 +337,7 @@ bool SqliteSettingsStore::Set(std::wstring_view key, std::wstring_view name,
         SqliteStatement& set = (*m_database)[Query::Set];
         set.Bind(1, foldedKey).Bind(2, foldedName).Bind(3, shownName);
         BindValue(set, value, utf8);
-        return set.Run();
+        return m_database->Store(set);
     };
     if (!store()) {
         return false;
@@ -397,6 +423,11 @@ bool SqliteSettingsStore::IsKept() const
     return file != nullptr && *file != '\0'; // memory has no name
 }
 
+StoringFault SqliteSettingsStore::LastFault() const
+{
+    return m_database->fault;
+}
+
 SettingsNotice SqliteSettingsStore::TakeNotice()
 {
     return std::exchange(m_database->notice, {});
@@ -404,12 +435,12 @@ SettingsNotice SqliteSettingsStore::TakeNotice()
 
 bool SqliteSettingsStore::Begin()
 {
-    return !m_database->InTransaction() && (*m_database)[Query::Begin].Run();
+    return !m_database->InTransaction() && m_database->Store((*m_database)[Query::Begin]);
 }
 
 bool SqliteSettingsStore::Commit()
 {
-    if ((*m_database)[Query::Commit].Run()) {
+    if (m_database->Store((*m_database)[Query::Commit])) {
         return true;
     }
     Rollback();

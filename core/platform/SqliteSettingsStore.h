@@ -34,6 +34,7 @@ public:
     [[nodiscard]] std::optional<std::vector<std::wstring>> Keys(std::wstring_view key) override;
     [[nodiscard]] std::optional<std::vector<NamedSetting>> Values(std::wstring_view key) override;
     [[nodiscard]] bool IsKept() const override;
+    [[nodiscard]] StoringFault LastFault() const override;
     [[nodiscard]] SettingsNotice TakeNotice() override;
 
 protected:

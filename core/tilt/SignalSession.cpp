@@ -2,33 +2,47 @@
 
 namespace fieldcore {
 
-void SignalSession::Open()
+SignalAnswers SignalSession::Ask(CCommand& command)
 {
-    m_isLocked = false;
+    SignalAnswers answers;
+    answers.hasPort = command.IsPortOpen() != 0;
+    if (!answers.hasPort) {
+        return answers;
+    }
+    answers.typeNumber = GetRecvTypeNum(command);
+    constexpr std::size_t kLock = 2;
+    SettingsFlags flags{};
+    answers.isLocked = command.RequestSettingsFlags(flags) == 1 && flags[kLock] != 0;
+    if (!answers.isLocked) {
+        answers.isRead = answers.info.GetOptionData(command) == 1;
+        answers.isSilent = ClassOf(command.Fault()) != FaultClass::Answered;
+    }
+    return answers;
+}
+
+void SignalSession::Open(const SignalAnswers& answers)
+{
+    m_isLocked = answers.isLocked;
     m_isKnown = false;
-    m_typeNumber = 0;
+    m_typeNumber = answers.typeNumber;
     m_info = CRecvInfo();
     m_enabled = SignalSet();
     m_checked = SignalSet();
-    if (m_command == nullptr) {
-        return;
-    }
-    m_typeNumber = GetRecvTypeNum(*m_command);
     const SignalSet kept = LoadSignals(m_reg, m_typeNumber);
-    constexpr std::size_t kLock = 2;
-    SettingsFlags flags{};
-    if (m_command->RequestSettingsFlags(flags) == 1 && flags[kLock] != 0) {
-        m_isLocked = true;
+    if (m_isLocked) {
         m_checked = kept;
         return;
     }
-    if (m_info.GetOptionData(*m_command) == 0) {
-        m_info = CRecvInfo(); // a part of it would send a part of the choice
+    if (!answers.hasPort) {
+        return;
+    }
+    if (!answers.isRead) { // a part of it would send a part of the choice
         for (const Signal signal : kAllSignals) {
             m_enabled.Set(signal, true);
         }
         return;
     }
+    m_info = answers.info;
     m_isKnown = m_info.GetRecvTypeNum() != 0; // without a port there is nothing to read
     m_enabled = SignalsOf(m_info);
     for (const Signal signal : kAllSignals) {

@@ -10,6 +10,20 @@
 
 namespace fieldcore {
 
+/// What a receiver says of its signals.
+struct SignalAnswers
+{
+    /// An open port without an answer.
+    [[nodiscard]] bool IsSilent() const { return hasPort && !isRead && isSilent; }
+
+    bool hasPort = false;
+    bool isLocked = false;        ///< an application file in the receiver fixes the signals
+    bool isRead = false;          ///< the options
+    bool isSilent = false;        ///< what was asked last brought nothing
+    std::uint32_t typeNumber = 0; ///< 0 if the receiver did not tell
+    CRecvInfo info;
+};
+
 /// The choice of signals from opening to agreeing: what the receiver has, whether the choice is
 /// free, what was kept for this receiver type, and what goes to the receiver. The thread of the
 /// command channel.
@@ -20,9 +34,13 @@ public:
     /// @param reg      one that starts at the library's own key
     SignalSession(CCommand* command, const CReg& reg) : m_command(command), m_reg(reg) {}
 
-    /// Asks the receiver and reads what is kept. Where its options cannot be read, all signals are
-    /// free to choose and none is chosen; without an open port there are none.
-    void Open();
+    /// Asks the receiver. The thread of its face.
+    [[nodiscard]] static SignalAnswers Ask(CCommand& command);
+    /// Takes what it said, and reads what is kept. Where its options cannot be read, all signals
+    /// are free to choose and none is chosen; without an open port there are none.
+    void Open(const SignalAnswers& answers);
+    /// Both.
+    void Open() { Open(m_command != nullptr ? Ask(*m_command) : SignalAnswers()); }
 
     /// An application file in the receiver fixes the signals: nothing can be chosen.
     [[nodiscard]] bool IsLocked() const { return m_isLocked; }

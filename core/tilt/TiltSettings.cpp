@@ -3,6 +3,7 @@
 #include "core/host/MesBox.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/NotKept.h"
 #include "core/tilt/Bubble.h"
 #include "core/tilt/BubbleConfig.h"
 
@@ -40,24 +41,70 @@ bool TiltSettings::Refresh()
     if (m_command != nullptr && m_command->IsBusy()) {
         return false;
     }
-    Take(m_command != nullptr ? AskTilt(*m_command, true) : TiltHeard());
+    Take(m_command != nullptr ? AskTilt(*m_command, true) : TiltState::NoReceiver);
     return true;
 }
 
-void TiltSettings::Take(const TiltHeard& heard)
+void TiltSettings::Take(TiltState state)
 {
-    m_reading = heard.reading;
-    m_record = heard.record;
+    if (state != TiltState::NotAsked) {
+        m_state = state;
+    }
+}
+
+std::optional<TiltReading> TiltSettings::Reading() const
+{
+    if (m_command == nullptr || (m_state != TiltState::Heard && m_state != TiltState::Absent)) {
+        return std::nullopt;
+    }
+    const auto told = m_command->Heard().tilt;
+    return told ? std::optional(told->value) : std::nullopt;
+}
+
+std::optional<TiltCalibration> TiltSettings::Record() const
+{
+    const auto told = Reading() ? m_command->Heard().calibration : std::nullopt;
+    return told ? std::optional(told->value) : std::nullopt;
 }
 
 std::wstring TiltSettings::Remain() const
 {
-    return RemainText(RemainingSeconds(m_record, m_reading));
+    return RemainText(RemainingSeconds(Record(), Reading()));
 }
 
 int TiltSettings::StatusTextId() const
 {
-    return CalibrationTextId(m_reading, LastRun());
+    return CalibrationTextId(Reading(), LastRun());
+}
+
+int TiltSettings::NoticeTextId() const
+{
+    switch (m_state) {
+    case TiltState::NotAsked:
+        return text::kTiltAsking;
+    case TiltState::NoReceiver:
+        return text::kTiltNoReceiver;
+    case TiltState::Silent:
+        return text::kTiltSilent;
+    case TiltState::NotBuiltIn:
+    case TiltState::Absent:
+        return text::kTiltNoSensor;
+    case TiltState::Heard:
+        break;
+    }
+    return 0;
+}
+
+bool TiltSettings::HasSensor() const
+{
+    return m_state == TiltState::Heard || m_state == TiltState::Silent ||
+           m_state == TiltState::NotAsked;
+}
+
+void TiltSettings::Store() const
+{
+    Host& host = m_command != nullptr ? m_command->GetHost() : DefaultHost();
+    KeptOrTold(eBubbleConfig::SaveBubbleData(m_reg), text::kNotKeptBubble, host, m_reg);
 }
 
 int TiltSettings::ChooseSensitivity(int place)
@@ -67,7 +114,7 @@ int TiltSettings::ChooseSensitivity(int place)
             SensitivityChoices()[static_cast<std::size_t>(place)].value) == 0) {
         return 0;
     }
-    eBubbleConfig::SaveBubbleData(m_reg);
+    Store();
     return 1;
 }
 
@@ -81,7 +128,7 @@ int TiltSettings::ChooseSpeed(int place)
     if (m_command != nullptr) {
         m_command->SetTiltSpeed(eBubbleConfig::GetBubbleViscosity());
     }
-    eBubbleConfig::SaveBubbleData(m_reg);
+    Store();
     return 1;
 }
 
@@ -91,7 +138,7 @@ int TiltSettings::EnterDuration(const std::wstring& text)
     if (!(toleranceM > 0.0) || eBubbleConfig::SetBubbleDuration(toleranceM) == 0) {
         return 0;
     }
-    eBubbleConfig::SaveBubbleData(m_reg);
+    Store();
     return 1;
 }
 

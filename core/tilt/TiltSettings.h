@@ -3,8 +3,8 @@
 #include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "core/settings/Reg.h"
-#include "core/tilt/BubblePoll.h"
 #include "core/tilt/CalibrationStatus.h"
+#include "core/tilt/TiltQuestion.h"
 
 #include <optional>
 #include <string>
@@ -13,8 +13,9 @@ namespace fieldcore {
 
 /// The state of the tilt sensor's calibration and the settings of the bubble, from opening their
 /// screen to closing it. Settings go to eBubbleConfig, are stored when they changed, and go to the
-/// receiver where it keeps them too; whether it took them is not told. The thread of the command
-/// channel.
+/// receiver where it keeps them too; whether it took them is not told, but whether they could be
+/// stored is. What the sensor says stays in what is known of the receiver. The thread of the
+/// command channel.
 class TiltSettings
 {
 public:
@@ -30,13 +31,19 @@ public:
     /// nothing changes.
     /// @return false in that case
     bool Refresh();
-    /// What was asked elsewhere, in place of Refresh().
-    void Take(const TiltHeard& heard);
+    /// What came of asking elsewhere, in place of Refresh().
+    void Take(TiltState state);
     /// Of the last Refresh().
+    [[nodiscard]] TiltState State() const { return m_state; }
     [[nodiscard]] std::wstring Remain() const;
     [[nodiscard]] int StatusTextId() const;
-    [[nodiscard]] const std::optional<TiltReading>& Reading() const { return m_reading; }
-    [[nodiscard]] const std::optional<TiltCalibration>& Record() const { return m_record; }
+    /// Why there is nothing to say of the calibration, a number of the string table; 0: there is.
+    [[nodiscard]] int NoticeTextId() const;
+    /// Whether a calibration can be tried.
+    [[nodiscard]] bool HasSensor() const;
+    /// Nothing if the last Refresh() brought none.
+    [[nodiscard]] std::optional<TiltReading> Reading() const;
+    [[nodiscard]] std::optional<TiltCalibration> Record() const;
 
     // What the user chooses or types. Places are those of the lists in CalibrationStatus.h;
     // others change nothing. Each answers 1 if the value changed.
@@ -57,10 +64,11 @@ public:
     [[nodiscard]] static LastCalibrationRun& LastRun();
 
 private:
+    void Store() const;
+
     CCommand* const m_command;
     const CReg& m_reg;
-    std::optional<TiltReading> m_reading;
-    std::optional<TiltCalibration> m_record;
+    TiltState m_state = TiltState::NotAsked;
 };
 
 } // namespace fieldcore

@@ -32,10 +32,9 @@ struct Field
     bool (*isGood)(int);
 };
 
-bool IsSwitch(int value)
-{
-    return value == 0 || value == 1;
-}
+constexpr const wchar_t* kTracking = L"GPS\\Tracking";
+constexpr const wchar_t* kSurvey = L"Survey";
+constexpr const wchar_t* kMsas = L"MSAS";
 
 constexpr Field kFields[] = {
     {L"Interval", &CGPSPrm::GetIntervalData, &CGPSPrm::SetIntervalData,
@@ -50,17 +49,22 @@ constexpr Field kFields[] = {
      [](int v) { return v >= 1 && v <= kMostEpochs; }},
     {L"MinSVs", &CGPSPrm::GetMinSVsData, &CGPSPrm::SetMinSVsData,
      [](int v) { return v >= kLeastSatellites && v < kLeastSatellites + 6; }},
-    {L"L2C", &CGPSPrm::GetL2CData, &CGPSPrm::SetL2CData, IsSwitch},
-    {L"MSAS", &CGPSPrm::GetMSASData, &CGPSPrm::SetMSASData, IsSwitch},
-    {L"Glonass", &CGPSPrm::GetGLONASSData, &CGPSPrm::SetGLONASSData, IsSwitch},
-    {L"Qzss", &CGPSPrm::GetQZSSData, &CGPSPrm::SetQZSSData, IsSwitch},
-    {L"L5", &CGPSPrm::GetL5Data, &CGPSPrm::SetL5Data, IsSwitch},
-    {L"Galileo", &CGPSPrm::GetGalileoData, &CGPSPrm::SetGalileoData, IsSwitch},
+    {kMsas, &CGPSPrm::GetMSASData, &CGPSPrm::SetMSASData, [](int v) { return v == 0 || v == 1; }},
 };
 
 std::wstring KeyOf(const SurveyKind& kind)
 {
-    return std::wstring(L"GPS\\Tracking\\") + SectionOf(kind);
+    return std::wstring(kTracking) + L"\\" + SectionOf(kind);
+}
+
+void TakeSignals(CGPSPrm& parameters, const SignalSet& chosen)
+{
+    const auto isUsed = [&chosen](Signal signal) { return chosen.Has(signal) ? 1 : 0; };
+    parameters.SetL2CData(isUsed(Signal::L2c));
+    parameters.SetGLONASSData(isUsed(Signal::Glonass));
+    parameters.SetQZSSData(isUsed(Signal::Qzss));
+    parameters.SetGalileoData(isUsed(Signal::Galileo));
+    parameters.SetL5Data(isUsed(Signal::L5));
 }
 
 } // namespace
@@ -84,17 +88,15 @@ void ResetTracking(CGPSPrm& parameters, const SurveyKind& kind)
     parameters.SetSvEpochData(10);
     parameters.SetMinSVsData(5);
     parameters.SetPDOPMaskData(7.0);
-    parameters.SetL2CData(0);
     parameters.SetMSASData(0);
-    parameters.SetGLONASSData(1);
-    parameters.SetQZSSData(1);
-    parameters.SetL5Data(0);
-    parameters.SetGalileoData(1);
+    TakeSignals(parameters, SignalSet());
 }
 
-void LoadTracking(const CReg& reg, const SurveyKind& kind, CGPSPrm& parameters)
+void LoadTracking(const CReg& reg, const SurveyKind& kind, std::uint32_t typeNumber,
+                  CGPSPrm& parameters)
 {
     ResetTracking(parameters, kind);
+    TakeSignals(parameters, LoadSignals(reg, typeNumber));
     const std::wstring key = KeyOf(kind);
     for (const Field& field : kFields) {
         std::uint32_t stored = 0;
@@ -129,6 +131,23 @@ int SaveTracking(const CReg& reg, const SurveyKind& kind, const CGPSPrm& paramet
         return 0;
     }
     return batch.Commit() ? 1 : 0;
+}
+
+std::size_t LoadSurvey(const CReg& reg)
+{
+    std::wstring section;
+    reg.ReadString(kTracking, kSurvey, section, L"");
+    for (std::size_t i = 0; i < AllSurveys().size(); ++i) {
+        if (section == SectionOf(AllSurveys()[i])) {
+            return i;
+        }
+    }
+    return 0;
+}
+
+int SaveSurvey(const CReg& reg, std::size_t place)
+{
+    return reg.WriteString(kTracking, kSurvey, SectionOf(AllSurveys()[place]));
 }
 
 } // namespace fieldcore

@@ -2,6 +2,7 @@
 
 #include "core/settings/Reg.h"
 #include "core/tilt/GPSPrm.h"
+#include "core/tilt/SignalChoice.h"
 
 #include <cstdint>
 #include <span>
@@ -9,7 +10,8 @@
 namespace fieldcore {
 
 // The tracking parameters of every survey type, kept in the keys "GPS\Tracking\SECTION" below the
-// library's own. The sections are those of CParts.
+// library's own. The sections are those of CParts. The signals are not among them: they are those
+// of the receiver, see SignalChoice.h. One of the surveys is the one that is run.
 
 /// A survey type with a set of parameters of its own.
 struct SurveyKind
@@ -33,15 +35,22 @@ inline constexpr double kLeastPdop = 1.0;
 inline constexpr double kMostPdop = 99.0;
 
 /// What a new user has: interval 1 (post-processing 15) s, mask 15 degrees, 10 epochs, 5
-/// satellites, PDOP 7.0, all constellations but MSAS, no L2C and L5.
+/// satellites, PDOP 7.0, no signals.
 void ResetTracking(CGPSPrm& parameters, const SurveyKind& kind);
 
 /// Values that are missing, of another type or out of their bounds are those of a new user.
-/// @param reg  one that starts at the library's own key
-void LoadTracking(const CReg& reg, const SurveyKind& kind, CGPSPrm& parameters);
+/// @param reg         one that starts at the library's own key
+/// @param typeNumber  of the receiver, whose chosen signals are taken; 0: none
+void LoadTracking(const CReg& reg, const SurveyKind& kind, std::uint32_t typeNumber,
+                  CGPSPrm& parameters);
 
-/// Stores the whole set or nothing.
+/// Stores the whole set but its signals, or nothing.
 /// @return 1, or 0 if it could not be stored
 int SaveTracking(const CReg& reg, const SurveyKind& kind, const CGPSPrm& parameters);
+
+/// The survey that is run, a place in AllSurveys(); the first one for a new user.
+[[nodiscard]] std::size_t LoadSurvey(const CReg& reg);
+/// @return 1, or 0 if it could not be stored
+int SaveSurvey(const CReg& reg, std::size_t place);
 
 } // namespace fieldcore

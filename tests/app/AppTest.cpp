@@ -7,6 +7,7 @@
 #include "app/StatusStrip.h"
 #include "core/equipment/StatusRows.h"
 #include "tests/core/equipment/KnownReceiver.h"
+#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/IconButton.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
@@ -160,6 +161,25 @@ TEST(Screens, ShowWhatTheFieldsSay)
                                      field.field->textId == text::kStatusFix;
             EXPECT_TRUE(isElsewhere || shown.contains(ToQt(field.value))) << field.field->key;
         }
+    }
+}
+
+TEST(Screens, WarnWhenTheSurveysLimitsAreBroken)
+{
+    for (const bool isBroken : {false, true}) {
+        HomeState state = KnownState();
+        state.view.limits = ObservingLimits{15, 5, isBroken ? 1.5 : 2.0};
+        StatusStrip strip;
+        StatusPage page;
+        strip.resize(480, 64);
+        page.resize(480, 640);
+        strip.Show(state);
+        page.Show(state.receiver, {}, state.view);
+        const QString words = QStringLiteral("▲ 観測条件外：PDOP 2.0（制限 1.5）");
+        EXPECT_EQ(WordsOf<QLabel>(strip).contains(words), isBroken);
+        EXPECT_EQ(WordsOf<QLabel>(page).contains(words), isBroken);
+        KeepPicture(strip, QStringLiteral("limits-strip"));
+        KeepPicture(page, QStringLiteral("limits-page"));
     }
 }
 

@@ -12,6 +12,7 @@
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
 #include "core/platform/Utf8.h"
+#include "core/tilt/TrackingSettings.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/core/equipment/KnownReceiver.h"
@@ -22,6 +23,10 @@
 #include "ui/controls/IconButton.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/controls/SpinDouble.h"
+#include "ui/controls/UiText.h"
+#include "ui/planning/PlanDet.h"
+#include "ui/planning/PlanSet.h"
 #include "ui/planning/PlanWindowList.h"
 #include "ui/planning/SurveyPlan.h"
 #include "ui/tilt/BubbleView.h"
@@ -35,7 +40,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -62,6 +69,13 @@ public:
                 if (page != m_page) {
                     m_page = page;
                     m_pages.append(QString::fromLatin1(page->metaObject()->className()));
+                    const auto buttons = page->findChildren<QToolButton*>();
+                    m_hasSwitches =
+                        m_hasSwitches &&
+                        (qobject_cast<MessageDlg*>(page) != nullptr ||
+                         std::any_of(buttons.begin(), buttons.end(), [](const QToolButton* b) {
+                             return b->isVisible() && b->text() == UiText(text::kBubbleTitle);
+                         }));
                 }
                 QTest::keyClick(page, Qt::Key_Escape);
             }
@@ -71,12 +85,15 @@ public:
 
     /// Class of the first page that was in front.
     [[nodiscard]] QString First() const { return m_pages.value(0); }
+    /// Whether the bubble could be switched on every page but the messages.
+    [[nodiscard]] bool HasSwitches() const { return m_hasSwitches; }
     /// On how many pages it was pressed.
     [[nodiscard]] int Count() const { return static_cast<int>(m_pages.size()); }
 
 private:
     QTimer m_timer;
     QPointer<QWidget> m_page; // the last one
+    bool m_hasSwitches = true;
     QStringList m_pages;
 };
 
@@ -207,6 +224,7 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
             Q_EMIT window.Chosen(row.choice);
             EXPECT_EQ(esc.First().toStdString(), std::string("fieldcore::") + page);
             EXPECT_LE(esc.Count(), 3) << "one page after another";
+            EXPECT_TRUE(esc.HasSwitches());
             EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
             EXPECT_TRUE(window.isVisible() && window.isEnabled());
             EXPECT_FALSE(controller.Command().IsBusy());
@@ -221,6 +239,88 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
             }
         }
     }
+}
+
+TEST_F(SessionTest, ThePlanTakesTheSurveysConditionsOver)
+{
+    Controller controller(Options(QStringLiteral("sim:lark")));
+    controller.Begin();
+    CGPSPrm parameters(controller.Roots());
+    ResetTracking(parameters, AllSurveys()[5]);
+    parameters.SetElMaskData(25);
+    parameters.SetMinSVsData(6);
+    parameters.SetPDOPMaskData(3.5);
+    ASSERT_EQ(SaveTracking(controller.Reg(), AllSurveys()[5], parameters), 1);
+    ASSERT_EQ(SaveSurvey(controller.Reg(), 5), 1);
+    controller.ReadLimits();
+    EXPECT_EQ(controller.View().limits, (ObservingLimits{25, 6, 3.5}));
+    CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, nullptr));
+    CPlanSet set(plan);
+    CPlanDet details(plan);
+    for (QWidget* page : {static_cast<QWidget*>(&set), static_cast<QWidget*>(&details)}) {
+        for (QPushButton* button : page->findChildren<QPushButton*>()) {
+            if (button->text() == UiText(text::kPlanTakeConditions)) {
+                button->click();
+            }
+        }
+    }
+    EXPECT_EQ(set.findChildren<CSpinDouble*>().value(0)->GetValue(), 25.0);
+    EXPECT_EQ(details.findChildren<CSpinDouble*>().value(0)->GetValue(), 6.0);
+    EXPECT_EQ(details.findChildren<CSpinDouble*>().value(1)->GetValue(), 3.5);
+}
+
+TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
+{
+    AppOptions options = Options(QStringLiteral("sim:tilted"));
+    options.speed = 1.0;
+    Controller controller(options);
+    controller.Begin();
+    Session session(controller);
+    MainWindow& window = session.Window();
+    window.resize(480, 640);
+    window.show();
+    const auto isShown = [] {
+        return TiltSensorDlg::Instance() != nullptr && TiltSensorDlg::Instance()->isVisible();
+    };
+    const auto choose = [&window](MainWindow::Choice choice) {
+        EscapeKey esc;
+        Q_EMIT window.Chosen(choice);
+    };
+    for (const QSize size : {QSize(1280, 800), QSize(480, 640)}) {
+        TiltSensorDlg::ShutDown();
+        TiltSensorDlg::ForgetPlace();
+        window.resize(size);
+        QCoreApplication::processEvents();
+        choose(MainWindow::kBubble);
+        ASSERT_TRUE(isShown());
+        QCoreApplication::processEvents();
+        for (const CIconButton* button : window.findChildren<CIconButton*>()) {
+            const QRect place(button->mapToGlobal(QPoint()), button->size());
+            EXPECT_FALSE(place.intersects(TiltSensorDlg::Instance()->frameGeometry()))
+                << button->accessibleName().toStdString();
+        }
+        KeepPicture(window, *TiltSensorDlg::Instance(),
+                    QStringLiteral("bubble-home-%1").arg(size.width()));
+    }
+    EXPECT_EQ(TiltSensorDlg::Instance()->View()->accessibleDescription(),
+              UiText(text::kBubbleStale))
+        << "there is no receiver";
+    std::wstring fault;
+    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 10000));
+    for (const MainWindow::Choice page :
+         {MainWindow::kStatus, MainWindow::kTracking, MainWindow::kTilt}) {
+        choose(page);
+        EXPECT_TRUE(isShown()) << static_cast<int>(page);
+    }
+    TiltSensorDlg::Instance()->Close(Dialog::kCancelled);
+    choose(MainWindow::kTilt);
+    EXPECT_FALSE(isShown()) << "the user has closed it";
+    choose(MainWindow::kBubble);
+    EXPECT_TRUE(isShown());
+    choose(MainWindow::kBubble);
+    EXPECT_FALSE(isShown());
 }
 
 /// The cable comes off while a page is open, and is put back when the page has been left.

@@ -1,6 +1,7 @@
 #include "ui/controls/Dialog.h"
 
 #include "core/host/Host.h"
+#include "ui/controls/PageAction.h"
 #include "ui/controls/UiText.h"
 
 #include <QCloseEvent>
@@ -57,6 +58,9 @@ QBoxLayout* Dialog::MakeOkCancel()
     auto* const row = new QHBoxLayout;
     row->setContentsMargins(kMargin, 0, kMargin, 0);
     row->setSpacing(kGrid);
+    if (QWidget* const button = MakePageButton()) {
+        row->addWidget(button);
+    }
     row->addStretch(1);
     for (const bool isOk : {false, true}) {
         auto* const button = new QPushButton(UiText(isOk ? text::kButtonOk : text::kButtonCancel));

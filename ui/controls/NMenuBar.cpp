@@ -2,6 +2,7 @@
 
 #include "core/resources/StringTable.h"
 #include "ui/controls/BarButton.h"
+#include "ui/controls/PageAction.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
@@ -22,6 +23,9 @@ CnMenuBar::CnMenuBar(int loadWay, QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_row->setContentsMargins(0, 0, 0, 0);
     m_row->setSpacing(0);
+    if (QWidget* const button = MakePageButton()) {
+        m_row->addWidget(button);
+    }
     const int closes = loadWay != 0 ? text::kButtonEndProgram : text::kButtonClose;
     auto* const close = new BarButton(UiText(closes), Qt::Key_Escape);
     connect(close, &QAbstractButton::clicked, this, &CnMenuBar::CloseRequested);

@@ -53,8 +53,9 @@ void Paint(QLabel* label, const QColor& colour)
 
 StatusPage::StatusPage(QWidget* parent)
     : Dialog(parent, Extent::Whole), m_fixAge(new QLabel), m_batteryAge(new QLabel),
-      m_headline(new QLabel), m_battery(new CTextProgressCtrl), m_grid(new QGridLayout),
-      m_body(new QBoxLayout(QBoxLayout::TopToBottom)), m_history(new StatusHistoryView)
+      m_headline(new QLabel), m_broken(new QLabel), m_battery(new CTextProgressCtrl),
+      m_grid(new QGridLayout), m_body(new QBoxLayout(QBoxLayout::TopToBottom)),
+      m_history(new StatusHistoryView)
 {
     setWindowTitle(UiText(text::kAppStatus));
     m_headline->setFont(Sized(font(), kLarge, true));
@@ -77,6 +78,9 @@ StatusPage::StatusPage(QWidget* parent)
         age->setFont(Sized(font(), 13.0 / 16.0, false));
         column->addLayout(line);
     }
+    m_broken->setFont(Sized(font(), kValue, true));
+    m_broken->setWordWrap(true);
+    column->insertWidget(1, m_broken); // below the fix
     auto* const values = new QVBoxLayout;
     values->addLayout(m_grid);
     values->addStretch(1);
@@ -146,6 +150,13 @@ void StatusPage::Show(const Receiver& receiver, const StatusHistory& history,
             ShowRow(shown++, row);
         }
     }
+    QStringList broken;
+    for (const std::wstring& words : BrokenLimits(receiver, view)) {
+        broken += ToQt(FormatText(text::kLimitShort, words.c_str()));
+    }
+    m_broken->setText(broken.join(QLatin1Char('\n')));
+    m_broken->setVisible(!broken.isEmpty());
+    Paint(m_broken, theme.attention);
     m_history->Show(history, view.now);
 }
 

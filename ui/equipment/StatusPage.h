@@ -50,6 +50,7 @@ private:
     QLabel* m_fixAge;
     QLabel* m_batteryAge;
     QLabel* m_headline; // the fix; owned by the dialog, as are the next
+    QLabel* m_broken;   // limits of the survey
     CTextProgressCtrl* m_battery;
     QGridLayout* m_grid;
     QBoxLayout* m_body; // values, then the graph

@@ -2,6 +2,7 @@
 
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
+#include "ui/controls/PageAction.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
@@ -54,6 +55,9 @@ PortChooserDlg::PortChooserDlg(const PortNames& names, const std::vector<Scenari
     scroll->setFocusPolicy(Qt::NoFocus);
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(kGrid);
+    if (QWidget* const button = MakePageButton()) {
+        buttons->addWidget(button);
+    }
     buttons->addStretch(1);
     buttons->addWidget(cancel);
     buttons->addWidget(m_connect);

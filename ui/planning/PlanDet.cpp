@@ -5,6 +5,7 @@
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/PlanSet.h"
 #include "ui/planning/SurveyPlan.h"
 
 #include <QCheckBox>
@@ -78,6 +79,10 @@ CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
     add(text::kPlanFewestSatellites, m_fewest);
     add(text::kPlanHighestPdop, m_pdop);
     add(text::kPlanShortestWindow, m_minutes);
+    AddConditions(*layout, m_plan, [this](const PlanSurroundings::Conditions& conditions) {
+        m_fewest->SetValue(conditions.minSatellites);
+        m_pdop->SetValue(conditions.maxPdop);
+    });
     layout->addStretch(1);
 }
 

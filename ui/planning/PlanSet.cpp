@@ -10,6 +10,7 @@
 #include "ui/planning/SurveyPlan.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <initializer_list>
@@ -33,6 +34,25 @@ void AddField(QVBoxLayout& layout, int textId, QWidget* field)
 
 } // namespace
 
+void AddConditions(QVBoxLayout& layout, const CSurveyPlan& plan,
+                   const std::function<void(const PlanSurroundings::Conditions&)>& take)
+{
+    const auto& read = plan.Surroundings().conditions;
+    if (!read) {
+        return;
+    }
+    const PlanSurroundings::Conditions now = read();
+    auto* const button = new QPushButton(UiText(text::kPlanTakeConditions));
+    button->setAutoDefault(false);
+    button->setMinimumHeight(TouchStyle::kTarget);
+    QObject::connect(button, &QPushButton::clicked, button, [take, now] { take(now); });
+    auto* const words = new QLabel(ToQt(
+        FormatText(text::kPlanConditionsTaken, now.elMaskDeg, now.minSatellites, now.maxPdop)));
+    words->setWordWrap(true);
+    layout.addWidget(button);
+    layout.addWidget(words);
+}
+
 CPlanSet::CPlanSet(CSurveyPlan& plan, QWidget* parent)
     : PropertyPage(parent), m_plan(plan), m_mask(new CSpinDouble), m_start(new LabelSpin),
       m_hours(new LabelSpin), m_graph(new CTComboBox)
@@ -53,6 +73,9 @@ CPlanSet::CPlanSet(CSurveyPlan& plan, QWidget* parent)
     AddField(*layout, text::kPlanStart, m_start);
     AddField(*layout, text::kPlanHours, m_hours);
     AddField(*layout, text::kPlanGraphKind, m_graph);
+    AddConditions(*layout, m_plan, [this](const PlanSurroundings::Conditions& conditions) {
+        m_mask->SetValue(conditions.elMaskDeg);
+    });
     layout->addStretch(1);
     connect(m_start, &QAbstractSlider::valueChanged, this, [this] { FitHours(); });
 }

@@ -1,6 +1,11 @@
 #pragma once
 
 #include "ui/controls/PropertyPage.h"
+#include "ui/planning/PlanSurroundings.h"
+
+#include <functional>
+
+class QVBoxLayout;
 
 namespace fieldcore {
 
@@ -8,6 +13,12 @@ class CSpinDouble;
 class CSurveyPlan;
 class CTComboBox;
 class LabelSpin;
+
+/// Offers the conditions of the survey that is run, on a page of the detail settings; nothing where
+/// nobody knows them.
+/// @param take  puts them into the page's fields
+void AddConditions(QVBoxLayout& layout, const CSurveyPlan& plan,
+                   const std::function<void(const PlanSurroundings::Conditions&)>& take);
 
 /// Page of the plan's detail settings: elevation mask, period, and kind of graph. User-interface
 /// thread only.

@@ -28,6 +28,15 @@ struct PlanSurroundings
     /// the settings of @ref roots say.
     std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
 
+    /// What the survey that is run asks of the sky; empty: nobody knows.
+    struct Conditions
+    {
+        int elMaskDeg = 0;
+        int minSatellites = 0;
+        double maxPdop = 0.0;
+    };
+    std::function<Conditions()> conditions;
+
     /// Asks for a file.
     /// @param suggested  where to begin: a file to be saved, or a folder to open one from
     /// @return empty if the user cancels

@@ -29,21 +29,33 @@ BubbleView::BubbleView(QWidget* parent) : CGraphicsBase(parent)
 {
     setMinimumSize(kVialWidth, kVialWidth);
     setAccessibleName(UiText(text::kBubbleTitle));
+    setAccessibleDescription(UiText(Words()));
 }
 
-void BubbleView::Show(const BubblePicture& picture, bool isStale)
+int BubbleView::Words() const
 {
-    if (picture == m_picture && isStale == m_isStale) {
+    switch (m_source) {
+    case Source::NotReceived:
+        return text::kBubbleStale;
+    case Source::NoSensor:
+        return text::kBubbleNoSensor;
+    case Source::Reading:
+        break;
+    }
+    return m_picture.isNotReady                                    ? text::kBubbleNotReady
+           : m_picture.needsCalibration                            ? text::kBubbleNeedsCalibration
+           : !m_picture.showBubble || !m_picture.isWithinTolerance ? text::kBubbleOutside
+                                                                   : text::kBubbleWithin;
+}
+
+void BubbleView::Show(const BubblePicture& picture, Source source)
+{
+    if (picture == m_picture && source == m_source) {
         return;
     }
     m_picture = picture;
-    m_isStale = isStale;
-    const int words = isStale                    ? text::kBubbleStale
-                      : picture.isNotReady       ? text::kBubbleNotReady
-                      : picture.needsCalibration ? text::kBubbleNeedsCalibration
-                      : !picture.showBubble || !picture.isWithinTolerance ? text::kBubbleOutside
-                                                                          : text::kBubbleWithin;
-    setAccessibleDescription(UiText(words));
+    m_source = source;
+    setAccessibleDescription(UiText(Words()));
     Invalidate();
 }
 
@@ -56,9 +68,8 @@ void BubbleView::Draw(QPainter& painter, const QSizeF& size)
     if (m_picture.showBubble) {
         DrawBubble(painter);
         DrawGlass(painter);
-    } else {
-        DrawMessage(painter);
     }
+    DrawMessage(painter);
 }
 
 void BubbleView::DrawVial(QPainter& painter) const
@@ -66,9 +77,9 @@ void BubbleView::DrawVial(QPainter& painter) const
     const Theme& theme = Theme::Current();
     QRadialGradient liquid(QPointF(-kRim / 3, -kRim / 3), 2 * kRim);
     liquid.setColorAt(0.0, theme.raised);
-    liquid.setColorAt(1.0, Mixed(theme.raised, theme.accent, m_isStale ? 0.1 : 0.3));
+    liquid.setColorAt(1.0, Mixed(theme.raised, theme.accent, IsFresh() ? 0.3 : 0.1));
     painter.setBrush(liquid);
-    painter.setPen(QPen(m_isStale ? theme.stale : theme.text, 2.0));
+    painter.setPen(QPen(IsFresh() ? theme.text : theme.stale, 2.0));
     painter.drawEllipse(QPointF(), kRim, kRim);
     painter.setPen(QPen(theme.stale, 0.75));
     constexpr double kInside = kRim - 2.0; // the lines end at the rim
@@ -82,7 +93,7 @@ void BubbleView::DrawBubble(QPainter& painter) const
 {
     const Theme& theme = Theme::Current();
     const bool isWithin = m_picture.isWithinTolerance;
-    const QColor colour = m_isStale ? theme.stale : isWithin ? theme.good : theme.attention;
+    const QColor colour = !IsFresh() ? theme.stale : isWithin ? theme.good : theme.attention;
     const QPointF middle(m_picture.x, m_picture.y);
     QRadialGradient body(middle, kBubble, middle - QPointF(5, 5));
     body.setColorAt(0.0, Mixed(colour, theme.ground, 0.25));
@@ -93,7 +104,7 @@ void BubbleView::DrawBubble(QPainter& painter) const
     // A mark in it, since colour never speaks alone.
     painter.setPen(QPen(theme.ground, 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
-    if (m_isStale) {
+    if (!IsFresh()) {
         painter.drawLine(middle + QPointF(-5, 0), middle + QPointF(5, 0));
     } else if (isWithin) {
         const QPointF tick[] = {middle + QPointF(-6, 0), middle + QPointF(-2, 5),
@@ -110,7 +121,7 @@ void BubbleView::DrawGlass(QPainter& painter) const
     const Theme& theme = Theme::Current();
     if (m_picture.ringRadius > 0) {
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(m_isStale ? theme.stale : theme.text, 2.0));
+        painter.setPen(QPen(IsFresh() ? theme.text : theme.stale, 2.0));
         painter.drawEllipse(QPointF(), m_picture.ringRadius, m_picture.ringRadius);
     }
     QPainterPath shine; // along the upper left rim
@@ -124,11 +135,9 @@ void BubbleView::DrawGlass(QPainter& painter) const
 
 void BubbleView::DrawMessage(QPainter& painter) const
 {
-    const int words = m_picture.isNotReady         ? text::kBubbleNotReady
-                      : m_picture.needsCalibration ? text::kBubbleNeedsCalibration
-                                                   : 0;
-    if (words == 0) {
-        return; // the sensor moves too fast or leans too far: there is no bubble to be seen
+    const int words = Words();
+    if (words == text::kBubbleWithin || words == text::kBubbleOutside) {
+        return; // the bubble says it, or the sensor moves too fast or leans too far to have one
     }
     constexpr int kPixels = 13;
     QFont bold = font();
@@ -144,7 +153,7 @@ void BubbleView::DrawMessage(QPainter& painter) const
     painter.setPen(Qt::NoPen);
     painter.setBrush(ground);
     painter.drawRoundedRect(around.adjusted(-3, -2, 3, 2), 4, 4);
-    painter.setPen(m_picture.isNotReady ? theme.second : theme.text);
+    painter.setPen(IsFresh() && m_picture.isNotReady ? theme.second : theme.text);
     painter.drawText(all, Qt::AlignCenter, UiText(words));
 }
 

@@ -10,7 +10,7 @@ namespace fieldcore {
 /// thread only.
 ///
 /// Within tolerance the bubble is green with a tick, outside amber with an exclamation mark; a
-/// picture that is not fresh is grey.
+/// picture that is not fresh is grey, and says so.
 class BubbleView : public CGraphicsBase
 {
     Q_OBJECT
@@ -18,8 +18,14 @@ class BubbleView : public CGraphicsBase
 public:
     explicit BubbleView(QWidget* parent = nullptr);
 
-    /// @param isStale  the picture is of a reading that is not fresh
-    void Show(const BubblePicture& picture, bool isStale);
+    /// Where the picture comes from.
+    enum class Source
+    {
+        NotReceived, ///< no receiver, no answer, or none for too long
+        NoSensor,
+        Reading,
+    };
+    void Show(const BubblePicture& picture, Source source);
     [[nodiscard]] const BubblePicture& Picture() const { return m_picture; }
 
     [[nodiscard]] QSize sizeHint() const override { return {kVialWidth, kVialWidth}; }
@@ -33,8 +39,12 @@ private:
     void DrawGlass(QPainter& painter) const;
     void DrawMessage(QPainter& painter) const;
 
+    /// What the picture says, a number of the string table.
+    [[nodiscard]] int Words() const;
+    [[nodiscard]] bool IsFresh() const { return m_source == Source::Reading; }
+
     BubblePicture m_picture;
-    bool m_isStale = true;
+    Source m_source = Source::NotReceived;
 };
 
 } // namespace fieldcore

@@ -1,5 +1,6 @@
 #include "ui/tilt/SetSignal.h"
 
+#include "core/settings/NotKept.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
@@ -16,7 +17,7 @@ namespace fieldcore {
 SetSignal::SetSignal(CCommand* command, QWidget* parent) : SetSignal(command, m_ownReg, parent) {}
 
 SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_session(command, reg),
+    : Dialog(parent, Extent::Form), m_command(command), m_reg(reg), m_session(command, reg),
       m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(new QPushButton(UiText(text::kButtonOk)))
 {
     setWindowTitle(UiText(text::kSignalTitle));
@@ -69,20 +70,60 @@ void SetSignal::Build()
 
 bool SetSignal::OnInitDialog()
 {
-    m_session.Open();
+    constexpr Rhythm kRhythm{std::chrono::seconds(1), std::chrono::seconds(16)};
+    ShowSignals(text::kSignalAsking);
+    m_ok->setEnabled(false);
+    m_ok->setFocus();
+    if (m_command == nullptr || m_command->IsPortOpen() == 0) {
+        Take({});
+        return true;
+    }
+    m_question = std::make_unique<BackgroundQuestion>(
+        *m_command, kRhythm,
+        [](CCommand& asking) {
+            SignalAnswers answers = SignalSession::Ask(asking);
+            return std::pair(!answers.IsSilent(), std::move(answers));
+        },
+        [this](const SignalAnswers& answers) {
+            if (!m_isAsked) {
+                Take(answers);
+            }
+        });
+    return true;
+}
+
+/// A silent receiver is asked on.
+void SetSignal::Take(const SignalAnswers& answers)
+{
+    m_session.Open(answers);
+    m_isAsked = !answers.IsSilent();
+    ShowSignals(!answers.hasPort       ? text::kSignalNoReceiver
+                : m_session.IsLocked() ? text::kSignalLocked
+                : m_session.IsKnown()  ? text::kSignalHint
+                                       : text::kSignalUnread);
+    m_ok->setEnabled(m_isAsked);
+    if (m_isAsked && m_question) {
+        m_question->Stop();
+    }
+}
+
+void SetSignal::OnDestroy()
+{
+    m_question.reset();
+}
+
+void SetSignal::ShowSignals(int hintId)
+{
     for (const Signal signal : kAllSignals) {
         QCheckBox& box = *Box(signal);
         const QString name = UiText(SignalTextId(signal));
         const bool isAbsent = m_session.IsKnown() && !m_session.IsEnabled(signal);
         box.setText(isAbsent ? ToQt(FormatText(text::kSignalAbsent, name.toStdWString().c_str()))
                              : name);
-        box.setEnabled(m_session.IsEnabled(signal));
+        box.setEnabled(m_isAsked && m_session.IsEnabled(signal));
         box.setChecked(m_session.IsChecked(signal));
     }
-    m_hint->setText(UiText(m_session.IsLocked()  ? text::kSignalLocked
-                           : m_session.IsKnown() ? text::kSignalHint
-                                                 : text::kSignalUnread));
-    return true;
+    m_hint->setText(UiText(hintId));
 }
 
 bool SetSignal::OnClose(int result)
@@ -95,8 +136,12 @@ bool SetSignal::OnClose(int result)
             m_session.Check(signal, Box(signal)->isChecked());
         }
         m_isConfirming = true;
-        m_session.Confirm();
+        const SignalSession::Outcome outcome = m_session.Confirm();
         m_isConfirming = false;
+        if (outcome.stored == 0) {
+            TellNotKept(text::kSignalTitle,
+                        m_command != nullptr ? m_command->GetHost() : DefaultHost(), m_reg);
+        }
     }
     return true;
 }

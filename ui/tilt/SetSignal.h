@@ -2,9 +2,11 @@
 
 #include "core/settings/HostReg.h"
 #include "core/tilt/SignalSession.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 
 #include <array>
+#include <memory>
 
 class QCheckBox;
 class QLabel;
@@ -13,8 +15,9 @@ class QPushButton;
 namespace fieldcore {
 
 /// The choice of the signals that the receiver tracks. What is chosen is sent and kept with OK; a
-/// receiver whose signals are fixed shows what is kept and takes nothing. User-interface thread
-/// only; the rules are SignalSession's.
+/// receiver whose signals are fixed shows what is kept and takes nothing. The receiver is asked in
+/// the background, until it answers; before that nothing can be chosen. User-interface thread only;
+/// the rules are SignalSession's.
 class SetSignal : public Dialog
 {
     Q_OBJECT
@@ -35,12 +38,19 @@ public:
 protected:
     bool OnInitDialog() override;
     bool OnClose(int result) override;
+    void OnDestroy() override;
 
 private:
     void Build();
+    void Take(const SignalAnswers& answers);
+    void ShowSignals(int hintId);
 
     const HostReg m_ownReg; // used unless another is given
+    CCommand* const m_command;
+    const CReg& m_reg;
     SignalSession m_session;
+    std::unique_ptr<BackgroundQuestion> m_question; // until it has been answered
+    bool m_isAsked = false;
     bool m_isConfirming = false;
     std::array<QCheckBox*, kAllSignals.size()> m_boxes{}; // owned by the dialog, as are the next
     QLabel* m_hint;

@@ -1,17 +1,28 @@
 #include "ui/tilt/TiltSensorDlg.h"
 
+#include "core/equipment/ReceiverFields.h"
 #include "core/link/RecvInfo.h"
 #include "core/tilt/BubbleConfig.h"
+#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/tilt/BubbleView.h"
 
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
 #include <QPointer>
-#include <QRect>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <algorithm>
 #include <cstdint>
-#include <optional>
 
 namespace fieldcore {
 
@@ -21,6 +32,60 @@ QPointer<TiltSensorDlg> g_window;
 QPointer<QWidget> g_anchor;
 double g_antennaHeightM = 0.0;
 std::optional<QRect> g_place; // of the window's inside
+std::function<void(TiltSensorDlg::Event)> g_observer;
+
+constexpr int kGrid = TouchStyle::kGrid;
+constexpr int kLargeEdge = 3 * kVialWidth;
+
+void Tell(TiltSensorDlg::Event event)
+{
+    if (g_observer) {
+        g_observer(event);
+    }
+}
+
+/// Where a finger does something in a window, on the screen.
+std::vector<QRect> ControlsOf(const QWidget& window)
+{
+    std::vector<QRect> controls;
+    for (const QWidget* control : window.findChildren<QWidget*>()) {
+        const bool takesFingers = qobject_cast<const QAbstractButton*>(control) != nullptr ||
+                                  qobject_cast<const QComboBox*>(control) != nullptr ||
+                                  qobject_cast<const QLineEdit*>(control) != nullptr ||
+                                  qobject_cast<const QAbstractSpinBox*>(control) != nullptr ||
+                                  qobject_cast<const QAbstractSlider*>(control) != nullptr;
+        const QRect seen = control->visibleRegion().boundingRect();
+        if (takesFingers && !seen.isEmpty()) {
+            controls.emplace_back(control->mapToGlobal(seen.topLeft()), seen.size());
+        }
+    }
+    return controls;
+}
+
+/// The place in a window that is nearest to @p wanted, row by row, and covers none of its controls;
+/// @p wanted where there is none.
+QRect FreePlace(const QWidget& window, const QRect& wanted)
+{
+    const std::vector<QRect> controls = ControlsOf(window);
+    const auto isFree = [&controls](const QRect& place) {
+        return std::none_of(controls.begin(), controls.end(),
+                            [&place](const QRect& control) { return control.intersects(place); });
+    };
+    if (isFree(wanted)) {
+        return wanted;
+    }
+    const QRect inside(window.mapToGlobal(QPoint()), window.size());
+    QRect place = wanted;
+    for (int bottom = inside.bottom(); bottom - wanted.height() >= inside.top(); bottom -= kGrid) {
+        for (int right = inside.right(); right - wanted.width() >= inside.left(); right -= kGrid) {
+            place.moveBottomRight({right, bottom});
+            if (isFree(place)) {
+                return place;
+            }
+        }
+    }
+    return wanted;
+}
 
 } // namespace
 
@@ -29,9 +94,13 @@ int TiltSensorDlg::StartUp(CCommand* command, QWidget* parent, QWidget* anchor)
     if (g_window.isNull()) {
         g_anchor = anchor;
         g_window = new TiltSensorDlg(command, parent);
+    } else if (anchor != nullptr && !g_window->isVisible()) {
+        g_anchor = anchor;
+        g_window->setGeometry(FreePlace(*anchor, g_window->geometry()));
     }
     g_window->TellSensor(command, true);
     g_window->show();
+    Tell(Event::Shown);
     return 1;
 }
 
@@ -41,6 +110,7 @@ int TiltSensorDlg::ShutDown()
         return 0;
     }
     delete g_window.data();
+    Tell(Event::Gone);
     return 1;
 }
 
@@ -48,6 +118,7 @@ void TiltSensorDlg::WindowHide(int showCommand)
 {
     if (!g_window.isNull()) {
         g_window->setVisible(showCommand != 0);
+        Tell(showCommand != 0 ? Event::Shown : Event::Gone);
     }
 }
 
@@ -76,8 +147,14 @@ void TiltSensorDlg::ForgetPlace()
     g_place.reset();
 }
 
+void TiltSensorDlg::SetObserver(std::function<void(Event)> observer)
+{
+    g_observer = std::move(observer);
+}
+
 TiltSensorDlg::TiltSensorDlg(CCommand* command, QWidget* parent)
-    : Dialog(parent), m_command(command), m_view(new BubbleView)
+    : Dialog(parent), m_command(command), m_view(new BubbleView), m_numbers(new QLabel),
+      m_smaller(new QPushButton(UiText(text::kBubbleSmaller)))
 {
     setWindowFlags(Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
                    Qt::WindowStaysOnTopHint);
@@ -85,7 +162,26 @@ TiltSensorDlg::TiltSensorDlg(CCommand* command, QWidget* parent)
     setWindowTitle(UiText(text::kBubbleTitle));
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
-    layout->addWidget(m_view);
+    layout->setSpacing(0);
+    layout->setSizeConstraint(QLayout::SetNoConstraint); // what is hidden takes no room at once
+    setMinimumSize(kVialWidth, kVialWidth);
+    layout->addWidget(m_view, 1);
+    layout->addWidget(m_numbers);
+    layout->addWidget(m_smaller);
+    m_view->setToolTip(UiText(text::kBubbleLarger));
+    QFont large = font();
+    large.setPixelSize(QFontInfo(large).pixelSize() * 3 / 2);
+    large.setBold(true);
+    m_numbers->setFont(large);
+    m_numbers->setAlignment(Qt::AlignCenter);
+    m_numbers->setMargin(kGrid);
+    m_numbers->setAccessibleName(UiText(text::kTiltAngle));
+    m_smaller->setMinimumHeight(6 * kGrid);
+    m_smaller->setAutoDefault(false);
+    connect(m_smaller, &QPushButton::clicked, this, [this] { SetLarge(false); });
+    m_numbers->hide();
+    m_smaller->hide();
+    ShowBubble();
 }
 
 TiltSensorDlg::~TiltSensorDlg()
@@ -96,32 +192,31 @@ TiltSensorDlg::~TiltSensorDlg()
 bool TiltSensorDlg::OnInitDialog()
 {
     QRect place(0, 0, kVialWidth, kVialWidth);
-    if (g_place) {
-        place = *g_place;
-    } else if (!g_anchor.isNull()) {
+    if (!g_anchor.isNull()) {
         const QMargins frame =
             windowHandle() != nullptr ? windowHandle()->frameMargins() : QMargins();
         place.moveBottomRight(g_anchor->mapToGlobal(g_anchor->rect().bottomRight()) -
                               QPoint(frame.right(), frame.bottom()));
     }
-    setGeometry(place);
+    place = g_place.value_or(place);
+    setGeometry(g_anchor.isNull() ? place : FreePlace(*g_anchor, place));
     return false; // the focus stays where it is
 }
 
 void TiltSensorDlg::showEvent(QShowEvent* event)
 {
     Dialog::showEvent(event);
-    SetTimer(kPollTimer, static_cast<int>(BubblePoll::kInterval.count())); // readings grow old
+    // Readings grow old.
+    SetTimer(kPollTimer, static_cast<int>(kBubbleRhythm.interval / std::chrono::milliseconds(1)));
     if (m_command != nullptr && !m_question) {
         m_question = std::make_unique<BackgroundQuestion>(
-            *m_command, Rhythm{BubblePoll::kInterval, BubblePoll::kLongestPause},
+            *m_command, kBubbleRhythm,
             [](CCommand& command) {
-                const TiltHeard heard = AskTilt(command, false);
-                return std::pair(heard.isAnswered, heard);
+                const TiltState state = AskTilt(command, false);
+                return std::pair(IsAnswered(state), state);
             },
-            [this](const TiltHeard& heard) {
-                m_poll.Take(heard, {eBubbleConfig::GetBubbleSensitivity(),
-                                    eBubbleConfig::GetBubbleDuration(), g_antennaHeightM});
+            [this](TiltState state) {
+                m_state = state != TiltState::NotAsked ? state : m_state;
                 ShowBubble();
             });
     }
@@ -129,8 +224,10 @@ void TiltSensorDlg::showEvent(QShowEvent* event)
 
 void TiltSensorDlg::hideEvent(QHideEvent* event)
 {
-    m_question.reset();
-    KillTimer(kPollTimer);
+    if (!m_isComing) {
+        m_question.reset();
+        KillTimer(kPollTimer);
+    }
     Dialog::hideEvent(event);
 }
 
@@ -143,8 +240,126 @@ void TiltSensorDlg::OnTimer(int id)
 
 void TiltSensorDlg::ShowBubble()
 {
-    m_view->Show(m_poll.Picture(),
-                 m_command == nullptr || m_poll.IsStale(m_command->GetClock().Steady()));
+    using Source = BubbleView::Source;
+    const Receiver known = m_command != nullptr ? m_command->Heard() : Receiver();
+    StatusView view;
+    view.antennaHeightM = g_antennaHeightM;
+    BubblePicture picture;
+    Source source = Source::NotReceived;
+    if (known.tilt && m_command->IsPortOpen() != 0) {
+        view.now = m_command->GetClock().Steady();
+        // What cannot be drawn leaves what was.
+        picture = IsUsable(known.tilt->value)
+                      ? PictureOf(known.tilt->value,
+                                  {eBubbleConfig::GetBubbleSensitivity(),
+                                   eBubbleConfig::GetBubbleDuration(), g_antennaHeightM})
+                      : m_view->Picture();
+        source = view.now - known.tilt->at > kTiltStaleAge ? Source::NotReceived
+                 : known.tilt->value.sensorPresent         ? Source::Reading
+                                                           : Source::NoSensor;
+    } else if (known.tilt) {
+        picture = m_view->Picture();
+    }
+    if (m_state == TiltState::NotBuiltIn) {
+        source = Source::NoSensor;
+    }
+    m_view->Show(picture, source);
+    const auto words = [&](const char* key) {
+        return ToQt(source == Source::Reading ? FieldText(FieldOf(key), known, view)
+                                              : Text(text::kStatusUnknown));
+    };
+    const QString tilt = words("tiltDeg");
+    const QString offset = words("tiltOffsetMm");
+    const QString numbers = tilt + QStringLiteral("   ") + offset;
+    m_numbers->setText(numbers);
+    setAccessibleDescription(ToQt(
+        FormatText(text::kBubbleSummary, m_view->accessibleDescription().toStdWString().c_str(),
+                   tilt.toStdWString().c_str(), offset.toStdWString().c_str())));
+    setWindowTitle(source == Source::Reading ? numbers : UiText(text::kBubbleTitle));
+}
+
+void TiltSensorDlg::SetLarge(bool isLarge)
+{
+    if (isLarge == IsLarge()) {
+        return;
+    }
+    const QRect before = geometry();
+    m_numbers->setVisible(isLarge);
+    m_smaller->setVisible(isLarge);
+    m_view->setToolTip(isLarge ? QString() : UiText(text::kBubbleLarger));
+    if (!isLarge) {
+        const QRect place = *m_small;
+        m_small.reset();
+        setGeometry(place);
+        return;
+    }
+    m_small = before;
+    const int below = m_numbers->sizeHint().height() + m_smaller->sizeHint().height();
+    QRect place(QPoint(), QSize(kLargeEdge, kLargeEdge + below));
+    place.moveBottomRight(m_small->bottomRight());
+    const QRect room = g_anchor.isNull() ? screen()->availableGeometry()
+                                         : QRect(g_anchor->mapToGlobal(QPoint()), g_anchor->size());
+    place.moveLeft(std::max(place.left(), room.left()));
+    place.moveTop(std::max(place.top(), room.top()));
+    setGeometry(place);
+}
+
+void TiltSensorDlg::mousePressEvent(QMouseEvent* event)
+{
+    m_pressedAt = event->globalPosition().toPoint() - pos();
+    m_isDragged = false;
+}
+
+void TiltSensorDlg::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPoint to = event->globalPosition().toPoint() - m_pressedAt;
+    m_isDragged =
+        m_isDragged || (to - pos()).manhattanLength() >= QApplication::startDragDistance();
+    if (m_isDragged) {
+        move(to);
+    }
+}
+
+void TiltSensorDlg::mouseReleaseEvent(QMouseEvent* event)
+{
+    Q_UNUSED(event)
+    if (!std::exchange(m_isDragged, false)) {
+        SetLarge(!IsLarge());
+    }
+}
+
+void TiltSensorDlg::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return) {
+        SetLarge(!IsLarge());
+    } else {
+        Dialog::keyPressEvent(event);
+    }
+}
+
+/// A page that takes all input is above what is not its own.
+bool TiltSensorDlg::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowBlocked) {
+        QMetaObject::invokeMethod(this, &TiltSensorDlg::ComeForward, Qt::QueuedConnection);
+    }
+    return Dialog::event(event);
+}
+
+void TiltSensorDlg::ComeForward()
+{
+    const QWidget* const page = QApplication::activeModalWidget();
+    QWindow* const above = page != nullptr ? page->windowHandle() : nullptr;
+    if (above == nullptr || !isVisible() || windowHandle()->transientParent() == above) {
+        return;
+    }
+    m_isComing = true;
+    const QRect place = geometry();
+    hide(); // who is blocked is looked at when a window is shown
+    windowHandle()->setTransientParent(above);
+    setGeometry(place);
+    show();
+    m_isComing = false;
 }
 
 bool TiltSensorDlg::OnClose(int result)
@@ -152,13 +367,14 @@ bool TiltSensorDlg::OnClose(int result)
     Q_UNUSED(result)
     TellSensor(m_command, false);
     hide();
+    Tell(Event::Closed);
     return false; // it is hidden, not over
 }
 
 void TiltSensorDlg::OnDestroy()
 {
     TellSensor(m_command, false);
-    g_place = geometry();
+    g_place = m_small.value_or(geometry());
 }
 
 void TiltSensorDlg::TellSensor(CCommand* command, bool isStart)

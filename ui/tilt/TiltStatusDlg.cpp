@@ -55,10 +55,11 @@ TiltStatusDlg::TiltStatusDlg(CCommand* command, QWidget* parent)
 {}
 
 TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_command(command), m_tilt(command, reg), m_status(new QLabel),
-      m_remain(new QLabel), m_sensitivity(new CTComboBox), m_speed(new CTComboBox),
-      m_duration(new QLineEdit), m_expiryPlace(new QStackedWidget), m_expiry(new QLabel),
-      m_change(Button(text::kTiltChange, nullptr)), m_expiryEdit(new QLineEdit)
+    : Dialog(parent, Extent::Form), m_command(command), m_tilt(command, reg), m_notice(new QLabel),
+      m_status(new QLabel), m_remain(new QLabel), m_sensitivity(new CTComboBox),
+      m_speed(new CTComboBox), m_duration(new QLineEdit), m_expiryPlace(new QStackedWidget),
+      m_expiry(new QLabel), m_change(Button(text::kTiltChange, nullptr)),
+      m_calibrate(Button(text::kTiltCalibrate, "calibrate")), m_expiryEdit(new QLineEdit)
 {
     setWindowTitle(UiText(text::kTiltCaption));
     Build();
@@ -87,9 +88,11 @@ void TiltStatusDlg::Build()
     QFont large = font();
     large.setBold(true);
     large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
-    m_status->setFont(large);
-    m_status->setWordWrap(true);
-    column->addWidget(m_status);
+    for (QLabel* const headline : {m_notice, m_status}) {
+        headline->setFont(large);
+        headline->setWordWrap(true);
+        column->addWidget(headline);
+    }
     column->addWidget(m_remain);
     column->addSpacing(kGrid);
     auto* const form = new QFormLayout;
@@ -103,12 +106,11 @@ void TiltStatusDlg::Build()
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(kGrid);
     auto* const bubble = Button(text::kTiltBubble, "tilt");
-    auto* const calibrate = Button(text::kTiltCalibrate, "calibrate");
     connect(bubble, &QPushButton::clicked, this,
             [this] { TiltSensorDlg::StartUp(m_command, this, this); });
-    connect(calibrate, &QPushButton::clicked, this, &TiltStatusDlg::Calibrate);
+    connect(m_calibrate, &QPushButton::clicked, this, &TiltStatusDlg::Calibrate);
     buttons->addWidget(bubble);
-    buttons->addWidget(calibrate);
+    buttons->addWidget(m_calibrate);
 
     auto* const scroll = new QScrollArea;
     scroll->setFrameShape(QFrame::NoFrame);
@@ -132,7 +134,7 @@ void TiltStatusDlg::Build()
         {m_status, kStatus},         {m_remain, kRemain},     {m_sensitivity, kSensitivity},
         {m_speed, kSpeed},           {m_duration, kDuration}, {m_expiry, kExpiry},
         {m_expiryEdit, kExpiryEdit}, {m_change, kChange},     {bubble, kBubble},
-        {calibrate, kCalibrate}};
+        {m_calibrate, kCalibrate},   {m_notice, kNotice}};
     for (const auto& [control, id] : numbers) {
         SetControlId(control, id);
     }
@@ -178,6 +180,9 @@ bool TiltStatusDlg::OnInitDialog()
     m_speed->setCurrentIndex(SpeedPlace(eBubbleConfig::GetBubbleViscosity()));
     m_duration->setText(ToQt(TiltSettings::DurationText()));
     ShowExpiry();
+    if (m_command == nullptr || m_command->IsPortOpen() == 0) {
+        m_tilt.Take(TiltState::NoReceiver);
+    }
     ShowStatus();
     AskStatus();
     return true;
@@ -191,21 +196,20 @@ void TiltStatusDlg::OnDestroy()
 
 void TiltStatusDlg::AskStatus()
 {
-    constexpr std::chrono::seconds kLongestPause{8}; // of a sensor that keeps silent
     if (m_command == nullptr) {
         return;
     }
     m_question = std::make_unique<BackgroundQuestion>(
-        *m_command, Rhythm{std::chrono::milliseconds(kStatusMs), kLongestPause},
+        *m_command, kTiltRhythm,
         [](CCommand& command) {
-            TiltHeard heard = AskTilt(command, true);
-            return std::pair(heard.isAnswered, heard);
+            const TiltState state = AskTilt(command, true);
+            return std::pair(IsAnswered(state), state);
         },
-        [this](const TiltHeard& heard) {
-            m_tilt.Take(heard);
-            if (heard.record && !m_hasRecord) {
+        [this](TiltState state) {
+            m_tilt.Take(state);
+            if (const auto record = m_tilt.Record(); record && !m_hasRecord) {
                 m_hasRecord = true;
-                TiltSettings::Open(*heard.record);
+                TiltSettings::Open(*record);
                 m_expiry->setText(ToQt(ExpiryText(eBubbleConfig::GetBubbleExpiry())));
             }
             ShowStatus();
@@ -214,8 +218,14 @@ void TiltStatusDlg::AskStatus()
 
 void TiltStatusDlg::ShowStatus()
 {
+    const int notice = m_tilt.NoticeTextId();
+    m_notice->setText(UiText(notice));
+    m_notice->setVisible(notice != 0);
     m_status->setText(UiText(m_tilt.StatusTextId()));
+    m_status->setVisible(notice == 0);
     m_remain->setText(ToQt(m_tilt.Remain()));
+    m_remain->setVisible(notice == 0);
+    m_calibrate->setEnabled(m_tilt.HasSensor());
 }
 
 void TiltStatusDlg::ShowExpiry()

@@ -25,9 +25,6 @@ class TiltStatusDlg : public Dialog
     Q_OBJECT
 
 public:
-    static constexpr int kStatusTimer = 1;
-    static constexpr int kStatusMs = 1000;
-
     // Numbers of the controls.
     static constexpr int kStatus = 1;
     static constexpr int kRemain = 2;
@@ -39,6 +36,7 @@ public:
     static constexpr int kChange = 8;
     static constexpr int kBubble = 9;
     static constexpr int kCalibrate = 10;
+    static constexpr int kNotice = 11; ///< in place of status and remaining time
 
     /// @param command  receiver channel; not owned, must outlive the dialog
     explicit TiltStatusDlg(CCommand* command, QWidget* parent = nullptr);
@@ -67,7 +65,8 @@ private:
     TiltSettings m_tilt;
     bool m_hasRecord = false;                       // the receiver's record has been taken over
     std::unique_ptr<BackgroundQuestion> m_question; // null while a calibration runs
-    QLabel* m_status;                               // owned by the dialog, as are all that follow
+    QLabel* m_notice;                               // owned by the dialog, as are all that follow
+    QLabel* m_status;
     QLabel* m_remain;
     CTComboBox* m_sensitivity;
     CTComboBox* m_speed;
@@ -75,6 +74,7 @@ private:
     QStackedWidget* m_expiryPlace; // shown, or edited
     QLabel* m_expiry;
     QPushButton* m_change;
+    QPushButton* m_calibrate;
     QLineEdit* m_expiryEdit;
 };
 

@@ -1,19 +1,22 @@
 #include "ui/tilt/TrackingDlg.h"
 
-#include "core/host/MesBox.h"
 #include "core/input/Parts.h"
 #include "core/input/TextList.h"
-#include "core/platform/SettingsStore.h"
+#include "core/link/Command.h"
+#include "core/settings/NotKept.h"
 #include "ui/controls/FormRow.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/tilt/SetSignal.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
-#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace fieldcore {
@@ -36,10 +39,12 @@ private:
 
 } // namespace
 
-TrackingDlg::TrackingDlg(SettingsRoots& roots, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_reg(roots), m_sets(AllSurveys().size(), CGPSPrm(roots)),
-      m_survey(new CTComboBox), m_interval(new CTComboBox), m_mask(new CTComboBox),
-      m_satellites(new CTComboBox), m_epochs(new CSpinDouble), m_pdop(new CSpinDouble)
+TrackingDlg::TrackingDlg(CCommand* command, SettingsRoots& roots, QWidget* parent)
+    : Dialog(parent, Extent::Form), m_command(command), m_reg(roots),
+      m_sets(AllSurveys().size(), CGPSPrm(roots)), m_survey(new CTComboBox),
+      m_interval(new CTComboBox), m_mask(new CTComboBox), m_satellites(new CTComboBox),
+      m_epochs(new CSpinDouble), m_pdop(new CSpinDouble), m_signals(new QLabel),
+      m_msas(new QCheckBox(UiText(text::kTrackingMsas)))
 {
     constexpr int kGrid = TouchStyle::kGrid;
     setWindowTitle(UiText(text::kTrackingTitle));
@@ -53,27 +58,9 @@ TrackingDlg::TrackingDlg(SettingsRoots& roots, QWidget* parent)
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     BuildFields(*form);
     column->addLayout(form);
-    auto* const grid = new QGridLayout;
-    grid->setSpacing(kGrid);
-    const struct
-    {
-        int textId;
-        int (CGPSPrm::*get)() const;
-        void (CGPSPrm::*set)(int);
-    } switches[] = {{text::kSignalGlonass, &CGPSPrm::GetGLONASSData, &CGPSPrm::SetGLONASSData},
-                    {text::kSignalQzss, &CGPSPrm::GetQZSSData, &CGPSPrm::SetQZSSData},
-                    {text::kSignalGalileo, &CGPSPrm::GetGalileoData, &CGPSPrm::SetGalileoData},
-                    {text::kTrackingMsas, &CGPSPrm::GetMSASData, &CGPSPrm::SetMSASData},
-                    {text::kSignalL2c, &CGPSPrm::GetL2CData, &CGPSPrm::SetL2CData},
-                    {text::kSignalL5, &CGPSPrm::GetL5Data, &CGPSPrm::SetL5Data}};
-    for (const auto& each : switches) {
-        auto* const box = new QCheckBox(UiText(each.textId));
-        box->setMinimumHeight(TouchStyle::kTarget);
-        const int count = static_cast<int>(m_switches.size());
-        grid->addWidget(box, count / 3, count % 3);
-        m_switches.push_back({box, each.get, each.set});
-    }
-    column->addLayout(grid);
+    auto* const hint = new QLabel(UiText(text::kTrackingHint));
+    hint->setWordWrap(true);
+    column->addWidget(hint);
     column->addStretch(1);
     auto* const scroll = new QScrollArea;
     scroll->setFrameShape(QFrame::NoFrame);
@@ -113,10 +100,25 @@ void TrackingDlg::BuildFields(QFormLayout& form)
     m_pdop->SetDecimals(1);
     m_pdop->SetStep(0.5);
     m_pdop->SetName(UiText(text::kTrackingPdop));
+    auto* const signal = new QWidget;
+    auto* const row = new QHBoxLayout(signal);
+    row->setContentsMargins({});
+    auto* const others = new QPushButton(UiText(text::kSignalOthers));
+    others->setAutoDefault(false);
+    others->setMinimumHeight(TouchStyle::kTarget);
+    others->setEnabled(m_command != nullptr);
+    connect(others, &QPushButton::clicked, this, &TrackingDlg::ChooseSignals);
+    m_signals->setWordWrap(true);
+    SetControlId(m_signals, kSignals);
+    m_msas->setMinimumHeight(TouchStyle::kTarget);
+    row->addWidget(m_signals, 1);
+    row->addWidget(m_msas);
+    row->addWidget(others);
     const std::pair<int, QWidget*> rows[] = {
         {text::kTrackingSurvey, m_survey}, {text::kTrackingInterval, m_interval},
         {text::kTrackingMask, m_mask},     {text::kTrackingMinSatellites, m_satellites},
         {text::kTrackingPdop, m_pdop},     {text::kTrackingEpochs, m_epochs},
+        {text::kTrackingSignals, signal},
     };
     for (const auto& [textId, field] : rows) {
         AddFormRow(form, UiText(textId), field);
@@ -127,10 +129,37 @@ void TrackingDlg::BuildFields(QFormLayout& form)
 bool TrackingDlg::OnInitDialog()
 {
     for (std::size_t i = 0; i < m_sets.size(); ++i) {
-        LoadTracking(m_reg, AllSurveys()[i], m_sets[i]);
+        LoadTracking(m_reg, AllSurveys()[i], 0, m_sets[i]);
     }
-    Show(m_survey->currentIndex());
+    m_shown = static_cast<int>(LoadSurvey(m_reg));
+    {
+        const QSignalBlocker quiet(m_survey);
+        m_survey->setCurrentIndex(m_shown);
+    }
+    Show(m_shown);
+    ShowSignals();
     return true;
+}
+
+void TrackingDlg::ShowSignals()
+{
+    const std::uint32_t type = m_command != nullptr ? m_command->Heard().identity.TypeNumber() : 0;
+    const SignalSet chosen = LoadSignals(m_reg, type);
+    QStringList names;
+    for (const Signal signal : kAllSignals) {
+        if (chosen.Has(signal)) {
+            names += UiText(SignalTextId(signal));
+        }
+    }
+    m_signals->setText(type == 0         ? UiText(text::kStatusUnknown)
+                       : names.isEmpty() ? UiText(text::kSignalNone)
+                                         : names.join(QLatin1Char(' ')));
+}
+
+void TrackingDlg::ChooseSignals()
+{
+    SetSignal(m_command, m_reg, this).DoModal();
+    ShowSignals();
 }
 
 void TrackingDlg::Show(int index)
@@ -142,9 +171,7 @@ void TrackingDlg::Show(int index)
     m_satellites->SelectCode(CParts::ConvMinSVsData2Flag(set.GetMinSVsData(), kLeastSatellites));
     m_epochs->SetValue(set.GetSvEpochData());
     m_pdop->SetValue(set.GetPDOPMaskData(1));
-    for (const Switch& each : m_switches) {
-        each.box->setChecked((set.*each.get)() != 0);
-    }
+    m_msas->setChecked(set.GetMSASData() != 0);
 }
 
 void TrackingDlg::Keep()
@@ -155,9 +182,7 @@ void TrackingDlg::Keep()
     set.SetMinSVsData(CParts::ConvMinSVsFlag2Data(m_satellites->GetCode(), kLeastSatellites));
     set.SetSvEpochData(static_cast<int>(m_epochs->GetValue()));
     set.SetPDOPMaskData(m_pdop->GetValue());
-    for (const Switch& each : m_switches) {
-        (set.*each.set)(each.box->isChecked() ? 1 : 0);
-    }
+    set.SetMSASData(m_msas->isChecked() ? 1 : 0);
 }
 
 bool TrackingDlg::OnClose(int result)
@@ -169,7 +194,8 @@ bool TrackingDlg::OnClose(int result)
     if (SaveAll()) {
         return true;
     }
-    CMesBox().Fail(text::kTrackingNotKept, text::kTrackingTitle);
+    TellNotKept(text::kTrackingTitle, m_command != nullptr ? m_command->GetHost() : DefaultHost(),
+                m_reg);
     return false;
 }
 
@@ -180,7 +206,7 @@ bool TrackingDlg::SaveAll() const
             return false;
         }
     }
-    return true;
+    return SaveSurvey(m_reg, static_cast<std::size_t>(m_shown)) == 1;
 }
 
 } // namespace fieldcore

@@ -8,14 +8,17 @@
 
 class QCheckBox;
 class QFormLayout;
+class QLabel;
 
 namespace fieldcore {
 
+class CCommand;
 class CSpinDouble;
 class CTComboBox;
 
 /// The tracking parameters of every survey type, seen and changed one survey at a time and stored
-/// together with OK. User-interface thread only.
+/// together with OK; the one that is seen then is the one that is run. The signals are those of the
+/// receiver, chosen on their own page. User-interface thread only.
 class TrackingDlg : public Dialog
 {
     Q_OBJECT
@@ -23,8 +26,11 @@ class TrackingDlg : public Dialog
 public:
     static constexpr int kSurvey = 1; ///< number of the list of surveys
 
-    /// @param roots  must outlive the dialog
-    explicit TrackingDlg(SettingsRoots& roots = SettingsRoots::Instance(),
+    static constexpr int kSignals = 2; ///< number of the signals that are chosen
+
+    /// @param command  of the receiver; null: its signals cannot be chosen. It and @p roots must
+    ///                 outlive the dialog
+    explicit TrackingDlg(CCommand* command, SettingsRoots& roots = SettingsRoots::Instance(),
                          QWidget* parent = nullptr);
     ~TrackingDlg() override;
 
@@ -33,19 +39,15 @@ protected:
     bool OnClose(int result) override;
 
 private:
-    struct Switch
-    {
-        QCheckBox* box; // owned by the dialog
-        int (CGPSPrm::*get)() const;
-        void (CGPSPrm::*set)(int);
-    };
-
     void BuildFields(QFormLayout& form);
     void Show(int index);
+    void ShowSignals();
+    void ChooseSignals();
     void Keep();
     /// @return false if a survey could not be stored
     [[nodiscard]] bool SaveAll() const;
 
+    CCommand* const m_command;
     const HostReg m_reg;
     std::vector<CGPSPrm> m_sets; // in the order of AllSurveys()
     int m_shown = 0;
@@ -55,7 +57,8 @@ private:
     CTComboBox* m_satellites;
     CSpinDouble* m_epochs;
     CSpinDouble* m_pdop;
-    std::vector<Switch> m_switches;
+    QLabel* m_signals;
+    QCheckBox* m_msas;
 };
 
 } // namespace fieldcore

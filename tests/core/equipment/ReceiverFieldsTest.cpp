@@ -30,9 +30,26 @@ StatusView At(Clock::Duration now)
     return {now, kUtc + now - 100s};
 }
 
+/// Satellites at these elevations, degrees.
+TimedValue<SatelliteList> Sky(std::initializer_list<int> elevations)
+{
+    TimedValue<SatelliteList> sky{{}, 100s};
+    for (const int elevationDeg : elevations) {
+        ListedSatellite satellite;
+        satellite.elevationDeg = elevationDeg;
+        sky.value.satellites.push_back(satellite);
+    }
+    return sky;
+}
+
 TEST(ReceiverFields, SayTheSameToEverybody)
 {
     constexpr auto kNothing = [](Receiver&) {};
+    constexpr auto kLeaning = [](Receiver& r) { // 0.01 rad; 1.8 m high, 18 mm off
+        r.tilt = {TiltReading{}, 100s};
+        r.tilt->value.tiltRad = 0.01;
+    };
+    constexpr auto kSky = [](Receiver& r) { r.tracked = Sky({14, 15, 80}); };
     constexpr auto kNoTrust = [](Receiver& r) { r.isSynchronised = false; };
     struct Row
     {
@@ -113,13 +130,31 @@ TEST(ReceiverFields, SayTheSameToEverybody)
          "navigationFirmware", L"--", "--"},
         {"memory that was not told", [](Receiver& r) { r.identity.options->memory = 0; },
          "memoryMb", L"--", "--"},
+        {"tilt", kLeaning, "tiltDeg", L"0.57 °", "0.5730 deg"},
+        {"tilt that is no number",
+         [](Receiver& r) {
+             r.tilt = {TiltReading{}, 100s};
+             r.tilt->value.tiltRad = std::numeric_limits<double>::quiet_NaN();
+         },
+         "tiltDeg", L"--", "--"},
+        {"antenna beside the point", kLeaning, "tiltOffsetMm", L"18 mm", "--"},
+        {"pole upside down",
+         [](Receiver& r) {
+             r.tilt = {TiltReading{}, 100s};
+             r.tilt->value.tiltRad = 3.0;
+         },
+         "tiltOffsetMm", L"--", "--"},
+        {"satellites above the mask", kSky, "satellitesAboveMask", L"2", "--"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         Receiver receiver = KnownReceiver();
         row.change(receiver);
         const ReceiverField& field = FieldOf(row.key);
-        EXPECT_EQ(FieldText(field, receiver, At(101s)), row.text);
+        StatusView view = At(101s);
+        view.limits = ObservingLimits{15, 5, 7.0};
+        view.antennaHeightM = 1.8;
+        EXPECT_EQ(FieldText(field, receiver, view), row.text);
         EXPECT_EQ(ReportField(field, receiver).Words(), row.words);
     }
     for (const ReceiverField& field : AllReceiverFields()) { // of nobody nothing is known
@@ -149,6 +184,43 @@ TEST(ReceiverFields, TellWhenAStaleValueCame)
     for (const StatusRow& row : StatusRowsOf({}, At(100s))) {
         EXPECT_TRUE(row.isStale && row.age.empty()) << row.field->key;
     }
+}
+
+TEST(ReceiverFields, WarnWhenASurveysLimitsAreBroken)
+{
+    const std::wstring kPdop = L"PDOP 2.1（制限 2.0）";
+    const std::wstring kFew = L"高度角15度以上の衛星 2（最少 3）";
+    struct Row
+    {
+        const char* fault;
+        float pdop;
+        std::initializer_list<int> elevations;
+        Clock::Duration now;
+        bool hasLimits;
+        std::vector<std::wstring> broken;
+    };
+    const Row rows[] = {
+        {"on the limits", 2.0F, {15, 40, 70}, 101s, true, {}},
+        {"PDOP that reads as its limit", 2.04F, {15, 40, 70}, 101s, true, {}},
+        {"PDOP above", 2.1F, {15, 40, 70}, 101s, true, {kPdop}},
+        {"one below the mask", 1.0F, {14, 40, 70}, 101s, true, {kFew}},
+        {"both", 2.1F, {14, 40, 70}, 101s, true, {kPdop, kFew}},
+        {"no limits", 2.1F, {14}, 101s, false, {}},
+        {"none that can be told", 99.9F, {14, 40, 70}, 101s, true, {kFew}},
+        {"old values", 2.1F, {14, 40, 70}, 200s, true, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Receiver receiver = KnownReceiver();
+        receiver.position->value.pdop = row.pdop;
+        receiver.tracked = Sky(row.elevations);
+        StatusView view = At(row.now);
+        if (row.hasLimits) {
+            view.limits = ObservingLimits{15, 3, 2.0};
+        }
+        EXPECT_EQ(BrokenLimits(receiver, view), row.broken);
+    }
+    EXPECT_TRUE(BrokenLimits({}, {101s, kUtc, 0, false, ObservingLimits{15, 3, 2.0}}).empty());
 }
 
 TEST(ReceiverFields, NameTheNearestZone)

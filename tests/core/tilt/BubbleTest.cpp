@@ -2,7 +2,7 @@
 // with 40 arc minutes for 2 mm a radian is 649.653 pixels.
 
 #include "core/tilt/Bubble.h"
-#include "core/tilt/BubblePoll.h"
+#include "core/tilt/TiltQuestion.h"
 #include "tests/core/tilt/SensorLine.h"
 
 #include <cmath>
@@ -247,50 +247,47 @@ TEST(Bubble, IsShownOnlyWhenTheSensorCanBeBelieved)
     }
 }
 
-TEST(BubblePoll, KeepsThePictureThroughWhatFails)
+TEST(TiltQuestion, TellsWhyThereIsNoReading)
 {
-    SensorLine line(10.0); // 200 ms of a watch make a picture stale
-    SensorWords words;
-    words.t2Rad = 0.01;
-    line.Say(words);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-    BubblePoll poll;
-    const auto ask = [&] {
-        const TiltHeard heard = AskTilt(line.command, false);
-        poll.Take(heard, {});
-        return heard.isAnswered;
+    struct Row
+    {
+        const char* fault;
+        unsigned status;
+        bool answers;
+        const char* rule; // of the line
+        TiltState state;
+        bool isKnown; // the reading, afterwards
     };
-    EXPECT_TRUE(poll.IsStale(line.clock.Steady()));
-    EXPECT_TRUE(poll.Picture().isNotReady);
-    ASSERT_TRUE(ask());
-    const BubblePicture good = poll.Picture();
-    EXPECT_EQ(good.x, 6);
-    EXPECT_FALSE(poll.IsStale(line.clock.Steady()));
-
-    for (double SensorWords::*const angle :
-         {&SensorWords::t1Rad, &SensorWords::t2Rad, &SensorWords::tiltRad}) {
-        for (const double bad : {kNan, kInfinity, -kInfinity}) {
-            SensorWords damaged;
-            damaged.*angle = bad;
-            line.Say(damaged);
-            EXPECT_TRUE(ask());
-            EXPECT_EQ(poll.Picture(), good);
+    const Row rows[] = {
+        {"there", 0x41, true, "", TiltState::Heard, true},
+        {"unplugged", 0x00, true, "", TiltState::Absent, true},
+        {"silent", 0x41, false, "", TiltState::Silent, false},
+        {"never built in", 0x41, true, "nak on C8", TiltState::NotBuiltIn, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        SensorLine line;
+        SensorWords words;
+        words.status = row.status;
+        words.answers = row.answers;
+        line.Say(words);
+        EXPECT_EQ(AskTilt(line.command, true), TiltState::NoReceiver);
+        if (*row.rule == '\0') {
+            ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::milliseconds(500)));
+        } else {
+            ASSERT_NO_FATAL_FAILURE(line.Start({}, std::chrono::seconds(20)));
+            simulator::FaultRule rule;
+            std::string error;
+            ASSERT_TRUE(simulator::ParseFaultRule(row.rule, rule, error)) << error;
+            line.simulator->AddFault(rule);
         }
+        EXPECT_EQ(AskTilt(line.command, true), row.state);
+        const Receiver known = line.command.Heard();
+        EXPECT_EQ(known.tilt.has_value(), row.isKnown);
+        EXPECT_EQ(known.calibration.has_value(), row.isKnown) << "the record behind it";
+        CCommand other(line.command, SilentHost::Instance());
+        EXPECT_EQ(other.Heard(), known) << "one value for all faces of the line";
     }
-    words.answers = false;
-    line.Say(words);
-    line.command.SetReplyTimeout(std::chrono::milliseconds(500));
-    EXPECT_FALSE(ask()) << "silence was not told";
-    line.command.SetReplyTimeout(std::chrono::seconds(200));
-    EXPECT_EQ(poll.Picture(), good);
-    line.clock.Sleep(BubblePoll::kStaleAge);
-    EXPECT_TRUE(poll.IsStale(line.clock.Steady()));
-    words.answers = true;
-    words.t2Rad = -0.01;
-    line.Say(words);
-    EXPECT_TRUE(ask());
-    EXPECT_EQ(poll.Picture().x, -6);
-    EXPECT_FALSE(poll.IsStale(line.clock.Steady()));
 }
 
 } // namespace

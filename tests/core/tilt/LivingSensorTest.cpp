@@ -1,8 +1,9 @@
 // A sensor on a pole that moves, that comes and goes, and whose calibration ends in every way.
 
 #include "core/resources/StringTable.h"
-#include "core/tilt/BubblePoll.h"
+#include "core/tilt/Bubble.h"
 #include "core/tilt/CalibrationRun.h"
+#include "core/tilt/TiltQuestion.h"
 #include "tests/core/tilt/SensorLine.h"
 
 #include <algorithm>
@@ -24,17 +25,23 @@ simulator::Scenario WithSensor(const std::string& lines)
     return scenario.value_or(simulator::Scenario());
 }
 
-/// What a poll shows tick by tick, for so long.
+/// What the sensor says now makes this.
+BubblePicture Look(SensorLine& line)
+{
+    EXPECT_TRUE(IsAnswered(AskTilt(line.command, false)));
+    const auto reading = line.command.Heard().tilt;
+    EXPECT_TRUE(reading);
+    return reading ? PictureOf(reading->value, {}) : BubblePicture();
+}
+
+/// What is shown tick by tick, for so long.
 std::vector<BubblePicture> Watch(SensorLine& line, std::chrono::seconds time)
 {
     std::vector<BubblePicture> pictures;
-    BubblePoll poll;
     const Clock::Duration end = line.clock.Steady() + time;
     while (line.clock.Steady() < end) {
-        poll.Take(AskTilt(line.command, false), {});
-        EXPECT_FALSE(poll.IsStale(line.clock.Steady()));
-        pictures.push_back(poll.Picture());
-        line.clock.Sleep(BubblePoll::kInterval);
+        pictures.push_back(Look(line));
+        line.clock.Sleep(kBubbleRhythm.interval);
     }
     return pictures;
 }
@@ -166,15 +173,12 @@ TEST(LivingSensor, ACalibrationGetsTooOldAndALongerPeriodMakesItGood)
     ASSERT_TRUE(settings.Refresh());
     EXPECT_EQ(settings.StatusTextId(), text::kTiltExpired);
     EXPECT_EQ(settings.Remain(), L"あと0日0時間0分0秒");
-    BubblePoll poll;
-    poll.Take(AskTilt(line.command, false), {});
-    EXPECT_TRUE(poll.Picture().needsCalibration);
+    EXPECT_TRUE(Look(line).needsCalibration);
     EXPECT_EQ(settings.EnterExpiry(L"744"), 1);
     ASSERT_TRUE(settings.Refresh());
     EXPECT_EQ(settings.StatusTextId(), text::kTiltCompleted);
     EXPECT_GT(RemainingSeconds(settings.Record(), settings.Reading()), 23 * 3600);
-    poll.Take(AskTilt(line.command, false), {});
-    EXPECT_TRUE(poll.Picture().showBubble);
+    EXPECT_TRUE(Look(line).showBubble);
 }
 
 } // namespace

@@ -134,37 +134,48 @@ TEST(Tracking, KeepsEverySurveyByItself)
         ResetTracking(parameters, kind);
         parameters.SetSvEpochData(static_cast<int>(sections.size()) + 100);
         parameters.SetPDOPMaskData(4.5);
-        parameters.SetL2CData(1);
+        parameters.SetMSASData(1);
         parameters.SetElMaskData(60);
         ASSERT_EQ(SaveTracking(line.reg, kind, parameters), 1);
     }
     EXPECT_EQ(sections.size(), 13U) << "no two share a section";
+    SignalSet chosen;
+    chosen.Set(Signal::L2c, true);
+    ASSERT_EQ(SaveSignals(line.reg, 3017, chosen), 1);
     int epochs = 100;
     for (const SurveyKind& kind : AllSurveys()) {
         CGPSPrm parameters(line.roots);
-        LoadTracking(line.reg, kind, parameters);
+        LoadTracking(line.reg, kind, 3017, parameters);
         EXPECT_EQ(parameters.GetSvEpochData(), ++epochs);
         EXPECT_EQ(parameters.GetPDOPMaskData(1), 4.5);
-        EXPECT_EQ(parameters.GetL2CData(), 1);
+        EXPECT_EQ(parameters.GetMSASData(), 1);
+        EXPECT_EQ(parameters.GetL2CData(), 1) << "the receiver's choice is that of every survey";
+        EXPECT_EQ(parameters.GetGLONASSData(), 0);
         EXPECT_EQ(parameters.GetElMaskData(), 60);
         EXPECT_EQ(parameters.GetSurveyType(), kind.surveyType);
     }
     // What nobody can have chosen is what a new user has.
     const SurveyKind& kind = AllSurveys().front();
     const std::wstring key = std::wstring(L"GPS\\Tracking\\") + SectionOf(kind);
-    for (const wchar_t* const name : {L"Interval", L"ElMask", L"SvEpoch", L"MinSVs", L"Glonass"}) {
+    for (const wchar_t* const name : {L"Interval", L"ElMask", L"SvEpoch", L"MinSVs", L"MSAS"}) {
         line.reg.WriteNumber(key, name, 7777777);
     }
     line.reg.WriteNumber(key, L"ElMask", 55);
     line.reg.WriteString(key, L"PDOPMask", L"inf");
     CGPSPrm parameters(line.roots);
-    LoadTracking(line.reg, kind, parameters);
+    LoadTracking(line.reg, kind, 0, parameters);
     EXPECT_EQ(parameters.GetIntervalData(), 1);
     EXPECT_EQ(parameters.GetElMaskData(), 15);
     EXPECT_EQ(parameters.GetSvEpochData(), 10);
     EXPECT_EQ(parameters.GetMinSVsData(), 5);
-    EXPECT_EQ(parameters.GetGLONASSData(), 1);
+    EXPECT_EQ(parameters.GetMSASData(), 0);
     EXPECT_EQ(parameters.GetPDOPMaskData(1), 7.0);
+
+    EXPECT_EQ(LoadSurvey(line.reg), 0U) << "of a new user";
+    ASSERT_EQ(SaveSurvey(line.reg, 9), 1);
+    EXPECT_EQ(LoadSurvey(line.reg), 9U);
+    line.reg.WriteString(L"GPS\\Tracking", L"Survey", L"nonsense");
+    EXPECT_EQ(LoadSurvey(line.reg), 0U);
 }
 
 } // namespace
