@@ -1,9 +1,9 @@
 #include "ui/planning/SkyPlotDlg.h"
 
-#include "core/host/MesBox.h"
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/NotKept.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TouchStyle.h"
@@ -328,10 +328,8 @@ void CSkyPlot::ChooseView(SkyPlotSettings::View view)
 
 void CSkyPlot::KeepSettings()
 {
-    if (SaveSkyPlotSettings(m_reg, m_settings) == 0 && !std::exchange(m_isLossTold, true)) {
-        CMesBox(m_command != nullptr ? m_command->GetHost() : DefaultHost())
-            .Fail(text::kSkyNotKept, windowTitle().toStdWString());
-    }
+    KeptOrTold(SaveSkyPlotSettings(m_reg, m_settings), text::kSkyNotKept,
+               m_command != nullptr ? m_command->GetHost() : DefaultHost(), m_reg);
 }
 
 void CSkyPlot::ChooseSatellite(int row)

@@ -100,7 +100,6 @@ private:
     std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
     SkyPlotSettings m_settings;
     bool m_isFromBelow = false;
-    bool m_isLossTold = false; // of settings that could not be stored
     bool m_isShowing = false;  // a choice is carried from one control to the others
 
     // Owned by the dialog, as are all controls.

@@ -4,6 +4,7 @@
 #include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/NotKept.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/PrgEndMes.h"
@@ -283,9 +284,7 @@ bool CSurveyPlan::OnClose(int result)
 
 void CSurveyPlan::OnDestroy()
 {
-    if (m_session.SaveSettings() == 0) {
-        CMesBox(GetHost()).Fail(text::kPlanNotKept, text::kPlanTitle);
-    }
+    KeptOrTold(m_session.SaveSettings(), text::kPlanNotKept, GetHost(), m_reg);
     KillTimer(kRefreshTimer);
 }
 
