@@ -100,7 +100,7 @@ private:
     std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
     SkyPlotSettings m_settings;
     bool m_isFromBelow = false;
-    bool m_isShowing = false;  // a choice is carried from one control to the others
+    bool m_isShowing = false; // a choice is carried from one control to the others
 
     // Owned by the dialog, as are all controls.
     LiveSkyHead* m_head = nullptr;
