@@ -59,7 +59,7 @@ TrackingDlg::TrackingDlg(SettingsRoots& roots, QWidget* parent)
     {
         int textId;
         int (CGPSPrm::*get)() const;
-        void (CGPSPrm::*set)(int);
+        int (CGPSPrm::*set)(int);
     } switches[] = {{text::kSignalGlonass, &CGPSPrm::GetGLONASSData, &CGPSPrm::SetGLONASSData},
                     {text::kSignalQzss, &CGPSPrm::GetQZSSData, &CGPSPrm::SetQZSSData},
                     {text::kSignalGalileo, &CGPSPrm::GetGalileoData, &CGPSPrm::SetGalileoData},

@@ -37,7 +37,7 @@ private:
     {
         QCheckBox* box; // owned by the dialog
         int (CGPSPrm::*get)() const;
-        void (CGPSPrm::*set)(int);
+        int (CGPSPrm::*set)(int);
     };
 
     void BuildFields(QFormLayout& form);
