@@ -846,6 +846,31 @@ constexpr Entry kEntries[] = {
     Entry{text::kPortNameDevice, L"COM番号に割り当てられたデバイスのパスが正しくありません。"},
     Entry{text::kFramesLine, L"文字「%1」"},
     Entry{text::kFramesNoise, L"フレーム外"},
+    Entry{text::kAntennaTypeUnknown,
+          L"保存されている機種は一覧にありません。機種を選択してください。"},
+    Entry{text::kAntennaMethodUnknown,
+          L"保存されている測定方法は一覧にありません。測定方法を選択してください。"},
+    Entry{text::kAntennaTypeUnlisted, L"（一覧にない機種）"},
+    Entry{text::kAntennaMethodUnlisted, L"（一覧にない測定方法）"},
+    Entry{text::kAntennaStripUnknown, L"アンテナ 測定値 %.3f m（測定方法が不明）"},
+    Entry{text::kAntennaHowUnknown, L"測定方法が分からないため、測定値をそのまま使います。"},
+    Entry{text::kAntennaChangeRole,
+          L"変更した内容は保存されていません。\n破棄して用途を切り替えますか？"},
+    Entry{text::kComKnownDefault, L"受信機側の設定は分かりません。表示は初期値です。"
+                                  L"選び直さないかぎり、受信機へ送信しません。"},
+    Entry{text::kComKnownStored,
+          L"受信機側の設定は分かりません。表示はコントローラに保存されている値です。"
+          L"選び直さないかぎり、受信機へ送信しません。"},
+    Entry{text::kComKnownWaiting, L"この設定はまだ受信機に送信していません。「OK」で送信します。"},
+    Entry{text::kComMovedNotStored,
+          L"受信機のCOM%dは新しい設定に変わりましたが、保存できませんでした。\n"
+          L"この接続は新しい設定で続けます。空き容量を確認して、もう一度設定してください。"},
+    Entry{text::kComLinkNotTakenBack,
+          L"受信機は変更前の設定で応答していますが、コントローラの設定を元に戻せませんでした。\n"
+          L"空き容量を確認して、もう一度設定してください。"},
+    Entry{text::kAppPortNotStored,
+          L"接続先を保存できませんでした。次の起動では元の接続先になります。\n"
+          L"空き容量を確認して、もう一度選択してください。"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

@@ -707,6 +707,21 @@ inline constexpr int kPortNameDevice = 61267;
 inline constexpr int kFramesLine = 61300; ///< text, shown by UiText().arg()
 inline constexpr int kFramesNoise = 61301;
 
+// What the antenna lacks, and what is known of the receiver's ports
+inline constexpr int kAntennaTypeUnknown = 61470;
+inline constexpr int kAntennaMethodUnknown = 61471;
+inline constexpr int kAntennaTypeUnlisted = 61472; ///< in the place of a name, as the next
+inline constexpr int kAntennaMethodUnlisted = 61473;
+inline constexpr int kAntennaStripUnknown = 61474; ///< measured, m
+inline constexpr int kAntennaHowUnknown = 61475;
+inline constexpr int kAntennaChangeRole = 61476;
+inline constexpr int kComKnownDefault = 61480;
+inline constexpr int kComKnownStored = 61481;
+inline constexpr int kComKnownWaiting = 61482;
+inline constexpr int kComMovedNotStored = 61483; ///< number of the port
+inline constexpr int kComLinkNotTakenBack = 61484;
+inline constexpr int kAppPortNotStored = 61485;
+
 // The receiver's state
 inline constexpr int kPlanSiteMissing = 60980;
 inline constexpr int kPowerSource1 = 61000;
