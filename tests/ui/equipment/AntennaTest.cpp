@@ -309,6 +309,7 @@ TEST_F(AntennaDialog, HasAnAntennaChosenThatIsGone)
     EXPECT_TRUE(Says(L"1.500 m"));
     EXPECT_TRUE(Says(Text(text::kAntennaTypeUnknown)));
     dialog.resize(480, 640);
+    QApplication::processEvents(); // which lays the page out
     KeepPicture(dialog, QStringLiteral("antenna-gone"));
     dialog.Close(Dialog::kOk);
     EXPECT_TRUE(dialog.isVisible());
