@@ -119,7 +119,11 @@ void Controller::UseStore()
 
 bool Controller::ConnectQuietly(std::wstring& fault)
 {
-    const FoundTarget found = Target();
+    return ConnectQuietly(Target(), fault);
+}
+
+bool Controller::ConnectQuietly(const FoundTarget& found, std::wstring& fault)
+{
     const std::optional<ConnectTarget>& target = found.target;
     if (!target) {
         fault = found.fault;
@@ -187,6 +191,13 @@ void Controller::AskUser()
     Q_EMIT Changed();
 }
 
+std::wstring Controller::ReceiverSerial() const
+{
+    const CRecvInfo info = Info();
+    const wchar_t* const serial = info.GetRecvSNLong();
+    return serial != nullptr ? serial : L"";
+}
+
 int Controller::ReceiverPorts() const
 {
     const CRecvInfo info = Info();
@@ -200,13 +211,14 @@ void Controller::Disconnect()
     Q_EMIT Changed();
 }
 
-void Controller::Choose(const ConnectChoice& choice)
+bool Controller::Choose(const ConnectChoice& choice)
 {
     m_choice = choice;
-    SaveConnectChoice(m_ownReg, choice);
+    const bool isPortKept = SaveConnectChoice(m_ownReg, choice) == 1;
     UseStore();
-    SetLinkRate(choice.baudRate, m_roots);
+    const bool isRateKept = SetLinkRate(choice.baudRate, m_roots) == 1;
     ReadLinkRate();
+    return isPortKept && isRateKept;
 }
 
 void Controller::ReadLinkRate()
@@ -220,24 +232,27 @@ int Controller::FollowLink(PortEdit& edit)
     if (m_command->IsPortOpen() == 0) {
         return 0; // the next connection will have them
     }
-    const FoundTarget found = Target();
+    FoundTarget found = Target();
     if (!found.target) {
         return text::kComLinkLost;
     }
+    found.target->settings = edit.LinkWanted();
     const LinkFollowed followed =
         fieldcore::FollowLink(*m_command, *found.target, edit.LinkBefore());
+    bool isBack = true;
     if (followed == LinkFollowed::Stayed) {
-        edit.TakeLinkBack();
+        found.target->settings = edit.LinkBefore();
+        isBack = edit.TakeLinkBack() == 1;
         ReadLinkRate();
     }
     const bool isOpen = followed == LinkFollowed::Moved || followed == LinkFollowed::Stayed;
     std::wstring fault;
-    if (!isOpen || !ConnectQuietly(fault)) {
+    if (!isOpen || !ConnectQuietly(found, fault)) {
         Disconnect();
     }
     switch (followed) {
     case LinkFollowed::Stayed:
-        return text::kComLinkStayed;
+        return isBack ? text::kComLinkStayed : text::kComLinkNotTakenBack;
     case LinkFollowed::Lost:
         return text::kComLinkLost;
     case LinkFollowed::Moved:

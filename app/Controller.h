@@ -58,15 +58,18 @@ public:
     void Disconnect();
 
     /// @param choice  stored in the settings, too: its rate as that of the controller's own line
-    void Choose(const ConnectChoice& choice);
+    /// @return false if it could not be stored
+    bool Choose(const ConnectChoice& choice);
     [[nodiscard]] const ConnectChoice& Choice() const { return m_choice; }
 
     /// The port of the receiver that the controller is plugged into, and how many it has, as it
     /// said last; 1 and the most that there can be before it said anything.
     [[nodiscard]] int ReceiverPort() const { return Info().GetCurrentPortID(); }
     [[nodiscard]] int ReceiverPorts() const;
-    /// Connects with the parameters of the line that @p edit has just stored; goes back to those
-    /// before if the receiver has stayed there.
+    /// Empty before it said anything.
+    [[nodiscard]] std::wstring ReceiverSerial() const;
+    /// Connects with the parameters of the line that @p edit wants, stored or not; goes back to
+    /// those before if the receiver has stayed there.
     /// @return string-table number of what to tell the user, 0 if all is well
     int FollowLink(PortEdit& edit);
 
@@ -122,6 +125,7 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] CRecvInfo Info() const { return CRecvInfo(m_link->Heard().identity); }
+    bool ConnectQuietly(const FoundTarget& found, std::wstring& fault);
     [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent, int reconnect,
                                                           const FoundTarget& found);
     void AskUser();

@@ -187,8 +187,7 @@ void Session::ChoosePort()
     PortChooserDlg chooser(m_controller.Ports(), Scenarios(), m_controller.Choice(), {},
                            m_window.get());
     if (chooser.DoModal() == Dialog::kOk) {
-        m_controller.Choose(chooser.Choice());
-        Connect();
+        Use(chooser.Choice());
     }
 }
 
@@ -206,9 +205,17 @@ void Session::ChangeSettings()
     ShowChosenTheme();
     const std::optional<ConnectChoice> port = sheet.ChosenPort();
     if (port && *port != m_controller.Choice()) {
-        m_controller.Choose(*port);
-        Connect();
+        Use(*port);
     }
+}
+
+/// Connects to where the user wants to from now on.
+void Session::Use(const ConnectChoice& choice)
+{
+    if (!m_controller.Choose(choice)) {
+        CMesBox(m_controller.Host()).Fail(text::kAppPortNotStored, text::kComFailedCaption);
+    }
+    Connect();
 }
 
 void Session::ChangeAntenna()
@@ -312,7 +319,10 @@ void Session::StartBubble()
 void Session::ForceInit()
 {
     const ReceiverLink::Hold hold(m_controller.Link());
-    CRecvForceInit(m_controller.Command()).DoModal(*m_controller.MakeConnect(m_window.get()));
+    CRecvForceInit reset(m_controller.Command());
+    if (reset.DoModal(*m_controller.MakeConnect(m_window.get())) == CRecvForceInit::Done) {
+        ForgetPorts(m_controller.Roots());
+    }
 }
 
 void Session::ShowAbout()

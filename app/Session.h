@@ -36,6 +36,7 @@ private:
     void ChangeAntenna();
     void ChangePorts();
     void Connect();
+    void Use(const ConnectChoice& choice);
     void ConnectAtStart();
     /// Makes a connection that a page has made for itself that of the program.
     void TakeLinkOver();

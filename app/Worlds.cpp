@@ -39,7 +39,7 @@ CRecvFileMan::Surroundings FilesWorld(Controller& controller, QWidget* parent)
 CComPort::Surroundings PortsWorld(Controller& controller)
 {
     return {&controller.Roots(), controller.ReceiverPorts(),
-            [&controller] { return controller.Target().target; }};
+            [&controller] { return controller.Target().target; }, controller.ReceiverSerial()};
 }
 
 std::vector<ScenarioChoice> Scenarios()

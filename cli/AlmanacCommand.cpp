@@ -1,6 +1,7 @@
 #include "cli/AlmanacReport.h"
 #include "cli/Command.h"
 #include "cli/PortSession.h"
+#include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
 
 #include "core/planning/AlmanacFile.h"
@@ -38,11 +39,32 @@ std::filesystem::path FolderOf(const Context& context)
     return Folders(context.world.folders).Program();
 }
 
+/// Where an almanac is put: in a dry run into a folder that goes away again, and is empty if it
+/// could not be made.
+std::filesystem::path TargetFolder(const Context& context, std::optional<ScratchFolder>& scratch)
+{
+    return context.dryRun ? scratch.emplace().Path() : FolderOf(context);
+}
+
+Failure NoScratchFolder()
+{
+    return FileFailure("A dry run needs a folder for temporary files, and none could be made.",
+                       "fieldcore-cli doctor");
+}
+
 void ShowText(Host& host, AlmanacMessage message)
 {
     if (message.text != 0) {
         host.ShowMessage(message.words.empty() ? Text(message.text) : message.words,
                          Text(message.caption), {BoxButtons::Ok, message.icon});
+    }
+}
+
+/// Tells the user how it ended; that it was replaced only if it was.
+void ShowResult(const Context& context, Host& host, AlmanacResult result)
+{
+    if (!context.dryRun || result != AlmanacResult::Done) {
+        ShowText(host, MessageOf(result));
     }
 }
 
@@ -73,14 +95,14 @@ Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacSto
                        "fieldcore-cli doctor");
 }
 
-/// The almanac as it now is in the program's folder, in short.
-Report Summary(const Context& context)
+/// The almanac as it now is, in short.
+/// @param folder  where it was put
+Report Summary(const Context& context, const std::filesystem::path& folder)
 {
-    const std::filesystem::path file = AlmanacPath(FolderOf(context));
     CSurveyPlanCalc almanac;
-    almanac.LoadAlmanac(file);
+    almanac.LoadAlmanac(AlmanacPath(folder));
     Report report;
-    report.Add("file", "file", Value::Text(file.string()));
+    report.Add("file", "file", Value::Text(AlmanacPath(FolderOf(context)).string()));
     AddAlmanacSummary(report, almanac, GpsNow(context.world));
     return report;
 }
@@ -109,11 +131,16 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
         }
         return !context.world.StopRequested();
     };
-    AlmanacStore store(FolderOf(context));
+    std::optional<ScratchFolder> scratch;
+    const std::filesystem::path folder = TargetFolder(context, scratch);
+    if (folder.empty()) {
+        return context.output.Failed(NoScratchFolder());
+    }
+    AlmanacStore store(folder);
     const AlmanacResult result = store.Update(session.Command(), onProgress);
     const AlmanacTally& tally = store.Tally();
     context.output.Progress("");
-    ShowText(host, MessageOf(result));
+    ShowResult(context, host, result);
     ShowText(host, MessageOf(result, tally));
     if (result == AlmanacResult::BrokenOff) {
         return context.output.Failed(LossOf(tally, "nothing was replaced"));
@@ -121,7 +148,7 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
     if (result != AlmanacResult::Done) {
         return context.output.Failed(FailureOf(result, context, store));
     }
-    Report report = Summary(context);
+    Report report = Summary(context, folder);
     report.Add("received", "received now", Value::Integer(tally.received));
     report.Add("missing", "unknown to receiver", Value::Integer(tally.missing));
     report.Add("lost", "not answered", Value::Integer(tally.lost));
@@ -184,16 +211,21 @@ ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records
                const AlmanacSource& source)
 {
     TerminalHost host(context.world, context.output);
-    AlmanacStore store(FolderOf(context));
+    std::optional<ScratchFolder> scratch;
+    const std::filesystem::path folder = TargetFolder(context, scratch);
+    if (folder.empty()) {
+        return context.output.Failed(NoScratchFolder());
+    }
+    AlmanacStore store(folder);
     const AlmanacResult result = store.Import(records, source);
-    ShowText(host, MessageOf(result));
+    ShowResult(context, host, result);
     if (result != AlmanacResult::Done) {
         return context.output.Failed(FailureOf(result, context, store));
     }
     CSurveyPlanCalc almanac;
-    almanac.LoadAlmanac(AlmanacPath(FolderOf(context)));
+    almanac.LoadAlmanac(AlmanacPath(folder));
     ShowAge(context, host, almanac, GpsNow(context.world));
-    return context.output.Done(Summary(context));
+    return context.output.Done(Summary(context, folder));
 }
 
 ExitCode Import(const Context& context, const AlmanacOptions& options)
@@ -225,7 +257,7 @@ ExitCode Sample(const Context& context, const AlmanacOptions& options)
 {
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
     std::error_code ignored;
-    if (std::filesystem::exists(file, ignored) && !options.yes) {
+    if (std::filesystem::exists(file, ignored) && !options.yes && !context.dryRun) {
         if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
             return context.output.Failed(
                 UsageFailure("There is an almanac already, which a made-up one would replace.",
@@ -261,6 +293,7 @@ Command AddAlmanacCommand(CLI::App& program)
     CLI::App& get = AddParser(parser, "get", "Receive the almanac from a receiver",
                               "  fieldcore-cli almanac get --port /dev/ttyUSB0\n"
                               "  fieldcore-cli almanac get --port sim:\n");
+    AddDryRun(get, "Receive it, show it, and replace nothing");
     options->port.AddTo(get);
 
     CLI::App& show =
@@ -283,11 +316,15 @@ Command AddAlmanacCommand(CLI::App& program)
             ->check(CLI::Range(0, 32767).description(""))
             ->type_name("N");
 
+    AddDryRun(import, "Read it, show it, and replace nothing");
+
     CLI::App& sample =
         AddParser(parser, "sample", "Make one up: the constellation as it was laid out",
                   "  fieldcore-cli almanac sample\n"
                   "  fieldcore-cli almanac sample --yes   in place of a real one\n");
-    sample.add_flag("--yes", options->yes, "Replace an almanac without asking");
+    CLI::Option* const yes =
+        sample.add_flag("--yes", options->yes, "Replace an almanac without asking");
+    AddDryRun(sample, "Show it, and replace nothing", yes);
 
     return {&parser, [=, &get, &show, &import](const Context& context) {
                 return get.parsed()      ? Get(context, *options)

@@ -1,5 +1,8 @@
 #include "cli/AngleText.h"
 
+#include "core/input/Check.h"
+#include "core/platform/Utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -154,10 +157,7 @@ std::string PackedText(double degrees, int decimals)
 
 std::optional<double> ParseMetres(std::string_view text)
 {
-    if (text.starts_with('+')) {
-        text.remove_prefix(1);
-    }
-    return ParseReal(text);
+    return TypedNumber(FromUtf8(text));
 }
 
 } // namespace fieldcore::cli

@@ -32,8 +32,8 @@ struct AngleResult
 /// The same as 35.412240, see AngleForm::Packed.
 [[nodiscard]] std::string PackedText(double degrees, int decimals);
 
-/// A length in metres, or another plain number.
-/// @return nothing if @p text is no finite number
+/// A length in metres, or another plain number, read as at the screens: see TypedNumber().
+/// @param text  UTF-8
 [[nodiscard]] std::optional<double> ParseMetres(std::string_view text);
 
 } // namespace fieldcore::cli

@@ -7,6 +7,8 @@
 #include "core/input/Parts.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
+#include "core/platform/WholeFile.h"
+#include "core/resources/StringTable.h"
 
 #include <memory>
 #include <optional>
@@ -30,6 +32,7 @@ struct AntennaOptions
     int method = 0; ///< 0: vertical
     std::string height;
     std::string serial;
+    std::string from; ///< file of logged data; empty: none
     std::string slant;
     std::string radius = "0";
     std::string vertical = "0";
@@ -151,6 +154,8 @@ std::string Derivation(const AntennaHeight& height)
     case AntennaReduction::TooShort:
     case AntennaReduction::Upright:
         return h + " + " + v + " = " + result;
+    case AntennaReduction::Unknown:
+        return "as measured: the catalogue does not have the method";
     case AntennaReduction::None:
         break;
     }
@@ -176,14 +181,34 @@ void WarnOfShort(const Context& context, const AntennaHeight& height)
     }
 }
 
-ExitCode ShowSettings(const Context& context, const Access& access, const AntennaOptions& options)
+/// What is stored, or would be, names a type or a method that there is not.
+Failure NotInCatalogue(const AntennaSettings& settings)
+{
+    const bool isType = settings.ChoiceFault() == text::kAntennaTypeUnknown;
+    const std::string type = std::to_string(settings.GetAntTypeFlag());
+    return {ExitCode::Failed, "antenna-unknown",
+            isType ? "The catalogue has no type " + type + ", which is stored."
+                   : "The catalogue has no method " + std::to_string(settings.GetAntWayFlag()) +
+                         " of type " + type + ", which is stored.",
+            std::string(isType ? "--type N" : "--method N") +
+                " chooses another; fieldcore-cli antenna list"};
+}
+
+/// @param isKnown  there is a height, stored or not
+ExitCode ShowSettings(const Context& context, const Access& access, const AntennaOptions& options,
+                      bool isKnown)
 {
     AntennaInfo info;
-    const bool isKnown = access.settings.GetAntInfo(info) != 0;
+    access.settings.GetAntInfo(info);
+    if (access.settings.ChoiceFault() != 0) {
+        context.output.Message("warning", "", NotInCatalogue(access.settings).message,
+                               Colour::Yellow);
+    }
     Report report;
     report.Add("role", "role", Value::Text(options.role));
     report.Add("type", "type", Value::Integer(info.type));
     report.Add("name", "name", Words(info.description.name));
+    report.Add("number", "number", Value::Integer(access.settings.GetAntNo()));
     report.Add("method", "method", Value::Integer(info.way));
     report.Add("methodName", "measured", Words(info.methodName));
     report.Add("serial", "serial number", Words(info.serial));
@@ -198,7 +223,7 @@ ExitCode ShowSettings(const Context& context, const Access& access, const Antenn
 ExitCode Show(const Context& context, const AntennaOptions& options)
 {
     const Access access(context, options);
-    return ShowSettings(context, access, options);
+    return ShowSettings(context, access, options, access.settings.GetAntFlag() != 0);
 }
 
 /// What is wrong with what shall be set.
@@ -212,8 +237,7 @@ std::optional<Failure> Check(const AntennaSettings& settings, const AntennaOptio
     }
     const int type = options.typeOption->count() > 0 ? options.type : settings.GetAntTypeFlag();
     if (options.methodOption->count() > 0 &&
-        (options.method < 0 ||
-         (options.method > 0 && !settings.Catalogue().Method(type, options.method - 1)))) {
+        (options.method < 0 || settings.GetAntWayStr(type, options.method).empty())) {
         return UsageFailure("Type " + std::to_string(type) + " has no method " +
                                 std::to_string(options.method) + ".",
                             "0 for a vertical height, or fieldcore-cli antenna list");
@@ -224,6 +248,25 @@ std::optional<Failure> Check(const AntennaSettings& settings, const AntennaOptio
                             "letters, digits and -, at most 16");
     }
     return std::nullopt;
+}
+
+/// Takes the antenna from a file of logged data.
+std::optional<Failure> TakeFrom(const std::string& file, AntennaSettings& settings)
+{
+    constexpr std::size_t kMost = 64U << 20U; // what a receiver logs in a day is less
+    const auto blocks = ReadWholeFile(file, kMost);
+    if (!blocks) {
+        return FileFailure(file + " cannot be read.", "Name a file of logged data.");
+    }
+    if (settings.GetAntInfoFromLoggingData(*blocks) != 0) {
+        return std::nullopt;
+    }
+    const std::string code = Printable(ToUtf8(settings.SourceCode()));
+    return Failure{ExitCode::Failed, "antenna-unknown",
+                   code.empty() ? file + " tells of no antenna."
+                                : "The catalogue does not have the antenna \"" + code +
+                                      "\" with the method of " + file + ".",
+                   "fieldcore-cli antenna list"};
 }
 
 ExitCode Set(const Context& context, const AntennaOptions& options)
@@ -237,10 +280,23 @@ ExitCode Set(const Context& context, const AntennaOptions& options)
     }
     Access access(context, options);
     AntennaSettings& settings = access.settings;
-    if (const std::optional<Failure> failure = Check(settings, options)) {
+    const Failure notStored = FileFailure(
+        "The antenna was not stored: the settings cannot be written.", "fieldcore-cli doctor");
+    if (!context.dryRun && !access.CanWrite()) {
+        return context.output.Failed(notStored); // then there may be no catalogue either
+    }
+    std::optional<Failure> failure;
+    if (!options.from.empty()) {
+        failure = TakeFrom(options.from, settings);
+    }
+    if (!failure) {
+        failure = Check(settings, options);
+    }
+    if (failure) {
         return context.output.Failed(*failure);
     }
-    const bool hasHeight = options.heightOption->count() > 0 || settings.GetAntFlag() != 0;
+    const bool hasHeight =
+        options.heightOption->count() > 0 || !options.from.empty() || settings.GetAntFlag() != 0;
     if (!hasHeight) {
         return context.output.Failed(
             UsageFailure("No height has been stored for this role yet.", "--height METRES"));
@@ -257,11 +313,13 @@ ExitCode Set(const Context& context, const AntennaOptions& options)
     if (options.serialOption->count() > 0) {
         settings.SetAntSN(FromUtf8(options.serial));
     }
-    if (!access.CanWrite() || settings.WriteRegAnt() == 0) {
-        return context.output.Failed(FileFailure(
-            "The antenna was not stored: the settings cannot be written.", "fieldcore-cli doctor"));
+    if (settings.ChoiceFault() != 0) {
+        return context.output.Failed(NotInCatalogue(settings));
     }
-    return ShowSettings(context, access, options);
+    if (!context.dryRun && settings.WriteRegAnt() == 0) {
+        return context.output.Failed(notStored);
+    }
+    return ShowSettings(context, access, options, true);
 }
 
 ExitCode Height(const Context& context, const AntennaOptions& options)
@@ -319,7 +377,8 @@ Command AddAntennaCommand(CLI::App& program)
     CLI::App& set =
         AddParser(parser, "set", "Store the antenna of a role; what is not named stays",
                   "  fieldcore-cli antenna set --type 3 --method 1 --height 1.543\n"
-                  "  fieldcore-cli antenna set --role reference --height 1.200 --serial A0001\n");
+                  "  fieldcore-cli antenna set --role reference --height 1.200 --serial A0001\n"
+                  "  fieldcore-cli antenna set --from A0314A00 --dry-run   what was logged with\n");
     AddRole(set, options);
     options->typeOption =
         set.add_option("--type", options->type, "Number of the type in the catalogue")
@@ -331,6 +390,10 @@ Command AddAntennaCommand(CLI::App& program)
         set.add_option("--height", options->height, "Height as measured, m")->type_name("METRES");
     options->serialOption =
         set.add_option("--serial", options->serial, "Serial number")->type_name("TEXT");
+    set.add_option("--from", options->from,
+                   "Take the last antenna of this file of logged data; the others go before it")
+        ->type_name("FILE");
+    AddDryRun(set, "Store nothing, show what would be");
 
     CLI::App& height = AddParser(parser, "height", "Reduce a slant height to a vertical one",
                                  "  fieldcore-cli antenna height --slant 1.5 --r 0.1 --v 0.05\n");

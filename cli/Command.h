@@ -10,7 +10,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace fieldcore::cli {
 
@@ -19,6 +20,7 @@ struct Context
 {
     const World& world;
     Output& output;
+    bool dryRun; ///< do everything but the change, see AddDryRun()
     /// What stands behind "--" on the command line: a command of the user's own.
     std::vector<std::string> userCommand;
 };
@@ -56,5 +58,11 @@ Command AddDemoCommand(CLI::App& program);
 /// Adds a parser with a name, one line about it, and examples, which its help begins with.
 CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
                     const std::string& examples);
+
+/// Offers --dry-run, as every command does that changes something: Context::dryRun tells it, and
+/// Output that nothing was changed.
+/// @param purpose  what is not done and what is shown instead
+/// @param yes      the option that makes no sense beside it; may be null
+CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option* yes = nullptr);
 
 } // namespace fieldcore::cli

@@ -16,6 +16,7 @@ namespace fieldcore::cli {
 namespace {
 
 constexpr const char* kProgram = "fieldcore-cli";
+constexpr const char* kDryRun = "--dry-run";
 
 constexpr const char* kExamples =
     R"(  fieldcore-cli demo                        see it all work, without a receiver
@@ -133,7 +134,9 @@ ExitCode Complain(const World& world, const Program& program, const CLI::ParseEr
 ExitCode Dispatch(const World& world, Program& program, std::vector<std::string> userCommand)
 {
     const CLI::App& parsed = LastParsed(program.parser);
-    Output output(world, program.version ? "version" : CommandName(parsed), program.json);
+    const CLI::Option* const dryRun = parsed.get_option_no_throw(kDryRun);
+    const bool isDryRun = dryRun != nullptr && dryRun->count() > 0;
+    Output output(world, program.version ? "version" : CommandName(parsed), program.json, isDryRun);
     if (program.version) {
         return ShowVersion(output);
     }
@@ -145,7 +148,7 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
     }
     for (const Command& command : program.commands) {
         if (command.parser->parsed()) {
-            return command.run({world, output, std::move(userCommand)});
+            return command.run({world, output, isDryRun, std::move(userCommand)});
         }
     }
     return output.Failed(UsageFailure("No command is named.", "fieldcore-cli --help"));
@@ -188,6 +191,15 @@ CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string
     CLI::App* const parser = parent.add_subcommand(name, purpose);
     parser->footer(examples);
     return *parser;
+}
+
+CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option* yes)
+{
+    CLI::Option* const option = parser.add_flag(kDryRun, purpose);
+    if (yes != nullptr) {
+        option->excludes(yes);
+    }
+    return option;
 }
 
 int RunCommandLine(const World& world, std::vector<std::string> arguments)

@@ -3,6 +3,7 @@
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 #include "cli/PortSession.h"
+#include "cli/ScratchFolder.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
@@ -16,7 +17,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -62,34 +62,6 @@ bool IsSameAsIn(const simulator::Simulator& simulator, const std::string& name,
     }
     return false;
 }
-
-/// A folder that goes away with what is in it.
-class ScratchFolder
-{
-public:
-    ScratchFolder()
-    {
-        std::error_code ignored;
-        std::string name =
-            (std::filesystem::temp_directory_path(ignored) / "fieldcore-demo-XXXXXX").string();
-        if (mkdtemp(name.data()) != nullptr) {
-            m_path = name;
-        }
-    }
-    ~ScratchFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    /// Empty if it could not be made.
-    [[nodiscard]] const std::filesystem::path& Path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
 
 /// The guided session. Each part tells what it is about to do, does it, and shows what came.
 class Demo

@@ -64,14 +64,14 @@ ExitCode Run(const Context& context, const Options& options)
         const std::uint32_t rate = session.Target().settings.baudRate;
         report.Add("answersAt", "answers at", Value::Integer(rate, "bit/s"));
         SettingsRoots roots{Folders(context.world.folders)};
-        if (options.store &&
+        if (options.store && !context.dryRun &&
             (!roots.Store(RootKey::CurrentUser).IsKept() || SetLinkRate(rate, roots) == 0)) {
             return context.output.Failed(FileFailure(
                 "The rate could not be stored: " + roots.File(RootKey::CurrentUser).string() +
                     " cannot be written, or nothing but --baud has it.",
                 "fieldcore-cli doctor"));
         }
-        report.Add("stored", "stored", Value::YesNo(options.store));
+        report.Add("stored", "stored", Value::YesNo(options.store && !context.dryRun));
     }
     return context.output.Done(report);
 }
@@ -90,7 +90,9 @@ Command AddIdentifyCommand(CLI::App& program)
     auto options = std::make_shared<Options>();
     options->AddTo(parser);
     parser.add_flag("--search", options->search, "Try one rate after the other");
-    parser.add_flag("--store", options->store, "Store the rate that --search finds");
+    CLI::Option* const store =
+        parser.add_flag("--store", options->store, "Store the rate that --search finds");
+    AddDryRun(parser, "Store nothing")->needs(store);
     return {&parser, [options](const Context& context) { return Run(context, *options); }};
 }
 

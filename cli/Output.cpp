@@ -102,8 +102,8 @@ std::string PrintableLines(std::string_view text)
 
 } // namespace
 
-Output::Output(const World& world, std::string command, bool json)
-    : m_world(world), m_command(std::move(command)), m_json(json)
+Output::Output(const World& world, std::string command, bool json, bool isDryRun)
+    : m_world(world), m_command(std::move(command)), m_json(json), m_isDryRun(isDryRun)
 {}
 
 ExitCode Output::Done(const Report& report)
@@ -115,6 +115,9 @@ ExitCode Output::Done(const Report& report, std::string_view words)
 {
     TellPosted();
     Progress("");
+    if (m_isDryRun) {
+        Note("This was a dry run: nothing was changed.");
+    }
     if (m_json) {
         WriteJson(&report, nullptr);
     } else {
@@ -201,6 +204,9 @@ std::string Output::Painted(std::string_view text, Colour colour) const
 void Output::WriteJson(const Report* report, const Failure* failure)
 {
     Json document = {{"schema", kJsonSchema}, {"command", m_command}, {"ok", failure == nullptr}};
+    if (m_isDryRun) {
+        document["dryRun"] = true;
+    }
     document["result"] = report != nullptr ? ToJson(*report) : Json();
     document["error"] = failure != nullptr ? ToJson(*failure) : Json();
     Json messages = Json::array();

@@ -28,7 +28,8 @@ enum class Colour
 class Output
 {
 public:
-    Output(const World& world, std::string command, bool json);
+    /// @param isDryRun  nothing is changed: told with the result
+    Output(const World& world, std::string command, bool json, bool isDryRun = false);
 
     [[nodiscard]] bool IsJson() const { return m_json; }
 
@@ -70,6 +71,7 @@ private:
     const World& m_world;
     const std::string m_command;
     const bool m_json;
+    const bool m_isDryRun;
     bool m_progressShown = false;
     std::vector<Told> m_told; // since the last document
     std::mutex m_posting;

@@ -9,14 +9,21 @@
 #include "core/link/RecvInfo.h"
 #include "core/platform/Utf8.h"
 
-#include <cstdint>
+#include <initializer_list>
 #include <utility>
 
 namespace fieldcore::cli {
 
 namespace {
 
-Report ReportOf(SettingsRoots& roots)
+/// What a dry run would store, in place of what is stored.
+struct Wanted
+{
+    int port;
+    const CComPrmSet& set;
+};
+
+Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
 {
     Report::Table table{"ports",
                         "",
@@ -31,6 +38,11 @@ Report ReportOf(SettingsRoots& roots)
         CComPrmSet set(roots);
         set.ReadRegCommPrm(port); // what cannot be read is the default
         set.ConvData2Flag();
+        for (const Wanted& each : wanted) {
+            if (each.port == port) {
+                set.SetPrmString(each.set.GetPrmString());
+            }
+        }
         table.rows.push_back(
             {port == CComPrmSet::kLinkPort
                  ? Value::Word("link", "link")
@@ -73,25 +85,32 @@ ExitCode SetLink(const Context& context, const PortParameterOptions& options, Se
     if (link.SetPrmString(FromUtf8(options.parameters)) == 0) {
         return context.output.Failed(BadParameters(options.parameters));
     }
-    if (!roots.Store(RootKey::CurrentUser).IsKept() ||
-        link.WriteRegCommPrm(CComPrmSet::kLinkPort) == 0) {
+    if (context.dryRun) {
+        return context.output.Done(ReportOf(roots, {{CComPrmSet::kLinkPort, link}}));
+    }
+    if (!roots.Store(RootKey::CurrentUser).IsKept() || StoreLink(link) == 0) {
         return context.output.Failed(NotStored(roots));
     }
     return context.output.Done(ReportOf(roots));
 }
 
 /// After the receiver was told to change the port in use: finds it again and says where it is.
-std::optional<Failure> Follow(PortSession& session, PortEdit& edit, SettingsRoots& roots)
+std::optional<Failure> Follow(PortSession& session, PortEdit& edit, const SettingsRoots& roots)
 {
     ConnectTarget target = session.Target();
-    target.settings = LinkSettings(roots);
-    switch (FollowLink(session.Command(), target, session.Target().settings)) {
+    target.settings = edit.LinkWanted();
+    switch (FollowLink(session.Command(), target, edit.LinkBefore())) {
     case LinkFollowed::Moved:
         return std::nullopt;
     case LinkFollowed::Stayed:
-        edit.TakeLinkBack();
-        return Failure{ExitCode::Failed, "port-stayed",
-                       "The receiver still answers with the parameters that it had."};
+        return edit.TakeLinkBack() == 1
+                   ? Failure{ExitCode::Failed, "port-stayed",
+                             "The receiver still answers with the parameters that it had."}
+                   : FileFailure("The receiver still answers with the parameters that it had, but "
+                                 "the new ones could not be taken back: " +
+                                     roots.File(RootKey::CurrentUser).string() +
+                                     " cannot be written.",
+                                 "fieldcore-cli doctor");
     case LinkFollowed::Cancelled:
         return RequestFailure(CommandFault::Cancelled, "");
     case LinkFollowed::Lost:
@@ -100,35 +119,27 @@ std::optional<Failure> Follow(PortSession& session, PortEdit& edit, SettingsRoot
     return RequestFailure(CommandFault::TimedOut, "after the parameters were changed");
 }
 
-std::optional<Failure> SetPort(PortSession& session, const PortParameterOptions& options,
-                               SettingsRoots& roots)
+/// Tells the receiver, stores, and follows it.
+std::optional<Failure> SetPort(PortSession& session, int port, PortEdit& edit,
+                               const SettingsRoots& roots)
 {
-    CRecvInfo info;
-    if (info.GetOptionData(session.Command()) == 0) {
+    const PortSet outcome = edit.Set(port, &session.Command());
+    if (outcome == PortSet::Refused || outcome == PortSet::NoAnswer) {
         return session.RequestFailed();
     }
-    // What it is reached with counts, not what is stored.
-    PortEdit edit(info.GetCurrentPortID(), roots, session.Target().settings);
-    CComPrmSet& set = edit.At(options.number);
-    if (set.SetPrmString(FromUtf8(options.parameters)) == 0) {
-        return BadParameters(options.parameters);
+    const bool moves = port == edit.LinkPort() && edit.MovesLink();
+    const bool isStored = outcome == PortSet::Done && (!moves || edit.KeepLink() == 1);
+    if (moves) {
+        if (const std::optional<Failure> failure = Follow(session, edit, roots)) {
+            return failure;
+        }
     }
-    switch (edit.Set(options.number, &session.Command())) {
-    case PortSet::Done:
-        break;
-    case PortSet::Refused:
-    case PortSet::NoAnswer:
-        return session.RequestFailed();
-    case PortSet::NotStored:
-        return NotStored(roots);
-    }
-    if (options.number != edit.LinkPort() || !edit.MovesLink()) {
-        return std::nullopt;
-    }
-    if (edit.KeepLink() == 0) {
-        return NotStored(roots);
-    }
-    return Follow(session, edit, roots);
+    return isStored ? std::nullopt
+                    : std::optional(FileFailure(
+                          "The receiver has the parameters, but they could not be stored: " +
+                              roots.File(RootKey::CurrentUser).string() + " cannot be written.",
+                          moves ? "--baud and its kin reach the receiver as it is now"
+                                : "fieldcore-cli doctor"));
 }
 
 } // namespace
@@ -149,12 +160,28 @@ ExitCode SetPortParameters(const Context& context, const PortParameterOptions& o
     if (probe.SetPrmString(FromUtf8(options.parameters)) == 0) { // before any port is opened
         return context.output.Failed(BadParameters(options.parameters));
     }
+    if (!context.dryRun && !roots.Store(RootKey::CurrentUser).IsKept()) {
+        return context.output.Failed(NotStored(roots)); // before the receiver is told
+    }
     TerminalHost host(context.world, context.output);
     PortSession session(context.world, context.output, host, options.port);
     if (const std::optional<Failure> failure = session.Connect()) {
         return context.output.Failed(*failure);
     }
-    if (const std::optional<Failure> failure = SetPort(session, options, roots)) {
+    CRecvInfo info;
+    if (info.GetOptionData(session.Command()) == 0) {
+        return context.output.Failed(session.RequestFailed());
+    }
+    // What it is reached with counts, not what is stored.
+    PortEdit edit(info.GetCurrentPortID(), roots, session.Target().settings, info.GetRecvSNLong());
+    CComPrmSet& set = edit.At(options.number);
+    set.SetPrmString(FromUtf8(options.parameters));
+    if (context.dryRun) {
+        const bool moves = options.number == edit.LinkPort() && edit.MovesLink();
+        return context.output.Done(ReportOf(
+            roots, {{options.number, set}, {moves ? CComPrmSet::kLinkPort : options.number, set}}));
+    }
+    if (const std::optional<Failure> failure = SetPort(session, options.number, edit, roots)) {
         return context.output.Failed(*failure);
     }
     return context.output.Done(ReportOf(roots));

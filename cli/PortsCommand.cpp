@@ -72,6 +72,7 @@ Command AddPortsCommand(CLI::App& program)
         parser, "set", "Set a port of the receiver, or the controller's own line",
         "  fieldcore-cli ports set 2 115200-8-None-1-None --port COM1   port 2 of the receiver\n"
         "  fieldcore-cli ports set 1 57600 --port COM1   its rate alone; the line follows\n"
+        "  fieldcore-cli ports set 1 57600 --port COM1 --dry-run   what would that change?\n"
         "  fieldcore-cli ports set 0 38400               the line of the controller, stored "
         "only\n");
     const auto options = std::make_shared<PortParameterOptions>();
@@ -82,6 +83,7 @@ Command AddPortsCommand(CLI::App& program)
     set.add_option("PARAMETERS", options->parameters, "RATE-BITS-PARITY-STOPBITS-FLOW or its front")
         ->type_name("")
         ->required();
+    AddDryRun(set, "Connect, but tell and store nothing; show what would be");
     options->port.AddTo(set);
     return {&parser, [options, &show, &set](const Context& context) {
                 return show.parsed()  ? ShowPortParameters(context)

@@ -3,6 +3,7 @@
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 
+#include "core/equipment/PortEdit.h"
 #include "core/link/RecvForceInit.h"
 #include "core/link/RecvInfo.h"
 
@@ -18,7 +19,6 @@ struct ResetOptions
 {
     PortOptions port;
     bool yes = false;
-    bool dryRun = false;
 };
 
 ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
@@ -32,7 +32,7 @@ ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
 ExitCode Run(const Context& context, const ResetOptions& options)
 {
     const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (!options.yes && !options.dryRun && !canAsk) {
+    if (!options.yes && !context.dryRun && !canAsk) {
         return context.output.Failed(
             UsageFailure("A reset wipes the receiver's settings and almanacs, and nobody can be "
                          "asked here.",
@@ -48,13 +48,14 @@ ExitCode Run(const Context& context, const ResetOptions& options)
     if (info.GetOptionData(session.Command()) == 0) {
         return context.output.Failed(session.RequestFailed());
     }
-    if (options.dryRun) {
-        context.output.Note("Nothing was sent. This is the receiver that would be reset:");
+    if (context.dryRun) {
         return Finish(context, info, false);
     }
     if (CRecvForceInit(session.Command()).stRecvForceInit() == 0) {
         return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
     }
+    SettingsRoots roots{Folders(context.world.folders)};
+    ForgetPorts(roots);
     // The library does not look at the answer; whoever resets from a script wants to know.
     if (session.Command().Fault() != CommandFault::None) {
         return context.output.Failed(session.RequestFailed());
@@ -73,7 +74,7 @@ Command AddResetCommand(CLI::App& program)
         "  fieldcore-cli reset --port sim: --yes               without questions\n");
     auto options = std::make_shared<ResetOptions>();
     CLI::Option* const yes = parser.add_flag("--yes", options->yes, "Do not ask");
-    parser.add_flag("--dry-run", options->dryRun, "Send nothing")->excludes(yes);
+    AddDryRun(parser, "Send nothing, show which receiver it is", yes);
     options->port.AddTo(parser);
     return {&parser, [options](const Context& context) { return Run(context, *options); }};
 }

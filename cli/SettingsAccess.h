@@ -19,7 +19,6 @@ struct SettingsOptions
     bool machine = false; ///< the root that all users share, instead of the user's own
     bool whole = false;   ///< keys count from the root, instead of from the library's own key
     bool yes = false;
-    bool dryRun = false;
     std::string key;
     std::string name;
     std::string value;

@@ -134,8 +134,9 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
     SettingsAccess access(context, options);
     const std::wstring name = FromUtf8(options.name);
     std::string type = options.type;
-    if (const std::optional<Failure> failure = access.CannotWrite()) {
-        return context.output.Failed(*failure);
+    const std::optional<Failure> closed = access.CannotWrite();
+    if (closed && !context.dryRun) {
+        return context.output.Failed(*closed);
     }
     const SettingsRead old = access.Read(options.name);
     if (type.empty() && old.state == SettingsReadState::Failed) {
@@ -153,6 +154,9 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
         return context.output.Failed(UsageFailure(
             "\"" + options.value + "\" is no " + type + " value. " + fault,
             keeps ? "The value has been a " + type + " so far; --type text makes it a text." : ""));
+    }
+    if (context.dryRun) {
+        return ShowOne(context, access, options.name, *value, false);
     }
     const SettingsKey key{access.Key(), {{name, *value}}};
     std::wstring refused;
@@ -191,7 +195,7 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
             UsageFailure("No key is named.", "fieldcore-cli settings list"));
     }
     const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (!options.yes && !options.dryRun && !canAsk) {
+    if (!options.yes && !context.dryRun && !canAsk) {
         return context.output.Failed(
             UsageFailure("Deleting cannot be undone, and nobody can be asked here.",
                          "--yes to do it all the same, --dry-run to see what it would be"));
@@ -206,12 +210,11 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
         return context.output.Failed(Missing(access, options.name));
     }
     Report report;
-    report.Add("deleted", "deleted", Value::YesNo(!options.dryRun));
+    report.Add("deleted", "deleted", Value::YesNo(!context.dryRun));
     access.AddPlace(report);
     AddKeys(report, *doomed);
     const std::string words = TreeWords(*doomed, access.Key());
-    if (options.dryRun) {
-        context.output.Note("Nothing was deleted. This is what would be:");
+    if (context.dryRun) {
         return context.output.Done(report, words);
     }
     if (const std::optional<Failure> failure = access.CannotWrite()) {
@@ -297,6 +300,7 @@ Command AddSettingsCommand(CLI::App& program)
         ->transform(
             CLI::IsMember(std::set<std::string>{"text", "number", "binary"}).description(""))
         ->type_name("TYPE");
+    AddDryRun(set, "Store nothing, show what would be");
 
     CLI::App& remove = AddSub(parser, options, "delete", "Delete a value, or a key with all below",
                               "  fieldcore-cli settings delete Ports COM3\n"
@@ -304,7 +308,7 @@ Command AddSettingsCommand(CLI::App& program)
     AddKeyOptions(remove, options, true);
     const CLI::Option* const doomedName = AddName(remove, options);
     CLI::Option* const yes = remove.add_flag("--yes", options->yes, "Do not ask");
-    remove.add_flag("--dry-run", options->dryRun, "Delete nothing")->excludes(yes);
+    AddDryRun(remove, "Delete nothing, show what would be", yes);
 
     CLI::App& save = AddSub(parser, options, "export", "Write settings as text",
                             "  fieldcore-cli settings export             to stdout\n"
@@ -313,7 +317,9 @@ Command AddSettingsCommand(CLI::App& program)
     save.add_option("FILE", options->file, "Where to (stdout)")->type_name("");
     save.add_option("--key", options->key, "Only this key and what is below it")->type_name("KEY");
     save.add_flag("--all", options->whole, "From the root on, not from the library's own key");
-    save.add_flag("--yes", options->yes, "Replace FILE without asking");
+    CLI::Option* const replace =
+        save.add_flag("--yes", options->yes, "Replace FILE without asking");
+    AddDryRun(save, "Write no FILE, show how much would be in it", replace);
 
     CLI::App& load = AddSub(parser, options, "import", "Store what export has written",
                             "  fieldcore-cli settings import saved.txt --dry-run\n"
@@ -322,7 +328,7 @@ Command AddSettingsCommand(CLI::App& program)
     load.add_option("FILE", options->file, "What export has written; - is stdin")
         ->type_name("")
         ->required();
-    load.add_flag("--dry-run", options->dryRun, "Store nothing, show what would change");
+    AddDryRun(load, "Store nothing, show what would change");
 
     return {&parser, [=, &list, &get, &set, &remove, &save](const Context& context) {
                 return list.parsed()     ? List(context, *options)

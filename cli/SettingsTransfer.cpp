@@ -133,6 +133,9 @@ ExitCode ExportSettings(const Context& context, const SettingsOptions& options)
         return context.output.Done(report, text);
     }
     report.Add("file", "file", Value::Text(options.file));
+    if (context.dryRun) {
+        return context.output.Done(report);
+    }
     const std::optional<Failure> failure = WriteText(context, options, text);
     return failure ? context.output.Failed(*failure) : context.output.Done(report);
 }
@@ -155,11 +158,10 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
         return context.output.Failed(*failure);
     }
     Report report;
-    report.Add("stored", "stored", Value::YesNo(!options.dryRun));
+    report.Add("stored", "stored", Value::YesNo(!context.dryRun));
     AddCounts(report, read.keys);
     report.AddTable(Changes(access.Store(), read.keys));
-    if (options.dryRun) {
-        context.output.Note("Nothing was stored. This is what would change:");
+    if (context.dryRun) {
         return context.output.Done(report);
     }
     if (const std::optional<Failure> failure = access.CannotWrite()) {

@@ -23,7 +23,6 @@ struct SignalOptions
 {
     PortOptions port;
     std::vector<std::string> names;
-    bool dryRun = false;
 };
 
 constexpr const char* kNone = "none";
@@ -85,8 +84,7 @@ ExitCode Set(const Context& context, const SignalOptions& options, SignalSession
     AddSignals(report, session);
     const std::vector<std::uint8_t> data = session.CommandData();
     report.Add("data", "data of the command", Value::Text(FormatSettingBytes(data)));
-    if (options.dryRun) {
-        context.output.Note("Nothing was sent and nothing was stored.");
+    if (context.dryRun) {
         report.Add("sent", "sent", Value::YesNo(false));
         report.Add("stored", "stored", Value::YesNo(false));
         return context.output.Done(report);
@@ -159,7 +157,7 @@ Command AddSignalCommand(CLI::App& program)
         ->expected(1, static_cast<int>(kNames.size()))
         ->check(CLI::IsMember({"l2c", "glonass", "qzss", "galileo", "l5", "none"}).description(""))
         ->type_name("");
-    set.add_flag("--dry-run", options->dryRun, "Send nothing and store nothing");
+    AddDryRun(set, "Send nothing and store nothing, show what would be");
     options->port.AddTo(set);
     return {&parser, [options, &set](const Context& context) {
                 return Run(context, *options, set.parsed());

@@ -30,7 +30,6 @@ struct TiltOptions
     int hours = 0;
     std::string speed;
     bool yes = false;
-    bool dryRun = false;
 };
 
 /// The receiver and its sensor for the time of one command.
@@ -122,7 +121,7 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
 ExitCode Calibrate(const Context& context, const TiltOptions& options)
 {
     const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (!options.yes && !options.dryRun && !canAsk) {
+    if (!options.yes && !context.dryRun && !canAsk) {
         return context.output.Failed(UsageFailure(
             "A calibration replaces the one that the sensor has, and nobody can be asked here "
             "whether the receiver stands level.",
@@ -130,8 +129,7 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
     }
     return WithSensor(context, options, [&](Sensor& sensor) {
         Report report;
-        if (options.dryRun) {
-            context.output.Note("No calibration was started. This is how the sensor is:");
+        if (context.dryRun) {
             report.Add("outcome", "outcome", Value::Word("not-started", "not started"));
             AddTilt(report, sensor.session.Command().Heard());
             return context.output.Done(report);
@@ -171,13 +169,11 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
     return WithSensor(context, options, [&](Sensor& sensor) {
         Report report;
         report.Add(key, label, value);
-        if (options.dryRun) {
-            context.output.Note("Nothing was sent.");
-        } else if (send(sensor.session.Command()) == 0) {
+        if (!context.dryRun && send(sensor.session.Command()) == 0) {
             return context.output.Failed(sensor.session.RequestFailed());
         }
-        report.Add("sent", "sent", Value::YesNo(!options.dryRun));
-        if (!options.dryRun && keep(sensor.reg) == 0) {
+        report.Add("sent", "sent", Value::YesNo(!context.dryRun));
+        if (!context.dryRun && keep(sensor.reg) == 0) {
             return context.output.Failed(
                 FileFailure("The receiver has the setting, but it could not be stored.",
                             "fieldcore-cli doctor"),
@@ -241,7 +237,7 @@ Command AddTiltCommand(CLI::App& program)
                   "  fieldcore-cli tilt calibrate --port /dev/ttyUSB0\n"
                   "  fieldcore-cli tilt calibrate --port sim:tilted --yes --speed 20\n");
     CLI::Option* const yes = calibrate.add_flag("--yes", options->yes, "Do not ask");
-    calibrate.add_flag("--dry-run", options->dryRun, "Start nothing")->excludes(yes);
+    AddDryRun(calibrate, "Start nothing, show how the sensor is", yes);
     options->port.AddTo(calibrate);
 
     CLI::App& expiry = AddParser(parser, "expiry", "Set how long a calibration is valid",
@@ -250,7 +246,7 @@ Command AddTiltCommand(CLI::App& program)
         ->required()
         ->check(CLI::Range(1, 30000).description(""))
         ->type_name("");
-    expiry.add_flag("--dry-run", options->dryRun, "Send nothing");
+    AddDryRun(expiry, "Send nothing");
     options->port.AddTo(expiry);
 
     CLI::App& speed = AddParser(parser, "speed", "Set how fast the sensor's output follows",
@@ -259,7 +255,7 @@ Command AddTiltCommand(CLI::App& program)
         ->required()
         ->check(CLI::IsMember({"fast", "medium", "slow"}).description(""))
         ->type_name("");
-    speed.add_flag("--dry-run", options->dryRun, "Send nothing");
+    AddDryRun(speed, "Send nothing and store nothing");
     options->port.AddTo(speed);
 
     return {&parser, [=, &show, &calibrate, &expiry](const Context& context) {

@@ -20,7 +20,6 @@ struct TimeOptions
     PortOptions port;
     bool set = false;
     bool yes = false;
-    bool dryRun = false;
 };
 
 /// Whether the receiver's time is good to the second.
@@ -85,8 +84,8 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
         return context.output.Failed(NotTrusted(), &report);
     }
     const std::string time = UtcValue(TimeByNow(reader, reader.Reading().time->at)).Words();
-    if (options.dryRun) {
-        context.output.Note("Nothing was set. The controller's clock would become " + time + ".");
+    if (context.dryRun) {
+        context.output.Note("The controller's clock would become " + time + ".");
         return context.output.Done(report);
     }
     if (!options.yes && !Agrees(host, "Set the controller's clock to " + time + "?")) {
@@ -114,7 +113,7 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
 ExitCode Run(const Context& context, const TimeOptions& options)
 {
     const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (options.set && !options.yes && !options.dryRun && !canAsk) {
+    if (options.set && !options.yes && !context.dryRun && !canAsk) {
         return context.output.Failed(
             UsageFailure("The controller's clock would be set, and nobody can be asked here.",
                          "--yes to set it all the same, --dry-run to see what would happen"));
@@ -126,7 +125,7 @@ ExitCode Run(const Context& context, const TimeOptions& options)
         return context.output.Failed(*failure);
     }
     if (options.set) {
-        if (session.GetSimulator() != nullptr && !options.dryRun) {
+        if (session.GetSimulator() != nullptr && !context.dryRun) {
             return context.output.Failed(
                 UsageFailure("A simulated receiver has no time of its own: the clock was left "
                              "alone.",
@@ -154,7 +153,7 @@ Command AddTimeCommand(CLI::App& program)
     CLI::Option* const set =
         parser.add_flag("--set", options->set, "Set the controller's clock by the receiver");
     CLI::Option* const yes = parser.add_flag("--yes", options->yes, "Do not ask")->needs(set);
-    parser.add_flag("--dry-run", options->dryRun, "Set nothing")->needs(set)->excludes(yes);
+    AddDryRun(parser, "Set nothing, show what would be", yes)->needs(set);
     options->port.AddTo(parser);
     return {&parser, [options](const Context& context) { return Run(context, *options); }};
 }

@@ -33,7 +33,7 @@ void CheckMethod(const std::wstring& text)
     for (const double heightM : {0.0, 1.5, kHighestAntennaM}) {
         const AntennaHeight height = ReduceAntennaHeight(heightM, method);
         Require(!std::isnan(height.verticalM));
-        Require(height.reduction != AntennaReduction::None);
+        Require(height.IsReduced());
         // A slant is not shorter than what stands upright below it.
         Require(height.verticalM <= heightM + method.verticalM);
     }
@@ -51,8 +51,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             CheckMethod(method);
         }
     }
-    if (const auto record = FindAntennaBlock({data, size})) {
-        Require(size >= 17);
+    if (const auto block = FindAntennaBlock({data, size})) {
+        const auto record = ParseAntennaBlock(*block);
+        Require(size >= 17 && record);
         Require(record->heightM >= 0.0 && record->heightM <= kHighestAntennaM);
         Require(record->way >= 0 && record->way <= AntennaCatalogue::kMaxMethods);
         Require(AntennaSerialFault(record->serial).empty());

@@ -46,17 +46,18 @@ std::optional<AntennaRecord> ParseAntennaBlock(const ApplicationFileDataBlock& b
     return canBe ? std::optional(std::move(record)) : std::nullopt;
 }
 
-std::optional<AntennaRecord> FindAntennaBlock(std::span<const std::uint8_t> blocks)
+std::optional<ApplicationFileDataBlock> FindAntennaBlock(std::span<const std::uint8_t> blocks)
 {
     constexpr std::size_t kHead = 2; // type, number of bytes that follow
-    std::optional<AntennaRecord> last;
+    std::optional<ApplicationFileDataBlock> last;
     while (blocks.size() >= kHead) {
         const std::size_t length = blocks[1];
         if (blocks.size() < kHead + length) {
             break;
         }
-        if (auto record = ParseAntennaBlock({blocks[0], blocks.subspan(kHead, length)})) {
-            last = std::move(record);
+        const ApplicationFileDataBlock block{blocks[0], blocks.subspan(kHead, length)};
+        if (ParseAntennaBlock(block)) {
+            last = block;
         }
         blocks = blocks.subspan(kHead + length);
     }

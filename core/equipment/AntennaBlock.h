@@ -30,6 +30,8 @@ struct AntennaRecord
 
 /// The last antenna in a row of blocks: it holds until the end. What follows a block that is cut
 /// off is not looked at.
-[[nodiscard]] std::optional<AntennaRecord> FindAntennaBlock(std::span<const std::uint8_t> blocks);
+/// @return a view of @p blocks; nothing if no block has what ParseAntennaBlock() takes
+[[nodiscard]] std::optional<ApplicationFileDataBlock>
+FindAntennaBlock(std::span<const std::uint8_t> blocks);
 
 } // namespace fieldcore

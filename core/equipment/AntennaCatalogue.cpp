@@ -7,6 +7,7 @@
 #include "core/platform/AtomicFile.h"
 #include "core/platform/Folders.h"
 #include "core/platform/SaturateCast.h"
+#include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
 #include "core/settings/Profile.h"
 
@@ -28,6 +29,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const wchar_t* kDate = L"Date";
+constexpr const wchar_t* kFile = L"File"; // see FileIdentity()
 constexpr const wchar_t* kMaxCount = L"MaxCount";
 constexpr const wchar_t* kType = L"ANTENNATYPE";
 constexpr const wchar_t* kCharCode = L"CharCode";
@@ -134,9 +136,12 @@ int AntennaCatalogue::Update(Host& host)
     // Taken before the file is read: if somebody changes it meanwhile, the next time finds another
     // stamp and reads it again.
     const std::wstring stamp = AntennaFileStamp(m_folder);
+    const std::wstring file = FromUtf8(FileIdentity(AntennaFilePath(m_folder)));
     std::wstring known;
+    std::wstring knownFile;
     m_reg.ReadString(kKey, kDate, known, L"");
-    if (known == stamp) {
+    const bool isFileKnown = m_reg.ReadString(kKey, kFile, knownFile, L"") == 1;
+    if (known == stamp && (knownFile == file || !isFileKnown)) {
         return 1;
     }
     const Waiting waiting(host);
@@ -149,7 +154,8 @@ int AntennaCatalogue::Update(Host& host)
     }
     reg.DeleteKey(L"", kKey);
     const bool written =
-        reg.WriteString(kKey, kDate, stamp) != 0 && WriteTypes(reg, types) &&
+        reg.WriteString(kKey, kDate, stamp) != 0 && reg.WriteString(kKey, kFile, file) != 0 &&
+        WriteTypes(reg, types) &&
         reg.WriteNumber(kKey, kMaxCount, static_cast<std::uint32_t>(types.size())) != 0;
     return written && batch.Commit() ? 1 : 0;
 }

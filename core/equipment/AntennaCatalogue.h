@@ -51,8 +51,9 @@ public:
     explicit AntennaCatalogue(std::filesystem::path folder,
                               SettingsRoots& roots = SettingsRoots::Instance());
 
-    /// Brings the settings up to date if the file is not the one that they were made of. They
-    /// change as a whole or not at all. A file of more than 16 MB has no antennas.
+    /// Brings the settings up to date if the file is not the one that they were made of: its stamp
+    /// is another, or its FileIdentity(), which sees what happens within a second. They change as a
+    /// whole or not at all. A file of more than 16 MB has no antennas.
     /// @param host  shows its wait cursor meanwhile
     /// @return 0 if the settings could not be written: they are as before
     int Update(Host& host = DefaultHost());

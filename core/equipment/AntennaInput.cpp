@@ -1,9 +1,9 @@
 #include "core/equipment/AntennaInput.h"
 
-#include "core/input/Parts.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace fieldcore {
 
@@ -23,15 +23,11 @@ CCheck AntennaHeightCheck(Host& host)
 
 std::wstring AntennaHeightFault(const std::wstring& text)
 {
-    const bool isNumber = CCheck().CheckNum(text, nullptr, 0, 0) == 1;
-    if (!isNumber || std::none_of(text.begin(), text.end(), IsDigit)) {
-        return Text(text::kAntennaBadHeight);
-    }
-    if (AntennaHeightCheck().CheckNum(text, nullptr, 0, 0) == 1) {
-        return {};
-    }
-    return CParts::atof(text) < 0.0 ? Text(text::kAntennaNegativeHeight)
-                                    : FormatText(text::kAntennaHighHeight, kHighestAntennaM);
+    const std::optional<double> metres = TypedNumber(text);
+    return !metres                       ? Text(text::kAntennaBadHeight)
+           : *metres < 0.0               ? Text(text::kAntennaNegativeHeight)
+           : *metres <= kHighestAntennaM ? std::wstring()
+                                         : FormatText(text::kAntennaHighHeight, kHighestAntennaM);
 }
 
 std::wstring AntennaSerialFault(const std::wstring& text)

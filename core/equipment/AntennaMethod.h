@@ -23,6 +23,7 @@ struct AntennaMethod
 enum class AntennaReduction
 {
     None,    ///< it is vertical, and used as it is
+    Unknown, ///< used as it is, too: the catalogue does not have its method
     Upright, ///< measured straight up to a point on the axis: V is added
     Slant,   ///< the slant distance to a point off the axis
     TooShort ///< a slant distance that is not longer than the radius: taken for an upright one
@@ -35,6 +36,11 @@ struct AntennaHeight
     double squareM2 = 0.0;  ///< H * H - R * R; 0 if nothing was reduced
     AntennaMethod method;   ///< that was used; R = V = 0 if nothing was reduced
     AntennaReduction reduction = AntennaReduction::None;
+
+    [[nodiscard]] bool IsReduced() const
+    {
+        return reduction != AntennaReduction::None && reduction != AntennaReduction::Unknown;
+    }
 };
 
 /// Vertical height: sqrt(H * H - R * R) + V, by Pythagoras on the slant distance H; H + V where

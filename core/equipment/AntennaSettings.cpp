@@ -23,18 +23,6 @@ constexpr const wchar_t* kHeight = L"AntH";
 constexpr const wchar_t* kSerial = L"AntSN";
 constexpr const wchar_t* kNoSerial = L"AntNoSN"; // 1: none, whatever is remembered
 
-int Limited(std::uint32_t number, int most)
-{
-    return static_cast<int>(std::min(number, static_cast<std::uint32_t>(most)));
-}
-
-/// Assigns a value. @return 1 if it changed
-template <typename Value>
-int Change(Value& variable, const Value& value)
-{
-    return std::exchange(variable, value) != value ? 1 : 0;
-}
-
 } // namespace
 
 AntennaSettings::AntennaSettings(CCommand* command, int rover, int reConnect,
@@ -65,21 +53,17 @@ std::wstring AntennaSettings::RoleKey() const
 
 int AntennaSettings::SetAntTypeFlag(int type)
 {
-    // Without a catalogue nobody knows which types there are: the stored one is kept.
-    const int count = GetMaxCount();
-    const int last = (count > 0 ? count : AntennaCatalogue::kMaxTypes) - 1;
-    const int changed = Change(m_type, std::clamp(type, 0, last));
-    Describe();
-    return changed;
+    m_description = m_catalogue.Type(type).value_or(AntennaType{});
+    return Assign(m_type, type);
 }
 
-int AntennaSettings::SetAntWayFlag(int way)
+int AntennaSettings::ChoiceFault() const
 {
-    way = std::clamp(way, 0, AntennaCatalogue::kMaxMethods);
-    if (way > 0 && GetMaxCount() > 0 && !m_catalogue.Method(m_type, way - 1)) {
-        way = 0;
+    const int count = GetMaxCount();
+    if (count > 0 && (m_type < 0 || m_type >= count)) {
+        return text::kAntennaTypeUnknown;
     }
-    return Change(m_way, way);
+    return m_way != 0 && !MethodOf(m_type, m_way) ? text::kAntennaMethodUnknown : 0;
 }
 
 int AntennaSettings::SetAntInputH(double heightM)
@@ -88,7 +72,7 @@ int AntennaSettings::SetAntInputH(double heightM)
         return 0;
     }
     constexpr std::uint8_t kDecimals = 4;
-    return Change(m_inputM, CParts::round(std::clamp(heightM, 0.0, kHighestAntennaM), kDecimals));
+    return Assign(m_inputM, CParts::round(std::clamp(heightM, 0.0, kHighestAntennaM), kDecimals));
 }
 
 std::wstring AntennaSettings::GetAntInputStr() const
@@ -103,17 +87,12 @@ std::wstring AntennaSettings::GetAntInputStr() const
 
 int AntennaSettings::SetAntSN(const std::wstring& serial)
 {
-    return AntennaSerialFault(serial).empty() ? Change(m_serial, serial) : 0;
+    return AntennaSerialFault(serial).empty() ? Assign(m_serial, serial) : 0;
 }
 
 int AntennaSettings::GetAntNo() const
 {
     return SaturateCast<int>(static_cast<double>(m_description.code));
-}
-
-void AntennaSettings::Describe()
-{
-    m_description = m_catalogue.Type(m_type).value_or(AntennaType{});
 }
 
 int AntennaSettings::ReadRegAntPrm()
@@ -122,8 +101,8 @@ int AntennaSettings::ReadRegAntPrm()
     std::uint32_t way = 0;
     const int hasType = m_reg.ReadNumber(RoleKey(), kType, type, 0);
     const int hasWay = m_reg.ReadNumber(RoleKey(), kWay, way, 0);
-    SetAntTypeFlag(Limited(type, AntennaCatalogue::kMaxTypes));
-    SetAntWayFlag(Limited(way, AntennaCatalogue::kMaxMethods));
+    SetAntTypeFlag(static_cast<int>(type));
+    SetAntWayFlag(static_cast<int>(way));
     return hasType != 0 && hasWay != 0 ? 1 : 0;
 }
 
@@ -212,11 +191,20 @@ int AntennaSettings::GetMeasMethod(int type, int method, double& radiusM, double
     return found ? 1 : 0;
 }
 
+std::optional<AntennaMethod> AntennaSettings::MethodOf(int type, int way) const
+{
+    return way > 0 && type < GetMaxCount() ? m_catalogue.Method(type, way - 1) : std::nullopt;
+}
+
 AntennaHeight AntennaSettings::Height(double measuredM, int type, int way) const
 {
-    const auto method = way > 0 ? m_catalogue.Method(type, way - 1) : std::nullopt;
+    const auto method = MethodOf(type, way);
     return method ? ReduceAntennaHeight(measuredM, *method)
-                  : AntennaHeight{measuredM, measuredM, 0.0, {}, AntennaReduction::None};
+                  : AntennaHeight{measuredM,
+                                  measuredM,
+                                  0.0,
+                                  {},
+                                  way == 0 ? AntennaReduction::None : AntennaReduction::Unknown};
 }
 
 double AntennaSettings::GetAntCalcH(double measuredM, int type, int way) const
@@ -244,15 +232,16 @@ std::wstring AntennaSettings::GetAntTypeStrEx() const
 {
     std::uint32_t type = 0;
     m_reg.ReadNumber(RoleKey(), kType, type, 0);
-    return m_catalogue.Type(Limited(type, AntennaCatalogue::kMaxTypes))
-        .value_or(AntennaType{})
-        .name;
+    return m_catalogue.Type(static_cast<int>(type)).value_or(AntennaType{}).name;
 }
 
 std::wstring AntennaSettings::GetAntWayStr(int type, int way) const
 {
-    const auto method = way > 0 ? m_catalogue.Method(type, way - 1) : std::nullopt;
-    return !method                ? Text(text::kAntennaPhaseCentre)
+    if (way == 0) {
+        return Text(text::kAntennaPhaseCentre);
+    }
+    const auto method = MethodOf(type, way);
+    return !method                ? std::wstring()
            : method->name.empty() ? Text(text::kAntennaBase)
                                   : method->name;
 }
@@ -305,6 +294,8 @@ std::wstring AntennaSettings::GetAntLine() const
         return FormatText(text::kAntennaStripShort, measuredM, verticalM);
     case AntennaReduction::Upright:
         return FormatText(text::kAntennaStripBase, measuredM, verticalM);
+    case AntennaReduction::Unknown:
+        return FormatText(text::kAntennaStripUnknown, measuredM);
     case AntennaReduction::None:
         break;
     }
@@ -343,27 +334,22 @@ AntennaSettings::Taken AntennaSettings::TakeFromReceiver()
 
 int AntennaSettings::GetAntInfoFromLoggingData(std::span<const std::uint8_t> blocks)
 {
-    const std::optional<AntennaRecord> record = FindAntennaBlock(blocks);
-    return record ? Take(*record) : 0;
+    const std::optional<ApplicationFileDataBlock> block = FindAntennaBlock(blocks);
+    return block ? SetAntInfo(*block) : 0;
 }
 
 int AntennaSettings::SetAntInfo(const ApplicationFileDataBlock& block)
 {
     const std::optional<AntennaRecord> record = ParseAntennaBlock(block);
-    return record ? Take(*record) : 0;
-}
-
-int AntennaSettings::Take(const AntennaRecord& record)
-{
-    m_sourceCode = record.charCode;
-    const std::optional<int> type = m_catalogue.FindCharCode(record.charCode);
-    if (!type || (record.way > 0 && !m_catalogue.Method(*type, record.way - 1))) {
+    m_sourceCode = record ? record->charCode : L"";
+    const std::optional<int> type = m_catalogue.FindCharCode(m_sourceCode);
+    if (!record || !type || (record->way > 0 && !MethodOf(*type, record->way))) {
         return 0;
     }
     SetAntTypeFlag(*type);
-    SetAntWayFlag(record.way);
-    SetAntInputH(record.heightM);
-    SetAntSN(record.serial);
+    SetAntWayFlag(record->way);
+    SetAntInputH(record->heightM);
+    SetAntSN(record->serial);
     return 1;
 }
 

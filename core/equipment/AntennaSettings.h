@@ -3,10 +3,12 @@
 #include "core/equipment/AntennaBlock.h"
 #include "core/equipment/AntennaCatalogue.h"
 #include "core/equipment/AntennaMethod.h"
+#include "core/platform/Assign.h"
 #include "core/settings/HostReg.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -61,21 +63,25 @@ public:
 
     // The role.
 
-    void SetRov(int rover) { m_rover = rover != 0; }
+    int SetRov(int rover) { return Assign(m_rover, rover != 0); }
     /// The rover's second form; wins over SetRov().
-    void SetRovf(int second) { m_second = second != 0; }
+    int SetRovf(int second) { return Assign(m_second, second != 0); }
     [[nodiscard]] AntennaRole Role() const;
     void SetRole(AntennaRole role);
 
-    // Values. Out of range they become the nearest ones; see SetAntWayFlag().
+    // Values. A type or a way that the catalogue does not have is kept as it is, since any other
+    // would be another antenna: it has no name and its height is not reduced. ChoiceFault() says
+    // so.
 
     [[nodiscard]] int GetAntTypeFlag() const { return m_type; }
     int SetAntTypeFlag(int type);
     [[nodiscard]] int GetAntWayFlag() const { return m_way; }
-    /// A method that the type does not have is 0, a vertical height: no other method could be
-    /// meant. Choose the type before.
-    int SetAntWayFlag(int way);
-    /// Height as measured, metres.
+    int SetAntWayFlag(int way) { return Assign(m_way, way); }
+    /// What the user has to choose before the values are stored: a type, or a way to measure it.
+    /// Without a catalogue no type can be chosen.
+    /// @return string-table number of the request; 0: nothing
+    [[nodiscard]] int ChoiceFault() const;
+    /// Height as measured, metres; out of its range it becomes the nearest one.
     [[nodiscard]] double GetAntInputH() const { return m_inputM; }
     /// The same as text: three decimals, four where they are needed.
     [[nodiscard]] std::wstring GetAntInputStr() const;
@@ -89,7 +95,7 @@ public:
     [[nodiscard]] const AntennaType& Type() const { return m_description; }
     /// Whether the receiver is asked for its antenna when the dialog opens: it was connected anew.
     [[nodiscard]] int GetReConnect() const { return m_reConnect ? 1 : 0; }
-    void SetReConnect(int reConnect) { m_reConnect = reConnect != 0; }
+    int SetReConnect(int reConnect) { return Assign(m_reConnect, reConnect != 0); }
 
     // Settings.
 
@@ -136,7 +142,8 @@ public:
 
     [[nodiscard]] std::wstring GetAntTypeStr() const { return m_description.name; }
     [[nodiscard]] std::wstring GetAntTypeStrEx() const;
-    /// Name of a way: of the vertical height, of the antenna's base for a method without a name.
+    /// Name of a way: of the vertical height, of the antenna's base for a method without a name;
+    /// empty if the catalogue does not have it.
     [[nodiscard]] std::wstring GetAntWayStr(int type, int way) const;
     [[nodiscard]] std::wstring GetAntWayStr() const { return GetAntWayStr(m_type, m_way); }
     /// Metres with three decimals; empty if none is stored.
@@ -172,6 +179,9 @@ public:
 
 private:
     [[nodiscard]] std::wstring RoleKey() const;
+    /// The method of a way. A type that the catalogue does not have has none, although the values
+    /// of its methods may be there under the name of another's.
+    [[nodiscard]] std::optional<AntennaMethod> MethodOf(int type, int way) const;
     /// Those remembered, without what nobody could have typed.
     [[nodiscard]] std::vector<std::wstring> ReadHeights() const;
     [[nodiscard]] std::vector<std::wstring> ReadSerials() const;
@@ -180,8 +190,6 @@ private:
     /// @return false if not all of it could be stored
     [[nodiscard]] bool WriteList(const wchar_t* prefix, std::vector<std::wstring> list,
                                  const std::wstring& chosen) const;
-    int Take(const AntennaRecord& record);
-    void Describe();
 
     CCommand* const m_command;
     HostReg m_reg;

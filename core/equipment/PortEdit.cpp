@@ -3,7 +3,24 @@
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
 
+#include <utility>
+
 namespace fieldcore {
+
+namespace {
+
+/// With the values of a port: which of them a receiver was told last, and its serial number.
+constexpr const wchar_t* kTold = L"Told";
+
+PortSettings LineWithFlagsOf(CComPrmSet set)
+{
+    set.ConvFlag2Data();
+    SetRS232PortParameters record;
+    set.GetSETCOMMS(CComPrmSet::kLinkPort, record);
+    return LineOf(record);
+}
+
+} // namespace
 
 int PortSetText(PortSet outcome)
 {
@@ -20,10 +37,35 @@ int PortSetText(PortSet outcome)
     return 0;
 }
 
-PortEdit::PortEdit(int linkPort, SettingsRoots& roots, const std::optional<PortSettings>& link)
+int PortKnownText(PortKnown known)
+{
+    switch (known) {
+    case PortKnown::Same:
+        break;
+    case PortKnown::Waiting:
+        return text::kComKnownWaiting;
+    case PortKnown::Default:
+        return text::kComKnownDefault;
+    case PortKnown::Stored:
+        return text::kComKnownStored;
+    }
+    return 0;
+}
+
+int ForgetPorts(SettingsRoots& roots)
+{
+    int forgotten = 1;
+    for (int port = 1; port <= CComPrmSet::kMostPorts; ++port) {
+        forgotten &= HostReg(roots).WriteString(CComPrmSet::KeyOf(port), kTold, L"");
+    }
+    return forgotten;
+}
+
+PortEdit::PortEdit(int linkPort, SettingsRoots& roots, const std::optional<PortSettings>& link,
+                   std::wstring receiver)
     : m_roots(roots),
       m_linkPort(linkPort >= 1 && linkPort <= CComPrmSet::kMostPorts ? linkPort : 0),
-      m_link(roots), m_ports{CComPrmSet(roots), CComPrmSet(roots), CComPrmSet(roots)}
+      m_receiver(std::move(receiver)), m_link(roots), m_ports{Port(roots), Port(roots), Port(roots)}
 {
     // What cannot be read is the default.
     m_link.ReadRegCommPrm(CComPrmSet::kLinkPort);
@@ -33,15 +75,37 @@ PortEdit::PortEdit(int linkPort, SettingsRoots& roots, const std::optional<PortS
                             static_cast<std::uint8_t>(link->flowControl), 0});
     }
     m_link.ConvFlag2Data();
-    SetRS232PortParameters now;
-    m_link.GetSETCOMMS(m_linkPort, now);
     for (int port = 1; port <= CComPrmSet::kMostPorts; ++port) {
-        At(port).ReadRegCommPrm(port);
-        At(port).ConvData2Flag();
-        if (port == m_linkPort) {
-            At(port).SetSETCOMMS(now);
-        }
+        Read(port);
     }
+}
+
+void PortEdit::Read(int port)
+{
+    Port& read = Of(port);
+    read.set.ReadRegCommPrm(port);
+    read.set.ConvData2Flag();
+    std::wstring told;
+    HostReg(m_roots).ReadString(CComPrmSet::KeyOf(port), kTold, told, L"");
+    const bool isShown = told.starts_with(read.set.GetPrmString() + L" ");
+    if (port == m_linkPort) {
+        SetRS232PortParameters now;
+        m_link.GetSETCOMMS(port, now);
+        read.set.SetSETCOMMS(now);
+    } else if (told.empty()) {
+        const bool isDefault = read.set.HasFlagsOf(CComPrmSet(m_roots));
+        read.known = isDefault ? PortKnown::Default : PortKnown::Waiting;
+    } else if (!isShown) {
+        read.known = PortKnown::Waiting;
+    } else if (told != Told(read.set)) {
+        read.known = PortKnown::Stored;
+    }
+    read.before = read.set.GetPrmString();
+}
+
+bool PortEdit::IsDue(int port) const
+{
+    return Of(port).known == PortKnown::Waiting || Of(port).set.GetPrmString() != Of(port).before;
 }
 
 PortSet PortEdit::Set(int port, CCommand* command)
@@ -54,8 +118,8 @@ PortSet PortEdit::Set(int port, CCommand* command)
     set.ConvFlag2Data();
     SetRS232PortParameters record;
     set.GetSETCOMMS(port, record);
-    if (command != nullptr && command->IsPortOpen() != 0 &&
-        command->SetReceiverPort(record.port, LineOf(record)) == 0) {
+    const bool isConnected = command != nullptr && command->IsPortOpen() != 0;
+    if (isConnected && command->SetReceiverPort(record.port, LineOf(record)) == 0) {
         if (command->Fault() == CommandFault::Refused) {
             return PortSet::Refused;
         }
@@ -63,13 +127,21 @@ PortSet PortEdit::Set(int port, CCommand* command)
             return PortSet::NoAnswer;
         }
     }
-    return set.WriteRegCommPrm(port) == 1 ? PortSet::Done : PortSet::NotStored;
+    const bool isStored =
+        set.WriteRegCommPrm(port) == 1 &&
+        (!isConnected || isLink ||
+         HostReg(m_roots).WriteString(CComPrmSet::KeyOf(port), kTold, Told(set)) == 1);
+    return isStored ? PortSet::Done : PortSet::NotStored;
 }
 
 bool PortEdit::MovesLink() const
 {
-    return m_linkPort != 0 &&
-           !m_link.HasFlagsOf(m_ports.at(static_cast<std::size_t>(m_linkPort - 1)));
+    return m_linkPort != 0 && !m_link.HasFlagsOf(Of(m_linkPort).set);
+}
+
+PortSettings PortEdit::LinkWanted() const
+{
+    return LineWithFlagsOf(m_linkPort != 0 ? Of(m_linkPort).set : m_link);
 }
 
 bool PortEdit::IsLinkChanged() const
@@ -80,7 +152,7 @@ bool PortEdit::IsLinkChanged() const
     CComPrmSet stored(m_roots);
     stored.ReadRegCommPrm(CComPrmSet::kLinkPort);
     stored.ConvData2Flag();
-    return !stored.HasFlagsOf(m_ports.at(static_cast<std::size_t>(m_linkPort - 1)));
+    return !stored.HasFlagsOf(Of(m_linkPort).set);
 }
 
 int PortEdit::KeepLink()
@@ -90,22 +162,18 @@ int PortEdit::KeepLink()
     }
     CComPrmSet& set = At(m_linkPort);
     set.ConvFlag2Data();
-    return set.WriteRegCommPrm(CComPrmSet::kLinkPort);
+    return StoreLink(set);
 }
 
 int PortEdit::TakeLinkBack()
 {
-    return m_linkPort != 0 && m_link.WriteRegCommPrm(CComPrmSet::kLinkPort) == 1 &&
-                   m_link.WriteRegCommPrm(m_linkPort) == 1
-               ? 1
-               : 0;
+    return m_linkPort != 0 && StoreLink(m_link) == 1 && m_link.WriteRegCommPrm(m_linkPort) == 1 ? 1
+                                                                                                : 0;
 }
 
 PortSettings PortEdit::LinkBefore() const
 {
-    SetRS232PortParameters record;
-    m_link.GetSETCOMMS(CComPrmSet::kLinkPort, record);
-    return LineOf(record);
+    return LineWithFlagsOf(m_link);
 }
 
 } // namespace fieldcore

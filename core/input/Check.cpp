@@ -248,6 +248,13 @@ int CCheck::stCheckDegRange(const std::wstring& text)
     return inRange ? 1 : 0;
 }
 
+std::optional<double> TypedNumber(const std::wstring& text)
+{
+    const bool isNumber = CCheck(SilentHost::Instance()).CheckNum(text, nullptr, 0, 0) == 1 &&
+                          std::any_of(text.begin(), text.end(), IsDigit);
+    return isNumber ? std::optional(CParts::atof(text)) : std::nullopt;
+}
+
 void CCheck::Warn(const std::wstring& text, int caption, FocusTarget* control) const
 {
     CMesBox(m_host).Warn(text, caption);

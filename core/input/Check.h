@@ -3,6 +3,7 @@
 #include "core/host/Host.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -78,5 +79,9 @@ private:
     double m_lastAngle = 0.0; // seconds of arc
     Host& m_host;
 };
+
+/// A number as people type it, at a screen or in a terminal: what CheckNum() takes, with a digit in
+/// it at least.
+[[nodiscard]] std::optional<double> TypedNumber(const std::wstring& text);
 
 } // namespace fieldcore

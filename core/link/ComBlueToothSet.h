@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/platform/Assign.h"
 #include "core/settings/Reg.h"
 
 namespace fieldcore {
@@ -30,12 +31,15 @@ public:
     /// Whether the host suite has said it, as of ReadReg().
     [[nodiscard]] bool IsStored() const { return m_isStored; }
 
+    // Setters answer 1 if the value changed.
+
     [[nodiscard]] int GetConnectPort() const { return m_connectPort; } ///< COM number
-    void SetConnectPort(int port) { m_connectPort = port; }
+    int SetConnectPort(int port) { return Assign(m_connectPort, port); }
     [[nodiscard]] int GetComConnectWay() const { return m_way; } ///< a Way
-    void SetComConnectWay(int way) { m_way = way; }
+    /// Any number but 0 is Bluetooth.
+    int SetComConnectWay(int way) { return Assign(m_way, way == Cable ? Cable : BlueTooth); }
     [[nodiscard]] int GetBlueToothPort() const { return m_blueToothPort; } ///< COM number
-    void SetBlueToothPort(int port) { m_blueToothPort = port; }
+    int SetBlueToothPort(int port) { return Assign(m_blueToothPort, port); }
 
 private:
     CReg m_reg;

@@ -1,5 +1,6 @@
 #include "core/link/ComPrmSet.h"
 
+#include "core/platform/Assign.h"
 #include "core/platform/SettingsStore.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::size_t kDefaultRate = 2; // flag
+constexpr int kDefaultRate = 2; // flag
 constexpr std::uint32_t kLinkRate = 38400;
 constexpr std::uint32_t kOtherRate = 9600;
 
@@ -22,10 +23,15 @@ constexpr std::array kParityTexts{L"None", L"Odd", L"Even"};
 constexpr std::array kStopBitsTexts{L"1", L"2"};
 constexpr std::array kFlowTexts{L"None", L"CTS", L"Xon/Xoff"};
 
-std::wstring TextOf(std::span<const wchar_t* const> texts, int flag, std::size_t otherwise = 0)
+/// @return @p flag, or @p otherwise if it is no choice
+int Choice(std::span<const wchar_t* const> texts, int flag, int otherwise = 0)
 {
-    const bool known = flag >= 0 && static_cast<std::size_t>(flag) < texts.size();
-    return texts[known ? static_cast<std::size_t>(flag) : otherwise];
+    return flag >= 0 && static_cast<std::size_t>(flag) < texts.size() ? flag : otherwise;
+}
+
+std::wstring TextOf(std::span<const wchar_t* const> texts, int flag, int otherwise = 0)
+{
+    return texts[static_cast<std::size_t>(Choice(texts, flag, otherwise))];
 }
 
 /// @return -1 if no choice has that text
@@ -37,16 +43,6 @@ int FlagOf(std::span<const wchar_t* const> texts, const std::wstring& text)
         }
     }
     return -1;
-}
-
-std::wstring KeyOf(int port)
-{
-    return L"GPS\\Com\\Com" + std::to_wstring(port);
-}
-
-int Change(int& flag, int to)
-{
-    return std::exchange(flag, to) != to ? 1 : 0;
 }
 
 } // namespace
@@ -65,6 +61,11 @@ PortSettings LineOf(const SetRS232PortParameters& parameters)
 }
 
 CComPrmSet::CComPrmSet(SettingsRoots& roots) : m_reg(roots) {}
+
+std::wstring CComPrmSet::KeyOf(int port)
+{
+    return L"GPS\\Com\\Com" + std::to_wstring(port);
+}
 
 int CComPrmSet::ReadRegCommPrm(int port)
 {
@@ -99,7 +100,7 @@ int CComPrmSet::WriteRegCommPrm(int port) const
 
 void CComPrmSet::ConvData2Flag()
 {
-    m_flagBps = static_cast<int>(kDefaultRate);
+    m_flagBps = kDefaultRate;
     for (std::size_t i = 0; i < kBaudRates.size(); ++i) {
         if (kBaudRates[i] == m_values.baudRate) {
             m_flagBps = static_cast<int>(i);
@@ -115,8 +116,7 @@ void CComPrmSet::ConvData2Flag()
 
 void CComPrmSet::ConvFlag2Data()
 {
-    const bool known = m_flagBps >= 0 && static_cast<std::size_t>(m_flagBps) < kBaudRates.size();
-    m_values.baudRate = kBaudRates[known ? static_cast<std::size_t>(m_flagBps) : kDefaultRate];
+    m_values.baudRate = kBaudRates[static_cast<std::size_t>(m_flagBps)];
     m_values.dataLength = m_flagDataBits == 1 ? 7 : 8;
     m_values.parity = m_flagParity == 1 ? 1 : m_flagParity == 2 ? 2 : 0;
     m_values.stopBits = m_flagStopBits == 1 ? 2 : 0;
@@ -125,32 +125,33 @@ void CComPrmSet::ConvFlag2Data()
 
 int CComPrmSet::SetFlagBps(int flag)
 {
-    return Change(m_flagBps, flag);
+    return Assign(m_flagBps, Choice(kBpsTexts, flag, kDefaultRate));
 }
 
 int CComPrmSet::SetFlagDataBits(int flag)
 {
-    return Change(m_flagDataBits, flag);
+    return Assign(m_flagDataBits, Choice(kDataBitsTexts, flag));
 }
 
 int CComPrmSet::SetFlagParity(int flag)
 {
-    return Change(m_flagParity, flag);
+    return Assign(m_flagParity, Choice(kParityTexts, flag));
 }
 
 int CComPrmSet::SetFlagStopBits(int flag)
 {
-    return Change(m_flagStopBits, flag);
+    return Assign(m_flagStopBits, Choice(kStopBitsTexts, flag));
 }
 
 int CComPrmSet::SetFlagFlowCtrl(int flag)
 {
-    return Change(m_flagFlow, flag);
+    return Assign(m_flagFlow, Choice(kFlowTexts, flag));
 }
 
 int CComPrmSet::SetDataFlowCtrl(std::uint8_t flow)
 {
-    return std::exchange(m_values.flowControl, flow) != flow ? 1 : 0;
+    constexpr std::uint8_t kLast = 2;
+    return Assign(m_values.flowControl, flow <= kLast ? flow : std::uint8_t{0});
 }
 
 std::wstring CComPrmSet::GetStrBps(int flag) const
@@ -258,6 +259,11 @@ PortSettings LinkSettings(SettingsRoots& roots)
     return LineOf(parameters);
 }
 
+int StoreLink(const CComPrmSet& line)
+{
+    return line.WriteRegCommPrm(CComPrmSet::kLinkPort);
+}
+
 int SetLinkRate(std::uint32_t baudRate, SettingsRoots& roots)
 {
     CComPrmSet link(roots);
@@ -271,7 +277,7 @@ int SetLinkRate(std::uint32_t baudRate, SettingsRoots& roots)
     link.SetSETCOMMS(parameters);
     link.ConvFlag2Data();
     link.GetSETCOMMS(CComPrmSet::kLinkPort, parameters);
-    return parameters.baudRate == baudRate ? link.WriteRegCommPrm(CComPrmSet::kLinkPort) : 0;
+    return parameters.baudRate == baudRate ? StoreLink(link) : 0;
 }
 
 } // namespace fieldcore

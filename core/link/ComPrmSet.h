@@ -54,8 +54,8 @@ public:
     void ConvData2Flag();
     void ConvFlag2Data();
 
-    // Flags. Setting one answers 1 if it was another before. One beyond its list counts as the
-    // default choice.
+    // Flags. Setting one answers 1 if it was another before. One beyond its list becomes the
+    // default choice: 9600, 8, None, 1, None.
     [[nodiscard]] int GetFlagBps() const { return m_flagBps; }
     [[nodiscard]] int GetFlagDataBits() const { return m_flagDataBits; }
     [[nodiscard]] int GetFlagParity() const { return m_flagParity; }
@@ -67,7 +67,7 @@ public:
     int SetFlagStopBits(int flag);
     int SetFlagFlowCtrl(int flag);
 
-    /// The stored value of flow control itself: 0 none, 1 Xon/Xoff, 2 CTS.
+    /// The stored value of flow control itself: 0 none, 1 Xon/Xoff, 2 CTS; any other becomes 0.
     [[nodiscard]] std::uint8_t GetDataFlowCtrl() const { return m_values.flowControl; }
     int SetDataFlowCtrl(std::uint8_t flow);
 
@@ -100,6 +100,9 @@ public:
     /// The other two ports of the receiver, the higher number first.
     static void GetOtherPorNo(int port, int& first, int& second);
 
+    /// The key of a port's values, below the library's own.
+    [[nodiscard]] static std::wstring KeyOf(int port);
+
     /// Whether the flags are the same.
     [[nodiscard]] bool HasFlagsOf(const CComPrmSet& other) const;
 
@@ -116,6 +119,10 @@ private:
 /// The parameters with which the controller's own line is to be run: those of port 0, brought to
 /// what the lists offer.
 [[nodiscard]] PortSettings LinkSettings(SettingsRoots& roots = SettingsRoots::Instance());
+
+/// Stores the parameters of the controller's own line: all that changes it comes through here.
+/// @return 1, or 0 if they could not be stored
+int StoreLink(const CComPrmSet& line);
 
 /// Stores another rate for the controller's own line; the other parameters stay.
 /// @return 1; 0 if the rate is none of kBaudRates, or could not be stored

@@ -49,4 +49,14 @@ std::optional<Bytes> ReadWholeFile(const std::filesystem::path& file, std::size_
     return content;
 }
 
+std::string FileIdentity(const std::filesystem::path& file)
+{
+    struct stat info = {};
+    if (::stat(file.c_str(), &info) != 0) {
+        return {};
+    }
+    return std::to_string(info.st_mtim.tv_sec) + " " + std::to_string(info.st_mtim.tv_nsec) + " " +
+           std::to_string(info.st_ino) + " " + std::to_string(info.st_size);
+}
+
 } // namespace fieldcore

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace fieldcore {
@@ -13,5 +14,10 @@ namespace fieldcore {
 /// @return nothing if there is no such regular file or it cannot be read
 [[nodiscard]] std::optional<std::vector<std::uint8_t>>
 ReadWholeFile(const std::filesystem::path& file, std::size_t limit);
+
+/// What tells a file from the one that it was before and from one that takes its place: when it was
+/// last written, to the nanosecond, its number in the file system, and its size. Any thread.
+/// @return empty if there is none
+[[nodiscard]] std::string FileIdentity(const std::filesystem::path& file);
 
 } // namespace fieldcore

@@ -1,11 +1,11 @@
 #include "core/tilt/BubbleConfig.h"
 
+#include "core/platform/Assign.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/SettingsStore.h"
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace fieldcore {
 
@@ -15,12 +15,6 @@ constexpr const wchar_t* kSensitivity = L"Sensitivity";
 constexpr const wchar_t* kViscosity = L"Viscosity";
 constexpr const wchar_t* kDuration = L"Duration";
 constexpr double kMmInM = 1000.0;
-
-template <typename Number>
-int Change(Number& value, Number wanted)
-{
-    return std::exchange(value, wanted) != wanted ? 1 : 0;
-}
 
 int ReadWhole(const CReg& reg, const wchar_t* name, const wchar_t* defaultText)
 {
@@ -38,22 +32,22 @@ int eBubbleConfig::s_expiryH = 720;
 
 int eBubbleConfig::SetBubbleSensitivity(double arcMinutes)
 {
-    return std::isfinite(arcMinutes) ? Change(s_sensitivity, arcMinutes) : 0;
+    return std::isfinite(arcMinutes) ? Assign(s_sensitivity, arcMinutes) : 0;
 }
 
 int eBubbleConfig::SetBubbleViscosity(int viscosity)
 {
-    return Change(s_viscosity, std::clamp(viscosity, 0, 2));
+    return Assign(s_viscosity, std::clamp(viscosity, 0, 2));
 }
 
 int eBubbleConfig::SetBubbleDuration(double toleranceM)
 {
-    return std::isnan(toleranceM) ? 0 : Change(s_durationM, std::clamp(toleranceM, 0.001, 1.0));
+    return std::isnan(toleranceM) ? 0 : Assign(s_durationM, std::clamp(toleranceM, 0.001, 1.0));
 }
 
 int eBubbleConfig::SetBubbleExpiry(int hours)
 {
-    return Change(s_expiryH, std::clamp(hours, 1, 30000));
+    return Assign(s_expiryH, std::clamp(hours, 1, 30000));
 }
 
 void eBubbleConfig::LoadBubbleData(const CReg& reg)

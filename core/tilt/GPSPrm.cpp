@@ -2,10 +2,10 @@
 
 namespace fieldcore {
 
-void CGPSPrm::SetSurveyType(std::uint32_t surveyType, int rover)
+int CGPSPrm::SetSurveyType(std::uint32_t surveyType, int rover)
 {
-    m_surveyType = surveyType;
-    m_rover = rover;
+    const int isAnotherType = Assign(m_surveyType, surveyType);
+    return Assign(m_rover, rover) | isAnotherType;
 }
 
 double CGPSPrm::GetPDOPMaskData(int raw) const

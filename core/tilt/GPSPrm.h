@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/platform/Assign.h"
 #include "core/settings/HostReg.h"
 
 #include <cstdint>
@@ -8,7 +9,7 @@ namespace fieldcore {
 
 /// The tracking parameters of one survey, which the host fills and hands around. CParts names the
 /// section that each survey type's set is kept under, and lists the values that can be chosen; the
-/// record takes any. One thread.
+/// record takes any. A setter answers 1 if the value changed. One thread.
 class CGPSPrm
 {
 public:
@@ -24,40 +25,40 @@ public:
 
     /// @param surveyType  one flag, see CParts
     /// @param rover       0: the reference station
-    void SetSurveyType(std::uint32_t surveyType, int rover);
+    int SetSurveyType(std::uint32_t surveyType, int rover);
     [[nodiscard]] std::uint32_t GetSurveyType() const { return m_surveyType; }
     [[nodiscard]] int GetRover() const { return m_rover; }
 
     /// Recording interval; its unit is the survey's.
-    void SetIntervalData(int interval) { m_interval = interval; }
+    int SetIntervalData(int interval) { return Assign(m_interval, interval); }
     [[nodiscard]] int GetIntervalData() const { return m_interval; }
     /// Elevation mask, degrees.
-    void SetElMaskData(int maskDeg) { m_elMask = maskDeg; }
+    int SetElMaskData(int maskDeg) { return Assign(m_elMask, maskDeg); }
     [[nodiscard]] int GetElMaskData() const { return m_elMask; }
     /// Epochs to observe.
-    void SetSvEpochData(int epochs) { m_svEpoch = epochs; }
+    int SetSvEpochData(int epochs) { return Assign(m_svEpoch, epochs); }
     [[nodiscard]] int GetSvEpochData() const { return m_svEpoch; }
     /// Least number of satellites.
-    void SetMinSVsData(int satellites) { m_minSVs = satellites; }
+    int SetMinSVsData(int satellites) { return Assign(m_minSVs, satellites); }
     [[nodiscard]] int GetMinSVsData() const { return m_minSVs; }
 
-    void SetPDOPMaskData(double pdop) { m_pdopMask = pdop; }
+    int SetPDOPMaskData(double pdop) { return Assign(m_pdopMask, pdop); }
     /// @param raw  0: the limit that is worked with, which is never below 7.0; else as it was set
     [[nodiscard]] double GetPDOPMaskData(int raw) const;
 
     // What is used: 1, or 0.
 
-    void SetL2CData(int used) { m_l2c = used; }
+    int SetL2CData(int used) { return Assign(m_l2c, used); }
     [[nodiscard]] int GetL2CData() const { return m_l2c; }
-    void SetMSASData(int used) { m_msas = used; }
+    int SetMSASData(int used) { return Assign(m_msas, used); }
     [[nodiscard]] int GetMSASData() const { return m_msas; }
-    void SetGLONASSData(int used) { m_glonass = used; }
+    int SetGLONASSData(int used) { return Assign(m_glonass, used); }
     [[nodiscard]] int GetGLONASSData() const { return m_glonass; }
-    void SetQZSSData(int used) { m_qzss = used; }
+    int SetQZSSData(int used) { return Assign(m_qzss, used); }
     [[nodiscard]] int GetQZSSData() const { return m_qzss; }
-    void SetL5Data(int used) { m_l5 = used; }
+    int SetL5Data(int used) { return Assign(m_l5, used); }
     [[nodiscard]] int GetL5Data() const { return m_l5; }
-    void SetGalileoData(int used) { m_galileo = used; }
+    int SetGalileoData(int used) { return Assign(m_galileo, used); }
     [[nodiscard]] int GetGalileoData() const { return m_galileo; }
 
 private:

@@ -28,7 +28,7 @@ struct Field
 {
     const wchar_t* name;
     int (CGPSPrm::*get)() const;
-    void (CGPSPrm::*set)(int);
+    int (CGPSPrm::*set)(int);
     bool (*isGood)(int);
 };
 

@@ -196,7 +196,7 @@ TEST(Geo, SaysWhatIsOutOfRange)
         {"ecef 0 0 nan", "no number"},
         {"ecef 0 0 inf", "no number"},
         {"geodetic 0 0 0", "too deep"},
-        {"geodetic 1e9 0 0", "out of range"},
+        {"geodetic 1000000000 0 0", "out of range"},
         {"plane 35.69 139.69", "--zone 9 or"},
         {"plane 26.2 127.7", "--zone 15 or"},
         {"plane 35.69 139.69 --zone 16", "--zone 9 or"},

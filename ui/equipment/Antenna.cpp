@@ -75,6 +75,15 @@ void Paint(QLabel* label, const QColor& colour)
     label->setPalette(palette);
 }
 
+/// Selects the entry with that code; one that is in no list is added, with words in its name's
+/// place.
+void SelectOrAdd(CTComboBox* box, int code, int unlistedText)
+{
+    if (box->SelectCode(code) == 0) {
+        box->setCurrentIndex(box->AddEntry(UiText(unlistedText), code));
+    }
+}
+
 int HowText(const AntennaHeight& height)
 {
     switch (height.reduction) {
@@ -83,6 +92,8 @@ int HowText(const AntennaHeight& height)
         return text::kAntennaHowSlant;
     case AntennaReduction::Upright:
         return text::kAntennaHowBase;
+    case AntennaReduction::Unknown:
+        return text::kAntennaHowUnknown;
     case AntennaReduction::None:
         break;
     }
@@ -166,7 +177,13 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
     layout->addLayout(foot);
 
     m_ask->setEnabled(command != nullptr && command->IsPortOpen() != 0);
-    connect(m_role, &QComboBox::activated, this, &CAntenna::ChooseRole);
+    connect(m_role, &QComboBox::activated, this, [this] {
+        if (IsUnchanged() || CMesBox().Confirm(text::kAntennaChangeRole, text::kAntennaCaption)) {
+            SetRole(static_cast<AntennaRole>(m_role->GetCode()));
+            ReadRole();
+        }
+        m_role->SelectCode(static_cast<int>(Role()));
+    });
     connect(m_antennaType, &QComboBox::activated, this, &CAntenna::ChooseType);
     connect(m_antennaWay, &QComboBox::activated, this, &CAntenna::ChooseWay);
     connect(m_height, &QComboBox::editTextChanged, this, &CAntenna::ShowHeight);
@@ -184,8 +201,7 @@ bool CAntenna::OnInitDialog()
     if (CheckReg() == 0) {
         CMesBox().Warn(text::kAntennaNotStored, text::kAntennaCaption);
     }
-    ReadRegAnt();
-    DoDataExchange(false);
+    ReadRole();
     if (GetReConnect() != 0) {
         SetReConnect(0);
         AskReceiver(false);
@@ -220,11 +236,9 @@ void CAntenna::SetAntType()
         const auto description = Catalogue().Type(type);
         m_antennaType->AddEntry(description ? ToQt(description->name) : QString(), type);
     }
-    if (count == 0) {
-        m_antennaType->AddEntry(UiText(text::kAntennaNoType), GetAntTypeFlag());
-    }
     m_antennaType->setEnabled(count > 0);
-    m_antennaType->SelectCode(GetAntTypeFlag());
+    SelectOrAdd(m_antennaType, GetAntTypeFlag(),
+                count > 0 ? text::kAntennaTypeUnlisted : text::kAntennaNoType);
 }
 
 void CAntenna::SetAntWay()
@@ -234,9 +248,7 @@ void CAntenna::SetAntWay()
     for (int way = 0; way <= count; ++way) {
         m_antennaWay->AddEntry(ToQt(GetAntWayStr(GetAntTypeFlag(), way)), way);
     }
-    if (m_antennaWay->SelectCode(GetAntWayFlag()) == 0) {
-        m_antennaWay->SelectCode(0);
-    }
+    SelectOrAdd(m_antennaWay, GetAntWayFlag(), text::kAntennaMethodUnlisted);
 }
 
 void CAntenna::ChooseType()
@@ -254,11 +266,17 @@ void CAntenna::ChooseWay()
     ShowHeight();
 }
 
-void CAntenna::ChooseRole()
+bool CAntenna::IsUnchanged() const
 {
-    SetRole(static_cast<AntennaRole>(m_role->GetCode()));
+    return GetAntTypeFlag() == m_read.type && GetAntWayFlag() == m_read.way &&
+           m_height->currentText() == m_read.height && m_serial->currentText() == m_read.serial;
+}
+
+void CAntenna::ReadRole()
+{
     ReadRegAnt();
     DoDataExchange(false);
+    m_read = {GetAntTypeFlag(), GetAntWayFlag(), m_height->currentText(), m_serial->currentText()};
 }
 
 void CAntenna::ShowHeight()
@@ -282,6 +300,8 @@ void CAntenna::ShowHeight()
     }
     if (isShort) {
         warning = FormatText(text::kAntennaTooShort, height.measuredM, height.method.radiusM);
+    } else if (warning.empty() && ChoiceFault() != 0) {
+        warning = Text(ChoiceFault());
     } else if (warning.empty() && GetMaxCount() == 0) {
         warning = Text(text::kAntennaNoCatalogue);
     }
@@ -289,7 +309,8 @@ void CAntenna::ShowHeight()
     m_warning->setVisible(!warning.empty());
     const Theme& theme = Theme::Current();
     Paint(m_warning, fault.empty() ? theme.attention : theme.bad);
-    Paint(m_vertical, isShort ? theme.attention : isKnown ? theme.text : theme.stale);
+    const bool isDoubtful = isShort || height.reduction == AntennaReduction::Unknown;
+    Paint(m_vertical, !isKnown ? theme.stale : isDoubtful ? theme.attention : theme.text);
     m_how->setText(UiText(HowText(height)));
     m_drawing->Show(height, isKnown);
 }
@@ -317,10 +338,10 @@ void CAntenna::AskReceiver(bool isWanted)
     }
 }
 
-bool CAntenna::Stay(const std::wstring& fault, CTComboBox* field)
+bool CAntenna::Stay(const std::wstring& fault, QWidget* field)
 {
     CMesBox().Warn(fault, text::kAntennaCaption);
-    WidgetFocus(field->lineEdit()).TakeFocus();
+    WidgetFocus(field).TakeFocus();
     return false;
 }
 
@@ -329,6 +350,10 @@ bool CAntenna::OnClose(int result)
     if (result != kOk) {
         return true;
     }
+    if (const int choice = ChoiceFault(); choice != 0) {
+        return Stay(Text(choice),
+                    choice == text::kAntennaTypeUnknown ? m_antennaType : m_antennaWay);
+    }
     const std::wstring height = m_height->currentText().toStdWString();
     const std::wstring serial = m_serial->currentText().toStdWString();
     WidgetFocus heightField(m_height->lineEdit());
@@ -336,10 +361,10 @@ bool CAntenna::OnClose(int result)
         return false;
     }
     if (const std::wstring fault = AntennaHeightFault(height); !fault.empty()) {
-        return Stay(fault, m_height); // nothing was typed
+        return Stay(fault, m_height->lineEdit()); // nothing was typed
     }
     if (const std::wstring fault = AntennaSerialFault(serial); !fault.empty()) {
-        return Stay(fault, m_serial);
+        return Stay(fault, m_serial->lineEdit());
     }
     DoDataExchange(true);
     if (WriteRegAnt() == 0) {

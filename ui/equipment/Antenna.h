@@ -14,7 +14,8 @@ class CTComboBox;
 
 /// The antenna of a station: its type, how its height is measured, the height and the serial
 /// number, with a drawing of what is measured. The vertical height follows what is typed. OK stores
-/// it for the role. User-interface thread only.
+/// it for the role, unless a type or method has to be chosen before: see ChoiceFault().
+/// User-interface thread only.
 ///
 /// Opening reads the settings of the role; what a host has set before is forgotten then.
 class CAntenna : public Dialog, public AntennaSettings
@@ -49,12 +50,14 @@ protected:
 private:
     /// Height and serial number from the controls, or all values to them.
     void DoDataExchange(bool fromControls);
+    /// Whether the controls show what they showed when the role was read.
+    [[nodiscard]] bool IsUnchanged() const;
     void ShowHeight();
     void ChooseType();
     void ChooseWay();
-    void ChooseRole();
+    void ReadRole();
     void AskReceiver(bool isWanted);
-    bool Stay(const std::wstring& fault, CTComboBox* field);
+    bool Stay(const std::wstring& fault, QWidget* field);
 
     CTComboBox* m_role; // owned by the dialog, as are all that follow
     QLabel* m_roleLabel;
@@ -68,6 +71,15 @@ private:
     QLabel* m_warning;
     QPushButton* m_ask;
     QBoxLayout* m_body;
+
+    /// What the role had when it was read.
+    struct Read
+    {
+        int type = 0;
+        int way = 0;
+        QString height;
+        QString serial;
+    } m_read;
 };
 
 } // namespace fieldcore

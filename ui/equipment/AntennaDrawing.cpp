@@ -49,7 +49,7 @@ Places PlacesIn(const QSizeF& size, const AntennaHeight& height, qreal lineHeigh
     at.radius = radius;
     at.mark = {middle, ground};
     at.centre = {middle, centre};
-    const bool isReduced = height.reduction != AntennaReduction::None;
+    const bool isReduced = height.IsReduced();
     const bool isAside = height.method.radiusM != 0.0 && isReduced;
     // An upward V is drawn below the centre, a downward one above it.
     const qreal sink = !isReduced                      ? 0.0
@@ -147,7 +147,7 @@ void AntennaDrawing::Draw(QPainter& painter, const QSizeF& size)
     const Theme& theme = Theme::Current();
     const PlotStyle style = PlotStyle::OnScreen(theme.ground, font());
     painter.setFont(style.small);
-    const bool isReduced = m_height.reduction != AntennaReduction::None;
+    const bool isReduced = m_height.IsReduced();
     const Places at = PlacesIn(size, m_height, QFontMetricsF(style.small).height());
     DrawAntenna(painter, style, at);
 
@@ -156,7 +156,8 @@ void AntennaDrawing::Draw(QPainter& painter, const QSizeF& size)
         return m_isKnown ? ToQt(FormatText(id, CParts::round(value, kDecimals)))
                          : UiText(withoutValue);
     };
-    const bool isBad = m_height.reduction == AntennaReduction::TooShort;
+    const bool isBad = m_height.reduction == AntennaReduction::TooShort ||
+                       m_height.reduction == AntennaReduction::Unknown;
     const QColor measured = isBad ? theme.attention : theme.accent;
     painter.setPen(PlotPen(measured, kMeasured));
     DrawSpan(painter, at.mark, at.point);

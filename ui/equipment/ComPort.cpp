@@ -31,7 +31,7 @@ CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidge
                    int startPage, Surroundings surroundings)
     : PropertySheet(caption, parent), m_command(command), m_surroundings(std::move(surroundings)),
       m_roots(m_surroundings.roots != nullptr ? *m_surroundings.roots : SettingsRoots::Instance()),
-      m_edit(std::in_place, ioPort, m_roots)
+      m_edit(std::in_place, ioPort, m_roots, std::nullopt, m_surroundings.receiver)
 {
     switch (m_surroundings.ports) {
     case 1:
@@ -89,7 +89,7 @@ int CComPort::SetIOPort(int port)
 {
     const int before = GetIOPort();
     const int open = GetActiveIndex();
-    m_edit.emplace(port, m_roots);
+    m_edit.emplace(port, m_roots, std::nullopt, m_surroundings.receiver);
     AddPages(GetPageCount());
     stSetOpenPage(open);
     return GetIOPort() != before ? 1 : 0;
@@ -126,8 +126,11 @@ bool CComPort::OnInitDialog()
             if (!IsConnected() && m_command != nullptr && m_surroundings.target) {
                 page->OfferSearch();
             }
-        } else if (!IsConnected()) {
-            page->ShowNote(UiText(text::kComOffline));
+        } else {
+            const int known = PortKnownText(m_edit->Known(port));
+            page->ShowNote(!IsConnected() ? UiText(text::kComOffline)
+                           : known != 0   ? UiText(known)
+                                          : QString());
         }
     }
     return PropertySheet::OnInitDialog();
@@ -150,22 +153,32 @@ bool CComPort::OnClose(int result)
     return PropertySheet::OnClose(result);
 }
 
-/// Sets what a page says, if it was seen.
+/// Sets what a page says, if there is reason to.
 bool CComPort::Set(ComPortPage* page)
 {
     if (!page->IsInitialised()) {
         return true;
     }
     page->Take(m_edit->At(page->Port()));
+    if (!page->IsTouched() && !m_edit->IsDue(page->Port())) {
+        return true;
+    }
     const PortSet outcome = m_edit->Set(page->Port(), m_command);
-    if (outcome == PortSet::Done) {
+    // Where the receiver of the link has moved nothing is left but to follow: see OnDestroy().
+    const bool hasMoved =
+        outcome == PortSet::NotStored && page->Port() == GetIOPort() && IsConnected();
+    if (outcome == PortSet::Done || hasMoved) {
         return true;
     }
     SetActivePage(page);
-    const std::wstring message = FormatText(PortSetText(outcome), page->Port());
-    (m_command != nullptr ? CMesBox(m_command->GetHost()) : CMesBox())
-        .Fail(message, text::kComFailedCaption);
+    Tell(PortSetText(outcome), page->Port());
     return false;
+}
+
+void CComPort::Tell(int textId, int port) const
+{
+    (m_command != nullptr ? CMesBox(m_command->GetHost()) : CMesBox())
+        .Fail(FormatText(textId, port), text::kComFailedCaption);
 }
 
 void CComPort::OnDestroy()
@@ -173,7 +186,11 @@ void CComPort::OnDestroy()
     int page = GetActiveIndex();
     CParts::SetRegActivePage(0, page, kName, HostReg(m_roots));
     if (m_isAgreed && stCompareCommPrm() != 0) {
-        m_isLinkChanged = m_edit->KeepLink() == 1;
+        const bool isKept = m_edit->KeepLink() == 1;
+        m_isLinkChanged = isKept || IsConnected();
+        if (!isKept) {
+            Tell(IsConnected() ? text::kComMovedNotStored : text::kComNotStored, GetIOPort());
+        }
     }
     PropertySheet::OnDestroy();
 }

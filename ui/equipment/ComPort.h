@@ -11,9 +11,10 @@ namespace fieldcore {
 
 class ComPortPage;
 
-/// The parameters of the receiver's serial ports, a page each. OK sends every page that was seen to
-/// the receiver, if one is connected, and stores it; the port through which the controller talks
-/// comes last, and only if it changes. User-interface thread only.
+/// The parameters of the receiver's serial ports, a page each, which says what is known of the
+/// receiver's own. OK sends to the receiver, if one is connected, and stores the pages that were
+/// seen and that the user has touched or that are PortEdit::IsDue(); the port through which the
+/// controller talks comes last, and only if it changes. User-interface thread only.
 class CComPort : public PropertySheet
 {
     Q_OBJECT
@@ -26,6 +27,7 @@ public:
         int ports = CComPrmSet::kMostPorts; ///< that the receiver has: 1 to 3 pages
         /// Where the receiver is looked for when the user wants its rate found; empty: not offered.
         std::function<std::optional<ConnectTarget>()> target;
+        std::wstring receiver{}; ///< serial number of the one that is, or was last, connected
     };
 
     /// The page that was open last.
@@ -50,8 +52,9 @@ public:
     /// Number of the sheet's icon among those of the program: it has none.
     [[nodiscard]] static int GetIconID() { return 0; }
 
-    /// After OK: the parameters of the controller's own link have changed, and are stored. Whoever
-    /// opened the sheet connects anew, see FollowLink().
+    /// After OK: the parameters of the controller's own link have changed, and are stored; or they
+    /// could not be stored, as the user was told, and a connected receiver has them. Whoever opened
+    /// the sheet connects anew with PortEdit::LinkWanted(), see FollowLink().
     [[nodiscard]] bool IsLinkChanged() const { return m_isLinkChanged; }
     [[nodiscard]] PortEdit& Edit() { return *m_edit; }
 
@@ -77,6 +80,7 @@ private:
     [[nodiscard]] bool Set(ComPortPage* page);
     [[nodiscard]] bool IsConnected() const;
     void Search(ComPortPage* page);
+    void Tell(int textId, int port) const;
 
     CCommand* const m_command;
     const Surroundings m_surroundings;

@@ -42,7 +42,8 @@ ComPortPage::ComPortPage(int port, QWidget* parent)
     form->setHorizontalSpacing(2 * TouchStyle::kGrid);
     form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    const auto add = [form](int id, CTComboBox* combo) {
+    const auto add = [this, form](int id, CTComboBox* combo) {
+        connect(combo, &QComboBox::activated, this, [this] { m_isTouched = true; });
         combo->setAccessibleName(UiText(id));
         combo->setMaximumWidth(35 * TouchStyle::kGrid);
         combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -94,6 +95,7 @@ void ComPortPage::ShowSearchResult(const QString& text)
 
 void ComPortPage::InsertString(const CComPrmSet& set)
 {
+    m_isTouched = false;
     Fill(
         m_bps, static_cast<int>(kBaudRates.size()), [&](int f) { return set.GetStrBps(f); },
         set.GetFlagBps());

@@ -31,6 +31,8 @@ public:
 
     /// Fills the five lists with their choices, and selects those of @p set.
     void InsertString(const CComPrmSet& set);
+    /// Whether the user has chosen in one of the lists since they were filled, perhaps the same.
+    [[nodiscard]] bool IsTouched() const { return m_isTouched; }
     /// Sets the flags of @p set to what is selected.
     void Take(CComPrmSet& set) const;
 
@@ -47,6 +49,7 @@ private:
     QLabel* m_note;
     QPushButton* m_search;
     QLabel* m_found;
+    bool m_isTouched = false;
 };
 
 } // namespace fieldcore

@@ -289,36 +289,45 @@ void CSurveyPlan::OnDestroy()
 }
 
 template <typename Change>
-void CSurveyPlan::ChangeSettings(Change change)
+int CSurveyPlan::ChangeSettings(Change change)
 {
     PlanSettings settings = m_session.Settings();
     change(settings);
-    m_session.SetSettings(settings);
+    return m_session.SetSettings(settings);
 }
 
-void CSurveyPlan::SetElMaskData(int maskDeg)
+int CSurveyPlan::SetElMaskData(int maskDeg)
 {
+    const int before = GetElMaskData();
     m_session.SetMask(maskDeg);
+    return GetElMaskData() != before ? 1 : 0;
 }
 
-void CSurveyPlan::SetStartTimeData(int hour)
+int CSurveyPlan::SetSystemTime(std::chrono::year_month_day date)
 {
-    ChangeSettings([hour](PlanSettings& settings) { settings.startHour = hour; });
+    const std::chrono::year_month_day before = GetSystemTime();
+    m_session.SetDate(date);
+    return GetSystemTime() != before ? 1 : 0;
 }
 
-void CSurveyPlan::SetDispTimeData(int hours)
+int CSurveyPlan::SetStartTimeData(int hour)
 {
-    ChangeSettings([hours](PlanSettings& settings) { settings.hours = hours; });
+    return ChangeSettings([hour](PlanSettings& settings) { settings.startHour = hour; });
 }
 
-void CSurveyPlan::SetListCoordData(int choice)
+int CSurveyPlan::SetDispTimeData(int hours)
 {
-    ChangeSettings([choice](PlanSettings& settings) { settings.listCoord = choice; });
+    return ChangeSettings([hours](PlanSettings& settings) { settings.hours = hours; });
 }
 
-void CSurveyPlan::SetPositionData(int number)
+int CSurveyPlan::SetListCoordData(int choice)
 {
-    ChangeSettings([number](PlanSettings& settings) { settings.positionNo = number; });
+    return ChangeSettings([choice](PlanSettings& settings) { settings.listCoord = choice; });
+}
+
+int CSurveyPlan::SetPositionData(int number)
+{
+    return ChangeSettings([number](PlanSettings& settings) { settings.positionNo = number; });
 }
 
 const std::wstring& CSurveyPlan::GetPositionStr() const
@@ -326,14 +335,14 @@ const std::wstring& CSurveyPlan::GetPositionStr() const
     return m_session.Settings().position;
 }
 
-void CSurveyPlan::SetPositionStr(const std::wstring& name)
+int CSurveyPlan::SetPositionStr(const std::wstring& name)
 {
-    ChangeSettings([&name](PlanSettings& settings) { settings.position = name; });
+    return ChangeSettings([&name](PlanSettings& settings) { settings.position = name; });
 }
 
-void CSurveyPlan::SetPositionID(int id)
+int CSurveyPlan::SetPositionID(int id)
 {
-    ChangeSettings([id](PlanSettings& settings) { settings.positionId = id; });
+    return ChangeSettings([id](PlanSettings& settings) { settings.positionId = id; });
 }
 
 } // namespace fieldcore

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/planning/PlanSession.h"
+#include "core/platform/Assign.h"
 #include "core/settings/HostReg.h"
 #include "ui/controls/Dialog.h"
 #include "ui/planning/PlanDrawing.h"
@@ -74,7 +75,8 @@ public:
     void DoDataExchange(bool fromControls);
     bool OnInitDialog() override;
 
-    // What the pages of the detail settings read and set; DrawResults() shows it.
+    // What the pages of the detail settings read and set; DrawResults() shows it. Setters bring
+    // what they are given into its range and answer 1 if the value changed.
 
     [[nodiscard]] CSurveyPlanCalc* GetSurveyPlanCalc() { return &m_session.Plan().Calc(); }
     [[nodiscard]] CCommand* GetCCommand() const { return m_command; }
@@ -83,30 +85,30 @@ public:
     void SetLoadWay(int loadWay) { m_loadWay = loadWay; }
     /// Elevation mask, whole degrees, 0 to 90.
     [[nodiscard]] int GetElMaskData() const { return m_session.Settings().elMaskDeg; }
-    void SetElMaskData(int maskDeg);
+    int SetElMaskData(int maskDeg);
     /// First hour of the period, Japan Standard Time, 0 to 23.
     [[nodiscard]] int GetStartTimeData() const { return m_session.Settings().startHour; }
-    void SetStartTimeData(int hour);
+    int SetStartTimeData(int hour);
     /// Length of the period, hours, 1 to 24 and not beyond midnight.
     [[nodiscard]] int GetDispTimeData() const { return m_session.Settings().hours; }
-    void SetDispTimeData(int hours);
+    int SetDispTimeData(int hours);
     /// Minutes between two samples: those of the last drawing, which works them out anew.
     [[nodiscard]] int GetIntervalData() const { return m_intervalMin; }
-    void SetIntervalData(int minutes) { m_intervalMin = minutes; }
+    int SetIntervalData(int minutes) { return Assign(m_intervalMin, minutes); }
     /// How the site page shows coordinates.
     [[nodiscard]] int GetListCoordData() const { return m_session.Settings().listCoord; }
-    void SetListCoordData(int choice);
+    int SetListCoordData(int choice);
     /// The site's place in the list of sites, counted from 1.
     [[nodiscard]] int GetPositionData() const { return m_session.Settings().positionNo; }
-    void SetPositionData(int number);
+    int SetPositionData(int number);
     [[nodiscard]] const std::wstring& GetPositionStr() const;
     /// @param name  of the site; ReadPosition() goes there
-    void SetPositionStr(const std::wstring& name);
+    int SetPositionStr(const std::wstring& name);
     /// Where the site's coordinates come from: 0 the list, 1 the receiver.
     [[nodiscard]] int GetPositionID() const { return m_session.Settings().positionId; }
-    void SetPositionID(int id);
+    int SetPositionID(int id);
     /// The day of the plan. One that is none changes nothing.
-    void SetSystemTime(std::chrono::year_month_day date) { m_session.SetDate(date); }
+    int SetSystemTime(std::chrono::year_month_day date);
     [[nodiscard]] std::chrono::year_month_day GetSystemTime() const { return m_session.Date(); }
     /// Takes the coordinates of the site from the site file.
     void ReadPosition() { m_session.ReadSite(); }
@@ -158,7 +160,7 @@ private:
     void SetGround();
     void Tell(const AlmanacMessage& message) const;
     template <typename Change>
-    void ChangeSettings(Change change);
+    int ChangeSettings(Change change);
     [[nodiscard]] PlanDrawing Drawing() const;
 
     CCommand* const m_command;

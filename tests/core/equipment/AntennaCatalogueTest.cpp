@@ -146,6 +146,16 @@ TEST_F(Catalogue, IsReadAgainOnlyWhenTheFileChanged)
     m_reg.WriteString(AntennaCatalogue::kKey, L"MeasMethod70", L"1,1,1,\"left over\"");
     EXPECT_EQ(write("E", 2s), "E");
     EXPECT_FALSE(m_catalogue.Method(0, 7)) << "the old values were not deleted";
+    // Replaced by one of the same size: within the second, and at the very same time.
+    for (const auto later : {1ns, 0ns}) {
+        const std::string name = later == 1ns ? "F" : "G";
+        const fs::path next = m_home.Path() / "next";
+        std::ofstream(next) << "[ANTENNATYPE]\nDATA0=" << name << "\n";
+        fs::last_write_time(next, time + 2s + later);
+        fs::rename(next, file);
+        EXPECT_EQ(m_catalogue.Update(), 1);
+        EXPECT_EQ(ToUtf8(m_catalogue.Type(0)->name), name);
+    }
     fs::remove(file);
     EXPECT_EQ(m_catalogue.Update(), 1);
     EXPECT_EQ(m_catalogue.GetMaxCount(), 0);

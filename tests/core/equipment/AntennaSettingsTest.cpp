@@ -104,7 +104,7 @@ TEST(AntennaInput, IsANumberThatCanBe)
         {L"1,5", text::kAntennaBadHeight},
         {L"0x10", text::kAntennaBadHeight},
         {L"nan", text::kAntennaBadHeight},
-        {L"1e3", text::kAntennaBadHeight},
+        {L"1e0", text::kAntennaBadHeight},
         {L"-0.001", text::kAntennaNegativeHeight},
         {L"100.001", text::kAntennaHighHeight},
     };
@@ -250,7 +250,6 @@ TEST_F(Settings, WithstandWhatStandsInTheStore)
     m_reg.WriteString(kKey, L"AntWay", L"1");
     m_reg.WriteNumber(kKey, L"AntH0", 7);
     EXPECT_EQ(m_antenna.ReadRegAnt(), 0);
-    EXPECT_EQ(m_antenna.GetAntTypeFlag(), 2) << "the last type";
     EXPECT_EQ(m_antenna.GetAntWayFlag(), 0);
     EXPECT_EQ(m_antenna.GetAntFlag(), 0);
     m_reg.WriteString(kKey, L"AntH0", L"-1");
@@ -258,9 +257,7 @@ TEST_F(Settings, WithstandWhatStandsInTheStore)
     m_antenna.ReadRegAnt();
     EXPECT_EQ(m_antenna.GetAntInputH(), 1.2);
     m_reg.WriteNumber(kKey, L"AntType", 1);
-    m_reg.WriteNumber(kKey, L"AntWay", 2); // type 1 has one method only
     m_antenna.ReadRegAnt();
-    EXPECT_EQ(m_antenna.GetAntWayFlag(), 0);
     m_reg.DeleteKey(L"", L"GPS"); // between reading and writing
     EXPECT_EQ(m_antenna.WriteRegAnt(), 1);
     EXPECT_EQ(m_antenna.ReadRegAnt(), 1);
@@ -269,6 +266,58 @@ TEST_F(Settings, WithstandWhatStandsInTheStore)
     EXPECT_EQ(m_antenna.SetAntInputH(-3.0), 1);
     EXPECT_EQ(m_antenna.GetAntInputH(), 0.0);
     EXPECT_EQ(m_antenna.SetAntInputH(0.0), 0) << "nothing changed";
+}
+
+TEST_F(Settings, KeepWhatTheCatalogueLacks)
+{
+    struct Row
+    {
+        const char* fault;
+        std::uint32_t type;
+        std::uint32_t way;
+        const wchar_t* name;
+        const wchar_t* method;
+        double verticalM; ///< of 1.5 m
+        int choice;
+    };
+    const std::wstring upright = Text(text::kAntennaPhaseCentre);
+    const Row rows[] = {
+        {"all of it is there", 1, 1, L"Small", L"base", 1.52, 0},
+        {"a type that is gone", 5, 1, L"", L"", 1.5, text::kAntennaTypeUnknown},
+        {"vertical, of a type that is gone", 5, 0, L"", upright.c_str(), 1.5,
+         text::kAntennaTypeUnknown},
+        {"beyond all types", 0xFFFFFFFF, 1, L"", L"", 1.5, text::kAntennaTypeUnknown},
+        {"a method that is gone", 1, 2, L"Small", L"", 1.5, text::kAntennaMethodUnknown},
+        {"beyond all methods", 0, 0xFFFFFFFF, L"Rim", L"", 1.5, text::kAntennaMethodUnknown},
+        {"another's method under the same name", 11, 2, L"", L"", 1.5, text::kAntennaTypeUnknown},
+    };
+    constexpr const wchar_t* kKey = L"GPS\\Antenna\\PrmRef";
+    m_reg.WriteString(AntennaCatalogue::kKey, L"MeasMethod111", L"0.5,0,0,\"of type 1\"");
+    m_antenna.SetAntInputH(1.5);
+    ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        m_reg.WriteNumber(kKey, L"AntType", row.type);
+        m_reg.WriteNumber(kKey, L"AntWay", row.way);
+        EXPECT_EQ(m_antenna.ReadRegAnt(), 1);
+        EXPECT_EQ(m_antenna.GetAntTypeStr(), row.name);
+        EXPECT_EQ(m_antenna.GetAntTypeStrEx(), row.name);
+        EXPECT_EQ(m_antenna.GetAntWayStr(), row.method);
+        EXPECT_DOUBLE_EQ(m_antenna.GetAntCalcH(), row.verticalM);
+        EXPECT_EQ(m_antenna.ChoiceFault(), row.choice);
+        const bool isUnknown = row.way != 0 && row.choice != 0;
+        EXPECT_EQ(m_antenna.GetAntLine() == FormatText(text::kAntennaStripUnknown, 1.5), isUnknown);
+        EXPECT_EQ(m_antenna.WriteRegAnt(), 1);
+        std::uint32_t type = 0;
+        std::uint32_t way = 0;
+        m_reg.ReadNumber(kKey, L"AntType", type, 0);
+        m_reg.ReadNumber(kKey, L"AntWay", way, 0);
+        EXPECT_EQ(type, row.type);
+        EXPECT_EQ(way, row.way);
+    }
+    m_reg.WriteNumber(AntennaCatalogue::kKey, L"MaxCount", 0);
+    m_antenna.SetAntWayFlag(0);
+    EXPECT_EQ(m_antenna.ChoiceFault(), 0) << "without a catalogue there is no type to choose";
 }
 
 /// An antenna block with one thing of it changed.
@@ -317,6 +366,7 @@ TEST_F(Settings, AreTakenFromBlocks)
     const Bytes good = Block();
     EXPECT_EQ(m_antenna.SetAntInfo({0x08, std::span(good).subspan(2)}), 1);
     EXPECT_EQ(m_antenna.GetAntWayFlag(), 1);
+    EXPECT_EQ(m_antenna.GetAntNo(), 21);
 }
 
 TEST_F(Settings, AreTakenFromTheReceiver)

@@ -95,6 +95,50 @@ TEST_F(PortEditTest, SetsAnotherPortAndLeavesTheLinkAlone)
     EXPECT_TRUE(Answers());
 }
 
+TEST_F(PortEditTest, KnowsWhatItToldWhichReceiver)
+{
+    struct Row
+    {
+        const char* course;
+        const wchar_t* connected; ///< what is set with a receiver; null: nothing
+        const wchar_t* offline;   ///< what is set without one; null: nothing
+        const wchar_t* receiver;  ///< that is connected then
+        PortKnown known;
+    };
+    constexpr const wchar_t* kChosen = L"57600-8-Odd-1-None";
+    const Row rows[] = {
+        {"nothing was ever chosen", nullptr, nullptr, L"A", PortKnown::Default},
+        {"the defaults, offline", nullptr, L"9600-8-None-1-None", L"A", PortKnown::Default},
+        {"chosen offline", nullptr, kChosen, L"A", PortKnown::Waiting},
+        {"told", kChosen, nullptr, L"A", PortKnown::Same},
+        {"told the defaults", L"9600-8-None-1-None", nullptr, L"A", PortKnown::Same},
+        {"told, then changed offline", kChosen, L"4800", L"A", PortKnown::Waiting},
+        {"told to another receiver", kChosen, nullptr, L"B", PortKnown::Stored},
+    };
+    Start(38400);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.course);
+        HostReg(m_roots).DeleteKey(L"GPS", L"Com");
+        for (const wchar_t* const parameters : {row.connected, row.offline}) {
+            if (parameters != nullptr) {
+                m_command.ClosePort();
+                ASSERT_TRUE(parameters == row.offline || OpenTarget(m_command, m_target) == 1);
+                PortEdit edit(1, m_roots, std::nullopt, L"A");
+                ASSERT_EQ(edit.At(2).SetPrmString(parameters), 1);
+                ASSERT_EQ(edit.Set(2, &m_command), PortSet::Done);
+            }
+        }
+        PortEdit edit(1, m_roots, std::nullopt, row.receiver);
+        EXPECT_EQ(edit.Known(1), PortKnown::Same) << "the controller's own";
+        EXPECT_EQ(edit.Known(2), row.known);
+        EXPECT_EQ(edit.IsDue(2), row.known == PortKnown::Waiting);
+        ASSERT_EQ(edit.At(2).SetPrmString(L"115200-7"), 1);
+        EXPECT_TRUE(edit.IsDue(2)) << "changed by the user";
+    }
+    ForgetPorts(m_roots); // it was reset
+    EXPECT_EQ(PortEdit(1, m_roots, std::nullopt, L"A").Known(2), PortKnown::Waiting);
+}
+
 TEST_F(PortEditTest, FollowsTheReceiverToItsNewRate)
 {
     struct Row

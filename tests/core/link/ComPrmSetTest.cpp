@@ -125,8 +125,39 @@ TEST_F(ComPrmSetTest, ReadsItsTextOrLeavesAllAsItWas)
     EXPECT_EQ(set.GetStrBps(7), L"9600");
     EXPECT_EQ(set.GetStrBps(-1), L"9600");
     EXPECT_EQ(set.GetStrParity(3), L"None");
-    EXPECT_EQ(set.SetFlagFlowCtrl(9), 1);
-    set.ConvFlag2Data();
+}
+
+TEST_F(ComPrmSetTest, TakesNothingBeyondItsLists)
+{
+    struct Row
+    {
+        const char* flag;
+        int (CComPrmSet::*set)(int);
+        int (CComPrmSet::*get)() const;
+        int other; ///< a choice that is not the default
+        int last;
+        int otherwise;
+    };
+    using Set = CComPrmSet;
+    const Row rows[] = {{"rate", &Set::SetFlagBps, &Set::GetFlagBps, 4, 6, 2},
+                        {"bits", &Set::SetFlagDataBits, &Set::GetFlagDataBits, 1, 1, 0},
+                        {"parity", &Set::SetFlagParity, &Set::GetFlagParity, 1, 2, 0},
+                        {"stop bits", &Set::SetFlagStopBits, &Set::GetFlagStopBits, 1, 1, 0},
+                        {"flow", &Set::SetFlagFlowCtrl, &Set::GetFlagFlowCtrl, 1, 2, 0}};
+    CComPrmSet set(m_roots);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.flag);
+        for (const int beyond : {-1, row.last + 1}) {
+            EXPECT_EQ((set.*row.set)(row.other), 1);
+            EXPECT_EQ((set.*row.set)(row.other), 0) << "nothing changes";
+            EXPECT_EQ((set.*row.set)(beyond), 1);
+            EXPECT_EQ((set.*row.get)(), row.otherwise);
+        }
+        (set.*row.set)(row.last);
+        EXPECT_EQ((set.*row.get)(), row.last);
+    }
+    EXPECT_EQ(set.SetDataFlowCtrl(2), 1);
+    EXPECT_EQ(set.SetDataFlowCtrl(3), 1);
     EXPECT_EQ(set.GetDataFlowCtrl(), 0);
 }
 
@@ -176,6 +207,7 @@ TEST_F(ComPrmSetTest, TellsCableFromBluetooth)
         EXPECT_EQ(set.GetComConnectWay(), row.way);
         EXPECT_EQ(set.WriteReg(), 1);
     }
+    EXPECT_EQ(set.SetComConnectWay(7), 0) << "Bluetooth as before";
     machine.WriteString(key, L"GpsPort", L"5");
     EXPECT_EQ(set.ReadReg(), 1);
     EXPECT_EQ(set.GetConnectPort(), 1) << "a text is no number";

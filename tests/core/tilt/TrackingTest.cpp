@@ -112,8 +112,11 @@ TEST(GpsPrm, KeepsTheLimitThatIsWorkedWithAboveAFloor)
         EXPECT_EQ(parameters.GetPDOPMaskData(0), worked);
         EXPECT_EQ(parameters.GetPDOPMaskData(1), stored);
     }
-    parameters.SetSurveyType(4096, 1);
-    parameters.SetGalileoData(1);
+    EXPECT_EQ(parameters.SetGalileoData(1), 1);
+    EXPECT_EQ(parameters.SetGalileoData(1), 0);
+    EXPECT_EQ(parameters.SetSurveyType(2, 1), 1);
+    EXPECT_EQ(parameters.SetSurveyType(4096, 1), 1) << "another type of the same rover";
+    EXPECT_EQ(parameters.SetSurveyType(4096, 1), 0);
     CGPSPrm copy(parameters);
     EXPECT_EQ(copy.GetSurveyType(), 4096U);
     copy.SetGalileoData(0);

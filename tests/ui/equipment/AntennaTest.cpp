@@ -39,9 +39,10 @@ public:
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view, BoxStyle) override
     {
         said.emplace_back(text);
-        return BoxAnswer::Ok;
+        return answer;
     }
     Texts said;
+    BoxAnswer answer = BoxAnswer::Ok;
 };
 
 class AntennaDialog : public ::testing::Test
@@ -273,6 +274,52 @@ TEST_F(AntennaDialog, ReadsTheRoleThatIsChosen)
     EXPECT_EQ(Box(text::kAntennaType)->GetCode(), 4);
     EXPECT_EQ(Box(text::kAntennaMethod)->GetCode(), 2);
     EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QStringLiteral("1.200"));
+}
+
+TEST_F(AntennaDialog, AsksBeforeItDropsWhatWasTyped)
+{
+    dialog.OfferRoles();
+    constexpr int kReference = static_cast<int>(AntennaRole::Reference);
+    Choose(text::kAntennaRole, kReference);
+    EXPECT_EQ(host.said, Texts()) << "nothing was typed";
+    Choose(text::kAntennaRole, static_cast<int>(AntennaRole::Rover));
+    Type(text::kAntennaHeight, QStringLiteral("1.5"));
+    Choose(text::kAntennaRole, kReference);
+    EXPECT_EQ(host.said, Texts{Text(text::kAntennaChangeRole)});
+    EXPECT_EQ(dialog.Role(), AntennaRole::Rover);
+    EXPECT_EQ(Box(text::kAntennaRole)->currentText(), UiText(text::kAntennaRover));
+    EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QStringLiteral("1.5"));
+    host.answer = BoxAnswer::Yes;
+    Choose(text::kAntennaRole, kReference);
+    EXPECT_EQ(dialog.Role(), AntennaRole::Reference);
+    EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QString());
+}
+
+TEST_F(AntennaDialog, HasAnAntennaChosenThatIsGone)
+{
+    AntennaSettings stored(nullptr, 0, 0, {m_home.Path(), &m_roots});
+    stored.SetAntTypeFlag(40);
+    stored.SetAntWayFlag(1);
+    stored.SetAntInputH(1.5);
+    ASSERT_EQ(stored.WriteRegAnt(), 1);
+    dialog.OfferRoles();
+    Choose(text::kAntennaRole, static_cast<int>(AntennaRole::Reference));
+    EXPECT_EQ(Box(text::kAntennaType)->currentText(), UiText(text::kAntennaTypeUnlisted));
+    EXPECT_EQ(Box(text::kAntennaMethod)->currentText(), UiText(text::kAntennaMethodUnlisted));
+    EXPECT_TRUE(Says(L"1.500 m"));
+    EXPECT_TRUE(Says(Text(text::kAntennaTypeUnknown)));
+    dialog.resize(480, 640);
+    QApplication::processEvents(); // which lays the page out
+    KeepPicture(dialog, QStringLiteral("antenna-gone"));
+    dialog.Close(Dialog::kOk);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(host.said, Texts{Text(text::kAntennaTypeUnknown)});
+    Choose(text::kAntennaType, 3);
+    EXPECT_EQ(Box(text::kAntennaMethod)->GetCode(), 0);
+    dialog.Close(Dialog::kOk);
+    EXPECT_FALSE(dialog.isVisible());
+    stored.ReadRegAnt();
+    EXPECT_EQ(stored.GetAntTypeFlag(), 3);
 }
 
 TEST_F(AntennaDialog, DrawsEachMethodInItsOwnWay)

@@ -95,6 +95,57 @@ TEST_F(ComPortTest, SetsWhatWasSeenAndTellsThatTheLinkChanged)
     EXPECT_EQ(Stored(0), L"115200-8-None-1-None");
 }
 
+TEST_F(ComPortTest, SendsNothingThatNobodyHasTouched)
+{
+    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    struct Row
+    {
+        const char* course;
+        bool isTouched;
+        int note; ///< 0: none
+        std::size_t sent;
+    };
+    for (const Row& row : {Row{"only defaults", false, text::kComKnownDefault, 0},
+                           Row{"the default chosen again", true, text::kComKnownDefault, 1},
+                           Row{"as it was told", false, 0, 0}}) {
+        SCOPED_TRACE(row.course);
+        auto sheet = Open(2, 1);
+        bool isNoted = false;
+        for (const auto* const label : sheet->GetPage(1)->findChildren<QLabel*>()) {
+            isNoted = isNoted || (row.note != 0 && label->text() == UiText(row.note));
+        }
+        EXPECT_EQ(isNoted, row.note != 0);
+        KeepPicture(*sheet, QStringLiteral("com-known-%1").arg(row.note));
+        if (row.isTouched) {
+            Q_EMIT Combo(*sheet, 1, text::kComRate)->activated(2);
+        }
+        const std::size_t before = m_receiver->RequestCount();
+        sheet->Close(Dialog::kOk);
+        EXPECT_EQ(m_receiver->RequestCount(), before + row.sent);
+    }
+}
+
+TEST_F(ComPortTest, FollowsAReceiverThatCouldNotBeStored)
+{
+    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    auto sheet = Open(1);
+    Combo(*sheet, 0, text::kComRate)->setCurrentIndex(6);
+    Surveyor surveyor;
+    surveyor.boxes = {{FormatText(text::kComMovedNotStored, 1),
+                       Text(text::kComFailedCaption),
+                       text::kMessageIconStop,
+                       {text::kButtonOk},
+                       text::kButtonOk}};
+    {
+        const SettingsBatch other(HostReg(m_roots).Store()); // whose writer has not finished
+        sheet->Close(Dialog::kOk);
+    }
+    EXPECT_FALSE(sheet->isVisible());
+    EXPECT_TRUE(sheet->IsLinkChanged());
+    EXPECT_EQ(sheet->Edit().LinkWanted().baudRate, 115200U);
+    EXPECT_EQ(Stored(0), L"38400-8-None-1-None");
+}
+
 TEST_F(ComPortTest, ShowsTheLinkOnThePortThatItIsToldToUse)
 {
     CComPort sheet(nullptr, 1, QString(), nullptr, 1, {&m_roots, 2, {}});
