@@ -209,17 +209,12 @@ bool ChannelTurn::SendBreak(milliseconds duration)
 bool ChannelTurn::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
 {
     Link().ResetFrameReady();
-    switch (Link().WaitRoom(m_host)) {
-    case SerialLink::WaitOutcome::TimedOut:
-        return FailOnWrite();
-    case SerialLink::WaitOutcome::Cancelled:
+    const SerialLink::WaitOutcome outcome = Link().Write(bytes, unit, m_host);
+    if (outcome == SerialLink::WaitOutcome::Cancelled) {
         return Fail(CommandFault::Cancelled);
-    case SerialLink::WaitOutcome::Delivered:
-    case SerialLink::WaitOutcome::Lost:
-        break;
     }
     CountSent();
-    return Link().Write(bytes, unit) != 0 || FailOnWrite();
+    return outcome == SerialLink::WaitOutcome::Delivered || FailOnWrite();
 }
 
 Delivery ChannelTurn::Next()
@@ -275,7 +270,9 @@ void ChannelTurn::CountArrived(const Arrivals& arrivals)
         return;
     }
     if (doubt.due == 1) {
-        doubt.longest = std::max(doubt.longest, arrivals.lastByteAt - doubt.sentAt);
+        // It may have come before the time of the request was taken.
+        doubt.longest =
+            std::max({doubt.longest, arrivals.lastByteAt - doubt.sentAt, Clock::Duration::zero()});
     }
     if (m_handsOver) { // one request, many frames
         doubt.due = 0;

@@ -169,15 +169,53 @@ bool SerialLink::IsOpen() const
     return m_device->IsOpen();
 }
 
-bool SerialLink::IsLost() const
+std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
 {
-    const std::scoped_lock lock(m_mutex);
-    return m_lost;
+    return Write(bytes, LineUnit::Frame, SilentHost::Instance()) == WaitOutcome::Delivered
+               ? bytes.size()
+               : 0;
 }
 
-SerialLink::WaitOutcome SerialLink::WaitRoom(Host& host)
+SerialLink::WaitOutcome SerialLink::Write(std::span<const std::uint8_t> bytes, LineUnit unit,
+                                          Host& host)
 {
-    const Clock::Duration deadline = m_clock.Steady() + m_timeouts.writeConstant;
+    WaitOutcome outcome = IsLost() ? WaitOutcome::Lost : WaitOutcome::Delivered;
+    Clock::Duration deadline{}; // 0: it has not had to wait
+    std::size_t done = 0;
+    while (outcome == WaitOutcome::Delivered) {
+        {
+            const std::scoped_lock lock(m_observing); // or the answer is seen before the request
+            const auto count = m_device->Write(bytes.subspan(done));
+            done += count.value_or(0);
+            if (done == bytes.size() && done > 0) {
+                ObserveLocked(Direction::Sent, unit, bytes);
+                return outcome;
+            }
+            if (!count || bytes.empty()) {
+                break;
+            }
+        }
+        if (deadline == Clock::Duration::zero()) {
+            deadline = m_clock.Steady() + m_timeouts.writeConstant +
+                       m_timeouts.writeMultiplier * static_cast<int>(bytes.size());
+        }
+        outcome = AwaitRoom(deadline, done == 0 ? host : SilentHost::Instance());
+    }
+    if (outcome == WaitOutcome::Cancelled) {
+        return outcome;
+    }
+    // A port whose other end is gone may tell the writer first.
+    const int code = m_device->LastFaultCode();
+    if (outcome == WaitOutcome::Delivered && (code == EIO || code == ENXIO || code == ENODEV)) {
+        LoseLink(LinkError::Write);
+    }
+    Fail(LinkError::Write);
+    return IsLost() ? WaitOutcome::Lost : WaitOutcome::TimedOut;
+}
+
+/// @return Delivered if a write can go on, TimedOut or Cancelled
+SerialLink::WaitOutcome SerialLink::AwaitRoom(Clock::Duration deadline, Host& host)
+{
     for (;;) {
         const Clock::Duration left = std::max(deadline - m_clock.Steady(), Clock::Duration::zero());
         const auto slice = m_clock.RealTime(std::min<Clock::Duration>(left, kWaitSlice));
@@ -185,39 +223,12 @@ SerialLink::WaitOutcome SerialLink::WaitRoom(Host& host)
             return WaitOutcome::Delivered;
         }
         if (left == Clock::Duration::zero()) {
-            Fail(LinkError::Write);
             return WaitOutcome::TimedOut;
         }
         if (!host.Breathe()) {
             return WaitOutcome::Cancelled;
         }
     }
-}
-
-std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
-{
-    if (IsLost()) {
-        Fail(LinkError::Write);
-        return 0;
-    }
-    std::size_t written = 0;
-    {
-        const std::scoped_lock lock(m_observing); // the answer must not be seen before the request
-        written = m_device->Write(bytes);
-        if (written == bytes.size()) {
-            ObserveLocked(Direction::Sent, unit, bytes);
-        }
-    }
-    if (written < bytes.size() || written == 0) {
-        // A port whose other end is gone may tell the writer first.
-        const int code = m_device->LastFaultCode();
-        if (code == EIO || code == ENXIO || code == ENODEV) {
-            LoseLink(LinkError::Write);
-        }
-        Fail(LinkError::Write);
-        return 0;
-    }
-    return written;
 }
 
 std::size_t SerialLink::Read(std::span<std::uint8_t> buffer)
@@ -295,11 +306,15 @@ Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination, Arrivals*
 void SerialLink::ResetFrameReady()
 {
     m_frameReady.Reset();
+    bool isHeld = false; // nobody else waits for room
     {
         const std::scoped_lock lock(m_mutex);
         m_deliveries.Clear();
+        isHeld = m_handOver;
     }
-    m_consumed.Set();
+    if (isHeld) {
+        m_consumed.Set();
+    }
 }
 
 void SerialLink::ResetReceiveState()
@@ -334,7 +349,8 @@ int SerialLink::Purge(SerialDevice::Queue queue)
 int SerialLink::SendBreak(milliseconds duration)
 {
     constexpr std::array<std::uint8_t, 1> kNull{0x00};
-    if (Write(kNull, LineUnit::Break) == 0 || SetBreak() == 0) {
+    if (Write(kNull, LineUnit::Break, SilentHost::Instance()) != WaitOutcome::Delivered ||
+        SetBreak() == 0) {
         return 0;
     }
     m_clock.Sleep(duration);
@@ -394,18 +410,6 @@ int SerialLink::ApplyTimeouts(const PortTimeouts& timeouts)
     }
     m_timeouts = timeouts;
     return 1;
-}
-
-milliseconds SerialLink::GetReplyTimeout() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_replyTimeout;
-}
-
-void SerialLink::SetReplyTimeout(milliseconds timeout)
-{
-    const std::scoped_lock lock(m_mutex);
-    m_replyTimeout = timeout;
 }
 
 SerialLink::Framing SerialLink::GetFraming() const
@@ -500,20 +504,20 @@ void SerialLink::ReadPort()
             }
             break;
         }
-        if (!DrainDevice()) {
+        if (!TakeIn()) {
             LoseLink(LinkError::Read);
             break;
         }
-        AssembleQueued();
     }
     if (listening) {
         m_threadState.Set();
     }
 }
 
-bool SerialLink::DrainDevice()
+/// Reads the port and assembles what is queued. @return false if reading failed
+bool SerialLink::TakeIn()
 {
-    const std::scoped_lock lock(m_intake);
+    std::unique_lock lock(m_intake);
     const auto count = m_device->Read(m_queue.Free());
     if (!count) {
         return false;
@@ -527,13 +531,7 @@ bool SerialLink::DrainDevice()
         const std::scoped_lock arrivals(m_mutex);
         m_arrivals.lastByteAt = now;
     }
-    return true;
-}
-
-void SerialLink::AssembleQueued()
-{
     bool hasNews = false;
-    std::unique_lock lock(m_intake);
     while (!m_closing && m_queue.Size() > 0) {
         const unsigned unsolicited = m_assembler.UnsolicitedCount();
         const std::optional<Delivery> delivery =
@@ -546,7 +544,6 @@ void SerialLink::AssembleQueued()
         if (!delivery) {
             continue;
         }
-        NoteArrival(*delivery);
         hasNews = true;
         if (Deliver(*delivery)) {
             lock.unlock();
@@ -560,10 +557,13 @@ void SerialLink::AssembleQueued()
     if (hasNews) { // not for each: it would be a switch of threads for each
         m_frameReady.Set();
     }
+    return true;
 }
 
-/// What a delivery tells about the line; and who watches it sees the bytes.
-void SerialLink::NoteArrival(const Delivery& delivery)
+/// Puts it where it is waited for, with what it tells about the line; and who watches the line sees
+/// its bytes.
+/// @return whether nothing more may be delivered until the consumer has taken some
+bool SerialLink::Deliver(const Delivery& delivery)
 {
     const auto bytes = m_assembler.DeliveredBytes();
     const LineUnit unit = delivery.state == ExchangeState::Malformed ? LineUnit::Noise
@@ -582,6 +582,16 @@ void SerialLink::NoteArrival(const Delivery& delivery)
                                        : std::min<Clock::Duration>(seen, kSlowestCharacter);
     }
     m_beganAt = arrived; // of what stands behind it in the queue
+    if (delivery.state == ExchangeState::Nak) {
+        m_error = LinkError::Nak;
+    } else if (delivery.state == ExchangeState::Malformed) {
+        m_error = LinkError::Malformed;
+    }
+    if (!m_handOver) {
+        m_deliveries.DropWaiting();
+    }
+    m_deliveries.Put(delivery, m_assembler.Buffer());
+    return m_handOver && m_deliveries.IsFull();
 }
 
 Arrivals SerialLink::LookAtArrivals()
@@ -646,32 +656,15 @@ void SerialLink::ObserveLocked(Direction direction, LineUnit unit,
     }
 }
 
-/// @return whether nothing more may be delivered until the consumer has taken some
-bool SerialLink::Deliver(const Delivery& delivery)
-{
-    const std::scoped_lock lock(m_mutex);
-    if (delivery.state == ExchangeState::Nak) {
-        m_error = LinkError::Nak;
-    } else if (delivery.state == ExchangeState::Malformed) {
-        m_error = LinkError::Malformed;
-    }
-    if (!m_handOver) {
-        m_deliveries.DropWaiting();
-    }
-    m_deliveries.Put(delivery, m_assembler.Buffer());
-    return m_handOver && m_deliveries.IsFull();
-}
-
 /// Until there is room again; or nobody takes anything, and the reader goes on all the same.
 void SerialLink::AwaitConsumer()
 {
     std::unique_lock lock(m_mutex);
-    const milliseconds limit = m_replyTimeout;
     bool isTaken = true;
     while (m_handOver && m_deliveries.IsFull() && isTaken && !m_closing) {
         m_consumed.Reset(); // a Set() that comes too late would only go round once more
         lock.unlock();
-        isTaken = m_clock.Wait(m_consumed, limit);
+        isTaken = m_clock.Wait(m_consumed, m_replyTimeout.load());
         lock.lock();
     }
 }

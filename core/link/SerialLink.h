@@ -131,15 +131,16 @@ public:
 
     [[nodiscard]] bool IsOpen() const;
     /// Whether the other end is gone. Only closing and opening again helps.
-    [[nodiscard]] bool IsLost() const;
+    [[nodiscard]] bool IsLost() const { return m_lost; }
 
-    /// Waits until a write can begin, at most the write time-out, in slices of 50 ms between which
-    /// @p host may breathe: flow control may hold the line for that long.
-    /// @return Delivered when it can, or when only the write itself can tell
-    WaitOutcome WaitRoom(Host& host);
+    /// @return bytes written: all, or 0 on failure
+    std::size_t Write(std::span<const std::uint8_t> bytes);
+    /// The same. Where flow control holds the line it waits, at most the write time-outs, in slices
+    /// of 50 ms between which @p host may breathe until the first byte is written.
     /// @param unit  as which the observer sees them
-    /// @return bytes written; 0 on failure
-    std::size_t Write(std::span<const std::uint8_t> bytes, LineUnit unit = LineUnit::Frame);
+    /// @return Delivered, or Cancelled with nothing written; on failure one of the others, with the
+    ///         error code set
+    WaitOutcome Write(std::span<const std::uint8_t> bytes, LineUnit unit, Host& host);
 
     /// Takes queued bytes that nothing has assembled yet, as they are; never waits.
     /// @return the number of bytes; 0 with an error code once the link is lost
@@ -187,8 +188,8 @@ public:
     [[nodiscard]] const LineSettings& AppliedLineSettings() const { return m_lineSettings; }
     [[nodiscard]] const PortTimeouts& AppliedTimeouts() const { return m_timeouts; }
 
-    [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const;
-    void SetReplyTimeout(std::chrono::milliseconds timeout);
+    [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const { return m_replyTimeout; }
+    void SetReplyTimeout(std::chrono::milliseconds timeout) { m_replyTimeout = timeout; }
     [[nodiscard]] Framing GetFraming() const;
     void SetFraming(Framing framing);
     [[nodiscard]] bool GetHandOver() const;
@@ -220,6 +221,7 @@ public:
     static int LogFrame(Direction direction, std::span<const std::uint8_t> bytes);
 
 private:
+    WaitOutcome AwaitRoom(Clock::Duration deadline, Host& host);
     [[nodiscard]] bool IsDeliveryWaiting() const;
     int Fail(LinkError error);
     int Done(bool succeeded, LinkError error) { return succeeded ? 1 : Fail(error); }
@@ -228,12 +230,10 @@ private:
     void StopReader();
 
     void ReadPort();
-    bool DrainDevice();
-    void AssembleQueued();
+    bool TakeIn();
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
     void LoseLink(LinkError error);
-    void NoteArrival(const Delivery& delivery);
     [[nodiscard]] Clock::Duration NominalCharacter() const;
     void Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
     void ObserveLocked(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
@@ -248,6 +248,8 @@ private:
     AutoResetEvent m_threadState; // set by the reader when it has started and when it ends
     AutoResetEvent m_consumed;    // set by the consumer when a reader that stopped can go on
     std::atomic<bool> m_closing = false;
+    std::atomic<bool> m_lost = false;
+    std::atomic<std::chrono::milliseconds> m_replyTimeout = PortSettings{}.replyTimeout;
 
     // The reader holds m_intake while it reads the port and assembles; taken before m_mutex. What a
     // consumer needs of each delivery is guarded by m_mutex alone, and never waits for the port.
@@ -261,8 +263,6 @@ private:
     mutable std::mutex m_mutex; // guards everything below
     LinkError m_error = LinkError::None;
     bool m_handOver = false;
-    bool m_lost = false;
-    std::chrono::milliseconds m_replyTimeout{2000};
     DeliveryQueue m_deliveries;
     Arrivals m_arrivals;
 
