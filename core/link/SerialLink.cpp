@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -162,11 +163,6 @@ void SerialLink::StopReader()
         m_device->Wake();
     } while (!m_threadState.Wait(kWakeInterval));
     m_reader.join();
-}
-
-bool SerialLink::IsOpen() const
-{
-    return m_device->IsOpen();
 }
 
 std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
@@ -357,36 +353,6 @@ int SerialLink::SendBreak(milliseconds duration)
     return ClearBreak();
 }
 
-int SerialLink::SetBreak()
-{
-    return Done(m_device->SetBreak(), LinkError::SetBreak);
-}
-
-int SerialLink::ClearBreak()
-{
-    return Done(m_device->ClearBreak(), LinkError::ClearBreak);
-}
-
-int SerialLink::EscapeFunction(SerialDevice::Escape function)
-{
-    return Done(m_device->EscapeFunction(function), LinkError::Escape);
-}
-
-int SerialLink::SetEventMask(SerialDevice::EventMask mask)
-{
-    return Done(m_device->SetEventMask(mask), LinkError::EventMask);
-}
-
-int SerialLink::GetModemStatus(ModemStatus& status)
-{
-    return Done(m_device->ReadModemStatus(status), LinkError::ModemStatus);
-}
-
-int SerialLink::GetLineSettings(LineSettings& settings)
-{
-    return Done(m_device->ReadSettings(settings), LinkError::LineSettings);
-}
-
 int SerialLink::ApplyLineSettings(const LineSettings& settings)
 {
     if (!m_device->ApplySettings(settings)) {
@@ -398,11 +364,6 @@ int SerialLink::ApplyLineSettings(const LineSettings& settings)
     return 1;
 }
 
-int SerialLink::GetTimeouts(PortTimeouts& timeouts)
-{
-    return Done(m_device->ReadTimeouts(timeouts), LinkError::Timeouts);
-}
-
 int SerialLink::ApplyTimeouts(const PortTimeouts& timeouts)
 {
     if (!m_device->ApplyTimeouts(timeouts)) {
@@ -410,18 +371,6 @@ int SerialLink::ApplyTimeouts(const PortTimeouts& timeouts)
     }
     m_timeouts = timeouts;
     return 1;
-}
-
-SerialLink::Framing SerialLink::GetFraming() const
-{
-    const std::scoped_lock lock(m_intake);
-    return m_framing;
-}
-
-void SerialLink::SetFraming(Framing framing)
-{
-    const std::scoped_lock lock(m_intake);
-    m_framing = framing;
 }
 
 bool SerialLink::GetHandOver() const
@@ -482,9 +431,12 @@ int SerialLink::Fail(LinkError error)
 int SerialLink::LogFrame(Direction direction, std::span<const std::uint8_t> bytes)
 {
     const std::filesystem::path folder = Folders().BuiltInStorage();
-    return !Folders::Create(folder) && AppendToFrameLog(folder / "gnsslog.log", direction, bytes)
-               ? 1
-               : 0;
+    if (Folders::Create(folder)) {
+        return 0;
+    }
+    std::ofstream log(folder / "gnsslog.log", std::ios::binary | std::ios::app);
+    log << FrameLogLine(direction, bytes) << std::flush;
+    return log.good() ? 1 : 0;
 }
 
 // The reader's thread.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/host/Host.h"
-#include "core/link/ByteQueue.h"
 #include "core/link/DeliveryQueue.h"
 #include "core/link/FrameAssembler.h"
 #include "core/link/FrameLog.h"
@@ -129,7 +128,7 @@ public:
     /// @return 1; 0 if the link was not open or the system reported a failure (closed all the same)
     int Close();
 
-    [[nodiscard]] bool IsOpen() const;
+    [[nodiscard]] bool IsOpen() const { return m_device->IsOpen(); }
     /// Whether the other end is gone. Only closing and opening again helps.
     [[nodiscard]] bool IsLost() const { return m_lost; }
 
@@ -174,14 +173,29 @@ public:
     int SendBreak(std::chrono::milliseconds duration);
 
     // What the device offers, with its error codes: 1, or 0 with the code set.
-    int SetBreak();
-    int ClearBreak();
-    int EscapeFunction(SerialDevice::Escape function);
-    int SetEventMask(SerialDevice::EventMask mask);
-    int GetModemStatus(ModemStatus& status);
-    int GetLineSettings(LineSettings& settings);
+    int SetBreak() { return Done(m_device->SetBreak(), LinkError::SetBreak); }
+    int ClearBreak() { return Done(m_device->ClearBreak(), LinkError::ClearBreak); }
+    int EscapeFunction(SerialDevice::Escape function)
+    {
+        return Done(m_device->EscapeFunction(function), LinkError::Escape);
+    }
+    int SetEventMask(SerialDevice::EventMask mask)
+    {
+        return Done(m_device->SetEventMask(mask), LinkError::EventMask);
+    }
+    int GetModemStatus(ModemStatus& status)
+    {
+        return Done(m_device->ReadModemStatus(status), LinkError::ModemStatus);
+    }
+    int GetLineSettings(LineSettings& settings)
+    {
+        return Done(m_device->ReadSettings(settings), LinkError::LineSettings);
+    }
     int ApplyLineSettings(const LineSettings& settings);
-    int GetTimeouts(PortTimeouts& timeouts);
+    int GetTimeouts(PortTimeouts& timeouts)
+    {
+        return Done(m_device->ReadTimeouts(timeouts), LinkError::Timeouts);
+    }
     int ApplyTimeouts(const PortTimeouts& timeouts);
 
     /// What was last applied with success.
@@ -190,8 +204,8 @@ public:
 
     [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const { return m_replyTimeout; }
     void SetReplyTimeout(std::chrono::milliseconds timeout) { m_replyTimeout = timeout; }
-    [[nodiscard]] Framing GetFraming() const;
-    void SetFraming(Framing framing);
+    [[nodiscard]] Framing GetFraming() const { return m_framing; }
+    void SetFraming(Framing framing) { m_framing = framing; }
     [[nodiscard]] bool GetHandOver() const;
     /// In hand-over mode deliveries wait for one another to be taken, DeliveryQueue::kRoom of them.
     /// Then the reader stops until half of these were taken, at most the reply time-out, so that
@@ -249,12 +263,12 @@ private:
     AutoResetEvent m_consumed;    // set by the consumer when a reader that stopped can go on
     std::atomic<bool> m_closing = false;
     std::atomic<bool> m_lost = false;
+    std::atomic<Framing> m_framing = Framing::Frames;
     std::atomic<std::chrono::milliseconds> m_replyTimeout = PortSettings{}.replyTimeout;
 
     // The reader holds m_intake while it reads the port and assembles; taken before m_mutex. What a
     // consumer needs of each delivery is guarded by m_mutex alone, and never waits for the port.
     mutable std::mutex m_intake; // guards these
-    Framing m_framing = Framing::Frames;
     ByteQueue m_queue;
     FrameAssembler m_assembler;
     Clock::Duration m_beganAt{};        // the frame that is being assembled
