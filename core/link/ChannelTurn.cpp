@@ -245,6 +245,23 @@ Delivery ChannelTurn::Next()
     return m_last = {ExchangeState::TimedOut, 0};
 }
 
+bool ChannelTurn::NextFrame()
+{
+    switch (Next().state) {
+    case ExchangeState::Frame:
+        return true;
+    case ExchangeState::Ack:
+    case ExchangeState::Nak:
+        return Fail(CommandFault::WrongAnswer);
+    case ExchangeState::Malformed:
+        return Fail(CommandFault::Malformed);
+    case ExchangeState::Nothing:
+    case ExchangeState::TimedOut:
+        break; // the wait has said why
+    }
+    return false;
+}
+
 void ChannelTurn::TakeFramesInTurn()
 {
     m_handsOver = true;
