@@ -220,10 +220,11 @@ bool ChannelTurn::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
 Delivery ChannelTurn::Next()
 {
     const Clock::Duration timeout = m_timeout;
+    // There is a deadline only while the answer to what was sent just now is waited for.
     const Clock::Duration limit =
         m_deadline == Clock::Duration::zero()
             ? timeout
-            : std::clamp(m_deadline - Now(), Clock::Duration::zero(), timeout);
+            : std::clamp(m_deadline - m_channel.m_doubt.sentAt, Clock::Duration::zero(), timeout);
     const SerialLink::WaitOutcome outcome = Link().WaitDelivery(m_host, limit);
     Arrivals arrivals;
     m_last = Link().TakeDelivery(m_answer, &arrivals);

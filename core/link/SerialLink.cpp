@@ -249,8 +249,7 @@ SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host, Clock::Duration lim
     if (IsLost()) {
         m_frameReady.Set(); // it was waited for before; nothing else will set it
     }
-    for (;;) {
-        const Clock::Duration left = deadline - m_clock.Steady();
+    for (Clock::Duration left = limit;; left = deadline - m_clock.Steady()) {
         if (m_clock.Wait(m_frameReady, std::min<Clock::Duration>(left, kWaitSlice))) {
             if (IsDeliveryWaiting()) { // else it was taken with the one before it
                 return WaitOutcome::Delivered;
