@@ -289,7 +289,8 @@ void Listing(benchmark::State& state)
             break;
         }
         FirstRow rows;
-        command.SetFrameObserver([&](Direction direction, std::span<const std::uint8_t> frame) {
+        command.SetLineObserver([&](Direction direction, LineUnit,
+                                    std::span<const std::uint8_t> frame) {
             rows.pages +=
                 direction == Direction::Received && frame.size() > 2 && frame[2] == kPage ? 1 : 0;
         });

@@ -39,8 +39,9 @@ class Echo
 {
 public:
     Echo() : m_thread([this] { Run(); }) {}
-    ~Echo() { m_thread.join(); } // after whoever used it has sent the stop byte
-
+    /// After it was sent kStop, and before that port is closed: closing throws away what it has not
+    /// read yet.
+    void AwaitEnd() { m_thread.join(); }
     [[nodiscard]] const std::string& Path() const { return m_farEnd.Path(); }
 
 private:
@@ -105,6 +106,8 @@ void Exchange(benchmark::State& state)
         }
         bare.Write(kStop);
         command.SendText(std::string_view("\0\0\0\0\0\0\0", kStop.size()));
+        bareEnd.AwaitEnd();
+        ourEnd.AwaitEnd();
     }
     state.counters["bare_us"] = Quantile(bareUs, 0.5);
     state.counters["ours_us"] = Quantile(ourUs, 0.5);

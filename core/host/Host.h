@@ -94,7 +94,7 @@ public:
 
 /// The host of a program that has nobody to ask: every question is answered with the answer
 /// that changes nothing (Cancel or No), every message counts as read.
-class SilentHost final : public Host
+class SilentHost : public Host
 {
 public:
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,

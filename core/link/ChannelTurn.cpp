@@ -209,26 +209,22 @@ bool ChannelTurn::SendBreak(milliseconds duration)
 bool ChannelTurn::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
 {
     Link().ResetFrameReady();
-    switch (Link().WaitRoom(m_host)) {
-    case SerialLink::WaitOutcome::TimedOut:
-        return FailOnWrite();
-    case SerialLink::WaitOutcome::Cancelled:
+    const SerialLink::WaitOutcome outcome = Link().Write(bytes, unit, m_host);
+    if (outcome == SerialLink::WaitOutcome::Cancelled) {
         return Fail(CommandFault::Cancelled);
-    case SerialLink::WaitOutcome::Delivered:
-    case SerialLink::WaitOutcome::Lost:
-        break;
     }
     CountSent();
-    return Link().Write(bytes, unit) != 0 || FailOnWrite();
+    return outcome == SerialLink::WaitOutcome::Delivered || FailOnWrite();
 }
 
 Delivery ChannelTurn::Next()
 {
     const Clock::Duration timeout = m_timeout;
+    // There is a deadline only while the answer to what was sent just now is waited for.
     const Clock::Duration limit =
         m_deadline == Clock::Duration::zero()
             ? timeout
-            : std::clamp(m_deadline - Now(), Clock::Duration::zero(), timeout);
+            : std::clamp(m_deadline - m_channel.m_doubt.sentAt, Clock::Duration::zero(), timeout);
     const SerialLink::WaitOutcome outcome = Link().WaitDelivery(m_host, limit);
     Arrivals arrivals;
     m_last = Link().TakeDelivery(m_answer, &arrivals);
@@ -248,6 +244,23 @@ Delivery ChannelTurn::Next()
         break;
     }
     return m_last = {ExchangeState::TimedOut, 0};
+}
+
+bool ChannelTurn::NextFrame()
+{
+    switch (Next().state) {
+    case ExchangeState::Frame:
+        return true;
+    case ExchangeState::Ack:
+    case ExchangeState::Nak:
+        return Fail(CommandFault::WrongAnswer);
+    case ExchangeState::Malformed:
+        return Fail(CommandFault::Malformed);
+    case ExchangeState::Nothing:
+    case ExchangeState::TimedOut:
+        break; // the wait has said why
+    }
+    return false;
 }
 
 void ChannelTurn::TakeFramesInTurn()
@@ -275,7 +288,9 @@ void ChannelTurn::CountArrived(const Arrivals& arrivals)
         return;
     }
     if (doubt.due == 1) {
-        doubt.longest = std::max(doubt.longest, arrivals.lastByteAt - doubt.sentAt);
+        // It may have come before the time of the request was taken.
+        doubt.longest =
+            std::max({doubt.longest, arrivals.lastByteAt - doubt.sentAt, Clock::Duration::zero()});
     }
     if (m_handsOver) { // one request, many frames
         doubt.due = 0;

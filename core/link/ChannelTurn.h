@@ -80,6 +80,8 @@ public:
     /// Waits for an answer, or for another frame of one. Of a wait that ends without one the state
     /// is TimedOut and Fault() says why.
     Delivery Next();
+    /// The same where only a frame, or a line, will do. @return whether one came
+    bool NextFrame();
     /// Lets frames wait for one another to be taken, see SerialLink, until the turn ends.
     void TakeFramesInTurn();
     /// After a frame that is not the one that was due: what still comes is nobody's answer.

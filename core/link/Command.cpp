@@ -20,13 +20,9 @@ constexpr milliseconds kBreakDuration{300};
 constexpr int kMostListFrames = 256;      // they are numbered by a byte
 constexpr std::size_t kLongestLine = 256; // bytes, without the CR LF that is added
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::uint8_t kDeletePica = 0x60;
-constexpr std::uint8_t kRecoverPica = 0x68;
 constexpr std::uint8_t kListPica = 0x79;
 constexpr std::uint8_t kFetch = 0x96;
 constexpr std::uint8_t kListLark = 0x9C;
-constexpr std::uint8_t kDeleteLark = 0xA0;
-constexpr std::uint8_t kRecoverLark = 0xA1;
 constexpr std::uint32_t kSecondPica = 3020;
 constexpr std::intptr_t kListEnded = 1;
 
@@ -106,14 +102,10 @@ int CCommand::OpenPort(const std::string& devicePath, const PortSettings& settin
 void CCommand::ClosePort()
 {
     /// Lets the host breathe, but goes on waiting for the turn.
-    class Patient final : public Host
+    class Patient final : public SilentHost
     {
     public:
         explicit Patient(Host& host) : m_host(host) {}
-        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style) override
-        {
-            return HarmlessAnswer(style.buttons);
-        }
         bool Breathe() override { return m_host.Breathe() || true; }
 
     private:
@@ -148,20 +140,6 @@ void CCommand::SetHandOver(bool on)
     if (turn.MayAsk()) {
         turn.Link().SetHandOver(on);
     }
-}
-
-void CCommand::SetFrameObserver(FrameObserver observer)
-{
-    if (!observer) {
-        SetLineObserver({});
-        return;
-    }
-    SetLineObserver([observer = std::move(observer)](Direction direction, LineUnit unit,
-                                                     std::span<const std::uint8_t> bytes) {
-        if (unit == LineUnit::Frame) {
-            observer(direction, bytes);
-        }
-    });
 }
 
 // Exchanges.
@@ -214,15 +192,9 @@ int CCommand::SendLine(std::wstring_view text)
             return int{turn.Fail(CommandFault::WrongAnswer)};
         }
         const std::vector<std::uint8_t> raw(line.begin(), line.end());
-        if (!turn.Send(raw, LineUnit::Line)) {
-            return 0;
-        }
-        const Delivery answer = turn.Next();
-        if (answer.state == ExchangeState::Malformed) {
-            turn.Fail(CommandFault::Malformed);
-        }
-        length = answer.length;
-        return answer.state == ExchangeState::Frame ? 1 : 0;
+        const bool came = turn.Send(raw, LineUnit::Line) && turn.NextFrame();
+        length = turn.Last().length;
+        return came ? 1 : 0;
     });
     if (result == 1) {
         SetDataLength(static_cast<std::uint32_t>(length));
@@ -289,73 +261,17 @@ void CCommand::Build(std::uint8_t type, std::span<const std::uint8_t> data)
     EndPacket();
 }
 
-void CCommand::Build(std::uint8_t type, std::initializer_list<std::uint8_t> data)
-{
-    Build(type, std::span(data.begin(), data.size()));
-}
-
-/// A request of these bytes that is answered by an acknowledgement.
-int CCommand::Command(std::uint8_t type, std::initializer_list<std::uint8_t> data)
-{
-    Build(type, data);
-    return Exchange(Answer::Ack);
-}
-
-template <typename Reply>
-int CCommand::Keep(std::optional<Reply> parsed, Reply& reply)
-{
-    if (!parsed) {
-        m_channel->NoteOdd();
-        return Fail(CommandFault::WrongType);
-    }
-    reply = std::move(*parsed);
-    return 1;
-}
-
-template <typename Reply>
-int CCommand::Query(std::optional<Reply> (*parse)(FrameReader), Reply& reply)
-{
-    return Exchange(Answer::Reply) == 1 ? Keep(parse(Reader()), reply) : 0;
-}
-
 // Requests.
 
 int CCommand::RequestIdentity(IdentificationRecord& record)
 {
     const int came = InTurn(0, [](ChannelTurn& turn) {
-        if (!turn.SendBreak(kBreakDuration)) {
-            return 0;
-        }
-        switch (turn.Next().state) {
-        case ExchangeState::Frame:
-            return 1;
-        case ExchangeState::Ack:
-        case ExchangeState::Nak:
-            return int{turn.Fail(CommandFault::WrongAnswer)};
-        case ExchangeState::Malformed:
-            return int{turn.Fail(CommandFault::Malformed)};
-        case ExchangeState::Nothing:
-        case ExchangeState::TimedOut:
-            break;
-        }
-        return 0; // the wait has said why
+        return turn.SendBreak(kBreakDuration) && turn.NextFrame() ? 1 : 0;
     });
     if (came == 1 && VerifyChecksum() == 0) {
         return Fail(CommandFault::BadChecksum);
     }
     return came == 1 ? Keep(ParseIdentification(Reader()), record) : 0;
-}
-
-int CCommand::RequestSerial(SerialReply& reply)
-{
-    Build(0x06);
-    return Query(ParseSerial, reply);
-}
-
-int CCommand::RequestStatus(StatusReply& reply)
-{
-    Build(0x08);
-    return Query(ParseStatus, reply);
 }
 
 int CCommand::WakeReceiver()
@@ -365,18 +281,6 @@ int CCommand::WakeReceiver()
         return 0; // the host asks for an end only once
     }
     return Rest(kWakePause);
-}
-
-int CCommand::RequestGpsTime(GpsTimeReply& reply)
-{
-    Build(0x14);
-    return Query(ParseGpsTime, reply);
-}
-
-int CCommand::RequestSvList(SatelliteList& list)
-{
-    Build(0x16);
-    return Query(ParseSatelliteList, list);
 }
 
 int CCommand::RequestSvList(SatelliteList& list, SatelliteListForm form)
@@ -403,7 +307,7 @@ int CCommand::CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteLis
         return 0;
     }
     for (int number = 0; number < kMostListFrames; ++number) {
-        if (number > 0 && turn.Next().state != ExchangeState::Frame) {
+        if (number > 0 && !turn.NextFrame()) {
             return 0;
         }
         if (!Reader().IsIntact()) {
@@ -420,12 +324,6 @@ int CCommand::CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteLis
     return int{turn.Fail(CommandFault::WrongType)};
 }
 
-int CCommand::RequestSite(SiteReply& reply)
-{
-    Build(0x30, {18, 0});
-    return Query(ParseSite, reply);
-}
-
 int CCommand::RequestHostData(std::uint8_t first, std::uint8_t second)
 {
     Build(0x32, {first, second});
@@ -439,94 +337,32 @@ int CCommand::RequestHostData(std::uint8_t first, std::uint8_t second)
     return 1;
 }
 
-int CCommand::RequestPositionStatus(PositionStatusReply& reply)
-{
-    Build(0x34);
-    return Query(ParsePositionStatus, reply);
-}
-
-int CCommand::RequestBatteryPort(int& source)
-{
-    Build(0x41);
-    return Query(ParseBatteryPort, source);
-}
-
-int CCommand::RequestOptions(OptionsReply& reply)
-{
-    Build(0x4A);
-    return Query(ParseOptions, reply);
-}
-
-int CCommand::RequestOptionsEx(ExtendedOptionsReply& reply)
-{
-    Build(0x4A, {1});
-    return Query(ParseExtendedOptions, reply);
-}
-
 int CCommand::RequestAlmanac(int prn, AlmanacReply& reply)
 {
-    Build(0x54, {0x02, static_cast<std::uint8_t>(prn), 0x00});
-    return Exchange(Answer::Reply) == 1 ? Keep(ParseAlmanac(Reader(), prn), reply) : 0;
+    return Query(
+        0x54, {0x02, static_cast<std::uint8_t>(prn), 0x00},
+        [prn](FrameReader frame) { return ParseAlmanac(frame, prn); }, reply);
 }
 
 int CCommand::RequestSvData(SatelliteDataReply& reply, bool withTriples)
 {
-    Build(0x54, {0x00, 0x00, static_cast<std::uint8_t>(withTriples ? 0x01 : 0x00)});
-    if (Exchange(Answer::Reply) == 0) {
-        return 0;
-    }
-    return Keep(ParseSatelliteData(Reader(), withTriples), reply);
+    return Query(
+        0x54, {0x00, 0x00, static_cast<std::uint8_t>(withTriples ? 0x01 : 0x00)},
+        [withTriples](FrameReader frame) { return ParseSatelliteData(frame, withTriples); }, reply);
 }
 
 int CCommand::RequestSvData(SatelliteDataReply& reply, SatelliteDataExtra& extra)
 {
     SatelliteDataReply first;
-    if (RequestSvData(first, true) == 0) {
-        return 0;
-    }
-    Build(0x54, {0x14, 0xC1, 0x04, 0x00});
-    if (Query(ParseSatelliteDataExtra, extra) == 0) {
+    if (RequestSvData(first, true) == 0 ||
+        Query(0x54, {0x14, 0xC1, 0x04, 0x00}, ParseSatelliteDataExtra, extra) == 0) {
         return 0;
     }
     reply = first;
     return 1;
 }
 
-int CCommand::RequestSettingsFlags(SettingsFlags& flags)
-{
-    Build(0x7A, {1, 0});
-    return Query(ParseSettingsFlags, flags);
-}
-
-int CCommand::RequestFileState(StatusReply& reply)
-{
-    Build(0x6B);
-    return Query(ParseStatus, reply);
-}
-
-int CCommand::RequestTiltReading(TiltReading& reading)
-{
-    Build(0xC8, {1, 0});
-    return Query(ParseTiltReading, reading);
-}
-
-int CCommand::RequestTiltCalibration(TiltCalibration& calibration)
-{
-    Build(0xC8, {1, 1});
-    return Query(ParseTiltCalibration, calibration);
-}
-
 // Commands.
-
-int CCommand::RequestReset()
-{
-    return Command(0x58, {0xFF, 0x02, 'R', 'E', 'S', 'E', 'T'});
-}
-
-int CCommand::SendAbort()
-{
-    return Command(0x5A, {0, 0, 0, 0, 0, 0, 0, 0, 0});
-}
 
 int CCommand::SetReceiverPort(std::uint8_t port, const PortSettings& settings)
 {
@@ -548,11 +384,6 @@ int CCommand::SetSignals(std::span<const std::uint8_t> data)
     return Exchange(Answer::Ack);
 }
 
-int CCommand::SetBoardSignals(std::uint8_t first, std::uint8_t second, std::uint8_t third)
-{
-    return Command(0xA3, {first, second, third});
-}
-
 int CCommand::StartTiltSensor(std::uint8_t port)
 {
     const auto index = static_cast<std::uint8_t>(port - 1);
@@ -563,22 +394,6 @@ int CCommand::StopTiltSensor(std::uint8_t port)
 {
     const auto index = static_cast<std::uint8_t>(port - 1);
     return Command(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 5, 255, index, 0, 0, 0});
-}
-
-int CCommand::SetTiltValidity(std::uint16_t hours)
-{
-    return Command(
-        0xC8, {3, static_cast<std::uint8_t>(hours >> 8), static_cast<std::uint8_t>(hours & 0xFF)});
-}
-
-int CCommand::StartTiltCalibration()
-{
-    return Command(0xC8, {4});
-}
-
-int CCommand::CancelTiltCalibration()
-{
-    return Command(0xC8, {5});
 }
 
 int CCommand::SetTiltSpeed(int speed)
@@ -645,18 +460,6 @@ int CCommand::FileExists(std::wstring_view name)
     return List(nullptr, 0, kListLark, [&](FileListing& listing) { return listing.Exists(name); });
 }
 
-int CCommand::DeleteFile_Pica(std::uint16_t fileIndex)
-{
-    return Command(kDeletePica, {static_cast<std::uint8_t>(fileIndex >> 8),
-                                 static_cast<std::uint8_t>(fileIndex & 0xFF)});
-}
-
-int CCommand::RecoverFile_Pica(std::uint16_t fileIndex)
-{
-    return Command(kRecoverPica, {static_cast<std::uint8_t>(fileIndex >> 8),
-                                  static_cast<std::uint8_t>(fileIndex & 0xFF)});
-}
-
 int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)
 {
     if (!IsReceiverFileName(name)) {
@@ -666,16 +469,6 @@ int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)
     PutText(name, kLongestFileName);
     EndPacket();
     return Exchange(Answer::Ack);
-}
-
-int CCommand::DeleteFile_Lark(std::wstring_view name)
-{
-    return CommandByName(kDeleteLark, name);
-}
-
-int CCommand::RecoverFile_Lark(std::wstring_view name)
-{
-    return CommandByName(kRecoverLark, name);
 }
 
 std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::wstring_view name,

@@ -51,8 +51,6 @@ public:
     using Surroundings = ChannelSurroundings;
     using Answer = fieldcore::Answer;
     using BytesArrived = fieldcore::BytesArrived;
-    /// A frame, or a lone answer byte, that passed the line, as it was sent or as it came.
-    using FrameObserver = std::function<void(Direction, std::span<const std::uint8_t> frame)>;
 
     CCommand() : CCommand(Surroundings{}) {}
     explicit CCommand(Surroundings surroundings);
@@ -142,59 +140,75 @@ public:
     /// Sees everything that passes the line: on the thread that sends, and on that which reads the
     /// port. Empty: nobody does. One for all faces of the line.
     void SetLineObserver(LineObserver observer) { m_channel->SetObserver(std::move(observer)); }
-    /// The same for frames and lone answers only.
-    void SetFrameObserver(FrameObserver observer);
 
     // Requests.
 
     /// Sends a BREAK of 300 ms and reads the identification that follows.
     int RequestIdentity(IdentificationRecord& record);
-    int RequestSerial(SerialReply& reply);
-    int RequestStatus(StatusReply& reply);
+    int RequestSerial(SerialReply& reply) { return Query(0x06, {}, ParseSerial, reply); }
+    int RequestStatus(StatusReply& reply) { return Query(0x08, {}, ParseStatus, reply); }
     /// Nudges the receiver after connecting: a status request whose answer is not looked at, and
     /// half a second of peace.
     int WakeReceiver();
-    int RequestGpsTime(GpsTimeReply& reply);
-    int RequestSvList(SatelliteList& list);
+    int RequestGpsTime(GpsTimeReply& reply) { return Query(0x14, {}, ParseGpsTime, reply); }
+    int RequestSvList(SatelliteList& list) { return Query(0x16, {}, ParseSatelliteList, list); }
     /// The same in as many frames as it takes.
     int RequestSvList(SatelliteList& list, SatelliteListForm form);
     /// The receiver's last known place, for planning.
-    int RequestSite(SiteReply& reply);
+    int RequestSite(SiteReply& reply) { return Query(0x30, {18, 0}, ParseSite, reply); }
     /// Request 0x32; the reply 0x33 is left in the buffer with the cursor on its data.
     int RequestHostData(std::uint8_t first, std::uint8_t second);
-    int RequestPositionStatus(PositionStatusReply& reply);
-    int RequestBatteryPort(int& source);
-    int RequestOptions(OptionsReply& reply);
-    int RequestOptionsEx(ExtendedOptionsReply& reply);
+    int RequestPositionStatus(PositionStatusReply& reply)
+    {
+        return Query(0x34, {}, ParsePositionStatus, reply);
+    }
+    int RequestBatteryPort(int& source) { return Query(0x41, {}, ParseBatteryPort, source); }
+    int RequestOptions(OptionsReply& reply) { return Query(0x4A, {}, ParseOptions, reply); }
+    int RequestOptionsEx(ExtendedOptionsReply& reply)
+    {
+        return Query(0x4A, {1}, ParseExtendedOptions, reply);
+    }
     /// @param prn  1 to 32
     int RequestAlmanac(int prn, AlmanacReply& reply);
     /// @param withTriples  ask for the longer form
     int RequestSvData(SatelliteDataReply& reply, bool withTriples);
     /// The longer form of satellite data, then the words that only some receivers have.
     int RequestSvData(SatelliteDataReply& reply, SatelliteDataExtra& extra);
-    int RequestSettingsFlags(SettingsFlags& flags);
-    int RequestFileState(StatusReply& reply);
-    int RequestTiltReading(TiltReading& reading);
-    int RequestTiltCalibration(TiltCalibration& calibration);
+    int RequestSettingsFlags(SettingsFlags& flags)
+    {
+        return Query(0x7A, {1, 0}, ParseSettingsFlags, flags);
+    }
+    int RequestFileState(StatusReply& reply) { return Query(0x6B, {}, ParseStatus, reply); }
+    int RequestTiltReading(TiltReading& reading)
+    {
+        return Query(0xC8, {1, 0}, ParseTiltReading, reading);
+    }
+    int RequestTiltCalibration(TiltCalibration& calibration)
+    {
+        return Query(0xC8, {1, 1}, ParseTiltCalibration, calibration);
+    }
 
     // Commands: 1 if the receiver acknowledged.
 
     /// Returns the receiver to its factory settings.
-    int RequestReset();
+    int RequestReset() { return Command(0x58, {0xFF, 0x02, 'R', 'E', 'S', 'E', 'T'}); }
     /// Ends whatever the receiver is busy with.
-    int SendAbort();
+    int SendAbort() { return Command(0x5A, {0, 0, 0, 0, 0, 0, 0, 0, 0}); }
     /// Sets one of the receiver's own serial ports; it answers at the old rate and changes after
     /// 200 ms. Reply time-out and queue sizes of @p settings are not sent.
     int SetReceiverPort(std::uint8_t port, const PortSettings& settings);
     /// @param data  what to track; 255 bytes at most
     int SetSignals(std::span<const std::uint8_t> data);
-    int SetBoardSignals(std::uint8_t first, std::uint8_t second, std::uint8_t third);
+    int SetBoardSignals(std::uint8_t first, std::uint8_t second, std::uint8_t third)
+    {
+        return Command(0xA3, {first, second, third});
+    }
     /// @param port  the receiver's port that the controller uses, from 1
     int StartTiltSensor(std::uint8_t port);
     int StopTiltSensor(std::uint8_t port);
-    int SetTiltValidity(std::uint16_t hours);
-    int StartTiltCalibration();
-    int CancelTiltCalibration();
+    int SetTiltValidity(std::uint16_t hours) { return Command(0xC8, {3, High(hours), Low(hours)}); }
+    int StartTiltCalibration() { return Command(0xC8, {4}); }
+    int CancelTiltCalibration() { return Command(0xC8, {5}); }
     /// @param speed  0 fast, 1 medium, anything else slow
     int SetTiltSpeed(int speed);
 
@@ -231,10 +245,10 @@ public:
     int FileExists(std::wstring_view name);
 
     // Each 1 if the receiver acknowledged.
-    int DeleteFile_Pica(std::uint16_t fileIndex);
-    int RecoverFile_Pica(std::uint16_t fileIndex);
-    int DeleteFile_Lark(std::wstring_view name);
-    int RecoverFile_Lark(std::wstring_view name);
+    int DeleteFile_Pica(std::uint16_t index) { return Command(0x60, {High(index), Low(index)}); }
+    int RecoverFile_Pica(std::uint16_t index) { return Command(0x68, {High(index), Low(index)}); }
+    int DeleteFile_Lark(std::wstring_view name) { return CommandByName(0xA0, name); }
+    int RecoverFile_Lark(std::wstring_view name) { return CommandByName(0xA1, name); }
 
     /// Copies a file of a Lark into a folder of this machine. It is written to NAME.part there,
     /// block by block, synced, and renamed to NAME (replacing what has that name) once exactly
@@ -272,19 +286,43 @@ private:
         std::string device;       ///< what the port says
     };
 
+    static std::uint8_t High(std::uint16_t word) { return static_cast<std::uint8_t>(word >> 8); }
+    static std::uint8_t Low(std::uint16_t word) { return static_cast<std::uint8_t>(word); }
     void Build(std::uint8_t type, std::span<const std::uint8_t> data);
-    void Build(std::uint8_t type, std::initializer_list<std::uint8_t> data = {});
-    int Command(std::uint8_t type, std::initializer_list<std::uint8_t> data);
+    void Build(std::uint8_t type, std::initializer_list<std::uint8_t> data = {})
+    {
+        Build(type, std::span(data.begin(), data.size()));
+    }
+    /// A request of these bytes that is answered by an acknowledgement.
+    int Command(std::uint8_t type, std::initializer_list<std::uint8_t> data)
+    {
+        Build(type, data);
+        return Exchange(Answer::Ack);
+    }
     int CommandByName(std::uint8_t type, std::wstring_view name);
     /// Does the work of a request of that type, 0 if it is no frame, in a turn on the open port.
     template <typename Work>
     int InTurn(std::uint8_t request, Work work);
     int Finish(ChannelTurn& turn, int result);
     int Fail(CommandFault fault);
+    /// A request of these bytes that is answered by what @p parse reads.
+    template <typename Parse, typename Reply>
+    int Query(std::uint8_t type, std::initializer_list<std::uint8_t> data, Parse parse,
+              Reply& reply)
+    {
+        Build(type, data);
+        return Exchange(Answer::Reply) == 1 ? Keep(parse(Reader()), reply) : 0;
+    }
     template <typename Reply>
-    int Query(std::optional<Reply> (*parse)(FrameReader), Reply& reply);
-    template <typename Reply>
-    int Keep(std::optional<Reply> parsed, Reply& reply);
+    int Keep(std::optional<Reply> parsed, Reply& reply)
+    {
+        if (!parsed) {
+            m_channel->NoteOdd();
+            return Fail(CommandFault::WrongType);
+        }
+        reply = std::move(*parsed);
+        return 1;
+    }
     int CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteListForm form);
     int List(MessageTarget* window, unsigned message, std::uint8_t request,
              const std::function<int(FileListing&)>& list);

@@ -1,13 +1,17 @@
 #pragma once
 
 #include "core/link/FrameReader.h"
+#include "core/link/FrameWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace fieldcore {
 
@@ -32,45 +36,65 @@ public:
     /// @param clear  zero the buffer first and put the cursor behind the header
     void BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool clear = true);
     /// @return 0 if the byte was dropped
-    int PutByte(std::uint8_t value);
-    void PutWord(std::uint16_t value);
-    void PutLong(std::uint32_t value);
+    int PutByte(std::uint8_t value)
+    {
+        return AtCursor<FrameWriter>([=](FrameWriter& out) { return out.Byte(value) ? 1 : 0; });
+    }
+    void PutWord(std::uint16_t value)
+    {
+        PutByte(static_cast<std::uint8_t>(value >> 8));
+        PutByte(static_cast<std::uint8_t>(value));
+    }
+    void PutLong(std::uint32_t value)
+    {
+        PutWord(static_cast<std::uint16_t>(value >> 16));
+        PutWord(static_cast<std::uint16_t>(value));
+    }
     /// Writes CP932 text, cut or blank-filled to @p width bytes.
     /// @param useTextLength  the width is the converted text's own length instead
     void PutText(std::wstring_view text, std::size_t width, bool useTextLength = false);
     /// Puts right a data length that is known only after the data are written: cursor minus 4.
     void SetPacketLength(std::uint32_t dataLength);
     /// Writes checksum and ETX behind the data; the cursor is not used.
-    void EndPacket();
+    void EndPacket() { FrameWriter(PacketBuffer).End(m_dataLength); }
 
     // Reading a frame. Each reads at the cursor and advances it.
 
     [[nodiscard]] std::uint8_t GetReplyType() const { return PacketBuffer[2]; }
     [[nodiscard]] std::uint32_t GetDataLength() const { return m_dataLength; }
     /// Puts the cursor on the first data byte of a short frame.
-    void ResetReadPos() { m_cursor = 4; }
-    [[nodiscard]] std::uint32_t GetCursor() const;
+    void ResetReadPos() { m_cursor = kFrameDataStart; }
+    [[nodiscard]] std::uint32_t GetCursor() const { return std::min(m_cursor, kLastIndex); }
     /// Moves the cursor on, at most to the last byte.
     void SkipBytes(std::size_t count);
-    std::uint8_t GetByte(ByteForm form = ByteForm::Number);
-    std::uint16_t GetWord();
-    std::uint32_t GetTriple();
-    std::uint32_t GetLong();
+    std::uint8_t GetByte(ByteForm form = ByteForm::Number)
+    {
+        return AtCursor<FrameReader>([=](FrameReader& in) { return in.Byte(form); });
+    }
+    std::uint16_t GetWord() { return AtCursor<FrameReader>(&FrameReader::Word); }
+    std::uint32_t GetTriple() { return AtCursor<FrameReader>(&FrameReader::Triple); }
+    std::uint32_t GetLong() { return AtCursor<FrameReader>(&FrameReader::Long); }
     /// An IEEE 754 double; NaN if it does not lie inside the buffer.
-    double GetDouble();
+    double GetDouble() { return AtCursor<FrameReader>(&FrameReader::Double); }
     /// An IEEE 754 single; NaN if it does not lie inside the buffer.
-    float GetFloat();
+    float GetFloat() { return AtCursor<FrameReader>(&FrameReader::Float); }
     /// @p count raw characters, as they are; empty if they do not lie inside the buffer.
-    std::string GetChars(std::size_t count);
+    std::string GetChars(std::size_t count)
+    {
+        return AtCursor<FrameReader>([=](FrameReader& in) { return in.Chars(count); });
+    }
     /// @p count bytes of CP932 as text, at most 255 bytes of them; a zero byte ends the text.
-    std::wstring GetText(std::size_t count);
+    std::wstring GetText(std::size_t count)
+    {
+        return AtCursor<FrameReader>([=](FrameReader& in) { return in.Text(count); });
+    }
 
     /// Puts a received frame in place and takes its data length from its header. Anything that
     /// is too short to have one counts as a frame without data.
     void Load(std::span<const std::uint8_t> frame);
 
     /// @return 1 if STX stands first and the checksum is right (ETX is not looked at), else 0
-    [[nodiscard]] int VerifyChecksum() const;
+    [[nodiscard]] int VerifyChecksum() const { return Reader().IsIntact(m_dataLength) ? 1 : 0; }
 
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return PacketBuffer; }
     /// The frame in the buffer, to be read from its data on.
@@ -88,10 +112,18 @@ protected:
 private:
     /// Reads, or writes, at the cursor and moves it on.
     template <typename View, typename Work>
-    auto AtCursor(Work work);
+    std::invoke_result_t<Work, View&> AtCursor(Work work)
+    {
+        View view(PacketBuffer, m_cursor);
+        auto result = std::invoke(work, view);
+        m_cursor = static_cast<std::uint32_t>(view.Cursor());
+        return result;
+    }
+
+    static constexpr std::uint32_t kLastIndex = kFrameBufferSize - 1;
 
     std::uint32_t m_dataLength = 0;
-    std::uint32_t m_cursor = 4; // 1024: behind the last byte
+    std::uint32_t m_cursor = kFrameDataStart; // 1024: behind the last byte
 };
 
 } // namespace fieldcore

@@ -1,7 +1,5 @@
 #include "core/link/FrameLog.h"
 
-#include "core/platform/LogFile.h"
-
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -9,15 +7,19 @@
 
 namespace fieldcore {
 
-namespace {
-
-std::string StampedLine(std::string_view stamp, Direction direction,
-                        std::span<const std::uint8_t> bytes)
+std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> bytes,
+                         Clock::UtcTime time)
 {
+    using namespace std::chrono;
     constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string line(stamp);
+    const hh_mm_ss ofHour(floor<milliseconds>(time - floor<hours>(time)));
+    std::array<char, 48> head{};
+    std::snprintf(
+        head.data(), head.size(), "%02d:%d.%03d Rcvr %s [",
+        static_cast<int>(ofHour.minutes().count()), static_cast<int>(ofHour.seconds().count()),
+        static_cast<int>(ofHour.subseconds().count()), direction == Direction::Sent ? "Tx" : "Rx");
+    std::string line = head.data();
     line.reserve(bytes.size() * 3 + 25);
-    line += direction == Direction::Received ? " Rcvr Rx [" : " Rcvr Tx [";
     for (const std::uint8_t byte : bytes) {
         line += kDigits[byte >> 4];
         line += kDigits[byte & 0x0F];
@@ -25,32 +27,6 @@ std::string StampedLine(std::string_view stamp, Direction direction,
     }
     line += "]\r\n";
     return line;
-}
-
-} // namespace
-
-std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> bytes)
-{
-    return StampedLine("00:1.000", direction, bytes);
-}
-
-std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> bytes,
-                         Clock::UtcTime time)
-{
-    using namespace std::chrono;
-    const hh_mm_ss ofHour(floor<milliseconds>(time - floor<hours>(time)));
-    std::array<char, 32> stamp{};
-    std::snprintf(
-        stamp.data(), stamp.size(), "%02d:%d.%03d", static_cast<int>(ofHour.minutes().count()),
-        static_cast<int>(ofHour.seconds().count()), static_cast<int>(ofHour.subseconds().count()));
-    return StampedLine(stamp.data(), direction, bytes);
-}
-
-bool AppendToFrameLog(const std::filesystem::path& file, Direction direction,
-                      std::span<const std::uint8_t> bytes)
-{
-    LogFile log;
-    return !log.Open(file, LogFile::Start::Append) && !log.Write(FrameLogLine(direction, bytes));
 }
 
 } // namespace fieldcore

@@ -1,12 +1,26 @@
 #include "core/link/LayoutReader.h"
 
-#include "core/link/NumberFields.h"
+#include "core/platform/NumberText.h"
 
 #include <algorithm>
+#include <array>
 
 namespace fieldcore {
 
 namespace {
+
+constexpr std::size_t kWidest = 16; // bytes; no layout has a wider number
+
+using NumberText = std::array<wchar_t, kWidest + 1>;
+
+NumberText TextOf(std::span<const std::uint8_t> field)
+{
+    NumberText text{};
+    // No character beyond ASCII belongs to a number, and none is a blank.
+    std::transform(field.begin(), field.begin() + std::min(field.size(), kWidest), text.begin(),
+                   [](std::uint8_t byte) { return byte < 0x80 ? wchar_t{byte} : L'?'; });
+    return text;
+}
 
 std::span<const std::uint8_t> DataOf(FrameReader frame)
 {
@@ -15,6 +29,16 @@ std::span<const std::uint8_t> DataOf(FrameReader frame)
 }
 
 } // namespace
+
+int IntegerField(std::span<const std::uint8_t> field)
+{
+    return ParseWhole(TextOf(field).data());
+}
+
+double RealField(std::span<const std::uint8_t> field)
+{
+    return ParseReal(TextOf(field).data());
+}
 
 LayoutReader::LayoutReader(FrameReader frame, std::uint8_t type, std::string_view prefix)
     : m_layout(FindFrameLayout(Direction::Received, type, prefix)), m_in({}, 0)

@@ -7,12 +7,21 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
 namespace fieldcore {
+
+// Numeric text fields: decimal digits of fixed width. A number stands at the start, behind blanks;
+// what follows it is ignored, and a field that holds none is 0. Nothing is allocated.
+
+/// Values beyond the range of int are cut to it.
+[[nodiscard]] int IntegerField(std::span<const std::uint8_t> field);
+/// What the C library reads as a number counts as one: "inf" and "nan" do too.
+[[nodiscard]] double RealField(std::span<const std::uint8_t> field);
 
 /// Reads the data of a received frame in the order of its layout: widths and kinds come from the
 /// table, and spare bytes are passed over. What lies behind the data is never read: of a field that
@@ -81,5 +90,20 @@ private:
     bool m_fits = false;
     bool m_isComplete = true;
 };
+
+/// Reads a reply of one frame: @p read, of a LayoutReader& and a Reply&, puts the fields into a
+/// fresh one.
+/// @return nothing if it is not that frame, or if @p read finds a value that no receiver can mean
+template <typename Reply, typename Read>
+[[nodiscard]] std::optional<Reply> ReadReply(FrameReader frame, std::uint8_t type,
+                                             std::string_view prefix, Read read)
+{
+    LayoutReader in(frame, type, prefix);
+    std::optional<Reply> reply;
+    if (in.Fits() && !read(in, reply.emplace())) {
+        reply.reset();
+    }
+    return reply;
+}
 
 } // namespace fieldcore

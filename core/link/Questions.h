@@ -93,13 +93,9 @@ private:
         int silent = 0; // rounds, one after the other
     };
     /// Never asked anything; gives up what is under way when it has to end.
-    class Background final : public Host
+    class Background final : public SilentHost
     {
     public:
-        BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle style) override
-        {
-            return HarmlessAnswer(style.buttons);
-        }
         bool Breathe() override { return !stop; }
 
         std::atomic<bool> stop = false;

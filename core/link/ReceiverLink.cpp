@@ -55,9 +55,8 @@ int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
         return 0;
     }
     Meet(connect.Identity());
-    if (const auto& status = connect.Status()) {
-        const std::scoped_lock lock(m_mutex);
-        m_heard.status = status;
+    if (connect.Status()) {
+        KeepStatus(*connect.Status());
     }
     Resume();
     return 1;
@@ -109,10 +108,7 @@ void ReceiverLink::Poll(CCommand& asking)
     asking.SetReplyTimeout(m_target.settings.replyTimeout);
     if (answered == 1) {
         m_missed = 0;
-        {
-            const std::scoped_lock lock(m_mutex);
-            m_heard.status = {std::move(status), clock.Steady()};
-        }
+        KeepStatus({std::move(status), clock.Steady()});
         Enter(LinkState::Connected);
         return;
     }
@@ -164,8 +160,7 @@ void ReceiverLink::TryAgain(CCommand& asking)
         if (IsOther(asking, serial)) {
             Enter(LinkState::Reconnecting, LinkQuestion::OtherReceiver);
         } else {
-            const std::unique_lock lock(m_mutex);
-            m_heard.status = {std::move(status), at};
+            KeepStatus({std::move(status), at});
         }
         if (m_question == LinkQuestion::None) {
             Resume();
@@ -247,10 +242,7 @@ int ReceiverLink::MeetOther(CConnect& connect)
         return 0;
     }
     Meet(connect.Identity());
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_heard.status = {std::move(status), m_command.GetClock().Steady()};
-    }
+    KeepStatus({std::move(status), m_command.GetClock().Steady()});
     Resume();
     return 1;
 }
@@ -264,6 +256,12 @@ void ReceiverLink::Meet(ReceiverIdentity identity)
     }
     const std::scoped_lock lock(m_mutex);
     m_heard.identity = std::move(identity);
+}
+
+void ReceiverLink::KeepStatus(TimedValue<StatusReply> status)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_heard.status = std::move(status);
 }
 
 /// There is a connection, with a status of now.
@@ -317,30 +315,6 @@ void ReceiverLink::Enter(LinkState state, LinkQuestion question)
 }
 
 // Who looks.
-
-LinkState ReceiverLink::State() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_heard.link;
-}
-
-LinkQuestion ReceiverLink::Question() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_question;
-}
-
-ConnectTarget ReceiverLink::Target() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_target;
-}
-
-Receiver ReceiverLink::Heard() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_heard;
-}
 
 void ReceiverLink::Put(Receiver heard)
 {

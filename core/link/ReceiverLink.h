@@ -98,13 +98,13 @@ public:
 
     // Any thread.
 
-    [[nodiscard]] LinkState State() const;
+    [[nodiscard]] LinkState State() const { return Copied(m_heard.link); }
     /// What AskUser() would ask; the link waits for it.
-    [[nodiscard]] LinkQuestion Question() const;
+    [[nodiscard]] LinkQuestion Question() const { return Copied(m_question); }
     /// Where the receiver is, or was last; its device path or port number.
-    [[nodiscard]] ConnectTarget Target() const;
+    [[nodiscard]] ConnectTarget Target() const { return Copied(m_target); }
     /// What is known of the receiver; who it is outlives the connection.
-    [[nodiscard]] Receiver Heard() const;
+    [[nodiscard]] Receiver Heard() const { return Copied(m_heard); }
     /// Whoever asks in rounds puts all of it back, from the thread that ticks. The state of the
     /// link stays as it is.
     void Put(Receiver heard);
@@ -126,6 +126,13 @@ public:
 private:
     ReceiverLink(CCommand& command, KnownReceiver& known);
 
+    template <typename Value>
+    [[nodiscard]] Value Copied(const Value& value) const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return value;
+    }
+    void KeepStatus(TimedValue<StatusReply> status);
     void Poll(CCommand& asking);
     void Lose(CCommand& asking, Clock::Duration pause);
     void TryAgain(CCommand& asking);

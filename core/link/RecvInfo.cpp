@@ -15,17 +15,6 @@ constexpr int kL1AndL2 = 2;
 constexpr double kFirstQ02Version = 4.43;
 constexpr std::string_view kWithoutQ02 = ",35@r"; // type codes
 
-constexpr int Bit(unsigned value, int bit)
-{
-    return static_cast<int>(value >> bit & 1U);
-}
-
-/// Five digits that count hundredths.
-double Version(const std::wstring& digits)
-{
-    return CParts::atof(digits) / 100.0;
-}
-
 /// Asks for one block: it is valid exactly when the request succeeded.
 template <typename Block, typename Request>
 int Fetch(std::optional<Block>& block, Request request)
@@ -91,7 +80,7 @@ int CRecvInfo::GetRETOPTEX(CCommand& command)
     if (command.IsPortOpen() == 0) {
         return 1;
     }
-    if (!m_known.options || Bit(m_known.options->flags2, 7) == 0) {
+    if (Bit(&OptionsReply::flags2, 7) == 0) {
         m_known.extended.reset();
         return 1;
     }
@@ -99,152 +88,48 @@ int CRecvInfo::GetRETOPTEX(CCommand& command)
                  [&](ExtendedOptionsReply& reply) { return command.RequestOptionsEx(reply); });
 }
 
-// Identity.
+// What it means.
 
-const wchar_t* CRecvInfo::GetRecvSN() const
+/// Of five digits that count hundredths.
+double CRecvInfo::Version(std::wstring SerialReply::*digits) const
 {
-    return m_known.serial ? m_known.serial->shortSerial.c_str() : nullptr;
-}
-
-const wchar_t* CRecvInfo::GetRecvSNLong() const
-{
-    return m_known.serial ? m_known.serial->longSerial.c_str() : nullptr;
+    return m_known.serial ? CParts::atof((*m_known.serial).*digits) / 100.0 : 0.0;
 }
 
 const wchar_t* CRecvInfo::GetRecvType() const
 {
-    if (!m_known.serial) {
-        return nullptr;
-    }
-    return m_known.options && m_known.options->typeCode == 'r'
+    return m_known.serial && Option(&OptionsReply::typeCode) == 'r'
                ? L"VX4"
-               : m_known.serial->receiverType.c_str();
-}
-
-double CRecvInfo::GetNavVer() const
-{
-    return m_known.serial ? Version(m_known.serial->navVersion) : 0.0;
-}
-
-double CRecvInfo::GetSigVer() const
-{
-    return m_known.serial ? Version(m_known.serial->sigVersion) : 0.0;
-}
-
-double CRecvInfo::GetBootVer() const
-{
-    return m_known.serial ? Version(m_known.serial->bootVersion) : 0.0;
-}
-
-// Options.
-
-std::uint32_t CRecvInfo::GetRecvTypeNum() const
-{
-    return m_known.TypeNumber();
-}
-
-int CRecvInfo::GetRecvMemory() const
-{
-    return m_known.options ? m_known.options->memory : 0;
-}
-
-int CRecvInfo::GetCurrentPortID() const
-{
-    return m_known.options ? m_known.options->currentPort : 1;
-}
-
-int CRecvInfo::GetPortsAvailable() const
-{
-    return m_known.options ? m_known.options->portCount : 1;
-}
-
-int CRecvInfo::GetFileNaming() const
-{
-    return m_known.options ? Bit(m_known.options->flags1, 4) : 0;
+               : Text(&SerialReply::receiverType);
 }
 
 int CRecvInfo::GetL1L2Option() const
 {
-    return m_known.options && m_known.options->frequencies == kL1AndL2 ? 1 : 0;
-}
-
-int CRecvInfo::GetRtkSurvey() const
-{
-    return m_known.options && m_known.options->rtk != 0 ? 1 : 0;
-}
-
-int CRecvInfo::GetRtkOTF() const
-{
-    return m_known.options ? Bit(m_known.options->rtkFlags, 3) : 0;
-}
-
-int CRecvInfo::GetNMEA() const
-{
-    return m_known.options ? m_known.options->nmea : 0;
+    return Option(&OptionsReply::frequencies) == kL1AndL2 ? 1 : 0;
 }
 
 int CRecvInfo::GetCMR(int way) const
 {
-    return m_known.options ? 1 - Bit(m_known.options->rtkFlags, way != Output ? 5 : 6) : 0;
-}
-
-int CRecvInfo::GetCMRp() const
-{
-    return m_known.options ? Bit(m_known.options->flags1, 2) : 0;
-}
-
-int CRecvInfo::GetRtkVRS() const
-{
-    return m_known.options ? Bit(m_known.options->flags2, 4) : 0;
+    return m_known.options ? 1 - Bit(&OptionsReply::rtkFlags, way != Output ? 5 : 6) : 0;
 }
 
 int CRecvInfo::GetRTCM1(int way) const
 {
-    if (!m_known.options) {
-        return 0;
-    }
     if (way != Output) {
-        return m_known.options->rtcm1Input;
+        return Option(&OptionsReply::rtcm1Input);
     }
-    return m_known.options->rtcmOutput < 2 ? m_known.options->rtcmOutput : 0;
+    const int output = Option(&OptionsReply::rtcmOutput);
+    return output < 2 ? output : 0;
 }
 
 int CRecvInfo::GetRTCM2(int way) const
 {
-    if (!m_known.options) {
-        return 0;
-    }
-    return way != Output ? m_known.options->rtcm2Input : m_known.options->rtcm2Output;
+    return Option(way != Output ? &OptionsReply::rtcm2Input : &OptionsReply::rtcm2Output);
 }
 
 int CRecvInfo::GetRTCM21(int way) const
 {
-    return m_known.options ? Bit(m_known.options->rtcm21, way != Output ? 1 : 2) : 0;
-}
-
-int CRecvInfo::GetRTCM22() const
-{
-    return m_known.options ? Bit(m_known.options->flags1, 6) : 0;
-}
-
-int CRecvInfo::GetRTCM23() const
-{
-    return m_known.options ? Bit(m_known.options->rtcmOutput, 1) : 0;
-}
-
-int CRecvInfo::GetRTCM30() const
-{
-    return m_known.options ? Bit(m_known.options->rtcmOutput, 2) : 0;
-}
-
-int CRecvInfo::GetBlueTooth() const
-{
-    return m_known.options && m_known.options->bluetooth ? 1 : 0;
-}
-
-int CRecvInfo::Get2HzLogging() const
-{
-    return m_known.options ? m_known.options->flags2 & 0x02 : 0;
+    return Bit(&OptionsReply::rtcm21, way != Output ? 1 : 2);
 }
 
 std::uint32_t CRecvInfo::GetMaxLoggingRate() const
@@ -266,56 +151,14 @@ int CRecvInfo::GetQ02Format() const
     return has ? 1 : 0;
 }
 
-int CRecvInfo::GetSolace() const
-{
-    return m_known.options ? m_known.options->rtkFlags & 0x80 : 0;
-}
-
-// Extended options.
-
-int CRecvInfo::GetL5() const
-{
-    return m_known.extended && m_known.extended->l5 ? 1 : 0;
-}
-
-int CRecvInfo::GetL2C() const
-{
-    return m_known.extended && m_known.extended->l2c ? 1 : 0;
-}
-
-int CRecvInfo::GetGLONASS() const
-{
-    return m_known.extended && m_known.extended->glonass ? 1 : 0;
-}
-
-int CRecvInfo::GetMeridian() const
-{
-    return m_known.extended && m_known.extended->meridian ? 1 : 0;
-}
-
-int CRecvInfo::GetGalileo() const
-{
-    return m_known.extended && m_known.extended->galileo ? 1 : 0;
-}
-
-int CRecvInfo::GetQZSS() const
-{
-    return m_known.extended && m_known.extended->qzss ? 1 : 0;
-}
-
-int CRecvInfo::GetTilt() const
-{
-    return m_known.extended && m_known.extended->tilt ? 1 : 0;
-}
-
 int CRecvInfo::GetCMRxInput() const
 {
-    return GetSolace() != 0 && m_known.extended && m_known.extended->cmrxInput ? 1 : 0;
+    return GetSolace() != 0 ? Extended(&ExtendedOptionsReply::cmrxInput) : 0;
 }
 
 int CRecvInfo::GetCMRxOutput() const
 {
-    return GetSolace() != 0 && m_known.extended && m_known.extended->cmrxOutput ? 1 : 0;
+    return GetSolace() != 0 ? Extended(&ExtendedOptionsReply::cmrxOutput) : 0;
 }
 
 std::uint32_t GetRecvTypeNum(CCommand& command)

@@ -3,6 +3,7 @@
 #include "core/link/Receiver.h"
 
 #include <cstdint>
+#include <string>
 #include <utility>
 
 namespace fieldcore {
@@ -43,55 +44,78 @@ public:
 
     // Identity. The texts live as long as the object and are null when it was not read.
 
-    [[nodiscard]] const wchar_t* GetRecvSN() const;
-    [[nodiscard]] const wchar_t* GetRecvSNLong() const;
+    [[nodiscard]] const wchar_t* GetRecvSN() const { return Text(&SerialReply::shortSerial); }
+    [[nodiscard]] const wchar_t* GetRecvSNLong() const { return Text(&SerialReply::longSerial); }
     [[nodiscard]] const wchar_t* GetRecvType() const;
     /// Firmware versions as people write them: 4.43. 0.0 when not read.
-    [[nodiscard]] double GetNavVer() const;
-    [[nodiscard]] double GetSigVer() const;
-    [[nodiscard]] double GetBootVer() const;
+    [[nodiscard]] double GetNavVer() const { return Version(&SerialReply::navVersion); }
+    [[nodiscard]] double GetSigVer() const { return Version(&SerialReply::sigVersion); }
+    [[nodiscard]] double GetBootVer() const { return Version(&SerialReply::bootVersion); }
 
     // Options.
 
-    [[nodiscard]] std::uint32_t GetRecvTypeNum() const;
-    [[nodiscard]] int GetRecvMemory() const;
-    [[nodiscard]] int GetCurrentPortID() const;  ///< 1 when not read
-    [[nodiscard]] int GetPortsAvailable() const; ///< 1 when not read
-    [[nodiscard]] int GetFileNaming() const;
+    [[nodiscard]] std::uint32_t GetRecvTypeNum() const { return m_known.TypeNumber(); }
+    [[nodiscard]] int GetRecvMemory() const { return Option(&OptionsReply::memory); }
+    /// 1 when not read, as the next.
+    [[nodiscard]] int GetCurrentPortID() const { return Option(&OptionsReply::currentPort, 1); }
+    [[nodiscard]] int GetPortsAvailable() const { return Option(&OptionsReply::portCount, 1); }
+    [[nodiscard]] int GetFileNaming() const { return Bit(&OptionsReply::flags1, 4); }
     [[nodiscard]] int GetL1L2Option() const;
     [[nodiscard]] int GetL2() const { return GetL1L2Option(); }
-    [[nodiscard]] int GetRtkSurvey() const;
-    [[nodiscard]] int GetRtkOTF() const;
-    [[nodiscard]] int GetNMEA() const;
+    [[nodiscard]] int GetRtkSurvey() const { return Option(&OptionsReply::rtk) != 0 ? 1 : 0; }
+    [[nodiscard]] int GetRtkOTF() const { return Bit(&OptionsReply::rtkFlags, 3); }
+    [[nodiscard]] int GetNMEA() const { return Option(&OptionsReply::nmea); }
     [[nodiscard]] int GetCMR(int way) const;
-    [[nodiscard]] int GetCMRp() const;
-    [[nodiscard]] int GetRtkVRS() const;
+    [[nodiscard]] int GetCMRp() const { return Bit(&OptionsReply::flags1, 2); }
+    [[nodiscard]] int GetRtkVRS() const { return Bit(&OptionsReply::flags2, 4); }
     [[nodiscard]] int GetRTCM1(int way) const;
     [[nodiscard]] int GetRTCM2(int way) const;
     [[nodiscard]] int GetRTCM21(int way) const;
-    [[nodiscard]] int GetRTCM22() const;
-    [[nodiscard]] int GetRTCM23() const;
-    [[nodiscard]] int GetRTCM30() const;
-    [[nodiscard]] int GetBlueTooth() const;
-    [[nodiscard]] int Get2HzLogging() const; ///< 0 or 2
+    [[nodiscard]] int GetRTCM22() const { return Bit(&OptionsReply::flags1, 6); }
+    [[nodiscard]] int GetRTCM23() const { return Bit(&OptionsReply::rtcmOutput, 1); }
+    [[nodiscard]] int GetRTCM30() const { return Bit(&OptionsReply::rtcmOutput, 2); }
+    [[nodiscard]] int GetBlueTooth() const { return Option(&OptionsReply::bluetooth); }
+    /// 0 or 2.
+    [[nodiscard]] int Get2HzLogging() const { return Option(&OptionsReply::flags2) & 0x02; }
     /// The receiver's rate word, times 100 unless it comes from the extended options.
     [[nodiscard]] std::uint32_t GetMaxLoggingRate() const;
     [[nodiscard]] int GetQ02Format() const;
-    [[nodiscard]] int GetSolace() const; ///< 0 or 128
+    /// 0 or 128.
+    [[nodiscard]] int GetSolace() const { return Option(&OptionsReply::rtkFlags) & 0x80; }
 
     // Extended options.
 
-    [[nodiscard]] int GetL5() const;
-    [[nodiscard]] int GetL2C() const;
-    [[nodiscard]] int GetGLONASS() const;
-    [[nodiscard]] int GetMeridian() const;
-    [[nodiscard]] int GetGalileo() const;
-    [[nodiscard]] int GetQZSS() const;
-    [[nodiscard]] int GetTilt() const;
+    [[nodiscard]] int GetL5() const { return Extended(&ExtendedOptionsReply::l5); }
+    [[nodiscard]] int GetL2C() const { return Extended(&ExtendedOptionsReply::l2c); }
+    [[nodiscard]] int GetGLONASS() const { return Extended(&ExtendedOptionsReply::glonass); }
+    [[nodiscard]] int GetMeridian() const { return Extended(&ExtendedOptionsReply::meridian); }
+    [[nodiscard]] int GetGalileo() const { return Extended(&ExtendedOptionsReply::galileo); }
+    [[nodiscard]] int GetQZSS() const { return Extended(&ExtendedOptionsReply::qzss); }
+    [[nodiscard]] int GetTilt() const { return Extended(&ExtendedOptionsReply::tilt); }
     [[nodiscard]] int GetCMRxInput() const;
     [[nodiscard]] int GetCMRxOutput() const;
 
 private:
+    [[nodiscard]] const wchar_t* Text(std::wstring SerialReply::*field) const
+    {
+        return m_known.serial ? ((*m_known.serial).*field).c_str() : nullptr;
+    }
+    [[nodiscard]] double Version(std::wstring SerialReply::*digits) const;
+    /// @param unread  what stands for it when the options were not read
+    template <typename Value>
+    [[nodiscard]] int Option(Value OptionsReply::*field, int unread = 0) const
+    {
+        return m_known.options ? (*m_known.options).*field : unread;
+    }
+    [[nodiscard]] int Bit(std::uint8_t OptionsReply::*flags, int bit) const
+    {
+        return Option(flags) >> bit & 1;
+    }
+    [[nodiscard]] int Extended(bool ExtendedOptionsReply::*field) const
+    {
+        return m_known.extended && (*m_known.extended).*field ? 1 : 0;
+    }
+
     ReceiverIdentity m_known;
 };
 

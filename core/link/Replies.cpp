@@ -49,44 +49,38 @@ std::optional<TiltTime> ReadTiltTime(LayoutReader& in)
 
 std::optional<SerialReply> ParseSerial(FrameReader frame)
 {
-    LayoutReader in(frame, 0x07);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    SerialReply reply;
-    in.Read(reply.shortSerial, reply.receiverType, reply.navVersion, reply.sigVersion,
-            reply.bootVersion, reply.antennaSerial, reply.antennaType);
-    reply.receiverType.erase(reply.receiverType.find_last_not_of(L' ') + 1);
-    reply.longSerial = reply.shortSerial;
-    if (in.HasNext()) {
-        in.Read(reply.longSerial);
-    }
-    return reply;
+    return ReadReply<SerialReply>(frame, 0x07, "", [](auto& in, auto& reply) {
+        in.Read(reply.shortSerial, reply.receiverType, reply.navVersion, reply.sigVersion,
+                reply.bootVersion, reply.antennaSerial, reply.antennaType);
+        reply.receiverType.erase(reply.receiverType.find_last_not_of(L' ') + 1);
+        reply.longSerial = reply.shortSerial;
+        if (in.HasNext()) {
+            in.Read(reply.longSerial);
+        }
+        return true;
+    });
 }
 
 std::optional<OptionsReply> ParseOptions(FrameReader frame)
 {
-    LayoutReader in(frame, 0x4B);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    OptionsReply reply;
-    std::uint8_t tenths = 0;
-    std::uint16_t loggingRate = 0;
-    std::uint8_t radio = 0;
-    in.Read(reply.firstOption, tenths, loggingRate, reply.currentPort, reply.portCount,
-            reply.frequencies, reply.nmea, reply.rtcm1Input, reply.rtcm2Input, reply.rtcmOutput,
-            reply.rtcm2Output, reply.memory, reply.byte32, reply.rtk, reply.rtkFlags, reply.rtcm21,
-            reply.typeCode, radio, reply.flags1, reply.flags2);
-    if (reply.typeCode == 0 && in.HasNext()) {
-        in.Read(reply.modelWord);
-    } else {
-        in.Leave();
-    }
-    reply.tenths = tenths / 10.0;
-    reply.loggingRate = loggingRate * 100U;
-    reply.bluetooth = Bit(radio, 4) || reply.modelWord == kBluetoothModel;
-    return reply;
+    return ReadReply<OptionsReply>(frame, 0x4B, "", [](auto& in, auto& reply) {
+        std::uint8_t tenths = 0;
+        std::uint16_t loggingRate = 0;
+        std::uint8_t radio = 0;
+        in.Read(reply.firstOption, tenths, loggingRate, reply.currentPort, reply.portCount,
+                reply.frequencies, reply.nmea, reply.rtcm1Input, reply.rtcm2Input, reply.rtcmOutput,
+                reply.rtcm2Output, reply.memory, reply.byte32, reply.rtk, reply.rtkFlags,
+                reply.rtcm21, reply.typeCode, radio, reply.flags1, reply.flags2);
+        if (reply.typeCode == 0 && in.HasNext()) {
+            in.Read(reply.modelWord);
+        } else {
+            in.Leave();
+        }
+        reply.tenths = tenths / 10.0;
+        reply.loggingRate = loggingRate * 100U;
+        reply.bluetooth = Bit(radio, 4) || reply.modelWord == kBluetoothModel;
+        return true;
+    });
 }
 
 std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame)
@@ -134,109 +128,84 @@ std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame)
 
 std::optional<StatusReply> ParseStatus(FrameReader frame)
 {
-    LayoutReader in(frame, 0x09);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    StatusReply reply;
-    int timeValid = 0;
-    in.Read(timeValid, reply.satellitesTracked, reply.batteryPercent, reply.pdop, reply.fixKind,
-            reply.survey, reply.freeMemoryTenths);
-    reply.timeValid = timeValid == 1;
-    reply.rtkFixed = reply.fixKind == kRtkFixed;
-    return reply;
+    return ReadReply<StatusReply>(frame, 0x09, "", [](auto& in, auto& reply) {
+        int timeValid = 0;
+        in.Read(timeValid, reply.satellitesTracked, reply.batteryPercent, reply.pdop, reply.fixKind,
+                reply.survey, reply.freeMemoryTenths);
+        reply.timeValid = timeValid == 1;
+        reply.rtkFixed = reply.fixKind == kRtkFixed;
+        return true;
+    });
 }
 
 std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 {
-    LayoutReader in(frame, 0x15);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    GpsTimeReply reply;
-    in.Read(reply.secondsOfWeek, reply.week, reply.utcOffsetS);
-    const bool possible = reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
-    return possible ? std::optional(reply) : std::nullopt;
+    return ReadReply<GpsTimeReply>(frame, 0x15, "", [](auto& in, auto& reply) {
+        in.Read(reply.secondsOfWeek, reply.week, reply.utcOffsetS);
+        return reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
+    });
 }
 
 std::optional<SiteReply> ParseSite(FrameReader frame)
 {
-    LayoutReader in(frame, 0x31, "\x12\0"sv);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    SiteReply place;
-    ReadPlace(in, place);
-    return IsOnEarth(place) ? std::optional(place) : std::nullopt;
+    return ReadReply<SiteReply>(frame, 0x31, "\x12\0"sv, [](auto& in, auto& place) {
+        ReadPlace(in, place);
+        return IsOnEarth(place);
+    });
 }
 
 std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
 {
-    LayoutReader in(frame, 0x35);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    PositionStatusReply reply;
-    in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
-            reply.hdop, reply.vdop);
-    ReadPlace(in, reply.position);
-    return reply.secondsOfWeek < kSecondsPerWeek ? std::optional(reply) : std::nullopt;
+    return ReadReply<PositionStatusReply>(frame, 0x35, "", [](auto& in, auto& reply) {
+        in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
+                reply.hdop, reply.vdop);
+        ReadPlace(in, reply.position);
+        return reply.secondsOfWeek < kSecondsPerWeek;
+    });
 }
 
 std::optional<int> ParseBatteryPort(FrameReader frame)
 {
-    LayoutReader in(frame, 0x41);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    int input = 0;
-    in.Read(input);
-    return input;
+    return ReadReply<int>(frame, 0x41, "", [](auto& in, auto& input) {
+        in.Read(input);
+        return true;
+    });
 }
 
 std::optional<SettingsFlags> ParseSettingsFlags(FrameReader frame)
 {
-    LayoutReader in(frame, 0x7A);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    SettingsFlags flags{};
-    in.Read(flags[0], flags[1], flags[2]);
-    return flags;
+    return ReadReply<SettingsFlags>(frame, 0x7A, "", [](auto& in, auto& flags) {
+        in.Read(flags[0], flags[1], flags[2]);
+        return true;
+    });
 }
 
 std::optional<TiltReading> ParseTiltReading(FrameReader frame)
 {
-    LayoutReader in(frame, 0xC8, "\1\0"sv);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    TiltReading reading;
-    std::uint8_t status = 0;
-    std::uint8_t calibration = 0;
-    in.Read(status, calibration, reading.t1Rad, reading.t2Rad, reading.tiltRad);
-    reading.state = status & 0x0F;
-    reading.error1 = Bit(status, 4);
-    reading.error2 = Bit(status, 5);
-    reading.sensorPresent = Bit(status, 6);
-    reading.calibrationState = calibration & 0x07;
-    reading.calibrationValid = Bit(calibration, 3);
-    reading.calibrated = Bit(calibration, 4);
-    reading.time = ReadTiltTime(in);
-    return reading;
+    return ReadReply<TiltReading>(frame, 0xC8, "\1\0"sv, [](auto& in, auto& reading) {
+        std::uint8_t status = 0;
+        std::uint8_t calibration = 0;
+        in.Read(status, calibration, reading.t1Rad, reading.t2Rad, reading.tiltRad);
+        reading.state = status & 0x0F;
+        reading.error1 = Bit(status, 4);
+        reading.error2 = Bit(status, 5);
+        reading.sensorPresent = Bit(status, 6);
+        reading.calibrationState = calibration & 0x07;
+        reading.calibrationValid = Bit(calibration, 3);
+        reading.calibrated = Bit(calibration, 4);
+        reading.time = ReadTiltTime(in);
+        return true;
+    });
 }
 
 std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame)
 {
-    LayoutReader in(frame, 0xC8, "\1\1"sv);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    TiltCalibration calibration;
-    in.Read(calibration.validityHours);
-    calibration.calibrated = ReadTiltTime(in);
-    in.Read(calibration.progressPercent);
-    return calibration;
+    return ReadReply<TiltCalibration>(frame, 0xC8, "\1\1"sv, [](auto& in, auto& calibration) {
+        in.Read(calibration.validityHours);
+        calibration.calibrated = ReadTiltTime(in);
+        in.Read(calibration.progressPercent);
+        return true;
+    });
 }
 
 } // namespace fieldcore

@@ -50,57 +50,49 @@ std::optional<bool> ParseSatelliteListFrame(FrameReader frame, SatelliteListForm
 
 std::optional<AlmanacReply> ParseAlmanac(FrameReader frame, int prn)
 {
-    LayoutReader in(frame, 0x55, "\2");
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    AlmanacReply reply;
-    in.Read(reply.prn, reply.timeStamp, reply.week, reply.toaS, reply.sqrtA, reply.eccentricity,
-            reply.inclination, reply.omegaDot, reply.omega0, reply.omega, reply.m0, reply.health);
-    return reply.prn == prn ? std::optional(reply) : std::nullopt;
+    return ReadReply<AlmanacReply>(frame, 0x55, "\2", [prn](auto& in, auto& reply) {
+        in.Read(reply.prn, reply.timeStamp, reply.week, reply.toaS, reply.sqrtA, reply.eccentricity,
+                reply.inclination, reply.omegaDot, reply.omega0, reply.omega, reply.m0,
+                reply.health);
+        return reply.prn == prn;
+    });
 }
 
 std::optional<SatelliteDataReply> ParseSatelliteData(FrameReader frame, bool withTriples)
 {
-    LayoutReader in(frame, 0x55, "\0"sv);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    SatelliteDataReply reply;
-    const auto readAll = [&in](auto& words) {
-        for (auto& word : words) {
-            in.Read(word);
+    return ReadReply<SatelliteDataReply>(frame, 0x55, "\0"sv, [withTriples](auto& in, auto& reply) {
+        const auto readAll = [&in](auto& words) {
+            for (auto& word : words) {
+                in.Read(word);
+            }
+        };
+        readAll(reply.words);
+        readAll(reply.shortWords);
+        readAll(reply.moreWords);
+        if (!withTriples) {
+            in.Leave(reply.triples.size());
+            return true;
         }
-    };
-    readAll(reply.words);
-    readAll(reply.shortWords);
-    readAll(reply.moreWords);
-    if (!withTriples) {
-        in.Leave(reply.triples.size());
-        return reply;
-    }
-    readAll(reply.triples);
-    return in.IsComplete() ? std::optional(reply) : std::nullopt;
+        readAll(reply.triples);
+        return in.IsComplete();
+    });
 }
 
 std::optional<SatelliteDataExtra> ParseSatelliteDataExtra(FrameReader frame)
 {
-    LayoutReader in(frame, 0x55, "\x14");
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    SatelliteDataExtra extra{};
-    std::uint8_t first = 0;
-    std::span<const std::uint8_t> form;
-    in.Read(first, form);
-    if (!std::ranges::equal(form, "\4\0\2"sv)) {
-        in.Leave(extra.size());
-        return extra;
-    }
-    for (std::uint16_t& word : extra) {
-        in.Read(word);
-    }
-    return in.IsComplete() ? std::optional(extra) : std::nullopt;
+    return ReadReply<SatelliteDataExtra>(frame, 0x55, "\x14", [](auto& in, auto& extra) {
+        std::uint8_t first = 0;
+        std::span<const std::uint8_t> form;
+        in.Read(first, form);
+        if (!std::ranges::equal(form, "\4\0\2"sv)) {
+            in.Leave(extra.size());
+            return true;
+        }
+        for (std::uint16_t& word : extra) {
+            in.Read(word);
+        }
+        return in.IsComplete();
+    });
 }
 
 } // namespace fieldcore

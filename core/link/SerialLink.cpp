@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -164,20 +165,53 @@ void SerialLink::StopReader()
     m_reader.join();
 }
 
-bool SerialLink::IsOpen() const
+std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes)
 {
-    return m_device->IsOpen();
+    return Write(bytes, LineUnit::Frame, SilentHost::Instance()) == WaitOutcome::Delivered
+               ? bytes.size()
+               : 0;
 }
 
-bool SerialLink::IsLost() const
+SerialLink::WaitOutcome SerialLink::Write(std::span<const std::uint8_t> bytes, LineUnit unit,
+                                          Host& host)
 {
-    const std::scoped_lock lock(m_mutex);
-    return m_lost;
+    WaitOutcome outcome = IsLost() ? WaitOutcome::Lost : WaitOutcome::Delivered;
+    Clock::Duration deadline{}; // 0: it has not had to wait
+    std::size_t done = 0;
+    while (outcome == WaitOutcome::Delivered) {
+        {
+            const std::scoped_lock lock(m_observing); // or the answer is seen before the request
+            const auto count = m_device->Write(bytes.subspan(done));
+            done += count.value_or(0);
+            if (done == bytes.size() && done > 0) {
+                ObserveLocked(Direction::Sent, unit, bytes);
+                return outcome;
+            }
+            if (!count || bytes.empty()) {
+                break;
+            }
+        }
+        if (deadline == Clock::Duration::zero()) {
+            deadline = m_clock.Steady() + m_timeouts.writeConstant +
+                       m_timeouts.writeMultiplier * static_cast<int>(bytes.size());
+        }
+        outcome = AwaitRoom(deadline, done == 0 ? host : SilentHost::Instance());
+    }
+    if (outcome == WaitOutcome::Cancelled) {
+        return outcome;
+    }
+    // A port whose other end is gone may tell the writer first.
+    const int code = m_device->LastFaultCode();
+    if (outcome == WaitOutcome::Delivered && (code == EIO || code == ENXIO || code == ENODEV)) {
+        LoseLink(LinkError::Write);
+    }
+    Fail(LinkError::Write);
+    return IsLost() ? WaitOutcome::Lost : WaitOutcome::TimedOut;
 }
 
-SerialLink::WaitOutcome SerialLink::WaitRoom(Host& host)
+/// @return Delivered if a write can go on, TimedOut or Cancelled
+SerialLink::WaitOutcome SerialLink::AwaitRoom(Clock::Duration deadline, Host& host)
 {
-    const Clock::Duration deadline = m_clock.Steady() + m_timeouts.writeConstant;
     for (;;) {
         const Clock::Duration left = std::max(deadline - m_clock.Steady(), Clock::Duration::zero());
         const auto slice = m_clock.RealTime(std::min<Clock::Duration>(left, kWaitSlice));
@@ -185,39 +219,12 @@ SerialLink::WaitOutcome SerialLink::WaitRoom(Host& host)
             return WaitOutcome::Delivered;
         }
         if (left == Clock::Duration::zero()) {
-            Fail(LinkError::Write);
             return WaitOutcome::TimedOut;
         }
         if (!host.Breathe()) {
             return WaitOutcome::Cancelled;
         }
     }
-}
-
-std::size_t SerialLink::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
-{
-    if (IsLost()) {
-        Fail(LinkError::Write);
-        return 0;
-    }
-    std::size_t written = 0;
-    {
-        const std::scoped_lock lock(m_observing); // the answer must not be seen before the request
-        written = m_device->Write(bytes);
-        if (written == bytes.size()) {
-            ObserveLocked(Direction::Sent, unit, bytes);
-        }
-    }
-    if (written < bytes.size() || written == 0) {
-        // A port whose other end is gone may tell the writer first.
-        const int code = m_device->LastFaultCode();
-        if (code == EIO || code == ENXIO || code == ENODEV) {
-            LoseLink(LinkError::Write);
-        }
-        Fail(LinkError::Write);
-        return 0;
-    }
-    return written;
 }
 
 std::size_t SerialLink::Read(std::span<std::uint8_t> buffer)
@@ -242,8 +249,7 @@ SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host, Clock::Duration lim
     if (IsLost()) {
         m_frameReady.Set(); // it was waited for before; nothing else will set it
     }
-    for (;;) {
-        const Clock::Duration left = deadline - m_clock.Steady();
+    for (Clock::Duration left = limit;; left = deadline - m_clock.Steady()) {
         if (m_clock.Wait(m_frameReady, std::min<Clock::Duration>(left, kWaitSlice))) {
             if (IsDeliveryWaiting()) { // else it was taken with the one before it
                 return WaitOutcome::Delivered;
@@ -295,11 +301,15 @@ Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination, Arrivals*
 void SerialLink::ResetFrameReady()
 {
     m_frameReady.Reset();
+    bool isHeld = false; // nobody else waits for room
     {
         const std::scoped_lock lock(m_mutex);
         m_deliveries.Clear();
+        isHeld = m_handOver;
     }
-    m_consumed.Set();
+    if (isHeld) {
+        m_consumed.Set();
+    }
 }
 
 void SerialLink::ResetReceiveState()
@@ -334,41 +344,12 @@ int SerialLink::Purge(SerialDevice::Queue queue)
 int SerialLink::SendBreak(milliseconds duration)
 {
     constexpr std::array<std::uint8_t, 1> kNull{0x00};
-    if (Write(kNull, LineUnit::Break) == 0 || SetBreak() == 0) {
+    if (Write(kNull, LineUnit::Break, SilentHost::Instance()) != WaitOutcome::Delivered ||
+        SetBreak() == 0) {
         return 0;
     }
     m_clock.Sleep(duration);
     return ClearBreak();
-}
-
-int SerialLink::SetBreak()
-{
-    return Done(m_device->SetBreak(), LinkError::SetBreak);
-}
-
-int SerialLink::ClearBreak()
-{
-    return Done(m_device->ClearBreak(), LinkError::ClearBreak);
-}
-
-int SerialLink::EscapeFunction(SerialDevice::Escape function)
-{
-    return Done(m_device->EscapeFunction(function), LinkError::Escape);
-}
-
-int SerialLink::SetEventMask(SerialDevice::EventMask mask)
-{
-    return Done(m_device->SetEventMask(mask), LinkError::EventMask);
-}
-
-int SerialLink::GetModemStatus(ModemStatus& status)
-{
-    return Done(m_device->ReadModemStatus(status), LinkError::ModemStatus);
-}
-
-int SerialLink::GetLineSettings(LineSettings& settings)
-{
-    return Done(m_device->ReadSettings(settings), LinkError::LineSettings);
 }
 
 int SerialLink::ApplyLineSettings(const LineSettings& settings)
@@ -382,11 +363,6 @@ int SerialLink::ApplyLineSettings(const LineSettings& settings)
     return 1;
 }
 
-int SerialLink::GetTimeouts(PortTimeouts& timeouts)
-{
-    return Done(m_device->ReadTimeouts(timeouts), LinkError::Timeouts);
-}
-
 int SerialLink::ApplyTimeouts(const PortTimeouts& timeouts)
 {
     if (!m_device->ApplyTimeouts(timeouts)) {
@@ -394,30 +370,6 @@ int SerialLink::ApplyTimeouts(const PortTimeouts& timeouts)
     }
     m_timeouts = timeouts;
     return 1;
-}
-
-milliseconds SerialLink::GetReplyTimeout() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_replyTimeout;
-}
-
-void SerialLink::SetReplyTimeout(milliseconds timeout)
-{
-    const std::scoped_lock lock(m_mutex);
-    m_replyTimeout = timeout;
-}
-
-SerialLink::Framing SerialLink::GetFraming() const
-{
-    const std::scoped_lock lock(m_intake);
-    return m_framing;
-}
-
-void SerialLink::SetFraming(Framing framing)
-{
-    const std::scoped_lock lock(m_intake);
-    m_framing = framing;
 }
 
 bool SerialLink::GetHandOver() const
@@ -478,9 +430,12 @@ int SerialLink::Fail(LinkError error)
 int SerialLink::LogFrame(Direction direction, std::span<const std::uint8_t> bytes)
 {
     const std::filesystem::path folder = Folders().BuiltInStorage();
-    return !Folders::Create(folder) && AppendToFrameLog(folder / "gnsslog.log", direction, bytes)
-               ? 1
-               : 0;
+    if (Folders::Create(folder)) {
+        return 0;
+    }
+    std::ofstream log(folder / "gnsslog.log", std::ios::binary | std::ios::app);
+    log << FrameLogLine(direction, bytes) << std::flush;
+    return log.good() ? 1 : 0;
 }
 
 // The reader's thread.
@@ -500,20 +455,20 @@ void SerialLink::ReadPort()
             }
             break;
         }
-        if (!DrainDevice()) {
+        if (!TakeIn()) {
             LoseLink(LinkError::Read);
             break;
         }
-        AssembleQueued();
     }
     if (listening) {
         m_threadState.Set();
     }
 }
 
-bool SerialLink::DrainDevice()
+/// Reads the port and assembles what is queued. @return false if reading failed
+bool SerialLink::TakeIn()
 {
-    const std::scoped_lock lock(m_intake);
+    std::unique_lock lock(m_intake);
     const auto count = m_device->Read(m_queue.Free());
     if (!count) {
         return false;
@@ -527,13 +482,7 @@ bool SerialLink::DrainDevice()
         const std::scoped_lock arrivals(m_mutex);
         m_arrivals.lastByteAt = now;
     }
-    return true;
-}
-
-void SerialLink::AssembleQueued()
-{
     bool hasNews = false;
-    std::unique_lock lock(m_intake);
     while (!m_closing && m_queue.Size() > 0) {
         const unsigned unsolicited = m_assembler.UnsolicitedCount();
         const std::optional<Delivery> delivery =
@@ -546,7 +495,6 @@ void SerialLink::AssembleQueued()
         if (!delivery) {
             continue;
         }
-        NoteArrival(*delivery);
         hasNews = true;
         if (Deliver(*delivery)) {
             lock.unlock();
@@ -560,10 +508,13 @@ void SerialLink::AssembleQueued()
     if (hasNews) { // not for each: it would be a switch of threads for each
         m_frameReady.Set();
     }
+    return true;
 }
 
-/// What a delivery tells about the line; and who watches it sees the bytes.
-void SerialLink::NoteArrival(const Delivery& delivery)
+/// Puts it where it is waited for, with what it tells about the line; and who watches the line sees
+/// its bytes.
+/// @return whether nothing more may be delivered until the consumer has taken some
+bool SerialLink::Deliver(const Delivery& delivery)
 {
     const auto bytes = m_assembler.DeliveredBytes();
     const LineUnit unit = delivery.state == ExchangeState::Malformed ? LineUnit::Noise
@@ -582,6 +533,16 @@ void SerialLink::NoteArrival(const Delivery& delivery)
                                        : std::min<Clock::Duration>(seen, kSlowestCharacter);
     }
     m_beganAt = arrived; // of what stands behind it in the queue
+    if (delivery.state == ExchangeState::Nak) {
+        m_error = LinkError::Nak;
+    } else if (delivery.state == ExchangeState::Malformed) {
+        m_error = LinkError::Malformed;
+    }
+    if (!m_handOver) {
+        m_deliveries.DropWaiting();
+    }
+    m_deliveries.Put(delivery, m_assembler.Buffer());
+    return m_handOver && m_deliveries.IsFull();
 }
 
 Arrivals SerialLink::LookAtArrivals()
@@ -646,32 +607,15 @@ void SerialLink::ObserveLocked(Direction direction, LineUnit unit,
     }
 }
 
-/// @return whether nothing more may be delivered until the consumer has taken some
-bool SerialLink::Deliver(const Delivery& delivery)
-{
-    const std::scoped_lock lock(m_mutex);
-    if (delivery.state == ExchangeState::Nak) {
-        m_error = LinkError::Nak;
-    } else if (delivery.state == ExchangeState::Malformed) {
-        m_error = LinkError::Malformed;
-    }
-    if (!m_handOver) {
-        m_deliveries.DropWaiting();
-    }
-    m_deliveries.Put(delivery, m_assembler.Buffer());
-    return m_handOver && m_deliveries.IsFull();
-}
-
 /// Until there is room again; or nobody takes anything, and the reader goes on all the same.
 void SerialLink::AwaitConsumer()
 {
     std::unique_lock lock(m_mutex);
-    const milliseconds limit = m_replyTimeout;
     bool isTaken = true;
     while (m_handOver && m_deliveries.IsFull() && isTaken && !m_closing) {
         m_consumed.Reset(); // a Set() that comes too late would only go round once more
         lock.unlock();
-        isTaken = m_clock.Wait(m_consumed, limit);
+        isTaken = m_clock.Wait(m_consumed, m_replyTimeout.load());
         lock.lock();
     }
 }

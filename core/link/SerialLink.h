@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/host/Host.h"
-#include "core/link/ByteQueue.h"
 #include "core/link/DeliveryQueue.h"
 #include "core/link/FrameAssembler.h"
 #include "core/link/FrameLog.h"
@@ -129,17 +128,18 @@ public:
     /// @return 1; 0 if the link was not open or the system reported a failure (closed all the same)
     int Close();
 
-    [[nodiscard]] bool IsOpen() const;
+    [[nodiscard]] bool IsOpen() const { return m_device->IsOpen(); }
     /// Whether the other end is gone. Only closing and opening again helps.
-    [[nodiscard]] bool IsLost() const;
+    [[nodiscard]] bool IsLost() const { return m_lost; }
 
-    /// Waits until a write can begin, at most the write time-out, in slices of 50 ms between which
-    /// @p host may breathe: flow control may hold the line for that long.
-    /// @return Delivered when it can, or when only the write itself can tell
-    WaitOutcome WaitRoom(Host& host);
+    /// @return bytes written: all, or 0 on failure
+    std::size_t Write(std::span<const std::uint8_t> bytes);
+    /// The same. Where flow control holds the line it waits, at most the write time-outs, in slices
+    /// of 50 ms between which @p host may breathe until the first byte is written.
     /// @param unit  as which the observer sees them
-    /// @return bytes written; 0 on failure
-    std::size_t Write(std::span<const std::uint8_t> bytes, LineUnit unit = LineUnit::Frame);
+    /// @return Delivered, or Cancelled with nothing written; on failure one of the others, with the
+    ///         error code set
+    WaitOutcome Write(std::span<const std::uint8_t> bytes, LineUnit unit, Host& host);
 
     /// Takes queued bytes that nothing has assembled yet, as they are; never waits.
     /// @return the number of bytes; 0 with an error code once the link is lost
@@ -173,24 +173,39 @@ public:
     int SendBreak(std::chrono::milliseconds duration);
 
     // What the device offers, with its error codes: 1, or 0 with the code set.
-    int SetBreak();
-    int ClearBreak();
-    int EscapeFunction(SerialDevice::Escape function);
-    int SetEventMask(SerialDevice::EventMask mask);
-    int GetModemStatus(ModemStatus& status);
-    int GetLineSettings(LineSettings& settings);
+    int SetBreak() { return Done(m_device->SetBreak(), LinkError::SetBreak); }
+    int ClearBreak() { return Done(m_device->ClearBreak(), LinkError::ClearBreak); }
+    int EscapeFunction(SerialDevice::Escape function)
+    {
+        return Done(m_device->EscapeFunction(function), LinkError::Escape);
+    }
+    int SetEventMask(SerialDevice::EventMask mask)
+    {
+        return Done(m_device->SetEventMask(mask), LinkError::EventMask);
+    }
+    int GetModemStatus(ModemStatus& status)
+    {
+        return Done(m_device->ReadModemStatus(status), LinkError::ModemStatus);
+    }
+    int GetLineSettings(LineSettings& settings)
+    {
+        return Done(m_device->ReadSettings(settings), LinkError::LineSettings);
+    }
     int ApplyLineSettings(const LineSettings& settings);
-    int GetTimeouts(PortTimeouts& timeouts);
+    int GetTimeouts(PortTimeouts& timeouts)
+    {
+        return Done(m_device->ReadTimeouts(timeouts), LinkError::Timeouts);
+    }
     int ApplyTimeouts(const PortTimeouts& timeouts);
 
     /// What was last applied with success.
     [[nodiscard]] const LineSettings& AppliedLineSettings() const { return m_lineSettings; }
     [[nodiscard]] const PortTimeouts& AppliedTimeouts() const { return m_timeouts; }
 
-    [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const;
-    void SetReplyTimeout(std::chrono::milliseconds timeout);
-    [[nodiscard]] Framing GetFraming() const;
-    void SetFraming(Framing framing);
+    [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const { return m_replyTimeout; }
+    void SetReplyTimeout(std::chrono::milliseconds timeout) { m_replyTimeout = timeout; }
+    [[nodiscard]] Framing GetFraming() const { return m_framing; }
+    void SetFraming(Framing framing) { m_framing = framing; }
     [[nodiscard]] bool GetHandOver() const;
     /// In hand-over mode deliveries wait for one another to be taken, DeliveryQueue::kRoom of them.
     /// Then the reader stops until half of these were taken, at most the reply time-out, so that
@@ -220,6 +235,7 @@ public:
     static int LogFrame(Direction direction, std::span<const std::uint8_t> bytes);
 
 private:
+    WaitOutcome AwaitRoom(Clock::Duration deadline, Host& host);
     [[nodiscard]] bool IsDeliveryWaiting() const;
     int Fail(LinkError error);
     int Done(bool succeeded, LinkError error) { return succeeded ? 1 : Fail(error); }
@@ -228,12 +244,10 @@ private:
     void StopReader();
 
     void ReadPort();
-    bool DrainDevice();
-    void AssembleQueued();
+    bool TakeIn();
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
     void LoseLink(LinkError error);
-    void NoteArrival(const Delivery& delivery);
     [[nodiscard]] Clock::Duration NominalCharacter() const;
     void Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
     void ObserveLocked(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
@@ -248,11 +262,13 @@ private:
     AutoResetEvent m_threadState; // set by the reader when it has started and when it ends
     AutoResetEvent m_consumed;    // set by the consumer when a reader that stopped can go on
     std::atomic<bool> m_closing = false;
+    std::atomic<bool> m_lost = false;
+    std::atomic<Framing> m_framing = Framing::Frames;
+    std::atomic<std::chrono::milliseconds> m_replyTimeout = PortSettings{}.replyTimeout;
 
     // The reader holds m_intake while it reads the port and assembles; taken before m_mutex. What a
     // consumer needs of each delivery is guarded by m_mutex alone, and never waits for the port.
     mutable std::mutex m_intake; // guards these
-    Framing m_framing = Framing::Frames;
     ByteQueue m_queue;
     FrameAssembler m_assembler;
     Clock::Duration m_beganAt{};        // the frame that is being assembled
@@ -261,8 +277,6 @@ private:
     mutable std::mutex m_mutex; // guards everything below
     LinkError m_error = LinkError::None;
     bool m_handOver = false;
-    bool m_lost = false;
-    std::chrono::milliseconds m_replyTimeout{2000};
     DeliveryQueue m_deliveries;
     Arrivals m_arrivals;
 

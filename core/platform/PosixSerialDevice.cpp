@@ -320,33 +320,23 @@ bool PosixSerialDevice::HasInput()
     return ioctl(m_port, FIONREAD, &count) == 0 && count > 0;
 }
 
-std::size_t PosixSerialDevice::Write(std::span<const std::uint8_t> bytes)
+std::optional<std::size_t> PosixSerialDevice::Write(std::span<const std::uint8_t> bytes)
 {
-    const SteadyTime deadline = std::chrono::steady_clock::now() + m_timeouts.writeConstant +
-                                m_timeouts.writeMultiplier * static_cast<int>(bytes.size());
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        if (m_settings.dsrOutputFlow && DsrIsOff()) {
-            if (RemainingMs(deadline) == 0) {
-                Fail("write", ETIMEDOUT);
-                break;
-            }
-            std::this_thread::sleep_for(kDsrPollInterval);
-            continue;
-        }
-        const ssize_t count = write(m_port, bytes.data() + done, bytes.size() - done);
-        if (count >= 0) {
-            done += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN) {
-            if (!WaitForRoom(deadline)) {
-                break;
-            }
-        } else if (errno != EINTR) {
-            Fail("write", errno);
-            break;
-        }
+    if (m_settings.dsrOutputFlow && DsrIsOff()) {
+        return 0;
     }
-    return done;
+    ssize_t count = 0;
+    do {
+        count = write(m_port, bytes.data(), bytes.size());
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) {
+        if (errno == EAGAIN) {
+            return 0;
+        }
+        Fail("write", errno);
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(count);
 }
 
 bool PosixSerialDevice::HasRoom(std::chrono::milliseconds limit)
@@ -360,19 +350,6 @@ bool PosixSerialDevice::HasRoom(std::chrono::milliseconds limit)
     }
     pollfd watched{m_port, POLLOUT, 0};
     return poll(&watched, 1, RemainingMs(deadline)) != 0;
-}
-
-bool PosixSerialDevice::WaitForRoom(SteadyTime deadline)
-{
-    pollfd watched{m_port, POLLOUT, 0};
-    int ready = 0;
-    do {
-        ready = poll(&watched, 1, RemainingMs(deadline));
-    } while (ready < 0 && errno == EINTR);
-    if (ready == 0) {
-        return Fail("write", ETIMEDOUT);
-    }
-    return ready > 0 || Fail("write", errno);
 }
 
 bool PosixSerialDevice::Purge(Queue queue)

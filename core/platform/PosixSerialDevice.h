@@ -42,8 +42,8 @@ public:
     void Wake() override;
     [[nodiscard]] std::optional<std::size_t> Read(std::span<std::uint8_t> buffer) override;
     [[nodiscard]] bool HasInput() override;
+    [[nodiscard]] std::optional<std::size_t> Write(std::span<const std::uint8_t> bytes) override;
     [[nodiscard]] bool HasRoom(std::chrono::milliseconds limit) override;
-    [[nodiscard]] std::size_t Write(std::span<const std::uint8_t> bytes) override;
     [[nodiscard]] bool Purge(Queue queue) override;
     [[nodiscard]] bool SetBreak() override;
     [[nodiscard]] bool ClearBreak() override;
@@ -56,7 +56,6 @@ private:
     bool Fail(const char* operation, int error);
     bool Apply(const LineSettings& settings, termios& wanted);
     bool SetModemLine(int line, bool on);
-    bool WaitForRoom(std::chrono::steady_clock::time_point deadline);
     bool DsrIsOff();
 
     int m_port = -1;

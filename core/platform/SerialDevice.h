@@ -121,12 +121,12 @@ public:
     /// Whether something waits to be read. Where it cannot be known the answer is no.
     [[nodiscard]] virtual bool HasInput() { return false; }
 
-    /// Whether a write could begin; waits for that, at most @p limit of real time. Where it cannot
+    /// Writes what the line takes now; never waits.
+    /// @return the number of bytes, 0 if there is no room; nothing on failure
+    [[nodiscard]] virtual std::optional<std::size_t> Write(std::span<const std::uint8_t> bytes) = 0;
+    /// Whether a write could go on; waits for that, at most @p limit of real time. Where it cannot
     /// be known the answer is yes: the write then tells.
     [[nodiscard]] virtual bool HasRoom(std::chrono::milliseconds limit) = 0;
-    /// Waits for room as long as the write time-outs allow.
-    /// @return the number of bytes written; fewer than asked on failure
-    [[nodiscard]] virtual std::size_t Write(std::span<const std::uint8_t> bytes) = 0;
 
     [[nodiscard]] virtual bool Purge(Queue queue) = 0;
     [[nodiscard]] virtual bool SetBreak() = 0;

@@ -129,17 +129,16 @@ public:
         }
         return due() == kNow;
     }
-    std::size_t Write(std::span<const std::uint8_t> bytes) override
+    std::optional<std::size_t> Write(std::span<const std::uint8_t> bytes) override
     {
         if (!Can("Write")) {
-            return 0;
+            return std::nullopt;
         }
         Listener listener;
         Clock::Duration arrives{};
         {
             const std::scoped_lock lock(m_line.m_mutex);
             if (!m_line.HasRoom()) {
-                Fail("Write", ETIMEDOUT);
                 return 0;
             }
             m_line.Put(m_line.m_toFar, bytes, {});

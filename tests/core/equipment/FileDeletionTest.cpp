@@ -206,14 +206,15 @@ TEST_F(FileDeletionTest, StopsWhenTheUserDoesOrTheLinkIsGone)
     script.records = {LarkRecord("A.Q01", 1), LarkRecord("B.Q01", 1)};
     Start(script);
     rows.SelectAll();
-    command.SetFrameObserver([&](Direction direction, std::span<const std::uint8_t> frame) {
-        if (direction == Direction::Sent && frame[2] == 0x9C) {
-            line.HangUp();
-        }
-    });
+    command.SetLineObserver(
+        [&](Direction direction, LineUnit, std::span<const std::uint8_t> frame) {
+            if (direction == Direction::Sent && frame[2] == 0x9C) {
+                line.HangUp();
+            }
+        });
     FileDeletion(*files).FileDelete();
     EXPECT_EQ(Names(), std::vector<std::wstring>{L"A"});
-    command.SetFrameObserver({});
+    command.SetLineObserver({});
     // A cancelled look at the options is no reason to guess a name and delete it.
     bool silent = false;
     command.ClosePort();

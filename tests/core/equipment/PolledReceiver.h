@@ -65,11 +65,12 @@ protected:
         target.devicePath = receiver->PortPath();
         QuickConnect connect(command, target);
         ASSERT_EQ(link.Connect(connect, target), 1);
-        command.SetFrameObserver([this](Direction direction, std::span<const std::uint8_t> frame) {
-            if (direction == Direction::Sent) {
-                asked.push_back(frame.size() > 2 ? frame[2] : 0);
-            }
-        });
+        command.SetLineObserver(
+            [this](Direction direction, LineUnit, std::span<const std::uint8_t> frame) {
+                if (direction == Direction::Sent) {
+                    asked.push_back(frame.size() > 2 ? frame[2] : 0);
+                }
+            });
     }
     void Fault(const char* text)
     {

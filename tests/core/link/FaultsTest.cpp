@@ -110,9 +110,10 @@ TEST_P(FaultsTest, EveryExchangeEndsAsItMust)
         VirtualReceiver receiver({}, rate);
         receiver.Open(kReplyTimeout);
         std::size_t sends = 0;
-        receiver.command.SetFrameObserver([&](Direction direction, std::span<const std::uint8_t>) {
-            sends += direction == Direction::Sent ? 1 : 0;
-        });
+        receiver.command.SetLineObserver(
+            [&](Direction direction, LineUnit, std::span<const std::uint8_t>) {
+                sends += direction == Direction::Sent ? 1 : 0;
+            });
         for (int i = 0; i < testing::Exchanges(kExchanges); ++i) {
             SCOPED_TRACE(i);
             const bool hitsBothAttempts = i % 5 == 4;

@@ -2,7 +2,7 @@
 #include "core/link/FrameBuffer.h"
 
 #include "core/link/Identification.h"
-#include "core/link/NumberFields.h"
+#include "core/link/LayoutReader.h"
 #include "tests/core/link/FarEnd.h"
 
 #include <cmath>

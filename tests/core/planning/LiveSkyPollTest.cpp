@@ -56,8 +56,8 @@ protected:
         settings.replyTimeout = 200s; // 2 s of a watch
         ASSERT_EQ(m_command.OpenPort(m_simulator->PortPath(), settings), 1)
             << m_command.LastError();
-        m_command.SetFrameObserver(
-            [this](Direction direction, std::span<const std::uint8_t> frame) {
+        m_command.SetLineObserver(
+            [this](Direction direction, LineUnit, std::span<const std::uint8_t> frame) {
                 if (direction == Direction::Sent) {
                     m_asked.push_back(frame.size() > 2 ? frame[2] : 0);
                 }

@@ -106,12 +106,13 @@ public:
         eBubbleConfig::LoadBubbleData(reg);
         eBubbleConfig::SetBubbleExpiry(720);
         TiltSettings::LastRun() = {};
-        command.SetFrameObserver([this](Direction direction, std::span<const std::uint8_t> frame) {
-            if (direction == Direction::Sent) {
-                const std::lock_guard lock(m_mutex);
-                m_sent.emplace_back(frame.begin(), frame.end());
-            }
-        });
+        command.SetLineObserver(
+            [this](Direction direction, LineUnit, std::span<const std::uint8_t> frame) {
+                if (direction == Direction::Sent) {
+                    const std::lock_guard lock(m_mutex);
+                    m_sent.emplace_back(frame.begin(), frame.end());
+                }
+            });
     }
     ~SensorLine()
     {

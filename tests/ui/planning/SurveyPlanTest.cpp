@@ -388,7 +388,7 @@ TEST_F(SurveyPlanTest, AsksHowToEndTheProgram)
         Show(row.loadWay);
         bool asked = false;
         bool switchedOff = false;
-        command->SetFrameObserver([&](Direction, std::span<const std::uint8_t> frame) {
+        command->SetLineObserver([&](Direction, LineUnit, std::span<const std::uint8_t> frame) {
             switchedOff = switchedOff || (frame.size() > 2 && frame[2] == 0x84);
         });
         if (row.button != 0) {
