@@ -846,6 +846,33 @@ constexpr Entry kEntries[] = {
     Entry{text::kPortNameDevice, L"COM番号に割り当てられたデバイスのパスが正しくありません。"},
     Entry{text::kFramesLine, L"文字「%1」"},
     Entry{text::kFramesNoise, L"フレーム外"},
+    Entry{text::kFileFailure, L"%ls\n\n%ls\n%ls"},
+    Entry{text::kFileCauseLogging,
+          L"受信機がロギング中のデータです。ロギングを終了してから操作してください。"},
+    Entry{text::kFileCauseSpace, L"不要なファイルを削除するか、別の保存先を選択してください。"},
+    Entry{text::kFileCauseKept, L"同じ名称のファイルが既に存在します。"},
+    Entry{text::kFileCauseFolder,
+          L"保存先のフォルダに書き込めません。カードと書き込み禁止の設定を確"
+          L"認するか、別の保存先を選択してください。"},
+    Entry{text::kFileCauseFull, L"保存先の空き領域がなくなりました。不要なファイルを削除してから、"
+                                L"残りのデータを取得してください。"},
+    Entry{text::kFileCauseWrite,
+          L"保存先に書き込めません。カードを確認するか、別の保存先を選択してください。"},
+    Entry{text::kFileCauseNone, L"受信機にこのデータがありません。一覧を更新してください。"},
+    Entry{text::kFileCauseSize,
+          L"データのサイズが一覧と異なります。一覧を更新してから、再度取得してください。"},
+    Entry{text::kFileCauseName, L"このデータの名称は受信機へ送信できません。"},
+    Entry{text::kDeleteDetails, L"%d 件　合計 %ls\n%ls"},
+    Entry{text::kDeleteMore, L" ほか %d 件"},
+    Entry{text::kDeleteNotFetched, L"取得していないデータが %d 件あります。"},
+    Entry{text::kDeleteAllFetched, L"すべて取得済みです。"},
+    Entry{text::kDeleteNotDone, L"%d 件を削除できませんでした。%ls： %ls"},
+    Entry{text::kRecoverNotDone, L"%d 件を復帰できませんでした。%ls： %ls"},
+    Entry{text::kFileUnanswered, L"応答なし"},
+    Entry{
+        text::kFilesMore,
+        L"先頭の %d 件を表示しています。他にもデータがあります。削除後に更新すると表示されます。"},
+    Entry{text::kFilesPart, L"一覧の一部だけを表示しています。%ls"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

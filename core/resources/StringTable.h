@@ -703,6 +703,27 @@ inline constexpr int kPortNameUnknown = 61265;
 inline constexpr int kPortNameSimulator = 61266;
 inline constexpr int kPortNameDevice = 61267;
 
+// Why a receiver's file was not fetched, deleted or listed
+inline constexpr int kFileFailure = 61400; ///< what failed, file, cause
+inline constexpr int kFileCauseLogging = 61401;
+inline constexpr int kFileCauseSpace = 61402;
+inline constexpr int kFileCauseKept = 61403;
+inline constexpr int kFileCauseFolder = 61404;
+inline constexpr int kFileCauseFull = 61405;
+inline constexpr int kFileCauseWrite = 61406;
+inline constexpr int kFileCauseNone = 61407;
+inline constexpr int kFileCauseSize = 61408;
+inline constexpr int kFileCauseName = 61409;
+inline constexpr int kDeleteDetails = 61410;    ///< how many, total size, names
+inline constexpr int kDeleteMore = 61411;       ///< how many
+inline constexpr int kDeleteNotFetched = 61412; ///< how many
+inline constexpr int kDeleteAllFetched = 61413;
+inline constexpr int kDeleteNotDone = 61414;  ///< how many, file, cause
+inline constexpr int kRecoverNotDone = 61415; ///< how many, file, cause
+inline constexpr int kFileUnanswered = 61416; ///< the mark of a row
+inline constexpr int kFilesMore = 61417;      ///< how many are shown
+inline constexpr int kFilesPart = 61418;      ///< cause
+
 // What passes the line
 inline constexpr int kFramesLine = 61300; ///< text, shown by UiText().arg()
 inline constexpr int kFramesNoise = 61301;

@@ -22,7 +22,9 @@ class RecvFileSaveDlgTest : public FilesScreen
 protected:
     void Open(std::uint64_t total, int port = 1)
     {
-        destination = std::make_unique<FileDestination>(total, port, 9600, OwnFolders());
+        destination = std::make_unique<FileDestination>(
+            total, port, 9600, OwnFolders(),
+            [this](const auto& folder) { return folder == Documents() ? 8000 : 4000; });
         dialog = std::make_unique<CRecvFileSaveDlg>(*destination);
         dialog->resize(480, 640);
         dialog->show();
@@ -95,6 +97,20 @@ TEST_F(RecvFileSaveDlgTest, TakesTheChoicesOnlyWithTheStartButton)
         EXPECT_EQ(destination->dateFolders, starts ? 0 : 1);
         EXPECT_EQ(destination->onlyNew, starts);
     }
+}
+
+TEST_F(RecvFileSaveDlgTest, TheSummaryFollowsWhatIsLeftOut)
+{
+    hasCard = true;
+    Open(9600);
+    const auto size = [this] {
+        return TextOf(CRecvFileSaveDlg::kSummary).section(QLatin1Char('\n'), 0, 0);
+    };
+    EXPECT_EQ(size(), QStringLiteral("合計データサイズ： 約 9 KB"));
+    Tap(Button("取得済みのデータを除く"));
+    EXPECT_EQ(size(), QStringLiteral("合計データサイズ： 約 5 KB")) << "4000 are on the card";
+    Tap(Button(kMemory));
+    EXPECT_EQ(size(), QStringLiteral("合計データサイズ： 約 2 KB")) << "8000 are in the documents";
 }
 
 TEST_F(RecvFileSaveDlgTest, WarnsOfTooLittleSpace)
