@@ -257,9 +257,10 @@ std::optional<Failure> FilesWork::Agree()
     std::string question =
         "Delete " + Counted(names.size()) + " (" + list + "), " + size + " in all, for good?";
     if (m_catalogue->Receiver().CanDownload()) {
-        question += missing == 0 ? " All were fetched to this machine."
-                                 : " " + std::to_string(missing) + " of them " +
-                                       (missing == 1 ? "was" : "were") + " never fetched to it.";
+        question += missing == 0
+                        ? " All were fetched to this machine."
+                        : " " + std::to_string(missing) + " of them " +
+                              (missing == 1 ? "was" : "were") + " never fetched to this machine.";
     }
     return Ask(question, "This deletes " + Counted(names.size()) + " for good",
                "--yes to do it all the same, --dry-run to see which");

@@ -105,6 +105,8 @@ public:
     int ListAgain(MessageTarget& window, std::vector<std::wstring> unanswered);
     /// Why the last listing is not whole, or there is none; None for a whole one.
     [[nodiscard]] CommandFault ListFault() const { return m_listFault; }
+    /// Whether nothing came in the place of the rows that were to be listed again.
+    [[nodiscard]] bool IsOldList() const { return m_replacesRows; }
     /// Whether the receiver has more files than a listing can hold.
     [[nodiscard]] bool HasMore() const { return m_hasMore; }
     /// Takes one record (wParam 0, lParam its index) into the rows, or the end of the listing.

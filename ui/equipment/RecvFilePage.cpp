@@ -136,7 +136,9 @@ void RecvFilePage::ShowState()
         } else {
             m_state->setText(UiText(m_man.WasListed() ? text::kFilesEmpty : text::kFilesNotListed));
         }
-        if (!m_man.WasListed()) {
+        if (files.IsOldList()) {
+            trouble += UiText(text::kFilesNotListed); // why, the notice says
+        } else if (!m_man.WasListed()) {
             trouble += count > 0 ? ToQt(FormatText(text::kFilesPart, cause)) : ToQt(cause);
         }
         if (files.HasMore()) {
