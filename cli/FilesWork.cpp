@@ -293,6 +293,9 @@ Failure FilesWork::WhyNot(const PlannedFile& file)
         failure = m_session.RequestFailed();
     }
     failure.message = NameOf(file) + ": " + failure.message;
+    if (m_plan.action != FileAction::Fetch && !file.WasAnswered()) {
+        failure.hint = "fieldcore-cli files ls   shows what has become of it";
+    }
     if (file.error) {
         failure.message +=
             " (" + file.error.message() + ": " + m_plan.FolderOf(file).string() + ")";

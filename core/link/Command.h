@@ -215,8 +215,8 @@ public:
     int RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTable& table,
                           MessageTarget* window, unsigned message = kFileListMessage);
     /// Lists the files of a Lark that match @p pattern, such as "*.Q01". Page p, entry k goes to
-    /// index 8p + k, in whatever order the pages come; one that never comes, or comes damaged, makes
-    /// the result 0, with all the others in the table.
+    /// index 8p + k, in whatever order the pages come; one that never comes, or comes damaged,
+    /// makes the result 0, with all the others in the table.
     int RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table, MessageTarget* window,
                           unsigned message = kFileListMessage);
     /// Whether the last listing had files beyond the end of the table.
