@@ -1,9 +1,6 @@
-// The receiver's files from the command line. What is fetched is compared with what the simulator
-// writes into a folder by itself.
+// The receiver's files from the command line.
 
 #include "cli/Wildcard.h"
-#include "simulator/ReceiverFile.h"
-#include "simulator/Scenario.h"
 #include "tests/cli/Runner.h"
 #include "tests/core/settings/FileSizeLimit.h"
 
@@ -113,27 +110,6 @@ TEST_F(FilesTest, ListsBothPages)
     EXPECT_EQ(Run("ls --deleted").code, 5);
     receiver = "logging"; // a type that never learnt the newer extension
     EXPECT_EQ(Run("ls *.Q01 --json").Json()["result"]["fileCount"], 3);
-}
-
-TEST_F(FilesTest, FetchesEverythingByteByByte)
-{
-    receiver = "lark";
-    const Outcome outcome = Run("get * --to @/new/there");
-    ASSERT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_EQ(outcome.err.find("[1/"), std::string::npos) << "progress without a terminal";
-    std::string error;
-    std::vector<std::string> leftOut;
-    const fs::path expected = runner.Path("expected");
-    ASSERT_TRUE(
-        simulator::ExportFiles(*simulator::LoadScenario("lark", error), expected, leftOut, error))
-        << error;
-    const auto names = FilesBelow(expected);
-    ASSERT_EQ(names.size(), 6U);
-    EXPECT_EQ(FilesBelow(runner.Path("new/there")), names);
-    for (const std::string& name : names) {
-        EXPECT_TRUE(Content(expected / name) == Content(fs::path(runner.Path("new/there")) / name))
-            << name;
-    }
 }
 
 TEST_F(FilesTest, FetchesWhatWasAskedFor)

@@ -4,7 +4,7 @@
 
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/FilesFixture.h"
-#include "tests/core/link/HostileNames.h"
+#include "tests/core/equipment/HandClock.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
@@ -258,20 +258,6 @@ TEST_F(FileManagerTest, DoesNotGuessANameWhenItIsCancelled)
     EXPECT_EQ(Sent(), Strings{"9C *.Q01"});
 }
 
-TEST_F(FileManagerTest, WhatWasCancelledBeforeDoesNotStopIt)
-{
-    const testing::Bytes day{0x07, 0xEA, 3, 14, 1, 30};
-    ReceiverScript script;
-    script.typeCode = 27;
-    script.records = {PicaRecord(4, "A", 0, day), PicaRecord(5, "LOGGED", 0x20, day)};
-    Start(script);
-    rows.SelectAll();
-    host.cancel = true;
-    ASSERT_EQ(command.Rest(std::chrono::seconds(1)), 0);
-    FileManager(*files).FileDelete();
-    EXPECT_EQ(Names(), std::vector<std::wstring>{L"LOGGED"});
-}
-
 /// Three files of a Lark, of two days, and a fourth one that is being logged.
 class FileFetchingTest : public FilesTest
 {
@@ -283,8 +269,7 @@ protected:
                           LarkRecord("C.Q01", 2000, 0, 2 * 86400), LarkRecord("D.Q01", 5, 1)};
         around.folders = testing::FoldersBelow(home.Path().string());
         around.askDestination = [this](FileDestination& destination) {
-            destination.dateFolders = dateFolders;
-            destination.onlyNew = onlyNew;
+            destination.dateFolders = 0;
             return starts;
         };
     }
@@ -301,8 +286,6 @@ protected:
     TemporaryFolder home;
     ReceiverScript script;
     FileManager::Surroundings around;
-    int dateFolders = 0;
-    bool onlyNew = false;
     bool starts = true;
 };
 
@@ -354,22 +337,10 @@ TEST_F(FileFetchingTest, AsksAndEndsAsItMust)
     }
 }
 
-TEST_F(FileFetchingTest, PutsEachDayIntoItsFolder)
-{
-    dateFolders = 1;
-    Run({0, 2});
-    EXPECT_EQ(Read(Documents() / "1980-01-07" / "A.Q01"), Text(script.files.at("A.Q01")));
-    EXPECT_EQ(Read(Documents() / "1980-01-08" / "C.Q01"), Text(script.files.at("C.Q01")));
-    EXPECT_EQ(rows.At(0).mark, FileRow::Mark::Fetched);
-    EXPECT_EQ(rows.At(1).mark, FileRow::Mark::None);
-}
-
 TEST_F(FileFetchingTest, FetchesOnlyWhatIsNew)
 {
-    onlyNew = true;
     home.Write("Documents/1980-01-07/A.Q01", std::string(1500, 'x'));
     home.Write("Documents/C.Q01", "of another size");
-    std::wstring summary;
     around.askDestination = [&](FileDestination& destination) {
         EXPECT_EQ(destination.TotalBytes(), 3510U);
         destination.dateFolders = 0;
@@ -385,58 +356,6 @@ TEST_F(FileFetchingTest, FetchesOnlyWhatIsNew)
     Run({0, 1, 2});
     EXPECT_EQ(Read(Documents() / "1980-01-07" / "A.Q01"), std::string(1500, 'x'));
     EXPECT_EQ(Read(Documents() / "C.Q01"), Text(script.files.at("C.Q01")));
-}
-
-TEST_F(FileFetchingTest, CancellingKeepsWhatWasFinished)
-{
-    around.running.watch = [](const TransferProgress& progress) {
-        return progress.file < 3 || progress.fileBytes < 1000;
-    };
-    Run({0, 1, 2});
-    ASSERT_EQ(host.boxes.size(), 1U);
-    EXPECT_EQ(host.boxes[0].caption, L"データ取得中止");
-    EXPECT_EQ(Read(Documents() / "A.Q01"), Text(script.files.at("A.Q01")));
-    EXPECT_EQ(Read(Documents() / "B.Q01"), Text(script.files.at("B.Q01")));
-    EXPECT_FALSE(fs::exists(Documents() / "C.Q01"));
-    EXPECT_EQ(fs::file_size(Documents() / "C.Q01.part"), 1000U);
-}
-
-TEST_F(FileFetchingTest, HostileNamesOfBothFamiliesStayOutside)
-{
-    std::vector<std::string> names;
-    for (const std::wstring_view name : testing::kHostileNames) {
-        std::string bytes; // one that the line can carry
-        for (const wchar_t c : name.substr(0, 14)) {
-            bytes += static_cast<char>(c);
-        }
-        names.push_back(bytes);
-        names.push_back(bytes.substr(0, 10) + ".Q01");
-    }
-    const fs::path outside = home.Write("A.Q01", "mine");
-    for (const std::string& name : names) {
-        SCOPED_TRACE(::testing::PrintToString(name));
-        script.records = {LarkRecord(name, 10)};
-        for (const auto& record : {name, name + ".Q01", std::string(".Q01")}) {
-            script.files[record.substr(0, record.find_last_not_of(' ') + 1)] = Content(10);
-        }
-        Run({0});
-        for (const auto& entry : fs::recursive_directory_iterator(home.Path())) {
-            const bool inside = entry.path().parent_path() == Documents() ||
-                                entry.path() == Documents() || entry.path() == outside;
-            EXPECT_TRUE(inside) << entry.path();
-        }
-        EXPECT_EQ(Read(outside), "mine");
-        script.typeCode = 27;
-        script.records = {PicaRecord(1, name.substr(0, 8), 0, {7, 0xEA, 1, 1, 0, 0})};
-        Start(script);
-        files->SetFetchedFolders({Documents()});
-        files->GetFileData(*this);
-        ASSERT_EQ(rows.Count(), 1);
-        EXPECT_LE(rows.At(0).name.size(), 8U);
-        EXPECT_EQ(rows.At(0).name.find(L'.'), std::wstring::npos);
-        EXPECT_EQ(rows.At(0).mark, FileRow::Mark::None);
-        script.typeCode = 31;
-    }
 }
 
 TEST(FileRunnerRules, SpaceHasToBeMoreThanOnePointTwoTimes)
@@ -480,39 +399,28 @@ TEST(FileDestinationRules, CardFirstElseDocuments)
     EXPECT_EQ(FileDestination(1, 3, 9600, testing::FoldersBelow("/nowhere")).BitRate(), 9600U);
 }
 
-/// Time as the test says.
-class StandingClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return now; }
-    [[nodiscard]] UtcTime Utc() const override { return {}; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-    Duration now{};
-};
-
 TEST(TransferMeterRules, RateAndTimeLeft)
 {
     using namespace std::chrono_literals;
-    StandingClock clock;
+    testing::HandClock clock;
     TransferMeter meter(clock, 2, 30000);
     meter.StartFile(L"A", 10000);
     meter.Advance(100);
     EXPECT_FALSE(meter.Get().timeLeft) << "nothing is known yet";
     for (std::uint64_t bytes = 1000; bytes <= 10000; bytes += 1000) {
-        clock.now += 500ms;
+        clock.Advance(500ms);
         meter.Advance(bytes);
     }
     EXPECT_NEAR(meter.Get().bytesPerSecond, 2000.0, 1e-6);
     EXPECT_EQ(meter.Get().timeLeft, 10s);
-    clock.now += 1h; // a question stood open
+    clock.Advance(1h); // a question stood open
     meter.StartFile(L"B", 20000);
-    clock.now += 500ms;
+    clock.Advance(500ms);
     meter.Advance(1000);
     EXPECT_EQ(meter.Get().file, 2);
     EXPECT_EQ(meter.Get().totalBytes, 11000U);
     EXPECT_NEAR(meter.Get().bytesPerSecond, 2000.0, 1e-6);
-    clock.now += 3s; // one smoothing time at 1000 bytes/s: 1/e of the difference is left
+    clock.Advance(3s); // one smoothing time at 1000 bytes/s: 1/e of the difference is left
     meter.Advance(4000);
     EXPECT_NEAR(meter.Get().bytesPerSecond, 1000.0 + 1000.0 / 2.718281828, 0.1);
     meter.Advance(50000); // more than was announced
@@ -520,9 +428,9 @@ TEST(TransferMeterRules, RateAndTimeLeft)
 
     TransferMeter brief(clock, 10, 1000);
     for (int file = 0; file < 4; ++file) { // each is over before a rate can be measured
-        clock.now += 1h;
+        clock.Advance(1h);
         brief.StartFile(L"S", 100);
-        clock.now += 100ms;
+        clock.Advance(100ms);
         brief.Advance(100);
     }
     EXPECT_NEAR(brief.Get().bytesPerSecond, 1000.0, 1e-6);

@@ -10,8 +10,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include <random>
-
 namespace fieldcore {
 namespace {
 
@@ -119,34 +117,6 @@ TEST_F(RecvFileSaveDlgTest, WarnsOfTooLittleSpace)
     EXPECT_TRUE(TextOf(CRecvFileSaveDlg::kFreeSpace)
                     .endsWith(QStringLiteral("\n空き容量が不足しています。")));
     KeepPicture(*dialog, QStringLiteral("files-destination-full"));
-}
-
-TEST_F(RecvFileSaveDlgTest, StandsAThousandRandomEvents)
-{
-    hasCard = true;
-    Open(1000);
-    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same events every time
-    constexpr std::array kKeys{Qt::Key_Tab,   Qt::Key_Up,     Qt::Key_Down,
-                               Qt::Key_Space, Qt::Key_Return, Qt::Key_Escape};
-    int opened = 1;
-    for (int event = 0; event < 1000; ++event) {
-        const auto choice = random();
-        QWidget* const focus = QApplication::focusWidget();
-        if (choice % 3 == 0) {
-            const auto buttons = dialog->findChildren<QAbstractButton*>();
-            Tap(buttons[static_cast<int>(random() % static_cast<unsigned>(buttons.size()))]);
-        } else {
-            QTest::keyClick(focus != nullptr ? focus : dialog.get(), kKeys.at(random() % 6));
-        }
-        QCoreApplication::processEvents();
-        ASSERT_NE(Button(kCard)->isChecked(), Button(kMemory)->isChecked()) << "event " << event;
-        if (!dialog->isVisible()) {
-            ASSERT_FALSE(destination->Folder().empty());
-            ++opened;
-            Open(1000);
-        }
-    }
-    EXPECT_GT(opened, 10);
 }
 
 TEST_F(RecvFileSaveDlgTest, FitsInLargeFonts)
