@@ -303,19 +303,21 @@ Failure FilesWork::WhyNot(const PlannedFile& file)
     return failure;
 }
 
+std::string FilesWork::DoneWord() const
+{
+    return m_plan.action == FileAction::Fetch    ? "fetched"
+           : m_plan.action == FileAction::Delete ? "deleted"
+                                                 : "recovered";
+}
+
 Value FilesWork::StateOf(const PlannedFile& file) const
 {
     const bool fetches = m_plan.action == FileAction::Fetch;
-    const bool deletes = m_plan.action == FileAction::Delete;
     switch (file.outcome) {
     case FileOutcome::Planned:
-        return Value::Word("planned", fetches   ? "would be fetched"
-                                      : deletes ? "would be deleted"
-                                                : "would be recovered");
+        return Value::Word("planned", "would be " + DoneWord());
     case FileOutcome::Done:
-        return fetches   ? Value::Word("fetched", "fetched")
-               : deletes ? Value::Word("deleted", "deleted")
-                         : Value::Word("recovered", "recovered");
+        return Value::Word(DoneWord(), DoneWord());
     case FileOutcome::AlreadyThere:
         return Value::Word("already-there", "already there");
     case FileOutcome::BeingLogged:
@@ -356,10 +358,7 @@ Report FilesWork::Result() const
     }
     Report report;
     report.AddTable(std::move(table));
-    const std::string done = fetches                               ? "fetched"
-                             : m_plan.action == FileAction::Delete ? "deleted"
-                                                                   : "recovered";
-    report.Add(done + "Count", done, Value::Integer(m_plan.Count(FileOutcome::Done)));
+    report.Add(DoneWord() + "Count", DoneWord(), Value::Integer(m_plan.Count(FileOutcome::Done)));
     if (fetches) {
         const auto bytes = static_cast<std::int64_t>(m_plan.Bytes(FileOutcome::Done));
         report.Add("fetchedBytes", "in all", Value::Integer(bytes, "B"));

@@ -48,6 +48,7 @@ private:
                                              const std::string& hint);
     void Work();
     [[nodiscard]] Failure WhyNot(const PlannedFile& file);
+    [[nodiscard]] std::string DoneWord() const;
     [[nodiscard]] Value StateOf(const PlannedFile& file) const;
     [[nodiscard]] Report Result() const;
     ExitCode End(const Report& report, std::optional<Failure> failure);

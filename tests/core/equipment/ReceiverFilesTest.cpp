@@ -124,24 +124,6 @@ TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
     EXPECT_EQ(opened.Open(refused), ReceiverFiles::NotOpened);
 }
 
-TEST_F(ReceiverFilesTest, ClosingFollowsTheAnswer)
-{
-    struct Row
-    {
-        int answer;
-        int closes;
-        bool powersOff;
-    };
-    for (const Row& row : {Row{1, 1, false}, Row{2, 0, false}, Row{3, 1, true}, Row{0, 1, true}}) {
-        SCOPED_TRACE(row.answer);
-        Start(ReceiverScript{});
-        EXPECT_EQ(files->CheckIDCANCEL(row.answer), row.closes);
-        EXPECT_EQ(command.IsPortOpen(), row.closes == 1 ? 0 : 1);
-        const auto& requests = receiver->Requests();
-        EXPECT_EQ(requests.back()[2] == 0x84, row.powersOff);
-    }
-}
-
 /// Keeps messages back, as a window does.
 class QueueingTarget : public MessageTarget
 {

@@ -17,7 +17,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <random>
 
 namespace fieldcore {
 namespace {
@@ -405,55 +404,6 @@ TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
                         [](const auto& frame) { return frame.size() > 2 && frame[2] == 0x84; });
         EXPECT_EQ(switchedOff, row.button == text::kEndProgramPowerOff);
     }
-}
-
-TEST_F(RecvFileManTest, StandsAThousandRandomEvents)
-{
-    Connect("lettered-power");
-    Show(0, 1);
-    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same events every time
-    const auto below = [&](int limit) {
-        return static_cast<int>(random() % static_cast<unsigned>(limit));
-    };
-    constexpr std::array kKeys{Qt::Key_Tab,    Qt::Key_Left,  Qt::Key_Right, Qt::Key_Up,
-                               Qt::Key_Down,   Qt::Key_Home,  Qt::Key_End,   Qt::Key_F5,
-                               Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape};
-    QTimer closer; // answers whatever opens over the sheet, in any way
-    QObject::connect(&closer, &QTimer::timeout, &closer, [&] {
-        auto* const over = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (over == nullptr || over == sheet.get()) {
-            return;
-        }
-        const auto buttons = over->findChildren<QAbstractButton*>();
-        if (qobject_cast<CPrgEndMes*>(over) == nullptr && !buttons.empty() && below(3) > 0) {
-            QTest::mouseClick(buttons[below(static_cast<int>(buttons.size()))], Qt::LeftButton);
-        } else {
-            QTest::keyClick(over, Qt::Key_Escape);
-        }
-    });
-    closer.start(0);
-    for (int event = 0; event < 1000; ++event) {
-        if (below(3) == 0) {
-            const QPoint point(below(sheet->width()), below(sheet->height()));
-            if (QWidget* const hit = sheet->childAt(point)) {
-                QTest::mouseClick(hit, Qt::LeftButton, {}, hit->mapFrom(sheet.get(), point));
-            }
-        } else {
-            QWidget* const focus = QApplication::focusWidget();
-            QTest::keyClick(focus != nullptr ? focus : sheet.get(),
-                            kKeys[static_cast<std::size_t>(below(kKeys.size()))]);
-        }
-        QCoreApplication::processEvents();
-        ASSERT_TRUE(sheet->isVisible()) << "event " << event << ": left without an answer";
-        ASSERT_EQ(command->IsPortOpen(), 1) << "event " << event;
-        ASSERT_FALSE(sheet->Progress().isVisible()) << "event " << event;
-        ASSERT_LE(List().SelectedCount(), List().Count()) << "event " << event;
-    }
-    closer.stop();
-    Click(RecvFilePage::kReload);
-    WaitForList();
-    EXPECT_TRUE(sheet->WasListed());
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(RecvFileManTest, FitsSmallAndLargeScreensInLargeFonts)
