@@ -64,8 +64,12 @@ constexpr bool StandAtTheirPlaces()
 }
 static_assert(StandAtTheirPlaces());
 
-const Meaning* MeaningOf(FileOutcome outcome)
+/// @return null if the fault says it
+const Meaning* MeaningOf(const PlannedFile& file)
 {
+    // Where nobody can say how much space there is, there is no folder.
+    const FileOutcome outcome =
+        file.outcome == NoSpace && file.error ? FolderRefused : file.outcome;
     return outcome >= BeingLogged && outcome <= WrongSize
                ? &kMeanings[static_cast<std::size_t>(outcome) -
                             static_cast<std::size_t>(BeingLogged)]
@@ -81,15 +85,12 @@ bool PlannedFile::WasAnswered() const
 
 std::wstring PlannedFile::CauseText() const
 {
-    const Meaning* const meaning = MeaningOf(outcome);
+    const Meaning* const meaning = MeaningOf(*this);
     if (meaning == nullptr) {
         return fieldcore::CauseText(fault);
     }
-    const bool isUnreadable = outcome == NoSpace && error;
     const bool isUnsayable = outcome == NameRefused && fault == CommandFault::TooLong;
-    std::wstring words = Text(isUnreadable  ? text::kFileCauseFolder
-                              : isUnsayable ? text::kFileCauseName
-                                            : meaning->textId);
+    std::wstring words = Text(isUnsayable ? text::kFileCauseName : meaning->textId);
     if (error && outcome != DiskFull) {
         words += L" (" + FromUtf8(error.message()) + L")";
     }
@@ -98,7 +99,7 @@ std::wstring PlannedFile::CauseText() const
 
 const TerminalFault& PlannedFile::Terminal() const
 {
-    const Meaning* const meaning = MeaningOf(outcome);
+    const Meaning* const meaning = MeaningOf(*this);
     return meaning != nullptr ? meaning->terminal : fieldcore::MeaningOf(fault).terminal;
 }
 
