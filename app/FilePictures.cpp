@@ -1,6 +1,7 @@
 #include "app/FilePictures.h"
 
 #include "core/equipment/FileDestination.h"
+#include "core/equipment/FilePlan.h"
 #include "core/link/Command.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
@@ -84,8 +85,11 @@ std::unique_ptr<QWidget> FilePictures::Destination()
 
 std::unique_ptr<QWidget> FilePictures::Error()
 {
-    return std::make_unique<MessageDlg>(UiText(text::kDownloadFailed),
-                                        UiText(text::kDownloadFailedCaption),
+    PlannedFile file;
+    file.outcome = FileOutcome::DiskFull;
+    const std::wstring words = FormatText(text::kFileFailure, Text(text::kDownloadFailed),
+                                          L"A0314B00.Q01", file.CauseText().c_str());
+    return std::make_unique<MessageDlg>(ToQt(words), UiText(text::kDownloadFailedCaption),
                                         BoxStyle{BoxButtons::Ok, BoxIcon::Stop});
 }
 

@@ -6,6 +6,7 @@
 #include "cli/ScratchFolder.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
+#include "cli/Utf8.h"
 
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
@@ -138,38 +139,42 @@ private:
         if (std::optional<Failure> failure = catalogue.List(false)) {
             return failure;
         }
-        const ListedFile* smallest = nullptr; // that has anything in it
-        for (const ListedFile& file : catalogue.Files()) {
-            if (file.record.size > 0 && !file.isLogging &&
-                (smallest == nullptr || file.record.size < smallest->record.size)) {
-                smallest = &file;
+        FilePlan all;
+        if (std::optional<Failure> failure = catalogue.Choose({}, all)) {
+            return failure;
+        }
+        const DirectoryListingData* smallest = nullptr; // that has anything in it
+        for (const PlannedFile& file : all.files) {
+            if (file.record.size > 0 && file.outcome == FileOutcome::Planned &&
+                (smallest == nullptr || file.record.size < smallest->size)) {
+                smallest = &file.record;
             }
         }
         if (smallest == nullptr) {
             return Failure{ExitCode::Failed, "no-files", "The receiver has no files."};
         }
-        Say(std::to_string(catalogue.Files().size()) + " files. " + smallest->Name() + " with " +
-            std::to_string(smallest->record.size) + " bytes is the smallest; it is fetched.");
+        const std::string name = ToUtf8(smallest->Name());
+        Say(std::to_string(all.files.size()) + " files. " + name + " with " +
+            std::to_string(smallest->size) + " bytes is the smallest; it is fetched.");
         const ScratchFolder folder;
         CCommand& command = m_session.Command();
-        if (command.DownloadFile(folder.Path(), smallest->record.Name(), smallest->record.size) !=
-            smallest->record.size) {
+        if (command.DownloadFile(folder.Path(), smallest->Name(), smallest->size) !=
+            smallest->size) {
             return command.Fault() != CommandFault::None
                        ? m_session.RequestFailed()
-                       : FileFailure(smallest->Name() +
+                       : FileFailure(name +
                                      " could not be written: " + command.GetFileError().message());
         }
-        if (!IsSameAsIn(*m_session.GetSimulator(), smallest->Name(),
-                        folder.Path() / smallest->Name())) {
+        if (!IsSameAsIn(*m_session.GetSimulator(), name, folder.Path() / name)) {
             return Failure{ExitCode::Failed, "file-differs",
                            "What came is not what the simulator has."};
         }
         Say("It has arrived, and every byte is as the simulator has it.");
         Report& files = m_report.AddSection("files", "");
         files.Add("fileCount", "files",
-                  Value::Integer(static_cast<std::int64_t>(catalogue.Files().size())));
-        files.Add("fetched", "fetched", Value::Text(smallest->Name()));
-        files.Add("sizeBytes", "its size", Value::Integer(smallest->record.size, "B"));
+                  Value::Integer(static_cast<std::int64_t>(all.files.size())));
+        files.Add("fetched", "fetched", Value::Text(name));
+        files.Add("sizeBytes", "its size", Value::Integer(smallest->size, "B"));
         return std::nullopt;
     }
 

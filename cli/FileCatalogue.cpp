@@ -10,12 +10,16 @@
 #include <chrono>
 #include <cstdio>
 #include <set>
+#include <string_view>
+#include <utility>
 
 namespace fieldcore::cli {
 
-std::string ListedFile::Name() const
+bool FitsFile(const std::string& pattern, const DirectoryListingData& record)
 {
-    return ToUtf8(record.Name());
+    const std::wstring wanted = FromUtf8(pattern);
+    return MatchesWildcard(wanted, record.Name()) ||
+           MatchesWildcard(wanted, FileRowName(record.Name()));
 }
 
 FileCatalogue::FileCatalogue(PortSession& session)
@@ -43,58 +47,52 @@ std::optional<Failure> FileCatalogue::List(bool deleted)
     if (std::optional<Failure> failure = CheckReceiver(deleted)) {
         return failure;
     }
-    m_files.clear();
     m_receiver.SetMode(deleted ? ReceiverFiles::Recycled : ReceiverFiles::Live);
-    if (m_receiver.GetFileData(*this) == 0) {
-        return m_session.RequestFailed();
+    m_incomplete.reset();
+    if (m_receiver.GetFileData(*this) == 1) {
+        return std::nullopt;
     }
+    Failure failure = m_session.RequestFailed();
+    if (m_rows.Count() == 0 || m_receiver.ListFault() == CommandFault::Cancelled) {
+        return failure;
+    }
+    failure.message = "The list of the files is not whole. " + failure.message;
+    m_incomplete = std::move(failure);
     return std::nullopt;
 }
 
 void FileCatalogue::Post(unsigned message, std::intptr_t wParam, std::intptr_t lParam)
 {
     static_cast<void>(message);
-    const int before = m_rows.Count();
     m_receiver.OnRecvFileList(wParam, lParam);
-    if (m_rows.Count() > before) {
-        const auto index = static_cast<std::size_t>(lParam);
-        m_files.push_back({m_receiver.GetTable().at(index),
-                           m_receiver.GetFileAttr(static_cast<int>(lParam), 1) != 0});
-    }
 }
 
 std::optional<Failure> FileCatalogue::Choose(const std::vector<std::string>& patterns,
-                                             std::vector<std::size_t>& chosen)
+                                             FilePlan& plan) const
 {
-    std::set<std::size_t> places;
-    for (const std::string& pattern : patterns) {
-        const std::wstring wanted = FromUtf8(pattern);
-        bool fitsAny = false;
-        for (std::size_t at = 0; at < m_files.size(); ++at) {
-            const std::wstring_view name = m_files[at].record.Name();
-            if (!MatchesWildcard(wanted, name) && !MatchesWildcard(wanted, FileRowName(name))) {
-                continue;
-            }
-            fitsAny = true;
-            const auto isSame = [&](std::size_t other) {
-                return m_files[other].record.Name() == name;
-            };
-            if (std::none_of(places.begin(), places.end(), isSame)) {
-                places.insert(at);
-                m_files[at].byPattern = true;
-            }
-            if (!HasWildcard(wanted)) {
-                m_files[at].byPattern = false;
+    std::vector<bool> hasFit(patterns.size());
+    std::set<std::wstring_view> names;
+    for (int row = 0; row < m_rows.Count(); ++row) {
+        const std::size_t index = m_rows.At(row).record;
+        const DirectoryListingData& record = m_receiver.GetTable().at(index);
+        bool fits = patterns.empty();
+        for (std::size_t i = 0; i < patterns.size(); ++i) {
+            if (FitsFile(patterns[i], record)) {
+                hasFit[i] = fits = true;
             }
         }
-        if (!fitsAny) {
-            return Failure{ExitCode::Failed, "no-such-file",
-                           "The receiver has no file that \"" + pattern + "\" fits.",
-                           "fieldcore-cli files ls"};
+        if (fits && names.insert(record.Name()).second) {
+            m_receiver.AddTo(plan, index);
         }
     }
-    chosen.assign(places.begin(), places.end());
-    return std::nullopt;
+    const auto unfit = std::find(hasFit.begin(), hasFit.end(), false);
+    if (unfit == hasFit.end()) {
+        return std::nullopt;
+    }
+    const std::string& pattern = patterns[static_cast<std::size_t>(unfit - hasFit.begin())];
+    return Failure{ExitCode::Failed, "no-such-file",
+                   "The receiver has no file that \"" + pattern + "\" fits.",
+                   "fieldcore-cli files ls"};
 }
 
 Value FileCatalogue::TimeOf(const DirectoryListingData& record)

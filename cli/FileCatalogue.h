@@ -2,30 +2,19 @@
 
 #include "cli/Failure.h"
 #include "cli/PortSession.h"
-#include "cli/Report.h"
 
+#include "core/equipment/FilePlan.h"
 #include "core/equipment/FileRows.h"
 #include "core/equipment/ReceiverFiles.h"
 #include "core/host/MessageTarget.h"
+#include "core/platform/Value.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace fieldcore::cli {
-
-/// A file of the receiver as it was listed.
-struct ListedFile
-{
-    DirectoryListingData record;
-    bool isLogging = false;
-    /// A pattern has chosen it, and not its name; a file that cannot be had is left out then.
-    bool byPattern = false;
-
-    [[nodiscard]] std::string Name() const; ///< UTF-8, as the receiver has it
-};
 
 /// The files of the connected receiver, listed once. Also the receiver of the listing's messages.
 class FileCatalogue final : private MessageTarget
@@ -34,21 +23,18 @@ public:
     /// @param session  connected; must outlive the catalogue
     explicit FileCatalogue(PortSession& session);
 
-    /// Lists the live files, or those in the recycle bin.
-    /// @return why there is no list
+    /// Lists the live files, or those in the recycle bin. A list that is not whole is a list, too.
+    /// @return why there is none
     [[nodiscard]] std::optional<Failure> List(bool deleted);
-
-    /// In the order of the receiver; the rows of Rows() are the same ones.
-    [[nodiscard]] const std::vector<ListedFile>& Files() const { return m_files; }
-    [[nodiscard]] const FileRowList& Rows() const { return m_rows; }
+    /// Why the list is not whole; nothing for a whole one.
+    [[nodiscard]] const std::optional<Failure>& Incomplete() const { return m_incomplete; }
     [[nodiscard]] ReceiverFiles& Receiver() { return m_receiver; }
 
-    /// The files that any of @p patterns fits, by the whole name or by that before the extension,
-    /// each name once and in the order of the receiver.
-    /// @param chosen  their places in Files()
+    /// Puts the files that any of @p patterns fits into a plan, by the whole name or by that before
+    /// the extension, each name once and in the order of the receiver. No pattern: all of them.
     /// @return a failure if a pattern fits none
     [[nodiscard]] std::optional<Failure> Choose(const std::vector<std::string>& patterns,
-                                                std::vector<std::size_t>& chosen);
+                                                FilePlan& plan) const;
 
     /// The receiver's date of a file, as it is stored.
     [[nodiscard]] static Value TimeOf(const DirectoryListingData& record);
@@ -60,7 +46,10 @@ private:
     PortSession& m_session;
     ReceiverFiles m_receiver;
     FileRowList m_rows;
-    std::vector<ListedFile> m_files;
+    std::optional<Failure> m_incomplete;
 };
+
+/// Whether a pattern of the user fits the name of a file, with or without its extension.
+[[nodiscard]] bool FitsFile(const std::string& pattern, const DirectoryListingData& record);
 
 } // namespace fieldcore::cli

@@ -1,6 +1,4 @@
-#include "cli/FilesCommand.h"
-
-#include "cli/TerminalHost.h"
+#include "cli/FilesWork.h"
 
 #include <memory>
 
@@ -9,53 +7,6 @@
 namespace fieldcore::cli {
 
 namespace {
-
-Value StateOf(const ListedFile& file, bool deleted)
-{
-    if (deleted) {
-        return Value::Word("deleted", "deleted");
-    }
-    return file.isLogging ? Value::Word("logging", "being logged") : Value::Word("live", "live");
-}
-
-ExitCode ListFiles(const Context& context, const FilesOptions& options)
-{
-    TerminalHost host(context.world, context.output);
-    PortSession session(context.world, context.output, host, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
-        return context.output.Failed(*failure);
-    }
-    FileCatalogue catalogue(session);
-    if (const std::optional<Failure> failure = catalogue.List(options.deleted)) {
-        return context.output.Failed(*failure);
-    }
-    std::vector<std::size_t> chosen;
-    const std::vector<std::string> all{"*"};
-    const bool isEmpty = catalogue.Files().empty() && options.patterns.empty();
-    if (!isEmpty) {
-        if (const std::optional<Failure> failure =
-                catalogue.Choose(options.patterns.empty() ? all : options.patterns, chosen)) {
-            return context.output.Failed(*failure);
-        }
-    }
-    Report::Table table{
-        "files",
-        options.deleted ? "The recycle bin is empty." : "There are no files.",
-        {{"name", "NAME"}, {"sizeBytes", "SIZE"}, {"time", "TIME"}, {"state", "STATE"}},
-        {}};
-    std::int64_t total = 0;
-    for (const std::size_t at : chosen) {
-        const ListedFile& file = catalogue.Files()[at];
-        table.rows.push_back({Value::Text(file.Name()), Value::Integer(file.record.size, "B"),
-                              FileCatalogue::TimeOf(file.record), StateOf(file, options.deleted)});
-        total += file.record.size;
-    }
-    Report report;
-    report.AddTable(std::move(table));
-    report.Add("fileCount", "files", Value::Integer(static_cast<std::int64_t>(chosen.size())));
-    report.Add("totalBytes", "in all", Value::Integer(total, "B"));
-    return context.output.Done(report);
-}
 
 CLI::Option* AddPatterns(CLI::App& parser, const std::shared_ptr<FilesOptions>& options)
 {
@@ -121,10 +72,11 @@ Command AddFilesCommand(CLI::App& program)
     recover.add_flag("--dry-run", options->dryRun, "Recover nothing, show what would be");
 
     return {&parser, [=, &list, &get, &remove](const Context& context) {
-                return list.parsed()     ? ListFiles(context, *options)
-                       : get.parsed()    ? FetchFiles(context, *options)
-                       : remove.parsed() ? DeleteFiles(context, *options)
-                                         : RecoverFiles(context, *options);
+                FilesWork work(context, *options);
+                return list.parsed()     ? work.List()
+                       : get.parsed()    ? work.Run(FileAction::Fetch)
+                       : remove.parsed() ? work.Run(FileAction::Delete)
+                                         : work.Run(FileAction::Recover);
             }};
 }
 

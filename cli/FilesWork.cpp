@@ -1,12 +1,168 @@
 #include "cli/FilesWork.h"
 
+#include "cli/Utf8.h"
+#include "cli/Wildcard.h"
+
+#include "core/equipment/AmountTexts.h"
+#include "core/equipment/FileRunner.h"
+#include "core/link/Command.h"
+#include "core/platform/Folders.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
 namespace fieldcore::cli {
 
-ExitCode FilesWork::Run()
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Shows how far it is, on a terminal, at most ten times a second.
+class ProgressLine
+{
+public:
+    explicit ProgressLine(const Context& context) : m_context(context) {}
+
+    void Show(const TransferProgress& progress)
+    {
+        constexpr Clock::Duration kBetween = std::chrono::milliseconds(100);
+        const Clock::Duration now = m_context.world.clock->Steady();
+        if (progress.file == m_file && now - m_shown < kBetween) {
+            return;
+        }
+        m_file = progress.file;
+        m_shown = now;
+        m_context.output.Progress(Line(progress));
+    }
+
+private:
+    static std::string Line(const TransferProgress& progress)
+    {
+        std::string line = "[" + std::to_string(progress.file) + "/" +
+                           std::to_string(progress.files) + "] " + ToUtf8(progress.name) + "  " +
+                           ToUtf8(ByteCountText(progress.fileBytes)) + " of " +
+                           ToUtf8(ByteCountText(progress.fileSize));
+        if (progress.totalSize > 0) {
+            line +=
+                "  " + std::to_string(100 * progress.totalBytes / progress.totalSize) + " % of all";
+        }
+        line += "  " + ToUtf8(ByteRateText(progress.bytesPerSecond));
+        if (progress.timeLeft) {
+            const auto left = progress.timeLeft->count();
+            const std::string seconds = std::to_string(left % 60);
+            line += "  " + std::to_string(left / 60) + (seconds.size() < 2 ? ":0" : ":") + seconds +
+                    " left";
+        }
+        return line;
+    }
+
+    const Context& m_context;
+    int m_file = 0;
+    Clock::Duration m_shown{};
+};
+
+std::string NameOf(const PlannedFile& file)
+{
+    return ToUtf8(file.record.Name());
+}
+
+/// What is said of a file that was not done.
+std::string Said(const PlannedFile& file)
+{
+    if (file.nameFault != NameFault::None) {
+        return "\"" + NameOf(file) + "\" " + MeaningOf(file.nameFault).words + ".";
+    }
+    if (file.outcome == FileOutcome::FolderRefused &&
+        file.start.reason == AnewReason::NotOurs) { // somebody else's
+        return file.path.string() + ".part is in the way and cannot be removed.";
+    }
+    return NameOf(file) + ": " + file.Terminal().message;
+}
+
+std::string Counted(std::size_t count)
+{
+    return std::to_string(count) + (count == 1 ? " file" : " files");
+}
+
+} // namespace
+
+FilesWork::FilesWork(const Context& context, const FilesOptions& options)
+    : m_context(context), m_options(options), m_host(context.world, context.output),
+      m_session(context.world, context.output, m_host, options.port)
+{}
+
+/// Connects and lists.
+std::optional<Failure> FilesWork::Begin(bool deleted)
 {
     std::optional<Failure> failure = m_session.Connect();
     if (!failure) {
         m_catalogue.emplace(m_session);
+        const Folders folders(m_context.world.folders);
+        std::vector<fs::path> kept = folders.StorageCards();
+        kept.insert(kept.end(), {m_options.folder, folders.Documents()});
+        m_catalogue->Receiver().SetFetchedFolders(std::move(kept));
+        failure = m_catalogue->List(deleted);
+    }
+    if (!failure && m_catalogue->Receiver().HasMore()) {
+        Warn("The receiver has more files; these are the first " + std::to_string(kMostFiles) +
+             ". Delete some to see the others.");
+    }
+    if (!failure && m_catalogue->Incomplete()) {
+        Warn(m_catalogue->Incomplete()->message);
+    }
+    return failure;
+}
+
+/// Tells the result; of what failed the first cause counts, and then that the list is not whole.
+ExitCode FilesWork::End(const Report& report, std::optional<Failure> failure)
+{
+    if (!failure) {
+        failure = m_catalogue->Incomplete();
+    }
+    return failure ? m_context.output.Failed(*failure, &report) : m_context.output.Done(report);
+}
+
+ExitCode FilesWork::List()
+{
+    std::optional<Failure> failure = Begin(m_options.deleted);
+    if (!failure) {
+        failure = m_catalogue->Choose(m_options.patterns, m_plan);
+    }
+    if (failure) {
+        return m_context.output.Failed(*failure);
+    }
+    Report::Table table{
+        "files",
+        m_options.deleted ? "The recycle bin is empty." : "There are no files.",
+        {{"name", "NAME"}, {"sizeBytes", "SIZE"}, {"time", "TIME"}, {"state", "STATE"}},
+        {}};
+    std::int64_t total = 0;
+    for (const PlannedFile& file : m_plan.files) {
+        const Value state = m_options.deleted ? Value::Word("deleted", "deleted")
+                            : file.outcome == FileOutcome::BeingLogged
+                                ? Value::Word("logging", "being logged")
+                                : Value::Word("live", "live");
+        table.rows.push_back({Value::Text(NameOf(file)), Value::Integer(file.record.size, "B"),
+                              FileCatalogue::TimeOf(file.record), state});
+        total += file.record.size;
+    }
+    Report report;
+    report.AddTable(std::move(table));
+    report.Add("fileCount", "files",
+               Value::Integer(static_cast<std::int64_t>(m_plan.files.size())));
+    report.Add("totalBytes", "in all", Value::Integer(total, "B"));
+    if (m_catalogue->Receiver().HasMore()) {
+        report.Add("more", "and more", Value::YesNo(true));
+    }
+    return End(report, std::nullopt);
+}
+
+ExitCode FilesWork::Run(FileAction action)
+{
+    m_plan.action = action;
+    std::optional<Failure> failure = Begin(m_options.deleted || action == FileAction::Recover);
+    if (!failure) {
         failure = Plan();
     }
     if (failure) {
@@ -14,16 +170,218 @@ ExitCode FilesWork::Run()
     }
     if (!m_options.dryRun) {
         failure = Agree();
-        if (!failure) {
-            failure = Work();
+        if (failure) {
+            for (PlannedFile& file : m_plan.files) {
+                file.outcome =
+                    file.outcome == FileOutcome::Planned ? FileOutcome::NotReached : file.outcome;
+            }
+            return End(Result(), failure);
+        }
+        Work();
+        if (const PlannedFile* const failed = m_plan.Failed()) {
+            failure = WhyNot(*failed);
         }
     }
-    if (!failure) {
-        return m_context.output.Done(Result());
+    return End(Result(), failure);
+}
+
+std::optional<Failure> FilesWork::Plan()
+{
+    ReceiverFiles& receiver = m_catalogue->Receiver();
+    if (m_plan.action == FileAction::Fetch && !receiver.CanDownload()) {
+        return Failure{ExitCode::Refused, "type-refused",
+                       "The files of a receiver of the Pica family cannot be fetched over its "
+                       "port."};
     }
-    LeaveRest();
-    const Report partial = Result();
-    return m_context.output.Failed(*failure, &partial);
+    if (m_plan.action == FileAction::Delete && m_options.deleted && !receiver.CanDeleteRecycled()) {
+        return Failure{ExitCode::Refused, "type-refused",
+                       "A receiver of the Pica family does not let its recycle bin be emptied."};
+    }
+    m_plan.folder = m_options.folder;
+    m_plan.makesFolder = true;
+    m_plan.dateFolders = m_options.byDate;
+    if (std::optional<Failure> failure = m_catalogue->Choose(m_options.patterns, m_plan)) {
+        return failure;
+    }
+    for (const PlannedFile& file : m_plan.files) {
+        const bool isLogging = file.outcome == FileOutcome::BeingLogged;
+        const auto names = [&](const std::string& pattern) {
+            return !HasWildcard(FromUtf8(pattern)) && FitsFile(pattern, file.record);
+        };
+        if (isLogging && std::any_of(m_options.patterns.begin(), m_options.patterns.end(), names)) {
+            return Failure{ExitCode::Failed, "file-logging",
+                           NameOf(file) + " is being logged; nothing was done.",
+                           "End the logging, or choose by a pattern, which leaves it out."};
+        }
+        if (isLogging || file.outcome == FileOutcome::NameRefused) {
+            Warn(Said(file) + " It is left out.");
+        }
+    }
+    if (m_options.onlyNew) {
+        m_plan.LeaveOutFetched();
+    }
+    return std::nullopt;
+}
+
+/// Asks whoever is there.
+std::optional<Failure> FilesWork::Ask(const std::string& question, const std::string& what,
+                                      const std::string& hint)
+{
+    const World& world = m_context.world;
+    if (!world.inIsTerminal || !world.errIsTerminal) {
+        return UsageFailure(what + ", and nobody can be asked here.", hint);
+    }
+    if (m_host.ShowMessage(FromUtf8(question), L"", {BoxButtons::YesNo, BoxIcon::Question}) !=
+        BoxAnswer::Yes) {
+        return RequestFailure(CommandFault::Cancelled, "");
+    }
+    return std::nullopt;
+}
+
+std::optional<Failure> FilesWork::Agree()
+{
+    const bool fetches = m_plan.action == FileAction::Fetch;
+    const bool isForGood = m_plan.action == FileAction::Delete &&
+                           (m_options.deleted || !m_catalogue->Receiver().HasRecyclePage());
+    std::vector<std::string> names;
+    std::size_t missing = 0;
+    for (const PlannedFile& file : m_plan.files) {
+        std::error_code ignored; // what cannot be looked at cannot be written either
+        const fs::path path = m_plan.FolderOf(file) / NameOf(file);
+        if (file.outcome == FileOutcome::Planned && (!fetches || fs::exists(path, ignored))) {
+            names.push_back(fetches ? path.string() : NameOf(file));
+            missing += file.isFetched ? 0 : 1;
+        }
+    }
+    if (m_options.yes || names.empty() || (!fetches && !isForGood)) {
+        return std::nullopt;
+    }
+    constexpr std::size_t kShown = 3;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), kShown); ++i) {
+        list += (i > 0 ? ", " : "") + names[i];
+    }
+    list += names.size() > kShown ? " and " + std::to_string(names.size() - kShown) + " more" : "";
+    if (fetches) {
+        return Ask("Replace " + list + "?", "There is " + list + " already",
+                   "--yes to replace, --new to fetch only what is not there");
+    }
+    const std::string size = ToUtf8(ByteCountText(m_plan.Bytes(FileOutcome::Planned)));
+    std::string question =
+        "Delete " + Counted(names.size()) + " (" + list + "), " + size + " in all, for good?";
+    if (m_catalogue->Receiver().CanDownload()) {
+        question += missing == 0
+                        ? " All were fetched to this machine."
+                        : " " + std::to_string(missing) + " of them " +
+                              (missing == 1 ? "was" : "were") + " never fetched to this machine.";
+    }
+    return Ask(question, "This deletes " + Counted(names.size()) + " for good",
+               "--yes to do it all the same, --dry-run to see which");
+}
+
+void FilesWork::Work()
+{
+    ProgressLine progress(m_context);
+    FileRunner::Surroundings around;
+    around.watch = [&](const TransferProgress& now) {
+        progress.Show(now);
+        return !m_context.world.StopRequested();
+    };
+    around.ended = [&](const PlannedFile& file) {
+        if (m_plan.action != FileAction::Fetch) {
+            m_context.output.Progress(NameOf(file));
+            return;
+        }
+        const std::string start = TransferStartWords(file.start);
+        if (!start.empty() && file.outcome != FileOutcome::FolderRefused) {
+            m_context.output.Message("note", "", NameOf(file) + " " + start + ".", Colour::Plain);
+        }
+    };
+    FileRunner(m_catalogue->Receiver(), m_plan, around).Run();
+}
+
+Failure FilesWork::WhyNot(const PlannedFile& file)
+{
+    if (file.fault == CommandFault::Cancelled) {
+        return RequestFailure(file.fault, "");
+    }
+    const TerminalFault& said = file.Terminal();
+    Failure failure{ExitCode{said.exitCode}, said.code, Said(file), said.hint};
+    if (file.outcome == FileOutcome::RequestFailed && file.fault == m_session.Command().Fault()) {
+        failure = m_session.RequestFailed();
+        failure.message = NameOf(file) + ": " + failure.message;
+    }
+    if (m_plan.action != FileAction::Fetch && !file.WasAnswered()) {
+        failure.hint = "fieldcore-cli files ls   shows what has become of it";
+    }
+    if (file.error) {
+        failure.message +=
+            " (" + file.error.message() + ": " + m_plan.FolderOf(file).string() + ")";
+    }
+    return failure;
+}
+
+std::string FilesWork::DoneWord() const
+{
+    return m_plan.action == FileAction::Fetch    ? "fetched"
+           : m_plan.action == FileAction::Delete ? "deleted"
+                                                 : "recovered";
+}
+
+Value FilesWork::StateOf(const PlannedFile& file) const
+{
+    const bool fetches = m_plan.action == FileAction::Fetch;
+    switch (file.outcome) {
+    case FileOutcome::Planned:
+        return Value::Word("planned", "would be " + DoneWord());
+    case FileOutcome::Done:
+        return Value::Word(DoneWord(), DoneWord());
+    case FileOutcome::AlreadyThere:
+        return Value::Word("already-there", "already there");
+    case FileOutcome::BeingLogged:
+        return Value::Word("logging", "being logged, left out");
+    case FileOutcome::NameRefused:
+        return fetches ? Value::Word("unsafe-name", "name not kept here, left out")
+                       : Value::Word("odd-name", "odd name, left out");
+    case FileOutcome::NotReached:
+        return fetches ? Value::Word("not-fetched", "not fetched")
+                       : Value::Word("not-reached", "not reached");
+    default:
+        break;
+    }
+    if (fetches) {
+        return Value::Word("not-fetched", std::string("not fetched: ") + file.Terminal().message);
+    }
+    return file.fault == CommandFault::Refused ? Value::Word("refused", "refused")
+           : file.WasAnswered()                ? Value::Word("failed", file.Terminal().message)
+                                : Value::Word("unanswered", "no answer, may be done");
+}
+
+Report FilesWork::Result() const
+{
+    const bool fetches = m_plan.action == FileAction::Fetch;
+    Report::Table table{
+        "files", "", {{"name", "NAME"}, {"sizeBytes", "SIZE"}, {"state", "STATE"}}, {}};
+    if (fetches) {
+        table.columns.push_back({"file", "FILE"});
+    }
+    for (const PlannedFile& file : m_plan.files) {
+        table.rows.push_back(
+            {Value::Text(NameOf(file)), Value::Integer(file.record.size, "B"), StateOf(file)});
+        if (fetches) {
+            table.rows.back().push_back(file.outcome == FileOutcome::Done
+                                            ? Value::Text(file.path.string())
+                                            : Value::Unknown());
+        }
+    }
+    Report report;
+    report.AddTable(std::move(table));
+    report.Add(DoneWord() + "Count", DoneWord(), Value::Integer(m_plan.Count(FileOutcome::Done)));
+    if (fetches) {
+        const auto bytes = static_cast<std::int64_t>(m_plan.Bytes(FileOutcome::Done));
+        report.Add("fetchedBytes", "in all", Value::Integer(bytes, "B"));
+    }
+    return report;
 }
 
 } // namespace fieldcore::cli

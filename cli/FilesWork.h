@@ -1,37 +1,57 @@
 #pragma once
 
-#include "cli/FilesCommand.h"
-#include "cli/PortSession.h"
+#include "cli/Command.h"
+#include "cli/FileCatalogue.h"
+#include "cli/PortOptions.h"
+#include "cli/TerminalHost.h"
+
+#include "core/equipment/FilePlan.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace fieldcore::cli {
 
-/// A command that does something to files of the receiver, in the steps that all of them have.
+/// What the files commands were given.
+struct FilesOptions
+{
+    PortOptions port;
+    std::vector<std::string> patterns;
+    bool deleted = false;
+    std::filesystem::path folder = "."; ///< where to
+    bool byDate = false;
+    bool onlyNew = false;
+    bool yes = false;
+    bool dryRun = false;
+};
+
+/// A command that lists files of the receiver, or does something to them: the words around a plan
+/// and its runner. Made for one command.
 class FilesWork
 {
 public:
-    /// @param options  outlives the object, as do the other two
-    FilesWork(const Context& context, const FilesOptions& options, Host& host)
-        : m_context(context), m_options(options), m_host(host),
-          m_session(context.world, context.output, host, options.port)
-    {}
-    virtual ~FilesWork() = default;
-    FilesWork(const FilesWork&) = delete;
-    FilesWork& operator=(const FilesWork&) = delete;
+    /// Both outlive the object.
+    FilesWork(const Context& context, const FilesOptions& options);
 
+    ExitCode List();
     /// Connects, chooses the files, asks, and goes to work; a dry run only tells what it would do.
     /// When something goes wrong in the work, what became of each file is told all the same.
-    ExitCode Run();
+    ExitCode Run(FileAction action);
 
-protected:
-    /// Lists the files and chooses among them.
-    [[nodiscard]] virtual std::optional<Failure> Plan() = 0;
-    /// Asks whoever is there, if that is needed.
-    [[nodiscard]] virtual std::optional<Failure> Agree() = 0;
-    [[nodiscard]] virtual std::optional<Failure> Work() = 0;
-    /// Marks the files that the work has not come to.
-    virtual void LeaveRest() = 0;
-    [[nodiscard]] virtual Report Result() const = 0;
-
+private:
+    [[nodiscard]] std::optional<Failure> Begin(bool deleted);
+    [[nodiscard]] std::optional<Failure> Plan();
+    [[nodiscard]] std::optional<Failure> Agree();
+    [[nodiscard]] std::optional<Failure> Ask(const std::string& question, const std::string& what,
+                                             const std::string& hint);
+    void Work();
+    [[nodiscard]] Failure WhyNot(const PlannedFile& file);
+    [[nodiscard]] std::string DoneWord() const;
+    [[nodiscard]] Value StateOf(const PlannedFile& file) const;
+    [[nodiscard]] Report Result() const;
+    ExitCode End(const Report& report, std::optional<Failure> failure);
     void Warn(const std::string& text)
     {
         m_context.output.Message("warning", "", text, Colour::Yellow);
@@ -39,9 +59,10 @@ protected:
 
     const Context& m_context;
     const FilesOptions& m_options;
-    Host& m_host;
+    TerminalHost m_host;
     PortSession m_session;
     std::optional<FileCatalogue> m_catalogue; // once it is connected
+    FilePlan m_plan;
 };
 
 } // namespace fieldcore::cli

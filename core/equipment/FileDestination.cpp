@@ -5,7 +5,9 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <system_error>
+#include <utility>
 
 namespace fieldcore {
 
@@ -25,9 +27,10 @@ bool IsFileOfSize(const fs::path& file, std::uint32_t size)
 } // namespace
 
 FileDestination::FileDestination(std::uint64_t totalBytes, int portNumber, std::uint32_t baudRate,
-                                 const Folders& folders)
+                                 const Folders& folders,
+                                 std::function<std::uint64_t(const fs::path&)> alreadyIn)
     : m_totalBytes(totalBytes), m_bitRate(portNumber > kLastSerialPort ? kBluetoothRate : baudRate),
-      m_documents(folders.Documents())
+      m_alreadyIn(std::move(alreadyIn)), m_documents(folders.Documents())
 {
     const auto cards = folders.StorageCards();
     if (!cards.empty()) {
@@ -42,10 +45,17 @@ fs::path FileDestination::Folder() const
     return kind == MainMemory ? m_documents : m_card;
 }
 
+std::uint64_t FileDestination::TotalBytes() const
+{
+    return onlyNew && m_alreadyIn ? m_totalBytes - std::min(m_totalBytes, m_alreadyIn(Folder()))
+                                  : m_totalBytes;
+}
+
 std::wstring FileDestination::Summary() const
 {
-    return FormatText(text::kDownloadSummary, TotalSizeText(m_totalBytes).c_str(),
-                      TransferTimeText(m_totalBytes, m_bitRate).c_str());
+    const std::uint64_t bytes = TotalBytes();
+    return FormatText(text::kDownloadSummary, TotalSizeText(bytes).c_str(),
+                      TransferTimeText(bytes, m_bitRate).c_str());
 }
 
 std::optional<std::uint64_t> FileDestination::FreeBytes() const
@@ -76,16 +86,16 @@ std::optional<std::uint64_t> FileDestination::FreeBytesOf(const fs::path& folder
     return space.available;
 }
 
-bool IsFetchedFile(const fs::path& folder, std::wstring_view date, std::wstring_view name,
-                   std::uint32_t size)
+bool IsFetchedFile(const fs::path& folder, const DirectoryListingData& record,
+                   std::wstring_view name)
 {
     if (folder.empty() || !IsPlainFileName(name)) {
         return false;
     }
     const fs::path file = ToUtf8(name);
-    const std::wstring day = DateFolderName(date);
-    return IsFileOfSize(folder / file, size) ||
-           (!day.empty() && IsFileOfSize(folder / ToUtf8(day) / file, size));
+    const std::wstring day = DateFolderName(FileDateText(record.time));
+    return IsFileOfSize(folder / file, record.size) ||
+           (!day.empty() && IsFileOfSize(folder / ToUtf8(day) / file, record.size));
 }
 
 } // namespace fieldcore

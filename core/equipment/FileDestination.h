@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/link/DirectoryListing.h"
 #include "core/platform/Folders.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,8 +26,10 @@ public:
     /// @param totalBytes  of all selected files
     /// @param portNumber  of the receiver's link; above 3 it is a Bluetooth port
     /// @param baudRate    of a serial port, bit/s
+    /// @param alreadyIn   how many of the bytes are in a folder already; empty: none
     FileDestination(std::uint64_t totalBytes, int portNumber, std::uint32_t baudRate,
-                    const Folders& folders = Folders());
+                    const Folders& folders = Folders(),
+                    std::function<std::uint64_t(const std::filesystem::path&)> alreadyIn = {});
 
     // The choices.
 
@@ -42,7 +46,8 @@ public:
 
     // What is shown.
 
-    [[nodiscard]] std::uint64_t TotalBytes() const { return m_totalBytes; }
+    /// What will be fetched: without what is there already, if that is left out.
+    [[nodiscard]] std::uint64_t TotalBytes() const;
     [[nodiscard]] std::uint32_t BitRate() const { return m_bitRate; }
     /// The total size and the estimated time, in two lines.
     [[nodiscard]] std::wstring Summary() const;
@@ -59,13 +64,19 @@ public:
 private:
     std::uint64_t m_totalBytes;
     std::uint32_t m_bitRate;
+    std::function<std::uint64_t(const std::filesystem::path&)> m_alreadyIn;
     std::filesystem::path m_card; // empty if there is none
     std::filesystem::path m_documents;
 };
 
-/// Whether @p folder, or its folder for the day of @p date, has a regular file of this name and
-/// size.
-[[nodiscard]] bool IsFetchedFile(const std::filesystem::path& folder, std::wstring_view date,
-                                 std::wstring_view name, std::uint32_t size);
+/// Whether @p folder, or its folder for the day of the file, has a regular file of its size.
+/// @param name  under which it is looked for
+[[nodiscard]] bool IsFetchedFile(const std::filesystem::path& folder,
+                                 const DirectoryListingData& record, std::wstring_view name);
+[[nodiscard]] inline bool IsFetchedFile(const std::filesystem::path& folder,
+                                        const DirectoryListingData& record)
+{
+    return IsFetchedFile(folder, record, record.Name());
+}
 
 } // namespace fieldcore

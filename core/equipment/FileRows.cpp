@@ -1,53 +1,41 @@
 #include "core/equipment/FileRows.h"
 
-#include <cstddef>
-
 namespace fieldcore {
 
-bool FileRowList::IsSelected(int row) const
+int FileRows::SelectedCount() const
 {
-    return m_rows.at(static_cast<std::size_t>(row)).selected;
+    int count = 0;
+    for (int row = 0; row < Count(); ++row) {
+        count += IsSelected(row) ? 1 : 0;
+    }
+    return count;
+}
+
+int FileRows::Find(std::size_t record) const
+{
+    int row = Count() - 1;
+    while (row >= 0 && At(row).record != record) {
+        --row;
+    }
+    return row;
 }
 
 void FileRowList::Insert(int row, const FileRow& content)
 {
-    m_rows.insert(m_rows.begin() + row, {content, false});
+    m_rows.insert(m_rows.begin() + row, content);
+    m_selected.insert(m_selected.begin() + row, false);
 }
 
 void FileRowList::Remove(int row)
 {
     m_rows.erase(m_rows.begin() + row);
+    m_selected.erase(m_selected.begin() + row);
 }
 
 void FileRowList::Clear()
 {
     m_rows.clear();
-}
-
-void FileRowList::SetFetched(int row)
-{
-    m_rows.at(static_cast<std::size_t>(row)).row.fetched = true;
-}
-
-void FileRowList::Select(int row, bool selected)
-{
-    m_rows.at(static_cast<std::size_t>(row)).selected = selected;
-}
-
-void FileRowList::SelectAll()
-{
-    for (Kept& kept : m_rows) {
-        kept.selected = true;
-    }
-}
-
-int SelectedCount(const FileRows& rows)
-{
-    int count = 0;
-    for (int row = 0; row < rows.Count(); ++row) {
-        count += rows.IsSelected(row) ? 1 : 0;
-    }
-    return count;
+    m_selected.clear();
 }
 
 } // namespace fieldcore

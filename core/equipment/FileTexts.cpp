@@ -48,6 +48,12 @@ std::wstring FileDateText(std::uint32_t seconds)
            FormatWhole(static_cast<unsigned>(date->day()), 2);
 }
 
+std::wstring FileTimeText(std::uint32_t seconds)
+{
+    const std::uint32_t minutes = seconds / 60;
+    return FormatWhole(minutes / 60 % 24, 2) + L":" + FormatWhole(minutes % 60, 2);
+}
+
 std::wstring FileSizeText(double bytes)
 {
     const double kilobytes = std::abs(bytes) / kUnit;
@@ -55,6 +61,11 @@ std::wstring FileSizeText(double bytes)
         return CParts::Round(kilobytes, 1);
     }
     return CParts::Round(kilobytes / kUnit, 1) + L"M";
+}
+
+const wchar_t* FileSizeUnit(std::wstring_view sizeText)
+{
+    return sizeText.ends_with(L'M') ? L"B" : L" KB";
 }
 
 std::wstring DateFolderName(std::wstring_view date)

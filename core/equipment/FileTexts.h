@@ -16,8 +16,13 @@ namespace fieldcore {
 /// @param seconds  since 1980-01-06 00:00
 [[nodiscard]] std::wstring FileDateText(std::uint32_t seconds);
 
+/// "hh:mm" of the same moment.
+[[nodiscard]] std::wstring FileTimeText(std::uint32_t seconds);
+
 /// Kilobytes with one decimal and no unit below 1000 of them, else megabytes with "M".
 [[nodiscard]] std::wstring FileSizeText(double bytes);
+/// What stands behind such a text where there is room for a unit.
+[[nodiscard]] const wchar_t* FileSizeUnit(std::wstring_view sizeText);
 
 /// The folder of a day, "2016-04-21", from a row's date text. A year of 80 and above lies in the
 /// last century, and of a year with three digits the last two count.

@@ -3,6 +3,7 @@
 #include "core/equipment/FileDestination.h"
 #include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
+#include "core/link/ReceivedFile.h"
 #include "core/link/RecvInfo.h"
 
 #include <algorithm>
@@ -101,13 +102,46 @@ void ReceiverFiles::ShowWaitCursor(bool on)
 
 int ReceiverFiles::GetFileData(MessageTarget& window)
 {
+    ClearRows();
+    m_unanswered.clear();
+    return List(window);
+}
+
+int ReceiverFiles::ListAgain(MessageTarget& window, std::vector<std::wstring> unanswered)
+{
+    m_unanswered = std::move(unanswered);
+    m_replacesRows = true;
+    const int result = List(window);
+    if (result == 1 && m_replacesRows) {
+        ClearRows(); // nothing is left
+    }
+    return result;
+}
+
+void ReceiverFiles::ClearRows()
+{
     if (m_rows != nullptr) {
         m_rows->Clear();
     }
     m_nextRow = 0;
+    m_replacesRows = false;
+}
+
+int ReceiverFiles::List(MessageTarget& window)
+{
     m_logging = 0;
+    m_listFault = CommandFault::None;
+    m_hasMore = false;
     ++m_openListings;
     ShowWaitCursor(true);
+    const int result = Ask(window);
+    m_listFault = result == 1 ? CommandFault::None : m_command.Fault();
+    m_hasMore = m_listFault != CommandFault::Cancelled && m_command.HasMoreFiles();
+    return result;
+}
+
+int ReceiverFiles::Ask(MessageTarget& window)
+{
     if (Family() == ReceiverFamily::Pica) {
         return m_command.RequestFiles_Pica(m_mode, m_typeNumber, m_table, &window);
     }
@@ -144,15 +178,24 @@ void ReceiverFiles::InsertRow(std::size_t index)
 {
     const DirectoryListingData& record = m_table[index];
     const bool logging = GetFileAttr(static_cast<int>(index), 1) != 0;
+    if (m_replacesRows) {
+        ClearRows();
+    }
     if (m_rows != nullptr) {
         FileRow row;
+        row.record = index;
         row.name = stCreateName(record.Name());
         row.date = stCreateTime(record.time);
+        row.time = FileTimeText(record.time);
         row.size = stCreateSize(record.size);
         row.icon = m_mode == Recycled ? FileRow::Recycled
                    : logging          ? FileRow::Logging
                                       : FileRow::Live;
-        row.fetched = m_mode == Live && IsFetched(record, row);
+        const bool isUnanswered = std::find(m_unanswered.begin(), m_unanswered.end(),
+                                            record.Name()) != m_unanswered.end();
+        row.mark = isUnanswered                          ? FileRow::Mark::Unanswered
+                   : m_mode == Live && IsFetched(record) ? FileRow::Mark::Fetched
+                                                         : FileRow::Mark::None;
         // Somebody may have taken rows away since the listing began.
         m_nextRow = std::min(m_nextRow, m_rows->Count());
         m_rows->Insert(m_nextRow, row);
@@ -166,42 +209,62 @@ void ReceiverFiles::InsertRow(std::size_t index)
     }
 }
 
-bool ReceiverFiles::IsFetched(const DirectoryListingData& record, const FileRow& row) const
+bool ReceiverFiles::IsFetched(const DirectoryListingData& record) const
 {
-    return std::any_of(m_fetchedFolders.begin(), m_fetchedFolders.end(), [&](const auto& folder) {
-        return IsFetchedFile(folder, row.date, record.Name(), record.size);
-    });
+    const std::wstring name =
+        m_mode == Live ? std::wstring(record.Name())
+                       : FileRowName(record.Name()) + FileExtension(m_q02Format, m_version, true);
+    return std::any_of(m_fetchedFolders.begin(), m_fetchedFolders.end(),
+                       [&](const auto& folder) { return IsFetchedFile(folder, record, name); });
 }
 
 int ReceiverFiles::GetFileAttr(int index, int byRecord)
 {
-    const bool isPica = Family() == ReceiverFamily::Pica;
     if (byRecord == 0) {
         if (m_rows == nullptr || index < 0 || index >= m_rows->Count()) {
             return 0;
         }
-        return isPica ? GetFileAttr_Pica(index) : GetFileAttr_Lark(index);
+        return AttributeOf(m_rows->At(index).name);
     }
     if (index < 0 || index >= static_cast<int>(kMostFiles)) {
         return 0;
     }
-    const std::uint8_t attributes = m_table[static_cast<std::size_t>(index)].attributes;
-    return isPica ? (attributes & DirectoryListingData::BeingLogged) != 0 ? 1 : 0 : attributes;
+    return Attribute(m_table[static_cast<std::size_t>(index)]);
 }
 
-int ReceiverFiles::GetFileAttr_Pica(int row) const
+int ReceiverFiles::Attribute(const DirectoryListingData& record) const
 {
-    const DirectoryListingData* const record = FindRecord(m_rows->Name(row));
-    return record != nullptr && (record->attributes & DirectoryListingData::BeingLogged) != 0 ? 1
-                                                                                              : 0;
+    const bool isBeingLogged = (record.attributes & DirectoryListingData::BeingLogged) != 0;
+    return Family() != ReceiverFamily::Pica ? record.attributes : isBeingLogged ? 1 : 0;
 }
 
-int ReceiverFiles::GetFileAttr_Lark(int row)
+int ReceiverFiles::AttributeOf(std::wstring_view rowName)
 {
-    std::wstring name = m_rows->Name(row);
-    stAddExtension(m_mode, name);
+    std::wstring name(rowName);
+    if (Family() != ReceiverFamily::Pica) {
+        stAddExtension(m_mode, name);
+    }
     const DirectoryListingData* const record = FindRecord(name);
-    return record != nullptr ? record->attributes : 0;
+    return record != nullptr ? Attribute(*record) : 0;
+}
+
+void ReceiverFiles::AddTo(FilePlan& plan, std::size_t index) const
+{
+    const DirectoryListingData& record = m_table.at(index);
+    PlannedFile file{record, index, std::wstring(record.Name()), IsFetched(record)};
+    const bool goesByName = Family() != ReceiverFamily::Pica;
+    if (plan.isByRow) {
+        file.name = FileRowName(record.Name());
+    } else if (Attribute(record) != 0) {
+        file.outcome = FileOutcome::BeingLogged;
+    } else if (plan.action == FileAction::Fetch) {
+        file.nameFault = plan.names.Add(record.Name(), plan.FolderOf(file));
+        file.outcome =
+            file.nameFault == NameFault::None ? FileOutcome::Planned : FileOutcome::NameRefused;
+    } else if (goesByName && !IsReceiverFileName(record.Name())) {
+        file.outcome = FileOutcome::NameRefused;
+    }
+    plan.files.push_back(std::move(file));
 }
 
 // Names.
@@ -213,8 +276,8 @@ void ReceiverFiles::stAddExtension(int which, std::wstring& name)
     if (!wasRead && m_command.Fault() == CommandFault::Cancelled) {
         m_cancelled = true;
     }
-    const bool q02Format = wasRead && info.GetQ02Format() != 0;
-    name += FileExtension(q02Format, m_version, which != 0);
+    m_q02Format = wasRead && info.GetQ02Format() != 0;
+    name += FileExtension(m_q02Format, m_version, which != 0);
 }
 
 void ReceiverFiles::stAddExtension(std::wstring_view base, std::wstring& live,
@@ -222,8 +285,7 @@ void ReceiverFiles::stAddExtension(std::wstring_view base, std::wstring& live,
 {
     live = base;
     stAddExtension(1, live);
-    deleted = base;
-    stAddExtension(0, deleted);
+    deleted = std::wstring(base) + FileExtension(m_q02Format, m_version, false);
 }
 
 std::wstring ReceiverFiles::stGetSearchName()
@@ -255,16 +317,9 @@ const DirectoryListingData* ReceiverFiles::FindRecord(std::wstring_view name) co
     return found != m_table.end() ? &*found : nullptr;
 }
 
-const DirectoryListingData* ReceiverFiles::stGetFileData(int row)
+std::uint16_t ReceiverFiles::GetFileIndex_Pica(std::wstring_view rowName) const
 {
-    std::wstring name = m_rows->Name(row);
-    stAddExtension(1, name);
-    return FindRecord(name);
-}
-
-std::uint16_t ReceiverFiles::GetFileIndex_Pica(int row) const
-{
-    const DirectoryListingData* const record = FindRecord(m_rows->Name(row));
+    const DirectoryListingData* const record = FindRecord(rowName);
     return record != nullptr ? record->fileIndex : kNoFileIndex;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/equipment/FilePlan.h"
 #include "core/equipment/FileRows.h"
 #include "core/host/MessageTarget.h"
 #include "core/link/Connect.h"
@@ -17,9 +18,9 @@ namespace fieldcore {
 class CCommand;
 
 /// The receiver's files and what may be done with them, without a screen: the state of the file
-/// manager, its listing, and the answers that downloading (FileDownload) and deleting
-/// (FileDeletion) build on. A screen, a terminal or a test gives it rows and forwards the posted
-/// messages to OnRecvFileList(). The thread that uses the library.
+/// manager, its listing, and the answers that its window's steps (FileManager) and what is done to
+/// files (FileRunner) build on. A screen, a terminal or a test gives it rows and forwards the
+/// posted messages to OnRecvFileList(). The thread that uses the library.
 class ReceiverFiles
 {
 public:
@@ -99,6 +100,15 @@ public:
     /// @param window  hands kFileListMessage on to OnRecvFileList(), at once or later
     /// @return 1; 0 if the listing failed. Its end has been posted in either case
     int GetFileData(MessageTarget& window);
+    /// The same, when something was not answered: the rows stay until something comes in their
+    /// place, and of the files of these names those that are still there are marked.
+    int ListAgain(MessageTarget& window, std::vector<std::wstring> unanswered);
+    /// Why the last listing is not whole, or there is none; None for a whole one.
+    [[nodiscard]] CommandFault ListFault() const { return m_listFault; }
+    /// Whether nothing came in the place of the rows that were to be listed again.
+    [[nodiscard]] bool IsOldList() const { return m_replacesRows; }
+    /// Whether the receiver has more files than a listing can hold.
+    [[nodiscard]] bool HasMore() const { return m_hasMore; }
     /// Takes one record (wParam 0, lParam its index) into the rows, or the end of the listing.
     /// What is left of a listing before the last one is ignored. @return 0
     int OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam);
@@ -108,8 +118,13 @@ public:
     /// @param index  of a record, or a row
     /// @param byRecord  0: @p index is a row
     int GetFileAttr(int index, int byRecord);
-    [[nodiscard]] int GetFileAttr_Pica(int row) const;
-    int GetFileAttr_Lark(int row);
+    /// The same of a row's name; of a Lark each asks the receiver for its options.
+    int AttributeOf(std::wstring_view rowName);
+    /// Adds a file to a plan. One that is not for each row is left out at once where it cannot be.
+    void AddTo(FilePlan& plan, std::size_t index) const;
+    /// Whether a file is in one of the folders of fetched ones; of a deleted one, under the name
+    /// that it had.
+    [[nodiscard]] bool IsFetched(const DirectoryListingData& record) const;
 
     /// Whether the user has cancelled a look at the extension since ForgetCancel(): what follows
     /// it would go on with a guess.
@@ -129,15 +144,16 @@ public:
     [[nodiscard]] static std::wstring stCreateSize(double bytes);
     /// The first of all records with exactly this name. @return null if there is none
     [[nodiscard]] const DirectoryListingData* FindRecord(std::wstring_view name) const;
-    /// The record of a row: row text and live extension.
-    const DirectoryListingData* stGetFileData(int row);
-    /// A Pica's number of the file in a row; 255 when it is not found.
-    [[nodiscard]] std::uint16_t GetFileIndex_Pica(int row) const;
+    /// A Pica's number of the file of a row's name; 255 when it is not found.
+    [[nodiscard]] std::uint16_t GetFileIndex_Pica(std::wstring_view rowName) const;
 
 private:
+    int List(MessageTarget& window);
+    int Ask(MessageTarget& window);
+    [[nodiscard]] int Attribute(const DirectoryListingData& record) const;
+    void ClearRows();
     void InsertRow(std::size_t index);
     void ShowWaitCursor(bool on);
-    [[nodiscard]] bool IsFetched(const DirectoryListingData& record, const FileRow& row) const;
 
     CCommand& m_command;
     int m_mode = Live;
@@ -151,6 +167,11 @@ private:
     int m_openListings = 0; // asked for, end not yet seen
     bool m_waitCursor = false;
     bool m_cancelled = false;
+    bool m_q02Format = false; // as it was read last
+    CommandFault m_listFault = CommandFault::None;
+    bool m_hasMore = false;
+    bool m_replacesRows = false;            // by the first record that comes
+    std::vector<std::wstring> m_unanswered; // names in the receiver
     std::vector<std::filesystem::path> m_fetchedFolders;
 };
 

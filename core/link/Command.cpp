@@ -427,7 +427,9 @@ int CCommand::List(MessageTarget* window, unsigned message, std::uint8_t request
 {
     const int result = InTurn(request, [&](ChannelTurn& turn) {
         FileListing listing(turn, *this);
-        return list(listing);
+        const int done = list(listing);
+        m_hasMoreFiles = listing.HasMore();
+        return done;
     });
     if (window != nullptr) {
         window->Post(message, kListEnded, 0);

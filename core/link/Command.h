@@ -237,9 +237,12 @@ public:
     int RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTable& table,
                           MessageTarget* window, unsigned message = kFileListMessage);
     /// Lists the files of a Lark that match @p pattern, such as "*.Q01". Page p, entry k goes to
-    /// index 8p + k, in whatever order the pages come; one that never comes makes the result 0.
+    /// index 8p + k, in whatever order the pages come; one that never comes, or comes damaged,
+    /// makes the result 0, with all the others in the table.
     int RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table, MessageTarget* window,
                           unsigned message = kFileListMessage);
+    /// Whether the last listing had files beyond the end of the table.
+    [[nodiscard]] bool HasMoreFiles() const { return m_hasMoreFiles; }
     /// Whether a Lark has a file of exactly this name. Fills no table, posts nothing.
     /// @return 1 or 0; of a 0 that is no answer Fault() says why
     int FileExists(std::wstring_view name);
@@ -335,6 +338,7 @@ private:
     int LastResult = 0;
 
     FileOperations* m_operations = nullptr; // null: the system's own
+    bool m_hasMoreFiles = false;
     DownloadFault m_downloadFault = DownloadFault::None;
     TransferStart m_transferStart;
     NameFault m_nameFault = NameFault::None;

@@ -4,7 +4,6 @@
 #include "core/platform/Cp932.h"
 
 #include <bitset>
-#include <optional>
 
 namespace fieldcore {
 
@@ -27,18 +26,6 @@ bool FitsName(std::wstring_view name)
     return !name.empty() && ToCp932(name).size() <= kLongestFileName;
 }
 
-/// Puts a record into the table and tells the window, unless it lies beyond the table's end.
-void Store(const ListingTarget& target, std::size_t index, const DirectoryListingData& file)
-{
-    if (index >= target.table.size()) {
-        return;
-    }
-    target.table[index] = file;
-    if (target.window != nullptr) {
-        target.window->Post(target.message, RecordListed, static_cast<std::intptr_t>(index));
-    }
-}
-
 bool IsListed(const DirectoryListingData& file, int mode)
 {
     const bool deleted = (file.attributes & DirectoryListingData::Deleted) != 0;
@@ -46,6 +33,20 @@ bool IsListed(const DirectoryListingData& file, int mode)
 }
 
 } // namespace
+
+/// Puts a record into the table and tells the window, unless it lies beyond the table's end.
+void FileListing::Store(const ListingTarget& target, std::size_t index,
+                        const DirectoryListingData& file)
+{
+    if (index >= target.table.size()) {
+        m_hasMore = true;
+        return;
+    }
+    target.table[index] = file;
+    if (target.window != nullptr) {
+        target.window->Post(target.message, RecordListed, static_cast<std::intptr_t>(index));
+    }
+}
 
 int FileListing::Pica(int mode, std::uint8_t variant, const ListingTarget& target)
 {
@@ -72,9 +73,10 @@ int FileListing::Pica(int mode, std::uint8_t variant, const ListingTarget& targe
             }
         }
         if (page->last) {
-            break;
+            return 1;
         }
     }
+    m_hasMore = true; // as far as is known
     return 1;
 }
 
@@ -100,19 +102,28 @@ bool FileListing::AskLark(std::wstring_view pattern)
     return m_turn.Ask(m_frame.BuiltFrame(), Answer::Reply) == 1;
 }
 
-/// Takes the pages in whatever order they come; the first frame is there.
+/// Takes the pages in whatever order they come; the first frame is there. One that arrives damaged
+/// is as good as one that does not come: the others are taken all the same.
 int FileListing::CollectPages(const ListingTarget& target)
 {
     std::bitset<kMostLarkPages> seen;
-    std::optional<std::size_t> last;
+    bool hasEnd = false;
+    CommandFault damage = CommandFault::None;
     for (int frame = 0; frame < kMostLarkFrames; ++frame) {
         if (frame > 0) {
             const ExchangeState state = m_turn.Next().state;
-            if (state != ExchangeState::Frame) {
-                return state == ExchangeState::TimedOut ? 0 : Refuse(CommandFault::Malformed);
+            if (state == ExchangeState::TimedOut) {
+                return damage != CommandFault::None && m_turn.Fault() == CommandFault::TimedOut
+                           ? Refuse(damage)
+                           : 0;
             }
-            if (!m_frame.Reader().IsIntact()) {
-                return Refuse(CommandFault::BadChecksum);
+            if (state != ExchangeState::Frame || !m_frame.Reader().IsIntact()) {
+                damage = state == ExchangeState::Frame ? CommandFault::BadChecksum
+                                                       : CommandFault::Malformed;
+                if (!m_turn.Breathe()) {
+                    return 0;
+                }
+                continue;
             }
         }
         const auto page = ParseLarkFilePage(m_frame.Reader());
@@ -124,10 +135,14 @@ int FileListing::CollectPages(const ListingTarget& target)
             Store(target, kLarkPageFiles * number + k, page->files[k]);
         }
         seen[number] = true;
-        if (page->last) {
-            last = number;
-        }
-        if (last && seen.count() == *last + 1 && (seen >> (*last + 1)).none()) {
+        // The mark may stand on the page of the highest number or on the one that is sent last:
+        // either way all is there once it has come and no number below the highest is missing.
+        hasEnd = hasEnd || page->last;
+        if (hasEnd && (seen >> seen.count()).none()) {
+            if (damage != CommandFault::None) {
+                m_turn.NoteOdd(); // what was damaged may come again
+                m_turn.Succeed();
+            }
             return 1;
         }
         // Between the waits: a receiver that sends without a pause would leave no other moment.
@@ -141,7 +156,7 @@ int FileListing::CollectPages(const ListingTarget& target)
 int FileListing::Exists(std::wstring_view name)
 {
     const int result = AskWhether(name);
-    if (m_hasMore) {
+    if (m_isSending) {
         m_turn.Abort();
     }
     return result;
@@ -150,15 +165,15 @@ int FileListing::Exists(std::wstring_view name)
 int FileListing::AskWhether(std::wstring_view name)
 {
     if (!AskLark(name)) {
-        m_hasMore = m_turn.Fault() == CommandFault::Cancelled;
+        m_isSending = m_turn.Fault() == CommandFault::Cancelled;
         return 0;
     }
     const auto page = ParseLarkFilePage(m_frame.Reader());
     if (!page || page->number != 0) {
-        m_hasMore = true; // whatever it is, the rest of it is nobody's answer
+        m_isSending = true; // whatever it is, the rest of it is nobody's answer
         return FailOnType();
     }
-    m_hasMore = !page->last;
+    m_isSending = !page->last;
     return page->count > 0 && page->files[0].Name() == name ? 1 : 0;
 }
 

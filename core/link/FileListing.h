@@ -34,17 +34,21 @@ public:
     int Lark(std::wstring_view pattern, const ListingTarget& target);
     /// Whether a Lark has a file of exactly this name.
     int Exists(std::wstring_view name);
+    /// Whether there were files beyond the end of the table.
+    [[nodiscard]] bool HasMore() const { return m_hasMore; }
 
 private:
     bool AskLark(std::wstring_view pattern);
     int CollectPages(const ListingTarget& target);
     int AskWhether(std::wstring_view name);
+    void Store(const ListingTarget& target, std::size_t index, const DirectoryListingData& file);
     int FailOnType() { return Refuse(CommandFault::WrongType); }
     int Refuse(CommandFault fault);
 
     ChannelTurn& m_turn;
     FrameBuffer& m_frame;
-    bool m_hasMore = false; // the receiver may still be sending
+    bool m_isSending = false; // the receiver may be
+    bool m_hasMore = false;
 };
 
 } // namespace fieldcore

@@ -1,20 +1,18 @@
-// The receiver's files from the command line. What is fetched is compared with what the simulator
-// writes into a folder by itself.
+// The receiver's files from the command line.
 
 #include "cli/Wildcard.h"
-#include "simulator/ReceiverFile.h"
-#include "simulator/Scenario.h"
 #include "tests/cli/Runner.h"
+#include "tests/core/settings/FileSizeLimit.h"
 
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -114,27 +112,6 @@ TEST_F(FilesTest, ListsBothPages)
     EXPECT_EQ(Run("ls *.Q01 --json").Json()["result"]["fileCount"], 3);
 }
 
-TEST_F(FilesTest, FetchesEverythingByteByByte)
-{
-    receiver = "lark";
-    const Outcome outcome = Run("get * --to @/new/there");
-    ASSERT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_EQ(outcome.err.find("[1/"), std::string::npos) << "progress without a terminal";
-    std::string error;
-    std::vector<std::string> leftOut;
-    const fs::path expected = runner.Path("expected");
-    ASSERT_TRUE(
-        simulator::ExportFiles(*simulator::LoadScenario("lark", error), expected, leftOut, error))
-        << error;
-    const auto names = FilesBelow(expected);
-    ASSERT_EQ(names.size(), 6U);
-    EXPECT_EQ(FilesBelow(runner.Path("new/there")), names);
-    for (const std::string& name : names) {
-        EXPECT_TRUE(Content(expected / name) == Content(fs::path(runner.Path("new/there")) / name))
-            << name;
-    }
-}
-
 TEST_F(FilesTest, FetchesWhatWasAskedFor)
 {
     struct Row
@@ -204,22 +181,66 @@ TEST_F(FilesTest, TellsWhyATransferFailed)
         const char* more; ///< lines of the scenario
         int code;
         const char* error;
+        std::string cause; ///< what a person reads begins so
+        std::uintmax_t room = 0;
     };
     const Row rows[] = {
-        {"shorter than listed", "file BAD 1000 2026-03-16 00:00 announces 5000\n", 1, "wrong-size"},
-        {"longer than listed", "file BAD 5000 2026-03-16 00:00 announces 1000\n", 1, "wrong-size"},
-        {"refused", "file BAD 1000 2026-03-16 00:00\nfault nak on 96\n", 6, "nak"},
+        {"shorter than listed", "file BAD 1000 2026-03-16 00:00 announces 5000\n", 1, "wrong-size",
+         "BAD.Q01: It has not the size"},
+        {"longer than listed", "file BAD 5000 2026-03-16 00:00 announces 1000\n", 1, "wrong-size",
+         "BAD.Q01: It has not the size"},
+        {"refused", "file BAD 1000 2026-03-16 00:00\nfault nak on 96\n", 6, "nak",
+         "BAD.Q01: The receiver refused"},
         {"cable pulled", "file BAD 9000 2026-03-16 00:00\nfault hang-up of 95 skip 3\n", 3,
-         "link-lost"},
+         "link-lost", "BAD.Q01: The port is gone"},
+        {"full", "file BAD 99000 2026-03-16 00:00\n", 8, "local-file",
+         "BAD.Q01: The medium is full", 20000},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         receiver = runner.Folder().Write("bad.txt", std::string(kReceiver) + row.more).string();
+        std::optional<fieldcore::testing::FileSizeLimit> limit;
+        if (row.room > 0) {
+            limit.emplace(row.room);
+        }
         const Outcome outcome = Run("get BAD --to @/there --json");
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        EXPECT_EQ(outcome.Json()["error"]["code"], row.error) << outcome.err;
+        const nlohmann::json error = outcome.Json()["error"];
+        EXPECT_EQ(error["code"], row.error) << outcome.err;
+        EXPECT_TRUE(error["message"].get<std::string>().starts_with(row.cause)) << error;
         EXPECT_FALSE(fs::exists(runner.Path("there/BAD.Q01")));
     }
+}
+
+TEST_F(FilesTest, GoesOnWithAListThatIsNotWhole)
+{
+    receiver = runner.Folder()
+                   .Write("part.txt", "model 3017\nfirmware 3.20\noptions l2\nfix fixed\n"
+                                      "files 20 10 20\nfault drop of 9D skip 1 count 1\n")
+                   .string();
+    const Outcome list = Run("ls --json");
+    EXPECT_EQ(list.code, 4) << "it looks whole";
+    EXPECT_EQ(list.Json()["result"]["fileCount"], 12);
+    EXPECT_EQ(Run("get * --to @/there").code, 4);
+    EXPECT_EQ(FilesBelow(runner.Path("there")).size(), 12U);
+    receiver = "many-files";
+    const nlohmann::json many = Run("ls --json").Json();
+    EXPECT_EQ(many["result"]["fileCount"], 512);
+    EXPECT_EQ(many["result"]["more"], true);
+}
+
+TEST_F(FilesTest, SaysWhatItWouldDeleteForGood)
+{
+    runner.world.inIsTerminal = runner.world.errIsTerminal = true;
+    runner.input = "n\n";
+    receiver = "lark";
+    const Outcome outcome = Run("rm A*");
+    EXPECT_EQ(outcome.code, 7);
+    const auto asked = outcome.err.find("Delete 6 files (A0314A00.Q02, A0314B00.Q02, A0317A00.Q02 "
+                                        "and 3 more), ");
+    EXPECT_NE(asked, std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("6 of them were never fetched to this machine"), std::string::npos)
+        << outcome.err;
 }
 
 TEST_F(FilesTest, LeavesOutNamesThatCouldLeaveTheFolder)
@@ -259,30 +280,6 @@ TEST_F(FilesTest, CtrlCEndsWithinABlock)
     ASSERT_GT(atSignal, 0U);
     EXPECT_LE(fs::file_size(part), atSignal + 1000);
     EXPECT_FALSE(fs::exists(runner.Path("there/A0314B00.Q02")));
-}
-
-TEST_F(FilesTest, AFullDiskEndsTheTransfer)
-{
-    // What a process may write at most stands for the room that is left.
-    constexpr rlim_t kRoom = 100'000;
-    const std::string folder = runner.Path("there");
-    const pid_t child = fork();
-    if (child == 0) {
-        const rlimit limit{kRoom, kRoom};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        signal(SIGXFSZ, SIG_IGN);
-        execl(FIELDCORE_CLI, "fieldcore-cli", "files", "get", "A0314A00", "A0314B00", "--to",
-              folder.c_str(), "--port", "sim:lark", nullptr);
-        _exit(127);
-    }
-    ASSERT_GT(child, 0);
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 8);
-    EXPECT_EQ(FilesBelow(folder), (std::set<std::string>{"A0314A00.Q02", "A0314B00.Q02.part",
-                                                         "A0314B00.Q02.part.info"}));
-    EXPECT_EQ(fs::file_size(folder + "/A0314B00.Q02.part"), kRoom) << "not full";
 }
 
 TEST_F(FilesTest, AKillLeavesNoFileUnderItsNameAndTheNextOneGoesOn)

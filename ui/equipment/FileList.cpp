@@ -41,7 +41,7 @@ int RowHeight(const QFont& font)
     return std::max(TouchStyle::kTarget, lines + TouchStyle::kGrid / 2);
 }
 
-/// Draws the cells, and the mark of a file that was fetched below its name.
+/// Draws the cells, with what stands in small print behind and below their texts.
 class RowPainter : public QStyledItemDelegate
 {
 public:
@@ -58,35 +58,37 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& given,
                const QModelIndex& index) const override
     {
-        if (!index.data(FileListModel::kFetchedRole).toBool() ||
-            index.column() != FileList::kName) {
-            QStyledItemDelegate::paint(painter, given, index);
-            return;
-        }
         QStyleOptionViewItem option = given;
         initStyleOption(&option, index);
         const QStyle& style = *option.widget->style();
         const QRect place =
             style.subElementRect(QStyle::SE_ItemViewItemText, &option, option.widget)
                 .adjusted(TouchStyle::kGrid / 2, 0, 0, 0);
-        const QString name = std::exchange(option.text, QString());
+        const QString text = std::exchange(option.text, QString());
         style.drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
 
+        const QString unit = index.data(FileListModel::kUnitRole).toString();
+        const QString below = index.data(FileListModel::kBelowRole).toString();
         const QFont small = SmallFont(option.font);
-        const int nameHeight = QFontMetrics(option.font).height();
-        const int markHeight = QFontMetrics(small).height();
-        const QRect upper(place.left(), place.center().y() - (nameHeight + markHeight) / 2,
-                          place.width(), nameHeight);
-        const QRect lower(place.left(), upper.bottom() + 1, place.width(), markHeight);
+        const QFontMetrics metrics(option.font);
+        const int belowHeight = below.isEmpty() ? 0 : QFontMetrics(small).height();
+        const QRect upper(place.left(), place.center().y() - (metrics.height() + belowHeight) / 2,
+                          place.width(), metrics.height());
+        const QRect lower(place.left(), upper.bottom() + 1, place.width(), belowHeight);
         const bool isSelected = (option.state & QStyle::State_Selected) != 0;
         const QColor onAccent = option.palette.color(QPalette::HighlightedText);
+        const auto draw = [&](const QFont& font, const QColor& colour, const QRect& where,
+                              const QString& words) {
+            painter->setFont(font);
+            painter->setPen(isSelected ? onAccent : colour);
+            painter->drawText(where, Qt::AlignLeft | Qt::AlignVCenter,
+                              QFontMetrics(font).elidedText(words, Qt::ElideRight, where.width()));
+        };
         painter->save();
-        painter->setFont(option.font);
-        painter->setPen(isSelected ? onAccent : Theme::Current().text);
-        painter->drawText(upper, Qt::AlignLeft | Qt::AlignVCenter, name);
-        painter->setFont(small);
-        painter->setPen(isSelected ? onAccent : Theme::Current().good);
-        painter->drawText(lower, Qt::AlignLeft | Qt::AlignVCenter, UiText(text::kFileFetched));
+        draw(option.font, Theme::Current().text, upper, text);
+        draw(small, Theme::Current().text, upper.adjusted(metrics.horizontalAdvance(text), 0, 0, 0),
+             unit);
+        draw(small, index.data(FileListModel::kBelowColourRole).value<QColor>(), lower, below);
         painter->restore();
     }
 };
@@ -141,7 +143,7 @@ void FileList::SizeColumns()
     header()->setSectionResizeMode(kSize, QHeaderView::Fixed);
     header()->resizeSection(kName, kNameWidth);
     header()->resizeSection(kDate, widthOf(kDateWidth, "26/11/21"));
-    header()->resizeSection(kSize, widthOf(kSizeWidth, "4096.0M"));
+    header()->resizeSection(kSize, widthOf(kSizeWidth, "4096.0 KB"));
 }
 
 void FileList::SetImages(const FileImageList& images)
@@ -154,14 +156,9 @@ int FileList::Count() const
     return m_model->rowCount();
 }
 
-std::wstring FileList::Name(int row) const
+const FileRow& FileList::At(int row) const
 {
-    return m_model->At(row).name;
-}
-
-std::wstring FileList::Date(int row) const
-{
-    return m_model->At(row).date;
+    return m_model->At(row);
 }
 
 bool FileList::IsSelected(int row) const
@@ -184,9 +181,9 @@ void FileList::Clear()
     m_model->Clear();
 }
 
-void FileList::SetFetched(int row)
+void FileList::SetMark(int row, FileRow::Mark mark)
 {
-    m_model->SetFetched(row);
+    m_model->SetMark(row, mark);
 }
 
 void FileList::Redraw()

@@ -14,9 +14,10 @@ class FileListModel;
 /// What stands before the names, by FileRow::Icon.
 using FileImageList = std::array<QIcon, 3>;
 
-/// The list of the receiver's files: an icon, the name, the date and the size of each. A tap or
-/// the space bar takes a row into the selection or out of it, so that several are chosen without a
-/// second key; Ctrl+A takes all. User-interface thread only.
+/// The list of the receiver's files: an icon, the name, the date and the size of each, with the
+/// time of day, the unit and the mark in small print. A tap or the space bar takes a row into the
+/// selection or out of it, so that several are chosen without a second key; Ctrl+A takes all.
+/// User-interface thread only.
 class FileList : public QTreeView, public FileRows
 {
     Q_OBJECT
@@ -40,13 +41,12 @@ public:
     // FileRows
 
     [[nodiscard]] int Count() const override;
-    [[nodiscard]] std::wstring Name(int row) const override;
-    [[nodiscard]] std::wstring Date(int row) const override;
+    [[nodiscard]] const FileRow& At(int row) const override;
     [[nodiscard]] bool IsSelected(int row) const override;
     void Insert(int row, const FileRow& content) override;
     void Remove(int row) override;
     void Clear() override;
-    void SetFetched(int row) override;
+    void SetMark(int row, FileRow::Mark mark) override;
     void Redraw() override;
     void Focus() override;
 

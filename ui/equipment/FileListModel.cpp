@@ -1,6 +1,8 @@
 #include "ui/equipment/FileListModel.h"
 
+#include "core/equipment/FileTexts.h"
 #include "core/resources/StringTable.h"
+#include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 
 namespace fieldcore {
@@ -14,11 +16,32 @@ QString Cell(const FileRow& row, int column)
                                             : row.size);
 }
 
-/// What a screen reader says of the row's first cell.
-QString Spoken(const FileRow& row)
+QString Below(const FileRow& row, int column)
 {
-    QString words = ToQt(row.name) + QLatin1Char(' ') + UiText(text::kFilesIconLive + row.icon);
-    return row.fetched ? words + QLatin1Char(' ') + UiText(text::kFileFetched) : words;
+    if (column == FileList::kDate) {
+        return ToQt(row.time);
+    }
+    if (column != FileList::kName || row.mark == FileRow::Mark::None) {
+        return {};
+    }
+    return UiText(row.mark == FileRow::Mark::Fetched ? text::kFileFetched : text::kFileUnanswered);
+}
+
+QString Unit(const FileRow& row, int column)
+{
+    return column == FileList::kSize ? ToQt(FileSizeUnit(row.size)) : QString();
+}
+
+/// What a screen reader says of a cell.
+QString Spoken(const FileRow& row, int column)
+{
+    QStringList words{Cell(row, column) + Unit(row, column)};
+    if (column == FileList::kName) {
+        words += UiText(text::kFilesIconLive + row.icon);
+    }
+    words += Below(row, column);
+    words.removeAll(QString());
+    return words.join(QLatin1Char(' '));
 }
 
 } // namespace
@@ -61,9 +84,9 @@ void FileListModel::Clear()
     endResetModel();
 }
 
-void FileListModel::SetFetched(int row)
+void FileListModel::SetMark(int row, FileRow::Mark mark)
 {
-    m_rows.at(static_cast<std::size_t>(row)).fetched = true;
+    m_rows.at(static_cast<std::size_t>(row)).mark = mark;
     Q_EMIT dataChanged(index(row, 0), index(row, 0));
 }
 
@@ -90,11 +113,17 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const
     case Qt::DecorationRole:
         return isName ? QVariant(m_images.at(static_cast<std::size_t>(row.icon))) : QVariant();
     case Qt::AccessibleTextRole:
-        return isName ? Spoken(row) : Cell(row, index.column());
+        return Spoken(row, index.column());
     case Qt::TextAlignmentRole:
         return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
-    case kFetchedRole:
-        return row.fetched;
+    case kUnitRole:
+        return Unit(row, index.column());
+    case kBelowRole:
+        return Below(row, index.column());
+    case kBelowColourRole:
+        return !isName                                 ? Theme::Current().text
+               : row.mark == FileRow::Mark::Unanswered ? Theme::Current().bad
+                                                       : Theme::Current().good;
     default:
         return {};
     }

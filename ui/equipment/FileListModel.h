@@ -15,8 +15,10 @@ class FileListModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
-    /// Whether a row has the mark of a file that was fetched, a bool.
-    static constexpr int kFetchedRole = Qt::UserRole;
+    // What stands in small print.
+    static constexpr int kUnitRole = Qt::UserRole;      ///< behind the text
+    static constexpr int kBelowRole = Qt::UserRole + 1; ///< below it
+    static constexpr int kBelowColourRole = Qt::UserRole + 2;
 
     explicit FileListModel(QObject* parent) : QAbstractTableModel(parent) {}
 
@@ -27,7 +29,7 @@ public:
     void Insert(int row, const FileRow& content);
     void Remove(int row);
     void Clear();
-    void SetFetched(int row);
+    void SetMark(int row, FileRow::Mark mark);
     /// @param row  of those that there are
     [[nodiscard]] const FileRow& At(int row) const
     {

@@ -1,7 +1,6 @@
 #include "ui/equipment/RecvFileMan.h"
 
-#include "core/equipment/FileDeletion.h"
-#include "core/equipment/FileDownload.h"
+#include "core/equipment/FileManager.h"
 #include "core/link/Command.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/NMenuBar.h"
@@ -167,15 +166,20 @@ void CRecvFileMan::GetFileData()
         return;
     }
     const Work work(*this);
-    // Looked for each time: a card comes and goes while the sheet is open.
+    m_notice.clear();
+    LookForFetched();
+    m_files.GetFileData(m_target);
+}
+
+/// Each time: a card comes and goes while the sheet is open.
+void CRecvFileMan::LookForFetched()
+{
     std::vector<std::filesystem::path> fetched{m_surroundings.folders.Documents()};
     const auto cards = m_surroundings.folders.StorageCards();
     if (!cards.empty()) {
         fetched.push_back(cards.front());
     }
     m_files.SetFetchedFolders(std::move(fetched));
-    m_wasListed = true;
-    m_wasListed = m_files.GetFileData(m_target) != 0;
 }
 
 int CRecvFileMan::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
@@ -200,36 +204,47 @@ void CRecvFileMan::FileDownload()
         return;
     }
     const Work work(*this);
-    fieldcore::FileDownload::Surroundings around;
+    m_notice.clear();
+    FileManager::Surroundings around;
     around.folders = m_surroundings.folders;
-    around.freeBytes = m_surroundings.freeBytes;
+    around.running.freeBytes = m_surroundings.freeBytes;
     around.askDestination = [this](FileDestination& destination) {
         return CRecvFileSaveDlg(destination, this).DoModal() == kOk;
     };
-    around.watch = [this](const TransferProgress& progress) {
+    around.running.watch = [this](const TransferProgress& progress) {
         if (!m_progress->isVisible()) {
             Page()->HideButtons();
         }
         m_progress->Show(progress);
         return true; // its Cancel button ends the wait that the host has charge of
     };
-    fieldcore::FileDownload(m_files, around).Run();
+    FileManager(m_files, around).FileDownload();
     m_progress->Reset();
 }
 
 void CRecvFileMan::FileDelete()
 {
-    if (CanWork()) {
-        const Work work(*this);
-        FileDeletion(m_files).FileDelete();
-    }
+    Change(&FileManager::FileDelete);
 }
 
 void CRecvFileMan::FileRecover()
 {
-    if (CanWork()) {
-        const Work work(*this);
-        FileDeletion(m_files).FileRecover();
+    Change(&FileManager::FileRecover);
+}
+
+void CRecvFileMan::Change(void (FileManager::*action)())
+{
+    if (!CanWork()) {
+        return;
+    }
+    const Work work(*this);
+    m_notice.clear();
+    LookForFetched();
+    FileManager manager(m_files);
+    (manager.*action)();
+    m_notice = manager.Notice();
+    if (auto unanswered = manager.Unanswered(); !unanswered.empty()) {
+        m_files.ListAgain(m_target, std::move(unanswered));
     }
 }
 

@@ -13,12 +13,13 @@
 
 namespace fieldcore {
 
+class FileManager;
 class RecvFilePage;
 class TransferPanel;
 
 /// The files in the receiver's memory, on a sheet of two pages: those that are live, and those in
 /// the recycle bin. They are fetched to this machine, deleted and brought back; the rules are those
-/// of ReceiverFiles, FileDownload and FileDeletion. User-interface thread only.
+/// of ReceiverFiles and FileManager. User-interface thread only.
 ///
 /// While the receiver is listened to, nothing on the sheet can be pressed but a Cancel button.
 class CRecvFileMan : public PropertySheet
@@ -99,7 +100,9 @@ public:
     /// Lists as soon as the sheet has been painted.
     void ListSoon();
     /// Whether the last listing came to its end.
-    [[nodiscard]] bool WasListed() const { return m_wasListed; }
+    [[nodiscard]] bool WasListed() const { return m_files.ListFault() == CommandFault::None; }
+    /// What went wrong with the last deletion or recovery; empty if nothing did.
+    [[nodiscard]] const std::wstring& Notice() const { return m_notice; }
     [[nodiscard]] ReceiverFiles& Files() { return m_files; }
     /// Whether something is being done, or a listing is about to begin.
     [[nodiscard]] bool IsWorking() const;
@@ -114,6 +117,8 @@ private:
     class Work;
     [[nodiscard]] RecvFilePage* Page() const;
     [[nodiscard]] bool CanWork() const;
+    void LookForFetched();
+    void Change(void (FileManager::*action)());
 
     CCommand& m_command;
     const Surroundings m_surroundings;
@@ -121,7 +126,7 @@ private:
     QtMessageTarget m_target;
     FileImageList* m_images = nullptr;
     bool m_isWorking = false;
-    bool m_wasListed = true;
+    std::wstring m_notice;
     bool m_hasMenu = false;
     TransferPanel* m_progress; // owned by the sheet
 };

@@ -27,7 +27,8 @@ RecvFilePage::RecvFilePage(CRecvFileMan& sheet, int mode)
     : m_man(sheet), m_mode(mode),
       m_list(
           new FileList(sheet.Files().GetCommand().GetHost().IsQ77() ? kListUnitsQ77 : kListUnits)),
-      m_state(new QLabel), m_buttons(new QWidget), m_row(new QHBoxLayout(m_buttons))
+      m_state(new QLabel), m_trouble(new QLabel), m_buttons(new QWidget),
+      m_row(new QHBoxLayout(m_buttons))
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(12, kGrid, 12, kGrid);
@@ -46,6 +47,11 @@ RecvFilePage::RecvFilePage(CRecvFileMan& sheet, int mode)
     connect(reload, &QPushButton::clicked, this, [this] { m_man.GetFileData(); });
     head->addWidget(reload);
     column->addLayout(head);
+    Dialog::SetControlId(m_trouble, kTrouble);
+    m_trouble->setTextFormat(Qt::PlainText);
+    m_trouble->setWordWrap(true);
+    m_trouble->hide();
+    column->addWidget(m_trouble);
 
     Dialog::SetControlId(m_list, kList);
     connect(m_list, &FileList::Changed, this, &RecvFilePage::ShowState);
@@ -116,15 +122,31 @@ void RecvFilePage::ShowState()
         return;
     }
     const int count = m_list->Count();
-    if (m_man.Files().IsListing()) {
-        m_state->setText(ToQt(FormatText(text::kFilesListing, count)));
-    } else if (!m_man.WasListed()) {
-        m_state->setText(UiText(text::kFilesNotListed));
-    } else if (count == 0) {
-        m_state->setText(UiText(text::kFilesEmpty));
-    } else {
-        m_state->setText(ToQt(FormatText(text::kFilesCount, count, SelectedCount(*m_list))));
+    const ReceiverFiles& files = m_man.Files();
+    QStringList trouble;
+    if (!m_man.Notice().empty()) {
+        trouble += ToQt(m_man.Notice());
     }
+    if (files.IsListing()) {
+        m_state->setText(ToQt(FormatText(text::kFilesListing, count)));
+    } else {
+        const wchar_t* const cause = CauseText(files.ListFault());
+        if (count > 0) {
+            m_state->setText(ToQt(FormatText(text::kFilesCount, count, m_list->SelectedCount())));
+        } else {
+            m_state->setText(UiText(m_man.WasListed() ? text::kFilesEmpty : text::kFilesNotListed));
+        }
+        if (files.IsOldList()) {
+            trouble += UiText(text::kFilesNotListed); // why, the notice says
+        } else if (!m_man.WasListed()) {
+            trouble += count > 0 ? ToQt(FormatText(text::kFilesPart, cause)) : ToQt(cause);
+        }
+        if (files.HasMore()) {
+            trouble += ToQt(FormatText(text::kFilesMore, count));
+        }
+    }
+    m_trouble->setText(trouble.join(QLatin1Char('\n')));
+    m_trouble->setVisible(!trouble.isEmpty());
 }
 
 } // namespace fieldcore

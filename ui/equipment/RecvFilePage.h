@@ -27,10 +27,12 @@ public:
     static constexpr int kFetch = 6;   ///< of the receiver's page
     static constexpr int kRecover = 7; ///< of the recycle bin's page
     static constexpr int kNote = 8;    ///< of the receiver's page
+    static constexpr int kTrouble = 9;
 
     [[nodiscard]] FileList& List() const { return *m_list; }
 
-    /// Shows how many files there are and how many of them are selected, or why there are none.
+    /// Shows how many files there are and how many of them are selected; and what went wrong with
+    /// the list or with the last operation, if anything did.
     void ShowState();
     /// Lets the buttons be pressed, or not while something is being done.
     void EnableButtons(bool enabled);
@@ -61,6 +63,7 @@ private:
     FileImageList m_images;
     FileList* m_list; // owned by the page, as is all that follows
     QLabel* m_state;
+    QLabel* m_trouble;
     QWidget* m_buttons;
     QBoxLayout* m_row;
 };

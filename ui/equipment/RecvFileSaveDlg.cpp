@@ -93,18 +93,18 @@ void CRecvFileSaveDlg::BuildControls()
             button->setText(UiText(text::kFileSaveStart));
         }
     }
-    connect(m_card, &QRadioButton::toggled, this, &CRecvFileSaveDlg::ShowFreeSpace);
+    connect(m_card, &QRadioButton::toggled, this, &CRecvFileSaveDlg::ShowAmounts);
+    connect(m_onlyNew, &QCheckBox::toggled, this, &CRecvFileSaveDlg::ShowAmounts);
 }
 
 bool CRecvFileSaveDlg::OnInitDialog()
 {
-    m_summary->setText(ToQt(m_destination.Summary()));
     m_card->setEnabled(m_destination.HasCard());
     const bool isCard = m_destination.kind == FileDestination::Card;
     (isCard ? m_card : m_memory)->setChecked(true);
     m_dateFolders->setChecked(m_destination.dateFolders != 0);
     m_onlyNew->setChecked(m_destination.onlyNew);
-    ShowFreeSpace();
+    ShowAmounts();
     (isCard ? m_card : m_memory)->setFocus();
     return false;
 }
@@ -118,9 +118,11 @@ FileDestination CRecvFileSaveDlg::Chosen() const
     return chosen;
 }
 
-void CRecvFileSaveDlg::ShowFreeSpace()
+/// What is left out depends on the folder, as does its free space.
+void CRecvFileSaveDlg::ShowAmounts()
 {
     const FileDestination chosen = Chosen();
+    m_summary->setText(ToQt(chosen.Summary()));
     const auto free = chosen.FreeBytes();
     const bool isTooLittle = free && *free < chosen.TotalBytes();
     QString words = ToQt(chosen.FreeSpaceText());

@@ -31,7 +31,7 @@ protected:
 private:
     void BuildControls();
     [[nodiscard]] FileDestination Chosen() const;
-    void ShowFreeSpace();
+    void ShowAmounts();
 
     FileDestination& m_destination;
     QLabel* m_summary; // owned by the dialog, as is all that follows

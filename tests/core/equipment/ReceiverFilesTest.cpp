@@ -26,14 +26,15 @@ class ReceiverFilesTest : public FilesTest
 TEST_F(ReceiverFilesTest, ListsEachFamilyInItsManner)
 {
     ReceiverScript lark;
-    lark.records = {LarkRecord("A.Q01", 2048, 0, 86400), LarkRecord("B.C.Q01", 3 << 20, 7)};
+    lark.records = {LarkRecord("A.Q01", 2048, 0, 86400 + 3719), LarkRecord("B.C.Q01", 3 << 20, 7)};
     Start(lark);
     ASSERT_EQ(rows.Count(), 2);
-    EXPECT_EQ(rows.Name(0), L"A");
-    EXPECT_EQ(rows.Date(0), L"80/01/07");
+    EXPECT_EQ(rows.At(0).name, L"A");
+    EXPECT_EQ(rows.At(0).date, L"80/01/07");
+    EXPECT_EQ(rows.At(0).time, L"01:01");
     EXPECT_EQ(rows.At(0).size, L"2.0");
     EXPECT_EQ(rows.At(0).icon, FileRow::Live);
-    EXPECT_EQ(rows.Name(1), L"B");
+    EXPECT_EQ(rows.At(1).name, L"B");
     EXPECT_EQ(rows.At(1).size, L"3.0M");
     EXPECT_EQ(rows.At(1).icon, FileRow::Logging);
     EXPECT_EQ(files->GetLogging(), 1);
@@ -54,12 +55,12 @@ TEST_F(ReceiverFilesTest, ListsEachFamilyInItsManner)
                     PicaRecord(7, "A0314A01", 0, kDay)};
     Start(pica);
     ASSERT_EQ(rows.Count(), 2);
-    EXPECT_EQ(rows.Date(0), L"26/03/15");
+    EXPECT_EQ(rows.At(0).date, L"26/03/15");
     EXPECT_EQ(rows.At(0).icon, FileRow::Logging);
     EXPECT_EQ(files->GetFileAttr(0, 0), 1);
     EXPECT_EQ(files->GetFileAttr(1, 1), 1) << "record 1 is row 0";
-    EXPECT_EQ(files->GetFileIndex_Pica(0), 300);
-    EXPECT_EQ(files->GetFileIndex_Pica(1), 7);
+    EXPECT_EQ(files->GetFileIndex_Pica(L"A0314A00"), 300);
+    EXPECT_EQ(files->GetFileIndex_Pica(L"A0314A01"), 7);
 }
 
 TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
@@ -123,24 +124,6 @@ TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
     EXPECT_EQ(opened.Open(refused), ReceiverFiles::NotOpened);
 }
 
-TEST_F(ReceiverFilesTest, ClosingFollowsTheAnswer)
-{
-    struct Row
-    {
-        int answer;
-        int closes;
-        bool powersOff;
-    };
-    for (const Row& row : {Row{1, 1, false}, Row{2, 0, false}, Row{3, 1, true}, Row{0, 1, true}}) {
-        SCOPED_TRACE(row.answer);
-        Start(ReceiverScript{});
-        EXPECT_EQ(files->CheckIDCANCEL(row.answer), row.closes);
-        EXPECT_EQ(command.IsPortOpen(), row.closes == 1 ? 0 : 1);
-        const auto& requests = receiver->Requests();
-        EXPECT_EQ(requests.back()[2] == 0x84, row.powersOff);
-    }
-}
-
 /// Keeps messages back, as a window does.
 class QueueingTarget : public MessageTarget
 {
@@ -196,7 +179,9 @@ TEST_F(ReceiverFilesTest, MarksWhatWasFetched)
     constexpr std::array kFetched{true, true, false, false, false, false, false};
     ASSERT_EQ(rows.Count(), 7);
     for (int row = 0; row < 7; ++row) {
-        EXPECT_EQ(rows.At(row).fetched, kFetched.at(static_cast<std::size_t>(row))) << row;
+        EXPECT_EQ(rows.At(row).mark == FileRow::Mark::Fetched,
+                  kFetched.at(static_cast<std::size_t>(row)))
+            << row;
     }
 }
 

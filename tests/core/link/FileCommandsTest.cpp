@@ -18,6 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::Bytes;
 using testing::Frame;
+using testing::Joined;
 using testing::LarkRecord;
 using testing::Page;
 using testing::PicaRecord;
@@ -195,6 +196,12 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
          0, 8, 2},
         {"Lark that leaves pages out", false, [&](const Bytes&) { return larkPages(3, 2, true); },
          0, 24, 2},
+        {"Lark with the marked page first", false,
+         [&](const Bytes&) {
+             return ScriptedEnd::Answer{
+                 Joined({Page(0x9D, 0x82, larks), Page(0x9D, 0, larks), Page(0x9D, 1, larks)})};
+         },
+         1, 24, 1},
         {"Lark that falls silent", false, [&](const Bytes&) { return larkPages(2, 1, false); }, 0,
          16, 2},
     };

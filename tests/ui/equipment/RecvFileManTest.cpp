@@ -7,7 +7,6 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/Theme.h"
-#include "ui/equipment/FileListModel.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
@@ -18,7 +17,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <random>
 
 namespace fieldcore {
 namespace {
@@ -37,11 +35,6 @@ ExpectedBox Told(const wchar_t* text, const wchar_t* caption, int icon)
     return {text, caption, icon, {text::kButtonOk}, text::kButtonOk};
 }
 
-ExpectedBox Asked(const wchar_t* text, const wchar_t* caption, int answer)
-{
-    return {text, caption, text::kMessageIconQuestion, {text::kButtonYes, text::kButtonNo}, answer};
-}
-
 /// Presses the start button of the destination dialog, after what @p choose does there.
 std::function<void(QWidget&)> Starting(std::function<void(CRecvFileSaveDlg&)> choose = {})
 {
@@ -57,12 +50,6 @@ std::function<void(QWidget&)> Starting(std::function<void(CRecvFileSaveDlg&)> ch
 
 constexpr const wchar_t* kDone = L"すべてのデータの取得が完了しました。";
 constexpr const wchar_t* kDoneCaption = L"データ取得完了";
-constexpr const wchar_t* kWarning = L"データ選択警告";
-
-/// A receiver whose file ends before its listed size.
-constexpr const char* kLess =
-    "model 3017\nfirmware 3.20\noptions l2 rtk otf nmea glonass\nfix fixed\n"
-    "file LESS 1000 2026-03-14 01:39 announces 20000\n";
 
 /// One that logs into the last of its files.
 constexpr const char* kLogging =
@@ -203,19 +190,19 @@ TEST_F(RecvFileManTest, SelectsWholeRowsWithFingersAndKeys)
     Tap(1);
     Tap(3);
     EXPECT_TRUE(List().IsSelected(1) && List().IsSelected(3));
-    EXPECT_EQ(SelectedCount(List()), 2) << "the second tap must not undo the first";
+    EXPECT_EQ(List().SelectedCount(), 2) << "the second tap must not undo the first";
     EXPECT_EQ(List().selectionModel()->selectedIndexes().size(), 6) << "all three columns of each";
     EXPECT_EQ(qobject_cast<QLabel*>(Find(RecvFilePage::kState))->text(),
               QStringLiteral("6 件　選択 2 件"));
     Tap(1);
-    EXPECT_EQ(SelectedCount(List()), 1);
+    EXPECT_EQ(List().SelectedCount(), 1);
     Click(RecvFilePage::kSelectAll);
-    EXPECT_EQ(SelectedCount(List()), 6);
+    EXPECT_EQ(List().SelectedCount(), 6);
     EXPECT_EQ(sheet->focusWidget(), &List());
     QTest::keyClick(&List(), Qt::Key_Home);
     QTest::keyClick(&List(), Qt::Key_Space);
     EXPECT_FALSE(List().IsSelected(0));
-    EXPECT_EQ(SelectedCount(List()), 5);
+    EXPECT_EQ(List().SelectedCount(), 5);
 }
 
 TEST_F(RecvFileManTest, ShowsRowsWhileTheListingRuns)
@@ -283,118 +270,7 @@ TEST_F(RecvFileManTest, FetchesToTheCardWhereThereIsOne)
     home.Write("mounts", ""); // the card is taken out
     Click(RecvFilePage::kReload);
     WaitForList();
-    EXPECT_FALSE(List().model()->index(0, 0).data(FileListModel::kFetchedRole).toBool());
-}
-
-TEST_F(RecvFileManTest, SaysWhyItDoesNotFetch)
-{
-    struct Row
-    {
-        const char* fault;
-        const char* receiver;
-        std::vector<int> taps;
-        std::uint64_t free;
-        ExpectedBox box;
-        bool asksWhere;
-    };
-    constexpr std::uint64_t kMuch = std::uint64_t{1} << 40U;
-    const Row rows[] = {
-        {"nothing selected",
-         "lark",
-         {},
-         kMuch,
-         Told(L"取得データを選択してください。", kWarning, text::kMessageIconExclamation),
-         false},
-        {"being logged",
-         kLogging,
-         {0, 2},
-         kMuch,
-         Told(L"選択したデータは、現在ロギング中のため取得できません。", kWarning,
-              text::kMessageIconExclamation),
-         false},
-        {"no space",
-         "lark",
-         {0},
-         57855, // 1.2 times the size would be 57855.6
-         Told(L"保存先メモリの空き領域が不足しているため、データの取得を中止します。",
-              L"メモリ残量エラー", text::kMessageIconStop),
-         true},
-        {"the receiver gives less than it says",
-         kLess,
-         {0},
-         kMuch,
-         Told(L"データの取得に失敗しました。", L"データ取得エラー", text::kMessageIconStop),
-         true},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Connect(row.receiver);
-        freeBytes = row.free;
-        Show();
-        for (const int tap : row.taps) {
-            Tap(tap);
-        }
-        bool wasAsked = false;
-        Surveyor surveyor;
-        surveyor.boxes = {row.box};
-        surveyor.onOther = Starting([&](CRecvFileSaveDlg&) { wasAsked = true; });
-        Click(RecvFilePage::kFetch);
-        EXPECT_EQ(wasAsked, row.asksWhere);
-        EXPECT_EQ(sheet->focusWidget(), &List());
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(home.Path())) {
-            EXPECT_TRUE(!entry.is_regular_file() || entry.path().extension() == ".part" ||
-                        entry.path().extension() == ".info")
-                << entry.path();
-        }
-    }
-}
-
-TEST_F(RecvFileManTest, AsksOnceBeforeItOverwrites)
-{
-    Connect("lark");
-    home.Write("Documents/A0314A00.Q02", "old");
-    home.Write("Documents/A0314B00.Q02", "old");
-    const auto withoutDates = [](CRecvFileSaveDlg& dialog) {
-        for (QCheckBox* const box : dialog.findChildren<QCheckBox*>()) {
-            if (box->text() == QStringLiteral("観測日毎にフォルダを作成する")) {
-                EXPECT_TRUE(box->isChecked());
-                box->click();
-            }
-        }
-    };
-    const wchar_t* const question =
-        L"保存先のフォルダには既に、選択したデータと同じ名称のファイルが存在します。\n\n"
-        L"既存のファイルはすべて新しいファイルで上書きされますが、続行しますか？";
-    for (const bool yes : {false, true}) {
-        SCOPED_TRACE(yes);
-        Show();
-        Tap(0);
-        Tap(1);
-        Surveyor surveyor;
-        surveyor.onOther = Starting(withoutDates);
-        surveyor.boxes = {
-            Asked(question, L"ファイルの上書き確認", yes ? text::kButtonYes : text::kButtonNo)};
-        if (yes) {
-            surveyor.boxes.push_back(Told(kDone, kDoneCaption, text::kMessageIconInformation));
-        }
-        Click(RecvFilePage::kFetch);
-        EXPECT_EQ(Read(Documents() / "A0314A00.Q02"), yes ? Content("A0314A00.Q02") : "old");
-        EXPECT_EQ(Read(Documents() / "A0314B00.Q02"), yes ? Content("A0314B00.Q02") : "old");
-    }
-    // Those that are there now can be left out.
-    Show();
-    Tap(0);
-    Surveyor surveyor;
-    surveyor.boxes = {
-        Told(L"選択したデータはすべて取得済みです。", kDoneCaption, text::kMessageIconInformation)};
-    surveyor.onOther = Starting([](CRecvFileSaveDlg& dialog) {
-        for (QCheckBox* const box : dialog.findChildren<QCheckBox*>()) {
-            if (box->text() == QStringLiteral("取得済みのデータを除く")) {
-                box->click();
-            }
-        }
-    });
-    Click(RecvFilePage::kFetch);
+    EXPECT_EQ(List().At(0).mark, FileRow::Mark::None);
 }
 
 TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
@@ -473,90 +349,6 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
     host.onBreath = {};
 }
 
-TEST_F(RecvFileManTest, AsksBeforeItDeletes)
-{
-    struct Row
-    {
-        const char* fault;
-        const char* receiver;
-        unsigned page;
-        std::vector<int> taps;
-        std::vector<ExpectedBox> boxes;
-        int left; ///< rows
-    };
-    const wchar_t* const forGood =
-        L"選択されたファイルを受信機から完全に削除します。\nよろしいですか？";
-    const wchar_t* const fromBin = L"ゴミ箱内のデータを削除すると、元に復帰できませせん。\n"
-                                   L"データを完全に削除してもよろしいですか？";
-    const wchar_t* const caption = L"データ削除確認";
-    const Row rows[] = {
-        {"nothing selected",
-         "lark",
-         0,
-         {},
-         {Told(L"削除データを選択してください。", kWarning, text::kMessageIconExclamation)},
-         6},
-        {"no", "lark", 0, {1}, {Asked(forGood, caption, text::kButtonNo)}, 6},
-        {"for good", "lark", 0, {1, 4}, {Asked(forGood, caption, text::kButtonYes)}, 4},
-        {"into the bin: not asked", "pica", 0, {1}, {}, 2},
-        {"out of the bin: no",
-         "lettered-power",
-         1,
-         {0},
-         {Asked(fromBin, caption, text::kButtonNo)},
-         2},
-        {"out of the bin",
-         "lettered-power",
-         1,
-         {0},
-         {Asked(fromBin, caption, text::kButtonYes)},
-         1},
-        {"only one, being logged",
-         kLogging,
-         0,
-         {2},
-         {Asked(forGood, caption, text::kButtonYes),
-          Told(L"指定ファイルは、現在ロギング中のため削除を行えません。", kWarning,
-               text::kMessageIconExclamation)},
-         3},
-        {"one of several being logged",
-         kLogging,
-         0,
-         {0, 2},
-         {Asked(forGood, caption, text::kButtonYes),
-          Told(L"削除選択データ中にロギングデータが含まれて居ます。\n"
-               L"ロギングデータの削除は行えません。",
-               kWarning, text::kMessageIconExclamation)},
-         2},
-        {"nothing to recover selected",
-         "pica",
-         1,
-         {},
-         {Told(L"復帰データを選択してください。", kWarning, text::kMessageIconExclamation)},
-         2},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Connect(row.receiver);
-        Show(row.page);
-        for (const int tap : row.taps) {
-            Tap(tap);
-        }
-        const bool isRecovery = std::string_view(row.fault).find("recover") != std::string::npos;
-        const std::size_t before = receiver->Files().size();
-        Surveyor surveyor;
-        surveyor.boxes = row.boxes;
-        Click(isRecovery ? RecvFilePage::kRecover : RecvFilePage::kDelete);
-        EXPECT_EQ(List().Count(), row.left);
-        const bool isMoved = std::string_view(row.receiver) == "pica";
-        Click(RecvFilePage::kReload);
-        WaitForList();
-        EXPECT_EQ(List().Count(), row.left) << "the receiver has done something else";
-        EXPECT_EQ(receiver->Files().size() == before,
-                  isMoved || row.left == 6 || row.left == (row.page == 1 ? 2 : 3));
-    }
-}
-
 TEST_F(RecvFileManTest, BringsFilesBack)
 {
     for (const char* const name : {"pica", "lettered-power"}) {
@@ -571,19 +363,6 @@ TEST_F(RecvFileManTest, BringsFilesBack)
         WaitForList();
         EXPECT_EQ(List().Count(), 4) << "the receiver lists it as live";
     }
-}
-
-TEST_F(RecvFileManTest, SaysThatTheListIsNotWhole)
-{
-    Connect("pica");
-    Show();
-    receiver->HangUp();
-    Click(RecvFilePage::kReload);
-    WaitForList();
-    EXPECT_EQ(qobject_cast<QLabel*>(Find(RecvFilePage::kState))->text(),
-              UiText(text::kFilesNotListed));
-    KeepPicture(*sheet, QStringLiteral("files-not-listed"));
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(RecvFileManTest, RefusesAReceiverThatItIsNotFor)
@@ -644,55 +423,6 @@ TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
                         [](const auto& frame) { return frame.size() > 2 && frame[2] == 0x84; });
         EXPECT_EQ(switchedOff, row.button == text::kEndProgramPowerOff);
     }
-}
-
-TEST_F(RecvFileManTest, StandsAThousandRandomEvents)
-{
-    Connect("lettered-power");
-    Show(0, 1);
-    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same events every time
-    const auto below = [&](int limit) {
-        return static_cast<int>(random() % static_cast<unsigned>(limit));
-    };
-    constexpr std::array kKeys{Qt::Key_Tab,    Qt::Key_Left,  Qt::Key_Right, Qt::Key_Up,
-                               Qt::Key_Down,   Qt::Key_Home,  Qt::Key_End,   Qt::Key_F5,
-                               Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape};
-    QTimer closer; // answers whatever opens over the sheet, in any way
-    QObject::connect(&closer, &QTimer::timeout, &closer, [&] {
-        auto* const over = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (over == nullptr || over == sheet.get()) {
-            return;
-        }
-        const auto buttons = over->findChildren<QAbstractButton*>();
-        if (qobject_cast<CPrgEndMes*>(over) == nullptr && !buttons.empty() && below(3) > 0) {
-            QTest::mouseClick(buttons[below(static_cast<int>(buttons.size()))], Qt::LeftButton);
-        } else {
-            QTest::keyClick(over, Qt::Key_Escape);
-        }
-    });
-    closer.start(0);
-    for (int event = 0; event < 1000; ++event) {
-        if (below(3) == 0) {
-            const QPoint point(below(sheet->width()), below(sheet->height()));
-            if (QWidget* const hit = sheet->childAt(point)) {
-                QTest::mouseClick(hit, Qt::LeftButton, {}, hit->mapFrom(sheet.get(), point));
-            }
-        } else {
-            QWidget* const focus = QApplication::focusWidget();
-            QTest::keyClick(focus != nullptr ? focus : sheet.get(),
-                            kKeys[static_cast<std::size_t>(below(kKeys.size()))]);
-        }
-        QCoreApplication::processEvents();
-        ASSERT_TRUE(sheet->isVisible()) << "event " << event << ": left without an answer";
-        ASSERT_EQ(command->IsPortOpen(), 1) << "event " << event;
-        ASSERT_FALSE(sheet->Progress().isVisible()) << "event " << event;
-        ASSERT_LE(SelectedCount(List()), List().Count()) << "event " << event;
-    }
-    closer.stop();
-    Click(RecvFilePage::kReload);
-    WaitForList();
-    EXPECT_TRUE(sheet->WasListed());
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(RecvFileManTest, FitsSmallAndLargeScreensInLargeFonts)
