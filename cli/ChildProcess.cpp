@@ -1,7 +1,10 @@
 #include "cli/ChildProcess.h"
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <initializer_list>
 #include <string_view>
 #include <system_error>
@@ -44,10 +47,63 @@ std::vector<std::string> EnvironmentOf(const ChildProcess& child)
     return environment;
 }
 
+constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<pid_t> childProcess{0};      // 0: it is not there yet
+std::atomic<int> signalBeforeProcess{0}; // 0: none
+
+extern "C" void PassOn(int number, siginfo_t* info, void* /*context*/)
+{
+    if (info->si_code > 0) {
+        return; // by the system for the terminal's foreground, which the command belongs to
+    }
+    if (const pid_t process = childProcess.load(); process != 0) {
+        kill(process, number);
+    } else {
+        signalBeforeProcess = number;
+    }
+}
+
+/// Passes signals on for as long as it lives.
+class SignalRelay
+{
+public:
+    SignalRelay()
+    {
+        childProcess = 0;
+        signalBeforeProcess = 0;
+        struct sigaction action = {};
+        action.sa_sigaction = PassOn;
+        action.sa_flags = SA_SIGINFO;
+        sigemptyset(&action.sa_mask);
+        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
+            sigaction(kStopSignals[i], &action, &m_before[i]);
+        }
+    }
+    ~SignalRelay()
+    {
+        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
+            sigaction(kStopSignals[i], &m_before[i], nullptr);
+        }
+    }
+    SignalRelay(const SignalRelay&) = delete;
+    SignalRelay& operator=(const SignalRelay&) = delete;
+
+    static void Begin(pid_t process)
+    {
+        childProcess = process;
+        if (const int number = signalBeforeProcess.exchange(0); number != 0) {
+            kill(process, number);
+        }
+    }
+
+private:
+    std::array<struct sigaction, kStopSignals.size()> m_before{};
+};
+
 } // namespace
 
-std::optional<int> RunChild(const ChildProcess& child, const std::function<int()>& stopSignal,
-                            std::string& error)
+std::optional<int> RunChild(const ChildProcess& child, std::string& error)
 {
     std::vector<std::string> arguments = child.arguments;
     std::vector<std::string> environment = EnvironmentOf(child);
@@ -60,6 +116,7 @@ std::optional<int> RunChild(const ChildProcess& child, const std::function<int()
     }
     posix_spawnattr_setsigdefault(&attributes, &ours);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    const SignalRelay relay;
     pid_t process = 0;
     const int failure = posix_spawnp(&process, arguments.front().c_str(), nullptr, &attributes,
                                      Pointers(arguments).data(), Pointers(environment).data());
@@ -68,11 +125,15 @@ std::optional<int> RunChild(const ChildProcess& child, const std::function<int()
         error = std::generic_category().message(failure);
         return std::nullopt;
     }
+    SignalRelay::Begin(process);
+    // Its number stays taken until it has been waited for: no signal meets a stranger.
+    siginfo_t ended = {};
+    while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT) < 0 &&
+           errno == EINTR) {
+    }
+    childProcess = 0;
     int status = 0;
     while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-        if (stopSignal() != 0 && stopSignal() != SIGINT) {
-            kill(process, stopSignal());
-        }
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

@@ -45,14 +45,15 @@ Value Degrees(double rad)
     return Value::Real(rad * 180.0 / std::numbers::pi, 4, "deg");
 }
 
-struct Column
+std::string LineOf(std::string state, std::string tilt, std::string first, std::string second,
+                   std::string calibration)
 {
-    const char* label;
-    std::size_t width;
-};
-
-constexpr std::array<Column, 4> kColumns{
-    {{"state", 17}, {"tilt", 14}, {"components", 30}, {"calibration", 13}}};
+    return TableLine({{std::move(state), 17},
+                      {std::move(tilt), 14},
+                      {std::move(first), 17},
+                      {std::move(second), 18},
+                      {std::move(calibration), 0}});
+}
 
 } // namespace
 
@@ -76,24 +77,14 @@ void AddTilt(Report& report, const TiltSettings& tilt)
 std::string TiltLine(const TiltSettings& tilt)
 {
     const TiltReading reading = tilt.Reading().value_or(TiltReading{});
-    const std::string values[] = {StateOf(reading).Words(), Degrees(reading.tiltRad).Words(),
-                                  Degrees(reading.t1Rad).Words() + "  " +
-                                      Degrees(reading.t2Rad).Words(),
-                                  CalibrationOf(reading).Words()};
-    std::string line;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) {
-        line += Padded(values[i], kColumns[i].width);
-    }
-    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    return LineOf(StateOf(reading).Words(), Degrees(reading.tiltRad).Words(),
+                  Degrees(reading.t1Rad).Words(), Degrees(reading.t2Rad).Words(),
+                  CalibrationOf(reading).Words());
 }
 
 std::string TiltHeader()
 {
-    std::string line;
-    for (const Column& column : kColumns) {
-        line += Padded(column.label, column.width);
-    }
-    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    return LineOf("STATE", "TILT", "FIRST COMPONENT", "SECOND COMPONENT", "CALIBRATION");
 }
 
 } // namespace fieldcore::cli

@@ -75,7 +75,7 @@ std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstri
         if (graph == PlanGraph::Count) {
             rows += begin(k) + Fixed(plan.CountAt(k), 0) + kLineEnd;
         } else if (IsDilution(graph)) {
-            rows += begin(k + 1) + Fixed(plan.DopAt(graph, k), 2) + kLineEnd;
+            rows += begin(k + 1) + Fixed(SampleAt(plan, graph, k).value_or(NAN), 2) + kLineEnd;
         }
     }
     if (graph == PlanGraph::Count || IsDilution(graph)) {

@@ -846,6 +846,9 @@ constexpr Entry kEntries[] = {
     Entry{text::kPortNameDevice, L"COM番号に割り当てられたデバイスのパスが正しくありません。"},
     Entry{text::kFramesLine, L"文字「%1」"},
     Entry{text::kFramesNoise, L"フレーム外"},
+    Entry{text::kScenarioUnknown, L"この名前のシナリオもファイルもありません。"},
+    Entry{text::kScenarioDamaged, L"シナリオのファイルに誤りがあります。"},
+    Entry{text::kScenarioNotStarted, L"シミュレータを開始できません。"},
 };
 
 static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),

@@ -814,6 +814,11 @@ inline constexpr int kReceiverNoSerial = 60676; ///< in place of the serial numb
 inline constexpr int kFramesUnknown = 60677;    ///< a frame of an unknown type
 inline constexpr int kPlanWindowLine = 60678;   ///< from, to, minutes, satellites, PDOP
 
+// Why the simulated receiver that was named does not start: causes of kPortUnusableTarget
+inline constexpr int kScenarioUnknown = 61590;
+inline constexpr int kScenarioDamaged = 61591;
+inline constexpr int kScenarioNotStarted = 61592;
+
 // Choosing a file
 inline constexpr int kFileOpen = 60680;
 inline constexpr int kFileSave = 60681;

@@ -283,12 +283,5 @@ TEST(Trace, ALogThatCannotBeWrittenIsToldOnce)
     EXPECT_EQ(told[0]["text"], "The log /dev/full can no longer be written.");
 }
 
-TEST(Trace, AnEmptyLogIsNoFault)
-{
-    Runner runner;
-    runner.Folder().Write("log", "\r\n");
-    EXPECT_EQ(runner.Run("trace @/log").code, 0);
-}
-
 } // namespace
 } // namespace fieldcore::cli::test
