@@ -95,7 +95,7 @@ std::string Comparable(std::string text, const std::string& folder)
     const std::pair<const char*, const char*> rules[] = {
         {R"(/home/surveyor)", "/home"},
         {R"(/tmp/fieldcore-sim-\w+)", "/tmp/SIM"},
-        {R"(\d\d:\d\d\.\d\d\d)", "MM:SS.SSS"}, // in logs
+        {R"(\d\d:\d+\.\d\d\d)", "MM:SS.SSS"}, // in logs
         // How long it took until the receiver was asked shows in its seconds and in its sky.
         {R"((\d\d:\d\d):\d\d)", "$1:SS"},
         {R"(((?:second of the|gpsSecondsOf)\W?[wW]eek\W+)\d+)", "$1S"},
