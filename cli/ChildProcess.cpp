@@ -64,43 +64,6 @@ extern "C" void PassOn(int number, siginfo_t* info, void* /*context*/)
     }
 }
 
-/// Passes signals on for as long as it lives.
-class SignalRelay
-{
-public:
-    SignalRelay()
-    {
-        childProcess = 0;
-        signalBeforeProcess = 0;
-        struct sigaction action = {};
-        action.sa_sigaction = PassOn;
-        action.sa_flags = SA_SIGINFO;
-        sigemptyset(&action.sa_mask);
-        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
-            sigaction(kStopSignals[i], &action, &m_before[i]);
-        }
-    }
-    ~SignalRelay()
-    {
-        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
-            sigaction(kStopSignals[i], &m_before[i], nullptr);
-        }
-    }
-    SignalRelay(const SignalRelay&) = delete;
-    SignalRelay& operator=(const SignalRelay&) = delete;
-
-    static void Begin(pid_t process)
-    {
-        childProcess = process;
-        if (const int number = signalBeforeProcess.exchange(0); number != 0) {
-            kill(process, number);
-        }
-    }
-
-private:
-    std::array<struct sigaction, kStopSignals.size()> m_before{};
-};
-
 } // namespace
 
 std::optional<int> RunChild(const ChildProcess& child, std::string& error)
@@ -116,24 +79,41 @@ std::optional<int> RunChild(const ChildProcess& child, std::string& error)
     }
     posix_spawnattr_setsigdefault(&attributes, &ours);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-    const SignalRelay relay;
+    std::array<struct sigaction, kStopSignals.size()> actions{};
+    for (struct sigaction& action : actions) {
+        action.sa_sigaction = PassOn;
+        action.sa_flags = SA_SIGINFO;
+    }
+    const auto exchangeActions = [&actions] { // and back at the second call
+        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
+            const struct sigaction next = actions[i];
+            sigaction(kStopSignals[i], &next, &actions[i]);
+        }
+    };
+    signalBeforeProcess = 0;
+    exchangeActions();
     pid_t process = 0;
     const int failure = posix_spawnp(&process, arguments.front().c_str(), nullptr, &attributes,
                                      Pointers(arguments).data(), Pointers(environment).data());
     posix_spawnattr_destroy(&attributes);
+    int status = 0;
+    if (failure == 0) {
+        childProcess = process;
+        if (const int number = signalBeforeProcess.exchange(0); number != 0) {
+            kill(process, number);
+        }
+        // Its number stays taken until it has been waited for: no signal meets a stranger.
+        siginfo_t ended = {};
+        while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT) < 0 &&
+               errno == EINTR) {
+        }
+        childProcess = 0;
+        waitpid(process, &status, 0); // at once
+    }
+    exchangeActions();
     if (failure != 0) {
         error = std::generic_category().message(failure);
         return std::nullopt;
-    }
-    SignalRelay::Begin(process);
-    // Its number stays taken until it has been waited for: no signal meets a stranger.
-    siginfo_t ended = {};
-    while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT) < 0 &&
-           errno == EINTR) {
-    }
-    childProcess = 0;
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

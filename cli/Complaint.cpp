@@ -35,6 +35,10 @@ std::size_t Mistypings(const std::string& typed, const std::string& meant)
 /// "Did you mean ...?"; empty if nothing is near enough.
 std::string Guess(const std::string& typed, const std::vector<std::string>& known)
 {
+    constexpr std::size_t kLongest = 30; // of what could be meant
+    if (typed.size() > kLongest) {
+        return "";
+    }
     std::string nearest;
     std::size_t fewest = std::max<std::size_t>(1, typed.size() / 3) + 1;
     for (const std::string& candidate : known) {

@@ -35,25 +35,24 @@ void PortOptions::AddTo(CLI::App& command)
                                                    {"dsrdtr", FlowControl::DsrDtr}};
     const std::map<std::string, int> parities{{"none", 0}, {"odd", 1}, {"even", 2}};
 
+    command.option_defaults()->group("Port");
     // What there is to choose from is told by the texts; the parser's own description of it is hard
     // to read.
     const auto add = [&command](const char* name, auto& value, const char* type,
                                 const char* purpose, CLI::Validator choices) {
         command.add_option(name, value, purpose)
             ->transform(choices.description(""))
-            ->type_name(type)
-            ->group("Port");
+            ->type_name(type);
     };
     AddText(command, "-p,--port", port, "PORT",
-            "COM1, a path, sim: or sim:SCENARIO (else $FIELDCORE_PORT, else as stored)")
-        ->group("Port");
+            "COM1, a path, sim: or sim:SCENARIO (else $FIELDCORE_PORT, else as stored)");
     add("--baud", baudRate, "RATE",
         "Rate, bit/s: 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200 or 230400",
         CLI::IsMember(rates));
     add("--bits", dataBits, "N", "Data bits, 7 or 8", CLI::IsMember(std::set<int>{7, 8}));
     add("--parity", parity, "PARITY", "none, odd or even",
         CLI::CheckedTransformer(parities, CLI::ignore_case));
-    add("--stop-bits", stopBits, "N", "1 or 2", CLI::IsMember(std::set<int>{1, 2}));
+    add("--stop-bits", stopBits, "N", "Stop bits, 1 or 2", CLI::IsMember(std::set<int>{1, 2}));
     add("--flow", flow, "FLOW", "Handshake: none, xonxoff, rtscts or dsrdtr",
         CLI::CheckedTransformer(flows, CLI::ignore_case));
     AddSessionTo(command);
@@ -61,16 +60,15 @@ void PortOptions::AddTo(CLI::App& command)
 
 void PortOptions::AddSessionTo(CLI::App& command)
 {
+    command.option_defaults()->group("Port");
     AddNumber(command, "--timeout", timeoutS, {0.05, 600.0, "s", "2"}, "SECONDS",
-              "How long an answer may take")
-        ->group("Port");
+              "How long an answer may take");
     AddText(command, "--log", log, "FILE",
-            "Append all that passes the line to this file; see trace")
-        ->group("Port");
+            "Append all that passes the line to this file; see trace");
     AddNumber(command, "--speed", speed,
               {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times as fast", "1"}, "N",
-              "Let time run faster; only with sim:")
-        ->group("Port");
+              "Let time run faster; only with sim:");
+    command.option_defaults()->group("Options");
 }
 
 } // namespace fieldcore::cli
