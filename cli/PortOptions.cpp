@@ -66,8 +66,8 @@ void PortOptions::AddSessionTo(CLI::App& command)
     AddText(command, "--log", log, "FILE",
             "Append all that passes the line to this file; see trace");
     AddNumber(command, "--speed", speed,
-              {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times as fast", "1"}, "N",
-              "Let time run faster; only with sim:");
+              {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times", "1"}, "N",
+              "How fast time runs with sim:");
     command.option_defaults()->group("Options");
 }
 

@@ -123,10 +123,10 @@ Command AddSimCommand(CLI::App& program)
             ->excludes(scenario);
         AddText(run, "--link", options->link, "PATH",
                 "Where the port appears (a fresh temporary folder)");
-        AddNumber(run, "--speed", options->speed,
-                  {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times as fast",
-                   "as the scenario says"},
-                  "N", "Let the receiver's time run faster");
+        AddNumber(
+            run, "--speed", options->speed,
+            {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times", "as the scenario says"},
+            "N", "How fast the receiver's time runs");
     };
     return AddCommands(
         program, {"sim", "A receiver in software", nullptr, {}, {}},
