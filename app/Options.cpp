@@ -1,10 +1,12 @@
 #include "app/Options.h"
 
+#include "core/platform/FastClock.h"
+
 #include <QCommandLineParser>
 
 namespace fieldcore {
 
-AppOptions ParseOptions(const QStringList& arguments)
+AppOptions ParseArguments(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -20,7 +22,7 @@ AppOptions ParseOptions(const QStringList& arguments)
                                    QStringLiteral("THEME"));
     const QCommandLineOption speed(
         QStringLiteral("speed"),
-        QStringLiteral("Let time run this many times as fast; only with sim:, 0.1 to 100."),
+        QStringLiteral("Let time run this many times as fast; only with sim:, 0.1 to 1000."),
         QStringLiteral("N"));
     const QCommandLineOption screenshots(
         QStringLiteral("screenshots"),
@@ -51,8 +53,9 @@ AppOptions ParseOptions(const QStringList& arguments)
     if (parser.isSet(speed)) {
         bool isNumber = false;
         options.speed = parser.value(speed).toDouble(&isNumber);
-        if (!isNumber || !(options.speed >= 0.1 && options.speed <= 100.0)) {
-            options.fault = QStringLiteral("--speed must be 0.1 to 100.");
+        if (!isNumber || !(options.speed >= FastClock::kLowestSpeed &&
+                           options.speed <= FastClock::kHighestSpeed)) {
+            options.fault = QStringLiteral("--speed must be 0.1 to 1000.");
         }
     }
     if (parser.isSet(theme)) {

@@ -14,7 +14,7 @@ struct AppOptions
 {
     QString port;                     ///< empty: the one of the settings
     std::optional<Theme::Kind> theme; ///< nothing: the one of the settings
-    double speed = 1.0;               ///< of the simulator's time and the program's, 0.1 to 100
+    double speed = 1.0;               ///< of the simulator's time and the program's, 0.1 to 1000
     QString screenshots;              ///< folder; empty: an ordinary session
     bool isQ77 = false;               ///< the layouts of the taller controller, whatever is set
     bool firstPage = false;           ///< end when the first page has been painted: for measuring
@@ -25,6 +25,6 @@ struct AppOptions
 };
 
 /// @param arguments  the program's name first
-[[nodiscard]] AppOptions ParseOptions(const QStringList& arguments);
+[[nodiscard]] AppOptions ParseArguments(const QStringList& arguments);
 
 } // namespace fieldcore

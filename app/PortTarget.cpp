@@ -4,10 +4,13 @@
 #include "core/link/Command.h"
 #include "core/platform/PortNames.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace fieldcore {
@@ -36,31 +39,39 @@ FoundTarget PortTarget::Resolve(const std::string& port)
     if (!found.scenario) {
         return found;
     }
-    if (StartSimulator(found.scenario->empty() ? "lark" : *found.scenario, found.detail)) {
+    const int cause =
+        StartSimulator(found.scenario->empty() ? "lark" : *found.scenario, found.detail);
+    found.fault.clear();
+    if (cause == 0) {
         found.target = TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
         found.detail.clear();
+    } else {
+        found.fault = FormatText(text::kPortUnusableTarget, FromUtf8(port).substr(0, 40).c_str(),
+                                 Text(cause));
     }
-    found.fault = FromUtf8(found.detail);
     return found;
 }
 
-bool PortTarget::StartSimulator(const std::string& scenario, std::string& error)
+int PortTarget::StartSimulator(const std::string& scenario, std::string& error)
 {
     if (m_simulator && scenario == m_scenario) {
-        return true;
+        return 0;
     }
     std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
-    if (loaded) {
-        loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
+    if (!loaded) {
+        std::error_code unknown;
+        return std::filesystem::exists(scenario, unknown) ? text::kScenarioDamaged
+                                                          : text::kScenarioUnknown;
     }
-    auto started = loaded ? std::make_unique<simulator::Simulator>(*loaded, m_clock) : nullptr;
-    if (!started || !started->Start(error)) {
-        return false;
+    loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
+    auto started = std::make_unique<simulator::Simulator>(*loaded, m_clock);
+    if (!started->Start(error)) {
+        return text::kScenarioNotStarted;
     }
     m_command.ClosePort();
     m_simulator = std::move(started);
     m_scenario = scenario;
-    return true;
+    return 0;
 }
 
 } // namespace fieldcore

@@ -37,7 +37,8 @@ public:
     [[nodiscard]] const std::string& Scenario() const { return m_scenario; }
 
 private:
-    bool StartSimulator(const std::string& scenario, std::string& error);
+    /// @return 0, or the string-table number of the cause
+    int StartSimulator(const std::string& scenario, std::string& error);
 
     CCommand& m_command;
     const PortNames& m_names;

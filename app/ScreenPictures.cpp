@@ -8,6 +8,7 @@
 #include "app/SimulatedHour.h"
 #include "app/TiltScreens.h"
 #include "app/Worlds.h"
+#include "core/platform/Utf8.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
@@ -63,7 +64,9 @@ bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& fo
     const QString file = folder.filePath(name + QLatin1Char('-') + QLatin1String(look.name) +
                                          QStringLiteral(".png"));
     const bool saved = window.grab().save(file);
-    std::printf("%s\n", qPrintable(saved ? file : file + QStringLiteral(": not written")));
+    if (!saved) {
+        std::fprintf(stderr, "fieldcore: %s cannot be written.\n", qPrintable(file));
+    }
     return saved;
 }
 
@@ -73,33 +76,47 @@ ScreenPictures::ScreenPictures(Controller& controller, MainWindow& window)
     : m_controller(controller), m_window(window)
 {}
 
-int ScreenPictures::Write(const QString& folder)
+int ScreenPictures::Write(const QString& folder, const std::function<bool()>& stop)
 {
+    constexpr int kNoPort = 3; // as of the command line
+    constexpr int kCancelled = 7;
     constexpr int kLocalFile = 8;
     if (!QDir().mkpath(folder)) {
         std::fprintf(stderr, "fieldcore: %s cannot be made.\n", qPrintable(folder));
         return kLocalFile;
     }
     std::wstring fault;
-    m_controller.ConnectQuietly(fault);
+    if (!m_controller.ConnectQuietly(fault) && !m_controller.Target().target) {
+        std::fprintf(stderr, "fieldcore: %s\n", ToUtf8(fault).c_str());
+        return kNoPort;
+    }
     const QDeadlineTimer patience(std::chrono::seconds(5));
     while (!m_controller.Link().Heard().powerSource && !patience.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20); // which asks how it is
     }
-    bool written = true;
+    int written = 0;
+    int failed = 0;
+    const auto grab = [&](QWidget& screen, const QString& name, const Look& look) {
+        ++(Grab(screen, name, look, folder) ? written : failed);
+    };
     const bool isTall = m_controller.Host().IsQ77();
     for (const Look& look : isTall ? std::span<const Look>(kTallLooks) : std::span(kLooks)) {
         Theme::Use(look.theme);
         m_window.ShowState(m_controller.State()); // in its colours
-        written = Grab(m_window, QStringLiteral("home"), look, folder) && written;
+        grab(m_window, QStringLiteral("home"), look);
         for (const Picture& picture : All()) {
+            if (stop()) {
+                m_controller.Disconnect();
+                return kCancelled;
+            }
             const std::unique_ptr<QWidget> screen = picture.make();
-            written = Grab(*screen, picture.name, look, folder) && written;
+            grab(*screen, picture.name, look);
             screen->hide();
         }
     }
     m_controller.Disconnect();
-    return written ? 0 : kLocalFile;
+    std::printf("%d pictures in %s\n", written, qPrintable(folder));
+    return failed == 0 ? 0 : kLocalFile;
 }
 
 ScreenPictures::Pictures ScreenPictures::All()

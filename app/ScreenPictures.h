@@ -2,6 +2,7 @@
 
 #include "app/Picture.h"
 
+#include <functional>
 #include <vector>
 
 namespace fieldcore {
@@ -17,10 +18,14 @@ public:
     /// @param controller, window  must outlive the object
     ScreenPictures(Controller& controller, MainWindow& window);
 
-    /// Connects, writes the pictures as PNG and disconnects.
+    /// Connects, writes the pictures as PNG and disconnects. Says on the standard output what came
+    /// of it.
     /// @param folder  is made if it is not there
-    /// @return an exit code: 0; 8 if the folder or a picture cannot be written
-    int Write(const QString& folder);
+    /// @param stop    whether it should end before the next picture
+    /// @return an exit code: 0; 3 if the port cannot be used; 7 if it was stopped; 8 if the folder
+    /// or a picture cannot be written
+    int Write(
+        const QString& folder, const std::function<bool()>& stop = [] { return false; });
 
 private:
     using Pictures = std::vector<Picture>;

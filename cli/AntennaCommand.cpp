@@ -108,15 +108,15 @@ ExitCode List(const Context& context, const AntennaOptions& options)
     Report::Table types{
         "types",
         "There are no antennas in the catalogue.",
-        {{"type", "type"}, {"name", "name"}, {"charCode", "called"}, {"code", "no."}},
+        {{"type", "TYPE"}, {"name", "NAME"}, {"charCode", "CALLED"}, {"code", "NO."}},
         {}};
     Report::Table methods{"methods",
                           "There are no methods: heights are vertical.",
-                          {{"type", "type"},
-                           {"method", "method"},
+                          {{"type", "TYPE"},
+                           {"method", "METHOD"},
                            {"radiusM", "R"},
                            {"verticalM", "V"},
-                           {"name", "name"}},
+                           {"name", "NAME"}},
                           {}};
     for (int n = 0; n < count; ++n) {
         const AntennaType type = access.settings.Catalogue().Type(n).value_or(AntennaType{});

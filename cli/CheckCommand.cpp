@@ -1,5 +1,6 @@
 #include "cli/Command.h"
 #include "cli/Failure.h"
+#include "cli/Options.h"
 #include "cli/Report.h"
 #include "cli/TerminalHost.h"
 
@@ -12,8 +13,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -106,74 +105,73 @@ ExitCode CountUp(const Context& context, const CheckOptions& options)
 }
 
 /// A text that begins with a minus and no digit would pass for an option: hence --text, too.
-void AddText(CLI::App& parser, CheckOptions& options, const char* purpose)
+void AddTyped(CLI::App& parser, CheckOptions& options, const char* purpose)
 {
-    parser.add_option("--text,TEXT", options.text, purpose)->type_name("")->required();
-}
-
-template <typename Number>
-CLI::Option* AddNumber(CLI::App& parser, const char* name, Number& value, const char* purpose)
-{
-    return parser.add_option(name, value, purpose)->type_name("N");
+    AddText(parser, "--text,TEXT", options.text, "", purpose)->required();
 }
 
 void AddDecimals(CLI::App& parser, CheckOptions& options)
 {
-    constexpr int kMostDecimals = 9;
-    AddNumber(parser, "--decimals", options.decimals, "Digits behind the point, 0 to 9 (3)")
-        ->check(CLI::Range(0, kMostDecimals).description(""));
+    AddNumber(parser, "--decimals", options.decimals, {0.0, 9.0, "", "3"}, "N",
+              "Digits behind the point");
 }
 
 } // namespace
 
 Command AddCheckCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "check", "Is this a number, a point name, an angle",
-                                 "  fieldcore-cli check number 1.543 --min 0 --max 5\n"
-                                 "  fieldcore-cli check point A-1\n"
-                                 "  fieldcore-cli check angle 135-07-04.5\n");
-    parser.require_subcommand(1);
     const auto options = std::make_shared<CheckOptions>();
-    CLI::App& number = AddParser(parser, "number", "A number within limits",
-                                 "  fieldcore-cli check number 1.543 --min 0 --max 5\n"
-                                 "  fieldcore-cli check number 12 --integer\n");
-    AddText(number, *options, "What was typed");
-    AddNumber(number, "--min", options->minimum, "Lowest that is valid (-1e24)");
-    AddNumber(number, "--max", options->maximum, "Highest that is valid (1e24)");
-    number.add_flag("--integer", options->integer, "Digits alone");
-    AddDecimals(number, *options);
-    CLI::App& point =
-        AddParser(parser, "point", "The name of a point", "  fieldcore-cli check point A-1\n");
-    AddText(point, *options, "What was typed");
-    CLI::App& angle = AddParser(parser, "angle", "Degrees, minutes and seconds",
-                                "  fieldcore-cli check angle 135-07-04.5\n"
-                                "  fieldcore-cli check angle 89-30 --min 0 --max 90\n");
-    AddText(angle, *options, "What was typed; a minus in front is lost");
-    AddNumber(angle, "--min", options->minimumDeg, "Lowest whole degrees (-359)");
-    AddNumber(angle, "--max", options->maximumDeg, "Highest whole degrees (359)");
-    AddDecimals(angle, *options);
-    return {&parser, [options, &number, &point](const Context& context) {
-                return number.parsed()  ? CheckNumber(context, *options)
-                       : point.parsed() ? CheckPoint(context, *options)
-                                        : CheckAngle(context, *options);
-            }};
+    const auto doing = [options](ExitCode (*act)(const Context&, const CheckOptions&)) {
+        return [options, act](const Context& context) { return act(context, *options); };
+    };
+    return AddCommands(
+        program, {"check", "Is this a number, a point name, an angle", nullptr, {}, {}},
+        {{"number", "A number within limits",
+          "  fieldcore-cli check number 1.543 --min 0 --max 5\n"
+          "  fieldcore-cli check number 12 --integer\n",
+          [options](CLI::App& parser) {
+              AddTyped(parser, *options, "What was typed");
+              AddNumber(parser, "--min", options->minimum, {-1e24, 1e24, "", "-1e24"}, "N",
+                        "Lowest that is valid");
+              AddNumber(parser, "--max", options->maximum, {-1e24, 1e24, "", "1e24"}, "N",
+                        "Highest that is valid");
+              parser.add_flag("--integer", options->integer, "Digits alone");
+              AddDecimals(parser, *options);
+          },
+          doing(CheckNumber)},
+         {"point", "The name of a point", "  fieldcore-cli check point A-1\n",
+          [options](CLI::App& parser) { AddTyped(parser, *options, "What was typed"); },
+          doing(CheckPoint)},
+         {"angle", "Degrees, minutes and seconds",
+          "  fieldcore-cli check angle 135-07-04.5\n"
+          "  fieldcore-cli check angle 89-30 --min 0 --max 90\n",
+          [options](CLI::App& parser) {
+              AddTyped(parser, *options, "What was typed; a minus in front is lost");
+              AddNumber(parser, "--min", options->minimumDeg, {-359.0, 359.0, "deg", "-359"}, "N",
+                        "Lowest, whole");
+              AddNumber(parser, "--max", options->maximumDeg, {-359.0, 359.0, "deg", "359"}, "N",
+                        "Highest, whole");
+              AddDecimals(parser, *options);
+          },
+          doing(CheckAngle)}});
 }
 
 Command AddNextCommand(CLI::App& program)
 {
-    constexpr int kMostLength = 255;
-    constexpr int kMostNames = 10000;
-    CLI::App& parser = AddParser(program, "next", "The name of the next point",
-                                 "  fieldcore-cli next A-9              A-10\n"
-                                 "  fieldcore-cli next P09 --count 5    the next five\n"
-                                 "  fieldcore-cli next 99 --max 2       no room: stays 99\n");
     const auto options = std::make_shared<CheckOptions>();
-    AddText(parser, *options, "Name of the last point");
-    AddNumber(parser, "--max", options->maxLength, "Longest name, 1 to 255 characters (255)")
-        ->check(CLI::Range(1, kMostLength).description(""));
-    AddNumber(parser, "--count", options->count, "How many, 1 to 10000 (1)")
-        ->check(CLI::Range(1, kMostNames).description(""));
-    return {&parser, [options](const Context& context) { return CountUp(context, *options); }};
+    return AddCommand(
+        program,
+        {"next", "The name of the next point",
+         "  fieldcore-cli next A-9              A-10\n"
+         "  fieldcore-cli next P09 --count 5    the next five\n"
+         "  fieldcore-cli next 99 --max 2       no room: stays 99\n",
+         [options](CLI::App& parser) {
+             AddTyped(parser, *options, "Name of the last point");
+             AddNumber(parser, "--max", options->maxLength, {1.0, 255.0, "characters", "255"}, "N",
+                       "Longest name");
+             AddNumber(parser, "--count", options->count, {1.0, 10000.0, "", "1"}, "N", "How many");
+         },
+         [options](const Context& context) { return CountUp(context, *options); }});
 }
 
 } // namespace fieldcore::cli

@@ -1,7 +1,10 @@
 #include "cli/ChildProcess.h"
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <initializer_list>
 #include <string_view>
 #include <system_error>
@@ -44,10 +47,26 @@ std::vector<std::string> EnvironmentOf(const ChildProcess& child)
     return environment;
 }
 
+constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<pid_t> childProcess{0};      // 0: it is not there yet
+std::atomic<int> signalBeforeProcess{0}; // 0: none
+
+extern "C" void PassOn(int number, siginfo_t* info, void* /*context*/)
+{
+    if (info->si_code > 0) {
+        return; // by the system for the terminal's foreground, which the command belongs to
+    }
+    if (const pid_t process = childProcess.load(); process != 0) {
+        kill(process, number);
+    } else {
+        signalBeforeProcess = number;
+    }
+}
+
 } // namespace
 
-std::optional<int> RunChild(const ChildProcess& child, const std::function<int()>& stopSignal,
-                            std::string& error)
+std::optional<int> RunChild(const ChildProcess& child, std::string& error)
 {
     std::vector<std::string> arguments = child.arguments;
     std::vector<std::string> environment = EnvironmentOf(child);
@@ -60,19 +79,41 @@ std::optional<int> RunChild(const ChildProcess& child, const std::function<int()
     }
     posix_spawnattr_setsigdefault(&attributes, &ours);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    std::array<struct sigaction, kStopSignals.size()> actions{};
+    for (struct sigaction& action : actions) {
+        action.sa_sigaction = PassOn;
+        action.sa_flags = SA_SIGINFO;
+    }
+    const auto exchangeActions = [&actions] { // and back at the second call
+        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
+            const struct sigaction next = actions[i];
+            sigaction(kStopSignals[i], &next, &actions[i]);
+        }
+    };
+    signalBeforeProcess = 0;
+    exchangeActions();
     pid_t process = 0;
     const int failure = posix_spawnp(&process, arguments.front().c_str(), nullptr, &attributes,
                                      Pointers(arguments).data(), Pointers(environment).data());
     posix_spawnattr_destroy(&attributes);
+    int status = 0;
+    if (failure == 0) {
+        childProcess = process;
+        if (const int number = signalBeforeProcess.exchange(0); number != 0) {
+            kill(process, number);
+        }
+        // Its number stays taken until it has been waited for: no signal meets a stranger.
+        siginfo_t ended = {};
+        while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT) < 0 &&
+               errno == EINTR) {
+        }
+        childProcess = 0;
+        waitpid(process, &status, 0); // at once
+    }
+    exchangeActions();
     if (failure != 0) {
         error = std::generic_category().message(failure);
         return std::nullopt;
-    }
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-        if (stopSignal() != 0 && stopSignal() != SIGINT) {
-            kill(process, stopSignal());
-        }
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,13 +14,12 @@ struct ChildProcess
     std::map<std::string, std::string> environment; ///< on top of this process's own
 };
 
-/// Starts a command that shares this process's streams, and waits for its end.
-/// @param stopSignal  the signal that asked this process for an end, or 0. Ctrl-C reaches the
-///                    command by itself; any other is passed on to it
+/// Starts a command that shares this process's streams, and waits for its end. A signal that asks
+/// this process for an end meanwhile is passed on to the command, unless it came from the terminal,
+/// which tells both. One call at a time.
 /// @param error  why it was not started; untouched otherwise
 /// @return its exit code, or 128 and the number of the signal that ended it; nothing if it was
 ///         not started
-[[nodiscard]] std::optional<int>
-RunChild(const ChildProcess& child, const std::function<int()>& stopSignal, std::string& error);
+[[nodiscard]] std::optional<int> RunChild(const ChildProcess& child, std::string& error);
 
 } // namespace fieldcore::cli

@@ -65,4 +65,19 @@ CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string
 /// @param yes      the option that makes no sense beside it; may be null
 CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option* yes = nullptr);
 
+/// A row of the table of commands: its parser, its help and its call are made from it.
+struct CommandRow
+{
+    const char* name;
+    const char* purpose;  ///< one line
+    const char* examples; ///< its help begins with them; null: the first one of each row below it
+    std::function<void(CLI::App&)> addOptions; ///< may be empty
+    std::function<ExitCode(const Context&)> run;
+};
+
+Command AddCommand(CLI::App& program, const CommandRow& row);
+/// One with commands below it. One of them must be named if the row itself has nothing to run.
+Command AddCommands(CLI::App& program, const CommandRow& group,
+                    const std::vector<CommandRow>& rows);
+
 } // namespace fieldcore::cli

@@ -1,10 +1,12 @@
 #include "cli/CommandLine.h"
 
 #include "cli/Command.h"
+#include "cli/Complaint.h"
 #include "cli/Output.h"
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <string_view>
@@ -70,14 +72,14 @@ struct Program
         parser.footer(kExamples);
         parser.set_help_flag("-h,--help", "Show this help");
         parser.add_flag("--version", version, "Show the version");
-        commands = {
-            AddPortsCommand(parser),    AddInfoCommand(parser),     AddStatusCommand(parser),
-            AddTimeCommand(parser),     AddIdentifyCommand(parser), AddResetCommand(parser),
-            AddAlmanacCommand(parser),  AddFilesCommand(parser),    AddPlanCommand(parser),
-            AddSettingsCommand(parser), AddGeoCommand(parser),      AddCheckCommand(parser),
-            AddNextCommand(parser),     AddAntennaCommand(parser),  AddSignalCommand(parser),
-            AddTiltCommand(parser),     AddSimCommand(parser),      AddTraceCommand(parser),
-            AddDoctorCommand(parser),   AddDemoCommand(parser)};
+        for (const auto add :
+             {AddPortsCommand,    AddInfoCommand,     AddStatusCommand,  AddTimeCommand,
+              AddIdentifyCommand, AddResetCommand,    AddAlmanacCommand, AddFilesCommand,
+              AddPlanCommand,     AddSettingsCommand, AddGeoCommand,     AddCheckCommand,
+              AddNextCommand,     AddAntennaCommand,  AddSignalCommand,  AddTiltCommand,
+              AddSimCommand,      AddTraceCommand,    AddDoctorCommand,  AddDemoCommand}) {
+            commands.push_back(add(parser));
+        }
         AddJsonFlag(parser);
     }
     Program(const Program&) = delete;
@@ -94,16 +96,6 @@ private:
     }
 };
 
-/// The name of the command as it was typed: "sim run".
-std::string CommandName(const CLI::App& parser)
-{
-    std::string name;
-    for (const CLI::App* app = &parser; app->get_parent() != nullptr; app = app->get_parent()) {
-        name.insert(0, app->get_name() + (name.empty() ? "" : " "));
-    }
-    return name;
-}
-
 const CLI::App& LastParsed(const CLI::App& parser)
 {
     const std::vector<CLI::App*> children = parser.get_subcommands();
@@ -117,18 +109,13 @@ ExitCode ShowVersion(Output& output)
     return output.Done(report, std::string(kProgram) + " " + FIELDCORE_VERSION + "\n");
 }
 
-/// The parser's own complaint, with the help of the command as the way out.
-ExitCode Complain(const World& world, const Program& program, const CLI::ParseError& error,
-                  bool json)
+/// What "help" asks for is what --help shows.
+void TurnHelpIntoOption(std::vector<std::string>& arguments)
 {
-    const std::string name = CommandName(LastParsed(program.parser));
-    Output output(world, name, json);
-    std::string message = error.what();
-    if (!message.ends_with('.')) {
-        message += '.';
+    if (!arguments.empty() && arguments.front() == "help") {
+        arguments.erase(arguments.begin());
+        arguments.emplace_back("--help");
     }
-    return output.Failed(UsageFailure(message, std::string(kProgram) + (name.empty() ? "" : " ") +
-                                                   name + " --help"));
 }
 
 ExitCode Dispatch(const World& world, Program& program, std::vector<std::string> userCommand)
@@ -166,10 +153,14 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
     const bool emptyCommand = dashes != arguments.end() && userCommand.empty();
     arguments.erase(dashes, arguments.end());
     const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    TurnHelpIntoOption(arguments);
 
     Program program;
     if (emptyCommand) {
         return Output(world, "", json).Failed(UsageFailure("There is no command behind \"--\"."));
+    }
+    if (const std::optional<Failure> failure = UnknownCommand(program.parser, arguments)) {
+        return Output(world, "", json).Failed(*failure);
     }
     try {
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
@@ -178,7 +169,8 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
         *world.out << program.parser.help() << std::flush;
         return ExitCode::Done;
     } catch (const CLI::ParseError& error) {
-        return Complain(world, program, error, json);
+        const CLI::App& parsed = LastParsed(program.parser);
+        return Output(world, CommandName(parsed), json).Failed(Complaint(parsed, error));
     }
     return Dispatch(world, program, std::move(userCommand));
 }
@@ -202,11 +194,45 @@ CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option
     return option;
 }
 
+Command AddCommand(CLI::App& program, const CommandRow& row)
+{
+    CLI::App& parser = AddParser(program, row.name, row.purpose, row.examples);
+    if (row.addOptions) {
+        row.addOptions(parser);
+    }
+    return {&parser, row.run};
+}
+
+Command AddCommands(CLI::App& program, const CommandRow& group, const std::vector<CommandRow>& rows)
+{
+    std::string examples = group.examples != nullptr ? group.examples : "";
+    for (const CommandRow& row : rows) {
+        const std::string_view all = row.examples;
+        examples += group.examples == nullptr ? all.substr(0, all.find('\n') + 1) : "";
+    }
+    CommandRow whole = group;
+    whole.examples = examples.c_str();
+    Command command = AddCommand(program, whole);
+    command.parser->require_subcommand(group.run ? 0 : 1, 1);
+    std::vector<Command> below;
+    for (const CommandRow& row : rows) {
+        below.push_back(AddCommand(*command.parser, row));
+    }
+    command.run = [below, run = group.run](const Context& context) {
+        const auto named = std::find_if(below.begin(), below.end(), [](const Command& candidate) {
+            return candidate.parser->parsed();
+        });
+        return named != below.end() ? named->run(context) : run(context);
+    };
+    return command;
+}
+
 int RunCommandLine(const World& world, std::vector<std::string> arguments)
 {
     int code = static_cast<int>(ParseAndRun(world, std::move(arguments)));
     world.out->flush();
-    if (!*world.out && code == static_cast<int>(ExitCode::Done)) {
+    // Whoever has closed the pipe has seen enough.
+    if (!*world.out && code == static_cast<int>(ExitCode::Done) && !world.outIsClosed()) {
         *world.err << "fieldcore-cli: the result could not be written.\n";
         code = static_cast<int>(ExitCode::LocalFile);
     }

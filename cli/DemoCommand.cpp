@@ -26,8 +26,6 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 namespace fieldcore::cli {
 
 namespace {
@@ -278,19 +276,19 @@ private:
 
 Command AddDemoCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "demo", "See it all work, with a simulated receiver",
+    const auto options = std::make_shared<PortOptions>();
+    options->port = "sim:lark";
+    return AddCommand(
+        program, {"demo", "See it all work, with a simulated receiver",
                   "  fieldcore-cli demo              takes a few seconds\n"
                   "  fieldcore-cli demo --speed 20   hardly any\n"
-                  "  fieldcore-cli demo --log exchange.log && fieldcore-cli trace exchange.log\n");
-    auto options = std::make_shared<PortOptions>();
-    options->port = "sim:lark";
-    options->AddSessionTo(parser);
-    return {&parser, [options](const Context& context) {
-                TerminalHost host(context.world, context.output);
-                PortSession session(context.world, context.output, host, *options);
-                return Demo(context, session).Run();
-            }};
+                  "  fieldcore-cli demo --log exchange.log && fieldcore-cli trace exchange.log\n",
+                  [options](CLI::App& parser) { options->AddSessionTo(parser); },
+                  [options](const Context& context) {
+                      TerminalHost host(context.world, context.output);
+                      PortSession session(context.world, context.output, host, *options);
+                      return Demo(context, session).Run();
+                  }});
 }
 
 } // namespace fieldcore::cli

@@ -1,18 +1,27 @@
 #include "cli/Doctor.h"
 
+#include "cli/AlmanacReport.h"
+#include "cli/Output.h"
+
+#include "core/link/ConnectChoice.h"
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacTime.h"
 #include "core/platform/Folders.h"
 #include "core/platform/PortList.h"
 #include "core/platform/PortNames.h"
 #include "core/platform/PortReport.h"
+#include "core/settings/SettingsRoots.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include <sys/utsname.h>
 #include <unistd.h>
 
 namespace fieldcore::cli {
@@ -62,15 +71,33 @@ Health HealthOf(PortTrouble trouble)
     return Health::Bad;
 }
 
+Finding ExaminePort(const World& world, const std::string& path, const std::string& description)
+{
+    const PortReport report = ReportPort(path, 0, world.roots); // which knows who holds it
+    const bool free = report.trouble == PortTrouble::None;
+    return {"port " + path, HealthOf(report.trouble), free ? description + ", free" : report.text,
+            free ? std::string() : report.command};
+}
+
 void ExaminePorts(const World& world, std::vector<Finding>& findings)
 {
     const std::vector<SerialPort> ports = ListSerialPorts(PortNames(world.roots), world.roots);
     for (const SerialPort& port : ports) {
-        const PortReport report = ReportPort(port.path, 0, world.roots);
-        const bool free = report.trouble == PortTrouble::None;
-        findings.push_back({"port " + port.path, HealthOf(report.trouble),
-                            free ? port.description + ", free" : report.text,
-                            free ? std::string() : report.command});
+        findings.push_back(ExaminePort(world, port.path, port.description));
+    }
+    // That of the controller, which may be none of these: one that is gone, or a simulator's.
+    SettingsRoots roots{Folders(world.folders)};
+    std::error_code error; // a store that is not there is not made for this
+    const bool isStored = fs::exists(roots.File(RootKey::CurrentUser), error) && StoredPort(roots);
+    const FoundTarget chosen =
+        isStored ? FindTarget(roots, *StoredPort(roots), world.roots) : FoundTarget{};
+    const std::string path = chosen.target ? chosen.target->devicePath : "";
+    if (!chosen.detail.empty() && !chosen.scenario) {
+        findings.push_back({"port of the controller", Health::Bad, chosen.detail,
+                            "choose another one, or name it: --port PORT"});
+    } else if (!path.empty() && std::none_of(ports.begin(), ports.end(),
+                                             [&](const auto& port) { return port.path == path; })) {
+        findings.push_back(ExaminePort(world, path, "of the controller"));
     }
     if (ports.empty()) {
         findings.push_back({"serial ports", Health::Attention, "There is none.",
@@ -161,14 +188,52 @@ Finding ExamineFolder(const std::string& name, const fs::path& folder)
     return finding;
 }
 
+Finding ExamineVersions()
+{
+    utsname system{};
+    uname(&system);
+    return {"version", Health::Ok,
+            std::string("fieldcore ") + FIELDCORE_VERSION + ", JSON schema " +
+                std::to_string(kJsonSchema) + ", " + system.sysname + " " + system.release + " " +
+                system.machine,
+            ""};
+}
+
+Finding ExamineAlmanac(const World& world)
+{
+    Finding finding{"almanac", Health::Attention, "There is none yet.",
+                    "fieldcore-cli almanac get --port PORT"};
+    CSurveyPlanCalc almanac;
+    const fs::path file = AlmanacPath(Folders(world.folders).Program());
+    std::error_code error;
+    if (!almanac.LoadAlmanac(file)) {
+        finding.found =
+            fs::exists(file, error) ? file.string() + " cannot be read." : finding.found;
+        return finding;
+    }
+    constexpr double kDayS = 86400.0;
+    const CGPSTime time = AlmanacTime(almanac);
+    const CGPSTime now = GpsNow(world);
+    const double days = static_cast<double>(GpsSeconds(now) - GpsSeconds(time)) / kDayS;
+    finding.found = Value::Real(std::abs(days), 1).Words() +
+                    (days < 0.0 ? " days newer than today" : " days old") + ", " + file.string();
+    if (!IsAlmanacOld(time, now)) {
+        finding.health = Health::Ok;
+        finding.advice.clear();
+    }
+    return finding;
+}
+
 } // namespace
 
 std::vector<Finding> Examine(const World& world)
 {
     std::vector<Finding> findings;
+    findings.push_back(ExamineVersions());
     findings.push_back(ExamineGroup(world));
     ExaminePorts(world, findings);
     findings.push_back(ExamineFont(world));
+    findings.push_back(ExamineAlmanac(world));
     const Folders folders(world.folders);
     findings.push_back(ExamineFolder("program folder", folders.Program()));
     findings.push_back(ExamineFolder("documents", folders.Documents()));

@@ -23,8 +23,8 @@ struct Finding
     std::string advice; ///< what to do, as a command where there is one; empty if all is well
 };
 
-/// Looks at what a surveyor's machine must have: rights to the serial ports, the ports, a font,
-/// and folders that can be written to. Changes nothing.
+/// Looks at what a surveyor's machine must have: rights to the serial ports, the ports and who
+/// holds them, a font, an almanac, and folders that can be written to. Changes nothing.
 [[nodiscard]] std::vector<Finding> Examine(const World& world);
 
 } // namespace fieldcore::cli

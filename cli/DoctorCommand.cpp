@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include <CLI/CLI.hpp>
-
 namespace fieldcore::cli {
 
 namespace {
@@ -39,7 +37,7 @@ ExitCode Run(const Context& context)
     for (const Finding& finding : findings) {
         width = std::max(width, DisplayWidth(finding.check));
     }
-    std::string words;
+    std::string words = Padded("STATE", 11) + Padded("CHECK", width + 2) + "FOUND\n";
     bool anyBad = false;
     for (const Finding& finding : findings) {
         const Verdict verdict = VerdictOf(finding.health);
@@ -60,11 +58,13 @@ ExitCode Run(const Context& context)
 
 Command AddDoctorCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "doctor", "Why does it not work on this machine",
-                  "  fieldcore-cli doctor          ports, rights, fonts and folders, a line each\n"
-                  "  fieldcore-cli doctor --json   the same for a bug report\n");
-    return {&parser, Run};
+    return AddCommand(
+        program, {"doctor",
+                  "Why does it not work on this machine",
+                  "  fieldcore-cli doctor          ports, rights, almanac, folders, a line each\n"
+                  "  fieldcore-cli doctor --json   the same for a bug report\n",
+                  {},
+                  Run});
 }
 
 } // namespace fieldcore::cli

@@ -2,6 +2,7 @@
 #include "cli/Command.h"
 #include "cli/Failure.h"
 #include "cli/GeoInput.h"
+#include "cli/Options.h"
 #include "cli/Report.h"
 
 #include "core/planning/Degrees.h"
@@ -16,8 +17,6 @@
 #include <numbers>
 #include <utility>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -250,122 +249,132 @@ ExitCode ShowAngle(const Context& context, const GeoOptions& options)
     return context.output.Done(report);
 }
 
-using Options = std::shared_ptr<GeoOptions>;
-
-void AddPositional(CLI::App& parser, const char* name, std::string& value, const char* purpose)
+void AddPlaceOptions(CLI::App& parser, GeoOptions& options, bool withHeight)
 {
-    parser.add_option(name, value, purpose)->type_name("")->required();
-}
-
-void AddPlaceOptions(CLI::App& parser, const Options& options, bool withHeight)
-{
-    AddPositional(parser, "LAT", options->first, "Latitude, north positive");
-    AddPositional(parser, "LON", options->second, "Longitude, east positive");
+    AddText(parser, "LAT", options.first, "", "Latitude, north positive")->required();
+    AddText(parser, "LON", options.second, "", "Longitude, east positive")->required();
     if (withHeight) {
-        parser.add_option("H", options->third, "Ellipsoidal height, m (0)")->type_name("");
+        AddText(parser, "H", options.third, "", "Ellipsoidal height, m (0)");
     }
 }
 
-void AddPacked(CLI::App& parser, const Options& options)
+/// @param isPlane  plane coordinates are of Japan
+void AddEllipsoid(CLI::App& parser, GeoOptions& options, bool isPlane)
 {
-    parser.add_flag("--ddmmss", options->packed,
-                    "35.412240 is 35 degrees, 41 minutes, 22.40 seconds");
-}
-
-void AddEllipsoid(CLI::App& parser, const Options& options,
-                  const std::map<std::string, Ellipsoid>& names, const char* purpose)
-{
-    parser.add_option("--ellipsoid", options->ellipsoid, purpose)
+    std::map<std::string, Ellipsoid> names{{"grs80", Ellipsoid::Grs80},
+                                           {"bessel", Ellipsoid::Bessel1841}};
+    if (!isPlane) {
+        names["wgs84"] = Ellipsoid::Wgs84;
+    }
+    parser
+        .add_option("--ellipsoid", options.ellipsoid,
+                    isPlane ? "grs80 (JGD) or bessel (Tokyo datum) (grs80)"
+                            : "grs80, wgs84 or bessel (grs80)")
         ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
         ->type_name("NAME");
 }
 
-CLI::Option* AddZone(CLI::App& parser, const Options& options)
+CLI::Option* AddZone(CLI::App& parser, GeoOptions& options)
 {
-    return parser.add_option("--zone", options->zone, "Zone of the plane coordinates, 1 to 19")
-        ->check(CLI::Range(kFirstPlaneZone, kLastPlaneZone).description(""))
-        ->type_name("N");
+    return AddNumber(parser, "--zone", options.zone, {kFirstPlaneZone, kLastPlaneZone}, "N",
+                     "Zone of the plane coordinates");
 }
 
 } // namespace
 
 Command AddGeoCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "geo", "Convert coordinates and angles",
-        "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45      to earth-fixed X, Y, Z\n"
-        "  fieldcore-cli geo geodetic -3957229 3310200 3737529   and back\n"
-        "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9     to plane x, y of zone 9\n"
-        "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9  and back\n"
-        "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd     from the old Tokyo datum\n"
-        "  fieldcore-cli geo angle 35.412240 --ddmmss            the same angle in other forms\n"
-        "\n"
-        "Angles are degrees, such as 35.6895 or -0.5, or degrees, minutes and seconds, such as\n"
-        "35:41:22.4 or 35\u00B041'22.4\" in quotes. With --ddmmss 35.412240 means the same.\n");
-    parser.require_subcommand(1);
     const auto options = std::make_shared<GeoOptions>();
-    const std::map<std::string, Ellipsoid> all{{"grs80", Ellipsoid::Grs80},
-                                               {"wgs84", Ellipsoid::Wgs84},
-                                               {"bessel", Ellipsoid::Bessel1841}};
-    const std::map<std::string, Ellipsoid> japanese{{"grs80", Ellipsoid::Grs80},
-                                                    {"bessel", Ellipsoid::Bessel1841}};
-
-    CLI::App& ecef = AddParser(parser, "ecef", "A place as earth-fixed X, Y, Z",
-                               "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45\n"
-                               "  fieldcore-cli geo ecef -33.85 151.2 --ellipsoid wgs84\n");
-    AddPlaceOptions(ecef, options, true);
-    AddEllipsoid(ecef, options, all, "grs80, wgs84 or bessel (grs80)");
-    AddPacked(ecef, options);
-
-    CLI::App& geodetic = AddParser(parser, "geodetic", "Earth-fixed X, Y, Z as a place",
-                                   "  fieldcore-cli geo geodetic -3957229 3310200 3737529\n");
-    AddPositional(geodetic, "X", options->first, "Towards latitude 0, longitude 0, m");
-    AddPositional(geodetic, "Y", options->second, "Towards latitude 0, longitude 90, m");
-    AddPositional(geodetic, "Z", options->third, "Towards the north pole, m");
-    AddEllipsoid(geodetic, options, all, "grs80, wgs84 or bessel (grs80)");
-    AddPacked(geodetic, options);
-
-    CLI::App& plane = AddParser(parser, "plane", "A place as plane rectangular x, y of Japan",
-                                "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9\n"
-                                "  fieldcore-cli geo plane 35.6895 139.6917   which zone?\n");
-    AddPlaceOptions(plane, options, false);
-    AddZone(plane, options);
-    AddEllipsoid(plane, options, japanese, "grs80 (JGD) or bessel (Tokyo datum) (grs80)");
-    AddPacked(plane, options);
-
-    CLI::App& unplane = AddParser(parser, "unplane", "Plane rectangular x, y as a place",
-                                  "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9\n");
-    AddPositional(unplane, "X", options->first, "North of the zone's origin, m");
-    AddPositional(unplane, "Y", options->second, "East of the zone's meridian, m");
-    AddZone(unplane, options)->required();
-    AddEllipsoid(unplane, options, japanese, "grs80 (JGD) or bessel (Tokyo datum) (grs80)");
-    AddPacked(unplane, options);
-
-    CLI::App& tokyo =
-        AddParser(parser, "tokyo", "Between the Tokyo datum and JGD2000, to some metres",
-                  "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd      from an old map\n"
-                  "  fieldcore-cli geo tokyo 35.6895 139.6917 --to tokyo    onto one\n");
-    AddPlaceOptions(tokyo, options, true);
-    tokyo.add_option("--to", options->to, "The datum of the result: jgd or tokyo")
-        ->transform(CLI::IsMember(std::vector<std::string>{"jgd", "tokyo"}).description(""))
-        ->type_name("DATUM")
-        ->required();
-    AddPacked(tokyo, options);
-
-    CLI::App& angle = AddParser(parser, "angle", "One angle in all its forms",
-                                "  fieldcore-cli geo angle 35:41:22.4\n"
-                                "  fieldcore-cli geo angle 35.412240 --ddmmss\n");
-    AddPositional(angle, "ANGLE", options->first, "At most 360 degrees either way");
-    AddPacked(angle, options);
-
-    return {&parser, [=, &ecef, &geodetic, &plane, &unplane, &tokyo](const Context& context) {
-                return ecef.parsed()       ? ToEcef(context, *options)
-                       : geodetic.parsed() ? ToGeodetic(context, *options)
-                       : plane.parsed()    ? ToPlane(context, *options)
-                       : unplane.parsed()  ? FromPlane(context, *options)
-                       : tokyo.parsed()    ? ChangeDatum(context, *options)
-                                           : ShowAngle(context, *options);
-            }};
+    const auto row = [options](const char* name, const char* purpose, const char* examples,
+                               void (*add)(CLI::App&, GeoOptions&),
+                               ExitCode (*act)(const Context&, const GeoOptions&)) {
+        return CommandRow{
+            name, purpose, examples,
+            [options, add](CLI::App& parser) {
+                add(parser, *options);
+                parser.add_flag("--ddmmss", options->packed,
+                                "35.412240 is 35 degrees, 41 minutes, 22.40 seconds");
+            },
+            [options, act](const Context& context) { return act(context, *options); }};
+    };
+    return AddCommands(
+        program,
+        {"geo",
+         "Convert coordinates and angles",
+         "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45      to earth-fixed X, Y, Z\n"
+         "  fieldcore-cli geo geodetic -3957229 3310200 3737529   and back\n"
+         "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9     to plane x, y of zone 9\n"
+         "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9  and back\n"
+         "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd     from the old Tokyo datum\n"
+         "  fieldcore-cli geo angle 35.412240 --ddmmss            the same angle in other forms\n"
+         "\n"
+         "Angles are degrees, such as 35.6895 or -0.5, or degrees, minutes and seconds, such as\n"
+         "35:41:22.4 or 35\u00B041'22.4\" in quotes. With --ddmmss 35.412240 means the same.\n",
+         {},
+         {}},
+        {row(
+             "ecef", "A place as earth-fixed X, Y, Z",
+             "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45\n"
+             "  fieldcore-cli geo ecef -33.85 151.2 --ellipsoid wgs84\n",
+             [](CLI::App& parser, GeoOptions& values) {
+                 AddPlaceOptions(parser, values, true);
+                 AddEllipsoid(parser, values, false);
+             },
+             ToEcef),
+         row(
+             "geodetic", "Earth-fixed X, Y, Z as a place",
+             "  fieldcore-cli geo geodetic -3957229 3310200 3737529\n",
+             [](CLI::App& parser, GeoOptions& values) {
+                 AddText(parser, "X", values.first, "", "Towards latitude 0, longitude 0, m")
+                     ->required();
+                 AddText(parser, "Y", values.second, "", "Towards latitude 0, longitude 90, m")
+                     ->required();
+                 AddText(parser, "Z", values.third, "", "Towards the north pole, m")->required();
+                 AddEllipsoid(parser, values, false);
+             },
+             ToGeodetic),
+         row(
+             "plane", "A place as plane rectangular x, y of Japan",
+             "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9\n"
+             "  fieldcore-cli geo plane 35.6895 139.6917   which zone?\n",
+             [](CLI::App& parser, GeoOptions& values) {
+                 AddPlaceOptions(parser, values, false);
+                 AddZone(parser, values);
+                 AddEllipsoid(parser, values, true);
+             },
+             ToPlane),
+         row(
+             "unplane", "Plane rectangular x, y as a place",
+             "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9\n",
+             [](CLI::App& parser, GeoOptions& values) {
+                 AddText(parser, "X", values.first, "", "North of the zone's origin, m")
+                     ->required();
+                 AddText(parser, "Y", values.second, "", "East of the zone's meridian, m")
+                     ->required();
+                 AddZone(parser, values)->required();
+                 AddEllipsoid(parser, values, true);
+             },
+             FromPlane),
+         row(
+             "tokyo", "Between the Tokyo datum and JGD2000, to some metres",
+             "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd      from an old map\n"
+             "  fieldcore-cli geo tokyo 35.6895 139.6917 --to tokyo    onto one\n",
+             [](CLI::App& parser, GeoOptions& values) {
+                 AddPlaceOptions(parser, values, true);
+                 AddWord(parser, "--to", values.to, {"jgd", "tokyo"}, "DATUM",
+                         "The datum of the result: jgd or tokyo")
+                     ->required();
+             },
+             ChangeDatum),
+         row(
+             "angle", "One angle in all its forms",
+             "  fieldcore-cli geo angle 35:41:22.4\n"
+             "  fieldcore-cli geo angle 35.412240 --ddmmss\n",
+             [](CLI::App& parser, GeoOptions& values) {
+                 AddText(parser, "ANGLE", values.first, "", "At most 360 degrees either way")
+                     ->required();
+             },
+             ShowAngle)});
 }
 
 } // namespace fieldcore::cli

@@ -45,10 +45,6 @@ struct Options : PortOptions
 
 ExitCode Run(const Context& context, const Options& options)
 {
-    if (options.store && !options.search) {
-        return context.output.Failed(
-            UsageFailure("Only a rate that was searched for can be stored.", "--search --store"));
-    }
     TerminalHost host(context.world, context.output);
     PortSession session(context.world, context.output, host, options);
     if (const std::optional<Failure> failure = options.search ? session.Search() : session.Open()) {
@@ -80,20 +76,22 @@ ExitCode Run(const Context& context, const Options& options)
 
 Command AddIdentifyCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "identify", "Ask who is there with a BREAK",
-                  "  fieldcore-cli identify --port sim:pica                 a simulated receiver\n"
-                  "  fieldcore-cli identify --port /dev/ttyUSB0 --search    one whose rate is "
-                  "unknown\n"
-                  "  fieldcore-cli identify --search --store                and keep the rate for "
-                  "the next time\n");
-    auto options = std::make_shared<Options>();
-    options->AddTo(parser);
-    parser.add_flag("--search", options->search, "Try one rate after the other");
-    CLI::Option* const store =
-        parser.add_flag("--store", options->store, "Store the rate that --search finds");
-    AddDryRun(parser, "Store nothing")->needs(store);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    const auto options = std::make_shared<Options>();
+    return AddCommand(
+        program,
+        {"identify", "Ask who is there with a BREAK",
+         "  fieldcore-cli identify --port sim:pica                 a simulated receiver\n"
+         "  fieldcore-cli identify --port /dev/ttyUSB0 --search    one whose rate is unknown\n"
+         "  fieldcore-cli identify --search --store                and keep the rate for the next "
+         "time\n",
+         [options](CLI::App& parser) {
+             options->AddTo(parser);
+             CLI::Option* const search =
+                 parser.add_flag("--search", options->search, "Try one rate after the other");
+             parser.add_flag("--store", options->store, "Store the rate that --search finds")
+                 ->needs(search);
+         },
+         [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

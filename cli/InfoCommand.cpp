@@ -9,8 +9,6 @@
 
 #include <memory>
 
-#include <CLI/CLI.hpp>
-
 namespace fieldcore::cli {
 
 namespace {
@@ -58,15 +56,16 @@ ExitCode Run(const Context& context, const PortOptions& options)
 
 Command AddInfoCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "info", "Who the receiver is, and what it can do",
-        "  fieldcore-cli info --port /dev/ttyUSB0               a receiver on an adapter\n"
-        "  fieldcore-cli info --port COM1 --baud 115200         on the first built-in port\n"
-        "  fieldcore-cli info --port sim:                       a simulated one\n"
-        "  fieldcore-cli info --port sim: --log exchange.log    keep what was said\n");
-    auto options = std::make_shared<PortOptions>();
-    options->AddTo(parser);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    const auto options = std::make_shared<PortOptions>();
+    return AddCommand(
+        program,
+        {"info", "Who the receiver is, and what it can do",
+         "  fieldcore-cli info --port /dev/ttyUSB0               a receiver on an adapter\n"
+         "  fieldcore-cli info --port COM1 --baud 115200         on the first built-in port\n"
+         "  fieldcore-cli info --port sim:                       a simulated one\n"
+         "  fieldcore-cli info --port sim: --log exchange.log    keep what was said\n",
+         [options](CLI::App& parser) { options->AddTo(parser); },
+         [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

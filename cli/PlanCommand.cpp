@@ -1,8 +1,10 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 
 #include "core/planning/AlmanacState.h"
+#include "core/planning/AlmanacStore.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanCsv.h"
 #include "core/planning/PlanSettings.h"
@@ -13,12 +15,13 @@
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
 
+#include <charconv>
+#include <chrono>
+#include <cmath>
 #include <functional>
 #include <map>
 #include <memory>
 #include <ostream>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -32,9 +35,7 @@ struct Options
     // Of a good window; what is not given is what the settings have.
     std::optional<int> minSatellites;
     std::optional<double> maxPdop;
-    std::optional<int> minLengthMinutes;
-    const CLI::App* best = nullptr;
-    const CLI::App* sites = nullptr;
+    std::string minLength;
 };
 
 const std::map<std::string, PlanGraph>& Kinds()
@@ -89,6 +90,14 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
             Resolve(options, context.world, settings, wholeDay, request)) {
         return failure;
     }
+    if (options.almanac.empty() &&
+        AlmanacStore(request.folder).PutNominal(context.world.clock->Utc())) {
+        context.output.Message("warning", "",
+                               "There was no almanac. A nominal one (sample) was put in its place: "
+                               "fit to try things, not to plan a survey.",
+                               Colour::Yellow);
+        context.output.Note("Get a real one: fieldcore-cli almanac get --port PORT");
+    }
     ObservationPlan plan;
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
@@ -98,6 +107,9 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     for (const NamedSite& site : request.sites) {
         plan.Calc().SetObserver(site.observer);
         for (const std::chrono::year_month_day date : request.dates) {
+            if (context.world.StopRequested() || !*context.world.out) {
+                return RequestFailure(CommandFault::Cancelled, "");
+            }
             plan.Period() = {date, request.startHour, request.hours};
             if (!warned && StateOfAlmanac(plan).isOld) {
                 WarnOfAge(context.output, plan);
@@ -135,23 +147,39 @@ ExitCode Plan(const Context& context, const Options& options)
     return failure ? context.output.Failed(*failure) : context.output.Done(report, words);
 }
 
+/// "90m", "1.5h" or "90"; nothing if it is no such time, or longer than a day.
+std::optional<std::chrono::minutes> ParseLength(const std::string& text)
+{
+    constexpr double kDayMin = 1440.0;
+    double number = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const std::string_view unit(stop, static_cast<std::size_t>(end - stop));
+    const double minutes = unit == "h" ? number * 60.0 : number;
+    const bool isKnown = unit.empty() || unit == "m" || unit == "min" || unit == "h";
+    return error == std::errc() && isKnown && minutes >= 0.0 && minutes <= kDayMin
+               ? std::optional(std::chrono::minutes(std::lround(minutes)))
+               : std::nullopt;
+}
+
+WindowLimits LimitsOf(const Options& options, const PlanSettings& settings)
+{
+    WindowLimits limits = settings.limits;
+    limits.minSatellites = options.minSatellites.value_or(limits.minSatellites);
+    limits.maxPdop = options.maxPdop.value_or(limits.maxPdop);
+    limits.minLength = ParseLength(options.minLength).value_or(limits.minLength);
+    return limits;
+}
+
 ExitCode Best(const Context& context, const Options& options)
 {
-    Report::Table table{"windows",
-                        "No such window. Ask for fewer satellites (--min-sv), a higher PDOP "
-                        "(--max-pdop) or less time (--min-length).",
-                        WindowColumns(),
-                        {}};
+    Report::Table table{"windows", "", WindowColumns(), {}};
     PlanRequest request;
+    WindowLimits limits;
     const std::optional<Failure> failure =
         ForEachPlan(context, options.plan, true, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
-                        WindowLimits limits = request.settings.limits;
-                        limits.minSatellites = options.minSatellites.value_or(limits.minSatellites);
-                        limits.maxPdop = options.maxPdop.value_or(limits.maxPdop);
-                        if (options.minLengthMinutes) {
-                            limits.minLength = std::chrono::minutes(*options.minLengthMinutes);
-                        }
+                        limits = LimitsOf(options, request.settings);
                         for (const PlanWindow& window : FindWindows(plan, limits)) {
                             table.rows.push_back(WindowRow(plan, site, window));
                         }
@@ -159,9 +187,18 @@ ExitCode Best(const Context& context, const Options& options)
     if (failure) {
         return context.output.Failed(*failure);
     }
+    const bool isNone = table.rows.empty();
     Report report;
     report.AddTable(std::move(table));
-    return context.output.Done(report);
+    if (!isNone) {
+        return context.output.Done(report);
+    }
+    return context.output.Failed(
+        {ExitCode::Failed, "no-window",
+         "There is no such window: no time with " + LimitWords(limits) + ".",
+         "fewer satellites (--min-sv), a higher PDOP (--max-pdop), less "
+         "time (--min-length), another day (--date, --days)"},
+        context.output.IsJson() ? &report : nullptr);
 }
 
 ExitCode Sites(const Context& context)
@@ -187,64 +224,61 @@ ExitCode Sites(const Context& context)
     return context.output.Done(report);
 }
 
-void AddBest(CLI::App& plan, Options& options)
+void AddBestOptions(CLI::App& best, Options& options)
 {
-    CLI::App& best =
-        AddParser(plan, "best", "When the sky is good: the windows of a day",
-                  "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5 --min-length 60m\n"
-                  "  fieldcore-cli plan best --site 大阪 --date tomorrow --days 3\n"
-                  "  fieldcore-cli plan best --from 8 --hours 9\n");
     best.fallthrough(); // site, days and so on are those of plan
-    best.add_option("--min-sv", options.minSatellites,
-                    "Satellites at least (as the plan's page: 5)")
-        ->check(CLI::Range(4, 32).description(""))
-        ->type_name("N");
-    best.add_option("--max-pdop", options.maxPdop, "PDOP at most (the same: 4)")
-        ->check(CLI::Range(1.0, 100.0).description(""))
-        ->type_name("X");
-    const std::map<std::string, int> units{{"m", 1}, {"min", 1}, {"h", 60}};
-    best.add_option("--min-length", options.minLengthMinutes,
-                    "Length at least: 60m, 2h (the same: 30m)")
-        ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::CASE_INSENSITIVE))
-        ->check(CLI::Range(0, 1440).description(""))
-        ->type_name("TIME");
-    options.best = &best;
+    AddNumber(best, "--min-sv", options.minSatellites,
+              {WindowLimits::kFewestSatellites, WindowLimits::kMostSatellites, "",
+               "as the plan's page: 5"},
+              "N", "Satellites at least");
+    AddNumber(best, "--max-pdop", options.maxPdop,
+              {WindowLimits::kLowestPdop, WindowLimits::kHighestPdop, "", "the same: 4"}, "X",
+              "PDOP at most");
+    AddText(best, "--min-length", options.minLength, "TIME",
+            "Length at least: 60m, 2h, up to a day (the same: 30m)")
+        ->check(CLI::Validator(
+            [](const std::string& text) { return ParseLength(text) ? "" : "no length"; }, ""));
 }
 
 } // namespace
 
 Command AddPlanCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "plan", "When to observe: satellites and dilution over the hours of a day",
-        "  fieldcore-cli plan                                      the usual site, today\n"
-        "  fieldcore-cli plan --site 札幌 --date 2026-11-21 --from 9 --hours 8\n"
-        "  fieldcore-cli plan --at 35.69,139.75,60 --kind tracks   when each satellite is up\n"
-        "  fieldcore-cli plan --kind pdop --csv > pdop.csv         for a spreadsheet\n"
-        "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5       the good hours\n"
-        "  fieldcore-cli plan sites                                the sites it knows\n");
-    auto options = std::make_shared<Options>();
-    options->plan.AddTo(parser);
+    const auto options = std::make_shared<Options>();
     std::vector<std::string> kinds;
     for (const auto& kind : Kinds()) {
         kinds.push_back(kind.first);
     }
-    parser.add_option("--kind", options->kind, "One graph: count, pdop, gdop, tdop or tracks")
-        ->check(CLI::IsMember(kinds).description(""))
-        ->type_name("KIND")
-        ->group("Plan");
-    parser.add_flag("--csv", options->csv, "Comma-separated values, by default of the count")
-        ->group("Plan");
-    AddBest(parser, *options);
-    options->sites = &AddParser(parser, "sites", "The sites that plan knows by name",
-                                "  fieldcore-cli plan sites          names and coordinates\n"
-                                "  fieldcore-cli plan sites --json   for a script\n");
-    return {&parser, [options](const Context& context) {
-                if (options->sites->parsed()) {
-                    return Sites(context);
-                }
-                return options->best->parsed() ? Best(context, *options) : Plan(context, *options);
-            }};
+    return AddCommands(
+        program,
+        {"plan", "When to observe: satellites and dilution over the hours of a day",
+         "  fieldcore-cli plan                                      the usual site, today\n"
+         "  fieldcore-cli plan --site 札幌 --date 2026-11-21 --from 9 --hours 8\n"
+         "  fieldcore-cli plan --at 35.69,139.75,60 --kind tracks   when each satellite is up\n"
+         "  fieldcore-cli plan --kind pdop --csv > pdop.csv         for a spreadsheet\n"
+         "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5       the good hours\n"
+         "  fieldcore-cli plan sites                                the sites it knows\n",
+         [=](CLI::App& parser) {
+             options->plan.AddTo(parser);
+             AddWord(parser, "--kind", options->kind, kinds, "KIND",
+                     "One graph: count, pdop, gdop, tdop or tracks");
+             parser.add_flag("--csv", options->csv,
+                             "Comma-separated values, by default of the count");
+             parser.option_defaults()->group("Options");
+         },
+         [options](const Context& context) { return Plan(context, *options); }},
+        {{"best", "The windows of a day in which the sky is good; takes plan's options, too",
+          "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5 --min-length 60m\n"
+          "  fieldcore-cli plan best --site 大阪 --date tomorrow --days 3\n"
+          "  fieldcore-cli plan best --from 20 --hours 9     through the night\n",
+          [options](CLI::App& parser) { AddBestOptions(parser, *options); },
+          [options](const Context& context) { return Best(context, *options); }},
+         {"sites",
+          "The sites that plan knows by name",
+          "  fieldcore-cli plan sites          names and coordinates\n"
+          "  fieldcore-cli plan sites --json   for a script\n",
+          {},
+          Sites}});
 }
 
 } // namespace fieldcore::cli

@@ -38,31 +38,22 @@ Value JstValue(const PlanPeriod& period, int epoch)
     return Value::Word(period.JstText(epoch), period.ClockText(epoch));
 }
 
-const DopValues& DopOf(const ObservationPlan& plan, int epoch)
-{
-    return plan.View().dop[static_cast<std::size_t>(epoch)];
-}
-
 int CountOf(const ObservationPlan& plan, int epoch)
 {
     return plan.View().count[static_cast<std::size_t>(epoch)];
 }
 
-std::string Repeated(std::string_view sign, int count)
-{
-    std::string text;
-    for (int i = 0; i < count; ++i) {
-        text += sign;
-    }
-    return text;
-}
-
+/// @param value  nothing: there is none
 /// @param scale  columns for each unit
-std::string Bar(double value, int scale)
+std::string Bar(std::optional<double> value, int scale)
 {
     constexpr double kHighest = 12.0; // as far as the graphs of the plan go
-    const double shown = std::isfinite(value) ? std::clamp(value, 0.0, kHighest) : kHighest;
-    return Repeated("█", static_cast<int>(std::lround(shown * scale)));
+    const double shown = std::clamp(value.value_or(0.0), 0.0, kHighest);
+    std::string text;
+    for (auto columns = std::lround(shown * scale); columns > 0; --columns) {
+        text += "█";
+    }
+    return text;
 }
 
 Report::Table OverviewTable(const ObservationPlan& plan)
@@ -76,11 +67,13 @@ Report::Table OverviewTable(const ObservationPlan& plan)
                          {"tdop", "TDOP"}},
                         {}};
     for (int k = 0; k < plan.Division(); ++k) {
-        const DopValues& dop = DopOf(plan, k);
-        table.rows.push_back({JstValue(plan.Computed(), k), Value::Integer(CountOf(plan, k)),
-                              Value::Real(dop.pdop, kDopDecimals),
-                              Value::Real(dop.gdop, kDopDecimals),
-                              Value::Real(dop.tdop, kDopDecimals)});
+        const int count = CountOf(plan, k);
+        const DopValues& dop = plan.View().dop[static_cast<std::size_t>(k)];
+        const auto solved = [&](double dilution) { // or unknown
+            return Value::Real(count < kSatellitesForDop ? NAN : dilution, kDopDecimals);
+        };
+        table.rows.push_back({JstValue(plan.Computed(), k), Value::Integer(count), solved(dop.pdop),
+                              solved(dop.gdop), solved(dop.tdop)});
     }
     return table;
 }
@@ -100,9 +93,10 @@ Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
          isCount ? Report::Column{"satellites", "SATELLITES"} : Report::Column{name[0], name[1]}},
         {}};
     for (int k = 0; k < plan.Division(); ++k) {
-        table.rows.push_back({JstValue(plan.Computed(), isCount ? k : k + 1),
-                              isCount ? Value::Integer(std::lround(plan.CountAt(k)))
-                                      : Value::Real(plan.DopAt(graph, k), kDopDecimals)});
+        table.rows.push_back(
+            {JstValue(plan.Computed(), EpochOfSample(graph, k)),
+             isCount ? Value::Integer(std::lround(plan.CountAt(k)))
+                     : Value::Real(SampleAt(plan, graph, k).value_or(NAN), kDopDecimals)});
     }
     return table;
 }
@@ -149,9 +143,9 @@ std::string ChartWords(const ObservationPlan& plan, std::optional<PlanGraph> gra
     table.columns.push_back({"", ""});
     for (std::size_t k = 0; k < table.rows.size(); ++k) {
         const auto sample = static_cast<int>(k);
-        table.rows[k].push_back(Value::Text(isCount ? Bar(plan.CountAt(sample), 1)
-                                                    : Bar(plan.DopAt(*graph, sample), kDopScale),
-                                            ""));
+        table.rows[k].push_back(Value::Text(
+            isCount ? Bar(plan.CountAt(sample), 1) : Bar(SampleAt(plan, *graph, sample), kDopScale),
+            ""));
     }
     Report report;
     report.AddTable(std::move(table));
@@ -161,10 +155,11 @@ std::string ChartWords(const ObservationPlan& plan, std::optional<PlanGraph> gra
 /// When each satellite is up, and how high it comes.
 std::string TrackWords(const ObservationPlan& plan)
 {
-    Report::Table table{"",
-                        "No satellite is up.",
-                        {{"", "PRN"}, {"", "FROM"}, {"", "TO"}, {"", "HIGHEST"}, {"", "UP"}},
-                        {}};
+    Report::Table table{
+        "",
+        "No satellite is up.",
+        {{"", "PRN"}, {"", "FROM JST"}, {"", "TO JST"}, {"", "HIGHEST"}, {"", "UP"}},
+        {}};
     for (int index = 0; index < kMaxPrn; ++index) {
         std::string line;
         int first = -1;
@@ -208,12 +203,10 @@ std::string BestWords(const ObservationPlan& plan, const WindowLimits& limits)
 {
     const std::optional<PlanWindow> best = BestWindow(plan, limits);
     if (!best) {
-        return "best window: none with " + std::to_string(limits.minSatellites) +
-               " satellites and a PDOP of " + Value::Real(limits.maxPdop, 1).Words() +
-               " at most for " + std::to_string(limits.minLength.count()) + " minutes";
+        return "best window: none with " + LimitWords(limits);
     }
     return "best window: " + plan.Computed().ClockText(best->first) + " to " +
-           plan.Computed().ClockText(best->last) + ", at least " +
+           plan.Computed().ClockText(best->last) + " JST, at least " +
            std::to_string(best->fewestSatellites) + " satellites, PDOP " +
            Value::Real(best->highestPdop, 1).Words() + " at most";
 }
@@ -291,8 +284,11 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
     const PlanPeriod& period = plan.Computed();
     const AlmanacState almanac = StateOfAlmanac(plan);
     std::string words = ToUtf8(site.name) + "  " + Coordinates(site.observer) + "\n";
+    const std::string end = period.ClockText(plan.Division());
+    const std::string lastDay = DateOf(period.JstText(plan.Division()));
+    const bool passesMidnight = end != "24:00" && lastDay != DateOf(period.JstText(0));
     words += DateOf(period.JstText(0)) + ", " + period.ClockText(0) + " to " +
-             period.ClockText(plan.Division()) + " JST every " +
+             (passesMidnight ? lastDay + ", " : "") + end + " JST every " +
              std::to_string(period.Interval().count()) + " minutes, mask " +
              std::to_string(request.maskDeg) + " degrees, " +
              (HasObstruction(plan.Calc().GetCurtain()) ? "with the curtain" : "no curtain") + "\n";
@@ -307,20 +303,34 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
 
 std::vector<Report::Column> WindowColumns()
 {
-    return {{"site", "SITE"},       {"date", "DATE"},      {"from", "FROM"},
-            {"to", "TO"},           {"minutes", "LENGTH"}, {"fewestSatellites", "SATELLITES"},
+    return {{"site", "SITE"},
+            {"date", "DATE"},
+            {"from", "FROM JST"},
+            {"to", "TO JST"},
+            {"hours", "HOURS"},
+            {"minutes", "MINUTES"},
+            {"fewestSatellites", "SATELLITES"},
             {"highestPdop", "PDOP"}};
+}
+
+std::string LimitWords(const WindowLimits& limits)
+{
+    return std::to_string(limits.minSatellites) + " satellites and a PDOP of " +
+           Value::Real(limits.maxPdop, 1).Words() + " at most for " +
+           std::to_string(limits.minLength.count()) + " minutes";
 }
 
 std::vector<Value> WindowRow(const ObservationPlan& plan, const NamedSite& site,
                              const PlanWindow& window)
 {
     const PlanPeriod& period = plan.Computed();
+    const auto minutes = (window.last - window.first) * period.Interval().count();
     return {Value::Text(std::wstring_view(site.name)),
-            Value::Text(DateOf(period.JstText(0))),
+            Value::Text(DateOf(period.JstText(window.first))),
             JstValue(period, window.first),
             JstValue(period, window.last),
-            Value::Integer((window.last - window.first) * period.Interval().count(), "min"),
+            Value::Real(static_cast<double>(minutes) / 60.0, 1),
+            Value::Integer(minutes),
             Value::Integer(window.fewestSatellites),
             Value::Real(window.highestPdop, kDopDecimals)};
 }

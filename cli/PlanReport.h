@@ -21,6 +21,8 @@ namespace fieldcore::cli {
 [[nodiscard]] std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
                                     const PlanRequest& request, std::optional<PlanGraph> graph);
 
+/// "5 satellites and a PDOP of 4.0 at most for 30 minutes"
+[[nodiscard]] std::string LimitWords(const WindowLimits& limits);
 /// A window's line in the table of good windows; its columns are WindowColumns().
 [[nodiscard]] std::vector<Value> WindowRow(const ObservationPlan& plan, const NamedSite& site,
                                            const PlanWindow& window);

@@ -1,6 +1,7 @@
 #include "cli/PlanRequest.h"
 
 #include "cli/DayText.h"
+#include "cli/Options.h"
 
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
@@ -18,8 +19,6 @@
 #include <limits>
 #include <string_view>
 #include <utility>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -140,64 +139,39 @@ std::optional<Failure> ResolveDates(const PlanOptions& options, const World& wor
     return std::nullopt;
 }
 
-std::optional<Failure> ResolvePeriod(const PlanOptions& options, const PlanSettings& settings,
-                                     bool wholeDay, PlanRequest& request)
+void ResolvePeriod(const PlanOptions& options, const PlanSettings& settings, bool wholeDay,
+                   PlanRequest& request)
 {
     constexpr int kDayH = 24;
     const bool anyGiven = options.from || options.hours;
     if (wholeDay && !anyGiven) {
         request.startHour = 0;
         request.hours = kDayH;
-        return std::nullopt;
+        return;
     }
-    request.startHour = options.from.value_or(
-        options.hours ? std::min(settings.startHour, kDayH - *options.hours) : settings.startHour);
-    const int left = kDayH - request.startHour;
-    request.hours = options.hours.value_or(std::min(settings.hours, left));
-    if (request.hours > left) {
-        return UsageFailure(
-            "A day ends at midnight: from " + std::to_string(request.startHour) + " on only " +
-                std::to_string(left) + " of its hours " + (left == 1 ? "is" : "are") +
-                " left, not " + std::to_string(request.hours) + ".",
-            "Plan the rest on the next day: --days 2 plans the same hours of both.");
-    }
-    return std::nullopt;
+    request.hours = options.hours.value_or(settings.hours);
+    // Where no start is asked for, the usual one counts unless the day is too short for it.
+    request.startHour = options.from.value_or(std::min(settings.startHour, kDayH - request.hours));
 }
 
 } // namespace
 
 void PlanOptions::AddTo(CLI::App& command)
 {
-    const auto number = [&command](const char* name, auto& value, int lowest, int highest,
-                                   const char* type, const char* purpose) {
-        command.add_option(name, value, purpose)
-            ->check(CLI::Range(lowest, highest).description(""))
-            ->type_name(type)
-            ->group("Plan");
-    };
-    command.add_option("--site", sites, "A site by its name, or a part of it; several may follow")
-        ->type_name("NAME")
-        ->group("Plan");
-    command.add_option("--at", places, "A place in degrees and metres, e.g. 35.69,139.75,60")
-        ->type_name("LAT,LON[,HEIGHT]")
-        ->group("Plan");
-    command.add_option("--date", date, "2026-11-21, today or tomorrow (today in Japan)")
-        ->type_name("DATE")
-        ->group("Plan");
-    number("--days", days, 1, 366, "N", "So many days from the date on (1)");
-    number("--from", from, 0, 23, "HOUR", "First hour, Japan time, 0 to 23");
-    number("--hours", hours, 1, 24, "N", "So many hours, 1 to 24, until midnight at most");
-    number("--mask", maskDeg, 0, 90, "DEG", "Elevation mask, 0 to 90");
-    command.add_option("--almanac", almanac, "Another almanac than the one in use")
-        ->type_name("FILE")
-        ->group("Plan");
-    CLI::Option* const file =
-        command
-            .add_option("--curtain", curtain,
-                        "Another obstruction curtain: a text, or a CurTain.obs")
-            ->type_name("FILE")
-            ->group("Plan");
-    command.add_flag("--no-curtain", noCurtain, "An open sky")->excludes(file)->group("Plan");
+    command.option_defaults()->group("Plan");
+    AddText(command, "--site", sites, "NAME",
+            "A site by its name, or a part of it; several may follow");
+    AddText(command, "--at", places, "LAT,LON[,HEIGHT]",
+            "A place in degrees and metres, e.g. 35.69,139.75,60");
+    AddText(command, "--date", date, "DATE", "2026-11-21, today or tomorrow (today in Japan)");
+    AddNumber(command, "--days", days, {1.0, 366.0, "", "1"}, "N", "So many days from the date on");
+    AddNumber(command, "--from", from, {0.0, 23.0, "h"}, "HOUR", "First hour, Japan time");
+    AddNumber(command, "--hours", hours, {1.0, 24.0, "h"}, "N", "How long");
+    AddNumber(command, "--mask", maskDeg, {0.0, 90.0, "deg"}, "DEG", "Elevation mask");
+    AddText(command, "--almanac", almanac, "FILE", "Another almanac than the one in use");
+    CLI::Option* const file = AddText(command, "--curtain", curtain, "FILE",
+                                      "Another obstruction curtain: a text, or a CurTain.obs");
+    command.add_flag("--no-curtain", noCurtain, "An open sky")->excludes(file);
 }
 
 std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
@@ -250,9 +224,7 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
         return failure;
     }
-    if (std::optional<Failure> failure = ResolvePeriod(options, settings, wholeDay, request)) {
-        return failure;
-    }
+    ResolvePeriod(options, settings, wholeDay, request);
     request.settings = settings;
     request.settings.elMaskDeg = request.maskDeg;
     request.settings.startHour = request.startHour;

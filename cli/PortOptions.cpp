@@ -1,11 +1,13 @@
 #include "cli/PortOptions.h"
 
+#include "cli/Options.h"
+
+#include "core/platform/FastClock.h"
+
 #include <chrono>
 #include <cmath>
 #include <map>
 #include <set>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -33,24 +35,24 @@ void PortOptions::AddTo(CLI::App& command)
                                                    {"dsrdtr", FlowControl::DsrDtr}};
     const std::map<std::string, int> parities{{"none", 0}, {"odd", 1}, {"even", 2}};
 
-    // Limits are told by the texts; the parser's own description of them is hard to read.
+    command.option_defaults()->group("Port");
+    // What there is to choose from is told by the texts; the parser's own description of it is hard
+    // to read.
     const auto add = [&command](const char* name, auto& value, const char* type,
-                                const char* purpose, CLI::Validator limits) {
+                                const char* purpose, CLI::Validator choices) {
         command.add_option(name, value, purpose)
-            ->transform(limits.description(""))
-            ->type_name(type)
-            ->group("Port");
+            ->transform(choices.description(""))
+            ->type_name(type);
     };
-    command
-        .add_option("-p,--port", port,
-                    "COM1, a path, sim: or sim:SCENARIO (else $FIELDCORE_PORT, else as stored)")
-        ->type_name("PORT")
-        ->group("Port");
-    add("--baud", baudRate, "RATE", "Rate, 1200 to 230400 bit/s", CLI::IsMember(rates));
-    add("--bits", dataBits, "N", "Data bits, 7 or 8", CLI::Range(7, 8));
+    AddText(command, "-p,--port", port, "PORT",
+            "COM1, a path, sim: or sim:SCENARIO (else $FIELDCORE_PORT, else as stored)");
+    add("--baud", baudRate, "RATE",
+        "Rate, bit/s: 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200 or 230400",
+        CLI::IsMember(rates));
+    add("--bits", dataBits, "N", "Data bits, 7 or 8", CLI::IsMember(std::set<int>{7, 8}));
     add("--parity", parity, "PARITY", "none, odd or even",
         CLI::CheckedTransformer(parities, CLI::ignore_case));
-    add("--stop-bits", stopBits, "N", "1 or 2", CLI::Range(1, 2));
+    add("--stop-bits", stopBits, "N", "Stop bits, 1 or 2", CLI::IsMember(std::set<int>{1, 2}));
     add("--flow", flow, "FLOW", "Handshake: none, xonxoff, rtscts or dsrdtr",
         CLI::CheckedTransformer(flows, CLI::ignore_case));
     AddSessionTo(command);
@@ -58,17 +60,15 @@ void PortOptions::AddTo(CLI::App& command)
 
 void PortOptions::AddSessionTo(CLI::App& command)
 {
-    command.add_option("--timeout", timeoutS, "How long an answer may take (2)")
-        ->check(CLI::Range(0.05, 600.0).description(""))
-        ->type_name("SECONDS")
-        ->group("Port");
-    command.add_option("--log", log, "Append all that passes the line to this file; see trace")
-        ->type_name("FILE")
-        ->group("Port");
-    command.add_option("--speed", speed, "Let time run this many times as fast; only with sim:")
-        ->check(CLI::Range(0.1, 1000.0).description(""))
-        ->type_name("N")
-        ->group("Port");
+    command.option_defaults()->group("Port");
+    AddNumber(command, "--timeout", timeoutS, {0.05, 600.0, "s", "2"}, "SECONDS",
+              "How long an answer may take");
+    AddText(command, "--log", log, "FILE",
+            "Append all that passes the line to this file; see trace");
+    AddNumber(command, "--speed", speed,
+              {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times", "1"}, "N",
+              "How fast time runs with sim:");
+    command.option_defaults()->group("Options");
 }
 
 } // namespace fieldcore::cli

@@ -53,17 +53,16 @@ std::string TableWords(const Report::Table& table)
         }
         widths.push_back(width + 2);
     }
-    std::string header;
+    std::vector<std::pair<std::string, std::size_t>> cells(widths.size());
     for (std::size_t at = 0; at < widths.size(); ++at) {
-        header += Padded(table.columns[at].label, widths[at]);
+        cells[at] = {table.columns[at].label, widths[at]};
     }
-    std::string text = WithoutTrailingBlanks(header) + "\n";
+    std::string text = TableLine(cells);
     for (const auto& row : table.rows) {
-        std::string line;
         for (std::size_t at = 0; at < widths.size(); ++at) {
-            line += Padded(row[at].Words(), widths[at]);
+            cells[at].first = row[at].Words();
         }
-        text += WithoutTrailingBlanks(line) + "\n";
+        text += TableLine(cells);
     }
     return text;
 }
@@ -127,6 +126,15 @@ std::string Report::Words() const
         }
     }
     return text;
+}
+
+std::string TableLine(const std::vector<std::pair<std::string, std::size_t>>& textsAndWidths)
+{
+    std::string line;
+    for (const auto& [text, width] : textsAndWidths) {
+        line += Padded(text, width);
+    }
+    return WithoutTrailingBlanks(line) + "\n";
 }
 
 std::string Padded(std::string_view text, std::size_t width)

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -61,6 +62,10 @@ public:
 private:
     std::vector<Item> m_items;
 };
+
+/// A line of a table whose lines come one by one: texts, each as wide as its column.
+[[nodiscard]] std::string
+TableLine(const std::vector<std::pair<std::string, std::size_t>>& textsAndWidths);
 
 /// @p text with blanks behind it, @p width columns wide.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t width);

@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
@@ -8,8 +9,6 @@
 #include "core/link/RecvInfo.h"
 
 #include <memory>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -31,8 +30,7 @@ ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
 
 ExitCode Run(const Context& context, const ResetOptions& options)
 {
-    const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (!options.yes && !context.dryRun && !canAsk) {
+    if (!options.yes && !context.dryRun && !context.world.CanAsk()) {
         return context.output.Failed(
             UsageFailure("A reset wipes the receiver's settings and almanacs, and nobody can be "
                          "asked here.",
@@ -67,16 +65,18 @@ ExitCode Run(const Context& context, const ResetOptions& options)
 
 Command AddResetCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "reset", "Return the receiver to its factory settings",
-        "  fieldcore-cli reset --port /dev/ttyUSB0 --dry-run   which receiver would it be\n"
-        "  fieldcore-cli reset --port /dev/ttyUSB0             asks twice, then does it\n"
-        "  fieldcore-cli reset --port sim: --yes               without questions\n");
-    auto options = std::make_shared<ResetOptions>();
-    CLI::Option* const yes = parser.add_flag("--yes", options->yes, "Do not ask");
-    AddDryRun(parser, "Send nothing, show which receiver it is", yes);
-    options->port.AddTo(parser);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    const auto options = std::make_shared<ResetOptions>();
+    return AddCommand(
+        program,
+        {"reset", "Return the receiver to its factory settings",
+         "  fieldcore-cli reset --port /dev/ttyUSB0 --dry-run   which receiver would it be\n"
+         "  fieldcore-cli reset --port /dev/ttyUSB0             asks twice, then does it\n"
+         "  fieldcore-cli reset --port sim: --yes               without questions\n",
+         [options](CLI::App& parser) {
+             AddConsent(parser, options->yes, "Send nothing, show which receiver it is");
+             options->port.AddTo(parser);
+         },
+         [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

@@ -41,7 +41,7 @@ void AddSignals(Report& report, const SignalSession& session)
     report.Add("locked", "fixed by the receiver", Value::YesNo(session.IsLocked()));
     Report::Table table{"signals",
                         "none",
-                        {{"signal", "signal"}, {"available", "available"}, {"chosen", "chosen"}},
+                        {{"signal", "SIGNAL"}, {"available", "AVAILABLE"}, {"chosen", "CHOSEN"}},
                         {}};
     for (const Signal signal : kAllSignals) {
         // A locked receiver is not asked what it has.

@@ -1,6 +1,8 @@
 #include "cli/ChildProcess.h"
 #include "cli/Command.h"
+#include "cli/Options.h"
 
+#include "core/platform/FastClock.h"
 #include "simulator/Simulator.h"
 
 #include <chrono>
@@ -8,8 +10,6 @@
 #include <memory>
 #include <string>
 #include <utility>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -20,6 +20,7 @@ struct SimOptions
     std::string scenario = "lark";
     std::filesystem::path record;
     std::filesystem::path link;
+    std::filesystem::path replay;
     double speed = 0.0; ///< 0: the scenario's
 };
 
@@ -65,9 +66,12 @@ ExitCode StartCommand(const Context& context, const simulator::Simulator& simula
             argument.replace(at, kPort.size(), simulator.PortPath());
         }
     }
+    if (context.world.StopRequested()) {
+        return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+    }
     child.environment = {{"FIELDCORE_PORT", simulator.PortPath()}};
     std::string error;
-    const std::optional<int> code = RunChild(child, context.world.stopSignal, error);
+    const std::optional<int> code = RunChild(child, error);
     if (!code) {
         return context.output.Failed({ExitCode::Failed, "command-not-started",
                                       child.arguments.front() + " does not start: " + error + "."});
@@ -93,12 +97,13 @@ ExitCode RunScenario(const Context& context, const SimOptions& options)
     }
     const std::string title = scenario->title;
     simulator::Simulator simulator(*scenario, *context.world.clock,
-                                   {options.link, options.record, {}});
+                                   {options.link, options.record, options.replay});
     if (!simulator.Start(error)) {
         return context.output.Failed({ExitCode::LocalFile, "simulator-not-started",
                                       "The simulator does not start: " + error + "."});
     }
-    context.output.Note(title + ".");
+    context.output.Note((options.replay.empty() ? title : "Replaying " + options.replay.string()) +
+                        ".");
     return context.userCommand.empty() ? Serve(context, simulator)
                                        : StartCommand(context, simulator);
 }
@@ -107,36 +112,38 @@ ExitCode RunScenario(const Context& context, const SimOptions& options)
 
 Command AddSimCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "sim", "A receiver in software",
-        "  fieldcore-cli sim list                           the scenarios there are\n"
-        "  fieldcore-cli sim run                            a healthy receiver, until Ctrl-C\n"
-        "  fieldcore-cli sim run --scenario noisy-line -- fieldcore-cli info\n"
-        "  fieldcore-cli sim run -- my-program --device {port}\n");
-    parser.require_subcommand(1);
-    CLI::App& list = AddParser(parser, "list", "Name the scenarios and what each one shows",
-                               "  fieldcore-cli sim list\n");
-    CLI::App& run = AddParser(
-        parser, "run", "Start one; print its port, or start a command that uses it",
-        "  fieldcore-cli sim run --scenario pica     prints the port; Ctrl-C ends it\n"
-        "  fieldcore-cli sim run -- my-program {port}\n"
-        "                                            {port} is the port's path, which is in\n"
-        "                                            FIELDCORE_PORT too; ends with my-program\n"
-        "                                            and its exit code\n");
-    auto options = std::make_shared<SimOptions>();
-    run.add_option("--scenario", options->scenario, "A scenario's name, or a file (lark)")
-        ->type_name("NAME");
-    run.add_option("--record", options->record, "Write what is said to this file; see trace")
-        ->type_name("FILE");
-    run.add_option("--link", options->link, "Where the port appears (a fresh temporary folder)")
-        ->type_name("PATH");
-    run.add_option("--speed", options->speed,
-                   "Receiver seconds in one second (as the scenario says)")
-        ->check(CLI::Range(1e-3, 1e6).description(""))
-        ->type_name("N");
-    return {&parser, [options, &list](const Context& context) {
-                return list.parsed() ? List(context) : RunScenario(context, *options);
-            }};
+    const auto options = std::make_shared<SimOptions>();
+    const auto addOptions = [options](CLI::App& run) {
+        CLI::Option* const scenario = AddText(run, "--scenario", options->scenario, "NAME",
+                                              "A scenario's name, or a file (lark)");
+        AddText(run, "--record", options->record, "FILE",
+                "Write what is said to this file; see trace");
+        AddText(run, "--replay", options->replay, "FILE",
+                "Answer from such a file and not from a scenario")
+            ->excludes(scenario);
+        AddText(run, "--link", options->link, "PATH",
+                "Where the port appears (a fresh temporary folder)");
+        AddNumber(
+            run, "--speed", options->speed,
+            {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times", "as the scenario says"},
+            "N", "How fast the receiver's time runs");
+    };
+    return AddCommands(
+        program, {"sim", "A receiver in software", nullptr, {}, {}},
+        {{"list",
+          "Name the scenarios and what each one shows",
+          "  fieldcore-cli sim list                           the scenarios there are\n",
+          {},
+          List},
+         {"run", "Start one; print its port, or start a command that uses it",
+          "  fieldcore-cli sim run --scenario pica            prints the port; Ctrl-C ends it\n"
+          "  fieldcore-cli sim run --scenario noisy-line -- fieldcore-cli info\n"
+          "  fieldcore-cli sim run -- my-program --device {port}\n"
+          "                                            {port} is the port's path, which is in\n"
+          "                                            FIELDCORE_PORT too; ends with my-program\n"
+          "                                            and its exit code\n",
+          addOptions,
+          [options](const Context& context) { return RunScenario(context, *options); }}});
 }
 
 } // namespace fieldcore::cli

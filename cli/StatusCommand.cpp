@@ -7,8 +7,6 @@
 #include <memory>
 #include <optional>
 
-#include <CLI/CLI.hpp>
-
 namespace fieldcore::cli {
 
 namespace {
@@ -16,9 +14,7 @@ namespace {
 struct StatusOptions
 {
     PortOptions port;
-    CLI::Option* watch = nullptr;
-    double intervalS = 2.0;
-    unsigned count = 0; ///< readings of the watch; 0: until Ctrl-C
+    WatchOptions watch;
 };
 
 ExitCode ShowReading(const Context& context, const StatusReader& reader, bool isFirst)
@@ -33,7 +29,7 @@ ExitCode ShowReading(const Context& context, const StatusReader& reader, bool is
 ExitCode Watch(const Context& context, PortSession& session, const StatusOptions& options)
 {
     StatusReader reader(session);
-    return RunWatch(context.world, session.GetClock(), options.intervalS, options.count,
+    return RunWatch(context.world, session.GetClock(), options.watch,
                     [&](bool isFirst) -> std::optional<ExitCode> {
                         const std::optional<Failure> failure = reader.Read();
                         if (context.world.StopRequested()) {
@@ -51,7 +47,7 @@ ExitCode Run(const Context& context, const StatusOptions& options)
     if (const std::optional<Failure> failure = session.Connect()) {
         return context.output.Failed(*failure);
     }
-    if (options.watch->count() > 0) {
+    if (options.watch.IsWanted()) {
         return Watch(context, session, options);
     }
     StatusReader reader(session);
@@ -70,25 +66,19 @@ ExitCode Run(const Context& context, const StatusOptions& options)
 
 Command AddStatusCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "status", "How the receiver is: battery, satellites, position",
-        "  fieldcore-cli status --port /dev/ttyUSB0             once\n"
-        "  fieldcore-cli status --port sim: --watch             every 2 seconds, until Ctrl-C\n"
-        "  fieldcore-cli status --port sim: --watch 10 --json   a JSON document every 10 "
-        "seconds\n");
-    auto options = std::make_shared<StatusOptions>();
-    options->watch = parser
-                         .add_option("--watch", options->intervalS,
-                                     "Again every so many seconds (2), until Ctrl-C")
-                         ->expected(0, 1)
-                         ->check(CLI::Range(0.1, 86400.0).description(""))
-                         ->type_name("[SECONDS]");
-    parser.add_option("--count", options->count, "End the watch after so many readings")
-        ->needs(options->watch)
-        ->check(CLI::PositiveNumber.description(""))
-        ->type_name("N");
-    options->port.AddTo(parser);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    const auto options = std::make_shared<StatusOptions>();
+    return AddCommand(
+        program,
+        {"status", "How the receiver is: battery, satellites, position",
+         "  fieldcore-cli status --port /dev/ttyUSB0             once\n"
+         "  fieldcore-cli status --port sim: --watch             every 2 seconds, until Ctrl-C\n"
+         "  fieldcore-cli status --port sim: --watch 10 --json   a JSON document every 10 "
+         "seconds\n",
+         [options](CLI::App& parser) {
+             options->watch.AddTo(parser, 2.0);
+             options->port.AddTo(parser);
+         },
+         [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

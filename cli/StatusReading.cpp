@@ -26,7 +26,7 @@ struct WatchColumn
 constexpr std::array kWatchColumns{
     WatchColumn{"TIME", "utc", 25},
     WatchColumn{"FIX", "fix", 14},
-    WatchColumn{"SATS", "satellitesTracked", 6},
+    WatchColumn{"SATELLITES", "satellitesTracked", 12},
     WatchColumn{"PDOP", "pdop", 6},
     WatchColumn{"BATTERY", "batteryPercent", 9},
     WatchColumn{"LATITUDE", "latitudeDeg", 18},
@@ -121,20 +121,20 @@ void AddIdentity(Report& report, const ReceiverIdentity& identity)
 
 std::string WatchLine(const Receiver& receiver)
 {
-    std::string line;
+    std::vector<std::pair<std::string, std::size_t>> cells;
     for (const WatchColumn& column : kWatchColumns) {
-        line += Padded(ReportField(FieldOf(column.key), receiver).Words(), column.width);
+        cells.emplace_back(ReportField(FieldOf(column.key), receiver).Words(), column.width);
     }
-    return line + "\n";
+    return TableLine(cells);
 }
 
 std::string WatchHeader()
 {
-    std::string line;
+    std::vector<std::pair<std::string, std::size_t>> cells;
     for (const WatchColumn& column : kWatchColumns) {
-        line += Padded(column.label, column.width);
+        cells.emplace_back(column.label, column.width);
     }
-    return line + "\n";
+    return TableLine(cells);
 }
 
 } // namespace fieldcore::cli

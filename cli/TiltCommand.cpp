@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
 #include "cli/TiltReport.h"
@@ -15,8 +16,6 @@
 #include <optional>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
 namespace fieldcore::cli {
 
 namespace {
@@ -24,9 +23,7 @@ namespace {
 struct TiltOptions
 {
     PortOptions port;
-    CLI::Option* watch = nullptr;
-    double intervalS = 0.2;
-    unsigned count = 0; ///< readings of the watch; 0: until Ctrl-C
+    WatchOptions watch;
     int hours = 0;
     std::string speed;
     bool yes = false;
@@ -64,7 +61,7 @@ ExitCode WithSensor(const Context& context, const TiltOptions& options,
 
 ExitCode Watch(const Context& context, const TiltOptions& options, Sensor& sensor)
 {
-    return RunWatch(context.world, sensor.session.GetClock(), options.intervalS, options.count,
+    return RunWatch(context.world, sensor.session.GetClock(), options.watch,
                     [&](bool isFirst) -> std::optional<ExitCode> {
                         sensor.tilt.Refresh();
                         if (context.world.StopRequested()) {
@@ -84,7 +81,7 @@ ExitCode Watch(const Context& context, const TiltOptions& options, Sensor& senso
 ExitCode Show(const Context& context, const TiltOptions& options)
 {
     return WithSensor(context, options, [&](Sensor& sensor) {
-        if (options.watch->count() > 0) {
+        if (options.watch.IsWanted()) {
             return Watch(context, options, sensor);
         }
         Report report;
@@ -120,8 +117,7 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
 
 ExitCode Calibrate(const Context& context, const TiltOptions& options)
 {
-    const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (!options.yes && !context.dryRun && !canAsk) {
+    if (!options.yes && !context.dryRun && !context.world.CanAsk()) {
         return context.output.Failed(UsageFailure(
             "A calibration replaces the one that the sensor has, and nobody can be asked here "
             "whether the receiver stands level.",
@@ -210,60 +206,51 @@ ExitCode SetSpeed(const Context& context, const TiltOptions& options)
 
 Command AddTiltCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "tilt", "The tilt sensor: reading, calibration and its settings",
-                  "  fieldcore-cli tilt show --port /dev/ttyUSB0           once\n"
-                  "  fieldcore-cli tilt show --port sim:tilted --watch     five times a second\n"
-                  "  fieldcore-cli tilt calibrate --port /dev/ttyUSB0      asks first\n");
-    parser.require_subcommand(1);
     const auto options = std::make_shared<TiltOptions>();
-    CLI::App& show = AddParser(
-        parser, "show", "How the sensor leans, and how its calibration is",
-        "  fieldcore-cli tilt show --port /dev/ttyUSB0\n"
-        "  fieldcore-cli tilt show --port sim:tilted --watch 1 --json   a document a second\n");
-    options->watch = show.add_option("--watch", options->intervalS,
-                                     "Again every so many seconds (0.2), until Ctrl-C")
-                         ->expected(0, 1)
-                         ->check(CLI::Range(0.1, 86400.0).description(""))
-                         ->type_name("[SECONDS]");
-    show.add_option("--count", options->count, "End the watch after so many readings")
-        ->needs(options->watch)
-        ->check(CLI::PositiveNumber.description(""))
-        ->type_name("N");
-    options->port.AddTo(show);
-
-    CLI::App& calibrate =
-        AddParser(parser, "calibrate", "Calibrate the sensor: the receiver must stand level",
-                  "  fieldcore-cli tilt calibrate --port /dev/ttyUSB0\n"
-                  "  fieldcore-cli tilt calibrate --port sim:tilted --yes --speed 20\n");
-    CLI::Option* const yes = calibrate.add_flag("--yes", options->yes, "Do not ask");
-    AddDryRun(calibrate, "Start nothing, show how the sensor is", yes);
-    options->port.AddTo(calibrate);
-
-    CLI::App& expiry = AddParser(parser, "expiry", "Set how long a calibration is valid",
-                                 "  fieldcore-cli tilt expiry 720 --port /dev/ttyUSB0\n");
-    expiry.add_option("HOURS", options->hours, "1 to 30000")
-        ->required()
-        ->check(CLI::Range(1, 30000).description(""))
-        ->type_name("");
-    AddDryRun(expiry, "Send nothing");
-    options->port.AddTo(expiry);
-
-    CLI::App& speed = AddParser(parser, "speed", "Set how fast the sensor's output follows",
-                                "  fieldcore-cli tilt speed medium --port /dev/ttyUSB0\n");
-    speed.add_option("SPEED", options->speed, "fast, medium or slow")
-        ->required()
-        ->check(CLI::IsMember({"fast", "medium", "slow"}).description(""))
-        ->type_name("");
-    AddDryRun(speed, "Send nothing and store nothing");
-    options->port.AddTo(speed);
-
-    return {&parser, [=, &show, &calibrate, &expiry](const Context& context) {
-                return show.parsed()        ? Show(context, *options)
-                       : calibrate.parsed() ? Calibrate(context, *options)
-                       : expiry.parsed()    ? SetExpiry(context, *options)
-                                            : SetSpeed(context, *options);
-            }};
+    const auto doing = [options](ExitCode (*act)(const Context&, const TiltOptions&)) {
+        return [options, act](const Context& context) { return act(context, *options); };
+    };
+    const auto addSetting = [options](CLI::App& parser) {
+        AddDryRun(parser, "Send nothing and store nothing");
+        options->port.AddTo(parser);
+    };
+    return AddCommands(
+        program,
+        {"tilt", "The tilt sensor: reading, calibration and its settings", nullptr, {}, {}},
+        {{"show", "How the sensor leans, and how its calibration is",
+          "  fieldcore-cli tilt show --port /dev/ttyUSB0\n"
+          "  fieldcore-cli tilt show --port sim:tilted --watch            five times a second\n"
+          "  fieldcore-cli tilt show --port sim:tilted --watch 1 --json   a document a second\n",
+          [options](CLI::App& parser) {
+              options->watch.AddTo(parser, 0.2);
+              options->port.AddTo(parser);
+          },
+          doing(Show)},
+         {"calibrate", "Calibrate the sensor: the receiver must stand level",
+          "  fieldcore-cli tilt calibrate --port /dev/ttyUSB0             asks first\n"
+          "  fieldcore-cli tilt calibrate --port sim:tilted --yes --speed 20\n",
+          [options](CLI::App& parser) {
+              AddConsent(parser, options->yes, "Start nothing, show how the sensor is");
+              options->port.AddTo(parser);
+          },
+          doing(Calibrate)},
+         {"expiry", "Set how long a calibration is valid",
+          "  fieldcore-cli tilt expiry 720 --port /dev/ttyUSB0\n",
+          [=](CLI::App& parser) {
+              AddNumber(parser, "HOURS", options->hours, {1.0, 30000.0, "h"}, "", "How long")
+                  ->required();
+              addSetting(parser);
+          },
+          doing(SetExpiry)},
+         {"speed", "Set how fast the sensor's output follows",
+          "  fieldcore-cli tilt speed medium --port /dev/ttyUSB0\n",
+          [=](CLI::App& parser) {
+              AddWord(parser, "SPEED", options->speed, {"fast", "medium", "slow"}, "",
+                      "fast, medium or slow")
+                  ->required();
+              addSetting(parser);
+          },
+          doing(SetSpeed)}});
 }
 
 } // namespace fieldcore::cli

@@ -8,14 +8,15 @@ namespace fieldcore::cli {
 
 namespace {
 
-struct Column
+std::string LineOf(std::string state, std::string tilt, std::string first, std::string second,
+                   std::string calibration)
 {
-    const char* label;
-    std::size_t width;
-};
-
-constexpr std::array<Column, 4> kColumns{
-    {{"state", 17}, {"tilt", 14}, {"components", 30}, {"calibration", 13}}};
+    return TableLine({{std::move(state), 17},
+                      {std::move(tilt), 14},
+                      {std::move(first), 17},
+                      {std::move(second), 18},
+                      {std::move(calibration), 0}});
+}
 
 } // namespace
 
@@ -29,22 +30,13 @@ std::string TiltLine(const Receiver& receiver)
     const auto words = [&receiver](const char* key) {
         return ReportField(FieldOf(key), receiver).Words();
     };
-    const std::string values[] = {words("state"), words("tiltDeg"),
-                                  words("t1Deg") + "  " + words("t2Deg"), words("calibration")};
-    std::string line;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) {
-        line += Padded(values[i], kColumns[i].width);
-    }
-    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    return LineOf(words("state"), words("tiltDeg"), words("t1Deg"), words("t2Deg"),
+                  words("calibration"));
 }
 
 std::string TiltHeader()
 {
-    std::string line;
-    for (const Column& column : kColumns) {
-        line += Padded(column.label, column.width);
-    }
-    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    return LineOf("STATE", "TILT", "FIRST COMPONENT", "SECOND COMPONENT", "CALIBRATION");
 }
 
 } // namespace fieldcore::cli

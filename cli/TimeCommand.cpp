@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
@@ -8,8 +9,6 @@
 #include <chrono>
 #include <memory>
 #include <string>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -112,8 +111,7 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
 
 ExitCode Run(const Context& context, const TimeOptions& options)
 {
-    const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (options.set && !options.yes && !context.dryRun && !canAsk) {
+    if (options.set && !options.yes && !context.dryRun && !context.world.CanAsk()) {
         return context.output.Failed(
             UsageFailure("The controller's clock would be set, and nobody can be asked here.",
                          "--yes to set it all the same, --dry-run to see what would happen"));
@@ -144,18 +142,23 @@ ExitCode Run(const Context& context, const TimeOptions& options)
 
 Command AddTimeCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "time", "The receiver's time against this controller's",
-        "  fieldcore-cli time --port /dev/ttyUSB0                 how far they are apart\n"
-        "  fieldcore-cli time --port /dev/ttyUSB0 --set --dry-run what would be set\n"
-        "  sudo fieldcore-cli time --port /dev/ttyUSB0 --set      asks, then sets the clock\n");
-    auto options = std::make_shared<TimeOptions>();
-    CLI::Option* const set =
-        parser.add_flag("--set", options->set, "Set the controller's clock by the receiver");
-    CLI::Option* const yes = parser.add_flag("--yes", options->yes, "Do not ask")->needs(set);
-    AddDryRun(parser, "Set nothing, show what would be", yes)->needs(set);
-    options->port.AddTo(parser);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    const auto options = std::make_shared<TimeOptions>();
+    return AddCommand(
+        program,
+        {"time", "The receiver's time against this controller's",
+         "  fieldcore-cli time --port /dev/ttyUSB0                 how far they are apart\n"
+         "  fieldcore-cli time --port /dev/ttyUSB0 --set --dry-run what would be set\n"
+         "  sudo fieldcore-cli time --port /dev/ttyUSB0 --set      asks, then sets the clock\n",
+         [options](CLI::App& parser) {
+             CLI::Option* const set = parser.add_flag("--set", options->set,
+                                                      "Set the controller's clock by the receiver");
+             AddConsent(parser, options->yes, "Set nothing, show what would be");
+             for (const char* name : {"--yes", "--dry-run"}) {
+                 parser.get_option(name)->needs(set);
+             }
+             options->port.AddTo(parser);
+         },
+         [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

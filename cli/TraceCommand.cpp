@@ -201,9 +201,9 @@ public:
             return m_context.output.Failed(*failure,
                                            m_context.output.IsJson() ? &m_report : nullptr);
         }
-        if (m_told == 0 && m_damagedLines > 0) {
+        if (m_told == 0) {
             return m_context.output.Failed(
-                FileFailure("No line of it is one of an exchange log.",
+                FileFailure("There is no line of an exchange log in it.",
                             "Lines look like this: 00:1.000 Rcvr Tx [02 00 08 00 08 03 ]"),
                 m_context.output.IsJson() ? &m_report : nullptr);
         }

@@ -1,10 +1,28 @@
 #include "cli/Watch.h"
 
+#include "cli/Options.h"
+
 #include <algorithm>
 #include <chrono>
 #include <ostream>
 
 namespace fieldcore::cli {
+
+void WatchOptions::AddTo(CLI::App& command, double usualS)
+{
+    intervalS = usualS;
+    const Limits limits{0.1, 86400.0, "s", usualS < 1.0 ? "0.2" : "2"};
+    watch = AddNumber(command, "--watch", intervalS, limits, "[SECONDS]",
+                      "Again and again, until Ctrl-C: every so often")
+                ->expected(0, 1);
+    AddNumber(command, "--count", count, {1.0, 1e6}, "N", "End the watch after so many readings")
+        ->needs(watch);
+}
+
+bool WatchOptions::IsWanted() const
+{
+    return watch->count() > 0;
+}
 
 void WaitUntil(const World& world, const Clock& clock, Clock::Duration end)
 {
@@ -18,15 +36,15 @@ void WaitUntil(const World& world, const Clock& clock, Clock::Duration end)
     }
 }
 
-ExitCode RunWatch(const World& world, const Clock& clock, double intervalS, unsigned count,
+ExitCode RunWatch(const World& world, const Clock& clock, const WatchOptions& options,
                   const std::function<std::optional<ExitCode>(bool isFirst)>& read)
 {
-    const auto interval =
-        std::chrono::duration_cast<Clock::Duration>(std::chrono::duration<double>(intervalS));
+    const auto interval = std::chrono::duration_cast<Clock::Duration>(
+        std::chrono::duration<double>(options.intervalS));
     ExitCode last = ExitCode::Cancelled;
     bool anyGood = false;
     Clock::Duration next = clock.Steady();
-    for (unsigned turn = 0; count == 0 || turn < count; ++turn) {
+    for (unsigned turn = 0; options.count == 0 || turn < options.count; ++turn) {
         WaitUntil(world, clock, next);
         next = std::max(next + interval, clock.Steady());
         const std::optional<ExitCode> code = read(!anyGood);

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include <grp.h>
+#include <poll.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -117,6 +118,10 @@ World World::OfThisProcess()
     world.outIsTerminal = isatty(STDOUT_FILENO) == 1;
     world.errIsTerminal = isatty(STDERR_FILENO) == 1;
     world.inIsTerminal = isatty(STDIN_FILENO) == 1;
+    world.outIsClosed = [] {
+        pollfd out{STDOUT_FILENO, 0, 0};
+        return poll(&out, 1, 0) == 1 && (out.revents & (POLLERR | POLLHUP)) != 0;
+    };
     world.variable = Variable;
     world.stopSignal = [] { return static_cast<int>(stopSignalNumber); };
     world.clock = &SystemClock::Instance();

@@ -23,6 +23,8 @@ struct World
     bool outIsTerminal = false;
     bool errIsTerminal = false;
     bool inIsTerminal = false;
+    /// Whether whoever read the results has gone, as "head" does.
+    std::function<bool()> outIsClosed = [] { return false; };
 
     /// An environment variable; nothing if it is not set or empty.
     std::function<std::optional<std::string>(const std::string& name)> variable;
@@ -51,6 +53,8 @@ struct World
     std::function<SerialGroup()> serialGroup;
 
     [[nodiscard]] bool StopRequested() const { return stopSignal() != 0; }
+    /// There is somebody who can answer a question.
+    [[nodiscard]] bool CanAsk() const { return inIsTerminal && errIsTerminal; }
 
     /// Whether reading a stream has failed, which is not its end.
     [[nodiscard]] static bool HasFailed(const std::istream& stream);

@@ -1,3 +1,4 @@
+#include "core/platform/FastClock.h"
 #include "simulator/Simulator.h"
 
 #include <CLI/CLI.hpp>
@@ -135,7 +136,8 @@ int main(int argc, char** argv)
                        "Where the port appears (a fresh temporary folder)");
         app.add_option("--speed", arguments.speed,
                        "Receiver seconds in one second (as the scenario says)")
-            ->check(CLI::Range(1e-3, 1e6));
+            ->check(CLI::Range(fieldcore::FastClock::kLowestSpeed,
+                               fieldcore::FastClock::kHighestSpeed));
         app.add_option("--record", arguments.options.recordFile, "Write what is said to this file");
         app.add_option("--replay", arguments.options.replayFile,
                        "Answer from a recorded file and not from a scenario")

@@ -4,6 +4,7 @@
 #include "core/link/Receiver.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacRecord.h"
+#include "core/planning/NominalConstellation.h"
 #include "core/platform/AtomicFile.h"
 #include "core/platform/Folders.h"
 #include "core/platform/PosixFileOperations.h"
@@ -215,6 +216,13 @@ AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records,
         return AlmanacResult::NotWritten;
     }
     return Commit(content.size(), source);
+}
+
+bool AlmanacStore::PutNominal(Clock::UtcTime now)
+{
+    std::error_code unknown;
+    return !std::filesystem::exists(AlmanacPath(m_folder), unknown) &&
+           Import(NominalAlmanac(now)) == AlmanacResult::Done;
 }
 
 } // namespace fieldcore

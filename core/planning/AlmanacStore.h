@@ -4,6 +4,7 @@
 #include "core/link/CommandFault.h"
 #include "core/planning/AlmanacRecord.h"
 #include "core/planning/AlmanacSource.h"
+#include "core/platform/Clock.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -89,6 +90,11 @@ public:
 
     /// The system's word on the last NotWritten or NotReplaced, for developers.
     [[nodiscard]] std::error_code LastError() const { return m_error; }
+
+    /// Import()s the nominal almanac of @p now unless there is a file already: what a program that
+    /// has never seen a receiver plans with.
+    /// @return whether it is there now and was not before
+    bool PutNominal(Clock::UtcTime now);
 
 private:
     /// @param handle  of the empty temporary file, to be closed, if there is no error

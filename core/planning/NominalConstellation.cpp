@@ -86,4 +86,16 @@ std::vector<AlmanacRecord> NominalConstellation(int count, int week, std::uint32
     return records;
 }
 
+std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now)
+{
+    using namespace std::chrono_literals;
+    constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
+    constexpr std::int64_t kWeekS = 604800;
+    constexpr std::int64_t kStepS = 4096; // of reference times
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - kGpsEpoch).count();
+    const std::int64_t inWeek = seconds % kWeekS / kStepS * kStepS;
+    return NominalConstellation(kNominalSatellites, static_cast<int>(seconds / kWeekS),
+                                static_cast<std::uint32_t>(inWeek));
+}
+
 } // namespace fieldcore

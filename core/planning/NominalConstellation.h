@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/planning/AlmanacRecord.h"
+#include "core/platform/Clock.h"
 
 #include <cstdint>
 #include <vector>
@@ -40,5 +41,8 @@ inline constexpr int kNominalSatellites = 31;
 /// drift by 0.0013 degrees a day.
 [[nodiscard]] std::vector<AlmanacRecord> NominalConstellation(int count, int week,
                                                               std::uint32_t toaS);
+
+/// The nominal almanac of a day: all satellites, with the last reference time before @p now.
+[[nodiscard]] std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now);
 
 } // namespace fieldcore

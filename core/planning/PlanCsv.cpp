@@ -88,7 +88,7 @@ std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstri
         if (graph == PlanGraph::Count) {
             rows += begin(k) + Fixed(plan.CountAt(k), 0) + end;
         } else if (IsDilution(graph)) {
-            rows += begin(k + 1) + Fixed(plan.DopAt(graph, k), 2) + end;
+            rows += begin(k + 1) + Fixed(SampleAt(plan, graph, k).value_or(NAN), 2) + end;
         }
     }
     if (graph == PlanGraph::Count || IsDilution(graph)) {

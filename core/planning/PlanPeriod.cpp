@@ -56,13 +56,12 @@ std::string PlanPeriod::JstText(int samples) const
 
 std::string PlanPeriod::ClockText(int samples) const
 {
-    constexpr std::size_t kDateLength = 10;
     constexpr std::size_t kClockAt = 11;
     constexpr std::size_t kClockLength = 5;
-    const std::string text = JstText(samples);
-    return text.compare(0, kDateLength, JstText(0), 0, kDateLength) == 0
-               ? text.substr(kClockAt, kClockLength)
-               : "24:00";
+    const std::chrono::sys_seconds midnight =
+        std::chrono::sys_days(date) + std::chrono::hours(24 - kJapanBehindUtcH);
+    return UtcAfter(samples) == midnight ? "24:00"
+                                         : JstText(samples).substr(kClockAt, kClockLength);
 }
 
 std::chrono::sys_days JapanDay(Clock::UtcTime utc)

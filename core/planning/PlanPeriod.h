@@ -10,8 +10,8 @@
 
 namespace fieldcore {
 
-/// The hours of a day that are planned, in Japan Standard Time (UTC + 9 h), and the samples that
-/// they are divided into.
+/// The hours that are planned, in Japan Standard Time (UTC + 9 h), and the samples that they are
+/// divided into.
 struct PlanPeriod
 {
     /// The longest period is a day of half hours.
@@ -20,7 +20,7 @@ struct PlanPeriod
     std::chrono::year_month_day date{std::chrono::year(1980), std::chrono::January,
                                      std::chrono::day(6)};
     int startHour = 9; ///< 0 to 23
-    int hours = 2;     ///< 1 to 24, and not beyond midnight; others count as the nearest of these
+    int hours = 2;     ///< 1 to 24; others count as the nearest of these. May pass midnight
 
     /// 5, 10 or 15 for periods of one, two or three hours, else 30.
     [[nodiscard]] std::chrono::minutes Interval() const;
@@ -37,7 +37,7 @@ struct PlanPeriod
     [[nodiscard]] std::chrono::sys_seconds UtcAfter(int samples) const;
     /// The same instant in Japan Standard Time: "2026-11-21T09:00+09:00".
     [[nodiscard]] std::string JstText(int samples) const;
-    /// Its time of day: "09:00". The end of a day's period is "24:00" of that day.
+    /// Its time of day: "09:00". The first midnight behind the start is "24:00".
     [[nodiscard]] std::string ClockText(int samples) const;
 };
 

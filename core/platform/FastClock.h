@@ -11,6 +11,9 @@ namespace fieldcore {
 class FastClock final : public Clock
 {
 public:
+    /// What programs let their users ask for.
+    static constexpr double kLowestSpeed = 0.1, kHighestSpeed = 1000.0;
+
     /// @param speed  seconds of this clock in one real second, greater than 0
     /// @param start  the date at construction
     explicit FastClock(double speed, UtcTime start = std::chrono::system_clock::now());

@@ -47,12 +47,12 @@ TEST(AppOptions, AreReadOrRefused)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.arguments.join(QLatin1Char(' ')).toStdString());
         const AppOptions options =
-            ParseOptions(QStringList{QStringLiteral("fieldcore")} + row.arguments);
+            ParseArguments(QStringList{QStringLiteral("fieldcore")} + row.arguments);
         EXPECT_EQ(options.fault.isEmpty(), row.isGood) << options.fault.toStdString();
     }
     const AppOptions options =
-        ParseOptions({QStringLiteral("fieldcore"), QStringLiteral("-p"), QStringLiteral("COM3"),
-                      QStringLiteral("--theme=system"), QStringLiteral("--q77")});
+        ParseArguments({QStringLiteral("fieldcore"), QStringLiteral("-p"), QStringLiteral("COM3"),
+                        QStringLiteral("--theme=system"), QStringLiteral("--q77")});
     EXPECT_EQ(options.port, QStringLiteral("COM3"));
     EXPECT_EQ(options.theme, Theme::Kind::System);
     EXPECT_EQ(options.speed, 1.0);

@@ -361,6 +361,7 @@ TEST(Help, BeginsWithExamplesForEveryCommand)
                                       "sim list", "sim run", "trace", "doctor", "demo"}) {
         SCOPED_TRACE(command);
         const Outcome outcome = runner.Run(command + " --help");
+        EXPECT_EQ(runner.Run("help " + command).out, outcome.out);
         EXPECT_EQ(outcome.code, 0);
         EXPECT_TRUE(outcome.out.starts_with("Examples:\n  fieldcore-cli")) << outcome.out;
         EXPECT_NE(outcome.out.find("Usage: fieldcore-cli"), std::string::npos) << outcome.out;
@@ -412,8 +413,12 @@ TEST(Program, IsWhatTheLibraryOfItIs)
          std::string("sim run -- sh -c '") + FIELDCORE_CLI + " sim list >/dev/full'", 8, false},
         {"a watch whose reader goes away",
          std::string("sim run -- sh -c '(") + FIELDCORE_CLI +
-             " status --watch 0.1; echo $? >\"$0\") | head -1; test 8 = $(cat \"$0\")' @/code",
+             " status --watch 0.1 2>\"$1\"; echo $? >\"$0\") | head -1; "
+             "test 0 = $(cat \"$0\") && ! test -s \"$1\"' @/code @/said",
          0, false},
+        {"a signal that the command of sim run does not get",
+         "sim run -- sh -c 'trap \"exit 5\" INT; kill -INT $PPID; while sleep 0.05; do :; done'", 5,
+         false},
         {"sim run with the program itself",
          std::string("sim run --scenario pica -- ") + FIELDCORE_CLI + " identify --json", 0, true},
     };

@@ -50,6 +50,15 @@ TEST(Doctor, FindsEachTroubleAndSaysWhatToDo)
          "log out and in", 0},
         {"no such group", group({}), "serial group", "attention", "no group", 0},
         {"no port", [](Runner&) {}, "serial ports", "attention", "sim:", 0},
+        {"nothing", [](Runner&) {}, "version", "ok", "JSON schema 1", 0},
+        {"no almanac", [](Runner&) {}, "almanac", "attention", "almanac get", 0},
+        {"a new almanac", [](Runner& runner) { EXPECT_EQ(runner.Run("almanac sample").code, 0); },
+         "almanac", "ok", "0.0 days old", 0},
+        {"the controller's port is gone",
+         [](Runner& runner) {
+             EXPECT_EQ(runner.Run("settings set GPS\\Connect Port /no-such-port").code, 0);
+         },
+         "port /no-such-port", "bad", "There is no /no-such-port", 1},
         {"no Japanese font",
          [](Runner& runner) {
              runner.world.listJapaneseFonts = [] { return std::optional<std::string>(""); };

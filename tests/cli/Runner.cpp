@@ -75,6 +75,17 @@ Outcome Runner::Run(std::vector<std::string> arguments)
     return {code, out.str(), err.str()};
 }
 
+Outcome Runner::RunTogether(std::vector<std::string> arguments)
+{
+    std::ostringstream both;
+    std::istringstream in(input);
+    world.out = &both;
+    world.err = &both;
+    world.in = &in;
+    const int code = RunCommandLine(world, std::move(arguments));
+    return {code, both.str(), ""};
+}
+
 Outcome Runner::RunProgram(const std::string& arguments) const
 {
     const std::string out = Path("stdout");

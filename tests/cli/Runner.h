@@ -35,6 +35,9 @@ public:
     [[nodiscard]] Outcome Run(const std::string& arguments);
     [[nodiscard]] Outcome Run(std::vector<std::string> arguments);
 
+    /// The same with both outputs in one, as a terminal shows them.
+    [[nodiscard]] Outcome RunTogether(std::vector<std::string> arguments);
+
     /// The same in the real program.
     [[nodiscard]] Outcome RunProgram(const std::string& arguments) const;
 

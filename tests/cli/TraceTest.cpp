@@ -328,12 +328,5 @@ TEST(Trace, SaysWhereALogCannotBeReadOn)
     EXPECT_NE(err.str().find("stdin cannot be read from line 1 on."), std::string::npos);
 }
 
-TEST(Trace, AnEmptyLogIsNoFault)
-{
-    Runner runner;
-    runner.Folder().Write("log", "\r\n");
-    EXPECT_EQ(runner.Run("trace @/log").code, 0);
-}
-
 } // namespace
 } // namespace fieldcore::cli::test

@@ -41,12 +41,12 @@ struct Engine : private MessageTarget
     int Frames(Work work)
     {
         int count = 0;
-        receiver.command.SetFrameObserver(
-            [&](Direction direction, std::span<const std::uint8_t> /*frame*/) {
-                count += direction == Direction::Sent ? 1 : 0;
+        receiver.command.SetLineObserver(
+            [&](Direction direction, LineUnit unit, std::span<const std::uint8_t> /*bytes*/) {
+                count += direction == Direction::Sent && unit == LineUnit::Frame ? 1 : 0;
             });
         work();
-        receiver.command.SetFrameObserver({});
+        receiver.command.SetLineObserver({});
         return count;
     }
     void ListAgain(const FileManager& manager)

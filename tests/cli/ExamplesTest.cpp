@@ -1,0 +1,213 @@
+// What docs/cli.md shows is what the program says. Each block of it that begins with a command is
+// run, on a machine of the test's own whose date stands still.
+
+#include "simulator/Simulator.h"
+#include "tests/cli/Runner.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace fieldcore::cli::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Example
+{
+    std::string command; ///< as a shell takes it
+    std::string shown;
+    int code = 0;
+};
+
+/// The examples of one block share a folder.
+struct Block
+{
+    std::string name;
+    std::vector<Example> examples;
+
+    friend void PrintTo(const Block& block, std::ostream* out) { *out << block.name; }
+};
+
+std::vector<Block> Blocks()
+{
+    std::istringstream text(Content(fs::path(FIELDCORE_SOURCE_DIR) / "docs/cli.md"));
+    std::vector<Block> blocks;
+    bool isInside = false;
+    for (std::string line; std::getline(text, line);) {
+        constexpr std::string_view kCode = "Exit code ";
+        if (line == "```") {
+            isInside = !isInside;
+            if (isInside) {
+                blocks.push_back({"Block" + std::to_string(blocks.size() + 1), {}});
+            }
+        } else if (isInside && line.starts_with("$ ")) {
+            blocks.back().examples.push_back({line.substr(2), "", 0});
+        } else if (isInside && !blocks.back().examples.empty()) {
+            blocks.back().examples.back().shown += line + "\n";
+        } else if (!isInside && line.starts_with(kCode) && !blocks.empty()) {
+            blocks.back().examples.back().code = std::stoi(line.substr(kCode.size()));
+        }
+    }
+    std::erase_if(blocks, [](const Block& block) { return block.examples.empty(); });
+    return blocks;
+}
+
+/// A date that stands still, or goes on from there; time-outs are counted in real time.
+class PageClock final : public Clock
+{
+public:
+    bool goesOn = false;
+
+    [[nodiscard]] Duration Steady() const override { return SystemClock::Instance().Steady(); }
+    [[nodiscard]] UtcTime Utc() const override
+    {
+        using namespace std::chrono_literals;
+        constexpr std::chrono::sys_seconds kDate =
+            std::chrono::sys_days(2026y / std::chrono::November / 21) + 17h + 13min + 20s;
+        return UtcTime(kDate) + std::chrono::duration_cast<UtcTime::duration>(
+                                    goesOn ? Steady() - m_start : Duration::zero());
+    }
+    [[nodiscard]] bool SetUtc(UtcTime /*time*/) override { return false; }
+    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
+
+private:
+    const Duration m_start = Steady();
+};
+
+/// What differs from run to run and from machine to machine is made the same.
+std::string Comparable(std::string text, const std::string& folder)
+{
+    for (std::size_t at = text.find(folder); at != std::string::npos; at = text.find(folder)) {
+        text.erase(at, folder.size());
+    }
+    const std::pair<const char*, const char*> rules[] = {
+        {R"(/home/surveyor)", "/home"},
+        {R"(/tmp/fieldcore-sim-\w+)", "/tmp/SIM"},
+        {R"(\d\d:\d+\.\d\d\d)", "MM:SS.SSS"}, // in logs
+        // How long it took until the receiver was asked shows in its seconds and in its sky.
+        {R"((\d\d:\d\d):\d\d)", "$1:SS"},
+        {R"(((?:second of the|gpsSecondsOf)\W?[wW]eek\W+)\d+)", "$1S"},
+        {R"(((?:satellites |satellites[TU]|P?DOP|HDOP|VDOP|pdop|hdop|vdop)\w*\W+)[\d.]+)", "$1N"},
+        {R"((RTK fixed  +)\d+  +[\d.]+)", "$1N N"},
+        {R"(\d+ satellites\.)", "N satellites."},
+        {R"(\d+ MB free)", "N MB free"},
+        {R"(Linux [^\n]*)", "Linux"},
+        {R"("agesS":\{[^}]*\})", "\"agesS\":{}"},
+        {R"(ahead by  +-?\d+\.\d s)", "ahead by S s"},
+        {R"(  +)", "  "}, // columns are as wide as the paths in them
+    };
+    for (const auto& [pattern, replacement] : rules) {
+        text = std::regex_replace(text, std::regex(pattern), replacement);
+    }
+    return text;
+}
+
+class ExamplesTest : public ::testing::TestWithParam<Block>
+{
+protected:
+    ExamplesTest()
+    {
+        fs::create_directories(m_runner.Path("home"));
+        fs::current_path(m_runner.Folder().Path());
+        m_runner.world.clock = &m_clock;
+        m_runner.world.roots = {};
+    }
+    ~ExamplesTest() override { fs::current_path(m_before); }
+    ExamplesTest(const ExamplesTest&) = delete;
+    ExamplesTest& operator=(const ExamplesTest&) = delete;
+
+    /// A serial port of the machine: that of a simulated receiver.
+    void AddPort()
+    {
+        std::string error;
+        m_receiver =
+            std::make_unique<simulator::Simulator>(*simulator::LoadScenario("lark", error));
+        ASSERT_TRUE(m_receiver->Start(error)) << error;
+        const TemporaryFolder& machine = m_runner.Folder();
+        machine.Link("sys/devices/port/driver", "some-driver");
+        machine.Write("sys/devices/port/some-driver/name", "");
+        machine.Link("sys/devices/port/tty/ttyS0/device", "../..");
+        machine.Link("sys/class/tty/ttyS0", "../../devices/port/tty/ttyS0");
+        machine.Link("dev/ttyS0", m_receiver->PortPath());
+        m_runner.world.roots = {machine.Path() / "dev", machine.Path() / "sys",
+                                machine.Path() / "proc"};
+    }
+
+    /// In this process, with the clock of the page.
+    Outcome RunHere(const std::string& command)
+    {
+        std::vector<std::string> words;
+        const std::regex word(R"('([^']*)'|(\S+))");
+        for (std::sregex_iterator at(command.begin(), command.end(), word), end; at != end; ++at) {
+            words.push_back((*at)[1].matched ? (*at)[1].str() : (*at)[2].str());
+        }
+        words.erase(words.begin());
+        m_clock.goesOn = command.find("--watch") != std::string::npos;
+        return m_runner.RunTogether(std::move(words));
+    }
+
+    /// With a shell and the real program.
+    [[nodiscard]] Outcome RunInShell(const std::string& command) const
+    {
+        const std::string folder = m_runner.Folder().Path().string();
+        const std::string whole =
+            "exec 2>&1; export FIELDCORE_HOME=" + folder + "/home XDG_CONFIG_HOME=" + folder +
+            "/config PATH=" + fs::path(FIELDCORE_CLI).parent_path().string() + ":$PATH; " + command;
+        FILE* const pipe = popen(whole.c_str(), "re"); // NOLINT: a shell is what users have
+        std::string text;
+        std::array<char, 4096> buffer{};
+        for (std::size_t n = 0; (n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
+            text.append(buffer.data(), n);
+        }
+        const int status = pclose(pipe);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text, ""};
+    }
+
+    Runner m_runner;
+    PageClock m_clock;
+
+private:
+    const fs::path m_before = fs::current_path();
+    std::unique_ptr<simulator::Simulator> m_receiver;
+};
+
+TEST_P(ExamplesTest, ShowWhatTheProgramSays)
+{
+    for (const Example& example : GetParam().examples) {
+        SCOPED_TRACE(example.command);
+        if (example.command.starts_with("cat ")) { // shows what the next one reads
+            m_runner.Folder().Write(example.command.substr(4), example.shown);
+            continue;
+        }
+        if (example.command == "fieldcore-cli ports" || example.command == "fieldcore-cli doctor") {
+            AddPort();
+        }
+        if (example.command == "fieldcore-cli ports") { // it has no number at that path by itself
+            EXPECT_EQ(m_runner.Run("settings set Ports COM1 @/dev/ttyS0").code, 0);
+        }
+        const bool isForShell = example.command.find_first_of("<>|;") != std::string::npos ||
+                                example.command.find(" -- ") != std::string::npos;
+        const Outcome outcome = isForShell ? RunInShell(example.command) : RunHere(example.command);
+        EXPECT_EQ(outcome.code, example.code);
+        const std::string folder = m_runner.Folder().Path().string();
+        EXPECT_EQ(Comparable(outcome.out, folder), Comparable(example.shown, folder));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Docs, ExamplesTest, ::testing::ValuesIn(Blocks()),
+                         [](const auto& block) { return block.param.name; });
+
+} // namespace
+} // namespace fieldcore::cli::test
