@@ -320,6 +320,10 @@ void ReceiverLink::Put(Receiver heard)
 {
     const std::scoped_lock lock(m_mutex);
     heard.link = m_heard.link;
+    heard.status = std::move(m_heard.status);
+    heard.inView = std::move(m_heard.inView);
+    heard.tilt = m_heard.tilt;
+    heard.calibration = m_heard.calibration;
     m_heard = std::move(heard);
 }
 

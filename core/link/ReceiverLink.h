@@ -105,8 +105,8 @@ public:
     [[nodiscard]] ConnectTarget Target() const { return Copied(m_target); }
     /// What is known of the receiver; who it is outlives the connection.
     [[nodiscard]] Receiver Heard() const { return Copied(m_heard); }
-    /// Whoever asks in rounds puts all of it back, from the thread that ticks. The state of the
-    /// link stays as it is.
+    /// Whoever asks in rounds puts it back, from the thread that ticks. The state of the link, the
+    /// status, what is in view and the tilt stay as they are: others ask for them meanwhile.
     void Put(Receiver heard);
     /// How long until the next attempt to get the link back; nothing unless lost, and while the
     /// user is to be asked; zero if only the port is waited for.
