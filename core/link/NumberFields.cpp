@@ -18,7 +18,8 @@ NumberText TextOf(std::span<const std::uint8_t> field)
 {
     NumberText text{};
     // No character beyond ASCII belongs to a number, and none is a blank.
-    std::transform(field.begin(), field.begin() + std::min(field.size(), kWidest), text.begin(),
+    const auto shown = field.first(std::min(field.size(), kWidest));
+    std::transform(shown.begin(), shown.end(), text.begin(),
                    [](std::uint8_t byte) { return byte < 0x80 ? wchar_t{byte} : L'?'; });
     return text;
 }

@@ -443,6 +443,7 @@ TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
             ASSERT_EQ(Sql(config / "fieldcore" / "user.db", "PRAGMA integrity_check"), "ok") << i;
         }
     }
+    testing::Measured(kills, "kills");
 }
 
 TEST(SqliteSettingsStore, ServesSeveralProcesses)

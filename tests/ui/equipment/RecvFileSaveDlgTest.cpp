@@ -2,6 +2,7 @@
 
 #include "ui/equipment/RecvFileSaveDlg.h"
 
+#include "tests/support/ProofSize.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/equipment/FilesScreen.h"
 
@@ -109,11 +110,13 @@ TEST_F(RecvFileSaveDlgTest, StandsAThousandRandomEvents)
 {
     hasCard = true;
     Open(1000);
-    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same events every time
+    std::mt19937 random(testing::Seed()); // the same events every time
     constexpr std::array kKeys{Qt::Key_Tab,   Qt::Key_Up,     Qt::Key_Down,
                                Qt::Key_Space, Qt::Key_Return, Qt::Key_Escape};
     int opened = 1;
-    for (int event = 0; event < 1000; ++event) {
+    const int most = testing::ProofSize("FIELDCORE_HANDS", 1000);
+    testing::Measured(most, "events");
+    for (int event = 0; event < most; ++event) {
         const auto choice = random();
         QWidget* const focus = QApplication::focusWidget();
         if (choice % 3 == 0) {
