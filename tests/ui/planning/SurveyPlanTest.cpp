@@ -423,12 +423,17 @@ TEST_F(SurveyPlanTest, StandsAThousandRandomEvents)
                                Qt::Key_Down,   Qt::Key_Home,  Qt::Key_End,    Qt::Key_Plus,
                                Qt::Key_Minus,  Qt::Key_F1,    Qt::Key_F2,     Qt::Key_Return,
                                Qt::Key_Escape, Qt::Key_Space, Qt::Key_PageUp, Qt::Key_PageDown};
-    // What opens over the screen is closed again, wherever the events have led.
+    // What opens over the screen is closed again, wherever the events have led; so is a menu that
+    // an event waits for.
+    bool isActing = false;
     QTimer closer;
     QObject::connect(&closer, &QTimer::timeout, &closer, [&] {
         QWidget* const over = QApplication::activeModalWidget();
         if (over != nullptr && over != plan.get()) {
             over->close();
+        }
+        if (QWidget* const menu = QApplication::activePopupWidget(); menu != nullptr && isActing) {
+            menu->close();
         }
     });
     closer.start(0);
@@ -438,6 +443,7 @@ TEST_F(SurveyPlanTest, StandsAThousandRandomEvents)
         QWidget* target = QApplication::activePopupWidget();
         target = target != nullptr ? target : QApplication::focusWidget();
         target = target != nullptr ? target : plan.get();
+        isActing = true;
         switch (below(4)) {
         case 0: {
             const QPoint point(below(plan->width()), below(plan->height()));
@@ -454,6 +460,7 @@ TEST_F(SurveyPlanTest, StandsAThousandRandomEvents)
             QTest::keyClick(target, kKeys[static_cast<std::size_t>(below(kKeys.size()))]);
             break;
         }
+        isActing = false;
         QCoreApplication::processEvents();
         if (!plan->isVisible()) {
             plan->show();
