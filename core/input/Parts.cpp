@@ -167,6 +167,8 @@ int CParts::RegWriteComboBoxList(const EntryList& list, const CReg& reg, const s
     const int selected = list.GetSelected();
     const int first = selected >= 0 && selected < list.GetCount() ? selected : -1;
     int number = 0;
+    // The list changes as a whole: a program that ends meanwhile leaves no mixture of two.
+    SettingsBatch batch(reg.Store());
     const auto store = [&](int index) {
         const std::wstring text = list.GetText(index);
         if (CReg::FitsText(text)) {
@@ -178,6 +180,9 @@ int CParts::RegWriteComboBoxList(const EntryList& list, const CReg& reg, const s
     bool goesOn = count > 0 && (first < 0 || store(first));
     for (int i = 0; goesOn && i < list.GetCount() && number < count; ++i) {
         goesOn = i == first || store(i);
+    }
+    if (goesOn) {
+        static_cast<void>(batch.Commit());
     }
     return 1;
 }

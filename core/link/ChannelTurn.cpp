@@ -15,7 +15,11 @@ constexpr milliseconds kMargin{50};
 constexpr milliseconds kBreathInterval{50};
 /// An answer is taken to last at least so long where the line is in doubt.
 constexpr milliseconds kShortestAnswer{50};
+// A gap on a line that takes time: an answer that follows another without one is not for us. At
+// high rates a few characters are less than the pauses that drivers make between them.
 constexpr int kQuietCharacters = 4;
+constexpr milliseconds kShortestGap{5};
+constexpr milliseconds kGapBeforeChange{20};
 constexpr std::uint8_t kAbort = 0x5A;
 
 } // namespace
@@ -360,8 +364,10 @@ Clock::Duration ChannelTurn::QuietUntil(const Arrivals& arrivals, bool changes) 
 {
     const Channel::Doubt& doubt = m_channel.m_doubt;
     Clock::Duration until = arrivals.lastByteAt;
-    if (until > Clock::Duration::zero()) { // else none has come yet
-        until += kQuietCharacters * arrivals.characterTime;
+    const bool takesTime = arrivals.characterTime > Clock::Duration::zero();
+    if (until > Clock::Duration::zero() && takesTime) { // else none has come yet, or in bursts
+        until += std::max<Clock::Duration>(changes ? kGapBeforeChange : kShortestGap,
+                                           kQuietCharacters * arrivals.characterTime);
     }
     if (doubt.due > 0 || m_channel.m_isOdd) {
         const Clock::Duration answer =

@@ -41,9 +41,9 @@ std::optional<std::string> Load(const fs::path& file)
 
 /// Replaces the file by what @p change makes of its content.
 template <typename Change>
-int Edit(const fs::path& file, FileOperations& operations, Change change)
+int Edit(const fs::path& file, Change change)
 {
-    AtomicFile replacement(file, "$#TEMP.TMP", operations);
+    AtomicFile replacement(file, "$#TEMP.TMP");
     if (replacement.Open()) {
         return 0;
     }
@@ -83,16 +83,16 @@ std::optional<ProfileText> LoadProfile(const fs::path& file)
 }
 
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
-                 const fs::path& file, FileOperations& operations)
+                 const fs::path& file)
 {
     const ProfileEntry entry{key, value};
-    return WriteProfile(section, std::span(&entry, 1), file, operations);
+    return WriteProfile(section, std::span(&entry, 1), file);
 }
 
 int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
-                 const fs::path& file, FileOperations& operations)
+                 const fs::path& file)
 {
-    return Edit(file, operations, [&](std::string bytes) {
+    return Edit(file, [&](std::string bytes) {
         std::optional<std::string> changed(std::move(bytes));
         for (const ProfileEntry& entry : entries) {
             changed =
@@ -104,18 +104,16 @@ int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entrie
     });
 }
 
-int WriteProfile(std::span<const ProfileSection> sections, const fs::path& file,
-                 FileOperations& operations)
+int WriteProfile(std::span<const ProfileSection> sections, const fs::path& file)
 {
-    return Edit(file, operations, [&](std::string bytes) {
+    return Edit(file, [&](std::string bytes) {
         return ProfileText(std::move(bytes)).WithSections(sections);
     });
 }
 
-int RemoveProfileSection(std::wstring_view section, const fs::path& file,
-                         FileOperations& operations)
+int RemoveProfileSection(std::wstring_view section, const fs::path& file)
 {
-    return Edit(file, operations, [&](std::string bytes) {
+    return Edit(file, [&](std::string bytes) {
         return ProfileText(std::move(bytes)).WithoutSection(section);
     });
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/platform/PosixFileOperations.h"
 #include "core/settings/ProfileText.h"
 
 #include <cstdint>
@@ -38,21 +37,17 @@ int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_v
 /// @return 1 if the entry is on the disk; 0 with the old file kept if it is not, or could not be
 /// found again (see ProfileText::WithEntry)
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
-                 const std::filesystem::path& file,
-                 FileOperations& operations = PosixFileOperations::Instance());
+                 const std::filesystem::path& file);
 
 /// Writes several entries of one section, all of them or none; else as above.
 int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
-                 const std::filesystem::path& file,
-                 FileOperations& operations = PosixFileOperations::Instance());
+                 const std::filesystem::path& file);
 
 /// Writes the entries of several sections, all of them or none; else as above.
-int WriteProfile(std::span<const ProfileSection> sections, const std::filesystem::path& file,
-                 FileOperations& operations = PosixFileOperations::Instance());
+int WriteProfile(std::span<const ProfileSection> sections, const std::filesystem::path& file);
 
 /// Removes a section with all its lines.
 /// @return 1 if it is gone; 0 with the old file kept if there was none, or it could not be written
-int RemoveProfileSection(std::wstring_view section, const std::filesystem::path& file,
-                         FileOperations& operations = PosixFileOperations::Instance());
+int RemoveProfileSection(std::wstring_view section, const std::filesystem::path& file);
 
 } // namespace fieldcore

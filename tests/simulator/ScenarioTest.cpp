@@ -1,5 +1,4 @@
 #include "simulator/Scenario.h"
-#include "simulator/Models.h"
 #include "tests/simulator/Support.h"
 
 #include <filesystem>
@@ -132,25 +131,6 @@ TEST(Scenario, AnUnknownNameIsAnsweredWithTheNamesThereAre)
     EXPECT_NE(error.find("\"larch\""), std::string::npos) << error;
     EXPECT_NE(error.find("lark, pica"), std::string::npos) << error;
     EXPECT_FALSE(LoadScenario(std::filesystem::temp_directory_path().string(), error));
-}
-
-TEST(Models, CodesMeanTheTypesOfTheTable)
-{
-    struct Row
-    {
-        int code;
-        int word;
-        int type;
-    };
-    constexpr Row kRows[] = {{0, 0, 3010},  {0, 310, 3032}, {5, 0, 2010},   {8, 0, 2010},
-                             {9, 0, 2040},  {10, 0, 3010},  {31, 0, 3017},  {31, 310, 3017},
-                             {44, 0, 3022}, {71, 0, 3022},  {152, 0, 3038}, {255, 0, 3010}};
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.code);
-        const Model model = ModelOfCode(row.code, row.word);
-        EXPECT_EQ(model.typeNumber, row.type);
-        EXPECT_EQ(model.typeCode, row.code) << "the code must be sent as it was given";
-    }
 }
 
 } // namespace fieldcore::simulator::test

@@ -14,9 +14,6 @@
 #include <string>
 #include <thread>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
 namespace fieldcore {
@@ -217,37 +214,6 @@ TEST_F(Catalogue, DoesNotTrustTheSettings)
     EXPECT_FALSE(m_roots.Store(RootKey::CurrentUser)
                      .OpenKey(HostBasePath() + L"\\" + kKey, KeyOpening::Existing))
         << "a mere look made the key";
-}
-
-TEST_F(Catalogue, IsWholeAfterAKilledImport)
-{
-    ASSERT_EQ(InstallSampleAntennas(m_home.Path()), 1);
-    ASSERT_EQ(m_catalogue.Update(), 1);
-    const std::string before = Imported(m_catalogue);
-    EXPECT_EQ(before.substr(0, 2), "7:");
-    Write(ToCp932(kTwo));
-
-    for (useconds_t wait = 10000; wait < 50000; wait += 2500) {
-        const pid_t child = fork();
-        if (child == 0) {
-            SettingsRoots roots(testing::FoldersBelow(m_home.Path()));
-            AntennaCatalogue catalogue(m_home.Path(), roots);
-            ualarm(wait, 0); // ends the process wherever it is
-            for (;;) {
-                HostReg(roots).WriteString(AntennaCatalogue::kKey, L"Date", L"of another file");
-                catalogue.Update(SilentHost::Instance());
-            }
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        ASSERT_TRUE(WIFSIGNALED(status));
-        SettingsRoots roots(testing::FoldersBelow(m_home.Path()));
-        const AntennaCatalogue catalogue(m_home.Path(), roots);
-        const std::string after = Imported(catalogue);
-        EXPECT_TRUE(after == before || after == "2: 縁付/E1/21/2 小型/  /0/1") << after;
-    }
-    EXPECT_EQ(m_catalogue.Update(), 1);
-    EXPECT_EQ(Imported(m_catalogue), "2: 縁付/E1/21/2 小型/  /0/1");
 }
 
 TEST_F(Catalogue, KeepsTheUsersOwnFile)

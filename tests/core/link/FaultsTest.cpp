@@ -1,4 +1,5 @@
 #include "tests/core/link/ProcessCounts.h"
+#include "tests/support/ProofSize.h"
 #include "tests/support/VirtualReceiver.h"
 
 #include <span>
@@ -132,6 +133,7 @@ TEST_P(FaultsTest, EveryExchangeEndsAsItMust)
             EXPECT_LE(ExchangesUntilClean(receiver), kMostSpoilt) << receiver.command.LastError();
             receiver.clock.Sleep(kLongestDelay); // the answers that are still under way
         }
+        testing::Measured(testing::Exchanges(kExchanges), "faults");
     }
 }
 
@@ -179,6 +181,7 @@ TEST(HangUp, AtEveryByteOfRequestAndReply)
         receiver.command.ClosePort();
     }
     EXPECT_EQ(testing::CountProcessAgain(before), before) << "threads or descriptors leaked";
+    testing::Measured(kRequestLength + kReplyLength, "hang-ups");
 }
 
 } // namespace

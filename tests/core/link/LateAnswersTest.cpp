@@ -1,4 +1,5 @@
 #include "core/link/ConnectSequence.h"
+#include "tests/support/ProofSize.h"
 #include "tests/support/VirtualReceiver.h"
 
 #include <array>
@@ -98,6 +99,7 @@ TEST_P(LateAnswersTest, SpoilOneOfTheFollowingAtMost)
                 for (int i = 0; i < kFollowing; ++i) {
                     wrong += ask(receiver.command, i) ? 0 : 1;
                 }
+                testing::Measured(kFollowing, "exchanges");
                 EXPECT_LE(wrong, 1) << "of " << kFollowing << " at rate " << rate
                                     << (ask == AskKind ? ", kinds in turn" : "");
             }

@@ -8,7 +8,6 @@
 #include "core/planning/SurveyPlanCalc.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/core/settings/FileSizeLimit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,14 +21,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fieldcore {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::FileSizeLimit;
 using testing::SampleFile;
 using testing::SampleSatellite;
 
@@ -53,25 +49,6 @@ ObstructionCurtain Striped()
         curtain[k] = static_cast<std::uint8_t>(k % 2 == 0 ? 10 : 20);
     }
     return curtain;
-}
-
-/// The three files with content of which none is what the writers here write.
-void WriteOldFiles(const TemporaryFolder& folder)
-{
-    const auto almanac = SampleFile(30);
-    folder.Write(kAlmanacName, std::string(almanac.begin(), almanac.end()));
-    folder.Write(kCurtainName, std::string(360, '\x05'));
-    folder.Write(kTextName, "0 5\n");
-}
-
-/// Whether these are there, and nothing else is in the folder.
-bool HasOldFilesOnly(const fs::path& folder)
-{
-    ObstructionCurtain five{};
-    five.fill(5);
-    return ReadAlmanacFile(folder / kAlmanacName) == SampleFile(30) &&
-           LoadCurtain(folder) == five && LoadCurtainText(folder / kTextName).curtain == five &&
-           std::distance(fs::directory_iterator(folder), {}) == 3;
 }
 
 TEST(HostileFiles, CutAnywhereAnAlmanacKeepsItsWholeRecords)
@@ -192,53 +169,12 @@ TEST(HostileFiles, ADeviceWithoutAnEndIsNotRead)
 TEST(HostileFiles, APipeUnderTheTemporaryNameStopsNobody)
 {
     const TemporaryFolder folder;
-    WriteOldFiles(folder);
     const fs::path pipe = folder.Path() / "CurTain.obs.new";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(SaveCurtain(folder.Path(), Striped()));
     ASSERT_EQ(mkfifo(AlmanacTemporaryPath(folder.Path()).c_str(), 0600), 0);
     EXPECT_EQ(AlmanacStore(folder.Path()).Import(SixSatellites()), AlmanacResult::Done);
     EXPECT_EQ(ReadAlmanacFile(folder.Path() / kAlmanacName), SampleFile(6));
-}
-
-TEST(HostileFiles, AFullDiskLeavesTheOldOnes)
-{
-    const TemporaryFolder folder;
-    WriteOldFiles(folder);
-    {
-        const FileSizeLimit limit(100);
-        EXPECT_EQ(AlmanacStore(folder.Path()).Import(SixSatellites()), AlmanacResult::NotWritten);
-        EXPECT_TRUE(SaveCurtain(folder.Path(), Striped()));
-        EXPECT_TRUE(SaveCurtainText(folder.Path() / kTextName, Striped()));
-    }
-    EXPECT_TRUE(HasOldFilesOnly(folder.Path()));
-}
-
-TEST(HostileFiles, AReadOnlyFolderLeavesTheOldOnes)
-{
-    const TemporaryFolder folder;
-    WriteOldFiles(folder);
-    ASSERT_EQ(chmod(folder.Path().c_str(), 0555), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        // Root may write everywhere.
-        constexpr uid_t kNobody = 65534;
-        if (geteuid() == 0 && setuid(kNobody) != 0) {
-            _exit(1);
-        }
-        const bool kept =
-            HasOldFilesOnly(folder.Path()) && // it can be read, at least
-            AlmanacStore(folder.Path()).Import(SixSatellites()) == AlmanacResult::NotWritten &&
-            SaveCurtain(folder.Path(), Striped()) &&
-            SaveCurtainText(folder.Path() / kTextName, Striped()) && HasOldFilesOnly(folder.Path());
-        _exit(kept ? 0 : 2);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-    chmod(folder.Path().c_str(), 0755);
 }
 
 } // namespace

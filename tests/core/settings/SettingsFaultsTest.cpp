@@ -117,8 +117,10 @@ TEST(SettingsFaults, EveryCallMayFail)
         std::string before;
         std::string after;
         int calls = 1;
+        int cases = 0;
         for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
             for (const bool once : {true, false}) {
+                ++cases;
                 const TemporaryFolder folder;
                 if (!row.isNew) {
                     fs::copy(filled.Path(), folder.Path());
@@ -157,6 +159,7 @@ TEST(SettingsFaults, EveryCallMayFail)
                 }
             }
         }
+        testing::Measured(cases, "failing calls");
     }
 }
 
@@ -282,6 +285,7 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
     const auto stride = static_cast<std::size_t>(testing::ProofSize("FIELDCORE_STRIDE", 50));
     constexpr std::size_t kLastOnes = 80; // behind those that make the store
     FragileDisk disk;
+    int cases = 0;
     std::size_t last = 0;
     for (std::size_t step = 0; step < steps.size(); ++step) {
         disk.Do(steps[step]);
@@ -297,6 +301,7 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
             {Unsynced::Kept, Unsynced::Dropped},
         };
         for (const auto& [log, others] : kLeft) {
+            ++cases;
             const TemporaryFolder after;
             disk.Cut(after.Path(), log, others);
             const std::string found = FoundLater(after);
@@ -308,6 +313,7 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
                 << found;
         }
     }
+    testing::Measured(cases, "power cuts");
 }
 
 } // namespace

@@ -427,14 +427,14 @@ std::size_t StoredBy(const std::string& name, const fs::path& config, std::size_
 
 TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
 {
-    std::mt19937 random(20240607);
+    std::mt19937 random(testing::Seed());
     const TemporaryFolder folder;
     const int kills = testing::ProofSize("FIELDCORE_KILLS", 100);
     for (int i = 0; i < kills; ++i) {
         // Every fourth time a new file, so that some are killed while they make it.
         const fs::path config = folder.Path() / std::to_string(i / 4);
         const std::string name = "kill" + std::to_string(i) + "-";
-        Writer writer({"settings", config.string(), name, "1000000"});
+        Writer writer({config.string(), name, "1000000"});
         writer.Await(random() % 8);
         const std::size_t acknowledged =
             writer.Kill(std::chrono::microseconds(random() % (i % 2 == 0 ? 8000 : 500)));
@@ -443,15 +443,16 @@ TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
             ASSERT_EQ(Sql(config / "fieldcore" / "user.db", "PRAGMA integrity_check"), "ok") << i;
         }
     }
+    testing::Measured(kills, "kills");
 }
 
 TEST(SqliteSettingsStore, ServesSeveralProcesses)
 {
     const TemporaryFolder folder;
     constexpr std::size_t kCount = 200;
-    Writer one({"settings", folder.Path().string(), "one", std::to_string(kCount)});
-    Writer two({"settings", folder.Path().string(), "two", std::to_string(kCount)});
-    Writer three({"settings", folder.Path().string(), "three", std::to_string(kCount)});
+    Writer one({folder.Path().string(), "one", std::to_string(kCount)});
+    Writer two({folder.Path().string(), "two", std::to_string(kCount)});
+    Writer three({folder.Path().string(), "three", std::to_string(kCount)});
     EXPECT_EQ(one.Finish(), 0);
     EXPECT_EQ(two.Finish(), 0);
     EXPECT_EQ(three.Finish(), 0);

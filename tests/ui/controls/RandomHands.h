@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/ProofSize.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QPointer>
@@ -8,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <random>
 
 namespace fieldcore::testing {
@@ -17,8 +20,6 @@ namespace fieldcore::testing {
 class RandomHands
 {
 public:
-    static constexpr int kMost = 1000;
-
     RandomHands()
     {
         QObject::connect(&m_closer, &QTimer::timeout, &m_closer, [this] {
@@ -34,15 +35,20 @@ public:
         m_closer.start(0);
     }
 
-    [[nodiscard]] int Count() const { return m_count; }
-    [[nodiscard]] bool IsTired() const { return m_count >= kMost; }
+    ~RandomHands() { Measured(m_count, "events"); }
+    RandomHands(const RandomHands&) = delete;
+    RandomHands& operator=(const RandomHands&) = delete;
 
-    /// Plays until a thousand events are over in all, @p most here, or the window is closed.
-    void Play(QWidget& window, int most = kMost)
+    [[nodiscard]] int Count() const { return m_count; }
+    [[nodiscard]] bool IsTired() const { return m_count >= m_most; }
+
+    /// Plays until a thousand events (or FIELDCORE_HANDS) are over in all, @p most here, or the
+    /// window is closed.
+    void Play(QWidget& window, int most = std::numeric_limits<int>::max())
     {
         m_window = &window;
         const QPointer<QWidget> alive = &window;
-        const int end = std::min(m_count + most, kMost);
+        const int end = m_count + std::min(most, m_most - m_count);
         while (m_count < end && alive != nullptr && alive->isVisible()) {
             ++m_count;
             Act(*alive);
@@ -118,7 +124,8 @@ private:
         }
     }
 
-    std::mt19937 m_random{20261121}; // NOLINT(cert-msc51-cpp): the same events every time
+    const int m_most = ProofSize("FIELDCORE_HANDS", 1000);
+    std::mt19937 m_random{Seed()}; // the same events every time
     QTimer m_closer;
     QPointer<QWidget> m_window;
     int m_count = 0;

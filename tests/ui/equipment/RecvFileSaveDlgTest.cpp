@@ -2,6 +2,7 @@
 
 #include "ui/equipment/RecvFileSaveDlg.h"
 
+#include "tests/support/ProofSize.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/equipment/FilesScreen.h"
 

@@ -2,6 +2,7 @@
 
 #include "simulator/Scenario.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/ProofSize.h"
 #include "tests/ui/controls/Pictures.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
@@ -208,8 +209,10 @@ TEST_F(PortChooserTest, StandsAThousandRandomEvents)
 {
     Plug("ttyUSB0", "Field Cable");
     Show({});
-    QRandomGenerator random(20240229);
-    for (int i = 0; i < 1000; ++i) {
+    QRandomGenerator random(testing::Seed());
+    const int most = testing::ProofSize("FIELDCORE_HANDS", 1000);
+    testing::Measured(most, "events");
+    for (int i = 0; i < most; ++i) {
         if (!dialog->isVisible()) {
             dialog->show();
         }

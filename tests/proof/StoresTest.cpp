@@ -1,0 +1,475 @@
+// Everything that replaces a file of the user's, where the disk, the power or the process fails.
+
+#include "core/equipment/AntennaCatalogue.h"
+#include "core/input/Parts.h"
+#include "core/input/TextEntries.h"
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/CurtainFile.h"
+#include "core/planning/CurtainText.h"
+#include "core/planning/PlanSite.h"
+#include "core/settings/Profile.h"
+#include "tests/core/link/ProcessCounts.h"
+#include "tests/core/planning/SampleSky.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
+#include "tests/core/settings/FileSizeLimit.h"
+#include "tests/support/FileCalls.h"
+#include "tests/support/ProofSize.h"
+#include "tests/support/VirtualReceiver.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fieldcore {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::FileCalls;
+
+/// One that writes, each time something else, and what somebody finds who looks later.
+struct Store
+{
+    const char* name;
+    /// @param version  from 1
+    /// @return whether it says that it is done
+    bool (*write)(const fs::path& folder, int version);
+    const char* file;                             ///< which is replaced; null: the settings
+    std::string (*found)(const fs::path& folder); ///< null: the file's bytes
+};
+
+bool WriteToProfile(const fs::path& folder, int version)
+{
+    return WriteProfile(L"S", L"K", std::to_wstring(version) + std::wstring(200, L'x'),
+                        folder / "p.ini") == 1;
+}
+
+bool WriteTwoSites(const fs::path& folder, int version)
+{
+    Observer place;
+    place.latitudeRad = 0.001 * version;
+    return WriteSites(folder, std::vector<ListedSite>{{L"A", place}, {L"B", place}}) == 1;
+}
+
+bool WriteAlmanac(const fs::path& folder, int version)
+{
+    std::vector<AlmanacRecord> records;
+    for (int prn = 1; prn <= 6; ++prn) {
+        records.push_back(testing::SampleSatellite(prn));
+        records.back().toaS = version;
+    }
+    return AlmanacStore(folder).Import(records) == AlmanacResult::Done;
+}
+
+ObstructionCurtain Level(int version)
+{
+    ObstructionCurtain curtain{};
+    curtain.fill(static_cast<std::uint8_t>(version % 90));
+    return curtain;
+}
+
+bool Download(const fs::path& folder, int version)
+{
+    const int size = 2500 + 100 * version;
+    testing::VirtualReceiver receiver("file A.Q01 " + std::to_string(size) + " 2026-03-14 01:30\n");
+    receiver.Open(std::chrono::seconds(1));
+    return receiver.command.DownloadFile(folder, L"A.Q01", static_cast<std::uint32_t>(size), {},
+                                         static_cast<std::uint32_t>(version)) == size &&
+           receiver.command.GetDownloadFault() == DownloadFault::None;
+}
+
+bool ImportAntennas(const fs::path& folder, int version)
+{
+    // Of another length each time: by that a changed file is known within one second.
+    const std::string name(static_cast<std::size_t>(1 + version % 30), 'a');
+    std::ofstream(AntennaFilePath(folder))
+        << "[ANTENNATYPE]\nDATA0=" << name << "\nDATA1=" << name << '\n';
+    SettingsRoots roots(testing::FoldersBelow(folder));
+    return AntennaCatalogue(folder, roots).Update(SilentHost::Instance()) == 1;
+}
+
+std::string FoundAntennas(const fs::path& folder)
+{
+    SettingsRoots roots(testing::FoldersBelow(folder));
+    const AntennaCatalogue catalogue(folder, roots);
+    std::string found;
+    for (int type = 0; type < catalogue.GetMaxCount(); ++type) {
+        const std::wstring name = catalogue.Type(type).value_or(AntennaType()).name;
+        found += std::string(name.begin(), name.end()) + '\n';
+    }
+    return found;
+}
+
+bool RememberEntries(const fs::path& folder, int version)
+{
+    SettingsRoots roots(testing::FoldersBelow(folder));
+    const std::wstring text = std::to_wstring(version);
+    return CParts::WriteRegPointName(TextEntries({text, text + L"b", text + L"c"}), 10,
+                                     HostReg(roots)) == 1;
+}
+
+std::string FoundEntries(const fs::path& folder)
+{
+    SettingsRoots roots(testing::FoldersBelow(folder));
+    TextEntries list;
+    EXPECT_EQ(CParts::ReadRegPointName(list, 10, HostReg(roots)), 1);
+    std::string found;
+    for (const std::wstring& text : list.Texts()) {
+        found += std::string(text.begin(), text.end()) + '\n';
+    }
+    return found;
+}
+
+const Store kStores[] = {
+    {"profile", WriteToProfile, "p.ini", nullptr},
+    {"sites", WriteTwoSites, "GSurveyPlan.ini", nullptr},
+    {"almanac", WriteAlmanac, "GSurveyPlan.alm", nullptr},
+    {"curtain",
+     [](const fs::path& folder, int version) { return !SaveCurtain(folder, Level(version)); },
+     "CurTain.obs", nullptr},
+    {"curtain as text",
+     [](const fs::path& folder, int version) {
+         return !SaveCurtainText(folder / "curtain.txt", Level(version));
+     },
+     "curtain.txt", nullptr},
+    {"download", Download, "A.Q01", nullptr},
+    {"antennas", ImportAntennas, nullptr, FoundAntennas},
+    {"remembered entries", RememberEntries, nullptr, FoundEntries},
+};
+
+std::string Found(const Store& store, const fs::path& folder)
+{
+    if (store.found != nullptr) {
+        return store.found(folder);
+    }
+    std::ifstream in(folder / store.file, std::ios::binary);
+    return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "no file";
+}
+
+/// What is found where just this version was written.
+std::string Expected(const Store& store, int version)
+{
+    const TemporaryFolder folder;
+    EXPECT_TRUE(store.write(folder.Path(), version)) << store.name;
+    return Found(store, folder.Path());
+}
+
+/// Each call fails, once and from then on: what is said to be done is done, and what is not has
+/// left the old file, but where only the folder could not be synced. Nothing is left locked or
+/// open.
+TEST(Stores, EveryCallMayFail)
+{
+    int cases = 0;
+    for (const Store& store : kStores) {
+        if (store.file == nullptr) {
+            continue; // the settings have tests of their own
+        }
+        const std::string before = Expected(store, 1);
+        const std::string after = Expected(store, 2);
+        int calls = 1;
+        for (int n = 0; n <= calls; ++n) { // n == 0: nothing fails
+            for (const bool once : {true, false}) {
+                const TemporaryFolder folder;
+                ASSERT_TRUE(store.write(folder.Path(), 1));
+                const auto process = testing::CountProcess();
+                int count = 0;
+                std::string failed;
+                bool isDone = false;
+                {
+                    const FileCalls watched(folder.Path(), [&](const FileCalls::Call& call) {
+                        ++count;
+                        const bool fails = n > 0 && (once ? count == n : count >= n);
+                        failed = fails && failed.empty() ? call.name + " " + call.file : failed;
+                        return fails;
+                    });
+                    isDone = store.write(folder.Path(), 2);
+                }
+                ++cases;
+                SCOPED_TRACE(std::string(store.name) + ", call " + std::to_string(n) + ", " +
+                             failed + (once ? "" : " and all later ones"));
+                const std::string found = Found(store, folder.Path());
+                const bool isUnsynced = failed == "open " + folder.Path().string() ||
+                                        failed == "fsync " + folder.Path().string();
+                EXPECT_EQ(found, isDone || isUnsynced ? after : before);
+                EXPECT_TRUE(n > 0 || isDone);
+                calls = n == 0 ? count : calls;
+                EXPECT_EQ(testing::CountProcessAgain(process), process);
+                EXPECT_TRUE(store.write(folder.Path(), 2));
+                EXPECT_EQ(Found(store, folder.Path()), after);
+            }
+        }
+        EXPECT_GT(calls, 4) << store.name;
+    }
+    testing::Measured(cases, "failing calls");
+}
+
+/// A disk that keeps for sure only what was synced: of the changes to names since the folder was,
+/// any first part may be there, and of what was written to a file nothing, half or all.
+class FragileDisk
+{
+public:
+    /// @param folder  whose files are all synced
+    explicit FragileDisk(const fs::path& folder) : m_folder(folder)
+    {
+        Names names;
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            std::ifstream in(entry.path(), std::ios::binary);
+            const std::string content{std::istreambuf_iterator<char>(in), {}};
+            names[entry.path().filename()] = m_files.size();
+            m_files.push_back({content, content});
+        }
+        m_states = {names};
+    }
+
+    void Do(const FileCalls::Call& call)
+    {
+        Names names = m_states.back();
+        const fs::path path = call.file;
+        if (path == m_folder) {
+            if (call.name == "fsync") {
+                m_states = {names};
+            }
+            return;
+        }
+        const std::string name = path.filename();
+        if (call.name == "open" && call.data == "new" && names.count(name) == 0) {
+            names[name] = m_files.size();
+            m_files.emplace_back();
+        } else if (call.name == "rename") {
+            names[fs::path(call.data).filename()] = names.at(name);
+            names.erase(name);
+        } else if (call.name == "unlink") {
+            names.erase(name);
+        } else if (names.count(name) != 0) {
+            File& file = m_files[names.at(name)];
+            if (call.name == "write") {
+                file.written += call.data;
+            } else if (call.name == "ftruncate") {
+                file.written.resize(std::stoul(call.data));
+            } else if (call.name == "fsync") {
+                file.synced = file.written;
+            }
+            return;
+        }
+        m_states.push_back(names);
+    }
+
+    /// Calls @p look with each folder that the power cut may leave now.
+    template <typename Look>
+    void Cut(Look look) const
+    {
+        for (const Names& names : m_states) {
+            for (const std::size_t kept : {0, 1, 2}) { // halves of what was not synced
+                const TemporaryFolder left;
+                for (const auto& [name, at] : names) {
+                    const File& file = m_files[at];
+                    const bool isLonger = file.written.starts_with(file.synced);
+                    const std::size_t synced = isLonger ? file.synced.size() : 0;
+                    left.Write(name, kept == 0 ? file.synced
+                                               : file.written.substr(
+                                                     0, synced + (file.written.size() - synced) *
+                                                                     kept / 2));
+                }
+                look(left.Path());
+            }
+        }
+    }
+
+private:
+    using Names = std::map<std::string, std::size_t>;
+    struct File
+    {
+        std::string synced;
+        std::string written;
+    };
+    const fs::path m_folder;
+    std::vector<File> m_files;
+    std::vector<Names> m_states; // since the folder was synced
+};
+
+TEST(Stores, APowerCutLeavesTheOldFileOrTheNew)
+{
+    int cases = 0;
+    for (const Store& store : kStores) {
+        if (store.file == nullptr) {
+            continue;
+        }
+        const TemporaryFolder folder;
+        ASSERT_TRUE(store.write(folder.Path(), 1));
+        FragileDisk disk(folder.Path());
+        std::vector<FileCalls::Call> calls;
+        {
+            const FileCalls watched(folder.Path(), [&](const FileCalls::Call& call) {
+                calls.push_back(call);
+                return false;
+            });
+            ASSERT_TRUE(store.write(folder.Path(), 2));
+        }
+        const std::string before = Expected(store, 1);
+        const std::string after = Found(store, folder.Path());
+        ASSERT_NE(before, after);
+        for (std::size_t step = 0; step < calls.size(); ++step) {
+            disk.Do(calls[step]);
+            const bool isDone = step + 1 == calls.size();
+            SCOPED_TRACE(std::string(store.name) + " behind " + calls[step].name + " " +
+                         calls[step].file);
+            disk.Cut([&](const fs::path& left) {
+                ++cases;
+                const std::string found = Found(store, left);
+                EXPECT_TRUE(found == after || (found == before && !isDone)) << found;
+                EXPECT_TRUE(!isDone || store.write(left, 1)) << "what is left is in the way";
+            });
+        }
+    }
+    testing::Measured(cases, "power cuts");
+}
+
+TEST(Stores, LoseNothingWhenTheyAreKilled)
+{
+    std::mt19937 random(testing::Seed());
+    const int kills = testing::ProofSize("FIELDCORE_KILLS", 12);
+    for (const Store& store : kStores) {
+        const TemporaryFolder folder;
+        int version = 0; // the last that was acknowledged
+        for (int i = 0; i < kills; ++i) {
+            int ends[2];
+            ASSERT_EQ(pipe(ends), 0);
+            const pid_t child = fork();
+            if (child == 0) {
+                while (store.write(folder.Path(), ++version) && ::write(ends[1], "+", 1) == 1) {
+                }
+                _exit(1);
+            }
+            close(ends[1]);
+            const unsigned wait = random() % 4;
+            char byte = 0;
+            for (unsigned came = 0; came < wait && read(ends[0], &byte, 1) == 1; ++came) {
+                ++version;
+            }
+            std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
+            kill(child, SIGKILL);
+            int status = 0;
+            waitpid(child, &status, 0);
+            while (read(ends[0], &byte, 1) == 1) {
+                ++version;
+            }
+            close(ends[0]);
+            ASSERT_TRUE(WIFSIGNALED(status)) << store.name << " could not write any more";
+            // The last that was acknowledged, or the one that was under way.
+            const std::string found = Found(store, folder.Path());
+            const bool isNext = found == Expected(store, version + 1);
+            if (version > 0 || isNext) {
+                ASSERT_TRUE(isNext || found == Expected(store, version))
+                    << store.name << ", kill " << i << ", version " << version << ": " << found;
+            }
+            version += isNext ? 1 : 0;
+        }
+    }
+    testing::Measured(static_cast<long long>(kills) * std::size(kStores), "kills");
+}
+
+/// Mounts a file system of 64 KiB that only this process and its children see.
+bool MountSmall(const fs::path& folder)
+{
+    return unshare(CLONE_NEWNS) == 0 &&
+           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("none", folder.c_str(), "tmpfs", 0, "size=64k,mode=0777") == 0;
+}
+
+/// Where nothing can be written every writer says so, and the old file stays byte for byte.
+TEST(Stores, StayWhereNothingCanBeWritten)
+{
+    constexpr int kCannot = 77;
+    struct Row
+    {
+        const char* what;
+        bool isMounted;
+        bool (*spoil)(const fs::path& folder); ///< false: this machine does not let it
+    };
+    const Row rows[] = {
+        {"a full file system of 64 KiB", true,
+         [](const fs::path& folder) {
+             std::ofstream filler(folder / "filler");
+             while (filler << std::string(512, 'x') << std::flush) {
+             }
+             return errno == ENOSPC;
+         }},
+        {"a file system that is read-only", true,
+         [](const fs::path& folder) {
+             return mount("none", folder.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+         }},
+        {"a folder without rights", false,
+         [](const fs::path& folder) {
+             constexpr uid_t kNobody = 65534; // root may write everywhere
+             return chmod(folder.c_str(), 0555) == 0 && (geteuid() != 0 || setuid(kNobody) == 0);
+         }},
+        {"a limit of file sizes", false,
+         [](const fs::path&) {
+             static const testing::FileSizeLimit limit(100); // until the process ends
+             return true;
+         }},
+    };
+    int cases = 0;
+    std::string skipped;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const TemporaryFolder folder;
+        fflush(nullptr);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            if (row.isMounted && !MountSmall(folder.Path())) {
+                _exit(kCannot);
+            }
+            std::vector<std::string> before;
+            for (const Store& store : kStores) {
+                if (store.file != nullptr) {
+                    EXPECT_TRUE(store.write(folder.Path(), 1)) << store.name;
+                    before.push_back(Found(store, folder.Path()));
+                }
+            }
+            if (!row.spoil(folder.Path())) {
+                _exit(kCannot);
+            }
+            for (std::size_t i = 0; i < before.size(); ++i) {
+                EXPECT_FALSE(kStores[i].write(folder.Path(), 2)) << kStores[i].name;
+                EXPECT_EQ(Found(kStores[i], folder.Path()), before[i]) << kStores[i].name;
+            }
+            fflush(nullptr);
+            _exit(HasFailure() ? 1 : 0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        if (WEXITSTATUS(status) == kCannot) {
+            skipped += std::string(skipped.empty() ? "" : ", ") + row.what;
+        } else {
+            EXPECT_EQ(WEXITSTATUS(status), 0) << "see above";
+            ++cases;
+        }
+        chmod(folder.Path().c_str(), 0755);
+    }
+    testing::Measured(cases, "kinds of disk");
+    if (!skipped.empty()) {
+        GTEST_SKIP() << "this user may not mount: " << skipped;
+    }
+}
+
+} // namespace
+} // namespace fieldcore
