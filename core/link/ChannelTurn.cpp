@@ -16,7 +16,9 @@ constexpr milliseconds kBreathInterval{50};
 /// An answer is taken to last at least so long where the line is in doubt.
 constexpr milliseconds kShortestAnswer{50};
 // A gap on a line that takes time: an answer that follows another without one is not for us. At
-// high rates a few characters are less than the pauses that drivers make between them.
+// high rates a few characters are less than the pauses that drivers make between them, and their
+// bytes come in bursts; that an answer was not there at once tells such a line from none.
+constexpr std::chrono::microseconds kNoTime{500};
 constexpr int kQuietCharacters = 4;
 constexpr milliseconds kShortestGap{5};
 constexpr milliseconds kGapBeforeChange{20};
@@ -364,8 +366,9 @@ Clock::Duration ChannelTurn::QuietUntil(const Arrivals& arrivals, bool changes) 
 {
     const Channel::Doubt& doubt = m_channel.m_doubt;
     Clock::Duration until = arrivals.lastByteAt;
-    const bool takesTime = arrivals.characterTime > Clock::Duration::zero();
-    if (until > Clock::Duration::zero() && takesTime) { // else none has come yet, or in bursts
+    const bool takesTime = arrivals.characterTime > Clock::Duration::zero() ||
+                           arrivals.lastByteAt - doubt.sentAt > kNoTime;
+    if (until > Clock::Duration::zero() && takesTime) { // else none has come yet, or at once
         until += std::max<Clock::Duration>(changes ? kGapBeforeChange : kShortestGap,
                                            kQuietCharacters * arrivals.characterTime);
     }
