@@ -8,9 +8,9 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/WidgetFocus.h"
 #include "ui/equipment/AntennaDrawing.h"
 #include "ui/input/ComboEntries.h"
-#include "ui/input/WidgetFocus.h"
 
 #include <QFontInfo>
 #include <QGridLayout>

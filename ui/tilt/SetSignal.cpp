@@ -21,6 +21,7 @@ SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
       m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(new QPushButton(UiText(text::kButtonOk)))
 {
     setWindowTitle(UiText(text::kSignalTitle));
+    OfferConnection([this] { OnInitDialog(); });
     Build();
 }
 
