@@ -18,6 +18,7 @@ namespace fieldcore {
 namespace {
 
 constexpr int kLineHeight = 40;
+constexpr int kSlimHeight = 32; // of a page, which needs its room for itself
 constexpr int kRibbonHeight = 24;
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
@@ -79,7 +80,7 @@ StatusStrip::StatusStrip(QWidget* parent, Place place)
     m_line->addWidget(m_time);
     m_line->addWidget(m_battery);
     for (QLabel* label : {m_lamp, m_fix, m_receiver, m_pdop, m_battery}) {
-        label->setMinimumHeight(kLineHeight);
+        label->setMinimumHeight(place == Place::Window ? kLineHeight : kSlimHeight);
     }
     m_time->setMinimumHeight(kRibbonHeight);
     m_ribbon->setMinimumHeight(kRibbonHeight);
@@ -202,7 +203,8 @@ void StatusStrip::Arrange()
         m_lamp->setText(word.left(1)); // the fix says that it is connected
         room += metrics.horizontalAdvance(word) - metrics.horizontalAdvance(word.left(1));
     }
-    const bool isBelow = room - time < (name.isEmpty() ? 0 : least);
+    // A page keeps its height: there the name gives way before the time does.
+    const bool isBelow = room - time < (name.isEmpty() || m_place == Place::Page ? 0 : least);
     QHBoxLayout* const line = isBelow ? m_below : m_line;
     if (line->indexOf(m_time) < 0) {
         (isBelow ? m_line : m_below)->removeWidget(m_time);
@@ -216,7 +218,7 @@ void StatusStrip::Arrange()
         m_battery->setText(charge + source);
         room -= more;
     }
-    m_receiver->setText(metrics.elidedText(name, Qt::ElideRight, std::max(room, 0)));
+    m_receiver->setText(room < least ? QString() : metrics.elidedText(name, Qt::ElideRight, room));
 }
 
 void StatusStrip::resizeEvent(QResizeEvent* event)

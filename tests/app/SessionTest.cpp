@@ -175,7 +175,11 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
         {MainWindow::kVersion,
          [](QWidget& page) { return page.findChild<QTableWidget*>()->rowCount() > 0; }},
         {MainWindow::kSignals,
-         [](QWidget& page) { return page.findChildren<QCheckBox*>().value(0)->isEnabled(); }},
+         [](QWidget& page) {
+             const auto boxes = page.findChildren<QCheckBox*>();
+             return std::any_of(boxes.begin(), boxes.end(),
+                                [](const QCheckBox* box) { return box->isEnabled(); });
+         }},
     };
     Controller controller(Options(QStringLiteral("sim:lark")));
     controller.Begin();

@@ -72,6 +72,7 @@ void SetSignal::Build()
 bool SetSignal::OnInitDialog()
 {
     constexpr Rhythm kRhythm{std::chrono::seconds(1), std::chrono::seconds(16)};
+    m_isAsked = false; // it was of no receiver before, perhaps
     ShowSignals(text::kSignalAsking);
     m_ok->setEnabled(false);
     m_ok->setFocus();
