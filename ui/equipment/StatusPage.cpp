@@ -121,7 +121,7 @@ void StatusPage::resizeEvent(QResizeEvent* event)
     m_isWide = event->size().width() > kWide;
     m_body->setDirection(m_isWide ? QBoxLayout::LeftToRight : QBoxLayout::BottomToTop);
     m_history->setMaximumHeight(m_isWide ? QWIDGETSIZE_MAX : kNarrowGraph);
-    m_grid->setVerticalSpacing(m_isWide ? 2 : 8); // all of them in sight below a head
+    m_grid->setVerticalSpacing(m_isWide ? 5 : 8); // all of them in sight below a head
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         PutAge(i);
     }
