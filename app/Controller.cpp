@@ -124,10 +124,18 @@ bool Controller::ConnectQuietly(std::wstring& fault)
 
 bool Controller::ConnectQuietly(const FoundTarget& found, std::wstring& fault)
 {
+    Tell(LinkState::Connecting);
+    const LinkState reached = TryQuietly(found, fault);
+    Tell(reached);
+    return reached == LinkState::Connected;
+}
+
+LinkState Controller::TryQuietly(const FoundTarget& found, std::wstring& fault)
+{
     const std::optional<ConnectTarget>& target = found.target;
     if (!target) {
         fault = found.fault;
-        return false;
+        return LinkState::Failed;
     }
     CConnect connect(*m_command, 0, *target); // its port is open: it asks nothing
     connect.SupportAllTypes();
@@ -136,32 +144,32 @@ bool Controller::ConnectQuietly(const FoundTarget& found, std::wstring& fault)
         if (sequence.Run() == 0) {
             const bool isCancelled = sequence.FailedFault() == CommandFault::Cancelled;
             fault = isCancelled ? std::wstring() : sequence.FailureMessage(); // he knows
-            return false;
+            return isCancelled ? LinkState::NotConnected : LinkState::Failed;
         }
         connect.Take(sequence);
     }
-    if (m_link->Adopt(connect, *target) == 0) {
-        return false; // the user has been told
-    }
+    // Where it is not acceptable the user has been told.
+    return m_link->Adopt(connect, *target) == 0 ? LinkState::Refused : LinkState::Connected;
+}
+
+void Controller::Tell(LinkState reached)
+{
+    m_attempt = reached == LinkState::Connected ? LinkState::NotConnected : reached;
     Q_EMIT Changed();
-    return true;
 }
 
 bool Controller::Connect(QWidget* parent, std::wstring& fault)
 {
     const FoundTarget found = Target();
-    if (!found.target) {
-        fault = found.fault;
-        return false;
+    if (!found.target || m_target->IsSimulated()) { // there is nothing to plug in
+        return ConnectQuietly(found, fault);
     }
-    if (m_target->IsSimulated()) { // there is nothing to plug in
-        return ConnectQuietly(fault);
-    }
-    if (m_link->Connect(*MakeConnect(parent, 0, found), *found.target) == 0) {
-        return false; // the user has been told
-    }
-    Q_EMIT Changed();
-    return true;
+    const auto dialog = MakeConnect(parent, 0, found);
+    Tell(LinkState::Connecting);
+    const bool isConnected = m_link->Connect(*dialog, *found.target) != 0;
+    Tell(isConnected || dialog->Reached() != LinkState::Connected ? dialog->Reached()
+                                                                  : LinkState::Refused);
+    return isConnected; // if not, the user has been told
 }
 
 std::unique_ptr<ConnectDlg> Controller::MakeConnect(QWidget* parent, int reconnect,
@@ -208,7 +216,7 @@ int Controller::ReceiverPorts() const
 void Controller::Disconnect()
 {
     m_link->Disconnect();
-    Q_EMIT Changed();
+    Tell(LinkState::NotConnected);
 }
 
 bool Controller::Choose(const ConnectChoice& choice)
@@ -335,7 +343,16 @@ void Controller::LookAtReceiver()
 
 HomeState Controller::State() const
 {
-    return {m_link->Heard(), View(), m_antennaLine, QString::fromStdString(m_target->Scenario())};
+    HomeState state{m_link->Heard(), View(), m_antennaLine, {}};
+    if (state.receiver.link == LinkState::NotConnected) {
+        state.receiver.link = m_attempt;
+    }
+    const PortNameResult port = m_names.Parse(m_choice.port);
+    if (port.port && port.port->kind == PortKind::Simulator) {
+        const std::string& scenario = m_target->Scenario();
+        state.simulator = QString::fromStdString(scenario.empty() ? m_choice.port : scenario);
+    }
+    return state;
 }
 
 QString Controller::TakeNotice()

@@ -126,6 +126,9 @@ Q_SIGNALS:
 private:
     [[nodiscard]] CRecvInfo Info() const { return CRecvInfo(m_link->Heard().identity); }
     bool ConnectQuietly(const FoundTarget& found, std::wstring& fault);
+    [[nodiscard]] LinkState TryQuietly(const FoundTarget& found, std::wstring& fault);
+    /// @param reached  by an attempt to connect; what the link itself is counts for more
+    void Tell(LinkState reached);
     [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent, int reconnect,
                                                           const FoundTarget& found);
     void AskUser();
@@ -155,6 +158,7 @@ private:
     ObservingLimits m_limits;
     std::unique_ptr<StatusPoll> m_poll; // behind the link
     bool m_maySetClock = false;
+    LinkState m_attempt = LinkState::NotConnected; // to connect: how far it is, or has come
     ConnectChoice m_choice;
     std::unique_ptr<LinkMonitor> m_monitor;
     QStringList m_notices;

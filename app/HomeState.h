@@ -14,7 +14,7 @@ struct HomeState
     Receiver receiver;
     StatusView view;
     QString antenna;   ///< its height and how it was measured, in one line
-    QString simulator; ///< name of the scenario; empty: a real receiver
+    QString simulator; ///< name of the scenario, connected or not; empty: a real receiver
 };
 
 /// A field that comes with each answer of the link: it is as old as the last of them.

@@ -2,6 +2,7 @@
 
 #include "app/HomePage.h"
 #include "app/Overview.h"
+#include "core/equipment/StatusRows.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/UiText.h"
 
@@ -91,8 +92,12 @@ MainWindow::MainWindow(QWidget* parent)
 void MainWindow::ShowState(const HomeState& state)
 {
     m_status->Show(state);
+    setWindowTitle(ToQt(
+        FormatText(text::kAppWindowTitle, Text(text::kAppTitle), LinkText(state.receiver.link))));
     m_overview->Show(state);
-    m_menu->EnableItem(kDisconnect, state.receiver.link != LinkState::NotConnected);
+    m_menu->EnableItem(kDisconnect, state.receiver.link == LinkState::Connected ||
+                                        state.receiver.link == LinkState::Lost ||
+                                        state.receiver.link == LinkState::Reconnecting);
 }
 
 void MainWindow::ShowBubble(bool isShown)

@@ -80,6 +80,12 @@ void Overview::Show(const HomeState& state)
     case LinkState::Reconnecting:
         m_headline->setText(UiText(text::kAppLostHint));
         break;
+    case LinkState::Failed:
+        m_headline->setText(UiText(text::kAppFailedHint));
+        break;
+    case LinkState::Refused:
+        m_headline->setText(UiText(text::kAppRefusedHint));
+        break;
     case LinkState::NotConnected:
         m_headline->setText(UiText(text::kAppConnectHint));
         break;

@@ -35,6 +35,7 @@ Session::Session(Controller& controller)
     m_bubble.setShortcutContext(Qt::ApplicationShortcut);
     m_window->addAction(&m_bubble);
     SetPageAction(&m_bubble);
+    SetPageHead([this](Dialog& page) { return MakeHead(page); });
     connect(&m_bubble, &QAction::triggered, this, &Session::SwitchBubble);
     TiltSensorDlg::SetObserver([this](TiltSensorDlg::Event event) {
         const bool isShown = event == TiltSensorDlg::Event::Shown;
@@ -58,6 +59,25 @@ Session::~Session()
     TiltSensorDlg::SetObserver({});
     TiltSensorDlg::ShutDown();
     SetPageAction(nullptr);
+    SetPageHead({});
+}
+
+/// As long as the page lives: the state, and on one that wants a receiver a way to have one.
+QWidget* Session::MakeHead(Dialog& page)
+{
+    auto* const head = new StatusStrip(&page, StatusStrip::Place::Page);
+    const auto show = [this, head] { head->Show(m_controller.State()); };
+    connect(&m_controller, &Controller::Changed, head, show);
+    if (page.OffersConnection()) {
+        head->OfferConnection();
+        connect(head, &StatusStrip::ConnectionWanted, &page, [this, &page] {
+            if (Connect(&page)) {
+                page.Connected();
+            }
+        });
+    }
+    show();
+    return head;
 }
 
 void Session::Begin()
@@ -83,22 +103,16 @@ void Session::ConnectAtStart()
     // A name that is none of a port is told at once.
     const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);
     if (!port.port || port.port->kind == PortKind::Simulator) {
-        Connect();
+        Connect(m_window.get());
     }
 }
 
 bool Session::MayEnd()
 {
     const bool isConnected = m_controller.Link().State() == LinkState::Connected;
-    CPrgEndMes question(isConnected ? CPrgEndMes::Mode::Logging : CPrgEndMes::Mode::Normal,
-                        m_window.get());
-    const int answer = question.DoModal();
-    if (answer == CPrgEndMes::kStay) {
-        return false;
-    }
     const ReceiverLink::Hold hold(m_controller.Link());
-    if (answer != CPrgEndMes::kEnd && isConnected) {
-        m_controller.Command().PowerOff();
+    if (!CPrgEndMes::MayEnd(isConnected ? &m_controller.Command() : nullptr, m_window.get())) {
+        return false;
     }
     m_controller.Disconnect();
     return true;
@@ -175,6 +189,10 @@ void Session::Open(int choice)
 
 void Session::ShowFiles()
 {
+    const bool isOpen = m_controller.Command().IsPortOpen() != 0;
+    if (!isOpen && !Connect(m_window.get())) {
+        return; // there is nothing to list
+    }
     const ReceiverLink::Hold hold(m_controller.Link());
     CRecvFileMan sheet(&m_controller.Command(), 0, nullptr,
                        FilesWorld(m_controller, m_window.get()), m_window.get());
@@ -215,7 +233,7 @@ void Session::Use(const ConnectChoice& choice)
     if (!m_controller.Choose(choice)) {
         CMesBox(m_controller.Host()).Fail(text::kAppPortNotStored, text::kComFailedCaption);
     }
-    Connect();
+    Connect(m_window.get());
 }
 
 void Session::ChangeAntenna()
@@ -243,14 +261,16 @@ void Session::ChangePorts()
     }
 }
 
-void Session::Connect()
+bool Session::Connect(QWidget* page)
 {
     std::wstring fault;
-    if (m_controller.Connect(m_window.get(), fault)) {
+    const bool isConnected = m_controller.Connect(page, fault);
+    if (isConnected) {
         CheckTiltSoon();
     } else if (!fault.empty()) {
         CMesBox(m_controller.Host()).Fail(fault, text::kConnectFailedCaption);
     }
+    return isConnected;
 }
 
 void Session::TakeLinkOver()
@@ -271,8 +291,8 @@ void Session::CheckTiltSoon()
 
 void Session::CheckTiltWhenKnown()
 {
-    if (!m_isTiltOpen || !m_controller.HasTilt()) {
-        return;
+    if (!m_isTiltOpen || !m_controller.HasTilt() || QApplication::activeModalWidget() != nullptr) {
+        return; // a page that has connected by itself is not interrupted
     }
     m_isTiltOpen = false;
     constexpr int kTimer = 1;
@@ -336,7 +356,8 @@ void Session::ShowStatus()
 {
     StatusPage page(m_window.get());
     const auto show = [this, &page] {
-        page.Show(m_controller.Link().Heard(), m_controller.Poll().History(), m_controller.View());
+        page.Show(m_controller.State().receiver, m_controller.Poll().History(),
+                  m_controller.View());
     };
     connect(&m_controller, &Controller::Changed, &page, show);
     connect(&page, &StatusPage::VersionRequested, this, [this, &page] { ShowVersion(&page); });
@@ -346,7 +367,6 @@ void Session::ShowStatus()
 
 void Session::ShowVersion(QWidget* parent)
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     CVersion(&m_controller.Command(), parent, m_controller.Link().Heard().identity).DoModal();
 }
 

@@ -10,6 +10,7 @@
 
 namespace fieldcore {
 
+class Dialog;
 class MainWindow;
 
 /// A session of the field controller: its window, and the dialogs that the user opens from it.
@@ -35,7 +36,10 @@ private:
     void ChangeSettings();
     void ChangeAntenna();
     void ChangePorts();
-    void Connect();
+    /// @param page  that the user is on
+    /// @return whether it is connected
+    bool Connect(QWidget* page);
+    [[nodiscard]] QWidget* MakeHead(Dialog& page);
     void Use(const ConnectChoice& choice);
     void ConnectAtStart();
     /// Makes a connection that a page has made for itself that of the program.

@@ -2,10 +2,12 @@
 
 #include "core/equipment/StatusRows.h"
 #include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QStringList>
 #include <QVBoxLayout>
 
@@ -16,30 +18,34 @@ namespace fieldcore {
 namespace {
 
 constexpr int kLineHeight = 40;
+constexpr int kSlimHeight = 32; // of a page, which needs its room for itself
 constexpr int kRibbonHeight = 24;
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
 
-struct Lamp
-{
-    int text;
-    QColor Theme::*colour;
-};
-
-Lamp LampOf(LinkState link)
+QColor Theme::*ColourOf(LinkState link)
 {
     switch (link) {
     case LinkState::Connected:
-        return {text::kAppLinkConnected, &Theme::good};
+        return &Theme::good;
     case LinkState::Connecting:
-        return {text::kAppLinkConnecting, &Theme::attention};
+        return &Theme::attention;
     case LinkState::Lost:
     case LinkState::Reconnecting:
-        return {text::kAppLinkLost, &Theme::bad};
+    case LinkState::Failed:
+    case LinkState::Refused:
+        return &Theme::bad;
     case LinkState::NotConnected:
         break;
     }
-    return {text::kAppLinkNone, &Theme::second};
+    return &Theme::second;
+}
+
+/// Whether there is a receiver that values could come from, or is to be one again.
+bool HasReceiver(LinkState link)
+{
+    return link == LinkState::Connected || link == LinkState::Lost ||
+           link == LinkState::Reconnecting;
 }
 
 /// Text in a colour, of the theme that holds now.
@@ -52,10 +58,11 @@ void Paint(QLabel* label, const QColor& colour)
 
 } // namespace
 
-StatusStrip::StatusStrip(QWidget* parent)
-    : QWidget(parent), m_line(new QHBoxLayout), m_below(new QHBoxLayout), m_lamp(new QLabel),
-      m_receiver(new QLabel), m_pdop(new QLabel), m_time(new QLabel), m_battery(new QLabel),
-      m_broken(new QLabel), m_antenna(new QLabel), m_ribbon(new QLabel)
+StatusStrip::StatusStrip(QWidget* parent, Place place)
+    : QWidget(parent), m_place(place), m_line(new QHBoxLayout), m_below(new QHBoxLayout),
+      m_lamp(new QLabel), m_fix(new QLabel), m_receiver(new QLabel), m_pdop(new QLabel),
+      m_time(new QLabel), m_battery(new QLabel), m_broken(new QLabel), m_antenna(new QLabel),
+      m_ribbon(new QLabel)
 {
     setAutoFillBackground(true);
     setAccessibleName(UiText(text::kAppStatus));
@@ -67,24 +74,30 @@ StatusStrip::StatusStrip(QWidget* parent)
     m_receiver->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_time->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_line->addWidget(m_lamp);
-    m_line->addWidget(m_receiver, 1);
+    m_line->addWidget(m_fix);
     m_line->addWidget(m_pdop);
+    m_line->addWidget(m_receiver, 1);
     m_line->addWidget(m_time);
     m_line->addWidget(m_battery);
-    for (QLabel* label : {m_lamp, m_receiver, m_pdop, m_battery}) {
-        label->setMinimumHeight(kLineHeight);
+    for (QLabel* label : {m_lamp, m_fix, m_receiver, m_pdop, m_battery}) {
+        label->setMinimumHeight(place == Place::Window ? kLineHeight : kSlimHeight);
     }
     m_time->setMinimumHeight(kRibbonHeight);
     m_ribbon->setMinimumHeight(kRibbonHeight);
     m_ribbon->setContentsMargins(kMargin, 0, kMargin, 0);
-    m_ribbon->setWordWrap(true);
     m_ribbon->setAutoFillBackground(true);
     m_broken->setMinimumHeight(kRibbonHeight);
     m_broken->setContentsMargins(kMargin, 0, kMargin, 0);
-    m_broken->setWordWrap(true);
     QFont bold = font();
     bold.setBold(true);
     m_broken->setFont(bold);
+    m_fix->setFont(bold);
+    for (QLabel* const words : {m_ribbon, m_broken}) {
+        words->setWordWrap(place == Place::Window);
+        if (place == Place::Page) {
+            words->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        }
+    }
     m_antenna->setMinimumHeight(kRibbonHeight);
     m_antenna->setContentsMargins(kMargin, 0, kMargin, 0);
     m_antenna->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -99,10 +112,29 @@ StatusStrip::StatusStrip(QWidget* parent)
     Show({});
 }
 
+void StatusStrip::OfferConnection()
+{
+    m_connect = new QPushButton(UiText(text::kAppConnect));
+    m_connect->setMinimumSize(2 * TouchStyle::kTarget, TouchStyle::kTarget);
+    m_connect->setAutoDefault(false);
+    m_line->addWidget(m_connect);
+    connect(m_connect, &QPushButton::clicked, this, &StatusStrip::ConnectionWanted);
+    Show(m_state);
+}
+
 void StatusStrip::Show(const HomeState& state)
 {
     m_state = state;
-    m_lamp->setText(UiText(LampOf(state.receiver.link).text));
+    const LinkState link = state.receiver.link;
+    const bool hasReceiver = HasReceiver(link);
+    m_lamp->setToolTip(ToQt(LinkText(link)));
+    m_fix->setText(hasReceiver ? ToQt(FixText(state.receiver, state.view)) : QString());
+    for (QLabel* const value : {m_fix, m_pdop, m_battery}) {
+        value->setVisible(hasReceiver);
+    }
+    if (m_connect != nullptr) {
+        m_connect->setVisible(!hasReceiver && link != LinkState::Connecting);
+    }
     m_receiver->setToolTip(Name());
     m_pdop->setText(QStringLiteral("PDOP ") + Words("pdop"));
     m_time->setText(TimeWords());
@@ -110,13 +142,16 @@ void StatusStrip::Show(const HomeState& state)
     for (const std::wstring& words : BrokenLimits(state.receiver, state.view)) {
         broken += ToQt(words);
     }
-    m_broken->setVisible(!broken.isEmpty());
+    const bool isSlim = m_place == Place::Page;
+    const bool isSimulated = !state.simulator.isEmpty();
+    m_broken->setVisible(!broken.isEmpty() && !(isSlim && isSimulated));
     m_broken->setText(ToQt(
         FormatText(text::kLimitShort, broken.join(QStringLiteral("、")).toStdWString().c_str())));
-    m_antenna->setVisible(!state.antenna.isEmpty());
+    m_antenna->setVisible(!state.antenna.isEmpty() &&
+                          !(isSlim && (isSimulated || !broken.isEmpty())));
     m_antenna->setText(state.antenna);
     m_antenna->setToolTip(state.antenna);
-    m_ribbon->setVisible(!state.simulator.isEmpty());
+    m_ribbon->setVisible(isSimulated);
     m_ribbon->setText(UiText(text::kAppSimulator).arg(state.simulator));
     Colour();
     Arrange();
@@ -131,8 +166,7 @@ QString StatusStrip::Words(std::string_view key) const
 /// The model, while there is a link or shall be one.
 QString StatusStrip::Name() const
 {
-    const bool isMeant = m_state.receiver.link != LinkState::NotConnected;
-    return isMeant ? ToQt(m_state.receiver.identity.Model()) : QString();
+    return HasReceiver(m_state.receiver.link) ? ToQt(m_state.receiver.identity.Model()) : QString();
 }
 
 QString StatusStrip::TimeWords() const
@@ -150,21 +184,33 @@ QString StatusStrip::TimeWords() const
 void StatusStrip::Arrange()
 {
     const QFontMetrics metrics = m_receiver->fontMetrics();
+    const LinkState link = m_state.receiver.link;
     const QString charge = Words("batteryPercent");
     const QString name = Name();
+    const QString word = ToQt(LinkText(link));
+    m_lamp->setText(word);
     m_battery->setText(charge);
-    const int gaps = 2 * kMargin + 4 * kGap;
-    const int least = 3 * metrics.averageCharWidth(); // of the name
-    const int others = gaps + m_lamp->sizeHint().width() + m_pdop->sizeHint().width() +
-                       m_battery->sizeHint().width();
+    int others = 2 * kMargin - kGap; // all but the name, the time and the button
+    for (const QLabel* const part : {m_lamp, m_fix, m_pdop, m_battery}) {
+        others += part->isHidden() ? 0 : kGap + part->sizeHint().width();
+    }
+    const int button =
+        m_connect == nullptr || m_connect->isHidden() ? 0 : kGap + m_connect->sizeHint().width();
     const int time = m_time->sizeHint().width();
-    const bool isBelow = others + least + time > width();
+    int room = width() - others - button - 2 * kGap;
+    const int least = 3 * metrics.averageCharWidth(); // of the name
+    if (link == LinkState::Connected && !m_fix->text().isEmpty() && room - time < least) {
+        m_lamp->setText(word.left(1)); // the fix says that it is connected
+        room += metrics.horizontalAdvance(word) - metrics.horizontalAdvance(word.left(1));
+    }
+    // A page keeps its height: there the name gives way before the time does.
+    const bool isBelow = room - time < (name.isEmpty() || m_place == Place::Page ? 0 : least);
     QHBoxLayout* const line = isBelow ? m_below : m_line;
     if (line->indexOf(m_time) < 0) {
         (isBelow ? m_line : m_below)->removeWidget(m_time);
         line->insertWidget(line->indexOf(m_battery), m_time); // below: the only one
     }
-    int room = width() - others - (isBelow ? 0 : time);
+    room -= isBelow ? 0 : time;
     const bool hasSource = BatteryPercent(m_state.receiver) && m_state.receiver.powerSource;
     const QString source = QLatin1Char(' ') + Words("powerSourceName");
     const int more = metrics.horizontalAdvance(source);
@@ -172,7 +218,7 @@ void StatusStrip::Arrange()
         m_battery->setText(charge + source);
         room -= more;
     }
-    m_receiver->setText(metrics.elidedText(name, Qt::ElideRight, std::max(room, 0)));
+    m_receiver->setText(room < least ? QString() : metrics.elidedText(name, Qt::ElideRight, room));
 }
 
 void StatusStrip::resizeEvent(QResizeEvent* event)
@@ -196,7 +242,8 @@ void StatusStrip::Colour()
     const auto colourOf = [&](std::string_view key) {
         return IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text;
     };
-    Paint(m_lamp, theme.*LampOf(receiver.link).colour);
+    Paint(m_lamp, theme.*ColourOf(receiver.link));
+    Paint(m_fix, colourOf("fix"));
     Paint(m_pdop, colourOf("pdop"));
     Paint(m_broken, theme.attention);
     Paint(m_battery, colourOf("batteryPercent"));

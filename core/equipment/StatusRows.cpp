@@ -57,6 +57,37 @@ std::vector<std::wstring> BrokenLimits(const Receiver& receiver, const StatusVie
     return broken;
 }
 
+const wchar_t* LinkText(LinkState link)
+{
+    switch (link) {
+    case LinkState::Connected:
+        return Text(text::kAppLinkConnected);
+    case LinkState::Connecting:
+        return Text(text::kAppLinkConnecting);
+    case LinkState::Lost:
+    case LinkState::Reconnecting:
+        return Text(text::kAppLinkLost);
+    case LinkState::Failed:
+        return Text(text::kAppLinkFailed);
+    case LinkState::Refused:
+        return Text(text::kAppLinkRefused);
+    case LinkState::NotConnected:
+        break;
+    }
+    return Text(text::kAppLinkNone);
+}
+
+std::wstring FixText(const Receiver& receiver, const StatusView& view)
+{
+    const std::optional<FieldValue> fix = ReadField(FieldOf("fix"), receiver, view);
+    if (!fix) {
+        return {};
+    }
+    const int kind = std::get<const Term*>(*fix)->textId - text::kFixNone;
+    return FormatText(text::kFixLine, Text(text::kFixShortNone + kind),
+                      FieldText(FieldOf("satellitesTracked"), receiver, view).c_str());
+}
+
 std::wstring BatteryText(const Receiver& receiver, const StatusView& view)
 {
     const std::wstring charge = FieldText(FieldOf("batteryPercent"), receiver, view);

@@ -28,6 +28,11 @@ struct StatusRow
 [[nodiscard]] std::vector<std::wstring> BrokenLimits(const Receiver& receiver,
                                                      const StatusView& view);
 
+/// The one word for how the link is, with its sign: "● 接続済み".
+[[nodiscard]] const wchar_t* LinkText(LinkState link);
+/// "FIX 16衛星": the kind of the fix in short, and the satellites; empty if the kind is not known.
+[[nodiscard]] std::wstring FixText(const Receiver& receiver, const StatusView& view);
+
 /// The charge with its source for a status bar.
 [[nodiscard]] std::wstring BatteryText(const Receiver& receiver, const StatusView& view);
 /// The charge in percent; nothing if it is not known.

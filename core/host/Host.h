@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/host/FocusTarget.h"
+
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -63,8 +66,14 @@ public:
     virtual BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
                                   BoxStyle style) = 0;
 
-    /// Puts the input focus into the control that carries @p controlId in the active window.
-    virtual void FocusControl(int controlId) { static_cast<void>(controlId); }
+    /// The control that carries @p controlId in the window that is active now, whichever window is
+    /// active when the focus goes there.
+    /// @return null if there is no such control, or no active window
+    [[nodiscard]] virtual std::unique_ptr<FocusTarget> FindControl(int controlId)
+    {
+        static_cast<void>(controlId);
+        return nullptr;
+    }
 
     /// Whether one of the application's windows is in front.
     [[nodiscard]] virtual bool HasActiveWindow() const { return false; }

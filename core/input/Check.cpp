@@ -1,7 +1,6 @@
 #include "core/input/Check.h"
 
 #include "core/host/MesBox.h"
-#include "core/input/FocusTarget.h"
 #include "core/input/Parts.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
@@ -44,18 +43,6 @@ std::wstring RangeText(const std::wstring& minimum, const std::wstring& maximum)
     return FormatText(text::kCheckRange, minimum.c_str(), maximum.c_str());
 }
 
-/// The control of that number in the active window.
-class NumberedControl final : public FocusTarget
-{
-public:
-    NumberedControl(Host& host, int id) : m_host(host), m_id(id) {}
-    void TakeFocus() override { m_host.FocusControl(m_id); }
-
-private:
-    Host& m_host;
-    const int m_id;
-};
-
 } // namespace
 
 CCheck::CCheck(Host& host) : m_host(host) {}
@@ -78,8 +65,7 @@ void CCheck::SetRadMinMax(int minimum, int maximum)
 
 int CCheck::CheckNum(const std::wstring& text, int controlId, int integerOnly, int showMessage)
 {
-    NumberedControl control(m_host, controlId);
-    return stCheckNum(text, &control, integerOnly, showMessage);
+    return stCheckNum(text, Control(controlId, showMessage).get(), integerOnly, showMessage);
 }
 
 int CCheck::CheckNum(const std::wstring& text, FocusTarget* control, int integerOnly,
@@ -90,8 +76,7 @@ int CCheck::CheckNum(const std::wstring& text, FocusTarget* control, int integer
 
 int CCheck::CheckPointName(const std::wstring& text, int controlId, int showMessage)
 {
-    NumberedControl control(m_host, controlId);
-    return stCheckPointName(text, &control, showMessage);
+    return stCheckPointName(text, Control(controlId, showMessage).get(), showMessage);
 }
 
 int CCheck::CheckPointName(const std::wstring& text, FocusTarget* control, int showMessage)
@@ -101,8 +86,7 @@ int CCheck::CheckPointName(const std::wstring& text, FocusTarget* control, int s
 
 int CCheck::CheckDeg(const std::wstring& text, int controlId, int showMessage)
 {
-    NumberedControl control(m_host, controlId);
-    return stCheckDeg(text, &control, showMessage);
+    return stCheckDeg(text, Control(controlId, showMessage).get(), showMessage);
 }
 
 int CCheck::CheckDeg(const std::wstring& text, FocusTarget* control, int showMessage)
@@ -253,6 +237,12 @@ std::optional<double> TypedNumber(const std::wstring& text)
     const bool isNumber = CCheck(SilentHost::Instance()).CheckNum(text, nullptr, 0, 0) == 1 &&
                           std::any_of(text.begin(), text.end(), IsDigit);
     return isNumber ? std::optional(CParts::atof(text)) : std::nullopt;
+}
+
+/// Found before the message: it leaves another window active where there are several.
+std::unique_ptr<FocusTarget> CCheck::Control(int id, int showMessage) const
+{
+    return showMessage != 0 ? m_host.FindControl(id) : nullptr;
 }
 
 void CCheck::Warn(const std::wstring& text, int caption, FocusTarget* control) const

@@ -3,12 +3,11 @@
 #include "core/host/Host.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
 namespace fieldcore {
-
-class FocusTarget;
 
 /// Checks what was typed before a dialog uses it: numbers, names of points, and angles typed as
 /// degrees, minutes and seconds. A check answers 1 if the text is valid and 0 if it is not. Asked
@@ -17,8 +16,9 @@ class FocusTarget;
 /// Characters are compared by their codes: full-width digits, the many dashes that look like a
 /// minus and the ideographic space, as Japanese input methods make them, are refused.
 ///
-/// The control is named by its number in the active window, or given itself; it is of use only
-/// with @p showMessage, which is not 0 to tell the user. The thread that uses the library.
+/// The control is named by its number in the window that is active when the check begins, or given
+/// itself; it is of use only with @p showMessage, which is not 0 to tell the user. The thread that
+/// uses the library.
 class CCheck
 {
 public:
@@ -70,6 +70,7 @@ protected:
     int stCheckDegRange(const std::wstring& text);
 
 private:
+    [[nodiscard]] std::unique_ptr<FocusTarget> Control(int id, int showMessage) const;
     void Warn(const std::wstring& text, int caption, FocusTarget* control) const;
 
     double m_minimum = -1.0e24;

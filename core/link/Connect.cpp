@@ -36,10 +36,12 @@ void CConnect::Find()
 int CConnect::DoModal()
 {
     if (m_command.IsPortOpen() != 0) {
+        m_reached = LinkState::Connected;
         return Connected;
     }
     Find();
     if (!m_found.target) {
+        m_reached = LinkState::Failed;
         m_command.GetHost().ShowMessage(m_found.fault, Text(text::kConnectFailedCaption),
                                         {BoxButtons::Ok, BoxIcon::Stop});
         return NotConnected;
@@ -50,9 +52,11 @@ int CConnect::DoModal()
     ConnectSequence sequence(m_command, *m_found.target);
     if (RunSequence(sequence) == 1) {
         Take(sequence);
+        m_reached = LinkState::Connected;
         return Connected;
     }
     if (sequence.FailedFault() != CommandFault::Cancelled) {
+        m_reached = LinkState::Failed;
         ShowFailure(sequence);
     }
     return NotConnected;

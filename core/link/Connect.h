@@ -54,6 +54,8 @@ public:
     int CheckRecvType();
     /// The receiver as CheckRecvType() read it last; empty before, or if it did not tell.
     [[nodiscard]] const ReceiverIdentity& Identity() const { return m_identity; }
+    /// How far DoModal() has come: Connected, Failed, or NotConnected if the user did not want it.
+    [[nodiscard]] LinkState Reached() const { return m_reached; }
     /// What the connect sequence was told; nothing if it was not needed.
     [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
 
@@ -82,6 +84,7 @@ private:
     FoundTarget m_found;
     SupportedTypeFlags m_flags;
     ReceiverIdentity m_identity;
+    LinkState m_reached = LinkState::NotConnected;
     std::optional<TimedValue<StatusReply>> m_status;
 };
 

@@ -29,8 +29,11 @@ enum class LinkState
     NotConnected,
     Connecting, ///< the user connects
     Connected,
-    Lost,        ///< waiting to try again
-    Reconnecting ///< trying
+    Lost,         ///< waiting to try again
+    Reconnecting, ///< trying
+    // Not connected, and what became of the attempt: for who tells the user. A link has neither.
+    Failed, ///< nobody has answered as a receiver does
+    Refused ///< it has answered, and is not acceptable
 };
 
 /// Who a receiver is and what it can do: what it says once for a connection. CRecvInfo answers

@@ -81,6 +81,8 @@ void ReceiverLink::Tick(CCommand& asking)
     case LinkState::NotConnected:
     case LinkState::Connecting:
     case LinkState::Reconnecting:
+    case LinkState::Failed:
+    case LinkState::Refused:
         break;
     case LinkState::Connected:
         if (asking.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss

@@ -15,6 +15,7 @@
 #include "ui/equipment/StatusPage.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -90,7 +91,8 @@ TEST(StatusStrip, TellsFreshFromStale)
         return WordsOf<QLabel>(strip).join(QLatin1Char('|'));
     };
     HomeState state = KnownState();
-    EXPECT_EQ(words(state), QStringLiteral("● 接続中|Corvane VX1|PDOP 2.0|09:00:02 JST|80 %"))
+    EXPECT_EQ(words(state),
+              QStringLiteral("● 接続済み|FIX 16衛星|PDOP 2.0|Corvane VX1|09:00:02 JST|80 %"))
         << "the receiver's time, not the controller's";
     state.view.now = 110s;
     EXPECT_TRUE(words(state).contains(QStringLiteral("|最終受信 12:03:55|")));
@@ -99,7 +101,58 @@ TEST(StatusStrip, TellsFreshFromStale)
     EXPECT_TRUE(words(state).startsWith(QStringLiteral("▲ 切断")));
     EXPECT_TRUE(words(state).contains(QStringLiteral("|最終受信 12:04:03|")));
     state.simulator = QStringLiteral("pica");
-    EXPECT_TRUE(words(state).contains(QStringLiteral("シミュレータに接続しています（pica）")));
+    EXPECT_TRUE(words(state).contains(QStringLiteral("シミュレータ（pica）です。")));
+}
+
+/// One word for each state of the link, on lamp, title and pages; the offer only without a
+/// receiver.
+TEST(Screens, AgreeOnTheLink)
+{
+    struct Row
+    {
+        LinkState link;
+        const char* word;
+        bool hasValues;
+        bool isOffered;
+    };
+    const Row rows[] = {
+        {LinkState::NotConnected, "○ 未接続", false, true},
+        {LinkState::Connecting, "◐ 接続処理中", false, false},
+        {LinkState::Connected, "● 接続済み", true, false},
+        {LinkState::Lost, "▲ 切断", true, false},
+        {LinkState::Reconnecting, "▲ 切断", true, false},
+        {LinkState::Failed, "× 接続失敗", false, true},
+        {LinkState::Refused, "× 接続不可", false, true},
+    };
+    for (const Row& row : rows) {
+        const QString word = QString::fromUtf8(row.word);
+        SCOPED_TRACE(row.word);
+        HomeState state = KnownState();
+        state.receiver.link = row.link;
+        state.simulator = QStringLiteral("lark");
+        MainWindow window;
+        window.ShowState(state);
+        EXPECT_TRUE(window.windowTitle().endsWith(word)) << window.windowTitle().toStdString();
+        StatusPage page;
+        page.Show(state.receiver, {}, state.view);
+        EXPECT_EQ(WordsOf<QLabel>(page).contains(word), row.link != LinkState::Connected);
+        for (const int width : {480, 1280}) {
+            StatusStrip head(nullptr, StatusStrip::Place::Page);
+            head.OfferConnection();
+            head.resize(width, 64);
+            head.Show(state);
+            head.show();
+            QCoreApplication::processEvents();
+            const QStringList words = WordsOf<QLabel>(head);
+            EXPECT_TRUE(words.value(0) == word ||
+                        (row.link == LinkState::Connected && word.startsWith(words.value(0))))
+                << words.value(0).toStdString();
+            EXPECT_EQ(words.contains(QStringLiteral("PDOP 2.0")), row.hasValues);
+            EXPECT_EQ(WordsOf<QPushButton>(head).size(), row.isOffered ? 1 : 0);
+            KeepPicture(head,
+                        QStringLiteral("head-%1-%2").arg(static_cast<int>(row.link)).arg(width));
+        }
+    }
 }
 
 /// Strip, overview and status page show the rows of the table, and the bar the band.
@@ -131,7 +184,12 @@ TEST(Screens, ShowWhatTheFieldsSay)
              r.time.reset();
          },
          "-.- ", "80 %", "端末時計 12:04:05", 90},
-        {"no receiver", [](Receiver& r) { r = {}; }, "-.- ", "不明", "端末時計 12:04:05", 0},
+        {"nothing heard yet",
+         [](Receiver& r) {
+             r = {};
+             r.link = LinkState::Connected;
+         },
+         "-.- ", "不明", "端末時計 12:04:05", 0},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);

@@ -139,6 +139,9 @@ void Dialog::showEvent(QShowEvent* event)
         if (const std::string icon = DefaultHost().CommonIcon(); !icon.empty()) {
             setWindowIcon(QIcon(QString::fromStdString(icon)));
         }
+        if (m_extent != Extent::Natural && layout() != nullptr) {
+            layout()->setMenuBar(MakePageHead(*this)); // which is above whatever the layout holds
+        }
         OpenOverParent();
         if (OnInitDialog() && nextInFocusChain() != nullptr && focusWidget() == nullptr) {
             focusNextChild();

@@ -3,6 +3,9 @@
 #include <QDialog>
 #include <QHash>
 
+#include <functional>
+#include <utility>
+
 class QBoxLayout;
 
 namespace fieldcore {
@@ -11,8 +14,9 @@ namespace fieldcore {
 /// and numbers to its controls. User-interface thread only.
 ///
 /// A dialog builds its controls in the constructor, fills them in OnInitDialog() and leaves what it
-/// keeps in OnDestroy(). Keys are those of every dialog: Esc cancels, Enter presses the default
-/// button.
+/// keeps in OnDestroy(). One that is as large as a page carries the program's head, above its own
+/// layout: see SetPageHead(). Keys are those of every dialog: Esc cancels, Enter presses the
+/// default button.
 class Dialog : public QDialog
 {
     Q_OBJECT
@@ -54,7 +58,19 @@ public:
 
     void reject() override;
 
+    /// Whether the head offers to connect while there is no receiver.
+    [[nodiscard]] bool OffersConnection() const { return m_connected != nullptr; }
+    /// The head has connected.
+    void Connected() const { m_connected(); }
+
 protected:
+    /// The page is of use with a receiver only, or more so.
+    /// @param connected  asks again what was asked while there was no receiver
+    void OfferConnection(std::function<void()> connected = [] {})
+    {
+        m_connected = std::move(connected);
+    }
+
     /// Fills the controls. Called once, before the dialog is first seen.
     /// @return false: the focus has been set; true: it goes to the first control
     virtual bool OnInitDialog() { return true; }
@@ -90,6 +106,7 @@ private:
     void OpenOverParent();
 
     const Extent m_extent;
+    std::function<void()> m_connected; // empty: nothing is offered
     bool m_initialised = false;
     QHash<int, int> m_timers; // by the dialog's number: Qt's
 };

@@ -6,13 +6,31 @@
 #include <QPointer>
 #include <QToolButton>
 
+#include <utility>
+
 namespace fieldcore {
 
 namespace {
 
 QPointer<QAction> g_action;
 
+std::function<QWidget*(Dialog&)>& Head()
+{
+    static std::function<QWidget*(Dialog&)> head;
+    return head;
+}
+
 } // namespace
+
+void SetPageHead(std::function<QWidget*(Dialog& page)> make)
+{
+    Head() = std::move(make);
+}
+
+QWidget* MakePageHead(Dialog& page)
+{
+    return Head() ? Head()(page) : nullptr;
+}
 
 void SetPageAction(QAction* action)
 {

@@ -1,12 +1,23 @@
 #pragma once
 
+#include <functional>
+
 class QAction;
 class QWidget;
 
 namespace fieldcore {
 
-// What a program offers on every page: a button at the foot of each, beside those of the page.
-// User-interface thread only.
+class Dialog;
+
+// What a program offers on every page: a strip at the head, and a button at the foot of each,
+// beside those of the page. User-interface thread only.
+
+/// Of the pages that are shown from now on.
+/// @param make  gives the head of a page, which the page owns from then on. Empty: no heads
+void SetPageHead(std::function<QWidget*(Dialog& page)> make);
+/// The head for a page that is shown for the first time.
+/// @return null if there are none
+[[nodiscard]] QWidget* MakePageHead(Dialog& page);
 
 /// Of the pages that are made from now on.
 /// @param action  a switch with an icon; must outlive its pages. Null: none

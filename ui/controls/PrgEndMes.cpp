@@ -1,5 +1,6 @@
 #include "ui/controls/PrgEndMes.h"
 
+#include "core/host/MesBox.h"
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
@@ -52,12 +53,16 @@ bool CPrgEndMes::MayEnd(CCommand* command, QWidget* parent)
     if (answer == kStay) {
         return false;
     }
-    if (command != nullptr) {
-        if (answer != kEnd) {
-            command->PowerOff();
-        }
-        command->ClosePort();
+    if (command == nullptr) {
+        return true;
     }
+    if (answer != kEnd && command->PowerOff() == 0) {
+        const std::wstring told = FormatText(text::kPowerOffFailed, CauseText(command->Fault()));
+        if (!CMesBox(command->GetHost()).Confirm(told, text::kPowerOffFailedCaption)) {
+            return false;
+        }
+    }
+    command->ClosePort();
     return true;
 }
 

@@ -29,7 +29,7 @@ public:
     explicit CPrgEndMes(Mode mode, QWidget* parent = nullptr);
 
     /// Asks for a screen that is the program by itself, and does with receiver and link what the
-    /// user wants.
+    /// user wants. A receiver that cannot be switched off is told, and the user may stay.
     /// @param command  null: there is no receiver
     /// @return whether the screen may close
     [[nodiscard]] static bool MayEnd(CCommand* command, QWidget* parent);

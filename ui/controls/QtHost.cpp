@@ -6,6 +6,7 @@
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/WidgetFocus.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>
@@ -41,6 +42,13 @@ QWidget* FrontWindow()
         }
     }
     return nullptr;
+}
+
+/// The control of that number in the active window; null if there is none.
+QWidget* ActiveControl(int id)
+{
+    const QWidget* const window = QApplication::activeWindow();
+    return window != nullptr ? Dialog::FindControl(window, id) : nullptr;
 }
 
 bool IsTouch(QEvent::Type type)
@@ -150,13 +158,10 @@ BoxAnswer QtHost::ShowMessage(std::wstring_view text, std::wstring_view caption,
     return answer;
 }
 
-void QtHost::FocusControl(int controlId)
+std::unique_ptr<FocusTarget> QtHost::FindControl(int controlId)
 {
-    QWidget* const window = FrontWindow();
-    QWidget* const control = window != nullptr ? Dialog::FindControl(window, controlId) : nullptr;
-    if (control != nullptr) {
-        GiveFocus(control);
-    }
+    QWidget* const control = ActiveControl(controlId);
+    return control != nullptr ? std::make_unique<WidgetFocus>(control) : nullptr;
 }
 
 void QtHost::GiveFocus(QWidget* control)
@@ -172,6 +177,9 @@ void QtHost::GiveFocus(QWidget* control)
             area->ensureWidgetVisible(control);
         }
     }
+    if (!control->isActiveWindow()) {
+        control->activateWindow();
+    }
     control->setFocus(Qt::OtherFocusReason);
     if (auto* const edit = qobject_cast<QLineEdit*>(control)) {
         edit->selectAll(); // what is wrong is typed over
@@ -185,8 +193,7 @@ bool QtHost::HasActiveWindow() const
 
 void QtHost::SetControlText(int controlId, std::wstring_view text)
 {
-    const QWidget* const window = QApplication::activeWindow();
-    QWidget* const control = window != nullptr ? Dialog::FindControl(window, controlId) : nullptr;
+    QWidget* const control = ActiveControl(controlId);
     if (auto* const label = qobject_cast<QLabel*>(control)) {
         label->setText(ToQt(text));
     } else if (auto* const button = qobject_cast<QAbstractButton*>(control)) {

@@ -54,9 +54,8 @@ public:
 
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
                           BoxStyle style) override;
-    /// A control on a page that is not in front brings its page to the front. Without such a
-    /// control nothing happens.
-    void FocusControl(int controlId) override;
+    /// A control on a page that is not in front brings its page to the front.
+    [[nodiscard]] std::unique_ptr<FocusTarget> FindControl(int controlId) override;
     /// Puts the input focus into a control and brings it into sight: its page, and the part of the
     /// page. What an edit box holds is selected.
     static void GiveFocus(QWidget* control);

@@ -8,9 +8,9 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/WidgetFocus.h"
 #include "ui/equipment/AntennaDrawing.h"
 #include "ui/input/ComboEntries.h"
-#include "ui/input/WidgetFocus.h"
 
 #include <QFontInfo>
 #include <QGridLayout>
@@ -177,6 +177,7 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
     layout->addLayout(foot);
 
     m_ask->setEnabled(command != nullptr && command->IsPortOpen() != 0);
+    OfferConnection([this] { m_ask->setEnabled(true); });
     connect(m_role, &QComboBox::activated, this, [this] {
         if (IsUnchanged() || CMesBox().Confirm(text::kAntennaChangeRole, text::kAntennaCaption)) {
             SetRole(static_cast<AntennaRole>(m_role->GetCode()));

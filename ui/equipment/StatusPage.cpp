@@ -58,6 +58,7 @@ StatusPage::StatusPage(QWidget* parent)
       m_history(new StatusHistoryView)
 {
     setWindowTitle(UiText(text::kAppStatus));
+    OfferConnection();
     m_headline->setFont(Sized(font(), kLarge, true));
     m_headline->setWordWrap(true);
     CBattLevel(nullptr).SetInit(m_battery);
@@ -120,6 +121,7 @@ void StatusPage::resizeEvent(QResizeEvent* event)
     m_isWide = event->size().width() > kWide;
     m_body->setDirection(m_isWide ? QBoxLayout::LeftToRight : QBoxLayout::BottomToTop);
     m_history->setMaximumHeight(m_isWide ? QWIDGETSIZE_MAX : kNarrowGraph);
+    m_grid->setVerticalSpacing(m_isWide ? 5 : 8); // all of them in sight below a head
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         PutAge(i);
     }
@@ -140,7 +142,7 @@ void StatusPage::Show(const Receiver& receiver, const StatusHistory& history,
     for (const StatusRow& row : StatusRowsOf(receiver, view)) {
         if (row.field->textId == text::kStatusFix) {
             const bool isConnected = receiver.link == LinkState::Connected;
-            m_headline->setText(isConnected ? ToQt(row.value) : UiText(text::kStatusNoLink));
+            m_headline->setText(isConnected ? ToQt(row.value) : ToQt(LinkText(receiver.link)));
             Paint(m_headline, row.isStale ? theme.stale : theme.text);
             showAge(m_fixAge, row);
         } else if (row.field->textId == text::kStatusBattery) {

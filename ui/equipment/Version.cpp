@@ -31,6 +31,10 @@ CVersion::CVersion(CCommand* command, QWidget* parent, ReceiverIdentity known)
       m_copy(new QPushButton(UiText(text::kVersionCopy)))
 {
     setWindowTitle(UiText(text::kVersionTitle));
+    OfferConnection([this] {
+        m_known = {};
+        Update();
+    });
     m_notice->setWordWrap(true);
     m_notice->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     m_list->setAccessibleName(UiText(text::kVersionTitle));

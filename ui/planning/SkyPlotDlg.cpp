@@ -75,6 +75,7 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundi
       m_settings(LoadSkyPlotSettings(m_reg))
 {
     setWindowTitle(UiText(text::kSkyTitle));
+    OfferConnection();
     auto* const window = new QVBoxLayout(this);
     window->setContentsMargins(0, 0, 0, 0);
     window->setSpacing(0);

@@ -21,6 +21,7 @@ SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
       m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(new QPushButton(UiText(text::kButtonOk)))
 {
     setWindowTitle(UiText(text::kSignalTitle));
+    OfferConnection([this] { OnInitDialog(); });
     Build();
 }
 
@@ -71,6 +72,7 @@ void SetSignal::Build()
 bool SetSignal::OnInitDialog()
 {
     constexpr Rhythm kRhythm{std::chrono::seconds(1), std::chrono::seconds(16)};
+    m_isAsked = false; // it was of no receiver before, perhaps
     ShowSignals(text::kSignalAsking);
     m_ok->setEnabled(false);
     m_ok->setFocus();

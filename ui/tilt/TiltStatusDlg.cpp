@@ -62,6 +62,7 @@ TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent
       m_calibrate(Button(text::kTiltCalibrate, "calibrate")), m_expiryEdit(new QLineEdit)
 {
     setWindowTitle(UiText(text::kTiltCaption));
+    OfferConnection();
     Build();
     connect(m_sensitivity, &QComboBox::activated, this,
             [this](int place) { m_tilt.ChooseSensitivity(place); });

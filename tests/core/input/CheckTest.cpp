@@ -1,7 +1,5 @@
 #include "core/input/Check.h"
 
-#include "core/input/FocusTarget.h"
-
 #include <string>
 #include <vector>
 
@@ -22,9 +20,24 @@ public:
         told.push_back(std::wstring(caption) + L": " + std::wstring(text));
         return BoxAnswer::Ok;
     }
-    void FocusControl(int id) override { told.push_back(L"focus " + std::to_wstring(id)); }
+    std::unique_ptr<FocusTarget> FindControl(int id) override
+    {
+        return std::make_unique<Numbered>(*this, id);
+    }
 
     std::vector<std::wstring> told;
+
+private:
+    class Numbered final : public FocusTarget
+    {
+    public:
+        Numbered(Screen& screen, int id) : m_screen(screen), m_id(id) {}
+        void TakeFocus() override { m_screen.told.push_back(L"focus " + std::to_wstring(m_id)); }
+
+    private:
+        Screen& m_screen;
+        const int m_id;
+    };
 };
 
 class Control final : public FocusTarget

@@ -178,11 +178,11 @@ TEST_F(PropertySheetTest, ShowsThePageOfAControlThatIsToBeFocused)
 {
     Show();
     QtHost host;
-    host.FocusControl('c');
+    host.FindControl('c')->TakeFocus();
     EXPECT_EQ(sheet.GetActivePage(), pages[2]);
     EXPECT_TRUE(pages[2]->edit->hasFocus());
     pages[2]->letsGo = false;
-    host.FocusControl('a');
+    host.FindControl('a')->TakeFocus();
     EXPECT_TRUE(pages[2]->edit->hasFocus()) << "the focus has gone to a page that is not seen";
 }
 

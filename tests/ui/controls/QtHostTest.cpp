@@ -282,11 +282,31 @@ TEST(QtHost, FocusesAControlByItsNumber)
     const Window window;
     QtHost host;
     window.button->setFocus();
-    host.FocusControl(7); // nobody's
-    EXPECT_TRUE(window.button->hasFocus());
-    host.FocusControl(1042);
+    EXPECT_EQ(host.FindControl(7), nullptr) << "nobody's";
+    host.FindControl(1042)->TakeFocus();
     EXPECT_TRUE(window.edit->hasFocus());
     EXPECT_EQ(window.edit->selectedText(), QStringLiteral("abc"));
+}
+
+/// Each has a control of that number; a dialog lies over the first, and none over the one typed in.
+TEST(QtHost, FindsTheControlInTheWindowWhereItWasTyped)
+{
+    QtHost host;
+    Window behind;
+    QDialog modal(&behind);
+    modal.setWindowModality(Qt::WindowModal);
+    auto* const other = new QLineEdit(&modal);
+    Dialog::SetControlId(other, 1042);
+    modal.show();
+    Window typedIn;
+    typedIn.edit->setFocus();
+    const std::unique_ptr<FocusTarget> control = host.FindControl(1042);
+    ASSERT_NE(control, nullptr);
+    modal.activateWindow(); // as when a message has been closed
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&modal));
+    control->TakeFocus();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return typedIn.edit->hasFocus(); }));
+    EXPECT_FALSE(other->hasFocus());
 }
 
 TEST(QtHost, ShowsTheStripOnlyInALongWait)

@@ -189,7 +189,7 @@ TEST(StatusPage, SaysWhatIsStale)
     EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:49")));
     receiver.link = LinkState::Lost;
     page.Show(receiver, {}, {101s, utc});
-    EXPECT_TRUE(words(page).contains(QStringLiteral("受信機に接続していません")));
+    EXPECT_TRUE(words(page).contains(QStringLiteral("▲ 切断")));
     EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:59")));
 }
 

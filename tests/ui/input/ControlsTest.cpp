@@ -10,8 +10,8 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/WidgetFocus.h"
 #include "ui/input/ComboEntries.h"
-#include "ui/input/WidgetFocus.h"
 
 #include <QApplication>
 #include <QFormLayout>

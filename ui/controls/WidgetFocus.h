@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/input/FocusTarget.h"
+#include "core/host/FocusTarget.h"
 #include "ui/controls/QtHost.h"
 
 #include <QPointer>

@@ -2,7 +2,8 @@
 
 namespace fieldcore {
 
-/// A control that somebody types into, for whoever finds a fault in what was typed.
+/// A control that somebody types into, for whoever finds a fault in what was typed. The control may
+/// go first: then nothing happens.
 class FocusTarget
 {
 public:
