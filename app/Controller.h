@@ -24,6 +24,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -133,6 +134,7 @@ private:
     void ReadAntenna();
     void ReadLinkRate();
     void LookAtReceiver();
+    void PlanAhead();
     void AllowClock();
 
     const AppOptions m_options;
@@ -153,6 +155,8 @@ private:
     QString m_antennaLine;
     double m_antennaHeightM = 0.0; // 0: not known
     ObservingLimits m_limits;
+    QString m_nextWindow;
+    std::optional<Clock::Duration> m_plannedAt;
     std::unique_ptr<StatusPoll> m_poll; // behind the link
     bool m_maySetClock = false;
     ConnectChoice m_choice;
