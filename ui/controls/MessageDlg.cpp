@@ -180,7 +180,7 @@ bool MessageDlg::OnInitDialog()
         (under != nullptr ? under->size().expandedTo(kHandheld).boundedTo(all) : all) -
         QSize(2 * kGrid, 2 * kGrid);
     // As wide as some thirty characters, which the eye finds its way back in.
-    const int wanted = 30 * fontMetrics().horizontalAdvance(QChar(0x3042));
+    const int wanted = 30 * fontInfo().pixelSize();
     const int width = std::max(std::min(wanted, room.width()), layout()->minimumSize().width());
     resize(width, 1);
     layout()->activate();
