@@ -4,12 +4,14 @@
 #include "app/PortTarget.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/StatusRows.h"
+#include "core/planning/PlanSession.h"
 #include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/TrackingSettings.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/PlanWindowList.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
 #include <QApplication>
@@ -331,6 +333,7 @@ StatusView Controller::View() const
 
 void Controller::LookAtReceiver()
 {
+    PlanAhead();
     const BatteryWatch::Warning warning = m_poll->TakeWarning();
     if (warning != BatteryWatch::Warning::None) {
         const int id =
@@ -341,8 +344,46 @@ void Controller::LookAtReceiver()
     Q_EMIT Changed();
 }
 
+/// From this hour to midnight, with the site, the mask and the conditions of the plan's page.
+void Controller::PlanAhead()
+{
+    constexpr std::chrono::minutes kSeldom(1);
+    constexpr std::chrono::hours kJapan(9);
+    const Clock::Duration now = m_clock->Steady();
+    if (m_plannedAt && now - *m_plannedAt < kSeldom) {
+        return;
+    }
+    m_plannedAt = now;
+    m_nextWindow.clear();
+    PlanSession session(m_folder, m_reg);
+    session.Begin(*m_clock);
+    if (!session.HasAlmanac()) {
+        return;
+    }
+    const std::chrono::sys_days day = JapanDay(m_clock->Utc());
+    const auto passed = m_clock->Utc() + kJapan - day;
+    PlanSettings settings = session.Settings();
+    settings.startHour = static_cast<int>(passed / std::chrono::hours(1));
+    settings.hours = 24 - settings.startHour;
+    session.SetSettings(settings);
+    session.SetDate(day);
+    session.Compute();
+    const PlanPeriod& period = session.Plan().Computed();
+    const auto windows = FindWindows(session.Plan(), session.Limits());
+    const auto next = std::ranges::find_if(windows, [&](const PlanWindow& window) {
+        return std::chrono::hours(period.startHour) + window.last * period.Interval() > passed;
+    });
+    m_nextWindow =
+        next != windows.end() ? WindowText(session.Plan(), *next) : UiText(text::kSheetNoWindow);
+    const AlmanacSource& source = session.Plan().Calc().Source();
+    if (source.origin == AlmanacOrigin::Nominal) {
+        m_nextWindow += QLatin1Char('\n') + fieldcore::ToQt(SourceText(source));
+    }
+}
+
 HomeState Controller::State() const
 {
+<<<<<<< HEAD
     HomeState state{m_link->Heard(), View(), m_antennaLine, {}};
     if (state.receiver.link == LinkState::NotConnected) {
         state.receiver.link = m_attempt;
@@ -353,6 +394,10 @@ HomeState Controller::State() const
         state.simulator = QString::fromStdString(scenario.empty() ? m_choice.port : scenario);
     }
     return state;
+=======
+    return {m_link->Heard(), View(), m_antennaLine, m_nextWindow,
+            QString::fromStdString(m_target->Scenario())};
+>>>>>>> w-glove
 }
 
 QString Controller::TakeNotice()

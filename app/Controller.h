@@ -24,6 +24,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -136,6 +137,7 @@ private:
     void ReadAntenna();
     void ReadLinkRate();
     void LookAtReceiver();
+    void PlanAhead();
     void AllowClock();
 
     const AppOptions m_options;
@@ -156,6 +158,8 @@ private:
     QString m_antennaLine;
     double m_antennaHeightM = 0.0; // 0: not known
     ObservingLimits m_limits;
+    QString m_nextWindow;
+    std::optional<Clock::Duration> m_plannedAt;
     std::unique_ptr<StatusPoll> m_poll; // behind the link
     bool m_maySetClock = false;
     LinkState m_attempt = LinkState::NotConnected; // to connect: how far it is, or has come

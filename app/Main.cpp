@@ -2,6 +2,7 @@
 #include "app/Options.h"
 #include "app/ScreenPictures.h"
 #include "app/Session.h"
+#include "core/resources/StringTable.h"
 #include "ui/controls/TouchStyle.h"
 
 #include <QApplication>
@@ -58,6 +59,7 @@ void TellOfNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, cons
 
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv)
 {
+    TouchStyle::UseWholePixels();
     const QtMessageHandler before = qInstallMessageHandler(TellOfNoDisplay);
     auto application = std::make_unique<QApplication>(argc, argv);
     qInstallMessageHandler(before);
@@ -130,6 +132,9 @@ int main(int argc, char** argv)
         return kUsage;
     }
     TouchStyle::Install();
+    if (!TouchStyle::CanDrawJapanese()) {
+        SetLanguage(Language::English); // or nothing could be read
+    }
     const StopSignals signals;
     const bool isDrawing = !options.screenshots.isEmpty();
     const auto ownFolders = isDrawing ? std::make_unique<OwnFolders>() : nullptr;

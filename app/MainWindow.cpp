@@ -148,6 +148,7 @@ void MainWindow::Arrange()
     const int bubble = m_hasBubble && !isWide ? m_bubblePlace->height() : 0;
     const int room = height() - heightOf(m_status) - heightOf(m_menu) - bubble;
     m_home->Arrange(room, isWide);
+    m_overview->SetWide(isWide);
     const int over = room - m_home->minimumSizeHint().height();
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     m_body->setStretch(0, isWide ? 0 : 1);

@@ -5,9 +5,11 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/BatteryBar.h"
+#include "ui/planning/LiveSkyView.h"
 
 #include <QFontInfo>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -36,7 +38,10 @@ void Paint(QLabel* label, const QColor& colour)
 
 } // namespace
 
-Overview::Overview(QWidget* parent) : QFrame(parent), m_headline(new QLabel)
+Overview::Overview(QWidget* parent)
+    : QFrame(parent), m_headline(new QLabel),
+      m_nextHeading(new QLabel(UiText(text::kAppNextWindow))), m_next(new QLabel),
+      m_sky(new LiveSkyView)
 {
     QFont large = font();
     large.setPixelSize(qRound(QFontInfo(large).pixelSize() * kLarge));
@@ -57,18 +62,54 @@ Overview::Overview(QWidget* parent) : QFrame(parent), m_headline(new QLabel)
     form->addRow(QStringLiteral("PDOP"), m_pdop);
     form->addRow(UiText(text::kAppBattery), m_battery);
     form->addRow(UiText(text::kAppReceived), m_received);
-    auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    row->setSpacing(2 * kMargin);
+    auto* const column = new QVBoxLayout;
     column->setSpacing(kMargin);
     column->addWidget(m_headline);
     column->addLayout(form);
+    m_nextHeading->setFont(large);
+    m_next->setWordWrap(true);
+    column->addSpacing(2 * kMargin);
+    column->addWidget(m_nextHeading);
+    column->addWidget(m_next);
     column->addStretch(1);
+    row->addLayout(column, 2);
+    row->addWidget(m_sky, 3);
+    SetWide(false);
     Show({});
+}
+
+void Overview::SetWide(bool isWide)
+{
+    for (QWidget* const part : {static_cast<QWidget*>(m_nextHeading), static_cast<QWidget*>(m_next),
+                                static_cast<QWidget*>(m_sky)}) {
+        part->setVisible(isWide);
+    }
+}
+
+void Overview::ShowSky(const Receiver& receiver, Clock::Duration now)
+{
+    LiveSkyView::Picture picture;
+    if (receiver.tracked) {
+        LiveSky::Reading reading;
+        reading.tracked = receiver.tracked->value;
+        LiveSky sky;
+        sky.Take(reading, receiver.tracked->at);
+        picture.satellites = sky.Satellites(std::nullopt);
+        // Its own poll brings it once in ten seconds.
+        picture.isStale = now - receiver.tracked->at > 2 * LiveSky::kStaleAfter;
+    }
+    if (receiver.link == LinkState::NotConnected) {
+        picture.notice = UiText(text::kAppConnectHint);
+    }
+    m_sky->Show(picture);
 }
 
 void Overview::Show(const HomeState& state)
 {
-    const auto& [receiver, view, antenna, simulator] = state;
+    const auto& [receiver, view, antenna, nextWindow, simulator] = state;
     switch (receiver.link) {
     case LinkState::Connected:
         m_headline->setText(ToQt(receiver.identity.Model()));
@@ -95,6 +136,8 @@ void Overview::Show(const HomeState& state)
         label->setText(ToQt(FieldText(FieldOf(key), receiver, view)));
         Paint(label, IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text);
     };
+    m_next->setText(nextWindow.isEmpty() ? UiText(text::kStatusUnknown) : nextWindow);
+    ShowSky(receiver, view.now);
     show(m_satellites, "satellitesTracked");
     show(m_pdop, "pdop");
     ShowBattery(*m_battery, receiver, view);

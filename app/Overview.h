@@ -9,9 +9,11 @@ class QLabel;
 namespace fieldcore {
 
 class CTextProgressCtrl;
+class LiveSkyView;
 
-/// How the receiver is, large: fills the window where the buttons leave room. Values that are not
-/// fresh are grey. User-interface thread only.
+/// How the receiver is, large: fills the window where the buttons leave room. In a wide one the sky
+/// over it and the next good time of the plan stand there, too. Values that are not fresh are grey.
+/// User-interface thread only.
 class Overview : public QFrame
 {
     Q_OBJECT
@@ -20,13 +22,20 @@ public:
     explicit Overview(QWidget* parent = nullptr);
 
     void Show(const HomeState& state);
+    /// Whether there is room for the sky and the plan.
+    void SetWide(bool isWide);
 
 private:
+    void ShowSky(const Receiver& receiver, Clock::Duration now);
+
     QLabel* m_headline; // owned by the widget, as are the next
     QLabel* m_satellites;
     QLabel* m_pdop;
     CTextProgressCtrl* m_battery;
     QLabel* m_received;
+    QLabel* m_nextHeading;
+    QLabel* m_next;
+    LiveSkyView* m_sky;
 };
 
 } // namespace fieldcore

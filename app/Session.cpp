@@ -10,6 +10,7 @@
 #include "ui/controls/Icon.h"
 #include "ui/controls/PageAction.h"
 #include "ui/controls/PrgEndMes.h"
+#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
@@ -21,7 +22,6 @@
 #include "ui/tilt/TrackingDlg.h"
 
 #include <QApplication>
-#include <QFontDatabase>
 
 namespace fieldcore {
 
@@ -85,9 +85,10 @@ void Session::Begin()
     constexpr QSize kHandheld(480, 640);
     constexpr QSize kTall(480, 800);
     m_window->resize(m_controller.Host().IsQ77() ? kTall : kHandheld);
+    FitOnScreen(*m_window);
     m_window->show();
-    if (QFontDatabase::families(QFontDatabase::Japanese).isEmpty()) {
-        CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kAppTitle);
+    if (!TouchStyle::CanDrawJapanese()) {
+        CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kNoFontCaption);
     }
     if (const QString notice = m_controller.TakeNotice(); !notice.isEmpty()) {
         CMesBox(m_controller.Host()).Warn(notice.toStdWString(), text::kAppNotice);

@@ -171,7 +171,7 @@ QString StatusStrip::Name() const
 
 QString StatusStrip::TimeWords() const
 {
-    const auto& [receiver, view, antenna, simulator] = m_state;
+    const auto& [receiver, view, antenna, nextWindow, simulator] = m_state;
     if (receiver.status && IsStale(FieldOf(kHeartbeat), receiver, view)) {
         return ToQt(StatusRowOf(FieldOf(kHeartbeat), receiver, view).age);
     }
@@ -238,7 +238,7 @@ void StatusStrip::changeEvent(QEvent* event)
 void StatusStrip::Colour()
 {
     const Theme& theme = Theme::Current();
-    const auto& [receiver, view, antenna, simulator] = m_state;
+    const auto& [receiver, view, antenna, nextWindow, simulator] = m_state;
     const auto colourOf = [&](std::string_view key) {
         return IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text;
     };

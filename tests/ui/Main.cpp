@@ -9,6 +9,7 @@
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    fieldcore::TouchStyle::UseWholePixels();
     const QApplication application(argc, argv);
     fieldcore::TouchStyle::Install();
     ::testing::InitGoogleTest(&argc, argv);

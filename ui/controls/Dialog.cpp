@@ -2,6 +2,7 @@
 
 #include "core/host/Host.h"
 #include "ui/controls/PageAction.h"
+#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
 #include <QCloseEvent>
@@ -145,6 +146,9 @@ void Dialog::showEvent(QShowEvent* event)
         OpenOverParent();
         if (OnInitDialog() && nextInFocusChain() != nullptr && focusWidget() == nullptr) {
             focusNextChild();
+        }
+        if (parentWidget() != nullptr) {
+            FitOnScreen(*this);
         }
     }
     QDialog::showEvent(event);

@@ -1,6 +1,8 @@
 #include "ui/controls/FileChoice.h"
 
 #include "core/resources/StringTable.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
 #include <QCoreApplication>
@@ -12,11 +14,38 @@
 
 namespace fieldcore {
 
+namespace {
+
+class FileDialog : public QFileDialog
+{
+public:
+    using QFileDialog::QFileDialog;
+
+protected:
+    void accept() override
+    {
+        const QStringList files = selectedFiles();
+        const QFileInfo file(files.isEmpty() ? QString() : files.constFirst());
+        if (acceptMode() == AcceptSave && file.isFile()) {
+            const BoxStyle style{BoxButtons::YesNo, BoxIcon::Exclamation, BoxAnswer::No};
+            const std::wstring name = file.fileName().toStdWString();
+            MessageDlg question(ToQt(FormatText(text::kFileReplace, name.c_str())), windowTitle(),
+                                style, this);
+            if (question.Ask() != BoxAnswer::Yes) {
+                return;
+            }
+        }
+        QFileDialog::accept();
+    }
+};
+
+} // namespace
+
 std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& caption,
                                  const std::filesystem::path& suggested, const QString& filter)
 {
     const QFileInfo start(QFile::decodeName(suggested.c_str()));
-    QFileDialog dialog(parent, caption, start.path(), filter);
+    FileDialog dialog(parent, caption, start.path(), filter);
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     dialog.setLabelText(QFileDialog::Accept, UiText(save ? text::kFileSave : text::kFileOpen));
@@ -27,7 +56,14 @@ std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& capt
     if (save) {
         dialog.setDefaultSuffix(start.suffix()); // here, so that it asks before replacing a file
     }
+    dialog.setOption(QFileDialog::DontUseNativeDialog);  // which has its own words
+    dialog.setOption(QFileDialog::DontConfirmOverwrite); // it asks in ours
     dialog.selectFile(start.fileName());
+    if (parent != nullptr) {
+        constexpr QSize kLargest(800, 640);
+        dialog.resize(parent->window()->size().boundedTo(kLargest));
+        FitOnScreen(dialog);
+    }
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return {};
     }

@@ -23,6 +23,7 @@ namespace {
 
 constexpr int kGrid = TouchStyle::kGrid;
 constexpr int kIconSize = 6 * kGrid;
+constexpr QSize kHandheld(480, 640);
 /// Results of DoModal() that are answers, apart from those that every dialog has.
 constexpr int kFirstAnswer = 100;
 
@@ -69,10 +70,28 @@ int TextOf(BoxAnswer answer)
     return text::kButtonOk;
 }
 
+/// The text, whose long words, such as the path of a file, may break behind each of their
+/// characters.
+QString Breakable(const QString& text)
+{
+    constexpr int kLongest = 24; // characters that stay together
+    constexpr QChar kMayBreak(0x200B);
+    QString made;
+    qsizetype word = 0;
+    for (const QChar c : text) {
+        word = c.isSpace() || c.unicode() > 0xFF ? 0 : word + 1;
+        if (word > kLongest) {
+            made += kMayBreak;
+        }
+        made += c;
+    }
+    return made;
+}
+
 } // namespace
 
 MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle style, QWidget* parent)
-    : Dialog(parent), m_style(style), m_text(new QLabel(text)), m_scroll(new QScrollArea)
+    : Dialog(parent), m_style(style), m_text(new QLabel(Breakable(text))), m_scroll(new QScrollArea)
 {
     // The caption stands in the box: a controller shows no title bars.
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
@@ -155,10 +174,13 @@ BoxAnswer MessageDlg::Ask()
 bool MessageDlg::OnInitDialog()
 {
     const QWidget* under = parentWidget() != nullptr ? parentWidget()->window() : nullptr;
-    const QSize room = (under != nullptr ? under->size() : screen()->availableSize()) -
-                       QSize(2 * kGrid, 2 * kGrid);
+    const QSize all = (under != nullptr ? under : this)->screen()->availableSize();
+    // A window that is smaller than a handheld's screen need not hold it.
+    const QSize room =
+        (under != nullptr ? under->size().expandedTo(kHandheld).boundedTo(all) : all) -
+        QSize(2 * kGrid, 2 * kGrid);
     // As wide as some thirty characters, which the eye finds its way back in.
-    const int wanted = 30 * fontMetrics().horizontalAdvance(QChar(0x3042));
+    const int wanted = 30 * fontInfo().pixelSize();
     const int width = std::max(std::min(wanted, room.width()), layout()->minimumSize().width());
     resize(width, 1);
     layout()->activate();

@@ -33,11 +33,12 @@ QWidget* FrontWindow()
     if (QWidget* const modal = QApplication::activeModalWidget()) {
         return modal;
     }
-    if (QWidget* const active = QApplication::activeWindow()) {
+    if (QWidget* const active = QApplication::activeWindow();
+        active != nullptr && active->windowType() != Qt::Tool) {
         return active;
     }
     for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (window->isVisible()) {
+        if (window->isVisible() && window->windowType() != Qt::Tool) { // not the bubble
             return window;
         }
     }

@@ -1,5 +1,6 @@
 #include "ui/controls/TouchStyle.h"
 
+#include "ui/controls/NumberPad.h"
 #include "ui/controls/Theme.h"
 
 #include <QApplication>
@@ -7,7 +8,9 @@
 #include <QFontDatabase>
 #include <QFormLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
+#include <QScreen>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -18,6 +21,8 @@ namespace fieldcore {
 namespace {
 
 constexpr int kTextPx = 16;
+constexpr double kPlainDpi = 96.0;
+constexpr double kMostEnlarged = 1.3; // what the screens have room for
 
 /// Whether it is something that a finger aims at, one above the other.
 bool IsTarget(QStyle::ContentsType type, const QStyleOption* option)
@@ -103,18 +108,32 @@ const QWidget* FieldOf(const QWidget* label)
 
 TouchStyle::TouchStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
+void TouchStyle::UseWholePixels()
+{
+    // A display of 125 dots an inch would make 369 x 492 of 480 x 640: its text is enlarged
+    // instead.
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::Floor);
+}
+
 void TouchStyle::Install()
 {
     QApplication::setStyle(new TouchStyle);
     QFont font = QApplication::font();
     const QStringList japanese = QFontDatabase::families(QFontDatabase::Japanese);
-    if (!japanese.contains(font.family())) {
+    if (!japanese.contains(font.family()) && !japanese.isEmpty()) {
         const QString gothic = QStringLiteral("VL PGothic");
-        font.setFamily(japanese.contains(gothic) || japanese.isEmpty() ? gothic : japanese.front());
+        font.setFamily(japanese.contains(gothic) ? gothic : japanese.front());
     }
-    font.setPixelSize(kTextPx);
+    const double dpi = QGuiApplication::primaryScreen()->logicalDotsPerInchY();
+    font.setPixelSize(qRound(kTextPx * std::clamp(dpi / kPlainDpi, 1.0, kMostEnlarged)));
     QApplication::setFont(font);
     Theme::Use(Theme::Used());
+}
+
+bool TouchStyle::CanDrawJapanese()
+{
+    return !QFontDatabase::families(QFontDatabase::Japanese).isEmpty();
 }
 
 TouchStyle* TouchStyle::Shared()
@@ -237,6 +256,26 @@ void TouchStyle::polish(QWidget* widget)
         if (field != nullptr && field->sizeHint().height() >= kTarget) {
             widget->setMinimumHeight(kTarget);
         }
+    }
+    if (auto* const field = qobject_cast<QLineEdit*>(widget)) {
+        NumberPad::Serve(*field);
+    }
+}
+
+void FitOnScreen(QWidget& window)
+{
+    const QWidget* const under =
+        window.parentWidget() != nullptr ? window.parentWidget()->window() : nullptr;
+    QRect room = (under != nullptr ? under : &window)->screen()->availableGeometry();
+    if (under != nullptr && !window.windowFlags().testFlag(Qt::FramelessWindowHint)) {
+        // Which frame it will have nobody knows before it is there: that of the window beneath.
+        room.setSize(room.size() - (under->frameGeometry().size() - under->size()));
+    }
+    window.resize(window.size().boundedTo(room.size()));
+    const QPoint last = room.bottomRight() - window.rect().bottomRight();
+    if (window.testAttribute(Qt::WA_Moved)) {
+        window.move(std::max(room.left(), std::min(window.x(), last.x())),
+                    std::max(room.top(), std::min(window.y(), last.y())));
     }
 }
 

@@ -18,8 +18,15 @@ public:
     /// The grid that distances are multiples of, logical pixels.
     static constexpr int kGrid = 8;
 
+    /// Keeps the pixels of the controls whole, whatever resolution the display says that it has.
+    /// Before the application is made.
+    static void UseWholePixels();
     /// Gives the whole application this style and its font of 16 px, in a face that has Japanese.
+    /// On a display that wants larger text it is larger by as much as every screen has room for.
     static void Install();
+
+    /// Whether there is a font with Japanese.
+    [[nodiscard]] static bool CanDrawJapanese();
 
     /// The one for a control that must be large in an application with a style of its own.
     static TouchStyle* Shared();
@@ -39,5 +46,9 @@ public:
     using QProxyStyle::polish;
     void polish(QWidget* widget) override;
 };
+
+/// Brings a window that is about to be seen into the screen of the one beneath it: no larger than
+/// the screen, and with all its edges on it.
+void FitOnScreen(QWidget& window);
 
 } // namespace fieldcore

@@ -169,6 +169,7 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
     m_ask->setMinimumHeight(TouchStyle::kTarget);
     m_ask->setAutoDefault(false);
     foot->insertWidget(0, m_ask);
+    foot->setContentsMargins(kMargin / 3, 0, kMargin / 3, 0); // three buttons with large letters
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, kMargin);
     layout->addWidget(scroll, 1);

@@ -15,9 +15,11 @@ namespace {
 
 constexpr std::size_t kMost = 12; // lines: a window lasts five minutes at least
 
-QString LineOf(const PlanDrawing& drawing, const PlanWindow& window)
+} // namespace
+
+QString WindowText(const ObservationPlan& plan, const PlanWindow& window)
 {
-    const auto& computed = drawing.plan->Computed();
+    const auto& computed = plan.Computed();
     const auto clock = [&](int epoch) { return QString::fromStdString(computed.ClockText(epoch)); };
     const auto minutes = (window.last - window.first) * computed.Interval().count();
     const std::wstring from = clock(window.first).toStdWString();
@@ -25,8 +27,6 @@ QString LineOf(const PlanDrawing& drawing, const PlanWindow& window)
     return ToQt(FormatText(text::kPlanWindowLine, from.c_str(), to.c_str(),
                            static_cast<int>(minutes), window.fewestSatellites, window.highestPdop));
 }
-
-} // namespace
 
 PlanWindowList::PlanWindowList(QWidget* parent)
     : QWidget(parent), m_heading(new QLabel(UiText(text::kSheetWindows))), m_windows(new QLabel),
@@ -49,7 +49,7 @@ void PlanWindowList::Show(const PlanDrawing& drawing)
         drawing.HasPlan() ? FindWindows(*drawing.plan, drawing.limits) : std::vector<PlanWindow>();
     QStringList lines;
     for (std::size_t i = 0; i < std::min(windows.size(), kMost); ++i) {
-        lines += LineOf(drawing, windows[i]);
+        lines += WindowText(*drawing.plan, windows[i]);
     }
     if (!drawing.HasPlan()) {
         lines += QStringLiteral("--");

@@ -7,6 +7,9 @@
 
 namespace fieldcore {
 
+/// "09:00-10:30　90分　衛星8　PDOP 1.9". @param plan  that @p window was found in
+[[nodiscard]] QString WindowText(const ObservationPlan& plan, const PlanWindow& window);
+
 /// The best windows of a plan, one a line, with what makes them good: for a screen that has room
 /// for them. User-interface thread only.
 class PlanWindowList : public QWidget

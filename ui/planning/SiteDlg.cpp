@@ -47,6 +47,9 @@ SiteDlg::SiteDlg(std::filesystem::path folder, std::wstring name, const SiteInpu
         auto* const label = new QLabel(UiText(kFields[at].text));
         auto* const edit = new QLineEdit(ToQt(input.*kFields[at].value));
         edit->setMinimumHeight(TouchStyle::kTarget);
+        if (at != static_cast<std::size_t>(SiteField::Name)) {
+            edit->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
+        }
         edit->setAccessibleName(label->text());
         label->setBuddy(edit);
         label->setWordWrap(true);
