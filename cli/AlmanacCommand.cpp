@@ -159,7 +159,7 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
         }
         context.output.Message("warning", "", loss.message, Colour::Yellow);
     }
-    return context.output.Done(report);
+    return Kept(context, report);
 }
 
 /// Says what is wrong with the age of an almanac at @p date: old ones, and those of a week that has
@@ -225,7 +225,7 @@ ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records
     CSurveyPlanCalc almanac;
     almanac.LoadAlmanac(AlmanacPath(folder));
     ShowAge(context, host, almanac, GpsNow(context.world));
-    return context.output.Done(Summary(context, folder));
+    return Kept(context, Summary(context, folder));
 }
 
 ExitCode Import(const Context& context, const AlmanacOptions& options)

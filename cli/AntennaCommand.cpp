@@ -196,7 +196,7 @@ Failure NotInCatalogue(const AntennaSettings& settings)
 
 /// @param isKnown  there is a height, stored or not
 ExitCode ShowSettings(const Context& context, const Access& access, const AntennaOptions& options,
-                      bool isKnown)
+                      bool isKnown, bool isSet = false)
 {
     AntennaInfo info;
     access.settings.GetAntInfo(info);
@@ -217,7 +217,7 @@ ExitCode ShowSettings(const Context& context, const Access& access, const Antenn
         AddHeight(report, info.height);
         WarnOfShort(context, info.height);
     }
-    return context.output.Done(report);
+    return isSet ? Kept(context, report) : context.output.Done(report);
 }
 
 ExitCode Show(const Context& context, const AntennaOptions& options)
@@ -319,7 +319,7 @@ ExitCode Set(const Context& context, const AntennaOptions& options)
     if (!context.dryRun && settings.WriteRegAnt() == 0) {
         return context.output.Failed(notStored);
     }
-    return ShowSettings(context, access, options, true);
+    return ShowSettings(context, access, options, true, true);
 }
 
 ExitCode Height(const Context& context, const AntennaOptions& options)

@@ -3,6 +3,7 @@
 #include "cli/Command.h"
 #include "cli/Complaint.h"
 #include "cli/Output.h"
+#include "cli/PortSession.h"
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr const char* kProgram = "fieldcore-cli";
 constexpr const char* kDryRun = "--dry-run";
+constexpr const char* kPort = "--port";
 
 constexpr const char* kExamples =
     R"(  fieldcore-cli demo                        see it all work, without a receiver
@@ -81,11 +83,27 @@ struct Program
             commands.push_back(add(parser));
         }
         AddJsonFlag(parser);
+        AddStore(*parser.get_subcommand("ports")->get_subcommand("show"));
+        for (const char* const stores : {"almanac", "plan", "settings", "antenna"}) {
+            AddStore(*parser.get_subcommand(stores));
+        }
     }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
 private:
+    /// What asks no receiver can look into the simulator's store all the same.
+    static void AddStore(CLI::App& app)
+    {
+        if (app.get_option_no_throw(kPort) == nullptr) {
+            app.add_option(kPort, "sim: takes what the simulator's own store has")
+                ->type_name("sim:");
+        }
+        for (CLI::App* child : app.get_subcommands({})) {
+            AddStore(*child);
+        }
+    }
+
     /// It is understood wherever it stands.
     void AddJsonFlag(CLI::App& app)
     {
@@ -100,6 +118,26 @@ const CLI::App& LastParsed(const CLI::App& parser)
 {
     const std::vector<CLI::App*> children = parser.get_subcommands();
     return children.empty() ? parser : LastParsed(*children.front());
+}
+
+/// The world of a command: what a simulated receiver leads to stays apart from the user's own.
+World WorldOf(const World& world, const CLI::App& program)
+{
+    std::string named;
+    bool asksReceiver = false;
+    const CLI::App* app = &program;
+    for (std::vector<CLI::App*> children = app->get_subcommands(); !children.empty();
+         children = app->get_subcommands()) {
+        app = children.front();
+        const CLI::Option* const port = app->get_option_no_throw(kPort);
+        named = port != nullptr && port->count() > 0 ? port->as<std::string>() : named;
+        asksReceiver = app->get_option_no_throw("--timeout") != nullptr;
+    }
+    World own = world;
+    if (asksReceiver || !named.empty()) {
+        own.folders.isSimulated = IsSimulated(world, NamedPort(world, named));
+    }
+    return own;
 }
 
 ExitCode ShowVersion(Output& output)
@@ -133,9 +171,10 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
             UsageFailure("Only sim run starts a command of your own behind \"--\".",
                          "fieldcore-cli sim run --help"));
     }
+    const World own = WorldOf(world, program.parser);
     for (const Command& command : program.commands) {
         if (command.parser->parsed()) {
-            return command.run({world, output, isDryRun, std::move(userCommand)});
+            return command.run({own, output, isDryRun, std::move(userCommand)});
         }
     }
     return output.Failed(UsageFailure("No command is named.", "fieldcore-cli --help"));
@@ -176,6 +215,15 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 }
 
 } // namespace
+
+ExitCode Kept(const Context& context, const Report& report)
+{
+    if (context.world.folders.isSimulated && !context.dryRun) {
+        context.output.Message("information", "", "Kept in the simulator's own store.",
+                               Colour::Plain);
+    }
+    return context.output.Done(report);
+}
 
 CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
                     const std::string& examples)

@@ -260,7 +260,7 @@ private:
             "  fieldcore-cli info --port /dev/ttyUSB0     a receiver of your own\n"
             "  fieldcore-cli status --port sim: --watch   a simulated one, every 2 seconds\n"
             "  fieldcore-cli files get '*' --port sim: --to DIR   its files, into a folder\n"
-            "  fieldcore-cli almanac get --port sim:      keep its almanac, for plans of your own\n"
+            "  fieldcore-cli almanac sample               a made-up almanac, to try plans with\n"
             "  fieldcore-cli plan --site 札幌              a day somewhere else\n"
             "  fieldcore-cli sim list                     what else can be simulated\n"
             "  fieldcore-cli doctor                       is this machine ready for the field");

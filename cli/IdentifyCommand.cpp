@@ -69,7 +69,7 @@ ExitCode Run(const Context& context, const Options& options)
         }
         report.Add("stored", "stored", Value::YesNo(options.store && !context.dryRun));
     }
-    return context.output.Done(report);
+    return options.store ? Kept(context, report) : context.output.Done(report);
 }
 
 } // namespace

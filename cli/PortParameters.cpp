@@ -91,7 +91,7 @@ ExitCode SetLink(const Context& context, const PortParameterOptions& options, Se
     if (!roots.Store(RootKey::CurrentUser).IsKept() || StoreLink(link) == 0) {
         return context.output.Failed(NotStored(roots));
     }
-    return context.output.Done(ReportOf(roots));
+    return Kept(context, ReportOf(roots));
 }
 
 /// After the receiver was told to change the port in use: finds it again and says where it is.
@@ -184,7 +184,7 @@ ExitCode SetPortParameters(const Context& context, const PortParameterOptions& o
     if (const std::optional<Failure> failure = SetPort(session, options.number, edit, roots)) {
         return context.output.Failed(*failure);
     }
-    return context.output.Done(ReportOf(roots));
+    return Kept(context, ReportOf(roots));
 }
 
 } // namespace fieldcore::cli

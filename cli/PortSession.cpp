@@ -67,10 +67,31 @@ const char* StepName(ConnectStep step)
     return "";
 }
 
+Folders RealFolders(const World& world)
+{
+    FolderSources sources = world.folders;
+    sources.isSimulated = false;
+    return Folders(std::move(sources));
+}
+
+std::string NamedPort(const World& world, const std::string& named)
+{
+    return !named.empty() ? named : world.variable("FIELDCORE_PORT").value_or("");
+}
+
+bool IsSimulated(const World& world, const std::string& port)
+{
+    SettingsRoots roots{RealFolders(world)};
+    const std::string name = !port.empty() ? port : StoredPort(roots).value_or("");
+    const PortNameResult parsed = PortNames(world.roots).Parse(name);
+    return parsed.port && (parsed.port->kind == PortKind::Simulator ||
+                           parsed.port->path == world.variable(kSimulatedPort));
+}
+
 PortNames KnownPortNames(const World& world, Output& output)
 {
     PortNames names(world.roots);
-    SettingsRoots roots{Folders(world.folders)};
+    SettingsRoots roots{RealFolders(world)};
     for (const std::wstring& setting : AssignStoredPorts(names, roots)) {
         output.Message("warning", "",
                        "The setting " + ToUtf8(setting) + " of the key " + ToUtf8(kPortsKey) +
@@ -97,8 +118,7 @@ const Clock& PortSession::GetClock() const
 
 std::optional<Failure> PortSession::Prepare()
 {
-    SettingsRoots roots{Folders(m_world.folders)};
-    if (std::optional<Failure> failure = FindPort(roots)) {
+    if (std::optional<Failure> failure = FindPort()) {
         return failure;
     }
     m_target.settings = m_options.Settings(m_target.settings);
@@ -116,16 +136,16 @@ std::optional<Failure> PortSession::Prepare()
     return std::nullopt;
 }
 
-std::optional<Failure> PortSession::FindPort(SettingsRoots& roots)
+std::optional<Failure> PortSession::FindPort()
 {
-    const std::string named =
-        !m_options.port.empty() ? m_options.port : m_world.variable("FIELDCORE_PORT").value_or("");
+    SettingsRoots roots{RealFolders(m_world)};
+    const std::string named = NamedPort(m_world, m_options.port);
     if (named.empty() && !StoredPort(roots)) {
         return NoPortNamed();
     }
     const FoundTarget found = FindTarget(roots, named, m_world.roots);
     if (found.scenario) {
-        return StartSimulator(*found.scenario, roots);
+        return StartSimulator(*found.scenario);
     }
     if (!found.target) {
         return named.empty()
@@ -153,8 +173,7 @@ Failure PortSession::NoPortNamed() const
                         hint + "--port sim:  a simulated receiver");
 }
 
-std::optional<Failure> PortSession::StartSimulator(const std::string& scenario,
-                                                   SettingsRoots& roots)
+std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
 {
     std::string error;
     const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
@@ -170,6 +189,7 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario,
         return Failure{ExitCode::Failed, "simulator-not-started",
                        "The simulator does not start: " + error + "."};
     }
+    SettingsRoots roots{Folders(m_world.folders)};
     m_target = TargetOf(m_simulator->PortPath(), LinkSettings(roots), m_names);
     return std::nullopt;
 }

@@ -96,7 +96,7 @@ ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std
         return context.output.Done(report,
                                    (text != nullptr ? Printable(*text) : shown.Words()) + "\n");
     }
-    return context.output.Done(report);
+    return Kept(context, report);
 }
 
 ExitCode Get(const Context& context, const SettingsOptions& options)

@@ -175,7 +175,7 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
                 : FileFailure("Nothing was stored: the settings refuse " + ToUtf8(refused) + ".",
                               "It may be too long: a value has at most a megabyte."));
     }
-    return context.output.Done(report);
+    return Kept(context, report);
 }
 
 } // namespace fieldcore::cli

@@ -103,7 +103,7 @@ ExitCode Set(const Context& context, const SignalOptions& options, SignalSession
     }
     report.Add("sent", "sent", Value::YesNo(outcome.sent == 1));
     report.Add("stored", "stored", Value::YesNo(outcome.stored == 1));
-    return failure ? context.output.Failed(*failure, &report) : context.output.Done(report);
+    return failure ? context.output.Failed(*failure, &report) : Kept(context, report);
 }
 
 ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)

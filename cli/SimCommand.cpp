@@ -1,6 +1,7 @@
 #include "cli/ChildProcess.h"
 #include "cli/Command.h"
 #include "cli/Options.h"
+#include "cli/PortSession.h"
 
 #include "core/platform/FastClock.h"
 #include "simulator/Simulator.h"
@@ -69,7 +70,8 @@ ExitCode StartCommand(const Context& context, const simulator::Simulator& simula
     if (context.world.StopRequested()) {
         return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
     }
-    child.environment = {{"FIELDCORE_PORT", simulator.PortPath()}};
+    child.environment = {{"FIELDCORE_PORT", simulator.PortPath()},
+                         {kSimulatedPort, simulator.PortPath()}};
     std::string error;
     const std::optional<int> code = RunChild(child, error);
     if (!code) {

@@ -157,7 +157,8 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
 }
 
 /// Tells the receiver a setting of its sensor.
-/// @param keep  stores it here once the receiver has it; 0 if it could not be stored
+/// @param keep  stores it here once the receiver has it; 0 if it could not be stored. Null: only
+///              the receiver keeps it.
 ExitCode Send(const Context& context, const TiltOptions& options, const char* key,
               const char* label, Value value, const std::function<int(CCommand&)>& send,
               const std::function<int(const CReg&)>& keep)
@@ -169,13 +170,14 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
             return context.output.Failed(sensor.session.RequestFailed());
         }
         report.Add("sent", "sent", Value::YesNo(!context.dryRun));
-        if (!context.dryRun && keep(sensor.reg) == 0) {
+        const bool isKept = keep != nullptr;
+        if (!context.dryRun && isKept && keep(sensor.reg) == 0) {
             return context.output.Failed(
                 FileFailure("The receiver has the setting, but it could not be stored.",
                             "fieldcore-cli doctor"),
                 &report);
         }
-        return context.output.Done(report);
+        return isKept ? Kept(context, report) : context.output.Done(report);
     });
 }
 
@@ -186,7 +188,7 @@ ExitCode SetExpiry(const Context& context, const TiltOptions& options)
         [&](CCommand& command) {
             return command.SetTiltValidity(static_cast<std::uint16_t>(options.hours));
         },
-        [](const CReg&) { return 1; }); // the receiver keeps it
+        nullptr);
 }
 
 ExitCode SetSpeed(const Context& context, const TiltOptions& options)

@@ -45,16 +45,18 @@ public:
 
     [[nodiscard]] std::filesystem::path File() const { return Path("program/GSurveyPlan.alm"); }
     /// The almanac's bytes, and whether nothing lies beside it.
-    [[nodiscard]] std::string Bytes() const
+    [[nodiscard]] std::string Bytes(const std::string& folder = "program") const
     {
-        const std::filesystem::directory_iterator files(Path("program"));
+        const std::filesystem::directory_iterator files(Path(folder));
         EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "a temporary file is left";
-        return Content(File());
+        return Content(Path(folder + "/GSurveyPlan.alm"));
     }
 
 private:
     FastClock m_clock{1.0, std::chrono::sys_days{2026y / 3 / 14} + 90min};
 };
+
+constexpr const char* kSimulated = "program/simulator";
 
 TEST(Almanac, SampleIsOfToday)
 {
@@ -209,8 +211,8 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         AlmanacRunner runner;
-        ASSERT_EQ(runner.Run("almanac sample").code, 0);
-        const std::string before = runner.Bytes();
+        ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
+        const std::string before = runner.Bytes(kSimulated);
         const Outcome outcome =
             runner.Run("almanac get --json --speed 20 --timeout 10 --port sim:" + row.scenario);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
@@ -219,7 +221,7 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
         const nlohmann::json document = outcome.Json();
         if (row.received < 0) {
             EXPECT_EQ(document["error"]["code"], row.error);
-            EXPECT_EQ(runner.Bytes(), before);
+            EXPECT_EQ(runner.Bytes(kSimulated), before);
         } else {
             EXPECT_EQ(document["result"]["received"], row.received);
             EXPECT_EQ(document["result"]["satelliteCount"], row.received);
@@ -231,8 +233,8 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
 TEST(Almanac, CtrlCKeepsTheOldOne)
 {
     AlmanacRunner runner;
-    ASSERT_EQ(runner.Run("almanac sample").code, 0);
-    const std::string before = runner.Bytes();
+    ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
+    const std::string before = runner.Bytes(kSimulated);
     runner.world.errIsTerminal = true;
     runner.world.stopSignal = [&runner] {
         const auto* err = dynamic_cast<std::ostringstream*>(runner.world.err);
@@ -240,7 +242,7 @@ TEST(Almanac, CtrlCKeepsTheOldOne)
     };
     const Outcome outcome = runner.Run("almanac get --speed 20 --timeout 60 --port sim:almanac-31");
     EXPECT_EQ(outcome.code, 7) << outcome.err;
-    EXPECT_EQ(runner.Bytes(), before);
+    EXPECT_EQ(runner.Bytes(kSimulated), before);
 }
 
 } // namespace

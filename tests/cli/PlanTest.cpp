@@ -111,7 +111,7 @@ TEST_F(PlanTest, HasNoDilutionWithoutASolution)
         EXPECT_TRUE(samples[3]["pdop"].is_null()) << samples;
     }
     const std::string csv = m_runner.Run("plan --mask 80 --date 2022-03-12 --kind pdop --csv").out;
-    EXPECT_NE(csv.find("T09:10+09:00,\r\n"), std::string::npos) << csv;
+    EXPECT_NE(csv.find("T09:10+09:00,,"), std::string::npos) << csv;
 }
 
 TEST_F(PlanTest, BeginsWithANominalAlmanac)
@@ -121,7 +121,7 @@ TEST_F(PlanTest, BeginsWithANominalAlmanac)
     EXPECT_EQ(first.code, 0);
     EXPECT_NE(first.err.find("sample"), std::string::npos) << first.err;
     EXPECT_NE(first.out.find("31 satellites"), std::string::npos) << first.out;
-    EXPECT_EQ(m_runner.Run("plan").err, "") << "told once";
+    EXPECT_EQ(m_runner.Run("plan").err.find("There was no"), std::string::npos) << "told once";
 }
 
 TEST_F(PlanTest, FindsTheGoodWindows)
