@@ -129,6 +129,7 @@ int main(int argc, char** argv)
                      qPrintable(options.fault));
         return kUsage;
     }
+    SetLanguage(options.language);
     TouchStyle::Install();
     const StopSignals signals;
     const bool isDrawing = !options.screenshots.isEmpty();

@@ -4,6 +4,9 @@
 #include "cli/Complaint.h"
 #include "cli/Output.h"
 #include "cli/PortSession.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <memory>
@@ -21,6 +24,7 @@ namespace {
 constexpr const char* kProgram = "fieldcore-cli";
 constexpr const char* kDryRun = "--dry-run";
 constexpr const char* kPort = "--port";
+constexpr const char* kLanguage = "--language";
 
 constexpr const char* kExamples =
     R"(  fieldcore-cli demo                        see it all work, without a receiver
@@ -82,7 +86,7 @@ struct Program
               AddSimCommand,      AddTraceCommand,    AddDoctorCommand,  AddDemoCommand}) {
             commands.push_back(add(parser));
         }
-        AddJsonFlag(parser);
+        AddEverywhere(parser);
         AddStore(*parser.get_subcommand("ports")->get_subcommand("show"));
         for (const char* const stores : {"almanac", "plan", "settings", "antenna"}) {
             AddStore(*parser.get_subcommand(stores));
@@ -104,12 +108,14 @@ private:
         }
     }
 
-    /// It is understood wherever it stands.
-    void AddJsonFlag(CLI::App& app)
+    /// What is understood wherever it stands.
+    void AddEverywhere(CLI::App& app)
     {
         app.add_flag("--json", json, "Print one JSON document (docs/cli.md)");
+        app.add_option(kLanguage, "en or ja (else $FIELDCORE_LANGUAGE, else en)")
+            ->type_name("LANGUAGE");
         for (CLI::App* child : app.get_subcommands({})) {
-            AddJsonFlag(*child);
+            AddEverywhere(*child);
         }
     }
 };
@@ -143,7 +149,7 @@ World WorldOf(const World& world, const CLI::App& program)
 ExitCode ShowVersion(Output& output)
 {
     Report report;
-    report.Add("version", "version", Value::Text(std::string(FIELDCORE_VERSION)));
+    report.Add("version", Worded(text::kLabelVersion), Value::Text(std::string(FIELDCORE_VERSION)));
     return output.Done(report, std::string(kProgram) + " " + FIELDCORE_VERSION + "\n");
 }
 
@@ -177,11 +183,32 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
             return command.run({own, output, isDryRun, std::move(userCommand)});
         }
     }
-    return output.Failed(UsageFailure("No command is named.", "fieldcore-cli --help"));
+    return output.Failed(UsageFailure(Worded(text::kSayNoCommand), "fieldcore-cli --help"));
+}
+
+/// Sets the language of the run before anything is said in it.
+std::optional<Failure> UseLanguage(const World& world, const std::vector<std::string>& arguments)
+{
+    std::string source = kLanguageVariable;
+    std::string name = world.variable(source).value_or("en");
+    const std::string joined = std::string(kLanguage) + "=";
+    for (std::size_t at = 0; at < arguments.size() && arguments[at] != "--"; ++at) {
+        const bool isApart = arguments[at] == kLanguage && at + 1 < arguments.size();
+        if (isApart || arguments[at].starts_with(joined)) {
+            source = kLanguage;
+            name = isApart ? arguments[at + 1] : arguments[at].substr(joined.size());
+        }
+    }
+    const std::optional<Language> language = LanguageNamed(name);
+    SetLanguage(language.value_or(Language::English));
+    return language ? std::nullopt
+                    : std::optional(UsageFailure(source + " cannot be \"" + name + "\".",
+                                                 "en for English, ja for Japanese"));
 }
 
 ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 {
+    const std::optional<Failure> noLanguage = UseLanguage(world, arguments);
     if (arguments.size() == 1 && arguments.front() == "--version") {
         Output output(world, "version", false); // without making the parsers of all commands
         return ShowVersion(output);
@@ -192,6 +219,9 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
     const bool emptyCommand = dashes != arguments.end() && userCommand.empty();
     arguments.erase(dashes, arguments.end());
     const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    if (noLanguage) {
+        return Output(world, "", json).Failed(*noLanguage);
+    }
     TurnHelpIntoOption(arguments);
 
     Program program;
@@ -219,8 +249,7 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 ExitCode Kept(const Context& context, const Report& report)
 {
     if (context.world.folders.isSimulated && !context.dryRun) {
-        context.output.Message("information", "", "Kept in the simulator's own store.",
-                               Colour::Plain);
+        context.output.Message("information", "", Worded(text::kSayKeptApart), Colour::Plain);
     }
     return context.output.Done(report);
 }

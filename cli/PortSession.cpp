@@ -1,6 +1,7 @@
 #include "cli/PortSession.h"
 
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/RateSearch.h"
 #include "core/link/ComPrmSet.h"
@@ -148,16 +149,16 @@ std::optional<Failure> PortSession::FindPort()
         return StartSimulator(*found.scenario);
     }
     if (!found.target) {
+        const std::string detail = IsEnglish() ? found.detail : ToUtf8(found.fault);
         return named.empty()
                    ? Failure{ExitCode::NoPort, "port-unusable",
-                             "The port of the settings cannot be used: " + found.detail,
+                             Worded(text::kSayPortOfSettings, {detail}),
                              "--port PORT, or fieldcore-cli settings set 'GPS\\Connect' Port PORT"}
-                   : UsageFailure(found.detail, "fieldcore-cli ports");
+                   : UsageFailure(detail, "fieldcore-cli ports");
     }
     m_names = KnownPortNames(m_world, m_output);
     if (m_options.speed != 1.0) {
-        return UsageFailure("Only the simulator can let time run faster.",
-                            "--port sim: --speed N, or leave --speed out.");
+        return UsageFailure(Worded(text::kSayOnlySimFast), Worded(text::kSayOnlySimFastHint));
     }
     m_target = *found.target;
     return std::nullopt;
@@ -169,8 +170,7 @@ Failure PortSession::NoPortNamed() const
     for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
         hint += "--port " + port.path + "  " + port.description + "\n         ";
     }
-    return UsageFailure("No port is named, and none is stored: give --port, or set FIELDCORE_PORT.",
-                        hint + "--port sim:  a simulated receiver");
+    return UsageFailure(Worded(text::kSayNoPort), hint + Worded(text::kSaySimPort));
 }
 
 std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
@@ -202,7 +202,7 @@ std::optional<Failure> PortSession::OpenLog()
     if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
         return FileFailure("The log " + m_options.log.string() +
                                " cannot be written: " + error.message() + ".",
-                           "Name a file in a folder that you may write to.");
+                           Worded(text::kSayLogHint));
     }
     return std::nullopt;
 }
@@ -253,7 +253,8 @@ std::optional<Failure> PortSession::Connect()
     Failure failure = fault == CommandFault::OpenFailed ? NotOpened(sequence.FailureDetail())
                       : sequence.IsPortSending()        ? SendingFailure(sequence.FailureDetail())
                                                  : RequestFailure(fault, sequence.FailureDetail());
-    failure.step = StepName(sequence.FailedStep());
+    failure.step =
+        IsEnglish() ? StepName(sequence.FailedStep()) : ToUtf8(StepText(sequence.FailedStep()));
     return failure;
 }
 
@@ -278,12 +279,8 @@ std::optional<Failure> PortSession::Search()
     case CommandFault::LinkLost:
         return RequestFailure(m_command->Fault(), m_command->LastError());
     default:
-        return Failure{ExitCode::NoAnswer,
-                       "no-answer",
-                       "The receiver answers at no rate.",
-                       "Check that it is on, the cable, and its parity and data bits.",
-                       "",
-                       m_command->LastError()};
+        return Failure{ExitCode::NoAnswer,           "no-answer", Worded(text::kSayNoRate),
+                       Worded(text::kSayNoRateHint), "",          m_command->LastError()};
     }
 }
 
