@@ -131,6 +131,7 @@ int main(int argc, char** argv)
                      qPrintable(options.fault));
         return kUsage;
     }
+    SetLanguage(options.language);
     TouchStyle::Install();
     if (!TouchStyle::CanDrawJapanese()) {
         SetLanguage(Language::English); // or nothing could be read

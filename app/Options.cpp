@@ -6,6 +6,28 @@
 
 namespace fieldcore {
 
+namespace {
+
+/// Of the option, else of the variable, else Japanese.
+void ReadLanguage(const QString& option, AppOptions& options)
+{
+    const QString variable = qEnvironmentVariable(kLanguageVariable);
+    const bool isGiven = !option.isNull();
+    if (!isGiven && variable.isEmpty()) {
+        return;
+    }
+    const std::optional<Language> language =
+        LanguageNamed((isGiven ? option : variable).toStdString());
+    options.language = language.value_or(options.language);
+    if (!language) {
+        options.fault = QStringLiteral("%1 must be ja or en.")
+                            .arg(isGiven ? QStringLiteral("--language")
+                                         : QString::fromLatin1(kLanguageVariable));
+    }
+}
+
+} // namespace
+
 AppOptions ParseArguments(const QStringList& arguments)
 {
     QCommandLineParser parser;
@@ -34,7 +56,10 @@ AppOptions ParseArguments(const QStringList& arguments)
     const QCommandLineOption firstPage(
         QStringLiteral("first-page"),
         QStringLiteral("End when the first page has been painted; for measuring."));
-    parser.addOptions({port, theme, speed, screenshots, q77, firstPage});
+    const QCommandLineOption language(
+        QStringLiteral("language"), QStringLiteral("ja or en (else $FIELDCORE_LANGUAGE, else ja)."),
+        QStringLiteral("LANGUAGE"));
+    parser.addOptions({port, theme, language, speed, screenshots, q77, firstPage});
 
     AppOptions options;
     if (!parser.parse(arguments)) {
@@ -50,6 +75,9 @@ AppOptions ParseArguments(const QStringList& arguments)
     options.screenshots = parser.value(screenshots);
     options.isQ77 = parser.isSet(q77);
     options.firstPage = parser.isSet(firstPage);
+    ReadLanguage(parser.isSet(language) ? QStringLiteral("%1").arg(parser.value(language))
+                                        : QString(),
+                 options);
     if (parser.isSet(speed)) {
         bool isNumber = false;
         options.speed = parser.value(speed).toDouble(&isNumber);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/resources/StringTable.h"
 #include "ui/controls/Theme.h"
 
 #include <QString>
@@ -14,10 +15,11 @@ struct AppOptions
 {
     QString port;                     ///< empty: the one of the settings
     std::optional<Theme::Kind> theme; ///< nothing: the one of the settings
-    double speed = 1.0;               ///< of the simulator's time and the program's, 0.1 to 1000
-    QString screenshots;              ///< folder; empty: an ordinary session
-    bool isQ77 = false;               ///< the layouts of the taller controller, whatever is set
-    bool firstPage = false;           ///< end when the first page has been painted: for measuring
+    Language language = Language::Japanese;
+    double speed = 1.0;     ///< of the simulator's time and the program's, 0.1 to 1000
+    QString screenshots;    ///< folder; empty: an ordinary session
+    bool isQ77 = false;     ///< the layouts of the taller controller, whatever is set
+    bool firstPage = false; ///< end when the first page has been painted: for measuring
     bool showVersion = false;
     bool showHelp = false;
     QString help;  ///< text of the help

@@ -3,6 +3,7 @@
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
@@ -48,8 +49,7 @@ std::filesystem::path TargetFolder(const Context& context, std::optional<Scratch
 
 Failure NoScratchFolder()
 {
-    return FileFailure("A dry run needs a folder for temporary files, and none could be made.",
-                       "fieldcore-cli doctor");
+    return FileFailure(Worded(text::kSayNoScratch), "fieldcore-cli doctor");
 }
 
 void ShowText(Host& host, AlmanacMessage message)
@@ -68,21 +68,14 @@ void ShowResult(const Context& context, Host& host, AlmanacResult result)
     }
 }
 
-/// What to type to get an almanac.
-constexpr const char* kWaysToOne =
-    "fieldcore-cli almanac get --port PORT    from a receiver\n"
-    "         fieldcore-cli almanac import FILE        from a YUMA or SEM file\n"
-    "         fieldcore-cli almanac sample             a made-up one, to try things";
-
 Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacStore& store)
 {
     switch (result) {
     case AlmanacResult::Cancelled:
         return RequestFailure(CommandFault::Cancelled, "");
     case AlmanacResult::TooFew:
-        return {ExitCode::Failed, "almanac-too-few",
-                "Four satellites or fewer are no almanac; nothing was replaced.",
-                "Let the receiver track for a quarter of an hour, or take another file."};
+        return {ExitCode::Failed, "almanac-too-few", Worded(text::kSayAlmanacTooFew),
+                Worded(text::kSayAlmanacTooFewHint)};
     case AlmanacResult::Done:
     case AlmanacResult::NotRead:
     case AlmanacResult::NotWritten:
@@ -90,8 +83,8 @@ Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacSto
     case AlmanacResult::BrokenOff:
         break;
     }
-    return FileFailure("The almanac " + AlmanacPath(FolderOf(context)).string() +
-                           " cannot be written: " + store.LastError().message() + ".",
+    return FileFailure(Worded(text::kSayAlmanacNotWritten, {AlmanacPath(FolderOf(context)).string(),
+                                                            store.LastError().message()}),
                        "fieldcore-cli doctor");
 }
 
@@ -102,18 +95,19 @@ Report Summary(const Context& context, const std::filesystem::path& folder)
     CSurveyPlanCalc almanac;
     almanac.LoadAlmanac(AlmanacPath(folder));
     Report report;
-    report.Add("file", "file", Value::Text(AlmanacPath(FolderOf(context)).string()));
+    report.Add("file", Worded(text::kLabelFile),
+               Value::Text(AlmanacPath(FolderOf(context)).string()));
     AddAlmanacSummary(report, almanac, GpsNow(context.world));
     return report;
 }
 
 /// A download that lost answers: how far it came, and why.
-Failure LossOf(const AlmanacTally& tally, const char* consequence)
+Failure LossOf(const AlmanacTally& tally, const std::string& consequence)
 {
     Failure failure = RequestFailure(tally.fault, "");
-    failure.message = "The almanac broke off: " + std::to_string(tally.received) + " of " +
-                      std::to_string(tally.received + tally.lost) + " satellites came; " +
-                      consequence + ". " + failure.message;
+    failure.message = Worded(text::kSayAlmanacBroke, {std::to_string(tally.received),
+                                                      std::to_string(tally.received + tally.lost),
+                                                      consequence, failure.message});
     return failure;
 }
 
@@ -127,7 +121,7 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
     const auto onProgress = [&](int prn) {
         if (prn <= kMaxPrn) {
             context.output.Progress("[" + std::to_string(prn) + "/" + std::to_string(kMaxPrn) +
-                                    "] almanac of PRN " + std::to_string(prn));
+                                    "] " + Worded(text::kSayAlmanacOf, {std::to_string(prn)}));
         }
         return !context.world.StopRequested();
     };
@@ -143,23 +137,23 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
     ShowResult(context, host, result);
     ShowText(host, MessageOf(result, tally));
     if (result == AlmanacResult::BrokenOff) {
-        return context.output.Failed(LossOf(tally, "nothing was replaced"));
+        return context.output.Failed(LossOf(tally, Worded(text::kSayNothingReplaced)));
     }
     if (result != AlmanacResult::Done) {
         return context.output.Failed(FailureOf(result, context, store));
     }
     Report report = Summary(context, folder);
-    report.Add("received", "received now", Value::Integer(tally.received));
-    report.Add("missing", "unknown to receiver", Value::Integer(tally.missing));
-    report.Add("lost", "not answered", Value::Integer(tally.lost));
+    report.Add("received", Worded(text::kLabelReceivedNow), Value::Integer(tally.received));
+    report.Add("missing", Worded(text::kLabelUnknownToReceiver), Value::Integer(tally.missing));
+    report.Add("lost", Worded(text::kLabelNotAnswered), Value::Integer(tally.lost));
     if (tally.lost > 0) {
-        const Failure loss = LossOf(tally, "the almanac has only these");
+        const Failure loss = LossOf(tally, Worded(text::kSayOnlyThese));
         if (ClassOf(tally.fault) == FaultClass::Gone) {
             return context.output.Failed(loss, &report);
         }
         context.output.Message("warning", "", loss.message, Colour::Yellow);
     }
-    return context.output.Done(report);
+    return Kept(context, report);
 }
 
 /// Says what is wrong with the age of an almanac at @p date: old ones, and those of a week that has
@@ -194,13 +188,13 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
         std::error_code ignored;
         return context.output.Failed(
             FileFailure(std::filesystem::exists(file, ignored)
-                            ? file.string() + " holds no almanac that can be read."
-                            : "There is no almanac yet: " + file.string() + " is missing.",
-                        kWaysToOne));
+                            ? Worded(text::kSayAlmanacUnreadable, {file.string()})
+                            : Worded(text::kSayNoAlmanac, {file.string()}),
+                        Worded(text::kSayWaysToAlmanac)));
     }
     ShowAge(context, host, almanac, *date);
     Report report;
-    report.Add("file", "file", Value::Text(file.string()));
+    report.Add("file", Worded(text::kLabelFile), Value::Text(file.string()));
     AddAlmanacSummary(report, almanac, *date);
     AddAlmanacTable(report, almanac, *date);
     return context.output.Done(report);
@@ -225,7 +219,7 @@ ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records
     CSurveyPlanCalc almanac;
     almanac.LoadAlmanac(AlmanacPath(folder));
     ShowAge(context, host, almanac, GpsNow(context.world));
-    return context.output.Done(Summary(context, folder));
+    return Kept(context, Summary(context, folder));
 }
 
 ExitCode Import(const Context& context, const AlmanacOptions& options)
@@ -242,7 +236,7 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
             "Nothing was replaced: " + options.file +
                 (error.line > 0 ? ", line " + std::to_string(error.line) : "") +
                 (error.field.empty() ? "" : ", \"" + error.field + "\"") + ": " + error.message,
-            "Take a whole YUMA or SEM file."));
+            Worded(text::kSayWholeAlmanac)));
     }
     if (text.skipped > 0) {
         context.output.Note(std::to_string(text.skipped) +
@@ -260,8 +254,7 @@ ExitCode Sample(const Context& context, const AlmanacOptions& options)
     if (std::filesystem::exists(file, ignored) && !options.yes && !context.dryRun) {
         if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
             return context.output.Failed(
-                UsageFailure("There is an almanac already, which a made-up one would replace.",
-                             "--yes to replace it"));
+                UsageFailure(Worded(text::kSaySampleThere), Worded(text::kSayYesReplace)));
         }
         TerminalHost host(context.world, context.output);
         if (host.ShowMessage(L"Replace the almanac that is there by a made-up one?", L"",

@@ -1,10 +1,12 @@
 #include "cli/AlmanacReport.h"
 
 #include "cli/DayText.h"
+#include "cli/Wording.h"
 
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/Degrees.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <array>
 #include <chrono>
@@ -90,10 +92,11 @@ std::int64_t GpsSeconds(const CGPSTime& time)
 Value SourceValue(const AlmanacSource& source)
 {
     constexpr std::array kCodes{"unknown", "receiver", "file", "nominal"};
+    constexpr std::array kTexts{text::kSourceUnknown, text::kSourceReceiver, text::kSourceFile};
     const char* const code = kCodes[static_cast<std::size_t>(source.origin)];
     return source.origin == AlmanacOrigin::Nominal
-               ? Value::Word(code, ToUtf8(SourceText(source)) + ", made up")
-               : Value::Word(code, code);
+               ? Value::Word(code, Worded(text::kSayMadeUp, {ToUtf8(SourceText(source))}))
+               : Value::Word(code, Worded(kTexts[static_cast<std::size_t>(source.origin)]));
 }
 
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
@@ -109,15 +112,17 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
         }
     }
     const CGPSTime time = AlmanacTime(almanac);
-    report.Add("source", "source", SourceValue(almanac.Source()));
+    report.Add("source", Worded(text::kLabelSource), SourceValue(almanac.Source()));
     const std::wstring& name = almanac.Source().name;
-    report.Add("sourceName", "source name",
+    report.Add("sourceName", Worded(text::kLabelSourceName),
                name.empty() ? Value::Unknown() : Value::Text(std::wstring_view(name)));
-    report.Add("satelliteCount", "satellites", Value::Integer(loaded));
-    report.Add("healthyCount", "healthy", Value::Integer(healthy));
-    report.Add("gpsTime", "almanac time", anyTime ? DateValue(time) : Value::Unknown());
-    report.Add("ageDays", "age", anyTime ? AgeValue(time, date) : Value::Unknown());
-    report.Add("old", "too old", Value::YesNo(IsAlmanacOld(time, date)));
+    report.Add("satelliteCount", Worded(text::kLabelSatellites), Value::Integer(loaded));
+    report.Add("healthyCount", Worded(text::kLabelHealthy), Value::Integer(healthy));
+    report.Add("gpsTime", Worded(text::kLabelAlmanacTime),
+               anyTime ? DateValue(time) : Value::Unknown());
+    report.Add("ageDays", Worded(text::kLabelAge),
+               anyTime ? AgeValue(time, date) : Value::Unknown());
+    report.Add("old", Worded(text::kLabelTooOld), Value::YesNo(IsAlmanacOld(time, date)));
 }
 
 void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
@@ -125,13 +130,13 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
     Report::Table table{"satellites",
                         "",
                         {{"prn", "PRN"},
-                         {"healthy", "HEALTHY"},
-                         {"health", "HEALTH"},
-                         {"week", "WEEK"},
-                         {"gpsTime", "REFERENCE TIME (GPS)"},
-                         {"eccentricity", "ECCENTRICITY"},
-                         {"inclinationDeg", "INCLINATION"},
-                         {"ageDays", "AGE"}},
+                         {"healthy", Worded(text::kHeadHealthy)},
+                         {"health", Worded(text::kHeadHealth)},
+                         {"week", Worded(text::kHeadWeek)},
+                         {"gpsTime", Worded(text::kHeadReferenceTimeGps)},
+                         {"eccentricity", Worded(text::kHeadEccentricity)},
+                         {"inclinationDeg", Worded(text::kHeadInclination)},
+                         {"ageDays", Worded(text::kHeadAge)}},
                         {}};
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         if (almanac.IsValid(index) == 0) {

@@ -1,6 +1,7 @@
 #include "cli/Command.h"
 #include "cli/GeoInput.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/AntennaInput.h"
 #include "core/equipment/AntennaSettings.h"
@@ -103,20 +104,22 @@ ExitCode List(const Context& context, const AntennaOptions& options)
 {
     Access access(context, options);
     Report report;
-    report.Add("file", "file", Value::Text(access.File().string()));
+    report.Add("file", Worded(text::kLabelFile), Value::Text(access.File().string()));
     const int count = access.settings.GetMaxCount();
-    Report::Table types{
-        "types",
-        "There are no antennas in the catalogue.",
-        {{"type", "TYPE"}, {"name", "NAME"}, {"charCode", "CALLED"}, {"code", "NO."}},
-        {}};
+    Report::Table types{"types",
+                        "There are no antennas in the catalogue.",
+                        {{"type", Worded(text::kHeadType)},
+                         {"name", Worded(text::kHeadName)},
+                         {"charCode", Worded(text::kHeadCalled)},
+                         {"code", Worded(text::kHeadNo)}},
+                        {}};
     Report::Table methods{"methods",
                           "There are no methods: heights are vertical.",
-                          {{"type", "TYPE"},
-                           {"method", "METHOD"},
+                          {{"type", Worded(text::kHeadType)},
+                           {"method", Worded(text::kHeadMethod)},
                            {"radiusM", "R"},
                            {"verticalM", "V"},
-                           {"name", "NAME"}},
+                           {"name", Worded(text::kHeadName)}},
                           {}};
     for (int n = 0; n < count; ++n) {
         const AntennaType type = access.settings.Catalogue().Type(n).value_or(AntennaType{});
@@ -164,20 +167,17 @@ std::string Derivation(const AntennaHeight& height)
 
 void AddHeight(Report& report, const AntennaHeight& height)
 {
-    report.Add("measuredM", "measured height H", Metres(height.measuredM, 4));
-    report.Add("radiusM", "radius R", Metres(height.method.radiusM, kCatalogue));
-    report.Add("offsetM", "offset V", Metres(height.method.verticalM, kCatalogue));
-    report.Add("derivation", "derivation", Value::Text(Derivation(height)));
-    report.Add("verticalM", "vertical height", Vertical(height.verticalM));
+    report.Add("measuredM", Worded(text::kLabelMeasuredHeightH), Metres(height.measuredM, 4));
+    report.Add("radiusM", Worded(text::kLabelRadiusR), Metres(height.method.radiusM, kCatalogue));
+    report.Add("offsetM", Worded(text::kLabelOffsetV), Metres(height.method.verticalM, kCatalogue));
+    report.Add("derivation", Worded(text::kLabelDerivation), Value::Text(Derivation(height)));
+    report.Add("verticalM", Worded(text::kLabelVerticalHeight), Vertical(height.verticalM));
 }
 
 void WarnOfShort(const Context& context, const AntennaHeight& height)
 {
     if (height.reduction == AntennaReduction::TooShort) {
-        context.output.Message("warning", "",
-                               "The measured height is not longer than the radius: it cannot be a "
-                               "slant distance, and V was added to it.",
-                               Colour::Yellow);
+        context.output.Message("warning", "", Worded(text::kSayNotLonger), Colour::Yellow);
     }
 }
 
@@ -196,7 +196,7 @@ Failure NotInCatalogue(const AntennaSettings& settings)
 
 /// @param isKnown  there is a height, stored or not
 ExitCode ShowSettings(const Context& context, const Access& access, const AntennaOptions& options,
-                      bool isKnown)
+                      bool isKnown, bool isSet = false)
 {
     AntennaInfo info;
     access.settings.GetAntInfo(info);
@@ -205,19 +205,19 @@ ExitCode ShowSettings(const Context& context, const Access& access, const Antenn
                                Colour::Yellow);
     }
     Report report;
-    report.Add("role", "role", Value::Text(options.role));
-    report.Add("type", "type", Value::Integer(info.type));
-    report.Add("name", "name", Words(info.description.name));
-    report.Add("number", "number", Value::Integer(access.settings.GetAntNo()));
-    report.Add("method", "method", Value::Integer(info.way));
-    report.Add("methodName", "measured", Words(info.methodName));
-    report.Add("serial", "serial number", Words(info.serial));
-    report.Add("isMeasured", "height known", Value::YesNo(isKnown));
+    report.Add("role", Worded(text::kLabelRole), Value::Text(options.role));
+    report.Add("type", Worded(text::kLabelType), Value::Integer(info.type));
+    report.Add("name", Worded(text::kLabelName), Words(info.description.name));
+    report.Add("number", Worded(text::kLabelNumber), Value::Integer(access.settings.GetAntNo()));
+    report.Add("method", Worded(text::kLabelMethod), Value::Integer(info.way));
+    report.Add("methodName", Worded(text::kLabelMeasured), Words(info.methodName));
+    report.Add("serial", Worded(text::kLabelSerialNumber), Words(info.serial));
+    report.Add("isMeasured", Worded(text::kLabelHeightKnown), Value::YesNo(isKnown));
     if (isKnown) {
         AddHeight(report, info.height);
         WarnOfShort(context, info.height);
     }
-    return context.output.Done(report);
+    return isSet ? Kept(context, report) : context.output.Done(report);
 }
 
 ExitCode Show(const Context& context, const AntennaOptions& options)
@@ -280,8 +280,8 @@ ExitCode Set(const Context& context, const AntennaOptions& options)
     }
     Access access(context, options);
     AntennaSettings& settings = access.settings;
-    const Failure notStored = FileFailure(
-        "The antenna was not stored: the settings cannot be written.", "fieldcore-cli doctor");
+    const Failure notStored =
+        FileFailure(Worded(text::kSayAntennaNotStored), "fieldcore-cli doctor");
     if (!context.dryRun && !access.CanWrite()) {
         return context.output.Failed(notStored); // then there may be no catalogue either
     }
@@ -298,8 +298,7 @@ ExitCode Set(const Context& context, const AntennaOptions& options)
     const bool hasHeight =
         options.heightOption->count() > 0 || !options.from.empty() || settings.GetAntFlag() != 0;
     if (!hasHeight) {
-        return context.output.Failed(
-            UsageFailure("No height has been stored for this role yet.", "--height METRES"));
+        return context.output.Failed(UsageFailure(Worded(text::kSayNoHeight), "--height METRES"));
     }
     if (options.typeOption->count() > 0 && settings.SetAntTypeFlag(options.type) != 0) {
         settings.SetAntWayFlag(0); // the other antenna's method means another point of this one
@@ -319,7 +318,7 @@ ExitCode Set(const Context& context, const AntennaOptions& options)
     if (!context.dryRun && settings.WriteRegAnt() == 0) {
         return context.output.Failed(notStored);
     }
-    return ShowSettings(context, access, options, true);
+    return ShowSettings(context, access, options, true, true);
 }
 
 ExitCode Height(const Context& context, const AntennaOptions& options)

@@ -3,12 +3,14 @@
 #include "cli/Options.h"
 #include "cli/Report.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/input/Angles.h"
 #include "core/input/Check.h"
 #include "core/input/Parts.h"
 #include "core/input/StrIncre.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <cstdint>
 #include <memory>
@@ -44,8 +46,8 @@ ExitCode Finish(const Context& context, Report report, bool valid)
 Report Begin(const CheckOptions& options, bool valid)
 {
     Report report;
-    report.Add("text", "text", Value::Text(options.text));
-    report.Add("valid", "valid", Value::YesNo(valid));
+    report.Add("text", Worded(text::kLabelText), Value::Text(options.text));
+    report.Add("valid", Worded(text::kLabelValid), Value::YesNo(valid));
     return report;
 }
 
@@ -56,8 +58,9 @@ ExitCode CheckNumber(const Context& context, const CheckOptions& options)
     CCheck check(options.minimum, options.maximum, host);
     const bool valid = check.CheckNum(text, nullptr, options.integer ? 1 : 0, 1) == 1;
     Report report = Begin(options, valid);
-    report.Add("value", "value", valid ? Value::Exact(CParts::atof(text)) : Value::Unknown());
-    report.Add("rounded", "rounded",
+    report.Add("value", Worded(text::kLabelValue),
+               valid ? Value::Exact(CParts::atof(text)) : Value::Unknown());
+    report.Add("rounded", Worded(text::kLabelRounded),
                valid ? Value::Real(CParts::round(CParts::atof(text),
                                                  static_cast<std::uint8_t>(options.decimals)),
                                    options.decimals)
@@ -82,8 +85,8 @@ ExitCode CheckAngle(const Context& context, const CheckOptions& options)
     const bool valid = check.CheckDeg(text, nullptr, 1) == 1;
     const double rad = valid ? check.GetRad(text) : 0.0;
     Report report = Begin(options, valid);
-    report.Add("rad", "radians", valid ? Value::Exact(rad) : Value::Unknown());
-    report.Add("dms", "degrees",
+    report.Add("rad", Worded(text::kLabelRadians), valid ? Value::Exact(rad) : Value::Unknown());
+    report.Add("dms", Worded(text::kLabelDegrees),
                valid ? Value::Text(RADtoDEGStr(rad, 0, static_cast<std::uint8_t>(options.decimals)))
                      : Value::Unknown());
     return Finish(context, std::move(report), valid);
@@ -92,8 +95,12 @@ ExitCode CheckAngle(const Context& context, const CheckOptions& options)
 ExitCode CountUp(const Context& context, const CheckOptions& options)
 {
     Report report;
-    report.Add("name", "name", Value::Text(options.text));
-    Report::Table table{"names", "", {{"name", "NEXT"}, {"changed", "CHANGED"}}, {}};
+    report.Add("name", Worded(text::kLabelName), Value::Text(options.text));
+    Report::Table table{
+        "names",
+        "",
+        {{"name", Worded(text::kHeadNext)}, {"changed", Worded(text::kHeadChanged)}},
+        {}};
     std::wstring name = FromUtf8(options.text);
     for (int i = 0; i < options.count; ++i) {
         const std::wstring before = name;

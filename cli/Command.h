@@ -25,6 +25,10 @@ struct Context
     std::vector<std::string> userCommand;
 };
 
+/// The command is done and has stored something, but in a dry run: says where, if that is not
+/// among the user's own things but among those that the simulator leads to.
+ExitCode Kept(const Context& context, const Report& report);
+
 /// A command of the command line: the parser that reads its options, and what it then does.
 /// The options live in what the function holds.
 struct Command

@@ -3,6 +3,10 @@
 #include "cli/Command.h"
 #include "cli/Complaint.h"
 #include "cli/Output.h"
+#include "cli/PortSession.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +23,8 @@ namespace {
 
 constexpr const char* kProgram = "fieldcore-cli";
 constexpr const char* kDryRun = "--dry-run";
+constexpr const char* kPort = "--port";
+constexpr const char* kLanguage = "--language";
 
 constexpr const char* kExamples =
     R"(  fieldcore-cli demo                        see it all work, without a receiver
@@ -80,18 +86,36 @@ struct Program
               AddSimCommand,      AddTraceCommand,    AddDoctorCommand,  AddDemoCommand}) {
             commands.push_back(add(parser));
         }
-        AddJsonFlag(parser);
+        AddEverywhere(parser);
+        AddStore(*parser.get_subcommand("ports")->get_subcommand("show"));
+        for (const char* const stores : {"almanac", "plan", "settings", "antenna"}) {
+            AddStore(*parser.get_subcommand(stores));
+        }
     }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
 private:
-    /// It is understood wherever it stands.
-    void AddJsonFlag(CLI::App& app)
+    /// What asks no receiver can look into the simulator's store all the same.
+    static void AddStore(CLI::App& app)
+    {
+        if (app.get_option_no_throw(kPort) == nullptr) {
+            app.add_option(kPort, "sim: takes what the simulator's own store has")
+                ->type_name("sim:");
+        }
+        for (CLI::App* child : app.get_subcommands({})) {
+            AddStore(*child);
+        }
+    }
+
+    /// What is understood wherever it stands.
+    void AddEverywhere(CLI::App& app)
     {
         app.add_flag("--json", json, "Print one JSON document (docs/cli.md)");
+        app.add_option(kLanguage, "en or ja (else $FIELDCORE_LANGUAGE, else en)")
+            ->type_name("LANGUAGE");
         for (CLI::App* child : app.get_subcommands({})) {
-            AddJsonFlag(*child);
+            AddEverywhere(*child);
         }
     }
 };
@@ -102,10 +126,30 @@ const CLI::App& LastParsed(const CLI::App& parser)
     return children.empty() ? parser : LastParsed(*children.front());
 }
 
+/// The world of a command: what a simulated receiver leads to stays apart from the user's own.
+World WorldOf(const World& world, const CLI::App& program)
+{
+    std::string named;
+    bool asksReceiver = false;
+    const CLI::App* app = &program;
+    for (std::vector<CLI::App*> children = app->get_subcommands(); !children.empty();
+         children = app->get_subcommands()) {
+        app = children.front();
+        const CLI::Option* const port = app->get_option_no_throw(kPort);
+        named = port != nullptr && port->count() > 0 ? port->as<std::string>() : named;
+        asksReceiver = app->get_option_no_throw("--timeout") != nullptr;
+    }
+    World own = world;
+    if (asksReceiver || !named.empty()) {
+        own.folders.isSimulated = IsSimulated(world, NamedPort(world, named));
+    }
+    return own;
+}
+
 ExitCode ShowVersion(Output& output)
 {
     Report report;
-    report.Add("version", "version", Value::Text(std::string(FIELDCORE_VERSION)));
+    report.Add("version", Worded(text::kLabelVersion), Value::Text(std::string(FIELDCORE_VERSION)));
     return output.Done(report, std::string(kProgram) + " " + FIELDCORE_VERSION + "\n");
 }
 
@@ -133,16 +177,38 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
             UsageFailure("Only sim run starts a command of your own behind \"--\".",
                          "fieldcore-cli sim run --help"));
     }
+    const World own = WorldOf(world, program.parser);
     for (const Command& command : program.commands) {
         if (command.parser->parsed()) {
-            return command.run({world, output, isDryRun, std::move(userCommand)});
+            return command.run({own, output, isDryRun, std::move(userCommand)});
         }
     }
-    return output.Failed(UsageFailure("No command is named.", "fieldcore-cli --help"));
+    return output.Failed(UsageFailure(Worded(text::kSayNoCommand), "fieldcore-cli --help"));
+}
+
+/// Sets the language of the run before anything is said in it.
+std::optional<Failure> UseLanguage(const World& world, const std::vector<std::string>& arguments)
+{
+    std::string source = kLanguageVariable;
+    std::string name = world.variable(source).value_or("en");
+    const std::string joined = std::string(kLanguage) + "=";
+    for (std::size_t at = 0; at < arguments.size() && arguments[at] != "--"; ++at) {
+        const bool isApart = arguments[at] == kLanguage && at + 1 < arguments.size();
+        if (isApart || arguments[at].starts_with(joined)) {
+            source = kLanguage;
+            name = isApart ? arguments[at + 1] : arguments[at].substr(joined.size());
+        }
+    }
+    const std::optional<Language> language = LanguageNamed(name);
+    SetLanguage(language.value_or(Language::English));
+    return language ? std::nullopt
+                    : std::optional(UsageFailure(source + " cannot be \"" + name + "\".",
+                                                 "en for English, ja for Japanese"));
 }
 
 ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 {
+    const std::optional<Failure> noLanguage = UseLanguage(world, arguments);
     if (arguments.size() == 1 && arguments.front() == "--version") {
         Output output(world, "version", false); // without making the parsers of all commands
         return ShowVersion(output);
@@ -153,6 +219,9 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
     const bool emptyCommand = dashes != arguments.end() && userCommand.empty();
     arguments.erase(dashes, arguments.end());
     const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    if (noLanguage) {
+        return Output(world, "", json).Failed(*noLanguage);
+    }
     TurnHelpIntoOption(arguments);
 
     Program program;
@@ -176,6 +245,14 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 }
 
 } // namespace
+
+ExitCode Kept(const Context& context, const Report& report)
+{
+    if (context.world.folders.isSimulated && !context.dryRun) {
+        context.output.Message("information", "", Worded(text::kSayKeptApart), Colour::Plain);
+    }
+    return context.output.Done(report);
+}
 
 CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
                     const std::string& examples)

@@ -7,10 +7,12 @@
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
 
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
+#include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
 #include "simulator/ReceiverFile.h"
@@ -169,10 +171,10 @@ private:
         }
         Say("It has arrived, and every byte is as the simulator has it.");
         Report& files = m_report.AddSection("files", "");
-        files.Add("fileCount", "files",
+        files.Add("fileCount", Worded(text::kLabelFiles),
                   Value::Integer(static_cast<std::int64_t>(all.files.size())));
-        files.Add("fetched", "fetched", Value::Text(name));
-        files.Add("sizeBytes", "its size", Value::Integer(smallest->size, "B"));
+        files.Add("fetched", Worded(text::kLabelFetched), Value::Text(name));
+        files.Add("sizeBytes", Worded(text::kLabelItsSize), Value::Integer(smallest->size, "B"));
         return std::nullopt;
     }
 
@@ -198,7 +200,8 @@ private:
                            "The damaged answer was taken for a good one."};
         }
         Report& fault = m_report.AddSection("fault", "");
-        fault.Add("timesSent", "times sent", Value::Integer(static_cast<std::int64_t>(times)));
+        fault.Add("timesSent", Worded(text::kLabelTimesSent),
+                  Value::Integer(static_cast<std::int64_t>(times)));
         Say("The status request was sent " + std::to_string(times) +
             " times, as the simulator counted them; the last answer was good: battery " +
             std::to_string(status.batteryPercent) + " %, " +
@@ -260,7 +263,7 @@ private:
             "  fieldcore-cli info --port /dev/ttyUSB0     a receiver of your own\n"
             "  fieldcore-cli status --port sim: --watch   a simulated one, every 2 seconds\n"
             "  fieldcore-cli files get '*' --port sim: --to DIR   its files, into a folder\n"
-            "  fieldcore-cli almanac get --port sim:      keep its almanac, for plans of your own\n"
+            "  fieldcore-cli almanac sample               a made-up almanac, to try plans with\n"
             "  fieldcore-cli plan --site 札幌              a day somewhere else\n"
             "  fieldcore-cli sim list                     what else can be simulated\n"
             "  fieldcore-cli doctor                       is this machine ready for the field");

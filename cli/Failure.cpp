@@ -1,12 +1,26 @@
 #include "cli/Failure.h"
+#include "cli/Wording.h"
 
 #include "core/platform/PortReport.h"
+#include "core/resources/StringTable.h"
 
+#include <array>
 #include <utility>
 
 namespace fieldcore::cli {
 
 namespace {
+
+/// What is wrong with a port; the report says it in English, and more of it.
+std::string WordsOf(const PortReport& report, const std::string& path)
+{
+    constexpr std::array kTexts{
+        text::kSayPortNotOpened,  text::kSayPortAbsent,    text::kSayPortUnplugged,
+        text::kSayPortNotADevice, text::kSayPortNotSerial, text::kSayPortNoHardware,
+        text::kSayPortNotAllowed, text::kSayPortLogin,     text::kSayPortInUse};
+    return IsEnglish() ? report.text
+                       : Worded(kTexts[static_cast<std::size_t>(report.trouble)], {path});
+}
 
 const char* CodeOf(PortTrouble trouble)
 {
@@ -34,6 +48,12 @@ const char* CodeOf(PortTrouble trouble)
 
 } // namespace
 
+std::string HintOf(const TerminalFault& said)
+{
+    const std::string hint = said.hint;
+    return IsEnglish() || hint.starts_with("fieldcore-cli") ? hint : "";
+}
+
 Failure UsageFailure(std::string message, std::string hint)
 {
     return {ExitCode::Usage, "usage", std::move(message), std::move(hint)};
@@ -55,6 +75,10 @@ Failure TextFailure(const std::filesystem::path& file, const TextError& error, s
 Failure RequestFailure(CommandFault fault, std::string detail)
 {
     const TerminalFault& said = MeaningOf(fault).terminal;
+    if (const int id = MeaningOf(fault).textId; id != 0 && !IsEnglish()) {
+        return {ExitCode{said.exitCode}, said.code, Worded(id), HintOf(said), "",
+                std::move(detail)};
+    }
     return {ExitCode{said.exitCode}, said.code, said.message, said.hint, "", std::move(detail)};
 }
 
@@ -62,8 +86,8 @@ Failure SendingFailure(std::string detail)
 {
     return {ExitCode::Failed,
             "port-sending",
-            "The receiver puts NMEA or corrections out over this port.",
-            "Stop the output at the receiver, or use another of its ports, then try again.",
+            Worded(text::kSayPortSending),
+            Worded(text::kSayPortSendingHint),
             "",
             std::move(detail)};
 }
@@ -72,7 +96,7 @@ Failure PortFailure(const std::string& path, int systemError, std::string detail
                     const SystemRoots& roots)
 {
     const PortReport report = ReportPort(path, systemError, roots);
-    return {ExitCode::NoPort, CodeOf(report.trouble), report.text, report.command, "",
+    return {ExitCode::NoPort, CodeOf(report.trouble), WordsOf(report, path), report.command, "",
             std::move(detail)};
 }
 

@@ -30,6 +30,9 @@ struct Failure
 [[nodiscard]] Failure TextFailure(const std::filesystem::path& file, const TextError& error,
                                   std::string hint = {});
 
+/// What to do about a fault. In Japanese the text of the fault says it, but for a command.
+[[nodiscard]] std::string HintOf(const TerminalFault& said);
+
 /// A request that failed on an open port.
 [[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);
 

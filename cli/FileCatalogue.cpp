@@ -2,9 +2,11 @@
 
 #include "cli/Utf8.h"
 #include "cli/Wildcard.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <chrono>
@@ -32,12 +34,10 @@ std::optional<Failure> FileCatalogue::CheckReceiver(bool deleted)
 {
     const std::uint32_t typeBefore = m_receiver.GetRecvTypeNum();
     if (typeBefore == 0 && m_receiver.OpenConnected() == 0) {
-        return Failure{ExitCode::Refused, "type-refused",
-                       "Receivers of this type have no files that this program could list."};
+        return Failure{ExitCode::Refused, "type-refused", Worded(text::kSayTypeFiles)};
     }
     if (deleted && !m_receiver.HasRecyclePage()) {
-        return Failure{ExitCode::Refused, "no-recycle-bin",
-                       "The firmware of this receiver deletes for good; it has no recycle bin."};
+        return Failure{ExitCode::Refused, "no-recycle-bin", Worded(text::kSayNoRecycleBin)};
     }
     return std::nullopt;
 }
@@ -56,7 +56,7 @@ std::optional<Failure> FileCatalogue::List(bool deleted)
     if (m_rows.Count() == 0 || m_receiver.ListFault() == CommandFault::Cancelled) {
         return failure;
     }
-    failure.message = "The list of the files is not whole. " + failure.message;
+    failure.message = Worded(text::kSayListNotWhole, {failure.message});
     m_incomplete = std::move(failure);
     return std::nullopt;
 }
@@ -90,8 +90,7 @@ std::optional<Failure> FileCatalogue::Choose(const std::vector<std::string>& pat
         return std::nullopt;
     }
     const std::string& pattern = patterns[static_cast<std::size_t>(unfit - hasFit.begin())];
-    return Failure{ExitCode::Failed, "no-such-file",
-                   "The receiver has no file that \"" + pattern + "\" fits.",
+    return Failure{ExitCode::Failed, "no-such-file", Worded(text::kSayNoSuchFile, {pattern}),
                    "fieldcore-cli files ls"};
 }
 

@@ -2,11 +2,13 @@
 
 #include "cli/Utf8.h"
 #include "cli/Wildcard.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/AmountTexts.h"
 #include "core/equipment/FileRunner.h"
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <chrono>
@@ -67,17 +69,23 @@ std::string NameOf(const PlannedFile& file)
     return ToUtf8(file.record.Name());
 }
 
+std::string MessageOf(const PlannedFile& file)
+{
+    return IsEnglish() ? file.Terminal().message : ToUtf8(file.CauseText());
+}
+
 /// What is said of a file that was not done.
 std::string Said(const PlannedFile& file)
 {
     if (file.nameFault != NameFault::None) {
-        return "\"" + NameOf(file) + "\" " + MeaningOf(file.nameFault).words + ".";
+        return IsEnglish() ? "\"" + NameOf(file) + "\" " + MeaningOf(file.nameFault).words + "."
+                           : NameOf(file) + ": " + MessageOf(file);
     }
     if (file.outcome == FileOutcome::FolderRefused &&
         file.start.reason == AnewReason::NotOurs) { // somebody else's
         return file.path.string() + ".part is in the way and cannot be removed.";
     }
-    return NameOf(file) + ": " + file.Terminal().message;
+    return NameOf(file) + ": " + MessageOf(file);
 }
 
 std::string Counted(std::size_t count)
@@ -105,8 +113,7 @@ std::optional<Failure> FilesWork::Begin(bool deleted)
         failure = m_catalogue->List(deleted);
     }
     if (!failure && m_catalogue->Receiver().HasMore()) {
-        Warn("The receiver has more files; these are the first " + std::to_string(kMostFiles) +
-             ". Delete some to see the others.");
+        Warn(Worded(text::kSayMoreFiles, {std::to_string(kMostFiles)}));
     }
     if (!failure && m_catalogue->Incomplete()) {
         Warn(m_catalogue->Incomplete()->message);
@@ -132,28 +139,30 @@ ExitCode FilesWork::List()
     if (failure) {
         return m_context.output.Failed(*failure);
     }
-    Report::Table table{
-        "files",
-        m_options.deleted ? "The recycle bin is empty." : "There are no files.",
-        {{"name", "NAME"}, {"sizeBytes", "SIZE"}, {"time", "TIME"}, {"state", "STATE"}},
-        {}};
+    Report::Table table{"files",
+                        m_options.deleted ? Worded(text::kSayBinEmpty) : Worded(text::kSayNoFiles),
+                        {{"name", Worded(text::kHeadName)},
+                         {"sizeBytes", Worded(text::kHeadSize)},
+                         {"time", Worded(text::kHeadTime)},
+                         {"state", Worded(text::kHeadState)}},
+                        {}};
     std::int64_t total = 0;
     for (const PlannedFile& file : m_plan.files) {
-        const Value state = m_options.deleted ? Value::Word("deleted", "deleted")
+        const Value state = m_options.deleted ? Value::Word("deleted", Worded(text::kWordDeleted))
                             : file.outcome == FileOutcome::BeingLogged
-                                ? Value::Word("logging", "being logged")
-                                : Value::Word("live", "live");
+                                ? Value::Word("logging", Worded(text::kWordBeingLogged))
+                                : Value::Word("live", Worded(text::kWordLive));
         table.rows.push_back({Value::Text(NameOf(file)), Value::Integer(file.record.size, "B"),
                               FileCatalogue::TimeOf(file.record), state});
         total += file.record.size;
     }
     Report report;
     report.AddTable(std::move(table));
-    report.Add("fileCount", "files",
+    report.Add("fileCount", Worded(text::kLabelFiles),
                Value::Integer(static_cast<std::int64_t>(m_plan.files.size())));
-    report.Add("totalBytes", "in all", Value::Integer(total, "B"));
+    report.Add("totalBytes", Worded(text::kLabelInAll), Value::Integer(total, "B"));
     if (m_catalogue->Receiver().HasMore()) {
-        report.Add("more", "and more", Value::YesNo(true));
+        report.Add("more", Worded(text::kLabelAndMore), Value::YesNo(true));
     }
     return End(report, std::nullopt);
 }
@@ -189,13 +198,10 @@ std::optional<Failure> FilesWork::Plan()
 {
     ReceiverFiles& receiver = m_catalogue->Receiver();
     if (m_plan.action == FileAction::Fetch && !receiver.CanDownload()) {
-        return Failure{ExitCode::Refused, "type-refused",
-                       "The files of a receiver of the Pica family cannot be fetched over its "
-                       "port."};
+        return Failure{ExitCode::Refused, "type-refused", Worded(text::kSayPicaFetch)};
     }
     if (m_plan.action == FileAction::Delete && m_options.deleted && !receiver.CanDeleteRecycled()) {
-        return Failure{ExitCode::Refused, "type-refused",
-                       "A receiver of the Pica family does not let its recycle bin be emptied."};
+        return Failure{ExitCode::Refused, "type-refused", Worded(text::kSayPicaBin)};
     }
     m_plan.folder = m_options.folder;
     m_plan.makesFolder = true;
@@ -210,11 +216,10 @@ std::optional<Failure> FilesWork::Plan()
         };
         if (isLogging && std::any_of(m_options.patterns.begin(), m_options.patterns.end(), names)) {
             return Failure{ExitCode::Failed, "file-logging",
-                           NameOf(file) + " is being logged; nothing was done.",
-                           "End the logging, or choose by a pattern, which leaves it out."};
+                           Worded(text::kSayLogging, {NameOf(file)}), Worded(text::kSayEndLogging)};
         }
         if (isLogging || file.outcome == FileOutcome::NameRefused) {
-            Warn(Said(file) + " It is left out.");
+            Warn(Worded(text::kSayLeftOut, {Said(file)}));
         }
     }
     if (m_options.onlyNew) {
@@ -264,7 +269,7 @@ std::optional<Failure> FilesWork::Agree()
     list += names.size() > kShown ? " and " + std::to_string(names.size() - kShown) + " more" : "";
     if (fetches) {
         return Ask("Replace " + list + "?", "There is " + list + " already",
-                   "--yes to replace, --new to fetch only what is not there");
+                   Worded(text::kSayReplaceHint));
     }
     const std::string size = ToUtf8(ByteCountText(m_plan.Bytes(FileOutcome::Planned)));
     std::string question =
@@ -276,7 +281,7 @@ std::optional<Failure> FilesWork::Agree()
                               (missing == 1 ? "was" : "were") + " never fetched to this machine.";
     }
     return Ask(question, "This deletes " + Counted(names.size()) + " for good",
-               "--yes to do it all the same, --dry-run to see which");
+               Worded(text::kSayYesWhich));
 }
 
 void FilesWork::Work()
@@ -292,9 +297,17 @@ void FilesWork::Work()
             m_context.output.Progress(NameOf(file));
             return;
         }
-        const std::string start = TransferStartWords(file.start);
-        if (!start.empty() && file.outcome != FileOutcome::FolderRefused) {
-            m_context.output.Message("note", "", NameOf(file) + " " + start + ".", Colour::Plain);
+        const TransferStart& start = file.start;
+        const bool isAnew = start.continuedAt == 0 && start.reason != AnewReason::None;
+        if ((start.continuedAt > 0 || isAnew) && file.outcome != FileOutcome::FolderRefused) {
+            const AnewMeaning& meaning = MeaningOf(start.reason);
+            m_context.output.Message(
+                "note", "",
+                isAnew ? Worded(text::kSayAnew,
+                                {NameOf(file), WordedOr(meaning.words, meaning.textId)})
+                       : Worded(text::kSayContinued,
+                                {NameOf(file), std::to_string(start.continuedAt)}),
+                Colour::Plain);
         }
     };
     FileRunner(m_catalogue->Receiver(), m_plan, around).Run();
@@ -306,13 +319,13 @@ Failure FilesWork::WhyNot(const PlannedFile& file)
         return RequestFailure(file.fault, "");
     }
     const TerminalFault& said = file.Terminal();
-    Failure failure{ExitCode{said.exitCode}, said.code, Said(file), said.hint};
+    Failure failure{ExitCode{said.exitCode}, said.code, Said(file), HintOf(said)};
     if (file.outcome == FileOutcome::RequestFailed && file.fault == m_session.Command().Fault()) {
         failure = m_session.RequestFailed();
         failure.message = NameOf(file) + ": " + failure.message;
     }
     if (m_plan.action != FileAction::Fetch && !file.WasAnswered()) {
-        failure.hint = "fieldcore-cli files ls   shows what has become of it";
+        failure.hint = Worded(text::kSayFileChanged);
     }
     if (file.error) {
         failure.message +=
@@ -328,42 +341,56 @@ std::string FilesWork::DoneWord() const
                                                  : "recovered";
 }
 
+std::string FilesWork::DoneLabel() const
+{
+    return Worded(m_plan.action == FileAction::Fetch    ? text::kLabelFetched
+                  : m_plan.action == FileAction::Delete ? text::kWordDeleted
+                                                        : text::kWordRecovered);
+}
+
 Value FilesWork::StateOf(const PlannedFile& file) const
 {
     const bool fetches = m_plan.action == FileAction::Fetch;
     switch (file.outcome) {
     case FileOutcome::Planned:
-        return Value::Word("planned", "would be " + DoneWord());
+        return Value::Word("planned",
+                           Worded(m_plan.action == FileAction::Fetch    ? text::kSayWouldFetch
+                                  : m_plan.action == FileAction::Delete ? text::kSayWouldDelete
+                                                                        : text::kSayWouldRecover));
     case FileOutcome::Done:
-        return Value::Word(DoneWord(), DoneWord());
+        return Value::Word(DoneWord(), DoneLabel());
     case FileOutcome::AlreadyThere:
-        return Value::Word("already-there", "already there");
+        return Value::Word("already-there", Worded(text::kWordAlreadyThere));
     case FileOutcome::BeingLogged:
-        return Value::Word("logging", "being logged, left out");
+        return Value::Word("logging", Worded(text::kWordBeingLoggedLeftOut));
     case FileOutcome::NameRefused:
-        return fetches ? Value::Word("unsafe-name", "name not kept here, left out")
-                       : Value::Word("odd-name", "odd name, left out");
+        return fetches ? Value::Word("unsafe-name", Worded(text::kWordNameNotKeptHereLeftOut))
+                       : Value::Word("odd-name", Worded(text::kWordOddNameLeftOut));
     case FileOutcome::NotReached:
-        return fetches ? Value::Word("not-fetched", "not fetched")
-                       : Value::Word("not-reached", "not reached");
+        return fetches ? Value::Word("not-fetched", Worded(text::kWordNotFetched))
+                       : Value::Word("not-reached", Worded(text::kWordNotReached));
     default:
         break;
     }
     if (fetches) {
-        return Value::Word("not-fetched", std::string("not fetched: ") + file.Terminal().message);
+        return Value::Word("not-fetched", Worded(text::kSayNotFetched, {MessageOf(file)}));
     }
-    return file.fault == CommandFault::Refused ? Value::Word("refused", "refused")
-           : file.WasAnswered()                ? Value::Word("failed", file.Terminal().message)
-                                : Value::Word("unanswered", "no answer, may be done");
+    return file.fault == CommandFault::Refused ? Value::Word("refused", Worded(text::kWordRefused))
+           : file.WasAnswered()                ? Value::Word("failed", MessageOf(file))
+                                : Value::Word("unanswered", Worded(text::kWordNoAnswerMayBeDone));
 }
 
 Report FilesWork::Result() const
 {
     const bool fetches = m_plan.action == FileAction::Fetch;
-    Report::Table table{
-        "files", "", {{"name", "NAME"}, {"sizeBytes", "SIZE"}, {"state", "STATE"}}, {}};
+    Report::Table table{"files",
+                        "",
+                        {{"name", Worded(text::kHeadName)},
+                         {"sizeBytes", Worded(text::kHeadSize)},
+                         {"state", Worded(text::kHeadState)}},
+                        {}};
     if (fetches) {
-        table.columns.push_back({"file", "FILE"});
+        table.columns.push_back({"file", Worded(text::kHeadFile)});
     }
     for (const PlannedFile& file : m_plan.files) {
         table.rows.push_back(
@@ -376,10 +403,10 @@ Report FilesWork::Result() const
     }
     Report report;
     report.AddTable(std::move(table));
-    report.Add(DoneWord() + "Count", DoneWord(), Value::Integer(m_plan.Count(FileOutcome::Done)));
+    report.Add(DoneWord() + "Count", DoneLabel(), Value::Integer(m_plan.Count(FileOutcome::Done)));
     if (fetches) {
         const auto bytes = static_cast<std::int64_t>(m_plan.Bytes(FileOutcome::Done));
-        report.Add("fetchedBytes", "in all", Value::Integer(bytes, "B"));
+        report.Add("fetchedBytes", Worded(text::kLabelInAll), Value::Integer(bytes, "B"));
     }
     return report;
 }

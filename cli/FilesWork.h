@@ -49,6 +49,7 @@ private:
     void Work();
     [[nodiscard]] Failure WhyNot(const PlannedFile& file);
     [[nodiscard]] std::string DoneWord() const;
+    [[nodiscard]] std::string DoneLabel() const;
     [[nodiscard]] Value StateOf(const PlannedFile& file) const;
     [[nodiscard]] Report Result() const;
     ExitCode End(const Report& report, std::optional<Failure> failure);

@@ -4,11 +4,13 @@
 #include "cli/GeoInput.h"
 #include "cli/Options.h"
 #include "cli/Report.h"
+#include "cli/Wording.h"
 
 #include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PlaneRectangular.h"
 #include "core/planning/TokyoDatum.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cmath>
@@ -86,7 +88,8 @@ void AddPlace(Report& report, const GeodeticPosition& place, const GeoOptions& o
 {
     AddAngle(report, "latitude", "latitude", place.latitudeRad, options.packed);
     AddAngle(report, "longitude", "longitude", place.longitudeRad, options.packed);
-    report.Add("heightM", "ellipsoidal height", Value::Real(place.heightM, kMetreDecimals, "m"));
+    report.Add("heightM", Worded(text::kLabelEllipsoidalHeight),
+               Value::Real(place.heightM, kMetreDecimals, "m"));
 }
 
 ExitCode ToEcef(const Context& context, const GeoOptions& options)
@@ -97,7 +100,7 @@ ExitCode ToEcef(const Context& context, const GeoOptions& options)
     }
     const Ecef point = EcefOfGeodetic(place, options.ellipsoid).value_or(Ecef{});
     Report report;
-    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
+    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
     report.Add("xM", "X", Value::Real(point.x, kMetreDecimals, "m"));
     report.Add("yM", "Y", Value::Real(point.y, kMetreDecimals, "m"));
     report.Add("zM", "Z", Value::Real(point.z, kMetreDecimals, "m"));
@@ -126,7 +129,7 @@ ExitCode ToGeodetic(const Context& context, const GeoOptions& options)
         return context.output.Failed(*failure);
     }
     Report report;
-    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
+    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
     AddPlace(report, *place, options);
     return context.output.Done(report);
 }
@@ -178,13 +181,16 @@ ExitCode ToPlane(const Context& context, const GeoOptions& options)
     }
     const double convergence = DegreesOf(plane->convergenceRad);
     Report report;
-    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
-    report.Add("zone", "zone", Value::Integer(options.zone));
-    report.Add("xM", "x, north", Value::Real(plane->position.xM, kMetreDecimals, "m"));
-    report.Add("yM", "y, east", Value::Real(plane->position.yM, kMetreDecimals, "m"));
-    report.Add("convergenceDeg", "meridian convergence", Value::Real(convergence, 8, "deg"));
+    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
+    report.Add("zone", Worded(text::kLabelZone), Value::Integer(options.zone));
+    report.Add("xM", Worded(text::kLabelXNorth),
+               Value::Real(plane->position.xM, kMetreDecimals, "m"));
+    report.Add("yM", Worded(text::kLabelYEast),
+               Value::Real(plane->position.yM, kMetreDecimals, "m"));
+    report.Add("convergenceDeg", Worded(text::kLabelMeridianConvergence),
+               Value::Real(convergence, 8, "deg"));
     report.Add("convergenceDms", "", Value::Text(SexagesimalText(convergence, 2)));
-    report.Add("scaleFactor", "scale factor", Value::Real(plane->scaleFactor, 8));
+    report.Add("scaleFactor", Worded(text::kLabelScaleFactor), Value::Real(plane->scaleFactor, 8));
     return context.output.Done(report);
 }
 
@@ -205,8 +211,8 @@ ExitCode FromPlane(const Context& context, const GeoOptions& options)
             UsageFailure("There is no such place.", "x is to the north, y to the east, in metres"));
     }
     Report report;
-    report.Add("ellipsoid", "ellipsoid", EllipsoidValue(options.ellipsoid));
-    report.Add("zone", "zone", Value::Integer(options.zone));
+    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
+    report.Add("zone", Worded(text::kLabelZone), Value::Integer(options.zone));
     AddAngle(report, "latitude", "latitude", place->latitudeRad, options.packed);
     AddAngle(report, "longitude", "longitude", place->longitudeRad, options.packed);
     return context.output.Done(report);
@@ -225,9 +231,9 @@ ExitCode ChangeDatum(const Context& context, const GeoOptions& options)
                                                   "-100000 to 100000000 m in both datums"));
     }
     Report report;
-    report.Add("datum", "datum",
+    report.Add("datum", Worded(text::kLabelDatum),
                toJgd ? Value::Word("jgd", "JGD2000") : Value::Word("tokyo", "Tokyo datum"));
-    report.Add("ellipsoid", "ellipsoid",
+    report.Add("ellipsoid", Worded(text::kLabelEllipsoid),
                EllipsoidValue(toJgd ? Ellipsoid::Grs80 : Ellipsoid::Bessel1841));
     AddPlace(report, *other, options);
     return context.output.Done(report);
@@ -241,11 +247,11 @@ ExitCode ShowAngle(const Context& context, const GeoOptions& options)
     }
     const double degrees = *angle.degrees;
     Report report;
-    report.Add("deg", "degrees", Value::Real(degrees, kDegreeDecimals, "deg"));
-    report.Add("dms", "degrees, minutes, seconds",
+    report.Add("deg", Worded(text::kLabelDegrees), Value::Real(degrees, kDegreeDecimals, "deg"));
+    report.Add("dms", Worded(text::kLabelDegreesMinutesSeconds),
                Value::Text(SexagesimalText(degrees, kSecondDecimals)));
     report.Add("ddmmss", "DD.MMSSsss", Value::Text(PackedText(degrees, kSecondDecimals)));
-    report.Add("rad", "radians", Value::Exact(RadiansOf(degrees), "rad"));
+    report.Add("rad", Worded(text::kLabelRadians), Value::Exact(RadiansOf(degrees), "rad"));
     return context.output.Done(report);
 }
 

@@ -1,9 +1,11 @@
 #include "cli/Command.h"
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/link/ComPrmSet.h"
 #include "core/link/ReceiverTypes.h"
+#include "core/resources/StringTable.h"
 
 #include <memory>
 #include <string>
@@ -16,25 +18,27 @@ namespace {
 
 Value ParityValue(int code)
 {
-    return code == 2   ? Value::Word("even", "even")
-           : code == 1 ? Value::Word("odd", "odd")
-                       : Value::Word("none", "none");
+    return code == 2   ? Value::Word("even", Worded(text::kWordEven))
+           : code == 1 ? Value::Word("odd", Worded(text::kWordOdd))
+                       : Value::Word("none", Worded(text::kWordNone));
 }
 
 void AddRecord(Report& report, const IdentificationRecord& record)
 {
     const ReceiverType* const type = FindReceiverType(record.typeNumber);
     const wchar_t* const model = type != nullptr ? type->model : nullptr;
-    report.Add("model", "model",
+    report.Add("model", Worded(text::kLabelModel),
                model != nullptr ? Value::Text(std::wstring_view(model)) : Value::Unknown());
-    report.Add("typeNumber", "type number", Value::Integer(record.typeNumber));
-    report.Add("navigationFirmware", "navigation firmware", Value::Real(record.version, 2));
-    report.Add("port", "port of the receiver", Value::Integer(record.port));
-    report.Add("baudRate", "rate", Value::Integer(record.baudRate, "bit/s"));
-    report.Add("dataBits", "data bits", Value::Integer(record.byteSize));
-    report.Add("parity", "parity", ParityValue(record.parity));
-    report.Add("stopBits", "stop bits", Value::Integer(record.stopBits == 2 ? 2 : 1));
-    report.Add("flowControl", "flow control", Value::YesNo(record.flowControl));
+    report.Add("typeNumber", Worded(text::kLabelTypeNumber), Value::Integer(record.typeNumber));
+    report.Add("navigationFirmware", Worded(text::kLabelNavigationFirmware),
+               Value::Real(record.version, 2));
+    report.Add("port", Worded(text::kLabelPortOfTheReceiver), Value::Integer(record.port));
+    report.Add("baudRate", Worded(text::kLabelRate), Value::Integer(record.baudRate, "bit/s"));
+    report.Add("dataBits", Worded(text::kLabelDataBits), Value::Integer(record.byteSize));
+    report.Add("parity", Worded(text::kLabelParity), ParityValue(record.parity));
+    report.Add("stopBits", Worded(text::kLabelStopBits),
+               Value::Integer(record.stopBits == 2 ? 2 : 1));
+    report.Add("flowControl", Worded(text::kLabelFlowControl), Value::YesNo(record.flowControl));
 }
 
 struct Options : PortOptions
@@ -58,7 +62,7 @@ ExitCode Run(const Context& context, const Options& options)
     AddRecord(report, record);
     if (options.search) {
         const std::uint32_t rate = session.Target().settings.baudRate;
-        report.Add("answersAt", "answers at", Value::Integer(rate, "bit/s"));
+        report.Add("answersAt", Worded(text::kLabelAnswersAt), Value::Integer(rate, "bit/s"));
         SettingsRoots roots{Folders(context.world.folders)};
         if (options.store && !context.dryRun &&
             (!roots.Store(RootKey::CurrentUser).IsKept() || SetLinkRate(rate, roots) == 0)) {
@@ -67,9 +71,10 @@ ExitCode Run(const Context& context, const Options& options)
                     " cannot be written, or nothing but --baud has it.",
                 "fieldcore-cli doctor"));
         }
-        report.Add("stored", "stored", Value::YesNo(options.store && !context.dryRun));
+        report.Add("stored", Worded(text::kLabelStored),
+                   Value::YesNo(options.store && !context.dryRun));
     }
-    return context.output.Done(report);
+    return options.store ? Kept(context, report) : context.output.Done(report);
 }
 
 } // namespace

@@ -2,10 +2,12 @@
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/link/Connect.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/link/RecvInfo.h"
+#include "core/resources/StringTable.h"
 
 #include <memory>
 
@@ -19,14 +21,14 @@ Failure NotAccepted(const CRecvInfo& info)
     const ReceiverType* const type = FindReceiverType(number);
     if (type == nullptr || !type->canBeSupported) {
         return {ExitCode::Refused, "type-refused",
-                "Receivers of type " + std::to_string(number) + " are not supported."};
+                Worded(text::kSayTypeRefused, {std::to_string(number)})};
     }
     return {ExitCode::Refused,
             "firmware-refused",
-            "The firmware " + Value::Real(info.GetNavVer(), 2).Words() +
-                " is older than the lowest that is supported for type " + std::to_string(number) +
-                ", " + Value::Real(MinimumNavVersion(number), 2).Words() + ".",
-            "Have the receiver's firmware updated.",
+            Worded(text::kSayFirmwareRefused,
+                   {Value::Real(info.GetNavVer(), 2).Words(), std::to_string(number),
+                    Value::Real(MinimumNavVersion(number), 2).Words()}),
+            Worded(text::kSayUpdateFirmware),
             "",
             ""};
 }

@@ -1,6 +1,9 @@
 #include "cli/Output.h"
 
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <ostream>
 #include <utility>
@@ -116,7 +119,7 @@ ExitCode Output::Done(const Report& report, std::string_view words)
     TellPosted();
     Progress("");
     if (m_isDryRun) {
-        Note("This was a dry run: nothing was changed.");
+        Note(Worded(text::kSayDryRun));
     }
     if (m_json) {
         WriteJson(&report, nullptr);
@@ -138,10 +141,10 @@ ExitCode Output::Failed(const Failure& failure, const Report* partial)
     std::string text = Paint("fieldcore-cli: ", Colour::Red, m_world.errIsTerminal);
     text += Printable(failure.message) + "\n";
     if (!failure.step.empty()) {
-        text += "  while: " + failure.step + "\n";
+        text += Worded(text::kSayWhile, {failure.step});
     }
     if (!failure.hint.empty()) {
-        text += "  try:   " + PrintableLines(failure.hint);
+        text += Worded(text::kSayTry) + PrintableLines(failure.hint);
     }
     if (!failure.detail.empty()) {
         text += "  (" + Printable(failure.detail) + ")\n";

@@ -2,6 +2,7 @@
 #include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
+#include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
 #include "core/planning/AlmanacStore.h"
@@ -61,18 +62,14 @@ void WarnOfAge(Output& output, const ObservationPlan& plan)
     }
     output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
                    ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
-    output.Note("The almanac is " + Value::Real(state.ageDays, 1).Words() +
-                " days older than the plan. Get a new one: fieldcore-cli almanac get --port PORT");
+    output.Note(Worded(text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}));
 }
 
 void WarnOfSource(Output& output, const ObservationPlan& plan)
 {
     const AlmanacSource& source = plan.Calc().Source();
     if (source.origin == AlmanacOrigin::Nominal) {
-        output.Message("warning", "",
-                       ToUtf8(SourceText(source)) +
-                           ": the almanac is made up. It shows how many satellites there are, not "
-                           "where a real one is.",
+        output.Message("warning", "", Worded(text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}),
                        Colour::Yellow);
     }
 }
@@ -92,11 +89,8 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     }
     if (options.almanac.empty() &&
         AlmanacStore(request.folder).PutNominal(context.world.clock->Utc())) {
-        context.output.Message("warning", "",
-                               "There was no almanac. A nominal one (sample) was put in its place: "
-                               "fit to try things, not to plan a survey.",
-                               Colour::Yellow);
-        context.output.Note("Get a real one: fieldcore-cli almanac get --port PORT");
+        context.output.Message("warning", "", Worded(text::kSayAlmanacPut), Colour::Yellow);
+        context.output.Note(Worded(text::kSayGetAlmanac));
     }
     ObservationPlan plan;
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
@@ -205,19 +199,20 @@ ExitCode Sites(const Context& context)
 {
     Report::Table table{"sites",
                         "",
-                        {{"name", "SITE"},
-                         {"latitudeDeg", "LATITUDE"},
-                         {"longitudeDeg", "LONGITUDE"},
-                         {"heightM", "HEIGHT"},
-                         {"source", "FROM"}},
+                        {{"name", Worded(text::kHeadSite)},
+                         {"latitudeDeg", Worded(text::kHeadLatitude)},
+                         {"longitudeDeg", Worded(text::kHeadLongitude)},
+                         {"heightM", Worded(text::kHeadHeight)},
+                         {"source", Worded(text::kHeadFrom)}},
                         {}};
     for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
         table.rows.push_back({Value::Text(std::wstring_view(site.name)),
                               Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg"),
                               Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg"),
                               Value::Real(site.observer.heightM, 1, "m"),
-                              site.isSample ? Value::Word("sample", "comes with the program")
-                                            : Value::Word("file", "your site file")});
+                              site.isSample
+                                  ? Value::Word("sample", Worded(text::kWordComesWithTheProgram))
+                                  : Value::Word("file", Worded(text::kWordYourSiteFile))});
     }
     Report report;
     report.AddTable(std::move(table));

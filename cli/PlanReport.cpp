@@ -1,11 +1,13 @@
 #include "cli/PlanReport.h"
 
 #include "cli/AlmanacReport.h"
+#include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>
@@ -61,7 +63,7 @@ Report::Table OverviewTable(const ObservationPlan& plan)
     Report::Table table{"samples",
                         "",
                         {{"time", "JST"},
-                         {"satellites", "SATELLITES"},
+                         {"satellites", Worded(text::kHeadSatellites)},
                          {"pdop", "PDOP"},
                          {"gdop", "GDOP"},
                          {"tdop", "TDOP"}},
@@ -86,12 +88,12 @@ Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
     const auto& name = kNames[isCount ? 0
                                       : static_cast<std::size_t>(graph) -
                                             static_cast<std::size_t>(PlanGraph::Pdop)];
-    Report::Table table{
-        "samples",
-        "",
-        {{"time", "JST"},
-         isCount ? Report::Column{"satellites", "SATELLITES"} : Report::Column{name[0], name[1]}},
-        {}};
+    Report::Table table{"samples",
+                        "",
+                        {{"time", "JST"},
+                         isCount ? Report::Column{"satellites", Worded(text::kHeadSatellites)}
+                                 : Report::Column{name[0], name[1]}},
+                        {}};
     for (int k = 0; k < plan.Division(); ++k) {
         table.rows.push_back(
             {JstValue(plan.Computed(), EpochOfSample(graph, k)),
@@ -103,11 +105,13 @@ Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
 
 Report::Table TracksTable(const ObservationPlan& plan)
 {
-    Report::Table table{
-        "samples",
-        "",
-        {{"time", "JST"}, {"prn", "PRN"}, {"azimuthDeg", "AZIMUTH"}, {"elevationDeg", "ELEVATION"}},
-        {}};
+    Report::Table table{"samples",
+                        "",
+                        {{"time", "JST"},
+                         {"prn", "PRN"},
+                         {"azimuthDeg", Worded(text::kHeadAzimuth)},
+                         {"elevationDeg", Worded(text::kHeadElevation)}},
+                        {}};
     for (int k = 0; k <= plan.Division(); ++k) {
         for (int index = 0; index < kMaxPrn; ++index) {
             if (const std::optional<SkyDirection> direction = plan.DirectionAt(index, k)) {
@@ -155,11 +159,14 @@ std::string ChartWords(const ObservationPlan& plan, std::optional<PlanGraph> gra
 /// When each satellite is up, and how high it comes.
 std::string TrackWords(const ObservationPlan& plan)
 {
-    Report::Table table{
-        "",
-        "No satellite is up.",
-        {{"", "PRN"}, {"", "FROM JST"}, {"", "TO JST"}, {"", "HIGHEST"}, {"", "UP"}},
-        {}};
+    Report::Table table{"",
+                        Worded(text::kSayNoneUp),
+                        {{"", "PRN"},
+                         {"", Worded(text::kHeadFromJst)},
+                         {"", Worded(text::kHeadToJst)},
+                         {"", Worded(text::kHeadHighest)},
+                         {"", Worded(text::kHeadUp)}},
+                        {}};
     for (int index = 0; index < kMaxPrn; ++index) {
         std::string line;
         int first = -1;
@@ -203,12 +210,12 @@ std::string BestWords(const ObservationPlan& plan, const WindowLimits& limits)
 {
     const std::optional<PlanWindow> best = BestWindow(plan, limits);
     if (!best) {
-        return "best window: none with " + LimitWords(limits);
+        return Worded(text::kSayBestNone, {LimitWords(limits)});
     }
-    return "best window: " + plan.Computed().ClockText(best->first) + " to " +
-           plan.Computed().ClockText(best->last) + " JST, at least " +
-           std::to_string(best->fewestSatellites) + " satellites, PDOP " +
-           Value::Real(best->highestPdop, 1).Words() + " at most";
+    return Worded(text::kSayBest,
+                  {plan.Computed().ClockText(best->first), plan.Computed().ClockText(best->last),
+                   std::to_string(best->fewestSatellites),
+                   Value::Real(best->highestPdop, 1).Words()});
 }
 
 std::string Coordinates(const Observer& observer)
@@ -238,10 +245,8 @@ Value TimeValue(std::chrono::sys_seconds time)
 
 std::string AgeWords(const AlmanacState& almanac)
 {
-    const auto days = [](double count) { return Value::Real(count, 1).Words() + " days"; };
-    return days(std::abs(almanac.ageDays)) + (almanac.ageDays < 0.0
-                                                  ? " after the start of the plan"
-                                                  : " before the start of the plan");
+    return Worded(almanac.ageDays < 0.0 ? text::kSayDaysAfter : text::kSayDaysBefore,
+                  {Value::Real(std::abs(almanac.ageDays), 1).Words()});
 }
 
 } // namespace
@@ -251,29 +256,33 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
 {
     const PlanPeriod& period = plan.Computed();
     Report report;
-    report.Add("site", "site", Value::Text(std::wstring_view(site.name)));
-    report.Add("latitudeDeg", "latitude", Value::Real(DegreesOf(site.observer.latitudeRad), 8));
-    report.Add("longitudeDeg", "longitude", Value::Real(DegreesOf(site.observer.longitudeRad), 8));
-    report.Add("heightM", "height", Value::Real(site.observer.heightM, 3));
-    report.Add("date", "date", Value::Text(DateOf(period.JstText(0))));
-    report.Add("from", "from", Value::Text(period.JstText(0)));
-    report.Add("to", "to", Value::Text(period.JstText(plan.Division())));
-    report.Add("intervalMinutes", "interval", Value::Integer(period.Interval().count()));
-    report.Add("maskDeg", "mask", Value::Integer(request.maskDeg));
-    report.Add("hasCurtain", "curtain", Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
-    Report& almanac = report.AddSection("almanac", "almanac");
+    report.Add("site", Worded(text::kLabelSite), Value::Text(std::wstring_view(site.name)));
+    report.Add("latitudeDeg", Worded(text::kLabelLatitude),
+               Value::Real(DegreesOf(site.observer.latitudeRad), 8));
+    report.Add("longitudeDeg", Worded(text::kLabelLongitude),
+               Value::Real(DegreesOf(site.observer.longitudeRad), 8));
+    report.Add("heightM", Worded(text::kLabelHeight), Value::Real(site.observer.heightM, 3));
+    report.Add("date", Worded(text::kLabelDate), Value::Text(DateOf(period.JstText(0))));
+    report.Add("from", Worded(text::kLabelFrom), Value::Text(period.JstText(0)));
+    report.Add("to", Worded(text::kLabelTo), Value::Text(period.JstText(plan.Division())));
+    report.Add("intervalMinutes", Worded(text::kLabelInterval),
+               Value::Integer(period.Interval().count()));
+    report.Add("maskDeg", Worded(text::kLabelMask), Value::Integer(request.maskDeg));
+    report.Add("hasCurtain", Worded(text::kLabelCurtain),
+               Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
+    Report& almanac = report.AddSection("almanac", Worded(text::kLabelAlmanac));
     AddAlmanacSummary(almanac, plan.Calc(), period.Start());
-    report.Add("kind", "kind", Value::Text(std::string(KindOf(graph))));
+    report.Add("kind", Worded(text::kLabelKind), Value::Text(std::string(KindOf(graph))));
     report.AddTable(Samples(plan, graph));
     if (const std::optional<PlanWindow> best = BestWindow(plan, request.settings.limits)) {
-        Report& window = report.AddSection("bestWindow", "best window");
+        Report& window = report.AddSection("bestWindow", Worded(text::kLabelBestWindow));
         const std::vector<Report::Column> columns = WindowColumns();
         std::vector<Value> row = WindowRow(plan, site, *best);
         for (std::size_t at = 2; at < columns.size(); ++at) { // site and date stand above
             window.Add(columns[at].key, columns[at].label, std::move(row[at]));
         }
     } else {
-        report.Add("bestWindow", "best window", Value::Unknown());
+        report.Add("bestWindow", Worded(text::kLabelBestWindow), Value::Unknown());
     }
     return report;
 }
@@ -287,37 +296,38 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
     const std::string end = period.ClockText(plan.Division());
     const std::string lastDay = DateOf(period.JstText(plan.Division()));
     const bool passesMidnight = end != "24:00" && lastDay != DateOf(period.JstText(0));
-    words += DateOf(period.JstText(0)) + ", " + period.ClockText(0) + " to " +
-             (passesMidnight ? lastDay + ", " : "") + end + " JST every " +
-             std::to_string(period.Interval().count()) + " minutes, mask " +
-             std::to_string(request.maskDeg) + " degrees, " +
-             (HasObstruction(plan.Calc().GetCurtain()) ? "with the curtain" : "no curtain") + "\n";
-    words += "almanac of " + TimeValue(almanac.time).Words() + " GPS time, " + AgeWords(almanac) +
-             ", " + std::to_string(almanac.satellites) + " satellites, " +
-             std::to_string(almanac.healthy) + " healthy; from " +
-             SourceValue(almanac.source).Words() +
-             (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name)) + "\n\n";
+    const bool hasCurtain = HasObstruction(plan.Calc().GetCurtain());
+    words += Worded(text::kSayPlanHead,
+                    {DateOf(period.JstText(0)), period.ClockText(0),
+                     (passesMidnight ? lastDay + ", " : "") + end,
+                     std::to_string(period.Interval().count()), std::to_string(request.maskDeg),
+                     Worded(hasCurtain ? text::kSayWithCurtain : text::kSayNoCurtain)});
+    words += Worded(text::kSayPlanAlmanac,
+                    {TimeValue(almanac.time).Words(), AgeWords(almanac),
+                     std::to_string(almanac.satellites), std::to_string(almanac.healthy),
+                     SourceValue(almanac.source).Words() +
+                         (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name))});
     words += graph && IsTracks(*graph) ? TrackWords(plan) : ChartWords(plan, graph);
     return words + "\n" + BestWords(plan, request.settings.limits) + "\n";
 }
 
 std::vector<Report::Column> WindowColumns()
 {
-    return {{"site", "SITE"},
-            {"date", "DATE"},
-            {"from", "FROM JST"},
-            {"to", "TO JST"},
-            {"hours", "HOURS"},
-            {"minutes", "MINUTES"},
-            {"fewestSatellites", "SATELLITES"},
+    return {{"site", Worded(text::kHeadSite)},
+            {"date", Worded(text::kHeadDate)},
+            {"from", Worded(text::kHeadFromJst)},
+            {"to", Worded(text::kHeadToJst)},
+            {"hours", Worded(text::kHeadHours)},
+            {"minutes", Worded(text::kHeadMinutes)},
+            {"fewestSatellites", Worded(text::kHeadSatellites)},
             {"highestPdop", "PDOP"}};
 }
 
 std::string LimitWords(const WindowLimits& limits)
 {
-    return std::to_string(limits.minSatellites) + " satellites and a PDOP of " +
-           Value::Real(limits.maxPdop, 1).Words() + " at most for " +
-           std::to_string(limits.minLength.count()) + " minutes";
+    return Worded(text::kSayWindowLimits,
+                  {std::to_string(limits.minSatellites), Value::Real(limits.maxPdop, 1).Words(),
+                   std::to_string(limits.minLength.count())});
 }
 
 std::vector<Value> WindowRow(const ObservationPlan& plan, const NamedSite& site,

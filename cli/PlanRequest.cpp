@@ -2,6 +2,7 @@
 
 #include "cli/DayText.h"
 #include "cli/Options.h"
+#include "cli/Wording.h"
 
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
@@ -13,6 +14,7 @@
 #include "core/planning/SampleSites.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <charconv>
@@ -23,9 +25,6 @@
 namespace fieldcore::cli {
 
 namespace {
-
-constexpr const char* kSitesHint =
-    "fieldcore-cli plan sites lists them; a place of your own is --at LAT,LON,HEIGHT";
 
 std::optional<Failure> UsePlace(const std::string& text, NamedSite& site)
 {
@@ -91,7 +90,7 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
         }
     }
     if (found.empty()) {
-        return UsageFailure("There is no site " + name + ".", kSitesHint);
+        return UsageFailure(Worded(text::kSayNoSite, {name}), Worded(text::kSaySitesHint));
     }
     if (found.size() > 1) {
         std::string names;
@@ -99,7 +98,8 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
             names += names.empty() ? "" : ", ";
             names += ToUtf8(candidate->name);
         }
-        return UsageFailure("Several sites are called " + name + ": " + names + ".", kSitesHint);
+        return UsageFailure(Worded(text::kSaySeveralSites, {name, names}),
+                            Worded(text::kSaySitesHint));
     }
     site = *found.front();
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
@@ -126,7 +126,7 @@ std::optional<Failure> ResolveDates(const PlanOptions& options, const World& wor
     constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31; // of a date
     const std::optional<std::chrono::sys_days> first = ParseDate(options.date, world);
     if (!first) {
-        return UsageFailure("--date " + options.date + " is no date.",
+        return UsageFailure(Worded(text::kSayNoDate, {options.date}),
                             "Write it as --date 2026-11-21, or today, or tomorrow.");
     }
     const std::chrono::sys_days last = *first + std::chrono::days(options.days - 1);

@@ -2,12 +2,14 @@
 
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/PortEdit.h"
 #include "core/link/ComBlueToothSet.h"
 #include "core/link/RecvInfo.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <initializer_list>
 #include <utility>
@@ -27,12 +29,12 @@ Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
 {
     Report::Table table{"ports",
                         "",
-                        {{"port", "PORT"},
-                         {"rate", "RATE"},
-                         {"dataBits", "BITS"},
-                         {"parity", "PARITY"},
-                         {"stopBits", "STOP"},
-                         {"flow", "FLOW"}},
+                        {{"port", Worded(text::kHeadPort)},
+                         {"rate", Worded(text::kHeadRate)},
+                         {"dataBits", Worded(text::kHeadBits)},
+                         {"parity", Worded(text::kHeadParity)},
+                         {"stopBits", Worded(text::kHeadStop)},
+                         {"flow", Worded(text::kHeadFlow)}},
                         {}};
     for (int port = CComPrmSet::kLinkPort; port <= CComPrmSet::kMostPorts; ++port) {
         CComPrmSet set(roots);
@@ -45,7 +47,7 @@ Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
         }
         table.rows.push_back(
             {port == CComPrmSet::kLinkPort
-                 ? Value::Word("link", "link")
+                 ? Value::Word("link", Worded(text::kWordLink))
                  : Value::Word("com" + std::to_string(port), "COM" + std::to_string(port)),
              Value::Text(set.GetStrBps()), Value::Text(set.GetStrDataBits()),
              Value::Text(set.GetStrParity()), Value::Text(set.GetStrStopBits()),
@@ -55,18 +57,18 @@ Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
     way.ReadReg();
     Report report;
     report.AddTable(std::move(table));
-    report.Add("way", "the receiver is reached by",
+    report.Add("way", Worded(text::kLabelTheReceiverIsReachedBy),
                way.GetComConnectWay() == CComBlueToothSet::Cable
-                   ? Value::Word("cable", "cable")
+                   ? Value::Word("cable", Worded(text::kWordCable))
                    : Value::Word("bluetooth", "Bluetooth"));
-    report.Add("connectPort", "on COM", Value::Integer(way.GetConnectPort()));
+    report.Add("connectPort", Worded(text::kLabelOnCom), Value::Integer(way.GetConnectPort()));
     return report;
 }
 
 Failure BadParameters(const std::string& text)
 {
     return UsageFailure("\"" + text + "\" are no parameters of a port.",
-                        "such as 9600, 38400-8-None-1-None or 115200-7-Even-2-Xon/Xoff");
+                        Worded(text::kSayPortHint));
 }
 
 Failure NotStored(const SettingsRoots& roots)
@@ -91,7 +93,7 @@ ExitCode SetLink(const Context& context, const PortParameterOptions& options, Se
     if (!roots.Store(RootKey::CurrentUser).IsKept() || StoreLink(link) == 0) {
         return context.output.Failed(NotStored(roots));
     }
-    return context.output.Done(ReportOf(roots));
+    return Kept(context, ReportOf(roots));
 }
 
 /// After the receiver was told to change the port in use: finds it again and says where it is.
@@ -104,8 +106,7 @@ std::optional<Failure> Follow(PortSession& session, PortEdit& edit, const Settin
         return std::nullopt;
     case LinkFollowed::Stayed:
         return edit.TakeLinkBack() == 1
-                   ? Failure{ExitCode::Failed, "port-stayed",
-                             "The receiver still answers with the parameters that it had."}
+                   ? Failure{ExitCode::Failed, "port-stayed", Worded(text::kSayPortStayed)}
                    : FileFailure("The receiver still answers with the parameters that it had, but "
                                  "the new ones could not be taken back: " +
                                      roots.File(RootKey::CurrentUser).string() +
@@ -184,7 +185,7 @@ ExitCode SetPortParameters(const Context& context, const PortParameterOptions& o
     if (const std::optional<Failure> failure = SetPort(session, options.number, edit, roots)) {
         return context.output.Failed(*failure);
     }
-    return context.output.Done(ReportOf(roots));
+    return Kept(context, ReportOf(roots));
 }
 
 } // namespace fieldcore::cli

@@ -1,6 +1,7 @@
 #include "cli/PortSession.h"
 
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/RateSearch.h"
 #include "core/link/ComPrmSet.h"
@@ -67,10 +68,31 @@ const char* StepName(ConnectStep step)
     return "";
 }
 
+Folders RealFolders(const World& world)
+{
+    FolderSources sources = world.folders;
+    sources.isSimulated = false;
+    return Folders(std::move(sources));
+}
+
+std::string NamedPort(const World& world, const std::string& named)
+{
+    return !named.empty() ? named : world.variable("FIELDCORE_PORT").value_or("");
+}
+
+bool IsSimulated(const World& world, const std::string& port)
+{
+    SettingsRoots roots{RealFolders(world)};
+    const std::string name = !port.empty() ? port : StoredPort(roots).value_or("");
+    const PortNameResult parsed = PortNames(world.roots).Parse(name);
+    return parsed.port && (parsed.port->kind == PortKind::Simulator ||
+                           parsed.port->path == world.variable(kSimulatedPort));
+}
+
 PortNames KnownPortNames(const World& world, Output& output)
 {
     PortNames names(world.roots);
-    SettingsRoots roots{Folders(world.folders)};
+    SettingsRoots roots{RealFolders(world)};
     for (const std::wstring& setting : AssignStoredPorts(names, roots)) {
         output.Message("warning", "",
                        "The setting " + ToUtf8(setting) + " of the key " + ToUtf8(kPortsKey) +
@@ -97,8 +119,7 @@ const Clock& PortSession::GetClock() const
 
 std::optional<Failure> PortSession::Prepare()
 {
-    SettingsRoots roots{Folders(m_world.folders)};
-    if (std::optional<Failure> failure = FindPort(roots)) {
+    if (std::optional<Failure> failure = FindPort()) {
         return failure;
     }
     m_target.settings = m_options.Settings(m_target.settings);
@@ -116,28 +137,28 @@ std::optional<Failure> PortSession::Prepare()
     return std::nullopt;
 }
 
-std::optional<Failure> PortSession::FindPort(SettingsRoots& roots)
+std::optional<Failure> PortSession::FindPort()
 {
-    const std::string named =
-        !m_options.port.empty() ? m_options.port : m_world.variable("FIELDCORE_PORT").value_or("");
+    SettingsRoots roots{RealFolders(m_world)};
+    const std::string named = NamedPort(m_world, m_options.port);
     if (named.empty() && !StoredPort(roots)) {
         return NoPortNamed();
     }
     const FoundTarget found = FindTarget(roots, named, m_world.roots);
     if (found.scenario) {
-        return StartSimulator(*found.scenario, roots);
+        return StartSimulator(*found.scenario);
     }
     if (!found.target) {
+        const std::string detail = IsEnglish() ? found.detail : ToUtf8(found.fault);
         return named.empty()
                    ? Failure{ExitCode::NoPort, "port-unusable",
-                             "The port of the settings cannot be used: " + found.detail,
+                             Worded(text::kSayPortOfSettings, {detail}),
                              "--port PORT, or fieldcore-cli settings set 'GPS\\Connect' Port PORT"}
-                   : UsageFailure(found.detail, "fieldcore-cli ports");
+                   : UsageFailure(detail, "fieldcore-cli ports");
     }
     m_names = KnownPortNames(m_world, m_output);
     if (m_options.speed != 1.0) {
-        return UsageFailure("Only the simulator can let time run faster.",
-                            "--port sim: --speed N, or leave --speed out.");
+        return UsageFailure(Worded(text::kSayOnlySimFast), Worded(text::kSayOnlySimFastHint));
     }
     m_target = *found.target;
     return std::nullopt;
@@ -149,12 +170,10 @@ Failure PortSession::NoPortNamed() const
     for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
         hint += "--port " + port.path + "  " + port.description + "\n         ";
     }
-    return UsageFailure("No port is named, and none is stored: give --port, or set FIELDCORE_PORT.",
-                        hint + "--port sim:  a simulated receiver");
+    return UsageFailure(Worded(text::kSayNoPort), hint + Worded(text::kSaySimPort));
 }
 
-std::optional<Failure> PortSession::StartSimulator(const std::string& scenario,
-                                                   SettingsRoots& roots)
+std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
 {
     std::string error;
     const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
@@ -170,6 +189,7 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario,
         return Failure{ExitCode::Failed, "simulator-not-started",
                        "The simulator does not start: " + error + "."};
     }
+    SettingsRoots roots{Folders(m_world.folders)};
     m_target = TargetOf(m_simulator->PortPath(), LinkSettings(roots), m_names);
     return std::nullopt;
 }
@@ -182,7 +202,7 @@ std::optional<Failure> PortSession::OpenLog()
     if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
         return FileFailure("The log " + m_options.log.string() +
                                " cannot be written: " + error.message() + ".",
-                           "Name a file in a folder that you may write to.");
+                           Worded(text::kSayLogHint));
     }
     return std::nullopt;
 }
@@ -233,7 +253,8 @@ std::optional<Failure> PortSession::Connect()
     Failure failure = fault == CommandFault::OpenFailed ? NotOpened(sequence.FailureDetail())
                       : sequence.IsPortSending()        ? SendingFailure(sequence.FailureDetail())
                                                  : RequestFailure(fault, sequence.FailureDetail());
-    failure.step = StepName(sequence.FailedStep());
+    failure.step =
+        IsEnglish() ? StepName(sequence.FailedStep()) : ToUtf8(StepText(sequence.FailedStep()));
     return failure;
 }
 
@@ -258,12 +279,8 @@ std::optional<Failure> PortSession::Search()
     case CommandFault::LinkLost:
         return RequestFailure(m_command->Fault(), m_command->LastError());
     default:
-        return Failure{ExitCode::NoAnswer,
-                       "no-answer",
-                       "The receiver answers at no rate.",
-                       "Check that it is on, the cable, and its parity and data bits.",
-                       "",
-                       m_command->LastError()};
+        return Failure{ExitCode::NoAnswer,           "no-answer", Worded(text::kSayNoRate),
+                       Worded(text::kSayNoRateHint), "",          m_command->LastError()};
     }
 }
 

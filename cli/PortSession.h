@@ -10,6 +10,7 @@
 #include "core/link/ConnectChoice.h"
 #include "core/link/ConnectSequence.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/Folders.h"
 #include "core/platform/LogFile.h"
 #include "core/platform/PortNames.h"
 #include "simulator/Simulator.h"
@@ -55,9 +56,8 @@ public:
     [[nodiscard]] simulator::Simulator* GetSimulator() { return m_simulator.get(); }
 
 private:
-    [[nodiscard]] std::optional<Failure> FindPort(SettingsRoots& roots);
-    [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario,
-                                                        SettingsRoots& roots);
+    [[nodiscard]] std::optional<Failure> FindPort();
+    [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario);
     [[nodiscard]] Failure NotOpened(std::string detail) const;
     [[nodiscard]] std::optional<Failure> OpenLog();
     [[nodiscard]] Failure NoPortNamed() const;
@@ -76,6 +76,18 @@ private:
     bool m_logFailed = false;
     std::unique_ptr<CCommand> m_command; // behind the simulator, whose port it opens
 };
+
+/// Where the real settings are, also for a command whose own are the simulator's: they say which
+/// port is meant.
+[[nodiscard]] Folders RealFolders(const World& world);
+/// The port of a command: what it names, else the variable FIELDCORE_PORT; empty: the stored one.
+[[nodiscard]] std::string NamedPort(const World& world, const std::string& named);
+/// Whether a simulated receiver is behind the port, also that of a "sim run" that started this.
+/// @param port  as of NamedPort()
+[[nodiscard]] bool IsSimulated(const World& world, const std::string& port);
+
+/// Set by "sim run" for its command: the path of a port that is simulated.
+inline constexpr const char* kSimulatedPort = "FIELDCORE_SIMULATED_PORT";
 
 /// The port names of this machine and what the settings assign to them. What cannot be used of the
 /// settings is told as a warning.

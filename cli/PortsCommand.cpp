@@ -1,10 +1,12 @@
 #include "cli/Command.h"
 #include "cli/PortParameters.h"
 #include "cli/PortSession.h"
+#include "cli/Wording.h"
 
 #include "core/link/ComPrmSet.h"
 #include "core/platform/PortList.h"
 #include "core/platform/PortReport.h"
+#include "core/resources/StringTable.h"
 
 #include <memory>
 #include <utility>
@@ -19,7 +21,7 @@ Value State(const PortReport& report)
 {
     switch (report.trouble) {
     case PortTrouble::None:
-        return Value::Word("free", "free");
+        return Value::Word("free", Worded(text::kWordFree));
     case PortTrouble::InUse:
         return Value::Word("in-use", report.text);
     case PortTrouble::NotAllowed:
@@ -39,13 +41,12 @@ ExitCode Run(const Context& context)
 {
     const SystemRoots& roots = context.world.roots;
     Report::Table table{"ports",
-                        "This machine has no serial port. Plug in an adapter, or try the "
-                        "simulated receiver: --port sim:",
-                        {{"path", "PORT"},
+                        Worded(text::kSayNoSerial),
+                        {{"path", Worded(text::kHeadPort)},
                          {"com", "COM"},
-                         {"description", "WHAT IT IS"},
-                         {"stablePath", "STABLE NAME"},
-                         {"state", "STATE"}},
+                         {"description", Worded(text::kHeadWhatItIs)},
+                         {"stablePath", Worded(text::kHeadStableName)},
+                         {"state", Worded(text::kHeadState)}},
                         {}};
     for (const SerialPort& port :
          ListSerialPorts(KnownPortNames(context.world, context.output), roots)) {

@@ -1,6 +1,9 @@
 #include "cli/Report.h"
 
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -9,6 +12,13 @@
 namespace fieldcore::cli {
 
 namespace {
+
+/// What a person reads, in the language of the run.
+std::string WordsOf(const Value& value)
+{
+    const auto* const yes = std::get_if<bool>(&value.GetData());
+    return yes != nullptr ? Worded(*yes ? text::kSayYes : text::kSayNo) : value.Words();
+}
 
 /// Breaks a long text behind commas; further lines begin @p indent columns in.
 std::string Wrapped(const std::string& text, std::size_t indent)
@@ -49,7 +59,7 @@ std::string TableWords(const Report::Table& table)
     for (std::size_t at = 0; at < table.columns.size(); ++at) {
         std::size_t width = DisplayWidth(table.columns[at].label);
         for (const auto& row : table.rows) {
-            width = std::max(width, DisplayWidth(row[at].Words()));
+            width = std::max(width, DisplayWidth(WordsOf(row[at])));
         }
         widths.push_back(width + 2);
     }
@@ -60,7 +70,7 @@ std::string TableWords(const Report::Table& table)
     std::string text = TableLine(cells);
     for (const auto& row : table.rows) {
         for (std::size_t at = 0; at < widths.size(); ++at) {
-            cells[at].first = row[at].Words();
+            cells[at].first = WordsOf(row[at]);
         }
         text += TableLine(cells);
     }
@@ -114,7 +124,7 @@ std::string Report::Words() const
     for (const Item& item : m_items) {
         if (const auto* field = std::get_if<Field>(&item)) {
             text +=
-                Padded(field->label, width + 2) + Wrapped(field->value.Words(), width + 2) + "\n";
+                Padded(field->label, width + 2) + Wrapped(WordsOf(field->value), width + 2) + "\n";
         } else if (const auto* section = std::get_if<Section>(&item)) {
             text += section->title + "\n" + Indented(section->content->Words());
         } else if (const auto* table = std::get_if<Table>(&item)) {

@@ -3,10 +3,12 @@
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/PortEdit.h"
 #include "core/link/RecvForceInit.h"
 #include "core/link/RecvInfo.h"
+#include "core/resources/StringTable.h"
 
 #include <memory>
 
@@ -23,7 +25,7 @@ struct ResetOptions
 ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
 {
     Report report;
-    report.Add("reset", "reset", Value::YesNo(isReset));
+    report.Add("reset", Worded(text::kLabelReset), Value::YesNo(isReset));
     AddIdentity(report, info.Known());
     return context.output.Done(report);
 }
@@ -32,9 +34,7 @@ ExitCode Run(const Context& context, const ResetOptions& options)
 {
     if (!options.yes && !context.dryRun && !context.world.CanAsk()) {
         return context.output.Failed(
-            UsageFailure("A reset wipes the receiver's settings and almanacs, and nobody can be "
-                         "asked here.",
-                         "--yes to do it all the same, --dry-run to see which receiver it is"));
+            UsageFailure(Worded(text::kSayResetNobody), Worded(text::kSayYesReset)));
     }
     TerminalHost host(context.world, context.output,
                       options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);

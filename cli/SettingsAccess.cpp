@@ -1,6 +1,8 @@
 #include "cli/SettingsAccess.h"
+#include "cli/Wording.h"
 
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 
 #include <cstdint>
@@ -30,10 +32,11 @@ SettingsAccess::SettingsAccess(const Context& context, const SettingsOptions& op
 
 void SettingsAccess::AddPlace(Report& report) const
 {
-    report.Add("root", "root",
-               m_root == RootKey::LocalMachine ? Value::Word("machine", "machine")
-                                               : Value::Word("user", "user"));
-    report.Add("key", "key", Value::Word(ToUtf8(m_key), m_key.empty() ? "(root)" : ToUtf8(m_key)));
+    report.Add("root", Worded(text::kLabelRoot),
+               m_root == RootKey::LocalMachine ? Value::Word("machine", Worded(text::kWordMachine))
+                                               : Value::Word("user", Worded(text::kWordUser)));
+    report.Add("key", Worded(text::kLabelKey),
+               Value::Word(ToUtf8(m_key), m_key.empty() ? "(root)" : ToUtf8(m_key)));
 }
 
 SettingsRead SettingsAccess::Read(const std::string& name)

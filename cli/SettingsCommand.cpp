@@ -3,7 +3,9 @@
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalHost.h"
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
 
+#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/StoredPorts.h"
 
@@ -78,7 +80,7 @@ ExitCode List(const Context& context, const SettingsOptions& options)
     Report report;
     access.AddPlace(report);
     AddKeys(report, *keys);
-    return context.output.Done(report, keys->empty() ? "There are no settings yet.\n"
+    return context.output.Done(report, keys->empty() ? Worded(text::kSayNoSettings)
                                                      : TreeWords(*keys, access.Key()));
 }
 
@@ -87,16 +89,17 @@ ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std
 {
     Report report;
     access.AddPlace(report);
-    report.Add("name", "name", Value::Word(name, name.empty() ? "(no name)" : name));
-    report.Add("type", "type", Value::Text(TypeName(value)));
-    report.Add("value", "value", ShownSetting(value));
+    report.Add("name", Worded(text::kLabelName),
+               Value::Word(name, name.empty() ? "(no name)" : name));
+    report.Add("type", Worded(text::kLabelType), Value::Text(TypeName(value)));
+    report.Add("value", Worded(text::kLabelValue), ShownSetting(value));
     if (onlyTheValue) {
         const Value shown = ShownSetting(value);
         const auto* text = std::get_if<std::string>(&shown.GetData());
         return context.output.Done(report,
                                    (text != nullptr ? Printable(*text) : shown.Words()) + "\n");
     }
-    return context.output.Done(report);
+    return Kept(context, report);
 }
 
 ExitCode Get(const Context& context, const SettingsOptions& options)
@@ -192,13 +195,12 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
 {
     if (options.key.find_first_not_of('\\') == std::string::npos && !isValue) {
         return context.output.Failed(
-            UsageFailure("No key is named.", "fieldcore-cli settings list"));
+            UsageFailure(Worded(text::kSayNoKey), "fieldcore-cli settings list"));
     }
     const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
     if (!options.yes && !context.dryRun && !canAsk) {
         return context.output.Failed(
-            UsageFailure("Deleting cannot be undone, and nobody can be asked here.",
-                         "--yes to do it all the same, --dry-run to see what it would be"));
+            UsageFailure(Worded(text::kSayDeleteNobody), Worded(text::kSayYesDelete)));
     }
     SettingsAccess access(context, options);
     const auto name = isValue ? std::optional(options.name) : std::nullopt;
@@ -210,7 +212,7 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
         return context.output.Failed(Missing(access, options.name));
     }
     Report report;
-    report.Add("deleted", "deleted", Value::YesNo(!context.dryRun));
+    report.Add("deleted", Worded(text::kLabelDeleted), Value::YesNo(!context.dryRun));
     access.AddPlace(report);
     AddKeys(report, *doomed);
     const std::string words = TreeWords(*doomed, access.Key());

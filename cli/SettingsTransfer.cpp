@@ -1,8 +1,10 @@
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/platform/AtomicFile.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -27,8 +29,9 @@ std::size_t CountValues(const std::vector<SettingsKey>& keys)
 
 void AddCounts(Report& report, const std::vector<SettingsKey>& keys)
 {
-    report.Add("keyCount", "keys", Value::Integer(static_cast<std::int64_t>(keys.size())));
-    report.Add("valueCount", "values",
+    report.Add("keyCount", Worded(text::kLabelKeys),
+               Value::Integer(static_cast<std::int64_t>(keys.size())));
+    report.Add("valueCount", Worded(text::kLabelValues),
                Value::Integer(static_cast<std::int64_t>(CountValues(keys))));
 }
 
@@ -44,7 +47,7 @@ std::optional<Failure> WriteText(const Context& context, const SettingsOptions& 
     }
     if (fs::exists(status) && !options.yes) {
         if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
-            return UsageFailure(options.file + " is there already.", "--yes to replace it");
+            return UsageFailure(options.file + " is there already.", Worded(text::kSayYesReplace));
         }
         TerminalHost host(context.world, context.output);
         if (host.ShowMessage(FromUtf8(options.file + " is there already. Replace it?"), L"",
@@ -62,7 +65,7 @@ std::optional<Failure> WriteText(const Context& context, const SettingsOptions& 
     }
     if (error) {
         return FileFailure(options.file + " cannot be written: " + error.message() + ".",
-                           "Name a file in a folder that you may write to.");
+                           Worded(text::kSayLogHint));
     }
     return std::nullopt;
 }
@@ -92,12 +95,12 @@ std::optional<Failure> ReadText(const Context& context, const std::string& file,
 Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys)
 {
     Report::Table table{"changes",
-                        "All of it is in the settings already.",
-                        {{"change", "CHANGE"},
-                         {"key", "KEY"},
-                         {"name", "NAME"},
-                         {"type", "TYPE"},
-                         {"value", "VALUE"}},
+                        Worded(text::kSayAllThere),
+                        {{"change", Worded(text::kHeadChange)},
+                         {"key", Worded(text::kHeadKey)},
+                         {"name", Worded(text::kHeadName)},
+                         {"type", Worded(text::kHeadType)},
+                         {"value", Worded(text::kHeadValue)}},
                         {}};
     for (const SettingsKey& key : keys) {
         for (const NamedSetting& setting : key.values) {
@@ -129,10 +132,10 @@ ExitCode ExportSettings(const Context& context, const SettingsOptions& options)
     access.AddPlace(report);
     AddCounts(report, *keys);
     if (options.file.empty()) {
-        report.Add("text", "text", Value::Text(text));
+        report.Add("text", Worded(text::kLabelText), Value::Text(text));
         return context.output.Done(report, text);
     }
-    report.Add("file", "file", Value::Text(options.file));
+    report.Add("file", Worded(text::kLabelFile), Value::Text(options.file));
     if (context.dryRun) {
         return context.output.Done(report);
     }
@@ -158,7 +161,7 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
         return context.output.Failed(*failure);
     }
     Report report;
-    report.Add("stored", "stored", Value::YesNo(!context.dryRun));
+    report.Add("stored", Worded(text::kLabelStored), Value::YesNo(!context.dryRun));
     AddCounts(report, read.keys);
     report.AddTable(Changes(access.Store(), read.keys));
     if (context.dryRun) {
@@ -175,7 +178,7 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
                 : FileFailure("Nothing was stored: the settings refuse " + ToUtf8(refused) + ".",
                               "It may be too long: a value has at most a megabyte."));
     }
-    return context.output.Done(report);
+    return Kept(context, report);
 }
 
 } // namespace fieldcore::cli

@@ -1,7 +1,9 @@
 #include "cli/Command.h"
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
+#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsText.h"
 #include "core/tilt/SignalSession.h"
@@ -37,11 +39,13 @@ const char* NameOf(Signal signal)
 
 void AddSignals(Report& report, const SignalSession& session)
 {
-    report.Add("typeNumber", "type number", Value::Integer(session.TypeNumber()));
-    report.Add("locked", "fixed by the receiver", Value::YesNo(session.IsLocked()));
+    report.Add("typeNumber", Worded(text::kLabelTypeNumber), Value::Integer(session.TypeNumber()));
+    report.Add("locked", Worded(text::kLabelFixedByTheReceiver), Value::YesNo(session.IsLocked()));
     Report::Table table{"signals",
                         "none",
-                        {{"signal", "SIGNAL"}, {"available", "AVAILABLE"}, {"chosen", "CHOSEN"}},
+                        {{"signal", Worded(text::kHeadSignal)},
+                         {"available", Worded(text::kHeadAvailable)},
+                         {"chosen", Worded(text::kHeadChosen)}},
                         {}};
     for (const Signal signal : kAllSignals) {
         // A locked receiver is not asked what it has.
@@ -57,9 +61,8 @@ void AddSignals(Report& report, const SignalSession& session)
 std::optional<Failure> Apply(SignalSession& session, const std::vector<std::string>& names)
 {
     if (session.IsLocked()) {
-        return Failure{ExitCode::Failed, "signals-locked",
-                       "An application in the receiver fixes the signals; nothing was sent.",
-                       "End that application at the receiver, then try again."};
+        return Failure{ExitCode::Failed, "signals-locked", Worded(text::kSaySignalsFixed),
+                       Worded(text::kSaySignalsFixedHint)};
     }
     for (const Signal signal : kAllSignals) {
         const bool isWanted = std::find(names.begin(), names.end(), NameOf(signal)) != names.end();
@@ -83,27 +86,26 @@ ExitCode Set(const Context& context, const SignalOptions& options, SignalSession
     }
     AddSignals(report, session);
     const std::vector<std::uint8_t> data = session.CommandData();
-    report.Add("data", "data of the command", Value::Text(FormatSettingBytes(data)));
+    report.Add("data", Worded(text::kLabelDataOfTheCommand), Value::Text(FormatSettingBytes(data)));
     if (context.dryRun) {
-        report.Add("sent", "sent", Value::YesNo(false));
-        report.Add("stored", "stored", Value::YesNo(false));
+        report.Add("sent", Worded(text::kLabelSent), Value::YesNo(false));
+        report.Add("stored", Worded(text::kLabelStored), Value::YesNo(false));
         return context.output.Done(report);
     }
     std::optional<Failure> failure;
     const SignalSession::Outcome outcome = session.Confirm();
     if (outcome.boardTold == 0) {
-        context.output.Note("The receiver's board did not confirm that it takes the signals over.");
+        context.output.Note(Worded(text::kSayBoardSilent));
     }
     if (outcome.sent == 0) {
         failure = RequestFailure(outcome.fault, "");
     } else if (outcome.stored != 1) {
-        failure = Failure{ExitCode::LocalFile, "local-file",
-                          "The receiver has the choice, but it could not be stored.",
+        failure = Failure{ExitCode::LocalFile, "local-file", Worded(text::kSaySignalsNotStored),
                           "fieldcore-cli doctor"};
     }
-    report.Add("sent", "sent", Value::YesNo(outcome.sent == 1));
-    report.Add("stored", "stored", Value::YesNo(outcome.stored == 1));
-    return failure ? context.output.Failed(*failure, &report) : context.output.Done(report);
+    report.Add("sent", Worded(text::kLabelSent), Value::YesNo(outcome.sent == 1));
+    report.Add("stored", Worded(text::kLabelStored), Value::YesNo(outcome.stored == 1));
+    return failure ? context.output.Failed(*failure, &report) : Kept(context, report);
 }
 
 ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)

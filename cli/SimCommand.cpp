@@ -1,8 +1,11 @@
 #include "cli/ChildProcess.h"
 #include "cli/Command.h"
 #include "cli/Options.h"
+#include "cli/PortSession.h"
+#include "cli/Wording.h"
 
 #include "core/platform/FastClock.h"
+#include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
 
 #include <chrono>
@@ -26,7 +29,11 @@ struct SimOptions
 
 ExitCode List(const Context& context)
 {
-    Report::Table table{"scenarios", "", {{"name", "NAME"}, {"title", "WHAT IT SHOWS"}}, {}};
+    Report::Table table{
+        "scenarios",
+        "",
+        {{"name", Worded(text::kHeadName)}, {"title", Worded(text::kHeadWhatItShows)}},
+        {}};
     for (const auto& [name, title] : simulator::ShippedScenarios()) {
         table.rows.push_back({Value::Text(name), Value::Text(title)});
     }
@@ -46,7 +53,7 @@ void WaitForStop(const World& world)
 ExitCode Serve(const Context& context, const simulator::Simulator& simulator)
 {
     Report report;
-    report.Add("port", "port", Value::Text(simulator.PortPath()));
+    report.Add("port", Worded(text::kLabelPort), Value::Text(simulator.PortPath()));
     context.output.Done(report, simulator.PortPath() + "\n");
     context.output.Note("In another terminal: fieldcore-cli info --port " + simulator.PortPath() +
                         "\nCtrl-C ends it.");
@@ -69,7 +76,8 @@ ExitCode StartCommand(const Context& context, const simulator::Simulator& simula
     if (context.world.StopRequested()) {
         return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
     }
-    child.environment = {{"FIELDCORE_PORT", simulator.PortPath()}};
+    child.environment = {{"FIELDCORE_PORT", simulator.PortPath()},
+                         {kSimulatedPort, simulator.PortPath()}};
     std::string error;
     const std::optional<int> code = RunChild(child, error);
     if (!code) {

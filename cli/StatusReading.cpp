@@ -1,10 +1,12 @@
 #include "cli/StatusReading.h"
 
 #include "cli/PortSession.h"
+#include "cli/Wording.h"
 
 #include "core/equipment/InstalledOptions.h"
 #include "core/equipment/StatusRows.h"
 #include "core/link/RecvInfo.h"
+#include "core/resources/StringTable.h"
 
 #include <array>
 #include <chrono>
@@ -77,7 +79,8 @@ void AddFields(Report& report, const Receiver& receiver, ReceiverField::Place pl
 {
     for (const ReceiverField& field : AllReceiverFields()) {
         if ((field.places & place) != 0) {
-            report.Add(field.key, field.label, ReportField(field, receiver));
+            report.Add(field.key, *field.label == '\0' ? "" : WordedOr(field.label, field.textId),
+                       ReportField(field, receiver));
         }
     }
 }
@@ -85,12 +88,13 @@ void AddFields(Report& report, const Receiver& receiver, ReceiverField::Place pl
 void AddStatus(Report& report, const Receiver& receiver)
 {
     AddFields(report, receiver, ReceiverField::Report);
-    AddFields(report.AddSection("position", "position"), receiver, ReceiverField::PositionReport);
+    AddFields(report.AddSection("position", Worded(text::kLabelPosition)), receiver,
+              ReceiverField::PositionReport);
 }
 
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now)
 {
-    Report& ages = report.AddSection("agesS", "age");
+    Report& ages = report.AddSection("agesS", Worded(text::kLabelAge));
     const auto add = [&](const char* key, const char* label, FieldSource source) {
         const std::optional<Clock::Duration> at = TimeOf(source, receiver);
         ages.Add(key, label,
@@ -111,12 +115,15 @@ void AddIdentity(Report& report, const ReceiverIdentity& identity)
     AddFields(report, receiver, ReceiverField::Who);
     const CRecvInfo info(identity);
     std::vector<std::string> options;
+    std::string words;
     for (const InstalledOption& option : AllInstalledOptions()) {
         if (option.has(info) != 0) {
             options.emplace_back(option.words);
+            words += (words.empty() ? "" : ", ") + WordedOr(option.words, option.textId);
         }
     }
-    report.Add("options", "options", Value::List(std::move(options)));
+    report.Add("options", Worded(text::kLabelOptions),
+               Value::List(std::move(options), std::move(words)));
 }
 
 std::string WatchLine(const Receiver& receiver)
@@ -132,7 +139,7 @@ std::string WatchHeader()
 {
     std::vector<std::pair<std::string, std::size_t>> cells;
     for (const WatchColumn& column : kWatchColumns) {
-        cells.emplace_back(column.label, column.width);
+        cells.emplace_back(WordedOr(column.label, FieldOf(column.key).textId), column.width);
     }
     return TableLine(cells);
 }

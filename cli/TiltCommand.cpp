@@ -4,7 +4,9 @@
 #include "cli/TerminalHost.h"
 #include "cli/TiltReport.h"
 #include "cli/Watch.h"
+#include "cli/Wording.h"
 
+#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/CalibrationRun.h"
@@ -118,15 +120,14 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
 ExitCode Calibrate(const Context& context, const TiltOptions& options)
 {
     if (!options.yes && !context.dryRun && !context.world.CanAsk()) {
-        return context.output.Failed(UsageFailure(
-            "A calibration replaces the one that the sensor has, and nobody can be asked here "
-            "whether the receiver stands level.",
-            "--yes if it does, --dry-run to see how the sensor is"));
+        return context.output.Failed(
+            UsageFailure(Worded(text::kSayCalibrationNobody), Worded(text::kSayCalibrationHint)));
     }
     return WithSensor(context, options, [&](Sensor& sensor) {
         Report report;
         if (context.dryRun) {
-            report.Add("outcome", "outcome", Value::Word("not-started", "not started"));
+            report.Add("outcome", Worded(text::kLabelOutcome),
+                       Value::Word("not-started", Worded(text::kWordNotStarted)));
             AddTilt(report, sensor.session.Command().Heard());
             return context.output.Done(report);
         }
@@ -141,23 +142,24 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
         }
         sensor.tilt.Refresh();
         const bool isDone = run.GetState() == CalibrationRun::State::Done;
-        report.Add("outcome", "outcome",
+        report.Add("outcome", Worded(text::kLabelOutcome),
                    Value::Word(isDone ? "completed" : "failed", isDone ? "completed" : "failed"));
         AddTilt(report, sensor.session.Command().Heard());
         if (isDone) {
             return context.output.Done(report);
         }
-        return context.output.Failed(
-            run.Fault() != CommandFault::None
-                ? RequestFailure(run.Fault(), "")
-                : Failure{ExitCode::Failed, "calibration-failed", "The calibration failed.",
-                          "Set the receiver up level, so that it cannot move, and try again."},
-            &report);
+        return context.output.Failed(run.Fault() != CommandFault::None
+                                         ? RequestFailure(run.Fault(), "")
+                                         : Failure{ExitCode::Failed, "calibration-failed",
+                                                   Worded(text::kSayCalibrationFailed),
+                                                   Worded(text::kSayCalibrationAgain)},
+                                     &report);
     });
 }
 
 /// Tells the receiver a setting of its sensor.
-/// @param keep  stores it here once the receiver has it; 0 if it could not be stored
+/// @param keep  stores it here once the receiver has it; 0 if it could not be stored. Null: only
+///              the receiver keeps it.
 ExitCode Send(const Context& context, const TiltOptions& options, const char* key,
               const char* label, Value value, const std::function<int(CCommand&)>& send,
               const std::function<int(const CReg&)>& keep)
@@ -168,14 +170,13 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
         if (!context.dryRun && send(sensor.session.Command()) == 0) {
             return context.output.Failed(sensor.session.RequestFailed());
         }
-        report.Add("sent", "sent", Value::YesNo(!context.dryRun));
-        if (!context.dryRun && keep(sensor.reg) == 0) {
+        report.Add("sent", Worded(text::kLabelSent), Value::YesNo(!context.dryRun));
+        const bool isKept = keep != nullptr;
+        if (!context.dryRun && isKept && keep(sensor.reg) == 0) {
             return context.output.Failed(
-                FileFailure("The receiver has the setting, but it could not be stored.",
-                            "fieldcore-cli doctor"),
-                &report);
+                FileFailure(Worded(text::kSayTiltNotStored), "fieldcore-cli doctor"), &report);
         }
-        return context.output.Done(report);
+        return isKept ? Kept(context, report) : context.output.Done(report);
     });
 }
 
@@ -186,7 +187,7 @@ ExitCode SetExpiry(const Context& context, const TiltOptions& options)
         [&](CCommand& command) {
             return command.SetTiltValidity(static_cast<std::uint16_t>(options.hours));
         },
-        [](const CReg&) { return 1; }); // the receiver keeps it
+        nullptr);
 }
 
 ExitCode SetSpeed(const Context& context, const TiltOptions& options)

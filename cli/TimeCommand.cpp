@@ -3,8 +3,10 @@
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/TerminalHost.h"
+#include "cli/Wording.h"
 
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <chrono>
 #include <memory>
@@ -34,12 +36,14 @@ Report ReportOf(const StatusReader& reader, bool isSet)
         return ReportField(FieldOf(key), reader.Reading(), reader.View());
     };
     Report report;
-    report.Add("receiverUtc", "receiver", field("utc"));
+    report.Add("receiverUtc", Worded(text::kLabelReceiver), field("utc"));
     report.Add("receiverJst", "", field("jst"));
-    report.Add("controllerUtc", "controller", UtcValue(reader.View().utc));
-    report.Add("controllerAheadS", "controller ahead by", field("controllerAheadS"));
-    report.Add("synchronised", "time can be trusted", Value::YesNo(CanBeTrusted(reader)));
-    report.Add("set", "controller's clock set", Value::YesNo(isSet));
+    report.Add("controllerUtc", Worded(text::kLabelController), UtcValue(reader.View().utc));
+    report.Add("controllerAheadS", Worded(text::kLabelControllerAheadBy),
+               field("controllerAheadS"));
+    report.Add("synchronised", Worded(text::kLabelTimeCanBeTrusted),
+               Value::YesNo(CanBeTrusted(reader)));
+    report.Add("set", Worded(text::kLabelControllersClockSet), Value::YesNo(isSet));
     return report;
 }
 
@@ -53,16 +57,15 @@ Clock::UtcTime TimeByNow(const StatusReader& reader, Clock::Duration now)
 
 Failure NotTrusted()
 {
-    return {ExitCode::Failed, "time-not-known",
-            "The receiver's time cannot be trusted yet: the clock was left alone.",
-            "Wait until it computes a position: fieldcore-cli status --watch"};
+    return {ExitCode::Failed, "time-not-known", Worded(text::kSayTimeNotKnown),
+            Worded(text::kSayTimeNotKnownHint)};
 }
 
 Failure NotPermitted(const std::string& cause)
 {
     return {ExitCode::Failed, "clock-not-set",
-            "The controller's clock was not set: " + (cause.empty() ? "not here" : cause) + ".",
-            "Setting it needs the right to: run the same with sudo."};
+            Worded(text::kSayClockNotSet, {cause.empty() ? "--" : cause}),
+            Worded(text::kSayClockHint)};
 }
 
 bool Agrees(TerminalHost& host, const std::string& question)
@@ -84,10 +87,10 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
     }
     const std::string time = UtcValue(TimeByNow(reader, reader.Reading().time->at)).Words();
     if (context.dryRun) {
-        context.output.Note("The controller's clock would become " + time + ".");
+        context.output.Note(Worded(text::kSayClockWould, {time}));
         return context.output.Done(report);
     }
-    if (!options.yes && !Agrees(host, "Set the controller's clock to " + time + "?")) {
+    if (!options.yes && !Agrees(host, Worded(text::kSayClockAsk, {time}))) {
         return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""), &report);
     }
     // The question may have waited for long.
@@ -113,8 +116,7 @@ ExitCode Run(const Context& context, const TimeOptions& options)
 {
     if (options.set && !options.yes && !context.dryRun && !context.world.CanAsk()) {
         return context.output.Failed(
-            UsageFailure("The controller's clock would be set, and nobody can be asked here.",
-                         "--yes to set it all the same, --dry-run to see what would happen"));
+            UsageFailure(Worded(text::kSayClockNobody), Worded(text::kSayYesSet)));
     }
     TerminalHost host(context.world, context.output,
                       options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);
@@ -125,9 +127,7 @@ ExitCode Run(const Context& context, const TimeOptions& options)
     if (options.set) {
         if (session.GetSimulator() != nullptr && !context.dryRun) {
             return context.output.Failed(
-                UsageFailure("A simulated receiver has no time of its own: the clock was left "
-                             "alone.",
-                             "--dry-run shows what a real one would do"));
+                UsageFailure(Worded(text::kSayClockSimulated), Worded(text::kSayDryRunShows)));
         }
         return Set(context, options, host, session);
     }

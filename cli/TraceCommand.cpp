@@ -1,7 +1,9 @@
 #include "cli/Command.h"
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
 
 #include "core/link/FrameDescriber.h"
+#include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 
 #include <algorithm>
@@ -114,17 +116,20 @@ Report ReportOf(std::int64_t line, const std::string& time, Direction direction,
                 const DescribedBytes& bytes)
 {
     Report report;
-    report.Add("line", "line", Value::Integer(line));
-    report.Add("time", "time", time.empty() ? Value::Unknown() : Value::Text(time));
-    report.Add("direction", "direction",
+    report.Add("line", Worded(text::kLabelLine), Value::Integer(line));
+    report.Add("time", Worded(text::kLabelTime),
+               time.empty() ? Value::Unknown() : Value::Text(time));
+    report.Add("direction", Worded(text::kLabelDirection),
                Value::Text(std::string(direction == Direction::Sent ? "Tx" : "Rx")));
-    report.Add("kind", "kind", Value::Word(KindCode(bytes.kind), KindWords(bytes)));
-    report.Add("type", "type", bytes.type ? Value::Text(HexByte(*bytes.type)) : Value::Unknown());
-    report.Add("name", "name", Value::Text(bytes.name));
-    report.Add("length", "length",
+    report.Add("kind", Worded(text::kLabelKind),
+               Value::Word(KindCode(bytes.kind), KindWords(bytes)));
+    report.Add("type", Worded(text::kLabelType),
+               bytes.type ? Value::Text(HexByte(*bytes.type)) : Value::Unknown());
+    report.Add("name", Worded(text::kLabelName), Value::Text(bytes.name));
+    report.Add("length", Worded(text::kLabelLength),
                Value::Integer(static_cast<std::int64_t>(bytes.length), "bytes"));
-    report.Add("checksum", "checksum", Checksum(bytes));
-    report.Add("fault", "fault", Value::Text(bytes.fault));
+    report.Add("checksum", Worded(text::kLabelChecksum), Checksum(bytes));
+    report.Add("fault", Worded(text::kLabelFault), Value::Text(bytes.fault));
     Report::Table table{
         "fields",
         "",
@@ -194,9 +199,10 @@ public:
     /// @param failure  why not all of the log was read, if so
     ExitCode Finish(const std::optional<Failure>& failure)
     {
-        m_report.Add("exchanged", "exchanged", Value::Integer(m_told));
-        m_report.Add("faults", "faults", Value::Integer(m_faults));
-        m_report.Add("damagedLines", "damaged lines", Value::Integer(m_damagedLines));
+        m_report.Add("exchanged", Worded(text::kLabelExchanged), Value::Integer(m_told));
+        m_report.Add("faults", Worded(text::kLabelFaults), Value::Integer(m_faults));
+        m_report.Add("damagedLines", Worded(text::kLabelDamagedLines),
+                     Value::Integer(m_damagedLines));
         if (failure) {
             return m_context.output.Failed(*failure,
                                            m_context.output.IsJson() ? &m_report : nullptr);
@@ -225,9 +231,9 @@ private:
     {
         if (m_context.output.IsJson()) {
             Report entry;
-            entry.Add("line", "line", Value::Integer(m_line));
-            entry.Add("kind", "kind", Value::Text(std::string("damaged-line")));
-            entry.Add("fault", "fault", Value::Text(error));
+            entry.Add("line", Worded(text::kLabelLine), Value::Integer(m_line));
+            entry.Add("kind", Worded(text::kLabelKind), Value::Text(std::string("damaged-line")));
+            entry.Add("fault", Worded(text::kLabelFault), Value::Text(error));
             m_report.AddEntry("entries", std::move(entry));
             return;
         }

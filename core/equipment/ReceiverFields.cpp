@@ -46,24 +46,26 @@ constexpr std::array kFixes{
     Term{"float", "RTK float", text::kFixFloat},
     Term{"fixed", "RTK fixed", text::kFixFixed},
 };
-constexpr std::array kFamilies{Term{"oldest", "oldest", 0}, Term{"pica", "Pica", 0},
+constexpr std::array kFamilies{Term{"oldest", "oldest", text::kTermOldest}, Term{"pica", "Pica", 0},
                                Term{"lark", "Lark", 0}};
 constexpr Term kClockSet{"set", "set when synchronised", text::kStatusClockSet};
 constexpr Term kClockRefused{"refused", "could not be set", text::kStatusClockRefused};
 constexpr Term kClockLeft{"left", "left alone", text::kStatusClockLeft};
 
-constexpr Term kNoTiltSensor{"absent", "no sensor", 0};
+constexpr Term kNoTiltSensor{"absent", "no sensor", text::kTermNoSensor};
 constexpr std::array kTiltStates{
     // in the order of their numbers, as the next
-    Term{"starting", "starting", 0},
-    Term{"measuring", "measuring", 0},
-    Term{"moving", "moving too fast", 0},
-    Term{"out-of-range", "out of range", 0},
+    Term{"starting", "starting", text::kTermStarting},
+    Term{"measuring", "measuring", text::kTermMeasuring},
+    Term{"moving", "moving too fast", text::kTermMoving},
+    Term{"out-of-range", "out of range", text::kTermOutOfRange},
 };
 constexpr std::array kCalibrations{
-    Term{"none", "not completed", 0}, Term{"completed", "completed", 0},
-    Term{"running", "running", 0},    Term{"failed", "failed", 0},
-    Term{"expired", "too old", 0},
+    Term{"none", "not completed", text::kTermNotCompleted},
+    Term{"completed", "completed", text::kTermCompleted},
+    Term{"running", "running", text::kTermRunning},
+    Term{"failed", "failed", text::kTermFailed},
+    Term{"expired", "too old", text::kTermTooOld},
 };
 
 /// A number or a text as a field has it.
@@ -361,7 +363,7 @@ constexpr ReceiverField kFields[] = {
      [](R r, V) { return Known(Made(r.identity.TypeNumber())); }, kTypeNumber},
     {"typeText", "type text", text::kVersionType, kWho, S::Identity,
      [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvType()); }},
-    {"family", "family", 0, F::Who, S::Identity, Family},
+    {"family", "family", text::kFieldFamily, F::Who, S::Identity, Family},
     {"serial", "serial number", text::kVersionSerial, kWho, S::Identity,
      [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSN()); }},
     {"longSerial", "long serial number", text::kVersionLongSerial, kWho, S::Identity,
@@ -374,16 +376,18 @@ constexpr ReceiverField kFields[] = {
      [](R r, V) { return Known(CRecvInfo(r.identity).GetBootVer()); }, kVersion},
     {"memoryMb", "memory", text::kVersionMemory, kWho, S::Identity, Option<&OptionsReply::memory>,
      kMegabytes},
-    {"port", "port in use", 0, F::Who, S::Identity, Option<&OptionsReply::currentPort>},
-    {"ports", "ports", 0, F::Who, S::Identity, Option<&OptionsReply::portCount>},
+    {"port", "port in use", text::kFieldPort, F::Who, S::Identity,
+     Option<&OptionsReply::currentPort>},
+    {"ports", "ports", text::kFieldPorts, F::Who, S::Identity, Option<&OptionsReply::portCount>},
 
     // Its time
     {"utc", "time", text::kStatusUtc, kStatus, S::Time, [](R r, V) { return MomentOf(r, false); }},
     {"jst", "", text::kStatusJst, kStatus, S::Time, [](R r, V) { return MomentOf(r, true); }},
-    {"gpsWeek", "GPS week", 0, F::Report, S::Time, Told<&Receiver::time, &ReceiverTime::week>,
-     kCount},
-    {"gpsSecondsOfWeek", "second of the week", 0, F::Report, S::Time, SecondsOfWeek, kOfWeek},
-    {"timeValid", "time is valid", 0, F::Report, S::Status,
+    {"gpsWeek", "GPS week", text::kFieldGpsWeek, F::Report, S::Time,
+     Told<&Receiver::time, &ReceiverTime::week>, kCount},
+    {"gpsSecondsOfWeek", "second of the week", text::kFieldSecondsOfWeek, F::Report, S::Time,
+     SecondsOfWeek, kOfWeek},
+    {"timeValid", "time is valid", text::kFieldTimeValid, F::Report, S::Status,
      Told<&Receiver::status, &StatusReply::timeValid>},
     {"utcOffsetS", "GPS time minus UTC", text::kStatusOffset, kStatus, S::Time,
      [](R r, V) {
@@ -427,7 +431,8 @@ constexpr ReceiverField kFields[] = {
     {"batteryPercent", "battery", text::kStatusBattery, kStatus, S::Status,
      Told<&Receiver::status, &StatusReply::batteryPercent>, kPercent, kUsual,
      text::kBatteryUnknown},
-    {"powerSource", "power source", 0, F::Report, S::PowerSource, PowerSource, kSource, kSeldom},
+    {"powerSource", "power source", text::kFieldPowerSource, F::Report, S::PowerSource, PowerSource,
+     kSource, kSeldom},
     {"powerSourceName", "power source name", text::kStatusSource, kStatus, S::PowerSource,
      NameOfPowerSource, kPlain, kSeldom},
     {"batteryTrendPercentPerHour", "battery trend", text::kStatusTrend, kStatus, S::Status, Trend,
@@ -436,24 +441,25 @@ constexpr ReceiverField kFields[] = {
      kMinutes, kSeldom},
     {"freeMemoryPercent", "free memory", text::kStatusMemory, kStatus, S::Status, FreeMemory,
      kPercent},
-    {"survey", "running survey", 0, F::Report, S::Status, Survey},
+    {"survey", "running survey", text::kFieldSurvey, F::Report, S::Status, Survey},
 
     // Its tilt sensor
-    {"state", "state", 0, F::Tilt, S::Tilt, StateOfTilt},
+    {"state", "state", text::kFieldTiltState, F::Tilt, S::Tilt, StateOfTilt},
     {"tiltDeg", "tilt", text::kTiltAngle, F::Tilt, S::Tilt, TiltAngle<&TiltReading::tiltRad>,
      kTiltDegrees, kOfBubble},
-    {"t1Deg", "first component", 0, F::Tilt, S::Tilt, TiltAngle<&TiltReading::t1Rad>, kTiltDegrees,
-     kOfBubble},
-    {"t2Deg", "second component", 0, F::Tilt, S::Tilt, TiltAngle<&TiltReading::t2Rad>, kTiltDegrees,
-     kOfBubble},
+    {"t1Deg", "first component", text::kFieldTilt1, F::Tilt, S::Tilt,
+     TiltAngle<&TiltReading::t1Rad>, kTiltDegrees, kOfBubble},
+    {"t2Deg", "second component", text::kFieldTilt2, F::Tilt, S::Tilt,
+     TiltAngle<&TiltReading::t2Rad>, kTiltDegrees, kOfBubble},
     {"tiltOffsetMm", "antenna beside the point", text::kTiltOffset, 0, S::Tilt, TiltOffset,
      kMillimetres, kOfBubble},
-    {"calibrated", "calibrated", 0, F::Tilt, S::Tilt,
+    {"calibrated", "calibrated", text::kFieldCalibrated, F::Tilt, S::Tilt,
      Told<&Receiver::tilt, &TiltReading::calibrated>},
-    {"calibration", "calibration", 0, F::Tilt, S::Tilt, StateOfCalibration},
-    {"expiryHours", "valid for", 0, F::Tilt, S::Calibration,
+    {"calibration", "calibration", text::kFieldCalibration, F::Tilt, S::Tilt, StateOfCalibration},
+    {"expiryHours", "valid for", text::kFieldExpiry, F::Tilt, S::Calibration,
      Told<&Receiver::calibration, &TiltCalibration::validityHours>, kHours},
-    {"remainingSeconds", "still valid for", 0, F::Tilt, S::Calibration, CalibrationLeft, kLeftS},
+    {"remainingSeconds", "still valid for", text::kFieldRemaining, F::Tilt, S::Calibration,
+     CalibrationLeft, kLeftS},
 };
 
 template <typename Number>
@@ -616,7 +622,10 @@ Value ReportField(const ReceiverField& field, const Receiver& receiver, const St
                 return Value::Real(real, field.number.decimals, field.number.unit);
             },
             [](const std::wstring& text) { return Value::Text(ToUtf8(text), "none"); },
-            [](const Term* term) { return Value::Word(term->code, term->words); },
+            [](const Term* term) {
+                const bool isPlain = term->textId == 0 || CurrentLanguage() == Language::English;
+                return Value::Word(term->code, isPlain ? term->words : ToUtf8(Text(term->textId)));
+            },
             [](Angle angle) {
                 return Value::Real(angle.rad * 180.0 / std::numbers::pi, kDegreeDecimals, "deg");
             },

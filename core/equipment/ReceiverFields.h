@@ -44,7 +44,7 @@ struct Term
 {
     const char* code;  ///< for programs
     const char* words; ///< for reports
-    int textId;        ///< for the user
+    int textId;        ///< for the user; 0: the words are a name
 };
 
 struct Angle
@@ -107,7 +107,7 @@ struct ReceiverField
 
     const char* key;   ///< in JSON
     const char* label; ///< its name in reports; empty: it stands below the field in front of it
-    int textId;        ///< its name for the user; 0: he does not see it
+    int textId;        ///< its name for the user, and in reports in Japanese
     unsigned places;
     FieldSource source;
     /// What it says; nothing for what is not known. Its range is not checked.

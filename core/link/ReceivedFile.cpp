@@ -80,16 +80,6 @@ const AnewMeaning& MeaningOf(AnewReason reason)
     return kMeanings[static_cast<std::size_t>(reason)];
 }
 
-std::string TransferStartWords(const TransferStart& start)
-{
-    if (start.continuedAt > 0) {
-        return "continued at byte " + std::to_string(start.continuedAt);
-    }
-    return start.reason != AnewReason::None
-               ? std::string("begun anew: ") + MeaningOf(start.reason).words
-               : std::string();
-}
-
 ReceivedFile::ReceivedFile(const fs::path& folder, std::wstring_view name,
                            std::uint32_t expectedSize, std::optional<std::uint32_t> time,
                            FileOperations& operations)

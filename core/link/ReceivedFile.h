@@ -53,11 +53,8 @@ struct AnewMeaning
     const char* words; ///< for the terminal, behind "begun anew: "
     int textId;        ///< for the user, a number of the string table
 };
-/// Any thread, as the next one.
+/// Any thread.
 [[nodiscard]] const AnewMeaning& MeaningOf(AnewReason reason);
-/// For the terminal, behind a name: "continued at byte 40000", "begun anew: ..."; empty if the
-/// transfer just began.
-[[nodiscard]] std::string TransferStartWords(const TransferStart& start);
 
 /// A file of the receiver that is being put together on this machine, block by block, as NAME.part
 /// and, once it is whole, as NAME. Knows nothing of the line. One thread.

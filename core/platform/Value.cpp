@@ -101,9 +101,10 @@ Value Value::YesNo(bool yes)
     return value;
 }
 
-Value Value::List(std::vector<std::string> texts)
+Value Value::List(std::vector<std::string> texts, std::string words)
 {
     Value value;
+    value.m_words = std::move(words);
     value.m_data.emplace<std::vector<std::string>>(std::move(texts));
     return value;
 }

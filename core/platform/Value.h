@@ -26,7 +26,8 @@ public:
     /// The number with as many digits as it takes to tell it from any other.
     static Value Exact(double number, std::string unit = {});
     static Value YesNo(bool yes);
-    static Value List(std::vector<std::string> texts);
+    /// @param words  what a person reads; empty: the texts
+    static Value List(std::vector<std::string> texts, std::string words = {});
     /// @param code   what a program reads
     /// @param words  what a person reads
     static Value Word(std::string code, std::string words);

@@ -43,6 +43,13 @@ Language CurrentLanguage()
     return language;
 }
 
+std::optional<Language> LanguageNamed(std::string_view name)
+{
+    return name == "ja"   ? std::optional(Language::Japanese)
+           : name == "en" ? std::optional(Language::English)
+                          : std::nullopt;
+}
+
 const wchar_t* Text(int id)
 {
     const auto* entry = std::lower_bound(std::begin(kEntries), std::end(kEntries), id,

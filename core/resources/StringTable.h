@@ -2,7 +2,9 @@
 
 #include "core/resources/Texts.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace fieldcore {
 
@@ -20,6 +22,10 @@ enum class Language
 /// Japanese unless it is set. Any thread.
 void SetLanguage(Language language);
 [[nodiscard]] Language CurrentLanguage();
+/// The variable of the environment that says the language of a program whose options do not.
+inline constexpr const char* kLanguageVariable = "FIELDCORE_LANGUAGE";
+/// "ja" or "en"; nothing if @p name is neither. Any thread.
+[[nodiscard]] std::optional<Language> LanguageNamed(std::string_view name);
 
 /// @return the text under @p id in the current language; empty if there is none. Any thread.
 [[nodiscard]] const wchar_t* Text(int id);

@@ -45,16 +45,18 @@ public:
 
     [[nodiscard]] std::filesystem::path File() const { return Path("program/GSurveyPlan.alm"); }
     /// The almanac's bytes, and whether nothing lies beside it.
-    [[nodiscard]] std::string Bytes() const
+    [[nodiscard]] std::string Bytes(const std::string& folder = "program") const
     {
-        const std::filesystem::directory_iterator files(Path("program"));
+        const std::filesystem::directory_iterator files(Path(folder));
         EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "a temporary file is left";
-        return Content(File());
+        return Content(Path(folder + "/GSurveyPlan.alm"));
     }
 
 private:
     FastClock m_clock{1.0, std::chrono::sys_days{2026y / 3 / 14} + 90min};
 };
+
+constexpr const char* kSimulated = "program/simulator";
 
 TEST(Almanac, SampleIsOfToday)
 {
@@ -92,7 +94,7 @@ TEST(Almanac, ImportTellsWhatIsWrongAndKeepsTheOldOne)
     const Row rows[] = {
         {"no almanac", "Eccentricity", "", 8, "file.alm, line 1"},
         {"a line that makes no sense", bad, "", 8, "line 77, \"Health\""},
-        {"too few", Yuma(4, "2400", "0.0"), "", 1, "軌道暦データ数が4以下です。"},
+        {"too few", Yuma(4, "2400", "0.0"), "", 1, "The almanac has four satellites or fewer."},
         {"week that does not exist", good, "--week 32768", 2, "--week"},
         {"no week", good, "--week next", 2, "--week"},
     };
@@ -163,7 +165,7 @@ TEST(Almanac, IsOldAfterMoreThanThirtyDays)
         SCOPED_TRACE(row.fault);
         const Outcome outcome = runner.Run("almanac show --json --date " + row.date);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        const bool isTold = outcome.err.find("30日以上古い軌道暦") != std::string::npos;
+        const bool isTold = outcome.err.find("30 days or more older") != std::string::npos;
         EXPECT_EQ(isTold, row.old);
         if (row.code == 0) {
             EXPECT_EQ(outcome.Json()["result"]["old"], row.old);
@@ -180,7 +182,7 @@ TEST(Almanac, SaysHowToGetOneWhereThereIsNone)
     for (const char* const way : {"almanac get", "almanac import", "almanac sample"}) {
         EXPECT_NE(missing.err.find(way), std::string::npos) << way;
     }
-    EXPECT_NE(missing.err.find("ファイル読み込みに失敗しました。"), std::string::npos);
+    EXPECT_NE(missing.err.find("The file could not be read."), std::string::npos);
     runner.Folder().Write("program/GSurveyPlan.alm", std::string(79, '\x01')); // a byte is missing
     EXPECT_NE(runner.Run("almanac show").err.find("holds no almanac"), std::string::npos);
     runner.Folder().Write("program/GSurveyPlan.alm", std::string(80, '\xFF')); // of PRN 255
@@ -199,18 +201,19 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
         std::string told;
     };
     const Row rows[] = {
-        {"a good receiver", "almanac-31", 0, "", 31, "軌道暦を更新しました"},
-        {"just enough", "almanac-5", 0, "", 5, "軌道暦を更新しました"},
-        {"too few", "almanac-4", 1, "almanac-too-few", -1, "軌道暦データ数が4以下です。"},
+        {"a good receiver", "almanac-31", 0, "", 31, "The almanac has been updated."},
+        {"just enough", "almanac-5", 0, "", 5, "The almanac has been updated."},
+        {"too few", "almanac-4", 1, "almanac-too-few", -1,
+         "The almanac has four satellites or fewer."},
         {"cable pulled before there were enough", "almanac-hangs-up", 3, "link-lost", -1,
          "The port is gone."},
-        {"nobody there", "silent", 4, "no-answer", -1, "受信機へ接続できませんでした。"},
+        {"nobody there", "silent", 4, "no-answer", -1, "The receiver could not be connected."},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         AlmanacRunner runner;
-        ASSERT_EQ(runner.Run("almanac sample").code, 0);
-        const std::string before = runner.Bytes();
+        ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
+        const std::string before = runner.Bytes(kSimulated);
         const Outcome outcome =
             runner.Run("almanac get --json --speed 20 --timeout 10 --port sim:" + row.scenario);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
@@ -219,7 +222,7 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
         const nlohmann::json document = outcome.Json();
         if (row.received < 0) {
             EXPECT_EQ(document["error"]["code"], row.error);
-            EXPECT_EQ(runner.Bytes(), before);
+            EXPECT_EQ(runner.Bytes(kSimulated), before);
         } else {
             EXPECT_EQ(document["result"]["received"], row.received);
             EXPECT_EQ(document["result"]["satelliteCount"], row.received);
@@ -231,8 +234,8 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
 TEST(Almanac, CtrlCKeepsTheOldOne)
 {
     AlmanacRunner runner;
-    ASSERT_EQ(runner.Run("almanac sample").code, 0);
-    const std::string before = runner.Bytes();
+    ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
+    const std::string before = runner.Bytes(kSimulated);
     runner.world.errIsTerminal = true;
     runner.world.stopSignal = [&runner] {
         const auto* err = dynamic_cast<std::ostringstream*>(runner.world.err);
@@ -240,7 +243,7 @@ TEST(Almanac, CtrlCKeepsTheOldOne)
     };
     const Outcome outcome = runner.Run("almanac get --speed 20 --timeout 60 --port sim:almanac-31");
     EXPECT_EQ(outcome.code, 7) << outcome.err;
-    EXPECT_EQ(runner.Bytes(), before);
+    EXPECT_EQ(runner.Bytes(kSimulated), before);
 }
 
 } // namespace

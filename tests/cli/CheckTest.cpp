@@ -58,7 +58,8 @@ TEST(Check, TellsTheValueOrTheMessage)
     EXPECT_EQ(refused["result"]["valid"], false);
     EXPECT_TRUE(refused["result"]["value"].is_null());
     EXPECT_EQ(refused["error"]["code"], "not-valid");
-    EXPECT_EQ(refused["messages"][0]["text"], "入力値は[ 1.000 ]～[ 10.000 ]までです。");
+    EXPECT_EQ(refused["messages"][0]["text"],
+              "The value must lie between [ 1.000 ] and [ 10.000 ].");
 }
 
 TEST(Next, CountsOn)

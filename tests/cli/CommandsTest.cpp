@@ -85,10 +85,10 @@ TEST(Info, ExplainsItsDecision)
     const Row rows[] = {
         {"a good receiver needs no words", "lark", 0, ""},
         {"beta firmware is accepted with a warning", "beta-firmware", 0,
-         "接続受信機ファームウェアはベータ版のため動作保証いたしません。"},
+         "The firmware of the receiver is a beta version; its operation is not guaranteed."},
         {"old firmware: the lowest that is supported", "old-firmware", 5, "2.03"},
         {"unsupported type: its number", "unsupported", 5,
-         "本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。"},
+         "This software does not support the receiver [ 2040 ]."},
         {"nobody answers: the step", "silent", 4, "asking for its status"},
     };
     Runner runner;

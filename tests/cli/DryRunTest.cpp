@@ -1,4 +1,4 @@
-// --dry-run: whatever it is given to, nothing is different afterwards.
+// What must stay as it is: --dry-run changes nothing, and a simulated receiver nothing of the user.
 
 #include "tests/cli/Runner.h"
 
@@ -11,6 +11,73 @@
 
 namespace fieldcore::cli::test {
 namespace {
+
+/// All that is stored and all files.
+/// @param isReal  without what a simulated receiver leads to
+std::vector<std::string> State(Runner& runner, bool isReal)
+{
+    std::vector<std::string> all{runner.Run("settings export --all").out,
+                                 isReal ? "" : runner.Run("settings export --all --port sim:").out};
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(runner.Folder().Path())) {
+        const std::string path = entry.path().string();
+        if (!isReal || path.find("/simulator") == std::string::npos) {
+            all.push_back(path + (path.ends_with(".alm") ? Content(path) : ""));
+        }
+    }
+    std::sort(all.begin(), all.end());
+    return all;
+}
+
+TEST(SimulatedReceiver, LeadsToAStoreOfItsOwn)
+{
+    struct Row
+    {
+        std::string command;
+        std::string variable; ///< FIELDCORE_PORT
+        std::string kept;     ///< by the command, in the other store
+    };
+    const Row rows[] = {
+        {"almanac get --speed 20 --timeout 60 --port sim:almanac-5", "", "almanac show --json"},
+        {"ports set 2 57600 --port sim:", "", ""},
+        {"ports set 2 57600", "sim:", ""},
+        {"ports set 0 57600", "sim:", ""},
+        {"ports set 2 57600", "stored", ""},
+        {"signal set l2c --port sim:", "", ""},
+        {"tilt speed slow --port sim:tilted", "", ""},
+        {"identify --search --store --port sim:", "", ""},
+        {"antenna set --height 1.5 --type 3 --port sim:", "", ""},
+        {"settings set A n 2 --port sim:", "", "settings get A n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command + " " + row.variable);
+        Runner runner;
+        ASSERT_EQ(runner.Run("almanac sample").code, 0);
+        ASSERT_EQ(runner.Run("settings set A n 1").code, 0);
+        if (row.variable == "stored") {
+            ASSERT_EQ(runner.Run("settings set GPS\\Connect Port sim:").code, 0);
+        } else if (!row.variable.empty()) {
+            runner.variables["FIELDCORE_PORT"] = row.variable;
+        }
+        const std::vector<std::string> before = State(runner, true);
+        const Outcome outcome = runner.Run(row.command);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_NE(outcome.err.find("Kept in the simulator's own store."), std::string::npos);
+        EXPECT_EQ(State(runner, true), before);
+        if (!row.kept.empty()) {
+            EXPECT_NE(runner.Run(row.kept).out, runner.Run(row.kept + " --port sim:").out);
+        }
+    }
+}
+
+TEST(SimulatedReceiver, IsKnownToACommandOfSimRun)
+{
+    Runner runner;
+    const std::string cli = std::string("sim run -- ") + FIELDCORE_CLI;
+    EXPECT_EQ(runner.RunProgram(cli + " ports set 2 57600").code, 0);
+    EXPECT_FALSE(std::filesystem::exists(runner.Path("config/fieldcore/settings.db")));
+    EXPECT_NE(runner.RunProgram("ports show --port sim:").out.find("57600"), std::string::npos);
+}
 
 TEST(DryRun, ChangesNothing)
 {
@@ -34,26 +101,18 @@ TEST(DryRun, ChangesNothing)
     ASSERT_EQ(runner.Run("settings set A n 1").code, 0);
     ASSERT_EQ(runner.Run("settings export @/saved.txt").code, 0);
     ASSERT_EQ(runner.Run("settings set A m 1").code, 0);
-    for (const char* const look : {"antenna list", "ports show", "signal show --port sim:"}) {
+    for (const char* const look :
+         {"antenna list", "ports show", "ports show --port sim:", "signal show --port sim:"}) {
         ASSERT_EQ(runner.Run(look).code, 0); // which installs the catalogue and makes defaults
     }
-    const auto state = [&] {
-        std::vector<std::string> all{runner.Run("settings export --all").out};
-        for (const auto& entry :
-             std::filesystem::recursive_directory_iterator(runner.Folder().Path())) {
-            all.push_back(entry.path().string());
-        }
-        std::sort(all.begin(), all.end());
-        return all;
-    };
-    const std::vector<std::string> before = state();
+    const std::vector<std::string> before = State(runner, false);
     for (const char* const command : commands) {
         SCOPED_TRACE(command);
         const Outcome outcome = runner.Run(std::string(command) + " --dry-run --json");
         EXPECT_EQ(outcome.code, 0) << outcome.err;
         EXPECT_EQ(outcome.Json().value("dryRun", false), true);
         EXPECT_NE(outcome.err.find("nothing was changed"), std::string::npos) << "not told";
-        EXPECT_EQ(state(), before);
+        EXPECT_EQ(State(runner, false), before);
     }
 }
 

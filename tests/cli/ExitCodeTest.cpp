@@ -224,5 +224,30 @@ TEST(ExitCode, DryRunOfAResetSendsNone)
     EXPECT_EQ(Content(runner.Path("log")).find("02 00 58 "), std::string::npos);
 }
 
+TEST(LanguageOfARun, IsOne)
+{
+    Runner runner;
+    const char* const commands[] = {"info --port sim:", "info --port sim:silent --timeout 0.1",
+                                    "identify --port sim:", "files ls --port sim:",
+                                    "almanac get --port sim:almanac-5 --speed 20"};
+    const auto saysJapanese = [](const Outcome& outcome) { // every kana and kanji begins so
+        return (outcome.out + outcome.err).find_first_of("\xE3\xE4\xE5\xE6\xE7\xE8\xE9") !=
+               std::string::npos;
+    };
+    for (const char* const command : commands) {
+        SCOPED_TRACE(command);
+        EXPECT_FALSE(saysJapanese(runner.Run(command)));
+        EXPECT_TRUE(saysJapanese(runner.Run(std::string(command) + " --language ja")));
+        runner.variables["FIELDCORE_LANGUAGE"] = "ja";
+        EXPECT_TRUE(saysJapanese(runner.Run(command)));
+        EXPECT_FALSE(saysJapanese(runner.Run(std::string("--language=en ") + command)));
+        runner.variables.clear();
+    }
+    EXPECT_EQ(runner.Run("ports --language fr").code, 2);
+    runner.variables["FIELDCORE_LANGUAGE"] = "japanese";
+    EXPECT_EQ(runner.Run("ports").code, 2);
+    EXPECT_EQ(runner.Run("ports --language ja").code, 0) << "the option wins";
+}
+
 } // namespace
 } // namespace fieldcore::cli::test

@@ -121,8 +121,7 @@ TEST_F(PlanTest, BeginsWithANominalAlmanac)
     EXPECT_EQ(first.code, 0);
     EXPECT_NE(first.err.find("sample"), std::string::npos) << first.err;
     EXPECT_NE(first.out.find("31 satellites"), std::string::npos) << first.out;
-    EXPECT_EQ(m_runner.Run("plan").err.find("There was no almanac"), std::string::npos)
-        << "told once";
+    EXPECT_EQ(m_runner.Run("plan").err.find("There was no"), std::string::npos) << "told once";
 }
 
 TEST_F(PlanTest, FindsTheGoodWindows)
@@ -176,7 +175,7 @@ TEST_F(PlanTest, TakesWhatThePageKeeps)
 TEST_F(PlanTest, SaysThatAnAlmanacIsMadeUp)
 {
     ASSERT_EQ(m_runner.Run("almanac sample --yes").code, 0);
-    const std::string made = "公称軌道暦（見本）";
+    const std::string made = "nominal almanac (sample)";
     for (const char* const arguments : {"plan", "plan --json", "plan --csv", "plan best"}) {
         const Outcome outcome = m_runner.Run(arguments);
         EXPECT_NE(outcome.err.find(made), std::string::npos) << arguments;

@@ -10,11 +10,11 @@
 namespace fieldcore::cli::test {
 namespace {
 
-/// The stored parameters of all ports, as one text.
-std::string Shown(Runner& runner)
+/// The stored parameters of all ports, as one text; by default those of the simulator's store.
+std::string Shown(Runner& runner, const std::string& store = "sim:")
 {
     std::string all;
-    const nlohmann::json result = runner.Run("ports show --json").Json()["result"];
+    const nlohmann::json result = runner.Run("ports show --json --port " + store).Json()["result"];
     for (const auto& port : result["ports"]) {
         all += port["port"].get<std::string>() + " " + port["rate"].get<std::string>() + "-" +
                port["dataBits"].get<std::string>() + "-" + port["parity"].get<std::string>() + " ";
@@ -52,9 +52,10 @@ TEST(PortsSet, TellsTheReceiverAndStores)
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     outcome = runner.Run("ports set 1 57600" + sim); // the port in use: the line follows
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_EQ(runner.Run("ports set 0 4800-8-odd").code, 0);
+    EXPECT_EQ(runner.Run("ports set 0 4800-8-odd" + sim).code, 0);
     EXPECT_EQ(Shown(runner),
               "link 4800-8-Odd com1 57600-8-None com2 115200-7-Even com3 9600-8-None ");
+    EXPECT_EQ(Shown(runner, "COM1"), before) << "a real port";
 }
 
 TEST(PortOptions, DefaultToTheStoredLine)
@@ -62,10 +63,10 @@ TEST(PortOptions, DefaultToTheStoredLine)
     Runner runner;
     const std::string info = "info --port sim:" + runner.Scenario("check-rate yes\nbaud 9600\n") +
                              " --speed 20 --timeout 1";
-    ASSERT_EQ(runner.Run("ports set 0 9600").code, 0);
+    ASSERT_EQ(runner.Run("ports set 0 9600 --port sim:").code, 0);
     EXPECT_EQ(runner.Run(info).code, 0);
     EXPECT_EQ(runner.Run(info + " --baud 38400").code, 4) << "the option does not count";
-    ASSERT_EQ(runner.Run("ports set 0 38400").code, 0);
+    ASSERT_EQ(runner.Run("ports set 0 38400 --port sim:").code, 0);
     EXPECT_EQ(runner.Run(info).code, 4);
     EXPECT_EQ(runner.Run(info + " --baud 9600").code, 0);
 }

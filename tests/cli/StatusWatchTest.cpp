@@ -26,7 +26,7 @@ TEST(StatusWatch, FollowsTheBatteryAndTellsAges)
     ASSERT_EQ(readings.size(), 16U);
     const nlohmann::json& first = readings.front();
     const nlohmann::json& last = readings.back();
-    EXPECT_EQ(first["powerSourceName"], "電源B");
+    EXPECT_EQ(first["powerSourceName"], "Power B");
     EXPECT_TRUE(first["batteryTrendPercentPerHour"].is_null()) << "one reading has no trend";
     EXPECT_TRUE(first["batteryMinutesLeft"].is_null());
     EXPECT_NEAR(last["batteryTrendPercentPerHour"].get<double>(), -60.0, 6.0);

@@ -91,7 +91,7 @@ TEST(Tilt, ShowsCalibratesAndSets)
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         EXPECT_EQ(outcome.Json()[row.code == 0 ? "result" : "error"][row.key], row.value);
     }
-    const Outcome kept = runner.Run("settings get GPS\\eBubble Viscosity --json");
+    const Outcome kept = runner.Run("settings get GPS\\eBubble Viscosity --json --port sim:");
     EXPECT_EQ(kept.Json()["result"]["value"], "2") << "as the controller's screen shows it";
     const Outcome watched =
         runner.Run(std::string("tilt show --watch --count 3 --port sim:tilted") + kFast);

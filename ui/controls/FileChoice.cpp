@@ -72,6 +72,9 @@ std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& capt
 
 bool UseJapaneseTextsOfQt()
 {
+    if (CurrentLanguage() != Language::Japanese) {
+        return false;
+    }
     auto* const translator = new QTranslator(QCoreApplication::instance());
     return translator->load(QStringLiteral("qtbase_ja"),
                             QLibraryInfo::path(QLibraryInfo::TranslationsPath)) &&

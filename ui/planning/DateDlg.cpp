@@ -68,7 +68,9 @@ DateDlg::DateDlg(std::chrono::year_month_day date, std::chrono::year_month_day t
 {
     setWindowTitle(UiText(text::kPlanDate));
     setAccessibleName(windowTitle());
-    m_calendar->setLocale(QLocale(QLocale::Japanese, QLocale::Japan));
+    m_calendar->setLocale(CurrentLanguage() == Language::Japanese
+                              ? QLocale(QLocale::Japanese, QLocale::Japan)
+                              : QLocale(QLocale::English, QLocale::UnitedStates));
     m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     m_calendar->setAccessibleName(windowTitle());
     m_calendar->setDateRange({1980, 1, 6}, {2079, 12, 31});
