@@ -383,8 +383,7 @@ void Controller::PlanAhead()
 
 HomeState Controller::State() const
 {
-<<<<<<< HEAD
-    HomeState state{m_link->Heard(), View(), m_antennaLine, {}};
+    HomeState state{m_link->Heard(), View(), m_antennaLine, m_nextWindow, {}};
     if (state.receiver.link == LinkState::NotConnected) {
         state.receiver.link = m_attempt;
     }
@@ -394,10 +393,6 @@ HomeState Controller::State() const
         state.simulator = QString::fromStdString(scenario.empty() ? m_choice.port : scenario);
     }
     return state;
-=======
-    return {m_link->Heard(), View(), m_antennaLine, m_nextWindow,
-            QString::fromStdString(m_target->Scenario())};
->>>>>>> w-glove
 }
 
 QString Controller::TakeNotice()

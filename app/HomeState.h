@@ -13,14 +13,9 @@ struct HomeState
 {
     Receiver receiver;
     StatusView view;
-<<<<<<< HEAD
-    QString antenna;   ///< its height and how it was measured, in one line
-    QString simulator; ///< name of the scenario, connected or not; empty: a real receiver
-=======
     QString antenna;    ///< its height and how it was measured, in one line
     QString nextWindow; ///< when the sky is good next today; empty: not known
-    QString simulator;  ///< name of the scenario; empty: a real receiver
->>>>>>> w-glove
+    QString simulator;  ///< name of the scenario, connected or not; empty: a real receiver
 };
 
 /// A field that comes with each answer of the link: it is as old as the last of them.

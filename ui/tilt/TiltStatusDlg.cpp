@@ -62,12 +62,9 @@ TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent
       m_calibrate(Button(text::kTiltCalibrate, "calibrate")), m_expiryEdit(new QLineEdit)
 {
     setWindowTitle(UiText(text::kTiltCaption));
-<<<<<<< HEAD
     OfferConnection();
-=======
     m_duration->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
     m_expiryEdit->setInputMethodHints(Qt::ImhDigitsOnly);
->>>>>>> w-glove
     Build();
     connect(m_sensitivity, &QComboBox::activated, this,
             [this](int place) { m_tilt.ChooseSensitivity(place); });
