@@ -111,7 +111,7 @@ TEST(ReceiverFields, SayTheSameToEverybody)
          [](Receiver& r) { r.position->value.vdop = std::numeric_limits<float>::infinity(); },
          "vdop", L"--", "--"},
         {"power source by its family's name", [](Receiver& r) { r.powerSource->value = 2; },
-         "powerSourceName", L"電源B", "電源B"},
+         "powerSourceName", L"電源B", "Power B"},
         {"power source that was not told", [](Receiver& r) { r.powerSource.reset(); },
          "powerSourceName", L"--", "--"},
         {"trend", kNothing, "batteryTrendPercentPerHour", L"-12.0 %/時", "-12.0 %/h"},
@@ -155,7 +155,9 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         view.limits = ObservingLimits{15, 5, 7.0};
         view.antennaHeightM = 1.8;
         EXPECT_EQ(FieldText(field, receiver, view), row.text);
+        SetLanguage(Language::English);
         EXPECT_EQ(ReportField(field, receiver).Words(), row.words);
+        SetLanguage(Language::Japanese);
     }
     for (const ReceiverField& field : AllReceiverFields()) { // of nobody nothing is known
         EXPECT_TRUE(ReportField(field, {}).IsUnknown()) << field.key;

@@ -83,6 +83,7 @@ protected:
     }
 
     FastClock clock{100.0};
+    FastClock search{10.0}; // a search waits 0.6 s for each answer
     QWidget window;
     QtHost host{{.isQ77 = false, .clock = &clock}};
     std::unique_ptr<Simulator> receiver;
@@ -274,7 +275,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         {"drop", true, 1, text::kComSearchCancelled},
         {"nak", false, 1, 0},
     };
-    FastClock search(10.0); // a search waits 0.6 s for each answer
     CCommand patient({&host, &search, nullptr, nullptr});
     target.settings.replyTimeout = 600ms;
     for (const Row& row : rows) {
@@ -335,7 +335,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
 /// Where the settings lead to the receiver but not to its rate, the rate that is found is stored.
 TEST_F(ConnectDlgTest, OffersTheSearchWithThePortOfTheSettings)
 {
-    FastClock search(10.0);
     CCommand patient({&host, &search, nullptr, nullptr});
     Scenario scenario;
     scenario.checksRate = true;
