@@ -1,6 +1,7 @@
 #include "app/Worlds.h"
 
 #include "app/Controller.h"
+#include "core/resources/StringTable.h"
 #include "simulator/Scenario.h"
 #include "simulator/ShippedScenarios.h"
 
@@ -48,8 +49,11 @@ std::vector<ScenarioChoice> Scenarios()
     for (const simulator::ShippedScenario& shipped : simulator::AllShippedScenarios()) {
         std::string error;
         const auto scenario = simulator::LoadScenario(std::string(shipped.name), error);
-        choices.push_back({std::string(shipped.name),
-                           scenario ? QString::fromStdString(scenario->titleJa) : QString()});
+        const bool isJapanese = CurrentLanguage() == Language::Japanese;
+        choices.push_back(
+            {std::string(shipped.name),
+             scenario ? QString::fromStdString(isJapanese ? scenario->titleJa : scenario->title)
+                      : QString()});
     }
     return choices;
 }
