@@ -17,8 +17,8 @@ NumberText TextOf(std::span<const std::uint8_t> field)
 {
     NumberText text{};
     // No character beyond ASCII belongs to a number, and none is a blank.
-    std::transform(field.begin(), field.begin() + std::min(field.size(), kWidest), text.begin(),
-                   [](std::uint8_t byte) { return byte < 0x80 ? wchar_t{byte} : L'?'; });
+    std::ranges::transform(field.first(std::min(field.size(), kWidest)), text.begin(),
+                           [](std::uint8_t byte) { return byte < 0x80 ? wchar_t{byte} : L'?'; });
     return text;
 }
 

@@ -90,11 +90,11 @@ std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now)
 {
     using namespace std::chrono_literals;
     constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
-    constexpr std::int64_t kWeekS = 604800;
+    constexpr std::int64_t kSecondsAWeek = 604800;
     constexpr std::int64_t kStepS = 4096; // of reference times
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - kGpsEpoch).count();
-    const std::int64_t inWeek = seconds % kWeekS / kStepS * kStepS;
-    return NominalConstellation(kNominalSatellites, static_cast<int>(seconds / kWeekS),
+    const std::int64_t inWeek = seconds % kSecondsAWeek / kStepS * kStepS;
+    return NominalConstellation(kNominalSatellites, static_cast<int>(seconds / kSecondsAWeek),
                                 static_cast<std::uint32_t>(inWeek));
 }
 
