@@ -119,8 +119,8 @@ World World::OfThisProcess()
     world.errIsTerminal = isatty(STDERR_FILENO) == 1;
     world.inIsTerminal = isatty(STDIN_FILENO) == 1;
     world.outIsClosed = [] {
-        pollfd out{STDOUT_FILENO, 0, 0};
-        return poll(&out, 1, 0) == 1 && (out.revents & (POLLERR | POLLHUP)) != 0;
+        pollfd stream{STDOUT_FILENO, 0, 0};
+        return poll(&stream, 1, 0) == 1 && (stream.revents & (POLLERR | POLLHUP)) != 0;
     };
     world.variable = Variable;
     world.stopSignal = [] { return static_cast<int>(stopSignalNumber); };

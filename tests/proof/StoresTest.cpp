@@ -72,7 +72,7 @@ bool WriteAlmanac(const fs::path& folder, int version)
     std::vector<AlmanacRecord> records;
     for (int prn = 1; prn <= 6; ++prn) {
         records.push_back(testing::SampleSatellite(prn));
-        records.back().toaS = version;
+        records.back().toaS = static_cast<std::uint32_t>(version);
     }
     return AlmanacStore(folder).Import(records) == AlmanacResult::Done;
 }
@@ -275,7 +275,7 @@ public:
     void Cut(Look look) const
     {
         for (const Names& names : m_states) {
-            for (const std::size_t kept : {0, 1, 2}) { // halves of what was not synced
+            for (const std::size_t kept : {0U, 1U, 2U}) { // halves of what was not synced
                 const TemporaryFolder left;
                 for (const auto& [name, at] : names) {
                     const File& file = m_files[at];
@@ -381,7 +381,7 @@ TEST(Stores, LoseNothingWhenTheyAreKilled)
             version += isNext ? 1 : 0;
         }
     }
-    testing::Measured(static_cast<long long>(kills) * std::size(kStores), "kills");
+    testing::Measured(kills * std::ssize(kStores), "kills");
 }
 
 /// Mounts a file system of 64 KiB that only this process and its children see.

@@ -43,7 +43,7 @@ protected:
 
 TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
 {
-    using enum CCommand::Answer;
+    using enum fieldcore::Answer;
     using Answers = std::vector<ScriptedEnd::Answer>;
     const Bytes good = Status();
     const Bytes bad = Damaged(Status());
