@@ -52,12 +52,10 @@ std::uint64_t Sum(std::uint64_t sum, std::string_view bytes)
 
 std::string PieceLine(std::uint32_t end, std::uint64_t sum)
 {
-    std::array<char, 40> line{};
-    char* at = std::to_chars(line.data(), line.data() + line.size(), end).ptr;
-    *at++ = ' ';
-    at = std::to_chars(at, line.data() + line.size(), sum, 16).ptr;
-    *at++ = '\n';
-    return {line.data(), at};
+    std::array<char, 16> digits{};
+    const char* const last =
+        std::to_chars(digits.data(), digits.data() + digits.size(), sum, 16).ptr;
+    return std::to_string(end) + ' ' + std::string(digits.data(), last) + '\n';
 }
 
 /// @return the number before the line's blank; 0 if there is none
