@@ -53,8 +53,7 @@ std::uint64_t Sum(std::uint64_t sum, std::string_view bytes)
 std::string PieceLine(std::uint32_t end, std::uint64_t sum)
 {
     std::array<char, 16> digits{};
-    const char* const last =
-        std::to_chars(digits.data(), digits.data() + digits.size(), sum, 16).ptr;
+    char* const last = std::to_chars(digits.data(), digits.data() + digits.size(), sum, 16).ptr;
     return std::to_string(end) + ' ' + std::string(digits.data(), last) + '\n';
 }
 
