@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <clocale>
-#include <cstdarg>
-#include <cwchar>
 #include <iterator>
-#include <locale.h>
+
+#include <fmt/args.h>
+#include <fmt/printf.h>
+#include <fmt/xchar.h>
 
 namespace fieldcore {
 
@@ -59,18 +59,18 @@ const wchar_t* Text(int id)
                : L"";
 }
 
-std::wstring FormatText(int id, ...)
+std::wstring FillText(int id, std::initializer_list<TextValue> values)
 {
-    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
-    const locale_t before = uselocale(plain);
-    std::array<wchar_t, 1024> buffer{};
-    va_list arguments;
-    va_start(arguments, id);
-    const int length = std::vswprintf(buffer.data(), buffer.size(), Text(id), arguments);
-    va_end(arguments);
-    uselocale(before);
-    return length > 0 ? std::wstring(buffer.data(), static_cast<std::size_t>(length))
-                      : std::wstring();
+    const std::wstring_view format = Text(id);
+    fmt::dynamic_format_arg_store<fmt::wprintf_context> arguments;
+    for (const TextValue& value : values) {
+        std::visit([&](const auto& filled) { arguments.push_back(filled); }, value);
+    }
+    try {
+        return fmt::vsprintf(format, fmt::basic_format_args<fmt::wprintf_context>(arguments));
+    } catch (const fmt::format_error&) {
+        return std::wstring(format);
+    }
 }
 
 } // namespace fieldcore

@@ -2,9 +2,13 @@
 
 #include "core/resources/Texts.h"
 
+#include <concepts>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <variant>
 
 namespace fieldcore {
 
@@ -30,8 +34,31 @@ inline constexpr const char* kLanguageVariable = "FIELDCORE_LANGUAGE";
 /// @return the text under @p id in the current language; empty if there is none. Any thread.
 [[nodiscard]] const wchar_t* Text(int id);
 
-/// The text under @p id as a wprintf format, filled in with a decimal point whatever the user's
-/// locale. The arguments must fit the format. Any thread.
-[[nodiscard]] std::wstring FormatText(int id, ...);
+/// What fills a place of a format: a whole number, one with decimals, or a text, which has to live
+/// for as long as the call.
+using TextValue = std::variant<long long, unsigned long long, double, std::wstring_view>;
+
+/// The text under @p id as a format of printf, filled in with a decimal point whatever the user's
+/// locale. Lengths in the format (%ld, %ls) mean nothing: the value knows its type.
+/// @return the text as it stands if @p values do not fit it. Any thread.
+[[nodiscard]] std::wstring FillText(int id, std::initializer_list<TextValue> values);
+
+template <typename... Values>
+[[nodiscard]] std::wstring FormatText(int id, const Values&... values)
+{
+    const auto value = [](const auto& given) -> TextValue {
+        using Given = std::decay_t<decltype(given)>;
+        if constexpr (std::floating_point<Given>) {
+            return static_cast<double>(given);
+        } else if constexpr (std::unsigned_integral<Given>) {
+            return static_cast<unsigned long long>(given);
+        } else if constexpr (std::integral<Given>) {
+            return static_cast<long long>(given);
+        } else {
+            return std::wstring_view(given);
+        }
+    };
+    return FillText(id, {value(values)...});
+}
 
 } // namespace fieldcore
