@@ -98,9 +98,9 @@ struct Enclosed
 std::vector<Enclosed> Enclose(const SkyRecord& record, int floor)
 {
     const auto columns = std::size_t{kColumns};
-    std::vector<Costs> cells;
-    for (int column = 0; column < kColumns; ++column) {
-        cells.push_back(CellCosts(record, column, floor));
+    std::vector<Costs> cells(columns);
+    for (std::size_t column = 0; column < columns; ++column) {
+        cells[column] = CellCosts(record, static_cast<int>(column), floor);
     }
     // Once around from either side, after a first round that knows what lies across north.
     std::vector<Costs> fromLeft(columns);

@@ -12,7 +12,6 @@
 #include <limits>
 #include <numbers>
 #include <string_view>
-#include <utility>
 
 namespace fieldcore {
 
@@ -122,7 +121,8 @@ void SkyRecord::Note(const SkyDirection& direction, std::uint8_t Counts::*count)
 
 SkyRecord::Cell SkyRecord::At(int azimuth, int elevation) const
 {
-    const Counts& cell = m_cells[static_cast<std::size_t>(azimuth * kElevations + elevation)];
+    const Counts& cell = m_cells[static_cast<std::size_t>(azimuth) * kElevations +
+                                 static_cast<std::size_t>(elevation)];
     if (cell.tracked == 0 && cell.missed == 0) {
         return Cell::Unknown;
     }
@@ -210,8 +210,8 @@ SkyRecords LoadSkyRecords(const fs::path& folder)
         if (!content) {
             continue; // it may be readable another time
         }
-        if (auto record = SkyRecord::FromBytes(*content)) {
-            loaded.records.push_back(*std::move(record));
+        if (const auto record = SkyRecord::FromBytes(*content)) {
+            loaded.records.push_back(*record);
         } else if (const fs::path aside = SetFileAside(file); !aside.empty()) {
             loaded.setAside.push_back(aside.filename().string());
         }

@@ -223,7 +223,7 @@ bool SkyRecorder::GoTo(const Observer& place)
             return DistanceM(record.Place(), place);
         });
     if (nearest != known.records.end() && DistanceM(nearest->Place(), place) <= kSamePlaceM) {
-        m_record = std::move(*nearest);
+        m_record = *nearest;
     } else {
         m_record = SkyRecord(place);
     }

@@ -23,7 +23,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <utility>
 
 namespace fieldcore {
 
@@ -67,6 +66,7 @@ CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surro
     large.setBold(true);
     m_reading->setFont(large);
     m_reading->setAlignment(Qt::AlignCenter);
+    m_reading->setWordWrap(true); // a large font on a small screen
     auto* const hint = new QLabel(UiText(text::kCurtainHint));
     hint->setWordWrap(true);
     hint->setAlignment(Qt::AlignCenter);
@@ -121,10 +121,10 @@ void CurtainEditor::Propose()
         SkyRecords known = LoadSkyRecords(m_session.Folder());
         std::ranges::move(known.setAside, std::back_inserter(notes.setAside));
         if (!known.records.empty()) {
-            notes.record = std::move(known.records.front());
+            notes.record = known.records.front();
         }
     }
-    m_noted = std::move(notes.record);
+    m_noted = notes.record;
     const auto proposal =
         m_noted ? ProposeCurtain(*m_noted, m_edit.Curtain()) : std::optional<CurtainProposal>();
     m_view->SetProposal(proposal);

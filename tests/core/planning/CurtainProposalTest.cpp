@@ -120,6 +120,39 @@ TEST(CurtainProposal, ADayKnowsNearlyAllOfIt)
     EXPECT_EQ(again->curtain, proposal->curtain) << "what was taken over stays";
 }
 
+/// North is a direction like any other.
+TEST(CurtainProposal, TurnsWithItsSurroundings)
+{
+    simulator::Scenario place;
+    place.obstructions = {{330.0, 60.0, 35.0, 35.0}};
+    const SkyRecord record = RecordOf(place, 0, 8);
+    const auto straight = ProposeCurtain(record, {});
+    ASSERT_TRUE(straight);
+    for (int turn = 10; turn < SkyRecord::kAzimuths; turn += 17) {
+        SkyRecord turned;
+        for (int round = 0; round < 8 * 120; ++round) {
+            turned.BeginNotes({});
+        }
+        for (int column = 0; column < SkyRecord::kAzimuths; ++column) {
+            for (int elevation = 0; elevation < SkyRecord::kElevations; ++elevation) {
+                const SkyDirection at{RadiansOf((column + turn) * 2 + 1.0),
+                                      RadiansOf(elevation + 0.5)};
+                if (record.At(column, elevation) == SkyRecord::Cell::Open) {
+                    turned.NoteTracked(at);
+                } else if (record.At(column, elevation) == SkyRecord::Cell::Hidden) {
+                    turned.NoteMissed(at);
+                }
+            }
+        }
+        auto proposal = ProposeCurtain(turned, {});
+        ASSERT_TRUE(proposal);
+        std::ranges::rotate(proposal->curtain, proposal->curtain.begin() + 2 * turn);
+        std::ranges::rotate(proposal->certainty, proposal->certainty.begin() + 2 * turn);
+        EXPECT_EQ(proposal->curtain, straight->curtain) << turn;
+        EXPECT_EQ(proposal->certainty, straight->certainty) << turn;
+    }
+}
+
 TEST(CurtainProposal, SaysNothingTooEarly)
 {
     const simulator::Scenario open;
