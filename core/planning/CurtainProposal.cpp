@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
-#include <limits>
 #include <vector>
 
 namespace fieldcore {
@@ -74,15 +72,19 @@ Costs CellCosts(const SkyRecord& record, int column, int floor)
 /// elevation. Below the floor it costs nothing to rise: nobody knows of it.
 Costs Reached(const Costs& before, int floor)
 {
-    Costs reached{};
-    for (int to = 0; to <= kTop; ++to) {
-        double least = std::numeric_limits<double>::max();
-        for (int from = 0; from <= kTop; ++from) {
-            const int rise = std::abs(std::max(to, floor) - std::max(from, floor));
-            least = std::min(least, before[static_cast<std::size_t>(from)] +
-                                        kRiseCost * std::min(rise, kEdgeDeg));
-        }
-        reached[static_cast<std::size_t>(to)] = least;
+    const double edge = *std::ranges::min_element(before) + kRiseCost * kEdgeDeg;
+    const auto first = static_cast<std::size_t>(floor);
+    Costs reached = before;
+    reached[first] = *std::min_element(before.begin(), before.begin() + floor + 1);
+    for (std::size_t line = first + 1; line < reached.size(); ++line) {
+        reached[line] = std::min(reached[line], reached[line - 1] + kRiseCost);
+    }
+    for (std::size_t line = reached.size() - 1; line > first; --line) {
+        reached[line - 1] = std::min(reached[line - 1], reached[line] + kRiseCost);
+    }
+    std::fill(reached.begin(), reached.begin() + floor, reached[first]);
+    for (double& cost : reached) {
+        cost = std::min(cost, edge);
     }
     return reached;
 }
