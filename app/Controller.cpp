@@ -60,7 +60,12 @@ Controller::Controller(const AppOptions& options)
     m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);
-    m_monitor = std::make_unique<LinkMonitor>(*m_command, *m_link, [this] { m_poll->Tick(); });
+    m_sky = std::make_unique<SkyRecorder>(*m_clock);
+    m_monitor = std::make_unique<LinkMonitor>(*m_command, *m_link, [this] {
+        if (m_poll->Tick()) {
+            m_sky->Take(m_link->Heard(), m_link->Connections());
+        }
+    });
     connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
     connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::LookAtReceiver);
     connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskUser,
@@ -104,6 +109,7 @@ void Controller::UseStore()
     }
     m_folder = folders.Program();
     m_roots.Use(folders);
+    m_sky->Use(m_folder, m_link->Connections());
     PutSamples(m_folder, m_clock->Utc());
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});

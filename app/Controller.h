@@ -11,6 +11,7 @@
 #include "core/link/FrameHistory.h"
 #include "core/link/ReceiverLink.h"
 #include "core/link/RecvInfo.h"
+#include "core/planning/SkyRecorder.h"
 #include "core/platform/Folders.h"
 #include "core/platform/PortNames.h"
 #include "core/settings/HostReg.h"
@@ -89,6 +90,8 @@ public:
     [[nodiscard]] bool MaySetClock() const { return m_maySetClock; }
     void SetMaySetClock(bool maySet);
     [[nodiscard]] const StatusPoll& Poll() const { return *m_poll; }
+    /// What is noted of the sky over the receiver.
+    [[nodiscard]] SkyRecorder::Now SkyNotes() const { return m_sky->GetNow(); }
     /// What is needed to show how the receiver is.
     [[nodiscard]] StatusView View() const;
 
@@ -161,6 +164,7 @@ private:
     QString m_nextWindow;
     std::optional<Clock::Duration> m_plannedAt;
     std::unique_ptr<StatusPoll> m_poll; // behind the link
+    std::unique_ptr<SkyRecorder> m_sky; // behind the poll
     bool m_maySetClock = false;
     LinkState m_attempt = LinkState::NotConnected; // to connect: how far it is, or has come
     ConnectChoice m_choice;

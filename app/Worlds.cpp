@@ -22,6 +22,7 @@ PlanSurroundings PlanWorld(Controller& controller, QWidget* parent)
         const ObservingLimits& limits = controller.Limits();
         return PlanSurroundings::Conditions{limits.maskDeg, limits.satellites, limits.pdop};
     };
+    world.skyNotes = [&controller] { return controller.SkyNotes(); };
     return world;
 }
 

@@ -135,7 +135,7 @@ GpsTime Receiver::Now() const
 
 Sky Receiver::SkyNow() const
 {
-    return SkyAt(m_scenario, Now());
+    return SkyAt(m_scenario, Now(), ElapsedS());
 }
 
 std::vector<Almanac> Receiver::HeldAlmanacs() const

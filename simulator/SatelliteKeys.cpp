@@ -55,6 +55,22 @@ bool ReadSatellite(Words& words, Scenario& scenario)
     return true;
 }
 
+bool ReadObstruction(Words& words, Scenario& scenario)
+{
+    constexpr std::size_t kMost = 100;
+    if (scenario.obstructions.size() == kMost) {
+        return words.Fail("there can be no more than 100 obstructions");
+    }
+    Obstruction& made = scenario.obstructions.emplace_back();
+    if (!words.Real("the azimuth", 0.0, 360.0, made.fromDeg) ||
+        !words.Real("the other azimuth", 0.0, 360.0, made.toDeg) ||
+        !words.Real("the elevation", 0.0, 90.0, made.elevationDeg)) {
+        return false;
+    }
+    made.toElevationDeg = made.elevationDeg;
+    return words.AtEnd() || words.Real("the other elevation", 0.0, 90.0, made.toElevationDeg);
+}
+
 bool ReadListForm(Words& words, Scenario& scenario)
 {
     const std::string_view form = words.Take();

@@ -232,6 +232,8 @@ constexpr Key kKeys[] = {
     {"tilt-calibration", ReadTiltCalibration},
     {"tilt-calibrated", ReadTiltCalibrated},
     {"tilt-validity", ReadTiltValidity},
+    {"antenna", ReadAntenna},
+    {"obstruction", ReadObstruction},
     {"satellite", ReadSatellite},
     {"list-form", ReadListForm},
     {"almanac", ReadAlmanac},

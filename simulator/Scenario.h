@@ -53,6 +53,24 @@ struct Almanac
     std::uint8_t health = 0;  ///< 0: healthy
 };
 
+/// What stands around the antenna: from one azimuth clockwise to the other, and how high it reaches
+/// at both ends. Degrees; in between it rises evenly.
+struct Obstruction
+{
+    double fromDeg = 0.0;
+    double toDeg = 0.0;
+    double elevationDeg = 0.0;
+    double toElevationDeg = 0.0;
+};
+
+/// How the antenna hears.
+enum class AntennaState : std::uint8_t
+{
+    Good,
+    Weak, ///< 20 dB less, and nothing of what is too faint then
+    Dead
+};
+
 /// What the receiver can do. Names in a scenario are these names in lower case.
 struct Options
 {
@@ -142,6 +160,9 @@ struct Scenario
     TiltSettings tilt;                                               ///< counts with the option
     bool signalsLocked = false; ///< an application file fixes the signals
 
+    std::vector<Obstruction> obstructions; ///< hide GPS satellites that move
+    AntennaState antenna = AntennaState::Good;
+    Steps laterAntennas;   ///< numbers of an AntennaState
     double maskDeg = 10.0; ///< GPS satellites that move are tracked from this elevation on
     std::vector<Satellite> satellites; ///< with a GPS one among them none moves
     ListForm listForm = ListForm::Binary;

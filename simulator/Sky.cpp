@@ -76,7 +76,8 @@ Satellite Seen(const Scenario& scenario, int prn, const SkyDirection& direction)
     satellite.azimuthDeg =
         static_cast<int>(std::lround(direction.azimuthRad / kDegree + 360.0)) % 360;
     satellite.elevationDeg = static_cast<int>(std::lround(elevationDeg));
-    if (elevationDeg >= scenario.maskDeg) {
+    if (elevationDeg >= scenario.maskDeg &&
+        elevationDeg >= ObstructionDeg(scenario, direction.azimuthRad / kDegree)) {
         satellite.signals[0] = Signal(50.0, direction.elevationRad);
         if (scenario.options.l2) {
             satellite.signals[1] = Signal(44.0, direction.elevationRad);
@@ -86,6 +87,24 @@ Satellite Seen(const Scenario& scenario, int prn, const SkyDirection& direction)
         }
     }
     return satellite;
+}
+
+/// What is left of its signals behind such an antenna.
+void Dampen(Satellite& satellite, AntennaState antenna)
+{
+    constexpr double kLoss = 20.0; // dB
+    constexpr double kFaintest = 25.0;
+    if (antenna == AntennaState::Good) {
+        return;
+    }
+    for (std::optional<double>& signal : satellite.signals) {
+        if (signal) {
+            *signal -= kLoss;
+        }
+        if (antenna == AntennaState::Dead || signal < kFaintest) {
+            signal.reset();
+        }
+    }
 }
 
 EastNorthUp Towards(const Satellite& satellite)
@@ -128,17 +147,41 @@ std::vector<Satellite> Listed(const Sky& sky, bool inView)
     return listed;
 }
 
+double ObstructionDeg(const Scenario& scenario, double azimuthDeg)
+{
+    constexpr double kCircle = 360.0;
+    const auto clockwise = [](double from, double to) {
+        const double way = std::fmod(to - from, kCircle);
+        return way < 0.0 ? way + kCircle : way;
+    };
+    double highest = 0.0;
+    for (const Obstruction& obstruction : scenario.obstructions) {
+        const double width = clockwise(obstruction.fromDeg, obstruction.toDeg);
+        const double into = clockwise(obstruction.fromDeg, azimuthDeg);
+        const bool isAround = width == 0.0 && obstruction.fromDeg != obstruction.toDeg;
+        if (into <= width || isAround) {
+            const double part = width > 0.0 ? into / width : 0.0;
+            highest = std::max(
+                highest, std::lerp(obstruction.elevationDeg, obstruction.toElevationDeg, part));
+        }
+    }
+    return highest;
+}
+
 std::vector<Almanac> AlmanacsAt(const Scenario& scenario, const GpsTime& now)
 {
     return Almanacs(scenario, now, scenario.nominalAlmanacs.value_or(0));
 }
 
-Sky SkyAt(const Scenario& scenario, const GpsTime& now)
+Sky SkyAt(const Scenario& scenario, const GpsTime& now, double elapsedS)
 {
+    const auto antenna = static_cast<AntennaState>(
+        ValueAt(scenario.laterAntennas, elapsedS, static_cast<int>(scenario.antenna)));
     Sky sky;
     DopSums sums;
     int tracked = 0;
-    const auto add = [&](const Satellite& satellite, const EastNorthUp& local) {
+    const auto add = [&](Satellite satellite, const EastNorthUp& local) {
+        Dampen(satellite, antenna);
         sky.satellites.push_back(satellite);
         if (IsTracked(satellite)) {
             const double range = local.Range();

@@ -28,11 +28,15 @@ inline constexpr double kDopNone = 99.9;
 /// 4096 s, as satellites send it.
 [[nodiscard]] std::vector<Almanac> AlmanacsAt(const Scenario& scenario, const GpsTime& now);
 
+/// How high the scenario's obstructions reach at @p azimuthDeg, degrees; 0 where there is none.
+[[nodiscard]] double ObstructionDeg(const Scenario& scenario, double azimuthDeg);
+
 /// The sky at @p now. GPS satellites move unless the scenario places one itself: each stands where
 /// its orbit has it from the scenario's place, with a signal that grows with its elevation, and is
-/// tracked from the mask on. All 31 nominal ones do, also those whose almanac the receiver does
-/// not have yet; an unhealthy one does not. Satellites of other systems are where the scenario
-/// places them.
-[[nodiscard]] Sky SkyAt(const Scenario& scenario, const GpsTime& now);
+/// tracked from the mask on where nothing obstructs. All 31 nominal ones do, also those whose
+/// almanac the receiver does not have yet; an unhealthy one does not. Satellites of other systems
+/// are where the scenario places them. What the antenna does not hear is not tracked.
+/// @param elapsedS  receiver's seconds since it started: how the antenna is by then
+[[nodiscard]] Sky SkyAt(const Scenario& scenario, const GpsTime& now, double elapsedS = 0.0);
 
 } // namespace fieldcore::simulator

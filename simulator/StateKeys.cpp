@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <numbers>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace fieldcore::simulator {
 
@@ -10,16 +12,30 @@ namespace {
 
 constexpr double kMaxS = 1e9; // of the receiver, 30 years
 
+/// @param value  the place of the word among @p names
+/// @param fault  what there is to say of a word that is not
+bool ReadName(Words& words, std::span<const std::string_view> names, const char* fault, int& value)
+{
+    const auto found = std::find(names.begin(), names.end(), words.Take());
+    if (found == names.end()) {
+        return words.Fail(fault);
+    }
+    value = static_cast<int>(found - names.begin());
+    return true;
+}
+
 bool ReadFixKind(Words& words, int& kind)
 {
     constexpr std::string_view kKinds[] = {"none",         "searching", "single",
                                            "differential", "float",     "fixed"};
-    const auto* const found = std::find(std::begin(kKinds), std::end(kKinds), words.Take());
-    if (found == std::end(kKinds)) {
-        return words.Fail("a fix is none, searching, single, differential, float or fixed");
-    }
-    kind = static_cast<int>(found - std::begin(kKinds));
-    return true;
+    return ReadName(words, kKinds, "a fix is none, searching, single, differential, float or fixed",
+                    kind);
+}
+
+bool ReadAntennaState(Words& words, int& state)
+{
+    constexpr std::string_view kStates[] = {"good", "weak", "dead"};
+    return ReadName(words, kStates, "an antenna is good, weak or dead", state);
 }
 
 bool ReadSource(Words& words, int& source)
@@ -67,6 +83,16 @@ bool ReadFix(Words& words, Scenario& scenario)
     scenario.laterFixes.clear();
     return ReadFixKind(words, scenario.fixKind) &&
            ReadSteps(words, ReadFixKind, scenario.laterFixes);
+}
+
+bool ReadAntenna(Words& words, Scenario& scenario)
+{
+    scenario.laterAntennas.clear();
+    int state = 0;
+    const bool good = ReadAntennaState(words, state) &&
+                      ReadSteps(words, ReadAntennaState, scenario.laterAntennas);
+    scenario.antenna = static_cast<AntennaState>(state);
+    return good;
 }
 
 bool ReadPowerSource(Words& words, Scenario& scenario)

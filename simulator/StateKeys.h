@@ -5,10 +5,11 @@
 
 namespace fieldcore::simulator {
 
-/// The keys of a scenario for what changes with time: fix, power, tilt sensor; docs/simulator.md
-/// has them. False: the words say why.
+/// The keys of a scenario for what changes with time: fix, antenna, power, tilt sensor;
+/// docs/simulator.md has them. False: the words say why.
 
 [[nodiscard]] bool ReadFix(Words& words, Scenario& scenario);
+[[nodiscard]] bool ReadAntenna(Words& words, Scenario& scenario);
 [[nodiscard]] bool ReadPowerSource(Words& words, Scenario& scenario);
 [[nodiscard]] bool ReadTiltPole(Words& words, Scenario& scenario);
 [[nodiscard]] bool ReadTiltPresent(Words& words, Scenario& scenario);

@@ -1,5 +1,6 @@
 #include "core/link/ReceivedFile.h"
 
+#include "core/platform/ContentSum.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
@@ -20,7 +21,6 @@ constexpr std::size_t kBlock = 1000; // bytes of a block of the receiver
 // Of the largest file: its pieces, at forty bytes each.
 constexpr std::size_t kMostInfo = 0x100000000 / kPiece * 40;
 constexpr std::string_view kInfoTitle = "fieldcore: beginning of ";
-constexpr std::uint64_t kSumOfNothing = 0xCBF29CE484222325;
 
 constexpr std::array kMeanings{
     AnewMeaning{AnewReason::None, "", 0},
@@ -39,16 +39,6 @@ constexpr std::array kMeanings{
     AnewMeaning{AnewReason::NotFromMiddle, "the receiver sends files from the beginning only",
                 text::kAnewNotFromMiddle},
 };
-
-/// Fowler, Noll and Vo's sum (FNV-1a, 64 bits): notices what a disk loses, not what someone forges.
-std::uint64_t Sum(std::uint64_t sum, std::string_view bytes)
-{
-    constexpr std::uint64_t kPrime = 0x100000001B3;
-    for (const char c : bytes) {
-        sum = (sum ^ static_cast<std::uint8_t>(c)) * kPrime;
-    }
-    return sum;
-}
 
 std::string PieceLine(std::uint32_t end, std::uint64_t sum)
 {
@@ -215,7 +205,7 @@ bool ReceivedFile::ReadPiece(std::uint32_t size, std::uint64_t& sum, std::string
             return false;
         }
         const std::string_view read(piece.data(), count);
-        sum = Sum(sum, read);
+        sum = ContentSum(read, sum);
         tail.append(read);
         tail.erase(0, tail.size() - std::min(tail.size(), kBlock));
         size -= static_cast<std::uint32_t>(count);
@@ -300,7 +290,7 @@ std::error_code ReceivedFile::WritePiece()
     const std::error_code error = m_file.Write(m_unwritten);
     if (!error && m_info >= 0) {
         m_written += static_cast<std::uint32_t>(m_unwritten.size());
-        m_sum = Sum(m_sum, m_unwritten);
+        m_sum = ContentSum(m_unwritten, m_sum);
         if (m_operations.Write(m_info, PieceLine(m_written, m_sum))) {
             CloseInfo(); // what comes later cannot be gone on with
         }

@@ -3,6 +3,7 @@
 #include "core/planning/AlmanacRecord.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/platform/AtomicFile.h"
+#include "core/platform/ContentSum.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
@@ -31,16 +32,6 @@ constexpr std::array kOrigins{OriginName{AlmanacOrigin::Receiver, "receiver"},
 fs::path SourcePath(fs::path almanac)
 {
     return almanac += ".source";
-}
-
-/// Tells one content from another: FNV-1a of 64 bits.
-std::string MarkOf(std::span<const std::uint8_t> content)
-{
-    std::uint64_t mark = 14695981039346656037U;
-    for (const std::uint8_t byte : content) {
-        mark = (mark ^ byte) * 1099511628211U;
-    }
-    return std::to_string(mark);
 }
 
 bool IsNominal(const AlmanacRecord& record)
@@ -90,7 +81,7 @@ AlmanacSource LoadAlmanacSource(const fs::path& almanac, std::span<const std::ui
         text.remove_prefix(std::min(end + 1, text.size()));
         return first;
     };
-    if (line() != MarkOf(content)) {
+    if (line() != std::to_string(ContentSum(content))) {
         return {};
     }
     const std::string_view origin = line();
@@ -114,8 +105,8 @@ std::error_code SaveAlmanacSource(const fs::path& almanac, std::span<const std::
         fs::remove(file, error);
         return error;
     }
-    const std::string text =
-        MarkOf(content) + "\n" + std::string(known->name) + "\n" + ToUtf8(source.name) + "\n";
+    const std::string text = std::to_string(ContentSum(content)) + "\n" + std::string(known->name) +
+                             "\n" + ToUtf8(source.name) + "\n";
     fs::path temporary = file.filename();
     temporary += ".new";
     return ReplaceFile(file, temporary, std::as_bytes(std::span(text)));

@@ -2,6 +2,7 @@
 
 #include "core/platform/FileLock.h"
 #include "core/platform/Folders.h"
+#include "core/platform/WholeFile.h"
 
 #include <cerrno>
 #include <chrono>
@@ -312,16 +313,11 @@ Attempt OpenFile(const fs::path& file)
 /// @return its new name, empty if that did not work
 fs::path SetAside(const fs::path& file)
 {
-    std::error_code error;
-    fs::path aside;
-    int number = 0;
-    do {
-        aside = file.string() + ".damaged-" + std::to_string(++number);
-    } while (fs::exists(aside, error));
-    fs::rename(file, aside, error);
-    if (error) {
+    const fs::path aside = SetFileAside(file);
+    if (aside.empty()) {
         return {};
     }
+    std::error_code error;
     for (const std::string suffix : {"-wal", "-shm"}) {
         if (fs::exists(file.string() + suffix, error)) {
             fs::rename(file.string() + suffix, aside.string() + suffix, error);

@@ -1,6 +1,7 @@
 #include "core/platform/WholeFile.h"
 
 #include <cerrno>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -57,6 +58,18 @@ std::string FileIdentity(const std::filesystem::path& file)
     }
     return std::to_string(info.st_mtim.tv_sec) + " " + std::to_string(info.st_mtim.tv_nsec) + " " +
            std::to_string(info.st_ino) + " " + std::to_string(info.st_size);
+}
+
+std::filesystem::path SetFileAside(const std::filesystem::path& file)
+{
+    std::error_code error;
+    std::filesystem::path aside;
+    int number = 0;
+    do {
+        aside = file.string() + ".damaged-" + std::to_string(++number);
+    } while (std::filesystem::exists(aside, error));
+    std::filesystem::rename(file, aside, error);
+    return error ? std::filesystem::path() : aside;
 }
 
 } // namespace fieldcore

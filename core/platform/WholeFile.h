@@ -20,4 +20,8 @@ ReadWholeFile(const std::filesystem::path& file, std::size_t limit);
 /// @return empty if there is none
 [[nodiscard]] std::string FileIdentity(const std::filesystem::path& file);
 
+/// Renames a damaged file to NAME.damaged-1, -2 and so on, so that it can still be looked at.
+/// @return its new path, empty if it has kept its name
+[[nodiscard]] std::filesystem::path SetFileAside(const std::filesystem::path& file);
+
 } // namespace fieldcore

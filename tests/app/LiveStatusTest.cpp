@@ -68,6 +68,17 @@ TEST_F(LiveStatusTest, ALowBatteryIsToldOnce)
     EXPECT_TRUE(told[0].contains(UiText(text::kBatteryCaption))) << told[0].toStdString();
 }
 
+TEST_F(LiveStatusTest, WhatIsTrackedIsNotedInTheBackground)
+{
+    Controller controller(Options("sim:street"));
+    controller.Begin();
+    std::wstring fault;
+    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    // The first list is looked at by the almanac of the simulated receiver's own folder.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return controller.SkyNotes().state == SkyRecorder::State::Settling; }, 30000));
+}
+
 TEST_F(LiveStatusTest, TheUserDecidesWhetherTheClockIsSet)
 {
     for (const bool wanted : {true, false}) {

@@ -7,6 +7,7 @@
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanSite.h"
+#include "core/planning/SkyRecord.h"
 #include "core/settings/Profile.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/core/planning/SampleSky.h"
@@ -84,6 +85,23 @@ ObstructionCurtain Level(int version)
     return curtain;
 }
 
+bool NoteSky(const fs::path& folder, int version)
+{
+    SkyRecord record;
+    record.BeginNotes(Clock::UtcTime(std::chrono::hours(version)));
+    return !SaveSkyRecord(folder, record);
+}
+
+std::string FoundSky(const fs::path& folder)
+{
+    const SkyRecords found = LoadSkyRecords(folder);
+    if (found.records.size() != 1 || !found.setAside.empty()) {
+        return "not one whole record";
+    }
+    const std::vector<std::uint8_t> bytes = found.records[0].Bytes();
+    return {bytes.begin(), bytes.end()};
+}
+
 bool Download(const fs::path& folder, int version)
 {
     const int size = 2500 + 100 * version;
@@ -151,6 +169,7 @@ const Store kStores[] = {
     {"download", Download, "A.Q01", nullptr},
     {"antennas", ImportAntennas, nullptr, FoundAntennas},
     {"remembered entries", RememberEntries, nullptr, FoundEntries},
+    {"noted sky", NoteSky, nullptr, FoundSky},
 };
 
 std::string Found(const Store& store, const fs::path& folder)

@@ -32,6 +32,8 @@ TEST(Scenario, ErrorsNameTheLineAndTheCause)
         {"satellite Q1 10 10", R"(line 1: a satellite starts with G, S, R or X, not "Q1")"},
         {"satellite G1 360 10",
          R"(line 1: the azimuth must be a whole number from 0 to 359, not "360")"},
+        {"obstruction 60", "line 1: the other azimuth must be a number from 0 to 360, not nothing"},
+        {"antenna deaf", "line 1: an antenna is good, weak or dead"},
         {"almanacs 32",
          R"(line 1: the number of almanacs must be a whole number from 0 to 31, not "32")"},
         {"start 2026-02-30 00:00:00",

@@ -2,6 +2,7 @@
 #include "tests/simulator/Support.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -85,6 +86,66 @@ TEST(Sky, TakesTheAlmanacsThatTheScenarioGives)
         EXPECT_EQ(almanac.week, given ? 2400 : 2410);
         EXPECT_EQ(almanac.toaS, given ? 0U : 602'112U) << "the last multiple of 4096 s";
     }
+}
+
+TEST(Sky, ObstructionsHideWhatMoves)
+{
+    const Scenario street = Parsed("almanacs 31\nmask 0\nsatellite R3 90 5 46\n"
+                                   "obstruction 60 120 30\nobstruction 350 10 0 40\n");
+    struct Row
+    {
+        double azimuthDeg, elevationDeg;
+    };
+    for (const Row& row : {Row{59.9, 0.0},
+                           {60.0, 30.0},
+                           {120.0, 30.0},
+                           {120.1, 0.0},
+                           {349.9, 0.0},
+                           {355.0, 10.0},
+                           {0.0, 20.0},
+                           {360.0, 20.0},
+                           {5.0, 30.0},
+                           {10.1, 0.0}}) {
+        EXPECT_NEAR(ObstructionDeg(street, row.azimuthDeg), row.elevationDeg, 1e-9)
+            << row.azimuthDeg;
+    }
+    EXPECT_EQ(ObstructionDeg(Parsed("obstruction 0 360 15"), 200.0), 15.0) << "all around";
+    int hidden = 0;
+    for (int hour = 0; hour < 24; ++hour) {
+        for (const Satellite& satellite : SkyAt(street, {2410, hour * 3600.0}).satellites) {
+            // Well away from the edge: the list has whole degrees.
+            const double above =
+                satellite.elevationDeg - ObstructionDeg(street, satellite.azimuthDeg);
+            if (satellite.system != SatelliteSystem::Gps) {
+                EXPECT_TRUE(IsTracked(satellite)) << "what is placed stays as it is placed";
+            } else if (above < -2.0) {
+                EXPECT_FALSE(IsTracked(satellite));
+                ++hidden;
+            } else if (above > 2.0 && std::abs(satellite.azimuthDeg - 90) < 28) {
+                EXPECT_TRUE(IsTracked(satellite));
+            }
+        }
+    }
+    EXPECT_GT(hidden, 10);
+}
+
+TEST(Sky, AnAntennaFailsInItsTime)
+{
+    const Scenario scenario = Parsed("almanacs 31\nantenna good 100 weak 200 dead 300 good");
+    const auto tracked = [&](double elapsedS) {
+        return Listed(SkyAt(scenario, kNow, elapsedS), false);
+    };
+    const std::vector<Satellite> well = tracked(99.9);
+    ASSERT_GE(well.size(), 4U);
+    const std::vector<Satellite> weak = tracked(100.0);
+    EXPECT_LT(weak.size(), well.size());
+    for (const Satellite& satellite : weak) {
+        EXPECT_GE(*satellite.signals[0], 25.0);
+        EXPECT_LE(*satellite.signals[0], 30.0) << "50 dB-Hz in the zenith, less 20";
+    }
+    EXPECT_TRUE(tracked(200.0).empty());
+    EXPECT_EQ(SkyAt(scenario, kNow, 200.0).dop.pdop, 99.9);
+    EXPECT_EQ(tracked(300.0).size(), well.size());
 }
 
 } // namespace fieldcore::simulator::test

@@ -5,6 +5,7 @@
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanSession.h"
 #include "core/platform/Folders.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/NToolBar.h"
 #include "ui/controls/TouchStyle.h"
@@ -16,14 +17,31 @@
 #include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
 
 namespace fieldcore {
 
 namespace {
 
 constexpr int kGrid = TouchStyle::kGrid;
+
+double Hours(std::chrono::seconds time)
+{
+    return std::chrono::duration<double, std::ratio<3600>>(time).count();
+}
+
+/// What there is to say of a record without a proposal.
+std::wstring NoneYet(std::chrono::seconds observed)
+{
+    return observed < kLeastObserved ? FormatText(text::kSkylineNoneYet, Hours(observed),
+                                                  static_cast<int>(kLeastObserved.count()))
+                                     : FormatText(text::kSkylineNothingKnown, Hours(observed));
+}
 
 } // namespace
 
@@ -48,15 +66,18 @@ CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surro
     large.setBold(true);
     m_reading->setFont(large);
     m_reading->setAlignment(Qt::AlignCenter);
+    m_reading->setWordWrap(true); // a large font on a small screen
     auto* const hint = new QLabel(UiText(text::kCurtainHint));
     hint->setWordWrap(true);
     hint->setAlignment(Qt::AlignCenter);
+    hint->setMargin(3);
 
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 12);
     layout->addWidget(m_tools);
     layout->addWidget(m_view, 1);
     layout->addWidget(m_reading);
+    MakeProposal(layout);
     layout->addWidget(hint);
     layout->addLayout(MakeOkCancel());
 
@@ -70,10 +91,98 @@ CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surro
     on(Qt::CTRL | Qt::Key_Y, kRedoTool);
 }
 
+void CurtainEditor::MakeProposal(QBoxLayout* layout)
+{
+    constexpr int kMargin = 12;
+    auto* const row = new QHBoxLayout;
+    row->setContentsMargins(kMargin, 0, kMargin, 0);
+    m_proposal = new QLabel;
+    m_proposal->setWordWrap(true);
+    QFont small = font();
+    small.setPixelSize(fontInfo().pixelSize() * 7 / 8);
+    m_proposal->setFont(small);
+    m_proposal->setMargin(3); // the feet of the last line need it
+    SetControlId(m_proposal, kProposalText);
+    row->addWidget(m_proposal, 1);
+    m_take = new QPushButton;
+    m_take->setAutoDefault(false);
+    SetControlId(m_take, kTakeButton);
+    row->addWidget(m_take);
+    layout->addLayout(row);
+    connect(m_take, &QPushButton::clicked, this, &CurtainEditor::TakeProposal);
+}
+
+/// Looks at what was noted where the receiver stands, or stood last.
+void CurtainEditor::Propose()
+{
+    const bool isNoting = m_surroundings.skyNotes != nullptr;
+    SkyRecorder::Now notes = isNoting ? m_surroundings.skyNotes() : SkyRecorder::Now{};
+    if (!notes.record) {
+        SkyRecords known = LoadSkyRecords(m_session.Folder());
+        std::ranges::move(known.setAside, std::back_inserter(notes.setAside));
+        if (!known.records.empty()) {
+            notes.record = known.records.front();
+        }
+    }
+    m_noted = notes.record;
+    const auto proposal =
+        m_noted ? ProposeCurtain(*m_noted, m_edit.Curtain()) : std::optional<CurtainProposal>();
+    m_view->SetProposal(proposal);
+    m_take->setVisible(proposal.has_value());
+    std::wstring words;
+    const auto say = [&words](const std::wstring& more) {
+        words += words.empty() || more.empty() ? more : L"\n" + more;
+    };
+    if (proposal) {
+        say(FormatText(text::kSkylineProposal, Hours(proposal->observed),
+                       proposal->Percent(SkylineCertainty::Sure),
+                       proposal->Percent(SkylineCertainty::Fair)));
+        constexpr double kKilometreM = 1000.0;
+        constexpr double kElsewhereM = 100.0;
+        const double away = DistanceM(m_noted->Place(), m_session.Site());
+        if (m_session.IsSiteKnown() && away > kElsewhereM) {
+            say(FormatText(text::kSkylineElsewhere, away / kKilometreM));
+        }
+    } else {
+        say(NoneYet(m_noted ? m_noted->Observed() : std::chrono::seconds(0)));
+        say(isNoting ? Text(SkyRecorderTextId(notes.state)) : L"");
+    }
+    for (const std::string& name : notes.setAside) {
+        say(FormatText(text::kSkylineSetAside, FromUtf8(name).c_str()));
+    }
+    if (notes.fault) {
+        say(FormatText(text::kSkylineNotKept, FromUtf8(notes.fault.message()).c_str()));
+    }
+    m_proposal->setText(ToQt(words));
+}
+
+bool CurtainEditor::IsTaken() const
+{
+    const auto& proposal = m_view->Proposal();
+    return m_hasTaken && proposal && m_edit.Curtain() == proposal->curtain;
+}
+
+void CurtainEditor::TakeProposal()
+{
+    if (IsTaken()) {
+        m_edit.Undo();
+    } else if (m_noted) {
+        // Where nothing is known, what has been drawn meanwhile stays.
+        const auto proposal = ProposeCurtain(*m_noted, m_edit.Curtain());
+        m_view->SetProposal(proposal);
+        const ObstructionCurtain before = m_edit.Curtain();
+        m_edit.Replace(proposal ? proposal->curtain : before);
+        m_hasTaken = m_edit.Curtain() != before;
+    }
+    m_view->Invalidate();
+    Update();
+}
+
 bool CurtainEditor::OnInitDialog()
 {
     // Not the plan's own: without an almanac it has not read the file.
     m_edit = CurtainEdit(LoadCurtain(m_session.Folder()));
+    Propose();
     Update();
     m_view->setFocus();
     return false;
@@ -109,7 +218,19 @@ void CurtainEditor::OnTool(int id)
 void CurtainEditor::Update()
 {
     const int azimuth = m_view->CursorDeg();
-    m_reading->setText(ToQt(FormatText(text::kCurtainReading, azimuth, m_edit.At(azimuth))));
+    std::wstring reading = FormatText(text::kCurtainReading, azimuth, m_edit.At(azimuth));
+    if (const auto& proposal = m_view->Proposal()) {
+        const auto at = static_cast<std::size_t>(azimuth);
+        const SkylineCertainty certainty = proposal->certainty[at];
+        if (certainty != SkylineCertainty::Unknown) {
+            reading += FormatText(certainty == SkylineCertainty::Sure ? text::kSkylineReadingSure
+                                                                      : text::kSkylineReadingFair,
+                                  int{proposal->curtain[at]});
+        }
+        m_take->setEnabled(IsTaken() || proposal->curtain != m_edit.Curtain());
+        m_take->setText(UiText(IsTaken() ? text::kSkylineTakeBack : text::kSkylineTake));
+    }
+    m_reading->setText(ToQt(reading));
     m_tools->EnableItem(kUndoTool, m_edit.CanUndo());
     m_tools->EnableItem(kRedoTool, m_edit.CanRedo());
 }

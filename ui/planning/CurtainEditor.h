@@ -2,10 +2,15 @@
 
 #include "core/host/Host.h"
 #include "core/planning/CurtainEdit.h"
+#include "core/planning/SkyRecord.h"
 #include "ui/controls/Dialog.h"
 #include "ui/planning/PlanSurroundings.h"
 
+#include <optional>
+
+class QBoxLayout;
 class QLabel;
+class QPushButton;
 
 namespace fieldcore {
 
@@ -14,7 +19,8 @@ class CurtainView;
 class PlanSession;
 
 /// The editor of the obstruction curtain. OK stores the curtain in the program's folder and gives
-/// it to the plan; Cancel leaves both as they were. User-interface thread only.
+/// it to the plan; Cancel leaves both as they were. Where tracking was noted long enough, it
+/// proposes a curtain that one tap takes over and another takes back. User-interface thread only.
 class CurtainEditor : public Dialog
 {
     Q_OBJECT
@@ -32,6 +38,10 @@ public:
     static constexpr int kImportTool = 5;
     static constexpr int kExportTool = 6;
 
+    // Numbers of the controls.
+    static constexpr int kProposalText = 1;
+    static constexpr int kTakeButton = 2;
+
     [[nodiscard]] CurtainView& View() const { return *m_view; }
     [[nodiscard]] const CurtainEdit& Edit() const { return m_edit; }
 
@@ -44,6 +54,10 @@ private:
     void Import();
     void Export();
     void Update();
+    void MakeProposal(QBoxLayout* layout);
+    void Propose();
+    void TakeProposal();
+    [[nodiscard]] bool IsTaken() const;
 
     PlanSession& m_session;
     const PlanSurroundings& m_surroundings;
@@ -52,6 +66,11 @@ private:
     CnToolBar* m_tools; // owned by the dialog, as is all that follows
     CurtainView* m_view;
     QLabel* m_reading;
+    QLabel* m_proposal = nullptr;
+    QPushButton* m_take = nullptr;
+
+    std::optional<SkyRecord> m_noted; // that the proposal rests upon
+    bool m_hasTaken = false;          // it, and the undo takes it back
 };
 
 } // namespace fieldcore

@@ -41,6 +41,12 @@ QSize CurtainView::minimumSizeHint() const
     return {240, 240};
 }
 
+void CurtainView::SetProposal(const std::optional<CurtainProposal>& proposal)
+{
+    m_proposal = proposal;
+    Invalidate();
+}
+
 void CurtainView::SetForm(Form form)
 {
     m_edit.EndStroke();
@@ -124,6 +130,37 @@ void CurtainView::Draw(QPainter& painter, const QSizeF& size)
     painter.fillPath(curtain, style.Faded(style.second, 0.4));
     painter.strokePath(curtain, PlotPen(style.second, 1.0));
     DrawGrid(painter);
+    if (m_proposal) {
+        QPen pen = PlotPen(style.accent, 3.0);
+        pen.setDashPattern({3.0, 2.0});
+        DrawProposal(painter, SkylineCertainty::Sure, pen);
+        pen.setWidthF(2.0);
+        pen.setDashPattern({1.0, 2.5});
+        DrawProposal(painter, SkylineCertainty::Fair, pen);
+    }
+}
+
+void CurtainView::DrawProposal(QPainter& painter, SkylineCertainty certainty, const QPen& pen) const
+{
+    QPainterPath path;
+    bool isOn = false;
+    for (int entry = 0; entry < kCircle; ++entry) {
+        const auto at = static_cast<std::size_t>(entry);
+        if (m_proposal->certainty[at] != certainty) {
+            isOn = false;
+            continue;
+        }
+        for (const double edge : {0.0, 1.0}) {
+            const QPointF point = PointOf(entry + edge, m_proposal->curtain[at]);
+            if (isOn) {
+                path.lineTo(point);
+            } else {
+                path.moveTo(point);
+            }
+            isOn = true;
+        }
+    }
+    painter.strokePath(path, pen);
 }
 
 void CurtainView::DrawGrid(QPainter& painter) const

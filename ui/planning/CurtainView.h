@@ -1,10 +1,13 @@
 #pragma once
 
 #include "core/planning/CurtainEdit.h"
+#include "core/planning/CurtainProposal.h"
 #include "ui/controls/GraphicsBase.h"
 
 #include <QPointF>
 #include <QRectF>
+
+#include <optional>
 
 namespace fieldcore {
 
@@ -34,6 +37,9 @@ public:
     /// @param edit  what is drawn; must outlive the view
     explicit CurtainView(CurtainEdit& edit, QWidget* parent = nullptr);
 
+    /// Drawn over the curtain, dashed where it is sure and dotted where it is rough.
+    void SetProposal(const std::optional<CurtainProposal>& proposal);
+    [[nodiscard]] const std::optional<CurtainProposal>& Proposal() const { return m_proposal; }
     void SetForm(Form form);
     [[nodiscard]] Form GetForm() const { return m_form; }
     /// The entry under the cursor, 0 to 359 degrees.
@@ -68,6 +74,7 @@ private:
     /// What of the view is sky: the square around the disc, or the strip.
     [[nodiscard]] QRectF Sky() const;
     void DrawGrid(QPainter& painter) const;
+    void DrawProposal(QPainter& painter, SkylineCertainty certainty, const QPen& pen) const;
     void Follow(const QPointF& point, bool begins);
     void MoveCursor(int byDeg, bool draws);
     void Tell();
@@ -75,6 +82,7 @@ private:
     CurtainEdit& m_edit;
     Form m_form = Form::Round;
     int m_cursorDeg = 0;
+    std::optional<CurtainProposal> m_proposal;
 };
 
 } // namespace fieldcore

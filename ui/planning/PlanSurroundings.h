@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/link/Connect.h"
+#include "core/planning/SkyRecorder.h"
 #include "core/settings/SettingsRoots.h"
 
 #include <QString>
@@ -36,6 +37,10 @@ struct PlanSurroundings
         double maxPdop = 0.0;
     };
     std::function<Conditions()> conditions;
+
+    /// What the program notes of the sky while it is connected; empty: it notes nothing, and only
+    /// what was noted before is there.
+    std::function<SkyRecorder::Now()> skyNotes;
 
     /// Asks for a file.
     /// @param suggested  where to begin: a file to be saved, or a folder to open one from

@@ -1,5 +1,6 @@
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
+#include "core/planning/Degrees.h"
 #include "core/platform/Cp932.h"
 #include "simulator/Simulator.h"
 #include "tests/ui/controls/Pictures.h"
@@ -398,6 +399,69 @@ TEST_F(PlanPagesTest, DrawACurtainWithFingerAndKeys)
     EXPECT_EQ(LoadCurtain(home.Path()), plan->GetSurveyPlanCalc()->GetCurtain());
     EXPECT_EQ(plan->GetSurveyPlanCalc()->GetCurtain()[77], 90);
     EXPECT_LT(plan->Session().Plan().CountAt(0), before);
+}
+
+/// Three hours below a wall of 30 degrees in the east; the west is not known.
+SkyRecord WalledIn()
+{
+    SkyRecord record({RadiansOf(35.0), RadiansOf(139.0), 0.0});
+    for (int round = 0; round < 360; ++round) {
+        record.BeginNotes({});
+    }
+    for (int azimuth = 1; azimuth < 180; azimuth += 2) {
+        for (int elevation = 10; elevation < 80; ++elevation) {
+            const SkyDirection at{RadiansOf(azimuth), RadiansOf(elevation + 0.5)};
+            const bool isHidden = azimuth > 60 && azimuth < 120 && elevation < 30;
+            isHidden ? record.NoteMissed(at) : record.NoteTracked(at);
+        }
+    }
+    return record;
+}
+
+TEST_F(PlanPagesTest, TakeOverTheCurtainOfWhatWasTracked)
+{
+    Show();
+    const auto label = [](CurtainEditor& editor) {
+        return dynamic_cast<QLabel&>(*Dialog::FindControl(&editor, CurtainEditor::kProposalText))
+            .text();
+    };
+    const auto button = [](CurtainEditor& editor) {
+        return dynamic_cast<QPushButton*>(Dialog::FindControl(&editor, CurtainEditor::kTakeButton));
+    };
+    InEditor(
+        [&](CurtainEditor& editor) {
+            EXPECT_FALSE(editor.View().Proposal());
+            EXPECT_FALSE(button(editor)->isVisible());
+            EXPECT_TRUE(label(editor).contains(QStringLiteral("0.0時間"))) << "why there is none";
+            KeepPicture(editor, QStringLiteral("curtain-none"));
+        },
+        text::kButtonCancel);
+    ASSERT_FALSE(SaveSkyRecord(home.Path(), WalledIn()));
+    InEditor(
+        [&](CurtainEditor& editor) {
+            EXPECT_TRUE(label(editor).contains(QStringLiteral("3.0時間")));
+            editor.View().setFocus();
+            QTest::keyClick(&editor.View(), Qt::Key_Up); // at north: its own, and known to be open
+            const int own = 250;
+            QTest::mouseClick(&editor.View(), Qt::LeftButton, {},
+                              editor.View().PointOf(own + 0.5, 33.0).toPoint());
+            const ObstructionCurtain drawn = editor.Edit().Curtain();
+            QTest::mouseClick(button(editor), Qt::LeftButton);
+            EXPECT_NEAR(editor.Edit().At(90), 30, 2);
+            EXPECT_EQ(editor.Edit().At(own), drawn[own]) << "what is not known stays";
+            KeepPicture(editor, QStringLiteral("curtain-taken"));
+            QTest::mouseClick(button(editor), Qt::LeftButton);
+            EXPECT_EQ(editor.Edit().Curtain(), drawn) << "taken back";
+            QTest::mouseClick(button(editor), Qt::LeftButton);
+            EXPECT_NEAR(editor.Edit().At(90), 30, 2);
+        },
+        text::kButtonOk);
+    EXPECT_NEAR(LoadCurtain(home.Path())[90], 30, 2);
+    InEditor(
+        [&](CurtainEditor& editor) {
+            EXPECT_FALSE(button(editor)->isEnabled()) << "there is nothing left to take over";
+        },
+        text::kButtonCancel);
 }
 
 TEST_F(PlanPagesTest, TakeACurtainAsText)

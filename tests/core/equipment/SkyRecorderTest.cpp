@@ -1,0 +1,226 @@
+// Hours with a simulated receiver, through the link, its questions and the recorder.
+
+#include "core/planning/SkyRecorder.h"
+
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/CurtainProposal.h"
+#include "core/planning/NominalConstellation.h"
+#include "simulator/Sky.h"
+#include "tests/core/equipment/PolledReceiver.h"
+#include "tests/core/platform/TemporaryFolder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+using State = SkyRecorder::State;
+
+constexpr const char* kHere = "model 3017\nposition 35 139 70\nalmanacs 31\n"
+                              "start 2026-03-19 00:00:00\n";
+constexpr int kWeek = 2410; // of that day
+constexpr std::uint32_t kToaS = 344064;
+
+class SkyRecorderTest : public testing::PolledReceiver
+{
+protected:
+    static void
+    PutAlmanac(const std::filesystem::path& program,
+               const std::vector<AlmanacRecord>& records = NominalConstellation(31, kWeek, kToaS))
+    {
+        ASSERT_EQ(AlmanacStore(program).Import(records), AlmanacResult::Done);
+    }
+    void Begin(const std::filesystem::path& program)
+    {
+        recorder = std::make_unique<SkyRecorder>(clock);
+        recorder->Use(program, 0);
+    }
+    /// A list of what is tracked comes with every fifth round.
+    void Live(Clock::Duration time)
+    {
+        for (Clock::Duration passed{}; passed < time; passed += 6s) {
+            if (Round(6s)) {
+                recorder->Take(link.Heard(), link.Connections());
+            }
+        }
+    }
+    [[nodiscard]] std::chrono::seconds Noted() const
+    {
+        const auto record = recorder->GetNow().record;
+        return record ? record->Observed() : 0s;
+    }
+
+    TemporaryFolder folder;
+    std::unique_ptr<SkyRecorder> recorder;
+};
+
+TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
+{
+    std::string error;
+    std::optional<simulator::Scenario> street = simulator::LoadScenario("street", error);
+    ASSERT_TRUE(street) << error;
+    street->start = std::chrono::sys_days(2026y / 3 / 19);
+    PlugIn(*street);
+    ASSERT_EQ(AlmanacStore(folder.Path()).Update(command), AlmanacResult::Done);
+    Begin(folder.Path());
+    Live(4h);
+    const SkyRecorder::Now now = recorder->GetNow();
+    EXPECT_EQ(now.state, State::Noting);
+    ASSERT_TRUE(now.record);
+    EXPECT_GT(now.record->Observed(), 3h + 50min);
+
+    ObstructionCurtain current;
+    current.fill(7);
+    const auto proposal = ProposeCurtain(*now.record, current);
+    ASSERT_TRUE(proposal);
+    int known = 0;
+    int obstructed = 0;
+    for (int azimuth = 0; azimuth < 360; ++azimuth) {
+        SCOPED_TRACE(azimuth);
+        const auto at = static_cast<std::size_t>(azimuth);
+        // The receiver does not track below 10 degrees, so nothing is to be known there.
+        const auto above = [](double elevationDeg) { return std::max(elevationDeg, 10.0); };
+        const bool isObstructed = simulator::ObstructionDeg(*street, azimuth + 0.5) > 10.0;
+        obstructed += isObstructed ? 1 : 0;
+        if (proposal->certainty[at] == SkylineCertainty::Unknown) {
+            EXPECT_EQ(proposal->curtain[at], 7);
+            continue;
+        }
+        known += isObstructed ? 1 : 0;
+        double off = 90.0; // 3 degrees to the side count as right: an edge
+        for (double side = -3.0; side <= 3.0; side += 0.5) {
+            off = std::min(
+                off, std::abs(above(proposal->curtain[at]) -
+                              above(simulator::ObstructionDeg(*street, azimuth + 0.5 + side))));
+        }
+        EXPECT_LE(off, 3.0);
+    }
+    EXPECT_GE(known, 0.4 * obstructed) << "of what the satellites of four hours cross";
+    RecordProperty("known", known);
+    RecordProperty("obstructed", obstructed);
+
+    recorder.reset(); // the end of the program
+    ASSERT_EQ(LoadSkyRecords(folder.Path()).records.size(), 1U);
+    Begin(folder.Path());
+    Live(1min);
+    EXPECT_EQ(Noted(), now.record->Observed()) << "it goes on where it was";
+    EXPECT_EQ(recorder->GetNow().state, State::Settling);
+}
+
+TEST_F(SkyRecorderTest, NotesOnlyWhatCanBeBelieved)
+{
+    struct Row
+    {
+        const char* what;
+        const char* scenario;
+        State state; // after 20 minutes
+        std::chrono::seconds least, most;
+    };
+    const Row rows[] = {
+        {"all well, but for the first two minutes", "", State::Noting, 16min, 18min},
+        {"no fix", "fix searching\n", State::NoFix, 0s, 0s},
+        {"a fix that is lost and found again", "fix fixed 600 none 660 fixed\n", State::Noting,
+         13min, 15min},
+        {"a weak antenna", "antenna weak\n", State::DeafAntenna, 0s, 0s},
+        {"an antenna that dies", "antenna good 600 dead\n", State::DeafAntenna, 6min, 8min},
+        {"nothing tracked at all", "mask 90\n", State::DeafAntenna, 0s, 0s},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        Plug(std::string(kHere) + row.scenario);
+        const TemporaryFolder own;
+        PutAlmanac(own.Path());
+        Begin(own.Path());
+        Live(20min);
+        EXPECT_EQ(recorder->GetNow().state, row.state);
+        EXPECT_GE(Noted(), row.least);
+        EXPECT_LE(Noted(), row.most);
+        recorder.reset();
+    }
+}
+
+TEST_F(SkyRecorderTest, TrustsNoAlmanacThatIsOldOrOfAnotherSky)
+{
+    Plug(kHere);
+    Begin(folder.Path());
+    const auto stateWith = [&](const std::vector<AlmanacRecord>& records) {
+        if (!records.empty()) {
+            PutAlmanac(folder.Path(), records);
+        }
+        Live(4min);
+        return recorder->GetNow().state;
+    };
+    EXPECT_EQ(stateWith({}), State::NoAlmanac);
+    EXPECT_EQ(stateWith(NominalConstellation(31, kWeek - 5, kToaS)), State::OldAlmanac);
+    std::vector<AlmanacRecord> others = NominalConstellation(31, kWeek, kToaS);
+    for (AlmanacRecord& record : others) {
+        record.prn = static_cast<std::uint8_t>(record.prn % 31 + 1);
+    }
+    EXPECT_EQ(stateWith(others), State::OtherAlmanac);
+    EXPECT_EQ(Noted(), 0s);
+    EXPECT_EQ(stateWith(NominalConstellation(31, kWeek, kToaS)), State::Noting);
+}
+
+/// What is tracked where it was open before: the one that fails while it still hears something.
+TEST_F(SkyRecorderTest, DoesNotTakeAFailingAntennaForAWall)
+{
+    PutAlmanac(folder.Path());
+    Plug(kHere);
+    Begin(folder.Path());
+    Live(30min);
+    ASSERT_EQ(recorder->GetNow().state, State::Noting);
+    const auto before = Noted();
+    Receiver heard = link.Heard();
+    for (ListedSatellite& satellite : heard.tracked->value.satellites) {
+        satellite.system = ListedSatellite::Sbas; // four or more, and none where it should be
+    }
+    for (int list = 0; list < 10; ++list) {
+        heard.position->at += 30s;
+        heard.tracked->at = heard.position->at;
+        recorder->Take(heard, link.Connections());
+    }
+    EXPECT_EQ(recorder->GetNow().state, State::DeafAntenna);
+    EXPECT_EQ(Noted(), before);
+}
+
+TEST_F(SkyRecorderTest, KeepsTheStoresApart)
+{
+    PutAlmanac(folder.Path());
+    Plug(kHere);
+    Begin(folder.Path());
+    Live(20min);
+    const auto before = Noted();
+    const TemporaryFolder other;
+    PutAlmanac(other.Path());
+    recorder->Use(other.Path(), link.Connections());
+    Live(20min);
+    EXPECT_FALSE(recorder->GetNow().record) << "the connection belongs to the store of before";
+    EXPECT_EQ(LoadSkyRecords(folder.Path()).records.at(0).Observed(), before) << "kept there";
+    EXPECT_TRUE(LoadSkyRecords(other.Path()).records.empty());
+    Plug(kHere);
+    Live(20min);
+    EXPECT_EQ(LoadSkyRecords(folder.Path()).records.size(), 1U);
+    EXPECT_GT(Noted(), 10min);
+}
+
+TEST_F(SkyRecorderTest, TellsOfADamagedRecord)
+{
+    PutAlmanac(folder.Path());
+    folder.Write("SkyRecords/1_2.sky", "FCSKYREC, but cut");
+    Plug(kHere);
+    Begin(folder.Path());
+    Live(10min);
+    EXPECT_EQ(recorder->GetNow().setAside, std::vector<std::string>{"1_2.sky.damaged-1"});
+    EXPECT_GT(Noted(), 5min);
+}
+
+} // namespace
+} // namespace fieldcore

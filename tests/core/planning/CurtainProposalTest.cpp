@@ -1,0 +1,190 @@
+// Skylines that the simulator knows, and what a day's tracks make of them.
+
+#include "core/planning/CurtainProposal.h"
+
+#include "core/planning/Degrees.h"
+#include "core/planning/NominalConstellation.h"
+#include "core/planning/SurveyPlanCalc.h"
+#include "simulator/Sky.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+/// What a receiver with a mask of 10 degrees tracks and misses there.
+SkyRecord RecordOf(const simulator::Scenario& place, int fromHour, int hours)
+{
+    std::vector<std::uint8_t> content;
+    for (const AlmanacRecord& record : NominalConstellation(kNominalSatellites, 2410, 0)) {
+        const AlmanacBytes bytes = EncodeAlmanac(record);
+        content.insert(content.end(), bytes.begin(), bytes.end());
+    }
+    CSurveyPlanCalc calc;
+    EXPECT_TRUE(calc.LoadAlmanac(content));
+    const Observer here{RadiansOf(35.0), RadiansOf(139.0), 70.0};
+    calc.SetObserver(here);
+    SkyRecord record(here);
+    for (int round = 0; round < hours * 120; ++round) {
+        record.BeginNotes({});
+        calc.SetTime(2410, fromHour * 3600.0 + round * 30.0);
+        for (int i = 0; i < kMaxPrn; ++i) {
+            if (calc.TestVisibility(i) != 1) {
+                continue;
+            }
+            const SkyDirection direction{calc.GetSatellite(i).GetAzimuth(),
+                                         calc.GetSatellite(i).GetElevation()};
+            const double hidden = simulator::ObstructionDeg(place, DegreesOf(direction.azimuthRad));
+            const bool isTracked =
+                DegreesOf(direction.elevationRad) >= std::max(hidden, place.maskDeg);
+            isTracked ? record.NoteTracked(direction) : record.NoteMissed(direction);
+        }
+    }
+    return record;
+}
+
+/// How far the proposal is off at an azimuth, degrees of elevation; a neighbour up to three degrees
+/// to the side counts as right, for edges. Below the mask nothing is off.
+double OffAt(const CurtainProposal& proposal, const simulator::Scenario& place, int azimuth)
+{
+    double off = 90.0;
+    for (double side = -3.0; side <= 3.0; side += 0.5) {
+        const double truth = simulator::ObstructionDeg(place, azimuth + 0.5 + side);
+        const double said = proposal.curtain[static_cast<std::size_t>(azimuth)];
+        off =
+            std::min(off, std::abs(std::max(truth, place.maskDeg) - std::max(said, place.maskDeg)));
+    }
+    return off;
+}
+
+TEST(CurtainProposal, IsAsSureAsItSays)
+{
+    std::array<int, 3> entries{};
+    std::array<int, 3> off{};
+    double worstSure = 0.0;
+    for (int turn = 0; turn < 360; turn += 60) {
+        simulator::Scenario place;
+        const auto turned = [turn](double azimuth) { return std::fmod(azimuth + turn, 360.0); };
+        place.obstructions = {{turned(60), turned(130), 35.0, 35.0},
+                              {turned(200), turned(245), 0.0, 25.0},
+                              {turned(245), turned(290), 25.0, 0.0}};
+        for (int hour = 0; hour < 24; hour += 8) {
+            const auto proposal = ProposeCurtain(RecordOf(place, hour, 4), {});
+            ASSERT_TRUE(proposal);
+            for (int azimuth = 0; azimuth < 360; ++azimuth) {
+                const auto certainty = proposal->certainty[static_cast<std::size_t>(azimuth)];
+                const auto of = static_cast<std::size_t>(certainty);
+                const double by = OffAt(*proposal, place, azimuth);
+                ++entries[of];
+                off[of] += by > 3.0 ? 1 : 0;
+                if (certainty == SkylineCertainty::Sure) {
+                    worstSure = std::max(worstSure, by);
+                }
+            }
+        }
+    }
+    const auto fair = static_cast<std::size_t>(SkylineCertainty::Fair);
+    const auto unknown = static_cast<std::size_t>(SkylineCertainty::Unknown);
+    EXPECT_LE(worstSure, 3.0) << "degrees";
+    EXPECT_LE(off[fair], entries[fair] / 10);
+    EXPECT_LE(entries[unknown], 18 * 360 * 3 / 4) << "something is known everywhere";
+    RecordProperty("sure", entries[static_cast<std::size_t>(SkylineCertainty::Sure)]);
+    RecordProperty("fair", entries[fair]);
+    RecordProperty("fairOff", off[fair]);
+    RecordProperty("unknown", entries[unknown]);
+}
+
+TEST(CurtainProposal, ADayKnowsNearlyAllOfIt)
+{
+    simulator::Scenario place;
+    place.obstructions = {{330.0, 30.0, 40.0, 40.0}}; // across north, where no satellite passes low
+    const SkyRecord record = RecordOf(place, 0, 24);
+    ObstructionCurtain current;
+    current.fill(50);
+    const auto proposal = ProposeCurtain(record, current);
+    ASSERT_TRUE(proposal);
+    EXPECT_EQ(proposal->Percent(SkylineCertainty::Sure) +
+                  proposal->Percent(SkylineCertainty::Fair) +
+                  proposal->Percent(SkylineCertainty::Unknown),
+              100);
+    EXPECT_LE(proposal->Percent(SkylineCertainty::Unknown), 25);
+    EXPECT_LE(proposal->curtain[180], 13) << "what was drawn too high comes down";
+    const auto again = ProposeCurtain(record, proposal->curtain);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->curtain, proposal->curtain) << "what was taken over stays";
+}
+
+/// North is a direction like any other.
+TEST(CurtainProposal, TurnsWithItsSurroundings)
+{
+    simulator::Scenario place;
+    place.obstructions = {{330.0, 60.0, 35.0, 35.0}};
+    const SkyRecord record = RecordOf(place, 0, 8);
+    const auto straight = ProposeCurtain(record, {});
+    ASSERT_TRUE(straight);
+    for (int turn = 10; turn < SkyRecord::kAzimuths; turn += 17) {
+        SkyRecord turned;
+        for (int round = 0; round < 8 * 120; ++round) {
+            turned.BeginNotes({});
+        }
+        for (int column = 0; column < SkyRecord::kAzimuths; ++column) {
+            for (int elevation = 0; elevation < SkyRecord::kElevations; ++elevation) {
+                const SkyDirection at{RadiansOf((column + turn) * 2 + 1.0),
+                                      RadiansOf(elevation + 0.5)};
+                if (record.At(column, elevation) == SkyRecord::Cell::Open) {
+                    turned.NoteTracked(at);
+                } else if (record.At(column, elevation) == SkyRecord::Cell::Hidden) {
+                    turned.NoteMissed(at);
+                }
+            }
+        }
+        auto proposal = ProposeCurtain(turned, {});
+        ASSERT_TRUE(proposal);
+        std::ranges::rotate(proposal->curtain, proposal->curtain.begin() + 2 * turn);
+        std::ranges::rotate(proposal->certainty, proposal->certainty.begin() + 2 * turn);
+        EXPECT_EQ(proposal->curtain, straight->curtain) << turn;
+        EXPECT_EQ(proposal->certainty, straight->certainty) << turn;
+    }
+}
+
+TEST(CurtainProposal, SaysNothingTooEarly)
+{
+    const simulator::Scenario open;
+    EXPECT_FALSE(ProposeCurtain(SkyRecord(), {}));
+    EXPECT_FALSE(ProposeCurtain(RecordOf(open, 0, 1), {}));
+    SkyRecord idle;
+    for (int round = 0; round < 1000; ++round) {
+        idle.BeginNotes({});
+    }
+    EXPECT_FALSE(ProposeCurtain(idle, {})) << "nothing was tracked";
+}
+
+/// One bad note does not make a wall, nor a hole in one.
+TEST(CurtainProposal, IsNotLedAstrayByOneCell)
+{
+    simulator::Scenario place;
+    place.obstructions = {{60.0, 130.0, 35.0, 35.0}};
+    SkyRecord record = RecordOf(place, 0, 24);
+    const auto before = ProposeCurtain(record, {});
+    const auto at = [](double azimuthDeg, double elevationDeg) {
+        return SkyDirection{RadiansOf(azimuthDeg), RadiansOf(elevationDeg)};
+    };
+    for (int i = 0; i < 200; ++i) {
+        record.NoteMissed(at(181.0, 50.5));
+        record.NoteTracked(at(91.0, 15.5));
+    }
+    const auto after = ProposeCurtain(record, {});
+    ASSERT_TRUE(before && after);
+    for (const std::size_t azimuth : {std::size_t{181}, std::size_t{91}}) {
+        EXPECT_NEAR(after->curtain[azimuth], before->curtain[azimuth], 1);
+    }
+}
+
+} // namespace
+} // namespace fieldcore
