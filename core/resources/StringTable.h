@@ -29,6 +29,8 @@ inline constexpr const char* kLanguageVariable = "FIELDCORE_LANGUAGE";
 
 /// @return the text under @p id in the current language; empty if there is none. Any thread.
 [[nodiscard]] const wchar_t* Text(int id);
+/// The same in a language of its own.
+[[nodiscard]] const wchar_t* Text(int id, Language language);
 
 /// The text under @p id as a wprintf format, filled in with a decimal point whatever the user's
 /// locale. The arguments must fit the format. Any thread.
