@@ -4,6 +4,7 @@
 #include "app/Session.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -49,11 +50,7 @@ void TellOfNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, cons
         std::fprintf(stderr, "%s\n", qPrintable(message));
         return;
     }
-    std::fputs(
-        "fieldcore: there is no display to open a window on.\n"
-        "  try:   start it in a desktop session, or use fieldcore-cli; fieldcore --screenshots "
-        "DIR -platform offscreen draws without a display\n",
-        stderr);
+    std::fputs(qPrintable(UiText(text::kAppNoDisplay)), stderr);
     std::_Exit(kUsage);
 }
 
@@ -127,11 +124,11 @@ int main(int argc, char** argv)
     const std::unique_ptr<QApplication> application = MakeApplication(argc, argv);
     const AppOptions options = ParseArguments(QApplication::arguments());
     if (!options.fault.isEmpty()) {
-        std::fprintf(stderr, "fieldcore: %s\n  try:   fieldcore --help\n",
-                     qPrintable(options.fault));
+        std::fprintf(stderr, "fieldcore: %s\n%s%s%sfieldcore --help\n", qPrintable(options.fault),
+                     qPrintable(UiText(text::kSayTry)), qPrintable(options.hint),
+                     options.hint.isEmpty() ? "" : "\n         ");
         return kUsage;
     }
-    SetLanguage(options.language);
     TouchStyle::Install();
     if (!TouchStyle::CanDrawJapanese()) {
         SetLanguage(Language::English); // or nothing could be read

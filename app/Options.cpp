@@ -1,28 +1,60 @@
 #include "app/Options.h"
 
 #include "core/platform/FastClock.h"
+#include "ui/controls/UiText.h"
 
 #include <QCommandLineParser>
+
+#include <map>
 
 namespace fieldcore {
 
 namespace {
 
-/// Of the option, else of the variable, else Japanese.
-void ReadLanguage(const QString& option, AppOptions& options)
+/// An option of the parser, and its line of the help.
+QCommandLineOption Add(QCommandLineParser& parser, const QStringList& names, const QString& value,
+                       int purpose, AppOptions& options)
 {
-    const QString variable = qEnvironmentVariable(kLanguageVariable);
-    const bool isGiven = !option.isNull();
-    if (!isGiven && variable.isEmpty()) {
-        return;
+    constexpr int kColumn = 28;
+    QStringList typed;
+    for (const QString& name : names) {
+        typed.append((name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name);
     }
-    const std::optional<Language> language =
-        LanguageNamed((isGiven ? option : variable).toStdString());
+    const QString shown = QStringLiteral("  %1 %2").arg(typed.join(QLatin1Char(',')), value);
+    options.help += shown.leftJustified(kColumn) + UiText(purpose) + QLatin1Char('\n');
+    QCommandLineOption option(names, UiText(purpose), value);
+    parser.addOption(option);
+    return option;
+}
+
+/// The value of an option is none of those that it may have.
+void Refuse(const QCommandLineOption& option, const QString& value, AppOptions& options)
+{
+    const QString name = QStringLiteral("--") + option.names().last();
+    options.fault = UiText(text::kSayCannotBe).arg(name, value);
+    options.hint = QStringLiteral("%1 %2: %3").arg(name, option.valueName(), option.description());
+}
+
+/// Of the option, else of the variable, else Japanese: counts from now on.
+void UseLanguage(const QStringList& arguments, AppOptions& options)
+{
+    constexpr QLatin1String kOption("--language");
+    QString source = QString::fromLatin1(kLanguageVariable);
+    QString name = qEnvironmentVariable(kLanguageVariable);
+    options.language = LanguageNamed(name.toStdString()).value_or(options.language);
+    for (int at = 1; at < arguments.size(); ++at) {
+        const bool isApart = arguments[at] == kOption && at + 1 < arguments.size();
+        if (isApart || arguments[at].startsWith(kOption + QLatin1Char('='))) {
+            source = kOption;
+            name = isApart ? arguments[at + 1] : arguments[at].mid(kOption.size() + 1);
+        }
+    }
+    const std::optional<Language> language = LanguageNamed(name.toStdString());
     options.language = language.value_or(options.language);
-    if (!language) {
-        options.fault = QStringLiteral("%1 must be ja or en.")
-                            .arg(isGiven ? QStringLiteral("--language")
-                                         : QString::fromLatin1(kLanguageVariable));
+    SetLanguage(options.language);
+    if (!language && (!name.isEmpty() || source == kOption)) {
+        options.fault = UiText(text::kSayCannotBe).arg(source, name);
+        options.hint = UiText(text::kSayLanguages);
     }
 }
 
@@ -30,72 +62,60 @@ void ReadLanguage(const QString& option, AppOptions& options)
 
 AppOptions ParseArguments(const QStringList& arguments)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("The field controller: receiver, plan and files on one screen."));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    const QCommandLineOption port(
-        {QStringLiteral("p"), QStringLiteral("port")},
-        QStringLiteral("COM1, a path such as /dev/ttyUSB0, sim: or sim:SCENARIO."),
-        QStringLiteral("PORT"));
-    const QCommandLineOption theme(QStringLiteral("theme"),
-                                   QStringLiteral("daylight, dark or system."),
-                                   QStringLiteral("THEME"));
-    const QCommandLineOption speed(
-        QStringLiteral("speed"),
-        QStringLiteral("Let time run this many times as fast; only with sim:, 0.1 to 1000."),
-        QStringLiteral("N"));
-    const QCommandLineOption screenshots(
-        QStringLiteral("screenshots"),
-        QStringLiteral("Write every screen as PNG into this folder, and end."),
-        QStringLiteral("DIR"));
-    const QCommandLineOption q77(
-        QStringLiteral("q77"),
-        QStringLiteral("The layouts of the controller with the taller screen."));
-    const QCommandLineOption firstPage(
-        QStringLiteral("first-page"),
-        QStringLiteral("End when the first page has been painted; for measuring."));
-    const QCommandLineOption language(
-        QStringLiteral("language"), QStringLiteral("ja or en (else $FIELDCORE_LANGUAGE, else ja)."),
-        QStringLiteral("LANGUAGE"));
-    parser.addOptions({port, theme, language, speed, screenshots, q77, firstPage});
-
+    const std::map<QString, Theme::Kind> themes{{QStringLiteral("daylight"), Theme::Kind::Daylight},
+                                                {QStringLiteral("dark"), Theme::Kind::Dark},
+                                                {QStringLiteral("system"), Theme::Kind::System}};
     AppOptions options;
-    if (!parser.parse(arguments)) {
-        options.fault = parser.errorText();
-    } else if (!parser.positionalArguments().isEmpty()) {
-        options.fault =
-            QStringLiteral("%1 is no option.").arg(parser.positionalArguments().first());
+    UseLanguage(arguments, options);
+    options.help = UiText(text::kAppPurpose) + UiText(text::kAppUsage);
+    QCommandLineParser parser;
+    const auto add = [&](const QStringList& names, const char* value, int purpose) {
+        return Add(parser, names, QString::fromLatin1(value), purpose, options);
+    };
+    const QCommandLineOption help =
+        add({QStringLiteral("h"), QStringLiteral("help")}, "", text::kOptHelp);
+    const QCommandLineOption version =
+        add({QStringLiteral("v"), QStringLiteral("version")}, "", text::kOptVersion);
+    const QCommandLineOption port =
+        add({QStringLiteral("p"), QStringLiteral("port")}, "PORT", text::kAppOptPort);
+    const QCommandLineOption theme = add({QStringLiteral("theme")}, "THEME", text::kAppOptTheme);
+    add({QStringLiteral("language")}, "LANGUAGE", text::kAppOptLanguage);
+    const QCommandLineOption speed = add({QStringLiteral("speed")}, "N", text::kAppOptSpeed);
+    const QCommandLineOption screenshots =
+        add({QStringLiteral("screenshots")}, "DIR", text::kAppOptScreenshots);
+    const QCommandLineOption q77 = add({QStringLiteral("q77")}, "", text::kAppOptQ77);
+    const QCommandLineOption firstPage =
+        add({QStringLiteral("first-page")}, "", text::kAppOptFirstPage);
+
+    const bool isParsed = parser.parse(arguments);
+    const QStringList unknown = parser.unknownOptionNames() + parser.positionalArguments();
+    if (!unknown.isEmpty()) {
+        const QStringList typed = arguments.mid(1).filter(unknown.first());
+        options.fault = UiText(text::kSayNotTaken)
+                            .arg(QStringLiteral("fieldcore"), typed.value(0, unknown.first()));
+    } else if (!isParsed) {
+        options.fault = UiText(text::kSayNeedsValue).arg(arguments.last());
     }
     options.showHelp = parser.isSet(help);
     options.showVersion = parser.isSet(version);
-    options.help = parser.helpText();
     options.port = parser.value(port);
     options.screenshots = parser.value(screenshots);
     options.isQ77 = parser.isSet(q77);
     options.firstPage = parser.isSet(firstPage);
-    ReadLanguage(parser.isSet(language) ? QStringLiteral("%1").arg(parser.value(language))
-                                        : QString(),
-                 options);
     if (parser.isSet(speed)) {
         bool isNumber = false;
         options.speed = parser.value(speed).toDouble(&isNumber);
         if (!isNumber || !(options.speed >= FastClock::kLowestSpeed &&
                            options.speed <= FastClock::kHighestSpeed)) {
-            options.fault = QStringLiteral("--speed must be 0.1 to 1000.");
+            Refuse(speed, parser.value(speed), options);
         }
     }
     if (parser.isSet(theme)) {
-        const QString name = parser.value(theme);
-        if (name == QStringLiteral("daylight")) {
-            options.theme = Theme::Kind::Daylight;
-        } else if (name == QStringLiteral("dark")) {
-            options.theme = Theme::Kind::Dark;
-        } else if (name == QStringLiteral("system")) {
-            options.theme = Theme::Kind::System;
+        const auto named = themes.find(parser.value(theme));
+        if (named != themes.end()) {
+            options.theme = named->second;
         } else {
-            options.fault = QStringLiteral("--theme must be daylight, dark or system.");
+            Refuse(theme, parser.value(theme), options);
         }
     }
     return options;

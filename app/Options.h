@@ -24,8 +24,10 @@ struct AppOptions
     bool showHelp = false;
     QString help;  ///< text of the help
     QString fault; ///< what is wrong with the command line; empty: nothing
+    QString hint;  ///< what would be right; may be empty
 };
 
+/// Everything is said in the language that is found first, which is set from then on.
 /// @param arguments  the program's name first
 [[nodiscard]] AppOptions ParseArguments(const QStringList& arguments);
 

@@ -1,5 +1,7 @@
 #include "cli/AlmanacReport.h"
 #include "cli/Command.h"
+#include "cli/DayText.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
@@ -83,8 +85,8 @@ Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacSto
     case AlmanacResult::BrokenOff:
         break;
     }
-    return FileFailure(Worded(text::kSayAlmanacNotWritten, {AlmanacPath(FolderOf(context)).string(),
-                                                            store.LastError().message()}),
+    return FileFailure(Worded(text::kSayAlmanacNotWritten,
+                              {AlmanacPath(FolderOf(context)).string(), Reason(store.LastError())}),
                        "fieldcore-cli doctor");
 }
 
@@ -95,8 +97,7 @@ Report Summary(const Context& context, const std::filesystem::path& folder)
     CSurveyPlanCalc almanac;
     almanac.LoadAlmanac(AlmanacPath(folder));
     Report report;
-    report.Add("file", Worded(text::kLabelFile),
-               Value::Text(AlmanacPath(FolderOf(context)).string()));
+    report.Add("file", text::kLabelFile, Value::Text(AlmanacPath(FolderOf(context)).string()));
     AddAlmanacSummary(report, almanac, GpsNow(context.world));
     return report;
 }
@@ -143,9 +144,9 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
         return context.output.Failed(FailureOf(result, context, store));
     }
     Report report = Summary(context, folder);
-    report.Add("received", Worded(text::kLabelReceivedNow), Value::Integer(tally.received));
-    report.Add("missing", Worded(text::kLabelUnknownToReceiver), Value::Integer(tally.missing));
-    report.Add("lost", Worded(text::kLabelNotAnswered), Value::Integer(tally.lost));
+    report.Add("received", text::kLabelReceivedNow, Value::Integer(tally.received));
+    report.Add("missing", text::kLabelUnknownToReceiver, Value::Integer(tally.missing));
+    report.Add("lost", text::kLabelNotAnswered, Value::Integer(tally.lost));
     if (tally.lost > 0) {
         const Failure loss = LossOf(tally, Worded(text::kSayOnlyThese));
         if (ClassOf(tally.fault) == FaultClass::Gone) {
@@ -165,20 +166,19 @@ void ShowAge(const Context& context, Host& host, const CSurveyPlanCalc& almanac,
     if (IsAlmanacOld(time, date)) {
         ShowText(host, {text::kAlmanacOld, text::kAlmanacOldCaption, BoxIcon::Exclamation});
     } else if (GpsSeconds(time) - GpsSeconds(GpsNow(context.world)) > kWeekS) {
-        context.output.Message("warning", "",
-                               "The almanac is of a week that has not come yet. If its file is an "
-                               "old one, import it with --week.",
-                               Colour::Yellow);
+        context.output.Message("warning", "", Worded(text::kSayWeekToCome), Colour::Yellow);
     }
 }
 
 ExitCode Show(const Context& context, const AlmanacOptions& options)
 {
-    const std::optional<CGPSTime> date =
-        options.date.empty() ? GpsNow(context.world) : GpsMidnight(options.date);
-    if (!date) {
-        return context.output.Failed(UsageFailure("\"" + options.date + "\" is no date.",
-                                                  "--date 2026-11-21, from 1980-01-06 to 2099"));
+    CGPSTime date = GpsNow(context.world);
+    if (!options.date.empty()) {
+        std::chrono::sys_days day;
+        if (const auto failure = ReadDate(options.date, 1, context.world, day)) {
+            return context.output.Failed(*failure);
+        }
+        date = GpsMidnight(day);
     }
     TerminalHost host(context.world, context.output);
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
@@ -192,11 +192,11 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
                             : Worded(text::kSayNoAlmanac, {file.string()}),
                         Worded(text::kSayWaysToAlmanac)));
     }
-    ShowAge(context, host, almanac, *date);
+    ShowAge(context, host, almanac, date);
     Report report;
-    report.Add("file", Worded(text::kLabelFile), Value::Text(file.string()));
-    AddAlmanacSummary(report, almanac, *date);
-    AddAlmanacTable(report, almanac, *date);
+    report.Add("file", text::kLabelFile, Value::Text(file.string()));
+    AddAlmanacSummary(report, almanac, date);
+    AddAlmanacTable(report, almanac, date);
     return context.output.Done(report);
 }
 
@@ -231,16 +231,11 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
     }
     const AlmanacText text = LoadAlmanacText(options.file, week);
     if (text.error) {
-        const TextError& error = *text.error;
-        return context.output.Failed(FileFailure(
-            "Nothing was replaced: " + options.file +
-                (error.line > 0 ? ", line " + std::to_string(error.line) : "") +
-                (error.field.empty() ? "" : ", \"" + error.field + "\"") + ": " + error.message,
-            Worded(text::kSayWholeAlmanac)));
+        return context.output.Failed(
+            TextFailure(options.file, *text.error, Worded(text::kSayWholeAlmanac)));
     }
     if (text.skipped > 0) {
-        context.output.Note(std::to_string(text.skipped) +
-                            " satellites with a PRN beyond 32 were left out.");
+        context.output.Note(Worded(text::kSayPrnBeyond, {std::to_string(text.skipped)}));
     }
     return Store(
         context, text.records,
@@ -252,14 +247,10 @@ ExitCode Sample(const Context& context, const AlmanacOptions& options)
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
     std::error_code ignored;
     if (std::filesystem::exists(file, ignored) && !options.yes && !context.dryRun) {
-        if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
-            return context.output.Failed(
-                UsageFailure(Worded(text::kSaySampleThere), Worded(text::kSayYesReplace)));
-        }
         TerminalHost host(context.world, context.output);
-        if (host.ShowMessage(L"Replace the almanac that is there by a made-up one?", L"",
-                             {BoxButtons::YesNo, BoxIcon::Question}) != BoxAnswer::Yes) {
-            return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+        if (const auto failure = host.Ask(Worded(text::kAskSample), Worded(text::kSaySampleThere),
+                                          Worded(text::kSayYesReplace))) {
+            return context.output.Failed(*failure);
         }
     }
     const std::int64_t now = GpsSeconds(GpsNow(context.world));
@@ -274,50 +265,28 @@ ExitCode Sample(const Context& context, const AlmanacOptions& options)
 
 Command AddAlmanacCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "almanac", "The satellites' orbits, for planning: get, import, show",
-        "  fieldcore-cli almanac get --port /dev/ttyUSB0   from a receiver\n"
-        "  fieldcore-cli almanac import current.alm        from a YUMA or SEM file\n"
-        "  fieldcore-cli almanac sample                    a made-up one, to try things\n"
-        "  fieldcore-cli almanac show                      what there is, and how old it is\n");
+    CLI::App& parser = AddParser(program, "almanac", text::kHelpAlmanac);
     parser.require_subcommand(1);
     const auto options = std::make_shared<AlmanacOptions>();
 
-    CLI::App& get = AddParser(parser, "get", "Receive the almanac from a receiver",
-                              "  fieldcore-cli almanac get --port /dev/ttyUSB0\n"
-                              "  fieldcore-cli almanac get --port sim:\n");
-    AddDryRun(get, "Receive it, show it, and replace nothing");
+    CLI::App& get = AddParser(parser, "get", text::kHelpAlmanacGet);
+    AddDryRun(get, text::kOptGetDry);
     options->port.AddTo(get);
 
-    CLI::App& show =
-        AddParser(parser, "show", "Each satellite of the almanac, and how old it is",
-                  "  fieldcore-cli almanac show\n"
-                  "  fieldcore-cli almanac show --date 2026-12-24   will it do then?\n");
-    show.add_option("--date", options->date, "Count the age at the start of this day (now)")
-        ->type_name("YYYY-MM-DD");
+    CLI::App& show = AddParser(parser, "show", text::kHelpAlmanacShow);
+    AddText(show, "--date", options->date, "DATE", text::kOptAgeDate);
 
-    CLI::App& import = AddParser(parser, "import", "Take the almanac from a YUMA or SEM file",
-                                 "  fieldcore-cli almanac import current.alm\n"
-                                 "  fieldcore-cli almanac import old.alm --week 2300\n");
-    import.add_option("FILE", options->file, "The file; which kind it is shows in it")
-        ->type_name("")
-        ->required();
-    options->weekGiven =
-        import
-            .add_option("--week", options->week,
-                        "Full GPS week, instead of the one in the file nearest to today")
-            ->check(CLI::Range(0, 32767).description(""))
-            ->type_name("N");
+    CLI::App& import = AddParser(parser, "import", text::kHelpAlmanacImport);
+    AddText(import, "FILE", options->file, "", text::kOptAlmanacFile)->required();
+    options->weekGiven = import.add_option("--week", options->week, Worded(text::kOptWeek))
+                             ->check(CLI::Range(0, 32767).description(""))
+                             ->type_name("N");
 
-    AddDryRun(import, "Read it, show it, and replace nothing");
+    AddDryRun(import, text::kOptImportDry);
 
-    CLI::App& sample =
-        AddParser(parser, "sample", "Make one up: the constellation as it was laid out",
-                  "  fieldcore-cli almanac sample\n"
-                  "  fieldcore-cli almanac sample --yes   in place of a real one\n");
-    CLI::Option* const yes =
-        sample.add_flag("--yes", options->yes, "Replace an almanac without asking");
-    AddDryRun(sample, "Show it, and replace nothing", yes);
+    CLI::App& sample = AddParser(parser, "sample", text::kHelpAlmanacSample);
+    CLI::Option* const yes = AddFlag(sample, "--yes", options->yes, text::kOptSampleYes);
+    AddDryRun(sample, text::kOptSampleDry, yes);
 
     return {&parser, [=, &get, &show, &import](const Context& context) {
                 return get.parsed()      ? Get(context, *options)

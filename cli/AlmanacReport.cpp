@@ -1,6 +1,5 @@
 #include "cli/AlmanacReport.h"
 
-#include "cli/DayText.h"
 #include "cli/Wording.h"
 
 #include "core/planning/AlmanacTime.h"
@@ -53,7 +52,8 @@ Value DateValue(const CGPSTime& time)
 
 Value AgeValue(const CGPSTime& time, const CGPSTime& date)
 {
-    return Value::Real(static_cast<double>(GpsSeconds(date) - GpsSeconds(time)) / kDayS, 1, "days");
+    return Value::Real(static_cast<double>(GpsSeconds(date) - GpsSeconds(time)) / kDayS, 1,
+                       Worded(text::kUnitDays));
 }
 
 /// The reference time of a satellite; nothing if the record has none.
@@ -75,13 +75,9 @@ CGPSTime GpsNow(const World& world)
     return FromGpsSeconds(std::chrono::duration_cast<std::chrono::seconds>(since).count());
 }
 
-std::optional<CGPSTime> GpsMidnight(std::string_view text)
+CGPSTime GpsMidnight(std::chrono::sys_days day)
 {
-    const std::optional<sys_days> day = ParseDay(text);
-    if (!day || *day < kGpsEpoch) {
-        return std::nullopt;
-    }
-    return FromGpsSeconds(std::chrono::seconds(*day - kGpsEpoch).count());
+    return FromGpsSeconds(std::chrono::seconds(day - kGpsEpoch).count());
 }
 
 std::int64_t GpsSeconds(const CGPSTime& time)
@@ -112,17 +108,15 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
         }
     }
     const CGPSTime time = AlmanacTime(almanac);
-    report.Add("source", Worded(text::kLabelSource), SourceValue(almanac.Source()));
+    report.Add("source", text::kLabelSource, SourceValue(almanac.Source()));
     const std::wstring& name = almanac.Source().name;
-    report.Add("sourceName", Worded(text::kLabelSourceName),
+    report.Add("sourceName", text::kLabelSourceName,
                name.empty() ? Value::Unknown() : Value::Text(std::wstring_view(name)));
-    report.Add("satelliteCount", Worded(text::kLabelSatellites), Value::Integer(loaded));
-    report.Add("healthyCount", Worded(text::kLabelHealthy), Value::Integer(healthy));
-    report.Add("gpsTime", Worded(text::kLabelAlmanacTime),
-               anyTime ? DateValue(time) : Value::Unknown());
-    report.Add("ageDays", Worded(text::kLabelAge),
-               anyTime ? AgeValue(time, date) : Value::Unknown());
-    report.Add("old", Worded(text::kLabelTooOld), Value::YesNo(IsAlmanacOld(time, date)));
+    report.Add("satelliteCount", text::kLabelSatellites, Value::Integer(loaded));
+    report.Add("healthyCount", text::kLabelHealthy, Value::Integer(healthy));
+    report.Add("gpsTime", text::kLabelAlmanacTime, anyTime ? DateValue(time) : Value::Unknown());
+    report.Add("ageDays", text::kLabelAge, anyTime ? AgeValue(time, date) : Value::Unknown());
+    report.Add("old", text::kLabelTooOld, Value::YesNo(IsAlmanacOld(time, date)));
 }
 
 void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
@@ -130,13 +124,13 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
     Report::Table table{"satellites",
                         "",
                         {{"prn", "PRN"},
-                         {"healthy", Worded(text::kHeadHealthy)},
-                         {"health", Worded(text::kHeadHealth)},
-                         {"week", Worded(text::kHeadWeek)},
-                         {"gpsTime", Worded(text::kHeadReferenceTimeGps)},
-                         {"eccentricity", Worded(text::kHeadEccentricity)},
-                         {"inclinationDeg", Worded(text::kHeadInclination)},
-                         {"ageDays", Worded(text::kHeadAge)}},
+                         {"healthy", text::kHeadHealthy},
+                         {"health", text::kHeadHealth},
+                         {"week", text::kHeadWeek},
+                         {"gpsTime", text::kHeadReferenceTimeGps},
+                         {"eccentricity", text::kHeadEccentricity},
+                         {"inclinationDeg", text::kHeadInclination},
+                         {"ageDays", text::kHeadAge}},
                         {}};
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         if (almanac.IsValid(index) == 0) {

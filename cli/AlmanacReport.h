@@ -6,9 +6,8 @@
 #include "core/planning/GPSTime.h"
 #include "core/planning/SurveyPlanCalc.h"
 
+#include <chrono>
 #include <cstdint>
-#include <optional>
-#include <string_view>
 
 namespace fieldcore::cli {
 
@@ -18,9 +17,8 @@ namespace fieldcore::cli {
 /// Now, by the world's clock.
 [[nodiscard]] CGPSTime GpsNow(const World& world);
 
-/// The GPS midnight with which a day begins, written 2026-11-21.
-/// @return nothing if that is no day from 1980-01-06 to 2099
-[[nodiscard]] std::optional<CGPSTime> GpsMidnight(std::string_view day);
+/// The GPS midnight with which a day begins.
+[[nodiscard]] CGPSTime GpsMidnight(std::chrono::sys_days day);
 
 /// Seconds since 1980-01-06 00:00:00 of GPS time.
 [[nodiscard]] std::int64_t GpsSeconds(const CGPSTime& time);

@@ -1,7 +1,10 @@
 #include "cli/AngleText.h"
 
+#include "cli/Wording.h"
+
 #include "core/input/Check.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>
@@ -52,9 +55,9 @@ bool TakeSeparator(std::string_view& text, std::size_t part)
     }
 }
 
-AngleResult Fault(std::string_view text, const std::string& why)
+AngleResult Fault(std::string_view text, int why)
 {
-    return {std::nullopt, "\"" + std::string(text) + "\" is no angle: " + why};
+    return {std::nullopt, Worded(text::kSayNoAngle, {std::string(text), Worded(why)})};
 }
 
 /// "412240" as minutes and seconds: two digits each, then decimals. Missing ones are zeros.
@@ -115,7 +118,7 @@ AngleResult ParseAngle(std::string_view utf8, AngleForm form)
         }
         const std::optional<double> number = ParseReal(rest.substr(0, length));
         if (count == parts.size() || isLast || whole == 0 || !number) {
-            return Fault(utf8, "write 35.68956, 35:41:22.4 or 35\u00B041'22.4\".");
+            return Fault(utf8, text::kSayAngleForms);
         }
         parts[count] = *number;
         isLast = length > whole;
@@ -126,18 +129,18 @@ AngleResult ParseAngle(std::string_view utf8, AngleForm form)
         }
         rest.remove_prefix(length);
         if (!rest.empty() && !TakeSeparator(rest, count)) {
-            return Fault(utf8, "write 35.68956, 35:41:22.4 or 35\u00B041'22.4\".");
+            return Fault(utf8, text::kSayAngleForms);
         }
     }
     if (count == 0) {
-        return Fault(utf8, "there are no digits.");
+        return Fault(utf8, text::kSayAngleDigits);
     }
     if (parts[1] >= 60.0 || parts[2] >= 60.0) {
-        return Fault(utf8, "minutes and seconds are less than 60.");
+        return Fault(utf8, text::kSayAngleSixty);
     }
     const double degrees = parts[0] + (parts[1] * 60.0 + parts[2]) / 3600.0;
     if (degrees > kMostDegrees) {
-        return Fault(utf8, "there are at most 360 degrees.");
+        return Fault(utf8, text::kSayAngleTurn);
     }
     return {isNegative ? -degrees : degrees, ""};
 }

@@ -1,5 +1,6 @@
 #include "cli/Command.h"
 #include "cli/GeoInput.h"
+#include "cli/Options.h"
 #include "cli/TerminalHost.h"
 #include "cli/Wording.h"
 
@@ -60,11 +61,10 @@ public:
     {
         const bool hasFile = InstallSampleAntennas(m_folders.Program()) != 0;
         if (!hasFile || settings.CheckReg() == 0) {
-            context.output.Message("warning", "",
-                                   "The antenna catalogue could not be brought up to date: " +
-                                       AntennaFilePath(m_folders.Program()).string() +
-                                       " or the settings cannot be written.",
-                                   Colour::Yellow);
+            context.output.Message(
+                "warning", "",
+                Worded(text::kSayCatalogueOld, {AntennaFilePath(m_folders.Program()).string()}),
+                Colour::Yellow);
         }
         settings.SetRole(RoleOf(options.role));
         settings.ReadRegAnt();
@@ -104,22 +104,22 @@ ExitCode List(const Context& context, const AntennaOptions& options)
 {
     Access access(context, options);
     Report report;
-    report.Add("file", Worded(text::kLabelFile), Value::Text(access.File().string()));
+    report.Add("file", text::kLabelFile, Value::Text(access.File().string()));
     const int count = access.settings.GetMaxCount();
     Report::Table types{"types",
-                        "There are no antennas in the catalogue.",
-                        {{"type", Worded(text::kHeadType)},
-                         {"name", Worded(text::kHeadName)},
-                         {"charCode", Worded(text::kHeadCalled)},
-                         {"code", Worded(text::kHeadNo)}},
+                        Worded(text::kSayNoAntennas),
+                        {{"type", text::kHeadType},
+                         {"name", text::kHeadName},
+                         {"charCode", text::kHeadCalled},
+                         {"code", text::kHeadNo}},
                         {}};
     Report::Table methods{"methods",
-                          "There are no methods: heights are vertical.",
-                          {{"type", Worded(text::kHeadType)},
-                           {"method", Worded(text::kHeadMethod)},
+                          Worded(text::kSayNoMethods),
+                          {{"type", text::kHeadType},
+                           {"method", text::kHeadMethod},
                            {"radiusM", "R"},
                            {"verticalM", "V"},
-                           {"name", Worded(text::kHeadName)}},
+                           {"name", text::kHeadName}},
                           {}};
     for (int n = 0; n < count; ++n) {
         const AntennaType type = access.settings.Catalogue().Type(n).value_or(AntennaType{});
@@ -158,20 +158,20 @@ std::string Derivation(const AntennaHeight& height)
     case AntennaReduction::Upright:
         return h + " + " + v + " = " + result;
     case AntennaReduction::Unknown:
-        return "as measured: the catalogue does not have the method";
+        return Worded(text::kSayMethodUnknown);
     case AntennaReduction::None:
         break;
     }
-    return "vertical as measured";
+    return Worded(text::kSayVertical);
 }
 
 void AddHeight(Report& report, const AntennaHeight& height)
 {
-    report.Add("measuredM", Worded(text::kLabelMeasuredHeightH), Metres(height.measuredM, 4));
-    report.Add("radiusM", Worded(text::kLabelRadiusR), Metres(height.method.radiusM, kCatalogue));
-    report.Add("offsetM", Worded(text::kLabelOffsetV), Metres(height.method.verticalM, kCatalogue));
-    report.Add("derivation", Worded(text::kLabelDerivation), Value::Text(Derivation(height)));
-    report.Add("verticalM", Worded(text::kLabelVerticalHeight), Vertical(height.verticalM));
+    report.Add("measuredM", text::kLabelMeasuredHeightH, Metres(height.measuredM, 4));
+    report.Add("radiusM", text::kLabelRadiusR, Metres(height.method.radiusM, kCatalogue));
+    report.Add("offsetM", text::kLabelOffsetV, Metres(height.method.verticalM, kCatalogue));
+    report.Add("derivation", text::kLabelDerivation, Value::Text(Derivation(height)));
+    report.Add("verticalM", text::kLabelVerticalHeight, Vertical(height.verticalM));
 }
 
 void WarnOfShort(const Context& context, const AntennaHeight& height)
@@ -185,13 +185,11 @@ void WarnOfShort(const Context& context, const AntennaHeight& height)
 Failure NotInCatalogue(const AntennaSettings& settings)
 {
     const bool isType = settings.ChoiceFault() == text::kAntennaTypeUnknown;
-    const std::string type = std::to_string(settings.GetAntTypeFlag());
     return {ExitCode::Failed, "antenna-unknown",
-            isType ? "The catalogue has no type " + type + ", which is stored."
-                   : "The catalogue has no method " + std::to_string(settings.GetAntWayFlag()) +
-                         " of type " + type + ", which is stored.",
-            std::string(isType ? "--type N" : "--method N") +
-                " chooses another; fieldcore-cli antenna list"};
+            Worded(isType ? text::kSayStoredType : text::kSayStoredMethod,
+                   {std::to_string(settings.GetAntTypeFlag()),
+                    std::to_string(settings.GetAntWayFlag())}),
+            Worded(text::kSayChoosesAnother, {isType ? "--type N" : "--method N"})};
 }
 
 /// @param isKnown  there is a height, stored or not
@@ -205,14 +203,14 @@ ExitCode ShowSettings(const Context& context, const Access& access, const Antenn
                                Colour::Yellow);
     }
     Report report;
-    report.Add("role", Worded(text::kLabelRole), Value::Text(options.role));
-    report.Add("type", Worded(text::kLabelType), Value::Integer(info.type));
-    report.Add("name", Worded(text::kLabelName), Words(info.description.name));
-    report.Add("number", Worded(text::kLabelNumber), Value::Integer(access.settings.GetAntNo()));
-    report.Add("method", Worded(text::kLabelMethod), Value::Integer(info.way));
-    report.Add("methodName", Worded(text::kLabelMeasured), Words(info.methodName));
-    report.Add("serial", Worded(text::kLabelSerialNumber), Words(info.serial));
-    report.Add("isMeasured", Worded(text::kLabelHeightKnown), Value::YesNo(isKnown));
+    report.Add("role", text::kLabelRole, Value::Word(options.role, Translated(options.role)));
+    report.Add("type", text::kLabelType, Value::Integer(info.type));
+    report.Add("name", text::kLabelName, Words(info.description.name));
+    report.Add("number", text::kLabelNumber, Value::Integer(access.settings.GetAntNo()));
+    report.Add("method", text::kLabelMethod, Value::Integer(info.way));
+    report.Add("methodName", text::kLabelMeasured, Words(info.methodName));
+    report.Add("serial", text::kLabelSerialNumber, Words(info.serial));
+    report.Add("isMeasured", text::kLabelHeightKnown, Value::YesNo(isKnown));
     if (isKnown) {
         AddHeight(report, info.height);
         WarnOfShort(context, info.height);
@@ -231,21 +229,20 @@ std::optional<Failure> Check(const AntennaSettings& settings, const AntennaOptio
 {
     const int count = settings.GetMaxCount();
     if (options.typeOption->count() > 0 && (options.type < 0 || options.type >= count)) {
-        return UsageFailure("There is no type " + std::to_string(options.type) +
-                                " in the catalogue.",
+        return UsageFailure(Worded(text::kSayNoType, {std::to_string(options.type)}),
                             "fieldcore-cli antenna list");
     }
     const int type = options.typeOption->count() > 0 ? options.type : settings.GetAntTypeFlag();
     if (options.methodOption->count() > 0 &&
         (options.method < 0 || settings.GetAntWayStr(type, options.method).empty())) {
-        return UsageFailure("Type " + std::to_string(type) + " has no method " +
-                                std::to_string(options.method) + ".",
-                            "0 for a vertical height, or fieldcore-cli antenna list");
+        return UsageFailure(
+            Worded(text::kSayNoMethod, {std::to_string(type), std::to_string(options.method)}),
+            Worded(text::kSayNoMethodHint));
     }
     if (options.serialOption->count() > 0 &&
         !AntennaSerialFault(FromUtf8(options.serial)).empty()) {
-        return UsageFailure("\"" + options.serial + "\" is no serial number.",
-                            "letters, digits and -, at most 16");
+        return UsageFailure(Worded(text::kSayNoSerialNumber, {options.serial}),
+                            Worded(text::kSayNoSerialNumberHint));
     }
     return std::nullopt;
 }
@@ -256,25 +253,24 @@ std::optional<Failure> TakeFrom(const std::string& file, AntennaSettings& settin
     constexpr std::size_t kMost = 64U << 20U; // what a receiver logs in a day is less
     const auto blocks = ReadWholeFile(file, kMost);
     if (!blocks) {
-        return FileFailure(file + " cannot be read.", "Name a file of logged data.");
+        return FileFailure(Worded(text::kSayNotRead, {file}), Worded(text::kSayLoggedHint));
     }
     if (settings.GetAntInfoFromLoggingData(*blocks) != 0) {
         return std::nullopt;
     }
     const std::string code = Printable(ToUtf8(settings.SourceCode()));
-    return Failure{ExitCode::Failed, "antenna-unknown",
-                   code.empty() ? file + " tells of no antenna."
-                                : "The catalogue does not have the antenna \"" + code +
-                                      "\" with the method of " + file + ".",
-                   "fieldcore-cli antenna list"};
+    return Failure{
+        ExitCode::Failed, "antenna-unknown",
+        Worded(code.empty() ? text::kSayFileNoAntenna : text::kSayAntennaNotThere, {file, code}),
+        "fieldcore-cli antenna list"};
 }
 
 ExitCode Set(const Context& context, const AntennaOptions& options)
 {
     double heightM = 0.0;
     if (options.heightOption->count() > 0) {
-        if (const auto failure =
-                ReadMetres({"The height", options.height, 0.0, kHighestAntennaM}, heightM)) {
+        if (const auto failure = ReadMetres(
+                {Worded(text::kLabelHeight), options.height, 0.0, kHighestAntennaM}, heightM)) {
             return context.output.Failed(*failure);
         }
     }
@@ -326,7 +322,7 @@ ExitCode Height(const Context& context, const AntennaOptions& options)
     double slantM = 0.0;
     AntennaMethod method;
     std::optional<Failure> failure =
-        ReadMetres({"The slant height", options.slant, 0.0, kHighestAntennaM}, slantM);
+        ReadMetres({Worded(text::kLabelSlant), options.slant, 0.0, kHighestAntennaM}, slantM);
     if (!failure) {
         failure = ReadMetres({"R", options.radius, 0.0, kHighestAntennaM}, method.radiusM);
     }
@@ -349,7 +345,7 @@ using Options = std::shared_ptr<AntennaOptions>;
 
 void AddRole(CLI::App& parser, const Options& options)
 {
-    parser.add_option("--role", options->role, "reference, rover or rover-second (rover)")
+    parser.add_option("--role", options->role, Worded(text::kOptRole))
         ->transform(CLI::IsMember(std::set<std::string>{"reference", "rover", "rover-second"})
                         .description(""))
         ->type_name("ROLE");
@@ -359,51 +355,28 @@ void AddRole(CLI::App& parser, const Options& options)
 
 Command AddAntennaCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "antenna", "Antennas, their heights, and how these are reduced",
-                  "  fieldcore-cli antenna list                  the catalogue\n"
-                  "  fieldcore-cli antenna show --role reference what is set\n"
-                  "  fieldcore-cli antenna set --type 3 --method 1 --height 1.543\n"
-                  "  fieldcore-cli antenna height --slant 1.5 --r 0.1 --v 0.05\n");
+    CLI::App& parser = AddParser(program, "antenna", text::kHelpAntenna);
     parser.require_subcommand(1);
     const auto options = std::make_shared<AntennaOptions>();
-    const CLI::App& list = AddParser(parser, "list", "The antennas of the catalogue",
-                                     "  fieldcore-cli antenna list --json\n");
-    CLI::App& show = AddParser(parser, "show", "What is set, and the vertical height",
-                               "  fieldcore-cli antenna show --role reference\n");
+    const CLI::App& list = AddParser(parser, "list", text::kHelpAntennaList);
+    CLI::App& show = AddParser(parser, "show", text::kHelpAntennaShow);
     AddRole(show, options);
 
-    CLI::App& set =
-        AddParser(parser, "set", "Store the antenna of a role; what is not named stays",
-                  "  fieldcore-cli antenna set --type 3 --method 1 --height 1.543\n"
-                  "  fieldcore-cli antenna set --role reference --height 1.200 --serial A0001\n"
-                  "  fieldcore-cli antenna set --from A0314A00 --dry-run   what was logged with\n");
+    CLI::App& set = AddParser(parser, "set", text::kHelpAntennaSet);
     AddRole(set, options);
-    options->typeOption =
-        set.add_option("--type", options->type, "Number of the type in the catalogue")
-            ->type_name("N");
-    options->methodOption = set.add_option("--method", options->method,
-                                           "0: the height is vertical; else a method's number")
-                                ->type_name("N");
+    options->typeOption = AddText(set, "--type", options->type, "N", text::kOptAntennaType);
+    options->methodOption = AddText(set, "--method", options->method, "N", text::kOptAntennaMethod);
     options->heightOption =
-        set.add_option("--height", options->height, "Height as measured, m")->type_name("METRES");
+        AddText(set, "--height", options->height, "METRES", text::kOptAntennaHeight);
     options->serialOption =
-        set.add_option("--serial", options->serial, "Serial number")->type_name("TEXT");
-    set.add_option("--from", options->from,
-                   "Take the last antenna of this file of logged data; the others go before it")
-        ->type_name("FILE");
-    AddDryRun(set, "Store nothing, show what would be");
+        AddText(set, "--serial", options->serial, "TEXT", text::kOptAntennaSerial);
+    AddText(set, "--from", options->from, "FILE", text::kOptAntennaFrom);
+    AddDryRun(set, text::kOptStoreDry);
 
-    CLI::App& height = AddParser(parser, "height", "Reduce a slant height to a vertical one",
-                                 "  fieldcore-cli antenna height --slant 1.5 --r 0.1 --v 0.05\n");
-    height.add_option("--slant", options->slant, "Slant height as measured, m")
-        ->type_name("METRES")
-        ->required();
-    height
-        .add_option("--r", options->radius, "Distance of the measured point from the axis, m (0)")
-        ->type_name("METRES");
-    height.add_option("--v", options->vertical, "Phase centre above the measured point, m (0)")
-        ->type_name("METRES");
+    CLI::App& height = AddParser(parser, "height", text::kHelpAntennaHeight);
+    AddText(height, "--slant", options->slant, "METRES", text::kOptSlant)->required();
+    AddText(height, "--r", options->radius, "METRES", text::kOptRadius);
+    AddText(height, "--v", options->vertical, "METRES", text::kOptVertical);
 
     return {&parser, [=, &list, &show, &set](const Context& context) {
                 return list.parsed()   ? List(context, *options)

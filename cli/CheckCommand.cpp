@@ -39,15 +39,15 @@ ExitCode Finish(const Context& context, Report report, bool valid)
     if (valid) {
         return context.output.Done(report);
     }
-    return context.output.Failed({ExitCode::Failed, "not-valid", "The text is not valid."},
+    return context.output.Failed({ExitCode::Failed, "not-valid", Worded(text::kSayNotValid)},
                                  &report);
 }
 
 Report Begin(const CheckOptions& options, bool valid)
 {
     Report report;
-    report.Add("text", Worded(text::kLabelText), Value::Text(options.text));
-    report.Add("valid", Worded(text::kLabelValid), Value::YesNo(valid));
+    report.Add("text", text::kLabelText, Value::Text(options.text));
+    report.Add("valid", text::kLabelValid, Value::YesNo(valid));
     return report;
 }
 
@@ -58,9 +58,9 @@ ExitCode CheckNumber(const Context& context, const CheckOptions& options)
     CCheck check(options.minimum, options.maximum, host);
     const bool valid = check.CheckNum(text, nullptr, options.integer ? 1 : 0, 1) == 1;
     Report report = Begin(options, valid);
-    report.Add("value", Worded(text::kLabelValue),
+    report.Add("value", text::kLabelValue,
                valid ? Value::Exact(CParts::atof(text)) : Value::Unknown());
-    report.Add("rounded", Worded(text::kLabelRounded),
+    report.Add("rounded", text::kLabelRounded,
                valid ? Value::Real(CParts::round(CParts::atof(text),
                                                  static_cast<std::uint8_t>(options.decimals)),
                                    options.decimals)
@@ -85,8 +85,8 @@ ExitCode CheckAngle(const Context& context, const CheckOptions& options)
     const bool valid = check.CheckDeg(text, nullptr, 1) == 1;
     const double rad = valid ? check.GetRad(text) : 0.0;
     Report report = Begin(options, valid);
-    report.Add("rad", Worded(text::kLabelRadians), valid ? Value::Exact(rad) : Value::Unknown());
-    report.Add("dms", Worded(text::kLabelDegrees),
+    report.Add("rad", text::kLabelRadians, valid ? Value::Exact(rad) : Value::Unknown());
+    report.Add("dms", text::kLabelDegrees,
                valid ? Value::Text(RADtoDEGStr(rad, 0, static_cast<std::uint8_t>(options.decimals)))
                      : Value::Unknown());
     return Finish(context, std::move(report), valid);
@@ -95,12 +95,9 @@ ExitCode CheckAngle(const Context& context, const CheckOptions& options)
 ExitCode CountUp(const Context& context, const CheckOptions& options)
 {
     Report report;
-    report.Add("name", Worded(text::kLabelName), Value::Text(options.text));
+    report.Add("name", text::kLabelName, Value::Text(options.text));
     Report::Table table{
-        "names",
-        "",
-        {{"name", Worded(text::kHeadNext)}, {"changed", Worded(text::kHeadChanged)}},
-        {}};
+        "names", "", {{"name", text::kHeadNext}, {"changed", text::kHeadChanged}}, {}};
     std::wstring name = FromUtf8(options.text);
     for (int i = 0; i < options.count; ++i) {
         const std::wstring before = name;
@@ -112,15 +109,14 @@ ExitCode CountUp(const Context& context, const CheckOptions& options)
 }
 
 /// A text that begins with a minus and no digit would pass for an option: hence --text, too.
-void AddTyped(CLI::App& parser, CheckOptions& options, const char* purpose)
+void AddTyped(CLI::App& parser, CheckOptions& options, int purpose)
 {
     AddText(parser, "--text,TEXT", options.text, "", purpose)->required();
 }
 
 void AddDecimals(CLI::App& parser, CheckOptions& options)
 {
-    AddNumber(parser, "--decimals", options.decimals, {0.0, 9.0, "", "3"}, "N",
-              "Digits behind the point");
+    AddNumber(parser, "--decimals", options.decimals, {0.0, 9.0, "", "3"}, "N", text::kOptDecimals);
 }
 
 } // namespace
@@ -132,32 +128,28 @@ Command AddCheckCommand(CLI::App& program)
         return [options, act](const Context& context) { return act(context, *options); };
     };
     return AddCommands(
-        program, {"check", "Is this a number, a point name, an angle", nullptr, {}, {}},
-        {{"number", "A number within limits",
-          "  fieldcore-cli check number 1.543 --min 0 --max 5\n"
-          "  fieldcore-cli check number 12 --integer\n",
+        program, {"check", text::kHelpCheck, {}, {}},
+        {{"number", text::kHelpCheckNumber,
           [options](CLI::App& parser) {
-              AddTyped(parser, *options, "What was typed");
+              AddTyped(parser, *options, text::kOptTyped);
               AddNumber(parser, "--min", options->minimum, {-1e24, 1e24, "", "-1e24"}, "N",
-                        "Lowest that is valid");
+                        text::kOptLowest);
               AddNumber(parser, "--max", options->maximum, {-1e24, 1e24, "", "1e24"}, "N",
-                        "Highest that is valid");
-              parser.add_flag("--integer", options->integer, "Digits alone");
+                        text::kOptHighest);
+              AddFlag(parser, "--integer", options->integer, text::kOptInteger);
               AddDecimals(parser, *options);
           },
           doing(CheckNumber)},
-         {"point", "The name of a point", "  fieldcore-cli check point A-1\n",
-          [options](CLI::App& parser) { AddTyped(parser, *options, "What was typed"); },
+         {"point", text::kHelpCheckPoint,
+          [options](CLI::App& parser) { AddTyped(parser, *options, text::kOptTyped); },
           doing(CheckPoint)},
-         {"angle", "Degrees, minutes and seconds",
-          "  fieldcore-cli check angle 135-07-04.5\n"
-          "  fieldcore-cli check angle 89-30 --min 0 --max 90\n",
+         {"angle", text::kHelpCheckAngle,
           [options](CLI::App& parser) {
-              AddTyped(parser, *options, "What was typed; a minus in front is lost");
+              AddTyped(parser, *options, text::kOptTypedAngle);
               AddNumber(parser, "--min", options->minimumDeg, {-359.0, 359.0, "deg", "-359"}, "N",
-                        "Lowest, whole");
+                        text::kOptLowestWhole);
               AddNumber(parser, "--max", options->maximumDeg, {-359.0, 359.0, "deg", "359"}, "N",
-                        "Highest, whole");
+                        text::kOptHighestWhole);
               AddDecimals(parser, *options);
           },
           doing(CheckAngle)}});
@@ -166,19 +158,17 @@ Command AddCheckCommand(CLI::App& program)
 Command AddNextCommand(CLI::App& program)
 {
     const auto options = std::make_shared<CheckOptions>();
-    return AddCommand(
-        program,
-        {"next", "The name of the next point",
-         "  fieldcore-cli next A-9              A-10\n"
-         "  fieldcore-cli next P09 --count 5    the next five\n"
-         "  fieldcore-cli next 99 --max 2       no room: stays 99\n",
-         [options](CLI::App& parser) {
-             AddTyped(parser, *options, "Name of the last point");
-             AddNumber(parser, "--max", options->maxLength, {1.0, 255.0, "characters", "255"}, "N",
-                       "Longest name");
-             AddNumber(parser, "--count", options->count, {1.0, 10000.0, "", "1"}, "N", "How many");
-         },
-         [options](const Context& context) { return CountUp(context, *options); }});
+    return AddCommand(program,
+                      {"next", text::kHelpNext,
+                       [options](CLI::App& parser) {
+                           AddTyped(parser, *options, text::kOptLastPoint);
+                           AddNumber(parser, "--max", options->maxLength,
+                                     {1.0, 255.0, Worded(text::kUnitCharacters), "255"}, "N",
+                                     text::kOptLongest);
+                           AddNumber(parser, "--count", options->count, {1.0, 10000.0, "", "1"},
+                                     "N", text::kOptHowMany);
+                       },
+                       [options](const Context& context) { return CountUp(context, *options); }});
 }
 
 } // namespace fieldcore::cli

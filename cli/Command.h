@@ -59,22 +59,22 @@ Command AddCheckCommand(CLI::App& program);
 Command AddNextCommand(CLI::App& program);
 Command AddDemoCommand(CLI::App& program);
 
-/// Adds a parser with a name, one line about it, and examples, which its help begins with.
-CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
-                    const std::string& examples);
+/// Adds a parser.
+/// @param help  its text: a line that says what it is for, then examples, which its help begins
+/// with
+CLI::App& AddParser(CLI::App& parent, const std::string& name, int help);
 
 /// Offers --dry-run, as every command does that changes something: Context::dryRun tells it, and
 /// Output that nothing was changed.
-/// @param purpose  what is not done and what is shown instead
+/// @param purpose  a text: what is not done and what is shown instead
 /// @param yes      the option that makes no sense beside it; may be null
-CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option* yes = nullptr);
+CLI::Option* AddDryRun(CLI::App& parser, int purpose, CLI::Option* yes = nullptr);
 
 /// A row of the table of commands: its parser, its help and its call are made from it.
 struct CommandRow
 {
     const char* name;
-    const char* purpose;  ///< one line
-    const char* examples; ///< its help begins with them; null: the first one of each row below it
+    int help; ///< as of AddParser(); one without examples takes the first of each row below it
     std::function<void(CLI::App&)> addOptions; ///< may be empty
     std::function<ExitCode(const Context&)> run;
 };

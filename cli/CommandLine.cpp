@@ -2,6 +2,7 @@
 
 #include "cli/Command.h"
 #include "cli/Complaint.h"
+#include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/PortSession.h"
 #include "cli/Wording.h"
@@ -26,25 +27,31 @@ constexpr const char* kDryRun = "--dry-run";
 constexpr const char* kPort = "--port";
 constexpr const char* kLanguage = "--language";
 
-constexpr const char* kExamples =
-    R"(  fieldcore-cli demo                        see it all work, without a receiver
-  fieldcore-cli ports                       the serial ports of this machine
-  fieldcore-cli info --port /dev/ttyUSB0    who is the receiver, and what can it do
-  fieldcore-cli status --port sim: --watch  its state, every few seconds; here a simulated one
-  fieldcore-cli status --port COM1 --json   the same for a script
-  fieldcore-cli almanac get --port COM1     the satellites' orbits, for planning
-  fieldcore-cli files get '*' --port COM1   the receiver's data files
-  fieldcore-cli settings list               what is set, and what COM3 means
-  fieldcore-cli geo plane 35.69 139.69      coordinates and angles converted
-  fieldcore-cli antenna height --slant 1.5 --r 0.1 --v 0.05
-                                            an antenna's vertical height
-  fieldcore-cli doctor                      why does it not work on this machine
-)";
+/// What the parser calls the parts of a help, and the groups of its options.
+constexpr std::pair<const char*, int> kHelpLabels[] = {
+    {"Usage", text::kHelpUsage},        {"OPTIONS", text::kHelpOptions},
+    {"Options", text::kHelpOptions},    {"Positionals", text::kHelpPositionals},
+    {"SUBCOMMAND", text::kHelpCommand}, {"REQUIRED", text::kHelpRequired},
+    {"Needs", text::kHelpNeeds},        {"Excludes", text::kHelpExcludes},
+    {kPortGroup, text::kHelpPortGroup}, {kPlanGroup, text::kHelpPlanGroup},
+};
 
 /// Puts the examples, which are kept as the footer, in front: they answer most questions.
 class HelpFormatter final : public CLI::Formatter
 {
 public:
+    HelpFormatter()
+    {
+        column_width(28);
+        for (const auto& [key, id] : kHelpLabels) {
+            label(key, Worded(id));
+        }
+    }
+    std::string make_group(std::string group, bool isPositional,
+                           std::vector<const CLI::Option*> options) const override
+    {
+        return CLI::Formatter::make_group(get_label(group), isPositional, std::move(options));
+    }
     std::string make_help(const CLI::App* app, std::string name,
                           CLI::AppFormatMode mode) const override
     {
@@ -52,8 +59,7 @@ public:
             return make_expanded(app);
         }
         std::ostringstream help;
-        help << "Examples:\n"
-             << app->get_footer() << "\n"
+        help << Worded(text::kHelpExamples) << app->get_footer() << "\n"
              << app->get_description() << "\n"
              << make_usage(app, name) << make_positionals(app) << make_groups(app, mode)
              << make_subcommands(app, mode);
@@ -61,23 +67,29 @@ public:
     }
 };
 
+/// What a parser is for stands in the first line of its help, examples below.
+void Explain(CLI::App& parser, int help)
+{
+    const std::string all = Worded(help);
+    const std::size_t end = std::min(all.find('\n'), all.size());
+    parser.description(all.substr(0, end));
+    parser.footer(all.substr(std::min(end + 1, all.size())));
+}
+
 struct Program
 {
-    CLI::App parser{"The field controller's library in a terminal. Results go to stdout, the rest "
-                    "to stderr.",
-                    kProgram};
+    CLI::App parser{"", kProgram};
     bool json = false;
     bool version = false;
     std::vector<Command> commands;
 
     Program()
     {
-        auto formatter = std::make_shared<HelpFormatter>();
-        formatter->column_width(28);
-        parser.formatter(formatter);
-        parser.footer(kExamples);
-        parser.set_help_flag("-h,--help", "Show this help");
-        parser.add_flag("--version", version, "Show the version");
+        parser.formatter(std::make_shared<HelpFormatter>());
+        parser.group(Worded(text::kHelpCommands));
+        Explain(parser, text::kHelp);
+        parser.set_help_flag("-h,--help", Worded(text::kOptHelp));
+        AddFlag(parser, "--version", version, text::kOptVersion);
         for (const auto add :
              {AddPortsCommand,    AddInfoCommand,     AddStatusCommand,  AddTimeCommand,
               AddIdentifyCommand, AddResetCommand,    AddAlmanacCommand, AddFilesCommand,
@@ -100,8 +112,7 @@ private:
     static void AddStore(CLI::App& app)
     {
         if (app.get_option_no_throw(kPort) == nullptr) {
-            app.add_option(kPort, "sim: takes what the simulator's own store has")
-                ->type_name("sim:");
+            app.add_option(kPort)->description(Worded(text::kOptStore))->type_name("sim:");
         }
         for (CLI::App* child : app.get_subcommands({})) {
             AddStore(*child);
@@ -111,9 +122,8 @@ private:
     /// What is understood wherever it stands.
     void AddEverywhere(CLI::App& app)
     {
-        app.add_flag("--json", json, "Print one JSON document (docs/cli.md)");
-        app.add_option(kLanguage, "en or ja (else $FIELDCORE_LANGUAGE, else en)")
-            ->type_name("LANGUAGE");
+        AddFlag(app, "--json", json, text::kOptJson);
+        app.add_option(kLanguage)->description(Worded(text::kOptLanguage))->type_name("LANGUAGE");
         for (CLI::App* child : app.get_subcommands({})) {
             AddEverywhere(*child);
         }
@@ -149,7 +159,7 @@ World WorldOf(const World& world, const CLI::App& program)
 ExitCode ShowVersion(Output& output)
 {
     Report report;
-    report.Add("version", Worded(text::kLabelVersion), Value::Text(std::string(FIELDCORE_VERSION)));
+    report.Add("version", text::kLabelVersion, Value::Text(std::string(FIELDCORE_VERSION)));
     return output.Done(report, std::string(kProgram) + " " + FIELDCORE_VERSION + "\n");
 }
 
@@ -174,8 +184,7 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
     const bool isSimRun = CommandName(parsed) == "sim run";
     if (!userCommand.empty() && !isSimRun) {
         return output.Failed(
-            UsageFailure("Only sim run starts a command of your own behind \"--\".",
-                         "fieldcore-cli sim run --help"));
+            UsageFailure(Worded(text::kSayOnlySimRun), "fieldcore-cli sim run --help"));
     }
     const World own = WorldOf(world, program.parser);
     for (const Command& command : program.commands) {
@@ -191,6 +200,7 @@ std::optional<Failure> UseLanguage(const World& world, const std::vector<std::st
 {
     std::string source = kLanguageVariable;
     std::string name = world.variable(source).value_or("en");
+    SetLanguage(LanguageNamed(name).value_or(Language::English));
     const std::string joined = std::string(kLanguage) + "=";
     for (std::size_t at = 0; at < arguments.size() && arguments[at] != "--"; ++at) {
         const bool isApart = arguments[at] == kLanguage && at + 1 < arguments.size();
@@ -200,10 +210,10 @@ std::optional<Failure> UseLanguage(const World& world, const std::vector<std::st
         }
     }
     const std::optional<Language> language = LanguageNamed(name);
-    SetLanguage(language.value_or(Language::English));
+    SetLanguage(language.value_or(CurrentLanguage()));
     return language ? std::nullopt
-                    : std::optional(UsageFailure(source + " cannot be \"" + name + "\".",
-                                                 "en for English, ja for Japanese"));
+                    : std::optional(UsageFailure(Worded(text::kSayCannotBe, {source, name}),
+                                                 Worded(text::kSayLanguages)));
 }
 
 ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
@@ -226,7 +236,7 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
 
     Program program;
     if (emptyCommand) {
-        return Output(world, "", json).Failed(UsageFailure("There is no command behind \"--\"."));
+        return Output(world, "", json).Failed(UsageFailure(Worded(text::kSayNothingBehind)));
     }
     if (const std::optional<Failure> failure = UnknownCommand(program.parser, arguments)) {
         return Output(world, "", json).Failed(*failure);
@@ -254,17 +264,16 @@ ExitCode Kept(const Context& context, const Report& report)
     return context.output.Done(report);
 }
 
-CLI::App& AddParser(CLI::App& parent, const std::string& name, const std::string& purpose,
-                    const std::string& examples)
+CLI::App& AddParser(CLI::App& parent, const std::string& name, int help)
 {
-    CLI::App* const parser = parent.add_subcommand(name, purpose);
-    parser->footer(examples);
+    CLI::App* const parser = parent.add_subcommand(name);
+    Explain(*parser, help);
     return *parser;
 }
 
-CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option* yes)
+CLI::Option* AddDryRun(CLI::App& parser, int purpose, CLI::Option* yes)
 {
-    CLI::Option* const option = parser.add_flag(kDryRun, purpose);
+    CLI::Option* const option = parser.add_flag(kDryRun)->description(Worded(purpose));
     if (yes != nullptr) {
         option->excludes(yes);
     }
@@ -273,7 +282,7 @@ CLI::Option* AddDryRun(CLI::App& parser, const std::string& purpose, CLI::Option
 
 Command AddCommand(CLI::App& program, const CommandRow& row)
 {
-    CLI::App& parser = AddParser(program, row.name, row.purpose, row.examples);
+    CLI::App& parser = AddParser(program, row.name, row.help);
     if (row.addOptions) {
         row.addOptions(parser);
     }
@@ -282,19 +291,17 @@ Command AddCommand(CLI::App& program, const CommandRow& row)
 
 Command AddCommands(CLI::App& program, const CommandRow& group, const std::vector<CommandRow>& rows)
 {
-    std::string examples = group.examples != nullptr ? group.examples : "";
-    for (const CommandRow& row : rows) {
-        const std::string_view all = row.examples;
-        examples += group.examples == nullptr ? all.substr(0, all.find('\n') + 1) : "";
-    }
-    CommandRow whole = group;
-    whole.examples = examples.c_str();
-    Command command = AddCommand(program, whole);
+    Command command = AddCommand(program, group);
+    std::string examples = command.parser->get_footer();
+    const bool hasOwn = !examples.empty();
     command.parser->require_subcommand(group.run ? 0 : 1, 1);
     std::vector<Command> below;
     for (const CommandRow& row : rows) {
         below.push_back(AddCommand(*command.parser, row));
+        const std::string all = below.back().parser->get_footer();
+        examples += hasOwn ? "" : all.substr(0, all.find('\n') + 1);
     }
+    command.parser->footer(examples);
     command.run = [below, run = group.run](const Context& context) {
         const auto named = std::find_if(below.begin(), below.end(), [](const Command& candidate) {
             return candidate.parser->parsed();
@@ -310,7 +317,7 @@ int RunCommandLine(const World& world, std::vector<std::string> arguments)
     world.out->flush();
     // Whoever has closed the pipe has seen enough.
     if (!*world.out && code == static_cast<int>(ExitCode::Done) && !world.outIsClosed()) {
-        *world.err << "fieldcore-cli: the result could not be written.\n";
+        *world.err << "fieldcore-cli: " << Worded(text::kSayNoResult);
         code = static_cast<int>(ExitCode::LocalFile);
     }
     return code;

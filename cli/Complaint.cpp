@@ -1,4 +1,7 @@
 #include "cli/Complaint.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -48,7 +51,7 @@ std::string Guess(const std::string& typed, const std::vector<std::string>& know
             nearest = candidate;
         }
     }
-    return nearest.empty() ? nearest : "did you mean " + nearest + "?\n         ";
+    return nearest.empty() ? nearest : Worded(text::kSayDidYouMean, {nearest});
 }
 
 std::vector<std::string> NamesBelow(const CLI::App& parser)
@@ -110,7 +113,7 @@ Failure NotExpected(const CLI::App& parser)
     const std::string word = left.empty() ? "" : left.front();
     const std::string name = CommandName(parser);
     if (!name.empty() && parser.get_option_no_throw(word) != nullptr) {
-        return UsageFailure(word + " stands behind the command.",
+        return UsageFailure(Worded(text::kSayBehindCommand, {word}),
                             "fieldcore-cli " + name + " " + word + " ...");
     }
     std::vector<std::string> known = NamesBelow(parser);
@@ -119,33 +122,40 @@ Failure NotExpected(const CLI::App& parser)
             known.push_back(option->get_name());
         }
     }
-    return UsageFailure((name.empty() ? "The program" : name) + " does not take " + word + ".",
+    return UsageFailure(Worded(text::kSayNotTaken, {name.empty() ? "fieldcore-cli" : name, word}),
                         Guess(word.substr(0, word.find('=')), known) + HelpOf(parser));
 }
 
 Failure BadValue(const CLI::App& parser, const CLI::Option& option)
 {
     const std::string value = Joined(option.results());
-    return UsageFailure(option.get_name() +
-                            (value.empty() ? " needs a value." : " cannot be \"" + value + "\"."),
+    return UsageFailure(Worded(value.empty() ? text::kSayNeedsValue : text::kSayCannotBe,
+                               {option.get_name(), value}),
                         Described(option) + "\n         " + HelpOf(parser));
 }
 
 Failure Missing(const CLI::App& parser, const std::string& complaint)
 {
     if (const CLI::Option* const option = OptionIn(parser, complaint)) {
-        return UsageFailure(option->get_name() + " is missing.",
+        return UsageFailure(Worded(text::kSayMissing, {option->get_name()}),
                             Described(*option) + "\n         " + HelpOf(parser));
     }
-    return UsageFailure(CommandName(parser) + " needs one of: " + Joined(NamesBelow(parser)) + ".",
-                        HelpOf(parser));
+    return UsageFailure(
+        Worded(text::kSayNeedsOneOf, {CommandName(parser), Joined(NamesBelow(parser))}),
+        HelpOf(parser));
 }
 
-/// "--yes excludes --dry-run" in other words.
-std::string Reworded(std::string text, const std::string& old, const std::string& words)
+/// "--yes excludes --dry-run" in our words.
+Failure Related(const CLI::App& parser, const std::string& complaint, std::string_view verb, int id)
 {
-    const std::size_t at = text.find(old);
-    return at == std::string::npos ? text : text.replace(at, old.size(), words) + ".";
+    const std::size_t at = complaint.find(verb);
+    Failure failure = UsageFailure(
+        at == std::string::npos
+            ? Worded(text::kSayNotUnderstood)
+            : Worded(id, {complaint.substr(0, at), complaint.substr(at + verb.size())}),
+        HelpOf(parser));
+    failure.detail = at == std::string::npos ? complaint : "";
+    return failure;
 }
 
 } // namespace
@@ -172,9 +182,10 @@ std::optional<Failure> UnknownCommand(const CLI::App& program,
         }
         const std::vector<std::string> names = NamesBelow(*parser);
         if (std::find(names.begin(), names.end(), word) == names.end()) {
-            return UsageFailure("There is no command " + CommandName(*parser) +
-                                    (parser == &program ? "" : " ") + word + ".",
-                                Guess(word, names) + HelpOf(*parser));
+            return UsageFailure(
+                Worded(text::kSayUnknownCommand,
+                       {CommandName(*parser) + (parser == &program ? "" : " ") + word}),
+                Guess(word, names) + HelpOf(*parser));
         }
         parser = parser->get_subcommand(word);
         if (parser->get_require_subcommand_min() == 0) {
@@ -186,22 +197,21 @@ std::optional<Failure> UnknownCommand(const CLI::App& program,
 
 Failure Complaint(const CLI::App& parser, const CLI::ParseError& error)
 {
-    const std::string text = error.what();
+    const std::string complaint = error.what();
     const auto kind = static_cast<CLI::ExitCodes>(error.get_exit_code());
     if (kind == CLI::ExitCodes::ExtrasError) {
         return NotExpected(parser);
     }
     if (kind == CLI::ExitCodes::RequiredError) {
-        return Missing(parser, text);
+        return Missing(parser, complaint);
     }
-    const CLI::Option* const option = OptionIn(parser, text);
-    if (kind == CLI::ExitCodes::RequiresError || kind == CLI::ExitCodes::ExcludesError ||
-        option == nullptr) {
-        return UsageFailure(Reworded(Reworded(text, " requires ", " goes only with "), " excludes ",
-                                     " does not go with "),
-                            HelpOf(parser));
+    const CLI::Option* const option = OptionIn(parser, complaint);
+    if (kind == CLI::ExitCodes::RequiresError) {
+        return Related(parser, complaint, " requires ", text::kSayGoesWith);
     }
-    return BadValue(parser, *option);
+    return kind == CLI::ExitCodes::ExcludesError || option == nullptr
+               ? Related(parser, complaint, " excludes ", text::kSayNotWith)
+               : BadValue(parser, *option);
 }
 
 } // namespace fieldcore::cli

@@ -1,6 +1,12 @@
 #include "cli/DayText.h"
 
+#include "cli/Wording.h"
+
+#include "core/planning/PlanPeriod.h"
+#include "core/resources/StringTable.h"
+
 #include <charconv>
+#include <string_view>
 
 namespace fieldcore::cli {
 
@@ -13,8 +19,6 @@ int DatePart(std::string_view text)
     const char* const end = text.data() + text.size();
     return std::from_chars(text.data(), end, number).ptr == end ? number : -1;
 }
-
-} // namespace
 
 std::optional<std::chrono::sys_days> ParseDay(std::string_view text)
 {
@@ -33,6 +37,26 @@ std::optional<std::chrono::sys_days> ParseDay(std::string_view text)
                                            std::chrono::month(static_cast<unsigned>(month)),
                                            std::chrono::day(static_cast<unsigned>(day))};
     return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<Failure> ReadDate(const std::string& text, int days, const World& world,
+                                std::chrono::sys_days& day)
+{
+    using namespace std::chrono_literals;
+    constexpr std::chrono::sys_days kFirst = 1980y / std::chrono::January / 7;
+    constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31;
+    const std::chrono::sys_days today = JapanDay(world.clock->Utc());
+    const std::optional<std::chrono::sys_days> first = text == "today" ? today
+                                                       : text == "tomorrow"
+                                                           ? today + std::chrono::days(1)
+                                                           : ParseDay(text);
+    if (!first || *first < kFirst || *first + std::chrono::days(days - 1) > kLast) {
+        return UsageFailure(Worded(text::kSayNoDate, {text}), Worded(text::kSayDateHint));
+    }
+    day = *first;
+    return std::nullopt;
 }
 
 } // namespace fieldcore::cli

@@ -1,13 +1,18 @@
 #pragma once
 
+#include "cli/Failure.h"
+#include "cli/World.h"
+
 #include <chrono>
 #include <optional>
-#include <string_view>
+#include <string>
 
 namespace fieldcore::cli {
 
-/// A day of the years 1980 to 2099, written 2026-11-21 and in no other way.
-/// @return nothing if @p text is none, or the calendar has no such day
-[[nodiscard]] std::optional<std::chrono::sys_days> ParseDay(std::string_view text);
+/// What stands behind --date: a day written 2026-11-21, today or tomorrow in Japan.
+/// @param days  so many from that day on must lie in 1980-01-07 to 2099-12-31
+/// @return what is wrong with it
+[[nodiscard]] std::optional<Failure> ReadDate(const std::string& text, int days, const World& world,
+                                              std::chrono::sys_days& day);
 
 } // namespace fieldcore::cli

@@ -72,11 +72,11 @@ public:
 
     ExitCode Run()
     {
-        Heading("1. Connect");
+        Heading(text::kDemoConnect);
         if (const std::optional<Failure> failure = m_session.Connect()) {
             return Fail(*failure);
         }
-        Say("Port opened: " + m_session.Target().devicePath + ". A simulated receiver answers.");
+        Say(Worded(text::kDemoConnected, {m_session.Target().devicePath}));
         for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::FetchFile,
                                 &Demo::SurviveFault, &Demo::MakePlan}) {
             if (const std::optional<Failure> failure = (this->*part)()) {
@@ -94,9 +94,9 @@ private:
             *m_context.world.out << text << "\n" << std::flush;
         }
     }
-    void Heading(const std::string& text)
+    void Heading(int id)
     {
-        Say((m_isFirst ? "" : "\n") + m_context.output.Painted(text, Colour::Green));
+        Say((m_isFirst ? "" : "\n") + m_context.output.Painted(Worded(id), Colour::Green));
         m_isFirst = false;
     }
     ExitCode Fail(const Failure& failure)
@@ -106,7 +106,7 @@ private:
 
     std::optional<Failure> Identify()
     {
-        Heading("2. Who is it?");
+        Heading(text::kDemoIdentify);
         CConnect connect(m_session.Command(), 0); // its port is open: it asks nothing
         connect.SupportAllTypes();
         if (connect.CheckRecvType() == 0) {
@@ -114,13 +114,13 @@ private:
         }
         Report& identity = m_report.AddSection("identity", "");
         AddIdentity(identity, connect.Identity());
-        Say(identity.Words() + "The library knows this type, and its firmware is recent enough.");
+        Say(identity.Words() + Worded(text::kDemoIdentified));
         return std::nullopt;
     }
 
     std::optional<Failure> ShowStatus()
     {
-        Heading("3. How is it?");
+        Heading(text::kDemoStatus);
         StatusReader reader(m_session);
         if (std::optional<Failure> failure = reader.Read()) {
             return failure;
@@ -134,7 +134,7 @@ private:
 
     std::optional<Failure> FetchFile()
     {
-        Heading("4. What has it stored?");
+        Heading(text::kDemoFiles);
         FileCatalogue catalogue(m_session);
         if (std::optional<Failure> failure = catalogue.List(false)) {
             return failure;
@@ -151,37 +151,36 @@ private:
             }
         }
         if (smallest == nullptr) {
-            return Failure{ExitCode::Failed, "no-files", "The receiver has no files."};
+            return Failure{ExitCode::Failed, "no-files", Worded(text::kSayNoFiles)};
         }
         const std::string name = ToUtf8(smallest->Name());
-        Say(std::to_string(all.files.size()) + " files. " + name + " with " +
-            std::to_string(smallest->size) + " bytes is the smallest; it is fetched.");
+        Say(Worded(text::kDemoSmallest,
+                   {std::to_string(all.files.size()), name, std::to_string(smallest->size)}));
         const ScratchFolder folder;
         CCommand& command = m_session.Command();
         if (command.DownloadFile(folder.Path(), smallest->Name(), smallest->size) !=
             smallest->size) {
             return command.Fault() != CommandFault::None
                        ? m_session.RequestFailed()
-                       : FileFailure(name +
-                                     " could not be written: " + command.GetFileError().message());
+                       : FileFailure(
+                             Worded(text::kSayNotWritten, {name, Reason(command.GetFileError())}));
         }
         if (!IsSameAsIn(*m_session.GetSimulator(), name, folder.Path() / name)) {
-            return Failure{ExitCode::Failed, "file-differs",
-                           "What came is not what the simulator has."};
+            return Failure{ExitCode::Failed, "file-differs", Worded(text::kDemoDiffers)};
         }
-        Say("It has arrived, and every byte is as the simulator has it.");
+        Say(Worded(text::kDemoSame));
         Report& files = m_report.AddSection("files", "");
-        files.Add("fileCount", Worded(text::kLabelFiles),
+        files.Add("fileCount", text::kLabelFiles,
                   Value::Integer(static_cast<std::int64_t>(all.files.size())));
-        files.Add("fetched", Worded(text::kLabelFetched), Value::Text(name));
-        files.Add("sizeBytes", Worded(text::kLabelItsSize), Value::Integer(smallest->size, "B"));
+        files.Add("fetched", text::kLabelFetched, Value::Text(name));
+        files.Add("sizeBytes", text::kLabelItsSize, Value::Integer(smallest->size, "B"));
         return std::nullopt;
     }
 
     std::optional<Failure> SurviveFault()
     {
-        Heading("5. A bad cable");
-        Say("The simulator damages its next answer. The library should notice and ask again.");
+        Heading(text::kDemoFault);
+        Say(Worded(text::kDemoDamages));
         simulator::Simulator& simulator = *m_session.GetSimulator();
         simulator::FaultRule damage;
         damage.kind = simulator::FaultKind::Corrupt;
@@ -196,41 +195,39 @@ private:
             return m_session.RequestFailed();
         }
         if (times < 2) {
-            return Failure{ExitCode::Failed, "fault-not-seen",
-                           "The damaged answer was taken for a good one."};
+            return Failure{ExitCode::Failed, "fault-not-seen", Worded(text::kDemoNotSeen)};
         }
         Report& fault = m_report.AddSection("fault", "");
-        fault.Add("timesSent", Worded(text::kLabelTimesSent),
+        fault.Add("timesSent", text::kLabelTimesSent,
                   Value::Integer(static_cast<std::int64_t>(times)));
-        Say("The status request was sent " + std::to_string(times) +
-            " times, as the simulator counted them; the last answer was good: battery " +
-            std::to_string(status.batteryPercent) + " %, " +
-            std::to_string(status.satellitesTracked) + " satellites.");
+        Say(Worded(text::kDemoSurvived,
+                   {std::to_string(times), std::to_string(status.batteryPercent),
+                    std::to_string(status.satellitesTracked)}));
         return std::nullopt;
     }
 
     std::optional<Failure> MakePlan()
     {
-        Heading("6. When to observe?");
-        Say("The almanac is downloaded from the receiver, and a day is planned with it.");
+        Heading(text::kDemoPlan);
+        Say(Worded(text::kDemoPlanned));
         const ScratchFolder folder; // not over the almanac of the user
         if (folder.Path().empty()) {
-            return FileFailure("There is no room for temporary files on this machine.");
+            return FileFailure(Worded(text::kSayNoScratch));
         }
         AlmanacStore store(folder.Path());
         switch (store.Update(m_session.Command())) {
         case AlmanacResult::Done:
             break;
         case AlmanacResult::TooFew:
-            return Failure{ExitCode::Failed, "almanac-too-few", "The receiver has no almanac."};
+            return Failure{ExitCode::Failed, "almanac-too-few", Worded(text::kSayAlmanacTooFew)};
         case AlmanacResult::BrokenOff:
         case AlmanacResult::Cancelled:
             return m_session.RequestFailed();
         case AlmanacResult::NotWritten:
         case AlmanacResult::NotReplaced:
         case AlmanacResult::NotRead:
-            return FileFailure("The almanac could not be kept in " + folder.Path().string() + ": " +
-                               store.LastError().message());
+            return FileFailure(Worded(text::kSayAlmanacNotWritten,
+                                      {folder.Path().string(), Reason(store.LastError())}));
         }
         PlanOptions options;
         options.sites = {"東京都千代田区"};
@@ -258,15 +255,8 @@ private:
 
     void Farewell()
     {
-        Heading("What to try next");
-        Say("  fieldcore-cli ports                        the serial ports of this machine\n"
-            "  fieldcore-cli info --port /dev/ttyUSB0     a receiver of your own\n"
-            "  fieldcore-cli status --port sim: --watch   a simulated one, every 2 seconds\n"
-            "  fieldcore-cli files get '*' --port sim: --to DIR   its files, into a folder\n"
-            "  fieldcore-cli almanac sample               a made-up almanac, to try plans with\n"
-            "  fieldcore-cli plan --site 札幌              a day somewhere else\n"
-            "  fieldcore-cli sim list                     what else can be simulated\n"
-            "  fieldcore-cli doctor                       is this machine ready for the field");
+        Heading(text::kDemoNext);
+        Say(Worded(text::kDemoTry));
     }
 
     const Context& m_context;
@@ -281,17 +271,14 @@ Command AddDemoCommand(CLI::App& program)
 {
     const auto options = std::make_shared<PortOptions>();
     options->port = "sim:lark";
-    return AddCommand(
-        program, {"demo", "See it all work, with a simulated receiver",
-                  "  fieldcore-cli demo              takes a few seconds\n"
-                  "  fieldcore-cli demo --speed 20   hardly any\n"
-                  "  fieldcore-cli demo --log exchange.log && fieldcore-cli trace exchange.log\n",
-                  [options](CLI::App& parser) { options->AddSessionTo(parser); },
-                  [options](const Context& context) {
-                      TerminalHost host(context.world, context.output);
-                      PortSession session(context.world, context.output, host, *options);
-                      return Demo(context, session).Run();
-                  }});
+    return AddCommand(program, {"demo", text::kHelpDemo,
+                                [options](CLI::App& parser) { options->AddSessionTo(parser); },
+                                [options](const Context& context) {
+                                    TerminalHost host(context.world, context.output);
+                                    PortSession session(context.world, context.output, host,
+                                                        *options);
+                                    return Demo(context, session).Run();
+                                }});
 }
 
 } // namespace fieldcore::cli

@@ -2,6 +2,7 @@
 
 #include "cli/AlmanacReport.h"
 #include "cli/Output.h"
+#include "cli/Wording.h"
 
 #include "core/link/ConnectChoice.h"
 #include "core/planning/AlmanacFile.h"
@@ -10,6 +11,8 @@
 #include "core/platform/PortList.h"
 #include "core/platform/PortNames.h"
 #include "core/platform/PortReport.h"
+#include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 #include "core/settings/SettingsRoots.h"
 
 #include <algorithm>
@@ -33,23 +36,16 @@ namespace fs = std::filesystem;
 Finding ExamineGroup(const World& world)
 {
     const World::SerialGroup group = world.serialGroup();
-    Finding finding{"serial group", Health::Ok, "", ""};
-    if (group.name.empty()) {
-        finding.health = Health::Attention;
-        finding.found = "This machine has no group for serial ports.";
-        finding.advice = "fieldcore-cli ports tells for each port whether you may open it";
-    } else if (group.isMember) {
-        finding.found = "You may open what belongs to " + group.name + ".";
-    } else if (group.isListed) {
-        finding.health = Health::Attention;
-        finding.found = "You are in " + group.name + ", but this session started before.";
-        finding.advice = "log out and in again";
-    } else {
-        finding.health = Health::Bad;
-        finding.found = "You are not in " + group.name + ", whose members may open serial ports.";
-        finding.advice = "sudo usermod -aG " + group.name + " $USER, then log out and in again";
-    }
-    return finding;
+    const auto finding = [&group](Health health, int found, int advice) {
+        return Finding{text::kDoctorGroup, "", health, Worded(found, {group.name}),
+                       advice == 0 ? "" : Worded(advice, {group.name})};
+    };
+    return group.name.empty()
+               ? finding(Health::Attention, text::kDoctorNoGroup, text::kDoctorNoGroupAdvice)
+           : group.isMember ? finding(Health::Ok, text::kDoctorMember, 0)
+           : group.isListed
+               ? finding(Health::Attention, text::kDoctorListed, text::kDoctorListedAdvice)
+               : finding(Health::Bad, text::kDoctorNotMember, text::kDoctorNotMemberAdvice);
 }
 
 Health HealthOf(PortTrouble trouble)
@@ -75,7 +71,8 @@ Finding ExaminePort(const World& world, const std::string& path, const std::stri
 {
     const PortReport report = ReportPort(path, 0, world.roots); // which knows who holds it
     const bool free = report.trouble == PortTrouble::None;
-    return {"port " + path, HealthOf(report.trouble), free ? description + ", free" : report.text,
+    return {text::kDoctorPort, path, HealthOf(report.trouble),
+            free ? Worded(text::kDoctorFree, {description}) : Translated(report.text),
             free ? std::string() : report.command};
 }
 
@@ -83,7 +80,7 @@ void ExaminePorts(const World& world, std::vector<Finding>& findings)
 {
     const std::vector<SerialPort> ports = ListSerialPorts(PortNames(world.roots), world.roots);
     for (const SerialPort& port : ports) {
-        findings.push_back(ExaminePort(world, port.path, port.description));
+        findings.push_back(ExaminePort(world, port.path, Translated(port.description)));
     }
     // That of the controller, which may be none of these: one that is gone, or a simulator's.
     SettingsRoots roots{Folders(world.folders)};
@@ -93,15 +90,15 @@ void ExaminePorts(const World& world, std::vector<Finding>& findings)
         isStored ? FindTarget(roots, *StoredPort(roots), world.roots) : FoundTarget{};
     const std::string path = chosen.target ? chosen.target->devicePath : "";
     if (!chosen.detail.empty() && !chosen.scenario) {
-        findings.push_back({"port of the controller", Health::Bad, chosen.detail,
-                            "choose another one, or name it: --port PORT"});
+        findings.push_back({text::kDoctorOwnPort, "", Health::Bad, Translated(chosen.detail),
+                            Worded(text::kDoctorOwnAdvice)});
     } else if (!path.empty() && std::none_of(ports.begin(), ports.end(),
                                              [&](const auto& port) { return port.path == path; })) {
-        findings.push_back(ExaminePort(world, path, "of the controller"));
+        findings.push_back(ExaminePort(world, path, Worded(text::kDoctorOfController)));
     }
     if (ports.empty()) {
-        findings.push_back({"serial ports", Health::Attention, "There is none.",
-                            "plug in an adapter, or use the simulator: --port sim:"});
+        findings.push_back({text::kDoctorPorts, "", Health::Attention, Worded(text::kDoctorNone),
+                            Worded(text::kDoctorNoneAdvice)});
     }
 }
 
@@ -137,18 +134,12 @@ fs::path FindFontFile(const std::vector<fs::path>& folders)
 
 Finding ExamineFont(const World& world)
 {
-    Finding finding{"Japanese font", Health::Ok, "", ""};
     const std::optional<std::string> listed = world.listJapaneseFonts();
     const std::string found = listed ? listed->substr(0, listed->find('\n'))
                                      : FindFontFile(world.fontFolders).filename().string();
-    if (!found.empty()) {
-        finding.found = found;
-        return finding;
-    }
-    finding.health = Health::Attention;
-    finding.found = "There is none: the dialogs would show boxes.";
-    finding.advice = "sudo apt install fonts-vlgothic";
-    return finding;
+    return found.empty() ? Finding{text::kDoctorFont, "", Health::Attention,
+                                   Worded(text::kDoctorNoFont), "sudo apt install fonts-vlgothic"}
+                         : Finding{text::kDoctorFont, "", Health::Ok, found, ""};
 }
 
 /// @p folder, or what there is of it: the next folder above it that exists.
@@ -161,62 +152,61 @@ fs::path Existing(fs::path folder)
     return folder;
 }
 
-Finding ExamineFolder(const std::string& name, const fs::path& folder)
+Finding ExamineFolder(int name, const fs::path& folder)
 {
     constexpr std::uintmax_t kMegabyte = 1'000'000;
     constexpr std::uintmax_t kScarce = 50 * kMegabyte; // a day of files and a catalogue
-    Finding finding{name, Health::Bad, folder.string(), ""};
     const fs::path existing = Existing(folder);
     std::error_code error;
     if (!fs::is_directory(existing, error)) {
-        finding.found += ": " + existing.string() + " is no folder.";
-        finding.advice = "move that file away";
-        return finding;
+        return {name, "", Health::Bad,
+                Worded(text::kDoctorNoFolder, {folder.string(), existing.string()}),
+                Worded(text::kDoctorNoFolderAdvice)};
     }
     if (access(existing.c_str(), W_OK | X_OK) != 0) {
-        finding.found += ": you may not write to " + existing.string() + ".";
-        finding.advice = "sudo chown $USER " + existing.string();
-        return finding;
+        return {name, "", Health::Bad,
+                Worded(text::kDoctorClosed, {folder.string(), existing.string()}),
+                "sudo chown $USER " + existing.string()};
     }
     const fs::space_info space = fs::space(existing, error);
     const bool isScarce = !error && space.available < kScarce;
-    finding.health = isScarce ? Health::Attention : Health::Ok;
-    finding.found += existing == folder ? "" : " (is made when it is needed)";
-    finding.found += error ? ", free space unknown"
-                           : ", " + std::to_string(space.available / kMegabyte) + " MB free";
-    finding.advice = isScarce ? "make room: files from the receiver may not fit" : "";
-    return finding;
+    const std::string place =
+        existing == folder ? folder.string() : Worded(text::kDoctorToBeMade, {folder.string()});
+    return {name, "", isScarce ? Health::Attention : Health::Ok,
+            Worded(error ? text::kDoctorSpaceUnknown : text::kDoctorSpace,
+                   {place, std::to_string(space.available / kMegabyte)}),
+            isScarce ? Worded(text::kDoctorMakeRoom) : ""};
 }
 
 Finding ExamineVersions()
 {
     utsname system{};
     uname(&system);
-    return {"version", Health::Ok,
-            std::string("fieldcore ") + FIELDCORE_VERSION + ", JSON schema " +
-                std::to_string(kJsonSchema) + ", " + system.sysname + " " + system.release + " " +
-                system.machine,
+    return {text::kDoctorVersion, "", Health::Ok,
+            Worded(text::kDoctorVersions,
+                   {FIELDCORE_VERSION, std::to_string(kJsonSchema),
+                    std::string(system.sysname) + " " + system.release + " " + system.machine}),
             ""};
 }
 
 Finding ExamineAlmanac(const World& world)
 {
-    Finding finding{"almanac", Health::Attention, "There is none yet.",
+    Finding finding{text::kLabelAlmanac, "", Health::Attention, Worded(text::kDoctorNoAlmanac),
                     "fieldcore-cli almanac get --port PORT"};
     CSurveyPlanCalc almanac;
     const fs::path file = AlmanacPath(Folders(world.folders).Program());
     std::error_code error;
     if (!almanac.LoadAlmanac(file)) {
         finding.found =
-            fs::exists(file, error) ? file.string() + " cannot be read." : finding.found;
+            fs::exists(file, error) ? Worded(text::kSayNotRead, {file.string()}) : finding.found;
         return finding;
     }
     constexpr double kDayS = 86400.0;
     const CGPSTime time = AlmanacTime(almanac);
     const CGPSTime now = GpsNow(world);
     const double days = static_cast<double>(GpsSeconds(now) - GpsSeconds(time)) / kDayS;
-    finding.found = Value::Real(std::abs(days), 1).Words() +
-                    (days < 0.0 ? " days newer than today" : " days old") + ", " + file.string();
+    finding.found = Worded(days < 0.0 ? text::kDoctorNewer : text::kDoctorOlder,
+                           {Value::Real(std::abs(days), 1).Words(), file.string()});
     if (!IsAlmanacOld(time, now)) {
         finding.health = Health::Ok;
         finding.advice.clear();
@@ -235,13 +225,13 @@ std::vector<Finding> Examine(const World& world)
     findings.push_back(ExamineFont(world));
     findings.push_back(ExamineAlmanac(world));
     const Folders folders(world.folders);
-    findings.push_back(ExamineFolder("program folder", folders.Program()));
-    findings.push_back(ExamineFolder("documents", folders.Documents()));
-    findings.push_back(ExamineFolder("built-in storage", folders.BuiltInStorage()));
-    findings.push_back(ExamineFolder("settings", folders.Settings()));
-    findings.push_back(ExamineFolder("machine settings", folders.MachineSettings()));
+    findings.push_back(ExamineFolder(text::kDoctorProgram, folders.Program()));
+    findings.push_back(ExamineFolder(text::kDoctorDocuments, folders.Documents()));
+    findings.push_back(ExamineFolder(text::kDoctorBuiltIn, folders.BuiltInStorage()));
+    findings.push_back(ExamineFolder(text::kDoctorSettings, folders.Settings()));
+    findings.push_back(ExamineFolder(text::kDoctorMachine, folders.MachineSettings()));
     for (const fs::path& card : folders.StorageCards()) {
-        findings.push_back(ExamineFolder("storage card", card));
+        findings.push_back(ExamineFolder(text::kDoctorCard, card));
     }
     return findings;
 }

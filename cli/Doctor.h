@@ -17,7 +17,8 @@ enum class Health
 /// One thing that was looked at.
 struct Finding
 {
-    std::string check;
+    int check = 0;       ///< a text
+    std::string subject; ///< stands in it; may be empty
     Health health = Health::Ok;
     std::string found;
     std::string advice; ///< what to do, as a command where there is one; empty if all is well

@@ -1,6 +1,9 @@
 #include "cli/Command.h"
 #include "cli/Doctor.h"
 #include "cli/Utf8.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -11,7 +14,7 @@ namespace {
 
 struct Verdict
 {
-    const char* word;
+    int word; ///< a text; a program reads the English one
     Colour colour;
 };
 
@@ -19,13 +22,13 @@ Verdict VerdictOf(Health health)
 {
     switch (health) {
     case Health::Ok:
-        return {"ok", Colour::Green};
+        return {text::kDoctorOk, Colour::Green};
     case Health::Attention:
-        return {"attention", Colour::Yellow};
+        return {text::kDoctorAttention, Colour::Yellow};
     case Health::Bad:
         break;
     }
-    return {"bad", Colour::Red};
+    return {text::kDoctorBad, Colour::Red};
 }
 
 ExitCode Run(const Context& context)
@@ -35,17 +38,22 @@ ExitCode Run(const Context& context)
         "checks", "", {{"check", ""}, {"health", ""}, {"found", ""}, {"advice", ""}}, {}};
     std::size_t width = 0;
     for (const Finding& finding : findings) {
-        width = std::max(width, DisplayWidth(finding.check));
+        width = std::max(width, DisplayWidth(Worded(finding.check, {finding.subject})));
     }
-    std::string words = Padded("STATE", 11) + Padded("CHECK", width + 2) + "FOUND\n";
+    std::string words = Padded(Worded(text::kHeadState), 11) +
+                        Padded(Worded(text::kHeadCheck), width + 2) + Worded(text::kHeadFound) +
+                        "\n";
     bool anyBad = false;
     for (const Finding& finding : findings) {
         const Verdict verdict = VerdictOf(finding.health);
-        table.rows.push_back({Value::Text(finding.check), Value::Text(std::string(verdict.word)),
-                              Value::Text(finding.found), Value::Text(finding.advice)});
-        const std::string advice = finding.advice.empty() ? "" : "  Try: " + finding.advice;
-        words += context.output.Painted(Padded(verdict.word, 11), verdict.colour) +
-                 Padded(finding.check, width + 2) + Printable(finding.found + advice) + "\n";
+        table.rows.push_back({Value::Text(InEnglish(finding.check, {finding.subject})),
+                              Value::Text(InEnglish(verdict.word)), Value::Text(finding.found),
+                              Value::Text(finding.advice)});
+        const std::string advice =
+            finding.advice.empty() ? "" : Worded(text::kDoctorAdvice, {finding.advice});
+        words += context.output.Painted(Padded(Worded(verdict.word), 11), verdict.colour) +
+                 Padded(Worded(finding.check, {finding.subject}), width + 2) +
+                 Printable(finding.found + advice) + "\n";
         anyBad = anyBad || finding.health == Health::Bad;
     }
     Report report;
@@ -58,13 +66,7 @@ ExitCode Run(const Context& context)
 
 Command AddDoctorCommand(CLI::App& program)
 {
-    return AddCommand(
-        program, {"doctor",
-                  "Why does it not work on this machine",
-                  "  fieldcore-cli doctor          ports, rights, almanac, folders, a line each\n"
-                  "  fieldcore-cli doctor --json   the same for a bug report\n",
-                  {},
-                  Run});
+    return AddCommand(program, {"doctor", text::kHelpDoctor, {}, Run});
 }
 
 } // namespace fieldcore::cli

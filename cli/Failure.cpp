@@ -11,17 +11,6 @@ namespace fieldcore::cli {
 
 namespace {
 
-/// What is wrong with a port; the report says it in English, and more of it.
-std::string WordsOf(const PortReport& report, const std::string& path)
-{
-    constexpr std::array kTexts{
-        text::kSayPortNotOpened,  text::kSayPortAbsent,    text::kSayPortUnplugged,
-        text::kSayPortNotADevice, text::kSayPortNotSerial, text::kSayPortNoHardware,
-        text::kSayPortNotAllowed, text::kSayPortLogin,     text::kSayPortInUse};
-    return IsEnglish() ? report.text
-                       : Worded(kTexts[static_cast<std::size_t>(report.trouble)], {path});
-}
-
 const char* CodeOf(PortTrouble trouble)
 {
     switch (trouble) {
@@ -67,9 +56,20 @@ Failure FileFailure(std::string message, std::string hint)
 Failure TextFailure(const std::filesystem::path& file, const TextError& error, std::string hint)
 {
     std::string place = file.string();
-    place += error.line > 0 ? ", line " + std::to_string(error.line) : "";
-    place += error.field.empty() ? "" : ", " + error.field;
-    return FileFailure(place + ": " + error.message, std::move(hint));
+    place += error.line > 0 ? Worded(text::kSayLine, {std::to_string(error.line)}) : "";
+    place += error.field.empty() ? "" : ", \"" + error.field + "\"";
+    return FileFailure(place + ": " + Translated(error.message), std::move(hint));
+}
+
+Failure ScenarioFailure(const std::string& detail)
+{
+    return {ExitCode::Usage,          "usage", Worded(text::kSayNoScenario),
+            "fieldcore-cli sim list", "",      detail};
+}
+
+Failure SimulatorFailure(ExitCode exit, const std::string& detail)
+{
+    return {exit, "simulator-not-started", Worded(text::kSayNoSimulator), "", "", detail};
 }
 
 Failure RequestFailure(CommandFault fault, std::string detail)
@@ -96,7 +96,7 @@ Failure PortFailure(const std::string& path, int systemError, std::string detail
                     const SystemRoots& roots)
 {
     const PortReport report = ReportPort(path, systemError, roots);
-    return {ExitCode::NoPort, CodeOf(report.trouble), WordsOf(report, path), report.command, "",
+    return {ExitCode::NoPort, CodeOf(report.trouble), Translated(report.text), report.command, "",
             std::move(detail)};
 }
 

@@ -33,6 +33,10 @@ struct Failure
 /// What to do about a fault. In Japanese the text of the fault says it, but for a command.
 [[nodiscard]] std::string HintOf(const TerminalFault& said);
 
+/// @param detail  what the simulator says of it
+[[nodiscard]] Failure ScenarioFailure(const std::string& detail);
+[[nodiscard]] Failure SimulatorFailure(ExitCode exit, const std::string& detail);
+
 /// A request that failed on an open port.
 [[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);
 

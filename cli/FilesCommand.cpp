@@ -1,4 +1,7 @@
 #include "cli/FilesWork.h"
+#include "cli/Options.h"
+
+#include "core/resources/StringTable.h"
 
 #include <memory>
 
@@ -10,66 +13,43 @@ namespace {
 
 CLI::Option* AddPatterns(CLI::App& parser, const std::shared_ptr<FilesOptions>& options)
 {
-    return parser
-        .add_option("FILE", options->patterns,
-                    "Names with or without extension; * and ? stand for any characters (quote "
-                    "them)")
-        ->type_name("");
+    return AddText(parser, "FILE", options->patterns, "", text::kOptFiles);
 }
 
 } // namespace
 
 Command AddFilesCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "files", "The receiver's files: list, fetch, delete, recover",
-        "  fieldcore-cli files ls --port /dev/ttyUSB0         what there is\n"
-        "  fieldcore-cli files get '*' --new --by-date --to surveys --port /dev/ttyUSB0\n"
-        "                                                     what is not there yet\n"
-        "  fieldcore-cli files rm 'A03*' --dry-run --port COM1  which would it be\n"
-        "  fieldcore-cli files recover A0310A00 --port COM1   back from the recycle bin\n");
+    CLI::App& parser = AddParser(program, "files", text::kHelpFiles);
     parser.require_subcommand(1);
     const auto options = std::make_shared<FilesOptions>();
-    const auto addSub = [&](const char* name, const char* purpose,
-                            const std::string& examples) -> CLI::App& {
-        CLI::App& sub = AddParser(parser, name, purpose, examples);
+    const auto addSub = [&](const char* name, int help) -> CLI::App& {
+        CLI::App& sub = AddParser(parser, name, help);
         options->port.AddTo(sub);
         return sub;
     };
 
-    CLI::App& list = addSub("ls", "List the files",
-                            "  fieldcore-cli files ls --port sim:\n"
-                            "  fieldcore-cli files ls 'A0317*' --port sim:\n"
-                            "  fieldcore-cli files ls --deleted --port sim:pica\n");
+    CLI::App& list = addSub("ls", text::kHelpFilesLs);
     AddPatterns(list, options);
-    list.add_flag("--deleted", options->deleted, "Those in the recycle bin");
+    AddFlag(list, "--deleted", options->deleted, text::kOptDeleted);
 
-    CLI::App& get = addSub("get", "Fetch files",
-                           "  fieldcore-cli files get A0314A00 --port sim:\n"
-                           "  fieldcore-cli files get '*' --to surveys --by-date --port sim:\n"
-                           "  fieldcore-cli files get '*' --to surveys --new --port sim:\n");
+    CLI::App& get = addSub("get", text::kHelpFilesGet);
     AddPatterns(get, options)->required();
-    get.add_option("--to", options->folder, "Where to; it is made if it is not there (here)")
-        ->type_name("DIR");
-    get.add_flag("--by-date", options->byDate, "Into a folder for each day, such as 2026-03-14");
-    get.add_flag("--new", options->onlyNew, "Not those that are there already, in the same size");
-    get.add_flag("--yes", options->yes, "Replace files without asking");
-    get.add_flag("--dry-run", options->dryRun, "Fetch nothing, show what would be");
+    AddText(get, "--to", options->folder, "DIR", text::kOptTo);
+    AddFlag(get, "--by-date", options->byDate, text::kOptByDate);
+    AddFlag(get, "--new", options->onlyNew, text::kOptNew);
+    AddFlag(get, "--yes", options->yes, text::kOptReplaceFiles);
+    AddFlag(get, "--dry-run", options->dryRun, text::kOptFetchDry);
 
-    CLI::App& remove = addSub("rm", "Delete files, into the recycle bin if there is one",
-                              "  fieldcore-cli files rm A0314A00 --port sim: --dry-run\n"
-                              "  fieldcore-cli files rm 'A0314*' --port sim: --yes\n"
-                              "  fieldcore-cli files rm '*' --deleted --port COM1\n");
+    CLI::App& remove = addSub("rm", text::kHelpFilesRm);
     AddPatterns(remove, options)->required();
-    remove.add_flag("--deleted", options->deleted, "Those in the recycle bin, for good");
-    CLI::Option* const yes = remove.add_flag("--yes", options->yes, "Do not ask");
-    remove.add_flag("--dry-run", options->dryRun, "Delete nothing, show what would be")
-        ->excludes(yes);
+    AddFlag(remove, "--deleted", options->deleted, text::kOptDeletedForGood);
+    CLI::Option* const yes = AddFlag(remove, "--yes", options->yes, text::kOptYes);
+    AddFlag(remove, "--dry-run", options->dryRun, text::kOptDeleteDry)->excludes(yes);
 
-    CLI::App& recover = addSub("recover", "Bring files back from the recycle bin",
-                               "  fieldcore-cli files recover A0310A00 --port sim:pica\n");
+    CLI::App& recover = addSub("recover", text::kHelpFilesRecover);
     AddPatterns(recover, options)->required();
-    recover.add_flag("--dry-run", options->dryRun, "Recover nothing, show what would be");
+    AddFlag(recover, "--dry-run", options->dryRun, text::kOptRecoverDry);
 
     return {&parser, [=, &list, &get, &remove](const Context& context) {
                 FilesWork work(context, *options);

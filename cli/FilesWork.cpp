@@ -41,20 +41,20 @@ public:
 private:
     static std::string Line(const TransferProgress& progress)
     {
-        std::string line = "[" + std::to_string(progress.file) + "/" +
-                           std::to_string(progress.files) + "] " + ToUtf8(progress.name) + "  " +
-                           ToUtf8(ByteCountText(progress.fileBytes)) + " of " +
-                           ToUtf8(ByteCountText(progress.fileSize));
+        std::string line = Worded(text::kProgressFile,
+                                  {std::to_string(progress.file), std::to_string(progress.files),
+                                   ToUtf8(progress.name), ToUtf8(ByteCountText(progress.fileBytes)),
+                                   ToUtf8(ByteCountText(progress.fileSize))});
         if (progress.totalSize > 0) {
-            line +=
-                "  " + std::to_string(100 * progress.totalBytes / progress.totalSize) + " % of all";
+            line += Worded(text::kProgressAll,
+                           {std::to_string(100 * progress.totalBytes / progress.totalSize)});
         }
         line += "  " + ToUtf8(ByteRateText(progress.bytesPerSecond));
         if (progress.timeLeft) {
             const auto left = progress.timeLeft->count();
             const std::string seconds = std::to_string(left % 60);
-            line += "  " + std::to_string(left / 60) + (seconds.size() < 2 ? ":0" : ":") + seconds +
-                    " left";
+            line += Worded(text::kProgressLeft, {std::to_string(left / 60) +
+                                                 (seconds.size() < 2 ? ":0" : ":") + seconds});
         }
         return line;
     }
@@ -71,7 +71,11 @@ std::string NameOf(const PlannedFile& file)
 
 std::string MessageOf(const PlannedFile& file)
 {
-    return IsEnglish() ? file.Terminal().message : ToUtf8(file.CauseText());
+    if (IsEnglish()) {
+        return file.Terminal().message;
+    }
+    const std::string words = ToUtf8(file.CauseText()); // ends with what the system says
+    return words.substr(0, file.error ? words.rfind(" (") : words.size());
 }
 
 /// What is said of a file that was not done.
@@ -83,14 +87,14 @@ std::string Said(const PlannedFile& file)
     }
     if (file.outcome == FileOutcome::FolderRefused &&
         file.start.reason == AnewReason::NotOurs) { // somebody else's
-        return file.path.string() + ".part is in the way and cannot be removed.";
+        return Worded(text::kSayInTheWay, {file.path.string() + ".part"});
     }
     return NameOf(file) + ": " + MessageOf(file);
 }
 
 std::string Counted(std::size_t count)
 {
-    return std::to_string(count) + (count == 1 ? " file" : " files");
+    return Worded(count == 1 ? text::kSayOneFile : text::kSayManyFiles, {std::to_string(count)});
 }
 
 } // namespace
@@ -141,10 +145,10 @@ ExitCode FilesWork::List()
     }
     Report::Table table{"files",
                         m_options.deleted ? Worded(text::kSayBinEmpty) : Worded(text::kSayNoFiles),
-                        {{"name", Worded(text::kHeadName)},
-                         {"sizeBytes", Worded(text::kHeadSize)},
-                         {"time", Worded(text::kHeadTime)},
-                         {"state", Worded(text::kHeadState)}},
+                        {{"name", text::kHeadName},
+                         {"sizeBytes", text::kHeadSize},
+                         {"time", text::kHeadTime},
+                         {"state", text::kHeadState}},
                         {}};
     std::int64_t total = 0;
     for (const PlannedFile& file : m_plan.files) {
@@ -158,11 +162,11 @@ ExitCode FilesWork::List()
     }
     Report report;
     report.AddTable(std::move(table));
-    report.Add("fileCount", Worded(text::kLabelFiles),
+    report.Add("fileCount", text::kLabelFiles,
                Value::Integer(static_cast<std::int64_t>(m_plan.files.size())));
-    report.Add("totalBytes", Worded(text::kLabelInAll), Value::Integer(total, "B"));
+    report.Add("totalBytes", text::kLabelInAll, Value::Integer(total, "B"));
     if (m_catalogue->Receiver().HasMore()) {
-        report.Add("more", Worded(text::kLabelAndMore), Value::YesNo(true));
+        report.Add("more", text::kLabelAndMore, Value::YesNo(true));
     }
     return End(report, std::nullopt);
 }
@@ -228,21 +232,6 @@ std::optional<Failure> FilesWork::Plan()
     return std::nullopt;
 }
 
-/// Asks whoever is there.
-std::optional<Failure> FilesWork::Ask(const std::string& question, const std::string& what,
-                                      const std::string& hint)
-{
-    const World& world = m_context.world;
-    if (!world.inIsTerminal || !world.errIsTerminal) {
-        return UsageFailure(what + ", and nobody can be asked here.", hint);
-    }
-    if (m_host.ShowMessage(FromUtf8(question), L"", {BoxButtons::YesNo, BoxIcon::Question}) !=
-        BoxAnswer::Yes) {
-        return RequestFailure(CommandFault::Cancelled, "");
-    }
-    return std::nullopt;
-}
-
 std::optional<Failure> FilesWork::Agree()
 {
     const bool fetches = m_plan.action == FileAction::Fetch;
@@ -266,22 +255,22 @@ std::optional<Failure> FilesWork::Agree()
     for (std::size_t i = 0; i < std::min(names.size(), kShown); ++i) {
         list += (i > 0 ? ", " : "") + names[i];
     }
-    list += names.size() > kShown ? " and " + std::to_string(names.size() - kShown) + " more" : "";
+    list += names.size() > kShown
+                ? ToUtf8(FormatText(text::kDeleteMore, static_cast<int>(names.size() - kShown)))
+                : "";
     if (fetches) {
-        return Ask("Replace " + list + "?", "There is " + list + " already",
-                   Worded(text::kSayReplaceHint));
+        return m_host.Ask(Worded(text::kAskReplace, {list}),
+                          Worded(text::kSayReplaceNobody, {list}), Worded(text::kSayReplaceHint));
     }
     const std::string size = ToUtf8(ByteCountText(m_plan.Bytes(FileOutcome::Planned)));
-    std::string question =
-        "Delete " + Counted(names.size()) + " (" + list + "), " + size + " in all, for good?";
+    std::string question = Worded(text::kAskDelete, {Counted(names.size()), list, size});
     if (m_catalogue->Receiver().CanDownload()) {
-        question += missing == 0
-                        ? " All were fetched to this machine."
-                        : " " + std::to_string(missing) + " of them " +
-                              (missing == 1 ? "was" : "were") + " never fetched to this machine.";
+        question += " " + ToUtf8(missing == 0 ? Text(text::kDeleteAllFetched)
+                                              : FormatText(text::kDeleteNotFetched,
+                                                           static_cast<int>(missing)));
     }
-    return Ask(question, "This deletes " + Counted(names.size()) + " for good",
-               Worded(text::kSayYesWhich));
+    return m_host.Ask(question, Worded(text::kSayDeletesNobody, {Counted(names.size())}),
+                      Worded(text::kSayYesWhich));
 }
 
 void FilesWork::Work()
@@ -328,8 +317,7 @@ Failure FilesWork::WhyNot(const PlannedFile& file)
         failure.hint = Worded(text::kSayFileChanged);
     }
     if (file.error) {
-        failure.message +=
-            " (" + file.error.message() + ": " + m_plan.FolderOf(file).string() + ")";
+        failure.message += " (" + Reason(file.error) + ": " + m_plan.FolderOf(file).string() + ")";
     }
     return failure;
 }
@@ -383,14 +371,13 @@ Value FilesWork::StateOf(const PlannedFile& file) const
 Report FilesWork::Result() const
 {
     const bool fetches = m_plan.action == FileAction::Fetch;
-    Report::Table table{"files",
-                        "",
-                        {{"name", Worded(text::kHeadName)},
-                         {"sizeBytes", Worded(text::kHeadSize)},
-                         {"state", Worded(text::kHeadState)}},
-                        {}};
+    Report::Table table{
+        "files",
+        "",
+        {{"name", text::kHeadName}, {"sizeBytes", text::kHeadSize}, {"state", text::kHeadState}},
+        {}};
     if (fetches) {
-        table.columns.push_back({"file", Worded(text::kHeadFile)});
+        table.columns.push_back({"file", text::kHeadFile});
     }
     for (const PlannedFile& file : m_plan.files) {
         table.rows.push_back(
@@ -406,7 +393,7 @@ Report FilesWork::Result() const
     report.Add(DoneWord() + "Count", DoneLabel(), Value::Integer(m_plan.Count(FileOutcome::Done)));
     if (fetches) {
         const auto bytes = static_cast<std::int64_t>(m_plan.Bytes(FileOutcome::Done));
-        report.Add("fetchedBytes", Worded(text::kLabelInAll), Value::Integer(bytes, "B"));
+        report.Add("fetchedBytes", text::kLabelInAll, Value::Integer(bytes, "B"));
     }
     return report;
 }

@@ -44,8 +44,6 @@ private:
     [[nodiscard]] std::optional<Failure> Begin(bool deleted);
     [[nodiscard]] std::optional<Failure> Plan();
     [[nodiscard]] std::optional<Failure> Agree();
-    [[nodiscard]] std::optional<Failure> Ask(const std::string& question, const std::string& what,
-                                             const std::string& hint);
     void Work();
     [[nodiscard]] Failure WhyNot(const PlannedFile& file);
     [[nodiscard]] std::string DoneWord() const;

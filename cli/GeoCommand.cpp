@@ -57,27 +57,29 @@ Value EllipsoidValue(Ellipsoid ellipsoid)
 std::optional<Failure> ReadPlace(const GeoOptions& options, GeodeticPosition& place)
 {
     std::optional<Failure> failure =
-        ReadAngle({"The latitude", options.first, -90.0, 90.0}, options.Form(), place.latitudeRad);
+        ReadAngle({Worded(text::kLabelLatitude), options.first, -90.0, 90.0}, options.Form(),
+                  place.latitudeRad);
     if (!failure) {
-        failure = ReadAngle({"The longitude", options.second, -360.0, 360.0}, options.Form(),
-                            place.longitudeRad);
+        failure = ReadAngle({Worded(text::kLabelLongitude), options.second, -360.0, 360.0},
+                            options.Form(), place.longitudeRad);
     }
     if (!failure) {
-        failure = ReadMetres({"The height", options.third, kLowestHeightM, kHighestHeightM},
-                             place.heightM);
+        failure =
+            ReadMetres({Worded(text::kLabelHeight), options.third, kLowestHeightM, kHighestHeightM},
+                       place.heightM);
     }
     if (!failure && !IsPlace(place)) { // a full turn, a hair beyond what the library takes
-        failure = UsageFailure("The longitude " + options.second + " is out of range.",
-                               "-180 to 180 degrees");
+        failure = UsageFailure(
+            Worded(text::kSayOutOfRange, {Worded(text::kLabelLongitude), options.second}),
+            LimitWords({-180.0, 180.0, "deg"}));
     }
     return failure;
 }
 
-void AddAngle(Report& report, const std::string& key, const std::string& label, double rad,
-              bool packed)
+void AddAngle(Report& report, const std::string& key, int label, double rad, bool packed)
 {
     const double degrees = DegreesOf(rad);
-    report.Add(key + "Deg", label, Value::Real(degrees, kDegreeDecimals, "deg"));
+    report.Add(key + "Deg", Worded(label), Value::Real(degrees, kDegreeDecimals, "deg"));
     report.Add(key + "Dms", "", Value::Text(SexagesimalText(degrees, kSecondDecimals)));
     if (packed) {
         report.Add(key + "Ddmmss", "", Value::Text(PackedText(degrees, kSecondDecimals)));
@@ -86,9 +88,9 @@ void AddAngle(Report& report, const std::string& key, const std::string& label, 
 
 void AddPlace(Report& report, const GeodeticPosition& place, const GeoOptions& options)
 {
-    AddAngle(report, "latitude", "latitude", place.latitudeRad, options.packed);
-    AddAngle(report, "longitude", "longitude", place.longitudeRad, options.packed);
-    report.Add("heightM", Worded(text::kLabelEllipsoidalHeight),
+    AddAngle(report, "latitude", text::kLabelLatitude, place.latitudeRad, options.packed);
+    AddAngle(report, "longitude", text::kLabelLongitude, place.longitudeRad, options.packed);
+    report.Add("heightM", text::kLabelEllipsoidalHeight,
                Value::Real(place.heightM, kMetreDecimals, "m"));
 }
 
@@ -100,7 +102,7 @@ ExitCode ToEcef(const Context& context, const GeoOptions& options)
     }
     const Ecef point = EcefOfGeodetic(place, options.ellipsoid).value_or(Ecef{});
     Report report;
-    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
+    report.Add("ellipsoid", text::kLabelEllipsoid, EllipsoidValue(options.ellipsoid));
     report.Add("xM", "X", Value::Real(point.x, kMetreDecimals, "m"));
     report.Add("yM", "Y", Value::Real(point.y, kMetreDecimals, "m"));
     report.Add("zM", "Z", Value::Real(point.z, kMetreDecimals, "m"));
@@ -121,15 +123,13 @@ ExitCode ToGeodetic(const Context& context, const GeoOptions& options)
     }
     const auto place = GeodeticOfEcef(point, options.ellipsoid);
     if (!failure && !place) {
-        failure = UsageFailure("The point is too deep in the earth or too far away from it.",
-                               "X, Y and Z in metres, at most 100 km below the ellipsoid and "
-                               "100000 km above it");
+        failure = UsageFailure(Worded(text::kSayTooFar), Worded(text::kSayTooFarHint));
     }
     if (failure) {
         return context.output.Failed(*failure);
     }
     Report report;
-    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
+    report.Add("ellipsoid", text::kLabelEllipsoid, EllipsoidValue(options.ellipsoid));
     AddPlace(report, *place, options);
     return context.output.Done(report);
 }
@@ -157,10 +157,9 @@ std::string ZoneHint(const GeodeticPosition& place)
 {
     const std::vector<int> zones = NearestZones(place);
     if (!PlaneOfGeodetic(zones[0], place)) {
-        return "a place in Japan: no zone reaches this one";
+        return Worded(text::kSayNoZoneReaches);
     }
-    return "--zone " + std::to_string(zones[0]) + " or --zone " + std::to_string(zones[1]) +
-           ", whose origins are nearest; the prefecture decides";
+    return Worded(text::kSayNearestZones, {std::to_string(zones[0]), std::to_string(zones[1])});
 }
 
 ExitCode ToPlane(const Context& context, const GeoOptions& options)
@@ -168,12 +167,11 @@ ExitCode ToPlane(const Context& context, const GeoOptions& options)
     GeodeticPosition place;
     std::optional<Failure> failure = ReadPlace(options, place);
     if (!failure && options.zone == 0) {
-        failure = UsageFailure("No zone is named.", ZoneHint(place));
+        failure = UsageFailure(Worded(text::kSayNoZone), ZoneHint(place));
     }
     const auto plane = PlaneOfGeodetic(options.zone, place, options.ellipsoid);
     if (!failure && !plane) {
-        failure = UsageFailure("The place is out of the reach of zone " +
-                                   std::to_string(options.zone) + ".",
+        failure = UsageFailure(Worded(text::kSayOutOfZone, {std::to_string(options.zone)}),
                                ZoneHint(place));
     }
     if (failure) {
@@ -181,16 +179,14 @@ ExitCode ToPlane(const Context& context, const GeoOptions& options)
     }
     const double convergence = DegreesOf(plane->convergenceRad);
     Report report;
-    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
-    report.Add("zone", Worded(text::kLabelZone), Value::Integer(options.zone));
-    report.Add("xM", Worded(text::kLabelXNorth),
-               Value::Real(plane->position.xM, kMetreDecimals, "m"));
-    report.Add("yM", Worded(text::kLabelYEast),
-               Value::Real(plane->position.yM, kMetreDecimals, "m"));
-    report.Add("convergenceDeg", Worded(text::kLabelMeridianConvergence),
+    report.Add("ellipsoid", text::kLabelEllipsoid, EllipsoidValue(options.ellipsoid));
+    report.Add("zone", text::kLabelZone, Value::Integer(options.zone));
+    report.Add("xM", text::kLabelXNorth, Value::Real(plane->position.xM, kMetreDecimals, "m"));
+    report.Add("yM", text::kLabelYEast, Value::Real(plane->position.yM, kMetreDecimals, "m"));
+    report.Add("convergenceDeg", text::kLabelMeridianConvergence,
                Value::Real(convergence, 8, "deg"));
     report.Add("convergenceDms", "", Value::Text(SexagesimalText(convergence, 2)));
-    report.Add("scaleFactor", Worded(text::kLabelScaleFactor), Value::Real(plane->scaleFactor, 8));
+    report.Add("scaleFactor", text::kLabelScaleFactor, Value::Real(plane->scaleFactor, 8));
     return context.output.Done(report);
 }
 
@@ -208,13 +204,13 @@ ExitCode FromPlane(const Context& context, const GeoOptions& options)
     const auto place = GeodeticOfPlane(options.zone, point, options.ellipsoid);
     if (!place) {
         return context.output.Failed(
-            UsageFailure("There is no such place.", "x is to the north, y to the east, in metres"));
+            UsageFailure(Worded(text::kSayNoPlace), Worded(text::kSayNoPlaceHint)));
     }
     Report report;
-    report.Add("ellipsoid", Worded(text::kLabelEllipsoid), EllipsoidValue(options.ellipsoid));
-    report.Add("zone", Worded(text::kLabelZone), Value::Integer(options.zone));
-    AddAngle(report, "latitude", "latitude", place->latitudeRad, options.packed);
-    AddAngle(report, "longitude", "longitude", place->longitudeRad, options.packed);
+    report.Add("ellipsoid", text::kLabelEllipsoid, EllipsoidValue(options.ellipsoid));
+    report.Add("zone", text::kLabelZone, Value::Integer(options.zone));
+    AddAngle(report, "latitude", text::kLabelLatitude, place->latitudeRad, options.packed);
+    AddAngle(report, "longitude", text::kLabelLongitude, place->longitudeRad, options.packed);
     return context.output.Done(report);
 }
 
@@ -227,13 +223,14 @@ ExitCode ChangeDatum(const Context& context, const GeoOptions& options)
     const bool toJgd = options.to == "jgd";
     const auto other = toJgd ? Jgd2000OfTokyo(place) : TokyoOfJgd2000(place);
     if (!other) {
-        return context.output.Failed(UsageFailure("The height leaves the range of the conversion.",
-                                                  "-100000 to 100000000 m in both datums"));
+        return context.output.Failed(
+            UsageFailure(Worded(text::kSayDatumHeight), Worded(text::kSayDatumHeightHint)));
     }
     Report report;
-    report.Add("datum", Worded(text::kLabelDatum),
-               toJgd ? Value::Word("jgd", "JGD2000") : Value::Word("tokyo", "Tokyo datum"));
-    report.Add("ellipsoid", Worded(text::kLabelEllipsoid),
+    report.Add("datum", text::kLabelDatum,
+               toJgd ? Value::Word("jgd", "JGD2000")
+                     : Value::Word("tokyo", Worded(text::kWordTokyo)));
+    report.Add("ellipsoid", text::kLabelEllipsoid,
                EllipsoidValue(toJgd ? Ellipsoid::Grs80 : Ellipsoid::Bessel1841));
     AddPlace(report, *other, options);
     return context.output.Done(report);
@@ -247,20 +244,20 @@ ExitCode ShowAngle(const Context& context, const GeoOptions& options)
     }
     const double degrees = *angle.degrees;
     Report report;
-    report.Add("deg", Worded(text::kLabelDegrees), Value::Real(degrees, kDegreeDecimals, "deg"));
-    report.Add("dms", Worded(text::kLabelDegreesMinutesSeconds),
+    report.Add("deg", text::kLabelDegrees, Value::Real(degrees, kDegreeDecimals, "deg"));
+    report.Add("dms", text::kLabelDegreesMinutesSeconds,
                Value::Text(SexagesimalText(degrees, kSecondDecimals)));
     report.Add("ddmmss", "DD.MMSSsss", Value::Text(PackedText(degrees, kSecondDecimals)));
-    report.Add("rad", Worded(text::kLabelRadians), Value::Exact(RadiansOf(degrees), "rad"));
+    report.Add("rad", text::kLabelRadians, Value::Exact(RadiansOf(degrees), "rad"));
     return context.output.Done(report);
 }
 
 void AddPlaceOptions(CLI::App& parser, GeoOptions& options, bool withHeight)
 {
-    AddText(parser, "LAT", options.first, "", "Latitude, north positive")->required();
-    AddText(parser, "LON", options.second, "", "Longitude, east positive")->required();
+    AddText(parser, "LAT", options.first, "", text::kOptLatitude)->required();
+    AddText(parser, "LON", options.second, "", text::kOptLongitude)->required();
     if (withHeight) {
-        AddText(parser, "H", options.third, "", "Ellipsoidal height, m (0)");
+        AddText(parser, "H", options.third, "", text::kOptHeight);
     }
 }
 
@@ -274,8 +271,7 @@ void AddEllipsoid(CLI::App& parser, GeoOptions& options, bool isPlane)
     }
     parser
         .add_option("--ellipsoid", options.ellipsoid,
-                    isPlane ? "grs80 (JGD) or bessel (Tokyo datum) (grs80)"
-                            : "grs80, wgs84 or bessel (grs80)")
+                    Worded(isPlane ? text::kOptEllipsoidPlane : text::kOptEllipsoid))
         ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
         ->type_name("NAME");
 }
@@ -283,7 +279,7 @@ void AddEllipsoid(CLI::App& parser, GeoOptions& options, bool isPlane)
 CLI::Option* AddZone(CLI::App& parser, GeoOptions& options)
 {
     return AddNumber(parser, "--zone", options.zone, {kFirstPlaneZone, kLastPlaneZone}, "N",
-                     "Zone of the plane coordinates");
+                     text::kOptZone);
 }
 
 } // namespace
@@ -291,58 +287,36 @@ CLI::Option* AddZone(CLI::App& parser, GeoOptions& options)
 Command AddGeoCommand(CLI::App& program)
 {
     const auto options = std::make_shared<GeoOptions>();
-    const auto row = [options](const char* name, const char* purpose, const char* examples,
-                               void (*add)(CLI::App&, GeoOptions&),
+    const auto row = [options](const char* name, int help, void (*add)(CLI::App&, GeoOptions&),
                                ExitCode (*act)(const Context&, const GeoOptions&)) {
         return CommandRow{
-            name, purpose, examples,
+            name, help,
             [options, add](CLI::App& parser) {
                 add(parser, *options);
-                parser.add_flag("--ddmmss", options->packed,
-                                "35.412240 is 35 degrees, 41 minutes, 22.40 seconds");
+                AddFlag(parser, "--ddmmss", options->packed, text::kOptPacked);
             },
             [options, act](const Context& context) { return act(context, *options); }};
     };
     return AddCommands(
-        program,
-        {"geo",
-         "Convert coordinates and angles",
-         "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45      to earth-fixed X, Y, Z\n"
-         "  fieldcore-cli geo geodetic -3957229 3310200 3737529   and back\n"
-         "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9     to plane x, y of zone 9\n"
-         "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9  and back\n"
-         "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd     from the old Tokyo datum\n"
-         "  fieldcore-cli geo angle 35.412240 --ddmmss            the same angle in other forms\n"
-         "\n"
-         "Angles are degrees, such as 35.6895 or -0.5, or degrees, minutes and seconds, such as\n"
-         "35:41:22.4 or 35\u00B041'22.4\" in quotes. With --ddmmss 35.412240 means the same.\n",
-         {},
-         {}},
+        program, {"geo", text::kHelpGeo, {}, {}},
         {row(
-             "ecef", "A place as earth-fixed X, Y, Z",
-             "  fieldcore-cli geo ecef 35:41:22.4 139:41:30.1 45\n"
-             "  fieldcore-cli geo ecef -33.85 151.2 --ellipsoid wgs84\n",
+             "ecef", text::kHelpGeoEcef,
              [](CLI::App& parser, GeoOptions& values) {
                  AddPlaceOptions(parser, values, true);
                  AddEllipsoid(parser, values, false);
              },
              ToEcef),
          row(
-             "geodetic", "Earth-fixed X, Y, Z as a place",
-             "  fieldcore-cli geo geodetic -3957229 3310200 3737529\n",
+             "geodetic", text::kHelpGeoGeodetic,
              [](CLI::App& parser, GeoOptions& values) {
-                 AddText(parser, "X", values.first, "", "Towards latitude 0, longitude 0, m")
-                     ->required();
-                 AddText(parser, "Y", values.second, "", "Towards latitude 0, longitude 90, m")
-                     ->required();
-                 AddText(parser, "Z", values.third, "", "Towards the north pole, m")->required();
+                 AddText(parser, "X", values.first, "", text::kOptEcefX)->required();
+                 AddText(parser, "Y", values.second, "", text::kOptEcefY)->required();
+                 AddText(parser, "Z", values.third, "", text::kOptEcefZ)->required();
                  AddEllipsoid(parser, values, false);
              },
              ToGeodetic),
          row(
-             "plane", "A place as plane rectangular x, y of Japan",
-             "  fieldcore-cli geo plane 35.6895 139.6917 --zone 9\n"
-             "  fieldcore-cli geo plane 35.6895 139.6917   which zone?\n",
+             "plane", text::kHelpGeoPlane,
              [](CLI::App& parser, GeoOptions& values) {
                  AddPlaceOptions(parser, values, false);
                  AddZone(parser, values);
@@ -350,35 +324,26 @@ Command AddGeoCommand(CLI::App& program)
              },
              ToPlane),
          row(
-             "unplane", "Plane rectangular x, y as a place",
-             "  fieldcore-cli geo unplane -34421.5 -12837.9 --zone 9\n",
+             "unplane", text::kHelpGeoUnplane,
              [](CLI::App& parser, GeoOptions& values) {
-                 AddText(parser, "X", values.first, "", "North of the zone's origin, m")
-                     ->required();
-                 AddText(parser, "Y", values.second, "", "East of the zone's meridian, m")
-                     ->required();
+                 AddText(parser, "X", values.first, "", text::kOptPlaneX)->required();
+                 AddText(parser, "Y", values.second, "", text::kOptPlaneY)->required();
                  AddZone(parser, values)->required();
                  AddEllipsoid(parser, values, true);
              },
              FromPlane),
          row(
-             "tokyo", "Between the Tokyo datum and JGD2000, to some metres",
-             "  fieldcore-cli geo tokyo 35.6863 139.6949 --to jgd      from an old map\n"
-             "  fieldcore-cli geo tokyo 35.6895 139.6917 --to tokyo    onto one\n",
+             "tokyo", text::kHelpGeoTokyo,
              [](CLI::App& parser, GeoOptions& values) {
                  AddPlaceOptions(parser, values, true);
-                 AddWord(parser, "--to", values.to, {"jgd", "tokyo"}, "DATUM",
-                         "The datum of the result: jgd or tokyo")
+                 AddWord(parser, "--to", values.to, {"jgd", "tokyo"}, "DATUM", text::kOptDatum)
                      ->required();
              },
              ChangeDatum),
          row(
-             "angle", "One angle in all its forms",
-             "  fieldcore-cli geo angle 35:41:22.4\n"
-             "  fieldcore-cli geo angle 35.412240 --ddmmss\n",
+             "angle", text::kHelpGeoAngle,
              [](CLI::App& parser, GeoOptions& values) {
-                 AddText(parser, "ANGLE", values.first, "", "At most 360 degrees either way")
-                     ->required();
+                 AddText(parser, "ANGLE", values.first, "", text::kOptAngle)->required();
              },
              ShowAngle)});
 }

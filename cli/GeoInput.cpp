@@ -1,8 +1,11 @@
 #include "cli/GeoInput.h"
 
+#include "cli/Options.h"
 #include "cli/Report.h"
+#include "cli/Wording.h"
 
 #include "core/planning/Degrees.h"
+#include "core/resources/StringTable.h"
 
 namespace fieldcore::cli {
 
@@ -10,9 +13,8 @@ namespace {
 
 Failure OutOfRange(const Typed& typed, const char* unit)
 {
-    const auto bound = [](double value) { return Value::Real(value, 0).Words(); };
-    return UsageFailure(std::string(typed.what) + " " + typed.text + " is out of range.",
-                        bound(typed.lowest) + " to " + bound(typed.highest) + " " + unit);
+    return UsageFailure(Worded(text::kSayOutOfRange, {typed.what, typed.text}),
+                        LimitWords({typed.lowest, typed.highest, unit}));
 }
 
 } // namespace
@@ -24,7 +26,7 @@ std::optional<Failure> ReadAngle(const Typed& typed, AngleForm form, double& rad
         return UsageFailure(angle.fault);
     }
     if (*angle.degrees < typed.lowest || *angle.degrees > typed.highest) {
-        return OutOfRange(typed, "degrees");
+        return OutOfRange(typed, "deg");
     }
     rad = RadiansOf(*angle.degrees);
     return std::nullopt;
@@ -34,8 +36,8 @@ std::optional<Failure> ReadMetres(const Typed& typed, double& metres)
 {
     const std::optional<double> number = ParseMetres(typed.text);
     if (!number) {
-        return UsageFailure("\"" + typed.text + "\" is no number of metres.",
-                            "digits with a decimal point, such as -12.5");
+        return UsageFailure(Worded(text::kSayNoMetres, {typed.text}),
+                            Worded(text::kSayNoMetresHint));
     }
     if (*number < typed.lowest || *number > typed.highest) {
         return OutOfRange(typed, "m");

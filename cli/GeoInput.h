@@ -11,7 +11,7 @@ namespace fieldcore::cli {
 /// A number that the user typed, with a name for it and the bounds it must keep: degrees or metres.
 struct Typed
 {
-    const char* what;
+    std::string what;
     const std::string& text;
     double lowest;
     double highest;

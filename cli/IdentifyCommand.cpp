@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/TerminalHost.h"
 #include "cli/Wording.h"
@@ -27,18 +28,17 @@ void AddRecord(Report& report, const IdentificationRecord& record)
 {
     const ReceiverType* const type = FindReceiverType(record.typeNumber);
     const wchar_t* const model = type != nullptr ? type->model : nullptr;
-    report.Add("model", Worded(text::kLabelModel),
+    report.Add("model", text::kLabelModel,
                model != nullptr ? Value::Text(std::wstring_view(model)) : Value::Unknown());
-    report.Add("typeNumber", Worded(text::kLabelTypeNumber), Value::Integer(record.typeNumber));
-    report.Add("navigationFirmware", Worded(text::kLabelNavigationFirmware),
+    report.Add("typeNumber", text::kLabelTypeNumber, Value::Integer(record.typeNumber));
+    report.Add("navigationFirmware", text::kLabelNavigationFirmware,
                Value::Real(record.version, 2));
-    report.Add("port", Worded(text::kLabelPortOfTheReceiver), Value::Integer(record.port));
-    report.Add("baudRate", Worded(text::kLabelRate), Value::Integer(record.baudRate, "bit/s"));
-    report.Add("dataBits", Worded(text::kLabelDataBits), Value::Integer(record.byteSize));
-    report.Add("parity", Worded(text::kLabelParity), ParityValue(record.parity));
-    report.Add("stopBits", Worded(text::kLabelStopBits),
-               Value::Integer(record.stopBits == 2 ? 2 : 1));
-    report.Add("flowControl", Worded(text::kLabelFlowControl), Value::YesNo(record.flowControl));
+    report.Add("port", text::kLabelPortOfTheReceiver, Value::Integer(record.port));
+    report.Add("baudRate", text::kLabelRate, Value::Integer(record.baudRate, "bit/s"));
+    report.Add("dataBits", text::kLabelDataBits, Value::Integer(record.byteSize));
+    report.Add("parity", text::kLabelParity, ParityValue(record.parity));
+    report.Add("stopBits", text::kLabelStopBits, Value::Integer(record.stopBits == 2 ? 2 : 1));
+    report.Add("flowControl", text::kLabelFlowControl, Value::YesNo(record.flowControl));
 }
 
 struct Options : PortOptions
@@ -62,17 +62,15 @@ ExitCode Run(const Context& context, const Options& options)
     AddRecord(report, record);
     if (options.search) {
         const std::uint32_t rate = session.Target().settings.baudRate;
-        report.Add("answersAt", Worded(text::kLabelAnswersAt), Value::Integer(rate, "bit/s"));
+        report.Add("answersAt", text::kLabelAnswersAt, Value::Integer(rate, "bit/s"));
         SettingsRoots roots{Folders(context.world.folders)};
         if (options.store && !context.dryRun &&
             (!roots.Store(RootKey::CurrentUser).IsKept() || SetLinkRate(rate, roots) == 0)) {
             return context.output.Failed(FileFailure(
-                "The rate could not be stored: " + roots.File(RootKey::CurrentUser).string() +
-                    " cannot be written, or nothing but --baud has it.",
+                Worded(text::kSayRateNotStored, {roots.File(RootKey::CurrentUser).string()}),
                 "fieldcore-cli doctor"));
         }
-        report.Add("stored", Worded(text::kLabelStored),
-                   Value::YesNo(options.store && !context.dryRun));
+        report.Add("stored", text::kLabelStored, Value::YesNo(options.store && !context.dryRun));
     }
     return options.store ? Kept(context, report) : context.output.Done(report);
 }
@@ -84,17 +82,12 @@ Command AddIdentifyCommand(CLI::App& program)
     const auto options = std::make_shared<Options>();
     return AddCommand(
         program,
-        {"identify", "Ask who is there with a BREAK",
-         "  fieldcore-cli identify --port sim:pica                 a simulated receiver\n"
-         "  fieldcore-cli identify --port /dev/ttyUSB0 --search    one whose rate is unknown\n"
-         "  fieldcore-cli identify --search --store                and keep the rate for the next "
-         "time\n",
+        {"identify", text::kHelpIdentify,
          [options](CLI::App& parser) {
              options->AddTo(parser);
              CLI::Option* const search =
-                 parser.add_flag("--search", options->search, "Try one rate after the other");
-             parser.add_flag("--store", options->store, "Store the rate that --search finds")
-                 ->needs(search);
+                 AddFlag(parser, "--search", options->search, text::kOptSearch);
+             AddFlag(parser, "--store", options->store, text::kOptStoreRate)->needs(search);
          },
          [options](const Context& context) { return Run(context, *options); }});
 }

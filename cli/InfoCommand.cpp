@@ -60,14 +60,8 @@ Command AddInfoCommand(CLI::App& program)
 {
     const auto options = std::make_shared<PortOptions>();
     return AddCommand(
-        program,
-        {"info", "Who the receiver is, and what it can do",
-         "  fieldcore-cli info --port /dev/ttyUSB0               a receiver on an adapter\n"
-         "  fieldcore-cli info --port COM1 --baud 115200         on the first built-in port\n"
-         "  fieldcore-cli info --port sim:                       a simulated one\n"
-         "  fieldcore-cli info --port sim: --log exchange.log    keep what was said\n",
-         [options](CLI::App& parser) { options->AddTo(parser); },
-         [options](const Context& context) { return Run(context, *options); }});
+        program, {"info", text::kHelpInfo, [options](CLI::App& parser) { options->AddTo(parser); },
+                  [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

@@ -1,6 +1,9 @@
 #include "cli/Options.h"
 
 #include "cli/Command.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <array>
 #include <charconv>
@@ -22,11 +25,9 @@ std::string Shortest(double number)
 
 std::string LimitWords(const Limits& limits)
 {
-    const auto behind = [](const std::string& words, const char* before, const char* after) {
-        return words.empty() ? words : before + words + after;
-    };
-    return Shortest(limits.lowest) + " to " + Shortest(limits.highest) +
-           behind(limits.unit, " ", "") + behind(limits.fallback, " (", ")");
+    return Worded(text::kSayLimits, {Shortest(limits.lowest), Shortest(limits.highest)}) +
+           (limits.unit.empty() ? "" : " " + limits.unit) +
+           (limits.fallback.empty() ? "" : Worded(text::kSayFallback, {limits.fallback}));
 }
 
 CLI::Validator Within(const Limits& limits)
@@ -42,9 +43,9 @@ CLI::Validator Within(const Limits& limits)
             ""};
 }
 
-void AddConsent(CLI::App& app, bool& yes, const std::string& dryRunPurpose)
+void AddConsent(CLI::App& app, bool& yes, int dryRunPurpose)
 {
-    CLI::Option* const agreed = app.add_flag("--yes", yes, "Do not ask");
+    CLI::Option* const agreed = AddFlag(app, "--yes", yes, text::kOptYes);
     AddDryRun(app, dryRunPurpose, agreed);
 }
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
+
 #include <string>
 #include <vector>
 
@@ -12,8 +16,8 @@ struct Limits
 {
     double lowest;
     double highest;
-    const char* unit = "";     ///< behind the numbers
-    const char* fallback = ""; ///< what counts if none is given, in words
+    std::string unit = "";     ///< behind the numbers
+    std::string fallback = ""; ///< what counts if none is given, in words
 };
 
 /// "1 to 30000 h (720)": so that help and complaint tell what is right.
@@ -21,35 +25,46 @@ struct Limits
 /// A finite number within the limits.
 [[nodiscard]] CLI::Validator Within(const Limits& limits);
 
+/// The groups of options that several commands have.
+inline constexpr const char* kPortGroup = "Port";
+inline constexpr const char* kPlanGroup = "Plan";
+
+// What an option is for is the number of a text.
+
+inline CLI::Option* AddFlag(CLI::App& app, const char* name, bool& value, int purpose)
+{
+    return app.add_flag(name, value, Worded(purpose));
+}
+
 /// @param purpose  to which the limits are added
 template <typename Number>
 CLI::Option* AddNumber(CLI::App& app, const char* name, Number& value, const Limits& limits,
-                       const char* type, const std::string& purpose)
+                       const char* type, int purpose)
 {
-    return app.add_option(name, value, purpose + ", " + LimitWords(limits))
+    return app
+        .add_option(name, value,
+                    Worded(text::kSayWithLimits, {Worded(purpose), LimitWords(limits)}))
         ->check(Within(limits))
         ->type_name(type);
 }
 
 /// An option that is one of some words; the purpose names them.
 inline CLI::Option* AddWord(CLI::App& app, const char* name, std::string& value,
-                            const std::vector<std::string>& words, const char* type,
-                            const std::string& purpose)
+                            const std::vector<std::string>& words, const char* type, int purpose)
 {
-    return app.add_option(name, value, purpose)
+    return app.add_option(name, value, Worded(purpose))
         ->check(CLI::IsMember(words).description(""))
         ->type_name(type);
 }
 
 /// An option that is a text of any kind.
 template <typename Words>
-CLI::Option* AddText(CLI::App& app, const char* name, Words& value, const char* type,
-                     const std::string& purpose)
+CLI::Option* AddText(CLI::App& app, const char* name, Words& value, const char* type, int purpose)
 {
-    return app.add_option(name, value, purpose)->type_name(type);
+    return app.add_option(name, value, Worded(purpose))->type_name(type);
 }
 
 /// --yes and --dry-run, which do not go together.
-void AddConsent(CLI::App& app, bool& yes, const std::string& dryRunPurpose);
+void AddConsent(CLI::App& app, bool& yes, int dryRunPurpose);
 
 } // namespace fieldcore::cli

@@ -139,7 +139,7 @@ ExitCode Output::Failed(const Failure& failure, const Report* partial)
         *m_world.out << partial->Words() << std::flush;
     }
     std::string text = Paint("fieldcore-cli: ", Colour::Red, m_world.errIsTerminal);
-    text += Printable(failure.message) + "\n";
+    text += PrintableLines(failure.message);
     if (!failure.step.empty()) {
         text += Worded(text::kSayWhile, {failure.step});
     }
@@ -147,7 +147,7 @@ ExitCode Output::Failed(const Failure& failure, const Report* partial)
         text += Worded(text::kSayTry) + PrintableLines(failure.hint);
     }
     if (!failure.detail.empty()) {
-        text += "  (" + Printable(failure.detail) + ")\n";
+        text += "  (" + Printable(Translated(failure.detail)) + ")\n";
     }
     *m_world.err << text << std::flush;
     return failure.exit;

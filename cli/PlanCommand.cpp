@@ -87,8 +87,9 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
             Resolve(options, context.world, settings, wholeDay, request)) {
         return failure;
     }
-    if (options.almanac.empty() &&
-        AlmanacStore(request.folder).PutNominal(context.world.clock->Utc())) {
+    const bool isPut = options.almanac.empty() &&
+                       AlmanacStore(request.folder).PutNominal(context.world.clock->Utc());
+    if (isPut) {
         context.output.Message("warning", "", Worded(text::kSayAlmanacPut), Colour::Yellow);
         context.output.Note(Worded(text::kSayGetAlmanac));
     }
@@ -96,7 +97,9 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
     }
-    WarnOfSource(context.output, plan);
+    if (!isPut) { // which has been told
+        WarnOfSource(context.output, plan);
+    }
     bool warned = false;
     for (const NamedSite& site : request.sites) {
         plan.Calc().SetObserver(site.observer);
@@ -119,7 +122,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
 ExitCode Plan(const Context& context, const Options& options)
 {
     if (options.csv && context.output.IsJson()) {
-        return context.output.Failed(UsageFailure("--csv and --json are two different outputs."));
+        return context.output.Failed(UsageFailure(Worded(text::kSayCsvOrJson)));
     }
     const std::optional<PlanGraph> graph = GraphOf(options.kind);
     const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
@@ -187,23 +190,21 @@ ExitCode Best(const Context& context, const Options& options)
     if (!isNone) {
         return context.output.Done(report);
     }
-    return context.output.Failed(
-        {ExitCode::Failed, "no-window",
-         "There is no such window: no time with " + LimitWords(limits) + ".",
-         "fewer satellites (--min-sv), a higher PDOP (--max-pdop), less "
-         "time (--min-length), another day (--date, --days)"},
-        context.output.IsJson() ? &report : nullptr);
+    return context.output.Failed({ExitCode::Failed, "no-window",
+                                  Worded(text::kSayNoWindow, {LimitWords(limits)}),
+                                  Worded(text::kSayNoWindowHint)},
+                                 context.output.IsJson() ? &report : nullptr);
 }
 
 ExitCode Sites(const Context& context)
 {
     Report::Table table{"sites",
                         "",
-                        {{"name", Worded(text::kHeadSite)},
-                         {"latitudeDeg", Worded(text::kHeadLatitude)},
-                         {"longitudeDeg", Worded(text::kHeadLongitude)},
-                         {"heightM", Worded(text::kHeadHeight)},
-                         {"source", Worded(text::kHeadFrom)}},
+                        {{"name", text::kHeadSite},
+                         {"latitudeDeg", text::kHeadLatitude},
+                         {"longitudeDeg", text::kHeadLongitude},
+                         {"heightM", text::kHeadHeight},
+                         {"source", text::kHeadFrom}},
                         {}};
     for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
         table.rows.push_back({Value::Text(std::wstring_view(site.name)),
@@ -224,13 +225,13 @@ void AddBestOptions(CLI::App& best, Options& options)
     best.fallthrough(); // site, days and so on are those of plan
     AddNumber(best, "--min-sv", options.minSatellites,
               {WindowLimits::kFewestSatellites, WindowLimits::kMostSatellites, "",
-               "as the plan's page: 5"},
-              "N", "Satellites at least");
+               Worded(text::kSayAsPage, {"5"})},
+              "N", text::kOptMinSv);
     AddNumber(best, "--max-pdop", options.maxPdop,
-              {WindowLimits::kLowestPdop, WindowLimits::kHighestPdop, "", "the same: 4"}, "X",
-              "PDOP at most");
-    AddText(best, "--min-length", options.minLength, "TIME",
-            "Length at least: 60m, 2h, up to a day (the same: 30m)")
+              {WindowLimits::kLowestPdop, WindowLimits::kHighestPdop, "",
+               Worded(text::kSayAsPage, {"4"})},
+              "X", text::kOptMaxPdop);
+    AddText(best, "--min-length", options.minLength, "TIME", text::kOptMinLength)
         ->check(CLI::Validator(
             [](const std::string& text) { return ParseLength(text) ? "" : "no length"; }, ""));
 }
@@ -244,36 +245,19 @@ Command AddPlanCommand(CLI::App& program)
     for (const auto& kind : Kinds()) {
         kinds.push_back(kind.first);
     }
-    return AddCommands(
-        program,
-        {"plan", "When to observe: satellites and dilution over the hours of a day",
-         "  fieldcore-cli plan                                      the usual site, today\n"
-         "  fieldcore-cli plan --site 札幌 --date 2026-11-21 --from 9 --hours 8\n"
-         "  fieldcore-cli plan --at 35.69,139.75,60 --kind tracks   when each satellite is up\n"
-         "  fieldcore-cli plan --kind pdop --csv > pdop.csv         for a spreadsheet\n"
-         "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5       the good hours\n"
-         "  fieldcore-cli plan sites                                the sites it knows\n",
-         [=](CLI::App& parser) {
-             options->plan.AddTo(parser);
-             AddWord(parser, "--kind", options->kind, kinds, "KIND",
-                     "One graph: count, pdop, gdop, tdop or tracks");
-             parser.add_flag("--csv", options->csv,
-                             "Comma-separated values, by default of the count");
-             parser.option_defaults()->group("Options");
-         },
-         [options](const Context& context) { return Plan(context, *options); }},
-        {{"best", "The windows of a day in which the sky is good; takes plan's options, too",
-          "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5 --min-length 60m\n"
-          "  fieldcore-cli plan best --site 大阪 --date tomorrow --days 3\n"
-          "  fieldcore-cli plan best --from 20 --hours 9     through the night\n",
-          [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-          [options](const Context& context) { return Best(context, *options); }},
-         {"sites",
-          "The sites that plan knows by name",
-          "  fieldcore-cli plan sites          names and coordinates\n"
-          "  fieldcore-cli plan sites --json   for a script\n",
-          {},
-          Sites}});
+    return AddCommands(program,
+                       {"plan", text::kHelpPlan,
+                        [=](CLI::App& parser) {
+                            options->plan.AddTo(parser);
+                            AddWord(parser, "--kind", options->kind, kinds, "KIND", text::kOptKind);
+                            AddFlag(parser, "--csv", options->csv, text::kOptCsv);
+                            parser.option_defaults()->group("Options");
+                        },
+                        [options](const Context& context) { return Plan(context, *options); }},
+                       {{"best", text::kHelpPlanBest,
+                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
+                         [options](const Context& context) { return Best(context, *options); }},
+                        {"sites", text::kHelpPlanSites, {}, Sites}});
 }
 
 } // namespace fieldcore::cli

@@ -63,7 +63,7 @@ Report::Table OverviewTable(const ObservationPlan& plan)
     Report::Table table{"samples",
                         "",
                         {{"time", "JST"},
-                         {"satellites", Worded(text::kHeadSatellites)},
+                         {"satellites", text::kHeadSatellites},
                          {"pdop", "PDOP"},
                          {"gdop", "GDOP"},
                          {"tdop", "TDOP"}},
@@ -91,7 +91,7 @@ Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
     Report::Table table{"samples",
                         "",
                         {{"time", "JST"},
-                         isCount ? Report::Column{"satellites", Worded(text::kHeadSatellites)}
+                         isCount ? Report::Column{"satellites", text::kHeadSatellites}
                                  : Report::Column{name[0], name[1]}},
                         {}};
     for (int k = 0; k < plan.Division(); ++k) {
@@ -109,8 +109,8 @@ Report::Table TracksTable(const ObservationPlan& plan)
                         "",
                         {{"time", "JST"},
                          {"prn", "PRN"},
-                         {"azimuthDeg", Worded(text::kHeadAzimuth)},
-                         {"elevationDeg", Worded(text::kHeadElevation)}},
+                         {"azimuthDeg", text::kHeadAzimuth},
+                         {"elevationDeg", text::kHeadElevation}},
                         {}};
     for (int k = 0; k <= plan.Division(); ++k) {
         for (int index = 0; index < kMaxPrn; ++index) {
@@ -162,10 +162,10 @@ std::string TrackWords(const ObservationPlan& plan)
     Report::Table table{"",
                         Worded(text::kSayNoneUp),
                         {{"", "PRN"},
-                         {"", Worded(text::kHeadFromJst)},
-                         {"", Worded(text::kHeadToJst)},
-                         {"", Worded(text::kHeadHighest)},
-                         {"", Worded(text::kHeadUp)}},
+                         {"", text::kHeadFromJst},
+                         {"", text::kHeadToJst},
+                         {"", text::kHeadHighest},
+                         {"", text::kHeadUp}},
                         {}};
     for (int index = 0; index < kMaxPrn; ++index) {
         std::string line;
@@ -256,23 +256,22 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
 {
     const PlanPeriod& period = plan.Computed();
     Report report;
-    report.Add("site", Worded(text::kLabelSite), Value::Text(std::wstring_view(site.name)));
-    report.Add("latitudeDeg", Worded(text::kLabelLatitude),
+    report.Add("site", text::kLabelSite, Value::Text(std::wstring_view(site.name)));
+    report.Add("latitudeDeg", text::kLabelLatitude,
                Value::Real(DegreesOf(site.observer.latitudeRad), 8));
-    report.Add("longitudeDeg", Worded(text::kLabelLongitude),
+    report.Add("longitudeDeg", text::kLabelLongitude,
                Value::Real(DegreesOf(site.observer.longitudeRad), 8));
-    report.Add("heightM", Worded(text::kLabelHeight), Value::Real(site.observer.heightM, 3));
-    report.Add("date", Worded(text::kLabelDate), Value::Text(DateOf(period.JstText(0))));
-    report.Add("from", Worded(text::kLabelFrom), Value::Text(period.JstText(0)));
-    report.Add("to", Worded(text::kLabelTo), Value::Text(period.JstText(plan.Division())));
-    report.Add("intervalMinutes", Worded(text::kLabelInterval),
-               Value::Integer(period.Interval().count()));
-    report.Add("maskDeg", Worded(text::kLabelMask), Value::Integer(request.maskDeg));
-    report.Add("hasCurtain", Worded(text::kLabelCurtain),
+    report.Add("heightM", text::kLabelHeight, Value::Real(site.observer.heightM, 3));
+    report.Add("date", text::kLabelDate, Value::Text(DateOf(period.JstText(0))));
+    report.Add("from", text::kLabelFrom, Value::Text(period.JstText(0)));
+    report.Add("to", text::kLabelTo, Value::Text(period.JstText(plan.Division())));
+    report.Add("intervalMinutes", text::kLabelInterval, Value::Integer(period.Interval().count()));
+    report.Add("maskDeg", text::kLabelMask, Value::Integer(request.maskDeg));
+    report.Add("hasCurtain", text::kLabelCurtain,
                Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
     Report& almanac = report.AddSection("almanac", Worded(text::kLabelAlmanac));
     AddAlmanacSummary(almanac, plan.Calc(), period.Start());
-    report.Add("kind", Worded(text::kLabelKind), Value::Text(std::string(KindOf(graph))));
+    report.Add("kind", text::kLabelKind, Value::Text(std::string(KindOf(graph))));
     report.AddTable(Samples(plan, graph));
     if (const std::optional<PlanWindow> best = BestWindow(plan, request.settings.limits)) {
         Report& window = report.AddSection("bestWindow", Worded(text::kLabelBestWindow));
@@ -282,7 +281,7 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
             window.Add(columns[at].key, columns[at].label, std::move(row[at]));
         }
     } else {
-        report.Add("bestWindow", Worded(text::kLabelBestWindow), Value::Unknown());
+        report.Add("bestWindow", text::kLabelBestWindow, Value::Unknown());
     }
     return report;
 }
@@ -313,13 +312,13 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
 
 std::vector<Report::Column> WindowColumns()
 {
-    return {{"site", Worded(text::kHeadSite)},
-            {"date", Worded(text::kHeadDate)},
-            {"from", Worded(text::kHeadFromJst)},
-            {"to", Worded(text::kHeadToJst)},
-            {"hours", Worded(text::kHeadHours)},
-            {"minutes", Worded(text::kHeadMinutes)},
-            {"fewestSatellites", Worded(text::kHeadSatellites)},
+    return {{"site", text::kHeadSite},
+            {"date", text::kHeadDate},
+            {"from", text::kHeadFromJst},
+            {"to", text::kHeadToJst},
+            {"hours", text::kHeadHours},
+            {"minutes", text::kHeadMinutes},
+            {"fewestSatellites", text::kHeadSatellites},
             {"highestPdop", "PDOP"}};
 }
 

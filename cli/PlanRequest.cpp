@@ -47,9 +47,7 @@ std::optional<Failure> UsePlace(const std::string& text, NamedSite& site)
     }
     const GeodeticPosition place{RadiansOf(numbers[0]), RadiansOf(numbers[1]), numbers[2]};
     if (count < 2 || at != end || !IsPlace(place)) {
-        return UsageFailure("--at " + text + " is no place.",
-                            "Latitude, longitude and, if you like, height: --at 35.69,139.75,60 "
-                            "(degrees, north and east positive; metres above the ellipsoid)");
+        return UsageFailure(Worded(text::kSayNotAPlace, {text}), Worded(text::kSayNotAPlaceHint));
     }
     site = {FromUtf8(text), {place.latitudeRad, place.longitudeRad, place.heightM}};
     return std::nullopt;
@@ -62,14 +60,14 @@ std::optional<Failure> CheckEntry(const std::filesystem::path& folder, const std
         const char* const missing = !entry.latitudeRad    ? "LAT"
                                     : !entry.longitudeRad ? "LON"
                                                           : "HGT";
-        return FileFailure("The site " + ToUtf8(name) + " has no " + missing + " in " +
-                               SitesPath(folder).string() + ".",
-                           "Add the line, or give the place: --at LAT,LON,HEIGHT");
+        return FileFailure(
+            Worded(text::kSaySiteLacks, {ToUtf8(name), missing, SitesPath(folder).string()}),
+            Worded(text::kSaySiteLacksHint));
     }
     if (!IsPlace({*entry.latitudeRad, *entry.longitudeRad, *entry.heightM})) {
-        return FileFailure("The coordinates of the site " + ToUtf8(name) + " in " +
-                               SitesPath(folder).string() + " are no place on Earth.",
-                           "LAT and LON are written DD.MMSSsss, HGT in metres.");
+        return FileFailure(
+            Worded(text::kSaySiteNowhere, {ToUtf8(name), SitesPath(folder).string()}),
+            Worded(text::kSaySiteNowhereHint));
     }
     return std::nullopt;
 }
@@ -105,38 +103,15 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
 }
 
-/// @return nothing if @p text is no date
-std::optional<std::chrono::sys_days> ParseDate(const std::string& text, const World& world)
-{
-    const std::chrono::sys_days today = JapanDay(world.clock->Utc());
-    if (text == "today") {
-        return today;
-    }
-    if (text == "tomorrow") {
-        return today + std::chrono::days(1);
-    }
-    return ParseDay(text);
-}
-
 std::optional<Failure> ResolveDates(const PlanOptions& options, const World& world,
                                     PlanRequest& request)
 {
-    using namespace std::chrono_literals;
-    constexpr std::chrono::sys_days kFirst = 1980y / std::chrono::January / 7;
-    constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31; // of a date
-    const std::optional<std::chrono::sys_days> first = ParseDate(options.date, world);
-    if (!first) {
-        return UsageFailure(Worded(text::kSayNoDate, {options.date}),
-                            "Write it as --date 2026-11-21, or today, or tomorrow.");
+    std::chrono::sys_days first;
+    std::optional<Failure> failure = ReadDate(options.date, options.days, world, first);
+    for (int day = 0; !failure && day < options.days; ++day) {
+        request.dates.emplace_back(first + std::chrono::days(day));
     }
-    const std::chrono::sys_days last = *first + std::chrono::days(options.days - 1);
-    if (*first < kFirst || last > kLast) {
-        return UsageFailure("Plans are made for 1980-01-07 to 2099-12-31.");
-    }
-    for (std::chrono::sys_days day = *first; day <= last; day += std::chrono::days(1)) {
-        request.dates.emplace_back(day);
-    }
-    return std::nullopt;
+    return failure;
 }
 
 void ResolvePeriod(const PlanOptions& options, const PlanSettings& settings, bool wholeDay,
@@ -158,20 +133,17 @@ void ResolvePeriod(const PlanOptions& options, const PlanSettings& settings, boo
 
 void PlanOptions::AddTo(CLI::App& command)
 {
-    command.option_defaults()->group("Plan");
-    AddText(command, "--site", sites, "NAME",
-            "A site by its name, or a part of it; several may follow");
-    AddText(command, "--at", places, "LAT,LON[,HEIGHT]",
-            "A place in degrees and metres, e.g. 35.69,139.75,60");
-    AddText(command, "--date", date, "DATE", "2026-11-21, today or tomorrow (today in Japan)");
-    AddNumber(command, "--days", days, {1.0, 366.0, "", "1"}, "N", "So many days from the date on");
-    AddNumber(command, "--from", from, {0.0, 23.0, "h"}, "HOUR", "First hour, Japan time");
-    AddNumber(command, "--hours", hours, {1.0, 24.0, "h"}, "N", "How long");
-    AddNumber(command, "--mask", maskDeg, {0.0, 90.0, "deg"}, "DEG", "Elevation mask");
-    AddText(command, "--almanac", almanac, "FILE", "Another almanac than the one in use");
-    CLI::Option* const file = AddText(command, "--curtain", curtain, "FILE",
-                                      "Another obstruction curtain: a text, or a CurTain.obs");
-    command.add_flag("--no-curtain", noCurtain, "An open sky")->excludes(file);
+    command.option_defaults()->group(kPlanGroup);
+    AddText(command, "--site", sites, "NAME", text::kOptSite);
+    AddText(command, "--at", places, "LAT,LON[,HEIGHT]", text::kOptAt);
+    AddText(command, "--date", date, "DATE", text::kOptDate);
+    AddNumber(command, "--days", days, {1.0, 366.0, "", "1"}, "N", text::kOptDays);
+    AddNumber(command, "--from", from, {0.0, 23.0, "h"}, "HOUR", text::kOptFrom);
+    AddNumber(command, "--hours", hours, {1.0, 24.0, "h"}, "N", text::kOptHowLong);
+    AddNumber(command, "--mask", maskDeg, {0.0, 90.0, "deg"}, "DEG", text::kOptMask);
+    AddText(command, "--almanac", almanac, "FILE", text::kOptAlmanac);
+    CLI::Option* const file = AddText(command, "--curtain", curtain, "FILE", text::kOptCurtain);
+    AddFlag(command, "--no-curtain", noCurtain, text::kOptNoCurtain)->excludes(file);
 }
 
 std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
@@ -236,16 +208,13 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
                                ObservationPlan& plan)
 {
     if (!plan.Calc().LoadAlmanac(request.almanac)) {
-        return FileFailure("There is no almanac in " + request.almanac.string() + ".",
-                           "Get one from the receiver: fieldcore-cli almanac get --port PORT; from "
-                           "a file: fieldcore-cli almanac import FILE; or a nominal one: "
-                           "fieldcore-cli almanac sample");
+        return FileFailure(Worded(text::kSayNoAlmanac, {request.almanac.string()}),
+                           Worded(text::kSayWaysToAlmanac));
     }
     if (!options.curtain.empty()) {
         const CurtainText text = LoadCurtainText(options.curtain);
         if (text.error) {
-            return TextFailure(options.curtain, *text.error,
-                               "A line is an azimuth and an elevation in whole degrees: 170 40");
+            return TextFailure(options.curtain, *text.error, Worded(text::kSayCurtainHint));
         }
         plan.Calc().SetCurtain(text.curtain);
     } else if (!options.noCurtain) {

@@ -1,8 +1,10 @@
 #include "cli/PortOptions.h"
 
 #include "cli/Options.h"
+#include "cli/Wording.h"
 
 #include "core/platform/FastClock.h"
+#include "core/resources/StringTable.h"
 
 #include <chrono>
 #include <cmath>
@@ -35,39 +37,34 @@ void PortOptions::AddTo(CLI::App& command)
                                                    {"dsrdtr", FlowControl::DsrDtr}};
     const std::map<std::string, int> parities{{"none", 0}, {"odd", 1}, {"even", 2}};
 
-    command.option_defaults()->group("Port");
+    command.option_defaults()->group(kPortGroup);
     // What there is to choose from is told by the texts; the parser's own description of it is hard
     // to read.
-    const auto add = [&command](const char* name, auto& value, const char* type,
-                                const char* purpose, CLI::Validator choices) {
-        command.add_option(name, value, purpose)
+    const auto add = [&command](const char* name, auto& value, const char* type, int purpose,
+                                CLI::Validator choices) {
+        command.add_option(name, value, Worded(purpose))
             ->transform(choices.description(""))
             ->type_name(type);
     };
-    AddText(command, "-p,--port", port, "PORT",
-            "COM1, a path, sim: or sim:SCENARIO (else $FIELDCORE_PORT, else as stored)");
-    add("--baud", baudRate, "RATE",
-        "Rate, bit/s: 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200 or 230400",
-        CLI::IsMember(rates));
-    add("--bits", dataBits, "N", "Data bits, 7 or 8", CLI::IsMember(std::set<int>{7, 8}));
-    add("--parity", parity, "PARITY", "none, odd or even",
+    AddText(command, "-p,--port", port, "PORT", text::kOptPort);
+    add("--baud", baudRate, "RATE", text::kOptBaud, CLI::IsMember(rates));
+    add("--bits", dataBits, "N", text::kOptBits, CLI::IsMember(std::set<int>{7, 8}));
+    add("--parity", parity, "PARITY", text::kOptParity,
         CLI::CheckedTransformer(parities, CLI::ignore_case));
-    add("--stop-bits", stopBits, "N", "Stop bits, 1 or 2", CLI::IsMember(std::set<int>{1, 2}));
-    add("--flow", flow, "FLOW", "Handshake: none, xonxoff, rtscts or dsrdtr",
-        CLI::CheckedTransformer(flows, CLI::ignore_case));
+    add("--stop-bits", stopBits, "N", text::kOptStopBits, CLI::IsMember(std::set<int>{1, 2}));
+    add("--flow", flow, "FLOW", text::kOptFlow, CLI::CheckedTransformer(flows, CLI::ignore_case));
     AddSessionTo(command);
 }
 
 void PortOptions::AddSessionTo(CLI::App& command)
 {
-    command.option_defaults()->group("Port");
+    command.option_defaults()->group(kPortGroup);
     AddNumber(command, "--timeout", timeoutS, {0.05, 600.0, "s", "2"}, "SECONDS",
-              "How long an answer may take");
-    AddText(command, "--log", log, "FILE",
-            "Append all that passes the line to this file; see trace");
+              text::kOptTimeout);
+    AddText(command, "--log", log, "FILE", text::kOptLog);
     AddNumber(command, "--speed", speed,
-              {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times", "1"}, "N",
-              "How fast time runs with sim:");
+              {FastClock::kLowestSpeed, FastClock::kHighestSpeed, Worded(text::kUnitTimes), "1"},
+              "N", text::kOptSpeed);
     command.option_defaults()->group("Options");
 }
 

@@ -25,16 +25,22 @@ struct Wanted
     const CComPrmSet& set;
 };
 
+/// A parameter that is typed in English.
+Value Shown(const std::wstring& parameter)
+{
+    return Value::Word(ToUtf8(parameter), Translated(ToUtf8(parameter)));
+}
+
 Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
 {
     Report::Table table{"ports",
                         "",
-                        {{"port", Worded(text::kHeadPort)},
-                         {"rate", Worded(text::kHeadRate)},
-                         {"dataBits", Worded(text::kHeadBits)},
-                         {"parity", Worded(text::kHeadParity)},
-                         {"stopBits", Worded(text::kHeadStop)},
-                         {"flow", Worded(text::kHeadFlow)}},
+                        {{"port", text::kHeadPort},
+                         {"rate", text::kHeadRate},
+                         {"dataBits", text::kHeadBits},
+                         {"parity", text::kHeadParity},
+                         {"stopBits", text::kHeadStop},
+                         {"flow", text::kHeadFlow}},
                         {}};
     for (int port = CComPrmSet::kLinkPort; port <= CComPrmSet::kMostPorts; ++port) {
         CComPrmSet set(roots);
@@ -50,32 +56,30 @@ Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
                  ? Value::Word("link", Worded(text::kWordLink))
                  : Value::Word("com" + std::to_string(port), "COM" + std::to_string(port)),
              Value::Text(set.GetStrBps()), Value::Text(set.GetStrDataBits()),
-             Value::Text(set.GetStrParity()), Value::Text(set.GetStrStopBits()),
-             Value::Text(set.GetStrFlowCtrl())});
+             Shown(set.GetStrParity()), Value::Text(set.GetStrStopBits()),
+             Shown(set.GetStrFlowCtrl())});
     }
     CComBlueToothSet way(roots);
     way.ReadReg();
     Report report;
     report.AddTable(std::move(table));
-    report.Add("way", Worded(text::kLabelTheReceiverIsReachedBy),
+    report.Add("way", text::kLabelTheReceiverIsReachedBy,
                way.GetComConnectWay() == CComBlueToothSet::Cable
                    ? Value::Word("cable", Worded(text::kWordCable))
                    : Value::Word("bluetooth", "Bluetooth"));
-    report.Add("connectPort", Worded(text::kLabelOnCom), Value::Integer(way.GetConnectPort()));
+    report.Add("connectPort", text::kLabelOnCom, Value::Integer(way.GetConnectPort()));
     return report;
 }
 
 Failure BadParameters(const std::string& text)
 {
-    return UsageFailure("\"" + text + "\" are no parameters of a port.",
-                        Worded(text::kSayPortHint));
+    return UsageFailure(Worded(text::kSayNoParameters, {text}), Worded(text::kSayPortHint));
 }
 
-Failure NotStored(const SettingsRoots& roots)
+Failure NotStored(const SettingsRoots& roots, int id = text::kSayNothingStored,
+                  const std::string& hint = "fieldcore-cli doctor")
 {
-    return FileFailure("Nothing was stored: " + roots.File(RootKey::CurrentUser).string() +
-                           " cannot be written.",
-                       "fieldcore-cli doctor");
+    return FileFailure(Worded(id, {roots.File(RootKey::CurrentUser).string()}), hint);
 }
 
 /// The controller's own line is a setting of the controller: no receiver is asked.
@@ -107,11 +111,7 @@ std::optional<Failure> Follow(PortSession& session, PortEdit& edit, const Settin
     case LinkFollowed::Stayed:
         return edit.TakeLinkBack() == 1
                    ? Failure{ExitCode::Failed, "port-stayed", Worded(text::kSayPortStayed)}
-                   : FileFailure("The receiver still answers with the parameters that it had, but "
-                                 "the new ones could not be taken back: " +
-                                     roots.File(RootKey::CurrentUser).string() +
-                                     " cannot be written.",
-                                 "fieldcore-cli doctor");
+                   : NotStored(roots, text::kSayNotTakenBack);
     case LinkFollowed::Cancelled:
         return RequestFailure(CommandFault::Cancelled, "");
     case LinkFollowed::Lost:
@@ -136,11 +136,9 @@ std::optional<Failure> SetPort(PortSession& session, int port, PortEdit& edit,
         }
     }
     return isStored ? std::nullopt
-                    : std::optional(FileFailure(
-                          "The receiver has the parameters, but they could not be stored: " +
-                              roots.File(RootKey::CurrentUser).string() + " cannot be written.",
-                          moves ? "--baud and its kin reach the receiver as it is now"
-                                : "fieldcore-cli doctor"));
+                    : std::optional(moves ? NotStored(roots, text::kSayToldNotStored,
+                                                      Worded(text::kSayBaudReaches))
+                                          : NotStored(roots, text::kSayToldNotStored));
 }
 
 } // namespace

@@ -51,23 +51,6 @@ private:
 
 } // namespace
 
-const char* StepName(ConnectStep step)
-{
-    switch (step) {
-    case ConnectStep::OpenPort:
-        return "opening the port";
-    case ConnectStep::WakeReceiver:
-        return "waking the receiver";
-    case ConnectStep::AskStatus:
-        return "asking for its status";
-    case ConnectStep::ReadOptions:
-        return "reading its options";
-    case ConnectStep::ReadSerial:
-        return "reading its serial numbers";
-    }
-    return "";
-}
-
 Folders RealFolders(const World& world)
 {
     FolderSources sources = world.folders;
@@ -95,13 +78,11 @@ PortNames KnownPortNames(const World& world, Output& output)
     SettingsRoots roots{RealFolders(world)};
     for (const std::wstring& setting : AssignStoredPorts(names, roots)) {
         output.Message("warning", "",
-                       "The setting " + ToUtf8(setting) + " of the key " + ToUtf8(kPortsKey) +
-                           " does not count: it should be COM1 to COM256 with the whole path of a "
-                           "device as text.",
+                       Worded(text::kSayPortSetting, {ToUtf8(setting), ToUtf8(kPortsKey)}),
                        Colour::Yellow);
     }
     for (const SettingsNotice& notice : roots.TakeNotices()) {
-        output.Message("warning", "", notice.Words(), Colour::Yellow);
+        output.Message("warning", "", Translated(notice.Words()), Colour::Yellow);
     }
     return names;
 }
@@ -149,12 +130,11 @@ std::optional<Failure> PortSession::FindPort()
         return StartSimulator(*found.scenario);
     }
     if (!found.target) {
-        const std::string detail = IsEnglish() ? found.detail : ToUtf8(found.fault);
-        return named.empty()
-                   ? Failure{ExitCode::NoPort, "port-unusable",
-                             Worded(text::kSayPortOfSettings, {detail}),
-                             "--port PORT, or fieldcore-cli settings set 'GPS\\Connect' Port PORT"}
-                   : UsageFailure(detail, "fieldcore-cli ports");
+        const std::string detail = Translated(found.detail);
+        return named.empty() ? Failure{ExitCode::NoPort, "port-unusable",
+                                       Worded(text::kSayPortOfSettings, {detail}),
+                                       Worded(text::kSayPortOfSettingsHint)}
+                             : UsageFailure(detail, "fieldcore-cli ports");
     }
     m_names = KnownPortNames(m_world, m_output);
     if (m_options.speed != 1.0) {
@@ -168,7 +148,7 @@ Failure PortSession::NoPortNamed() const
 {
     std::string hint;
     for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
-        hint += "--port " + port.path + "  " + port.description + "\n         ";
+        hint += "--port " + port.path + "  " + Translated(port.description) + "\n         ";
     }
     return UsageFailure(Worded(text::kSayNoPort), hint + Worded(text::kSaySimPort));
 }
@@ -178,16 +158,14 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
     std::string error;
     const std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
     if (!loaded) {
-        return UsageFailure("The scenario cannot be used: " + error + ".",
-                            "fieldcore-cli sim list");
+        return ScenarioFailure(error);
     }
     if (m_options.speed != 1.0) {
         m_fastClock = std::make_unique<FastClock>(m_options.speed, m_world.clock->Utc());
     }
     m_simulator = std::make_unique<simulator::Simulator>(*loaded, GetClock());
     if (!m_simulator->Start(error)) {
-        return Failure{ExitCode::Failed, "simulator-not-started",
-                       "The simulator does not start: " + error + "."};
+        return SimulatorFailure(ExitCode::Failed, error);
     }
     SettingsRoots roots{Folders(m_world.folders)};
     m_target = TargetOf(m_simulator->PortPath(), LinkSettings(roots), m_names);
@@ -200,8 +178,7 @@ std::optional<Failure> PortSession::OpenLog()
         return std::nullopt;
     }
     if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
-        return FileFailure("The log " + m_options.log.string() +
-                               " cannot be written: " + error.message() + ".",
+        return FileFailure(Worded(text::kSayNotWritten, {m_options.log.string(), Reason(error)}),
                            Worded(text::kSayLogHint));
     }
     return std::nullopt;
@@ -215,7 +192,7 @@ void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
     }
     if (m_log.Write(FrameLogLine(direction, bytes, GetClock().Utc()))) {
         m_logFailed = true;
-        m_output.Post("The log " + m_options.log.string() + " can no longer be written.");
+        m_output.Post(Worded(text::kSayLogEnds, {m_options.log.string()}));
     }
 }
 
@@ -253,8 +230,7 @@ std::optional<Failure> PortSession::Connect()
     Failure failure = fault == CommandFault::OpenFailed ? NotOpened(sequence.FailureDetail())
                       : sequence.IsPortSending()        ? SendingFailure(sequence.FailureDetail())
                                                  : RequestFailure(fault, sequence.FailureDetail());
-    failure.step =
-        IsEnglish() ? StepName(sequence.FailedStep()) : ToUtf8(StepText(sequence.FailedStep()));
+    failure.step = ToUtf8(StepText(sequence.FailedStep()));
     return failure;
 }
 

@@ -93,7 +93,4 @@ inline constexpr const char* kSimulatedPort = "FIELDCORE_SIMULATED_PORT";
 /// settings is told as a warning.
 [[nodiscard]] PortNames KnownPortNames(const World& world, Output& output);
 
-/// Connect steps in plain words.
-[[nodiscard]] const char* StepName(ConnectStep step);
-
 } // namespace fieldcore::cli

@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortParameters.h"
 #include "cli/PortSession.h"
 #include "cli/Wording.h"
@@ -23,10 +24,10 @@ Value State(const PortReport& report)
     case PortTrouble::None:
         return Value::Word("free", Worded(text::kWordFree));
     case PortTrouble::InUse:
-        return Value::Word("in-use", report.text);
+        return Value::Word("in-use", Translated(report.text));
     case PortTrouble::NotAllowed:
     case PortTrouble::LoginNeeded:
-        return Value::Word("not-allowed", report.text);
+        return Value::Word("not-allowed", Translated(report.text));
     case PortTrouble::Absent:
     case PortTrouble::Unplugged:
     case PortTrouble::NotADevice:
@@ -34,7 +35,7 @@ Value State(const PortReport& report)
     case PortTrouble::NoHardware:
         break;
     }
-    return Value::Word("unusable", report.text);
+    return Value::Word("unusable", Translated(report.text));
 }
 
 ExitCode Run(const Context& context)
@@ -42,16 +43,17 @@ ExitCode Run(const Context& context)
     const SystemRoots& roots = context.world.roots;
     Report::Table table{"ports",
                         Worded(text::kSayNoSerial),
-                        {{"path", Worded(text::kHeadPort)},
+                        {{"path", text::kHeadPort},
                          {"com", "COM"},
-                         {"description", Worded(text::kHeadWhatItIs)},
-                         {"stablePath", Worded(text::kHeadStableName)},
-                         {"state", Worded(text::kHeadState)}},
+                         {"description", text::kHeadWhatItIs},
+                         {"stablePath", text::kHeadStableName},
+                         {"state", text::kHeadState}},
                         {}};
     for (const SerialPort& port :
          ListSerialPorts(KnownPortNames(context.world, context.output), roots)) {
         table.rows.push_back({Value::Text(port.path), Value::Text(port.comName),
-                              Value::Text(port.description), Value::Text(port.stablePath),
+                              Value::Word(port.description, Translated(port.description)),
+                              Value::Text(port.stablePath),
                               State(ReportPort(port.path, 0, roots))});
     }
     Report report;
@@ -63,28 +65,16 @@ ExitCode Run(const Context& context)
 
 Command AddPortsCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "ports", "The serial ports of this machine",
-                                 "  fieldcore-cli ports          what is there, and who uses it\n"
-                                 "  fieldcore-cli ports --json   the same for a script\n"
-                                 "  fieldcore-cli ports show     how the receiver's are set\n");
-    CLI::App& show = AddParser(parser, "show", "The stored parameters of the receiver's ports",
-                               "  fieldcore-cli ports show\n");
-    CLI::App& set = AddParser(
-        parser, "set", "Set a port of the receiver, or the controller's own line",
-        "  fieldcore-cli ports set 2 115200-8-None-1-None --port COM1   port 2 of the receiver\n"
-        "  fieldcore-cli ports set 1 57600 --port COM1   its rate alone; the line follows\n"
-        "  fieldcore-cli ports set 1 57600 --port COM1 --dry-run   what would that change?\n"
-        "  fieldcore-cli ports set 0 38400               the line of the controller, stored "
-        "only\n");
+    CLI::App& parser = AddParser(program, "ports", text::kHelpPorts);
+    CLI::App& show = AddParser(parser, "show", text::kHelpPortsShow);
+    CLI::App& set = AddParser(parser, "set", text::kHelpPortsSet);
     const auto options = std::make_shared<PortParameterOptions>();
-    set.add_option("NUMBER", options->number, "1 to 3, or 0 for the controller's own line")
+    set.add_option("NUMBER", options->number, Worded(text::kOptPortNumber))
         ->check(CLI::Range(CComPrmSet::kLinkPort, CComPrmSet::kMostPorts).description(""))
         ->type_name("")
         ->required();
-    set.add_option("PARAMETERS", options->parameters, "RATE-BITS-PARITY-STOPBITS-FLOW or its front")
-        ->type_name("")
-        ->required();
-    AddDryRun(set, "Connect, but tell and store nothing; show what would be");
+    AddText(set, "PARAMETERS", options->parameters, "", text::kOptParameters)->required();
+    AddDryRun(set, text::kOptPortsDry);
     options->port.AddTo(set);
     return {&parser, [options, &show, &set](const Context& context) {
                 return show.parsed()  ? ShowPortParameters(context)

@@ -96,6 +96,13 @@ void Report::Add(std::string key, std::string label, Value value)
     m_items.emplace_back(Field{std::move(key), std::move(label), std::move(value)});
 }
 
+void Report::Add(std::string key, int label, Value value)
+{
+    Add(std::move(key), Worded(label), std::move(value));
+}
+
+Report::Column::Column(std::string k, int head) : Column(std::move(k), Worded(head)) {}
+
 Report& Report::AddSection(std::string key, std::string title)
 {
     m_items.emplace_back(Section{std::move(key), std::move(title), std::make_unique<Report>()});

@@ -31,6 +31,10 @@ public:
     };
     struct Column
     {
+        Column(std::string k, std::string words) : key(std::move(k)), label(std::move(words)) {}
+        /// @param head  the number of a text
+        Column(std::string k, int head);
+
         std::string key;
         std::string label;
     };
@@ -49,6 +53,8 @@ public:
     using Item = std::variant<Field, Section, Table, List>;
 
     void Add(std::string key, std::string label, Value value);
+    /// @param label  the number of a text
+    void Add(std::string key, int label, Value value);
     /// @return the section, to be filled; it lives as long as the report
     Report& AddSection(std::string key, std::string title);
     /// Adds an entry to the list of that key, which begins with its first entry.

@@ -25,7 +25,7 @@ struct ResetOptions
 ExitCode Finish(const Context& context, const CRecvInfo& info, bool isReset)
 {
     Report report;
-    report.Add("reset", Worded(text::kLabelReset), Value::YesNo(isReset));
+    report.Add("reset", text::kLabelReset, Value::YesNo(isReset));
     AddIdentity(report, info.Known());
     return context.output.Done(report);
 }
@@ -66,17 +66,13 @@ ExitCode Run(const Context& context, const ResetOptions& options)
 Command AddResetCommand(CLI::App& program)
 {
     const auto options = std::make_shared<ResetOptions>();
-    return AddCommand(
-        program,
-        {"reset", "Return the receiver to its factory settings",
-         "  fieldcore-cli reset --port /dev/ttyUSB0 --dry-run   which receiver would it be\n"
-         "  fieldcore-cli reset --port /dev/ttyUSB0             asks twice, then does it\n"
-         "  fieldcore-cli reset --port sim: --yes               without questions\n",
-         [options](CLI::App& parser) {
-             AddConsent(parser, options->yes, "Send nothing, show which receiver it is");
-             options->port.AddTo(parser);
-         },
-         [options](const Context& context) { return Run(context, *options); }});
+    return AddCommand(program,
+                      {"reset", text::kHelpReset,
+                       [options](CLI::App& parser) {
+                           AddConsent(parser, options->yes, text::kOptResetDry);
+                           options->port.AddTo(parser);
+                       },
+                       [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

@@ -26,17 +26,17 @@ SettingsAccess::SettingsAccess(const Context& context, const SettingsOptions& op
     const SettingsNotice notice = Store().TakeNotice();
     m_canRead = notice.kind != SettingsNotice::Kind::NotRead;
     if (!notice.IsEmpty()) {
-        context.output.Message("warning", "", notice.Words(), Colour::Yellow);
+        context.output.Message("warning", "", Translated(notice.Words()), Colour::Yellow);
     }
 }
 
 void SettingsAccess::AddPlace(Report& report) const
 {
-    report.Add("root", Worded(text::kLabelRoot),
+    report.Add("root", text::kLabelRoot,
                m_root == RootKey::LocalMachine ? Value::Word("machine", Worded(text::kWordMachine))
                                                : Value::Word("user", Worded(text::kWordUser)));
-    report.Add("key", Worded(text::kLabelKey),
-               Value::Word(ToUtf8(m_key), m_key.empty() ? "(root)" : ToUtf8(m_key)));
+    report.Add("key", text::kLabelKey,
+               Value::Word(ToUtf8(m_key), m_key.empty() ? Worded(text::kWordRoot) : ToUtf8(m_key)));
 }
 
 SettingsRead SettingsAccess::Read(const std::string& name)
@@ -57,7 +57,7 @@ std::optional<Failure> SettingsAccess::CannotRead() const
 
 Failure SettingsAccess::NotRead() const
 {
-    return FileFailure("What is stored in " + m_roots.File(m_root).string() + " cannot be read.",
+    return FileFailure(Worded(text::kSayNotRead, {m_roots.File(m_root).string()}),
                        "fieldcore-cli doctor");
 }
 
@@ -68,8 +68,7 @@ std::optional<Failure> SettingsAccess::CannotWrite()
 
 Failure SettingsAccess::NotWritten() const
 {
-    return FileFailure("Nothing was stored: " + m_roots.File(m_root).string() +
-                           " cannot be written.",
+    return FileFailure(Worded(text::kSayNothingStored, {m_roots.File(m_root).string()}),
                        "fieldcore-cli doctor");
 }
 
@@ -89,7 +88,7 @@ Value ShownSetting(const SettingsValue& value)
     std::string text = words != nullptr
                            ? ToUtf8(*words)
                            : FormatSettingBytes(std::get<std::vector<std::uint8_t>>(value));
-    std::string shown = text.empty() ? "(empty)" : text;
+    std::string shown = text.empty() ? Worded(text::kWordEmpty) : text;
     return Value::Word(std::move(text), std::move(shown));
 }
 

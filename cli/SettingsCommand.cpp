@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalHost.h"
@@ -23,7 +24,7 @@ namespace {
 /// A value may have no name, as a key's main value.
 std::string ShownName(const NamedSetting& setting)
 {
-    return setting.name.empty() ? "(no name)" : Printable(ToUtf8(setting.name));
+    return setting.name.empty() ? Worded(text::kWordNoName) : Printable(ToUtf8(setting.name));
 }
 
 std::string Tail(const std::wstring& path, std::size_t from)
@@ -61,9 +62,8 @@ std::string TreeWords(const std::vector<SettingsKey>& keys, const std::wstring& 
 Failure Missing(const SettingsAccess& access, const std::string& name)
 {
     return {ExitCode::Failed, "setting-missing",
-            name.empty()
-                ? "There is no key " + ToUtf8(access.Key()) + "."
-                : "There is no value " + name + " in the key " + ToUtf8(access.Key()) + ".",
+            Worded(name.empty() ? text::kSayKeyMissing : text::kSayValueMissing,
+                   {ToUtf8(access.Key()), name}),
             "fieldcore-cli settings list"};
 }
 
@@ -89,10 +89,10 @@ ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std
 {
     Report report;
     access.AddPlace(report);
-    report.Add("name", Worded(text::kLabelName),
-               Value::Word(name, name.empty() ? "(no name)" : name));
-    report.Add("type", Worded(text::kLabelType), Value::Text(TypeName(value)));
-    report.Add("value", Worded(text::kLabelValue), ShownSetting(value));
+    report.Add("name", text::kLabelName,
+               Value::Word(name, name.empty() ? Worded(text::kWordNoName) : name));
+    report.Add("type", text::kLabelType, Value::Text(TypeName(value)));
+    report.Add("value", text::kLabelValue, ShownSetting(value));
     if (onlyTheValue) {
         const Value shown = ShownSetting(value);
         const auto* text = std::get_if<std::string>(&shown.GetData());
@@ -121,12 +121,12 @@ std::optional<SettingsValue> Typed(const std::string& type, const std::string& t
 {
     if (type == "number") {
         const auto number = ParseSettingNumber(typed);
-        fault = "A number is 0 to 4294967295, or 0x0 to 0xFFFFFFFF.";
+        fault = Worded(text::kSayNumberForm);
         return number ? std::optional<SettingsValue>(*number) : std::nullopt;
     }
     if (type == "binary") {
         const auto bytes = ParseSettingBytes(typed);
-        fault = "Bytes are two hexadecimal digits each, such as \"00 FF 1A\".";
+        fault = Worded(text::kSayBytesForm);
         return bytes ? std::optional<SettingsValue>(*bytes) : std::nullopt;
     }
     return FromUtf8(typed);
@@ -144,8 +144,7 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
     const SettingsRead old = access.Read(options.name);
     if (type.empty() && old.state == SettingsReadState::Failed) {
         return context.output.Failed(
-            FileFailure("Nothing was stored: the value that is there cannot be read, nor its type.",
-                        "--type replaces it by one of that type"));
+            FileFailure(Worded(text::kSayTypeUnread), Worded(text::kSayTypeUnreadHint)));
     }
     const bool keeps = type.empty() && old.state == SettingsReadState::Found;
     if (type.empty()) {
@@ -154,9 +153,9 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
     std::string fault;
     const std::optional<SettingsValue> value = Typed(type, options.value, fault);
     if (!value) {
-        return context.output.Failed(UsageFailure(
-            "\"" + options.value + "\" is no " + type + " value. " + fault,
-            keeps ? "The value has been a " + type + " so far; --type text makes it a text." : ""));
+        return context.output.Failed(
+            UsageFailure(Worded(text::kSayNoValue, {options.value, type, fault}),
+                         keeps ? Worded(text::kSayTypeSoFar, {type}) : ""));
     }
     if (context.dryRun) {
         return ShowOne(context, access, options.name, *value, false);
@@ -165,10 +164,9 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
     std::wstring refused;
     if (!StoreSettings(access.Store(), std::span(&key, 1), refused)) {
         return context.output.Failed(
-            refused.empty()
-                ? access.NotWritten()
-                : UsageFailure("The settings refuse " + ToUtf8(refused) + ".",
-                               "A name has at most 255 characters, a value a megabyte."));
+            refused.empty() ? access.NotWritten()
+                            : UsageFailure(Worded(text::kSaySettingsRefuse, {ToUtf8(refused)}),
+                                           Worded(text::kSayTooLong)));
     }
     if (FoldCase(access.Key()) == FoldCase(HostBasePath() + L'\\' + kPortsKey)) {
         static_cast<void>(KnownPortNames(context.world, context.output)); // warns of a bad one
@@ -212,7 +210,7 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
         return context.output.Failed(Missing(access, options.name));
     }
     Report report;
-    report.Add("deleted", Worded(text::kLabelDeleted), Value::YesNo(!context.dryRun));
+    report.Add("deleted", text::kLabelDeleted, Value::YesNo(!context.dryRun));
     access.AddPlace(report);
     AddKeys(report, *doomed);
     const std::string words = TreeWords(*doomed, access.Key());
@@ -224,113 +222,81 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
     }
     TerminalHost host(context.world, context.output,
                       options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);
-    if (!options.yes &&
-        host.ShowMessage(FromUtf8(words + "Delete this?"), L"",
-                         {BoxButtons::YesNo, BoxIcon::Question}) != BoxAnswer::Yes) {
-        return context.output.Failed({ExitCode::Cancelled, "cancelled", "Cancelled."});
+    if (!options.yes) {
+        if (const auto failure = host.Ask(words + Worded(text::kAskDeleteThis), "", "")) {
+            return context.output.Failed(*failure);
+        }
     }
     const bool isDone = name ? access.Store().DeleteValue(access.Key(), FromUtf8(*name))
                              : access.Store().DeleteKey(access.Key());
-    return isDone ? context.output.Done(report, "Deleted:\n" + words)
+    return isDone ? context.output.Done(report, Worded(text::kSayDeleted) + words)
                   : context.output.Failed(access.NotWritten());
 }
 
 using Options = std::shared_ptr<SettingsOptions>;
 
-CLI::App& AddSub(CLI::App& parent, const Options& options, const std::string& name,
-                 const std::string& purpose, const std::string& examples)
+CLI::App& AddSub(CLI::App& parent, const Options& options, const std::string& name, int help)
 {
-    CLI::App& parser = AddParser(parent, name, purpose, examples);
-    parser.add_flag("--machine", options->machine,
-                    "The settings that all users of the machine share, not your own");
+    CLI::App& parser = AddParser(parent, name, help);
+    AddFlag(parser, "--machine", options->machine, text::kOptMachine);
     return parser;
 }
 
 void AddKeyOptions(CLI::App& parser, const Options& options, bool isNeeded)
 {
-    CLI::Option* const key =
-        parser.add_option("KEY", options->key, "A key, with \\ between the names of its path")
-            ->type_name("");
+    CLI::Option* const key = AddText(parser, "KEY", options->key, "", text::kOptKey);
     if (isNeeded) {
         key->required();
     }
-    parser.add_flag("--all", options->whole,
-                    "KEY counts from the root, not from the library's own key");
+    AddFlag(parser, "--all", options->whole, text::kOptWholeKey);
 }
 
 CLI::Option* AddName(CLI::App& parser, const Options& options)
 {
-    return parser.add_option("NAME", options->name, "The name of a value")->type_name("");
+    return AddText(parser, "NAME", options->name, "", text::kOptName);
 }
 
 } // namespace
 
 Command AddSettingsCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(
-        program, "settings", "Look at the settings, change, save and bring them back",
-        "  fieldcore-cli settings list                        what is set\n"
-        "  fieldcore-cli settings set Ports COM3 /dev/serial/by-id/usb-receiver\n"
-        "                                                     what COM3 means from now on\n"
-        "  fieldcore-cli settings get Ports COM3              one value\n"
-        "  fieldcore-cli settings export saved.txt            all of them, as readable text\n"
-        "  fieldcore-cli settings import saved.txt --dry-run  what would bringing them back "
-        "change\n");
+    CLI::App& parser = AddParser(program, "settings", text::kHelpSettings);
     parser.require_subcommand(1);
     const auto options = std::make_shared<SettingsOptions>();
 
-    CLI::App& list = AddSub(parser, options, "list", "Show a key and what is below it",
-                            "  fieldcore-cli settings list\n"
-                            "  fieldcore-cli settings list Ports\n"
-                            "  fieldcore-cli settings list --all --machine\n");
+    CLI::App& list = AddSub(parser, options, "list", text::kHelpSettingsList);
     AddKeyOptions(list, options, false);
 
-    CLI::App& get = AddSub(parser, options, "get", "Show one value",
-                           "  fieldcore-cli settings get Ports COM3\n");
+    CLI::App& get = AddSub(parser, options, "get", text::kHelpSettingsGet);
     AddKeyOptions(get, options, true);
     AddName(get, options)->required();
 
-    CLI::App& set = AddSub(parser, options, "set", "Store one value",
-                           "  fieldcore-cli settings set Ports COM3 /dev/ttyUSB0\n"
-                           "  fieldcore-cli settings set Plan Interval 0x10 --type number\n"
-                           "  fieldcore-cli settings set Plan Mask \"00 FF 1A\" --type binary\n");
+    CLI::App& set = AddSub(parser, options, "set", text::kHelpSettingsSet);
     AddKeyOptions(set, options, true);
     AddName(set, options)->required();
-    set.add_option("VALUE", options->value, "What to store")->type_name("")->required();
-    set.add_option("--type", options->type,
-                   "text, number or binary (the one that it has, else text)")
+    AddText(set, "VALUE", options->value, "", text::kOptValue)->required();
+    set.add_option("--type", options->type, Worded(text::kOptType))
         ->transform(
             CLI::IsMember(std::set<std::string>{"text", "number", "binary"}).description(""))
         ->type_name("TYPE");
-    AddDryRun(set, "Store nothing, show what would be");
+    AddDryRun(set, text::kOptStoreDry);
 
-    CLI::App& remove = AddSub(parser, options, "delete", "Delete a value, or a key with all below",
-                              "  fieldcore-cli settings delete Ports COM3\n"
-                              "  fieldcore-cli settings delete Ports --dry-run\n");
+    CLI::App& remove = AddSub(parser, options, "delete", text::kHelpSettingsDelete);
     AddKeyOptions(remove, options, true);
     const CLI::Option* const doomedName = AddName(remove, options);
-    CLI::Option* const yes = remove.add_flag("--yes", options->yes, "Do not ask");
-    AddDryRun(remove, "Delete nothing, show what would be", yes);
+    CLI::Option* const yes = AddFlag(remove, "--yes", options->yes, text::kOptYes);
+    AddDryRun(remove, text::kOptDeleteDry, yes);
 
-    CLI::App& save = AddSub(parser, options, "export", "Write settings as text",
-                            "  fieldcore-cli settings export             to stdout\n"
-                            "  fieldcore-cli settings export saved.txt\n"
-                            "  fieldcore-cli settings export --all saved.txt\n");
-    save.add_option("FILE", options->file, "Where to (stdout)")->type_name("");
-    save.add_option("--key", options->key, "Only this key and what is below it")->type_name("KEY");
-    save.add_flag("--all", options->whole, "From the root on, not from the library's own key");
-    CLI::Option* const replace =
-        save.add_flag("--yes", options->yes, "Replace FILE without asking");
-    AddDryRun(save, "Write no FILE, show how much would be in it", replace);
+    CLI::App& save = AddSub(parser, options, "export", text::kHelpSettingsExport);
+    AddText(save, "FILE", options->file, "", text::kOptExportTo);
+    AddText(save, "--key", options->key, "KEY", text::kOptOnlyKey);
+    AddFlag(save, "--all", options->whole, text::kOptFromRoot);
+    CLI::Option* const replace = AddFlag(save, "--yes", options->yes, text::kOptReplaceFile);
+    AddDryRun(save, text::kOptExportDry, replace);
 
-    CLI::App& load = AddSub(parser, options, "import", "Store what export has written",
-                            "  fieldcore-cli settings import saved.txt --dry-run\n"
-                            "  fieldcore-cli settings import saved.txt\n"
-                            "  fieldcore-cli settings import - <saved.txt\n");
-    load.add_option("FILE", options->file, "What export has written; - is stdin")
-        ->type_name("")
-        ->required();
-    AddDryRun(load, "Store nothing, show what would change");
+    CLI::App& load = AddSub(parser, options, "import", text::kHelpSettingsImport);
+    AddText(load, "FILE", options->file, "", text::kOptImportFrom)->required();
+    AddDryRun(load, text::kOptSettingsDry);
 
     return {&parser, [=, &list, &get, &set, &remove, &save](const Context& context) {
                 return list.parsed()     ? List(context, *options)

@@ -29,9 +29,9 @@ std::size_t CountValues(const std::vector<SettingsKey>& keys)
 
 void AddCounts(Report& report, const std::vector<SettingsKey>& keys)
 {
-    report.Add("keyCount", Worded(text::kLabelKeys),
+    report.Add("keyCount", text::kLabelKeys,
                Value::Integer(static_cast<std::int64_t>(keys.size())));
-    report.Add("valueCount", Worded(text::kLabelValues),
+    report.Add("valueCount", text::kLabelValues,
                Value::Integer(static_cast<std::int64_t>(CountValues(keys))));
 }
 
@@ -43,16 +43,14 @@ std::optional<Failure> WriteText(const Context& context, const SettingsOptions& 
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        return FileFailure(options.file + " is no file.", "Leave FILE out to write to stdout.");
+        return FileFailure(Worded(text::kSayNoFile, {options.file}), Worded(text::kSayNoFileHint));
     }
     if (fs::exists(status) && !options.yes) {
-        if (!context.world.inIsTerminal || !context.world.errIsTerminal) {
-            return UsageFailure(options.file + " is there already.", Worded(text::kSayYesReplace));
-        }
         TerminalHost host(context.world, context.output);
-        if (host.ShowMessage(FromUtf8(options.file + " is there already. Replace it?"), L"",
-                             {BoxButtons::YesNo, BoxIcon::Question}) != BoxAnswer::Yes) {
-            return Failure{ExitCode::Cancelled, "cancelled", "Cancelled."};
+        if (std::optional<Failure> failure = host.Ask(
+                Worded(text::kAskReplace, {options.file}),
+                Worded(text::kSayReplaceNobody, {options.file}), Worded(text::kSayYesReplace))) {
+            return failure;
         }
     }
     AtomicFile target(file, file.filename().string() + ".new");
@@ -64,7 +62,7 @@ std::optional<Failure> WriteText(const Context& context, const SettingsOptions& 
         error = target.Commit();
     }
     if (error) {
-        return FileFailure(options.file + " cannot be written: " + error.message() + ".",
+        return FileFailure(Worded(text::kSayNotWritten, {options.file, Reason(error)}),
                            Worded(text::kSayLogHint));
     }
     return std::nullopt;
@@ -78,8 +76,9 @@ std::optional<Failure> ReadText(const Context& context, const std::string& file,
     if (file != "-") {
         std::error_code error;
         if (!fs::is_regular_file(file, error)) {
-            return FileFailure(file + (fs::exists(file, error) ? " is no file." : " is not there."),
-                               "Name a file that settings export has written.");
+            return FileFailure(
+                Worded(fs::exists(file, error) ? text::kSayNoFile : text::kSayNotThere, {file}),
+                Worded(text::kSayExportHint));
         }
         stream.open(file, std::ios::binary);
         in = &stream;
@@ -88,7 +87,7 @@ std::optional<Failure> ReadText(const Context& context, const std::string& file,
     in->read(text.data(), static_cast<std::streamsize>(text.size()));
     const bool failed = World::HasFailed(*in) || (file != "-" && !stream.is_open());
     text.resize(static_cast<std::size_t>(std::max<std::streamsize>(in->gcount(), 0)));
-    return failed ? std::optional(FileFailure(file + " cannot be read.")) : std::nullopt;
+    return failed ? std::optional(FileFailure(Worded(text::kSayNotRead, {file}))) : std::nullopt;
 }
 
 /// What bringing back @p keys changes: a row a value that is new or gets another value.
@@ -96,18 +95,19 @@ Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys
 {
     Report::Table table{"changes",
                         Worded(text::kSayAllThere),
-                        {{"change", Worded(text::kHeadChange)},
-                         {"key", Worded(text::kHeadKey)},
-                         {"name", Worded(text::kHeadName)},
-                         {"type", Worded(text::kHeadType)},
-                         {"value", Worded(text::kHeadValue)}},
+                        {{"change", text::kHeadChange},
+                         {"key", text::kHeadKey},
+                         {"name", text::kHeadName},
+                         {"type", text::kHeadType},
+                         {"value", text::kHeadValue}},
                         {}};
     for (const SettingsKey& key : keys) {
         for (const NamedSetting& setting : key.values) {
             const SettingsRead old = store.Get(key.path, setting.name);
             const bool isThere = old.state == SettingsReadState::Found;
             if (!isThere || old.value != setting.value) {
-                table.rows.push_back({Value::Text(std::string(isThere ? "changed" : "new")),
+                table.rows.push_back({isThere ? Value::Word("changed", Worded(text::kWordChanged))
+                                              : Value::Word("new", Worded(text::kWordNew)),
                                       Value::Word(ToUtf8(key.path), ToUtf8(key.path)),
                                       Value::Word(ToUtf8(setting.name), ToUtf8(setting.name)),
                                       Value::Text(TypeName(setting.value)),
@@ -132,10 +132,10 @@ ExitCode ExportSettings(const Context& context, const SettingsOptions& options)
     access.AddPlace(report);
     AddCounts(report, *keys);
     if (options.file.empty()) {
-        report.Add("text", Worded(text::kLabelText), Value::Text(text));
+        report.Add("text", text::kLabelText, Value::Text(text));
         return context.output.Done(report, text);
     }
-    report.Add("file", Worded(text::kLabelFile), Value::Text(options.file));
+    report.Add("file", text::kLabelFile, Value::Text(options.file));
     if (context.dryRun) {
         return context.output.Done(report);
     }
@@ -151,17 +151,17 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
     }
     const SettingsTextResult read = ParseSettingsText(text);
     if (read.fault) {
-        return context.output.Failed(FileFailure(
-            "Nothing was stored: " + (options.file == "-" ? "stdin" : options.file) + ", line " +
-                std::to_string(read.fault->line) + ": " + read.fault->message,
-            "Correct the line; docs/settings.md describes the file."));
+        return context.output.Failed(
+            TextFailure(options.file == "-" ? "stdin" : options.file,
+                        {static_cast<int>(read.fault->line), "", read.fault->message},
+                        Worded(text::kSaySettingsHint)));
     }
     SettingsAccess access(context, options);
     if (const std::optional<Failure> failure = access.CannotRead()) {
         return context.output.Failed(*failure);
     }
     Report report;
-    report.Add("stored", Worded(text::kLabelStored), Value::YesNo(!context.dryRun));
+    report.Add("stored", text::kLabelStored, Value::YesNo(!context.dryRun));
     AddCounts(report, read.keys);
     report.AddTable(Changes(access.Store(), read.keys));
     if (context.dryRun) {
@@ -173,10 +173,9 @@ ExitCode ImportSettings(const Context& context, const SettingsOptions& options)
     std::wstring refused;
     if (!StoreSettings(access.Store(), read.keys, refused)) {
         return context.output.Failed(
-            refused.empty()
-                ? access.NotWritten()
-                : FileFailure("Nothing was stored: the settings refuse " + ToUtf8(refused) + ".",
-                              "It may be too long: a value has at most a megabyte."));
+            refused.empty() ? access.NotWritten()
+                            : FileFailure(Worded(text::kSaySettingsRefuse, {ToUtf8(refused)}),
+                                          Worded(text::kSayTooLong)));
     }
     return Kept(context, report);
 }

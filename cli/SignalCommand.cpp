@@ -39,13 +39,13 @@ const char* NameOf(Signal signal)
 
 void AddSignals(Report& report, const SignalSession& session)
 {
-    report.Add("typeNumber", Worded(text::kLabelTypeNumber), Value::Integer(session.TypeNumber()));
-    report.Add("locked", Worded(text::kLabelFixedByTheReceiver), Value::YesNo(session.IsLocked()));
+    report.Add("typeNumber", text::kLabelTypeNumber, Value::Integer(session.TypeNumber()));
+    report.Add("locked", text::kLabelFixedByTheReceiver, Value::YesNo(session.IsLocked()));
     Report::Table table{"signals",
                         "none",
-                        {{"signal", Worded(text::kHeadSignal)},
-                         {"available", Worded(text::kHeadAvailable)},
-                         {"chosen", Worded(text::kHeadChosen)}},
+                        {{"signal", text::kHeadSignal},
+                         {"available", text::kHeadAvailable},
+                         {"chosen", text::kHeadChosen}},
                         {}};
     for (const Signal signal : kAllSignals) {
         // A locked receiver is not asked what it has.
@@ -68,8 +68,7 @@ std::optional<Failure> Apply(SignalSession& session, const std::vector<std::stri
         const bool isWanted = std::find(names.begin(), names.end(), NameOf(signal)) != names.end();
         if (isWanted && !session.IsEnabled(signal)) {
             return Failure{ExitCode::Failed, "signal-absent",
-                           std::string("The receiver does not have ") + NameOf(signal) +
-                               "; nothing was sent.",
+                           Worded(text::kSaySignalAbsent, {NameOf(signal)}),
                            "fieldcore-cli signal show --port PORT"};
         }
         session.Check(signal, isWanted);
@@ -86,10 +85,10 @@ ExitCode Set(const Context& context, const SignalOptions& options, SignalSession
     }
     AddSignals(report, session);
     const std::vector<std::uint8_t> data = session.CommandData();
-    report.Add("data", Worded(text::kLabelDataOfTheCommand), Value::Text(FormatSettingBytes(data)));
+    report.Add("data", text::kLabelDataOfTheCommand, Value::Text(FormatSettingBytes(data)));
     if (context.dryRun) {
-        report.Add("sent", Worded(text::kLabelSent), Value::YesNo(false));
-        report.Add("stored", Worded(text::kLabelStored), Value::YesNo(false));
+        report.Add("sent", text::kLabelSent, Value::YesNo(false));
+        report.Add("stored", text::kLabelStored, Value::YesNo(false));
         return context.output.Done(report);
     }
     std::optional<Failure> failure;
@@ -103,8 +102,8 @@ ExitCode Set(const Context& context, const SignalOptions& options, SignalSession
         failure = Failure{ExitCode::LocalFile, "local-file", Worded(text::kSaySignalsNotStored),
                           "fieldcore-cli doctor"};
     }
-    report.Add("sent", Worded(text::kLabelSent), Value::YesNo(outcome.sent == 1));
-    report.Add("stored", Worded(text::kLabelStored), Value::YesNo(outcome.stored == 1));
+    report.Add("sent", text::kLabelSent, Value::YesNo(outcome.sent == 1));
+    report.Add("stored", text::kLabelStored, Value::YesNo(outcome.stored == 1));
     return failure ? context.output.Failed(*failure, &report) : Kept(context, report);
 }
 
@@ -113,7 +112,7 @@ ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)
     if (isSet && options.names.size() > 1 &&
         std::find(options.names.begin(), options.names.end(), kNone) != options.names.end()) {
         return context.output.Failed(
-            UsageFailure("\"none\" stands alone.", "fieldcore-cli signal set none --port PORT"));
+            UsageFailure(Worded(text::kSayNoneAlone), "fieldcore-cli signal set none --port PORT"));
     }
     TerminalHost host(context.world, context.output);
     PortSession port(context.world, context.output, host, options.port);
@@ -139,27 +138,18 @@ ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)
 
 Command AddSignalCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "signal", "Which signals the receiver tracks: show, set",
-                  "  fieldcore-cli signal show --port /dev/ttyUSB0\n"
-                  "  fieldcore-cli signal set glonass qzss l5 --port /dev/ttyUSB0\n");
+    CLI::App& parser = AddParser(program, "signal", text::kHelpSignal);
     parser.require_subcommand(1);
     const auto options = std::make_shared<SignalOptions>();
-    CLI::App& show =
-        AddParser(parser, "show", "What the receiver has, and what was chosen for its type",
-                  "  fieldcore-cli signal show --port /dev/ttyUSB0\n");
+    CLI::App& show = AddParser(parser, "show", text::kHelpSignalShow);
     options->port.AddTo(show);
-    CLI::App& set =
-        AddParser(parser, "set", "Track the signals that are named, and none of the others",
-                  "  fieldcore-cli signal set glonass qzss --port /dev/ttyUSB0\n"
-                  "  fieldcore-cli signal set none --port sim:\n"
-                  "  fieldcore-cli signal set l5 --port sim: --dry-run   what would be sent?\n");
-    set.add_option("SIGNAL", options->names, "l2c, glonass, qzss, galileo, l5; or none")
+    CLI::App& set = AddParser(parser, "set", text::kHelpSignalSet);
+    set.add_option("SIGNAL", options->names, Worded(text::kOptSignals))
         ->required()
         ->expected(1, static_cast<int>(kNames.size()))
         ->check(CLI::IsMember({"l2c", "glonass", "qzss", "galileo", "l5", "none"}).description(""))
         ->type_name("");
-    AddDryRun(set, "Send nothing and store nothing, show what would be");
+    AddDryRun(set, text::kOptSignalDry);
     options->port.AddTo(set);
     return {&parser, [options, &set](const Context& context) {
                 return Run(context, *options, set.parsed());

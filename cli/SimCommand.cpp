@@ -27,15 +27,20 @@ struct SimOptions
     double speed = 0.0; ///< 0: the scenario's
 };
 
+std::string TitleOf(const simulator::Scenario& scenario)
+{
+    return IsEnglish() || scenario.titleJa.empty() ? scenario.title : scenario.titleJa;
+}
+
 ExitCode List(const Context& context)
 {
     Report::Table table{
-        "scenarios",
-        "",
-        {{"name", Worded(text::kHeadName)}, {"title", Worded(text::kHeadWhatItShows)}},
-        {}};
+        "scenarios", "", {{"name", text::kHeadName}, {"title", text::kHeadWhatItShows}}, {}};
     for (const auto& [name, title] : simulator::ShippedScenarios()) {
-        table.rows.push_back({Value::Text(name), Value::Text(title)});
+        std::string error;
+        const auto scenario = simulator::LoadScenario(name, error);
+        table.rows.push_back(
+            {Value::Text(name), Value::Word(title, scenario ? TitleOf(*scenario) : title)});
     }
     Report report;
     report.AddTable(std::move(table));
@@ -53,12 +58,11 @@ void WaitForStop(const World& world)
 ExitCode Serve(const Context& context, const simulator::Simulator& simulator)
 {
     Report report;
-    report.Add("port", Worded(text::kLabelPort), Value::Text(simulator.PortPath()));
+    report.Add("port", text::kLabelPort, Value::Text(simulator.PortPath()));
     context.output.Done(report, simulator.PortPath() + "\n");
-    context.output.Note("In another terminal: fieldcore-cli info --port " + simulator.PortPath() +
-                        "\nCtrl-C ends it.");
+    context.output.Note(Worded(text::kSaySimServes, {simulator.PortPath()}));
     WaitForStop(context.world);
-    context.output.Note(std::to_string(simulator.RequestCount()) + " requests.");
+    context.output.Note(Worded(text::kSayRequests, {std::to_string(simulator.RequestCount())}));
     return ExitCode::Done;
 }
 
@@ -82,7 +86,8 @@ ExitCode StartCommand(const Context& context, const simulator::Simulator& simula
     const std::optional<int> code = RunChild(child, error);
     if (!code) {
         return context.output.Failed({ExitCode::Failed, "command-not-started",
-                                      child.arguments.front() + " does not start: " + error + "."});
+                                      Worded(text::kSayNotStarted, {child.arguments.front()}), "",
+                                      "", error});
     }
     return static_cast<ExitCode>(*code); // the command's own, whatever it means there
 }
@@ -91,27 +96,24 @@ ExitCode RunScenario(const Context& context, const SimOptions& options)
 {
     if (!context.userCommand.empty() && context.output.IsJson()) {
         return context.output.Failed(
-            UsageFailure("The command's own output goes to stdout, so --json cannot be kept.",
-                         "Leave --json out, or give it to the command."));
+            UsageFailure(Worded(text::kSayNoJsonHere), Worded(text::kSayNoJsonHereHint)));
     }
     std::string error;
     std::optional<simulator::Scenario> scenario = simulator::LoadScenario(options.scenario, error);
     if (!scenario) {
-        return context.output.Failed(
-            UsageFailure("The scenario cannot be used: " + error + ".", "fieldcore-cli sim list"));
+        return context.output.Failed(ScenarioFailure(error));
     }
     if (options.speed > 0.0) {
         scenario->speed = options.speed;
     }
-    const std::string title = scenario->title;
+    const std::string title = TitleOf(*scenario);
     simulator::Simulator simulator(*scenario, *context.world.clock,
                                    {options.link, options.record, options.replay});
     if (!simulator.Start(error)) {
-        return context.output.Failed({ExitCode::LocalFile, "simulator-not-started",
-                                      "The simulator does not start: " + error + "."});
+        return context.output.Failed(SimulatorFailure(ExitCode::LocalFile, error));
     }
-    context.output.Note((options.replay.empty() ? title : "Replaying " + options.replay.string()) +
-                        ".");
+    context.output.Note(
+        options.replay.empty() ? title : Worded(text::kSayReplaying, {options.replay.string()}));
     return context.userCommand.empty() ? Serve(context, simulator)
                                        : StartCommand(context, simulator);
 }
@@ -122,36 +124,21 @@ Command AddSimCommand(CLI::App& program)
 {
     const auto options = std::make_shared<SimOptions>();
     const auto addOptions = [options](CLI::App& run) {
-        CLI::Option* const scenario = AddText(run, "--scenario", options->scenario, "NAME",
-                                              "A scenario's name, or a file (lark)");
-        AddText(run, "--record", options->record, "FILE",
-                "Write what is said to this file; see trace");
-        AddText(run, "--replay", options->replay, "FILE",
-                "Answer from such a file and not from a scenario")
-            ->excludes(scenario);
-        AddText(run, "--link", options->link, "PATH",
-                "Where the port appears (a fresh temporary folder)");
-        AddNumber(
-            run, "--speed", options->speed,
-            {FastClock::kLowestSpeed, FastClock::kHighestSpeed, "times", "as the scenario says"},
-            "N", "How fast the receiver's time runs");
+        CLI::Option* const scenario =
+            AddText(run, "--scenario", options->scenario, "NAME", text::kOptScenario);
+        AddText(run, "--record", options->record, "FILE", text::kOptRecord);
+        AddText(run, "--replay", options->replay, "FILE", text::kOptReplay)->excludes(scenario);
+        AddText(run, "--link", options->link, "PATH", text::kOptLink);
+        AddNumber(run, "--speed", options->speed,
+                  {FastClock::kLowestSpeed, FastClock::kHighestSpeed, Worded(text::kUnitTimes),
+                   Worded(text::kSayAsScenario)},
+                  "N", text::kOptSimSpeed);
     };
-    return AddCommands(
-        program, {"sim", "A receiver in software", nullptr, {}, {}},
-        {{"list",
-          "Name the scenarios and what each one shows",
-          "  fieldcore-cli sim list                           the scenarios there are\n",
-          {},
-          List},
-         {"run", "Start one; print its port, or start a command that uses it",
-          "  fieldcore-cli sim run --scenario pica            prints the port; Ctrl-C ends it\n"
-          "  fieldcore-cli sim run --scenario noisy-line -- fieldcore-cli info\n"
-          "  fieldcore-cli sim run -- my-program --device {port}\n"
-          "                                            {port} is the port's path, which is in\n"
-          "                                            FIELDCORE_PORT too; ends with my-program\n"
-          "                                            and its exit code\n",
-          addOptions,
-          [options](const Context& context) { return RunScenario(context, *options); }}});
+    return AddCommands(program, {"sim", text::kHelpSim, {}, {}},
+                       {{"list", text::kHelpSimList, {}, List},
+                        {"run", text::kHelpSimRun, addOptions, [options](const Context& context) {
+                             return RunScenario(context, *options);
+                         }}});
 }
 
 } // namespace fieldcore::cli

@@ -4,6 +4,8 @@
 #include "cli/TerminalHost.h"
 #include "cli/Watch.h"
 
+#include "core/resources/StringTable.h"
+
 #include <memory>
 #include <optional>
 
@@ -67,18 +69,13 @@ ExitCode Run(const Context& context, const StatusOptions& options)
 Command AddStatusCommand(CLI::App& program)
 {
     const auto options = std::make_shared<StatusOptions>();
-    return AddCommand(
-        program,
-        {"status", "How the receiver is: battery, satellites, position",
-         "  fieldcore-cli status --port /dev/ttyUSB0             once\n"
-         "  fieldcore-cli status --port sim: --watch             every 2 seconds, until Ctrl-C\n"
-         "  fieldcore-cli status --port sim: --watch 10 --json   a JSON document every 10 "
-         "seconds\n",
-         [options](CLI::App& parser) {
-             options->watch.AddTo(parser, 2.0);
-             options->port.AddTo(parser);
-         },
-         [options](const Context& context) { return Run(context, *options); }});
+    return AddCommand(program,
+                      {"status", text::kHelpStatus,
+                       [options](CLI::App& parser) {
+                           options->watch.AddTo(parser, 2.0);
+                           options->port.AddTo(parser);
+                       },
+                       [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

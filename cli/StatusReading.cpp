@@ -79,8 +79,9 @@ void AddFields(Report& report, const Receiver& receiver, ReceiverField::Place pl
 {
     for (const ReceiverField& field : AllReceiverFields()) {
         if ((field.places & place) != 0) {
+            const Value value = ReportField(field, receiver);
             report.Add(field.key, *field.label == '\0' ? "" : WordedOr(field.label, field.textId),
-                       ReportField(field, receiver));
+                       value.IsUnknown() ? Value::Text("", Translated(value.Words())) : value);
         }
     }
 }
@@ -95,17 +96,17 @@ void AddStatus(Report& report, const Receiver& receiver)
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now)
 {
     Report& ages = report.AddSection("agesS", Worded(text::kLabelAge));
-    const auto add = [&](const char* key, const char* label, FieldSource source) {
+    const auto add = [&](const char* key, const std::string& label, FieldSource source) {
         const std::optional<Clock::Duration> at = TimeOf(source, receiver);
         ages.Add(key, label,
                  at ? Value::Real(std::chrono::duration<double>(now - *at).count(), 3, "s")
                     : Value::Unknown());
     };
     // By the answer that they came with.
-    add("status", "status, battery", FieldSource::Status);
-    add("time", "time", FieldSource::Time);
-    add("position", "position", FieldSource::Position);
-    add("powerSource", "power source", FieldSource::PowerSource);
+    add("status", Worded(text::kLabelStatusAge), FieldSource::Status);
+    add("time", Worded(text::kLabelTime), FieldSource::Time);
+    add("position", Worded(text::kLabelPosition), FieldSource::Position);
+    add("powerSource", Worded(text::kFieldPowerSource), FieldSource::PowerSource);
 }
 
 void AddIdentity(Report& report, const ReceiverIdentity& identity)
@@ -122,8 +123,7 @@ void AddIdentity(Report& report, const ReceiverIdentity& identity)
             words += (words.empty() ? "" : ", ") + WordedOr(option.words, option.textId);
         }
     }
-    report.Add("options", Worded(text::kLabelOptions),
-               Value::List(std::move(options), std::move(words)));
+    report.Add("options", text::kLabelOptions, Value::List(std::move(options), std::move(words)));
 }
 
 std::string WatchLine(const Receiver& receiver)

@@ -52,12 +52,24 @@ BoxAnswer TerminalHost::ShowMessage(std::wstring_view text, std::wstring_view ca
     return BoxAnswer::Ok;
 }
 
+std::optional<Failure> TerminalHost::Ask(const std::string& question, std::string nobody,
+                                         std::string hint)
+{
+    if (m_answers == Answers::Ask && !m_world.CanAsk()) {
+        return UsageFailure(std::move(nobody), std::move(hint));
+    }
+    return ShowMessage(FromUtf8(question), L"", {BoxButtons::YesNo, BoxIcon::Question}) ==
+                   BoxAnswer::Yes
+               ? std::nullopt
+               : std::optional(RequestFailure(CommandFault::Cancelled, ""));
+}
+
 bool TerminalHost::Agrees()
 {
     if (m_answers == Answers::AllYes) {
         return true;
     }
-    if (!m_world.inIsTerminal || !m_world.errIsTerminal) {
+    if (!m_world.CanAsk()) {
         return false;
     }
     *m_world.err << "[y/N] " << std::flush;

@@ -7,6 +7,9 @@
 
 #include <string_view>
 
+#include <optional>
+#include <string>
+
 namespace fieldcore::cli {
 
 /// The library's host in a terminal: messages go to stderr, questions are asked if somebody can
@@ -29,6 +32,12 @@ public:
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
                           BoxStyle style) override;
     bool Breathe() override { return !m_world.StopRequested(); }
+
+    /// Asks a question of a command's own.
+    /// @param nobody  what is told where nobody can be asked, with @p hint
+    /// @return why it must not be done
+    [[nodiscard]] std::optional<Failure> Ask(const std::string& question, std::string nobody,
+                                             std::string hint);
 
 private:
     [[nodiscard]] bool Agrees();

@@ -99,9 +99,9 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
     const Clock& clock = sensor.session.GetClock();
     for (run.Tick(command); !run.IsOver(); run.Tick(command)) {
         const bool isCancelling = run.GetState() == CalibrationRun::State::Cancelling;
-        context.output.Progress(isCancelling ? "Cancelling the calibration"
-                                             : "[" + std::to_string(run.ProgressPercent()) +
-                                                   " %] calibrating; do not move the receiver");
+        context.output.Progress(
+            Worded(isCancelling ? text::kProgressCancels : text::kProgressCalibrates,
+                   {std::to_string(run.ProgressPercent())}));
         if (isCancelling) {
             clock.Sleep(CalibrationRun::kInterval);
         } else {
@@ -126,7 +126,7 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
     return WithSensor(context, options, [&](Sensor& sensor) {
         Report report;
         if (context.dryRun) {
-            report.Add("outcome", Worded(text::kLabelOutcome),
+            report.Add("outcome", text::kLabelOutcome,
                        Value::Word("not-started", Worded(text::kWordNotStarted)));
             AddTilt(report, sensor.session.Command().Heard());
             return context.output.Done(report);
@@ -142,7 +142,7 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
         }
         sensor.tilt.Refresh();
         const bool isDone = run.GetState() == CalibrationRun::State::Done;
-        report.Add("outcome", Worded(text::kLabelOutcome),
+        report.Add("outcome", text::kLabelOutcome,
                    Value::Word(isDone ? "completed" : "failed", isDone ? "completed" : "failed"));
         AddTilt(report, sensor.session.Command().Heard());
         if (isDone) {
@@ -160,8 +160,8 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
 /// Tells the receiver a setting of its sensor.
 /// @param keep  stores it here once the receiver has it; 0 if it could not be stored. Null: only
 ///              the receiver keeps it.
-ExitCode Send(const Context& context, const TiltOptions& options, const char* key,
-              const char* label, Value value, const std::function<int(CCommand&)>& send,
+ExitCode Send(const Context& context, const TiltOptions& options, const char* key, int label,
+              Value value, const std::function<int(CCommand&)>& send,
               const std::function<int(const CReg&)>& keep)
 {
     return WithSensor(context, options, [&](Sensor& sensor) {
@@ -170,7 +170,7 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
         if (!context.dryRun && send(sensor.session.Command()) == 0) {
             return context.output.Failed(sensor.session.RequestFailed());
         }
-        report.Add("sent", Worded(text::kLabelSent), Value::YesNo(!context.dryRun));
+        report.Add("sent", text::kLabelSent, Value::YesNo(!context.dryRun));
         const bool isKept = keep != nullptr;
         if (!context.dryRun && isKept && keep(sensor.reg) == 0) {
             return context.output.Failed(
@@ -183,7 +183,7 @@ ExitCode Send(const Context& context, const TiltOptions& options, const char* ke
 ExitCode SetExpiry(const Context& context, const TiltOptions& options)
 {
     return Send(
-        context, options, "expiryHours", "valid for", Value::Integer(options.hours, "h"),
+        context, options, "expiryHours", text::kFieldExpiry, Value::Integer(options.hours, "h"),
         [&](CCommand& command) {
             return command.SetTiltValidity(static_cast<std::uint16_t>(options.hours));
         },
@@ -194,7 +194,8 @@ ExitCode SetSpeed(const Context& context, const TiltOptions& options)
 {
     const int viscosity = options.speed == "fast" ? 0 : options.speed == "medium" ? 1 : 2;
     return Send(
-        context, options, "speed", "speed", Value::Text(options.speed),
+        context, options, "speed", text::kLabelSpeed,
+        Value::Word(options.speed, Translated(options.speed)),
         [&](CCommand& command) { return command.SetTiltSpeed(viscosity); },
         [&](const CReg& reg) { // nobody can ask the receiver for it
             eBubbleConfig::LoadBubbleData(reg);
@@ -212,46 +213,38 @@ Command AddTiltCommand(CLI::App& program)
         return [options, act](const Context& context) { return act(context, *options); };
     };
     const auto addSetting = [options](CLI::App& parser) {
-        AddDryRun(parser, "Send nothing and store nothing");
+        AddDryRun(parser, text::kOptTiltDry);
         options->port.AddTo(parser);
     };
-    return AddCommands(
-        program,
-        {"tilt", "The tilt sensor: reading, calibration and its settings", nullptr, {}, {}},
-        {{"show", "How the sensor leans, and how its calibration is",
-          "  fieldcore-cli tilt show --port /dev/ttyUSB0\n"
-          "  fieldcore-cli tilt show --port sim:tilted --watch            five times a second\n"
-          "  fieldcore-cli tilt show --port sim:tilted --watch 1 --json   a document a second\n",
-          [options](CLI::App& parser) {
-              options->watch.AddTo(parser, 0.2);
-              options->port.AddTo(parser);
-          },
-          doing(Show)},
-         {"calibrate", "Calibrate the sensor: the receiver must stand level",
-          "  fieldcore-cli tilt calibrate --port /dev/ttyUSB0             asks first\n"
-          "  fieldcore-cli tilt calibrate --port sim:tilted --yes --speed 20\n",
-          [options](CLI::App& parser) {
-              AddConsent(parser, options->yes, "Start nothing, show how the sensor is");
-              options->port.AddTo(parser);
-          },
-          doing(Calibrate)},
-         {"expiry", "Set how long a calibration is valid",
-          "  fieldcore-cli tilt expiry 720 --port /dev/ttyUSB0\n",
-          [=](CLI::App& parser) {
-              AddNumber(parser, "HOURS", options->hours, {1.0, 30000.0, "h"}, "", "How long")
-                  ->required();
-              addSetting(parser);
-          },
-          doing(SetExpiry)},
-         {"speed", "Set how fast the sensor's output follows",
-          "  fieldcore-cli tilt speed medium --port /dev/ttyUSB0\n",
-          [=](CLI::App& parser) {
-              AddWord(parser, "SPEED", options->speed, {"fast", "medium", "slow"}, "",
-                      "fast, medium or slow")
-                  ->required();
-              addSetting(parser);
-          },
-          doing(SetSpeed)}});
+    return AddCommands(program, {"tilt", text::kHelpTilt, {}, {}},
+                       {{"show", text::kHelpTiltShow,
+                         [options](CLI::App& parser) {
+                             options->watch.AddTo(parser, 0.2);
+                             options->port.AddTo(parser);
+                         },
+                         doing(Show)},
+                        {"calibrate", text::kHelpTiltCalibrate,
+                         [options](CLI::App& parser) {
+                             AddConsent(parser, options->yes, text::kOptCalibrateDry);
+                             options->port.AddTo(parser);
+                         },
+                         doing(Calibrate)},
+                        {"expiry", text::kHelpTiltExpiry,
+                         [=](CLI::App& parser) {
+                             AddNumber(parser, "HOURS", options->hours, {1.0, 30000.0, "h"}, "",
+                                       text::kOptHowLong)
+                                 ->required();
+                             addSetting(parser);
+                         },
+                         doing(SetExpiry)},
+                        {"speed", text::kHelpTiltSpeed,
+                         [=](CLI::App& parser) {
+                             AddWord(parser, "SPEED", options->speed, {"fast", "medium", "slow"},
+                                     "", text::kOptTiltSpeed)
+                                 ->required();
+                             addSetting(parser);
+                         },
+                         doing(SetSpeed)}});
 }
 
 } // namespace fieldcore::cli

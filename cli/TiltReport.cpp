@@ -1,6 +1,9 @@
 #include "cli/TiltReport.h"
 
 #include "cli/StatusReading.h"
+#include "cli/Wording.h"
+
+#include "core/resources/StringTable.h"
 
 #include <array>
 
@@ -36,7 +39,8 @@ std::string TiltLine(const Receiver& receiver)
 
 std::string TiltHeader()
 {
-    return LineOf("STATE", "TILT", "FIRST COMPONENT", "SECOND COMPONENT", "CALIBRATION");
+    return LineOf(Worded(text::kHeadState), Worded(text::kHeadTilt), Worded(text::kHeadTilt1),
+                  Worded(text::kHeadTilt2), Worded(text::kHeadCalibration));
 }
 
 } // namespace fieldcore::cli

@@ -36,14 +36,12 @@ Report ReportOf(const StatusReader& reader, bool isSet)
         return ReportField(FieldOf(key), reader.Reading(), reader.View());
     };
     Report report;
-    report.Add("receiverUtc", Worded(text::kLabelReceiver), field("utc"));
+    report.Add("receiverUtc", text::kLabelReceiver, field("utc"));
     report.Add("receiverJst", "", field("jst"));
-    report.Add("controllerUtc", Worded(text::kLabelController), UtcValue(reader.View().utc));
-    report.Add("controllerAheadS", Worded(text::kLabelControllerAheadBy),
-               field("controllerAheadS"));
-    report.Add("synchronised", Worded(text::kLabelTimeCanBeTrusted),
-               Value::YesNo(CanBeTrusted(reader)));
-    report.Add("set", Worded(text::kLabelControllersClockSet), Value::YesNo(isSet));
+    report.Add("controllerUtc", text::kLabelController, UtcValue(reader.View().utc));
+    report.Add("controllerAheadS", text::kLabelControllerAheadBy, field("controllerAheadS"));
+    report.Add("synchronised", text::kLabelTimeCanBeTrusted, Value::YesNo(CanBeTrusted(reader)));
+    report.Add("set", text::kLabelControllersClockSet, Value::YesNo(isSet));
     return report;
 }
 
@@ -68,12 +66,6 @@ Failure NotPermitted(const std::string& cause)
             Worded(text::kSayClockHint)};
 }
 
-bool Agrees(TerminalHost& host, const std::string& question)
-{
-    return host.ShowMessage(FromUtf8(question), L"", {BoxButtons::YesNo, BoxIcon::Question}) ==
-           BoxAnswer::Yes;
-}
-
 ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& host,
              PortSession& session)
 {
@@ -90,8 +82,10 @@ ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& h
         context.output.Note(Worded(text::kSayClockWould, {time}));
         return context.output.Done(report);
     }
-    if (!options.yes && !Agrees(host, Worded(text::kSayClockAsk, {time}))) {
-        return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""), &report);
+    if (!options.yes) {
+        if (const auto failure = host.Ask(Worded(text::kSayClockAsk, {time}), "", "")) {
+            return context.output.Failed(*failure, &report);
+        }
     }
     // The question may have waited for long.
     if (const std::optional<Failure> failure = reader.Read()) {
@@ -143,22 +137,18 @@ ExitCode Run(const Context& context, const TimeOptions& options)
 Command AddTimeCommand(CLI::App& program)
 {
     const auto options = std::make_shared<TimeOptions>();
-    return AddCommand(
-        program,
-        {"time", "The receiver's time against this controller's",
-         "  fieldcore-cli time --port /dev/ttyUSB0                 how far they are apart\n"
-         "  fieldcore-cli time --port /dev/ttyUSB0 --set --dry-run what would be set\n"
-         "  sudo fieldcore-cli time --port /dev/ttyUSB0 --set      asks, then sets the clock\n",
-         [options](CLI::App& parser) {
-             CLI::Option* const set = parser.add_flag("--set", options->set,
-                                                      "Set the controller's clock by the receiver");
-             AddConsent(parser, options->yes, "Set nothing, show what would be");
-             for (const char* name : {"--yes", "--dry-run"}) {
-                 parser.get_option(name)->needs(set);
-             }
-             options->port.AddTo(parser);
-         },
-         [options](const Context& context) { return Run(context, *options); }});
+    return AddCommand(program,
+                      {"time", text::kHelpTime,
+                       [options](CLI::App& parser) {
+                           CLI::Option* const set =
+                               AddFlag(parser, "--set", options->set, text::kOptSetClock);
+                           AddConsent(parser, options->yes, text::kOptClockDry);
+                           for (const char* name : {"--yes", "--dry-run"}) {
+                               parser.get_option(name)->needs(set);
+                           }
+                           options->port.AddTo(parser);
+                       },
+                       [options](const Context& context) { return Run(context, *options); }});
 }
 
 } // namespace fieldcore::cli

@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/Utf8.h"
 #include "cli/Wording.h"
 
@@ -62,11 +63,42 @@ const char* KindCode(Kind kind)
     return "stray";
 }
 
+std::string NameOf(const DescribedBytes& bytes)
+{
+    return IsEnglish() || bytes.title.empty() ? Translated(bytes.name) : bytes.title;
+}
+
+/// Several meanings, or a name behind its number.
+std::string EachTranslated(const std::string& english, std::string_view separator)
+{
+    std::string words = Translated(english);
+    const std::size_t at = english.find(separator);
+    if (words == english && at != std::string::npos) {
+        words = Translated(english.substr(0, at)) + std::string(separator) +
+                EachTranslated(english.substr(at + separator.size()), separator);
+    }
+    return words;
+}
+
+std::string NameWords(const DescribedField& field)
+{
+    return EachTranslated(field.name, ". ");
+}
+
+/// With the unit in the language of the run.
+std::string ValueWords(const Value& value)
+{
+    const std::string all = value.Words();
+    const std::string words = all.starts_with('(') ? Translated(all) : all; // not the receiver's
+    const std::string& unit = value.Unit();
+    return unit.empty() ? words : words.substr(0, words.size() - unit.size()) + Translated(unit);
+}
+
 std::string KindWords(const DescribedBytes& bytes)
 {
     switch (bytes.kind) {
     case Kind::Frame:
-        return HexByte(*bytes.type) + " " + bytes.name;
+        return HexByte(*bytes.type) + " " + NameOf(bytes);
     case Kind::Ack:
         return "ACK";
     case Kind::Nak:
@@ -74,14 +106,14 @@ std::string KindWords(const DescribedBytes& bytes)
     case Kind::Break:
         return "BREAK";
     case Kind::Line:
-        return "line of text";
+        return Worded(text::kTraceLine);
     case Kind::Piece:
-        return "piece of a frame" +
-               (bytes.type ? ", " + HexByte(*bytes.type) + " " + bytes.name : std::string());
+        return Worded(text::kTracePiece) +
+               (bytes.type ? ", " + HexByte(*bytes.type) + " " + NameOf(bytes) : std::string());
     case Kind::Stray:
         break;
     }
-    return "bytes that are no frame";
+    return Worded(text::kTraceStray);
 }
 
 Value Checksum(const DescribedBytes& bytes)
@@ -90,9 +122,10 @@ Value Checksum(const DescribedBytes& bytes)
         return Value::Unknown();
     }
     return bytes.checksumGood
-               ? Value::Word("good", "checksum good")
-               : Value::Word("bad", "checksum BAD: " + HexByte(bytes.checksum) + ", should be " +
-                                        HexByte(bytes.expectedChecksum));
+               ? Value::Word("good", Worded(text::kTraceChecksumGood))
+               : Value::Word("bad",
+                             Worded(text::kTraceChecksumBad,
+                                    {HexByte(bytes.checksum), HexByte(bytes.expectedChecksum)}));
 }
 
 /// The time at the start of a log line, minutes and seconds of an hour; empty if there is none, or
@@ -116,20 +149,18 @@ Report ReportOf(std::int64_t line, const std::string& time, Direction direction,
                 const DescribedBytes& bytes)
 {
     Report report;
-    report.Add("line", Worded(text::kLabelLine), Value::Integer(line));
-    report.Add("time", Worded(text::kLabelTime),
-               time.empty() ? Value::Unknown() : Value::Text(time));
-    report.Add("direction", Worded(text::kLabelDirection),
+    report.Add("line", text::kLabelLine, Value::Integer(line));
+    report.Add("time", text::kLabelTime, time.empty() ? Value::Unknown() : Value::Text(time));
+    report.Add("direction", text::kLabelDirection,
                Value::Text(std::string(direction == Direction::Sent ? "Tx" : "Rx")));
-    report.Add("kind", Worded(text::kLabelKind),
-               Value::Word(KindCode(bytes.kind), KindWords(bytes)));
-    report.Add("type", Worded(text::kLabelType),
+    report.Add("kind", text::kLabelKind, Value::Word(KindCode(bytes.kind), KindWords(bytes)));
+    report.Add("type", text::kLabelType,
                bytes.type ? Value::Text(HexByte(*bytes.type)) : Value::Unknown());
-    report.Add("name", Worded(text::kLabelName), Value::Text(bytes.name));
-    report.Add("length", Worded(text::kLabelLength),
+    report.Add("name", text::kLabelName, Value::Text(bytes.name));
+    report.Add("length", text::kLabelLength,
                Value::Integer(static_cast<std::int64_t>(bytes.length), "bytes"));
-    report.Add("checksum", Worded(text::kLabelChecksum), Checksum(bytes));
-    report.Add("fault", Worded(text::kLabelFault), Value::Text(bytes.fault));
+    report.Add("checksum", text::kLabelChecksum, Checksum(bytes));
+    report.Add("fault", text::kLabelFault, Value::Text(bytes.fault));
     Report::Table table{
         "fields",
         "",
@@ -148,14 +179,16 @@ std::string FieldWords(const std::vector<DescribedField>& fields)
 {
     std::size_t nameWidth = 0;
     for (const DescribedField& field : fields) {
-        nameWidth = std::max(nameWidth, DisplayWidth(field.name));
+        nameWidth = std::max(nameWidth, DisplayWidth(NameWords(field)));
     }
     std::string text;
     for (const DescribedField& field : fields) {
         const std::string offset = std::to_string(field.offset);
         text += std::string(offset.size() < 7 ? 7 - offset.size() : 0, ' ') + offset + "  " +
-                Padded(field.name, nameWidth + 2) + field.value.Words();
-        text += field.meaning.empty() ? "" : "  (" + Printable(field.meaning) + ")";
+                Padded(NameWords(field), nameWidth + 2) + ValueWords(field.value);
+        text += field.meaning.empty()
+                    ? ""
+                    : "  (" + Printable(EachTranslated(field.meaning, ", ")) + ")";
         text += "\n";
     }
     return text;
@@ -190,7 +223,7 @@ public:
             if (direction == Direction::Sent) {
                 m_awaitsLine = isLine;
             } else if (isLine && !m_awaitsLine) {
-                bytes.fault = "no line of text was sent before it";
+                bytes.fault = Worded(text::kTraceNoLineBefore);
             }
             Tell(direction, bytes);
         }
@@ -199,24 +232,22 @@ public:
     /// @param failure  why not all of the log was read, if so
     ExitCode Finish(const std::optional<Failure>& failure)
     {
-        m_report.Add("exchanged", Worded(text::kLabelExchanged), Value::Integer(m_told));
-        m_report.Add("faults", Worded(text::kLabelFaults), Value::Integer(m_faults));
-        m_report.Add("damagedLines", Worded(text::kLabelDamagedLines),
-                     Value::Integer(m_damagedLines));
+        m_report.Add("exchanged", text::kLabelExchanged, Value::Integer(m_told));
+        m_report.Add("faults", text::kLabelFaults, Value::Integer(m_faults));
+        m_report.Add("damagedLines", text::kLabelDamagedLines, Value::Integer(m_damagedLines));
         if (failure) {
             return m_context.output.Failed(*failure,
                                            m_context.output.IsJson() ? &m_report : nullptr);
         }
         if (m_told == 0) {
             return m_context.output.Failed(
-                FileFailure("There is no line of an exchange log in it.",
-                            "Lines look like this: 00:1.000 Rcvr Tx [02 00 08 00 08 03 ]"),
+                FileFailure(Worded(text::kSayNoExchange), Worded(text::kSayNoExchangeHint)),
                 m_context.output.IsJson() ? &m_report : nullptr);
         }
         const ExitCode code = m_context.output.Done(m_report, "");
-        m_context.output.Note("Exchanged: " + std::to_string(m_told) +
-                              ", with a fault: " + std::to_string(m_faults) +
-                              ", damaged lines: " + std::to_string(m_damagedLines) + ".");
+        m_context.output.Note(
+            Worded(text::kSayExchanged, {std::to_string(m_told), std::to_string(m_faults),
+                                         std::to_string(m_damagedLines)}));
         return code;
     }
 
@@ -231,15 +262,15 @@ private:
     {
         if (m_context.output.IsJson()) {
             Report entry;
-            entry.Add("line", Worded(text::kLabelLine), Value::Integer(m_line));
-            entry.Add("kind", Worded(text::kLabelKind), Value::Text(std::string("damaged-line")));
-            entry.Add("fault", Worded(text::kLabelFault), Value::Text(error));
+            entry.Add("line", text::kLabelLine, Value::Integer(m_line));
+            entry.Add("kind", text::kLabelKind, Value::Text(std::string("damaged-line")));
+            entry.Add("fault", text::kLabelFault, Value::Text(error));
             m_report.AddEntry("entries", std::move(entry));
             return;
         }
         *m_context.world.out << LineNumber()
-                             << m_context.output.Painted("damaged line: ", Colour::Red)
-                             << Printable(error) << "\n";
+                             << m_context.output.Painted(Worded(text::kTraceDamaged), Colour::Red)
+                             << Printable(Translated(error)) << "\n";
     }
 
     void Tell(Direction direction, const DescribedBytes& bytes)
@@ -252,15 +283,15 @@ private:
         }
         std::string text = LineNumber() + (m_time.empty() ? "" : Padded(m_time, 9) + "  ") +
                            (direction == Direction::Sent ? "Tx  " : "Rx  ") + KindWords(bytes) +
-                           ", " + std::to_string(bytes.length) +
-                           (bytes.length == 1 ? " byte" : " bytes");
+                           Worded(bytes.length == 1 ? text::kTraceByte : text::kTraceBytes,
+                                  {std::to_string(bytes.length)});
         if (bytes.kind == Kind::Frame) {
             text +=
                 ", " + m_context.output.Painted(Checksum(bytes).Words(),
                                                 bytes.checksumGood ? Colour::Plain : Colour::Red);
         }
         if (!bytes.fault.empty()) {
-            text += "; " + m_context.output.Painted(bytes.fault, Colour::Red);
+            text += "; " + m_context.output.Painted(Translated(bytes.fault), Colour::Red);
         }
         *m_context.world.out << text << "\n" << (m_brief ? "" : FieldWords(bytes.fields));
     }
@@ -293,12 +324,12 @@ std::optional<Failure> Read(const Context& context, std::istream& in, const std:
         tracer.Take({buffer.data(), static_cast<std::size_t>(in.gcount() - terminator)});
         ++lines;
     }
-    const std::string next = "line " + std::to_string(lines + 1);
+    const std::string next = std::to_string(lines + 1);
     if (World::HasFailed(in)) {
-        return FileFailure(name + " cannot be read from " + next + " on.");
+        return FileFailure(Worded(text::kSayReadTo, {name, next}));
     }
     if (in.fail() && !in.eof()) {
-        return FileFailure(name + " is no exchange log: " + next + " is longer than any of a log.");
+        return FileFailure(Worded(text::kSayLineTooLong, {name, next}));
     }
     return std::nullopt;
 }
@@ -311,16 +342,15 @@ ExitCode Run(const Context& context, const TraceOptions& options)
         file.open(options.file, std::ios::binary);
         // A folder opens and cannot be read.
         if (!file || (file.peek() == std::ifstream::traits_type::eof() && file.bad())) {
-            return context.output.Failed(
-                FileFailure("The log " + options.file + " cannot be read.",
-                            "Name a file that --log or sim run --record has written."));
+            return context.output.Failed(FileFailure(Worded(text::kSayNotRead, {options.file}),
+                                                     Worded(text::kSayTraceHint)));
         }
         file.clear();
     }
     Tracer tracer(context, options.brief);
-    const std::optional<Failure> failure =
-        fromStdin ? Read(context, *context.world.in, "stdin", tracer)
-                  : Read(context, file, "The log " + options.file, tracer);
+    const std::optional<Failure> failure = fromStdin
+                                               ? Read(context, *context.world.in, "stdin", tracer)
+                                               : Read(context, file, options.file, tracer);
     return context.world.StopRequested()
                ? context.output.Failed(RequestFailure(CommandFault::Cancelled, ""))
                : tracer.Finish(failure);
@@ -330,15 +360,10 @@ ExitCode Run(const Context& context, const TraceOptions& options)
 
 Command AddTraceCommand(CLI::App& program)
 {
-    CLI::App& parser =
-        AddParser(program, "trace", "Show an exchange log, field by field",
-                  "  fieldcore-cli info --port COM1 --log exchange.log   keep what is said\n"
-                  "  fieldcore-cli trace exchange.log                    and look at it\n"
-                  "  fieldcore-cli trace exchange.log --brief            a line for each frame\n"
-                  "  fieldcore-cli trace - < exchange.log                from stdin\n");
+    CLI::App& parser = AddParser(program, "trace", text::kHelpTrace);
     auto options = std::make_shared<TraceOptions>();
-    parser.add_option("file", options->file, "The log; - is stdin")->required()->type_name("FILE");
-    parser.add_flag("--brief", options->brief, "Leave the fields out");
+    AddText(parser, "file", options->file, "FILE", text::kOptTrace)->required();
+    AddFlag(parser, "--brief", options->brief, text::kOptBrief);
     return {&parser, [options](const Context& context) { return Run(context, *options); }};
 }
 

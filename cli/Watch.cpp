@@ -2,6 +2,8 @@
 
 #include "cli/Options.h"
 
+#include "core/resources/StringTable.h"
+
 #include <algorithm>
 #include <chrono>
 #include <ostream>
@@ -12,11 +14,9 @@ void WatchOptions::AddTo(CLI::App& command, double usualS)
 {
     intervalS = usualS;
     const Limits limits{0.1, 86400.0, "s", usualS < 1.0 ? "0.2" : "2"};
-    watch = AddNumber(command, "--watch", intervalS, limits, "[SECONDS]",
-                      "Again and again, until Ctrl-C: every so often")
+    watch = AddNumber(command, "--watch", intervalS, limits, "[SECONDS]", text::kOptWatch)
                 ->expected(0, 1);
-    AddNumber(command, "--count", count, {1.0, 1e6}, "N", "End the watch after so many readings")
-        ->needs(watch);
+    AddNumber(command, "--count", count, {1.0, 1e6}, "N", text::kOptCount)->needs(watch);
 }
 
 bool WatchOptions::IsWanted() const

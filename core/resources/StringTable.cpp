@@ -52,10 +52,15 @@ std::optional<Language> LanguageNamed(std::string_view name)
 
 const wchar_t* Text(int id)
 {
+    return Text(id, language);
+}
+
+const wchar_t* Text(int id, Language wantedLanguage)
+{
     const auto* entry = std::lower_bound(std::begin(kEntries), std::end(kEntries), id,
                                          [](const Entry& e, int wanted) { return e.id < wanted; });
     return entry != std::end(kEntries) && entry->id == id
-               ? entry->texts[static_cast<std::size_t>(language.load())]
+               ? entry->texts[static_cast<std::size_t>(wantedLanguage)]
                : L"";
 }
 

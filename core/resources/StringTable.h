@@ -33,6 +33,8 @@ inline constexpr const char* kLanguageVariable = "FIELDCORE_LANGUAGE";
 
 /// @return the text under @p id in the current language; empty if there is none. Any thread.
 [[nodiscard]] const wchar_t* Text(int id);
+/// The same in a language of its own.
+[[nodiscard]] const wchar_t* Text(int id, Language language);
 
 /// What fills a place of a format: a whole number, one with decimals, or a text, which has to live
 /// for as long as the call.

@@ -88,7 +88,7 @@ TEST(Info, ExplainsItsDecision)
         {"old firmware: the lowest that is supported", "old-firmware", 5, "2.03"},
         {"unsupported type: its number", "unsupported", 5,
          "This software does not support the receiver [ 2040 ]."},
-        {"nobody answers: the step", "silent", 4, "asking for its status"},
+        {"nobody answers: the step", "silent", 4, "Asking the receiver for its status"},
     };
     Runner runner;
     for (const Row& row : rows) {

@@ -1,15 +1,21 @@
 // What docs/cli.md shows is what the program says. Each block of it that begins with a command is
-// run, on a machine of the test's own whose date stands still.
+// run, on a machine of the test's own whose date stands still; and it is run in Japanese, in which
+// no English is left.
 
+#include "cli/Wording.h"
+#include "core/link/FrameLayouts.h"
+#include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
 #include "tests/cli/Runner.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -203,6 +209,147 @@ TEST_P(ExamplesTest, ShowWhatTheProgramSays)
         EXPECT_EQ(outcome.code, example.code);
         const std::string folder = m_runner.Folder().Path().string();
         EXPECT_EQ(Comparable(outcome.out, folder), Comparable(example.shown, folder));
+    }
+}
+
+const std::vector<std::string> kNothing;
+
+/// Words of English in what a Japanese run says. What was typed, examples of commands, options,
+/// paths, files and what is quoted are none, nor are units and names.
+std::vector<std::string> EnglishIn(const std::string& said, const std::string& typed = {})
+{
+    static const std::set<std::string> kNames{
+        "Aldex",   "Baudlate",  "Bessel",  "Bluetooth", "Conditions", "Corvane", "Ctrl-C",
+        "Flow",    "Galileo",   "Gothic",  "Lark",      "Length",     "Linux",   "Parity",
+        "Pica",    "Ports",     "Rcvr",    "Stopbit",   "SurveyPlan", "bessel",  "deg",
+        "dialout", "fieldcore", "galileo", "glonass",   "number",     "qzss",    "rad",
+        "sqrt",    "text",      "today",   "tomorrow",  "Meridian",   "Solace"};
+    static const std::regex kTyped(
+        R"re((?:sudo )?fieldcore-cli [ -~]*|sim run|[\w-]+ ではありませんか|シナリオ：[^\n]*|--?[a-z][\w-]*|\S*[/\\]\S*|\w[\w-]*\.\w+|sim:\S*|"[^"\n]*")re");
+    static const std::regex kWord("[A-Za-z][A-Za-z'-]*");
+    const std::string text = std::regex_replace(said, kTyped, "|");
+    std::vector<std::string> found;
+    for (std::sregex_iterator at(text.begin(), text.end(), kWord), end; at != end; ++at) {
+        const std::string word = at->str();
+        const bool isShort = !std::regex_search(word, std::regex("[a-z]{3}")); // a unit, a code
+        if (!isShort && !kNames.contains(word) && typed.find(word) == std::string::npos) {
+            found.push_back(word);
+        }
+    }
+    return found;
+}
+
+TEST_P(ExamplesTest, SayNoEnglishInJapanese)
+{
+    m_runner.variables["FIELDCORE_LANGUAGE"] = "ja";
+    for (const Example& example : GetParam().examples) {
+        const bool isProgram = example.command.find_first_of("<>|;") != std::string::npos ||
+                               example.command.find(" -- ") != std::string::npos;
+        if (isProgram || example.command.find("--json") != std::string::npos ||
+            !example.command.starts_with("fieldcore-cli")) {
+            continue;
+        }
+        const Outcome outcome = RunHere(example.command);
+        std::string said = outcome.out;
+        for (const auto& [name, title] : simulator::ShippedScenarios()) {
+            said = std::regex_replace(said, std::regex("(^|\n)" + name + "  "), "\n");
+        }
+        EXPECT_EQ(EnglishIn(said, example.command), kNothing) << outcome.out;
+    }
+}
+
+/// The pages of help of a command and of those below it.
+void ExpectJapaneseHelp(Runner& runner, const std::string& command)
+{
+    static const std::regex kPair("[a-z]{2,} [a-z]{2,}"); // names of options stand alone
+    const Outcome outcome = runner.Run(command + " --help");
+    ASSERT_EQ(outcome.code, 0) << command;
+    const std::string text = std::regex_replace(
+        outcome.out, std::regex(R"((?:sudo )?fieldcore-cli [ -~]*|  [a-z-]+  |--?[a-z]+|sim:)"),
+        "|");
+    std::smatch pair;
+    EXPECT_FALSE(std::regex_search(text, pair, kPair)) << command << ": " << pair.str();
+    const std::string_view list("\nコマンド:\n");
+    const std::size_t at = outcome.out.find(list);
+    std::istringstream lines(at == std::string::npos ? "" : outcome.out.substr(at + list.size()));
+    for (std::string line; std::getline(lines, line);) {
+        ExpectJapaneseHelp(runner, command + " " + line.substr(2, line.find(' ', 2) - 2));
+    }
+}
+
+TEST(Japanese, HasEveryFieldOfATrace)
+{
+    SetLanguage(Language::Japanese);
+    const auto expect = [](std::string_view words) {
+        EXPECT_EQ(EnglishIn(Translated(std::string(words))), kNothing) << words;
+    };
+    for (const FrameLayout& layout : FrameLayouts()) {
+        EXPECT_FALSE(layout.title.empty()) << layout.name;
+        for (const auto& fields : {layout.fields, layout.record}) {
+            for (const FieldLayout& field : fields) {
+                expect(field.name);
+                expect(field.unit);
+                std::for_each(field.meanings.begin(), field.meanings.end(),
+                              [&](const Meaning& meaning) { expect(meaning.words); });
+            }
+        }
+    }
+    SetLanguage(Language::English);
+}
+
+TEST(Japanese, IsTheLanguageOfHelpAndOfFailures)
+{
+    Runner runner;
+    runner.variables["FIELDCORE_LANGUAGE"] = "ja";
+    ExpectJapaneseHelp(runner, "");
+    static_cast<void>(runner.Folder().Write("bad.txt", "1 2 3\n"));
+    for (const char* const typed : {"bogus",
+                                    "almanac show",
+                                    "info --baud abc --port sim:",
+                                    "info --port sim: --count 2",
+                                    "reset --yes --dry-run",
+                                    "info --port",
+                                    "info -- x",
+                                    "sim run --",
+                                    "info --language xx",
+                                    "info --port COM300",
+                                    "info --port @/",
+                                    "info --port sim:nosuch",
+                                    "info --port sim:silent --timeout 0.1",
+                                    "settings get Plan Nope",
+                                    "settings set Plan X zz --type binary",
+                                    "settings import @/bad.txt",
+                                    "settings export @/nosuch/x",
+                                    "settings delete Plan",
+                                    "ports set 1 abc --port sim:",
+                                    "files ls nosuch --port sim:",
+                                    "files rm * --port sim:",
+                                    "plan --site nosuch",
+                                    "plan --at 1",
+                                    "plan --date 1970-01-01",
+                                    "plan --curtain @/bad.txt",
+                                    "plan --min-sv 5",
+                                    "plan best --min-sv 12 --max-pdop 1",
+
+                                    "almanac show --date 1980-01-06",
+                                    "almanac import @/bad.txt",
+                                    "signal set l5 none",
+                                    "antenna set --type 99",
+                                    "antenna set --height 200",
+                                    "antenna set --from @/bad.txt",
+                                    "check number 5x",
+                                    "geo ecef 99 1",
+                                    "geo ecef 35:70:00 1",
+                                    "geo geodetic 0 0 0",
+                                    "geo plane 35 139 --zone 16",
+                                    "geo angle",
+                                    "trace @/bad.txt",
+                                    "trace @/nosuch"}) {
+        SCOPED_TRACE(typed);
+        runner.world.serialGroup = [] { return World::SerialGroup{"dialout", false, false}; };
+        const Outcome outcome = runner.Run(typed);
+        EXPECT_NE(outcome.code, 0);
+        EXPECT_EQ(EnglishIn(outcome.out + outcome.err, typed), kNothing) << outcome.err;
     }
 }
 

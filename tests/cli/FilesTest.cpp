@@ -242,7 +242,7 @@ TEST_F(FilesTest, SaysWhatItWouldDeleteForGood)
     const auto asked = outcome.err.find("Delete 6 files (A0314A00.Q02, A0314B00.Q02, A0317A00.Q02 "
                                         "and 3 more), ");
     EXPECT_NE(asked, std::string::npos) << outcome.err;
-    EXPECT_NE(outcome.err.find("6 of them were never fetched to this machine"), std::string::npos)
+    EXPECT_NE(outcome.err.find("6 of them have not been fetched"), std::string::npos)
         << outcome.err;
 }
 

@@ -190,7 +190,7 @@ TEST(Geo, SaysWhatIsOutOfRange)
         std::string told;
     };
     const Row rows[] = {
-        {"ecef 90.001 0", "-90 to 90 degrees"},
+        {"ecef 90.001 0", "-90 to 90 deg"},
         {"ecef 0 361", "360"},
         {"ecef 0 0 -100001", "-100000 to 100000000 m"},
         {"ecef 0 0 nan", "no number"},

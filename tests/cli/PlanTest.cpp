@@ -226,7 +226,7 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
         {"plan --from 25", 2, "25"},
         {"plan --from -1", 2, "-1"},
         {"plan --hours 0", 2, "0"},
-        {"plan --date 2022-02-30", 2, "--date 2026-11-21"},
+        {"plan --date 2022-02-30", 2, "2026-11-21, today"},
         {"plan --date 1980-01-05", 2, "1980-01-07"},
         {"plan --days 400", 2, "400"},
         {"plan --site Atlantis", 2, "plan sites"},
