@@ -111,7 +111,6 @@ void Session::ConnectAtStart()
 bool Session::MayEnd()
 {
     const bool isConnected = m_controller.Link().State() == LinkState::Connected;
-    const ReceiverLink::Hold hold(m_controller.Link());
     if (!CPrgEndMes::MayEnd(isConnected ? &m_controller.Command() : nullptr, m_window.get())) {
         return false;
     }
@@ -194,7 +193,6 @@ void Session::ShowFiles()
     if (!isOpen && !Connect(m_window.get())) {
         return; // there is nothing to list
     }
-    const ReceiverLink::Hold hold(m_controller.Link());
     CRecvFileMan sheet(&m_controller.Command(), 0, nullptr,
                        FilesWorld(m_controller, m_window.get()), m_window.get());
     sheet.DoModal();
@@ -202,7 +200,6 @@ void Session::ShowFiles()
 
 void Session::ChoosePort()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     PortChooserDlg chooser(m_controller.Ports(), Scenarios(), m_controller.Choice(), {},
                            m_window.get());
     if (chooser.DoModal() == Dialog::kOk) {
@@ -239,7 +236,6 @@ void Session::Use(const ConnectChoice& choice)
 
 void Session::ChangeAntenna()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     const AntennaSettings& antenna = m_controller.Antenna();
     CAntenna dialog(&m_controller.Command(), 0, 0,
                     {m_controller.ProgramFolder(), &m_controller.Roots()}, m_window.get());
@@ -251,10 +247,13 @@ void Session::ChangeAntenna()
 
 void Session::ChangePorts()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     CComPort sheet(&m_controller.Command(), m_controller.ReceiverPort(), UiText(text::kComTitle),
                    m_window.get(), CComPort::kLastPage, PortsWorld(m_controller));
-    if (sheet.DoModal() != Dialog::kOk || !sheet.IsLinkChanged()) {
+    const int result = sheet.DoModal();
+    if (result == CComPort::kConnected) {
+        ChangePorts();
+    }
+    if (result != Dialog::kOk || !sheet.IsLinkChanged()) {
         return;
     }
     if (const int told = m_controller.FollowLink(sheet.Edit()); told != 0) {
