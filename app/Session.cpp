@@ -87,7 +87,7 @@ void Session::Begin()
     m_window->resize(m_controller.Host().IsQ77() ? kTall : kHandheld);
     FitOnScreen(*m_window);
     m_window->show();
-    if (!TouchStyle::CanDrawJapanese()) {
+    if (m_controller.Options().language == Language::Japanese && !TouchStyle::CanDrawJapanese()) {
         CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kNoFontCaption);
     }
     if (const QString notice = m_controller.TakeNotice(); !notice.isEmpty()) {

@@ -16,7 +16,6 @@
 #include "core/tilt/TrackingSettings.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
-#include "tests/core/equipment/KnownReceiver.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/controls/RandomHands.h"
@@ -724,80 +723,6 @@ TEST_F(SessionTest, KeepsWhatTheSimulatorLeadsToApart)
     EXPECT_EQ(later.Choice(), (ConnectChoice{"COM7", 9600}));
     EXPECT_EQ(Theme::Used(), Theme::Kind::Dark)
         << "the controller's own look is not the receiver's";
-    Theme::Use(Theme::Kind::Daylight);
-}
-
-/// Every entry of the home page is in sight, and large enough for a glove.
-void ExpectAllEntries(MainWindow& window)
-{
-    const QList<CIconButton*> buttons = window.findChildren<CIconButton*>();
-    EXPECT_EQ(buttons.size(), 12);
-    window.show();
-    QCoreApplication::processEvents();
-    for (const CIconButton* button : buttons) {
-        SCOPED_TRACE(button->text().toStdString());
-        EXPECT_GE(button->width(), 120);
-        EXPECT_GE(button->height(), 88);
-        EXPECT_EQ(button->visibleRegion().boundingRect(), button->rect())
-            << "it has to be scrolled";
-    }
-    window.hide();
-}
-
-/// The window with all that can be known on it, its settings, the frames.
-TEST_F(SessionTest, CutsNothingOff)
-{
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
-    const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPixelSize(21); // 30 % above 16
-    const HomeState stale = [&] {
-        HomeState state = controller.State();
-        state.receiver = testing::KnownReceiver();
-        state.receiver.link = LinkState::Lost; // the longest words
-        state.receiver.position->value.pdop = 12.3F;
-        state.receiver.status->value.batteryPercent = 100;
-        state.view.now = 160s;
-        state.antenna = QStringLiteral("アンテナ高 10.543 m（アンテナ底面）→ 鉛直高 10.6123 m");
-        state.simulator = QStringLiteral("almanac-hangs-up");
-        return state;
-    }();
-    const auto check = [](QWidget& window, const QString& name, QSize size) {
-        SCOPED_TRACE(name.toStdString());
-        window.resize(size);
-        window.show();
-        QCoreApplication::processEvents();
-        testing::ExpectNothingCut(window, size);
-        KeepPicture(window, QStringLiteral("app-%1-%2").arg(name).arg(size.width()));
-        window.hide();
-    };
-    for (const bool isLarge : {false, true}) {
-        for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
-            QApplication::setFont(isLarge ? large : before);
-            Theme::Use(theme);
-            const QString look =
-                QString(isLarge ? QStringLiteral("large-") : QString()) +
-                (theme == Theme::Kind::Dark ? QStringLiteral("dark") : QStringLiteral("daylight"));
-            for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-                MainWindow window;
-                window.ShowState(stale);
-                check(window, QStringLiteral("home-") + look, size);
-                ExpectAllEntries(window);
-                FramesDlg frames(controller.Frames());
-                check(frames, QStringLiteral("frames-") + look, size);
-                SettingsSheet sheet(controller.Ports(), {{"lark", QStringLiteral("正常な受信機")}},
-                                    ConnectChoice{"sim:lark", 38400}, false);
-                for (const int page : {0, 1}) {
-                    sheet.SetActivePage(page);
-                    check(sheet, QStringLiteral("settings%1-").arg(page) + look, size);
-                }
-            }
-        }
-    }
-    QApplication::setFont(before);
     Theme::Use(Theme::Kind::Daylight);
 }
 
