@@ -22,6 +22,7 @@
 #include "ui/tilt/TrackingDlg.h"
 
 #include <QApplication>
+#include <QScreen>
 
 namespace fieldcore {
 
@@ -84,9 +85,12 @@ void Session::Begin()
 {
     constexpr QSize kHandheld(480, 640);
     constexpr QSize kTall(480, 800);
-    m_window->resize(m_controller.Host().IsQ77() ? kTall : kHandheld);
+    const QSize whole = m_controller.Host().IsQ77() ? kTall : kHandheld;
+    m_window->resize(whole);
     FitOnScreen(*m_window);
-    m_window->show();
+    const QSize screen = m_window->screen()->size();
+    // A screen that is no larger has no room for a frame.
+    screen.boundedTo(whole) == screen ? m_window->showFullScreen() : m_window->show();
     if (m_controller.Options().language == Language::Japanese && !TouchStyle::CanDrawJapanese()) {
         CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kNoFontCaption);
     }
@@ -100,6 +104,7 @@ void Session::Begin()
 void Session::ConnectAtStart()
 {
     UseJapaneseTextsOfQt();
+    FitOnScreen(*m_window); // with its frame
     // Only the simulator is there for certain: a real receiver is asked for when the user wants it.
     // A name that is none of a port is told at once.
     const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);

@@ -42,6 +42,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTemporaryDir>
@@ -291,7 +292,7 @@ protected:
         const auto [language, percent] = GetParam();
         SetLanguage(language);
         QFont font = m_before;
-        font.setPixelSize(percent * 16 / 100);
+        font.setPixelSize(qRound(percent * 16 / 100.0));
         if (language == Language::English) {
             font.setFamily(QStringLiteral("DejaVu Sans")); // a wide one
         }
@@ -321,6 +322,11 @@ protected:
             const bool hasOwnWidth = window.minimumWidth() == window.maximumWidth();
             testing::ExpectNothingCut(window, hasOwnWidth ? window.size() : size);
             KeepPicture(window, look + QStringLiteral("-%1").arg(size.width()));
+            for (const QScrollArea* const area : window.findChildren<QScrollArea*>()) {
+                EXPECT_TRUE(!area->isVisible() || IsOneOf<CGraphicsBase>(*area->widget()) ||
+                            area->widget()->width() <= area->viewport()->width())
+                    << "it has to be scrolled sideways";
+            }
             ExpectAllReached(window);
             for (const Theme::Kind theme : {Theme::Kind::Dark, Theme::Kind::Daylight}) {
                 SCOPED_TRACE(theme == Theme::Kind::Dark ? "dark" : "daylight");

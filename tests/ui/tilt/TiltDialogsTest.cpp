@@ -559,9 +559,9 @@ TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
         }
     }
     TiltSensorDlg::StartUp(&line.command, &window, &window);
-    EXPECT_TRUE(QTest::qWaitFor([] {
-        return TiltSensorDlg::Instance()->View()->Picture().showBubble;
-    })) << "it follows the pole no more";
+    EXPECT_TRUE(QTest::qWaitFor(
+        [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 30000))
+        << "it follows the pole no more";
 }
 
 TEST_F(TiltTest, SurvivesAThousandEventsInEachDialog)
