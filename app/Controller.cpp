@@ -4,6 +4,7 @@
 #include "app/PortTarget.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/StatusRows.h"
+#include "core/link/Questions.h"
 #include "core/planning/PlanSession.h"
 #include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
@@ -252,6 +253,7 @@ int Controller::FollowLink(PortEdit& edit)
     if (!found.target) {
         return text::kComLinkLost;
     }
+    const Questions::Quiet quiet(*m_command);
     found.target->settings = edit.LinkWanted();
     const LinkFollowed followed =
         fieldcore::FollowLink(*m_command, *found.target, edit.LinkBefore());

@@ -83,6 +83,7 @@ public:
         return MakeConnect(parent, 0, Target());
     }
 
+    [[nodiscard]] const AppOptions& Options() const { return m_options; }
     void UseTheme(Theme::Kind kind);
 
     /// Whether the user wants the controller's clock set by the receiver's time; never by a

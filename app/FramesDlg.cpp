@@ -18,6 +18,7 @@ FramesDlg::FramesDlg(FrameHistory& history, QWidget* parent) : Dialog(parent, Ex
     auto* const menu = new CnMenuBar;
     column->addWidget(menu);
     connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+    OfferConnection();
 }
 
 } // namespace fieldcore

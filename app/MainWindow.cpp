@@ -16,6 +16,7 @@ namespace fieldcore {
 namespace {
 
 constexpr int kWide = 900;
+constexpr QSize kLeast(320, 320); // what has no room then scrolls
 
 struct Entry
 {
@@ -73,6 +74,9 @@ MainWindow::MainWindow(QWidget* parent)
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
+    // A wide window is arranged for its width, which must not keep it from becoming narrow again.
+    column->setSizeConstraint(QLayout::SetNoConstraint);
+    setMinimumSize(kLeast);
     column->addWidget(m_status);
     m_body->setSpacing(0);
     m_body->addWidget(m_scroll, 2);

@@ -1,8 +1,8 @@
 #include "app/Overview.h"
 
 #include "core/equipment/BattLevel.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TextProgressCtrl.h"
-#include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/BatteryBar.h"
 #include "ui/planning/LiveSkyView.h"
@@ -20,20 +20,11 @@ namespace {
 constexpr double kLarge = 1.25; // of the text's own size
 constexpr int kMargin = 12;
 
-QLabel* MakeValue(const QFont& font)
+RoleLabel* MakeValue(const QFont& font)
 {
-    auto* const label = new QLabel(QStringLiteral("--"));
+    auto* const label = new RoleLabel(&Theme::text);
     label->setFont(font);
     return label;
-}
-
-void Paint(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    if (palette.color(QPalette::WindowText) != colour) {
-        palette.setColor(QPalette::WindowText, colour);
-        label->setPalette(palette);
-    }
 }
 
 } // namespace
@@ -131,10 +122,12 @@ void Overview::Show(const HomeState& state)
         m_headline->setText(UiText(text::kAppConnectHint));
         break;
     }
-    const Theme& theme = Theme::Current();
-    const auto show = [&](QLabel* label, std::string_view key) {
+    const auto roleOf = [&](std::string_view key) {
+        return IsStale(FieldOf(key), receiver, view) ? &Theme::stale : &Theme::text;
+    };
+    const auto show = [&](RoleLabel* label, std::string_view key) {
         label->setText(ToQt(FieldText(FieldOf(key), receiver, view)));
-        Paint(label, IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text);
+        label->SetRole(roleOf(key));
     };
     m_next->setText(nextWindow.isEmpty() ? UiText(text::kStatusUnknown) : nextWindow);
     ShowSky(receiver, view.now);
@@ -144,7 +137,7 @@ void Overview::Show(const HomeState& state)
     m_received->setText(receiver.status
                             ? ToQt(ControllerTimeOfDay(view.utc - (view.now - receiver.status->at)))
                             : UiText(text::kStatusUnknown));
-    Paint(m_received, IsStale(FieldOf(kHeartbeat), receiver, view) ? theme.stale : theme.text);
+    m_received->SetRole(roleOf(kHeartbeat));
 }
 
 } // namespace fieldcore

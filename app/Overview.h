@@ -10,6 +10,7 @@ namespace fieldcore {
 
 class CTextProgressCtrl;
 class LiveSkyView;
+class RoleLabel;
 
 /// How the receiver is, large: fills the window where the buttons leave room. In a wide one the sky
 /// over it and the next good time of the plan stand there, too. Values that are not fresh are grey.
@@ -29,10 +30,10 @@ private:
     void ShowSky(const Receiver& receiver, Clock::Duration now);
 
     QLabel* m_headline; // owned by the widget, as are the next
-    QLabel* m_satellites;
-    QLabel* m_pdop;
+    RoleLabel* m_satellites;
+    RoleLabel* m_pdop;
     CTextProgressCtrl* m_battery;
-    QLabel* m_received;
+    RoleLabel* m_received;
     QLabel* m_nextHeading;
     QLabel* m_next;
     LiveSkyView* m_sky;

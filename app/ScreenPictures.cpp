@@ -96,23 +96,23 @@ int ScreenPictures::Write(const QString& folder, const std::function<bool()>& st
     }
     int written = 0;
     int failed = 0;
-    const auto grab = [&](QWidget& screen, const QString& name, const Look& look) {
-        ++(Grab(screen, name, look, folder) ? written : failed);
-    };
     const bool isTall = m_controller.Host().IsQ77();
-    for (const Look& look : isTall ? std::span<const Look>(kTallLooks) : std::span(kLooks)) {
-        Theme::Use(look.theme);
-        m_window.ShowState(m_controller.State()); // in its colours
-        grab(m_window, QStringLiteral("home"), look);
-        for (const Picture& picture : All()) {
-            if (stop()) {
-                m_controller.Disconnect();
-                return kCancelled;
-            }
-            const std::unique_ptr<QWidget> screen = picture.make();
-            grab(*screen, picture.name, look);
-            screen->hide();
+    const auto looks = isTall ? std::span<const Look>(kTallLooks) : std::span(kLooks);
+    const auto grab = [&](QWidget& screen, const QString& name) {
+        for (const Look& look : looks) {
+            Theme::Use(look.theme);
+            m_window.ShowState(m_controller.State()); // in its colours
+            ++(Grab(screen, name, look, folder) ? written : failed);
         }
+        screen.hide();
+    };
+    grab(m_window, QStringLiteral("home"));
+    for (const Picture& picture : All()) {
+        if (stop()) {
+            m_controller.Disconnect();
+            return kCancelled;
+        }
+        grab(*picture.make(), picture.name);
     }
     m_controller.Disconnect();
     std::printf("%d pictures in %s\n", written, qPrintable(folder));

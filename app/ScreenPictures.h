@@ -27,11 +27,11 @@ public:
     int Write(
         const QString& folder, const std::function<bool()>& stop = [] { return false; });
 
-private:
     using Pictures = std::vector<Picture>;
-
     /// Every screen but the window itself, as it is when it has just been opened.
     [[nodiscard]] Pictures All();
+
+private:
     [[nodiscard]] Pictures Own();
     [[nodiscard]] Pictures Ports();
     [[nodiscard]] Pictures Files();

@@ -22,6 +22,7 @@
 #include "ui/tilt/TrackingDlg.h"
 
 #include <QApplication>
+#include <QScreen>
 
 namespace fieldcore {
 
@@ -84,10 +85,13 @@ void Session::Begin()
 {
     constexpr QSize kHandheld(480, 640);
     constexpr QSize kTall(480, 800);
-    m_window->resize(m_controller.Host().IsQ77() ? kTall : kHandheld);
+    const QSize whole = m_controller.Host().IsQ77() ? kTall : kHandheld;
+    m_window->resize(whole);
     FitOnScreen(*m_window);
-    m_window->show();
-    if (!TouchStyle::CanDrawJapanese()) {
+    const QSize screen = m_window->screen()->size();
+    // A screen that is no larger has no room for a frame.
+    screen.boundedTo(whole) == screen ? m_window->showFullScreen() : m_window->show();
+    if (m_controller.Options().language == Language::Japanese && !TouchStyle::CanDrawJapanese()) {
         CMesBox(m_controller.Host()).Warn(text::kAppNoJapaneseFont, text::kNoFontCaption);
     }
     if (const QString notice = m_controller.TakeNotice(); !notice.isEmpty()) {
@@ -100,6 +104,7 @@ void Session::Begin()
 void Session::ConnectAtStart()
 {
     UseJapaneseTextsOfQt();
+    FitOnScreen(*m_window); // with its frame
     // Only the simulator is there for certain: a real receiver is asked for when the user wants it.
     // A name that is none of a port is told at once.
     const PortNameResult port = m_controller.Ports().Parse(m_controller.Choice().port);
@@ -111,7 +116,6 @@ void Session::ConnectAtStart()
 bool Session::MayEnd()
 {
     const bool isConnected = m_controller.Link().State() == LinkState::Connected;
-    const ReceiverLink::Hold hold(m_controller.Link());
     if (!CPrgEndMes::MayEnd(isConnected ? &m_controller.Command() : nullptr, m_window.get())) {
         return false;
     }
@@ -194,7 +198,6 @@ void Session::ShowFiles()
     if (!isOpen && !Connect(m_window.get())) {
         return; // there is nothing to list
     }
-    const ReceiverLink::Hold hold(m_controller.Link());
     CRecvFileMan sheet(&m_controller.Command(), 0, nullptr,
                        FilesWorld(m_controller, m_window.get()), m_window.get());
     sheet.DoModal();
@@ -202,7 +205,6 @@ void Session::ShowFiles()
 
 void Session::ChoosePort()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     PortChooserDlg chooser(m_controller.Ports(), Scenarios(), m_controller.Choice(), {},
                            m_window.get());
     if (chooser.DoModal() == Dialog::kOk) {
@@ -239,7 +241,6 @@ void Session::Use(const ConnectChoice& choice)
 
 void Session::ChangeAntenna()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     const AntennaSettings& antenna = m_controller.Antenna();
     CAntenna dialog(&m_controller.Command(), 0, 0,
                     {m_controller.ProgramFolder(), &m_controller.Roots()}, m_window.get());
@@ -251,10 +252,13 @@ void Session::ChangeAntenna()
 
 void Session::ChangePorts()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
     CComPort sheet(&m_controller.Command(), m_controller.ReceiverPort(), UiText(text::kComTitle),
                    m_window.get(), CComPort::kLastPage, PortsWorld(m_controller));
-    if (sheet.DoModal() != Dialog::kOk || !sheet.IsLinkChanged()) {
+    const int result = sheet.DoModal();
+    if (result == CComPort::kConnected) {
+        ChangePorts();
+    }
+    if (result != Dialog::kOk || !sheet.IsLinkChanged()) {
         return;
     }
     if (const int told = m_controller.FollowLink(sheet.Edit()); told != 0) {

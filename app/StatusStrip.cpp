@@ -1,17 +1,17 @@
 #include "app/StatusStrip.h"
 
 #include "core/equipment/StatusRows.h"
-#include "ui/controls/Theme.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QStringList>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace fieldcore {
 
@@ -23,7 +23,7 @@ constexpr int kRibbonHeight = 24;
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
 
-QColor Theme::*ColourOf(LinkState link)
+RoleLabel::Role RoleOf(LinkState link)
 {
     switch (link) {
     case LinkState::Connected:
@@ -48,23 +48,18 @@ bool HasReceiver(LinkState link)
            link == LinkState::Reconnecting;
 }
 
-/// Text in a colour, of the theme that holds now.
-void Paint(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
-}
-
 } // namespace
 
 StatusStrip::StatusStrip(QWidget* parent, Place place)
     : QWidget(parent), m_place(place), m_line(new QHBoxLayout), m_below(new QHBoxLayout),
-      m_lamp(new QLabel), m_fix(new QLabel), m_receiver(new QLabel), m_pdop(new QLabel),
-      m_time(new QLabel), m_battery(new QLabel), m_broken(new QLabel), m_antenna(new QLabel),
-      m_ribbon(new QLabel)
+      m_lamp(new RoleLabel(&Theme::second)), m_fix(new RoleLabel(&Theme::text)),
+      m_receiver(new QLabel), m_pdop(new RoleLabel(&Theme::text)),
+      m_time(new RoleLabel(&Theme::text)), m_battery(new RoleLabel(&Theme::text)),
+      m_broken(new RoleLabel(&Theme::attention)), m_antenna(new QLabel),
+      m_ribbon(new RoleLabel(&Theme::ground))
 {
     setAutoFillBackground(true);
+    setBackgroundRole(QPalette::AlternateBase); // raised
     setAccessibleName(UiText(text::kAppStatus));
     for (QHBoxLayout* const line : {m_line, m_below}) {
         line->setContentsMargins(kMargin, 0, kMargin, 0);
@@ -79,28 +74,21 @@ StatusStrip::StatusStrip(QWidget* parent, Place place)
     m_line->addWidget(m_receiver, 1);
     m_line->addWidget(m_time);
     m_line->addWidget(m_battery);
-    for (QLabel* label : {m_lamp, m_fix, m_receiver, m_pdop, m_battery}) {
+    for (QLabel* label :
+         std::initializer_list<QLabel*>{m_lamp, m_fix, m_receiver, m_pdop, m_battery}) {
         label->setMinimumHeight(place == Place::Window ? kLineHeight : kSlimHeight);
     }
     m_time->setMinimumHeight(kRibbonHeight);
-    m_ribbon->setMinimumHeight(kRibbonHeight);
-    m_ribbon->setContentsMargins(kMargin, 0, kMargin, 0);
-    m_ribbon->setAutoFillBackground(true);
-    m_broken->setMinimumHeight(kRibbonHeight);
-    m_broken->setContentsMargins(kMargin, 0, kMargin, 0);
+    m_ribbon->SetGround(&Theme::attention);
     QFont bold = font();
     bold.setBold(true);
     m_broken->setFont(bold);
     m_fix->setFont(bold);
-    for (QLabel* const words : {m_ribbon, m_broken}) {
-        words->setWordWrap(place == Place::Window);
-        if (place == Place::Page) {
-            words->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        }
+    for (QLabel* const words : std::initializer_list<QLabel*>{m_broken, m_antenna, m_ribbon}) {
+        words->setMinimumHeight(kRibbonHeight);
+        words->setContentsMargins(kMargin, 0, kMargin, 0);
+        words->setWordWrap(true);
     }
-    m_antenna->setMinimumHeight(kRibbonHeight);
-    m_antenna->setContentsMargins(kMargin, 0, kMargin, 0);
-    m_antenna->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -190,6 +178,9 @@ void StatusStrip::Arrange()
     const QString word = ToQt(LinkText(link));
     m_lamp->setText(word);
     m_battery->setText(charge);
+    // What gives way must not keep the window from becoming narrow.
+    m_lamp->setMinimumWidth(metrics.horizontalAdvance(word.left(1)));
+    m_battery->setMinimumWidth(metrics.horizontalAdvance(charge));
     int others = 2 * kMargin - kGap; // all but the name, the time and the button
     for (const QLabel* const part : {m_lamp, m_fix, m_pdop, m_battery}) {
         others += part->isHidden() ? 0 : kGap + part->sizeHint().width();
@@ -227,36 +218,18 @@ void StatusStrip::resizeEvent(QResizeEvent* event)
     Arrange();
 }
 
-void StatusStrip::changeEvent(QEvent* event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && m_ribbon != nullptr) {
-        Colour();
-    }
-}
-
+/// What has grown old is grey.
 void StatusStrip::Colour()
 {
-    const Theme& theme = Theme::Current();
     const auto& [receiver, view, antenna, nextWindow, simulator] = m_state;
-    const auto colourOf = [&](std::string_view key) {
-        return IsStale(FieldOf(key), receiver, view) ? theme.stale : theme.text;
+    const auto roleOf = [&](std::string_view key) {
+        return IsStale(FieldOf(key), receiver, view) ? &Theme::stale : &Theme::text;
     };
-    Paint(m_lamp, theme.*ColourOf(receiver.link));
-    Paint(m_fix, colourOf("fix"));
-    Paint(m_pdop, colourOf("pdop"));
-    Paint(m_broken, theme.attention);
-    Paint(m_battery, colourOf("batteryPercent"));
-    Paint(m_time, receiver.status ? colourOf(kHeartbeat) : theme.text);
-    QPalette ground = m_ribbon->palette();
-    ground.setColor(QPalette::Window, theme.attention);
-    ground.setColor(QPalette::WindowText, theme.ground);
-    m_ribbon->setPalette(ground);
-    QPalette own = palette();
-    if (own.color(QPalette::Window) != theme.raised) {
-        own.setColor(QPalette::Window, theme.raised);
-        setPalette(own);
-    }
+    m_lamp->SetRole(RoleOf(receiver.link));
+    m_fix->SetRole(roleOf("fix"));
+    m_pdop->SetRole(roleOf("pdop"));
+    m_battery->SetRole(roleOf("batteryPercent"));
+    m_time->SetRole(receiver.status ? roleOf(kHeartbeat) : &Theme::text);
 }
 
 } // namespace fieldcore

@@ -12,6 +12,8 @@ class QPushButton;
 
 namespace fieldcore {
 
+class RoleLabel;
+
 /// The lines at the head of the window, or of a page: is the receiver there, has it a fix, and is
 /// it well, what time it is, and how high the antenna is. Values that are not fresh are grey, and
 /// the time they came stands in place of the time. What the survey's limits are broken by is told.
@@ -41,7 +43,6 @@ Q_SIGNALS:
     void ConnectionWanted();
 
 protected:
-    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -55,15 +56,15 @@ private:
     HomeState m_state;
     QHBoxLayout* m_line;
     QHBoxLayout* m_below; // of the time, where the line has no room for it
-    QLabel* m_lamp;       // owned by the widget, as are all labels
-    QLabel* m_fix;
+    RoleLabel* m_lamp;    // owned by the widget, as are all labels
+    RoleLabel* m_fix;
     QLabel* m_receiver;
-    QLabel* m_pdop;
-    QLabel* m_time;
-    QLabel* m_battery;
-    QLabel* m_broken; // limits of the survey
+    RoleLabel* m_pdop;
+    RoleLabel* m_time;
+    RoleLabel* m_battery;
+    RoleLabel* m_broken; // limits of the survey
     QLabel* m_antenna;
-    QLabel* m_ribbon;
+    RoleLabel* m_ribbon;
     QPushButton* m_connect = nullptr; // null: nothing is offered
 };
 

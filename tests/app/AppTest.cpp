@@ -39,6 +39,9 @@ TEST(AppOptions, AreReadOrRefused)
          true},
         {{QStringLiteral("--theme"), QStringLiteral("dark")}, true},
         {{QStringLiteral("--theme"), QStringLiteral("pink")}, false},
+        {{QStringLiteral("--language"), QStringLiteral("en")}, true},
+        {{QStringLiteral("--language"), QStringLiteral("de")}, false},
+        {{QStringLiteral("--language=")}, false},
         {{QStringLiteral("--speed=0")}, false},
         {{QStringLiteral("--speed=nan")}, false},
         {{QStringLiteral("--speed=fast")}, false},
@@ -58,6 +61,16 @@ TEST(AppOptions, AreReadOrRefused)
     EXPECT_EQ(options.theme, Theme::Kind::System);
     EXPECT_EQ(options.speed, 1.0);
     EXPECT_TRUE(options.isQ77);
+    EXPECT_EQ(options.language, Language::Japanese);
+    const QStringList none{QStringLiteral("fieldcore")};
+    qputenv(kLanguageVariable, "en");
+    EXPECT_EQ(ParseArguments(none).language, Language::English);
+    EXPECT_EQ(ParseArguments(none + QStringList{QStringLiteral("--language=ja")}).language,
+              Language::Japanese)
+        << "the option wins";
+    qputenv(kLanguageVariable, "de");
+    EXPECT_FALSE(ParseArguments(none).fault.isEmpty());
+    qunsetenv(kLanguageVariable);
 }
 
 /// All that stands on a widget.

@@ -44,6 +44,11 @@ TEST(Program, EndsAsItShould)
          "(fieldcore --port sim:nosuch --screenshots $HERE/pictures); "
          "test ! -e $HERE/home -a ! -e $HERE/config",
          0},
+        {"asks who has chosen English for a Japanese font", // and waits for an answer
+         "printf '<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir></fontconfig>' "
+         ">$HERE/fonts; export FONTCONFIG_FILE=$HERE/fonts; "
+         "timeout 120 " FIELDCORE_APP " --language en --port COM1 --first-page",
+         0},
         {"a signal leaves something behind",
          "fieldcore --port sim:lark & while ! ls $HERE/fieldcore-* >$HERE/ls; do sleep 0.1; done; "
          "kill -TERM $!; wait $!; test $? = 143 && ! ls $HERE/fieldcore-*",

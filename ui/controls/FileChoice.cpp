@@ -5,11 +5,13 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLibraryInfo>
+#include <QPushButton>
 #include <QTranslator>
 
 namespace fieldcore {
@@ -39,6 +41,22 @@ protected:
     }
 };
 
+/// A handheld has no room for what nobody needs.
+void MakeNarrow(const QFileDialog& dialog)
+{
+    for (const char* const name : {"forwardButton", "listModeButton", "detailModeButton"}) {
+        if (auto* const button = dialog.findChild<QWidget*>(QString::fromLatin1(name))) {
+            button->hide();
+        }
+    }
+    for (auto* const button : dialog.findChildren<QPushButton*>()) {
+        button->setIcon({});
+    }
+    for (auto* const box : dialog.findChildren<QComboBox*>()) {
+        box->setMinimumWidth(2 * TouchStyle::kTarget); // what is longer is elided
+    }
+}
+
 } // namespace
 
 std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& caption,
@@ -59,6 +77,7 @@ std::filesystem::path ChooseFile(QWidget* parent, bool save, const QString& capt
     dialog.setOption(QFileDialog::DontUseNativeDialog);  // which has its own words
     dialog.setOption(QFileDialog::DontConfirmOverwrite); // it asks in ours
     dialog.selectFile(start.fileName());
+    MakeNarrow(dialog);
     if (parent != nullptr) {
         constexpr QSize kLargest(800, 640);
         dialog.resize(parent->window()->size().boundedTo(kLargest));

@@ -64,9 +64,13 @@ int CIconButton::LabelHeight(int width) const
 
 QSize CIconButton::sizeHint() const
 {
-    // Wide enough for five characters, whatever the font: longer labels break.
-    const int width = std::max({kLeast.width(), iconSize().width() + 2 * kGrid,
-                                fontMetrics().horizontalAdvance(QChar(0x3042)) * 5 + 2 * kGrid});
+    // Wide enough for five characters, whatever the font: longer labels break, but no Latin word.
+    int width = std::max({kLeast.width(), iconSize().width() + 2 * kGrid,
+                          fontMetrics().horizontalAdvance(QChar(0x3042)) * 5 + 2 * kGrid});
+    for (const QString& word : text().split(QLatin1Char(' '))) {
+        const bool isLatin = std::ranges::all_of(word, [](QChar c) { return c.unicode() < 0x250; });
+        width = std::max(width, isLatin ? fontMetrics().horizontalAdvance(word) + 2 * kGrid : 0);
+    }
     const int gap = m_isLow ? kGrid / 2 : kGrid;
     const int iconPart = icon().isNull() ? 0 : iconSize().height() + gap;
     const int height = 2 * gap + iconPart + LabelHeight(width - 2 * kGrid);

@@ -161,12 +161,16 @@ void NumberPad::Press(int key)
         return;
     }
     auto* const spin = qobject_cast<QDoubleSpinBox*>(m_box.data());
-    if (std::exchange(m_isFresh, false) && key != kSign) {
-        spin != nullptr ? spin->selectAll() : m_field->selectAll();
-    } else if (spin != nullptr && !m_field->hasSelectedText()) {
-        const auto last = static_cast<int>(m_field->text().size() - spin->suffix().size());
+    const auto unit = spin != nullptr ? static_cast<int>(spin->suffix().size()) : 0;
+    const int last = static_cast<int>(m_field->text().size()) - unit;
+    if (m_isFresh && key != kSign) {
+        const bool keepsSign = m_isSigned && m_field->text().startsWith(QLatin1Char('-'));
+        m_field->setSelection(keepsSign ? 1 : 0, keepsSign ? last - 1 : last);
+    } else if (!m_field->hasSelectedText()) {
         m_field->setCursorPosition(std::min(m_field->cursorPosition(), last)); // before the unit
     }
+    m_isSigned = m_isFresh && key == kSign;
+    m_isFresh = m_isSigned;
     switch (key) {
     case kDone:
         Done();

@@ -41,7 +41,8 @@ private:
     /// What was typed counts, as when the field is left.
     void Done();
 
-    bool m_isFresh = true; ///< its first key replaces what was there
+    bool m_isFresh = true;   ///< its first key replaces what was there
+    bool m_isSigned = false; ///< but for the sign, which has been the first key
     QPointer<QLineEdit> m_field;
     QPointer<QWidget> m_box; // has the focus: the field, or what it is part of
 };

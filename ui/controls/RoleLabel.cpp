@@ -16,6 +16,14 @@ void RoleLabel::SetRole(Role role)
     Colour();
 }
 
+void RoleLabel::SetGround(Role ground)
+{
+    m_ground = ground;
+    setBackgroundRole(QPalette::Window); // not that of what it stands on
+    setAutoFillBackground(true);
+    Colour();
+}
+
 void RoleLabel::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);
@@ -27,9 +35,11 @@ void RoleLabel::changeEvent(QEvent* event)
 void RoleLabel::Colour()
 {
     QPalette own = palette();
-    const QColor& colour = Theme::Current().*m_role;
-    if (own.color(QPalette::WindowText) != colour) { // setting it is another change
-        own.setColor(QPalette::WindowText, colour);
+    own.setColor(QPalette::WindowText, Theme::Current().*m_role);
+    if (m_ground != nullptr) {
+        own.setColor(QPalette::Window, Theme::Current().*m_ground);
+    }
+    if (own != palette()) { // setting it is another change
         setPalette(own);
     }
 }

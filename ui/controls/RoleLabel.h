@@ -19,6 +19,8 @@ public:
     explicit RoleLabel(Role role, const QString& text = {}, QWidget* parent = nullptr);
 
     void SetRole(Role role);
+    /// A ground of its own.
+    void SetGround(Role ground);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -27,6 +29,7 @@ private:
     void Colour();
 
     Role m_role;
+    Role m_ground = nullptr; // null: that of what it stands on
 };
 
 } // namespace fieldcore

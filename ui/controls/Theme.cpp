@@ -64,8 +64,8 @@ bool DesktopIsDark()
 const Theme& Theme::Daylight()
 {
     static const Theme theme{false,         Rgb(0xFFFFFF), Rgb(0xF1F4F7), Rgb(0x101418),
-                             Rgb(0x44505C), Rgb(0x0B4F94), Rgb(0x146C34), Rgb(0x8A5200),
-                             Rgb(0xA3201B), Rgb(0x6B7682), Curves(false)};
+                             Rgb(0x44505C), Rgb(0x0B4F94), Rgb(0x0F5E2C), Rgb(0x774500),
+                             Rgb(0x9B1D18), Rgb(0x626D79), Curves(false)};
     return theme;
 }
 
@@ -73,7 +73,7 @@ const Theme& Theme::Dark()
 {
     static const Theme theme{true,          Rgb(0x14181C), Rgb(0x1F262D), Rgb(0xF2F5F7),
                              Rgb(0xB4C0CA), Rgb(0x7FB6F0), Rgb(0x6FCF8E), Rgb(0xF2B95E),
-                             Rgb(0xF28B82), Rgb(0x8A96A1), Curves(true)};
+                             Rgb(0xF49C94), Rgb(0x8A96A1), Curves(true)};
     return theme;
 }
 

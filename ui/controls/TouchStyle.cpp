@@ -266,12 +266,19 @@ void FitOnScreen(QWidget& window)
 {
     const QWidget* const under =
         window.parentWidget() != nullptr ? window.parentWidget()->window() : nullptr;
-    QRect room = (under != nullptr ? under : &window)->screen()->availableGeometry();
-    if (under != nullptr && !window.windowFlags().testFlag(Qt::FramelessWindowHint)) {
-        // Which frame it will have nobody knows before it is there: that of the window beneath.
-        room.setSize(room.size() - (under->frameGeometry().size() - under->size()));
+    // Which frame it will have nobody knows before it is there: that of the window beneath.
+    const QWidget& framed = under != nullptr ? *under : window;
+    const bool hasFrame = !window.windowFlags().testFlag(Qt::FramelessWindowHint);
+    QRect room = framed.screen()->availableGeometry();
+    if (hasFrame) {
+        room.setSize(room.size() - (framed.frameGeometry().size() - framed.size()));
     }
     window.resize(window.size().boundedTo(room.size()));
+    constexpr int kTitleBar = 5 * TouchStyle::kGrid;
+    if (hasFrame && under != nullptr && under->isFullScreen() &&
+        window.height() > room.height() - kTitleBar) {
+        window.setWindowState(Qt::WindowFullScreen); // which has none
+    }
     const QPoint last = room.bottomRight() - window.rect().bottomRight();
     if (window.testAttribute(Qt::WA_Moved)) {
         window.move(std::max(room.left(), std::min(window.x(), last.x())),

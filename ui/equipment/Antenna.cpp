@@ -4,8 +4,8 @@
 #include "core/host/MesBox.h"
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TComboBox.h"
-#include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/WidgetFocus.h"
@@ -68,13 +68,6 @@ void Refill(CTComboBox* box, const std::vector<std::wstring>& remembered, const 
     box->setEditText(text);
 }
 
-void Paint(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
-}
-
 /// Selects the entry with that code; one that is in no list is added, with words in its name's
 /// place.
 void SelectOrAdd(CTComboBox* box, int code, int unlistedText)
@@ -113,8 +106,9 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
       m_roleLabel(nullptr), m_antennaType(new CTComboBox), m_antennaWay(new CTComboBox),
       m_height(MakeTyped(Qt::ImhFormattedNumbersOnly)),
       m_serial(MakeTyped(Qt::ImhLatinOnly | Qt::ImhNoPredictiveText)),
-      m_drawing(new AntennaDrawing), m_how(new QLabel), m_vertical(new QLabel),
-      m_warning(new QLabel), m_ask(new QPushButton(UiText(text::kAntennaFromReceiver))),
+      m_drawing(new AntennaDrawing), m_how(new QLabel), m_vertical(new RoleLabel(&Theme::text)),
+      m_warning(new RoleLabel(&Theme::bad)),
+      m_ask(new QPushButton(UiText(text::kAntennaFromReceiver))),
       m_body(new QBoxLayout(QBoxLayout::TopToBottom))
 {
     for (int id = text::kAntennaReference; id <= text::kAntennaRoverSecond; ++id) {
@@ -309,11 +303,11 @@ void CAntenna::ShowHeight()
     }
     m_warning->setText(ToQt(warning));
     m_warning->setVisible(!warning.empty());
-    const Theme& theme = Theme::Current();
-    Paint(m_warning, fault.empty() ? theme.attention : theme.bad);
+    m_warning->SetRole(fault.empty() ? &Theme::attention : &Theme::bad);
     const bool isDoubtful = isShort || height.reduction == AntennaReduction::Unknown;
-    Paint(m_vertical, !isKnown ? theme.stale : isDoubtful ? theme.attention : theme.text);
+    m_vertical->SetRole(!isKnown ? &Theme::stale : isDoubtful ? &Theme::attention : &Theme::text);
     m_how->setText(UiText(HowText(height)));
+    m_drawing->setAccessibleDescription(m_how->text() + QLatin1Char(' ') + m_vertical->text());
     m_drawing->Show(height, isKnown);
 }
 

@@ -11,6 +11,7 @@ namespace fieldcore {
 
 class AntennaDrawing;
 class CTComboBox;
+class RoleLabel;
 
 /// The antenna of a station: its type, how its height is measured, the height and the serial
 /// number, with a drawing of what is measured. The vertical height follows what is typed. OK stores
@@ -67,8 +68,8 @@ private:
     CTComboBox* m_serial;
     AntennaDrawing* m_drawing;
     QLabel* m_how;
-    QLabel* m_vertical;
-    QLabel* m_warning;
+    RoleLabel* m_vertical;
+    RoleLabel* m_warning;
     QPushButton* m_ask;
     QBoxLayout* m_body;
 

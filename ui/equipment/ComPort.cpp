@@ -50,6 +50,7 @@ CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidge
         CParts::SetRegActivePage(1, page, kName, HostReg(m_roots));
     }
     stSetOpenPage(page);
+    OfferConnection([this] { Close(kConnected); });
 }
 
 CComPort::~CComPort()
@@ -138,19 +139,26 @@ bool CComPort::OnInitDialog()
 
 bool CComPort::OnClose(int result)
 {
-    if (result == kOk) {
-        // The controller's own port comes last: once it is set, nothing else arrives.
-        for (int port = 1; port <= GetPageCount(); ++port) {
-            if (port != GetIOPort() && !Set(PageOf(port))) {
-                return false;
-            }
-        }
-        if (GetIOPort() >= 1 && GetIOPort() <= GetPageCount() && !Set(PageOf(GetIOPort()))) {
+    if (result == kOk && m_command != nullptr) {
+        m_quiet.emplace(*m_command);
+    }
+    const bool isOver = (result != kOk || SetAll()) && PropertySheet::OnClose(result);
+    m_isAgreed = isOver && result == kOk;
+    if (!isOver) {
+        m_quiet.reset();
+    }
+    return isOver;
+}
+
+bool CComPort::SetAll()
+{
+    for (int port = 1; port <= GetPageCount(); ++port) {
+        if (port != GetIOPort() && !Set(PageOf(port))) {
             return false;
         }
     }
-    m_isAgreed = result == kOk;
-    return PropertySheet::OnClose(result);
+    // Once the controller's own port is set, nothing else arrives.
+    return GetIOPort() < 1 || GetIOPort() > GetPageCount() || Set(PageOf(GetIOPort()));
 }
 
 /// Sets what a page says, if there is reason to.
@@ -211,6 +219,7 @@ void CComPort::Search(ComPortPage* page)
     SetRS232PortParameters chosen;
     set.GetSETCOMMS(page->Port(), chosen);
     target->settings = LineOf(chosen);
+    const Questions::Quiet quiet(*m_command); // a link that was lost is looked for, too
     if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
         chosen.baudRate = *rate;
         set.SetSETCOMMS(chosen);

@@ -2,6 +2,7 @@
 
 #include "core/equipment/PortEdit.h"
 #include "core/link/ConnectSequence.h"
+#include "core/link/Questions.h"
 #include "ui/controls/PropertySheet.h"
 
 #include <functional>
@@ -32,6 +33,8 @@ public:
 
     /// The page that was open last.
     static constexpr int kLastPage = -1;
+    /// Of DoModal(): the head has connected. To be opened anew, with what is known by now.
+    static constexpr int kConnected = kCancelled + 1;
 
     /// @param command    not owned, must outlive the sheet; null or closed: nothing is sent
     /// @param ioPort     the receiver's port that the controller uses; 0: none of the pages'
@@ -77,6 +80,7 @@ protected:
 private:
     void AddPages(int count);
     [[nodiscard]] ComPortPage* PageOf(int port) const;
+    [[nodiscard]] bool SetAll();
     [[nodiscard]] bool Set(ComPortPage* page);
     [[nodiscard]] bool IsConnected() const;
     void Search(ComPortPage* page);
@@ -86,6 +90,8 @@ private:
     const Surroundings m_surroundings;
     SettingsRoots& m_roots;
     std::optional<PortEdit> m_edit; // there always is one; it is replaced as a whole
+    // From OK on: the line is not what it was until whoever opened the sheet has followed.
+    std::optional<Questions::Quiet> m_quiet;
     bool m_isAgreed = false;
     bool m_isLinkChanged = false;
 };

@@ -1,5 +1,6 @@
 #include "ui/equipment/StatusHistoryView.h"
 
+#include "core/resources/StringTable.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <optional>
 #include <ratio>
+#include <vector>
 
 namespace fieldcore {
 
@@ -49,6 +51,7 @@ struct StatusHistoryView::Band
 StatusHistoryView::StatusHistoryView(QWidget* parent) : CGraphicsBase(parent)
 {
     setAccessibleName(UiText(text::kStatusHistoryTitle));
+    Describe();
 }
 
 void StatusHistoryView::Show(const StatusHistory& history, Clock::Duration now)
@@ -62,9 +65,33 @@ void StatusHistoryView::Show(const StatusHistory& history, Clock::Duration now)
     }
     if (!isSame) {
         m_history = history;
+        Describe();
     }
     m_now = now;
     Invalidate();
+}
+
+void StatusHistoryView::Describe()
+{
+    std::vector<int> satellites;
+    std::vector<double> pdops;
+    for (const StatusHistory::Sample& sample : m_history.Samples()) {
+        if (sample.satellites && sample.pdop) {
+            satellites.push_back(*sample.satellites);
+            pdops.push_back(*sample.pdop);
+        }
+    }
+    if (pdops.empty()) {
+        setAccessibleDescription(UiText(text::kStatusHistoryEmpty));
+        return;
+    }
+    const auto& samples = m_history.Samples();
+    const auto span = samples.back().at - samples.front().at;
+    const auto [fewest, most] = std::ranges::minmax(satellites);
+    const auto [lowest, highest] = std::ranges::minmax(pdops);
+    setAccessibleDescription(ToQt(FormatText(text::kStatusHistorySummary,
+                                             static_cast<int>(span / std::chrono::minutes(1)),
+                                             fewest, most, lowest, highest)));
 }
 
 void StatusHistoryView::Draw(QPainter& painter, const QSizeF& size)

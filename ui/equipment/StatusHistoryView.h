@@ -29,6 +29,7 @@ protected:
 
 private:
     struct Band;
+    void Describe();
     void DrawBand(QPainter& painter, const Band& band) const;
     void DrawCurve(QPainter& painter, const Band& band) const;
 

@@ -3,8 +3,8 @@
 #include "core/equipment/BattLevel.h"
 #include "core/equipment/StatusRows.h"
 #include "ui/controls/NMenuBar.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TextProgressCtrl.h"
-#include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/BatteryBar.h"
 #include "ui/equipment/StatusHistoryView.h"
@@ -40,20 +40,12 @@ QFont Sized(const QFont& font, double factor, bool isBold)
     return sized;
 }
 
-void Paint(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    if (palette.color(QPalette::WindowText) != colour) {
-        palette.setColor(QPalette::WindowText, colour);
-        label->setPalette(palette);
-    }
-}
-
 } // namespace
 
 StatusPage::StatusPage(QWidget* parent)
-    : Dialog(parent, Extent::Whole), m_fixAge(new QLabel), m_batteryAge(new QLabel),
-      m_headline(new QLabel), m_broken(new QLabel), m_battery(new CTextProgressCtrl),
+    : Dialog(parent, Extent::Whole), m_fixAge(new RoleLabel(&Theme::second)),
+      m_batteryAge(new RoleLabel(&Theme::second)), m_headline(new RoleLabel(&Theme::text)),
+      m_broken(new RoleLabel(&Theme::attention)), m_battery(new CTextProgressCtrl),
       m_grid(new QGridLayout), m_body(new QBoxLayout(QBoxLayout::TopToBottom)),
       m_history(new StatusHistoryView)
 {
@@ -71,8 +63,8 @@ StatusPage::StatusPage(QWidget* parent)
     auto* const column = new QVBoxLayout(inner);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(kMargin);
-    for (const auto& [value, age] : {std::pair<QWidget*, QLabel*>{m_headline, m_fixAge},
-                                     std::pair<QWidget*, QLabel*>{m_battery, m_batteryAge}}) {
+    for (const auto& [value, age] : {std::pair<QWidget*, RoleLabel*>{m_headline, m_fixAge},
+                                     std::pair<QWidget*, RoleLabel*>{m_battery, m_batteryAge}}) {
         auto* const line = new QHBoxLayout;
         line->addWidget(value, 1);
         line->addWidget(age);
@@ -133,17 +125,16 @@ void StatusPage::resizeEvent(QResizeEvent* event)
 void StatusPage::Show(const Receiver& receiver, const StatusHistory& history,
                       const StatusView& view)
 {
-    const Theme& theme = Theme::Current();
-    const auto showAge = [&theme](QLabel* age, const StatusRow& row) {
+    const auto showAge = [](RoleLabel* age, const StatusRow& row) {
         age->setText(ToQt(row.age));
-        Paint(age, row.isStale ? theme.stale : theme.second);
+        age->SetRole(row.isStale ? &Theme::stale : &Theme::second);
     };
     std::size_t shown = 0;
     for (const StatusRow& row : StatusRowsOf(receiver, view)) {
         if (row.field->textId == text::kStatusFix) {
             const bool isConnected = receiver.link == LinkState::Connected;
             m_headline->setText(isConnected ? ToQt(row.value) : ToQt(LinkText(receiver.link)));
-            Paint(m_headline, row.isStale ? theme.stale : theme.text);
+            m_headline->SetRole(row.isStale ? &Theme::stale : &Theme::text);
             showAge(m_fixAge, row);
         } else if (row.field->textId == text::kStatusBattery) {
             ShowBattery(*m_battery, receiver, view);
@@ -158,7 +149,6 @@ void StatusPage::Show(const Receiver& receiver, const StatusHistory& history,
     }
     m_broken->setText(broken.join(QLatin1Char('\n')));
     m_broken->setVisible(!broken.isEmpty());
-    Paint(m_broken, theme.attention);
     m_history->Show(history, view.now);
 }
 
@@ -176,14 +166,15 @@ void StatusPage::PutAge(std::size_t index)
 
 void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
 {
-    const Theme& theme = Theme::Current();
     if (index == m_lines.size()) {
-        const Line line{new QLabel(UiText(row.field->textId)), new QLabel, new QLabel};
+        const Line line{new RoleLabel(&Theme::second, UiText(row.field->textId)),
+                        new RoleLabel(&Theme::text), new RoleLabel(&Theme::second)};
         line.value->setAccessibleName(UiText(row.field->textId)); // the rows are always the same
         line.value->setFont(Sized(font(), kValue, true));
         line.age->setFont(Sized(font(), 13.0 / 16.0, false));
         line.age->setAlignment(Qt::AlignRight | Qt::AlignTop);
         line.name->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        line.name->setWordWrap(true);
         line.value->setWordWrap(true);
         line.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
         const int at = 2 * static_cast<int>(index); // an age may stand below
@@ -197,9 +188,8 @@ void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
     line.age->setText(ToQt(row.age));
     m_lines[index].isStale = row.isStale;
     PutAge(index);
-    Paint(line.name, theme.second);
-    Paint(line.value, row.isStale ? theme.stale : theme.text);
-    Paint(line.age, row.isStale ? theme.stale : theme.second);
+    line.value->SetRole(row.isStale ? &Theme::stale : &Theme::text);
+    line.age->SetRole(row.isStale ? &Theme::stale : &Theme::second);
 }
 
 } // namespace fieldcore

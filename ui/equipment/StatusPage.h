@@ -8,11 +8,11 @@
 
 class QBoxLayout;
 class QGridLayout;
-class QLabel;
 
 namespace fieldcore {
 
 class CTextProgressCtrl;
+class RoleLabel;
 class StatusHistoryView;
 struct StatusRow;
 
@@ -38,19 +38,19 @@ protected:
 private:
     struct Line
     {
-        QLabel* name; // owned by the dialog, as are the next
-        QLabel* value;
-        QLabel* age;
+        RoleLabel* name; // owned by the dialog, as are the next
+        RoleLabel* value;
+        RoleLabel* age;
         bool isStale = false;
         bool isAgeBelow = false;
     };
     void PutAge(std::size_t index);
     void ShowRow(std::size_t index, const StatusRow& row);
 
-    QLabel* m_fixAge;
-    QLabel* m_batteryAge;
-    QLabel* m_headline; // the fix; owned by the dialog, as are the next
-    QLabel* m_broken;   // limits of the survey
+    RoleLabel* m_fixAge;
+    RoleLabel* m_batteryAge;
+    RoleLabel* m_headline; // the fix; owned by the dialog, as are the next
+    RoleLabel* m_broken;   // limits of the survey
     CTextProgressCtrl* m_battery;
     QGridLayout* m_grid;
     QBoxLayout* m_body; // values, then the graph

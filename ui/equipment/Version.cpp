@@ -46,6 +46,7 @@ CVersion::CVersion(CCommand* command, QWidget* parent, ReceiverIdentity known)
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_list->setShowGrid(false);
+    m_list->setTabKeyNavigation(false); // Tab goes on to the buttons
     m_list->setFrameShape(QFrame::NoFrame);
     m_copy->setEnabled(false);
     m_copy->setMinimumHeight(TouchStyle::kTarget);

@@ -1,7 +1,9 @@
 #include "ui/planning/ChoiceButton.h"
 
 #include "ui/controls/Theme.h"
+#include "ui/controls/TouchStyle.h"
 
+#include <QPainter>
 #include <QStyleOptionButton>
 
 namespace fieldcore {
@@ -10,17 +12,32 @@ ChoiceButton::ChoiceButton(QWidget* parent) : QPushButton(parent)
 {
     setCheckable(true);
     setAutoDefault(false);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
-void ChoiceButton::initStyleOption(QStyleOptionButton* option) const
+QSize ChoiceButton::minimumSizeHint() const
 {
-    QPushButton::initStyleOption(option);
-    if (isChecked()) {
-        // A button that is down is drawn darker than its colour, which the text would not survive.
-        option->state &= ~QStyle::State_On;
-        option->palette.setColor(QPalette::Button, Theme::Current().accent);
-        option->palette.setColor(QPalette::ButtonText, Theme::Current().ground);
+    return {fontMetrics().horizontalAdvance(text()) + 2 * TouchStyle::kGrid,
+            QPushButton::minimumSizeHint().height()};
+}
+
+void ChoiceButton::paintEvent(QPaintEvent* event)
+{
+    if (!isChecked()) {
+        QPushButton::paintEvent(event);
+        return;
     }
+    // A button that is down is drawn paler than its colour, which the text would not survive.
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.state &= ~QStyle::State_On;
+    option.palette.setColor(QPalette::ButtonText, Theme::Current().ground);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(hasFocus() ? QPen(Theme::Current().text, 3.0) : QPen(Qt::NoPen));
+    painter.setBrush(Theme::Current().accent);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), 2.0, 2.0);
+    style()->drawControl(QStyle::CE_PushButtonLabel, &option, &painter, this);
 }
 
 } // namespace fieldcore

@@ -13,8 +13,11 @@ class ChoiceButton : public QPushButton
 public:
     explicit ChoiceButton(QWidget* parent = nullptr);
 
+    /// As narrow as its text allows.
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
 protected:
-    void initStyleOption(QStyleOptionButton* option) const override;
+    void paintEvent(QPaintEvent* event) override;
 };
 
 } // namespace fieldcore

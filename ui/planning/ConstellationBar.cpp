@@ -92,10 +92,7 @@ void ConstellationBar::LayOut()
     for (QPushButton* const button : std::as_const(m_buttons)) {
         if (!button->isHidden()) {
             shown.append(button);
-            // The wish of a button has room for an icon; it does without.
-            const int wish =
-                button->fontMetrics().horizontalAdvance(button->text()) + 2 * TouchStyle::kGrid;
-            button->setMinimumWidth(wish);
+            const int wish = button->minimumSizeHint().width();
             m_widest = std::max(m_widest, wish);
             total += wish + TouchStyle::kGrid;
         }

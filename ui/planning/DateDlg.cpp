@@ -7,6 +7,7 @@
 #include "ui/controls/UiText.h"
 
 #include <QCalendarWidget>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QTextCharFormat>
@@ -37,25 +38,44 @@ QPushButton* AddButton(QHBoxLayout& row, int textId)
 /// The buttons of the calendar's own are small and drawn for another style.
 void Enlarge(QCalendarWidget& calendar)
 {
-    const auto button = [&](const QString& name, const QString& icon) {
+    const auto button = [&](const QString& name, const QString& icon, int textId) {
         if (auto* const found = calendar.findChild<QToolButton*>(name)) {
             found->setMinimumSize(6 * kGrid, 6 * kGrid);
             if (!icon.isEmpty()) {
                 found->setIcon(ThemeIcon(icon));
                 found->setIconSize({3 * kGrid, 3 * kGrid});
+                found->setAccessibleName(UiText(textId));
             }
         }
     };
-    button(QStringLiteral("qt_calendar_prevmonth"), QStringLiteral("back"));
-    button(QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("forward"));
-    button(QStringLiteral("qt_calendar_monthbutton"), {});
-    button(QStringLiteral("qt_calendar_yearbutton"), {});
+    button(QStringLiteral("qt_calendar_prevmonth"), QStringLiteral("back"), text::kDatePrevious);
+    button(QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("forward"), text::kDateNext);
+    button(QStringLiteral("qt_calendar_monthbutton"), {}, 0);
+    button(QStringLiteral("qt_calendar_yearbutton"), {}, 0);
+    if (auto* const days =
+            calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_calendarview"))) {
+        days->setAccessibleName(calendar.accessibleName());
+    }
+}
+
+/// In the colours of the theme that holds now.
+void Colour(QCalendarWidget& calendar)
+{
+    const Theme& theme = Theme::Current();
+    QTextCharFormat weekend;
+    weekend.setForeground(theme.bad);
+    calendar.setWeekdayTextFormat(Qt::Sunday, weekend);
+    weekend.setForeground(theme.accent);
+    calendar.setWeekdayTextFormat(Qt::Saturday, weekend);
+    QTextCharFormat header;
+    header.setBackground(theme.ground);
+    calendar.setHeaderTextFormat(header);
     if (auto* const bar =
             calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"))) {
         bar->setBackgroundRole(QPalette::Button);
         QPalette palette = bar->palette();
-        palette.setColor(QPalette::Highlight, Theme::Current().raised);
-        palette.setColor(QPalette::HighlightedText, Theme::Current().text);
+        palette.setColor(QPalette::Highlight, theme.raised);
+        palette.setColor(QPalette::HighlightedText, theme.text);
         bar->setPalette(palette);
     }
 }
@@ -76,16 +96,8 @@ DateDlg::DateDlg(std::chrono::year_month_day date, std::chrono::year_month_day t
     m_calendar->setDateRange({1980, 1, 6}, {2079, 12, 31});
     m_calendar->setSelectedDate(ToQDate(date));
     m_calendar->setMinimumSize(7 * 6 * kGrid, 8 * 6 * kGrid);
-    const Theme& theme = Theme::Current();
-    QTextCharFormat weekend;
-    weekend.setForeground(theme.bad);
-    m_calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
-    weekend.setForeground(theme.accent);
-    m_calendar->setWeekdayTextFormat(Qt::Saturday, weekend);
-    QTextCharFormat header;
-    header.setBackground(theme.ground);
-    m_calendar->setHeaderTextFormat(header);
     Enlarge(*m_calendar);
+    Colour(*m_calendar);
 
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(m_calendar, 1);
@@ -101,6 +113,14 @@ DateDlg::DateDlg(std::chrono::year_month_day date, std::chrono::year_month_day t
     connect(cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
     connect(ok, &QPushButton::clicked, this, [this] { Close(kOk); });
     connect(m_calendar, &QCalendarWidget::activated, this, [this] { Close(kOk); });
+}
+
+void DateDlg::changeEvent(QEvent* event)
+{
+    Dialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        Colour(*m_calendar);
+    }
 }
 
 std::optional<std::chrono::year_month_day> DateDlg::Ask()

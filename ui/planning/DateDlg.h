@@ -24,6 +24,9 @@ public:
     /// @return the day; nothing if the user cancelled
     [[nodiscard]] std::optional<std::chrono::year_month_day> Ask();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     QCalendarWidget* m_calendar; // owned by the dialog
 };

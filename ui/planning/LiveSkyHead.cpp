@@ -1,11 +1,10 @@
 #include "ui/planning/LiveSkyHead.h"
 
 #include "core/resources/StringTable.h"
-#include "ui/controls/Theme.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/SkyPlotDlg.h"
 
-#include <QLabel>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -13,13 +12,6 @@
 namespace fieldcore {
 
 namespace {
-
-void Colour(QLabel* label, const QColor& colour)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
-}
 
 QString AgeText(std::chrono::seconds age, bool isStale)
 {
@@ -31,9 +23,9 @@ QString AgeText(std::chrono::seconds age, bool isStale)
     return ToQt(FormatText(id, static_cast<long long>(age.count() / (inMinutes ? 60 : 1))));
 }
 
-QLabel* MakeLabel(int id)
+RoleLabel* MakeLabel(int id, RoleLabel::Role role)
 {
-    auto* const label = new QLabel;
+    auto* const label = new RoleLabel(role);
     label->setWordWrap(true);
     Dialog::SetControlId(label, id);
     return label;
@@ -42,8 +34,9 @@ QLabel* MakeLabel(int id)
 } // namespace
 
 LiveSkyHead::LiveSkyHead(QWidget* parent)
-    : QWidget(parent), m_age(MakeLabel(CSkyPlot::kAge)), m_counts(MakeLabel(CSkyPlot::kCounts)),
-      m_problem(MakeLabel(CSkyPlot::kProblem))
+    : QWidget(parent), m_age(MakeLabel(CSkyPlot::kAge, &Theme::text)),
+      m_counts(MakeLabel(CSkyPlot::kCounts, &Theme::text)),
+      m_problem(MakeLabel(CSkyPlot::kProblem, &Theme::bad))
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -60,7 +53,6 @@ void LiveSkyHead::Show(const LiveSkyPoll::Now& live, std::optional<Constellation
                        Clock::Duration now)
 {
     const LiveSky& sky = live.sky;
-    const Theme& theme = Theme::Current();
     const bool isStale = sky.IsStale(now);
     if (const auto age = sky.Age(now)) {
         const LiveSky::Counts counts = sky.Count(filter);
@@ -72,12 +64,11 @@ void LiveSkyHead::Show(const LiveSkyPoll::Now& live, std::optional<Constellation
         m_counts->setText(UiText(text::kSkyCountsUnknown));
     }
     const bool isGrey = isStale || !sky.HasReading();
-    Colour(m_age, isGrey ? theme.stale : theme.text);
-    Colour(m_counts, isGrey ? theme.stale : theme.text);
+    m_age->SetRole(isGrey ? &Theme::stale : &Theme::text);
+    m_counts->SetRole(isGrey ? &Theme::stale : &Theme::text);
     const int problem = sky.HasReading() ? LiveSkyTextId(live.state) : 0;
     m_problem->setText(UiText(problem));
     m_problem->setVisible(problem != 0);
-    Colour(m_problem, theme.bad);
 }
 
 } // namespace fieldcore

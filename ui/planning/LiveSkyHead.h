@@ -6,9 +6,9 @@
 
 #include <optional>
 
-class QLabel;
-
 namespace fieldcore {
+
+class RoleLabel;
 
 /// The words above the live sky: how old it is, how many satellites there are, and what is wrong if
 /// anything is. User-interface thread only.
@@ -27,9 +27,9 @@ public:
               Clock::Duration now);
 
 private:
-    QLabel* m_age; // owned by the widget, as are the others
-    QLabel* m_counts;
-    QLabel* m_problem;
+    RoleLabel* m_age; // owned by the widget, as are the others
+    RoleLabel* m_counts;
+    RoleLabel* m_problem;
 };
 
 } // namespace fieldcore

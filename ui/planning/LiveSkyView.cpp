@@ -29,6 +29,7 @@ LiveSkyView::LiveSkyView(QWidget* parent) : CGraphicsBase(parent)
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAccessibleName(UiText(text::kSkyPlotName));
+    Show({});
 }
 
 QSize LiveSkyView::sizeHint() const
@@ -54,6 +55,14 @@ void LiveSkyView::Show(const Picture& picture)
     if (Chosen() < 0) {
         m_chosen.reset();
     }
+    const auto count = [&](auto is) {
+        return static_cast<int>(std::ranges::count_if(m_picture.satellites, is));
+    };
+    setAccessibleDescription(m_picture.notice.isEmpty()
+                                 ? ToQt(FormatText(text::kSkyCounts, count(&LiveSatellite::IsSolid),
+                                                   count(&LiveSatellite::isTracked),
+                                                   static_cast<int>(m_picture.satellites.size())))
+                                 : m_picture.notice);
     Invalidate();
 }
 

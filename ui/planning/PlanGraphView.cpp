@@ -4,6 +4,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/PlanPainter.h"
+#include "ui/planning/PlanWindowList.h"
 #include "ui/planning/SkyPlot.h"
 #include "ui/planning/TimePlot.h"
 
@@ -68,7 +69,7 @@ QSize PlanGraphView::sizeHint() const
 QSize PlanGraphView::minimumSizeHint() const
 {
     const int em = QFontMetrics(font()).height();
-    return {em * 14, em * 12};
+    return {em * 14, em * 7};
 }
 
 void PlanGraphView::SetDrawing(const PlanDrawing& drawing)
@@ -154,7 +155,17 @@ void PlanGraphView::Tell()
     setAccessibleName(ToQt(FormatText(text::kGraphName, Text(GraphTextId(m_drawing.graph)))));
     const QStringList reading = Reading();
     const QString obstacle = m_drawing.Obstacle();
-    setAccessibleDescription(obstacle.isEmpty() ? reading.join(QLatin1Char(' ')) : obstacle);
+    const auto summary = [this] {
+        QStringList windows;
+        for (const PlanWindow& window : FindWindows(*m_drawing.plan, m_drawing.limits)) {
+            windows += WindowText(*m_drawing.plan, window);
+        }
+        return windows.isEmpty() ? UiText(text::kSheetNoWindow)
+                                 : windows.join(UiText(text::kPlanListSeparator));
+    };
+    setAccessibleDescription(!obstacle.isEmpty() ? obstacle
+                             : reading.isEmpty() ? summary()
+                                                 : reading.join(QLatin1Char(' ')));
     if (reading != m_told) {
         m_told = reading;
         Q_EMIT readingChanged(reading);

@@ -12,9 +12,18 @@ namespace fieldcore {
 
 namespace {
 
-/// The parts of the caption in as few lines as @p width allows; a part is never torn.
-QStringList CaptionLines(const PlanDrawing& drawing, const PlotStyle& style, qreal width)
+qreal LineHeight(const PlotStyle& style)
 {
+    return std::ceil(QFontMetricsF(style.small).height());
+}
+
+/// The parts of the caption in as few lines as @p width allows; a part is never torn. None where
+/// they would take much of the picture.
+/// @param height  of the picture
+QStringList CaptionLines(const PlanDrawing& drawing, const PlotStyle& style, qreal width,
+                         qreal height)
+{
+    constexpr double kMost = 0.25;
     const QString between = QStringLiteral("  ");
     const QFontMetricsF metrics(style.small);
     QStringList lines;
@@ -26,12 +35,8 @@ QStringList CaptionLines(const PlanDrawing& drawing, const PlotStyle& style, qre
             lines += metrics.elidedText(part, Qt::ElideRight, width);
         }
     }
-    return lines;
-}
-
-qreal LineHeight(const PlotStyle& style)
-{
-    return std::ceil(QFontMetricsF(style.small).height());
+    const double share = static_cast<double>(lines.size()) * LineHeight(style) / height;
+    return share > kMost ? QStringList() : lines;
 }
 
 } // namespace
@@ -43,7 +48,7 @@ QRectF GraphArea(const PlanDrawing& drawing, const PlotStyle& style, const QRect
     if (!drawing.HasPlan()) {
         return inner;
     }
-    const auto lines = CaptionLines(drawing, style, inner.width()).size();
+    const auto lines = CaptionLines(drawing, style, inner.width(), area.height()).size();
     return inner.adjusted(0.0, 0.0, 0.0, -static_cast<qreal>(lines) * LineHeight(style) - 4.0);
 }
 
@@ -73,7 +78,7 @@ void PaintGraph(QPainter& painter, const PlanDrawing& drawing, const PlotStyle& 
     painter.setFont(style.small);
     painter.setPen(style.second);
     QRectF line(graph.left(), graph.bottom() + 4.0, graph.width(), LineHeight(style));
-    for (const QString& words : CaptionLines(drawing, style, graph.width())) {
+    for (const QString& words : CaptionLines(drawing, style, graph.width(), area.height())) {
         painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, words);
         line.translate(0.0, line.height());
     }

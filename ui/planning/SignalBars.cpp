@@ -34,6 +34,7 @@ SignalBars::SignalBars(QWidget* parent) : CGraphicsBase(parent)
 {
     setAccessibleName(UiText(text::kSkyBars));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    Show({}, false);
 }
 
 void SignalBars::Show(const std::vector<LiveSatellite>& satellites, bool isStale)
@@ -46,6 +47,14 @@ void SignalBars::Show(const std::vector<LiveSatellite>& satellites, bool isStale
     };
     std::erase_if(m_satellites,
                   [&](const LiveSatellite& satellite) { return !hasSignal(satellite); });
+    double best = 0.0;
+    for (const LiveSatellite& satellite : m_satellites) {
+        for (const std::optional<double>& value : satellite.signals) {
+            best = std::max(best, value.value_or(0.0));
+        }
+    }
+    setAccessibleDescription(
+        ToQt(FormatText(text::kSkyBarsSummary, static_cast<int>(m_satellites.size()), best)));
     m_isStale = isStale;
     updateGeometry();
     Invalidate();

@@ -60,6 +60,7 @@ CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings&
     setAccessibleName(windowTitle());
     SetControlId(this, m_isTall ? kTemplateQ77Id : kTemplateId);
     BuildControls();
+    OfferConnection(); // for the almanac, and the place
 }
 
 CSurveyPlan::~CSurveyPlan()

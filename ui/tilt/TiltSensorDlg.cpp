@@ -193,10 +193,10 @@ bool TiltSensorDlg::OnInitDialog()
 {
     QRect place(0, 0, kVialWidth, kVialWidth);
     if (!g_anchor.isNull()) {
-        const QMargins frame =
-            windowHandle() != nullptr ? windowHandle()->frameMargins() : QMargins();
-        place.moveBottomRight(g_anchor->mapToGlobal(g_anchor->rect().bottomRight()) -
-                              QPoint(frame.right(), frame.bottom()));
+        // Its own frame nobody knows before it is there: that of the window beneath.
+        const QWidget* const under = g_anchor->window();
+        const QPoint frame = under->frameGeometry().bottomRight() - under->geometry().bottomRight();
+        place.moveBottomRight(g_anchor->mapToGlobal(g_anchor->rect().bottomRight()) - frame);
     }
     place = g_place.value_or(place);
     setGeometry(g_anchor.isNull() ? place : FreePlace(*g_anchor, place));

@@ -65,6 +65,7 @@ TEST(NumberPad, TypesUnderTheRulesOfTheField)
         int decimals;
         const char* keys;
         double value;
+        double before = 0.0;
     };
     const Row rows[] = {
         {"replaces what was there", 0, 100, 3, "1 . 5 4 3", 1.543},
@@ -73,6 +74,9 @@ TEST(NumberPad, TypesUnderTheRulesOfTheField)
         {"corrected", 0, 100, 0, "7 8 ← 6", 76.0},
         {"cleared", 0, 100, 0, "7 8 消去 6", 6.0},
         {"negative", -50, 100, 1, "3 . 5 ±", -3.5},
+        {"the sign first", -50, 100, 1, "± 3 . 5", -3.5},
+        {"the sign first, and back", -50, 100, 1, "± ± 3 . 5", 3.5},
+        {"the sign alone", -50, 100, 1, "±", -7.0, 7.0},
         {"and positive again", -50, 100, 1, "3 ± ± 4", 34.0},
         {"no sign where none may be", 0, 100, 0, "3 ± 4", 34.0},
     };
@@ -82,12 +86,20 @@ TEST(NumberPad, TypesUnderTheRulesOfTheField)
         spin.SetDecimals(row.decimals);
         spin.SetRange(row.first, row.last);
         spin.SetUnit(QStringLiteral(" m"));
-        spin.SetValue(0.0);
+        spin.SetValue(row.before);
         spin.show();
         Tap(spin.findChild<QLineEdit*>());
         Press(QString::fromUtf8(row.keys));
         EXPECT_EQ(spin.GetValue(), row.value);
     }
+    QLineEdit longitude(QStringLiteral("139.75"));
+    longitude.setInputMethodHints(Qt::ImhFormattedNumbersOnly);
+    longitude.show();
+    Tap(&longitude);
+    Press(QStringLiteral("±"));
+    EXPECT_EQ(longitude.text(), QStringLiteral("-139.75"));
+    Press(QStringLiteral("7 0"));
+    EXPECT_EQ(longitude.text(), QStringLiteral("-70"));
 }
 
 TEST(NumberPad, NeverHidesItsField)

@@ -297,21 +297,6 @@ TEST_F(FramesViewTest, CutsNothingOff)
         }
     }
     Theme::Use(Theme::Kind::Daylight);
-    const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPixelSize(21); // 30 % above 16
-    QApplication::setFont(large);
-    FramesView larger(history);
-    larger.resize(480, 640);
-    larger.show();
-    QCoreApplication::processEvents();
-    testing::ExpectNothingCut(larger, {480, 640});
-    for (const QPushButton* const button : larger.findChildren<QPushButton*>()) {
-        EXPECT_GE(button->height(), 44);
-        EXPECT_TRUE(larger.rect().contains(button->geometry()));
-    }
-    KeepPicture(larger, QStringLiteral("frames-480-large"));
-    QApplication::setFont(before);
 }
 
 } // namespace
