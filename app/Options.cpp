@@ -26,6 +26,26 @@ void ReadLanguage(const QString& option, AppOptions& options)
     }
 }
 
+QString Reference(const QCommandLineParser& parser, const QList<QCommandLineOption>& all)
+{
+    QString table =
+        QStringLiteral("program\tfieldcore\t") + parser.applicationDescription() +
+        QStringLiteral("\nexample\t  fieldcore --port sim:      with a simulated "
+                       "receiver\nexample\t  fieldcore --port COM1      with one behind "
+                       "a cable\n");
+    for (const QCommandLineOption& option : all) {
+        QStringList names;
+        for (const QString& name : option.names()) {
+            names += (name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name;
+        }
+        table += QStringList{QStringLiteral("option"), QString(), names.join(u','),
+                             option.valueName(), option.description()}
+                     .join(u'\t') +
+                 u'\n';
+    }
+    return table;
+}
+
 } // namespace
 
 AppOptions ParseArguments(const QStringList& arguments)
@@ -59,7 +79,8 @@ AppOptions ParseArguments(const QStringList& arguments)
     const QCommandLineOption language(
         QStringLiteral("language"), QStringLiteral("ja or en (else $FIELDCORE_LANGUAGE, else ja)."),
         QStringLiteral("LANGUAGE"));
-    parser.addOptions({port, theme, language, speed, screenshots, q77, firstPage});
+    const QList<QCommandLineOption> own{port, theme, language, speed, screenshots, q77, firstPage};
+    parser.addOptions(own);
 
     AppOptions options;
     if (!parser.parse(arguments)) {
@@ -71,6 +92,7 @@ AppOptions ParseArguments(const QStringList& arguments)
     options.showHelp = parser.isSet(help);
     options.showVersion = parser.isSet(version);
     options.help = parser.helpText();
+    options.reference = Reference(parser, QList<QCommandLineOption>{help, version} + own);
     options.port = parser.value(port);
     options.screenshots = parser.value(screenshots);
     options.isQ77 = parser.isSet(q77);

@@ -22,8 +22,9 @@ struct AppOptions
     bool firstPage = false; ///< end when the first page has been painted: for measuring
     bool showVersion = false;
     bool showHelp = false;
-    QString help;  ///< text of the help
-    QString fault; ///< what is wrong with the command line; empty: nothing
+    QString help;      ///< text of the help
+    QString reference; ///< the options as a table, as ReferencePrinter prints one
+    QString fault;     ///< what is wrong with the command line; empty: nothing
 };
 
 /// @param arguments  the program's name first

@@ -10,6 +10,7 @@
 #include "core/platform/PortList.h"
 #include "core/platform/PortNames.h"
 #include "core/platform/PortReport.h"
+#include "core/platform/Version.h"
 #include "core/settings/SettingsRoots.h"
 
 #include <algorithm>
@@ -193,9 +194,8 @@ Finding ExamineVersions()
     utsname system{};
     uname(&system);
     return {"version", Health::Ok,
-            std::string("fieldcore ") + FIELDCORE_VERSION + ", JSON schema " +
-                std::to_string(kJsonSchema) + ", " + system.sysname + " " + system.release + " " +
-                system.machine,
+            std::string("fieldcore ") + Version() + ", JSON schema " + std::to_string(kJsonSchema) +
+                ", " + system.sysname + " " + system.release + " " + system.machine,
             ""};
 }
 

@@ -1,12 +1,36 @@
+# find_package(Fieldcore COMPONENTS core simulator ui): the targets Fieldcore::core,
+# Fieldcore::simulator and Fieldcore::ui. Without components: core.
+set(fieldcore_unknown ${Fieldcore_FIND_COMPONENTS})
+list(REMOVE_ITEM fieldcore_unknown core simulator ui)
+foreach(component IN LISTS fieldcore_unknown)
+    if(Fieldcore_FIND_REQUIRED_${component})
+        set(Fieldcore_FOUND FALSE)
+        set(Fieldcore_NOT_FOUND_MESSAGE
+            "Fieldcore has no component \"${component}\": there are core, simulator and ui.")
+        return()
+    endif()
+endforeach()
+
 include(CMakeFindDependencyMacro)
 find_dependency(Threads)
 find_dependency(SQLite3)
-# Debian keeps the module that finds this library beside it, not with CMake's own.
-list(APPEND CMAKE_MODULE_PATH /usr/share/cmake/geographiclib)
-find_dependency(GeographicLib)
+list(APPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}")
+find_dependency(FieldcoreGeographic)
+list(REMOVE_ITEM CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}")
 include("${CMAKE_CURRENT_LIST_DIR}/FieldcoreTargets.cmake")
-# The screens: find_package(Fieldcore COMPONENTS ui), then link Fieldcore::ui.
+set(Fieldcore_core_FOUND TRUE)
+if("simulator" IN_LIST Fieldcore_FIND_COMPONENTS)
+    include("${CMAKE_CURRENT_LIST_DIR}/FieldcoreSimulatorTargets.cmake")
+    set(Fieldcore_simulator_FOUND TRUE)
+endif()
 if("ui" IN_LIST Fieldcore_FIND_COMPONENTS)
-    find_dependency(Qt6 COMPONENTS Widgets Svg)
-    include("${CMAKE_CURRENT_LIST_DIR}/FieldcoreUiTargets.cmake")
+    if(EXISTS "${CMAKE_CURRENT_LIST_DIR}/FieldcoreUiTargets.cmake")
+        find_dependency(Qt6 COMPONENTS Widgets Svg)
+        include("${CMAKE_CURRENT_LIST_DIR}/FieldcoreUiTargets.cmake")
+        set(Fieldcore_ui_FOUND TRUE)
+    elseif(Fieldcore_FIND_REQUIRED_ui)
+        set(Fieldcore_FOUND FALSE)
+        set(Fieldcore_NOT_FOUND_MESSAGE
+            "Fieldcore's screens are not installed (component ui, Debian: libfieldcore-ui-dev).")
+    endif()
 endif()
