@@ -24,20 +24,19 @@ function(fieldcore_install target export runtime development)
         DESTINATION ${package_folder} COMPONENT ${development})
     export(EXPORT ${export} NAMESPACE Fieldcore:: FILE ${PROJECT_BINARY_DIR}/${export}.cmake)
 endfunction()
-# fieldcore_pkg_config(NAME LIBS CFLAGS REQUIRES PRIVATE_LIBS PRIVATE_REQUIRES COMPONENT): NAME.pc. Who
-# links an archive needs what is private, too.
-function(fieldcore_pkg_config name libs cflags requires private_libs private_requires component)
+# fieldcore_pkg_config(NAME CFLAGS REQUIRES ARCHIVE_LIBS ARCHIVE_REQUIRES COMPONENT): NAME.pc of the
+# library of that name. Who links an archive links what is in it.
+function(fieldcore_pkg_config name cflags requires archive_libs archive_requires component)
     set(PC_NAME ${name})
     set(PC_DESCRIPTION "${PROJECT_DESCRIPTION}")
     set(PC_CFLAGS "${cflags}")
     file(RELATIVE_PATH PC_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
     string(REGEX REPLACE "/$" "" PC_PREFIX "${PC_PREFIX}")
-    if(BUILD_SHARED_LIBS)
-        set(PC_LIBS "${libs}")
-        set(PC_REQUIRES "Requires: ${requires}\nRequires.private: ${private_requires}\nLibs.private: ${private_libs}")
-    else()
-        set(PC_LIBS "${libs} ${private_libs}")
-        set(PC_REQUIRES "Requires: ${requires} ${private_requires}")
+    set(PC_LIBS "-l${name}")
+    set(PC_REQUIRES "${requires}")
+    if(NOT BUILD_SHARED_LIBS)
+        string(APPEND PC_LIBS " ${archive_libs}")
+        string(APPEND PC_REQUIRES " ${archive_requires}")
     endif()
     configure_file(cmake/fieldcore.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
@@ -46,18 +45,19 @@ endfunction()
 
 fieldcore_install(fieldcore_core FieldcoreTargets runtime development)
 fieldcore_install(fieldcore_simulator FieldcoreSimulatorTargets runtime development)
-fieldcore_pkg_config(fieldcore -lfieldcore "" "" "-lGeographicLib -pthread" sqlite3 development)
-fieldcore_pkg_config(fieldcore-simulator -lfieldcore-simulator "" fieldcore "" "" development)
+fieldcore_pkg_config(fieldcore "" "" "-lGeographicLib -pthread" sqlite3 development)
+fieldcore_pkg_config(fieldcore-simulator "" fieldcore "" "" development)
 install(DIRECTORY ${public_headers}/fieldcore/core ${public_headers}/fieldcore/simulator
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore COMPONENT development)
 write_basic_package_version_file(FieldcoreConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-set(config_files
-    ${CMAKE_CURRENT_LIST_DIR}/FieldcoreConfig.cmake
-    ${CMAKE_CURRENT_LIST_DIR}/FindFieldcoreGeographic.cmake
-    ${PROJECT_BINARY_DIR}/FieldcoreConfigVersion.cmake)
-install(FILES ${config_files} DESTINATION ${package_folder} COMPONENT development)
-file(COPY ${CMAKE_CURRENT_LIST_DIR}/FieldcoreConfig.cmake
-    ${CMAKE_CURRENT_LIST_DIR}/FindFieldcoreGeographic.cmake DESTINATION ${PROJECT_BINARY_DIR})
+configure_file(cmake/FieldcoreConfig.cmake.in ${PROJECT_BINARY_DIR}/FieldcoreConfig.cmake @ONLY)
+configure_file(cmake/FindFieldcoreGeographic.cmake
+    ${PROJECT_BINARY_DIR}/FindFieldcoreGeographic.cmake COPYONLY)
+install(FILES
+    ${PROJECT_BINARY_DIR}/FieldcoreConfig.cmake
+    ${PROJECT_BINARY_DIR}/FindFieldcoreGeographic.cmake
+    ${PROJECT_BINARY_DIR}/FieldcoreConfigVersion.cmake
+    DESTINATION ${package_folder} COMPONENT development)
 
 # fieldcore_program(TARGET COMPONENT): a program, its manual page and its completion in three shells,
 # which are made of the table that it prints.
@@ -106,7 +106,7 @@ if(FIELDCORE_CLI)
 endif()
 if(FIELDCORE_UI)
     fieldcore_install(fieldcore_ui FieldcoreUiTargets ui ui-development)
-    fieldcore_pkg_config(fieldcore-ui -lfieldcore-ui "-DQT_NO_CAST_FROM_ASCII -DQT_NO_KEYWORDS"
+    fieldcore_pkg_config(fieldcore-ui "-DQT_NO_CAST_FROM_ASCII -DQT_NO_KEYWORDS"
         "fieldcore Qt6Widgets" "" Qt6Svg ui-development)
     install(DIRECTORY ${public_headers}/fieldcore/ui
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fieldcore COMPONENT ui-development)
