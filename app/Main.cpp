@@ -2,6 +2,7 @@
 #include "app/Options.h"
 #include "app/ScreenPictures.h"
 #include "app/Session.h"
+#include "core/platform/Version.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
@@ -16,6 +17,7 @@
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -31,13 +33,17 @@ constexpr int kUsage = 2; // as of the command line's programs
 std::optional<int> AnswerWithoutScreen(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
+    if (argc == 2 && std::string_view(argv[1]) == "--print-reference") {
+        std::fputs(qPrintable(ParseArguments({QStringLiteral("fieldcore")}).reference), stdout);
+        return 0;
+    }
     const AppOptions options = ParseArguments(QCoreApplication::arguments());
     if (options.showHelp) {
         std::fputs(qPrintable(options.help), stdout);
         return 0;
     }
     if (options.showVersion) {
-        std::printf("fieldcore %s\n", FIELDCORE_VERSION);
+        std::printf("fieldcore %s\n", Version());
         return 0;
     }
     return std::nullopt;

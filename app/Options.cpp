@@ -22,6 +22,8 @@ QCommandLineOption Add(QCommandLineParser& parser, const QStringList& names, con
     }
     const QString shown = QStringLiteral("  %1 %2").arg(typed.join(QLatin1Char(',')), value);
     options.help += shown.leftJustified(kColumn) + UiText(purpose) + QLatin1Char('\n');
+    options.reference += QStringLiteral("option\t\t%1\t%2\t%3\n")
+                             .arg(typed.join(QLatin1Char(',')), value, UiText(purpose));
     QCommandLineOption option(names, UiText(purpose), value);
     parser.addOption(option);
     return option;
@@ -68,6 +70,10 @@ AppOptions ParseArguments(const QStringList& arguments)
     AppOptions options;
     UseLanguage(arguments, options);
     options.help = UiText(text::kAppPurpose) + UiText(text::kAppUsage);
+    options.reference = QStringLiteral("program\tfieldcore\t%1"
+                                       "example\t  fieldcore --port sim:\n"
+                                       "example\t  fieldcore --port COM1\n")
+                            .arg(UiText(text::kAppPurpose));
     QCommandLineParser parser;
     const auto add = [&](const QStringList& names, const char* value, int purpose) {
         return Add(parser, names, QString::fromLatin1(value), purpose, options);

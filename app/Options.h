@@ -22,9 +22,10 @@ struct AppOptions
     bool firstPage = false; ///< end when the first page has been painted: for measuring
     bool showVersion = false;
     bool showHelp = false;
-    QString help;  ///< text of the help
-    QString fault; ///< what is wrong with the command line; empty: nothing
-    QString hint;  ///< what would be right; may be empty
+    QString help;      ///< text of the help
+    QString reference; ///< the options as a table, as ReferencePrinter prints one
+    QString fault;     ///< what is wrong with the command line; empty: nothing
+    QString hint;      ///< what would be right; may be empty
 };
 
 /// Everything is said in the language that is found first, which is set from then on.

@@ -6,6 +6,7 @@
 #include "app/Worlds.h"
 #include "core/host/MesBox.h"
 #include "core/link/RecvForceInit.h"
+#include "core/platform/Version.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/PageAction.h"
@@ -352,7 +353,7 @@ void Session::ForceInit()
 
 void Session::ShowAbout()
 {
-    const QString words = UiText(text::kAppAboutText).arg(QStringLiteral(FIELDCORE_VERSION));
+    const QString words = UiText(text::kAppAboutText).arg(QString::fromLatin1(Version()));
     CMesBox(m_controller.Host())
         .Show(words.toStdWString(), text::kAppTitle, {BoxButtons::Ok, BoxIcon::Information});
 }

@@ -7,7 +7,9 @@
 #include "cli/PortSession.h"
 #include "cli/Wording.h"
 
+#include "core/platform/Version.h"
 #include "core/resources/StringTable.h"
+#include "simulator/Reference.h"
 
 #include <algorithm>
 #include <memory>
@@ -159,8 +161,8 @@ World WorldOf(const World& world, const CLI::App& program)
 ExitCode ShowVersion(Output& output)
 {
     Report report;
-    report.Add("version", text::kLabelVersion, Value::Text(std::string(FIELDCORE_VERSION)));
-    return output.Done(report, std::string(kProgram) + " " + FIELDCORE_VERSION + "\n");
+    report.Add("version", text::kLabelVersion, Value::Text(std::string(Version())));
+    return output.Done(report, std::string(kProgram) + " " + Version() + "\n");
 }
 
 /// What "help" asks for is what --help shows.
@@ -235,6 +237,10 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
     TurnHelpIntoOption(arguments);
 
     Program program;
+    if (arguments.size() == 1 && arguments.front() == "--print-reference") {
+        ReferencePrinter(*world.out).Print(program.parser, program.parser.get_footer());
+        return ExitCode::Done;
+    }
     if (emptyCommand) {
         return Output(world, "", json).Failed(UsageFailure(Worded(text::kSayNothingBehind)));
     }

@@ -12,6 +12,7 @@
 #include "core/platform/PortNames.h"
 #include "core/platform/PortReport.h"
 #include "core/platform/Utf8.h"
+#include "core/platform/Version.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/SettingsRoots.h"
 
@@ -184,7 +185,7 @@ Finding ExamineVersions()
     uname(&system);
     return {text::kDoctorVersion, "", Health::Ok,
             Worded(text::kDoctorVersions,
-                   {FIELDCORE_VERSION, std::to_string(kJsonSchema),
+                   {Version(), std::to_string(kJsonSchema),
                     std::string(system.sysname) + " " + system.release + " " + system.machine}),
             ""};
 }

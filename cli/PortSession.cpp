@@ -201,8 +201,9 @@ std::optional<Failure> PortSession::Open()
     if (std::optional<Failure> failure = Prepare()) {
         return failure;
     }
-    return OpenTarget(*m_command, m_target) == 1 ? std::nullopt
-                                                 : std::optional(NotOpened(m_command->LastError()));
+    return OpenTarget(*m_command, m_target) == 1
+               ? std::nullopt
+               : std::optional(NotOpened(m_command->FaultDetail()));
 }
 
 Failure PortSession::NotOpened(std::string detail) const
@@ -246,25 +247,25 @@ std::optional<Failure> PortSession::Search()
         m_target.settings.baudRate = *rate;
         return OpenTarget(*m_command, m_target) == 1
                    ? std::nullopt
-                   : std::optional(NotOpened(m_command->LastError()));
+                   : std::optional(NotOpened(m_command->FaultDetail()));
     }
     switch (m_command->Fault()) {
     case CommandFault::OpenFailed:
-        return NotOpened(m_command->LastError());
+        return NotOpened(m_command->FaultDetail());
     case CommandFault::Cancelled:
     case CommandFault::LinkLost:
-        return RequestFailure(m_command->Fault(), m_command->LastError());
+        return RequestFailure(m_command->Fault(), m_command->FaultDetail());
     default:
         return Failure{ExitCode::NoAnswer,           "no-answer", Worded(text::kSayNoRate),
-                       Worded(text::kSayNoRateHint), "",          m_command->LastError()};
+                       Worded(text::kSayNoRateHint), "",          m_command->FaultDetail()};
     }
 }
 
 Failure PortSession::RequestFailed() const
 {
     return LooksLikeOutput(m_command->RecentNoise())
-               ? SendingFailure(m_command->LastError())
-               : RequestFailure(m_command->Fault(), m_command->LastError());
+               ? SendingFailure(m_command->FaultDetail())
+               : RequestFailure(m_command->Fault(), m_command->FaultDetail());
 }
 
 } // namespace fieldcore::cli

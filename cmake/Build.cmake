@@ -1,9 +1,11 @@
-# How every target of this project is compiled: link it PRIVATE.
+# How every target of this project is compiled: link it PRIVATE. Here headers are found from the
+# root; hosts see those of build/include alone, see Headers.cmake.
 add_library(fieldcore_build INTERFACE)
+target_include_directories(fieldcore_build INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/made)
 target_compile_features(fieldcore_build INTERFACE cxx_std_20)
 target_compile_options(fieldcore_build INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
-    -Woverloaded-virtual -Wimplicit-fallthrough -Werror
+    -Woverloaded-virtual -Wimplicit-fallthrough $<$<BOOL:${FIELDCORE_WERROR}>:-Werror>
     # Results are asked for to the last bit: no fused multiply-add, no reordering.
     -ffp-contract=off)
 
@@ -24,3 +26,53 @@ if(FIELDCORE_COVERAGE)
     target_compile_options(fieldcore_build INTERFACE --coverage)
     target_link_options(fieldcore_build INTERFACE --coverage)
 endif()
+
+# The public headers as hosts include them, <fieldcore/core/link/Command.h>, made of those of the
+# tree whenever one of these changes.
+file(GLOB_RECURSE all_headers CONFIGURE_DEPENDS
+    ${PROJECT_SOURCE_DIR}/core/*.h ${PROJECT_SOURCE_DIR}/simulator/*.h ${PROJECT_SOURCE_DIR}/ui/*.h)
+set(public_headers ${PROJECT_BINARY_DIR}/include)
+add_custom_command(
+    OUTPUT ${PROJECT_BINARY_DIR}/include.stamp
+    COMMAND ${CMAKE_COMMAND} -D "SOURCE=${PROJECT_SOURCE_DIR}" -D "MADE=${PROJECT_BINARY_DIR}/made"
+        -D "FOLDER=${public_headers}" -P ${PROJECT_SOURCE_DIR}/cmake/Headers.cmake
+    COMMAND ${CMAKE_COMMAND} -E touch ${PROJECT_BINARY_DIR}/include.stamp
+    DEPENDS ${all_headers} ${PROJECT_SOURCE_DIR}/cmake/PublicHeaders.txt
+        ${PROJECT_SOURCE_DIR}/cmake/Headers.cmake
+        ${PROJECT_BINARY_DIR}/made/core/resources/Texts.h
+    VERBATIM)
+add_custom_target(fieldcore_headers DEPENDS ${PROJECT_BINARY_DIR}/include.stamp)
+
+# fieldcore_library(TARGET COMPONENT): a library that hosts link as Fieldcore::COMPONENT, static or
+# shared as BUILD_SHARED_LIBS says. Its objects are the same either way; the shared one shows what is
+# in the namespace fieldcore and nothing of what it is made with.
+function(fieldcore_library target component)
+    add_library(Fieldcore::${component} ALIAS ${target})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${component}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        DEFINE_SYMBOL ""
+        POSITION_INDEPENDENT_CODE ON
+        LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/fieldcore.map)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    # Not linked: what is exported could not name it.
+    foreach(kind COMPILE_OPTIONS INCLUDE_DIRECTORIES LINK_OPTIONS)
+        set(value $<TARGET_PROPERTY:fieldcore_build,INTERFACE_${kind}>)
+        if(kind STREQUAL "COMPILE_OPTIONS")
+            target_compile_options(${target} PRIVATE ${value})
+        elseif(kind STREQUAL "INCLUDE_DIRECTORIES")
+            target_include_directories(${target} PRIVATE ${value})
+        else()
+            target_link_options(${target} PRIVATE ${value})
+        endif()
+    endforeach()
+    target_include_directories(${target} INTERFACE
+        $<BUILD_INTERFACE:${public_headers}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    add_dependencies(${target} fieldcore_headers)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "SHARED_LIBRARY")
+        target_link_options(${target} PRIVATE
+            LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/fieldcore.map LINKER:--no-undefined)
+    endif()
+endfunction()

@@ -55,14 +55,15 @@ enum class HangUpPlace : std::uint8_t
 /// means the request, also `any`, `break` or `line`.
 struct FaultRule
 {
+    /// A rule for whatever is asked.
     static constexpr int kAnyRequest = -1;
     static constexpr int kBreakRequest = 0x100; ///< a BREAK
     static constexpr int kLineRequest = 0x101;  ///< a line of text
     static constexpr int kWholeAnswer = -1;
     static constexpr int kDefaultAmount = -1; ///< the kind's own default, see FaultKind
 
-    FaultKind kind = FaultKind::Drop;
-    int amount = kDefaultAmount; ///< bytes, milliseconds, a count or a type: see FaultKind
+    FaultKind kind = FaultKind::Drop; ///< what goes wrong
+    int amount = kDefaultAmount;      ///< bytes, milliseconds, a count or a type: see FaultKind
     HangUpPlace place = HangUpPlace::Reply;
     std::chrono::milliseconds backAfter{-1}; ///< a hang-up ends after this time; negative: never
 

@@ -1,4 +1,5 @@
 #include "core/platform/FastClock.h"
+#include "simulator/Reference.h"
 #include "simulator/Simulator.h"
 
 #include <CLI/CLI.hpp>
@@ -6,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -18,10 +20,11 @@ using namespace fieldcore::simulator;
 constexpr int kUsage = 2;
 constexpr int kFailed = 1;
 
-constexpr const char* kExamples =
-    R"(A survey receiver in software, behind a port that any program can open.
+constexpr const char* kPurpose =
+    "A survey receiver in software, behind a port that any program can open.";
 
-Examples:
+constexpr const char* kExamples =
+    R"(Examples:
   fieldcore-simulator                            a healthy receiver; its port is the first line
   fieldcore-simulator --list                     the scenarios there are
   fieldcore-simulator --scenario noisy-line      one of them
@@ -128,7 +131,7 @@ int main(int argc, char** argv)
 {
     try {
         Arguments arguments;
-        CLI::App app(kExamples);
+        CLI::App app(std::string(kPurpose) + "\n\n" + kExamples);
         app.add_flag("--list", arguments.list, "Name the scenarios and what each one shows");
         auto* const scenario =
             app.add_option("--scenario", arguments.scenario, "A scenario's name, or a file (lark)");
@@ -144,6 +147,14 @@ int main(int argc, char** argv)
             ->excludes(scenario);
         app.add_option("--export-files", arguments.exportFolder,
                        "Write the scenario's files into this folder, and end");
+        if (argc == 2 && std::string_view(argv[1]) == "--print-reference") {
+            app.description(kPurpose);
+            app.name("fieldcore-simulator");
+            const std::string_view examples = kExamples;
+            fieldcore::ReferencePrinter(std::cout).Print(
+                app, std::string(examples.substr(examples.find('\n') + 1)));
+            return 0;
+        }
         try {
             app.parse(argc, argv);
         } catch (const CLI::ParseError& error) {

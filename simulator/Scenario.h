@@ -131,7 +131,7 @@ struct Scenario
     double signalVersion = 2.10;
     double bootVersion = 1.05;
 
-    Options options;
+    Options options;             ///< what is installed
     int loggingRate = 10;        ///< shortest logging interval, tenths of a second
     int extendedLoggingRate = 5; ///< the same, newer receivers; 0: not told
     int memoryMb = 64;           ///< memory word of the options, MB

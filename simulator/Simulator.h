@@ -23,6 +23,7 @@ class LineWorker;
 class Port;
 class Responder;
 
+/// How a simulated receiver is run.
 struct SimulatorOptions
 {
     /// Where the port appears: a symbolic link, which must not exist yet unless an earlier

@@ -41,6 +41,7 @@ struct AntennaType
 class AntennaCatalogue
 {
 public:
+    /// How many types of antennas a catalogue has at most.
     static constexpr int kMaxTypes = 64;
     static constexpr int kMaxMethods = 64; ///< of a type
     /// Below HostBasePath().

@@ -49,6 +49,7 @@ public:
     /// How many heights and serial numbers are remembered.
     static constexpr int kRemembered = 10;
 
+    /// What it uses of the world around it.
     struct Surroundings
     {
         std::filesystem::path folder;                      ///< of the program

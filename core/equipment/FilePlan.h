@@ -57,6 +57,7 @@ struct PlannedFile
     NameFault nameFault = NameFault::None; ///< if that is why it is not kept here
     TransferStart start{};                 ///< how its transfer began
 
+    /// Whether it was tried, or was to be, and could not be done.
     [[nodiscard]] bool HasFailed() const { return outcome >= FileOutcome::NameRefused; }
     /// Whether the receiver has said something to it, if only no.
     [[nodiscard]] bool WasAnswered() const;
@@ -81,6 +82,7 @@ struct FilePlan
     std::vector<PlannedFile> files{};
     ReceivedNames names{}; ///< of those that are to be fetched
 
+    /// Files of that outcome, and their bytes as listed.
     [[nodiscard]] int Count(FileOutcome outcome) const;
     [[nodiscard]] std::uint64_t Bytes(FileOutcome outcome) const;
     /// Bytes of those planned that are in @p where in the same size, or in the folder of their day.

@@ -51,6 +51,7 @@ public:
     /// For the host to fill with CCommand::RequestPositionStatus().
     [[nodiscard]] ReturnPositionStatusInformation* GetRETPOS3() { return &m_status; }
 
+    /// The synchronised flag; 0 until the time was accepted.
     [[nodiscard]] int GetTimeSynchro() const { return m_isSynchronised; }
     /// 1 if GetTimeSynchro() is not 0.
     [[nodiscard]] int GetSingleFlag() const { return m_isSynchronised != 0 ? 1 : 0; }

@@ -24,6 +24,7 @@ class CCommand;
 class ReceiverFiles
 {
 public:
+    /// Which files are listed.
     enum Mode : int
     {
         Recycled = 0, ///< the recycle bin's page is active

@@ -35,6 +35,7 @@ enum class BoxAnswer
     Retry,
 };
 
+/// How a message looks and which answers it offers.
 struct BoxStyle
 {
     BoxButtons buttons = BoxButtons::Ok;

@@ -12,11 +12,13 @@ namespace fieldcore {
 class BoxText
 {
 public:
+    /// A number of the string table, or the text itself.
     BoxText(int id);
     BoxText(std::wstring_view text) : m_text(text) {}
     BoxText(const std::wstring& text) : m_text(text) {}
     BoxText(const wchar_t* text) : m_text(text) {}
 
+    /// What is shown.
     [[nodiscard]] const std::wstring& Get() const { return m_text; }
 
 private:

@@ -8,6 +8,7 @@ namespace fieldcore {
 class WaitCursor
 {
 public:
+    /// Shows the cursor. @param host  must outlive the object
     explicit WaitCursor(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
     ~WaitCursor() { m_host.ShowWaitCursor(false); }
     WaitCursor(const WaitCursor&) = delete;

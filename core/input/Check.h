@@ -51,11 +51,13 @@ public:
     /// -10-30-00 is 10 degrees and a half, and the sign is the caller's business.
     [[nodiscard]] double GetRad(const std::wstring& text);
 
+    /// The limits of CheckNum(); both are accepted.
     void SetNumMinMax(double minimum, double maximum);
     /// @param minimum  whole degrees, in spite of the name
     void SetRadMinMax(int minimum, int maximum);
 
 protected:
+    /// The checks, with the control that gets the focus after a message; may be null.
     int stCheckNum(const std::wstring& text, FocusTarget* control, int integerOnly,
                    int showMessage);
     int stCheckPointName(const std::wstring& text, FocusTarget* control, int showMessage);

@@ -25,16 +25,19 @@ public:
     /// @return 1 if the character wrapped around and the next one is to count; 0 if that was all
     int Increment();
 
+    /// The name as it is now.
     [[nodiscard]] const std::wstring& GetString() const { return m_name; }
 
     /// 1 after a character wrapped around, until it is set again.
     [[nodiscard]] int GetIncreFlag() const { return m_carry; }
     void SetIncreFlag(int flag) { m_carry = flag; }
 
+    /// Longest name, characters.
     [[nodiscard]] std::uint8_t GetMaxLength() const { return m_maxLength; }
     void SetMaxLength(std::uint8_t length) { m_maxLength = length; }
 
 protected:
+    /// What Increment() does at a character that counts, at another one, and left of the name.
     int stNormalIncre();
     int stAddIncre();
     int stNegaIncre();

@@ -45,15 +45,29 @@ std::string Channel::PathOf(int portNumber) const
 
 int Channel::Open(const std::string& devicePath, const PortSettings& settings, int number)
 {
+    std::unique_ptr<SimulatedPort> simulated;
+    const PortNameResult named = PortNames().Parse(devicePath);
+    if (named.port && named.port->kind == PortKind::Simulator) {
+        std::string error;
+        simulated = StartSimulatedPort(named.port->scenario, m_clock, error);
+        if (!simulated) {
+            const std::scoped_lock lock(m_mutex);
+            m_linkError = LinkError::Open;
+            m_deviceFault = error;
+            m_deviceFaultCode = 0;
+            return 0;
+        }
+    }
     auto link = std::make_unique<SerialLink>(m_makeDevice(), m_clock);
     {
         const std::scoped_lock lock(m_mutex);
         link->SetObserver(m_observer);
     }
-    if (link->Open(devicePath, settings) == 0) {
+    if (link->Open(simulated ? simulated->Path() : devicePath, settings) == 0) {
         NoteFault(*link);
         return 0;
     }
+    m_simulated = std::move(simulated);
     m_doubt = {};
     m_isOdd = false;
     m_portNumber = number;
@@ -70,11 +84,14 @@ void Channel::Close()
         return;
     }
     m_link->Close();
-    const std::scoped_lock lock(m_mutex);
-    m_link.reset();
-    m_isOpen = false;
-    m_portNumber = 0;
-    m_baudRate = 0;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_link.reset();
+        m_isOpen = false;
+        m_portNumber = 0;
+        m_baudRate = 0;
+    }
+    m_simulated.reset();
 }
 
 void Channel::SetObserver(LineObserver observer)

@@ -6,6 +6,7 @@
 #include "core/platform/AutoResetEvent.h"
 #include "core/platform/Clock.h"
 #include "core/platform/PortNames.h"
+#include "core/platform/SimulatedPort.h"
 
 #include <atomic>
 #include <chrono>
@@ -113,7 +114,8 @@ private:
     Doubt m_doubt;                     // the owner's alone
     std::atomic<bool> m_isOdd = false; // damaged bytes came, or some that nobody waited for
 
-    mutable std::mutex m_mutex; // guards these; the owner alone replaces the link
+    std::unique_ptr<SimulatedPort> m_simulated; // the owner's alone; behind the open port, or null
+    mutable std::mutex m_mutex;                 // guards these; the owner alone replaces the link
     std::unique_ptr<SerialLink> m_link;
     LineObserver m_observer;
     LinkError m_linkError = LinkError::None;

@@ -11,6 +11,7 @@ namespace fieldcore {
 class CComBlueToothSet
 {
 public:
+    /// How the receiver is reached.
     enum Way : int
     {
         Cable = 0,

@@ -35,6 +35,7 @@ struct SetRS232PortParameters
 class CComPrmSet
 {
 public:
+    /// The port that leads to the receiver.
     static constexpr int kLinkPort = 0;
     static constexpr int kMostPorts = 3; ///< of a receiver
 
@@ -51,6 +52,7 @@ public:
     /// Stores the five values, or none of them.
     int WriteRegCommPrm(int port) const;
 
+    /// Brings the flags to the data, and the data to the flags.
     void ConvData2Flag();
     void ConvFlag2Data();
 

@@ -3,6 +3,7 @@
 #include "core/link/FileListing.h"
 #include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/PortReport.h"
 #include "core/platform/PosixFileOperations.h"
 
 #include <algorithm>
@@ -96,6 +97,7 @@ int CCommand::OpenPort(const std::string& devicePath, const PortSettings& settin
         return Finish(turn, 0);
     }
     m_timeout = {};
+    m_failed.port = devicePath;
     return Finish(turn, turn.Open(devicePath, settings, portNumber));
 }
 
@@ -230,6 +232,28 @@ int CCommand::Fail(CommandFault fault)
 }
 
 std::string CCommand::LastError() const
+{
+    if (m_failed.fault == CommandFault::None) {
+        return {};
+    }
+    std::string text = MeaningOf(m_failed.fault).terminal.message;
+    std::string hint = MeaningOf(m_failed.fault).terminal.hint;
+    if (m_failed.fault == CommandFault::OpenFailed && IsPortOpen() == 1) {
+        return "A port is open already. Close it before another one is opened.";
+    }
+    if (m_failed.fault == CommandFault::OpenFailed) {
+        const PortNameResult named = PortNames().Parse(m_failed.port);
+        if (named.port && named.port->kind == PortKind::Simulator) {
+            return m_failed.device;
+        }
+        const PortReport report = ReportPort(m_failed.port, SystemError());
+        text = report.text;
+        hint = report.command.empty() ? "" : "Try: " + report.command;
+    }
+    return text + (hint.empty() ? "" : " " + hint) + " [" + FaultDetail() + "]";
+}
+
+std::string CCommand::FaultDetail() const
 {
     if (m_failed.fault == CommandFault::None) {
         return {};

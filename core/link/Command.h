@@ -48,11 +48,13 @@ class Questions;
 class CCommand : public FrameBuffer
 {
 public:
+    /// What it uses of the world around it; the kinds of answer; who is told of bytes.
     using Surroundings = ChannelSurroundings;
     using Answer = fieldcore::Answer;
     using BytesArrived = fieldcore::BytesArrived;
 
     CCommand() : CCommand(Surroundings{}) {}
+    /// A line of its own. @param surroundings  what is pointed to must outlive the object
     explicit CCommand(Surroundings surroundings);
     /// Another face of the same line, for another thread.
     /// @param host  that is asked and breathes here; must outlive the object
@@ -83,7 +85,8 @@ public:
     /// @param portNumber  1 for COM1 and so on
     /// @return 1 if the port is open
     int OpenPort(int portNumber, const PortSettings& settings = {});
-    /// @param devicePath  a serial device of this machine
+    /// @param devicePath  a serial device of this machine; "sim:" or "sim:SCENARIO" is a simulated
+    /// receiver, in a program that has called UseSimulator()
     /// @param portNumber  the COM number that it counts as; 0: none
     int OpenPort(const std::string& devicePath, const PortSettings& settings = {},
                  int portNumber = 0);
@@ -131,8 +134,12 @@ public:
     /// Whether this thread has a request under way, or waits to begin one.
     [[nodiscard]] bool IsBusy() const { return m_channel->IsMine(); }
     [[nodiscard]] CommandFault Fault() const { return m_failed.fault; }
-    /// What went wrong last and with which request, in words; empty if nothing did.
+    /// What went wrong last, why as far as it is known, and what to do about it, as the terminal
+    /// says it in English, with FaultDetail() in brackets; empty if nothing did. For a port that
+    /// did not open it looks at the machine, which takes some milliseconds.
     [[nodiscard]] std::string LastError() const;
+    /// What went wrong last and with which request, for developers; empty if nothing did.
+    [[nodiscard]] std::string FaultDetail() const;
     /// The system's number for what the port failed of last; 0 if it did not.
     [[nodiscard]] int SystemError() const { return m_channel->DeviceFaultCode(); }
     /// The last bytes, at most 256, that came over the open port and were no frame.
@@ -162,6 +169,7 @@ public:
     {
         return Query(0x34, {}, ParsePositionStatus, reply);
     }
+    /// @param source  1 to 3, see ParseBatteryPort(); the next ones: their replies
     int RequestBatteryPort(int& source) { return Query(0x41, {}, ParseBatteryPort, source); }
     int RequestOptions(OptionsReply& reply) { return Query(0x4A, {}, ParseOptions, reply); }
     int RequestOptionsEx(ExtendedOptionsReply& reply)
@@ -178,6 +186,7 @@ public:
     {
         return Query(0x7A, {1, 0}, ParseSettingsFlags, flags);
     }
+    /// The status of the receiver's files; then what its tilt sensor says.
     int RequestFileState(StatusReply& reply) { return Query(0x6B, {}, ParseStatus, reply); }
     int RequestTiltReading(TiltReading& reading)
     {
@@ -286,7 +295,8 @@ private:
         CommandFault fault = CommandFault::None;
         std::uint8_t request = 0; ///< its type; 0: it was no frame
         std::uint8_t answer = 0;  ///< type of the one that was not expected
-        std::string device;       ///< what the port says
+        std::string device{};     ///< what the port says
+        std::string port{};       ///< that was to be opened
     };
 
     static std::uint8_t High(std::uint16_t word) { return static_cast<std::uint8_t>(word >> 8); }

@@ -18,6 +18,7 @@ namespace fieldcore {
 class CConnect
 {
 public:
+    /// What DoModal() answers.
     enum Result : int
     {
         Connected = 1,
@@ -59,6 +60,7 @@ public:
     /// What the connect sequence was told; nothing if it was not needed.
     [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
 
+    /// By type number: whether it is acceptable, its lowest firmware, the warning about it.
     [[nodiscard]] int stGetRecvTypeFlag(std::uint32_t typeNumber) const;
     [[nodiscard]] double stGetRecvVer(std::uint32_t typeNumber) const;
     [[nodiscard]] std::wstring stCreateWarMes(std::uint32_t typeNumber) const;

@@ -99,7 +99,7 @@ int ConnectSequence::Do(ConnectStep step, Request request)
     }
     if (request() == 0) {
         m_fault = m_command.Fault();
-        m_detail = m_command.LastError();
+        m_detail = m_command.FaultDetail();
         m_isSending =
             m_fault != CommandFault::Cancelled && LooksLikeOutput(m_command.RecentNoise());
         return 0;

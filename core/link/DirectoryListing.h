@@ -29,6 +29,7 @@ struct DirectoryListingData
     std::uint8_t spare = 0;
     std::uint16_t fileIndex = 0; ///< Pica: the receiver's number for the file
 
+    /// The name; valid as long as the record is.
     [[nodiscard]] std::wstring_view Name() const { return name; }
 };
 

@@ -63,6 +63,7 @@ public:
     class Quiet
     {
     public:
+        /// @param questions  must outlive the object
         explicit Quiet(Questions& questions) : Quiet(&questions) {}
         /// Of the questions of @p command; nothing happens if there were none yet.
         explicit Quiet(CCommand& command);

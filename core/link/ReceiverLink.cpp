@@ -300,7 +300,8 @@ void ReceiverLink::ShortenTimeout(CCommand& asking) const
 bool ReceiverLink::IsPortThere() const
 {
     std::error_code ignored;
-    return m_target.devicePath.empty() || std::filesystem::exists(m_target.devicePath, ignored);
+    return m_target.devicePath.empty() || m_target.devicePath.starts_with("sim:") || // made anew
+           std::filesystem::exists(m_target.devicePath, ignored);
 }
 
 void ReceiverLink::Enter(LinkState state, LinkQuestion question)

@@ -47,6 +47,7 @@ enum class LinkQuestion
 class ReceiverLink
 {
 public:
+    /// How often the status is asked for; how long it waits between attempts after a loss.
     static constexpr std::chrono::seconds kPollInterval{2};
     static constexpr std::chrono::seconds kFirstPause{2};
     static constexpr std::chrono::seconds kPauseGrowth{2};
@@ -58,6 +59,7 @@ public:
     class Hold
     {
     public:
+        /// @param link  must outlive the object
         explicit Hold(ReceiverLink& link) : m_link(link) { ++m_link.m_holds; }
         ~Hold() { --m_link.m_holds; }
         Hold(const Hold&) = delete;

@@ -10,6 +10,7 @@ class CConnect;
 class CRecvForceInit
 {
 public:
+    /// What DoModal() answers.
     enum Result : int
     {
         Done = 1,

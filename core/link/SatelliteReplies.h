@@ -17,6 +17,7 @@ inline constexpr double kNoSignal = -9999.0;
 /// One satellite of a list.
 struct ListedSatellite
 {
+    /// The satellite's system.
     enum System : std::uint8_t
     {
         Gps = 0,
@@ -42,6 +43,7 @@ struct ListedSatellite
     friend bool operator==(const ListedSatellite&, const ListedSatellite&) = default;
 };
 
+/// The satellites that a receiver lists.
 struct SatelliteList
 {
     std::vector<ListedSatellite> satellites;

@@ -100,11 +100,13 @@ struct Arrivals
 class SerialLink
 {
 public:
+    /// What bytes are taken for: lines of text, or frames.
     enum class Framing : int
     {
         Lines = 0,
         Frames = 1,
     };
+    /// How a wait ended.
     enum class WaitOutcome
     {
         Delivered,
@@ -128,6 +130,7 @@ public:
     /// @return 1; 0 if the link was not open or the system reported a failure (closed all the same)
     int Close();
 
+    /// Whether a device is open, be it one that is gone.
     [[nodiscard]] bool IsOpen() const { return m_device->IsOpen(); }
     /// Whether the other end is gone. Only closing and opening again helps.
     [[nodiscard]] bool IsLost() const { return m_lost; }
@@ -168,6 +171,7 @@ public:
     /// Forgets what is half assembled and what was delivered.
     void ResetReceiveState();
 
+    /// Empties the queues. 1, or 0 with the code set.
     int Purge(SerialDevice::Queue queue);
     /// One 0x00 byte, then BREAK for @p duration.
     int SendBreak(std::chrono::milliseconds duration);
@@ -202,6 +206,7 @@ public:
     [[nodiscard]] const LineSettings& AppliedLineSettings() const { return m_lineSettings; }
     [[nodiscard]] const PortTimeouts& AppliedTimeouts() const { return m_timeouts; }
 
+    /// How long an answer may take, and what bytes are taken for.
     [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const { return m_replyTimeout; }
     void SetReplyTimeout(std::chrono::milliseconds timeout) { m_replyTimeout = timeout; }
     [[nodiscard]] Framing GetFraming() const { return m_framing; }
@@ -212,6 +217,7 @@ public:
     /// a frame is never overwritten by the next one.
     void SetHandOver(bool on);
 
+    /// What was delivered last, and how many bytes.
     [[nodiscard]] ExchangeState GetExchangeState() const;
     [[nodiscard]] std::size_t GetDeliveredLength() const;
     /// The last received frame of type 0x40, which is never delivered; empty if none came.

@@ -14,6 +14,7 @@ namespace fieldcore {
 class CAlmanacSatellite
 {
 public:
+    /// @param prn  1 to 32
     explicit CAlmanacSatellite(int prn = 1) : m_prn(prn) {}
     virtual ~CAlmanacSatellite() = default;
     CAlmanacSatellite(const CAlmanacSatellite&) = default;
@@ -26,6 +27,7 @@ public:
     [[nodiscard]] const AlmanacBytes& GetRecord() const { return m_record; }
     [[nodiscard]] const AlmanacOrbit& GetOrbit() const { return m_orbit; }
 
+    /// Its number; whether it has a record.
     [[nodiscard]] int GetPrn() const { return m_prn; }
     [[nodiscard]] int IsLoaded() const { return m_loaded; }
     /// A satellite that is switched off is left out of the plan.
@@ -35,6 +37,7 @@ public:
     [[nodiscard]] int IsValid() const { return m_loaded & m_use; }
     [[nodiscard]] int IsHealthy() const { return m_healthy ? 1 : 0; }
 
+    /// Where and when it is seen from.
     void SetObserver(const Observer& observer) { m_frame = LocalFrame(observer); }
     void SetObserver(const LocalFrame& frame) { m_frame = frame; }
     void SetTime(GpsEpoch epoch) { m_epoch = epoch; }

@@ -37,6 +37,7 @@ struct AlmanacTally
     int lost = 0;                            ///< no answer, or a damaged one
     CommandFault fault = CommandFault::None; ///< of the last one that was lost
 
+    /// Counts one more request.
     void Note(CommandFault outcome);
 };
 

@@ -12,11 +12,13 @@ class CTimeSpan
 {
 public:
     constexpr CTimeSpan() = default;
+    /// A span of whole seconds; may be negative.
     constexpr explicit CTimeSpan(std::int64_t seconds) : m_seconds(seconds) {}
 
     /// The sum of the four, each of any size and sign.
     CTimeSpan(std::int64_t days, std::int64_t hours, std::int64_t minutes, std::int64_t seconds);
 
+    /// All of it, seconds.
     [[nodiscard]] constexpr std::int64_t GetTotalSeconds() const { return m_seconds; }
 
     /// The parts carry the sign of the whole: hours -23 to 23, minutes and seconds -59 to 59.
@@ -31,12 +33,14 @@ public:
     }
     [[nodiscard]] constexpr int GetSeconds() const { return static_cast<int>(m_seconds % 60); }
 
+    /// Sums and differences.
     CTimeSpan& operator+=(CTimeSpan other);
     CTimeSpan& operator-=(CTimeSpan other);
     friend CTimeSpan operator+(CTimeSpan a, CTimeSpan b) { return a += b; }
     friend CTimeSpan operator-(CTimeSpan a, CTimeSpan b) { return a -= b; }
 
     friend constexpr bool operator==(CTimeSpan, CTimeSpan) = default;
+    /// The shorter one is less.
     friend constexpr std::strong_ordering operator<=>(CTimeSpan a, CTimeSpan b)
     {
         return a.m_seconds <=> b.m_seconds;
@@ -67,6 +71,7 @@ public:
     };
 
     constexpr CTime() = default;
+    /// An instant, seconds since 1970-01-01 00:00 UTC.
     constexpr explicit CTime(std::int64_t secondsSince1970) : m_time(secondsSince1970) {}
 
     /// The second in which @p utc lies.
@@ -96,6 +101,7 @@ public:
     [[nodiscard]] int GetMinute() const { return GetLocalParts().minute; }
     [[nodiscard]] int GetSecond() const { return GetLocalParts().second; }
 
+    /// Moved by a span; the span between two.
     CTime& operator+=(CTimeSpan span);
     CTime& operator-=(CTimeSpan span);
     friend CTime operator+(CTime time, CTimeSpan span) { return time += span; }
@@ -106,6 +112,7 @@ public:
     }
 
     friend constexpr bool operator==(CTime, CTime) = default;
+    /// The earlier one is less.
     friend constexpr std::strong_ordering operator<=>(CTime a, CTime b)
     {
         return a.m_time <=> b.m_time;

@@ -48,6 +48,7 @@ public:
     /// @param seconds  of the week or beyond, the fraction dropped
     void SetGpsTime(int week, double seconds);
 
+    /// The same instant by the calendar.
     [[nodiscard]] CTime GetUtcTime() const { return m_time; }
 
     /// Full weeks since the epoch, not cut to 10 bits.

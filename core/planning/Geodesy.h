@@ -14,6 +14,7 @@ enum class Ellipsoid
     Bessel1841, ///< Tokyo datum
 };
 
+/// An ellipsoid of revolution.
 struct EllipsoidShape
 {
     double semiMajorAxisM; ///< a, m

@@ -83,6 +83,7 @@ public:
     /// The graph that is chosen; a number that is none stands for the sky plot.
     [[nodiscard]] PlanGraph Graph() const;
 
+    /// The program's, where its files are.
     [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder; }
 
     // What the dialog and its pages read and set; Compute() takes it over.

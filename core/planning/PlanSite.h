@@ -30,6 +30,7 @@ struct SiteEntry
     std::optional<double> longitudeRad;
     std::optional<double> heightM;
 
+    /// Whether all of it is there, or nothing.
     [[nodiscard]] bool IsComplete() const { return latitudeRad && longitudeRad && heightM; }
     [[nodiscard]] bool IsEmpty() const { return !latitudeRad && !longitudeRad && !heightM; }
 };

@@ -14,6 +14,7 @@ struct WindowLimits
     static constexpr double kLowestPdop = 1.0, kHighestPdop = 10.0;
     static constexpr std::chrono::minutes kShortest{5}, kLongest{720};
 
+    /// Usable at every epoch, the highest dilution, and how long it must last.
     int minSatellites = 5;
     double maxPdop = 4.0;
     std::chrono::minutes minLength{30};

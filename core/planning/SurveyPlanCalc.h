@@ -16,6 +16,7 @@ namespace fieldcore {
 class CSurveyPlanCalc
 {
 public:
+    /// As many as there are PRN indices.
     static constexpr int kSatellites = kMaxPrn;
 
     CSurveyPlanCalc();
@@ -30,6 +31,7 @@ public:
     /// Where the almanac comes from, as far as its file or its content tell.
     [[nodiscard]] const AlmanacSource& Source() const { return m_source; }
 
+    /// Curtain, observer and time (GPS week and its seconds) that the satellites are tested with.
     void SetCurtain(const ObstructionCurtain& curtain);
     [[nodiscard]] const ObstructionCurtain& GetCurtain() const { return m_curtain; }
     void SetObserver(const Observer& observer) { m_frame = LocalFrame(observer); }
@@ -45,6 +47,7 @@ public:
     // One satellite, by PRN index 0 to 31. Another index is no satellite: 0, and nothing is set.
 
     [[nodiscard]] int IsValid(int index) const;
+    /// @param use  0: the satellite does not count
     void SetUse(int index, int use);
     /// Computes the satellite for observer and time and tests whether it is usable.
     int TestVisibility(int index);

@@ -14,6 +14,7 @@ class AutoResetEvent;
 class Clock
 {
 public:
+    /// A time of the calendar, and a span on the steady clock.
     using UtcTime = std::chrono::system_clock::time_point;
     using Duration = std::chrono::nanoseconds;
 
@@ -22,6 +23,7 @@ public:
     /// Time since some fixed moment; never goes back, whatever happens to the date.
     [[nodiscard]] virtual Duration Steady() const = 0;
 
+    /// The date and time.
     [[nodiscard]] virtual UtcTime Utc() const = 0;
 
     /// Sets the date and time.
@@ -52,6 +54,7 @@ public:
     [[nodiscard]] bool SetUtc(UtcTime time) override;
     [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
 
+    /// Whether SetUtc() may set the machine's clock; at first it may not.
     void AllowSetting(bool allowed) { m_settingAllowed = allowed; }
 
 private:

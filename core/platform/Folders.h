@@ -32,6 +32,7 @@ struct FolderSources
 class Folders
 {
 public:
+    /// @param sources  of this process, or made up by a test
     explicit Folders(FolderSources sources = FolderSources::System());
 
     /// Almanac, antenna catalogue, profiles: $FIELDCORE_HOME, else $XDG_DATA_HOME/fieldcore.

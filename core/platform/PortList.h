@@ -11,6 +11,7 @@ namespace fieldcore {
 /// A serial port of this machine.
 struct SerialPort
 {
+    /// What is behind a port.
     enum class Kind
     {
         BuiltIn,
@@ -18,8 +19,8 @@ struct SerialPort
         Bluetooth
     };
 
-    Kind kind = Kind::BuiltIn;
-    std::string path;       ///< such as /dev/ttyUSB0
+    Kind kind = Kind::BuiltIn; ///< by how it is reached
+    std::string path;          ///< such as /dev/ttyUSB0
     std::string stablePath; ///< below /dev/serial/by-id, the same after plugging in again, or empty
     std::string description; ///< what is plugged in, in words; UTF-8, no control characters
     std::string label;   ///< what the device says of itself, its address for Bluetooth; or empty

@@ -48,8 +48,10 @@ struct PortNameResult
 class PortNames
 {
 public:
+    /// The highest COM number.
     static constexpr int kMaxCom = 256;
 
+    /// @param roots  where devices are looked for
     explicit PortNames(SystemRoots roots = {});
 
     /// Lets COM @p com mean @p path from now on. An adapter is remembered by its stable name, so

@@ -56,6 +56,7 @@ public:
     int ReadOrStoreNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t& number,
                           std::uint32_t defaultNumber) const;
 
+    /// Stores a value. @return 1, or 0 if it could not be stored
     int WriteNumber(std::wstring_view subkey, std::wstring_view name, std::uint32_t number) const;
 
     /// A value that is missing gets stored with @p defaultBytes; that counts as success.
@@ -65,6 +66,7 @@ public:
     int ReadBinary(std::wstring_view subkey, std::wstring_view name, std::span<std::uint8_t> bytes,
                    std::span<const std::uint8_t> defaultBytes) const;
 
+    /// The same with bytes.
     int WriteBinary(std::wstring_view subkey, std::wstring_view name,
                     std::span<const std::uint8_t> bytes) const;
 

@@ -40,6 +40,7 @@ public:
     /// @return 1, or 0 if they could not be stored
     static int SaveBubbleData(const CReg& reg = HostReg());
 
+    /// The key that the settings stand in.
     [[nodiscard]] static std::wstring GetKeyPrm();
 
 private:

@@ -42,6 +42,7 @@ public:
     int SetMinSVsData(int satellites) { return Assign(m_minSVs, satellites); }
     [[nodiscard]] int GetMinSVsData() const { return m_minSVs; }
 
+    /// PDOP limit.
     int SetPDOPMaskData(double pdop) { return Assign(m_pdopMask, pdop); }
     /// @param raw  0: the limit that is worked with, which is never below 7.0; else as it was set
     [[nodiscard]] double GetPDOPMaskData(int raw) const;

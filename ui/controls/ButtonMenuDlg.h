@@ -21,6 +21,7 @@ public:
     static constexpr int kNothing = -1;
     static constexpr int kColumns = 3;
 
+    /// @param caption  over the buttons
     explicit CButtonMenuDlg(const QString& caption, QWidget* parent = nullptr);
 
     /// Adds a button after the others.

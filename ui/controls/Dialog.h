@@ -30,6 +30,7 @@ public:
         Whole,   ///< over all of its parent's window
     };
 
+    /// @param extent  how large it opens
     explicit Dialog(QWidget* parent = nullptr, Extent extent = Extent::Natural);
     /// A derived class whose OnDestroy() does something calls Destroy() in its own destructor: here
     /// it is too late for that.

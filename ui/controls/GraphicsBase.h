@@ -13,6 +13,7 @@ class CGraphicsBase : public QWidget
     Q_OBJECT
 
 public:
+    /// An empty picture.
     explicit CGraphicsBase(QWidget* parent = nullptr);
 
     /// The colour under the drawing; by default the ground of the theme.

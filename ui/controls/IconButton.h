@@ -11,6 +11,7 @@ class CIconButton : public QAbstractButton
     Q_OBJECT
 
 public:
+    /// A button without a picture yet.
     explicit CIconButton(QWidget* parent = nullptr);
     /// @param icon  name of one of the drawn icons
     CIconButton(const QString& icon, const QString& label, QWidget* parent = nullptr);

@@ -19,12 +19,14 @@ class CnMenuBar : public QWidget
     Q_OBJECT
 
 public:
+    /// How many menus it can have.
     static constexpr int kMaxPopups = 4;
 
     /// @param loadWay  how the screen runs: 0 as a dialog, whose button closes it; any other value
     ///                 as the host's program by itself, whose button ends the program
     explicit CnMenuBar(int loadWay = 0, QWidget* parent = nullptr);
 
+    /// As the constructor was given it.
     [[nodiscard]] int GetLoadWay() const { return m_loadWay; }
 
     /// Leaves the closing button out, for a screen that has OK and Cancel.
@@ -37,6 +39,7 @@ public:
     void AddItem(int popup, int id, const QString& text);
     void AddSeparator(int popup);
 
+    /// @param id  of an item; another changes nothing
     void EnableItem(int id, bool enabled);
     /// Checks one item of those that have the numbers @p first to @p last and unchecks the others;
     /// from then on they are shown as choices.
@@ -47,6 +50,7 @@ public:
     [[nodiscard]] QMenu* Popup(int popup) const;
 
 Q_SIGNALS:
+    /// The user has chosen the item with that number.
     void ItemChosen(int id);
     /// The user wants to leave the screen. Whether he may is asked elsewhere.
     void CloseRequested();

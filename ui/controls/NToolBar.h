@@ -15,6 +15,7 @@ class CnToolBar : public QWidget
     Q_OBJECT
 
 public:
+    /// An empty bar.
     explicit CnToolBar(QWidget* parent = nullptr);
 
     /// Adds a button after the others.
@@ -29,6 +30,7 @@ public:
     [[nodiscard]] bool IsItemChecked(int id) const;
 
 Q_SIGNALS:
+    /// The user has pressed the button with that number.
     void ItemChosen(int id);
 
 private:

@@ -16,16 +16,19 @@ class CPrgEndMes : public Dialog
     Q_OBJECT
 
 public:
+    /// Which answers it offers.
     enum class Mode
     {
         Normal,  ///< there is no receiver to switch off: only ending or staying
         Logging, ///< a receiver is in use, and goes on logging unless it is switched off
     };
 
+    /// What DoModal() answers.
     static constexpr int kEnd = kOk;
     static constexpr int kStay = kCancelled;
     static constexpr int kPowerOffAndEnd = 3;
 
+    /// @param mode  which answers it offers
     explicit CPrgEndMes(Mode mode, QWidget* parent = nullptr);
 
     /// Asks for a screen that is the program by itself, and does with receiver and link what the

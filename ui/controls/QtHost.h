@@ -35,6 +35,7 @@ class QtHost : public QObject, public Host
     Q_OBJECT
 
 public:
+    /// What the program wants of its host.
     struct Options
     {
         bool isQ77 = false;
@@ -48,6 +49,7 @@ public:
     static constexpr std::size_t kMostKept = 256;
 
     QtHost() : QtHost(Options{}) {}
+    /// @param options  what is pointed to must outlive the host
     explicit QtHost(const Options& options);
     /// Takes back the wait cursors that are still on.
     ~QtHost() override;

@@ -14,6 +14,7 @@ namespace fieldcore {
 class QtMessageTarget : public MessageTarget
 {
 public:
+    /// Is given the message and its two values.
     using Handler =
         std::function<void(unsigned message, std::intptr_t wParam, std::intptr_t lParam)>;
 

@@ -35,6 +35,7 @@ public:
     [[nodiscard]] double GetValue() const;
 
 Q_SIGNALS:
+    /// The user has chosen another value.
     void ValueChanged(double value);
 
 private:

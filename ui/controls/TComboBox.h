@@ -14,6 +14,7 @@ public:
     /// What GetCode() answers where there is no entry.
     static constexpr int kNoCode = -1;
 
+    /// An empty list.
     explicit CTComboBox(QWidget* parent = nullptr);
 
     /// @return the index of the new entry, which is the last

@@ -13,6 +13,7 @@ class CTextProgressCtrl : public QProgressBar, public ProgressBar
     Q_OBJECT
 
 public:
+    /// A bar without a text.
     explicit CTextProgressCtrl(QWidget* parent = nullptr);
 
     /// Both ends belong to the range; a range the wrong way round becomes its first number.

@@ -9,6 +9,7 @@ namespace fieldcore {
 /// The colours of all screens, plots and icons among them. User-interface thread only.
 struct Theme
 {
+    /// Which colours are used.
     enum class Kind
     {
         Daylight,
@@ -16,9 +17,9 @@ struct Theme
         System, ///< whichever of the two is nearer to the desktop's own
     };
 
-    bool isDark = false;
-    QColor ground;
-    QColor raised; ///< ground of what stands out: bars, buttons, cards
+    bool isDark = false; ///< light on dark
+    QColor ground;       ///< of the whole window
+    QColor raised;       ///< ground of what stands out: bars, buttons, cards
     QColor text;
     QColor second; ///< text of less weight, axes
     QColor accent;
@@ -29,6 +30,7 @@ struct Theme
     /// Curves and satellites, to be told apart with any eyes.
     std::array<QColor, 7> curves;
 
+    /// The one that is used, and the two that there are.
     [[nodiscard]] static const Theme& Current();
     [[nodiscard]] static const Theme& Daylight();
     [[nodiscard]] static const Theme& Dark();

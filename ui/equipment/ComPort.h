@@ -45,6 +45,7 @@ public:
              int startPage = kLastPage);
     ~CComPort() override;
 
+    /// The port that leads to the receiver.
     [[nodiscard]] int GetIOPort() const { return m_edit->LinkPort(); }
     /// Another port that the controller uses, before the sheet is shown; all is read anew.
     /// @param port  0: none of the pages'

@@ -10,6 +10,7 @@ class CRecvFile : public RecvFilePage
     Q_OBJECT
 
 public:
+    /// @param sheet  whose page it is
     explicit CRecvFile(CRecvFileMan& sheet);
 
 protected:

@@ -56,6 +56,7 @@ public:
     /// What comes before the sheet can be shown. @return as ReceiverFiles::Open()
     int Open();
 
+    /// As ReceiverFiles says.
     int SetRecvVer() { return m_files.SetRecvVer(); }
     [[nodiscard]] double GetRecvVer() const { return m_files.GetRecvVer(); }
     [[nodiscard]] std::uint32_t GetRecvTypeNum() const { return m_files.GetRecvTypeNum(); }
@@ -72,6 +73,7 @@ public:
 
     // The controls of the active page.
 
+    /// The list that shows the files, and its pictures. Not owned.
     void SetListCtrl(FileList* list);
     void SetImageList(FileImageList* images) { m_images = images; }
     /// The columns, and that whole rows are selected.

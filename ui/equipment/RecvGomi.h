@@ -11,6 +11,7 @@ class CRecvGomi : public RecvFilePage
     Q_OBJECT
 
 public:
+    /// @param sheet  whose page it is
     explicit CRecvGomi(CRecvFileMan& sheet);
 
 protected:

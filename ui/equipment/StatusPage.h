@@ -24,8 +24,10 @@ class StatusPage : public Dialog
     Q_OBJECT
 
 public:
+    /// An empty page.
     explicit StatusPage(QWidget* parent = nullptr);
 
+    /// Shows what is known. @param history  of the last hour
     void Show(const Receiver& receiver, const StatusHistory& history, const StatusView& view);
 
 Q_SIGNALS:

@@ -52,6 +52,7 @@ public:
 
     // The numbers of the controls.
 
+    /// Numbers of the controls.
     enum Control : int
     {
         kAge = 1, ///< in the head, as are the next two

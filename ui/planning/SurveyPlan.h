@@ -78,6 +78,7 @@ public:
     // What the pages of the detail settings read and set; DrawResults() shows it. Setters bring
     // what they are given into its range and answer 1 if the value changed.
 
+    /// The sky of the plan, the channel and the way it was loaded.
     [[nodiscard]] CSurveyPlanCalc* GetSurveyPlanCalc() { return &m_session.Plan().Calc(); }
     [[nodiscard]] CCommand* GetCCommand() const { return m_command; }
     [[nodiscard]] int GetLoadWay() const { return m_loadWay; }
@@ -115,6 +116,7 @@ public:
 
     // And beyond these:
 
+    /// The plan without the screen, and what is around it.
     [[nodiscard]] PlanSession& Session() { return m_session; }
     [[nodiscard]] const PlanSurroundings& Surroundings() const { return m_surroundings; }
     [[nodiscard]] Host& GetHost() const;
@@ -134,6 +136,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
+    /// Items of the menu: detail settings, curtain, almanac.
     void OnPlanSetDetail();
     void OnPlanSetCurtain();
     void OnPlanSetAlm();

@@ -29,6 +29,7 @@ public:
     SetSignal(CCommand* command, const CReg& reg, QWidget* parent = nullptr);
     ~SetSignal() override;
 
+    /// Its controls, for tests and pictures.
     [[nodiscard]] QCheckBox* Box(Signal signal) const
     {
         return m_boxes[static_cast<std::size_t>(signal)];

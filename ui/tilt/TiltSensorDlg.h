@@ -31,6 +31,7 @@ class TiltSensorDlg : public Dialog
     Q_OBJECT
 
 public:
+    /// Numbers of the window and its timer.
     static constexpr int kTemplateId = 21046;
     static constexpr int kPollTimer = 1;
 
@@ -58,6 +59,7 @@ public:
     /// Forgets where it was, as in a program that has just started.
     static void ForgetPlace();
 
+    /// What becomes of the window.
     enum class Event
     {
         Shown,
@@ -67,6 +69,7 @@ public:
     /// Told what becomes of the window. One for the program; empty: nobody.
     static void SetObserver(std::function<void(Event)> observer);
 
+    /// Large, with the numbers below, or small.
     void SetLarge(bool isLarge);
     [[nodiscard]] bool IsLarge() const { return m_small.has_value(); }
 

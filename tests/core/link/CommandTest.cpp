@@ -1,5 +1,7 @@
 #include "core/link/Command.h"
 
+#include "core/platform/SimulatedPort.h"
+#include "simulator/UseSimulator.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
@@ -248,6 +250,46 @@ TEST_F(CommandTest, IdentifiesAfterABreak)
         EXPECT_EQ(command.Fault(), row.reason);
         EXPECT_EQ(receiver.Requests(), (std::vector<Bytes>{{0x00}})) << "a BREAK is sent once";
     }
+}
+
+TEST(SimulatedPort, IsOpenedByNameAndFailuresSayWhatToDo)
+{
+    struct Row
+    {
+        const char* port;
+        bool isLinked;
+        const char* cause; ///< null: it opens
+        const char* advice;
+    };
+    const Row rows[] = {
+        {"sim:", false, "has no simulated receiver", "call fieldcore::UseSimulator()"},
+        {"sim:", true, nullptr, nullptr},
+        {"sim:pica", true, nullptr, nullptr},
+        {"sim:nosuch", true, "no scenario and no file named \"nosuch\"", "scenarios are lark"},
+        {"/nowhere/ttyUSB7", true, "There is no /nowhere/ttyUSB7.", "Try: fieldcore-cli ports"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.port);
+        SetSimulatorStarter({});
+        if (row.isLinked) {
+            UseSimulator();
+        }
+        CCommand command;
+        StatusReply status;
+        const int opened = command.OpenPort(row.port);
+        EXPECT_EQ(opened, row.cause == nullptr ? 1 : 0);
+        if (opened == 1) {
+            EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
+            command.ClosePort();
+            EXPECT_EQ(command.RequestStatus(status), 0);
+            EXPECT_EQ(command.OpenPort(row.port), 1) << "a second time: " << command.LastError();
+        } else {
+            const std::string said = command.LastError();
+            EXPECT_NE(said.find(row.cause), std::string::npos) << said;
+            EXPECT_NE(said.find(row.advice), std::string::npos) << said;
+        }
+    }
+    SetSimulatorStarter({});
 }
 
 } // namespace

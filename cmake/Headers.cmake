@@ -1,0 +1,42 @@
+# Writes the headers that hosts include:
+#   cmake -D SOURCE=... -D MADE=... -D FOLDER=... -P Headers.cmake
+# Those of PublicHeaders.txt and what they include go to FOLDER/fieldcore, and say there where they
+# are: #include "core/host/Host.h" becomes #include <fieldcore/core/host/Host.h>, so that no folder
+# of a host's own comes between them. Files whose content stays are not written, others go.
+cmake_minimum_required(VERSION 3.24)
+
+file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/PublicHeaders.txt waiting REGEX "^[a-z]")
+set(written "")
+while(waiting)
+    list(POP_FRONT waiting header)
+    if(header IN_LIST written)
+        continue()
+    endif()
+    list(APPEND written ${header})
+    set(from "${SOURCE}/${header}")
+    if(NOT EXISTS "${from}")
+        set(from "${MADE}/${header}")
+    endif()
+    file(READ "${from}" content)
+    string(REGEX MATCHALL "#include \"[^\"]+\"" includes "${content}")
+    foreach(include IN LISTS includes)
+        string(REGEX REPLACE "^#include \"(.*)\"$" "\\1" include "${include}")
+        list(APPEND waiting ${include})
+    endforeach()
+    string(REGEX REPLACE "#include \"([^\"]+)\"" "#include <fieldcore/\\1>" content "${content}")
+    set(to "${FOLDER}/fieldcore/${header}")
+    set(before "")
+    if(EXISTS "${to}")
+        file(READ "${to}" before)
+    endif()
+    if(NOT before STREQUAL content)
+        file(WRITE "${to}" "${content}")
+    endif()
+endwhile()
+
+file(GLOB_RECURSE present RELATIVE "${FOLDER}/fieldcore" "${FOLDER}/fieldcore/*.h")
+list(REMOVE_ITEM present ${written})
+list(TRANSFORM present PREPEND "${FOLDER}/fieldcore/")
+foreach(header IN LISTS present)
+    file(REMOVE "${header}")
+endforeach()

@@ -1,0 +1,46 @@
+// How does a Qt program show the plan and the bubble, in its theme and with its messages?
+// ./example-QtScreens PORT; with --once it ends when both have been seen.
+
+#include <fieldcore/core/link/Command.h>
+#include <fieldcore/simulator/UseSimulator.h>
+#include <fieldcore/ui/controls/QtHost.h>
+#include <fieldcore/ui/controls/Theme.h>
+#include <fieldcore/ui/controls/TouchStyle.h>
+#include <fieldcore/ui/planning/SurveyPlan.h>
+#include <fieldcore/ui/tilt/TiltSensorDlg.h>
+
+#include <QApplication>
+#include <QTimer>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    fieldcore::UseSimulator();
+    fieldcore::TouchStyle::UseWholePixels(); // before the application
+    const QApplication application(argc, argv);
+    fieldcore::TouchStyle::Install();
+    fieldcore::Theme::Use(fieldcore::Theme::Kind::Dark);
+    fieldcore::QtHost host; // messages, wait cursor, repainting while the library waits
+    fieldcore::SetDefaultHost(&host);
+
+    fieldcore::CCommand receiver;
+    if (receiver.OpenPort(argc > 1 ? argv[1] : "sim:tilted") == 0) {
+        std::fprintf(stderr, "%s\n", receiver.LastError().c_str());
+        return 1;
+    }
+    {
+        fieldcore::CSurveyPlan plan(&receiver, 0);
+        plan.resize(480, 640);
+        plan.show();
+        fieldcore::TiltSensorDlg::StartUp(&receiver, &plan, &plan);
+        if (argc > 2) {
+            QTimer::singleShot(0, &application, &QApplication::quit);
+        }
+        QApplication::exec();
+        std::printf("shown: %d\n", int{plan.isVisible()} + fieldcore::TiltSensorDlg::IsShow());
+        fieldcore::TiltSensorDlg::ShutDown();
+    }
+    receiver.ClosePort();
+    fieldcore::SetDefaultHost(nullptr);
+}
