@@ -1,11 +1,13 @@
 #include "app/Controller.h"
 
-#include "app/FirstStart.h"
 #include "app/PortTarget.h"
+#include "core/equipment/AntennaCatalogue.h"
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/StatusRows.h"
 #include "core/link/Questions.h"
+#include "core/planning/AlmanacStore.h"
 #include "core/planning/PlanSession.h"
+#include "core/planning/PlanSite.h"
 #include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
@@ -111,7 +113,9 @@ void Controller::UseStore()
     m_folder = folders.Program();
     m_roots.Use(folders);
     m_sky->Use(m_folder, m_link->Connections());
-    PutSamples(m_folder, m_clock->Utc());
+    InstallSampleSites(m_folder); // what is there stays
+    InstallSampleAntennas(m_folder);
+    AlmanacStore(m_folder).PutNominal(m_clock->Utc());
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
     m_antenna->CheckReg();

@@ -138,10 +138,16 @@ void StatusStrip::Show(const HomeState& state)
     m_antenna->setVisible(!state.antenna.isEmpty() &&
                           !(isSlim && (isSimulated || !broken.isEmpty())));
     m_antenna->setText(state.antenna);
-    m_antenna->setToolTip(state.antenna);
     m_ribbon->setVisible(isSimulated);
     m_ribbon->setText(UiText(text::kAppSimulator).arg(state.simulator));
-    Colour();
+    const auto roleOf = [&state](std::string_view key) { // what has grown old is grey
+        return IsStale(FieldOf(key), state.receiver, state.view) ? &Theme::stale : &Theme::text;
+    };
+    m_lamp->SetRole(RoleOf(link));
+    m_fix->SetRole(roleOf("fix"));
+    m_pdop->SetRole(roleOf("pdop"));
+    m_battery->SetRole(roleOf("batteryPercent"));
+    m_time->SetRole(state.receiver.status ? roleOf(kHeartbeat) : &Theme::text);
     Arrange();
 }
 
@@ -216,20 +222,6 @@ void StatusStrip::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     Arrange();
-}
-
-/// What has grown old is grey.
-void StatusStrip::Colour()
-{
-    const auto& [receiver, view, antenna, nextWindow, simulator] = m_state;
-    const auto roleOf = [&](std::string_view key) {
-        return IsStale(FieldOf(key), receiver, view) ? &Theme::stale : &Theme::text;
-    };
-    m_lamp->SetRole(RoleOf(receiver.link));
-    m_fix->SetRole(roleOf("fix"));
-    m_pdop->SetRole(roleOf("pdop"));
-    m_battery->SetRole(roleOf("batteryPercent"));
-    m_time->SetRole(receiver.status ? roleOf(kHeartbeat) : &Theme::text);
 }
 
 } // namespace fieldcore

@@ -46,7 +46,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void Colour();
     void Arrange();
     [[nodiscard]] QString Name() const;
     [[nodiscard]] QString TimeWords() const;

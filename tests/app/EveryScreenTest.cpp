@@ -37,6 +37,7 @@
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDialog>
+#include <QHeaderView>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -326,6 +327,17 @@ protected:
                 EXPECT_TRUE(!area->isVisible() || IsOneOf<CGraphicsBase>(*area->widget()) ||
                             area->widget()->width() <= area->viewport()->width())
                     << "it has to be scrolled sideways";
+            }
+            for (const QHeaderView* const header : window.findChildren<QHeaderView*>()) {
+                for (int i = 0; header->isVisible() && i < header->count(); ++i) {
+                    const bool isRow = header->orientation() == Qt::Vertical;
+                    const QString words =
+                        header->model()->headerData(i, header->orientation()).toString();
+                    EXPECT_TRUE(header->isSectionHidden(i) ||
+                                header->fontMetrics().horizontalAdvance(words) <=
+                                    (isRow ? header->width() : header->sectionSize(i)))
+                        << words.toStdString();
+                }
             }
             ExpectAllReached(window);
             for (const Theme::Kind theme : {Theme::Kind::Dark, Theme::Kind::Daylight}) {

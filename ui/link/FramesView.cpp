@@ -70,7 +70,7 @@ void FramesView::Build()
     m_table->horizontalHeader()->setMinimumHeight(4 * kGrid);
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     m_table->setColumnWidth(FramesModel::Time, 13 * digit + 2 * kGrid);
-    m_table->setColumnWidth(FramesModel::Way, 6 * digit + 2 * kGrid);
+    m_table->setColumnWidth(FramesModel::Way, 7 * digit + 2 * kGrid);
     m_table->setColumnWidth(FramesModel::Bytes, 40 * digit);
     m_detail->setReadOnly(true);
     m_detail->setAccessibleName(UiText(text::kFramesDetail));

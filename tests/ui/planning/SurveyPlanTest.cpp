@@ -461,54 +461,20 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     EXPECT_FALSE(time->isVisible());
 }
 
-TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
+TEST_F(SurveyPlanTest, HasRoomForTheLongestLineOfTheAlmanac)
 {
     const QFont before = QApplication::font();
     QFont large = before;
-    large.setPixelSize(before.pixelSize() * 13 / 10);
-    clock.time += std::chrono::days(140); // the longest line of the almanac
-    for (const bool isDark : {false, true}) {
-        Theme::Use(isDark ? Theme::Kind::Dark : Theme::Kind::Daylight);
-        for (const bool isLarge : {false, true}) {
-            QApplication::setFont(isLarge ? large : before);
-            for (const int item : {21901, 21902, 21904, 21905}) {
-                for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-                    Show(1, size);
-                    Choose(item);
-                    ExpectNothingCut(*plan, size);
-                    KeepPicture(*plan, QStringLiteral("plan-%1-%2%3%4")
-                                           .arg(item)
-                                           .arg(size.width())
-                                           .arg(isDark ? QStringLiteral("-dark") : QString())
-                                           .arg(isLarge ? QStringLiteral("-large") : QString()));
-                }
-            }
-            Show(0);
-            for (int page = 0; page < 3; ++page) {
-                Next(*plan, [&](QWidget& window) {
-                    dynamic_cast<PropertySheet&>(window).SetActivePage(page);
-                    QCoreApplication::processEvents();
-                    ExpectNothingCut(window, {480, 640});
-                    KeepPicture(window, QStringLiteral("page-%1%2%3")
-                                            .arg(page)
-                                            .arg(isDark ? QStringLiteral("-dark") : QString())
-                                            .arg(isLarge ? QStringLiteral("-large") : QString()));
-                    window.close();
-                });
-                Choose(21911);
-            }
-            Next(*plan, [&](QWidget& window) {
-                ExpectNothingCut(window, {480, 640});
-                KeepPicture(window, QStringLiteral("curtain%1%2")
-                                        .arg(isDark ? QStringLiteral("-dark") : QString())
-                                        .arg(isLarge ? QStringLiteral("-large") : QString()));
-                window.close();
-            });
-            Choose(21913);
-        }
+    large.setPixelSize(21); // 30 % above 16
+    QApplication::setFont(large);
+    clock.time += std::chrono::days(140);
+    for (const int item : {21901, 21904}) {
+        Show(1, {480, 640});
+        Choose(item);
+        ExpectNothingCut(*plan, {480, 640});
+        KeepPicture(*plan, QStringLiteral("plan-%1-old-large").arg(item));
     }
     QApplication::setFont(before);
-    Theme::Use(Theme::Kind::Daylight);
 }
 
 TEST_F(SurveyPlanTest, StandsAThousandRandomEvents)
