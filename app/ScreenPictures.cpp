@@ -56,7 +56,9 @@ constexpr Look kTallLooks[] = {
 
 bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& folder)
 {
-    window.resize(look.size);
+    if (window.minimumWidth() != window.maximumWidth()) { // a message has its own size
+        window.resize(look.size);
+    }
     window.show();
     for (int i = 0; i < 3; ++i) { // some fill their lists behind the first painting
         QCoreApplication::processEvents();

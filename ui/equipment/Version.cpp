@@ -8,6 +8,7 @@
 #include "ui/controls/UiText.h"
 
 #include <QClipboard>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
@@ -122,6 +123,15 @@ void CVersion::Show(std::vector<VersionRow> rows)
         }
         m_list->setItem(i, 0, name);
         m_list->setItem(i, 1, value);
+    }
+}
+
+/// Cells keep the colours that they were given.
+void CVersion::changeEvent(QEvent* event)
+{
+    Dialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        Show(std::vector(m_rows));
     }
 }
 

@@ -31,6 +31,7 @@ public:
 
 protected:
     bool OnInitDialog() override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void Show(std::vector<VersionRow> rows);
