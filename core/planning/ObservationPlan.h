@@ -4,6 +4,8 @@
 #include "core/planning/PlanPeriod.h"
 #include "core/planning/SurveyPlanCalc.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -21,6 +23,17 @@ enum class PlanGraph : std::uint8_t
     Pdop = 4,
     Gdop = 5,
     Tdop = 6,
+};
+
+/// Epochs of a plan: its samples and the one behind them.
+inline constexpr std::size_t kPlanEpochs = PlanPeriod::kMostSamples + 1;
+
+/// What one site sees over the epochs of a plan.
+struct SiteView
+{
+    std::array<std::uint64_t, kPlanEpochs> visible{}; ///< bit k: the satellite with PRN k + 1
+    std::array<std::uint8_t, kPlanEpochs> count{};
+    std::array<DopValues, kPlanEpochs> dop{};
 };
 
 /// The plan of a day: what a screen draws and a terminal prints, from one almanac for one site and
@@ -86,9 +99,9 @@ public:
 private:
     struct Results
     {
-        PlanGrid grid;
+        PlanGrid grid{kMaxPrn, kPlanEpochs}; // a slot for each PRN
         SiteView view;
-        SkyDirections directions{};
+        SkyDirections directions{kMaxPrn, kPlanEpochs};
     };
     [[nodiscard]] bool IsSample(int k) const { return k >= 0 && k < m_division; }
     void ComputeGrid();
@@ -97,7 +110,22 @@ private:
     PlanPeriod m_period;
     PlanPeriod m_computed;
     int m_division = 0;
-    std::unique_ptr<Results> m_results; // 90 kB: too much for a stack
+    std::unique_ptr<Results> m_results; // too much for a stack
 };
+
+// Inline: screens ask for thousands of steps, in less time than the plan itself takes.
+inline std::optional<ObservationPlan::TrackStep> ObservationPlan::TrackAt(int prnIndex, int k) const
+{
+    if (!IsSample(k) || prnIndex < 0 || prnIndex >= kMaxPrn) {
+        return std::nullopt;
+    }
+    const auto from = static_cast<std::size_t>(k);
+    const auto prn = static_cast<std::size_t>(prnIndex);
+    const auto& visible = m_results->view.visible;
+    if (((visible[from] & visible[from + 1]) >> prn & 1U) == 0) {
+        return std::nullopt;
+    }
+    return TrackStep{m_results->directions.At(prn, from), m_results->directions.At(prn, from + 1)};
+}
 
 } // namespace fieldcore
