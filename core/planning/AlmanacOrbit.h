@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/orbits/Ecef.h"
 #include "core/planning/AlmanacRecord.h"
-#include "core/planning/Ecef.h"
 
 #include <optional>
 

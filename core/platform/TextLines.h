@@ -8,7 +8,7 @@
 
 namespace fieldcore {
 
-// What the texts of the planning room have in common: lines, fields, numbers.
+// What the texts that are read have in common: lines, fields, numbers.
 
 /// No text that is read is longer, bytes.
 inline constexpr std::size_t kMostText = std::size_t{1} << 20;

@@ -1,4 +1,4 @@
-#include "core/planning/TextLines.h"
+#include "core/platform/TextLines.h"
 
 #include "core/platform/NumberText.h"
 
