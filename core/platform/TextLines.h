@@ -22,6 +22,8 @@ public:
     /// The next line, without white space at both ends.
     /// @return nothing behind the last
     [[nodiscard]] std::optional<std::string_view> Next();
+    /// The same with the white space at its start: for texts whose columns mean something.
+    [[nodiscard]] std::optional<std::string_view> NextWhole();
 
     /// Of the line that Next() gave, from 1; 0 before the first.
     [[nodiscard]] int Number() const { return m_number; }
