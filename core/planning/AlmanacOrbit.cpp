@@ -14,8 +14,6 @@ constexpr double kTwoPi = 2.0 * kPi;
 constexpr double kWeekS = 7 * 86400.0;
 constexpr int kWeekCycle = 1024;
 
-/// No orbit needs as many steps; elements that only look like one must not hang the program.
-constexpr int kMostNewtonSteps = 1000;
 /// Up to here the difference of eccentric and mean anomaly goes through short series.
 constexpr double kNearlyCircular = 0.05;
 /// Beyond it, more than two years from toa, rounding of the mean anomaly itself grows visible, and
@@ -27,21 +25,6 @@ bool IsOrbit(const KeplerElements& k)
     // One sum is finite only if all of its terms are.
     return k.eccentricity >= 0.0 && k.eccentricity < 1.0 &&
            std::isfinite(k.a + k.i0 + k.omegaDot + k.omega0 + k.omega + k.m0);
-}
-
-std::optional<double> EccentricAnomaly(double m, double e)
-{
-    double anomaly = m;
-    double step = 1.0;
-    for (int i = 0; std::abs(step) > 1.0e-8; ++i) {
-        if (i == kMostNewtonSteps) {
-            return std::nullopt;
-        }
-        const double reduced = std::fmod(anomaly, kTwoPi);
-        step = (m - anomaly + e * std::sin(reduced)) / (1.0 - e * std::cos(reduced));
-        anomaly += step;
-    }
-    return anomaly;
 }
 
 /// Seconds since the cycle of 10-bit weeks began, with one cycle taken off.

@@ -1,16 +1,12 @@
 #pragma once
 
+#include "core/orbits/Ecef.h"
+#include "core/orbits/KeplerOrbit.h"
 #include "core/planning/AlmanacRecord.h"
-#include "core/planning/Ecef.h"
 
 #include <optional>
 
 namespace fieldcore {
-
-/// Earth's gravitational parameter GM, m^3/s^2, and rate of rotation, rad/s: IS-GPS-200,
-/// 20.3.3.4.3. Newer values exist; users of GPS orbits are told to keep these.
-inline constexpr double kGm = 3.986005e14;
-inline constexpr double kEarthRate = 7.2921151467e-5;
 
 /// An instant as orbits take it.
 struct GpsEpoch

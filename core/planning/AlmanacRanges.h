@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/planning/TextLines.h"
+#include "core/platform/TextLines.h"
 
 #include <limits>
 

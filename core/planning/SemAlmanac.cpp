@@ -1,7 +1,7 @@
 #include "core/planning/SemAlmanac.h"
 
 #include "core/planning/AlmanacRanges.h"
-#include "core/planning/TextLines.h"
+#include "core/platform/TextLines.h"
 
 #include <array>
 #include <cstddef>
