@@ -38,10 +38,10 @@ SkyDirections::SkyDirections(std::size_t satellites, std::size_t epochs)
 class PlanGrid::ExactForm final : public LimitJudge
 {
 public:
-    ExactForm(const PlanGrid& grid, const LocalFrame& frame, const SkyLimits& limits)
-        : m_grid(grid), m_frame(frame), m_limits(limits)
+    ExactForm(const PlanGrid& grid, const LocalFrame& frame, const SkyLimits& limits,
+              std::size_t firstEpoch)
+        : m_grid(grid), m_frame(frame), m_limits(limits), m_firstEpoch(firstEpoch)
     {}
-    void SetBlock(std::size_t block) { m_firstEpoch = block * kBlockEpochs; }
 
     bool Passes(std::size_t slot, std::size_t epochOfBlock, SkyDirection& direction) const override
     {
@@ -60,7 +60,7 @@ private:
     const PlanGrid& m_grid;
     const LocalFrame& m_frame;
     const SkyLimits& m_limits;
-    std::size_t m_firstEpoch = 0;
+    const std::size_t m_firstEpoch;
 };
 
 PlanGrid::PlanGrid(std::size_t satellites, std::size_t epochs)
@@ -143,32 +143,38 @@ DopValues PlanGrid::ExactDop(const LocalFrame& frame, std::size_t epoch,
 
 void PlanGrid::View(const LocalFrame& frame, const SkyLimits& limits, const GridView& view) const
 {
+    for (std::size_t first = 0; first < m_epochCount; first += kBlockEpochs) {
+        ViewBlock(frame, limits, first / kBlockEpochs,
+                  {view.visible.subspan(first * Words()), view.count.subspan(first),
+                   view.dop.subspan(first), view.directions});
+    }
+}
+
+void PlanGrid::ViewBlock(const LocalFrame& frame, const SkyLimits& limits, std::size_t block,
+                         const GridView& view) const
+{
     const std::size_t words = Words();
-    assert(view.visible.size() >= m_epochCount * words && view.count.size() >= m_epochCount &&
-           view.dop.size() >= m_epochCount);
-    ExactForm exact(*this, frame, limits);
+    const std::size_t first = block * kBlockEpochs;
+    const std::size_t epochs = std::min(kBlockEpochs, m_epochCount - first);
+    assert(first < m_epochCount && view.visible.size() >= epochs * words &&
+           view.count.size() >= epochs && view.dop.size() >= epochs);
+    const ExactForm exact(*this, frame, limits, first);
     SiteBlock site;
     std::array<std::uint64_t, kBlockEpochs*(kMostSlots / kWordBits + 1)> visible;
-    for (std::size_t block = 0; block * kBlockEpochs < m_epochCount; ++block) {
-        const std::size_t first = block * kBlockEpochs;
-        const std::size_t epochs = std::min(kBlockEpochs, m_epochCount - first);
-        exact.SetBlock(block);
-        ViewSky({&m_positions[block], m_stride, epochs, m_used}, frame, limits, exact, site,
-                visible.data(),
-                view.directions != nullptr ? &view.directions->m_blocks[block] : nullptr);
-        std::copy_n(visible.begin(), epochs * words,
-                    view.visible.begin() + static_cast<std::ptrdiff_t>(first * words));
-        for (std::size_t at = 0; at < epochs; ++at) {
-            const auto count = static_cast<std::uint8_t>(site.count[at]);
-            view.count[first + at] = count;
-            DopValues& dop = view.dop[first + at];
-            if (count < kSatellitesForDop) {
-                dop = kNoDop;
-            } else if (site.weak[at]) {
-                dop = ExactDop(frame, first + at, std::span(visible).subspan(at * words, words));
-            } else {
-                dop = {site.pdop[at], site.gdop[at], site.tdop[at]};
-            }
+    ViewSky({&m_positions[block], m_stride, epochs, m_used}, frame, limits, exact, site,
+            visible.data(),
+            view.directions != nullptr ? &view.directions->m_blocks[block] : nullptr);
+    std::copy_n(visible.begin(), epochs * words, view.visible.begin());
+    for (std::size_t at = 0; at < epochs; ++at) {
+        const auto count = static_cast<std::uint8_t>(site.count[at]);
+        view.count[at] = count;
+        if (count < kSatellitesForDop) {
+            view.dop[at] = kNoDop;
+        } else if (site.weak[at]) {
+            view.dop[at] =
+                ExactDop(frame, first + at, std::span(visible).subspan(at * words, words));
+        } else {
+            view.dop[at] = {site.pdop[at], site.gdop[at], site.tdop[at]};
         }
     }
 }

@@ -61,6 +61,10 @@ public:
 
     /// @param frame  of the site
     void View(const LocalFrame& frame, const SkyLimits& limits, const GridView& view) const;
+    /// The same for the epochs of one block, from kBlockEpochs * @p block on.
+    /// @param view  begins with that epoch, but for its directions
+    void ViewBlock(const LocalFrame& frame, const SkyLimits& limits, std::size_t block,
+                   const GridView& view) const;
 
     [[nodiscard]] std::size_t SlotCount() const { return m_elements.size(); }
     [[nodiscard]] std::size_t EpochCount() const { return m_epochCount; }
