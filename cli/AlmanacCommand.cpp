@@ -1,10 +1,12 @@
 #include "cli/AlmanacReport.h"
 #include "cli/Command.h"
+#include "cli/Navigation.h"
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
 #include "cli/Wording.h"
 
+#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/AlmanacText.h"
@@ -183,7 +185,15 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
     TerminalHost host(context.world, context.output);
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
     CSurveyPlanCalc almanac;
-    if (!almanac.LoadAlmanac(file)) {
+    const KeptNavigation kept = LoadConstellations(FolderOf(context));
+    const auto messages = kept.constellations.Records();
+    if (kept.error) {
+        context.output.Message("warning", "",
+                               Worded(text::kSayMessagesDamaged, {kept.error->message}),
+                               Colour::Yellow);
+    }
+    const bool isThere = almanac.LoadAlmanac(file);
+    if (!isThere && messages.empty()) {
         ShowText(host, MessageOf(AlmanacResult::NotRead));
         std::error_code ignored;
         return context.output.Failed(
@@ -192,11 +202,16 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
                             : Worded(text::kSayNoAlmanac, {file.string()}),
                         Worded(text::kSayWaysToAlmanac)));
     }
-    ShowAge(context, host, almanac, *date);
     Report report;
-    report.Add("file", Worded(text::kLabelFile), Value::Text(file.string()));
-    AddAlmanacSummary(report, almanac, *date);
-    AddAlmanacTable(report, almanac, *date);
+    if (isThere) {
+        ShowAge(context, host, almanac, *date);
+        report.Add("file", Worded(text::kLabelFile), Value::Text(file.string()));
+        AddAlmanacSummary(report, almanac, *date);
+        AddAlmanacTable(report, almanac, *date);
+    }
+    if (!messages.empty()) {
+        AddSystemTable(report, messages, static_cast<double>(GpsSeconds(*date)));
+    }
     return context.output.Done(report);
 }
 
@@ -224,6 +239,9 @@ ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records
 
 ExitCode Import(const Context& context, const AlmanacOptions& options)
 {
+    if (IsNavigationFile(options.file)) {
+        return ImportNavigation(context, options.file);
+    }
     AlmanacWeek week;
     week.today = static_cast<int>(GpsSeconds(GpsNow(context.world)) / kWeekS);
     if (options.weekGiven->count() > 0) {
@@ -241,6 +259,9 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
     if (text.skipped > 0) {
         context.output.Note(std::to_string(text.skipped) +
                             " satellites with a PRN beyond 32 were left out.");
+    }
+    if (const std::optional<Failure> failure = KeepOthers(context, text.qzss)) {
+        return context.output.Failed(*failure);
     }
     return Store(
         context, text.records,
@@ -277,7 +298,7 @@ Command AddAlmanacCommand(CLI::App& program)
     CLI::App& parser = AddParser(
         program, "almanac", "The satellites' orbits, for planning: get, import, show",
         "  fieldcore-cli almanac get --port /dev/ttyUSB0   from a receiver\n"
-        "  fieldcore-cli almanac import current.alm        from a YUMA or SEM file\n"
+        "  fieldcore-cli almanac import current.alm        from a YUMA, SEM or RINEX file\n"
         "  fieldcore-cli almanac sample                    a made-up one, to try things\n"
         "  fieldcore-cli almanac show                      what there is, and how old it is\n");
     parser.require_subcommand(1);
@@ -296,9 +317,11 @@ Command AddAlmanacCommand(CLI::App& program)
     show.add_option("--date", options->date, "Count the age at the start of this day (now)")
         ->type_name("YYYY-MM-DD");
 
-    CLI::App& import = AddParser(parser, "import", "Take the almanac from a YUMA or SEM file",
-                                 "  fieldcore-cli almanac import current.alm\n"
-                                 "  fieldcore-cli almanac import old.alm --week 2300\n");
+    CLI::App& import =
+        AddParser(parser, "import", "Take orbits from a YUMA, SEM or RINEX navigation file",
+                  "  fieldcore-cli almanac import current.alm\n"
+                  "  fieldcore-cli almanac import today.rnx   of all systems\n"
+                  "  fieldcore-cli almanac import old.alm --week 2300\n");
     import.add_option("FILE", options->file, "The file; which kind it is shows in it")
         ->type_name("")
         ->required();

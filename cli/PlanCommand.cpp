@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
@@ -96,7 +97,9 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
     }
-    WarnOfSource(context.output, plan);
+    if (plan.UsesAlmanac()) {
+        WarnOfSource(context.output, plan);
+    }
     bool warned = false;
     for (const NamedSite& site : request.sites) {
         plan.Calc().SetObserver(site.observer);
@@ -105,7 +108,10 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
                 return RequestFailure(CommandFault::Cancelled, "");
             }
             plan.Period() = {date, request.startHour, request.hours};
-            if (!warned && StateOfAlmanac(plan).isOld) {
+            if (!warned && !plan.IsGpsAlone()) {
+                WarnOfSystems(context.output, plan);
+                warned = true;
+            } else if (!warned && StateOfAlmanac(plan).isOld) {
                 WarnOfAge(context.output, plan);
                 warned = true;
             }
@@ -125,7 +131,8 @@ ExitCode Plan(const Context& context, const Options& options)
     const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
     PlanRequest request;
     Report report;
-    std::string words = options.csv ? PlanCsvHeader(csvGraph) : "";
+    const bool isGpsAlone = ParseSystems(options.plan.systems) == SystemSetOf(GnssSystem::Gps);
+    std::string words = options.csv ? PlanCsvHeader(csvGraph, isGpsAlone) : "";
     const std::optional<Failure> failure =
         ForEachPlan(context, options.plan, false, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
@@ -251,6 +258,7 @@ Command AddPlanCommand(CLI::App& program)
          "  fieldcore-cli plan --site 札幌 --date 2026-11-21 --from 9 --hours 8\n"
          "  fieldcore-cli plan --at 35.69,139.75,60 --kind tracks   when each satellite is up\n"
          "  fieldcore-cli plan --kind pdop --csv > pdop.csv         for a spreadsheet\n"
+         "  fieldcore-cli plan --systems GREJ                       with other systems\n"
          "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5       the good hours\n"
          "  fieldcore-cli plan sites                                the sites it knows\n",
          [=](CLI::App& parser) {

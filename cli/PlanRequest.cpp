@@ -4,6 +4,7 @@
 #include "cli/Options.h"
 #include "cli/Wording.h"
 
+#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
@@ -172,6 +173,10 @@ void PlanOptions::AddTo(CLI::App& command)
     CLI::Option* const file = AddText(command, "--curtain", curtain, "FILE",
                                       "Another obstruction curtain: a text, or a CurTain.obs");
     command.add_flag("--no-curtain", noCurtain, "An open sky")->excludes(file);
+    AddText(command, "--systems", systems, "LETTERS",
+            "Systems that count together: G R E C J S (G)");
+    command.add_flag("--clock-per-system", clockPerSystem,
+                     "Dilutions with a receiver clock for each system");
 }
 
 std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
@@ -209,6 +214,12 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     if (names.empty() && options.places.empty()) {
         names.push_back(ToUtf8(settings.position));
     }
+    const std::optional<SystemSet> systems = ParseSystems(options.systems);
+    if (!systems) {
+        return UsageFailure(Worded(text::kSayNoSystems, {options.systems}),
+                            Worded(text::kSaySystemLetters));
+    }
+    request.systems = *systems;
     const std::vector<NamedSite> known = KnownSites(request.folder);
     for (const std::string& name : names) {
         NamedSite& site = request.sites.emplace_back();
@@ -252,6 +263,14 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
         plan.Calc().SetCurtain(LoadCurtain(request.folder));
     }
     ApplySettings(request.settings, plan);
+    plan.SetSystems(request.systems, options.clockPerSystem);
+    if (!plan.IsGpsAlone()) {
+        KeptNavigation kept = LoadConstellations(request.folder);
+        if (kept.error) {
+            return FileFailure(Worded(text::kSayMessagesDamaged, {kept.error->message}));
+        }
+        plan.SetConstellations(std::move(kept.constellations));
+    }
     return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace fieldcore {
@@ -101,43 +102,32 @@ std::optional<Ecef> Constellations::Position(SatelliteId satellite, double gpsS)
     return record != nullptr ? OrbitMotion(*record).At(gpsS) : std::nullopt;
 }
 
-void Constellations::Positions(std::span<const SatelliteId> satellites,
-                               std::span<const double> epochs, const PositionRows& rows) const
+void Constellations::Positions(SatelliteId satellite, std::span<const double> epochs,
+                               std::span<Ecef> positions) const
 {
-    const std::size_t count = satellites.size() * epochs.size();
-    assert(rows.x.size() >= count && rows.y.size() >= count && rows.z.size() >= count &&
-           rows.known.size() >= count);
-    static_cast<void>(count);
-    for (std::size_t s = 0; s < satellites.size(); ++s) {
-        const std::span<const NavigationRecord> records = RecordsOf(satellites[s]);
-        const NavigationRecord* current = nullptr;
-        std::optional<OrbitMotion> motion;
-        for (std::size_t k = 0; k < epochs.size(); ++k) {
-            const NavigationRecord* const nearest = Nearest(records, epochs[k]);
-            if (nearest != current) {
-                current = nearest;
-                motion.reset();
-                if (nearest->IsHealthy()) {
-                    motion.emplace(*nearest);
-                }
+    assert(positions.size() >= epochs.size());
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    const std::span<const NavigationRecord> records = RecordsOf(satellite);
+    const NavigationRecord* current = nullptr;
+    std::optional<OrbitMotion> motion;
+    for (std::size_t k = 0; k < epochs.size(); ++k) {
+        const NavigationRecord* const nearest = Nearest(records, epochs[k]);
+        if (nearest != current) {
+            current = nearest;
+            motion.reset();
+            if (nearest->IsHealthy()) {
+                motion.emplace(*nearest);
             }
-            const std::optional<Ecef> position = motion ? motion->At(epochs[k]) : std::nullopt;
-            const std::size_t at = k * satellites.size() + s;
-            const Ecef place = position.value_or(Ecef{});
-            rows.x[at] = place.x;
-            rows.y[at] = place.y;
-            rows.z[at] = place.z;
-            rows.known[at] = position ? 1 : 0;
         }
+        const std::optional<Ecef> position = motion ? motion->At(epochs[k]) : std::nullopt;
+        positions[k] = position.value_or(Ecef{kNone, kNone, kNone});
     }
 }
 
 SystemState Constellations::StateOf(GnssSystem system, double gpsS) const
 {
     SystemState state;
-    SystemSet one;
-    one.set(static_cast<std::size_t>(system));
-    for (const SatelliteId satellite : Satellites(one)) {
+    for (const SatelliteId satellite : Satellites(SystemSetOf(system))) {
         const std::span<const NavigationRecord> records = RecordsOf(satellite);
         const NavigationRecord& nearest = *Nearest(records, gpsS);
         const double firstS = records.front().ReferenceS();

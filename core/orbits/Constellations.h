@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
@@ -28,14 +27,6 @@ struct SystemState
 /// beside where it is computed, seconds: the worst that was measured after a day, taken to grow
 /// with the square of the age, as by a pull that the orbit does not know. See docs/planning.md.
 [[nodiscard]] double StaleAfterS(GnssSystem system) noexcept;
-
-/// Positions of some satellites over some epochs: the value of satellite s at epoch k stands at
-/// k * satellites + s. Views: what they look at outlives them.
-struct PositionRows
-{
-    std::span<double> x, y, z; ///< earth-fixed, metres; 0 where nothing is known
-    std::span<std::uint8_t> known;
-};
 
 /// What satellites of all systems say of their orbits: for each satellite the newest messages, not
 /// more than one in two hours and kMostRecords of them, whatever was ever added. One thread may
@@ -65,11 +56,10 @@ public:
     /// @return earth-fixed, metres; nothing if there is no healthy record, or it leads nowhere
     [[nodiscard]] std::optional<Ecef> Position(SatelliteId satellite, double gpsS) const;
 
-    /// Positions of @p satellites at @p epochs, seconds of GPS time, which cost least in order.
-    /// Allocates nothing.
-    /// @param rows  with satellites.size() * epochs.size() entries each
-    void Positions(std::span<const SatelliteId> satellites, std::span<const double> epochs,
-                   const PositionRows& rows) const;
+    /// Position() at @p epochs, seconds of GPS time, which cost least in order. Allocates nothing.
+    /// @param positions  as many as epochs; not a number where nothing is known
+    void Positions(SatelliteId satellite, std::span<const double> epochs,
+                   std::span<Ecef> positions) const;
 
     [[nodiscard]] SystemState StateOf(GnssSystem system, double gpsS) const;
 

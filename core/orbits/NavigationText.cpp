@@ -39,6 +39,15 @@ constexpr FieldRange kPlace{-60000, 60000, false, "-60000 to 60000 km"};
 constexpr FieldRange kSpeed{-10, 10, false, "-10 to 10 km/s"};
 constexpr FieldRange kPull{-1e-4, 1e-4, false, "-1e-4 to 1e-4 km/s^2"};
 
+using namespace std::chrono_literals;
+constexpr std::chrono::sys_days kEpoch{1980y / 1 / 6};
+constexpr std::chrono::sys_days kEnd{2200y / 1 / 1}; // of the times that are read
+
+double SinceEpoch(std::chrono::sys_days day)
+{
+    return static_cast<double>(std::chrono::seconds(day - kEpoch).count());
+}
+
 /// A field that is needed: the line of its record, counted from 0, and its place in that, from 0.
 struct Field
 {
@@ -127,6 +136,8 @@ private:
     void ReadState(NavigationRecord& record);
     [[nodiscard]] double ReadEpoch();
     [[nodiscard]] std::string_view FieldText(std::size_t line, std::size_t column) const;
+    /// Leaves the record out.
+    void Drop(std::size_t line, std::string_view field, std::string message);
     /// 0 where the record is refused, or odd: then m_isOdd.
     [[nodiscard]] double Number(const Field& field);
     [[nodiscard]] bool IsCut() const;
@@ -298,6 +309,10 @@ void NavigationReader::ReadRecord()
     } else {
         ReadElements(*satellite, record);
     }
+    // Toe may be half a week beside the date.
+    if (record.systemS < 0.0 || record.systemS >= SinceEpoch(kEnd)) {
+        Drop(0, "year", "the orbit's time is not within 1980 to 2199");
+    }
     if (Good() && !m_isOdd) {
         m_result.records.push_back(record);
     }
@@ -338,16 +353,26 @@ double NavigationReader::ReadEpoch()
              "that month has no day " + std::to_string(static_cast<int>(values[2])));
         return 0.0;
     }
-    using namespace std::chrono_literals;
-    const auto days = std::chrono::sys_days(date) - std::chrono::sys_days(1980y / 1 / 6);
-    return static_cast<double>(days.count()) * 86400.0 + values[3] * 3600.0 + values[4] * 60.0 +
-           values[5];
+    return SinceEpoch(date) + values[3] * 3600.0 + values[4] * 60.0 + values[5];
 }
 
 std::string_view NavigationReader::FieldText(std::size_t line, std::size_t column) const
 {
     const std::string_view text = m_record[line].text;
     return Trimmed(text.substr(std::min(kIndent + column * kFieldWidth, text.size()), kFieldWidth));
+}
+
+void NavigationReader::Drop(std::size_t line, std::string_view field, std::string message)
+{
+    if (m_isOdd || !Good()) {
+        return;
+    }
+    m_isOdd = true;
+    ++m_result.odd;
+    if (!m_result.firstOdd) {
+        m_result.firstOdd =
+            TextError{m_record[line].number, std::string(field), std::move(message)};
+    }
 }
 
 double NavigationReader::Number(const Field& field)
@@ -364,12 +389,8 @@ double NavigationReader::Number(const Field& field)
             return 0.0;
         }
     }
-    if (const auto odd = ReadNumber(text, field.range, value)) {
-        m_isOdd = true;
-        ++m_result.odd;
-        if (!m_result.firstOdd) {
-            m_result.firstOdd = TextError{line, std::string(field.name), *odd};
-        }
+    if (auto odd = ReadNumber(text, field.range, value)) {
+        Drop(field.line, field.name, *std::move(odd));
     }
     return value;
 }
@@ -407,12 +428,8 @@ void NavigationReader::ReadState(NavigationRecord& record)
     state.referenceS = GpsSeconds(record.satellite.system, record.systemS);
     const Ecef& p = state.position;
     constexpr double kLowestM = 1e7;
-    if (!m_isOdd && Good() && p.x * p.x + p.y * p.y + p.z * p.z < kLowestM * kLowestM) {
-        m_isOdd = true;
-        ++m_result.odd;
-        if (!m_result.firstOdd) {
-            m_result.firstOdd = TextError{m_record[1].number, "X", "no satellite is that low"};
-        }
+    if (p.x * p.x + p.y * p.y + p.z * p.z < kLowestM * kLowestM) {
+        Drop(1, kPlaceNames[0], "no satellite is that low");
     }
     record.orbit = state;
 }
@@ -447,9 +464,7 @@ std::string WrittenEpoch(const NavigationRecord& record)
 {
     const double shown =
         record.systemS - (record.satellite.system == GnssSystem::Glonass ? kMoscowAheadS : 0.0);
-    using namespace std::chrono_literals;
-    const auto instant =
-        std::chrono::sys_days(1980y / 1 / 6) + std::chrono::seconds(std::llround(shown));
+    const auto instant = kEpoch + std::chrono::seconds(std::llround(shown));
     const auto day = std::chrono::floor<std::chrono::days>(instant);
     const std::chrono::year_month_day date(day);
     const std::chrono::hh_mm_ss clock(instant - day);

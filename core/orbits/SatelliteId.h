@@ -31,6 +31,10 @@ inline constexpr std::string_view kSystemLetters = "GRECJS";
 
 /// Some of the systems: bit k is the k-th GnssSystem.
 using SystemSet = std::bitset<kGnssSystems>;
+[[nodiscard]] constexpr SystemSet SystemSetOf(GnssSystem system)
+{
+    return SystemSet(1ULL << static_cast<unsigned>(system));
+}
 /// @param letters  of the systems, in any order, capital or small: "GREJ"
 /// @return nothing if one is no system, stands twice, or there is none
 [[nodiscard]] std::optional<SystemSet> ParseSystems(std::string_view letters);

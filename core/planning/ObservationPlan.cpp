@@ -1,5 +1,6 @@
 #include "core/planning/ObservationPlan.h"
 
+#include "core/orbits/SystemTime.h"
 #include "core/planning/CalendarTime.h"
 
 #include <algorithm>
@@ -20,9 +21,32 @@ GridView Into(SiteView& view, SkyDirections* directions)
     return {view.visible, view.count, view.dop, directions};
 }
 
+std::vector<SatelliteId> AllOfGps()
+{
+    std::vector<SatelliteId> satellites;
+    for (std::uint8_t prn = 1; prn <= kMaxPrn; ++prn) {
+        satellites.push_back({GnssSystem::Gps, prn});
+    }
+    return satellites;
+}
+
 } // namespace
 
-ObservationPlan::ObservationPlan() : m_results(std::make_unique<Results>()) {}
+ObservationPlan::ObservationPlan()
+    : m_satellites(AllOfGps()), m_results(std::make_unique<Results>())
+{}
+
+void ObservationPlan::SetSystems(SystemSet systems, bool clockPerSystem)
+{
+    m_systems = systems.none() ? SystemSetOf(GnssSystem::Gps) : systems;
+    m_clockPerSystem = clockPerSystem;
+}
+
+SystemState ObservationPlan::StateOf(GnssSystem system) const
+{
+    const double startS = GpsSecondsOfUtc(m_period.UtcAfter(0));
+    return WithAlmanac(m_known, m_calc, startS).StateOf(system, startS);
+}
 
 void ObservationPlan::SetElMaskDeg(int maskDeg)
 {
@@ -49,11 +73,34 @@ void ObservationPlan::ComputeGrid()
     }
 }
 
+void ObservationPlan::ComputeSky()
+{
+    std::vector<double> epochs;
+    for (int k = 0; k <= m_division; ++k) {
+        epochs.push_back(GpsSecondsOfUtc(m_period.UtcAfter(k)));
+    }
+    const Constellations known = WithAlmanac(m_known, m_calc, epochs.front());
+    m_satellites = known.Satellites(m_systems);
+    std::erase_if(m_satellites, [this](SatelliteId satellite) {
+        return satellite.system == GnssSystem::Gps &&
+               m_calc.GetSatellite(satellite.number - 1).GetUse() == 0;
+    });
+    m_sky.Compute(known, m_satellites, epochs, m_calc.GetFrame(), m_calc.GetLimits(),
+                  m_clockPerSystem, m_results->view.count, m_results->view.dop);
+}
+
 void ObservationPlan::Compute()
 {
-    ComputeGrid();
     m_computed = m_period;
     m_division = m_period.Division();
+    m_isSkyComputed = !IsGpsAlone();
+    if (m_isSkyComputed) {
+        return ComputeSky();
+    }
+    if (m_satellites.size() != kMaxPrn || m_satellites.back().system != GnssSystem::Gps) {
+        m_satellites = AllOfGps();
+    }
+    ComputeGrid();
     m_results->grid.View(m_calc.GetFrame(), m_calc.GetLimits(),
                          Into(m_results->view, &m_results->directions));
 }
@@ -79,19 +126,6 @@ double ObservationPlan::DopAt(PlanGraph graph, int k) const
     default:
         return 0.0;
     }
-}
-
-std::optional<SkyDirection> ObservationPlan::DirectionAt(int prnIndex, int k) const
-{
-    if (m_division == 0 || k < 0 || k > m_division || prnIndex < 0 || prnIndex >= kMaxPrn) {
-        return std::nullopt;
-    }
-    const auto epoch = static_cast<std::size_t>(k);
-    const auto prn = static_cast<std::size_t>(prnIndex);
-    if ((m_results->view.visible[epoch] >> prn & 1U) == 0) {
-        return std::nullopt;
-    }
-    return m_results->directions.At(prn, epoch);
 }
 
 void ObservationPlan::ComputeSites(std::span<const Observer> sites, std::span<SiteView> views,

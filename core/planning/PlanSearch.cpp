@@ -81,8 +81,7 @@ PlanSearch::PlanSearch(std::vector<SearchSite> sites, const SearchHours& hours,
     : m_sites(Fitted(std::move(sites))), m_hours(Fitted(hours)), m_known(std::move(known)),
       m_slots(std::move(slots)), m_gpsS(EpochsOfAll(m_hours)),
       m_grid(m_slots.size(), m_gpsS.size()), m_counts((m_sites.size() + 1) * m_gpsS.size()),
-      m_pdops(m_counts.size()), m_x(m_gpsS.size()), m_y(m_gpsS.size()), m_z(m_gpsS.size()),
-      m_isKnown(m_gpsS.size()), m_positions(m_gpsS.size()),
+      m_pdops(m_counts.size()), m_positions(m_gpsS.size()),
       m_visible(m_grid.Words() * kBlockEpochs), m_common(m_visible.size())
 {
     m_slots.resize(m_grid.SlotCount());
@@ -142,12 +141,7 @@ void PlanSearch::Place(std::size_t slot)
         m_grid.Set(slot, *orbit);
         return;
     }
-    const SatelliteId satellite = std::get<SatelliteId>(m_slots[slot]);
-    m_known.Positions({&satellite, 1}, m_gpsS, {m_x, m_y, m_z, m_isKnown});
-    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-    for (std::size_t k = 0; k < m_positions.size(); ++k) {
-        m_positions[k] = m_isKnown[k] != 0 ? Ecef{m_x[k], m_y[k], m_z[k]} : Ecef{kNaN, kNaN, kNaN};
-    }
+    m_known.Positions(std::get<SatelliteId>(m_slots[slot]), m_gpsS, m_positions);
     m_grid.Set(slot, m_positions);
 }
 

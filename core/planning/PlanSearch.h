@@ -109,8 +109,6 @@ private:
     std::vector<std::uint8_t> m_counts;
     std::vector<double> m_pdops;
     // For one satellite, and for one block of epochs.
-    std::vector<double> m_x, m_y, m_z;
-    std::vector<std::uint8_t> m_isKnown;
     std::vector<Ecef> m_positions;
     std::vector<std::uint64_t> m_visible, m_common;
 };
