@@ -255,6 +255,9 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
     if (text.skipped > 0) {
         context.output.Note(Worded(text::kSayPrnBeyond, {std::to_string(text.skipped)}));
     }
+    if (text.records.empty() && !text.qzss.empty()) {
+        return ImportOthers(context, text.qzss);
+    }
     if (const std::optional<Failure> failure = KeepOthers(context, text.qzss)) {
         return context.output.Failed(*failure);
     }

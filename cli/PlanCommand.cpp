@@ -232,10 +232,10 @@ ExitCode TellWindows(const Context& context, Report::Table table, const WindowLi
     if (!isNone) {
         return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
     }
-    return context.output.Failed(
-        {ExitCode::Failed, "no-window", Worded(text::kSayNoWindow, {LimitWords(limits)}),
-         Worded(text::kSayNoWindowHint)},
-        context.output.IsJson() ? &report : nullptr);
+    return context.output.Failed({ExitCode::Failed, "no-window",
+                                  Worded(text::kSayNoWindow, {LimitWords(limits)}),
+                                  Worded(text::kSayNoWindowHint)},
+                                 context.output.IsJson() ? &report : nullptr);
 }
 
 ExitCode BestOfSites(const Context& context, const Options& options)
@@ -340,23 +340,22 @@ Command AddPlanCommand(CLI::App& program)
     for (const auto& kind : Kinds()) {
         kinds.push_back(kind.first);
     }
-    return AddCommands(
-        program,
-        {"plan", text::kHelpPlan,
-         [=](CLI::App& parser) {
-             options->plan.AddTo(parser);
-             AddWord(parser, "--kind", options->kind, kinds, "KIND", text::kOptKind);
-             AddFlag(parser, "--csv", options->csv, text::kOptCsv);
-             parser.option_defaults()->group("Options");
-         },
-         [options](const Context& context) { return Plan(context, *options); }},
-        {{"best", text::kHelpPlanBest,
-          [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-          [options](const Context& context) { return Best(context, *options); }},
-         {"session", text::kHelpPlanSession,
-          [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-          [options](const Context& context) { return Session(context, *options); }},
-         {"sites", text::kHelpPlanSites, {}, Sites}});
+    return AddCommands(program,
+                       {"plan", text::kHelpPlan,
+                        [=](CLI::App& parser) {
+                            options->plan.AddTo(parser);
+                            AddWord(parser, "--kind", options->kind, kinds, "KIND", text::kOptKind);
+                            AddFlag(parser, "--csv", options->csv, text::kOptCsv);
+                            parser.option_defaults()->group("Options");
+                        },
+                        [options](const Context& context) { return Plan(context, *options); }},
+                       {{"best", text::kHelpPlanBest,
+                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
+                         [options](const Context& context) { return Best(context, *options); }},
+                        {"session", text::kHelpPlanSession,
+                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
+                         [options](const Context& context) { return Session(context, *options); }},
+                        {"sites", text::kHelpPlanSites, {}, Sites}});
 }
 
 } // namespace fieldcore::cli

@@ -254,7 +254,8 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
     if (!plan.IsGpsAlone()) {
         KeptNavigation kept = LoadConstellations(request.folder);
         if (kept.error) {
-            return FileFailure(Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}));
+            return FileFailure(
+                Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}));
         }
         plan.SetConstellations(std::move(kept.constellations));
     }

@@ -221,11 +221,10 @@ Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
 
 Report::Table SessionSamples(const PlanSearch& search)
 {
-    Report::Table table{
-        "samples",
-        "",
-        {{"time", "JST"}, {"satellites", text::kHeadSatellites}, {"pdop", "PDOP"}},
-        {}};
+    Report::Table table{"samples",
+                        "",
+                        {{"time", "JST"}, {"satellites", text::kHeadSatellites}, {"pdop", "PDOP"}},
+                        {}};
     const auto counts = search.Counts(search.Together());
     const auto pdops = search.Pdops(search.Together());
     for (int k = 0; k < search.EpochCount(); ++k) {
