@@ -53,7 +53,8 @@ std::optional<Failure> ReadDate(const std::string& text, int days, const World& 
                                                            ? today + std::chrono::days(1)
                                                            : ParseDay(text);
     if (!first || *first < kFirst || *first + std::chrono::days(days - 1) > kLast) {
-        return UsageFailure(Worded(text::kSayNoDate, {text}), Worded(text::kSayDateHint));
+        return UsageFailure(Worded(text::kSayCannotBe, {"--date", text}),
+                            Worded(text::kSayDateHint));
     }
     day = *first;
     return std::nullopt;

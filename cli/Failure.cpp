@@ -57,7 +57,7 @@ Failure TextFailure(const std::filesystem::path& file, const TextError& error, s
 {
     std::string place = file.string();
     place += error.line > 0 ? Worded(text::kSayLine, {std::to_string(error.line)}) : "";
-    place += error.field.empty() ? "" : ", \"" + error.field + "\"";
+    place += error.field.empty() ? "" : Worded(text::kSayField, {error.field});
     return FileFailure(place + ": " + Translated(error.message), std::move(hint));
 }
 

@@ -25,7 +25,7 @@ ExitCode ShowReading(const Context& context, const StatusReader& reader, bool is
     AddStatus(report, reader.Reading());
     AddAges(report, reader.Reading(), reader.View().now);
     return context.output.Done(report,
-                               (isFirst ? WatchHeader() : "") + WatchLine(reader.Reading()));
+                               (isFirst ? WatchLine(nullptr) : "") + WatchLine(&reader.Reading()));
 }
 
 ExitCode Watch(const Context& context, PortSession& session, const StatusOptions& options)

@@ -1,6 +1,7 @@
 #include "cli/StatusReading.h"
 
 #include "cli/PortSession.h"
+#include "cli/Utf8.h"
 #include "cli/Wording.h"
 
 #include "core/equipment/InstalledOptions.h"
@@ -8,6 +9,7 @@
 #include "core/link/RecvInfo.h"
 #include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -27,7 +29,7 @@ struct WatchColumn
 
 constexpr std::array kWatchColumns{
     WatchColumn{"TIME", "utc", 25},
-    WatchColumn{"FIX", "fix", 14},
+    WatchColumn{"FIX", "fix", 15},
     WatchColumn{"SATELLITES", "satellitesTracked", 12},
     WatchColumn{"PDOP", "pdop", 6},
     WatchColumn{"BATTERY", "batteryPercent", 9},
@@ -126,20 +128,14 @@ void AddIdentity(Report& report, const ReceiverIdentity& identity)
     report.Add("options", text::kLabelOptions, Value::List(std::move(options), std::move(words)));
 }
 
-std::string WatchLine(const Receiver& receiver)
+std::string WatchLine(const Receiver* receiver)
 {
     std::vector<std::pair<std::string, std::size_t>> cells;
     for (const WatchColumn& column : kWatchColumns) {
-        cells.emplace_back(ReportField(FieldOf(column.key), receiver).Words(), column.width);
-    }
-    return TableLine(cells);
-}
-
-std::string WatchHeader()
-{
-    std::vector<std::pair<std::string, std::size_t>> cells;
-    for (const WatchColumn& column : kWatchColumns) {
-        cells.emplace_back(WordedOr(column.label, FieldOf(column.key).textId), column.width);
+        const ReceiverField& field = FieldOf(column.key);
+        const std::string head = WordedOr(column.label, field.textId);
+        cells.emplace_back(receiver != nullptr ? ReportField(field, *receiver).Words() : head,
+                           std::max(column.width, DisplayWidth(head) + 2));
     }
     return TableLine(cells);
 }

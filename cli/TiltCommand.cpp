@@ -142,8 +142,8 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
         }
         sensor.tilt.Refresh();
         const bool isDone = run.GetState() == CalibrationRun::State::Done;
-        report.Add("outcome", text::kLabelOutcome,
-                   Value::Word(isDone ? "completed" : "failed", isDone ? "completed" : "failed"));
+        const std::string outcome = isDone ? "completed" : "failed";
+        report.Add("outcome", text::kLabelOutcome, Value::Word(outcome, Translated(outcome)));
         AddTilt(report, sensor.session.Command().Heard());
         if (isDone) {
             return context.output.Done(report);

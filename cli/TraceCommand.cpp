@@ -286,9 +286,10 @@ private:
                            Worded(bytes.length == 1 ? text::kTraceByte : text::kTraceBytes,
                                   {std::to_string(bytes.length)});
         if (bytes.kind == Kind::Frame) {
-            text +=
-                ", " + m_context.output.Painted(Checksum(bytes).Words(),
-                                                bytes.checksumGood ? Colour::Plain : Colour::Red);
+            text += Worded(
+                text::kTraceThen,
+                {m_context.output.Painted(Checksum(bytes).Words(),
+                                          bytes.checksumGood ? Colour::Plain : Colour::Red)});
         }
         if (!bytes.fault.empty()) {
             text += "; " + m_context.output.Painted(Translated(bytes.fault), Colour::Red);
