@@ -1,12 +1,14 @@
 #include "cli/AlmanacReport.h"
 #include "cli/Command.h"
 #include "cli/DayText.h"
+#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
 #include "cli/Wording.h"
 
+#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/AlmanacText.h"
@@ -183,7 +185,15 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
     TerminalHost host(context.world, context.output);
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
     CSurveyPlanCalc almanac;
-    if (!almanac.LoadAlmanac(file)) {
+    const KeptNavigation kept = LoadConstellations(FolderOf(context));
+    const auto messages = kept.constellations.Records();
+    if (kept.error) {
+        context.output.Message("warning", "",
+                               Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}),
+                               Colour::Yellow);
+    }
+    const bool isThere = almanac.LoadAlmanac(file);
+    if (!isThere && messages.empty()) {
         ShowText(host, MessageOf(AlmanacResult::NotRead));
         std::error_code ignored;
         return context.output.Failed(
@@ -192,11 +202,16 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
                             : Worded(text::kSayNoAlmanac, {file.string()}),
                         Worded(text::kSayWaysToAlmanac)));
     }
-    ShowAge(context, host, almanac, date);
     Report report;
-    report.Add("file", text::kLabelFile, Value::Text(file.string()));
-    AddAlmanacSummary(report, almanac, date);
-    AddAlmanacTable(report, almanac, date);
+    if (isThere) {
+        ShowAge(context, host, almanac, date);
+        report.Add("file", text::kLabelFile, Value::Text(file.string()));
+        AddAlmanacSummary(report, almanac, date);
+        AddAlmanacTable(report, almanac, date);
+    }
+    if (!messages.empty()) {
+        AddSystemTable(report, messages, static_cast<double>(GpsSeconds(date)));
+    }
     return context.output.Done(report);
 }
 
@@ -224,6 +239,9 @@ ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records
 
 ExitCode Import(const Context& context, const AlmanacOptions& options)
 {
+    if (IsNavigationFile(options.file)) {
+        return ImportNavigation(context, options.file);
+    }
     AlmanacWeek week;
     week.today = static_cast<int>(GpsSeconds(GpsNow(context.world)) / kWeekS);
     if (options.weekGiven->count() > 0) {
@@ -236,6 +254,12 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
     }
     if (text.skipped > 0) {
         context.output.Note(Worded(text::kSayPrnBeyond, {std::to_string(text.skipped)}));
+    }
+    if (text.records.empty() && !text.qzss.empty()) {
+        return ImportOthers(context, text.qzss);
+    }
+    if (const std::optional<Failure> failure = KeepOthers(context, text.qzss)) {
+        return context.output.Failed(*failure);
     }
     return Store(
         context, text.records,

@@ -32,24 +32,6 @@ CGPSTime FromGpsSeconds(std::int64_t seconds)
     return {CGPSTime::m_OriginalTime + CTimeSpan(seconds)};
 }
 
-/// Date and time of day, for a person without the T between them.
-Value DateValue(const CGPSTime& time)
-{
-    const auto instant = kGpsEpoch + std::chrono::seconds(GpsSeconds(time));
-    const auto day = std::chrono::floor<std::chrono::days>(instant);
-    const year_month_day date(day);
-    const std::chrono::hh_mm_ss clock(instant - day);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
-                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    std::string words(text.data());
-    words[words.find('T')] = ' ';
-    return Value::Word(text.data(), std::move(words));
-}
-
 Value AgeValue(const CGPSTime& time, const CGPSTime& date)
 {
     return Value::Real(static_cast<double>(GpsSeconds(date) - GpsSeconds(time)) / kDayS, 1,
@@ -95,6 +77,23 @@ Value SourceValue(const AlmanacSource& source)
                : Value::Word(code, Worded(kTexts[static_cast<std::size_t>(source.origin)]));
 }
 
+Value DateValue(std::int64_t gpsSeconds)
+{
+    const auto instant = kGpsEpoch + std::chrono::seconds(gpsSeconds);
+    const auto day = std::chrono::floor<std::chrono::days>(instant);
+    const year_month_day date(day);
+    const std::chrono::hh_mm_ss clock(instant - day);
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
+                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
+                  static_cast<int>(clock.minutes().count()),
+                  static_cast<int>(clock.seconds().count()));
+    std::string words(text.data());
+    words[words.find('T')] = ' ';
+    return Value::Word(text.data(), std::move(words));
+}
+
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
 {
     std::int64_t loaded = 0;
@@ -114,7 +113,8 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
                name.empty() ? Value::Unknown() : Value::Text(std::wstring_view(name)));
     report.Add("satelliteCount", text::kLabelSatellites, Value::Integer(loaded));
     report.Add("healthyCount", text::kLabelHealthy, Value::Integer(healthy));
-    report.Add("gpsTime", text::kLabelAlmanacTime, anyTime ? DateValue(time) : Value::Unknown());
+    report.Add("gpsTime", text::kLabelAlmanacTime,
+               anyTime ? DateValue(GpsSeconds(time)) : Value::Unknown());
     report.Add("ageDays", text::kLabelAge, anyTime ? AgeValue(time, date) : Value::Unknown());
     report.Add("old", text::kLabelTooOld, Value::YesNo(IsAlmanacOld(time, date)));
 }
@@ -144,8 +144,8 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
             {Value::Integer(satellite.GetPrn()), Value::YesNo(satellite.IsHealthy() != 0),
              Value::Integer(record.health),
              time ? Value::Integer(GpsSeconds(*time) / kSecondsPerWeek) : Value::Unknown(),
-             time ? DateValue(*time) : Value::Unknown(), Value::Real(elements.eccentricity, 6),
-             Value::Real(DegreesOf(elements.i0), 3, "deg"),
+             time ? DateValue(GpsSeconds(*time)) : Value::Unknown(),
+             Value::Real(elements.eccentricity, 6), Value::Real(DegreesOf(elements.i0), 3, "deg"),
              time ? AgeValue(*time, date) : Value::Unknown()});
     }
     report.AddTable(std::move(table));

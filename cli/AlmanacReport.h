@@ -23,6 +23,10 @@ namespace fieldcore::cli {
 /// Seconds since 1980-01-06 00:00:00 of GPS time.
 [[nodiscard]] std::int64_t GpsSeconds(const CGPSTime& time);
 
+/// Date and time of day, for a person without the T between them.
+/// @param gpsSeconds  since 1980-01-06 00:00:00
+[[nodiscard]] Value DateValue(std::int64_t gpsSeconds);
+
 /// Adds where the almanac comes from, how many satellites it has, how many of them are healthy, its
 /// time and how old it is at @p date.
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date);

@@ -3,8 +3,8 @@
 #include "cli/ExitCode.h"
 
 #include "core/link/CommandFault.h"
-#include "core/planning/TextError.h"
 #include "core/platform/SystemRoots.h"
+#include "core/platform/TextError.h"
 
 #include <filesystem>
 #include <string>

@@ -1,7 +1,9 @@
 #include "cli/Command.h"
+#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
+#include "cli/SiteSearch.h"
 #include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
@@ -37,6 +39,7 @@ struct Options
     std::optional<int> minSatellites;
     std::optional<double> maxPdop;
     std::string minLength;
+    int top = 3; ///< best days of a search
 };
 
 const std::map<std::string, PlanGraph>& Kinds()
@@ -74,12 +77,11 @@ void WarnOfSource(Output& output, const ObservationPlan& plan)
     }
 }
 
-/// Makes each of the plans that @p options ask for and hands it on.
+/// Reads what the plans that @p options ask for are made of.
 /// @param wholeDay  the period if none is given
 /// @return what is wrong with the options or the files
-std::optional<Failure>
-ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, PlanRequest& request,
-            const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
+std::optional<Failure> Prepare(const Context& context, const PlanOptions& options, bool wholeDay,
+                               PlanRequest& request, ObservationPlan& plan)
 {
     SettingsRoots roots{Folders(context.world.folders)};
     const PlanSettings settings = LoadPlanSettings(HostReg(roots));
@@ -93,12 +95,36 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
         context.output.Message("warning", "", Worded(text::kSayAlmanacPut), Colour::Yellow);
         context.output.Note(Worded(text::kSayGetAlmanac));
     }
-    ObservationPlan plan;
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
     }
-    if (!isPut) { // which has been told
+    if (!isPut && plan.UsesAlmanac()) { // else it has been told, or does not matter
         WarnOfSource(context.output, plan);
+    }
+    return std::nullopt;
+}
+
+/// Says what is too old for @p plan.
+/// @return whether there was anything to say
+bool WarnOfOld(Output& output, const ObservationPlan& plan)
+{
+    if (!plan.IsGpsAlone()) {
+        WarnOfSystems(output, plan);
+        return true;
+    }
+    const bool isOld = StateOfAlmanac(plan).isOld;
+    WarnOfAge(output, plan);
+    return isOld;
+}
+
+/// Makes each of the plans that @p options ask for and hands it on. As for Prepare().
+std::optional<Failure>
+ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, PlanRequest& request,
+            const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
+{
+    ObservationPlan plan;
+    if (std::optional<Failure> failure = Prepare(context, options, wholeDay, request, plan)) {
+        return failure;
     }
     bool warned = false;
     for (const NamedSite& site : request.sites) {
@@ -108,10 +134,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
                 return RequestFailure(CommandFault::Cancelled, "");
             }
             plan.Period() = {date, request.startHour, request.hours};
-            if (!warned && StateOfAlmanac(plan).isOld) {
-                WarnOfAge(context.output, plan);
-                warned = true;
-            }
+            warned = warned || WarnOfOld(context.output, plan);
             plan.Compute();
             use(plan, site);
         }
@@ -128,7 +151,8 @@ ExitCode Plan(const Context& context, const Options& options)
     const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
     PlanRequest request;
     Report report;
-    std::string words = options.csv ? PlanCsvHeader(csvGraph) : "";
+    const bool isGpsAlone = ParseSystems(options.plan.systems) == SystemSetOf(GnssSystem::Gps);
+    std::string words = options.csv ? PlanCsvHeader(csvGraph, isGpsAlone) : "";
     const std::optional<Failure> failure =
         ForEachPlan(context, options.plan, false, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
@@ -168,8 +192,71 @@ WindowLimits LimitsOf(const Options& options, const PlanSettings& settings)
     return limits;
 }
 
+struct Searched
+{
+    PlanRequest request;
+    ObservationPlan plan;
+    std::optional<PlanSearch> search;
+    WindowLimits limits;
+};
+
+/// Searches the days for all sites at once.
+/// @param fewest  sites
+std::optional<Failure> Search(const Context& context, const Options& options, std::size_t fewest,
+                              Searched& result)
+{
+    if (options.csv && context.output.IsJson()) {
+        return UsageFailure(Worded(text::kSayCsvOrJson));
+    }
+    PlanRequest& request = result.request;
+    if (std::optional<Failure> failure =
+            Prepare(context, options.plan, true, request, result.plan)) {
+        return failure;
+    }
+    if (request.sites.size() < fewest) {
+        return UsageFailure(Worded(text::kSayNeedsSites), Worded(text::kSayNeedsSitesHint));
+    }
+    result.plan.Period() = {request.dates.front(), request.startHour, request.hours};
+    WarnOfOld(context.output, result.plan);
+    result.limits = LimitsOf(options, request.settings);
+    return RunSearch(context, options.plan, request, result.plan, result.search);
+}
+
+/// The table of good windows, or that there is none.
+ExitCode TellWindows(const Context& context, Report::Table table, const WindowLimits& limits,
+                     const std::string& csv)
+{
+    const bool isNone = table.rows.empty();
+    Report report;
+    report.AddTable(std::move(table));
+    if (!isNone) {
+        return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
+    }
+    return context.output.Failed({ExitCode::Failed, "no-window",
+                                  Worded(text::kSayNoWindow, {LimitWords(limits)}),
+                                  Worded(text::kSayNoWindowHint)},
+                                 context.output.IsJson() ? &report : nullptr);
+}
+
+ExitCode BestOfSites(const Context& context, const Options& options)
+{
+    Searched of;
+    if (const std::optional<Failure> failure = Search(context, options, 1, of)) {
+        return context.output.Failed(*failure);
+    }
+    Report::Table table = BestTable(*of.search, of.limits, options.top);
+    if (!table.rows.empty()) {
+        WarnOfSitesWithout(context.output, *of.search, table);
+    }
+    const std::string csv = options.csv ? TableCsv(table, CsvSource(of.plan)) : "";
+    return TellWindows(context, std::move(table), of.limits, csv);
+}
+
 ExitCode Best(const Context& context, const Options& options)
 {
+    if (!options.plan.siteList.empty()) {
+        return BestOfSites(context, options);
+    }
     Report::Table table{"windows", "", WindowColumns(), {}};
     PlanRequest request;
     WindowLimits limits;
@@ -184,16 +271,22 @@ ExitCode Best(const Context& context, const Options& options)
     if (failure) {
         return context.output.Failed(*failure);
     }
-    const bool isNone = table.rows.empty();
-    Report report;
-    report.AddTable(std::move(table));
-    if (!isNone) {
-        return context.output.Done(report);
+    return TellWindows(context, std::move(table), limits, "");
+}
+
+ExitCode Session(const Context& context, const Options& options)
+{
+    Searched of;
+    if (const std::optional<Failure> failure = Search(context, options, 2, of)) {
+        return context.output.Failed(*failure);
     }
-    return context.output.Failed({ExitCode::Failed, "no-window",
-                                  Worded(text::kSayNoWindow, {LimitWords(limits)}),
-                                  Worded(text::kSayNoWindowHint)},
-                                 context.output.IsJson() ? &report : nullptr);
+    Report report;
+    report.AddTable(SessionTable(*of.search, of.limits));
+    report.AddTable(BestTable(*of.search, of.limits, options.top));
+    report.AddTable(SessionSamples(*of.search));
+    return options.csv ? context.output.Done(
+                             report, TableCsv(SessionSamples(*of.search), CsvSource(of.plan)))
+                       : context.output.Done(report);
 }
 
 ExitCode Sites(const Context& context)
@@ -231,9 +324,11 @@ void AddBestOptions(CLI::App& best, Options& options)
               {WindowLimits::kLowestPdop, WindowLimits::kHighestPdop, "",
                Worded(text::kSayAsPage, {"4"})},
               "X", text::kOptMaxPdop);
-    AddText(best, "--min-length", options.minLength, "TIME", text::kOptMinLength)
+    AddText(best, "--min-length,--length", options.minLength, "TIME", text::kOptMinLength)
         ->check(CLI::Validator(
             [](const std::string& text) { return ParseLength(text) ? "" : "no length"; }, ""));
+    AddNumber(best, "--top", options.top, {1.0, SearchHours::kMostDays, "", "3"}, "N",
+              text::kOptTop);
 }
 
 } // namespace
@@ -257,6 +352,9 @@ Command AddPlanCommand(CLI::App& program)
                        {{"best", text::kHelpPlanBest,
                          [options](CLI::App& parser) { AddBestOptions(parser, *options); },
                          [options](const Context& context) { return Best(context, *options); }},
+                        {"session", text::kHelpPlanSession,
+                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
+                         [options](const Context& context) { return Session(context, *options); }},
                         {"sites", text::kHelpPlanSites, {}, Sites}});
 }
 

@@ -1,6 +1,7 @@
 #include "cli/PlanReport.h"
 
 #include "cli/AlmanacReport.h"
+#include "cli/Navigation.h"
 #include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
@@ -103,19 +104,38 @@ Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
     return table;
 }
 
+/// The column of satellites in a table of tracks.
+Report::Column SatelliteColumn(const ObservationPlan& plan)
+{
+    return plan.IsGpsAlone() ? Report::Column{"prn", "PRN"}
+                             : Report::Column{"satellite", text::kHeadSatellite};
+}
+
+/// @param index  of the plan's satellites
+Value SatelliteValue(const ObservationPlan& plan, int index)
+{
+    const SatelliteId satellite = plan.Satellites()[static_cast<std::size_t>(index)];
+    return plan.IsGpsAlone() ? Value::Integer(satellite.number) : Value::Text(satellite.Text());
+}
+
+int SatelliteCount(const ObservationPlan& plan)
+{
+    return static_cast<int>(plan.Satellites().size());
+}
+
 Report::Table TracksTable(const ObservationPlan& plan)
 {
     Report::Table table{"samples",
                         "",
                         {{"time", "JST"},
-                         {"prn", "PRN"},
+                         SatelliteColumn(plan),
                          {"azimuthDeg", text::kHeadAzimuth},
                          {"elevationDeg", text::kHeadElevation}},
                         {}};
     for (int k = 0; k <= plan.Division(); ++k) {
-        for (int index = 0; index < kMaxPrn; ++index) {
+        for (int index = 0; index < SatelliteCount(plan); ++index) {
             if (const std::optional<SkyDirection> direction = plan.DirectionAt(index, k)) {
-                table.rows.push_back({JstValue(plan.Computed(), k), Value::Integer(index + 1),
+                table.rows.push_back({JstValue(plan.Computed(), k), SatelliteValue(plan, index),
                                       Value::Real(DegreesOf(direction->azimuthRad), 1),
                                       Value::Real(DegreesOf(direction->elevationRad), 1)});
             }
@@ -161,13 +181,13 @@ std::string TrackWords(const ObservationPlan& plan)
 {
     Report::Table table{"",
                         Worded(text::kSayNoneUp),
-                        {{"", "PRN"},
+                        {SatelliteColumn(plan),
                          {"", text::kHeadFromJst},
                          {"", text::kHeadToJst},
                          {"", text::kHeadHighest},
                          {"", text::kHeadUp}},
                         {}};
-    for (int index = 0; index < kMaxPrn; ++index) {
+    for (int index = 0; index < SatelliteCount(plan); ++index) {
         std::string line;
         int first = -1;
         int last = -1;
@@ -183,7 +203,7 @@ std::string TrackWords(const ObservationPlan& plan)
         }
         if (first >= 0) {
             const PlanPeriod& period = plan.Computed();
-            table.rows.push_back({Value::Integer(index + 1), Value::Text(period.ClockText(first)),
+            table.rows.push_back({SatelliteValue(plan, index), Value::Text(period.ClockText(first)),
                                   Value::Text(period.ClockText(last)),
                                   Value::Integer(std::lround(DegreesOf(highest)), "deg"),
                                   Value::Text(line)});
@@ -269,8 +289,13 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
     report.Add("maskDeg", text::kLabelMask, Value::Integer(request.maskDeg));
     report.Add("hasCurtain", text::kLabelCurtain,
                Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
-    Report& almanac = report.AddSection("almanac", Worded(text::kLabelAlmanac));
-    AddAlmanacSummary(almanac, plan.Calc(), period.Start());
+    if (plan.UsesAlmanac()) {
+        Report& almanac = report.AddSection("almanac", Worded(text::kLabelAlmanac));
+        AddAlmanacSummary(almanac, plan.Calc(), period.Start());
+    }
+    if (!plan.IsGpsAlone()) {
+        AddSystems(report, plan);
+    }
     report.Add("kind", text::kLabelKind, Value::Text(std::string(KindOf(graph))));
     report.AddTable(Samples(plan, graph));
     if (const std::optional<PlanWindow> best = BestWindow(plan, request.settings.limits)) {
@@ -301,11 +326,14 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
                      (passesMidnight ? lastDay + ", " : "") + end,
                      std::to_string(period.Interval().count()), std::to_string(request.maskDeg),
                      Worded(hasCurtain ? text::kSayWithCurtain : text::kSayNoCurtain)});
-    words += Worded(text::kSayPlanAlmanac,
-                    {TimeValue(almanac.time).Words(), AgeWords(almanac),
-                     std::to_string(almanac.satellites), std::to_string(almanac.healthy),
-                     SourceValue(almanac.source).Words() +
-                         (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name))});
+    words +=
+        plan.IsGpsAlone()
+            ? Worded(text::kSayPlanAlmanac,
+                     {TimeValue(almanac.time).Words(), AgeWords(almanac),
+                      std::to_string(almanac.satellites), std::to_string(almanac.healthy),
+                      SourceValue(almanac.source).Words() +
+                          (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name))})
+            : SystemWords(plan);
     words += graph && IsTracks(*graph) ? TrackWords(plan) : ChartWords(plan, graph);
     return words + "\n" + BestWords(plan, request.settings.limits) + "\n";
 }

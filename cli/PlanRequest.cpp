@@ -4,6 +4,7 @@
 #include "cli/Options.h"
 #include "cli/Wording.h"
 
+#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
@@ -12,6 +13,7 @@
 #include "core/planning/PackedDegrees.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
+#include "core/planning/SitesCsv.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
@@ -103,6 +105,21 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
 }
 
+std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& request)
+{
+    if (file.empty()) {
+        return std::nullopt;
+    }
+    SitesCsv list = LoadSitesCsv(file);
+    if (list.error) {
+        return TextFailure(file, *list.error, Worded(text::kSaySiteListHint));
+    }
+    for (ListedSite& site : list.sites) {
+        request.sites.push_back({std::move(site.name), site.observer});
+    }
+    return std::nullopt;
+}
+
 std::optional<Failure> ResolveDates(const PlanOptions& options, const World& world,
                                     PlanRequest& request)
 {
@@ -136,6 +153,7 @@ void PlanOptions::AddTo(CLI::App& command)
     command.option_defaults()->group(kPlanGroup);
     AddText(command, "--site", sites, "NAME", text::kOptSite);
     AddText(command, "--at", places, "LAT,LON[,HEIGHT]", text::kOptAt);
+    AddText(command, "--sites", siteList, "FILE", text::kOptSites);
     AddText(command, "--date", date, "DATE", text::kOptDate);
     AddNumber(command, "--days", days, {1.0, 366.0, "", "1"}, "N", text::kOptDays);
     AddNumber(command, "--from", from, {0.0, 23.0, "h"}, "HOUR", text::kOptFrom);
@@ -144,6 +162,8 @@ void PlanOptions::AddTo(CLI::App& command)
     AddText(command, "--almanac", almanac, "FILE", text::kOptAlmanac);
     CLI::Option* const file = AddText(command, "--curtain", curtain, "FILE", text::kOptCurtain);
     AddFlag(command, "--no-curtain", noCurtain, text::kOptNoCurtain)->excludes(file);
+    AddText(command, "--systems", systems, "LETTERS", text::kOptSystems);
+    AddFlag(command, "--clock-per-system", clockPerSystem, text::kOptClockPerSystem);
 }
 
 std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
@@ -178,9 +198,15 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     request.almanac = options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
     request.maskDeg = options.maskDeg.value_or(settings.elMaskDeg);
     std::vector<std::string> names = options.sites;
-    if (names.empty() && options.places.empty()) {
+    if (names.empty() && options.places.empty() && options.siteList.empty()) {
         names.push_back(ToUtf8(settings.position));
     }
+    const std::optional<SystemSet> systems = ParseSystems(options.systems);
+    if (!systems) {
+        return UsageFailure(Worded(text::kSayNoSystems, {options.systems}),
+                            Worded(text::kSaySystemLetters));
+    }
+    request.systems = *systems;
     const std::vector<NamedSite> known = KnownSites(request.folder);
     for (const std::string& name : names) {
         NamedSite& site = request.sites.emplace_back();
@@ -192,6 +218,9 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
         if (std::optional<Failure> failure = UsePlace(place, request.sites.emplace_back())) {
             return failure;
         }
+    }
+    if (std::optional<Failure> failure = UseList(options.siteList, request)) {
+        return failure;
     }
     if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
         return failure;
@@ -221,6 +250,15 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
         plan.Calc().SetCurtain(LoadCurtain(request.folder));
     }
     ApplySettings(request.settings, plan);
+    plan.SetSystems(request.systems, options.clockPerSystem);
+    if (!plan.IsGpsAlone()) {
+        KeptNavigation kept = LoadConstellations(request.folder);
+        if (kept.error) {
+            return FileFailure(
+                Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}));
+        }
+        plan.SetConstellations(std::move(kept.constellations));
+    }
     return std::nullopt;
 }
 

@@ -36,6 +36,7 @@ struct PlanOptions
 {
     std::vector<std::string> sites;  ///< names
     std::vector<std::string> places; ///< LAT,LON[,HEIGHT] in degrees and metres
+    std::filesystem::path siteList;  ///< a file of sites; empty: none
     std::string date = "today";      ///< YYYY-MM-DD, today or tomorrow
     int days = 1;
     std::optional<int> from;
@@ -44,6 +45,8 @@ struct PlanOptions
     std::filesystem::path almanac; ///< empty: the one of the program's folder
     std::filesystem::path curtain; ///< empty: the one of the program's folder
     bool noCurtain = false;
+    std::string systems = "G"; ///< letters
+    bool clockPerSystem = false;
 
     /// Gives a command these options. This object must outlive the parsing.
     void AddTo(CLI::App& command);
@@ -57,6 +60,7 @@ struct PlanRequest
     int startHour = 0;
     int hours = 0;
     int maskDeg = 0;
+    SystemSet systems;
     PlanSettings settings;         ///< what is given above in place of the user's
     std::filesystem::path folder;  ///< the program's
     std::filesystem::path almanac; ///< file

@@ -2,6 +2,8 @@
 // ./example-QtScreens PORT; with --once it ends when both have been seen.
 
 #include <fieldcore/core/link/Command.h>
+#include <fieldcore/core/planning/AlmanacStore.h>
+#include <fieldcore/core/platform/Folders.h>
 #include <fieldcore/simulator/UseSimulator.h>
 #include <fieldcore/ui/controls/QtHost.h>
 #include <fieldcore/ui/controls/Theme.h>
@@ -29,13 +31,15 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s\n", receiver.LastError().c_str());
         return 1;
     }
+    // The plan asks for an almanac where there is none: a nominal one will do.
+    fieldcore::AlmanacStore(fieldcore::Folders().Program()).PutNominal(receiver.GetClock().Utc());
     {
         fieldcore::CSurveyPlan plan(&receiver, 0);
         plan.resize(480, 640);
         plan.show();
         fieldcore::TiltSensorDlg::StartUp(&receiver, &plan, &plan);
         if (argc > 2) {
-            QTimer::singleShot(0, &application, &QApplication::quit);
+            QTimer::singleShot(0, &application, [] { QApplication::exit(0); });
         }
         QApplication::exec();
         std::printf("shown: %d\n", int{plan.isVisible()} + fieldcore::TiltSensorDlg::IsShow());

@@ -1,5 +1,7 @@
 #include "core/planning/AlmanacOrbit.h"
 
+#include "core/planning/PlanLanes.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -12,72 +14,17 @@ constexpr double kTwoPi = 2.0 * kPi;
 constexpr double kWeekS = 7 * 86400.0;
 constexpr int kWeekCycle = 1024;
 
-/// No orbit needs as many steps; elements that only look like one must not hang the program.
-constexpr int kMostNewtonSteps = 1000;
 /// Up to here the difference of eccentric and mean anomaly goes through short series.
 constexpr double kNearlyCircular = 0.05;
 /// Beyond it, more than two years from toa, rounding of the mean anomaly itself grows visible, and
 /// only the same steps give the same position.
-constexpr double kFarMeanAnomaly = 1.0e4;
+constexpr double kFarTurns = 1600.0;
 
 bool IsOrbit(const KeplerElements& k)
 {
     // One sum is finite only if all of its terms are.
     return k.eccentricity >= 0.0 && k.eccentricity < 1.0 &&
            std::isfinite(k.a + k.i0 + k.omegaDot + k.omega0 + k.omega + k.m0);
-}
-
-std::optional<double> EccentricAnomaly(double m, double e)
-{
-    double anomaly = m;
-    double step = 1.0;
-    for (int i = 0; std::abs(step) > 1.0e-8; ++i) {
-        if (i == kMostNewtonSteps) {
-            return std::nullopt;
-        }
-        const double reduced = std::fmod(anomaly, kTwoPi);
-        step = (m - anomaly + e * std::sin(reduced)) / (1.0 - e * std::cos(reduced));
-        anomaly += step;
-    }
-    return anomaly;
-}
-
-struct SineCosine
-{
-    double sine;
-    double cosine;
-};
-
-/// For angles within kNearlyCircular: Taylor, exact to the last bit.
-SineCosine OfSmall(double d)
-{
-    const double d2 = d * d;
-    // Products with the reciprocals: a chain of divisions would take longer than std::sin.
-    const double sine =
-        d * (1.0 - d2 * (1.0 / 6) * (1.0 - d2 * (1.0 / 20) * (1.0 - d2 * (1.0 / 42))));
-    const double cosine =
-        1.0 - d2 * (1.0 / 2) *
-                  (1.0 - d2 * (1.0 / 12) * (1.0 - d2 * (1.0 / 30) * (1.0 - d2 * (1.0 / 56))));
-    return {sine, cosine};
-}
-
-/// Sine and cosine of the eccentric anomaly, solved for its difference d from the mean anomaly:
-/// d = e sin(M + d). The series of d in powers of e starts it, within e^4; one step of Halley's,
-/// which triples the digits, leaves nothing to correct.
-SineCosine NearlyCircularAnomaly(double m, double e)
-{
-    const double sinM = std::sin(m);
-    const double cosM = std::cos(m);
-    const double d = e * sinM * (1.0 + e * (cosM + e * (1.0 - 1.5 * sinM * sinM)));
-    const SineCosine small = OfSmall(d);
-    const double sine = sinM * small.cosine + cosM * small.sine;
-    const double cosine = cosM * small.cosine - sinM * small.sine;
-    const double f = d - e * sine;
-    const double slope = 1.0 - e * cosine;
-    const double step = -f * slope / (slope * slope - 0.5 * f * e * sine);
-    // The step is below 1e-5: its third power is lost in the rounding.
-    const double half = 0.5 * step * step;
-    return {sine + step * cosine - half * sine, cosine - step * sine - half * cosine};
 }
 
 /// Seconds since the cycle of 10-bit weeks began, with one cycle taken off.
@@ -143,40 +90,38 @@ AlmanacOrbit::AlmanacOrbit(const AlmanacRecord& record) noexcept : m_elements(re
         return;
     }
     m_nearlyCircular = k.eccentricity <= kNearlyCircular;
-    m_toaCountS = CycleCount(k.week, k.toaS);
-    m_meanMotion = std::sqrt(kGm / (k.a * k.a * k.a));
-    m_nodeRate = k.omegaDot - kEarthRate;
-    m_nodeAtToa = k.omega0 - kEarthRate * k.toaS;
     const double b = k.a * std::sqrt(1.0 - k.eccentricity * k.eccentricity);
     const double cosI = std::cos(k.i0);
     const double sinI = std::sin(k.i0);
     const double cosW = std::cos(k.omega);
     const double sinW = std::sin(k.omega);
-    m_perigee[0] = k.a * cosW;
-    m_perigee[1] = k.a * sinW * cosI;
-    m_perigee[2] = k.a * sinW * sinI;
-    m_ahead[0] = -b * sinW;
-    m_ahead[1] = b * cosW * cosI;
-    m_ahead[2] = b * cosW * sinI;
+    m_constants = {k.eccentricity,
+                   CycleCount(k.week, k.toaS),
+                   k.m0 / kTwoPi,
+                   std::sqrt(kGm / (k.a * k.a * k.a)) / kTwoPi,
+                   (k.omega0 - kEarthRate * k.toaS) / kTwoPi,
+                   (k.omegaDot - kEarthRate) / kTwoPi,
+                   {k.a * cosW, k.a * sinW * cosI, k.a * sinW * sinI},
+                   {-b * sinW, b * cosW * cosI, b * cosW * sinI}};
+}
+
+double AlmanacOrbit::CountOf(GpsEpoch epoch) noexcept
+{
+    return CycleCount(epoch.week, epoch.sowS);
+}
+
+bool AlmanacOrbit::IsFast(double countS) const noexcept
+{
+    const OrbitConstants& c = m_constants;
+    return m_nearlyCircular &&
+           std::abs(c.meanTurns + c.meanTurnsRate * (countS - c.toaCountS)) < kFarTurns;
 }
 
 std::optional<Ecef> AlmanacOrbit::Position(GpsEpoch epoch) const noexcept
 {
-    const double tk = CycleCount(epoch.week, epoch.sowS) - m_toaCountS;
-    const double m = m_elements.m0 + m_meanMotion * tk;
-    if (!m_nearlyCircular || !(std::abs(m) < kFarMeanAnomaly)) {
-        return ReferencePosition(m_elements, epoch);
-    }
-    const double e = m_elements.eccentricity;
-    const auto [sinE, cosE] = NearlyCircularAnomaly(m, e);
-    const double p = cosE - e; // towards perigee, in units of the semi-major axis
-    const double along = m_perigee[0] * p + m_ahead[0] * sinE;
-    const double across = m_perigee[1] * p + m_ahead[1] * sinE;
-    const double north = m_perigee[2] * p + m_ahead[2] * sinE;
-    const double node = m_nodeAtToa + m_nodeRate * tk;
-    const double cosNode = std::cos(node);
-    const double sinNode = std::sin(node);
-    return Ecef{along * cosNode - across * sinNode, along * sinNode + across * cosNode, north};
+    const double countS = CountOf(epoch);
+    return IsFast(countS) ? ComputePosition(m_constants, countS)
+                          : ReferencePosition(m_elements, epoch);
 }
 
 } // namespace fieldcore

@@ -1,16 +1,12 @@
 #pragma once
 
+#include "core/orbits/Ecef.h"
+#include "core/orbits/KeplerOrbit.h"
 #include "core/planning/AlmanacRecord.h"
-#include "core/planning/Ecef.h"
 
 #include <optional>
 
 namespace fieldcore {
-
-/// Earth's gravitational parameter GM, m^3/s^2, and rate of rotation, rad/s: IS-GPS-200,
-/// 20.3.3.4.3. Newer values exist; users of GPS orbits are told to keep these.
-inline constexpr double kGm = 3.986005e14;
-inline constexpr double kEarthRate = 7.2921151467e-5;
 
 /// An instant as orbits take it.
 struct GpsEpoch
@@ -53,8 +49,23 @@ struct KeplerElements
 [[nodiscard]] std::optional<Ecef> ReferencePosition(const KeplerElements& elements,
                                                     GpsEpoch epoch) noexcept;
 
+/// What does not change of an orbit, as the vectors of a plan take it. Angles are turns.
+struct OrbitConstants
+{
+    double eccentricity = 0.0;
+    double toaCountS = 0.0;     ///< of toa, in the cycle of 10-bit weeks
+    double meanTurns = 0.0;     ///< mean anomaly at toa
+    double meanTurnsRate = 0.0; ///< 1/s
+    double nodeTurns = 0.0;     ///< longitude of the node at toa
+    double nodeTurnsRate = 0.0; ///< of the node against the turning earth, 1/s
+    // Components of the in-plane axes towards perigee and 90 degrees ahead of it: along the node,
+    // across it in the equator, and to the north; metres, the second scaled by b / a.
+    double perigee[3]{};
+    double ahead[3]{};
+};
+
 /// Where a satellite is at any time, with what does not change worked out once. Agrees with
-/// ReferencePosition() to some 1e-5 m.
+/// ReferencePosition() to some 1e-4 m.
 class AlmanacOrbit
 {
 public:
@@ -65,18 +76,18 @@ public:
     [[nodiscard]] std::optional<Ecef> Position(GpsEpoch epoch) const noexcept;
 
     [[nodiscard]] const KeplerElements& Elements() const { return m_elements; }
+    [[nodiscard]] const OrbitConstants& Constants() const { return m_constants; }
+
+    /// Seconds since the cycle of 10-bit weeks began, with one cycle taken off.
+    [[nodiscard]] static double CountOf(GpsEpoch epoch) noexcept;
+    /// @param countS  CountOf() an epoch
+    /// @return whether the fast form fits then: for orbits that are nearly circles, years from toa
+    [[nodiscard]] bool IsFast(double countS) const noexcept;
 
 private:
     KeplerElements m_elements;
-    bool m_nearlyCircular = false; // the short form of Position() fits
-    double m_toaCountS = 0.0;      // of toa, in the cycle of 10-bit weeks
-    double m_meanMotion = 0.0;     // rad/s
-    double m_nodeRate = 0.0;       // of the node against the turning earth, rad/s
-    double m_nodeAtToa = 0.0;      // longitude of the node at toa, rad
-    // Components of the in-plane axes towards perigee and 90 degrees ahead of it: along the node,
-    // across it in the equator, and to the north; the second scaled by b / a.
-    double m_perigee[3]{};
-    double m_ahead[3]{};
+    OrbitConstants m_constants;
+    bool m_nearlyCircular = false;
 };
 
 } // namespace fieldcore

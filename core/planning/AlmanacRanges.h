@@ -1,8 +1,13 @@
 #pragma once
 
-#include "core/planning/TextLines.h"
+#include "core/orbits/SatelliteId.h"
+#include "core/planning/AlmanacText.h"
+#include "core/platform/TextLines.h"
 
+#include <cstddef>
 #include <limits>
+#include <optional>
+#include <vector>
 
 namespace fieldcore::ranges {
 
@@ -19,5 +24,24 @@ inline constexpr FieldRange kWeek{0, 32767, true, "0 to 32767"};
 /// Of the clock, which no record has.
 inline constexpr FieldRange kAny{std::numeric_limits<double>::lowest(),
                                  std::numeric_limits<double>::max(), false, "finite"};
+
+/// PRNs below this are GPS, SBAS or QZSS, or nobody's.
+inline constexpr std::size_t kPrns = 203;
+
+/// Where @p text has the satellites that @p prn belongs to.
+/// @return null: nowhere, and it has been counted
+[[nodiscard]] inline std::vector<AlmanacRecord>* PlaceOf(double prn, AlmanacText& text)
+{
+    const std::optional<SatelliteId> satellite =
+        prn < kPrns ? SatelliteId::FromPrn(static_cast<int>(prn)) : std::nullopt;
+    if (satellite && satellite->system == GnssSystem::Gps) {
+        return &text.records;
+    }
+    if (satellite && satellite->system == GnssSystem::Qzss) {
+        return &text.qzss;
+    }
+    ++text.skipped;
+    return nullptr;
+}
 
 } // namespace fieldcore::ranges

@@ -16,7 +16,7 @@ using AlmanacBytes = std::array<std::uint8_t, kAlmanacRecordSize>;
 /// radians. The values are those of the record, in range or not.
 struct AlmanacRecord
 {
-    std::uint8_t prn = 0;        ///< 1 to 32
+    std::uint8_t prn = 0;        ///< 1 to 32; 193 to 202 in texts of QZSS
     std::uint32_t timeStamp = 0; ///< as the receiver sent it; no computation uses it
     std::int16_t week = 0;       ///< GPS week of toa as broadcast, may be 10-bit
     std::uint32_t toaS = 0;      ///< reference time, seconds of its week

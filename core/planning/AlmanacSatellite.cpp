@@ -79,7 +79,7 @@ bool CAlmanacSatellite::TestVisibility(const SkyLimits& limits)
     double range = 0.0;
     bool visible = IsValid() != 0 && Locate(local, range);
     if (visible) {
-        const SkyLimits::Verdict verdict = limits.Judge(local, range);
+        const SkyLimits::Verdict verdict = limits.Judge(local);
         visible = verdict == SkyLimits::Verdict::Visible ||
                   (verdict == SkyLimits::Verdict::TooClose && ComputeReference() &&
                    limits.Pass(m_direction));

@@ -1,14 +1,15 @@
 #include "core/planning/AlmanacText.h"
 
 #include "core/planning/SemAlmanac.h"
-#include "core/planning/TextLines.h"
 #include "core/planning/YumaAlmanac.h"
+#include "core/platform/TextLines.h"
 #include "core/platform/WholeFile.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 namespace fieldcore {
 
@@ -66,10 +67,13 @@ AlmanacText ParseAlmanacText(std::string_view text, const AlmanacWeek& week)
     }
     if (result.error) {
         result.records.clear();
+        result.qzss.clear();
         result.skipped = 0;
     }
-    for (AlmanacRecord& record : result.records) {
-        record.week = static_cast<std::int16_t>(FullWeek(record.week, week));
+    for (std::vector<AlmanacRecord>* records : {&result.records, &result.qzss}) {
+        for (AlmanacRecord& record : *records) {
+            record.week = static_cast<std::int16_t>(FullWeek(record.week, week));
+        }
     }
     return result;
 }

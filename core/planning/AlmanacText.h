@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/planning/AlmanacRecord.h"
-#include "core/planning/TextError.h"
+#include "core/platform/TextError.h"
 
 #include <filesystem>
 #include <optional>
@@ -14,7 +14,8 @@ namespace fieldcore {
 struct AlmanacText
 {
     std::vector<AlmanacRecord> records; ///< as they come in the text, a PRN once; timeStamp is 0
-    int skipped = 0;                    ///< satellites with a PRN beyond 32, left out
+    std::vector<AlmanacRecord> qzss;    ///< likewise, PRN 193 to 202: J01 to J10
+    int skipped = 0;                    ///< satellites with any other PRN beyond 32, left out
     std::optional<TextError> error;
 };
 

@@ -1,8 +1,8 @@
 #include "core/planning/CurtainText.h"
 
 #include "core/planning/CurtainFile.h"
-#include "core/planning/TextLines.h"
 #include "core/platform/AtomicFile.h"
+#include "core/platform/TextLines.h"
 #include "core/platform/WholeFile.h"
 
 #include <algorithm>

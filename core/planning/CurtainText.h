@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/planning/SkyLimits.h"
-#include "core/planning/TextError.h"
+#include "core/platform/TextError.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,5 +1,7 @@
 #include "core/planning/Dop.h"
 
+#include "core/planning/PlanLanes.h"
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -65,73 +67,38 @@ DopValues ReferenceDop(const Ecef& observer, std::span<const Ecef> satellites) n
             std::sqrt(q[0][0] + q[1][1] + q[2][2] + q[3][3]), std::sqrt(q[3][3])};
 }
 
-void DopSums::Add(double x, double y, double z) noexcept
+void DopSums::Add(double dx, double dy, double dz) noexcept
 {
-    m_n += 1.0;
-    m_x += x;
-    m_y += y;
-    m_z += z;
-    m_xx += x * x;
-    m_xy += x * y;
-    m_xz += x * z;
-    m_yy += y * y;
-    m_yz += y * z;
-    m_zz += z * z;
-}
-
-/// Of the directions' scatter: its adjugate and its determinant.
-struct DopSums::Inverse
-{
-    double aa, bb, cc, dd, ee, ff;
-    double determinant;
-    bool isWeak;
-};
-
-DopSums::Inverse DopSums::Invert() const noexcept
-{
-    // The clock eliminated: what the directions scatter about their mean.
-    const double a = m_xx - m_x * m_x / m_n;
-    const double b = m_xy - m_x * m_y / m_n;
-    const double c = m_xz - m_x * m_z / m_n;
-    const double d = m_yy - m_y * m_y / m_n;
-    const double e = m_yz - m_y * m_z / m_n;
-    const double f = m_zz - m_z * m_z / m_n;
-    // Its adjugate.
-    const double aa = d * f - e * e;
-    const double bb = c * e - b * f;
-    const double cc = b * e - c * d;
-    const double dd = a * f - c * c;
-    const double ee = b * c - a * e;
-    const double ff = a * d - b * b;
-    const double determinant = a * aa + b * bb + c * cc;
-    constexpr double kWeak = 1.0e-3; // of the product of the diagonal
-    // Written so that what is not a number is weak, too.
-    const bool isWeak = !(determinant > kWeak * m_xx * m_yy * m_zz);
-    return {aa, bb, cc, dd, ee, ff, determinant, isWeak};
+    n += 1.0;
+    x += dx;
+    y += dy;
+    z += dz;
+    xx += dx * dx;
+    xy += dx * dy;
+    xz += dx * dz;
+    yy += dy * dy;
+    yz += dy * dz;
+    zz += dz * dz;
 }
 
 std::optional<DopValues> DopSums::Solve() const noexcept
 {
-    const Inverse i = Invert();
-    if (i.isWeak) {
+    const DopVariances q = ComputeVariances(*this);
+    if (!q.isStrong) {
         return std::nullopt;
     }
-    const double position = (i.aa + i.dd + i.ff) / i.determinant;
-    const double quadratic = i.aa * m_x * m_x + i.dd * m_y * m_y + i.ff * m_z * m_z +
-                             2.0 * (i.bb * m_x * m_y + i.cc * m_x * m_z + i.ee * m_y * m_z);
-    const double time = 1.0 / m_n + quadratic / (i.determinant * m_n * m_n);
-    return DopValues{std::sqrt(position), std::sqrt(position + time), std::sqrt(time)};
+    const double position = q.horizontal + q.vertical;
+    return DopValues{std::sqrt(position), std::sqrt(position + q.time), std::sqrt(q.time)};
 }
 
 std::optional<LocalDop> DopSums::SolveLocal() const noexcept
 {
-    const Inverse i = Invert();
-    if (i.isWeak) {
+    const DopVariances q = ComputeVariances(*this);
+    if (!q.isStrong) {
         return std::nullopt;
     }
-    const double horizontal = (i.aa + i.dd) / i.determinant;
-    const double vertical = i.ff / i.determinant;
-    return LocalDop{std::sqrt(horizontal + vertical), std::sqrt(horizontal), std::sqrt(vertical)};
+    return LocalDop{std::sqrt(q.horizontal + q.vertical), std::sqrt(q.horizontal),
+                    std::sqrt(q.vertical)};
 }
 
 } // namespace fieldcore

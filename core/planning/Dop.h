@@ -36,25 +36,29 @@ inline constexpr int kSatellitesForDop = 4;
 
 /// Gathers the normal matrix satellite by satellite, in any one frame: the dilutions are the same
 /// in all. Its ten sums are inverted by blocks, the clock first.
-class DopSums
+struct DopSums
 {
-public:
-    /// Adds a satellite in direction (@p x, @p y, @p z), a unit vector.
-    void Add(double x, double y, double z) noexcept;
+    double n = 0.0;
+    double x = 0.0, y = 0.0, z = 0.0;
+    double xx = 0.0, xy = 0.0, xz = 0.0, yy = 0.0, yz = 0.0, zz = 0.0;
+
+    /// Adds a satellite in direction (@p dx, @p dy, @p dz), a unit vector.
+    void Add(double dx, double dy, double dz) noexcept;
 
     /// @return nothing if the geometry is so weak that rounding shows: ask ReferenceDop()
     [[nodiscard]] std::optional<DopValues> Solve() const noexcept;
     /// The same by its parts, if the directions were east, north and up.
     /// @return nothing where Solve() has nothing
     [[nodiscard]] std::optional<LocalDop> SolveLocal() const noexcept;
+};
 
-private:
-    struct Inverse;
-    [[nodiscard]] Inverse Invert() const noexcept;
-
-    double m_n = 0.0;
-    double m_x = 0.0, m_y = 0.0, m_z = 0.0;
-    double m_xx = 0.0, m_xy = 0.0, m_xz = 0.0, m_yy = 0.0, m_yz = 0.0, m_zz = 0.0;
+/// Squares of dilutions. They mean nothing where the geometry is weak.
+struct DopVariances
+{
+    double horizontal = 0.0; ///< of the first two axes together
+    double vertical = 0.0;   ///< of the third
+    double time = 0.0;
+    bool isStrong = false; ///< rounding does not show
 };
 
 } // namespace fieldcore

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "core/planning/Ecef.h"
+#include "core/orbits/Ecef.h"
 
 namespace fieldcore {
 

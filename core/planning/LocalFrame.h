@@ -59,7 +59,6 @@ public:
     LocalFrame() : LocalFrame(Observer{}) {}
     explicit LocalFrame(const Observer& observer) noexcept;
 
-    // Inline: the inner loop of a plan.
     [[nodiscard]] EastNorthUp ToLocal(const Ecef& position) const noexcept
     {
         const double x = position.x - m_origin.x;
@@ -71,11 +70,15 @@ public:
     }
     [[nodiscard]] const Observer& GetObserver() const { return m_observer; }
     [[nodiscard]] const Ecef& Origin() const { return m_origin; }
+    // Unit vectors, earth-fixed.
+    [[nodiscard]] const Ecef& East() const { return m_east; } ///< without a part to the pole
+    [[nodiscard]] const Ecef& North() const { return m_north; }
+    [[nodiscard]] const Ecef& Up() const { return m_up; }
 
 private:
     Observer m_observer;
     Ecef m_origin;
-    Ecef m_east, m_north, m_up; // unit vectors, earth-fixed
+    Ecef m_east, m_north, m_up;
 };
 
 } // namespace fieldcore

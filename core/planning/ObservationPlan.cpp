@@ -1,5 +1,6 @@
 #include "core/planning/ObservationPlan.h"
 
+#include "core/orbits/SystemTime.h"
 #include "core/planning/CalendarTime.h"
 
 #include <algorithm>
@@ -13,7 +14,39 @@
 
 namespace fieldcore {
 
-ObservationPlan::ObservationPlan() : m_results(std::make_unique<Results>()) {}
+namespace {
+
+GridView Into(SiteView& view, SkyDirections* directions)
+{
+    return {view.visible, view.count, view.dop, directions};
+}
+
+std::vector<SatelliteId> AllOfGps()
+{
+    std::vector<SatelliteId> satellites;
+    for (std::uint8_t prn = 1; prn <= kMaxPrn; ++prn) {
+        satellites.push_back({GnssSystem::Gps, prn});
+    }
+    return satellites;
+}
+
+} // namespace
+
+ObservationPlan::ObservationPlan()
+    : m_satellites(AllOfGps()), m_results(std::make_unique<Results>())
+{}
+
+void ObservationPlan::SetSystems(SystemSet systems, bool clockPerSystem)
+{
+    m_systems = systems.none() ? SystemSetOf(GnssSystem::Gps) : systems;
+    m_clockPerSystem = clockPerSystem;
+}
+
+SystemState ObservationPlan::StateOf(GnssSystem system) const
+{
+    const double startS = GpsSecondsOfUtc(m_period.UtcAfter(0));
+    return WithAlmanac(m_known, m_calc, startS).StateOf(system, startS);
+}
 
 void ObservationPlan::SetElMaskDeg(int maskDeg)
 {
@@ -30,16 +63,42 @@ void ObservationPlan::ComputeGrid()
         epochs[k] = ToEpoch(time);
         time += interval;
     }
-    m_results->grid.Compute(m_calc, std::span(epochs).first(count));
+    PlanGrid& grid = m_results->grid;
+    grid.Begin(std::span(epochs).first(count));
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        const CAlmanacSatellite& satellite = m_calc.GetSatellite(index);
+        if (satellite.IsValid() != 0 && satellite.IsHealthy() != 0) {
+            grid.Set(static_cast<std::size_t>(index), satellite.GetOrbit());
+        }
+    }
+}
+
+void ObservationPlan::ComputeSky()
+{
+    std::vector<double> epochs;
+    for (int k = 0; k <= m_division; ++k) {
+        epochs.push_back(GpsSecondsOfUtc(m_period.UtcAfter(k)));
+    }
+    const Constellations known = WithAlmanac(m_known, m_calc, epochs.front());
+    m_satellites = PlannedSatellites(known, m_systems, m_calc);
+    m_sky.Compute(known, m_satellites, epochs, m_calc.GetFrame(), m_calc.GetLimits(),
+                  m_clockPerSystem, m_results->view.count, m_results->view.dop);
 }
 
 void ObservationPlan::Compute()
 {
-    ComputeGrid();
     m_computed = m_period;
     m_division = m_period.Division();
-    m_results->grid.View(m_calc.GetFrame(), m_calc.GetLimits(), m_results->view,
-                         &m_results->directions);
+    m_isSkyComputed = !IsGpsAlone();
+    if (m_isSkyComputed) {
+        return ComputeSky();
+    }
+    if (m_satellites.size() != kMaxPrn || m_satellites.back().system != GnssSystem::Gps) {
+        m_satellites = AllOfGps();
+    }
+    ComputeGrid();
+    m_results->grid.View(m_calc.GetFrame(), m_calc.GetLimits(),
+                         Into(m_results->view, &m_results->directions));
 }
 
 double ObservationPlan::CountAt(int k) const
@@ -65,33 +124,6 @@ double ObservationPlan::DopAt(PlanGraph graph, int k) const
     }
 }
 
-std::optional<ObservationPlan::TrackStep> ObservationPlan::TrackAt(int prnIndex, int k) const
-{
-    if (!IsSample(k) || prnIndex < 0 || prnIndex >= kMaxPrn) {
-        return std::nullopt;
-    }
-    const auto from = static_cast<std::size_t>(k);
-    const auto prn = static_cast<std::size_t>(prnIndex);
-    const auto& visible = m_results->view.visible;
-    if (((visible[from] & visible[from + 1]) >> prn & 1U) == 0) {
-        return std::nullopt;
-    }
-    return TrackStep{m_results->directions[from][prn], m_results->directions[from + 1][prn]};
-}
-
-std::optional<SkyDirection> ObservationPlan::DirectionAt(int prnIndex, int k) const
-{
-    if (m_division == 0 || k < 0 || k > m_division || prnIndex < 0 || prnIndex >= kMaxPrn) {
-        return std::nullopt;
-    }
-    const auto epoch = static_cast<std::size_t>(k);
-    const auto prn = static_cast<std::size_t>(prnIndex);
-    if ((m_results->view.visible[epoch] >> prn & 1U) == 0) {
-        return std::nullopt;
-    }
-    return m_results->directions[epoch][prn];
-}
-
 void ObservationPlan::ComputeSites(std::span<const Observer> sites, std::span<SiteView> views,
                                    unsigned threads)
 {
@@ -100,7 +132,7 @@ void ObservationPlan::ComputeSites(std::span<const Observer> sites, std::span<Si
     const std::size_t count = std::min(sites.size(), views.size());
     const auto share = [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i) {
-            grid.View(LocalFrame(sites[i]), m_calc.GetLimits(), views[i], nullptr);
+            grid.View(LocalFrame(sites[i]), m_calc.GetLimits(), Into(views[i], nullptr));
         }
     };
     const std::size_t parts = std::clamp<std::size_t>(threads, 1, std::max<std::size_t>(count, 1));

@@ -1,70 +1,93 @@
 #pragma once
 
-#include "core/planning/PlanPeriod.h"
-#include "core/planning/SurveyPlanCalc.h"
+#include "core/planning/PlanLanes.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <vector>
 
 namespace fieldcore {
 
-/// Epochs of a plan: its samples and the one behind them.
-inline constexpr std::size_t kPlanEpochs = PlanPeriod::kMostSamples + 1;
-
-/// What one site sees over the epochs of a plan.
-struct SiteView
+/// Where the satellites of a grid stand in the sky of one site, slot by slot. Memory is taken once.
+class SkyDirections
 {
-    std::array<std::uint32_t, kPlanEpochs> visible{}; ///< bit k: the satellite with PRN k + 1
-    std::array<std::uint8_t, kPlanEpochs> count{};
-    std::array<DopValues, kPlanEpochs> dop{};
+public:
+    /// For grids of at most as many satellites and epochs.
+    SkyDirections(std::size_t satellites, std::size_t epochs);
+
+    /// Means nothing for a satellite that is not visible.
+    /// @return azimuth 0 to 2 pi
+    [[nodiscard]] SkyDirection At(std::size_t slot, std::size_t epoch) const
+    {
+        const DirectionBlock& block = m_blocks[slot * m_stride + epoch / kBlockEpochs];
+        return {block.azimuthRad[epoch % kBlockEpochs], block.elevationRad[epoch % kBlockEpochs]};
+    }
+
+private:
+    friend class PlanGrid;
+    std::size_t m_stride; // blocks from slot to slot
+    std::vector<DirectionBlock> m_blocks;
 };
 
-/// Where the visible satellites of a view stand: by epoch, then PRN index. Azimuths are 0 to 2 pi;
-/// entries of satellites that are not visible mean nothing.
-using SkyDirections = std::array<std::array<SkyDirection, kMaxPrn>, kPlanEpochs>;
+/// Where the view of a site goes. All of it is written for each epoch of the grid.
+struct GridView
+{
+    std::span<std::uint64_t> visible;    ///< Words() for each epoch; bit s of word w: slot 64 w + s
+    std::span<std::uint8_t> count;       ///< for each epoch
+    std::span<DopValues> dop;            ///< for each epoch; kNoDop with fewer than four satellites
+    SkyDirections* directions = nullptr; ///< of the grid's size; null: not asked for
+};
 
 /// Satellite positions over the epochs of a plan. They do not depend on the site: computed once,
-/// they serve every graph and any number of sites. Nothing allocates. After Compute(), View() may
-/// run on several threads.
+/// they serve every graph and any number of sites. Memory is taken when it is made, and never
+/// again. Once positions are in, View() may run on several threads.
 class PlanGrid
 {
 public:
-    /// @param calc    its valid, healthy satellites are taken
-    /// @param epochs  kPlanEpochs at most; more are left out
-    void Compute(const CSurveyPlanCalc& calc, std::span<const GpsEpoch> epochs);
+    /// @param satellites  slots, 255 at most
+    /// @param epochs      at most as many in one Begin()
+    PlanGrid(std::size_t satellites, std::size_t epochs);
 
-    /// @param frame       of the site
-    /// @param directions  null: not asked for
-    void View(const LocalFrame& frame, const SkyLimits& limits, SiteView& view,
-              SkyDirections* directions) const;
+    /// Starts anew: no satellite has a place.
+    /// @param epochs  beyond what the grid has room for, they are left out
+    void Begin(std::span<const GpsEpoch> epochs);
+    /// The satellite of @p slot goes on @p orbit. Where it is no orbit, it has no place.
+    void Set(std::size_t slot, const AlmanacOrbit& orbit);
+    /// The satellite of @p slot stands where @p positions say, epoch by epoch, as many as the grid
+    /// has. What is not a number is no place.
+    void Set(std::size_t slot, std::span<const Ecef> positions);
 
+    /// @param frame  of the site
+    void View(const LocalFrame& frame, const SkyLimits& limits, const GridView& view) const;
+    /// The same for the epochs of one block, from kBlockEpochs * @p block on.
+    /// @param view  begins with that epoch, but for its directions
+    void ViewBlock(const LocalFrame& frame, const SkyLimits& limits, std::size_t block,
+                   const GridView& view) const;
+
+    [[nodiscard]] std::size_t SlotCount() const { return m_elements.size(); }
     [[nodiscard]] std::size_t EpochCount() const { return m_epochCount; }
+    /// Of 64 slots each.
+    [[nodiscard]] std::size_t Words() const { return m_used.size(); }
 
 private:
-    using Row = std::array<double, kMaxPrn>; // one value for each slot
+    class ExactForm;
 
-    /// All satellites of one epoch as the site sees them.
-    struct LocalRows
-    {
-        Row east, north, up, range;
-    };
-    void ToLocal(const LocalFrame& frame, std::size_t epoch, LocalRows& local) const;
-    [[nodiscard]] bool PassesReference(const LocalFrame& frame, const SkyLimits& limits,
-                                       std::size_t epoch, std::size_t slot,
-                                       SkyDirection& direction) const;
-    [[nodiscard]] DopValues ReferenceDopOf(const LocalFrame& frame, std::size_t epoch,
-                                           std::uint32_t visible) const;
+    [[nodiscard]] std::span<PositionBlock> Row(std::size_t slot);
+    [[nodiscard]] std::optional<Ecef> ExactPosition(std::size_t slot, std::size_t epoch) const;
+    [[nodiscard]] DopValues ExactDop(const LocalFrame& frame, std::size_t epoch,
+                                     std::span<const std::uint64_t> visible) const;
 
+    std::size_t m_stride; // blocks from slot to slot
     std::size_t m_epochCount = 0;
-    std::size_t m_slotCount = 0;
-    std::array<GpsEpoch, kPlanEpochs> m_epochs{};
-    // Satellites stand side by side, in the order of their PRN, those without a place left out.
-    std::array<std::uint8_t, kMaxPrn> m_prnIndex{};
-    std::array<KeplerElements, kMaxPrn> m_elements{};
-    std::array<Row, kPlanEpochs> m_x{}, m_y{}, m_z{};
-    std::array<std::uint32_t, kPlanEpochs> m_known{}; // bit: slot has a position
+    std::vector<GpsEpoch> m_epochs;
+    std::vector<double> m_counts; // AlmanacOrbit::CountOf() them; whole blocks
+    double m_firstCount = 0.0;
+    double m_lastCount = 0.0;
+    std::vector<PositionBlock> m_positions;
+    std::vector<std::uint64_t> m_used;
+    std::vector<std::optional<KeplerElements>> m_elements; // none: positions were given
 };
 
 } // namespace fieldcore

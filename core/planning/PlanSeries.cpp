@@ -61,7 +61,7 @@ int SampleNear(const ObservationPlan& plan, PlanGraph graph, double epoch)
 std::vector<TrackRun> TrackRuns(const ObservationPlan& plan)
 {
     std::vector<TrackRun> runs;
-    for (int index = 0; index < kMaxPrn; ++index) {
+    for (int index = 0; index < static_cast<int>(plan.Satellites().size()); ++index) {
         bool isOpen = false;
         for (int k = 0; k < plan.Division(); ++k) {
             if (!plan.TrackAt(index, k)) {

@@ -36,11 +36,11 @@ inline constexpr int kGraphDivisions = 12;
 /// A satellite's way as long as it is usable: it is at all epochs from first to last, at least two.
 struct TrackRun
 {
-    int prnIndex = 0; ///< 0 to 31
+    int prnIndex = 0; ///< in plan.Satellites(); of GPS alone PRN less 1
     int first = 0;
     int last = 0;
 };
-/// All of them, by PRN, then time.
+/// All of them, by satellite, then time.
 [[nodiscard]] std::vector<TrackRun> TrackRuns(const ObservationPlan& plan);
 
 } // namespace fieldcore

@@ -1,6 +1,7 @@
 #include "core/planning/PlanWindows.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -17,20 +18,22 @@ WindowLimits Fitted(WindowLimits limits)
     return limits;
 }
 
-std::vector<PlanWindow> FindWindows(const ObservationPlan& plan, const WindowLimits& limits)
+std::vector<PlanWindow> FindWindows(std::span<const std::uint8_t> counts,
+                                    std::span<const double> pdops, std::chrono::minutes interval,
+                                    const WindowLimits& limits)
 {
-    const SiteView& view = plan.View();
     std::vector<PlanWindow> windows;
     std::optional<PlanWindow> open;
     const auto close = [&] {
-        if (open && (open->last - open->first) * plan.Computed().Interval() >= limits.minLength) {
+        if (open && (open->last - open->first) * interval >= limits.minLength) {
             windows.push_back(*open);
         }
         open.reset();
     };
-    for (int k = 0; k <= plan.Division(); ++k) {
-        const int count = view.count[static_cast<std::size_t>(k)];
-        const double pdop = view.dop[static_cast<std::size_t>(k)].pdop;
+    for (std::size_t at = 0; at < counts.size(); ++at) {
+        const int k = static_cast<int>(at);
+        const int count = counts[at];
+        const double pdop = pdops[at];
         if (count < limits.minSatellites || !(pdop <= limits.maxPdop)) {
             close(); // a dilution that is no number is not good either
             continue;
@@ -44,6 +47,17 @@ std::vector<PlanWindow> FindWindows(const ObservationPlan& plan, const WindowLim
     }
     close();
     return windows;
+}
+
+std::vector<PlanWindow> FindWindows(const ObservationPlan& plan, const WindowLimits& limits)
+{
+    const SiteView& view = plan.View();
+    const std::size_t epochs = static_cast<std::size_t>(plan.Division()) + 1;
+    std::array<double, kPlanEpochs> pdops{};
+    std::transform(view.dop.begin(), view.dop.end(), pdops.begin(),
+                   [](const DopValues& dop) { return dop.pdop; });
+    return FindWindows(std::span(view.count).first(epochs), std::span(pdops).first(epochs),
+                       plan.Computed().Interval(), limits);
 }
 
 } // namespace fieldcore

@@ -3,6 +3,8 @@
 #include "core/planning/ObservationPlan.h"
 
 #include <chrono>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 namespace fieldcore {
@@ -37,7 +39,12 @@ struct PlanWindow
 
 /// The longest runs of epochs that keep to @p limits and last at least as long as they ask, in the
 /// order of time. What lies between two epochs is not looked at.
-/// @param plan  after its Compute()
+/// @param counts    of satellites, epoch by epoch, @p interval apart; so are @p pdops
+[[nodiscard]] std::vector<PlanWindow> FindWindows(std::span<const std::uint8_t> counts,
+                                                  std::span<const double> pdops,
+                                                  std::chrono::minutes interval,
+                                                  const WindowLimits& limits);
+/// Those of a plan, after its Compute().
 [[nodiscard]] std::vector<PlanWindow> FindWindows(const ObservationPlan& plan,
                                                   const WindowLimits& limits);
 

@@ -1,7 +1,7 @@
 #include "core/planning/SemAlmanac.h"
 
 #include "core/planning/AlmanacRanges.h"
-#include "core/planning/TextLines.h"
+#include "core/platform/TextLines.h"
 
 #include <array>
 #include <cstddef>
@@ -62,7 +62,7 @@ private:
 
     TextLines m_lines;
     AlmanacText& m_result;
-    std::array<int, kMaxPrn + 1> m_seen{}; // line of each PRN
+    std::array<int, ranges::kPrns> m_seen{}; // line of each PRN
 };
 
 void SemReader::Fail(std::string_view field, std::string message)
@@ -132,7 +132,7 @@ void SemReader::ReadSatellite(int week, std::uint32_t toaS)
 {
     const double prn = ReadLine(kPrn)[0];
     const int prnLine = m_lines.Number();
-    if (Good() && prn <= kMaxPrn) {
+    if (Good() && prn < ranges::kPrns) {
         int& seen = m_seen[static_cast<std::size_t>(prn)];
         if (seen != 0) {
             return Fail("PRN", "satellite " + std::to_string(static_cast<int>(prn)) +
@@ -150,8 +150,8 @@ void SemReader::ReadSatellite(int week, std::uint32_t toaS)
     if (!Good()) {
         return;
     }
-    if (prn > kMaxPrn) {
-        ++m_result.skipped;
+    std::vector<AlmanacRecord>* const records = ranges::PlaceOf(prn, m_result);
+    if (records == nullptr) {
         return;
     }
     AlmanacRecord record;
@@ -166,7 +166,7 @@ void SemReader::ReadSatellite(int week, std::uint32_t toaS)
     record.omega = plane[2];
     record.m0 = place[0];
     record.health = static_cast<std::uint8_t>(health);
-    m_result.records.push_back(record);
+    records->push_back(record);
 }
 
 } // namespace

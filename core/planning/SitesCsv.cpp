@@ -2,8 +2,8 @@
 
 #include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
-#include "core/planning/TextLines.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/TextLines.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
 

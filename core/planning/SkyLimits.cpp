@@ -1,5 +1,7 @@
 #include "core/planning/SkyLimits.h"
 
+#include "core/planning/PlanLanes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -11,9 +13,6 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 constexpr double kTwoPi = 2.0 * kPi;
-/// Nearer to a limit than this, in radians or as a sine, rounding may decide. The two forms of the
-/// orbit differ by a hundredth of it.
-constexpr double kClose = 1.0e-9;
 constexpr double kOutOfReach = 2.0; // above every sine
 
 double LimitSine(double maskRad, std::uint8_t curtainDeg)
@@ -52,7 +51,8 @@ SkyLimits::SkyLimits(double maskRad, const ObstructionCurtain& curtain) noexcept
         m_sines[i] =
             i > 0 && curtain[i] == curtain[i - 1] ? m_sines[i - 1] : LimitSine(maskRad, curtain[i]);
     }
-    const auto [lowest, highest] = std::minmax_element(m_sines.begin(), m_sines.end());
+    const auto [lowest, highest] =
+        std::minmax_element(m_sines.begin(), m_sines.begin() + curtain.size());
     m_lowest = *lowest;
     m_highest = *highest;
 }
@@ -69,30 +69,9 @@ bool SkyLimits::Pass(const SkyDirection& direction) const noexcept
     return direction.elevationRad >= m_curtain[entry] * kPi / 180.0;
 }
 
-SkyLimits::Verdict SkyLimits::Judge(const EastNorthUp& enu, double range) const noexcept
+SkyLimits::Verdict SkyLimits::Judge(const EastNorthUp& enu) const noexcept
 {
-    const double sine = enu.up / range;
-    if (sine < m_lowest - kClose) {
-        return Verdict::Hidden;
-    }
-    if (sine > m_highest + kClose) {
-        return Verdict::Visible;
-    }
-    if (m_lowest == m_highest) {
-        return Verdict::TooClose;
-    }
-    const double degrees = NormalisedAzimuth(std::atan2(enu.east, enu.north)) * 180.0 / kPi;
-    // Azimuths lose their meaning towards the zenith.
-    const double horizontal = std::sqrt(enu.east * enu.east + enu.north * enu.north);
-    const double margin = kClose * 180.0 / kPi * range / horizontal;
-    if (!(std::abs(degrees - std::round(degrees)) > margin)) {
-        return Verdict::TooClose;
-    }
-    const double limit = m_sines[static_cast<std::size_t>(degrees) % m_sines.size()];
-    if (sine < limit - kClose) {
-        return Verdict::Hidden;
-    }
-    return sine > limit + kClose ? Verdict::Visible : Verdict::TooClose;
+    return JudgeDirection(*this, enu);
 }
 
 } // namespace fieldcore

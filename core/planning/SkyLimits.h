@@ -3,6 +3,7 @@
 #include "core/planning/LocalFrame.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace fieldcore {
@@ -35,14 +36,26 @@ public:
         TooClose, ///< within rounding of a limit: ask Pass() with the reference direction
     };
     /// The same without angles where it can do without: several times as fast.
-    /// @param range  enu.Range()
-    [[nodiscard]] Verdict Judge(const EastNorthUp& enu, double range) const noexcept;
+    [[nodiscard]] Verdict Judge(const EastNorthUp& enu) const noexcept;
+
+    // What a judgement goes by.
+
+    /// Nearer to a limit than this, in radians or as a sine, rounding may decide. The forms of the
+    /// orbit differ by a hundredth of it.
+    static constexpr double kClose = 1.0e-9;
+    /// A power of two, so that any index can be cut to fit.
+    static constexpr std::size_t kTableSize = 512;
+    using Table = std::array<double, kTableSize>;
+    /// Sine of the limit for each whole degree of azimuth; 2 where nothing passes.
+    [[nodiscard]] const Table& Sines() const { return m_sines; }
+    [[nodiscard]] double Lowest() const { return m_lowest; } ///< of the sines
+    [[nodiscard]] double Highest() const { return m_highest; }
 
 private:
     double m_maskRad;
     ObstructionCurtain m_curtain;
-    std::array<double, 360> m_sines{}; // of the limit for each entry; 2 where nothing passes
-    double m_lowest;                   // of m_sines
+    Table m_sines{};
+    double m_lowest;
     double m_highest;
 };
 

@@ -1,7 +1,7 @@
 #include "core/planning/YumaAlmanac.h"
 
 #include "core/planning/AlmanacRanges.h"
-#include "core/planning/TextLines.h"
+#include "core/platform/TextLines.h"
 
 #include <algorithm>
 #include <array>
@@ -102,8 +102,8 @@ private:
     std::string_view m_shown; // label in it, as it stands there; empty if it is no field
     int m_start = 0;          // line of the satellite's first field; 0: it has none yet
     int m_prnLine = 0;        // and of its PRN
-    std::array<int, kMaxPrn + 1> m_seen{}; // line of each PRN
-    std::vector<int> m_weeks;              // of each satellite, skipped ones too
+    std::array<int, ranges::kPrns> m_seen{}; // line of each PRN
+    std::vector<int> m_weeks;                // of each satellite, skipped ones too
 };
 
 bool YumaReader::Fail(int line, std::string_view field, std::string message)
@@ -185,9 +185,7 @@ bool YumaReader::EndSatellite()
     const auto value = [this](Field field) { return *m_values[field]; };
     const auto semicircles = [&value](Field field) { return value(field) / std::numbers::pi; };
     m_weeks.push_back(static_cast<int>(value(Week)));
-    if (value(Prn) > kMaxPrn) {
-        ++m_result.skipped;
-    } else {
+    if (std::vector<AlmanacRecord>* records = ranges::PlaceOf(value(Prn), m_result)) {
         AlmanacRecord record;
         record.prn = static_cast<std::uint8_t>(value(Prn));
         record.week = static_cast<std::int16_t>(m_weeks.back());
@@ -207,7 +205,7 @@ bool YumaReader::EndSatellite()
                             std::to_string(seen) + " already");
         }
         seen = m_prnLine;
-        m_result.records.push_back(record);
+        records->push_back(record);
     }
     m_values = {};
     m_start = 0;
@@ -221,7 +219,7 @@ bool YumaReader::Finish(bool lastLineEnded)
     if (!EndSatellite()) {
         return false;
     }
-    if (m_result.records.empty() && m_result.skipped == 0) {
+    if (m_result.records.empty() && m_result.qzss.empty() && m_result.skipped == 0) {
         return Fail(0, "", "has no satellite: fetch the almanac again");
     }
     // Half a number is a number, too.

@@ -303,6 +303,10 @@ TEST(Japanese, IsTheLanguageOfHelpAndOfFailures)
     runner.variables["FIELDCORE_LANGUAGE"] = "ja";
     ExpectJapaneseHelp(runner, "");
     static_cast<void>(runner.Folder().Write("bad.txt", "1 2 3\n"));
+    static_cast<void>(runner.Folder().Write("one.csv", "A,35.5,139.5,10\n"));
+    static_cast<void>(runner.Folder().Write(
+        "cut.rnx",
+        "     3.05           NAVIGATION DATA     MIXED               RINEX VERSION / TYPE\n"));
     for (const char* const typed : {"bogus",
                                     "almanac show",
                                     "info --baud abc --port sim:",
@@ -330,7 +334,12 @@ TEST(Japanese, IsTheLanguageOfHelpAndOfFailures)
                                     "plan --curtain @/bad.txt",
                                     "plan --min-sv 5",
                                     "plan best --min-sv 12 --max-pdop 1",
-
+                                    "plan best --sites @/bad.txt",
+                                    "plan best --sites @/one.csv --systems GX",
+                                    "plan best --sites @/one.csv --systems GE --clock-per-system",
+                                    "plan best --sites @/one.csv --systems GE --max-pdop 1",
+                                    "plan session --sites @/one.csv",
+                                    "almanac import @/cut.rnx",
                                     "almanac show --date 1980-01-06",
                                     "almanac import @/bad.txt",
                                     "signal set l5 none",

@@ -154,8 +154,8 @@ std::error_code ExportCsv(const fs::path& file, const PlanDrawing& drawing)
     if (const std::error_code refusal = Refusal(drawing)) {
         return refusal;
     }
-    const std::string text =
-        PlanCsvHeader(drawing.graph) + PlanCsvRows(*drawing.plan, drawing.graph, drawing.site);
+    const std::string text = PlanCsvHeader(drawing.graph, drawing.plan->IsGpsAlone()) +
+                             PlanCsvRows(*drawing.plan, drawing.graph, drawing.site);
     return Replace(file, std::as_bytes(std::span(text)));
 }
 

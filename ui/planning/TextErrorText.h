@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/planning/TextError.h"
+#include "core/platform/TextError.h"
 
 #include <filesystem>
 #include <string>

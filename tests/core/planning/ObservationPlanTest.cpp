@@ -2,11 +2,14 @@
 
 #include "bench/literal/LiteralPlan.h"
 #include "tests/core/planning/SampleSky.h"
+#include "tests/support/ProofSize.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <numbers>
+#include <random>
 #include <string_view>
 #include <vector>
 
@@ -153,6 +156,66 @@ TEST(ObservationPlan, DecidesLikeTheLiteralPlanAtManySites)
         plan.Compute();
         ExpectLiteral(plan);
     }
+}
+
+/// Any almanac, site, mask and curtain: of the satellites most are on orbits that are nearly
+/// circles, as real ones are, and some on others, or on none.
+void LoadAnySky(ObservationPlan& plan, std::mt19937& random)
+{
+    const auto below = [&](std::uint32_t end) {
+        return static_cast<std::uint32_t>(random() % end);
+    };
+    const auto between = [&](double low, double high) {
+        return std::uniform_real_distribution(low, high)(random);
+    };
+    std::vector<std::uint8_t> content;
+    for (int prn = 1; prn <= kMaxPrn; ++prn) {
+        AlmanacRecord record;
+        record.prn = static_cast<std::uint8_t>(prn);
+        record.week = testing::kSampleWeek;
+        record.toaS = 4096 * below(147);
+        record.sqrtA = between(5100.0, 5500.0);
+        const std::uint32_t kind = below(16);
+        record.eccentricity = kind == 0 ? between(0.05, 1.01) : between(0.0, 0.05);
+        record.inclination = between(-0.5, 0.5);
+        record.omegaDot = kind == 1 ? 0.0 : between(-1e-8, 1e-8);
+        record.omega0 = between(-1.0, 1.0);
+        record.omega = between(-1.0, 1.0);
+        record.m0 = kind == 2 ? std::numeric_limits<double>::quiet_NaN() : between(-1.0, 1.0);
+        record.health = kind == 3 ? 1 : 0;
+        const AlmanacBytes bytes = EncodeAlmanac(record);
+        content.insert(content.end(), bytes.begin(), bytes.end());
+    }
+    ASSERT_TRUE(plan.Calc().LoadAlmanac(content));
+    ObstructionCurtain curtain{};
+    const std::uint32_t heights = below(3) * 30 + 1; // one: none
+    for (std::size_t i = 0; i < curtain.size(); ++i) {
+        curtain[i] = i % 20 != 0 ? curtain[i - 1] : static_cast<std::uint8_t>(below(heights));
+    }
+    plan.Calc().SetCurtain(curtain);
+    plan.SetElMaskDeg(static_cast<int>(below(25)));
+    plan.Calc().SetObserver({between(-1.57, 1.57), between(-3.14, 3.14), between(0.0, 4000.0)});
+    const std::chrono::sys_days day =
+        std::chrono::sys_days(kDay.date) + std::chrono::days(static_cast<int>(below(1000)) - 500);
+    plan.Period() = {day, static_cast<int>(below(24)), static_cast<int>(below(24)) + 1};
+}
+
+TEST(ObservationPlan, DecidesLikeTheLiteralPlanInEveryVector)
+{
+    std::mt19937 random(testing::Seed());
+    const int plans = testing::ProofSize("FIELDCORE_PLANS", 20);
+    ObservationPlan plan;
+    long long cases = 0;
+    for (int i = 0; i < plans; ++i) {
+        SCOPED_TRACE(i);
+        LoadAnySky(plan, random);
+        LimitLanes(std::size_t{1} << i % 4);
+        plan.Compute();
+        ExpectLiteral(plan);
+        cases += (plan.Division() + 1) * kMaxPrn;
+    }
+    LimitLanes(0);
+    testing::Measured(cases, "satellites decided");
 }
 
 TEST(ObservationPlan, DecidesLikeTheLiteralPlanWhereRoundingDecides)

@@ -86,7 +86,7 @@ TEST(SkyLimits, JudgesLikeTheRuleAndOnlyWhenItIsSure)
                         const SkyDirection direction{Rad(azimuthDeg) + offset,
                                                      Rad(elevationDeg) - offset};
                         const EastNorthUp enu = At(direction.azimuthRad, direction.elevationRad);
-                        const auto verdict = limits.Judge(enu, enu.Range());
+                        const auto verdict = limits.Judge(enu);
                         if (verdict != SkyLimits::Verdict::TooClose) {
                             ASSERT_EQ(verdict == SkyLimits::Verdict::Visible,
                                       limits.Pass(direction))
@@ -125,7 +125,7 @@ TEST(SkyLimits, LeavesWhatRoundingDecidesToTheRule)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         const EastNorthUp enu = At(Rad(row.azimuthDeg), Rad(row.elevationDeg));
-        EXPECT_EQ(limits.Judge(enu, enu.Range()), row.verdict);
+        EXPECT_EQ(limits.Judge(enu), row.verdict);
     }
 }
 

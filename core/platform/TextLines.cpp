@@ -1,4 +1,4 @@
-#include "core/planning/TextLines.h"
+#include "core/platform/TextLines.h"
 
 #include "core/platform/NumberText.h"
 
@@ -58,13 +58,19 @@ TextLines::TextLines(std::string_view text) : m_rest(text)
 
 std::optional<std::string_view> TextLines::Next()
 {
+    const std::optional<std::string_view> line = NextWhole();
+    return line ? std::optional(Trimmed(*line)) : std::nullopt;
+}
+
+std::optional<std::string_view> TextLines::NextWhole()
+{
     if (m_rest.empty()) {
         return std::nullopt;
     }
     const std::string_view line = m_rest.substr(0, m_rest.find('\n'));
     m_rest.remove_prefix(std::min(line.size() + 1, m_rest.size()));
     ++m_number;
-    return Trimmed(line);
+    return line.substr(0, line.find_last_not_of(kBlanks) + 1);
 }
 
 std::string_view Trimmed(std::string_view text)

@@ -8,7 +8,7 @@
 
 namespace fieldcore {
 
-// What the texts of the planning room have in common: lines, fields, numbers.
+// What the texts that are read have in common: lines, fields, numbers.
 
 /// No text that is read is longer, bytes.
 inline constexpr std::size_t kMostText = std::size_t{1} << 20;
@@ -22,6 +22,8 @@ public:
     /// The next line, without white space at both ends.
     /// @return nothing behind the last
     [[nodiscard]] std::optional<std::string_view> Next();
+    /// The same with the white space at its start: for texts whose columns mean something.
+    [[nodiscard]] std::optional<std::string_view> NextWhole();
 
     /// Of the line that Next() gave, from 1; 0 before the first.
     [[nodiscard]] int Number() const { return m_number; }

@@ -1,0 +1,155 @@
+#include "core/orbits/Constellations.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <utility>
+
+namespace fieldcore {
+
+namespace {
+
+constexpr double kPeriodS = 7200.0; // in which one record of a satellite is enough
+constexpr double kDayS = 86400.0;
+
+double PeriodOf(const NavigationRecord& record)
+{
+    return std::floor(record.ReferenceS() / kPeriodS);
+}
+
+/// Of the records of one satellite the one that At() means, healthy or not.
+const NavigationRecord* Nearest(std::span<const NavigationRecord> records, double gpsS)
+{
+    const NavigationRecord* nearest = nullptr;
+    for (const NavigationRecord& record : records) {
+        if (nearest == nullptr ||
+            std::abs(gpsS - record.ReferenceS()) <= std::abs(gpsS - nearest->ReferenceS())) {
+            nearest = &record;
+        }
+    }
+    return nearest;
+}
+
+} // namespace
+
+double StaleAfterS(GnssSystem system) noexcept
+{
+    constexpr std::array<double, kGnssSystems> kDays{14.0, 14.0, 14.0, 7.0, 7.0, 1.0 / 48.0};
+    return kDays[static_cast<std::size_t>(system)] * kDayS;
+}
+
+void Constellations::Add(std::span<const NavigationRecord> records)
+{
+    m_records.insert(m_records.end(), records.begin(), records.end());
+    const auto isEarlier = [](const NavigationRecord& a, const NavigationRecord& b) {
+        return a.satellite != b.satellite ? a.satellite < b.satellite
+                                          : a.ReferenceS() < b.ReferenceS();
+    };
+    std::stable_sort(m_records.begin(), m_records.end(), isEarlier);
+    // From the newest of each satellite back; what stays gathers at the end.
+    auto kept = m_records.rbegin();
+    std::size_t ofSatellite = 0;
+    for (auto record = m_records.rbegin(); record != m_records.rend(); ++record) {
+        const bool isFirst = record == m_records.rbegin();
+        const NavigationRecord* const newer = isFirst ? nullptr : &*std::prev(kept);
+        const bool isSame = newer != nullptr && newer->satellite == record->satellite;
+        if (isSame && (PeriodOf(*newer) == PeriodOf(*record) || ofSatellite == kMostRecords)) {
+            continue;
+        }
+        ofSatellite = isSame ? ofSatellite + 1 : 1;
+        if (kept != record) {
+            *kept = std::move(*record);
+        }
+        ++kept;
+    }
+    m_records.erase(m_records.begin(), kept.base());
+}
+
+void Constellations::DropBefore(GnssSystem system, double gpsS)
+{
+    std::erase_if(m_records, [&](const NavigationRecord& record) {
+        return record.satellite.system == system && record.ReferenceS() < gpsS;
+    });
+}
+
+std::span<const NavigationRecord> Constellations::RecordsOf(SatelliteId satellite) const
+{
+    const auto first = std::lower_bound(
+        m_records.begin(), m_records.end(), satellite,
+        [](const NavigationRecord& record, SatelliteId id) { return record.satellite < id; });
+    const auto last = std::find_if(first, m_records.end(), [&](const NavigationRecord& record) {
+        return record.satellite != satellite;
+    });
+    return {first, last};
+}
+
+std::vector<SatelliteId> Constellations::Satellites(SystemSet systems) const
+{
+    std::vector<SatelliteId> satellites;
+    for (const NavigationRecord& record : m_records) {
+        if (systems[static_cast<std::size_t>(record.satellite.system)] &&
+            (satellites.empty() || satellites.back() != record.satellite)) {
+            satellites.push_back(record.satellite);
+        }
+    }
+    return satellites;
+}
+
+const NavigationRecord* Constellations::At(SatelliteId satellite, double gpsS) const
+{
+    const NavigationRecord* const nearest = Nearest(RecordsOf(satellite), gpsS);
+    return nearest != nullptr && nearest->IsHealthy() ? nearest : nullptr;
+}
+
+std::optional<Ecef> Constellations::Position(SatelliteId satellite, double gpsS) const
+{
+    const NavigationRecord* const record = At(satellite, gpsS);
+    return record != nullptr ? OrbitMotion(*record).At(gpsS) : std::nullopt;
+}
+
+void Constellations::Positions(SatelliteId satellite, std::span<const double> epochs,
+                               std::span<Ecef> positions) const
+{
+    assert(positions.size() >= epochs.size());
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    const std::span<const NavigationRecord> records = RecordsOf(satellite);
+    const NavigationRecord* current = nullptr;
+    std::optional<OrbitMotion> motion;
+    for (std::size_t k = 0; k < epochs.size(); ++k) {
+        const NavigationRecord* const nearest = Nearest(records, epochs[k]);
+        if (nearest != current) {
+            current = nearest;
+            motion.reset();
+            if (nearest->IsHealthy()) {
+                motion.emplace(*nearest);
+            }
+        }
+        const std::optional<Ecef> position = motion ? motion->At(epochs[k]) : std::nullopt;
+        positions[k] = position.value_or(Ecef{kNone, kNone, kNone});
+    }
+}
+
+SystemState Constellations::StateOf(GnssSystem system, double gpsS) const
+{
+    SystemState state;
+    for (const SatelliteId satellite : Satellites(SystemSetOf(system))) {
+        const std::span<const NavigationRecord> records = RecordsOf(satellite);
+        const NavigationRecord& nearest = *Nearest(records, gpsS);
+        const double firstS = records.front().ReferenceS();
+        const double lastS = records.back().ReferenceS();
+        const double ageS = std::abs(gpsS - nearest.ReferenceS());
+        const bool isFirst = state.satellites == 0;
+        state.firstS = isFirst ? firstS : std::min(state.firstS, firstS);
+        state.lastS = isFirst ? lastS : std::max(state.lastS, lastS);
+        state.ageS = isFirst ? ageS : std::min(state.ageS, ageS);
+        state.healthy += nearest.IsHealthy() ? 1 : 0;
+        state.records += static_cast<int>(records.size());
+        ++state.satellites;
+    }
+    state.isStale = state.ageS > StaleAfterS(system);
+    return state;
+}
+
+} // namespace fieldcore

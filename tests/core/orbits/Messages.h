@@ -1,0 +1,39 @@
+#pragma once
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace fieldcore::testing {
+
+/// A navigation text with some messages of each system, as broadcast on one day.
+inline std::string Messages()
+{
+    std::ifstream file(FIELDCORE_SOURCE_DIR "/tests/core/orbits/messages.rnx");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// @p text with the first @p from replaced.
+inline std::string With(std::string text, std::string_view from, std::string_view to)
+{
+    const std::size_t at = text.find(from);
+    if (at == std::string::npos) {
+        throw std::invalid_argument(std::string(from) + " is not in the text");
+    }
+    return text.replace(at, from.size(), to);
+}
+
+/// @p text with the first GLONASS satellite in the middle of the earth.
+inline std::string WithoutPlace(std::string text)
+{
+    std::size_t at = text.find("\nR09") + 1;
+    for (int line = 1; line <= 3; ++line) {
+        at = text.find('\n', at) + 1;
+        text.replace(at + 4, 19, " 0.000000000000e+00");
+    }
+    return text;
+}
+
+} // namespace fieldcore::testing

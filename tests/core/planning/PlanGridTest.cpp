@@ -1,0 +1,113 @@
+#include "core/planning/PlanGrid.h"
+
+#include "tests/core/planning/SampleSky.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+constexpr std::size_t kSlots = 130;
+constexpr std::size_t kEpochs = 61; // not whole blocks
+
+struct Seen
+{
+    explicit Seen(const PlanGrid& grid)
+        : visible(grid.EpochCount() * grid.Words()), count(grid.EpochCount()),
+          dop(grid.EpochCount()), directions(grid.SlotCount(), grid.EpochCount())
+    {}
+    [[nodiscard]] GridView Into() { return {visible, count, dop, &directions}; }
+    [[nodiscard]] bool Is(std::size_t slot, std::size_t epoch) const
+    {
+        return (visible[epoch * (kSlots / 64 + 1) + slot / 64] >> slot % 64 & 1U) != 0;
+    }
+
+    std::vector<std::uint64_t> visible;
+    std::vector<std::uint8_t> count;
+    std::vector<DopValues> dop;
+    SkyDirections directions;
+};
+
+TEST(PlanGrid, ShowsAsManySatellitesAndEpochsAsItHasRoomFor)
+{
+    std::vector<GpsEpoch> epochs;
+    for (std::size_t k = 0; k < kEpochs; ++k) {
+        epochs.push_back({testing::kSampleWeek, 600.0 * static_cast<double>(k)});
+    }
+    // Each satellite on its orbit, and again where its positions say; from the tenth epoch on
+    // these are missing.
+    constexpr std::size_t kGiven = 99;
+    constexpr std::size_t kMissing = 10;
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+    PlanGrid grid(kSlots, kEpochs);
+    grid.Begin(epochs);
+    for (int prn = 1; prn <= 30; ++prn) {
+        const auto slot = static_cast<std::size_t>(prn);
+        const AlmanacOrbit orbit(testing::SampleSatellite(prn));
+        grid.Set(slot, orbit);
+        std::vector<Ecef> positions;
+        for (const GpsEpoch& epoch : epochs) {
+            positions.push_back(positions.size() < kMissing ? orbit.Position(epoch).value_or(Ecef{})
+                                                            : Ecef{kNaN, kNaN, kNaN});
+        }
+        grid.Set(kGiven + slot, positions);
+    }
+    const Observer site;
+    const SkyLimits limits(0.2, ObstructionCurtain{});
+    Seen seen(grid);
+    grid.View(LocalFrame(site), limits, seen.Into());
+    int visible = 0;
+    for (std::size_t k = 0; k < kEpochs; ++k) {
+        int count = 0;
+        DopSums sums;
+        for (std::size_t slot = 0; slot < kSlots; ++slot) {
+            if (slot == 0 || slot > 30) {
+                const bool isTwin = slot > kGiven && slot <= kGiven + 30 && k < kMissing;
+                ASSERT_EQ(seen.Is(slot, k), isTwin && seen.Is(slot - kGiven, k)) << slot;
+                continue;
+            }
+            const AlmanacOrbit orbit(testing::SampleSatellite(static_cast<int>(slot)));
+            const Ecef position = *ReferencePosition(orbit.Elements(), epochs[k]);
+            const auto direction = ReferenceDirection(site, position);
+            ASSERT_EQ(seen.Is(slot, k), direction && limits.Pass(*direction)) << slot;
+            if (seen.Is(slot, k)) {
+                ++count;
+                const SkyDirection ours = seen.directions.At(slot, k);
+                ASSERT_NEAR(ours.azimuthRad, NormalisedAzimuth(direction->azimuthRad), 1e-9);
+                ASSERT_NEAR(ours.elevationRad, direction->elevationRad, 1e-9);
+                const EastNorthUp local = LocalFrame(site).ToLocal(position);
+                const double range = local.Range();
+                sums.Add(local.east / range, local.north / range, local.up / range);
+            }
+        }
+        ASSERT_EQ(seen.count[k], k < kMissing ? 2 * count : count) << k;
+        visible += count;
+        if (k >= kMissing) {
+            const auto dop = sums.Solve();
+            ASSERT_TRUE(dop && count >= kSatellitesForDop);
+            ASSERT_NEAR(seen.dop[k].pdop, dop->pdop, 1e-9) << k;
+            ASSERT_NEAR(seen.dop[k].tdop, dop->tdop, 1e-9) << k;
+        }
+    }
+    EXPECT_GT(visible, 300);
+
+    // Fewer epochs next time, and nothing of the time before.
+    grid.Begin(std::span(epochs).first(3));
+    grid.Set(7, AlmanacOrbit(testing::SampleSatellite(7)));
+    Seen next(grid);
+    ASSERT_EQ(next.count.size(), 3U);
+    grid.View(LocalFrame(site), limits, next.Into());
+    for (std::size_t k = 0; k < 3; ++k) {
+        EXPECT_EQ(next.count[k], seen.Is(7, k) ? 1 : 0);
+        EXPECT_EQ(next.dop[k].gdop, kNoDop.gdop);
+    }
+}
+
+} // namespace
+} // namespace fieldcore

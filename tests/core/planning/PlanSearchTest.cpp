@@ -1,0 +1,188 @@
+#include "core/planning/PlanSearch.h"
+
+#include "core/planning/ObservationPlan.h"
+#include "tests/core/planning/SampleSky.h"
+
+#include <bit>
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::year_month_day kFirst = 2022y / std::chrono::March / 10;
+constexpr double kMaskRad = 0.2;
+
+std::vector<SearchSite> SomeSites()
+{
+    ObstructionCurtain house{};
+    std::fill(house.begin() + 90, house.begin() + 270, std::uint8_t{50});
+    const SkyLimits open(kMaskRad, ObstructionCurtain{});
+    return {{L"A", {0.62, 2.43, 40.0}, open},
+            {L"B", {0.60, 2.40, 70.0}, SkyLimits(kMaskRad, house)},
+            {L"C", {0.75, 2.47, 10.0}, open}};
+}
+
+void Finish(PlanSearch& search)
+{
+    while (search.Step()) {
+    }
+    EXPECT_EQ(search.StepsDone(), search.Steps());
+}
+
+TEST(PlanSearch, SeesWhatThePlanOfEachDaySees)
+{
+    ObservationPlan plan;
+    plan.Calc().LoadAlmanac(testing::SampleFile());
+    plan.Calc().SetUse(3, 0);
+    const std::vector<SearchSite> sites = SomeSites();
+    for (const int hours : {24, 8}) {
+        SCOPED_TRACE(hours);
+        const int startHour = hours == 24 ? 0 : 20; // past midnight
+        PlanSearch search(sites, {kFirst, 3, startHour, hours, 30min}, plan.Calc());
+        Finish(search);
+        for (int day = 0; day < 3; ++day) {
+            plan.Period() = {std::chrono::sys_days(kFirst) + std::chrono::days(day), startHour,
+                             hours};
+            std::vector<SiteView> views;
+            for (const SearchSite& site : sites) {
+                plan.Calc().SetObserver(site.observer);
+                plan.Calc().SetElMask(kMaskRad);
+                ObstructionCurtain curtain{};
+                if (site.name == L"B") {
+                    std::fill(curtain.begin() + 90, curtain.begin() + 270, std::uint8_t{50});
+                }
+                plan.Calc().SetCurtain(curtain);
+                plan.Compute();
+                views.push_back(plan.View());
+            }
+            for (int k = 0; k <= plan.Division(); ++k) {
+                const int epoch = day * (plan.Division() + (hours == 24 ? 0 : 1)) + k;
+                const auto from = static_cast<std::size_t>(k);
+                const auto at = static_cast<std::size_t>(epoch);
+                ASSERT_EQ(search.UtcAt(epoch), plan.Period().UtcAfter(k));
+                std::uint64_t common = ~std::uint64_t{0};
+                double highest = 0.0;
+                for (std::size_t i = 0; i < sites.size(); ++i) {
+                    ASSERT_EQ(search.Counts(i)[at], views[i].count[from]) << i << ' ' << epoch;
+                    ASSERT_NEAR(search.Pdops(i)[at], views[i].dop[from].pdop, 1e-9);
+                    common &= views[i].visible[from];
+                    highest = std::max(highest, views[i].dop[from].pdop);
+                }
+                ASSERT_EQ(search.Counts(search.Together())[at], std::popcount(common)) << epoch;
+                ASSERT_NEAR(search.Pdops(search.Together())[at], highest, 1e-9);
+            }
+        }
+    }
+}
+
+TEST(PlanSearch, FollowsSatellitesOfAllSystems)
+{
+    // A GPS satellite as a message, and a state that hangs over Japan.
+    NavigationRecord turning;
+    turning.satellite = {GnssSystem::Gps, 5};
+    KeplerOrbit orbit;
+    orbit.referenceS = 1.33e9;
+    orbit.a = 2.656e7;
+    orbit.i0 = 0.96;
+    turning.orbit = orbit;
+    NavigationRecord hanging;
+    hanging.satellite = {GnssSystem::Sbas, 29};
+    StateVector state;
+    state.referenceS = 1.33e9;
+    state.position = {-3.34e7, 2.57e7, 0.0};
+    hanging.orbit = state;
+    Constellations known;
+    const std::vector<NavigationRecord> records{turning, hanging};
+    known.Add(records);
+    const std::vector<SatelliteId> ids{turning.satellite,
+                                       hanging.satellite,
+                                       {GnssSystem::Galileo, 1}}; // of which nothing is known
+    const std::vector<SearchSite> sites{SomeSites().front()};
+    PlanSearch search(sites, {kFirst, 1, 0, 24, 10min}, known, ids);
+    Finish(search);
+    const LocalFrame frame(sites[0].observer);
+    int seen = 0;
+    for (int k = 0; k < search.EpochCount(); ++k) {
+        int count = 0;
+        for (const SatelliteId id : ids) {
+            // 2022-03-10 is 15404 days behind 1980-01-06; Japan is 9 h and GPS time 18 s ahead.
+            const double gpsS = 15404.0 * 86400.0 - 9 * 3600.0 + 18.0 + 600.0 * k;
+            if (const auto position = known.Position(id, gpsS)) {
+                const EastNorthUp local = frame.ToLocal(*position);
+                count += sites[0].limits.Pass(local.ToDirection(local.Range())) ? 1 : 0;
+            }
+        }
+        ASSERT_EQ(search.Counts(0)[static_cast<std::size_t>(k)], count) << k;
+        seen += count;
+    }
+    EXPECT_GT(seen, search.EpochCount());
+}
+
+TEST(PlanSearch, ChoosesTheBestTimeOfEachDay)
+{
+    ObservationPlan plan;
+    plan.Calc().LoadAlmanac(testing::SampleFile());
+    const WindowLimits limits{6, 3.0, 60min};
+    for (const int hours : {24, 9}) {
+        PlanSearch search(SomeSites(), {kFirst, 5, 8, hours, 10min}, plan.Calc());
+        Finish(search);
+        for (std::size_t site = 0; site <= search.Together(); ++site) {
+            SCOPED_TRACE(site);
+            const auto windows = search.BestOfDays(site, limits);
+            // The plainest way to the best of a day: every start.
+            std::vector<double> best(5, 1e9);
+            for (int first = 0; first + 6 < search.EpochCount(); ++first) {
+                double highest = 0.0;
+                bool isGood = search.UtcAt(first + 6) - search.UtcAt(first) == 60min;
+                for (int k = first; k <= first + 6; ++k) {
+                    const auto at = static_cast<std::size_t>(k);
+                    isGood =
+                        isGood && search.Counts(site)[at] >= 6 && search.Pdops(site)[at] <= 3.0;
+                    highest = std::max(highest, search.Pdops(site)[at]);
+                }
+                double& ofDay = best[static_cast<std::size_t>(search.DayOf(first))];
+                ofDay = isGood ? std::min(ofDay, highest) : ofDay;
+            }
+            std::size_t found = 0;
+            double before = 0.0;
+            for (const SearchWindow& window : windows) {
+                const auto day = static_cast<std::size_t>(search.DayOf(window.window.first));
+                EXPECT_EQ(window.window.highestPdop, best[day]);
+                EXPECT_GE(window.window.highestPdop, before) << "the best day first";
+                EXPECT_LE(window.goodFirst, window.window.first);
+                EXPECT_GE(window.goodLast, window.window.last);
+                EXPECT_GE(window.window.fewestSatellites, 6);
+                before = window.window.highestPdop;
+                best[day] = 1e9; // once
+            }
+            for (const double rest : best) {
+                found += rest == 1e9 ? 1 : 0;
+            }
+            EXPECT_EQ(found, best.size()) << "a day was left out";
+            EXPECT_TRUE(site == 1 || !windows.empty());
+        }
+        EXPECT_TRUE(search.BestOfDays(0, {12, 1.0, 60min}).empty());
+    }
+}
+
+TEST(PlanSearch, HasNothingWithoutSitesOrSatellites)
+{
+    const ObservationPlan plan;
+    PlanSearch noSatellites(SomeSites(), {kFirst, 2}, plan.Calc());
+    Finish(noSatellites);
+    EXPECT_TRUE(noSatellites.BestOfDays(0, {}).empty());
+    EXPECT_EQ(noSatellites.Pdops(0)[0], kNoDop.pdop);
+    PlanSearch noSites({}, {kFirst, 2}, plan.Calc());
+    Finish(noSites);
+    EXPECT_EQ(noSites.Counts(noSites.Together())[0], 0);
+    EXPECT_FALSE(noSites.Step());
+}
+
+} // namespace
+} // namespace fieldcore
