@@ -105,42 +105,6 @@ TEST(FaultInjector, DoesToTheAnswerWhatTheRuleSays)
     }
 }
 
-TEST(FaultInjector, PutsStrangeBytesAroundTheAnswer)
-{
-    struct Row
-    {
-        std::string_view rule;
-        std::size_t pieces;
-        std::size_t answerAt; ///< piece in which the answer stands, at its start
-    };
-    constexpr Row kRows[] = {
-        {"unsolicited", 2, 1}, {"garbage 5", 2, 1}, {"early", 2, 0}, {"burst", 1, 0}};
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.rule);
-        FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
-        const Pieces pieces = Apply(injector);
-        ASSERT_EQ(pieces.size(), row.pieces);
-        const Bytes& with = pieces[row.answerAt].bytes;
-        ASSERT_GE(with.size(), kReply.size());
-        EXPECT_TRUE(std::equal(kReply.begin(), kReply.end(), with.begin()));
-    }
-    FaultInjector injector(1);
-    injector.Add(Rule("unsolicited"));
-    EXPECT_EQ(Apply(injector)[0].bytes[2], 0x40);
-}
-
-TEST(FaultInjector, AStrayFrameIsNeverTheAnswerItself)
-{
-    const Bytes status = MakeFrame(0x09, "1014000085 1.85    09");
-    FaultInjector injector(1);
-    injector.Add(Rule("burst"));
-    const Pieces pieces = injector.Apply(FrameRequest(Hex("02 00 08 00 08 03")), {status}).pieces;
-    ASSERT_EQ(pieces.size(), 1U);
-    ASSERT_GT(pieces[0].bytes.size(), status.size() + 2);
-    EXPECT_NE(pieces[0].bytes[status.size() + 2], 0x09);
-}
-
 TEST(FaultInjector, KnowsTheFramesOfAnAnswerThatGoesOn)
 {
     struct Row
@@ -259,31 +223,6 @@ TEST(FaultInjector, OnTheNoisyLineAskingTwiceIsEnough)
         spoilt += isWhole ? 0 : 1;
     }
     EXPECT_GT(spoilt, 100) << "the line is not noisy";
-}
-
-TEST(FaultInjector, CutsARequestAtItsByte)
-{
-    struct Row
-    {
-        std::string_view rule;
-        std::size_t cutAt; ///< bytes of the request, 0: not cut
-    };
-    constexpr Row kRows[] = {
-        {"hang-up request", 1},         {"hang-up request 4", 4}, {"hang-up request 1 on 4A", 3},
-        {"hang-up request 4 on 08", 0}, {"hang-up reply", 0},     {"hang-up request 3 skip 1", 0},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.rule);
-        FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
-        std::size_t cutAt = 0;
-        for (std::size_t n = 1; n < kQuestion.size() && cutAt == 0; ++n) {
-            if (injector.CutRequest(std::span(kQuestion).first(n))) {
-                cutAt = n;
-            }
-        }
-        EXPECT_EQ(cutAt, row.cutAt);
-    }
 }
 
 } // namespace fieldcore::simulator::test

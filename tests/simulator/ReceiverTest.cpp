@@ -70,31 +70,6 @@ TEST(Receiver, RefusesWhatItDoesNotKnow)
     }
 }
 
-TEST(Receiver, RepliesAreAsLongAsTheLayoutsSay)
-{
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view scenario;
-        std::uint8_t type;
-        std::size_t length;
-    };
-    constexpr Row kRows[] = {
-        {"long serial missing", "lark", 0x06, 55},
-        {"long serial of an old receiver", "pica", 0x06, 45},
-        {"model word with a code that has none", "lark", 0x4A, 49},
-        {"model word missing with code 0", "pica", 0x4A, 51},
-        {"status", "lark", 0x08, 21},
-        {"position", "lark", 0x34, 46},
-    };
-    const HandClock clock;
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
-        Receiver receiver(Shipped(std::string(row.scenario)), clock);
-        EXPECT_EQ(Data(receiver, row.type).size(), row.length);
-    }
-}
-
 TEST(Receiver, TimeAndBatteryRunWithTheClockAndTheSpeed)
 {
     HandClock clock;

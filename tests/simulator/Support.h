@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/platform/Clock.h"
 #include "simulator/Frame.h"
 #include "simulator/RequestParser.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
+#include "tests/support/HandClock.h"
+#include "tests/support/Hex.h"
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -18,36 +18,8 @@
 
 namespace fieldcore::simulator::test {
 
-/// A clock that stands until one thread moves it.
-class HandClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return m_steady; }
-    [[nodiscard]] UtcTime Utc() const override { return UtcTime(m_steady.load()); }
-    [[nodiscard]] bool SetUtc(UtcTime /*time*/) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-    void Advance(Duration duration) { m_steady = m_steady.load() + duration; }
-
-private:
-    std::atomic<Duration> m_steady{};
-};
-
-/// "02 00 08" as bytes.
-inline Bytes Hex(std::string_view text)
-{
-    Bytes bytes;
-    std::string digits;
-    for (const char c : text) {
-        if (std::string_view("0123456789ABCDEF").find(c) != std::string_view::npos) {
-            digits += c;
-        }
-        if (digits.size() == 2) {
-            bytes.push_back(static_cast<std::uint8_t>(std::stoi(digits, nullptr, 16)));
-            digits.clear();
-        }
-    }
-    return bytes;
-}
+using fieldcore::testing::HandClock;
+using fieldcore::testing::Hex;
 
 inline Request FrameRequest(const Bytes& frame)
 {

@@ -4,9 +4,9 @@
 
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/FilesFixture.h"
-#include "tests/core/equipment/HandClock.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/HandClock.h"
 
 #include <fstream>
 #include <iterator>

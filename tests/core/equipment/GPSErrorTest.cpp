@@ -3,8 +3,8 @@
 #include "core/equipment/GPSError.h"
 
 #include "core/link/Command.h"
-#include "tests/core/equipment/HandClock.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/support/HandClock.h"
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 

@@ -40,7 +40,7 @@ TEST_F(LivingReceiverTest, IsFollowedFromTheFirstFixToTheLastCharge)
     std::string error;
     const auto scenario = simulator::LoadScenario("first-fix", error);
     ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(PlugIn(*scenario));
+    ASSERT_NO_FATAL_FAILURE(Plug(*scenario));
     struct Moment
     {
         std::chrono::seconds at;

@@ -430,30 +430,6 @@ TEST_F(DownloadTest, TheFolderMayVanishAndTheCableBePulled)
     }
 }
 
-TEST_F(DownloadTest, GetsWholeFilesFromAReceiverThatBreaksThem)
-{
-    std::string error;
-    const auto scenario = simulator::LoadScenario("broken-files", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::SimulatorOptions options;
-    options.port = &line.FarPort();
-    simulator::Simulator receiver(*scenario, clock, options);
-    ASSERT_TRUE(receiver.Start(error)) << error;
-    Open();
-    const auto files = receiver.Files();
-    ASSERT_EQ(files.size(), 3U);
-    for (const simulator::ReceiverFile& file : files) {
-        SCOPED_TRACE(file.name);
-        Bytes content(file.size);
-        simulator::ReadFileContent(file, 0, content);
-        const std::wstring name(file.name.begin(), file.name.end());
-        EXPECT_EQ(command.DownloadFile(folder.Path(), name, file.size), file.size)
-            << command.LastError();
-        EXPECT_TRUE(Read(folder.Path() / file.name) == content);
-    }
-    EXPECT_GT(Count(receiver.Requests(), 0x96), files.size()) << "nothing was broken";
-}
-
 /// The next frame fills up what the line has lost of one, and the sum fits by chance.
 TEST_F(DownloadTest, NoticesLostBytesThatTheSumDoesNotShow)
 {

@@ -121,25 +121,6 @@ TEST(CnMenuBar, TellsTheNumberOfTheItem)
     EXPECT_EQ(screen.chosen.back(), 21913);
 }
 
-TEST(CnMenuBar, ChecksOneItemOfAGroup)
-{
-    const Screen screen(0);
-    const auto checked = [&] {
-        std::vector<int> ids;
-        for (int id = 21901; id <= 21913; ++id) {
-            if (screen.bar->IsItemChecked(id)) {
-                ids.push_back(id);
-            }
-        }
-        return ids;
-    };
-    EXPECT_EQ(checked(), std::vector<int>{21904});
-    screen.bar->CheckRadioItem(21901, 21907, 21907);
-    EXPECT_EQ(checked(), std::vector<int>{21907});
-    screen.bar->CheckRadioItem(21901, 21907, 21911); // not of the group
-    EXPECT_EQ(checked(), std::vector<int>{21907});
-}
-
 TEST(CnMenuBar, LeavesTheScreenAsItWasLoaded)
 {
     for (const auto& [loadWay, textId] :

@@ -2,6 +2,7 @@
 
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
+#include "tests/support/HandClock.h"
 #include "tests/ui/controls/Pictures.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/Dialog.h"
@@ -40,16 +41,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Time stands still until the test moves it.
-class HandClock : public Clock
+void MoveTo(testing::HandClock& clock, Clock::Duration moment)
 {
-public:
-    Duration now{};
-    [[nodiscard]] Duration Steady() const override { return now; }
-    [[nodiscard]] UtcTime Utc() const override { return {}; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-};
+    clock.Advance(moment - clock.Steady());
+}
 
 /// Does @p act as soon as a message box is there, and closes it if it is still there later.
 void OnMessage(QObject* context, const std::function<void(MessageDlg&)>& act)
@@ -311,14 +306,14 @@ TEST(QtHost, FindsTheControlInTheWindowWhereItWasTyped)
 
 TEST(QtHost, ShowsTheStripOnlyInALongWait)
 {
-    HandClock clock;
+    testing::HandClock clock;
     QtHost host({.clock = &clock});
     Window window;
     EXPECT_TRUE(host.Breathe());
-    clock.now = 299ms;
+    MoveTo(clock, 299ms);
     EXPECT_TRUE(host.Breathe());
     EXPECT_EQ(window.Strip(), nullptr);
-    clock.now = 2300ms;
+    MoveTo(clock, 2300ms);
     EXPECT_TRUE(host.Breathe());
     ASSERT_NE(window.Strip(), nullptr);
     EXPECT_TRUE(window.Strip()->isVisible());
@@ -327,7 +322,7 @@ TEST(QtHost, ShowsTheStripOnlyInALongWait)
     KeepPicture(window, QStringLiteral("busy"));
     // Back in the event loop the wait is over, and the next one starts from the beginning.
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.Strip() == nullptr; }));
-    clock.now = 2500ms;
+    MoveTo(clock, 2500ms);
     EXPECT_TRUE(host.Breathe());
     EXPECT_EQ(window.Strip(), nullptr);
 }
@@ -404,7 +399,7 @@ protected:
             .toStdString();
     }
 
-    HandClock clock;
+    testing::HandClock clock;
     QtHost host{{.clock = &clock}};
     Window window;
     QLineEdit* other = new QLineEdit;
@@ -592,7 +587,7 @@ TEST_F(WaitTest, RefusesInputOnlyUnderTheStrip)
         Type("1");
         press(window.button);
     }));
-    clock.now = 300ms;
+    MoveTo(clock, 300ms);
     QTimer::singleShot(0, &window, [&] { Type("2"); }); // before the strip can be seen
     host.Breathe();
     ASSERT_NE(window.Strip(), nullptr);

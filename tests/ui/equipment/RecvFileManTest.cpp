@@ -2,12 +2,11 @@
 
 #include "ui/equipment/RecvFileMan.h"
 
-#include "tests/support/ProofSize.h"
 #include "tests/ui/controls/Pictures.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/equipment/FilesScreen.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TextProgressCtrl.h"
-#include "ui/controls/Theme.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
@@ -256,24 +255,6 @@ TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
     EXPECT_TRUE(isMarked(0) && isMarked(5) && !isMarked(2)) << "known again in a new list";
 }
 
-TEST_F(RecvFileManTest, FetchesToTheCardWhereThereIsOne)
-{
-    hasCard = true;
-    Connect("lettered-power");
-    Show();
-    Tap(0);
-    Surveyor surveyor;
-    surveyor.onOther = Starting();
-    surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
-    Click(RecvFilePage::kFetch);
-    EXPECT_EQ(Read(Card() / "2026-03-14" / "A0314A00.Q01"), Content("A0314A00.Q01"));
-    EXPECT_FALSE(std::filesystem::exists(Documents()));
-    home.Write("mounts", ""); // the card is taken out
-    Click(RecvFilePage::kReload);
-    WaitForList();
-    EXPECT_EQ(List().At(0).mark, FileRow::Mark::None);
-}
-
 TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
 {
     Connect("slow-files");
@@ -366,20 +347,6 @@ TEST_F(RecvFileManTest, BringsFilesBack)
     }
 }
 
-TEST_F(RecvFileManTest, RefusesAReceiverThatItIsNotFor)
-{
-    Connect("model 2030\nfix fixed");
-    Surveyor surveyor;
-    surveyor.onOther = [&](QWidget&) { ADD_FAILURE() << "a screen of files was shown"; };
-    CRecvFileMan::Surroundings world;
-    world.folders = OwnFolders();
-    CRecvFileMan files(command.get(), 0, nullptr, world);
-    SilentHost silent; // who is told is CConnect's
-    command->SetHost(silent);
-    EXPECT_EQ(files.DoModal(), Dialog::kCancelled);
-    EXPECT_EQ(command->IsPortOpen(), 0) << "the link stays open";
-}
-
 TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
 {
     struct Row
@@ -426,61 +393,27 @@ TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
     }
 }
 
-TEST_F(RecvFileManTest, FitsSmallAndLargeScreensInLargeFonts)
+TEST_F(RecvFileManTest, CutsNothingOff)
 {
-    const QFont usual = QApplication::font();
     Connect(kLogging);
-    for (const double scale : {1.0, 1.3}) {
-        QFont font = usual;
-        font.setPixelSize(static_cast<int>(usual.pixelSize() * scale));
-        QApplication::setFont(font);
-        for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
-            Theme::Use(theme);
-            for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-                SCOPED_TRACE(::testing::Message() << scale << " at " << size.width());
-                Show(0, 1, size);
-                TransferProgress progress;
-                progress.file = 128;
-                progress.files = 512;
-                progress.name = L"A0314B00WW.Q02";
-                progress.fileBytes = 1010 * 1024;
-                progress.fileSize = 1023 * 1024;
-                progress.totalBytes = progress.totalSize = std::uint64_t{999} << 30U;
-                progress.bytesPerSecond = 999.0 * 1024;
-                progress.timeLeft = std::chrono::hours(99);
-                auto* const panel = sheet->findChild<TransferPanel*>();
-                panel->Show(progress);
-                QCoreApplication::processEvents();
-                EXPECT_EQ(sheet->size(), size) << "the window had to grow";
-                for (const QWidget* const child : sheet->findChildren<QWidget*>()) {
-                    if (!child->isVisible() || !(qobject_cast<const QLabel*>(child) ||
-                                                 qobject_cast<const QAbstractButton*>(child) ||
-                                                 qobject_cast<const CTextProgressCtrl*>(child))) {
-                        continue;
-                    }
-                    const auto* const label = qobject_cast<const QLabel*>(child);
-                    const bool wraps = label != nullptr && label->wordWrap();
-                    EXPECT_GE(child->width(), wraps ? 1 : child->minimumSizeHint().width())
-                        << child->metaObject()->className()
-                        << child->accessibleName().toStdString();
-                    EXPECT_GE(child->height(),
-                              wraps ? child->heightForWidth(child->width())
-                                    : std::min(child->minimumSizeHint().height(), 44))
-                        << child->metaObject()->className()
-                        << child->accessibleName().toStdString();
-                }
-                EXPECT_TRUE(sheet->rect().contains(panel->geometry()));
-                EXPECT_GE(List().viewport()->height(), 44) << "no row can be seen";
-                KeepPicture(*sheet, QStringLiteral("files-%1-%2-%3")
-                                        .arg(size.width())
-                                        .arg(theme == Theme::Kind::Dark ? QStringLiteral("dark")
-                                                                        : QStringLiteral("day"))
-                                        .arg(scale));
-            }
-        }
-    }
-    QApplication::setFont(usual);
-    Theme::Use(Theme::Kind::Daylight);
+    testing::InEveryLook([&](QSize size) {
+        Show(0, 1, size);
+        TransferProgress progress;
+        progress.file = 128;
+        progress.files = 512;
+        progress.name = L"A0314B00WW.Q02";
+        progress.fileBytes = 1010 * 1024;
+        progress.fileSize = 1023 * 1024;
+        progress.totalBytes = progress.totalSize = std::uint64_t{999} << 30U;
+        progress.bytesPerSecond = 999.0 * 1024;
+        progress.timeLeft = std::chrono::hours(99);
+        auto* const panel = sheet->findChild<TransferPanel*>();
+        panel->Show(progress);
+        QCoreApplication::processEvents();
+        testing::ExpectNothingCut(*sheet, size);
+        EXPECT_TRUE(sheet->rect().contains(panel->geometry()));
+        EXPECT_GE(List().viewport()->height(), 44) << "no row can be seen";
+    });
 }
 
 } // namespace

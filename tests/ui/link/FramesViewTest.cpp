@@ -4,18 +4,14 @@
 #include "core/platform/WholeFile.h"
 #include "simulator/Simulator.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/QtHost.h"
-#include "ui/controls/Theme.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QRandomGenerator>
 #include <QTableView>
 
-#include <array>
 #include <string>
 
 namespace fieldcore {
@@ -226,92 +222,6 @@ TEST_F(FramesViewTest, SavesWhatIsShown)
     ASSERT_TRUE(saved.has_value());
     EXPECT_TRUE(std::string(saved->begin(), saved->end()).ends_with(" Rcvr Rx [15 ]\r\n"));
     SetDefaultHost(nullptr);
-}
-
-TEST_F(FramesViewTest, StandsAThousandRandomEvents)
-{
-    QRandomGenerator random(20240229);
-    const std::array buttons{text::kFramesPause, text::kFramesClear};
-    for (int i = 0; i < 1000; ++i) {
-        switch (random.bounded(6)) {
-        case 0: {
-            Frame noise(random.bounded(1, 300));
-            for (std::uint8_t& byte : noise) {
-                byte = static_cast<std::uint8_t>(random.bounded(256));
-            }
-            noise[0] = random.bounded(2) == 0 ? 0x02 : noise[0];
-            history.Add(random.bounded(2) == 0 ? Direction::Sent : Direction::Received,
-                        LineUnit::Frame, noise);
-            view.Refresh();
-            break;
-        }
-        case 1:
-            QTest::keyClick(view.findChild<QLineEdit*>(),
-                            random.bounded(2) == 0 ? static_cast<char>(random.bounded(0x20, 0x7F))
-                                                   : '\b');
-            break;
-        case 2:
-            if (random.bounded(20) == 0) {
-                Click(buttons[random.bounded(2)]);
-            }
-            break;
-        case 3:
-            QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
-                              {random.bounded(460), random.bounded(300)});
-            break;
-        case 4: {
-            constexpr Qt::Key kKeys[] = {Qt::Key_Down, Qt::Key_PageUp, Qt::Key_End, Qt::Key_Tab};
-            QTest::keyClick(table, kKeys[random.bounded(4)]);
-            break;
-        }
-        default:
-            view.findChild<QComboBox*>()->setCurrentIndex(static_cast<int>(random.bounded(4)));
-        }
-    }
-    view.findChild<QLineEdit*>()->clear();
-    view.findChild<QComboBox*>()->setCurrentIndex(0);
-    EXPECT_EQ(static_cast<std::size_t>(table->model()->rowCount()), view.Model().Total());
-}
-
-TEST_F(FramesViewTest, CutsNothingOff)
-{
-    KeepPicture(view, QStringLiteral("frames-480-empty"));
-    for (int i = 0; i < 30; ++i) {
-        history.Add(Direction::Sent, LineUnit::Frame, kStatus);
-        history.Add(Direction::Received, LineUnit::Frame, i % 5 == 0 ? kDamaged : kNak);
-    }
-    history.Add(Direction::Sent, LineUnit::Break, Frame{0});
-    history.Add(Direction::Sent, LineUnit::Line, Frame{'I', 'D', '\r', '\n'});
-    history.Add(Direction::Received, LineUnit::Noise, Frame{'$', 'G', 'P', 'G', 'G'});
-    view.Refresh();
-    table->selectRow(11);
-    for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
-        Theme::Use(theme);
-        const QString name =
-            theme == Theme::Kind::Dark ? QStringLiteral("dark") : QStringLiteral("daylight");
-        for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-            view.resize(size);
-            QCoreApplication::processEvents();
-            testing::ExpectNothingCut(view, size);
-            KeepPicture(view, QStringLiteral("frames-%1-").arg(size.width()) + name);
-        }
-    }
-    Theme::Use(Theme::Kind::Daylight);
-    const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPixelSize(21); // 30 % above 16
-    QApplication::setFont(large);
-    FramesView larger(history);
-    larger.resize(480, 640);
-    larger.show();
-    QCoreApplication::processEvents();
-    testing::ExpectNothingCut(larger, {480, 640});
-    for (const QPushButton* const button : larger.findChildren<QPushButton*>()) {
-        EXPECT_GE(button->height(), 44);
-        EXPECT_TRUE(larger.rect().contains(button->geometry()));
-    }
-    KeepPicture(larger, QStringLiteral("frames-480-large"));
-    QApplication::setFont(before);
 }
 
 } // namespace

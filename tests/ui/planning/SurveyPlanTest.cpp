@@ -3,9 +3,8 @@
 #include "core/planning/AlmanacFile.h"
 #include "core/platform/SettingsStore.h"
 #include "simulator/Simulator.h"
-#include "tests/support/ProofSize.h"
-#include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/planning/PlanScreen.h"
 #include "ui/controls/BarButton.h"
 #include "ui/controls/LabelSpin.h"
@@ -13,7 +12,6 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/StepButton.h"
-#include "ui/controls/Theme.h"
 #include "ui/planning/PlanGraphView.h"
 
 #include <QAbstractEventDispatcher>
@@ -23,7 +21,6 @@
 #include <QSlider>
 
 #include <algorithm>
-#include <random>
 
 namespace fieldcore {
 namespace {
@@ -461,111 +458,43 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     EXPECT_FALSE(time->isVisible());
 }
 
-TEST_F(SurveyPlanTest, CutsNothingOffWithALargerFont)
+TEST_F(SurveyPlanTest, CutsNothingOff)
 {
-    const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPixelSize(before.pixelSize() * 13 / 10);
     clock.time += std::chrono::days(140); // the longest line of the almanac
-    for (const bool isDark : {false, true}) {
-        Theme::Use(isDark ? Theme::Kind::Dark : Theme::Kind::Daylight);
-        for (const bool isLarge : {false, true}) {
-            QApplication::setFont(isLarge ? large : before);
-            for (const int item : {21901, 21902, 21904, 21905}) {
-                for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-                    Show(1, size);
-                    Choose(item);
-                    ExpectNothingCut(*plan, size);
-                    KeepPicture(*plan, QStringLiteral("plan-%1-%2%3%4")
-                                           .arg(item)
-                                           .arg(size.width())
-                                           .arg(isDark ? QStringLiteral("-dark") : QString())
-                                           .arg(isLarge ? QStringLiteral("-large") : QString()));
-                }
-            }
-            Show(0);
-            for (int page = 0; page < 3; ++page) {
-                Next(*plan, [&](QWidget& window) {
-                    dynamic_cast<PropertySheet&>(window).SetActivePage(page);
-                    QCoreApplication::processEvents();
-                    ExpectNothingCut(window, {480, 640});
-                    KeepPicture(window, QStringLiteral("page-%1%2%3")
-                                            .arg(page)
-                                            .arg(isDark ? QStringLiteral("-dark") : QString())
-                                            .arg(isLarge ? QStringLiteral("-large") : QString()));
-                    window.close();
-                });
-                Choose(21911);
-            }
+    testing::InEveryLook([&](QSize size) {
+        for (const int item : {21901, 21902, 21904, 21905}) {
+            Show(1, size);
+            Choose(item);
+            ExpectNothingCut(*plan, size);
+        }
+        Show(0);
+        for (int page = 0; page < 3; ++page) {
             Next(*plan, [&](QWidget& window) {
+                dynamic_cast<PropertySheet&>(window).SetActivePage(page);
+                QCoreApplication::processEvents();
                 ExpectNothingCut(window, {480, 640});
-                KeepPicture(window, QStringLiteral("curtain%1%2")
-                                        .arg(isDark ? QStringLiteral("-dark") : QString())
-                                        .arg(isLarge ? QStringLiteral("-large") : QString()));
                 window.close();
             });
-            Choose(21913);
+            Choose(21911);
         }
-    }
-    QApplication::setFont(before);
-    Theme::Use(Theme::Kind::Daylight);
+        Next(*plan, [&](QWidget& window) {
+            ExpectNothingCut(window, {480, 640});
+            window.close();
+        });
+        Choose(21913);
+    });
 }
 
 TEST_F(SurveyPlanTest, StandsAThousandRandomEvents)
 {
     Show(1);
-    std::mt19937 random(testing::Seed()); // the same events every time
-    const auto below = [&](int limit) {
-        return static_cast<int>(random() % static_cast<unsigned>(limit));
-    };
-    constexpr std::array kKeys{Qt::Key_Tab,    Qt::Key_Left,  Qt::Key_Right,  Qt::Key_Up,
-                               Qt::Key_Down,   Qt::Key_Home,  Qt::Key_End,    Qt::Key_Plus,
-                               Qt::Key_Minus,  Qt::Key_F1,    Qt::Key_F2,     Qt::Key_Return,
-                               Qt::Key_Escape, Qt::Key_Space, Qt::Key_PageUp, Qt::Key_PageDown};
-    // What opens over the screen is closed again, wherever the events have led; so is a menu that
-    // an event waits for.
-    bool isActing = false;
-    QTimer closer;
-    QObject::connect(&closer, &QTimer::timeout, &closer, [&] {
-        QWidget* const over = QApplication::activeModalWidget();
-        if (over != nullptr && over != plan.get()) {
-            over->close();
-        }
-        if (QWidget* const menu = QApplication::activePopupWidget(); menu != nullptr && isActing) {
-            menu->close();
-        }
-    });
-    closer.start(0);
-    const int most = testing::ProofSize("FIELDCORE_HANDS", 1000);
-    testing::Measured(most, "events");
-    for (int event = 0; event < most; ++event) {
-        QWidget* target = QApplication::activePopupWidget();
-        target = target != nullptr ? target : QApplication::focusWidget();
-        target = target != nullptr ? target : plan.get();
-        isActing = true;
-        switch (below(4)) {
-        case 0: {
-            const QPoint point(below(plan->width()), below(plan->height()));
-            QWidget* const hit = plan->childAt(point);
-            if (hit != nullptr && QApplication::activePopupWidget() == nullptr) {
-                QTest::mouseClick(hit, Qt::LeftButton, {}, hit->mapFrom(plan.get(), point));
-            }
-            break;
-        }
-        case 1:
-            plan->OnTimer(256);
-            break;
-        default:
-            QTest::keyClick(target, kKeys[static_cast<std::size_t>(below(kKeys.size()))]);
-            break;
-        }
-        isActing = false;
-        QCoreApplication::processEvents();
-        if (!plan->isVisible()) {
-            plan->show();
-        }
+    testing::RandomHands hands;
+    while (!hands.IsTired()) {
+        hands.Play(*plan, 20);
+        plan->OnTimer(256);
+        plan->show();
         const PlanSettings& settings = plan->Session().Settings();
-        ASSERT_EQ(settings, Fitted(settings)) << "event " << event;
+        ASSERT_EQ(settings, Fitted(settings)) << "after " << hands.Count();
     }
     EXPECT_GE(plan->GetSystemTime(), 1980y / 1 / 1);
 }
