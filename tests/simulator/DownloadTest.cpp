@@ -69,9 +69,7 @@ TEST(Download, EndsBetweenTwoBlocksWhenSomethingElseIsAsked)
 TEST(Download, ABlockThatHasNotBegunIsNotSentBehindAnAbort)
 {
     Scenario scenario = Parsed(kOneFile);
-    std::string error;
-    ASSERT_TRUE(ParseFaultRule("delay 3600000 of 95 skip 2", scenario.faults.emplace_back(), error))
-        << error;
+    scenario.faults = {ParsedRule("delay 3600000 of 95 skip 2")};
     const auto simulator = Started(scenario);
     const Client client(simulator->PortPath());
     ASSERT_TRUE(client.Send(Download("A.Q01")));

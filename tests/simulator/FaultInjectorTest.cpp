@@ -17,14 +17,6 @@ using namespace std::chrono_literals;
 const Bytes kQuestion = Hex("02 00 4A 00 4A 03");
 const Bytes kReply = Hex("02 00 4B 02 11 22 80 03");
 
-FaultRule Rule(std::string_view text)
-{
-    FaultRule rule;
-    std::string error;
-    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
-    return rule;
-}
-
 /// The pieces as hexadecimal digits, one bracket each; "!" where the port hangs up.
 std::string Show(const Pieces& pieces)
 {
@@ -50,7 +42,7 @@ Pieces Apply(FaultInjector& injector, const Bytes& request = kQuestion)
 std::string Pattern(std::string_view rule, int count)
 {
     FaultInjector injector(1);
-    injector.Add(Rule(rule));
+    injector.Add(ParsedRule(rule));
     std::string pattern;
     for (int i = 0; i < count; ++i) {
         pattern += Apply(injector).empty() ? 'x' : '.';
@@ -100,7 +92,7 @@ TEST(FaultInjector, DoesToTheAnswerWhatTheRuleSays)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.rule);
         FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
+        injector.Add(ParsedRule(row.rule));
         EXPECT_EQ(Show(Apply(injector)), row.sent);
     }
 }
@@ -136,7 +128,7 @@ TEST(FaultInjector, KnowsTheFramesOfAnAnswerThatGoesOn)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.rule);
         FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
+        injector.Add(ParsedRule(row.rule));
         std::string sent;
         auto outcome = injector.Apply(FrameRequest(kQuestion), {block}, true);
         for (int turn = 1; turn <= 5; ++turn) {
@@ -192,9 +184,9 @@ TEST(FaultInjector, ChanceIsRepeatableAndAboutWhatIsAskedFor)
 TEST(FaultInjector, RulesActOneAfterTheOther)
 {
     FaultInjector injector(1);
-    injector.Add(Rule("duplicate"));
-    injector.Add(Rule("delay 100"));
-    injector.Add(Rule("hang-up reply 10 back 50"));
+    injector.Add(ParsedRule("duplicate"));
+    injector.Add(ParsedRule("delay 100"));
+    injector.Add(ParsedRule("hang-up reply 10 back 50"));
     const Pieces pieces = Apply(injector);
     EXPECT_EQ(Show(pieces), "[02004B0211228003][0200][]!");
     EXPECT_EQ(pieces[0].wait, 100ms);

@@ -247,7 +247,7 @@ TEST(ReceiverFiles, TheOtherFamilyAndTheOldestKnowNoSuchCommand)
 TEST(ReceiverFiles, FreeMemoryFollowsThem)
 {
     const auto tenths = [](Receiver& receiver) {
-        const Bytes status = Ask(receiver, 0x6B, {})[0];
+        const Bytes status = Ask(receiver, 0x6B, Bytes{})[0];
         return std::string(status.begin() + 4 + 19, status.begin() + 4 + 21);
     };
     const HandClock clock;

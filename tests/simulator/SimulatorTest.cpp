@@ -114,9 +114,7 @@ TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
     Simulator simulator(Shipped("lark"), clock);
     std::string error;
     ASSERT_TRUE(simulator.Start(error)) << error;
-    FaultRule rule;
-    ASSERT_TRUE(ParseFaultRule("reboot 5000 count 1", rule, error)) << error;
-    simulator.AddFault(rule);
+    simulator.AddFault(ParsedRule("reboot 5000 count 1"));
     const Client client(simulator.PortPath());
     ASSERT_TRUE(client.Send(kStatusRequest));
     ASSERT_TRUE(client.Send(kSerialRequest));

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "simulator/Frame.h"
+#include "simulator/Receiver.h"
 #include "simulator/RequestParser.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/support/HandClock.h"
 #include "tests/support/Hex.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <chrono>
 #include <cstdint>
@@ -13,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -31,22 +34,17 @@ inline Request FrameRequest(const Bytes& frame)
 inline Scenario Shipped(const std::string& name)
 {
     using namespace std::chrono;
-    std::string error;
-    const auto scenario = LoadScenario(name, error);
-    EXPECT_TRUE(scenario) << error;
-    Scenario result = scenario.value_or(Scenario());
+    Scenario result = fieldcore::testing::ShippedScenario(name);
     result.start = sys_days(year(2026) / March / 18) + 23h + 59min + 42s;
     return result;
 }
 
-/// A scenario from its text.
 inline Scenario Parsed(std::string_view text)
 {
-    std::string error;
-    const auto scenario = ParseScenario(text, error);
-    EXPECT_TRUE(scenario) << error;
-    return scenario.value_or(Scenario());
+    return fieldcore::testing::ParsedScenario(text);
 }
+
+using fieldcore::testing::ParsedRule;
 
 /// A simulator that runs.
 inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {})
@@ -56,6 +54,22 @@ inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOpt
     std::string error;
     EXPECT_TRUE(simulator->Start(error)) << error;
     return simulator;
+}
+
+inline std::vector<Bytes> Ask(Receiver& receiver, std::uint8_t type, std::string_view data = "")
+{
+    return receiver.Answer(FrameRequest(MakeFrame(type, Hex(data))));
+}
+
+/// Data of the one frame that answers.
+inline Bytes Data(Receiver& receiver, std::uint8_t type, std::string_view data = "")
+{
+    const std::vector<Bytes> answer = Ask(receiver, type, data);
+    if (answer.size() != 1 || answer[0].size() < 6) {
+        ADD_FAILURE() << "no frame for type " << int(type);
+        return Bytes(255);
+    }
+    return Bytes(answer[0].begin() + 4, answer[0].end() - 2);
 }
 
 } // namespace fieldcore::simulator::test

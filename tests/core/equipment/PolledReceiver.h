@@ -52,13 +52,7 @@ protected:
             });
     }
     void Plug(const std::string& scenario) { Plug(ParsedScenario(scenario)); }
-    void Fault(const char* text)
-    {
-        simulator::FaultRule rule;
-        std::string error;
-        ASSERT_TRUE(simulator::ParseFaultRule(text, rule, error)) << error;
-        receiver->AddFault(rule);
-    }
+    void Fault(const char* text) { receiver->AddFault(ParsedRule(text)); }
     /// A round later.
     bool Round(Clock::Duration later = StatusPoll::kInterval)
     {

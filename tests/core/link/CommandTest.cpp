@@ -121,14 +121,6 @@ TEST_F(CommandTest, AnAnswerOfAnotherTypeFailsTheRequest)
     EXPECT_EQ(command.RequestHostData(1, 2), 0);
 }
 
-TEST_F(CommandTest, HostDataStaysInTheBuffer)
-{
-    const ScriptedEnd receiver(line, {{Frame(0x33, {0x12, 0x34})}});
-    Open();
-    ASSERT_EQ(command.RequestHostData(1, 2), 1);
-    EXPECT_EQ(command.GetWord(), 0x1234);
-}
-
 /// A frame of a list in several frames, with one satellite.
 Bytes ListFrame(std::uint8_t form, std::uint8_t number, bool last, std::uint8_t satellite)
 {

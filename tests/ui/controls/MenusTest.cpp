@@ -1,5 +1,4 @@
 #include "core/resources/StringTable.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/BarButton.h"
 #include "ui/controls/ButtonMenuDlg.h"
 #include "ui/controls/Icon.h"
@@ -94,7 +93,6 @@ TEST(CnMenuBar, OpensItsPopupsUpwardsByTouchAndByKey)
                 EXPECT_GE(menu->actionGeometry(const_cast<QAction*>(item)).height(), 44);
             }
         }
-        KeepPicture(*menu, QStringLiteral("popup-%1").arg(row.popup));
         QTest::keyClick(menu, Qt::Key_Escape);
         EXPECT_EQ(OpenPopup(), nullptr);
         EXPECT_EQ(screen.closes, 0) << "Esc has closed more than the popup";
@@ -136,28 +134,6 @@ TEST(CnMenuBar, LeavesTheScreenAsItWasLoaded)
         QTest::keyClick(&screen, Qt::Key_Escape);
         EXPECT_EQ(screen.closes, 2) << "the key of a button that is not there";
     }
-}
-
-TEST(CnMenuBar, HoldsFourPopupsAtMostAndCutsNone)
-{
-    const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPixelSize(21);
-    QApplication::setFont(large);
-    Screen screen(1);
-    EXPECT_EQ(screen.bar->AddPopup(QStringLiteral("表示")), 2);
-    EXPECT_EQ(screen.bar->AddPopup(QStringLiteral("設定")), 3);
-    EXPECT_EQ(screen.bar->AddPopup(QStringLiteral("五")), -1);
-    screen.bar->AddItem(4, 1, QStringLiteral("nowhere"));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(screen.width(), 480);
-    for (const BarButton* button : screen.Buttons()) {
-        EXPECT_GE(button->width(), button->sizeHint().width());
-        EXPECT_GE(button->height(), std::max(48, button->sizeHint().height()));
-        EXPECT_TRUE(screen.bar->rect().contains(button->geometry()));
-    }
-    KeepPicture(screen, QStringLiteral("menubar-large"));
-    QApplication::setFont(before);
 }
 
 TEST(CnToolBar, ActsByNumberAndStaysDown)

@@ -8,7 +8,6 @@
 #include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
@@ -267,7 +266,6 @@ TEST_F(AntennaDialog, HasAnAntennaChosenThatIsGone)
     EXPECT_TRUE(Says(Text(text::kAntennaTypeUnknown)));
     dialog.resize(480, 640);
     QApplication::processEvents(); // which lays the page out
-    KeepPicture(dialog, QStringLiteral("antenna-gone"));
     dialog.Close(Dialog::kOk);
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(host.said, Texts{Text(text::kAntennaTypeUnknown)});

@@ -2,7 +2,6 @@
 
 #include "ui/equipment/RecvFileSaveDlg.h"
 
-#include "tests/ui/controls/Pictures.h"
 #include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/equipment/FilesScreen.h"
 
@@ -69,7 +68,6 @@ TEST_F(RecvFileSaveDlgTest, HasItsTextsToTheLetter)
     EXPECT_TRUE(Button(kByDay)->isChecked());
     EXPECT_TRUE(qobject_cast<QPushButton*>(Button("開始"))->isDefault());
     EXPECT_TRUE(TextOf(CRecvFileSaveDlg::kFreeSpace).startsWith(QStringLiteral("空き容量： 約 ")));
-    KeepPicture(*dialog, QStringLiteral("files-destination"));
     hasCard = true;
     Open(9600, 4); // Bluetooth
     EXPECT_TRUE(Button(kCard)->isEnabled() && Button(kCard)->isChecked());

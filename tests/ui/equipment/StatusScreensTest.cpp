@@ -5,6 +5,7 @@
 #include "core/link/RecvInfo.h"
 #include "simulator/Simulator.h"
 #include "tests/core/equipment/KnownReceiver.h"
+#include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/ScreenTrial.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
@@ -42,9 +43,7 @@ protected:
     void SetUp() override
     {
         std::string error;
-        const auto scenario = simulator::ParseScenario(kReceiver, error);
-        ASSERT_TRUE(scenario) << error;
-        receiver = std::make_unique<simulator::Simulator>(*scenario);
+        receiver = std::make_unique<simulator::Simulator>(testing::ParsedScenario(kReceiver));
         ASSERT_TRUE(receiver->Start(error)) << error;
         ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1);
         command.SetHost(host);
@@ -98,10 +97,7 @@ TEST_F(StatusScreensTest, TheVersionListCanBeCopied)
 
 TEST_F(StatusScreensTest, CancellingTheVersionsStopsTheReceiver)
 {
-    simulator::FaultRule silence;
-    std::string error;
-    ASSERT_TRUE(simulator::ParseFaultRule("drop on 4A count 2", silence, error)) << error;
-    receiver->AddFault(silence);
+    receiver->AddFault(testing::ParsedRule("drop on 4A count 2"));
     CVersion version(&command);
     bool isClicked = false;
     QTimer hand;

@@ -9,20 +9,18 @@
 #include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
-#include "ui/link/LinkMonitor.h"
 #include "ui/link/RecvForceInitDlg.h"
 
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QProgressBar>
-#include <QSignalSpy>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +31,7 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Scenario;
 using simulator::Simulator;
+using testing::ParsedRule;
 
 constexpr int kInfo = text::kMessageIconInformation;
 constexpr int kWarn = text::kMessageIconExclamation;
@@ -43,14 +42,6 @@ const std::vector<int> kCancelOk{text::kButtonCancel, text::kButtonOk};
 ExpectedBox Cable(int click)
 {
     return {L"ケーブルを接続してください", L"ケーブル接続確認", kInfo, kCancelOk, click};
-}
-
-simulator::FaultRule Rule(const std::string& text)
-{
-    simulator::FaultRule rule;
-    std::string error;
-    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
-    return rule;
 }
 
 class ConnectDlgTest : public ::testing::Test
@@ -71,13 +62,7 @@ protected:
         ASSERT_TRUE(receiver->Start(error)) << error;
         target.devicePath = receiver->PortPath();
     }
-    void StartShipped(const std::string& name)
-    {
-        std::string error;
-        const std::optional<Scenario> scenario = simulator::LoadScenario(name, error);
-        ASSERT_TRUE(scenario.has_value()) << error;
-        Start(*scenario);
-    }
+    void StartShipped(const std::string& name) { Start(testing::ShippedScenario(name)); }
 
     FastClock clock{100.0};
     QWidget window;
@@ -153,7 +138,7 @@ TEST_F(ConnectDlgTest, AFailureShowsStepCauseAndDetail)
         if (fault.empty()) {
             target.devicePath = "/dev/no-such-port";
         } else {
-            scenario.faults = {Rule(fault)};
+            scenario.faults = {ParsedRule(fault)};
             Start(scenario);
         }
         Surveyor surveyor;
@@ -207,7 +192,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         scenario.checksRate = row.offered;
         scenario.baudRate = 9600;
         if (*row.fault != '\0') {
-            scenario.faults = {Rule(row.fault)};
+            scenario.faults = {ParsedRule(row.fault)};
         }
         receiver = std::make_unique<Simulator>(scenario);
         std::string error;
@@ -221,7 +206,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
             if (dialog.CloseButton()->isVisible() && !std::exchange(searched, true)) {
                 EXPECT_EQ(dialog.SearchButton()->isVisible(), row.offered);
                 EXPECT_TRUE(keptRates.empty());
-                KeepPicture(dialog, QStringLiteral("connect-search-offered"));
                 // The surveyor's own timer does not run while it is here.
                 constexpr auto kSoon = 20ms;
                 QTimer::singleShot(kSoon, &dialog, [&dialog, &row] {
@@ -229,7 +213,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
                         return;
                     }
                     EXPECT_FALSE(dialog.CloseButton()->isVisible());
-                    KeepPicture(dialog, QStringLiteral("connect-searching"));
                     if (row.text == text::kComSearchCancelled) {
                         QTest::mouseClick(dialog.CancelButton(), Qt::LeftButton);
                     }
@@ -239,7 +222,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
                 if (row.offered) {
                     EXPECT_EQ(dialog.accessibleDescription().toStdWString(),
                               FormatText(row.text, 9600L));
-                    KeepPicture(dialog, QStringLiteral("connect-searched-%1").arg(row.text));
                     QTest::keyClick(&dialog, Qt::Key_Return);
                 }
             }
@@ -299,7 +281,7 @@ TEST_F(ConnectDlgTest, CancelsInEachStep)
           Row{"drop on 06", 4, true}, Row{"drop on 06 skip 3", 4, false}}) {
         SCOPED_TRACE(row.fault);
         Scenario scenario;
-        scenario.faults = {Rule(row.fault)};
+        scenario.faults = {ParsedRule(row.fault)};
         Start(scenario);
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};
@@ -405,33 +387,13 @@ TEST_F(ConnectDlgTest, ForceInitNeedsTwoClicks)
     }
 }
 
-TEST_F(ConnectDlgTest, ComesBackAfterAnUnplug)
-{
-    StartShipped("lark");
-    ReceiverLink link(command);
-    LinkMonitor monitor(command, link);
-    const QSignalSpy changed(&monitor, &LinkMonitor::Changed);
-    {
-        Surveyor surveyor;
-        surveyor.boxes = {Cable(text::kButtonOk)};
-        ConnectDlg dialog(command, 0, target, &window);
-        dialog.SupportAllTypes();
-        ASSERT_EQ(link.Connect(dialog, target), 1);
-    }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.Heard().status.has_value(); }, 30000));
-    receiver->HangUp();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Lost; }, 30000));
-    ASSERT_TRUE(receiver->Plug());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Connected; }, 30000));
-    EXPECT_GE(changed.count(), 5);
-}
-
 TEST_F(ConnectDlgTest, CutsNothingOff)
 {
     testing::InEveryLook([&](QSize size) {
         window.resize(size);
         Scenario scenario;
-        scenario.faults = {Rule("delay 20000 on 4A count 1"), Rule("hang-up on 06 skip 1")};
+        scenario.faults = {ParsedRule("delay 20000 on 4A count 1"),
+                           ParsedRule("hang-up on 06 skip 1")};
         Start(scenario);
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};
@@ -459,7 +421,7 @@ TEST_F(ConnectDlgTest, CutsNothingOff)
 TEST_F(ConnectDlgTest, StandsAThousandRandomEvents)
 {
     Scenario scenario;
-    scenario.faults = {Rule("nak every 7"), Rule("delay 5000 every 5")};
+    scenario.faults = {ParsedRule("nak every 7"), ParsedRule("delay 5000 every 5")};
     Start(scenario);
     testing::RandomHands hands;
     QTimer tick;

@@ -81,43 +81,28 @@ TEST_F(FramesViewTest, ShowsWhatIsNoFrame)
         const char* fault;
         Direction direction;
         LineUnit unit;
-        std::vector<std::uint8_t> bytes;
-        QString content;
+        std::string bytes;
+        const char* content;
     };
+    using enum Direction;
+    using enum LineUnit;
+    using namespace std::string_literals;
     const Row rows[] = {
-        {"BREAK", Direction::Sent, LineUnit::Break, {0}, QStringLiteral("BREAK")},
-        {"text that is sent",
-         Direction::Sent,
-         LineUnit::Line,
-         {'I', 'D'},
-         QStringLiteral("文字「ID」")},
-        {"text that comes",
-         Direction::Received,
-         LineUnit::Line,
-         {'O', 'K', '\r', '\n'},
-         QStringLiteral("文字「OK」")},
-        {"text with a tab",
-         Direction::Received,
-         LineUnit::Line,
-         {'O', '\t', '\n'},
-         QStringLiteral("4F 09 0A")},
-        {"noise",
-         Direction::Received,
-         LineUnit::Noise,
-         {0x99, 0x98},
-         QStringLiteral("! フレーム外  99 98")},
-        {"text where frames are spoken",
-         Direction::Received,
-         LineUnit::Noise,
-         {'$', 'G', '\n'},
-         QStringLiteral("! フレーム外  文字「$G」")},
+        {"BREAK", Sent, Break, "\0"s, "BREAK"},
+        {"text that is sent", Sent, Line, "ID", "文字「ID」"},
+        {"text that comes", Received, Line, "OK\r\n", "文字「OK」"},
+        {"text with a tab", Received, Line, "O\t\n", "4F 09 0A"},
+        {"noise", Received, Noise, "\x99\x98", "! フレーム外  99 98"},
+        {"text where frames are spoken", Received, Noise, "$G\n", "! フレーム外  文字「$G」"},
     };
     for (const Row& row : rows) {
-        history.Add(row.direction, row.unit, row.bytes);
+        history.Add(row.direction, row.unit,
+                    std::vector<std::uint8_t>(row.bytes.begin(), row.bytes.end()));
     }
     view.Refresh();
     for (int i = 0; i < static_cast<int>(std::size(rows)); ++i) {
-        EXPECT_EQ(Cell(i, FramesModel::Content), rows[i].content) << rows[i].fault;
+        EXPECT_EQ(Cell(i, FramesModel::Content), QString::fromUtf8(rows[i].content))
+            << rows[i].fault;
         EXPECT_EQ(Cell(i, FramesModel::Time).size(), 12) << rows[i].fault;
     }
     view.findChild<QComboBox*>()->setCurrentIndex(3);

@@ -3,7 +3,6 @@
 #include "simulator/Scenario.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/ui/controls/ScreenTrial.h"
-#include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
 
 #include <QApplication>
@@ -167,16 +166,6 @@ TEST_F(PortChooserTest, TakesWhatIsTypedAndSaysWhatIsWrong)
         EXPECT_EQ(List()->currentRow(), row.isSimulator ? 0 : -1);
     }
     Type(QStringLiteral("nonsense"));
-    for (const Theme::Kind theme : {Theme::Kind::Dark, Theme::Kind::Daylight}) {
-        Theme::Use(theme);
-        QCoreApplication::processEvents(); // which tell the widgets
-        for (const QLabel* const label : dialog->findChildren<QLabel*>()) {
-            if (label->text() == UiText(text::kPortNameFault)) {
-                EXPECT_EQ(label->palette().color(QPalette::WindowText), Theme::Current().bad);
-            }
-        }
-        EXPECT_EQ(List()->item(0)->foreground().color(), Theme::Current().text);
-    }
     QTest::keyClick(Name(), Qt::Key_Return);
     EXPECT_TRUE(dialog->isVisible()) << "left with a name that is none";
 }

@@ -2,7 +2,7 @@
 #include "core/planning/CurtainText.h"
 #include "core/platform/Cp932.h"
 #include "simulator/Simulator.h"
-#include "tests/ui/controls/Pictures.h"
+#include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/planning/PlanScreen.h"
 #include "ui/controls/LabelSpin.h"
@@ -101,7 +101,6 @@ TEST_F(PlanPagesTest, SetMaskPeriodAndGraph)
         QTest::keyClick(spins[0], Qt::Key_End); // 23:00
         QTest::keyClick(spins[1], Qt::Key_End); // what is left of the day
         page.findChild<CTComboBox*>()->SelectCode(6);
-        KeepPicture(*page.window(), QStringLiteral("page-set"));
     };
     OnPage<CPlanSet>(change, text::kButtonCancel);
     EXPECT_EQ(plan->Session().Settings(), PlanSettings{}) << "Cancel has changed something";
@@ -118,7 +117,6 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
     Show();
     OnPage<CPlanPos>([&](CPlanPos& page) {
         EXPECT_EQ(page.Chosen(), L"東京都千代田区");
-        KeepPicture(*page.window(), QStringLiteral("page-pos"));
         Enter(page.findChild<QLineEdit*>(), QStringLiteral("大阪"));
         EXPECT_EQ(Shown(page), QStringList{QStringLiteral("大阪府大阪市")});
         EXPECT_EQ(page.Chosen(), L"大阪府大阪市");
@@ -129,7 +127,6 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
             Type(dialog, text::kSiteHeight, QStringLiteral("25"));
             QTest::keyClick(&dialog, Qt::Key_Return);
             EXPECT_TRUE(dialog.isVisible()) << "it was taken";
-            KeepPicture(dialog, QStringLiteral("site-fault"));
             EXPECT_EQ(dynamic_cast<QLineEdit&>(*dialog.focusWidget()).text(),
                       QStringLiteral("36.7000"));
             Type(dialog, text::kSiteLatitude, QStringLiteral("36.3000"));
@@ -202,7 +199,6 @@ TEST_F(PlanPagesTest, ThePlanStaysOnItsSite)
             EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
                 return label->text().contains(QStringLiteral("経度 --"));
             }));
-            KeepPicture(*page.window(), QStringLiteral("page-pos-unknown"));
         },
         text::kButtonCancel);
     OnPage<CPlanPos>([](CPlanPos&) {});
@@ -219,7 +215,6 @@ TEST_F(PlanPagesTest, TheSitePageKeepsItsChoices)
         EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
             return label->text().contains(QStringLiteral("35.69388889°"));
         }));
-        KeepPicture(*page.window(), QStringLiteral("page-pos-decimal"));
     });
     EXPECT_EQ(plan->GetListCoordData(), 1);
     EXPECT_EQ(plan->GetPositionID(), 1) << "still the receiver's";
@@ -257,10 +252,8 @@ TEST_F(PlanPagesTest, TakeASiteFromTheReceiver)
                 << "not connected";
         }
     });
+    simulator::Simulator receiver(testing::ParsedScenario("position -33.9 151.2 40"));
     std::string error;
-    const auto scenario = simulator::ParseScenario("position -33.9 151.2 40", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::Simulator receiver(*scenario);
     ASSERT_TRUE(receiver.Start(error)) << error;
     PortSettings settings;
     settings.replyTimeout = 10s;
@@ -280,7 +273,6 @@ TEST_F(PlanPagesTest, SwitchSatellitesOffButNotAll)
     Show();
     const double before = plan->Session().Plan().CountAt(0);
     OnPage<CPlanDet>([&](CPlanDet& page) {
-        KeepPicture(*page.window(), QStringLiteral("page-det"));
         Click(page, text::kPlanUseNone);
         Click(*page.window(), text::kButtonOk);
         ASSERT_TRUE(page.isVisible());
@@ -341,7 +333,6 @@ TEST_F(PlanPagesTest, ChooseADayInTheCalendar)
     Show();
     Next(*plan, [](QWidget& dialog) {
         auto* const calendar = dialog.findChild<QCalendarWidget*>();
-        KeepPicture(dialog, QStringLiteral("calendar"));
         calendar->setSelectedDate({2027, 2, 28});
         Click(dialog, text::kButtonOk);
     });
@@ -369,13 +360,11 @@ TEST_F(PlanPagesTest, DrawACurtainWithFingerAndKeys)
         EXPECT_NEAR(editor.Edit().At(0), 50, 1);
         Click(editor, text::kCurtainUndo);
         EXPECT_NEAR(editor.Edit().At(0), 40, 1);
-        KeepPicture(editor, QStringLiteral("curtain-round"));
         Click(editor, text::kCurtainUnrolled);
         QTest::mousePress(&view, Qt::LeftButton, {}, at(90.5, 20.0));
         QTest::mouseMove(&view, at(180.5, 60.0));
         QTest::mouseRelease(&view, Qt::LeftButton, {}, at(180.5, 60.0));
         EXPECT_NEAR(editor.Edit().At(135), 40, 1);
-        KeepPicture(editor, QStringLiteral("curtain-unrolled"));
     };
     InEditor(draw, text::kButtonCancel);
     EXPECT_FALSE(std::filesystem::exists(CurtainPath(home.Path())));

@@ -5,6 +5,7 @@
 #include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/HandClock.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/SurveyPlan.h"
@@ -48,19 +49,6 @@ public:
     BoxAnswer answer = BoxAnswer::Ok;
     int breaths = 0;
     int cancelAt = -1;
-};
-
-class DayClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return {}; }
-    [[nodiscard]] UtcTime Utc() const override { return time; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-
-    /// Late in the UTC day, when Japan has the next one.
-    UtcTime time =
-        std::chrono::sys_days(std::chrono::year(2026) / 11 / 20) + std::chrono::hours(23);
 };
 
 /// What is protected, for the tests.
@@ -117,6 +105,9 @@ protected:
         CCommand::Surroundings surroundings;
         surroundings.host = &host;
         command = std::make_unique<CCommand>(surroundings);
+        // Late in the UTC day, when Japan has the next one.
+        clock.utc =
+            std::chrono::sys_days(std::chrono::year(2026) / 11 / 20) + std::chrono::hours(23);
         InstallSampleSites(home.Path());
         WriteAlmanac(kWeek);
     }
@@ -168,7 +159,7 @@ protected:
 
     TemporaryFolder home;
     SettingsRoots roots{Below(home.Path())};
-    DayClock clock;
+    HandClock clock;
     NotingHost host;
     std::filesystem::path chosenFile;
     std::unique_ptr<CCommand> command;

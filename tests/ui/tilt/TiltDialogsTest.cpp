@@ -105,11 +105,9 @@ TEST_F(TiltTest, TheBubbleFollowsAndIsThereOnce)
 
 TEST_F(TiltTest, StartsAndStopsTheSensorAtTheReceiversPort)
 {
-    std::string error;
-    auto scenario = simulator::LoadScenario("tilted", error);
-    ASSERT_TRUE(scenario) << error;
-    scenario->port = 2;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    auto scenario = testing::ShippedScenario("tilted");
+    scenario.port = 2;
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     QWidget window;
     window.show();
     const auto starts = [this] {
@@ -326,13 +324,11 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
 
 TEST_F(TiltTest, SendsSignalsOnOkOnly)
 {
-    std::string error;
-    auto scenario = simulator::LoadScenario("lark", error);
-    ASSERT_TRUE(scenario) << error;
-    scenario->options.galileo = false;
+    auto scenario = testing::ShippedScenario("lark");
+    scenario.options.galileo = false;
     for (const bool isLocked : {false, true}) {
-        scenario->signalsLocked = isLocked;
-        ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+        scenario.signalsLocked = isLocked;
+        ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
         {
             SetSignal dialog(&line.command, line.reg);
             dialog.show();
@@ -372,10 +368,8 @@ TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
         dialog.Close(Dialog::kOk);
     }
     // The signals are those that are chosen for the receiver.
-    std::string error;
-    const auto scenario = simulator::LoadScenario("lark", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    const auto scenario = testing::ShippedScenario("lark");
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     CRecvInfo info;
     ASSERT_EQ(info.GetOptionData(line.command), 1);
     line.command.Hear([&](Receiver& known) { known.identity = info.Known(); });
@@ -466,14 +460,12 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
         }
     }
     const QRect small = bubble->geometry();
-    KeepPicture(page, *bubble, QStringLiteral("bubble-small"));
     auto* const numbers = bubble->findChild<QLabel*>();
     ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->windowTitle() == numbers->text(); }));
     EXPECT_EQ(numbers->text(), QStringLiteral("0.57 °   18 mm"));
     EXPECT_FALSE(numbers->isVisible());
     QTest::mouseClick(bubble->View(), Qt::LeftButton);
     EXPECT_TRUE(numbers->isVisible());
-    KeepPicture(page, *bubble, QStringLiteral("bubble-large"));
     EXPECT_GE(bubble->View()->width(), 200);
     QTest::mouseClick(bubble->View(), Qt::LeftButton);
     EXPECT_EQ(bubble->geometry(), small);
@@ -527,10 +519,8 @@ TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 /// The bubble among them, which is there once and comes back where it was.
 TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("swaying-pole", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    const auto scenario = testing::ShippedScenario("swaying-pole");
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     QWidget window;
     window.resize(480, 640);
     window.show();
@@ -553,10 +543,8 @@ TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 
 TEST_F(TiltTest, TheDialogsCutNothingOffAndStandRandomHands)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("tilted", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    const auto scenario = testing::ShippedScenario("tilted");
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     testing::TryScreen([&] { return std::make_unique<SetSignal>(&line.command, line.reg); });
     testing::TryScreen([&] { return std::make_unique<TiltStatusDlg>(&line.command, line.reg); });
     testing::TryScreen([&] { return std::make_unique<TiltCalibDlg>(&line.command); });
