@@ -8,7 +8,6 @@
 #include "tests/simulator/Support.h"
 
 #include <fstream>
-#include <initializer_list>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -217,30 +216,6 @@ TEST(ReceiverFiles, ADownloadBeginsAndEndsWhereItIsAskedTo)
         Bytes expected(row.bytes);
         ReadFileContent(file, row.offset, expected);
         EXPECT_EQ(content, expected);
-    }
-}
-
-TEST(ReceiverFiles, TheOtherFamilyAndTheOldestKnowNoSuchCommand)
-{
-    struct Row
-    {
-        std::string_view model;
-        std::initializer_list<std::uint8_t> types;
-    };
-    const Row rows[] = {{"2030", {0x60, 0x68, 0x79, 0x96, 0x9C, 0xA0, 0xA1}},
-                        {"3020", {0x96, 0x9C, 0xA0, 0xA1}},
-                        {"3032", {0x60, 0x68, 0x79}}};
-    const HandClock clock;
-    for (const Row& row : rows) {
-        Receiver receiver(Parsed("model " + std::string(row.model) + "\nfiles 9 1 2"), clock);
-        for (const std::uint8_t type : row.types) {
-            SCOPED_TRACE(std::string(row.model) + " " + std::to_string(type));
-            const Bytes data = type == 0x96   ? DownloadData("*", 0, 0)
-                               : type == 0x79 ? Hex("00 01 01")
-                               : type < 0x80  ? Hex("00 01")
-                                              : Name("*");
-            EXPECT_EQ(Ask(receiver, type, data), kRefused);
-        }
     }
 }
 

@@ -111,9 +111,8 @@ TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
 TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
 {
     HandClock clock;
-    Simulator simulator(Shipped("lark"), clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
+    const auto started = Started(Shipped("lark"), {}, clock);
+    Simulator& simulator = *started;
     simulator.AddFault(ParsedRule("reboot 5000 count 1"));
     const Client client(simulator.PortPath());
     ASSERT_TRUE(client.Send(kStatusRequest));
@@ -129,9 +128,8 @@ TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
 TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 {
     HandClock clock;
-    Simulator simulator(Shipped("other-rate"), clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
+    const auto started = Started(Shipped("other-rate"), {}, clock);
+    Simulator& simulator = *started;
     const Client client(simulator.PortPath());
     const Bytes toSlow = MakeFrame(0x5E, Hex("01 00 00 25 80 08 00 00 00 00")); // 9600
     struct Row
@@ -177,9 +175,8 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
 {
     const FastClock clock(100.0);
-    Simulator simulator(Shipped("lark"), clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
+    const auto started = Started(Shipped("lark"), {}, clock);
+    Simulator& simulator = *started;
     const Client client(simulator.PortPath());
     ASSERT_TRUE(client.Send(Hex("02 00 84 FF"))); // announces 255 bytes that never come
     while (simulator.Record().empty()) {

@@ -47,10 +47,10 @@ inline Scenario Parsed(std::string_view text)
 using fieldcore::testing::ParsedRule;
 
 /// A simulator that runs.
-inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {})
+inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {},
+                                          const Clock& clock = SystemClock::Instance())
 {
-    auto simulator =
-        std::make_unique<Simulator>(scenario, SystemClock::Instance(), std::move(options));
+    auto simulator = std::make_unique<Simulator>(scenario, clock, std::move(options));
     std::string error;
     EXPECT_TRUE(simulator->Start(error)) << error;
     return simulator;

@@ -187,17 +187,4 @@ TEST(TiltSensor, TheReadingFollowsThePole)
     }
 }
 
-TEST(Receiver, KeepsTheChoiceOfSignalsAndSaysThatItIsLocked)
-{
-    const HandClock clock;
-    Receiver receiver(Parsed("signals-locked yes"), clock);
-    EXPECT_EQ(Data(receiver, 0x7A, "01 00"), Hex("01 00 00 00 01"));
-    for (const char* choice : {"9E 03 00", "44 00 0B 00 84 04"}) {
-        EXPECT_EQ(receiver.Answer(FrameRequest(MakeFrame(0x53, Hex(choice)))), kAccepted);
-        EXPECT_EQ(receiver.Kept(0x53), Hex(choice));
-    }
-    EXPECT_EQ(receiver.Answer(FrameRequest(MakeFrame(0xA3, Hex("00 00 00")))), kAccepted);
-    EXPECT_EQ(receiver.Kept(0xA3), Hex("00 00 00"));
-}
-
 } // namespace fieldcore::simulator::test

@@ -172,6 +172,22 @@ TEST_F(CommandTest, CollectsAListInSeveralFrames)
     }
 }
 
+TEST_F(CommandTest, EndsAnEndlessList)
+{
+    const ScriptedEnd receiver(line, [](const Bytes&) {
+        Bytes all;
+        for (int i = 0; i < 1000; ++i) {
+            const Bytes next = ListFrame(2, static_cast<std::uint8_t>(i), false, 5);
+            all.insert(all.end(), next.begin(), next.end());
+        }
+        return ScriptedEnd::Answer{all};
+    });
+    Open();
+    SatelliteList list;
+    EXPECT_EQ(command.RequestSvList(list, SatelliteListForm::InView), 0);
+    EXPECT_EQ(receiver.Requests().size(), 1U);
+}
+
 TEST_F(CommandTest, IdentifiesAfterABreak)
 {
     const std::string text = "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,";

@@ -377,6 +377,31 @@ TEST(SqliteSettingsStore, KeepsItsLogAtOneLength)
     EXPECT_GE(grown, 256U * 4096U);
 }
 
+TEST(SqliteSettingsStore, LosesNothingOnAFullDisk)
+{
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "user.db";
+    SqliteSettingsStore store(file);
+    ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
+    const SettingsValue large = std::vector<std::uint8_t>(500'000, 1);
+    std::uint32_t stored = 0;
+    {
+        const FileSizeLimit limit(2'000'000);
+        while (stored < 100 &&
+               store.Set(L"K", L"large" + std::to_wstring(stored), large, kCreate)) {
+            ++stored;
+        }
+        SettingsBatch batch(store);
+        EXPECT_FALSE(store.Set(L"K", L"lost", large, kCreate) && batch.Commit());
+    }
+    EXPECT_GT(stored, 0U);
+    EXPECT_LT(stored, 100U);
+    EXPECT_EQ(store.Values(L"K").value().size(), stored + 1);
+    EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{2}, kCreate)); // room again
+    EXPECT_EQ(NumberIn(store, L"K", L"n"), 2U);
+    EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
+}
+
 /// The numbers that a writer stored, as far as they are what and where they should be.
 std::size_t StoredBy(const std::string& name, const fs::path& config, std::size_t atMost)
 {

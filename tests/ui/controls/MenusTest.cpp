@@ -202,20 +202,6 @@ TEST(CButtonMenuDlg, ChoosesByClickAndByKeys)
     EXPECT_EQ(menu.GetMenuIndex(), 4);
 }
 
-TEST(CIconButton, GrowsWithIconLabelAndFont)
-{
-    CIconButton button(QStringLiteral("plan"), QStringLiteral("観測計画"));
-    EXPECT_GE(button.sizeHint().width(), 120);
-    EXPECT_GE(button.sizeHint().height(), 96);
-    button.SetIconSize(64);
-    const int plain = button.sizeHint().height();
-    button.SetIconSize(96);
-    EXPECT_EQ(button.sizeHint().height(), plain + 32);
-    button.SetIconSize(64);
-    button.setText(QStringLiteral("とても長い名前の付いた観測計画の設定"));
-    EXPECT_GT(button.sizeHint().height(), plain) << "the label is cut instead of broken";
-}
-
 /// Every drawing can be read, fills its square sensibly and has no colour of its own.
 TEST(Icons, AreDrawnInTheColoursThatAreAsked)
 {

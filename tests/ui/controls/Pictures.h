@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QPainter>
 #include <QPixmap>
 #include <QString>
 #include <QWidget>
@@ -14,6 +15,18 @@ inline void KeepPicture(QWidget& widget, const QString& name)
     const QString folder = qEnvironmentVariable("FIELDCORE_PICTURES");
     if (!folder.isEmpty()) {
         widget.grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
+    }
+}
+
+/// The same of a dialog with the message that stands over it.
+inline void KeepPicture(QWidget& dialog, QWidget& message, const QString& name)
+{
+    const QString folder = qEnvironmentVariable("FIELDCORE_PICTURES");
+    if (!folder.isEmpty()) {
+        QPixmap picture = dialog.grab();
+        QPainter(&picture).drawPixmap(dialog.mapFromGlobal(message.mapToGlobal(QPoint())),
+                                      message.grab());
+        picture.save(QDir(folder).filePath(name + QStringLiteral(".png")));
     }
 }
 

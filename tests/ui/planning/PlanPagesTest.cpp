@@ -195,10 +195,7 @@ TEST_F(PlanPagesTest, ThePlanStaysOnItsSite)
             list->setFocus(Qt::TabFocusReason);
             EXPECT_EQ(page.Chosen(), L"");
             list->setCurrentRow(0);
-            const QList<QLabel*> labels = page.findChildren<QLabel*>();
-            EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-                return label->text().contains(QStringLiteral("経度 --"));
-            }));
+            EXPECT_TRUE(testing::Says(page, QStringLiteral("経度 --"), true));
         },
         text::kButtonCancel);
     OnPage<CPlanPos>([](CPlanPos&) {});
@@ -211,10 +208,7 @@ TEST_F(PlanPagesTest, TheSitePageKeepsItsChoices)
     plan->SetPositionID(1);
     OnPage<CPlanPos>([](CPlanPos& page) {
         EXPECT_EQ(page.findChild<CTComboBox*>()->SelectCode(1), 1);
-        const QList<QLabel*> labels = page.findChildren<QLabel*>();
-        EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->text().contains(QStringLiteral("35.69388889°"));
-        }));
+        EXPECT_TRUE(testing::Says(page, QStringLiteral("35.69388889°"), true));
     });
     EXPECT_EQ(plan->GetListCoordData(), 1);
     EXPECT_EQ(plan->GetPositionID(), 1) << "still the receiver's";

@@ -12,11 +12,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -93,6 +95,16 @@ inline void Click(QWidget& window, int textId)
         }
     }
     ADD_FAILURE() << "there is no button " << text.toStdString();
+}
+
+/// Whether a label that is seen says that, or has it in it.
+inline bool Says(const QWidget& window, const QString& words, bool inPart = false)
+{
+    const QList<QLabel*> labels = window.findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+        const QString said = label->text();
+        return label->isVisible() && (inPart ? said.contains(words) : said == words);
+    });
 }
 
 class PlanScreen : public ::testing::Test

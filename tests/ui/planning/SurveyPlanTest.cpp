@@ -30,6 +30,7 @@ using testing::Click;
 using testing::ExpectNothingCut;
 using testing::Next;
 using testing::PlanScreen;
+using testing::Says;
 
 class SurveyPlanTest : public PlanScreen
 {
@@ -96,12 +97,7 @@ TEST_F(SurveyPlanTest, OpensWithWhatANewUserHas)
 
 TEST_F(SurveyPlanTest, TellsWhichDayAndWhichAlmanacItIs)
 {
-    const auto isSaid = [this](const char* text) {
-        const QList<QLabel*> labels = plan->findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [text](const QLabel* label) {
-            return label->isVisible() && label->text() == QString::fromUtf8(text);
-        });
-    };
+    const auto isSaid = [this](const char* text) { return Says(*plan, QString::fromUtf8(text)); };
     Show(); // on the day of UTC; Japan has the next one
     EXPECT_TRUE(isSaid("金曜日（昨日）") && isSaid("今日の2日前、観測日の1日前") &&
                 isSaid("公称軌道暦（見本）"));
@@ -123,12 +119,7 @@ TEST_F(SurveyPlanTest, JudgesTheAlmanacByTheStartThatIsDrawn)
     clock.utc += std::chrono::days(29); // at 9 o'clock 29.3 days behind the almanac
     Show();
     EXPECT_TRUE(host.notes.empty());
-    const auto isUrged = [this] {
-        const QList<QLabel*> labels = plan->findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->text().endsWith(QStringLiteral("要更新"));
-        });
-    };
+    const auto isUrged = [this] { return Says(*plan, QStringLiteral("要更新"), true); };
     EXPECT_FALSE(isUrged());
     Click(*plan, text::kPlanNextDay); // 30.3 days
     EXPECT_TRUE(isUrged());
@@ -309,12 +300,7 @@ TEST_F(SurveyPlanTest, KeepsTheSlipOfAMissingSite)
     EXPECT_TRUE(host.notes.empty());
     EXPECT_EQ(plan->Session().Site().latitudeRad, 50.0);
     EXPECT_EQ(plan->Session().Site().heightM, 70.0);
-    const auto isTold = [this] {
-        const QList<QLabel*> labels = plan->findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->isVisible() && label->text() == UiText(text::kPlanSiteMissing);
-        });
-    };
+    const auto isTold = [this] { return Says(*plan, UiText(text::kPlanSiteMissing)); };
     EXPECT_TRUE(isTold());
     InstallSampleSites(home.Path());
     Show();
