@@ -22,8 +22,7 @@ namespace {
 using testing::FileSizeLimit;
 using testing::VirtualReceiver;
 
-/// Something that goes wrong with the receiver's files, and what the user gets to know of it: for
-/// the engine and for the screen alike.
+/// Something that goes wrong with the receiver's files, and what the user gets to know of it.
 struct FileFault
 {
     enum Action

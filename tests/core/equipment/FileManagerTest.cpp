@@ -39,6 +39,11 @@ std::string Text(const testing::Bytes& bytes)
     return {bytes.begin(), bytes.end()};
 }
 
+Box Warning(const wchar_t* text)
+{
+    return {text, L"データ選択警告", {BoxButtons::Ok, BoxIcon::Exclamation}};
+}
+
 const Box kDone{L"すべてのデータの取得が完了しました。",
                 L"データ取得完了",
                 {BoxButtons::Ok, BoxIcon::Information}};
@@ -46,11 +51,8 @@ const Box kOverwrite{L"保存先のフォルダには既に、選択したデー
                      L"\n\n既存のファイルはすべて新しいファイルで上書きされますが、続行しますか？",
                      L"ファイルの上書き確認",
                      {BoxButtons::YesNo, BoxIcon::Question}};
-const Box kNothing{
-    L"取得データを選択してください。", L"データ選択警告", {BoxButtons::Ok, BoxIcon::Exclamation}};
-const Box kLogging{L"選択したデータは、現在ロギング中のため取得できません。",
-                   L"データ選択警告",
-                   {BoxButtons::Ok, BoxIcon::Exclamation}};
+const Box kNothing = Warning(L"取得データを選択してください。");
+const Box kLogging = Warning(L"選択したデータは、現在ロギング中のため取得できません。");
 
 const Box kForGood{L"選択されたファイルを受信機から完全に削除します。\nよろしいですか？"
                    L"\n\n1 件　合計 1 KB未満\nA\n取得していないデータが 1 件あります。",
@@ -61,11 +63,6 @@ const Box kRecycled{L"ゴミ箱内のデータを削除すると、元に復帰�
                     L"\n\n1 件　合計 1 KB未満\nC\n取得していないデータが 1 件あります。",
                     L"データ削除確認",
                     {BoxButtons::YesNo, BoxIcon::Question}};
-Box Warning(const wchar_t* text)
-{
-    return {text, L"データ選択警告", {BoxButtons::Ok, BoxIcon::Exclamation}};
-}
-
 class FileManagerTest : public FilesTest
 {
 protected:
