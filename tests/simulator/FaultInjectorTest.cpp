@@ -17,14 +17,6 @@ using namespace std::chrono_literals;
 const Bytes kQuestion = Hex("02 00 4A 00 4A 03");
 const Bytes kReply = Hex("02 00 4B 02 11 22 80 03");
 
-FaultRule Rule(std::string_view text)
-{
-    FaultRule rule;
-    std::string error;
-    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
-    return rule;
-}
-
 /// The pieces as hexadecimal digits, one bracket each; "!" where the port hangs up.
 std::string Show(const Pieces& pieces)
 {
@@ -50,7 +42,7 @@ Pieces Apply(FaultInjector& injector, const Bytes& request = kQuestion)
 std::string Pattern(std::string_view rule, int count)
 {
     FaultInjector injector(1);
-    injector.Add(Rule(rule));
+    injector.Add(ParsedRule(rule));
     std::string pattern;
     for (int i = 0; i < count; ++i) {
         pattern += Apply(injector).empty() ? 'x' : '.';
@@ -100,45 +92,9 @@ TEST(FaultInjector, DoesToTheAnswerWhatTheRuleSays)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.rule);
         FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
+        injector.Add(ParsedRule(row.rule));
         EXPECT_EQ(Show(Apply(injector)), row.sent);
     }
-}
-
-TEST(FaultInjector, PutsStrangeBytesAroundTheAnswer)
-{
-    struct Row
-    {
-        std::string_view rule;
-        std::size_t pieces;
-        std::size_t answerAt; ///< piece in which the answer stands, at its start
-    };
-    constexpr Row kRows[] = {
-        {"unsolicited", 2, 1}, {"garbage 5", 2, 1}, {"early", 2, 0}, {"burst", 1, 0}};
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.rule);
-        FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
-        const Pieces pieces = Apply(injector);
-        ASSERT_EQ(pieces.size(), row.pieces);
-        const Bytes& with = pieces[row.answerAt].bytes;
-        ASSERT_GE(with.size(), kReply.size());
-        EXPECT_TRUE(std::equal(kReply.begin(), kReply.end(), with.begin()));
-    }
-    FaultInjector injector(1);
-    injector.Add(Rule("unsolicited"));
-    EXPECT_EQ(Apply(injector)[0].bytes[2], 0x40);
-}
-
-TEST(FaultInjector, AStrayFrameIsNeverTheAnswerItself)
-{
-    const Bytes status = MakeFrame(0x09, "1014000085 1.85    09");
-    FaultInjector injector(1);
-    injector.Add(Rule("burst"));
-    const Pieces pieces = injector.Apply(FrameRequest(Hex("02 00 08 00 08 03")), {status}).pieces;
-    ASSERT_EQ(pieces.size(), 1U);
-    ASSERT_GT(pieces[0].bytes.size(), status.size() + 2);
-    EXPECT_NE(pieces[0].bytes[status.size() + 2], 0x09);
 }
 
 TEST(FaultInjector, KnowsTheFramesOfAnAnswerThatGoesOn)
@@ -172,7 +128,7 @@ TEST(FaultInjector, KnowsTheFramesOfAnAnswerThatGoesOn)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.rule);
         FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
+        injector.Add(ParsedRule(row.rule));
         std::string sent;
         auto outcome = injector.Apply(FrameRequest(kQuestion), {block}, true);
         for (int turn = 1; turn <= 5; ++turn) {
@@ -228,9 +184,9 @@ TEST(FaultInjector, ChanceIsRepeatableAndAboutWhatIsAskedFor)
 TEST(FaultInjector, RulesActOneAfterTheOther)
 {
     FaultInjector injector(1);
-    injector.Add(Rule("duplicate"));
-    injector.Add(Rule("delay 100"));
-    injector.Add(Rule("hang-up reply 10 back 50"));
+    injector.Add(ParsedRule("duplicate"));
+    injector.Add(ParsedRule("delay 100"));
+    injector.Add(ParsedRule("hang-up reply 10 back 50"));
     const Pieces pieces = Apply(injector);
     EXPECT_EQ(Show(pieces), "[02004B0211228003][0200][]!");
     EXPECT_EQ(pieces[0].wait, 100ms);
@@ -259,31 +215,6 @@ TEST(FaultInjector, OnTheNoisyLineAskingTwiceIsEnough)
         spoilt += isWhole ? 0 : 1;
     }
     EXPECT_GT(spoilt, 100) << "the line is not noisy";
-}
-
-TEST(FaultInjector, CutsARequestAtItsByte)
-{
-    struct Row
-    {
-        std::string_view rule;
-        std::size_t cutAt; ///< bytes of the request, 0: not cut
-    };
-    constexpr Row kRows[] = {
-        {"hang-up request", 1},         {"hang-up request 4", 4}, {"hang-up request 1 on 4A", 3},
-        {"hang-up request 4 on 08", 0}, {"hang-up reply", 0},     {"hang-up request 3 skip 1", 0},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.rule);
-        FaultInjector injector(1);
-        injector.Add(Rule(row.rule));
-        std::size_t cutAt = 0;
-        for (std::size_t n = 1; n < kQuestion.size() && cutAt == 0; ++n) {
-            if (injector.CutRequest(std::span(kQuestion).first(n))) {
-                cutAt = n;
-            }
-        }
-        EXPECT_EQ(cutAt, row.cutAt);
-    }
 }
 
 } // namespace fieldcore::simulator::test

@@ -196,16 +196,12 @@ TEST(ProtocolDoc, TheReceiverGivesTheDocumentedAnswers)
 
 TEST(ProtocolDoc, TheTextListExampleIsWhatTheReceiverSends)
 {
-    Scenario scenario;
-    std::string error;
-    const auto parsed = ParseScenario("list-form text2\n"
-                                      "satellite G2   41 63 48.0 42.5\n"
-                                      "satellite R4  334 62 47.2 43.0 # has no text form\n"
-                                      "satellite G12 203 71 49.5 44.0\n"
-                                      "satellite S129 181 48 39.2\n",
-                                      error);
-    ASSERT_TRUE(parsed) << error;
-    Receiver receiver(*parsed, SystemClock::Instance());
+    Receiver receiver(Parsed("list-form text2\n"
+                             "satellite G2   41 63 48.0 42.5\n"
+                             "satellite R4  334 62 47.2 43.0 # has no text form\n"
+                             "satellite G12 203 71 49.5 44.0\n"
+                             "satellite S129 181 48 39.2\n"),
+                      SystemClock::Instance());
     const auto answer = receiver.Answer(FrameRequest(Hex("02 00 16 00 16 03")));
     const std::vector<Fence> fences = AllFences();
     const auto example = std::find_if(fences.begin(), fences.end(), [](const Fence& fence) {

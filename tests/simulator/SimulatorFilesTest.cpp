@@ -1,9 +1,9 @@
 // What the simulator leaves in the file system: its link, its records, and nothing else.
 
 #include "simulator/Simulator.h"
+#include "tests/core/platform/TemporaryFolder.h"
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
-#include "tests/simulator/TemporaryFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -33,7 +33,7 @@ std::string ReadAll(const fs::path& path)
 TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
 {
     const TemporaryFolder folder;
-    const fs::path log = folder / "exchange.log";
+    const fs::path log = folder.Path() / "exchange.log";
     Bytes serial;
     {
         const auto simulator = Started(Shipped("lark"), {{}, log, {}});
@@ -60,11 +60,11 @@ TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
 TEST(SimulatorFiles, NeverOverwritesWhatIsNotItsOwnLink)
 {
     const TemporaryFolder folder;
-    std::ofstream(folder / "file") << "precious";
-    fs::create_symlink("/dev/null", folder / "elsewhere");
-    fs::create_symlink("nowhere", folder / "dangling");
-    fs::create_symlink("/dev/pts/999999", folder / "stale");
-    const auto first = Started(Shipped("lark"), {folder / "running", {}, {}});
+    std::ofstream(folder.Path() / "file") << "precious";
+    fs::create_symlink("/dev/null", folder.Path() / "elsewhere");
+    fs::create_symlink("nowhere", folder.Path() / "dangling");
+    fs::create_symlink("/dev/pts/999999", folder.Path() / "stale");
+    const auto first = Started(Shipped("lark"), {folder.Path() / "running", {}, {}});
     struct Row
     {
         const char* name;
@@ -76,23 +76,25 @@ TEST(SimulatorFiles, NeverOverwritesWhatIsNotItsOwnLink)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.name);
         std::string error;
-        Simulator simulator(Shipped("lark"), SystemClock::Instance(), {folder / row.name, {}, {}});
+        Simulator simulator(Shipped("lark"), SystemClock::Instance(),
+                            {folder.Path() / row.name, {}, {}});
         EXPECT_EQ(simulator.Start(error), row.starts) << error;
         EXPECT_EQ(error.empty(), row.starts);
     }
-    EXPECT_EQ(ReadAll(folder / "file"), "precious");
-    EXPECT_EQ(fs::read_symlink(folder / "elsewhere"), "/dev/null");
-    EXPECT_FALSE(fs::exists(fs::symlink_status(folder / "stale"))) << "its link stayed behind";
+    EXPECT_EQ(ReadAll(folder.Path() / "file"), "precious");
+    EXPECT_EQ(fs::read_symlink(folder.Path() / "elsewhere"), "/dev/null");
+    EXPECT_FALSE(fs::exists(fs::symlink_status(folder.Path() / "stale")))
+        << "its link stayed behind";
     EXPECT_TRUE(fs::exists(first->PortPath()));
 }
 
 TEST(SimulatorFiles, FilesThatCannotBeOpenedAreNamed)
 {
     const TemporaryFolder folder;
-    std::ofstream(folder / "bad.log") << "no log\n";
-    const SimulatorOptions rows[] = {{{}, folder / "none/record.log", {}},
-                                     {{}, {}, folder / "missing.log"},
-                                     {{}, {}, folder / "bad.log"}};
+    std::ofstream(folder.Path() / "bad.log") << "no log\n";
+    const SimulatorOptions rows[] = {{{}, folder.Path() / "none/record.log", {}},
+                                     {{}, {}, folder.Path() / "missing.log"},
+                                     {{}, {}, folder.Path() / "bad.log"}};
     for (const SimulatorOptions& options : rows) {
         const std::string name =
             (options.recordFile.empty() ? options.replayFile : options.recordFile).string();

@@ -4,9 +4,9 @@
 
 #include "core/platform/FastClock.h"
 #include "simulator/PseudoTerminal.h"
+#include "tests/core/platform/TemporaryFolder.h"
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
-#include "tests/simulator/TemporaryFolder.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -41,16 +41,6 @@ std::size_t CountOf(const char* folder)
 {
     return static_cast<std::size_t>(
         std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
-
-std::unique_ptr<Simulator> WithFault(std::string_view text)
-{
-    auto simulator = Started(Shipped("lark"));
-    FaultRule rule;
-    std::string error;
-    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
-    simulator->AddFault(rule);
-    return simulator;
 }
 
 } // namespace
@@ -101,17 +91,6 @@ TEST(Simulator, EveryByteValuePassesUnchangedInBothDirections)
     EXPECT_EQ(heard, frame);
 }
 
-TEST(Simulator, ClearedRulesAreGone)
-{
-    const auto simulator = WithFault("nak");
-    const Client client(simulator->PortPath());
-    ASSERT_TRUE(client.Send(kStatusRequest));
-    EXPECT_EQ(client.Receive(1), Bytes{kNak});
-    simulator->ClearFaults();
-    ASSERT_TRUE(client.Send(kStatusRequest));
-    EXPECT_EQ(client.Receive(kStatusSize).size(), kStatusSize);
-}
-
 TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
 {
     const auto simulator = Started(Shipped("lark"));
@@ -129,54 +108,12 @@ TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
     }
 }
 
-TEST(Simulator, AHangUpRuleCutsTheExchangeAndThePortComesBack)
-{
-    const FastClock clock(1000.0);
-    struct Row
-    {
-        const char* rule;
-        int before; ///< bytes of the answer that still come
-    };
-    constexpr Row kRows[] = {{"hang-up reply 4 back 5000 count 1", 4},
-                             {"hang-up back 5000 count 1", 0},
-                             {"hang-up request 3 back 5000 count 1", 0}};
-    const Bytes whole = Hex("02 00 09 15");
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.rule);
-        Simulator simulator(Shipped("lark"), clock);
-        std::string error;
-        ASSERT_TRUE(simulator.Start(error)) << error;
-        FaultRule rule;
-        ASSERT_TRUE(ParseFaultRule(row.rule, rule, error)) << error;
-        simulator.AddFault(rule);
-        const std::string path = simulator.PortPath();
-        {
-            const Client client(path);
-            ASSERT_TRUE(client.Send(kStatusRequest));
-            EXPECT_EQ(client.Receive(static_cast<std::size_t>(row.before)),
-                      Bytes(whole.begin(), whole.begin() + row.before));
-            EXPECT_TRUE(client.SeesHangUp());
-        }
-        const auto start = std::chrono::steady_clock::now();
-        while (!fs::exists(path) && std::chrono::steady_clock::now() - start < 10s) {
-            std::this_thread::yield();
-        }
-        const Client again(path);
-        ASSERT_TRUE(again.IsOpen());
-        ASSERT_TRUE(again.Send(kStatusRequest));
-        EXPECT_EQ(again.Receive(kStatusSize).size(), kStatusSize);
-    }
-}
-
 TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
 {
     HandClock clock;
-    Simulator simulator(Shipped("lark"), clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
-    FaultRule rule;
-    ASSERT_TRUE(ParseFaultRule("reboot 5000 count 1", rule, error)) << error;
-    simulator.AddFault(rule);
+    const auto started = Started(Shipped("lark"), {}, clock);
+    Simulator& simulator = *started;
+    simulator.AddFault(ParsedRule("reboot 5000 count 1"));
     const Client client(simulator.PortPath());
     ASSERT_TRUE(client.Send(kStatusRequest));
     ASSERT_TRUE(client.Send(kSerialRequest));
@@ -188,33 +125,11 @@ TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
     EXPECT_EQ(client.Receive(1), Bytes{kAck}) << "something was answered in between";
 }
 
-TEST(Simulator, DelaysAndPacingGoByTheClockThatWasHandedIn)
-{
-    // An hour of waiting and eleven minutes of line time would not end in ten seconds.
-    const FastClock clock(100'000.0);
-    Scenario scenario = Shipped("lark");
-    scenario.pacing = Pacing::Baud;
-    scenario.baudRate = 1200;
-    scenario.latencyMs = 60'000;
-    Simulator simulator(scenario, clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
-    FaultRule rule;
-    ASSERT_TRUE(ParseFaultRule("delay 3600000", rule, error)) << error;
-    simulator.AddFault(rule);
-    const Client client(simulator.PortPath());
-    const Clock::Duration start = clock.Steady();
-    ASSERT_TRUE(client.Send(kStatusRequest));
-    EXPECT_EQ(client.Receive(kStatusSize).size(), kStatusSize);
-    EXPECT_GE(clock.Steady() - start, 3660s);
-}
-
 TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 {
     HandClock clock;
-    Simulator simulator(Shipped("other-rate"), clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
+    const auto started = Started(Shipped("other-rate"), {}, clock);
+    Simulator& simulator = *started;
     const Client client(simulator.PortPath());
     const Bytes toSlow = MakeFrame(0x5E, Hex("01 00 00 25 80 08 00 00 00 00")); // 9600
     struct Row
@@ -260,9 +175,8 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
 {
     const FastClock clock(100.0);
-    Simulator simulator(Shipped("lark"), clock);
-    std::string error;
-    ASSERT_TRUE(simulator.Start(error)) << error;
+    const auto started = Started(Shipped("lark"), {}, clock);
+    Simulator& simulator = *started;
     const Client client(simulator.PortPath());
     ASSERT_TRUE(client.Send(Hex("02 00 84 FF"))); // announces 255 bytes that never come
     while (simulator.Record().empty()) {
@@ -270,32 +184,6 @@ TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
     }
     ASSERT_TRUE(client.Send(kAbortRequest));
     EXPECT_EQ(client.Receive(1), Bytes{kAck});
-}
-
-TEST(Simulator, AFullPipeLosesNothingThatFits)
-{
-    const auto simulator = Started(Shipped("lark"));
-    Bytes much(100'000);
-    for (std::size_t i = 0; i < much.size(); ++i) {
-        much[i] = static_cast<std::uint8_t>(i * 7 + i / 251);
-    }
-    const Client client(simulator->PortPath());
-    simulator->Send(much);
-    EXPECT_EQ(client.Receive(much.size()), much);
-}
-
-TEST(Simulator, AScriptMayPullTheCable)
-{
-    const auto simulator = Started(Shipped("lark"));
-    Simulator* const self = simulator.get();
-    simulator->SetScripted([self](std::span<const std::uint8_t>) {
-        self->HangUp();
-        return Bytes{kAck};
-    });
-    const Client client(simulator->PortPath());
-    ASSERT_TRUE(client.Send(kStatusRequest));
-    EXPECT_TRUE(client.SeesHangUp());
-    simulator->SetScripted(nullptr);
 }
 
 TEST(Simulator, MayBeScriptedFromOtherThreadsWhileItAnswers)
@@ -370,7 +258,7 @@ std::unique_ptr<Terminal> LeaveLink(const fs::path& link)
 TEST(Simulator, TakesBackWhatAKilledOneLeft)
 {
     const TemporaryFolder folder;
-    const fs::path link = folder / "link";
+    const fs::path link = folder.Path() / "link";
     const auto left = LeaveLink(link);
     std::string error;
     {
@@ -382,7 +270,7 @@ TEST(Simulator, TakesBackWhatAKilledOneLeft)
     }
     EXPECT_FALSE(fs::is_symlink(link));
 
-    const fs::path killed = folder / "fieldcore-sim-killed";
+    const fs::path killed = folder.Path() / "fieldcore-sim-killed";
     fs::create_directory(killed);
     const auto other = LeaveLink(killed / "receiver");
     setenv("TMPDIR", killed.parent_path().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
@@ -394,16 +282,6 @@ TEST(Simulator, TakesBackWhatAKilledOneLeft)
     }
     unsetenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe)
     EXPECT_FALSE(fs::exists(killed));
-}
-
-TEST(Simulator, IsQuietBeforeItIsStarted)
-{
-    Simulator simulator(Shipped("lark"));
-    EXPECT_EQ(simulator.PortPath(), "");
-    simulator.Send(kStatusRequest);
-    simulator.HangUp();
-    EXPECT_FALSE(simulator.Plug());
-    EXPECT_TRUE(simulator.Record().empty());
 }
 
 } // namespace fieldcore::simulator::test

@@ -1,71 +1,72 @@
 // What a controller sees of a sky that moves. The yardstick is the library's own plan, fed with the
 // almanacs that came over the line.
 
-#include "core/link/Command.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
-#include "simulator/Simulator.h"
+#include "core/planning/SurveyPlanCalc.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/simulator/PlannedSky.h"
-#include "tests/simulator/Support.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
+#include <numbers>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-namespace fieldcore::simulator::test {
+namespace fieldcore {
 
 namespace {
 
 using namespace std::chrono_literals;
 
-/// The list must be what the plan sees.
-void ExpectSeen(const std::vector<PlannedSatellite>& planned, SatelliteList list)
+constexpr double kDegree = std::numbers::pi / 180.0;
+
+/// The list must be what the plan sees above the mask.
+void ExpectSeen(CSurveyPlanCalc& plan, double maskDeg, SatelliteList list)
 {
+    plan.SetElMask(maskDeg * kDegree);
     const auto byNumber = [](const ListedSatellite& a, const ListedSatellite& b) {
         return a.number < b.number;
     };
     std::sort(list.satellites.begin(), list.satellites.end(), byNumber);
-    ASSERT_EQ(list.satellites.size(), planned.size());
-    for (std::size_t i = 0; i < planned.size(); ++i) {
-        const ListedSatellite& listed = list.satellites[i];
-        SCOPED_TRACE("PRN " + std::to_string(planned[i].prn));
-        EXPECT_EQ(listed.number, planned[i].prn);
+    auto listed = list.satellites.cbegin();
+    for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
+        if (plan.TestVisibility(index) == 0) {
+            continue;
+        }
+        SCOPED_TRACE("PRN " + std::to_string(index + 1));
+        ASSERT_NE(listed, list.satellites.cend());
+        EXPECT_EQ(listed->number, index + 1);
         // The wire has whole degrees.
-        EXPECT_NEAR(listed.elevationDeg, planned[i].elevationDeg, 0.5001);
-        const double turn = listed.azimuthDeg - planned[i].azimuthDeg;
+        const CAlmanacSatellite& satellite = plan.GetSatellite(index);
+        EXPECT_NEAR(listed->elevationDeg, satellite.GetElevation() / kDegree, 0.5001);
+        const double turn = listed->azimuthDeg - satellite.GetAzimuth() / kDegree;
         EXPECT_NEAR(std::remainder(turn, 360.0), 0.0, 0.5001);
+        ++listed;
     }
+    EXPECT_EQ(listed, list.satellites.cend());
 }
 
 } // namespace
 
 TEST(SkyOverTheLine, MovesAsThePlanOfTheReceiversAlmanacsSays)
 {
-    HandClock clock;
-    std::string error;
-    const auto scenario = ParseScenario("start 2026-03-18 23:59:42\n"
-                                        "position -33.9 151.2 40 # far from every default\n"
-                                        "mask 15\noptions l2\nalmanacs 31",
-                                        error);
-    ASSERT_TRUE(scenario) << error;
-    Simulator simulator(*scenario, clock);
-    ASSERT_TRUE(simulator.Start(error)) << error;
-    CCommand command;
-    PortSettings settings;
-    settings.replyTimeout = 10s;
-    ASSERT_EQ(command.OpenPort(simulator.PortPath(), settings), 1) << command.LastError();
+    testing::VirtualReceiver receiver("start 2026-03-18 23:59:42\n"
+                                      "position -33.9 151.2 40 # far from every default\n"
+                                      "mask 15\noptions l2\nalmanacs 31");
+    receiver.Open();
+    CCommand& command = receiver.command;
     const TemporaryFolder folder;
     ASSERT_EQ(AlmanacStore(folder.Path()).Update(command), AlmanacResult::Done);
-    PlannedSky plan(AlmanacPath(folder.Path()), -33.9, 151.2, 40.0);
+    CSurveyPlanCalc plan;
+    ASSERT_TRUE(plan.LoadAlmanac(AlmanacPath(folder.Path())));
+    plan.SetObserver({-33.9 * kDegree, 151.2 * kDegree, 40.0});
 
     for (const auto later : {0h, 1h, 7h, 250h}) {
         SCOPED_TRACE(later.count());
-        clock.Advance(later);
+        receiver.clock.Sleep(later);
         GpsTimeReply time;
         ASSERT_EQ(command.RequestGpsTime(time), 1);
         plan.SetTime(time.week, time.secondsOfWeek);
@@ -73,8 +74,8 @@ TEST(SkyOverTheLine, MovesAsThePlanOfTheReceiversAlmanacsSays)
         SatelliteList tracked;
         ASSERT_EQ(command.RequestSvList(inView, SatelliteListForm::InView), 1);
         ASSERT_EQ(command.RequestSvList(tracked), 1);
-        ExpectSeen(plan.Above(0.0), inView);
-        ExpectSeen(plan.Above(15.0), tracked);
+        ExpectSeen(plan, 0.0, inView);
+        ExpectSeen(plan, 15.0, tracked);
 
         StatusReply status;
         PositionStatusReply position;
@@ -83,7 +84,7 @@ TEST(SkyOverTheLine, MovesAsThePlanOfTheReceiversAlmanacsSays)
         const int count = static_cast<int>(tracked.satellites.size());
         EXPECT_EQ(status.satellitesTracked, count);
         EXPECT_EQ(position.satellitesUsed, count);
-        const double pdop = plan.Pdop();
+        const double pdop = plan.ComputeDop().pdop;
         EXPECT_NEAR(status.pdop, pdop, 0.0501) << "one decimal";
         EXPECT_NEAR(position.pdop, pdop, 1e-6 * pdop) << "single precision";
         EXPECT_NEAR(std::hypot(position.hdop, position.vdop), pdop, 1e-6 * pdop);
@@ -101,4 +102,4 @@ TEST(SkyOverTheLine, MovesAsThePlanOfTheReceiversAlmanacsSays)
     }
 }
 
-} // namespace fieldcore::simulator::test
+} // namespace fieldcore

@@ -1,53 +1,28 @@
 #pragma once
 
-#include "core/platform/Clock.h"
 #include "simulator/Frame.h"
+#include "simulator/Receiver.h"
 #include "simulator/RequestParser.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
+#include "tests/support/HandClock.h"
+#include "tests/support/Hex.h"
+#include "tests/support/VirtualReceiver.h"
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
-/// A clock that stands until one thread moves it.
-class HandClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return m_steady; }
-    [[nodiscard]] UtcTime Utc() const override { return UtcTime(m_steady.load()); }
-    [[nodiscard]] bool SetUtc(UtcTime /*time*/) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-    void Advance(Duration duration) { m_steady = m_steady.load() + duration; }
-
-private:
-    std::atomic<Duration> m_steady{};
-};
-
-/// "02 00 08" as bytes.
-inline Bytes Hex(std::string_view text)
-{
-    Bytes bytes;
-    std::string digits;
-    for (const char c : text) {
-        if (std::string_view("0123456789ABCDEF").find(c) != std::string_view::npos) {
-            digits += c;
-        }
-        if (digits.size() == 2) {
-            bytes.push_back(static_cast<std::uint8_t>(std::stoi(digits, nullptr, 16)));
-            digits.clear();
-        }
-    }
-    return bytes;
-}
+using fieldcore::testing::HandClock;
+using fieldcore::testing::Hex;
 
 inline Request FrameRequest(const Bytes& frame)
 {
@@ -59,31 +34,42 @@ inline Request FrameRequest(const Bytes& frame)
 inline Scenario Shipped(const std::string& name)
 {
     using namespace std::chrono;
-    std::string error;
-    const auto scenario = LoadScenario(name, error);
-    EXPECT_TRUE(scenario) << error;
-    Scenario result = scenario.value_or(Scenario());
+    Scenario result = fieldcore::testing::ShippedScenario(name);
     result.start = sys_days(year(2026) / March / 18) + 23h + 59min + 42s;
     return result;
 }
 
-/// A scenario from its text.
 inline Scenario Parsed(std::string_view text)
 {
-    std::string error;
-    const auto scenario = ParseScenario(text, error);
-    EXPECT_TRUE(scenario) << error;
-    return scenario.value_or(Scenario());
+    return fieldcore::testing::ParsedScenario(text);
 }
 
+using fieldcore::testing::ParsedRule;
+
 /// A simulator that runs.
-inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {})
+inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {},
+                                          const Clock& clock = SystemClock::Instance())
 {
-    auto simulator =
-        std::make_unique<Simulator>(scenario, SystemClock::Instance(), std::move(options));
+    auto simulator = std::make_unique<Simulator>(scenario, clock, std::move(options));
     std::string error;
     EXPECT_TRUE(simulator->Start(error)) << error;
     return simulator;
+}
+
+inline std::vector<Bytes> Ask(Receiver& receiver, std::uint8_t type, std::string_view data = "")
+{
+    return receiver.Answer(FrameRequest(MakeFrame(type, Hex(data))));
+}
+
+/// Data of the one frame that answers.
+inline Bytes Data(Receiver& receiver, std::uint8_t type, std::string_view data = "")
+{
+    const std::vector<Bytes> answer = Ask(receiver, type, data);
+    if (answer.size() != 1 || answer[0].size() < 6) {
+        ADD_FAILURE() << "no frame for type " << int(type);
+        return Bytes(255);
+    }
+    return Bytes(answer[0].begin() + 4, answer[0].end() - 2);
 }
 
 } // namespace fieldcore::simulator::test

@@ -22,16 +22,6 @@ using namespace std::chrono_literals;
 
 const std::vector<Bytes> kAccepted{Bytes{kAck}};
 
-Bytes Data(Receiver& receiver, std::uint8_t type, std::string_view data = "")
-{
-    const std::vector<Bytes> answer = receiver.Answer(FrameRequest(MakeFrame(type, Hex(data))));
-    if (answer.size() != 1 || answer[0].size() < 6) {
-        ADD_FAILURE() << "no frame for type " << int(type);
-        return Bytes(255);
-    }
-    return Bytes(answer[0].begin() + 4, answer[0].end() - 2);
-}
-
 bool Accepts(Receiver& receiver, std::string_view tiltCommand)
 {
     return receiver.Answer(FrameRequest(MakeFrame(0xC8, Hex(tiltCommand)))) == kAccepted;
@@ -89,29 +79,6 @@ TEST(Timeline, TheFixComesAndGoesAndTheRepliesAgree)
         const auto pdop = std::bit_cast<float>(static_cast<std::uint32_t>(Number(position, 10, 4)));
         EXPECT_FLOAT_EQ(pdop, row.used ? 1.8F : 99.9F);
         EXPECT_EQ(Data(receiver, 0x41)[0], row.powerSource);
-    }
-}
-
-TEST(Timeline, TheOffsetOfUtcIsSaidInFull)
-{
-    struct Row
-    {
-        std::string_view offset;
-        std::string_view said;
-        std::string_view seconds;
-    };
-    // 23:59:42 UTC is 345600 - 18 s into the week of UTC.
-    constexpr Row kRows[] = {{"18", "18", "0345600"},    {"17", "17", "0345599"},
-                             {"0", "00", "0345582"},     {"-9", "-9", "0345573"},
-                             {"100", "100", "0345682"},  {"101", "101", "0345683"},
-                             {"-101", "-101", "0345481"}};
-    const HandClock clock;
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.offset);
-        Receiver receiver(WithStart("utc-offset " + std::string(row.offset)), clock);
-        const Bytes time = Data(receiver, 0x14);
-        EXPECT_EQ(std::string(time.begin(), time.begin() + 7), row.seconds);
-        EXPECT_EQ(std::string(time.begin() + 11, time.end()), row.said);
     }
 }
 
@@ -218,19 +185,6 @@ TEST(TiltSensor, TheReadingFollowsThePole)
         EXPECT_NEAR(std::sqrt(t1 * t1 + t2 * t2), tilt, 1e-12);
         EXPECT_EQ(Accepts(receiver, "04"), row.state != 0) << "a sensor that is away does nothing";
     }
-}
-
-TEST(Receiver, KeepsTheChoiceOfSignalsAndSaysThatItIsLocked)
-{
-    const HandClock clock;
-    Receiver receiver(Parsed("signals-locked yes"), clock);
-    EXPECT_EQ(Data(receiver, 0x7A, "01 00"), Hex("01 00 00 00 01"));
-    for (const char* choice : {"9E 03 00", "44 00 0B 00 84 04"}) {
-        EXPECT_EQ(receiver.Answer(FrameRequest(MakeFrame(0x53, Hex(choice)))), kAccepted);
-        EXPECT_EQ(receiver.Kept(0x53), Hex(choice));
-    }
-    EXPECT_EQ(receiver.Answer(FrameRequest(MakeFrame(0xA3, Hex("00 00 00")))), kAccepted);
-    EXPECT_EQ(receiver.Kept(0xA3), Hex("00 00 00"));
 }
 
 } // namespace fieldcore::simulator::test

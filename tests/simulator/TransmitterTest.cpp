@@ -61,17 +61,6 @@ TEST(Transmitter, SomethingIsDueWheneverItSaysSo)
     EXPECT_EQ(sent, 1000U);
 }
 
-TEST(Transmitter, PiecesKeepTheirDistanceWithoutPacing)
-{
-    Transmitter transmitter(false, 9600);
-    transmitter.Queue({Piece{Bytes(10), 0ms}, Piece{Bytes(5), 20ms}}, 0s);
-    EXPECT_EQ(Drain(transmitter, 0ms), 10U);
-    EXPECT_EQ(transmitter.NextDue(), Clock::Duration(20ms));
-    EXPECT_EQ(Drain(transmitter, 19ms), 0U);
-    EXPECT_EQ(Drain(transmitter, 20ms), 5U);
-    EXPECT_FALSE(transmitter.NextDue());
-}
-
 TEST(Transmitter, ANewRateCountsFromItsTime)
 {
     Transmitter transmitter(true, 9600);

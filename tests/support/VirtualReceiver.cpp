@@ -21,6 +21,22 @@ simulator::Scenario ParsedScenario(std::string_view text)
     return scenario.value_or(simulator::Scenario());
 }
 
+simulator::Scenario ShippedScenario(const std::string& name)
+{
+    std::string error;
+    const auto scenario = simulator::LoadScenario(name, error);
+    EXPECT_TRUE(scenario) << error;
+    return scenario.value_or(simulator::Scenario());
+}
+
+simulator::FaultRule ParsedRule(std::string_view text)
+{
+    simulator::FaultRule rule;
+    std::string error;
+    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
+    return rule;
+}
+
 simulator::SimulatorOptions On(simulator::Port& port)
 {
     simulator::SimulatorOptions options;
@@ -49,10 +65,7 @@ VirtualReceiver::VirtualReceiver(const simulator::Scenario& scenario, std::uint3
 
 void VirtualReceiver::AddFault(std::string_view rule)
 {
-    simulator::FaultRule parsed;
-    std::string error;
-    ASSERT_TRUE(ParseFaultRule(rule, parsed, error)) << error;
-    simulator.AddFault(parsed);
+    simulator.AddFault(ParsedRule(rule));
 }
 
 } // namespace fieldcore::testing

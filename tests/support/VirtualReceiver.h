@@ -23,6 +23,11 @@ public:
         std::wstring text;
         std::wstring caption;
         BoxStyle style;
+        bool operator==(const Box& other) const
+        {
+            return text == other.text && caption == other.caption &&
+                   style.buttons == other.style.buttons && style.icon == other.style.icon;
+        }
     };
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
                           BoxStyle style) override
@@ -31,6 +36,7 @@ public:
         return boxes.size() <= answers.size() ? answers[boxes.size() - 1]
                                               : AgreeingAnswer(style.buttons);
     }
+    void ShowWaitCursor(bool on) override { waitCursors += on ? 1 : -1; }
     bool Breathe() override
     {
         ++breaths;
@@ -40,6 +46,7 @@ public:
     std::vector<Box> boxes;
     std::vector<BoxAnswer> answers; ///< of the boxes in turn; to further ones it agrees
     int breaths = 0;
+    int waitCursors = 0;
     std::function<bool()> inBreath;
 };
 
@@ -66,6 +73,10 @@ struct VirtualChannel
 [[nodiscard]] simulator::SimulatorOptions On(simulator::Port& port);
 /// @return the default one, and the test fails, if @p text is none
 [[nodiscard]] simulator::Scenario ParsedScenario(std::string_view text);
+/// A shipped one. @return the default one, and the test fails, if there is none of that name
+[[nodiscard]] simulator::Scenario ShippedScenario(const std::string& name);
+/// @return one that drops every answer, and the test fails, if @p text is none
+[[nodiscard]] simulator::FaultRule ParsedRule(std::string_view text);
 
 /// With a simulated receiver at the other end. A scenario or a rule that is none fails the test.
 struct VirtualReceiver : VirtualChannel

@@ -3,12 +3,10 @@
 #include "core/equipment/AntennaSettings.h"
 
 #include "core/equipment/AntennaInput.h"
-#include "core/link/Command.h"
 #include "core/resources/StringTable.h"
-#include "simulator/Scenario.h"
-#include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <cmath>
 #include <fstream>
@@ -391,16 +389,12 @@ TEST_F(Settings, AreTakenFromTheReceiver)
     EXPECT_EQ(m_antenna.TakeFromReceiver(), Taken::NoAnswer);
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.scenario) + row.antennaType);
-        std::string error;
-        auto scenario = simulator::LoadScenario(row.scenario, error);
-        ASSERT_TRUE(scenario) << error;
-        scenario->antennaType = row.antennaType;
-        scenario->antennaSerial = row.sent;
-        simulator::Simulator receiver(*scenario);
-        ASSERT_TRUE(receiver.Start(error)) << error;
-        CCommand command;
-        ASSERT_EQ(command.OpenPort(receiver.PortPath()), 1);
-        AntennaSettings antenna(&command, 1, 0, {m_home.Path(), &m_roots});
+        simulator::Scenario scenario = testing::ShippedScenario(row.scenario);
+        scenario.antennaType = row.antennaType;
+        scenario.antennaSerial = row.sent;
+        testing::VirtualReceiver receiver(scenario);
+        receiver.Open();
+        AntennaSettings antenna(&receiver.command, 1, 0, {m_home.Path(), &m_roots});
         antenna.SetAntSN(L"OLD");
         EXPECT_EQ(antenna.TakeFromReceiver(), row.taken);
         EXPECT_EQ(antenna.GetAntTypeStr(), row.name);

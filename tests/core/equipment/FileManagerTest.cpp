@@ -4,9 +4,9 @@
 
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/FilesFixture.h"
-#include "tests/core/equipment/HandClock.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/HandClock.h"
 
 #include <fstream>
 #include <iterator>
@@ -24,9 +24,8 @@ using testing::FilesTest;
 using testing::LarkRecord;
 using testing::PicaRecord;
 using testing::ReceiverScript;
-using testing::RecordingHost;
 
-using Box = RecordingHost::Box;
+using Box = testing::BoxKeepingHost::Box;
 using Strings = std::vector<std::string>;
 
 std::string Read(const fs::path& file)
@@ -40,36 +39,39 @@ std::string Text(const testing::Bytes& bytes)
     return {bytes.begin(), bytes.end()};
 }
 
-const Box kDone{L"すべてのデータの取得が完了しました。", L"データ取得完了", BoxButtons::Ok,
-                BoxIcon::Information};
+Box Warning(const wchar_t* text)
+{
+    return {text, L"データ選択警告", {BoxButtons::Ok, BoxIcon::Exclamation}};
+}
+
+const Box kDone{L"すべてのデータの取得が完了しました。",
+                L"データ取得完了",
+                {BoxButtons::Ok, BoxIcon::Information}};
 const Box kOverwrite{L"保存先のフォルダには既に、選択したデータと同じ名称のファイルが存在します。"
                      L"\n\n既存のファイルはすべて新しいファイルで上書きされますが、続行しますか？",
-                     L"ファイルの上書き確認", BoxButtons::YesNo, BoxIcon::Question};
-const Box kNothing{L"取得データを選択してください。", L"データ選択警告", BoxButtons::Ok,
-                   BoxIcon::Exclamation};
-const Box kLogging{L"選択したデータは、現在ロギング中のため取得できません。", L"データ選択警告",
-                   BoxButtons::Ok, BoxIcon::Exclamation};
+                     L"ファイルの上書き確認",
+                     {BoxButtons::YesNo, BoxIcon::Question}};
+const Box kNothing = Warning(L"取得データを選択してください。");
+const Box kLogging = Warning(L"選択したデータは、現在ロギング中のため取得できません。");
 
 const Box kForGood{L"選択されたファイルを受信機から完全に削除します。\nよろしいですか？"
                    L"\n\n1 件　合計 1 KB未満\nA\n取得していないデータが 1 件あります。",
-                   L"データ削除確認", BoxButtons::YesNo, BoxIcon::Question};
+                   L"データ削除確認",
+                   {BoxButtons::YesNo, BoxIcon::Question}};
 const Box kRecycled{L"ゴミ箱内のデータを削除すると、元に復帰できませせん。\n"
                     L"データを完全に削除してもよろしいですか？"
                     L"\n\n1 件　合計 1 KB未満\nC\n取得していないデータが 1 件あります。",
-                    L"データ削除確認", BoxButtons::YesNo, BoxIcon::Question};
-Box Warning(const wchar_t* text)
-{
-    return {text, L"データ選択警告", BoxButtons::Ok, BoxIcon::Exclamation};
-}
-
+                    L"データ削除確認",
+                    {BoxButtons::YesNo, BoxIcon::Question}};
 class FileManagerTest : public FilesTest
 {
 protected:
-    std::vector<std::wstring> Names() const
+    /// All of the rows, one behind the other.
+    std::wstring Names() const
     {
-        std::vector<std::wstring> names;
+        std::wstring names;
         for (int row = 0; row < rows.Count(); ++row) {
-            names.push_back(rows.At(row).name);
+            names += rows.At(row).name;
         }
         return names;
     }
@@ -85,36 +87,22 @@ TEST_F(FileManagerTest, AsksAndWarnsBefore)
         std::vector<int> selected; ///< 0 plain, 1 being logged, 2 plain
         BoxAnswer answer;
         std::vector<Box> boxes;
-        std::vector<std::wstring> left;
+        const wchar_t* left;
     };
+    using enum BoxAnswer;
+    const Box none = Warning(L"削除データを選択してください。");
+    const Box logged = Warning(L"指定ファイルは、現在ロギング中のため削除を行えません。");
+    const Box among = Warning(L"削除選択データ中にロギングデータが含まれて居ます。\n"
+                              L"ロギングデータの削除は行えません。");
     const Row table[] = {
-        {"nothing selected",
-         "00369",
-         1,
-         {},
-         BoxAnswer::Ok,
-         {Warning(L"削除データを選択してください。")},
-         {L"A", L"B", L"C"}},
-        {"3.69, live: no question", "00369", 1, {0}, BoxAnswer::No, {}, {L"B", L"C"}},
-        {"3.7: question", "00370", 1, {0}, BoxAnswer::Yes, {kForGood}, {L"B", L"C"}},
-        {"3.7: no", "00370", 1, {0}, BoxAnswer::No, {kForGood}, {L"A", L"B", L"C"}},
-        {"recycle bin: question", "00369", 0, {2}, BoxAnswer::Yes, {kRecycled}, {L"A", L"B"}},
-        {"recycle bin: no", "00369", 0, {2}, BoxAnswer::No, {kRecycled}, {L"A", L"B", L"C"}},
-        {"only the logged one",
-         "00369",
-         1,
-         {1},
-         BoxAnswer::Ok,
-         {Warning(L"指定ファイルは、現在ロギング中のため削除を行えません。")},
-         {L"A", L"B", L"C"}},
-        {"the logged one among others",
-         "00369",
-         1,
-         {0, 1, 2},
-         BoxAnswer::Ok,
-         {Warning(L"削除選択データ中にロギングデータが含まれて居ます。\n"
-                  L"ロギングデータの削除は行えません。")},
-         {L"B"}},
+        {"nothing selected", "00369", 1, {}, Ok, {none}, L"ABC"},
+        {"3.69, live: no question", "00369", 1, {0}, No, {}, L"BC"},
+        {"3.7: question", "00370", 1, {0}, Yes, {kForGood}, L"BC"},
+        {"3.7: no", "00370", 1, {0}, No, {kForGood}, L"ABC"},
+        {"recycle bin: question", "00369", 0, {2}, Yes, {kRecycled}, L"AB"},
+        {"recycle bin: no", "00369", 0, {2}, No, {kRecycled}, L"ABC"},
+        {"only the logged one", "00369", 1, {1}, Ok, {logged}, L"ABC"},
+        {"the logged one among others", "00369", 1, {0, 1, 2}, Ok, {among}, L"B"},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.label);
@@ -127,7 +115,7 @@ TEST_F(FileManagerTest, AsksAndWarnsBefore)
         for (const int selected : row.selected) {
             rows.Select(selected, true);
         }
-        host.answer = row.answer;
+        host.answers = {row.answer};
         FileManager(*files).FileDelete();
         EXPECT_EQ(host.boxes, row.boxes);
         EXPECT_EQ(Names(), row.left);
@@ -145,43 +133,28 @@ TEST_F(FileManagerTest, SendsALarkTheseCommands)
         const char* label;
         int mode;
         bool recover;
-        std::map<std::string, testing::Bytes> inReceiver;
+        std::string inReceiver; ///< recycled ones of these letters
         std::set<std::string> refused;
-        Strings sent; ///< for the rows B and A, after the listing
+        std::string sent; ///< for the rows B and A, after the listing; "?" looks for a name
     };
     const Row table[] = {
-        {"live", 1, false, {}, {}, {"9C B.Q1D", "A0 B.Q01", "9C A.Q1D", "A0 A.Q01"}},
-        {"live, with a recycled one of that name",
-         1,
-         false,
-         {{"B.Q1D", {}}},
-         {},
-         {"9C B.Q1D", "A0 B.Q1D", "9C A.Q1D", "A0 A.Q01"}},
+        {"live", 1, false, "", {}, "?B.Q1D B.Q01 ?A.Q1D A.Q01 "},
+        {"live, with a recycled one of that name", 1, false, "B", {}, "?B.Q1D B.Q1D ?A.Q1D A.Q01 "},
         {"live, the recycled one is refused",
          1,
          false,
-         {{"B.Q1D", {}}},
+         "B",
          {"B.Q1D"},
-         {"9C B.Q1D", "A0 B.Q1D", "9C A.Q1D", "A0 A.Q01"}},
+         "?B.Q1D B.Q1D ?A.Q1D A.Q01 "},
         {"live, the question for a recycled one is refused",
          1,
          false,
-         {},
+         "",
          {"list B.Q1D"},
-         {"9C B.Q1D", "A0 B.Q01", "9C A.Q1D", "A0 A.Q01"}},
-        {"recycled",
-         0,
-         false,
-         {{"B.Q1D", {}}, {"A.Q1D", {}}},
-         {},
-         {"9C B.Q1D", "A0 B.Q1D", "A0 B.Q01", "9C A.Q1D", "A0 A.Q1D", "A0 A.Q01"}},
-        {"recycled, refused",
-         0,
-         false,
-         {{"B.Q1D", {}}, {"A.Q1D", {}}},
-         {"B.Q1D"},
-         {"9C B.Q1D", "A0 B.Q1D", "9C A.Q1D", "A0 A.Q1D", "A0 A.Q01"}},
-        {"recovered, one refused", 0, true, {{"B.Q1D", {}}}, {"B.Q1D"}, {"A1 B.Q1D", "A1 A.Q1D"}},
+         "?B.Q1D B.Q01 ?A.Q1D A.Q01 "},
+        {"recycled", 0, false, "AB", {}, "?B.Q1D B.Q1D B.Q01 ?A.Q1D A.Q1D A.Q01 "},
+        {"recycled, refused", 0, false, "AB", {"B.Q1D"}, "?B.Q1D B.Q1D ?A.Q1D A.Q1D A.Q01 "},
+        {"recovered, one refused", 0, true, "B", {"B.Q1D"}, "B.Q1D A.Q1D "},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.label);
@@ -189,21 +162,26 @@ TEST_F(FileManagerTest, SendsALarkTheseCommands)
         ReceiverScript script;
         script.records = {LarkRecord("A" + extension, 1), LarkRecord("B" + extension, 1),
                           LarkRecord("C" + extension, 1)};
-        script.files = row.inReceiver;
+        for (const char letter : row.inReceiver) {
+            script.files[std::string(1, letter) + ".Q1D"] = {};
+        }
         script.refused = row.refused;
         Start(script, row.mode);
         rows.Select(0, true);
         rows.Select(1, true);
-        host.answer = BoxAnswer::Yes;
+        host.answers = {BoxAnswer::Yes};
         if (row.recover) {
             FileManager(*files).FileRecover();
         } else {
             FileManager(*files).FileDelete();
         }
-        EXPECT_EQ(Names(), std::vector<std::wstring>{L"C"}) << "refused ones leave the list, too";
-        Strings sent = Sent();
-        sent.erase(sent.begin());
-        EXPECT_EQ(sent, row.sent);
+        EXPECT_EQ(Names(), L"C") << "refused ones leave the list, too";
+        std::string sent;
+        for (const std::string& asked : Sent()) {
+            EXPECT_TRUE(asked.starts_with("9C ") || asked.starts_with(row.recover ? "A1 " : "A0 "));
+            sent += (asked.starts_with("9C ") ? "?" : "") + asked.substr(3) + ' ';
+        }
+        EXPECT_EQ(sent, "?*" + extension + ' ' + row.sent);
     }
 }
 
@@ -225,7 +203,7 @@ TEST_F(FileManagerTest, SendsAPicaTheseCommands)
         } else {
             FileManager(*files).FileDelete();
         }
-        EXPECT_EQ(Names(), std::vector<std::wstring>{L"C"});
+        EXPECT_EQ(Names(), L"C");
         // The row of "D.E" is "D", which no record is called.
         EXPECT_EQ(Sent(), recover ? (Strings{"68 255", "68 258", "68 4"})
                                   : (Strings{"60 255", "60 258", "60 4"}));
@@ -248,11 +226,11 @@ TEST_F(FileManagerTest, DoesNotGuessANameWhenItIsCancelled)
     ASSERT_EQ(rows.Count(), 2);
     rows.SelectAll();
     silent = true;
-    host.cancel = true;
+    cancel = true;
     FileManager(*files).FileDelete();
     EXPECT_EQ(rows.Count(), 2);
     // Nor to list under one.
-    host.cancel = true;
+    cancel = true;
     EXPECT_EQ(files->GetFileData(*this), 0);
     EXPECT_FALSE(files->IsListing());
     EXPECT_EQ(Sent(), Strings{"9C *.Q01"});
@@ -299,21 +277,16 @@ TEST_F(FileFetchingTest, AsksAndEndsAsItMust)
         const char* there; ///< a file that is in the folder before
         BoxAnswer answer;
         std::vector<Box> boxes;
-        Strings arrived;
+        std::string arrived; ///< first letters
     };
+    using enum BoxAnswer;
     const Row table[] = {
-        {"nothing selected", {}, true, "", BoxAnswer::Ok, {kNothing}, {}},
-        {"one is being logged", {0, 3}, true, "", BoxAnswer::Ok, {kLogging}, {}},
-        {"left at the destination", {0}, false, "", BoxAnswer::Ok, {}, {}},
-        {"all of them", {0, 1, 2}, true, "", BoxAnswer::Ok, {kDone}, {"A.Q01", "B.Q01", "C.Q01"}},
-        {"asked once, yes",
-         {0, 1, 2},
-         true,
-         "A.Q01",
-         BoxAnswer::Yes,
-         {kOverwrite, kDone},
-         {"A.Q01", "B.Q01", "C.Q01"}},
-        {"asked, no", {1, 2}, true, "C.Q01", BoxAnswer::No, {kOverwrite}, {"B.Q01"}},
+        {"nothing selected", {}, true, "", Ok, {kNothing}, ""},
+        {"one is being logged", {0, 3}, true, "", Ok, {kLogging}, ""},
+        {"left at the destination", {0}, false, "", Ok, {}, ""},
+        {"all of them", {0, 1, 2}, true, "", Ok, {kDone}, "ABC"},
+        {"asked once, yes", {0, 1, 2}, true, "A.Q01", Yes, {kOverwrite, kDone}, "ABC"},
+        {"asked, no", {1, 2}, true, "C.Q01", No, {kOverwrite}, "B"},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.label);
@@ -323,13 +296,12 @@ TEST_F(FileFetchingTest, AsksAndEndsAsItMust)
             home.Write("Documents/C.Q01", "old");
         }
         starts = row.starts;
-        host.answer = row.answer;
+        host.answers = {row.answer};
         Run(row.selected);
         EXPECT_EQ(host.boxes, row.boxes);
         EXPECT_EQ(host.waitCursors, 0);
         for (const auto& [name, content] : script.files) {
-            const bool arrived =
-                std::find(row.arrived.begin(), row.arrived.end(), name) != row.arrived.end();
+            const bool arrived = row.arrived.find(name[0]) != std::string::npos;
             const std::string here = Read(Documents() / name);
             EXPECT_EQ(here == Text(content), arrived) << name;
             EXPECT_TRUE(arrived || here.empty() || here == "old") << name;

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/equipment/ReceiverFiles.h"
-#include "core/link/Command.h"
 #include "tests/core/link/FileServer.h"
 #include "tests/support/ScriptedEnd.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <cstdio>
 #include <map>
@@ -11,40 +11,12 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore::testing {
-
-/// Keeps the questions and plays the answers.
-class RecordingHost : public Host
-{
-public:
-    struct Box
-    {
-        std::wstring text;
-        std::wstring caption;
-        BoxButtons buttons;
-        BoxIcon icon;
-        bool operator==(const Box&) const = default;
-    };
-    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
-                          BoxStyle style) override
-    {
-        boxes.push_back({std::wstring(text), std::wstring(caption), style.buttons, style.icon});
-        return answer;
-    }
-    void ShowWaitCursor(bool on) override { waitCursors += on ? 1 : -1; }
-    bool Breathe() override { return !std::exchange(cancel, false); }
-
-    std::vector<Box> boxes;
-    BoxAnswer answer = BoxAnswer::Yes;
-    int waitCursors = 0;
-    bool cancel = false;
-};
 
 /// A receiver that answers what the file manager asks, by hand: its listing pages are given by
 /// the test, files by their names.
@@ -108,9 +80,13 @@ inline ScriptedEnd::Answer ReceiverScript::operator()(const Bytes& request) cons
 }
 
 /// The file manager over a scripted receiver. Messages arrive at once.
-class FilesTest : public ::testing::Test, protected MessageTarget
+class FilesTest : public ::testing::Test, protected VirtualChannel, protected MessageTarget
 {
 protected:
+    FilesTest()
+    {
+        host.inBreath = [this] { return !std::exchange(cancel, false); };
+    }
     void Start(const ReceiverScript& script, int mode = ReceiverFiles::Live)
     {
         command.ClosePort();
@@ -152,10 +128,7 @@ protected:
         return sent;
     }
 
-    VirtualClock clock;
-    VirtualLine line{clock};
-    RecordingHost host;
-    CCommand command{{&host, &clock, nullptr, [this] { return line.MakeDevice(); }}};
+    bool cancel = false; // at the next breath
     std::optional<ScriptedEnd> receiver;
     FileRowList rows;
     std::unique_ptr<ReceiverFiles> files;

@@ -3,8 +3,8 @@
 #include "core/equipment/GPSError.h"
 
 #include "core/link/Command.h"
-#include "tests/core/equipment/HandClock.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/support/HandClock.h"
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
@@ -250,20 +250,9 @@ TEST(GPSError, ShowsOnlyAPdopThatIsOne)
 TEST(GPSError, AsksTheReceiverOverTheLine)
 {
     testing::VirtualChannel channel;
-    const testing::ScriptedEnd receiver(channel.line, {
-                                                          {Frame(0x15, Ascii("0054017"
-                                                                             "2410"
-                                                                             "17"))},
-                                                          {Frame(0x09, Ascii("0"
-                                                                             "0"
-                                                                             "08"
-                                                                             "000"
-                                                                             "085"
-                                                                             "01.8"
-                                                                             "1"
-                                                                             "    "
-                                                                             "09"))},
-                                                      });
+    const testing::ScriptedEnd receiver(
+        channel.line,
+        {{Frame(0x15, Ascii("0054017241017"))}, {Frame(0x09, Ascii("000800008501.81    09"))}});
     HandClock clock;
     channel.Open();
     CGPSError error(&channel.command, &clock);

@@ -37,10 +37,7 @@ protected:
 
 TEST_F(LivingReceiverTest, IsFollowedFromTheFirstFixToTheLastCharge)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("first-fix", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(PlugIn(*scenario));
+    ASSERT_NO_FATAL_FAILURE(Plug(testing::ShippedScenario("first-fix")));
     struct Moment
     {
         std::chrono::seconds at;

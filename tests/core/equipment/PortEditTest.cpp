@@ -20,39 +20,36 @@
 namespace fieldcore {
 namespace {
 
-class Ender final : public Host, public RateObserver
-{
-public:
-    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
-    {
-        return BoxAnswer::Ok;
-    }
-    bool Breathe() override { return static_cast<int>(rates.size()) < endAt; }
-    void OnRate(std::uint32_t rate, int done, int total) override
-    {
-        EXPECT_EQ(done, static_cast<int>(rates.size()));
-        EXPECT_EQ(total, 7);
-        rates.push_back(rate);
-    }
-    std::vector<std::uint32_t> rates;
-    int endAt = 100; // rates, then the user cancels
-};
-
-class PortEditTest : public ::testing::Test
+class PortEditTest : public ::testing::Test,
+                     protected testing::VirtualChannel,
+                     protected RateObserver
 {
 protected:
+    PortEditTest()
+    {
+        host.inBreath = [this] { return static_cast<int>(m_rates.size()) < m_endAt; };
+    }
+    ~PortEditTest() override { command.ClosePort(); }
+
+    void OnRate(std::uint32_t rate, int done, int total) override
+    {
+        EXPECT_EQ(done, static_cast<int>(m_rates.size()));
+        EXPECT_EQ(total, 7);
+        m_rates.push_back(rate);
+    }
     void Start(std::uint32_t rate, bool answers = true)
     {
         simulator::Scenario scenario;
         scenario.checksRate = true;
         scenario.baudRate = rate;
         scenario.answers = answers;
+        command.ClosePort();
         m_receiver.reset();
-        simulator::Port& port = m_lines.emplace_back(m_clock).FarPort();
-        m_receiver.emplace(scenario, m_clock, testing::On(port));
+        plugged = &m_lines.emplace_back(clock);
+        m_receiver.emplace(scenario, clock, testing::On(plugged->FarPort()));
         std::string error;
         ASSERT_TRUE(m_receiver->Start(error)) << error;
-        m_target.devicePath = port.Path();
+        m_target.devicePath = "in memory";
         m_target.settings = LinkSettings(m_roots);
     }
     std::wstring Stored(int port)
@@ -65,37 +62,35 @@ protected:
     bool Answers()
     {
         StatusReply status;
-        return m_command.RequestStatus(status) == 1;
+        return command.RequestStatus(status) == 1;
     }
 
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
-    testing::VirtualClock m_clock;
     std::deque<testing::VirtualLine> m_lines;
-    Ender m_host;
     std::optional<simulator::Simulator> m_receiver; // at the end of the last line
-    CCommand m_command{
-        {&m_host, &m_clock, nullptr, [this] { return m_lines.back().MakeDevice(); }}};
+    std::vector<std::uint32_t> m_rates;             // that were tried
+    int m_endAt = 100;                              // rates, then the user cancels
     ConnectTarget m_target;
 };
 
 TEST_F(PortEditTest, SetsAnotherPortAndLeavesTheLinkAlone)
 {
     Start(38400);
-    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    ASSERT_EQ(OpenTarget(command, m_target), 1);
     PortEdit edit(1, m_roots);
     EXPECT_EQ(edit.At(1).GetPrmString(), L"38400-8-None-1-None") << "the link's, not Com1's";
     ASSERT_EQ(edit.At(2).SetPrmString(L"115200-8-Even-2-CTS"), 1);
-    EXPECT_EQ(edit.Set(2, &m_command), PortSet::Done);
+    EXPECT_EQ(edit.Set(2, &command), PortSet::Done);
     EXPECT_EQ(Stored(2), L"115200-8-Even-2-CTS");
     EXPECT_FALSE(edit.IsLinkChanged());
     const std::size_t before = m_receiver->RequestCount();
-    EXPECT_EQ(edit.Set(1, &m_command), PortSet::Done);
+    EXPECT_EQ(edit.Set(1, &command), PortSet::Done);
     EXPECT_EQ(m_receiver->RequestCount(), before) << "nothing changes: nothing is sent";
 
     // A port that the receiver does not have is refused, and nothing is stored.
     ASSERT_EQ(edit.At(3).SetPrmString(L"4800"), 1);
-    EXPECT_EQ(edit.Set(3, &m_command), PortSet::Refused);
+    EXPECT_EQ(edit.Set(3, &command), PortSet::Refused);
     EXPECT_EQ(Stored(3), L"9600-8-None-1-None");
     EXPECT_TRUE(Answers());
 }
@@ -126,11 +121,11 @@ TEST_F(PortEditTest, KnowsWhatItToldWhichReceiver)
         HostReg(m_roots).DeleteKey(L"GPS", L"Com");
         for (const wchar_t* const parameters : {row.connected, row.offline}) {
             if (parameters != nullptr) {
-                m_command.ClosePort();
-                ASSERT_TRUE(parameters == row.offline || OpenTarget(m_command, m_target) == 1);
+                command.ClosePort();
+                ASSERT_TRUE(parameters == row.offline || OpenTarget(command, m_target) == 1);
                 PortEdit edit(1, m_roots, std::nullopt, L"A");
                 ASSERT_EQ(edit.At(2).SetPrmString(parameters), 1);
-                ASSERT_EQ(edit.Set(2, &m_command), PortSet::Done);
+                ASSERT_EQ(edit.Set(2, &command), PortSet::Done);
             }
         }
         PortEdit edit(1, m_roots, std::nullopt, row.receiver);
@@ -158,28 +153,25 @@ TEST_F(PortEditTest, FollowsTheReceiverToItsNewRate)
           Row{"the answer is lost", "drop on 5E count 2", LinkFollowed::Moved, 115200},
           Row{"the request is lost", "drop-request", LinkFollowed::Stayed, 38400}}) {
         SCOPED_TRACE(row.fault);
-        m_command.ClosePort();
+        command.ClosePort();
         ASSERT_EQ(SetLinkRate(38400, m_roots), 1);
         Start(38400);
-        ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+        ASSERT_EQ(OpenTarget(command, m_target), 1);
         if (row.rule == std::string("drop-request")) {
             m_receiver->SetScripted([](auto) { return std::vector<std::uint8_t>{}; });
         } else if (*row.rule != '\0') {
-            simulator::FaultRule rule;
-            std::string error;
-            ASSERT_TRUE(simulator::ParseFaultRule(row.rule, rule, error)) << error;
-            m_receiver->AddFault(rule);
+            m_receiver->AddFault(testing::ParsedRule(row.rule));
         }
         PortEdit edit(1, m_roots);
         ASSERT_EQ(edit.At(1).SetPrmString(L"115200"), 1);
-        ASSERT_EQ(edit.Set(1, &m_command), PortSet::Done);
+        ASSERT_EQ(edit.Set(1, &command), PortSet::Done);
         EXPECT_TRUE(edit.IsLinkChanged());
         ASSERT_EQ(edit.KeepLink(), 1);
         EXPECT_FALSE(edit.IsLinkChanged());
         m_receiver->SetScripted(nullptr);
         m_target.settings = LinkSettings(m_roots);
         EXPECT_EQ(m_target.settings.baudRate, 115200U);
-        EXPECT_EQ(FollowLink(m_command, m_target, edit.LinkBefore()), row.followed);
+        EXPECT_EQ(FollowLink(command, m_target, edit.LinkBefore()), row.followed);
         EXPECT_TRUE(Answers());
         if (row.followed == LinkFollowed::Stayed) {
             ASSERT_EQ(edit.TakeLinkBack(), 1);
@@ -191,21 +183,21 @@ TEST_F(PortEditTest, FollowsTheReceiverToItsNewRate)
 TEST_F(PortEditTest, SaysThatTheReceiverIsLost)
 {
     Start(38400, false);
-    EXPECT_EQ(FollowLink(m_command, m_target, m_target.settings), LinkFollowed::Lost);
-    EXPECT_EQ(m_command.IsPortOpen(), 0);
-    ASSERT_EQ(OpenTarget(m_command, m_target), 1);
+    EXPECT_EQ(FollowLink(command, m_target, m_target.settings), LinkFollowed::Lost);
+    EXPECT_EQ(command.IsPortOpen(), 0);
+    ASSERT_EQ(OpenTarget(command, m_target), 1);
     PortEdit edit(1, m_roots);
-    EXPECT_EQ(edit.Set(2, &m_command), PortSet::NoAnswer);
-    m_host.endAt = 0;
-    EXPECT_EQ(FollowLink(m_command, m_target, m_target.settings), LinkFollowed::Cancelled);
-    EXPECT_EQ(m_command.IsPortOpen(), 0);
+    EXPECT_EQ(edit.Set(2, &command), PortSet::NoAnswer);
+    m_endAt = 0;
+    EXPECT_EQ(FollowLink(command, m_target, m_target.settings), LinkFollowed::Cancelled);
+    EXPECT_EQ(command.IsPortOpen(), 0);
 }
 
 TEST_F(PortEditTest, StoresWithoutAReceiver)
 {
     PortEdit edit(2, m_roots);
     ASSERT_EQ(edit.At(2).SetPrmString(L"19200-7-Odd"), 1);
-    EXPECT_EQ(edit.Set(2, &m_command), PortSet::Done);
+    EXPECT_EQ(edit.Set(2, &command), PortSet::Done);
     EXPECT_EQ(edit.KeepLink(), 1);
     EXPECT_EQ(Stored(0), L"19200-7-Odd-1-None");
     EXPECT_EQ(Stored(2), L"19200-7-Odd-1-None");
@@ -219,27 +211,26 @@ TEST_F(PortEditTest, FindsTheRateOfASilentReceiver)
     for (const std::uint32_t rate : kBaudRates) {
         SCOPED_TRACE(rate);
         Start(rate);
-        m_host.rates.clear();
-        EXPECT_EQ(SearchRate(m_command, m_target, &m_host), rate);
-        EXPECT_EQ(m_host.rates.front(), 38400U) << "the one it should be, first";
-        EXPECT_EQ(m_host.rates.back(), rate);
-        EXPECT_EQ(m_command.IsPortOpen(), 0);
+        m_rates.clear();
+        EXPECT_EQ(SearchRate(command, m_target, this), rate);
+        EXPECT_EQ(m_rates.front(), 38400U) << "the one it should be, first";
+        EXPECT_EQ(m_rates.back(), rate);
+        EXPECT_EQ(command.IsPortOpen(), 0);
     }
     Start(230400);
-    m_host.rates.clear();
+    m_rates.clear();
     m_target.settings.baudRate = 2400;
-    EXPECT_EQ(SearchRate(m_command, m_target, &m_host), std::nullopt);
-    EXPECT_EQ(m_command.Fault(), CommandFault::TimedOut);
-    EXPECT_EQ(m_host.rates,
-              (std::vector<std::uint32_t>{2400, 38400, 9600, 115200, 57600, 19200, 4800}));
-    m_host.rates.clear();
-    m_host.endAt = 2;
-    EXPECT_EQ(SearchRate(m_command, m_target, &m_host), std::nullopt);
-    EXPECT_EQ(m_command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(m_host.rates.size(), 2U);
+    EXPECT_EQ(SearchRate(command, m_target, this), std::nullopt);
+    EXPECT_EQ(command.Fault(), CommandFault::TimedOut);
+    EXPECT_EQ(m_rates, (std::vector<std::uint32_t>{2400, 38400, 9600, 115200, 57600, 19200, 4800}));
+    m_rates.clear();
+    m_endAt = 2;
+    EXPECT_EQ(SearchRate(command, m_target, this), std::nullopt);
+    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
+    EXPECT_EQ(m_rates.size(), 2U);
     m_lines.back().SetFailing([](const std::string& call) { return call == "Open"; });
-    EXPECT_EQ(SearchRate(m_command, m_target), std::nullopt);
-    EXPECT_EQ(m_command.Fault(), CommandFault::OpenFailed);
+    EXPECT_EQ(SearchRate(command, m_target), std::nullopt);
+    EXPECT_EQ(command.Fault(), CommandFault::OpenFailed);
 }
 
 } // namespace

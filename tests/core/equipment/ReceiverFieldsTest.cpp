@@ -10,6 +10,7 @@
 #include "tests/core/equipment/KnownReceiver.h"
 
 #include <chrono>
+#include <functional>
 #include <limits>
 #include <numbers>
 #include <string>
@@ -51,32 +52,34 @@ TEST(ReceiverFields, SayTheSameToEverybody)
     };
     constexpr auto kSky = [](Receiver& r) { r.tracked = Sky({14, 15, 80}); };
     constexpr auto kNoTrust = [](Receiver& r) { r.isSynchronised = false; };
+    const auto charge = [](int percent) {
+        return [=](Receiver& r) { r.status->value.batteryPercent = percent; };
+    };
+    const auto pdop = [](float value) {
+        return [=](Receiver& r) { r.position->value.pdop = value; };
+    };
+    const auto fix = [](int kind) {
+        return [=](Receiver& r) { r.position->value.fixKind = kind; };
+    };
     struct Row
     {
         const char* what;
-        void (*change)(Receiver&);
+        std::function<void(Receiver&)> change;
         const char* key;
         const wchar_t* text;
         const char* words; ///< of a report
     };
     const Row rows[] = {
         {"battery", kNothing, "batteryPercent", L"80 %", "80 %"},
-        {"battery above all", [](Receiver& r) { r.status->value.batteryPercent = 105; },
-         "batteryPercent", L"不明", "--"},
-        {"battery far above all", [](Receiver& r) { r.status->value.batteryPercent = 250; },
-         "batteryPercent", L"不明", "--"},
-        {"battery below nothing", [](Receiver& r) { r.status->value.batteryPercent = -1; },
-         "batteryPercent", L"不明", "--"},
-        {"full battery", [](Receiver& r) { r.status->value.batteryPercent = 100; },
-         "batteryPercent", L"100 %", "100 %"},
+        {"battery above all", charge(105), "batteryPercent", L"不明", "--"},
+        {"battery far above all", charge(250), "batteryPercent", L"不明", "--"},
+        {"battery below nothing", charge(-1), "batteryPercent", L"不明", "--"},
+        {"full battery", charge(100), "batteryPercent", L"100 %", "100 %"},
         {"PDOP", kNothing, "pdop", L"2.0", "2.0"},
-        {"large PDOP", [](Receiver& r) { r.position->value.pdop = 99.5F; }, "pdop", L"99.5",
-         "99.5"},
-        {"PDOP that says there is none", [](Receiver& r) { r.position->value.pdop = 99.9F; },
-         "pdop", L"-.- ", "--"},
-        {"no PDOP", [](Receiver& r) { r.position->value.pdop = 0.0F; }, "pdop", L"-.- ", "--"},
-        {"PDOP of a tie, rounded alike", [](Receiver& r) { r.position->value.pdop = 1.25F; },
-         "pdop", L"1.2", "1.2"},
+        {"large PDOP", pdop(99.5F), "pdop", L"99.5", "99.5"},
+        {"PDOP that says there is none", pdop(99.9F), "pdop", L"-.- ", "--"},
+        {"no PDOP", pdop(0.0F), "pdop", L"-.- ", "--"},
+        {"PDOP of a tie, rounded alike", pdop(1.25F), "pdop", L"1.2", "1.2"},
         {"PDOP without trust", kNoTrust, "pdop", L"-.- ", "--"},
         {"time", kNothing, "jst", L"2026-03-19 09:00:01", "2026-03-19 09:00:00 JST"},
         {"time without trust", kNoTrust, "jst", L"2026-03-19 09:00", "2026-03-19 09:00 JST"},
@@ -89,11 +92,9 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"controller's clock", kNothing, "controllerAheadS", L"+1.5 秒", "1.5 s"},
         {"clock against a time that means nothing", kNoTrust, "controllerAheadS", L"--", "--"},
         {"fix", kNothing, "fix", L"RTKフィックス", "RTK fixed"},
-        {"kind that nobody knows", [](Receiver& r) { r.position->value.fixKind = 6; }, "fix", L"--",
-         "--"},
+        {"kind that nobody knows", fix(6), "fix", L"--", "--"},
         {"latitude", kNothing, "latitudeDeg", L"36ﾟ00'00\".0000", "36.00000000 deg"},
-        {"no fix, no place", [](Receiver& r) { r.position->value.fixKind = 1; }, "latitudeDeg",
-         L"--", "--"},
+        {"no fix, no place", fix(1), "latitudeDeg", L"--", "--"},
         {"place that is no number",
          [](Receiver& r) {
              r.position->value.position.heightM = std::numeric_limits<double>::quiet_NaN();
@@ -101,8 +102,7 @@ TEST(ReceiverFields, SayTheSameToEverybody)
          "latitudeDeg", L"--", "--"},
         {"height", kNothing, "heightM", L"70.123 m", "70.123 m"},
         {"nearest zone", kNothing, "planeZone", L"9 系", "9"},
-        {"no fix, no plane", [](Receiver& r) { r.position->value.fixKind = 0; }, "planeXM", L"--",
-         "--"},
+        {"no fix, no plane", fix(0), "planeXM", L"--", "--"},
         {"place beyond the zones", [](Receiver& r) { r.position->value.position.longitudeRad = 0; },
          "planeZone", L"--", "--"},
         {"HDOP", kNothing, "hdop", L"0.9", "0.9"},

@@ -119,7 +119,8 @@ TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
         command.ClosePort();
     }
     CConnect refused(command, 0, ConnectTarget{});
-    host.answer = BoxAnswer::Cancel;
+    host.boxes.clear();
+    host.answers = {BoxAnswer::Cancel};
     ReceiverFiles opened(command);
     EXPECT_EQ(opened.Open(refused), ReceiverFiles::NotOpened);
 }

@@ -4,6 +4,7 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <map>
 #include <string_view>
 
 #include <gtest/gtest.h>
@@ -44,61 +45,49 @@ protected:
 TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
 {
     using enum fieldcore::Answer;
-    using Answers = std::vector<ScriptedEnd::Answer>;
+    using enum CommandFault;
     const Bytes good = Status();
-    const Bytes bad = Damaged(Status());
-    const Bytes ack{0x06};
-    const Bytes nak{0x15};
-    const Bytes foreign{0x41};
+    const std::map<char, ScriptedEnd::Answer> answers{
+        {'g', {good}},
+        {'b', {Damaged(good)}},
+        {'a', {Bytes{0x06}}},
+        {'n', {Bytes{0x15}}},
+        {'f', {Bytes{0x41}}},
+        {'-', {}},
+        {'p', {Bytes(good.begin(), good.begin() + 3), Bytes(good.begin() + 3, good.end())}}};
     struct Row
     {
         std::string_view fault;
         CCommand::Answer expected;
-        Answers answers;
+        std::string_view answers; ///< good, bad, ACK, NAK, foreign byte, silence, good in pieces
         int result;
         std::size_t sends;
         CommandFault reason;
     };
-    const Row rows[] = {
-        {"good reply refused", Reply, {{good}}, 1, 1, CommandFault::None},
-        {"reply in pieces refused",
-         Reply,
-         {{Bytes(good.begin(), good.begin() + 3), Bytes(good.begin() + 3, good.end())}},
-         1,
-         1,
-         CommandFault::None},
-        {"damaged reply not asked for again", Reply, {{bad}, {good}}, 1, 2, CommandFault::None},
-        {"damaged reply asked for a third time",
-         Reply,
-         {{bad}, {bad}, {good}},
-         0,
-         2,
-         CommandFault::BadChecksum},
-        {"silence not asked again", Reply, {{}, {good}}, 1, 2, CommandFault::None},
-        {"silence asked a third time", Reply, {{}, {}, {good}}, 0, 2, CommandFault::TimedOut},
-        {"NAK asked again", Reply, {{nak}, {good}}, 0, 1, CommandFault::Refused},
-        {"ACK taken for a reply", Reply, {{ack}, {good}}, 0, 1, CommandFault::WrongAnswer},
-        {"foreign byte not asked again", Reply, {{foreign}, {good}}, 1, 2, CommandFault::None},
-        {"foreign bytes twice asked a third time",
-         Reply,
-         {{foreign}, {foreign}, {good}},
-         0,
-         2,
-         CommandFault::Malformed},
-        {"ACK refused", Ack, {{ack}}, 1, 1, CommandFault::None},
-        {"NAK to a command sent again", Ack, {{nak}, {ack}}, 0, 1, CommandFault::Refused},
-        {"frame taken for an ACK", Ack, {{good}, {ack}}, 0, 1, CommandFault::WrongAnswer},
-        {"foreign byte to a command not sent again",
-         Ack,
-         {{foreign}, {ack}},
-         1,
-         2,
-         CommandFault::None},
-        {"silence to a command not sent again", Ack, {{}, {ack}}, 1, 2, CommandFault::None},
+    constexpr Row kRows[] = {
+        {"good reply refused", Reply, "g", 1, 1, None},
+        {"reply in pieces refused", Reply, "p", 1, 1, None},
+        {"damaged reply not asked for again", Reply, "bg", 1, 2, None},
+        {"damaged reply asked for a third time", Reply, "bbg", 0, 2, BadChecksum},
+        {"silence not asked again", Reply, "-g", 1, 2, None},
+        {"silence asked a third time", Reply, "--g", 0, 2, TimedOut},
+        {"NAK asked again", Reply, "ng", 0, 1, Refused},
+        {"ACK taken for a reply", Reply, "ag", 0, 1, WrongAnswer},
+        {"foreign byte not asked again", Reply, "fg", 1, 2, None},
+        {"foreign bytes twice asked a third time", Reply, "ffg", 0, 2, Malformed},
+        {"ACK refused", Ack, "a", 1, 1, None},
+        {"NAK to a command sent again", Ack, "na", 0, 1, Refused},
+        {"frame taken for an ACK", Ack, "ga", 0, 1, WrongAnswer},
+        {"foreign byte to a command not sent again", Ack, "fa", 1, 2, None},
+        {"silence to a command not sent again", Ack, "-a", 1, 2, None},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : kRows) {
         SCOPED_TRACE(row.fault);
-        const ScriptedEnd receiver(line, row.answers);
+        std::vector<ScriptedEnd::Answer> script;
+        for (const char answer : row.answers) {
+            script.push_back(answers.at(answer));
+        }
+        const ScriptedEnd receiver(line, script);
         Open();
         Build(0x08);
         EXPECT_EQ(command.Exchange(row.expected), row.result);

@@ -89,27 +89,5 @@ TEST(ConnectChoice, ComposesTheTargetOfTheSettings)
     }
 }
 
-TEST(ConnectChoice, TellsTheCableFromBluetooth)
-{
-    PortNames names;
-    ASSERT_TRUE(names.Assign(5, "/dev/assigned"));
-    PortSettings settings;
-    settings.baudRate = 9600;
-    settings.parity = 2;
-    struct Row
-    {
-        const char* path;
-        bool isBluetooth;
-    };
-    for (const Row& row : {Row{"/dev/ttyUSB7", false}, Row{"/dev/ttyS0", false},
-                           Row{"/dev/rfcomm3", true}, Row{"/dev/assigned", true}}) {
-        const ConnectTarget target = TargetOf(row.path, settings, names);
-        EXPECT_EQ(target.IsBluetooth(), row.isBluetooth) << row.path;
-        EXPECT_EQ(target.devicePath, row.path);
-        EXPECT_EQ(target.settings.baudRate, 9600U);
-        EXPECT_EQ(target.settings.parity, 2);
-    }
-}
-
 } // namespace
 } // namespace fieldcore

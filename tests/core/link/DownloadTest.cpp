@@ -395,63 +395,25 @@ TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
     }
 }
 
-TEST_F(DownloadTest, TheFolderMayVanishAndTheCableBePulled)
+TEST_F(DownloadTest, TheFolderMayVanish)
 {
-    for (const bool pulled : {false, true}) {
-        for (int round = 0; round < kRounds; ++round) {
-            SCOPED_TRACE(std::to_string(pulled) + " " + std::to_string(round));
-            const fs::path other = folder.Write("finished.Q01", "finished before");
-            FileServer server;
-            server.at = 1 + static_cast<std::size_t>(round) % (kBlocks - 1);
-            server.damage = pulled ? Damage::Half : Damage::None; // no byte more can be on its way
-            server.times = 1;
-            const ScriptedEnd receiver(line, server);
-            Open();
-            const auto before = static_cast<std::uint32_t>(server.at * testing::kBlockBytes);
-            EXPECT_EQ(Download(kSize,
-                               [&](std::uint32_t arrived) {
-                                   if (arrived == before && !pulled) {
-                                       fs::remove_all(folder.Path() / "day");
-                                   } else if (arrived == before) {
-                                       line.HangUp();
-                                   }
-                                   return true;
-                               }),
-                      -1);
-            EXPECT_EQ(command.GetDownloadFault(),
-                      pulled ? DownloadFault::Link : DownloadFault::Write);
-            EXPECT_FALSE(fs::exists(File()));
-            EXPECT_EQ(pulled, fs::exists(Part()) && fs::file_size(Part()) == before);
-            EXPECT_EQ(Read(other), testing::Ascii("finished before"));
-            command.ClosePort();
-            fs::remove_all(folder.Path() / "day");
-            ASSERT_FALSE(HasFailure());
-        }
+    for (std::uint32_t at = 1; at < kBlocks; ++at) {
+        SCOPED_TRACE(at);
+        const fs::path other = folder.Write("finished.Q01", "finished before");
+        const ScriptedEnd receiver(line, FileServer());
+        Open();
+        EXPECT_EQ(Download(kSize,
+                           [&](std::uint32_t arrived) {
+                               if (arrived == at * testing::kBlockBytes) {
+                                   fs::remove_all(folder.Path() / "day");
+                               }
+                               return true;
+                           }),
+                  -1);
+        EXPECT_EQ(command.GetDownloadFault(), DownloadFault::Write);
+        EXPECT_FALSE(fs::exists(File()) || fs::exists(Part()));
+        EXPECT_EQ(Read(other), testing::Ascii("finished before"));
     }
-}
-
-TEST_F(DownloadTest, GetsWholeFilesFromAReceiverThatBreaksThem)
-{
-    std::string error;
-    const auto scenario = simulator::LoadScenario("broken-files", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::SimulatorOptions options;
-    options.port = &line.FarPort();
-    simulator::Simulator receiver(*scenario, clock, options);
-    ASSERT_TRUE(receiver.Start(error)) << error;
-    Open();
-    const auto files = receiver.Files();
-    ASSERT_EQ(files.size(), 3U);
-    for (const simulator::ReceiverFile& file : files) {
-        SCOPED_TRACE(file.name);
-        Bytes content(file.size);
-        simulator::ReadFileContent(file, 0, content);
-        const std::wstring name(file.name.begin(), file.name.end());
-        EXPECT_EQ(command.DownloadFile(folder.Path(), name, file.size), file.size)
-            << command.LastError();
-        EXPECT_TRUE(Read(folder.Path() / file.name) == content);
-    }
-    EXPECT_GT(Count(receiver.Requests(), 0x96), files.size()) << "nothing was broken";
 }
 
 /// The next frame fills up what the line has lost of one, and the sum fits by chance.

@@ -232,13 +232,6 @@ TEST_F(RecvInfoTest, TypeCodeOfOneModelNamesIt)
     EXPECT_EQ(info.GetRecvType(), nullptr) << "and the identity is not";
 }
 
-TEST_F(RecvInfoTest, ThreeOhThreeTwoHasBluetooth)
-{
-    ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, 0}, {49, 1}, {50, 54}})}}), 1);
-    EXPECT_EQ(info.GetRecvTypeNum(), 3032U);
-    EXPECT_EQ(info.GetBlueTooth(), 1);
-}
-
 TEST_F(RecvInfoTest, FreeFunctionsTryFiveTimes)
 {
     const ScriptedEnd::Answer serial{Serial("00443")};

@@ -169,15 +169,6 @@ TEST_F(VirtualLinkTest, PurgeEmptiesWhatIsHalfReceived)
     EXPECT_EQ(link.WaitDelivery(), 0);
 }
 
-TEST_F(VirtualLinkTest, UnsolicitedFrameIsKeptAndWakesNobody)
-{
-    Open();
-    const Bytes unasked = Frame(0x40, {1, 2, 3});
-    line.Send(unasked);
-    EXPECT_EQ(link.WaitDelivery(), 0);
-    EXPECT_EQ(link.GetUnsolicitedFrame(), unasked);
-}
-
 TEST_F(SerialLinkTest, LosesNoFrameOfABurst)
 {
     Open();

@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -132,24 +130,6 @@ TEST(Cp932, KnowsTheWholeTable)
     EXPECT_EQ(kana, 63);
     EXPECT_EQ(pairs, 7724 + 1880);
     EXPECT_EQ(secondCodes, 398);
-}
-
-TEST(Cp932, ManyThreadsConvertAtOnce)
-{
-    const std::wstring text = L"\u6771\u4EACA\uFF71";
-    std::vector<int> good(4);
-    {
-        std::vector<std::jthread> threads;
-        threads.reserve(good.size());
-        for (int& count : good) {
-            threads.emplace_back([&count, &text] {
-                for (int i = 0; i < 200; ++i) {
-                    count += FromCp932(ToCp932(text)) == text ? 1 : 0;
-                }
-            });
-        }
-    }
-    EXPECT_EQ(good, std::vector<int>(4, 200));
 }
 
 } // namespace

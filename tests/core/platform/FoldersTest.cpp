@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -37,53 +38,39 @@ TEST(Folders, FollowTheEnvironment)
     struct Row
     {
         const char* fault;
-        Environment environment;
+        std::string environment;
         fs::path (Folders::*folder)() const;
         fs::path expected;
     };
     const Row rows[] = {
-        {"default data", {{"HOME", "/h"}}, &Folders::Program, "/h/.local/share/fieldcore"},
-        {"default state", {{"HOME", "/h"}}, &Folders::BuiltInStorage, "/h/.local/state/fieldcore"},
-        {"default settings", {{"HOME", "/h"}}, &Folders::Settings, "/h/.config/fieldcore"},
-        {"machine settings beside the user's",
-         {{"HOME", "/h"}},
-         &Folders::MachineSettings,
+        {"default data", "HOME=/h", &Folders::Program, "/h/.local/share/fieldcore"},
+        {"default state", "HOME=/h", &Folders::BuiltInStorage, "/h/.local/state/fieldcore"},
+        {"default settings", "HOME=/h", &Folders::Settings, "/h/.config/fieldcore"},
+        {"machine settings beside the user's", "HOME=/h", &Folders::MachineSettings,
          "/h/.config/fieldcore"},
-        {"default documents", {{"HOME", "/h"}}, &Folders::Documents, "/h/Documents"},
-        {"data moved",
-         {{"HOME", "/h"}, {"XDG_DATA_HOME", "/d"}},
-         &Folders::Program,
-         "/d/fieldcore"},
-        {"state moved",
-         {{"HOME", "/h"}, {"XDG_STATE_HOME", "/s"}},
-         &Folders::BuiltInStorage,
-         "/s/fieldcore"},
-        {"settings moved",
-         {{"HOME", "/h"}, {"XDG_CONFIG_HOME", "/c"}},
-         &Folders::Settings,
-         "/c/fieldcore"},
-        {"own folder wins, without a folder below",
-         {{"FIELDCORE_HOME", "/own"}, {"XDG_DATA_HOME", "/d"}},
-         &Folders::Program,
-         "/own"},
-        {"own machine store",
-         {{"FIELDCORE_MACHINE_STORE", "/m"}, {"XDG_CONFIG_HOME", "/c"}},
-         &Folders::MachineSettings,
-         "/m"},
-        {"own folder set to nothing",
-         {{"HOME", "/h"}, {"FIELDCORE_HOME", ""}},
-         &Folders::Program,
+        {"default documents", "HOME=/h", &Folders::Documents, "/h/Documents"},
+        {"data moved", "HOME=/h XDG_DATA_HOME=/d", &Folders::Program, "/d/fieldcore"},
+        {"state moved", "HOME=/h XDG_STATE_HOME=/s", &Folders::BuiltInStorage, "/s/fieldcore"},
+        {"settings moved", "HOME=/h XDG_CONFIG_HOME=/c", &Folders::Settings, "/c/fieldcore"},
+        {"own folder wins, without a folder below", "FIELDCORE_HOME=/own XDG_DATA_HOME=/d",
+         &Folders::Program, "/own"},
+        {"own machine store", "FIELDCORE_MACHINE_STORE=/m XDG_CONFIG_HOME=/c",
+         &Folders::MachineSettings, "/m"},
+        {"own folder set to nothing", "HOME=/h FIELDCORE_HOME=", &Folders::Program,
          "/h/.local/share/fieldcore"},
-        {"relative base folder",
-         {{"HOME", "/h"}, {"XDG_DATA_HOME", "here"}},
-         &Folders::Program,
+        {"relative base folder", "HOME=/h XDG_DATA_HOME=here", &Folders::Program,
          "/h/.local/share/fieldcore"},
-        {"no home", {}, &Folders::Settings, "/account/anna/.config/fieldcore"},
-        {"relative home", {{"HOME", "h"}}, &Folders::Settings, "/account/anna/.config/fieldcore"},
+        {"no home", "", &Folders::Settings, "/account/anna/.config/fieldcore"},
+        {"relative home", "HOME=h", &Folders::Settings, "/account/anna/.config/fieldcore"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        const Folders folders(Sources(row.environment));
+        Environment environment;
+        std::istringstream words(row.environment);
+        for (std::string word; words >> word;) {
+            environment[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
+        }
+        const Folders folders(Sources(environment));
         EXPECT_EQ((folders.*row.folder)(), row.expected);
     }
 }

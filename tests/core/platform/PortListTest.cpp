@@ -113,11 +113,5 @@ TEST(PortList, SaysWhatAPortIs)
     EXPECT_EQ(ports[2].comName, "");
 }
 
-TEST(PortList, IsEmptyWhereTheSystemShowsNothing)
-{
-    const Machine machine;
-    EXPECT_TRUE(ListSerialPorts(PortNames(machine.Roots()), machine.Roots()).empty());
-}
-
 } // namespace
 } // namespace fieldcore

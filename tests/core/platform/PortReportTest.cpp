@@ -58,6 +58,28 @@ PortFacts GoodPort()
 TEST(PortReport, NamesTheTroubleAndTheCommand)
 {
     using Kind = PortFacts::Kind;
+    using enum PortTrouble;
+    const auto kind = [](Kind is) { return [=](PortFacts& f) { f.kind = is; }; };
+    const auto barred = [](const char* group, bool isListed = false, bool groupMayOpen = true) {
+        return [=](PortFacts& f) {
+            f.mayOpen = false;
+            f.group = group;
+            f.isListed = isListed;
+            f.groupMayOpen = groupMayOpen;
+        };
+    };
+    const auto held = [](std::string by, bool isSelf, int error = 0) {
+        return [=](PortFacts& f) {
+            f.holders = {{1234, by, isSelf}};
+            f.openError = error;
+        };
+    };
+    const auto heldTwice = [](PortFacts& f) {
+        f.path = "/dev/it's one";
+        f.holders = {{1234, "a", false}, {1235, "b", false}};
+    };
+    const std::string ports = "fieldcore-cli ports";
+    const std::string chown = "sudo chown root:dialout /dev/ttyUSB0 && sudo chmod 660 /dev/ttyUSB0";
     struct Row
     {
         const char* fault;
@@ -66,72 +88,25 @@ TEST(PortReport, NamesTheTroubleAndTheCommand)
         std::string command;
     };
     const Row rows[] = {
-        {"nothing", [](PortFacts&) {}, PortTrouble::None, ""},
-        {"no such name", [](PortFacts& f) { f.kind = Kind::Absent; }, PortTrouble::Absent,
-         "fieldcore-cli ports"},
-        {"adapter pulled out", [](PortFacts& f) { f.kind = Kind::BrokenLink; },
-         PortTrouble::Unplugged, "fieldcore-cli ports"},
-        {"a folder", [](PortFacts& f) { f.kind = Kind::File; }, PortTrouble::NotADevice,
-         "fieldcore-cli ports"},
-        {"not a serial device", [](PortFacts& f) { f.kind = Kind::OtherDevice; },
-         PortTrouble::NotSerial, "fieldcore-cli ports"},
-        {"no hardware, whoever asks",
-         [](PortFacts& f) {
-             f.hasHardware = false;
-             f.mayOpen = false;
-         },
-         PortTrouble::NoHardware, "fieldcore-cli ports"},
-        {"not in the group",
-         [](PortFacts& f) {
-             f.mayOpen = false;
-             f.group = "uucp";
-         },
-         PortTrouble::NotAllowed, "sudo usermod -aG uucp $USER"},
-        {"in the group, session older",
-         [](PortFacts& f) {
-             f.mayOpen = false;
-             f.isListed = true;
-         },
-         PortTrouble::LoginNeeded, "newgrp dialout"},
-        {"told to join the group root",
-         [](PortFacts& f) {
-             f.mayOpen = false;
-             f.group = "root";
-         },
-         PortTrouble::NotAllowed,
-         "sudo chown root:dialout /dev/ttyUSB0 && sudo chmod 660 /dev/ttyUSB0"},
-        {"told to join a group that may not open it either",
-         [](PortFacts& f) {
-             f.mayOpen = false;
-             f.groupMayOpen = false;
-             f.isListed = true;
-         },
-         PortTrouble::NotAllowed,
-         "sudo chown root:dialout /dev/ttyUSB0 && sudo chmod 660 /dev/ttyUSB0"},
-        {"one program has it",
-         [](PortFacts& f) {
-             f.holders = {{1234, "logger", false}};
-         },
-         PortTrouble::InUse, "kill 1234"},
-        {"told to kill itself",
-         [](PortFacts& f) {
-             f.holders = {{1234, "me", true}};
-         },
-         PortTrouble::InUse, "fuser -v /dev/ttyUSB0"},
-        {"two programs have it",
-         [](PortFacts& f) {
-             f.path = "/dev/it's one";
-             f.holders = {{1234, "a", false}, {1235, "b", false}};
-         },
-         PortTrouble::InUse, "fuser -v '/dev/it'\\''s one'"},
-        {"a program that does not stand in the way is blamed",
-         [](PortFacts& f) {
-             f.openError = EIO;
-             f.holders = {{1234, "simulator", false}};
-         },
-         PortTrouble::None, ""},
-        {"a program that cannot be seen", [](PortFacts& f) { f.openError = EBUSY; },
-         PortTrouble::InUse, "sudo fuser -v /dev/ttyUSB0"},
+        {"nothing", [](PortFacts&) {}, None, ""},
+        {"no such name", kind(Kind::Absent), Absent, ports},
+        {"adapter pulled out", kind(Kind::BrokenLink), Unplugged, ports},
+        {"a folder", kind(Kind::File), NotADevice, ports},
+        {"not a serial device", kind(Kind::OtherDevice), NotSerial, ports},
+        {"no hardware, whoever asks", [](PortFacts& f) { f.hasHardware = f.mayOpen = false; },
+         NoHardware, ports},
+        {"not in the group", barred("uucp"), NotAllowed, "sudo usermod -aG uucp $USER"},
+        {"in the group, session older", barred("dialout", true), LoginNeeded, "newgrp dialout"},
+        {"told to join the group root", barred("root"), NotAllowed, chown},
+        {"told to join a group that may not open it either", barred("dialout", true, false),
+         NotAllowed, chown},
+        {"one program has it", held("logger", false), InUse, "kill 1234"},
+        {"told to kill itself", held("me", true), InUse, "fuser -v /dev/ttyUSB0"},
+        {"two programs have it", heldTwice, InUse, "fuser -v '/dev/it'\\''s one'"},
+        {"a program that does not stand in the way is blamed", held("simulator", false, EIO), None,
+         ""},
+        {"a program that cannot be seen", [](PortFacts& f) { f.openError = EBUSY; }, InUse,
+         "sudo fuser -v /dev/ttyUSB0"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);

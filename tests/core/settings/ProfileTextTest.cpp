@@ -72,6 +72,7 @@ TEST(ProfileText, FindsTheEntry)
         {"UTF-16 whose bytes look like line feeds", Utf16(L"[S]\r\nK=\u0A0D\u0D0A\u0A00\r\n"),
          L"\u0A0D\u0D0A\u0A00"},
         {"UTF-16 beyond 16 bits", Utf16(L"[S]\r\nK=\xD840\xDC0B\r\n"), L"\U0002000B"},
+        {"UTF-16 with the last second half", Utf16(L"[S]\r\nK=\xD840\xDFFF\r\n"), L"\U000203FF"},
         {"UTF-16 with half a pair", Utf16(L"[S]\r\nK=\xDC0B\xD840\r\n"), L"??"},
         {"UTF-16 with half a character", Utf16(L"[S]\r\nK=v") + "x", L"v"},
         {"only a mark", "\xFF\xFE", std::nullopt},

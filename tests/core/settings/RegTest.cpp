@@ -202,16 +202,6 @@ TEST_F(Reg, ReadsBytesOfAnotherLength)
     }
 }
 
-TEST_F(Reg, WritesMissingBytesOnReading)
-{
-    Bytes bytes(3);
-    EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", bytes, Bytes{1, 2, 3}), 1);
-    EXPECT_EQ(bytes, (Bytes{1, 2, 3}));
-    Bytes again(3);
-    EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", again, Bytes{9, 9, 9}), 1);
-    EXPECT_EQ(again, (Bytes{1, 2, 3}));
-}
-
 TEST_F(Reg, DeletesAKeyWithAllBelowIt)
 {
     for (const wchar_t* key :

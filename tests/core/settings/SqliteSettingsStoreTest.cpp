@@ -402,15 +402,6 @@ TEST(SqliteSettingsStore, LosesNothingOnAFullDisk)
     EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
 }
 
-TEST(SqliteSettingsStore, RefusesAValueBeyondAllMeasure)
-{
-    const TemporaryFolder folder;
-    SqliteSettingsStore store(folder.Path() / "user.db");
-    ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
-    EXPECT_FALSE(store.Set(L"K", L"n", std::vector<std::uint8_t>(5'000'000), kCreate));
-    EXPECT_EQ(NumberIn(store, L"K", L"n"), 1U);
-}
-
 /// The numbers that a writer stored, as far as they are what and where they should be.
 std::size_t StoredBy(const std::string& name, const fs::path& config, std::size_t atMost)
 {

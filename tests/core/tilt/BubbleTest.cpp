@@ -4,6 +4,7 @@
 #include "core/tilt/Bubble.h"
 #include "core/tilt/TiltQuestion.h"
 #include "tests/core/tilt/SensorLine.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <cmath>
 #include <limits>
@@ -276,10 +277,7 @@ TEST(TiltQuestion, TellsWhyThereIsNoReading)
             ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::milliseconds(500)));
         } else {
             ASSERT_NO_FATAL_FAILURE(line.Start({}, std::chrono::seconds(20)));
-            simulator::FaultRule rule;
-            std::string error;
-            ASSERT_TRUE(simulator::ParseFaultRule(row.rule, rule, error)) << error;
-            line.simulator->AddFault(rule);
+            line.simulator->AddFault(testing::ParsedRule(row.rule));
         }
         EXPECT_EQ(AskTilt(line.command, true), row.state);
         const Receiver known = line.command.Heard();

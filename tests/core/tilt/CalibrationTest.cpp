@@ -5,13 +5,12 @@
 #include "core/tilt/CalibrationStatus.h"
 #include "core/tilt/TiltSettings.h"
 
-#include "core/host/Host.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/tilt/SensorLine.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <cmath>
-#include <deque>
-#include <functional>
+#include <optional>
 
 namespace fieldcore {
 namespace {
@@ -62,60 +61,40 @@ TEST(CalibrationStatus, HasATextForEveryState)
 
 TEST(CalibrationStatus, CountsTheTimeThatIsLeft)
 {
-    constexpr std::uint32_t kLastSecond = 604799;
-    TiltReading good;
-    good.calibrationState = 1;
-    good.calibrated = true;
-    good.time = TiltTime{2400, 3600};
-    const TiltCalibration made{.validityHours = 720, .calibrated = TiltTime{2400, 0}};
     struct Row
     {
         const char* fault;
-        std::function<void(TiltReading&, TiltCalibration&)> change;
+        int state;
+        bool isCalibrated;
+        std::optional<TiltTime> now;
+        std::optional<TiltTime> made;
         const wchar_t* text;
     };
+    const TiltTime start{2400, 0};
     const wchar_t* const kNone = L"あと0日0時間0分0秒";
     const Row rows[] = {
-        {"30 days less an hour", [](auto&, auto&) {}, L"あと29日23時間0分0秒"},
-        {"minutes and seconds",
-         [](auto& r, auto&) {
-             r.time = TiltTime{2400, 3541};
-         },
-         L"あと29日23時間0分59秒"},
-        {"across weeks",
-         [](auto& r, auto&) {
-             r.time = TiltTime{2403, kLastSecond};
-         },
-         L"あと2日0時間0分1秒"},
-        {"the last second",
-         [](auto& r, auto&) {
-             r.time = TiltTime{2404, 2 * 86400 - 1};
-         },
-         L"あと0日0時間0分1秒"},
-        {"over",
-         [](auto& r, auto&) {
-             r.time = TiltTime{2404, 2 * 86400};
-         },
-         kNone},
-        {"long over",
-         [](auto& r, auto&) {
-             r.time = TiltTime{3000, 0};
-         },
-         kNone},
-        {"state", [](auto& r, auto&) { r.calibrationState = 2; }, kNone},
-        {"not calibrated", [](auto& r, auto&) { r.calibrated = false; }, kNone},
-        {"time of the reading unknown", [](auto& r, auto&) { r.time.reset(); }, kNone},
-        {"never calibrated", [](auto&, auto& c) { c.calibrated.reset(); }, kNone},
+        {"30 days less an hour", 1, true, {{2400, 3600}}, start, L"あと29日23時間0分0秒"},
+        {"minutes and seconds", 1, true, {{2400, 3541}}, start, L"あと29日23時間0分59秒"},
+        {"across weeks", 1, true, {{2403, 604799}}, start, L"あと2日0時間0分1秒"},
+        {"the last second", 1, true, {{2404, 2 * 86400 - 1}}, start, L"あと0日0時間0分1秒"},
+        {"over", 1, true, {{2404, 2 * 86400}}, start, kNone},
+        {"long over", 1, true, {{3000, 0}}, start, kNone},
+        {"state", 2, true, {{2400, 3600}}, start, kNone},
+        {"not calibrated", 1, false, {{2400, 3600}}, start, kNone},
+        {"time of the reading unknown", 1, true, {}, start, kNone},
+        {"never calibrated", 1, true, {{2400, 3600}}, {}, kNone},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        TiltReading reading = good;
-        TiltCalibration record = made;
-        row.change(reading, record);
+        TiltReading reading;
+        reading.calibrationState = row.state;
+        reading.calibrated = row.isCalibrated;
+        reading.time = row.now;
+        const TiltCalibration record{.validityHours = 720, .calibrated = row.made};
         EXPECT_EQ(RemainText(RemainingSeconds(record, reading)), row.text);
+        EXPECT_EQ(RemainingSeconds(std::nullopt, reading), 0);
+        EXPECT_EQ(RemainingSeconds(record, std::nullopt), 0);
     }
-    EXPECT_EQ(RemainingSeconds(std::nullopt, good), 0);
-    EXPECT_EQ(RemainingSeconds(made, std::nullopt), 0);
     EXPECT_EQ(ExpiryText(720), L"30日0時間");
     EXPECT_EQ(ExpiryText(25), L"1日1時間");
 }
@@ -139,34 +118,13 @@ TEST(CalibrationStatus, SelectsWhatStandsForAValue)
     }
 }
 
-/// Notes the questions and plays the answers.
-class AskedHost final : public Host
-{
-public:
-    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
-                          BoxStyle style) override
-    {
-        EXPECT_EQ(style.buttons, BoxButtons::OkCancel);
-        EXPECT_EQ(style.icon, BoxIcon::Question);
-        EXPECT_EQ(style.byDefault, BoxAnswer::Cancel);
-        captions.emplace_back(caption);
-        texts.emplace_back(text);
-        const BoxAnswer answer = answers.front();
-        answers.pop_front();
-        return answer;
-    }
-    std::deque<BoxAnswer> answers;
-    std::vector<std::wstring> captions;
-    std::vector<std::wstring> texts;
-};
-
 TEST(TiltSettings, AsksBeforeACalibration)
 {
     struct Row
     {
         const char* fault;
         double tiltRad;
-        std::deque<BoxAnswer> answers;
+        std::vector<BoxAnswer> answers;
         std::vector<std::wstring> captions;
         bool may;
     };
@@ -187,11 +145,16 @@ TEST(TiltSettings, AsksBeforeACalibration)
         SensorWords words;
         words.tiltRad = row.tiltRad;
         line.Say(words);
-        AskedHost host;
+        testing::BoxKeepingHost host;
         host.answers = row.answers;
         EXPECT_EQ(TiltSettings(&line.command, line.reg).MayCalibrate(host), row.may);
-        EXPECT_EQ(host.captions, row.captions);
-        EXPECT_TRUE(host.answers.empty());
+        ASSERT_EQ(host.boxes.size(), row.captions.size());
+        for (std::size_t i = 0; i < host.boxes.size(); ++i) {
+            EXPECT_EQ(host.boxes[i].caption, row.captions[i]);
+            EXPECT_EQ(host.boxes[i].style.buttons, BoxButtons::OkCancel);
+            EXPECT_EQ(host.boxes[i].style.icon, BoxIcon::Question);
+            EXPECT_EQ(host.boxes[i].style.byDefault, BoxAnswer::Cancel);
+        }
     }
 }
 
@@ -440,24 +403,6 @@ TEST_F(CalibrationRunTest, EndsWhateverTheReceiverDoes)
     never.Cancel();
     never.Tick(line.command);
     EXPECT_EQ(never.GetState(), CalibrationRun::State::Aborted);
-}
-
-TEST_F(CalibrationRunTest, RunsThroughOnTheSimulatedReceiver)
-{
-    std::string error;
-    const auto tilted = simulator::LoadScenario("tilted", error);
-    ASSERT_TRUE(tilted) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*tilted));
-    run.Tick(line.command);
-    Finish();
-    EXPECT_EQ(run.GetState(), CalibrationRun::State::Done);
-    TiltSettings settings(&line.command, line.reg);
-    ASSERT_TRUE(settings.Refresh());
-    EXPECT_EQ(settings.StatusTextId(), text::kTiltCompleted);
-    // It has just been made.
-    const long long left = RemainingSeconds(settings.Record(), settings.Reading());
-    EXPECT_LE(left, 720 * 3600);
-    EXPECT_GT(left, 720 * 3600 - 600) << "s";
 }
 
 } // namespace

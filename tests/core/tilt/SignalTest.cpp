@@ -2,6 +2,7 @@
 
 #include "core/tilt/SignalSession.h"
 #include "tests/core/tilt/SensorLine.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <algorithm>
 
@@ -140,10 +141,7 @@ TEST(Signals, ShowsALockedOrUnknownReceiverAsItIs)
         scenario.signalsLocked = row.isLocked;
         ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
         if (*row.rule != '\0') {
-            simulator::FaultRule rule;
-            std::string error;
-            ASSERT_TRUE(simulator::ParseFaultRule(row.rule, rule, error)) << error;
-            line.simulator->AddFault(rule);
+            line.simulator->AddFault(testing::ParsedRule(row.rule));
         }
         SignalSession session(&line.command, line.reg);
         session.Open();
@@ -164,10 +162,7 @@ TEST(Signals, ShowsALockedOrUnknownReceiverAsItIs)
     scenario.options.extended = true;
     scenario.options.l5 = true;
     ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
-    simulator::FaultRule rule;
-    std::string error;
-    ASSERT_TRUE(simulator::ParseFaultRule("nak on 53", rule, error)) << error;
-    line.simulator->AddFault(rule);
+    line.simulator->AddFault(testing::ParsedRule("nak on 53"));
     SignalSession session(&line.command, line.reg);
     session.Open();
     session.Check(Signal::L5, true);

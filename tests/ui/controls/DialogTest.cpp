@@ -152,13 +152,5 @@ TEST(Dialog, RunsTimersByItsOwnNumbers)
     EXPECT_FALSE(probe.IsTimerRunning(7));
 }
 
-TEST(Dialog, FindsItsControlsByNumber)
-{
-    std::string told;
-    const Probe probe(told);
-    EXPECT_EQ(Dialog::FindControl(&probe, 42), probe.edit);
-    EXPECT_EQ(Dialog::FindControl(&probe, 43), nullptr);
-}
-
 } // namespace
 } // namespace fieldcore

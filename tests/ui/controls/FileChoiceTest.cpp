@@ -3,7 +3,6 @@
 #include "ui/controls/FileChoice.h"
 
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/RoleLabel.h"
 
 #include <QApplication>
@@ -62,7 +61,6 @@ TEST(FileChoice, AsksInJapaneseAndKeepsTheName)
                                          QStringLiteral("場所:")}) {
                 EXPECT_TRUE(shown.contains(word)) << shown.join(QLatin1Char('|')).toStdString();
             }
-            KeepPicture(*dialog, QString::fromLatin1(row.save ? "file-save" : "file-open"));
             auto* const name = dialog->findChild<QLineEdit*>();
             EXPECT_EQ(name->text(), QString::fromUtf8(row.name)) << "the suggestion is lost";
             if (row.typed != nullptr) {

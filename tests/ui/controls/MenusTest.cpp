@@ -1,5 +1,4 @@
 #include "core/resources/StringTable.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/BarButton.h"
 #include "ui/controls/ButtonMenuDlg.h"
 #include "ui/controls/Icon.h"
@@ -94,7 +93,6 @@ TEST(CnMenuBar, OpensItsPopupsUpwardsByTouchAndByKey)
                 EXPECT_GE(menu->actionGeometry(const_cast<QAction*>(item)).height(), 44);
             }
         }
-        KeepPicture(*menu, QStringLiteral("popup-%1").arg(row.popup));
         QTest::keyClick(menu, Qt::Key_Escape);
         EXPECT_EQ(OpenPopup(), nullptr);
         EXPECT_EQ(screen.closes, 0) << "Esc has closed more than the popup";
@@ -121,25 +119,6 @@ TEST(CnMenuBar, TellsTheNumberOfTheItem)
     EXPECT_EQ(screen.chosen.back(), 21913);
 }
 
-TEST(CnMenuBar, ChecksOneItemOfAGroup)
-{
-    const Screen screen(0);
-    const auto checked = [&] {
-        std::vector<int> ids;
-        for (int id = 21901; id <= 21913; ++id) {
-            if (screen.bar->IsItemChecked(id)) {
-                ids.push_back(id);
-            }
-        }
-        return ids;
-    };
-    EXPECT_EQ(checked(), std::vector<int>{21904});
-    screen.bar->CheckRadioItem(21901, 21907, 21907);
-    EXPECT_EQ(checked(), std::vector<int>{21907});
-    screen.bar->CheckRadioItem(21901, 21907, 21911); // not of the group
-    EXPECT_EQ(checked(), std::vector<int>{21907});
-}
-
 TEST(CnMenuBar, LeavesTheScreenAsItWasLoaded)
 {
     for (const auto& [loadWay, textId] :
@@ -155,28 +134,6 @@ TEST(CnMenuBar, LeavesTheScreenAsItWasLoaded)
         QTest::keyClick(&screen, Qt::Key_Escape);
         EXPECT_EQ(screen.closes, 2) << "the key of a button that is not there";
     }
-}
-
-TEST(CnMenuBar, HoldsFourPopupsAtMostAndCutsNone)
-{
-    const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPixelSize(21);
-    QApplication::setFont(large);
-    Screen screen(1);
-    EXPECT_EQ(screen.bar->AddPopup(QStringLiteral("表示")), 2);
-    EXPECT_EQ(screen.bar->AddPopup(QStringLiteral("設定")), 3);
-    EXPECT_EQ(screen.bar->AddPopup(QStringLiteral("五")), -1);
-    screen.bar->AddItem(4, 1, QStringLiteral("nowhere"));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(screen.width(), 480);
-    for (const BarButton* button : screen.Buttons()) {
-        EXPECT_GE(button->width(), button->sizeHint().width());
-        EXPECT_GE(button->height(), std::max(48, button->sizeHint().height()));
-        EXPECT_TRUE(screen.bar->rect().contains(button->geometry()));
-    }
-    KeepPicture(screen, QStringLiteral("menubar-large"));
-    QApplication::setFont(before);
 }
 
 TEST(CnToolBar, ActsByNumberAndStaysDown)
@@ -243,20 +200,6 @@ TEST(CButtonMenuDlg, ChoosesByClickAndByKeys)
     }
     run([&] { QTest::mouseClick(menu.findChildren<CIconButton*>().at(4), Qt::LeftButton); });
     EXPECT_EQ(menu.GetMenuIndex(), 4);
-}
-
-TEST(CIconButton, GrowsWithIconLabelAndFont)
-{
-    CIconButton button(QStringLiteral("plan"), QStringLiteral("観測計画"));
-    EXPECT_GE(button.sizeHint().width(), 120);
-    EXPECT_GE(button.sizeHint().height(), 96);
-    button.SetIconSize(64);
-    const int plain = button.sizeHint().height();
-    button.SetIconSize(96);
-    EXPECT_EQ(button.sizeHint().height(), plain + 32);
-    button.SetIconSize(64);
-    button.setText(QStringLiteral("とても長い名前の付いた観測計画の設定"));
-    EXPECT_GT(button.sizeHint().height(), plain) << "the label is cut instead of broken";
 }
 
 /// Every drawing can be read, fills its square sensibly and has no colour of its own.

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QPushButton>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -24,6 +25,9 @@ inline void ExpectNothingCut(QWidget& window, QSize size)
             continue;
         }
         const QString text = label != nullptr ? label->text() : button->text();
+        if (qobject_cast<const QPushButton*>(child) != nullptr) {
+            EXPECT_GE(child->height(), 44) << "too small for a glove: " << text.toStdString();
+        }
         if (label != nullptr && label->wordWrap()) {
             EXPECT_LE(label->heightForWidth(label->width()), label->height()) << text.toStdString();
         } else if (child->sizePolicy().horizontalPolicy() != QSizePolicy::Ignored) {

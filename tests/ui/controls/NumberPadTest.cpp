@@ -3,7 +3,6 @@
 
 #include "ui/controls/NumberPad.h"
 
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/UiText.h"
 
@@ -125,7 +124,6 @@ TEST(NumberPad, NeverHidesItsField)
             EXPECT_FALSE(covered.intersects(QRect(field->mapToGlobal(QPoint()), field->size())));
         }
     }
-    KeepPicture(page, *Pad(), QStringLiteral("number-pad"));
 }
 
 TEST(NumberPad, GoesWhenItIsNotWanted)

@@ -2,7 +2,7 @@
 
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
-#include "tests/ui/controls/Pictures.h"
+#include "tests/support/HandClock.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/Icon.h"
@@ -40,16 +40,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Time stands still until the test moves it.
-class HandClock : public Clock
+void MoveTo(testing::HandClock& clock, Clock::Duration moment)
 {
-public:
-    Duration now{};
-    [[nodiscard]] Duration Steady() const override { return now; }
-    [[nodiscard]] UtcTime Utc() const override { return {}; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-};
+    clock.Advance(moment - clock.Steady());
+}
 
 /// Does @p act as soon as a message box is there, and closes it if it is still there later.
 void OnMessage(QObject* context, const std::function<void(MessageDlg&)>& act)
@@ -109,38 +103,17 @@ TEST(QtHost, AnswersByKeysAndClicks)
         BoxAnswer escape;
         std::vector<BoxAnswer> buttons; // from left to right
     };
+    constexpr auto kOkCancel = BoxButtons::OkCancel;
+    constexpr auto kYesNo = BoxButtons::YesNo;
+    constexpr auto kAsks = BoxIcon::Question;
     const Row rows[] = {
         {"a message", {BoxButtons::Ok, BoxIcon::Stop}, Ok, Ok, {Ok}},
-        {"Enter goes on after a request",
-         {BoxButtons::OkCancel, BoxIcon::Information},
-         Ok,
-         Cancel,
-         {Cancel, Ok}},
-        {"Enter agreed to what destroys",
-         {BoxButtons::OkCancel, BoxIcon::Exclamation},
-         Cancel,
-         Cancel,
-         {Ok, Cancel}},
-        {"Enter answered a question with Yes",
-         {BoxButtons::YesNo, BoxIcon::Question},
-         No,
-         No,
-         {Yes, No}},
-        {"trying again destroys nothing",
-         {BoxButtons::RetryCancel, BoxIcon::Question},
-         Retry,
-         Cancel,
-         {Cancel, Retry}},
-        {"a question that may be agreed to with Enter",
-         {BoxButtons::OkCancel, BoxIcon::Question, Ok},
-         Ok,
-         Cancel,
-         {Cancel, Ok}},
-        {"a default that is no button of the box",
-         {BoxButtons::YesNo, BoxIcon::Question, Retry},
-         No,
-         No,
-         {Yes, No}},
+        {"a request", {kOkCancel, BoxIcon::Information}, Ok, Cancel, {Cancel, Ok}},
+        {"what destroys", {kOkCancel, BoxIcon::Exclamation}, Cancel, Cancel, {Ok, Cancel}},
+        {"a question", {kYesNo, kAsks}, No, No, {Yes, No}},
+        {"trying again", {BoxButtons::RetryCancel, kAsks}, Retry, Cancel, {Cancel, Retry}},
+        {"a question with Ok", {kOkCancel, kAsks, Ok}, Ok, Cancel, {Cancel, Ok}},
+        {"a default that is no button", {kYesNo, kAsks, Retry}, No, No, {Yes, No}},
     };
     const Window window;
     QtHost host;
@@ -204,7 +177,6 @@ TEST(QtHost, ShowsTextCaptionAndIcon)
             }
             EXPECT_TRUE(told && headed && drawn) << told << headed << drawn;
             EXPECT_EQ(box.windowTitle(), QStringLiteral("受信機強制初期化確認"));
-            KeepPicture(box, QStringLiteral("message-") + QString::fromLatin1(row.drawing));
             QTest::keyClick(&box, Qt::Key_Escape);
         });
         CMesBox(host).Show(text::kForceInitQuestion, text::kForceInitCaption,
@@ -241,8 +213,6 @@ TEST(QtHost, CutsNoMessage)
                     EXPECT_GE(label->height(), label->heightForWidth(label->width()));
                 }
             }
-            KeepPicture(box, said == longest ? QStringLiteral("message-longest")
-                                             : QStringLiteral("message-endless"));
             QTest::keyClick(&box, Qt::Key_Escape);
         });
         CMesBox(host).Fail(said, text::kPortIsSendingCaption);
@@ -277,17 +247,6 @@ TEST(QtHost, NestsAndRestoresTheWaitCursor)
     QApplication::restoreOverrideCursor();
 }
 
-TEST(QtHost, FocusesAControlByItsNumber)
-{
-    const Window window;
-    QtHost host;
-    window.button->setFocus();
-    EXPECT_EQ(host.FindControl(7), nullptr) << "nobody's";
-    host.FindControl(1042)->TakeFocus();
-    EXPECT_TRUE(window.edit->hasFocus());
-    EXPECT_EQ(window.edit->selectedText(), QStringLiteral("abc"));
-}
-
 /// Each has a control of that number; a dialog lies over the first, and none over the one typed in.
 TEST(QtHost, FindsTheControlInTheWindowWhereItWasTyped)
 {
@@ -306,28 +265,29 @@ TEST(QtHost, FindsTheControlInTheWindowWhereItWasTyped)
     ASSERT_TRUE(QTest::qWaitForWindowActive(&modal));
     control->TakeFocus();
     EXPECT_TRUE(QTest::qWaitFor([&] { return typedIn.edit->hasFocus(); }));
+    EXPECT_EQ(typedIn.edit->selectedText(), QStringLiteral("abc")) << "to be typed over";
+    EXPECT_EQ(host.FindControl(7), nullptr) << "nobody's";
     EXPECT_FALSE(other->hasFocus());
 }
 
 TEST(QtHost, ShowsTheStripOnlyInALongWait)
 {
-    HandClock clock;
+    testing::HandClock clock;
     QtHost host({.clock = &clock});
     Window window;
     EXPECT_TRUE(host.Breathe());
-    clock.now = 299ms;
+    MoveTo(clock, 299ms);
     EXPECT_TRUE(host.Breathe());
     EXPECT_EQ(window.Strip(), nullptr);
-    clock.now = 2300ms;
+    MoveTo(clock, 2300ms);
     EXPECT_TRUE(host.Breathe());
     ASSERT_NE(window.Strip(), nullptr);
     EXPECT_TRUE(window.Strip()->isVisible());
     EXPECT_TRUE(window.rect().contains(window.Strip()->geometry()));
     EXPECT_GE(window.Strip()->CancelButton()->height(), 44);
-    KeepPicture(window, QStringLiteral("busy"));
     // Back in the event loop the wait is over, and the next one starts from the beginning.
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.Strip() == nullptr; }));
-    clock.now = 2500ms;
+    MoveTo(clock, 2500ms);
     EXPECT_TRUE(host.Breathe());
     EXPECT_EQ(window.Strip(), nullptr);
 }
@@ -404,7 +364,7 @@ protected:
             .toStdString();
     }
 
-    HandClock clock;
+    testing::HandClock clock;
     QtHost host{{.clock = &clock}};
     Window window;
     QLineEdit* other = new QLineEdit;
@@ -592,7 +552,7 @@ TEST_F(WaitTest, RefusesInputOnlyUnderTheStrip)
         Type("1");
         press(window.button);
     }));
-    clock.now = 300ms;
+    MoveTo(clock, 300ms);
     QTimer::singleShot(0, &window, [&] { Type("2"); }); // before the strip can be seen
     host.Breathe();
     ASSERT_NE(window.Strip(), nullptr);

@@ -8,7 +8,6 @@
 #include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
@@ -218,49 +217,6 @@ TEST_F(AntennaDialog, AsksAReceiverThatIsConnectedAnew)
     }
 }
 
-TEST_F(AntennaDialog, HasItsMessageInFrontOfIt)
-{
-    QtHost screen{QtHost::Options{}};
-    SetDefaultHost(&screen);
-    struct Row
-    {
-        const char* name;
-        QSize size;
-        Theme::Kind theme;
-    };
-    for (const Row& row : {Row{"480-daylight", {480, 640}, Theme::Kind::Daylight},
-                           Row{"480-dark", {480, 640}, Theme::Kind::Dark},
-                           Row{"1280-daylight", {1280, 800}, Theme::Kind::Daylight},
-                           Row{"1280-dark", {1280, 800}, Theme::Kind::Dark}}) {
-        SCOPED_TRACE(row.name);
-        Theme::Use(row.theme);
-        dialog.resize(row.size);
-        Type(text::kAntennaHeight, QStringLiteral("120"));
-        Box(text::kAntennaSerial)->setFocus();
-        dialog.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
-        int seen = 0;
-        QTimer watch;
-        QObject::connect(&watch, &QTimer::timeout, [&] {
-            if (auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget())) {
-                EXPECT_EQ(box->parentWidget(), &dialog);
-                EXPECT_TRUE(dialog.frameGeometry().contains(box->frameGeometry()));
-                KeepPicture(dialog, *box,
-                            QStringLiteral("antenna-message-") + QString::fromLatin1(row.name));
-                ++seen;
-                QTest::keyClick(box, Qt::Key_Return);
-            }
-        });
-        watch.start(5);
-        dialog.Close(Dialog::kOk);
-        EXPECT_EQ(seen, 1);
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return dialog.focusWidget() == Box(text::kAntennaHeight); }, 1000));
-    }
-    Theme::Use(Theme::Kind::Daylight);
-    SetDefaultHost(&host);
-}
-
 TEST_F(AntennaDialog, ReadsTheRoleThatIsChosen)
 {
     AntennaSettings reference(nullptr, 0, 0, {m_home.Path(), &m_roots});
@@ -310,7 +266,6 @@ TEST_F(AntennaDialog, HasAnAntennaChosenThatIsGone)
     EXPECT_TRUE(Says(Text(text::kAntennaTypeUnknown)));
     dialog.resize(480, 640);
     QApplication::processEvents(); // which lays the page out
-    KeepPicture(dialog, QStringLiteral("antenna-gone"));
     dialog.Close(Dialog::kOk);
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(host.said, Texts{Text(text::kAntennaTypeUnknown)});

@@ -116,7 +116,6 @@ TEST_F(ComPortTest, SendsNothingThatNobodyHasTouched)
             isNoted = isNoted || (row.note != 0 && label->text() == UiText(row.note));
         }
         EXPECT_EQ(isNoted, row.note != 0);
-        KeepPicture(*sheet, QStringLiteral("com-known-%1").arg(row.note));
         if (row.isTouched) {
             Q_EMIT Combo(*sheet, 1, text::kComRate)->activated(2);
         }
@@ -188,7 +187,6 @@ TEST_F(ComPortTest, FindsTheRateWithoutAConnection)
     EXPECT_EQ(Combo(*sheet, 0, text::kComRate)->currentText(), QStringLiteral("38400"));
     EXPECT_EQ(Combo(*sheet, 0, text::kComFlow)->currentText(), QStringLiteral("CTS"));
     QApplication::processEvents(); // which takes the strip of the wait away
-    KeepPicture(*sheet, QStringLiteral("com-found"));
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(0), L"38400-8-None-1-CTS");

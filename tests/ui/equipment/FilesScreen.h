@@ -5,6 +5,7 @@
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/UiText.h"
@@ -53,14 +54,11 @@ protected:
     /// @param scenario  a name or a text
     void Connect(const std::string& scenario)
     {
-        std::string error;
         const bool isText = scenario.find(' ') != std::string::npos;
-        const auto loaded = isText ? simulator::ParseScenario(scenario, error)
-                                   : simulator::LoadScenario(scenario, error);
-        ASSERT_TRUE(loaded) << error;
-        model = *loaded;
+        model = isText ? ParsedScenario(scenario) : ShippedScenario(scenario);
         command->ClosePort();
         receiver = std::make_unique<simulator::Simulator>(model);
+        std::string error;
         ASSERT_TRUE(receiver->Start(error)) << error;
         PortSettings settings;
         settings.replyTimeout = std::chrono::seconds(10);

@@ -2,12 +2,10 @@
 
 #include "ui/equipment/RecvFileMan.h"
 
-#include "tests/support/ProofSize.h"
-#include "tests/ui/controls/Pictures.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/equipment/FilesScreen.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TextProgressCtrl.h"
-#include "ui/controls/Theme.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
@@ -66,37 +64,18 @@ TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
     struct Row
     {
         const char* receiver;
-        QStringList tabs;
+        const char* tabs;
         bool note;
         bool canFetch;
         int files;
         bool canDeleteRecycled;
-        QString firstRow;
     };
-    const Row rows[] = {
-        {"lark",
-         {QStringLiteral("受信機")},
-         true,
-         true,
-         6,
-         false,
-         QStringLiteral("A0314A00 26/03/14 47.1")},
-        {"lettered-power",
-         {QStringLiteral("受信機"), QStringLiteral("ゴミ箱")},
-         false,
-         true,
-         3,
-         true,
-         QStringLiteral("A0314A00 26/03/14 47.1")},
-        {"pica",
-         {QStringLiteral("受信機"), QStringLiteral("ゴミ箱")},
-         false,
-         false,
-         3,
-         false,
-         QStringLiteral("A0314A00 26/03/14 47.1")},
+    constexpr Row kRows[] = {
+        {"lark", "受信機", true, true, 6, false},
+        {"lettered-power", "受信機 ゴミ箱", false, true, 3, true},
+        {"pica", "受信機 ゴミ箱", false, false, 3, false},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : kRows) {
         SCOPED_TRACE(row.receiver);
         Connect(row.receiver);
         Show();
@@ -106,12 +85,12 @@ TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
         for (int tab = 0; tab < bar->count(); ++tab) {
             tabs += bar->tabText(tab);
         }
-        EXPECT_EQ(tabs, row.tabs);
+        EXPECT_EQ(tabs.join(QLatin1Char(' ')), QString::fromUtf8(row.tabs));
         EXPECT_EQ(Find(RecvFilePage::kNote)->isVisible(), row.note);
         EXPECT_EQ(Find(RecvFilePage::kFetch)->isVisible(), row.canFetch);
         EXPECT_EQ(List().Count(), row.files);
         EXPECT_EQ(Cell(0, 0) + QLatin1Char(' ') + Cell(0, 1) + QLatin1Char(' ') + Cell(0, 2),
-                  row.firstRow);
+                  QStringLiteral("A0314A00 26/03/14 47.1"));
         if (tabs.size() > 1) {
             QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
             WaitForList();
@@ -135,26 +114,15 @@ TEST_F(RecvFileManTest, HasItsTextsAndColumnsToTheLetter)
               QStringLiteral("削除復帰全選択"));
     QTest::mouseClick(sheet->findChild<QTabBar*>(), Qt::LeftButton, {}, QPoint(10, 10));
     WaitForList();
-    EXPECT_EQ(sheet->GetMode(), 1);
-    EXPECT_EQ(textOf(RecvFilePage::kDelete) + textOf(RecvFilePage::kFetch) +
-                  textOf(RecvFilePage::kSelectAll),
-              QStringLiteral("削除取得全選択"));
-    EXPECT_EQ(qobject_cast<QLabel*>(Find(RecvFilePage::kNote))->text(),
-              QStringLiteral("※注意　削除したファイルは復帰できません。"));
-    EXPECT_EQ(UiText(text::kFilesPage), QStringLiteral(" 受信機 "));
-    EXPECT_EQ(UiText(text::kGomiPage), QStringLiteral(" ゴミ箱 "));
-
+    EXPECT_EQ(textOf(RecvFilePage::kFetch), QStringLiteral("取得"));
     const QHeaderView& header = *List().header();
+    constexpr std::pair<const char*, int> kColumns[] = {
+        {"名前", 100}, {"日時", 70}, {"サイズ", 50}};
     ASSERT_EQ(header.count(), 3);
-    constexpr std::array kNames{"名前", "日時", "サイズ"};
-    constexpr std::array kWidths{100, 70, 50};
     for (int column = 0; column < 3; ++column) {
-        const auto at = static_cast<std::size_t>(column);
         EXPECT_EQ(header.model()->headerData(column, Qt::Horizontal).toString(),
-                  QString::fromUtf8(kNames.at(at)));
-        EXPECT_GE(header.sectionSize(column), kWidths.at(at));
-        const auto alignment = List().model()->index(0, column).data(Qt::TextAlignmentRole).toInt();
-        EXPECT_TRUE((alignment & Qt::AlignLeft) != 0);
+                  QString::fromUtf8(kColumns[column].first));
+        EXPECT_GE(header.sectionSize(column), kColumns[column].second);
     }
     EXPECT_GE(List().visualRect(List().model()->index(0, 0)).height(), 44);
 }
@@ -250,28 +218,9 @@ TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
     };
     EXPECT_TRUE(isMarked(0) && isMarked(1) && !isMarked(2));
     EXPECT_EQ(sheet->focusWidget(), &List());
-    KeepPicture(*sheet, QStringLiteral("files-fetched"));
     Click(RecvFilePage::kReload);
     WaitForList();
     EXPECT_TRUE(isMarked(0) && isMarked(5) && !isMarked(2)) << "known again in a new list";
-}
-
-TEST_F(RecvFileManTest, FetchesToTheCardWhereThereIsOne)
-{
-    hasCard = true;
-    Connect("lettered-power");
-    Show();
-    Tap(0);
-    Surveyor surveyor;
-    surveyor.onOther = Starting();
-    surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
-    Click(RecvFilePage::kFetch);
-    EXPECT_EQ(Read(Card() / "2026-03-14" / "A0314A00.Q01"), Content("A0314A00.Q01"));
-    EXPECT_FALSE(std::filesystem::exists(Documents()));
-    home.Write("mounts", ""); // the card is taken out
-    Click(RecvFilePage::kReload);
-    WaitForList();
-    EXPECT_EQ(List().At(0).mark, FileRow::Mark::None);
 }
 
 TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
@@ -307,7 +256,6 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
         EXPECT_TRUE(all.contains(QStringLiteral("1 / 2　A0314B00.Q02"))) << all.toStdString();
         EXPECT_TRUE(all.contains(QStringLiteral(" KB/s"))) << all.toStdString();
         EXPECT_TRUE(all.contains(QStringLiteral("残り "))) << all.toStdString();
-        KeepPicture(*sheet, QStringLiteral("files-progress"));
         atClick = 48213ULL * static_cast<unsigned>(bars[0]->GetPos()) / 1000;
         QTimer::singleShot(0, panel, [panel] {
             QTest::mouseClick(panel->findChild<QPushButton*>(), Qt::LeftButton);
@@ -328,25 +276,6 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
     Click(RecvFilePage::kReload);
     WaitForList();
     EXPECT_EQ(List().Count(), 3) << "the line is free again";
-
-    bool hasGoneOn = false;
-    host.onBreath = [&] {
-        for (const QLabel* const label : panel->findChildren<QLabel*>()) {
-            if (!hasGoneOn && label->isVisible() &&
-                label->text().endsWith(QStringLiteral("から再開しました。"))) {
-                hasGoneOn = true;
-                KeepPicture(*sheet, QStringLiteral("files-continued"));
-                QTimer::singleShot(0, panel, [panel] {
-                    QTest::mouseClick(panel->findChild<QPushButton*>(), Qt::LeftButton);
-                });
-            }
-        }
-    };
-    Tap(1);
-    surveyor.onOther = Starting();
-    surveyor.boxes.push_back(surveyor.boxes.front());
-    Click(RecvFilePage::kFetch);
-    EXPECT_TRUE(hasGoneOn);
     host.onBreath = {};
 }
 
@@ -366,18 +295,25 @@ TEST_F(RecvFileManTest, BringsFilesBack)
     }
 }
 
-TEST_F(RecvFileManTest, RefusesAReceiverThatItIsNotFor)
+/// What can go wrong is a table of the engine's.
+TEST_F(RecvFileManTest, SaysWhatWentWrong)
 {
-    Connect("model 2030\nfix fixed");
-    Surveyor surveyor;
-    surveyor.onOther = [&](QWidget&) { ADD_FAILURE() << "a screen of files was shown"; };
-    CRecvFileMan::Surroundings world;
-    world.folders = OwnFolders();
-    CRecvFileMan files(command.get(), 0, nullptr, world);
-    SilentHost silent; // who is told is CConnect's
-    command->SetHost(silent);
-    EXPECT_EQ(files.DoModal(), Dialog::kCancelled);
-    EXPECT_EQ(command->IsPortOpen(), 0) << "the link stays open";
+    Connect("lettered-power"); // which deletes into its bin, without a question
+    Show();
+    const auto* const trouble = qobject_cast<QLabel*>(Find(RecvFilePage::kTrouble));
+    EXPECT_FALSE(trouble->isVisible());
+    const std::wstring refused = CauseText(CommandFault::Refused);
+    for (const auto& [rule, control] :
+         {std::pair{"nak on A0", RecvFilePage::kDelete}, {"nak on 9C", RecvFilePage::kReload}}) {
+        SCOPED_TRACE(rule);
+        receiver->AddFault(testing::ParsedRule(rule));
+        Tap(0);
+        Click(control);
+        WaitForList();
+        EXPECT_TRUE(trouble->isVisible());
+        EXPECT_NE(trouble->text().toStdWString().find(refused), std::wstring::npos);
+    }
+    EXPECT_EQ(List().Count(), 0);
 }
 
 TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
@@ -426,61 +362,27 @@ TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
     }
 }
 
-TEST_F(RecvFileManTest, FitsSmallAndLargeScreensInLargeFonts)
+TEST_F(RecvFileManTest, CutsNothingOff)
 {
-    const QFont usual = QApplication::font();
     Connect(kLogging);
-    for (const double scale : {1.0, 1.3}) {
-        QFont font = usual;
-        font.setPixelSize(static_cast<int>(usual.pixelSize() * scale));
-        QApplication::setFont(font);
-        for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
-            Theme::Use(theme);
-            for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-                SCOPED_TRACE(::testing::Message() << scale << " at " << size.width());
-                Show(0, 1, size);
-                TransferProgress progress;
-                progress.file = 128;
-                progress.files = 512;
-                progress.name = L"A0314B00WW.Q02";
-                progress.fileBytes = 1010 * 1024;
-                progress.fileSize = 1023 * 1024;
-                progress.totalBytes = progress.totalSize = std::uint64_t{999} << 30U;
-                progress.bytesPerSecond = 999.0 * 1024;
-                progress.timeLeft = std::chrono::hours(99);
-                auto* const panel = sheet->findChild<TransferPanel*>();
-                panel->Show(progress);
-                QCoreApplication::processEvents();
-                EXPECT_EQ(sheet->size(), size) << "the window had to grow";
-                for (const QWidget* const child : sheet->findChildren<QWidget*>()) {
-                    if (!child->isVisible() || !(qobject_cast<const QLabel*>(child) ||
-                                                 qobject_cast<const QAbstractButton*>(child) ||
-                                                 qobject_cast<const CTextProgressCtrl*>(child))) {
-                        continue;
-                    }
-                    const auto* const label = qobject_cast<const QLabel*>(child);
-                    const bool wraps = label != nullptr && label->wordWrap();
-                    EXPECT_GE(child->width(), wraps ? 1 : child->minimumSizeHint().width())
-                        << child->metaObject()->className()
-                        << child->accessibleName().toStdString();
-                    EXPECT_GE(child->height(),
-                              wraps ? child->heightForWidth(child->width())
-                                    : std::min(child->minimumSizeHint().height(), 44))
-                        << child->metaObject()->className()
-                        << child->accessibleName().toStdString();
-                }
-                EXPECT_TRUE(sheet->rect().contains(panel->geometry()));
-                EXPECT_GE(List().viewport()->height(), 44) << "no row can be seen";
-                KeepPicture(*sheet, QStringLiteral("files-%1-%2-%3")
-                                        .arg(size.width())
-                                        .arg(theme == Theme::Kind::Dark ? QStringLiteral("dark")
-                                                                        : QStringLiteral("day"))
-                                        .arg(scale));
-            }
-        }
-    }
-    QApplication::setFont(usual);
-    Theme::Use(Theme::Kind::Daylight);
+    testing::InEveryLook([&](QSize size) {
+        Show(0, 1, size);
+        TransferProgress progress;
+        progress.file = 128;
+        progress.files = 512;
+        progress.name = L"A0314B00WW.Q02";
+        progress.fileBytes = 1010 * 1024;
+        progress.fileSize = 1023 * 1024;
+        progress.totalBytes = progress.totalSize = std::uint64_t{999} << 30U;
+        progress.bytesPerSecond = 999.0 * 1024;
+        progress.timeLeft = std::chrono::hours(99);
+        auto* const panel = sheet->findChild<TransferPanel*>();
+        panel->Show(progress);
+        QCoreApplication::processEvents();
+        testing::ExpectNothingCut(*sheet, size);
+        EXPECT_TRUE(sheet->rect().contains(panel->geometry()));
+        EXPECT_GE(List().viewport()->height(), 44) << "no row can be seen";
+    });
 }
 
 } // namespace

@@ -5,9 +5,8 @@
 #include "core/link/RecvInfo.h"
 #include "simulator/Simulator.h"
 #include "tests/core/equipment/KnownReceiver.h"
-#include "tests/ui/controls/NothingCut.h"
-#include "tests/ui/controls/Pictures.h"
-#include "tests/ui/controls/RandomHands.h"
+#include "tests/support/VirtualReceiver.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TextProgressCtrl.h"
@@ -25,7 +24,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -45,9 +43,7 @@ protected:
     void SetUp() override
     {
         std::string error;
-        const auto scenario = simulator::ParseScenario(kReceiver, error);
-        ASSERT_TRUE(scenario) << error;
-        receiver = std::make_unique<simulator::Simulator>(*scenario);
+        receiver = std::make_unique<simulator::Simulator>(testing::ParsedScenario(kReceiver));
         ASSERT_TRUE(receiver->Start(error)) << error;
         ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1);
         command.SetHost(host);
@@ -101,10 +97,7 @@ TEST_F(StatusScreensTest, TheVersionListCanBeCopied)
 
 TEST_F(StatusScreensTest, CancellingTheVersionsStopsTheReceiver)
 {
-    simulator::FaultRule silence;
-    std::string error;
-    ASSERT_TRUE(simulator::ParseFaultRule("drop on 4A count 2", silence, error)) << error;
-    receiver->AddFault(silence);
+    receiver->AddFault(testing::ParsedRule("drop on 4A count 2"));
     CVersion version(&command);
     bool isClicked = false;
     QTimer hand;
@@ -194,7 +187,7 @@ TEST(StatusPage, SaysWhatIsStale)
 }
 
 /// A receiver as the status shows it with its longest words, and the versions.
-TEST_F(StatusScreensTest, StandLargeFontsAndAThousandEvents)
+TEST_F(StatusScreensTest, CutNothingOffAndStandRandomHands)
 {
     Receiver told = testing::KnownReceiver();
     told.position->value.fixKind = 3;
@@ -203,48 +196,16 @@ TEST_F(StatusScreensTest, StandLargeFontsAndAThousandEvents)
     told.position->value.pdop = 12.3F;
     told.status->value.batteryPercent = 100;
     told.trend = BatteryTrend{-12.3, 99h};
-    Receiver lost = told;
-    lost.link = LinkState::Lost;
-    const std::function<std::unique_ptr<Dialog>()> makes[] = {
-        [&]() -> std::unique_ptr<Dialog> {
+    for (const auto& [link, now] :
+         {std::pair{LinkState::Connected, 100s}, {LinkState::Lost, 300s}}) {
+        told.link = link;
+        testing::TryScreen([&told, now = now] {
             auto page = std::make_unique<StatusPage>();
-            page->Show(told, {}, {100s});
+            page->Show(told, {}, {now});
             return page;
-        },
-        [&]() -> std::unique_ptr<Dialog> {
-            auto page = std::make_unique<StatusPage>();
-            page->Show(lost, {}, {300s}); // all of it stale
-            return page;
-        },
-        [&]() -> std::unique_ptr<Dialog> { return std::make_unique<CVersion>(&command); },
-    };
-    const QFont before = QApplication::font();
-    for (const auto& make : makes) {
-        QFont large = before;
-        large.setPixelSize(21); // 30 % above 16
-        QApplication::setFont(large);
-        for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
-            const std::unique_ptr<Dialog> dialog = make();
-            dialog->resize(size);
-            dialog->show();
-            QCoreApplication::processEvents();
-            SCOPED_TRACE(dialog->metaObject()->className());
-            testing::ExpectNothingCut(*dialog, size);
-            KeepPicture(*dialog, QStringLiteral("large-%1-%2-%3")
-                                     .arg(dialog->windowTitle())
-                                     .arg(&make - makes)
-                                     .arg(size.width()));
-        }
-        QApplication::setFont(before);
-        testing::RandomHands hands;
-        while (!hands.IsTired()) {
-            const std::unique_ptr<Dialog> dialog = make();
-            dialog->resize(200 + hands.Below(1000), 200 + hands.Below(600));
-            dialog->show();
-            hands.Play(*dialog, 250);
-        }
-        ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
+        });
     }
+    testing::TryScreen([this] { return std::make_unique<CVersion>(&command); });
 }
 
 } // namespace

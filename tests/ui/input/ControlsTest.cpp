@@ -2,12 +2,10 @@
 
 #include "core/input/Check.h"
 #include "core/input/Parts.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
-#include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/WidgetFocus.h"
@@ -71,43 +69,32 @@ TEST(Check, StandsOverItsDialogAndGoesBackToTheControl)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
-            Theme::Use(theme);
-            InputDlg dialog(host);
-            dialog.height->setText(row.height);
-            dialog.azimuth->setText(row.azimuth);
-            dialog.resize(480, 640);
-            dialog.show();
-            ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
-            (row.isHeight ? dialog.azimuth : dialog.height)->setFocus();
-            QString told;
-            QTimer watch;
-            QObject::connect(&watch, &QTimer::timeout, [&] {
-                if (auto* const box =
-                        qobject_cast<MessageDlg*>(QApplication::activeModalWidget())) {
-                    told = box->accessibleDescription();
-                    EXPECT_EQ(box->parentWidget(), &dialog);
-                    const QString name =
-                        QStringLiteral("check-%1-%2")
-                            .arg(row.isHeight ? QStringLiteral("number") : QStringLiteral("angle"))
-                            .arg(static_cast<int>(theme));
-                    KeepPicture(dialog, *box, name);
-                    QTest::keyClick(box, Qt::Key_Return);
-                }
-            });
-            watch.start(5);
-            dialog.Close(Dialog::kOk);
-            EXPECT_EQ(told.toStdString(),
-                      (row.text != 0 ? UiText(row.text) : QString()).toStdString());
-            EXPECT_EQ(dialog.isVisible(), row.text != 0);
-            if (row.text != 0) {
-                QLineEdit* const wrong = row.isHeight ? dialog.height : dialog.azimuth;
-                EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.focusWidget() == wrong; }, 1000));
-                EXPECT_EQ(wrong->selectedText(), wrong->text()) << "to be typed over";
+        InputDlg dialog(host);
+        dialog.height->setText(row.height);
+        dialog.azimuth->setText(row.azimuth);
+        dialog.resize(480, 640);
+        dialog.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        (row.isHeight ? dialog.azimuth : dialog.height)->setFocus();
+        QString told;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            if (auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget())) {
+                told = box->accessibleDescription();
+                EXPECT_EQ(box->parentWidget(), &dialog);
+                QTest::keyClick(box, Qt::Key_Return);
             }
+        });
+        watch.start(5);
+        dialog.Close(Dialog::kOk);
+        EXPECT_EQ(told.toStdString(), (row.text != 0 ? UiText(row.text) : QString()).toStdString());
+        EXPECT_EQ(dialog.isVisible(), row.text != 0);
+        if (row.text != 0) {
+            QLineEdit* const wrong = row.isHeight ? dialog.height : dialog.azimuth;
+            EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.focusWidget() == wrong; }, 1000));
+            EXPECT_EQ(wrong->selectedText(), wrong->text()) << "to be typed over";
         }
     }
-    Theme::Use(Theme::Kind::Daylight);
 }
 
 TEST(ComboEntries, KeepWhatIsTypedAndSelected)

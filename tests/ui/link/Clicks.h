@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/UiText.h"

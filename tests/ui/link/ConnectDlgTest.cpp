@@ -9,23 +9,18 @@
 #include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/support/ProofSize.h"
+#include "tests/support/VirtualReceiver.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
-#include "ui/controls/Theme.h"
-#include "ui/link/LinkMonitor.h"
 #include "ui/link/RecvForceInitDlg.h"
 
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QProgressBar>
-#include <QRandomGenerator>
-#include <QScrollArea>
-#include <QSignalSpy>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,24 +31,17 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Scenario;
 using simulator::Simulator;
+using testing::ParsedRule;
 
 constexpr int kInfo = text::kMessageIconInformation;
 constexpr int kWarn = text::kMessageIconExclamation;
 constexpr int kAsk = text::kMessageIconQuestion;
-constexpr int kStop = text::kMessageIconStop;
+
 const std::vector<int> kCancelOk{text::kButtonCancel, text::kButtonOk};
 
 ExpectedBox Cable(int click)
 {
     return {L"ケーブルを接続してください", L"ケーブル接続確認", kInfo, kCancelOk, click};
-}
-
-simulator::FaultRule Rule(const std::string& text)
-{
-    simulator::FaultRule rule;
-    std::string error;
-    EXPECT_TRUE(ParseFaultRule(text, rule, error)) << error;
-    return rule;
 }
 
 class ConnectDlgTest : public ::testing::Test
@@ -74,13 +62,7 @@ protected:
         ASSERT_TRUE(receiver->Start(error)) << error;
         target.devicePath = receiver->PortPath();
     }
-    void StartShipped(const std::string& name)
-    {
-        std::string error;
-        const std::optional<Scenario> scenario = simulator::LoadScenario(name, error);
-        ASSERT_TRUE(scenario.has_value()) << error;
-        Start(*scenario);
-    }
+    void StartShipped(const std::string& name) { Start(testing::ShippedScenario(name)); }
 
     FastClock clock{100.0};
     QWidget window;
@@ -92,7 +74,6 @@ protected:
 
 TEST_F(ConnectDlgTest, AsksAndConnectsByClicks)
 {
-    const std::wstring power = L"受信機の電源を入れてください。\nBluetoothで通信を行います。";
     const std::wstring lost = L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？";
     const std::vector<int> cancelRetry{text::kButtonCancel, text::kButtonRetry};
     struct Row
@@ -108,16 +89,6 @@ TEST_F(ConnectDlgTest, AsksAndConnectsByClicks)
         {"cable", 1, 0, Cable(text::kButtonOk), Connected},
         {"Enter goes on", 1, 1, Cable(0), Connected},
         {"no cable", 1, 0, Cable(text::kButtonCancel), NotConnected},
-        {"Bluetooth",
-         5,
-         0,
-         {power, L"受信機電源確認", kInfo, kCancelOk, text::kButtonOk},
-         Connected},
-        {"Bluetooth back",
-         5,
-         1,
-         {lost, L"通信エラー検出", kAsk, cancelRetry, text::kButtonRetry},
-         Connected},
         {"Bluetooth given up",
          5,
          1,
@@ -145,67 +116,6 @@ TEST_F(ConnectDlgTest, AsksAndConnectsByClicks)
     }
 }
 
-TEST_F(ConnectDlgTest, WarnsOfReceiversByClicks)
-{
-    const std::vector<int> ok{text::kButtonOk};
-    struct Row
-    {
-        const char* scenario;
-        bool flagged;
-        std::vector<ExpectedBox> boxes;
-        int accepted;
-    };
-    const Row rows[] = {
-        {"lark", true, {}, 1},
-        {"lark",
-         false,
-         {{L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。",
-           L"未対応受信機タイプ警告", kWarn, ok, text::kButtonOk}},
-         0},
-        {"unsupported",
-         true,
-         {{L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。", L"未対応受信機タイプ警告",
-           kWarn, ok, text::kButtonOk}},
-         0},
-        {"old-firmware",
-         true,
-         {{L"[ 3020 ]受信機対応ファームウェアは[ 2.03 ]以上です。\n[ 2.03 "
-           L"]未満の受信機ファームウェアへのサポートは行っておりません。"
-           L"\nファームウェアをバージョンアップしてください。",
-           L"受信機未対応バージョン警告", kWarn, ok, text::kButtonOk}},
-         0},
-        {"beta-firmware",
-         true,
-         {{L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\nバージョンアップし"
-           L"てから行ってください。",
-           L"受信機未対応バージョン警告", kWarn, ok, text::kButtonOk}},
-         1},
-        {"silent",
-         true,
-         {{L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 "
-           L"]などが出力されています。\n出力信号を停止させ、再度指定ポートへ接続してください。",
-           L"通信ポート接続エラー", kStop, ok, text::kButtonOk}},
-         0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.scenario);
-        StartShipped(row.scenario);
-        PortSettings settings = target.settings;
-        if (std::string_view(row.scenario) == "silent") {
-            settings.replyTimeout = 2s; // here the time-out is waited for
-        }
-        ASSERT_EQ(command.OpenPort(target.devicePath, settings), 1);
-        Surveyor surveyor;
-        surveyor.boxes = row.boxes;
-        ConnectDlg dialog(command, 0, target, &window);
-        if (row.flagged) {
-            dialog.SupportAllTypes();
-        }
-        EXPECT_EQ(dialog.CheckRecvType(), row.accepted);
-        command.ClosePort();
-    }
-}
-
 TEST_F(ConnectDlgTest, AFailureShowsStepCauseAndDetail)
 {
     struct Row
@@ -228,7 +138,7 @@ TEST_F(ConnectDlgTest, AFailureShowsStepCauseAndDetail)
         if (fault.empty()) {
             target.devicePath = "/dev/no-such-port";
         } else {
-            scenario.faults = {Rule(fault)};
+            scenario.faults = {ParsedRule(fault)};
             Start(scenario);
         }
         Surveyor surveyor;
@@ -282,7 +192,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         scenario.checksRate = row.offered;
         scenario.baudRate = 9600;
         if (*row.fault != '\0') {
-            scenario.faults = {Rule(row.fault)};
+            scenario.faults = {ParsedRule(row.fault)};
         }
         receiver = std::make_unique<Simulator>(scenario);
         std::string error;
@@ -296,7 +206,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
             if (dialog.CloseButton()->isVisible() && !std::exchange(searched, true)) {
                 EXPECT_EQ(dialog.SearchButton()->isVisible(), row.offered);
                 EXPECT_TRUE(keptRates.empty());
-                KeepPicture(dialog, QStringLiteral("connect-search-offered"));
                 // The surveyor's own timer does not run while it is here.
                 constexpr auto kSoon = 20ms;
                 QTimer::singleShot(kSoon, &dialog, [&dialog, &row] {
@@ -304,7 +213,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
                         return;
                     }
                     EXPECT_FALSE(dialog.CloseButton()->isVisible());
-                    KeepPicture(dialog, QStringLiteral("connect-searching"));
                     if (row.text == text::kComSearchCancelled) {
                         QTest::mouseClick(dialog.CancelButton(), Qt::LeftButton);
                     }
@@ -314,7 +222,6 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
                 if (row.offered) {
                     EXPECT_EQ(dialog.accessibleDescription().toStdWString(),
                               FormatText(row.text, 9600L));
-                    KeepPicture(dialog, QStringLiteral("connect-searched-%1").arg(row.text));
                     QTest::keyClick(&dialog, Qt::Key_Return);
                 }
             }
@@ -374,7 +281,7 @@ TEST_F(ConnectDlgTest, CancelsInEachStep)
           Row{"drop on 06", 4, true}, Row{"drop on 06 skip 3", 4, false}}) {
         SCOPED_TRACE(row.fault);
         Scenario scenario;
-        scenario.faults = {Rule(row.fault)};
+        scenario.faults = {ParsedRule(row.fault)};
         Start(scenario);
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};
@@ -429,61 +336,6 @@ TEST_F(ConnectDlgTest, ACancelWhileThePortOpensCounts)
     EXPECT_LE(receiver->RequestCount(), 1U);
 }
 
-TEST_F(ConnectDlgTest, CutsNothingOff)
-{
-    const QFont before = QApplication::font();
-    struct Row
-    {
-        QSize size;
-        Theme::Kind theme;
-        int font; // px; 21 is 30 % above the usual
-        const char* name;
-    };
-    for (const Row& row : {Row{{480, 640}, Theme::Kind::Daylight, 16, "480-daylight"},
-                           Row{{480, 640}, Theme::Kind::Dark, 21, "480-dark-large"},
-                           Row{{1280, 800}, Theme::Kind::Daylight, 16, "1280-daylight"},
-                           Row{{1280, 800}, Theme::Kind::Dark, 16, "1280-dark"}}) {
-        SCOPED_TRACE(row.name);
-        QFont font = before;
-        font.setPixelSize(row.font);
-        QApplication::setFont(font);
-        Theme::Use(row.theme);
-        window.resize(row.size);
-        Scenario scenario;
-        scenario.faults = {Rule("delay 20000 on 4A count 1"), Rule("hang-up on 06 skip 1")};
-        Start(scenario);
-        Surveyor surveyor;
-        surveyor.boxes = {Cable(text::kButtonOk)};
-        const QString name = QString::fromLatin1(row.name);
-        int seen = 0;
-        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
-            const auto check = [&](const QPushButton* button, const char* state) {
-                EXPECT_LE(dialog.width(), row.size.width());
-                EXPECT_LE(dialog.height(), row.size.height());
-                EXPECT_TRUE(dialog.rect().contains(button->geometry())) << state;
-                EXPECT_GE(button->height(), 44);
-                KeepPicture(dialog, QStringLiteral("connect-") + QString::fromLatin1(state) + name);
-            };
-            if (dialog.IsRunning(ConnectStep::ReadOptions) && seen == 0) {
-                seen = 1;
-                check(dialog.CancelButton(), "running-");
-            } else if (dialog.CloseButton()->isVisible()) {
-                ++seen;
-                check(dialog.CloseButton(), "failed-");
-                QTest::keyClick(dialog.DetailButton(), Qt::Key_Space);
-                QCoreApplication::processEvents();
-                check(dialog.CloseButton(), "detail-");
-                QTest::keyClick(&dialog, Qt::Key_Escape);
-            }
-        };
-        ConnectDlg dialog(command, 0, target, &window);
-        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
-        EXPECT_EQ(seen, 2);
-    }
-    QApplication::setFont(before);
-    Theme::Use(Theme::Kind::Daylight);
-}
-
 /// Nothing but clicks on what says so may reset a receiver.
 TEST_F(ConnectDlgTest, ForceInitNeedsTwoClicks)
 {
@@ -535,80 +387,66 @@ TEST_F(ConnectDlgTest, ForceInitNeedsTwoClicks)
     }
 }
 
-TEST_F(ConnectDlgTest, ComesBackAfterAnUnplug)
+TEST_F(ConnectDlgTest, CutsNothingOff)
 {
-    StartShipped("lark");
-    ReceiverLink link(command);
-    LinkMonitor monitor(command, link);
-    const QSignalSpy changed(&monitor, &LinkMonitor::Changed);
-    {
+    testing::InEveryLook([&](QSize size) {
+        window.resize(size);
+        Scenario scenario;
+        scenario.faults = {ParsedRule("delay 20000 on 4A count 1"),
+                           ParsedRule("hang-up on 06 skip 1")};
+        Start(scenario);
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};
+        int seen = 0;
+        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
+            if (dialog.IsRunning(ConnectStep::ReadOptions) && seen == 0) {
+                seen = 1;
+                testing::ExpectNothingCut(dialog, dialog.size());
+            } else if (dialog.CloseButton()->isVisible()) {
+                ++seen;
+                testing::ExpectNothingCut(dialog, dialog.size());
+                QTest::keyClick(dialog.DetailButton(), Qt::Key_Space);
+                QCoreApplication::processEvents();
+                testing::ExpectNothingCut(dialog, dialog.size());
+                EXPECT_TRUE(QRect(QPoint(), size).contains(QRect(QPoint(), dialog.size())));
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+            }
+        };
         ConnectDlg dialog(command, 0, target, &window);
-        dialog.SupportAllTypes();
-        ASSERT_EQ(link.Connect(dialog, target), 1);
-    }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.Heard().status.has_value(); }, 30000));
-    receiver->HangUp();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Lost; }, 30000));
-    ASSERT_TRUE(receiver->Plug());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.State() == LinkState::Connected; }, 30000));
-    EXPECT_GE(changed.count(), 5);
+        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+        EXPECT_EQ(seen, 2);
+    });
 }
 
-/// A thousand things that hands in gloves do, in an order that nobody thought of.
 TEST_F(ConnectDlgTest, StandsAThousandRandomEvents)
 {
     Scenario scenario;
-    scenario.faults = {Rule("nak every 7"), Rule("delay 5000 every 5")};
+    scenario.faults = {ParsedRule("nak every 7"), ParsedRule("delay 5000 every 5")};
     Start(scenario);
-    const int most = testing::ProofSize("FIELDCORE_HANDS", 1000);
-    QRandomGenerator random(testing::Seed());
-    int events = 0;
-    QTimer hands;
-    const auto act = [&] {
+    testing::RandomHands hands;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, &tick, [&hands] {
         QWidget* const front = QApplication::activeModalWidget();
-        if (front == nullptr) {
-            return;
+        if (front != nullptr && hands.IsTired()) {
+            front->close();
+        } else if (front != nullptr) {
+            hands.Play(*front, 1);
         }
-        ++events;
-        constexpr Qt::Key kKeys[] = {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Space,
-                                     Qt::Key_Down,   Qt::Key_F1,     Qt::Key_C,   Qt::Key_Backtab};
-        switch (random.bounded(3)) {
-        case 0:
-            QTest::keyClick(front, kKeys[random.bounded(8)],
-                            random.bounded(4) == 0 ? Qt::AltModifier : Qt::NoModifier);
-            break;
-        case 1:
-            QTest::mouseClick(front, Qt::LeftButton, {},
-                              {random.bounded(front->width()), random.bounded(front->height())});
-            break;
-        default:
-            if (const auto buttons = front->findChildren<QPushButton*>(); !buttons.isEmpty()) {
-                QTest::mouseClick(buttons[random.bounded(buttons.size())], Qt::LeftButton);
-            }
-        }
-    };
-    QObject::connect(&hands, &QTimer::timeout, &hands, act);
-    hands.start(0);
-    int runs = 0;
-    while (events < most && runs < most) {
-        ++runs;
-        if (runs % 2 == 0) {
+    });
+    tick.start(1);
+    while (!hands.IsTired()) {
+        {
             RecvForceInitDlg dialog(command, target, &window);
             dialog.DoModal();
             EXPECT_EQ(command.IsPortOpen(), 0);
-        } else {
-            ConnectDlg dialog(command, 0, target, &window);
-            const int result = dialog.DoModal();
-            EXPECT_EQ(command.IsPortOpen() == 1, result == CConnect::Connected);
         }
+        ConnectDlg dialog(command, 0, target, &window);
+        const int result = dialog.DoModal();
+        EXPECT_EQ(command.IsPortOpen() == 1, result == CConnect::Connected);
         ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
         ASSERT_FALSE(command.IsBusy());
         command.ClosePort();
     }
-    EXPECT_GE(events, most) << runs;
-    testing::Measured(events, "events");
 }
 
 } // namespace

@@ -2,9 +2,7 @@
 
 #include "simulator/Scenario.h"
 #include "tests/core/platform/TemporaryFolder.h"
-#include "tests/support/ProofSize.h"
-#include "tests/ui/controls/Pictures.h"
-#include "ui/controls/Theme.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "ui/controls/UiText.h"
 
 #include <QApplication>
@@ -13,7 +11,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRandomGenerator>
 #include <QTest>
 
 #include <filesystem>
@@ -169,16 +166,6 @@ TEST_F(PortChooserTest, TakesWhatIsTypedAndSaysWhatIsWrong)
         EXPECT_EQ(List()->currentRow(), row.isSimulator ? 0 : -1);
     }
     Type(QStringLiteral("nonsense"));
-    for (const Theme::Kind theme : {Theme::Kind::Dark, Theme::Kind::Daylight}) {
-        Theme::Use(theme);
-        QCoreApplication::processEvents(); // which tell the widgets
-        for (const QLabel* const label : dialog->findChildren<QLabel*>()) {
-            if (label->text() == UiText(text::kPortNameFault)) {
-                EXPECT_EQ(label->palette().color(QPalette::WindowText), Theme::Current().bad);
-            }
-        }
-        EXPECT_EQ(List()->item(0)->foreground().color(), Theme::Current().text);
-    }
     QTest::keyClick(Name(), Qt::Key_Return);
     EXPECT_TRUE(dialog->isVisible()) << "left with a name that is none";
 }
@@ -205,90 +192,13 @@ TEST_F(PortChooserTest, GivesTheChoiceBackAsItCame)
     EXPECT_EQ(dialog->Choice(), (ConnectChoice{"sim:", 57600}));
 }
 
-TEST_F(PortChooserTest, StandsAThousandRandomEvents)
-{
-    Plug("ttyUSB0", "Field Cable");
-    Show({});
-    QRandomGenerator random(testing::Seed());
-    const int most = testing::ProofSize("FIELDCORE_HANDS", 1000);
-    testing::Measured(most, "events");
-    for (int i = 0; i < most; ++i) {
-        if (!dialog->isVisible()) {
-            dialog->show();
-        }
-        QWidget* const focus = dialog->focusWidget();
-        switch (random.bounded(5)) {
-        case 0:
-            QTest::keyClick(focus != nullptr ? focus : dialog.get(),
-                            static_cast<char>(random.bounded(0x20, 0x7F)));
-            break;
-        case 1: {
-            constexpr Qt::Key kKeys[] = {Qt::Key_Return, Qt::Key_Tab,  Qt::Key_Down,
-                                         Qt::Key_Up,     Qt::Key_Home, Qt::Key_Backspace};
-            QTest::keyClick(focus != nullptr ? focus : dialog.get(), kKeys[random.bounded(6)]);
-            break;
-        }
-        case 2:
-            List()->setFocus();
-            QTest::mouseClick(List()->viewport(), Qt::LeftButton, {},
-                              {random.bounded(400), random.bounded(300)});
-            break;
-        case 3:
-            if (fs::exists(Device("ttyUSB0"))) {
-                Unplug("ttyUSB0");
-            } else {
-                Plug("ttyUSB0", "Field Cable");
-            }
-            break;
-        default:
-            dialog->Chooser()->Refresh();
-        }
-    }
-    dialog->Chooser()->Refresh();
-    EXPECT_EQ(List()->count(), fs::exists(Device("ttyUSB0")) ? 2 : 1);
-    Type(QStringLiteral("COM1"));
-    EXPECT_EQ(dialog->Chooser()->Choice()->port, "COM1");
-}
-
-TEST_F(PortChooserTest, CutsNothingOff)
+TEST_F(PortChooserTest, CutsNothingOffAndStandsRandomHands)
 {
     Plug("ttyUSB0", "A Field Cable with a Name That Is Longer than Any Name Should Be");
-    Plug("ttyUSB1", "Long Cable");
-    const QFont before = QApplication::font();
-    for (const int size : {16, 21}) { // and 30 % above
-        QFont font = before;
-        font.setPixelSize(size);
-        QApplication::setFont(font);
-        Show({"sim:old-firmware", 38400});
-        QCoreApplication::processEvents();
-        EXPECT_LE(dialog->width(), 480);
-        EXPECT_LE(dialog->height(), 640);
-        EXPECT_TRUE(dialog->rect().contains(Connect()->geometry()));
-        EXPECT_LE(dialog->Chooser()->minimumSizeHint().width(), dialog->width() - 24);
-        for (QWidget* const control : dialog->findChildren<QWidget*>()) {
-            if (qobject_cast<QPushButton*>(control) != nullptr ||
-                qobject_cast<QComboBox*>(control) != nullptr ||
-                qobject_cast<QLineEdit*>(control) != nullptr) {
-                EXPECT_GE(control->height(), 44) << control->metaObject()->className();
-                EXPECT_FALSE(control->accessibleName().isEmpty() && control->inherits("QComboBox"));
-            }
-        }
-        KeepPicture(*dialog, QStringLiteral("ports-480-%1").arg(size));
-    }
-    QApplication::setFont(before);
-    for (const Theme::Kind theme : {Theme::Kind::Daylight, Theme::Kind::Dark}) {
-        Theme::Use(theme);
-        const QString name =
-            theme == Theme::Kind::Dark ? QStringLiteral("dark") : QStringLiteral("daylight");
-        Show({"sim:old-firmware", 38400});
-        KeepPicture(*dialog, QStringLiteral("ports-480-") + name);
-        Type(QStringLiteral("receiver"));
-        KeepPicture(*dialog, QStringLiteral("ports-480-wrong-") + name);
-        dialog->resize(800, 800);
-        window.resize(1280, 800);
-        KeepPicture(*dialog, QStringLiteral("ports-1280-") + name);
-    }
-    Theme::Use(Theme::Kind::Daylight);
+    testing::TryScreen([&] {
+        return std::make_unique<PortChooserDlg>(PortNames(Roots()), Scenarios(),
+                                                ConnectChoice{"sim:old-firmware", 38400}, Roots());
+    });
 }
 
 } // namespace

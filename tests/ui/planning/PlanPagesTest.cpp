@@ -3,7 +3,7 @@
 #include "core/planning/Degrees.h"
 #include "core/platform/Cp932.h"
 #include "simulator/Simulator.h"
-#include "tests/ui/controls/Pictures.h"
+#include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/planning/PlanScreen.h"
 #include "ui/controls/LabelSpin.h"
@@ -102,7 +102,6 @@ TEST_F(PlanPagesTest, SetMaskPeriodAndGraph)
         QTest::keyClick(spins[0], Qt::Key_End); // 23:00
         QTest::keyClick(spins[1], Qt::Key_End); // what is left of the day
         page.findChild<CTComboBox*>()->SelectCode(6);
-        KeepPicture(*page.window(), QStringLiteral("page-set"));
     };
     OnPage<CPlanSet>(change, text::kButtonCancel);
     EXPECT_EQ(plan->Session().Settings(), PlanSettings{}) << "Cancel has changed something";
@@ -119,7 +118,6 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
     Show();
     OnPage<CPlanPos>([&](CPlanPos& page) {
         EXPECT_EQ(page.Chosen(), L"東京都千代田区");
-        KeepPicture(*page.window(), QStringLiteral("page-pos"));
         Enter(page.findChild<QLineEdit*>(), QStringLiteral("大阪"));
         EXPECT_EQ(Shown(page), QStringList{QStringLiteral("大阪府大阪市")});
         EXPECT_EQ(page.Chosen(), L"大阪府大阪市");
@@ -130,7 +128,6 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
             Type(dialog, text::kSiteHeight, QStringLiteral("25"));
             QTest::keyClick(&dialog, Qt::Key_Return);
             EXPECT_TRUE(dialog.isVisible()) << "it was taken";
-            KeepPicture(dialog, QStringLiteral("site-fault"));
             EXPECT_EQ(dynamic_cast<QLineEdit&>(*dialog.focusWidget()).text(),
                       QStringLiteral("36.7000"));
             Type(dialog, text::kSiteLatitude, QStringLiteral("36.3000"));
@@ -199,11 +196,7 @@ TEST_F(PlanPagesTest, ThePlanStaysOnItsSite)
             list->setFocus(Qt::TabFocusReason);
             EXPECT_EQ(page.Chosen(), L"");
             list->setCurrentRow(0);
-            const QList<QLabel*> labels = page.findChildren<QLabel*>();
-            EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-                return label->text().contains(QStringLiteral("経度 --"));
-            }));
-            KeepPicture(*page.window(), QStringLiteral("page-pos-unknown"));
+            EXPECT_TRUE(testing::Says(page, QStringLiteral("経度 --"), true));
         },
         text::kButtonCancel);
     OnPage<CPlanPos>([](CPlanPos&) {});
@@ -216,11 +209,7 @@ TEST_F(PlanPagesTest, TheSitePageKeepsItsChoices)
     plan->SetPositionID(1);
     OnPage<CPlanPos>([](CPlanPos& page) {
         EXPECT_EQ(page.findChild<CTComboBox*>()->SelectCode(1), 1);
-        const QList<QLabel*> labels = page.findChildren<QLabel*>();
-        EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->text().contains(QStringLiteral("35.69388889°"));
-        }));
-        KeepPicture(*page.window(), QStringLiteral("page-pos-decimal"));
+        EXPECT_TRUE(testing::Says(page, QStringLiteral("35.69388889°"), true));
     });
     EXPECT_EQ(plan->GetListCoordData(), 1);
     EXPECT_EQ(plan->GetPositionID(), 1) << "still the receiver's";
@@ -258,10 +247,8 @@ TEST_F(PlanPagesTest, TakeASiteFromTheReceiver)
                 << "not connected";
         }
     });
+    simulator::Simulator receiver(testing::ParsedScenario("position -33.9 151.2 40"));
     std::string error;
-    const auto scenario = simulator::ParseScenario("position -33.9 151.2 40", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::Simulator receiver(*scenario);
     ASSERT_TRUE(receiver.Start(error)) << error;
     PortSettings settings;
     settings.replyTimeout = 10s;
@@ -281,7 +268,6 @@ TEST_F(PlanPagesTest, SwitchSatellitesOffButNotAll)
     Show();
     const double before = plan->Session().Plan().CountAt(0);
     OnPage<CPlanDet>([&](CPlanDet& page) {
-        KeepPicture(*page.window(), QStringLiteral("page-det"));
         Click(page, text::kPlanUseNone);
         Click(*page.window(), text::kButtonOk);
         ASSERT_TRUE(page.isVisible());
@@ -342,7 +328,6 @@ TEST_F(PlanPagesTest, ChooseADayInTheCalendar)
     Show();
     Next(*plan, [](QWidget& dialog) {
         auto* const calendar = dialog.findChild<QCalendarWidget*>();
-        KeepPicture(dialog, QStringLiteral("calendar"));
         calendar->setSelectedDate({2027, 2, 28});
         Click(dialog, text::kButtonOk);
     });
@@ -370,13 +355,11 @@ TEST_F(PlanPagesTest, DrawACurtainWithFingerAndKeys)
         EXPECT_NEAR(editor.Edit().At(0), 50, 1);
         Click(editor, text::kCurtainUndo);
         EXPECT_NEAR(editor.Edit().At(0), 40, 1);
-        KeepPicture(editor, QStringLiteral("curtain-round"));
         Click(editor, text::kCurtainUnrolled);
         QTest::mousePress(&view, Qt::LeftButton, {}, at(90.5, 20.0));
         QTest::mouseMove(&view, at(180.5, 60.0));
         QTest::mouseRelease(&view, Qt::LeftButton, {}, at(180.5, 60.0));
         EXPECT_NEAR(editor.Edit().At(135), 40, 1);
-        KeepPicture(editor, QStringLiteral("curtain-unrolled"));
     };
     InEditor(draw, text::kButtonCancel);
     EXPECT_FALSE(std::filesystem::exists(CurtainPath(home.Path())));

@@ -5,17 +5,20 @@
 #include "core/planning/PlanSite.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/HandClock.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/SurveyPlan.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -48,19 +51,6 @@ public:
     BoxAnswer answer = BoxAnswer::Ok;
     int breaths = 0;
     int cancelAt = -1;
-};
-
-class DayClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return {}; }
-    [[nodiscard]] UtcTime Utc() const override { return time; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-
-    /// Late in the UTC day, when Japan has the next one.
-    UtcTime time =
-        std::chrono::sys_days(std::chrono::year(2026) / 11 / 20) + std::chrono::hours(23);
 };
 
 /// What is protected, for the tests.
@@ -107,6 +97,16 @@ inline void Click(QWidget& window, int textId)
     ADD_FAILURE() << "there is no button " << text.toStdString();
 }
 
+/// Whether a label that is seen says that, or has it in it.
+inline bool Says(const QWidget& window, const QString& words, bool inPart = false)
+{
+    const QList<QLabel*> labels = window.findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+        const QString said = label->text();
+        return label->isVisible() && (inPart ? said.contains(words) : said == words);
+    });
+}
+
 class PlanScreen : public ::testing::Test
 {
 protected:
@@ -117,6 +117,9 @@ protected:
         CCommand::Surroundings surroundings;
         surroundings.host = &host;
         command = std::make_unique<CCommand>(surroundings);
+        // Late in the UTC day, when Japan has the next one.
+        clock.utc =
+            std::chrono::sys_days(std::chrono::year(2026) / 11 / 20) + std::chrono::hours(23);
         InstallSampleSites(home.Path());
         WriteAlmanac(kWeek);
     }
@@ -168,7 +171,7 @@ protected:
 
     TemporaryFolder home;
     SettingsRoots roots{Below(home.Path())};
-    DayClock clock;
+    HandClock clock;
     NotingHost host;
     std::filesystem::path chosenFile;
     std::unique_ptr<CCommand> command;

@@ -4,8 +4,8 @@
 #include "core/resources/StringTable.h"
 #include "core/settings/NotKept.h"
 #include "tests/core/tilt/SensorLine.h"
-#include "tests/support/ProofSize.h"
-#include "tests/ui/controls/RandomHands.h"
+#include "tests/support/VirtualReceiver.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
@@ -23,7 +23,6 @@
 #include <QLineEdit>
 
 #include <memory>
-#include <random>
 #include <utility>
 
 namespace fieldcore {
@@ -106,11 +105,9 @@ TEST_F(TiltTest, TheBubbleFollowsAndIsThereOnce)
 
 TEST_F(TiltTest, StartsAndStopsTheSensorAtTheReceiversPort)
 {
-    std::string error;
-    auto scenario = simulator::LoadScenario("tilted", error);
-    ASSERT_TRUE(scenario) << error;
-    scenario->port = 2;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    auto scenario = testing::ShippedScenario("tilted");
+    scenario.port = 2;
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     QWidget window;
     window.show();
     const auto starts = [this] {
@@ -327,13 +324,11 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
 
 TEST_F(TiltTest, SendsSignalsOnOkOnly)
 {
-    std::string error;
-    auto scenario = simulator::LoadScenario("lark", error);
-    ASSERT_TRUE(scenario) << error;
-    scenario->options.galileo = false;
+    auto scenario = testing::ShippedScenario("lark");
+    scenario.options.galileo = false;
     for (const bool isLocked : {false, true}) {
-        scenario->signalsLocked = isLocked;
-        ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+        scenario.signalsLocked = isLocked;
+        ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
         {
             SetSignal dialog(&line.command, line.reg);
             dialog.show();
@@ -373,10 +368,8 @@ TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
         dialog.Close(Dialog::kOk);
     }
     // The signals are those that are chosen for the receiver.
-    std::string error;
-    const auto scenario = simulator::LoadScenario("lark", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    const auto scenario = testing::ShippedScenario("lark");
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     CRecvInfo info;
     ASSERT_EQ(info.GetOptionData(line.command), 1);
     line.command.Hear([&](Receiver& known) { known.identity = info.Known(); });
@@ -467,14 +460,12 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
         }
     }
     const QRect small = bubble->geometry();
-    KeepPicture(page, *bubble, QStringLiteral("bubble-small"));
     auto* const numbers = bubble->findChild<QLabel*>();
     ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->windowTitle() == numbers->text(); }));
     EXPECT_EQ(numbers->text(), QStringLiteral("0.57 °   18 mm"));
     EXPECT_FALSE(numbers->isVisible());
     QTest::mouseClick(bubble->View(), Qt::LeftButton);
     EXPECT_TRUE(numbers->isVisible());
-    KeepPicture(page, *bubble, QStringLiteral("bubble-large"));
     EXPECT_GE(bubble->View()->width(), 200);
     QTest::mouseClick(bubble->View(), Qt::LeftButton);
     EXPECT_EQ(bubble->geometry(), small);
@@ -498,52 +489,38 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
     EXPECT_TRUE(TiltSensorDlg::Instance()->isVisible()) << "it stays";
 }
 
-/// Notes what is told.
-class ToldHost final : public Host
-{
-public:
-    BoxAnswer ShowMessage(std::wstring_view words, std::wstring_view, BoxStyle) override
-    {
-        told.emplace_back(words);
-        return BoxAnswer::Ok;
-    }
-    std::vector<std::wstring> told;
-};
-
 TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 {
-    ToldHost host;
+    testing::BoxKeepingHost host;
     line.command.SetHost(host);
     ASSERT_NO_FATAL_FAILURE(line.StartSensor());
     TiltSettings settings(&line.command, line.reg);
     ASSERT_EQ(settings.ChooseSensitivity(0), 1);
-    EXPECT_TRUE(host.told.empty());
+    EXPECT_TRUE(host.boxes.empty());
     {
         SettingsRoots others{testing::FoldersBelow(line.folder.Path())};
         SettingsBatch keeps(HostReg(others).Store()); // as another program would
         ASSERT_TRUE(keeps.IsOpen());
         settings.ChooseSensitivity(1);
-        ASSERT_EQ(host.told.size(), 1U);
-        EXPECT_EQ(host.told[0], FormatText(text::kNotKept, Text(text::kNotKeptBubble),
-                                           Text(text::kNotKeptInUse)));
+        ASSERT_EQ(host.boxes.size(), 1U);
+        EXPECT_EQ(host.boxes[0].text, FormatText(text::kNotKept, Text(text::kNotKeptBubble),
+                                                 Text(text::kNotKeptInUse)));
         EXPECT_EQ(KeptOrTold(0, text::kNotKeptBubble, host, line.reg), 0);
-        EXPECT_EQ(host.told.size(), 1U) << "told already";
+        EXPECT_EQ(host.boxes.size(), 1U) << "told already";
         TellNotKept(text::kTrackingTitle, host, line.reg);
-        EXPECT_EQ(host.told.size(), 2U) << "what the user has asked for is told each time";
+        EXPECT_EQ(host.boxes.size(), 2U) << "what the user has asked for is told each time";
     }
     settings.ChooseSensitivity(2);
     EXPECT_EQ(KeptOrTold(0, text::kNotKeptBubble, host, line.reg), 0);
-    EXPECT_EQ(host.told.size(), 3U) << "it had been stored in between";
+    EXPECT_EQ(host.boxes.size(), 3U) << "it had been stored in between";
     line.command.SetHost(m_host);
 }
 
 /// The bubble among them, which is there once and comes back where it was.
 TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("swaying-pole", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
+    const auto scenario = testing::ShippedScenario("swaying-pole");
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
     QWidget window;
     window.resize(480, 640);
     window.show();
@@ -564,63 +541,14 @@ TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
         << "it follows the pole no more";
 }
 
-TEST_F(TiltTest, SurvivesAThousandEventsInEachDialog)
+TEST_F(TiltTest, TheDialogsCutNothingOffAndStandRandomHands)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("tilted", error);
-    ASSERT_TRUE(scenario) << error;
-    ASSERT_NO_FATAL_FAILURE(line.Start(*scenario));
-    std::mt19937 random(testing::Seed()); // the same events every time
-    const auto below = [&random](int limit) {
-        return static_cast<int>(random() % static_cast<unsigned>(limit));
-    };
-    constexpr Qt::Key kKeys[] = {Qt::Key_Tab,  Qt::Key_Space, Qt::Key_Return, Qt::Key_Up,
-                                 Qt::Key_Down, Qt::Key_9,     Qt::Key_Minus,  Qt::Key_Escape};
-    // Whatever else opens is left again, a calibration among them.
-    QTimer leave;
-    QObject::connect(&leave, &QTimer::timeout, [&] {
-        auto* const front = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (front != nullptr && below(2) == 0) {
-            front->reject();
-        } else if (auto* const box = qobject_cast<MessageDlg*>(front)) {
-            box->findChildren<QPushButton*>().last()->click();
-        } else if (QWidget* const popup = QApplication::activePopupWidget()) {
-            popup->close();
-        }
-    });
-    leave.start(3);
-    const std::function<std::unique_ptr<Dialog>()> makes[] = {
-        [&] { return std::make_unique<SetSignal>(&line.command, line.reg); },
-        [&] { return std::make_unique<TiltStatusDlg>(&line.command, line.reg); },
-        [&] { return std::make_unique<TiltCalibDlg>(&line.command); },
-        [&] { return std::make_unique<TrackingDlg>(&line.command, line.roots); },
-    };
-    for (const auto& make : makes) {
-        auto dialog = make();
-        const int most = testing::ProofSize("FIELDCORE_HANDS", 1000);
-        testing::Measured(most, "events");
-        for (int i = 0; i < most; ++i) {
-            if (!dialog->isVisible()) {
-                dialog = make();
-                dialog->resize(200 + below(400), 200 + below(500));
-                dialog->show();
-            }
-            const QList<QWidget*> all = dialog->findChildren<QWidget*>();
-            QWidget* const target = all[below(static_cast<int>(all.size()))];
-            if (!target->isVisible() || target->window() != dialog.get()) {
-                continue;
-            }
-            if (below(2) == 0) {
-                QTest::keyClick(target, kKeys[below(8)]);
-            } else {
-                QTest::mouseClick(target, Qt::LeftButton, {}, target->rect().center());
-            }
-            if (i % 50 == 0) {
-                QCoreApplication::processEvents();
-            }
-        }
-        dialog->hide();
-    }
+    const auto scenario = testing::ShippedScenario("tilted");
+    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
+    testing::TryScreen([&] { return std::make_unique<SetSignal>(&line.command, line.reg); });
+    testing::TryScreen([&] { return std::make_unique<TiltStatusDlg>(&line.command, line.reg); });
+    testing::TryScreen([&] { return std::make_unique<TiltCalibDlg>(&line.command); });
+    testing::TryScreen([&] { return std::make_unique<TrackingDlg>(&line.command, line.roots); });
     EXPECT_GE(eBubbleConfig::GetBubbleDuration(), 0.001);
     EXPECT_LE(eBubbleConfig::GetBubbleExpiry(), 30000);
 }
