@@ -149,8 +149,8 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
             {Value::Integer(satellite.GetPrn()), Value::YesNo(satellite.IsHealthy() != 0),
              Value::Integer(record.health),
              time ? Value::Integer(GpsSeconds(*time) / kSecondsPerWeek) : Value::Unknown(),
-             time ? DateValue(GpsSeconds(*time)) : Value::Unknown(), Value::Real(elements.eccentricity, 6),
-             Value::Real(DegreesOf(elements.i0), 3, "deg"),
+             time ? DateValue(GpsSeconds(*time)) : Value::Unknown(),
+             Value::Real(elements.eccentricity, 6), Value::Real(DegreesOf(elements.i0), 3, "deg"),
              time ? AgeValue(*time, date) : Value::Unknown()});
     }
     report.AddTable(std::move(table));

@@ -36,7 +36,7 @@ const NavigationRecord* Nearest(std::span<const NavigationRecord> records, doubl
 
 double StaleAfterS(GnssSystem system) noexcept
 {
-    constexpr std::array<double, kGnssSystems> kDays{13.0, 8.0, 13.0, 7.0, 9.0, 1.0 / 48.0};
+    constexpr std::array<double, kGnssSystems> kDays{14.0, 14.0, 14.0, 7.0, 7.0, 1.0 / 48.0};
     return kDays[static_cast<std::size_t>(system)] * kDayS;
 }
 

@@ -19,13 +19,14 @@ struct SystemState
     double firstS = 0.0; ///< oldest and newest reference time, seconds of GPS time
     double lastS = 0.0;
     double ageS = 0.0; ///< of the record that is nearest to the instant, either way
-    /// Older than StaleAfterS(): satellites may stand half a degree beside where they are computed.
+    /// Older than StaleAfterS(): satellites may stand more than half a degree beside where they are
+    /// computed.
     bool isStale = false;
 };
 
-/// The age of an orbit, either way, from which a satellite of @p system may stand half a degree
-/// beside where it is computed, seconds: the worst that was measured after a day, taken to grow
-/// with the square of the age, as by a pull that the orbit does not know. See docs/planning.md.
+/// The age of an orbit, either way, up to which the satellites of @p system are known to stand
+/// within half a degree of where they are computed, seconds. docs/planning.md says how it was
+/// found.
 [[nodiscard]] double StaleAfterS(GnssSystem system) noexcept;
 
 /// What satellites of all systems say of their orbits: for each satellite the newest messages, not

@@ -391,6 +391,7 @@ double NavigationReader::Number(const Field& field)
     }
     if (auto odd = ReadNumber(text, field.range, value)) {
         Drop(field.line, field.name, *std::move(odd));
+        return 0.0;
     }
     return value;
 }

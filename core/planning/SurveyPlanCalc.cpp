@@ -1,6 +1,9 @@
 #include "core/planning/SurveyPlanCalc.h"
 
 #include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
+#include "core/planning/AlmanacTime.h"
+#include "core/platform/Folders.h"
 
 #include <cassert>
 #include <cstddef>
@@ -14,6 +17,27 @@ CSurveyPlanCalc::CSurveyPlanCalc()
     for (std::size_t i = 0; i < m_satellites.size(); ++i) {
         m_satellites[i] = CAlmanacSatellite(static_cast<int>(i) + 1);
     }
+}
+
+bool CSurveyPlanCalc::DownloadAlmanac(CCommand& command, std::size_t& size)
+{
+    return AlmanacStore(Folders().Program()).Download(command, size) == AlmanacResult::Done;
+}
+
+bool CSurveyPlanCalc::CommitAlmanac(std::size_t size)
+{
+    return AlmanacStore(Folders().Program()).Commit(size, {AlmanacOrigin::Receiver, {}}) ==
+           AlmanacResult::Done;
+}
+
+bool CSurveyPlanCalc::LoadAlmanac()
+{
+    return LoadAlmanac(AlmanacPath(Folders().Program()));
+}
+
+CGPSTime CSurveyPlanCalc::GetAlmanacTime() const
+{
+    return AlmanacTime(*this);
 }
 
 bool CSurveyPlanCalc::LoadAlmanac(std::span<const std::uint8_t> content)
@@ -65,15 +89,27 @@ void CSurveyPlanCalc::SetUse(int index, int use)
     }
 }
 
-int CSurveyPlanCalc::TestVisibility(int index)
+CAlmanacSatellite& CSurveyPlanCalc::Prepared(int index)
 {
-    if (!IsIndex(index)) {
-        return 0;
-    }
     CAlmanacSatellite& satellite = m_satellites[static_cast<std::size_t>(index)];
     satellite.SetObserver(m_frame);
     satellite.SetTime(m_epoch);
-    return satellite.TestVisibility(m_limits) ? 1 : 0;
+    return satellite;
+}
+
+bool CSurveyPlanCalc::ComputeSatellite(int index)
+{
+    return IsIndex(index) && Prepared(index).Compute();
+}
+
+int CSurveyPlanCalc::TestVisibility(int index)
+{
+    return IsIndex(index) && Prepared(index).TestVisibility(m_limits) ? 1 : 0;
+}
+
+int CSurveyPlanCalc::IsVisible(int index) const
+{
+    return IsIndex(index) ? GetSatellite(index).IsVisible() : 0;
 }
 
 const CAlmanacSatellite& CSurveyPlanCalc::GetSatellite(int index) const

@@ -246,5 +246,63 @@ TEST(Almanac, CtrlCKeepsTheOldOne)
     EXPECT_EQ(runner.Bytes(kSimulated), before);
 }
 
+TEST(Almanac, TakesMessagesOfAllSystems)
+{
+    AlmanacRunner runner;
+    const std::string messages =
+        Content(std::filesystem::path(FIELDCORE_SOURCE_DIR) / "tests/core/orbits/messages.rnx");
+    runner.Folder().Write("messages.rnx", messages);
+    runner.Folder().Write("cut.rnx", messages.substr(0, 5000));
+
+    const Outcome refused = runner.Run("almanac import @/cut.rnx --json");
+    EXPECT_EQ(refused.code, 8);
+    EXPECT_NE(refused.out.find("of 8 lines"), std::string::npos) << refused.out;
+    const Outcome dry = runner.Run("almanac import @/messages.rnx --dry-run");
+    EXPECT_EQ(dry.code, 0) << dry.err;
+    EXPECT_FALSE(std::filesystem::exists(runner.Path("program/GSurveyPlan.nav")));
+
+    const Outcome imported = runner.Run("almanac import @/messages.rnx --json");
+    ASSERT_EQ(imported.code, 0) << imported.err;
+    const nlohmann::json systems = imported.Json()["result"]["systems"];
+    ASSERT_EQ(systems.size(), 6U);
+    EXPECT_EQ(systems[1]["system"], "R");
+    EXPECT_EQ(systems[1]["messages"], 2);
+    EXPECT_EQ(systems[1]["oldestGpsTime"], "2020-06-25T10:15:18");
+    EXPECT_EQ(systems[1]["newestGpsTime"], "2020-06-25T11:15:18");
+    EXPECT_EQ(systems[5]["healthy"], 0);
+
+    // Shown without an almanac, too, with its age: from noon of 2020-06-25 to midnight of the 26th.
+    const nlohmann::json shown =
+        runner.Run("almanac show --date 2020-06-26 --json").Json()["result"]["systems"];
+    EXPECT_EQ(shown[4]["system"], "J");
+    EXPECT_EQ(shown[4]["ageDays"], 0.5);
+    EXPECT_EQ(shown[4]["tooOld"], false);
+
+    // QZSS of an almanac text goes to the others, and GPS into the almanac.
+    const std::string qzss = Yuma(1, "335", "405504");
+    runner.Folder().Write("file.alm",
+                          Yuma(6, "335", "405504") +
+                              std::string(qzss).replace(qzss.find("ID: 1"), 5, "ID: 193"));
+    ASSERT_EQ(runner.Run("almanac import @/file.alm").code, 0);
+    const nlohmann::json both = runner.Run("almanac show --json").Json()["result"];
+    EXPECT_EQ(both["satelliteCount"], 6);
+    EXPECT_EQ(both["systems"][4]["messages"], 3); // two, and the almanac
+
+    const Outcome plan = runner.Run("plan --systems erc --date 2020-06-25 --from 19 --hours 1 "
+                                    "--kind tracks --clock-per-system --json");
+    ASSERT_EQ(plan.code, 0) << plan.err;
+    const nlohmann::json made = plan.Json()["result"]["plans"][0];
+    EXPECT_EQ(made["systems"], "REC");
+    EXPECT_EQ(made["clockPerSystem"], true);
+    EXPECT_FALSE(made.contains("almanac")) << "it is not of GPS";
+    EXPECT_EQ(made["samples"][0]["satellite"], "E11");
+    const Outcome stale = runner.Run("plan --systems RS --date 2020-07-25");
+    EXPECT_NE(stale.err.find("GLONASS"), std::string::npos) << stale.err;
+    EXPECT_EQ(runner.Run("plan --systems GX").code, 2);
+    // GPS alone is the plan that it was, whatever else is known.
+    EXPECT_EQ(runner.Run("plan --systems G --kind pdop --csv").out,
+              runner.Run("plan --kind pdop --csv").out);
+}
+
 } // namespace
 } // namespace fieldcore::cli::test

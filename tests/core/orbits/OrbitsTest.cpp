@@ -245,7 +245,7 @@ TEST_F(ConstellationsTest, TellsTheAgeOfASystem)
     EXPECT_EQ(glonass.healthy, 1);
     EXPECT_EQ(glonass.ageS, 12 * 3600.0 - 18.0); // the newest is of 11:15 UTC
     EXPECT_FALSE(glonass.isStale);
-    EXPECT_TRUE(m_known.StateOf(GnssSystem::Glonass, GpsAt(12, 0) + 9 * 86400.0).isStale);
+    EXPECT_TRUE(m_known.StateOf(GnssSystem::Glonass, GpsAt(12, 0) + 14 * 86400.0).isStale);
     EXPECT_EQ(m_known.StateOf(GnssSystem::Sbas, GpsAt(0, 0)).healthy, 0);
     EXPECT_EQ(Constellations().StateOf(GnssSystem::Gps, 0.0).satellites, 0);
 }
