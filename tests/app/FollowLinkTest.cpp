@@ -44,7 +44,7 @@ TEST(FollowLink, FindsTheReceiverOrTellsWhyNot)
         std::ofstream(scenario.toStdString()) << "check-rate yes\n";
         AppOptions options;
         options.port = QStringLiteral("sim:") + scenario;
-        options.speed = 20.0;
+        options.speed = 2.0; // an answer has a second of a watch
         Controller controller(options);
         controller.Begin();
         std::wstring fault;

@@ -215,7 +215,7 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
         ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
         const std::string before = runner.Bytes(kSimulated);
         const Outcome outcome =
-            runner.Run("almanac get --json --speed 20 --timeout 10 --port sim:" + row.scenario);
+            runner.Run("almanac get --json --speed 20 --timeout 40 --port sim:" + row.scenario);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         EXPECT_NE(outcome.err.find(row.told), std::string::npos) << outcome.err;
         EXPECT_EQ(outcome.err.find("/32]"), std::string::npos) << "progress without a terminal";

@@ -55,7 +55,7 @@ protected:
 
     Outcome Run(const std::string& arguments)
     {
-        return runner.Run("files " + arguments + " --speed 20 --timeout 20 --port sim:" + receiver);
+        return runner.Run("files " + arguments + " --speed 20 --timeout 60 --port sim:" + receiver);
     }
 
     Runner runner;

@@ -26,7 +26,7 @@ TEST(PortsSet, TellsTheReceiverAndStores)
 {
     Runner runner;
     const std::string sim =
-        " --port sim:" + runner.Scenario("check-rate yes\n") + " --speed 20 --timeout 1";
+        " --port sim:" + runner.Scenario("check-rate yes\n") + " --speed 20 --timeout 40";
     const std::string before =
         "link 38400-8-None com1 9600-8-None com2 9600-8-None com3 9600-8-None ";
     EXPECT_EQ(Shown(runner), before);
@@ -62,7 +62,7 @@ TEST(PortOptions, DefaultToTheStoredLine)
 {
     Runner runner;
     const std::string info = "info --port sim:" + runner.Scenario("check-rate yes\nbaud 9600\n") +
-                             " --speed 20 --timeout 1";
+                             " --speed 20 --timeout 40";
     ASSERT_EQ(runner.Run("ports set 0 9600 --port sim:").code, 0);
     EXPECT_EQ(runner.Run(info).code, 0);
     EXPECT_EQ(runner.Run(info + " --baud 38400").code, 4) << "the option does not count";

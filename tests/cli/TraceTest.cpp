@@ -257,7 +257,7 @@ TEST(Trace, ShowsGoodAndDamagedLines)
 TEST(Trace, ReadsWhatLogAndRecordWrite)
 {
     Runner runner;
-    ASSERT_EQ(runner.Run("info --port sim:noisy-line --speed 20 --timeout 10 --log @/log").code, 0);
+    ASSERT_EQ(runner.Run("info --port sim:noisy-line --speed 20 --timeout 40 --log @/log").code, 0);
     const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
     EXPECT_EQ(result["damagedLines"], 0);
     EXPECT_GT(result["faults"], 0) << "that line damages every fifth answer";

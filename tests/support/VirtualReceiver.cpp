@@ -37,7 +37,11 @@ void VirtualChannel::Open(std::chrono::milliseconds replyTimeout)
 }
 
 VirtualReceiver::VirtualReceiver(std::string_view scenario, std::uint32_t baudRate)
-    : VirtualChannel(baudRate), simulator(ParsedScenario(scenario), clock, On(line.FarPort()))
+    : VirtualReceiver(ParsedScenario(scenario), baudRate)
+{}
+
+VirtualReceiver::VirtualReceiver(const simulator::Scenario& scenario, std::uint32_t baudRate)
+    : VirtualChannel(baudRate), simulator(scenario, clock, On(line.FarPort()))
 {
     std::string error;
     EXPECT_TRUE(simulator.Start(error)) << error;

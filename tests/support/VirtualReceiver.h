@@ -72,6 +72,7 @@ struct VirtualReceiver : VirtualChannel
 {
     /// @param scenario  its text, see docs/simulator.md
     explicit VirtualReceiver(std::string_view scenario = {}, std::uint32_t baudRate = 0);
+    explicit VirtualReceiver(const simulator::Scenario& scenario, std::uint32_t baudRate = 0);
 
     void AddFault(std::string_view rule);
 

@@ -5,12 +5,13 @@
 #include "core/equipment/LinkFollow.h"
 #include "core/equipment/RateSearch.h"
 #include "core/link/Command.h"
-#include "core/platform/FastClock.h"
 #include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 
-#include <memory>
+#include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,10 +47,12 @@ protected:
         scenario.checksRate = true;
         scenario.baudRate = rate;
         scenario.answers = answers;
-        m_receiver = std::make_unique<simulator::Simulator>(scenario, m_clock);
+        m_receiver.reset();
+        simulator::Port& port = m_lines.emplace_back(m_clock).FarPort();
+        m_receiver.emplace(scenario, m_clock, testing::On(port));
         std::string error;
         ASSERT_TRUE(m_receiver->Start(error)) << error;
-        m_target.devicePath = m_receiver->PortPath();
+        m_target.devicePath = port.Path();
         m_target.settings = LinkSettings(m_roots);
     }
     std::wstring Stored(int port)
@@ -67,10 +70,12 @@ protected:
 
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
-    FastClock m_clock{20.0};
+    testing::VirtualClock m_clock;
+    std::deque<testing::VirtualLine> m_lines;
     Ender m_host;
-    std::unique_ptr<simulator::Simulator> m_receiver;
-    CCommand m_command{{&m_host, &m_clock, nullptr, nullptr}};
+    std::optional<simulator::Simulator> m_receiver; // at the end of the last line
+    CCommand m_command{
+        {&m_host, &m_clock, nullptr, [this] { return m_lines.back().MakeDevice(); }}};
     ConnectTarget m_target;
 };
 
@@ -232,7 +237,7 @@ TEST_F(PortEditTest, FindsTheRateOfASilentReceiver)
     EXPECT_EQ(SearchRate(m_command, m_target, &m_host), std::nullopt);
     EXPECT_EQ(m_command.Fault(), CommandFault::Cancelled);
     EXPECT_EQ(m_host.rates.size(), 2U);
-    m_target.devicePath = m_home.Path() / "gone";
+    m_lines.back().SetFailing([](const std::string& call) { return call == "Open"; });
     EXPECT_EQ(SearchRate(m_command, m_target), std::nullopt);
     EXPECT_EQ(m_command.Fault(), CommandFault::OpenFailed);
 }

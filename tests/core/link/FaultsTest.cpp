@@ -108,7 +108,7 @@ TEST_P(FaultsTest, EveryExchangeEndsAsItMust)
     const Fault& fault = GetParam();
     for (const std::uint32_t rate : kRates) {
         SCOPED_TRACE(rate);
-        VirtualReceiver receiver({}, rate);
+        VirtualReceiver receiver("", rate);
         receiver.Open(kReplyTimeout);
         std::size_t sends = 0;
         receiver.command.SetLineObserver(
@@ -144,7 +144,7 @@ TEST(VirtualReceiver, AnswersAtTheRateOfItsLine)
 {
     constexpr int kBits = 10 * (6 + 27); // of a request and its reply
     for (const int rate : {9600, 38400}) {
-        VirtualReceiver receiver({}, static_cast<std::uint32_t>(rate));
+        VirtualReceiver receiver("", static_cast<std::uint32_t>(rate));
         receiver.Open(kReplyTimeout);
         const auto start = receiver.clock.Steady();
         StatusReply status;

@@ -89,7 +89,7 @@ TEST_P(LateAnswersTest, SpoilOneOfTheFollowingAtMost)
 {
     for (const std::uint32_t rate : kRates) {
         for (const auto ask : {AskNumber, AskKind}) {
-            VirtualReceiver receiver({}, rate);
+            VirtualReceiver receiver("", rate);
             receiver.Open(kReplyTimeout);
             for (int left = testing::Exchanges(kFollowing); left > 0; left -= kFollowing) {
                 receiver.simulator.ClearFaults();
@@ -149,7 +149,7 @@ TEST(LateAnswers, DoNotKeepASlowReceiverFromBeingConnected)
     int connected = 0;
     constexpr int kRounds = 20;
     for (int round = 0; round < kRounds; ++round) {
-        VirtualReceiver receiver({}, 9600);
+        VirtualReceiver receiver("", 9600);
         receiver.AddFault("delay " + std::to_string(2050 + 50 * round) + " count 1");
         ConnectTarget target;
         target.devicePath = receiver.line.FarPort().Path();

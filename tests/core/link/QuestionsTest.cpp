@@ -122,15 +122,15 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
         while (begun == 0) {
             std::this_thread::yield();
         }
+        int before = 0;
         {
             const Questions::Quiet quiet(questions);
             EXPECT_EQ(begun, ended) << "still asking";
-            const int before = begun;
+            before = begun;
             questions.Hurry(id);
             std::this_thread::sleep_for(20ms);
             EXPECT_EQ(begun, before) << "asked into the quiet";
         }
-        const int before = begun;
         while (begun == before) {
             std::this_thread::yield();
         }

@@ -5,13 +5,12 @@
 #include "core/planning/AlmanacRecord.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/SurveyPlanCalc.h"
-#include "core/platform/FastClock.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
-#include "simulator/Simulator.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <algorithm>
 #include <chrono>
@@ -33,7 +32,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using simulator::Scenario;
-using simulator::Simulator;
 using testing::SampleFile;
 using testing::SampleSatellite;
 
@@ -58,33 +56,10 @@ void WriteTemporary(const fs::path& folder, const std::vector<std::uint8_t>& con
                static_cast<std::streamsize>(content.size()));
 }
 
-class QuietHost : public Host
-{
-public:
-    BoxAnswer ShowMessage(std::wstring_view, std::wstring_view, BoxStyle) override
-    {
-        return BoxAnswer::Ok;
-    }
-    bool Breathe() override { return !cancelled; }
-
-    bool cancelled = false;
-};
-
 class AlmanacStoreTest : public ::testing::Test
 {
 protected:
-    void Start(const Scenario& scenario)
-    {
-        command.ClosePort();
-        receiver = std::make_unique<Simulator>(scenario, clock);
-        std::string error;
-        ASSERT_TRUE(receiver->Start(error)) << error;
-        PortSettings settings;
-        // 0.6 s on a watch: a busy machine may hold an answer up, and a satellite whose request
-        // failed counts as missing.
-        settings.replyTimeout = 60s;
-        ASSERT_EQ(command.OpenPort(receiver->PortPath(), settings), 1) << command.LastError();
-    }
+    void Start(const Scenario& scenario) { far.emplace(scenario).Open(); }
     [[nodiscard]] std::vector<std::uint8_t> Almanac() const
     {
         return ReadWholeFile(AlmanacPath(folder.Path()), kMost).value();
@@ -95,7 +70,7 @@ protected:
     }
     [[nodiscard]] bool AbortWasSent() const
     {
-        for (const auto& piece : receiver->Record()) {
+        for (const auto& piece : far->simulator.Record()) {
             if (piece.direction == simulator::Direction::ToReceiver && piece.bytes.size() > 2 &&
                 piece.bytes[2] == 0x5A) {
                 return true;
@@ -104,10 +79,7 @@ protected:
         return false;
     }
 
-    FastClock clock{100.0};
-    QuietHost host;
-    CCommand command{{&host, &clock, nullptr, nullptr}};
-    std::unique_ptr<Simulator> receiver;
+    std::optional<testing::VirtualReceiver> far;
     TemporaryFolder folder;
     AlmanacStore store{folder.Path()};
 };
@@ -117,7 +89,7 @@ TEST_F(AlmanacStoreTest, KeepsWhatTheReceiverHas)
     const Scenario scenario = ReceiverWith({2, 3, 7, 8, 20});
     Start(scenario);
     std::vector<int> asked;
-    ASSERT_EQ(store.Update(command,
+    ASSERT_EQ(store.Update(far->command,
                            [&](int prn) {
                                asked.push_back(prn);
                                return true;
@@ -149,7 +121,7 @@ TEST_F(AlmanacStoreTest, KeepsTheOldAlmanacWhenTheReceiverHasFewSatellites)
     const std::vector<std::uint8_t> old{'o', 'l', 'd'};
     for (const auto& scenario : {ReceiverWith({}), ReceiverWith({1, 2, 3, 32})}) {
         Start(scenario);
-        EXPECT_EQ(store.Update(command), AlmanacResult::TooFew);
+        EXPECT_EQ(store.Update(far->command), AlmanacResult::TooFew);
         EXPECT_EQ(Almanac(), old);
         EXPECT_FALSE(HasTemporary());
     }
@@ -183,7 +155,7 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
             fault.skip = row.skip;
         }
         Start(*scenario);
-        EXPECT_EQ(store.Update(command), row.result);
+        EXPECT_EQ(store.Update(far->command), row.result);
         EXPECT_FALSE(HasTemporary());
         const auto content = Almanac();
         if (row.result != AlmanacResult::Done) {
@@ -199,14 +171,13 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         const AlmanacTally& tally = store.Tally();
         EXPECT_EQ(tally.received + tally.missing + tally.lost, 32);
         EXPECT_EQ(MessageOf(row.result, tally).words.empty(), tally.lost == 0);
-        if (command.Fault() == CommandFault::LinkLost) {
+        if (far->command.Fault() == CommandFault::LinkLost) {
             EXPECT_EQ(tally.fault, CommandFault::LinkLost);
-            command.ClosePort();
-            ASSERT_TRUE(receiver->Plug());
-            ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1) << command.LastError();
+            ASSERT_TRUE(far->simulator.Plug());
+            far->Open();
         }
         StatusReply status;
-        EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
+        EXPECT_EQ(far->command.RequestStatus(status), 1) << far->command.LastError();
     }
 }
 
@@ -217,21 +188,22 @@ TEST_F(AlmanacStoreTest, SendsTheAbortWhenTheUserCancels)
         SCOPED_TRACE(last);
         Start(ReceiverWith({1, 2, 3, 4, 5, 6}));
         EXPECT_EQ(
-            store.Update(command, [&](int prn) { return static_cast<unsigned>(prn) <= last; }),
+            store.Update(far->command, [&](int prn) { return static_cast<unsigned>(prn) <= last; }),
             AlmanacResult::Cancelled);
         EXPECT_TRUE(AbortWasSent());
-        EXPECT_EQ(receiver->RequestCount(), last + 1U) << "the satellites and the abort";
+        EXPECT_EQ(far->simulator.RequestCount(), last + 1U) << "the satellites and the abort";
         EXPECT_EQ(Almanac().size(), 3U);
         EXPECT_FALSE(HasTemporary());
         StatusReply status;
-        EXPECT_EQ(command.RequestStatus(status), 1) << "the link can be used";
+        EXPECT_EQ(far->command.RequestStatus(status), 1) << "the link can be used";
     }
 
     Scenario silent;
     silent.answers = false;
     Start(silent);
-    host.cancelled = true;
-    EXPECT_EQ(store.Update(command), AlmanacResult::Cancelled) << "while waiting for an answer";
+    far->host.inBreath = [] { return false; };
+    EXPECT_EQ(store.Update(far->command), AlmanacResult::Cancelled)
+        << "while waiting for an answer";
     EXPECT_FALSE(HasTemporary());
 }
 
@@ -241,7 +213,7 @@ TEST_F(AlmanacStoreTest, DoesNotFollowALinkOutOfTheFolder)
     const auto precious = elsewhere.Write("precious", "mine");
     folder.Link("#$&Temp.Tmp", precious);
     Start(ReceiverWith({1, 2, 3, 4, 5}));
-    EXPECT_EQ(store.Update(command), AlmanacResult::Done);
+    EXPECT_EQ(store.Update(far->command), AlmanacResult::Done);
     EXPECT_EQ(fs::file_size(precious), 4U);
 }
 
@@ -249,11 +221,11 @@ TEST_F(AlmanacStoreTest, SaysWhyItFailed)
 {
     Start(ReceiverWith({1, 2, 3, 4, 5}));
     AlmanacStore nowhere(folder.Write("not-a-folder", ""));
-    EXPECT_EQ(nowhere.Update(command), AlmanacResult::NotWritten);
+    EXPECT_EQ(nowhere.Update(far->command), AlmanacResult::NotWritten);
     EXPECT_TRUE(nowhere.LastError());
 
     fs::create_directories(AlmanacPath(folder.Path()) / "in the way");
-    EXPECT_EQ(store.Update(command), AlmanacResult::NotReplaced);
+    EXPECT_EQ(store.Update(far->command), AlmanacResult::NotReplaced);
     EXPECT_TRUE(store.LastError());
     EXPECT_FALSE(HasTemporary());
 }

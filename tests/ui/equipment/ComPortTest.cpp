@@ -28,6 +28,7 @@ protected:
         std::string error;
         EXPECT_TRUE(m_receiver->Start(error)) << error;
         m_target.devicePath = m_receiver->PortPath();
+        m_target.settings.replyTimeout = std::chrono::seconds(40); // 2 s on a watch
     }
     std::unique_ptr<CComPort> Open(int ports, int page = CComPort::kLastPage)
     {

@@ -83,7 +83,6 @@ protected:
     }
 
     FastClock clock{100.0};
-    FastClock search{10.0}; // a search waits 0.6 s for each answer
     QWidget window;
     QtHost host{{.isQ77 = false, .clock = &clock}};
     std::unique_ptr<Simulator> receiver;
@@ -275,7 +274,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         {"drop", true, 1, text::kComSearchCancelled},
         {"nak", false, 1, 0},
     };
-    CCommand patient({&host, &search, nullptr, nullptr});
+    CCommand patient({&host, nullptr, nullptr, nullptr}); // a search waits 0.6 s for each answer
     target.settings.replyTimeout = 600ms;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
@@ -285,7 +284,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         if (*row.fault != '\0') {
             scenario.faults = {Rule(row.fault)};
         }
-        receiver = std::make_unique<Simulator>(scenario, search);
+        receiver = std::make_unique<Simulator>(scenario);
         std::string error;
         ASSERT_TRUE(receiver->Start(error)) << error;
         target.devicePath = receiver->PortPath();
@@ -335,11 +334,11 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
 /// Where the settings lead to the receiver but not to its rate, the rate that is found is stored.
 TEST_F(ConnectDlgTest, OffersTheSearchWithThePortOfTheSettings)
 {
-    CCommand patient({&host, &search, nullptr, nullptr});
+    CCommand patient({&host, nullptr, nullptr, nullptr});
     Scenario scenario;
     scenario.checksRate = true;
     scenario.baudRate = 9600;
-    receiver = std::make_unique<Simulator>(scenario, search);
+    receiver = std::make_unique<Simulator>(scenario);
     std::string error;
     ASSERT_TRUE(receiver->Start(error)) << error;
     const TemporaryFolder home;
