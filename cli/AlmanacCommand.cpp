@@ -260,6 +260,9 @@ ExitCode Import(const Context& context, const AlmanacOptions& options)
         context.output.Note(std::to_string(text.skipped) +
                             " satellites with a PRN beyond 32 were left out.");
     }
+    if (text.records.empty() && !text.qzss.empty()) {
+        return ImportOthers(context, text.qzss);
+    }
     if (const std::optional<Failure> failure = KeepOthers(context, text.qzss)) {
         return context.output.Failed(*failure);
     }

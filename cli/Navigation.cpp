@@ -47,26 +47,6 @@ std::string At(const TextError& error)
                : error.message;
 }
 
-/// Adds @p records to what is kept, unless this is a dry run.
-std::optional<Failure> Keep(const Context& context, std::span<const NavigationRecord> records)
-{
-    const std::filesystem::path folder = Folders(context.world.folders).Program();
-    KeptNavigation kept = LoadConstellations(folder);
-    if (kept.error) {
-        context.output.Message("warning", "", Worded(text::kSayMessagesLost), Colour::Yellow);
-    }
-    kept.constellations.Add(records);
-    if (context.dryRun) {
-        return std::nullopt;
-    }
-    if (const std::error_code error = SaveConstellations(folder, kept.constellations)) {
-        return FileFailure(
-            Worded(text::kSayMessagesNotKept, {NavigationPath(folder).string(), error.message()}),
-            "fieldcore-cli doctor");
-    }
-    return std::nullopt;
-}
-
 std::string LettersOf(std::span<const NavigationRecord> records)
 {
     SystemSet systems;
@@ -74,6 +54,55 @@ std::string LettersOf(std::span<const NavigationRecord> records)
         systems.set(static_cast<std::size_t>(record.satellite.system));
     }
     return TextOf(systems);
+}
+
+double NowS(const Context& context)
+{
+    return static_cast<double>(GpsSeconds(GpsNow(context.world)));
+}
+
+/// Adds @p records to what is kept, unless this is a dry run.
+std::optional<Failure> Keep(const Context& context, std::span<const NavigationRecord> records)
+{
+    const std::filesystem::path folder = Folders(context.world.folders).Program();
+    if (LoadConstellations(folder).error) {
+        context.output.Message("warning", "", Worded(text::kSayMessagesLost), Colour::Yellow);
+    }
+    if (context.dryRun) {
+        return std::nullopt;
+    }
+    if (const std::error_code error = KeepMessages(folder, records, NowS(context))) {
+        return FileFailure(
+            Worded(text::kSayMessagesNotKept, {NavigationPath(folder).string(), error.message()}),
+            "fieldcore-cli doctor");
+    }
+    return std::nullopt;
+}
+
+/// Adds @p records to what is kept and tells of them.
+ExitCode Take(const Context& context, std::span<const NavigationRecord> records)
+{
+    if (const std::optional<Failure> failure = Keep(context, records)) {
+        return context.output.Failed(*failure);
+    }
+    Report report;
+    report.Add("file", Worded(text::kLabelFile),
+               Value::Text(NavigationPath(Folders(context.world.folders).Program()).string()));
+    AddSystemTable(report, records, NowS(context));
+    context.output.Note(Worded(text::kSayForSystems, {LettersOf(records)}));
+    return Kept(context, report);
+}
+
+std::vector<NavigationRecord> MessagesOf(const Context& context,
+                                         std::span<const AlmanacRecord> records)
+{
+    std::vector<NavigationRecord> messages;
+    for (const AlmanacRecord& record : records) {
+        if (const auto message = MessageOf(record, NowS(context))) {
+            messages.push_back(*message);
+        }
+    }
+    return messages;
 }
 
 void ForEachSystem(SystemSet systems, const auto& use)
@@ -157,31 +186,21 @@ ExitCode ImportNavigation(const Context& context, const std::string& file)
             text::kSayMessagesOdd,
             {std::to_string(text.odd), std::to_string(text.firstOdd->line), text.firstOdd->field}));
     }
-    if (const std::optional<Failure> failure = Keep(context, text.records)) {
-        return context.output.Failed(*failure);
-    }
-    Report report;
-    report.Add("file", Worded(text::kLabelFile),
-               Value::Text(NavigationPath(Folders(context.world.folders).Program()).string()));
-    AddSystemTable(report, text.records, static_cast<double>(GpsSeconds(GpsNow(context.world))));
-    context.output.Note(Worded(text::kSayForSystems, {LettersOf(text.records)}));
-    return Kept(context, report);
+    return Take(context, text.records);
+}
+
+ExitCode ImportOthers(const Context& context, std::span<const AlmanacRecord> records)
+{
+    return Take(context, MessagesOf(context, records));
 }
 
 std::optional<Failure> KeepOthers(const Context& context, std::span<const AlmanacRecord> records)
 {
-    std::vector<NavigationRecord> messages;
-    const auto now = static_cast<double>(GpsSeconds(GpsNow(context.world)));
-    for (const AlmanacRecord& record : records) {
-        if (const auto message = MessageOf(record, now)) {
-            messages.push_back(*message);
-        }
-    }
-    if (messages.empty()) {
+    if (records.empty()) {
         return std::nullopt;
     }
-    context.output.Note(Worded(text::kSayQzssTaken, {std::to_string(messages.size())}));
-    return Keep(context, messages);
+    context.output.Note(Worded(text::kSayQzssTaken, {std::to_string(records.size())}));
+    return Keep(context, MessagesOf(context, records));
 }
 
 void WarnOfSystems(Output& output, const ObservationPlan& plan)

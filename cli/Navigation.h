@@ -7,6 +7,7 @@
 #include "core/planning/AlmanacRecord.h"
 #include "core/planning/ObservationPlan.h"
 
+#include <optional>
 #include <span>
 #include <string>
 
@@ -22,8 +23,10 @@ void AddSystemTable(Report& report, std::span<const NavigationRecord> records, d
 /// Adds the messages of a navigation file to those that are kept.
 ExitCode ImportNavigation(const Context& context, const std::string& file);
 
-/// Adds the satellites of an almanac text that are not GPS to the messages that are kept.
-/// @return whether all is done; else why not
+/// The same with an almanac text that has no GPS satellite.
+ExitCode ImportOthers(const Context& context, std::span<const AlmanacRecord> records);
+/// Adds satellites that stand in an almanac text beside GPS to the messages that are kept.
+/// @return why not; nothing if it is done
 [[nodiscard]] std::optional<Failure> KeepOthers(const Context& context,
                                                 std::span<const AlmanacRecord> records);
 

@@ -67,6 +67,13 @@ void Constellations::Add(std::span<const NavigationRecord> records)
     m_records.erase(m_records.begin(), kept.base());
 }
 
+void Constellations::DropBefore(GnssSystem system, double gpsS)
+{
+    std::erase_if(m_records, [&](const NavigationRecord& record) {
+        return record.satellite.system == system && record.ReferenceS() < gpsS;
+    });
+}
+
 std::span<const NavigationRecord> Constellations::RecordsOf(SatelliteId satellite) const
 {
     const auto first = std::lower_bound(

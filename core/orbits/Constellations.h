@@ -41,6 +41,9 @@ public:
     /// that was added last; an older file so takes nothing away.
     void Add(std::span<const NavigationRecord> records);
 
+    /// Takes away the records of @p system that are older than @p gpsS, seconds of GPS time.
+    void DropBefore(GnssSystem system, double gpsS);
+
     /// By satellite, then reference time.
     [[nodiscard]] std::span<const NavigationRecord> Records() const { return m_records; }
     [[nodiscard]] std::span<const NavigationRecord> RecordsOf(SatelliteId satellite) const;

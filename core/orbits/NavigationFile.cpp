@@ -4,7 +4,8 @@
 #include "core/platform/AtomicFile.h"
 #include "core/platform/Folders.h"
 
-#include <span>
+#include <algorithm>
+#include <map>
 #include <string>
 
 namespace fieldcore {
@@ -28,13 +29,27 @@ KeptNavigation LoadConstellations(const std::filesystem::path& folder)
     return kept;
 }
 
-std::error_code SaveConstellations(const std::filesystem::path& folder,
-                                   const Constellations& constellations)
+std::error_code KeepMessages(const std::filesystem::path& folder,
+                             std::span<const NavigationRecord> records, double nowS)
 {
+    constexpr double kDayS = 86400.0;
+    constexpr double kForgottenS = 30 * kDayS;
     if (const std::error_code error = Folders::Create(folder)) {
         return error;
     }
-    const std::string text = WriteNavigation(constellations.Records());
+    Constellations known = LoadConstellations(folder).constellations;
+    known.Add(records);
+    std::map<GnssSystem, double> newest;
+    for (const NavigationRecord& record : records) {
+        if (record.ReferenceS() < nowS + kDayS) {
+            double& newestS = newest[record.satellite.system];
+            newestS = std::max(newestS, record.ReferenceS());
+        }
+    }
+    for (const auto& [system, newestS] : newest) {
+        known.DropBefore(system, newestS - kForgottenS);
+    }
+    const std::string text = WriteNavigation(known.Records());
     return ReplaceFile(NavigationPath(folder), "GSurveyPlan.nav.new",
                        std::as_bytes(std::span(text)));
 }

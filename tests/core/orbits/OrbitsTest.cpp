@@ -254,18 +254,31 @@ TEST_F(ConstellationsTest, OutliveTheProgramInTheirFile)
 {
     const TemporaryFolder folder;
     EXPECT_TRUE(LoadConstellations(folder.Path()).constellations.Records().empty());
-    m_known.Add(ReadNavigation(Messages()).records);
-    ASSERT_FALSE(SaveConstellations(folder.Path() / "new", m_known));
+    const std::vector<NavigationRecord> records = ReadNavigation(Messages()).records;
+    m_known.Add(records);
+    ASSERT_FALSE(KeepMessages(folder.Path() / "new", records, GpsAt(12, 0)));
     const KeptNavigation kept = LoadConstellations(folder.Path() / "new");
     EXPECT_FALSE(kept.error);
     ASSERT_EQ(kept.constellations.Records().size(), m_known.Records().size());
     EXPECT_EQ(kept.constellations.Satellites(SystemSet().set()).size(), 8U);
+
+    // A satellite that was not heard of for 30 days is forgotten, but not for a wrong date.
+    NavigationRecord other = At(24 * 31);
+    other.satellite.number = 12;
+    const auto satellites = [&] {
+        const Constellations now = LoadConstellations(folder.Path() / "new").constellations;
+        return now.Satellites(SystemSetOf(GnssSystem::Galileo)).size();
+    };
+    ASSERT_FALSE(KeepMessages(folder.Path() / "new", std::array{other}, GpsAt(12, 0)));
+    EXPECT_EQ(satellites(), 2U);
+    ASSERT_FALSE(KeepMessages(folder.Path() / "new", std::array{other}, other.ReferenceS()));
+    EXPECT_EQ(satellites(), 1U);
     // What cannot be read is told, and is not there.
     folder.Write("new/GSurveyPlan.nav", "something else");
     EXPECT_TRUE(LoadConstellations(folder.Path() / "new").error);
     // A file that cannot be written leaves the folder as it is.
     folder.Write("file", "");
-    EXPECT_TRUE(SaveConstellations(folder.Path() / "file", m_known));
+    EXPECT_TRUE(KeepMessages(folder.Path() / "file", records, GpsAt(12, 0)));
 }
 
 } // namespace
