@@ -3,6 +3,7 @@
 #include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
+#include "cli/SiteSearch.h"
 #include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
@@ -38,6 +39,7 @@ struct Options
     std::optional<int> minSatellites;
     std::optional<double> maxPdop;
     std::string minLength;
+    int top = 3; ///< best days of a search
 };
 
 const std::map<std::string, PlanGraph>& Kinds()
@@ -75,12 +77,11 @@ void WarnOfSource(Output& output, const ObservationPlan& plan)
     }
 }
 
-/// Makes each of the plans that @p options ask for and hands it on.
+/// Reads what the plans that @p options ask for are made of.
 /// @param wholeDay  the period if none is given
 /// @return what is wrong with the options or the files
-std::optional<Failure>
-ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, PlanRequest& request,
-            const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
+std::optional<Failure> Prepare(const Context& context, const PlanOptions& options, bool wholeDay,
+                               PlanRequest& request, ObservationPlan& plan)
 {
     SettingsRoots roots{Folders(context.world.folders)};
     const PlanSettings settings = LoadPlanSettings(HostReg(roots));
@@ -93,12 +94,36 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
         context.output.Message("warning", "", Worded(text::kSayAlmanacPut), Colour::Yellow);
         context.output.Note(Worded(text::kSayGetAlmanac));
     }
-    ObservationPlan plan;
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
     }
     if (plan.UsesAlmanac()) {
         WarnOfSource(context.output, plan);
+    }
+    return std::nullopt;
+}
+
+/// Says what is too old for @p plan.
+/// @return whether there was anything to say
+bool WarnOfOld(Output& output, const ObservationPlan& plan)
+{
+    if (!plan.IsGpsAlone()) {
+        WarnOfSystems(output, plan);
+        return true;
+    }
+    const bool isOld = StateOfAlmanac(plan).isOld;
+    WarnOfAge(output, plan);
+    return isOld;
+}
+
+/// Makes each of the plans that @p options ask for and hands it on. As for Prepare().
+std::optional<Failure>
+ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, PlanRequest& request,
+            const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
+{
+    ObservationPlan plan;
+    if (std::optional<Failure> failure = Prepare(context, options, wholeDay, request, plan)) {
+        return failure;
     }
     bool warned = false;
     for (const NamedSite& site : request.sites) {
@@ -108,13 +133,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
                 return RequestFailure(CommandFault::Cancelled, "");
             }
             plan.Period() = {date, request.startHour, request.hours};
-            if (!warned && !plan.IsGpsAlone()) {
-                WarnOfSystems(context.output, plan);
-                warned = true;
-            } else if (!warned && StateOfAlmanac(plan).isOld) {
-                WarnOfAge(context.output, plan);
-                warned = true;
-            }
+            warned = warned || WarnOfOld(context.output, plan);
             plan.Compute();
             use(plan, site);
         }
@@ -172,8 +191,72 @@ WindowLimits LimitsOf(const Options& options, const PlanSettings& settings)
     return limits;
 }
 
+struct Searched
+{
+    PlanRequest request;
+    ObservationPlan plan;
+    std::optional<PlanSearch> search;
+    WindowLimits limits;
+};
+/// Searches the days for all sites at once.
+/// @param fewest  sites
+std::optional<Failure> Search(const Context& context, const Options& options, std::size_t fewest,
+                              Searched& result)
+{
+    if (options.csv && context.output.IsJson()) {
+        return UsageFailure("--csv and --json are two different outputs.");
+    }
+    PlanRequest& request = result.request;
+    if (std::optional<Failure> failure =
+            Prepare(context, options.plan, true, request, result.plan)) {
+        return failure;
+    }
+    if (request.sites.size() < fewest) {
+        return UsageFailure(Worded(text::kSayNeedsSites), Worded(text::kSayNeedsSitesHint));
+    }
+    result.plan.Period() = {request.dates.front(), request.startHour, request.hours};
+    WarnOfOld(context.output, result.plan);
+    result.limits = LimitsOf(options, request.settings);
+    return RunSearch(context, options.plan, request, result.plan, result.search);
+}
+
+/// The table of good windows, or that there is none.
+ExitCode TellWindows(const Context& context, Report::Table table, const WindowLimits& limits,
+                     const std::string& csv)
+{
+    const bool isNone = table.rows.empty();
+    Report report;
+    report.AddTable(std::move(table));
+    if (!isNone) {
+        return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
+    }
+    return context.output.Failed(
+        {ExitCode::Failed, "no-window",
+         "There is no such window: no time with " + LimitWords(limits) + ".",
+         "fewer satellites (--min-sv), a higher PDOP (--max-pdop), less "
+         "time (--min-length), another day (--date, --days)"},
+        context.output.IsJson() ? &report : nullptr);
+}
+
+ExitCode BestOfSites(const Context& context, const Options& options)
+{
+    Searched of;
+    if (const std::optional<Failure> failure = Search(context, options, 1, of)) {
+        return context.output.Failed(*failure);
+    }
+    Report::Table table = BestTable(*of.search, of.limits, options.top);
+    if (!table.rows.empty()) {
+        WarnOfSitesWithout(context.output, *of.search, table);
+    }
+    const std::string csv = options.csv ? TableCsv(table, CsvSource(of.plan)) : "";
+    return TellWindows(context, std::move(table), of.limits, csv);
+}
+
 ExitCode Best(const Context& context, const Options& options)
 {
+    if (!options.plan.siteList.empty()) {
+        return BestOfSites(context, options);
+    }
     Report::Table table{"windows", "", WindowColumns(), {}};
     PlanRequest request;
     WindowLimits limits;
@@ -188,18 +271,22 @@ ExitCode Best(const Context& context, const Options& options)
     if (failure) {
         return context.output.Failed(*failure);
     }
-    const bool isNone = table.rows.empty();
-    Report report;
-    report.AddTable(std::move(table));
-    if (!isNone) {
-        return context.output.Done(report);
+    return TellWindows(context, std::move(table), limits, "");
+}
+
+ExitCode Session(const Context& context, const Options& options)
+{
+    Searched of;
+    if (const std::optional<Failure> failure = Search(context, options, 2, of)) {
+        return context.output.Failed(*failure);
     }
-    return context.output.Failed(
-        {ExitCode::Failed, "no-window",
-         "There is no such window: no time with " + LimitWords(limits) + ".",
-         "fewer satellites (--min-sv), a higher PDOP (--max-pdop), less "
-         "time (--min-length), another day (--date, --days)"},
-        context.output.IsJson() ? &report : nullptr);
+    Report report;
+    report.AddTable(SessionTable(*of.search, of.limits));
+    report.AddTable(BestTable(*of.search, of.limits, options.top));
+    report.AddTable(SessionSamples(*of.search));
+    return options.csv ? context.output.Done(
+                             report, TableCsv(SessionSamples(*of.search), CsvSource(of.plan)))
+                       : context.output.Done(report);
 }
 
 ExitCode Sites(const Context& context)
@@ -236,10 +323,12 @@ void AddBestOptions(CLI::App& best, Options& options)
     AddNumber(best, "--max-pdop", options.maxPdop,
               {WindowLimits::kLowestPdop, WindowLimits::kHighestPdop, "", "the same: 4"}, "X",
               "PDOP at most");
-    AddText(best, "--min-length", options.minLength, "TIME",
+    AddText(best, "--min-length,--length", options.minLength, "TIME",
             "Length at least: 60m, 2h, up to a day (the same: 30m)")
         ->check(CLI::Validator(
             [](const std::string& text) { return ParseLength(text) ? "" : "no length"; }, ""));
+    AddNumber(best, "--top", options.top, {1.0, SearchHours::kMostDays, "", "3"}, "N",
+              "With --sites: the best N days of each");
 }
 
 } // namespace
@@ -273,9 +362,15 @@ Command AddPlanCommand(CLI::App& program)
         {{"best", "The windows of a day in which the sky is good; takes plan's options, too",
           "  fieldcore-cli plan best --min-sv 7 --max-pdop 2.5 --min-length 60m\n"
           "  fieldcore-cli plan best --site 大阪 --date tomorrow --days 3\n"
-          "  fieldcore-cli plan best --from 20 --hours 9     through the night\n",
+          "  fieldcore-cli plan best --from 20 --hours 9     through the night\n"
+          "  fieldcore-cli plan best --sites SITES.csv --days 14 --length 60m --systems GRE\n",
           [options](CLI::App& parser) { AddBestOptions(parser, *options); },
           [options](const Context& context) { return Best(context, *options); }},
+         {"session", "Several sites at the same time: what all of them see; takes plan's options",
+          "  fieldcore-cli plan session --sites SITES.csv --date tomorrow --from 9 --hours 8\n"
+          "  fieldcore-cli plan session --site 東京都千代田区 --site 大阪府大阪市 --csv\n",
+          [options](CLI::App& parser) { AddBestOptions(parser, *options); },
+          [options](const Context& context) { return Session(context, *options); }},
          {"sites",
           "The sites that plan knows by name",
           "  fieldcore-cli plan sites          names and coordinates\n"

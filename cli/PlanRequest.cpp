@@ -13,6 +13,7 @@
 #include "core/planning/PackedDegrees.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
+#include "core/planning/SitesCsv.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
@@ -106,6 +107,22 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
 }
 
+std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& request)
+{
+    if (file.empty()) {
+        return std::nullopt;
+    }
+    SitesCsv list = LoadSitesCsv(file);
+    if (list.error) {
+        return TextFailure(file, *list.error,
+                           "A line is name,latitude,longitude,height: 本社,35.69,139.75,60");
+    }
+    for (ListedSite& site : list.sites) {
+        request.sites.push_back({std::move(site.name), site.observer});
+    }
+    return std::nullopt;
+}
+
 /// @return nothing if @p text is no date
 std::optional<std::chrono::sys_days> ParseDate(const std::string& text, const World& world)
 {
@@ -164,6 +181,8 @@ void PlanOptions::AddTo(CLI::App& command)
             "A site by its name, or a part of it; several may follow");
     AddText(command, "--at", places, "LAT,LON[,HEIGHT]",
             "A place in degrees and metres, e.g. 35.69,139.75,60");
+    AddText(command, "--sites", siteList, "FILE",
+            "The sites of a list: name, latitude, longitude and height, comma-separated");
     AddText(command, "--date", date, "DATE", "2026-11-21, today or tomorrow (today in Japan)");
     AddNumber(command, "--days", days, {1.0, 366.0, "", "1"}, "N", "So many days from the date on");
     AddNumber(command, "--from", from, {0.0, 23.0, "h"}, "HOUR", "First hour, Japan time");
@@ -211,7 +230,7 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     request.almanac = options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
     request.maskDeg = options.maskDeg.value_or(settings.elMaskDeg);
     std::vector<std::string> names = options.sites;
-    if (names.empty() && options.places.empty()) {
+    if (names.empty() && options.places.empty() && options.siteList.empty()) {
         names.push_back(ToUtf8(settings.position));
     }
     const std::optional<SystemSet> systems = ParseSystems(options.systems);
@@ -231,6 +250,9 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
         if (std::optional<Failure> failure = UsePlace(place, request.sites.emplace_back())) {
             return failure;
         }
+    }
+    if (std::optional<Failure> failure = UseList(options.siteList, request)) {
+        return failure;
     }
     if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
         return failure;

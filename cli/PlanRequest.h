@@ -36,6 +36,7 @@ struct PlanOptions
 {
     std::vector<std::string> sites;  ///< names
     std::vector<std::string> places; ///< LAT,LON[,HEIGHT] in degrees and metres
+    std::filesystem::path siteList;  ///< a file of sites; empty: none
     std::string date = "today";      ///< YYYY-MM-DD, today or tomorrow
     int days = 1;
     std::optional<int> from;

@@ -2,10 +2,12 @@
 
 #include "core/platform/AtomicFile.h"
 #include "core/platform/Folders.h"
+#include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
 
 #include <algorithm>
 #include <span>
+#include <string>
 
 namespace fieldcore {
 
@@ -35,6 +37,31 @@ std::error_code SaveCurtain(const fs::path& folder, const ObstructionCurtain& cu
         return error;
     }
     return ReplaceFile(CurtainPath(folder), "CurTain.obs.new", std::as_bytes(std::span(curtain)));
+}
+
+std::optional<fs::path> SiteCurtainPath(const fs::path& folder, std::wstring_view name)
+{
+    constexpr std::size_t kMostBytes = 200; // with its end, and what a safe replacement adds
+    constexpr std::string_view kNeverInNames = "/\\:*?\"<>|%";
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    const std::string utf8 = ToUtf8(name);
+    std::string file;
+    for (std::size_t at = 0; at < utf8.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(utf8[at]);
+        const bool isAtEnd = at == 0 || at + 1 == utf8.size();
+        if (byte < 0x20 || byte == 0x7F || kNeverInNames.find(utf8[at]) != std::string_view::npos ||
+            (isAtEnd && (utf8[at] == '.' || utf8[at] == ' '))) {
+            file += '%';
+            file += kDigits[byte >> 4U];
+            file += kDigits[byte & 0xFU];
+        } else {
+            file += utf8[at];
+        }
+    }
+    if (file.empty() || file.size() > kMostBytes) {
+        return std::nullopt;
+    }
+    return folder / "Curtains" / (file + ".txt");
 }
 
 } // namespace fieldcore

@@ -4,7 +4,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
+#include <string_view>
 #include <system_error>
 
 namespace fieldcore {
@@ -26,5 +28,14 @@ namespace fieldcore {
 /// @return what went wrong; the old file is then still there
 [[nodiscard]] std::error_code SaveCurtain(const std::filesystem::path& folder,
                                           const ObstructionCurtain& curtain);
+
+/// The file of a site's own curtain, "NAME.txt" in the folder "Curtains" of the program's @p
+/// folder. What cannot be in the name of a file everywhere stands there as in an address, a byte of
+/// UTF-8 as "%2F": / \ : * ? " < > | %, what is not printed, and a dot or blank at either end. So
+/// no two sites share a file, and none leads to another folder.
+/// @param name  of the site
+/// @return nothing if the name is empty, or too long for a file (200 bytes as it is written there)
+[[nodiscard]] std::optional<std::filesystem::path>
+SiteCurtainPath(const std::filesystem::path& folder, std::wstring_view name);
 
 } // namespace fieldcore

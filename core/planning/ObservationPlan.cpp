@@ -80,11 +80,7 @@ void ObservationPlan::ComputeSky()
         epochs.push_back(GpsSecondsOfUtc(m_period.UtcAfter(k)));
     }
     const Constellations known = WithAlmanac(m_known, m_calc, epochs.front());
-    m_satellites = known.Satellites(m_systems);
-    std::erase_if(m_satellites, [this](SatelliteId satellite) {
-        return satellite.system == GnssSystem::Gps &&
-               m_calc.GetSatellite(satellite.number - 1).GetUse() == 0;
-    });
+    m_satellites = PlannedSatellites(known, m_systems, m_calc);
     m_sky.Compute(known, m_satellites, epochs, m_calc.GetFrame(), m_calc.GetLimits(),
                   m_clockPerSystem, m_results->view.count, m_results->view.dop);
 }

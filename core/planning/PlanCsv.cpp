@@ -20,8 +20,9 @@ namespace {
 
 constexpr const char* kLineEnd = "\r\n";
 
-/// A field that a comma, a quote or a line end within it does not break.
-std::string Quoted(std::string_view text)
+} // namespace
+
+std::string CsvField(std::string_view text)
 {
     if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
         return std::string(text);
@@ -33,6 +34,8 @@ std::string Quoted(std::string_view text)
     }
     return quoted + "\"";
 }
+
+namespace {
 
 std::string Fixed(double number, std::uint8_t decimals)
 {
@@ -52,8 +55,9 @@ std::string DayText(std::chrono::sys_days date)
            Whole(static_cast<unsigned>(day.day()), 2);
 }
 
-/// Where the almanac comes from, and its day: "公称軌道暦（見本） 2026-11-19".
-std::string AlmanacOf(const ObservationPlan& plan)
+} // namespace
+
+std::string CsvSource(const ObservationPlan& plan)
 {
     if (plan.IsGpsAlone()) {
         const AlmanacState almanac = StateOfAlmanac(plan);
@@ -72,8 +76,6 @@ std::string AlmanacOf(const ObservationPlan& plan)
                : systems + " " +
                      DayText(std::chrono::floor<std::chrono::days>(UtcOfGpsSeconds(oldestS)));
 }
-
-} // namespace
 
 std::string PlanCsvHeader(PlanGraph graph, bool isGpsAlone)
 {
@@ -103,8 +105,8 @@ std::string PlanCsvHeader(PlanGraph graph, bool isGpsAlone)
 
 std::string PlanCsvRows(const ObservationPlan& plan, PlanGraph graph, std::wstring_view site)
 {
-    const std::string name = Quoted(ToUtf8(site));
-    const std::string end = "," + Quoted(AlmanacOf(plan)) + kLineEnd;
+    const std::string name = CsvField(ToUtf8(site));
+    const std::string end = "," + CsvField(CsvSource(plan)) + kLineEnd;
     const auto begin = [&](int epoch) { return name + "," + plan.Computed().JstText(epoch) + ","; };
     std::string rows;
     for (int k = 0; k < plan.Division(); ++k) {

@@ -17,6 +17,13 @@ namespace fieldcore {
 /// almanac's source and day, so that what is made up says so wherever the rows go; with more than
 /// GPS it is the systems and the day of the oldest of them, and satellites are named as G05.
 
+/// A field that a comma, a quote or a line end within it does not break.
+[[nodiscard]] std::string CsvField(std::string_view text);
+
+/// What the last field of each row says: where the almanac of @p plan comes from, and its day, as
+/// "公称軌道暦（見本） 2026-11-19", or the systems.
+[[nodiscard]] std::string CsvSource(const ObservationPlan& plan);
+
 /// The line of column names.
 /// @param isGpsAlone  of the plan
 [[nodiscard]] std::string PlanCsvHeader(PlanGraph graph, bool isGpsAlone = true);

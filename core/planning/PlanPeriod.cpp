@@ -34,15 +34,9 @@ CGPSTime PlanPeriod::Start() const
     return {midnight + CTimeSpan(0, startHour - kJapanBehindUtcH, 0, 0)};
 }
 
-std::chrono::sys_seconds PlanPeriod::UtcAfter(int samples) const
+std::string JstText(std::chrono::sys_seconds utc)
 {
-    return std::chrono::sys_days(date) + std::chrono::hours(startHour - kJapanBehindUtcH) +
-           samples * Interval();
-}
-
-std::string PlanPeriod::JstText(int samples) const
-{
-    const auto jst = UtcAfter(samples) + std::chrono::hours(kJapanBehindUtcH);
+    const auto jst = utc + std::chrono::hours(kJapanBehindUtcH);
     const auto day = std::chrono::floor<std::chrono::days>(jst);
     const std::chrono::year_month_day calendar(day);
     const auto minutes = std::chrono::floor<std::chrono::minutes>(jst - day).count();
@@ -52,6 +46,17 @@ std::string PlanPeriod::JstText(int samples) const
                   static_cast<unsigned>(calendar.day()), static_cast<int>(minutes / 60),
                   static_cast<int>(minutes % 60));
     return text.data();
+}
+
+std::chrono::sys_seconds PlanPeriod::UtcAfter(int samples) const
+{
+    return std::chrono::sys_days(date) + std::chrono::hours(startHour - kJapanBehindUtcH) +
+           samples * Interval();
+}
+
+std::string PlanPeriod::JstText(int samples) const
+{
+    return fieldcore::JstText(UtcAfter(samples));
 }
 
 std::string PlanPeriod::ClockText(int samples) const

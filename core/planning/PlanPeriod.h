@@ -35,11 +35,14 @@ struct PlanPeriod
     /// UTC of @p samples intervals after the start, by the calendar alone: what to write beside the
     /// samples, whatever the zone of the controller.
     [[nodiscard]] std::chrono::sys_seconds UtcAfter(int samples) const;
-    /// The same instant in Japan Standard Time: "2026-11-21T09:00+09:00".
+    /// The same as JstText().
     [[nodiscard]] std::string JstText(int samples) const;
     /// Its time of day: "09:00". The first midnight behind the start is "24:00".
     [[nodiscard]] std::string ClockText(int samples) const;
 };
+
+/// An instant in Japan Standard Time: "2026-11-21T09:00+09:00".
+[[nodiscard]] std::string JstText(std::chrono::sys_seconds utc);
 
 /// The day that Japan has at @p utc: what 今日 and "today" mean.
 [[nodiscard]] std::chrono::sys_days JapanDay(Clock::UtcTime utc);

@@ -20,6 +20,7 @@ struct SearchSite
     std::wstring name;
     Observer observer;
     SkyLimits limits;
+    bool hasCurtain = false; ///< more than a mask hides the sky
 };
 
 /// The same hours of some days, Japan Standard Time.

@@ -75,6 +75,17 @@ Constellations WithAlmanac(Constellations known, const CSurveyPlanCalc& calc, do
     return known;
 }
 
+std::vector<SatelliteId> PlannedSatellites(const Constellations& known, SystemSet systems,
+                                           const CSurveyPlanCalc& calc)
+{
+    std::vector<SatelliteId> satellites = known.Satellites(systems);
+    std::erase_if(satellites, [&calc](SatelliteId satellite) {
+        return satellite.system == GnssSystem::Gps &&
+               calc.GetSatellite(satellite.number - 1).GetUse() == 0;
+    });
+    return satellites;
+}
+
 DopValues DilutionOf(std::span<const Ecef> directions, std::span<const std::size_t> clocks) noexcept
 {
     std::array<ClockSums, kGnssSystems> sums;

@@ -31,6 +31,11 @@ class CSurveyPlanCalc;
 [[nodiscard]] Constellations WithAlmanac(Constellations known, const CSurveyPlanCalc& calc,
                                          double gpsS);
 
+/// Those of @p systems that a plan counts: GPS satellites that @p calc has switched off are not
+/// among them.
+[[nodiscard]] std::vector<SatelliteId>
+PlannedSatellites(const Constellations& known, SystemSet systems, const CSurveyPlanCalc& calc);
+
 /// The dilutions of satellites in some directions, when their receiver has one clock or one for
 /// each system.
 /// @param directions  unit vectors in any one frame

@@ -7,6 +7,7 @@
 #include "tests/core/planning/SampleSky.h"
 
 #include <algorithm>
+#include <csignal>
 #include <string>
 #include <string_view>
 
@@ -210,6 +211,89 @@ TEST_F(PlanTest, TakesACurtainInEitherForm)
     EXPECT_EQ(Plans(day + "backup")[0]["samples"], walled) << "told by its content";
 }
 
+TEST_F(PlanTest, SearchesDaysForSeveralSites)
+{
+    m_runner.Folder().Write("sites.csv",
+                            "A,35.5,139.5,100\n\"B/C\",35.6,139.6,50\nD,43,141.3,20\n");
+    m_runner.Folder().Write("program/Curtains/B%2FC.txt", "0 60\n");
+    const std::string search = std::string("plan best --sites @/sites.csv --days 3 --top 2 "
+                                           "--mask 10 --length 1h --from 20 --hours 9 --date ") +
+                               kDay;
+    const std::string easy = " --min-sv 5 --max-pdop 6";
+    const Outcome told = m_runner.Run(search + easy + " --json");
+    EXPECT_EQ(told.code, 0) << told.err;
+    EXPECT_NE(told.err.find("open sky is taken: A, D"), std::string::npos) << told.err;
+    EXPECT_NE(told.err.find("Curtains/A.txt"), std::string::npos) << told.err;
+    EXPECT_NE(told.err.find("No such time at: B/C, all together"), std::string::npos)
+        << "under 60 degrees everywhere: " << told.err;
+    const nlohmann::json windows = told.Json()["result"]["windows"];
+    ASSERT_EQ(windows.size(), 4U) << "two days of two sites";
+    EXPECT_EQ(windows[0]["site"], "A");
+    EXPECT_EQ(windows[2]["site"], "D");
+    for (const nlohmann::json& window : windows) {
+        EXPECT_GE(window["fewestSatellites"], 5);
+        EXPECT_LE(window["highestPdop"], 6.0);
+    }
+    EXPECT_LE(windows[0]["highestPdop"], windows[1]["highestPdop"]) << "the best day first";
+    // The window is one of the plan itself, at least as good.
+    const std::string from = windows[0]["from"];
+    const nlohmann::json samples =
+        Plans("plan --at 35.5,139.5,100 --no-curtain --mask 10 --hours 1 --date " +
+              from.substr(0, 10) + " --from " + from.substr(11, 2))[0]["samples"];
+    const auto same = std::find_if(samples.begin(), samples.end(), [&](const auto& sample) {
+        return sample["time"] >= windows[0]["from"] && sample["time"] <= windows[0]["to"];
+    });
+    ASSERT_NE(same, samples.end());
+    EXPECT_GE((*same)["satellites"], windows[0]["fewestSatellites"]);
+    EXPECT_LE((*same)["pdop"], windows[0]["highestPdop"]);
+
+    // Without the wall all of them together; as values, too.
+    const Outcome csv = m_runner.Run(search + easy + " --no-curtain --csv");
+    EXPECT_EQ(csv.out.find("site,date,from,to,fewestSatellites,"), 0U);
+    EXPECT_EQ(std::count(csv.out.begin(), csv.out.end(), '\n'), 1 + 2 * 4);
+    EXPECT_NE(csv.out.find("\r\n*,2022-03-1"), std::string::npos) << csv.out;
+
+    const Outcome none = m_runner.Run(search + " --min-sv 12 --max-pdop 1 --json");
+    EXPECT_EQ(none.code, 1);
+    EXPECT_EQ(none.Json()["error"]["code"], "no-window");
+    EXPECT_TRUE(none.Json()["result"]["windows"].empty());
+
+    int asked = 0;
+    m_runner.world.stopSignal = [&asked] { return ++asked > 20 ? SIGINT : 0; };
+    m_runner.world.errIsTerminal = true;
+    const Outcome stopped = m_runner.Run(search + easy);
+    EXPECT_EQ(stopped.code, 7);
+    EXPECT_TRUE(stopped.out.empty());
+    EXPECT_NE(stopped.err.find("[20/"), std::string::npos) << "progress: " << stopped.err;
+}
+
+TEST_F(PlanTest, PlansASessionOfSeveralSites)
+{
+    const std::string session =
+        std::string("plan session --at 35.5,139.5,100 --at 43,141.3,20 --no-curtain --mask 10 "
+                    "--from 9 --hours 2 --date ") +
+        kDay;
+    const nlohmann::json result = m_runner.Run(session + " --json").Json()["result"];
+    ASSERT_EQ(result["sites"].size(), 3U);
+    ASSERT_EQ(result["samples"].size(), 13U);
+    const nlohmann::json& together = result["sites"][2];
+    EXPECT_EQ(together["site"], "*");
+    double highest = 0.0;
+    int fewest = 99;
+    for (std::size_t site = 0; site < 2; ++site) {
+        highest = std::max(highest, result["sites"][site]["highestPdop"].get<double>());
+        EXPECT_LE(together["fewestSatellites"], result["sites"][site]["fewestSatellites"]);
+    }
+    for (const nlohmann::json& sample : result["samples"]) {
+        fewest = std::min(fewest, sample["satellites"].get<int>());
+    }
+    EXPECT_EQ(together["highestPdop"], highest);
+    EXPECT_EQ(together["fewestSatellites"], fewest);
+    const Outcome csv = m_runner.Run(session + " --csv");
+    EXPECT_EQ(csv.out.find("time,satellites,pdop,almanac\r\n2022-03-12T09:00+09:00,"), 0U)
+        << csv.out;
+}
+
 TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
 {
     m_runner.Folder().Write("program/GSurveyPlan.ini",
@@ -222,6 +306,10 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
         int code;
         std::string_view told; ///< on stderr
     };
+    m_runner.Folder().Write("one.csv", "A,35.5,139.5,10\n");
+    m_runner.Folder().Write("wrong.csv", "A,35.5,139.5,10\nB,95,139,0\n");
+    m_runner.Folder().Write("walled.csv", "walled,35.5,139.5,10\n");
+    m_runner.Folder().Write("program/Curtains/walled.txt", "a wall\n");
     const Row rows[] = {
         {"plan --from 25", 2, "25"},
         {"plan --from -1", 2, "-1"},
@@ -246,6 +334,14 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
         {"plan --curtain @/missing.txt", 8, "missing.txt"},
         {"plan --curtain @/wrong.txt", 8, "wrong.txt, line 2"},
         {"plan --almanac @/", 8, "almanac import"},
+        {"plan best --sites @/missing.csv", 8, "missing.csv"},
+        {"plan best --sites @/wrong.csv", 8, "wrong.csv, line 2"},
+        {"plan best --sites @/one.csv --days 32", 2, "31 days"},
+        {"plan best --sites @/one.csv --csv --json", 2, ""},
+        {"plan best --sites @/one.csv --systems GX", 2, "GX"},
+        {"plan best --sites @/one.csv --systems GE --clock-per-system", 2, "--clock-per-system"},
+        {"plan best --sites @/walled.csv", 8, "walled.txt, line 1"},
+        {"plan session --sites @/one.csv", 2, "two sites"},
         {std::string("plan --date ") + kDay, 0, ""},
         {"plan --date 2022-04-09 --from 9", 0, ""}, // within 30 days
         {"plan --date 2022-04-11 --from 9", 0, "almanac get"},

@@ -47,5 +47,32 @@ TEST(CurtainFile, SaysWhenItCannotBeSaved)
     EXPECT_TRUE(SaveCurtain(folder.Path(), {}));
 }
 
+TEST(CurtainFile, OfASiteIsNamedSafely)
+{
+    struct Row
+    {
+        const wchar_t* site;
+        const char* file; ///< empty: none
+    };
+    const Row rows[] = {
+        {L"本社 屋上", "本社 屋上.txt"},
+        {L"A/B", "A%2FB.txt"},
+        {L"A%2FB", "A%252FB.txt"}, // not the file of the one above
+        {L"..", "%2E%2E.txt"},
+        {L".hidden. ", "%2Ehidden.%20.txt"},
+        {L"C:\\x\n", "C%3A%5Cx%0A.txt"},
+        {L"", ""},
+    };
+    for (const Row& row : rows) {
+        const auto path = SiteCurtainPath("home", row.site);
+        ASSERT_EQ(path.has_value(), *row.file != '\0') << row.file;
+        if (path) {
+            EXPECT_EQ(path->filename(), row.file);
+            EXPECT_EQ(path->parent_path(), std::filesystem::path("home") / "Curtains");
+        }
+    }
+    EXPECT_FALSE(SiteCurtainPath("home", std::wstring(70, L'本'))) << "too long for a file";
+}
+
 } // namespace
 } // namespace fieldcore

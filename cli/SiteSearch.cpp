@@ -1,0 +1,265 @@
+#include "cli/SiteSearch.h"
+
+#include "cli/Wording.h"
+
+#include "core/orbits/SystemTime.h"
+#include "core/planning/CurtainFile.h"
+#include "core/planning/CurtainText.h"
+#include "core/planning/PlanCsv.h"
+#include "core/planning/SkyPlan.h"
+#include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace fieldcore::cli {
+
+namespace {
+
+constexpr int kDopDecimals = 2;
+constexpr const char* kTogether = "*"; // for programs
+
+std::string JoinedNames(const std::vector<std::string>& names)
+{
+    constexpr std::size_t kMostNames = 10;
+    std::string text;
+    for (std::size_t at = 0; at < names.size(); ++at) {
+        text += at == 0 ? "" : ", ";
+        if (at == kMostNames) {
+            return text + "...";
+        }
+        text += names[at];
+    }
+    return text;
+}
+
+/// The sites with what hides their skies: their own curtain, else the one that was asked for, else
+/// nothing.
+std::optional<Failure> ReadSkies(const Context& context, const PlanOptions& options,
+                                 const PlanRequest& request, const ObservationPlan& plan,
+                                 std::vector<SearchSite>& sites)
+{
+    std::vector<std::string> without;
+    std::filesystem::path wanted;
+    for (const NamedSite& site : request.sites) {
+        ObstructionCurtain curtain{};
+        const auto file = SiteCurtainPath(request.folder, site.name);
+        std::error_code error;
+        if (options.noCurtain) {
+            // an open sky
+        } else if (file && std::filesystem::exists(*file, error)) {
+            const CurtainText text = LoadCurtainText(*file);
+            if (text.error) {
+                return TextFailure(*file, *text.error,
+                                   "A line is an azimuth and an elevation in whole degrees: "
+                                   "170 40");
+            }
+            curtain = text.curtain;
+        } else if (!options.curtain.empty()) {
+            curtain = plan.Calc().GetCurtain();
+        } else {
+            without.push_back(ToUtf8(site.name));
+            wanted = wanted.empty() && file ? *file : wanted;
+        }
+        sites.push_back({site.name, site.observer, SkyLimits(plan.Calc().GetElMask(), curtain),
+                         HasObstruction(curtain)});
+    }
+    if (!without.empty()) {
+        context.output.Message(
+            "warning", "", Worded(text::kSayNoSiteCurtain, {JoinedNames(without)}), Colour::Yellow);
+        context.output.Note(Worded(text::kSaySiteCurtainHint, {wanted.string()}));
+    }
+    return std::nullopt;
+}
+
+Value SiteValue(const PlanSearch& search, std::size_t site)
+{
+    return site == search.Together() ? Value::Word(kTogether, Worded(text::kSayAllSites))
+                                     : Value::Text(std::wstring_view(search.Sites()[site].name));
+}
+
+Value TimeValue(const PlanSearch& search, int epoch)
+{
+    constexpr std::size_t kClockAt = 11;
+    constexpr std::size_t kClockLength = 5;
+    const std::string jst = JstText(search.UtcAt(epoch));
+    return Value::Word(jst, jst.substr(kClockAt, kClockLength));
+}
+
+Value DateValue(const PlanSearch& search, int epoch)
+{
+    constexpr std::size_t kDateLength = 10;
+    return Value::Text(JstText(search.UtcAt(epoch)).substr(0, kDateLength));
+}
+
+Value HoursValue(const PlanSearch& search, int intervals)
+{
+    return Value::Real(static_cast<double>(intervals * search.Interval().count()) / 60.0, 1);
+}
+
+} // namespace
+
+std::optional<Failure> RunSearch(const Context& context, const PlanOptions& options,
+                                 const PlanRequest& request, const ObservationPlan& plan,
+                                 std::optional<PlanSearch>& search)
+{
+    if (request.dates.size() > SearchHours::kMostDays) {
+        return UsageFailure(Worded(text::kSayMostDays, {std::to_string(SearchHours::kMostDays)}));
+    }
+    if (request.sites.size() > PlanSearch::kMostSites) {
+        return UsageFailure(Worded(text::kSayMostSites, {std::to_string(PlanSearch::kMostSites)}));
+    }
+    if (plan.HasClockPerSystem()) {
+        return UsageFailure(Worded(text::kSayOneClock));
+    }
+    std::vector<SearchSite> sites;
+    if (std::optional<Failure> failure = ReadSkies(context, options, request, plan, sites)) {
+        return failure;
+    }
+    const SearchHours hours{request.dates.front(), static_cast<int>(request.dates.size()),
+                            request.startHour, request.hours};
+    if (plan.IsGpsAlone()) {
+        search.emplace(std::move(sites), hours, plan.Calc());
+    } else {
+        Constellations known = WithAlmanac(plan.GetConstellations(), plan.Calc(),
+                                           GpsSecondsOfUtc(plan.Period().UtcAfter(0)));
+        const std::vector<SatelliteId> satellites =
+            PlannedSatellites(known, plan.Systems(), plan.Calc());
+        search.emplace(std::move(sites), hours, std::move(known), satellites);
+    }
+    while (search->Step()) {
+        if (context.world.StopRequested() || !*context.world.out) {
+            context.output.Progress("");
+            return RequestFailure(CommandFault::Cancelled, "");
+        }
+        context.output.Progress(Worded(text::kSaySearching, {std::to_string(search->StepsDone()),
+                                                             std::to_string(search->Steps())}));
+    }
+    context.output.Progress("");
+    return std::nullopt;
+}
+
+Report::Table BestTable(const PlanSearch& search, const WindowLimits& limits, int days)
+{
+    Report::Table table{"windows",
+                        "",
+                        {{"site", Worded(text::kHeadSite)},
+                         {"date", Worded(text::kHeadDate)},
+                         {"from", Worded(text::kHeadFromJst)},
+                         {"to", Worded(text::kHeadToJst)},
+                         {"fewestSatellites", Worded(text::kHeadSatellites)},
+                         {"highestPdop", "PDOP"},
+                         {"goodFrom", Worded(text::kHeadGoodFrom)},
+                         {"goodTo", Worded(text::kHeadGoodTo)}},
+                        {}};
+    for (std::size_t site = 0; site <= search.Together(); ++site) {
+        int left = days;
+        for (const auto& [window, goodFirst, goodLast] : search.BestOfDays(site, limits)) {
+            if (left-- == 0) {
+                break;
+            }
+            table.rows.push_back({SiteValue(search, site), DateValue(search, window.first),
+                                  TimeValue(search, window.first), TimeValue(search, window.last),
+                                  Value::Integer(window.fewestSatellites),
+                                  Value::Real(window.highestPdop, kDopDecimals),
+                                  TimeValue(search, goodFirst), TimeValue(search, goodLast)});
+        }
+    }
+    return table;
+}
+
+void WarnOfSitesWithout(Output& output, const PlanSearch& search, const Report::Table& table)
+{
+    std::vector<std::string> without;
+    for (std::size_t site = 0; site <= search.Together(); ++site) {
+        const std::string name = SiteValue(search, site).Words();
+        if (std::none_of(table.rows.begin(), table.rows.end(),
+                         [&](const auto& row) { return row.front().Words() == name; })) {
+            without.push_back(name);
+        }
+    }
+    if (!without.empty()) {
+        output.Message("warning", "", Worded(text::kSayNoWindowAt, {JoinedNames(without)}),
+                       Colour::Yellow);
+    }
+}
+
+Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
+{
+    Report::Table table{"sites",
+                        "",
+                        {{"site", Worded(text::kHeadSite)},
+                         {"hasCurtain", Worded(text::kHeadCurtain)},
+                         {"fewestSatellites", Worded(text::kHeadFewest)},
+                         {"highestPdop", Worded(text::kHeadHighestPdop)},
+                         {"goodHours", Worded(text::kHeadGoodHours)}},
+                        {}};
+    for (std::size_t site = 0; site <= search.Together(); ++site) {
+        const auto counts = search.Counts(site);
+        const auto pdops = search.Pdops(site);
+        int good = 0;
+        for (const PlanWindow& window : FindWindows(counts, pdops, search.Interval(), limits)) {
+            good += window.last - window.first;
+        }
+        const int fewest = *std::min_element(counts.begin(), counts.end());
+        const double highest = *std::max_element(pdops.begin(), pdops.end());
+        table.rows.push_back({SiteValue(search, site),
+                              site == search.Together()
+                                  ? Value::Unknown()
+                                  : Value::YesNo(search.Sites()[site].hasCurtain),
+                              Value::Integer(fewest),
+                              Value::Real(fewest < kSatellitesForDop ? NAN : highest, kDopDecimals),
+                              HoursValue(search, good)});
+    }
+    return table;
+}
+
+Report::Table SessionSamples(const PlanSearch& search)
+{
+    Report::Table table{
+        "samples",
+        "",
+        {{"time", "JST"}, {"satellites", Worded(text::kHeadSatellites)}, {"pdop", "PDOP"}},
+        {}};
+    const auto counts = search.Counts(search.Together());
+    const auto pdops = search.Pdops(search.Together());
+    for (int k = 0; k < search.EpochCount(); ++k) {
+        const auto at = static_cast<std::size_t>(k);
+        table.rows.push_back(
+            {TimeValue(search, k), Value::Integer(counts[at]),
+             Value::Real(counts[at] < kSatellitesForDop ? NAN : pdops[at], kDopDecimals)});
+    }
+    return table;
+}
+
+std::string TableCsv(const Report::Table& table, const std::string& almanac)
+{
+    constexpr const char* kLineEnd = "\r\n";
+    std::string text;
+    for (const Report::Column& column : table.columns) {
+        text += column.key + ",";
+    }
+    text += std::string("almanac") + kLineEnd;
+    for (const std::vector<Value>& row : table.rows) {
+        for (const Value& value : row) {
+            const auto* const code = std::get_if<std::string>(&value.GetData());
+            const auto* const yes = std::get_if<bool>(&value.GetData());
+            text += value.IsUnknown() ? ""
+                    : code != nullptr ? CsvField(*code)
+                    : yes != nullptr  ? (*yes ? "1" : "0")
+                                      : value.Words();
+            text += ",";
+        }
+        text += CsvField(almanac) + kLineEnd;
+    }
+    return text;
+}
+
+} // namespace fieldcore::cli
