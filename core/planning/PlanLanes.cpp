@@ -320,9 +320,11 @@ HWY_INLINE void ViewEpochs(D d, const SkyBlock& sky, const LocalFrame& frame,
             const std::uint64_t bit = rest & (~rest + 1);
             const std::size_t slot = word * 64 + static_cast<std::size_t>(__builtin_ctzll(rest));
             const PositionBlock& at = sky.positions[slot * sky.stride];
-            const auto [east, north, up] =
-                ToLocal(d, frame, hn::Load(d, at.x + first), hn::Load(d, at.y + first),
-                        hn::Load(d, at.z + first));
+            const Vector<V> local = ToLocal(d, frame, hn::Load(d, at.x + first),
+                                            hn::Load(d, at.y + first), hn::Load(d, at.z + first));
+            const V east = local.x;
+            const V north = local.y;
+            const V up = local.z;
             const V horizontal2 = hn::MulAdd(east, east, north * north);
             const V range2 = hn::MulAdd(up, up, horizontal2);
             const auto mayPass = limits.MayPass(up, range2);

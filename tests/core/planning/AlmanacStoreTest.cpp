@@ -115,6 +115,29 @@ TEST_F(AlmanacStoreTest, KeepsWhatTheReceiverHas)
     EXPECT_EQ(ToUtf8(calc.Source().name), "VX1（S/N " + scenario.longSerial + "）");
 }
 
+TEST_F(AlmanacStoreTest, ServesAHostThroughTheCalculator)
+{
+    setenv("FIELDCORE_HOME", folder.Path().c_str(), 1);
+    Start(ReceiverWith({1, 2, 3, 7, 8}));
+    CSurveyPlanCalc calc;
+    EXPECT_FALSE(calc.LoadAlmanac());
+    std::size_t size = 0;
+    EXPECT_TRUE(CSurveyPlanCalc::DownloadAlmanac(command, size));
+    EXPECT_EQ(size, 32 * kAlmanacRecordSize);
+    EXPECT_TRUE(HasTemporary());
+    EXPECT_TRUE(CSurveyPlanCalc::CommitAlmanac(size));
+    EXPECT_TRUE(calc.LoadAlmanac());
+    EXPECT_EQ(calc.GetAlmanacTime().GetGpsWeek(), testing::kSampleWeek);
+    EXPECT_EQ(calc.IsValid(6), 1);
+
+    Start(ReceiverWith({1, 2, 3, 7}));
+    EXPECT_TRUE(CSurveyPlanCalc::DownloadAlmanac(command, size));
+    EXPECT_FALSE(CSurveyPlanCalc::CommitAlmanac(size));
+    EXPECT_TRUE(calc.LoadAlmanac());
+    EXPECT_EQ(calc.IsValid(7), 1) << "the old one";
+    unsetenv("FIELDCORE_HOME");
+}
+
 TEST_F(AlmanacStoreTest, KeepsTheOldAlmanacWhenTheReceiverHasFewSatellites)
 {
     folder.Write("GSurveyPlan.alm", "old");

@@ -55,13 +55,10 @@ TEST(CurtainFile, OfASiteIsNamedSafely)
         const char* file; ///< empty: none
     };
     const Row rows[] = {
-        {L"本社 屋上", "本社 屋上.txt"},
-        {L"A/B", "A%2FB.txt"},
+        {L"本社 屋上", "本社 屋上.txt"}, {L"A/B", "A%2FB.txt"},
         {L"A%2FB", "A%252FB.txt"}, // not the file of the one above
-        {L"..", "%2E%2E.txt"},
-        {L".hidden. ", "%2Ehidden.%20.txt"},
-        {L"C:\\x\n", "C%3A%5Cx%0A.txt"},
-        {L"", ""},
+        {L"..", "%2E%2E.txt"},           {L".hidden. ", "%2Ehidden.%20.txt"},
+        {L"C:\\x\n", "C%3A%5Cx%0A.txt"}, {L"", ""},
     };
     for (const Row& row : rows) {
         const auto path = SiteCurtainPath("home", row.site);
