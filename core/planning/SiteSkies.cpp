@@ -38,24 +38,36 @@ std::optional<SiteSky> SkyOfSite(const PlanSession& session, const std::wstring&
     return sky;
 }
 
-PlanSearch SearchOf(const PlanSession& session, std::span<const SiteSky> sites,
+PlanSearch SearchOf(const ObservationPlan& plan, std::span<const SiteSky> sites,
                     const SearchHours& hours)
 {
-    const ObservationPlan& plan = session.Plan();
     std::vector<SearchSite> searched;
     for (const SiteSky& site : sites) {
         searched.push_back({site.name, site.observer,
                             SkyLimits(plan.Calc().GetElMask(), site.curtain),
                             HasObstruction(site.curtain)});
     }
+    return SearchOf(plan, std::move(searched), hours);
+}
+
+PlanSearch SearchOf(const ObservationPlan& plan, std::vector<SearchSite> sites,
+                    const SearchHours& hours)
+{
     if (plan.IsGpsAlone()) {
-        return {std::move(searched), hours, plan.Calc()};
+        return {std::move(sites), hours, plan.Calc()};
     }
     Constellations known = WithAlmanac(plan.GetConstellations(), plan.Calc(),
                                        GpsSecondsOfUtc(plan.Period().UtcAfter(0)));
     const std::vector<SatelliteId> satellites =
         PlannedSatellites(known, plan.Systems(), plan.Calc());
-    return {std::move(searched), hours, std::move(known), satellites};
+    return {std::move(sites), hours, std::move(known), satellites};
+}
+
+std::string ClockText(const PlanSearch& search, int epoch)
+{
+    constexpr std::size_t kClockAt = 11;
+    constexpr std::size_t kClockLength = 5;
+    return JstText(search.UtcAt(epoch)).substr(kClockAt, kClockLength);
 }
 
 std::optional<WindowLimits> EasedLimits(const PlanSearch& search, std::size_t site,

@@ -33,10 +33,15 @@ struct SiteSky
 [[nodiscard]] std::optional<SiteSky> SkyOfSite(const PlanSession& session,
                                                const std::wstring& name);
 
-/// A search for @p sites with mask, systems and satellites of the session's plan, and one receiver
-/// clock.
-[[nodiscard]] PlanSearch SearchOf(const PlanSession& session, std::span<const SiteSky> sites,
+/// A search with the systems and satellites of @p plan, and one receiver clock.
+[[nodiscard]] PlanSearch SearchOf(const ObservationPlan& plan, std::vector<SearchSite> sites,
                                   const SearchHours& hours);
+/// The same with its mask.
+[[nodiscard]] PlanSearch SearchOf(const ObservationPlan& plan, std::span<const SiteSky> sites,
+                                  const SearchHours& hours);
+
+/// The time of day of an epoch in Japan: "09:00".
+[[nodiscard]] std::string ClockText(const PlanSearch& search, int epoch);
 
 /// The nearest limits with which @p site has a time although it has none with @p limits, only one
 /// of them another: a higher PDOP, else fewer satellites, else a shorter time.

@@ -56,9 +56,7 @@ void AddField(QGridLayout& grid, int place, int textId, QWidget* field)
 
 QString ClockOf(const PlanSearch& search, int epoch)
 {
-    constexpr std::size_t kClockAt = 11;
-    constexpr std::size_t kClockLength = 5;
-    return QString::fromStdString(JstText(search.UtcAt(epoch)).substr(kClockAt, kClockLength));
+    return QString::fromStdString(ClockText(search, epoch));
 }
 
 /// "11/22"
@@ -238,7 +236,7 @@ void PlanSearchDlg::Start()
         return;
     }
     m_hours = {m_session.Date(), m_days->value(), m_start->value(), m_hoursSpin->value()};
-    m_search.emplace(SearchOf(m_session, m_sites, m_hours));
+    m_search.emplace(SearchOf(m_session.Plan(), std::span<const SiteSky>(m_sites), m_hours));
     m_progress->SetRange(0, static_cast<int>(m_search->Steps()));
     ShowSearching(true);
     m_slices.start();

@@ -131,7 +131,7 @@ void SessionDlg::ShowRows()
         const WaitCursor wait(m_host);
         const PlanPeriod& period = m_session.Plan().Computed();
         m_search.emplace(
-            SearchOf(m_session, m_sites,
+            SearchOf(m_session.Plan(), std::span<const SiteSky>(m_sites),
                      {period.date, 1, period.startHour, period.hours, period.Interval()}));
         while (m_search->Step()) {
         }

@@ -21,9 +21,7 @@ constexpr std::size_t kColumns = 3;
 
 QString ClockOf(const PlanSearch& search, int epoch)
 {
-    constexpr std::size_t kClockAt = 11;
-    constexpr std::size_t kClockLength = 5;
-    return QString::fromStdString(JstText(search.UtcAt(epoch)).substr(kClockAt, kClockLength));
+    return QString::fromStdString(ClockText(search, epoch));
 }
 
 PlanDrawing DrawingOf(const PlanSession& session)
@@ -144,7 +142,8 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
     y += kRow / 2.0;
     const QSizeF cell(
         width / static_cast<qreal>(columns),
-        std::min((plan_sheet::kPage.height() - kMargin - y) / static_cast<qreal>(rows), 380.0));
+        std::min((plan_sheet::kPage.height() - kMargin - y) / static_cast<qreal>(rows),
+                 width / static_cast<qreal>(columns) + 2.0 * kRow));
     for (std::size_t k = 0; k < shown; ++k) {
         session.Plan().Calc().SetObserver(sites[k].observer);
         session.Plan().Calc().SetCurtain(sites[k].curtain);

@@ -3,6 +3,7 @@
 #include "core/host/MesBox.h"
 #include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
+#include "core/orbits/NavigationFile.h"
 #include "core/orbits/SystemTime.h"
 #include "core/planning/OrbitImport.h"
 #include "core/resources/StringTable.h"
@@ -117,7 +118,7 @@ std::chrono::sys_days CSurveyPlan::Today() const
 bool CSurveyPlan::OnInitDialog()
 {
     const AlmanacMessage almanac = m_session.Begin(GetClock());
-    m_session.ReloadMessages(); // what is wrong with them 読込 says
+    const std::optional<TextError> messages = m_session.ReloadMessages();
     BuildMenu();
     SetGround();
     DoDataExchange(false);
@@ -126,6 +127,10 @@ bool CSurveyPlan::OnInitDialog()
     m_windowList->Show(Drawing());
     ShowSlider();
     Tell(almanac);
+    if (messages) {
+        CMesBox(GetHost()).Warn(TextErrorText(NavigationPath(m_session.Folder()), *messages),
+                                text::kOrbitsRead);
+    }
     ShowDates();
     if (m_session.CanPlan()) {
         DrawResults();

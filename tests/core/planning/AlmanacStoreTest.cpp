@@ -122,7 +122,7 @@ TEST_F(AlmanacStoreTest, ServesAHostThroughTheCalculator)
     CSurveyPlanCalc calc;
     EXPECT_FALSE(calc.LoadAlmanac());
     std::size_t size = 0;
-    EXPECT_TRUE(CSurveyPlanCalc::DownloadAlmanac(command, size));
+    EXPECT_TRUE(CSurveyPlanCalc::DownloadAlmanac(far->command, size));
     EXPECT_EQ(size, 32 * kAlmanacRecordSize);
     EXPECT_TRUE(HasTemporary());
     EXPECT_TRUE(CSurveyPlanCalc::CommitAlmanac(size));
@@ -131,7 +131,7 @@ TEST_F(AlmanacStoreTest, ServesAHostThroughTheCalculator)
     EXPECT_EQ(calc.IsValid(6), 1);
 
     Start(ReceiverWith({1, 2, 3, 7}));
-    EXPECT_TRUE(CSurveyPlanCalc::DownloadAlmanac(command, size));
+    EXPECT_TRUE(CSurveyPlanCalc::DownloadAlmanac(far->command, size));
     EXPECT_FALSE(CSurveyPlanCalc::CommitAlmanac(size));
     EXPECT_TRUE(calc.LoadAlmanac());
     EXPECT_EQ(calc.IsValid(7), 1) << "the old one";

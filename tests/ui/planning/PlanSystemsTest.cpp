@@ -95,6 +95,9 @@ TEST_F(PlanSystemsTest, SaysWhereAFileIsWrongAndKeepsWhatWasThere)
     EXPECT_NE(host.notes.back().text.find(L"12"), std::wstring::npos) << "its line";
     Tap(GnssSystem::BeiDou);
     EXPECT_EQ(Systems(), "GC");
+    home.Write("GSurveyPlan.nav", "not what it was");
+    Show();
+    EXPECT_NE(host.notes.back().text.find(L"GSurveyPlan.nav"), std::wstring::npos);
 }
 
 TEST_F(PlanSystemsTest, SearchesDaysAndOpensThePlanOfTheOneThatIsTapped)
