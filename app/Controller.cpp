@@ -369,7 +369,7 @@ void Controller::PlanAhead()
     m_nextWindow.clear();
     PlanSession session(m_folder, m_reg);
     session.Begin(*m_clock);
-    if (!session.HasAlmanac()) {
+    if (!session.CanPlan()) {
         return;
     }
     const std::chrono::sys_days day = JapanDay(m_clock->Utc());

@@ -2,11 +2,10 @@
 
 #include "cli/Wording.h"
 
-#include "core/orbits/SystemTime.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanCsv.h"
-#include "core/planning/SkyPlan.h"
+#include "core/planning/SiteSkies.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
@@ -85,10 +84,7 @@ Value SiteValue(const PlanSearch& search, std::size_t site)
 
 Value TimeValue(const PlanSearch& search, int epoch)
 {
-    constexpr std::size_t kClockAt = 11;
-    constexpr std::size_t kClockLength = 5;
-    const std::string jst = JstText(search.UtcAt(epoch));
-    return Value::Word(jst, jst.substr(kClockAt, kClockLength));
+    return Value::Word(JstText(search.UtcAt(epoch)), ClockText(search, epoch));
 }
 
 Value DateValue(const PlanSearch& search, int epoch)
@@ -123,15 +119,7 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
     }
     const SearchHours hours{request.dates.front(), static_cast<int>(request.dates.size()),
                             request.startHour, request.hours};
-    if (plan.IsGpsAlone()) {
-        search.emplace(std::move(sites), hours, plan.Calc());
-    } else {
-        Constellations known = WithAlmanac(plan.GetConstellations(), plan.Calc(),
-                                           GpsSecondsOfUtc(plan.Period().UtcAfter(0)));
-        const std::vector<SatelliteId> satellites =
-            PlannedSatellites(known, plan.Systems(), plan.Calc());
-        search.emplace(std::move(sites), hours, std::move(known), satellites);
-    }
+    search.emplace(SearchOf(plan, std::move(sites), hours));
     while (search->Step()) {
         if (context.world.StopRequested() || !*context.world.out) {
             context.output.Progress("");

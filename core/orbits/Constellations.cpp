@@ -32,6 +32,18 @@ const NavigationRecord* Nearest(std::span<const NavigationRecord> records, doubl
     return nearest;
 }
 
+struct BySystem
+{
+    bool operator()(const NavigationRecord& record, GnssSystem system) const
+    {
+        return record.satellite.system < system;
+    }
+    bool operator()(GnssSystem system, const NavigationRecord& record) const
+    {
+        return system < record.satellite.system;
+    }
+};
+
 } // namespace
 
 double StaleAfterS(GnssSystem system) noexcept
@@ -82,6 +94,13 @@ std::span<const NavigationRecord> Constellations::RecordsOf(SatelliteId satellit
     const auto last = std::find_if(first, m_records.end(), [&](const NavigationRecord& record) {
         return record.satellite != satellite;
     });
+    return {first, last};
+}
+
+std::span<const NavigationRecord> Constellations::RecordsOf(GnssSystem system) const
+{
+    const auto [first, last] =
+        std::equal_range(m_records.begin(), m_records.end(), system, BySystem());
     return {first, last};
 }
 

@@ -47,6 +47,7 @@ public:
     /// By satellite, then reference time.
     [[nodiscard]] std::span<const NavigationRecord> Records() const { return m_records; }
     [[nodiscard]] std::span<const NavigationRecord> RecordsOf(SatelliteId satellite) const;
+    [[nodiscard]] std::span<const NavigationRecord> RecordsOf(GnssSystem system) const;
     /// Those of which there is a record, in order.
     [[nodiscard]] std::vector<SatelliteId> Satellites(SystemSet systems) const;
 

@@ -10,6 +10,7 @@
 #include <numbers>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -45,7 +46,13 @@ void ObservationPlan::SetSystems(SystemSet systems, bool clockPerSystem)
 SystemState ObservationPlan::StateOf(GnssSystem system) const
 {
     const double startS = GpsSecondsOfUtc(m_period.UtcAfter(0));
-    return WithAlmanac(m_known, m_calc, startS).StateOf(system, startS);
+    if (system != GnssSystem::Gps) {
+        return m_known.StateOf(system, startS);
+    }
+    // Of GPS alone: screens ask each time they draw.
+    Constellations gps;
+    gps.Add(m_known.RecordsOf(system));
+    return WithAlmanac(std::move(gps), m_calc, startS).StateOf(system, startS);
 }
 
 void ObservationPlan::SetElMaskDeg(int maskDeg)
@@ -73,16 +80,38 @@ void ObservationPlan::ComputeGrid()
     }
 }
 
-void ObservationPlan::ComputeSky()
+void ObservationPlan::PlaceSky()
 {
     std::vector<double> epochs;
     for (int k = 0; k <= m_division; ++k) {
         epochs.push_back(GpsSecondsOfUtc(m_period.UtcAfter(k)));
     }
-    const Constellations known = WithAlmanac(m_known, m_calc, epochs.front());
-    m_satellites = PlannedSatellites(known, m_systems, m_calc);
-    m_sky.Compute(known, m_satellites, epochs, m_calc.GetFrame(), m_calc.GetLimits(),
-                  m_clockPerSystem, m_results->view.count, m_results->view.dop);
+    m_planned = WithAlmanac(m_known, m_calc, epochs.front());
+    m_satellites = PlannedSatellites(m_planned, m_systems, m_calc);
+    m_sky.Place(m_planned, m_satellites, epochs);
+    m_instant.reset();
+}
+
+std::span<const Ecef> ObservationPlan::PositionsAt(std::chrono::seconds sinceStart) const
+{
+    if (m_instant != sinceStart) {
+        const std::array gpsS{GpsSecondsOfUtc(m_computed.UtcAfter(0) + sinceStart)};
+        m_positions.resize(m_satellites.size());
+        for (std::size_t k = 0; k < m_satellites.size(); ++k) {
+            m_planned.Positions(m_satellites[k], gpsS, std::span(m_positions).subspan(k, 1));
+        }
+        m_instant = sinceStart;
+    }
+    return m_positions;
+}
+
+void ObservationPlan::ComputeView()
+{
+    if (!m_isSkyComputed) {
+        return Compute();
+    }
+    m_sky.View(m_calc.GetFrame(), m_calc.GetLimits(), m_clockPerSystem, m_results->view.count,
+               m_results->view.dop);
 }
 
 void ObservationPlan::Compute()
@@ -91,7 +120,8 @@ void ObservationPlan::Compute()
     m_division = m_period.Division();
     m_isSkyComputed = !IsGpsAlone();
     if (m_isSkyComputed) {
-        return ComputeSky();
+        PlaceSky();
+        return ComputeView();
     }
     if (m_satellites.size() != kMaxPrn || m_satellites.back().system != GnssSystem::Gps) {
         m_satellites = AllOfGps();

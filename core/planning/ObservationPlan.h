@@ -6,6 +6,7 @@
 #include "core/planning/SurveyPlanCalc.h"
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -78,6 +79,14 @@ public:
 
     /// Computes all graphs at once: one costs what seven cost.
     void Compute();
+    /// The same where nothing but mask, curtain and observer is another since the last Compute():
+    /// quick enough to follow a finger.
+    void ComputeView();
+
+    /// With more than GPS alone: where the Satellites() of the last Compute() are at a time of the
+    /// period, earth-fixed, metres; not a number where that is not known. It stays until another
+    /// time is asked for.
+    [[nodiscard]] std::span<const Ecef> PositionsAt(std::chrono::seconds sinceStart) const;
 
     /// Period() as it was at the last Compute(): the one of the series.
     [[nodiscard]] const PlanPeriod& Computed() const { return m_computed; }
@@ -132,13 +141,16 @@ private:
     };
     [[nodiscard]] bool IsSample(int k) const { return k >= 0 && k < m_division; }
     void ComputeGrid();
-    void ComputeSky();
+    void PlaceSky();
 
     CSurveyPlanCalc m_calc;
     Constellations m_known;
     SystemSet m_systems = SystemSetOf(GnssSystem::Gps);
     bool m_clockPerSystem = false;
-    SkyPlan m_sky;                // with more than GPS
+    SkyPlan m_sky; // with more than GPS, from m_planned
+    Constellations m_planned;
+    mutable std::optional<std::chrono::seconds> m_instant; // of m_positions
+    mutable std::vector<Ecef> m_positions;
     bool m_isSkyComputed = false; // the series are m_sky's
     std::vector<SatelliteId> m_satellites;
     PlanPeriod m_period;

@@ -31,6 +31,18 @@ double GraphDivision(PlanGraph graph)
     }
 }
 
+double GraphDivision(const ObservationPlan& plan, PlanGraph graph)
+{
+    if (graph != PlanGraph::Count || plan.IsGpsAlone()) {
+        return GraphDivision(graph);
+    }
+    double most = 1.0;
+    for (int k = 0; k < plan.Division(); ++k) {
+        most = std::max(most, plan.CountAt(k));
+    }
+    return std::ceil(most / kGraphDivisions);
+}
+
 int EpochOfSample(PlanGraph graph, int k)
 {
     return IsDilution(graph) ? k + 1 : k;

@@ -18,6 +18,9 @@ namespace fieldcore {
 inline constexpr int kGraphDivisions = 12;
 /// One division: satellites, dilution, or degrees; 0 for the sky plot, which has no such axis.
 [[nodiscard]] double GraphDivision(PlanGraph graph);
+/// The same for a plan: with more than GPS a division of the count has as many satellites as it
+/// takes for all of them.
+[[nodiscard]] double GraphDivision(const ObservationPlan& plan, PlanGraph graph);
 
 /// The epoch that sample @p k belongs to: dilutions are one interval behind the rest.
 [[nodiscard]] int EpochOfSample(PlanGraph graph, int k);

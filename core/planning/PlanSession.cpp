@@ -1,5 +1,6 @@
 #include "core/planning/PlanSession.h"
 
+#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/CurtainFile.h"
@@ -24,10 +25,20 @@ AlmanacMessage PlanSession::Begin(const Clock& clock)
 {
     m_settings = LoadPlanSettings(m_reg);
     ApplySettings(m_settings, m_plan);
+    if (!m_plan.IsGpsAlone()) {
+        ReloadMessages();
+    }
     ReadSite();
     m_plan.Period().date = std::chrono::floor<std::chrono::days>(clock.Utc());
     ResetSpins();
     return ReloadAlmanac();
+}
+
+std::optional<TextError> PlanSession::ReloadMessages()
+{
+    KeptNavigation kept = LoadConstellations(m_folder);
+    m_plan.SetConstellations(std::move(kept.constellations));
+    return kept.error;
 }
 
 void PlanSession::TakeUse()
@@ -48,7 +59,7 @@ int PlanSession::SaveSettings()
 AlmanacMessage PlanSession::ReloadAlmanac()
 {
     m_hasAlmanac = m_plan.Calc().LoadAlmanac(AlmanacPath(m_folder));
-    if (!m_hasAlmanac) {
+    if (!CanPlan()) {
         return MessageOf(AlmanacResult::NotRead);
     }
     if (!m_hasCurtain) {
@@ -138,6 +149,19 @@ PlanSession::Spins PlanSession::MoveEnd(int hour)
         m_spins.end = hour;
     }
     return m_spins;
+}
+
+void PlanSession::SetSystems(SystemSet systems)
+{
+    PlanSettings settings = m_settings;
+    settings.systems = systems;
+    m_settings.systems = Fitted(settings).systems;
+}
+
+void PlanSession::ComputeMask()
+{
+    m_plan.SetElMaskDeg(m_settings.elMaskDeg);
+    m_plan.ComputeView();
 }
 
 void PlanSession::Compute()

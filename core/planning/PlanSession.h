@@ -5,8 +5,10 @@
 #include "core/planning/PlanSettings.h"
 #include "core/planning/PlanWindows.h"
 #include "core/platform/Clock.h"
+#include "core/platform/TextError.h"
 
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 namespace fieldcore {
@@ -26,6 +28,10 @@ public:
     /// @return what to tell the user; both numbers 0: nothing
     AlmanacMessage Begin(const Clock& clock);
 
+    /// Reads the messages that were imported, which Begin() does only where they count.
+    /// @return what is wrong with them: there are none then
+    std::optional<TextError> ReloadMessages();
+
     /// Stores the settings, and which satellites of the plan do not count. @return 1, or 0 if that
     /// was not possible
     int SaveSettings();
@@ -34,6 +40,8 @@ public:
     /// @return what to tell the user about the almanac: it cannot be read, or is too old
     AlmanacMessage ReloadAlmanac();
     [[nodiscard]] bool HasAlmanac() const { return m_hasAlmanac; }
+    /// Whether there is what a plan is made from: an almanac, or other systems.
+    [[nodiscard]] bool CanPlan() const { return m_hasAlmanac || !m_plan.IsGpsAlone(); }
     /// Receives the almanac from the receiver, replaces the one in the folder, and goes on with
     /// ReloadAlmanac(). Takes as long as AlmanacStore::Update().
     /// @return what to tell the user, in this order; nothing after Cancel
@@ -76,8 +84,13 @@ public:
     /// @param limits  brought into their ranges
     void SetLimits(const WindowLimits& limits) { m_settings.limits = Fitted(limits); }
 
+    /// @param systems  that count together; without any GPS does
+    void SetSystems(SystemSet systems);
+
     /// Brings the plan to the settings, the date and the site.
     void Compute();
+    /// The same where nothing but the mask is another since the last time.
+    void ComputeMask();
     [[nodiscard]] ObservationPlan& Plan() { return m_plan; }
     [[nodiscard]] const ObservationPlan& Plan() const { return m_plan; }
     /// The graph that is chosen; a number that is none stands for the sky plot.

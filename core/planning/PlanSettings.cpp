@@ -19,6 +19,8 @@ constexpr const wchar_t* kFewest = L"MinSatellites";
 constexpr const wchar_t* kPdop = L"MaxPdop"; // hundredths
 constexpr const wchar_t* kMinutes = L"MinMinutes";
 constexpr const wchar_t* kSwitchedOff = L"SwitchedOff";
+constexpr const wchar_t* kSystems = L"Systems"; // bit k: the k-th GnssSystem
+constexpr const wchar_t* kClockPerSystem = L"ClockPerSystem";
 constexpr std::uint32_t kAllSatellites = 0xFFFFFFFF;
 constexpr double kHundredths = 100.0;
 
@@ -47,6 +49,7 @@ PlanSettings Fitted(PlanSettings settings)
     settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
     settings.limits = Fitted(settings.limits);
     settings.switchedOff = settings.switchedOff == kAllSatellites ? 0 : settings.switchedOff;
+    settings.systems = settings.systems.none() ? PlanSettings().systems : settings.systems;
     return settings;
 }
 
@@ -55,6 +58,7 @@ void ApplySettings(const PlanSettings& settings, ObservationPlan& plan)
     plan.Period().startHour = settings.startHour;
     plan.Period().hours = settings.hours;
     plan.SetElMaskDeg(settings.elMaskDeg);
+    plan.SetSystems(settings.systems, settings.clockPerSystem);
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         plan.Calc().SetUse(index, (settings.switchedOff >> index & 1U) == 0 ? 1 : 0);
     }
@@ -83,6 +87,8 @@ PlanSettings LoadPlanSettings(const CReg& reg)
     limits.minLength = std::chrono::minutes(
         std::min(read(kMinutes, static_cast<long>(limits.minLength.count())), kMost));
     settings.switchedOff = read(kSwitchedOff, 0);
+    settings.systems = SystemSet(read(kSystems, 0));
+    settings.clockPerSystem = read(kClockPerSystem, 0) != 0;
     return Fitted(settings);
 }
 
@@ -101,7 +107,10 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
     };
     stored = stored && write(kFewest, limits.minSatellites) &&
              write(kPdop, std::lround(limits.maxPdop * kHundredths)) &&
-             write(kMinutes, limits.minLength.count()) && write(kSwitchedOff, settings.switchedOff);
+             write(kMinutes, limits.minLength.count()) &&
+             write(kSwitchedOff, settings.switchedOff) &&
+             write(kSystems, settings.systems.to_ulong()) &&
+             write(kClockPerSystem, settings.clockPerSystem ? 1 : 0);
     return stored && batch.Commit() ? 1 : 0;
 }
 

@@ -24,16 +24,19 @@ struct PlanSettings
     int positionId = 0;                        ///< kept for the site page
     WindowLimits limits = {};                  ///< of a good window
     std::uint32_t switchedOff = 0; ///< satellites that do not count: bit k is PRN k + 1; never all
+    SystemSet systems = SystemSetOf(GnssSystem::Gps); ///< that count together; never none
+    bool clockPerSystem = false;                      ///< as of ObservationPlan::SetSystems()
 
     friend bool operator==(const PlanSettings&, const PlanSettings&) = default;
 };
 
-/// @p settings with mask, period and limits brought into their ranges, and with all satellites if
-/// all are switched off.
+/// @p settings with mask, period and limits brought into their ranges, with all satellites if all
+/// are switched off, and with GPS if there is no system.
 [[nodiscard]] PlanSettings Fitted(PlanSettings settings);
 
-/// Gives @p plan what of @p settings it is made of: hours, mask, and the satellites that count. The
-/// plan's page and the terminal make the same plan of the same settings by this.
+/// Gives @p plan what of @p settings it is made of: hours, mask, and the systems and satellites
+/// that count. The plan's page and the terminal make the same plan of the same settings by this,
+/// but that the terminal is told the systems each time.
 void ApplySettings(const PlanSettings& settings, ObservationPlan& plan);
 
 /// Settings that are missing, or of another type, are those of a new user; the

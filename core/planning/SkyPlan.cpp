@@ -143,10 +143,8 @@ DopValues DilutionOf(std::span<const Ecef> directions, std::span<const std::size
     return {std::sqrt(position), std::sqrt(position + time), std::sqrt(time)};
 }
 
-void SkyPlan::Compute(const Constellations& known, std::vector<SatelliteId> satellites,
-                      std::span<const double> epochs, const LocalFrame& frame,
-                      const SkyLimits& limits, bool clockPerSystem, std::span<std::uint8_t> counts,
-                      std::span<DopValues> dops)
+void SkyPlan::Place(const Constellations& known, std::vector<SatelliteId> satellites,
+                    std::span<const double> epochs)
 {
     m_satellites = std::move(satellites);
     if (m_grid.SlotCount() != m_satellites.size() || m_positions.size() != epochs.size()) {
@@ -160,8 +158,13 @@ void SkyPlan::Compute(const Constellations& known, std::vector<SatelliteId> sate
         known.Positions(m_satellites[slot], epochs, m_positions);
         m_grid.Set(slot, m_positions);
     }
+}
+
+void SkyPlan::View(const LocalFrame& frame, const SkyLimits& limits, bool clockPerSystem,
+                   std::span<std::uint8_t> counts, std::span<DopValues> dops)
+{
     m_grid.View(frame, limits, {m_visible, counts, dops, &m_directions});
-    for (std::size_t k = 0; clockPerSystem && k < epochs.size(); ++k) {
+    for (std::size_t k = 0; clockPerSystem && k < m_positions.size(); ++k) {
         std::vector<Ecef> directions;
         std::vector<std::size_t> clocks;
         for (std::size_t slot = 0; slot < m_satellites.size(); ++slot) {

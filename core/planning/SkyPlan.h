@@ -49,11 +49,13 @@ PlannedSatellites(const Constellations& known, SystemSet systems, const CSurveyP
 class SkyPlan
 {
 public:
+    /// Where the satellites are; View() is then due.
     /// @param epochs  seconds of GPS time
+    void Place(const Constellations& known, std::vector<SatelliteId> satellites,
+               std::span<const double> epochs);
     /// @param counts  of each epoch; so are @p dops
-    void Compute(const Constellations& known, std::vector<SatelliteId> satellites,
-                 std::span<const double> epochs, const LocalFrame& frame, const SkyLimits& limits,
-                 bool clockPerSystem, std::span<std::uint8_t> counts, std::span<DopValues> dops);
+    void View(const LocalFrame& frame, const SkyLimits& limits, bool clockPerSystem,
+              std::span<std::uint8_t> counts, std::span<DopValues> dops);
 
     [[nodiscard]] std::span<const SatelliteId> Satellites() const { return m_satellites; }
     /// @param satellite  index in Satellites()

@@ -4,8 +4,31 @@
 
 namespace fieldcore {
 
+namespace {
+
+std::vector<SkySatellite> SkyOfSystems(const ObservationPlan& plan, std::chrono::seconds sinceStart)
+{
+    const CSurveyPlanCalc& calc = plan.Calc();
+    const std::span<const Ecef> positions = plan.PositionsAt(sinceStart);
+    std::vector<SkySatellite> sky;
+    for (std::size_t k = 0; k < positions.size(); ++k) {
+        const EastNorthUp enu = calc.GetFrame().ToLocal(positions[k]);
+        SkyDirection direction = enu.ToDirection(enu.Range());
+        if (direction.elevationRad >= 0.0) { // which what is not known is not
+            direction.azimuthRad = NormalisedAzimuth(direction.azimuthRad);
+            sky.push_back({plan.Satellites()[k], direction, calc.GetLimits().Pass(direction)});
+        }
+    }
+    return sky;
+}
+
+} // namespace
+
 std::vector<SkySatellite> SkyAt(const ObservationPlan& plan, std::chrono::seconds sinceStart)
 {
+    if (!plan.IsGpsAlone()) {
+        return SkyOfSystems(plan, sinceStart);
+    }
     const CSurveyPlanCalc& calc = plan.Calc();
     CGPSTime time = plan.Computed().Start();
     time += CTimeSpan(sinceStart.count());
@@ -20,7 +43,8 @@ std::vector<SkySatellite> SkyAt(const ObservationPlan& plan, std::chrono::second
         if (satellite.Compute()) {
             const SkyDirection direction{satellite.GetAzimuth(), satellite.GetElevation()};
             const bool isVisible = satellite.TestVisibility(calc.GetLimits());
-            sky.push_back({index + 1, direction, isVisible});
+            sky.push_back(
+                {plan.Satellites()[static_cast<std::size_t>(index)], direction, isVisible});
         }
     }
     return sky;

@@ -15,10 +15,28 @@ ChoiceButton::ChoiceButton(QWidget* parent) : QPushButton(parent)
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
+void ChoiceButton::SetWarning(bool isWarning)
+{
+    m_isWarning = isWarning;
+    update();
+}
+
 QSize ChoiceButton::minimumSizeHint() const
 {
     return {fontMetrics().horizontalAdvance(text()) + 2 * TouchStyle::kGrid,
             QPushButton::minimumSizeHint().height()};
+}
+
+void ChoiceButton::initStyleOption(QStyleOptionButton* option) const
+{
+    QPushButton::initStyleOption(option);
+    if (isChecked()) {
+        // A button that is down is drawn paler than its colour, which the text would not survive.
+        option->state &= ~QStyle::State_On;
+        option->palette.setColor(QPalette::ButtonText, Theme::Current().ground);
+    } else if (m_isWarning) {
+        option->palette.setColor(QPalette::ButtonText, Theme::Current().attention);
+    }
 }
 
 void ChoiceButton::paintEvent(QPaintEvent* event)
@@ -27,15 +45,13 @@ void ChoiceButton::paintEvent(QPaintEvent* event)
         QPushButton::paintEvent(event);
         return;
     }
-    // A button that is down is drawn paler than its colour, which the text would not survive.
     QStyleOptionButton option;
     initStyleOption(&option);
-    option.state &= ~QStyle::State_On;
-    option.palette.setColor(QPalette::ButtonText, Theme::Current().ground);
+    const Theme& theme = Theme::Current();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasFocus() ? QPen(Theme::Current().text, 3.0) : QPen(Qt::NoPen));
-    painter.setBrush(Theme::Current().accent);
+    painter.setPen(hasFocus() ? QPen(theme.text, 3.0) : QPen(Qt::NoPen));
+    painter.setBrush(m_isWarning ? theme.attention : theme.accent);
     painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), 2.0, 2.0);
     style()->drawControl(QStyle::CE_PushButtonLabel, &option, &painter, this);
 }

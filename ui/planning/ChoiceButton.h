@@ -4,8 +4,8 @@
 
 namespace fieldcore {
 
-/// One of several choices that exclude each other: the one that is chosen stands out in the accent
-/// colour, as seen in the sun. User-interface thread only.
+/// One of several choices: the one that is chosen stands out in the accent colour, as seen in the
+/// sun; in that of attention where something is wrong with it. User-interface thread only.
 class ChoiceButton : public QPushButton
 {
     Q_OBJECT
@@ -13,11 +13,16 @@ class ChoiceButton : public QPushButton
 public:
     explicit ChoiceButton(QWidget* parent = nullptr);
 
+    void SetWarning(bool isWarning);
     /// As narrow as its text allows.
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    void initStyleOption(QStyleOptionButton* option) const override;
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool m_isWarning = false;
 };
 
 } // namespace fieldcore

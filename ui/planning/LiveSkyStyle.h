@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/orbits/SatelliteId.h"
 #include "core/planning/LiveSky.h"
 #include "ui/planning/PlotStyle.h"
 
@@ -8,12 +9,22 @@
 
 namespace fieldcore {
 
-// How satellites of the live sky look, the same in plot, bars and list. User-interface thread only.
+// How satellites look, in the live sky's plot, bars and list and in plans of several systems.
+// User-interface thread only.
 
 [[nodiscard]] QColor ConstellationColour(const PlotStyle& style, Constellation constellation);
 [[nodiscard]] QString ConstellationText(Constellation constellation);
 /// "G5", "R18", "S129".
 [[nodiscard]] QString SatelliteText(const LiveSatellite& satellite);
+
+/// What the live sky counts as others are Galileo, BeiDou and QZSS here, each with its own.
+[[nodiscard]] QColor SystemColour(const PlotStyle& style, GnssSystem system);
+/// Of GPS alone each satellite has a colour of its own.
+[[nodiscard]] QColor TrackColour(const PlotStyle& style, bool isGpsAlone, SatelliteId satellite);
+[[nodiscard]] QString SystemText(GnssSystem system);
+/// The same sign in any colours.
+void DrawSystemSign(QPainter& painter, GnssSystem system, const QPointF& centre, qreal half,
+                    const QColor& edge, const QColor& fill);
 
 /// Draws the sign of a satellite: the shape tells the system, as does the colour; it is filled or
 /// hollow as LiveSatellite::IsSolid() says.

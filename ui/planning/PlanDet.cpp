@@ -36,7 +36,8 @@ QLabel* Heading(int textId)
 
 CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
     : PropertyPage(parent), m_plan(plan), m_satellites{}, m_legend(new QLabel),
-      m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_minutes(new CSpinDouble)
+      m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_minutes(new CSpinDouble),
+      m_clocks(new QCheckBox(UiText(text::kPlanClockPerSystem)))
 {
     constexpr int kColumns = 5;
     auto* const layout = new QVBoxLayout(this);
@@ -60,6 +61,10 @@ CPlanDet::CPlanDet(CSurveyPlan& plan, QWidget* parent)
         all->addWidget(button);
     }
     layout->addLayout(all);
+    layout->addSpacing(kGrid);
+    layout->addWidget(Heading(text::kPlanDilution));
+    m_clocks->setMinimumHeight(TouchStyle::kTarget);
+    layout->addWidget(m_clocks);
     layout->addSpacing(kGrid);
     layout->addWidget(Heading(text::kPlanWindowLimits));
     const auto add = [&](int textId, CSpinDouble* spin) {
@@ -108,6 +113,7 @@ void CPlanDet::OnInitDialog()
                            ? QStringLiteral("　") + ToQt(SourceText(source))
                            : QString()));
     const WindowLimits& limits = m_plan.Session().Limits();
+    m_clocks->setChecked(m_plan.Session().Settings().clockPerSystem);
     m_fewest->SetValue(limits.minSatellites);
     m_pdop->SetValue(limits.maxPdop);
     m_minutes->SetValue(static_cast<double>(limits.minLength.count()));
@@ -141,6 +147,9 @@ bool CPlanDet::OnOK()
     limits.maxPdop = m_pdop->GetValue();
     limits.minLength = std::chrono::minutes(std::lround(m_minutes->GetValue()));
     m_plan.Session().SetLimits(limits);
+    PlanSettings settings = m_plan.Session().Settings();
+    settings.clockPerSystem = m_clocks->isChecked();
+    m_plan.Session().SetSettings(settings);
     return true;
 }
 

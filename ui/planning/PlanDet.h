@@ -37,6 +37,7 @@ private:
     CSpinDouble* m_fewest;
     CSpinDouble* m_pdop;
     CSpinDouble* m_minutes;
+    QAbstractButton* m_clocks;
 };
 
 } // namespace fieldcore

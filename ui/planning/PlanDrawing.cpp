@@ -4,6 +4,7 @@
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/LiveSkyStyle.h"
 
 #include <array>
 #include <cmath>
@@ -65,8 +66,11 @@ std::vector<SkySatellite> PlanDrawing::Sky() const
 
 QString PlanDrawing::Obstacle() const
 {
-    if (plan != nullptr && StateOfAlmanac(*plan).satellites == 0) {
+    if (plan != nullptr && plan->IsGpsAlone() && StateOfAlmanac(*plan).satellites == 0) {
         return UiText(text::kPlotNoAlmanac);
+    }
+    if (HasPlan() && plan->Satellites().empty()) {
+        return UiText(text::kPlotNoMessages);
     }
     return HasPlan() ? QString() : UiText(text::kPlotNotComputed);
 }
@@ -87,6 +91,61 @@ QString GraphText(PlanGraph graph)
 QString PrnText(int prn)
 {
     return ToQt(FormatText(text::kReadingPrn, prn));
+}
+
+QString SatelliteLabel(const PlanDrawing& drawing, SatelliteId satellite)
+{
+    return drawing.plan->IsGpsAlone() ? QString::number(satellite.number)
+                                      : QString::fromStdString(satellite.Text());
+}
+
+QString SystemsText(const ObservationPlan& plan)
+{
+    QStringList names;
+    for (std::size_t k = 0; k < kGnssSystems; ++k) {
+        if (plan.Systems().test(k)) {
+            names += UiText(text::kSystemShortGps + static_cast<int>(k));
+        }
+    }
+    return UiText(plan.HasClockPerSystem() ? text::kSystemsManyClocks : text::kSystemsOneClock)
+        .arg(names.join(QLatin1Char('+')));
+}
+
+bool IsStale(const ObservationPlan& plan, GnssSystem system)
+{
+    return system == GnssSystem::Gps && plan.IsGpsAlone() ? StateOfAlmanac(plan).isOld
+                                                          : plan.StateOf(system).isStale;
+}
+
+QString AgeText(const SystemState& state)
+{
+    constexpr double kHourS = 3600.0;
+    constexpr double kDayS = 24.0 * kHourS;
+    return state.ageS < kDayS ? UiText(text::kSystemHoursOld).arg(std::lround(state.ageS / kHourS))
+                              : UiText(text::kSystemDaysOld).arg(std::lround(state.ageS / kDayS));
+}
+
+QString MessageAgesText(const ObservationPlan& plan)
+{
+    QStringList ages;
+    SystemState oldest;
+    for (std::size_t k = 0; k < kGnssSystems; ++k) {
+        const auto system = static_cast<GnssSystem>(k);
+        if (!plan.Systems().test(k)) {
+            continue;
+        }
+        const SystemState state = plan.StateOf(system);
+        oldest = state.ageS > oldest.ageS ? state : oldest;
+        if (state.satellites == 0) {
+            ages += UiText(text::kSystemUnknownOrbit).arg(SystemText(system));
+        } else if (state.isStale) {
+            ages += UiText(text::kSystemStaleOrbit).arg(SystemText(system), AgeText(state));
+        }
+    }
+    if (ages.isEmpty()) {
+        ages += AgeText(oldest);
+    }
+    return UiText(text::kSystemOrbit).arg(ages.join(UiText(text::kPlanListSeparator)));
 }
 
 QString DateText(std::chrono::sys_seconds time)
@@ -124,16 +183,22 @@ QStringList PlanCaption(const PlanDrawing& drawing)
     const CSurveyPlanCalc& calc = drawing.plan->Calc();
     const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
     const std::wstring date = DateText(almanac.time).toStdWString();
-    return {
+    QStringList caption{
         ToQt(drawing.site),
         drawing.isPlaceKnown ? ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM))
                              : UiText(text::kSheetPlace) + QStringLiteral(" --"),
-        PlanDateText(drawing),
-        ToQt(FormatText(text::kPlotMask, drawing.maskDeg)),
-        UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain),
-        ToQt(FormatText(text::kPlotAlmanac, date.c_str())),
-        AlmanacAgeText(drawing),
-        ToQt(SourceText(almanac.source))};
+        PlanDateText(drawing), ToQt(FormatText(text::kPlotMask, drawing.maskDeg)),
+        UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain)};
+    if (!drawing.plan->IsGpsAlone()) {
+        caption += {SystemsText(*drawing.plan), MessageAgesText(*drawing.plan)};
+    } else {
+        caption += {ToQt(FormatText(text::kPlotAlmanac, date.c_str())), AlmanacAgeText(drawing)};
+    }
+    if (drawing.plan->IsGpsAlone() ||
+        (drawing.plan->UsesAlmanac() && almanac.source.origin == AlmanacOrigin::Nominal)) {
+        caption += ToQt(SourceText(almanac.source));
+    }
+    return caption;
 }
 
 QString ReadingOfTime(const PlanDrawing& drawing, double minutes)
@@ -161,9 +226,12 @@ QStringList ReadingOfSample(const PlanDrawing& drawing, int sample)
     return lines;
 }
 
-QStringList ReadingOfSatellite(const SkySatellite& satellite)
+QStringList ReadingOfSatellite(const PlanDrawing& drawing, const SkySatellite& satellite)
 {
-    QString name = PrnText(satellite.prn);
+    QString name = drawing.plan->IsGpsAlone()
+                       ? PrnText(satellite.satellite.number)
+                       : SystemText(satellite.satellite.system) + QLatin1Char(' ') +
+                             SatelliteLabel(drawing, satellite.satellite);
     if (!satellite.isVisible) {
         name += QLatin1Char(' ') + UiText(text::kReadingHidden);
     }

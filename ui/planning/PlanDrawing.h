@@ -43,8 +43,21 @@ struct PlanDrawing
 [[nodiscard]] int GraphTextId(PlanGraph graph);
 [[nodiscard]] QString GraphText(PlanGraph graph);
 [[nodiscard]] QString PrnText(int prn);
+/// At its sign: "12", and with more than GPS "G12".
+[[nodiscard]] QString SatelliteLabel(const PlanDrawing& drawing, SatelliteId satellite);
+
+/// The systems of a plan and its clocks: "GPS+GLO、受信機時計1つ".
+[[nodiscard]] QString SystemsText(const ObservationPlan& plan);
+/// How far its orbits are from the plan: the farthest, or all that are too far or not known:
+/// "軌道情報：SBAS 3日（古い）".
+[[nodiscard]] QString MessageAgesText(const ObservationPlan& plan);
+/// Whether those of @p system are too old at the start of @p plan; of GPS alone the almanac.
+[[nodiscard]] bool IsStale(const ObservationPlan& plan, GnssSystem system);
+/// How far from the plan, either way: "3日".
+[[nodiscard]] QString AgeText(const SystemState& state);
 
 /// Site, height, day, mask, curtain and almanac with its age: what tells one picture from another.
+/// With more than GPS the systems stand in place of the almanac, if that is not made up.
 [[nodiscard]] QStringList PlanCaption(const PlanDrawing& drawing);
 /// "2026/11/20", the calendar day of @p time without a change of zone.
 [[nodiscard]] QString DateText(std::chrono::sys_seconds time);
@@ -61,6 +74,7 @@ struct PlanDrawing
 [[nodiscard]] QStringList ReadingOfSample(const PlanDrawing& drawing, int sample);
 /// The time alone: "09:30 JST（00:30 UTC）".
 [[nodiscard]] QString ReadingOfTime(const PlanDrawing& drawing, double minutes);
-[[nodiscard]] QStringList ReadingOfSatellite(const SkySatellite& satellite);
+[[nodiscard]] QStringList ReadingOfSatellite(const PlanDrawing& drawing,
+                                             const SkySatellite& satellite);
 
 } // namespace fieldcore

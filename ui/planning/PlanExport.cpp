@@ -74,11 +74,18 @@ std::error_code ExportPdf(const fs::path& file, const PlanDrawing& drawing)
     if (const std::error_code refusal = Refusal(drawing)) {
         return refusal;
     }
+    return ExportPage(file, TitleOf(drawing),
+                      [&](QPainter& painter) { plan_sheet::Paint(painter, drawing); });
+}
+
+std::error_code ExportPage(const fs::path& file, const QString& title,
+                           const std::function<void(QPainter& painter)>& paint)
+{
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     {
         QPdfWriter writer(&buffer);
-        writer.setTitle(TitleOf(drawing));
+        writer.setTitle(title);
         writer.setPageLayout(
             QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF()));
         writer.setResolution(1200);
@@ -88,7 +95,7 @@ std::error_code ExportPdf(const fs::path& file, const PlanDrawing& drawing)
         }
         painter.scale(writer.width() / plan_sheet::kPage.width(),
                       writer.height() / plan_sheet::kPage.height());
-        plan_sheet::Paint(painter, drawing);
+        paint(painter);
     }
     return Replace(file, buffer.data());
 }

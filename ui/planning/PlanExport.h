@@ -2,10 +2,12 @@
 
 #include "ui/planning/PlanDrawing.h"
 
+#include <QPainter>
 #include <QSize>
 #include <QString>
 
 #include <filesystem>
+#include <functional>
 #include <system_error>
 
 namespace fieldcore {
@@ -17,6 +19,11 @@ namespace fieldcore {
 /// The sheet of the plan, one page of A4.
 [[nodiscard]] std::error_code ExportPdf(const std::filesystem::path& file,
                                         const PlanDrawing& drawing);
+
+/// One page of A4.
+/// @param paint  on a painter that is scaled so that plan_sheet::kPage is the page
+[[nodiscard]] std::error_code ExportPage(const std::filesystem::path& file, const QString& title,
+                                         const std::function<void(QPainter& painter)>& paint);
 
 /// The graph as a picture, black on white.
 /// @param size  pixels, each side 64 to 20000

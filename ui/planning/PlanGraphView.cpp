@@ -117,12 +117,12 @@ void PlanGraphView::SetFromBelow(bool isFromBelow)
 
 std::optional<SkySatellite> PlanGraphView::Chosen() const
 {
-    if (!m_prn || !IsTracks(m_drawing.graph)) {
+    if (!m_satellite || !IsTracks(m_drawing.graph)) {
         return std::nullopt;
     }
     const std::vector<SkySatellite> sky = m_drawing.Sky();
-    const auto found = std::find_if(sky.begin(), sky.end(),
-                                    [&](const SkySatellite& s) { return s.prn == *m_prn; });
+    const auto found = std::find_if(
+        sky.begin(), sky.end(), [&](const SkySatellite& s) { return s.satellite == *m_satellite; });
     return found == sky.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -136,7 +136,7 @@ QStringList PlanGraphView::Reading() const
     }
     QStringList lines{ReadingOfTime(m_drawing, m_drawing.minutes)};
     if (const std::optional<SkySatellite> satellite = Chosen()) {
-        lines += ReadingOfSatellite(*satellite);
+        lines += ReadingOfSatellite(m_drawing, *satellite);
     }
     return lines;
 }
@@ -144,7 +144,7 @@ QStringList PlanGraphView::Reading() const
 void PlanGraphView::ClearCursor()
 {
     m_sample.reset();
-    m_prn.reset();
+    m_satellite.reset();
     Tell();
     update();
 }
@@ -198,12 +198,12 @@ void PlanGraphView::ChooseNear(const QPointF& point)
     const PlotStyle style = Style();
     const QRectF area = Area();
     double nearest = kGrabZone / 2.0;
-    m_prn.reset();
+    m_satellite.reset();
     for (const SkySatellite& satellite : m_drawing.Sky()) {
         const std::optional<QPointF> place = PointOfSatellite(m_drawing, style, area, satellite);
         if (place && QLineF(*place, point).length() <= nearest) {
             nearest = QLineF(*place, point).length();
-            m_prn = satellite.prn;
+            m_satellite = satellite.satellite;
         }
     }
 }
@@ -239,14 +239,15 @@ void PlanGraphView::mousePressEvent(QMouseEvent* event)
     }
     PointAt(event->position(), true);
     // A satellite that is hit exactly is meant, although it may stand on the ring.
-    m_isDragging = !m_prn && IsOnMask(event->position());
+    m_isDragging = !m_satellite && IsOnMask(event->position());
 }
 
 void PlanGraphView::mouseMoveEvent(QMouseEvent* event)
 {
     if (!m_isDragging) {
         PointAt(event->position(), event->buttons().testFlag(Qt::LeftButton));
-        setCursor(!m_prn && IsOnMask(event->position()) ? Qt::SizeAllCursor : Qt::ArrowCursor);
+        setCursor(!m_satellite && IsOnMask(event->position()) ? Qt::SizeAllCursor
+                                                              : Qt::ArrowCursor);
         return;
     }
     const PlotStyle style = Style();
@@ -283,22 +284,24 @@ void PlanGraphView::StepTime(int direction)
 
 void PlanGraphView::StepSatellite(int direction)
 {
-    std::vector<int> prns;
+    std::vector<SatelliteId> shown;
     for (const SkySatellite& satellite : m_drawing.Sky()) {
         if (satellite.isVisible || m_drawing.graph == PlanGraph::SkyPlot) {
-            prns.push_back(satellite.prn);
+            shown.push_back(satellite.satellite);
         }
     }
-    if (prns.empty()) {
-        m_prn.reset();
+    if (shown.empty()) {
+        m_satellite.reset();
         return;
     }
     if (direction > 0) {
-        const auto next = m_prn ? std::upper_bound(prns.begin(), prns.end(), *m_prn) : prns.begin();
-        m_prn = next == prns.end() ? prns.front() : *next;
+        const auto next = m_satellite ? std::upper_bound(shown.begin(), shown.end(), *m_satellite)
+                                      : shown.begin();
+        m_satellite = next == shown.end() ? shown.front() : *next;
     } else {
-        const auto next = m_prn ? std::lower_bound(prns.begin(), prns.end(), *m_prn) : prns.begin();
-        m_prn = next == prns.begin() ? prns.back() : *std::prev(next);
+        const auto next = m_satellite ? std::lower_bound(shown.begin(), shown.end(), *m_satellite)
+                                      : shown.begin();
+        m_satellite = next == shown.begin() ? shown.back() : *std::prev(next);
     }
 }
 

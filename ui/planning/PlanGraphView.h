@@ -88,10 +88,10 @@ private:
     void Tell();
 
     PlanDrawing m_drawing;
-    QColor m_ground;             ///< not valid: the theme's
-    std::optional<int> m_sample; ///< under the cursor of a count or a dilution
-    std::optional<int> m_prn;    ///< under the cursor of tracks
-    bool m_isDragging = false;   ///< the ring of the mask
+    QColor m_ground;                        ///< not valid: the theme's
+    std::optional<int> m_sample;            ///< under the cursor of a count or a dilution
+    std::optional<SatelliteId> m_satellite; ///< under the cursor of tracks
+    bool m_isDragging = false;              ///< the ring of the mask
     QStringList m_told;
 };
 

@@ -48,7 +48,8 @@ PlanHeader::PlanHeader(QWidget* parent)
     : QWidget(parent), m_top(new QHBoxLayout), m_site(new QLabel),
       m_siteNote(new RoleLabel(&Theme::attention, UiText(text::kPlanSiteMissing))),
       m_date(new QLabel), m_weekday(new QLabel), m_today(MakeButton({}, text::kPlanToday)),
-      m_almanacDate(new QLabel), m_source(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
+      m_almanac(new QLabel(UiText(text::kPlanAlmanac))), m_almanacDate(new QLabel),
+      m_source(new QLabel), m_almanacSign(new QLabel), m_age(new QLabel)
 {
     Dialog::SetControlId(m_date, kPlanDateId);
     Dialog::SetControlId(m_almanacDate, kAlmanacDateId);
@@ -96,7 +97,7 @@ PlanHeader::PlanHeader(QWidget* parent)
     auto* const almanac = new QHBoxLayout;
     almanac->setSpacing(kGrid);
     almanac->addWidget(m_almanacSign);
-    almanac->addWidget(new QLabel(UiText(text::kPlanAlmanac)));
+    almanac->addWidget(m_almanac);
     almanac->addWidget(m_almanacDate);
     almanac->addWidget(m_source, 1);
     layout->addLayout(almanac);
@@ -147,8 +148,21 @@ void PlanHeader::ShowDates(const PlanDrawing& drawing, std::chrono::sys_days tod
         m_age->setText(AlmanacAgeText(drawing, today));
     }
     m_source->setText(almanac.satellites == 0 ? QString() : ToQt(SourceText(almanac.source)));
-    m_isMadeUp = almanac.source.origin == AlmanacOrigin::Nominal;
-    m_isAlmanacBad = almanac.satellites == 0 || almanac.isOld;
+    const ObservationPlan& plan = *drawing.plan;
+    m_isMadeUp = plan.UsesAlmanac() && almanac.source.origin == AlmanacOrigin::Nominal;
+    m_isAlmanacBad = plan.IsGpsAlone() && (almanac.satellites == 0 || almanac.isOld);
+    m_almanac->setVisible(plan.IsGpsAlone());
+    m_almanacDate->setVisible(plan.IsGpsAlone());
+    if (!plan.IsGpsAlone()) {
+        m_source->setText(
+            SystemsText(plan) +
+            (m_isMadeUp ? UiText(text::kPlanListSeparator) + m_source->text() : QString()));
+        m_age->setText(MessageAgesText(plan));
+        for (std::size_t k = 0; k < kGnssSystems; ++k) {
+            m_isAlmanacBad = m_isAlmanacBad ||
+                             (plan.Systems().test(k) && IsStale(plan, static_cast<GnssSystem>(k)));
+        }
+    }
     UpdateLook();
 }
 

@@ -13,8 +13,8 @@ class QLabel;
 namespace fieldcore {
 
 /// The head of the plan's screen: the site, its day with buttons that change it, and the almanac
-/// with its source and its age, in amber where it is old, missing or made up. User-interface thread
-/// only.
+/// with its source and its age, in amber where it is old, missing or made up. With more than GPS
+/// the systems and their ages stand in its place. User-interface thread only.
 class PlanHeader : public QWidget
 {
     Q_OBJECT
@@ -58,6 +58,7 @@ private:
     QLabel* m_date;
     QLabel* m_weekday;
     QAbstractButton* m_today;
+    QLabel* m_almanac;
     QLabel* m_almanacDate;
     QLabel* m_source;
     QLabel* m_almanacSign;

@@ -8,6 +8,7 @@
 #include "core/planning/SitesCsv.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
+#include "ui/controls/DoAside.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
@@ -16,18 +17,15 @@
 #include "ui/planning/SurveyPlan.h"
 #include "ui/planning/TextErrorText.h"
 
-#include <QEventLoop>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QThread>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 namespace fieldcore {
@@ -280,7 +278,9 @@ void CPlanPos::Import()
     const CMesBox box(m_plan.GetHost());
     SitesCsv read;
     bool isStored = false;
-    DoAside([&, folder = m_plan.Session().Folder()] {
+    m_progress->SetRange(0, 0); // how far it is nobody knows: most of it is one write
+    m_progress->show();
+    DoAside(*window(), [&, folder = m_plan.Session().Folder()] {
         ShowProgress(UiText(text::kSitesReading));
         read = LoadSitesCsv(file);
         if (!read.error) {
@@ -289,6 +289,7 @@ void CPlanPos::Import()
             isStored = WriteSites(folder, read.sites) == 1;
         }
     });
+    m_progress->hide();
     if (read.error) {
         box.Fail(TextErrorText(file, *read.error), text::kSiteImport);
         return;
@@ -302,25 +303,6 @@ void CPlanPos::Import()
     Fill(read.sites.front().name);
     box.Show(FormatText(text::kSiteImported, static_cast<int>(read.sites.size())),
              text::kSiteImport, {BoxButtons::Ok, BoxIcon::Information});
-}
-
-void CPlanPos::DoAside(const std::function<void()>& work)
-{
-    QWidget* const focus = window()->focusWidget();
-    window()->setEnabled(false);
-    m_progress->SetRange(0, 0); // how far it is nobody knows: most of it is one write
-    m_progress->show();
-    const std::unique_ptr<QThread> thread(QThread::create(work));
-    QEventLoop loop;
-    connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    thread->start();
-    loop.exec();
-    thread->wait(); // a program that ends has left the loop before
-    m_progress->hide();
-    window()->setEnabled(true);
-    if (focus != nullptr) {
-        focus->setFocus();
-    }
 }
 
 void CPlanPos::ShowProgress(const QString& text)

@@ -3,7 +3,6 @@
 #include "core/planning/SiteInput.h"
 #include "ui/controls/PropertyPage.h"
 
-#include <functional>
 #include <string>
 
 class QLabel;
@@ -50,8 +49,6 @@ private:
     void TakeFromReceiver();
     /// What is stored has changed: so may have the plan's site.
     void Follow();
-    /// Does what takes long on a thread of its own; meanwhile the dialog takes no input.
-    void DoAside(const std::function<void()>& work);
     void ShowProgress(const QString& text);
     /// @return whether a site was stored
     bool EditSite(const std::wstring& name, const SiteInput& input);

@@ -53,7 +53,7 @@ std::vector<QPair<QString, QString>> TitleBlock(const PlanDrawing& drawing)
     const std::wstring date = DateText(almanac.time).toStdWString();
     const std::wstring age = AlmanacAgeText(drawing).toStdWString();
     const bool hasCurtain = HasObstruction(plan.Calc().GetCurtain());
-    return {
+    std::vector<QPair<QString, QString>> block{
         {UiText(text::kSheetSite), ToQt(drawing.site)},
         {UiText(text::kSheetPlace), drawing.isPlaceKnown ? PlaceText(plan.Calc().GetObserver())
                                                          : UiText(text::kPlanAlmanacUnknown)},
@@ -64,11 +64,18 @@ std::vector<QPair<QString, QString>> TitleBlock(const PlanDrawing& drawing)
         {UiText(text::kSheetMask),
          ToQt(FormatText(text::kPlotDegrees, static_cast<double>(drawing.maskDeg)))},
         {UiText(text::kSheetCurtain), UiText(hasCurtain ? text::kSheetYes : text::kSheetNo)},
-        {UiText(text::kSheetAlmanac),
-         ToQt(FormatText(text::kSheetAlmanacValue, date.c_str(), age.c_str(), almanac.satellites,
-                         almanac.healthy))},
-        {UiText(text::kSheetSource), ToQt(SourceText(almanac.source))},
     };
+    if (!plan.IsGpsAlone()) {
+        block.emplace_back(UiText(text::kSheetSystems), SystemsText(plan));
+        block.emplace_back(UiText(text::kSheetOrbits), MessageAgesText(plan));
+    }
+    if (plan.UsesAlmanac()) {
+        block.emplace_back(UiText(text::kSheetAlmanac),
+                           ToQt(FormatText(text::kSheetAlmanacValue, date.c_str(), age.c_str(),
+                                           almanac.satellites, almanac.healthy)));
+        block.emplace_back(UiText(text::kSheetSource), ToQt(SourceText(almanac.source)));
+    }
+    return block;
 }
 
 /// Draws names and values as a ruled block.

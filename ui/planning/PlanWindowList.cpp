@@ -62,7 +62,7 @@ void PlanWindowList::Show(const PlanDrawing& drawing)
     m_windows->setText(lines.join(QLatin1Char('\n')));
     const WindowLimits& limits = drawing.limits;
     const AlmanacSource& source = drawing.plan->Calc().Source();
-    const QString madeUp = source.origin == AlmanacOrigin::Nominal
+    const QString madeUp = source.origin == AlmanacOrigin::Nominal && drawing.plan->UsesAlmanac()
                                ? QLatin1Char('\n') + ToQt(SourceText(source))
                                : QString();
     m_conditions->setText(

@@ -2,6 +2,7 @@
 
 #include "core/planning/PlanSeries.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/LiveSkyStyle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,20 +30,27 @@ SkyPlot::SkyPlot(const PlanDrawing& drawing, const PlotStyle& style, const QRect
     : m_drawing(drawing), m_style(style), m_area(area), m_disc(style, area, drawing.isFromBelow)
 {}
 
+QColor SkyPlot::ColourOf(SatelliteId satellite) const
+{
+    return TrackColour(m_style, m_drawing.plan->IsGpsAlone(), satellite);
+}
+
 void SkyPlot::DrawTracks(QPainter& painter, const std::vector<TrackRun>& runs) const
 {
     const double interval = m_drawing.IntervalMin();
     for (const TrackRun& run : runs) {
+        const QColor colour =
+            ColourOf(m_drawing.plan->Satellites()[static_cast<std::size_t>(run.prnIndex)]);
         for (int epoch = run.first; epoch < run.last; ++epoch) {
             const auto step = m_drawing.plan->TrackAt(run.prnIndex, epoch);
             const double bright = Brightness((epoch + 0.5) * interval - m_drawing.minutes);
-            QPen pen = PlotPen(m_style.Faded(m_style.Curve(run.prnIndex), bright), kTrackWidth);
+            QPen pen = PlotPen(m_style.Faded(colour, bright), kTrackWidth);
             pen.setCapStyle(Qt::RoundCap);
             painter.setPen(pen);
             painter.drawLine(PointOf(step->from), PointOf(step->to));
         }
         painter.setPen(Qt::NoPen);
-        painter.setBrush(m_style.Curve(run.prnIndex));
+        painter.setBrush(colour);
         painter.drawEllipse(PointOf(*m_drawing.plan->DirectionAt(run.prnIndex, run.first)), kDot,
                             kDot);
         painter.setBrush(Qt::NoBrush);
@@ -54,17 +62,15 @@ void SkyPlot::DrawSatellites(QPainter& painter, LabelPlacer& labels) const
     const std::vector<SkySatellite> sky = m_drawing.Sky();
     for (const SkySatellite& satellite : sky) {
         const QPointF point = PointOf(satellite.direction);
-        const QColor& colour = m_style.Curve(satellite.prn - 1);
-        painter.setPen(PlotPen(satellite.isVisible ? m_style.text : m_style.second, 1.5));
-        painter.setBrush(satellite.isVisible ? colour : m_style.ground);
-        painter.drawEllipse(point, kSatellite, kSatellite);
-        painter.setBrush(Qt::NoBrush);
+        DrawSystemSign(painter, satellite.satellite.system, point, kSatellite,
+                       satellite.isVisible ? m_style.text : m_style.second,
+                       satellite.isVisible ? ColourOf(satellite.satellite) : m_style.ground);
         labels.Reserve(QRectF(point.x() - kSatellite, point.y() - kSatellite, 2.0 * kSatellite,
                               2.0 * kSatellite));
     }
     for (const SkySatellite& satellite : sky) {
-        labels.Draw(painter, PointOf(satellite.direction), QString::number(satellite.prn),
-                    kSatellite + 1.0);
+        labels.Draw(painter, PointOf(satellite.direction),
+                    SatelliteLabel(m_drawing, satellite.satellite), kSatellite + 1.0);
     }
 }
 
@@ -79,8 +85,11 @@ void SkyPlot::Draw(QPainter& painter) const
     DrawSatellites(painter, labels);
     m_disc.DrawScale(painter, labels, m_drawing.maskDeg);
     for (const TrackRun& run : runs) {
-        labels.Draw(painter, PointOf(*m_drawing.plan->DirectionAt(run.prnIndex, run.last)),
-                    QString::number(run.prnIndex + 1), 2.0);
+        labels.Draw(
+            painter, PointOf(*m_drawing.plan->DirectionAt(run.prnIndex, run.last)),
+            SatelliteLabel(m_drawing,
+                           m_drawing.plan->Satellites()[static_cast<std::size_t>(run.prnIndex)]),
+            2.0);
     }
     if (runs.empty()) {
         painter.setFont(m_style.font);

@@ -44,6 +44,7 @@ public:
 
 private:
     void DrawTracks(QPainter& painter, const std::vector<TrackRun>& runs) const;
+    [[nodiscard]] QColor ColourOf(SatelliteId satellite) const;
     void DrawSatellites(QPainter& painter, LabelPlacer& labels) const;
 
     const PlanDrawing& m_drawing;

@@ -3,8 +3,12 @@
 #include "core/host/MesBox.h"
 #include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
+#include "core/orbits/NavigationFile.h"
+#include "core/orbits/SystemTime.h"
+#include "core/planning/OrbitImport.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/NotKept.h"
+#include "ui/controls/DoAside.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/PrgEndMes.h"
@@ -13,12 +17,18 @@
 #include "ui/controls/UiText.h"
 #include "ui/planning/AlmanacProgress.h"
 #include "ui/planning/CurtainEditor.h"
+#include "ui/planning/LiveSkyStyle.h"
 #include "ui/planning/PlanDet.h"
+#include "ui/planning/PlanExport.h"
 #include "ui/planning/PlanGraphView.h"
 #include "ui/planning/PlanHeader.h"
 #include "ui/planning/PlanPos.h"
+#include "ui/planning/PlanSearchDlg.h"
 #include "ui/planning/PlanSet.h"
+#include "ui/planning/PlanSystemsBar.h"
 #include "ui/planning/PlanWindowList.h"
+#include "ui/planning/SessionDlg.h"
+#include "ui/planning/TextErrorText.h"
 
 #include <array>
 
@@ -43,6 +53,28 @@ constexpr std::array kGraphItems{
 };
 static_assert(kGraphItems.front().id == CSurveyPlan::kFirstGraph);
 static_assert(kGraphItems.back().id == CSurveyPlan::kLastGraph);
+
+/// What came of a file, system by system.
+std::wstring WordsOf(const OrbitImport& import)
+{
+    QStringList lines;
+    for (std::size_t k = 0; k < kGnssSystems; ++k) {
+        const SystemState& state = import.came[k];
+        if (state.satellites == 0) {
+            continue;
+        }
+        const auto day = DateText(UtcOfGpsSeconds(state.lastS));
+        const bool isAlmanac = import.isAlmanac && k == 0;
+        lines += UiText(isAlmanac ? text::kOrbitsAlmanac : text::kOrbitsCame)
+                     .arg(SystemText(static_cast<GnssSystem>(k)))
+                     .arg(state.satellites)
+                     .arg(day);
+    }
+    if (import.leftOut > 0) {
+        lines += UiText(text::kOrbitsLeftOut).arg(import.leftOut);
+    }
+    return lines.join(QLatin1Char('\n')).toStdWString();
+}
 
 } // namespace
 
@@ -87,6 +119,7 @@ std::chrono::sys_days CSurveyPlan::Today() const
 bool CSurveyPlan::OnInitDialog()
 {
     const AlmanacMessage almanac = m_session.Begin(GetClock());
+    const std::optional<TextError> messages = m_session.ReloadMessages();
     BuildMenu();
     SetGround();
     DoDataExchange(false);
@@ -95,8 +128,12 @@ bool CSurveyPlan::OnInitDialog()
     m_windowList->Show(Drawing());
     ShowSlider();
     Tell(almanac);
+    if (messages) {
+        CMesBox(GetHost()).Warn(TextErrorText(NavigationPath(m_session.Folder()), *messages),
+                                text::kOrbitsRead);
+    }
     ShowDates();
-    if (m_session.HasAlmanac()) {
+    if (m_session.CanPlan()) {
         DrawResults();
     }
     SetTimer(kDayTimer, kDayMs);
@@ -159,6 +196,7 @@ void CSurveyPlan::ShowSite()
 void CSurveyPlan::ShowDates()
 {
     m_header->ShowDates(Drawing(), Today());
+    m_systems->Show(m_session.Plan());
 }
 
 int CSurveyPlan::GetMenuID(int drawType)
@@ -186,6 +224,15 @@ void CSurveyPlan::OnMenu(int id)
         return;
     case kCurtainItem:
         OnPlanSetCurtain();
+        return;
+    case kSearchItem:
+        SearchDays();
+        return;
+    case kSessionItem:
+        SessionDlg(m_session, m_surroundings, GetHost(), this).DoModal();
+        return;
+    case kImportItem:
+        Import();
         return;
     case kAlmanacItem:
         OnPlanSetAlm();
@@ -249,6 +296,51 @@ void CSurveyPlan::OnPlanSetAlm()
     }
     for (const AlmanacMessage& message : messages) {
         Tell(message);
+    }
+    DrawResults();
+}
+
+void CSurveyPlan::Import()
+{
+    const std::filesystem::path file = m_surroundings.chooseFile(
+        this, false, m_surroundings.documents, UiText(text::kOrbitsRead) + QStringLiteral(" (*)"));
+    if (file.empty()) {
+        return;
+    }
+    m_progress->SetRange(0, 0);
+    m_progress->SetText(UiText(text::kOrbitsReading));
+    m_progress->show();
+    OrbitImport import;
+    DoAside(*this, [&] { import = ImportOrbits(m_session.Folder(), file, GetClock().Utc()); });
+    m_progress->hide();
+    const CMesBox box(GetHost());
+    if (import.error) {
+        box.Fail(TextErrorText(file, *import.error), text::kOrbitsRead);
+    } else if (import.isTooFew) {
+        box.Fail(text::kOrbitsTooFew, text::kOrbitsRead);
+    } else if (import.notKept) {
+        box.Fail(ExportFailureText(m_session.Folder(), import.notKept).toStdWString(),
+                 text::kOrbitsRead);
+    }
+    m_session.ReloadMessages();
+    const AlmanacMessage almanac = m_session.ReloadAlmanac();
+    DrawResults();
+    if (import.IsDone()) {
+        box.Show(WordsOf(import), text::kOrbitsRead, {BoxButtons::Ok, BoxIcon::Information});
+        Tell(almanac);
+    }
+}
+
+void CSurveyPlan::SearchDays()
+{
+    PlanSearchDlg dialog(m_session, GetHost(), this);
+    if (dialog.DoModal() == kOk && dialog.Chosen()) {
+        const PlanHours& hours = *dialog.Chosen();
+        SetStartTimeData(hours.startHour); // first: it decides how long the period may be
+        SetDispTimeData(hours.hours);
+        SetSystemTime(hours.date);
+        m_session.SetLimits(dialog.Limits()); // so that the plan says the same
+        DoDataExchange(false);
     }
     DrawResults();
 }

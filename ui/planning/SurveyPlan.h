@@ -25,6 +25,7 @@ class CTextProgressCtrl;
 class LabelSpin;
 class PlanGraphView;
 class PlanHeader;
+class PlanSystemsBar;
 class PlanWindowList;
 
 /// The screen of the observation plan: for one day, a period of whole hours and a site, it shows
@@ -54,6 +55,9 @@ public:
     static constexpr int kDetailItem = 21911;
     static constexpr int kAlmanacItem = 21912;
     static constexpr int kCurtainItem = 21913;
+    static constexpr int kImportItem = 21914;
+    static constexpr int kSearchItem = 21915;
+    static constexpr int kSessionItem = 21916;
 
     /// Redraws when the user has left the spins alone for so long.
     static constexpr int kRefreshTimer = 256;
@@ -155,11 +159,14 @@ private:
     void ShowWindows();
     void ShowSlider();
     void SetDay(std::chrono::year_month_day date);
+    void ChooseSystem(GnssSystem system);
     void DragMask(int maskDeg);
     void OfferOldMask();
     void UndoMask();
     [[nodiscard]] const Clock& GetClock() const;
     void Export();
+    void Import();
+    void SearchDays();
     void SetGround();
     void Tell(const AlmanacMessage& message) const;
     template <typename Change>
@@ -179,6 +186,7 @@ private:
     QBoxLayout* m_body;          // panel and graph: one below the other, or side by side
     QWidget* m_panel;
     PlanHeader* m_header;
+    PlanSystemsBar* m_systems;
     CnToolBar* m_tools;
     LabelSpin* m_start;
     LabelSpin* m_end;

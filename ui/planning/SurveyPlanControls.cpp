@@ -16,6 +16,7 @@
 #include "ui/planning/PlanExportMenu.h"
 #include "ui/planning/PlanGraphView.h"
 #include "ui/planning/PlanHeader.h"
+#include "ui/planning/PlanSystemsBar.h"
 #include "ui/planning/PlanWindowList.h"
 
 #include <QLabel>
@@ -71,6 +72,8 @@ void CSurveyPlan::BuildControls()
 
     auto* const right = new QVBoxLayout;
     right->setSpacing(kGrid / 2);
+    m_systems = new PlanSystemsBar;
+    right->addWidget(m_systems);
     right->addWidget(m_graph, 1);
     auto* const below = new QHBoxLayout; // one row: the sky does not shrink under the finger
     below->setSpacing(kGrid);
@@ -92,6 +95,7 @@ void CSurveyPlan::BuildControls()
     layout->setSpacing(0);
     layout->addLayout(m_body, 1);
 
+    connect(m_systems, &PlanSystemsBar::Chosen, this, &CSurveyPlan::ChooseSystem);
     connect(m_time, &QSlider::valueChanged, m_graph,
             [this](int minutes) { m_graph->SetTime(minutes); });
     connect(m_graph, &PlanGraphView::timeChanged, this, [this] { ShowSlider(); });
@@ -171,6 +175,11 @@ void CSurveyPlan::BuildMenu()
             m_menu->AddSeparator(graphs);
         }
     }
+    const int more = m_menu->AddPopup(UiText(text::kPlanMenuMore));
+    m_menu->AddItem(more, kSearchItem, UiText(text::kSearchDays));
+    m_menu->AddItem(more, kSessionItem, UiText(text::kSessionTitle));
+    m_menu->AddSeparator(more);
+    m_menu->AddItem(more, kImportItem, UiText(text::kOrbitsRead));
     m_menu->CheckRadioItem(kFirstGraph, kLastGraph, GetMenuID(m_session.Settings().drawType));
     layout()->addWidget(m_menu);
     connect(m_menu, &CnMenuBar::ItemChosen, this, &CSurveyPlan::OnMenu);
@@ -188,11 +197,17 @@ void CSurveyPlan::SetDay(std::chrono::year_month_day date)
     DrawResults();
 }
 
+void CSurveyPlan::ChooseSystem(GnssSystem system)
+{
+    ToggleSystem(m_session, system, GetHost());
+    DrawResults();
+}
+
 void CSurveyPlan::DragMask(int maskDeg)
 {
     m_oldMaskDeg = m_oldMaskDeg.value_or(GetElMaskData());
     m_session.SetMask(maskDeg);
-    m_session.Compute();
+    m_session.ComputeMask();
     m_graph->Refresh(maskDeg);
     ShowWindows();
 }

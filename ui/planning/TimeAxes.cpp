@@ -44,7 +44,7 @@ qreal Crisp(qreal at)
 
 TimeAxes::TimeAxes(const PlanDrawing& drawing, const PlotStyle& style, const QRectF& area)
     : m_drawing(drawing), m_style(style), m_area(area),
-      m_highest(GraphDivision(drawing.graph) * kGraphDivisions)
+      m_highest(GraphDivision(*drawing.plan, drawing.graph) * kGraphDivisions)
 {
     const QFontMetricsF metrics(style.small);
     m_line = std::ceil(metrics.height());
@@ -83,7 +83,7 @@ double TimeAxes::MinutesAt(qreal x) const
 void TimeAxes::DrawValues(QPainter& painter) const
 {
     const qreal step = m_plot.height() / kGraphDivisions;
-    const double division = GraphDivision(m_drawing.graph);
+    const double division = GraphDivision(*m_drawing.plan, m_drawing.graph);
     const bool isWhole = division == std::floor(division);
     const int stride = std::max(StrideFor(step, m_line * 1.2), isWhole ? 1 : 2);
     const bool isAngle = IsTracks(m_drawing.graph);

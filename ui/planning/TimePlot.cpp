@@ -2,6 +2,7 @@
 
 #include "core/planning/Degrees.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/LiveSkyStyle.h"
 
 #include <QFontMetricsF>
 #include <QPolygonF>
@@ -246,19 +247,25 @@ void TimePlot::DrawTracks(QPainter& painter) const
     painter.setPen(PlotPen(m_style.accent, 1.0, Qt::CustomDashLine));
     const qreal now = std::floor(m_axes.XOf(m_drawing.minutes)) + 0.5;
     painter.drawLine(QPointF(now, plot.top()), QPointF(now, plot.bottom()));
+    const auto satelliteOf = [&](const TrackRun& run) {
+        return m_drawing.plan->Satellites()[static_cast<std::size_t>(run.prnIndex)];
+    };
+    const auto colourOf = [&](const TrackRun& run) {
+        return TrackColour(m_style, m_drawing.plan->IsGpsAlone(), satelliteOf(run));
+    };
     for (const TrackRun& run : runs) {
         const QPainterPath path = PathOf(run);
-        painter.setPen(PlotPen(m_style.Curve(run.prnIndex), kCurveWidth));
+        painter.setPen(PlotPen(colourOf(run), kCurveWidth));
         painter.setBrush(Qt::NoBrush);
         painter.drawPath(path);
     }
     for (const TrackRun& run : runs) {
         const QPointF head = *PointOfSatellite(run.prnIndex, run.last);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(m_style.Curve(run.prnIndex));
+        painter.setBrush(colourOf(run));
         painter.drawEllipse(*PointOfSatellite(run.prnIndex, run.first), 3.0, 3.0);
         painter.setBrush(Qt::NoBrush);
-        labels.Draw(painter, head, QString::number(run.prnIndex + 1), 3.0);
+        labels.Draw(painter, head, SatelliteLabel(m_drawing, satelliteOf(run)), 3.0);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "core/planning/PlanSearch.h"
 
 #include "core/planning/ObservationPlan.h"
+#include "core/planning/SiteSkies.h"
 #include "tests/core/planning/SampleSky.h"
 
 #include <bit>
@@ -182,6 +183,36 @@ TEST(PlanSearch, HasNothingWithoutSitesOrSatellites)
     Finish(noSites);
     EXPECT_EQ(noSites.Counts(noSites.Together())[0], 0);
     EXPECT_FALSE(noSites.Step());
+}
+
+TEST(SiteSkies, SaysWhichLimitWouldHaveToGiveAndWhichHoursShowATime)
+{
+    ObservationPlan plan;
+    plan.Calc().LoadAlmanac(testing::SampleFile());
+    PlanSearch search = SearchOf(plan, SomeSites(), {kFirst, 3, 20, 8, 30min});
+    Finish(search);
+    const WindowLimits loose{4, WindowLimits::kHighestPdop, 60min};
+    const std::vector<SearchWindow> found = search.BestOfDays(0, loose);
+    ASSERT_FALSE(found.empty());
+    const PlanWindow& best = found.front().window;
+    WindowLimits limits = loose;
+    limits.maxPdop = best.highestPdop - 0.2;
+    ASSERT_TRUE(search.BestOfDays(0, limits).empty());
+    const std::optional<WindowLimits> eased = EasedLimits(search, 0, limits);
+    ASSERT_TRUE(eased);
+    EXPECT_EQ(eased->minSatellites, limits.minSatellites);
+    EXPECT_NEAR(eased->maxPdop, best.highestPdop, 0.1) << "tenths";
+    EXPECT_FALSE(search.BestOfDays(0, *eased).empty());
+    limits = {12, 1.0, 720min};
+    EXPECT_FALSE(EasedLimits(search, 0, limits)) << "longer than the hours of a day";
+
+    for (const SearchWindow& window : found) {
+        const PlanHours hours = HoursAround(search, window.window);
+        PlanPeriod period{hours.date, hours.startHour, hours.hours};
+        EXPECT_LE(period.UtcAfter(0), search.UtcAt(window.window.first));
+        EXPECT_GT(period.UtcAfter(0) + 1h, search.UtcAt(window.window.first));
+        EXPECT_LE(hours.startHour + hours.hours, 24) << "a plan ends at midnight";
+    }
 }
 
 } // namespace

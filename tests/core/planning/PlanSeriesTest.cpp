@@ -110,14 +110,14 @@ TEST(SkySnapshot, AgreesWithThePlanAndShowsTheHidden)
     for (int k = 0; k <= plan.Division(); ++k) {
         std::uint32_t visible = 0;
         for (const SkySatellite& satellite : SkyAt(plan, k * plan.Computed().Interval())) {
-            EXPECT_NE(satellite.prn, 1) << "it is switched off";
+            EXPECT_NE(satellite.satellite.number, 1) << "it is switched off";
             EXPECT_GE(satellite.direction.elevationRad, 0.0);
             hidden += satellite.isVisible ? 0 : 1;
             if (!satellite.isVisible) {
                 continue;
             }
-            visible |= 1U << (satellite.prn - 1);
-            const auto expected = plan.DirectionAt(satellite.prn - 1, k);
+            visible |= 1U << (satellite.satellite.number - 1);
+            const auto expected = plan.DirectionAt(satellite.satellite.number - 1, k);
             ASSERT_TRUE(expected);
             // 1e-9 rad: two ways to the same angle differ by rounding alone.
             EXPECT_NEAR(satellite.direction.azimuthRad, expected->azimuthRad, 1e-9);

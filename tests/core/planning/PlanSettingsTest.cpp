@@ -35,12 +35,15 @@ TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
     EXPECT_EQ(settings.positionId, 0);
     EXPECT_EQ(settings.limits, WindowLimits{});
     EXPECT_EQ(settings.switchedOff, 0U);
+    EXPECT_EQ(settings.systems, SystemSetOf(GnssSystem::Gps));
 }
 
 TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 {
     const WindowLimits limits{7, 2.35, std::chrono::minutes(45)};
-    EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99, limits, 0x80000005}), 1);
+    EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99, limits, 0x80000005,
+                                       SystemSet(0b101), true}),
+              1);
     SettingsRoots later(testing::FoldersBelow(m_home.Path()));
     const PlanSettings settings = LoadPlanSettings(HostReg(later));
     EXPECT_EQ(settings.elMaskDeg, 25);
@@ -53,6 +56,8 @@ TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
     EXPECT_EQ(settings.positionId, 99);
     EXPECT_EQ(settings.limits, limits);
     EXPECT_EQ(settings.switchedOff, 0x80000005U);
+    EXPECT_EQ(settings.systems, SystemSet(0b101));
+    EXPECT_TRUE(settings.clockPerSystem);
 
     // Under the names that other programs of the controller know.
     std::uint32_t mask = 0;

@@ -113,14 +113,15 @@ TEST_F(PlanGraphViewTest, TellsTheSatelliteThatIsTapped)
     for (const SkySatellite& satellite : sky) {
         QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier,
                           Sky().PointOf(satellite.direction).toPoint());
-        EXPECT_EQ(view.Reading().mid(1), ReadingOfSatellite(satellite));
+        EXPECT_EQ(view.Reading().mid(1), ReadingOfSatellite(view.Drawing(), satellite));
     }
     QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(3, 3));
     EXPECT_EQ(view.Reading().size(), 1) << "the time alone";
     Key(Qt::Key_Up);
-    EXPECT_EQ(Line(1).section(QLatin1Char(' '), 0, 1), PrnText(sky.front().prn));
+    EXPECT_EQ(Line(1).section(QLatin1Char(' '), 0, 1), PrnText(sky.front().satellite.number));
     Key(Qt::Key_Down);
-    EXPECT_EQ(Line(1).section(QLatin1Char(' '), 0, 1), PrnText(sky.back().prn)) << "round";
+    EXPECT_EQ(Line(1).section(QLatin1Char(' '), 0, 1), PrnText(sky.back().satellite.number))
+        << "round";
 }
 
 TEST_F(PlanGraphViewTest, MovesTheSatellitesInTime)

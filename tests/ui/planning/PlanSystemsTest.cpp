@@ -1,0 +1,153 @@
+#include "tests/core/orbits/Messages.h"
+#include "tests/ui/planning/PlanScreen.h"
+#include "ui/planning/ChoiceButton.h"
+#include "ui/planning/PlanDrawing.h"
+#include "ui/planning/PlanGraphView.h"
+#include "ui/planning/PlanSystemsBar.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QListWidget>
+
+#include <algorithm>
+
+namespace fieldcore {
+namespace {
+
+using testing::Click;
+using testing::Next;
+using testing::PlanScreen;
+
+/// On the day of the messages.
+class PlanSystemsTest : public PlanScreen
+{
+protected:
+    PlanSystemsTest()
+    {
+        clock.time =
+            std::chrono::sys_days(std::chrono::year(2020) / 6 / 25) + std::chrono::hours(3);
+        WriteAlmanac(2111);
+    }
+    void Choose(int item) const
+    {
+        for (QAction* const action : plan->findChildren<QAction*>()) {
+            if (action->data().toInt() == item) {
+                action->trigger();
+                return;
+            }
+        }
+        FAIL() << item;
+    }
+    void Import(const std::string& text)
+    {
+        home.Write("orbits.txt", text);
+        chosenFile = home.Path() / "orbits.txt";
+        Choose(CSurveyPlan::kImportItem);
+    }
+    void Tap(GnssSystem system) const
+    {
+        const auto buttons = plan->findChild<PlanSystemsBar*>()->findChildren<ChoiceButton*>();
+        QTest::mouseClick(buttons[static_cast<int>(system)], Qt::LeftButton);
+    }
+    [[nodiscard]] std::string Systems() const { return TextOf(plan->Session().Plan().Systems()); }
+    static bool Says(const QWidget& window, const QString& words)
+    {
+        const QList<QLabel*> labels = window.findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+            return label->isVisible() && label->text().contains(words);
+        });
+    }
+};
+
+TEST_F(PlanSystemsTest, CountsWhatWasReadAndChosenTogether)
+{
+    Show();
+    Tap(GnssSystem::BeiDou);
+    ASSERT_EQ(host.notes.size(), 1U) << "nothing is known of it";
+    EXPECT_EQ(Systems(), "G");
+    const int before = plan->Session().Plan().View().count[0];
+    Import(testing::Messages());
+    ASSERT_EQ(host.notes.size(), 2U);
+    EXPECT_NE(host.notes.back().text.find(L"BeiDou：3衛星"), std::wstring::npos);
+    EXPECT_EQ(plan->Session().Plan().View().count[0], before) << "nobody has asked for more";
+    Tap(GnssSystem::BeiDou);
+    Tap(GnssSystem::Qzss);
+    EXPECT_EQ(Systems(), "GCJ");
+    EXPECT_EQ(plan->Session().Plan().Satellites().size(), 5U)
+        << "the almanac is made up: it yields";
+    EXPECT_TRUE(Says(*plan, QStringLiteral("GPS+BDS+QZS")));
+    EXPECT_TRUE(PlanCaption(plan->findChild<PlanGraphView*>()->Drawing())
+                    .contains(SystemsText(plan->Session().Plan())));
+    Show(); // anew
+    EXPECT_EQ(Systems(), "GCJ");
+    for (const GnssSystem system : {GnssSystem::BeiDou, GnssSystem::Qzss, GnssSystem::Gps}) {
+        Tap(system);
+    }
+    EXPECT_EQ(Systems(), "G") << "one is always left";
+}
+
+TEST_F(PlanSystemsTest, SaysWhereAFileIsWrongAndKeepsWhatWasThere)
+{
+    Show();
+    Import(testing::Messages());
+    Import(testing::With(testing::Messages(), "R09 2020 06", "R09 2020 13"));
+    EXPECT_EQ(host.notes.back().icon, BoxIcon::Stop);
+    EXPECT_NE(host.notes.back().text.find(L"12"), std::wstring::npos) << "its line";
+    Tap(GnssSystem::BeiDou);
+    EXPECT_EQ(Systems(), "GC");
+    home.Write("GSurveyPlan.nav", "not what it was");
+    Show();
+    EXPECT_NE(host.notes.back().text.find(L"GSurveyPlan.nav"), std::wstring::npos);
+}
+
+TEST_F(PlanSystemsTest, SearchesDaysAndOpensThePlanOfTheOneThatIsTapped)
+{
+    Show();
+    Next(*plan, [this](QWidget& dialog) {
+        Click(dialog, text::kSearchStart);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return Says(dialog, UiText(text::kSearchTap)); }, 60000));
+        for (ChoiceButton* const day : dialog.findChildren<ChoiceButton*>()) {
+            if (day->isVisible() && day->isChecked()) { // the best
+                QTest::mouseClick(day, Qt::LeftButton);
+                return;
+            }
+        }
+        FAIL();
+    });
+    Choose(CSurveyPlan::kSearchItem);
+    const ObservationPlan& shown = plan->Session().Plan();
+    EXPECT_FALSE(FindWindows(shown, plan->Session().Limits()).empty());
+    plan->SetElMaskData(75);
+    plan->DrawResults();
+    Next(*plan, [](QWidget& dialog) {
+        Click(dialog, text::kSearchStart);
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return Says(dialog, UiText(text::kSearchEaseNothing)); }, 60000));
+        dialog.close();
+    });
+    Choose(CSurveyPlan::kSearchItem);
+}
+
+TEST_F(PlanSystemsTest, PlansASessionAndPrintsIt)
+{
+    Show();
+    chosenFile = home.Path() / "session.pdf";
+    Next(*plan, [this](QWidget& dialog) {
+        Click(dialog, text::kSessionShow);
+        EXPECT_EQ(host.notes.size(), 1U) << "one site is no session";
+        auto* const list = dialog.findChild<QListWidget*>();
+        list->item(1)->setCheckState(Qt::Checked);
+        Click(dialog, text::kSessionShow);
+        EXPECT_TRUE(Says(dialog, UiText(text::kSessionTogether)));
+        EXPECT_TRUE(Says(dialog, list->item(1)->text()));
+        Click(dialog, text::kSessionPdf);
+        dialog.close();
+    });
+    const Observer before = plan->Session().Plan().Calc().GetObserver();
+    Choose(CSurveyPlan::kSessionItem);
+    EXPECT_GT(std::filesystem::file_size(chosenFile), 10'000U);
+    EXPECT_EQ(plan->Session().Plan().Calc().GetObserver().latitudeRad, before.latitudeRad);
+}
+
+} // namespace
+} // namespace fieldcore

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/host/Host.h"
+#include "core/planning/PlanSession.h"
+
+#include <QWidget>
+
+#include <array>
+
+namespace fieldcore {
+
+class ChoiceButton;
+
+/// Takes @p system in or out; the plan is then to be computed. One of which nothing is known is not
+/// taken in, and the user told why.
+void ToggleSystem(PlanSession& session, GnssSystem system, Host& host);
+
+/// The systems of a plan as buttons in the colours and shapes of the live sky: how many satellites
+/// are known of each, in amber how old they are where that is too old, and which have none. They
+/// show what the plan has: a tap only asks. User-interface thread only.
+class PlanSystemsBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PlanSystemsBar(QWidget* parent = nullptr);
+
+    /// @param plan  its Systems() and what is known of them when its Period() starts
+    void Show(const ObservationPlan& plan);
+
+Q_SIGNALS:
+    /// The user wants the system in, or out.
+    void Chosen(GnssSystem system);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void UpdateSigns();
+
+    std::array<ChoiceButton*, kGnssSystems> m_buttons; // owned by the widget
+};
+
+} // namespace fieldcore
