@@ -68,7 +68,7 @@ QSize PlanGraphView::sizeHint() const
 QSize PlanGraphView::minimumSizeHint() const
 {
     const int em = QFontMetrics(font()).height();
-    return {em * 14, em * 12};
+    return {em * 14, em * 9};
 }
 
 void PlanGraphView::SetDrawing(const PlanDrawing& drawing)
