@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const EastNorthUp enu{std::sin(azimuth) * std::cos(elevation),
                               std::cos(azimuth) * std::cos(elevation), std::sin(elevation)};
         const bool passes = limits.Pass({azimuth, elevation});
-        const auto verdict = limits.Judge(enu, 1.0);
+        const auto verdict = limits.Judge(enu);
         if (verdict != (passes ? SkyLimits::Verdict::Visible : SkyLimits::Verdict::Hidden)) {
             std::abort();
         }

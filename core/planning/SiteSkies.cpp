@@ -5,6 +5,7 @@
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SkyPlan.h"
+#include "core/platform/Folders.h"
 
 #include <algorithm>
 #include <chrono>
@@ -36,6 +37,19 @@ std::optional<SiteSky> SkyOfSite(const PlanSession& session, const std::wstring&
         sky.origin = SiteSky::Origin::Plan;
     }
     return sky;
+}
+
+std::error_code KeepSiteCurtain(const std::filesystem::path& folder, const std::wstring& name,
+                                const ObstructionCurtain& curtain)
+{
+    const std::optional<std::filesystem::path> file = SiteCurtainPath(folder, name);
+    if (!file) {
+        return std::make_error_code(std::errc::filename_too_long);
+    }
+    if (const std::error_code error = Folders::Create(file->parent_path())) {
+        return error;
+    }
+    return SaveCurtainText(*file, curtain);
 }
 
 PlanSearch SearchOf(const ObservationPlan& plan, std::span<const SiteSky> sites,

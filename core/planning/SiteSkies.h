@@ -5,9 +5,11 @@
 #include "core/platform/TextError.h"
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace fieldcore {
@@ -32,6 +34,12 @@ struct SiteSky
 /// @return nothing unless the list has all coordinates of the site
 [[nodiscard]] std::optional<SiteSky> SkyOfSite(const PlanSession& session,
                                                const std::wstring& name);
+
+/// Keeps @p curtain as the site's own, whole or not at all; where it hides nothing, too: the sky is
+/// then known to be open.
+[[nodiscard]] std::error_code KeepSiteCurtain(const std::filesystem::path& folder,
+                                              const std::wstring& name,
+                                              const ObstructionCurtain& curtain);
 
 /// A search with the systems and satellites of @p plan, and one receiver clock.
 [[nodiscard]] PlanSearch SearchOf(const ObservationPlan& plan, std::vector<SearchSite> sites,

@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace fieldcore {
 
@@ -46,11 +47,13 @@ std::wstring NoneYet(std::chrono::seconds observed)
 } // namespace
 
 CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
-                             QWidget* parent)
+                             QWidget* parent, std::optional<SiteSky> site)
     : Dialog(parent, Extent::Whole), m_session(session), m_surroundings(surroundings), m_host(host),
-      m_tools(new CnToolBar), m_view(new CurtainView(m_edit)), m_reading(new QLabel)
+      m_site(std::move(site)), m_tools(new CnToolBar), m_view(new CurtainView(m_edit)),
+      m_reading(new QLabel)
 {
-    setWindowTitle(UiText(text::kPlanCurtain));
+    setWindowTitle(UiText(text::kPlanCurtain) +
+                   (m_site ? QLatin1Char(' ') + ToQt(m_site->name) : QString()));
     setAccessibleName(windowTitle());
     m_tools->AddButton(kFormTool, QStringLiteral("curtain"), UiText(text::kCurtainUnrolled));
     m_tools->CheckItem(kFormTool, false);
@@ -181,7 +184,7 @@ void CurtainEditor::TakeProposal()
 bool CurtainEditor::OnInitDialog()
 {
     // Not the plan's own: without an almanac it has not read the file.
-    m_edit = CurtainEdit(LoadCurtain(m_session.Folder()));
+    m_edit = CurtainEdit(m_site ? m_site->curtain : LoadCurtain(m_session.Folder()));
     Propose();
     Update();
     m_view->setFocus();
@@ -272,9 +275,16 @@ bool CurtainEditor::OnClose(int result)
     if (result != kOk) {
         return true;
     }
-    if (const std::error_code error = m_session.ChangeCurtain(m_edit.Curtain())) {
+    const std::error_code error =
+        m_site ? KeepSiteCurtain(m_session.Folder(), m_site->name, m_edit.Curtain())
+               : m_session.ChangeCurtain(m_edit.Curtain());
+    if (error) {
         CMesBox(m_host).Fail(
-            ExportFailureText(CurtainPath(m_session.Folder()), error).toStdWString(),
+            ExportFailureText(
+                m_site ? SiteCurtainPath(m_session.Folder(), m_site->name).value_or("Curtains")
+                       : CurtainPath(m_session.Folder()),
+                error)
+                .toStdWString(),
             text::kPlanFileCaption);
         return false;
     }

@@ -2,6 +2,7 @@
 
 #include "core/host/Host.h"
 #include "core/planning/CurtainEdit.h"
+#include "core/planning/SiteSkies.h"
 #include "core/planning/SkyRecord.h"
 #include "ui/controls/Dialog.h"
 #include "ui/planning/PlanSurroundings.h"
@@ -16,19 +17,20 @@ namespace fieldcore {
 
 class CnToolBar;
 class CurtainView;
-class PlanSession;
 
 /// The editor of the obstruction curtain. OK stores the curtain in the program's folder and gives
-/// it to the plan; Cancel leaves both as they were. Where tracking was noted long enough, it
-/// proposes a curtain that one tap takes over and another takes back. User-interface thread only.
+/// it to the plan, or keeps it as the one of a site; Cancel leaves both as they were. Where
+/// tracking was noted long enough, it proposes a curtain that one tap takes over and another takes
+/// back. User-interface thread only.
 class CurtainEditor : public Dialog
 {
     Q_OBJECT
 
 public:
     /// @param session  all three must outlive the editor
+    /// @param site     whose curtain it is, to begin with; nothing: the plan's
     CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
-                  QWidget* parent = nullptr);
+                  QWidget* parent = nullptr, std::optional<SiteSky> site = {});
 
     // Numbers of the tools.
     static constexpr int kFormTool = 1; ///< stays down while the view is unrolled
@@ -62,6 +64,7 @@ private:
     PlanSession& m_session;
     const PlanSurroundings& m_surroundings;
     Host& m_host;
+    const std::optional<SiteSky> m_site;
     CurtainEdit m_edit;
     CnToolBar* m_tools; // owned by the dialog, as is all that follows
     CurtainView* m_view;

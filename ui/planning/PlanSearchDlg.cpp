@@ -1,9 +1,11 @@
 #include "ui/planning/PlanSearchDlg.h"
 
 #include "core/host/MesBox.h"
+#include "core/orbits/SystemTime.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/LabelSpin.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TextProgressCtrl.h"
@@ -11,6 +13,7 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/ChoiceButton.h"
+#include "ui/planning/LiveSkyStyle.h"
 #include "ui/planning/PlanDrawing.h"
 #include "ui/planning/PlanSystemsBar.h"
 #include "ui/planning/SiteChoice.h"
@@ -68,6 +71,26 @@ QString DayOf(std::chrono::sys_days day)
         .arg(static_cast<unsigned>(date.day()));
 }
 
+/// Which systems have orbits that are too old before the search ends.
+QStringList StaleText(const ObservationPlan& plan, const PlanSearch& search)
+{
+    const double endS = GpsSecondsOfUtc(search.UtcAt(search.EpochCount() - 1));
+    QStringList names;
+    SystemState oldest;
+    for (std::size_t k = 0; k < kGnssSystems && !plan.IsGpsAlone(); ++k) {
+        const auto system = static_cast<GnssSystem>(k);
+        const SystemState state = plan.GetConstellations().StateOf(system, endS);
+        if (plan.Systems().test(k) && state.satellites > 0 && state.isStale) {
+            names += SystemText(system);
+            oldest = state.ageS > oldest.ageS ? state : oldest;
+        }
+    }
+    return names.isEmpty()
+               ? QStringList()
+               : QStringList(names.join(UiText(text::kPlanListSeparator)) + QLatin1Char(' ') +
+                             UiText(text::kSystemStale).arg(AgeText(oldest)));
+}
+
 QString EasedText(const std::optional<WindowLimits>& eased, const WindowLimits& limits)
 {
     if (!eased) {
@@ -91,7 +114,7 @@ PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
       m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_progress(new CTextProgressCtrl),
       m_cancel(MakeButton(text::kButtonCancel)), m_go(MakeButton(text::kSearchStart)),
       m_site(new CTComboBox), m_conditions(new QLabel), m_best(new QLabel), m_calendar(new QWidget),
-      m_notes(new QLabel)
+      m_notes(new RoleLabel(&Theme::attention))
 {
     setWindowTitle(UiText(text::kSearchDays));
     setAccessibleName(windowTitle());
@@ -321,6 +344,7 @@ void PlanSearchDlg::ShowResult()
         }
         notes += UiText(text::kSearchOpenSky).arg(named.join(UiText(text::kPlanListSeparator)));
     }
+    notes += StaleText(m_session.Plan(), *m_search);
     if (m_session.Plan().HasClockPerSystem() && !m_session.Plan().IsGpsAlone()) {
         notes += UiText(text::kSearchOneClock);
     }

@@ -8,6 +8,7 @@
 #include "ui/controls/RoleLabel.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/CurtainEditor.h"
 #include "ui/planning/PlanExport.h"
 #include "ui/planning/SessionSheet.h"
 #include "ui/planning/SiteChoice.h"
@@ -150,7 +151,19 @@ void SessionDlg::ShowRows()
     for (std::size_t k = 0; k < m_sites.size(); ++k) {
         const SiteSky& site = m_sites[k];
         const SiteSummary summary = SummaryOf(*m_search, k, m_session.Limits());
-        layout->addWidget(Bold(ToQt(site.name)));
+        auto* const head = new QHBoxLayout;
+        head->addWidget(Bold(ToQt(site.name)), 1);
+        QPushButton* const curtain = AddButton(*head, text::kPlanCurtain);
+        curtain->setMinimumHeight(TouchStyle::kTarget);
+        curtain->setAccessibleDescription(ToQt(site.name));
+        connect(curtain, &QPushButton::clicked, this, [this, site] {
+            CurtainEditor editor(m_session, m_surroundings, m_host, this, site);
+            if (editor.DoModal() == kOk) {
+                // Later: the button that was pressed goes with its row.
+                QMetaObject::invokeMethod(this, &SessionDlg::ShowRows, Qt::QueuedConnection);
+            }
+        });
+        layout->addLayout(head);
         layout->addWidget(
             Wrapped(new QLabel(session_sheet::ValuesText(summary) + QStringLiteral("  ") +
                                session_sheet::WindowsText(*m_search, summary))));

@@ -68,7 +68,7 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
     std::optional<simulator::Scenario> street = simulator::LoadScenario("street", error);
     ASSERT_TRUE(street) << error;
     street->start = std::chrono::sys_days(2026y / 3 / 19);
-    PlugIn(*street);
+    Plug(*street);
     ASSERT_EQ(AlmanacStore(folder.Path()).Update(command), AlmanacResult::Done);
     Begin(folder.Path());
     Live(4h);

@@ -416,7 +416,6 @@ TEST_F(PlanPagesTest, TakeOverTheCurtainOfWhatWasTracked)
             EXPECT_FALSE(editor.View().Proposal());
             EXPECT_FALSE(button(editor)->isVisible());
             EXPECT_TRUE(label(editor).contains(QStringLiteral("0.0時間"))) << "why there is none";
-            KeepPicture(editor, QStringLiteral("curtain-none"));
         },
         text::kButtonCancel);
     ASSERT_FALSE(SaveSkyRecord(home.Path(), WalledIn()));
@@ -432,7 +431,6 @@ TEST_F(PlanPagesTest, TakeOverTheCurtainOfWhatWasTracked)
             QTest::mouseClick(button(editor), Qt::LeftButton);
             EXPECT_NEAR(editor.Edit().At(90), 30, 2);
             EXPECT_EQ(editor.Edit().At(own), drawn[own]) << "what is not known stays";
-            KeepPicture(editor, QStringLiteral("curtain-taken"));
             QTest::mouseClick(button(editor), Qt::LeftButton);
             EXPECT_EQ(editor.Edit().Curtain(), drawn) << "taken back";
             QTest::mouseClick(button(editor), Qt::LeftButton);

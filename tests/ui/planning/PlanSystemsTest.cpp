@@ -24,8 +24,7 @@ class PlanSystemsTest : public PlanScreen
 protected:
     PlanSystemsTest()
     {
-        clock.time =
-            std::chrono::sys_days(std::chrono::year(2020) / 6 / 25) + std::chrono::hours(3);
+        clock.utc = std::chrono::sys_days(std::chrono::year(2020) / 6 / 25) + std::chrono::hours(3);
         WriteAlmanac(2111);
     }
     void Choose(int item) const
@@ -140,6 +139,11 @@ TEST_F(PlanSystemsTest, PlansASessionAndPrintsIt)
         Click(dialog, text::kSessionShow);
         EXPECT_TRUE(Says(dialog, UiText(text::kSessionTogether)));
         EXPECT_TRUE(Says(dialog, list->item(1)->text()));
+        // A curtain of its own for the first one, as it stands.
+        Next(dialog, [](QWidget& editor) { Click(editor, text::kButtonOk); });
+        Click(dialog, text::kPlanCurtain);
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return Says(dialog, UiText(text::kSessionOwnCurtain)); }, 60000));
         Click(dialog, text::kSessionPdf);
         dialog.close();
     });

@@ -411,7 +411,6 @@ TEST_F(SurveyPlanTest, HasRoomForTheLongestLineOfTheAlmanac)
         Show(1, {480, 640});
         Choose(item);
         ExpectNothingCut(*plan, {480, 640});
-        KeepPicture(*plan, QStringLiteral("plan-%1-old-large").arg(item));
     }
     QApplication::setFont(before);
 }
