@@ -142,8 +142,9 @@ void CurtainEditor::Propose()
                        proposal->Percent(SkylineCertainty::Fair)));
         constexpr double kKilometreM = 1000.0;
         constexpr double kElsewhereM = 100.0;
-        const double away = DistanceM(m_noted->Place(), m_session.Site());
-        if (m_session.IsSiteKnown() && away > kElsewhereM) {
+        const double away =
+            DistanceM(m_noted->Place(), m_site ? m_site->observer : m_session.Site());
+        if ((m_site || m_session.IsSiteKnown()) && away > kElsewhereM) {
             say(FormatText(text::kSkylineElsewhere, away / kKilometreM));
         }
     } else {
