@@ -161,8 +161,8 @@ void PlanGrid::ViewBlock(const LocalFrame& frame, const SkyLimits& limits, std::
     const ExactForm exact(*this, frame, limits, first);
     SiteBlock site;
     std::array<std::uint64_t, kBlockEpochs*(kMostSlots / kWordBits + 1)> visible;
-    ViewSky({&m_positions[block], m_stride, epochs, m_used}, frame, limits, exact, site,
-            visible.data(),
+    ViewSky({m_positions.empty() ? nullptr : &m_positions[block], m_stride, epochs, m_used}, frame,
+            limits, exact, site, visible.data(),
             view.directions != nullptr ? &view.directions->m_blocks[block] : nullptr);
     std::copy_n(visible.begin(), epochs * words, view.visible.begin());
     for (std::size_t at = 0; at < epochs; ++at) {

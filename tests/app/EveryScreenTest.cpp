@@ -156,7 +156,7 @@ double Luminance(QRgb colour)
 
 double Contrast(QRgb one, QRgb other)
 {
-    const auto [low, high] = std::minmax(Luminance(one), Luminance(other));
+    const auto [low, high] = std::minmax({Luminance(one), Luminance(other)});
     return (high + 0.05) / (low + 0.05);
 }
 

@@ -9,6 +9,7 @@
 #include "app/StatusStrip.h"
 #include "app/Worlds.h"
 #include "core/link/Connect.h"
+#include "core/link/Questions.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
@@ -314,6 +315,7 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
     options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
     Controller controller(options);
     controller.Begin();
+    controller.Command().Background().SetReplyTimeout(std::chrono::seconds(20));
     Session session(controller);
     MainWindow& window = session.Window();
     window.show();
