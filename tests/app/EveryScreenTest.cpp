@@ -396,7 +396,8 @@ TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
     home.resize(480, 640); // which it can become again
     LookAtAll(home, QStringLiteral("home"));
     ExpectFileDialogsFit(home, m_folder.path());
-    for (const Picture& screen : ScreenPictures(controller, home).All()) {
+    ScreenPictures pictures(controller, home);
+    for (const Picture& screen : pictures.All()) {
         LookAtAll(*screen.make(), screen.name);
     }
     CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, nullptr));
