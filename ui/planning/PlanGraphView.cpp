@@ -69,7 +69,7 @@ QSize PlanGraphView::sizeHint() const
 QSize PlanGraphView::minimumSizeHint() const
 {
     const int em = QFontMetrics(font()).height();
-    return {em * 14, em * 7};
+    return {em * 14, em * 5};
 }
 
 void PlanGraphView::SetDrawing(const PlanDrawing& drawing)
