@@ -20,6 +20,7 @@ struct VirtualClock::Waiter
 struct VirtualClock::Membership
 {
     const VirtualClock* clock = nullptr;
+    bool isExpected = false;
 
     Membership() = default;
     ~Membership()
@@ -95,6 +96,11 @@ void VirtualClock::Join(bool isExpected) const
 {
     Membership& membership = OfThisThread();
     if (membership.clock == this) {
+        if (isExpected && !membership.isExpected) { // it has waited before it could say so
+            membership.isExpected = true;
+            const std::scoped_lock lock(m_mutex);
+            --m_running;
+        }
         return;
     }
     if (membership.clock != nullptr) {
@@ -102,6 +108,7 @@ void VirtualClock::Join(bool isExpected) const
         std::abort();
     }
     membership.clock = this;
+    membership.isExpected = isExpected;
     const std::scoped_lock lock(m_mutex);
     m_running += isExpected ? 0 : 1;
 }
