@@ -146,8 +146,10 @@ TEST(CurtainProposal, TurnsWithItsSurroundings)
         }
         auto proposal = ProposeCurtain(turned, {});
         ASSERT_TRUE(proposal);
-        std::ranges::rotate(proposal->curtain, proposal->curtain.begin() + 2 * turn);
-        std::ranges::rotate(proposal->certainty, proposal->certainty.begin() + 2 * turn);
+        std::rotate(proposal->curtain.begin(), proposal->curtain.begin() + 2 * turn,
+                    proposal->curtain.end());
+        std::rotate(proposal->certainty.begin(), proposal->certainty.begin() + 2 * turn,
+                    proposal->certainty.end());
         EXPECT_EQ(proposal->curtain, straight->curtain) << turn;
         EXPECT_EQ(proposal->certainty, straight->certainty) << turn;
     }
