@@ -173,11 +173,18 @@ std::optional<Failure> UnknownCommand(const CLI::App& program,
                                       const std::vector<std::string>& arguments)
 {
     const CLI::App* parser = &program;
+    bool isValue = false; // of the option before
     for (const std::string& word : arguments) {
+        if (isValue) {
+            isValue = false;
+            continue;
+        }
         if (word.starts_with('-')) {
-            if (parser->get_option_no_throw(word) == nullptr) {
+            const CLI::Option* const option = parser->get_option_no_throw(word);
+            if (option == nullptr) {
                 break; // it may have a value
             }
+            isValue = option->get_items_expected_min() > 0;
             continue;
         }
         const std::vector<std::string> names = NamesBelow(*parser);

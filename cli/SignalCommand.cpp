@@ -146,7 +146,6 @@ Command AddSignalCommand(CLI::App& program)
     CLI::App& set = AddParser(parser, "set", text::kHelpSignalSet);
     set.add_option("SIGNAL", options->names, Worded(text::kOptSignals))
         ->required()
-        ->expected(1, static_cast<int>(kNames.size()))
         ->check(CLI::IsMember({"l2c", "glonass", "qzss", "galileo", "l5", "none"}).description(""))
         ->type_name("");
     AddDryRun(set, text::kOptSignalDry);

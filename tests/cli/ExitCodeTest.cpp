@@ -240,7 +240,7 @@ TEST(LanguageOfARun, IsOne)
         EXPECT_TRUE(saysJapanese(runner.Run(std::string(command) + " --language ja")));
         runner.variables["FIELDCORE_LANGUAGE"] = "ja";
         EXPECT_TRUE(saysJapanese(runner.Run(command)));
-        EXPECT_FALSE(saysJapanese(runner.Run(std::string("--language=en ") + command)));
+        EXPECT_FALSE(saysJapanese(runner.Run(std::string("--language en ") + command)));
         runner.variables.clear();
     }
     EXPECT_EQ(runner.Run("ports --language fr").code, 2);
