@@ -356,7 +356,8 @@ void Controller::LookAtReceiver()
     Q_EMIT Changed();
 }
 
-/// From this hour to midnight, with the site, the mask and the conditions of the plan's page.
+/// What is left of today, else tomorrow, with the site, the mask and the conditions of the plan's
+/// page.
 void Controller::PlanAhead()
 {
     constexpr std::chrono::minutes kSeldom(1);
@@ -373,20 +374,29 @@ void Controller::PlanAhead()
         return;
     }
     const std::chrono::sys_days day = JapanDay(m_clock->Utc());
-    const auto passed = m_clock->Utc() + kJapan - day;
+    const Clock::UtcTime::duration passed = m_clock->Utc() + kJapan - day;
     PlanSettings settings = session.Settings();
     settings.startHour = static_cast<int>(passed / std::chrono::hours(1));
-    settings.hours = 24 - settings.startHour;
-    session.SetSettings(settings);
-    session.SetDate(day);
-    session.Compute();
-    const PlanPeriod& period = session.Plan().Computed();
-    const auto windows = FindWindows(session.Plan(), session.Limits());
-    const auto next = std::ranges::find_if(windows, [&](const PlanWindow& window) {
-        return std::chrono::hours(period.startHour) + window.last * period.Interval() > passed;
-    });
-    m_nextWindow =
-        next != windows.end() ? WindowText(session.Plan(), *next) : UiText(text::kSheetNoWindow);
+    for (const std::chrono::days ahead : {std::chrono::days(0), std::chrono::days(1)}) {
+        settings.hours = 24 - settings.startHour;
+        session.SetSettings(settings);
+        session.SetDate(day + ahead);
+        session.Compute();
+        const PlanPeriod& period = session.Plan().Computed();
+        const auto windows = FindWindows(session.Plan(), session.Limits());
+        const auto next = std::ranges::find_if(windows, [&](const PlanWindow& window) {
+            return ahead + std::chrono::hours(period.startHour) + window.last * period.Interval() >
+                   passed;
+        });
+        if (next != windows.end()) {
+            const QString when =
+                ahead == ahead.zero() ? QString() : UiText(text::kDayTomorrow) + QLatin1Char(' ');
+            m_nextWindow = when + WindowText(session.Plan(), *next);
+            break;
+        }
+        m_nextWindow = UiText(text::kSheetNoWindow);
+        settings.startHour = 0;
+    }
     const AlmanacSource& source = session.Plan().Calc().Source();
     if (source.origin == AlmanacOrigin::Nominal) {
         m_nextWindow += QLatin1Char('\n') + fieldcore::ToQt(SourceText(source));
