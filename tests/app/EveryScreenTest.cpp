@@ -17,6 +17,7 @@
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/StepButton.h"
+#include "ui/controls/TableDlg.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/TransferPanel.h"
 #include "ui/link/ConnectProgressDlg.h"
@@ -408,6 +409,16 @@ TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
     LookAtAll(details, QStringLiteral("plan-details"));
     PlanSession planned(controller.ProgramFolder(), controller.Reg());
     planned.Begin(controller.GetClock());
+    planned.Compute();
+    PlanDrawing drawn;
+    drawn.plan = &planned.Plan();
+    for (const PlanGraph graph : {PlanGraph::Count, PlanGraph::SkyPlot}) {
+        drawn.graph = graph;
+        const PlanFigures figures = FiguresOf(drawn);
+        ASSERT_GT(figures.rows.size(), 10);
+        TableDlg table(UiText(text::kPlanTitle), figures.heads, figures.rows, nullptr);
+        LookAtAll(table, QStringLiteral("plan-table-%1").arg(static_cast<int>(graph)));
+    }
     CurtainEditor curtain(planned, plan.Surroundings(), controller.Host());
     LookAtAll(curtain, QStringLiteral("curtain"));
     SiteDlg site(controller.ProgramFolder(), L"", {});

@@ -21,6 +21,8 @@ public:
     /// @param now      of the clock that the samples are timed by
     void Show(const StatusHistory& history, Clock::Duration now);
 
+    [[nodiscard]] const StatusHistory& History() const { return m_history; }
+
     [[nodiscard]] QSize sizeHint() const override { return {456, 240}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {240, 160}; }
 

@@ -4,6 +4,7 @@
 #include "core/equipment/StatusRows.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/RoleLabel.h"
+#include "ui/controls/TableDlg.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/BatteryBar.h"
@@ -95,8 +96,16 @@ StatusPage::StatusPage(QWidget* parent)
     auto* const menu = new CnMenuBar;
     const int popup = menu->AddPopup(UiText(text::kAppMenuView));
     constexpr int kVersion = 1;
+    constexpr int kTable = 2;
     menu->AddItem(popup, kVersion, UiText(text::kVersionTitle));
-    connect(menu, &CnMenuBar::ItemChosen, this, &StatusPage::VersionRequested);
+    menu->AddItem(popup, kTable, UiText(text::kSkyList));
+    connect(menu, &CnMenuBar::ItemChosen, this, [this](int item) {
+        if (item == kTable) {
+            ShowTable();
+        } else {
+            Q_EMIT VersionRequested();
+        }
+    });
     connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
     auto* const whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
@@ -150,6 +159,24 @@ void StatusPage::Show(const Receiver& receiver, const StatusHistory& history,
     m_broken->setText(broken.join(QLatin1Char('\n')));
     m_broken->setVisible(!broken.isEmpty());
     m_history->Show(history, view.now);
+    m_epoch = view.utc - std::chrono::duration_cast<Clock::UtcTime::duration>(view.now);
+}
+
+/// The figures of the graph, the latest first.
+void StatusPage::ShowTable()
+{
+    QList<QStringList> rows;
+    for (const StatusHistory::Sample& sample : m_history->History().Samples()) {
+        const auto at = std::chrono::duration_cast<Clock::UtcTime::duration>(sample.at);
+        const QString none = UiText(text::kStatusUnknown);
+        rows.push_front({ToQt(ControllerTimeOfDay(m_epoch + at)),
+                         sample.satellites ? QString::number(*sample.satellites) : none,
+                         sample.pdop ? QString::number(*sample.pdop, 'f', 1) : none});
+    }
+    const QString clock = ToQt(FormatText(text::kAppControllerTime, L"")).trimmed();
+    TableDlg(UiText(text::kStatusHistoryTitle),
+             {clock, UiText(text::kStatusUsed), QStringLiteral("PDOP")}, rows, this)
+        .DoModal();
 }
 
 /// The long words of a stale value stand below it where they would take its room.

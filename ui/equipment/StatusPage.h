@@ -47,6 +47,7 @@ private:
         bool isAgeBelow = false;
     };
     void PutAge(std::size_t index);
+    void ShowTable();
     void ShowRow(std::size_t index, const StatusRow& row);
 
     RoleLabel* m_fixAge;
@@ -59,6 +60,7 @@ private:
     std::vector<Line> m_lines;
     bool m_isWide = false;
     StatusHistoryView* m_history;
+    Clock::UtcTime m_epoch{}; // of the clock that the history is timed by
 };
 
 } // namespace fieldcore

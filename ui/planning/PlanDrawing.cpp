@@ -240,4 +240,49 @@ QStringList ReadingOfSatellite(const PlanDrawing& drawing, const SkySatellite& s
             ToQt(FormatText(text::kReadingElevation, DegreesOf(satellite.direction.elevationRad)))};
 }
 
+PlanFigures FiguresOf(const PlanDrawing& drawing)
+{
+    const ObservationPlan& plan = *drawing.plan;
+    const auto clock = [&](int epoch) {
+        return QString::fromStdString(plan.Computed().ClockText(epoch));
+    };
+    PlanFigures figures;
+    figures.heads += QStringLiteral("JST");
+    if (IsTracks(drawing.graph)) {
+        figures.heads += {UiText(text::kSkyColumnName), GraphText(PlanGraph::Azimuth),
+                          GraphText(PlanGraph::Elevation)};
+        const auto degrees = [](double rad) {
+            return ToQt(FormatText(text::kSkyDegrees, DegreesOf(rad)));
+        };
+        for (int epoch = 0; epoch <= plan.Division(); ++epoch) {
+            for (std::size_t i = 0; i < plan.Satellites().size(); ++i) {
+                if (const auto direction = plan.DirectionAt(static_cast<int>(i), epoch)) {
+                    figures.rows.push_back(
+                        {clock(epoch), SatelliteLabel(drawing, plan.Satellites()[i]),
+                         degrees(direction->azimuthRad), degrees(direction->elevationRad)});
+                }
+            }
+        }
+        return figures;
+    }
+    const PlanGraph graphs[] = {PlanGraph::Count, PlanGraph::Pdop, PlanGraph::Gdop,
+                                PlanGraph::Tdop};
+    for (const PlanGraph graph : graphs) {
+        figures.heads += GraphText(graph);
+    }
+    for (int epoch = 0; epoch <= plan.Division(); ++epoch) {
+        QStringList row{clock(epoch)};
+        for (const PlanGraph graph : graphs) {
+            const int sample = epoch - EpochOfSample(graph, 0);
+            const auto value = sample < 0 || sample >= plan.Division()
+                                   ? std::nullopt
+                                   : SampleAt(plan, graph, sample);
+            row += value ? QString::number(*value, 'f', graph == PlanGraph::Count ? 0 : 2)
+                         : UiText(text::kSkyNoValue);
+        }
+        figures.rows.push_back(row);
+    }
+    return figures;
+}
+
 } // namespace fieldcore

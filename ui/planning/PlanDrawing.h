@@ -4,6 +4,7 @@
 #include "core/planning/PlanWindows.h"
 #include "core/planning/SkySnapshot.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -76,5 +77,14 @@ struct PlanDrawing
 [[nodiscard]] QString ReadingOfTime(const PlanDrawing& drawing, double minutes);
 [[nodiscard]] QStringList ReadingOfSatellite(const PlanDrawing& drawing,
                                              const SkySatellite& satellite);
+
+/// The figures of a plan, for who cannot read the graph: for each epoch the count and the three
+/// dilutions, or of tracks every satellite that can be used then.
+struct PlanFigures
+{
+    QStringList heads;
+    QList<QStringList> rows; ///< as many texts each
+};
+[[nodiscard]] PlanFigures FiguresOf(const PlanDrawing& drawing);
 
 } // namespace fieldcore

@@ -13,6 +13,7 @@
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/PropertySheet.h"
+#include "ui/controls/TableDlg.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/AlmanacProgress.h"
@@ -230,6 +231,12 @@ void CSurveyPlan::OnMenu(int id)
         return;
     case kSessionItem:
         SessionDlg(m_session, m_surroundings, GetHost(), this).DoModal();
+        return;
+    case kTableItem:
+        if (m_graph->Drawing().HasPlan()) {
+            const PlanFigures figures = FiguresOf(m_graph->Drawing());
+            TableDlg(windowTitle(), figures.heads, figures.rows, this).DoModal();
+        }
         return;
     case kImportItem:
         Import();

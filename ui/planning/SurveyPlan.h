@@ -58,6 +58,7 @@ public:
     static constexpr int kImportItem = 21914;
     static constexpr int kSearchItem = 21915;
     static constexpr int kSessionItem = 21916;
+    static constexpr int kTableItem = 21917;
 
     /// Redraws when the user has left the spins alone for so long.
     static constexpr int kRefreshTimer = 256;

@@ -175,6 +175,8 @@ void CSurveyPlan::BuildMenu()
             m_menu->AddSeparator(graphs);
         }
     }
+    m_menu->AddSeparator(graphs);
+    m_menu->AddItem(graphs, kTableItem, UiText(text::kSkyList));
     const int more = m_menu->AddPopup(UiText(text::kPlanMenuMore));
     m_menu->AddItem(more, kSearchItem, UiText(text::kSearchDays));
     m_menu->AddItem(more, kSessionItem, UiText(text::kSessionTitle));
