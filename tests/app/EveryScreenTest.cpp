@@ -24,6 +24,7 @@
 #include "ui/planning/CurtainEditor.h"
 #include "ui/planning/DateDlg.h"
 #include "ui/planning/PlanDet.h"
+#include "ui/planning/PlanGraphView.h"
 #include "ui/planning/PlanPos.h"
 #include "ui/planning/PlanSet.h"
 #include "ui/planning/SiteDlg.h"
@@ -233,6 +234,26 @@ void ExpectReadable(QWidget& window)
         if (isWhole && !part.isEmpty()) {
             EXPECT_GE(ContrastIn(picture, placeOf(*widget, part)), Wanted(*widget))
                 << Describe(*widget);
+        }
+    }
+}
+
+/// What plots write, on each ground that they stand on.
+TEST(ThemeColours, StandOutFromEveryGround)
+{
+    for (const Theme* const theme : {&Theme::Daylight(), &Theme::Dark()}) {
+        std::vector<QColor> grounds{theme->ground};
+        if (!theme->isDark) {
+            grounds.push_back(PlanGraphView::ControllerGround());
+        }
+        for (const QColor& ground : grounds) {
+            const PlotStyle style = PlotStyle::OnScreen(ground, QApplication::font());
+            EXPECT_GE(Contrast(style.text.rgb(), style.shade.rgb()), 7.0);
+            for (const QColor& letters :
+                 {style.text, style.second, style.accent, style.good, style.attention}) {
+                EXPECT_GE(Contrast(letters.rgb(), ground.rgb()), 7.0)
+                    << letters.name().toStdString() << " on " << ground.name().toStdString();
+            }
         }
     }
 }

@@ -174,10 +174,13 @@ void StatusHistoryView::DrawBand(QPainter& painter, const Band& band) const
         painter.setPen(QPen(grid, 1.0));
         painter.drawLine(QPointF(x, band.area.top()), QPointF(x, band.area.bottom()));
     }
-    painter.setPen(band.colour);
-    painter.drawText(QRectF(band.area.left(), band.area.top() - metrics.height(), band.area.width(),
-                            metrics.height()),
-                     Qt::AlignLeft | Qt::AlignVCenter, band.name);
+    constexpr qreal kSwatch = 12.0; // its colour alone would be too weak for letters
+    const QRectF head(band.area.left(), band.area.top() - metrics.height(), band.area.width(),
+                      metrics.height());
+    painter.fillRect(QRectF(head.left(), head.center().y() - 1.5, kSwatch, 3.0), band.colour);
+    painter.setPen(theme.text);
+    painter.drawText(head.adjusted(kSwatch + 4.0, 0.0, 0.0, 0.0), Qt::AlignLeft | Qt::AlignVCenter,
+                     band.name);
 }
 
 void StatusHistoryView::DrawCurve(QPainter& painter, const Band& band) const
@@ -211,6 +214,7 @@ void StatusHistoryView::DrawCurve(QPainter& painter, const Band& band) const
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(path);
     if (last) {
+        painter.setPen(Theme::Current().text);
         const QString value = QString::number(newest, 'f', band.isSteps ? 0 : 1);
         painter.drawText(QRectF(band.area.left(), band.area.top() - 24.0, band.area.width(), 24.0),
                          Qt::AlignRight | Qt::AlignBottom, value);

@@ -69,7 +69,7 @@ void TimePlot::DrawLimit(QPainter& painter, double value, const QString& text, b
     painter.setPen(PlotPen(m_style.attention, 1.0, Qt::CustomDashLine));
     painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
     painter.setFont(m_style.small);
-    painter.setPen(m_style.attention);
+    painter.setPen(m_style.text); // it stands in the shade
     const qreal height = QFontMetricsF(m_style.small).height();
     painter.drawText(QRectF(plot.left() + 6.0, isUpper ? y - height : y, plot.width(), height),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, text);
