@@ -22,11 +22,13 @@ QString HexOf(const std::vector<std::uint8_t>& bytes)
         .toUpper();
 }
 
-/// What a frame is called, for the user.
+/// What a frame is called, in the language of the screens.
 QString TitleOf(const DescribedBytes& described)
 {
-    return described.title.empty() ? UiText(text::kFramesUnknown)
-                                   : QString::fromStdString(described.title);
+    const bool isEnglish = CurrentLanguage() == Language::English;
+    return described.title.empty()
+               ? UiText(text::kFramesUnknown)
+               : QString::fromStdString(isEnglish ? described.name : described.title);
 }
 
 QString WordsOf(const DescribedBytes& described)
