@@ -6,11 +6,9 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kStx = 0x02;
-constexpr std::uint8_t kAck = 0x06;
-constexpr std::uint8_t kNak = 0x15;
 constexpr std::uint8_t kUnsolicitedType = 0x40;
 constexpr std::size_t kHeaderLength = 5; // enough to know the length of either kind of frame
+constexpr std::size_t kTailLength = 2;   // checksum and ETX
 constexpr std::size_t kLongestLinePiece = 255;
 constexpr std::size_t kShortestLine = 2; // an LF before this index is part of the line
 
@@ -35,7 +33,8 @@ std::optional<Delivery> FrameAssembler::AssembleFrame(ByteQueue& queue, std::siz
                 return std::nullopt;
             }
         }
-        const std::size_t expected = AnnouncedLength();
+        const FrameReader frame(m_buffer);
+        const std::size_t expected = frame.DataStart() + frame.DataLength() + kTailLength;
         if (expected > m_buffer.size()) {
             return Deliver(ExchangeState::Malformed, 0);
         }
@@ -83,14 +82,6 @@ std::optional<Delivery> FrameAssembler::AssembleLine(ByteQueue& queue)
 void FrameAssembler::Append(ByteQueue& queue, std::size_t count)
 {
     m_count += queue.Take(std::span(m_buffer).subspan(m_count, count));
-}
-
-std::size_t FrameAssembler::AnnouncedLength() const
-{
-    if (m_buffer[2] == kLongFrameType) {
-        return (static_cast<std::size_t>(m_buffer[3]) << 8 | m_buffer[4]) + 7;
-    }
-    return m_buffer[3] + std::size_t{6};
 }
 
 void FrameAssembler::PutAside()

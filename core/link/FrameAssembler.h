@@ -116,7 +116,6 @@ public:
 
 private:
     void Append(ByteQueue& queue, std::size_t count);
-    [[nodiscard]] std::size_t AnnouncedLength() const;
     void PutAside();
     Delivery Deliver(ExchangeState state, std::size_t length);
     Delivery DeliverLoneByte();

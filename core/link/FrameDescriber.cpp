@@ -19,10 +19,6 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::uint8_t kStx = 0x02;
-constexpr std::uint8_t kEtx = 0x03;
-constexpr std::uint8_t kAck = 0x06;
-constexpr std::uint8_t kNak = 0x15;
 constexpr std::size_t kTailLength = 2; // checksum and ETX
 
 std::string_view AsText(Bytes bytes)
@@ -255,7 +251,7 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     if (bytes.size() > 2) {
         frame.type = bytes[2];
     }
-    const std::size_t start = kFrameDataStart + (frame.type == kLongFrameType ? 1 : 0);
+    const std::size_t start = FrameReader(bytes).DataStart();
     if (bytes.size() < start) {
         frame.fault = "only " + std::to_string(bytes.size()) + " bytes of it are there";
         return frame;
