@@ -1,5 +1,6 @@
 #include "core/link/Command.h"
 
+#include "core/link/FileFetch.h"
 #include "core/link/FileListing.h"
 #include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
@@ -501,46 +502,28 @@ std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::ws
                                     std::uint32_t expectedSize, const BytesArrived& arrived,
                                     std::optional<std::uint32_t> time)
 {
-    m_downloadFault = DownloadFault::None;
-    m_fileError = {};
-    m_transferStart = {};
-    m_nameFault = CheckReceivedName(name, folder);
-    if (m_nameFault != NameFault::None) {
-        return FailDownload(DownloadFault::Name);
+    m_transfer = {};
+    m_transfer.name = CheckReceivedName(name, folder);
+    if (m_transfer.name != NameFault::None) {
+        m_transfer.fault = DownloadFault::Name;
+        return -1;
     }
     ReceivedFile file(folder, name, expectedSize, time,
-                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance());
-    const BytesArrived known = [&](std::uint32_t bytes) {
-        m_transferStart = file.Start();
-        return !arrived || arrived(bytes);
-    };
-    const bool isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
-                             if (!file.Open() || !FileFetch(turn, *this, file, known).Run(name)) {
-                                 return 0;
-                             }
-                             turn.Succeed(); // whatever went wrong on the way was made good
-                             return 1;
-                         }) == 1;
-    m_transferStart = file.Start();
-    if (file.Fault() != DownloadFault::None) {
-        return FailDownload(file.Fault(), file.Error());
+                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance(),
+                      m_transfer);
+    const int isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
+        return file.Open() && FetchFile(turn, *this, name, file, arrived) ? 1 : 0;
+    });
+    if (isWhole == 0) {
+        if (m_transfer.fault == DownloadFault::None) {
+            m_transfer.fault =
+                Fault() == CommandFault::Cancelled ? DownloadFault::Cancelled : DownloadFault::Link;
+        }
+        return -1;
     }
-    if (!isWhole) {
-        return FailDownload(Fault() == CommandFault::Cancelled ? DownloadFault::Cancelled
-                                                               : DownloadFault::Link);
-    }
-    if (!file.Finish()) {
-        const std::int64_t failed = FailDownload(file.Fault(), file.Error());
-        return file.Fault() == DownloadFault::WrongSize ? std::int64_t{file.Offset()} : failed;
-    }
-    return file.Offset();
-}
-
-std::int64_t CCommand::FailDownload(DownloadFault fault, std::error_code error)
-{
-    m_downloadFault = fault;
-    m_fileError = error;
-    return -1;
+    return file.Finish() || m_transfer.fault == DownloadFault::WrongSize
+               ? std::int64_t{file.Offset()}
+               : -1;
 }
 
 } // namespace fieldcore
