@@ -5,7 +5,6 @@
 #include "core/link/ChannelTurn.h"
 #include "core/link/DirectoryListing.h"
 #include "core/link/FrameBuffer.h"
-#include "core/link/Identification.h"
 #include "core/link/ReceivedFile.h"
 #include "core/link/Replies.h"
 #include "core/link/SatelliteReplies.h"

@@ -129,13 +129,9 @@ void ReceiverLink::Poll(CCommand& asking)
 void ReceiverLink::Lose(CCommand& asking, Clock::Duration pause)
 {
     asking.ClosePort();
-    const bool isAway = !IsPortThere();
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_wasAway = isAway;
-        m_pause = pause;
-        m_due = asking.GetClock().Steady() + pause;
-    }
+    m_wasAway = !IsPortThere();
+    m_pause = pause;
+    m_due = asking.GetClock().Steady() + pause;
     Enter(LinkState::Lost, m_target.IsBluetooth() ? LinkQuestion::Reconnect : LinkQuestion::None);
 }
 
@@ -143,14 +139,11 @@ void ReceiverLink::TryAgain(CCommand& asking)
 {
     const bool isThere = IsPortThere();
     const Clock::Duration now = asking.GetClock().Steady();
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (isThere && m_wasAway) { // just plugged in: now is the time, and patience begins anew
-            m_pause = kFirstPause;
-            m_due = now;
-        }
-        m_wasAway = !isThere;
+    if (isThere && m_wasAway) { // just plugged in: now is the time, and patience begins anew
+        m_pause = kFirstPause;
+        m_due = now;
     }
+    m_wasAway = !isThere;
     if (!isThere || now < m_due) {
         return;
     }
@@ -328,16 +321,6 @@ void ReceiverLink::Put(Receiver heard)
     heard.tilt = m_heard.tilt;
     heard.calibration = m_heard.calibration;
     m_heard = std::move(heard);
-}
-
-std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
-{
-    const std::scoped_lock lock(m_mutex);
-    if (m_heard.link != LinkState::Lost || m_question != LinkQuestion::None) {
-        return std::nullopt;
-    }
-    return m_wasAway ? Clock::Duration::zero()
-                     : std::max(m_due - m_command.GetClock().Steady(), Clock::Duration::zero());
 }
 
 } // namespace fieldcore

@@ -1,7 +1,5 @@
 #include "core/link/ReceiverTypes.h"
 
-#include "core/resources/StringTable.h"
-
 #include <algorithm>
 #include <array>
 
@@ -101,15 +99,6 @@ std::wstring ReceiverModelName(std::uint32_t typeNumber)
 {
     const ReceiverType* type = FindReceiverType(typeNumber);
     return type != nullptr && type->model != nullptr ? type->model : std::to_wstring(typeNumber);
-}
-
-std::wstring UnsupportedReceiverWarning(std::uint32_t typeNumber)
-{
-    const ReceiverType* type = FindReceiverType(typeNumber);
-    if (type != nullptr && type->model != nullptr) {
-        return FormatText(text::kUnsupportedModel, type->model);
-    }
-    return FormatText(text::kUnsupportedType, static_cast<long>(typeNumber));
 }
 
 SupportedTypeFlags::SupportedTypeFlags() : m_flags(kTypes.size()) {}

@@ -1,6 +1,7 @@
 #include "core/link/RecvInfo.h"
 
 #include "core/link/Command.h"
+#include "core/link/Connect.h"
 #include "core/link/ReceiverTypes.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/support/ScriptedEnd.h"
@@ -312,15 +313,16 @@ TEST(ReceiverTypes, MinimaFlagsAndNames)
         {3051, 1.0, true, L"Corvane VX9s"},
         {3052, 9.99, false, L"3052"},
     };
-    SupportedTypeFlags flags;
-    flags.SetAll();
+    CCommand command;
+    CConnect connect(command, 0, ConnectTarget{});
+    connect.SupportAllTypes();
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.number);
-        EXPECT_EQ(MinimumNavVersion(row.number), row.minimum);
-        EXPECT_EQ(flags.Get(row.number), row.hasFlag ? 1 : 0);
-        EXPECT_EQ(UnsupportedReceiverWarning(row.number),
-                  L"本ソフトウェアでは[ " + std::wstring(row.named) +
-                      L" ]受信機をサポートしておりません。");
+        EXPECT_EQ(connect.stGetRecvVer(row.number), row.minimum);
+        EXPECT_EQ(connect.stGetRecvTypeFlag(row.number), row.hasFlag ? 1 : 0);
+        EXPECT_EQ(connect.stCreateWarMes(row.number), L"本ソフトウェアでは[ " +
+                                                          std::wstring(row.named) +
+                                                          L" ]受信機をサポートしておりません。");
     }
     SupportedTypeFlags none;
     none.Set(2040, 1);
