@@ -447,17 +447,14 @@ int CCommand::ShowLabel(std::uint8_t place, std::uint16_t number, std::wstring_v
 
 // Files.
 
-int CCommand::List(MessageTarget* window, unsigned message, std::uint8_t request,
-                   const std::function<int(FileListing&)>& list)
+/// A listing in a turn, whose end is posted whatever came of it.
+template <typename Work>
+int CCommand::List(std::uint8_t request, ListingTarget target, Work list)
 {
-    const int result = InTurn(request, [&](ChannelTurn& turn) {
-        FileListing listing(turn, *this);
-        const int done = list(listing);
-        m_hasMoreFiles = listing.HasMore();
-        return done;
-    });
-    if (window != nullptr) {
-        window->Post(message, kListEnded, 0);
+    const int result = InTurn(request, [&](ChannelTurn& turn) { return list(turn, target); });
+    m_hasMoreFiles = target.hasMore;
+    if (target.window != nullptr) {
+        target.window->Post(target.message, kListEnded, 0);
     }
     return result;
 }
@@ -466,16 +463,16 @@ int CCommand::RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTab
                                 MessageTarget* window, unsigned message)
 {
     const std::uint8_t variant = typeNumber == kSecondPica ? 2 : 1;
-    return List(window, message, kListPica, [&](FileListing& listing) {
-        return listing.Pica(mode, variant, {table, window, message});
+    return List(kListPica, {table, window, message}, [&](ChannelTurn& turn, ListingTarget& target) {
+        return ListPicaFiles(turn, *this, mode, variant, target);
     });
 }
 
 int CCommand::RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table,
                                 MessageTarget* window, unsigned message)
 {
-    return List(window, message, kListLark, [&](FileListing& listing) {
-        return listing.Lark(pattern, {table, window, message});
+    return List(kListLark, {table, window, message}, [&](ChannelTurn& turn, ListingTarget& target) {
+        return ListLarkFiles(turn, *this, pattern, target);
     });
 }
 
@@ -484,7 +481,7 @@ int CCommand::FileExists(std::wstring_view name)
     if (!IsReceiverFileName(name)) {
         return Fail(CommandFault::TooLong);
     }
-    return List(nullptr, 0, kListLark, [&](FileListing& listing) { return listing.Exists(name); });
+    return InTurn(kListLark, [&](ChannelTurn& turn) { return HasLarkFile(turn, *this, name); });
 }
 
 int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)

@@ -26,7 +26,7 @@
 
 namespace fieldcore {
 
-class FileListing;
+struct ListingTarget;
 class Questions;
 
 /// The receiver command channel: the one object through which the library and its host talk to
@@ -335,8 +335,8 @@ private:
         return 1;
     }
     int CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteListForm form);
-    int List(MessageTarget* window, unsigned message, std::uint8_t request,
-             const std::function<int(FileListing&)>& list);
+    template <typename Work>
+    int List(std::uint8_t request, ListingTarget target, Work list);
 
     const std::shared_ptr<Channel> m_channel;
     Host* m_host;                          // null: the default one

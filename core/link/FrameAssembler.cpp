@@ -20,10 +20,12 @@ std::optional<Delivery> FrameAssembler::AssembleFrame(ByteQueue& queue, std::siz
     while (available > 0) {
         if (m_count == 0 && available == 1) {
             Append(queue, 1);
-            if (m_buffer[0] == kStx) {
+            const std::uint8_t byte = m_buffer[0];
+            if (byte == kStx) {
                 return std::nullopt;
             }
-            return DeliverLoneByte();
+            return byte == kAck || byte == kNak ? Deliver(static_cast<ExchangeState>(byte), 1)
+                                                : Deliver(ExchangeState::Malformed, 0);
         }
         if (m_count < kHeaderLength) {
             const std::size_t header = std::min(kHeaderLength - m_count, available);
@@ -97,18 +99,6 @@ Delivery FrameAssembler::Deliver(ExchangeState state, std::size_t length)
     m_delivered = m_count;
     Reset();
     return {state, length};
-}
-
-Delivery FrameAssembler::DeliverLoneByte()
-{
-    switch (m_buffer[0]) {
-    case kAck:
-        return Deliver(ExchangeState::Ack, 1);
-    case kNak:
-        return Deliver(ExchangeState::Nak, 1);
-    default:
-        return Deliver(ExchangeState::Malformed, 0);
-    }
 }
 
 } // namespace fieldcore
