@@ -70,9 +70,8 @@ PortSettings LineOf(const SetRS232PortParameters& parameters)
     line.byteSize = parameters.dataLength;
     line.parity = parameters.parity;
     line.stopBits = parameters.stopBits;
-    line.flowControl = parameters.flowControl == 1   ? FlowControl::Software
-                       : parameters.flowControl == 2 ? FlowControl::RtsCts
-                                                     : FlowControl::None;
+    const auto flow = static_cast<FlowControl>(parameters.flowControl);
+    line.flowControl = flow <= FlowControl::RtsCts ? flow : FlowControl::None;
     return line;
 }
 

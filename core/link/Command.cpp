@@ -32,16 +32,7 @@ constexpr std::intptr_t kListEnded = 1;
 /// flow control: it knows none, XON/XOFF and the hardware lines.
 std::uint8_t ReceiverFlowCode(FlowControl flow)
 {
-    switch (flow) {
-    case FlowControl::None:
-        return 0;
-    case FlowControl::Software:
-        return 1;
-    case FlowControl::RtsCts:
-    case FlowControl::DsrDtr:
-        break;
-    }
-    return 2;
+    return static_cast<std::uint8_t>(std::min(flow, FlowControl::RtsCts));
 }
 
 } // namespace
