@@ -87,7 +87,17 @@ public:
     [[nodiscard]] std::wstring GetStrStopBits() const { return GetStrStopBits(GetFlagStopBits()); }
     [[nodiscard]] std::wstring GetStrFlowCtrl() const { return GetStrFlowCtrl(GetFlagFlowCtrl()); }
 
-    /// The texts of the five flags as one: 9600-8-None-1-None.
+    /// The five texts of the flags: rate, data bits, parity, stop bits, flow.
+    void GetPrmString(std::wstring& bps, std::wstring& dataBits, std::wstring& parity,
+                      std::wstring& stopBits, std::wstring& flow) const
+    {
+        bps = GetStrBps();
+        dataBits = GetStrDataBits();
+        parity = GetStrParity();
+        stopBits = GetStrStopBits();
+        flow = GetStrFlowCtrl();
+    }
+    /// The same as one text: 9600-8-None-1-None.
     [[nodiscard]] std::wstring GetPrmString() const;
     /// Sets flags and values from such a text, in any case; what is left out at its end stays.
     /// @return 0, and nothing changes, if a part is in none of the lists or there are too many

@@ -290,15 +290,10 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
         for (const Row& row : rows) {
             SCOPED_TRACE(std::string(row.page) + (isConnected ? "" : " without a receiver"));
             EscapeKey esc;
-            const auto hasReceiver = [&controller] {
-                const LinkState state = controller.Link().State();
-                return state == LinkState::Connected || state == LinkState::Lost ||
-                       state == LinkState::Reconnecting;
-            };
-            const bool wasThere = hasReceiver();
+            const bool wasThere = HasReceiver(controller.Link().State());
             Q_EMIT window.Chosen(row.choice);
             EXPECT_EQ(esc.First().toStdString(), std::string("fieldcore::") + row.page);
-            const bool isThere = hasReceiver();
+            const bool isThere = HasReceiver(controller.Link().State());
             EXPECT_TRUE(wasThere != isThere || esc.IsOffered() == (row.offers && !isThere));
             EXPECT_LE(esc.Count(), 3) << "one page after another";
             EXPECT_TRUE(esc.HasSwitches());

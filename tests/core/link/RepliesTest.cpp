@@ -1,5 +1,4 @@
 #include "core/link/Replies.h"
-#include "core/link/FrameBuffer.h"
 
 #include "core/link/LayoutReader.h"
 #include "tests/core/link/FarEnd.h"
@@ -17,22 +16,13 @@ using testing::Bytes;
 using testing::Frame;
 using testing::Joined;
 
-FrameBuffer Loaded(const Bytes& frame)
-{
-    FrameBuffer buffer;
-    // What an older, longer frame left behind must never be read.
-    buffer.Load(Bytes(kFrameBufferSize, 0x99));
-    buffer.Load(frame);
-    return buffer;
-}
-
 template <typename Reply>
 using Parser = std::optional<Reply> (*)(FrameReader);
 
 template <typename Reply>
 std::optional<Reply> Parse(Parser<Reply> parser, std::uint8_t type, const Bytes& data)
 {
-    FrameBuffer buffer = Loaded(Frame(type, data));
+    const FrameBuffer buffer = testing::Loaded(Frame(type, data));
     return parser(buffer.Reader());
 }
 
