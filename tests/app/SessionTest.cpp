@@ -60,12 +60,14 @@ using namespace std::chrono_literals;
 using testing::Hand;
 using testing::Started;
 
+constexpr int kCalmly = 100; // ms between what a hand does
+
 /// A finger on Esc: presses it on whatever window is in front, until it has gone. It leaves the
 /// strip over a wait alone, which Esc would cancel.
 class EscapeKey
 {
 public:
-    EscapeKey() : m_hand([this](QWidget& page) { Press(page); }, 100) {}
+    EscapeKey() : m_hand([this](QWidget& page) { Press(page); }, kCalmly) {}
 
     /// Class of the first page that was in front.
     [[nodiscard]] QString First() const { return m_pages.value(0); }
@@ -182,7 +184,7 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
         bool isAsked = false;
         bool hasAnswer = false;
         QDeadlineTimer patience(30s);
-        const Hand<> hand([&](QWidget& page) {
+        const auto act = [&](QWidget& page) {
             const auto* const head = page.findChild<StatusStrip*>();
             if (head == nullptr) {
                 return;
@@ -194,7 +196,8 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
             } else if (hasAnswer || patience.hasExpired()) {
                 QTest::keyClick(&page, Qt::Key_Escape);
             }
-        });
+        };
+        const Hand<> hand(act, kCalmly);
         Q_EMIT session.Window().Chosen(row.choice);
         EXPECT_TRUE(hasAnswer);
         EXPECT_EQ(controller.Link().State(), LinkState::Connected);
@@ -209,7 +212,7 @@ TEST_F(SessionTest, TellsOfAReceiverThatCannotBeSwitchedOff)
     session.Window().show();
     ASSERT_TRUE(controller.IsConnectedQuietly());
     QString told;
-    const Hand<> hand([&](QWidget& page) {
+    const auto act = [&](QWidget& page) {
         if (qobject_cast<MessageDlg*>(&page) != nullptr) {
             for (const QLabel* label : page.findChildren<QLabel*>()) {
                 told += label->text();
@@ -223,7 +226,8 @@ TEST_F(SessionTest, TellsOfAReceiverThatCannotBeSwitchedOff)
                 }
             }
         }
-    });
+    };
+    const Hand<> hand(act, kCalmly);
     EXPECT_FALSE(session.Window().close()) << "it ends before the user could do anything about it";
     EXPECT_TRUE(told.contains(QStringLiteral("受信機の電源を切れませんでした。")))
         << told.toStdString();
@@ -422,7 +426,7 @@ TEST_F(SessionTest, ComesBackUnderEveryPage)
                 QTest::keyClick(&page, Qt::Key_Escape);
             }
         };
-        const Hand<> hand(act, 100);
+        const Hand<> hand(act, kCalmly);
         Q_EMIT session.Window().Chosen(choice);
         EXPECT_TRUE(isBack);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);

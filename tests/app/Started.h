@@ -59,7 +59,7 @@ template <typename Page = QWidget>
 class Hand
 {
 public:
-    explicit Hand(std::function<void(Page& page)> act, int everyMs = 50)
+    explicit Hand(std::function<void(Page& page)> act, int everyMs = 10)
     {
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [act = std::move(act)] {
             if (auto* const page = dynamic_cast<Page*>(QApplication::activeModalWidget())) {
