@@ -34,6 +34,15 @@ constexpr const wchar_t* kSetClock = L"SetClock";
 constexpr const wchar_t* kPlaneZone = L"PlaneZone";
 constexpr const wchar_t* kQ77 = L"Q77"; // 1: the controller with the taller screen
 
+/// A number of the program's own key. @return @p otherwise if it is not stored, or beyond @p last
+template <typename Number>
+Number Stored(const CReg& reg, const wchar_t* name, Number last, Number otherwise = {})
+{
+    std::uint32_t number = 0;
+    reg.ReadNumber(kAppKey, name, number, static_cast<std::uint32_t>(otherwise));
+    return number <= static_cast<std::uint32_t>(last) ? static_cast<Number>(number) : otherwise;
+}
+
 } // namespace
 
 Controller::Controller(const AppOptions& options)
@@ -44,9 +53,7 @@ Controller::Controller(const AppOptions& options)
       m_ownReg(m_ownRoots), m_reg(m_roots), m_frames(*m_clock)
 {
     QtHost::Options hostOptions;
-    std::uint32_t isQ77 = 0;
-    m_ownReg.ReadNumber(kAppKey, kQ77, isQ77, 0);
-    hostOptions.isQ77 = m_options.isQ77 || isQ77 == 1;
+    hostOptions.isQ77 = m_options.isQ77 || Stored(m_ownReg, kQ77, 1) == 1;
     if (m_fastClock) {
         hostOptions.clock = m_fastClock.get();
     }
@@ -89,15 +96,8 @@ Controller::~Controller()
 void Controller::Begin()
 {
     UseStore();
-    std::uint32_t theme = 0;
-    m_ownReg.ReadNumber(kAppKey, kTheme, theme, 0);
-    const auto kept = theme <= static_cast<std::uint32_t>(Theme::Kind::System)
-                          ? static_cast<Theme::Kind>(theme)
-                          : Theme::Kind::Daylight;
-    Theme::Use(m_options.theme.value_or(kept));
-    std::uint32_t maySet = 0;
-    m_ownReg.ReadNumber(kAppKey, kSetClock, maySet, 0);
-    m_maySetClock = maySet == 1;
+    Theme::Use(m_options.theme.value_or(Stored(m_ownReg, kTheme, Theme::Kind::System)));
+    m_maySetClock = Stored(m_ownReg, kSetClock, 1) == 1;
     AllowClock();
 }
 
@@ -119,11 +119,7 @@ void Controller::UseStore()
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
     m_antenna->CheckReg();
-    std::uint32_t role = 0;
-    m_reg.ReadNumber(kAppKey, kAntennaRole, role, static_cast<std::uint32_t>(AntennaRole::Rover));
-    m_antenna->SetRole(role <= static_cast<std::uint32_t>(AntennaRole::RoverSecond)
-                           ? static_cast<AntennaRole>(role)
-                           : AntennaRole::Rover);
+    m_antenna->SetRole(Stored(m_reg, kAntennaRole, AntennaRole::RoverSecond, AntennaRole::Rover));
     ReadAntenna();
     ReadLimits();
     eBubbleConfig::LoadBubbleData(m_reg);
@@ -204,10 +200,8 @@ void Controller::AskUser()
         return; // if it is not the time, it comes round again
     }
     QWidget* const modal = QApplication::activeModalWidget();
-    FoundTarget before;
-    before.target = m_link->Target();
-    const auto dialog =
-        MakeConnect(modal != nullptr ? modal : QApplication::activeWindow(), 1, before);
+    const auto dialog = MakeConnect(modal != nullptr ? modal : QApplication::activeWindow(), 1,
+                                    {m_link->Target(), {}, {}, {}});
     m_link->AskUser(*dialog);
     Q_EMIT Changed();
 }
@@ -336,10 +330,8 @@ void Controller::AllowClock()
 
 StatusView Controller::View() const
 {
-    constexpr std::uint32_t kLast = 19;
-    std::uint32_t zone = 0; // the nearest one
-    m_ownReg.ReadNumber(kAppKey, kPlaneZone, zone, 0);
-    return {m_clock->Steady(), m_clock->Utc(), zone <= kLast ? static_cast<int>(zone) : 0,
+    constexpr int kLastZone = 19; // 0: the nearest one
+    return {m_clock->Steady(), m_clock->Utc(), Stored(m_ownReg, kPlaneZone, kLastZone),
             m_maySetClock,     m_limits,       m_antennaHeightM};
 }
 

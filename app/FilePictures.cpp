@@ -1,10 +1,10 @@
-#include "app/FilePictures.h"
+#include "app/Picture.h"
 
+#include "app/Controller.h"
 #include "core/equipment/FileDestination.h"
 #include "core/equipment/FilePlan.h"
 #include "core/link/Command.h"
-#include "simulator/Scenario.h"
-#include "simulator/Simulator.h"
+#include "simulator/UseSimulator.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/RecvFileMan.h"
@@ -29,26 +29,10 @@ public:
     {}
 };
 
-} // namespace
-
-FilePictures::FilePictures(Host& host, const Clock& clock)
-    : m_command(std::make_unique<CCommand>(CCommand::Surroundings{&host, &clock, nullptr, nullptr}))
+/// Listed. @param page  0 live files, 1 recycle bin
+std::unique_ptr<CRecvFileMan> Sheet(CCommand& command, unsigned page)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("lettered-power", error);
-    if (scenario) {
-        m_simulator = std::make_unique<simulator::Simulator>(*scenario, clock);
-        if (m_simulator->Start(error)) {
-            m_command->OpenPort(m_simulator->PortPath());
-        }
-    }
-}
-
-FilePictures::~FilePictures() = default;
-
-std::unique_ptr<QWidget> FilePictures::Sheet(unsigned page)
-{
-    auto sheet = std::make_unique<CRecvFileMan>(m_command.get(), 0, nullptr, nullptr, page);
+    auto sheet = std::make_unique<CRecvFileMan>(&command, 0, nullptr, nullptr, page);
     sheet->Open();
     sheet->show();
     sheet->GetFileData();
@@ -56,9 +40,10 @@ std::unique_ptr<QWidget> FilePictures::Sheet(unsigned page)
     return sheet;
 }
 
-std::unique_ptr<QWidget> FilePictures::Progress()
+/// In the middle of a download.
+std::unique_ptr<QWidget> Progress(CCommand& command)
 {
-    auto sheet = Sheet(0);
+    auto sheet = Sheet(command, 0);
     auto* const page = sheet->findChild<RecvFilePage*>();
     page->List().selectAll();
     page->HideButtons();
@@ -76,14 +61,14 @@ std::unique_ptr<QWidget> FilePictures::Progress()
     return sheet;
 }
 
-std::unique_ptr<QWidget> FilePictures::Destination()
+std::unique_ptr<QWidget> Destination()
 {
     constexpr std::uint64_t kBytes = 1134965;
     constexpr std::uint32_t kRate = 115200;
     return std::make_unique<DestinationPicture>(FileDestination(kBytes, 1, kRate));
 }
 
-std::unique_ptr<QWidget> FilePictures::Error()
+std::unique_ptr<QWidget> Error()
 {
     PlannedFile file;
     file.outcome = FileOutcome::DiskFull;
@@ -91,6 +76,21 @@ std::unique_ptr<QWidget> FilePictures::Error()
                                           L"A0314B00.Q01", file.CauseText().c_str());
     return std::make_unique<MessageDlg>(ToQt(words), UiText(text::kDownloadFailedCaption),
                                         BoxStyle{BoxButtons::Ok, BoxIcon::Stop});
+}
+
+} // namespace
+
+Pictures FilePictures(Controller& controller)
+{
+    UseSimulator();
+    const auto command = std::make_shared<CCommand>(
+        CCommand::Surroundings{&controller.Host(), &controller.GetClock(), nullptr, nullptr});
+    command->OpenPort("sim:lettered-power"); // which has a recycle bin
+    return {{QStringLiteral("files"), [command] { return Sheet(*command, 0); }},
+            {QStringLiteral("files-bin"), [command] { return Sheet(*command, 1); }},
+            {QStringLiteral("files-progress"), [command] { return Progress(*command); }},
+            {QStringLiteral("files-destination"), Destination},
+            {QStringLiteral("files-error"), Error}};
 }
 
 } // namespace fieldcore

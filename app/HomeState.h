@@ -18,6 +18,13 @@ struct HomeState
     QString simulator;  ///< name of the scenario, connected or not; empty: a real receiver
 };
 
+/// Whether there is a receiver that values could come from, or is to be one again.
+[[nodiscard]] inline bool HasReceiver(LinkState link)
+{
+    return link == LinkState::Connected || link == LinkState::Lost ||
+           link == LinkState::Reconnecting;
+}
+
 /// A field that comes with each answer of the link: it is as old as the last of them.
 inline constexpr std::string_view kHeartbeat = "satellitesTracked";
 

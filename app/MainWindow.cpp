@@ -99,9 +99,7 @@ void MainWindow::ShowState(const HomeState& state)
     setWindowTitle(ToQt(
         FormatText(text::kAppWindowTitle, Text(text::kAppTitle), LinkText(state.receiver.link))));
     m_overview->Show(state);
-    m_menu->EnableItem(kDisconnect, state.receiver.link == LinkState::Connected ||
-                                        state.receiver.link == LinkState::Lost ||
-                                        state.receiver.link == LinkState::Reconnecting);
+    m_menu->EnableItem(kDisconnect, HasReceiver(state.receiver.link));
 }
 
 void MainWindow::ShowBubble(bool isShown)

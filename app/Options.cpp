@@ -11,24 +11,6 @@ namespace fieldcore {
 
 namespace {
 
-/// An option of the parser, and its line of the help.
-QCommandLineOption Add(QCommandLineParser& parser, const QStringList& names, const QString& value,
-                       int purpose, AppOptions& options)
-{
-    constexpr int kColumn = 28;
-    QStringList typed;
-    for (const QString& name : names) {
-        typed.append((name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name);
-    }
-    const QString shown = QStringLiteral("  %1 %2").arg(typed.join(QLatin1Char(',')), value);
-    options.help += shown.leftJustified(kColumn) + UiText(purpose) + QLatin1Char('\n');
-    options.reference += QStringLiteral("option\t\t%1\t%2\t%3\n")
-                             .arg(typed.join(QLatin1Char(',')), value, UiText(purpose));
-    QCommandLineOption option(names, UiText(purpose), value);
-    parser.addOption(option);
-    return option;
-}
-
 /// The value of an option is none of those that it may have.
 void Refuse(const QCommandLineOption& option, const QString& value, AppOptions& options)
 {
@@ -75,23 +57,32 @@ AppOptions ParseArguments(const QStringList& arguments)
                                        "example\t  fieldcore --port COM1\n")
                             .arg(UiText(text::kAppPurpose));
     QCommandLineParser parser;
-    const auto add = [&](const QStringList& names, const char* value, int purpose) {
-        return Add(parser, names, QString::fromLatin1(value), purpose, options);
+    // To the parser, and to the lines of the help. @param names  "h,help"
+    const auto add = [&](const char* names, const char* value, int purpose) {
+        constexpr int kColumn = 28;
+        QString typed;
+        const QStringList all = QString::fromLatin1(names).split(QLatin1Char(','));
+        for (const QString& name : all) {
+            typed += (typed.isEmpty() ? QString() : QStringLiteral(",")) +
+                     (name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name;
+        }
+        QCommandLineOption option(all, UiText(purpose), QString::fromLatin1(value));
+        const QString shown = QStringLiteral("  %1 %2").arg(typed, option.valueName());
+        options.help += shown.leftJustified(kColumn) + UiText(purpose) + QLatin1Char('\n');
+        options.reference += QStringLiteral("option\t\t%1\t%2\t%3\n")
+                                 .arg(typed, option.valueName(), UiText(purpose));
+        parser.addOption(option);
+        return option;
     };
-    const QCommandLineOption help =
-        add({QStringLiteral("h"), QStringLiteral("help")}, "", text::kOptHelp);
-    const QCommandLineOption version =
-        add({QStringLiteral("v"), QStringLiteral("version")}, "", text::kOptVersion);
-    const QCommandLineOption port =
-        add({QStringLiteral("p"), QStringLiteral("port")}, "PORT", text::kAppOptPort);
-    const QCommandLineOption theme = add({QStringLiteral("theme")}, "THEME", text::kAppOptTheme);
-    add({QStringLiteral("language")}, "LANGUAGE", text::kAppOptLanguage);
-    const QCommandLineOption speed = add({QStringLiteral("speed")}, "N", text::kAppOptSpeed);
-    const QCommandLineOption screenshots =
-        add({QStringLiteral("screenshots")}, "DIR", text::kAppOptScreenshots);
-    const QCommandLineOption q77 = add({QStringLiteral("q77")}, "", text::kAppOptQ77);
-    const QCommandLineOption firstPage =
-        add({QStringLiteral("first-page")}, "", text::kAppOptFirstPage);
+    const QCommandLineOption help = add("h,help", "", text::kOptHelp);
+    const QCommandLineOption version = add("v,version", "", text::kOptVersion);
+    const QCommandLineOption port = add("p,port", "PORT", text::kAppOptPort);
+    const QCommandLineOption theme = add("theme", "THEME", text::kAppOptTheme);
+    add("language", "LANGUAGE", text::kAppOptLanguage);
+    const QCommandLineOption speed = add("speed", "N", text::kAppOptSpeed);
+    const QCommandLineOption screenshots = add("screenshots", "DIR", text::kAppOptScreenshots);
+    const QCommandLineOption q77 = add("q77", "", text::kAppOptQ77);
+    const QCommandLineOption firstPage = add("first-page", "", text::kAppOptFirstPage);
 
     const bool isParsed = parser.parse(arguments);
     const QStringList unknown = parser.unknownOptionNames() + parser.positionalArguments();

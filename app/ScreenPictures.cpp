@@ -1,20 +1,13 @@
 #include "app/ScreenPictures.h"
 
 #include "app/Controller.h"
-#include "app/FilePictures.h"
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
-#include "app/SimulatedHour.h"
-#include "app/TiltScreens.h"
 #include "app/Worlds.h"
 #include "core/platform/Utf8.h"
-#include "ui/controls/MessageDlg.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
-#include "ui/equipment/StatusHistoryView.h"
-#include "ui/equipment/StatusPage.h"
-#include "ui/equipment/Version.h"
 
 #include <QAbstractItemView>
 #include <QAction>
@@ -27,7 +20,6 @@
 #include <chrono>
 #include <cstdio>
 #include <iterator>
-#include <optional>
 #include <span>
 
 namespace fieldcore {
@@ -70,6 +62,91 @@ bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& fo
         std::fprintf(stderr, "fieldcore: %s cannot be written.\n", qPrintable(file));
     }
     return saved;
+}
+
+Pictures Own(Controller& controller)
+{
+    return {{QStringLiteral("frames"),
+             [&controller] { return std::make_unique<FramesDlg>(controller.Frames()); }},
+            {QStringLiteral("settings"),
+             [&controller] {
+                 return std::make_unique<SettingsSheet>(controller.Ports(), Scenarios(),
+                                                        controller.Choice(),
+                                                        controller.MaySetClock());
+             }},
+            {QStringLiteral("port"), [&controller] {
+                 return std::make_unique<PortChooserDlg>(controller.Ports(), Scenarios(),
+                                                         controller.Choice());
+             }}};
+}
+
+Pictures Ports(Controller& controller)
+{
+    Pictures made;
+    for (int count = 1; count <= 3; ++count) {
+        made.push_back({QStringLiteral("com-%1").arg(count), [&controller, count] {
+                            CComPort::Surroundings world = PortsWorld(controller);
+                            world.ports = count;
+                            return std::make_unique<CComPort>(
+                                &controller.Command(), controller.ReceiverPort(),
+                                UiText(text::kComTitle), nullptr, count - 1, world);
+                        }});
+    }
+    return made;
+}
+
+Pictures Planning(Controller& controller)
+{
+    Pictures made;
+    const char* const names[] = {"count", "skyplot", "azimuth", "elevation", "pdop"};
+    for (int drawType = 0; drawType < static_cast<int>(std::size(names)); ++drawType) {
+        made.push_back(
+            {QStringLiteral("plan-") + QLatin1String(names[drawType]), [&controller, drawType] {
+                 auto dialog = std::make_unique<CSurveyPlan>(&controller.Command(), 0,
+                                                             PlanWorld(controller, nullptr));
+                 dialog->show();
+                 for (QAction* action : dialog->findChildren<QAction*>()) {
+                     if (action->data().toInt() == CSurveyPlan::GetMenuID(drawType)) {
+                         action->trigger();
+                     }
+                 }
+                 return dialog;
+             }});
+    }
+    made.push_back(
+        {QStringLiteral("skyplot"), [&controller] {
+             auto dialog =
+                 std::make_unique<CSkyPlot>(&controller.Command(), 0, SkyWorld(controller));
+             dialog->show(); // which asks the receiver
+             const auto* const list = dialog->findChild<QAbstractItemView*>();
+             const QDeadlineTimer patience(std::chrono::seconds(5));
+             while (list != nullptr && list->model()->rowCount() == 0 && !patience.hasExpired()) {
+                 QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+             }
+             return dialog;
+         }});
+    return made;
+}
+
+Pictures Antennas(Controller& controller)
+{
+    const auto antenna = [&controller](int way, double heightM) {
+        return [&controller, way, heightM] {
+            auto dialog = std::make_unique<CAntenna>(
+                &controller.Command(), 1, 0,
+                AntennaSettings::Surroundings{controller.ProgramFolder(), &controller.Roots()});
+            dialog->show(); // which reads the settings
+            dialog->SetAntTypeFlag(std::min(3, dialog->GetMaxCount() - 1));
+            dialog->SetAntWayFlag(way);
+            dialog->SetAntInputH(heightM);
+            dialog->ShowValues();
+            return dialog;
+        };
+    };
+    return {{QStringLiteral("antenna-vertical"), antenna(0, 1.543)},
+            {QStringLiteral("antenna-slant"), antenna(1, 1.543)},
+            {QStringLiteral("antenna-base"), antenna(2, 1.543)},
+            {QStringLiteral("antenna-too-short"), antenna(1, 0.05)}};
 }
 
 } // namespace
@@ -121,149 +198,14 @@ int ScreenPictures::Write(const QString& folder, const std::function<bool()>& st
     return failed == 0 ? 0 : kLocalFile;
 }
 
-ScreenPictures::Pictures ScreenPictures::All()
+Pictures ScreenPictures::All()
 {
     Pictures all;
-    for (const Pictures& group :
-         {Own(), Ports(), Files(), Planning(), Antennas(), Status(), TiltScreens(m_controller)}) {
-        all.insert(all.end(), group.begin(), group.end());
+    for (const auto& group :
+         {Own, Ports, FilePictures, Planning, Antennas, StatusPictures, TiltPictures}) {
+        std::ranges::move(group(m_controller), std::back_inserter(all));
     }
     return all;
-}
-
-ScreenPictures::Pictures ScreenPictures::Own()
-{
-    return {{QStringLiteral("frames"),
-             [this]() -> std::unique_ptr<QWidget> {
-                 return std::make_unique<FramesDlg>(m_controller.Frames());
-             }},
-            {QStringLiteral("settings"),
-             [this]() -> std::unique_ptr<QWidget> {
-                 return std::make_unique<SettingsSheet>(m_controller.Ports(), Scenarios(),
-                                                        m_controller.Choice(),
-                                                        m_controller.MaySetClock());
-             }},
-            {QStringLiteral("port"), [this]() -> std::unique_ptr<QWidget> {
-                 return std::make_unique<PortChooserDlg>(m_controller.Ports(), Scenarios(),
-                                                         m_controller.Choice());
-             }}};
-}
-
-ScreenPictures::Pictures ScreenPictures::Ports()
-{
-    Pictures made;
-    for (int count = 1; count <= 3; ++count) {
-        made.push_back(
-            {QStringLiteral("com-%1").arg(count), [this, count]() -> std::unique_ptr<QWidget> {
-                 CComPort::Surroundings world = PortsWorld(m_controller);
-                 world.ports = count;
-                 return std::make_unique<CComPort>(
-                     &m_controller.Command(), m_controller.ReceiverPort(), UiText(text::kComTitle),
-                     nullptr, count - 1, world);
-             }});
-    }
-    return made;
-}
-
-ScreenPictures::Pictures ScreenPictures::Files()
-{
-    const auto files = std::make_shared<FilePictures>(m_controller.Host(), m_controller.GetClock());
-    return {{QStringLiteral("files"), [files] { return files->Sheet(0); }},
-            {QStringLiteral("files-bin"), [files] { return files->Sheet(1); }},
-            {QStringLiteral("files-progress"), [files] { return files->Progress(); }},
-            {QStringLiteral("files-destination"), [files] { return files->Destination(); }},
-            {QStringLiteral("files-error"), &FilePictures::Error}};
-}
-
-ScreenPictures::Pictures ScreenPictures::Planning()
-{
-    Pictures made;
-    const char* const names[] = {"count", "skyplot", "azimuth", "elevation", "pdop"};
-    for (int drawType = 0; drawType < static_cast<int>(std::size(names)); ++drawType) {
-        made.push_back({QStringLiteral("plan-") + QLatin1String(names[drawType]),
-                        [this, drawType]() -> std::unique_ptr<QWidget> {
-                            auto dialog = std::make_unique<CSurveyPlan>(
-                                &m_controller.Command(), 0, PlanWorld(m_controller, nullptr));
-                            dialog->show();
-                            for (QAction* action : dialog->findChildren<QAction*>()) {
-                                if (action->data().toInt() == CSurveyPlan::GetMenuID(drawType)) {
-                                    action->trigger();
-                                }
-                            }
-                            return dialog;
-                        }});
-    }
-    made.push_back(
-        {QStringLiteral("skyplot"), [this]() -> std::unique_ptr<QWidget> {
-             auto dialog =
-                 std::make_unique<CSkyPlot>(&m_controller.Command(), 0, SkyWorld(m_controller));
-             dialog->show(); // which asks the receiver
-             const auto* const list = dialog->findChild<QAbstractItemView*>();
-             const QDeadlineTimer patience(std::chrono::seconds(5));
-             while (list != nullptr && list->model()->rowCount() == 0 && !patience.hasExpired()) {
-                 QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-             }
-             return dialog;
-         }});
-    return made;
-}
-
-ScreenPictures::Pictures ScreenPictures::Antennas()
-{
-    const auto antenna = [this](int way, double heightM) {
-        return [this, way, heightM]() -> std::unique_ptr<QWidget> {
-            auto dialog = std::make_unique<CAntenna>(
-                &m_controller.Command(), 1, 0,
-                AntennaSettings::Surroundings{m_controller.ProgramFolder(), &m_controller.Roots()});
-            dialog->show(); // which reads the settings
-            dialog->SetAntTypeFlag(std::min(3, dialog->GetMaxCount() - 1));
-            dialog->SetAntWayFlag(way);
-            dialog->SetAntInputH(heightM);
-            dialog->ShowValues();
-            return dialog;
-        };
-    };
-    return {{QStringLiteral("antenna-vertical"), antenna(0, 1.543)},
-            {QStringLiteral("antenna-slant"), antenna(1, 1.543)},
-            {QStringLiteral("antenna-base"), antenna(2, 1.543)},
-            {QStringLiteral("antenna-too-short"), antenna(1, 0.05)}};
-}
-
-ScreenPictures::Pictures ScreenPictures::Status()
-{
-    static const std::optional<SimulatedHour> hour = LiveAnHour(); // once for all pictures
-    if (!hour) {
-        return {};
-    }
-    const auto page = [](Clock::Duration later, LinkState link) {
-        return [later, link]() -> std::unique_ptr<QWidget> {
-            auto made = std::make_unique<StatusPage>();
-            Receiver receiver = hour->receiver;
-            receiver.link = link;
-            made->Show(receiver, hour->history, {hour->now + later, hour->utc + later});
-            return made;
-        };
-    };
-    return {{QStringLiteral("status"), page({}, LinkState::Connected)},
-            {QStringLiteral("status-stale"), page(std::chrono::minutes(3), LinkState::Connected)},
-            {QStringLiteral("status-lost"), page(std::chrono::minutes(3), LinkState::Lost)},
-            {QStringLiteral("status-empty"),
-             []() -> std::unique_ptr<QWidget> { return std::make_unique<StatusPage>(); }},
-            {QStringLiteral("status-history"),
-             []() -> std::unique_ptr<QWidget> {
-                 auto made = std::make_unique<StatusHistoryView>();
-                 made->Show(hour->history, hour->now);
-                 return made;
-             }},
-            {QStringLiteral("version"),
-             [this]() -> std::unique_ptr<QWidget> {
-                 return std::make_unique<CVersion>(&m_controller.Command());
-             }},
-            {QStringLiteral("battery-low"), []() -> std::unique_ptr<QWidget> {
-                 return std::make_unique<MessageDlg>(
-                     ToQt(FormatText(text::kBatteryLow, 20)), UiText(text::kBatteryCaption),
-                     BoxStyle{BoxButtons::Ok, BoxIcon::Exclamation});
-             }}};
 }
 
 } // namespace fieldcore

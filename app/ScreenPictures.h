@@ -3,11 +3,9 @@
 #include "app/Picture.h"
 
 #include <functional>
-#include <vector>
 
 namespace fieldcore {
 
-class Controller;
 class MainWindow;
 
 /// Pictures of every screen of the controller, in both sizes and colours. User-interface thread
@@ -27,18 +25,10 @@ public:
     int Write(
         const QString& folder, const std::function<bool()>& stop = [] { return false; });
 
-    using Pictures = std::vector<Picture>;
     /// Every screen but the window itself, as it is when it has just been opened.
     [[nodiscard]] Pictures All();
 
 private:
-    [[nodiscard]] Pictures Own();
-    [[nodiscard]] Pictures Ports();
-    [[nodiscard]] Pictures Files();
-    [[nodiscard]] Pictures Planning();
-    [[nodiscard]] Pictures Antennas();
-    [[nodiscard]] Pictures Status();
-
     Controller& m_controller;
     MainWindow& m_window;
 };

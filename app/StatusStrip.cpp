@@ -41,13 +41,6 @@ RoleLabel::Role RoleOf(LinkState link)
     return &Theme::second;
 }
 
-/// Whether there is a receiver that values could come from, or is to be one again.
-bool HasReceiver(LinkState link)
-{
-    return link == LinkState::Connected || link == LinkState::Lost ||
-           link == LinkState::Reconnecting;
-}
-
 } // namespace
 
 StatusStrip::StatusStrip(QWidget* parent, Place place)

@@ -368,7 +368,6 @@ void World::LookForStatus()
     }
     constexpr std::uint8_t kTime = 0x14;
     constexpr std::uint8_t kPosition = 0x34;
-    constexpr std::uint8_t kStx = 0x02;
     constexpr std::size_t kType = 2;
     int sent = 0;
     bool asked[2] = {};

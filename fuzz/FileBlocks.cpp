@@ -76,7 +76,8 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
                       CountingOperations& operations)
 {
     // The folder is there: none is made.
-    ReceivedFile file(".", L"A.Q01", expected, {}, operations);
+    Transfer transfer;
+    ReceivedFile file(".", L"A.Q01", expected, {}, operations, transfer);
     Check(file.Open());
     FrameBuffer frame;
     while (!input.empty()) {

@@ -1,6 +1,6 @@
 // The identification text: any bytes are refused or make a record.
 
-#include "core/link/Identification.h"
+#include "core/link/Replies.h"
 
 #include "core/link/FrameBuffer.h"
 

@@ -128,20 +128,12 @@ int ChannelTurn::Ask(std::span<const std::uint8_t> request, Answer expected)
     }
     bool isFinal = false;
     for (int attempt = 1; attempt <= kAttempts && !isFinal; ++attempt) {
-        isFinal = Attempt(kept, expected, attempt == kAttempts);
+        isFinal = Write(kept, LineUnit::Frame)
+                      ? Judge(Next().state, expected, attempt == kAttempts)
+                      : m_fault != CommandFault::WriteFailed; // then it is tried again at once
     }
     m_deadline = {};
     return m_fault == CommandFault::None ? 1 : 0;
-}
-
-/// @return whether the request ends with this attempt
-bool ChannelTurn::Attempt(std::span<const std::uint8_t> request, Answer expected, bool isLast)
-{
-    if (!Write(request, LineUnit::Frame)) {
-        // Otherwise tried again at once.
-        return m_fault == CommandFault::LinkLost || m_fault == CommandFault::Cancelled;
-    }
-    return Judge(Next().state, expected, isLast);
 }
 
 /// @return whether the request ends here
@@ -149,25 +141,16 @@ bool ChannelTurn::Judge(ExchangeState state, Answer expected, bool isLast)
 {
     switch (state) {
     case ExchangeState::Frame:
-        if (expected == Answer::Ack) {
-            NoteOdd();
+    case ExchangeState::Ack:
+        if ((state == ExchangeState::Ack) != (expected == Answer::Ack)) {
             Fail(CommandFault::WrongAnswer);
+        } else if (state == ExchangeState::Frame && !FrameReader(m_answer).IsIntact()) {
+            Fail(CommandFault::BadChecksum);
+        } else {
             return true;
         }
-        if (!FrameReader(m_answer).IsIntact()) {
-            NoteOdd();
-            return Fail(CommandFault::BadChecksum);
-        }
-        Succeed();
-        return true;
-    case ExchangeState::Ack:
-        if (expected == Answer::Ack) {
-            Succeed();
-        } else {
-            NoteOdd();
-            Fail(CommandFault::WrongAnswer);
-        }
-        return true;
+        NoteOdd();
+        return m_fault == CommandFault::WrongAnswer;
     case ExchangeState::Nak: // an answer: asking again would get the same one
         Fail(CommandFault::Refused);
         return true;
@@ -216,11 +199,10 @@ bool ChannelTurn::Write(std::span<const std::uint8_t> bytes, LineUnit unit)
 {
     Link().ResetFrameReady();
     const SerialLink::WaitOutcome outcome = Link().Write(bytes, unit, m_host);
-    if (outcome == SerialLink::WaitOutcome::Cancelled) {
-        return Fail(CommandFault::Cancelled);
+    if (outcome != SerialLink::WaitOutcome::Cancelled) {
+        CountSent();
     }
-    CountSent();
-    return outcome == SerialLink::WaitOutcome::Delivered || FailOnWrite();
+    return outcome == SerialLink::WaitOutcome::TimedOut ? FailOnWrite() : Check(outcome);
 }
 
 Delivery ChannelTurn::Next()
@@ -235,21 +217,12 @@ Delivery ChannelTurn::Next()
     Arrivals arrivals;
     m_last = Link().TakeDelivery(m_answer, &arrivals);
     CountArrived(arrivals);
-    switch (outcome) {
-    case SerialLink::WaitOutcome::Delivered:
-        m_fault = CommandFault::None;
-        return m_last;
-    case SerialLink::WaitOutcome::TimedOut:
-        Fail(CommandFault::TimedOut);
-        break;
-    case SerialLink::WaitOutcome::Lost:
-        FailOnWrite();
-        break;
-    case SerialLink::WaitOutcome::Cancelled:
-        Fail(CommandFault::Cancelled);
-        break;
+    if (Check(outcome)) {
+        Succeed();
+    } else {
+        m_last = {ExchangeState::TimedOut, 0};
     }
-    return m_last = {ExchangeState::TimedOut, 0};
+    return m_last;
 }
 
 bool ChannelTurn::NextFrame()
@@ -340,18 +313,14 @@ bool ChannelTurn::AwaitQuiet(bool changes)
             }
             break;
         }
-        switch (Link().WaitDelivery(m_host, std::min(until, latest) - now)) {
-        case SerialLink::WaitOutcome::Delivered:
+        const auto outcome = Link().WaitDelivery(m_host, std::min(until, latest) - now);
+        if (outcome == SerialLink::WaitOutcome::TimedOut) {
+            static_cast<void>(Link().TakeErrorCode()); // nothing was to come
+        } else if (Check(outcome)) {
             Link().TakeDelivery({});
             hasDropped = true;
-            break;
-        case SerialLink::WaitOutcome::TimedOut:
-            static_cast<void>(Link().TakeErrorCode()); // nothing was to come
-            break;
-        case SerialLink::WaitOutcome::Lost:
-            return FailOnWrite();
-        case SerialLink::WaitOutcome::Cancelled:
-            return Fail(CommandFault::Cancelled);
+        } else {
+            return false;
         }
     }
     m_channel.m_isOdd = false;
@@ -458,6 +427,22 @@ bool ChannelTurn::Fail(CommandFault fault)
 {
     m_fault = fault;
     return false;
+}
+
+/// Sets the fault that the end of a wait means, if it means one. @return whether it means none
+bool ChannelTurn::Check(SerialLink::WaitOutcome outcome)
+{
+    switch (outcome) {
+    case SerialLink::WaitOutcome::Delivered:
+        return true;
+    case SerialLink::WaitOutcome::TimedOut:
+        return Fail(CommandFault::TimedOut);
+    case SerialLink::WaitOutcome::Lost:
+        return FailOnWrite();
+    case SerialLink::WaitOutcome::Cancelled:
+        break;
+    }
+    return Fail(CommandFault::Cancelled);
 }
 
 bool ChannelTurn::FailOnWrite()

@@ -107,10 +107,10 @@ private:
     void CountSent();
     void CountArrived(const Arrivals& arrivals);
     void EndTurn();
-    bool Attempt(std::span<const std::uint8_t> request, Answer expected, bool isLast);
     bool Judge(ExchangeState state, Answer expected, bool isLast);
     bool PauseAndPurge(bool isLast);
     bool AwaitAbort();
+    bool Check(SerialLink::WaitOutcome outcome);
     bool FailOnWrite();
 
     Channel& m_channel;

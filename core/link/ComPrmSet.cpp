@@ -4,45 +4,61 @@
 #include "core/platform/SettingsStore.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <span>
-#include <utility>
 
 namespace fieldcore {
 
 namespace {
 
-constexpr int kDefaultRate = 2; // flag
 constexpr std::uint32_t kLinkRate = 38400;
-constexpr std::uint32_t kOtherRate = 9600;
 
-constexpr std::array kBpsTexts{L"2400", L"4800", L"9600", L"19200", L"38400", L"57600", L"115200"};
-constexpr std::array kDataBitsTexts{L"8", L"7"};
-constexpr std::array kParityTexts{L"None", L"Odd", L"Even"};
-constexpr std::array kStopBitsTexts{L"1", L"2"};
-constexpr std::array kFlowTexts{L"None", L"CTS", L"Xon/Xoff"};
-
-/// @return @p flag, or @p otherwise if it is no choice
-int Choice(std::span<const wchar_t* const> texts, int flag, int otherwise = 0)
+/// What a parameter can be. Its place in the list is its flag.
+struct Choice
 {
-    return flag >= 0 && static_cast<std::size_t>(flag) < texts.size() ? flag : otherwise;
+    const wchar_t* text;
+    std::uint32_t value; ///< that is stored, and sent
+};
+constexpr Choice kRates[] = {{L"2400", 2400},    {L"4800", 4800},   {L"9600", 9600},
+                             {L"19200", 19200},  {L"38400", 38400}, {L"57600", 57600},
+                             {L"115200", 115200}};
+static_assert(std::ranges::equal(kRates, kBaudRates, {}, &Choice::value));
+constexpr Choice kDataBits[] = {{L"8", 8}, {L"7", 7}};
+constexpr Choice kParities[] = {{L"None", 0}, {L"Odd", 1}, {L"Even", 2}};
+constexpr Choice kStopBits[] = {{L"1", 0}, {L"2", 2}};
+constexpr Choice kFlows[] = {{L"None", 0}, {L"CTS", 2}, {L"Xon/Xoff", 1}};
+
+struct Parameter
+{
+    const wchar_t* setting; ///< its name
+    std::span<const Choice> choices;
+    int byDefault = 0; ///< flag in place of one beyond the list
+    int unknown = 0;   ///< flag of a value that is no choice: of a parity Odd, not None
+};
+constexpr Parameter kParameters[] = {{L"Baudlate", kRates, 2, 2},
+                                     {L"Length", kDataBits},
+                                     {L"Parity", kParities, 0, 1},
+                                     {L"Stopbit", kStopBits},
+                                     {L"Flow", kFlows}};
+
+/// @return the flag of the first choice of which @p is holds, or @p otherwise
+template <typename Is>
+int FlagOf(const Parameter& parameter, int otherwise, Is is)
+{
+    const auto found = std::ranges::find_if(parameter.choices, is);
+    return found != parameter.choices.end() ? static_cast<int>(found - parameter.choices.begin())
+                                            : otherwise;
 }
 
-std::wstring TextOf(std::span<const wchar_t* const> texts, int flag, int otherwise = 0)
+/// @return @p flag, or the default one if it is none
+int Checked(const Parameter& parameter, int flag)
 {
-    return texts[static_cast<std::size_t>(Choice(texts, flag, otherwise))];
+    return flag >= 0 && flag < static_cast<int>(parameter.choices.size()) ? flag
+                                                                          : parameter.byDefault;
 }
 
-/// @return -1 if no choice has that text
-int FlagOf(std::span<const wchar_t* const> texts, const std::wstring& text)
+const Choice& ChoiceOf(const Parameter& parameter, int flag)
 {
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        if (FoldCase(texts[i]) == FoldCase(text)) {
-            return static_cast<int>(i);
-        }
-    }
-    return -1;
+    return parameter.choices[static_cast<std::size_t>(Checked(parameter, flag))];
 }
 
 } // namespace
@@ -54,9 +70,8 @@ PortSettings LineOf(const SetRS232PortParameters& parameters)
     line.byteSize = parameters.dataLength;
     line.parity = parameters.parity;
     line.stopBits = parameters.stopBits;
-    line.flowControl = parameters.flowControl == 1   ? FlowControl::Software
-                       : parameters.flowControl == 2 ? FlowControl::RtsCts
-                                                     : FlowControl::None;
+    const auto flow = static_cast<FlowControl>(parameters.flowControl);
+    line.flowControl = flow <= FlowControl::RtsCts ? flow : FlowControl::None;
     return line;
 }
 
@@ -69,169 +84,107 @@ std::wstring CComPrmSet::KeyOf(int port)
 
 int CComPrmSet::ReadRegCommPrm(int port)
 {
-    const std::wstring key = KeyOf(port);
-    m_values = {};
-    m_values.baudRate = port == kLinkPort ? kLinkRate : kOtherRate;
-    const auto readByte = [&](const wchar_t* name, std::uint8_t& field) {
-        std::uint32_t number = field;
-        const int read = m_reg.ReadOrStoreNumber(key, name, number, field);
-        field = static_cast<std::uint8_t>(number & 0xFFU);
-        return read == 1;
-    };
-    const bool read =
-        m_reg.ReadOrStoreNumber(key, L"Baudlate", m_values.baudRate, m_values.baudRate) == 1 &&
-        readByte(L"Length", m_values.dataLength) && readByte(L"Parity", m_values.parity) &&
-        readByte(L"Stopbit", m_values.stopBits) && readByte(L"Flow", m_values.flowControl);
-    return read ? 1 : 0;
+    m_values = kDefaults;
+    m_values[Bps] = port == kLinkPort ? kLinkRate : m_values[Bps];
+    for (std::size_t part = 0; part < PartCount; ++part) {
+        std::uint32_t& value = m_values[part];
+        const int read =
+            m_reg.ReadOrStoreNumber(KeyOf(port), kParameters[part].setting, value, value);
+        value &= part == Bps ? 0xFFFFFFFF : 0xFF;
+        if (read == 0) {
+            return 0;
+        }
+    }
+    return 1;
 }
 
 int CComPrmSet::WriteRegCommPrm(int port) const
 {
-    const std::wstring key = KeyOf(port);
     SettingsBatch batch(m_reg.Store());
-    const bool written = batch.IsOpen() &&
-                         m_reg.WriteNumber(key, L"Baudlate", m_values.baudRate) == 1 &&
-                         m_reg.WriteNumber(key, L"Length", m_values.dataLength) == 1 &&
-                         m_reg.WriteNumber(key, L"Parity", m_values.parity) == 1 &&
-                         m_reg.WriteNumber(key, L"Stopbit", m_values.stopBits) == 1 &&
-                         m_reg.WriteNumber(key, L"Flow", m_values.flowControl) == 1;
+    bool written = batch.IsOpen();
+    for (std::size_t part = 0; written && part < PartCount; ++part) {
+        written = m_reg.WriteNumber(KeyOf(port), kParameters[part].setting, m_values[part]) == 1;
+    }
     return written && batch.Commit() ? 1 : 0;
 }
 
 void CComPrmSet::ConvData2Flag()
 {
-    m_flagBps = kDefaultRate;
-    for (std::size_t i = 0; i < kBaudRates.size(); ++i) {
-        if (kBaudRates[i] == m_values.baudRate) {
-            m_flagBps = static_cast<int>(i);
-        }
+    for (std::size_t part = 0; part < PartCount; ++part) {
+        m_flags[part] = FlagOf(kParameters[part], kParameters[part].unknown,
+                               [&](const Choice& c) { return c.value == m_values[part]; });
     }
-    m_flagDataBits = m_values.dataLength == 7 ? 1 : 0;
-    // An unknown parity is Odd, not None.
-    m_flagParity = m_values.parity == 0 ? 0 : m_values.parity == 2 ? 2 : 1;
-    m_flagStopBits = m_values.stopBits == 2 ? 1 : 0;
-    // The list has CTS before Xon/Xoff, the values have it behind.
-    m_flagFlow = m_values.flowControl == 1 ? 2 : m_values.flowControl == 2 ? 1 : 0;
 }
 
 void CComPrmSet::ConvFlag2Data()
 {
-    m_values.baudRate = kBaudRates[static_cast<std::size_t>(m_flagBps)];
-    m_values.dataLength = m_flagDataBits == 1 ? 7 : 8;
-    m_values.parity = m_flagParity == 1 ? 1 : m_flagParity == 2 ? 2 : 0;
-    m_values.stopBits = m_flagStopBits == 1 ? 2 : 0;
-    m_values.flowControl = m_flagFlow == 1 ? 2 : m_flagFlow == 2 ? 1 : 0;
+    for (std::size_t part = 0; part < PartCount; ++part) {
+        m_values[part] = ChoiceOf(kParameters[part], m_flags[part]).value;
+    }
 }
 
-int CComPrmSet::SetFlagBps(int flag)
+int CComPrmSet::SetFlag(Part part, int flag)
 {
-    return Assign(m_flagBps, Choice(kBpsTexts, flag, kDefaultRate));
-}
-
-int CComPrmSet::SetFlagDataBits(int flag)
-{
-    return Assign(m_flagDataBits, Choice(kDataBitsTexts, flag));
-}
-
-int CComPrmSet::SetFlagParity(int flag)
-{
-    return Assign(m_flagParity, Choice(kParityTexts, flag));
-}
-
-int CComPrmSet::SetFlagStopBits(int flag)
-{
-    return Assign(m_flagStopBits, Choice(kStopBitsTexts, flag));
-}
-
-int CComPrmSet::SetFlagFlowCtrl(int flag)
-{
-    return Assign(m_flagFlow, Choice(kFlowTexts, flag));
+    return Assign(m_flags[part], Checked(kParameters[part], flag));
 }
 
 int CComPrmSet::SetDataFlowCtrl(std::uint8_t flow)
 {
     constexpr std::uint8_t kLast = 2;
-    return Assign(m_values.flowControl, flow <= kLast ? flow : std::uint8_t{0});
+    return Assign(m_values[FlowCtrl], flow <= kLast ? flow : std::uint8_t{0});
 }
 
-std::wstring CComPrmSet::GetStrBps(int flag) const
+std::wstring CComPrmSet::TextOf(std::size_t part, int flag)
 {
-    return TextOf(kBpsTexts, flag, kDefaultRate);
-}
-
-std::wstring CComPrmSet::GetStrDataBits(int flag) const
-{
-    return TextOf(kDataBitsTexts, flag);
-}
-
-std::wstring CComPrmSet::GetStrParity(int flag) const
-{
-    return TextOf(kParityTexts, flag);
-}
-
-std::wstring CComPrmSet::GetStrStopBits(int flag) const
-{
-    return TextOf(kStopBitsTexts, flag);
-}
-
-std::wstring CComPrmSet::GetStrFlowCtrl(int flag) const
-{
-    return TextOf(kFlowTexts, flag);
-}
-
-void CComPrmSet::GetPrmString(std::wstring& bps, std::wstring& dataBits, std::wstring& parity,
-                              std::wstring& stopBits, std::wstring& flow) const
-{
-    bps = GetStrBps();
-    dataBits = GetStrDataBits();
-    parity = GetStrParity();
-    stopBits = GetStrStopBits();
-    flow = GetStrFlowCtrl();
+    return ChoiceOf(kParameters[part], flag).text;
 }
 
 std::wstring CComPrmSet::GetPrmString() const
 {
-    return GetStrBps() + L"-" + GetStrDataBits() + L"-" + GetStrParity() + L"-" + GetStrStopBits() +
-           L"-" + GetStrFlowCtrl();
+    std::wstring text;
+    for (std::size_t part = 0; part < PartCount; ++part) {
+        text += (part == 0 ? L"" : L"-") + TextOf(part, m_flags[part]);
+    }
+    return text;
 }
 
 int CComPrmSet::SetPrmString(const std::wstring& text)
 {
-    const std::array<std::pair<std::span<const wchar_t* const>, int CComPrmSet::*>, 5> parts{{
-        {kBpsTexts, &CComPrmSet::m_flagBps},
-        {kDataBitsTexts, &CComPrmSet::m_flagDataBits},
-        {kParityTexts, &CComPrmSet::m_flagParity},
-        {kStopBitsTexts, &CComPrmSet::m_flagStopBits},
-        {kFlowTexts, &CComPrmSet::m_flagFlow},
-    }};
-    CComPrmSet changed = *this;
+    auto flags = m_flags;
     std::size_t at = 0;
     for (std::size_t part = 0; at <= text.size(); ++part) {
         const std::size_t end = std::min(text.find(L'-', at), text.size());
-        const int flag =
-            part < parts.size() ? FlagOf(parts[part].first, text.substr(at, end - at)) : -1;
+        const std::wstring named = FoldCase(text.substr(at, end - at));
+        const int flag = part < PartCount
+                             ? FlagOf(kParameters[part], -1,
+                                      [&](const Choice& c) { return FoldCase(c.text) == named; })
+                             : -1;
         if (flag < 0) {
             return 0;
         }
-        changed.*parts[part].second = flag;
+        flags[part] = flag;
         at = end + 1;
     }
-    changed.ConvFlag2Data();
-    m_values = changed.m_values;
-    ConvData2Flag();
+    m_flags = flags;
+    ConvFlag2Data();
     return 1;
 }
 
 void CComPrmSet::GetSETCOMMS(int port, SetRS232PortParameters& record) const
 {
-    record = m_values;
-    record.port = static_cast<std::uint8_t>(port);
+    record = {static_cast<std::uint8_t>(port),
+              m_values[Bps],
+              ByteOf(DataBits),
+              ByteOf(Parity),
+              ByteOf(StopBits),
+              ByteOf(FlowCtrl),
+              0};
 }
 
 void CComPrmSet::SetSETCOMMS(const SetRS232PortParameters& record)
 {
-    m_values = record;
-    m_values.spare = 0;
+    m_values = {record.baudRate, record.dataLength, record.parity, record.stopBits,
+                record.flowControl};
     ConvData2Flag();
 }
 
@@ -239,13 +192,6 @@ void CComPrmSet::GetOtherPorNo(int port, int& first, int& second)
 {
     first = port == 1 || port == 2 ? 3 : 2;
     second = port == 1 ? 2 : 1;
-}
-
-bool CComPrmSet::HasFlagsOf(const CComPrmSet& other) const
-{
-    return m_flagBps == other.m_flagBps && m_flagDataBits == other.m_flagDataBits &&
-           m_flagParity == other.m_flagParity && m_flagStopBits == other.m_flagStopBits &&
-           m_flagFlow == other.m_flagFlow;
 }
 
 PortSettings LinkSettings(SettingsRoots& roots)
@@ -276,8 +222,7 @@ int SetLinkRate(std::uint32_t baudRate, SettingsRoots& roots)
     parameters.baudRate = baudRate;
     link.SetSETCOMMS(parameters);
     link.ConvFlag2Data();
-    link.GetSETCOMMS(CComPrmSet::kLinkPort, parameters);
-    return parameters.baudRate == baudRate ? StoreLink(link) : 0;
+    return std::ranges::count(kBaudRates, baudRate) == 1 ? StoreLink(link) : 0;
 }
 
 } // namespace fieldcore

@@ -3,6 +3,8 @@
 #include "core/link/ConnectChoice.h"
 #include "core/settings/HostReg.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -58,36 +60,43 @@ public:
 
     // Flags. Setting one answers 1 if it was another before. One beyond its list becomes the
     // default choice: 9600, 8, None, 1, None.
-    [[nodiscard]] int GetFlagBps() const { return m_flagBps; }
-    [[nodiscard]] int GetFlagDataBits() const { return m_flagDataBits; }
-    [[nodiscard]] int GetFlagParity() const { return m_flagParity; }
-    [[nodiscard]] int GetFlagStopBits() const { return m_flagStopBits; }
-    [[nodiscard]] int GetFlagFlowCtrl() const { return m_flagFlow; }
-    int SetFlagBps(int flag);
-    int SetFlagDataBits(int flag);
-    int SetFlagParity(int flag);
-    int SetFlagStopBits(int flag);
-    int SetFlagFlowCtrl(int flag);
+    [[nodiscard]] int GetFlagBps() const { return m_flags[Bps]; }
+    [[nodiscard]] int GetFlagDataBits() const { return m_flags[DataBits]; }
+    [[nodiscard]] int GetFlagParity() const { return m_flags[Parity]; }
+    [[nodiscard]] int GetFlagStopBits() const { return m_flags[StopBits]; }
+    [[nodiscard]] int GetFlagFlowCtrl() const { return m_flags[FlowCtrl]; }
+    int SetFlagBps(int flag) { return SetFlag(Bps, flag); }
+    int SetFlagDataBits(int flag) { return SetFlag(DataBits, flag); }
+    int SetFlagParity(int flag) { return SetFlag(Parity, flag); }
+    int SetFlagStopBits(int flag) { return SetFlag(StopBits, flag); }
+    int SetFlagFlowCtrl(int flag) { return SetFlag(FlowCtrl, flag); }
 
     /// The stored value of flow control itself: 0 none, 1 Xon/Xoff, 2 CTS; any other becomes 0.
-    [[nodiscard]] std::uint8_t GetDataFlowCtrl() const { return m_values.flowControl; }
+    [[nodiscard]] std::uint8_t GetDataFlowCtrl() const { return ByteOf(FlowCtrl); }
     int SetDataFlowCtrl(std::uint8_t flow);
 
     // What the lists show: for a flag, or for the one that is set.
-    [[nodiscard]] std::wstring GetStrBps(int flag) const;
-    [[nodiscard]] std::wstring GetStrDataBits(int flag) const;
-    [[nodiscard]] std::wstring GetStrParity(int flag) const;
-    [[nodiscard]] std::wstring GetStrStopBits(int flag) const;
-    [[nodiscard]] std::wstring GetStrFlowCtrl(int flag) const;
-    [[nodiscard]] std::wstring GetStrBps() const { return GetStrBps(m_flagBps); }
-    [[nodiscard]] std::wstring GetStrDataBits() const { return GetStrDataBits(m_flagDataBits); }
-    [[nodiscard]] std::wstring GetStrParity() const { return GetStrParity(m_flagParity); }
-    [[nodiscard]] std::wstring GetStrStopBits() const { return GetStrStopBits(m_flagStopBits); }
-    [[nodiscard]] std::wstring GetStrFlowCtrl() const { return GetStrFlowCtrl(m_flagFlow); }
+    [[nodiscard]] std::wstring GetStrBps(int flag) const { return TextOf(Bps, flag); }
+    [[nodiscard]] std::wstring GetStrDataBits(int flag) const { return TextOf(DataBits, flag); }
+    [[nodiscard]] std::wstring GetStrParity(int flag) const { return TextOf(Parity, flag); }
+    [[nodiscard]] std::wstring GetStrStopBits(int flag) const { return TextOf(StopBits, flag); }
+    [[nodiscard]] std::wstring GetStrFlowCtrl(int flag) const { return TextOf(FlowCtrl, flag); }
+    [[nodiscard]] std::wstring GetStrBps() const { return GetStrBps(GetFlagBps()); }
+    [[nodiscard]] std::wstring GetStrDataBits() const { return GetStrDataBits(GetFlagDataBits()); }
+    [[nodiscard]] std::wstring GetStrParity() const { return GetStrParity(GetFlagParity()); }
+    [[nodiscard]] std::wstring GetStrStopBits() const { return GetStrStopBits(GetFlagStopBits()); }
+    [[nodiscard]] std::wstring GetStrFlowCtrl() const { return GetStrFlowCtrl(GetFlagFlowCtrl()); }
 
     /// The five texts of the flags: rate, data bits, parity, stop bits, flow.
     void GetPrmString(std::wstring& bps, std::wstring& dataBits, std::wstring& parity,
-                      std::wstring& stopBits, std::wstring& flow) const;
+                      std::wstring& stopBits, std::wstring& flow) const
+    {
+        bps = GetStrBps();
+        dataBits = GetStrDataBits();
+        parity = GetStrParity();
+        stopBits = GetStrStopBits();
+        flow = GetStrFlowCtrl();
+    }
     /// The same as one text: 9600-8-None-1-None.
     [[nodiscard]] std::wstring GetPrmString() const;
     /// Sets flags and values from such a text, in any case; what is left out at its end stays.
@@ -106,16 +115,35 @@ public:
     [[nodiscard]] static std::wstring KeyOf(int port);
 
     /// Whether the flags are the same.
-    [[nodiscard]] bool HasFlagsOf(const CComPrmSet& other) const;
+    [[nodiscard]] bool HasFlagsOf(const CComPrmSet& other) const
+    {
+        return m_flags == other.m_flags;
+    }
 
 private:
+    /// The five parameters, in the order in which they are stored and shown.
+    enum Part : std::size_t
+    {
+        Bps,
+        DataBits,
+        Parity,
+        StopBits,
+        FlowCtrl,
+        PartCount,
+    };
+
+    int SetFlag(Part part, int flag);
+    [[nodiscard]] static std::wstring TextOf(std::size_t part, int flag);
+    [[nodiscard]] std::uint8_t ByteOf(Part part) const
+    {
+        return static_cast<std::uint8_t>(m_values[part]);
+    }
+
+    static constexpr std::array<std::uint32_t, PartCount> kDefaults{9600, 8, 0, 0, 0};
+
     HostReg m_reg;
-    SetRS232PortParameters m_values; // its port is of no meaning
-    int m_flagBps = 2;
-    int m_flagDataBits = 0;
-    int m_flagParity = 0;
-    int m_flagStopBits = 0;
-    int m_flagFlow = 0;
+    std::array<std::uint32_t, PartCount> m_values = kDefaults;
+    std::array<int, PartCount> m_flags{2, 0, 0, 0, 0};
 };
 
 /// The parameters with which the controller's own line is to be run: those of port 0, brought to

@@ -1,5 +1,6 @@
 #include "core/link/Command.h"
 
+#include "core/link/FileFetch.h"
 #include "core/link/FileListing.h"
 #include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
@@ -31,16 +32,7 @@ constexpr std::intptr_t kListEnded = 1;
 /// flow control: it knows none, XON/XOFF and the hardware lines.
 std::uint8_t ReceiverFlowCode(FlowControl flow)
 {
-    switch (flow) {
-    case FlowControl::None:
-        return 0;
-    case FlowControl::Software:
-        return 1;
-    case FlowControl::RtsCts:
-    case FlowControl::DsrDtr:
-        break;
-    }
-    return 2;
+    return static_cast<std::uint8_t>(std::min(flow, FlowControl::RtsCts));
 }
 
 } // namespace
@@ -446,17 +438,14 @@ int CCommand::ShowLabel(std::uint8_t place, std::uint16_t number, std::wstring_v
 
 // Files.
 
-int CCommand::List(MessageTarget* window, unsigned message, std::uint8_t request,
-                   const std::function<int(FileListing&)>& list)
+/// A listing in a turn, whose end is posted whatever came of it.
+template <typename Work>
+int CCommand::List(std::uint8_t request, ListingTarget target, Work list)
 {
-    const int result = InTurn(request, [&](ChannelTurn& turn) {
-        FileListing listing(turn, *this);
-        const int done = list(listing);
-        m_hasMoreFiles = listing.HasMore();
-        return done;
-    });
-    if (window != nullptr) {
-        window->Post(message, kListEnded, 0);
+    const int result = InTurn(request, [&](ChannelTurn& turn) { return list(turn, target); });
+    m_hasMoreFiles = target.hasMore;
+    if (target.window != nullptr) {
+        target.window->Post(target.message, kListEnded, 0);
     }
     return result;
 }
@@ -465,16 +454,16 @@ int CCommand::RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTab
                                 MessageTarget* window, unsigned message)
 {
     const std::uint8_t variant = typeNumber == kSecondPica ? 2 : 1;
-    return List(window, message, kListPica, [&](FileListing& listing) {
-        return listing.Pica(mode, variant, {table, window, message});
+    return List(kListPica, {table, window, message}, [&](ChannelTurn& turn, ListingTarget& target) {
+        return ListPicaFiles(turn, *this, mode, variant, target);
     });
 }
 
 int CCommand::RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table,
                                 MessageTarget* window, unsigned message)
 {
-    return List(window, message, kListLark, [&](FileListing& listing) {
-        return listing.Lark(pattern, {table, window, message});
+    return List(kListLark, {table, window, message}, [&](ChannelTurn& turn, ListingTarget& target) {
+        return ListLarkFiles(turn, *this, pattern, target);
     });
 }
 
@@ -483,7 +472,7 @@ int CCommand::FileExists(std::wstring_view name)
     if (!IsReceiverFileName(name)) {
         return Fail(CommandFault::TooLong);
     }
-    return List(nullptr, 0, kListLark, [&](FileListing& listing) { return listing.Exists(name); });
+    return InTurn(kListLark, [&](ChannelTurn& turn) { return HasLarkFile(turn, *this, name); });
 }
 
 int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)
@@ -501,46 +490,28 @@ std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::ws
                                     std::uint32_t expectedSize, const BytesArrived& arrived,
                                     std::optional<std::uint32_t> time)
 {
-    m_downloadFault = DownloadFault::None;
-    m_fileError = {};
-    m_transferStart = {};
-    m_nameFault = CheckReceivedName(name, folder);
-    if (m_nameFault != NameFault::None) {
-        return FailDownload(DownloadFault::Name);
+    m_transfer = {};
+    m_transfer.name = CheckReceivedName(name, folder);
+    if (m_transfer.name != NameFault::None) {
+        m_transfer.fault = DownloadFault::Name;
+        return -1;
     }
     ReceivedFile file(folder, name, expectedSize, time,
-                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance());
-    const BytesArrived known = [&](std::uint32_t bytes) {
-        m_transferStart = file.Start();
-        return !arrived || arrived(bytes);
-    };
-    const bool isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
-                             if (!file.Open() || !FileFetch(turn, *this, file, known).Run(name)) {
-                                 return 0;
-                             }
-                             turn.Succeed(); // whatever went wrong on the way was made good
-                             return 1;
-                         }) == 1;
-    m_transferStart = file.Start();
-    if (file.Fault() != DownloadFault::None) {
-        return FailDownload(file.Fault(), file.Error());
+                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance(),
+                      m_transfer);
+    const int isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
+        return file.Open() && FetchFile(turn, *this, name, file, arrived) ? 1 : 0;
+    });
+    if (isWhole == 0) {
+        if (m_transfer.fault == DownloadFault::None) {
+            m_transfer.fault =
+                Fault() == CommandFault::Cancelled ? DownloadFault::Cancelled : DownloadFault::Link;
+        }
+        return -1;
     }
-    if (!isWhole) {
-        return FailDownload(Fault() == CommandFault::Cancelled ? DownloadFault::Cancelled
-                                                               : DownloadFault::Link);
-    }
-    if (!file.Finish()) {
-        const std::int64_t failed = FailDownload(file.Fault(), file.Error());
-        return file.Fault() == DownloadFault::WrongSize ? std::int64_t{file.Offset()} : failed;
-    }
-    return file.Offset();
-}
-
-std::int64_t CCommand::FailDownload(DownloadFault fault, std::error_code error)
-{
-    m_downloadFault = fault;
-    m_fileError = error;
-    return -1;
+    return file.Finish() || m_transfer.fault == DownloadFault::WrongSize
+               ? std::int64_t{file.Offset()}
+               : -1;
 }
 
 } // namespace fieldcore

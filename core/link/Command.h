@@ -4,10 +4,8 @@
 #include "core/link/Channel.h"
 #include "core/link/ChannelTurn.h"
 #include "core/link/DirectoryListing.h"
-#include "core/link/FileFetch.h"
 #include "core/link/FrameBuffer.h"
-#include "core/link/Identification.h"
-#include "core/link/ReceivedName.h"
+#include "core/link/ReceivedFile.h"
 #include "core/link/Replies.h"
 #include "core/link/SatelliteReplies.h"
 #include "core/platform/FileOperations.h"
@@ -28,7 +26,7 @@
 
 namespace fieldcore {
 
-class FileListing;
+struct ListingTarget;
 class Questions;
 
 /// The receiver command channel: the one object through which the library and its host talk to
@@ -278,13 +276,13 @@ public:
                               std::uint32_t expectedSize, const BytesArrived& arrived = {},
                               std::optional<std::uint32_t> time = std::nullopt);
     /// Of the last download, as the next three.
-    [[nodiscard]] DownloadFault GetDownloadFault() const { return m_downloadFault; }
+    [[nodiscard]] DownloadFault GetDownloadFault() const { return m_transfer.fault; }
     /// Also from inside @p arrived, which is first called when it is known.
-    [[nodiscard]] const TransferStart& GetTransferStart() const { return m_transferStart; }
+    [[nodiscard]] const TransferStart& GetTransferStart() const { return m_transfer.start; }
     /// Of DownloadFault::Name.
-    [[nodiscard]] NameFault GetNameFault() const { return m_nameFault; }
+    [[nodiscard]] NameFault GetNameFault() const { return m_transfer.name; }
     /// What the system said to DownloadFault::Folder or Write.
-    [[nodiscard]] std::error_code GetFileError() const { return m_fileError; }
+    [[nodiscard]] std::error_code GetFileError() const { return m_transfer.error; }
     /// How files are written from now on. @p operations must outlive the face or the next call.
     void SetFileOperations(FileOperations& operations) { m_operations = &operations; }
 
@@ -337,9 +335,8 @@ private:
         return 1;
     }
     int CollectFrames(ChannelTurn& turn, SatelliteList& list, SatelliteListForm form);
-    int List(MessageTarget* window, unsigned message, std::uint8_t request,
-             const std::function<int(FileListing&)>& list);
-    std::int64_t FailDownload(DownloadFault fault, std::error_code error = {});
+    template <typename Work>
+    int List(std::uint8_t request, ListingTarget target, Work list);
 
     const std::shared_ptr<Channel> m_channel;
     Host* m_host;                          // null: the default one
@@ -349,10 +346,7 @@ private:
 
     FileOperations* m_operations = nullptr; // null: the system's own
     bool m_hasMoreFiles = false;
-    DownloadFault m_downloadFault = DownloadFault::None;
-    TransferStart m_transferStart;
-    NameFault m_nameFault = NameFault::None;
-    std::error_code m_fileError;
+    Transfer m_transfer; // of the last download
 
     std::unique_ptr<Questions> m_questions; // null until they are asked for
 };

@@ -144,7 +144,11 @@ double CConnect::stGetRecvVer(std::uint32_t typeNumber) const
 
 std::wstring CConnect::stCreateWarMes(std::uint32_t typeNumber) const
 {
-    return UnsupportedReceiverWarning(typeNumber);
+    const ReceiverType* type = FindReceiverType(typeNumber);
+    if (type != nullptr && type->model != nullptr) {
+        return FormatText(text::kUnsupportedModel, type->model);
+    }
+    return FormatText(text::kUnsupportedType, static_cast<long>(typeNumber));
 }
 
 } // namespace fieldcore

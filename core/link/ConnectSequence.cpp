@@ -18,19 +18,9 @@ constexpr int kTotalSteps = 3 + 2 * kPolls;
 
 const wchar_t* StepText(ConnectStep step)
 {
-    switch (step) {
-    case ConnectStep::OpenPort:
-        return Text(text::kStepOpenPort);
-    case ConnectStep::WakeReceiver:
-        return Text(text::kStepWakeReceiver);
-    case ConnectStep::AskStatus:
-        return Text(text::kStepStatus);
-    case ConnectStep::ReadOptions:
-        return Text(text::kStepOptions);
-    case ConnectStep::ReadSerial:
-        return Text(text::kStepSerial);
-    }
-    return L"";
+    constexpr int kTexts[] = {text::kStepOpenPort, text::kStepWakeReceiver, text::kStepStatus,
+                              text::kStepOptions, text::kStepSerial};
+    return Text(kTexts[static_cast<std::size_t>(step)]);
 }
 
 int OpenTarget(CCommand& command, const ConnectTarget& target)

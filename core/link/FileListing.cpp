@@ -15,16 +15,7 @@ constexpr std::uint8_t kListLark = 0x9C;
 constexpr int kMostPicaPages = 57;                  // 9 records each reach the table's end
 constexpr int kMostLarkPages = 128;                 // they are numbered by seven bits
 constexpr int kMostLarkFrames = 2 * kMostLarkPages; // with pages that come twice
-
-enum : std::intptr_t
-{
-    RecordListed = 0,
-};
-
-bool FitsName(std::wstring_view name)
-{
-    return !name.empty() && ToCp932(name).size() <= kLongestFileName;
-}
+constexpr std::intptr_t kRecordListed = 0;
 
 bool IsListed(const DirectoryListingData& file, int mode)
 {
@@ -32,103 +23,62 @@ bool IsListed(const DirectoryListingData& file, int mode)
     return (file.attributes & DirectoryListingData::NotListed) == 0 && deleted == (mode == 0);
 }
 
-} // namespace
-
 /// Puts a record into the table and tells the window, unless it lies beyond the table's end.
-void FileListing::Store(const ListingTarget& target, std::size_t index,
-                        const DirectoryListingData& file)
+void Store(ListingTarget& target, std::size_t index, const DirectoryListingData& file)
 {
     if (index >= target.table.size()) {
-        m_hasMore = true;
+        target.hasMore = true;
         return;
     }
     target.table[index] = file;
     if (target.window != nullptr) {
-        target.window->Post(target.message, RecordListed, static_cast<std::intptr_t>(index));
+        target.window->Post(target.message, kRecordListed, static_cast<std::intptr_t>(index));
     }
 }
 
-int FileListing::Pica(int mode, std::uint8_t variant, const ListingTarget& target)
+/// What came is not what was due.
+int Refuse(ChannelTurn& turn, CommandFault fault = CommandFault::WrongType)
 {
-    for (int number = 0; number < kMostPicaPages; ++number) {
-        m_frame.BeginPacket(kListPica, 3);
-        m_frame.PutByte(static_cast<std::uint8_t>(number));
-        m_frame.PutByte(static_cast<std::uint8_t>(mode == 0 ? 0 : 1));
-        m_frame.PutByte(variant);
-        m_frame.EndPacket();
-        if (m_turn.Ask(m_frame.BuiltFrame(), Answer::Reply) == 0) {
-            if (m_turn.Fault() == CommandFault::Cancelled) {
-                m_turn.Abort();
-            }
-            return 0;
-        }
-        const auto page = ParsePicaFilePage(m_frame.Reader());
-        if (!page || page->number != number) {
-            return FailOnType();
-        }
-        for (std::size_t k = 0; k < page->count; ++k) {
-            if (IsListed(page->files[k], mode)) {
-                Store(target, kPicaPageFiles * static_cast<std::size_t>(number) + k,
-                      page->files[k]);
-            }
-        }
-        if (page->last) {
-            return 1;
-        }
-    }
-    m_hasMore = true; // as far as is known
-    return 1;
+    turn.NoteOdd();
+    return int{turn.Fail(fault)};
 }
 
-int FileListing::Lark(std::wstring_view pattern, const ListingTarget& target)
+bool AskLark(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view pattern)
 {
-    if (!FitsName(pattern)) {
-        m_turn.Fail(CommandFault::TooLong);
-        return 0;
-    }
-    const int result = AskLark(pattern) ? CollectPages(target) : 0;
-    if (result == 0 && m_turn.Fault() != CommandFault::Refused) {
-        m_turn.Abort();
-    }
-    return result;
-}
-
-bool FileListing::AskLark(std::wstring_view pattern)
-{
-    m_frame.BeginPacket(kListLark, kLongestFileName);
-    m_frame.PutText(pattern, kLongestFileName);
-    m_frame.EndPacket();
-    m_turn.TakeFramesInTurn();
-    return m_turn.Ask(m_frame.BuiltFrame(), Answer::Reply) == 1;
+    frame.BeginPacket(kListLark, kLongestFileName);
+    frame.PutText(pattern, kLongestFileName);
+    frame.EndPacket();
+    turn.TakeFramesInTurn();
+    return turn.Ask(frame.BuiltFrame(), Answer::Reply) == 1;
 }
 
 /// Takes the pages in whatever order they come; the first frame is there. One that arrives damaged
 /// is as good as one that does not come: the others are taken all the same.
-int FileListing::CollectPages(const ListingTarget& target)
+int CollectPages(ChannelTurn& turn, const FrameBuffer& frame, ListingTarget& target)
 {
     std::bitset<kMostLarkPages> seen;
     bool hasEnd = false;
     CommandFault damage = CommandFault::None;
-    for (int frame = 0; frame < kMostLarkFrames; ++frame) {
-        if (frame > 0) {
-            const ExchangeState state = m_turn.Next().state;
+    for (int i = 0; i < kMostLarkFrames; ++i) {
+        if (i > 0) {
+            const ExchangeState state = turn.Next().state;
             if (state == ExchangeState::TimedOut) {
-                return damage != CommandFault::None && m_turn.Fault() == CommandFault::TimedOut
-                           ? Refuse(damage)
+                return damage != CommandFault::None && turn.Fault() == CommandFault::TimedOut
+                           ? Refuse(turn, damage)
                            : 0;
             }
-            if (state != ExchangeState::Frame || !m_frame.Reader().IsIntact()) {
+            if (state != ExchangeState::Frame || !frame.Reader().IsIntact()) {
                 damage = state == ExchangeState::Frame ? CommandFault::BadChecksum
                                                        : CommandFault::Malformed;
-                if (!m_turn.Breathe()) {
+                if (!turn.Breathe()) {
                     return 0;
                 }
                 continue;
             }
         }
-        const auto page = ParseLarkFilePage(m_frame.Reader());
+        const auto page = ParseLarkFilePage(frame.Reader());
         if (!page) {
-            return FailOnType();
+            return Refuse(turn);
         }
         const auto number = static_cast<std::size_t>(page->number);
         for (std::size_t k = 0; k < page->count && !seen[number]; ++k) {
@@ -140,49 +90,84 @@ int FileListing::CollectPages(const ListingTarget& target)
         hasEnd = hasEnd || page->last;
         if (hasEnd && (seen >> seen.count()).none()) {
             if (damage != CommandFault::None) {
-                m_turn.NoteOdd(); // what was damaged may come again
-                m_turn.Succeed();
+                turn.NoteOdd(); // what was damaged may come again
+                turn.Succeed();
             }
             return 1;
         }
         // Between the waits: a receiver that sends without a pause would leave no other moment.
-        if (!m_turn.Breathe()) {
+        if (!turn.Breathe()) {
             return 0;
         }
     }
-    return FailOnType(); // there is no end of them
+    return Refuse(turn); // there is no end of them
 }
 
-int FileListing::Exists(std::wstring_view name)
+} // namespace
+
+int ListPicaFiles(ChannelTurn& turn, FrameBuffer& frame, int mode, std::uint8_t variant,
+                  ListingTarget& target)
 {
-    const int result = AskWhether(name);
-    if (m_isSending) {
-        m_turn.Abort();
+    for (int number = 0; number < kMostPicaPages; ++number) {
+        frame.BeginPacket(kListPica, 3);
+        frame.PutByte(static_cast<std::uint8_t>(number));
+        frame.PutByte(static_cast<std::uint8_t>(mode == 0 ? 0 : 1));
+        frame.PutByte(variant);
+        frame.EndPacket();
+        if (turn.Ask(frame.BuiltFrame(), Answer::Reply) == 0) {
+            if (turn.Fault() == CommandFault::Cancelled) {
+                turn.Abort();
+            }
+            return 0;
+        }
+        const auto page = ParsePicaFilePage(frame.Reader());
+        if (!page || page->number != number) {
+            return Refuse(turn);
+        }
+        for (std::size_t k = 0; k < page->count; ++k) {
+            if (IsListed(page->files[k], mode)) {
+                Store(target, kPicaPageFiles * static_cast<std::size_t>(number) + k,
+                      page->files[k]);
+            }
+        }
+        if (page->last) {
+            return 1;
+        }
+    }
+    target.hasMore = true; // as far as is known
+    return 1;
+}
+
+int ListLarkFiles(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view pattern,
+                  ListingTarget& target)
+{
+    if (pattern.empty() || ToCp932(pattern).size() > kLongestFileName) {
+        return int{turn.Fail(CommandFault::TooLong)};
+    }
+    const int result = AskLark(turn, frame, pattern) ? CollectPages(turn, frame, target) : 0;
+    if (result == 0 && turn.Fault() != CommandFault::Refused) {
+        turn.Abort();
     }
     return result;
 }
 
-int FileListing::AskWhether(std::wstring_view name)
+int HasLarkFile(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view name)
 {
-    if (!AskLark(name)) {
-        m_isSending = m_turn.Fault() == CommandFault::Cancelled;
+    if (!AskLark(turn, frame, name)) {
+        if (turn.Fault() == CommandFault::Cancelled) {
+            turn.Abort();
+        }
         return 0;
     }
-    const auto page = ParseLarkFilePage(m_frame.Reader());
-    if (!page || page->number != 0) {
-        m_isSending = true; // whatever it is, the rest of it is nobody's answer
-        return FailOnType();
+    const auto page = ParseLarkFilePage(frame.Reader());
+    const bool isFirst = page && page->number == 0;
+    if (!isFirst) {
+        Refuse(turn);
     }
-    m_isSending = !page->last;
-    return page->count > 0 && page->files[0].Name() == name ? 1 : 0;
-}
-
-/// What came is not what was due.
-int FileListing::Refuse(CommandFault fault)
-{
-    m_turn.NoteOdd();
-    m_turn.Fail(fault);
-    return 0;
+    if (!isFirst || !page->last) {
+        turn.Abort(); // whatever it is, the rest of it is nobody's answer
+    }
+    return isFirst && page->count > 0 && page->files[0].Name() == name ? 1 : 0;
 }
 
 } // namespace fieldcore

@@ -14,7 +14,6 @@ namespace {
 constexpr std::uint8_t kLastPage = 0x80;
 constexpr std::uint8_t kMoreFollows = 128;
 constexpr std::size_t kMostBlockBytes = 1000;
-constexpr std::uint8_t kEtx = 0x03;
 constexpr std::int64_t kShiftS = 9 * 3600;
 
 /// @return seconds since 1980-01-06 00:00, 0 if these are no date and time
@@ -105,7 +104,7 @@ std::optional<FileBlock> ParseFileBlock(FrameReader frame)
     }
     FileBlock block;
     in.Read(block.offset, block.flags, block.bytes);
-    frame.Skip(1 + frame.DataLength() + 1); // the second length byte, the data, the checksum
+    frame.Skip(frame.DataStart() - kFrameDataStart + frame.DataLength() + 1); // and the checksum
     // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum fits.
     const bool isWhole = frame.Byte() == kEtx && block.bytes.size() <= kMostBlockBytes;
     return isWhole ? std::optional(block) : std::nullopt;

@@ -6,11 +6,9 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kStx = 0x02;
-constexpr std::uint8_t kAck = 0x06;
-constexpr std::uint8_t kNak = 0x15;
 constexpr std::uint8_t kUnsolicitedType = 0x40;
 constexpr std::size_t kHeaderLength = 5; // enough to know the length of either kind of frame
+constexpr std::size_t kTailLength = 2;   // checksum and ETX
 constexpr std::size_t kLongestLinePiece = 255;
 constexpr std::size_t kShortestLine = 2; // an LF before this index is part of the line
 
@@ -22,10 +20,12 @@ std::optional<Delivery> FrameAssembler::AssembleFrame(ByteQueue& queue, std::siz
     while (available > 0) {
         if (m_count == 0 && available == 1) {
             Append(queue, 1);
-            if (m_buffer[0] == kStx) {
+            const std::uint8_t byte = m_buffer[0];
+            if (byte == kStx) {
                 return std::nullopt;
             }
-            return DeliverLoneByte();
+            return byte == kAck || byte == kNak ? Deliver(static_cast<ExchangeState>(byte), 1)
+                                                : Deliver(ExchangeState::Malformed, 0);
         }
         if (m_count < kHeaderLength) {
             const std::size_t header = std::min(kHeaderLength - m_count, available);
@@ -35,7 +35,8 @@ std::optional<Delivery> FrameAssembler::AssembleFrame(ByteQueue& queue, std::siz
                 return std::nullopt;
             }
         }
-        const std::size_t expected = AnnouncedLength();
+        const FrameReader frame(m_buffer);
+        const std::size_t expected = frame.DataStart() + frame.DataLength() + kTailLength;
         if (expected > m_buffer.size()) {
             return Deliver(ExchangeState::Malformed, 0);
         }
@@ -85,14 +86,6 @@ void FrameAssembler::Append(ByteQueue& queue, std::size_t count)
     m_count += queue.Take(std::span(m_buffer).subspan(m_count, count));
 }
 
-std::size_t FrameAssembler::AnnouncedLength() const
-{
-    if (m_buffer[2] == kLongFrameType) {
-        return (static_cast<std::size_t>(m_buffer[3]) << 8 | m_buffer[4]) + 7;
-    }
-    return m_buffer[3] + std::size_t{6};
-}
-
 void FrameAssembler::PutAside()
 {
     std::copy_n(m_buffer.begin(), m_count, m_unsolicited.begin());
@@ -106,18 +99,6 @@ Delivery FrameAssembler::Deliver(ExchangeState state, std::size_t length)
     m_delivered = m_count;
     Reset();
     return {state, length};
-}
-
-Delivery FrameAssembler::DeliverLoneByte()
-{
-    switch (m_buffer[0]) {
-    case kAck:
-        return Deliver(ExchangeState::Ack, 1);
-    case kNak:
-        return Deliver(ExchangeState::Nak, 1);
-    default:
-        return Deliver(ExchangeState::Malformed, 0);
-    }
 }
 
 } // namespace fieldcore

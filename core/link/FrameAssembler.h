@@ -56,9 +56,9 @@ private:
 enum class ExchangeState : int
 {
     Nothing = 0,
-    Frame = 1, ///< a complete frame, or a complete line of text
-    Ack = 6,   ///< a lone 0x06
-    Nak = 21,  ///< a lone 0x15
+    Frame = 1,  ///< a complete frame, or a complete line of text
+    Ack = kAck, ///< the lone byte, as the next
+    Nak = kNak,
     Malformed = -201,
     TimedOut = -202,
 };
@@ -116,10 +116,8 @@ public:
 
 private:
     void Append(ByteQueue& queue, std::size_t count);
-    [[nodiscard]] std::size_t AnnouncedLength() const;
     void PutAside();
     Delivery Deliver(ExchangeState state, std::size_t length);
-    Delivery DeliverLoneByte();
 
     std::array<std::uint8_t, kFrameBufferSize> m_buffer{};
     std::size_t m_count = 0;     // bytes of the frame so far

@@ -1,5 +1,7 @@
 #include "core/link/FrameBuffer.h"
 
+#include "core/platform/Cp932.h"
+
 #include <algorithm>
 
 namespace fieldcore {
@@ -16,22 +18,44 @@ void FrameBuffer::BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool 
         PacketBuffer.fill(0);
         m_cursor = kFrameDataStart;
     }
-    FrameWriter(PacketBuffer).Header(type, dataLength);
-    m_dataLength = dataLength;
+    PacketBuffer[0] = kStx;
+    PacketBuffer[1] = 0x00;
+    PacketBuffer[2] = type;
+    SetPacketLength(dataLength);
+}
+
+int FrameBuffer::PutByte(std::uint8_t value)
+{
+    if (m_cursor > kLastIndex) {
+        return 0;
+    }
+    PacketBuffer[m_cursor++] = value;
+    return 1;
 }
 
 void FrameBuffer::PutText(std::wstring_view text, std::size_t width, bool useTextLength)
 {
-    AtCursor<FrameWriter>([&](FrameWriter& out) {
-        useTextLength ? out.Text(text) : out.Text(text, width);
-        return 1;
-    });
+    const std::string bytes = useTextLength ? ToCp932(text) : ToCp932Field(text, width);
+    const std::size_t room = PacketBuffer.size() - m_cursor;
+    if (bytes.size() <= room) {
+        std::copy(bytes.begin(), bytes.end(), PacketBuffer.begin() + m_cursor);
+    }
+    m_cursor += static_cast<std::uint32_t>(std::min(bytes.size(), room));
 }
 
 void FrameBuffer::SetPacketLength(std::uint32_t dataLength)
 {
     PacketBuffer[3] = static_cast<std::uint8_t>(dataLength);
     m_dataLength = dataLength;
+}
+
+void FrameBuffer::EndPacket()
+{
+    const std::size_t end = kFrameDataStart + std::size_t{m_dataLength};
+    if (end + 1 < PacketBuffer.size()) {
+        PacketBuffer[end] = FrameChecksum(PacketBuffer, end);
+        PacketBuffer[end + 1] = kEtx;
+    }
 }
 
 void FrameBuffer::SkipBytes(std::size_t count)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/link/FrameReader.h"
-#include "core/link/FrameWriter.h"
 
 #include <algorithm>
 #include <array>
@@ -36,10 +35,7 @@ public:
     /// @param clear  zero the buffer first and put the cursor behind the header
     void BeginPacket(std::uint8_t type, std::uint32_t dataLength, bool clear = true);
     /// @return 0 if the byte was dropped
-    int PutByte(std::uint8_t value)
-    {
-        return AtCursor<FrameWriter>([=](FrameWriter& out) { return out.Byte(value) ? 1 : 0; });
-    }
+    int PutByte(std::uint8_t value);
     void PutWord(std::uint16_t value)
     {
         PutByte(static_cast<std::uint8_t>(value >> 8));
@@ -56,7 +52,7 @@ public:
     /// Puts right a data length that is known only after the data are written: cursor minus 4.
     void SetPacketLength(std::uint32_t dataLength);
     /// Writes checksum and ETX behind the data; the cursor is not used.
-    void EndPacket() { FrameWriter(PacketBuffer).End(m_dataLength); }
+    void EndPacket();
 
     // Reading a frame. Each reads at the cursor and advances it.
 
@@ -69,24 +65,22 @@ public:
     void SkipBytes(std::size_t count);
     std::uint8_t GetByte(ByteForm form = ByteForm::Number)
     {
-        return AtCursor<FrameReader>([=](FrameReader& in) { return in.Byte(form); });
+        return AtCursor([=](FrameReader& in) { return in.Byte(form); });
     }
-    std::uint16_t GetWord() { return AtCursor<FrameReader>(&FrameReader::Word); }
-    std::uint32_t GetTriple() { return AtCursor<FrameReader>(&FrameReader::Triple); }
-    std::uint32_t GetLong() { return AtCursor<FrameReader>(&FrameReader::Long); }
+    std::uint16_t GetWord() { return AtCursor(&FrameReader::Word); }
+    std::uint32_t GetTriple() { return AtCursor(&FrameReader::Triple); }
+    std::uint32_t GetLong() { return AtCursor(&FrameReader::Long); }
     /// An IEEE 754 double; NaN if it does not lie inside the buffer.
-    double GetDouble() { return AtCursor<FrameReader>(&FrameReader::Double); }
-    /// An IEEE 754 single; NaN if it does not lie inside the buffer.
-    float GetFloat() { return AtCursor<FrameReader>(&FrameReader::Float); }
+    double GetDouble() { return AtCursor(&FrameReader::Double); }
     /// @p count raw characters, as they are; empty if they do not lie inside the buffer.
     std::string GetChars(std::size_t count)
     {
-        return AtCursor<FrameReader>([=](FrameReader& in) { return in.Chars(count); });
+        return AtCursor([=](FrameReader& in) { return in.Chars(count); });
     }
     /// @p count bytes of CP932 as text, at most 255 bytes of them; a zero byte ends the text.
     std::wstring GetText(std::size_t count)
     {
-        return AtCursor<FrameReader>([=](FrameReader& in) { return in.Text(count); });
+        return AtCursor([=](FrameReader& in) { return in.Text(count); });
     }
 
     /// Puts a received frame in place and takes its data length from its header. Anything that
@@ -110,13 +104,13 @@ protected:
     std::array<std::uint8_t, kFrameBufferSize> PacketBuffer{};
 
 private:
-    /// Reads, or writes, at the cursor and moves it on.
-    template <typename View, typename Work>
-    std::invoke_result_t<Work, View&> AtCursor(Work work)
+    /// Reads at the cursor and moves it on.
+    template <typename Read>
+    std::invoke_result_t<Read, FrameReader&> AtCursor(Read read)
     {
-        View view(PacketBuffer, m_cursor);
-        auto result = std::invoke(work, view);
-        m_cursor = static_cast<std::uint32_t>(view.Cursor());
+        FrameReader in(PacketBuffer, m_cursor);
+        auto result = std::invoke(read, in);
+        m_cursor = static_cast<std::uint32_t>(in.Cursor());
         return result;
     }
 

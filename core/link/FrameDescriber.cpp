@@ -3,6 +3,7 @@
 #include "core/link/FrameLayouts.h"
 #include "core/link/SatelliteRecords.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/TextLines.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
@@ -19,22 +20,11 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::uint8_t kStx = 0x02;
-constexpr std::uint8_t kEtx = 0x03;
-constexpr std::uint8_t kAck = 0x06;
-constexpr std::uint8_t kNak = 0x15;
 constexpr std::size_t kTailLength = 2; // checksum and ETX
 
 std::string_view AsText(Bytes bytes)
 {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-std::string Trimmed(std::string_view text)
-{
-    const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
-    const std::size_t last = text.find_last_not_of(' ');
-    return std::string(text.substr(first, last == std::string_view::npos ? 0 : last + 1 - first));
 }
 
 std::string Hex(Bytes bytes)
@@ -49,12 +39,12 @@ std::string Hex(Bytes bytes)
     if (bytes.size() > kMost) {
         return text + "... (" + std::to_string(bytes.size()) + " bytes)";
     }
-    return Trimmed(text);
+    return std::string(Trimmed(text));
 }
 
 void ReadDigits(Bytes bytes, const FieldLayout& layout, DescribedField& field)
 {
-    const std::string text = Trimmed(AsText(bytes));
+    const std::string_view text = Trimmed(AsText(bytes));
     double number = 0.0;
     const char* const end = text.data() + text.size();
     const auto [stop, failure] =
@@ -127,7 +117,8 @@ DescribedField ReadField(Bytes bytes, std::size_t offset, const FieldLayout& lay
         ReadDigits(bytes, layout, field);
         break;
     case FieldKind::Text:
-        field.value = Value::Text(Trimmed(ToUtf8(FromCp932(AsText(bytes)))), "(blank)");
+        field.value =
+            Value::Text(std::string(Trimmed(ToUtf8(FromCp932(AsText(bytes))))), "(blank)");
         break;
     case FieldKind::Mask:
         field.value = Value::Text(Hex(bytes));
@@ -255,7 +246,7 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     if (bytes.size() > 2) {
         frame.type = bytes[2];
     }
-    const std::size_t start = kFrameDataStart + (frame.type == kLongFrameType ? 1 : 0);
+    const std::size_t start = FrameReader(bytes).DataStart();
     if (bytes.size() < start) {
         frame.fault = "only " + std::to_string(bytes.size()) + " bytes of it are there";
         return frame;

@@ -10,7 +10,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::uint8_t kStx = 0x02;
 constexpr std::size_t kLongestText = 255;
 
 } // namespace
@@ -35,8 +34,7 @@ std::uint32_t FrameReader::DataLength() const
 
 bool FrameReader::IsIntact(std::uint32_t dataLength) const
 {
-    const std::size_t lengthBytes = Type() == kLongFrameType ? 2 : 1;
-    const std::size_t end = 3 + lengthBytes + std::size_t{dataLength};
+    const std::size_t end = DataStart() + dataLength;
     return end < m_bytes.size() && m_bytes[0] == kStx &&
            FrameChecksum(m_bytes, end) == m_bytes[end];
 }

@@ -10,6 +10,12 @@ namespace fieldcore {
 /// Size of every buffer that holds a frame, bytes.
 inline constexpr std::size_t kFrameBufferSize = 1024;
 
+// What a frame begins and ends with, and the answers of a lone byte.
+inline constexpr std::uint8_t kStx = 0x02;
+inline constexpr std::uint8_t kEtx = 0x03;
+inline constexpr std::uint8_t kAck = 0x06;
+inline constexpr std::uint8_t kNak = 0x15;
+
 /// The type of the only frames that carry a 16-bit data length.
 inline constexpr std::uint8_t kLongFrameType = 0x95;
 
@@ -43,6 +49,11 @@ public:
 
     /// The frame's type; 0 if there is none.
     [[nodiscard]] std::uint8_t Type() const { return m_bytes.size() > 2 ? m_bytes[2] : 0; }
+    /// Where its data begin.
+    [[nodiscard]] std::size_t DataStart() const
+    {
+        return kFrameDataStart + (Type() == kLongFrameType ? 1 : 0);
+    }
     /// The data length of the header; 0 if there is none.
     [[nodiscard]] std::uint32_t DataLength() const;
     /// Whether STX stands first and the checksum is right. ETX is not looked at.

@@ -24,7 +24,7 @@ NumberText TextOf(std::span<const std::uint8_t> field)
 
 std::span<const std::uint8_t> DataOf(FrameReader frame)
 {
-    frame.Skip(frame.Type() == kLongFrameType ? 1 : 0); // the second length byte
+    frame.Skip(frame.DataStart() - kFrameDataStart);
     return frame.Bytes(frame.DataLength());
 }
 

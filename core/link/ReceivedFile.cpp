@@ -69,8 +69,8 @@ const AnewMeaning& MeaningOf(AnewReason reason)
 
 ReceivedFile::ReceivedFile(const fs::path& folder, std::wstring_view name,
                            std::uint32_t expectedSize, std::optional<std::uint32_t> time,
-                           FileOperations& operations)
-    : m_operations(operations), m_target(folder / FileName(name)),
+                           FileOperations& operations, Transfer& transfer)
+    : m_operations(operations), m_transfer(transfer), m_target(folder / FileName(name)),
       m_infoFile(folder / FileName(name, ".part.info")), m_expected(expectedSize), m_time(time),
       m_file(m_target, FileName(name, ".part"), operations, AtomicFile::Unfinished::Keep)
 {}
@@ -105,7 +105,7 @@ bool ReceivedFile::Open()
             return Fail(DownloadFault::Folder, error);
         }
         if (error != std::errc::no_such_file_or_directory) {
-            m_start.reason = error ? AnewReason::NotOurs : ReadLeft();
+            m_transfer.start.reason = error ? AnewReason::NotOurs : ReadLeft();
         }
     }
     return m_held > 0 || OpenNew();
@@ -215,7 +215,7 @@ bool ReceivedFile::ReadPiece(std::uint32_t size, std::uint64_t& sum, std::string
 
 void ReceivedFile::BeginAnew(AnewReason reason)
 {
-    m_start = {0, reason};
+    m_transfer.start = {0, reason};
     m_taken = 0;
     m_held = 0;
     m_opensNew = true;
@@ -237,7 +237,7 @@ bool ReceivedFile::Compare(const FileBlock& block, std::size_t count)
     }
     m_taken += static_cast<std::uint32_t>(count);
     if (!IsComparing()) {
-        m_start = {m_held, AnewReason::None};
+        m_transfer.start = {m_held, AnewReason::None};
     }
     return true;
 }
@@ -314,8 +314,8 @@ bool ReceivedFile::Finish()
 
 bool ReceivedFile::Fail(DownloadFault fault, std::error_code error)
 {
-    m_fault = fault;
-    m_error = error;
+    m_transfer.fault = fault;
+    m_transfer.error = error;
     return false;
 }
 

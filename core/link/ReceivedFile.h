@@ -1,11 +1,13 @@
 #pragma once
 
 #include "core/link/FileReplies.h"
+#include "core/link/ReceivedName.h"
 #include "core/platform/AtomicFile.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,6 +48,20 @@ struct TransferStart
     AnewReason reason = AnewReason::None;
 };
 
+/// What is known of how a transfer went.
+struct Transfer
+{
+    TransferStart start; ///< when a block was taken and none is compared any more
+    DownloadFault fault = DownloadFault::None;
+    NameFault name = NameFault::None; ///< of DownloadFault::Name
+    std::error_code error;            ///< of Folder and Write: what the system said
+};
+
+/// Called with the bytes that are there of a file: those that have arrived, and those that it went
+/// on behind.
+/// @return false to cancel
+using BytesArrived = std::function<bool(std::uint32_t bytes)>;
+
 /// What is said of a reason, each thing once.
 struct AnewMeaning
 {
@@ -72,16 +88,17 @@ public:
         More,  ///< taken; others follow
         Whole, ///< it was the last one: Finish()
         Again, ///< not the one that is due, which is at Offset(): that has to be asked for
-        Ended, ///< nothing more will come of this file, see Fault()
+        Ended, ///< nothing more will come of this file, see the fault of the transfer
     };
 
     /// @param expectedSize  bytes
     /// @param time          as the receiver lists it; nothing: it is not known, and the transfer
     ///                      neither goes on nor can be gone on with
-    /// @param operations    must outlive the object
+    /// @param operations    must outlive the object, as must the next
+    /// @param transfer      told how it goes
     ReceivedFile(const std::filesystem::path& folder, std::wstring_view name,
                  std::uint32_t expectedSize, std::optional<std::uint32_t> time,
-                 FileOperations& operations);
+                 FileOperations& operations, Transfer& transfer);
     /// What came of a file that is not whole stays as NAME.part.
     ~ReceivedFile();
     ReceivedFile(const ReceivedFile&) = delete;
@@ -101,10 +118,6 @@ public:
     [[nodiscard]] std::uint32_t Offset() const { return m_taken; }
     /// Whether the next block is still compared with what is there.
     [[nodiscard]] bool IsComparing() const { return m_taken < m_held; }
-    /// Known when a block was taken and none is compared any more.
-    [[nodiscard]] const TransferStart& Start() const { return m_start; }
-    [[nodiscard]] DownloadFault Fault() const { return m_fault; }
-    [[nodiscard]] std::error_code Error() const { return m_error; }
 
 private:
     AnewReason ReadLeft();
@@ -119,6 +132,7 @@ private:
     Verdict End(DownloadFault fault, std::error_code error = {});
 
     FileOperations& m_operations;
+    Transfer& m_transfer;
     const std::filesystem::path m_target;
     const std::filesystem::path m_infoFile;
     const std::uint32_t m_expected;
@@ -133,9 +147,6 @@ private:
     std::uint32_t m_held = 0;    // bytes that an earlier transfer has left
     std::string m_tail;          // the last of them, as many as are compared
     bool m_opensNew = false;     // with the next block
-    TransferStart m_start;
-    DownloadFault m_fault = DownloadFault::None;
-    std::error_code m_error;
 };
 
 } // namespace fieldcore

@@ -77,25 +77,12 @@ void ReceiverLink::Tick(CCommand& asking)
     if (m_holds > 0 || asking.IsBusy() || m_isTicking.exchange(true)) {
         return;
     }
-    switch (m_heard.link) {
-    case LinkState::NotConnected:
-    case LinkState::Connecting:
-    case LinkState::Reconnecting:
-    case LinkState::Failed:
-    case LinkState::Refused:
-        break;
-    case LinkState::Connected:
-        if (asking.IsPortOpen() == 0) { // a dialog was done with the receiver: no loss
-            GiveUp(asking);
-        } else if (asking.GetClock().Steady() >= m_due) {
-            Poll(asking);
-        }
-        break;
-    case LinkState::Lost:
-        if (m_question == LinkQuestion::None) {
-            TryAgain(asking);
-        }
-        break;
+    if (m_heard.link == LinkState::Lost && m_question == LinkQuestion::None) {
+        TryAgain(asking);
+    } else if (m_heard.link == LinkState::Connected && asking.IsPortOpen() == 0) {
+        GiveUp(asking); // a dialog was done with the receiver: no loss
+    } else if (m_heard.link == LinkState::Connected && asking.GetClock().Steady() >= m_due) {
+        Poll(asking);
     }
     m_isTicking = false;
 }
@@ -129,13 +116,9 @@ void ReceiverLink::Poll(CCommand& asking)
 void ReceiverLink::Lose(CCommand& asking, Clock::Duration pause)
 {
     asking.ClosePort();
-    const bool isAway = !IsPortThere();
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_wasAway = isAway;
-        m_pause = pause;
-        m_due = asking.GetClock().Steady() + pause;
-    }
+    m_wasAway = !IsPortThere();
+    m_pause = pause;
+    m_due = asking.GetClock().Steady() + pause;
     Enter(LinkState::Lost, m_target.IsBluetooth() ? LinkQuestion::Reconnect : LinkQuestion::None);
 }
 
@@ -143,14 +126,11 @@ void ReceiverLink::TryAgain(CCommand& asking)
 {
     const bool isThere = IsPortThere();
     const Clock::Duration now = asking.GetClock().Steady();
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (isThere && m_wasAway) { // just plugged in: now is the time, and patience begins anew
-            m_pause = kFirstPause;
-            m_due = now;
-        }
-        m_wasAway = !isThere;
+    if (isThere && m_wasAway) { // just plugged in: now is the time, and patience begins anew
+        m_pause = kFirstPause;
+        m_due = now;
     }
+    m_wasAway = !isThere;
     if (!isThere || now < m_due) {
         return;
     }
@@ -163,8 +143,6 @@ void ReceiverLink::TryAgain(CCommand& asking)
             Enter(LinkState::Reconnecting, LinkQuestion::OtherReceiver);
         } else {
             KeepStatus({std::move(status), at});
-        }
-        if (m_question == LinkQuestion::None) {
             Resume();
         }
         return;
@@ -215,15 +193,9 @@ int ReceiverLink::AskUser(CConnect& connect)
     if (m_isTicking || m_holds > 0 || m_command.IsBusy()) {
         return 0;
     }
-    switch (m_question) {
-    case LinkQuestion::None:
-        break;
-    case LinkQuestion::Reconnect:
-        return Connect(connect, Target());
-    case LinkQuestion::OtherReceiver:
-        return MeetOther(connect);
-    }
-    return 0;
+    return m_question == LinkQuestion::Reconnect       ? Connect(connect, Target())
+           : m_question == LinkQuestion::OtherReceiver ? MeetOther(connect)
+                                                       : 0;
 }
 
 int ReceiverLink::MeetOther(CConnect& connect)
@@ -328,16 +300,6 @@ void ReceiverLink::Put(Receiver heard)
     heard.tilt = m_heard.tilt;
     heard.calibration = m_heard.calibration;
     m_heard = std::move(heard);
-}
-
-std::optional<Clock::Duration> ReceiverLink::UntilNextAttempt() const
-{
-    const std::scoped_lock lock(m_mutex);
-    if (m_heard.link != LinkState::Lost || m_question != LinkQuestion::None) {
-        return std::nullopt;
-    }
-    return m_wasAway ? Clock::Duration::zero()
-                     : std::max(m_due - m_command.GetClock().Steady(), Clock::Duration::zero());
 }
 
 } // namespace fieldcore

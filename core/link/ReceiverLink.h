@@ -110,9 +110,6 @@ public:
     /// Whoever asks in rounds puts it back, from the thread that ticks. The state of the link, the
     /// status, what is in view and the tilt stay as they are: others ask for them meanwhile.
     void Put(Receiver heard);
-    /// How long until the next attempt to get the link back; nothing unless lost, and while the
-    /// user is to be asked; zero if only the port is waited for.
-    [[nodiscard]] std::optional<Clock::Duration> UntilNextAttempt() const;
 
     /// Whether a dialog uses the channel: polls leave it alone.
     [[nodiscard]] bool IsHeld() const { return m_holds > 0; }
@@ -153,6 +150,9 @@ private:
     SupportedTypeFlags m_supported; // by whoever connected last
     ReceiverIdentity m_other;       // that is asked about
     int m_missed = 0;               // questions without a good answer, one after the other
+    Clock::Duration m_due{};        // of the next question or attempt
+    Clock::Duration m_pause{};
+    bool m_wasAway = false; // the port, when it was last looked for
     std::atomic<int> m_holds = 0;
     std::atomic<unsigned> m_connections = 0;
     std::atomic<unsigned> m_receivers = 0;
@@ -164,9 +164,6 @@ private:
     Receiver& m_heard;   // the line's
     ConnectTarget m_target;
     LinkQuestion m_question = LinkQuestion::None;
-    Clock::Duration m_due{}; // of the next question or attempt
-    Clock::Duration m_pause{};
-    bool m_wasAway = false; // the port, when it was last looked for
 };
 
 } // namespace fieldcore

@@ -1,7 +1,5 @@
 #include "core/link/ReceiverTypes.h"
 
-#include "core/resources/StringTable.h"
-
 #include <algorithm>
 #include <array>
 
@@ -62,10 +60,10 @@ constexpr std::array kTypeCodes{
 constexpr std::uint32_t kOtherCodes = 3010;
 constexpr std::uint16_t kModelWordOf3032 = 310;
 
-const auto* FindRow(std::uint32_t number)
+/// Where the flag of a row of the table stands.
+std::size_t FlagOf(const ReceiverType* type)
 {
-    return std::find_if(kTypes.begin(), kTypes.end(),
-                        [number](const ReceiverType& type) { return type.number == number; });
+    return static_cast<std::size_t>(type - kTypes.data());
 }
 
 } // namespace
@@ -77,7 +75,7 @@ std::span<const ReceiverType> AllReceiverTypes()
 
 const ReceiverType* FindReceiverType(std::uint32_t number)
 {
-    const auto* row = FindRow(number);
+    const auto* row = std::ranges::find(kTypes, number, &ReceiverType::number);
     return row != kTypes.end() ? row : nullptr;
 }
 
@@ -92,8 +90,7 @@ std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord)
     if (typeCode == 0 && modelWord == kModelWordOf3032) {
         return 3032;
     }
-    const auto* row = std::find_if(kTypeCodes.begin(), kTypeCodes.end(),
-                                   [typeCode](const TypeCode& t) { return t.code == typeCode; });
+    const auto* row = std::ranges::find(kTypeCodes, typeCode, &TypeCode::code);
     return row != kTypeCodes.end() ? row->number : kOtherCodes;
 }
 
@@ -103,29 +100,20 @@ std::wstring ReceiverModelName(std::uint32_t typeNumber)
     return type != nullptr && type->model != nullptr ? type->model : std::to_wstring(typeNumber);
 }
 
-std::wstring UnsupportedReceiverWarning(std::uint32_t typeNumber)
-{
-    const ReceiverType* type = FindReceiverType(typeNumber);
-    if (type != nullptr && type->model != nullptr) {
-        return FormatText(text::kUnsupportedModel, type->model);
-    }
-    return FormatText(text::kUnsupportedType, static_cast<long>(typeNumber));
-}
-
 SupportedTypeFlags::SupportedTypeFlags() : m_flags(kTypes.size()) {}
 
 void SupportedTypeFlags::Set(std::uint32_t typeNumber, int flag)
 {
-    const auto* row = FindRow(typeNumber);
-    if (row != kTypes.end() && row->canBeSupported) {
-        m_flags[static_cast<std::size_t>(row - kTypes.begin())] = flag;
+    const ReceiverType* type = FindReceiverType(typeNumber);
+    if (type != nullptr && type->canBeSupported) {
+        m_flags[FlagOf(type)] = flag;
     }
 }
 
 int SupportedTypeFlags::Get(std::uint32_t typeNumber) const
 {
-    const auto* row = FindRow(typeNumber);
-    return row != kTypes.end() ? m_flags[static_cast<std::size_t>(row - kTypes.begin())] : 0;
+    const ReceiverType* type = FindReceiverType(typeNumber);
+    return type != nullptr ? m_flags[FlagOf(type)] : 0;
 }
 
 void SupportedTypeFlags::SetAll()

@@ -42,9 +42,6 @@ struct ReceiverType
 /// The model's name; the number for a type that has none or is in no table.
 [[nodiscard]] std::wstring ReceiverModelName(std::uint32_t typeNumber);
 
-/// The warning that the software does not support a receiver, by model name where it has one.
-[[nodiscard]] std::wstring UnsupportedReceiverWarning(std::uint32_t typeNumber);
-
 /// Which receivers a host accepts. None at first.
 class SupportedTypeFlags
 {

@@ -17,10 +17,13 @@ constexpr std::string_view kWithoutQ02 = ",35@r"; // type codes
 
 /// Asks for one block: it is valid exactly when the request succeeded.
 template <typename Block, typename Request>
-int Fetch(std::optional<Block>& block, Request request)
+int Fetch(CCommand& command, std::optional<Block>& block, Request request)
 {
+    if (command.IsPortOpen() == 0) {
+        return 1;
+    }
     Block fresh;
-    const int result = request(fresh);
+    const int result = (command.*request)(fresh);
     block.reset();
     if (result == 1) {
         block = std::move(fresh);
@@ -60,32 +63,21 @@ int CRecvInfo::ReadMissing(CCommand& command)
 
 int CRecvInfo::GetRSERIAL(CCommand& command)
 {
-    if (command.IsPortOpen() == 0) {
-        return 1;
-    }
-    return Fetch(m_known.serial, [&](SerialReply& reply) { return command.RequestSerial(reply); });
+    return Fetch(command, m_known.serial, &CCommand::RequestSerial);
 }
 
 int CRecvInfo::GetRETOPT(CCommand& command)
 {
-    if (command.IsPortOpen() == 0) {
-        return 1;
-    }
-    return Fetch(m_known.options,
-                 [&](OptionsReply& reply) { return command.RequestOptions(reply); });
+    return Fetch(command, m_known.options, &CCommand::RequestOptions);
 }
 
 int CRecvInfo::GetRETOPTEX(CCommand& command)
 {
-    if (command.IsPortOpen() == 0) {
-        return 1;
-    }
-    if (Bit(&OptionsReply::flags2, 7) == 0) {
+    if (command.IsPortOpen() != 0 && Bit(&OptionsReply::flags2, 7) == 0) {
         m_known.extended.reset();
         return 1;
     }
-    return Fetch(m_known.extended,
-                 [&](ExtendedOptionsReply& reply) { return command.RequestOptionsEx(reply); });
+    return Fetch(command, m_known.extended, &CCommand::RequestOptionsEx);
 }
 
 // What it means.

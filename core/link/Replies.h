@@ -178,4 +178,21 @@ struct TiltCalibration
 };
 [[nodiscard]] std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame);
 
+/// What a receiver tells of itself after a BREAK, packet 0x6E: a text such as
+/// "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,".
+struct IdentificationRecord
+{
+    std::uint8_t port = 0; ///< from 1
+    std::uint32_t baudRate = 0;
+    std::uint8_t byteSize = 0;
+    std::uint8_t parity = 0;   ///< 0 none, 1 odd, 2 even
+    std::uint8_t stopBits = 0; ///< 0 one stop bit, 2 two stop bits
+    bool flowControl = false;
+    std::uint32_t typeNumber = 0;
+    double version = 0.0;
+};
+
+/// Empty fields do not count as fields. @return nothing for fewer than twelve, too
+[[nodiscard]] std::optional<IdentificationRecord> ParseIdentification(FrameReader frame);
+
 } // namespace fieldcore

@@ -5,7 +5,7 @@
 namespace fieldcore {
 
 /// The operating system's own files. It has no state; any thread.
-class PosixFileOperations final : public FileOperations
+class PosixFileOperations : public FileOperations
 {
 public:
     /// The one that is used where no other is given.

@@ -1,12 +1,12 @@
 // Every screen in both languages and with larger letters: nothing is cut, everything can be reached
 // and is named for who cannot see it, and what is written stands out from its ground.
 
-#include "app/Controller.h"
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/Session.h"
 #include "app/Worlds.h"
 #include "core/resources/StringTable.h"
+#include "tests/app/Started.h"
 #include "tests/core/equipment/KnownReceiver.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
@@ -48,9 +48,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -277,24 +275,18 @@ void ExpectFileDialogsFit(QWidget& page, const QString& folder)
     page.show();
     for (const bool save : {true, false}) {
         bool isSeen = false;
-        QTimer hand;
-        QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
-            auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (dialog == nullptr) {
-                return;
-            }
+        const testing::Hand<QDialog> hand([&](QDialog& dialog) {
             isSeen = true;
-            EXPECT_TRUE(page.geometry().size().expandedTo(dialog->size()) == page.size())
-                << dialog->width() << " x " << dialog->height();
-            EXPECT_LE(dialog->minimumSizeHint().width(), dialog->width());
-            EXPECT_LE(dialog->minimumSizeHint().height(), dialog->height());
-            KeepPicture(*dialog, QStringLiteral("file-%1-%2-%3")
-                                     .arg(save)
-                                     .arg(static_cast<int>(CurrentLanguage()))
-                                     .arg(QFontInfo(QApplication::font()).pixelSize()));
-            dialog->reject();
+            EXPECT_TRUE(page.geometry().size().expandedTo(dialog.size()) == page.size())
+                << dialog.width() << " x " << dialog.height();
+            EXPECT_LE(dialog.minimumSizeHint().width(), dialog.width());
+            EXPECT_LE(dialog.minimumSizeHint().height(), dialog.height());
+            KeepPicture(dialog, QStringLiteral("file-%1-%2-%3")
+                                    .arg(save)
+                                    .arg(static_cast<int>(CurrentLanguage()))
+                                    .arg(QFontInfo(QApplication::font()).pixelSize()));
+            dialog.reject();
         });
-        hand.start(20);
         EXPECT_TRUE(ChooseFile(&page, save, QStringLiteral("CSV"),
                                (folder + QStringLiteral("/plan.csv")).toStdString(),
                                QStringLiteral("CSV (*.csv)"))
@@ -303,14 +295,12 @@ void ExpectFileDialogsFit(QWidget& page, const QString& folder)
     }
 }
 
-class EveryScreen : public ::testing::TestWithParam<std::pair<Language, int>>
+class EveryScreen : public ::testing::TestWithParam<std::pair<Language, int>>,
+                    protected testing::OwnFolders
 {
 protected:
     EveryScreen()
     {
-        qputenv("FIELDCORE_HOME", m_folder.filePath(QStringLiteral("home")).toUtf8());
-        qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
-        qunsetenv("FIELDCORE_MACHINE_STORE");
         const auto [language, percent] = GetParam();
         SetLanguage(language);
         QFont font = m_before;
@@ -384,20 +374,14 @@ protected:
         window.hide();
     }
 
-    QTemporaryDir m_folder;
-
 private:
     const QFont m_before = QApplication::font();
 };
 
 TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
 {
-    AppOptions options;
-    options.port = QStringLiteral("sim:lark");
-    Controller controller(options);
-    controller.Begin();
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    testing::Started controller(QStringLiteral("sim:lark"), testing::kRealSpeed);
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     Session session(controller); // gives its head and its foot to every page
     HomeState stale = controller.State();
     stale.receiver = testing::KnownReceiver();

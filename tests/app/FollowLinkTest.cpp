@@ -1,15 +1,12 @@
 // The controller after the parameters of its own line have changed: where it finds the receiver,
 // what it tells the user, and what is stored in the end.
 
-#include "app/Controller.h"
 #include "core/equipment/PortEdit.h"
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
-
-#include <QTemporaryDir>
+#include "tests/app/Started.h"
 
 #include <fstream>
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -37,18 +34,12 @@ TEST(FollowLink, FindsTheReceiverOrTellsWhyNot)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        const QTemporaryDir home;
-        qputenv("FIELDCORE_HOME", home.path().toUtf8());
-        qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
-        const QString scenario = home.filePath(QStringLiteral("strict.txt"));
+        const testing::OwnFolders own;
+        const QString scenario = own.m_folder.filePath(QStringLiteral("strict.txt"));
         std::ofstream(scenario.toStdString()) << "check-rate yes\n";
-        AppOptions options;
-        options.port = QStringLiteral("sim:") + scenario;
-        options.speed = 2.0; // an answer has a second of a watch
-        Controller controller(options);
-        controller.Begin();
-        std::wstring fault;
-        ASSERT_TRUE(!row.isConnected || controller.ConnectQuietly(fault)) << fault.size();
+        // An answer has a second of a watch.
+        testing::Started controller(QStringLiteral("sim:") + scenario, 2.0);
+        ASSERT_TRUE(!row.isConnected || controller.IsConnectedQuietly());
         PortEdit edit(1, controller.Roots());
         ASSERT_EQ(edit.At(1).SetPrmString(L"115200"), 1);
         ASSERT_TRUE(!row.isKept || edit.KeepLink() == 1);

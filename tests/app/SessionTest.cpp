@@ -1,7 +1,6 @@
 // The controller as a user starts it: in folders of its own, on the simulated receiver.
 
 #include "app/Session.h"
-#include "app/Controller.h"
 #include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
@@ -15,8 +14,7 @@
 #include "core/planning/SampleSites.h"
 #include "core/platform/Utf8.h"
 #include "core/tilt/TrackingSettings.h"
-#include "simulator/Scenario.h"
-#include "simulator/Simulator.h"
+#include "tests/app/Started.h"
 #include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/Pictures.h"
 #include "tests/ui/controls/RandomHands.h"
@@ -42,7 +40,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -60,37 +57,17 @@ namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Hand;
+using testing::Started;
+
+constexpr int kCalmly = 100; // ms between what a hand does
 
 /// A finger on Esc: presses it on whatever window is in front, until it has gone. It leaves the
 /// strip over a wait alone, which Esc would cancel.
 class EscapeKey
 {
 public:
-    explicit EscapeKey(int everyMs = 100)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            QWidget* const page = QApplication::activeModalWidget();
-            if (page != nullptr && page->findChild<BusyStrip*>() == nullptr) {
-                if (page != m_page) {
-                    m_page = page;
-                    m_pages.append(QString::fromLatin1(page->metaObject()->className()));
-                    const auto buttons = page->findChildren<QToolButton*>();
-                    m_hasSwitches =
-                        m_hasSwitches &&
-                        (qobject_cast<MessageDlg*>(page) != nullptr ||
-                         std::any_of(buttons.begin(), buttons.end(), [](const QToolButton* b) {
-                             return b->isVisible() && b->text() == UiText(text::kBubbleTitle);
-                         }));
-                    const auto* const head = page->findChild<StatusStrip*>();
-                    const auto* const offer =
-                        head != nullptr ? head->findChild<QPushButton*>() : nullptr;
-                    m_offers.append(offer != nullptr && offer->isVisible());
-                }
-                QTest::keyClick(page, Qt::Key_Escape);
-            }
-        });
-        m_timer.start(everyMs);
-    }
+    EscapeKey() : m_hand([this](QWidget& page) { Press(page); }, kCalmly) {}
 
     /// Class of the first page that was in front.
     [[nodiscard]] QString First() const { return m_pages.value(0); }
@@ -102,31 +79,37 @@ public:
     [[nodiscard]] int Count() const { return static_cast<int>(m_pages.size()); }
 
 private:
-    QTimer m_timer;
+    void Press(QWidget& page)
+    {
+        if (page.findChild<BusyStrip*>() != nullptr) {
+            return;
+        }
+        if (&page != m_page) {
+            m_page = &page;
+            m_pages.append(QString::fromLatin1(page.metaObject()->className()));
+            const auto buttons = page.findChildren<QToolButton*>();
+            m_hasSwitches = m_hasSwitches &&
+                            (qobject_cast<MessageDlg*>(&page) != nullptr ||
+                             std::any_of(buttons.begin(), buttons.end(), [](const QToolButton* b) {
+                                 return b->isVisible() && b->text() == UiText(text::kBubbleTitle);
+                             }));
+            const auto* const head = page.findChild<StatusStrip*>();
+            const auto* const offer = head != nullptr ? head->findChild<QPushButton*>() : nullptr;
+            m_offers.append(offer != nullptr && offer->isVisible());
+        }
+        QTest::keyClick(&page, Qt::Key_Escape);
+    }
+
     QPointer<QWidget> m_page; // the last one
     bool m_hasSwitches = true;
     QStringList m_pages;
     QList<bool> m_offers;
+    const Hand<> m_hand;
 };
 
-class SessionTest : public ::testing::Test
+class SessionTest : public ::testing::Test, protected testing::OwnFolders
 {
 protected:
-    SessionTest()
-    {
-        qputenv("FIELDCORE_HOME", m_folder.filePath(QStringLiteral("home")).toUtf8());
-        qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
-        qunsetenv("FIELDCORE_MACHINE_STORE");
-    }
-
-    [[nodiscard]] static AppOptions Options(const QString& port)
-    {
-        AppOptions options;
-        options.port = port;
-        options.speed = 5.0;
-        return options;
-    }
-
     /// The main window; the test's own windows are no main windows.
     [[nodiscard]] static MainWindow* Window()
     {
@@ -137,21 +120,18 @@ protected:
         }
         return nullptr;
     }
-
-    QTemporaryDir m_folder;
 };
 
 TEST_F(SessionTest, GivesANewUserSitesAndAnAlmanac)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"));
     EXPECT_EQ(SiteNames(controller.ProgramFolder()).size(), SampleSites().size());
     const auto almanac = AlmanacPath(controller.ProgramFolder());
     EXPECT_EQ(CountAlmanacs(ReadAlmanacFile(almanac)), 31);
 
     // What is there stays.
     std::filesystem::resize_file(almanac, 400);
-    Controller(Options(QStringLiteral("sim:lark"))).Begin();
+    const Started again(QStringLiteral("sim:lark"));
     EXPECT_EQ(std::filesystem::file_size(almanac), 400U);
 }
 
@@ -159,7 +139,7 @@ TEST_F(SessionTest, TellsWhyItCannotConnect)
 {
     for (const QString& port : {QStringLiteral("sim:nonsense"), QStringLiteral("rubbish"),
                                 m_folder.filePath(QStringLiteral("no-device"))}) {
-        Controller controller(Options(port));
+        Controller controller(testing::OptionsFor(port));
         std::wstring fault;
         EXPECT_FALSE(controller.ConnectQuietly(fault)) << port.toStdString();
         EXPECT_FALSE(fault.empty()) << port.toStdString();
@@ -195,8 +175,7 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
                                 [](const QCheckBox* box) { return box->isEnabled(); });
          }},
     };
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"));
     Session session(controller);
     session.Window().show();
     for (const Row& row : rows) {
@@ -205,22 +184,20 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
         bool isAsked = false;
         bool hasAnswer = false;
         QDeadlineTimer patience(30s);
-        QTimer hand;
-        QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
-            QWidget* const page = QApplication::activeModalWidget();
-            const auto* const head = page != nullptr ? page->findChild<StatusStrip*>() : nullptr;
+        const auto act = [&](QWidget& page) {
+            const auto* const head = page.findChild<StatusStrip*>();
             if (head == nullptr) {
                 return;
             }
-            hasAnswer = row.hasAnswer(*page);
+            hasAnswer = row.hasAnswer(page);
             if (!std::exchange(isAsked, true)) {
                 EXPECT_FALSE(hasAnswer);
                 QTest::mouseClick(head->findChild<QPushButton*>(), Qt::LeftButton);
             } else if (hasAnswer || patience.hasExpired()) {
-                QTest::keyClick(page, Qt::Key_Escape);
+                QTest::keyClick(&page, Qt::Key_Escape);
             }
-        });
-        hand.start(50);
+        };
+        const Hand<> hand(act, kCalmly);
         Q_EMIT session.Window().Chosen(row.choice);
         EXPECT_TRUE(hasAnswer);
         EXPECT_EQ(controller.Link().State(), LinkState::Connected);
@@ -229,36 +206,28 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
 
 TEST_F(SessionTest, TellsOfAReceiverThatCannotBeSwitchedOff)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("lark", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::Simulator receiver(*scenario);
-    ASSERT_TRUE(receiver.Start(error)) << error;
-    Controller controller(Options(QString::fromStdString(receiver.PortPath())));
-    controller.Begin();
+    const auto receiver = testing::StartReceiver("lark");
+    Started controller(QString::fromStdString(receiver->PortPath()));
     Session session(controller);
     session.Window().show();
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     QString told;
-    QTimer hand;
-    QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
-        QWidget* const page = QApplication::activeModalWidget();
-        if (qobject_cast<MessageDlg*>(page) != nullptr) {
-            for (const QLabel* label : page->findChildren<QLabel*>()) {
+    const auto act = [&](QWidget& page) {
+        if (qobject_cast<MessageDlg*>(&page) != nullptr) {
+            for (const QLabel* label : page.findChildren<QLabel*>()) {
                 told += label->text();
             }
-            QTest::keyClick(page, Qt::Key_Escape);
-        } else if (page != nullptr) {
-            receiver.HangUp();
-            for (QPushButton* button : page->findChildren<QPushButton*>()) {
+            QTest::keyClick(&page, Qt::Key_Escape);
+        } else {
+            receiver->HangUp();
+            for (QPushButton* button : page.findChildren<QPushButton*>()) {
                 if (button->text() == UiText(text::kEndProgramPowerOff)) {
                     button->click();
                 }
             }
         }
-    });
-    hand.start(50);
+    };
+    const Hand<> hand(act, kCalmly);
     EXPECT_FALSE(session.Window().close()) << "it ends before the user could do anything about it";
     EXPECT_TRUE(told.contains(QStringLiteral("受信機の電源を切れませんでした。")))
         << told.toStdString();
@@ -266,8 +235,7 @@ TEST_F(SessionTest, TellsOfAReceiverThatCannotBeSwitchedOff)
 
 TEST_F(SessionTest, ConnectsAndOpensItsPages)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"));
     Session session(controller);
     session.Begin();
     ASSERT_TRUE(
@@ -311,18 +279,14 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
         {MainWindow::kVersion, "CVersion", true},
         {MainWindow::kAbout, "MessageDlg", false},
     };
-    AppOptions options = Options(QStringLiteral("sim:lark"));
-    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
-    Controller controller(options);
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"), testing::kRealSpeed);
     controller.Command().Background().SetReplyTimeout(std::chrono::seconds(20));
     Session session(controller);
     MainWindow& window = session.Window();
     window.show();
-    std::wstring fault;
     for (const bool isConnected : {true, false}) {
         if (isConnected) {
-            ASSERT_TRUE(controller.ConnectQuietly(fault));
+            ASSERT_TRUE(controller.IsConnectedQuietly());
         } else {
             controller.Disconnect();
         }
@@ -330,15 +294,10 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
         for (const Row& row : rows) {
             SCOPED_TRACE(std::string(row.page) + (isConnected ? "" : " without a receiver"));
             EscapeKey esc;
-            const auto hasReceiver = [&controller] {
-                const LinkState state = controller.Link().State();
-                return state == LinkState::Connected || state == LinkState::Lost ||
-                       state == LinkState::Reconnecting;
-            };
-            const bool wasThere = hasReceiver();
+            const bool wasThere = HasReceiver(controller.Link().State());
             Q_EMIT window.Chosen(row.choice);
             EXPECT_EQ(esc.First().toStdString(), std::string("fieldcore::") + row.page);
-            const bool isThere = hasReceiver();
+            const bool isThere = HasReceiver(controller.Link().State());
             EXPECT_TRUE(wasThere != isThere || esc.IsOffered() == (row.offers && !isThere));
             EXPECT_LE(esc.Count(), 3) << "one page after another";
             EXPECT_TRUE(esc.HasSwitches());
@@ -355,7 +314,7 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
                 [&] { return link.State() == before || link.State() == LinkState::NotConnected; },
                 10000));
             if (isConnected && link.State() == LinkState::NotConnected) {
-                ASSERT_TRUE(controller.ConnectQuietly(fault));
+                ASSERT_TRUE(controller.IsConnectedQuietly());
             }
         }
     }
@@ -363,8 +322,7 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
 
 TEST_F(SessionTest, ThePlanTakesTheSurveysConditionsOver)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"));
     CGPSPrm parameters(controller.Roots());
     ResetTracking(parameters, AllSurveys()[5]);
     parameters.SetElMaskData(25);
@@ -391,10 +349,7 @@ TEST_F(SessionTest, ThePlanTakesTheSurveysConditionsOver)
 
 TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
 {
-    AppOptions options = Options(QStringLiteral("sim:tilted"));
-    options.speed = 1.0;
-    Controller controller(options);
-    controller.Begin();
+    Started controller(QStringLiteral("sim:tilted"), testing::kRealSpeed);
     Session session(controller);
     MainWindow& window = session.Window();
     window.resize(480, 640);
@@ -425,8 +380,7 @@ TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
     EXPECT_EQ(TiltSensorDlg::Instance()->View()->accessibleDescription(),
               UiText(text::kBubbleStale))
         << "there is no receiver";
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     EXPECT_TRUE(QTest::qWaitFor(
         [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 10000));
     for (const MainWindow::Choice page :
@@ -446,19 +400,11 @@ TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
 /// The cable comes off and is put back while a page is open: none keeps the link from asking.
 TEST_F(SessionTest, ComesBackUnderEveryPage)
 {
-    std::string error;
-    const auto scenario = simulator::LoadScenario("lark", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::Simulator receiver(*scenario);
-    ASSERT_TRUE(receiver.Start(error)) << error;
-    AppOptions options = Options(QString::fromStdString(receiver.PortPath()));
-    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
-    Controller controller(options);
-    controller.Begin();
+    const auto receiver = testing::StartReceiver("lark");
+    Started controller(QString::fromStdString(receiver->PortPath()), testing::kRealSpeed);
     Session session(controller);
     session.Window().show();
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     for (const MainWindow::Choice choice :
          {MainWindow::kSkyPlot, MainWindow::kStatus, MainWindow::kFiles, MainWindow::kTilt,
           MainWindow::kPorts, MainWindow::kAntenna, MainWindow::kConnect, MainWindow::kVersion}) {
@@ -466,27 +412,25 @@ TEST_F(SessionTest, ComesBackUnderEveryPage)
         bool isOut = false;
         bool isBack = false;
         QDeadlineTimer patience(30s);
-        QTimer hand;
-        QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
-            QWidget* const page = QApplication::activeModalWidget();
+        const auto act = [&](QWidget& page) {
             const LinkState link = controller.Link().State();
-            if (page == nullptr || page->findChild<BusyStrip*>() != nullptr) {
+            if (page.findChild<BusyStrip*>() != nullptr) {
                 return;
             }
             if (!std::exchange(isOut, true)) {
-                receiver.HangUp();
+                receiver->HangUp();
             } else if (!isBack && link == LinkState::Lost) {
-                isBack = receiver.Plug();
-            } else if (qobject_cast<MessageDlg*>(page) != nullptr || patience.hasExpired() ||
+                isBack = receiver->Plug();
+            } else if (qobject_cast<MessageDlg*>(&page) != nullptr || patience.hasExpired() ||
                        (isBack && link == LinkState::Connected)) {
-                QTest::keyClick(page, Qt::Key_Escape);
+                QTest::keyClick(&page, Qt::Key_Escape);
             }
-        });
-        hand.start(100);
+        };
+        const Hand<> hand(act, kCalmly);
         Q_EMIT session.Window().Chosen(choice);
         EXPECT_TRUE(isBack);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-        ASSERT_TRUE(isBack || receiver.Plug());
+        ASSERT_TRUE(isBack || receiver->Plug());
         EXPECT_TRUE(QTest::qWaitFor(
             [&] { return controller.Link().State() == LinkState::Connected; }, 20000));
     }
@@ -494,10 +438,8 @@ TEST_F(SessionTest, ComesBackUnderEveryPage)
 
 TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
 {
-    AppOptions options = Options(QStringLiteral("sim:silent"));
-    options.speed = 0.1; // a time-out lasts 20 s: only Cancel can be quicker than the watchdog
-    Controller controller(options);
-    controller.Begin();
+    // A time-out lasts 20 s: only Cancel can be quicker than the watchdog.
+    Started controller(QStringLiteral("sim:silent"), 0.1);
     MainWindow window;
     window.show();
     QApplication::setActiveWindow(&window);
@@ -511,14 +453,10 @@ TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
     });
     hand.start(10);
     int boxes = 0; // with what is known to who has cancelled
-    QTimer watchdog;
-    QObject::connect(&watchdog, &QTimer::timeout, &watchdog, [&boxes] {
-        if (QWidget* const box = QApplication::activeModalWidget()) {
-            ++boxes;
-            box->close();
-        }
+    const Hand<> watchdog([&boxes](QWidget& box) {
+        ++boxes;
+        box.close();
     });
-    watchdog.start(10);
     std::wstring fault;
     EXPECT_FALSE(controller.Connect(&window, fault));
     EXPECT_TRUE(clicked);
@@ -530,30 +468,21 @@ TEST_F(SessionTest, CancelEndsAConnectionThatNobodyAnswers)
 
 TEST_F(SessionTest, GoesFromTheSimulatorToARealPort)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
-    std::string error;
-    const auto scenario = simulator::LoadScenario("pica", error);
-    ASSERT_TRUE(scenario) << error;
-    simulator::Simulator real(*scenario, controller.GetClock()); // what is behind a path is real
-    ASSERT_TRUE(real.Start(error)) << error;
+    Started controller(QStringLiteral("sim:lark"));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
+    const auto real = testing::StartReceiver("pica", controller.GetClock());
     QStringList asked;
-    QTimer hand;
-    QObject::connect(&hand, &QTimer::timeout, &hand, [&asked] {
-        if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
-            asked += box->windowTitle();
-            QTest::keyClick(box, Qt::Key_Return);
-        }
+    const Hand<MessageDlg> hand([&asked](MessageDlg& box) {
+        asked += box.windowTitle();
+        QTest::keyClick(&box, Qt::Key_Return);
     });
-    hand.start(10);
     ConnectChoice choice = controller.Choice();
-    choice.port = real.PortPath();
+    choice.port = real->PortPath();
     controller.Choose(choice);
+    std::wstring fault;
     EXPECT_TRUE(controller.Connect(nullptr, fault));
     EXPECT_EQ(asked, QStringList{QStringLiteral("ケーブル接続確認")});
-    EXPECT_GT(real.RequestCount(), 0U);
+    EXPECT_GT(real->RequestCount(), 0U);
     EXPECT_EQ(controller.State().simulator, QString());
 }
 
@@ -561,14 +490,13 @@ TEST_F(SessionTest, UsesTheHeightOfTheTallerController)
 {
     for (const bool bySetting : {false, true}) {
         SCOPED_TRACE(bySetting ? "setting" : "option");
-        AppOptions options = Options(m_folder.filePath(QStringLiteral("no-device")));
+        AppOptions options = testing::OptionsFor(m_folder.filePath(QStringLiteral("no-device")));
         EXPECT_FALSE(Controller(options).Host().IsQ77());
         options.isQ77 = !bySetting;
         if (bySetting) {
             Controller(options).Reg().WriteNumber(L"GPS\\App", L"Q77", 1);
         }
-        Controller controller(options);
-        controller.Begin();
+        Started controller(options);
         Session session(controller);
         session.Begin();
         EXPECT_EQ(session.Window().size(), QSize(480, 800));
@@ -591,28 +519,19 @@ TEST_F(SessionTest, UsesTheHeightOfTheTallerController)
 
 TEST_F(SessionTest, AsksOnceWhenBluetoothIsLost)
 {
-    AppOptions options = Options(QStringLiteral("COM5"));
-    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
-    Controller controller(options);
-    simulator::Simulator receiver{simulator::Scenario{}};
-    std::string error;
-    ASSERT_TRUE(receiver.Start(error)) << error;
-    controller.Reg().WriteString(L"Ports", L"COM5", FromUtf8(receiver.PortPath()));
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    Started controller(QStringLiteral("COM5"), testing::kRealSpeed);
+    const auto receiver = testing::StartReceiver("lark");
+    controller.Reg().WriteString(L"Ports", L"COM5", FromUtf8(receiver->PortPath()));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     EXPECT_EQ(controller.Command().GetPortNumber(), 5);
     QStringList asked;
-    QTimer hand;
-    QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
-        if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
-            EXPECT_FALSE(controller.Command().IsBusy()) << "asked from inside of a request";
-            EXPECT_TRUE(receiver.Plug());
-            asked += box->windowTitle();
-            QTest::keyClick(box, Qt::Key_Return);
-        }
+    const Hand<MessageDlg> hand([&](MessageDlg& box) {
+        EXPECT_FALSE(controller.Command().IsBusy()) << "asked from inside of a request";
+        EXPECT_TRUE(receiver->Plug());
+        asked += box.windowTitle();
+        QTest::keyClick(&box, Qt::Key_Return);
     });
-    hand.start(10);
-    receiver.HangUp();
+    receiver->HangUp();
     const auto over = [&] {
         return !asked.isEmpty() && controller.Link().State() == LinkState::Connected;
     };
@@ -623,29 +542,19 @@ TEST_F(SessionTest, AsksOnceWhenBluetoothIsLost)
 
 TEST_F(SessionTest, TakesOverALinkThatAPageHasMade)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"));
     Session session(controller);
     session.Window().show();
-    QTimer agree;
-    QObject::connect(&agree, &QTimer::timeout, &agree, [] {
-        if (auto* const box = dynamic_cast<MessageDlg*>(QApplication::activeModalWidget())) {
-            QTest::keyClick(box, Qt::Key_Return);
-        }
-    });
-    agree.start(10);
     bool isConnected = false;
-    QTimer hand;
-    QObject::connect(&hand, &QTimer::timeout, &hand, [&isConnected] {
-        auto* const plan = dynamic_cast<CSurveyPlan*>(QApplication::activeModalWidget());
-        if (plan != nullptr && std::exchange(isConnected, true)) {
-            QTest::keyClick(plan, Qt::Key_Escape);
-        } else if (plan != nullptr) {
-            const auto connect = plan->Surroundings().makeConnect(*plan->GetCCommand());
+    const Hand<CSurveyPlan> hand([&isConnected](CSurveyPlan& plan) {
+        if (std::exchange(isConnected, true)) {
+            QTest::keyClick(&plan, Qt::Key_Escape);
+        } else {
+            const auto connect = plan.Surroundings().makeConnect(*plan.GetCCommand());
             EXPECT_EQ(connect->DoModal(), CConnect::Connected);
         }
     });
-    hand.start(50);
+    const Hand<MessageDlg> agree([](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
     Q_EMIT session.Window().Chosen(MainWindow::kPlan);
     EXPECT_TRUE(isConnected);
     EXPECT_EQ(controller.Link().State(), LinkState::Connected);
@@ -653,16 +562,12 @@ TEST_F(SessionTest, TakesOverALinkThatAPageHasMade)
 
 TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)
 {
-    AppOptions options = Options(QStringLiteral("sim:tilted"));
-    options.speed = 1.0; // a busy machine shall not be taken for a silent receiver
-    Controller controller(options);
-    controller.Begin();
+    Started controller(QStringLiteral("sim:tilted"), testing::kRealSpeed);
     AntennaSettings antenna(nullptr, 1, 0, {controller.ProgramFolder(), &controller.Roots()});
     antenna.SetRole(AntennaRole::Rover);
     antenna.SetAntInputH(1.8);
     ASSERT_EQ(antenna.WriteRegAnt(), 1);
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     ASSERT_EQ(TiltSensorDlg::StartUp(&controller.Command(), nullptr, nullptr), 1);
     const auto ring = [] { return TiltSensorDlg::Instance()->View()->Picture().ringRadius; };
     const auto shows = [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; };
@@ -677,10 +582,10 @@ TEST_F(SessionTest, GivesTheBubbleTheAntennaOfItsRole)
 
 TEST_F(SessionTest, TellsOfItsSettingsInJapanese)
 {
+    const AppOptions options = testing::OptionsFor(QStringLiteral("sim:lark"));
     const std::filesystem::path config = m_folder.filePath(QStringLiteral("config")).toStdString();
     {
-        Controller controller(Options(QStringLiteral("sim:lark")));
-        controller.Begin();
+        Started controller(QStringLiteral("sim:lark"));
         EXPECT_EQ(controller.TakeNotice(), QString());
         SettingsRoots real;
         SettingsStore& store = real.Store(RootKey::CurrentUser);
@@ -688,14 +593,14 @@ TEST_F(SessionTest, TellsOfItsSettingsInJapanese)
                               KeyOpening::Create));
     }
     {
-        Controller controller(Options(QStringLiteral("sim:lark")));
+        Controller controller(options);
         EXPECT_TRUE(controller.TakeNotice().startsWith(
             QStringLiteral("ポートの割り当て「COM999」は使えません。")));
         EXPECT_EQ(controller.TakeNotice(), QString()) << "told twice";
     }
     std::filesystem::remove_all(config);
     std::filesystem::create_symlink("/dev/null", config);
-    Controller controller(Options(QStringLiteral("sim:lark")));
+    Controller controller(options);
     controller.UseTheme(Theme::Kind::Dark);
     Theme::Use(Theme::Kind::Daylight);
     const QString notice = controller.TakeNotice();
@@ -712,7 +617,7 @@ TEST_F(SessionTest, KeepsWhatTheSimulatorLeadsToApart)
         return value;
     };
     const std::filesystem::path home = Folders().Program();
-    Controller controller(Options(QString()));
+    Controller controller(testing::OptionsFor(QString()));
     controller.Choose({"COM7", 9600});
     controller.Begin();
     ASSERT_EQ(controller.Reg().WriteNumber(L"GPS\\Mark", L"Height", 1), 1);
@@ -727,8 +632,7 @@ TEST_F(SessionTest, KeepsWhatTheSimulatorLeadsToApart)
 
     controller.Choose({"COM7", 9600});
     EXPECT_EQ(height(controller), 1U) << "the real ones have not been touched";
-    Controller later(Options(QString()));
-    later.Begin();
+    Started later(QString{});
     EXPECT_EQ(later.Choice(), (ConnectChoice{"COM7", 9600}));
     EXPECT_EQ(Theme::Used(), Theme::Kind::Dark)
         << "the controller's own look is not the receiver's";
@@ -737,10 +641,7 @@ TEST_F(SessionTest, KeepsWhatTheSimulatorLeadsToApart)
 
 TEST_F(SessionTest, StandsAThousandRandomEvents)
 {
-    AppOptions options = Options(QStringLiteral("sim:lark"));
-    options.speed = 50.0;
-    Controller controller(options);
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"), 50.0);
     Session session(controller);
     session.Begin();
     MainWindow* const window = Window();
@@ -756,18 +657,15 @@ TEST_F(SessionTest, StandsAThousandRandomEvents)
         }
     }
     Theme::Use(Theme::Kind::Daylight);
-    std::wstring fault;
     // On a busy machine a receiver whose time runs so fast may seem silent once.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return controller.ConnectQuietly(fault); }, 60000))
+    EXPECT_TRUE(QTest::qWaitFor([&] { return controller.IsConnectedQuietly(); }, 60000))
         << "it cannot be used any more";
 }
 
 TEST_F(SessionTest, DialogsStandAThousandRandomEvents)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
-    std::wstring fault;
-    ASSERT_TRUE(controller.ConnectQuietly(fault));
+    Started controller(QStringLiteral("sim:lark"));
+    ASSERT_TRUE(controller.IsConnectedQuietly());
     using Make = std::function<std::unique_ptr<QWidget>()>;
     const Make makers[] = {
         [&]() -> std::unique_ptr<QWidget> {
@@ -799,8 +697,7 @@ TEST_F(SessionTest, DialogsStandAThousandRandomEvents)
 
 TEST_F(SessionTest, WritesAPictureOfEveryScreen)
 {
-    Controller controller(Options(QStringLiteral("sim:lark")));
-    controller.Begin();
+    Started controller(QStringLiteral("sim:lark"));
     MainWindow window;
     ScreenPictures pictures(controller, window);
     const QString folder = m_folder.filePath(QStringLiteral("pictures"));

@@ -1,5 +1,6 @@
 #include "core/link/Command.h"
 
+#include "core/platform/PosixFileOperations.h"
 #include "simulator/ReceiverFile.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
@@ -136,7 +137,7 @@ std::optional<Bytes> Read(const fs::path& file)
 }
 
 /// Lets the n-th call of one kind fail.
-class FailingOperations final : public FileOperations
+class FailingOperations final : public PosixFileOperations
 {
 public:
     enum class Call
@@ -149,38 +150,20 @@ public:
     };
     std::error_code Open(const fs::path& file, const fs::path& like, int& handle) override
     {
-        return Fails(Call::Open) ? kFull : m_real.Open(file, like, handle);
-    }
-    std::error_code OpenLeft(const fs::path& file, int& handle) override
-    {
-        return m_real.OpenLeft(file, handle);
-    }
-    std::error_code Read(int handle, std::span<char> bytes, std::size_t& count) override
-    {
-        return m_real.Read(handle, bytes, count);
-    }
-    std::error_code Cut(int handle, std::uint64_t size) override
-    {
-        return m_real.Cut(handle, size);
+        return Fails(Call::Open) ? kFull : PosixFileOperations::Open(file, like, handle);
     }
     std::error_code Write(int handle, std::string_view bytes) override
     {
-        return Fails(Call::Write) ? kFull : m_real.Write(handle, bytes);
+        return Fails(Call::Write) ? kFull : PosixFileOperations::Write(handle, bytes);
     }
     std::error_code Sync(int handle) override
     {
-        return Fails(Call::Sync) ? kFull : m_real.Sync(handle);
+        return Fails(Call::Sync) ? kFull : PosixFileOperations::Sync(handle);
     }
-    void Close(int handle) override { m_real.Close(handle); }
     std::error_code Rename(const fs::path& from, const fs::path& to) override
     {
-        return Fails(Call::Rename) ? kFull : m_real.Rename(from, to);
+        return Fails(Call::Rename) ? kFull : PosixFileOperations::Rename(from, to);
     }
-    std::error_code SyncFolder(const fs::path& folder) override
-    {
-        return m_real.SyncFolder(folder);
-    }
-    void Remove(const fs::path& file) override { m_real.Remove(file); }
 
     const std::error_code kFull = std::make_error_code(std::errc::no_space_on_device);
     Call failing = Call::None;
@@ -188,8 +171,6 @@ public:
 
 private:
     bool Fails(Call call) { return call == failing && after-- <= 0; }
-
-    PosixFileOperations m_real;
 };
 
 class DownloadTest : public ::testing::Test, protected testing::VirtualChannel

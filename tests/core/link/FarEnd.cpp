@@ -45,6 +45,14 @@ Bytes LongFrame(const Bytes& data)
         Joined({{0x02, 0x00, 0x95, high, static_cast<std::uint8_t>(data.size() & 0xFF)}, data}));
 }
 
+FrameBuffer Loaded(const Bytes& frame)
+{
+    FrameBuffer buffer;
+    buffer.Load(Bytes(kFrameBufferSize, '1'));
+    buffer.Load(frame);
+    return buffer;
+}
+
 Bytes Joined(std::initializer_list<Bytes> pieces)
 {
     Bytes all;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/link/FrameBuffer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -15,6 +17,8 @@ using Bytes = std::vector<std::uint8_t>;
 [[nodiscard]] Bytes Frame(std::uint8_t type, const Bytes& data = {});
 /// A long frame of type 0x95.
 [[nodiscard]] Bytes LongFrame(const Bytes& data);
+/// A frame as it has come, where an older one that was longer has left digits behind it.
+[[nodiscard]] FrameBuffer Loaded(const Bytes& frame);
 [[nodiscard]] Bytes Joined(std::initializer_list<Bytes> pieces);
 [[nodiscard]] Bytes Ascii(const std::string& text);
 

@@ -1,5 +1,4 @@
 #include "core/link/FileReplies.h"
-#include "core/link/FrameBuffer.h"
 
 #include "tests/core/link/FileServer.h"
 
@@ -15,16 +14,10 @@ using testing::Bytes;
 using testing::Frame;
 using testing::Joined;
 using testing::LarkRecord;
+using testing::Loaded;
 using testing::LongFrame;
 using testing::Page;
 using testing::PicaRecord;
-
-FrameBuffer Loaded(const Bytes& frame)
-{
-    FrameBuffer buffer;
-    buffer.Load(frame);
-    return buffer;
-}
 
 // 2026-03-14 01:30 UTC is 16869 days and 5400 s after 1980-01-06; 9 hours are added.
 TEST(FileReplies, ReadsThePageOfAPica)

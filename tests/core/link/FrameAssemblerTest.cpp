@@ -129,16 +129,6 @@ TEST(FrameAssembler, KeepsTheLastUnsolicitedFrame)
     EXPECT_EQ(Bytes(kept.begin(), kept.end()), Frame(0x40, {2, 3}));
 }
 
-TEST(FrameAssembler, StartsCleanAfterAReset)
-{
-    Feed feed;
-    const Bytes frame = Frame(0x09, Bytes(21, '1'));
-    feed.Push({frame.begin(), frame.begin() + 10});
-    feed.Assembler().Reset();
-    feed.Push(frame);
-    EXPECT_EQ(feed.seen, (std::vector{FrameSeen(frame)}));
-}
-
 TEST(FrameAssembler, TakesNothingInAStepThatIsTooLarge)
 {
     ByteQueue queue(5120);

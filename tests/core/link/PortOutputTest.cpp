@@ -22,7 +22,7 @@ TEST(PortOutput, IsToldFromDamage)
         {"nothing", ""sv, false},
         {"a sentence", "$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45.2,M,,M,,*5C\r\n"sv, true},
         {"in the middle of others", "1,N,13945.2*5C\r\n$GNRMC,12"sv, true},
-        {"a maker's own", "$PTNLA,QA,1"sv, true},
+        {"a maker's own", "$PXYZA,QA,1"sv, true},
         {"a wrapped one of ships", "!AIVDM,1,1,,A,"sv, true},
         {"cut before its comma", "$GPGGA"sv, false},
         {"a short name", "$GP,1"sv, false},

@@ -1,7 +1,5 @@
 #include "core/link/Replies.h"
-#include "core/link/FrameBuffer.h"
 
-#include "core/link/Identification.h"
 #include "core/link/LayoutReader.h"
 #include "tests/core/link/FarEnd.h"
 
@@ -18,22 +16,13 @@ using testing::Bytes;
 using testing::Frame;
 using testing::Joined;
 
-FrameBuffer Loaded(const Bytes& frame)
-{
-    FrameBuffer buffer;
-    // What an older, longer frame left behind must never be read.
-    buffer.Load(Bytes(kFrameBufferSize, 0x99));
-    buffer.Load(frame);
-    return buffer;
-}
-
 template <typename Reply>
 using Parser = std::optional<Reply> (*)(FrameReader);
 
 template <typename Reply>
 std::optional<Reply> Parse(Parser<Reply> parser, std::uint8_t type, const Bytes& data)
 {
-    FrameBuffer buffer = Loaded(Frame(type, data));
+    const FrameBuffer buffer = testing::Loaded(Frame(type, data));
     return parser(buffer.Reader());
 }
 
@@ -444,20 +433,22 @@ TEST(Identification, KnowsModelTexts)
 {
     struct Row
     {
-        const wchar_t* model;
+        std::string model;
         std::uint32_t type;
     };
-    for (const Row row : {Row{L"3017", 3017},
-                          {L"3028X", 3028},
-                          {L"301", 3010},
-                          {L"30 7", 3010},
-                          {L"VX2", 3028},
-                          {L"VX1", 3017},
-                          {L"VX1-GNSS", 3012},
-                          {L"VX1-", 3010},
-                          {L"vx1", 3010},
-                          {L"３０１７", 3010}}) {
-        EXPECT_EQ(TypeNumberOfModel(row.model), row.type);
+    for (const Row& row : {Row{"3017", 3017},
+                           {"3028X", 3028},
+                           {"301", 3010},
+                           {"30 7", 3010},
+                           {"VX2", 3028},
+                           {"VX1", 3017},
+                           {"VX1-GNSS", 3012},
+                           {"VX1-", 3010},
+                           {"vx1", 3010},
+                           {"\x82\x52\x82\x4F\x82\x50\x82\x56", 3010}}) { // full-width digits
+        const auto record = Parse(ParseIdentification, 0x6E,
+                                  Ascii("ID," + row.model + ";PORT,0,38400,L,8,1,N,F;VER,4.43,"));
+        EXPECT_EQ(record->typeNumber, row.type) << row.model;
     }
 }
 

@@ -1,5 +1,4 @@
 #include "core/link/SatelliteReplies.h"
-#include "core/link/FrameBuffer.h"
 
 #include "tests/core/link/FarEnd.h"
 
@@ -18,10 +17,7 @@ using testing::Joined;
 
 FrameBuffer Loaded(std::uint8_t type, const Bytes& data)
 {
-    FrameBuffer buffer;
-    buffer.Load(Bytes(kFrameBufferSize, 0x31)); // an older frame, full of valid digits
-    buffer.Load(Frame(type, data));
-    return buffer;
+    return testing::Loaded(Frame(type, data));
 }
 
 std::optional<SatelliteList> List(const Bytes& data)

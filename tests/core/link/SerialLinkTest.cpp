@@ -158,17 +158,6 @@ TEST_F(VirtualLinkTest, TimeOutForgetsTheHalfFrame)
     EXPECT_EQ(Take(link), reply);
 }
 
-TEST_F(VirtualLinkTest, PurgeEmptiesWhatIsHalfReceived)
-{
-    Open();
-    line.Send(Frame(0x09, Bytes(21, '1')));
-    ASSERT_EQ(link.WaitDelivery(), 1);
-    EXPECT_EQ(link.Purge(SerialDevice::Queue::Receive), 1);
-    EXPECT_EQ(link.Purge(SerialDevice::Queue::Transmit), 1);
-    link.ResetReceiveState();
-    EXPECT_EQ(link.WaitDelivery(), 0);
-}
-
 TEST_F(SerialLinkTest, LosesNoFrameOfABurst)
 {
     Open();

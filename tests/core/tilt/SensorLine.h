@@ -45,8 +45,6 @@ struct SensorWords
 
     [[nodiscard]] Bytes Answer(std::span<const std::uint8_t> request) const
     {
-        constexpr std::uint8_t kAck = 0x06;
-        constexpr std::uint8_t kNak = 0x15;
         if (request.size() < 5 || request[2] != 0xC8) {
             return {kAck};
         }

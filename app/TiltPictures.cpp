@@ -1,4 +1,4 @@
-#include "app/TiltScreens.h"
+#include "app/Picture.h"
 
 #include "app/Controller.h"
 #include "core/link/RecvInfo.h"
@@ -93,7 +93,7 @@ std::unique_ptr<Page> Answered(Bench& bench)
 Picture Status(const char* name, const char* sensor, LastCalibrationRun lastRun)
 {
     const auto bench = MakeBench(sensor);
-    return {QString::fromLatin1(name), [bench, lastRun]() -> std::unique_ptr<QWidget> {
+    return {QString::fromLatin1(name), [bench, lastRun] {
                 const LastCalibrationRun before = std::exchange(TiltSettings::LastRun(), lastRun);
                 auto dialog = Answered<TiltStatusDlg>(*bench);
                 TiltSettings::LastRun() = before;
@@ -105,7 +105,7 @@ Picture Status(const char* name, const char* sensor, LastCalibrationRun lastRun)
 Picture Calibrating(const char* name, bool isCancelled)
 {
     const auto bench = MakeBench("tilt-calibration succeeds 2\n");
-    return {QString::fromLatin1(name), [bench, isCancelled]() -> std::unique_ptr<QWidget> {
+    return {QString::fromLatin1(name), [bench, isCancelled] {
                 auto dialog = std::make_unique<TiltCalibDlg>(&bench->command);
                 dialog->show();
                 LetSomeTimePass();
@@ -125,8 +125,7 @@ Picture LockedSignals()
         chosen.Set(signal, true);
     }
     SaveSignals(bench->reg, GetRecvTypeNum(bench->command), chosen);
-    return {QStringLiteral("signals-locked"),
-            [bench]() -> std::unique_ptr<QWidget> { return Answered<SetSignal>(*bench); }};
+    return {QStringLiteral("signals-locked"), [bench] { return Answered<SetSignal>(*bench); }};
 }
 
 TiltReading Leaning(double t1Rad, double t2Rad)
@@ -153,8 +152,7 @@ std::unique_ptr<BubbleView> View(const TiltReading& reading,
 Picture Bubble(const char* name, const TiltReading& reading,
                BubbleView::Source source = BubbleView::Source::Reading)
 {
-    return {QString::fromLatin1(name),
-            [reading, source]() -> std::unique_ptr<QWidget> { return View(reading, source); }};
+    return {QString::fromLatin1(name), [reading, source] { return View(reading, source); }};
 }
 
 /// From the rim, out of tolerance, to the middle.
@@ -188,26 +186,21 @@ std::unique_ptr<QWidget> SmallBubble(const std::shared_ptr<Bench>& bench)
 
 } // namespace
 
-std::vector<Picture> TiltScreens(Controller& controller)
+Pictures TiltPictures(Controller& controller)
 {
     const auto bench = MakeBench("");
     SettingsRoots& roots = controller.Roots();
-    std::vector<Picture> screens{
-        {QStringLiteral("signals"),
-         [bench]() -> std::unique_ptr<QWidget> { return Answered<SetSignal>(*bench); }},
+    Pictures screens{
+        {QStringLiteral("signals"), [bench] { return Answered<SetSignal>(*bench); }},
         LockedSignals(),
         {QStringLiteral("tracking"),
-         [&controller, &roots]() -> std::unique_ptr<QWidget> {
+         [&controller, &roots] {
              return std::make_unique<TrackingDlg>(&controller.Command(), roots);
          }},
         {QStringLiteral("tilt-no-receiver"),
-         [bench]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<TiltStatusDlg>(nullptr, bench->reg);
-         }},
+         [bench] { return std::make_unique<TiltStatusDlg>(nullptr, bench->reg); }},
         {QStringLiteral("signals-no-receiver"),
-         [bench]() -> std::unique_ptr<QWidget> {
-             return std::make_unique<SetSignal>(nullptr, bench->reg);
-         }},
+         [bench] { return std::make_unique<SetSignal>(nullptr, bench->reg); }},
         Status("tilt-no-sensor", "tilt-present no\n", {}),
         Status("tilt-silent", "fault drop on C8\n", {}),
         Status("tilt-done", "tilt-calibrated 0.5\n", {}),

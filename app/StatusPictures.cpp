@@ -1,5 +1,7 @@
-#include "app/SimulatedHour.h"
+#include "app/Picture.h"
 
+#include "app/Controller.h"
+#include "core/equipment/StatusHistory.h"
 #include "core/equipment/StatusPoll.h"
 #include "core/host/Host.h"
 #include "core/link/Command.h"
@@ -7,9 +9,15 @@
 #include "core/link/ReceiverLink.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
+#include "ui/controls/MessageDlg.h"
+#include "ui/controls/UiText.h"
+#include "ui/equipment/StatusHistoryView.h"
+#include "ui/equipment/StatusPage.h"
+#include "ui/equipment/Version.h"
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <string>
 
 namespace fieldcore {
@@ -46,8 +54,18 @@ constexpr int kLeaps = 356;
 constexpr std::chrono::seconds kStep{10};
 constexpr int kRounds = 16; // at their usual pace, to end with a fresh battery
 
-} // namespace
+/// What an hour with a simulated receiver leaves behind.
+struct SimulatedHour
+{
+    Receiver receiver;
+    StatusHistory history;
+    Clock::Duration now{}; ///< of the clock that they are timed by
+    Clock::UtcTime utc;
+};
 
+/// Lives through an hour with a simulated receiver, whose satellites move and whose battery drains,
+/// on a clock of its own that leaps from round to round. Takes some seconds.
+/// @return nothing if the simulator cannot be started or reached
 std::optional<SimulatedHour> LiveAnHour()
 {
     std::string error;
@@ -79,6 +97,42 @@ std::optional<SimulatedHour> LiveAnHour()
         poll.Tick();
     }
     return SimulatedHour{link.Heard(), poll.History(), clock.Steady(), clock.Utc()};
+}
+
+} // namespace
+
+Pictures StatusPictures(Controller& controller)
+{
+    static const std::optional<SimulatedHour> hour = LiveAnHour(); // once for all pictures
+    if (!hour) {
+        return {};
+    }
+    const auto page = [](Clock::Duration later, LinkState link) {
+        return [later, link] {
+            auto made = std::make_unique<StatusPage>();
+            Receiver receiver = hour->receiver;
+            receiver.link = link;
+            made->Show(receiver, hour->history, {hour->now + later, hour->utc + later});
+            return made;
+        };
+    };
+    return {{QStringLiteral("status"), page({}, LinkState::Connected)},
+            {QStringLiteral("status-stale"), page(std::chrono::minutes(3), LinkState::Connected)},
+            {QStringLiteral("status-lost"), page(std::chrono::minutes(3), LinkState::Lost)},
+            {QStringLiteral("status-empty"), [] { return std::make_unique<StatusPage>(); }},
+            {QStringLiteral("status-history"),
+             [] {
+                 auto made = std::make_unique<StatusHistoryView>();
+                 made->Show(hour->history, hour->now);
+                 return made;
+             }},
+            {QStringLiteral("version"),
+             [&controller] { return std::make_unique<CVersion>(&controller.Command()); }},
+            {QStringLiteral("battery-low"), [] {
+                 return std::make_unique<MessageDlg>(
+                     ToQt(FormatText(text::kBatteryLow, 20)), UiText(text::kBatteryCaption),
+                     BoxStyle{BoxButtons::Ok, BoxIcon::Exclamation});
+             }}};
 }
 
 } // namespace fieldcore

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "app/Controller.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+namespace fieldcore::testing {
+
+/// Settings and folders of the test's own.
+struct OwnFolders
+{
+    OwnFolders()
+    {
+        qputenv("FIELDCORE_HOME", m_folder.filePath(QStringLiteral("home")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
+        qunsetenv("FIELDCORE_MACHINE_STORE");
+    }
+
+    QTemporaryDir m_folder;
+};
+
+[[nodiscard]] inline AppOptions OptionsFor(const QString& port, double speed = 5.0)
+{
+    AppOptions options;
+    options.port = port;
+    options.speed = speed;
+    return options;
+}
+
+/// At which a busy machine is not taken for a silent receiver.
+inline constexpr double kRealSpeed = 1.0;
+
+/// The controller as its program starts it.
+struct Started : Controller
+{
+    explicit Started(const AppOptions& options) : Controller(options) { Begin(); }
+    explicit Started(const QString& port, double speed = 5.0) : Started(OptionsFor(port, speed)) {}
+
+    [[nodiscard]] bool IsConnectedQuietly()
+    {
+        std::wstring fault;
+        return ConnectQuietly(fault);
+    }
+};
+
+/// Does something again and again while such a page is in front.
+template <typename Page = QWidget>
+class Hand
+{
+public:
+    explicit Hand(std::function<void(Page& page)> act, int everyMs = 10)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [act = std::move(act)] {
+            if (auto* const page = dynamic_cast<Page*>(QApplication::activeModalWidget())) {
+                act(*page);
+            }
+        });
+        m_timer.start(everyMs);
+    }
+
+private:
+    QTimer m_timer;
+};
+
+/// A receiver behind a path, as a real one is.
+[[nodiscard]] inline std::unique_ptr<simulator::Simulator>
+StartReceiver(const std::string& scenario, const Clock& clock = SystemClock::Instance())
+{
+    std::string error;
+    const auto loaded = simulator::LoadScenario(scenario, error);
+    auto receiver =
+        std::make_unique<simulator::Simulator>(loaded.value_or(simulator::Scenario{}), clock);
+    const bool isStarted = loaded && receiver->Start(error);
+    EXPECT_TRUE(isStarted) << error;
+    return receiver;
+}
+
+} // namespace fieldcore::testing
