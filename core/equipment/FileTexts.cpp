@@ -3,6 +3,7 @@
 #include "core/input/Parts.h"
 #include "core/link/DirectoryListing.h"
 #include "core/planning/JulianDate.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
 
@@ -13,7 +14,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr std::size_t kShortYear = 2; // digits
 constexpr int kFirstYearOf1900s = 80;
 constexpr double kUnit = 1024.0;
@@ -37,7 +37,7 @@ std::wstring FileRowName(std::wstring_view name)
 
 std::wstring FileDateText(std::uint32_t seconds)
 {
-    const auto date = CalendarDateOfJulian(kGpsEpochJulianDate + seconds / kSecondsPerDay);
+    const auto date = CalendarDateOfJulian(kGpsEpochJulianDate + seconds / kDayS);
     if (!date) {
         return {};
     }

@@ -5,7 +5,9 @@
 #include "core/input/Angles.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/link/RecvInfo.h"
+#include "core/planning/Degrees.h"
 #include "core/planning/PlaneRectangular.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
@@ -30,10 +32,9 @@ using Known = std::optional<FieldValue>;
 using R = const Receiver&;
 using V = const StatusView&;
 
-constexpr std::chrono::hours kJst{9}; // Japan has no daylight saving time
-constexpr double kLargestDop = 99.8;  // 99.9 says that there is none
-constexpr int kSecondDecimals = 4;    // of an arc second: 3 mm
-constexpr int kDegreeDecimals = 8;    // about a millimetre
+constexpr double kLargestDop = 99.8; // 99.9 says that there is none
+constexpr int kSecondDecimals = 4;   // of an arc second: 3 mm
+constexpr int kDegreeDecimals = 8;   // about a millimetre
 constexpr seconds kUsual{10};
 constexpr seconds kSeldom{75}; // what is asked for at every fifteenth round
 
@@ -154,6 +155,13 @@ Known TextOf(const wchar_t* text)
     return trimmed.empty() ? std::nullopt : Known(std::move(trimmed));
 }
 
+template <std::size_t Count>
+Known TermOf(const std::array<Term, Count>& terms, int number)
+{
+    const bool isOne = number >= 0 && number < static_cast<int>(Count);
+    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
+}
+
 const ReceiverType* TypeOf(R r)
 {
     return FindReceiverType(r.identity.TypeNumber());
@@ -175,8 +183,7 @@ Known Model(R r, V /*view*/)
 Known Family(R r, V /*view*/)
 {
     const ReceiverType* const type = TypeOf(r);
-    return type != nullptr ? Known(&kFamilies[static_cast<std::size_t>(type->family)])
-                           : std::nullopt;
+    return type != nullptr ? TermOf(kFamilies, static_cast<int>(type->family)) : std::nullopt;
 }
 
 Known SecondsOfWeek(R r, V /*view*/)
@@ -203,9 +210,7 @@ Known ControllerClock(R r, V view)
 
 Known Fix(R r, V /*view*/)
 {
-    const int kind = r.position ? r.position->value.fixKind : -1;
-    const bool isKind = kind >= 0 && kind < static_cast<int>(kFixes.size());
-    return isKind ? Known(&kFixes[static_cast<std::size_t>(kind)]) : std::nullopt;
+    return r.position ? TermOf(kFixes, r.position->value.fixKind) : std::nullopt;
 }
 
 Known Height(R r, V /*view*/)
@@ -267,13 +272,6 @@ Known AboveMask(R r, V view)
         })));
 }
 
-template <std::size_t Count>
-Known TermOf(const std::array<Term, Count>& terms, int number)
-{
-    const bool isOne = number >= 0 && number < static_cast<int>(Count);
-    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
-}
-
 Known StateOfTilt(R r, V /*view*/)
 {
     if (!r.tilt) {
@@ -287,7 +285,7 @@ Known StateOfTilt(R r, V /*view*/)
 template <auto Member>
 Known TiltAngle(R r, V /*view*/)
 {
-    return r.tilt ? Known(r.tilt->value.*Member * 180.0 / std::numbers::pi) : std::nullopt;
+    return r.tilt ? Known(DegreesOf(r.tilt->value.*Member)) : std::nullopt;
 }
 
 /// How far the antenna stands beside the point, mm.
@@ -483,19 +481,13 @@ struct MomentParts
 
 MomentParts PartsOf(std::chrono::local_seconds time, bool hasSeconds)
 {
-    const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(day);
-    const std::chrono::hh_mm_ss parts(time - day);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
-    MomentParts made{text.data(), {}};
-    std::snprintf(text.data(), text.size(), hasSeconds ? "%02d:%02d:%02d" : "%02d:%02d",
-                  static_cast<int>(parts.hours().count()),
-                  static_cast<int>(parts.minutes().count()),
-                  static_cast<int>(parts.seconds().count()));
-    made.timeOfDay = text.data();
-    return made;
+    const CTime::LocalParts p = CalendarPartsOf(time);
+    std::array<char, 64> date{};
+    std::array<char, 64> timeOfDay{};
+    std::snprintf(date.data(), date.size(), "%04d-%02d-%02d", p.year, p.month, p.day);
+    std::snprintf(timeOfDay.data(), timeOfDay.size(), hasSeconds ? "%02d:%02d:%02d" : "%02d:%02d",
+                  p.hour, p.minute, p.second);
+    return {date.data(), timeOfDay.data()};
 }
 
 /// As ISO 8601 for programs.
@@ -626,9 +618,7 @@ Value ReportField(const ReceiverField& field, const Receiver& receiver, const St
                 const bool isPlain = term->textId == 0 || CurrentLanguage() == Language::English;
                 return Value::Word(term->code, isPlain ? term->words : ToUtf8(Text(term->textId)));
             },
-            [](Angle angle) {
-                return Value::Real(angle.rad * 180.0 / std::numbers::pi, kDegreeDecimals, "deg");
-            },
+            [](Angle angle) { return Value::Real(DegreesOf(angle.rad), kDegreeDecimals, "deg"); },
             [](const Moment& moment) { return ReportMoment(moment); },
             [&](std::chrono::minutes left) {
                 return Value::Integer(left.count(), field.number.unit);

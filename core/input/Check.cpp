@@ -11,12 +11,11 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numbers>
 
 namespace fieldcore {
 
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 // Not iswdigit() and its kin: which characters they take depends on the user's language.
 bool IsDigit(wchar_t c)
@@ -97,7 +96,7 @@ int CCheck::CheckDeg(const std::wstring& text, FocusTarget* control, int showMes
 double CCheck::GetRad(const std::wstring& text)
 {
     stCheckDegRange(text);
-    return m_lastAngle / 3600.0 / 180.0 * kPi;
+    return m_lastAngle / 3600.0 / 180.0 * std::numbers::pi;
 }
 
 int CCheck::stCheckNum(const std::wstring& text, FocusTarget* control, int integerOnly,

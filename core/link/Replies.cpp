@@ -1,6 +1,7 @@
 #include "core/link/Replies.h"
 
 #include "core/link/LayoutReader.h"
+#include "core/platform/Calendar.h"
 
 #include <cmath>
 
@@ -12,7 +13,6 @@ using namespace std::string_view_literals;
 
 constexpr std::size_t kCmrxLength = 33; // of the extended options, from which on CMRx counts
 
-constexpr double kSecondsPerWeek = 604800.0;
 constexpr std::uint16_t kUnknownWeek = 0xFFFF;
 constexpr std::uint16_t kBluetoothModel = 310;
 constexpr int kRtkFixed = 5;
@@ -39,7 +39,7 @@ std::optional<TiltTime> ReadTiltTime(LayoutReader& in)
 {
     TiltTime time;
     in.Read(time.week, time.secondsOfWeek);
-    if (time.week == kUnknownWeek || time.secondsOfWeek >= kSecondsPerWeek) {
+    if (time.week == kUnknownWeek || time.secondsOfWeek >= kWeekS) {
         return std::nullopt;
     }
     return time;
@@ -142,7 +142,7 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 {
     return ReadReply<GpsTimeReply>(frame, 0x15, "", [](auto& in, auto& reply) {
         in.Read(reply.secondsOfWeek, reply.week, reply.utcOffsetS);
-        return reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
+        return reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kWeekS;
     });
 }
 
@@ -160,7 +160,7 @@ std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
         in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
                 reply.hdop, reply.vdop);
         ReadPlace(in, reply.position);
-        return reply.secondsOfWeek < kSecondsPerWeek;
+        return reply.secondsOfWeek < kWeekS;
     });
 }
 

@@ -1,5 +1,6 @@
 #include "core/tilt/CalibrationStatus.h"
 
+#include "core/platform/Calendar.h"
 #include "core/resources/StringTable.h"
 
 namespace fieldcore {
@@ -8,7 +9,6 @@ namespace {
 
 constexpr int kCompleted = 1;
 constexpr double kSecondsPerHour = 3600.0;
-constexpr double kSecondsPerWeek = 604800.0;
 
 } // namespace
 
@@ -44,7 +44,7 @@ int CalibrationTextId(const std::optional<TiltReading>& reading, const LastCalib
 
 double SecondsOf(const std::optional<TiltTime>& time)
 {
-    return time ? time->week * kSecondsPerWeek + time->secondsOfWeek : kUnknownTimeS;
+    return time ? time->week * kWeekS + time->secondsOfWeek : kUnknownTimeS;
 }
 
 long long RemainingSeconds(const std::optional<TiltCalibration>& record,
