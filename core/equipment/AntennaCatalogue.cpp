@@ -1,7 +1,6 @@
 #include "core/equipment/AntennaCatalogue.h"
 
-#include "core/equipment/AntennaFile.h"
-#include "core/equipment/SampleAntennas.h"
+#include "core/host/WaitCursor.h"
 #include "core/input/Parts.h"
 #include "core/planning/CalendarTime.h"
 #include "core/platform/AtomicFile.h"
@@ -9,7 +8,9 @@
 #include "core/platform/SaturateCast.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
+#include "core/resources/StringTable.h"
 #include "core/settings/Profile.h"
+#include "core/settings/ProfileText.h"
 
 #include <algorithm>
 #include <array>
@@ -17,6 +18,7 @@
 #include <cstdint>
 #include <cwchar>
 #include <fstream>
+#include <map>
 #include <span>
 #include <system_error>
 #include <utility>
@@ -36,17 +38,64 @@ constexpr const wchar_t* kCharCode = L"CharCode";
 constexpr const wchar_t* kCode = L"Type";
 constexpr const wchar_t* kMethod = L"MeasMethod";
 
-/// The wait cursor for as long as this lives.
-class Waiting
+/// The number behind @p prefix as the file has it, without zeros in front.
+/// @return nothing if @p key is another one, or the number is not below @p limit
+std::optional<int> NumberOf(std::wstring_view key, std::wstring_view prefix, int limit)
+{
+    if (!key.starts_with(prefix)) {
+        return std::nullopt;
+    }
+    key.remove_prefix(prefix.size());
+    int number = 0;
+    for (const wchar_t digit : key) {
+        if (digit < L'0' || digit > L'9' || number >= limit) {
+            return std::nullopt;
+        }
+        number = 10 * number + (digit - L'0');
+    }
+    return number < limit && key == std::to_wstring(number) ? std::optional(number) : std::nullopt;
+}
+
+/// Values under numbers, of which the first counts.
+class Numbered
 {
 public:
-    explicit Waiting(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
-    ~Waiting() { m_host.ShowWaitCursor(false); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
+    void Add(int number, std::wstring_view value) { m_values.try_emplace(number, value); }
+
+    /// Those from 0 to before the first that is missing.
+    [[nodiscard]] std::vector<std::wstring> Row() const
+    {
+        std::vector<std::wstring> row;
+        for (const auto& [number, value] : m_values) { // in order of the numbers
+            if (number != static_cast<int>(row.size())) {
+                break;
+            }
+            row.push_back(value);
+        }
+        return row;
+    }
 
 private:
-    Host& m_host;
+    std::map<int, std::wstring> m_values;
+};
+
+/// What a section says of an antenna; several types may name the same one.
+struct Description
+{
+    std::optional<std::wstring> charCode;
+    std::optional<std::wstring> code;
+    Numbered methods;
+
+    void Add(std::wstring_view key, std::wstring_view value)
+    {
+        if (key == kCharCode && !charCode) {
+            charCode = value;
+        } else if (key == kCode && !code) {
+            code = value;
+        } else if (const auto method = NumberOf(key, kMethod, AntennaCatalogue::kMaxMethods)) {
+            methods.Add(*method, value.empty() ? Text(text::kAntennaDefaultMethod) : value);
+        }
+    }
 };
 
 std::vector<AntennaFileType> ReadFile(const fs::path& file)
@@ -84,6 +133,35 @@ std::wstring WithoutBlanks(std::wstring_view text)
 }
 
 } // namespace
+
+std::vector<AntennaFileType> ReadAntennaFile(std::string bytes)
+{
+    const ProfileText file(std::move(bytes));
+    Numbered list;
+    const std::wstring head(kType);
+    file.Visit(std::span(&head, 1),
+               [&](std::size_t, std::wstring_view key, std::wstring_view name) {
+                   if (const auto type = NumberOf(key, L"DATA", AntennaCatalogue::kMaxTypes)) {
+                       list.Add(*type, name);
+                   }
+               });
+    const std::vector<std::wstring> names = list.Row();
+    std::vector<std::wstring> sections = names;
+    std::sort(sections.begin(), sections.end());
+    sections.erase(std::unique(sections.begin(), sections.end()), sections.end());
+    std::vector<Description> found(sections.size());
+    file.Visit(sections, [&](std::size_t at, std::wstring_view key, std::wstring_view value) {
+        found[at].Add(key, value);
+    });
+    std::vector<AntennaFileType> types;
+    for (const std::wstring& name : names) {
+        const auto at = std::lower_bound(sections.begin(), sections.end(), name);
+        const Description& section = found[static_cast<std::size_t>(at - sections.begin())];
+        types.push_back({name, section.charCode.value_or(L"  "), section.code.value_or(L"0"),
+                         section.methods.Row()});
+    }
+    return types;
+}
 
 fs::path AntennaFilePath(const fs::path& folder)
 {
@@ -144,7 +222,7 @@ int AntennaCatalogue::Update(Host& host)
     if (known == stamp && (knownFile == file || !isFileKnown)) {
         return 1;
     }
-    const Waiting waiting(host);
+    const WaitCursor waiting(host);
     const std::vector<AntennaFileType> types = ReadFile(AntennaFilePath(m_folder));
     CReg reg(m_reg);
     reg.SetRootKey(RootKey::CurrentUser, 1);

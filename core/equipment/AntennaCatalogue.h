@@ -4,10 +4,13 @@
 #include "core/host/Host.h"
 #include "core/settings/HostReg.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fieldcore {
 
@@ -18,6 +21,22 @@ namespace fieldcore {
 /// "2026/1/9 08:05:03 2048"; "00/00/00 00:00:00 0" for one that cannot be read.
 [[nodiscard]] std::wstring AntennaFileStamp(const std::filesystem::path& folder);
 
+/// One type of antenna as the catalogue file describes it; texts as they stand there.
+struct AntennaFileType
+{
+    std::wstring name;
+    std::wstring charCode;
+    std::wstring code;
+    std::vector<std::wstring> methods;
+};
+
+/// The types of a catalogue file, in its order. Any bytes may be given to it. It is gone through
+/// twice, however many types and methods it has.
+/// @param bytes  a profile file: code page 932, or UTF-8 or UTF-16 with a byte order mark
+[[nodiscard]] std::vector<AntennaFileType> ReadAntennaFile(std::string bytes);
+
+/// The bytes of the catalogue that comes with the program, core/equipment/GAntenna.ini.
+[[nodiscard]] std::span<const std::uint8_t> SampleAntennas();
 /// Writes the catalogue that comes with the program, if there is no catalogue file yet.
 /// @return 1 if a file is there now, else 0
 int InstallSampleAntennas(const std::filesystem::path& folder);

@@ -1,7 +1,7 @@
 #include "ui/equipment/Antenna.h"
 
-#include "core/equipment/AntennaInput.h"
 #include "core/host/MesBox.h"
+#include "core/input/Check.h"
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
 #include "ui/controls/RoleLabel.h"
@@ -353,7 +353,7 @@ bool CAntenna::OnClose(int result)
     const std::wstring height = m_height->currentText().toStdWString();
     const std::wstring serial = m_serial->currentText().toStdWString();
     WidgetFocus heightField(m_height->lineEdit());
-    if (AntennaHeightCheck().CheckNum(height, &heightField, 0, 1) == 0) {
+    if (CCheck(0.0, kHighestAntennaM).CheckNum(height, &heightField, 0, 1) == 0) {
         return false;
     }
     if (const std::wstring fault = AntennaHeightFault(height); !fault.empty()) {
