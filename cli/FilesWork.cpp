@@ -4,7 +4,7 @@
 #include "cli/Wildcard.h"
 #include "cli/Wording.h"
 
-#include "core/equipment/AmountTexts.h"
+#include "core/equipment/FileTexts.h"
 #include "core/equipment/FileRunner.h"
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"

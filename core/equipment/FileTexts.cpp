@@ -8,6 +8,7 @@
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace fieldcore {
@@ -26,6 +27,19 @@ constexpr std::uint64_t kBitsPerByte = 10; // with start and stop bit
 bool IsNumber(std::wstring_view text)
 {
     return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
+}
+
+constexpr std::array kUnits{L" B", L" KB", L" MB", L" GB", L" TB"};
+
+std::wstring AmountText(double bytes)
+{
+    std::size_t unit = 0;
+    // What would round to four digits takes the next unit.
+    for (; bytes >= 999.5 && unit + 1 < kUnits.size(); ++unit) {
+        bytes /= kUnit;
+    }
+    const std::uint8_t decimals = unit == 0 || bytes >= 99.95 ? 0 : bytes >= 9.995 ? 1 : 2;
+    return FormatFixed(bytes, decimals) + kUnits.at(unit);
 }
 
 } // namespace
@@ -120,6 +134,20 @@ std::wstring TransferTimeText(std::uint64_t bytes, std::uint32_t bitsPerSecond)
         return FormatText(text::kTimeTensOfSeconds, seconds / 10 + 1);
     }
     return FormatText(text::kTimeMinutes, seconds / 60 + 1);
+}
+
+std::wstring ByteCountText(std::uint64_t bytes)
+{
+    return AmountText(static_cast<double>(bytes));
+}
+
+std::wstring ByteRateText(double bytesPerSecond)
+{
+    constexpr double kMost = 1e15;
+    if (!(bytesPerSecond > 0.0)) {
+        return L"--";
+    }
+    return AmountText(std::min(bytesPerSecond, kMost)) + L"/s";
 }
 
 } // namespace fieldcore

@@ -1,6 +1,6 @@
 #include "ui/equipment/TransferPanel.h"
 
-#include "core/equipment/AmountTexts.h"
+#include "core/equipment/FileTexts.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/QtHost.h"
