@@ -64,9 +64,8 @@ double BubbleScale(double sensitivityArcMin)
     constexpr double kPixelsPerMm = 96.0 / 25.4;
     constexpr double kRadPerMm = std::numbers::pi / 21600.0; // of one arc minute in 2 mm
     const double scale = kPixelsPerMm / (sensitivityArcMin * kRadPerMm);
-    return sensitivityArcMin > 0.0 && std::isnormal(scale)
-               ? scale
-               : kPixelsPerMm / (kDefault * kRadPerMm);
+    return sensitivityArcMin > 0.0 && std::isnormal(scale) ? scale
+                                                           : kPixelsPerMm / (kDefault * kRadPerMm);
 }
 
 BubblePicture PictureOf(const TiltReading& reading, const BubbleRules& rules)

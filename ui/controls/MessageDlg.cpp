@@ -5,6 +5,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -91,7 +92,8 @@ QString Breakable(const QString& text)
 } // namespace
 
 MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle style, QWidget* parent)
-    : Dialog(parent), m_style(style), m_text(new QLabel(Breakable(text))), m_scroll(new QScrollArea)
+    : Dialog(parent), m_style(style), m_text(new QLabel(Breakable(text))),
+      m_scroll(MakeScroll(m_text))
 {
     // The caption stands in the box: a controller shows no title bars.
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
@@ -108,20 +110,13 @@ MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle sty
         icon->setAccessibleName(UiText(look.textId));
     }
     auto* const heading = new QLabel(caption);
-    QFont bold = font();
-    bold.setBold(true);
-    heading->setFont(bold);
+    heading->setFont(BoldFont(font()));
     heading->setWordWrap(true);
     heading->setVisible(!caption.isEmpty());
     m_text->setWordWrap(true);
     m_text->setTextFormat(Qt::PlainText);
     heading->setTextFormat(Qt::PlainText);
     m_text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    m_scroll->setWidget(m_text);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll->setFocusPolicy(Qt::NoFocus); // until there is something to scroll
 
     auto* const words = new QVBoxLayout;
     words->addWidget(heading);
@@ -152,8 +147,7 @@ void MessageDlg::AddButtons(QBoxLayout& row)
         std::reverse(answers.begin(), answers.end());
     }
     for (const BoxAnswer answer : answers) {
-        auto* const button = new QPushButton(UiText(TextOf(answer)));
-        button->setMinimumSize(15 * kGrid, 6 * kGrid);
+        auto* const button = MakeButton(TextOf(answer));
         button->setDefault(answer == byDefault);
         connect(button, &QPushButton::clicked, this,
                 [this, answer] { Close(kFirstAnswer + static_cast<int>(answer)); });

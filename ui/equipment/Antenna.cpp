@@ -9,10 +9,10 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/WidgetFocus.h"
+#include "ui/controls/Widgets.h"
 #include "ui/equipment/AntennaDrawing.h"
 #include "ui/input/ComboEntries.h"
 
-#include <QFontInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -138,17 +138,10 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
     m_body->addLayout(grid);
     m_body->addLayout(picture, 1);
     content->setLayout(m_body);
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidget(content);
+    auto* const scroll = MakeScroll(content);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
 
-    constexpr double kLarge = 1.5; // of the text's own size
-    QFont large = font();
-    large.setPixelSize(qRound(QFontInfo(large).pixelSize() * kLarge));
-    large.setBold(true);
-    m_vertical->setFont(large);
+    m_vertical->setFont(BoldFont(font(), 1.5));
     m_vertical->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto* const verticalLabel = new QLabel(UiText(text::kAntennaVertical));
     m_vertical->setAccessibleName(verticalLabel->text());

@@ -1,16 +1,15 @@
 #include "ui/tilt/TiltStatusDlg.h"
 
 #include "core/tilt/BubbleConfig.h"
-#include "ui/controls/FormRow.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 #include "ui/tilt/TiltCalibDlg.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
-#include <QFontInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -39,6 +38,17 @@ QPushButton* Button(int textId, const char* icon)
     return button;
 }
 
+/// The first one has what the second one leaves.
+QWidget* SideBySide(QWidget* first, QWidget* second)
+{
+    auto* const both = new QWidget;
+    auto* const row = new QHBoxLayout(both);
+    row->setContentsMargins({});
+    row->addWidget(first, 1);
+    row->addWidget(second);
+    return both;
+}
+
 template <typename Choices>
 void Fill(CTComboBox& list, const Choices& choices)
 {
@@ -63,8 +73,6 @@ TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent
 {
     setWindowTitle(UiText(text::kTiltCaption));
     OfferConnection();
-    m_duration->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
-    m_expiryEdit->setInputMethodHints(Qt::ImhDigitsOnly);
     Build();
     connect(m_sensitivity, &QComboBox::activated, this,
             [this](int place) { m_tilt.ChooseSensitivity(place); });
@@ -88,11 +96,8 @@ void TiltStatusDlg::Build()
     auto* const column = new QVBoxLayout(inside);
     column->setContentsMargins(12, kGrid, 12, kGrid);
     column->setSpacing(kGrid);
-    QFont large = font();
-    large.setBold(true);
-    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
     for (QLabel* const headline : {m_notice, m_status}) {
-        headline->setFont(large);
+        headline->setFont(BoldFont(font(), 1.25));
         headline->setWordWrap(true);
         column->addWidget(headline);
     }
@@ -115,18 +120,12 @@ void TiltStatusDlg::Build()
     buttons->addWidget(bubble);
     buttons->addWidget(m_calibrate);
 
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidget(inside);
     auto* const menu = new CnMenuBar;
     connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
     auto* const window = new QVBoxLayout(this);
     window->setContentsMargins({});
     window->setSpacing(kGrid);
-    window->addWidget(scroll, 1);
+    window->addWidget(MakeScroll(inside), 1);
     auto* const foot = new QHBoxLayout;
     foot->setContentsMargins(12, 0, 12, 0);
     foot->addLayout(buttons);
@@ -149,27 +148,13 @@ void TiltStatusDlg::BuildSettings(QFormLayout& form)
     Fill(*m_speed, SpeedChoices());
     m_duration->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
     m_expiryEdit->setInputMethodHints(Qt::ImhDigitsOnly);
-    auto* const duration = new QWidget;
-    auto* const row = new QHBoxLayout(duration);
-    row->setContentsMargins({});
-    row->addWidget(m_duration);
-    row->addWidget(new QLabel(UiText(text::kTiltMetres)));
-    auto* const shown = new QWidget;
-    auto* const shownRow = new QHBoxLayout(shown);
-    shownRow->setContentsMargins({});
-    shownRow->addWidget(m_expiry, 1);
-    shownRow->addWidget(m_change);
-    auto* const edited = new QWidget;
-    auto* const editRow = new QHBoxLayout(edited);
-    editRow->setContentsMargins({});
-    editRow->addWidget(m_expiryEdit, 1);
-    editRow->addWidget(new QLabel(UiText(text::kTiltHours)));
-    m_expiryPlace->addWidget(shown);
-    m_expiryPlace->addWidget(edited);
+    m_expiryPlace->addWidget(SideBySide(m_expiry, m_change));
+    m_expiryPlace->addWidget(SideBySide(m_expiryEdit, new QLabel(UiText(text::kTiltHours))));
     m_expiryPlace->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     AddFormRow(form, UiText(text::kTiltSensitivityLabel), m_sensitivity);
     AddFormRow(form, UiText(text::kTiltSpeedLabel), m_speed);
-    AddFormRow(form, UiText(text::kTiltToleranceLabel), duration);
+    AddFormRow(form, UiText(text::kTiltToleranceLabel),
+               SideBySide(m_duration, new QLabel(UiText(text::kTiltMetres))));
     AddFormRow(form, UiText(text::kTiltValidityLabel), m_expiryPlace);
     m_sensitivity->setAccessibleName(UiText(text::kTiltSensitivityLabel));
     m_speed->setAccessibleName(UiText(text::kTiltSpeedLabel));
