@@ -279,28 +279,30 @@ int AntennaCatalogue::MethodCount(int type) const
     return count;
 }
 
-std::optional<int> AntennaCatalogue::FindCode(long code) const
+template <typename IsIt>
+std::optional<int> AntennaCatalogue::Find(const wchar_t* name, IsIt isIt) const
 {
     const int count = GetMaxCount();
-    for (int type = 0; type < count; ++type) {
-        const std::wstring text = Read(kCode, type);
-        if (!text.empty() && SaturateCast<long>(CParts::atof(text)) == code) {
-            return type;
-        }
+    int type = 0;
+    while (type < count && !isIt(Read(name, type))) {
+        ++type;
     }
-    return std::nullopt;
+    return type < count ? std::optional(type) : std::nullopt;
+}
+
+std::optional<int> AntennaCatalogue::FindCode(long code) const
+{
+    return Find(kCode, [code](const std::wstring& text) {
+        return !text.empty() && SaturateCast<long>(CParts::atof(text)) == code;
+    });
 }
 
 std::optional<int> AntennaCatalogue::FindCharCode(std::wstring_view charCode) const
 {
     const std::wstring wanted = WithoutBlanks(charCode);
-    const int count = wanted.empty() ? 0 : GetMaxCount();
-    for (int type = 0; type < count; ++type) {
-        if (WithoutBlanks(Read(kCharCode, type)) == wanted) {
-            return type;
-        }
-    }
-    return std::nullopt;
+    return Find(kCharCode, [&wanted](const std::wstring& text) {
+        return !wanted.empty() && WithoutBlanks(text) == wanted;
+    });
 }
 
 } // namespace fieldcore

@@ -98,6 +98,9 @@ public:
 
 private:
     [[nodiscard]] std::wstring Read(const wchar_t* name, int type) const;
+    /// The first type that has such a value.
+    template <typename IsIt>
+    [[nodiscard]] std::optional<int> Find(const wchar_t* name, IsIt isIt) const;
 
     const std::filesystem::path m_folder;
     HostReg m_reg; // opens keys, and makes none

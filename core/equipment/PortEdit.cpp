@@ -24,32 +24,15 @@ PortSettings LineWithFlagsOf(CComPrmSet set)
 
 int PortSetText(PortSet outcome)
 {
-    switch (outcome) {
-    case PortSet::Done:
-        break;
-    case PortSet::Refused:
-        return text::kComRefused;
-    case PortSet::NoAnswer:
-        return text::kComNoAnswer;
-    case PortSet::NotStored:
-        return text::kComNotStored;
-    }
-    return 0;
+    constexpr int kTexts[] = {0, text::kComRefused, text::kComNoAnswer, text::kComNotStored};
+    return kTexts[static_cast<std::size_t>(outcome)];
 }
 
 int PortKnownText(PortKnown known)
 {
-    switch (known) {
-    case PortKnown::Same:
-        break;
-    case PortKnown::Waiting:
-        return text::kComKnownWaiting;
-    case PortKnown::Default:
-        return text::kComKnownDefault;
-    case PortKnown::Stored:
-        return text::kComKnownStored;
-    }
-    return 0;
+    constexpr int kTexts[] = {0, text::kComKnownWaiting, text::kComKnownDefault,
+                              text::kComKnownStored};
+    return kTexts[static_cast<std::size_t>(known)];
 }
 
 int ForgetPorts(SettingsRoots& roots)

@@ -467,12 +467,6 @@ bool IsWithin(const ReceiverField& field, Number number)
     return std::isfinite(value) && value >= field.number.least && value <= field.number.most;
 }
 
-std::optional<Clock::Duration> AgeOf(const ReceiverField& field, R receiver, V view)
-{
-    const std::optional<Clock::Duration> at = TimeOf(field.source, receiver);
-    return at ? std::optional(std::max(view.now - *at, Clock::Duration::zero())) : std::nullopt;
-}
-
 struct MomentParts
 {
     std::string date;
@@ -498,18 +492,12 @@ Value ReportMoment(const Moment& moment)
                        parts.date + " " + parts.timeOfDay + (moment.isJst ? " JST" : " UTC"));
 }
 
-/// The moment as it is by now.
-std::chrono::local_seconds MovedOn(const Moment& moment, Clock::Duration age)
+/// The moment as it is by now: it goes on as long as it is fresh.
+MomentParts PartsByNow(const Moment& moment, const ReceiverField& field, R receiver, V view)
 {
-    return moment.time + std::chrono::floor<seconds>(age);
-}
-
-/// How old a value is for what goes on as long as it is fresh.
-Clock::Duration GoneBy(const ReceiverField& field, R receiver, V view)
-{
-    return IsStale(field, receiver, view)
-               ? Clock::Duration::zero()
-               : AgeOf(field, receiver, view).value_or(Clock::Duration::zero());
+    const auto age = IsStale(field, receiver, view) ? std::nullopt : AgeOf(field, receiver, view);
+    const auto goneBy = std::chrono::floor<seconds>(age.value_or(Clock::Duration::zero()));
+    return PartsOf(moment.time + goneBy, moment.hasSeconds);
 }
 
 std::wstring WithUnit(const ReceiverField& field, std::wstring number, bool isBelowZero)
@@ -570,6 +558,13 @@ std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiv
         return at(receiver.calibration);
     }
     return std::nullopt;
+}
+
+std::optional<Clock::Duration> AgeOf(const ReceiverField& field, const Receiver& receiver,
+                                     const StatusView& view)
+{
+    const std::optional<Clock::Duration> at = TimeOf(field.source, receiver);
+    return at ? std::optional(std::max(view.now - *at, Clock::Duration::zero())) : std::nullopt;
 }
 
 std::span<const ReceiverField> AllReceiverFields()
@@ -649,8 +644,7 @@ std::wstring FieldText(const ReceiverField& field, const Receiver& receiver, con
             [](const Term* term) { return std::wstring(Text(term->textId)); },
             [](Angle angle) { return RADtoDEGStr(angle.rad, 1, kSecondDecimals); },
             [&](const Moment& moment) {
-                const MomentParts parts =
-                    PartsOf(MovedOn(moment, GoneBy(field, receiver, view)), moment.hasSeconds);
+                const MomentParts parts = PartsByNow(moment, field, receiver, view);
                 return FromUtf8(parts.date + " " + parts.timeOfDay);
             },
             [](std::chrono::minutes left) { return MinutesText(left); },
@@ -668,12 +662,8 @@ std::wstring JstTimeOfDay(const Receiver& receiver, const StatusView& view)
 {
     const ReceiverField& field = FieldOf("jst");
     const Known value = ReadField(field, receiver, view);
-    if (!value) {
-        return {};
-    }
-    const auto& moment = std::get<Moment>(*value);
-    const Clock::Duration age = GoneBy(field, receiver, view);
-    return FromUtf8(PartsOf(MovedOn(moment, age), moment.hasSeconds).timeOfDay);
+    return value ? FromUtf8(PartsByNow(std::get<Moment>(*value), field, receiver, view).timeOfDay)
+                 : std::wstring();
 }
 
 std::wstring ControllerTimeOfDay(Clock::UtcTime utc)

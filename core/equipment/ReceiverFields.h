@@ -79,6 +79,11 @@ enum class FieldSource
 /// When a reply came; nothing if it has not, and for who the receiver is.
 [[nodiscard]] std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver);
 
+struct ReceiverField;
+/// How old a field is; nothing as above.
+[[nodiscard]] std::optional<Clock::Duration>
+AgeOf(const ReceiverField& field, const Receiver& receiver, const StatusView& view);
+
 /// How a number is shown, and between what it lies.
 struct FieldNumber
 {

@@ -2,7 +2,9 @@
 
 #include "core/input/EntryList.h"
 
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -11,15 +13,24 @@ namespace fieldcore {
 class TextEntries final : public EntryList
 {
 public:
-    explicit TextEntries(std::vector<std::wstring> texts = {}, int selected = -1);
+    explicit TextEntries(std::vector<std::wstring> texts = {}, int selected = -1)
+        : m_texts(std::move(texts)), m_selected(selected)
+    {}
 
     [[nodiscard]] const std::vector<std::wstring>& Texts() const { return m_texts; }
 
     [[nodiscard]] int GetCount() const override { return static_cast<int>(m_texts.size()); }
-    [[nodiscard]] std::wstring GetText(int index) const override;
+    [[nodiscard]] std::wstring GetText(int index) const override
+    {
+        return m_texts.at(static_cast<std::size_t>(index));
+    }
     [[nodiscard]] int GetSelected() const override { return m_selected; }
     void Select(int index) override { m_selected = index; }
-    void Insert(int position, std::wstring_view text) override;
+    void Insert(int position, std::wstring_view text) override
+    {
+        m_texts.emplace(m_texts.begin() + position, text);
+        m_selected += m_selected >= position ? 1 : 0;
+    }
     void ScrollToTop() override {} // nobody sees it
 
 private:

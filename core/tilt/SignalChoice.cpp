@@ -10,17 +10,14 @@ namespace fieldcore {
 
 namespace {
 
-struct StoredSignal
-{
-    const wchar_t* name;
-    Signal signal;
-};
+/// By which they are stored, in their order.
+constexpr std::array<const wchar_t*, kAllSignals.size()> kNames{L"L2C", L"Glonass", L"Qzss",
+                                                                L"Galileo", L"L5"};
 
-constexpr StoredSignal kStored[] = {{L"Glonass", Signal::Glonass},
-                                    {L"Qzss", Signal::Qzss},
-                                    {L"Galileo", Signal::Galileo},
-                                    {L"L2C", Signal::L2c},
-                                    {L"L5", Signal::L5}};
+const wchar_t* NameOf(Signal signal)
+{
+    return kNames[static_cast<std::size_t>(signal)];
+}
 
 std::wstring KeyOf(std::uint32_t typeNumber)
 {
@@ -79,10 +76,10 @@ SignalSet LoadSignals(const CReg& reg, std::uint32_t typeNumber)
 {
     SignalSet chosen;
     const std::wstring key = KeyOf(typeNumber);
-    for (const StoredSignal& stored : kStored) {
+    for (const Signal signal : kAllSignals) {
         std::uint32_t value = 0;
-        reg.ReadNumber(key, stored.name, value, 0);
-        chosen.Set(stored.signal, value != 0);
+        reg.ReadNumber(key, NameOf(signal), value, 0);
+        chosen.Set(signal, value != 0);
     }
     return chosen;
 }
@@ -92,8 +89,8 @@ int SaveSignals(const CReg& reg, std::uint32_t typeNumber, const SignalSet& chos
     const std::wstring key = KeyOf(typeNumber);
     SettingsBatch batch(reg.Store());
     bool stored = batch.IsOpen();
-    for (const StoredSignal& each : kStored) {
-        stored = stored && reg.WriteNumber(key, each.name, chosen.Has(each.signal) ? 1 : 0) == 1;
+    for (const Signal signal : kAllSignals) {
+        stored = stored && reg.WriteNumber(key, NameOf(signal), chosen.Has(signal) ? 1 : 0) == 1;
     }
     return stored && batch.Commit() ? 1 : 0;
 }

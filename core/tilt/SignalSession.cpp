@@ -22,31 +22,19 @@ SignalAnswers SignalSession::Ask(CCommand& command)
 
 void SignalSession::Open(const SignalAnswers& answers)
 {
-    m_isLocked = answers.isLocked;
-    m_isKnown = false;
-    m_typeNumber = answers.typeNumber;
-    m_info = CRecvInfo();
-    m_enabled = SignalSet();
-    m_checked = SignalSet();
-    const SignalSet kept = LoadSignals(m_reg, m_typeNumber);
-    if (m_isLocked) {
-        m_checked = kept;
-        return;
-    }
-    if (!answers.hasPort) {
-        return;
-    }
+    m_told = answers;
     if (!answers.isRead) { // a part of it would send a part of the choice
-        for (const Signal signal : kAllSignals) {
-            m_enabled.Set(signal, true);
-        }
-        return;
+        m_told.info = CRecvInfo();
     }
-    m_info = answers.info;
-    m_isKnown = m_info.GetRecvTypeNum() != 0; // without a port there is nothing to read
-    m_enabled = SignalsOf(m_info);
+    const SignalSet kept = LoadSignals(m_reg, TypeNumber());
+    m_enabled = SignalsOf(Info());
+    m_checked = IsLocked() ? kept : SignalSet();
     for (const Signal signal : kAllSignals) {
-        m_checked.Set(signal, m_enabled.Has(signal) && kept.Has(signal));
+        if (answers.isRead) {
+            m_checked.Set(signal, m_enabled.Has(signal) && kept.Has(signal));
+        } else {
+            m_enabled.Set(signal, answers.hasPort && !IsLocked());
+        }
     }
 }
 
@@ -59,27 +47,27 @@ void SignalSession::Check(Signal signal, bool on)
 
 std::vector<std::uint8_t> SignalSession::CommandData() const
 {
-    if (m_isLocked || SignalsOf(m_info).IsEmpty()) {
+    if (IsLocked() || SignalsOf(Info()).IsEmpty()) {
         return {};
     }
-    return SignalCommand(m_checked, m_info.GetSolace() != 0);
+    return SignalCommand(m_checked, Info().GetSolace() != 0);
 }
 
 SignalSession::Outcome SignalSession::Confirm()
 {
     Outcome outcome;
-    if (m_isLocked) {
+    if (IsLocked()) {
         return outcome;
     }
     if (const std::vector<std::uint8_t> data = CommandData(); !data.empty()) {
         outcome.sent = m_command->SetSignals(data);
         outcome.fault = m_command->Fault();
     }
-    if (m_info.GetMeridian() != 0) {
+    if (Info().GetMeridian() != 0) {
         outcome.boardTold = m_command->SetBoardSignals(0, 0, 0);
     }
-    if (m_typeNumber != 0) {
-        outcome.stored = SaveSignals(m_reg, m_typeNumber, m_checked);
+    if (TypeNumber() != 0) {
+        outcome.stored = SaveSignals(m_reg, TypeNumber(), m_checked);
     }
     return outcome;
 }

@@ -43,13 +43,13 @@ public:
     void Open() { Open(m_command != nullptr ? Ask(*m_command) : SignalAnswers()); }
 
     /// An application file in the receiver fixes the signals: nothing can be chosen.
-    [[nodiscard]] bool IsLocked() const { return m_isLocked; }
+    [[nodiscard]] bool IsLocked() const { return m_told.isLocked; }
     /// The receiver's options are known. Where they are not, agreeing sends nothing.
-    [[nodiscard]] bool IsKnown() const { return m_isKnown; }
+    [[nodiscard]] bool IsKnown() const { return Info().GetRecvTypeNum() != 0; }
     /// @return 0 if the receiver did not tell
-    [[nodiscard]] std::uint32_t TypeNumber() const { return m_typeNumber; }
+    [[nodiscard]] std::uint32_t TypeNumber() const { return m_told.typeNumber; }
     /// As the receiver said when it was opened; it says nothing while the choice is locked.
-    [[nodiscard]] const CRecvInfo& Info() const { return m_info; }
+    [[nodiscard]] const CRecvInfo& Info() const { return m_told.info; }
 
     [[nodiscard]] bool IsEnabled(Signal signal) const { return m_enabled.Has(signal); }
     [[nodiscard]] bool IsChecked(Signal signal) const { return m_checked.Has(signal); }
@@ -73,10 +73,7 @@ public:
 private:
     CCommand* const m_command;
     const CReg& m_reg;
-    CRecvInfo m_info;
-    std::uint32_t m_typeNumber = 0;
-    bool m_isLocked = false;
-    bool m_isKnown = false;
+    SignalAnswers m_told; // its info as far as it can be used
     SignalSet m_enabled;
     SignalSet m_checked;
 };

@@ -9,7 +9,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -197,13 +196,7 @@ bool MessageDlg::OnInitDialog()
 void MessageDlg::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event)
-    // An edge, since there is no frame, and a band in the colour of the icon.
-    QPainter painter(this);
-    const Theme& theme = Theme::Current();
-    painter.fillRect(rect(), theme.ground);
-    painter.setPen(theme.stale);
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    painter.fillRect(0, 0, width(), kGrid / 2, LookOf(m_style.icon).colour);
+    PaintGround(*this, LookOf(m_style.icon).colour);
 }
 
 } // namespace fieldcore

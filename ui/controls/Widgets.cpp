@@ -1,6 +1,7 @@
 #include "ui/controls/Widgets.h"
 
 #include "ui/controls/Icon.h"
+#include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
@@ -8,6 +9,7 @@
 #include <QFontInfo>
 #include <QFormLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
 
@@ -50,6 +52,15 @@ QScrollArea* MakeScroll(QWidget* content)
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setWidget(content);
     return scroll;
+}
+
+void PaintGround(QWidget& window, const QColor& band)
+{
+    QPainter painter(&window);
+    painter.fillRect(window.rect(), Theme::Current().ground);
+    painter.setPen(Theme::Current().stale);
+    painter.drawRect(window.rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(0, 0, window.width(), TouchStyle::kGrid / 2, band);
 }
 
 void AddFormRow(QFormLayout& form, const QString& label, QWidget* field)

@@ -2,6 +2,7 @@
 
 #include <QFont>
 
+class QColor;
 class QFormLayout;
 class QPushButton;
 class QScrollArea;
@@ -25,6 +26,9 @@ namespace fieldcore {
 /// is inside, and what has it is in sight.
 /// @param content  becomes the area's
 [[nodiscard]] QScrollArea* MakeScroll(QWidget* content);
+
+/// Paints the ground of a window that has no frame: an edge, and a band that is seen from afar.
+void PaintGround(QWidget& window, const QColor& band);
 
 /// Adds a row whose field is as wide as the form, and whose label stands in the middle of the
 /// field's height, as a form of large fields does not do by itself, and takes its mnemonic there.

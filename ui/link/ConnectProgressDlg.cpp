@@ -13,7 +13,6 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -330,13 +329,7 @@ void ConnectProgressDlg::changeEvent(QEvent* event)
 void ConnectProgressDlg::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event)
-    // An edge, since there is no frame, and a band that shows a failure from afar.
-    QPainter painter(this);
-    const Theme& theme = Theme::Current();
-    painter.fillRect(rect(), theme.ground);
-    painter.setPen(theme.stale);
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    painter.fillRect(0, 0, width(), kGrid / 2, m_failed ? theme.bad : theme.accent);
+    PaintGround(*this, m_failed ? Theme::Current().bad : Theme::Current().accent);
 }
 
 } // namespace fieldcore

@@ -241,7 +241,7 @@ void TiltStatusDlg::LeaveExpiry()
 
 void TiltStatusDlg::Calibrate()
 {
-    if (m_command == nullptr || !m_tilt.MayCalibrate(GetHost())) {
+    if (m_command == nullptr || !m_tilt.MayCalibrate(m_command->GetHost())) {
         return;
     }
     m_question.reset();
@@ -250,11 +250,6 @@ void TiltStatusDlg::Calibrate()
     TiltSettings::LastRun() = run.Result();
     ShowStatus();
     AskStatus();
-}
-
-Host& TiltStatusDlg::GetHost() const
-{
-    return m_command != nullptr ? m_command->GetHost() : DefaultHost();
 }
 
 } // namespace fieldcore
