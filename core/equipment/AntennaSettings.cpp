@@ -354,19 +354,11 @@ std::wstring AntennaSettings::GetAntLine() const
     const AntennaHeight height = Height(m_inputM, m_type, m_way);
     const double measuredM = CParts::round(height.measuredM, kDecimals);
     const double verticalM = CParts::round(height.verticalM, kDecimals);
-    switch (height.reduction) {
-    case AntennaReduction::Slant:
-        return FormatText(text::kAntennaStripSlant, measuredM, verticalM);
-    case AntennaReduction::TooShort:
-        return FormatText(text::kAntennaStripShort, measuredM, verticalM);
-    case AntennaReduction::Upright:
-        return FormatText(text::kAntennaStripBase, measuredM, verticalM);
-    case AntennaReduction::Unknown:
-        return FormatText(text::kAntennaStripUnknown, measuredM);
-    case AntennaReduction::None:
-        break;
-    }
-    return FormatText(text::kAntennaStripVertical, verticalM);
+    constexpr int kTexts[] = {text::kAntennaStripVertical, text::kAntennaStripUnknown,
+                              text::kAntennaStripBase, text::kAntennaStripSlant,
+                              text::kAntennaStripShort}; // in the order of the reductions
+    const int id = kTexts[static_cast<std::size_t>(height.reduction)];
+    return height.IsReduced() ? FormatText(id, measuredM, verticalM) : FormatText(id, measuredM);
 }
 
 AntennaSettings::Taken AntennaSettings::TakeFromReceiver()

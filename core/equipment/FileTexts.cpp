@@ -2,7 +2,6 @@
 
 #include "core/input/Parts.h"
 #include "core/link/DirectoryListing.h"
-#include "core/planning/JulianDate.h"
 #include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
@@ -51,15 +50,13 @@ std::wstring FileRowName(std::wstring_view name)
 
 std::wstring FileDateText(std::uint32_t seconds)
 {
-    const auto date = CalendarDateOfJulian(kGpsEpochJulianDate + seconds / kDayS);
-    if (!date) {
-        return {};
-    }
-    const int year = static_cast<int>(date->year());
+    const std::chrono::year_month_day date(
+        std::chrono::floor<std::chrono::days>(kGpsEpoch + std::chrono::seconds(seconds)));
+    const int year = static_cast<int>(date.year());
     const int yearDigits = year < 2000 ? year - 1900 : year - 2000;
     return FormatWhole(static_cast<std::uint32_t>(yearDigits), kShortYear) + L"/" +
-           FormatWhole(static_cast<unsigned>(date->month()), 2) + L"/" +
-           FormatWhole(static_cast<unsigned>(date->day()), 2);
+           FormatWhole(static_cast<unsigned>(date.month()), 2) + L"/" +
+           FormatWhole(static_cast<unsigned>(date.day()), 2);
 }
 
 std::wstring FileTimeText(std::uint32_t seconds)

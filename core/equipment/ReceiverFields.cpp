@@ -84,6 +84,12 @@ FieldValue Made(const Raw& raw)
     }
 }
 
+template <auto Reply>
+std::optional<Clock::Duration> When(R r)
+{
+    return r.*Reply ? std::optional((r.*Reply)->at) : std::nullopt;
+}
+
 /// A member of a reply, as it is.
 template <auto Reply, auto Member>
 Known Told(R r, V /*view*/)
@@ -536,28 +542,13 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 
 std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver)
 {
-    const auto at = [](const auto& timed) {
-        return timed ? std::optional(timed->at) : std::nullopt;
-    };
-    switch (source) {
-    case FieldSource::Identity:
-        break;
-    case FieldSource::Status:
-        return at(receiver.status);
-    case FieldSource::Position:
-        return at(receiver.position);
-    case FieldSource::Time:
-        return at(receiver.time);
-    case FieldSource::PowerSource:
-        return at(receiver.powerSource);
-    case FieldSource::Tracked:
-        return at(receiver.tracked);
-    case FieldSource::Tilt:
-        return at(receiver.tilt);
-    case FieldSource::Calibration:
-        return at(receiver.calibration);
-    }
-    return std::nullopt;
+    constexpr std::array kTimes{When<&Receiver::status>,     When<&Receiver::position>,
+                                When<&Receiver::time>,       When<&Receiver::powerSource>,
+                                When<&Receiver::tracked>,    When<&Receiver::tilt>,
+                                When<&Receiver::calibration>}; // in the order of the others
+    return source != FieldSource::Identity
+               ? kTimes.at(static_cast<std::size_t>(source) - 1)(receiver)
+               : std::nullopt;
 }
 
 std::optional<Clock::Duration> AgeOf(const ReceiverField& field, const Receiver& receiver,

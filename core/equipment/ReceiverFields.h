@@ -79,11 +79,6 @@ enum class FieldSource
 /// When a reply came; nothing if it has not, and for who the receiver is.
 [[nodiscard]] std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver);
 
-struct ReceiverField;
-/// How old a field is; nothing as above.
-[[nodiscard]] std::optional<Clock::Duration>
-AgeOf(const ReceiverField& field, const Receiver& receiver, const StatusView& view);
-
 /// How a number is shown, and between what it lies.
 struct FieldNumber
 {
@@ -137,6 +132,9 @@ ReadField(const ReceiverField& field, const Receiver& receiver, const StatusView
 /// The same for the user, with its unit. The time goes on while it is fresh.
 [[nodiscard]] std::wstring FieldText(const ReceiverField& field, const Receiver& receiver,
                                      const StatusView& view);
+/// How old a field is; nothing if its reply has not come, and for who the receiver is.
+[[nodiscard]] std::optional<Clock::Duration>
+AgeOf(const ReceiverField& field, const Receiver& receiver, const StatusView& view);
 /// Whether the user should see that the value is old, or that there is none.
 [[nodiscard]] bool IsStale(const ReceiverField& field, const Receiver& receiver,
                            const StatusView& view);

@@ -25,21 +25,11 @@ int CalibrationTextId(const std::optional<TiltReading>& reading, const LastCalib
             return text::kTiltAborted;
         }
     }
-    if (reading->error1 || reading->error2 || !reading->calibrationValid) {
-        return text::kTiltNotCompleted;
-    }
-    switch (reading->calibrationState) {
-    case kCompleted:
-        return text::kTiltCompleted;
-    case 2:
-        return text::kTiltRunning;
-    case 3:
-        return text::kTiltFailed;
-    case 4:
-        return text::kTiltExpired;
-    default:
-        return text::kTiltNotCompleted;
-    }
+    constexpr std::array kTexts{text::kTiltNotCompleted, text::kTiltCompleted, text::kTiltRunning,
+                                text::kTiltFailed, text::kTiltExpired}; // by their numbers
+    const auto state = static_cast<std::size_t>(reading->calibrationState);
+    const bool isTold = reading->calibrationValid && !reading->error1 && !reading->error2;
+    return isTold && state < kTexts.size() ? kTexts[state] : text::kTiltNotCompleted;
 }
 
 double SecondsOf(const std::optional<TiltTime>& time)

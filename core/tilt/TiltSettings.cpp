@@ -79,20 +79,9 @@ int TiltSettings::StatusTextId() const
 
 int TiltSettings::NoticeTextId() const
 {
-    switch (m_state) {
-    case TiltState::NotAsked:
-        return text::kTiltAsking;
-    case TiltState::NoReceiver:
-        return text::kTiltNoReceiver;
-    case TiltState::Silent:
-        return text::kTiltSilent;
-    case TiltState::NotBuiltIn:
-    case TiltState::Absent:
-        return text::kTiltNoSensor;
-    case TiltState::Heard:
-        break;
-    }
-    return 0;
+    constexpr int kTexts[] = {text::kTiltAsking,   text::kTiltNoReceiver, text::kTiltSilent,
+                              text::kTiltNoSensor, text::kTiltNoSensor,   0}; // in their order
+    return kTexts[static_cast<std::size_t>(m_state)];
 }
 
 bool TiltSettings::HasSensor() const

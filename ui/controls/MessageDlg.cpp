@@ -30,44 +30,28 @@ constexpr int kFirstAnswer = 100;
 struct IconLook
 {
     const char* name;
-    QColor colour;
+    QColor Theme::*colour;
     int textId;
 };
 
 /// Nothing to show for BoxIcon::None.
-IconLook LookOf(BoxIcon icon)
+const IconLook& LookOf(BoxIcon icon)
 {
-    const Theme& theme = Theme::Current();
-    switch (icon) {
-    case BoxIcon::Information:
-        return {"information", theme.accent, text::kMessageIconInformation};
-    case BoxIcon::Exclamation:
-        return {"exclamation", theme.attention, text::kMessageIconExclamation};
-    case BoxIcon::Stop:
-        return {"stop", theme.bad, text::kMessageIconStop};
-    case BoxIcon::Question:
-        return {"question", theme.accent, text::kMessageIconQuestion};
-    case BoxIcon::None:
-        break;
-    }
-    return {"", theme.accent, 0};
+    static constexpr IconLook kLooks[] = {
+        {"", &Theme::accent, 0},
+        {"information", &Theme::accent, text::kMessageIconInformation},
+        {"exclamation", &Theme::attention, text::kMessageIconExclamation},
+        {"stop", &Theme::bad, text::kMessageIconStop},
+        {"question", &Theme::accent, text::kMessageIconQuestion},
+    }; // in the order of the icons
+    return kLooks[static_cast<std::size_t>(icon)];
 }
 
 int TextOf(BoxAnswer answer)
 {
-    switch (answer) {
-    case BoxAnswer::Cancel:
-        return text::kButtonCancel;
-    case BoxAnswer::Yes:
-        return text::kButtonYes;
-    case BoxAnswer::No:
-        return text::kButtonNo;
-    case BoxAnswer::Retry:
-        return text::kButtonRetry;
-    case BoxAnswer::Ok:
-        break;
-    }
-    return text::kButtonOk;
+    constexpr int kTexts[] = {text::kButtonOk, text::kButtonCancel, text::kButtonYes,
+                              text::kButtonNo, text::kButtonRetry}; // in their order
+    return kTexts[static_cast<std::size_t>(answer)];
 }
 
 /// The text, whose long words, such as the path of a file, may break behind each of their
@@ -101,10 +85,10 @@ MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle sty
     setAccessibleDescription(text);
 
     auto* const icon = new QLabel;
-    const IconLook look = LookOf(style.icon);
+    const IconLook& look = LookOf(style.icon);
     icon->setVisible(look.textId != 0);
     if (look.textId != 0) {
-        icon->setPixmap(ThemeIcon(QString::fromLatin1(look.name), look.colour)
+        icon->setPixmap(ThemeIcon(QString::fromLatin1(look.name), Theme::Current().*look.colour)
                             .pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
         icon->setAccessibleName(UiText(look.textId));
     }
@@ -196,7 +180,7 @@ bool MessageDlg::OnInitDialog()
 void MessageDlg::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event)
-    PaintGround(*this, LookOf(m_style.icon).colour);
+    PaintGround(*this, Theme::Current().*LookOf(m_style.icon).colour);
 }
 
 } // namespace fieldcore

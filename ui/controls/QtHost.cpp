@@ -6,7 +6,6 @@
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/UiText.h"
-#include "ui/controls/WidgetFocus.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>

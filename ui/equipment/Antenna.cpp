@@ -4,11 +4,11 @@
 #include "core/input/Check.h"
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
+#include "ui/controls/QtHost.h"
 #include "ui/controls/RoleLabel.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
-#include "ui/controls/WidgetFocus.h"
 #include "ui/controls/Widgets.h"
 #include "ui/equipment/AntennaDrawing.h"
 #include "ui/input/ComboEntries.h"
@@ -79,18 +79,10 @@ void SelectOrAdd(CTComboBox* box, int code, int unlistedText)
 
 int HowText(const AntennaHeight& height)
 {
-    switch (height.reduction) {
-    case AntennaReduction::Slant:
-    case AntennaReduction::TooShort:
-        return text::kAntennaHowSlant;
-    case AntennaReduction::Upright:
-        return text::kAntennaHowBase;
-    case AntennaReduction::Unknown:
-        return text::kAntennaHowUnknown;
-    case AntennaReduction::None:
-        break;
-    }
-    return text::kAntennaHowVertical;
+    constexpr int kTexts[] = {text::kAntennaHowVertical, text::kAntennaHowUnknown,
+                              text::kAntennaHowBase, text::kAntennaHowSlant,
+                              text::kAntennaHowSlant}; // in the order of the reductions
+    return kTexts[static_cast<std::size_t>(height.reduction)];
 }
 
 } // namespace
