@@ -267,7 +267,7 @@ bool FileRunner::MayReplace(const fs::path& file)
 
 void FileRunner::Change(PlannedFile& file)
 {
-    const int result = m_plan.isByRow ? stDelRecover(file) : ChangeListed(file);
+    const int result = stDelRecover(file);
     if (file.outcome != FileOutcome::Planned) {
         return;
     }
@@ -277,33 +277,27 @@ void FileRunner::Change(PlannedFile& file)
                                                          : FileOutcome::RequestFailed;
 }
 
-/// Exactly this file, by its whole name or number.
-int FileRunner::ChangeListed(const PlannedFile& file)
-{
-    const bool deletes = m_plan.action == FileAction::Delete;
-    if (m_files.Family() == ReceiverFamily::Pica) {
-        const std::uint16_t number = file.record.fileIndex;
-        return deletes ? m_command.DeleteFile_Pica(number) : m_command.RecoverFile_Pica(number);
-    }
-    return deletes ? m_command.DeleteFile_Lark(file.name) : m_command.RecoverFile_Lark(file.name);
-}
-
-/// In the steps that the window demands. @param file  its name is that of its row
+/// In the steps that the window demands, with the name of a row; else exactly this file, by its
+/// whole name or number.
 int FileRunner::stDelRecover(PlannedFile& file)
 {
     const bool deletes = m_plan.action == FileAction::Delete;
-    if (m_files.AttributeOf(file.name) != 0) {
+    if (m_plan.isByRow && m_files.AttributeOf(file.name) != 0) {
         file.outcome = FileOutcome::BeingLogged;
         return 0;
     }
-    if (m_files.WasCancelled()) {
+    if (m_plan.isByRow && m_files.WasCancelled()) {
         return 0;
     }
     if (m_files.Family() == ReceiverFamily::Pica) {
-        const std::uint16_t number = m_files.GetFileIndex_Pica(file.name);
+        const std::uint16_t number =
+            m_plan.isByRow ? m_files.GetFileIndex_Pica(file.name) : file.record.fileIndex;
         return deletes ? m_command.DeleteFile_Pica(number) : m_command.RecoverFile_Pica(number);
     }
-    return deletes ? stDeleteFileKernel(file) : stFileRecoverKernel(file);
+    if (m_plan.isByRow) {
+        return deletes ? stDeleteFileKernel(file) : stFileRecoverKernel(file);
+    }
+    return deletes ? m_command.DeleteFile_Lark(file.name) : m_command.RecoverFile_Lark(file.name);
 }
 
 /// Deletes one file of a Lark. If there is a deleted one of the same base name, that one is deleted

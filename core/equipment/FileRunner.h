@@ -93,7 +93,6 @@ private:
     void Transfer(PlannedFile& file, TransferMeter& meter);
     [[nodiscard]] bool MayReplace(const std::filesystem::path& file);
     void Change(PlannedFile& file);
-    int ChangeListed(const PlannedFile& file);
     int stDelRecover(PlannedFile& file);
     int stDeleteFileKernel(const PlannedFile& file);
     int stFileRecoverKernel(const PlannedFile& file);

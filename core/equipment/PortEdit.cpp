@@ -99,10 +99,9 @@ PortSet PortEdit::Set(int port, CCommand* command)
         return PortSet::Done;
     }
     set.ConvFlag2Data();
-    SetRS232PortParameters record;
-    set.GetSETCOMMS(port, record);
     const bool isConnected = command != nullptr && command->IsPortOpen() != 0;
-    if (isConnected && command->SetReceiverPort(record.port, LineOf(record)) == 0) {
+    if (isConnected &&
+        command->SetReceiverPort(static_cast<std::uint8_t>(port), LineWithFlagsOf(set)) == 0) {
         if (command->Fault() == CommandFault::Refused) {
             return PortSet::Refused;
         }

@@ -70,6 +70,7 @@ QBoxLayout* Dialog::MakeOkCancel()
         connect(button, &QPushButton::clicked, this,
                 [this, isOk] { Close(isOk ? kOk : kCancelled); });
         row->addWidget(button);
+        m_default = button; // the last one is OK
     }
     return row;
 }

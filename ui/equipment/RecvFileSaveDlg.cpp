@@ -80,11 +80,7 @@ void CRecvFileSaveDlg::BuildControls()
     window->setContentsMargins(0, 0, 0, 12);
     window->addWidget(MakeScroll(content), 1);
     window->addLayout(MakeOkCancel());
-    for (QPushButton* const button : findChildren<QPushButton*>()) {
-        if (button->isDefault()) {
-            button->setText(UiText(text::kFileSaveStart));
-        }
-    }
+    DefaultButton()->setText(UiText(text::kFileSaveStart));
     connect(m_card, &QRadioButton::toggled, this, &CRecvFileSaveDlg::ShowAmounts);
     connect(m_onlyNew, &QCheckBox::toggled, this, &CRecvFileSaveDlg::ShowAmounts);
 }

@@ -1,7 +1,7 @@
 #include "ui/link/PortChooserDlg.h"
 
 #include "core/resources/StringTable.h"
-#include "ui/controls/PageAction.h"
+#include "ui/controls/Icon.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/Widgets.h"
@@ -25,31 +25,21 @@ PortChooserDlg::PortChooserDlg(const PortNames& names, const std::vector<Scenari
                                const ConnectChoice& choice, const SystemRoots& roots,
                                QWidget* parent)
     : Dialog(parent, Extent::Form), m_choice(choice),
-      m_chooser(new PortChooser(names, scenarios, roots)),
-      m_connect(MakeButton(text::kPortConnect, "connect"))
+      m_chooser(new PortChooser(names, scenarios, roots))
 {
     setWindowTitle(UiText(text::kPortTitle));
     auto* const heading = new QLabel(UiText(text::kPortTitle));
     heading->setFont(BoldFont(font(), 1.25));
-    auto* const cancel = MakeButton(text::kButtonCancel);
-    m_connect->setDefault(true);
-    cancel->setAutoDefault(false);
-    connect(m_connect, &QPushButton::clicked, this, [this] { Close(kOk); });
-    connect(cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
+    auto* const buttons = MakeOkCancel();
+    buttons->setContentsMargins({});
+    DefaultButton()->setText(UiText(text::kPortConnect));
+    DefaultButton()->setIcon(ThemeIcon(QStringLiteral("connect")));
     connect(m_chooser, &PortChooser::Activated, this, [this] { Close(kOk); });
     connect(m_chooser, &PortChooser::Chosen, this,
-            [this] { m_connect->setEnabled(m_chooser->Choice().has_value()); });
+            [this] { DefaultButton()->setEnabled(m_chooser->Choice().has_value()); });
 
     auto* const scroll = MakeScroll(m_chooser);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    auto* const buttons = new QHBoxLayout;
-    buttons->setSpacing(kGrid);
-    if (QWidget* const button = MakePageButton()) {
-        buttons->addWidget(button);
-    }
-    buttons->addStretch(1);
-    buttons->addWidget(cancel);
-    buttons->addWidget(m_connect);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     layout->setSpacing(kGrid);
