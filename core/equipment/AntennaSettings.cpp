@@ -1,8 +1,8 @@
 #include "core/equipment/AntennaSettings.h"
 
 #include "core/input/Check.h"
+#include "core/input/EntryList.h"
 #include "core/input/Parts.h"
-#include "core/input/TextEntries.h"
 #include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
 #include "core/platform/Cp932.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/equipment/AntennaCatalogue.h"
-#include "core/equipment/AntennaMethod.h"
 #include "core/platform/Assign.h"
 #include "core/settings/HostReg.h"
 

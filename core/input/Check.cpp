@@ -103,52 +103,37 @@ int CCheck::stCheckNum(const std::wstring& text, FocusTarget* control, int integ
                        int showMessage)
 {
     if (stCheckNumKernel(text, integerOnly) == 0) {
-        if (showMessage != 0) {
-            Warn(Text(text::kCheckNumber), text::kCheckNumberCaption, control);
-        }
-        return 0;
+        return Refuse(Text(text::kCheckNumber), text::kCheckNumberCaption, control, showMessage);
     }
     const double value = CParts::atof(text);
     if (m_minimum <= value && value <= m_maximum) {
         return 1;
     }
-    if (showMessage != 0) {
-        Warn(RangeText(LimitText(m_minimum), LimitText(m_maximum)), text::kCheckRangeCaption,
-             control);
-    }
-    return 0;
+    return Refuse(RangeText(LimitText(m_minimum), LimitText(m_maximum)), text::kCheckRangeCaption,
+                  control, showMessage);
 }
 
 int CCheck::stCheckPointName(const std::wstring& text, FocusTarget* control, int showMessage)
 {
-    if (stCheckPointNameKernel(text) != 0) {
-        return 1;
-    }
-    if (showMessage != 0) {
-        Warn(Text(text::kCheckPointName), text::kCheckPointNameCaption, control);
-    }
-    return 0;
+    return stCheckPointNameKernel(text) != 0
+               ? 1
+               : Refuse(Text(text::kCheckPointName), text::kCheckPointNameCaption, control,
+                        showMessage);
 }
 
 int CCheck::stCheckDeg(const std::wstring& text, FocusTarget* control, int showMessage)
 {
     if (stCheckDegKernel(text) == 0) {
-        if (showMessage != 0) {
-            Warn(Text(text::kCheckAngle), text::kCheckAngleCaption, control);
-        }
-        return 0;
+        return Refuse(Text(text::kCheckAngle), text::kCheckAngleCaption, control, showMessage);
     }
     if (stCheckDegRange(text) != 0) {
         return 1;
     }
-    if (showMessage != 0) {
-        const auto limit = [](std::int32_t degrees) {
-            return std::to_wstring(degrees) + L"-59-59.99999";
-        };
-        Warn(RangeText(limit(m_minimumDeg), limit(m_maximumDeg)), text::kCheckRangeCaption,
-             control);
-    }
-    return 0;
+    const auto limit = [](std::int32_t degrees) {
+        return std::to_wstring(degrees) + L"-59-59.99999";
+    };
+    return Refuse(RangeText(limit(m_minimumDeg), limit(m_maximumDeg)), text::kCheckRangeCaption,
+                  control, showMessage);
 }
 
 int CCheck::stCheckNumKernel(const std::wstring& text, int integerOnly)
@@ -244,12 +229,16 @@ std::unique_ptr<FocusTarget> CCheck::Control(int id, int showMessage) const
     return showMessage != 0 ? m_host.FindControl(id) : nullptr;
 }
 
-void CCheck::Warn(const std::wstring& text, int caption, FocusTarget* control) const
+int CCheck::Refuse(const std::wstring& text, int caption, FocusTarget* control,
+                   int showMessage) const
 {
-    CMesBox(m_host).Warn(text, caption);
-    if (control != nullptr) {
+    if (showMessage != 0) {
+        CMesBox(m_host).Warn(text, caption);
+    }
+    if (showMessage != 0 && control != nullptr) {
         control->TakeFocus();
     }
+    return 0;
 }
 
 } // namespace fieldcore
