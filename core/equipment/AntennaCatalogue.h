@@ -37,14 +37,16 @@ enum class AntennaReduction
     TooShort ///< a slant distance that is not longer than the radius: taken for an upright one
 };
 
+/// A height as it was measured, and what it was reduced to.
 struct AntennaHeight
 {
-    double measuredM = 0.0;
+    double measuredM = 0.0; ///< H
     double verticalM = 0.0; ///< from the mark to the phase centre
     double squareM2 = 0.0;  ///< H * H - R * R; 0 if nothing was reduced
     AntennaMethod method;   ///< that was used; R = V = 0 if nothing was reduced
     AntennaReduction reduction = AntennaReduction::None;
 
+    /// Whether a method was used.
     [[nodiscard]] bool IsReduced() const
     {
         return reduction != AntennaReduction::None && reduction != AntennaReduction::Unknown;

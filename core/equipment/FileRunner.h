@@ -37,6 +37,7 @@ public:
     /// @param clock  must outlive the meter
     TransferMeter(const Clock& clock, int files, std::uint64_t totalSize);
 
+    /// The next file. @param size  as it was listed, bytes
     void StartFile(std::wstring name, std::uint64_t size);
     /// @param bytes  of the current file, all that are there
     /// @param start  how its transfer began; what was there before does not count for the rate
