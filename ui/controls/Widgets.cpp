@@ -1,6 +1,8 @@
 #include "ui/controls/Widgets.h"
 
+#include "ui/controls/Dialog.h"
 #include "ui/controls/Icon.h"
+#include "ui/controls/NMenuBar.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
@@ -12,6 +14,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -61,6 +64,19 @@ void PaintGround(QWidget& window, const QColor& band)
     painter.setPen(Theme::Current().stale);
     painter.drawRect(window.rect().adjusted(0, 0, -1, -1));
     painter.fillRect(0, 0, window.width(), TouchStyle::kGrid / 2, band);
+}
+
+void LayOutPage(Dialog& page, QWidget* content, QLayout* foot)
+{
+    auto* const menu = new CnMenuBar;
+    QObject::connect(menu, &CnMenuBar::CloseRequested, &page, &Dialog::reject);
+    foot->setContentsMargins(12, 0, 12, 0);
+    auto* const window = new QVBoxLayout(&page);
+    window->setContentsMargins({});
+    window->setSpacing(TouchStyle::kGrid);
+    window->addWidget(MakeScroll(content), 1);
+    window->addLayout(foot);
+    window->addWidget(menu);
 }
 
 void AddFormRow(QFormLayout& form, const QString& label, QWidget* field)

@@ -4,12 +4,15 @@
 
 class QColor;
 class QFormLayout;
+class QLayout;
 class QPushButton;
 class QScrollArea;
 class QString;
 class QWidget;
 
 namespace fieldcore {
+
+class Dialog;
 
 // What every page makes of Qt's widgets. User-interface thread only.
 
@@ -29,6 +32,10 @@ namespace fieldcore {
 
 /// Paints the ground of a window that has no frame: an edge, and a band that is seen from afar.
 void PaintGround(QWidget& window, const QColor& band);
+
+/// Lays a page out: @p content scrolls above @p foot, a row of buttons, and a bar that closes the
+/// page. The page gets all of it.
+void LayOutPage(Dialog& page, QWidget* content, QLayout* foot);
 
 /// Adds a row whose field is as wide as the form, and whose label stands in the middle of the
 /// field's height, as a form of large fields does not do by itself, and takes its mnemonic there.

@@ -1,7 +1,6 @@
 #include "ui/tilt/SetSignal.h"
 
 #include "core/settings/NotKept.h"
-#include "ui/controls/NMenuBar.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/Widgets.h"
@@ -10,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace fieldcore {
@@ -50,17 +48,9 @@ void SetSignal::Build()
     m_ok->setDefault(true);
     connect(m_ok, &QPushButton::clicked, this, [this] { Close(kOk); });
     auto* const row = new QHBoxLayout;
-    row->setContentsMargins(12, 0, 12, 0);
     row->addStretch(1);
     row->addWidget(m_ok);
-    auto* const menu = new CnMenuBar;
-    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
-    auto* const window = new QVBoxLayout(this);
-    window->setContentsMargins({});
-    window->setSpacing(kGrid);
-    window->addWidget(MakeScroll(inside), 1);
-    window->addLayout(row);
-    window->addWidget(menu);
+    LayOutPage(*this, inside, row);
 }
 
 bool SetSignal::OnInitDialog()

@@ -2,7 +2,6 @@
 
 #include "core/tilt/BubbleConfig.h"
 #include "ui/controls/Icon.h"
-#include "ui/controls/NMenuBar.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
@@ -15,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -119,18 +117,7 @@ void TiltStatusDlg::Build()
     connect(m_calibrate, &QPushButton::clicked, this, &TiltStatusDlg::Calibrate);
     buttons->addWidget(bubble);
     buttons->addWidget(m_calibrate);
-
-    auto* const menu = new CnMenuBar;
-    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
-    auto* const window = new QVBoxLayout(this);
-    window->setContentsMargins({});
-    window->setSpacing(kGrid);
-    window->addWidget(MakeScroll(inside), 1);
-    auto* const foot = new QHBoxLayout;
-    foot->setContentsMargins(12, 0, 12, 0);
-    foot->addLayout(buttons);
-    window->addLayout(foot);
-    window->addWidget(menu);
+    LayOutPage(*this, inside, buttons);
 
     const std::pair<QWidget*, int> numbers[] = {
         {m_status, kStatus},         {m_remain, kRemain},     {m_sensitivity, kSensitivity},
