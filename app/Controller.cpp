@@ -2,7 +2,7 @@
 
 #include "app/PortTarget.h"
 #include "core/equipment/AntennaCatalogue.h"
-#include "core/equipment/LinkFollow.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/equipment/StatusRows.h"
 #include "core/link/Questions.h"
 #include "core/planning/AlmanacStore.h"

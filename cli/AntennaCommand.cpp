@@ -4,7 +4,6 @@
 #include "cli/TerminalHost.h"
 #include "cli/Wording.h"
 
-#include "core/equipment/AntennaInput.h"
 #include "core/equipment/AntennaSettings.h"
 #include "core/input/Parts.h"
 #include "core/platform/NumberText.h"

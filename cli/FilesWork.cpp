@@ -4,8 +4,8 @@
 #include "cli/Wildcard.h"
 #include "cli/Wording.h"
 
-#include "core/equipment/AmountTexts.h"
 #include "core/equipment/FileRunner.h"
+#include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"

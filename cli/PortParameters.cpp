@@ -4,7 +4,7 @@
 #include "cli/TerminalHost.h"
 #include "cli/Wording.h"
 
-#include "core/equipment/LinkFollow.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/equipment/PortEdit.h"
 #include "core/link/ComBlueToothSet.h"
 #include "core/link/RecvInfo.h"

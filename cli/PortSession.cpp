@@ -3,7 +3,7 @@
 #include "cli/Utf8.h"
 #include "cli/Wording.h"
 
-#include "core/equipment/RateSearch.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/link/ComPrmSet.h"
 #include "core/link/FrameLog.h"
 #include "core/link/PortOutput.h"

@@ -6,7 +6,7 @@
 #include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsText.h"
-#include "core/tilt/SignalSession.h"
+#include "core/tilt/SignalChoice.h"
 
 #include <algorithm>
 #include <array>

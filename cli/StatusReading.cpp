@@ -4,8 +4,8 @@
 #include "cli/Utf8.h"
 #include "cli/Wording.h"
 
-#include "core/equipment/InstalledOptions.h"
 #include "core/equipment/StatusRows.h"
+#include "core/equipment/VersionRows.h"
 #include "core/link/RecvInfo.h"
 #include "core/resources/StringTable.h"
 

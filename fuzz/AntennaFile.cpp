@@ -1,11 +1,8 @@
 // An antenna catalogue of any bytes, and the same bytes as a row of blocks: what is read of them
 // is within its limits, and every method reduces every height to a number.
 
-#include "core/equipment/AntennaFile.h"
-#include "core/equipment/AntennaBlock.h"
 #include "core/equipment/AntennaCatalogue.h"
-#include "core/equipment/AntennaInput.h"
-#include "core/equipment/AntennaMethod.h"
+#include "core/equipment/AntennaSettings.h"
 
 #include <cmath>
 #include <cstddef>

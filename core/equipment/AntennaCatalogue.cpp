@@ -1,7 +1,6 @@
 #include "core/equipment/AntennaCatalogue.h"
 
-#include "core/equipment/AntennaFile.h"
-#include "core/equipment/SampleAntennas.h"
+#include "core/host/WaitCursor.h"
 #include "core/input/Parts.h"
 #include "core/planning/CalendarTime.h"
 #include "core/platform/AtomicFile.h"
@@ -9,14 +8,18 @@
 #include "core/platform/SaturateCast.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
+#include "core/resources/StringTable.h"
 #include "core/settings/Profile.h"
+#include "core/settings/ProfileText.h"
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cwchar>
 #include <fstream>
+#include <map>
 #include <span>
 #include <system_error>
 #include <utility>
@@ -36,17 +39,64 @@ constexpr const wchar_t* kCharCode = L"CharCode";
 constexpr const wchar_t* kCode = L"Type";
 constexpr const wchar_t* kMethod = L"MeasMethod";
 
-/// The wait cursor for as long as this lives.
-class Waiting
+/// The number behind @p prefix as the file has it, without zeros in front.
+/// @return nothing if @p key is another one, or the number is not below @p limit
+std::optional<int> NumberOf(std::wstring_view key, std::wstring_view prefix, int limit)
+{
+    if (!key.starts_with(prefix)) {
+        return std::nullopt;
+    }
+    key.remove_prefix(prefix.size());
+    int number = 0;
+    for (const wchar_t digit : key) {
+        if (digit < L'0' || digit > L'9' || number >= limit) {
+            return std::nullopt;
+        }
+        number = 10 * number + (digit - L'0');
+    }
+    return number < limit && key == std::to_wstring(number) ? std::optional(number) : std::nullopt;
+}
+
+/// Values under numbers, of which the first counts.
+class Numbered
 {
 public:
-    explicit Waiting(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
-    ~Waiting() { m_host.ShowWaitCursor(false); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
+    void Add(int number, std::wstring_view value) { m_values.try_emplace(number, value); }
+
+    /// Those from 0 to before the first that is missing.
+    [[nodiscard]] std::vector<std::wstring> Row() const
+    {
+        std::vector<std::wstring> row;
+        for (const auto& [number, value] : m_values) { // in order of the numbers
+            if (number != static_cast<int>(row.size())) {
+                break;
+            }
+            row.push_back(value);
+        }
+        return row;
+    }
 
 private:
-    Host& m_host;
+    std::map<int, std::wstring> m_values;
+};
+
+/// What a section says of an antenna; several types may name the same one.
+struct Description
+{
+    std::optional<std::wstring> charCode;
+    std::optional<std::wstring> code;
+    Numbered methods;
+
+    void Add(std::wstring_view key, std::wstring_view value)
+    {
+        if (key == kCharCode && !charCode) {
+            charCode = value;
+        } else if (key == kCode && !code) {
+            code = value;
+        } else if (const auto method = NumberOf(key, kMethod, AntennaCatalogue::kMaxMethods)) {
+            methods.Add(*method, value.empty() ? Text(text::kAntennaDefaultMethod) : value);
+        }
+    }
 };
 
 std::vector<AntennaFileType> ReadFile(const fs::path& file)
@@ -83,7 +133,94 @@ std::wstring WithoutBlanks(std::wstring_view text)
     return std::wstring(text.substr(0, text.find_last_not_of(L' ') + 1));
 }
 
+/// Takes the text up to the next comma, and the comma, off @p rest.
+std::wstring TakeField(std::wstring_view& rest)
+{
+    const std::size_t comma = rest.find(L',');
+    const std::wstring field(rest.substr(0, comma));
+    rest = comma == std::wstring_view::npos ? std::wstring_view() : rest.substr(comma + 1);
+    return field;
+}
+
+double TakeMetres(std::wstring_view& rest)
+{
+    const double metres = CParts::atof(TakeField(rest));
+    return std::isfinite(metres) ? metres : 0.0;
+}
+
+/// What stands between the first quote and the last character, which should be the other one.
+std::wstring Unquoted(const std::wstring& field)
+{
+    const std::size_t quote = field.find(L'"');
+    if (quote == std::wstring::npos) {
+        return field;
+    }
+    std::wstring name = field.substr(quote + 1);
+    if (!name.empty()) {
+        name.pop_back();
+    }
+    return name;
+}
+
 } // namespace
+
+AntennaMethod ParseAntennaMethod(std::wstring_view text)
+{
+    AntennaMethod method;
+    method.radiusM = TakeMetres(text);
+    method.verticalM = TakeMetres(text);
+    TakeField(text);
+    method.name = Unquoted(TakeField(text));
+    return method;
+}
+
+AntennaHeight ReduceAntennaHeight(double measuredM, const AntennaMethod& method)
+{
+    AntennaHeight height{measuredM, 0.0, 0.0, method, AntennaReduction::TooShort};
+    const double h2 = measuredM * measuredM; // two products of their own: see Build.cmake
+    const double r2 = method.radiusM * method.radiusM;
+    height.squareM2 = h2 - r2;
+    if (height.squareM2 > 0.0) {
+        height.verticalM = std::sqrt(height.squareM2) + method.verticalM;
+        height.reduction =
+            method.radiusM == 0.0 ? AntennaReduction::Upright : AntennaReduction::Slant;
+    } else {
+        height.verticalM = measuredM + method.verticalM;
+        if (method.radiusM == 0.0) {
+            height.reduction = AntennaReduction::Upright; // nothing was measured yet
+        }
+    }
+    return height;
+}
+
+std::vector<AntennaFileType> ReadAntennaFile(std::string bytes)
+{
+    const ProfileText file(std::move(bytes));
+    Numbered list;
+    const std::wstring head(kType);
+    file.Visit(std::span(&head, 1),
+               [&](std::size_t, std::wstring_view key, std::wstring_view name) {
+                   if (const auto type = NumberOf(key, L"DATA", AntennaCatalogue::kMaxTypes)) {
+                       list.Add(*type, name);
+                   }
+               });
+    const std::vector<std::wstring> names = list.Row();
+    std::vector<std::wstring> sections = names;
+    std::sort(sections.begin(), sections.end());
+    sections.erase(std::unique(sections.begin(), sections.end()), sections.end());
+    std::vector<Description> found(sections.size());
+    file.Visit(sections, [&](std::size_t at, std::wstring_view key, std::wstring_view value) {
+        found[at].Add(key, value);
+    });
+    std::vector<AntennaFileType> types;
+    for (const std::wstring& name : names) {
+        const auto at = std::lower_bound(sections.begin(), sections.end(), name);
+        const Description& section = found[static_cast<std::size_t>(at - sections.begin())];
+        types.push_back({name, section.charCode.value_or(L"  "), section.code.value_or(L"0"),
+                         section.methods.Row()});
+    }
+    return types;
+}
 
 fs::path AntennaFilePath(const fs::path& folder)
 {
@@ -144,7 +281,7 @@ int AntennaCatalogue::Update(Host& host)
     if (known == stamp && (knownFile == file || !isFileKnown)) {
         return 1;
     }
-    const Waiting waiting(host);
+    const WaitCursor waiting(host);
     const std::vector<AntennaFileType> types = ReadFile(AntennaFilePath(m_folder));
     CReg reg(m_reg);
     reg.SetRootKey(RootKey::CurrentUser, 1);
@@ -201,28 +338,30 @@ int AntennaCatalogue::MethodCount(int type) const
     return count;
 }
 
-std::optional<int> AntennaCatalogue::FindCode(long code) const
+template <typename IsIt>
+std::optional<int> AntennaCatalogue::Find(const wchar_t* name, IsIt isIt) const
 {
     const int count = GetMaxCount();
-    for (int type = 0; type < count; ++type) {
-        const std::wstring text = Read(kCode, type);
-        if (!text.empty() && SaturateCast<long>(CParts::atof(text)) == code) {
-            return type;
-        }
+    int type = 0;
+    while (type < count && !isIt(Read(name, type))) {
+        ++type;
     }
-    return std::nullopt;
+    return type < count ? std::optional(type) : std::nullopt;
+}
+
+std::optional<int> AntennaCatalogue::FindCode(long code) const
+{
+    return Find(kCode, [code](const std::wstring& text) {
+        return !text.empty() && SaturateCast<long>(CParts::atof(text)) == code;
+    });
 }
 
 std::optional<int> AntennaCatalogue::FindCharCode(std::wstring_view charCode) const
 {
     const std::wstring wanted = WithoutBlanks(charCode);
-    const int count = wanted.empty() ? 0 : GetMaxCount();
-    for (int type = 0; type < count; ++type) {
-        if (WithoutBlanks(Read(kCharCode, type)) == wanted) {
-            return type;
-        }
-    }
-    return std::nullopt;
+    return Find(kCharCode, [&wanted](const std::wstring& text) {
+        return !wanted.empty() && WithoutBlanks(text) == wanted;
+    });
 }
 
 } // namespace fieldcore

@@ -1,10 +1,11 @@
 #include "core/equipment/AntennaSettings.h"
 
-#include "core/equipment/AntennaInput.h"
+#include "core/input/Check.h"
+#include "core/input/EntryList.h"
 #include "core/input/Parts.h"
-#include "core/input/TextEntries.h"
 #include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
+#include "core/platform/Cp932.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
 #include "core/resources/StringTable.h"
@@ -23,7 +24,80 @@ constexpr const wchar_t* kHeight = L"AntH";
 constexpr const wchar_t* kSerial = L"AntSN";
 constexpr const wchar_t* kNoSerial = L"AntNoSN"; // 1: none, whatever is remembered
 
+// Where what stands in a block, and how much of it.
+constexpr std::size_t kCodeAt = 0;
+constexpr std::size_t kCodeSize = 2;
+constexpr std::size_t kSerialAt = 2;
+constexpr std::size_t kSerialSize = 8;
+constexpr std::size_t kWayAt = 10;
+constexpr std::size_t kHeightAt = 11; // four bytes, 0.1 mm
+constexpr std::size_t kBlockSize = 15;
+
+std::wstring TextAt(std::span<const std::uint8_t> data, std::size_t at, std::size_t size)
+{
+    const auto field = data.subspan(at, size);
+    const std::wstring text = FromCp932(std::string(field.begin(), field.end()));
+    return text.substr(0, text.find_last_not_of(std::wstring_view(L" \0", 2)) + 1);
+}
+
 } // namespace
+
+std::wstring AntennaHeightFault(const std::wstring& text)
+{
+    const std::optional<double> metres = TypedNumber(text);
+    return !metres                       ? Text(text::kAntennaBadHeight)
+           : *metres < 0.0               ? Text(text::kAntennaNegativeHeight)
+           : *metres <= kHighestAntennaM ? std::wstring()
+                                         : FormatText(text::kAntennaHighHeight, kHighestAntennaM);
+}
+
+std::wstring AntennaSerialFault(const std::wstring& text)
+{
+    const bool isGood =
+        text.size() <= kMaxAntennaSerial && std::all_of(text.begin(), text.end(), [](wchar_t c) {
+            return (c >= L'0' && c <= L'9') || c == L'-' || (c >= L'A' && c <= L'Z') ||
+                   (c >= L'a' && c <= L'z');
+        });
+    return isGood ? std::wstring()
+                  : FormatText(text::kAntennaBadSerial, static_cast<int>(kMaxAntennaSerial));
+}
+
+std::optional<AntennaRecord> ParseAntennaBlock(const ApplicationFileDataBlock& block)
+{
+    if (block.type != AntennaRecord::kBlockType || block.data.size() < kBlockSize) {
+        return std::nullopt;
+    }
+    std::uint32_t tenths = 0;
+    for (const std::uint8_t byte : block.data.subspan(kHeightAt, 4)) {
+        tenths = tenths << 8U | byte;
+    }
+    constexpr double kTenthsPerMetre = 10000.0;
+    AntennaRecord record{TextAt(block.data, kCodeAt, kCodeSize),
+                         TextAt(block.data, kSerialAt, kSerialSize), block.data[kWayAt],
+                         tenths / kTenthsPerMetre};
+    const bool canBe = record.way <= AntennaCatalogue::kMaxMethods &&
+                       record.heightM <= kHighestAntennaM &&
+                       AntennaSerialFault(record.serial).empty();
+    return canBe ? std::optional(std::move(record)) : std::nullopt;
+}
+
+std::optional<ApplicationFileDataBlock> FindAntennaBlock(std::span<const std::uint8_t> blocks)
+{
+    constexpr std::size_t kHead = 2; // type, number of bytes that follow
+    std::optional<ApplicationFileDataBlock> last;
+    while (blocks.size() >= kHead) {
+        const std::size_t length = blocks[1];
+        if (blocks.size() < kHead + length) {
+            break;
+        }
+        const ApplicationFileDataBlock block{blocks[0], blocks.subspan(kHead, length)};
+        if (ParseAntennaBlock(block)) {
+            last = block;
+        }
+        blocks = blocks.subspan(kHead + length);
+    }
+    return last;
+}
 
 AntennaSettings::AntennaSettings(CCommand* command, int rover, int reConnect,
                                  Surroundings surroundings)
@@ -116,17 +190,11 @@ int AntennaSettings::WriteRegAntWay() const
     return m_reg.WriteNumber(RoleKey(), kWay, static_cast<std::uint32_t>(m_way));
 }
 
-std::vector<std::wstring> AntennaSettings::ReadHeights() const
+std::vector<std::wstring> AntennaSettings::ReadRemembered(const wchar_t* prefix) const
 {
-    std::vector<std::wstring> list = ReadList(kHeight);
-    std::erase_if(list, [](const std::wstring& text) { return !AntennaHeightFault(text).empty(); });
-    return list;
-}
-
-std::vector<std::wstring> AntennaSettings::ReadSerials() const
-{
-    std::vector<std::wstring> list = ReadList(kSerial);
-    std::erase_if(list, [](const std::wstring& text) { return !AntennaSerialFault(text).empty(); });
+    const auto fault = prefix == kHeight ? AntennaHeightFault : AntennaSerialFault;
+    std::vector<std::wstring> list = ReadList(prefix);
+    std::erase_if(list, [fault](const std::wstring& text) { return !fault(text).empty(); });
     return list;
 }
 
@@ -137,13 +205,13 @@ std::vector<std::wstring> AntennaSettings::ReadList(const wchar_t* prefix) const
     return list.Texts();
 }
 
-bool AntennaSettings::WriteList(const wchar_t* prefix, std::vector<std::wstring> list,
-                                const std::wstring& chosen) const
+bool AntennaSettings::WriteList(const wchar_t* prefix, const std::wstring& chosen) const
 {
-    TextEntries entries(std::move(list));
+    TextEntries entries(ReadRemembered(prefix));
     CParts::StackComboList(entries, chosen, kRemembered);
     CParts::RegWriteComboBoxList(entries, m_reg, RoleKey(), prefix, kRemembered);
-    list = entries.Texts(); // nobody told whether all of them could be written
+    std::vector<std::wstring> list =
+        entries.Texts(); // nobody told whether all of them could be written
     const auto first = std::find(list.begin(), list.end(), chosen);
     if (first != list.end()) {
         std::rotate(list.begin(), first, first + 1);
@@ -157,8 +225,8 @@ bool AntennaSettings::WriteList(const wchar_t* prefix, std::vector<std::wstring>
 int AntennaSettings::ReadRegAnt()
 {
     const int read = ReadRegAntPrm();
-    m_heights = ReadHeights();
-    m_serials = ReadSerials();
+    m_heights = ReadRemembered(kHeight);
+    m_serials = ReadRemembered(kSerial);
     SetAntInputH(m_heights.empty() ? 0.0 : CParts::atof(m_heights.front()));
     SetAntSN(GetAntSNEx());
     return read != 0 && !m_heights.empty() ? 1 : 0;
@@ -168,13 +236,12 @@ int AntennaSettings::WriteRegAnt()
 {
     SettingsBatch batch(m_reg.Store());
     const bool written = batch.IsOpen() && WriteRegAntType() != 0 && WriteRegAntWay() != 0 &&
-                         WriteList(kHeight, ReadHeights(), GetAntInputStr()) &&
-                         WriteList(kSerial, ReadSerials(), m_serial) &&
+                         WriteList(kHeight, GetAntInputStr()) && WriteList(kSerial, m_serial) &&
                          m_reg.WriteNumber(RoleKey(), kNoSerial, m_serial.empty() ? 1 : 0) != 0 &&
                          batch.Commit();
     if (written) {
-        m_heights = ReadHeights();
-        m_serials = ReadSerials();
+        m_heights = ReadRemembered(kHeight);
+        m_serials = ReadRemembered(kSerial);
     }
     return written ? 1 : 0;
 }
@@ -254,7 +321,7 @@ std::wstring AntennaSettings::GetAntHEx() const
 
 double AntennaSettings::GetAntHExD() const
 {
-    const std::vector<std::wstring> heights = ReadHeights();
+    const std::vector<std::wstring> heights = ReadRemembered(kHeight);
     return heights.empty() ? 0.0 : CParts::atof(heights.front());
 }
 
@@ -262,13 +329,13 @@ std::wstring AntennaSettings::GetAntSNEx() const
 {
     std::uint32_t none = 0;
     m_reg.ReadNumber(RoleKey(), kNoSerial, none, 0);
-    const std::vector<std::wstring> serials = ReadSerials();
+    const std::vector<std::wstring> serials = ReadRemembered(kSerial);
     return none != 0 || serials.empty() ? std::wstring() : serials.front();
 }
 
 int AntennaSettings::GetAntFlag() const
 {
-    return ReadHeights().empty() ? 0 : 1;
+    return ReadRemembered(kHeight).empty() ? 0 : 1;
 }
 
 int AntennaSettings::GetAntInfo(AntennaInfo& info) const
@@ -287,19 +354,11 @@ std::wstring AntennaSettings::GetAntLine() const
     const AntennaHeight height = Height(m_inputM, m_type, m_way);
     const double measuredM = CParts::round(height.measuredM, kDecimals);
     const double verticalM = CParts::round(height.verticalM, kDecimals);
-    switch (height.reduction) {
-    case AntennaReduction::Slant:
-        return FormatText(text::kAntennaStripSlant, measuredM, verticalM);
-    case AntennaReduction::TooShort:
-        return FormatText(text::kAntennaStripShort, measuredM, verticalM);
-    case AntennaReduction::Upright:
-        return FormatText(text::kAntennaStripBase, measuredM, verticalM);
-    case AntennaReduction::Unknown:
-        return FormatText(text::kAntennaStripUnknown, measuredM);
-    case AntennaReduction::None:
-        break;
-    }
-    return FormatText(text::kAntennaStripVertical, verticalM);
+    constexpr int kTexts[] = {text::kAntennaStripVertical, text::kAntennaStripUnknown,
+                              text::kAntennaStripBase, text::kAntennaStripSlant,
+                              text::kAntennaStripShort}; // in the order of the reductions
+    const int id = kTexts[static_cast<std::size_t>(height.reduction)];
+    return height.IsReduced() ? FormatText(id, measuredM, verticalM) : FormatText(id, measuredM);
 }
 
 AntennaSettings::Taken AntennaSettings::TakeFromReceiver()

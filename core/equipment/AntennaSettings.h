@@ -1,11 +1,10 @@
 #pragma once
 
-#include "core/equipment/AntennaBlock.h"
 #include "core/equipment/AntennaCatalogue.h"
-#include "core/equipment/AntennaMethod.h"
 #include "core/platform/Assign.h"
 #include "core/settings/HostReg.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -16,6 +15,46 @@
 namespace fieldcore {
 
 class CCommand;
+
+/// The greatest height that is taken, metres: no pole and no tripod is higher, and a height in
+/// centimetres is found out.
+inline constexpr double kHighestAntennaM = 100.0;
+inline constexpr std::size_t kMaxAntennaSerial = 16; ///< characters
+
+/// @param text  a number of metres
+/// @return what is wrong with it, in a few words for beside the text; empty: nothing
+[[nodiscard]] std::wstring AntennaHeightFault(const std::wstring& text);
+
+/// @param text  letters, digits and "-" of ASCII; may be empty
+/// @return what is wrong with it, in words; empty: nothing
+[[nodiscard]] std::wstring AntennaSerialFault(const std::wstring& text);
+
+/// A block of an application file or of logged data; the layouts stand in docs/antenna.md.
+struct ApplicationFileDataBlock
+{
+    std::uint8_t type = 0;
+    std::span<const std::uint8_t> data; ///< must outlive the block
+};
+
+/// The antenna as such a block has it.
+struct AntennaRecord
+{
+    static constexpr std::uint8_t kBlockType = 0x08;
+
+    std::wstring charCode; ///< without blanks at its end
+    std::wstring serial;   ///< as above
+    int way = 0;           ///< 0: the height is vertical; else the method's number and 1
+    double heightM = 0.0;  ///< as measured
+};
+
+/// @return nothing if it is a block of another type, too short, or says what cannot be
+[[nodiscard]] std::optional<AntennaRecord> ParseAntennaBlock(const ApplicationFileDataBlock& block);
+
+/// The last antenna in a row of blocks: it holds until the end. What follows a block that is cut
+/// off is not looked at.
+/// @return a view of @p blocks; nothing if no block has what ParseAntennaBlock() takes
+[[nodiscard]] std::optional<ApplicationFileDataBlock>
+FindAntennaBlock(std::span<const std::uint8_t> blocks);
 
 /// What an antenna is used for: each has settings of its own.
 enum class AntennaRole
@@ -184,13 +223,12 @@ private:
     /// of its methods may be there under the name of another's.
     [[nodiscard]] std::optional<AntennaMethod> MethodOf(int type, int way) const;
     /// Those remembered, without what nobody could have typed.
-    [[nodiscard]] std::vector<std::wstring> ReadHeights() const;
-    [[nodiscard]] std::vector<std::wstring> ReadSerials() const;
+    /// @param prefix  of the heights' or of the serial numbers' names
+    [[nodiscard]] std::vector<std::wstring> ReadRemembered(const wchar_t* prefix) const;
     [[nodiscard]] std::vector<std::wstring> ReadList(const wchar_t* prefix) const;
-    /// Stores a list of remembered entries with @p chosen as the first.
+    /// Stores those remembered with @p chosen as the first.
     /// @return false if not all of it could be stored
-    [[nodiscard]] bool WriteList(const wchar_t* prefix, std::vector<std::wstring> list,
-                                 const std::wstring& chosen) const;
+    [[nodiscard]] bool WriteList(const wchar_t* prefix, const std::wstring& chosen) const;
 
     CCommand* const m_command;
     HostReg m_reg;

@@ -2,7 +2,7 @@
 # -P EmbedAntennas.cmake
 file(READ ${FILE} digits HEX)
 string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${digits}")
-file(WRITE ${OUTPUT} "#include \"core/equipment/SampleAntennas.h\"
+file(WRITE ${OUTPUT} "#include \"core/equipment/AntennaCatalogue.h\"
 
 namespace fieldcore {
 

@@ -5,8 +5,11 @@
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
+#include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <utility>
 
 namespace fieldcore {
@@ -56,7 +59,79 @@ bool IsKnownToBeGone(CommandFault fault)
            fault == CommandFault::Refused;
 }
 
+using Seconds = std::chrono::duration<double>;
+
+constexpr Seconds kMeasureEvery{0.25};
+constexpr Seconds kSmoothing{3.0};   // how long a change of the rate takes to show
+constexpr double kLongestLeft = 1e9; // seconds
+
 } // namespace
+
+TransferMeter::TransferMeter(const Clock& clock, int files, std::uint64_t totalSize)
+    : m_clock(clock), m_measured(clock.Steady()), m_advanced(m_measured)
+{
+    m_progress.files = files;
+    m_progress.totalSize = totalSize;
+}
+
+void TransferMeter::StartFile(std::wstring name, std::uint64_t size)
+{
+    m_finishedBytes = m_progress.totalBytes;
+    ++m_progress.file;
+    m_progress.name = std::move(name);
+    m_progress.fileBytes = 0;
+    m_progress.fileSize = size;
+    m_progress.start = {};
+    // What passes between two files (questions, options, a rename) is not the line's rate. What
+    // was counted before counts on: a file may be over sooner than a rate can be measured.
+    const Clock::Duration now = m_clock.Steady();
+    m_measured += now - m_advanced;
+    m_advanced = now;
+}
+
+void TransferMeter::Advance(std::uint64_t bytes, const TransferStart& start)
+{
+    m_measuredBytes += start.continuedAt - m_progress.start.continuedAt;
+    m_progress.start = start;
+    m_progress.fileBytes = bytes;
+    m_progress.totalBytes = m_finishedBytes + bytes;
+    Measure();
+    const std::uint64_t left =
+        m_progress.totalSize - std::min(m_progress.totalSize, m_progress.totalBytes);
+    if (m_progress.bytesPerSecond > 0.0) {
+        const double seconds = static_cast<double>(left) / m_progress.bytesPerSecond;
+        m_progress.timeLeft =
+            std::chrono::seconds(std::llround(std::ceil(std::min(seconds, kLongestLeft))));
+    }
+}
+
+void TransferMeter::Measure()
+{
+    const Clock::Duration now = m_clock.Steady();
+    m_advanced = now;
+    const Seconds passed = now - m_measured;
+    if (passed < kMeasureEvery) {
+        return;
+    }
+    const double rate =
+        static_cast<double>(m_progress.totalBytes - m_measuredBytes) / passed.count();
+    // An exponential mean over unequal intervals.
+    const double weight =
+        m_progress.bytesPerSecond > 0.0 ? 1.0 - std::exp(-passed / kSmoothing) : 1.0;
+    m_progress.bytesPerSecond += weight * (rate - m_progress.bytesPerSecond);
+    m_measured = now;
+    m_measuredBytes = m_progress.totalBytes;
+}
+
+std::wstring TransferStartText(const TransferStart& start)
+{
+    if (start.continuedAt > 0) {
+        return FormatText(text::kTransferContinued, ByteCountText(start.continuedAt).c_str());
+    }
+    return start.reason != AnewReason::None
+               ? FormatText(text::kTransferAnew, Text(MeaningOf(start.reason).textId))
+               : std::wstring();
+}
 
 FileRunner::FileRunner(ReceiverFiles& files, FilePlan& plan, Surroundings surroundings)
     : m_files(files), m_command(files.GetCommand()), m_plan(plan), m_around(std::move(surroundings))
@@ -192,7 +267,7 @@ bool FileRunner::MayReplace(const fs::path& file)
 
 void FileRunner::Change(PlannedFile& file)
 {
-    const int result = m_plan.isByRow ? stDelRecover(file) : ChangeListed(file);
+    const int result = stDelRecover(file);
     if (file.outcome != FileOutcome::Planned) {
         return;
     }
@@ -202,33 +277,27 @@ void FileRunner::Change(PlannedFile& file)
                                                          : FileOutcome::RequestFailed;
 }
 
-/// Exactly this file, by its whole name or number.
-int FileRunner::ChangeListed(const PlannedFile& file)
-{
-    const bool deletes = m_plan.action == FileAction::Delete;
-    if (m_files.Family() == ReceiverFamily::Pica) {
-        const std::uint16_t number = file.record.fileIndex;
-        return deletes ? m_command.DeleteFile_Pica(number) : m_command.RecoverFile_Pica(number);
-    }
-    return deletes ? m_command.DeleteFile_Lark(file.name) : m_command.RecoverFile_Lark(file.name);
-}
-
-/// In the steps that the window demands. @param file  its name is that of its row
+/// In the steps that the window demands, with the name of a row; else exactly this file, by its
+/// whole name or number.
 int FileRunner::stDelRecover(PlannedFile& file)
 {
     const bool deletes = m_plan.action == FileAction::Delete;
-    if (m_files.AttributeOf(file.name) != 0) {
+    if (m_plan.isByRow && m_files.AttributeOf(file.name) != 0) {
         file.outcome = FileOutcome::BeingLogged;
         return 0;
     }
-    if (m_files.WasCancelled()) {
+    if (m_plan.isByRow && m_files.WasCancelled()) {
         return 0;
     }
     if (m_files.Family() == ReceiverFamily::Pica) {
-        const std::uint16_t number = m_files.GetFileIndex_Pica(file.name);
+        const std::uint16_t number =
+            m_plan.isByRow ? m_files.GetFileIndex_Pica(file.name) : file.record.fileIndex;
         return deletes ? m_command.DeleteFile_Pica(number) : m_command.RecoverFile_Pica(number);
     }
-    return deletes ? stDeleteFileKernel(file) : stFileRecoverKernel(file);
+    if (m_plan.isByRow) {
+        return deletes ? stDeleteFileKernel(file) : stFileRecoverKernel(file);
+    }
+    return deletes ? m_command.DeleteFile_Lark(file.name) : m_command.RecoverFile_Lark(file.name);
 }
 
 /// Deletes one file of a Lark. If there is a deleted one of the same base name, that one is deleted

@@ -2,18 +2,18 @@
 
 #include "core/input/Parts.h"
 #include "core/link/DirectoryListing.h"
-#include "core/planning/JulianDate.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace fieldcore {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr std::size_t kShortYear = 2; // digits
 constexpr int kFirstYearOf1900s = 80;
 constexpr double kUnit = 1024.0;
@@ -28,6 +28,19 @@ bool IsNumber(std::wstring_view text)
     return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
 }
 
+constexpr std::array kUnits{L" B", L" KB", L" MB", L" GB", L" TB"};
+
+std::wstring AmountText(double bytes)
+{
+    std::size_t unit = 0;
+    // What would round to four digits takes the next unit.
+    for (; bytes >= 999.5 && unit + 1 < kUnits.size(); ++unit) {
+        bytes /= kUnit;
+    }
+    const std::uint8_t decimals = unit == 0 || bytes >= 99.95 ? 0 : bytes >= 9.995 ? 1 : 2;
+    return FormatFixed(bytes, decimals) + kUnits.at(unit);
+}
+
 } // namespace
 
 std::wstring FileRowName(std::wstring_view name)
@@ -37,15 +50,13 @@ std::wstring FileRowName(std::wstring_view name)
 
 std::wstring FileDateText(std::uint32_t seconds)
 {
-    const auto date = CalendarDateOfJulian(kGpsEpochJulianDate + seconds / kSecondsPerDay);
-    if (!date) {
-        return {};
-    }
-    const int year = static_cast<int>(date->year());
+    const std::chrono::year_month_day date(
+        std::chrono::floor<std::chrono::days>(kGpsEpoch + std::chrono::seconds(seconds)));
+    const int year = static_cast<int>(date.year());
     const int yearDigits = year < 2000 ? year - 1900 : year - 2000;
     return FormatWhole(static_cast<std::uint32_t>(yearDigits), kShortYear) + L"/" +
-           FormatWhole(static_cast<unsigned>(date->month()), 2) + L"/" +
-           FormatWhole(static_cast<unsigned>(date->day()), 2);
+           FormatWhole(static_cast<unsigned>(date.month()), 2) + L"/" +
+           FormatWhole(static_cast<unsigned>(date.day()), 2);
 }
 
 std::wstring FileTimeText(std::uint32_t seconds)
@@ -120,6 +131,20 @@ std::wstring TransferTimeText(std::uint64_t bytes, std::uint32_t bitsPerSecond)
         return FormatText(text::kTimeTensOfSeconds, seconds / 10 + 1);
     }
     return FormatText(text::kTimeMinutes, seconds / 60 + 1);
+}
+
+std::wstring ByteCountText(std::uint64_t bytes)
+{
+    return AmountText(static_cast<double>(bytes));
+}
+
+std::wstring ByteRateText(double bytesPerSecond)
+{
+    constexpr double kMost = 1e15;
+    if (!(bytesPerSecond > 0.0)) {
+        return L"--";
+    }
+    return AmountText(std::min(bytesPerSecond, kMost)) + L"/s";
 }
 
 } // namespace fieldcore

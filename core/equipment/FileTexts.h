@@ -42,4 +42,12 @@ namespace fieldcore {
 /// 0 counts as 9600.
 [[nodiscard]] std::wstring TransferTimeText(std::uint64_t bytes, std::uint32_t bitsPerSecond);
 
+// Amounts of bytes as every language writes them.
+
+/// "812 B", "47.1 KB", "3.06 MB": three digits, of units of 1024.
+[[nodiscard]] std::wstring ByteCountText(std::uint64_t bytes);
+
+/// "11.4 KB/s"; "--" for a rate that is not known: 0, less, or no number.
+[[nodiscard]] std::wstring ByteRateText(double bytesPerSecond);
+
 } // namespace fieldcore

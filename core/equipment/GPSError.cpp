@@ -4,32 +4,27 @@
 #include "core/link/Command.h"
 #include "core/planning/GPSTime.h"
 #include "core/planning/JulianDate.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <cwchar>
 
 namespace fieldcore {
 
 namespace {
 
-using std::chrono::days;
-using std::chrono::local_days;
 using std::chrono::local_seconds;
 using std::chrono::seconds;
 
 constexpr int kFirstRefusedOffsetS = 101;
 constexpr int kFirstComputedFix = 2;
-constexpr double kSecondsPerWeek = 604800.0;
-constexpr double kSecondsPerDay = 86400.0;
 constexpr std::uint8_t kPdopDecimals = 1;
 
-constexpr local_seconds kGpsEpoch{local_days(std::chrono::year(1980) / 1 / 6)};
-constexpr local_seconds kLast{local_days(std::chrono::year(10000) / 1 / 1) - seconds(1)};
+constexpr seconds kLast =
+    std::chrono::sys_days(std::chrono::year(10000) / 1 / 1) - kGpsEpoch - seconds(1);
 
 } // namespace
 
@@ -53,19 +48,34 @@ std::optional<double> PdopOf(bool isSynchronised, double pdop)
 
 std::optional<Clock::UtcTime> ControllerTime(int week, double seconds, int utcOffsetS)
 {
-    const std::optional<std::chrono::year_month_day> date = CalendarDateOfJulian(
-        kGpsEpochJulianDate + (week * kSecondsPerWeek + seconds) / kSecondsPerDay);
+    const std::optional<std::chrono::year_month_day> date =
+        CalendarDateOfJulian(kGpsEpochJulianDate + (week * kWeekS + seconds) / kDayS);
     // Beyond these years a system clock in nanoseconds has no such time.
     if (!date || date->year() < std::chrono::year(1680) || date->year() > std::chrono::year(2260)) {
         return std::nullopt;
     }
     const double t = seconds - utcOffsetS;
-    double ofDay = std::trunc(t - std::trunc(t / kSecondsPerDay) * kSecondsPerDay);
+    double ofDay = std::trunc(t - std::trunc(t / kDayS) * kDayS);
     if (ofDay < 0.0) {
-        ofDay += kSecondsPerDay;
+        ofDay += kDayS;
     }
     return Clock::UtcTime(std::chrono::sys_days(*date)) +
            std::chrono::seconds(static_cast<std::int64_t>(ofDay));
+}
+
+CTime::LocalParts CalendarPartsOf(local_seconds time)
+{
+    const auto day = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day date(day);
+    const auto number = [](unsigned part) { return static_cast<int>(part); };
+    const auto second = static_cast<int>((time - day).count());
+    return {static_cast<int>(date.year()),
+            number(static_cast<unsigned>(date.month())),
+            number(static_cast<unsigned>(date.day())),
+            second / 3600,
+            second / 60 % 60,
+            second % 60,
+            number(std::chrono::weekday(day).c_encoding())};
 }
 
 CGPSError::CGPSError(CCommand* command, Clock* clock)
@@ -130,58 +140,37 @@ local_seconds CGPSError::GetJST()
     gps.SetGpsTime(week, secondsOfWeek);
     // Elapsed time, because the parts of its calendar are moved by daylight saving.
     CTimeSpan span = gps.GetUtcTime() - CGPSTime::m_OriginalTime;
-    span += CTimeSpan(0, 9, 0, -m_utcOffsetS);
-    return kGpsEpoch + std::min(seconds(span.GetTotalSeconds()), kLast - kGpsEpoch);
+    span += CTimeSpan(0, kJst.count(), 0, -m_utcOffsetS);
+    const auto time = kGpsEpoch + std::min(seconds(span.GetTotalSeconds()), kLast);
+    return local_seconds(time.time_since_epoch());
 }
 
 CTime CGPSError::GetJSTCTime()
 {
-    const Shown p = PartsOf(GetJST());
+    const CTime::LocalParts p = CalendarPartsOf(GetJST());
     return CTime(p.year, p.month, p.day, p.hour, p.minute, p.second);
 }
 
 std::wstring CGPSError::GetJSTTime(int timeOnly)
 {
     // Not by way of CTime, which cannot have the hour that daylight saving leaves out.
-    return Format(PartsOf(GetJST()), timeOnly);
-}
-
-CGPSError::Shown CGPSError::PartsOf(local_seconds time)
-{
-    const auto day = std::chrono::floor<days>(time);
-    const std::chrono::year_month_day date(day);
-    const std::chrono::hh_mm_ss ofDay(time - day);
-    return {static_cast<int>(date.year()),
-            static_cast<int>(static_cast<unsigned>(date.month())),
-            static_cast<int>(static_cast<unsigned>(date.day())),
-            static_cast<int>(ofDay.hours().count()),
-            static_cast<int>(ofDay.minutes().count()),
-            static_cast<int>(ofDay.seconds().count())};
+    return Format(CalendarPartsOf(GetJST()), timeOnly);
 }
 
 std::wstring CGPSError::ChangeCTimetoString(const CTime& time, int timeOnly) const
 {
-    const CTime::LocalParts parts = time.GetLocalParts();
-    return Format({parts.year, parts.month, parts.day, parts.hour, parts.minute, parts.second},
-                  timeOnly);
+    return Format(time.GetLocalParts(), timeOnly);
 }
 
-std::wstring CGPSError::Format(const Shown& p, int timeOnly) const
+std::wstring CGPSError::Format(const CTime::LocalParts& p, int timeOnly) const
 {
-    std::array<wchar_t, 64> clock{};
-    const bool hasSeconds = m_isSynchronised != 0;
-    if (timeOnly != 0 && hasSeconds) {
-        std::swprintf(clock.data(), clock.size(), L"%02d:%02d:%02d", p.hour, p.minute, p.second);
-    } else if (timeOnly != 0) {
-        std::swprintf(clock.data(), clock.size(), L"%02d:%02d", p.hour, p.minute);
-    } else if (hasSeconds) {
-        std::swprintf(clock.data(), clock.size(), L"%02d%02d%02d-%d%02d%02d", p.hour, p.minute,
-                      p.second, p.year, p.month, p.day);
-    } else {
-        std::swprintf(clock.data(), clock.size(), L"%02d%02d-%d%02d%02d", p.hour, p.minute, p.year,
-                      p.month, p.day);
+    const auto two = [](int part) { return FormatWhole(static_cast<std::uint32_t>(part), 2); };
+    const std::wstring colon = timeOnly != 0 ? L":" : L"";
+    std::wstring text = two(p.hour) + colon + two(p.minute);
+    if (m_isSynchronised != 0) {
+        text += colon + two(p.second);
     }
-    return clock.data();
+    return timeOnly != 0 ? text : text + L"-" + std::to_wstring(p.year) + two(p.month) + two(p.day);
 }
 
 int CGPSError::stRequestGpsTime(GpsTimeReply& reply)

@@ -24,32 +24,15 @@ PortSettings LineWithFlagsOf(CComPrmSet set)
 
 int PortSetText(PortSet outcome)
 {
-    switch (outcome) {
-    case PortSet::Done:
-        break;
-    case PortSet::Refused:
-        return text::kComRefused;
-    case PortSet::NoAnswer:
-        return text::kComNoAnswer;
-    case PortSet::NotStored:
-        return text::kComNotStored;
-    }
-    return 0;
+    constexpr int kTexts[] = {0, text::kComRefused, text::kComNoAnswer, text::kComNotStored};
+    return kTexts[static_cast<std::size_t>(outcome)];
 }
 
 int PortKnownText(PortKnown known)
 {
-    switch (known) {
-    case PortKnown::Same:
-        break;
-    case PortKnown::Waiting:
-        return text::kComKnownWaiting;
-    case PortKnown::Default:
-        return text::kComKnownDefault;
-    case PortKnown::Stored:
-        return text::kComKnownStored;
-    }
-    return 0;
+    constexpr int kTexts[] = {0, text::kComKnownWaiting, text::kComKnownDefault,
+                              text::kComKnownStored};
+    return kTexts[static_cast<std::size_t>(known)];
 }
 
 int ForgetPorts(SettingsRoots& roots)
@@ -116,10 +99,9 @@ PortSet PortEdit::Set(int port, CCommand* command)
         return PortSet::Done;
     }
     set.ConvFlag2Data();
-    SetRS232PortParameters record;
-    set.GetSETCOMMS(port, record);
     const bool isConnected = command != nullptr && command->IsPortOpen() != 0;
-    if (isConnected && command->SetReceiverPort(record.port, LineOf(record)) == 0) {
+    if (isConnected &&
+        command->SetReceiverPort(static_cast<std::uint8_t>(port), LineWithFlagsOf(set)) == 0) {
         if (command->Fault() == CommandFault::Refused) {
             return PortSet::Refused;
         }

@@ -20,7 +20,7 @@ enum class PortSet
     NotStored, ///< the settings cannot be written; a receiver that is connected has it
 };
 
-/// What to tell the user; empty for Done. A format: the number of the port.
+/// What to tell the user; 0 for Done. A format: the number of the port.
 [[nodiscard]] int PortSetText(PortSet outcome);
 
 /// What is known of how the receiver runs a port, beside what is shown for it.

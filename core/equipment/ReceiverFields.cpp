@@ -5,7 +5,9 @@
 #include "core/input/Angles.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/link/RecvInfo.h"
+#include "core/planning/Degrees.h"
 #include "core/planning/PlaneRectangular.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
@@ -30,10 +32,9 @@ using Known = std::optional<FieldValue>;
 using R = const Receiver&;
 using V = const StatusView&;
 
-constexpr std::chrono::hours kJst{9}; // Japan has no daylight saving time
-constexpr double kLargestDop = 99.8;  // 99.9 says that there is none
-constexpr int kSecondDecimals = 4;    // of an arc second: 3 mm
-constexpr int kDegreeDecimals = 8;    // about a millimetre
+constexpr double kLargestDop = 99.8; // 99.9 says that there is none
+constexpr int kSecondDecimals = 4;   // of an arc second: 3 mm
+constexpr int kDegreeDecimals = 8;   // about a millimetre
 constexpr seconds kUsual{10};
 constexpr seconds kSeldom{75}; // what is asked for at every fifteenth round
 
@@ -81,6 +82,12 @@ FieldValue Made(const Raw& raw)
     } else {
         return raw;
     }
+}
+
+template <auto Reply>
+std::optional<Clock::Duration> When(R r)
+{
+    return r.*Reply ? std::optional((r.*Reply)->at) : std::nullopt;
 }
 
 /// A member of a reply, as it is.
@@ -154,6 +161,13 @@ Known TextOf(const wchar_t* text)
     return trimmed.empty() ? std::nullopt : Known(std::move(trimmed));
 }
 
+template <std::size_t Count>
+Known TermOf(const std::array<Term, Count>& terms, int number)
+{
+    const bool isOne = number >= 0 && number < static_cast<int>(Count);
+    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
+}
+
 const ReceiverType* TypeOf(R r)
 {
     return FindReceiverType(r.identity.TypeNumber());
@@ -175,8 +189,7 @@ Known Model(R r, V /*view*/)
 Known Family(R r, V /*view*/)
 {
     const ReceiverType* const type = TypeOf(r);
-    return type != nullptr ? Known(&kFamilies[static_cast<std::size_t>(type->family)])
-                           : std::nullopt;
+    return type != nullptr ? TermOf(kFamilies, static_cast<int>(type->family)) : std::nullopt;
 }
 
 Known SecondsOfWeek(R r, V /*view*/)
@@ -203,9 +216,7 @@ Known ControllerClock(R r, V view)
 
 Known Fix(R r, V /*view*/)
 {
-    const int kind = r.position ? r.position->value.fixKind : -1;
-    const bool isKind = kind >= 0 && kind < static_cast<int>(kFixes.size());
-    return isKind ? Known(&kFixes[static_cast<std::size_t>(kind)]) : std::nullopt;
+    return r.position ? TermOf(kFixes, r.position->value.fixKind) : std::nullopt;
 }
 
 Known Height(R r, V /*view*/)
@@ -267,13 +278,6 @@ Known AboveMask(R r, V view)
         })));
 }
 
-template <std::size_t Count>
-Known TermOf(const std::array<Term, Count>& terms, int number)
-{
-    const bool isOne = number >= 0 && number < static_cast<int>(Count);
-    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
-}
-
 Known StateOfTilt(R r, V /*view*/)
 {
     if (!r.tilt) {
@@ -287,7 +291,7 @@ Known StateOfTilt(R r, V /*view*/)
 template <auto Member>
 Known TiltAngle(R r, V /*view*/)
 {
-    return r.tilt ? Known(r.tilt->value.*Member * 180.0 / std::numbers::pi) : std::nullopt;
+    return r.tilt ? Known(DegreesOf(r.tilt->value.*Member)) : std::nullopt;
 }
 
 /// How far the antenna stands beside the point, mm.
@@ -469,12 +473,6 @@ bool IsWithin(const ReceiverField& field, Number number)
     return std::isfinite(value) && value >= field.number.least && value <= field.number.most;
 }
 
-std::optional<Clock::Duration> AgeOf(const ReceiverField& field, R receiver, V view)
-{
-    const std::optional<Clock::Duration> at = TimeOf(field.source, receiver);
-    return at ? std::optional(std::max(view.now - *at, Clock::Duration::zero())) : std::nullopt;
-}
-
 struct MomentParts
 {
     std::string date;
@@ -483,19 +481,13 @@ struct MomentParts
 
 MomentParts PartsOf(std::chrono::local_seconds time, bool hasSeconds)
 {
-    const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(day);
-    const std::chrono::hh_mm_ss parts(time - day);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
-    MomentParts made{text.data(), {}};
-    std::snprintf(text.data(), text.size(), hasSeconds ? "%02d:%02d:%02d" : "%02d:%02d",
-                  static_cast<int>(parts.hours().count()),
-                  static_cast<int>(parts.minutes().count()),
-                  static_cast<int>(parts.seconds().count()));
-    made.timeOfDay = text.data();
-    return made;
+    const CTime::LocalParts p = CalendarPartsOf(time);
+    std::array<char, 64> date{};
+    std::array<char, 64> timeOfDay{};
+    std::snprintf(date.data(), date.size(), "%04d-%02d-%02d", p.year, p.month, p.day);
+    std::snprintf(timeOfDay.data(), timeOfDay.size(), hasSeconds ? "%02d:%02d:%02d" : "%02d:%02d",
+                  p.hour, p.minute, p.second);
+    return {date.data(), timeOfDay.data()};
 }
 
 /// As ISO 8601 for programs.
@@ -506,18 +498,12 @@ Value ReportMoment(const Moment& moment)
                        parts.date + " " + parts.timeOfDay + (moment.isJst ? " JST" : " UTC"));
 }
 
-/// The moment as it is by now.
-std::chrono::local_seconds MovedOn(const Moment& moment, Clock::Duration age)
+/// The moment as it is by now: it goes on as long as it is fresh.
+MomentParts PartsByNow(const Moment& moment, const ReceiverField& field, R receiver, V view)
 {
-    return moment.time + std::chrono::floor<seconds>(age);
-}
-
-/// How old a value is for what goes on as long as it is fresh.
-Clock::Duration GoneBy(const ReceiverField& field, R receiver, V view)
-{
-    return IsStale(field, receiver, view)
-               ? Clock::Duration::zero()
-               : AgeOf(field, receiver, view).value_or(Clock::Duration::zero());
+    const auto age = IsStale(field, receiver, view) ? std::nullopt : AgeOf(field, receiver, view);
+    const auto goneBy = std::chrono::floor<seconds>(age.value_or(Clock::Duration::zero()));
+    return PartsOf(moment.time + goneBy, moment.hasSeconds);
 }
 
 std::wstring WithUnit(const ReceiverField& field, std::wstring number, bool isBelowZero)
@@ -556,28 +542,20 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 
 std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver)
 {
-    const auto at = [](const auto& timed) {
-        return timed ? std::optional(timed->at) : std::nullopt;
-    };
-    switch (source) {
-    case FieldSource::Identity:
-        break;
-    case FieldSource::Status:
-        return at(receiver.status);
-    case FieldSource::Position:
-        return at(receiver.position);
-    case FieldSource::Time:
-        return at(receiver.time);
-    case FieldSource::PowerSource:
-        return at(receiver.powerSource);
-    case FieldSource::Tracked:
-        return at(receiver.tracked);
-    case FieldSource::Tilt:
-        return at(receiver.tilt);
-    case FieldSource::Calibration:
-        return at(receiver.calibration);
-    }
-    return std::nullopt;
+    constexpr std::array kTimes{When<&Receiver::status>,     When<&Receiver::position>,
+                                When<&Receiver::time>,       When<&Receiver::powerSource>,
+                                When<&Receiver::tracked>,    When<&Receiver::tilt>,
+                                When<&Receiver::calibration>}; // in the order of the others
+    return source != FieldSource::Identity
+               ? kTimes.at(static_cast<std::size_t>(source) - 1)(receiver)
+               : std::nullopt;
+}
+
+std::optional<Clock::Duration> AgeOf(const ReceiverField& field, const Receiver& receiver,
+                                     const StatusView& view)
+{
+    const std::optional<Clock::Duration> at = TimeOf(field.source, receiver);
+    return at ? std::optional(std::max(view.now - *at, Clock::Duration::zero())) : std::nullopt;
 }
 
 std::span<const ReceiverField> AllReceiverFields()
@@ -626,9 +604,7 @@ Value ReportField(const ReceiverField& field, const Receiver& receiver, const St
                 const bool isPlain = term->textId == 0 || CurrentLanguage() == Language::English;
                 return Value::Word(term->code, isPlain ? term->words : ToUtf8(Text(term->textId)));
             },
-            [](Angle angle) {
-                return Value::Real(angle.rad * 180.0 / std::numbers::pi, kDegreeDecimals, "deg");
-            },
+            [](Angle angle) { return Value::Real(DegreesOf(angle.rad), kDegreeDecimals, "deg"); },
             [](const Moment& moment) { return ReportMoment(moment); },
             [&](std::chrono::minutes left) {
                 return Value::Integer(left.count(), field.number.unit);
@@ -659,8 +635,7 @@ std::wstring FieldText(const ReceiverField& field, const Receiver& receiver, con
             [](const Term* term) { return std::wstring(Text(term->textId)); },
             [](Angle angle) { return RADtoDEGStr(angle.rad, 1, kSecondDecimals); },
             [&](const Moment& moment) {
-                const MomentParts parts =
-                    PartsOf(MovedOn(moment, GoneBy(field, receiver, view)), moment.hasSeconds);
+                const MomentParts parts = PartsByNow(moment, field, receiver, view);
                 return FromUtf8(parts.date + " " + parts.timeOfDay);
             },
             [](std::chrono::minutes left) { return MinutesText(left); },
@@ -678,12 +653,8 @@ std::wstring JstTimeOfDay(const Receiver& receiver, const StatusView& view)
 {
     const ReceiverField& field = FieldOf("jst");
     const Known value = ReadField(field, receiver, view);
-    if (!value) {
-        return {};
-    }
-    const auto& moment = std::get<Moment>(*value);
-    const Clock::Duration age = GoneBy(field, receiver, view);
-    return FromUtf8(PartsOf(MovedOn(moment, age), moment.hasSeconds).timeOfDay);
+    return value ? FromUtf8(PartsByNow(std::get<Moment>(*value), field, receiver, view).timeOfDay)
+                 : std::wstring();
 }
 
 std::wstring ControllerTimeOfDay(Clock::UtcTime utc)

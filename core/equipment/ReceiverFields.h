@@ -132,6 +132,9 @@ ReadField(const ReceiverField& field, const Receiver& receiver, const StatusView
 /// The same for the user, with its unit. The time goes on while it is fresh.
 [[nodiscard]] std::wstring FieldText(const ReceiverField& field, const Receiver& receiver,
                                      const StatusView& view);
+/// How old a field is; nothing if its reply has not come, and for who the receiver is.
+[[nodiscard]] std::optional<Clock::Duration>
+AgeOf(const ReceiverField& field, const Receiver& receiver, const StatusView& view);
 /// Whether the user should see that the value is old, or that there is none.
 [[nodiscard]] bool IsStale(const ReceiverField& field, const Receiver& receiver,
                            const StatusView& view);

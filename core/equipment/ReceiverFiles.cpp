@@ -1,7 +1,6 @@
 #include "core/equipment/ReceiverFiles.h"
 
 #include "core/equipment/FileDestination.h"
-#include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
 #include "core/link/ReceivedFile.h"
 #include "core/link/RecvInfo.h"
@@ -293,21 +292,6 @@ std::wstring ReceiverFiles::stGetSearchName()
     std::wstring pattern = L"*";
     stAddExtension(m_mode, pattern);
     return pattern;
-}
-
-std::wstring ReceiverFiles::stCreateName(std::wstring_view recordName)
-{
-    return FileRowName(recordName);
-}
-
-std::wstring ReceiverFiles::stCreateTime(std::uint32_t seconds)
-{
-    return FileDateText(seconds);
-}
-
-std::wstring ReceiverFiles::stCreateSize(double bytes)
-{
-    return FileSizeText(bytes);
 }
 
 const DirectoryListingData* ReceiverFiles::FindRecord(std::wstring_view name) const

@@ -2,6 +2,7 @@
 
 #include "core/equipment/FilePlan.h"
 #include "core/equipment/FileRows.h"
+#include "core/equipment/FileTexts.h"
 #include "core/host/MessageTarget.h"
 #include "core/link/Connect.h"
 #include "core/link/DirectoryListing.h"
@@ -140,9 +141,15 @@ public:
     void stAddExtension(std::wstring_view base, std::wstring& live, std::wstring& deleted);
     /// The pattern of a Lark listing in the current mode: "*.Q01".
     [[nodiscard]] std::wstring stGetSearchName();
-    [[nodiscard]] static std::wstring stCreateName(std::wstring_view recordName);
-    [[nodiscard]] static std::wstring stCreateTime(std::uint32_t seconds);
-    [[nodiscard]] static std::wstring stCreateSize(double bytes);
+    [[nodiscard]] static std::wstring stCreateName(std::wstring_view name)
+    {
+        return FileRowName(name);
+    }
+    [[nodiscard]] static std::wstring stCreateTime(std::uint32_t seconds)
+    {
+        return FileDateText(seconds);
+    }
+    [[nodiscard]] static std::wstring stCreateSize(double bytes) { return FileSizeText(bytes); }
     /// The first of all records with exactly this name. @return null if there is none
     [[nodiscard]] const DirectoryListingData* FindRecord(std::wstring_view name) const;
     /// A Pica's number of the file of a row's name; 255 when it is not found.

@@ -4,17 +4,12 @@
 #include "core/equipment/GPSError.h"
 #include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
+#include "core/platform/Calendar.h"
 
 #include <chrono>
 #include <utility>
 
 namespace fieldcore {
-
-namespace {
-
-constexpr std::chrono::hours kJst{9};
-
-} // namespace
 
 /// The rules of the time over what is known already: nothing is asked twice in a round.
 class ReceiverQuestions::Judge final : public CGPSError

@@ -27,7 +27,16 @@ public:
     static constexpr std::size_t kMost = 4096;
 
     /// Drops what is older than kLength. A sample before the last one is not taken.
-    void Add(const Sample& sample);
+    void Add(const Sample& sample)
+    {
+        if (!m_samples.empty() && sample.at < m_samples.back().at) {
+            return;
+        }
+        m_samples.push_back(sample);
+        while (m_samples.size() > kMost || sample.at - m_samples.front().at > kLength) {
+            m_samples.pop_front();
+        }
+    }
     void Clear() { m_samples.clear(); }
     /// Oldest first.
     [[nodiscard]] const std::deque<Sample>& Samples() const { return m_samples; }

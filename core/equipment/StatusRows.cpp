@@ -2,7 +2,6 @@
 
 #include "core/resources/StringTable.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace fieldcore {
@@ -10,9 +9,8 @@ namespace fieldcore {
 StatusRow StatusRowOf(const ReceiverField& field, const Receiver& receiver, const StatusView& view)
 {
     StatusRow row{&field, FieldText(field, receiver, view), L"", IsStale(field, receiver, view)};
-    if (const auto at = TimeOf(field.source, receiver)) {
-        const Clock::Duration age = std::max(view.now - *at, Clock::Duration::zero());
-        row.age = row.isStale ? LastReceivedText(view.utc, age) : AgeText(age);
+    if (const auto age = AgeOf(field, receiver, view)) {
+        row.age = row.isStale ? LastReceivedText(view.utc, *age) : AgeText(*age);
     }
     return row;
 }
@@ -59,22 +57,10 @@ std::vector<std::wstring> BrokenLimits(const Receiver& receiver, const StatusVie
 
 const wchar_t* LinkText(LinkState link)
 {
-    switch (link) {
-    case LinkState::Connected:
-        return Text(text::kAppLinkConnected);
-    case LinkState::Connecting:
-        return Text(text::kAppLinkConnecting);
-    case LinkState::Lost:
-    case LinkState::Reconnecting:
-        return Text(text::kAppLinkLost);
-    case LinkState::Failed:
-        return Text(text::kAppLinkFailed);
-    case LinkState::Refused:
-        return Text(text::kAppLinkRefused);
-    case LinkState::NotConnected:
-        break;
-    }
-    return Text(text::kAppLinkNone);
+    constexpr int kTexts[] = {text::kAppLinkNone, text::kAppLinkConnecting, text::kAppLinkConnected,
+                              text::kAppLinkLost, // and reconnecting:
+                              text::kAppLinkLost, text::kAppLinkFailed,     text::kAppLinkRefused};
+    return Text(kTexts[static_cast<std::size_t>(link)]);
 }
 
 std::wstring FixText(const Receiver& receiver, const StatusView& view)

@@ -1,6 +1,7 @@
 #include "core/host/Host.h"
 
 #include <atomic>
+#include <cstddef>
 
 namespace fieldcore {
 
@@ -8,34 +9,29 @@ namespace {
 
 std::atomic<Host*> g_default = nullptr;
 
+struct Answers
+{
+    BoxAnswer agreeing;
+    BoxAnswer harmless;
+};
+
+const Answers& AnswersOf(BoxButtons buttons)
+{
+    using enum BoxAnswer;
+    static constexpr Answers kAnswers[] = {{Ok, Ok}, {Ok, Cancel}, {Yes, No}, {Retry, Cancel}};
+    return kAnswers[static_cast<std::size_t>(buttons)]; // in the order of the buttons
+}
+
 } // namespace
 
 BoxAnswer HarmlessAnswer(BoxButtons buttons)
 {
-    switch (buttons) {
-    case BoxButtons::YesNo:
-        return BoxAnswer::No;
-    case BoxButtons::OkCancel:
-    case BoxButtons::RetryCancel:
-        return BoxAnswer::Cancel;
-    case BoxButtons::Ok:
-        break;
-    }
-    return BoxAnswer::Ok;
+    return AnswersOf(buttons).harmless;
 }
 
 BoxAnswer AgreeingAnswer(BoxButtons buttons)
 {
-    switch (buttons) {
-    case BoxButtons::YesNo:
-        return BoxAnswer::Yes;
-    case BoxButtons::RetryCancel:
-        return BoxAnswer::Retry;
-    case BoxButtons::OkCancel:
-    case BoxButtons::Ok:
-        break;
-    }
-    return BoxAnswer::Ok;
+    return AnswersOf(buttons).agreeing;
 }
 
 BoxAnswer DefaultAnswer(BoxStyle style)

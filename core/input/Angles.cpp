@@ -5,12 +5,11 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 namespace fieldcore {
 
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 constexpr wchar_t kDegreeMark = L'\uFF9F';
 
@@ -34,7 +33,7 @@ void RADtoDEGInt(double angleRad, std::int32_t& degrees, std::uint8_t& minutes,
     }
     const bool positive = angleRad > 0.0;
     // The order of these operations decides the last digit.
-    double s = (positive ? angleRad : -angleRad) * 3600.0 * 180.0 / kPi;
+    double s = (positive ? angleRad : -angleRad) * 3600.0 * 180.0 / std::numbers::pi;
 
     degrees = SaturateCast<std::int32_t>(std::floor(s / 3600.0));
     const bool tooLarge = degrees == std::numeric_limits<std::int32_t>::max();

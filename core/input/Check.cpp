@@ -11,12 +11,11 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numbers>
 
 namespace fieldcore {
 
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 // Not iswdigit() and its kin: which characters they take depends on the user's language.
 bool IsDigit(wchar_t c)
@@ -97,59 +96,44 @@ int CCheck::CheckDeg(const std::wstring& text, FocusTarget* control, int showMes
 double CCheck::GetRad(const std::wstring& text)
 {
     stCheckDegRange(text);
-    return m_lastAngle / 3600.0 / 180.0 * kPi;
+    return m_lastAngle / 3600.0 / 180.0 * std::numbers::pi;
 }
 
 int CCheck::stCheckNum(const std::wstring& text, FocusTarget* control, int integerOnly,
                        int showMessage)
 {
     if (stCheckNumKernel(text, integerOnly) == 0) {
-        if (showMessage != 0) {
-            Warn(Text(text::kCheckNumber), text::kCheckNumberCaption, control);
-        }
-        return 0;
+        return Refuse(Text(text::kCheckNumber), text::kCheckNumberCaption, control, showMessage);
     }
     const double value = CParts::atof(text);
     if (m_minimum <= value && value <= m_maximum) {
         return 1;
     }
-    if (showMessage != 0) {
-        Warn(RangeText(LimitText(m_minimum), LimitText(m_maximum)), text::kCheckRangeCaption,
-             control);
-    }
-    return 0;
+    return Refuse(RangeText(LimitText(m_minimum), LimitText(m_maximum)), text::kCheckRangeCaption,
+                  control, showMessage);
 }
 
 int CCheck::stCheckPointName(const std::wstring& text, FocusTarget* control, int showMessage)
 {
-    if (stCheckPointNameKernel(text) != 0) {
-        return 1;
-    }
-    if (showMessage != 0) {
-        Warn(Text(text::kCheckPointName), text::kCheckPointNameCaption, control);
-    }
-    return 0;
+    return stCheckPointNameKernel(text) != 0
+               ? 1
+               : Refuse(Text(text::kCheckPointName), text::kCheckPointNameCaption, control,
+                        showMessage);
 }
 
 int CCheck::stCheckDeg(const std::wstring& text, FocusTarget* control, int showMessage)
 {
     if (stCheckDegKernel(text) == 0) {
-        if (showMessage != 0) {
-            Warn(Text(text::kCheckAngle), text::kCheckAngleCaption, control);
-        }
-        return 0;
+        return Refuse(Text(text::kCheckAngle), text::kCheckAngleCaption, control, showMessage);
     }
     if (stCheckDegRange(text) != 0) {
         return 1;
     }
-    if (showMessage != 0) {
-        const auto limit = [](std::int32_t degrees) {
-            return std::to_wstring(degrees) + L"-59-59.99999";
-        };
-        Warn(RangeText(limit(m_minimumDeg), limit(m_maximumDeg)), text::kCheckRangeCaption,
-             control);
-    }
-    return 0;
+    const auto limit = [](std::int32_t degrees) {
+        return std::to_wstring(degrees) + L"-59-59.99999";
+    };
+    return Refuse(RangeText(limit(m_minimumDeg), limit(m_maximumDeg)), text::kCheckRangeCaption,
+                  control, showMessage);
 }
 
 int CCheck::stCheckNumKernel(const std::wstring& text, int integerOnly)
@@ -245,12 +229,16 @@ std::unique_ptr<FocusTarget> CCheck::Control(int id, int showMessage) const
     return showMessage != 0 ? m_host.FindControl(id) : nullptr;
 }
 
-void CCheck::Warn(const std::wstring& text, int caption, FocusTarget* control) const
+int CCheck::Refuse(const std::wstring& text, int caption, FocusTarget* control,
+                   int showMessage) const
 {
-    CMesBox(m_host).Warn(text, caption);
-    if (control != nullptr) {
+    if (showMessage != 0) {
+        CMesBox(m_host).Warn(text, caption);
+    }
+    if (showMessage != 0 && control != nullptr) {
         control->TakeFocus();
     }
+    return 0;
 }
 
 } // namespace fieldcore

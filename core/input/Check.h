@@ -73,7 +73,8 @@ protected:
 
 private:
     [[nodiscard]] std::unique_ptr<FocusTarget> Control(int id, int showMessage) const;
-    void Warn(const std::wstring& text, int caption, FocusTarget* control) const;
+    /// Says why, if the user is to be told. @return 0
+    int Refuse(const std::wstring& text, int caption, FocusTarget* control, int showMessage) const;
 
     double m_minimum = -1.0e24;
     double m_maximum = 1.0e24;

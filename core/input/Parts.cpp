@@ -1,7 +1,6 @@
 #include "core/input/Parts.h"
 
 #include "core/input/EntryList.h"
-#include "core/input/TextList.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
 #include "core/resources/StringTable.h"

@@ -1,6 +1,7 @@
 #include "core/link/FileReplies.h"
 
 #include "core/link/LayoutReader.h"
+#include "core/platform/Calendar.h"
 
 #include <algorithm>
 #include <chrono>
@@ -14,7 +15,6 @@ namespace {
 constexpr std::uint8_t kLastPage = 0x80;
 constexpr std::uint8_t kMoreFollows = 128;
 constexpr std::size_t kMostBlockBytes = 1000;
-constexpr std::int64_t kShiftS = 9 * 3600;
 
 /// @return seconds since 1980-01-06 00:00, 0 if these are no date and time
 std::uint32_t RecordTime(int year, unsigned month, unsigned day, unsigned hour, unsigned minute)
@@ -25,11 +25,9 @@ std::uint32_t RecordTime(int year, unsigned month, unsigned day, unsigned hour, 
     if (!date.ok() || hour > 23 || minute > 59) {
         return 0;
     }
-    const std::int64_t midnight =
-        (sys_days(date) - sys_days(std::chrono::year(1980) / 1 / 6)).count() * std::int64_t{86400};
+    const seconds inJapan = sys_days(date) - kGpsEpoch + hours(hour) + minutes(minute) + kJst;
     constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
-    return static_cast<std::uint32_t>(
-        std::clamp<std::int64_t>(midnight + hour * 3600 + minute * 60 + kShiftS, 0, kMost));
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(inJapan.count(), 0, kMost));
 }
 
 /// Reads the next field as a file's name.

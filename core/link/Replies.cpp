@@ -2,6 +2,7 @@
 
 #include "core/input/Parts.h"
 #include "core/link/LayoutReader.h"
+#include "core/platform/Calendar.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +18,6 @@ using namespace std::string_view_literals;
 
 constexpr std::size_t kCmrxLength = 33; // of the extended options, from which on CMRx counts
 
-constexpr double kSecondsPerWeek = 604800.0;
 constexpr std::uint16_t kUnknownWeek = 0xFFFF;
 constexpr std::uint16_t kBluetoothModel = 310;
 constexpr int kRtkFixed = 5;
@@ -44,7 +44,7 @@ std::optional<TiltTime> ReadTiltTime(LayoutReader& in)
 {
     TiltTime time;
     in.Read(time.week, time.secondsOfWeek);
-    if (time.week == kUnknownWeek || time.secondsOfWeek >= kSecondsPerWeek) {
+    if (time.week == kUnknownWeek || time.secondsOfWeek >= kWeekS) {
         return std::nullopt;
     }
     return time;
@@ -198,7 +198,7 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 {
     return ReadReply<GpsTimeReply>(frame, 0x15, "", [](auto& in, auto& reply) {
         in.Read(reply.secondsOfWeek, reply.week, reply.utcOffsetS);
-        return reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kSecondsPerWeek;
+        return reply.secondsOfWeek >= 0.0 && reply.secondsOfWeek < kWeekS;
     });
 }
 
@@ -216,7 +216,7 @@ std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
         in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
                 reply.hdop, reply.vdop);
         ReadPlace(in, reply.position);
-        return reply.secondsOfWeek < kSecondsPerWeek;
+        return reply.secondsOfWeek < kWeekS;
     });
 }
 

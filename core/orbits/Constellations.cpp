@@ -1,5 +1,7 @@
 #include "core/orbits/Constellations.h"
 
+#include "core/platform/Calendar.h"
+
 #include <algorithm>
 #include <cassert>
 #include <cmath>
@@ -12,7 +14,6 @@ namespace fieldcore {
 namespace {
 
 constexpr double kPeriodS = 7200.0; // in which one record of a satellite is enough
-constexpr double kDayS = 86400.0;
 
 double PeriodOf(const NavigationRecord& record)
 {

@@ -2,6 +2,7 @@
 
 #include "core/orbits/NavigationText.h"
 #include "core/platform/AtomicFile.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/Folders.h"
 
 #include <algorithm>
@@ -32,7 +33,6 @@ KeptNavigation LoadConstellations(const std::filesystem::path& folder)
 std::error_code KeepMessages(const std::filesystem::path& folder,
                              std::span<const NavigationRecord> records, double nowS)
 {
-    constexpr double kDayS = 86400.0;
     constexpr double kForgottenS = 30 * kDayS;
     if (const std::error_code error = Folders::Create(folder)) {
         return error;

@@ -1,6 +1,7 @@
 #include "core/orbits/NavigationText.h"
 
 #include "core/orbits/SystemTime.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/TextLines.h"
 #include "core/platform/WholeFile.h"
 
@@ -17,11 +18,10 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::size_t kLabelColumn = 60;  // of a header line
-constexpr std::size_t kFieldWidth = 19;   // of a number
-constexpr std::size_t kFieldsPerLine = 4; // behind the first line
-constexpr std::size_t kIndent = 4;        // of the lines behind the first
-constexpr double kWeekS = 7 * 86400.0;
+constexpr std::size_t kLabelColumn = 60;       // of a header line
+constexpr std::size_t kFieldWidth = 19;        // of a number
+constexpr std::size_t kFieldsPerLine = 4;      // behind the first line
+constexpr std::size_t kIndent = 4;             // of the lines behind the first
 constexpr double kMoscowAheadS = 3.0 * 3600.0; // GLONASS time before UTC, which its records have
 constexpr double kKm = 1000.0;
 

@@ -1,5 +1,7 @@
 #include "core/orbits/StateVector.h"
 
+#include "core/platform/Calendar.h"
+
 #include <cmath>
 #include <initializer_list>
 #include <utility>
@@ -17,7 +19,7 @@ constexpr double kRatePz90 = 7.292115e-5;     // rad/s
 /// Halving it changes a day's way by less than a centimetre.
 constexpr double kStepS = 60.0;
 constexpr double kSunAndMoonS = 1800.0;
-constexpr double kMostS = 366.0 * 86400.0;
+constexpr double kMostS = 366.0 * kDayS;
 
 Ecef Moved(const Ecef& from, const Ecef& slope, double seconds)
 {

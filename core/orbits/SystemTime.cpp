@@ -1,5 +1,7 @@
 #include "core/orbits/SystemTime.h"
 
+#include "core/platform/Calendar.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -11,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::sys_days;
 
-constexpr sys_days kGpsEpoch{1980y / 1 / 6};
 constexpr double kBeiDouBehindS = 14.0;        // as many leap seconds as there were when it began
 constexpr double kMoscowAheadS = 3.0 * 3600.0; // of UTC
 

@@ -1,6 +1,7 @@
 #include "core/planning/AlmanacOrbit.h"
 
 #include "core/planning/PlanLanes.h"
+#include "core/platform/Calendar.h"
 
 #include <cmath>
 #include <numbers>
@@ -11,7 +12,6 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 constexpr double kTwoPi = 2.0 * kPi;
-constexpr double kWeekS = 7 * 86400.0;
 constexpr int kWeekCycle = 1024;
 
 /// Up to here the difference of eccentric and mean anomaly goes through short series.

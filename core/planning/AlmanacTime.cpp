@@ -1,12 +1,11 @@
 #include "core/planning/AlmanacTime.h"
 
 #include "core/planning/CalendarTime.h"
+#include "core/platform/Calendar.h"
 
 namespace fieldcore {
 
 namespace {
-
-constexpr double kWeekS = 7 * 86400.0;
 
 bool HasTime(const KeplerElements& elements)
 {

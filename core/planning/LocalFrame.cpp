@@ -1,5 +1,7 @@
 #include "core/planning/LocalFrame.h"
 
+#include "core/planning/Geodesy.h"
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -9,9 +11,6 @@ namespace fieldcore {
 
 namespace {
 
-/// GRS80: semi-major axis, m, and flattening.
-constexpr double kSemiMajor = 6378137.0;
-constexpr double kFlattening = 1.0 / 298.257222101;
 constexpr double kHalfPi = std::numbers::pi / 2.0;
 
 using Matrix = std::array<std::array<double, 4>, 4>; // rows, then columns
@@ -57,10 +56,11 @@ Matrix TranslationBack(const Ecef& p)
 
 Ecef ToEcef(const Observer& observer) noexcept
 {
-    const double e2 = 2.0 * kFlattening - kFlattening * kFlattening;
+    const auto [semiMajorM, flattening] = ShapeOf(Ellipsoid::Grs80);
+    const double e2 = 2.0 * flattening - flattening * flattening;
     const double sinLat = std::sin(observer.latitudeRad);
     const double cosLat = std::cos(observer.latitudeRad);
-    const double n = kSemiMajor / std::sqrt(1.0 - e2 * sinLat * sinLat);
+    const double n = semiMajorM / std::sqrt(1.0 - e2 * sinLat * sinLat);
     const double h = observer.heightM;
     return {(n + h) * cosLat * std::cos(observer.longitudeRad),
             (n + h) * cosLat * std::sin(observer.longitudeRad), (n * (1.0 - e2) + h) * sinLat};

@@ -1,6 +1,7 @@
 #include "core/planning/NominalConstellation.h"
 
 #include "core/planning/AlmanacOrbit.h"
+#include "core/platform/Calendar.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,14 +12,13 @@ namespace fieldcore {
 
 namespace {
 
-constexpr double kWeekS = 7 * 86400.0;
 constexpr double kSemicircleDeg = 180.0;
 constexpr double kAxisM = 26'559'800.0;
 constexpr double kInclinationDeg = 55.0;
 
 /// 1993-07-01 00:00 UTC, a Thursday, in GPS time, which was 9 s ahead.
 constexpr int kEpochWeek = 703;
-constexpr double kEpochSowS = 4 * 86400.0 + 9.0;
+constexpr double kEpochSowS = 4 * kDayS + 9.0;
 /// 18h 36m 14.4s: where Greenwich stood against the equinox.
 constexpr double kGreenwichDeg = (18.0 + 36.0 / 60.0 + 14.4 / 3600.0) * 15.0;
 
@@ -88,13 +88,11 @@ std::vector<AlmanacRecord> NominalConstellation(int count, int week, std::uint32
 
 std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now)
 {
-    using namespace std::chrono_literals;
-    constexpr std::chrono::sys_days kGpsEpoch = 1980y / std::chrono::January / 6;
-    constexpr std::int64_t kSecondsAWeek = 604800;
+    using std::chrono::weeks;
     constexpr std::int64_t kStepS = 4096; // of reference times
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - kGpsEpoch).count();
-    const std::int64_t inWeek = seconds % kSecondsAWeek / kStepS * kStepS;
-    return NominalConstellation(kNominalSatellites, static_cast<int>(seconds / kSecondsAWeek),
+    const auto since = std::chrono::duration_cast<std::chrono::seconds>(now - kGpsEpoch);
+    const std::int64_t inWeek = (since % weeks(1)).count() / kStepS * kStepS;
+    return NominalConstellation(kNominalSatellites, static_cast<int>(since / weeks(1)),
                                 static_cast<std::uint32_t>(inWeek));
 }
 

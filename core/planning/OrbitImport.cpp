@@ -5,6 +5,7 @@
 #include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacText.h"
 #include "core/planning/SkyPlan.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
@@ -57,7 +58,6 @@ void Tell(OrbitImport& import, std::span<const NavigationRecord> records, double
 OrbitImport ImportOrbits(const std::filesystem::path& folder, const std::filesystem::path& file,
                          Clock::UtcTime now)
 {
-    constexpr double kWeekS = 604800.0;
     const double nowS = GpsSecondsOfUtc(std::chrono::floor<std::chrono::seconds>(now));
     OrbitImport import;
     std::vector<NavigationRecord> messages;

@@ -1,6 +1,7 @@
 #include "core/planning/SkyPlan.h"
 
 #include "core/planning/SurveyPlanCalc.h"
+#include "core/platform/Calendar.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr double kWeekS = 7 * 86400.0;
 constexpr int kWeekCycle = 1024;
 
 /// Directions of the satellites that share a clock.

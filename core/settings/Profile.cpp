@@ -85,22 +85,8 @@ std::optional<ProfileText> LoadProfile(const fs::path& file)
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
                  const fs::path& file)
 {
-    const ProfileEntry entry{key, value};
-    return WriteProfile(section, std::span(&entry, 1), file);
-}
-
-int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
-                 const fs::path& file)
-{
     return Edit(file, [&](std::string bytes) {
-        std::optional<std::string> changed(std::move(bytes));
-        for (const ProfileEntry& entry : entries) {
-            changed =
-                changed
-                    ? ProfileText(std::move(*changed)).WithEntry(section, entry.key, entry.value)
-                    : std::nullopt;
-        }
-        return changed;
+        return ProfileText(std::move(bytes)).WithEntry(section, key, value);
     });
 }
 

@@ -39,10 +39,6 @@ int ReadProfile(std::wstring_view section, std::wstring_view key, std::wstring_v
 int WriteProfile(std::wstring_view section, std::wstring_view key, std::wstring_view value,
                  const std::filesystem::path& file);
 
-/// Writes several entries of one section, all of them or none; else as above.
-int WriteProfile(std::wstring_view section, std::span<const ProfileEntry> entries,
-                 const std::filesystem::path& file);
-
 /// Writes the entries of several sections, all of them or none; else as above.
 int WriteProfile(std::span<const ProfileSection> sections, const std::filesystem::path& file);
 

@@ -190,22 +190,16 @@ ProfileText::Line ProfileText::LineAt(std::size_t start) const
 std::optional<std::wstring> ProfileText::Value(std::wstring_view section,
                                                std::wstring_view key) const
 {
-    // As they come back from a file of this encoding, which may have another form of a sign.
-    const std::wstring wantedSection = Decode(Encode(section));
+    const std::wstring wanted(section);
+    // As it comes back from a file of this encoding, which may have another form of a sign.
     const std::wstring wantedKey = Decode(Encode(key));
-    bool isInside = false;
-    for (std::size_t at = m_start; at < m_bytes.size();) {
-        const Line line = LineAt(at);
-        at = line.end;
-        if (!isInside) {
-            isInside = NamesSection(line.text, wantedSection);
-        } else if (StartsSection(line.text)) {
-            break;
-        } else if (HoldsEntry(line.text, wantedKey)) {
-            return ValueOf(line.text);
+    std::optional<std::wstring> found;
+    Visit(std::span(&wanted, 1), [&](std::size_t, std::wstring_view each, std::wstring_view value) {
+        if (!found && each == wantedKey) {
+            found = value;
         }
-    }
-    return std::nullopt;
+    });
+    return found;
 }
 
 void ProfileText::Visit(std::span<const std::wstring> sections,

@@ -49,8 +49,6 @@ public:
 
     explicit ProfileText(std::string bytes);
 
-    [[nodiscard]] ProfileEncoding Encoding() const { return m_encoding; }
-
     /// The value of the first entry of @p key in the section: what follows the first "=". A value
     /// should not contain a "=": it then ends there and loses its last two characters besides.
     /// @return nothing if there is no such entry

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace fieldcore {
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr int kMeasuring = 1;
 
 /// Moves the bubble to @p u, @p v, or to where that direction meets the circle it stays in.
@@ -62,7 +62,7 @@ double BubbleScale(double sensitivityArcMin)
 {
     constexpr double kDefault = 40.0;
     constexpr double kPixelsPerMm = 96.0 / 25.4;
-    constexpr double kRadPerMm = kPi / 21600.0; // of one arc minute in 2 mm
+    constexpr double kRadPerMm = std::numbers::pi / 21600.0; // of one arc minute in 2 mm
     const double scale = kPixelsPerMm / (sensitivityArcMin * kRadPerMm);
     return sensitivityArcMin > 0.0 && std::isnormal(scale) ? scale
                                                            : kPixelsPerMm / (kDefault * kRadPerMm);
@@ -91,7 +91,7 @@ BubblePicture PictureOf(const TiltReading& reading, const BubbleRules& rules)
     if (rules.antennaHeightM > 0.0) {
         // Beyond a right angle the sine falls again, to 0 for a pole upside down.
         picture.isWithinTolerance =
-            std::fabs(reading.tiltRad) <= kPi / 2.0 &&
+            std::fabs(reading.tiltRad) <= std::numbers::pi / 2.0 &&
             std::sin(reading.tiltRad) * rules.antennaHeightM < rules.toleranceM;
         picture.ringRadius = RingRadius(rules, scale);
     }

@@ -1,5 +1,6 @@
 #include "core/tilt/CalibrationStatus.h"
 
+#include "core/platform/Calendar.h"
 #include "core/resources/StringTable.h"
 
 namespace fieldcore {
@@ -8,7 +9,6 @@ namespace {
 
 constexpr int kCompleted = 1;
 constexpr double kSecondsPerHour = 3600.0;
-constexpr double kSecondsPerWeek = 604800.0;
 
 } // namespace
 
@@ -25,26 +25,16 @@ int CalibrationTextId(const std::optional<TiltReading>& reading, const LastCalib
             return text::kTiltAborted;
         }
     }
-    if (reading->error1 || reading->error2 || !reading->calibrationValid) {
-        return text::kTiltNotCompleted;
-    }
-    switch (reading->calibrationState) {
-    case kCompleted:
-        return text::kTiltCompleted;
-    case 2:
-        return text::kTiltRunning;
-    case 3:
-        return text::kTiltFailed;
-    case 4:
-        return text::kTiltExpired;
-    default:
-        return text::kTiltNotCompleted;
-    }
+    constexpr std::array kTexts{text::kTiltNotCompleted, text::kTiltCompleted, text::kTiltRunning,
+                                text::kTiltFailed, text::kTiltExpired}; // by their numbers
+    const auto state = static_cast<std::size_t>(reading->calibrationState);
+    const bool isTold = reading->calibrationValid && !reading->error1 && !reading->error2;
+    return isTold && state < kTexts.size() ? kTexts[state] : text::kTiltNotCompleted;
 }
 
 double SecondsOf(const std::optional<TiltTime>& time)
 {
-    return time ? time->week * kSecondsPerWeek + time->secondsOfWeek : kUnknownTimeS;
+    return time ? time->week * kWeekS + time->secondsOfWeek : kUnknownTimeS;
 }
 
 long long RemainingSeconds(const std::optional<TiltCalibration>& record,

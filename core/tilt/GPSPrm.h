@@ -25,7 +25,10 @@ public:
 
     /// @param surveyType  one flag, see CParts
     /// @param rover       0: the reference station
-    int SetSurveyType(std::uint32_t surveyType, int rover);
+    int SetSurveyType(std::uint32_t surveyType, int rover)
+    {
+        return Assign(m_surveyType, surveyType) | Assign(m_rover, rover);
+    }
     [[nodiscard]] std::uint32_t GetSurveyType() const { return m_surveyType; }
     [[nodiscard]] int GetRover() const { return m_rover; }
 
@@ -45,7 +48,12 @@ public:
     /// PDOP limit.
     int SetPDOPMaskData(double pdop) { return Assign(m_pdopMask, pdop); }
     /// @param raw  0: the limit that is worked with, which is never below 7.0; else as it was set
-    [[nodiscard]] double GetPDOPMaskData(int raw) const;
+    [[nodiscard]] double GetPDOPMaskData(int raw) const
+    {
+        // A tighter limit would stop surveys that the receiver can still carry out.
+        constexpr double kFloor = 7.0;
+        return raw == 0 && m_pdopMask < kFloor ? kFloor : m_pdopMask;
+    }
 
     // What is used: 1, or 0.
 

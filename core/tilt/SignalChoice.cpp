@@ -1,6 +1,5 @@
 #include "core/tilt/SignalChoice.h"
 
-#include "core/link/RecvInfo.h"
 #include "core/platform/SettingsStore.h"
 #include "core/resources/StringTable.h"
 
@@ -10,17 +9,14 @@ namespace fieldcore {
 
 namespace {
 
-struct StoredSignal
-{
-    const wchar_t* name;
-    Signal signal;
-};
+/// By which they are stored, in their order.
+constexpr std::array<const wchar_t*, kAllSignals.size()> kNames{L"L2C", L"Glonass", L"Qzss",
+                                                                L"Galileo", L"L5"};
 
-constexpr StoredSignal kStored[] = {{L"Glonass", Signal::Glonass},
-                                    {L"Qzss", Signal::Qzss},
-                                    {L"Galileo", Signal::Galileo},
-                                    {L"L2C", Signal::L2c},
-                                    {L"L5", Signal::L5}};
+const wchar_t* NameOf(Signal signal)
+{
+    return kNames[static_cast<std::size_t>(signal)];
+}
 
 std::wstring KeyOf(std::uint32_t typeNumber)
 {
@@ -79,10 +75,10 @@ SignalSet LoadSignals(const CReg& reg, std::uint32_t typeNumber)
 {
     SignalSet chosen;
     const std::wstring key = KeyOf(typeNumber);
-    for (const StoredSignal& stored : kStored) {
+    for (const Signal signal : kAllSignals) {
         std::uint32_t value = 0;
-        reg.ReadNumber(key, stored.name, value, 0);
-        chosen.Set(stored.signal, value != 0);
+        reg.ReadNumber(key, NameOf(signal), value, 0);
+        chosen.Set(signal, value != 0);
     }
     return chosen;
 }
@@ -92,10 +88,80 @@ int SaveSignals(const CReg& reg, std::uint32_t typeNumber, const SignalSet& chos
     const std::wstring key = KeyOf(typeNumber);
     SettingsBatch batch(reg.Store());
     bool stored = batch.IsOpen();
-    for (const StoredSignal& each : kStored) {
-        stored = stored && reg.WriteNumber(key, each.name, chosen.Has(each.signal) ? 1 : 0) == 1;
+    for (const Signal signal : kAllSignals) {
+        stored = stored && reg.WriteNumber(key, NameOf(signal), chosen.Has(signal) ? 1 : 0) == 1;
     }
     return stored && batch.Commit() ? 1 : 0;
+}
+
+SignalAnswers SignalSession::Ask(CCommand& command)
+{
+    SignalAnswers answers;
+    answers.hasPort = command.IsPortOpen() != 0;
+    if (!answers.hasPort) {
+        return answers;
+    }
+    answers.typeNumber = GetRecvTypeNum(command);
+    constexpr std::size_t kLock = 2;
+    SettingsFlags flags{};
+    answers.isLocked = command.RequestSettingsFlags(flags) == 1 && flags[kLock] != 0;
+    if (!answers.isLocked) {
+        answers.isRead = answers.info.GetOptionData(command) == 1;
+        answers.isSilent = ClassOf(command.Fault()) != FaultClass::Answered;
+    }
+    return answers;
+}
+
+void SignalSession::Open(const SignalAnswers& answers)
+{
+    m_told = answers;
+    if (!answers.isRead) { // a part of it would send a part of the choice
+        m_told.info = CRecvInfo();
+    }
+    const SignalSet kept = LoadSignals(m_reg, TypeNumber());
+    m_enabled = SignalsOf(Info());
+    m_checked = IsLocked() ? kept : SignalSet();
+    for (const Signal signal : kAllSignals) {
+        if (answers.isRead) {
+            m_checked.Set(signal, m_enabled.Has(signal) && kept.Has(signal));
+        } else {
+            m_enabled.Set(signal, answers.hasPort && !IsLocked());
+        }
+    }
+}
+
+void SignalSession::Check(Signal signal, bool on)
+{
+    if (IsEnabled(signal)) {
+        m_checked.Set(signal, on);
+    }
+}
+
+std::vector<std::uint8_t> SignalSession::CommandData() const
+{
+    if (IsLocked() || SignalsOf(Info()).IsEmpty()) {
+        return {};
+    }
+    return SignalCommand(m_checked, Info().GetSolace() != 0);
+}
+
+SignalSession::Outcome SignalSession::Confirm()
+{
+    Outcome outcome;
+    if (IsLocked()) {
+        return outcome;
+    }
+    if (const std::vector<std::uint8_t> data = CommandData(); !data.empty()) {
+        outcome.sent = m_command->SetSignals(data);
+        outcome.fault = m_command->Fault();
+    }
+    if (Info().GetMeridian() != 0) {
+        outcome.boardTold = m_command->SetBoardSignals(0, 0, 0);
+    }
+    if (TypeNumber() != 0) {
+        outcome.stored = SaveSignals(m_reg, TypeNumber(), m_checked);
+    }
+    return outcome;
 }
 
 } // namespace fieldcore

@@ -20,6 +20,28 @@ bool IsPlace(int place, std::size_t count)
 
 } // namespace
 
+TiltState AskTilt(CCommand& command, bool withRecord)
+{
+    TiltReading reading;
+    if (command.RequestTiltReading(reading) == 0) {
+        const CommandFault fault = command.Fault();
+        if (ClassOf(fault) == FaultClass::Cancelled || ClassOf(fault) == FaultClass::Local) {
+            return TiltState::NotAsked;
+        }
+        if (command.IsPortOpen() == 0) {
+            return TiltState::NoReceiver;
+        }
+        return fault == CommandFault::Refused ? TiltState::NotBuiltIn : TiltState::Silent;
+    }
+    const Clock::Duration at = command.GetClock().Steady();
+    command.Hear([&](Receiver& known) { known.tilt = {reading, at}; });
+    TiltCalibration record;
+    if (withRecord && command.RequestTiltCalibration(record) == 1) {
+        command.Hear([&](Receiver& known) { known.calibration = {record, at}; });
+    }
+    return reading.sensorPresent ? TiltState::Heard : TiltState::Absent;
+}
+
 void TiltSettings::Open()
 {
     TiltCalibration record;
@@ -79,20 +101,9 @@ int TiltSettings::StatusTextId() const
 
 int TiltSettings::NoticeTextId() const
 {
-    switch (m_state) {
-    case TiltState::NotAsked:
-        return text::kTiltAsking;
-    case TiltState::NoReceiver:
-        return text::kTiltNoReceiver;
-    case TiltState::Silent:
-        return text::kTiltSilent;
-    case TiltState::NotBuiltIn:
-    case TiltState::Absent:
-        return text::kTiltNoSensor;
-    case TiltState::Heard:
-        break;
-    }
-    return 0;
+    constexpr int kTexts[] = {text::kTiltAsking,   text::kTiltNoReceiver, text::kTiltSilent,
+                              text::kTiltNoSensor, text::kTiltNoSensor,   0}; // in their order
+    return kTexts[static_cast<std::size_t>(m_state)];
 }
 
 bool TiltSettings::HasSensor() const

@@ -1,8 +1,8 @@
 // Everything that replaces a file of the user's, where the disk, the power or the process fails.
 
 #include "core/equipment/AntennaCatalogue.h"
+#include "core/input/EntryList.h"
 #include "core/input/Parts.h"
-#include "core/input/TextEntries.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"

@@ -2,6 +2,7 @@
 
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/Widgets.h"
 
 #include <QFontMetrics>
 #include <QKeySequence>
@@ -31,17 +32,10 @@ BarButton::BarButton(const QString& text, Qt::Key key, QWidget* parent)
     connect(shortcut, &QShortcut::activated, this, [this] { click(); });
 }
 
-QFont BarButton::SmallFont() const
-{
-    QFont small = font();
-    small.setPixelSize(std::max(13, fontInfo().pixelSize() * 13 / 16));
-    return small;
-}
-
 QSize BarButton::sizeHint() const
 {
     const int width = fontMetrics().size(Qt::TextShowMnemonic, text()).width() + 2 * kGrid;
-    const int height = fontMetrics().height() + QFontMetrics(SmallFont()).height() + kGrid;
+    const int height = fontMetrics().height() + QFontMetrics(SmallFont(font())).height() + kGrid;
     return {width, std::max(6 * kGrid, height)};
 }
 
@@ -62,12 +56,12 @@ void BarButton::paintEvent(QPaintEvent* event)
         painter.setPen(QPen(theme.accent, 3.0));
         painter.drawRect(rect().adjusted(1, 1, -2, -2));
     }
-    const QFontMetrics small(SmallFont());
+    const QFontMetrics small(SmallFont(font()));
     const int high = fontMetrics().height();
     const int top = (height() - high - small.height()) / 2;
     painter.setPen(!isEnabled() ? theme.stale : pressed ? theme.ground : theme.text);
     painter.drawText(QRect(0, top, width(), high), Qt::AlignCenter | Qt::TextShowMnemonic, text());
-    painter.setFont(SmallFont());
+    painter.setFont(SmallFont(font()));
     painter.setPen(!isEnabled() ? theme.stale : pressed ? theme.ground : theme.second);
     painter.drawText(QRect(0, top + high, width(), small.height()), Qt::AlignCenter, m_keyName);
 }

@@ -21,8 +21,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] QFont SmallFont() const;
-
     const QString m_keyName;
 };
 

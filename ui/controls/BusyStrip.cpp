@@ -1,10 +1,10 @@
 #include "ui/controls/BusyStrip.h"
 
 #include "core/resources/StringTable.h"
-#include "ui/controls/Icon.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -24,15 +24,13 @@ constexpr int kGrid = TouchStyle::kGrid;
 
 BusyStrip::BusyStrip(QWidget* window)
     : QWidget(window), m_bar(new QFrame(this)), m_what(new QLabel(UiText(text::kBusy))),
-      m_seconds(new QLabel), m_cancel(new QPushButton(UiText(text::kBusyCancel)))
+      m_seconds(new QLabel), m_cancel(MakeButton(text::kBusyCancel, "cancel"))
 {
     m_bar->setFrameShape(QFrame::Box);
     m_bar->setAutoFillBackground(true);
     m_bar->setBackgroundRole(QPalette::Button);
     setAccessibleName(UiText(text::kBusy));
     m_what->setWordWrap(true);
-    m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
-    m_cancel->setMinimumSize(15 * kGrid, 6 * kGrid);
     m_cancel->setFocusPolicy(Qt::NoFocus); // the focus stays where the user left it
     auto* const words = new QVBoxLayout;
     words->setSpacing(0);

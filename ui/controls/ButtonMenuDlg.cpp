@@ -4,6 +4,7 @@
 #include "ui/controls/IconButton.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -46,14 +47,9 @@ CButtonMenuDlg::CButtonMenuDlg(const QString& caption, QWidget* parent)
         m_grid->setColumnStretch(column, 1);
     }
     field->setLayout(m_grid);
-    auto* const scroll = new QScrollArea;
-    scroll->setWidget(field);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus); // it follows the focus of the buttons
+    auto* const scroll = MakeScroll(field);
     scroll->setMinimumWidth(kColumns * (15 + 1) * kGrid);
-    auto* const close = new QPushButton(UiText(text::kButtonClose));
-    close->setMinimumSize(15 * kGrid, 6 * kGrid);
+    auto* const close = MakeButton(text::kButtonClose);
     close->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, [this] { Close(kCancelled); });
     auto* const layout = new QVBoxLayout(this);

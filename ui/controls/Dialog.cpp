@@ -4,6 +4,7 @@
 #include "ui/controls/PageAction.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -54,23 +55,22 @@ QWidget* Dialog::FindControl(const QWidget* window, int id)
 
 QBoxLayout* Dialog::MakeOkCancel()
 {
-    constexpr int kGrid = 8;
     constexpr int kMargin = 12;
     auto* const row = new QHBoxLayout;
     row->setContentsMargins(kMargin, 0, kMargin, 0);
-    row->setSpacing(kGrid);
+    row->setSpacing(TouchStyle::kGrid);
     if (QWidget* const button = MakePageButton()) {
         row->addWidget(button);
     }
     row->addStretch(1);
     for (const bool isOk : {false, true}) {
-        auto* const button = new QPushButton(UiText(isOk ? text::kButtonOk : text::kButtonCancel));
-        button->setMinimumSize(15 * kGrid, 6 * kGrid);
+        auto* const button = MakeButton(isOk ? text::kButtonOk : text::kButtonCancel);
         button->setAutoDefault(false);
         button->setDefault(isOk);
         connect(button, &QPushButton::clicked, this,
                 [this, isOk] { Close(isOk ? kOk : kCancelled); });
         row->addWidget(button);
+        m_default = button; // the last one is OK
     }
     return row;
 }

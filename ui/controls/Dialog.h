@@ -7,6 +7,7 @@
 #include <utility>
 
 class QBoxLayout;
+class QPushButton;
 
 namespace fieldcore {
 
@@ -53,6 +54,8 @@ public:
 
     /// A row for the foot of the dialog: Cancel and, at the right, OK, which Enter presses.
     [[nodiscard]] QBoxLayout* MakeOkCancel();
+    /// The OK of that row; null without one.
+    [[nodiscard]] QPushButton* DefaultButton() const { return m_default; }
 
     /// Ends the dialog with @p result for DoModal(), unless OnCommand() keeps it open.
     void Close(int result);
@@ -109,6 +112,7 @@ private:
     const Extent m_extent;
     std::function<void()> m_connected; // empty: nothing is offered
     bool m_initialised = false;
+    QPushButton* m_default = nullptr;
     QHash<int, int> m_timers; // by the dialog's number: Qt's
 };
 

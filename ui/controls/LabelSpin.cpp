@@ -3,6 +3,7 @@
 #include "ui/controls/StepButton.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -83,10 +84,7 @@ void LabelSpin::UpdateText()
 
 void LabelSpin::UpdateFont()
 {
-    QFont bold = font();
-    bold.setPixelSize(fontInfo().pixelSize() * 5 / 4);
-    bold.setBold(true);
-    m_text->setFont(bold);
+    m_text->setFont(BoldFont(font(), 1.25));
 }
 
 void LabelSpin::TellMoves()

@@ -5,10 +5,10 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -30,44 +30,28 @@ constexpr int kFirstAnswer = 100;
 struct IconLook
 {
     const char* name;
-    QColor colour;
+    QColor Theme::*colour;
     int textId;
 };
 
 /// Nothing to show for BoxIcon::None.
-IconLook LookOf(BoxIcon icon)
+const IconLook& LookOf(BoxIcon icon)
 {
-    const Theme& theme = Theme::Current();
-    switch (icon) {
-    case BoxIcon::Information:
-        return {"information", theme.accent, text::kMessageIconInformation};
-    case BoxIcon::Exclamation:
-        return {"exclamation", theme.attention, text::kMessageIconExclamation};
-    case BoxIcon::Stop:
-        return {"stop", theme.bad, text::kMessageIconStop};
-    case BoxIcon::Question:
-        return {"question", theme.accent, text::kMessageIconQuestion};
-    case BoxIcon::None:
-        break;
-    }
-    return {"", theme.accent, 0};
+    static constexpr IconLook kLooks[] = {
+        {"", &Theme::accent, 0},
+        {"information", &Theme::accent, text::kMessageIconInformation},
+        {"exclamation", &Theme::attention, text::kMessageIconExclamation},
+        {"stop", &Theme::bad, text::kMessageIconStop},
+        {"question", &Theme::accent, text::kMessageIconQuestion},
+    }; // in the order of the icons
+    return kLooks[static_cast<std::size_t>(icon)];
 }
 
 int TextOf(BoxAnswer answer)
 {
-    switch (answer) {
-    case BoxAnswer::Cancel:
-        return text::kButtonCancel;
-    case BoxAnswer::Yes:
-        return text::kButtonYes;
-    case BoxAnswer::No:
-        return text::kButtonNo;
-    case BoxAnswer::Retry:
-        return text::kButtonRetry;
-    case BoxAnswer::Ok:
-        break;
-    }
-    return text::kButtonOk;
+    constexpr int kTexts[] = {text::kButtonOk, text::kButtonCancel, text::kButtonYes,
+                              text::kButtonNo, text::kButtonRetry}; // in their order
+    return kTexts[static_cast<std::size_t>(answer)];
 }
 
 /// The text, whose long words, such as the path of a file, may break behind each of their
@@ -91,7 +75,8 @@ QString Breakable(const QString& text)
 } // namespace
 
 MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle style, QWidget* parent)
-    : Dialog(parent), m_style(style), m_text(new QLabel(Breakable(text))), m_scroll(new QScrollArea)
+    : Dialog(parent), m_style(style), m_text(new QLabel(Breakable(text))),
+      m_scroll(MakeScroll(m_text))
 {
     // The caption stands in the box: a controller shows no title bars.
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
@@ -100,28 +85,21 @@ MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle sty
     setAccessibleDescription(text);
 
     auto* const icon = new QLabel;
-    const IconLook look = LookOf(style.icon);
+    const IconLook& look = LookOf(style.icon);
     icon->setVisible(look.textId != 0);
     if (look.textId != 0) {
-        icon->setPixmap(ThemeIcon(QString::fromLatin1(look.name), look.colour)
+        icon->setPixmap(ThemeIcon(QString::fromLatin1(look.name), Theme::Current().*look.colour)
                             .pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
         icon->setAccessibleName(UiText(look.textId));
     }
     auto* const heading = new QLabel(caption);
-    QFont bold = font();
-    bold.setBold(true);
-    heading->setFont(bold);
+    heading->setFont(BoldFont(font()));
     heading->setWordWrap(true);
     heading->setVisible(!caption.isEmpty());
     m_text->setWordWrap(true);
     m_text->setTextFormat(Qt::PlainText);
     heading->setTextFormat(Qt::PlainText);
     m_text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    m_scroll->setWidget(m_text);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll->setFocusPolicy(Qt::NoFocus); // until there is something to scroll
 
     auto* const words = new QVBoxLayout;
     words->addWidget(heading);
@@ -152,8 +130,7 @@ void MessageDlg::AddButtons(QBoxLayout& row)
         std::reverse(answers.begin(), answers.end());
     }
     for (const BoxAnswer answer : answers) {
-        auto* const button = new QPushButton(UiText(TextOf(answer)));
-        button->setMinimumSize(15 * kGrid, 6 * kGrid);
+        auto* const button = MakeButton(TextOf(answer));
         button->setDefault(answer == byDefault);
         connect(button, &QPushButton::clicked, this,
                 [this, answer] { Close(kFirstAnswer + static_cast<int>(answer)); });
@@ -203,13 +180,7 @@ bool MessageDlg::OnInitDialog()
 void MessageDlg::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event)
-    // An edge, since there is no frame, and a band in the colour of the icon.
-    QPainter painter(this);
-    const Theme& theme = Theme::Current();
-    painter.fillRect(rect(), theme.ground);
-    painter.setPen(theme.stale);
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    painter.fillRect(0, 0, width(), kGrid / 2, LookOf(m_style.icon).colour);
+    PaintGround(*this, Theme::Current().*LookOf(m_style.icon).colour);
 }
 
 } // namespace fieldcore

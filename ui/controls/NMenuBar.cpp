@@ -33,13 +33,6 @@ CnMenuBar::CnMenuBar(int loadWay, QWidget* parent)
     m_close = close;
 }
 
-void CnMenuBar::HideClose()
-{
-    // Not only out of sight: its key belongs to the screen then.
-    delete m_close;
-    m_close = nullptr;
-}
-
 int CnMenuBar::AddPopup(const QString& text)
 {
     const int index = static_cast<int>(m_popups.size());
@@ -57,9 +50,7 @@ int CnMenuBar::AddPopup(const QString& text)
     if (index > 0) {
         setTabOrder(m_popups.back().button, button);
     }
-    if (m_close != nullptr) {
-        setTabOrder(button, m_close);
-    }
+    setTabOrder(button, m_close);
     m_popups.append({button, menu});
     return index;
 }

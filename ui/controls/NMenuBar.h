@@ -29,9 +29,6 @@ public:
     /// As the constructor was given it.
     [[nodiscard]] int GetLoadWay() const { return m_loadWay; }
 
-    /// Leaves the closing button out, for a screen that has OK and Cancel.
-    void HideClose();
-
     /// @return the index of the popup, counted from 0; -1 if there are four already
     int AddPopup(const QString& text);
     /// Adds an item to a popup; nothing happens where there is no such popup.

@@ -3,10 +3,10 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QApplication>
 #include <QDoubleSpinBox>
-#include <QFontInfo>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -103,10 +103,7 @@ NumberPad::NumberPad(QLineEdit& field)
 void NumberPad::AddKeys()
 {
     const auto* const spin = qobject_cast<const QDoubleSpinBox*>(m_box.data());
-    QFont large = font();
-    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
-    large.setBold(true);
-    setFont(large);
+    setFont(BoldFont(font(), 1.25));
     auto* const keys = new QGridLayout(this);
     keys->setContentsMargins(kGrid, kGrid, kGrid, kGrid);
     keys->setSpacing(kGrid);

@@ -6,6 +6,7 @@
 #include "ui/controls/Icon.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -27,9 +28,7 @@ CPrgEndMes::CPrgEndMes(Mode mode, QWidget* parent) : Dialog(parent)
     layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
     layout->setSpacing(kGrid);
     auto* const question = new QLabel(UiText(text::kEndQuestion));
-    QFont bold = font();
-    bold.setBold(true);
-    question->setFont(bold);
+    question->setFont(BoldFont(font()));
     question->setWordWrap(true);
     layout->addWidget(question);
     if (mode == Mode::Logging) {

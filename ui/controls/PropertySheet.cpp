@@ -5,6 +5,7 @@
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHBoxLayout>
 #include <QScrollArea>
@@ -58,11 +59,8 @@ PropertySheet::PropertySheet(const QString& caption, QWidget* parent)
 
 void PropertySheet::AddPage(PropertyPage* page, const QString& title)
 {
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus); // it follows the focus of the controls
-    scroll->setWidget(page);
+    auto* const scroll = MakeScroll(page);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     page->m_sheet = this;
     page->setAccessibleName(title.trimmed());
     m_pages.append(page);

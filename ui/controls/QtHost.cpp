@@ -6,7 +6,6 @@
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/UiText.h"
-#include "ui/controls/WidgetFocus.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>
@@ -19,6 +18,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace fieldcore {
@@ -52,40 +52,29 @@ QWidget* ActiveControl(int id)
     return window != nullptr ? Dialog::FindControl(window, id) : nullptr;
 }
 
+constexpr std::array kTouches{QEvent::TouchBegin,  QEvent::TouchUpdate, QEvent::TouchEnd,
+                              QEvent::TabletPress, QEvent::TabletMove,  QEvent::TabletRelease};
+constexpr std::array kOtherInput{QEvent::MouseButtonPress,
+                                 QEvent::MouseButtonRelease,
+                                 QEvent::MouseButtonDblClick,
+                                 QEvent::MouseMove,
+                                 QEvent::Wheel,
+                                 QEvent::KeyPress,
+                                 QEvent::KeyRelease,
+                                 QEvent::ShortcutOverride,
+                                 QEvent::Shortcut,
+                                 QEvent::InputMethod,
+                                 QEvent::ContextMenu,
+                                 QEvent::Close};
+
 bool IsTouch(QEvent::Type type)
 {
-    switch (type) {
-    case QEvent::TouchBegin:
-    case QEvent::TouchUpdate:
-    case QEvent::TouchEnd:
-    case QEvent::TabletPress:
-    case QEvent::TabletMove:
-    case QEvent::TabletRelease:
-        return true;
-    default:
-        return false;
-    }
+    return std::ranges::count(kTouches, type) > 0;
 }
 
 bool IsInput(QEvent::Type type)
 {
-    switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-    case QEvent::Wheel:
-    case QEvent::KeyPress:
-    case QEvent::KeyRelease:
-    case QEvent::ShortcutOverride:
-    case QEvent::Shortcut:
-    case QEvent::InputMethod:
-    case QEvent::ContextMenu:
-    case QEvent::Close:
-        return true;
-    default:
-        return IsTouch(type);
-    }
+    return IsTouch(type) || std::ranges::count(kOtherInput, type) > 0;
 }
 
 /// The widget that @p object is, has drawn in it or belongs to; null if there is none.

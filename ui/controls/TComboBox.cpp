@@ -42,11 +42,6 @@ int CTComboBox::AddEntry(const QString& text, int code)
     return count() - 1;
 }
 
-void CTComboBox::InsertEntry(int index, const QString& text, int code)
-{
-    insertItem(index, text, code);
-}
-
 int CTComboBox::GetCode(int index) const
 {
     const QVariant code = itemData(index);

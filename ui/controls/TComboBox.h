@@ -19,8 +19,6 @@ public:
 
     /// @return the index of the new entry, which is the last
     int AddEntry(const QString& text, int code);
-    /// Inserts an entry before that of @p index; beyond the end it becomes the last.
-    void InsertEntry(int index, const QString& text, int code);
 
     /// The code of the entry that is selected.
     [[nodiscard]] int GetCode() const { return GetCode(currentIndex()); }

@@ -47,14 +47,18 @@ void CTextProgressCtrl::SetText(const QString& text)
     update();
 }
 
+double CTextProgressCtrl::Part() const
+{
+    const double range = static_cast<double>(maximum()) - minimum();
+    return (static_cast<double>(value()) - minimum()) / std::max(1.0, range);
+}
+
 QString CTextProgressCtrl::text() const
 {
     if (!m_text.isEmpty()) {
         return m_text;
     }
-    const double range = std::max(1.0, static_cast<double>(maximum()) - minimum());
-    const double part = (static_cast<double>(value()) - minimum()) / range;
-    return QString::number(std::lround(100.0 * part)) + QStringLiteral(" %");
+    return QString::number(std::lround(100.0 * Part())) + QStringLiteral(" %");
 }
 
 void CTextProgressCtrl::SetColour(const QColor& colour)
@@ -77,11 +81,9 @@ void CTextProgressCtrl::paintEvent(QPaintEvent* event)
     Q_UNUSED(event)
     const Theme& theme = Theme::Current();
     QPainter painter(this);
-    const double range = static_cast<double>(maximum()) - minimum();
-    const double part = range > 0 ? (static_cast<double>(value()) - minimum()) / range : 0.0;
     const QRect inner = rect().adjusted(1, 1, -1, -1);
     QRect filled = inner;
-    filled.setWidth(static_cast<int>(std::lround(inner.width() * part)));
+    filled.setWidth(static_cast<int>(std::lround(inner.width() * Part())));
     QRect rest = inner;
     rest.setLeft(filled.left() + filled.width());
 

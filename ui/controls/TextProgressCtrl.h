@@ -35,6 +35,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// That is filled, 0 to 1.
+    [[nodiscard]] double Part() const;
+
     QString m_text;
     QColor m_colour;
 };

@@ -1,18 +1,18 @@
 #include "ui/equipment/Antenna.h"
 
-#include "core/equipment/AntennaInput.h"
 #include "core/host/MesBox.h"
+#include "core/input/Check.h"
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
+#include "ui/controls/QtHost.h"
 #include "ui/controls/RoleLabel.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
-#include "ui/controls/WidgetFocus.h"
+#include "ui/controls/Widgets.h"
 #include "ui/equipment/AntennaDrawing.h"
 #include "ui/input/ComboEntries.h"
 
-#include <QFontInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -79,18 +79,10 @@ void SelectOrAdd(CTComboBox* box, int code, int unlistedText)
 
 int HowText(const AntennaHeight& height)
 {
-    switch (height.reduction) {
-    case AntennaReduction::Slant:
-    case AntennaReduction::TooShort:
-        return text::kAntennaHowSlant;
-    case AntennaReduction::Upright:
-        return text::kAntennaHowBase;
-    case AntennaReduction::Unknown:
-        return text::kAntennaHowUnknown;
-    case AntennaReduction::None:
-        break;
-    }
-    return text::kAntennaHowVertical;
+    constexpr int kTexts[] = {text::kAntennaHowVertical, text::kAntennaHowUnknown,
+                              text::kAntennaHowBase, text::kAntennaHowSlant,
+                              text::kAntennaHowSlant}; // in the order of the reductions
+    return kTexts[static_cast<std::size_t>(height.reduction)];
 }
 
 } // namespace
@@ -138,17 +130,10 @@ CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
     m_body->addLayout(grid);
     m_body->addLayout(picture, 1);
     content->setLayout(m_body);
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidget(content);
+    auto* const scroll = MakeScroll(content);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
 
-    constexpr double kLarge = 1.5; // of the text's own size
-    QFont large = font();
-    large.setPixelSize(qRound(QFontInfo(large).pixelSize() * kLarge));
-    large.setBold(true);
-    m_vertical->setFont(large);
+    m_vertical->setFont(BoldFont(font(), 1.5));
     m_vertical->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto* const verticalLabel = new QLabel(UiText(text::kAntennaVertical));
     m_vertical->setAccessibleName(verticalLabel->text());
@@ -353,7 +338,7 @@ bool CAntenna::OnClose(int result)
     const std::wstring height = m_height->currentText().toStdWString();
     const std::wstring serial = m_serial->currentText().toStdWString();
     WidgetFocus heightField(m_height->lineEdit());
-    if (AntennaHeightCheck().CheckNum(height, &heightField, 0, 1) == 0) {
+    if (CCheck(0.0, kHighestAntennaM).CheckNum(height, &heightField, 0, 1) == 0) {
         return false;
     }
     if (const std::wstring fault = AntennaHeightFault(height); !fault.empty()) {

@@ -197,18 +197,17 @@ void AntennaDrawing::Draw(QPainter& painter, const QSizeF& size)
           UiText(text::kAntennaCentre), style.text, size);
     Label(painter, style, at.mark + QPointF(0.0, line / 2.0 + 2.0 * kGap),
           UiText(text::kAntennaMark), style.text, size);
+    const auto beside = [&](int id, double metresOf, qreal y) {
+        const QString words = ToQt(FormatText(id, metresOf));
+        const qreal width = QFontMetricsF(style.small).horizontalAdvance(words);
+        Label(painter, style, {at.right + width / 2.0 + 2.0 * kGap, y}, words, style.text, size);
+    };
     if (isReduced) {
-        const QString v = ToQt(FormatText(text::kAntennaDrawnOffset, m_height.method.verticalM));
-        const qreal width = QFontMetricsF(style.small).horizontalAdvance(v);
-        Label(painter, style,
-              {at.right + width / 2.0 + 2.0 * kGap, (at.axis.y() + at.centre.y()) / 2.0}, v,
-              style.text, size);
+        beside(text::kAntennaDrawnOffset, m_height.method.verticalM,
+               (at.axis.y() + at.centre.y()) / 2.0);
     }
     if (isReduced && at.point != at.axis) {
-        const QString r = ToQt(FormatText(text::kAntennaDrawnRadius, m_height.method.radiusM));
-        const qreal width = QFontMetricsF(style.small).horizontalAdvance(r);
-        Label(painter, style, {at.right + width / 2.0 + 2.0 * kGap, at.axis.y() + line}, r,
-              style.text, size);
+        beside(text::kAntennaDrawnRadius, m_height.method.radiusM, at.axis.y() + line);
     }
 }
 

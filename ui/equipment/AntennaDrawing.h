@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/equipment/AntennaMethod.h"
+#include "core/equipment/AntennaCatalogue.h"
 #include "ui/controls/GraphicsBase.h"
 
 #include <optional>

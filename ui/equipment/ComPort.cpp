@@ -33,17 +33,8 @@ CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidge
       m_roots(m_surroundings.roots != nullptr ? *m_surroundings.roots : SettingsRoots::Instance()),
       m_edit(std::in_place, ioPort, m_roots, std::nullopt, m_surroundings.receiver)
 {
-    switch (m_surroundings.ports) {
-    case 1:
-        stCreate_1PortType();
-        break;
-    case 2:
-        stCreate_2PortType();
-        break;
-    default:
-        stCreate_3PortType();
-        break;
-    }
+    AddPages(m_surroundings.ports == 1 || m_surroundings.ports == 2 ? m_surroundings.ports
+                                                                    : CComPrmSet::kMostPorts);
     int page = startPage;
     if (startPage == kLastPage) {
         page = 0;
@@ -58,21 +49,6 @@ CComPort::~CComPort()
     Destroy();
 }
 
-void CComPort::stCreate_1PortType()
-{
-    AddPages(1);
-}
-
-void CComPort::stCreate_2PortType()
-{
-    AddPages(2);
-}
-
-void CComPort::stCreate_3PortType()
-{
-    AddPages(3);
-}
-
 void CComPort::AddPages(int count)
 {
     while (GetPageCount() > 0) {
@@ -80,7 +56,7 @@ void CComPort::AddPages(int count)
     }
     for (int port = 1; port <= count; ++port) {
         auto* const page = new ComPortPage(port);
-        InsertString(*page, m_edit->At(port));
+        page->InsertString(m_edit->At(port));
         connect(page, &ComPortPage::SearchWanted, this, [this, page] { Search(page); });
         AddPage(page, TitleOf(port));
     }
@@ -94,11 +70,6 @@ int CComPort::SetIOPort(int port)
     AddPages(GetPageCount());
     stSetOpenPage(open);
     return GetIOPort() != before ? 1 : 0;
-}
-
-void CComPort::InsertString(ComPortPage& page, const CComPrmSet& set)
-{
-    page.InsertString(set);
 }
 
 void CComPort::stSetOpenPage(int page)
@@ -223,7 +194,7 @@ void CComPort::Search(ComPortPage* page)
     if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
         chosen.baudRate = *rate;
         set.SetSETCOMMS(chosen);
-        InsertString(*page, set);
+        page->InsertString(set);
         page->ShowSearchResult(ToQt(FormatText(text::kComSearchFound, static_cast<long>(*rate))));
         return;
     }

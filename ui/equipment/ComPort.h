@@ -63,11 +63,9 @@ public:
     [[nodiscard]] PortEdit& Edit() { return *m_edit; }
 
     // Choosing the pages, before the sheet is shown.
-    void stCreate_1PortType();
-    void stCreate_2PortType();
-    void stCreate_3PortType();
-    /// Fills the lists of a page, see ComPortPage::InsertString().
-    static void InsertString(ComPortPage& page, const CComPrmSet& set);
+    void stCreate_1PortType() { AddPages(1); }
+    void stCreate_2PortType() { AddPages(2); }
+    void stCreate_3PortType() { AddPages(3); }
     /// Brings a page to the front, the last one if there are not so many.
     void stSetOpenPage(int page);
     /// Whether port 0 of the settings differs from what the sheet has for the controller's port.

@@ -1,10 +1,10 @@
 #include "ui/equipment/ComPortPage.h"
 
-#include "ui/controls/FormRow.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QFormLayout>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/equipment/RateSearch.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/link/ComPrmSet.h"
 #include "ui/controls/PropertyPage.h"
 

@@ -1,11 +1,13 @@
 #include "ui/equipment/FileList.h"
 
+#include "core/equipment/FileTexts.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
-#include "ui/equipment/FileListModel.h"
+#include "ui/controls/Widgets.h"
 
+#include <QAbstractTableModel>
 #include <QEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -13,8 +15,165 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <vector>
 
 namespace fieldcore {
+
+namespace {
+
+QString Cell(const FileRow& row, int column)
+{
+    return ToQt(column == FileList::kName   ? row.name
+                : column == FileList::kDate ? row.date
+                                            : row.size);
+}
+
+QString Below(const FileRow& row, int column)
+{
+    if (column == FileList::kDate) {
+        return ToQt(row.time);
+    }
+    if (column != FileList::kName || row.mark == FileRow::Mark::None) {
+        return {};
+    }
+    return UiText(row.mark == FileRow::Mark::Fetched ? text::kFileFetched : text::kFileUnanswered);
+}
+
+QString Unit(const FileRow& row, int column)
+{
+    return column == FileList::kSize ? ToQt(FileSizeUnit(row.size)) : QString();
+}
+
+/// What a screen reader says of a cell.
+QString Spoken(const FileRow& row, int column)
+{
+    QStringList words{Cell(row, column) + Unit(row, column)};
+    if (column == FileList::kName) {
+        words += UiText(text::kFilesIconLive + row.icon);
+    }
+    words += Below(row, column);
+    words.removeAll(QString());
+    return words.join(QLatin1Char(' '));
+}
+
+} // namespace
+
+/// The rows of the list.
+class FileListModel : public QAbstractTableModel
+{
+public:
+    // What stands in small print.
+    static constexpr int kUnitRole = Qt::UserRole;      ///< behind the text
+    static constexpr int kBelowRole = Qt::UserRole + 1; ///< below it
+    static constexpr int kBelowColourRole = Qt::UserRole + 2;
+
+    using QAbstractTableModel::QAbstractTableModel;
+
+    void ShowColumns()
+    {
+        if (m_columns == 0) {
+            beginInsertColumns({}, 0, FileList::kColumns - 1);
+            m_columns = FileList::kColumns;
+            endInsertColumns();
+        }
+    }
+
+    void SetImages(const FileImageList& images)
+    {
+        m_images = images;
+        if (rowCount() > 0) {
+            Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0), {Qt::DecorationRole});
+        }
+    }
+
+    void Insert(int row, const FileRow& content)
+    {
+        beginInsertRows({}, row, row);
+        m_rows.insert(m_rows.begin() + row, content);
+        endInsertRows();
+    }
+
+    void Remove(int row)
+    {
+        beginRemoveRows({}, row, row);
+        m_rows.erase(m_rows.begin() + row);
+        endRemoveRows();
+    }
+
+    void Clear()
+    {
+        beginResetModel();
+        m_rows.clear();
+        endResetModel();
+    }
+
+    void SetMark(int row, FileRow::Mark mark)
+    {
+        m_rows.at(static_cast<std::size_t>(row)).mark = mark;
+        Q_EMIT dataChanged(index(row, 0), index(row, 0));
+    }
+
+    [[nodiscard]] const FileRow& At(int row) const
+    {
+        return m_rows.at(static_cast<std::size_t>(row));
+    }
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    }
+
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override
+    {
+        return parent.isValid() ? 0 : m_columns;
+    }
+
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override
+    {
+        if (!index.isValid() || index.row() >= rowCount()) {
+            return {};
+        }
+        const FileRow& row = At(index.row());
+        const bool isName = index.column() == FileList::kName;
+        switch (role) {
+        case Qt::DisplayRole:
+            return Cell(row, index.column());
+        case Qt::DecorationRole:
+            return isName ? QVariant(m_images.at(static_cast<std::size_t>(row.icon))) : QVariant();
+        case Qt::AccessibleTextRole:
+            return Spoken(row, index.column());
+        case Qt::TextAlignmentRole:
+            return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
+        case kUnitRole:
+            return Unit(row, index.column());
+        case kBelowRole:
+            return Below(row, index.column());
+        case kBelowColourRole:
+            return !isName                                 ? Theme::Current().text
+                   : row.mark == FileRow::Mark::Unanswered ? Theme::Current().bad
+                                                           : Theme::Current().good;
+        default:
+            return {};
+        }
+    }
+
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override
+    {
+        if (orientation != Qt::Horizontal || section < 0 || section >= m_columns) {
+            return {};
+        }
+        if (role == Qt::TextAlignmentRole) {
+            return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
+        }
+        return role == Qt::DisplayRole ? UiText(text::kFilesColumnName + section) : QVariant();
+    }
+
+private:
+    std::vector<FileRow> m_rows;
+    FileImageList m_images;
+    int m_columns = 0;
+};
 
 namespace {
 
@@ -25,15 +184,6 @@ constexpr int kUnitsPerLine = 8;
 constexpr int kNameWidth = 100;
 constexpr int kDateWidth = 70;
 constexpr int kSizeWidth = 50;
-
-/// Small print, but never smaller than can be read.
-QFont SmallFont(QFont font)
-{
-    constexpr int kLeastPx = 13;
-    const int px = font.pixelSize() > 0 ? font.pixelSize() : 16;
-    font.setPixelSize(std::max(kLeastPx, px * 13 / 16));
-    return font;
-}
 
 int RowHeight(const QFont& font)
 {

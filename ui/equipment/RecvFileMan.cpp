@@ -7,9 +7,8 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
-#include "ui/equipment/RecvFile.h"
+#include "ui/equipment/RecvFilePage.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
-#include "ui/equipment/RecvGomi.h"
 #include "ui/equipment/TransferPanel.h"
 #include "ui/link/ConnectDlg.h"
 

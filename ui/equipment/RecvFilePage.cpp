@@ -149,4 +149,36 @@ void RecvFilePage::ShowState()
     m_trouble->setVisible(!trouble.isEmpty());
 }
 
+CRecvFile::CRecvFile(CRecvFileMan& sheet)
+    : RecvFilePage(sheet, ReceiverFiles::Live), m_note(new QLabel(UiText(text::kFilesNoRecovery)))
+{
+    Dialog::SetControlId(m_note, kNote);
+    AddNote(m_note);
+    AddButton(kDelete, text::kFilesDelete, "trash", &CRecvFileMan::FileDelete);
+    AddButton(kSelectAll, text::kFilesSelectAll, "ok", &CRecvFileMan::ChoiceAll);
+    m_fetch = AddButton(kFetch, text::kFilesFetch, "download", &CRecvFileMan::FileDownload);
+    m_fetch->setDefault(true);
+}
+
+void CRecvFile::OnInitDialog()
+{
+    m_note->setVisible(m_man.Files().ShowsDeleteNote());
+    m_fetch->setVisible(m_man.Files().CanDownload());
+    RecvFilePage::OnInitDialog();
+}
+
+CRecvGomi::CRecvGomi(CRecvFileMan& sheet) : RecvFilePage(sheet, ReceiverFiles::Recycled)
+{
+    m_delete = AddButton(kDelete, text::kFilesDelete, "trash", &CRecvFileMan::FileDelete);
+    AddButton(kSelectAll, text::kFilesSelectAll, "ok", &CRecvFileMan::ChoiceAll);
+    AddButton(kRecover, text::kFilesRecover, "restore", &CRecvFileMan::FileRecover)
+        ->setDefault(true);
+}
+
+void CRecvGomi::OnInitDialog()
+{
+    m_delete->setEnabled(m_man.Files().CanDeleteRecycled());
+    RecvFilePage::OnInitDialog();
+}
+
 } // namespace fieldcore

@@ -68,4 +68,38 @@ private:
     QBoxLayout* m_row;
 };
 
+/// The page of the receiver's live files: to fetch and to delete. User-interface thread only.
+class CRecvFile : public RecvFilePage
+{
+    Q_OBJECT
+
+public:
+    /// @param sheet  whose page it is
+    explicit CRecvFile(CRecvFileMan& sheet);
+
+protected:
+    void OnInitDialog() override;
+
+private:
+    QPushButton* m_fetch; // owned by the page, as is the note
+    QLabel* m_note;
+};
+
+/// The page of the files that the receiver keeps as deleted: to bring back, or to delete for good.
+/// User-interface thread only.
+class CRecvGomi : public RecvFilePage
+{
+    Q_OBJECT
+
+public:
+    /// @param sheet  whose page it is
+    explicit CRecvGomi(CRecvFileMan& sheet);
+
+protected:
+    void OnInitDialog() override;
+
+private:
+    QPushButton* m_delete; // owned by the page
+};
+
 } // namespace fieldcore

@@ -4,6 +4,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QCheckBox>
 #include <QFile>
@@ -53,9 +54,7 @@ void CRecvFileSaveDlg::BuildControls()
 {
     SetControlId(m_summary, kSummary);
     SetControlId(m_free, kFreeSpace);
-    QFont bold = font();
-    bold.setBold(true);
-    m_summary->setFont(bold);
+    m_summary->setFont(BoldFont(font()));
     m_summary->setWordWrap(true);
     m_free->setWordWrap(true);
     m_card->setAccessibleDescription(m_cardFolder->text());
@@ -77,22 +76,11 @@ void CRecvFileSaveDlg::BuildControls()
     column->addSpacing(kGrid);
     column->addWidget(m_onlyNew);
     column->addStretch(1);
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidget(content);
-
     auto* const window = new QVBoxLayout(this);
     window->setContentsMargins(0, 0, 0, 12);
-    window->addWidget(scroll, 1);
+    window->addWidget(MakeScroll(content), 1);
     window->addLayout(MakeOkCancel());
-    for (QPushButton* const button : findChildren<QPushButton*>()) {
-        if (button->isDefault()) {
-            button->setText(UiText(text::kFileSaveStart));
-        }
-    }
+    DefaultButton()->setText(UiText(text::kFileSaveStart));
     connect(m_card, &QRadioButton::toggled, this, &CRecvFileSaveDlg::ShowAmounts);
     connect(m_onlyNew, &QCheckBox::toggled, this, &CRecvFileSaveDlg::ShowAmounts);
 }

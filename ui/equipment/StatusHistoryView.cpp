@@ -3,8 +3,8 @@
 #include "core/resources/StringTable.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
-#include <QFontInfo>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -21,7 +21,6 @@ namespace {
 
 constexpr double kMinutes = 60.0;
 constexpr int kStepMin = 15;    // between vertical lines
-constexpr int kSmallest = 13;   // pixels, of small print
 constexpr double kGapMin = 0.5; // without a sample the line breaks
 constexpr int kDivisions = 4;
 
@@ -97,8 +96,7 @@ void StatusHistoryView::Describe()
 void StatusHistoryView::Draw(QPainter& painter, const QSizeF& size)
 {
     const Theme& theme = Theme::Current();
-    QFont small = font();
-    small.setPixelSize(std::max(kSmallest, QFontInfo(font()).pixelSize() * 13 / 16));
+    const QFont small = SmallFont(font());
     painter.setFont(small);
     const QFontMetricsF metrics(small);
     const qreal line = std::ceil(metrics.height()) + 2.0; // ink may stand out of it

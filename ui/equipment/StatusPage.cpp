@@ -7,10 +7,10 @@
 #include "ui/controls/TableDlg.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 #include "ui/equipment/BatteryBar.h"
 #include "ui/equipment/StatusHistoryView.h"
 
-#include <QFontInfo>
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QLabel>
@@ -31,15 +31,6 @@ constexpr int kWide = 900;
 constexpr int kNarrowGraph = 200;
 constexpr double kLarge = 1.5;  // of the text's own size
 constexpr double kValue = 1.15; // the same
-constexpr int kSmallest = 13;   // pixels
-
-QFont Sized(const QFont& font, double factor, bool isBold)
-{
-    QFont sized = font;
-    sized.setPixelSize(std::max(kSmallest, qRound(QFontInfo(font).pixelSize() * factor)));
-    sized.setBold(isBold);
-    return sized;
-}
 
 } // namespace
 
@@ -52,7 +43,7 @@ StatusPage::StatusPage(QWidget* parent)
 {
     setWindowTitle(UiText(text::kAppStatus));
     OfferConnection();
-    m_headline->setFont(Sized(font(), kLarge, true));
+    m_headline->setFont(BoldFont(font(), kLarge));
     m_headline->setWordWrap(true);
     CBattLevel(nullptr).SetInit(m_battery);
     m_battery->setAccessibleName(UiText(text::kStatusBattery));
@@ -69,17 +60,17 @@ StatusPage::StatusPage(QWidget* parent)
         auto* const line = new QHBoxLayout;
         line->addWidget(value, 1);
         line->addWidget(age);
-        age->setFont(Sized(font(), 13.0 / 16.0, false));
+        age->setFont(SmallFont(font()));
         column->addLayout(line);
     }
-    m_broken->setFont(Sized(font(), kValue, true));
+    m_broken->setFont(BoldFont(font(), kValue));
     m_broken->setWordWrap(true);
     column->insertWidget(1, m_broken); // below the fix
     auto* const values = new QVBoxLayout;
     values->addLayout(m_grid);
     values->addStretch(1);
     auto* const title = new QLabel(UiText(text::kStatusHistoryTitle));
-    title->setFont(Sized(font(), 1.0, true));
+    title->setFont(BoldFont(font()));
     auto* const graph = new QVBoxLayout;
     graph->addWidget(title);
     graph->addWidget(m_history, 1);
@@ -87,11 +78,8 @@ StatusPage::StatusPage(QWidget* parent)
     m_body->addLayout(values);
     m_body->addLayout(graph, 1);
     column->addLayout(m_body, 1);
-    auto* const scroll = new QScrollArea;
-    scroll->setWidget(inner);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* const scroll = MakeScroll(inner);
+    scroll->setFocusPolicy(Qt::StrongFocus); // there is nothing else to scroll it by keys
 
     auto* const menu = new CnMenuBar;
     const int popup = menu->AddPopup(UiText(text::kAppMenuView));
@@ -126,7 +114,7 @@ void StatusPage::resizeEvent(QResizeEvent* event)
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         PutAge(i);
     }
-    const QFontMetrics metrics(Sized(font(), kValue, true));
+    const QFontMetrics metrics(BoldFont(font(), kValue));
     const int date = metrics.horizontalAdvance(QStringLiteral("0000-00-00 00:00:00 "));
     m_grid->setColumnMinimumWidth(1, m_isWide ? date : 0);
 }
@@ -197,8 +185,8 @@ void StatusPage::ShowRow(std::size_t index, const StatusRow& row)
         const Line line{new RoleLabel(&Theme::second, UiText(row.field->textId)),
                         new RoleLabel(&Theme::text), new RoleLabel(&Theme::second)};
         line.value->setAccessibleName(UiText(row.field->textId)); // the rows are always the same
-        line.value->setFont(Sized(font(), kValue, true));
-        line.age->setFont(Sized(font(), 13.0 / 16.0, false));
+        line.value->setFont(BoldFont(font(), kValue));
+        line.age->setFont(SmallFont(font()));
         line.age->setAlignment(Qt::AlignRight | Qt::AlignTop);
         line.name->setAlignment(Qt::AlignLeft | Qt::AlignTop);
         line.name->setWordWrap(true);

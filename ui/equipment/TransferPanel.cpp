@@ -1,12 +1,12 @@
 #include "ui/equipment/TransferPanel.h"
 
-#include "core/equipment/AmountTexts.h"
+#include "core/equipment/FileTexts.h"
 #include "core/resources/StringTable.h"
-#include "ui/controls/Icon.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -58,7 +58,7 @@ void ShowBar(CTextProgressCtrl& bar, int textId, std::uint64_t part, std::uint64
 TransferPanel::TransferPanel(QWidget* parent)
     : QFrame(parent), m_name(new QLabel), m_start(new QLabel), m_fileBar(new CTextProgressCtrl),
       m_totalBar(new CTextProgressCtrl), m_rate(new QLabel), m_left(new QLabel),
-      m_cancel(new QPushButton(UiText(text::kButtonCancel)))
+      m_cancel(MakeButton(text::kButtonCancel, "cancel"))
 {
     setFrameShape(QFrame::Box);
     setAutoFillBackground(true);
@@ -68,8 +68,6 @@ TransferPanel::TransferPanel(QWidget* parent)
     m_totalBar->setAccessibleName(UiText(text::kTransferTitle));
     m_fileBar->SetRange(0, kSteps);
     m_totalBar->SetRange(0, kSteps);
-    m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
-    m_cancel->setMinimumSize(15 * kGrid, 6 * kGrid);
     m_cancel->setFocusPolicy(Qt::NoFocus); // Esc presses it, and the list keeps the focus
     QtHost::UseForCancel(m_cancel);
     connect(m_cancel, &QPushButton::clicked, this, [this] {
@@ -87,9 +85,7 @@ TransferPanel::TransferPanel(QWidget* parent)
     column->addWidget(m_totalBar);
     auto* const words = new QVBoxLayout;
     words->setSpacing(0);
-    QFont bold = font();
-    bold.setBold(true);
-    m_left->setFont(bold);
+    m_left->setFont(BoldFont(font()));
     words->addWidget(m_left);
     words->addWidget(m_rate);
     auto* const foot = new QHBoxLayout;

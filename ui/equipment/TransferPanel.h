@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/equipment/TransferProgress.h"
+#include "core/equipment/FileRunner.h"
 
 #include <QElapsedTimer>
 #include <QFrame>

@@ -6,6 +6,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QClipboard>
 #include <QEvent>
@@ -107,8 +108,7 @@ void CVersion::Show(std::vector<VersionRow> rows)
         auto* const name = new QTableWidgetItem(ToQt(row.name));
         auto* const value = new QTableWidgetItem(ToQt(row.value));
         value->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        QFont bold = font();
-        bold.setBold(true);
+        const QFont bold = BoldFont(font());
         if (row.isHeading) {
             name->setFont(bold);
             name->setBackground(theme.raised);

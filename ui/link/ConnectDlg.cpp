@@ -1,6 +1,6 @@
 #include "ui/link/ConnectDlg.h"
 
-#include "core/equipment/RateSearch.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/link/ComPrmSet.h"
 #include "core/link/Command.h"
 #include "core/link/PortChoices.h"

@@ -6,13 +6,13 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -41,30 +41,16 @@ RoleLabel* Wrapping(const QString& text = {}, RoleLabel::Role role = &Theme::tex
     return label;
 }
 
-QFont LargeFont(const QFont& usual)
-{
-    QFont font = usual;
-    font.setBold(true);
-    font.setPixelSize(qRound(QFontInfo(usual).pixelSize() * kLarge));
-    return font;
-}
-
-QPushButton* Button(int textId)
-{
-    auto* const button = new QPushButton(UiText(textId));
-    button->setMinimumSize(15 * kGrid, 6 * kGrid);
-    return button;
-}
-
 } // namespace
 
 ConnectProgressDlg::ConnectProgressDlg(const QString& target, const Clock& clock, QWidget* parent)
     : Dialog(parent), m_clock(clock), m_heading(Wrapping(UiText(text::kConnectingTitle))),
       m_current(Wrapping()), m_progress(new QProgressBar), m_elapsed(new QLabel),
       m_hint(Wrapping(UiText(text::kConnectingHint), &Theme::second)), m_message(Wrapping()),
-      m_detail(new QPlainTextEdit), m_scroll(new QScrollArea), m_cancel(Button(text::kConnectStop)),
-      m_showDetail(Button(text::kDetailShow)), m_search(Button(text::kComSearch)),
-      m_close(Button(text::kButtonClose))
+      m_detail(new QPlainTextEdit), m_scroll(MakeScroll(new QWidget)),
+      m_cancel(MakeButton(text::kConnectStop, "cancel")),
+      m_showDetail(MakeButton(text::kDetailShow)), m_search(MakeButton(text::kComSearch)),
+      m_close(MakeButton(text::kButtonClose))
 {
     // The caption stands in the dialog: a controller shows no title bars.
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
@@ -73,7 +59,6 @@ ConnectProgressDlg::ConnectProgressDlg(const QString& target, const Clock& clock
     setAccessibleName(UiText(text::kConnectingTitle));
     Build(target);
     QtHost::UseForCancel(m_cancel);
-    m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
     connect(m_cancel, &QPushButton::clicked, this,
             [this] { m_current->setText(UiText(text::kConnectStopping)); });
     m_showDetail->setCheckable(true);
@@ -91,11 +76,9 @@ ConnectProgressDlg::~ConnectProgressDlg()
 
 void ConnectProgressDlg::Build(const QString& target)
 {
-    m_heading->setFont(LargeFont(font()));
+    m_heading->setFont(BoldFont(font(), kLarge));
     QLabel* const where = Wrapping(target, &Theme::second);
-    QFont bold = font();
-    bold.setBold(true);
-    m_current->setFont(bold);
+    m_current->setFont(BoldFont(font()));
     m_progress->setTextVisible(false);
     m_progress->setAccessibleName(UiText(text::kConnectingProgress));
     m_detail->setReadOnly(true);
@@ -117,8 +100,7 @@ void ConnectProgressDlg::Build(const QString& target)
         steps->addWidget(row.state, i, 2, Qt::AlignRight | Qt::AlignVCenter);
         ShowRow(row, RowState::Waiting);
     }
-    auto* const inner = new QWidget;
-    auto* const words = new QVBoxLayout(inner);
+    auto* const words = new QVBoxLayout(m_scroll->widget());
     words->setContentsMargins({});
     words->setSpacing(2 * kGrid);
     words->addWidget(m_message);
@@ -126,11 +108,6 @@ void ConnectProgressDlg::Build(const QString& target)
     words->addLayout(steps);
     words->addWidget(m_detail);
     words->addStretch(1);
-    m_scroll->setWidget(inner);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll->setFocusPolicy(Qt::NoFocus);
 
     auto* const far = new QHBoxLayout;
     far->addWidget(m_hint, 1);
@@ -352,13 +329,7 @@ void ConnectProgressDlg::changeEvent(QEvent* event)
 void ConnectProgressDlg::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event)
-    // An edge, since there is no frame, and a band that shows a failure from afar.
-    QPainter painter(this);
-    const Theme& theme = Theme::Current();
-    painter.fillRect(rect(), theme.ground);
-    painter.setPen(theme.stale);
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    painter.fillRect(0, 0, width(), kGrid / 2, m_failed ? theme.bad : theme.accent);
+    PaintGround(*this, m_failed ? Theme::Current().bad : Theme::Current().accent);
 }
 
 } // namespace fieldcore

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/equipment/RateSearch.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/link/ConnectSequence.h"
 #include "core/platform/Clock.h"
 #include "ui/controls/Dialog.h"

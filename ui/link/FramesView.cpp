@@ -4,9 +4,9 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/FileChoice.h"
-#include "ui/controls/Icon.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QComboBox>
 #include <QFontDatabase>
@@ -33,9 +33,8 @@ constexpr int kWide = 900; // logical pixels, from which on a desktop is assumed
 FramesView::FramesView(FrameHistory& history, QWidget* parent)
     : QWidget(parent), m_model(history), m_table(new QTableView), m_show(new QComboBox),
       m_search(new QLineEdit), m_count(new QLabel), m_detail(new QPlainTextEdit),
-      m_hold(new QPushButton(UiText(text::kFramesPause))),
-      m_save(new QPushButton(UiText(text::kFramesSave))),
-      m_clear(new QPushButton(UiText(text::kFramesClear)))
+      m_hold(MakeButton(text::kFramesPause)), m_save(MakeButton(text::kFramesSave, "download")),
+      m_clear(MakeButton(text::kFramesClear, "trash"))
 {
     Build();
     connect(m_show, &QComboBox::currentIndexChanged, this, &FramesView::ApplyFilter);
@@ -87,12 +86,7 @@ void FramesView::Build()
     m_search->setAccessibleName(UiText(text::kFramesSearch));
     m_search->setPlaceholderText(UiText(text::kFramesSearch));
     m_search->setClearButtonEnabled(true);
-    for (QPushButton* const button : {m_hold, m_clear, m_save}) {
-        button->setMinimumSize(15 * kGrid, 6 * kGrid);
-    }
     m_hold->setCheckable(true);
-    m_save->setIcon(ThemeIcon(QStringLiteral("download")));
-    m_clear->setIcon(ThemeIcon(QStringLiteral("trash")));
     auto* const filter = new QHBoxLayout;
     filter->setSpacing(kGrid);
     filter->addWidget(m_show);

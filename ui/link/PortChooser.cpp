@@ -2,12 +2,12 @@
 
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
-#include "ui/controls/FormRow.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/RoleLabel.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QComboBox>
 #include <QEvent>

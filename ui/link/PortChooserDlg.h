@@ -3,8 +3,6 @@
 #include "ui/controls/Dialog.h"
 #include "ui/link/PortChooser.h"
 
-class QPushButton;
-
 namespace fieldcore {
 
 /// Asks for the port to connect to. User-interface thread only.
@@ -27,8 +25,7 @@ protected:
 
 private:
     ConnectChoice m_choice;
-    PortChooser* m_chooser; // owned by the dialog, as is the next
-    QPushButton* m_connect;
+    PortChooser* m_chooser; // owned by the dialog
 };
 
 } // namespace fieldcore

@@ -1,15 +1,14 @@
 #include "ui/tilt/SetSignal.h"
 
 #include "core/settings/NotKept.h"
-#include "ui/controls/NMenuBar.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace fieldcore {
@@ -18,7 +17,7 @@ SetSignal::SetSignal(CCommand* command, QWidget* parent) : SetSignal(command, m_
 
 SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
     : Dialog(parent, Extent::Form), m_command(command), m_reg(reg), m_session(command, reg),
-      m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(new QPushButton(UiText(text::kButtonOk)))
+      m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(MakeButton(text::kButtonOk))
 {
     setWindowTitle(UiText(text::kSignalTitle));
     OfferConnection([this] { OnInitDialog(); });
@@ -46,27 +45,12 @@ void SetSignal::Build()
         column->addWidget(box);
     }
     column->addStretch(1);
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidget(inside);
-    m_ok->setMinimumSize(15 * kGrid, 6 * kGrid);
     m_ok->setDefault(true);
     connect(m_ok, &QPushButton::clicked, this, [this] { Close(kOk); });
     auto* const row = new QHBoxLayout;
-    row->setContentsMargins(12, 0, 12, 0);
     row->addStretch(1);
     row->addWidget(m_ok);
-    auto* const menu = new CnMenuBar;
-    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
-    auto* const window = new QVBoxLayout(this);
-    window->setContentsMargins({});
-    window->setSpacing(kGrid);
-    window->addWidget(scroll, 1);
-    window->addLayout(row);
-    window->addWidget(menu);
+    LayOutPage(*this, inside, row);
 }
 
 bool SetSignal::OnInitDialog()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/settings/HostReg.h"
-#include "core/tilt/SignalSession.h"
+#include "core/tilt/SignalChoice.h"
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 

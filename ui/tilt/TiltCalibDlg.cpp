@@ -1,11 +1,10 @@
 #include "ui/tilt/TiltCalibDlg.h"
 
-#include "ui/controls/Icon.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
-#include <QFontInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -14,18 +13,13 @@ namespace fieldcore {
 
 TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
     : Dialog(parent), m_command(command), m_words(new QLabel), m_progress(new CTextProgressCtrl),
-      m_cancel(new QPushButton(UiText(text::kButtonCancel)))
+      m_cancel(MakeButton(text::kButtonCancel, "cancel"))
 {
     constexpr int kGrid = TouchStyle::kGrid;
     setWindowTitle(UiText(text::kTiltCaption));
-    QFont large = font();
-    large.setBold(true);
-    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
-    m_words->setFont(large);
+    m_words->setFont(BoldFont(font(), 1.25));
     m_words->setWordWrap(true);
     m_progress->setAccessibleName(UiText(text::kTiltCaption));
-    m_cancel->setIcon(ThemeIcon(QStringLiteral("cancel")));
-    m_cancel->setMinimumSize(15 * kGrid, 6 * kGrid);
     m_cancel->setAutoDefault(false);
     connect(m_cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
     auto* const layout = new QVBoxLayout(this);

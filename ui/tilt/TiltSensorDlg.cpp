@@ -5,6 +5,7 @@
 #include "core/tilt/BubbleConfig.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 #include "ui/tilt/BubbleView.h"
 
 #include <QAbstractButton>
@@ -169,10 +170,7 @@ TiltSensorDlg::TiltSensorDlg(CCommand* command, QWidget* parent)
     layout->addWidget(m_numbers);
     layout->addWidget(m_smaller);
     m_view->setToolTip(UiText(text::kBubbleLarger));
-    QFont large = font();
-    large.setPixelSize(QFontInfo(large).pixelSize() * 3 / 2);
-    large.setBold(true);
-    m_numbers->setFont(large);
+    m_numbers->setFont(BoldFont(font(), 1.5));
     m_numbers->setAlignment(Qt::AlignCenter);
     m_numbers->setMargin(kGrid);
     m_numbers->setAccessibleName(UiText(text::kTiltAngle));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/tilt/TiltQuestion.h"
+#include "core/tilt/TiltSettings.h"
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 

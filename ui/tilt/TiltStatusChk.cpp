@@ -1,8 +1,9 @@
 #include "ui/tilt/TiltStatusChk.h"
-#include "ui/controls/BackgroundQuestion.h"
 
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
+#include "core/tilt/Bubble.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/tilt/TiltSensorDlg.h"
 #include "ui/tilt/TiltStatusDlg.h"
 
@@ -14,7 +15,7 @@ namespace fieldcore {
 
 namespace {
 
-CalibrationCheck g_check;
+CCommand* g_armed = nullptr;                // whose sensor is to be looked at
 std::unique_ptr<BackgroundQuestion> g_look; // while it is under way
 
 void Offer(CCommand* command, QWidget* window)
@@ -32,7 +33,7 @@ void Offer(CCommand* command, QWidget* window)
 void TiltStatusChk::SetCheckCalib(CCommand* command, bool isArmed)
 {
     g_look.reset();
-    g_check.Arm(command, isArmed);
+    g_armed = isArmed ? command : nullptr;
 }
 
 void TiltStatusChk::SttCheckCalib(QWidget* window, int timerId, int delayMs)
@@ -55,14 +56,18 @@ void TiltStatusChk::SttCheckCalib(QWidget* window, int timerId, int delayMs)
 
 void TiltStatusChk::TimerCheckProc(QWidget* window)
 {
-    CCommand* const command = g_check.Command();
-    if (!g_check.Disarm()) {
+    CCommand* const command = std::exchange(g_armed, nullptr);
+    if (command == nullptr) {
         return;
     }
     constexpr std::chrono::hours kOnce{1};
     g_look = std::make_unique<BackgroundQuestion>(
         *command, Rhythm{kOnce, kOnce},
-        [](CCommand& asking) { return std::pair(true, CalibrationCheck::Look(asking)); },
+        [](CCommand& asking) {
+            TiltReading reading;
+            const bool isRead = asking.RequestTiltReading(reading) == 1;
+            return std::pair(true, isRead && NeedsCalibration(reading));
+        },
         [command, under = QPointer<QWidget>(window)](bool isNeeded) {
             g_look.release()->deleteLater(); // it is on the stack
             if (isNeeded) {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/tilt/CalibrationCheck.h"
-
 class QWidget;
 
 namespace fieldcore {
+
+class CCommand;
 
 /// Looks once after connecting whether the tilt sensor must be calibrated, and offers to do it at
 /// once. There is one in a program. User-interface thread only.

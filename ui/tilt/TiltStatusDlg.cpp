@@ -1,22 +1,19 @@
 #include "ui/tilt/TiltStatusDlg.h"
 
 #include "core/tilt/BubbleConfig.h"
-#include "ui/controls/FormRow.h"
 #include "ui/controls/Icon.h"
-#include "ui/controls/NMenuBar.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 #include "ui/tilt/TiltCalibDlg.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
-#include <QFontInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -37,6 +34,17 @@ QPushButton* Button(int textId, const char* icon)
     button->setMinimumHeight(6 * kGrid);
     button->setAutoDefault(false);
     return button;
+}
+
+/// The first one has what the second one leaves.
+QWidget* SideBySide(QWidget* first, QWidget* second)
+{
+    auto* const both = new QWidget;
+    auto* const row = new QHBoxLayout(both);
+    row->setContentsMargins({});
+    row->addWidget(first, 1);
+    row->addWidget(second);
+    return both;
 }
 
 template <typename Choices>
@@ -63,8 +71,6 @@ TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent
 {
     setWindowTitle(UiText(text::kTiltCaption));
     OfferConnection();
-    m_duration->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
-    m_expiryEdit->setInputMethodHints(Qt::ImhDigitsOnly);
     Build();
     connect(m_sensitivity, &QComboBox::activated, this,
             [this](int place) { m_tilt.ChooseSensitivity(place); });
@@ -88,11 +94,8 @@ void TiltStatusDlg::Build()
     auto* const column = new QVBoxLayout(inside);
     column->setContentsMargins(12, kGrid, 12, kGrid);
     column->setSpacing(kGrid);
-    QFont large = font();
-    large.setBold(true);
-    large.setPixelSize(QFontInfo(large).pixelSize() * 5 / 4);
     for (QLabel* const headline : {m_notice, m_status}) {
-        headline->setFont(large);
+        headline->setFont(BoldFont(font(), 1.25));
         headline->setWordWrap(true);
         column->addWidget(headline);
     }
@@ -114,24 +117,7 @@ void TiltStatusDlg::Build()
     connect(m_calibrate, &QPushButton::clicked, this, &TiltStatusDlg::Calibrate);
     buttons->addWidget(bubble);
     buttons->addWidget(m_calibrate);
-
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidget(inside);
-    auto* const menu = new CnMenuBar;
-    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
-    auto* const window = new QVBoxLayout(this);
-    window->setContentsMargins({});
-    window->setSpacing(kGrid);
-    window->addWidget(scroll, 1);
-    auto* const foot = new QHBoxLayout;
-    foot->setContentsMargins(12, 0, 12, 0);
-    foot->addLayout(buttons);
-    window->addLayout(foot);
-    window->addWidget(menu);
+    LayOutPage(*this, inside, buttons);
 
     const std::pair<QWidget*, int> numbers[] = {
         {m_status, kStatus},         {m_remain, kRemain},     {m_sensitivity, kSensitivity},
@@ -149,27 +135,13 @@ void TiltStatusDlg::BuildSettings(QFormLayout& form)
     Fill(*m_speed, SpeedChoices());
     m_duration->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
     m_expiryEdit->setInputMethodHints(Qt::ImhDigitsOnly);
-    auto* const duration = new QWidget;
-    auto* const row = new QHBoxLayout(duration);
-    row->setContentsMargins({});
-    row->addWidget(m_duration);
-    row->addWidget(new QLabel(UiText(text::kTiltMetres)));
-    auto* const shown = new QWidget;
-    auto* const shownRow = new QHBoxLayout(shown);
-    shownRow->setContentsMargins({});
-    shownRow->addWidget(m_expiry, 1);
-    shownRow->addWidget(m_change);
-    auto* const edited = new QWidget;
-    auto* const editRow = new QHBoxLayout(edited);
-    editRow->setContentsMargins({});
-    editRow->addWidget(m_expiryEdit, 1);
-    editRow->addWidget(new QLabel(UiText(text::kTiltHours)));
-    m_expiryPlace->addWidget(shown);
-    m_expiryPlace->addWidget(edited);
+    m_expiryPlace->addWidget(SideBySide(m_expiry, m_change));
+    m_expiryPlace->addWidget(SideBySide(m_expiryEdit, new QLabel(UiText(text::kTiltHours))));
     m_expiryPlace->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     AddFormRow(form, UiText(text::kTiltSensitivityLabel), m_sensitivity);
     AddFormRow(form, UiText(text::kTiltSpeedLabel), m_speed);
-    AddFormRow(form, UiText(text::kTiltToleranceLabel), duration);
+    AddFormRow(form, UiText(text::kTiltToleranceLabel),
+               SideBySide(m_duration, new QLabel(UiText(text::kTiltMetres))));
     AddFormRow(form, UiText(text::kTiltValidityLabel), m_expiryPlace);
     m_sensitivity->setAccessibleName(UiText(text::kTiltSensitivityLabel));
     m_speed->setAccessibleName(UiText(text::kTiltSpeedLabel));
@@ -256,7 +228,7 @@ void TiltStatusDlg::LeaveExpiry()
 
 void TiltStatusDlg::Calibrate()
 {
-    if (m_command == nullptr || !m_tilt.MayCalibrate(GetHost())) {
+    if (m_command == nullptr || !m_tilt.MayCalibrate(m_command->GetHost())) {
         return;
     }
     m_question.reset();
@@ -265,11 +237,6 @@ void TiltStatusDlg::Calibrate()
     TiltSettings::LastRun() = run.Result();
     ShowStatus();
     AskStatus();
-}
-
-Host& TiltStatusDlg::GetHost() const
-{
-    return m_command != nullptr ? m_command->GetHost() : DefaultHost();
 }
 
 } // namespace fieldcore

@@ -58,7 +58,6 @@ private:
     void EditExpiry();
     void LeaveExpiry();
     void Calibrate();
-    [[nodiscard]] Host& GetHost() const;
 
     CCommand* const m_command;
     const HostReg m_ownReg; // used unless another is given

@@ -1,14 +1,14 @@
 #include "ui/tilt/TrackingDlg.h"
 
 #include "core/input/Parts.h"
-#include "core/input/TextList.h"
 #include "core/link/Command.h"
 #include "core/settings/NotKept.h"
-#include "ui/controls/FormRow.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
+#include "ui/input/ComboEntries.h"
 #include "ui/tilt/SetSignal.h"
 
 #include <QCheckBox>
@@ -20,24 +20,6 @@
 #include <QVBoxLayout>
 
 namespace fieldcore {
-
-namespace {
-
-/// A drop-down list whose codes are the places of its texts.
-class ComboTexts final : public TextList
-{
-public:
-    explicit ComboTexts(CTComboBox& combo) : m_combo(combo) {}
-    void Insert(int position, std::wstring_view text) override
-    {
-        m_combo.InsertEntry(position, ToQt(text), position);
-    }
-
-private:
-    CTComboBox& m_combo;
-};
-
-} // namespace
 
 TrackingDlg::TrackingDlg(CCommand* command, SettingsRoots& roots, QWidget* parent)
     : Dialog(parent, Extent::Form), m_command(command), m_reg(roots),
@@ -62,15 +44,9 @@ TrackingDlg::TrackingDlg(CCommand* command, SettingsRoots& roots, QWidget* paren
     hint->setWordWrap(true);
     column->addWidget(hint);
     column->addStretch(1);
-    auto* const scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidget(inside);
     auto* const window = new QVBoxLayout(this);
     window->setContentsMargins(0, 0, 0, kGrid);
-    window->addWidget(scroll, 1);
+    window->addWidget(MakeScroll(inside), 1);
     window->addLayout(MakeOkCancel());
     connect(m_survey, &QComboBox::currentIndexChanged, this, [this](int index) {
         Keep();
@@ -88,11 +64,11 @@ void TrackingDlg::BuildFields(QFormLayout& form)
     for (const SurveyKind& kind : AllSurveys()) {
         m_survey->AddEntry(UiText(kind.textId), m_survey->count());
     }
-    ComboTexts intervals(*m_interval);
+    ComboEntries intervals(*m_interval);
     CParts::SetIntervalStr(intervals, 0);
-    ComboTexts masks(*m_mask);
+    ComboEntries masks(*m_mask);
     CParts::SetElMaskStr(masks);
-    ComboTexts satellites(*m_satellites);
+    ComboEntries satellites(*m_satellites);
     CParts::SetMinSVsStr(satellites, kLeastSatellites);
     m_epochs->SetRange(1, kMostEpochs);
     m_epochs->SetName(UiText(text::kTrackingEpochs));
@@ -166,9 +142,10 @@ void TrackingDlg::Show(int index)
 {
     m_shown = index;
     const CGPSPrm& set = m_sets[static_cast<std::size_t>(index)];
-    m_interval->SelectCode(CParts::ConvIntervalData2Flag(set.GetIntervalData()));
-    m_mask->SelectCode(CParts::ConvElMaskData2Flag(set.GetElMaskData()));
-    m_satellites->SelectCode(CParts::ConvMinSVsData2Flag(set.GetMinSVsData(), kLeastSatellites));
+    m_interval->setCurrentIndex(CParts::ConvIntervalData2Flag(set.GetIntervalData()));
+    m_mask->setCurrentIndex(CParts::ConvElMaskData2Flag(set.GetElMaskData()));
+    m_satellites->setCurrentIndex(
+        CParts::ConvMinSVsData2Flag(set.GetMinSVsData(), kLeastSatellites));
     m_epochs->SetValue(set.GetSvEpochData());
     m_pdop->SetValue(set.GetPDOPMaskData(1));
     m_msas->setChecked(set.GetMSASData() != 0);
@@ -177,9 +154,9 @@ void TrackingDlg::Show(int index)
 void TrackingDlg::Keep()
 {
     CGPSPrm& set = m_sets[static_cast<std::size_t>(m_shown)];
-    set.SetIntervalData(CParts::ConvIntervalFlag2Data(m_interval->GetCode()));
-    set.SetElMaskData(CParts::ConvElMaskFlag2Data(m_mask->GetCode()));
-    set.SetMinSVsData(CParts::ConvMinSVsFlag2Data(m_satellites->GetCode(), kLeastSatellites));
+    set.SetIntervalData(CParts::ConvIntervalFlag2Data(m_interval->currentIndex()));
+    set.SetElMaskData(CParts::ConvElMaskFlag2Data(m_mask->currentIndex()));
+    set.SetMinSVsData(CParts::ConvMinSVsFlag2Data(m_satellites->currentIndex(), kLeastSatellites));
     set.SetSvEpochData(static_cast<int>(m_epochs->GetValue()));
     set.SetPDOPMaskData(m_pdop->GetValue());
     set.SetMSASData(m_msas->isChecked() ? 1 : 0);

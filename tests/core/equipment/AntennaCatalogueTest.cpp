@@ -2,7 +2,6 @@
 
 #include "core/equipment/AntennaCatalogue.h"
 
-#include "core/equipment/SampleAntennas.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/Utf8.h"
 #include "tests/core/platform/FoldersBelow.h"

@@ -2,7 +2,6 @@
 
 #include "core/equipment/AntennaSettings.h"
 
-#include "core/equipment/AntennaInput.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"

@@ -129,42 +129,29 @@ TEST(BattLevel, NamesThePowerSourceByFamily)
     struct Row
     {
         std::uint32_t type;
-        std::vector<std::wstring> names; ///< sources 1, 2, 3, 4, refused
+        const wchar_t* names; ///< signs of the sources 1, 2, 3 and 4
     };
-    const std::vector<std::wstring> numbers{L"電源1", L"電源2", L"電源3", L"電源1", L"電源1"};
-    const std::vector<std::wstring> letters{L"電源A", L"電源B", L"電源A", L"電源A", L"電源A"};
     const Row rows[] = {
-        {3020, {L"電源1", L"電源2", L"電源1", L"電源1", L"電源1"}},
-        {3012, letters},
-        {3015, letters},
-        {3017, letters},
-        {3022, letters},
-        {3028, letters},
-        {3011, numbers},
-        {3044, numbers},
-        {2010, numbers},
-        {9999, numbers},
+        {3020, L"1211"}, {3012, L"ABAA"}, {3015, L"ABAA"}, {3017, L"ABAA"}, {3022, L"ABAA"},
+        {3028, L"ABAA"}, {3011, L"1231"}, {3044, L"1231"}, {2010, L"1231"}, {9999, L"1231"},
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.type);
-        VirtualChannel channel;
-        const ScriptedEnd receiver(channel.line,
-                                   {Source(1), Source(2), Source(3), Source(4), {Bytes{0x15}}});
-        channel.Open();
-        CBattLevel level(&channel.command);
-        level.SetRecvTypeNum(row.type);
-        for (const std::wstring& name : row.names) {
-            EXPECT_EQ(level.GetBattPort(), name);
+        for (int source = 1; source <= 4; ++source) {
+            EXPECT_EQ(PowerSourceName(row.type, source),
+                      L"電源" + std::wstring(1, row.names[source - 1]))
+                << row.type;
         }
     }
     VirtualChannel channel;
-    const ScriptedEnd receiver(channel.line, {Source(2)});
+    const ScriptedEnd receiver(channel.line, {{Bytes{0x15}}});
     channel.Open();
     CBattLevel level(&channel.command);
     level.SetRecvTypeNum(3010);
     EXPECT_EQ(level.GetBattPort(), L"電源1");
     EXPECT_TRUE(receiver.Requests().empty())
         << "the oldest of its family does not know the request";
+    level.SetRecvTypeNum(3017);
+    EXPECT_EQ(level.GetBattPort(), L"電源A") << "refused";
 }
 
 } // namespace

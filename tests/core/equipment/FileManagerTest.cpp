@@ -8,8 +8,6 @@
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/HandClock.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -27,12 +25,6 @@ using testing::ReceiverScript;
 
 using Box = testing::BoxKeepingHost::Box;
 using Strings = std::vector<std::string>;
-
-std::string Read(const fs::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 std::string Text(const testing::Bytes& bytes)
 {
@@ -302,7 +294,7 @@ TEST_F(FileFetchingTest, AsksAndEndsAsItMust)
         EXPECT_EQ(host.waitCursors, 0);
         for (const auto& [name, content] : script.files) {
             const bool arrived = row.arrived.find(name[0]) != std::string::npos;
-            const std::string here = Read(Documents() / name);
+            const std::string here = ContentOf(Documents() / name);
             EXPECT_EQ(here == Text(content), arrived) << name;
             EXPECT_TRUE(arrived || here.empty() || here == "old") << name;
         }
@@ -326,8 +318,8 @@ TEST_F(FileFetchingTest, FetchesOnlyWhatIsNew)
         return true;
     };
     Run({0, 1, 2});
-    EXPECT_EQ(Read(Documents() / "1980-01-07" / "A.Q01"), std::string(1500, 'x'));
-    EXPECT_EQ(Read(Documents() / "C.Q01"), Text(script.files.at("C.Q01")));
+    EXPECT_EQ(ContentOf(Documents() / "1980-01-07" / "A.Q01"), std::string(1500, 'x'));
+    EXPECT_EQ(ContentOf(Documents() / "C.Q01"), Text(script.files.at("C.Q01")));
 }
 
 TEST(FileRunnerRules, SpaceHasToBeMoreThanOnePointTwoTimes)

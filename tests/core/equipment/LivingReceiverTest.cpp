@@ -2,11 +2,8 @@
 // half an hour of its own time.
 
 #include "core/equipment/ReceiverFields.h"
-#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/PolledReceiver.h"
-
-#include <array>
 
 namespace fieldcore {
 namespace {
@@ -75,22 +72,6 @@ TEST_F(LivingReceiverTest, IsFollowedFromTheFirstFixToTheLastCharge)
     ASSERT_TRUE(link.Heard().trend && link.Heard().trend->left);
     EXPECT_NEAR(link.Heard().trend->percentPerHour, -60.0, 3.0);
     EXPECT_LT(*link.Heard().trend->left, 10min);
-}
-
-TEST_F(LivingReceiverTest, IsBelievedWhereItsOffsetCanBe)
-{
-    constexpr std::array kOffsets{17, 0, -7, 99}; // no others fit into two characters
-    for (const int& offset : kOffsets) {
-        const std::string seconds = std::to_string(offset);
-        SCOPED_TRACE(seconds);
-        ASSERT_NO_FATAL_FAILURE(
-            Plug("model 3017\nserial 10" + std::to_string(&offset - &kOffsets[0]) +
-                 "\npdop 1.8\nutc-offset " + seconds + "\nstart 2026-03-18 23:59:42\n"));
-        Round();
-        EXPECT_TRUE(link.Heard().isSynchronised);
-        EXPECT_EQ(Shown("utcOffsetS"), FromUtf8(seconds + " 秒"));
-        EXPECT_NE(Shown("pdop"), Text(text::kStatusNoPdop));
-    }
 }
 
 } // namespace

@@ -2,8 +2,7 @@
 
 #include "core/equipment/PortEdit.h"
 
-#include "core/equipment/LinkFollow.h"
-#include "core/equipment/RateSearch.h"
+#include "core/equipment/LinkSearch.h"
 #include "core/link/Command.h"
 #include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"

@@ -2,7 +2,6 @@
 
 #include "core/equipment/ReceiverFields.h"
 
-#include "core/equipment/InstalledOptions.h"
 #include "core/equipment/StatusRows.h"
 #include "core/equipment/VersionRows.h"
 #include "core/platform/Utf8.h"

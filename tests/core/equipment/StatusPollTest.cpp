@@ -133,15 +133,6 @@ TEST_F(StatusPollTest, AsksASilentReceiverLessOften)
     EXPECT_EQ(link.Heard().position->at, last) << "the last one stays";
 }
 
-TEST_F(StatusPollTest, WarnsOfALowBattery)
-{
-    Plug(std::string(kRover) + "battery 15\n");
-    EXPECT_EQ(poll.TakeWarning(), BatteryWatch::Warning::None);
-    Round();
-    EXPECT_EQ(poll.TakeWarning(), BatteryWatch::Warning::Low);
-    EXPECT_EQ(poll.TakeWarning(), BatteryWatch::Warning::None);
-}
-
 TEST(StatusHistory, KeepsAnHourAndNoMoreThanItHasRoomFor)
 {
     StatusHistory history;

@@ -1,5 +1,5 @@
+#include "core/input/EntryList.h"
 #include "core/input/Parts.h"
-#include "core/input/TextEntries.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 

@@ -3,12 +3,20 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 namespace fieldcore {
+
+/// All bytes of a file; none of one that is not there.
+[[nodiscard]] inline std::string ContentOf(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
 
 /// A folder of its own for one test, removed with all that is in it.
 class TemporaryFolder

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <thread>
 
@@ -19,12 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kTemporary = "$#TEMP.TMP";
-
-std::string Content(const fs::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 TEST(Profile, MixesNoChangesOfTwoWriters)
 {
@@ -55,7 +48,7 @@ TEST(Profile, KeepsWhatBelongsToTheFile)
     ASSERT_EQ(chmod(file.c_str(), 0640), 0);
     EXPECT_EQ(WriteProfile(L"S", L"K", L"v", link), 1);
     EXPECT_TRUE(fs::is_symlink(link));
-    EXPECT_EQ(Content(file), "[S]\r\nK=v\r\n");
+    EXPECT_EQ(ContentOf(file), "[S]\r\nK=v\r\n");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
 }
 
@@ -121,7 +114,7 @@ TEST(Profile, WritesToNothingThatOthersLeftUnderTheTemporaryName)
         const fs::path file = folder.Path() / "p.ini";
         row.make(victim, folder.Path() / kTemporary);
         EXPECT_EQ(WriteProfile(L"S", L"K", L"v", file), 1);
-        EXPECT_EQ(Content(victim), "kept");
+        EXPECT_EQ(ContentOf(victim), "kept");
         struct stat written = {};
         EXPECT_EQ(lstat(file.c_str(), &written), 0);
         EXPECT_EQ(written.st_mode, static_cast<mode_t>(S_IFREG | 0640));

@@ -13,7 +13,6 @@
 #include <fstream>
 #include <functional>
 #include <initializer_list>
-#include <iterator>
 #include <random>
 #include <sstream>
 #include <string>
@@ -52,12 +51,6 @@ std::string Sql(const fs::path& file, const std::string& sql)
     sqlite3_free(fault);
     sqlite3_close(database);
     return answer;
-}
-
-std::string Content(const fs::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::uint32_t NumberIn(SettingsStore& store, std::wstring_view key, std::wstring_view name)
@@ -143,7 +136,7 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         const TemporaryFolder folder;
         const fs::path file = FilledFile(folder);
         row.damage(file);
-        const std::string damaged = Content(file);
+        const std::string damaged = ContentOf(file);
         folder.Write("user.db.damaged-1", "an older one");
         SqliteSettingsStore store(file);
         const fs::path aside = folder.Path() / "user.db.damaged-2";
@@ -151,8 +144,8 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         EXPECT_EQ(notice.kind == SettingsNotice::Kind::SetAside, row.setAside);
         EXPECT_EQ(notice.Words().find(aside.string()) != std::string::npos, row.setAside);
         EXPECT_TRUE(store.TakeNotice().IsEmpty());
-        EXPECT_EQ(Content(aside) == damaged, row.setAside);
-        EXPECT_EQ(Content(folder.Path() / "user.db.damaged-1"), "an older one");
+        EXPECT_EQ(ContentOf(aside) == damaged, row.setAside);
+        EXPECT_EQ(ContentOf(folder.Path() / "user.db.damaged-1"), "an older one");
         EXPECT_EQ(store.Values(L"K").value().size(), row.setAside ? 0U : 300U);
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
         EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
@@ -168,14 +161,14 @@ TEST(SqliteSettingsStore, LeavesASoundFileThatItCannotUse)
         fs::create_directory(file.parent_path());
         fs::copy_file(FilledFile(TemporaryFolder()), file);
         Sql(file, change);
-        const std::string before = Content(file);
+        const std::string before = ContentOf(file);
         {
             SqliteSettingsStore store(file);
             EXPECT_EQ(store.TakeNotice().kind, SettingsNotice::Kind::NotRead);
             EXPECT_FALSE(store.IsKept());
             EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
         }
-        EXPECT_EQ(Content(file), before);
+        EXPECT_EQ(ContentOf(file), before);
     }
 }
 
@@ -183,7 +176,7 @@ TEST(SqliteSettingsStore, WorksAfterAnyDamage)
 {
     const TemporaryFolder folder;
     const fs::path sound = FilledFile(folder);
-    const std::string whole = Content(sound);
+    const std::string whole = ContentOf(sound);
     std::mt19937 random(20261121);
     for (int i = 0; i < 100; ++i) {
         SCOPED_TRACE(i);
@@ -202,7 +195,7 @@ TEST(SqliteSettingsStore, WorksAfterAnyDamage)
         EXPECT_TRUE(notice.empty() ? values <= 300 : values == 0) << notice;
         if (!notice.empty()) {
             const bool isLeft = notice.find("damaged") == std::string::npos;
-            EXPECT_EQ(Content(isLeft ? file.string() : file.string() + ".damaged-1"), damaged)
+            EXPECT_EQ(ContentOf(isLeft ? file.string() : file.string() + ".damaged-1"), damaged)
                 << "nothing is thrown away";
         }
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
@@ -239,7 +232,7 @@ TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
 
     // What is there can still be read, also where the path has what means something in an address.
     const fs::path made = FilledFile(folder);
-    const std::string before = Content(made);
+    const std::string before = ContentOf(made);
     for (const std::string below : {"plain-name", "what?mode=rw", "50%41", "a#b", "日本 語&x"}) {
         SCOPED_TRACE(below);
         const fs::path file = folder.Path() / below / "user.db";
@@ -249,7 +242,7 @@ TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
         EXPECT_EQ(readOnly.TakeNotice().file, file.string());
         EXPECT_EQ(readOnly.Values(L"K").value().size(), 300U);
         EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-        EXPECT_EQ(Content(file), before);
+        EXPECT_EQ(ContentOf(file), before);
     }
 }
 
@@ -302,7 +295,7 @@ TEST(SqliteSettingsStore, ReadsItsLogWithItOrSaysThatItCannot)
         std::vector<std::string> before;
         for (const std::string& suffix : row.files) {
             fs::copy_file(made.Path() / ("user.db" + suffix), file + suffix);
-            before.push_back(Content(file + suffix));
+            before.push_back(ContentOf(file + suffix));
             chmod((file + suffix).c_str(), suffix == row.unreadable ? 0 : 0444);
         }
         chmod(folder.Path().c_str(), 0555);
@@ -314,7 +307,7 @@ TEST(SqliteSettingsStore, ReadsItsLogWithItOrSaysThatItCannot)
         });
         chmod(folder.Path().c_str(), 0755);
         for (std::size_t i = 0; i < row.files.size(); ++i) {
-            EXPECT_EQ(Content(file + row.files[i]), before[i]);
+            EXPECT_EQ(ContentOf(file + row.files[i]), before[i]);
         }
     }
 }

@@ -2,7 +2,7 @@
 // with 40 arc minutes for 2 mm a radian is 649.653 pixels.
 
 #include "core/tilt/Bubble.h"
-#include "core/tilt/TiltQuestion.h"
+#include "core/tilt/TiltSettings.h"
 #include "tests/core/tilt/SensorLine.h"
 #include "tests/support/VirtualReceiver.h"
 

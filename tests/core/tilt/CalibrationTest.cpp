@@ -1,6 +1,5 @@
 // The calibration as the user sees it, and a run of it with all that can go wrong.
 
-#include "core/tilt/CalibrationCheck.h"
 #include "core/tilt/CalibrationRun.h"
 #include "core/tilt/CalibrationStatus.h"
 #include "core/tilt/TiltSettings.h"
@@ -218,43 +217,6 @@ TEST(TiltSettings, StoresAndSendsWhatChanged)
     EXPECT_EQ(stored(L"Duration"), L"36") << "35.5, tie to even";
     EXPECT_EQ(settings.EnterDuration(L"inf"), 1);
     EXPECT_EQ(TiltSettings::DurationText(), L"1.000");
-}
-
-TEST(CalibrationCheck, LooksOncePerArming)
-{
-    SensorLine line;
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-    CalibrationCheck check;
-    struct Row
-    {
-        const char* fault;
-        unsigned status, calibration;
-        bool needed;
-    };
-    const Row rows[] = {
-        {"not calibrated", 0x41, 0x08, true},
-        {"calibrated", 0x41, 0x19, false},
-        {"starting", 0x40, 0x08, false},
-        {"no sensor", 0x01, 0x08, false},
-        {"out of range and not calibrated", 0x43, 0x08, true},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        SensorWords words;
-        words.status = row.status;
-        words.calibration = row.calibration;
-        line.Say(words);
-        EXPECT_FALSE(check.Disarm()) << "not armed";
-        check.Arm(&line.command, true);
-        EXPECT_TRUE(check.Disarm());
-        EXPECT_EQ(CalibrationCheck::Look(line.command), row.needed);
-        EXPECT_FALSE(check.Disarm()) << "it has looked";
-    }
-    EXPECT_EQ(line.Sent(0xC8), 5);
-    check.Arm(&line.command, false);
-    EXPECT_FALSE(check.Disarm());
-    check.Arm(nullptr, true);
-    EXPECT_FALSE(check.Disarm());
 }
 
 class CalibrationRunTest : public ::testing::Test

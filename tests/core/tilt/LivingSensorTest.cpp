@@ -3,7 +3,7 @@
 #include "core/resources/StringTable.h"
 #include "core/tilt/Bubble.h"
 #include "core/tilt/CalibrationRun.h"
-#include "core/tilt/TiltQuestion.h"
+#include "core/tilt/TiltSettings.h"
 #include "tests/core/tilt/SensorLine.h"
 #include "tests/support/VirtualReceiver.h"
 

@@ -1,6 +1,6 @@
 // The choice of signals, in front of receivers that have any of them.
 
-#include "core/tilt/SignalSession.h"
+#include "core/tilt/SignalChoice.h"
 #include "tests/core/tilt/SensorLine.h"
 #include "tests/support/VirtualReceiver.h"
 

@@ -2,8 +2,8 @@
 
 #include "core/tilt/TrackingSettings.h"
 
+#include "core/input/EntryList.h"
 #include "core/input/Parts.h"
-#include "core/input/TextList.h"
 #include "tests/core/tilt/SensorLine.h"
 
 #include <functional>

@@ -14,20 +14,11 @@
 #include <QRadioButton>
 #include <QTabBar>
 
-#include <fstream>
-#include <iterator>
-
 namespace fieldcore {
 namespace {
 
 using simulator::FileState;
 using testing::FilesScreen;
-
-std::string Read(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 ExpectedBox Told(const wchar_t* text, const wchar_t* caption, int icon)
 {
@@ -204,8 +195,8 @@ TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
     surveyor.onOther = Starting();
     surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
     QTest::keyClick(&List(), Qt::Key_Return); // the usual next step
-    EXPECT_EQ(Read(Documents() / "2026-03-14" / "A0314A00.Q02"), Content("A0314A00.Q02"));
-    EXPECT_EQ(Read(Documents() / "2026-03-14" / "A0314B00.Q02"), Content("A0314B00.Q02"));
+    EXPECT_EQ(ContentOf(Documents() / "2026-03-14" / "A0314A00.Q02"), Content("A0314A00.Q02"));
+    EXPECT_EQ(ContentOf(Documents() / "2026-03-14" / "A0314B00.Q02"), Content("A0314B00.Q02"));
     EXPECT_TRUE(std::filesystem::exists(Documents() / "2026-03-18" / "A0318B00.Q02"));
     EXPECT_FALSE(sheet->Progress().isVisible());
     const auto isMarked = [this](int row) {

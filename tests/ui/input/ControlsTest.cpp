@@ -8,7 +8,6 @@
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
-#include "ui/controls/WidgetFocus.h"
 #include "ui/input/ComboEntries.h"
 
 #include <QApplication>

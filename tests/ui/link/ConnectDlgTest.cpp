@@ -55,9 +55,10 @@ protected:
         command.SetHost(host);
         target.settings.replyTimeout = 1000s; // 10 s on a watch: no busy machine comes too late
     }
-    void Start(const Scenario& scenario)
+    void Start(const Scenario& scenario) { StartBy(clock, scenario); }
+    void StartBy(Clock& time, const Scenario& scenario)
     {
-        receiver = std::make_unique<Simulator>(scenario, clock);
+        receiver = std::make_unique<Simulator>(scenario, time);
         std::string error;
         ASSERT_TRUE(receiver->Start(error)) << error;
         target.devicePath = receiver->PortPath();
@@ -194,10 +195,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         if (*row.fault != '\0') {
             scenario.faults = {ParsedRule(row.fault)};
         }
-        receiver = std::make_unique<Simulator>(scenario);
-        std::string error;
-        ASSERT_TRUE(receiver->Start(error)) << error;
-        target.devicePath = receiver->PortPath();
+        StartBy(SystemClock::Instance(), scenario);
         Surveyor surveyor;
         surveyor.boxes = {Cable(text::kButtonOk)};
         std::vector<std::uint32_t> keptRates;
@@ -245,9 +243,7 @@ TEST_F(ConnectDlgTest, OffersTheSearchWithThePortOfTheSettings)
     Scenario scenario;
     scenario.checksRate = true;
     scenario.baudRate = 9600;
-    receiver = std::make_unique<Simulator>(scenario);
-    std::string error;
-    ASSERT_TRUE(receiver->Start(error)) << error;
+    StartBy(SystemClock::Instance(), scenario);
     const TemporaryFolder home;
     SettingsRoots roots(testing::FoldersBelow(home.Path()));
     HostReg(roots).WriteString(L"GPS\\Connect", L"Port", FromUtf8(receiver->PortPath()));

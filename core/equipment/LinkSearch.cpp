@@ -1,4 +1,4 @@
-#include "core/equipment/RateSearch.h"
+#include "core/equipment/LinkSearch.h"
 
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
@@ -53,6 +53,37 @@ int RateSearchText(CommandFault fault)
     return fault == CommandFault::Cancelled    ? text::kComSearchCancelled
            : fault == CommandFault::OpenFailed ? text::kComSearchPort
                                                : text::kComSearchFailed;
+}
+
+LinkFollowed FollowLink(CCommand& command, const ConnectTarget& moved, const PortSettings& before)
+{
+    // The receiver changes 200 ms after its answer.
+    constexpr std::chrono::milliseconds kUntilChanged{300};
+    struct Way
+    {
+        const PortSettings& settings;
+        LinkFollowed found;
+    };
+    const Way ways[] = {{moved.settings, LinkFollowed::Moved}, {before, LinkFollowed::Stayed}};
+    if (command.Rest(kUntilChanged) == 0) {
+        command.ClosePort();
+        return LinkFollowed::Cancelled;
+    }
+    for (const Way& way : ways) {
+        command.ClosePort();
+        ConnectTarget target = moved;
+        target.settings = way.settings;
+        StatusReply status;
+        if (OpenTarget(command, target) == 1 && command.RequestStatus(status) == 1) {
+            return way.found;
+        }
+        if (command.Fault() == CommandFault::Cancelled) {
+            command.ClosePort();
+            return LinkFollowed::Cancelled;
+        }
+    }
+    command.ClosePort();
+    return LinkFollowed::Lost;
 }
 
 } // namespace fieldcore
