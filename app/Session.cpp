@@ -303,7 +303,7 @@ void Session::CheckTiltWhenKnown()
     m_isTiltOpen = false;
     constexpr int kTimer = 1;
     constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
-    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true);
+    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true, m_controller.Roots());
     TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 

@@ -15,7 +15,8 @@ namespace fieldcore {
 
 namespace {
 
-CCommand* g_armed = nullptr;                // whose sensor is to be looked at
+CCommand* g_armed = nullptr; // whose sensor is to be looked at
+SettingsRoots* g_roots = nullptr;
 std::unique_ptr<BackgroundQuestion> g_look; // while it is under way
 
 void Offer(CCommand* command, QWidget* window)
@@ -24,15 +25,17 @@ void Offer(CCommand* command, QWidget* window)
     if (CMesBox(command->GetHost()).Show(text::kTiltCheck, text::kTiltCaption, kQuestion) ==
         BoxAnswer::Ok) {
         TiltSensorDlg::ShutDown();
-        TiltStatusDlg(command, window).DoModal();
+        const HostReg reg(*g_roots);
+        TiltStatusDlg(command, reg, window).DoModal();
     }
 }
 
 } // namespace
 
-void TiltStatusChk::SetCheckCalib(CCommand* command, bool isArmed)
+void TiltStatusChk::SetCheckCalib(CCommand* command, bool isArmed, SettingsRoots& roots)
 {
     g_look.reset();
+    g_roots = &roots;
     g_armed = isArmed ? command : nullptr;
 }
 

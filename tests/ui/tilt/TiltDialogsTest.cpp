@@ -309,14 +309,19 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
     QObject::connect(&leave, &QTimer::timeout, [&wasOpened] {
         if (auto* const d = qobject_cast<TiltStatusDlg*>(QApplication::activeModalWidget())) {
             wasOpened = true;
+            Choose(Find<CTComboBox>(*d, TiltStatusDlg::kSensitivity), 4);
             d->Close(Dialog::kCancelled);
         }
     });
     leave.start(5);
-    TiltStatusChk::SetCheckCalib(&line.command, true);
+    TiltStatusChk::SetCheckCalib(&line.command, true, line.roots);
     TiltStatusChk::SttCheckCalib(&window, 7, 10);
     TiltStatusChk::SttCheckCalib(&window, 7, 10);
     ASSERT_TRUE(QTest::qWaitFor([&] { return wasOpened; }));
+    std::wstring stored;
+    line.reg.ReadString(eBubbleConfig::GetKeyPrm(), L"Sensitivity", stored, L"");
+    EXPECT_EQ(stored, L"8") << "in the settings of whoever has armed it";
+    eBubbleConfig::SetBubbleSensitivity(40.0);
     TiltStatusChk::SttCheckCalib(&window, 7, 1);
     QTest::qWait(100);
     TiltStatusChk::SetCheckCalib(nullptr, false);
