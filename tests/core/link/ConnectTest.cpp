@@ -19,6 +19,16 @@
 namespace fieldcore {
 namespace {
 
+using Box = testing::BoxKeepingHost::Box;
+using enum BoxAnswer;
+
+constexpr BoxStyle kInformation{BoxButtons::Ok, BoxIcon::Information};
+constexpr BoxStyle kWarning{BoxButtons::Ok, BoxIcon::Exclamation};
+constexpr BoxStyle kStop{BoxButtons::Ok, BoxIcon::Stop};
+const Box kCable{L"ケーブルを接続してください",
+                 L"ケーブル接続確認",
+                 {BoxButtons::OkCancel, BoxIcon::Information}};
+
 class ConnectTest : public ::testing::Test
 {
 protected:
@@ -30,6 +40,16 @@ protected:
     }
     [[nodiscard]] CCommand& Command() { return receiver->command; }
     [[nodiscard]] testing::BoxKeepingHost& Host() { return receiver->host; }
+    void ExpectBoxes(const std::vector<Box>& boxes)
+    {
+        ASSERT_EQ(Host().boxes.size(), boxes.size());
+        for (std::size_t i = 0; i < boxes.size(); ++i) {
+            EXPECT_EQ(Host().boxes[i].text, boxes[i].text);
+            EXPECT_EQ(Host().boxes[i].caption, boxes[i].caption);
+            EXPECT_EQ(Host().boxes[i].style.buttons, boxes[i].style.buttons);
+            EXPECT_EQ(Host().boxes[i].style.icon, boxes[i].style.icon);
+        }
+    }
 
     std::optional<testing::VirtualReceiver> receiver{std::in_place};
     ConnectTarget target{1, "in memory", {}};
@@ -44,26 +64,20 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
         int reconnect;
         BoxAnswer answer;
         int goesOn;
-        std::wstring text;
-        std::wstring caption;
-        BoxButtons buttons;
-        BoxIcon icon;
+        Box asked;
     };
-    const std::wstring cable = L"ケーブルを接続してください";
-    const std::wstring power = L"受信機の電源を入れてください。\nBluetoothで通信を行います。";
-    const std::wstring lost = L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？";
-    using enum BoxAnswer;
+    const Box power{L"受信機の電源を入れてください。\nBluetoothで通信を行います。",
+                    L"受信機電源確認",
+                    {BoxButtons::OkCancel, BoxIcon::Information}};
+    const Box lost{L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？",
+                   L"通信エラー検出",
+                   {BoxButtons::RetryCancel, BoxIcon::Question}};
     const Row rows[] = {
-        {"cable", 1, 0, Ok, 1, cable, L"ケーブル接続確認", BoxButtons::OkCancel,
-         BoxIcon::Information},
-        {"cable, refused", 1, 1, Cancel, 0, cable, L"ケーブル接続確認", BoxButtons::OkCancel,
-         BoxIcon::Information},
-        {"Bluetooth", 5, 0, Ok, 1, power, L"受信機電源確認", BoxButtons::OkCancel,
-         BoxIcon::Information},
-        {"Bluetooth lost", 5, 1, Retry, 1, lost, L"通信エラー検出", BoxButtons::RetryCancel,
-         BoxIcon::Question},
-        {"Bluetooth given up", 5, 1, Cancel, 0, lost, L"通信エラー検出", BoxButtons::RetryCancel,
-         BoxIcon::Question},
+        {"cable", 1, 0, Ok, 1, kCable},
+        {"cable, refused", 1, 1, Cancel, 0, kCable},
+        {"Bluetooth", 5, 0, Ok, 1, power},
+        {"Bluetooth lost", 5, 1, Retry, 1, lost},
+        {"Bluetooth given up", 5, 1, Cancel, 0, lost},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.way);
@@ -72,11 +86,7 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
         target.port = row.port;
         CConnect connect(Command(), row.reconnect, target);
         EXPECT_EQ(connect.stStartMessage(), row.goesOn);
-        ASSERT_EQ(Host().boxes.size(), 1U);
-        EXPECT_EQ(Host().boxes[0].text, row.text);
-        EXPECT_EQ(Host().boxes[0].caption, row.caption);
-        EXPECT_EQ(Host().boxes[0].style.buttons, row.buttons);
-        EXPECT_EQ(Host().boxes[0].style.icon, row.icon);
+        ExpectBoxes({row.asked});
     }
 }
 
@@ -254,19 +264,17 @@ TEST_F(ConnectTest, ChecksTypeAndFirmware)
         const char* scenario;
         bool flagged;
         int accepted;
-        std::wstring text;
-        std::wstring caption;
+        std::vector<Box> told;
     };
+    const std::wstring version = L"受信機未対応バージョン警告";
+    const std::wstring type = L"未対応受信機タイプ警告";
     const Row rows[] = {
-        {"good", "type-code 31\nfirmware 4.43", true, 1, L"", L""},
-        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, old,
-         L"受信機未対応バージョン警告"},
-        {"just new enough", "type-code 10\nfirmware 1.23", true, 1, L"", L""},
-        {"beta", "type-code 31\nfirmware 0.95", true, 1, beta, L"受信機未対応バージョン警告"},
-        {"not declared", "type-code 31\nfirmware 4.43", false, 0, notSupported,
-         L"未対応受信機タイプ警告"},
-        {"never supported", "type-code 9\nfirmware 9.99", true, 0, never,
-         L"未対応受信機タイプ警告"},
+        {"good", "type-code 31\nfirmware 4.43", true, 1, {}},
+        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, {{old, version, kWarning}}},
+        {"just new enough", "type-code 10\nfirmware 1.23", true, 1, {}},
+        {"beta", "type-code 31\nfirmware 0.95", true, 1, {{beta, version, kWarning}}},
+        {"not declared", "type-code 31\nfirmware 4.43", false, 0, {{notSupported, type, kWarning}}},
+        {"never supported", "type-code 9\nfirmware 9.99", true, 0, {{never, type, kWarning}}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -277,12 +285,7 @@ TEST_F(ConnectTest, ChecksTypeAndFirmware)
             connect.SupportAllTypes();
         }
         EXPECT_EQ(connect.CheckRecvType(), row.accepted);
-        ASSERT_EQ(Host().boxes.size(), row.text.empty() ? 0U : 1U);
-        if (!row.text.empty()) {
-            EXPECT_EQ(Host().boxes[0].text, row.text);
-            EXPECT_EQ(Host().boxes[0].caption, row.caption);
-            EXPECT_EQ(Host().boxes[0].style.icon, BoxIcon::Exclamation);
-        }
+        ExpectBoxes(row.told);
         Command().ClosePort();
     }
 }
@@ -294,24 +297,32 @@ TEST_F(ConnectTest, AReceiverThatTalksPastUsIsTold)
     CConnect connect(Command(), 0, target);
     connect.SupportAllTypes();
     EXPECT_EQ(connect.CheckRecvType(), 0);
-    ASSERT_EQ(Host().boxes.size(), 1U);
-    EXPECT_EQ(Host().boxes[0].text,
-              L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
-              L"出力信号を停止させ、再度指定ポートへ接続してください。");
-    EXPECT_EQ(Host().boxes[0].caption, L"通信ポート接続エラー");
-    EXPECT_EQ(Host().boxes[0].style.icon, BoxIcon::Stop);
+    ExpectBoxes({{L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
+                  L"出力信号を停止させ、再度指定ポートへ接続してください。",
+                  L"通信ポート接続エラー", kStop}});
 }
 
 TEST_F(ConnectTest, ForceInitAsksTwice)
 {
-    using enum BoxAnswer;
+    const std::vector<Box> asked{
+        kCable,
+        {L"受信機設定を工場出荷状態へ戻しますか?",
+         L"受信機強制初期化確認",
+         {BoxButtons::YesNo, BoxIcon::Question}},
+        {L"本当に受信機設定を工場出荷状態へ戻してもよろしいですか？\n\n"
+         L"受信機強制初期化を実行すると、受信機内にある暦データ等全て初期化されます。\n"
+         L"再度GNSS観測を行う場合は、15分程度衛星を捕捉してください。",
+         L"受信機強制初期化確認",
+         {BoxButtons::OkCancel, BoxIcon::Exclamation}},
+        {L"受信機設定を工場出荷状態へ戻しました。", L"", kInformation},
+    };
     struct Row
     {
         std::string_view course;
         std::vector<BoxAnswer> answers; // after the one about the cable
         const char* rule;
         int result;
-        std::size_t boxes;
+        std::ptrdiff_t boxes;
         std::size_t resets;
     };
     const Row rows[] = {
@@ -332,21 +343,7 @@ TEST_F(ConnectTest, ForceInitAsksTwice)
         CRecvForceInit forceInit(Command());
         EXPECT_EQ(forceInit.DoModal(connect), row.result);
         EXPECT_EQ(Command().IsPortOpen(), 0) << "the port must be closed whatever came of it";
-        ASSERT_EQ(Host().boxes.size(), row.boxes + 1);
-        EXPECT_EQ(Host().boxes[1].text, L"受信機設定を工場出荷状態へ戻しますか?");
-        EXPECT_EQ(Host().boxes[1].caption, L"受信機強制初期化確認");
-        if (row.boxes > 1) {
-            EXPECT_EQ(Host().boxes[2].style.icon, BoxIcon::Exclamation);
-            EXPECT_EQ(
-                Host().boxes[2].text,
-                L"本当に受信機設定を工場出荷状態へ戻してもよろしいですか？\n\n"
-                L"受信機強制初期化を実行すると、受信機内にある暦データ等全て初期化されます。\n"
-                L"再度GNSS観測を行う場合は、15分程度衛星を捕捉してください。");
-        }
-        if (row.boxes > 2) {
-            EXPECT_EQ(Host().boxes[3].text, L"受信機設定を工場出荷状態へ戻しました。");
-            EXPECT_EQ(Host().boxes[3].caption, L"");
-        }
+        ExpectBoxes({asked.begin(), asked.begin() + row.boxes + 1});
         std::size_t resets = 0;
         for (const auto& piece : receiver->simulator.Record()) {
             resets += piece.direction == simulator::Direction::ToReceiver &&
