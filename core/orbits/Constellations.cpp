@@ -131,22 +131,39 @@ std::optional<Ecef> Constellations::Position(SatelliteId satellite, double gpsS)
 void Constellations::Positions(SatelliteId satellite, std::span<const double> epochs,
                                std::span<Ecef> positions) const
 {
-    assert(positions.size() >= epochs.size());
+    SatelliteMotion(*this, satellite).At(epochs, positions);
+}
+
+Ecef SatelliteMotion::At(double gpsS)
+{
     constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-    const std::span<const NavigationRecord> records = RecordsOf(satellite);
-    const NavigationRecord* current = nullptr;
-    std::optional<OrbitMotion> motion;
-    for (std::size_t k = 0; k < epochs.size(); ++k) {
-        const NavigationRecord* const nearest = Nearest(records, epochs[k]);
-        if (nearest != current) {
-            current = nearest;
-            motion.reset();
-            if (nearest->IsHealthy()) {
-                motion.emplace(*nearest);
-            }
+    const NavigationRecord* const nearest = Nearest(m_records, gpsS);
+    if (nearest != m_current) {
+        m_current = nearest;
+        m_motion.reset();
+        if (nearest->IsHealthy()) {
+            m_motion.emplace(*nearest);
         }
-        const std::optional<Ecef> position = motion ? motion->At(epochs[k]) : std::nullopt;
-        positions[k] = position.value_or(Ecef{kNone, kNone, kNone});
+    }
+    const std::optional<Ecef> position = m_motion ? m_motion->At(gpsS) : std::nullopt;
+    return position.value_or(Ecef{kNone, kNone, kNone});
+}
+
+void SatelliteMotion::At(std::span<const double> epochs, std::span<Ecef> positions)
+{
+    assert(positions.size() >= epochs.size());
+    // Away from the message to both sides.
+    const NavigationRecord* const near =
+        epochs.empty() ? nullptr : Nearest(m_records, epochs[epochs.size() / 2]);
+    const auto split = near == nullptr
+                           ? epochs.begin()
+                           : std::lower_bound(epochs.begin(), epochs.end(), near->ReferenceS());
+    const auto middle = static_cast<std::size_t>(split - epochs.begin());
+    for (std::size_t k = middle; k < epochs.size(); ++k) {
+        positions[k] = At(epochs[k]);
+    }
+    for (std::size_t k = middle; k-- > 0;) {
+        positions[k] = At(epochs[k]);
     }
 }
 

@@ -61,7 +61,7 @@ public:
     /// @return earth-fixed, metres; nothing if there is no healthy record, or it leads nowhere
     [[nodiscard]] std::optional<Ecef> Position(SatelliteId satellite, double gpsS) const;
 
-    /// Position() at @p epochs, seconds of GPS time, which cost least in order. Allocates nothing.
+    /// Position() at @p epochs, seconds of GPS time, in order. Allocates nothing.
     /// @param positions  as many as epochs; not a number where nothing is known
     void Positions(SatelliteId satellite, std::span<const double> epochs,
                    std::span<Ecef> positions) const;
@@ -70,6 +70,27 @@ public:
 
 private:
     std::vector<NavigationRecord> m_records;
+};
+
+/// Constellations::Position() of one satellite, time after time: see OrbitMotion for what costs
+/// least. One thread.
+class SatelliteMotion
+{
+public:
+    /// @param known  must stay as it is meanwhile
+    SatelliteMotion(const Constellations& known, SatelliteId satellite)
+        : m_records(known.RecordsOf(satellite))
+    {}
+
+    /// @return not a number where nothing is known
+    [[nodiscard]] Ecef At(double gpsS);
+    /// As Constellations::Positions().
+    void At(std::span<const double> epochs, std::span<Ecef> positions);
+
+private:
+    std::span<const NavigationRecord> m_records;
+    const NavigationRecord* m_current = nullptr; // of m_motion
+    std::optional<OrbitMotion> m_motion;
 };
 
 } // namespace fieldcore

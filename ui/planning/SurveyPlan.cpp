@@ -124,7 +124,7 @@ bool CSurveyPlan::OnInitDialog()
     SetGround();
     DoDataExchange(false);
     ShowSite();
-    m_graph->SetDrawing(Drawing());
+    ShowGraph();
     m_windowList->Show(Drawing());
     ShowSlider();
     Tell(almanac);
@@ -168,6 +168,7 @@ void CSurveyPlan::Tell(const AlmanacMessage& message) const
 PlanDrawing CSurveyPlan::Drawing() const
 {
     PlanDrawing drawing = m_graph->Drawing(); // the slider's time, and from where it is seen
+    drawing.hasHeader = false;
     drawing.plan = &m_session.Plan();
     drawing.graph = m_session.Graph();
     drawing.site = GetPositionStr();
@@ -182,7 +183,7 @@ void CSurveyPlan::DrawResults()
     const WaitCursor wait(GetHost());
     m_session.Compute();
     m_intervalMin = static_cast<int>(m_session.Plan().Computed().Interval().count());
-    m_graph->SetDrawing(Drawing());
+    ShowGraph();
     ShowDates(); // only now: the age of the almanac follows the start
     ShowSlider();
     ShowWindows();

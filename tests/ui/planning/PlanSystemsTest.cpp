@@ -6,6 +6,7 @@
 #include "ui/planning/PlanSystemsBar.h"
 
 #include <QAction>
+#include <QFile>
 #include <QLabel>
 #include <QListWidget>
 
@@ -45,7 +46,11 @@ protected:
     }
     void Tap(GnssSystem system) const
     {
-        const auto buttons = plan->findChild<PlanSystemsBar*>()->findChildren<ChoiceButton*>();
+        const auto* const bar = plan->findChild<PlanSystemsBar*>();
+        if (!bar->isVisible()) {
+            Click(*plan, text::kSystemsName);
+        }
+        const auto buttons = bar->findChildren<ChoiceButton*>();
         QTest::mouseClick(buttons[static_cast<int>(system)], Qt::LeftButton);
     }
     [[nodiscard]] std::string Systems() const { return TextOf(plan->Session().Plan().Systems()); }
@@ -135,7 +140,9 @@ TEST_F(PlanSystemsTest, PlansASessionAndPrintsIt)
         Click(dialog, text::kSessionShow);
         EXPECT_EQ(host.notes.size(), 1U) << "one site is no session";
         auto* const list = dialog.findChild<QListWidget*>();
-        list->item(1)->setCheckState(Qt::Checked);
+        for (int row = 1; row < 14; ++row) { // more than a page has room for
+            list->item(row)->setCheckState(Qt::Checked);
+        }
         Click(dialog, text::kSessionShow);
         EXPECT_TRUE(Says(dialog, UiText(text::kSessionTogether)));
         EXPECT_TRUE(Says(dialog, list->item(1)->text()));
@@ -149,7 +156,9 @@ TEST_F(PlanSystemsTest, PlansASessionAndPrintsIt)
     });
     const Observer before = plan->Session().Plan().Calc().GetObserver();
     Choose(CSurveyPlan::kSessionItem);
-    EXPECT_GT(std::filesystem::file_size(chosenFile), 10'000U);
+    QFile sheet(chosenFile);
+    ASSERT_TRUE(sheet.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(sheet.readAll().contains("/Count 2")) << "pages";
     EXPECT_EQ(plan->Session().Plan().Calc().GetObserver().latitudeRad, before.latitudeRad);
 }
 
