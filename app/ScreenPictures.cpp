@@ -189,8 +189,7 @@ public:
 
     std::unique_ptr<QWidget> Curtain()
     {
-        auto dialog =
-            std::make_unique<CurtainEditor>(Session(), m_world, m_controller.Host());
+        auto dialog = std::make_unique<CurtainEditor>(Session(), m_world, m_controller.Host());
         dialog->show();
         return dialog;
     }
@@ -210,7 +209,7 @@ private:
         return {Session().Settings().position, L"神奈川県横浜市", L"千葉県千葉市"};
     }
 
-    /// What four hours of the simulated street show of it.
+    /// What twelve hours of the simulated street show of it.
     SkyRecord Noted()
     {
         std::string error;
@@ -222,7 +221,7 @@ private:
         }
         calc.SetObserver(Session().Site());
         const GpsEpoch start = ToEpoch(Session().Plan().Period().Start());
-        constexpr int kRounds = 480;
+        constexpr int kRounds = 1440;
         for (int round = 0; round < kRounds; ++round) {
             record.BeginNotes(m_controller.GetClock().Utc());
             calc.SetTime(start.week, start.sowS + round * 30.0);

@@ -76,8 +76,8 @@ std::optional<Ecef> GlonassMotion::At(double gpsS) noexcept
     };
     const bool isNearest = !isOnTheWay(m_nearest) || m_nearest.sinceS == 0.0;
     if (!isOnTheWay(m_last)) {
-        m_last = isOnTheWay(m_nearest) ? m_nearest
-                                       : Mark{0.0, {m_state.position, m_state.velocity}};
+        m_last =
+            isOnTheWay(m_nearest) ? m_nearest : Mark{0.0, {m_state.position, m_state.velocity}};
     }
     const double step = std::copysign(kStepS, targetS);
     while (std::abs(targetS - m_last.sinceS) >= kStepS) {

@@ -125,8 +125,8 @@ std::vector<NavigationRecord> NominalMessages(double gpsS)
             orbit.a = kind.a;
             orbit.eccentricity = 0.01;
             orbit.i0 = kind.i0;
-            orbit.omega0 = number % 3 * 2.1;
-            orbit.m0 = number * 2.4;
+            orbit.omega0 = (number % 3 - 1) * 2.1;
+            orbit.m0 = std::remainder(number * 2.4, 2.0 * std::numbers::pi);
             orbit.cuc = orbit.cus = orbit.cic = orbit.cis = 1e-6;
             orbit.crc = orbit.crs = 100.0;
             record.orbit = orbit;

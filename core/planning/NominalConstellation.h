@@ -47,8 +47,8 @@ inline constexpr int kNominalSatellites = 31;
 [[nodiscard]] std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now);
 
 /// Messages of 130 satellites: 32 GPS, 24 GLONASS, 27 Galileo, 43 BeiDou and 4 QZSS, on orbits of
-/// their kind and spread over the sky. For pictures and measurements; where a real satellite is they
-/// do not say.
+/// their kind and spread over the sky. For pictures and measurements; where a real satellite is
+/// they do not say.
 /// @param gpsS  their reference time, seconds of GPS time
 [[nodiscard]] std::vector<NavigationRecord> NominalMessages(double gpsS);
 

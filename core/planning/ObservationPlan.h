@@ -147,7 +147,7 @@ private:
     Constellations m_known;
     SystemSet m_systems = SystemSetOf(GnssSystem::Gps);
     bool m_clockPerSystem = false;
-    SkyPlan m_sky; // with more than GPS
+    SkyPlan m_sky;                // with more than GPS
     bool m_isSkyComputed = false; // the series are m_sky's
     std::vector<SatelliteId> m_satellites;
     PlanPeriod m_period;

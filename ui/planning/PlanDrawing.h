@@ -23,7 +23,7 @@ struct PlanDrawing
     WindowLimits limits;
     double minutes = 0.0; ///< after the start of the period: what the tracks are brightest at
     bool isFromBelow =
-        false; ///< the sky as a map that lies on the ground shows it: east to the left
+        false;              ///< the sky as a map that lies on the ground shows it: east to the left
     bool hasHeader = false; ///< site, day and orbits stand beside it: the caption leaves them out
 
     /// @return whether there is anything to draw

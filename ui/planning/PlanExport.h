@@ -21,7 +21,8 @@ namespace fieldcore {
                                         const PlanDrawing& drawing);
 
 /// Pages of A4.
-/// @param paint  each, from 0 on, with a painter that is scaled so that plan_sheet::kPage is the page
+/// @param paint  each, from 0 on, with a painter that is scaled so that plan_sheet::kPage is the
+/// page
 [[nodiscard]] std::error_code
 ExportPages(const std::filesystem::path& file, const QString& title, int pages,
             const std::function<void(QPainter& painter, int page)>& paint);

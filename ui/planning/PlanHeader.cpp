@@ -162,9 +162,8 @@ void PlanHeader::ShowDates(const PlanDrawing& drawing, std::chrono::sys_days tod
             (m_isMadeUp ? UiText(text::kPlanListSeparator) + m_source->text() : QString()));
         m_age->setText(MessageAgesText(plan));
         for (std::size_t k = 0; k < kGnssSystems; ++k) {
-            m_isAlmanacBad = m_isAlmanacBad ||
-                             (plan.Systems().test(k) &&
-                              plan.StateOf(static_cast<GnssSystem>(k)).isStale);
+            m_isAlmanacBad = m_isAlmanacBad || (plan.Systems().test(k) &&
+                                                plan.StateOf(static_cast<GnssSystem>(k)).isStale);
         }
     }
     UpdateLook();

@@ -79,8 +79,8 @@ void PlanSystemsBar::Show(const ObservationPlan& plan)
         const SystemState state = StateOf(plan, system);
         const bool isKnown = state.satellites > 0;
         const bool isStale = isKnown && state.isStale;
-        const QString count = isKnown ? UiText(text::kSystemCount).arg(state.healthy)
-                                      : UiText(text::kSystemNone);
+        const QString count =
+            isKnown ? UiText(text::kSystemCount).arg(state.healthy) : UiText(text::kSystemNone);
         const QString age = isKnown ? AgeText(state) : QString();
         ChoiceButton& button = *m_buttons[k];
         button.setText(UiText(text::kSystemShortGps + static_cast<int>(k)) + QLatin1Char('\n') +

@@ -199,13 +199,11 @@ void SessionDlg::Export()
     }
     static_cast<void>(Folders::Create(file.parent_path())); // else saving says what is wrong
     const CMesBox box(m_host);
-    if (const std::error_code error =
-            ExportPages(file,
-                        UiText(text::kSessionSheet) + QLatin1Char(' ') + PlanDateText(drawing),
-                        session_sheet::PageCount(m_sites.size()),
-                        [this](QPainter& painter, int page) {
-                            session_sheet::Paint(painter, m_session, m_sites, *m_search, page);
-                        })) {
+    if (const std::error_code error = ExportPages(
+            file, UiText(text::kSessionSheet) + QLatin1Char(' ') + PlanDateText(drawing),
+            session_sheet::PageCount(m_sites.size()), [this](QPainter& painter, int page) {
+                session_sheet::Paint(painter, m_session, m_sites, *m_search, page);
+            })) {
         box.Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
         return;
     }

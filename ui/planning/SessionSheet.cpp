@@ -17,7 +17,6 @@ namespace {
 constexpr qreal kMargin = 56.0; // 15 mm
 constexpr qreal kRow = 19.0;
 constexpr std::size_t kSitesOfPage = 12;
-constexpr std::size_t kColumns = 3;
 
 QString ClockOf(const PlanSearch& search, int epoch)
 {
@@ -61,7 +60,7 @@ QStringList Heading(const PlanSession& session)
                                       static_cast<int>(limits.minLength.count())))};
     // What tells of the orbits, as below a graph.
     constexpr qsizetype kOrbitsAt = 5;
-    lines += PlanCaption(drawing).mid(kOrbitsAt).join(QStringLiteral("  "));
+    lines += PlanCaption(drawing).mid(kOrbitsAt);
     if (plan.HasClockPerSystem() && !plan.IsGpsAlone()) {
         lines += UiText(text::kSearchOneClock);
     }
@@ -144,8 +143,9 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
         y = Write(painter, y, WindowsText(search, summary));
     }
     const ObstructionCurtain own = session.Plan().Calc().GetCurtain();
-    const std::size_t columns = std::min(shown, kColumns);
-    const std::size_t rows = (shown + kColumns - 1) / kColumns;
+    constexpr std::size_t kFew = 4; // that have room for larger plots
+    const std::size_t columns = shown <= kFew ? 2 : 3;
+    const std::size_t rows = (shown + columns - 1) / columns;
     y += kRow / 2.0;
     const QSizeF cell(
         width / static_cast<qreal>(columns),

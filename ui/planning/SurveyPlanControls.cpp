@@ -92,7 +92,8 @@ void CSurveyPlan::BuildControls()
     m_below->setColumnStretch(0, 1);
     m_below->addWidget(m_time, 0, 0);
     m_below->addWidget(m_maskUndo, 0, 1);
-    m_below->addWidget(m_enlarge, 0, 2);
+    m_below->addWidget(m_systems->FoldButton(), 0, 2);
+    m_below->addWidget(m_enlarge, 0, 3);
     right->addLayout(m_below);
     if (m_isTall) {
         right->addWidget(m_windowList);
@@ -140,7 +141,6 @@ QWidget* CSurveyPlan::BuildPanel()
     spins->setSpacing(kGrid);
     spins->addWidget(m_start, 1);
     spins->addWidget(m_end, 1);
-    spins->addWidget(m_systems->FoldButton(), 1);
     layout->addLayout(spins);
     m_windowList = new PlanWindowList;
     m_windowList->hide();
@@ -285,7 +285,7 @@ void CSurveyPlan::ShowSlider()
     const bool isSky = drawing.graph == PlanGraph::SkyPlot;
     const bool hasSlider = IsTracks(drawing.graph) && drawing.HasPlan();
     m_time->setVisible(hasSlider);
-    m_below->addWidget(m_windows, hasSlider ? 1 : 0, 0, 1, hasSlider ? 3 : 1);
+    m_below->addWidget(m_windows, hasSlider ? 1 : 0, 0, 1, hasSlider ? 4 : 1);
     m_tools->EnableItem(kFromBelowTool, isSky);
     OfferOldMask();
     m_time->setRange(0, static_cast<int>(drawing.LengthMin()));
