@@ -39,6 +39,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QToolButton>
 
 #include <algorithm>
 #include <chrono>
@@ -131,6 +132,17 @@ public:
         plan->Session().SetSystems(all.reset(static_cast<std::size_t>(GnssSystem::Sbas)));
         plan->Session().SetGraph(static_cast<int>(graph));
         plan->DrawResults();
+        return plan;
+    }
+
+    std::unique_ptr<QWidget> LargeGraph()
+    {
+        auto plan = Plan(PlanGraph::SkyPlot);
+        for (auto* const button : plan->findChildren<QToolButton*>()) {
+            if (button->accessibleName() == UiText(text::kPlanEnlarge)) {
+                button->click();
+            }
+        }
         return plan;
     }
 
@@ -379,6 +391,7 @@ ScreenPictures::Pictures ScreenPictures::Planning()
          [pictures] { return pictures->Plan(PlanGraph::SkyPlot); }},
         {QStringLiteral("plan-all-elevation"),
          [pictures] { return pictures->Plan(PlanGraph::Elevation); }},
+        {QStringLiteral("plan-all-large"), [pictures] { return pictures->LargeGraph(); }},
         {QStringLiteral("plan-search"), [pictures] { return pictures->Search(false); }},
         {QStringLiteral("plan-search-calendar"), [pictures] { return pictures->Search(true); }},
         {QStringLiteral("plan-session-sites"), [pictures] { return pictures->Sites(false); }},

@@ -84,6 +84,9 @@ public:
     /// @param limits  brought into their ranges
     void SetLimits(const WindowLimits& limits) { m_settings.limits = Fitted(limits); }
 
+    /// @param choice  brought into its ranges
+    void SetSearch(const SearchChoice& choice);
+
     /// @param systems  that count together; without any GPS does
     void SetSystems(SystemSet systems);
 

@@ -1,5 +1,6 @@
 #include "core/planning/PlanSettings.h"
 
+#include "core/planning/PlanSearch.h"
 #include "core/platform/SettingsStore.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ namespace {
 constexpr const wchar_t* kKey = L"GPS\\SurveyPlan";
 constexpr const wchar_t* kPosition = L"Position";
 constexpr const wchar_t* kConditions = L"GPS\\SurveyPlan\\Conditions";
+constexpr const wchar_t* kSearch = L"GPS\\SurveyPlan\\Search";
 constexpr const wchar_t* kFewest = L"MinSatellites";
 constexpr const wchar_t* kPdop = L"MaxPdop"; // hundredths
 constexpr const wchar_t* kMinutes = L"MinMinutes";
@@ -40,6 +42,23 @@ constexpr std::array kNumbers{
     NumberSetting{L"PositionID", &PlanSettings::positionId},
 };
 
+struct SearchNumber
+{
+    const wchar_t* name;
+    int SearchChoice::*member;
+};
+
+constexpr std::array kSearchNumbers{
+    SearchNumber{L"Days", &SearchChoice::days},
+    SearchNumber{L"StartTime", &SearchChoice::startHour},
+    SearchNumber{L"Hours", &SearchChoice::hours},
+};
+
+std::wstring SiteName(std::size_t k)
+{
+    return L"Site" + std::to_wstring(k);
+}
+
 } // namespace
 
 PlanSettings Fitted(PlanSettings settings)
@@ -47,6 +66,10 @@ PlanSettings Fitted(PlanSettings settings)
     settings.elMaskDeg = std::clamp(settings.elMaskDeg, 0, 90);
     settings.startHour = std::clamp(settings.startHour, 0, 23);
     settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
+    SearchChoice& search = settings.search;
+    search.days = std::clamp(search.days, 1, SearchHours::kMostDays);
+    search.startHour = std::clamp(search.startHour, 0, 23);
+    search.hours = std::clamp(search.hours, 1, 24);
     settings.limits = Fitted(settings.limits);
     settings.switchedOff = settings.switchedOff == kAllSatellites ? 0 : settings.switchedOff;
     settings.systems = settings.systems.none() ? PlanSettings().systems : settings.systems;
@@ -67,11 +90,24 @@ void ApplySettings(const PlanSettings& settings, ObservationPlan& plan)
 PlanSettings LoadPlanSettings(const CReg& reg)
 {
     PlanSettings settings;
-    for (const NumberSetting& number : kNumbers) {
+    const auto readInt = [&reg](const wchar_t* key, const wchar_t* name, int& member) {
         std::uint32_t value = 0;
-        int& member = settings.*number.member;
-        reg.ReadNumber(kKey, number.name, value, static_cast<std::uint32_t>(member));
+        reg.ReadNumber(key, name, value, static_cast<std::uint32_t>(member));
         member = static_cast<int>(value);
+    };
+    for (const NumberSetting& number : kNumbers) {
+        readInt(kKey, number.name, settings.*number.member);
+    }
+    for (const SearchNumber& number : kSearchNumbers) {
+        readInt(kSearch, number.name, settings.search.*number.member);
+    }
+    std::wstring site;
+    for (std::size_t k = 0; k < PlanSearch::kMostSites; ++k) {
+        reg.ReadString(kSearch, SiteName(k).c_str(), site, L"");
+        if (site.empty()) {
+            break;
+        }
+        settings.search.sites.push_back(site);
     }
     const std::wstring defaultPosition = settings.position;
     reg.ReadString(kKey, kPosition, settings.position, defaultPosition);
@@ -99,6 +135,16 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
     for (const NumberSetting& number : kNumbers) {
         const auto value = static_cast<std::uint32_t>(settings.*number.member);
         stored = stored && reg.WriteNumber(kKey, number.name, value) == 1;
+    }
+    for (const SearchNumber& number : kSearchNumbers) {
+        const auto value = static_cast<std::uint32_t>(settings.search.*number.member);
+        stored = stored && reg.WriteNumber(kSearch, number.name, value) == 1;
+    }
+    std::vector<std::wstring> sites = settings.search.sites;
+    sites.resize(std::min(sites.size(), PlanSearch::kMostSites));
+    sites.emplace_back(); // the end
+    for (std::size_t k = 0; k < sites.size(); ++k) {
+        stored = stored && reg.WriteString(kSearch, SiteName(k).c_str(), sites[k]) == 1;
     }
     stored = stored && reg.WriteString(kKey, kPosition, settings.position) == 1;
     const WindowLimits& limits = settings.limits;

@@ -87,7 +87,7 @@ QStringList StaleText(const ObservationPlan& plan, const PlanSearch& search)
     }
     return names.isEmpty()
                ? QStringList()
-               : QStringList(names.join(UiText(text::kPlanListSeparator)) + QLatin1Char(' ') +
+               : QStringList(names.join(UiText(text::kPlanListSeparator)) + QStringLiteral(": ") +
                              UiText(text::kSystemStale).arg(AgeText(oldest)));
 }
 
@@ -136,17 +136,16 @@ PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
 QWidget* PlanSearchDlg::BuildForm()
 {
     constexpr int kDayH = 24;
-    constexpr int kWorkFrom = 8;
-    constexpr int kWorkHours = 10;
+    const SearchChoice& before = m_session.Settings().search;
     m_days->setRange(1, SearchHours::kMostDays);
     m_days->SetLabel([](int days) { return ToQt(FormatText(text::kSearchDaysValue, days)); });
-    m_days->setValue(m_hours.days);
+    m_days->setValue(before.days);
     m_start->setRange(0, kDayH - 1);
     m_start->SetLabel(LabelSpin::HourLabel);
-    m_start->setValue(kWorkFrom);
+    m_start->setValue(before.startHour);
     m_hoursSpin->setRange(1, kDayH);
     m_hoursSpin->SetLabel([](int hours) { return ToQt(FormatText(text::kPlanHoursValue, hours)); });
-    m_hoursSpin->setValue(kWorkHours);
+    m_hoursSpin->setValue(before.hours);
     const WindowLimits& limits = m_session.Limits();
     m_minutes->SetRange(WindowLimits::kShortest.count(), WindowLimits::kLongest.count());
     m_minutes->SetStep(10.0);
@@ -259,6 +258,8 @@ void PlanSearchDlg::Start()
         return;
     }
     m_hours = {m_session.Date(), m_days->value(), m_start->value(), m_hoursSpin->value()};
+    m_session.SetSearch({m_hours.days, m_hours.startHour, m_hours.hours, m_siteList->Chosen()});
+    m_session.SetLimits(Limits());
     m_search.emplace(SearchOf(m_session.Plan(), std::span<const SiteSky>(m_sites), m_hours));
     m_progress->SetRange(0, static_cast<int>(m_search->Steps()));
     ShowSearching(true);

@@ -124,6 +124,9 @@ void SessionDlg::ShowRows()
             m_sites.push_back(*std::move(site));
         }
     }
+    SearchChoice choice = m_session.Settings().search;
+    choice.sites = m_siteList->Chosen();
+    m_session.SetSearch(choice);
     if (m_sites.size() < 2) {
         CMesBox(m_host).Warn(text::kSessionNeedsTwo, text::kSessionTitle);
         return;

@@ -77,11 +77,11 @@ void SkyPlot::DrawSatellites(QPainter& painter, LabelPlacer& labels) const
 void SkyPlot::Draw(QPainter& painter) const
 {
     m_disc.DrawCurtain(painter, m_drawing.plan->Calc().GetCurtain());
-    m_disc.DrawRings(painter, m_drawing.maskDeg);
+    LabelPlacer labels(m_style, m_disc.Bounds());
+    m_disc.DrawRings(painter, m_drawing.maskDeg, &labels);
     const std::vector<TrackRun> runs = TrackRuns(*m_drawing.plan);
     DrawTracks(painter, runs);
     // In the order of weight: who comes late may find no room.
-    LabelPlacer labels(m_style, m_disc.Bounds());
     DrawSatellites(painter, labels);
     m_disc.DrawScale(painter, labels, m_drawing.maskDeg);
     for (const TrackRun& run : runs) {

@@ -340,7 +340,6 @@ void CSurveyPlan::SearchDays()
         SetStartTimeData(hours.startHour); // first: it decides how long the period may be
         SetDispTimeData(hours.hours);
         SetSystemTime(hours.date);
-        m_session.SetLimits(dialog.Limits()); // so that the plan says the same
         DoDataExchange(false);
     }
     DrawResults();

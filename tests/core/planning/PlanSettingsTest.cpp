@@ -41,8 +41,9 @@ TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
 TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 {
     const WindowLimits limits{7, 2.35, std::chrono::minutes(45)};
+    const SearchChoice search{5, 22, 9, {L"自宅", L"現場 2"}};
     EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99, limits, 0x80000005,
-                                       SystemSet(0b101), true}),
+                                       SystemSet(0b101), true, search}),
               1);
     SettingsRoots later(testing::FoldersBelow(m_home.Path()));
     const PlanSettings settings = LoadPlanSettings(HostReg(later));
@@ -58,6 +59,7 @@ TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
     EXPECT_EQ(settings.switchedOff, 0x80000005U);
     EXPECT_EQ(settings.systems, SystemSet(0b101));
     EXPECT_TRUE(settings.clockPerSystem);
+    EXPECT_EQ(settings.search, search);
 
     // Under the names that other programs of the controller know.
     std::uint32_t mask = 0;

@@ -104,6 +104,7 @@ TEST_F(PlanSystemsTest, SearchesDaysAndOpensThePlanOfTheOneThatIsTapped)
 {
     Show();
     Next(*plan, [this](QWidget& dialog) {
+        dialog.findChild<QListWidget*>()->item(2)->setCheckState(Qt::Checked);
         Click(dialog, text::kSearchStart);
         ASSERT_TRUE(QTest::qWaitFor([&] { return Says(dialog, UiText(text::kSearchTap)); }, 60000));
         for (ChoiceButton* const day : dialog.findChildren<ChoiceButton*>()) {
@@ -117,9 +118,12 @@ TEST_F(PlanSystemsTest, SearchesDaysAndOpensThePlanOfTheOneThatIsTapped)
     Choose(CSurveyPlan::kSearchItem);
     const ObservationPlan& shown = plan->Session().Plan();
     EXPECT_FALSE(FindWindows(shown, plan->Session().Limits()).empty());
+    Show(); // anew
     plan->SetElMaskData(75);
     plan->DrawResults();
     Next(*plan, [](QWidget& dialog) {
+        EXPECT_EQ(dialog.findChild<QListWidget*>()->item(2)->checkState(), Qt::Checked)
+            << "of last time";
         Click(dialog, text::kSearchStart);
         EXPECT_TRUE(
             QTest::qWaitFor([&] { return Says(dialog, UiText(text::kSearchEaseNothing)); }, 60000));
