@@ -3,6 +3,7 @@
 
 #include "bench/Allocations.h"
 #include "bench/literal/LiteralPlan.h"
+#include "bench/literal/LiteralSky.h"
 #include "core/orbits/SystemTime.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/ObservationPlan.h"
@@ -123,8 +124,8 @@ void OneSatellite(benchmark::State& state)
     for (auto _ : state) {
         literalUs.push_back(Timed([&] {
             for (int i = 0; i < kTimes; ++i) {
-                const auto position = ReferencePosition(elements, {testing::kSampleWeek, i * 60.0});
-                benchmark::DoNotOptimize(ReferenceDirection(Observer{}, *position));
+                const auto position = LiteralPosition(elements, {testing::kSampleWeek, i * 60.0});
+                benchmark::DoNotOptimize(LiteralDirection(Observer{}, *position));
             }
         }));
         ourUs.push_back(Timed([&] {

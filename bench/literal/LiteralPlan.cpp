@@ -1,5 +1,6 @@
 #include "bench/literal/LiteralPlan.h"
 
+#include "bench/literal/LiteralSky.h"
 #include "core/planning/CalendarTime.h"
 
 #include <numbers>
@@ -24,11 +25,11 @@ std::optional<SkyDirection> LiteralPlan::Test(int prnIndex, GpsEpoch epoch) cons
     if (!satellite.usable) {
         return std::nullopt;
     }
-    const std::optional<Ecef> position = ReferencePosition(KeplerElements(satellite.record), epoch);
+    const std::optional<Ecef> position = LiteralPosition(KeplerElements(satellite.record), epoch);
     if (!position) {
         return std::nullopt;
     }
-    std::optional<SkyDirection> direction = ReferenceDirection(m_observer, *position);
+    std::optional<SkyDirection> direction = LiteralDirection(m_observer, *position);
     if (!direction || !(direction->elevationRad >= 0.0) ||
         !(direction->elevationRad >= m_maskRad)) {
         return std::nullopt;
@@ -59,7 +60,7 @@ DopValues LiteralPlan::DopAt(GpsEpoch epoch) const
     for (int i = 0; i < kMaxPrn; ++i) {
         if (Test(i, epoch)) {
             const KeplerElements elements(m_satellites[static_cast<std::size_t>(i)].record);
-            visible.push_back(ReferencePosition(elements, epoch).value_or(Ecef{}));
+            visible.push_back(LiteralPosition(elements, epoch).value_or(Ecef{}));
         }
     }
     return ReferenceDop(ToEcef(m_observer), visible);

@@ -35,16 +35,8 @@ std::optional<NavigationRecord> MessageOf(const AlmanacRecord& almanac, double g
         elements.week >= kWeekCycle
             ? 0.0
             : std::max(0.0, std::round((gpsS / kWeekS - elements.week) / kWeekCycle));
-    KeplerOrbit orbit;
-    orbit.toeS = elements.toaS;
+    KeplerOrbit orbit = OrbitOf(elements);
     orbit.referenceS = (elements.week + cycles * kWeekCycle) * kWeekS + elements.toaS;
-    orbit.a = elements.a;
-    orbit.eccentricity = elements.eccentricity;
-    orbit.i0 = elements.i0;
-    orbit.omega0 = elements.omega0;
-    orbit.omega = elements.omega;
-    orbit.m0 = elements.m0;
-    orbit.omegaDot = elements.omegaDot;
     NavigationRecord record;
     record.satellite = *satellite;
     record.systemS = orbit.referenceS;
