@@ -3,7 +3,6 @@
 
 #include "bench/Allocations.h"
 #include "bench/literal/LiteralPlan.h"
-#include "bench/literal/LiteralSky.h"
 #include "core/orbits/SystemTime.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/ObservationPlan.h"
@@ -125,7 +124,7 @@ void OneSatellite(benchmark::State& state)
         literalUs.push_back(Timed([&] {
             for (int i = 0; i < kTimes; ++i) {
                 const auto position = LiteralPosition(elements, {testing::kSampleWeek, i * 60.0});
-                benchmark::DoNotOptimize(LiteralDirection(Observer{}, *position));
+                benchmark::DoNotOptimize(ReferenceDirection(Observer{}, *position));
             }
         }));
         ourUs.push_back(Timed([&] {

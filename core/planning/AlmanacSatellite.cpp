@@ -56,7 +56,7 @@ bool CAlmanacSatellite::ComputeExactly()
         return false;
     }
     m_position = *position;
-    m_direction = m_frame.DirectionOf(m_position).value_or(m_direction);
+    m_direction = ReferenceDirection(m_frame.GetObserver(), m_position).value_or(m_direction);
     return m_direction.elevationRad >= 0.0;
 }
 

@@ -27,6 +27,12 @@ struct SkyDirection
 /// in the ninth digit, a tenth of a millimetre here.
 [[nodiscard]] Ecef ToEcef(const Observer& observer) noexcept;
 
+/// SkyDirection of @p satellite by a 4 x 4 homogeneous transformation, step by step as published:
+/// what decides where LocalFrame comes too close to a limit.
+/// @return nothing if both stand in the same place
+[[nodiscard]] std::optional<SkyDirection> ReferenceDirection(const Observer& observer,
+                                                             const Ecef& satellite) noexcept;
+
 /// A difference of positions in the frame of an observer, metres.
 struct EastNorthUp
 {
@@ -62,8 +68,6 @@ public:
                 m_north.x * x + m_north.y * y + m_north.z * z,
                 m_up.x * x + m_up.y * y + m_up.z * z};
     }
-    /// @return nothing if both stand in the same place
-    [[nodiscard]] std::optional<SkyDirection> DirectionOf(const Ecef& position) const noexcept;
     [[nodiscard]] const Observer& GetObserver() const { return m_observer; }
     [[nodiscard]] const Ecef& Origin() const { return m_origin; }
     // Unit vectors, earth-fixed.

@@ -51,7 +51,7 @@ public:
         if (!position) {
             return false;
         }
-        direction = m_frame.DirectionOf(*position).value_or(SkyDirection{});
+        direction = ReferenceDirection(m_frame.GetObserver(), *position).value_or(SkyDirection{});
         direction.azimuthRad = NormalisedAzimuth(direction.azimuthRad);
         return m_limits.Pass(direction);
     }

@@ -12,10 +12,11 @@ std::vector<SkySatellite> SkyOfSystems(const ObservationPlan& plan, std::chrono:
     const std::span<const Ecef> positions = plan.PositionsAt(sinceStart);
     std::vector<SkySatellite> sky;
     for (std::size_t k = 0; k < positions.size(); ++k) {
-        std::optional<SkyDirection> direction = calc.GetFrame().DirectionOf(positions[k]);
-        if (direction && direction->elevationRad >= 0.0) { // which what is not known is not
-            direction->azimuthRad = NormalisedAzimuth(direction->azimuthRad);
-            sky.push_back({plan.Satellites()[k], *direction, calc.GetLimits().Pass(*direction)});
+        const EastNorthUp enu = calc.GetFrame().ToLocal(positions[k]);
+        SkyDirection direction = enu.ToDirection(enu.Range());
+        if (direction.elevationRad >= 0.0) { // which what is not known is not
+            direction.azimuthRad = NormalisedAzimuth(direction.azimuthRad);
+            sky.push_back({plan.Satellites()[k], direction, calc.GetLimits().Pass(direction)});
         }
     }
     return sky;

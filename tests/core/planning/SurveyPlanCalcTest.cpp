@@ -150,7 +150,7 @@ TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
         const auto position =
             PositionOf(OrbitOf(KeplerElements(SampleSatellite(prn))), AlmanacOrbit::CountOf(epoch));
         ASSERT_TRUE(position);
-        const auto direction = LocalFrame().DirectionOf(*position);
+        const auto direction = ReferenceDirection(Observer{}, *position);
         ASSERT_TRUE(direction);
         if (direction->elevationRad > 0.0) {
             ++tested;
