@@ -38,6 +38,7 @@ namespace {
 constexpr int kGrid = TouchStyle::kGrid;
 constexpr int kWeek = 7;
 constexpr int kSmallPixels = 13;
+constexpr int kWide = 900; // from here on a day has room for letters of the usual size
 
 QPushButton* MakeButton(int textId)
 {
@@ -372,7 +373,9 @@ void PlanSearchDlg::ShowCalendar()
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(kGrid / 2);
     QFont small = font();
-    small.setPixelSize(kSmallPixels);
+    if (width() < kWide) {
+        small.setPixelSize(kSmallPixels);
+    }
     for (int column = 0; column < kWeek; ++column) {
         auto* const name = new QLabel(UiText(text::kDaySunday + column));
         name->setAlignment(Qt::AlignCenter);
@@ -430,6 +433,12 @@ void PlanSearchDlg::ShowCalendar()
     QFont bold = font();
     bold.setBold(true);
     m_best->setFont(bold);
+}
+
+void PlanSearchDlg::resizeEvent(QResizeEvent* event)
+{
+    Dialog::resizeEvent(event);
+    ShowCalendar();
 }
 
 void PlanSearchDlg::changeEvent(QEvent* event)

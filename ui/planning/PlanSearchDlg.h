@@ -38,6 +38,7 @@ public:
     [[nodiscard]] const std::optional<PlanHours>& Chosen() const { return m_chosen; }
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void OnDestroy() override { m_slices.stop(); }
 
