@@ -176,12 +176,7 @@ public:
 
     std::unique_ptr<QWidget> Sheet()
     {
-        std::vector<SiteSky> sites;
-        for (const std::wstring& name : Names()) {
-            if (auto site = SkyOfSite(Session(), name)) {
-                sites.push_back(*std::move(site));
-            }
-        }
+        const std::vector<SiteSky> sites = SkiesOfSites(Session(), Names());
         const PlanPeriod& period = Session().Plan().Computed();
         PlanSearch search =
             SearchOf(Session().Plan(), std::span<const SiteSky>(sites),

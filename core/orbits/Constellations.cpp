@@ -19,7 +19,7 @@ double PeriodOf(const NavigationRecord& record)
     return std::floor(record.ReferenceS() / kPeriodS);
 }
 
-/// Of the records of one satellite the one that At() means, healthy or not.
+/// Of the records of one satellite the one that Position() means, healthy or not.
 const NavigationRecord* Nearest(std::span<const NavigationRecord> records, double gpsS)
 {
     const NavigationRecord* nearest = nullptr;
@@ -116,22 +116,11 @@ std::vector<SatelliteId> Constellations::Satellites(SystemSet systems) const
     return satellites;
 }
 
-const NavigationRecord* Constellations::At(SatelliteId satellite, double gpsS) const
-{
-    const NavigationRecord* const nearest = Nearest(RecordsOf(satellite), gpsS);
-    return nearest != nullptr && nearest->IsHealthy() ? nearest : nullptr;
-}
-
 std::optional<Ecef> Constellations::Position(SatelliteId satellite, double gpsS) const
 {
-    const NavigationRecord* const record = At(satellite, gpsS);
-    return record != nullptr ? OrbitMotion(*record).At(gpsS) : std::nullopt;
-}
-
-void Constellations::Positions(SatelliteId satellite, std::span<const double> epochs,
-                               std::span<Ecef> positions) const
-{
-    SatelliteMotion(*this, satellite).At(epochs, positions);
+    const NavigationRecord* const nearest = Nearest(RecordsOf(satellite), gpsS);
+    return nearest != nullptr && nearest->IsHealthy() ? OrbitMotion(*nearest).At(gpsS)
+                                                      : std::nullopt;
 }
 
 Ecef SatelliteMotion::At(double gpsS)

@@ -28,31 +28,23 @@ constexpr double kHundredths = 100.0;
 
 struct NumberSetting
 {
+    const wchar_t* key;
     const wchar_t* name;
-    int PlanSettings::*member;
+    int& (*of)(PlanSettings&);
 };
 
-constexpr std::array kNumbers{
-    NumberSetting{L"ElMask", &PlanSettings::elMaskDeg},
-    NumberSetting{L"StartTime", &PlanSettings::startHour},
-    NumberSetting{L"DispTime", &PlanSettings::hours},
-    NumberSetting{L"DrawType", &PlanSettings::drawType},
-    NumberSetting{L"ListCoord", &PlanSettings::listCoord},
-    NumberSetting{L"PositionNo", &PlanSettings::positionNo},
-    NumberSetting{L"PositionID", &PlanSettings::positionId},
-};
-
-struct SearchNumber
-{
-    const wchar_t* name;
-    int SearchChoice::*member;
-};
-
-constexpr std::array kSearchNumbers{
-    SearchNumber{L"Days", &SearchChoice::days},
-    SearchNumber{L"StartTime", &SearchChoice::startHour},
-    SearchNumber{L"Hours", &SearchChoice::hours},
-};
+constexpr std::array<NumberSetting, 10> kNumbers{{
+    {kKey, L"ElMask", [](PlanSettings& s) -> int& { return s.elMaskDeg; }},
+    {kKey, L"StartTime", [](PlanSettings& s) -> int& { return s.startHour; }},
+    {kKey, L"DispTime", [](PlanSettings& s) -> int& { return s.hours; }},
+    {kKey, L"DrawType", [](PlanSettings& s) -> int& { return s.drawType; }},
+    {kKey, L"ListCoord", [](PlanSettings& s) -> int& { return s.listCoord; }},
+    {kKey, L"PositionNo", [](PlanSettings& s) -> int& { return s.positionNo; }},
+    {kKey, L"PositionID", [](PlanSettings& s) -> int& { return s.positionId; }},
+    {kSearch, L"Days", [](PlanSettings& s) -> int& { return s.search.days; }},
+    {kSearch, L"StartTime", [](PlanSettings& s) -> int& { return s.search.startHour; }},
+    {kSearch, L"Hours", [](PlanSettings& s) -> int& { return s.search.hours; }},
+}};
 
 std::wstring SiteName(std::size_t k)
 {
@@ -90,16 +82,11 @@ void ApplySettings(const PlanSettings& settings, ObservationPlan& plan)
 PlanSettings LoadPlanSettings(const CReg& reg)
 {
     PlanSettings settings;
-    const auto readInt = [&reg](const wchar_t* key, const wchar_t* name, int& member) {
-        std::uint32_t value = 0;
-        reg.ReadNumber(key, name, value, static_cast<std::uint32_t>(member));
-        member = static_cast<int>(value);
-    };
     for (const NumberSetting& number : kNumbers) {
-        readInt(kKey, number.name, settings.*number.member);
-    }
-    for (const SearchNumber& number : kSearchNumbers) {
-        readInt(kSearch, number.name, settings.search.*number.member);
+        std::uint32_t value = 0;
+        int& member = number.of(settings);
+        reg.ReadNumber(number.key, number.name, value, static_cast<std::uint32_t>(member));
+        member = static_cast<int>(value);
     }
     std::wstring site;
     for (std::size_t k = 0; k < PlanSearch::kMostSites; ++k) {
@@ -132,15 +119,12 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
 {
     SettingsBatch batch(reg.Store());
     bool stored = batch.IsOpen();
+    PlanSettings copy = settings;
     for (const NumberSetting& number : kNumbers) {
-        const auto value = static_cast<std::uint32_t>(settings.*number.member);
-        stored = stored && reg.WriteNumber(kKey, number.name, value) == 1;
+        const auto value = static_cast<std::uint32_t>(number.of(copy));
+        stored = stored && reg.WriteNumber(number.key, number.name, value) == 1;
     }
-    for (const SearchNumber& number : kSearchNumbers) {
-        const auto value = static_cast<std::uint32_t>(settings.search.*number.member);
-        stored = stored && reg.WriteNumber(kSearch, number.name, value) == 1;
-    }
-    std::vector<std::wstring> sites = settings.search.sites;
+    std::vector<std::wstring>& sites = copy.search.sites;
     sites.resize(std::min(sites.size(), PlanSearch::kMostSites));
     sites.emplace_back(); // the end
     for (std::size_t k = 0; k < sites.size(); ++k) {

@@ -40,14 +40,6 @@ constexpr int kWeek = 7;
 constexpr int kSmallPixels = 13;
 constexpr int kWide = 900; // from here on a day has room for letters of the usual size
 
-QPushButton* MakeButton(int textId)
-{
-    auto* const button = new QPushButton(UiText(textId));
-    button->setMinimumSize(12 * kGrid, 6 * kGrid);
-    button->setAutoDefault(false);
-    return button;
-}
-
 /// A field below its name, in one of the two columns of a form.
 void AddField(QGridLayout& grid, int place, int textId, QWidget* field)
 {
@@ -113,7 +105,7 @@ PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
       m_systems(new PlanSystemsBar), m_siteList(new SiteChoice(session)), m_days(new LabelSpin),
       m_start(new LabelSpin), m_hoursSpin(new LabelSpin), m_minutes(new CSpinDouble),
       m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_progress(new CTextProgressCtrl),
-      m_cancel(MakeButton(text::kButtonCancel)), m_go(MakeButton(text::kSearchStart)),
+      m_cancel(MakeRowButton(text::kButtonCancel)), m_go(MakeRowButton(text::kSearchStart)),
       m_site(new CTComboBox), m_conditions(new QLabel), m_best(new QLabel), m_calendar(new QWidget),
       m_notes(new RoleLabel(&Theme::attention))
 {
@@ -225,8 +217,8 @@ QWidget* PlanSearchDlg::BuildResult()
     layout->addWidget(m_notes);
     auto* const row = new QHBoxLayout;
     row->addStretch(1);
-    QPushButton* const change = MakeButton(text::kSearchChange);
-    QPushButton* const close = MakeButton(text::kButtonClose);
+    QPushButton* const change = MakeRowButton(text::kSearchChange);
+    QPushButton* const close = MakeRowButton(text::kButtonClose);
     row->addWidget(change);
     row->addWidget(close);
     layout->addLayout(row);
@@ -247,13 +239,7 @@ WindowLimits PlanSearchDlg::Limits() const
 
 void PlanSearchDlg::Start()
 {
-    m_sites.clear();
-    for (const std::wstring& name : m_siteList->Chosen()) {
-        if (std::optional<SiteSky> site = SkyOfSite(m_session, name);
-            site && m_sites.size() < PlanSearch::kMostSites) {
-            m_sites.push_back(*std::move(site));
-        }
-    }
+    m_sites = SkiesOfSites(m_session, m_siteList->Chosen());
     if (m_sites.empty()) {
         CMesBox(m_host).Warn(text::kSearchNoSite, text::kSearchDays);
         return;

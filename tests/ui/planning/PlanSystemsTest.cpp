@@ -86,6 +86,31 @@ TEST_F(PlanSystemsTest, CountsWhatWasReadAndChosenTogether)
     EXPECT_EQ(Systems(), "G") << "one is always left";
 }
 
+TEST_F(PlanSystemsTest, SaysOfEachSystemFromWhichAgeOnItIsTooOld)
+{
+    Show();
+    Import(testing::Messages());
+    plan->Session().SetSystems(SystemSet().set());
+    const auto buttons = plan->findChild<PlanSystemsBar*>()->findChildren<ChoiceButton*>();
+    struct Row
+    {
+        int days; // after the messages
+        const char* stale;
+    };
+    for (const Row& row :
+         {Row{0, ""}, {1, "S"}, {6, "S"}, {8, "CJS"}, {13, "CJS"}, {15, "GRECJS"}}) {
+        plan->SetSystemTime(std::chrono::sys_days(std::chrono::year(2020) / 6 / 25) +
+                            std::chrono::days(row.days));
+        plan->DrawResults();
+        SystemSet stale;
+        for (std::size_t k = 0; k < kGnssSystems; ++k) {
+            const QString words = buttons[static_cast<qsizetype>(k)]->accessibleName();
+            stale.set(k, words.contains(QStringLiteral("0.5度以上ずれる")));
+        }
+        EXPECT_EQ(TextOf(stale), row.stale) << row.days;
+    }
+}
+
 TEST_F(PlanSystemsTest, SaysWhereAFileIsWrongAndKeepsWhatWasThere)
 {
     Show();
