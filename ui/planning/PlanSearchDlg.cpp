@@ -40,12 +40,26 @@ constexpr int kWeek = 7;
 constexpr int kSmallPixels = 13;
 constexpr int kWide = 900; // from here on a day has room for letters of the usual size
 
+/// @p inner, from top to bottom where there is no room for all of it.
+QScrollArea* Scrolling(QWidget* inner)
+{
+    auto* const scroll = new QScrollArea;
+    scroll->setWidget(inner);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    return scroll;
+}
+
 /// A field below its name, in one of the two columns of a form.
 void AddField(QGridLayout& grid, int place, int textId, QWidget* field)
 {
     auto* const label = new QLabel(UiText(textId));
     label->setBuddy(field);
     field->setAccessibleName(label->text());
+    if (auto* const spin = qobject_cast<CSpinDouble*>(field)) {
+        spin->SetName(label->text()); // of the box inside, which has the focus
+    }
     grid.addWidget(label, 2 * (place / 2), place % 2);
     grid.addWidget(field, 2 * (place / 2) + 1, place % 2);
 }
@@ -169,16 +183,11 @@ QWidget* PlanSearchDlg::BuildForm()
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     form->addLayout(grid);
-    auto* const scroll = new QScrollArea;
-    scroll->setWidget(inner);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
     auto* const page = new QWidget;
     auto* const layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(scroll, 1);
+    layout->addWidget(Scrolling(inner), 1);
     m_progress->hide();
     layout->addWidget(m_progress);
     auto* const row = new QHBoxLayout;
@@ -206,15 +215,20 @@ QWidget* PlanSearchDlg::BuildResult()
     }
     m_site->setAccessibleName(UiText(text::kSearchSites));
     m_site->setMinimumHeight(TouchStyle::kTarget);
+    auto* const inner = new QWidget;
+    auto* const found = new QVBoxLayout(inner);
+    found->setContentsMargins(0, 0, 0, 0);
+    found->setSpacing(kGrid);
+    found->addWidget(m_conditions);
+    found->addWidget(m_best);
+    found->addWidget(m_calendar, 1);
+    found->addWidget(m_notes);
     auto* const page = new QWidget;
     auto* const layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(kGrid);
     layout->addWidget(m_site);
-    layout->addWidget(m_conditions);
-    layout->addWidget(m_best);
-    layout->addWidget(m_calendar, 1);
-    layout->addWidget(m_notes);
+    layout->addWidget(Scrolling(inner), 1);
     auto* const row = new QHBoxLayout;
     row->addStretch(1);
     QPushButton* const change = MakeRowButton(text::kSearchChange);
@@ -401,7 +415,7 @@ void PlanSearchDlg::ShowCalendar()
             Close(kOk);
         });
     }
-    delete m_pages->widget(1)->layout()->replaceWidget(m_calendar, calendar);
+    delete m_calendar->parentWidget()->layout()->replaceWidget(m_calendar, calendar);
     delete m_calendar;
     m_calendar = calendar;
     if (windows.empty()) {
