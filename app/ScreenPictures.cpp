@@ -23,6 +23,7 @@
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 #include "ui/planning/CurtainEditor.h"
+#include "ui/planning/LiveSkyStyle.h"
 #include "ui/planning/PlanSearchDlg.h"
 #include "ui/planning/PlanSheet.h"
 #include "ui/planning/SessionDlg.h"
@@ -144,6 +145,24 @@ public:
             }
         }
         return plan;
+    }
+
+    /// What the user is told of a file that was read.
+    std::unique_ptr<QWidget> Imported()
+    {
+        QStringList lines;
+        for (std::size_t k = 0; k < kGnssSystems; ++k) {
+            const auto system = static_cast<GnssSystem>(k);
+            if (const SystemState state = Session().Plan().StateOf(system); state.satellites > 0) {
+                lines += UiText(text::kOrbitsCame)
+                             .arg(SystemText(system))
+                             .arg(state.satellites)
+                             .arg(DateText(UtcOfGpsSeconds(state.lastS)));
+            }
+        }
+        return std::make_unique<MessageDlg>(lines.join(QLatin1Char('\n')),
+                                            UiText(text::kOrbitsRead),
+                                            BoxStyle{BoxButtons::Ok, BoxIcon::Information});
     }
 
     std::unique_ptr<QWidget> Search(bool isDone)
@@ -387,6 +406,7 @@ ScreenPictures::Pictures ScreenPictures::Planning()
         {QStringLiteral("plan-all-elevation"),
          [pictures] { return pictures->Plan(PlanGraph::Elevation); }},
         {QStringLiteral("plan-all-large"), [pictures] { return pictures->LargeGraph(); }},
+        {QStringLiteral("plan-import"), [pictures] { return pictures->Imported(); }},
         {QStringLiteral("plan-search"), [pictures] { return pictures->Search(false); }},
         {QStringLiteral("plan-search-calendar"), [pictures] { return pictures->Search(true); }},
         {QStringLiteral("plan-session-sites"), [pictures] { return pictures->Sites(false); }},
