@@ -15,7 +15,6 @@
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/UiText.h"
-#include "ui/planning/AlmanacProgress.h"
 #include "ui/planning/CurtainEditor.h"
 #include "ui/planning/LiveSkyStyle.h"
 #include "ui/planning/PlanDet.h"
@@ -278,27 +277,6 @@ void CSurveyPlan::OnTimer(int id)
     } else if (id == kDayTimer) {
         ShowDates();
     }
-}
-
-void CSurveyPlan::OnPlanSetAlm()
-{
-    if (m_command == nullptr) {
-        return;
-    }
-    if (m_surroundings.makeConnect(*m_command)->DoModal() != CConnect::Connected) {
-        return;
-    }
-    std::vector<AlmanacMessage> messages;
-    {
-        const WaitCursor wait(GetHost());
-        AlmanacProgress progress(*m_command, *m_progress);
-        messages = m_session.UpdateAlmanac(*m_command,
-                                           [&progress](int prn) { return progress.Show(prn); });
-    }
-    for (const AlmanacMessage& message : messages) {
-        Tell(message);
-    }
-    DrawResults();
 }
 
 void CSurveyPlan::Import()

@@ -2,6 +2,7 @@
 
 #include "ui/planning/SurveyPlan.h"
 
+#include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
 #include "core/planning/PlanSeries.h"
 #include "core/resources/StringTable.h"
@@ -52,6 +53,18 @@ LabelSpin* MakeHourSpin(int id, int labelId, int nameId, int first, int last)
     Dialog::SetControlId(spin, id);
     Dialog::SetControlId(spin->LabelControl(), labelId);
     return spin;
+}
+
+/// How far the almanac has come, and how long the rest will take.
+/// @param done  satellites of kMaxPrn
+QString UpdatingText(int done, Clock::Duration lasted)
+{
+    constexpr int kToJudgeBy = 3; // satellites, before a time is told
+    if (done < kToJudgeBy) {
+        return ToQt(FormatText(text::kPlanUpdating, done, kMaxPrn));
+    }
+    const auto left = std::chrono::ceil<std::chrono::seconds>(lasted * (kMaxPrn - done) / done);
+    return ToQt(FormatText(text::kPlanUpdatingLeft, done, kMaxPrn, static_cast<int>(left.count())));
 }
 
 } // namespace
@@ -300,6 +313,32 @@ void CSurveyPlan::Export()
 {
     PlanExportMenu menu(Drawing(), m_surroundings, GetHost(), this);
     menu.exec(m_tools->mapToGlobal(QPoint(0, m_tools->height())));
+}
+
+void CSurveyPlan::OnPlanSetAlm()
+{
+    if (m_command == nullptr ||
+        m_surroundings.makeConnect(*m_command)->DoModal() != CConnect::Connected) {
+        return;
+    }
+    std::vector<AlmanacMessage> messages;
+    {
+        const WaitCursor wait(GetHost());
+        const Clock::Duration began = m_command->GetClock().Steady();
+        m_progress->SetRange(0, kMaxPrn);
+        m_progress->SetPos(0);
+        m_progress->show();
+        messages = m_session.UpdateAlmanac(*m_command, [&](int prn) {
+            m_progress->SetPos(prn - 1);
+            m_progress->SetText(UpdatingText(prn - 1, m_command->GetClock().Steady() - began));
+            return m_command->GetHost().Breathe(); // its strip has the button that ends it
+        });
+        m_progress->hide();
+    }
+    for (const AlmanacMessage& message : messages) {
+        Tell(message);
+    }
+    DrawResults();
 }
 
 void CSurveyPlan::resizeEvent(QResizeEvent* event)
