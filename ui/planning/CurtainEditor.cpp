@@ -7,7 +7,6 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/NToolBar.h"
-#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/CurtainView.h"
 #include "ui/planning/PlanExport.h"
@@ -26,8 +25,6 @@
 namespace fieldcore {
 
 namespace {
-
-constexpr int kGrid = TouchStyle::kGrid;
 
 double Hours(std::chrono::seconds time)
 {
