@@ -24,6 +24,8 @@ using Pictures = std::vector<Picture>;
 
 /// The receiver's files, and its recycle bin.
 [[nodiscard]] Pictures FilePictures(Controller& controller);
+/// The plan in its graphs, with all systems too, what opens from it, and the live sky.
+[[nodiscard]] Pictures PlanPictures(Controller& controller);
 /// How the receiver is, after an hour that takes some seconds to live through.
 [[nodiscard]] Pictures StatusPictures(Controller& controller);
 /// The dialogs in front of a receiver with a tilt sensor, the bubble in every state, a levelling

@@ -9,8 +9,6 @@
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
 
-#include <QAbstractItemView>
-#include <QAction>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
@@ -95,39 +93,6 @@ Pictures Ports(Controller& controller)
     return made;
 }
 
-Pictures Planning(Controller& controller)
-{
-    Pictures made;
-    const char* const names[] = {"count", "skyplot", "azimuth", "elevation", "pdop"};
-    for (int drawType = 0; drawType < static_cast<int>(std::size(names)); ++drawType) {
-        made.push_back(
-            {QStringLiteral("plan-") + QLatin1String(names[drawType]), [&controller, drawType] {
-                 auto dialog = std::make_unique<CSurveyPlan>(&controller.Command(), 0,
-                                                             PlanWorld(controller, nullptr));
-                 dialog->show();
-                 for (QAction* action : dialog->findChildren<QAction*>()) {
-                     if (action->data().toInt() == CSurveyPlan::GetMenuID(drawType)) {
-                         action->trigger();
-                     }
-                 }
-                 return dialog;
-             }});
-    }
-    made.push_back(
-        {QStringLiteral("skyplot"), [&controller] {
-             auto dialog =
-                 std::make_unique<CSkyPlot>(&controller.Command(), 0, SkyWorld(controller));
-             dialog->show(); // which asks the receiver
-             const auto* const list = dialog->findChild<QAbstractItemView*>();
-             const QDeadlineTimer patience(std::chrono::seconds(5));
-             while (list != nullptr && list->model()->rowCount() == 0 && !patience.hasExpired()) {
-                 QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-             }
-             return dialog;
-         }});
-    return made;
-}
-
 Pictures Antennas(Controller& controller)
 {
     const auto antenna = [&controller](int way, double heightM) {
@@ -202,7 +167,7 @@ Pictures ScreenPictures::All()
 {
     Pictures all;
     for (const auto& group :
-         {Own, Ports, FilePictures, Planning, Antennas, StatusPictures, TiltPictures}) {
+         {Own, Ports, FilePictures, PlanPictures, Antennas, StatusPictures, TiltPictures}) {
         std::ranges::move(group(m_controller), std::back_inserter(all));
     }
     return all;

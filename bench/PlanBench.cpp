@@ -4,6 +4,7 @@
 #include "bench/Allocations.h"
 #include "bench/literal/LiteralPlan.h"
 #include "core/orbits/SystemTime.h"
+#include "core/planning/NominalConstellation.h"
 #include "core/planning/ObservationPlan.h"
 #include "core/planning/PlanSearch.h"
 #include "tests/core/planning/SampleSky.h"
@@ -122,7 +123,7 @@ void OneSatellite(benchmark::State& state)
     for (auto _ : state) {
         literalUs.push_back(Timed([&] {
             for (int i = 0; i < kTimes; ++i) {
-                const auto position = ReferencePosition(elements, {testing::kSampleWeek, i * 60.0});
+                const auto position = LiteralPosition(elements, {testing::kSampleWeek, i * 60.0});
                 benchmark::DoNotOptimize(ReferenceDirection(Observer{}, *position));
             }
         }));
@@ -196,61 +197,14 @@ void TwoThreads(benchmark::State& state)
 }
 BENCHMARK(TwoThreads)->Iterations(100)->UseRealTime();
 
-/// 130 satellites as they broadcast: 32 GPS, 24 GLONASS, 27 Galileo, 43 BeiDou, 4 QZSS.
-Constellations AllSystems(double referenceS)
-{
-    struct Kind
-    {
-        GnssSystem system;
-        int satellites;
-        double a, i0;
-    };
-    constexpr Kind kinds[] = {{GnssSystem::Gps, 32, 2.656e7, 0.96},
-                              {GnssSystem::Glonass, 24, 2.551e7, 1.13},
-                              {GnssSystem::Galileo, 27, 2.96e7, 0.98},
-                              {GnssSystem::BeiDou, 43, 2.79e7, 0.96},
-                              {GnssSystem::Qzss, 4, 4.216e7, 0.71}};
-    std::vector<NavigationRecord> records;
-    for (const Kind& kind : kinds) {
-        for (int number = 1; number <= kind.satellites; ++number) {
-            KeplerOrbit orbit;
-            SetEarthOf(kind.system, orbit);
-            orbit.referenceS = referenceS;
-            orbit.toeS = std::fmod(referenceS, 7 * 86400.0);
-            orbit.a = kind.a;
-            orbit.eccentricity = 0.01;
-            orbit.i0 = kind.i0;
-            orbit.omega0 = number % 3 * 2.1;
-            orbit.m0 = number * 2.4;
-            orbit.cuc = orbit.cus = orbit.cic = orbit.cis = 1e-6;
-            orbit.crc = orbit.crs = 100.0;
-            NavigationRecord record;
-            record.satellite = {kind.system, static_cast<std::uint8_t>(number)};
-            record.orbit = orbit;
-            if (kind.system == GnssSystem::Glonass) {
-                const Ecef at = PositionOf(orbit, referenceS).value_or(Ecef{});
-                const Ecef next = PositionOf(orbit, referenceS + 1.0).value_or(Ecef{});
-                StateVector state;
-                state.referenceS = referenceS;
-                state.position = at;
-                state.velocity = {next.x - at.x, next.y - at.y, next.z - at.z};
-                record.orbit = state;
-            }
-            records.push_back(record);
-        }
-    }
-    Constellations known;
-    known.Add(records);
-    return known;
-}
-
 /// P6, P9: 14 days of 20 sites with all systems, every ten minutes.
 void SearchOfTwoWeeks(benchmark::State& state)
 {
     const LanesOf lanes(state);
     using namespace std::chrono;
     const SearchHours hours{year(2026) / November / 22};
-    const Constellations known = AllSystems(GpsSecondsOfUtc(sys_days(hours.first)));
+    Constellations known;
+    known.Add(NominalMessages(GpsSecondsOfUtc(sys_days(hours.first))));
     const std::vector<SatelliteId> satellites = known.Satellites(SystemSet().set());
     ObstructionCurtain curtain{};
     std::fill(curtain.begin() + 150, curtain.begin() + 210, std::uint8_t{35});

@@ -29,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const AlmanacRecord& record : read.records) {
         if (record.prn < 1 || record.prn > kMaxPrn || prns[record.prn] || record.week < 0 ||
             record.toaS > 604800 ||
-            !ReferencePosition(KeplerElements(record), {record.week, 1.0 * record.toaS})) {
+            !PositionOf(OrbitOf(KeplerElements(record)),
+                        AlmanacOrbit::CountOf({record.week, 1.0 * record.toaS}))) {
             std::abort();
         }
         prns.set(record.prn);

@@ -2,9 +2,54 @@
 
 #include "core/planning/CalendarTime.h"
 
+#include <cmath>
 #include <numbers>
 
 namespace fieldcore::bench {
+
+namespace {
+
+constexpr double kTwoPi = 2.0 * std::numbers::pi;
+
+} // namespace
+
+std::optional<Ecef> LiteralPosition(const KeplerElements& elements, GpsEpoch epoch) noexcept
+{
+    const double e = elements.eccentricity;
+    if (!(e >= 0.0 && e < 1.0)) {
+        return std::nullopt;
+    }
+    const double a = elements.a;
+    const double tk =
+        AlmanacOrbit::CountOf(epoch) - AlmanacOrbit::CountOf({elements.week, elements.toaS});
+    const double n = std::sqrt(kGm / (a * a * a)); // mean motion, rad/s
+    const double m = elements.m0 + n * tk;
+    const std::optional<double> anomaly = EccentricAnomaly(m, e);
+    if (!anomaly) {
+        return std::nullopt;
+    }
+    const double reduced = std::fmod(*anomaly, kTwoPi);
+    double nu = std::atan2(std::sqrt(1.0 - e * e) * std::sin(reduced), std::cos(reduced) - e);
+    if (nu < 0.0) {
+        nu += kTwoPi;
+    }
+    const double u = std::fmod(nu + elements.omega, kTwoPi);
+    const double r = a * (1.0 - e * std::cos(reduced));
+    const double i = std::fmod(elements.i0, kTwoPi);
+    const double x = r * std::cos(u);
+    const double y = r * std::sin(u);
+    // The node drifts with the orbit and the earth turns under it since the week's start, hence
+    // both tk and toa.
+    const double node = std::fmod(elements.omega0 + (elements.omegaDot - kEarthRate) * tk -
+                                      kEarthRate * elements.toaS,
+                                  kTwoPi);
+    const Ecef position{x * std::cos(node) - y * std::cos(i) * std::sin(node),
+                        x * std::sin(node) + y * std::cos(i) * std::cos(node), y * std::sin(i)};
+    if (!std::isfinite(position.x + position.y + position.z)) {
+        return std::nullopt;
+    }
+    return position;
+}
 
 LiteralPlan::LiteralPlan(const CSurveyPlanCalc& calc, const PlanPeriod& period)
     : m_satellites(), m_period(period), m_observer(calc.GetObserver()), m_maskRad(calc.GetElMask()),
@@ -24,7 +69,7 @@ std::optional<SkyDirection> LiteralPlan::Test(int prnIndex, GpsEpoch epoch) cons
     if (!satellite.usable) {
         return std::nullopt;
     }
-    const std::optional<Ecef> position = ReferencePosition(KeplerElements(satellite.record), epoch);
+    const std::optional<Ecef> position = LiteralPosition(KeplerElements(satellite.record), epoch);
     if (!position) {
         return std::nullopt;
     }
@@ -59,7 +104,7 @@ DopValues LiteralPlan::DopAt(GpsEpoch epoch) const
     for (int i = 0; i < kMaxPrn; ++i) {
         if (Test(i, epoch)) {
             const KeplerElements elements(m_satellites[static_cast<std::size_t>(i)].record);
-            visible.push_back(ReferencePosition(elements, epoch).value_or(Ecef{}));
+            visible.push_back(LiteralPosition(elements, epoch).value_or(Ecef{}));
         }
     }
     return ReferenceDop(ToEcef(m_observer), visible);

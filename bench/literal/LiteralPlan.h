@@ -12,6 +12,12 @@
 
 namespace fieldcore::bench {
 
+/// Earth-fixed position, step by step as published: IS-GPS-200, 20.3.3.5.2.1, the equations of
+/// Table 20-IV without the terms that an almanac does not carry. The yardstick of AlmanacOrbit.
+/// @return metres; nothing if the elements are no orbit
+[[nodiscard]] std::optional<Ecef> LiteralPosition(const KeplerElements& elements,
+                                                  GpsEpoch epoch) noexcept;
+
 /// The plan in the plainest way: nothing is kept from one sample, satellite or graph to the next.
 /// A count tests 32 satellites, a dilution counts them and then tests them again, and each test
 /// works out orbit, observer and rotation anew. The yardstick of ObservationPlan, and what the

@@ -20,7 +20,7 @@ double PeriodOf(const NavigationRecord& record)
     return std::floor(record.ReferenceS() / kPeriodS);
 }
 
-/// Of the records of one satellite the one that At() means, healthy or not.
+/// Of the records of one satellite the one that Position() means, healthy or not.
 const NavigationRecord* Nearest(std::span<const NavigationRecord> records, double gpsS)
 {
     const NavigationRecord* nearest = nullptr;
@@ -117,37 +117,43 @@ std::vector<SatelliteId> Constellations::Satellites(SystemSet systems) const
     return satellites;
 }
 
-const NavigationRecord* Constellations::At(SatelliteId satellite, double gpsS) const
-{
-    const NavigationRecord* const nearest = Nearest(RecordsOf(satellite), gpsS);
-    return nearest != nullptr && nearest->IsHealthy() ? nearest : nullptr;
-}
-
 std::optional<Ecef> Constellations::Position(SatelliteId satellite, double gpsS) const
 {
-    const NavigationRecord* const record = At(satellite, gpsS);
-    return record != nullptr ? OrbitMotion(*record).At(gpsS) : std::nullopt;
+    const NavigationRecord* const nearest = Nearest(RecordsOf(satellite), gpsS);
+    return nearest != nullptr && nearest->IsHealthy() ? OrbitMotion(*nearest).At(gpsS)
+                                                      : std::nullopt;
 }
 
-void Constellations::Positions(SatelliteId satellite, std::span<const double> epochs,
-                               std::span<Ecef> positions) const
+Ecef SatelliteMotion::At(double gpsS)
+{
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    const NavigationRecord* const nearest = Nearest(m_records, gpsS);
+    if (nearest != m_current) {
+        m_current = nearest;
+        m_motion.reset();
+        if (nearest->IsHealthy()) {
+            m_motion.emplace(*nearest);
+        }
+    }
+    const std::optional<Ecef> position = m_motion ? m_motion->At(gpsS) : std::nullopt;
+    return position.value_or(Ecef{kNone, kNone, kNone});
+}
+
+void SatelliteMotion::At(std::span<const double> epochs, std::span<Ecef> positions)
 {
     assert(positions.size() >= epochs.size());
-    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-    const std::span<const NavigationRecord> records = RecordsOf(satellite);
-    const NavigationRecord* current = nullptr;
-    std::optional<OrbitMotion> motion;
-    for (std::size_t k = 0; k < epochs.size(); ++k) {
-        const NavigationRecord* const nearest = Nearest(records, epochs[k]);
-        if (nearest != current) {
-            current = nearest;
-            motion.reset();
-            if (nearest->IsHealthy()) {
-                motion.emplace(*nearest);
-            }
-        }
-        const std::optional<Ecef> position = motion ? motion->At(epochs[k]) : std::nullopt;
-        positions[k] = position.value_or(Ecef{kNone, kNone, kNone});
+    // Away from the message to both sides.
+    const NavigationRecord* const near =
+        epochs.empty() ? nullptr : Nearest(m_records, epochs[epochs.size() / 2]);
+    const auto split = near == nullptr
+                           ? epochs.begin()
+                           : std::lower_bound(epochs.begin(), epochs.end(), near->ReferenceS());
+    const auto middle = static_cast<std::size_t>(split - epochs.begin());
+    for (std::size_t k = middle; k < epochs.size(); ++k) {
+        positions[k] = At(epochs[k]);
+    }
+    for (std::size_t k = middle; k-- > 0;) {
+        positions[k] = At(epochs[k]);
     }
 }
 

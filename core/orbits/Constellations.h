@@ -51,25 +51,39 @@ public:
     /// Those of which there is a record, in order.
     [[nodiscard]] std::vector<SatelliteId> Satellites(SystemSet systems) const;
 
-    /// The record by which a satellite moves at an instant: the one that is nearest in time, so the
-    /// newest for all that is to come; of two that are equally near the newer. If that one says
-    /// that the satellite is not to be used, none is taken in its place.
+    /// Where a satellite stands by the record that is nearest in time, so the newest for all that
+    /// is to come; of two that are equally near the newer. If that one says that the satellite is
+    /// not to be used, none is taken in its place.
     /// @param gpsS  seconds of GPS time since 1980-01-06
-    /// @return null if there is none, or it is unhealthy
-    [[nodiscard]] const NavigationRecord* At(SatelliteId satellite, double gpsS) const;
-
     /// @return earth-fixed, metres; nothing if there is no healthy record, or it leads nowhere
     [[nodiscard]] std::optional<Ecef> Position(SatelliteId satellite, double gpsS) const;
-
-    /// Position() at @p epochs, seconds of GPS time, which cost least in order. Allocates nothing.
-    /// @param positions  as many as epochs; not a number where nothing is known
-    void Positions(SatelliteId satellite, std::span<const double> epochs,
-                   std::span<Ecef> positions) const;
 
     [[nodiscard]] SystemState StateOf(GnssSystem system, double gpsS) const;
 
 private:
     std::vector<NavigationRecord> m_records;
+};
+
+/// Constellations::Position() of one satellite, time after time: see OrbitMotion for what costs
+/// least. One thread.
+class SatelliteMotion
+{
+public:
+    /// @param known  must stay as it is meanwhile
+    SatelliteMotion(const Constellations& known, SatelliteId satellite)
+        : m_records(known.RecordsOf(satellite))
+    {}
+
+    /// @return not a number where nothing is known
+    [[nodiscard]] Ecef At(double gpsS);
+    /// The same at @p epochs, in order. Allocates nothing.
+    /// @param positions  as many as epochs
+    void At(std::span<const double> epochs, std::span<Ecef> positions);
+
+private:
+    std::span<const NavigationRecord> m_records;
+    const NavigationRecord* m_current = nullptr; // of m_motion
+    std::optional<OrbitMotion> m_motion;
 };
 
 } // namespace fieldcore

@@ -51,20 +51,26 @@ std::optional<Ecef> PositionOf(const KeplerOrbit& orbit, double gpsS) noexcept
     if (!anomaly) {
         return std::nullopt;
     }
-    const double cosE = std::cos(*anomaly);
-    const double nu = std::atan2(std::sqrt(1.0 - e * e) * std::sin(*anomaly), cosE - e);
-    const double phi = nu + orbit.omega;
+    const double reduced = std::fmod(*anomaly, kTwoPi);
+    const double cosE = std::cos(reduced);
+    double nu = std::atan2(std::sqrt(1.0 - e * e) * std::sin(reduced), cosE - e);
+    if (nu < 0.0) {
+        nu += kTwoPi;
+    }
+    const double phi = std::fmod(nu + orbit.omega, kTwoPi);
     const double sin2 = std::sin(2.0 * phi);
     const double cos2 = std::cos(2.0 * phi);
     const double u = phi + orbit.cus * sin2 + orbit.cuc * cos2;
     const double r = a * (1.0 - e * cosE) + orbit.crs * sin2 + orbit.crc * cos2;
-    const double i = orbit.i0 + orbit.iDot * tk + orbit.cis * sin2 + orbit.cic * cos2;
+    const double i =
+        std::fmod(orbit.i0 + orbit.iDot * tk + orbit.cis * sin2 + orbit.cic * cos2, kTwoPi);
     const double x = r * std::cos(u);
     const double y = r * std::sin(u);
-    // The earth's turn since toe: in the node, or for the tilted frame behind it.
-    const double turned = orbit.earthRate * tk;
-    const double node = orbit.omega0 + orbit.omegaDot * tk - orbit.earthRate * orbit.toeS -
-                        (orbit.isGeostationary ? 0.0 : turned);
+    // The node drifts with the orbit and the earth turns under it since the week's start; in the
+    // tilted frame the turn since toe comes behind.
+    const double earthRate = orbit.isGeostationary ? 0.0 : orbit.earthRate;
+    const double node = std::fmod(
+        orbit.omega0 + (orbit.omegaDot - earthRate) * tk - orbit.earthRate * orbit.toeS, kTwoPi);
     const double cosNode = std::cos(node);
     const double sinNode = std::sin(node);
     Ecef position{x * cosNode - y * std::cos(i) * sinNode, x * sinNode + y * std::cos(i) * cosNode,
@@ -74,6 +80,7 @@ std::optional<Ecef> PositionOf(const KeplerOrbit& orbit, double gpsS) noexcept
         const double sinTilt = std::sin(kGeostationaryTilt);
         const double yTilted = position.y * cosTilt + position.z * sinTilt;
         const double zTilted = -position.y * sinTilt + position.z * cosTilt;
+        const double turned = orbit.earthRate * tk;
         const double cosTurn = std::cos(turned);
         const double sinTurn = std::sin(turned);
         position = {position.x * cosTurn + yTilted * sinTurn,

@@ -18,7 +18,8 @@ struct StateVector
 
 /// The motion of a GLONASS satellite from its state, by integration of its equations: central
 /// gravity, the earth's oblateness, and the rotation of the frame. It goes on from each time to one
-/// farther away from the state, so that times in order cost least. One thread.
+/// farther away from the state, and begins anew with the one that was nearest to it: times in order
+/// cost least, and those of one day little, however old the state. One thread.
 ///
 /// GLONASS ICD, A.3.1.2, with the constants of PZ-90.11; fourth-order Runge-Kutta. The forces of
 /// sun and moon, which the message has for half an hour, are held as they are for that long and
@@ -26,7 +27,7 @@ struct StateVector
 class GlonassMotion
 {
 public:
-    explicit GlonassMotion(const StateVector& state) noexcept : m_state(state) { Restart(); }
+    explicit GlonassMotion(const StateVector& state) noexcept;
 
     /// @param gpsS  seconds of GPS time since 1980-01-06, a year either way of the state at most
     /// @return metres; nothing if it is farther away or the state leads nowhere
@@ -38,14 +39,18 @@ private:
         Ecef position;
         Ecef velocity;
     };
-    void Restart() noexcept;
-    void Step(double seconds) noexcept;
+    struct Mark
+    {
+        double sinceS = 0.0; // since the state
+        Point point;
+    };
+    void Step(Mark& mark, double seconds) const noexcept;
     /// @param share  of the forces of sun and moon, 0 or 1
     [[nodiscard]] Point Slope(const Point& point, double share) const noexcept;
 
     StateVector m_state;
-    double m_sinceS = 0.0; // of m_point, since the state
-    Point m_point;
+    Mark m_nearest; // whole steps from the state, of the times that were asked for
+    Mark m_last;
 };
 
 } // namespace fieldcore

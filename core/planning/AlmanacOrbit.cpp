@@ -41,46 +41,19 @@ KeplerElements::KeplerElements(const AlmanacRecord& record) noexcept
       omega(record.omega * kPi), m0(record.m0 * kPi), week(record.week), toaS(record.toaS)
 {}
 
-double SecondsFromToa(const KeplerElements& elements, GpsEpoch epoch) noexcept
+KeplerOrbit OrbitOf(const KeplerElements& elements) noexcept
 {
-    return CycleCount(epoch.week, epoch.sowS) - CycleCount(elements.week, elements.toaS);
-}
-
-std::optional<Ecef> ReferencePosition(const KeplerElements& elements, GpsEpoch epoch) noexcept
-{
-    if (!IsOrbit(elements)) {
-        return std::nullopt;
-    }
-    const double e = elements.eccentricity;
-    const double a = elements.a;
-    const double tk = SecondsFromToa(elements, epoch);
-    const double n = std::sqrt(kGm / (a * a * a)); // mean motion, rad/s
-    const double m = elements.m0 + n * tk;
-    const std::optional<double> anomaly = EccentricAnomaly(m, e);
-    if (!anomaly) {
-        return std::nullopt;
-    }
-    const double reduced = std::fmod(*anomaly, kTwoPi);
-    double nu = std::atan2(std::sqrt(1.0 - e * e) * std::sin(reduced), std::cos(reduced) - e);
-    if (nu < 0.0) {
-        nu += kTwoPi;
-    }
-    const double u = std::fmod(nu + elements.omega, kTwoPi);
-    const double r = a * (1.0 - e * std::cos(reduced));
-    const double i = std::fmod(elements.i0, kTwoPi);
-    const double x = r * std::cos(u);
-    const double y = r * std::sin(u);
-    // The node drifts with the orbit and the earth turns under it since the week's start, hence
-    // both tk and toa.
-    const double node = std::fmod(elements.omega0 + (elements.omegaDot - kEarthRate) * tk -
-                                      kEarthRate * elements.toaS,
-                                  kTwoPi);
-    const Ecef position{x * std::cos(node) - y * std::cos(i) * std::sin(node),
-                        x * std::sin(node) + y * std::cos(i) * std::cos(node), y * std::sin(i)};
-    if (!std::isfinite(position.x + position.y + position.z)) {
-        return std::nullopt;
-    }
-    return position;
+    KeplerOrbit orbit;
+    orbit.toeS = elements.toaS;
+    orbit.referenceS = CycleCount(elements.week, elements.toaS);
+    orbit.a = elements.a;
+    orbit.eccentricity = elements.eccentricity;
+    orbit.i0 = elements.i0;
+    orbit.omega0 = elements.omega0;
+    orbit.omega = elements.omega;
+    orbit.m0 = elements.m0;
+    orbit.omegaDot = elements.omegaDot;
+    return orbit;
 }
 
 AlmanacOrbit::AlmanacOrbit(const AlmanacRecord& record) noexcept : m_elements(record)
@@ -121,7 +94,7 @@ std::optional<Ecef> AlmanacOrbit::Position(GpsEpoch epoch) const noexcept
 {
     const double countS = CountOf(epoch);
     return IsFast(countS) ? ComputePosition(m_constants, countS)
-                          : ReferencePosition(m_elements, epoch);
+                          : PositionOf(OrbitOf(m_elements), countS);
 }
 
 } // namespace fieldcore

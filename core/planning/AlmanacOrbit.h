@@ -33,21 +33,10 @@ struct KeplerElements
     KeplerElements() = default;
 };
 
-/// Seconds from the reference time to @p epoch. Weeks above 1023 are reduced by 1024, once each,
-/// and compared as they then are: an almanac from another cycle of the 10-bit week count is far
-/// away, and there is no fold into half a week, since a plan may lie weeks away from toa.
-[[nodiscard]] double SecondsFromToa(const KeplerElements& elements, GpsEpoch epoch) noexcept;
-
-/// Earth-fixed position, step by step as published: the yardstick of AlmanacOrbit, which is several
-/// times as fast and turns to it where the two could decide differently.
-///
-/// @return metres; nothing if the elements are no orbit: one is not finite, e is not within
-/// 0 <= e < 1, or Kepler's equation does not settle
-///
-/// IS-GPS-200, 20.3.3.5.2.1: the equations of Table 20-IV without the terms that an almanac does
-/// not carry. Fit for planning, not for positioning.
-[[nodiscard]] std::optional<Ecef> ReferencePosition(const KeplerElements& elements,
-                                                    GpsEpoch epoch) noexcept;
+/// The same orbit as an ephemeris would say it, its reference time as AlmanacOrbit::CountOf()
+/// counts. PositionOf() it is the scalar way of AlmanacOrbit, which is several times as fast and
+/// turns to it where the two could decide differently.
+[[nodiscard]] KeplerOrbit OrbitOf(const KeplerElements& elements) noexcept;
 
 /// What does not change of an orbit, as the vectors of a plan take it. Angles are turns.
 struct OrbitConstants
@@ -65,20 +54,23 @@ struct OrbitConstants
 };
 
 /// Where a satellite is at any time, with what does not change worked out once. Agrees with
-/// ReferencePosition() to some 1e-4 m.
+/// PositionOf() to some 1e-4 m. Fit for planning, not for positioning.
 class AlmanacOrbit
 {
 public:
     AlmanacOrbit() = default;
     explicit AlmanacOrbit(const AlmanacRecord& record) noexcept;
 
-    /// @return metres, earth-fixed; nothing where ReferencePosition() has nothing
+    /// @return metres, earth-fixed; nothing if the elements are no orbit: one is not finite, e is
+    /// not within 0 <= e < 1, or Kepler's equation does not settle
     [[nodiscard]] std::optional<Ecef> Position(GpsEpoch epoch) const noexcept;
 
     [[nodiscard]] const KeplerElements& Elements() const { return m_elements; }
     [[nodiscard]] const OrbitConstants& Constants() const { return m_constants; }
 
-    /// Seconds since the cycle of 10-bit weeks began, with one cycle taken off.
+    /// Seconds since the cycle of 10-bit weeks began. Weeks above 1023 are reduced by 1024, once
+    /// each, and compared as they then are: an almanac from another cycle is far away, and there is
+    /// no fold into half a week, since a plan may lie weeks away from toa.
     [[nodiscard]] static double CountOf(GpsEpoch epoch) noexcept;
     /// @param countS  CountOf() an epoch
     /// @return whether the fast form fits then: for orbits that are nearly circles, years from toa

@@ -8,7 +8,7 @@ namespace fieldcore {
 
 namespace {
 
-/// Nearer to the horizon than this, in radians, the reference form decides.
+/// Nearer to the horizon than this, in radians, the scalar way decides.
 constexpr double kClose = 1.0e-9;
 
 } // namespace
@@ -48,9 +48,10 @@ bool CAlmanacSatellite::Locate(EastNorthUp& local, double& range)
     return true;
 }
 
-bool CAlmanacSatellite::ComputeReference()
+bool CAlmanacSatellite::ComputeExactly()
 {
-    const std::optional<Ecef> position = ReferencePosition(m_orbit.Elements(), m_epoch);
+    const std::optional<Ecef> position =
+        PositionOf(OrbitOf(m_orbit.Elements()), AlmanacOrbit::CountOf(m_epoch));
     if (!position) {
         return false;
     }
@@ -66,9 +67,9 @@ bool CAlmanacSatellite::Compute()
     if (!Locate(local, range)) {
         return false;
     }
-    // Written so that what is not a number goes to the reference, too.
+    // Written so that what is not a number goes there, too.
     if (!(std::abs(m_direction.elevationRad) > kClose)) {
-        return ComputeReference();
+        return ComputeExactly();
     }
     return m_direction.elevationRad > 0.0;
 }
@@ -81,7 +82,7 @@ bool CAlmanacSatellite::TestVisibility(const SkyLimits& limits)
     if (visible) {
         const SkyLimits::Verdict verdict = limits.Judge(local);
         visible = verdict == SkyLimits::Verdict::Visible ||
-                  (verdict == SkyLimits::Verdict::TooClose && ComputeReference() &&
+                  (verdict == SkyLimits::Verdict::TooClose && ComputeExactly() &&
                    limits.Pass(m_direction));
     }
     m_visible = visible ? 1 : 0;

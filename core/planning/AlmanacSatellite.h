@@ -59,7 +59,7 @@ public:
 
 private:
     bool Locate(EastNorthUp& local, double& range);
-    bool ComputeReference();
+    bool ComputeExactly();
 
     int m_loaded = 0;
     int m_use = 1;

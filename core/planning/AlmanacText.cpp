@@ -1,7 +1,5 @@
 #include "core/planning/AlmanacText.h"
 
-#include "core/planning/SemAlmanac.h"
-#include "core/planning/YumaAlmanac.h"
 #include "core/platform/TextLines.h"
 #include "core/platform/WholeFile.h"
 

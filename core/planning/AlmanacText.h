@@ -55,4 +55,9 @@ struct AlmanacWeek
 [[nodiscard]] AlmanacText LoadAlmanacText(const std::filesystem::path& file,
                                           const AlmanacWeek& week);
 
+// One kind each, as ParseAlmanacText() says of it; the week of a record is that of the text. After
+// an error the satellites before it are there.
+[[nodiscard]] AlmanacText ParseSem(std::string_view text);
+[[nodiscard]] AlmanacText ParseYuma(std::string_view text);
+
 } // namespace fieldcore

@@ -26,12 +26,4 @@ std::optional<year_month_day> CalendarDateOfJulian(double julianDate) noexcept
     return year_month_day(sys_days(days(static_cast<days::rep>(day))));
 }
 
-std::optional<double> JulianOfCalendarDate(year_month_day date) noexcept
-{
-    if (!date.ok()) {
-        return std::nullopt;
-    }
-    return static_cast<double>(sys_days(date).time_since_epoch().count()) + kUnixEpochJulianDate;
-}
-
 } // namespace fieldcore

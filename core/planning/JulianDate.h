@@ -17,8 +17,4 @@ inline constexpr double kGpsEpochJulianDate = 2444244.5;
 [[nodiscard]] std::optional<std::chrono::year_month_day>
 CalendarDateOfJulian(double julianDate) noexcept;
 
-/// Julian date of the midnight with which @p date begins.
-/// @return nothing if there is no such date
-[[nodiscard]] std::optional<double> JulianOfCalendarDate(std::chrono::year_month_day date) noexcept;
-
 } // namespace fieldcore

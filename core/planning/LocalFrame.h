@@ -28,7 +28,7 @@ struct SkyDirection
 [[nodiscard]] Ecef ToEcef(const Observer& observer) noexcept;
 
 /// SkyDirection of @p satellite by a 4 x 4 homogeneous transformation, step by step as published:
-/// the yardstick of LocalFrame.
+/// what decides where LocalFrame comes too close to a limit.
 /// @return nothing if both stand in the same place
 [[nodiscard]] std::optional<SkyDirection> ReferenceDirection(const Observer& observer,
                                                              const Ecef& satellite) noexcept;

@@ -1,5 +1,6 @@
 #include "core/planning/NominalConstellation.h"
 
+#include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacOrbit.h"
 #include "core/platform/Calendar.h"
 
@@ -94,6 +95,49 @@ std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now)
     const std::int64_t inWeek = (since % weeks(1)).count() / kStepS * kStepS;
     return NominalConstellation(kNominalSatellites, static_cast<int>(since / weeks(1)),
                                 static_cast<std::uint32_t>(inWeek));
+}
+
+std::vector<NavigationRecord> NominalMessages(double gpsS)
+{
+    struct Kind
+    {
+        GnssSystem system;
+        int satellites;
+        double a, i0;
+    };
+    constexpr Kind kKinds[] = {{GnssSystem::Gps, 32, 2.656e7, 0.96},
+                               {GnssSystem::Glonass, 24, 2.551e7, 1.13},
+                               {GnssSystem::Galileo, 27, 2.96e7, 0.98},
+                               {GnssSystem::BeiDou, 43, 2.79e7, 0.96},
+                               {GnssSystem::Qzss, 4, 4.216e7, 0.71}};
+    std::vector<NavigationRecord> records;
+    for (const Kind& kind : kKinds) {
+        for (int number = 1; number <= kind.satellites; ++number) {
+            NavigationRecord record;
+            record.satellite = {kind.system, static_cast<std::uint8_t>(number)};
+            record.systemS = SystemSeconds(kind.system, gpsS);
+            KeplerOrbit orbit;
+            SetEarthOf(kind.system, orbit);
+            orbit.referenceS = gpsS;
+            orbit.toeS = std::fmod(record.systemS, kWeekS);
+            orbit.a = kind.a;
+            orbit.eccentricity = 0.01;
+            orbit.i0 = kind.i0;
+            orbit.omega0 = (number % 3 - 1) * 2.1;
+            orbit.m0 = std::remainder(number * 2.4, 2.0 * std::numbers::pi);
+            orbit.cuc = orbit.cus = orbit.cic = orbit.cis = 1e-6;
+            orbit.crc = orbit.crs = 100.0;
+            record.orbit = orbit;
+            if (kind.system == GnssSystem::Glonass) {
+                const Ecef at = PositionOf(orbit, gpsS).value_or(Ecef{});
+                const Ecef next = PositionOf(orbit, gpsS + 1.0).value_or(Ecef{});
+                const Ecef velocity{next.x - at.x, next.y - at.y, next.z - at.z};
+                record.orbit = StateVector{gpsS, at, velocity, {}};
+            }
+            records.push_back(record);
+        }
+    }
+    return records;
 }
 
 } // namespace fieldcore

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/orbits/NavigationRecord.h"
 #include "core/planning/AlmanacRecord.h"
 #include "core/platform/Clock.h"
 
@@ -44,5 +45,11 @@ inline constexpr int kNominalSatellites = 31;
 
 /// The nominal almanac of a day: all satellites, with the last reference time before @p now.
 [[nodiscard]] std::vector<AlmanacRecord> NominalAlmanac(Clock::UtcTime now);
+
+/// Messages of 130 satellites: 32 GPS, 24 GLONASS, 27 Galileo, 43 BeiDou and 4 QZSS, on orbits of
+/// their kind and spread over the sky. For pictures and measurements; where a real satellite is
+/// they do not say.
+/// @param gpsS  their reference time, seconds of GPS time
+[[nodiscard]] std::vector<NavigationRecord> NominalMessages(double gpsS);
 
 } // namespace fieldcore

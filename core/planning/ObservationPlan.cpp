@@ -86,23 +86,14 @@ void ObservationPlan::PlaceSky()
     for (int k = 0; k <= m_division; ++k) {
         epochs.push_back(GpsSecondsOfUtc(m_period.UtcAfter(k)));
     }
-    m_planned = WithAlmanac(m_known, m_calc, epochs.front());
-    m_satellites = PlannedSatellites(m_planned, m_systems, m_calc);
-    m_sky.Place(m_planned, m_satellites, epochs);
-    m_instant.reset();
+    Constellations known = WithAlmanac(m_known, m_calc, epochs.front());
+    m_satellites = PlannedSatellites(known, m_systems, m_calc);
+    m_sky.Place(std::move(known), m_satellites, epochs);
 }
 
 std::span<const Ecef> ObservationPlan::PositionsAt(std::chrono::seconds sinceStart) const
 {
-    if (m_instant != sinceStart) {
-        const std::array gpsS{GpsSecondsOfUtc(m_computed.UtcAfter(0) + sinceStart)};
-        m_positions.resize(m_satellites.size());
-        for (std::size_t k = 0; k < m_satellites.size(); ++k) {
-            m_planned.Positions(m_satellites[k], gpsS, std::span(m_positions).subspan(k, 1));
-        }
-        m_instant = sinceStart;
-    }
-    return m_positions;
+    return m_sky.PositionsAt(GpsSecondsOfUtc(m_computed.UtcAfter(0) + sinceStart));
 }
 
 void ObservationPlan::ComputeView()

@@ -147,10 +147,7 @@ private:
     Constellations m_known;
     SystemSet m_systems = SystemSetOf(GnssSystem::Gps);
     bool m_clockPerSystem = false;
-    SkyPlan m_sky; // with more than GPS, from m_planned
-    Constellations m_planned;
-    mutable std::optional<std::chrono::seconds> m_instant; // of m_positions
-    mutable std::vector<Ecef> m_positions;
+    SkyPlan m_sky;                // with more than GPS
     bool m_isSkyComputed = false; // the series are m_sky's
     std::vector<SatelliteId> m_satellites;
     PlanPeriod m_period;

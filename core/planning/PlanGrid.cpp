@@ -34,7 +34,7 @@ SkyDirections::SkyDirections(std::size_t satellites, std::size_t epochs)
     : m_stride(BlocksFor(epochs)), m_blocks(satellites * m_stride)
 {}
 
-/// Positions and directions step by step as published decide where rounding could.
+/// Positions and directions by the scalar way decide where rounding could.
 class PlanGrid::ExactForm final : public LimitJudge
 {
 public:
@@ -64,7 +64,7 @@ private:
 };
 
 PlanGrid::PlanGrid(std::size_t satellites, std::size_t epochs)
-    : m_stride(BlocksFor(epochs)), m_epochs(epochs), m_counts(m_stride * kBlockEpochs),
+    : m_stride(BlocksFor(epochs)), m_counts(m_stride * kBlockEpochs),
       m_positions(std::min(satellites, kMostSlots) * m_stride),
       m_used((std::min(satellites, kMostSlots) + kWordBits - 1) / kWordBits),
       m_elements(std::min(satellites, kMostSlots))
@@ -72,14 +72,13 @@ PlanGrid::PlanGrid(std::size_t satellites, std::size_t epochs)
 
 void PlanGrid::Begin(std::span<const GpsEpoch> epochs)
 {
-    m_epochCount = std::min(epochs.size(), m_epochs.size());
-    std::copy_n(epochs.begin(), m_epochCount, m_epochs.begin());
+    m_epochCount = std::min(epochs.size(), m_counts.size());
     std::fill(m_used.begin(), m_used.end(), 0);
     if (m_epochCount == 0) {
         return;
     }
     for (std::size_t k = 0; k < m_counts.size(); ++k) {
-        m_counts[k] = AlmanacOrbit::CountOf(m_epochs[std::min(k, m_epochCount - 1)]);
+        m_counts[k] = AlmanacOrbit::CountOf(epochs[std::min(k, m_epochCount - 1)]);
     }
     const auto [first, last] = std::minmax_element(m_counts.begin(), m_counts.end());
     m_firstCount = *first;
@@ -121,7 +120,7 @@ void PlanGrid::Set(std::size_t slot, std::span<const Ecef> positions)
 std::optional<Ecef> PlanGrid::ExactPosition(std::size_t slot, std::size_t epoch) const
 {
     if (m_elements[slot]) {
-        return ReferencePosition(*m_elements[slot], m_epochs[epoch]);
+        return PositionOf(OrbitOf(*m_elements[slot]), m_counts[epoch]);
     }
     const PositionBlock& block = m_positions[slot * m_stride + epoch / kBlockEpochs];
     const std::size_t at = epoch % kBlockEpochs;

@@ -81,7 +81,6 @@ private:
 
     std::size_t m_stride; // blocks from slot to slot
     std::size_t m_epochCount = 0;
-    std::vector<GpsEpoch> m_epochs;
     std::vector<double> m_counts; // AlmanacOrbit::CountOf() them; whole blocks
     double m_firstCount = 0.0;
     double m_lastCount = 0.0;

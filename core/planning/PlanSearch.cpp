@@ -141,7 +141,7 @@ void PlanSearch::Place(std::size_t slot)
         m_grid.Set(slot, *orbit);
         return;
     }
-    m_known.Positions(std::get<SatelliteId>(m_slots[slot]), m_gpsS, m_positions);
+    SatelliteMotion(m_known, std::get<SatelliteId>(m_slots[slot])).At(m_gpsS, m_positions);
     m_grid.Set(slot, m_positions);
 }
 

@@ -196,6 +196,13 @@ void PlanSession::SetMask(int maskDeg)
     m_settings.elMaskDeg = Fitted(settings).elMaskDeg;
 }
 
+void PlanSession::SetSearch(const SearchChoice& choice)
+{
+    PlanSettings settings = m_settings;
+    settings.search = choice;
+    m_settings.search = Fitted(settings).search;
+}
+
 void PlanSession::SetDate(std::chrono::year_month_day date)
 {
     if (date.ok()) {

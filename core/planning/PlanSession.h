@@ -39,7 +39,6 @@ public:
     /// Loads the almanac and, if that has not been done, the curtain, and computes.
     /// @return what to tell the user about the almanac: it cannot be read, or is too old
     AlmanacMessage ReloadAlmanac();
-    [[nodiscard]] bool HasAlmanac() const { return m_hasAlmanac; }
     /// Whether there is what a plan is made from: an almanac, or other systems.
     [[nodiscard]] bool CanPlan() const { return m_hasAlmanac || !m_plan.IsGpsAlone(); }
     /// Receives the almanac from the receiver, replaces the one in the folder, and goes on with
@@ -83,6 +82,9 @@ public:
     [[nodiscard]] const WindowLimits& Limits() const { return m_settings.limits; }
     /// @param limits  brought into their ranges
     void SetLimits(const WindowLimits& limits) { m_settings.limits = Fitted(limits); }
+
+    /// @param choice  brought into its ranges
+    void SetSearch(const SearchChoice& choice);
 
     /// @param systems  that count together; without any GPS does
     void SetSystems(SystemSet systems);

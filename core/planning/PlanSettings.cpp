@@ -1,5 +1,6 @@
 #include "core/planning/PlanSettings.h"
 
+#include "core/planning/PlanSearch.h"
 #include "core/platform/SettingsStore.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ namespace {
 constexpr const wchar_t* kKey = L"GPS\\SurveyPlan";
 constexpr const wchar_t* kPosition = L"Position";
 constexpr const wchar_t* kConditions = L"GPS\\SurveyPlan\\Conditions";
+constexpr const wchar_t* kSearch = L"GPS\\SurveyPlan\\Search";
 constexpr const wchar_t* kFewest = L"MinSatellites";
 constexpr const wchar_t* kPdop = L"MaxPdop"; // hundredths
 constexpr const wchar_t* kMinutes = L"MinMinutes";
@@ -26,19 +28,28 @@ constexpr double kHundredths = 100.0;
 
 struct NumberSetting
 {
+    const wchar_t* key;
     const wchar_t* name;
-    int PlanSettings::*member;
+    int& (*of)(PlanSettings&);
 };
 
-constexpr std::array kNumbers{
-    NumberSetting{L"ElMask", &PlanSettings::elMaskDeg},
-    NumberSetting{L"StartTime", &PlanSettings::startHour},
-    NumberSetting{L"DispTime", &PlanSettings::hours},
-    NumberSetting{L"DrawType", &PlanSettings::drawType},
-    NumberSetting{L"ListCoord", &PlanSettings::listCoord},
-    NumberSetting{L"PositionNo", &PlanSettings::positionNo},
-    NumberSetting{L"PositionID", &PlanSettings::positionId},
-};
+constexpr std::array<NumberSetting, 10> kNumbers{{
+    {kKey, L"ElMask", [](PlanSettings& s) -> int& { return s.elMaskDeg; }},
+    {kKey, L"StartTime", [](PlanSettings& s) -> int& { return s.startHour; }},
+    {kKey, L"DispTime", [](PlanSettings& s) -> int& { return s.hours; }},
+    {kKey, L"DrawType", [](PlanSettings& s) -> int& { return s.drawType; }},
+    {kKey, L"ListCoord", [](PlanSettings& s) -> int& { return s.listCoord; }},
+    {kKey, L"PositionNo", [](PlanSettings& s) -> int& { return s.positionNo; }},
+    {kKey, L"PositionID", [](PlanSettings& s) -> int& { return s.positionId; }},
+    {kSearch, L"Days", [](PlanSettings& s) -> int& { return s.search.days; }},
+    {kSearch, L"StartTime", [](PlanSettings& s) -> int& { return s.search.startHour; }},
+    {kSearch, L"Hours", [](PlanSettings& s) -> int& { return s.search.hours; }},
+}};
+
+std::wstring SiteName(std::size_t k)
+{
+    return L"Site" + std::to_wstring(k);
+}
 
 } // namespace
 
@@ -47,6 +58,10 @@ PlanSettings Fitted(PlanSettings settings)
     settings.elMaskDeg = std::clamp(settings.elMaskDeg, 0, 90);
     settings.startHour = std::clamp(settings.startHour, 0, 23);
     settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
+    SearchChoice& search = settings.search;
+    search.days = std::clamp(search.days, 1, SearchHours::kMostDays);
+    search.startHour = std::clamp(search.startHour, 0, 23);
+    search.hours = std::clamp(search.hours, 1, 24);
     settings.limits = Fitted(settings.limits);
     settings.switchedOff = settings.switchedOff == kAllSatellites ? 0 : settings.switchedOff;
     settings.systems = settings.systems.none() ? PlanSettings().systems : settings.systems;
@@ -69,9 +84,17 @@ PlanSettings LoadPlanSettings(const CReg& reg)
     PlanSettings settings;
     for (const NumberSetting& number : kNumbers) {
         std::uint32_t value = 0;
-        int& member = settings.*number.member;
-        reg.ReadNumber(kKey, number.name, value, static_cast<std::uint32_t>(member));
+        int& member = number.of(settings);
+        reg.ReadNumber(number.key, number.name, value, static_cast<std::uint32_t>(member));
         member = static_cast<int>(value);
+    }
+    std::wstring site;
+    for (std::size_t k = 0; k < PlanSearch::kMostSites; ++k) {
+        reg.ReadString(kSearch, SiteName(k).c_str(), site, L"");
+        if (site.empty()) {
+            break;
+        }
+        settings.search.sites.push_back(site);
     }
     const std::wstring defaultPosition = settings.position;
     reg.ReadString(kKey, kPosition, settings.position, defaultPosition);
@@ -96,9 +119,16 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
 {
     SettingsBatch batch(reg.Store());
     bool stored = batch.IsOpen();
+    PlanSettings copy = settings;
     for (const NumberSetting& number : kNumbers) {
-        const auto value = static_cast<std::uint32_t>(settings.*number.member);
-        stored = stored && reg.WriteNumber(kKey, number.name, value) == 1;
+        const auto value = static_cast<std::uint32_t>(number.of(copy));
+        stored = stored && reg.WriteNumber(number.key, number.name, value) == 1;
+    }
+    std::vector<std::wstring>& sites = copy.search.sites;
+    sites.resize(std::min(sites.size(), PlanSearch::kMostSites));
+    sites.emplace_back(); // the end
+    for (std::size_t k = 0; k < sites.size(); ++k) {
+        stored = stored && reg.WriteString(kSearch, SiteName(k).c_str(), sites[k]) == 1;
     }
     stored = stored && reg.WriteString(kKey, kPosition, settings.position) == 1;
     const WindowLimits& limits = settings.limits;

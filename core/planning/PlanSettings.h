@@ -6,8 +6,21 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace fieldcore {
+
+/// What was last searched for, to be offered again: the search of days, and its sites for a
+/// session, too. It is kept in the key "Search" below that of the plan.
+struct SearchChoice
+{
+    int days = 14;                   ///< 1 to SearchHours::kMostDays
+    int startHour = 8;               ///< 0 to 23, Japan Standard Time
+    int hours = 10;                  ///< 1 to 24
+    std::vector<std::wstring> sites; ///< of the site list; none: the plan's own
+
+    friend bool operator==(const SearchChoice&, const SearchChoice&) = default;
+};
 
 /// What the observation plan remembers between its runs, as it is for a user who has never chosen
 /// anything. It is kept in the key "GPS\SurveyPlan" below the library's own; what makes a good
@@ -26,11 +39,12 @@ struct PlanSettings
     std::uint32_t switchedOff = 0; ///< satellites that do not count: bit k is PRN k + 1; never all
     SystemSet systems = SystemSetOf(GnssSystem::Gps); ///< that count together; never none
     bool clockPerSystem = false;                      ///< as of ObservationPlan::SetSystems()
+    SearchChoice search = {};
 
     friend bool operator==(const PlanSettings&, const PlanSettings&) = default;
 };
 
-/// @p settings with mask, period and limits brought into their ranges, with all satellites if all
+/// @p settings with mask, hours and limits brought into their ranges, with all satellites if all
 /// are switched off, and with GPS if there is no system.
 [[nodiscard]] PlanSettings Fitted(PlanSettings settings);
 

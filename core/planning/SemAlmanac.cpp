@@ -1,4 +1,4 @@
-#include "core/planning/SemAlmanac.h"
+#include "core/planning/AlmanacText.h"
 
 #include "core/planning/AlmanacRanges.h"
 #include "core/platform/TextLines.h"

@@ -39,6 +39,18 @@ std::optional<SiteSky> SkyOfSite(const PlanSession& session, const std::wstring&
     return sky;
 }
 
+std::vector<SiteSky> SkiesOfSites(const PlanSession& session, std::span<const std::wstring> names)
+{
+    std::vector<SiteSky> sites;
+    for (const std::wstring& name : names) {
+        if (std::optional<SiteSky> site = SkyOfSite(session, name);
+            site && sites.size() < PlanSearch::kMostSites) {
+            sites.push_back(*std::move(site));
+        }
+    }
+    return sites;
+}
+
 std::error_code KeepSiteCurtain(const std::filesystem::path& folder, const std::wstring& name,
                                 const ObstructionCurtain& curtain)
 {

@@ -35,6 +35,10 @@ struct SiteSky
 [[nodiscard]] std::optional<SiteSky> SkyOfSite(const PlanSession& session,
                                                const std::wstring& name);
 
+/// Those of @p names, PlanSearch::kMostSites at most; without those that lack coordinates.
+[[nodiscard]] std::vector<SiteSky> SkiesOfSites(const PlanSession& session,
+                                                std::span<const std::wstring> names);
+
 /// Keeps @p curtain as the site's own, whole or not at all; where it hides nothing, too: the sky is
 /// then known to be open.
 [[nodiscard]] std::error_code KeepSiteCurtain(const std::filesystem::path& folder,

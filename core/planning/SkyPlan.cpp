@@ -35,16 +35,8 @@ std::optional<NavigationRecord> MessageOf(const AlmanacRecord& almanac, double g
         elements.week >= kWeekCycle
             ? 0.0
             : std::max(0.0, std::round((gpsS / kWeekS - elements.week) / kWeekCycle));
-    KeplerOrbit orbit;
-    orbit.toeS = elements.toaS;
+    KeplerOrbit orbit = OrbitOf(elements);
     orbit.referenceS = (elements.week + cycles * kWeekCycle) * kWeekS + elements.toaS;
-    orbit.a = elements.a;
-    orbit.eccentricity = elements.eccentricity;
-    orbit.i0 = elements.i0;
-    orbit.omega0 = elements.omega0;
-    orbit.omega = elements.omega;
-    orbit.m0 = elements.m0;
-    orbit.omegaDot = elements.omegaDot;
     NavigationRecord record;
     record.satellite = *satellite;
     record.systemS = orbit.referenceS;
@@ -143,9 +135,10 @@ DopValues DilutionOf(std::span<const Ecef> directions, std::span<const std::size
     return {std::sqrt(position), std::sqrt(position + time), std::sqrt(time)};
 }
 
-void SkyPlan::Place(const Constellations& known, std::vector<SatelliteId> satellites,
+void SkyPlan::Place(Constellations known, std::vector<SatelliteId> satellites,
                     std::span<const double> epochs)
 {
+    m_known = std::move(known);
     m_satellites = std::move(satellites);
     if (m_grid.SlotCount() != m_satellites.size() || m_positions.size() != epochs.size()) {
         m_grid = PlanGrid(m_satellites.size(), epochs.size());
@@ -154,8 +147,10 @@ void SkyPlan::Place(const Constellations& known, std::vector<SatelliteId> satell
         m_visible.resize(m_grid.Words() * epochs.size());
     }
     m_grid.Begin(std::vector<GpsEpoch>(epochs.size())); // which only orbits of an almanac ask for
+    m_instantS.reset();
+    m_motions.clear();
     for (std::size_t slot = 0; slot < m_grid.SlotCount(); ++slot) {
-        known.Positions(m_satellites[slot], epochs, m_positions);
+        m_motions.emplace_back(m_known, m_satellites[slot]).At(epochs, m_positions);
         m_grid.Set(slot, m_positions);
     }
 }
@@ -187,6 +182,18 @@ std::optional<SkyDirection> SkyPlan::DirectionAt(std::size_t satellite, std::siz
         return std::nullopt;
     }
     return m_directions.At(satellite, epoch);
+}
+
+std::span<const Ecef> SkyPlan::PositionsAt(double gpsS) const
+{
+    if (m_instantS != gpsS) {
+        m_places.clear();
+        for (SatelliteMotion& motion : m_motions) {
+            m_places.push_back(motion.At(gpsS));
+        }
+        m_instantS = gpsS;
+    }
+    return m_places;
 }
 
 } // namespace fieldcore

@@ -49,9 +49,13 @@ PlannedSatellites(const Constellations& known, SystemSet systems, const CSurveyP
 class SkyPlan
 {
 public:
+    SkyPlan() = default;
+    SkyPlan(SkyPlan&&) = default; // no copies: the motions refer to what is known
+    SkyPlan& operator=(SkyPlan&&) = default;
+
     /// Where the satellites are; View() is then due.
     /// @param epochs  seconds of GPS time
-    void Place(const Constellations& known, std::vector<SatelliteId> satellites,
+    void Place(Constellations known, std::vector<SatelliteId> satellites,
                std::span<const double> epochs);
     /// @param counts  of each epoch; so are @p dops
     void View(const LocalFrame& frame, const SkyLimits& limits, bool clockPerSystem,
@@ -62,9 +66,17 @@ public:
     /// @return nothing unless it is visible; azimuth 0 to 2 pi
     [[nodiscard]] std::optional<SkyDirection> DirectionAt(std::size_t satellite,
                                                           std::size_t epoch) const;
+    /// Where the satellites are at a time near the epochs, earth-fixed, metres; not a number where
+    /// that is not known. It stays until another time is asked for.
+    /// @param gpsS  seconds of GPS time
+    [[nodiscard]] std::span<const Ecef> PositionsAt(double gpsS) const;
 
 private:
+    Constellations m_known;
     std::vector<SatelliteId> m_satellites;
+    mutable std::vector<SatelliteMotion> m_motions;
+    mutable std::optional<double> m_instantS; // of the places
+    mutable std::vector<Ecef> m_places;
     std::vector<Ecef> m_positions;
     PlanGrid m_grid{0, 0};
     SkyDirections m_directions{0, 0};

@@ -147,8 +147,9 @@ DopValues CSurveyPlanCalc::ComputeDop()
     std::size_t count = 0;
     for (const CAlmanacSatellite& satellite : m_satellites) {
         if (satellite.IsVisible() != 0) {
-            positions[count++] = ReferencePosition(satellite.GetOrbit().Elements(), m_epoch)
-                                     .value_or(satellite.GetPosition());
+            positions[count++] =
+                PositionOf(OrbitOf(satellite.GetOrbit().Elements()), AlmanacOrbit::CountOf(m_epoch))
+                    .value_or(satellite.GetPosition());
         }
     }
     return ReferenceDop(m_frame.Origin(), std::span(positions).first(count));

@@ -2,11 +2,20 @@
 
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/UiText.h"
 
 #include <QPainter>
 #include <QStyleOptionButton>
 
 namespace fieldcore {
+
+QPushButton* MakeRowButton(int textId)
+{
+    auto* const button = new QPushButton(UiText(textId));
+    button->setMinimumSize(12 * TouchStyle::kGrid, 6 * TouchStyle::kGrid);
+    button->setAutoDefault(false);
+    return button;
+}
 
 ChoiceButton::ChoiceButton(QWidget* parent) : QPushButton(parent)
 {

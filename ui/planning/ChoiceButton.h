@@ -4,6 +4,9 @@
 
 namespace fieldcore {
 
+/// A button of a dialog's row, large enough for a glove. Enter does not press it.
+[[nodiscard]] QPushButton* MakeRowButton(int textId);
+
 /// One of several choices: the one that is chosen stands out in the accent colour, as seen in the
 /// sun; in that of attention where something is wrong with it. User-interface thread only.
 class ChoiceButton : public QPushButton

@@ -4,17 +4,14 @@
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanSession.h"
-#include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/NToolBar.h"
-#include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/CurtainView.h"
 #include "ui/planning/PlanExport.h"
 #include "ui/planning/TextErrorText.h"
 
-#include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -28,8 +25,6 @@
 namespace fieldcore {
 
 namespace {
-
-constexpr int kGrid = TouchStyle::kGrid;
 
 double Hours(std::chrono::seconds time)
 {
@@ -257,17 +252,11 @@ void CurtainEditor::Import()
 
 void CurtainEditor::Export()
 {
-    const QString name = UiText(text::kCurtainFile) + QStringLiteral(".txt");
-    const std::filesystem::path file = m_surroundings.chooseFile(
-        this, true, m_surroundings.documents / QFile::encodeName(name).toStdString(),
-        UiText(text::kCurtainExport) + QStringLiteral(" (*.txt)"));
-    if (file.empty()) {
-        return;
-    }
-    static_cast<void>(Folders::Create(file.parent_path())); // else saving says what is wrong
-    if (const std::error_code error = SaveCurtainText(file, m_edit.Curtain())) {
-        CMesBox(m_host).Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
-    }
+    static_cast<void>(m_surroundings.Save(this, m_host, text::kCurtainExport,
+                                          UiText(text::kCurtainFile), QStringLiteral(".txt"),
+                                          [this](const std::filesystem::path& file) {
+                                              return SaveCurtainText(file, m_edit.Curtain());
+                                          }));
 }
 
 bool CurtainEditor::OnClose(int result)

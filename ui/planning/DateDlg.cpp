@@ -5,6 +5,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/ChoiceButton.h"
 
 #include <QCalendarWidget>
 #include <QEvent>
@@ -24,15 +25,6 @@ QDate ToQDate(std::chrono::year_month_day date)
 {
     return {static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
             static_cast<int>(static_cast<unsigned>(date.day()))};
-}
-
-QPushButton* AddButton(QHBoxLayout& row, int textId)
-{
-    auto* const button = new QPushButton(UiText(textId));
-    button->setMinimumSize(12 * kGrid, 6 * kGrid);
-    button->setAutoDefault(false);
-    row.addWidget(button);
-    return button;
 }
 
 /// The buttons of the calendar's own are small and drawn for another style.
@@ -102,10 +94,13 @@ DateDlg::DateDlg(std::chrono::year_month_day date, std::chrono::year_month_day t
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(m_calendar, 1);
     auto* const row = new QHBoxLayout;
-    QPushButton* const now = AddButton(*row, text::kPlanToday);
+    QPushButton* const now = MakeRowButton(text::kPlanToday);
+    QPushButton* const cancel = MakeRowButton(text::kButtonCancel);
+    QPushButton* const ok = MakeRowButton(text::kButtonOk);
+    row->addWidget(now);
     row->addStretch(1);
-    QPushButton* const cancel = AddButton(*row, text::kButtonCancel);
-    QPushButton* const ok = AddButton(*row, text::kButtonOk);
+    row->addWidget(cancel);
+    row->addWidget(ok);
     ok->setDefault(true);
     layout->addLayout(row);
     connect(now, &QPushButton::clicked, this,

@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kMinutesOfDay = 24 * 60;
 constexpr int kJapanAheadMin = 9 * 60;
+constexpr double kDayS = 86400.0;
 
 /// @param minutes  of the day; others are taken to the day they belong to
 QString ClockText(int minutes)
@@ -111,41 +112,50 @@ QString SystemsText(const ObservationPlan& plan)
         .arg(names.join(QLatin1Char('+')));
 }
 
-bool IsStale(const ObservationPlan& plan, GnssSystem system)
+SystemState StateOf(const ObservationPlan& plan, GnssSystem system)
 {
-    return system == GnssSystem::Gps && plan.IsGpsAlone() ? StateOfAlmanac(plan).isOld
-                                                          : plan.StateOf(system).isStale;
+    SystemState state = plan.StateOf(system);
+    if (system == GnssSystem::Gps && plan.IsGpsAlone()) {
+        const AlmanacState almanac = StateOfAlmanac(plan);
+        state.satellites = almanac.satellites;
+        state.healthy = almanac.healthy;
+        state.ageS = std::abs(almanac.ageDays) * kDayS;
+        state.isStale = almanac.isOld;
+    }
+    return state;
 }
 
 QString AgeText(const SystemState& state)
 {
     constexpr double kHourS = 3600.0;
-    constexpr double kDayS = 24.0 * kHourS;
     return state.ageS < kDayS ? UiText(text::kSystemHoursOld).arg(std::lround(state.ageS / kHourS))
                               : UiText(text::kSystemDaysOld).arg(std::lround(state.ageS / kDayS));
 }
 
 QString MessageAgesText(const ObservationPlan& plan)
 {
+    QStringList words;
     QStringList ages;
-    SystemState oldest;
     for (std::size_t k = 0; k < kGnssSystems; ++k) {
         const auto system = static_cast<GnssSystem>(k);
         if (!plan.Systems().test(k)) {
             continue;
         }
         const SystemState state = plan.StateOf(system);
-        oldest = state.ageS > oldest.ageS ? state : oldest;
         if (state.satellites == 0) {
-            ages += UiText(text::kSystemUnknownOrbit).arg(SystemText(system));
+            words += UiText(text::kSystemUnknownOrbit).arg(SystemText(system));
+            ages += QString();
         } else if (state.isStale) {
-            ages += UiText(text::kSystemStaleOrbit).arg(SystemText(system), AgeText(state));
+            words += UiText(text::kSystemStaleOrbit).arg(SystemText(system), AgeText(state));
+            ages += QString();
+        } else {
+            words += SystemText(system) + QLatin1Char(' ') + AgeText(state);
+            ages += AgeText(state);
         }
     }
-    if (ages.isEmpty()) {
-        ages += AgeText(oldest);
-    }
-    return UiText(text::kSystemOrbit).arg(ages.join(UiText(text::kPlanListSeparator)));
+    const bool isOneForAll = ages.removeDuplicates() >= 0 && ages.size() == 1 && !ages[0].isEmpty();
+    return UiText(text::kSystemOrbit)
+        .arg(isOneForAll ? ages[0] : words.join(UiText(text::kPlanListSeparator)));
 }
 
 QString DateText(std::chrono::sys_seconds time)
@@ -183,12 +193,16 @@ QStringList PlanCaption(const PlanDrawing& drawing)
     const CSurveyPlanCalc& calc = drawing.plan->Calc();
     const AlmanacState almanac = StateOfAlmanac(*drawing.plan);
     const std::wstring date = DateText(almanac.time).toStdWString();
-    QStringList caption{
-        ToQt(drawing.site),
-        drawing.isPlaceKnown ? ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM))
-                             : UiText(text::kSheetPlace) + QStringLiteral(" --"),
-        PlanDateText(drawing), ToQt(FormatText(text::kPlotMask, drawing.maskDeg)),
-        UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain)};
+    const QString height = drawing.isPlaceKnown
+                               ? ToQt(FormatText(text::kPlotHeight, calc.GetObserver().heightM))
+                               : UiText(text::kSheetPlace) + QStringLiteral(" --");
+    const QString mask = ToQt(FormatText(text::kPlotMask, drawing.maskDeg));
+    const QString curtain =
+        UiText(HasObstruction(calc.GetCurtain()) ? text::kPlotWithCurtain : text::kPlotNoCurtain);
+    if (drawing.hasHeader) {
+        return {height, mask, curtain};
+    }
+    QStringList caption{ToQt(drawing.site), height, PlanDateText(drawing), mask, curtain};
     if (!drawing.plan->IsGpsAlone()) {
         caption += {SystemsText(*drawing.plan), MessageAgesText(*drawing.plan)};
     } else {

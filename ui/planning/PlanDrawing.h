@@ -24,7 +24,8 @@ struct PlanDrawing
     WindowLimits limits;
     double minutes = 0.0; ///< after the start of the period: what the tracks are brightest at
     bool isFromBelow =
-        false; ///< the sky as a map that lies on the ground shows it: east to the left
+        false;              ///< the sky as a map that lies on the ground shows it: east to the left
+    bool hasHeader = false; ///< site, day and orbits stand beside it: the caption leaves them out
 
     /// @return whether there is anything to draw
     [[nodiscard]] bool HasPlan() const { return plan != nullptr && plan->Division() > 0; }
@@ -49,16 +50,17 @@ struct PlanDrawing
 
 /// The systems of a plan and its clocks: "GPS+GLO、受信機時計1つ".
 [[nodiscard]] QString SystemsText(const ObservationPlan& plan);
-/// How far its orbits are from the plan: the farthest, or all that are too far or not known:
-/// "軌道情報：SBAS 3日（古い）".
+/// How far its orbits are from the plan, each system by itself where they differ:
+/// "軌道情報との差：GLONASS 3日、SBAS 3日（古い）".
 [[nodiscard]] QString MessageAgesText(const ObservationPlan& plan);
-/// Whether those of @p system are too old at the start of @p plan; of GPS alone the almanac.
-[[nodiscard]] bool IsStale(const ObservationPlan& plan, GnssSystem system);
+/// What is known of @p system at the start of @p plan; where GPS is alone, of its almanac.
+[[nodiscard]] SystemState StateOf(const ObservationPlan& plan, GnssSystem system);
 /// How far from the plan, either way: "3日".
 [[nodiscard]] QString AgeText(const SystemState& state);
 
 /// Site, height, day, mask, curtain and almanac with its age: what tells one picture from another.
-/// With more than GPS the systems stand in place of the almanac, if that is not made up.
+/// With more than GPS the systems stand in place of the almanac, if that is not made up. Beside a
+/// header only height, mask and curtain.
 [[nodiscard]] QStringList PlanCaption(const PlanDrawing& drawing);
 /// "2026/11/20", the calendar day of @p time without a change of zone.
 [[nodiscard]] QString DateText(std::chrono::sys_seconds time);

@@ -74,12 +74,12 @@ std::error_code ExportPdf(const fs::path& file, const PlanDrawing& drawing)
     if (const std::error_code refusal = Refusal(drawing)) {
         return refusal;
     }
-    return ExportPage(file, TitleOf(drawing),
-                      [&](QPainter& painter) { plan_sheet::Paint(painter, drawing); });
+    return ExportPages(file, TitleOf(drawing), 1,
+                       [&](QPainter& painter, int) { plan_sheet::Paint(painter, drawing); });
 }
 
-std::error_code ExportPage(const fs::path& file, const QString& title,
-                           const std::function<void(QPainter& painter)>& paint)
+std::error_code ExportPages(const fs::path& file, const QString& title, int pages,
+                            const std::function<void(QPainter& painter, int page)>& paint)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -95,7 +95,12 @@ std::error_code ExportPage(const fs::path& file, const QString& title,
         }
         painter.scale(writer.width() / plan_sheet::kPage.width(),
                       writer.height() / plan_sheet::kPage.height());
-        paint(painter);
+        for (int page = 0; page < pages; ++page) {
+            if (page > 0 && !writer.newPage()) {
+                return std::make_error_code(std::errc::io_error);
+            }
+            paint(painter, page);
+        }
     }
     return Replace(file, buffer.data());
 }

@@ -20,10 +20,12 @@ namespace fieldcore {
 [[nodiscard]] std::error_code ExportPdf(const std::filesystem::path& file,
                                         const PlanDrawing& drawing);
 
-/// One page of A4.
-/// @param paint  on a painter that is scaled so that plan_sheet::kPage is the page
-[[nodiscard]] std::error_code ExportPage(const std::filesystem::path& file, const QString& title,
-                                         const std::function<void(QPainter& painter)>& paint);
+/// Pages of A4.
+/// @param paint  each, from 0 on, with a painter that is scaled so that plan_sheet::kPage is the
+/// page
+[[nodiscard]] std::error_code
+ExportPages(const std::filesystem::path& file, const QString& title, int pages,
+            const std::function<void(QPainter& painter, int page)>& paint);
 
 /// The graph as a picture, black on white.
 /// @param size  pixels, each side 64 to 20000

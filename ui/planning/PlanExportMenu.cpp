@@ -1,15 +1,10 @@
 #include "ui/planning/PlanExportMenu.h"
 
-#include "core/host/MesBox.h"
-#include "core/platform/Folders.h"
-#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/PlanExport.h"
-
-#include <QFile>
 
 #include <utility>
 
@@ -52,28 +47,11 @@ void PlanExportMenu::Add(int textId, const QString& icon, const char* suffix, Sa
 void PlanExportMenu::SaveAs(int textId, const char* suffix, Save save)
 {
     const QString day = PlanDateText(m_drawing).remove(QLatin1Char('/'));
-    const QString ending = QLatin1Char('.') + QLatin1String(suffix);
-    const QString name =
-        ToQt(FormatText(text::kPlanExportFile, day.toStdWString().c_str())) + ending;
-    const QString filter = UiText(textId) + QStringLiteral(" (*%1)").arg(ending);
-    std::filesystem::path file = m_surroundings.chooseFile(
-        parentWidget(), true, m_surroundings.documents / QFile::encodeName(name).toStdString(),
-        filter);
-    if (file.empty()) {
-        return;
-    }
-    if (!file.has_extension()) {
-        file += ending.toStdString();
-    }
-    // The folder that was suggested need not be there yet. Where it cannot be made, saving says so.
-    static_cast<void>(Folders::Create(file.parent_path()));
-    const CMesBox box(m_host);
-    if (const std::error_code error = save(file, m_drawing)) {
-        box.Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
-        return;
-    }
-    box.Show(FormatText(text::kPlanExported, FromUtf8(file.string()).c_str()), text::kPlanExport,
-             {BoxButtons::Ok, BoxIcon::Information});
+    m_surroundings.SaveAndTell(
+        parentWidget(), m_host, textId,
+        ToQt(FormatText(text::kPlanExportFile, day.toStdWString().c_str())),
+        QLatin1Char('.') + QLatin1String(suffix),
+        [&](const std::filesystem::path& file) { return save(file, m_drawing); });
 }
 
 } // namespace fieldcore

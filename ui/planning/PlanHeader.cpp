@@ -77,7 +77,10 @@ PlanHeader::PlanHeader(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(kGrid / 2);
     m_top->setSpacing(kGrid);
-    m_top->addWidget(m_site, 1);
+    auto* const head = new QVBoxLayout; // beside the tools, which are as high as all of it
+    head->setSpacing(0);
+    head->addWidget(m_site);
+    m_top->addLayout(head, 1);
     layout->addLayout(m_top);
     m_siteNote->setWordWrap(true);
     m_siteNote->hide();
@@ -95,13 +98,13 @@ PlanHeader::PlanHeader(QWidget* parent)
     day->addWidget(calendar);
     layout->addLayout(day);
     auto* const almanac = new QHBoxLayout;
-    almanac->setSpacing(kGrid);
+    almanac->setSpacing(kGrid / 2);
     almanac->addWidget(m_almanacSign);
     almanac->addWidget(m_almanac);
     almanac->addWidget(m_almanacDate);
     almanac->addWidget(m_source, 1);
-    layout->addLayout(almanac);
-    layout->addWidget(m_age);
+    head->addLayout(almanac);
+    head->addWidget(m_age);
     UpdateLook();
 }
 
@@ -159,8 +162,8 @@ void PlanHeader::ShowDates(const PlanDrawing& drawing, std::chrono::sys_days tod
             (m_isMadeUp ? UiText(text::kPlanListSeparator) + m_source->text() : QString()));
         m_age->setText(MessageAgesText(plan));
         for (std::size_t k = 0; k < kGnssSystems; ++k) {
-            m_isAlmanacBad = m_isAlmanacBad ||
-                             (plan.Systems().test(k) && IsStale(plan, static_cast<GnssSystem>(k)));
+            m_isAlmanacBad = m_isAlmanacBad || (plan.Systems().test(k) &&
+                                                plan.StateOf(static_cast<GnssSystem>(k)).isStale);
         }
     }
     UpdateLook();
@@ -182,12 +185,17 @@ void PlanHeader::UpdateLook()
     large.setBold(true);
     m_site->setFont(large);
     m_date->setFont(large);
+    QFont small = font();
+    small.setPixelSize(fontInfo().pixelSize() * 13 / 16);
+    for (QLabel* const label : {m_weekday, m_almanac, m_almanacDate, m_source, m_age}) {
+        label->setFont(small);
+    }
     QPalette palette = this->palette();
     palette.setColor(QPalette::WindowText, m_isAlmanacBad ? theme.attention : theme.second);
     m_age->setPalette(palette);
     palette.setColor(QPalette::WindowText, m_isMadeUp ? theme.attention : theme.second);
     m_source->setPalette(palette);
-    const int edge = fontInfo().pixelSize() * 5 / 4;
+    const int edge = fontInfo().pixelSize();
     m_almanacSign->setPixmap(DrawIcon(QStringLiteral("exclamation"), edge, devicePixelRatioF(),
                                       theme.attention, theme.attention));
     m_almanacSign->setVisible(m_isAlmanacBad || m_isMadeUp);

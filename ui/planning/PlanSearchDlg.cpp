@@ -38,13 +38,17 @@ namespace {
 constexpr int kGrid = TouchStyle::kGrid;
 constexpr int kWeek = 7;
 constexpr int kSmallPixels = 13;
+constexpr int kWide = 900; // from here on a day has room for letters of the usual size
 
-QPushButton* MakeButton(int textId)
+/// @p inner, from top to bottom where there is no room for all of it.
+QScrollArea* Scrolling(QWidget* inner)
 {
-    auto* const button = new QPushButton(UiText(textId));
-    button->setMinimumSize(12 * kGrid, 6 * kGrid);
-    button->setAutoDefault(false);
-    return button;
+    auto* const scroll = new QScrollArea;
+    scroll->setWidget(inner);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    return scroll;
 }
 
 /// A field below its name, in one of the two columns of a form.
@@ -53,6 +57,9 @@ void AddField(QGridLayout& grid, int place, int textId, QWidget* field)
     auto* const label = new QLabel(UiText(textId));
     label->setBuddy(field);
     field->setAccessibleName(label->text());
+    if (auto* const spin = qobject_cast<CSpinDouble*>(field)) {
+        spin->SetName(label->text()); // of the box inside, which has the focus
+    }
     grid.addWidget(label, 2 * (place / 2), place % 2);
     grid.addWidget(field, 2 * (place / 2) + 1, place % 2);
 }
@@ -87,7 +94,7 @@ QStringList StaleText(const ObservationPlan& plan, const PlanSearch& search)
     }
     return names.isEmpty()
                ? QStringList()
-               : QStringList(names.join(UiText(text::kPlanListSeparator)) + QLatin1Char(' ') +
+               : QStringList(names.join(UiText(text::kPlanListSeparator)) + QStringLiteral(": ") +
                              UiText(text::kSystemStale).arg(AgeText(oldest)));
 }
 
@@ -112,7 +119,7 @@ PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
       m_systems(new PlanSystemsBar), m_siteList(new SiteChoice(session)), m_days(new LabelSpin),
       m_start(new LabelSpin), m_hoursSpin(new LabelSpin), m_minutes(new CSpinDouble),
       m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_progress(new CTextProgressCtrl),
-      m_cancel(MakeButton(text::kButtonCancel)), m_go(MakeButton(text::kSearchStart)),
+      m_cancel(MakeRowButton(text::kButtonCancel)), m_go(MakeRowButton(text::kSearchStart)),
       m_site(new CTComboBox), m_conditions(new QLabel), m_best(new QLabel), m_calendar(new QWidget),
       m_notes(new RoleLabel(&Theme::attention))
 {
@@ -136,17 +143,16 @@ PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
 QWidget* PlanSearchDlg::BuildForm()
 {
     constexpr int kDayH = 24;
-    constexpr int kWorkFrom = 8;
-    constexpr int kWorkHours = 10;
+    const SearchChoice& before = m_session.Settings().search;
     m_days->setRange(1, SearchHours::kMostDays);
     m_days->SetLabel([](int days) { return ToQt(FormatText(text::kSearchDaysValue, days)); });
-    m_days->setValue(m_hours.days);
+    m_days->setValue(before.days);
     m_start->setRange(0, kDayH - 1);
     m_start->SetLabel(LabelSpin::HourLabel);
-    m_start->setValue(kWorkFrom);
+    m_start->setValue(before.startHour);
     m_hoursSpin->setRange(1, kDayH);
     m_hoursSpin->SetLabel([](int hours) { return ToQt(FormatText(text::kPlanHoursValue, hours)); });
-    m_hoursSpin->setValue(kWorkHours);
+    m_hoursSpin->setValue(before.hours);
     const WindowLimits& limits = m_session.Limits();
     m_minutes->SetRange(WindowLimits::kShortest.count(), WindowLimits::kLongest.count());
     m_minutes->SetStep(10.0);
@@ -177,16 +183,11 @@ QWidget* PlanSearchDlg::BuildForm()
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     form->addLayout(grid);
-    auto* const scroll = new QScrollArea;
-    scroll->setWidget(inner);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
     auto* const page = new QWidget;
     auto* const layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(scroll, 1);
+    layout->addWidget(Scrolling(inner), 1);
     m_progress->hide();
     layout->addWidget(m_progress);
     auto* const row = new QHBoxLayout;
@@ -214,19 +215,24 @@ QWidget* PlanSearchDlg::BuildResult()
     }
     m_site->setAccessibleName(UiText(text::kSearchSites));
     m_site->setMinimumHeight(TouchStyle::kTarget);
+    auto* const inner = new QWidget;
+    auto* const found = new QVBoxLayout(inner);
+    found->setContentsMargins(0, 0, 0, 0);
+    found->setSpacing(kGrid);
+    found->addWidget(m_conditions);
+    found->addWidget(m_best);
+    found->addWidget(m_calendar, 1);
+    found->addWidget(m_notes);
     auto* const page = new QWidget;
     auto* const layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(kGrid);
     layout->addWidget(m_site);
-    layout->addWidget(m_conditions);
-    layout->addWidget(m_best);
-    layout->addWidget(m_calendar, 1);
-    layout->addWidget(m_notes);
+    layout->addWidget(Scrolling(inner), 1);
     auto* const row = new QHBoxLayout;
     row->addStretch(1);
-    QPushButton* const change = MakeButton(text::kSearchChange);
-    QPushButton* const close = MakeButton(text::kButtonClose);
+    QPushButton* const change = MakeRowButton(text::kSearchChange);
+    QPushButton* const close = MakeRowButton(text::kButtonClose);
     row->addWidget(change);
     row->addWidget(close);
     layout->addLayout(row);
@@ -247,18 +253,14 @@ WindowLimits PlanSearchDlg::Limits() const
 
 void PlanSearchDlg::Start()
 {
-    m_sites.clear();
-    for (const std::wstring& name : m_siteList->Chosen()) {
-        if (std::optional<SiteSky> site = SkyOfSite(m_session, name);
-            site && m_sites.size() < PlanSearch::kMostSites) {
-            m_sites.push_back(*std::move(site));
-        }
-    }
+    m_sites = SkiesOfSites(m_session, m_siteList->Chosen());
     if (m_sites.empty()) {
         CMesBox(m_host).Warn(text::kSearchNoSite, text::kSearchDays);
         return;
     }
     m_hours = {m_session.Date(), m_days->value(), m_start->value(), m_hoursSpin->value()};
+    m_session.SetSearch({m_hours.days, m_hours.startHour, m_hours.hours, m_siteList->Chosen()});
+    m_session.SetLimits(Limits());
     m_search.emplace(SearchOf(m_session.Plan(), std::span<const SiteSky>(m_sites), m_hours));
     m_progress->SetRange(0, static_cast<int>(m_search->Steps()));
     ShowSearching(true);
@@ -371,7 +373,9 @@ void PlanSearchDlg::ShowCalendar()
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(kGrid / 2);
     QFont small = font();
-    small.setPixelSize(kSmallPixels);
+    if (width() < kWide) {
+        small.setPixelSize(kSmallPixels);
+    }
     for (int column = 0; column < kWeek; ++column) {
         auto* const name = new QLabel(UiText(text::kDaySunday + column));
         name->setAlignment(Qt::AlignCenter);
@@ -411,7 +415,7 @@ void PlanSearchDlg::ShowCalendar()
             Close(kOk);
         });
     }
-    delete m_pages->widget(1)->layout()->replaceWidget(m_calendar, calendar);
+    delete m_calendar->parentWidget()->layout()->replaceWidget(m_calendar, calendar);
     delete m_calendar;
     m_calendar = calendar;
     if (windows.empty()) {
@@ -429,6 +433,12 @@ void PlanSearchDlg::ShowCalendar()
     QFont bold = font();
     bold.setBold(true);
     m_best->setFont(bold);
+}
+
+void PlanSearchDlg::resizeEvent(QResizeEvent* event)
+{
+    Dialog::resizeEvent(event);
+    ShowCalendar();
 }
 
 void PlanSearchDlg::changeEvent(QEvent* event)

@@ -24,7 +24,8 @@ class SiteChoice;
 
 /// Searches days for hours that are good to observe at one or several sites, and shows the best of
 /// each day as a calendar. Searches in slices, so that Cancel answers at once. The systems that are
-/// chosen here are the plan's from then on, whatever ends the dialog. User-interface thread only.
+/// chosen here, and the conditions of a search, are the plan's from then on, whatever ends the
+/// dialog; sites and hours are offered again the next time. User-interface thread only.
 class PlanSearchDlg : public Dialog
 {
     Q_OBJECT
@@ -35,16 +36,16 @@ public:
 
     /// What the user has tapped: the plan to show. After DoModal() with kOk.
     [[nodiscard]] const std::optional<PlanHours>& Chosen() const { return m_chosen; }
-    /// The conditions of the search.
-    [[nodiscard]] WindowLimits Limits() const;
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void OnDestroy() override { m_slices.stop(); }
 
 private:
     QWidget* BuildForm();
     QWidget* BuildResult();
+    [[nodiscard]] WindowLimits Limits() const;
     void Start();
     void Stop();
     void ShowSearching(bool isSearching);

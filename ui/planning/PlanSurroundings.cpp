@@ -1,10 +1,15 @@
 #include "ui/planning/PlanSurroundings.h"
 
+#include "core/host/MesBox.h"
 #include "core/platform/Folders.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/UiText.h"
 #include "ui/link/ConnectDlg.h"
+#include "ui/planning/PlanExport.h"
+
+#include <QFile>
 
 #include <utility>
 
@@ -42,6 +47,39 @@ PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given, QWidget* sc
         given.chooseFile = AskForFile;
     }
     return given;
+}
+
+std::filesystem::path PlanSurroundings::Save(
+    QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+    const std::function<std::error_code(const std::filesystem::path& file)>& save) const
+{
+    std::filesystem::path file =
+        chooseFile(parent, true, documents / QFile::encodeName(name + ending).toStdString(),
+                   UiText(textId) + QStringLiteral(" (*%1)").arg(ending));
+    if (file.empty()) {
+        return {};
+    }
+    if (!file.has_extension()) {
+        file += ending.toStdString();
+    }
+    // The folder that was suggested need not be there yet. Where it cannot be made, saving says so.
+    static_cast<void>(Folders::Create(file.parent_path()));
+    if (const std::error_code error = save(file)) {
+        CMesBox(host).Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
+        return {};
+    }
+    return file;
+}
+
+void PlanSurroundings::SaveAndTell(
+    QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+    const std::function<std::error_code(const std::filesystem::path& file)>& save) const
+{
+    const std::filesystem::path file = Save(parent, host, textId, name, ending, save);
+    if (!file.empty()) {
+        CMesBox(host).Show(FormatText(text::kPlanExported, FromUtf8(file.string()).c_str()),
+                           text::kPlanExport, {BoxButtons::Ok, BoxIcon::Information});
+    }
 }
 
 } // namespace fieldcore

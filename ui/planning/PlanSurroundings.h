@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/host/Host.h"
 #include "core/link/Connect.h"
 #include "core/planning/SkyRecorder.h"
 #include "core/settings/SettingsRoots.h"
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <system_error>
 
 class QWidget;
 
@@ -48,6 +50,19 @@ struct PlanSurroundings
     std::function<std::filesystem::path(
         QWidget* parent, bool save, const std::filesystem::path& suggested, const QString& filter)>
         chooseFile;
+
+    /// Asks for a file to be saved, in #documents if the user takes no other folder, and saves it.
+    /// A failure is told.
+    /// @param textId  what it is, for the choice
+    /// @param name    that is suggested, without its @p ending, such as ".pdf"
+    /// @return where it was saved; empty: the user has cancelled, or it failed
+    [[nodiscard]] std::filesystem::path
+    Save(QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+         const std::function<std::error_code(const std::filesystem::path& file)>& save) const;
+    /// The same, and tells where it was saved.
+    void SaveAndTell(
+        QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+        const std::function<std::error_code(const std::filesystem::path& file)>& save) const;
 
     /// @p given with everything in it that was left out.
     /// @param screen  the plan's, over which the rest is shown

@@ -36,7 +36,8 @@ void ToggleSystem(PlanSession& session, GnssSystem system, Host& host)
     session.SetSystems(plan.Systems() ^ chosen);
 }
 
-PlanSystemsBar::PlanSystemsBar(QWidget* parent) : QWidget(parent), m_buttons{}
+PlanSystemsBar::PlanSystemsBar(QWidget* parent)
+    : QWidget(parent), m_buttons{}, m_fold(new ChoiceButton(this))
 {
     setAccessibleName(UiText(text::kSystemsName));
     auto* const row = new QHBoxLayout(this);
@@ -47,7 +48,7 @@ PlanSystemsBar::PlanSystemsBar(QWidget* parent) : QWidget(parent), m_buttons{}
     for (std::size_t k = 0; k < kGnssSystems; ++k) {
         auto* const button = new ChoiceButton(this);
         button->setFont(small);
-        button->setMinimumSize(0, TouchStyle::kTarget);
+        button->setMinimumSize(0, 3 * small.pixelSize() * 4 / 3 + TouchStyle::kGrid);
         button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         button->setIconSize({kSign, kSign});
         row->addWidget(button, 1);
@@ -55,35 +56,56 @@ PlanSystemsBar::PlanSystemsBar(QWidget* parent) : QWidget(parent), m_buttons{}
                 [this, k] { Q_EMIT Chosen(static_cast<GnssSystem>(k)); });
         m_buttons[k] = button;
     }
+    m_fold->setFont(small);
+    m_fold->setMinimumHeight(TouchStyle::kTarget);
+    m_fold->setToolTip(UiText(text::kSystemsName));
+    m_fold->hide();
+    connect(m_fold, &QPushButton::toggled, this, &QWidget::setVisible);
     UpdateSigns();
+}
+
+void PlanSystemsBar::SetFoldable(bool isFoldable)
+{
+    m_fold->setVisible(isFoldable);
+    setVisible(!isFoldable || m_fold->isChecked());
 }
 
 void PlanSystemsBar::Show(const ObservationPlan& plan)
 {
+    int together = 0;
+    bool isWarning = false;
     for (std::size_t k = 0; k < kGnssSystems; ++k) {
         const auto system = static_cast<GnssSystem>(k);
-        const SystemState state = plan.StateOf(system);
-        const bool isStale = state.satellites > 0 && IsStale(plan, system);
-        const QString count = state.satellites == 0 ? UiText(text::kSystemNone)
-                                                    : UiText(text::kSystemCount).arg(state.healthy);
-        const QString age = state.satellites == 0 ? QString() : AgeText(state);
+        const SystemState state = StateOf(plan, system);
+        const bool isKnown = state.satellites > 0;
+        const bool isStale = isKnown && state.isStale;
+        const QString count =
+            isKnown ? UiText(text::kSystemCount).arg(state.healthy) : UiText(text::kSystemNone);
+        const QString age = isKnown ? AgeText(state) : QString();
         ChoiceButton& button = *m_buttons[k];
         button.setText(UiText(text::kSystemShortGps + static_cast<int>(k)) + QLatin1Char('\n') +
-                       (isStale ? age : count));
+                       count + QLatin1Char('\n') + age);
         button.setChecked(plan.Systems().test(k));
-        button.SetWarning(isStale || (state.satellites == 0 && button.isChecked()));
-        QString words = SystemText(system) + QLatin1Char(' ') + count;
-        if (state.satellites == 0) {
+        button.SetWarning(isStale || (!isKnown && button.isChecked()));
+        if (button.isChecked()) {
+            together += state.healthy;
+            isWarning = isWarning || isStale || !isKnown;
+        }
+        QString words = SystemText(system) + QLatin1Char(' ') + count + QLatin1Char(' ') + age;
+        if (!isKnown) {
             words =
                 ToQt(FormatText(text::kSystemMissing, SystemText(system).toStdWString().c_str()));
         } else if (isStale) {
             words += QLatin1Char('\n') + UiText(text::kSystemStale).arg(age);
-        } else {
-            words += QLatin1Char(' ') + age;
         }
         button.setAccessibleName(words);
         button.setToolTip(words);
     }
+    const QString letters = QString::fromStdString(TextOf(plan.Systems()));
+    m_fold->setText(letters + QLatin1Char('\n') + UiText(text::kSystemCount).arg(together));
+    m_fold->SetWarning(isWarning);
+    m_fold->setAccessibleName(UiText(text::kSystemsName));
+    m_fold->setAccessibleDescription(m_fold->text());
 }
 
 void PlanSystemsBar::changeEvent(QEvent* event)

@@ -2,18 +2,17 @@
 
 #include "core/host/MesBox.h"
 #include "core/host/WaitCursor.h"
-#include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/RoleLabel.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/ChoiceButton.h"
 #include "ui/planning/CurtainEditor.h"
 #include "ui/planning/PlanExport.h"
 #include "ui/planning/SessionSheet.h"
 #include "ui/planning/SiteChoice.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
@@ -30,9 +29,7 @@ constexpr int kGrid = TouchStyle::kGrid;
 
 QPushButton* AddButton(QHBoxLayout& row, int textId)
 {
-    auto* const button = new QPushButton(UiText(textId));
-    button->setMinimumSize(12 * kGrid, 6 * kGrid);
-    button->setAutoDefault(false);
+    QPushButton* const button = MakeRowButton(textId);
     row.addWidget(button);
     return button;
 }
@@ -117,13 +114,10 @@ QWidget* SessionDlg::BuildRows()
 
 void SessionDlg::ShowRows()
 {
-    m_sites.clear();
-    for (const std::wstring& name : m_siteList->Chosen()) {
-        if (std::optional<SiteSky> site = SkyOfSite(m_session, name);
-            site && m_sites.size() < PlanSearch::kMostSites) {
-            m_sites.push_back(*std::move(site));
-        }
-    }
+    m_sites = SkiesOfSites(m_session, m_siteList->Chosen());
+    SearchChoice choice = m_session.Settings().search;
+    choice.sites = m_siteList->Chosen();
+    m_session.SetSearch(choice);
     if (m_sites.size() < 2) {
         CMesBox(m_host).Warn(text::kSessionNeedsTwo, text::kSessionTitle);
         return;
@@ -187,28 +181,16 @@ void SessionDlg::Export()
     PlanDrawing drawing;
     drawing.plan = &m_session.Plan();
     const std::wstring day = PlanDateText(drawing).remove(QLatin1Char('/')).toStdWString();
-    const QString name = ToQt(FormatText(text::kSessionFile, day.c_str())) + QStringLiteral(".pdf");
-    std::filesystem::path file = m_surroundings.chooseFile(
-        this, true, m_surroundings.documents / QFile::encodeName(name).toStdString(),
-        UiText(text::kSessionPdf) + QStringLiteral(" (*.pdf)"));
-    if (file.empty()) {
-        return;
-    }
-    if (!file.has_extension()) {
-        file += ".pdf";
-    }
-    static_cast<void>(Folders::Create(file.parent_path())); // else saving says what is wrong
-    const CMesBox box(m_host);
-    if (const std::error_code error =
-            ExportPage(file, UiText(text::kSessionSheet) + QLatin1Char(' ') + PlanDateText(drawing),
-                       [this](QPainter& painter) {
-                           session_sheet::Paint(painter, m_session, m_sites, *m_search);
-                       })) {
-        box.Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
-        return;
-    }
-    box.Show(FormatText(text::kPlanExported, FromUtf8(file.string()).c_str()), text::kSessionPdf,
-             {BoxButtons::Ok, BoxIcon::Information});
+    const QString title = UiText(text::kSessionSheet) + QLatin1Char(' ') + PlanDateText(drawing);
+    m_surroundings.SaveAndTell(
+        this, m_host, text::kSessionPdf, ToQt(FormatText(text::kSessionFile, day.c_str())),
+        QStringLiteral(".pdf"), [&](const std::filesystem::path& file) {
+            return ExportPages(file, title, session_sheet::PageCount(m_sites.size()),
+                               [this](QPainter& painter, int page) {
+                                   session_sheet::Paint(painter, m_session, m_sites, *m_search,
+                                                        page);
+                               });
+        });
 }
 
 } // namespace fieldcore

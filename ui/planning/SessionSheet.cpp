@@ -16,8 +16,7 @@ namespace {
 
 constexpr qreal kMargin = 56.0; // 15 mm
 constexpr qreal kRow = 19.0;
-constexpr std::size_t kMostSites = 12;
-constexpr std::size_t kColumns = 3;
+constexpr std::size_t kSitesOfPage = 12;
 
 QString ClockOf(const PlanSearch& search, int epoch)
 {
@@ -61,7 +60,7 @@ QStringList Heading(const PlanSession& session)
                                       static_cast<int>(limits.minLength.count())))};
     // What tells of the orbits, as below a graph.
     constexpr qsizetype kOrbitsAt = 5;
-    lines += PlanCaption(drawing).mid(kOrbitsAt).join(QStringLiteral("  "));
+    lines += PlanCaption(drawing).mid(kOrbitsAt);
     if (plan.HasClockPerSystem() && !plan.IsGpsAlone()) {
         lines += UiText(text::kSearchOneClock);
     }
@@ -95,9 +94,16 @@ QString SkyText(const PlanSession& session, const SiteSky& site)
     return UiText(text::kSessionMask).arg(session.Settings().elMaskDeg).arg(UiText(curtain));
 }
 
-void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sites,
-           const PlanSearch& search)
+int PageCount(std::size_t sites)
 {
+    return static_cast<int>((sites + kSitesOfPage - 1) / kSitesOfPage);
+}
+
+void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sites,
+           const PlanSearch& search, int page)
+{
+    const std::size_t first = static_cast<std::size_t>(page) * kSitesOfPage;
+    const std::size_t shown = std::min(sites.size() - first, kSitesOfPage);
     const PlotStyle style = PlotStyle::OnPaper();
     const qreal width = plan_sheet::kPage.width() - 2.0 * kMargin;
     painter.setRenderHint(QPainter::Antialiasing);
@@ -112,6 +118,10 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
                      UiText(text::kSessionSheet));
     qreal y = kMargin + 44.0;
     painter.setFont(style.font);
+    if (const int pages = PageCount(sites.size()); pages > 1) {
+        painter.drawText(QRectF(kMargin, kMargin, width, 36.0), Qt::AlignRight | Qt::AlignVCenter,
+                         QStringLiteral("%1/%2").arg(page + 1).arg(pages));
+    }
     for (const QString& line : Heading(session)) {
         y = Write(painter, y, line);
     }
@@ -122,8 +132,7 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
     y = Write(painter, y,
               WindowsText(search, together) + QStringLiteral("  ") + ValuesText(together)) +
         kRow / 2.0;
-    const std::size_t shown = std::min(sites.size(), kMostSites);
-    for (std::size_t k = 0; k < shown; ++k) {
+    for (std::size_t k = first; k < first + shown; ++k) {
         const SiteSummary summary = SummaryOf(search, k, session.Limits());
         painter.setPen(PlotPen(style.second, 0.75));
         painter.drawLine(QPointF(kMargin, y), QPointF(kMargin + width, y));
@@ -133,20 +142,19 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
                       QStringLiteral("  ") + SkyText(session, sites[k]));
         y = Write(painter, y, WindowsText(search, summary));
     }
-    if (shown < sites.size()) {
-        y = Write(painter, y, UiText(text::kSessionMore).arg(sites.size() - shown));
-    }
     const ObstructionCurtain own = session.Plan().Calc().GetCurtain();
-    const std::size_t columns = std::min(shown, kColumns);
-    const std::size_t rows = (shown + kColumns - 1) / kColumns;
+    constexpr std::size_t kFew = 4; // that have room for larger plots
+    const std::size_t columns = shown <= kFew ? 2 : 3;
+    const std::size_t rows = (shown + columns - 1) / columns;
     y += kRow / 2.0;
     const QSizeF cell(
         width / static_cast<qreal>(columns),
         std::min((plan_sheet::kPage.height() - kMargin - y) / static_cast<qreal>(rows),
                  width / static_cast<qreal>(columns) + 2.0 * kRow));
     for (std::size_t k = 0; k < shown; ++k) {
-        session.Plan().Calc().SetObserver(sites[k].observer);
-        session.Plan().Calc().SetCurtain(sites[k].curtain);
+        const SiteSky& site = sites[first + k];
+        session.Plan().Calc().SetObserver(site.observer);
+        session.Plan().Calc().SetCurtain(site.curtain);
         session.Plan().ComputeView();
         const QRectF area(QPointF(kMargin + static_cast<qreal>(k % columns) * cell.width(),
                                   y + static_cast<qreal>(k / columns) * cell.height()),
@@ -155,7 +163,7 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
         painter.setPen(style.text);
         painter.drawText(QRectF(area.topLeft(), QSizeF(area.width(), kRow)), Qt::AlignCenter,
                          QFontMetricsF(style.font)
-                             .elidedText(ToQt(sites[k].name), Qt::ElideRight, area.width() - 8.0));
+                             .elidedText(ToQt(site.name), Qt::ElideRight, area.width() - 8.0));
         PaintBareGraph(painter, DrawingOf(session), style, area.adjusted(4.0, kRow, -4.0, -4.0));
     }
     session.Plan().Calc().SetCurtain(own);

@@ -10,8 +10,8 @@
 
 namespace fieldcore {
 
-/// A session of several sites in words and on paper: 同時観測計画書, one upright page of A4 with
-/// the times that suit all sites, a row and a sky plot for each. User-interface thread only.
+/// A session of several sites in words and on paper: 同時観測計画書, upright pages of A4 with the
+/// times that suit all sites, a row and a sky plot for each. User-interface thread only.
 namespace session_sheet {
 
 /// The day, its hours, the systems and the conditions.
@@ -23,11 +23,16 @@ namespace session_sheet {
 /// Mask and curtain of a site.
 [[nodiscard]] QString SkyText(const PlanSession& session, const SiteSky& site);
 
+/// One for twelve sites.
+[[nodiscard]] int PageCount(std::size_t sites);
+
 /// Computes the plan for each site on the way; it is the session's own again afterwards.
 /// @param painter  scaled so that plan_sheet::kPage is the page; its ground is white
+/// @param sites    all of them, of which the page has its own
 /// @param search   of the session's day and hours, after its last step
+/// @param page     0 to PageCount() - 1
 void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sites,
-           const PlanSearch& search);
+           const PlanSearch& search, int page);
 
 } // namespace session_sheet
 

@@ -5,6 +5,8 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 
+#include <algorithm>
+
 namespace fieldcore {
 
 SiteChoice::SiteChoice(const PlanSession& session, QWidget* parent) : QListWidget(parent)
@@ -13,14 +15,20 @@ SiteChoice::SiteChoice(const PlanSession& session, QWidget* parent) : QListWidge
     setMinimumHeight(3 * TouchStyle::kTarget);
     setSelectionMode(QAbstractItemView::NoSelection);
     const std::wstring& own = session.Settings().position;
+    const std::vector<std::wstring>& before = session.Settings().search.sites;
     for (const auto& [name, entry] : ReadSites(session.Folder())) {
         const bool isOwn = name == own;
         auto* const item = new QListWidgetItem(ToQt(name));
         item->setSizeHint({0, TouchStyle::kTarget});
         item->setFlags(entry.IsComplete() ? Qt::ItemIsEnabled | Qt::ItemIsUserCheckable
                                           : Qt::NoItemFlags);
-        item->setCheckState(isOwn && entry.IsComplete() ? Qt::Checked : Qt::Unchecked);
+        const bool isChosen = std::find(before.begin(), before.end(), name) != before.end();
+        item->setCheckState(isChosen && entry.IsComplete() ? Qt::Checked : Qt::Unchecked);
         insertItem(isOwn ? 0 : count(), item);
+    }
+    if (Chosen().empty() && count() > 0 && item(0)->flags().testFlag(Qt::ItemIsEnabled) &&
+        item(0)->text() == ToQt(own)) {
+        item(0)->setCheckState(Qt::Checked);
     }
     // A tap anywhere on a row: the box alone is small.
     connect(this, &QListWidget::itemPressed, this,

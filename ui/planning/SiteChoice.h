@@ -9,8 +9,8 @@ namespace fieldcore {
 
 class PlanSession;
 
-/// The site list of a plan, to choose several sites from. The plan's own stands first and is
-/// chosen. User-interface thread only.
+/// The site list of a plan, to choose several sites from: those of last time are chosen. The plan's
+/// own stands first, and is chosen if no other is. User-interface thread only.
 class SiteChoice : public QListWidget
 {
     Q_OBJECT

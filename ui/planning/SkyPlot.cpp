@@ -45,7 +45,7 @@ void SkyPlot::DrawTracks(QPainter& painter, const std::vector<TrackRun>& runs) c
             const auto step = m_drawing.plan->TrackAt(run.prnIndex, epoch);
             const double bright = Brightness((epoch + 0.5) * interval - m_drawing.minutes);
             QPen pen = PlotPen(m_style.Faded(colour, bright), kTrackWidth);
-            pen.setCapStyle(Qt::RoundCap);
+            pen.setCapStyle(Qt::SquareCap); // a round one takes much longer to draw
             painter.setPen(pen);
             painter.drawLine(PointOf(step->from), PointOf(step->to));
         }
@@ -77,11 +77,11 @@ void SkyPlot::DrawSatellites(QPainter& painter, LabelPlacer& labels) const
 void SkyPlot::Draw(QPainter& painter) const
 {
     m_disc.DrawCurtain(painter, m_drawing.plan->Calc().GetCurtain());
-    m_disc.DrawRings(painter, m_drawing.maskDeg);
+    LabelPlacer labels(m_style, m_disc.Bounds());
+    m_disc.DrawRings(painter, m_drawing.maskDeg, &labels);
     const std::vector<TrackRun> runs = TrackRuns(*m_drawing.plan);
     DrawTracks(painter, runs);
     // In the order of weight: who comes late may find no room.
-    LabelPlacer labels(m_style, m_disc.Bounds());
     DrawSatellites(painter, labels);
     m_disc.DrawScale(painter, labels, m_drawing.maskDeg);
     for (const TrackRun& run : runs) {

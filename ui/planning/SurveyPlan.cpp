@@ -16,7 +16,6 @@
 #include "ui/controls/TableDlg.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/UiText.h"
-#include "ui/planning/AlmanacProgress.h"
 #include "ui/planning/CurtainEditor.h"
 #include "ui/planning/LiveSkyStyle.h"
 #include "ui/planning/PlanDet.h"
@@ -125,7 +124,7 @@ bool CSurveyPlan::OnInitDialog()
     SetGround();
     DoDataExchange(false);
     ShowSite();
-    m_graph->SetDrawing(Drawing());
+    ShowGraph();
     m_windowList->Show(Drawing());
     ShowSlider();
     Tell(almanac);
@@ -169,6 +168,7 @@ void CSurveyPlan::Tell(const AlmanacMessage& message) const
 PlanDrawing CSurveyPlan::Drawing() const
 {
     PlanDrawing drawing = m_graph->Drawing(); // the slider's time, and from where it is seen
+    drawing.hasHeader = false;
     drawing.plan = &m_session.Plan();
     drawing.graph = m_session.Graph();
     drawing.site = GetPositionStr();
@@ -183,7 +183,7 @@ void CSurveyPlan::DrawResults()
     const WaitCursor wait(GetHost());
     m_session.Compute();
     m_intervalMin = static_cast<int>(m_session.Plan().Computed().Interval().count());
-    m_graph->SetDrawing(Drawing());
+    ShowGraph();
     ShowDates(); // only now: the age of the almanac follows the start
     ShowSlider();
     ShowWindows();
@@ -286,27 +286,6 @@ void CSurveyPlan::OnTimer(int id)
     }
 }
 
-void CSurveyPlan::OnPlanSetAlm()
-{
-    if (m_command == nullptr) {
-        return;
-    }
-    if (m_surroundings.makeConnect(*m_command)->DoModal() != CConnect::Connected) {
-        return;
-    }
-    std::vector<AlmanacMessage> messages;
-    {
-        const WaitCursor wait(GetHost());
-        AlmanacProgress progress(*m_command, *m_progress);
-        messages = m_session.UpdateAlmanac(*m_command,
-                                           [&progress](int prn) { return progress.Show(prn); });
-    }
-    for (const AlmanacMessage& message : messages) {
-        Tell(message);
-    }
-    DrawResults();
-}
-
 void CSurveyPlan::Import()
 {
     const std::filesystem::path file = m_surroundings.chooseFile(
@@ -346,7 +325,6 @@ void CSurveyPlan::SearchDays()
         SetStartTimeData(hours.startHour); // first: it decides how long the period may be
         SetDispTimeData(hours.hours);
         SetSystemTime(hours.date);
-        m_session.SetLimits(dialog.Limits()); // so that the plan says the same
         DoDataExchange(false);
     }
     DrawResults();

@@ -12,9 +12,11 @@
 #include <string>
 
 class QBoxLayout;
+class QGridLayout;
 class QLabel;
 class QPushButton;
 class QSlider;
+class QToolButton;
 
 namespace fieldcore {
 
@@ -154,6 +156,7 @@ private:
     void BuildMenu();
     void OnMenu(int id);
     void SetDrawType(int drawType);
+    void ShowGraph();
     void ShowSite();
     void ShowDates();
     void ShowSpins(const PlanSession::Spins& spins);
@@ -192,6 +195,8 @@ private:
     LabelSpin* m_start;
     LabelSpin* m_end;
     PlanGraphView* m_graph;
+    QToolButton* m_enlarge; // on a small screen: the graph without the panel
+    QGridLayout* m_below;   // the graph
     QSlider* m_time;
     QPushButton* m_maskUndo;
     QLabel* m_windows;            // two of them, below the graph

@@ -2,9 +2,11 @@
 
 #include "ui/planning/SurveyPlan.h"
 
+#include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
 #include "core/planning/PlanSeries.h"
 #include "core/resources/StringTable.h"
+#include "ui/controls/Icon.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/NToolBar.h"
@@ -12,6 +14,7 @@
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
+#include "ui/planning/ChoiceButton.h"
 #include "ui/planning/DateDlg.h"
 #include "ui/planning/PlanExportMenu.h"
 #include "ui/planning/PlanGraphView.h"
@@ -19,11 +22,13 @@
 #include "ui/planning/PlanSystemsBar.h"
 #include "ui/planning/PlanWindowList.h"
 
+#include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -50,6 +55,18 @@ LabelSpin* MakeHourSpin(int id, int labelId, int nameId, int first, int last)
     return spin;
 }
 
+/// How far the almanac has come, and how long the rest will take.
+/// @param done  satellites of kMaxPrn
+QString UpdatingText(int done, Clock::Duration lasted)
+{
+    constexpr int kToJudgeBy = 3; // satellites, before a time is told
+    if (done < kToJudgeBy) {
+        return ToQt(FormatText(text::kPlanUpdating, done, kMaxPrn));
+    }
+    const auto left = std::chrono::ceil<std::chrono::seconds>(lasted * (kMaxPrn - done) / done);
+    return ToQt(FormatText(text::kPlanUpdatingLeft, done, kMaxPrn, static_cast<int>(left.count())));
+}
+
 } // namespace
 
 void CSurveyPlan::BuildControls()
@@ -57,6 +74,7 @@ void CSurveyPlan::BuildControls()
     m_graph = new PlanGraphView;
     SetControlId(m_graph, kGraphId);
     m_graph->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    m_systems = new PlanSystemsBar;
     m_panel = BuildPanel();
     m_time = new QSlider(Qt::Horizontal);
     m_time->setAccessibleName(UiText(text::kPlanTime));
@@ -65,6 +83,13 @@ void CSurveyPlan::BuildControls()
     m_maskUndo->setMinimumHeight(TouchStyle::kTarget);
     m_maskUndo->setAutoDefault(false);
     m_maskUndo->hide();
+    m_enlarge = new QToolButton;
+    m_enlarge->setCheckable(true);
+    m_enlarge->setIcon(ThemeIcon(QStringLiteral("enlarge")));
+    m_enlarge->setIconSize({3 * kGrid, 3 * kGrid});
+    m_enlarge->setMinimumSize(TouchStyle::kTarget, TouchStyle::kTarget);
+    m_enlarge->setToolTip(UiText(text::kPlanEnlarge));
+    m_enlarge->setAccessibleName(UiText(text::kPlanEnlarge));
     m_windows = new QLabel;
     m_windows->setWordWrap(true);
     m_progress = new CTextProgressCtrl;
@@ -72,15 +97,17 @@ void CSurveyPlan::BuildControls()
 
     auto* const right = new QVBoxLayout;
     right->setSpacing(kGrid / 2);
-    m_systems = new PlanSystemsBar;
     right->addWidget(m_systems);
     right->addWidget(m_graph, 1);
-    auto* const below = new QHBoxLayout; // one row: the sky does not shrink under the finger
-    below->setSpacing(kGrid);
-    below->addWidget(m_time, 1);
-    below->addWidget(m_maskUndo);
-    right->addLayout(below);
-    right->addWidget(m_windows);
+    m_below = new QGridLayout; // one row of buttons: the sky does not shrink under the finger
+    m_below->setHorizontalSpacing(kGrid);
+    m_below->setVerticalSpacing(0);
+    m_below->setColumnStretch(0, 1);
+    m_below->addWidget(m_time, 0, 0);
+    m_below->addWidget(m_maskUndo, 0, 1);
+    m_below->addWidget(m_systems->FoldButton(), 0, 2);
+    m_below->addWidget(m_enlarge, 0, 3);
+    right->addLayout(m_below);
     if (m_isTall) {
         right->addWidget(m_windowList);
     }
@@ -102,6 +129,10 @@ void CSurveyPlan::BuildControls()
     connect(m_graph, &PlanGraphView::maskChanged, this, &CSurveyPlan::DragMask);
     connect(m_graph, &PlanGraphView::maskDropped, this, &CSurveyPlan::OfferOldMask);
     connect(m_maskUndo, &QPushButton::clicked, this, &CSurveyPlan::UndoMask);
+    connect(m_enlarge, &QToolButton::toggled, this, [this](bool isLarge) {
+        m_panel->setHidden(isLarge);
+        ShowGraph();
+    });
 }
 
 QWidget* CSurveyPlan::BuildPanel()
@@ -205,6 +236,13 @@ void CSurveyPlan::ChooseSystem(GnssSystem system)
     DrawResults();
 }
 
+void CSurveyPlan::ShowGraph()
+{
+    PlanDrawing drawing = Drawing();
+    drawing.hasHeader = !m_enlarge->isChecked();
+    m_graph->SetDrawing(drawing);
+}
+
 void CSurveyPlan::DragMask(int maskDeg)
 {
     m_oldMaskDeg = m_oldMaskDeg.value_or(GetElMaskData());
@@ -260,7 +298,9 @@ void CSurveyPlan::ShowSlider()
     const PlanDrawing& drawing = m_graph->Drawing();
     const QSignalBlocker quiet(m_time);
     const bool isSky = drawing.graph == PlanGraph::SkyPlot;
-    m_time->setVisible(IsTracks(drawing.graph) && drawing.HasPlan());
+    const bool hasSlider = IsTracks(drawing.graph) && drawing.HasPlan();
+    m_time->setVisible(hasSlider);
+    m_below->addWidget(m_windows, hasSlider ? 1 : 0, 0, 1, hasSlider ? 4 : 1);
     m_tools->EnableItem(kFromBelowTool, isSky);
     OfferOldMask();
     m_time->setRange(0, static_cast<int>(drawing.LengthMin()));
@@ -277,11 +317,42 @@ void CSurveyPlan::Export()
     menu.exec(m_tools->mapToGlobal(QPoint(0, m_tools->height())));
 }
 
+void CSurveyPlan::OnPlanSetAlm()
+{
+    if (m_command == nullptr ||
+        m_surroundings.makeConnect(*m_command)->DoModal() != CConnect::Connected) {
+        return;
+    }
+    std::vector<AlmanacMessage> messages;
+    {
+        const WaitCursor wait(GetHost());
+        const Clock::Duration began = m_command->GetClock().Steady();
+        m_progress->SetRange(0, kMaxPrn);
+        m_progress->SetPos(0);
+        m_progress->show();
+        messages = m_session.UpdateAlmanac(*m_command, [&](int prn) {
+            m_progress->SetPos(prn - 1);
+            m_progress->SetText(UpdatingText(prn - 1, m_command->GetClock().Steady() - began));
+            return m_command->GetHost().Breathe(); // its strip has the button that ends it
+        });
+        m_progress->hide();
+    }
+    for (const AlmanacMessage& message : messages) {
+        Tell(message);
+    }
+    DrawResults();
+}
+
 void CSurveyPlan::resizeEvent(QResizeEvent* event)
 {
     Dialog::resizeEvent(event);
     const bool isWide = event->size().width() >= kWide;
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    if (isWide) {
+        m_enlarge->setChecked(false);
+    }
+    m_enlarge->setHidden(isWide);
+    m_systems->SetFoldable(!isWide);
     m_panel->setMinimumWidth(isWide ? kWide / 2
                                     : 0); // or the times would stand against their frames
     m_panel->setMaximumWidth(isWide ? kWide / 2 : QWIDGETSIZE_MAX);

@@ -3,8 +3,9 @@
 #include "core/planning/PlanSeries.h"
 #include "ui/planning/TimeAxes.h"
 
-#include <QPainterPath>
+#include <QLineF>
 #include <QPointF>
+#include <QVector>
 
 #include <optional>
 
@@ -29,7 +30,7 @@ public:
     [[nodiscard]] std::optional<QPointF> PointOfSatellite(int prnIndex, int epoch) const;
 
     /// A satellite's line; an azimuth that passes north is broken there.
-    [[nodiscard]] QPainterPath PathOf(const TrackRun& run) const;
+    [[nodiscard]] QVector<QLineF> LinesOf(const TrackRun& run) const;
 
     /// What is drawn does not clear its ground.
     void Draw(QPainter& painter) const;

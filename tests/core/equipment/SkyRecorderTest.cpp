@@ -191,6 +191,40 @@ TEST_F(SkyRecorderTest, DoesNotTakeAFailingAntennaForAWall)
     EXPECT_EQ(Noted(), before);
 }
 
+/// At 9600 bit/s, an answer after 150 ms, and some of them late, doubled, torn, damaged or lost.
+TEST_F(SkyRecorderTest, NotesNothingWrongOnABadLine)
+{
+    constexpr const char* kStreet = "obstruction 60 130 35\nobstruction 200 290 25\n";
+    constexpr const char* kBadLine =
+        "baud 9600\npacing baud\nlatency 150\nfault delay 4000 every 9\n"
+        "fault duplicate skip 2 every 5\nfault drop skip 3 every 11\nfault corrupt skip 4 every "
+        "13\n"
+        "fault split 3 skip 1 every 7\n";
+    std::vector<SkyRecord> records;
+    for (const char* const cable : {"", kBadLine}) {
+        Plug(std::string(kHere) + kStreet + cable);
+        const TemporaryFolder own;
+        PutAlmanac(own.Path());
+        Begin(own.Path());
+        Live(1h);
+        ASSERT_TRUE(recorder->GetNow().record);
+        records.push_back(*recorder->GetNow().record);
+        recorder.reset();
+    }
+    EXPECT_GT(records[1].Observed(), 15min);
+    int same = 0;
+    for (int azimuth = 0; azimuth < SkyRecord::kAzimuths; ++azimuth) {
+        for (int elevation = 0; elevation < SkyRecord::kElevations; ++elevation) {
+            const SkyRecord::Cell good = records[0].At(azimuth, elevation);
+            const SkyRecord::Cell bad = records[1].At(azimuth, elevation);
+            const bool isBoth = good != SkyRecord::Cell::Unknown && bad != SkyRecord::Cell::Unknown;
+            EXPECT_TRUE(!isBoth || good == bad) << azimuth << ' ' << elevation;
+            same += isBoth ? 1 : 0;
+        }
+    }
+    EXPECT_GT(same, 100);
+}
+
 TEST_F(SkyRecorderTest, KeepsTheStoresApart)
 {
     PutAlmanac(folder.Path());

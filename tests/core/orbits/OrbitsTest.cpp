@@ -200,21 +200,26 @@ TEST_F(ConstellationsTest, TakesTheNearestMessageAndItsHealth)
 {
     m_known.Add(std::array{At(4), At(0), At(8, 1), At(12)});
     const auto taken = [&](double hours) {
-        const NavigationRecord* const record = m_known.At(kSatellite, Time(hours));
-        return record != nullptr ? (record->ReferenceS() - Time(0)) / 3600.0 : -1.0;
+        const auto position = m_known.Position(kSatellite, Time(hours));
+        for (const NavigationRecord& record : m_known.RecordsOf(kSatellite)) {
+            if (position && Distance(*OrbitMotion(record).At(Time(hours)), *position) == 0.0) {
+                return (record.ReferenceS() - Time(0)) / 3600.0;
+            }
+        }
+        return -1.0;
     };
     EXPECT_EQ(taken(-50), 0.0);
     EXPECT_EQ(taken(1.9), 0.0);
     EXPECT_EQ(taken(2.0), 4.0); // equally near: the newer
     EXPECT_EQ(taken(7), -1.0);  // it says that it is not to be used
     EXPECT_EQ(taken(1000), 12.0);
-    EXPECT_EQ(m_known.At({GnssSystem::Galileo, 12}, Time(0)), nullptr);
+    EXPECT_FALSE(m_known.Position({GnssSystem::Galileo, 12}, Time(0)));
 
     constexpr std::array hours{0.0, 1.0, 3.0, 9.0, 30.0};
     std::array<double, hours.size()> epochs{};
     std::transform(hours.begin(), hours.end(), epochs.begin(), Time);
     std::array<Ecef, hours.size()> positions;
-    m_known.Positions(kSatellite, epochs, positions);
+    SatelliteMotion(m_known, kSatellite).At(epochs, positions);
     for (std::size_t i = 0; i < hours.size(); ++i) {
         const auto expected = m_known.Position(kSatellite, epochs[i]);
         EXPECT_EQ(std::isnan(positions[i].x), !expected) << i;

@@ -81,7 +81,7 @@ TEST_F(PlanSessionTest, StopsAtAMissingAlmanacAndGoesOnWithItLater)
     const AlmanacMessage missing = m_session.Begin(m_clock);
     EXPECT_EQ(missing.text, text::kAlmanacNotRead);
     EXPECT_EQ(missing.icon, BoxIcon::Stop);
-    EXPECT_FALSE(m_session.HasAlmanac() || m_session.IsAlmanacTooOld());
+    EXPECT_FALSE(m_session.CanPlan() || m_session.IsAlmanacTooOld());
     EXPECT_EQ(m_session.Plan().Division(), 0) << "nothing is computed";
     WriteAlmanac();
     EXPECT_EQ(m_session.ReloadAlmanac().text, 0);

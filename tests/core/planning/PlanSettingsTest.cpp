@@ -24,40 +24,39 @@ protected:
 
 TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
 {
-    const PlanSettings settings = LoadPlanSettings(m_reg);
-    EXPECT_EQ(settings.elMaskDeg, 15);
-    EXPECT_EQ(settings.startHour, 9);
-    EXPECT_EQ(settings.hours, 2);
-    EXPECT_EQ(settings.drawType, 0);
-    EXPECT_EQ(settings.listCoord, 0);
-    EXPECT_EQ(settings.positionNo, 13);
-    EXPECT_EQ(settings.position, L"東京都千代田区");
-    EXPECT_EQ(settings.positionId, 0);
-    EXPECT_EQ(settings.limits, WindowLimits{});
-    EXPECT_EQ(settings.switchedOff, 0U);
-    EXPECT_EQ(settings.systems, SystemSetOf(GnssSystem::Gps));
+    EXPECT_EQ(LoadPlanSettings(m_reg), (PlanSettings{15,
+                                                     9,
+                                                     2,
+                                                     0,
+                                                     0,
+                                                     13,
+                                                     L"東京都千代田区",
+                                                     0,
+                                                     WindowLimits{},
+                                                     0,
+                                                     SystemSetOf(GnssSystem::Gps),
+                                                     false,
+                                                     {14, 8, 10, {}}}));
 }
 
 TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 {
-    const WindowLimits limits{7, 2.35, std::chrono::minutes(45)};
-    EXPECT_EQ(SavePlanSettings(m_reg, {25, 7, 12, 4, 1, 27, L"自宅", 99, limits, 0x80000005,
-                                       SystemSet(0b101), true}),
-              1);
+    const PlanSettings kept{25,
+                            7,
+                            12,
+                            4,
+                            1,
+                            27,
+                            L"自宅",
+                            99,
+                            {7, 2.35, std::chrono::minutes(45)},
+                            0x80000005,
+                            SystemSet(0b101),
+                            true,
+                            {5, 22, 9, {L"自宅", L"現場 2"}}};
+    EXPECT_EQ(SavePlanSettings(m_reg, kept), 1);
     SettingsRoots later(testing::FoldersBelow(m_home.Path()));
-    const PlanSettings settings = LoadPlanSettings(HostReg(later));
-    EXPECT_EQ(settings.elMaskDeg, 25);
-    EXPECT_EQ(settings.startHour, 7);
-    EXPECT_EQ(settings.hours, 12);
-    EXPECT_EQ(settings.drawType, 4);
-    EXPECT_EQ(settings.listCoord, 1);
-    EXPECT_EQ(settings.positionNo, 27);
-    EXPECT_EQ(settings.position, L"自宅");
-    EXPECT_EQ(settings.positionId, 99);
-    EXPECT_EQ(settings.limits, limits);
-    EXPECT_EQ(settings.switchedOff, 0x80000005U);
-    EXPECT_EQ(settings.systems, SystemSet(0b101));
-    EXPECT_TRUE(settings.clockPerSystem);
+    EXPECT_EQ(LoadPlanSettings(HostReg(later)), kept);
 
     // Under the names that other programs of the controller know.
     std::uint32_t mask = 0;

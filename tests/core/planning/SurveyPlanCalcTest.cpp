@@ -147,7 +147,8 @@ TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
         CSurveyPlanCalc calc;
         ASSERT_TRUE(calc.LoadAlmanac(FileOf({SampleSatellite(prn)})));
         calc.SetTime(epoch.week, epoch.sowS);
-        const auto position = ReferencePosition(KeplerElements(SampleSatellite(prn)), epoch);
+        const auto position =
+            PositionOf(OrbitOf(KeplerElements(SampleSatellite(prn))), AlmanacOrbit::CountOf(epoch));
         ASSERT_TRUE(position);
         const auto direction = ReferenceDirection(Observer{}, *position);
         ASSERT_TRUE(direction);

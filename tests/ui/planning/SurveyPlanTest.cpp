@@ -400,6 +400,18 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     EXPECT_FALSE(time->isVisible());
 }
 
+TEST_F(SurveyPlanTest, GivesTheGraphThePageOnASmallScreenOnly)
+{
+    Show();
+    const int before = Find(21373)->height();
+    Click(*plan, text::kPlanEnlarge);
+    EXPECT_FALSE(Find(21375)->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Find(21373)->height() > before + 100; }, 60000));
+    plan->resize(1280, 800);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Find(21375)->isVisible(); }, 60000))
+        << "where no button brings it back";
+}
+
 TEST_F(SurveyPlanTest, HasRoomForTheLongestLineOfTheAlmanac)
 {
     const QFont before = QApplication::font();
