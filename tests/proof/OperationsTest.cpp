@@ -1,4 +1,4 @@
-// The line for a long time: what is asked over and over while things go wrong now and then.
+// What is done over the line, where the receiver goes away or the machine has nothing to give.
 
 #include "core/link/ConnectSequence.h"
 #include "core/link/DirectoryListing.h"
@@ -13,10 +13,8 @@
 #include "tests/support/Scarcity.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstddef>
 #include <filesystem>
 #include <iterator>
 #include <new>
@@ -25,12 +23,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <malloc.h>
-
-// Where a sanitizer keeps the memory; null without one.
-extern "C" std::size_t
-__sanitizer_get_current_allocated_bytes() // NOLINT(bugprone-reserved-identifier)
-    __attribute__((weak));
 
 namespace fieldcore {
 namespace {
@@ -40,157 +32,7 @@ using testing::Measured;
 using testing::VirtualReceiver;
 
 constexpr auto kReplyTimeout = 1000ms;
-constexpr int kBattery = 85; // percent, of the simulator
 constexpr auto kLongest = 2 * kReplyTimeout + 600ms;
-
-long long MemoryInUse()
-{
-    if (__sanitizer_get_current_allocated_bytes != nullptr) {
-        return static_cast<long long>(__sanitizer_get_current_allocated_bytes());
-    }
-    const auto info = mallinfo2();
-    return static_cast<long long>(info.uordblks + info.hblkhd);
-}
-
-/// Asks one of several things, and checks what comes against what the receiver holds.
-enum class Outcome
-{
-    Right,
-    Failed, ///< and says of what
-    Wrong
-};
-Outcome Ask(VirtualReceiver& receiver, int number)
-{
-    CCommand& command = receiver.command;
-    int result = 0;
-    bool isRight = false;
-    switch (number % 4) {
-    case 0:
-    case 1: {
-        const auto low = static_cast<std::uint8_t>(number / 2);
-        result = command.RequestHostData(0x20, low);
-        isRight = result == 1 && command.GetWord() == (0x2000U | low);
-        break;
-    }
-    case 2: {
-        StatusReply status;
-        result = command.RequestStatus(status);
-        isRight = result == 1 && status.batteryPercent == kBattery;
-        break;
-    }
-    default: {
-        const auto last = static_cast<std::uint8_t>(number / 4 % 200);
-        result = command.SetBoardSignals(1, 2, last);
-        const auto held = receiver.simulator.LastCommand(0xA3);
-        isRight = result == 1 && !held.empty() && held.back() == last;
-    }
-    }
-    if (result == 0) {
-        EXPECT_NE(command.Fault(), CommandFault::None);
-        return Outcome::Failed;
-    }
-    return isRight ? Outcome::Right : Outcome::Wrong;
-}
-
-/// One exchange in a hundred is spoilt, in any way. What is answered behind it is right again at
-/// once, and what is used does not grow.
-TEST(LongRuns, FaultsNowAndThenSpoilNothingForLong)
-{
-    constexpr const char* kRules[] = {"drop",
-                                      "corrupt",
-                                      "corrupt 3",
-                                      "corrupt 0",
-                                      "duplicate",
-                                      "split",
-                                      "delay 300",
-                                      "nak",
-                                      "nak-storm",
-                                      "delay 1400",
-                                      "ack",
-                                      "reply-for-ack",
-                                      "early",
-                                      "burst",
-                                      "garbage",
-                                      "unsolicited",
-                                      "oversize-length",
-                                      "wrong-type",
-                                      "reboot",
-                                      "delay 1700",
-                                      "truncate 3",
-                                      "zero-length",
-                                      "oversize-length 65535"};
-    // The simulator, which is in this process, keeps the last 65,536 requests and pieces: until
-    // these are there its memory grows.
-    constexpr int kFirst = 70'000;
-    const int count = testing::ProofSize("FIELDCORE_SOAK", 1500);
-    std::mt19937 random(testing::Seed());
-    constexpr std::uint32_t kRates[] = {0, 9600, 38400, 115200};
-    const std::uint32_t rate = kRates[random() % std::size(kRates)];
-    VirtualReceiver receiver("chance-start " + std::to_string(random() % 1000 + 1) + "\n", rate);
-    SCOPED_TRACE("bit/s: " + std::to_string(rate));
-    receiver.Open(kReplyTimeout);
-    const auto process = testing::CountProcess();
-    long long memory = 0;
-    int wrong = 0;
-    int commands = 0; // of the wrong ones
-    int failed = 0;
-    int sinceFault = 0; // answers that were wrong
-    int mostBehindOne = 0;
-    constexpr int kMostStale = 1; // behind one fault
-    std::string rule = "none yet";
-    for (int i = 0; i < count; ++i) {
-        if (random() % 100 == 0) {
-            rule = kRules[random() % std::size(kRules)];
-            receiver.simulator.ClearFaults();
-            receiver.AddFault(rule + " count 1");
-            sinceFault = 0;
-        }
-        const auto start = receiver.clock.Steady();
-        const auto number = static_cast<int>(random() % 100'000);
-        const Outcome outcome = Ask(receiver, number);
-        EXPECT_LE(receiver.clock.Steady() - start, 2 * kLongest) << rule << ", " << i;
-        failed += outcome == Outcome::Failed ? 1 : 0;
-        if (outcome == Outcome::Wrong) {
-            ++wrong;
-            commands += number % 4 == 3 ? 1 : 0;
-            mostBehindOne = std::max(mostBehindOne, ++sinceFault);
-            EXPECT_LE(sinceFault, kMostStale) << rule << ", exchange " << i;
-        }
-        if (i == kFirst) {
-            memory = MemoryInUse();
-        }
-    }
-    EXPECT_LT(failed, count / 10 + 10);
-    EXPECT_EQ(testing::CountProcessAgain(process), process);
-    if (memory > 0) {
-        const long long grown = MemoryInUse() - memory;
-        EXPECT_LE(grown, 64 * 1024);
-        Measured(std::max(grown, 0LL), "bytes grown");
-    }
-    Measured(count, "exchanges");
-    Measured(wrong, "wrong answers");
-    EXPECT_EQ(commands, 0) << "took the answers of others";
-    Measured(commands, "commands among them");
-    Measured(mostBehindOne, "at most behind one fault");
-    Measured(failed, "told as failed");
-}
-
-TEST(LongRuns, OpeningAndClosingLeavesNothing)
-{
-    const int count = testing::ProofSize("FIELDCORE_OPENINGS", 50);
-    VirtualReceiver receiver;
-    receiver.Open(kReplyTimeout);
-    receiver.command.ClosePort();
-    const auto process = testing::CountProcess();
-    for (int i = 0; i < count; ++i) {
-        receiver.Open(kReplyTimeout);
-        StatusReply status;
-        ASSERT_EQ(receiver.command.RequestStatus(status), 1) << receiver.command.LastError();
-        receiver.command.ClosePort();
-    }
-    EXPECT_EQ(testing::CountProcessAgain(process), process);
-    Measured(count, "openings");
-}
 
 struct Operation
 {
@@ -229,7 +71,7 @@ const Operation kOperations[] = {
 
 /// The receiver starts anew, or its cable is pulled, anywhere in each operation: that ends, and
 /// when the receiver is back, the port opens and the same is done well.
-TEST(LongRuns, AnyOperationStandsAReceiverThatGoesAway)
+TEST(Operations, StandAReceiverThatGoesAway)
 {
     const int rounds = testing::ProofSize("FIELDCORE_REBOOTS", 3);
     std::mt19937 random(testing::Seed());
@@ -366,12 +208,12 @@ void StandsScarcity(testing::Scarcity::Of what, const char* measured)
     Measured(cases, measured);
 }
 
-TEST(LongRuns, AnyOperationStandsThatMemoryRunsOut)
+TEST(Operations, StandThatMemoryRunsOut)
 {
     StandsScarcity(testing::Scarcity::Of::Memory, "allocations refused");
 }
 
-TEST(LongRuns, AnyOperationStandsThatThreadsRunOut)
+TEST(Operations, StandThatThreadsRunOut)
 {
     StandsScarcity(testing::Scarcity::Of::Threads, "threads refused");
 }
