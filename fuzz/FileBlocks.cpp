@@ -115,9 +115,10 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
         const ReceivedFile::Verdict verdict = file.Take(*block);
         const bool taken =
             verdict == ReceivedFile::Verdict::More || verdict == ReceivedFile::Verdict::Whole;
-        Check(!taken || (block->offset == before && file.Offset() == before + block->bytes.size()));
+        Check(!taken || file.Offset() == block->offset + block->bytes.size());
+        Check(!taken || block->offset == before || !isNew); // else it begins anew
         Check(taken || file.Offset() == before || !isNew);
-        Check(verdict != ReceivedFile::Verdict::More || file.Offset() > before);
+        Check(verdict != ReceivedFile::Verdict::More || file.Offset() > before || !isNew);
         Check(file.Offset() <= expected && (!isNew || operations.written <= file.Offset()));
         if (verdict == ReceivedFile::Verdict::Whole) {
             Check(!isNew || operations.written == file.Offset());
@@ -135,15 +136,19 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
 } // namespace
 
 /// The first two bytes are the announced size; then blocks. From 32768 on: 32768 and the announced
-/// size, the record of what was left and its content, each with its length in front, and blocks.
+/// size, the record of what was left (empty: none) and its content, each with its length in front,
+/// and blocks.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::span<const std::uint8_t> input(data, size);
     const auto first = static_cast<std::uint32_t>(TakeWord(input));
     CountingOperations operations;
     if (first >= 0x8000) {
-        operations.left[3] = TakeText(input);
+        const std::string record = TakeText(input);
         operations.left[2] = TakeText(input);
+        if (!record.empty()) {
+            operations.left[3] = record;
+        }
     }
     const bool isNew = operations.left.empty();
     const std::uint32_t taken = Receive(first & 0x7FFFU, input, operations);
