@@ -57,6 +57,9 @@ Outcome Ask(VirtualReceiver& receiver, int number)
     case 1: {
         const auto low = static_cast<std::uint8_t>(number / 2);
         result = command.RequestHostData(0x20, low);
+        if (result == 1 && command.Reader().DataLength() == 0) {
+            return Outcome::Failed; // what is in a reply of this kind, its caller looks at
+        }
         isRight = result == 1 && command.GetWord() == (0x2000U | low);
         break;
     }
@@ -217,13 +220,13 @@ TEST_P(PairsOfFaults, SpoilNothingForLong)
                     }
                 }
                 EXPECT_EQ(outcome, Outcome::Right) << receiver.command.LastError();
+                EXPECT_LE(wrong, 1) << "more than the stale answer";
                 mostWrong = std::max(mostWrong, wrong);
                 ++pairs;
                 receiver.simulator.ClearFaults();
             }
         }
     }
-    EXPECT_LE(mostWrong, 1) << "more than the stale answer";
     EXPECT_EQ(commands, 0) << "took the answers of others";
     Measured(pairs, "pairs");
     Measured(mostWrong, "at most wrong behind one pair");
