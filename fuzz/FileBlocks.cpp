@@ -1,5 +1,6 @@
 // A row of file blocks, any bytes: the file never grows beyond its announced size, and holds
-// exactly what the blocks that were taken said.
+// exactly what the blocks that were taken said. Or what an earlier transfer has left, any bytes as
+// well, and blocks behind it.
 
 #include "core/link/FileReplies.h"
 #include "core/link/FrameBuffer.h"
@@ -9,7 +10,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <map>
+#include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 using namespace fieldcore;
@@ -23,7 +27,9 @@ void Check(bool holds)
     }
 }
 
-/// Counts what is written, and writes nothing.
+constexpr std::uint32_t kTime = 5; // of a file that can be gone on with
+
+/// Counts what is written, and writes nothing. What was left is read.
 class CountingOperations final : public FileOperations
 {
 public:
@@ -33,13 +39,17 @@ public:
         handle = 1;
         return {};
     }
-    std::error_code OpenLeft(const std::filesystem::path&, int&) override
+    std::error_code OpenLeft(const std::filesystem::path& file, int& handle) override
     {
-        return std::make_error_code(std::errc::no_such_file_or_directory);
+        handle = file.extension() == ".info" ? 3 : 2;
+        return left.contains(handle) ? std::error_code()
+                                     : std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    std::error_code Read(int, std::span<char>, std::size_t& count) override
+    std::error_code Read(int handle, std::span<char> bytes, std::size_t& count) override
     {
-        count = 0;
+        std::string& rest = left[handle];
+        count = rest.copy(bytes.data(), bytes.size());
+        rest.erase(0, count);
         return {};
     }
     std::error_code Cut(int, std::uint64_t) override { return {}; }
@@ -58,6 +68,7 @@ public:
     std::error_code SyncFolder(const std::filesystem::path&) override { return {}; }
     void Remove(const std::filesystem::path&) override {}
 
+    std::map<int, std::string> left; // by handle
     std::size_t written = 0;
     bool renamed = false;
 };
@@ -70,15 +81,26 @@ std::size_t TakeWord(std::span<const std::uint8_t>& input)
     return value;
 }
 
+/// Takes a text off @p input, its length in two bytes in front.
+std::string TakeText(std::span<const std::uint8_t>& input)
+{
+    const auto length = std::min(TakeWord(input), input.size());
+    const std::string text(input.begin(), input.begin() + static_cast<std::ptrdiff_t>(length));
+    input = input.subspan(length);
+    return text;
+}
+
 /// Puts a file together from the blocks in @p input, each with its length in two bytes.
 /// @return how many bytes were taken
 std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> input,
                       CountingOperations& operations)
 {
     // The folder is there: none is made.
+    const bool isNew = operations.left.empty();
     Transfer transfer;
-    ReceivedFile file(".", L"A.Q01", expected, {}, operations, transfer);
-    Check(file.Open());
+    ReceivedFile file(".", L"A.Q01", expected, isNew ? std::nullopt : std::optional(kTime),
+                      operations, transfer);
+    Check(file.Open() && file.Offset() <= expected);
     FrameBuffer frame;
     while (!input.empty()) {
         const std::size_t announced = TakeWord(input);
@@ -94,12 +116,13 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
         const ReceivedFile::Verdict verdict = file.Take(*block);
         const bool taken =
             verdict == ReceivedFile::Verdict::More || verdict == ReceivedFile::Verdict::Whole;
-        Check(!taken || (block->offset == before && file.Offset() == before + block->bytes.size()));
-        Check(taken || file.Offset() == before);
-        Check(verdict != ReceivedFile::Verdict::More || file.Offset() > before);
-        Check(file.Offset() <= expected && operations.written <= file.Offset());
+        Check(!taken || file.Offset() == block->offset + block->bytes.size());
+        Check(!taken || block->offset == before || !isNew); // else it begins anew
+        Check(taken || file.Offset() == before || !isNew);
+        Check(verdict != ReceivedFile::Verdict::More || file.Offset() > before || !isNew);
+        Check(file.Offset() <= expected && (!isNew || operations.written <= file.Offset()));
         if (verdict == ReceivedFile::Verdict::Whole) {
-            Check(operations.written == file.Offset());
+            Check(!isNew || operations.written == file.Offset());
             Check(file.Finish() == (file.Offset() == expected));
             Check(operations.renamed == (file.Offset() == expected));
             break;
@@ -113,13 +136,23 @@ std::uint32_t Receive(std::uint32_t expected, std::span<const std::uint8_t> inpu
 
 } // namespace
 
-/// The first two bytes are the announced size; then blocks.
+/// The first two bytes are the announced size; then blocks. From 32768 on: 32768 and the announced
+/// size, the record of what was left (empty: none) and its content, each with its length in front,
+/// and blocks.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::span<const std::uint8_t> input(data, size);
-    const auto expected = static_cast<std::uint32_t>(TakeWord(input));
+    const auto first = static_cast<std::uint32_t>(TakeWord(input));
     CountingOperations operations;
-    const std::uint32_t taken = Receive(expected, input, operations);
-    Check(operations.written == taken); // what came stays, also of a file that is not whole
+    if (first >= 0x8000) {
+        const std::string record = TakeText(input);
+        operations.left[2] = TakeText(input);
+        if (!record.empty()) {
+            operations.left[3] = record;
+        }
+    }
+    const bool isNew = operations.left.empty();
+    const std::uint32_t taken = Receive(first & 0x7FFFU, input, operations);
+    Check(!isNew || operations.written == taken); // what came stays, whole or not
     return 0;
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 using namespace fieldcore;
 
@@ -13,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const ProfileText profile(std::string(data, data + size));
     static_cast<void>(profile.Value(L"S", L"K"));
+    profile.Visit(profile.Sections(), [](std::size_t, std::wstring_view, std::wstring_view) {});
     const auto changed = profile.WithEntry(L"S", L"K", L"value");
     if (!changed || ProfileText(*changed).Value(L"S", L"K") != L"value" ||
         ProfileText(*changed).WithEntry(L"S", L"K", L"value") != changed) {

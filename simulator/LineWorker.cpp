@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <system_error>
 #include <utility>
 
 namespace fieldcore::simulator {
@@ -54,7 +55,13 @@ bool LineWorker::Start(std::string& error)
     if (!m_port.Open(error)) {
         return false;
     }
-    m_thread = std::thread([this] { Run(); });
+    try {
+        m_thread = std::thread([this] { Run(); });
+    } catch (const std::system_error& fault) {
+        m_port.Close();
+        error = "no thread: " + fault.code().message();
+        return false;
+    }
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <span>
 #include <string>
@@ -36,7 +37,10 @@ public:
     /// The frame expected is told by its type and by how its data begin.
     /// @param prefix  as FrameLayouts() has it
     LayoutReader(FrameReader frame, std::uint8_t type, std::string_view prefix = {});
-    ~LayoutReader() { assert(!m_fits || !m_isComplete || !HasNext()); }
+    ~LayoutReader()
+    {
+        assert(!m_fits || !m_isComplete || !HasNext() || std::uncaught_exceptions() > 0);
+    }
     LayoutReader(const LayoutReader&) = delete;
     LayoutReader& operator=(const LayoutReader&) = delete;
 

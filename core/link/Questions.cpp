@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
+#include <system_error>
 
 namespace fieldcore {
 
@@ -9,14 +11,31 @@ namespace {
 
 constexpr Clock::Duration kLongestWait = std::chrono::hours(1);
 constexpr int kMostDoublings = 16;
+constexpr Clock::Duration kPauseWithoutMemory = std::chrono::seconds(1);
 
 } // namespace
 
 Questions::Questions(const CCommand& command, bool hasThread)
-    : m_clock(command.GetClock()), m_command(command, m_host)
+    : m_clock(command.GetClock()), m_command(command, m_host), m_hasThread(hasThread)
 {
-    if (hasThread) {
+    StartThread();
+}
+
+bool Questions::HasThread()
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_thread.joinable();
+}
+
+void Questions::StartThread()
+{
+    if (!m_hasThread || m_thread.joinable()) {
+        return;
+    }
+    try {
         m_thread = std::thread(&Questions::Run, this);
+    } catch (const std::system_error&) {
+        return;
     }
 }
 
@@ -48,6 +67,7 @@ void Questions::Once(std::function<void(CCommand& command)> tell)
 Questions::Id Questions::Put(Question question)
 {
     const std::scoped_lock lock(m_mutex);
+    StartThread();
     question.id = ++m_lastId;
     question.due = m_clock.Steady();
     m_questions.push_back(std::move(question));
@@ -67,6 +87,7 @@ void Questions::Remove(Id id)
 void Questions::Hurry(Id id)
 {
     const std::scoped_lock lock(m_mutex);
+    StartThread();
     for (Question& question : m_questions) {
         if (question.id == id) {
             question.due = m_clock.Steady();
@@ -124,16 +145,23 @@ Clock::Duration Questions::Step()
         m_host.stop = false; // what was to end has ended
         lock.unlock();
         m_command.SetReplyTimeout(m_timeout);
-        const bool isAnswered = question.ask(m_command) || m_host.stop;
+        bool isAnswered = false;
+        bool hasMemory = true;
+        try {
+            isAnswered = question.ask(m_command) || m_host.stop;
+        } catch (const std::bad_alloc&) {
+            hasMemory = false;
+        }
         lock.lock();
         question.silent = isAnswered ? 0 : std::min(question.silent + 1, kMostDoublings);
         const Clock::Duration pause =
             std::min(question.rhythm.interval * (1 << question.silent),
                      std::max(question.rhythm.longestPause, question.rhythm.interval));
-        question.due = m_clock.Steady() + pause;
+        question.due =
+            m_clock.Steady() + (hasMemory ? pause : std::max(pause, kPauseWithoutMemory));
         m_running = 0;
         m_idle.notify_all();
-        at = question.isOnce && !m_host.stop ? m_questions.erase(at) : std::next(at);
+        at = question.isOnce && hasMemory && !m_host.stop ? m_questions.erase(at) : std::next(at);
     }
     Clock::Duration wait = kLongestWait;
     for (const Question& question : m_questions) {

@@ -25,7 +25,9 @@ struct Rhythm
 /// What is asked of the receiver in the background, again and again: status, sky, tilt. A thread of
 /// its own asks one question after the other, each when it is due, through a face of its own, so
 /// that no window waits for an answer that nobody asked for. Any thread; what asks runs on the
-/// thread of the questions and must not wait for another one.
+/// thread of the questions and must not wait for another one. Where memory runs out a question
+/// counts as not answered, and where there is no thread nothing is asked, see HasThread(); both are
+/// tried again.
 class Questions
 {
 public:
@@ -54,6 +56,9 @@ public:
     void Remove(Id id);
     /// Asks as soon as it can be.
     void Hurry(Id id);
+
+    /// false: the system had none to give. The next Add(), Once() or Hurry() asks for it again.
+    [[nodiscard]] bool HasThread();
 
     /// Of the rounds that begin from now on.
     void SetReplyTimeout(std::chrono::milliseconds timeout) { m_timeout = timeout; }
@@ -103,12 +108,14 @@ private:
     };
 
     Id Put(Question question);
+    void StartThread();
     void Run();
     void AwaitEnd(std::unique_lock<std::mutex>& lock);
 
     const Clock& m_clock;
     Background m_host;
     CCommand m_command; // the thread's own face
+    const bool m_hasThread;
     AutoResetEvent m_wake;
     AutoResetEvent m_hasEnded; // the thread is about to
     std::atomic<std::chrono::milliseconds> m_timeout = kReplyTimeout;

@@ -40,11 +40,15 @@ constexpr std::array kMeanings{
                 text::kAnewNotFromMiddle},
 };
 
-std::string PieceLine(std::uint32_t end, std::uint64_t sum)
+/// Takes no memory: the last piece is written where there may be none.
+std::string_view PieceLine(std::uint32_t end, std::uint64_t sum, std::array<char, 40>& line)
 {
-    std::array<char, 16> digits{};
-    char* const last = std::to_chars(digits.data(), digits.data() + digits.size(), sum, 16).ptr;
-    return std::to_string(end) + ' ' + std::string(digits.data(), last) + '\n';
+    char* const last = line.data() + line.size();
+    char* at = std::to_chars(line.data(), last, end).ptr;
+    *at++ = ' ';
+    at = std::to_chars(at, last, sum, 16).ptr;
+    *at++ = '\n';
+    return {line.data(), at};
 }
 
 /// @return the number before the line's blank; 0 if there is none
@@ -167,11 +171,12 @@ AnewReason ReceivedFile::ReadPieces(std::string_view pieces)
     std::size_t good = 0; // bytes of the lines that hold
     std::uint64_t sum = kSumOfNothing;
     std::string tail;
+    std::array<char, 40> expected{};
     for (std::size_t next = 0; (next = pieces.find('\n', good)) != std::string_view::npos;) {
         const std::string_view line = pieces.substr(good, next + 1 - good);
         const std::uint32_t end = PieceEnd(line);
         if (end <= m_written || end > m_expected || !ReadPiece(end - m_written, sum, tail) ||
-            line != PieceLine(end, sum)) {
+            line != PieceLine(end, sum, expected)) {
             break;
         }
         good = next + 1;
@@ -291,7 +296,8 @@ std::error_code ReceivedFile::WritePiece()
     if (!error && m_info >= 0) {
         m_written += static_cast<std::uint32_t>(m_unwritten.size());
         m_sum = ContentSum(m_unwritten, m_sum);
-        if (m_operations.Write(m_info, PieceLine(m_written, m_sum))) {
+        std::array<char, 40> line{};
+        if (m_operations.Write(m_info, PieceLine(m_written, m_sum, line))) {
             CloseInfo(); // what comes later cannot be gone on with
         }
     }

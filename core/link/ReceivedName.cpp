@@ -3,6 +3,7 @@
 #include "core/link/DirectoryListing.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/FileNameCheck.h"
+#include "core/platform/FolderEntries.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
@@ -70,9 +71,8 @@ bool IsTakenIn(const fs::path& folder, std::wstring_view name)
     const fs::path own = ToUtf8(name);
     std::error_code error;
     bool found = false;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const fs::path other = entry->path().filename();
+    for (const fs::path& entry : FolderEntries(folder, error)) {
+        const fs::path other = entry.filename();
         found = found || other == own;
         if (other != own && IsSameOnACard(FromUtf8(other.string()), name)) {
             return true;

@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <fstream>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -447,21 +448,30 @@ void SerialLink::ReadPort()
         LoseLink(LinkError::EventMask);
     }
     m_threadState.Set();
-    while (listening && !m_closing) {
+    if (listening) {
+        try {
+            ReadUntilClosed();
+        } catch (const std::bad_alloc&) { // bytes are missing now
+            LoseLink(LinkError::Read);
+        }
+        m_threadState.Set();
+    }
+}
+
+void SerialLink::ReadUntilClosed()
+{
+    while (!m_closing) {
         const SerialDevice::Event event = m_device->WaitEvent();
         if (event != SerialDevice::Event::Received) {
             if (!m_closing) {
                 LoseLink(LinkError::WaitEvent);
             }
-            break;
+            return;
         }
         if (!TakeIn()) {
             LoseLink(LinkError::Read);
-            break;
+            return;
         }
-    }
-    if (listening) {
-        m_threadState.Set();
     }
 }
 

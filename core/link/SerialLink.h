@@ -96,7 +96,8 @@ struct Arrivals
 /// several threads are not arbitrated. An object can be opened again after it was closed.
 ///
 /// The other end may vanish (a cable pulled, a Bluetooth link lost): the reader ends, a waiter is
-/// woken at once, and everything but Close() fails from then on.
+/// woken at once, and everything but Close() fails from then on. The same if the reader runs out of
+/// memory.
 class SerialLink
 {
 public:
@@ -250,6 +251,7 @@ private:
     void StopReader();
 
     void ReadPort();
+    void ReadUntilClosed();
     bool TakeIn();
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();

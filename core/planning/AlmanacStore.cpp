@@ -23,6 +23,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
+struct Closing
+{
+    const int handle;
+    ~Closing() { PosixFileOperations::Instance().Close(handle); }
+};
+
 AlmanacBytes ToBytes(const AlmanacReply& reply)
 {
     AlmanacRecord record;
@@ -100,8 +106,8 @@ AlmanacResult AlmanacStore::Download(CCommand& command, std::size_t& size, const
     if (m_error) {
         return AlmanacResult::NotWritten;
     }
+    const Closing closing{handle};
     const AlmanacResult result = Receive(command, handle, size, progress);
-    PosixFileOperations::Instance().Close(handle);
     if (result == AlmanacResult::Cancelled) {
         command.SendAbort();
         Remove(AlmanacTemporaryPath(m_folder));

@@ -4,11 +4,13 @@
 #include "core/planning/SkyLimits.h"
 #include "core/platform/AtomicFile.h"
 #include "core/platform/ContentSum.h"
+#include "core/platform/FolderEntries.h"
 #include "core/platform/Folders.h"
 #include "core/platform/WholeFile.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <numbers>
 #include <string_view>
@@ -63,13 +65,9 @@ fs::path FileName(const Observer& place)
 std::vector<fs::path> Files(const fs::path& folder)
 {
     std::vector<fs::path> files;
-    std::error_code error;
-    for (fs::directory_iterator entry(SkyRecordsPath(folder), error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (entry->path().extension() == kEnding) {
-            files.push_back(entry->path());
-        }
-    }
+    std::error_code ignored;
+    std::ranges::copy_if(FolderEntries(SkyRecordsPath(folder), ignored), std::back_inserter(files),
+                         [](const fs::path& file) { return file.extension() == kEnding; });
     return files;
 }
 

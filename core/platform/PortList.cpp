@@ -1,5 +1,7 @@
 #include "core/platform/PortList.h"
 
+#include "core/platform/FolderEntries.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -98,9 +100,7 @@ std::vector<SerialPort> ListSerialPorts(const PortNames& names, const SystemRoot
 {
     std::vector<SerialPort> ports;
     std::error_code error;
-    for (fs::directory_iterator at(roots.sys / "class/tty", error), end; !error && at != end;
-         at.increment(error)) {
-        const fs::path& entry = at->path();
+    for (const fs::path& entry : FolderEntries(roots.sys / "class/tty", error)) {
         const fs::path device = roots.dev / entry.filename();
         if (!IsThere(entry) || !Exists(device)) {
             continue;

@@ -1,5 +1,7 @@
 #include "core/platform/PortNames.h"
 
+#include "core/platform/FolderEntries.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -168,9 +170,8 @@ std::string PortNames::StablePath(const std::string& path) const
     std::error_code error;
     std::string stable;
     // An adapter can have two names there; the first in the alphabet is always the same one.
-    for (fs::directory_iterator at(m_roots.dev / "serial/by-id", error), end; !error && at != end;
-         at.increment(error)) {
-        const std::string name = at->path().string();
+    for (const fs::path& at : FolderEntries(m_roots.dev / "serial/by-id", error)) {
+        const std::string name = at.string();
         if (Resolved(name) == device && (stable.empty() || name < stable)) {
             stable = name;
         }

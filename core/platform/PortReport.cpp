@@ -1,5 +1,7 @@
 #include "core/platform/PortReport.h"
 
+#include "core/platform/FolderEntries.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -113,11 +115,9 @@ std::optional<pid_t> ProcessNumber(const std::string& name)
 bool HasOpen(const fs::path& process, dev_t device)
 {
     std::error_code error;
-    for (fs::directory_iterator at(process / "fd", error), end; !error && at != end;
-         at.increment(error)) {
+    for (const fs::path& at : FolderEntries(process / "fd", error)) {
         struct stat info = {};
-        if (stat(at->path().c_str(), &info) == 0 && S_ISCHR(info.st_mode) &&
-            info.st_rdev == device) {
+        if (stat(at.c_str(), &info) == 0 && S_ISCHR(info.st_mode) && info.st_rdev == device) {
             return true;
         }
     }
@@ -128,12 +128,11 @@ std::vector<PortHolder> FindHolders(dev_t device, const SystemRoots& roots)
 {
     std::vector<PortHolder> holders;
     std::error_code error;
-    for (fs::directory_iterator at(roots.proc, error), end; !error && at != end;
-         at.increment(error)) {
-        const std::optional<pid_t> pid = ProcessNumber(at->path().filename().string());
-        if (pid && HasOpen(at->path(), device)) {
+    for (const fs::path& at : FolderEntries(roots.proc, error)) {
+        const std::optional<pid_t> pid = ProcessNumber(at.filename().string());
+        if (pid && HasOpen(at, device)) {
             std::string name;
-            std::ifstream comm(at->path() / "comm");
+            std::ifstream comm(at / "comm");
             std::getline(comm, name);
             holders.push_back({*pid, name, *pid == getpid()});
         }

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <initializer_list>
+#include <new>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -146,7 +147,9 @@ std::string Reason(sqlite3* database, int result)
 /// Closes the database as it is, without copying its log into the file.
 Attempt Failed(SqliteHandle handle, int result)
 {
-    sqlite3_db_config(handle.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    if (handle) { // else there was no memory for it
+        sqlite3_db_config(handle.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    }
     return {result, nullptr, Reason(handle.get(), result)};
 }
 
@@ -400,7 +403,9 @@ SettingsDatabase InMemory(const fs::path& file, const std::string& reason)
         notice.reason = read.reason == reason ? reason : reason + "; " + read.reason;
     }
     SqliteHandle memory = OpenMemory();
-    Execute(memory.get(), kTables);
+    if (!memory || Execute(memory.get(), kTables) != SQLITE_OK) {
+        throw std::bad_alloc(); // nothing else is in the way of it
+    }
     return {std::move(memory), std::move(notice)};
 }
 

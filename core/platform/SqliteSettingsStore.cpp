@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <optional>
 #include <span>
 #include <utility>
@@ -169,7 +170,9 @@ struct SqliteSettingsStore::Database
         notice = std::move(opened.notice);
         handle = std::move(opened.handle);
         for (std::size_t query = 0; query < kQueryCount; ++query) {
-            statements[query].Prepare(handle.get(), kQueries[query]);
+            if (statements[query].Prepare(handle.get(), kQueries[query]) == SQLITE_NOMEM) {
+                throw std::bad_alloc();
+            }
         }
     }
 

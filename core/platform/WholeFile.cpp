@@ -13,6 +13,12 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
+struct Closing
+{
+    const int descriptor;
+    ~Closing() { ::close(descriptor); }
+};
+
 std::optional<Bytes> Read(int descriptor, std::size_t limit)
 {
     struct stat info = {};
@@ -45,9 +51,8 @@ std::optional<Bytes> ReadWholeFile(const std::filesystem::path& file, std::size_
     if (descriptor < 0) {
         return std::nullopt;
     }
-    std::optional<Bytes> content = Read(descriptor, limit);
-    ::close(descriptor);
-    return content;
+    const Closing closing{descriptor};
+    return Read(descriptor, limit);
 }
 
 std::string FileIdentity(const std::filesystem::path& file)

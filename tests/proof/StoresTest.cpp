@@ -3,11 +3,14 @@
 #include "core/equipment/AntennaCatalogue.h"
 #include "core/input/EntryList.h"
 #include "core/input/Parts.h"
+#include "core/link/FrameHistory.h"
+#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SkyRecord.h"
+#include "core/platform/AtomicFile.h"
 #include "core/settings/Profile.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/core/planning/SampleSky.h"
@@ -16,6 +19,7 @@
 #include "tests/core/settings/FileSizeLimit.h"
 #include "tests/support/FileCalls.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/Scarcity.h"
 #include "tests/support/VirtualReceiver.h"
 
 #include <cerrno>
@@ -26,7 +30,10 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <new>
+#include <optional>
 #include <random>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,6 +50,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::FileCalls;
+using testing::Scarcity;
+using testing::Spared;
 
 /// One that writes, each time something else, and what somebody finds who looks later.
 struct Store
@@ -51,8 +60,9 @@ struct Store
     /// @param version  from 1
     /// @return whether it says that it is done
     bool (*write)(const fs::path& folder, int version);
-    const char* file;                             ///< which is replaced; null: the settings
+    const char* file;                             ///< which is replaced; null: see found
     std::string (*found)(const fs::path& folder); ///< null: the file's bytes
+    bool isInSettings = false;
 };
 
 bool WriteToProfile(const fs::path& folder, int version)
@@ -102,14 +112,35 @@ std::string FoundSky(const fs::path& folder)
     return {bytes.begin(), bytes.end()};
 }
 
+bool SaveFrames(const fs::path& folder, int version)
+{
+    FrameHistory history;
+    history.Add(Direction::Sent, LineUnit::Frame,
+                std::vector<std::uint8_t>(60, static_cast<std::uint8_t>(version)));
+    auto frames = history.After(0);
+    frames[0].time = {};
+    return !SaveFrameLog(folder / "frames.log", frames);
+}
+
+bool Export(const fs::path& folder, int version)
+{
+    const std::string text(static_cast<std::size_t>(150 + version % 50), 'x');
+    return !ReplaceFile(folder / "plan.csv", "plan.csv.new", std::as_bytes(std::span(text)));
+}
+
 bool Download(const fs::path& folder, int version)
 {
     const int size = 2500 + 100 * version;
-    testing::VirtualReceiver receiver("file A.Q01 " + std::to_string(size) + " 2026-03-14 01:30\n");
-    receiver.Open(std::chrono::seconds(1));
-    return receiver.command.DownloadFile(folder, L"A.Q01", static_cast<std::uint32_t>(size), {},
-                                         static_cast<std::uint32_t>(version)) == size &&
-           receiver.command.GetDownloadFault() == DownloadFault::None;
+    std::optional<testing::VirtualReceiver> receiver;
+    {
+        const Spared spared;
+        receiver.emplace("file A.Q01 " + std::to_string(size) + " 2026-03-14 01:30\n");
+    }
+    CCommand& command = receiver->command;
+    return command.OpenPort("in memory") == 1 &&
+           command.DownloadFile(folder, L"A.Q01", static_cast<std::uint32_t>(size), {},
+                                static_cast<std::uint32_t>(version)) == size &&
+           command.GetDownloadFault() == DownloadFault::None;
 }
 
 bool ImportAntennas(const fs::path& folder, int version)
@@ -167,9 +198,11 @@ const Store kStores[] = {
      },
      "curtain.txt", nullptr},
     {"download", Download, "A.Q01", nullptr},
-    {"antennas", ImportAntennas, nullptr, FoundAntennas},
-    {"remembered entries", RememberEntries, nullptr, FoundEntries},
+    {"frames of a log", SaveFrames, "frames.log", nullptr},
+    {"exported plan or settings", Export, "plan.csv", nullptr},
     {"noted sky", NoteSky, nullptr, FoundSky},
+    {"antennas", ImportAntennas, nullptr, FoundAntennas, true},
+    {"remembered entries", RememberEntries, nullptr, FoundEntries, true},
 };
 
 std::string Found(const Store& store, const fs::path& folder)
@@ -189,53 +222,108 @@ std::string Expected(const Store& store, int version)
     return Found(store, folder.Path());
 }
 
-/// Each call fails, once and from then on: what is said to be done is done, and what is not has
-/// left the old file, but where only the folder could not be synced. Nothing is left locked or
-/// open.
-TEST(Stores, EveryCallMayFail)
+enum class Refused
 {
+    FileCalls,
+    Memory,
+    Threads
+};
+
+/// How a store was written while one thing was refused, or none.
+struct Attempt
+{
+    int asked = 0; ///< how often it could have been refused
+    std::string failed;
+    bool isUnsynced = false; ///< it was the folder that could not be synced
+    bool isDone = false;     ///< as the store says
+    bool hadMemory = true;   ///< false: it left with std::bad_alloc
+};
+
+/// @param n  the one that is refused, and with @p once false all later ones; 0: none
+Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, int n, bool once)
+{
+    Attempt attempt;
+    if (what == Refused::FileCalls) {
+        const FileCalls watched(folder, [&](const FileCalls::Call& call) {
+            ++attempt.asked;
+            const bool fails = n > 0 && (once ? attempt.asked == n : attempt.asked >= n);
+            if (fails && attempt.failed.empty()) {
+                attempt.failed = call.name + " " + call.file;
+                attempt.isUnsynced = fs::is_directory(call.file);
+            }
+            return fails;
+        });
+        attempt.isDone = store.write(folder, 2);
+    } else {
+        const Scarcity scarcity(
+            what == Refused::Memory ? Scarcity::Of::Memory : Scarcity::Of::Threads, n, once);
+        try {
+            attempt.isDone = store.write(folder, 2);
+        } catch (const std::bad_alloc&) {
+            attempt.hadMemory = false;
+        }
+        attempt.asked = scarcity.Count();
+    }
+    return attempt;
+}
+
+void LeavesOldOrNew(Refused what, const char* measured)
+{
+    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     int cases = 0;
     for (const Store& store : kStores) {
-        if (store.file == nullptr) {
-            continue; // the settings have tests of their own
+        if (what == Refused::FileCalls && store.isInSettings) {
+            continue; // these have tests of their own
         }
         const std::string before = Expected(store, 1);
         const std::string after = Expected(store, 2);
         int calls = 1;
-        for (int n = 0; n <= calls; ++n) { // n == 0: nothing fails
+        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
             for (const bool once : {true, false}) {
                 const TemporaryFolder folder;
                 ASSERT_TRUE(store.write(folder.Path(), 1));
                 const auto process = testing::CountProcess();
-                int count = 0;
-                std::string failed;
-                bool isDone = false;
-                {
-                    const FileCalls watched(folder.Path(), [&](const FileCalls::Call& call) {
-                        ++count;
-                        const bool fails = n > 0 && (once ? count == n : count >= n);
-                        failed = fails && failed.empty() ? call.name + " " + call.file : failed;
-                        return fails;
-                    });
-                    isDone = store.write(folder.Path(), 2);
-                }
+                const long long blocks = testing::BlocksHeld();
+                const Attempt attempt = WriteWithout(store, folder.Path(), what, n, once);
                 ++cases;
-                SCOPED_TRACE(std::string(store.name) + ", call " + std::to_string(n) + ", " +
-                             failed + (once ? "" : " and all later ones"));
+                SCOPED_TRACE(std::string(store.name) + ", " + std::to_string(n) + " of " +
+                             std::to_string(calls) + " " + attempt.failed +
+                             (once ? "" : ", and all later ones"));
                 const std::string found = Found(store, folder.Path());
-                const bool isUnsynced = failed == "open " + folder.Path().string() ||
-                                        failed == "fsync " + folder.Path().string();
-                EXPECT_EQ(found, isDone || isUnsynced ? after : before);
-                EXPECT_TRUE(n > 0 || isDone);
-                calls = n == 0 ? count : calls;
+                const bool isWhole = found == after || (found == before && !attempt.isDone);
+                EXPECT_TRUE(isWhole) << found;
+                EXPECT_TRUE(attempt.isDone || attempt.isUnsynced || !attempt.hadMemory ||
+                            found == before)
+                    << "done, and told that it is not";
+                EXPECT_TRUE(n > 0 || attempt.isDone);
+                calls = n == 0 ? attempt.asked : calls;
                 EXPECT_EQ(testing::CountProcessAgain(process), process);
+                EXPECT_LE(testing::BlocksHeld(), blocks + 8) << "of memory are not given back";
                 EXPECT_TRUE(store.write(folder.Path(), 2));
                 EXPECT_EQ(Found(store, folder.Path()), after);
             }
         }
-        EXPECT_GT(calls, 4) << store.name;
+        EXPECT_TRUE(calls > 4 || what == Refused::Threads) << store.name;
     }
-    testing::Measured(cases, "failing calls");
+    testing::Measured(cases, measured);
+}
+
+/// Each is refused, once and from then on: what is said to be done is done, and what is not has
+/// left the old file, but where only the folder could not be synced. Nothing is left locked or
+/// open.
+TEST(Stores, EveryCallMayFail)
+{
+    LeavesOldOrNew(Refused::FileCalls, "failing calls");
+}
+
+TEST(Stores, MemoryMayRunOut)
+{
+    LeavesOldOrNew(Refused::Memory, "allocations refused");
+}
+
+TEST(Stores, ThreadsMayRunOut)
+{
+    LeavesOldOrNew(Refused::Threads, "threads refused");
 }
 
 /// A disk that keeps for sure only what was synced: of the changes to names since the folder was,
@@ -458,7 +546,7 @@ TEST(Stores, StayWhereNothingCanBeWritten)
             }
             std::vector<std::string> before;
             for (const Store& store : kStores) {
-                if (store.file != nullptr) {
+                if (!store.isInSettings) {
                     EXPECT_TRUE(store.write(folder.Path(), 1)) << store.name;
                     before.push_back(Found(store, folder.Path()));
                 }

@@ -1,11 +1,14 @@
 #include "tests/support/FileCalls.h"
 
+#include "tests/support/Scarcity.h"
+
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <utility>
 
 #include <dlfcn.h>
@@ -26,13 +29,13 @@ FileCalls::Watcher watch;        //
 std::map<int, std::string> open; // descriptors of the folder's files
 thread_local bool isInside = false;
 
-bool Fails(const char* name, const std::string& file, std::string data)
+bool Fails(const char* name, const std::string& file, std::string_view data)
 {
     if (isInside || !watch || !file.starts_with(below)) {
         return false;
     }
     isInside = true; // what the watcher itself calls
-    const bool fails = watch({name, file, std::move(data)});
+    const bool fails = watch({name, file, std::string(data)});
     isInside = false;
     errno = fails ? EIO : errno;
     return fails;
@@ -43,23 +46,26 @@ bool FailsFor(const char* name, const char* file, const char* data = "")
     if (!isWatched) {
         return false;
     }
+    const Spared spared;
     const std::lock_guard lock(mutex);
     return Fails(name, file, data);
 }
 
-bool FailsFor(const char* name, int descriptor, std::string data = {})
+bool FailsFor(const char* name, int descriptor, std::string_view data = {})
 {
     if (!isWatched) {
         return false;
     }
+    const Spared spared;
     const std::lock_guard lock(mutex);
     const auto at = open.find(descriptor);
-    return at != open.end() && Fails(name, at->second, std::move(data));
+    return at != open.end() && Fails(name, at->second, data);
 }
 
 void Remember(int descriptor, const char* file)
 {
     if (isWatched && descriptor >= 0) {
+        const Spared spared;
         const std::lock_guard lock(mutex);
         open.erase(descriptor);
         if (file != nullptr && std::string(file).starts_with(below)) {

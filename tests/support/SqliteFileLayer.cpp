@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 namespace fieldcore::testing {
@@ -159,8 +160,34 @@ int Access(sqlite3_vfs*, const char* name, int flags, int* answer)
 
 } // namespace
 
+namespace {
+
+sqlite3_mem_methods memory;
+
+void* Allocate(int size)
+{
+    return Fails("memory", "") ? nullptr : memory.xMalloc(size);
+}
+
+void* Reallocate(void* block, int size)
+{
+    return Fails("memory", "") ? nullptr : memory.xRealloc(block, size);
+}
+
+/// Before SQLite is used for the first time.
+const bool kIsMemoryWatched = [] {
+    sqlite3_config(SQLITE_CONFIG_GETMALLOC, &memory);
+    sqlite3_mem_methods watched = memory;
+    watched.xMalloc = Allocate;
+    watched.xRealloc = Reallocate;
+    return sqlite3_config(SQLITE_CONFIG_MALLOC, &watched) == SQLITE_OK;
+}();
+
+} // namespace
+
 SqliteFileLayer::SqliteFileLayer(Watcher watcher)
 {
+    EXPECT_TRUE(kIsMemoryWatched);
     watch = std::move(watcher);
     below = sqlite3_vfs_find(nullptr);
     layer = *below; // what is not watched is the other's

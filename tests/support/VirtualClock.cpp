@@ -1,6 +1,7 @@
 #include "tests/support/VirtualClock.h"
 
 #include "core/platform/AutoResetEvent.h"
+#include "tests/support/Scarcity.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -63,11 +64,13 @@ bool VirtualClock::SetUtc(UtcTime time)
 
 void VirtualClock::Sleep(Duration duration) const
 {
+    const Spared spared;
     WaitUntil([end = Steady() + duration] { return end; });
 }
 
 bool VirtualClock::Wait(AutoResetEvent& event, Duration limit) const
 {
+    const Spared spared;
     bool isTaken = event.Wait(Duration::zero());
     if (!isTaken && limit > Duration::zero()) {
         WaitUntil([&, end = Steady() + limit] {
@@ -80,6 +83,7 @@ bool VirtualClock::Wait(AutoResetEvent& event, Duration limit) const
 
 void VirtualClock::WaitUntil(const Due& due) const
 {
+    const Spared spared;
     Join();
     Waiter waiter{due};
     std::unique_lock lock(m_mutex);
@@ -128,6 +132,7 @@ void VirtualClock::Leave() const
 
 void VirtualClock::Poke() const
 {
+    const Spared spared;
     const std::scoped_lock lock(m_mutex);
     const std::vector<Waiter*> waiters = m_waiters;
     for (Waiter* const waiter : waiters) {

@@ -1,5 +1,7 @@
 #include "tests/support/VirtualLine.h"
 
+#include "tests/support/Scarcity.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <string>
@@ -131,6 +133,7 @@ public:
     }
     std::optional<std::size_t> Write(std::span<const std::uint8_t> bytes) override
     {
+        const Spared spared;
         if (!Can("Write")) {
             return std::nullopt;
         }
@@ -156,6 +159,7 @@ public:
 
     bool Purge(Queue queue) override
     {
+        const Spared spared;
         if (!Can("Purge")) {
             return false;
         }
@@ -192,6 +196,7 @@ private:
     [[nodiscard]] bool Fails(const char* call) { return m_line.m_fails && m_line.m_fails(call); }
     bool Fail(const char* call, int error)
     {
+        const Spared spared;
         m_call = call;
         m_fault = error;
         return false;

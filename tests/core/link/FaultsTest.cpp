@@ -16,8 +16,8 @@ using testing::VirtualReceiver;
 constexpr auto kReplyTimeout = 1000ms;
 constexpr auto kLongestDelay = 1400ms;
 constexpr int kExchanges = 10;
-constexpr int kMostSpoilt = 1; // by one stale answer
-constexpr std::uint32_t kRates[] = {0, 9600, 38400};
+constexpr int kMostSpoilt = 1;                               // by one stale answer
+constexpr std::uint32_t kRates[] = {0, 9600, 38400, 115200}; // 0: in bursts
 
 enum class Ask
 {

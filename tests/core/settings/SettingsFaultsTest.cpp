@@ -12,7 +12,9 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -85,9 +87,9 @@ bool StoresTwoTogether(SettingsStore& store)
            store.Set(L"K\\New", L"n", std::uint32_t{7}, kCreate) && batch.Commit();
 }
 
-/// Each call of SQLite's file layer fails, once and from then on, in each operation: nothing that
-/// was stored is lost, an operation that is said to be done is done, and of one that is not either
-/// all was stored or nothing.
+/// Each call of SQLite's file layer, and each time that SQLite asks for memory, fails, once and
+/// from then on, in each operation: nothing that was stored is lost, an operation that is said to
+/// be done is done, and of one that is not either all was stored or nothing.
 TEST(SettingsFaults, EveryCallMayFail)
 {
     struct Row
@@ -113,7 +115,9 @@ TEST(SettingsFaults, EveryCallMayFail)
     const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     const TemporaryFolder filled;
     Fill(filled.Path());
-    for (const Row& row : rows) {
+    for (std::size_t at = 0; at < 2 * std::size(rows); ++at) {
+        const Row& row = rows[at / 2];
+        const bool isOfMemory = at % 2 == 1;
         std::string before;
         std::string after;
         int calls = 1;
@@ -134,15 +138,22 @@ TEST(SettingsFaults, EveryCallMayFail)
                 bool isTold = false;
                 {
                     const SqliteFileLayer layer([&](const SqliteFileLayer::Call& call) {
+                        if ((call.name == "memory") != isOfMemory) {
+                            return false;
+                        }
                         ++count;
                         const bool fails = n > 0 && (once ? count == n : count >= n);
                         failed = fails && failed.empty() ? call.name : failed;
                         return fails;
                     });
-                    SqliteSettingsStore store(folder.Path() / "user.db");
-                    isTold = !store.TakeNotice().IsEmpty();
-                    isDone = row.run(store);
-                    EXPECT_EQ(store.IsKept(), !isTold);
+                    try {
+                        SqliteSettingsStore store(folder.Path() / "user.db");
+                        isTold = !store.TakeNotice().IsEmpty();
+                        isDone = row.run(store);
+                        EXPECT_EQ(store.IsKept(), !isTold);
+                    } catch (const std::bad_alloc&) {
+                        EXPECT_TRUE(isOfMemory);
+                    }
                 }
                 SCOPED_TRACE(std::string(row.operation) + ", call " + std::to_string(n) + ", " +
                              failed + (once ? "" : " and all later ones"));
@@ -159,7 +170,7 @@ TEST(SettingsFaults, EveryCallMayFail)
                 }
             }
         }
-        testing::Measured(cases, "failing calls");
+        testing::Measured(cases, isOfMemory ? "allocations refused" : "failing calls");
     }
 }
 
