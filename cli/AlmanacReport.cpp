@@ -73,11 +73,11 @@ Value SourceValue(const AlmanacSource& source)
     constexpr std::array kTexts{text::kSourceUnknown, text::kSourceReceiver, text::kSourceFile};
     const char* const code = kCodes[static_cast<std::size_t>(source.origin)];
     return source.origin == AlmanacOrigin::Nominal
-               ? Value::Word(code, Worded(text::kSayMadeUp, {ToUtf8(SourceText(source))}))
-               : Value::Word(code, Worded(kTexts[static_cast<std::size_t>(source.origin)]));
+               ? Term(code, {text::kSayMadeUp, {ToUtf8(SourceText(source))}})
+               : Term(code, kTexts[static_cast<std::size_t>(source.origin)]);
 }
 
-Value DateValue(std::int64_t gpsSeconds)
+Value DateValue(std::int64_t gpsSeconds, bool hasSeconds)
 {
     const auto instant = kGpsEpoch + std::chrono::seconds(gpsSeconds);
     const auto day = std::chrono::floor<std::chrono::days>(instant);
@@ -89,7 +89,9 @@ Value DateValue(std::int64_t gpsSeconds)
                   static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
                   static_cast<int>(clock.minutes().count()),
                   static_cast<int>(clock.seconds().count()));
-    std::string words(text.data());
+    constexpr std::size_t kUntilSeconds = 16;
+    std::string words =
+        std::string(text.data()).substr(0, hasSeconds ? text.size() : kUntilSeconds);
     words[words.find('T')] = ' ';
     return Value::Word(text.data(), std::move(words));
 }
@@ -122,7 +124,6 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
 void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
 {
     Report::Table table{"satellites",
-                        "",
                         {{"prn", "PRN"},
                          {"healthy", text::kHeadHealthy},
                          {"health", text::kHeadHealth},
@@ -130,8 +131,7 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
                          {"gpsTime", text::kHeadReferenceTimeGps},
                          {"eccentricity", text::kHeadEccentricity},
                          {"inclinationDeg", text::kHeadInclination},
-                         {"ageDays", text::kHeadAge}},
-                        {}};
+                         {"ageDays", text::kHeadAge}}};
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         if (almanac.IsValid(index) == 0) {
             continue;

@@ -25,7 +25,8 @@ namespace fieldcore::cli {
 
 /// Date and time of day, for a person without the T between them.
 /// @param gpsSeconds  since 1980-01-06 00:00:00
-[[nodiscard]] Value DateValue(std::int64_t gpsSeconds);
+/// @param hasSeconds  a person reads them, too
+[[nodiscard]] Value DateValue(std::int64_t gpsSeconds, bool hasSeconds = true);
 
 /// Adds where the almanac comes from, how many satellites it has, how many of them are healthy, its
 /// time and how old it is at @p date.

@@ -185,16 +185,17 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
     }
     const bool isSimRun = CommandName(parsed) == "sim run";
     if (!userCommand.empty() && !isSimRun) {
-        return output.Failed(
-            UsageFailure(Worded(text::kSayOnlySimRun), "fieldcore-cli sim run --help"));
+        return output.Failed(UsageFailure(text::kSayOnlySimRun, "fieldcore-cli sim run --help"));
     }
     const World own = WorldOf(world, program.parser);
     for (const Command& command : program.commands) {
         if (command.parser->parsed()) {
-            return command.run({own, output, isDryRun, std::move(userCommand)});
+            const Ending ending = command.run({own, output, isDryRun, std::move(userCommand)});
+            const auto* const failure = std::get_if<Failure>(&ending);
+            return failure != nullptr ? output.Failed(*failure) : std::get<ExitCode>(ending);
         }
     }
-    return output.Failed(UsageFailure(Worded(text::kSayNoCommand), "fieldcore-cli --help"));
+    return output.Failed(UsageFailure(text::kSayNoCommand, "fieldcore-cli --help"));
 }
 
 /// Sets the language of the run before anything is said in it.
@@ -214,8 +215,8 @@ std::optional<Failure> UseLanguage(const World& world, const std::vector<std::st
     const std::optional<Language> language = LanguageNamed(name);
     SetLanguage(language.value_or(CurrentLanguage()));
     return language ? std::nullopt
-                    : std::optional(UsageFailure(Worded(text::kSayCannotBe, {source, name}),
-                                                 Worded(text::kSayLanguages)));
+                    : std::optional(
+                          UsageFailure({text::kSayCannotBe, {source, name}}, text::kSayLanguages));
 }
 
 ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
@@ -242,7 +243,7 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
         return ExitCode::Done;
     }
     if (emptyCommand) {
-        return Output(world, "", json).Failed(UsageFailure(Worded(text::kSayNothingBehind)));
+        return Output(world, "", json).Failed(UsageFailure(text::kSayNothingBehind));
     }
     if (const std::optional<Failure> failure = UnknownCommand(program.parser, arguments)) {
         return Output(world, "", json).Failed(*failure);
@@ -286,35 +287,22 @@ CLI::Option* AddDryRun(CLI::App& parser, int purpose, CLI::Option* yes)
     return option;
 }
 
-Command AddCommand(CLI::App& program, const CommandRow& row)
+void PutBelow(Command& command, std::vector<Command> below, bool runs)
 {
-    CLI::App& parser = AddParser(program, row.name, row.help);
-    if (row.addOptions) {
-        row.addOptions(parser);
-    }
-    return {&parser, row.run};
-}
-
-Command AddCommands(CLI::App& program, const CommandRow& group, const std::vector<CommandRow>& rows)
-{
-    Command command = AddCommand(program, group);
     std::string examples = command.parser->get_footer();
     const bool hasOwn = !examples.empty();
-    command.parser->require_subcommand(group.run ? 0 : 1, 1);
-    std::vector<Command> below;
-    for (const CommandRow& row : rows) {
-        below.push_back(AddCommand(*command.parser, row));
-        const std::string all = below.back().parser->get_footer();
+    command.parser->require_subcommand(runs ? 0 : 1, 1);
+    for (const Command& one : below) {
+        const std::string all = one.parser->get_footer();
         examples += hasOwn ? "" : all.substr(0, all.find('\n') + 1);
     }
     command.parser->footer(examples);
-    command.run = [below, run = group.run](const Context& context) {
+    command.run = [below = std::move(below), run = std::move(command.run)](const Context& context) {
         const auto named = std::find_if(below.begin(), below.end(), [](const Command& candidate) {
             return candidate.parser->parsed();
         });
         return named != below.end() ? named->run(context) : run(context);
     };
-    return command;
 }
 
 int RunCommandLine(const World& world, std::vector<std::string> arguments)

@@ -113,7 +113,7 @@ Failure NotExpected(const CLI::App& parser)
     const std::string word = left.empty() ? "" : left.front();
     const std::string name = CommandName(parser);
     if (!name.empty() && parser.get_option_no_throw(word) != nullptr) {
-        return UsageFailure(Worded(text::kSayBehindCommand, {word}),
+        return UsageFailure({text::kSayBehindCommand, {word}},
                             "fieldcore-cli " + name + " " + word + " ...");
     }
     std::vector<std::string> known = NamesBelow(parser);
@@ -122,27 +122,26 @@ Failure NotExpected(const CLI::App& parser)
             known.push_back(option->get_name());
         }
     }
-    return UsageFailure(Worded(text::kSayNotTaken, {name.empty() ? "fieldcore-cli" : name, word}),
+    return UsageFailure({text::kSayNotTaken, {name.empty() ? "fieldcore-cli" : name, word}},
                         Guess(word.substr(0, word.find('=')), known) + HelpOf(parser));
 }
 
 Failure BadValue(const CLI::App& parser, const CLI::Option& option)
 {
     const std::string value = Joined(option.results());
-    return UsageFailure(Worded(value.empty() ? text::kSayNeedsValue : text::kSayCannotBe,
-                               {option.get_name(), value}),
-                        Described(option) + "\n         " + HelpOf(parser));
+    return UsageFailure(
+        {value.empty() ? text::kSayNeedsValue : text::kSayCannotBe, {option.get_name(), value}},
+        Described(option) + "\n         " + HelpOf(parser));
 }
 
 Failure Missing(const CLI::App& parser, const std::string& complaint)
 {
     if (const CLI::Option* const option = OptionIn(parser, complaint)) {
-        return UsageFailure(Worded(text::kSayMissing, {option->get_name()}),
+        return UsageFailure({text::kSayMissing, {option->get_name()}},
                             Described(*option) + "\n         " + HelpOf(parser));
     }
-    return UsageFailure(
-        Worded(text::kSayNeedsOneOf, {CommandName(parser), Joined(NamesBelow(parser))}),
-        HelpOf(parser));
+    return UsageFailure({text::kSayNeedsOneOf, {CommandName(parser), Joined(NamesBelow(parser))}},
+                        HelpOf(parser));
 }
 
 /// "--yes excludes --dry-run" in our words.
@@ -182,10 +181,9 @@ std::optional<Failure> UnknownCommand(const CLI::App& program,
         }
         const std::vector<std::string> names = NamesBelow(*parser);
         if (std::find(names.begin(), names.end(), word) == names.end()) {
-            return UsageFailure(
-                Worded(text::kSayUnknownCommand,
-                       {CommandName(*parser) + (parser == &program ? "" : " ") + word}),
-                Guess(word, names) + HelpOf(*parser));
+            return UsageFailure({text::kSayUnknownCommand,
+                                 {CommandName(*parser) + (parser == &program ? "" : " ") + word}},
+                                Guess(word, names) + HelpOf(*parser));
         }
         parser = parser->get_subcommand(word);
         if (parser->get_require_subcommand_min() == 0) {

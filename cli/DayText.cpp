@@ -53,8 +53,7 @@ std::optional<Failure> ReadDate(const std::string& text, int days, const World& 
                                                            ? today + std::chrono::days(1)
                                                            : ParseDay(text);
     if (!first || *first < kFirst || *first + std::chrono::days(days - 1) > kLast) {
-        return UsageFailure(Worded(text::kSayCannotBe, {"--date", text}),
-                            Worded(text::kSayDateHint));
+        return UsageFailure({text::kSayCannotBe, {"--date", text}}, text::kSayDateHint);
     }
     day = *first;
     return std::nullopt;

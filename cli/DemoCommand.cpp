@@ -5,13 +5,12 @@
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/StatusReading.h"
-#include "cli/TerminalHost.h"
-#include "cli/Utf8.h"
 #include "cli/Wording.h"
 
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
@@ -23,7 +22,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -70,7 +68,7 @@ class Demo
 public:
     Demo(const Context& context, PortSession& session) : m_context(context), m_session(session) {}
 
-    ExitCode Run()
+    Ending Run()
     {
         Heading(text::kDemoConnect);
         if (const std::optional<Failure> failure = m_session.Connect()) {
@@ -99,7 +97,7 @@ private:
         Say((m_isFirst ? "" : "\n") + m_context.output.Painted(Worded(id), Colour::Green));
         m_isFirst = false;
     }
-    ExitCode Fail(const Failure& failure)
+    Ending Fail(const Failure& failure)
     {
         return m_context.output.Failed(failure, m_context.output.IsJson() ? &m_report : nullptr);
     }
@@ -151,7 +149,7 @@ private:
             }
         }
         if (smallest == nullptr) {
-            return Failure{ExitCode::Failed, "no-files", Worded(text::kSayNoFiles)};
+            return Failure{ExitCode::Failed, "no-files", text::kSayNoFiles};
         }
         const std::string name = ToUtf8(smallest->Name());
         Say(Worded(text::kDemoSmallest,
@@ -163,10 +161,10 @@ private:
             return command.Fault() != CommandFault::None
                        ? m_session.RequestFailed()
                        : FileFailure(
-                             Worded(text::kSayNotWritten, {name, Reason(command.GetFileError())}));
+                             {text::kSayNotWritten, {name, Reason(command.GetFileError())}});
         }
         if (!IsSameAsIn(*m_session.GetSimulator(), name, folder.Path() / name)) {
-            return Failure{ExitCode::Failed, "file-differs", Worded(text::kDemoDiffers)};
+            return Failure{ExitCode::Failed, "file-differs", text::kDemoDiffers};
         }
         Say(Worded(text::kDemoSame));
         Report& files = m_report.AddSection("files", "");
@@ -195,7 +193,7 @@ private:
             return m_session.RequestFailed();
         }
         if (times < 2) {
-            return Failure{ExitCode::Failed, "fault-not-seen", Worded(text::kDemoNotSeen)};
+            return Failure{ExitCode::Failed, "fault-not-seen", text::kDemoNotSeen};
         }
         Report& fault = m_report.AddSection("fault", "");
         fault.Add("timesSent", text::kLabelTimesSent,
@@ -212,22 +210,22 @@ private:
         Say(Worded(text::kDemoPlanned));
         const ScratchFolder folder; // not over the almanac of the user
         if (folder.Path().empty()) {
-            return FileFailure(Worded(text::kSayNoScratch));
+            return FileFailure(text::kSayNoScratch);
         }
         AlmanacStore store(folder.Path());
         switch (store.Update(m_session.Command())) {
         case AlmanacResult::Done:
             break;
         case AlmanacResult::TooFew:
-            return Failure{ExitCode::Failed, "almanac-too-few", Worded(text::kSayAlmanacTooFew)};
+            return Failure{ExitCode::Failed, "almanac-too-few", text::kSayAlmanacTooFew};
         case AlmanacResult::BrokenOff:
         case AlmanacResult::Cancelled:
             return m_session.RequestFailed();
         case AlmanacResult::NotWritten:
         case AlmanacResult::NotReplaced:
         case AlmanacResult::NotRead:
-            return FileFailure(Worded(text::kSayAlmanacNotWritten,
-                                      {folder.Path().string(), Reason(store.LastError())}));
+            return FileFailure(
+                {text::kSayAlmanacNotWritten, {folder.Path().string(), Reason(store.LastError())}});
         }
         PlanOptions options;
         options.sites = {"東京都千代田区"};
@@ -265,20 +263,22 @@ private:
     bool m_isFirst = true;
 };
 
+Ending Run(const Context& context, const PortOptions& options)
+{
+    PortSession session(context, options);
+    return Demo(context, session).Run();
+}
+
 } // namespace
 
 Command AddDemoCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<PortOptions>();
-    options->port = "sim:lark";
-    return AddCommand(program, {"demo", text::kHelpDemo,
-                                [options](CLI::App& parser) { options->AddSessionTo(parser); },
-                                [options](const Context& context) {
-                                    TerminalHost host(context.world, context.output);
-                                    PortSession session(context.world, context.output, host,
-                                                        *options);
-                                    return Demo(context, session).Run();
-                                }});
+    return AddCommand<PortOptions>(program, {"demo", text::kHelpDemo,
+                                             [](CLI::App& parser, PortOptions& options) {
+                                                 options.port = "sim:lark";
+                                                 options.AddSessionTo(parser);
+                                             },
+                                             Run});
 }
 
 } // namespace fieldcore::cli

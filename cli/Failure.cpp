@@ -43,17 +43,17 @@ std::string HintOf(const TerminalFault& said)
     return IsEnglish() || hint.starts_with("fieldcore-cli") ? hint : "";
 }
 
-Failure UsageFailure(std::string message, std::string hint)
+Failure UsageFailure(Wording message, Wording hint)
 {
     return {ExitCode::Usage, "usage", std::move(message), std::move(hint)};
 }
 
-Failure FileFailure(std::string message, std::string hint)
+Failure FileFailure(Wording message, Wording hint)
 {
     return {ExitCode::LocalFile, "local-file", std::move(message), std::move(hint)};
 }
 
-Failure TextFailure(const std::filesystem::path& file, const TextError& error, std::string hint)
+Failure TextFailure(const std::filesystem::path& file, const TextError& error, Wording hint)
 {
     std::string place = file.string();
     place += error.line > 0 ? Worded(text::kSayLine, {std::to_string(error.line)}) : "";
@@ -63,8 +63,7 @@ Failure TextFailure(const std::filesystem::path& file, const TextError& error, s
 
 Failure ScenarioFailure(const std::string& detail)
 {
-    return {ExitCode::Usage,          "usage", Worded(text::kSayNoScenario),
-            "fieldcore-cli sim list", "",      detail};
+    return {ExitCode::Usage, "usage", text::kSayNoScenario, "fieldcore-cli sim list", "", detail};
 }
 
 Failure SimulatorFailure(ExitCode exit, const std::string& detail)
@@ -84,11 +83,7 @@ Failure RequestFailure(CommandFault fault, std::string detail)
 
 Failure SendingFailure(std::string detail)
 {
-    return {ExitCode::Failed,
-            "port-sending",
-            Worded(text::kSayPortSending),
-            Worded(text::kSayPortSendingHint),
-            "",
+    return {ExitCode::Failed, "port-sending", text::kSayPortSending, text::kSayPortSendingHint, "",
             std::move(detail)};
 }
 

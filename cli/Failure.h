@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/ExitCode.h"
+#include "cli/Wording.h"
 
 #include "core/link/CommandFault.h"
 #include "core/platform/SystemRoots.h"
@@ -16,19 +17,19 @@ struct Failure
 {
     ExitCode exit = ExitCode::Failed;
     std::string code;     ///< for programs: lower-case words joined by "-"; never changes
-    std::string message;  ///< one or two sentences
-    std::string hint{};   ///< what to do about it, as a command where there is one; may be empty
+    Wording message;      ///< one or two sentences
+    Wording hint{};       ///< what to do about it, as a command where there is one; may be empty
     std::string step{};   ///< of connecting, where it failed; empty otherwise
     std::string detail{}; ///< for developers; may be empty
 };
 
-[[nodiscard]] Failure UsageFailure(std::string message, std::string hint = {});
+[[nodiscard]] Failure UsageFailure(Wording message, Wording hint = {});
 
-[[nodiscard]] Failure FileFailure(std::string message, std::string hint = {});
+[[nodiscard]] Failure FileFailure(Wording message, Wording hint = {});
 
 /// A text file with a mistake in it.
 [[nodiscard]] Failure TextFailure(const std::filesystem::path& file, const TextError& error,
-                                  std::string hint = {});
+                                  Wording hint = {});
 
 /// What to do about a fault. In Japanese the text of the fault says it, but for a command.
 [[nodiscard]] std::string HintOf(const TerminalFault& said);

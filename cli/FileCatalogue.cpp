@@ -1,21 +1,51 @@
 #include "cli/FileCatalogue.h"
 
-#include "cli/Utf8.h"
-#include "cli/Wildcard.h"
 #include "cli/Wording.h"
 
 #include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
+#include <cstddef>
 #include <set>
 #include <string_view>
 #include <utility>
 
 namespace fieldcore::cli {
+
+bool MatchesWildcard(std::wstring_view pattern, std::wstring_view text)
+{
+    constexpr std::size_t kNone = std::wstring_view::npos;
+    std::size_t p = 0;
+    std::size_t t = 0;
+    std::size_t star = kNone; // the last one, and what stands behind its guess
+    std::size_t guess = 0;
+    while (t < text.size()) {
+        if (p < pattern.size() && pattern[p] == L'*') {
+            star = p++;
+            guess = t;
+        } else if (p < pattern.size() && (pattern[p] == L'?' || pattern[p] == text[t])) {
+            ++p;
+            ++t;
+        } else if (star != kNone) {
+            p = star + 1;
+            t = ++guess; // it stands for one character more
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == L'*') {
+        ++p;
+    }
+    return p == pattern.size();
+}
+
+bool HasWildcard(std::wstring_view pattern)
+{
+    return pattern.find_first_of(L"*?") != std::wstring_view::npos;
+}
 
 bool FitsFile(const std::string& pattern, const DirectoryListingData& record)
 {
@@ -34,10 +64,10 @@ std::optional<Failure> FileCatalogue::CheckReceiver(bool deleted)
 {
     const std::uint32_t typeBefore = m_receiver.GetRecvTypeNum();
     if (typeBefore == 0 && m_receiver.OpenConnected() == 0) {
-        return Failure{ExitCode::Refused, "type-refused", Worded(text::kSayTypeFiles)};
+        return Failure{ExitCode::Refused, "type-refused", text::kSayTypeFiles};
     }
     if (deleted && !m_receiver.HasRecyclePage()) {
-        return Failure{ExitCode::Refused, "no-recycle-bin", Worded(text::kSayNoRecycleBin)};
+        return Failure{ExitCode::Refused, "no-recycle-bin", text::kSayNoRecycleBin};
     }
     return std::nullopt;
 }
@@ -92,24 +122,6 @@ std::optional<Failure> FileCatalogue::Choose(const std::vector<std::string>& pat
     const std::string& pattern = patterns[static_cast<std::size_t>(unfit - hasFit.begin())];
     return Failure{ExitCode::Failed, "no-such-file", Worded(text::kSayNoSuchFile, {pattern}),
                    "fieldcore-cli files ls"};
-}
-
-Value FileCatalogue::TimeOf(const DirectoryListingData& record)
-{
-    using namespace std::chrono;
-    constexpr sys_days kGpsEpoch = 1980y / January / 6;
-    const sys_seconds time = kGpsEpoch + seconds(record.time);
-    const year_month_day date(floor<days>(time));
-    const hh_mm_ss clock(time - floor<days>(time));
-    char text[40];
-    std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                  static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    std::string words = std::string(text).substr(0, 16);
-    words[10] = ' ';
-    return Value::Word(text, words);
 }
 
 } // namespace fieldcore::cli

@@ -1,14 +1,12 @@
 #include "cli/Command.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
-#include "cli/TerminalHost.h"
 #include "cli/Wording.h"
 
 #include "core/link/ComPrmSet.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/resources/StringTable.h"
 
-#include <memory>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -19,9 +17,9 @@ namespace {
 
 Value ParityValue(int code)
 {
-    return code == 2   ? Value::Word("even", Worded(text::kWordEven))
-           : code == 1 ? Value::Word("odd", Worded(text::kWordOdd))
-                       : Value::Word("none", Worded(text::kWordNone));
+    return code == 2   ? Term("even", text::kWordEven)
+           : code == 1 ? Term("odd", text::kWordOdd)
+                       : Term("none", text::kWordNone);
 }
 
 void AddRecord(Report& report, const IdentificationRecord& record)
@@ -47,16 +45,15 @@ struct Options : PortOptions
     bool store = false;
 };
 
-ExitCode Run(const Context& context, const Options& options)
+Ending Run(const Context& context, const Options& options)
 {
-    TerminalHost host(context.world, context.output);
-    PortSession session(context.world, context.output, host, options);
+    PortSession session(context, options);
     if (const std::optional<Failure> failure = options.search ? session.Search() : session.Open()) {
-        return context.output.Failed(*failure);
+        return *failure;
     }
     IdentificationRecord record;
     if (session.Command().RequestIdentity(record) == 0) {
-        return context.output.Failed(session.RequestFailed());
+        return session.RequestFailed();
     }
     Report report;
     AddRecord(report, record);
@@ -66,9 +63,9 @@ ExitCode Run(const Context& context, const Options& options)
         SettingsRoots roots{Folders(context.world.folders)};
         if (options.store && !context.dryRun &&
             (!roots.Store(RootKey::CurrentUser).IsKept() || SetLinkRate(rate, roots) == 0)) {
-            return context.output.Failed(FileFailure(
-                Worded(text::kSayRateNotStored, {roots.File(RootKey::CurrentUser).string()}),
-                "fieldcore-cli doctor"));
+            return FileFailure(
+                {text::kSayRateNotStored, {roots.File(RootKey::CurrentUser).string()}},
+                "fieldcore-cli doctor");
         }
         report.Add("stored", text::kLabelStored, Value::YesNo(options.store && !context.dryRun));
     }
@@ -79,17 +76,15 @@ ExitCode Run(const Context& context, const Options& options)
 
 Command AddIdentifyCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<Options>();
-    return AddCommand(
-        program,
-        {"identify", text::kHelpIdentify,
-         [options](CLI::App& parser) {
-             options->AddTo(parser);
-             CLI::Option* const search =
-                 AddFlag(parser, "--search", options->search, text::kOptSearch);
-             AddFlag(parser, "--store", options->store, text::kOptStoreRate)->needs(search);
-         },
-         [options](const Context& context) { return Run(context, *options); }});
+    return AddCommand<Options>(
+        program, {"identify", text::kHelpIdentify,
+                  [](CLI::App& parser, Options& options) {
+                      options.AddTo(parser);
+                      CLI::Option* const search =
+                          AddFlag(parser, "--search", options.search, text::kOptSearch);
+                      AddFlag(parser, "--store", options.store, text::kOptStoreRate)->needs(search);
+                  },
+                  Run});
 }
 
 } // namespace fieldcore::cli

@@ -59,30 +59,30 @@ std::optional<Failure> Keep(const Context& context, std::span<const NavigationRe
 {
     const std::filesystem::path folder = Folders(context.world.folders).Program();
     if (LoadConstellations(folder).error) {
-        context.output.Message("warning", "", Worded(text::kSayMessagesLost), Colour::Yellow);
+        context.output.Warn(text::kSayMessagesLost);
     }
     if (context.dryRun) {
         return std::nullopt;
     }
     if (const std::error_code error = KeepMessages(folder, records, NowS(context))) {
         return FileFailure(
-            Worded(text::kSayMessagesNotKept, {NavigationPath(folder).string(), Reason(error)}),
+            {text::kSayMessagesNotKept, {NavigationPath(folder).string(), Reason(error)}},
             "fieldcore-cli doctor");
     }
     return std::nullopt;
 }
 
 /// Adds @p records to what is kept and tells of them.
-ExitCode Take(const Context& context, std::span<const NavigationRecord> records)
+Ending Take(const Context& context, std::span<const NavigationRecord> records)
 {
     if (const std::optional<Failure> failure = Keep(context, records)) {
-        return context.output.Failed(*failure);
+        return *failure;
     }
     Report report;
     report.Add("file", text::kLabelFile,
                Value::Text(NavigationPath(Folders(context.world.folders).Program()).string()));
     AddSystemTable(report, records, NowS(context));
-    context.output.Note(Worded(text::kSayForSystems, {LettersOf(records)}));
+    context.output.Note({text::kSayForSystems, {LettersOf(records)}});
     return Kept(context, report);
 }
 
@@ -131,7 +131,6 @@ void AddSystemTable(Report& report, std::span<const NavigationRecord> records, d
         }
     }
     Report::Table table{"systems",
-                        "",
                         {{"system", text::kHeadSystem},
                          {"satellites", text::kHeadSatellites},
                          {"healthy", text::kHeadHealthy},
@@ -139,8 +138,7 @@ void AddSystemTable(Report& report, std::span<const NavigationRecord> records, d
                          {"oldestGpsTime", text::kHeadOldestGps},
                          {"newestGpsTime", text::kHeadNewestGps},
                          {"ageDays", text::kHeadAge},
-                         {"tooOld", text::kHeadTooOld}},
-                        {}};
+                         {"tooOld", text::kHeadTooOld}}};
     for (const auto& [system, tally] : tallies) {
         const auto healthy =
             std::count_if(tally.newest.begin(), tally.newest.end(),
@@ -163,25 +161,24 @@ bool IsNavigationFile(const std::string& file)
            LooksLikeNavigation({reinterpret_cast<const char*>(start->data()), start->size()});
 }
 
-ExitCode ImportNavigation(const Context& context, const std::string& file)
+Ending ImportNavigation(const Context& context, const std::string& file)
 {
     const NavigationText text = LoadNavigation(file);
     if (text.error) {
-        return context.output.Failed(
-            TextFailure(file, *text.error, Worded(text::kSayWholeNavigation)));
+        return TextFailure(file, *text.error, text::kSayWholeNavigation);
     }
     if (const int other = text.otherSystems + text.otherMessages; other > 0) {
-        context.output.Note(Worded(text::kSayMessagesOther, {std::to_string(other)}));
+        context.output.Note({text::kSayMessagesOther, {std::to_string(other)}});
     }
     if (text.firstOdd) {
-        context.output.Note(Worded(
-            text::kSayMessagesOdd,
-            {std::to_string(text.odd), std::to_string(text.firstOdd->line), text.firstOdd->field}));
+        context.output.Note({text::kSayMessagesOdd,
+                             {std::to_string(text.odd), std::to_string(text.firstOdd->line),
+                              text.firstOdd->field}});
     }
     return Take(context, text.records);
 }
 
-ExitCode ImportOthers(const Context& context, std::span<const AlmanacRecord> records)
+Ending ImportOthers(const Context& context, std::span<const AlmanacRecord> records)
 {
     return Take(context, MessagesOf(context, records));
 }
@@ -191,7 +188,7 @@ std::optional<Failure> KeepOthers(const Context& context, std::span<const Almana
     if (records.empty()) {
         return std::nullopt;
     }
-    context.output.Note(Worded(text::kSayQzssTaken, {std::to_string(records.size())}));
+    context.output.Note({text::kSayQzssTaken, {std::to_string(records.size())}});
     return Keep(context, MessagesOf(context, records));
 }
 
@@ -201,11 +198,9 @@ void WarnOfSystems(Output& output, const ObservationPlan& plan)
         const SystemState state = plan.StateOf(system);
         const std::string days = Value::Real(state.ageS / kDayS, 1).Words();
         if (state.satellites == 0) {
-            output.Message("warning", "", Worded(text::kSaySystemMissing, {NameOf(system)}),
-                           Colour::Yellow);
+            output.Warn({text::kSaySystemMissing, {NameOf(system)}});
         } else if (state.isStale) {
-            output.Message("warning", "", Worded(text::kSaySystemStale, {NameOf(system), days}),
-                           Colour::Yellow);
+            output.Warn({text::kSaySystemStale, {NameOf(system), days}});
         }
     });
 }
@@ -235,14 +230,12 @@ void AddSystems(Report& report, const ObservationPlan& plan)
     report.Add("clockPerSystem", text::kLabelClockPerSystem,
                Value::YesNo(plan.HasClockPerSystem()));
     Report::Table table{"orbits",
-                        "",
                         {{"system", text::kHeadSystem},
                          {"satellites", text::kHeadSatellites},
                          {"healthy", text::kHeadHealthy},
                          {"newestGpsTime", text::kHeadNewestGps},
                          {"ageDays", text::kHeadAge},
-                         {"tooOld", text::kHeadTooOld}},
-                        {}};
+                         {"tooOld", text::kHeadTooOld}}};
     ForEachSystem(plan.Systems(), [&](GnssSystem system) {
         const SystemState state = plan.StateOf(system);
         const bool isKnown = state.satellites > 0;

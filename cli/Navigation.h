@@ -21,10 +21,10 @@ void AddSystemTable(Report& report, std::span<const NavigationRecord> records, d
 [[nodiscard]] bool IsNavigationFile(const std::string& file);
 
 /// Adds the messages of a navigation file to those that are kept.
-ExitCode ImportNavigation(const Context& context, const std::string& file);
+Ending ImportNavigation(const Context& context, const std::string& file);
 
 /// The same with an almanac text that has no GPS satellite.
-ExitCode ImportOthers(const Context& context, std::span<const AlmanacRecord> records);
+Ending ImportOthers(const Context& context, std::span<const AlmanacRecord> records);
 /// Adds satellites that stand in an almanac text beside GPS to the messages that are kept.
 /// @return why not; nothing if it is done
 [[nodiscard]] std::optional<Failure> KeepOthers(const Context& context,

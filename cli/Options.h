@@ -58,8 +58,8 @@ inline CLI::Option* AddWord(CLI::App& app, const char* name, std::string& value,
 }
 
 /// An option that is a text of any kind.
-template <typename Words>
-CLI::Option* AddText(CLI::App& app, const char* name, Words& value, const char* type, int purpose)
+template <typename Text>
+CLI::Option* AddText(CLI::App& app, const char* name, Text& value, const char* type, int purpose)
 {
     return app.add_option(name, value, Worded(purpose))->type_name(type);
 }

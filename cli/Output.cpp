@@ -1,8 +1,8 @@
 #include "cli/Output.h"
 
-#include "cli/Utf8.h"
 #include "cli/Wording.h"
 
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
 #include <ostream>
@@ -153,7 +153,7 @@ ExitCode Output::Failed(const Failure& failure, const Report* partial)
     return failure.exit;
 }
 
-void Output::Note(std::string_view text)
+void Output::Note(const Wording& text)
 {
     Progress("");
     *m_world.err << text << "\n" << std::flush;
@@ -186,11 +186,11 @@ void Output::TellPosted()
         posted.swap(m_posted);
     }
     for (const std::string& warning : posted) {
-        Message("warning", "", warning, Colour::Yellow);
+        Warn(warning);
     }
 }
 
-void Output::Progress(std::string_view text)
+void Output::Progress(const Wording& text)
 {
     if (!m_world.errIsTerminal || (text.empty() && !m_progressShown)) {
         return;

@@ -23,7 +23,6 @@
 #include <cmath>
 #include <functional>
 #include <map>
-#include <memory>
 #include <ostream>
 
 namespace fieldcore::cli {
@@ -65,15 +64,14 @@ void WarnOfAge(Output& output, const ObservationPlan& plan)
     }
     output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
                    ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
-    output.Note(Worded(text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}));
+    output.Note({text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}});
 }
 
 void WarnOfSource(Output& output, const ObservationPlan& plan)
 {
     const AlmanacSource& source = plan.Calc().Source();
     if (source.origin == AlmanacOrigin::Nominal) {
-        output.Message("warning", "", Worded(text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}),
-                       Colour::Yellow);
+        output.Warn({text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}});
     }
 }
 
@@ -92,8 +90,8 @@ std::optional<Failure> Prepare(const Context& context, const PlanOptions& option
     const bool isPut = options.almanac.empty() &&
                        AlmanacStore(request.folder).PutNominal(context.world.clock->Utc());
     if (isPut) {
-        context.output.Message("warning", "", Worded(text::kSayAlmanacPut), Colour::Yellow);
-        context.output.Note(Worded(text::kSayGetAlmanac));
+        context.output.Warn(text::kSayAlmanacPut);
+        context.output.Note(text::kSayGetAlmanac);
     }
     if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
         return failure;
@@ -142,10 +140,10 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     return std::nullopt;
 }
 
-ExitCode Plan(const Context& context, const Options& options)
+Ending Plan(const Context& context, const Options& options)
 {
     if (options.csv && context.output.IsJson()) {
-        return context.output.Failed(UsageFailure(Worded(text::kSayCsvOrJson)));
+        return UsageFailure(text::kSayCsvOrJson);
     }
     const std::optional<PlanGraph> graph = GraphOf(options.kind);
     const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
@@ -206,7 +204,7 @@ std::optional<Failure> Search(const Context& context, const Options& options, st
                               Searched& result)
 {
     if (options.csv && context.output.IsJson()) {
-        return UsageFailure(Worded(text::kSayCsvOrJson));
+        return UsageFailure(text::kSayCsvOrJson);
     }
     PlanRequest& request = result.request;
     if (std::optional<Failure> failure =
@@ -214,7 +212,7 @@ std::optional<Failure> Search(const Context& context, const Options& options, st
         return failure;
     }
     if (request.sites.size() < fewest) {
-        return UsageFailure(Worded(text::kSayNeedsSites), Worded(text::kSayNeedsSitesHint));
+        return UsageFailure(text::kSayNeedsSites, text::kSayNeedsSitesHint);
     }
     result.plan.Period() = {request.dates.front(), request.startHour, request.hours};
     WarnOfOld(context.output, result.plan);
@@ -223,8 +221,8 @@ std::optional<Failure> Search(const Context& context, const Options& options, st
 }
 
 /// The table of good windows, or that there is none.
-ExitCode TellWindows(const Context& context, Report::Table table, const WindowLimits& limits,
-                     const std::string& csv)
+Ending TellWindows(const Context& context, Report::Table table, const WindowLimits& limits,
+                   const std::string& csv)
 {
     const bool isNone = table.rows.empty();
     Report report;
@@ -234,15 +232,15 @@ ExitCode TellWindows(const Context& context, Report::Table table, const WindowLi
     }
     return context.output.Failed({ExitCode::Failed, "no-window",
                                   Worded(text::kSayNoWindow, {LimitWords(limits)}),
-                                  Worded(text::kSayNoWindowHint)},
+                                  text::kSayNoWindowHint},
                                  context.output.IsJson() ? &report : nullptr);
 }
 
-ExitCode BestOfSites(const Context& context, const Options& options)
+Ending BestOfSites(const Context& context, const Options& options)
 {
     Searched of;
     if (const std::optional<Failure> failure = Search(context, options, 1, of)) {
-        return context.output.Failed(*failure);
+        return *failure;
     }
     Report::Table table = BestTable(*of.search, of.limits, options.top);
     if (!table.rows.empty()) {
@@ -252,12 +250,12 @@ ExitCode BestOfSites(const Context& context, const Options& options)
     return TellWindows(context, std::move(table), of.limits, csv);
 }
 
-ExitCode Best(const Context& context, const Options& options)
+Ending Best(const Context& context, const Options& options)
 {
     if (!options.plan.siteList.empty()) {
         return BestOfSites(context, options);
     }
-    Report::Table table{"windows", "", WindowColumns(), {}};
+    Report::Table table{"windows", WindowColumns()};
     PlanRequest request;
     WindowLimits limits;
     const std::optional<Failure> failure =
@@ -269,16 +267,16 @@ ExitCode Best(const Context& context, const Options& options)
                         }
                     });
     if (failure) {
-        return context.output.Failed(*failure);
+        return *failure;
     }
     return TellWindows(context, std::move(table), limits, "");
 }
 
-ExitCode Session(const Context& context, const Options& options)
+Ending Session(const Context& context, const Options& options)
 {
     Searched of;
     if (const std::optional<Failure> failure = Search(context, options, 2, of)) {
-        return context.output.Failed(*failure);
+        return *failure;
     }
     Report report;
     report.AddTable(SessionTable(*of.search, of.limits));
@@ -289,24 +287,21 @@ ExitCode Session(const Context& context, const Options& options)
                        : context.output.Done(report);
 }
 
-ExitCode Sites(const Context& context)
+Ending Sites(const Context& context, const Options& /*options*/)
 {
     Report::Table table{"sites",
-                        "",
                         {{"name", text::kHeadSite},
                          {"latitudeDeg", text::kHeadLatitude},
                          {"longitudeDeg", text::kHeadLongitude},
                          {"heightM", text::kHeadHeight},
-                         {"source", text::kHeadFrom}},
-                        {}};
+                         {"source", text::kHeadFrom}}};
     for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
         table.rows.push_back({Value::Text(std::wstring_view(site.name)),
                               Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg"),
                               Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg"),
                               Value::Real(site.observer.heightM, 1, "m"),
-                              site.isSample
-                                  ? Value::Word("sample", Worded(text::kWordComesWithTheProgram))
-                                  : Value::Word("file", Worded(text::kWordYourSiteFile))});
+                              site.isSample ? Term("sample", text::kWordComesWithTheProgram)
+                                            : Term("file", text::kWordYourSiteFile)});
     }
     Report report;
     report.AddTable(std::move(table));
@@ -335,27 +330,23 @@ void AddBestOptions(CLI::App& best, Options& options)
 
 Command AddPlanCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<Options>();
-    std::vector<std::string> kinds;
-    for (const auto& kind : Kinds()) {
-        kinds.push_back(kind.first);
-    }
-    return AddCommands(program,
-                       {"plan", text::kHelpPlan,
-                        [=](CLI::App& parser) {
-                            options->plan.AddTo(parser);
-                            AddWord(parser, "--kind", options->kind, kinds, "KIND", text::kOptKind);
-                            AddFlag(parser, "--csv", options->csv, text::kOptCsv);
-                            parser.option_defaults()->group("Options");
-                        },
-                        [options](const Context& context) { return Plan(context, *options); }},
-                       {{"best", text::kHelpPlanBest,
-                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-                         [options](const Context& context) { return Best(context, *options); }},
-                        {"session", text::kHelpPlanSession,
-                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-                         [options](const Context& context) { return Session(context, *options); }},
-                        {"sites", text::kHelpPlanSites, {}, Sites}});
+    return AddCommand<Options>(program,
+                               {"plan", text::kHelpPlan,
+                                [](CLI::App& parser, Options& options) {
+                                    std::vector<std::string> kinds;
+                                    for (const auto& kind : Kinds()) {
+                                        kinds.push_back(kind.first);
+                                    }
+                                    options.plan.AddTo(parser);
+                                    AddWord(parser, "--kind", options.kind, kinds, "KIND",
+                                            text::kOptKind);
+                                    AddFlag(parser, "--csv", options.csv, text::kOptCsv);
+                                    parser.option_defaults()->group("Options");
+                                },
+                                Plan},
+                               {{"best", text::kHelpPlanBest, AddBestOptions, Best},
+                                {"session", text::kHelpPlanSession, AddBestOptions, Session},
+                                {"sites", text::kHelpPlanSites, nullptr, Sites}});
 }
 
 } // namespace fieldcore::cli

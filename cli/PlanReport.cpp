@@ -62,13 +62,11 @@ std::string Bar(std::optional<double> value, int scale)
 Report::Table OverviewTable(const ObservationPlan& plan)
 {
     Report::Table table{"samples",
-                        "",
                         {{"time", "JST"},
                          {"satellites", text::kHeadSatellites},
                          {"pdop", "PDOP"},
                          {"gdop", "GDOP"},
-                         {"tdop", "TDOP"}},
-                        {}};
+                         {"tdop", "TDOP"}}};
     for (int k = 0; k < plan.Division(); ++k) {
         const int count = CountOf(plan, k);
         const DopValues& dop = plan.View().dop[static_cast<std::size_t>(k)];
@@ -90,11 +88,9 @@ Report::Table SeriesTable(const ObservationPlan& plan, PlanGraph graph)
                                       : static_cast<std::size_t>(graph) -
                                             static_cast<std::size_t>(PlanGraph::Pdop)];
     Report::Table table{"samples",
-                        "",
                         {{"time", "JST"},
                          isCount ? Report::Column{"satellites", text::kHeadSatellites}
-                                 : Report::Column{name[0], name[1]}},
-                        {}};
+                                 : Report::Column{name[0], name[1]}}};
     for (int k = 0; k < plan.Division(); ++k) {
         table.rows.push_back(
             {JstValue(plan.Computed(), EpochOfSample(graph, k)),
@@ -126,12 +122,10 @@ int SatelliteCount(const ObservationPlan& plan)
 Report::Table TracksTable(const ObservationPlan& plan)
 {
     Report::Table table{"samples",
-                        "",
                         {{"time", "JST"},
                          SatelliteColumn(plan),
                          {"azimuthDeg", text::kHeadAzimuth},
-                         {"elevationDeg", text::kHeadElevation}},
-                        {}};
+                         {"elevationDeg", text::kHeadElevation}}};
     for (int k = 0; k <= plan.Division(); ++k) {
         for (int index = 0; index < SatelliteCount(plan); ++index) {
             if (const std::optional<SkyDirection> direction = plan.DirectionAt(index, k)) {
@@ -180,13 +174,12 @@ std::string ChartWords(const ObservationPlan& plan, std::optional<PlanGraph> gra
 std::string TrackWords(const ObservationPlan& plan)
 {
     Report::Table table{"",
-                        Worded(text::kSayNoneUp),
                         {SatelliteColumn(plan),
                          {"", text::kHeadFromJst},
                          {"", text::kHeadToJst},
                          {"", text::kHeadHighest},
                          {"", text::kHeadUp}},
-                        {}};
+                        text::kSayNoneUp};
     for (int index = 0; index < SatelliteCount(plan); ++index) {
         std::string line;
         int first = -1;
@@ -290,7 +283,7 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
     report.Add("hasCurtain", text::kLabelCurtain,
                Value::YesNo(HasObstruction(plan.Calc().GetCurtain())));
     if (plan.UsesAlmanac()) {
-        Report& almanac = report.AddSection("almanac", Worded(text::kLabelAlmanac));
+        Report& almanac = report.AddSection("almanac", text::kLabelAlmanac);
         AddAlmanacSummary(almanac, plan.Calc(), period.Start());
     }
     if (!plan.IsGpsAlone()) {
@@ -299,7 +292,7 @@ Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const Plan
     report.Add("kind", text::kLabelKind, Value::Text(std::string(KindOf(graph))));
     report.AddTable(Samples(plan, graph));
     if (const std::optional<PlanWindow> best = BestWindow(plan, request.settings.limits)) {
-        Report& window = report.AddSection("bestWindow", Worded(text::kLabelBestWindow));
+        Report& window = report.AddSection("bestWindow", text::kLabelBestWindow);
         const std::vector<Report::Column> columns = WindowColumns();
         std::vector<Value> row = WindowRow(plan, site, *best);
         for (std::size_t at = 2; at < columns.size(); ++at) { // site and date stand above

@@ -49,7 +49,7 @@ std::optional<Failure> UsePlace(const std::string& text, NamedSite& site)
     }
     const GeodeticPosition place{RadiansOf(numbers[0]), RadiansOf(numbers[1]), numbers[2]};
     if (count < 2 || at != end || !IsPlace(place)) {
-        return UsageFailure(Worded(text::kSayNotAPlace, {text}), Worded(text::kSayNotAPlaceHint));
+        return UsageFailure({text::kSayNotAPlace, {text}}, text::kSayNotAPlaceHint);
     }
     site = {FromUtf8(text), {place.latitudeRad, place.longitudeRad, place.heightM}};
     return std::nullopt;
@@ -63,13 +63,12 @@ std::optional<Failure> CheckEntry(const std::filesystem::path& folder, const std
                                     : !entry.longitudeRad ? "LON"
                                                           : "HGT";
         return FileFailure(
-            Worded(text::kSaySiteLacks, {ToUtf8(name), missing, SitesPath(folder).string()}),
-            Worded(text::kSaySiteLacksHint));
+            {text::kSaySiteLacks, {ToUtf8(name), missing, SitesPath(folder).string()}},
+            text::kSaySiteLacksHint);
     }
     if (!IsPlace({*entry.latitudeRad, *entry.longitudeRad, *entry.heightM})) {
-        return FileFailure(
-            Worded(text::kSaySiteNowhere, {ToUtf8(name), SitesPath(folder).string()}),
-            Worded(text::kSaySiteNowhereHint));
+        return FileFailure({text::kSaySiteNowhere, {ToUtf8(name), SitesPath(folder).string()}},
+                           text::kSaySiteNowhereHint);
     }
     return std::nullopt;
 }
@@ -90,7 +89,7 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
         }
     }
     if (found.empty()) {
-        return UsageFailure(Worded(text::kSayNoSite, {name}), Worded(text::kSaySitesHint));
+        return UsageFailure({text::kSayNoSite, {name}}, text::kSaySitesHint);
     }
     if (found.size() > 1) {
         std::string names;
@@ -98,8 +97,7 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
             names += names.empty() ? "" : ", ";
             names += ToUtf8(candidate->name);
         }
-        return UsageFailure(Worded(text::kSaySeveralSites, {name, names}),
-                            Worded(text::kSaySitesHint));
+        return UsageFailure({text::kSaySeveralSites, {name, names}}, text::kSaySitesHint);
     }
     site = *found.front();
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
@@ -112,7 +110,7 @@ std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& r
     }
     SitesCsv list = LoadSitesCsv(file);
     if (list.error) {
-        return TextFailure(file, *list.error, Worded(text::kSaySiteListHint));
+        return TextFailure(file, *list.error, text::kSaySiteListHint);
     }
     for (ListedSite& site : list.sites) {
         request.sites.push_back({std::move(site.name), site.observer});
@@ -203,8 +201,7 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     }
     const std::optional<SystemSet> systems = ParseSystems(options.systems);
     if (!systems) {
-        return UsageFailure(Worded(text::kSayNoSystems, {options.systems}),
-                            Worded(text::kSaySystemLetters));
+        return UsageFailure({text::kSayNoSystems, {options.systems}}, text::kSaySystemLetters);
     }
     request.systems = *systems;
     const std::vector<NamedSite> known = KnownSites(request.folder);
@@ -237,13 +234,13 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
                                ObservationPlan& plan)
 {
     if (!plan.Calc().LoadAlmanac(request.almanac)) {
-        return FileFailure(Worded(text::kSayNoAlmanac, {request.almanac.string()}),
-                           Worded(text::kSayWaysToAlmanac));
+        return FileFailure({text::kSayNoAlmanac, {request.almanac.string()}},
+                           text::kSayWaysToAlmanac);
     }
     if (!options.curtain.empty()) {
         const CurtainText text = LoadCurtainText(options.curtain);
         if (text.error) {
-            return TextFailure(options.curtain, *text.error, Worded(text::kSayCurtainHint));
+            return TextFailure(options.curtain, *text.error, text::kSayCurtainHint);
         }
         plan.Calc().SetCurtain(text.curtain);
     } else if (!options.noCurtain) {
@@ -254,8 +251,7 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
     if (!plan.IsGpsAlone()) {
         KeptNavigation kept = LoadConstellations(request.folder);
         if (kept.error) {
-            return FileFailure(
-                Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}));
+            return FileFailure({text::kSayMessagesDamaged, {Translated(kept.error->message)}});
         }
         plan.SetConstellations(std::move(kept.constellations));
     }

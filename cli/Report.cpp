@@ -1,17 +1,23 @@
 #include "cli/Report.h"
 
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
-
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 namespace fieldcore::cli {
 
 namespace {
+
+bool IsWide(char32_t code)
+{
+    return (code >= 0x1100 && code < 0x1160) || (code >= 0x2E80 && code < 0xA4D0) ||
+           (code >= 0xAC00 && code < 0xD7A4) || (code >= 0xF900 && code < 0xFB00) ||
+           (code >= 0xFF01 && code < 0xFF61) || (code >= 0xFFE0 && code < 0xFFE7);
+}
 
 /// What a person reads, in the language of the run.
 std::string WordsOf(const Value& value)
@@ -91,19 +97,12 @@ std::string Indented(const std::string& text)
 
 } // namespace
 
-void Report::Add(std::string key, std::string label, Value value)
+void Report::Add(std::string key, Wording label, Value value)
 {
     m_items.emplace_back(Field{std::move(key), std::move(label), std::move(value)});
 }
 
-void Report::Add(std::string key, int label, Value value)
-{
-    Add(std::move(key), Worded(label), std::move(value));
-}
-
-Report::Column::Column(std::string k, int head) : Column(std::move(k), Worded(head)) {}
-
-Report& Report::AddSection(std::string key, std::string title)
+Report& Report::AddSection(std::string key, Wording title)
 {
     m_items.emplace_back(Section{std::move(key), std::move(title), std::make_unique<Report>()});
     return *std::get<Section>(m_items.back()).content;
@@ -143,6 +142,16 @@ std::string Report::Words() const
         }
     }
     return text;
+}
+
+std::size_t DisplayWidth(std::string_view utf8)
+{
+    std::size_t width = 0;
+    while (!utf8.empty()) {
+        const std::optional<char32_t> code = TakeUtf8Character(utf8);
+        width += code && IsWide(*code) ? 2U : 1U;
+    }
+    return width;
 }
 
 std::string TableLine(const std::vector<std::pair<std::string, std::size_t>>& textsAndWidths)

@@ -56,7 +56,7 @@ std::optional<Failure> ReadSkies(const Context& context, const PlanOptions& opti
         } else if (file && std::filesystem::exists(*file, error)) {
             const CurtainText text = LoadCurtainText(*file);
             if (text.error) {
-                return TextFailure(*file, *text.error, Worded(text::kSayCurtainHint));
+                return TextFailure(*file, *text.error, text::kSayCurtainHint);
             }
             curtain = text.curtain;
         } else if (!options.curtain.empty()) {
@@ -69,16 +69,15 @@ std::optional<Failure> ReadSkies(const Context& context, const PlanOptions& opti
                          HasObstruction(curtain)});
     }
     if (!without.empty()) {
-        context.output.Message(
-            "warning", "", Worded(text::kSayNoSiteCurtain, {JoinedNames(without)}), Colour::Yellow);
-        context.output.Note(Worded(text::kSaySiteCurtainHint, {wanted.string()}));
+        context.output.Warn({text::kSayNoSiteCurtain, {JoinedNames(without)}});
+        context.output.Note({text::kSaySiteCurtainHint, {wanted.string()}});
     }
     return std::nullopt;
 }
 
 Value SiteValue(const PlanSearch& search, std::size_t site)
 {
-    return site == search.Together() ? Value::Word(kTogether, Worded(text::kSayAllSites))
+    return site == search.Together() ? Term(kTogether, text::kSayAllSites)
                                      : Value::Text(std::wstring_view(search.Sites()[site].name));
 }
 
@@ -105,13 +104,13 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
                                  std::optional<PlanSearch>& search)
 {
     if (request.dates.size() > SearchHours::kMostDays) {
-        return UsageFailure(Worded(text::kSayMostDays, {std::to_string(SearchHours::kMostDays)}));
+        return UsageFailure({text::kSayMostDays, {std::to_string(SearchHours::kMostDays)}});
     }
     if (request.sites.size() > PlanSearch::kMostSites) {
-        return UsageFailure(Worded(text::kSayMostSites, {std::to_string(PlanSearch::kMostSites)}));
+        return UsageFailure({text::kSayMostSites, {std::to_string(PlanSearch::kMostSites)}});
     }
     if (plan.HasClockPerSystem()) {
-        return UsageFailure(Worded(text::kSayOneClock));
+        return UsageFailure(text::kSayOneClock);
     }
     std::vector<SearchSite> sites;
     if (std::optional<Failure> failure = ReadSkies(context, options, request, plan, sites)) {
@@ -125,8 +124,9 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
             context.output.Progress("");
             return RequestFailure(CommandFault::Cancelled, "");
         }
-        context.output.Progress(Worded(text::kSaySearching, {std::to_string(search->StepsDone()),
-                                                             std::to_string(search->Steps())}));
+        context.output.Progress(
+            {text::kSaySearching,
+             {std::to_string(search->StepsDone()), std::to_string(search->Steps())}});
     }
     context.output.Progress("");
     return std::nullopt;
@@ -135,7 +135,6 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
 Report::Table BestTable(const PlanSearch& search, const WindowLimits& limits, int days)
 {
     Report::Table table{"windows",
-                        "",
                         {{"site", text::kHeadSite},
                          {"date", text::kHeadDate},
                          {"from", text::kHeadFromJst},
@@ -143,8 +142,7 @@ Report::Table BestTable(const PlanSearch& search, const WindowLimits& limits, in
                          {"fewestSatellites", text::kHeadSatellites},
                          {"highestPdop", "PDOP"},
                          {"goodFrom", text::kHeadGoodFrom},
-                         {"goodTo", text::kHeadGoodTo}},
-                        {}};
+                         {"goodTo", text::kHeadGoodTo}}};
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         int left = days;
         for (const auto& [window, goodFirst, goodLast] : search.BestOfDays(site, limits)) {
@@ -172,21 +170,18 @@ void WarnOfSitesWithout(Output& output, const PlanSearch& search, const Report::
         }
     }
     if (!without.empty()) {
-        output.Message("warning", "", Worded(text::kSayNoWindowAt, {JoinedNames(without)}),
-                       Colour::Yellow);
+        output.Warn({text::kSayNoWindowAt, {JoinedNames(without)}});
     }
 }
 
 Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
 {
     Report::Table table{"sites",
-                        "",
                         {{"site", text::kHeadSite},
                          {"hasCurtain", text::kHeadCurtain},
                          {"fewestSatellites", text::kHeadFewest},
                          {"highestPdop", text::kHeadHighestPdop},
-                         {"goodHours", text::kHeadGoodHours}},
-                        {}};
+                         {"goodHours", text::kHeadGoodHours}}};
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         const auto counts = search.Counts(site);
         const auto pdops = search.Pdops(site);
@@ -210,9 +205,7 @@ Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
 Report::Table SessionSamples(const PlanSearch& search)
 {
     Report::Table table{"samples",
-                        "",
-                        {{"time", "JST"}, {"satellites", text::kHeadSatellites}, {"pdop", "PDOP"}},
-                        {}};
+                        {{"time", "JST"}, {"satellites", text::kHeadSatellites}, {"pdop", "PDOP"}}};
     const auto counts = search.Counts(search.Together());
     const auto pdops = search.Pdops(search.Together());
     for (int k = 0; k < search.EpochCount(); ++k) {

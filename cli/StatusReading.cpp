@@ -1,7 +1,6 @@
 #include "cli/StatusReading.h"
 
 #include "cli/PortSession.h"
-#include "cli/Utf8.h"
 #include "cli/Wording.h"
 
 #include "core/equipment/InstalledOptions.h"
@@ -9,36 +8,11 @@
 #include "core/link/RecvInfo.h"
 #include "core/resources/StringTable.h"
 
-#include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstddef>
 #include <utility>
 #include <vector>
 
 namespace fieldcore::cli {
-
-namespace {
-
-struct WatchColumn
-{
-    const char* label;
-    const char* key;
-    std::size_t width;
-};
-
-constexpr std::array kWatchColumns{
-    WatchColumn{"TIME", "utc", 25},
-    WatchColumn{"FIX", "fix", 15},
-    WatchColumn{"SATELLITES", "satellitesTracked", 12},
-    WatchColumn{"PDOP", "pdop", 6},
-    WatchColumn{"BATTERY", "batteryPercent", 9},
-    WatchColumn{"LATITUDE", "latitudeDeg", 18},
-    WatchColumn{"LONGITUDE", "longitudeDeg", 18},
-    WatchColumn{"HEIGHT", "heightM", 0},
-};
-
-} // namespace
 
 StatusReader::StatusReader(PortSession& session)
     : m_session(session), m_questions(session.Command())
@@ -91,13 +65,13 @@ void AddFields(Report& report, const Receiver& receiver, ReceiverField::Place pl
 void AddStatus(Report& report, const Receiver& receiver)
 {
     AddFields(report, receiver, ReceiverField::Report);
-    AddFields(report.AddSection("position", Worded(text::kLabelPosition)), receiver,
+    AddFields(report.AddSection("position", text::kLabelPosition), receiver,
               ReceiverField::PositionReport);
 }
 
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now)
 {
-    Report& ages = report.AddSection("agesS", Worded(text::kLabelAge));
+    Report& ages = report.AddSection("agesS", text::kLabelAge);
     const auto add = [&](const char* key, const std::string& label, FieldSource source) {
         const std::optional<Clock::Duration> at = TimeOf(source, receiver);
         ages.Add(key, label,
@@ -126,18 +100,6 @@ void AddIdentity(Report& report, const ReceiverIdentity& identity)
         }
     }
     report.Add("options", text::kLabelOptions, Value::List(std::move(options), std::move(words)));
-}
-
-std::string WatchLine(const Receiver* receiver)
-{
-    std::vector<std::pair<std::string, std::size_t>> cells;
-    for (const WatchColumn& column : kWatchColumns) {
-        const ReceiverField& field = FieldOf(column.key);
-        const std::string head = WordedOr(column.label, field.textId);
-        cells.emplace_back(receiver != nullptr ? ReportField(field, *receiver).Words() : head,
-                           std::max(column.width, DisplayWidth(head) + 2));
-    }
-    return TableLine(cells);
 }
 
 } // namespace fieldcore::cli

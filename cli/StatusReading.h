@@ -49,8 +49,4 @@ void AddAges(Report& report, const Receiver& receiver, Clock::Duration now);
 /// Model, numbers, firmware and options of a receiver.
 void AddIdentity(Report& report, const ReceiverIdentity& identity);
 
-/// One line of the watch.
-/// @param receiver  null: the heads of its columns
-[[nodiscard]] std::string WatchLine(const Receiver* receiver);
-
 } // namespace fieldcore::cli

@@ -1,6 +1,6 @@
 #include "cli/TerminalHost.h"
 
-#include "cli/Utf8.h"
+#include "core/platform/Utf8.h"
 
 #include <istream>
 #include <ostream>
@@ -52,10 +52,9 @@ BoxAnswer TerminalHost::ShowMessage(std::wstring_view text, std::wstring_view ca
     return BoxAnswer::Ok;
 }
 
-std::optional<Failure> TerminalHost::Ask(const std::string& question, std::string nobody,
-                                         std::string hint)
+std::optional<Failure> TerminalHost::Ask(const Wording& question, Wording nobody, Wording hint)
 {
-    if (m_answers == Answers::Ask && !m_world.CanAsk()) {
+    if (!m_hasAgreed && !m_world.CanAsk()) {
         return UsageFailure(std::move(nobody), std::move(hint));
     }
     return ShowMessage(FromUtf8(question), L"", {BoxButtons::YesNo, BoxIcon::Question}) ==
@@ -66,11 +65,8 @@ std::optional<Failure> TerminalHost::Ask(const std::string& question, std::strin
 
 bool TerminalHost::Agrees()
 {
-    if (m_answers == Answers::AllYes) {
-        return true;
-    }
-    if (!m_world.CanAsk()) {
-        return false;
+    if (m_hasAgreed || !m_world.CanAsk()) {
+        return m_hasAgreed;
     }
     *m_world.err << "[y/N] " << std::flush;
     std::string answer;

@@ -1,9 +1,9 @@
 #include "cli/Command.h"
 #include "cli/Options.h"
-#include "cli/Utf8.h"
 #include "cli/Wording.h"
 
 #include "core/link/FrameDescriber.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 
@@ -14,14 +14,11 @@
 #include <cstdio>
 #include <fstream>
 #include <istream>
-#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -65,7 +62,7 @@ const char* KindCode(Kind kind)
 
 std::string NameOf(const DescribedBytes& bytes)
 {
-    return IsEnglish() || bytes.title.empty() ? Translated(bytes.name) : bytes.title;
+    return WordedOr(Translated(bytes.name), bytes.title);
 }
 
 /// Several meanings, or a name behind its number.
@@ -122,10 +119,9 @@ Value Checksum(const DescribedBytes& bytes)
         return Value::Unknown();
     }
     return bytes.checksumGood
-               ? Value::Word("good", Worded(text::kTraceChecksumGood))
-               : Value::Word("bad",
-                             Worded(text::kTraceChecksumBad,
-                                    {HexByte(bytes.checksum), HexByte(bytes.expectedChecksum)}));
+               ? Term("good", text::kTraceChecksumGood)
+               : Term("bad", {text::kTraceChecksumBad,
+                              {HexByte(bytes.checksum), HexByte(bytes.expectedChecksum)}});
 }
 
 /// The time at the start of a log line, minutes and seconds of an hour; empty if there is none, or
@@ -162,10 +158,7 @@ Report ReportOf(std::int64_t line, const std::string& time, Direction direction,
     report.Add("checksum", text::kLabelChecksum, Checksum(bytes));
     report.Add("fault", text::kLabelFault, Value::Text(bytes.fault));
     Report::Table table{
-        "fields",
-        "",
-        {{"offset", ""}, {"name", ""}, {"value", ""}, {"unit", ""}, {"meaning", ""}},
-        {}};
+        "fields", {{"offset", ""}, {"name", ""}, {"value", ""}, {"unit", ""}, {"meaning", ""}}};
     for (const DescribedField& field : bytes.fields) {
         table.rows.push_back({Value::Integer(static_cast<std::int64_t>(field.offset)),
                               Value::Text(field.name), field.value, Value::Text(field.value.Unit()),
@@ -230,7 +223,7 @@ public:
     }
 
     /// @param failure  why not all of the log was read, if so
-    ExitCode Finish(const std::optional<Failure>& failure)
+    Ending Finish(const std::optional<Failure>& failure)
     {
         m_report.Add("exchanged", text::kLabelExchanged, Value::Integer(m_told));
         m_report.Add("faults", text::kLabelFaults, Value::Integer(m_faults));
@@ -241,13 +234,13 @@ public:
         }
         if (m_told == 0) {
             return m_context.output.Failed(
-                FileFailure(Worded(text::kSayNoExchange), Worded(text::kSayNoExchangeHint)),
+                FileFailure(text::kSayNoExchange, text::kSayNoExchangeHint),
                 m_context.output.IsJson() ? &m_report : nullptr);
         }
         const ExitCode code = m_context.output.Done(m_report, "");
         m_context.output.Note(
-            Worded(text::kSayExchanged, {std::to_string(m_told), std::to_string(m_faults),
-                                         std::to_string(m_damagedLines)}));
+            {text::kSayExchanged,
+             {std::to_string(m_told), std::to_string(m_faults), std::to_string(m_damagedLines)}});
         return code;
     }
 
@@ -327,15 +320,15 @@ std::optional<Failure> Read(const Context& context, std::istream& in, const std:
     }
     const std::string next = std::to_string(lines + 1);
     if (World::HasFailed(in)) {
-        return FileFailure(Worded(text::kSayReadTo, {name, next}));
+        return FileFailure({text::kSayReadTo, {name, next}});
     }
     if (in.fail() && !in.eof()) {
-        return FileFailure(Worded(text::kSayLineTooLong, {name, next}));
+        return FileFailure({text::kSayLineTooLong, {name, next}});
     }
     return std::nullopt;
 }
 
-ExitCode Run(const Context& context, const TraceOptions& options)
+Ending Run(const Context& context, const TraceOptions& options)
 {
     std::ifstream file;
     const bool fromStdin = options.file == "-";
@@ -343,8 +336,7 @@ ExitCode Run(const Context& context, const TraceOptions& options)
         file.open(options.file, std::ios::binary);
         // A folder opens and cannot be read.
         if (!file || (file.peek() == std::ifstream::traits_type::eof() && file.bad())) {
-            return context.output.Failed(FileFailure(Worded(text::kSayNotRead, {options.file}),
-                                                     Worded(text::kSayTraceHint)));
+            return FileFailure({text::kSayNotRead, {options.file}}, text::kSayTraceHint);
         }
         file.clear();
     }
@@ -361,11 +353,13 @@ ExitCode Run(const Context& context, const TraceOptions& options)
 
 Command AddTraceCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "trace", text::kHelpTrace);
-    auto options = std::make_shared<TraceOptions>();
-    AddText(parser, "file", options->file, "FILE", text::kOptTrace)->required();
-    AddFlag(parser, "--brief", options->brief, text::kOptBrief);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    return AddCommand<TraceOptions>(
+        program, {"trace", text::kHelpTrace,
+                  [](CLI::App& parser, TraceOptions& options) {
+                      AddText(parser, "file", options.file, "FILE", text::kOptTrace)->required();
+                      AddFlag(parser, "--brief", options.brief, text::kOptBrief);
+                  },
+                  Run});
 }
 
 } // namespace fieldcore::cli

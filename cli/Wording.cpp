@@ -95,9 +95,14 @@ std::string Translated(const std::string& english)
     return english;
 }
 
+std::string WordedOr(const std::string& english, const std::string& words)
+{
+    return IsEnglish() || words.empty() ? english : words;
+}
+
 std::string WordedOr(const char* english, int id)
 {
-    return id != 0 && !IsEnglish() ? Worded(id) : english;
+    return WordedOr(std::string(english), id != 0 ? Worded(id) : std::string());
 }
 
 } // namespace fieldcore::cli

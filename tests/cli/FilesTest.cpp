@@ -1,6 +1,6 @@
 // The receiver's files from the command line.
 
-#include "cli/Wildcard.h"
+#include "cli/FileCatalogue.h"
 #include "tests/cli/Runner.h"
 #include "tests/core/settings/FileSizeLimit.h"
 

@@ -1,5 +1,6 @@
 #include "cli/Report.h"
-#include "cli/Utf8.h"
+
+#include "core/platform/Utf8.h"
 
 #include <chrono>
 #include <limits>
@@ -91,10 +92,10 @@ TEST(Report, AlignsByTheWidthThatIsSeen)
     report.Add("b", "long label", Value::Integer(2));
     Report& section = report.AddSection("s", "title");
     section.Add("c", "x", Value::Unknown());
-    report.AddTable({"t", "nothing", {{"k", "KEY"}, {"v", "VALUE"}}, {}});
+    report.AddTable({"t", {{"k", "KEY"}, {"v", "VALUE"}}, "nothing"});
     report.AddTable({"u",
-                     "nothing",
                      {{"k", "KEY"}, {"v", "VALUE"}},
+                     "nothing",
                      {{Value::Text(std::string("受信機")), Value::Integer(3)}}});
     EXPECT_EQ(report.Words(), "局          1\n"
                               "long label  2\n"
