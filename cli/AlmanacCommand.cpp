@@ -1,23 +1,25 @@
 #include "cli/AlmanacReport.h"
 #include "cli/Command.h"
-#include "cli/DayText.h"
-#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
 
 #include "core/orbits/NavigationFile.h"
+#include "core/orbits/NavigationText.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/AlmanacText.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/platform/Utf8.h"
+#include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
 
 #include <functional>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace fieldcore::cli {
 
@@ -47,26 +49,6 @@ void ShowText(const Context& context, const AlmanacMessage& message)
                                                                 : message.words,
                                           Text(message.caption), {BoxButtons::Ok, message.icon});
     }
-}
-
-Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacStore& store)
-{
-    switch (result) {
-    case AlmanacResult::Cancelled:
-        return RequestFailure(CommandFault::Cancelled, "");
-    case AlmanacResult::TooFew:
-        return {ExitCode::Failed, "almanac-too-few", text::kSayAlmanacTooFew,
-                text::kSayAlmanacTooFewHint};
-    case AlmanacResult::Done:
-    case AlmanacResult::NotRead:
-    case AlmanacResult::NotWritten:
-    case AlmanacResult::NotReplaced:
-    case AlmanacResult::BrokenOff:
-        break;
-    }
-    return FileFailure({text::kSayAlmanacNotWritten,
-                        {AlmanacPath(FolderOf(context)).string(), Reason(store.LastError())}},
-                       "fieldcore-cli doctor");
 }
 
 /// A download that lost answers: how far it came, and why.
@@ -113,7 +95,7 @@ Ending Put(const Context& context, const std::function<AlmanacResult(AlmanacStor
         return LossOf(tally, Worded(text::kSayNothingReplaced));
     }
     if (result != AlmanacResult::Done) {
-        return FailureOf(result, context, store);
+        return AlmanacFailure(result, store, AlmanacPath(FolderOf(context)));
     }
     CSurveyPlanCalc almanac;
     almanac.LoadAlmanac(AlmanacPath(folder));
@@ -199,6 +181,91 @@ Ending Store(const Context& context, const std::vector<AlmanacRecord>& records,
     return Put(context, [&](AlmanacStore& store) { return store.Import(records, source); });
 }
 
+std::string LettersOf(std::span<const NavigationRecord> records)
+{
+    SystemSet systems;
+    for (const NavigationRecord& record : records) {
+        systems.set(static_cast<std::size_t>(record.satellite.system));
+    }
+    return TextOf(systems);
+}
+
+double NowS(const Context& context)
+{
+    return static_cast<double>(GpsSeconds(GpsNow(context.world)));
+}
+
+/// Adds @p records to what is kept, unless this is a dry run.
+std::optional<Failure> Keep(const Context& context, std::span<const NavigationRecord> records)
+{
+    const std::filesystem::path folder = Folders(context.world.folders).Program();
+    if (LoadConstellations(folder).error) {
+        context.output.Warn(text::kSayMessagesLost);
+    }
+    if (context.dryRun) {
+        return std::nullopt;
+    }
+    if (const std::error_code error = KeepMessages(folder, records, NowS(context))) {
+        return FileFailure(
+            {text::kSayMessagesNotKept, {NavigationPath(folder).string(), Reason(error)}},
+            "fieldcore-cli doctor");
+    }
+    return std::nullopt;
+}
+
+/// Adds @p records to what is kept and tells of them.
+Ending Take(const Context& context, std::span<const NavigationRecord> records)
+{
+    if (const std::optional<Failure> failure = Keep(context, records)) {
+        return *failure;
+    }
+    Report report;
+    report.Add("file", text::kLabelFile,
+               Value::Text(NavigationPath(Folders(context.world.folders).Program()).string()));
+    AddSystemTable(report, records, NowS(context));
+    context.output.Note({text::kSayForSystems, {LettersOf(records)}});
+    return Kept(context, report);
+}
+
+std::vector<NavigationRecord> MessagesOf(const Context& context,
+                                         std::span<const AlmanacRecord> records)
+{
+    std::vector<NavigationRecord> messages;
+    for (const AlmanacRecord& record : records) {
+        if (const auto message = MessageOf(record, NowS(context))) {
+            messages.push_back(*message);
+        }
+    }
+    return messages;
+}
+
+/// Whether @p file is a navigation file, by its content.
+bool IsNavigationFile(const std::string& file)
+{
+    constexpr std::size_t kFirstLine = 256;
+    const auto start = ReadWholeFile(file, kFirstLine);
+    return start &&
+           LooksLikeNavigation({reinterpret_cast<const char*>(start->data()), start->size()});
+}
+
+/// Adds the messages of a navigation file to those that are kept.
+Ending ImportNavigation(const Context& context, const std::string& file)
+{
+    const NavigationText text = LoadNavigation(file);
+    if (text.error) {
+        return TextFailure(file, *text.error, text::kSayWholeNavigation);
+    }
+    if (const int other = text.otherSystems + text.otherMessages; other > 0) {
+        context.output.Note({text::kSayMessagesOther, {std::to_string(other)}});
+    }
+    if (text.firstOdd) {
+        context.output.Note({text::kSayMessagesOdd,
+                             {std::to_string(text.odd), std::to_string(text.firstOdd->line),
+                              text.firstOdd->field}});
+    }
+    return Take(context, text.records);
+}
+
 Ending Import(const Context& context, const AlmanacOptions& options)
 {
     if (IsNavigationFile(options.file)) {
@@ -214,11 +281,15 @@ Ending Import(const Context& context, const AlmanacOptions& options)
     if (text.skipped > 0) {
         context.output.Note({text::kSayPrnBeyond, {std::to_string(text.skipped)}});
     }
-    if (text.records.empty() && !text.qzss.empty()) {
-        return ImportOthers(context, text.qzss);
-    }
-    if (const std::optional<Failure> failure = KeepOthers(context, text.qzss)) {
-        return *failure;
+    if (!text.qzss.empty()) { // they stand beside GPS, or alone
+        const std::vector<NavigationRecord> messages = MessagesOf(context, text.qzss);
+        if (text.records.empty()) {
+            return Take(context, messages);
+        }
+        context.output.Note({text::kSayQzssTaken, {std::to_string(text.qzss.size())}});
+        if (const std::optional<Failure> failure = Keep(context, messages)) {
+            return *failure;
+        }
     }
     return Store(
         context, text.records,

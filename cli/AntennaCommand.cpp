@@ -89,32 +89,25 @@ Ending List(const Context& context, const AntennaOptions& options)
     Report report;
     report.Add("file", text::kLabelFile, Value::Text(access.File().string()));
     const int count = access.settings.GetMaxCount();
-    Report::Table types{"types",
-                        {{"type", text::kHeadType},
-                         {"name", text::kHeadName},
-                         {"charCode", text::kHeadCalled},
-                         {"code", text::kHeadNo}},
-                        text::kSayNoAntennas};
-    Report::Table methods{"methods",
-                          {{"type", text::kHeadType},
-                           {"method", text::kHeadMethod},
-                           {"radiusM", "R"},
-                           {"verticalM", "V"},
-                           {"name", text::kHeadName}},
-                          text::kSayNoMethods};
+    Report::Table types{"types", text::kSayNoAntennas};
+    Report::Table methods{"methods", text::kSayNoMethods};
     for (int n = 0; n < count; ++n) {
         const AntennaType type = access.settings.Catalogue().Type(n).value_or(AntennaType{});
-        types.rows.push_back(
-            {Value::Integer(n), Shown(type.name), Shown(type.charCode), Value::Integer(type.code)});
+        types.rows.push_back({{"type", text::kHeadType, Value::Integer(n)},
+                              {"name", text::kHeadName, Shown(type.name)},
+                              {"charCode", text::kHeadCalled, Shown(type.charCode)},
+                              {"code", text::kHeadNo, Value::Integer(type.code)}});
         for (int way = 1;; ++way) {
             const auto method = access.settings.Catalogue().Method(n, way - 1);
             if (!method) {
                 break;
             }
-            methods.rows.push_back({Value::Integer(n), Value::Integer(way),
-                                    Metres(method->radiusM, kCatalogue),
-                                    Metres(method->verticalM, kCatalogue),
-                                    Shown(access.settings.GetAntWayStr(n, way))});
+            methods.rows.push_back(
+                {{"type", text::kHeadType, Value::Integer(n)},
+                 {"method", text::kHeadMethod, Value::Integer(way)},
+                 {"radiusM", "R", Metres(method->radiusM, kCatalogue)},
+                 {"verticalM", "V", Metres(method->verticalM, kCatalogue)},
+                 {"name", text::kHeadName, Shown(access.settings.GetAntWayStr(n, way))}});
         }
     }
     report.AddTable(std::move(types));

@@ -92,12 +92,13 @@ Ending CountUp(const Context& context, const CheckOptions& options)
 {
     Report report;
     report.Add("name", text::kLabelName, Value::Text(options.text));
-    Report::Table table{"names", {{"name", text::kHeadNext}, {"changed", text::kHeadChanged}}};
+    Report::Table table{"names"};
     std::wstring name = FromUtf8(options.text);
     for (int i = 0; i < options.count; ++i) {
         const std::wstring before = name;
         PointNameIncre(name, static_cast<std::uint8_t>(options.maxLength));
-        table.rows.push_back({Value::Text(name), Value::YesNo(name != before)});
+        table.rows.push_back({{"name", text::kHeadNext, Value::Text(name)},
+                              {"changed", text::kHeadChanged, Value::YesNo(name != before)}});
     }
     report.AddTable(std::move(table));
     return context.output.Done(report);

@@ -16,7 +16,6 @@
 #include <optional>
 #include <ostream>
 #include <sstream>
-#include <string_view>
 
 #include <CLI/CLI.hpp>
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -61,15 +60,6 @@ std::vector<std::string> NamesBelow(const CLI::App& parser)
         names.push_back(child->get_name());
     }
     return names;
-}
-
-std::string Joined(const std::vector<std::string>& words)
-{
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : ", ") + word;
-    }
-    return text;
 }
 
 std::string HelpOf(const CLI::App& parser)

@@ -1,3 +1,4 @@
+#include "cli/AlmanacReport.h"
 #include "cli/Command.h"
 #include "cli/FileCatalogue.h"
 #include "cli/PlanReport.h"
@@ -11,6 +12,7 @@
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/platform/Utf8.h"
+#include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
@@ -20,8 +22,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -52,11 +52,7 @@ bool IsSameAsIn(const simulator::Simulator& simulator, const std::string& name,
         if (original.name == name) {
             std::vector<std::uint8_t> expected(original.size);
             simulator::ReadFileContent(original, 0, expected);
-            std::ifstream stream(file, std::ios::binary);
-            const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
-            return std::equal(
-                bytes.begin(), bytes.end(), expected.begin(), expected.end(),
-                [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+            return ReadWholeFile(file, original.size + 1) == expected;
         }
     }
     return false;
@@ -110,7 +106,7 @@ private:
         if (connect.CheckRecvType() == 0) {
             return m_session.RequestFailed();
         }
-        Report& identity = m_report.AddSection("identity", "");
+        Report& identity = m_report.AddSection("identity");
         AddIdentity(identity, connect.Identity());
         Say(identity.Words() + Worded(text::kDemoIdentified));
         return std::nullopt;
@@ -123,7 +119,7 @@ private:
         if (std::optional<Failure> failure = reader.Read()) {
             return failure;
         }
-        Report& status = m_report.AddSection("status", "");
+        Report& status = m_report.AddSection("status");
         AddStatus(status, reader.Reading());
         const std::string words = status.Words();
         Say(words.substr(0, words.find_last_not_of('\n') + 1));
@@ -167,11 +163,10 @@ private:
             return Failure{ExitCode::Failed, "file-differs", text::kDemoDiffers};
         }
         Say(Worded(text::kDemoSame));
-        Report& files = m_report.AddSection("files", "");
-        files.Add("fileCount", text::kLabelFiles,
-                  Value::Integer(static_cast<std::int64_t>(all.files.size())));
-        files.Add("fetched", text::kLabelFetched, Value::Text(name));
-        files.Add("sizeBytes", text::kLabelItsSize, Value::Integer(smallest->size, "B"));
+        Report& files = m_report.AddSection("files");
+        files.Add("fileCount", Value::Integer(static_cast<std::int64_t>(all.files.size())));
+        files.Add("fetched", Value::Text(name));
+        files.Add("sizeBytes", Value::Integer(smallest->size, "B"));
         return std::nullopt;
     }
 
@@ -195,9 +190,8 @@ private:
         if (times < 2) {
             return Failure{ExitCode::Failed, "fault-not-seen", text::kDemoNotSeen};
         }
-        Report& fault = m_report.AddSection("fault", "");
-        fault.Add("timesSent", text::kLabelTimesSent,
-                  Value::Integer(static_cast<std::int64_t>(times)));
+        Report& fault = m_report.AddSection("fault");
+        fault.Add("timesSent", Value::Integer(static_cast<std::int64_t>(times)));
         Say(Worded(text::kDemoSurvived,
                    {std::to_string(times), std::to_string(status.batteryPercent),
                     std::to_string(status.satellitesTracked)}));
@@ -213,19 +207,11 @@ private:
             return FileFailure(text::kSayNoScratch);
         }
         AlmanacStore store(folder.Path());
-        switch (store.Update(m_session.Command())) {
-        case AlmanacResult::Done:
-            break;
-        case AlmanacResult::TooFew:
-            return Failure{ExitCode::Failed, "almanac-too-few", text::kSayAlmanacTooFew};
-        case AlmanacResult::BrokenOff:
-        case AlmanacResult::Cancelled:
-            return m_session.RequestFailed();
-        case AlmanacResult::NotWritten:
-        case AlmanacResult::NotReplaced:
-        case AlmanacResult::NotRead:
-            return FileFailure(
-                {text::kSayAlmanacNotWritten, {folder.Path().string(), Reason(store.LastError())}});
+        const AlmanacResult result = store.Update(m_session.Command());
+        if (result != AlmanacResult::Done) {
+            return result == AlmanacResult::BrokenOff
+                       ? m_session.RequestFailed()
+                       : AlmanacFailure(result, store, AlmanacPath(folder.Path()));
         }
         PlanOptions options;
         options.sites = {"東京都千代田区"};
@@ -243,7 +229,7 @@ private:
             return failure;
         }
         plan.Calc().SetObserver(request.sites.front().observer);
-        plan.Period() = {request.dates.front(), request.startHour, request.hours};
+        plan.Period() = {request.dates.front(), request.settings.startHour, request.settings.hours};
         plan.Compute();
         m_report.AddEntry("plans", PlanReport(plan, request.sites.front(), request, std::nullopt));
         const std::string words = PlanWords(plan, request.sites.front(), request, std::nullopt);

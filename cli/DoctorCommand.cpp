@@ -17,7 +17,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -34,19 +33,23 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Health
+/// How a thing is.
+struct Health
 {
-    Ok,
-    Attention, ///< works, but not all of it or not for long
-    Bad,
+    int word; ///< a text; a program reads the English one
+    Colour colour;
 };
+
+constexpr Health kOk{text::kDoctorOk, Colour::Green};
+constexpr Health kAttention{text::kDoctorAttention, Colour::Yellow}; // works, but not all of it
+constexpr Health kBad{text::kDoctorBad, Colour::Red};
 
 /// One thing that was looked at.
 struct Finding
 {
     int check = 0;       ///< a text
     std::string subject; ///< stands in it; may be empty
-    Health health = Health::Ok;
+    Health health = kOk;
     std::string found;
     std::string advice; ///< what to do, as a command where there is one; empty if all is well
 };
@@ -59,30 +62,17 @@ Finding ExamineGroup(const World& world)
                        advice == 0 ? "" : Worded(advice, {group.name})};
     };
     return group.name.empty()
-               ? finding(Health::Attention, text::kDoctorNoGroup, text::kDoctorNoGroupAdvice)
-           : group.isMember ? finding(Health::Ok, text::kDoctorMember, 0)
-           : group.isListed
-               ? finding(Health::Attention, text::kDoctorListed, text::kDoctorListedAdvice)
-               : finding(Health::Bad, text::kDoctorNotMember, text::kDoctorNotMemberAdvice);
+               ? finding(kAttention, text::kDoctorNoGroup, text::kDoctorNoGroupAdvice)
+           : group.isMember ? finding(kOk, text::kDoctorMember, 0)
+           : group.isListed ? finding(kAttention, text::kDoctorListed, text::kDoctorListedAdvice)
+                            : finding(kBad, text::kDoctorNotMember, text::kDoctorNotMemberAdvice);
 }
 
 Health HealthOf(PortTrouble trouble)
 {
-    switch (trouble) {
-    case PortTrouble::None:
-        return Health::Ok;
-    case PortTrouble::InUse:
-    case PortTrouble::LoginNeeded:
-        return Health::Attention;
-    case PortTrouble::Absent:
-    case PortTrouble::Unplugged:
-    case PortTrouble::NotADevice:
-    case PortTrouble::NotSerial:
-    case PortTrouble::NoHardware:
-    case PortTrouble::NotAllowed:
-        break;
-    }
-    return Health::Bad;
+    return trouble == PortTrouble::None                                           ? kOk
+           : trouble == PortTrouble::InUse || trouble == PortTrouble::LoginNeeded ? kAttention
+                                                                                  : kBad;
 }
 
 Finding ExaminePort(const World& world, const std::string& path, const std::string& description)
@@ -108,14 +98,14 @@ void ExaminePorts(const World& world, std::vector<Finding>& findings)
         isStored ? FindTarget(roots, *StoredPort(roots), world.roots) : FoundTarget{};
     const std::string path = chosen.target ? chosen.target->devicePath : "";
     if (!chosen.detail.empty() && !chosen.scenario) {
-        findings.push_back({text::kDoctorOwnPort, "", Health::Bad, Translated(chosen.detail),
+        findings.push_back({text::kDoctorOwnPort, "", kBad, Translated(chosen.detail),
                             Worded(text::kDoctorOwnAdvice)});
     } else if (!path.empty() && std::none_of(ports.begin(), ports.end(),
                                              [&](const auto& port) { return port.path == path; })) {
         findings.push_back(ExaminePort(world, path, Worded(text::kDoctorOfController)));
     }
     if (ports.empty()) {
-        findings.push_back({text::kDoctorPorts, "", Health::Attention, Worded(text::kDoctorNone),
+        findings.push_back({text::kDoctorPorts, "", kAttention, Worded(text::kDoctorNone),
                             Worded(text::kDoctorNoneAdvice)});
     }
 }
@@ -155,9 +145,9 @@ Finding ExamineFont(const World& world)
     const std::optional<std::string> listed = world.listJapaneseFonts();
     const std::string found = listed ? listed->substr(0, listed->find('\n'))
                                      : FindFontFile(world.fontFolders).filename().string();
-    return found.empty() ? Finding{text::kDoctorFont, "", Health::Attention,
-                                   Worded(text::kDoctorNoFont), "sudo apt install fonts-vlgothic"}
-                         : Finding{text::kDoctorFont, "", Health::Ok, found, ""};
+    return found.empty() ? Finding{text::kDoctorFont, "", kAttention, Worded(text::kDoctorNoFont),
+                                   "sudo apt install fonts-vlgothic"}
+                         : Finding{text::kDoctorFont, "", kOk, found, ""};
 }
 
 /// @p folder, or what there is of it: the next folder above it that exists.
@@ -177,20 +167,18 @@ Finding ExamineFolder(int name, const fs::path& folder)
     const fs::path existing = Existing(folder);
     std::error_code error;
     if (!fs::is_directory(existing, error)) {
-        return {name, "", Health::Bad,
-                Worded(text::kDoctorNoFolder, {folder.string(), existing.string()}),
+        return {name, "", kBad, Worded(text::kDoctorNoFolder, {folder.string(), existing.string()}),
                 Worded(text::kDoctorNoFolderAdvice)};
     }
     if (access(existing.c_str(), W_OK | X_OK) != 0) {
-        return {name, "", Health::Bad,
-                Worded(text::kDoctorClosed, {folder.string(), existing.string()}),
+        return {name, "", kBad, Worded(text::kDoctorClosed, {folder.string(), existing.string()}),
                 "sudo chown $USER " + existing.string()};
     }
     const fs::space_info space = fs::space(existing, error);
     const bool isScarce = !error && space.available < kScarce;
     const std::string place =
         existing == folder ? folder.string() : Worded(text::kDoctorToBeMade, {folder.string()});
-    return {name, "", isScarce ? Health::Attention : Health::Ok,
+    return {name, "", isScarce ? kAttention : kOk,
             Worded(error ? text::kDoctorSpaceUnknown : text::kDoctorSpace,
                    {place, std::to_string(space.available / kMegabyte)}),
             isScarce ? Worded(text::kDoctorMakeRoom) : ""};
@@ -200,7 +188,7 @@ Finding ExamineVersions()
 {
     utsname system{};
     uname(&system);
-    return {text::kDoctorVersion, "", Health::Ok,
+    return {text::kDoctorVersion, "", kOk,
             Worded(text::kDoctorVersions,
                    {Version(), std::to_string(kJsonSchema),
                     std::string(system.sysname) + " " + system.release + " " + system.machine}),
@@ -209,7 +197,7 @@ Finding ExamineVersions()
 
 Finding ExamineAlmanac(const World& world)
 {
-    Finding finding{text::kLabelAlmanac, "", Health::Attention, Worded(text::kDoctorNoAlmanac),
+    Finding finding{text::kLabelAlmanac, "", kAttention, Worded(text::kDoctorNoAlmanac),
                     "fieldcore-cli almanac get --port PORT"};
     CSurveyPlanCalc almanac;
     const fs::path file = AlmanacPath(Folders(world.folders).Program());
@@ -226,7 +214,7 @@ Finding ExamineAlmanac(const World& world)
     finding.found = Worded(days < 0.0 ? text::kDoctorNewer : text::kDoctorOlder,
                            {Value::Real(std::abs(days), 1).Words(), file.string()});
     if (!IsAlmanacOld(time, now)) {
-        finding.health = Health::Ok;
+        finding.health = kOk;
         finding.advice.clear();
     }
     return finding;
@@ -254,29 +242,10 @@ std::vector<Finding> Examine(const World& world)
     return findings;
 }
 
-struct Verdict
-{
-    int word; ///< a text; a program reads the English one
-    Colour colour;
-};
-
-Verdict VerdictOf(Health health)
-{
-    switch (health) {
-    case Health::Ok:
-        return {text::kDoctorOk, Colour::Green};
-    case Health::Attention:
-        return {text::kDoctorAttention, Colour::Yellow};
-    case Health::Bad:
-        break;
-    }
-    return {text::kDoctorBad, Colour::Red};
-}
-
 Ending Run(const Context& context, const NoOptions& /*options*/)
 {
     const std::vector<Finding> findings = Examine(context.world);
-    Report::Table table{"checks", {{"check", ""}, {"health", ""}, {"found", ""}, {"advice", ""}}};
+    Report::Table table{"checks"};
     std::size_t width = 0;
     for (const Finding& finding : findings) {
         width = std::max(width, DisplayWidth(Worded(finding.check, {finding.subject})));
@@ -286,16 +255,18 @@ Ending Run(const Context& context, const NoOptions& /*options*/)
                         "\n";
     bool anyBad = false;
     for (const Finding& finding : findings) {
-        const Verdict verdict = VerdictOf(finding.health);
-        table.rows.push_back({Value::Text(InEnglish(finding.check, {finding.subject})),
-                              Value::Text(InEnglish(verdict.word)), Value::Text(finding.found),
-                              Value::Text(finding.advice)});
+        table.rows.push_back(
+            {{"check", "", Value::Text(InEnglish(finding.check, {finding.subject}))},
+             {"health", "", Value::Text(InEnglish(finding.health.word))},
+             {"found", "", Value::Text(finding.found)},
+             {"advice", "", Value::Text(finding.advice)}});
         const std::string advice =
             finding.advice.empty() ? "" : Worded(text::kDoctorAdvice, {finding.advice});
-        words += context.output.Painted(Padded(Worded(verdict.word), 11), verdict.colour) +
-                 Padded(Worded(finding.check, {finding.subject}), width + 2) +
-                 Printable(finding.found + advice) + "\n";
-        anyBad = anyBad || finding.health == Health::Bad;
+        words +=
+            context.output.Painted(Padded(Worded(finding.health.word), 11), finding.health.colour) +
+            Padded(Worded(finding.check, {finding.subject}), width + 2) +
+            Printable(finding.found + advice) + "\n";
+        anyBad = anyBad || finding.health.word == kBad.word;
     }
     const ExitCode done = context.output.Done(Report(std::move(table)), words);
     return anyBad ? ExitCode::Failed : done;

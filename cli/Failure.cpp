@@ -5,37 +5,10 @@
 #include "core/resources/StringTable.h"
 
 #include <array>
+#include <cstddef>
 #include <utility>
 
 namespace fieldcore::cli {
-
-namespace {
-
-const char* CodeOf(PortTrouble trouble)
-{
-    switch (trouble) {
-    case PortTrouble::None:
-        break;
-    case PortTrouble::Absent:
-        return "port-absent";
-    case PortTrouble::Unplugged:
-        return "port-unplugged";
-    case PortTrouble::NotADevice:
-    case PortTrouble::NotSerial:
-        return "port-not-serial";
-    case PortTrouble::NoHardware:
-        return "port-no-hardware";
-    case PortTrouble::NotAllowed:
-        return "port-not-allowed";
-    case PortTrouble::LoginNeeded:
-        return "port-login-needed";
-    case PortTrouble::InUse:
-        return "port-in-use";
-    }
-    return "port-not-opened";
-}
-
-} // namespace
 
 std::string HintOf(const TerminalFault& said)
 {
@@ -73,12 +46,14 @@ Failure SimulatorFailure(ExitCode exit, const std::string& detail)
 
 Failure RequestFailure(CommandFault fault, std::string detail)
 {
-    const TerminalFault& said = MeaningOf(fault).terminal;
-    if (const int id = MeaningOf(fault).textId; id != 0 && !IsEnglish()) {
-        return {ExitCode{said.exitCode}, said.code, Worded(id), HintOf(said), "",
-                std::move(detail)};
-    }
-    return {ExitCode{said.exitCode}, said.code, said.message, said.hint, "", std::move(detail)};
+    const FaultMeaning& meaning = MeaningOf(fault);
+    const TerminalFault& said = meaning.terminal;
+    return {ExitCode{said.exitCode},
+            said.code,
+            WordedOr(said.message, meaning.textId),
+            HintOf(said),
+            "",
+            std::move(detail)};
 }
 
 Failure SendingFailure(std::string detail)
@@ -90,9 +65,13 @@ Failure SendingFailure(std::string detail)
 Failure PortFailure(const std::string& path, int systemError, std::string detail,
                     const SystemRoots& roots)
 {
+    // In the order of PortTrouble.
+    constexpr std::array kCodes{"port-not-opened",  "port-absent",       "port-unplugged",
+                                "port-not-serial",  "port-not-serial",   "port-no-hardware",
+                                "port-not-allowed", "port-login-needed", "port-in-use"};
     const PortReport report = ReportPort(path, systemError, roots);
-    return {ExitCode::NoPort, CodeOf(report.trouble), Translated(report.text), report.command, "",
-            std::move(detail)};
+    const char* const code = kCodes[static_cast<std::size_t>(report.trouble)];
+    return {ExitCode::NoPort, code, Translated(report.text), report.command, "", std::move(detail)};
 }
 
 } // namespace fieldcore::cli

@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -55,25 +56,23 @@ std::string NameOf(const PlannedFile& file)
 
 std::string MessageOf(const PlannedFile& file)
 {
-    if (IsEnglish()) {
-        return file.Terminal().message;
-    }
-    const std::string words = ToUtf8(file.CauseText()); // ends with what the system says
-    return words.substr(0, file.error ? words.rfind(" (") : words.size());
+    const std::string cause = ToUtf8(file.CauseText()); // ends with what the system says
+    return WordedOr(file.Terminal().message,
+                    cause.substr(0, file.error ? cause.rfind(" (") : cause.size()));
 }
 
 /// What is said of a file that was not done.
 std::string Said(const PlannedFile& file)
 {
+    const std::string said = NameOf(file) + ": " + MessageOf(file);
     if (file.nameFault != NameFault::None) {
-        return IsEnglish() ? "\"" + NameOf(file) + "\" " + MeaningOf(file.nameFault).words + "."
-                           : NameOf(file) + ": " + MessageOf(file);
+        return WordedOr("\"" + NameOf(file) + "\" " + MeaningOf(file.nameFault).words + ".", said);
     }
     if (file.outcome == FileOutcome::FolderRefused &&
         file.start.reason == AnewReason::NotOurs) { // somebody else's
         return Worded(text::kSayInTheWay, {file.path.string() + ".part"});
     }
-    return NameOf(file) + ": " + MessageOf(file);
+    return said;
 }
 
 std::string Counted(std::size_t count)
@@ -130,21 +129,19 @@ public:
         if (failure) {
             return m_context.output.Failed(*failure);
         }
-        Report::Table table{"files",
-                            {{"name", text::kHeadName},
-                             {"sizeBytes", text::kHeadSize},
-                             {"time", text::kHeadTime},
-                             {"state", text::kHeadState}},
-                            m_options.deleted ? Worded(text::kSayBinEmpty)
-                                              : Worded(text::kSayNoFiles)};
+        Report::Table table{"files", m_options.deleted ? Worded(text::kSayBinEmpty)
+                                                       : Worded(text::kSayNoFiles)};
         std::int64_t total = 0;
         for (const PlannedFile& file : m_plan.files) {
             const Value state = m_options.deleted ? Term("deleted", text::kWordDeleted)
                                 : file.outcome == FileOutcome::BeingLogged
                                     ? Term("logging", text::kWordBeingLogged)
                                     : Term("live", text::kWordLive);
-            table.rows.push_back({Value::Text(NameOf(file)), Value::Integer(file.record.size, "B"),
-                                  DateValue(file.record.time, false), state});
+            table.rows.push_back(
+                {{"name", text::kHeadName, Value::Text(NameOf(file))},
+                 {"sizeBytes", text::kHeadSize, Value::Integer(file.record.size, "B")},
+                 {"time", text::kHeadTime, DateValue(file.record.time, false)},
+                 {"state", text::kHeadState, state}});
             total += file.record.size;
         }
         Report report(std::move(table));
@@ -273,10 +270,7 @@ private:
             return std::nullopt;
         }
         constexpr std::size_t kShown = 3;
-        std::string list;
-        for (std::size_t i = 0; i < std::min(names.size(), kShown); ++i) {
-            list += (i > 0 ? ", " : "") + names[i];
-        }
+        std::string list = Joined(std::span(names).first(std::min(names.size(), kShown)));
         list += names.size() > kShown
                     ? ToUtf8(FormatText(text::kDeleteMore, static_cast<int>(names.size() - kShown)))
                     : "";
@@ -387,20 +381,17 @@ private:
     [[nodiscard]] Report Result() const
     {
         const bool fetches = m_plan.action == FileAction::Fetch;
-        Report::Table table{"files",
-                            {{"name", text::kHeadName},
-                             {"sizeBytes", text::kHeadSize},
-                             {"state", text::kHeadState}}};
-        if (fetches) {
-            table.columns.push_back({"file", text::kHeadFile});
-        }
+        Report::Table table{"files"};
         for (const PlannedFile& file : m_plan.files) {
             table.rows.push_back(
-                {Value::Text(NameOf(file)), Value::Integer(file.record.size, "B"), StateOf(file)});
+                {{"name", text::kHeadName, Value::Text(NameOf(file))},
+                 {"sizeBytes", text::kHeadSize, Value::Integer(file.record.size, "B")},
+                 {"state", text::kHeadState, StateOf(file)}});
             if (fetches) {
-                table.rows.back().push_back(file.outcome == FileOutcome::Done
-                                                ? Value::Text(file.path.string())
-                                                : Value::Unknown());
+                table.rows.back().push_back({"file", text::kHeadFile,
+                                             file.outcome == FileOutcome::Done
+                                                 ? Value::Text(file.path.string())
+                                                 : Value::Unknown()});
             }
         }
         const ActionWords& words = WordsOf(m_plan.action);

@@ -13,7 +13,6 @@
 #include <initializer_list>
 #include <map>
 #include <numbers>
-#include <utility>
 #include <vector>
 
 namespace fieldcore::cli {

@@ -7,8 +7,6 @@
 #include "core/link/ReceiverTypes.h"
 #include "core/resources/StringTable.h"
 
-#include <string>
-
 #include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {

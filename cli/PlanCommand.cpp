@@ -1,5 +1,5 @@
+#include "cli/AlmanacReport.h"
 #include "cli/Command.h"
-#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
@@ -23,7 +23,6 @@
 #include <cmath>
 #include <functional>
 #include <map>
-#include <ostream>
 
 namespace fieldcore::cli {
 
@@ -32,7 +31,7 @@ namespace {
 struct Options
 {
     PlanOptions plan;
-    std::string kind; ///< empty: the overview
+    std::optional<PlanGraph> kind; ///< nothing: the overview
     bool csv = false;
     // Of a good window; what is not given is what the settings have.
     std::optional<int> minSatellites;
@@ -41,32 +40,7 @@ struct Options
     int top = 3; ///< best days of a search
 };
 
-const std::map<std::string, PlanGraph>& Kinds()
-{
-    static const std::map<std::string, PlanGraph> kinds{
-        {"count", PlanGraph::Count}, {"pdop", PlanGraph::Pdop},      {"gdop", PlanGraph::Gdop},
-        {"tdop", PlanGraph::Tdop},   {"tracks", PlanGraph::SkyPlot},
-    };
-    return kinds;
-}
-
-std::optional<PlanGraph> GraphOf(const std::string& kind)
-{
-    const auto found = Kinds().find(kind);
-    return found == Kinds().end() ? std::nullopt : std::optional(found->second);
-}
-
-void WarnOfAge(Output& output, const ObservationPlan& plan)
-{
-    const AlmanacState state = StateOfAlmanac(plan);
-    if (!state.isOld) {
-        return;
-    }
-    output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
-                   ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
-    output.Note({text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}});
-}
-
+/// Says where a made-up almanac comes from.
 void WarnOfSource(Output& output, const ObservationPlan& plan)
 {
     const AlmanacSource& source = plan.Calc().Source();
@@ -110,9 +84,13 @@ bool WarnOfOld(Output& output, const ObservationPlan& plan)
         WarnOfSystems(output, plan);
         return true;
     }
-    const bool isOld = StateOfAlmanac(plan).isOld;
-    WarnOfAge(output, plan);
-    return isOld;
+    const AlmanacState state = StateOfAlmanac(plan);
+    if (state.isOld) {
+        output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
+                       ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
+        output.Note({text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}});
+    }
+    return state.isOld;
 }
 
 /// Makes each of the plans that @p options ask for and hands it on. As for Prepare().
@@ -131,7 +109,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
             if (context.world.StopRequested() || !*context.world.out) {
                 return RequestFailure(CommandFault::Cancelled, "");
             }
-            plan.Period() = {date, request.startHour, request.hours};
+            plan.Period() = {date, request.settings.startHour, request.settings.hours};
             warned = warned || WarnOfOld(context.output, plan);
             plan.Compute();
             use(plan, site);
@@ -145,7 +123,7 @@ Ending Plan(const Context& context, const Options& options)
     if (options.csv && context.output.IsJson()) {
         return UsageFailure(text::kSayCsvOrJson);
     }
-    const std::optional<PlanGraph> graph = GraphOf(options.kind);
+    const std::optional<PlanGraph> graph = options.kind;
     const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
     PlanRequest request;
     Report report;
@@ -214,7 +192,8 @@ std::optional<Failure> Search(const Context& context, const Options& options, st
     if (request.sites.size() < fewest) {
         return UsageFailure(text::kSayNeedsSites, text::kSayNeedsSitesHint);
     }
-    result.plan.Period() = {request.dates.front(), request.startHour, request.hours};
+    result.plan.Period() = {request.dates.front(), request.settings.startHour,
+                            request.settings.hours};
     WarnOfOld(context.output, result.plan);
     result.limits = LimitsOf(options, request.settings);
     return RunSearch(context, options.plan, request, result.plan, result.search);
@@ -225,8 +204,7 @@ Ending TellWindows(const Context& context, Report::Table table, const WindowLimi
                    const std::string& csv)
 {
     const bool isNone = table.rows.empty();
-    Report report;
-    report.AddTable(std::move(table));
+    const Report report(std::move(table));
     if (!isNone) {
         return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
     }
@@ -246,7 +224,8 @@ Ending BestOfSites(const Context& context, const Options& options)
     if (!table.rows.empty()) {
         WarnOfSitesWithout(context.output, *of.search, table);
     }
-    const std::string csv = options.csv ? TableCsv(table, CsvSource(of.plan)) : "";
+    const std::string csv =
+        options.csv && !table.rows.empty() ? TableCsv(table, CsvSource(of.plan)) : "";
     return TellWindows(context, std::move(table), of.limits, csv);
 }
 
@@ -255,7 +234,7 @@ Ending Best(const Context& context, const Options& options)
     if (!options.plan.siteList.empty()) {
         return BestOfSites(context, options);
     }
-    Report::Table table{"windows", WindowColumns()};
+    Report::Table table{"windows"};
     PlanRequest request;
     WindowLimits limits;
     const std::optional<Failure> failure =
@@ -278,34 +257,30 @@ Ending Session(const Context& context, const Options& options)
     if (const std::optional<Failure> failure = Search(context, options, 2, of)) {
         return *failure;
     }
-    Report report;
-    report.AddTable(SessionTable(*of.search, of.limits));
+    Report::Table samples = SessionSamples(*of.search);
+    const std::string csv = options.csv ? TableCsv(samples, CsvSource(of.plan)) : "";
+    Report report(SessionTable(*of.search, of.limits));
     report.AddTable(BestTable(*of.search, of.limits, options.top));
-    report.AddTable(SessionSamples(*of.search));
-    return options.csv ? context.output.Done(
-                             report, TableCsv(SessionSamples(*of.search), CsvSource(of.plan)))
-                       : context.output.Done(report);
+    report.AddTable(std::move(samples));
+    return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
 }
 
 Ending Sites(const Context& context, const Options& /*options*/)
 {
-    Report::Table table{"sites",
-                        {{"name", text::kHeadSite},
-                         {"latitudeDeg", text::kHeadLatitude},
-                         {"longitudeDeg", text::kHeadLongitude},
-                         {"heightM", text::kHeadHeight},
-                         {"source", text::kHeadFrom}}};
+    Report::Table table{"sites"};
     for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
-        table.rows.push_back({Value::Text(std::wstring_view(site.name)),
-                              Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg"),
-                              Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg"),
-                              Value::Real(site.observer.heightM, 1, "m"),
-                              site.isSample ? Term("sample", text::kWordComesWithTheProgram)
-                                            : Term("file", text::kWordYourSiteFile)});
+        table.rows.push_back(
+            {{"name", text::kHeadSite, Value::Text(std::wstring_view(site.name))},
+             {"latitudeDeg", text::kHeadLatitude,
+              Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg")},
+             {"longitudeDeg", text::kHeadLongitude,
+              Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg")},
+             {"heightM", text::kHeadHeight, Value::Real(site.observer.heightM, 1, "m")},
+             {"source", text::kHeadFrom,
+              site.isSample ? Term("sample", text::kWordComesWithTheProgram)
+                            : Term("file", text::kWordYourSiteFile)}});
     }
-    Report report;
-    report.AddTable(std::move(table));
-    return context.output.Done(report);
+    return context.output.Done(Report(std::move(table)));
 }
 
 void AddBestOptions(CLI::App& best, Options& options)
@@ -333,13 +308,15 @@ Command AddPlanCommand(CLI::App& program)
     return AddCommand<Options>(program,
                                {"plan", text::kHelpPlan,
                                 [](CLI::App& parser, Options& options) {
-                                    std::vector<std::string> kinds;
-                                    for (const auto& kind : Kinds()) {
-                                        kinds.push_back(kind.first);
-                                    }
+                                    const std::map<std::string, PlanGraph> kinds{
+                                        {"count", PlanGraph::Count},
+                                        {"pdop", PlanGraph::Pdop},
+                                        {"gdop", PlanGraph::Gdop},
+                                        {"tdop", PlanGraph::Tdop},
+                                        {"tracks", PlanGraph::SkyPlot}};
                                     options.plan.AddTo(parser);
-                                    AddWord(parser, "--kind", options.kind, kinds, "KIND",
-                                            text::kOptKind);
+                                    AddText(parser, "--kind", options.kind, "KIND", text::kOptKind)
+                                        ->transform(CLI::CheckedTransformer(kinds).description(""));
                                     AddFlag(parser, "--csv", options.csv, text::kOptCsv);
                                     parser.option_defaults()->group("Options");
                                 },

@@ -1,6 +1,5 @@
 #include "cli/PlanRequest.h"
 
-#include "cli/DayText.h"
 #include "cli/Options.h"
 #include "cli/Wording.h"
 
@@ -21,7 +20,6 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
-#include <string_view>
 #include <utility>
 
 namespace fieldcore::cli {
@@ -92,12 +90,11 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
         return UsageFailure({text::kSayNoSite, {name}}, text::kSaySitesHint);
     }
     if (found.size() > 1) {
-        std::string names;
+        std::vector<std::string> names;
         for (const NamedSite* candidate : found) {
-            names += names.empty() ? "" : ", ";
-            names += ToUtf8(candidate->name);
+            names.push_back(ToUtf8(candidate->name));
         }
-        return UsageFailure({text::kSaySeveralSites, {name, names}}, text::kSaySitesHint);
+        return UsageFailure({text::kSaySeveralSites, {name, Joined(names)}}, text::kSaySitesHint);
     }
     site = *found.front();
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
@@ -118,30 +115,20 @@ std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& r
     return std::nullopt;
 }
 
-std::optional<Failure> ResolveDates(const PlanOptions& options, const World& world,
-                                    PlanRequest& request)
-{
-    std::chrono::sys_days first;
-    std::optional<Failure> failure = ReadDate(options.date, options.days, world, first);
-    for (int day = 0; !failure && day < options.days; ++day) {
-        request.dates.emplace_back(first + std::chrono::days(day));
-    }
-    return failure;
-}
-
-void ResolvePeriod(const PlanOptions& options, const PlanSettings& settings, bool wholeDay,
-                   PlanRequest& request)
+/// Fits the period into the day.
+/// @param settings  in which it is put
+void ResolvePeriod(const PlanOptions& options, bool wholeDay, PlanSettings& settings)
 {
     constexpr int kDayH = 24;
-    const bool anyGiven = options.from || options.hours;
-    if (wholeDay && !anyGiven) {
-        request.startHour = 0;
-        request.hours = kDayH;
+    if (wholeDay && !options.from && !options.hours) {
+        settings.startHour = 0;
+        settings.hours = kDayH;
         return;
     }
-    request.hours = options.hours.value_or(settings.hours);
+    settings.hours = options.hours.value_or(settings.hours);
     // Where no start is asked for, the usual one counts unless the day is too short for it.
-    request.startHour = options.from.value_or(std::min(settings.startHour, kDayH - request.hours));
+    settings.startHour =
+        options.from.value_or(std::min(settings.startHour, kDayH - settings.hours));
 }
 
 } // namespace
@@ -193,8 +180,8 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
                                const PlanSettings& settings, bool wholeDay, PlanRequest& request)
 {
     request.folder = Folders(world.folders).Program();
-    request.almanac = options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
-    request.maskDeg = options.maskDeg.value_or(settings.elMaskDeg);
+    request.settings = settings;
+    request.settings.elMaskDeg = options.maskDeg.value_or(settings.elMaskDeg);
     std::vector<std::string> names = options.sites;
     if (names.empty() && options.places.empty() && options.siteList.empty()) {
         names.push_back(ToUtf8(settings.position));
@@ -219,23 +206,22 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     if (std::optional<Failure> failure = UseList(options.siteList, request)) {
         return failure;
     }
-    if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
-        return failure;
+    ResolvePeriod(options, wholeDay, request.settings);
+    std::chrono::sys_days first;
+    std::optional<Failure> failure = ReadDate(options.date, options.days, world, first);
+    for (int day = 0; !failure && day < options.days; ++day) {
+        request.dates.emplace_back(first + std::chrono::days(day));
     }
-    ResolvePeriod(options, settings, wholeDay, request);
-    request.settings = settings;
-    request.settings.elMaskDeg = request.maskDeg;
-    request.settings.startHour = request.startHour;
-    request.settings.hours = request.hours;
-    return std::nullopt;
+    return failure;
 }
 
 std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& request,
                                ObservationPlan& plan)
 {
-    if (!plan.Calc().LoadAlmanac(request.almanac)) {
-        return FileFailure({text::kSayNoAlmanac, {request.almanac.string()}},
-                           text::kSayWaysToAlmanac);
+    const std::filesystem::path almanac =
+        options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
+    if (!plan.Calc().LoadAlmanac(almanac)) {
+        return FileFailure({text::kSayNoAlmanac, {almanac.string()}}, text::kSayWaysToAlmanac);
     }
     if (!options.curtain.empty()) {
         const CurtainText text = LoadCurtainText(options.curtain);

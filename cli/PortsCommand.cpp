@@ -28,40 +28,28 @@ struct PortsOptions
 
 Value State(const PortReport& report)
 {
-    switch (report.trouble) {
-    case PortTrouble::None:
-        return Term("free", text::kWordFree);
-    case PortTrouble::InUse:
-        return Value::Word("in-use", Translated(report.text));
-    case PortTrouble::NotAllowed:
-    case PortTrouble::LoginNeeded:
-        return Value::Word("not-allowed", Translated(report.text));
-    case PortTrouble::Absent:
-    case PortTrouble::Unplugged:
-    case PortTrouble::NotADevice:
-    case PortTrouble::NotSerial:
-    case PortTrouble::NoHardware:
-        break;
-    }
-    return Value::Word("unusable", Translated(report.text));
+    const bool isForbidden =
+        report.trouble == PortTrouble::NotAllowed || report.trouble == PortTrouble::LoginNeeded;
+    return report.trouble == PortTrouble::None
+               ? Term("free", text::kWordFree)
+               : Term(report.trouble == PortTrouble::InUse ? "in-use"
+                      : isForbidden                        ? "not-allowed"
+                                                           : "unusable",
+                      Translated(report.text));
 }
 
 Ending Run(const Context& context, const PortsOptions& /*options*/)
 {
     const SystemRoots& roots = context.world.roots;
-    Report::Table table{"ports",
-                        {{"path", text::kHeadPort},
-                         {"com", "COM"},
-                         {"description", text::kHeadWhatItIs},
-                         {"stablePath", text::kHeadStableName},
-                         {"state", text::kHeadState}},
-                        text::kSayNoSerial};
+    Report::Table table{"ports", text::kSayNoSerial};
     for (const SerialPort& port :
          ListSerialPorts(KnownPortNames(context.world, context.output), roots)) {
-        table.rows.push_back({Value::Text(port.path), Value::Text(port.comName),
-                              Value::Word(port.description, Translated(port.description)),
-                              Value::Text(port.stablePath),
-                              State(ReportPort(port.path, 0, roots))});
+        table.rows.push_back({{"path", text::kHeadPort, Value::Text(port.path)},
+                              {"com", "COM", Value::Text(port.comName)},
+                              {"description", text::kHeadWhatItIs,
+                               Value::Word(port.description, Translated(port.description))},
+                              {"stablePath", text::kHeadStableName, Value::Text(port.stablePath)},
+                              {"state", text::kHeadState, State(ReportPort(port.path, 0, roots))}});
     }
     return context.output.Done(Report(std::move(table)));
 }
@@ -81,13 +69,7 @@ Value Shown(const std::wstring& parameter)
 
 Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
 {
-    Report::Table table{"ports",
-                        {{"port", text::kHeadPort},
-                         {"rate", text::kHeadRate},
-                         {"dataBits", text::kHeadBits},
-                         {"parity", text::kHeadParity},
-                         {"stopBits", text::kHeadStop},
-                         {"flow", text::kHeadFlow}}};
+    Report::Table table{"ports"};
     for (int port = CComPrmSet::kLinkPort; port <= CComPrmSet::kMostPorts; ++port) {
         CComPrmSet set(roots);
         set.ReadRegCommPrm(port); // what cannot be read is the default
@@ -98,12 +80,15 @@ Report ReportOf(SettingsRoots& roots, std::initializer_list<Wanted> wanted = {})
             }
         }
         table.rows.push_back(
-            {port == CComPrmSet::kLinkPort
-                 ? Term("link", text::kWordLink)
-                 : Value::Word("com" + std::to_string(port), "COM" + std::to_string(port)),
-             Value::Text(set.GetStrBps()), Value::Text(set.GetStrDataBits()),
-             Shown(set.GetStrParity()), Value::Text(set.GetStrStopBits()),
-             Shown(set.GetStrFlowCtrl())});
+            {{"port", text::kHeadPort,
+              port == CComPrmSet::kLinkPort
+                  ? Term("link", text::kWordLink)
+                  : Value::Word("com" + std::to_string(port), "COM" + std::to_string(port))},
+             {"rate", text::kHeadRate, Value::Text(set.GetStrBps())},
+             {"dataBits", text::kHeadBits, Value::Text(set.GetStrDataBits())},
+             {"parity", text::kHeadParity, Shown(set.GetStrParity())},
+             {"stopBits", text::kHeadStop, Value::Text(set.GetStrStopBits())},
+             {"flow", text::kHeadFlow, Shown(set.GetStrFlowCtrl())}});
     }
     CComBlueToothSet way(roots);
     way.ReadReg();

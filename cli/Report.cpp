@@ -61,22 +61,19 @@ std::string TableWords(const Report::Table& table)
     if (table.rows.empty()) {
         return table.whenEmpty + "\n";
     }
-    std::vector<std::size_t> widths;
-    for (std::size_t at = 0; at < table.columns.size(); ++at) {
-        std::size_t width = DisplayWidth(table.columns[at].label);
+    std::vector<std::pair<std::string, std::size_t>> cells;
+    for (std::size_t at = 0; at < table.rows.front().size(); ++at) {
+        const std::string head = HeadOf(table.rows.front()[at]);
+        std::size_t width = DisplayWidth(head);
         for (const auto& row : table.rows) {
-            width = std::max(width, DisplayWidth(WordsOf(row[at])));
+            width = std::max(width, DisplayWidth(WordsOf(row[at].value)));
         }
-        widths.push_back(width + 2);
-    }
-    std::vector<std::pair<std::string, std::size_t>> cells(widths.size());
-    for (std::size_t at = 0; at < widths.size(); ++at) {
-        cells[at] = {table.columns[at].label, widths[at]};
+        cells.emplace_back(head, width + 2);
     }
     std::string text = TableLine(cells);
     for (const auto& row : table.rows) {
-        for (std::size_t at = 0; at < widths.size(); ++at) {
-            cells[at].first = WordsOf(row[at]);
+        for (std::size_t at = 0; at < cells.size(); ++at) {
+            cells[at].first = WordsOf(row[at].value);
         }
         text += TableLine(cells);
     }
@@ -142,6 +139,12 @@ std::string Report::Words() const
         }
     }
     return text;
+}
+
+std::string HeadOf(const Report::Cell& cell)
+{
+    const auto* const id = std::get_if<int>(&cell.head);
+    return id != nullptr ? Worded(*id) : std::get<const char*>(cell.head);
 }
 
 std::size_t DisplayWidth(std::string_view utf8)

@@ -31,17 +31,18 @@ public:
         Wording title;
         std::unique_ptr<Report> content;
     };
-    struct Column
+    /// What stands in a row, and in which column: the first row tells what the columns are.
+    struct Cell
     {
-        std::string key;
-        Wording label;
+        const char* key;
+        std::variant<int, const char*> head; ///< the number of a text, or words
+        Value value;
     };
     struct Table
     {
         std::string key;
-        std::vector<Column> columns;
         Wording whenEmpty{}; ///< a person reads this in place of a table without rows
-        std::vector<std::vector<Value>> rows{}; ///< each as long as the columns
+        std::vector<std::vector<Cell>> rows{};
     };
     struct List
     {
@@ -55,8 +56,10 @@ public:
     explicit Report(Table table) { AddTable(std::move(table)); }
 
     void Add(std::string key, Wording label, Value value);
+    /// A value that only programs read.
+    void Add(std::string key, Value value) { Add(std::move(key), "", std::move(value)); }
     /// @return the section, to be filled; it lives as long as the report
-    Report& AddSection(std::string key, Wording title);
+    Report& AddSection(std::string key, Wording title = {});
     /// Adds an entry to the list of that key, which begins with its first entry.
     void AddEntry(const std::string& key, Report entry);
     void AddTable(Table table) { m_items.emplace_back(std::move(table)); }
@@ -75,6 +78,9 @@ private:
 {
     return Value::Word(std::move(code), std::move(words));
 }
+
+/// The head of the column that a cell stands in.
+[[nodiscard]] std::string HeadOf(const Report::Cell& cell);
 
 /// How many columns of a terminal @p utf8 takes; characters of Japanese text take two.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view utf8);

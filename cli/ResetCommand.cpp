@@ -2,7 +2,6 @@
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
-#include "cli/Wording.h"
 
 #include "core/equipment/PortEdit.h"
 #include "core/link/RecvForceInit.h"

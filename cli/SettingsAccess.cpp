@@ -83,22 +83,19 @@ std::optional<Failure> ReadText(const Context& context, const std::string& file,
 /// What bringing back @p keys changes: a row a value that is new or gets another value.
 Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys)
 {
-    Report::Table table{"changes",
-                        {{"change", text::kHeadChange},
-                         {"key", text::kHeadKey},
-                         {"name", text::kHeadName},
-                         {"type", text::kHeadType},
-                         {"value", text::kHeadValue}},
-                        text::kSayAllThere};
+    Report::Table table{"changes", text::kSayAllThere};
     for (const SettingsKey& key : keys) {
         for (const NamedSetting& setting : key.values) {
             const SettingsRead old = store.Get(key.path, setting.name);
             const bool isThere = old.state == SettingsReadState::Found;
             if (!isThere || old.value != setting.value) {
                 table.rows.push_back(
-                    {isThere ? Term("changed", text::kWordChanged) : Term("new", text::kWordNew),
-                     Plain(key.path), Plain(setting.name), Value::Text(TypeName(setting.value)),
-                     ShownSetting(setting.value)});
+                    {{"change", text::kHeadChange,
+                      isThere ? Term("changed", text::kWordChanged) : Term("new", text::kWordNew)},
+                     {"key", text::kHeadKey, Plain(key.path)},
+                     {"name", text::kHeadName, Plain(setting.name)},
+                     {"type", text::kHeadType, Value::Text(TypeName(setting.value))},
+                     {"value", text::kHeadValue, ShownSetting(setting.value)}});
             }
         }
     }
@@ -187,10 +184,11 @@ void AddKeys(Report& report, const std::vector<SettingsKey>& keys)
     for (const SettingsKey& key : keys) {
         Report entry;
         entry.Add("key", "", Plain(key.path));
-        Report::Table table{"values", {{"name", ""}, {"type", ""}, {"value", ""}}};
+        Report::Table table{"values"};
         for (const NamedSetting& setting : key.values) {
-            table.rows.push_back({Plain(setting.name), Value::Text(TypeName(setting.value)),
-                                  ShownSetting(setting.value)});
+            table.rows.push_back({{"name", "", Plain(setting.name)},
+                                  {"type", "", Value::Text(TypeName(setting.value))},
+                                  {"value", "", ShownSetting(setting.value)}});
         }
         entry.AddTable(std::move(table));
         report.AddEntry("keys", std::move(entry));

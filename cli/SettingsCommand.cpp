@@ -10,7 +10,6 @@
 #include "core/settings/StoredPorts.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace fieldcore::cli {
 

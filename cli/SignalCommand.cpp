@@ -37,17 +37,14 @@ void AddSignals(Report& report, const SignalSession& session)
 {
     report.Add("typeNumber", text::kLabelTypeNumber, Value::Integer(session.TypeNumber()));
     report.Add("locked", text::kLabelFixedByTheReceiver, Value::YesNo(session.IsLocked()));
-    Report::Table table{"signals",
-                        {{"signal", text::kHeadSignal},
-                         {"available", text::kHeadAvailable},
-                         {"chosen", text::kHeadChosen}},
-                        "none"};
+    Report::Table table{"signals", "none"};
     for (const Signal signal : kAllSignals) {
         // A locked receiver is not asked what it has.
         table.rows.push_back(
-            {Value::Text(std::string(NameOf(signal))),
-             session.IsKnown() ? Value::YesNo(session.IsEnabled(signal)) : Value::Unknown(),
-             Value::YesNo(session.IsChecked(signal))});
+            {{"signal", text::kHeadSignal, Value::Text(std::string(NameOf(signal)))},
+             {"available", text::kHeadAvailable,
+              session.IsKnown() ? Value::YesNo(session.IsEnabled(signal)) : Value::Unknown()},
+             {"chosen", text::kHeadChosen, Value::YesNo(session.IsChecked(signal))}});
     }
     report.AddTable(std::move(table));
 }

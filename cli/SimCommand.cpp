@@ -46,13 +46,13 @@ std::string TitleOf(const simulator::Scenario& scenario)
 
 Ending List(const Context& context, const SimOptions& /*options*/)
 {
-    Report::Table table{"scenarios",
-                        {{"name", text::kHeadName}, {"title", text::kHeadWhatItShows}}};
+    Report::Table table{"scenarios"};
     for (const auto& [name, title] : simulator::ShippedScenarios()) {
         std::string error;
         const auto scenario = simulator::LoadScenario(name, error);
-        table.rows.push_back(
-            {Value::Text(name), Value::Word(title, scenario ? TitleOf(*scenario) : title)});
+        table.rows.push_back({{"name", text::kHeadName, Value::Text(name)},
+                              {"title", text::kHeadWhatItShows,
+                               Value::Word(title, scenario ? TitleOf(*scenario) : title)}});
     }
     return context.output.Done(Report(std::move(table)));
 }

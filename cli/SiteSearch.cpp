@@ -10,10 +10,8 @@
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <filesystem>
-#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -23,21 +21,8 @@ namespace fieldcore::cli {
 namespace {
 
 constexpr int kDopDecimals = 2;
+constexpr std::size_t kMostNames = 10; // in a warning
 constexpr const char* kTogether = "*"; // for programs
-
-std::string JoinedNames(const std::vector<std::string>& names)
-{
-    constexpr std::size_t kMostNames = 10;
-    std::string text;
-    for (std::size_t at = 0; at < names.size(); ++at) {
-        text += at == 0 ? "" : ", ";
-        if (at == kMostNames) {
-            return text + "...";
-        }
-        text += names[at];
-    }
-    return text;
-}
 
 /// The sites with what hides their skies: their own curtain, else the one that was asked for, else
 /// nothing.
@@ -69,7 +54,7 @@ std::optional<Failure> ReadSkies(const Context& context, const PlanOptions& opti
                          HasObstruction(curtain)});
     }
     if (!without.empty()) {
-        context.output.Warn({text::kSayNoSiteCurtain, {JoinedNames(without)}});
+        context.output.Warn({text::kSayNoSiteCurtain, {Joined(without, kMostNames)}});
         context.output.Note({text::kSaySiteCurtainHint, {wanted.string()}});
     }
     return std::nullopt;
@@ -117,7 +102,7 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
         return failure;
     }
     const SearchHours hours{request.dates.front(), static_cast<int>(request.dates.size()),
-                            request.startHour, request.hours};
+                            request.settings.startHour, request.settings.hours};
     search.emplace(SearchOf(plan, std::move(sites), hours));
     while (search->Step()) {
         if (context.world.StopRequested() || !*context.world.out) {
@@ -134,26 +119,23 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
 
 Report::Table BestTable(const PlanSearch& search, const WindowLimits& limits, int days)
 {
-    Report::Table table{"windows",
-                        {{"site", text::kHeadSite},
-                         {"date", text::kHeadDate},
-                         {"from", text::kHeadFromJst},
-                         {"to", text::kHeadToJst},
-                         {"fewestSatellites", text::kHeadSatellites},
-                         {"highestPdop", "PDOP"},
-                         {"goodFrom", text::kHeadGoodFrom},
-                         {"goodTo", text::kHeadGoodTo}}};
+    Report::Table table{"windows"};
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         int left = days;
         for (const auto& [window, goodFirst, goodLast] : search.BestOfDays(site, limits)) {
             if (left-- == 0) {
                 break;
             }
-            table.rows.push_back({SiteValue(search, site), DateValue(search, window.first),
-                                  TimeValue(search, window.first), TimeValue(search, window.last),
-                                  Value::Integer(window.fewestSatellites),
-                                  Value::Real(window.highestPdop, kDopDecimals),
-                                  TimeValue(search, goodFirst), TimeValue(search, goodLast)});
+            table.rows.push_back(
+                {{"site", text::kHeadSite, SiteValue(search, site)},
+                 {"date", text::kHeadDate, DateValue(search, window.first)},
+                 {"from", text::kHeadFromJst, TimeValue(search, window.first)},
+                 {"to", text::kHeadToJst, TimeValue(search, window.last)},
+                 {"fewestSatellites", text::kHeadSatellites,
+                  Value::Integer(window.fewestSatellites)},
+                 {"highestPdop", "PDOP", Value::Real(window.highestPdop, kDopDecimals)},
+                 {"goodFrom", text::kHeadGoodFrom, TimeValue(search, goodFirst)},
+                 {"goodTo", text::kHeadGoodTo, TimeValue(search, goodLast)}});
         }
     }
     return table;
@@ -165,23 +147,18 @@ void WarnOfSitesWithout(Output& output, const PlanSearch& search, const Report::
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         const std::string name = SiteValue(search, site).Words();
         if (std::none_of(table.rows.begin(), table.rows.end(),
-                         [&](const auto& row) { return row.front().Words() == name; })) {
+                         [&](const auto& row) { return row.front().value.Words() == name; })) {
             without.push_back(name);
         }
     }
     if (!without.empty()) {
-        output.Warn({text::kSayNoWindowAt, {JoinedNames(without)}});
+        output.Warn({text::kSayNoWindowAt, {Joined(without, kMostNames)}});
     }
 }
 
 Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
 {
-    Report::Table table{"sites",
-                        {{"site", text::kHeadSite},
-                         {"hasCurtain", text::kHeadCurtain},
-                         {"fewestSatellites", text::kHeadFewest},
-                         {"highestPdop", text::kHeadHighestPdop},
-                         {"goodHours", text::kHeadGoodHours}}};
+    Report::Table table{"sites"};
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         const auto counts = search.Counts(site);
         const auto pdops = search.Pdops(site);
@@ -191,28 +168,31 @@ Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
         }
         const int fewest = *std::min_element(counts.begin(), counts.end());
         const double highest = *std::max_element(pdops.begin(), pdops.end());
-        table.rows.push_back({SiteValue(search, site),
-                              site == search.Together()
-                                  ? Value::Unknown()
-                                  : Value::YesNo(search.Sites()[site].hasCurtain),
-                              Value::Integer(fewest),
-                              Value::Real(fewest < kSatellitesForDop ? NAN : highest, kDopDecimals),
-                              HoursValue(search, good)});
+        table.rows.push_back(
+            {{"site", text::kHeadSite, SiteValue(search, site)},
+             {"hasCurtain", text::kHeadCurtain,
+              site == search.Together() ? Value::Unknown()
+                                        : Value::YesNo(search.Sites()[site].hasCurtain)},
+             {"fewestSatellites", text::kHeadFewest, Value::Integer(fewest)},
+             {"highestPdop", text::kHeadHighestPdop,
+              Value::Real(fewest < kSatellitesForDop ? NAN : highest, kDopDecimals)},
+             {"goodHours", text::kHeadGoodHours, HoursValue(search, good)}});
     }
     return table;
 }
 
 Report::Table SessionSamples(const PlanSearch& search)
 {
-    Report::Table table{"samples",
-                        {{"time", "JST"}, {"satellites", text::kHeadSatellites}, {"pdop", "PDOP"}}};
+    Report::Table table{"samples"};
     const auto counts = search.Counts(search.Together());
     const auto pdops = search.Pdops(search.Together());
     for (int k = 0; k < search.EpochCount(); ++k) {
         const auto at = static_cast<std::size_t>(k);
         table.rows.push_back(
-            {TimeValue(search, k), Value::Integer(counts[at]),
-             Value::Real(counts[at] < kSatellitesForDop ? NAN : pdops[at], kDopDecimals)});
+            {{"time", "JST", TimeValue(search, k)},
+             {"satellites", text::kHeadSatellites, Value::Integer(counts[at])},
+             {"pdop", "PDOP",
+              Value::Real(counts[at] < kSatellitesForDop ? NAN : pdops[at], kDopDecimals)}});
     }
     return table;
 }
@@ -221,12 +201,12 @@ std::string TableCsv(const Report::Table& table, const std::string& almanac)
 {
     constexpr const char* kLineEnd = "\r\n";
     std::string text;
-    for (const Report::Column& column : table.columns) {
-        text += column.key + ",";
+    for (const Report::Cell& cell : table.rows.front()) {
+        text += std::string(cell.key) + ",";
     }
     text += std::string("almanac") + kLineEnd;
-    for (const std::vector<Value>& row : table.rows) {
-        for (const Value& value : row) {
+    for (const std::vector<Report::Cell>& row : table.rows) {
+        for (const auto& [key, head, value] : row) {
             const auto* const code = std::get_if<std::string>(&value.GetData());
             const auto* const yes = std::get_if<bool>(&value.GetData());
             text += value.IsUnknown() ? ""

@@ -71,18 +71,17 @@ void AddStatus(Report& report, const Receiver& receiver)
 
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now)
 {
-    Report& ages = report.AddSection("agesS", text::kLabelAge);
-    const auto add = [&](const char* key, const std::string& label, FieldSource source) {
+    Report& ages = report.AddSection("agesS");
+    const auto add = [&](const char* key, FieldSource source) {
         const std::optional<Clock::Duration> at = TimeOf(source, receiver);
-        ages.Add(key, label,
-                 at ? Value::Real(std::chrono::duration<double>(now - *at).count(), 3, "s")
-                    : Value::Unknown());
+        ages.Add(key, at ? Value::Real(std::chrono::duration<double>(now - *at).count(), 3)
+                         : Value::Unknown());
     };
     // By the answer that they came with.
-    add("status", Worded(text::kLabelStatusAge), FieldSource::Status);
-    add("time", Worded(text::kLabelTime), FieldSource::Time);
-    add("position", Worded(text::kLabelPosition), FieldSource::Position);
-    add("powerSource", Worded(text::kFieldPowerSource), FieldSource::PowerSource);
+    add("status", FieldSource::Status);
+    add("time", FieldSource::Time);
+    add("position", FieldSource::Position);
+    add("powerSource", FieldSource::PowerSource);
 }
 
 void AddIdentity(Report& report, const ReceiverIdentity& identity)

@@ -8,7 +8,6 @@
 #include "core/equipment/ReceiverQuestions.h"
 
 #include <optional>
-#include <string>
 
 namespace fieldcore::cli {
 

@@ -2,6 +2,8 @@
 
 #include "core/platform/Utf8.h"
 
+#include <array>
+#include <cstddef>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -16,28 +18,19 @@ struct Manner
     Colour colour;
 };
 
-Manner MannerOf(BoxIcon icon)
-{
-    switch (icon) {
-    case BoxIcon::Exclamation:
-        return {"warning", Colour::Yellow};
-    case BoxIcon::Stop:
-        return {"error", Colour::Red};
-    case BoxIcon::Question:
-        return {"question", Colour::Plain};
-    case BoxIcon::None:
-    case BoxIcon::Information:
-        break;
-    }
-    return {"information", Colour::Plain};
-}
+// In the order of BoxIcon.
+constexpr std::array kManners{
+    Manner{"information", Colour::Plain}, Manner{"information", Colour::Plain},
+    Manner{"warning", Colour::Yellow},    Manner{"error", Colour::Red},
+    Manner{"question", Colour::Plain},
+};
 
 } // namespace
 
 BoxAnswer TerminalHost::ShowMessage(std::wstring_view text, std::wstring_view caption,
                                     BoxStyle style)
 {
-    const Manner manner = MannerOf(style.icon);
+    const Manner& manner = kManners[static_cast<std::size_t>(style.icon)];
     m_output.Message(manner.kind, ToUtf8(caption), ToUtf8(text), manner.colour);
     switch (style.buttons) {
     case BoxButtons::Ok:

@@ -4,7 +4,6 @@
 #include "cli/StatusReading.h"
 #include "cli/Wording.h"
 
-#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
 #include <chrono>

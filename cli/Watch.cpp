@@ -3,12 +3,10 @@
 #include "cli/Options.h"
 
 #include "core/equipment/ReceiverFields.h"
-#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <chrono>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>

@@ -73,6 +73,15 @@ std::string InEnglish(int id, std::initializer_list<std::string> parts)
     return Filled(ToUtf8(Text(id, Language::English)), parts);
 }
 
+std::string Joined(std::span<const std::string> words, std::size_t most)
+{
+    std::string text;
+    for (const std::string& word : words.first(std::min(most, words.size()))) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return words.size() > most ? text + ", ..." : text;
+}
+
 std::string Translated(const std::string& english)
 {
     if (IsEnglish()) {

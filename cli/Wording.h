@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -12,6 +14,10 @@ namespace fieldcore::cli {
 
 /// The text under @p id in the language of the run, with @p parts in place of %1, %2 and so on.
 [[nodiscard]] std::string Worded(int id, std::initializer_list<std::string> parts = {});
+
+/// "a, b, c"; behind @p most of them "...".
+[[nodiscard]] std::string Joined(std::span<const std::string> words,
+                                 std::size_t most = std::string::npos);
 
 /// What a person reads: a text by its number, or words that stand already.
 struct Wording : std::string

@@ -62,7 +62,7 @@ TEST(Almanac, SampleIsOfToday)
 {
     AlmanacRunner runner;
     ASSERT_EQ(runner.Run("almanac sample").code, 0);
-    const nlohmann::json result = runner.Run("almanac show --json").Json()["result"];
+    const nlohmann::json result = runner.Result("almanac show");
     EXPECT_EQ(result["satelliteCount"], 31);
     EXPECT_EQ(result["satellites"].size(), 31U);
     EXPECT_EQ(result["satellites"][30]["prn"], 31);
@@ -120,7 +120,7 @@ TEST(Almanac, ShowsWhatTheFileSays)
     const Outcome imported = runner.Run("almanac import @/file.alm --json");
     ASSERT_EQ(imported.code, 0) << imported.err;
     EXPECT_EQ(imported.Json()["result"]["gpsTime"], "2026-03-12T16:38:24");
-    const nlohmann::json result = runner.Run("almanac show --json").Json()["result"];
+    const nlohmann::json result = runner.Result("almanac show");
     EXPECT_EQ(result["healthyCount"], 4);
     const nlohmann::json second = result["satellites"][1];
     EXPECT_EQ(second["prn"], 2);
@@ -132,7 +132,7 @@ TEST(Almanac, ShowsWhatTheFileSays)
     EXPECT_EQ(second["ageDays"], 1.4); // 32 h 51 min 36 s
 
     ASSERT_EQ(runner.Run("almanac import @/file.alm --week 2400").code, 0);
-    EXPECT_EQ(runner.Run("almanac show --json").Json()["result"]["satellites"][1]["week"], 2400);
+    EXPECT_EQ(runner.Result("almanac show")["satellites"][1]["week"], 2400);
     const Outcome ahead = runner.Run("almanac import @/file.alm --week 2500");
     EXPECT_NE(ahead.err.find("--week"), std::string::npos) << ahead.err;
 }
@@ -272,8 +272,7 @@ TEST(Almanac, TakesMessagesOfAllSystems)
     EXPECT_EQ(systems[5]["healthy"], 0);
 
     // Shown without an almanac, too, with its age: from noon of 2020-06-25 to midnight of the 26th.
-    const nlohmann::json shown =
-        runner.Run("almanac show --date 2020-06-26 --json").Json()["result"]["systems"];
+    const nlohmann::json shown = runner.Result("almanac show --date 2020-06-26")["systems"];
     EXPECT_EQ(shown[4]["system"], "J");
     EXPECT_EQ(shown[4]["ageDays"], 0.5);
     EXPECT_EQ(shown[4]["tooOld"], false);
@@ -284,7 +283,7 @@ TEST(Almanac, TakesMessagesOfAllSystems)
                           Yuma(6, "335", "405504") +
                               std::string(qzss).replace(qzss.find("ID: 1"), 5, "ID: 193"));
     ASSERT_EQ(runner.Run("almanac import @/file.alm").code, 0);
-    const nlohmann::json both = runner.Run("almanac show --json").Json()["result"];
+    const nlohmann::json both = runner.Result("almanac show");
     EXPECT_EQ(both["satelliteCount"], 6);
     EXPECT_EQ(both["systems"][4]["messages"], 1); // years older: forgotten
 

@@ -23,59 +23,46 @@ TEST(Antenna, ReducesASlantHeight)
 TEST(Antenna, StoresWhatIsNamedAndKeepsTheRest)
 {
     Runner runner;
-    struct Row
-    {
-        const char* fault;
-        const char* arguments;
-        int code;
-    };
-    const Row rows[] = {
-        {"no height yet", "--type 3", 2},
-        {"a negative height", "--height -0.1", 2},
-        {"no number", "--height nan", 2},
-        {"no number at the screen either", "--height 1e0", 2},
-        {"too high", "--height 154.3", 2},
-        {"no such type", "--height 1 --type 7", 2},
-        {"a negative type", "--height 1 --type -1", 2},
-        {"a method of another type", "--height 1 --type 6 --method 2", 2},
-        {"a bad serial", "--height 1 --serial a_b", 2},
-        {"a role that there is not", "--height 1 --role base", 2},
-        {"logged with an unknown antenna", "--from @/unknown", 1},
-        {"no logged data", "--from @/none", 8},
-        {"only told", "--height 1.543 --dry-run", 0},
-        {"a good one", "--height 1.543 --type 3 --method 1 --serial A1", 0},
-    };
     const std::string block("\x08\x0f"
                             "01AB12    \x01\x00\x00\x3c\x46",
                             17);
     runner.Folder().Write("logged", block);
     runner.Folder().Write("unknown", std::string(block).replace(2, 2, "??"));
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(runner.Run(std::string("antenna set ") + row.arguments).code, row.code);
-        EXPECT_EQ(runner.Run("antenna show --json").Json()["result"]["isMeasured"],
-                  row.fault == std::string("a good one"));
-    }
-    nlohmann::json now = runner.Run("antenna set --height 1.6 --json").Json()["result"];
+    runner.Expect({
+        {"antenna set --type 3", 2}, // no height yet
+        {"antenna set --height -0.1", 2},
+        {"antenna set --height 1e0", 2}, // nor at the screen
+        {"antenna set --height 154.3", 2},
+        {"antenna set --height 1 --type 7", 2},
+        {"antenna set --height 1 --type -1", 2},
+        {"antenna set --height 1 --type 6 --method 2", 2},
+        {"antenna set --height 1 --serial a_b", 2},
+        {"antenna set --height 1 --role base", 2},
+        {"antenna set --from @/unknown", 1},
+        {"antenna set --from @/none", 8},
+        {"antenna set --height 1.543 --dry-run", 0, "nothing was changed"},
+    });
+    EXPECT_EQ(runner.Result("antenna show")["isMeasured"], false);
+    runner.Expect({{"antenna set --height 1.543 --type 3 --method 1 --serial A1", 0}});
+    nlohmann::json now = runner.Result("antenna set --height 1.6");
     EXPECT_EQ(now["type"], 3);
     EXPECT_EQ(now["method"], 1);
     EXPECT_EQ(now["serial"], "A1");
     EXPECT_EQ(now["verticalM"], 1.647); // sqrt(2.56 - 0.01) + 0.05 = 1.64687
-    now = runner.Run("antenna set --type 4 --json").Json()["result"];
+    now = runner.Result("antenna set --type 4");
     EXPECT_EQ(now["method"], 0) << "a method of the antenna before";
     now = runner.Run("antenna set --role rover-second --from @/logged --serial C3 --json").Json();
     EXPECT_EQ(now["result"]["measuredM"], 1.543);
     EXPECT_EQ(now["result"]["serial"], "C3") << "what is named goes before the file";
     EXPECT_GT(now["result"]["number"], 0);
-    EXPECT_EQ(runner.Run("antenna show --role reference --json").Json()["result"]["isMeasured"],
-              false);
+    EXPECT_EQ(runner.Result("antenna show --role reference")["isMeasured"], false);
 }
 
 TEST(Antenna, IsNotReplacedByItsNeighbour)
 {
     Runner runner;
     ASSERT_EQ(runner.Run("antenna set --height 1.5 --type 6 --method 1").code, 0);
-    const nlohmann::json list = runner.Run("antenna list --json").Json()["result"];
+    const nlohmann::json list = runner.Result("antenna list");
     std::ofstream(list["file"].get<std::string>())
         << "[ANTENNATYPE]\nDATA0=A\n[A]\nMeasMethod0=0.1,0.05,0,\"m\"\n";
     const Outcome show = runner.Run("antenna show --json");

@@ -38,8 +38,7 @@ TEST(Info, ShowsTheReceiverOfTheScenario)
     Runner runner;
     const Outcome text = runner.Run("info --port sim: --speed 20 --timeout 60");
     ASSERT_EQ(text.code, 0) << text.err;
-    const nlohmann::json result =
-        runner.Run("info --port sim: --speed 20 --timeout 60 --json").Json()["result"];
+    const nlohmann::json result = runner.Result("info --port sim: --speed 20 --timeout 60");
     struct Row
     {
         std::string label;
@@ -153,7 +152,7 @@ TEST(Status, ShowsTheUnknownAsUnknown)
         const Outcome text = runner.Run(command);
         EXPECT_EQ(text.code, 0) << text.err;
         EXPECT_EQ(Shown(text.out, row.label), row.shown) << text.out;
-        const nlohmann::json result = runner.Run(command + " --json").Json()["result"];
+        const nlohmann::json result = runner.Result(command);
         EXPECT_EQ(result[nlohmann::json::json_pointer(row.pointer)], row.value);
     }
 }
@@ -213,8 +212,7 @@ TEST(Status, CtrlCEndsAWatchWell)
 TEST(Identify, ReadsTheIdentificationPacket)
 {
     Runner runner;
-    const nlohmann::json result =
-        runner.Run("identify --json --speed 20 --timeout 60 --port sim:pica").Json()["result"];
+    const nlohmann::json result = runner.Result("identify --speed 20 --timeout 60 --port sim:pica");
     EXPECT_EQ(result["typeNumber"], 3010);
     EXPECT_EQ(result["baudRate"], 38400);
     EXPECT_EQ(result["dataBits"], 8);
@@ -248,8 +246,7 @@ TEST(Port, ComesFromTheSettingsWhereNoneIsNamed)
         return runner.Run({"settings", "set", "GPS\\Connect", "Port", port}).code;
     };
     ASSERT_EQ(store("sim:pica"), 0);
-    EXPECT_EQ(runner.Run("identify --json --speed 20 --timeout 60").Json()["result"]["typeNumber"],
-              3010);
+    EXPECT_EQ(runner.Result("identify --speed 20 --timeout 60")["typeNumber"], 3010);
     ASSERT_EQ(store("COM300"), 0);
     const nlohmann::json refused = runner.Run("info --json").Json()["error"];
     EXPECT_EQ(refused["code"], "port-unusable");
@@ -281,11 +278,8 @@ TEST(Port, ComesFromTheEnvironmentUnlessNamed)
 {
     Runner runner;
     runner.variables["FIELDCORE_PORT"] = "sim:pica";
-    EXPECT_EQ(runner.Run("identify --json --speed 20 --timeout 60").Json()["result"]["typeNumber"],
-              3010);
-    EXPECT_EQ(runner.Run("identify --json --speed 20 --timeout 60 --port sim:")
-                  .Json()["result"]["typeNumber"],
-              3017);
+    EXPECT_EQ(runner.Result("identify --speed 20 --timeout 60")["typeNumber"], 3010);
+    EXPECT_EQ(runner.Result("identify --speed 20 --timeout 60 --port sim:")["typeNumber"], 3017);
 }
 
 TEST(Demo, SurvivesTheFaultThatItMakes)

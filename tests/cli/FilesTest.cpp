@@ -102,7 +102,7 @@ TEST_F(FilesTest, ListsBothPages)
     EXPECT_EQ(result["files"][0], nlohmann::json::parse(R"({"name":"ONE.Q01","sizeBytes":1500,
                                         "time":"2026-03-14T01:30:00","state":"live"})"));
     EXPECT_EQ(result["files"][2]["state"], "logging");
-    const nlohmann::json deleted = Run("ls --deleted --json").Json()["result"];
+    const nlohmann::json deleted = Result("ls --deleted");
     EXPECT_EQ(deleted["fileCount"], 2);
     EXPECT_EQ(deleted["files"][1]["name"], "OLD.Q1D");
     EXPECT_EQ(Run("ls T*").out, "NAME     SIZE   TIME              STATE\n"
@@ -112,7 +112,7 @@ TEST_F(FilesTest, ListsBothPages)
     receiver = "lark"; // whose firmware deletes for good
     EXPECT_EQ(Run("ls --deleted").code, 5);
     receiver = "logging"; // a type that never learnt the newer extension
-    EXPECT_EQ(Run("ls *.Q01 --json").Json()["result"]["fileCount"], 3);
+    EXPECT_EQ(Result("ls *.Q01")["fileCount"], 3);
 }
 
 TEST_F(FilesTest, FetchesWhatWasAskedFor)
@@ -171,7 +171,7 @@ TEST_F(FilesTest, DoesNotReplaceUnasked)
     fs::resize_file(file, 1499); // is another one, then
     EXPECT_EQ(Run("get ONE --to @/there --new").code, 2);
     EXPECT_EQ(Run("get ONE --to @/there --new --yes").code, 0);
-    const nlohmann::json again = Run("get ONE --to @/there --new --json").Json()["result"];
+    const nlohmann::json again = Result("get ONE --to @/there --new");
     EXPECT_EQ(again["files"][0]["state"], "already-there");
     EXPECT_EQ(again["fetchedCount"], 0);
 }

