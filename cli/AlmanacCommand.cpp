@@ -14,7 +14,6 @@
 #include "core/planning/NominalConstellation.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
-#include "core/resources/StringTable.h"
 
 #include <functional>
 #include <optional>
@@ -122,7 +121,7 @@ Ending Put(const Context& context, const std::function<AlmanacResult(AlmanacStor
 Ending Get(const Context& context, const AlmanacOptions& options)
 {
     PortSession session(context, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
+    if (const auto failure = session.Connect()) {
         return *failure;
     }
     return Put(context, [&](AlmanacStore& store) {
@@ -216,7 +215,7 @@ std::optional<Failure> Keep(const Context& context, std::span<const NavigationRe
 /// Adds @p records to what is kept and tells of them.
 Ending Take(const Context& context, std::span<const NavigationRecord> records)
 {
-    if (const std::optional<Failure> failure = Keep(context, records)) {
+    if (const auto failure = Keep(context, records)) {
         return *failure;
     }
     Report report;
@@ -287,7 +286,7 @@ Ending Import(const Context& context, const AlmanacOptions& options)
             return Take(context, messages);
         }
         context.output.Note({text::kSayQzssTaken, {std::to_string(text.qzss.size())}});
-        if (const std::optional<Failure> failure = Keep(context, messages)) {
+        if (const auto failure = Keep(context, messages)) {
             return *failure;
         }
     }

@@ -1,12 +1,9 @@
 #include "cli/AlmanacReport.h"
 
-#include "cli/Wording.h"
-
 #include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/Degrees.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>

@@ -8,7 +8,6 @@
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
-#include "core/resources/StringTable.h"
 
 #include <optional>
 #include <string>
@@ -34,42 +33,28 @@ struct AntennaOptions
     std::string vertical = "0";
 };
 
-AntennaRole RoleOf(const std::string& name)
-{
-    return name == "reference"      ? AntennaRole::Reference
-           : name == "rover-second" ? AntennaRole::RoverSecond
-                                    : AntennaRole::Rover;
-}
-
 /// The antenna settings for the time of one command, with the catalogue brought up to date.
-class Access
+struct Access
 {
-public:
     Access(const Context& context, const AntennaOptions& options)
-        : m_folders(context.world.folders), m_roots(m_folders),
-          settings(nullptr, 0, 0, {m_folders.Program(), &m_roots})
+        : folders(context.world.folders), roots(folders),
+          settings(nullptr, 0, 0, {folders.Program(), &roots})
     {
-        const bool hasFile = InstallSampleAntennas(m_folders.Program()) != 0;
+        const bool hasFile = InstallSampleAntennas(folders.Program()) != 0;
         if (!hasFile || settings.CheckReg() == 0) {
-            context.output.Warn(
-                {text::kSayCatalogueOld, {AntennaFilePath(m_folders.Program()).string()}});
+            context.output.Warn({text::kSayCatalogueOld, {File()}});
         }
-        settings.SetRole(RoleOf(options.role));
+        settings.SetRole(options.role == "reference"      ? AntennaRole::Reference
+                         : options.role == "rover-second" ? AntennaRole::RoverSecond
+                                                          : AntennaRole::Rover);
         settings.ReadRegAnt();
     }
 
-    [[nodiscard]] std::filesystem::path File() const
-    {
-        return AntennaFilePath(m_folders.Program());
-    }
-    [[nodiscard]] bool CanWrite() { return m_roots.Store(RootKey::CurrentUser).IsKept(); }
+    [[nodiscard]] std::string File() const { return AntennaFilePath(folders.Program()).string(); }
 
-private:
-    const Folders m_folders;
-    SettingsRoots m_roots;
-
-public:
-    AntennaSettings settings; // behind the roots it uses
+    Folders folders;
+    SettingsRoots roots;
+    AntennaSettings settings;
 };
 
 Value Shown(const std::wstring& text)
@@ -87,7 +72,7 @@ Ending List(const Context& context, const AntennaOptions& options)
 {
     Access access(context, options);
     Report report;
-    report.Add("file", text::kLabelFile, Value::Text(access.File().string()));
+    report.Add("file", text::kLabelFile, Value::Text(access.File()));
     const int count = access.settings.GetMaxCount();
     Report::Table types{"types", text::kSayNoAntennas};
     Report::Table methods{"methods", text::kSayNoMethods};
@@ -244,7 +229,7 @@ Ending Set(const Context& context, const AntennaOptions& options)
     Access access(context, options);
     AntennaSettings& settings = access.settings;
     const Failure notStored = FileFailure(text::kSayAntennaNotStored, "fieldcore-cli doctor");
-    if (!context.dryRun && !access.CanWrite()) {
+    if (!context.dryRun && !access.roots.Store(RootKey::CurrentUser).IsKept()) {
         return notStored; // then there may be no catalogue either
     }
     std::optional<Failure> failure;

@@ -7,7 +7,6 @@
 #include "core/input/Parts.h"
 #include "core/input/StrIncre.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <cstdint>
 #include <string>

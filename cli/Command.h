@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/ExitCode.h"
+#include "cli/Failure.h"
 #include "cli/Output.h"
 #include "cli/World.h"
 

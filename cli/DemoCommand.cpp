@@ -6,14 +6,12 @@
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/StatusReading.h"
-#include "cli/Wording.h"
 
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
-#include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
 #include "simulator/ReceiverFile.h"
@@ -67,17 +65,18 @@ public:
     Ending Run()
     {
         Heading(text::kDemoConnect);
-        if (const std::optional<Failure> failure = m_session.Connect()) {
+        if (const auto failure = m_session.Connect()) {
             return Fail(*failure);
         }
         Say(Worded(text::kDemoConnected, {m_session.Target().devicePath}));
         for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::FetchFile,
                                 &Demo::SurviveFault, &Demo::MakePlan}) {
-            if (const std::optional<Failure> failure = (this->*part)()) {
+            if (const auto failure = (this->*part)()) {
                 return Fail(*failure);
             }
         }
-        Farewell();
+        Heading(text::kDemoNext);
+        Say(Worded(text::kDemoTry));
         return m_context.output.Done(m_report, "");
     }
 
@@ -116,7 +115,7 @@ private:
     {
         Heading(text::kDemoStatus);
         StatusReader reader(m_session);
-        if (std::optional<Failure> failure = reader.Read()) {
+        if (auto failure = reader.Read()) {
             return failure;
         }
         Report& status = m_report.AddSection("status");
@@ -130,11 +129,11 @@ private:
     {
         Heading(text::kDemoFiles);
         FileCatalogue catalogue(m_session);
-        if (std::optional<Failure> failure = catalogue.List(false)) {
+        if (auto failure = catalogue.List(false)) {
             return failure;
         }
         FilePlan all;
-        if (std::optional<Failure> failure = catalogue.Choose({}, all)) {
+        if (auto failure = catalogue.Choose({}, all)) {
             return failure;
         }
         const DirectoryListingData* smallest = nullptr; // that has anything in it
@@ -220,12 +219,11 @@ private:
         options.from = 6;
         options.hours = 12;
         PlanRequest request;
-        if (std::optional<Failure> failure =
-                Resolve(options, m_context.world, PlanSettings{}, false, request)) {
+        if (auto failure = Resolve(options, m_context.world, PlanSettings{}, false, request)) {
             return failure;
         }
         ObservationPlan plan;
-        if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
+        if (auto failure = LoadSky(options, request, plan)) {
             return failure;
         }
         plan.Calc().SetObserver(request.sites.front().observer);
@@ -235,12 +233,6 @@ private:
         const std::string words = PlanWords(plan, request.sites.front(), request, std::nullopt);
         Say(words.substr(0, words.find_last_not_of('\n') + 1));
         return std::nullopt;
-    }
-
-    void Farewell()
-    {
-        Heading(text::kDemoNext);
-        Say(Worded(text::kDemoTry));
     }
 
     const Context& m_context;

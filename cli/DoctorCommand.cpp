@@ -10,7 +10,6 @@
 #include "core/platform/PortReport.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/Version.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/SettingsRoots.h"
 
 #include <algorithm>
@@ -19,7 +18,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -110,14 +108,6 @@ void ExaminePorts(const World& world, std::vector<Finding>& findings)
     }
 }
 
-bool HasExtension(const fs::path& file, std::string_view wanted)
-{
-    std::string extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return extension == wanted;
-}
-
 /// A font file whose name is known to hold Japanese, for machines that cannot list fonts.
 fs::path FindFontFile(const std::vector<fs::path>& folders)
 {
@@ -129,8 +119,11 @@ fs::path FindFontFile(const std::vector<fs::path>& folders)
         for (; !error && files != fs::recursive_directory_iterator(); files.increment(error)) {
             const fs::path& file = files->path();
             const std::string name = file.filename().string();
-            const bool isFont = HasExtension(file, ".ttf") || HasExtension(file, ".ttc") ||
-                                HasExtension(file, ".otf");
+            std::string end = file.extension().string();
+            std::transform(end.begin(), end.end(), end.begin(), [](char c) {
+                return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+            });
+            const bool isFont = end == ".ttf" || end == ".ttc" || end == ".otf";
             if (isFont && std::any_of(kNames.begin(), kNames.end(),
                                       [&](const char* known) { return name.starts_with(known); })) {
                 return file;

@@ -1,8 +1,6 @@
 #include "cli/Failure.h"
-#include "cli/Wording.h"
 
 #include "core/platform/PortReport.h"
-#include "core/resources/StringTable.h"
 
 #include <array>
 #include <cstddef>
@@ -53,12 +51,6 @@ Failure RequestFailure(CommandFault fault, std::string detail)
             WordedOr(said.message, meaning.textId),
             HintOf(said),
             "",
-            std::move(detail)};
-}
-
-Failure SendingFailure(std::string detail)
-{
-    return {ExitCode::Failed, "port-sending", text::kSayPortSending, text::kSayPortSendingHint, "",
             std::move(detail)};
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "cli/ExitCode.h"
 #include "cli/Wording.h"
 
 #include "core/link/CommandFault.h"
@@ -11,6 +10,20 @@
 #include <string>
 
 namespace fieldcore::cli {
+
+/// How the program ends, for scripts. docs/cli.md lists them; the numbers never change.
+enum class ExitCode : int
+{
+    Done = 0,
+    Failed = 1,
+    Usage = 2,
+    NoPort = 3,    ///< no such port, no permission, in use, or gone
+    NoAnswer = 4,  ///< the port is open and the receiver says nothing
+    Refused = 5,   ///< a receiver type or firmware that is not supported
+    Nak = 6,       ///< the receiver refused a request
+    Cancelled = 7, ///< Ctrl-C, or a question answered with no
+    LocalFile = 8, ///< a file or folder of this machine, or its space
+};
 
 /// Why a command did not do what it was asked.
 struct Failure
@@ -40,9 +53,6 @@ struct Failure
 
 /// A request that failed on an open port.
 [[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);
-
-/// The port talks by itself: NMEA or corrections come where an answer should.
-[[nodiscard]] Failure SendingFailure(std::string detail);
 
 /// A port that did not open: finds out why. Opens nothing.
 /// @param systemError  the errno value of the attempt

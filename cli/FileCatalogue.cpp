@@ -5,7 +5,6 @@
 #include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,29 +16,19 @@ namespace fieldcore::cli {
 
 bool MatchesWildcard(std::wstring_view pattern, std::wstring_view text)
 {
-    constexpr std::size_t kNone = std::wstring_view::npos;
-    std::size_t p = 0;
-    std::size_t t = 0;
-    std::size_t star = kNone; // the last one, and what stands behind its guess
-    std::size_t guess = 0;
-    while (t < text.size()) {
-        if (p < pattern.size() && pattern[p] == L'*') {
-            star = p++;
-            guess = t;
-        } else if (p < pattern.size() && (pattern[p] == L'?' || pattern[p] == text[t])) {
-            ++p;
-            ++t;
-        } else if (star != kNone) {
-            p = star + 1;
-            t = ++guess; // it stands for one character more
-        } else {
-            return false;
+    std::vector<bool> fits(text.size() + 1); // the first characters of the text, by their number
+    fits[0] = true;
+    for (const wchar_t wanted : pattern) {
+        if (wanted == L'*') {
+            std::fill(std::find(fits.begin(), fits.end(), true), fits.end(), true);
+            continue;
         }
+        for (std::size_t t = text.size(); t > 0; --t) {
+            fits[t] = fits[t - 1] && (wanted == L'?' || wanted == text[t - 1]);
+        }
+        fits[0] = false;
     }
-    while (p < pattern.size() && pattern[p] == L'*') {
-        ++p;
-    }
-    return p == pattern.size();
+    return fits.back();
 }
 
 bool HasWildcard(std::wstring_view pattern)
@@ -60,22 +49,13 @@ FileCatalogue::FileCatalogue(PortSession& session)
     m_receiver.SetRows(&m_rows);
 }
 
-std::optional<Failure> FileCatalogue::CheckReceiver(bool deleted)
+std::optional<Failure> FileCatalogue::List(bool deleted)
 {
-    const std::uint32_t typeBefore = m_receiver.GetRecvTypeNum();
-    if (typeBefore == 0 && m_receiver.OpenConnected() == 0) {
+    if (m_receiver.GetRecvTypeNum() == 0 && m_receiver.OpenConnected() == 0) {
         return Failure{ExitCode::Refused, "type-refused", text::kSayTypeFiles};
     }
     if (deleted && !m_receiver.HasRecyclePage()) {
         return Failure{ExitCode::Refused, "no-recycle-bin", text::kSayNoRecycleBin};
-    }
-    return std::nullopt;
-}
-
-std::optional<Failure> FileCatalogue::List(bool deleted)
-{
-    if (std::optional<Failure> failure = CheckReceiver(deleted)) {
-        return failure;
     }
     m_receiver.SetMode(deleted ? ReceiverFiles::Recycled : ReceiverFiles::Live);
     m_incomplete.reset();

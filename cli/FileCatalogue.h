@@ -39,7 +39,6 @@ public:
 
 private:
     void Post(unsigned message, std::intptr_t wParam, std::intptr_t lParam) override;
-    [[nodiscard]] std::optional<Failure> CheckReceiver(bool deleted);
 
     PortSession& m_session;
     ReceiverFiles m_receiver;

@@ -10,7 +10,6 @@
 #include "core/link/Command.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>
@@ -228,7 +227,7 @@ private:
         m_plan.folder = m_options.folder;
         m_plan.makesFolder = true;
         m_plan.dateFolders = m_options.byDate;
-        if (std::optional<Failure> failure = m_catalogue->Choose(m_options.patterns, m_plan)) {
+        if (auto failure = m_catalogue->Choose(m_options.patterns, m_plan)) {
             return failure;
         }
         for (const PlannedFile& file : m_plan.files) {

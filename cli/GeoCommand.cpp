@@ -6,7 +6,6 @@
 #include "core/planning/Geodesy.h"
 #include "core/planning/PlaneRectangular.h"
 #include "core/planning/TokyoDatum.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,15 +37,9 @@ struct GeoOptions
 
 Value EllipsoidValue(Ellipsoid ellipsoid)
 {
-    switch (ellipsoid) {
-    case Ellipsoid::Grs80:
-        return Value::Word("grs80", "GRS80");
-    case Ellipsoid::Wgs84:
-        return Value::Word("wgs84", "WGS84");
-    case Ellipsoid::Bessel1841:
-        break;
-    }
-    return Value::Word("bessel", "Bessel 1841");
+    return ellipsoid == Ellipsoid::Grs80   ? Value::Word("grs80", "GRS80")
+           : ellipsoid == Ellipsoid::Wgs84 ? Value::Word("wgs84", "WGS84")
+                                           : Value::Word("bessel", "Bessel 1841");
 }
 
 std::optional<Failure> ReadPlace(const GeoOptions& options, GeodeticPosition& place)
@@ -86,7 +79,7 @@ void AddPlace(Report& report, const GeodeticPosition& place, const GeoOptions& o
 Ending ToEcef(const Context& context, const GeoOptions& options)
 {
     GeodeticPosition place;
-    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
+    if (const auto failure = ReadPlace(options, place)) {
         return *failure;
     }
     const Ecef point = EcefOfGeodetic(place, options.ellipsoid).value_or(Ecef{});
@@ -149,7 +142,7 @@ std::string ZoneHint(const GeodeticPosition& place)
 Ending ToPlane(const Context& context, const GeoOptions& options)
 {
     GeodeticPosition place;
-    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
+    if (const auto failure = ReadPlace(options, place)) {
         return *failure;
     }
     const auto plane = PlaneOfGeodetic(options.zone, place, options.ellipsoid);
@@ -195,7 +188,7 @@ Ending FromPlane(const Context& context, const GeoOptions& options)
 Ending ChangeDatum(const Context& context, const GeoOptions& options)
 {
     GeodeticPosition place;
-    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
+    if (const auto failure = ReadPlace(options, place)) {
         return *failure;
     }
     const bool toJgd = options.to == "jgd";

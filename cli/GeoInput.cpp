@@ -5,7 +5,6 @@
 #include "core/input/Check.h"
 #include "core/planning/Degrees.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>

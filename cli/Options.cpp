@@ -1,10 +1,8 @@
 #include "cli/Options.h"
 
 #include "cli/Command.h"
-#include "cli/Wording.h"
 
 #include "core/planning/PlanPeriod.h"
-#include "core/resources/StringTable.h"
 
 #include <array>
 #include <charconv>

@@ -1,10 +1,7 @@
 #pragma once
 
 #include "cli/Failure.h"
-#include "cli/Wording.h"
 #include "cli/World.h"
-
-#include "core/resources/StringTable.h"
 
 #include <chrono>
 #include <optional>

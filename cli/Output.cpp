@@ -1,9 +1,6 @@
 #include "cli/Output.h"
 
-#include "cli/Wording.h"
-
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "cli/ExitCode.h"
 #include "cli/Failure.h"
 #include "cli/Report.h"
 #include "cli/World.h"

@@ -4,7 +4,6 @@
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 #include "cli/SiteSearch.h"
-#include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
 #include "core/planning/AlmanacStore.h"
@@ -14,7 +13,6 @@
 #include "core/planning/PlanWindows.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
 
@@ -40,15 +38,6 @@ struct Options
     int top = 3; ///< best days of a search
 };
 
-/// Says where a made-up almanac comes from.
-void WarnOfSource(Output& output, const ObservationPlan& plan)
-{
-    const AlmanacSource& source = plan.Calc().Source();
-    if (source.origin == AlmanacOrigin::Nominal) {
-        output.Warn({text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}});
-    }
-}
-
 /// Reads what the plans that @p options ask for are made of.
 /// @param wholeDay  the period if none is given
 /// @return what is wrong with the options or the files
@@ -57,8 +46,7 @@ std::optional<Failure> Prepare(const Context& context, const PlanOptions& option
 {
     SettingsRoots roots{Folders(context.world.folders)};
     const PlanSettings settings = LoadPlanSettings(HostReg(roots));
-    if (std::optional<Failure> failure =
-            Resolve(options, context.world, settings, wholeDay, request)) {
+    if (auto failure = Resolve(options, context.world, settings, wholeDay, request)) {
         return failure;
     }
     const bool isPut = options.almanac.empty() &&
@@ -67,11 +55,13 @@ std::optional<Failure> Prepare(const Context& context, const PlanOptions& option
         context.output.Warn(text::kSayAlmanacPut);
         context.output.Note(text::kSayGetAlmanac);
     }
-    if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
+    if (auto failure = LoadSky(options, request, plan)) {
         return failure;
     }
-    if (!isPut && plan.UsesAlmanac()) { // else it has been told, or does not matter
-        WarnOfSource(context.output, plan);
+    const AlmanacSource& source = plan.Calc().Source();
+    // Else it has been told, or does not matter.
+    if (!isPut && plan.UsesAlmanac() && source.origin == AlmanacOrigin::Nominal) {
+        context.output.Warn({text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}});
     }
     return std::nullopt;
 }
@@ -99,7 +89,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
             const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
 {
     ObservationPlan plan;
-    if (std::optional<Failure> failure = Prepare(context, options, wholeDay, request, plan)) {
+    if (auto failure = Prepare(context, options, wholeDay, request, plan)) {
         return failure;
     }
     bool warned = false;
@@ -129,7 +119,7 @@ Ending Plan(const Context& context, const Options& options)
     Report report;
     const bool isGpsAlone = ParseSystems(options.plan.systems) == SystemSetOf(GnssSystem::Gps);
     std::string words = options.csv ? PlanCsvHeader(csvGraph, isGpsAlone) : "";
-    const std::optional<Failure> failure =
+    const auto failure =
         ForEachPlan(context, options.plan, false, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
                         if (options.csv) {
@@ -185,8 +175,7 @@ std::optional<Failure> Search(const Context& context, const Options& options, st
         return UsageFailure(text::kSayCsvOrJson);
     }
     PlanRequest& request = result.request;
-    if (std::optional<Failure> failure =
-            Prepare(context, options.plan, true, request, result.plan)) {
+    if (auto failure = Prepare(context, options.plan, true, request, result.plan)) {
         return failure;
     }
     if (request.sites.size() < fewest) {
@@ -217,7 +206,7 @@ Ending TellWindows(const Context& context, Report::Table table, const WindowLimi
 Ending BestOfSites(const Context& context, const Options& options)
 {
     Searched of;
-    if (const std::optional<Failure> failure = Search(context, options, 1, of)) {
+    if (const auto failure = Search(context, options, 1, of)) {
         return *failure;
     }
     Report::Table table = BestTable(*of.search, of.limits, options.top);
@@ -237,7 +226,7 @@ Ending Best(const Context& context, const Options& options)
     Report::Table table{"windows"};
     PlanRequest request;
     WindowLimits limits;
-    const std::optional<Failure> failure =
+    const auto failure =
         ForEachPlan(context, options.plan, true, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
                         limits = LimitsOf(options, request.settings);
@@ -254,7 +243,7 @@ Ending Best(const Context& context, const Options& options)
 Ending Session(const Context& context, const Options& options)
 {
     Searched of;
-    if (const std::optional<Failure> failure = Search(context, options, 2, of)) {
+    if (const auto failure = Search(context, options, 2, of)) {
         return *failure;
     }
     Report::Table samples = SessionSamples(*of.search);

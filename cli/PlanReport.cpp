@@ -1,19 +1,16 @@
 #include "cli/PlanReport.h"
 
 #include "cli/AlmanacReport.h"
-#include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 
 namespace fieldcore::cli {
 
@@ -209,12 +206,6 @@ std::string Coordinates(const Observer& observer)
            Value::Real(observer.heightM, 0, "m").Words();
 }
 
-std::string AgeWords(const AlmanacState& almanac)
-{
-    return Worded(almanac.ageDays < 0.0 ? text::kSayDaysAfter : text::kSayDaysBefore,
-                  {Value::Real(std::abs(almanac.ageDays), 1).Words()});
-}
-
 } // namespace
 
 Report PlanReport(const ObservationPlan& plan, const NamedSite& site, const PlanRequest& request,
@@ -272,7 +263,9 @@ std::string PlanWords(const ObservationPlan& plan, const NamedSite& site,
     words +=
         plan.IsGpsAlone()
             ? Worded(text::kSayPlanAlmanac,
-                     {DateValue(almanac.time, false).Words(), AgeWords(almanac),
+                     {DateValue(almanac.time, false).Words(),
+                      Worded(almanac.ageDays < 0.0 ? text::kSayDaysAfter : text::kSayDaysBefore,
+                             {Value::Real(std::abs(almanac.ageDays), 1).Words()}),
                       std::to_string(almanac.satellites), std::to_string(almanac.healthy),
                       SourceValue(almanac.source).Words() +
                           (almanac.source.name.empty() ? "" : " " + ToUtf8(almanac.source.name))})

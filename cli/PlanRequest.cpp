@@ -1,7 +1,6 @@
 #include "cli/PlanRequest.h"
 
 #include "cli/Options.h"
-#include "cli/Wording.h"
 
 #include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
@@ -15,7 +14,6 @@
 #include "core/planning/SitesCsv.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <charconv>
@@ -194,16 +192,16 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
     const std::vector<NamedSite> known = KnownSites(request.folder);
     for (const std::string& name : names) {
         NamedSite& site = request.sites.emplace_back();
-        if (std::optional<Failure> failure = UseSite(name, known, request.folder, site)) {
+        if (auto failure = UseSite(name, known, request.folder, site)) {
             return failure;
         }
     }
     for (const std::string& place : options.places) {
-        if (std::optional<Failure> failure = UsePlace(place, request.sites.emplace_back())) {
+        if (auto failure = UsePlace(place, request.sites.emplace_back())) {
             return failure;
         }
     }
-    if (std::optional<Failure> failure = UseList(options.siteList, request)) {
+    if (auto failure = UseList(options.siteList, request)) {
         return failure;
     }
     ResolvePeriod(options, wholeDay, request.settings);

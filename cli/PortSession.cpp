@@ -1,7 +1,6 @@
 #include "cli/PortSession.h"
 
 #include "cli/Options.h"
-#include "cli/Wording.h"
 
 #include "core/equipment/RateSearch.h"
 #include "core/link/ComPrmSet.h"
@@ -9,7 +8,6 @@
 #include "core/link/PortOutput.h"
 #include "core/platform/PortList.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 
 #include <chrono>
@@ -21,6 +19,13 @@
 namespace fieldcore::cli {
 
 namespace {
+
+/// The port talks by itself: NMEA or corrections come where an answer should.
+Failure SendingFailure(std::string detail)
+{
+    return {ExitCode::Failed, "port-sending", text::kSayPortSending, text::kSayPortSendingHint, "",
+            std::move(detail)};
+}
 
 /// Shows the steps of connecting, or the rates of a search, as they come.
 class ProgressPrinter final : public ConnectObserver, public RateObserver
@@ -146,12 +151,15 @@ const Clock& PortSession::GetClock() const
 
 std::optional<Failure> PortSession::Prepare()
 {
-    if (std::optional<Failure> failure = FindPort()) {
+    if (auto failure = FindPort()) {
         return failure;
     }
     m_target.settings = m_options.Settings(m_target.settings);
-    if (std::optional<Failure> failure = OpenLog()) {
-        return failure;
+    if (!m_options.log.empty()) {
+        if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
+            return FileFailure({text::kSayNotWritten, {m_options.log.string(), Reason(error)}},
+                               text::kSayLogHint);
+        }
     }
     m_command =
         std::make_unique<CCommand>(CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
@@ -169,7 +177,11 @@ std::optional<Failure> PortSession::FindPort()
     SettingsRoots roots{RealFolders(m_world)};
     const std::string named = NamedPort(m_world, m_options.port);
     if (named.empty() && !StoredPort(roots)) {
-        return NoPortNamed();
+        std::string hint;
+        for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
+            hint += "--port " + port.path + "  " + Translated(port.description) + "\n         ";
+        }
+        return UsageFailure(text::kSayNoPort, hint + Worded(text::kSaySimPort));
     }
     const FoundTarget found = FindTarget(roots, named, m_world.roots);
     if (found.scenario) {
@@ -188,15 +200,6 @@ std::optional<Failure> PortSession::FindPort()
     }
     m_target = *found.target;
     return std::nullopt;
-}
-
-Failure PortSession::NoPortNamed() const
-{
-    std::string hint;
-    for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
-        hint += "--port " + port.path + "  " + Translated(port.description) + "\n         ";
-    }
-    return UsageFailure(text::kSayNoPort, hint + Worded(text::kSaySimPort));
 }
 
 std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
@@ -218,18 +221,6 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
     return std::nullopt;
 }
 
-std::optional<Failure> PortSession::OpenLog()
-{
-    if (m_options.log.empty()) {
-        return std::nullopt;
-    }
-    if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
-        return FileFailure({text::kSayNotWritten, {m_options.log.string(), Reason(error)}},
-                           text::kSayLogHint);
-    }
-    return std::nullopt;
-}
-
 /// On the thread that sends, and on that which reads the port; never on both at once.
 void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
 {
@@ -244,7 +235,7 @@ void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
 
 std::optional<Failure> PortSession::Open()
 {
-    if (std::optional<Failure> failure = Prepare()) {
+    if (auto failure = Prepare()) {
         return failure;
     }
     return OpenFound();
@@ -265,7 +256,7 @@ Failure PortSession::NotOpened(std::string detail) const
 
 std::optional<Failure> PortSession::Connect()
 {
-    if (std::optional<Failure> failure = Prepare()) {
+    if (auto failure = Prepare()) {
         return failure;
     }
     ConnectSequence sequence(*m_command, m_target);
@@ -288,7 +279,7 @@ std::optional<Failure> PortSession::Connect()
 
 std::optional<Failure> PortSession::Search()
 {
-    if (std::optional<Failure> failure = Prepare()) {
+    if (auto failure = Prepare()) {
         return failure;
     }
     ProgressPrinter printer(m_output);

@@ -85,8 +85,6 @@ private:
     [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario);
     [[nodiscard]] std::optional<Failure> OpenFound();
     [[nodiscard]] Failure NotOpened(std::string detail) const;
-    [[nodiscard]] std::optional<Failure> OpenLog();
-    [[nodiscard]] Failure NoPortNamed() const;
     void Keep(Direction direction, std::span<const std::uint8_t> bytes);
 
     const World& m_world;

@@ -10,7 +10,6 @@
 #include "core/platform/PortList.h"
 #include "core/platform/PortReport.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <initializer_list>
 #include <utility>
@@ -161,7 +160,7 @@ std::optional<Failure> SetPort(PortSession& session, int port, PortEdit& edit,
     const bool moves = port == edit.LinkPort() && edit.MovesLink();
     const bool isStored = outcome == PortSet::Done && (!moves || edit.KeepLink() == 1);
     if (moves) {
-        if (const std::optional<Failure> failure = Follow(session, edit, roots)) {
+        if (const auto failure = Follow(session, edit, roots)) {
             return failure;
         }
     }
@@ -191,7 +190,7 @@ Ending Set(const Context& context, const PortsOptions& options)
         return NotStored(roots); // before the receiver is told
     }
     PortSession session(context, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
+    if (const auto failure = session.Connect()) {
         return *failure;
     }
     CRecvInfo info;
@@ -207,7 +206,7 @@ Ending Set(const Context& context, const PortsOptions& options)
         return context.output.Done(ReportOf(
             roots, {{options.number, set}, {moves ? CComPrmSet::kLinkPort : options.number, set}}));
     }
-    if (const std::optional<Failure> failure = SetPort(session, options.number, edit, roots)) {
+    if (const auto failure = SetPort(session, options.number, edit, roots)) {
         return *failure;
     }
     return Kept(context, ReportOf(roots));

@@ -1,7 +1,6 @@
 #include "cli/Report.h"
 
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -107,11 +106,9 @@ Report& Report::AddSection(std::string key, Wording title)
 
 void Report::AddEntry(const std::string& key, Report entry)
 {
-    const auto found = std::find_if(m_items.begin(), m_items.end(), [&](const Item& item) {
-        const auto* const list = std::get_if<List>(&item);
-        return list != nullptr && list->key == key;
-    });
-    Item& item = found != m_items.end() ? *found : m_items.emplace_back(List{key, {}});
+    const auto* const last = m_items.empty() ? nullptr : std::get_if<List>(&m_items.back());
+    const bool goesOn = last != nullptr && last->key == key;
+    Item& item = goesOn ? m_items.back() : m_items.emplace_back(List{key, {}});
     std::get<List>(item).entries.push_back(std::make_unique<Report>(std::move(entry)));
 }
 

@@ -60,7 +60,7 @@ public:
     void Add(std::string key, Value value) { Add(std::move(key), "", std::move(value)); }
     /// @return the section, to be filled; it lives as long as the report
     Report& AddSection(std::string key, Wording title = {});
-    /// Adds an entry to the list of that key, which begins with its first entry.
+    /// Adds an entry to the list of that key; nothing else may be added between two of them.
     void AddEntry(const std::string& key, Report entry);
     void AddTable(Table table) { m_items.emplace_back(std::move(table)); }
 

@@ -6,7 +6,6 @@
 #include "core/equipment/PortEdit.h"
 #include "core/link/RecvForceInit.h"
 #include "core/link/RecvInfo.h"
-#include "core/resources/StringTable.h"
 
 namespace fieldcore::cli {
 
@@ -32,7 +31,7 @@ Ending Run(const Context& context, const ResetOptions& options)
         return UsageFailure(text::kSayResetNobody, text::kSayYesReset);
     }
     PortSession session(context, options.port, options.yes);
-    if (const std::optional<Failure> failure = session.Connect()) {
+    if (const auto failure = session.Connect()) {
         return *failure;
     }
     CRecvInfo info;

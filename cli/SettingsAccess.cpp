@@ -3,7 +3,6 @@
 
 #include "core/platform/AtomicFile.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 
 #include <algorithm>
@@ -44,9 +43,9 @@ std::optional<Failure> WriteText(const Context& context, const SettingsOptions& 
         return FileFailure({text::kSayNoFile, {options.file}}, text::kSayNoFileHint);
     }
     if (fs::exists(status) && !options.yes) {
-        if (std::optional<Failure> failure = TerminalHost(context).Ask(
-                {text::kAskReplace, {options.file}}, {text::kSayReplaceNobody, {options.file}},
-                text::kSayYesReplace)) {
+        if (auto failure = TerminalHost(context).Ask({text::kAskReplace, {options.file}},
+                                                     {text::kSayReplaceNobody, {options.file}},
+                                                     text::kSayYesReplace)) {
             return failure;
         }
     }
@@ -214,14 +213,14 @@ Ending ExportSettings(const Context& context, const SettingsOptions& options)
     if (context.dryRun) {
         return context.output.Done(report);
     }
-    const std::optional<Failure> failure = WriteText(context, options, text);
+    const auto failure = WriteText(context, options, text);
     return failure ? context.output.Failed(*failure) : context.output.Done(report);
 }
 
 Ending ImportSettings(const Context& context, const SettingsOptions& options)
 {
     std::string text;
-    if (const std::optional<Failure> failure = ReadText(context, options.file, text)) {
+    if (const auto failure = ReadText(context, options.file, text)) {
         return *failure;
     }
     const SettingsTextResult read = ParseSettingsText(text);

@@ -5,7 +5,6 @@
 #include "cli/TerminalHost.h"
 
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/StoredPorts.h"
 
@@ -21,11 +20,6 @@ std::string ShownName(const NamedSetting& setting)
     return setting.name.empty() ? Worded(text::kWordNoName) : Printable(ToUtf8(setting.name));
 }
 
-std::string Tail(const std::wstring& path, std::size_t from)
-{
-    return ToUtf8(std::wstring_view(path).substr(from));
-}
-
 /// The keys as a tree, each two columns further in than the one it stands in.
 std::string TreeWords(const std::vector<SettingsKey>& keys, const std::wstring& root)
 {
@@ -38,7 +32,7 @@ std::string TreeWords(const std::vector<SettingsKey>& keys, const std::wstring& 
             isRoot ? 0 : 1 + std::count(below.begin(), below.end(), L'\\'));
         const std::size_t name = isRoot ? 0 : start + below.rfind(L'\\') + 1;
         const std::string indent(2 * depth, ' ');
-        words += indent + Printable(Tail(key.path, name)) + "\\\n";
+        words += indent + Printable(ToUtf8(key.path.substr(name))) + "\\\n";
         std::size_t width = 0;
         for (const NamedSetting& setting : key.values) {
             width = std::max(width, DisplayWidth(ShownName(setting)));

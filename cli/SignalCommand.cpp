@@ -2,7 +2,6 @@
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsText.h"
 #include "core/tilt/SignalSession.h"
@@ -104,24 +103,19 @@ Ending Set(const Context& context, const SignalOptions& options, SignalSession& 
 }
 
 /// Connects, and looks which signals there are.
-Ending WithSignals(const Context& context, const SignalOptions& options,
-                   Ending (*act)(const Context&, const SignalOptions&, SignalSession&))
+template <auto Act>
+Ending WithSignals(const Context& context, const SignalOptions& options)
 {
     PortSession port(context, options.port);
-    if (const std::optional<Failure> failure = port.Connect()) {
+    if (const auto failure = port.Connect()) {
         return *failure;
     }
     SettingsRoots roots{Folders(context.world.folders)};
     const HostReg reg(roots);
     SignalSession session(&port.Command(), reg);
     session.Open();
-    return session.IsLocked() || session.IsKnown() ? act(context, options, session)
+    return session.IsLocked() || session.IsKnown() ? Act(context, options, session)
                                                    : port.RequestFailed();
-}
-
-Ending RunShow(const Context& context, const SignalOptions& options)
-{
-    return WithSignals(context, options, Show);
 }
 
 Ending RunSet(const Context& context, const SignalOptions& options)
@@ -130,7 +124,7 @@ Ending RunSet(const Context& context, const SignalOptions& options)
         std::find(options.names.begin(), options.names.end(), kNone) != options.names.end()) {
         return UsageFailure(text::kSayNoneAlone, "fieldcore-cli signal set none --port PORT");
     }
-    return WithSignals(context, options, Set);
+    return WithSignals<Set>(context, options);
 }
 
 } // namespace
@@ -140,7 +134,8 @@ Command AddSignalCommand(CLI::App& program)
     return AddCommand<SignalOptions>(
         program, {"signal", text::kHelpSignal},
         {{"show", text::kHelpSignalShow,
-          [](CLI::App& parser, SignalOptions& options) { options.port.AddTo(parser); }, RunShow},
+          [](CLI::App& parser, SignalOptions& options) { options.port.AddTo(parser); },
+          WithSignals<Show>},
          {"set", text::kHelpSignalSet,
           [](CLI::App& parser, SignalOptions& options) {
               std::vector<std::string> words(kNames.begin(), kNames.end());

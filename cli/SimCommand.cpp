@@ -3,7 +3,6 @@
 #include "cli/PortSession.h"
 
 #include "core/platform/FastClock.h"
-#include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
 
 #include <array>
@@ -163,13 +162,6 @@ std::optional<int> RunChild(std::vector<std::string> arguments,
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-void WaitForStop(const World& world)
-{
-    while (!world.StopRequested()) {
-        SystemClock::Instance().Sleep(std::chrono::milliseconds(50));
-    }
-}
-
 /// Shows the port and leaves the simulator alone until the user has had enough.
 Ending Serve(const Context& context, const simulator::Simulator& simulator)
 {
@@ -177,7 +169,9 @@ Ending Serve(const Context& context, const simulator::Simulator& simulator)
     report.Add("port", text::kLabelPort, Value::Text(simulator.PortPath()));
     context.output.Done(report, simulator.PortPath() + "\n");
     context.output.Note({text::kSaySimServes, {simulator.PortPath()}});
-    WaitForStop(context.world);
+    while (!context.world.StopRequested()) {
+        SystemClock::Instance().Sleep(std::chrono::milliseconds(50));
+    }
     context.output.Note({text::kSayRequests, {std::to_string(simulator.RequestCount())}});
     return ExitCode::Done;
 }

@@ -7,7 +7,6 @@
 #include "core/planning/PlanCsv.h"
 #include "core/planning/SiteSkies.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,11 +76,6 @@ Value DateValue(const PlanSearch& search, int epoch)
     return Value::Text(JstText(search.UtcAt(epoch)).substr(0, kDateLength));
 }
 
-Value HoursValue(const PlanSearch& search, int intervals)
-{
-    return Value::Real(static_cast<double>(intervals * search.Interval().count()) / 60.0, 1);
-}
-
 } // namespace
 
 std::optional<Failure> RunSearch(const Context& context, const PlanOptions& options,
@@ -98,7 +92,7 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
         return UsageFailure(text::kSayOneClock);
     }
     std::vector<SearchSite> sites;
-    if (std::optional<Failure> failure = ReadSkies(context, options, request, plan, sites)) {
+    if (auto failure = ReadSkies(context, options, request, plan, sites)) {
         return failure;
     }
     const SearchHours hours{request.dates.front(), static_cast<int>(request.dates.size()),
@@ -176,7 +170,8 @@ Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
              {"fewestSatellites", text::kHeadFewest, Value::Integer(fewest)},
              {"highestPdop", text::kHeadHighestPdop,
               Value::Real(fewest < kSatellitesForDop ? NAN : highest, kDopDecimals)},
-             {"goodHours", text::kHeadGoodHours, HoursValue(search, good)}});
+             {"goodHours", text::kHeadGoodHours,
+              Value::Real(static_cast<double>(good * search.Interval().count()) / 60.0, 1)}});
     }
     return table;
 }

@@ -3,8 +3,6 @@
 #include "cli/StatusReading.h"
 #include "cli/Watch.h"
 
-#include "core/resources/StringTable.h"
-
 #include <optional>
 
 namespace fieldcore::cli {
@@ -31,7 +29,7 @@ constexpr WatchColumn kColumns[] = {
 Ending Run(const Context& context, const StatusOptions& options)
 {
     PortSession session(context, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
+    if (const auto failure = session.Connect()) {
         return *failure;
     }
     StatusReader reader(session);
@@ -48,7 +46,7 @@ Ending Run(const Context& context, const StatusOptions& options)
         return RunWatch(context, session.GetClock(), options.watch, {read, tell, kColumns});
     }
     Receiver reading;
-    if (const std::optional<Failure> failure = read(reading)) {
+    if (const auto failure = read(reading)) {
         return *failure;
     }
     Report report;

@@ -1,12 +1,10 @@
 #include "cli/StatusReading.h"
 
 #include "cli/PortSession.h"
-#include "cli/Wording.h"
 
 #include "core/equipment/InstalledOptions.h"
 #include "core/equipment/StatusRows.h"
 #include "core/link/RecvInfo.h"
-#include "core/resources/StringTable.h"
 
 #include <chrono>
 #include <utility>
@@ -18,21 +16,15 @@ StatusReader::StatusReader(PortSession& session)
     : m_session(session), m_questions(session.Command())
 {}
 
-/// @return whether the receiver answered all of it, in whatever way
-bool StatusReader::Ask(Receiver& reading)
-{
-    return m_questions.AskStatus(reading) && reading.status &&
-           (m_questions.AskIdentity(reading) || m_questions.IsAnswering()) &&
-           m_questions.AskPosition(reading) && m_questions.AskTime(reading) &&
-           m_questions.AskPowerSource(reading);
-}
-
 std::optional<Failure> StatusReader::Read()
 {
     Receiver fresh;
     fresh.link = LinkState::Connected;
     fresh.identity = m_reading.identity;
-    if (!Ask(fresh)) {
+    if (!m_questions.AskStatus(fresh) || !fresh.status ||
+        (!m_questions.AskIdentity(fresh) && !m_questions.IsAnswering()) ||
+        !m_questions.AskPosition(fresh) || !m_questions.AskTime(fresh) ||
+        !m_questions.AskPowerSource(fresh)) {
         return m_session.RequestFailed();
     }
     const auto sourceOf = [](const Receiver& receiver) {

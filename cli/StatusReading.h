@@ -30,8 +30,6 @@ public:
     [[nodiscard]] const StatusView& View() const { return m_view; }
 
 private:
-    bool Ask(Receiver& reading);
-
     PortSession& m_session;
     ReceiverQuestions m_questions;
     BatteryWatch m_watch;

@@ -32,17 +32,13 @@ BoxAnswer TerminalHost::ShowMessage(std::wstring_view text, std::wstring_view ca
 {
     const Manner& manner = kManners[static_cast<std::size_t>(style.icon)];
     m_output.Message(manner.kind, ToUtf8(caption), ToUtf8(text), manner.colour);
-    switch (style.buttons) {
-    case BoxButtons::Ok:
-        break;
-    case BoxButtons::OkCancel:
-        return Agrees() ? BoxAnswer::Ok : BoxAnswer::Cancel;
-    case BoxButtons::YesNo:
-        return Agrees() ? BoxAnswer::Yes : BoxAnswer::No;
-    case BoxButtons::RetryCancel:
-        return Agrees() ? BoxAnswer::Retry : BoxAnswer::Cancel;
+    const bool agrees = style.buttons == BoxButtons::Ok || Agrees();
+    if (style.buttons == BoxButtons::YesNo) {
+        return agrees ? BoxAnswer::Yes : BoxAnswer::No;
     }
-    return BoxAnswer::Ok;
+    const BoxAnswer yes =
+        style.buttons == BoxButtons::RetryCancel ? BoxAnswer::Retry : BoxAnswer::Ok;
+    return agrees ? yes : BoxAnswer::Cancel;
 }
 
 std::optional<Failure> TerminalHost::Ask(const Wording& question, Wording nobody, Wording hint)

@@ -3,9 +3,7 @@
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 #include "cli/Watch.h"
-#include "cli/Wording.h"
 
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/CalibrationRun.h"
@@ -62,7 +60,7 @@ Ending WithSensor(const Context& context, const TiltOptions& options,
                   const std::function<Ending(Sensor&, Receiver&)>& act)
 {
     PortSession session(context, options.port, options.yes);
-    if (const std::optional<Failure> failure = session.Connect()) {
+    if (const auto failure = session.Connect()) {
         return *failure;
     }
     SettingsRoots roots{Folders(context.world.folders)};
@@ -70,7 +68,7 @@ Ending WithSensor(const Context& context, const TiltOptions& options,
     TiltSettings tilt(&session.Command(), reg);
     Sensor sensor{session, tilt, reg};
     Receiver reading;
-    if (const std::optional<Failure> failure = sensor.Read(reading)) {
+    if (const auto failure = sensor.Read(reading)) {
         return *failure;
     }
     return act(sensor, reading);

@@ -2,9 +2,6 @@
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
-#include "cli/Wording.h"
-
-#include "core/resources/StringTable.h"
 
 #include <chrono>
 #include <string>
@@ -61,14 +58,14 @@ Ending Run(const Context& context, const TimeOptions& options)
         return UsageFailure(text::kSayClockNobody, text::kSayYesSet);
     }
     PortSession session(context, options.port, options.yes);
-    if (const std::optional<Failure> failure = session.Connect()) {
+    if (const auto failure = session.Connect()) {
         return *failure;
     }
     if (options.set && session.GetSimulator() != nullptr && !context.dryRun) {
         return UsageFailure(text::kSayClockSimulated, text::kSayDryRunShows);
     }
     StatusReader reader(session);
-    if (const std::optional<Failure> failure = reader.Read()) {
+    if (const auto failure = reader.Read()) {
         return *failure;
     }
     const Report report = ReportOf(reader, false);
@@ -89,7 +86,7 @@ Ending Run(const Context& context, const TimeOptions& options)
         }
     }
     // The question may have waited for long.
-    if (const std::optional<Failure> failure = reader.Read()) {
+    if (const auto failure = reader.Read()) {
         return *failure;
     }
     if (!CanBeTrusted(reader)) {

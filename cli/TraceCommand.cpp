@@ -1,10 +1,8 @@
 #include "cli/Command.h"
 #include "cli/Options.h"
-#include "cli/Wording.h"
 
 #include "core/link/FrameDescriber.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "simulator/ExchangeRecord.h"
 
 #include <algorithm>
@@ -308,9 +306,8 @@ Ending Run(const Context& context, const TraceOptions& options)
         file.clear();
     }
     Tracer tracer(context, options.brief);
-    const std::optional<Failure> failure = fromStdin
-                                               ? Read(context, *context.world.in, "stdin", tracer)
-                                               : Read(context, file, options.file, tracer);
+    const auto failure = fromStdin ? Read(context, *context.world.in, "stdin", tracer)
+                                   : Read(context, file, options.file, tracer);
     return context.world.StopRequested()
                ? context.output.Failed(RequestFailure(CommandFault::Cancelled, ""))
                : tracer.Finish(failure);

@@ -3,7 +3,6 @@
 #include "cli/Options.h"
 
 #include "core/equipment/ReceiverFields.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <chrono>
@@ -68,7 +67,7 @@ ExitCode RunWatch(const Context& context, const Clock& clock, const WatchOptions
         WaitUntil(context.world, clock, next);
         next = std::max(next + interval, clock.Steady());
         Receiver reading;
-        const std::optional<Failure> failure = watched.read(reading);
+        const auto failure = watched.read(reading);
         if (context.world.StopRequested()) {
             break;
         }

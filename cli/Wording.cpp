@@ -1,7 +1,6 @@
 #include "cli/Wording.h"
 
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>

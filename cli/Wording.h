@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/resources/StringTable.h" // whoever words something names a text
+
 #include <cstddef>
 #include <initializer_list>
 #include <span>

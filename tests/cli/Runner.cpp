@@ -63,13 +63,13 @@ Outcome Runner::Run(const std::string& arguments)
     return Run(std::vector<std::string>(std::istream_iterator<std::string>(words), {}));
 }
 
-Outcome Runner::Run(std::vector<std::string> arguments)
+Outcome Runner::Run(std::vector<std::string> arguments, bool isTogether)
 {
     std::ostringstream out;
     std::ostringstream err;
     std::istringstream in(input);
     world.out = &out;
-    world.err = &err;
+    world.err = isTogether ? &out : &err;
     world.in = &in;
     const int code = RunCommandLine(world, std::move(arguments));
     return {code, out.str(), err.str()};
@@ -97,27 +97,22 @@ void Runner::Expect(std::initializer_list<Told> rows)
     }
 }
 
-Outcome Runner::RunTogether(std::vector<std::string> arguments)
-{
-    std::ostringstream both;
-    std::istringstream in(input);
-    world.out = &both;
-    world.err = &both;
-    world.in = &in;
-    const int code = RunCommandLine(world, std::move(arguments));
-    return {code, both.str(), ""};
-}
-
-Outcome Runner::RunProgram(const std::string& arguments) const
+Outcome Runner::RunInShell(const std::string& command) const
 {
     const std::string out = Path("stdout");
     const std::string err = Path("stderr");
     // Not the settings of whoever runs the tests.
-    const std::string command =
-        "FIELDCORE_HOME=" + Path("home") + " XDG_CONFIG_HOME=" + Path("config") + " exec " +
-        FIELDCORE_CLI + " " + Expanded(arguments) + " >" + out + " 2>" + err + " </dev/null";
-    const int status = std::system(command.c_str()); // NOLINT: a shell is what users have
+    const std::string whole =
+        "export FIELDCORE_HOME=" + Path("home") + " XDG_CONFIG_HOME=" + Path("config") +
+        " PATH=" + std::filesystem::path(FIELDCORE_CLI).parent_path().string() + ":$PATH; exec >" +
+        out + " 2>" + err + " </dev/null; " + command;
+    const int status = std::system(whole.c_str()); // NOLINT: a shell is what users have
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(out), Content(err)};
+}
+
+Outcome Runner::RunProgram(const std::string& arguments) const
+{
+    return RunInShell(std::string("exec ") + FIELDCORE_CLI + " " + Expanded(arguments));
 }
 
 std::string Content(const std::filesystem::path& file)

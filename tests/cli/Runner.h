@@ -43,16 +43,16 @@ public:
 
     /// @param arguments  separated by blanks; "@/" begins a path below the runner's folder
     [[nodiscard]] Outcome Run(const std::string& arguments);
-    [[nodiscard]] Outcome Run(std::vector<std::string> arguments);
+    /// @param isTogether  both outputs are one, as a terminal shows them
+    [[nodiscard]] Outcome Run(std::vector<std::string> arguments, bool isTogether = false);
 
     /// The result of a command that succeeds, by its JSON document.
     [[nodiscard]] nlohmann::json Result(const std::string& arguments);
     /// Runs one after the other. What fails has no result on stdout.
     void Expect(std::initializer_list<Told> rows);
 
-    /// The same with both outputs in one, as a terminal shows them.
-    [[nodiscard]] Outcome RunTogether(std::vector<std::string> arguments);
-
+    /// A command of the shell, which finds the real program.
+    [[nodiscard]] Outcome RunInShell(const std::string& command) const;
     /// The same in the real program.
     [[nodiscard]] Outcome RunProgram(const std::string& arguments) const;
 

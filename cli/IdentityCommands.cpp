@@ -1,11 +1,12 @@
 #include "cli/Command.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
-#include "cli/Wording.h"
+#include "cli/StatusReading.h"
 
 #include "core/link/ComPrmSet.h"
+#include "core/link/Connect.h"
 #include "core/link/ReceiverTypes.h"
-#include "core/resources/StringTable.h"
+#include "core/link/RecvInfo.h"
 
 #include <CLI/CLI.hpp>
 
@@ -43,10 +44,10 @@ struct Options : PortOptions
     bool store = false;
 };
 
-Ending Run(const Context& context, const Options& options)
+Ending Identify(const Context& context, const Options& options)
 {
     PortSession session(context, options);
-    if (const std::optional<Failure> failure = options.search ? session.Search() : session.Open()) {
+    if (const auto failure = options.search ? session.Search() : session.Open()) {
         return *failure;
     }
     IdentificationRecord record;
@@ -70,7 +71,52 @@ Ending Run(const Context& context, const Options& options)
     return options.store ? Kept(context, report) : context.output.Done(report);
 }
 
+Failure NotAccepted(const CRecvInfo& info)
+{
+    const std::uint32_t number = info.GetRecvTypeNum();
+    const ReceiverType* const type = FindReceiverType(number);
+    if (type == nullptr || !type->canBeSupported) {
+        return {
+            ExitCode::Refused, "type-refused", {text::kSayTypeRefused, {std::to_string(number)}}};
+    }
+    return {ExitCode::Refused,
+            "firmware-refused",
+            Worded(text::kSayFirmwareRefused,
+                   {Value::Real(info.GetNavVer(), 2).Words(), std::to_string(number),
+                    Value::Real(MinimumNavVersion(number), 2).Words()}),
+            text::kSayUpdateFirmware,
+            "",
+            ""};
+}
+
+Ending Info(const Context& context, const PortOptions& options)
+{
+    PortSession session(context, options);
+    if (const auto failure = session.Connect()) {
+        return *failure;
+    }
+    CConnect connect(session.Command(), 0); // its port is open: it asks nothing
+    connect.SupportAllTypes();
+    const bool accepted = connect.CheckRecvType() == 1;
+
+    CRecvInfo info(connect.Identity());
+    if (info.ReadMissing(session.Command()) == 0) {
+        return session.RequestFailed();
+    }
+    Report report;
+    AddIdentity(report, info.Known());
+    return accepted ? context.output.Done(report)
+                    : context.output.Failed(NotAccepted(info), &report);
+}
+
 } // namespace
+
+Command AddInfoCommand(CLI::App& program)
+{
+    return AddCommand<PortOptions>(
+        program, {"info", text::kHelpInfo,
+                  [](CLI::App& parser, PortOptions& options) { options.AddTo(parser); }, Info});
+}
 
 Command AddIdentifyCommand(CLI::App& program)
 {
@@ -82,7 +128,7 @@ Command AddIdentifyCommand(CLI::App& program)
                           AddFlag(parser, "--search", options.search, text::kOptSearch);
                       AddFlag(parser, "--store", options.store, text::kOptStoreRate)->needs(search);
                   },
-                  Run});
+                  Identify});
 }
 
 } // namespace fieldcore::cli
