@@ -5,7 +5,6 @@
 #include "tests/cli/Runner.h"
 
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <string>
 
@@ -185,21 +184,6 @@ TEST(Almanac, GetReplacesItOnlyByAWholeOne)
             EXPECT_EQ(document["result"]["missing"], 32 - row.received);
         }
     }
-}
-
-TEST(Almanac, CtrlCKeepsTheOldOne)
-{
-    AlmanacRunner runner;
-    ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
-    const std::string before = runner.Bytes(kSimulated);
-    runner.world.errIsTerminal = true;
-    runner.world.stopSignal = [&runner] {
-        const auto* err = dynamic_cast<std::ostringstream*>(runner.world.err);
-        return err->str().find("[7/32]") == std::string::npos ? 0 : SIGINT;
-    };
-    const Outcome outcome = runner.Run("almanac get --speed 20 --timeout 60 --port sim:almanac-31");
-    EXPECT_EQ(outcome.code, 7) << outcome.err;
-    EXPECT_EQ(runner.Bytes(kSimulated), before);
 }
 
 TEST(Almanac, TakesMessagesOfAllSystems)
