@@ -1,26 +1,24 @@
 #include "cli/AlmanacReport.h"
 #include "cli/Command.h"
-#include "cli/DayText.h"
-#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/TerminalHost.h"
-#include "cli/Wording.h"
 
 #include "core/orbits/NavigationFile.h"
+#include "core/orbits/NavigationText.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/AlmanacText.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
+#include "core/platform/WholeFile.h"
 
-#include <memory>
+#include <functional>
 #include <optional>
-
-#include <CLI/CLI.hpp>
+#include <span>
+#include <vector>
 
 namespace fieldcore::cli {
 
@@ -34,8 +32,7 @@ struct AlmanacOptions
     PortOptions port;
     std::string date; ///< empty: today
     std::string file;
-    int week = 0;
-    CLI::Option* weekGiven = nullptr;
+    std::optional<int> week; ///< else that of the file
     bool yes = false;
 };
 
@@ -44,64 +41,13 @@ std::filesystem::path FolderOf(const Context& context)
     return Folders(context.world.folders).Program();
 }
 
-/// Where an almanac is put: in a dry run into a folder that goes away again, and is empty if it
-/// could not be made.
-std::filesystem::path TargetFolder(const Context& context, std::optional<ScratchFolder>& scratch)
-{
-    return context.dryRun ? scratch.emplace().Path() : FolderOf(context);
-}
-
-Failure NoScratchFolder()
-{
-    return FileFailure(Worded(text::kSayNoScratch), "fieldcore-cli doctor");
-}
-
-void ShowText(Host& host, AlmanacMessage message)
+void ShowText(const Context& context, const AlmanacMessage& message)
 {
     if (message.text != 0) {
-        host.ShowMessage(message.words.empty() ? Text(message.text) : message.words,
-                         Text(message.caption), {BoxButtons::Ok, message.icon});
+        TerminalHost(context).ShowMessage(message.words.empty() ? Text(message.text)
+                                                                : message.words,
+                                          Text(message.caption), {BoxButtons::Ok, message.icon});
     }
-}
-
-/// Tells the user how it ended; that it was replaced only if it was.
-void ShowResult(const Context& context, Host& host, AlmanacResult result)
-{
-    if (!context.dryRun || result != AlmanacResult::Done) {
-        ShowText(host, MessageOf(result));
-    }
-}
-
-Failure FailureOf(AlmanacResult result, const Context& context, const AlmanacStore& store)
-{
-    switch (result) {
-    case AlmanacResult::Cancelled:
-        return RequestFailure(CommandFault::Cancelled, "");
-    case AlmanacResult::TooFew:
-        return {ExitCode::Failed, "almanac-too-few", Worded(text::kSayAlmanacTooFew),
-                Worded(text::kSayAlmanacTooFewHint)};
-    case AlmanacResult::Done:
-    case AlmanacResult::NotRead:
-    case AlmanacResult::NotWritten:
-    case AlmanacResult::NotReplaced:
-    case AlmanacResult::BrokenOff:
-        break;
-    }
-    return FileFailure(Worded(text::kSayAlmanacNotWritten,
-                              {AlmanacPath(FolderOf(context)).string(), Reason(store.LastError())}),
-                       "fieldcore-cli doctor");
-}
-
-/// The almanac as it now is, in short.
-/// @param folder  where it was put
-Report Summary(const Context& context, const std::filesystem::path& folder)
-{
-    CSurveyPlanCalc almanac;
-    almanac.LoadAlmanac(AlmanacPath(folder));
-    Report report;
-    report.Add("file", text::kLabelFile, Value::Text(AlmanacPath(FolderOf(context)).string()));
-    AddAlmanacSummary(report, almanac, GpsNow(context.world));
-    return report;
 }
 
 /// A download that lost answers: how far it came, and why.
@@ -114,38 +60,51 @@ Failure LossOf(const AlmanacTally& tally, const std::string& consequence)
     return failure;
 }
 
-ExitCode Get(const Context& context, const AlmanacOptions& options)
+/// Says what is wrong with the age of an almanac at @p date: old ones, and those of a week that has
+/// not come yet.
+void ShowAge(const Context& context, const CSurveyPlanCalc& almanac, const CGPSTime& date)
 {
-    TerminalHost host(context.world, context.output);
-    PortSession session(context.world, context.output, host, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
-        return context.output.Failed(*failure);
+    const CGPSTime time = AlmanacTime(almanac);
+    if (IsAlmanacOld(time, date)) {
+        ShowText(context, {text::kAlmanacOld, text::kAlmanacOldCaption, BoxIcon::Exclamation});
+    } else if (GpsSeconds(time) - GpsSeconds(GpsNow(context.world)) > kWeekS) {
+        context.output.Warn(text::kSayWeekToCome);
     }
-    const auto onProgress = [&](int prn) {
-        if (prn <= kMaxPrn) {
-            context.output.Progress("[" + std::to_string(prn) + "/" + std::to_string(kMaxPrn) +
-                                    "] " + Worded(text::kSayAlmanacOf, {std::to_string(prn)}));
-        }
-        return !context.world.StopRequested();
-    };
+}
+
+/// Puts an almanac in place, in a dry run into a folder that goes away again, and tells what came
+/// of it.
+Ending Put(const Context& context, const std::function<AlmanacResult(AlmanacStore&)>& put)
+{
     std::optional<ScratchFolder> scratch;
-    const std::filesystem::path folder = TargetFolder(context, scratch);
+    const std::filesystem::path folder =
+        context.dryRun ? scratch.emplace().Path() : FolderOf(context);
     if (folder.empty()) {
-        return context.output.Failed(NoScratchFolder());
+        return FileFailure(text::kSayNoScratch, "fieldcore-cli doctor");
     }
     AlmanacStore store(folder);
-    const AlmanacResult result = store.Update(session.Command(), onProgress);
+    const AlmanacResult result = put(store);
     const AlmanacTally& tally = store.Tally();
     context.output.Progress("");
-    ShowResult(context, host, result);
-    ShowText(host, MessageOf(result, tally));
+    if (!context.dryRun || result != AlmanacResult::Done) { // it was replaced only then
+        ShowText(context, MessageOf(result));
+    }
+    ShowText(context, MessageOf(result, tally));
     if (result == AlmanacResult::BrokenOff) {
-        return context.output.Failed(LossOf(tally, Worded(text::kSayNothingReplaced)));
+        return LossOf(tally, Worded(text::kSayNothingReplaced));
     }
     if (result != AlmanacResult::Done) {
-        return context.output.Failed(FailureOf(result, context, store));
+        return AlmanacFailure(result, store, AlmanacPath(FolderOf(context)));
     }
-    Report report = Summary(context, folder);
+    CSurveyPlanCalc almanac;
+    almanac.LoadAlmanac(AlmanacPath(folder));
+    Report report;
+    report.Add("file", text::kLabelFile, Value::Text(AlmanacPath(FolderOf(context)).string()));
+    AddAlmanacSummary(report, almanac, GpsNow(context.world));
+    if (tally.received == 0) { // it is not from a receiver
+        ShowAge(context, almanac, GpsNow(context.world));
+        return Kept(context, report);
+    }
     report.Add("received", text::kLabelReceivedNow, Value::Integer(tally.received));
     report.Add("missing", text::kLabelUnknownToReceiver, Value::Integer(tally.missing));
     report.Add("lost", text::kLabelNotAnswered, Value::Integer(tally.lost));
@@ -154,57 +113,57 @@ ExitCode Get(const Context& context, const AlmanacOptions& options)
         if (ClassOf(tally.fault) == FaultClass::Gone) {
             return context.output.Failed(loss, &report);
         }
-        context.output.Message("warning", "", loss.message, Colour::Yellow);
+        context.output.Warn(loss.message);
     }
     return Kept(context, report);
 }
 
-/// Says what is wrong with the age of an almanac at @p date: old ones, and those of a week that has
-/// not come yet.
-void ShowAge(const Context& context, Host& host, const CSurveyPlanCalc& almanac,
-             const CGPSTime& date)
+Ending Get(const Context& context, const AlmanacOptions& options)
 {
-    const CGPSTime time = AlmanacTime(almanac);
-    if (IsAlmanacOld(time, date)) {
-        ShowText(host, {text::kAlmanacOld, text::kAlmanacOldCaption, BoxIcon::Exclamation});
-    } else if (GpsSeconds(time) - GpsSeconds(GpsNow(context.world)) > kWeekS) {
-        context.output.Message("warning", "", Worded(text::kSayWeekToCome), Colour::Yellow);
+    PortSession session(context, options.port);
+    if (const auto failure = session.Connect()) {
+        return *failure;
     }
+    return Put(context, [&](AlmanacStore& store) {
+        return store.Update(session.Command(), [&](int prn) {
+            if (prn <= kMaxPrn) {
+                context.output.ProgressOf(prn, kMaxPrn,
+                                          {text::kSayAlmanacOf, {std::to_string(prn)}});
+            }
+            return !context.world.StopRequested();
+        });
+    });
 }
 
-ExitCode Show(const Context& context, const AlmanacOptions& options)
+Ending Show(const Context& context, const AlmanacOptions& options)
 {
     CGPSTime date = GpsNow(context.world);
     if (!options.date.empty()) {
         std::chrono::sys_days day;
         if (const auto failure = ReadDate(options.date, 1, context.world, day)) {
-            return context.output.Failed(*failure);
+            return *failure;
         }
         date = GpsMidnight(day);
     }
-    TerminalHost host(context.world, context.output);
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
     CSurveyPlanCalc almanac;
     const KeptNavigation kept = LoadConstellations(FolderOf(context));
     const auto messages = kept.constellations.Records();
     if (kept.error) {
-        context.output.Message("warning", "",
-                               Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}),
-                               Colour::Yellow);
+        context.output.Warn({text::kSayMessagesDamaged, {Translated(kept.error->message)}});
     }
     const bool isThere = almanac.LoadAlmanac(file);
     if (!isThere && messages.empty()) {
-        ShowText(host, MessageOf(AlmanacResult::NotRead));
+        ShowText(context, MessageOf(AlmanacResult::NotRead));
         std::error_code ignored;
-        return context.output.Failed(
-            FileFailure(std::filesystem::exists(file, ignored)
-                            ? Worded(text::kSayAlmanacUnreadable, {file.string()})
-                            : Worded(text::kSayNoAlmanac, {file.string()}),
-                        Worded(text::kSayWaysToAlmanac)));
+        return FileFailure(std::filesystem::exists(file, ignored)
+                               ? Worded(text::kSayAlmanacUnreadable, {file.string()})
+                               : Worded(text::kSayNoAlmanac, {file.string()}),
+                           text::kSayWaysToAlmanac);
     }
     Report report;
     if (isThere) {
-        ShowAge(context, host, almanac, date);
+        ShowAge(context, almanac, date);
         report.Add("file", text::kLabelFile, Value::Text(file.string()));
         AddAlmanacSummary(report, almanac, date);
         AddAlmanacTable(report, almanac, date);
@@ -215,66 +174,135 @@ ExitCode Show(const Context& context, const AlmanacOptions& options)
     return context.output.Done(report);
 }
 
-/// Puts records in the almanac's place and says what came of it.
-ExitCode Store(const Context& context, const std::vector<AlmanacRecord>& records,
-               const AlmanacSource& source)
+Ending Store(const Context& context, const std::vector<AlmanacRecord>& records,
+             const AlmanacSource& source)
 {
-    TerminalHost host(context.world, context.output);
-    std::optional<ScratchFolder> scratch;
-    const std::filesystem::path folder = TargetFolder(context, scratch);
-    if (folder.empty()) {
-        return context.output.Failed(NoScratchFolder());
-    }
-    AlmanacStore store(folder);
-    const AlmanacResult result = store.Import(records, source);
-    ShowResult(context, host, result);
-    if (result != AlmanacResult::Done) {
-        return context.output.Failed(FailureOf(result, context, store));
-    }
-    CSurveyPlanCalc almanac;
-    almanac.LoadAlmanac(AlmanacPath(folder));
-    ShowAge(context, host, almanac, GpsNow(context.world));
-    return Kept(context, Summary(context, folder));
+    return Put(context, [&](AlmanacStore& store) { return store.Import(records, source); });
 }
 
-ExitCode Import(const Context& context, const AlmanacOptions& options)
+std::string LettersOf(std::span<const NavigationRecord> records)
+{
+    SystemSet systems;
+    for (const NavigationRecord& record : records) {
+        systems.set(static_cast<std::size_t>(record.satellite.system));
+    }
+    return TextOf(systems);
+}
+
+double NowS(const Context& context)
+{
+    return static_cast<double>(GpsSeconds(GpsNow(context.world)));
+}
+
+/// Adds @p records to what is kept, unless this is a dry run.
+std::optional<Failure> Keep(const Context& context, std::span<const NavigationRecord> records)
+{
+    const std::filesystem::path folder = Folders(context.world.folders).Program();
+    if (LoadConstellations(folder).error) {
+        context.output.Warn(text::kSayMessagesLost);
+    }
+    if (context.dryRun) {
+        return std::nullopt;
+    }
+    if (const std::error_code error = KeepMessages(folder, records, NowS(context))) {
+        return FileFailure(
+            {text::kSayMessagesNotKept, {NavigationPath(folder).string(), Reason(error)}},
+            "fieldcore-cli doctor");
+    }
+    return std::nullopt;
+}
+
+/// Adds @p records to what is kept and tells of them.
+Ending Take(const Context& context, std::span<const NavigationRecord> records)
+{
+    if (const auto failure = Keep(context, records)) {
+        return *failure;
+    }
+    Report report;
+    report.Add("file", text::kLabelFile,
+               Value::Text(NavigationPath(Folders(context.world.folders).Program()).string()));
+    AddSystemTable(report, records, NowS(context));
+    context.output.Note({text::kSayForSystems, {LettersOf(records)}});
+    return Kept(context, report);
+}
+
+std::vector<NavigationRecord> MessagesOf(const Context& context,
+                                         std::span<const AlmanacRecord> records)
+{
+    std::vector<NavigationRecord> messages;
+    for (const AlmanacRecord& record : records) {
+        if (const auto message = MessageOf(record, NowS(context))) {
+            messages.push_back(*message);
+        }
+    }
+    return messages;
+}
+
+/// Whether @p file is a navigation file, by its content.
+bool IsNavigationFile(const std::string& file)
+{
+    constexpr std::size_t kFirstLine = 256;
+    const auto start = ReadWholeFile(file, kFirstLine);
+    return start &&
+           LooksLikeNavigation({reinterpret_cast<const char*>(start->data()), start->size()});
+}
+
+/// Adds the messages of a navigation file to those that are kept.
+Ending ImportNavigation(const Context& context, const std::string& file)
+{
+    const NavigationText text = LoadNavigation(file);
+    if (text.error) {
+        return TextFailure(file, *text.error, text::kSayWholeNavigation);
+    }
+    if (const int other = text.otherSystems + text.otherMessages; other > 0) {
+        context.output.Note({text::kSayMessagesOther, {std::to_string(other)}});
+    }
+    if (text.firstOdd) {
+        context.output.Note({text::kSayMessagesOdd,
+                             {std::to_string(text.odd), std::to_string(text.firstOdd->line),
+                              text.firstOdd->field}});
+    }
+    return Take(context, text.records);
+}
+
+Ending Import(const Context& context, const AlmanacOptions& options)
 {
     if (IsNavigationFile(options.file)) {
         return ImportNavigation(context, options.file);
     }
     AlmanacWeek week;
     week.today = static_cast<int>(GpsSeconds(GpsNow(context.world)) / kWeekS);
-    if (options.weekGiven->count() > 0) {
-        week.full = options.week;
-    }
+    week.full = options.week;
     const AlmanacText text = LoadAlmanacText(options.file, week);
     if (text.error) {
-        return context.output.Failed(
-            TextFailure(options.file, *text.error, Worded(text::kSayWholeAlmanac)));
+        return TextFailure(options.file, *text.error, text::kSayWholeAlmanac);
     }
     if (text.skipped > 0) {
-        context.output.Note(Worded(text::kSayPrnBeyond, {std::to_string(text.skipped)}));
+        context.output.Note({text::kSayPrnBeyond, {std::to_string(text.skipped)}});
     }
-    if (text.records.empty() && !text.qzss.empty()) {
-        return ImportOthers(context, text.qzss);
-    }
-    if (const std::optional<Failure> failure = KeepOthers(context, text.qzss)) {
-        return context.output.Failed(*failure);
+    if (!text.qzss.empty()) { // they stand beside GPS, or alone
+        const std::vector<NavigationRecord> messages = MessagesOf(context, text.qzss);
+        if (text.records.empty()) {
+            return Take(context, messages);
+        }
+        context.output.Note({text::kSayQzssTaken, {std::to_string(text.qzss.size())}});
+        if (const auto failure = Keep(context, messages)) {
+            return *failure;
+        }
     }
     return Store(
         context, text.records,
         {AlmanacOrigin::File, FromUtf8(std::filesystem::path(options.file).filename().string())});
 }
 
-ExitCode Sample(const Context& context, const AlmanacOptions& options)
+Ending Sample(const Context& context, const AlmanacOptions& options)
 {
     const std::filesystem::path file = AlmanacPath(FolderOf(context));
     std::error_code ignored;
     if (std::filesystem::exists(file, ignored) && !options.yes && !context.dryRun) {
-        TerminalHost host(context.world, context.output);
-        if (const auto failure = host.Ask(Worded(text::kAskSample), Worded(text::kSaySampleThere),
-                                          Worded(text::kSayYesReplace))) {
-            return context.output.Failed(*failure);
+        if (const auto failure = TerminalHost(context).Ask(text::kAskSample, text::kSaySampleThere,
+                                                           text::kSayYesReplace)) {
+            return *failure;
         }
     }
     const std::int64_t now = GpsSeconds(GpsNow(context.world));
@@ -289,35 +317,33 @@ ExitCode Sample(const Context& context, const AlmanacOptions& options)
 
 Command AddAlmanacCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "almanac", text::kHelpAlmanac);
-    parser.require_subcommand(1);
-    const auto options = std::make_shared<AlmanacOptions>();
-
-    CLI::App& get = AddParser(parser, "get", text::kHelpAlmanacGet);
-    AddDryRun(get, text::kOptGetDry);
-    options->port.AddTo(get);
-
-    CLI::App& show = AddParser(parser, "show", text::kHelpAlmanacShow);
-    AddText(show, "--date", options->date, "DATE", text::kOptAgeDate);
-
-    CLI::App& import = AddParser(parser, "import", text::kHelpAlmanacImport);
-    AddText(import, "FILE", options->file, "", text::kOptAlmanacFile)->required();
-    options->weekGiven = import.add_option("--week", options->week, Worded(text::kOptWeek))
-                             ->check(CLI::Range(0, 32767).description(""))
-                             ->type_name("N");
-
-    AddDryRun(import, text::kOptImportDry);
-
-    CLI::App& sample = AddParser(parser, "sample", text::kHelpAlmanacSample);
-    CLI::Option* const yes = AddFlag(sample, "--yes", options->yes, text::kOptSampleYes);
-    AddDryRun(sample, text::kOptSampleDry, yes);
-
-    return {&parser, [=, &get, &show, &import](const Context& context) {
-                return get.parsed()      ? Get(context, *options)
-                       : show.parsed()   ? Show(context, *options)
-                       : import.parsed() ? Import(context, *options)
-                                         : Sample(context, *options);
-            }};
+    return AddCommand<AlmanacOptions>(
+        program, {"almanac", text::kHelpAlmanac},
+        {{"get", text::kHelpAlmanacGet,
+          [](CLI::App& parser, AlmanacOptions& options) {
+              AddDryRun(parser, text::kOptGetDry);
+              options.port.AddTo(parser);
+          },
+          Get},
+         {"show", text::kHelpAlmanacShow,
+          [](CLI::App& parser, AlmanacOptions& options) {
+              AddText(parser, "--date", options.date, "DATE", text::kOptAgeDate);
+          },
+          Show},
+         {"import", text::kHelpAlmanacImport,
+          [](CLI::App& parser, AlmanacOptions& options) {
+              AddText(parser, "FILE", options.file, "", text::kOptAlmanacFile)->required();
+              AddText(parser, "--week", options.week, "N", text::kOptWeek)
+                  ->check(CLI::Range(0, 32767).description(""));
+              AddDryRun(parser, text::kOptImportDry);
+          },
+          Import},
+         {"sample", text::kHelpAlmanacSample,
+          [](CLI::App& parser, AlmanacOptions& options) {
+              CLI::Option* const yes = AddFlag(parser, "--yes", options.yes, text::kOptSampleYes);
+              AddDryRun(parser, text::kOptSampleDry, yes);
+          },
+          Sample}});
 }
 
 } // namespace fieldcore::cli

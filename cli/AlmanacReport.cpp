@@ -1,17 +1,18 @@
 #include "cli/AlmanacReport.h"
 
-#include "cli/Wording.h"
-
+#include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/Degrees.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -32,10 +33,35 @@ CGPSTime FromGpsSeconds(std::int64_t seconds)
     return {CGPSTime::m_OriginalTime + CTimeSpan(seconds)};
 }
 
+Value DaysValue(double seconds)
+{
+    return Value::Real(seconds / kDayS, 1, Worded(text::kUnitDays));
+}
+
 Value AgeValue(const CGPSTime& time, const CGPSTime& date)
 {
-    return Value::Real(static_cast<double>(GpsSeconds(date) - GpsSeconds(time)) / kDayS, 1,
-                       Worded(text::kUnitDays));
+    return DaysValue(static_cast<double>(GpsSeconds(date) - GpsSeconds(time)));
+}
+
+std::string NameOf(GnssSystem system)
+{
+    constexpr std::array<const char*, kGnssSystems> kNames{"GPS",    "GLONASS", "Galileo",
+                                                           "BeiDou", "QZSS",    "SBAS"};
+    return kNames[static_cast<std::size_t>(system)];
+}
+
+Value SystemValue(GnssSystem system)
+{
+    return Value::Word(std::string(1, LetterOf(system)), NameOf(system));
+}
+
+void ForEachSystem(SystemSet systems, const auto& use)
+{
+    for (std::size_t i = 0; i < kGnssSystems; ++i) {
+        if (systems[i]) {
+            use(static_cast<GnssSystem>(i));
+        }
+    }
 }
 
 /// The reference time of a satellite; nothing if the record has none.
@@ -73,25 +99,43 @@ Value SourceValue(const AlmanacSource& source)
     constexpr std::array kTexts{text::kSourceUnknown, text::kSourceReceiver, text::kSourceFile};
     const char* const code = kCodes[static_cast<std::size_t>(source.origin)];
     return source.origin == AlmanacOrigin::Nominal
-               ? Value::Word(code, Worded(text::kSayMadeUp, {ToUtf8(SourceText(source))}))
-               : Value::Word(code, Worded(kTexts[static_cast<std::size_t>(source.origin)]));
+               ? Term(code, {text::kSayMadeUp, {ToUtf8(SourceText(source))}})
+               : Term(code, kTexts[static_cast<std::size_t>(source.origin)]);
 }
 
-Value DateValue(std::int64_t gpsSeconds)
+Value DateValue(std::int64_t gpsSeconds, bool hasSeconds)
 {
-    const auto instant = kGpsEpoch + std::chrono::seconds(gpsSeconds);
-    const auto day = std::chrono::floor<std::chrono::days>(instant);
+    return DateValue(kGpsEpoch + std::chrono::seconds(gpsSeconds), hasSeconds);
+}
+
+Value DateValue(std::chrono::sys_seconds gps, bool hasSeconds)
+{
+    const auto day = std::chrono::floor<std::chrono::days>(gps);
     const year_month_day date(day);
-    const std::chrono::hh_mm_ss clock(instant - day);
+    const std::chrono::hh_mm_ss clock(gps - day);
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
                   static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
                   static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
                   static_cast<int>(clock.minutes().count()),
                   static_cast<int>(clock.seconds().count()));
-    std::string words(text.data());
+    constexpr std::size_t kUntilSeconds = 16;
+    std::string words =
+        std::string(text.data()).substr(0, hasSeconds ? text.size() : kUntilSeconds);
     words[words.find('T')] = ' ';
     return Value::Word(text.data(), std::move(words));
+}
+
+Failure AlmanacFailure(AlmanacResult result, const AlmanacStore& store,
+                       const std::filesystem::path& file)
+{
+    return result == AlmanacResult::Cancelled ? RequestFailure(CommandFault::Cancelled, "")
+           : result == AlmanacResult::TooFew
+               ? Failure{ExitCode::Failed, "almanac-too-few", text::kSayAlmanacTooFew,
+                         text::kSayAlmanacTooFewHint}
+               : FileFailure(
+                     {text::kSayAlmanacNotWritten, {file.string(), Reason(store.LastError())}},
+                     "fieldcore-cli doctor");
 }
 
 void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
@@ -121,17 +165,7 @@ void AddAlmanacSummary(Report& report, const CSurveyPlanCalc& almanac, const CGP
 
 void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPSTime& date)
 {
-    Report::Table table{"satellites",
-                        "",
-                        {{"prn", "PRN"},
-                         {"healthy", text::kHeadHealthy},
-                         {"health", text::kHeadHealth},
-                         {"week", text::kHeadWeek},
-                         {"gpsTime", text::kHeadReferenceTimeGps},
-                         {"eccentricity", text::kHeadEccentricity},
-                         {"inclinationDeg", text::kHeadInclination},
-                         {"ageDays", text::kHeadAge}},
-                        {}};
+    Report::Table table{"satellites"};
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         if (almanac.IsValid(index) == 0) {
             continue;
@@ -141,13 +175,110 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
         const AlmanacRecord record = DecodeAlmanac(satellite.GetRecord());
         const std::optional<CGPSTime> time = TimeOf(elements);
         table.rows.push_back(
-            {Value::Integer(satellite.GetPrn()), Value::YesNo(satellite.IsHealthy() != 0),
-             Value::Integer(record.health),
-             time ? Value::Integer(GpsSeconds(*time) / kSecondsPerWeek) : Value::Unknown(),
-             time ? DateValue(GpsSeconds(*time)) : Value::Unknown(),
-             Value::Real(elements.eccentricity, 6), Value::Real(DegreesOf(elements.i0), 3, "deg"),
-             time ? AgeValue(*time, date) : Value::Unknown()});
+            {{"prn", "PRN", Value::Integer(satellite.GetPrn())},
+             {"healthy", text::kHeadHealthy, Value::YesNo(satellite.IsHealthy() != 0)},
+             {"health", text::kHeadHealth, Value::Integer(record.health)},
+             {"week", text::kHeadWeek,
+              time ? Value::Integer(GpsSeconds(*time) / kSecondsPerWeek) : Value::Unknown()},
+             {"gpsTime", text::kHeadReferenceTimeGps,
+              time ? DateValue(GpsSeconds(*time)) : Value::Unknown()},
+             {"eccentricity", text::kHeadEccentricity, Value::Real(elements.eccentricity, 6)},
+             {"inclinationDeg", text::kHeadInclination,
+              Value::Real(DegreesOf(elements.i0), 3, "deg")},
+             {"ageDays", text::kHeadAge, time ? AgeValue(*time, date) : Value::Unknown()}});
     }
+    report.AddTable(std::move(table));
+}
+
+void AddSystemTable(Report& report, std::span<const NavigationRecord> records, double gpsS)
+{
+    struct Tally
+    {
+        int messages = 0;
+        double firstS = 0.0;
+        double lastS = 0.0;
+        std::map<SatelliteId, const NavigationRecord*> newest;
+    };
+    std::map<GnssSystem, Tally> tallies;
+    for (const NavigationRecord& record : records) {
+        Tally& tally = tallies[record.satellite.system];
+        const double timeS = record.ReferenceS();
+        tally.firstS = tally.messages == 0 ? timeS : std::min(tally.firstS, timeS);
+        tally.lastS = tally.messages == 0 ? timeS : std::max(tally.lastS, timeS);
+        ++tally.messages;
+        const NavigationRecord*& newest = tally.newest[record.satellite];
+        if (newest == nullptr || newest->ReferenceS() <= timeS) {
+            newest = &record;
+        }
+    }
+    Report::Table table{"systems"};
+    for (const auto& [system, tally] : tallies) {
+        const auto healthy =
+            std::count_if(tally.newest.begin(), tally.newest.end(),
+                          [](const auto& satellite) { return satellite.second->IsHealthy(); });
+        const double ageS = gpsS - tally.lastS;
+        table.rows.push_back(
+            {{"system", text::kHeadSystem, SystemValue(system)},
+             {"satellites", text::kHeadSatellites,
+              Value::Integer(static_cast<std::int64_t>(tally.newest.size()))},
+             {"healthy", text::kHeadHealthy, Value::Integer(healthy)},
+             {"messages", text::kHeadMessages, Value::Integer(tally.messages)},
+             {"oldestGpsTime", text::kHeadOldestGps, DateValue(std::llround(tally.firstS))},
+             {"newestGpsTime", text::kHeadNewestGps, DateValue(std::llround(tally.lastS))},
+             {"ageDays", text::kHeadAge, DaysValue(ageS)},
+             {"tooOld", text::kHeadTooOld, Value::YesNo(std::abs(ageS) > StaleAfterS(system))}});
+    }
+    report.AddTable(std::move(table));
+}
+
+void WarnOfSystems(Output& output, const ObservationPlan& plan)
+{
+    ForEachSystem(plan.Systems(), [&](GnssSystem system) {
+        const SystemState state = plan.StateOf(system);
+        const std::string days = Value::Real(state.ageS / kDayS, 1).Words();
+        if (state.satellites == 0) {
+            output.Warn({text::kSaySystemMissing, {NameOf(system)}});
+        } else if (state.isStale) {
+            output.Warn({text::kSaySystemStale, {NameOf(system), days}});
+        }
+    });
+}
+
+std::string SystemWords(const ObservationPlan& plan)
+{
+    std::string words =
+        Worded(text::kSaySystems,
+               {TextOf(plan.Systems()),
+                Worded(plan.HasClockPerSystem() ? text::kSayClockEach : text::kSayClockOne)});
+    ForEachSystem(plan.Systems(), [&](GnssSystem system) {
+        const SystemState state = plan.StateOf(system);
+        words += "  " + Padded(NameOf(system), 8) + " " +
+                 (state.satellites == 0
+                      ? Value::Unknown().Words()
+                      : Worded(text::kSaySystemLine,
+                               {std::to_string(state.satellites), std::to_string(state.healthy),
+                                Value::Real(state.ageS / kDayS, 1).Words()})) +
+                 "\n";
+    });
+    return words + "\n";
+}
+
+void AddSystems(Report& report, const ObservationPlan& plan)
+{
+    report.Add("systems", Value::Text(TextOf(plan.Systems())));
+    report.Add("clockPerSystem", Value::YesNo(plan.HasClockPerSystem()));
+    Report::Table table{"orbits"};
+    ForEachSystem(plan.Systems(), [&](GnssSystem system) {
+        const SystemState state = plan.StateOf(system);
+        const bool isKnown = state.satellites > 0;
+        table.rows.push_back({{"system", "", SystemValue(system)},
+                              {"satellites", "", Value::Integer(state.satellites)},
+                              {"healthy", "", Value::Integer(state.healthy)},
+                              {"newestGpsTime", "",
+                               isKnown ? DateValue(std::llround(state.lastS)) : Value::Unknown()},
+                              {"ageDays", "", isKnown ? DaysValue(state.ageS) : Value::Unknown()},
+                              {"tooOld", "", Value::YesNo(state.isStale)}});
+    });
     report.AddTable(std::move(table));
 }
 

@@ -1,20 +1,17 @@
 #include "cli/Command.h"
-#include "cli/Failure.h"
 #include "cli/Options.h"
-#include "cli/Report.h"
 #include "cli/TerminalHost.h"
-#include "cli/Wording.h"
 
 #include "core/input/Angles.h"
 #include "core/input/Check.h"
 #include "core/input/Parts.h"
 #include "core/input/StrIncre.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace fieldcore::cli {
 
@@ -33,76 +30,74 @@ struct CheckOptions
     int count = 1;
 };
 
-/// What was checked and whether it holds; the value only if it does.
-ExitCode Finish(const Context& context, Report report, bool valid)
-{
-    if (valid) {
-        return context.output.Done(report);
-    }
-    return context.output.Failed({ExitCode::Failed, "not-valid", Worded(text::kSayNotValid)},
-                                 &report);
-}
-
-Report Begin(const CheckOptions& options, bool valid)
+/// Tells what was checked and whether it holds.
+Ending Tell(const Context& context, const CheckOptions& options, bool valid,
+            std::vector<Report::Field> more)
 {
     Report report;
     report.Add("text", text::kLabelText, Value::Text(options.text));
     report.Add("valid", text::kLabelValid, Value::YesNo(valid));
-    return report;
+    for (Report::Field& field : more) {
+        report.Add(field.key, field.label, std::move(field.value));
+    }
+    return valid ? context.output.Done(report)
+                 : context.output.Failed({ExitCode::Failed, "not-valid", text::kSayNotValid},
+                                         &report);
 }
 
-ExitCode CheckNumber(const Context& context, const CheckOptions& options)
+/// The value only if it is one.
+Value If(bool valid, Value value)
 {
-    TerminalHost host(context.world, context.output);
+    return valid ? std::move(value) : Value::Unknown();
+}
+
+Ending CheckNumber(const Context& context, const CheckOptions& options)
+{
+    TerminalHost host(context);
     const std::wstring text = FromUtf8(options.text);
     CCheck check(options.minimum, options.maximum, host);
     const bool valid = check.CheckNum(text, nullptr, options.integer ? 1 : 0, 1) == 1;
-    Report report = Begin(options, valid);
-    report.Add("value", text::kLabelValue,
-               valid ? Value::Exact(CParts::atof(text)) : Value::Unknown());
-    report.Add("rounded", text::kLabelRounded,
-               valid ? Value::Real(CParts::round(CParts::atof(text),
-                                                 static_cast<std::uint8_t>(options.decimals)),
-                                   options.decimals)
-                     : Value::Unknown());
-    return Finish(context, std::move(report), valid);
+    const auto decimals = static_cast<std::uint8_t>(options.decimals);
+    const double value = CParts::atof(text);
+    return Tell(context, options, valid,
+                {{"value", text::kLabelValue, If(valid, Value::Exact(value))},
+                 {"rounded", text::kLabelRounded,
+                  If(valid, Value::Real(CParts::round(value, decimals), options.decimals))}});
 }
 
-ExitCode CheckPoint(const Context& context, const CheckOptions& options)
+Ending CheckPoint(const Context& context, const CheckOptions& options)
 {
-    TerminalHost host(context.world, context.output);
-    CCheck check(host);
-    const bool valid = check.CheckPointName(FromUtf8(options.text), nullptr, 1) == 1;
-    return Finish(context, Begin(options, valid), valid);
+    TerminalHost host(context);
+    return Tell(context, options,
+                CCheck(host).CheckPointName(FromUtf8(options.text), nullptr, 1) == 1, {});
 }
 
-ExitCode CheckAngle(const Context& context, const CheckOptions& options)
+Ending CheckAngle(const Context& context, const CheckOptions& options)
 {
-    TerminalHost host(context.world, context.output);
+    TerminalHost host(context);
     const std::wstring text = FromUtf8(options.text);
     CCheck check(host);
     check.SetRadMinMax(options.minimumDeg, options.maximumDeg);
     const bool valid = check.CheckDeg(text, nullptr, 1) == 1;
+    const auto decimals = static_cast<std::uint8_t>(options.decimals);
     const double rad = valid ? check.GetRad(text) : 0.0;
-    Report report = Begin(options, valid);
-    report.Add("rad", text::kLabelRadians, valid ? Value::Exact(rad) : Value::Unknown());
-    report.Add("dms", text::kLabelDegrees,
-               valid ? Value::Text(RADtoDEGStr(rad, 0, static_cast<std::uint8_t>(options.decimals)))
-                     : Value::Unknown());
-    return Finish(context, std::move(report), valid);
+    return Tell(
+        context, options, valid,
+        {{"rad", text::kLabelRadians, If(valid, Value::Exact(rad))},
+         {"dms", text::kLabelDegrees, If(valid, Value::Text(RADtoDEGStr(rad, 0, decimals)))}});
 }
 
-ExitCode CountUp(const Context& context, const CheckOptions& options)
+Ending CountUp(const Context& context, const CheckOptions& options)
 {
     Report report;
     report.Add("name", text::kLabelName, Value::Text(options.text));
-    Report::Table table{
-        "names", "", {{"name", text::kHeadNext}, {"changed", text::kHeadChanged}}, {}};
+    Report::Table table{"names"};
     std::wstring name = FromUtf8(options.text);
     for (int i = 0; i < options.count; ++i) {
         const std::wstring before = name;
         PointNameIncre(name, static_cast<std::uint8_t>(options.maxLength));
-        table.rows.push_back({Value::Text(name), Value::YesNo(name != before)});
+        table.rows.push_back({{"name", text::kHeadNext, Value::Text(name)},
+                              {"changed", text::kHeadChanged, Value::YesNo(name != before)}});
     }
     report.AddTable(std::move(table));
     return context.output.Done(report);
@@ -123,52 +118,49 @@ void AddDecimals(CLI::App& parser, CheckOptions& options)
 
 Command AddCheckCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<CheckOptions>();
-    const auto doing = [options](ExitCode (*act)(const Context&, const CheckOptions&)) {
-        return [options, act](const Context& context) { return act(context, *options); };
-    };
-    return AddCommands(
-        program, {"check", text::kHelpCheck, {}, {}},
+    return AddCommand<CheckOptions>(
+        program, {"check", text::kHelpCheck},
         {{"number", text::kHelpCheckNumber,
-          [options](CLI::App& parser) {
-              AddTyped(parser, *options, text::kOptTyped);
-              AddNumber(parser, "--min", options->minimum, {-1e24, 1e24, "", "-1e24"}, "N",
+          [](CLI::App& parser, CheckOptions& options) {
+              AddTyped(parser, options, text::kOptTyped);
+              AddNumber(parser, "--min", options.minimum, {-1e24, 1e24, "", "-1e24"}, "N",
                         text::kOptLowest);
-              AddNumber(parser, "--max", options->maximum, {-1e24, 1e24, "", "1e24"}, "N",
+              AddNumber(parser, "--max", options.maximum, {-1e24, 1e24, "", "1e24"}, "N",
                         text::kOptHighest);
-              AddFlag(parser, "--integer", options->integer, text::kOptInteger);
-              AddDecimals(parser, *options);
+              AddFlag(parser, "--integer", options.integer, text::kOptInteger);
+              AddDecimals(parser, options);
           },
-          doing(CheckNumber)},
+          CheckNumber},
          {"point", text::kHelpCheckPoint,
-          [options](CLI::App& parser) { AddTyped(parser, *options, text::kOptTyped); },
-          doing(CheckPoint)},
-         {"angle", text::kHelpCheckAngle,
-          [options](CLI::App& parser) {
-              AddTyped(parser, *options, text::kOptTypedAngle);
-              AddNumber(parser, "--min", options->minimumDeg, {-359.0, 359.0, "deg", "-359"}, "N",
-                        text::kOptLowestWhole);
-              AddNumber(parser, "--max", options->maximumDeg, {-359.0, 359.0, "deg", "359"}, "N",
-                        text::kOptHighestWhole);
-              AddDecimals(parser, *options);
+          [](CLI::App& parser, CheckOptions& options) {
+              AddTyped(parser, options, text::kOptTyped);
           },
-          doing(CheckAngle)}});
+          CheckPoint},
+         {"angle", text::kHelpCheckAngle,
+          [](CLI::App& parser, CheckOptions& options) {
+              AddTyped(parser, options, text::kOptTypedAngle);
+              AddNumber(parser, "--min", options.minimumDeg, {-359.0, 359.0, "deg", "-359"}, "N",
+                        text::kOptLowestWhole);
+              AddNumber(parser, "--max", options.maximumDeg, {-359.0, 359.0, "deg", "359"}, "N",
+                        text::kOptHighestWhole);
+              AddDecimals(parser, options);
+          },
+          CheckAngle}});
 }
 
 Command AddNextCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<CheckOptions>();
-    return AddCommand(program,
-                      {"next", text::kHelpNext,
-                       [options](CLI::App& parser) {
-                           AddTyped(parser, *options, text::kOptLastPoint);
-                           AddNumber(parser, "--max", options->maxLength,
-                                     {1.0, 255.0, Worded(text::kUnitCharacters), "255"}, "N",
-                                     text::kOptLongest);
-                           AddNumber(parser, "--count", options->count, {1.0, 10000.0, "", "1"},
-                                     "N", text::kOptHowMany);
-                       },
-                       [options](const Context& context) { return CountUp(context, *options); }});
+    return AddCommand<CheckOptions>(
+        program, {"next", text::kHelpNext,
+                  [](CLI::App& parser, CheckOptions& options) {
+                      AddTyped(parser, options, text::kOptLastPoint);
+                      AddNumber(parser, "--max", options.maxLength,
+                                {1.0, 255.0, Worded(text::kUnitCharacters), "255"}, "N",
+                                text::kOptLongest);
+                      AddNumber(parser, "--count", options.count, {1.0, 10000.0, "", "1"}, "N",
+                                text::kOptHowMany);
+                  },
+                  CountUp});
 }
 
 } // namespace fieldcore::cli

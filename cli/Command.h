@@ -1,11 +1,14 @@
 #pragma once
 
-#include "cli/ExitCode.h"
+#include "cli/Failure.h"
 #include "cli/Output.h"
 #include "cli/World.h"
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace CLI {
@@ -29,12 +32,15 @@ struct Context
 /// among the user's own things but among those that the simulator leads to.
 ExitCode Kept(const Context& context, const Report& report);
 
+/// How a command ends: all is told, or a failure is to be.
+using Ending = std::variant<ExitCode, Failure>;
+
 /// A command of the command line: the parser that reads its options, and what it then does.
 /// The options live in what the function holds.
 struct Command
 {
     CLI::App* parser = nullptr;
-    std::function<ExitCode(const Context&)> run;
+    std::function<Ending(const Context&)> run;
 };
 
 // Each adds its parser to the program's.
@@ -71,17 +77,47 @@ CLI::App& AddParser(CLI::App& parent, const std::string& name, int help);
 CLI::Option* AddDryRun(CLI::App& parser, int purpose, CLI::Option* yes = nullptr);
 
 /// A row of the table of commands: its parser, its help and its call are made from it.
+template <typename Options>
 struct CommandRow
 {
     const char* name;
     int help; ///< as of AddParser(); one without examples takes the first of each row below it
-    std::function<void(CLI::App&)> addOptions; ///< may be empty
-    std::function<ExitCode(const Context&)> run;
+    void (*addOptions)(CLI::App&, Options&) = nullptr;
+    Ending (*run)(const Context&, const Options&) = nullptr;
 };
 
-Command AddCommand(CLI::App& program, const CommandRow& row);
-/// One with commands below it. One of them must be named if the row itself has nothing to run.
-Command AddCommands(CLI::App& program, const CommandRow& group,
-                    const std::vector<CommandRow>& rows);
+/// For commands without options.
+struct NoOptions
+{};
+
+/// Makes @p command one with commands below it.
+/// @param runs  it does something by itself; otherwise one of them must be named
+void PutBelow(Command& command, std::vector<Command> below, bool runs);
+
+/// @param rows  commands below it, which share its options
+template <typename Options>
+Command AddCommand(CLI::App& program, const CommandRow<Options>& row,
+                   const std::vector<CommandRow<Options>>& rows = {})
+{
+    const auto options = std::make_shared<Options>();
+    const auto add = [&options](CLI::App& parent, const CommandRow<Options>& one) {
+        CLI::App& parser = AddParser(parent, one.name, one.help);
+        if (one.addOptions != nullptr) {
+            one.addOptions(parser, *options);
+        }
+        return Command{&parser, [options, run = one.run](const Context& context) {
+                           return run(context, *options);
+                       }};
+    };
+    Command command = add(program, row);
+    std::vector<Command> below;
+    for (const CommandRow<Options>& one : rows) {
+        below.push_back(add(*command.parser, one));
+    }
+    if (!below.empty()) {
+        PutBelow(command, std::move(below), row.run != nullptr);
+    }
+    return command;
+}
 
 } // namespace fieldcore::cli

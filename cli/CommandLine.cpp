@@ -1,22 +1,20 @@
 #include "cli/CommandLine.h"
 
 #include "cli/Command.h"
-#include "cli/Complaint.h"
 #include "cli/Options.h"
-#include "cli/Output.h"
 #include "cli/PortSession.h"
-#include "cli/Wording.h"
 
 #include "core/platform/Version.h"
-#include "core/resources/StringTable.h"
 #include "simulator/Reference.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -28,6 +26,205 @@ constexpr const char* kProgram = "fieldcore-cli";
 constexpr const char* kDryRun = "--dry-run";
 constexpr const char* kPort = "--port";
 constexpr const char* kLanguage = "--language";
+
+/// The name of the command as it was typed: "sim run"; empty for the program itself.
+std::string CommandName(const CLI::App& parser)
+{
+    std::string name;
+    for (const CLI::App* app = &parser; app->get_parent() != nullptr; app = app->get_parent()) {
+        name.insert(0, app->get_name() + (name.empty() ? "" : " "));
+    }
+    return name;
+}
+
+/// How many letters were left out, added, wrong, or swapped with the next one.
+std::size_t Mistypings(const std::string& typed, const std::string& meant)
+{
+    std::vector<std::vector<std::size_t>> costs(typed.size() + 1,
+                                                std::vector<std::size_t>(meant.size() + 1));
+    for (std::size_t i = 0; i <= typed.size(); ++i) {
+        for (std::size_t j = 0; j <= meant.size(); ++j) {
+            std::size_t& cost = costs[i][j] = std::max(i, j);
+            if (i == 0 || j == 0) {
+                continue;
+            }
+            const std::size_t wrong = typed[i - 1] == meant[j - 1] ? 0 : 1;
+            cost =
+                std::min({costs[i - 1][j] + 1, costs[i][j - 1] + 1, costs[i - 1][j - 1] + wrong});
+            if (i > 1 && j > 1 && typed[i - 1] == meant[j - 2] && typed[i - 2] == meant[j - 1]) {
+                cost = std::min(cost, costs[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return costs[typed.size()][meant.size()];
+}
+
+/// "Did you mean ...?"; empty if nothing is near enough.
+std::string Guess(const std::string& typed, const std::vector<std::string>& known)
+{
+    constexpr std::size_t kLongest = 30; // of what could be meant
+    if (typed.size() > kLongest) {
+        return "";
+    }
+    std::string nearest;
+    std::size_t fewest = std::max<std::size_t>(1, typed.size() / 3) + 1;
+    for (const std::string& candidate : known) {
+        const std::size_t mistypings = Mistypings(typed, candidate);
+        if (mistypings < fewest) {
+            fewest = mistypings;
+            nearest = candidate;
+        }
+    }
+    return nearest.empty() ? nearest : Worded(text::kSayDidYouMean, {nearest});
+}
+
+std::vector<std::string> NamesBelow(const CLI::App& parser)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* child : parser.get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(child->get_name());
+    }
+    return names;
+}
+
+std::string HelpOf(const CLI::App& parser)
+{
+    const std::string name = CommandName(parser);
+    return "fieldcore-cli " + name + (name.empty() ? "" : " ") + "--help";
+}
+
+/// The option that @p complaint of the parser begins or ends with.
+const CLI::Option* OptionIn(const CLI::App& parser, const std::string& complaint)
+{
+    for (const CLI::App* app = &parser; app != nullptr; app = app->get_parent()) {
+        for (const CLI::Option* option : app->get_options()) {
+            const std::string name = option->get_name();
+            const std::size_t at = complaint.find(name);
+            const std::string_view before = std::string_view(complaint).substr(0, at);
+            const char behind = at == std::string::npos ? '?' : (complaint + ':')[at + name.size()];
+            if ((behind == ':' || behind == ' ') &&
+                (before.empty() || before == "Could not convert: ")) {
+                return option;
+            }
+        }
+    }
+    return nullptr;
+}
+
+/// "--count N: how many, 1 to 10000 (1)"
+std::string Described(const CLI::Option& option)
+{
+    const std::string type = option.get_type_name();
+    return option.get_name() + (type.empty() ? "" : " " + type) + ": " + option.get_description();
+}
+
+Failure NotExpected(const CLI::App& parser)
+{
+    const CLI::App* program = &parser;
+    while (program->get_parent() != nullptr) {
+        program = program->get_parent();
+    }
+    const std::vector<std::string> left = program->remaining(true);
+    const std::string word = left.empty() ? "" : left.front();
+    const std::string name = CommandName(parser);
+    if (!name.empty() && parser.get_option_no_throw(word) != nullptr) {
+        return UsageFailure({text::kSayBehindCommand, {word}},
+                            "fieldcore-cli " + name + " " + word + " ...");
+    }
+    std::vector<std::string> known = NamesBelow(parser);
+    for (const CLI::App* app = &parser; app != nullptr; app = app->get_parent()) {
+        for (const CLI::Option* option : app->get_options()) {
+            known.push_back(option->get_name());
+        }
+    }
+    return UsageFailure({text::kSayNotTaken, {name.empty() ? "fieldcore-cli" : name, word}},
+                        Guess(word.substr(0, word.find('=')), known) + HelpOf(parser));
+}
+
+Failure BadValue(const CLI::App& parser, const CLI::Option& option)
+{
+    const std::string value = Joined(option.results());
+    return UsageFailure(
+        {value.empty() ? text::kSayNeedsValue : text::kSayCannotBe, {option.get_name(), value}},
+        Described(option) + "\n         " + HelpOf(parser));
+}
+
+Failure Missing(const CLI::App& parser, const std::string& complaint)
+{
+    if (const CLI::Option* const option = OptionIn(parser, complaint)) {
+        return UsageFailure({text::kSayMissing, {option->get_name()}},
+                            Described(*option) + "\n         " + HelpOf(parser));
+    }
+    return UsageFailure({text::kSayNeedsOneOf, {CommandName(parser), Joined(NamesBelow(parser))}},
+                        HelpOf(parser));
+}
+
+/// "--yes excludes --dry-run" in our words.
+Failure Related(const CLI::App& parser, const std::string& complaint, std::string_view verb, int id)
+{
+    const std::size_t at = complaint.find(verb);
+    Failure failure = UsageFailure(
+        at == std::string::npos
+            ? Worded(text::kSayNotUnderstood)
+            : Worded(id, {complaint.substr(0, at), complaint.substr(at + verb.size())}),
+        HelpOf(parser));
+    failure.detail = at == std::string::npos ? complaint : "";
+    return failure;
+}
+
+/// @return what is wrong if the words that should name a command name none
+std::optional<Failure> UnknownCommand(const CLI::App& program,
+                                      const std::vector<std::string>& arguments)
+{
+    const CLI::App* parser = &program;
+    bool isValue = false; // of the option before
+    for (const std::string& word : arguments) {
+        if (std::exchange(isValue, false)) {
+            continue;
+        }
+        if (word.starts_with('-')) {
+            const CLI::Option* const option = parser->get_option_no_throw(word);
+            if (option == nullptr) {
+                break; // it may have a value
+            }
+            isValue = option->get_items_expected_min() > 0;
+            continue;
+        }
+        const std::vector<std::string> names = NamesBelow(*parser);
+        if (std::find(names.begin(), names.end(), word) == names.end()) {
+            return UsageFailure({text::kSayUnknownCommand,
+                                 {CommandName(*parser) + (parser == &program ? "" : " ") + word}},
+                                Guess(word, names) + HelpOf(*parser));
+        }
+        parser = parser->get_subcommand(word);
+        if (parser->get_require_subcommand_min() == 0) {
+            break; // what follows is the parser's to judge
+        }
+    }
+    return std::nullopt;
+}
+
+/// What is wrong with a command line, and what would be right: the range of an option stands in its
+/// description.
+/// @param parser  of the command, after it has failed
+Failure Complaint(const CLI::App& parser, const CLI::ParseError& error)
+{
+    const std::string complaint = error.what();
+    const auto kind = static_cast<CLI::ExitCodes>(error.get_exit_code());
+    if (kind == CLI::ExitCodes::ExtrasError) {
+        return NotExpected(parser);
+    }
+    if (kind == CLI::ExitCodes::RequiredError) {
+        return Missing(parser, complaint);
+    }
+    const CLI::Option* const option = OptionIn(parser, complaint);
+    if (kind == CLI::ExitCodes::RequiresError) {
+        return Related(parser, complaint, " requires ", text::kSayGoesWith);
+    }
+    return kind == CLI::ExitCodes::ExcludesError || option == nullptr
+               ? Related(parser, complaint, " excludes ", text::kSayNotWith)
+               : BadValue(parser, *option);
+}
 
 /// What the parser calls the parts of a help, and the groups of its options.
 constexpr std::pair<const char*, int> kHelpLabels[] = {
@@ -185,16 +382,17 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
     }
     const bool isSimRun = CommandName(parsed) == "sim run";
     if (!userCommand.empty() && !isSimRun) {
-        return output.Failed(
-            UsageFailure(Worded(text::kSayOnlySimRun), "fieldcore-cli sim run --help"));
+        return output.Failed(UsageFailure(text::kSayOnlySimRun, "fieldcore-cli sim run --help"));
     }
     const World own = WorldOf(world, program.parser);
     for (const Command& command : program.commands) {
         if (command.parser->parsed()) {
-            return command.run({own, output, isDryRun, std::move(userCommand)});
+            const Ending ending = command.run({own, output, isDryRun, std::move(userCommand)});
+            const auto* const failure = std::get_if<Failure>(&ending);
+            return failure != nullptr ? output.Failed(*failure) : std::get<ExitCode>(ending);
         }
     }
-    return output.Failed(UsageFailure(Worded(text::kSayNoCommand), "fieldcore-cli --help"));
+    return output.Failed(UsageFailure(text::kSayNoCommand, "fieldcore-cli --help"));
 }
 
 /// Sets the language of the run before anything is said in it.
@@ -214,8 +412,8 @@ std::optional<Failure> UseLanguage(const World& world, const std::vector<std::st
     const std::optional<Language> language = LanguageNamed(name);
     SetLanguage(language.value_or(CurrentLanguage()));
     return language ? std::nullopt
-                    : std::optional(UsageFailure(Worded(text::kSayCannotBe, {source, name}),
-                                                 Worded(text::kSayLanguages)));
+                    : std::optional(
+                          UsageFailure({text::kSayCannotBe, {source, name}}, text::kSayLanguages));
 }
 
 ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
@@ -242,9 +440,9 @@ ExitCode ParseAndRun(const World& world, std::vector<std::string> arguments)
         return ExitCode::Done;
     }
     if (emptyCommand) {
-        return Output(world, "", json).Failed(UsageFailure(Worded(text::kSayNothingBehind)));
+        return Output(world, "", json).Failed(UsageFailure(text::kSayNothingBehind));
     }
-    if (const std::optional<Failure> failure = UnknownCommand(program.parser, arguments)) {
+    if (const auto failure = UnknownCommand(program.parser, arguments)) {
         return Output(world, "", json).Failed(*failure);
     }
     try {
@@ -286,35 +484,22 @@ CLI::Option* AddDryRun(CLI::App& parser, int purpose, CLI::Option* yes)
     return option;
 }
 
-Command AddCommand(CLI::App& program, const CommandRow& row)
+void PutBelow(Command& command, std::vector<Command> below, bool runs)
 {
-    CLI::App& parser = AddParser(program, row.name, row.help);
-    if (row.addOptions) {
-        row.addOptions(parser);
-    }
-    return {&parser, row.run};
-}
-
-Command AddCommands(CLI::App& program, const CommandRow& group, const std::vector<CommandRow>& rows)
-{
-    Command command = AddCommand(program, group);
     std::string examples = command.parser->get_footer();
     const bool hasOwn = !examples.empty();
-    command.parser->require_subcommand(group.run ? 0 : 1, 1);
-    std::vector<Command> below;
-    for (const CommandRow& row : rows) {
-        below.push_back(AddCommand(*command.parser, row));
-        const std::string all = below.back().parser->get_footer();
+    command.parser->require_subcommand(runs ? 0 : 1, 1);
+    for (const Command& one : below) {
+        const std::string all = one.parser->get_footer();
         examples += hasOwn ? "" : all.substr(0, all.find('\n') + 1);
     }
     command.parser->footer(examples);
-    command.run = [below, run = group.run](const Context& context) {
+    command.run = [below = std::move(below), run = std::move(command.run)](const Context& context) {
         const auto named = std::find_if(below.begin(), below.end(), [](const Command& candidate) {
             return candidate.parser->parsed();
         });
         return named != below.end() ? named->run(context) : run(context);
     };
-    return command;
 }
 
 int RunCommandLine(const World& world, std::vector<std::string> arguments)

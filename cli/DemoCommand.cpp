@@ -1,3 +1,4 @@
+#include "cli/AlmanacReport.h"
 #include "cli/Command.h"
 #include "cli/FileCatalogue.h"
 #include "cli/PlanReport.h"
@@ -5,14 +6,12 @@
 #include "cli/PortSession.h"
 #include "cli/ScratchFolder.h"
 #include "cli/StatusReading.h"
-#include "cli/TerminalHost.h"
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
 
 #include "core/link/Connect.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
-#include "core/resources/StringTable.h"
+#include "core/platform/Utf8.h"
+#include "core/platform/WholeFile.h"
 #include "simulator/ExchangeRecord.h"
 #include "simulator/FaultRule.h"
 #include "simulator/ReceiverFile.h"
@@ -21,9 +20,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -54,11 +50,7 @@ bool IsSameAsIn(const simulator::Simulator& simulator, const std::string& name,
         if (original.name == name) {
             std::vector<std::uint8_t> expected(original.size);
             simulator::ReadFileContent(original, 0, expected);
-            std::ifstream stream(file, std::ios::binary);
-            const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
-            return std::equal(
-                bytes.begin(), bytes.end(), expected.begin(), expected.end(),
-                [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+            return ReadWholeFile(file, original.size + 1) == expected;
         }
     }
     return false;
@@ -70,20 +62,21 @@ class Demo
 public:
     Demo(const Context& context, PortSession& session) : m_context(context), m_session(session) {}
 
-    ExitCode Run()
+    Ending Run()
     {
         Heading(text::kDemoConnect);
-        if (const std::optional<Failure> failure = m_session.Connect()) {
+        if (const auto failure = m_session.Connect()) {
             return Fail(*failure);
         }
         Say(Worded(text::kDemoConnected, {m_session.Target().devicePath}));
         for (const auto part : {&Demo::Identify, &Demo::ShowStatus, &Demo::FetchFile,
                                 &Demo::SurviveFault, &Demo::MakePlan}) {
-            if (const std::optional<Failure> failure = (this->*part)()) {
+            if (const auto failure = (this->*part)()) {
                 return Fail(*failure);
             }
         }
-        Farewell();
+        Heading(text::kDemoNext);
+        Say(Worded(text::kDemoTry));
         return m_context.output.Done(m_report, "");
     }
 
@@ -99,7 +92,7 @@ private:
         Say((m_isFirst ? "" : "\n") + m_context.output.Painted(Worded(id), Colour::Green));
         m_isFirst = false;
     }
-    ExitCode Fail(const Failure& failure)
+    Ending Fail(const Failure& failure)
     {
         return m_context.output.Failed(failure, m_context.output.IsJson() ? &m_report : nullptr);
     }
@@ -112,7 +105,7 @@ private:
         if (connect.CheckRecvType() == 0) {
             return m_session.RequestFailed();
         }
-        Report& identity = m_report.AddSection("identity", "");
+        Report& identity = m_report.AddSection("identity");
         AddIdentity(identity, connect.Identity());
         Say(identity.Words() + Worded(text::kDemoIdentified));
         return std::nullopt;
@@ -122,10 +115,10 @@ private:
     {
         Heading(text::kDemoStatus);
         StatusReader reader(m_session);
-        if (std::optional<Failure> failure = reader.Read()) {
+        if (auto failure = reader.Read()) {
             return failure;
         }
-        Report& status = m_report.AddSection("status", "");
+        Report& status = m_report.AddSection("status");
         AddStatus(status, reader.Reading());
         const std::string words = status.Words();
         Say(words.substr(0, words.find_last_not_of('\n') + 1));
@@ -136,11 +129,11 @@ private:
     {
         Heading(text::kDemoFiles);
         FileCatalogue catalogue(m_session);
-        if (std::optional<Failure> failure = catalogue.List(false)) {
+        if (auto failure = catalogue.List(false)) {
             return failure;
         }
         FilePlan all;
-        if (std::optional<Failure> failure = catalogue.Choose({}, all)) {
+        if (auto failure = catalogue.Choose({}, all)) {
             return failure;
         }
         const DirectoryListingData* smallest = nullptr; // that has anything in it
@@ -151,7 +144,7 @@ private:
             }
         }
         if (smallest == nullptr) {
-            return Failure{ExitCode::Failed, "no-files", Worded(text::kSayNoFiles)};
+            return Failure{ExitCode::Failed, "no-files", text::kSayNoFiles};
         }
         const std::string name = ToUtf8(smallest->Name());
         Say(Worded(text::kDemoSmallest,
@@ -163,17 +156,16 @@ private:
             return command.Fault() != CommandFault::None
                        ? m_session.RequestFailed()
                        : FileFailure(
-                             Worded(text::kSayNotWritten, {name, Reason(command.GetFileError())}));
+                             {text::kSayNotWritten, {name, Reason(command.GetFileError())}});
         }
         if (!IsSameAsIn(*m_session.GetSimulator(), name, folder.Path() / name)) {
-            return Failure{ExitCode::Failed, "file-differs", Worded(text::kDemoDiffers)};
+            return Failure{ExitCode::Failed, "file-differs", text::kDemoDiffers};
         }
         Say(Worded(text::kDemoSame));
-        Report& files = m_report.AddSection("files", "");
-        files.Add("fileCount", text::kLabelFiles,
-                  Value::Integer(static_cast<std::int64_t>(all.files.size())));
-        files.Add("fetched", text::kLabelFetched, Value::Text(name));
-        files.Add("sizeBytes", text::kLabelItsSize, Value::Integer(smallest->size, "B"));
+        Report& files = m_report.AddSection("files");
+        files.Add("fileCount", Value::Integer(static_cast<std::int64_t>(all.files.size())));
+        files.Add("fetched", Value::Text(name));
+        files.Add("sizeBytes", Value::Integer(smallest->size, "B"));
         return std::nullopt;
     }
 
@@ -195,11 +187,10 @@ private:
             return m_session.RequestFailed();
         }
         if (times < 2) {
-            return Failure{ExitCode::Failed, "fault-not-seen", Worded(text::kDemoNotSeen)};
+            return Failure{ExitCode::Failed, "fault-not-seen", text::kDemoNotSeen};
         }
-        Report& fault = m_report.AddSection("fault", "");
-        fault.Add("timesSent", text::kLabelTimesSent,
-                  Value::Integer(static_cast<std::int64_t>(times)));
+        Report& fault = m_report.AddSection("fault");
+        fault.Add("timesSent", Value::Integer(static_cast<std::int64_t>(times)));
         Say(Worded(text::kDemoSurvived,
                    {std::to_string(times), std::to_string(status.batteryPercent),
                     std::to_string(status.satellitesTracked)}));
@@ -212,22 +203,14 @@ private:
         Say(Worded(text::kDemoPlanned));
         const ScratchFolder folder; // not over the almanac of the user
         if (folder.Path().empty()) {
-            return FileFailure(Worded(text::kSayNoScratch));
+            return FileFailure(text::kSayNoScratch);
         }
         AlmanacStore store(folder.Path());
-        switch (store.Update(m_session.Command())) {
-        case AlmanacResult::Done:
-            break;
-        case AlmanacResult::TooFew:
-            return Failure{ExitCode::Failed, "almanac-too-few", Worded(text::kSayAlmanacTooFew)};
-        case AlmanacResult::BrokenOff:
-        case AlmanacResult::Cancelled:
-            return m_session.RequestFailed();
-        case AlmanacResult::NotWritten:
-        case AlmanacResult::NotReplaced:
-        case AlmanacResult::NotRead:
-            return FileFailure(Worded(text::kSayAlmanacNotWritten,
-                                      {folder.Path().string(), Reason(store.LastError())}));
+        const AlmanacResult result = store.Update(m_session.Command());
+        if (result != AlmanacResult::Done) {
+            return result == AlmanacResult::BrokenOff
+                       ? m_session.RequestFailed()
+                       : AlmanacFailure(result, store, AlmanacPath(folder.Path()));
         }
         PlanOptions options;
         options.sites = {"東京都千代田区"};
@@ -236,27 +219,20 @@ private:
         options.from = 6;
         options.hours = 12;
         PlanRequest request;
-        if (std::optional<Failure> failure =
-                Resolve(options, m_context.world, PlanSettings{}, false, request)) {
+        if (auto failure = Resolve(options, m_context.world, PlanSettings{}, false, request)) {
             return failure;
         }
         ObservationPlan plan;
-        if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
+        if (auto failure = LoadSky(options, request, plan)) {
             return failure;
         }
         plan.Calc().SetObserver(request.sites.front().observer);
-        plan.Period() = {request.dates.front(), request.startHour, request.hours};
+        plan.Period() = {request.dates.front(), request.settings.startHour, request.settings.hours};
         plan.Compute();
         m_report.AddEntry("plans", PlanReport(plan, request.sites.front(), request, std::nullopt));
         const std::string words = PlanWords(plan, request.sites.front(), request, std::nullopt);
         Say(words.substr(0, words.find_last_not_of('\n') + 1));
         return std::nullopt;
-    }
-
-    void Farewell()
-    {
-        Heading(text::kDemoNext);
-        Say(Worded(text::kDemoTry));
     }
 
     const Context& m_context;
@@ -265,20 +241,22 @@ private:
     bool m_isFirst = true;
 };
 
+Ending Run(const Context& context, const PortOptions& options)
+{
+    PortSession session(context, options);
+    return Demo(context, session).Run();
+}
+
 } // namespace
 
 Command AddDemoCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<PortOptions>();
-    options->port = "sim:lark";
-    return AddCommand(program, {"demo", text::kHelpDemo,
-                                [options](CLI::App& parser) { options->AddSessionTo(parser); },
-                                [options](const Context& context) {
-                                    TerminalHost host(context.world, context.output);
-                                    PortSession session(context.world, context.output, host,
-                                                        *options);
-                                    return Demo(context, session).Run();
-                                }});
+    return AddCommand<PortOptions>(program, {"demo", text::kHelpDemo,
+                                             [](CLI::App& parser, PortOptions& options) {
+                                                 options.port = "sim:lark";
+                                                 options.AddSessionTo(parser);
+                                             },
+                                             Run});
 }
 
 } // namespace fieldcore::cli

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/ExitCode.h"
+#include "cli/Wording.h"
 
 #include "core/link/CommandFault.h"
 #include "core/platform/SystemRoots.h"
@@ -11,24 +11,38 @@
 
 namespace fieldcore::cli {
 
+/// How the program ends, for scripts. docs/cli.md lists them; the numbers never change.
+enum class ExitCode : int
+{
+    Done = 0,
+    Failed = 1,
+    Usage = 2,
+    NoPort = 3,    ///< no such port, no permission, in use, or gone
+    NoAnswer = 4,  ///< the port is open and the receiver says nothing
+    Refused = 5,   ///< a receiver type or firmware that is not supported
+    Nak = 6,       ///< the receiver refused a request
+    Cancelled = 7, ///< Ctrl-C, or a question answered with no
+    LocalFile = 8, ///< a file or folder of this machine, or its space
+};
+
 /// Why a command did not do what it was asked.
 struct Failure
 {
     ExitCode exit = ExitCode::Failed;
     std::string code;     ///< for programs: lower-case words joined by "-"; never changes
-    std::string message;  ///< one or two sentences
-    std::string hint{};   ///< what to do about it, as a command where there is one; may be empty
+    Wording message;      ///< one or two sentences
+    Wording hint{};       ///< what to do about it, as a command where there is one; may be empty
     std::string step{};   ///< of connecting, where it failed; empty otherwise
     std::string detail{}; ///< for developers; may be empty
 };
 
-[[nodiscard]] Failure UsageFailure(std::string message, std::string hint = {});
+[[nodiscard]] Failure UsageFailure(Wording message, Wording hint = {});
 
-[[nodiscard]] Failure FileFailure(std::string message, std::string hint = {});
+[[nodiscard]] Failure FileFailure(Wording message, Wording hint = {});
 
 /// A text file with a mistake in it.
 [[nodiscard]] Failure TextFailure(const std::filesystem::path& file, const TextError& error,
-                                  std::string hint = {});
+                                  Wording hint = {});
 
 /// What to do about a fault. In Japanese the text of the fault says it, but for a command.
 [[nodiscard]] std::string HintOf(const TerminalFault& said);
@@ -39,9 +53,6 @@ struct Failure
 
 /// A request that failed on an open port.
 [[nodiscard]] Failure RequestFailure(CommandFault fault, std::string detail);
-
-/// The port talks by itself: NMEA or corrections come where an answer should.
-[[nodiscard]] Failure SendingFailure(std::string detail);
 
 /// A port that did not open: finds out why. Opens nothing.
 /// @param systemError  the errno value of the attempt

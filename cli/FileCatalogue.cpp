@@ -1,21 +1,40 @@
 #include "cli/FileCatalogue.h"
 
-#include "cli/Utf8.h"
-#include "cli/Wildcard.h"
 #include "cli/Wording.h"
 
 #include "core/equipment/FileTexts.h"
 #include "core/link/Command.h"
-#include "core/resources/StringTable.h"
+#include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
+#include <cstddef>
 #include <set>
 #include <string_view>
 #include <utility>
 
 namespace fieldcore::cli {
+
+bool MatchesWildcard(std::wstring_view pattern, std::wstring_view text)
+{
+    std::vector<bool> fits(text.size() + 1); // the first characters of the text, by their number
+    fits[0] = true;
+    for (const wchar_t wanted : pattern) {
+        if (wanted == L'*') {
+            std::fill(std::find(fits.begin(), fits.end(), true), fits.end(), true);
+            continue;
+        }
+        for (std::size_t t = text.size(); t > 0; --t) {
+            fits[t] = fits[t - 1] && (wanted == L'?' || wanted == text[t - 1]);
+        }
+        fits[0] = false;
+    }
+    return fits.back();
+}
+
+bool HasWildcard(std::wstring_view pattern)
+{
+    return pattern.find_first_of(L"*?") != std::wstring_view::npos;
+}
 
 bool FitsFile(const std::string& pattern, const DirectoryListingData& record)
 {
@@ -30,22 +49,13 @@ FileCatalogue::FileCatalogue(PortSession& session)
     m_receiver.SetRows(&m_rows);
 }
 
-std::optional<Failure> FileCatalogue::CheckReceiver(bool deleted)
-{
-    const std::uint32_t typeBefore = m_receiver.GetRecvTypeNum();
-    if (typeBefore == 0 && m_receiver.OpenConnected() == 0) {
-        return Failure{ExitCode::Refused, "type-refused", Worded(text::kSayTypeFiles)};
-    }
-    if (deleted && !m_receiver.HasRecyclePage()) {
-        return Failure{ExitCode::Refused, "no-recycle-bin", Worded(text::kSayNoRecycleBin)};
-    }
-    return std::nullopt;
-}
-
 std::optional<Failure> FileCatalogue::List(bool deleted)
 {
-    if (std::optional<Failure> failure = CheckReceiver(deleted)) {
-        return failure;
+    if (m_receiver.GetRecvTypeNum() == 0 && m_receiver.OpenConnected() == 0) {
+        return Failure{ExitCode::Refused, "type-refused", text::kSayTypeFiles};
+    }
+    if (deleted && !m_receiver.HasRecyclePage()) {
+        return Failure{ExitCode::Refused, "no-recycle-bin", text::kSayNoRecycleBin};
     }
     m_receiver.SetMode(deleted ? ReceiverFiles::Recycled : ReceiverFiles::Live);
     m_incomplete.reset();
@@ -92,24 +102,6 @@ std::optional<Failure> FileCatalogue::Choose(const std::vector<std::string>& pat
     const std::string& pattern = patterns[static_cast<std::size_t>(unfit - hasFit.begin())];
     return Failure{ExitCode::Failed, "no-such-file", Worded(text::kSayNoSuchFile, {pattern}),
                    "fieldcore-cli files ls"};
-}
-
-Value FileCatalogue::TimeOf(const DirectoryListingData& record)
-{
-    using namespace std::chrono;
-    constexpr sys_days kGpsEpoch = 1980y / January / 6;
-    const sys_seconds time = kGpsEpoch + seconds(record.time);
-    const year_month_day date(floor<days>(time));
-    const hh_mm_ss clock(time - floor<days>(time));
-    char text[40];
-    std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                  static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    std::string words = std::string(text).substr(0, 16);
-    words[10] = ' ';
-    return Value::Word(text, words);
 }
 
 } // namespace fieldcore::cli

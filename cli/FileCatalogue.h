@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fieldcore::cli {
@@ -36,18 +37,21 @@ public:
     [[nodiscard]] std::optional<Failure> Choose(const std::vector<std::string>& patterns,
                                                 FilePlan& plan) const;
 
-    /// The receiver's date of a file, as it is stored.
-    [[nodiscard]] static Value TimeOf(const DirectoryListingData& record);
-
 private:
     void Post(unsigned message, std::intptr_t wParam, std::intptr_t lParam) override;
-    [[nodiscard]] std::optional<Failure> CheckReceiver(bool deleted);
 
     PortSession& m_session;
     ReceiverFiles m_receiver;
     FileRowList m_rows;
     std::optional<Failure> m_incomplete;
 };
+
+/// Whether all of @p text fits @p pattern, in which "*" stands for any characters, also none, and
+/// "?" for any one. Upper and lower case differ. Takes no longer than the product of the lengths.
+[[nodiscard]] bool MatchesWildcard(std::wstring_view pattern, std::wstring_view text);
+
+/// Whether @p pattern can fit more than one text.
+[[nodiscard]] bool HasWildcard(std::wstring_view pattern);
 
 /// Whether a pattern of the user fits the name of a file, with or without its extension.
 [[nodiscard]] bool FitsFile(const std::string& pattern, const DirectoryListingData& record);

@@ -1,23 +1,17 @@
-#include "cli/AngleText.h"
 #include "cli/Command.h"
-#include "cli/Failure.h"
 #include "cli/GeoInput.h"
 #include "cli/Options.h"
-#include "cli/Report.h"
-#include "cli/Wording.h"
 
 #include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PlaneRectangular.h"
 #include "core/planning/TokyoDatum.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <map>
-#include <memory>
 #include <numbers>
-#include <utility>
 #include <vector>
 
 namespace fieldcore::cli {
@@ -43,46 +37,34 @@ struct GeoOptions
 
 Value EllipsoidValue(Ellipsoid ellipsoid)
 {
-    switch (ellipsoid) {
-    case Ellipsoid::Grs80:
-        return Value::Word("grs80", "GRS80");
-    case Ellipsoid::Wgs84:
-        return Value::Word("wgs84", "WGS84");
-    case Ellipsoid::Bessel1841:
-        break;
-    }
-    return Value::Word("bessel", "Bessel 1841");
+    return ellipsoid == Ellipsoid::Grs80   ? Value::Word("grs80", "GRS80")
+           : ellipsoid == Ellipsoid::Wgs84 ? Value::Word("wgs84", "WGS84")
+                                           : Value::Word("bessel", "Bessel 1841");
 }
 
 std::optional<Failure> ReadPlace(const GeoOptions& options, GeodeticPosition& place)
 {
-    std::optional<Failure> failure =
-        ReadAngle({Worded(text::kLabelLatitude), options.first, -90.0, 90.0}, options.Form(),
-                  place.latitudeRad);
-    if (!failure) {
-        failure = ReadAngle({Worded(text::kLabelLongitude), options.second, -360.0, 360.0},
-                            options.Form(), place.longitudeRad);
-    }
-    if (!failure) {
-        failure =
-            ReadMetres({Worded(text::kLabelHeight), options.third, kLowestHeightM, kHighestHeightM},
-                       place.heightM);
-    }
-    if (!failure && !IsPlace(place)) { // a full turn, a hair beyond what the library takes
-        failure = UsageFailure(
-            Worded(text::kSayOutOfRange, {Worded(text::kLabelLongitude), options.second}),
-            LimitWords({-180.0, 180.0, "deg"}));
-    }
-    return failure;
+    const Wording longitude = text::kLabelLongitude;
+    std::optional<Failure> failure = FirstOf(
+        {ReadAngle({text::kLabelLatitude, options.first, -90.0, 90.0}, options.Form(),
+                   place.latitudeRad),
+         ReadAngle({longitude, options.second, -360.0, 360.0}, options.Form(), place.longitudeRad),
+         ReadMetres({text::kLabelHeight, options.third, kLowestHeightM, kHighestHeightM},
+                    place.heightM)});
+    // A full turn may be a hair beyond what the library takes.
+    return failure || IsPlace(place)
+               ? failure
+               : OutOfRange({longitude, options.second, -180.0, 180.0}, "deg");
 }
 
 void AddAngle(Report& report, const std::string& key, int label, double rad, bool packed)
 {
     const double degrees = DegreesOf(rad);
-    report.Add(key + "Deg", Worded(label), Value::Real(degrees, kDegreeDecimals, "deg"));
+    report.Add(key + "Deg", label, Value::Real(degrees, kDegreeDecimals, "deg"));
     report.Add(key + "Dms", "", Value::Text(SexagesimalText(degrees, kSecondDecimals)));
     if (packed) {
-        report.Add(key + "Ddmmss", "", Value::Text(PackedText(degrees, kSecondDecimals)));
+        report.Add(key + "Ddmmss", "",
+                   Value::Text(SexagesimalText(degrees, kSecondDecimals, true)));
     }
 }
 
@@ -94,11 +76,11 @@ void AddPlace(Report& report, const GeodeticPosition& place, const GeoOptions& o
                Value::Real(place.heightM, kMetreDecimals, "m"));
 }
 
-ExitCode ToEcef(const Context& context, const GeoOptions& options)
+Ending ToEcef(const Context& context, const GeoOptions& options)
 {
     GeodeticPosition place;
-    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
-        return context.output.Failed(*failure);
+    if (const auto failure = ReadPlace(options, place)) {
+        return *failure;
     }
     const Ecef point = EcefOfGeodetic(place, options.ellipsoid).value_or(Ecef{});
     Report report;
@@ -109,24 +91,19 @@ ExitCode ToEcef(const Context& context, const GeoOptions& options)
     return context.output.Done(report);
 }
 
-ExitCode ToGeodetic(const Context& context, const GeoOptions& options)
+Ending ToGeodetic(const Context& context, const GeoOptions& options)
 {
     constexpr double kFarthest = 1.1e8; // beyond the highest height
     Ecef point;
-    std::optional<Failure> failure =
-        ReadMetres({"X", options.first, -kFarthest, kFarthest}, point.x);
-    if (!failure) {
-        failure = ReadMetres({"Y", options.second, -kFarthest, kFarthest}, point.y);
-    }
-    if (!failure) {
-        failure = ReadMetres({"Z", options.third, -kFarthest, kFarthest}, point.z);
+    if (const auto failure =
+            FirstOf({ReadMetres({"X", options.first, -kFarthest, kFarthest}, point.x),
+                     ReadMetres({"Y", options.second, -kFarthest, kFarthest}, point.y),
+                     ReadMetres({"Z", options.third, -kFarthest, kFarthest}, point.z)})) {
+        return *failure;
     }
     const auto place = GeodeticOfEcef(point, options.ellipsoid);
-    if (!failure && !place) {
-        failure = UsageFailure(Worded(text::kSayTooFar), Worded(text::kSayTooFarHint));
-    }
-    if (failure) {
-        return context.output.Failed(*failure);
+    if (!place) {
+        return UsageFailure(text::kSayTooFar, text::kSayTooFarHint);
     }
     Report report;
     report.Add("ellipsoid", text::kLabelEllipsoid, EllipsoidValue(options.ellipsoid));
@@ -162,20 +139,18 @@ std::string ZoneHint(const GeodeticPosition& place)
     return Worded(text::kSayNearestZones, {std::to_string(zones[0]), std::to_string(zones[1])});
 }
 
-ExitCode ToPlane(const Context& context, const GeoOptions& options)
+Ending ToPlane(const Context& context, const GeoOptions& options)
 {
     GeodeticPosition place;
-    std::optional<Failure> failure = ReadPlace(options, place);
-    if (!failure && options.zone == 0) {
-        failure = UsageFailure(Worded(text::kSayNoZone), ZoneHint(place));
+    if (const auto failure = ReadPlace(options, place)) {
+        return *failure;
     }
     const auto plane = PlaneOfGeodetic(options.zone, place, options.ellipsoid);
-    if (!failure && !plane) {
-        failure = UsageFailure(Worded(text::kSayOutOfZone, {std::to_string(options.zone)}),
-                               ZoneHint(place));
-    }
-    if (failure) {
-        return context.output.Failed(*failure);
+    if (!plane) {
+        return UsageFailure(options.zone == 0
+                                ? Wording(text::kSayNoZone)
+                                : Wording(text::kSayOutOfZone, {std::to_string(options.zone)}),
+                            ZoneHint(place));
     }
     const double convergence = DegreesOf(plane->convergenceRad);
     Report report;
@@ -190,21 +165,17 @@ ExitCode ToPlane(const Context& context, const GeoOptions& options)
     return context.output.Done(report);
 }
 
-ExitCode FromPlane(const Context& context, const GeoOptions& options)
+Ending FromPlane(const Context& context, const GeoOptions& options)
 {
     PlanePosition point;
-    std::optional<Failure> failure =
-        ReadMetres({"x", options.first, -kPlaneReachM, kPlaneReachM}, point.xM);
-    if (!failure) {
-        failure = ReadMetres({"y", options.second, -kPlaneReachM, kPlaneReachM}, point.yM);
-    }
-    if (failure) {
-        return context.output.Failed(*failure);
+    if (const auto failure =
+            FirstOf({ReadMetres({"x", options.first, -kPlaneReachM, kPlaneReachM}, point.xM),
+                     ReadMetres({"y", options.second, -kPlaneReachM, kPlaneReachM}, point.yM)})) {
+        return *failure;
     }
     const auto place = GeodeticOfPlane(options.zone, point, options.ellipsoid);
     if (!place) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayNoPlace), Worded(text::kSayNoPlaceHint)));
+        return UsageFailure(text::kSayNoPlace, text::kSayNoPlaceHint);
     }
     Report report;
     report.Add("ellipsoid", text::kLabelEllipsoid, EllipsoidValue(options.ellipsoid));
@@ -214,55 +185,73 @@ ExitCode FromPlane(const Context& context, const GeoOptions& options)
     return context.output.Done(report);
 }
 
-ExitCode ChangeDatum(const Context& context, const GeoOptions& options)
+Ending ChangeDatum(const Context& context, const GeoOptions& options)
 {
     GeodeticPosition place;
-    if (const std::optional<Failure> failure = ReadPlace(options, place)) {
-        return context.output.Failed(*failure);
+    if (const auto failure = ReadPlace(options, place)) {
+        return *failure;
     }
     const bool toJgd = options.to == "jgd";
     const auto other = toJgd ? Jgd2000OfTokyo(place) : TokyoOfJgd2000(place);
     if (!other) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayDatumHeight), Worded(text::kSayDatumHeightHint)));
+        return UsageFailure(text::kSayDatumHeight, text::kSayDatumHeightHint);
     }
     Report report;
     report.Add("datum", text::kLabelDatum,
-               toJgd ? Value::Word("jgd", "JGD2000")
-                     : Value::Word("tokyo", Worded(text::kWordTokyo)));
+               toJgd ? Value::Word("jgd", "JGD2000") : Term("tokyo", text::kWordTokyo));
     report.Add("ellipsoid", text::kLabelEllipsoid,
                EllipsoidValue(toJgd ? Ellipsoid::Grs80 : Ellipsoid::Bessel1841));
     AddPlace(report, *other, options);
     return context.output.Done(report);
 }
 
-ExitCode ShowAngle(const Context& context, const GeoOptions& options)
+Ending ShowAngle(const Context& context, const GeoOptions& options)
 {
     const AngleResult angle = ParseAngle(options.first, options.Form());
     if (!angle.degrees) {
-        return context.output.Failed(UsageFailure(angle.fault));
+        return UsageFailure(angle.fault);
     }
     const double degrees = *angle.degrees;
     Report report;
     report.Add("deg", text::kLabelDegrees, Value::Real(degrees, kDegreeDecimals, "deg"));
     report.Add("dms", text::kLabelDegreesMinutesSeconds,
                Value::Text(SexagesimalText(degrees, kSecondDecimals)));
-    report.Add("ddmmss", "DD.MMSSsss", Value::Text(PackedText(degrees, kSecondDecimals)));
+    report.Add("ddmmss", "DD.MMSSsss",
+               Value::Text(SexagesimalText(degrees, kSecondDecimals, true)));
     report.Add("rad", text::kLabelRadians, Value::Exact(RadiansOf(degrees), "rad"));
     return context.output.Done(report);
 }
 
+struct Positional
+{
+    const char* name;
+    std::string& value;
+    int purpose;
+};
+
+void AddTyped(CLI::App& parser, std::initializer_list<Positional> all)
+{
+    for (const Positional& one : all) {
+        AddText(parser, one.name, one.value, "", one.purpose)->required();
+    }
+}
+
 void AddPlaceOptions(CLI::App& parser, GeoOptions& options, bool withHeight)
 {
-    AddText(parser, "LAT", options.first, "", text::kOptLatitude)->required();
-    AddText(parser, "LON", options.second, "", text::kOptLongitude)->required();
+    AddTyped(parser, {{"LAT", options.first, text::kOptLatitude},
+                      {"LON", options.second, text::kOptLongitude}});
     if (withHeight) {
         AddText(parser, "H", options.third, "", text::kOptHeight);
     }
 }
 
+void AddPacked(CLI::App& parser, GeoOptions& options)
+{
+    AddFlag(parser, "--ddmmss", options.packed, text::kOptPacked);
+}
+
 /// @param isPlane  plane coordinates are of Japan
-void AddEllipsoid(CLI::App& parser, GeoOptions& options, bool isPlane)
+void AddForms(CLI::App& parser, GeoOptions& options, bool isPlane)
 {
     std::map<std::string, Ellipsoid> names{{"grs80", Ellipsoid::Grs80},
                                            {"bessel", Ellipsoid::Bessel1841}};
@@ -274,6 +263,7 @@ void AddEllipsoid(CLI::App& parser, GeoOptions& options, bool isPlane)
                     Worded(isPlane ? text::kOptEllipsoidPlane : text::kOptEllipsoid))
         ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
         ->type_name("NAME");
+    AddPacked(parser, options);
 }
 
 CLI::Option* AddZone(CLI::App& parser, GeoOptions& options)
@@ -286,66 +276,51 @@ CLI::Option* AddZone(CLI::App& parser, GeoOptions& options)
 
 Command AddGeoCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<GeoOptions>();
-    const auto row = [options](const char* name, int help, void (*add)(CLI::App&, GeoOptions&),
-                               ExitCode (*act)(const Context&, const GeoOptions&)) {
-        return CommandRow{
-            name, help,
-            [options, add](CLI::App& parser) {
-                add(parser, *options);
-                AddFlag(parser, "--ddmmss", options->packed, text::kOptPacked);
-            },
-            [options, act](const Context& context) { return act(context, *options); }};
-    };
-    return AddCommands(
-        program, {"geo", text::kHelpGeo, {}, {}},
-        {row(
-             "ecef", text::kHelpGeoEcef,
-             [](CLI::App& parser, GeoOptions& values) {
-                 AddPlaceOptions(parser, values, true);
-                 AddEllipsoid(parser, values, false);
-             },
-             ToEcef),
-         row(
-             "geodetic", text::kHelpGeoGeodetic,
-             [](CLI::App& parser, GeoOptions& values) {
-                 AddText(parser, "X", values.first, "", text::kOptEcefX)->required();
-                 AddText(parser, "Y", values.second, "", text::kOptEcefY)->required();
-                 AddText(parser, "Z", values.third, "", text::kOptEcefZ)->required();
-                 AddEllipsoid(parser, values, false);
-             },
-             ToGeodetic),
-         row(
-             "plane", text::kHelpGeoPlane,
-             [](CLI::App& parser, GeoOptions& values) {
-                 AddPlaceOptions(parser, values, false);
-                 AddZone(parser, values);
-                 AddEllipsoid(parser, values, true);
-             },
-             ToPlane),
-         row(
-             "unplane", text::kHelpGeoUnplane,
-             [](CLI::App& parser, GeoOptions& values) {
-                 AddText(parser, "X", values.first, "", text::kOptPlaneX)->required();
-                 AddText(parser, "Y", values.second, "", text::kOptPlaneY)->required();
-                 AddZone(parser, values)->required();
-                 AddEllipsoid(parser, values, true);
-             },
-             FromPlane),
-         row(
-             "tokyo", text::kHelpGeoTokyo,
-             [](CLI::App& parser, GeoOptions& values) {
-                 AddPlaceOptions(parser, values, true);
-                 AddWord(parser, "--to", values.to, {"jgd", "tokyo"}, "DATUM", text::kOptDatum)
-                     ->required();
-             },
-             ChangeDatum),
-         row(
-             "angle", text::kHelpGeoAngle,
-             [](CLI::App& parser, GeoOptions& values) {
-                 AddText(parser, "ANGLE", values.first, "", text::kOptAngle)->required();
-             },
-             ShowAngle)});
+    return AddCommand<GeoOptions>(
+        program, {"geo", text::kHelpGeo},
+        {{"ecef", text::kHelpGeoEcef,
+          [](CLI::App& parser, GeoOptions& options) {
+              AddPlaceOptions(parser, options, true);
+              AddForms(parser, options, false);
+          },
+          ToEcef},
+         {"geodetic", text::kHelpGeoGeodetic,
+          [](CLI::App& parser, GeoOptions& options) {
+              AddTyped(parser, {{"X", options.first, text::kOptEcefX},
+                                {"Y", options.second, text::kOptEcefY},
+                                {"Z", options.third, text::kOptEcefZ}});
+              AddForms(parser, options, false);
+          },
+          ToGeodetic},
+         {"plane", text::kHelpGeoPlane,
+          [](CLI::App& parser, GeoOptions& options) {
+              AddPlaceOptions(parser, options, false);
+              AddZone(parser, options);
+              AddForms(parser, options, true);
+          },
+          ToPlane},
+         {"unplane", text::kHelpGeoUnplane,
+          [](CLI::App& parser, GeoOptions& options) {
+              AddTyped(parser, {{"X", options.first, text::kOptPlaneX},
+                                {"Y", options.second, text::kOptPlaneY}});
+              AddZone(parser, options)->required();
+              AddForms(parser, options, true);
+          },
+          FromPlane},
+         {"tokyo", text::kHelpGeoTokyo,
+          [](CLI::App& parser, GeoOptions& options) {
+              AddPlaceOptions(parser, options, true);
+              AddWord(parser, "--to", options.to, {"jgd", "tokyo"}, "DATUM", text::kOptDatum)
+                  ->required();
+              AddPacked(parser, options);
+          },
+          ChangeDatum},
+         {"angle", text::kHelpGeoAngle,
+          [](CLI::App& parser, GeoOptions& options) {
+              AddTyped(parser, {{"ANGLE", options.first, text::kOptAngle}});
+              AddPacked(parser, options);
+          },
+          ShowAngle}});
 }
 
 } // namespace fieldcore::cli

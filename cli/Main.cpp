@@ -1,5 +1,5 @@
 #include "cli/CommandLine.h"
-#include "cli/ExitCode.h"
+#include "cli/Failure.h"
 #include "cli/World.h"
 
 #include <cstdio>

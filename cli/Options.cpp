@@ -1,14 +1,15 @@
 #include "cli/Options.h"
 
 #include "cli/Command.h"
-#include "cli/Wording.h"
 
-#include "core/resources/StringTable.h"
+#include "core/planning/PlanPeriod.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
+#include <string_view>
 
 namespace fieldcore::cli {
 
@@ -19,6 +20,26 @@ std::string Shortest(double number)
     std::array<char, 40> text{};
     std::snprintf(text.data(), text.size(), std::abs(number) < 1e9 ? "%.10g" : "%g", number);
     return text.data();
+}
+
+/// A day written 2026-11-21.
+std::optional<std::chrono::sys_days> ParseDay(std::string_view text)
+{
+    constexpr std::string_view kForm = "2026-11-21";
+    int year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    const auto read = [text](std::size_t at, std::size_t length, auto& number) {
+        const char* const end = text.data() + at + length;
+        return text[at] != '-' && std::from_chars(text.data() + at, end, number).ptr == end;
+    };
+    if (text.size() != kForm.size() || text[4] != '-' || text[7] != '-' || !read(0, 4, year) ||
+        !read(5, 2, month) || !read(8, 2, day)) {
+        return std::nullopt;
+    }
+    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
+                                           std::chrono::day(day)};
+    return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
 }
 
 } // namespace
@@ -47,6 +68,24 @@ void AddConsent(CLI::App& app, bool& yes, int dryRunPurpose)
 {
     CLI::Option* const agreed = AddFlag(app, "--yes", yes, text::kOptYes);
     AddDryRun(app, dryRunPurpose, agreed);
+}
+
+std::optional<Failure> ReadDate(const std::string& text, int days, const World& world,
+                                std::chrono::sys_days& day)
+{
+    using namespace std::chrono_literals;
+    constexpr std::chrono::sys_days kFirst = 1980y / std::chrono::January / 7;
+    constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31;
+    const std::chrono::sys_days today = JapanDay(world.clock->Utc());
+    const std::optional<std::chrono::sys_days> first = text == "today" ? today
+                                                       : text == "tomorrow"
+                                                           ? today + std::chrono::days(1)
+                                                           : ParseDay(text);
+    if (!first || *first < kFirst || *first + std::chrono::days(days - 1) > kLast) {
+        return UsageFailure({text::kSayCannotBe, {"--date", text}}, text::kSayDateHint);
+    }
+    day = *first;
+    return std::nullopt;
 }
 
 } // namespace fieldcore::cli

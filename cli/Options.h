@@ -1,9 +1,10 @@
 #pragma once
 
-#include "cli/Wording.h"
+#include "cli/Failure.h"
+#include "cli/World.h"
 
-#include "core/resources/StringTable.h"
-
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -58,13 +59,19 @@ inline CLI::Option* AddWord(CLI::App& app, const char* name, std::string& value,
 }
 
 /// An option that is a text of any kind.
-template <typename Words>
-CLI::Option* AddText(CLI::App& app, const char* name, Words& value, const char* type, int purpose)
+template <typename Text>
+CLI::Option* AddText(CLI::App& app, const char* name, Text& value, const char* type, int purpose)
 {
     return app.add_option(name, value, Worded(purpose))->type_name(type);
 }
 
 /// --yes and --dry-run, which do not go together.
 void AddConsent(CLI::App& app, bool& yes, int dryRunPurpose);
+
+/// What stands behind --date: a day written 2026-11-21, today or tomorrow in Japan.
+/// @param days  so many from that day on must lie in 1980-01-07 to 2099-12-31
+/// @return what is wrong with it
+[[nodiscard]] std::optional<Failure> ReadDate(const std::string& text, int days, const World& world,
+                                              std::chrono::sys_days& day);
 
 } // namespace fieldcore::cli

@@ -1,10 +1,9 @@
 #include "cli/Output.h"
 
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
+#include "core/platform/Utf8.h"
 
-#include "core/resources/StringTable.h"
-
+#include <array>
+#include <cstddef>
 #include <ostream>
 #include <utility>
 
@@ -36,8 +35,8 @@ Json ToJson(const Report::Table& table)
     Json rows = Json::array();
     for (const auto& row : table.rows) {
         Json entry = Json::object();
-        for (std::size_t at = 0; at < table.columns.size(); ++at) {
-            entry[table.columns[at].key] = ToJson(row[at]);
+        for (const Report::Cell& cell : row) {
+            entry[cell.key] = ToJson(cell.value);
         }
         rows.push_back(std::move(entry));
     }
@@ -74,21 +73,6 @@ Json ToJson(const Failure& failure)
             {"hint", text(failure.hint)},
             {"step", text(failure.step)},
             {"detail", text(failure.detail)}};
-}
-
-const char* Escape(Colour colour)
-{
-    switch (colour) {
-    case Colour::Plain:
-        break;
-    case Colour::Green:
-        return "\x1b[32m";
-    case Colour::Yellow:
-        return "\x1b[33m";
-    case Colour::Red:
-        return "\x1b[31m";
-    }
-    return "";
 }
 
 /// Messages of the library have several lines; each is made printable by itself.
@@ -153,7 +137,7 @@ ExitCode Output::Failed(const Failure& failure, const Report* partial)
     return failure.exit;
 }
 
-void Output::Note(std::string_view text)
+void Output::Note(const Wording& text)
 {
     Progress("");
     *m_world.err << text << "\n" << std::flush;
@@ -186,11 +170,11 @@ void Output::TellPosted()
         posted.swap(m_posted);
     }
     for (const std::string& warning : posted) {
-        Message("warning", "", warning, Colour::Yellow);
+        Warn(warning);
     }
 }
 
-void Output::Progress(std::string_view text)
+void Output::Progress(const Wording& text)
 {
     if (!m_world.errIsTerminal || (text.empty() && !m_progressShown)) {
         return;
@@ -227,7 +211,10 @@ std::string Output::Paint(std::string_view text, Colour colour, bool terminal) c
 {
     const bool wanted = terminal && colour != Colour::Plain && !m_world.variable("NO_COLOR") &&
                         m_world.variable("TERM") != "dumb";
-    return wanted ? Escape(colour) + std::string(text) + "\x1b[0m" : std::string(text);
+    // In the order of Colour.
+    constexpr std::array kEscapes{"", "\x1b[32m", "\x1b[33m", "\x1b[31m"};
+    return wanted ? kEscapes[static_cast<std::size_t>(colour)] + std::string(text) + "\x1b[0m"
+                  : std::string(text);
 }
 
 } // namespace fieldcore::cli

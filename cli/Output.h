@@ -1,6 +1,5 @@
 #pragma once
 
-#include "cli/ExitCode.h"
 #include "cli/Failure.h"
 #include "cli/Report.h"
 #include "cli/World.h"
@@ -44,14 +43,20 @@ public:
     ExitCode Failed(const Failure& failure, const Report* partial = nullptr);
 
     /// A line on stderr for whoever looks on; not part of any result.
-    void Note(std::string_view text);
+    void Note(const Wording& text);
     /// A message of the library or a warning: shown on stderr, and part of the JSON document.
     void Message(std::string_view kind, std::string_view caption, std::string_view text,
                  Colour colour);
+    void Warn(const Wording& text) { Message("warning", "", text, Colour::Yellow); }
     /// A warning that is told with the next result, failure or message.
     void Post(std::string warning);
     /// A line on stderr that the next one replaces; only on a terminal. Empty: takes it away.
-    void Progress(std::string_view text);
+    void Progress(const Wording& text);
+    /// "[3/32] ..."
+    void ProgressOf(int number, int count, const Wording& text)
+    {
+        Progress("[" + std::to_string(number) + "/" + std::to_string(count) + "] " + text);
+    }
 
     /// @p text in a colour if stdout is a terminal that wants colours.
     [[nodiscard]] std::string Painted(std::string_view text, Colour colour) const;

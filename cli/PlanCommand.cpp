@@ -1,10 +1,9 @@
+#include "cli/AlmanacReport.h"
 #include "cli/Command.h"
-#include "cli/Navigation.h"
 #include "cli/Options.h"
 #include "cli/PlanReport.h"
 #include "cli/PlanRequest.h"
 #include "cli/SiteSearch.h"
-#include "cli/Wording.h"
 
 #include "core/planning/AlmanacState.h"
 #include "core/planning/AlmanacStore.h"
@@ -14,7 +13,6 @@
 #include "core/planning/PlanWindows.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
 
@@ -23,8 +21,6 @@
 #include <cmath>
 #include <functional>
 #include <map>
-#include <memory>
-#include <ostream>
 
 namespace fieldcore::cli {
 
@@ -33,7 +29,7 @@ namespace {
 struct Options
 {
     PlanOptions plan;
-    std::string kind; ///< empty: the overview
+    std::optional<PlanGraph> kind; ///< nothing: the overview
     bool csv = false;
     // Of a good window; what is not given is what the settings have.
     std::optional<int> minSatellites;
@@ -41,41 +37,6 @@ struct Options
     std::string minLength;
     int top = 3; ///< best days of a search
 };
-
-const std::map<std::string, PlanGraph>& Kinds()
-{
-    static const std::map<std::string, PlanGraph> kinds{
-        {"count", PlanGraph::Count}, {"pdop", PlanGraph::Pdop},      {"gdop", PlanGraph::Gdop},
-        {"tdop", PlanGraph::Tdop},   {"tracks", PlanGraph::SkyPlot},
-    };
-    return kinds;
-}
-
-std::optional<PlanGraph> GraphOf(const std::string& kind)
-{
-    const auto found = Kinds().find(kind);
-    return found == Kinds().end() ? std::nullopt : std::optional(found->second);
-}
-
-void WarnOfAge(Output& output, const ObservationPlan& plan)
-{
-    const AlmanacState state = StateOfAlmanac(plan);
-    if (!state.isOld) {
-        return;
-    }
-    output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
-                   ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
-    output.Note(Worded(text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}));
-}
-
-void WarnOfSource(Output& output, const ObservationPlan& plan)
-{
-    const AlmanacSource& source = plan.Calc().Source();
-    if (source.origin == AlmanacOrigin::Nominal) {
-        output.Message("warning", "", Worded(text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}),
-                       Colour::Yellow);
-    }
-}
 
 /// Reads what the plans that @p options ask for are made of.
 /// @param wholeDay  the period if none is given
@@ -85,21 +46,22 @@ std::optional<Failure> Prepare(const Context& context, const PlanOptions& option
 {
     SettingsRoots roots{Folders(context.world.folders)};
     const PlanSettings settings = LoadPlanSettings(HostReg(roots));
-    if (std::optional<Failure> failure =
-            Resolve(options, context.world, settings, wholeDay, request)) {
+    if (auto failure = Resolve(options, context.world, settings, wholeDay, request)) {
         return failure;
     }
     const bool isPut = options.almanac.empty() &&
                        AlmanacStore(request.folder).PutNominal(context.world.clock->Utc());
     if (isPut) {
-        context.output.Message("warning", "", Worded(text::kSayAlmanacPut), Colour::Yellow);
-        context.output.Note(Worded(text::kSayGetAlmanac));
+        context.output.Warn(text::kSayAlmanacPut);
+        context.output.Note(text::kSayGetAlmanac);
     }
-    if (std::optional<Failure> failure = LoadSky(options, request, plan)) {
+    if (auto failure = LoadSky(options, request, plan)) {
         return failure;
     }
-    if (!isPut && plan.UsesAlmanac()) { // else it has been told, or does not matter
-        WarnOfSource(context.output, plan);
+    const AlmanacSource& source = plan.Calc().Source();
+    // Else it has been told, or does not matter.
+    if (!isPut && plan.UsesAlmanac() && source.origin == AlmanacOrigin::Nominal) {
+        context.output.Warn({text::kSayMadeUpAlmanac, {ToUtf8(SourceText(source))}});
     }
     return std::nullopt;
 }
@@ -112,9 +74,13 @@ bool WarnOfOld(Output& output, const ObservationPlan& plan)
         WarnOfSystems(output, plan);
         return true;
     }
-    const bool isOld = StateOfAlmanac(plan).isOld;
-    WarnOfAge(output, plan);
-    return isOld;
+    const AlmanacState state = StateOfAlmanac(plan);
+    if (state.isOld) {
+        output.Message("warning", ToUtf8(Text(text::kAlmanacOldCaption)),
+                       ToUtf8(Text(text::kAlmanacOld)), Colour::Yellow);
+        output.Note({text::kSayAlmanacAge, {Value::Real(state.ageDays, 1).Words()}});
+    }
+    return state.isOld;
 }
 
 /// Makes each of the plans that @p options ask for and hands it on. As for Prepare().
@@ -123,7 +89,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
             const std::function<void(const ObservationPlan&, const NamedSite&)>& use)
 {
     ObservationPlan plan;
-    if (std::optional<Failure> failure = Prepare(context, options, wholeDay, request, plan)) {
+    if (auto failure = Prepare(context, options, wholeDay, request, plan)) {
         return failure;
     }
     bool warned = false;
@@ -133,7 +99,7 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
             if (context.world.StopRequested() || !*context.world.out) {
                 return RequestFailure(CommandFault::Cancelled, "");
             }
-            plan.Period() = {date, request.startHour, request.hours};
+            plan.Period() = {date, request.settings.startHour, request.settings.hours};
             warned = warned || WarnOfOld(context.output, plan);
             plan.Compute();
             use(plan, site);
@@ -142,18 +108,18 @@ ForEachPlan(const Context& context, const PlanOptions& options, bool wholeDay, P
     return std::nullopt;
 }
 
-ExitCode Plan(const Context& context, const Options& options)
+Ending Plan(const Context& context, const Options& options)
 {
     if (options.csv && context.output.IsJson()) {
-        return context.output.Failed(UsageFailure(Worded(text::kSayCsvOrJson)));
+        return UsageFailure(text::kSayCsvOrJson);
     }
-    const std::optional<PlanGraph> graph = GraphOf(options.kind);
+    const std::optional<PlanGraph> graph = options.kind;
     const PlanGraph csvGraph = graph.value_or(PlanGraph::Count);
     PlanRequest request;
     Report report;
     const bool isGpsAlone = ParseSystems(options.plan.systems) == SystemSetOf(GnssSystem::Gps);
     std::string words = options.csv ? PlanCsvHeader(csvGraph, isGpsAlone) : "";
-    const std::optional<Failure> failure =
+    const auto failure =
         ForEachPlan(context, options.plan, false, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
                         if (options.csv) {
@@ -206,61 +172,61 @@ std::optional<Failure> Search(const Context& context, const Options& options, st
                               Searched& result)
 {
     if (options.csv && context.output.IsJson()) {
-        return UsageFailure(Worded(text::kSayCsvOrJson));
+        return UsageFailure(text::kSayCsvOrJson);
     }
     PlanRequest& request = result.request;
-    if (std::optional<Failure> failure =
-            Prepare(context, options.plan, true, request, result.plan)) {
+    if (auto failure = Prepare(context, options.plan, true, request, result.plan)) {
         return failure;
     }
     if (request.sites.size() < fewest) {
-        return UsageFailure(Worded(text::kSayNeedsSites), Worded(text::kSayNeedsSitesHint));
+        return UsageFailure(text::kSayNeedsSites, text::kSayNeedsSitesHint);
     }
-    result.plan.Period() = {request.dates.front(), request.startHour, request.hours};
+    result.plan.Period() = {request.dates.front(), request.settings.startHour,
+                            request.settings.hours};
     WarnOfOld(context.output, result.plan);
     result.limits = LimitsOf(options, request.settings);
     return RunSearch(context, options.plan, request, result.plan, result.search);
 }
 
 /// The table of good windows, or that there is none.
-ExitCode TellWindows(const Context& context, Report::Table table, const WindowLimits& limits,
-                     const std::string& csv)
+Ending TellWindows(const Context& context, Report::Table table, const WindowLimits& limits,
+                   const std::string& csv)
 {
     const bool isNone = table.rows.empty();
-    Report report;
-    report.AddTable(std::move(table));
+    const Report report(std::move(table));
     if (!isNone) {
         return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
     }
     return context.output.Failed({ExitCode::Failed, "no-window",
                                   Worded(text::kSayNoWindow, {LimitWords(limits)}),
-                                  Worded(text::kSayNoWindowHint)},
+                                  text::kSayNoWindowHint},
                                  context.output.IsJson() ? &report : nullptr);
 }
 
-ExitCode BestOfSites(const Context& context, const Options& options)
+Ending BestOfSites(const Context& context, const Options& options)
 {
     Searched of;
-    if (const std::optional<Failure> failure = Search(context, options, 1, of)) {
-        return context.output.Failed(*failure);
+    if (const auto failure = Search(context, options, 1, of)) {
+        return *failure;
     }
     Report::Table table = BestTable(*of.search, of.limits, options.top);
     if (!table.rows.empty()) {
         WarnOfSitesWithout(context.output, *of.search, table);
     }
-    const std::string csv = options.csv ? TableCsv(table, CsvSource(of.plan)) : "";
+    const std::string csv =
+        options.csv && !table.rows.empty() ? TableCsv(table, CsvSource(of.plan)) : "";
     return TellWindows(context, std::move(table), of.limits, csv);
 }
 
-ExitCode Best(const Context& context, const Options& options)
+Ending Best(const Context& context, const Options& options)
 {
     if (!options.plan.siteList.empty()) {
         return BestOfSites(context, options);
     }
-    Report::Table table{"windows", "", WindowColumns(), {}};
+    Report::Table table{"windows"};
     PlanRequest request;
     WindowLimits limits;
-    const std::optional<Failure> failure =
+    const auto failure =
         ForEachPlan(context, options.plan, true, request,
                     [&](const ObservationPlan& plan, const NamedSite& site) {
                         limits = LimitsOf(options, request.settings);
@@ -269,48 +235,41 @@ ExitCode Best(const Context& context, const Options& options)
                         }
                     });
     if (failure) {
-        return context.output.Failed(*failure);
+        return *failure;
     }
     return TellWindows(context, std::move(table), limits, "");
 }
 
-ExitCode Session(const Context& context, const Options& options)
+Ending Session(const Context& context, const Options& options)
 {
     Searched of;
-    if (const std::optional<Failure> failure = Search(context, options, 2, of)) {
-        return context.output.Failed(*failure);
+    if (const auto failure = Search(context, options, 2, of)) {
+        return *failure;
     }
-    Report report;
-    report.AddTable(SessionTable(*of.search, of.limits));
+    Report::Table samples = SessionSamples(*of.search);
+    const std::string csv = options.csv ? TableCsv(samples, CsvSource(of.plan)) : "";
+    Report report(SessionTable(*of.search, of.limits));
     report.AddTable(BestTable(*of.search, of.limits, options.top));
-    report.AddTable(SessionSamples(*of.search));
-    return options.csv ? context.output.Done(
-                             report, TableCsv(SessionSamples(*of.search), CsvSource(of.plan)))
-                       : context.output.Done(report);
+    report.AddTable(std::move(samples));
+    return csv.empty() ? context.output.Done(report) : context.output.Done(report, csv);
 }
 
-ExitCode Sites(const Context& context)
+Ending Sites(const Context& context, const Options& /*options*/)
 {
-    Report::Table table{"sites",
-                        "",
-                        {{"name", text::kHeadSite},
-                         {"latitudeDeg", text::kHeadLatitude},
-                         {"longitudeDeg", text::kHeadLongitude},
-                         {"heightM", text::kHeadHeight},
-                         {"source", text::kHeadFrom}},
-                        {}};
+    Report::Table table{"sites"};
     for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
-        table.rows.push_back({Value::Text(std::wstring_view(site.name)),
-                              Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg"),
-                              Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg"),
-                              Value::Real(site.observer.heightM, 1, "m"),
-                              site.isSample
-                                  ? Value::Word("sample", Worded(text::kWordComesWithTheProgram))
-                                  : Value::Word("file", Worded(text::kWordYourSiteFile))});
+        table.rows.push_back(
+            {{"name", text::kHeadSite, Value::Text(std::wstring_view(site.name))},
+             {"latitudeDeg", text::kHeadLatitude,
+              Value::Real(DegreesOf(site.observer.latitudeRad), 5, "deg")},
+             {"longitudeDeg", text::kHeadLongitude,
+              Value::Real(DegreesOf(site.observer.longitudeRad), 5, "deg")},
+             {"heightM", text::kHeadHeight, Value::Real(site.observer.heightM, 1, "m")},
+             {"source", text::kHeadFrom,
+              site.isSample ? Term("sample", text::kWordComesWithTheProgram)
+                            : Term("file", text::kWordYourSiteFile)}});
     }
-    Report report;
-    report.AddTable(std::move(table));
-    return context.output.Done(report);
+    return context.output.Done(Report(std::move(table)));
 }
 
 void AddBestOptions(CLI::App& best, Options& options)
@@ -335,27 +294,25 @@ void AddBestOptions(CLI::App& best, Options& options)
 
 Command AddPlanCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<Options>();
-    std::vector<std::string> kinds;
-    for (const auto& kind : Kinds()) {
-        kinds.push_back(kind.first);
-    }
-    return AddCommands(program,
-                       {"plan", text::kHelpPlan,
-                        [=](CLI::App& parser) {
-                            options->plan.AddTo(parser);
-                            AddWord(parser, "--kind", options->kind, kinds, "KIND", text::kOptKind);
-                            AddFlag(parser, "--csv", options->csv, text::kOptCsv);
-                            parser.option_defaults()->group("Options");
-                        },
-                        [options](const Context& context) { return Plan(context, *options); }},
-                       {{"best", text::kHelpPlanBest,
-                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-                         [options](const Context& context) { return Best(context, *options); }},
-                        {"session", text::kHelpPlanSession,
-                         [options](CLI::App& parser) { AddBestOptions(parser, *options); },
-                         [options](const Context& context) { return Session(context, *options); }},
-                        {"sites", text::kHelpPlanSites, {}, Sites}});
+    return AddCommand<Options>(program,
+                               {"plan", text::kHelpPlan,
+                                [](CLI::App& parser, Options& options) {
+                                    const std::map<std::string, PlanGraph> kinds{
+                                        {"count", PlanGraph::Count},
+                                        {"pdop", PlanGraph::Pdop},
+                                        {"gdop", PlanGraph::Gdop},
+                                        {"tdop", PlanGraph::Tdop},
+                                        {"tracks", PlanGraph::SkyPlot}};
+                                    options.plan.AddTo(parser);
+                                    AddText(parser, "--kind", options.kind, "KIND", text::kOptKind)
+                                        ->transform(CLI::CheckedTransformer(kinds).description(""));
+                                    AddFlag(parser, "--csv", options.csv, text::kOptCsv);
+                                    parser.option_defaults()->group("Options");
+                                },
+                                Plan},
+                               {{"best", text::kHelpPlanBest, AddBestOptions, Best},
+                                {"session", text::kHelpPlanSession, AddBestOptions, Session},
+                                {"sites", text::kHelpPlanSites, nullptr, Sites}});
 }
 
 } // namespace fieldcore::cli

@@ -23,9 +23,8 @@ namespace fieldcore::cli {
 
 /// "5 satellites and a PDOP of 4.0 at most for 30 minutes"
 [[nodiscard]] std::string LimitWords(const WindowLimits& limits);
-/// A window's line in the table of good windows; its columns are WindowColumns().
-[[nodiscard]] std::vector<Value> WindowRow(const ObservationPlan& plan, const NamedSite& site,
-                                           const PlanWindow& window);
-[[nodiscard]] std::vector<Report::Column> WindowColumns();
+/// A window's line in the table of good windows.
+[[nodiscard]] std::vector<Report::Cell> WindowRow(const ObservationPlan& plan,
+                                                  const NamedSite& site, const PlanWindow& window);
 
 } // namespace fieldcore::cli

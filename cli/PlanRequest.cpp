@@ -1,8 +1,6 @@
 #include "cli/PlanRequest.h"
 
-#include "cli/DayText.h"
 #include "cli/Options.h"
-#include "cli/Wording.h"
 
 #include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacFile.h"
@@ -16,12 +14,10 @@
 #include "core/planning/SitesCsv.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <charconv>
 #include <limits>
-#include <string_view>
 #include <utility>
 
 namespace fieldcore::cli {
@@ -49,7 +45,7 @@ std::optional<Failure> UsePlace(const std::string& text, NamedSite& site)
     }
     const GeodeticPosition place{RadiansOf(numbers[0]), RadiansOf(numbers[1]), numbers[2]};
     if (count < 2 || at != end || !IsPlace(place)) {
-        return UsageFailure(Worded(text::kSayNotAPlace, {text}), Worded(text::kSayNotAPlaceHint));
+        return UsageFailure({text::kSayNotAPlace, {text}}, text::kSayNotAPlaceHint);
     }
     site = {FromUtf8(text), {place.latitudeRad, place.longitudeRad, place.heightM}};
     return std::nullopt;
@@ -63,13 +59,12 @@ std::optional<Failure> CheckEntry(const std::filesystem::path& folder, const std
                                     : !entry.longitudeRad ? "LON"
                                                           : "HGT";
         return FileFailure(
-            Worded(text::kSaySiteLacks, {ToUtf8(name), missing, SitesPath(folder).string()}),
-            Worded(text::kSaySiteLacksHint));
+            {text::kSaySiteLacks, {ToUtf8(name), missing, SitesPath(folder).string()}},
+            text::kSaySiteLacksHint);
     }
     if (!IsPlace({*entry.latitudeRad, *entry.longitudeRad, *entry.heightM})) {
-        return FileFailure(
-            Worded(text::kSaySiteNowhere, {ToUtf8(name), SitesPath(folder).string()}),
-            Worded(text::kSaySiteNowhereHint));
+        return FileFailure({text::kSaySiteNowhere, {ToUtf8(name), SitesPath(folder).string()}},
+                           text::kSaySiteNowhereHint);
     }
     return std::nullopt;
 }
@@ -90,16 +85,14 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
         }
     }
     if (found.empty()) {
-        return UsageFailure(Worded(text::kSayNoSite, {name}), Worded(text::kSaySitesHint));
+        return UsageFailure({text::kSayNoSite, {name}}, text::kSaySitesHint);
     }
     if (found.size() > 1) {
-        std::string names;
+        std::vector<std::string> names;
         for (const NamedSite* candidate : found) {
-            names += names.empty() ? "" : ", ";
-            names += ToUtf8(candidate->name);
+            names.push_back(ToUtf8(candidate->name));
         }
-        return UsageFailure(Worded(text::kSaySeveralSites, {name, names}),
-                            Worded(text::kSaySitesHint));
+        return UsageFailure({text::kSaySeveralSites, {name, Joined(names)}}, text::kSaySitesHint);
     }
     site = *found.front();
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
@@ -112,7 +105,7 @@ std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& r
     }
     SitesCsv list = LoadSitesCsv(file);
     if (list.error) {
-        return TextFailure(file, *list.error, Worded(text::kSaySiteListHint));
+        return TextFailure(file, *list.error, text::kSaySiteListHint);
     }
     for (ListedSite& site : list.sites) {
         request.sites.push_back({std::move(site.name), site.observer});
@@ -120,30 +113,20 @@ std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& r
     return std::nullopt;
 }
 
-std::optional<Failure> ResolveDates(const PlanOptions& options, const World& world,
-                                    PlanRequest& request)
-{
-    std::chrono::sys_days first;
-    std::optional<Failure> failure = ReadDate(options.date, options.days, world, first);
-    for (int day = 0; !failure && day < options.days; ++day) {
-        request.dates.emplace_back(first + std::chrono::days(day));
-    }
-    return failure;
-}
-
-void ResolvePeriod(const PlanOptions& options, const PlanSettings& settings, bool wholeDay,
-                   PlanRequest& request)
+/// Fits the period into the day.
+/// @param settings  in which it is put
+void ResolvePeriod(const PlanOptions& options, bool wholeDay, PlanSettings& settings)
 {
     constexpr int kDayH = 24;
-    const bool anyGiven = options.from || options.hours;
-    if (wholeDay && !anyGiven) {
-        request.startHour = 0;
-        request.hours = kDayH;
+    if (wholeDay && !options.from && !options.hours) {
+        settings.startHour = 0;
+        settings.hours = kDayH;
         return;
     }
-    request.hours = options.hours.value_or(settings.hours);
+    settings.hours = options.hours.value_or(settings.hours);
     // Where no start is asked for, the usual one counts unless the day is too short for it.
-    request.startHour = options.from.value_or(std::min(settings.startHour, kDayH - request.hours));
+    settings.startHour =
+        options.from.value_or(std::min(settings.startHour, kDayH - settings.hours));
 }
 
 } // namespace
@@ -195,55 +178,53 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
                                const PlanSettings& settings, bool wholeDay, PlanRequest& request)
 {
     request.folder = Folders(world.folders).Program();
-    request.almanac = options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
-    request.maskDeg = options.maskDeg.value_or(settings.elMaskDeg);
+    request.settings = settings;
+    request.settings.elMaskDeg = options.maskDeg.value_or(settings.elMaskDeg);
     std::vector<std::string> names = options.sites;
     if (names.empty() && options.places.empty() && options.siteList.empty()) {
         names.push_back(ToUtf8(settings.position));
     }
     const std::optional<SystemSet> systems = ParseSystems(options.systems);
     if (!systems) {
-        return UsageFailure(Worded(text::kSayNoSystems, {options.systems}),
-                            Worded(text::kSaySystemLetters));
+        return UsageFailure({text::kSayNoSystems, {options.systems}}, text::kSaySystemLetters);
     }
     request.systems = *systems;
     const std::vector<NamedSite> known = KnownSites(request.folder);
     for (const std::string& name : names) {
         NamedSite& site = request.sites.emplace_back();
-        if (std::optional<Failure> failure = UseSite(name, known, request.folder, site)) {
+        if (auto failure = UseSite(name, known, request.folder, site)) {
             return failure;
         }
     }
     for (const std::string& place : options.places) {
-        if (std::optional<Failure> failure = UsePlace(place, request.sites.emplace_back())) {
+        if (auto failure = UsePlace(place, request.sites.emplace_back())) {
             return failure;
         }
     }
-    if (std::optional<Failure> failure = UseList(options.siteList, request)) {
+    if (auto failure = UseList(options.siteList, request)) {
         return failure;
     }
-    if (std::optional<Failure> failure = ResolveDates(options, world, request)) {
-        return failure;
+    ResolvePeriod(options, wholeDay, request.settings);
+    std::chrono::sys_days first;
+    std::optional<Failure> failure = ReadDate(options.date, options.days, world, first);
+    for (int day = 0; !failure && day < options.days; ++day) {
+        request.dates.emplace_back(first + std::chrono::days(day));
     }
-    ResolvePeriod(options, settings, wholeDay, request);
-    request.settings = settings;
-    request.settings.elMaskDeg = request.maskDeg;
-    request.settings.startHour = request.startHour;
-    request.settings.hours = request.hours;
-    return std::nullopt;
+    return failure;
 }
 
 std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& request,
                                ObservationPlan& plan)
 {
-    if (!plan.Calc().LoadAlmanac(request.almanac)) {
-        return FileFailure(Worded(text::kSayNoAlmanac, {request.almanac.string()}),
-                           Worded(text::kSayWaysToAlmanac));
+    const std::filesystem::path almanac =
+        options.almanac.empty() ? AlmanacPath(request.folder) : options.almanac;
+    if (!plan.Calc().LoadAlmanac(almanac)) {
+        return FileFailure({text::kSayNoAlmanac, {almanac.string()}}, text::kSayWaysToAlmanac);
     }
     if (!options.curtain.empty()) {
         const CurtainText text = LoadCurtainText(options.curtain);
         if (text.error) {
-            return TextFailure(options.curtain, *text.error, Worded(text::kSayCurtainHint));
+            return TextFailure(options.curtain, *text.error, text::kSayCurtainHint);
         }
         plan.Calc().SetCurtain(text.curtain);
     } else if (!options.noCurtain) {
@@ -254,8 +235,7 @@ std::optional<Failure> LoadSky(const PlanOptions& options, const PlanRequest& re
     if (!plan.IsGpsAlone()) {
         KeptNavigation kept = LoadConstellations(request.folder);
         if (kept.error) {
-            return FileFailure(
-                Worded(text::kSayMessagesDamaged, {Translated(kept.error->message)}));
+            return FileFailure({text::kSayMessagesDamaged, {Translated(kept.error->message)}});
         }
         plan.SetConstellations(std::move(kept.constellations));
     }

@@ -57,13 +57,9 @@ struct PlanRequest
 {
     std::vector<NamedSite> sites;
     std::vector<std::chrono::year_month_day> dates;
-    int startHour = 0;
-    int hours = 0;
-    int maskDeg = 0;
     SystemSet systems;
-    PlanSettings settings;         ///< what is given above in place of the user's
-    std::filesystem::path folder;  ///< the program's
-    std::filesystem::path almanac; ///< file
+    PlanSettings settings;        ///< the user's, with what was asked for in their place
+    std::filesystem::path folder; ///< the program's
 };
 
 /// Reads the options: finds the sites, counts the days, and fits the period into the day.

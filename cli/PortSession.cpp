@@ -1,48 +1,45 @@
 #include "cli/PortSession.h"
 
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
+#include "cli/Options.h"
 
 #include "core/equipment/LinkSearch.h"
 #include "core/link/ComPrmSet.h"
 #include "core/link/FrameLog.h"
 #include "core/link/PortOutput.h"
 #include "core/platform/PortList.h"
-#include "core/resources/StringTable.h"
+#include "core/platform/Utf8.h"
 #include "core/settings/StoredPorts.h"
 
+#include <chrono>
+#include <cmath>
+#include <map>
+#include <set>
 #include <utility>
 
 namespace fieldcore::cli {
 
 namespace {
 
-/// Shows the steps of connecting as they come.
-class StepPrinter final : public ConnectObserver
+/// The port talks by itself: NMEA or corrections come where an answer should.
+Failure SendingFailure(std::string detail)
+{
+    return {ExitCode::Failed, "port-sending", text::kSayPortSending, text::kSayPortSendingHint, "",
+            std::move(detail)};
+}
+
+/// Shows the steps of connecting, or the rates of a search, as they come.
+class ProgressPrinter final : public ConnectObserver, public RateObserver
 {
 public:
-    explicit StepPrinter(Output& output) : m_output(output) {}
+    explicit ProgressPrinter(Output& output) : m_output(output) {}
 
     void OnStep(ConnectStep step, int done, int total) override
     {
-        m_output.Progress("[" + std::to_string(done + 1) + "/" + std::to_string(total) + "] " +
-                          ToUtf8(StepText(step)));
+        m_output.ProgressOf(done + 1, total, ToUtf8(StepText(step)));
     }
-
-private:
-    Output& m_output;
-};
-
-/// Shows the rates of a search as they are tried.
-class RatePrinter final : public RateObserver
-{
-public:
-    explicit RatePrinter(Output& output) : m_output(output) {}
-
     void OnRate(std::uint32_t rate, int done, int total) override
     {
-        m_output.Progress("[" + std::to_string(done + 1) + "/" + std::to_string(total) + "] " +
-                          std::to_string(rate) + " bit/s");
+        m_output.ProgressOf(done + 1, total, std::to_string(rate) + " bit/s");
     }
 
 private:
@@ -77,18 +74,72 @@ PortNames KnownPortNames(const World& world, Output& output)
     PortNames names(world.roots);
     SettingsRoots roots{RealFolders(world)};
     for (const std::wstring& setting : AssignStoredPorts(names, roots)) {
-        output.Message("warning", "",
-                       Worded(text::kSayPortSetting, {ToUtf8(setting), ToUtf8(kPortsKey)}),
-                       Colour::Yellow);
+        output.Warn({text::kSayPortSetting, {ToUtf8(setting), ToUtf8(kPortsKey)}});
     }
     for (const SettingsNotice& notice : roots.TakeNotices()) {
-        output.Message("warning", "", Translated(notice.Words()), Colour::Yellow);
+        output.Warn(Translated(notice.Words()));
     }
     return names;
 }
 
-PortSession::PortSession(const World& world, Output& output, Host& host, const PortOptions& options)
-    : m_world(world), m_output(output), m_host(host), m_options(options), m_names(world.roots)
+PortSettings PortOptions::Settings(const PortSettings& stored) const
+{
+    PortSettings settings = stored;
+    settings.baudRate = baudRate.value_or(stored.baudRate);
+    settings.byteSize = static_cast<std::uint8_t>(dataBits.value_or(stored.byteSize));
+    settings.parity = static_cast<std::uint8_t>(parity.value_or(stored.parity));
+    if (stopBits) {
+        settings.stopBits = *stopBits == 2 ? 2 : 0;
+    }
+    settings.flowControl = flow.value_or(stored.flowControl);
+    settings.replyTimeout = std::chrono::milliseconds(std::lround(timeoutS * 1000.0));
+    return settings;
+}
+
+void PortOptions::AddTo(CLI::App& command)
+{
+    const std::set<std::uint32_t> rates{1200,  2400,  4800,   9600,  19200,
+                                        38400, 57600, 115200, 230400};
+    const std::map<std::string, FlowControl> flows{{"none", FlowControl::None},
+                                                   {"xonxoff", FlowControl::Software},
+                                                   {"rtscts", FlowControl::RtsCts},
+                                                   {"dsrdtr", FlowControl::DsrDtr}};
+    const std::map<std::string, int> parities{{"none", 0}, {"odd", 1}, {"even", 2}};
+
+    command.option_defaults()->group(kPortGroup);
+    // What there is to choose from is told by the texts; the parser's own description of it is hard
+    // to read.
+    const auto add = [&command](const char* name, auto& value, const char* type, int purpose,
+                                CLI::Validator choices) {
+        command.add_option(name, value, Worded(purpose))
+            ->transform(choices.description(""))
+            ->type_name(type);
+    };
+    AddText(command, "-p,--port", port, "PORT", text::kOptPort);
+    add("--baud", baudRate, "RATE", text::kOptBaud, CLI::IsMember(rates));
+    add("--bits", dataBits, "N", text::kOptBits, CLI::IsMember(std::set<int>{7, 8}));
+    add("--parity", parity, "PARITY", text::kOptParity,
+        CLI::CheckedTransformer(parities, CLI::ignore_case));
+    add("--stop-bits", stopBits, "N", text::kOptStopBits, CLI::IsMember(std::set<int>{1, 2}));
+    add("--flow", flow, "FLOW", text::kOptFlow, CLI::CheckedTransformer(flows, CLI::ignore_case));
+    AddSessionTo(command);
+}
+
+void PortOptions::AddSessionTo(CLI::App& command)
+{
+    command.option_defaults()->group(kPortGroup);
+    AddNumber(command, "--timeout", timeoutS, {0.05, 600.0, "s", "2"}, "SECONDS",
+              text::kOptTimeout);
+    AddText(command, "--log", log, "FILE", text::kOptLog);
+    AddNumber(command, "--speed", speed,
+              {FastClock::kLowestSpeed, FastClock::kHighestSpeed, Worded(text::kUnitTimes), "1"},
+              "N", text::kOptSpeed);
+    command.option_defaults()->group("Options");
+}
+
+PortSession::PortSession(const Context& context, const PortOptions& options, bool hasAgreed)
+    : m_world(context.world), m_output(context.output), m_host(context, hasAgreed),
+      m_options(options), m_names(context.world.roots)
 {}
 
 PortSession::~PortSession() = default;
@@ -100,12 +151,15 @@ const Clock& PortSession::GetClock() const
 
 std::optional<Failure> PortSession::Prepare()
 {
-    if (std::optional<Failure> failure = FindPort()) {
+    if (auto failure = FindPort()) {
         return failure;
     }
     m_target.settings = m_options.Settings(m_target.settings);
-    if (std::optional<Failure> failure = OpenLog()) {
-        return failure;
+    if (!m_options.log.empty()) {
+        if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
+            return FileFailure({text::kSayNotWritten, {m_options.log.string(), Reason(error)}},
+                               text::kSayLogHint);
+        }
     }
     m_command =
         std::make_unique<CCommand>(CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
@@ -123,7 +177,11 @@ std::optional<Failure> PortSession::FindPort()
     SettingsRoots roots{RealFolders(m_world)};
     const std::string named = NamedPort(m_world, m_options.port);
     if (named.empty() && !StoredPort(roots)) {
-        return NoPortNamed();
+        std::string hint;
+        for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
+            hint += "--port " + port.path + "  " + Translated(port.description) + "\n         ";
+        }
+        return UsageFailure(text::kSayNoPort, hint + Worded(text::kSaySimPort));
     }
     const FoundTarget found = FindTarget(roots, named, m_world.roots);
     if (found.scenario) {
@@ -133,24 +191,15 @@ std::optional<Failure> PortSession::FindPort()
         const std::string detail = Translated(found.detail);
         return named.empty() ? Failure{ExitCode::NoPort, "port-unusable",
                                        Worded(text::kSayPortOfSettings, {detail}),
-                                       Worded(text::kSayPortOfSettingsHint)}
+                                       text::kSayPortOfSettingsHint}
                              : UsageFailure(detail, "fieldcore-cli ports");
     }
     m_names = KnownPortNames(m_world, m_output);
     if (m_options.speed != 1.0) {
-        return UsageFailure(Worded(text::kSayOnlySimFast), Worded(text::kSayOnlySimFastHint));
+        return UsageFailure(text::kSayOnlySimFast, text::kSayOnlySimFastHint);
     }
     m_target = *found.target;
     return std::nullopt;
-}
-
-Failure PortSession::NoPortNamed() const
-{
-    std::string hint;
-    for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
-        hint += "--port " + port.path + "  " + Translated(port.description) + "\n         ";
-    }
-    return UsageFailure(Worded(text::kSayNoPort), hint + Worded(text::kSaySimPort));
 }
 
 std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
@@ -172,18 +221,6 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
     return std::nullopt;
 }
 
-std::optional<Failure> PortSession::OpenLog()
-{
-    if (m_options.log.empty()) {
-        return std::nullopt;
-    }
-    if (const std::error_code error = m_log.Open(m_options.log, LogFile::Start::Append)) {
-        return FileFailure(Worded(text::kSayNotWritten, {m_options.log.string(), Reason(error)}),
-                           Worded(text::kSayLogHint));
-    }
-    return std::nullopt;
-}
-
 /// On the thread that sends, and on that which reads the port; never on both at once.
 void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
 {
@@ -198,9 +235,14 @@ void PortSession::Keep(Direction direction, std::span<const std::uint8_t> bytes)
 
 std::optional<Failure> PortSession::Open()
 {
-    if (std::optional<Failure> failure = Prepare()) {
+    if (auto failure = Prepare()) {
         return failure;
     }
+    return OpenFound();
+}
+
+std::optional<Failure> PortSession::OpenFound()
+{
     return OpenTarget(*m_command, m_target) == 1
                ? std::nullopt
                : std::optional(NotOpened(m_command->FaultDetail()));
@@ -214,11 +256,11 @@ Failure PortSession::NotOpened(std::string detail) const
 
 std::optional<Failure> PortSession::Connect()
 {
-    if (std::optional<Failure> failure = Prepare()) {
+    if (auto failure = Prepare()) {
         return failure;
     }
     ConnectSequence sequence(*m_command, m_target);
-    StepPrinter printer(m_output);
+    ProgressPrinter printer(m_output);
     if (sequence.Run(&printer) == 1) {
         m_output.Progress("");
         return std::nullopt;
@@ -237,17 +279,15 @@ std::optional<Failure> PortSession::Connect()
 
 std::optional<Failure> PortSession::Search()
 {
-    if (std::optional<Failure> failure = Prepare()) {
+    if (auto failure = Prepare()) {
         return failure;
     }
-    RatePrinter printer(m_output);
+    ProgressPrinter printer(m_output);
     const std::optional<std::uint32_t> rate = SearchRate(*m_command, m_target, &printer);
     m_output.Progress("");
     if (rate) {
         m_target.settings.baudRate = *rate;
-        return OpenTarget(*m_command, m_target) == 1
-                   ? std::nullopt
-                   : std::optional(NotOpened(m_command->FaultDetail()));
+        return OpenFound();
     }
     switch (m_command->Fault()) {
     case CommandFault::OpenFailed:
@@ -256,8 +296,8 @@ std::optional<Failure> PortSession::Search()
     case CommandFault::LinkLost:
         return RequestFailure(m_command->Fault(), m_command->FaultDetail());
     default:
-        return Failure{ExitCode::NoAnswer,           "no-answer", Worded(text::kSayNoRate),
-                       Worded(text::kSayNoRateHint), "",          m_command->FaultDetail()};
+        return Failure{ExitCode::NoAnswer,   "no-answer", text::kSayNoRate,
+                       text::kSayNoRateHint, "",          m_command->FaultDetail()};
     }
 }
 

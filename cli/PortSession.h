@@ -1,20 +1,19 @@
 #pragma once
 
-#include "cli/Failure.h"
-#include "cli/Output.h"
-#include "cli/PortOptions.h"
-#include "cli/World.h"
+#include "cli/TerminalHost.h"
 
-#include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectChoice.h"
 #include "core/link/ConnectSequence.h"
+#include "core/link/SerialLink.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/Folders.h"
 #include "core/platform/LogFile.h"
 #include "core/platform/PortNames.h"
 #include "simulator/Simulator.h"
 
+#include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
@@ -22,13 +21,38 @@
 
 namespace fieldcore::cli {
 
+/// Which port, and how it is run.
+struct PortOptions
+{
+    std::string port; ///< empty: $FIELDCORE_PORT, else the one of the settings
+    // The line; what is not given is as the settings have it.
+    std::optional<std::uint32_t> baudRate; ///< bit/s
+    std::optional<int> dataBits;
+    std::optional<int> parity; ///< 0 none, 1 odd, 2 even
+    std::optional<int> stopBits;
+    std::optional<FlowControl> flow;
+    double timeoutS = 2.0;     ///< how long an answer may take
+    std::filesystem::path log; ///< every frame is appended to it; empty: none
+    double speed = 1.0;        ///< of time, with the simulator
+
+    /// The same for the library.
+    /// @param stored  the line of the settings
+    [[nodiscard]] PortSettings Settings(const PortSettings& stored) const;
+
+    /// Gives a command the options of a port. This object must outlive the parsing.
+    void AddTo(CLI::App& command);
+    /// Only those that fit a simulated port as well as a real one: time-out, log and speed.
+    void AddSessionTo(CLI::App& command);
+};
+
 /// A port for the time of one command, with the receiver behind it: a real one, or a simulator
 /// that is started for this command and ends with it.
 class PortSession
 {
 public:
-    /// All four outlive the session.
-    PortSession(const World& world, Output& output, Host& host, const PortOptions& options);
+    /// Both outlive the session.
+    /// @param hasAgreed  as of TerminalHost
+    PortSession(const Context& context, const PortOptions& options, bool hasAgreed = false);
     ~PortSession();
     PortSession(const PortSession&) = delete;
     PortSession& operator=(const PortSession&) = delete;
@@ -52,20 +76,20 @@ public:
     [[nodiscard]] Failure RequestFailed() const;
     /// Counts time for the receiver: with a simulator it may run fast.
     [[nodiscard]] const Clock& GetClock() const;
+    [[nodiscard]] TerminalHost& GetHost() { return m_host; }
     /// Null if the port is not simulated.
     [[nodiscard]] simulator::Simulator* GetSimulator() { return m_simulator.get(); }
 
 private:
     [[nodiscard]] std::optional<Failure> FindPort();
     [[nodiscard]] std::optional<Failure> StartSimulator(const std::string& scenario);
+    [[nodiscard]] std::optional<Failure> OpenFound();
     [[nodiscard]] Failure NotOpened(std::string detail) const;
-    [[nodiscard]] std::optional<Failure> OpenLog();
-    [[nodiscard]] Failure NoPortNamed() const;
     void Keep(Direction direction, std::span<const std::uint8_t> bytes);
 
     const World& m_world;
     Output& m_output;
-    Host& m_host;
+    TerminalHost m_host;
     const PortOptions& m_options;
     PortNames m_names;
     ConnectTarget m_target;

@@ -1,17 +1,22 @@
 #include "cli/Report.h"
 
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
-
-#include "core/resources/StringTable.h"
+#include "core/platform/Utf8.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 namespace fieldcore::cli {
 
 namespace {
+
+bool IsWide(char32_t code)
+{
+    return (code >= 0x1100 && code < 0x1160) || (code >= 0x2E80 && code < 0xA4D0) ||
+           (code >= 0xAC00 && code < 0xD7A4) || (code >= 0xF900 && code < 0xFB00) ||
+           (code >= 0xFF01 && code < 0xFF61) || (code >= 0xFFE0 && code < 0xFFE7);
+}
 
 /// What a person reads, in the language of the run.
 std::string WordsOf(const Value& value)
@@ -55,22 +60,19 @@ std::string TableWords(const Report::Table& table)
     if (table.rows.empty()) {
         return table.whenEmpty + "\n";
     }
-    std::vector<std::size_t> widths;
-    for (std::size_t at = 0; at < table.columns.size(); ++at) {
-        std::size_t width = DisplayWidth(table.columns[at].label);
+    std::vector<std::pair<std::string, std::size_t>> cells;
+    for (std::size_t at = 0; at < table.rows.front().size(); ++at) {
+        const std::string head = HeadOf(table.rows.front()[at]);
+        std::size_t width = DisplayWidth(head);
         for (const auto& row : table.rows) {
-            width = std::max(width, DisplayWidth(WordsOf(row[at])));
+            width = std::max(width, DisplayWidth(WordsOf(row[at].value)));
         }
-        widths.push_back(width + 2);
-    }
-    std::vector<std::pair<std::string, std::size_t>> cells(widths.size());
-    for (std::size_t at = 0; at < widths.size(); ++at) {
-        cells[at] = {table.columns[at].label, widths[at]};
+        cells.emplace_back(head, width + 2);
     }
     std::string text = TableLine(cells);
     for (const auto& row : table.rows) {
-        for (std::size_t at = 0; at < widths.size(); ++at) {
-            cells[at].first = WordsOf(row[at]);
+        for (std::size_t at = 0; at < cells.size(); ++at) {
+            cells[at].first = WordsOf(row[at].value);
         }
         text += TableLine(cells);
     }
@@ -91,19 +93,12 @@ std::string Indented(const std::string& text)
 
 } // namespace
 
-void Report::Add(std::string key, std::string label, Value value)
+void Report::Add(std::string key, Wording label, Value value)
 {
     m_items.emplace_back(Field{std::move(key), std::move(label), std::move(value)});
 }
 
-void Report::Add(std::string key, int label, Value value)
-{
-    Add(std::move(key), Worded(label), std::move(value));
-}
-
-Report::Column::Column(std::string k, int head) : Column(std::move(k), Worded(head)) {}
-
-Report& Report::AddSection(std::string key, std::string title)
+Report& Report::AddSection(std::string key, Wording title)
 {
     m_items.emplace_back(Section{std::move(key), std::move(title), std::make_unique<Report>()});
     return *std::get<Section>(m_items.back()).content;
@@ -111,11 +106,9 @@ Report& Report::AddSection(std::string key, std::string title)
 
 void Report::AddEntry(const std::string& key, Report entry)
 {
-    const auto found = std::find_if(m_items.begin(), m_items.end(), [&](const Item& item) {
-        const auto* const list = std::get_if<List>(&item);
-        return list != nullptr && list->key == key;
-    });
-    Item& item = found != m_items.end() ? *found : m_items.emplace_back(List{key, {}});
+    const auto* const last = m_items.empty() ? nullptr : std::get_if<List>(&m_items.back());
+    const bool goesOn = last != nullptr && last->key == key;
+    Item& item = goesOn ? m_items.back() : m_items.emplace_back(List{key, {}});
     std::get<List>(item).entries.push_back(std::make_unique<Report>(std::move(entry)));
 }
 
@@ -143,6 +136,22 @@ std::string Report::Words() const
         }
     }
     return text;
+}
+
+std::string HeadOf(const Report::Cell& cell)
+{
+    const auto* const id = std::get_if<int>(&cell.head);
+    return id != nullptr ? Worded(*id) : std::get<const char*>(cell.head);
+}
+
+std::size_t DisplayWidth(std::string_view utf8)
+{
+    std::size_t width = 0;
+    while (!utf8.empty()) {
+        const std::optional<char32_t> code = TakeUtf8Character(utf8);
+        width += code && IsWide(*code) ? 2U : 1U;
+    }
+    return width;
 }
 
 std::string TableLine(const std::vector<std::pair<std::string, std::size_t>>& textsAndWidths)

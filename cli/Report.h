@@ -1,7 +1,10 @@
 #pragma once
 
+#include "cli/Wording.h"
+
 #include "core/platform/Value.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -11,39 +14,35 @@
 
 namespace fieldcore::cli {
 
-/// What a command has to say: named values, sections and
-/// lists of them, and tables, in order. Text and
-/// JSON are both made from it, so that neither can know what the other does not.
+/// What a command has to say: named values, sections and lists of them, and tables, in order. Text
+/// and JSON are both made from it, so that neither can know what the other does not.
 class Report
 {
 public:
     struct Field
     {
         std::string key;
-        std::string label;
+        Wording label;
         Value value;
     };
     struct Section
     {
         std::string key;
-        std::string title;
+        Wording title;
         std::unique_ptr<Report> content;
     };
-    struct Column
+    /// What stands in a row, and in which column: the first row tells what the columns are.
+    struct Cell
     {
-        Column(std::string k, std::string words) : key(std::move(k)), label(std::move(words)) {}
-        /// @param head  the number of a text
-        Column(std::string k, int head);
-
-        std::string key;
-        std::string label;
+        const char* key;
+        std::variant<int, const char*> head; ///< the number of a text, or words
+        Value value;
     };
     struct Table
     {
         std::string key;
-        std::string whenEmpty; ///< a person reads this in place of a table without rows
-        std::vector<Column> columns;
-        std::vector<std::vector<Value>> rows; ///< each as long as the columns
+        Wording whenEmpty{}; ///< a person reads this in place of a table without rows
+        std::vector<std::vector<Cell>> rows{};
     };
     struct List
     {
@@ -52,12 +51,16 @@ public:
     };
     using Item = std::variant<Field, Section, Table, List>;
 
-    void Add(std::string key, std::string label, Value value);
-    /// @param label  the number of a text
-    void Add(std::string key, int label, Value value);
+    Report() = default;
+    /// One that has only a table.
+    explicit Report(Table table) { AddTable(std::move(table)); }
+
+    void Add(std::string key, Wording label, Value value);
+    /// A value that only programs read.
+    void Add(std::string key, Value value) { Add(std::move(key), "", std::move(value)); }
     /// @return the section, to be filled; it lives as long as the report
-    Report& AddSection(std::string key, std::string title);
-    /// Adds an entry to the list of that key, which begins with its first entry.
+    Report& AddSection(std::string key, Wording title = {});
+    /// Adds an entry to the list of that key; nothing else may be added between two of them.
     void AddEntry(const std::string& key, Report entry);
     void AddTable(Table table) { m_items.emplace_back(std::move(table)); }
 
@@ -68,6 +71,19 @@ public:
 private:
     std::vector<Item> m_items;
 };
+
+/// One of a few things that a value may be.
+/// @param code  what a program reads
+[[nodiscard]] inline Value Term(std::string code, Wording words)
+{
+    return Value::Word(std::move(code), std::move(words));
+}
+
+/// The head of the column that a cell stands in.
+[[nodiscard]] std::string HeadOf(const Report::Cell& cell);
+
+/// How many columns of a terminal @p utf8 takes; characters of Japanese text take two.
+[[nodiscard]] std::size_t DisplayWidth(std::string_view utf8);
 
 /// A line of a table whose lines come one by one: texts, each as wide as its column.
 [[nodiscard]] std::string

@@ -20,7 +20,7 @@ struct SettingsOptions
     bool whole = false;   ///< keys count from the root, instead of from the library's own key
     bool yes = false;
     std::string key;
-    std::string name;
+    std::optional<std::string> name;
     std::string value;
     std::string type; ///< empty: the one it has
     std::string file; ///< empty: stdout
@@ -42,13 +42,11 @@ public:
     [[nodiscard]] SettingsRead Read(const std::string& name);
     /// That key with all below it; nothing if it cannot be read.
     [[nodiscard]] std::optional<std::vector<SettingsKey>> Tree();
-    /// Why nothing can be read, if it cannot.
-    [[nodiscard]] std::optional<Failure> CannotRead() const;
-    /// What is stored could not be read; why not was said as a warning, if all of it cannot.
+    /// Whether any of it can be read; why not was said as a warning.
+    [[nodiscard]] bool CanRead() const { return m_canRead; }
+    /// What is stored could not be read.
     [[nodiscard]] Failure NotRead() const;
-    /// Why nothing can be written, if it cannot.
-    [[nodiscard]] std::optional<Failure> CannotWrite();
-    /// A write that the store refused.
+    /// Nothing can be written, or a write was refused.
     [[nodiscard]] Failure NotWritten() const;
 
 private:
@@ -61,6 +59,9 @@ private:
 /// "text", "number" or "binary".
 [[nodiscard]] std::string TypeName(const SettingsValue& value);
 
+/// A text as it is, also an empty one.
+[[nodiscard]] Value Plain(const std::wstring& text);
+
 /// A number for a program too; bytes as hexadecimal digits.
 [[nodiscard]] Value ShownSetting(const SettingsValue& value);
 
@@ -68,7 +69,7 @@ private:
 void AddKeys(Report& report, const std::vector<SettingsKey>& keys);
 
 // Saving settings as text and bringing them back.
-ExitCode ExportSettings(const Context& context, const SettingsOptions& options);
-ExitCode ImportSettings(const Context& context, const SettingsOptions& options);
+Ending ExportSettings(const Context& context, const SettingsOptions& options);
+Ending ImportSettings(const Context& context, const SettingsOptions& options);
 
 } // namespace fieldcore::cli

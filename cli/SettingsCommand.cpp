@@ -3,19 +3,12 @@
 #include "cli/PortSession.h"
 #include "cli/SettingsAccess.h"
 #include "cli/TerminalHost.h"
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
 
-#include "core/resources/StringTable.h"
+#include "core/platform/Utf8.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/StoredPorts.h"
 
 #include <algorithm>
-#include <memory>
-#include <set>
-#include <utility>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -25,11 +18,6 @@ namespace {
 std::string ShownName(const NamedSetting& setting)
 {
     return setting.name.empty() ? Worded(text::kWordNoName) : Printable(ToUtf8(setting.name));
-}
-
-std::string Tail(const std::wstring& path, std::size_t from)
-{
-    return ToUtf8(std::wstring_view(path).substr(from));
 }
 
 /// The keys as a tree, each two columns further in than the one it stands in.
@@ -44,7 +32,7 @@ std::string TreeWords(const std::vector<SettingsKey>& keys, const std::wstring& 
             isRoot ? 0 : 1 + std::count(below.begin(), below.end(), L'\\'));
         const std::size_t name = isRoot ? 0 : start + below.rfind(L'\\') + 1;
         const std::string indent(2 * depth, ' ');
-        words += indent + Printable(Tail(key.path, name)) + "\\\n";
+        words += indent + Printable(ToUtf8(key.path.substr(name))) + "\\\n";
         std::size_t width = 0;
         for (const NamedSetting& setting : key.values) {
             width = std::max(width, DisplayWidth(ShownName(setting)));
@@ -59,7 +47,7 @@ std::string TreeWords(const std::vector<SettingsKey>& keys, const std::wstring& 
 }
 
 /// What is not in the settings.
-Failure Missing(const SettingsAccess& access, const std::string& name)
+Failure Missing(const SettingsAccess& access, const std::string& name = {})
 {
     return {ExitCode::Failed, "setting-missing",
             Worded(name.empty() ? text::kSayKeyMissing : text::kSayValueMissing,
@@ -67,15 +55,15 @@ Failure Missing(const SettingsAccess& access, const std::string& name)
             "fieldcore-cli settings list"};
 }
 
-ExitCode List(const Context& context, const SettingsOptions& options)
+Ending List(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
     const std::optional<std::vector<SettingsKey>> keys = access.Tree();
     if (!keys) {
-        return context.output.Failed(access.NotRead());
+        return access.NotRead();
     }
     if (keys->empty() && !options.key.empty()) {
-        return context.output.Failed(Missing(access, ""));
+        return Missing(access);
     }
     Report report;
     access.AddPlace(report);
@@ -84,8 +72,7 @@ ExitCode List(const Context& context, const SettingsOptions& options)
                                                      : TreeWords(*keys, access.Key()));
 }
 
-ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std::string& name,
-                 const SettingsValue& value, bool onlyTheValue)
+Report ReportOf(const SettingsAccess& access, const std::string& name, const SettingsValue& value)
 {
     Report report;
     access.AddPlace(report);
@@ -93,26 +80,23 @@ ExitCode ShowOne(const Context& context, const SettingsAccess& access, const std
                Value::Word(name, name.empty() ? Worded(text::kWordNoName) : name));
     report.Add("type", text::kLabelType, Value::Text(TypeName(value)));
     report.Add("value", text::kLabelValue, ShownSetting(value));
-    if (onlyTheValue) {
-        const Value shown = ShownSetting(value);
-        const auto* text = std::get_if<std::string>(&shown.GetData());
-        return context.output.Done(report,
-                                   (text != nullptr ? Printable(*text) : shown.Words()) + "\n");
-    }
-    return Kept(context, report);
+    return report;
 }
 
-ExitCode Get(const Context& context, const SettingsOptions& options)
+Ending Get(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
-    const SettingsRead read = access.Read(options.name);
+    const SettingsRead read = access.Read(*options.name);
     if (read.state == SettingsReadState::Missing) {
-        return context.output.Failed(Missing(access, options.name));
+        return Missing(access, *options.name);
     }
     if (read.state == SettingsReadState::Failed) {
-        return context.output.Failed(access.NotRead());
+        return access.NotRead();
     }
-    return ShowOne(context, access, options.name, read.value, true);
+    const Value shown = ShownSetting(read.value);
+    const auto* text = std::get_if<std::string>(&shown.GetData());
+    return context.output.Done(ReportOf(access, *options.name, read.value),
+                               (text != nullptr ? Printable(*text) : shown.Words()) + "\n");
 }
 
 /// The value that the user typed, as @p type says.
@@ -132,19 +116,16 @@ std::optional<SettingsValue> Typed(const std::string& type, const std::string& t
     return FromUtf8(typed);
 }
 
-ExitCode Set(const Context& context, const SettingsOptions& options)
+Ending Set(const Context& context, const SettingsOptions& options)
 {
     SettingsAccess access(context, options);
-    const std::wstring name = FromUtf8(options.name);
-    std::string type = options.type;
-    const std::optional<Failure> closed = access.CannotWrite();
-    if (closed && !context.dryRun) {
-        return context.output.Failed(*closed);
+    if (!access.Store().IsKept() && !context.dryRun) {
+        return access.NotWritten();
     }
-    const SettingsRead old = access.Read(options.name);
+    std::string type = options.type;
+    const SettingsRead old = access.Read(*options.name);
     if (type.empty() && old.state == SettingsReadState::Failed) {
-        return context.output.Failed(
-            FileFailure(Worded(text::kSayTypeUnread), Worded(text::kSayTypeUnreadHint)));
+        return FileFailure(text::kSayTypeUnread, text::kSayTypeUnreadHint);
     }
     const bool keeps = type.empty() && old.state == SettingsReadState::Found;
     if (type.empty()) {
@@ -153,25 +134,24 @@ ExitCode Set(const Context& context, const SettingsOptions& options)
     std::string fault;
     const std::optional<SettingsValue> value = Typed(type, options.value, fault);
     if (!value) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayNoValue, {options.value, type, fault}),
-                         keeps ? Worded(text::kSayTypeSoFar, {type}) : ""));
+        return UsageFailure({text::kSayNoValue, {options.value, type, fault}},
+                            keeps ? Worded(text::kSayTypeSoFar, {type}) : "");
     }
+    const Report report = ReportOf(access, *options.name, *value);
     if (context.dryRun) {
-        return ShowOne(context, access, options.name, *value, false);
+        return context.output.Done(report);
     }
-    const SettingsKey key{access.Key(), {{name, *value}}};
+    const SettingsKey key{access.Key(), {{FromUtf8(*options.name), *value}}};
     std::wstring refused;
     if (!StoreSettings(access.Store(), std::span(&key, 1), refused)) {
-        return context.output.Failed(
-            refused.empty() ? access.NotWritten()
-                            : UsageFailure(Worded(text::kSaySettingsRefuse, {ToUtf8(refused)}),
-                                           Worded(text::kSayTooLong)));
+        return refused.empty()
+                   ? access.NotWritten()
+                   : UsageFailure({text::kSaySettingsRefuse, {ToUtf8(refused)}}, text::kSayTooLong);
     }
     if (FoldCase(access.Key()) == FoldCase(HostBasePath() + L'\\' + kPortsKey)) {
         static_cast<void>(KnownPortNames(context.world, context.output)); // warns of a bad one
     }
-    return ShowOne(context, access, options.name, *value, false);
+    return Kept(context, report);
 }
 
 /// What a delete would take away; empty if there is nothing.
@@ -189,25 +169,21 @@ std::optional<std::vector<SettingsKey>> Doomed(SettingsAccess& access,
     return std::vector{SettingsKey{access.Key(), {{FromUtf8(*name), read.value}}}};
 }
 
-ExitCode Delete(const Context& context, const SettingsOptions& options, bool isValue)
+Ending Delete(const Context& context, const SettingsOptions& options)
 {
-    if (options.key.find_first_not_of('\\') == std::string::npos && !isValue) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayNoKey), "fieldcore-cli settings list"));
+    if (options.key.find_first_not_of('\\') == std::string::npos && !options.name) {
+        return UsageFailure(text::kSayNoKey, "fieldcore-cli settings list");
     }
-    const bool canAsk = context.world.inIsTerminal && context.world.errIsTerminal;
-    if (!options.yes && !context.dryRun && !canAsk) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayDeleteNobody), Worded(text::kSayYesDelete)));
+    if (!options.yes && !context.dryRun && !context.world.CanAsk()) {
+        return UsageFailure(text::kSayDeleteNobody, text::kSayYesDelete);
     }
     SettingsAccess access(context, options);
-    const auto name = isValue ? std::optional(options.name) : std::nullopt;
-    const std::optional<std::vector<SettingsKey>> doomed = Doomed(access, name);
-    if (access.CannotRead() || !doomed) {
-        return context.output.Failed(access.NotRead());
+    const std::optional<std::vector<SettingsKey>> doomed = Doomed(access, options.name);
+    if (!access.CanRead() || !doomed) {
+        return access.NotRead();
     }
     if (doomed->empty()) {
-        return context.output.Failed(Missing(access, options.name));
+        return Missing(access, options.name.value_or(""));
     }
     Report report;
     report.Add("deleted", text::kLabelDeleted, Value::YesNo(!context.dryRun));
@@ -217,95 +193,89 @@ ExitCode Delete(const Context& context, const SettingsOptions& options, bool isV
     if (context.dryRun) {
         return context.output.Done(report, words);
     }
-    if (const std::optional<Failure> failure = access.CannotWrite()) {
-        return context.output.Failed(*failure);
+    if (!access.Store().IsKept()) {
+        return access.NotWritten();
     }
-    TerminalHost host(context.world, context.output,
-                      options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);
     if (!options.yes) {
-        if (const auto failure = host.Ask(words + Worded(text::kAskDeleteThis), "", "")) {
-            return context.output.Failed(*failure);
+        if (const auto failure =
+                TerminalHost(context).Ask(words + Worded(text::kAskDeleteThis), "", "")) {
+            return *failure;
         }
     }
-    const bool isDone = name ? access.Store().DeleteValue(access.Key(), FromUtf8(*name))
-                             : access.Store().DeleteKey(access.Key());
-    return isDone ? context.output.Done(report, Worded(text::kSayDeleted) + words)
-                  : context.output.Failed(access.NotWritten());
-}
-
-using Options = std::shared_ptr<SettingsOptions>;
-
-CLI::App& AddSub(CLI::App& parent, const Options& options, const std::string& name, int help)
-{
-    CLI::App& parser = AddParser(parent, name, help);
-    AddFlag(parser, "--machine", options->machine, text::kOptMachine);
-    return parser;
-}
-
-void AddKeyOptions(CLI::App& parser, const Options& options, bool isNeeded)
-{
-    CLI::Option* const key = AddText(parser, "KEY", options->key, "", text::kOptKey);
-    if (isNeeded) {
-        key->required();
+    const bool isDone = options.name
+                            ? access.Store().DeleteValue(access.Key(), FromUtf8(*options.name))
+                            : access.Store().DeleteKey(access.Key());
+    if (!isDone) {
+        return access.NotWritten();
     }
-    AddFlag(parser, "--all", options->whole, text::kOptWholeKey);
+    return context.output.Done(report, Worded(text::kSayDeleted) + words);
 }
 
-CLI::Option* AddName(CLI::App& parser, const Options& options)
+void AddMachine(CLI::App& parser, SettingsOptions& options)
 {
-    return AddText(parser, "NAME", options->name, "", text::kOptName);
+    AddFlag(parser, "--machine", options.machine, text::kOptMachine);
+}
+
+CLI::Option* AddKey(CLI::App& parser, SettingsOptions& options)
+{
+    AddMachine(parser, options);
+    CLI::Option* const key = AddText(parser, "KEY", options.key, "", text::kOptKey);
+    AddFlag(parser, "--all", options.whole, text::kOptWholeKey);
+    return key;
+}
+
+CLI::Option* AddKeyAndName(CLI::App& parser, SettingsOptions& options)
+{
+    AddKey(parser, options)->required();
+    return AddText(parser, "NAME", options.name, "", text::kOptName);
 }
 
 } // namespace
 
 Command AddSettingsCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "settings", text::kHelpSettings);
-    parser.require_subcommand(1);
-    const auto options = std::make_shared<SettingsOptions>();
-
-    CLI::App& list = AddSub(parser, options, "list", text::kHelpSettingsList);
-    AddKeyOptions(list, options, false);
-
-    CLI::App& get = AddSub(parser, options, "get", text::kHelpSettingsGet);
-    AddKeyOptions(get, options, true);
-    AddName(get, options)->required();
-
-    CLI::App& set = AddSub(parser, options, "set", text::kHelpSettingsSet);
-    AddKeyOptions(set, options, true);
-    AddName(set, options)->required();
-    AddText(set, "VALUE", options->value, "", text::kOptValue)->required();
-    set.add_option("--type", options->type, Worded(text::kOptType))
-        ->transform(
-            CLI::IsMember(std::set<std::string>{"text", "number", "binary"}).description(""))
-        ->type_name("TYPE");
-    AddDryRun(set, text::kOptStoreDry);
-
-    CLI::App& remove = AddSub(parser, options, "delete", text::kHelpSettingsDelete);
-    AddKeyOptions(remove, options, true);
-    const CLI::Option* const doomedName = AddName(remove, options);
-    CLI::Option* const yes = AddFlag(remove, "--yes", options->yes, text::kOptYes);
-    AddDryRun(remove, text::kOptDeleteDry, yes);
-
-    CLI::App& save = AddSub(parser, options, "export", text::kHelpSettingsExport);
-    AddText(save, "FILE", options->file, "", text::kOptExportTo);
-    AddText(save, "--key", options->key, "KEY", text::kOptOnlyKey);
-    AddFlag(save, "--all", options->whole, text::kOptFromRoot);
-    CLI::Option* const replace = AddFlag(save, "--yes", options->yes, text::kOptReplaceFile);
-    AddDryRun(save, text::kOptExportDry, replace);
-
-    CLI::App& load = AddSub(parser, options, "import", text::kHelpSettingsImport);
-    AddText(load, "FILE", options->file, "", text::kOptImportFrom)->required();
-    AddDryRun(load, text::kOptSettingsDry);
-
-    return {&parser, [=, &list, &get, &set, &remove, &save](const Context& context) {
-                return list.parsed()     ? List(context, *options)
-                       : get.parsed()    ? Get(context, *options)
-                       : set.parsed()    ? Set(context, *options)
-                       : remove.parsed() ? Delete(context, *options, doomedName->count() > 0)
-                       : save.parsed()   ? ExportSettings(context, *options)
-                                         : ImportSettings(context, *options);
-            }};
+    return AddCommand<SettingsOptions>(
+        program, {"settings", text::kHelpSettings},
+        {{"list", text::kHelpSettingsList,
+          [](CLI::App& parser, SettingsOptions& options) { AddKey(parser, options); }, List},
+         {"get", text::kHelpSettingsGet,
+          [](CLI::App& parser, SettingsOptions& options) {
+              AddKeyAndName(parser, options)->required();
+          },
+          Get},
+         {"set", text::kHelpSettingsSet,
+          [](CLI::App& parser, SettingsOptions& options) {
+              AddKeyAndName(parser, options)->required();
+              AddText(parser, "VALUE", options.value, "", text::kOptValue)->required();
+              AddWord(parser, "--type", options.type, {"text", "number", "binary"}, "TYPE",
+                      text::kOptType);
+              AddDryRun(parser, text::kOptStoreDry);
+          },
+          Set},
+         {"delete", text::kHelpSettingsDelete,
+          [](CLI::App& parser, SettingsOptions& options) {
+              AddKeyAndName(parser, options);
+              AddConsent(parser, options.yes, text::kOptDeleteDry);
+          },
+          Delete},
+         {"export", text::kHelpSettingsExport,
+          [](CLI::App& parser, SettingsOptions& options) {
+              AddMachine(parser, options);
+              AddText(parser, "FILE", options.file, "", text::kOptExportTo);
+              AddText(parser, "--key", options.key, "KEY", text::kOptOnlyKey);
+              AddFlag(parser, "--all", options.whole, text::kOptFromRoot);
+              CLI::Option* const replace =
+                  AddFlag(parser, "--yes", options.yes, text::kOptReplaceFile);
+              AddDryRun(parser, text::kOptExportDry, replace);
+          },
+          ExportSettings},
+         {"import", text::kHelpSettingsImport,
+          [](CLI::App& parser, SettingsOptions& options) {
+              AddMachine(parser, options);
+              AddText(parser, "FILE", options.file, "", text::kOptImportFrom)->required();
+              AddDryRun(parser, text::kOptSettingsDry);
+          },
+          ImportSettings}});
 }
 
 } // namespace fieldcore::cli

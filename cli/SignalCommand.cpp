@@ -1,21 +1,16 @@
 #include "cli/Command.h"
+#include "cli/Options.h"
 #include "cli/PortSession.h"
-#include "cli/TerminalHost.h"
-#include "cli/Wording.h"
 
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsText.h"
 #include "core/tilt/SignalChoice.h"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -41,18 +36,14 @@ void AddSignals(Report& report, const SignalSession& session)
 {
     report.Add("typeNumber", text::kLabelTypeNumber, Value::Integer(session.TypeNumber()));
     report.Add("locked", text::kLabelFixedByTheReceiver, Value::YesNo(session.IsLocked()));
-    Report::Table table{"signals",
-                        "none",
-                        {{"signal", text::kHeadSignal},
-                         {"available", text::kHeadAvailable},
-                         {"chosen", text::kHeadChosen}},
-                        {}};
+    Report::Table table{"signals", "none"};
     for (const Signal signal : kAllSignals) {
         // A locked receiver is not asked what it has.
         table.rows.push_back(
-            {Value::Text(std::string(NameOf(signal))),
-             session.IsKnown() ? Value::YesNo(session.IsEnabled(signal)) : Value::Unknown(),
-             Value::YesNo(session.IsChecked(signal))});
+            {{"signal", text::kHeadSignal, Value::Text(std::string(NameOf(signal)))},
+             {"available", text::kHeadAvailable,
+              session.IsKnown() ? Value::YesNo(session.IsEnabled(signal)) : Value::Unknown()},
+             {"chosen", text::kHeadChosen, Value::YesNo(session.IsChecked(signal))}});
     }
     report.AddTable(std::move(table));
 }
@@ -61,8 +52,8 @@ void AddSignals(Report& report, const SignalSession& session)
 std::optional<Failure> Apply(SignalSession& session, const std::vector<std::string>& names)
 {
     if (session.IsLocked()) {
-        return Failure{ExitCode::Failed, "signals-locked", Worded(text::kSaySignalsFixed),
-                       Worded(text::kSaySignalsFixedHint)};
+        return Failure{ExitCode::Failed, "signals-locked", text::kSaySignalsFixed,
+                       text::kSaySignalsFixedHint};
     }
     for (const Signal signal : kAllSignals) {
         const bool isWanted = std::find(names.begin(), names.end(), NameOf(signal)) != names.end();
@@ -76,83 +67,86 @@ std::optional<Failure> Apply(SignalSession& session, const std::vector<std::stri
     return std::nullopt;
 }
 
-ExitCode Set(const Context& context, const SignalOptions& options, SignalSession& session)
+Ending Show(const Context& context, const SignalOptions& /*options*/, SignalSession& session)
 {
     Report report;
-    if (const std::optional<Failure> failure = Apply(session, options.names)) {
-        AddSignals(report, session);
-        return context.output.Failed(*failure, &report);
-    }
     AddSignals(report, session);
+    return context.output.Done(report);
+}
+
+Ending Set(const Context& context, const SignalOptions& options, SignalSession& session)
+{
+    const std::optional<Failure> unfit = Apply(session, options.names);
+    Report report;
+    AddSignals(report, session);
+    if (unfit) {
+        return context.output.Failed(*unfit, &report);
+    }
     const std::vector<std::uint8_t> data = session.CommandData();
     report.Add("data", text::kLabelDataOfTheCommand, Value::Text(FormatSettingBytes(data)));
-    if (context.dryRun) {
-        report.Add("sent", text::kLabelSent, Value::YesNo(false));
-        report.Add("stored", text::kLabelStored, Value::YesNo(false));
-        return context.output.Done(report);
-    }
     std::optional<Failure> failure;
-    const SignalSession::Outcome outcome = session.Confirm();
-    if (outcome.boardTold == 0) {
-        context.output.Note(Worded(text::kSayBoardSilent));
-    }
-    if (outcome.sent == 0) {
-        failure = RequestFailure(outcome.fault, "");
-    } else if (outcome.stored != 1) {
-        failure = Failure{ExitCode::LocalFile, "local-file", Worded(text::kSaySignalsNotStored),
-                          "fieldcore-cli doctor"};
+    SignalSession::Outcome outcome{};
+    if (!context.dryRun) {
+        outcome = session.Confirm();
+        if (outcome.boardTold == 0) {
+            context.output.Note(text::kSayBoardSilent);
+        }
+        if (outcome.sent == 0) {
+            failure = RequestFailure(outcome.fault, "");
+        } else if (outcome.stored != 1) {
+            failure = FileFailure(text::kSaySignalsNotStored, "fieldcore-cli doctor");
+        }
     }
     report.Add("sent", text::kLabelSent, Value::YesNo(outcome.sent == 1));
     report.Add("stored", text::kLabelStored, Value::YesNo(outcome.stored == 1));
     return failure ? context.output.Failed(*failure, &report) : Kept(context, report);
 }
 
-ExitCode Run(const Context& context, const SignalOptions& options, bool isSet)
+/// Connects, and looks which signals there are.
+template <auto Act>
+Ending WithSignals(const Context& context, const SignalOptions& options)
 {
-    if (isSet && options.names.size() > 1 &&
-        std::find(options.names.begin(), options.names.end(), kNone) != options.names.end()) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayNoneAlone), "fieldcore-cli signal set none --port PORT"));
-    }
-    TerminalHost host(context.world, context.output);
-    PortSession port(context.world, context.output, host, options.port);
-    if (const std::optional<Failure> failure = port.Connect()) {
-        return context.output.Failed(*failure);
+    PortSession port(context, options.port);
+    if (const auto failure = port.Connect()) {
+        return *failure;
     }
     SettingsRoots roots{Folders(context.world.folders)};
     const HostReg reg(roots);
     SignalSession session(&port.Command(), reg);
     session.Open();
-    if (!session.IsLocked() && !session.IsKnown()) {
-        return context.output.Failed(port.RequestFailed());
+    return session.IsLocked() || session.IsKnown() ? Act(context, options, session)
+                                                   : port.RequestFailed();
+}
+
+Ending RunSet(const Context& context, const SignalOptions& options)
+{
+    if (options.names.size() > 1 &&
+        std::find(options.names.begin(), options.names.end(), kNone) != options.names.end()) {
+        return UsageFailure(text::kSayNoneAlone, "fieldcore-cli signal set none --port PORT");
     }
-    if (isSet) {
-        return Set(context, options, session);
-    }
-    Report report;
-    AddSignals(report, session);
-    return context.output.Done(report);
+    return WithSignals<Set>(context, options);
 }
 
 } // namespace
 
 Command AddSignalCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "signal", text::kHelpSignal);
-    parser.require_subcommand(1);
-    const auto options = std::make_shared<SignalOptions>();
-    CLI::App& show = AddParser(parser, "show", text::kHelpSignalShow);
-    options->port.AddTo(show);
-    CLI::App& set = AddParser(parser, "set", text::kHelpSignalSet);
-    set.add_option("SIGNAL", options->names, Worded(text::kOptSignals))
-        ->required()
-        ->check(CLI::IsMember({"l2c", "glonass", "qzss", "galileo", "l5", "none"}).description(""))
-        ->type_name("");
-    AddDryRun(set, text::kOptSignalDry);
-    options->port.AddTo(set);
-    return {&parser, [options, &set](const Context& context) {
-                return Run(context, *options, set.parsed());
-            }};
+    return AddCommand<SignalOptions>(
+        program, {"signal", text::kHelpSignal},
+        {{"show", text::kHelpSignalShow,
+          [](CLI::App& parser, SignalOptions& options) { options.port.AddTo(parser); },
+          WithSignals<Show>},
+         {"set", text::kHelpSignalSet,
+          [](CLI::App& parser, SignalOptions& options) {
+              std::vector<std::string> words(kNames.begin(), kNames.end());
+              words.emplace_back(kNone);
+              AddText(parser, "SIGNAL", options.names, "", text::kOptSignals)
+                  ->required()
+                  ->check(CLI::IsMember(words).description(""));
+              AddDryRun(parser, text::kOptSignalDry);
+              options.port.AddTo(parser);
+          },
+          RunSet}});
 }
 
 } // namespace fieldcore::cli

@@ -1,18 +1,29 @@
-#include "cli/ChildProcess.h"
 #include "cli/Command.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
-#include "cli/Wording.h"
 
 #include "core/platform/FastClock.h"
-#include "core/resources/StringTable.h"
 #include "simulator/Simulator.h"
 
+#include <array>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
+#include <cstddef>
 #include <filesystem>
-#include <memory>
+#include <initializer_list>
+#include <map>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <utility>
+#include <vector>
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace fieldcore::cli {
 
@@ -29,48 +40,146 @@ struct SimOptions
 
 std::string TitleOf(const simulator::Scenario& scenario)
 {
-    return IsEnglish() || scenario.titleJa.empty() ? scenario.title : scenario.titleJa;
+    return WordedOr(scenario.title, scenario.titleJa);
 }
 
-ExitCode List(const Context& context)
+Ending List(const Context& context, const SimOptions& /*options*/)
 {
-    Report::Table table{
-        "scenarios", "", {{"name", text::kHeadName}, {"title", text::kHeadWhatItShows}}, {}};
+    Report::Table table{"scenarios"};
     for (const auto& [name, title] : simulator::ShippedScenarios()) {
         std::string error;
         const auto scenario = simulator::LoadScenario(name, error);
-        table.rows.push_back(
-            {Value::Text(name), Value::Word(title, scenario ? TitleOf(*scenario) : title)});
+        table.rows.push_back({{"name", text::kHeadName, Value::Text(name)},
+                              {"title", text::kHeadWhatItShows,
+                               Value::Word(title, scenario ? TitleOf(*scenario) : title)}});
     }
-    Report report;
-    report.AddTable(std::move(table));
-    return context.output.Done(report);
+    return context.output.Done(Report(std::move(table)));
 }
 
-void WaitForStop(const World& world)
+std::vector<char*> Pointers(std::vector<std::string>& texts)
 {
-    while (!world.StopRequested()) {
-        SystemClock::Instance().Sleep(std::chrono::milliseconds(50));
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
     }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// The environment of this process with @p more on top.
+std::vector<std::string> With(const std::map<std::string, std::string>& more)
+{
+    std::vector<std::string> environment;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string_view variable(*entry);
+        if (!more.contains(std::string(variable.substr(0, variable.find('='))))) {
+            environment.emplace_back(variable);
+        }
+    }
+    for (const auto& [name, value] : more) {
+        std::string variable = name;
+        variable += '=';
+        variable += value;
+        environment.push_back(std::move(variable));
+    }
+    return environment;
+}
+
+constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<pid_t> childProcess{0};      // 0: it is not there yet
+std::atomic<int> signalBeforeProcess{0}; // 0: none
+
+extern "C" void PassOn(int number, siginfo_t* info, void* /*context*/)
+{
+    if (info->si_code > 0) {
+        return; // by the system for the terminal's foreground, which the command belongs to
+    }
+    if (const pid_t process = childProcess.load(); process != 0) {
+        kill(process, number);
+    } else {
+        signalBeforeProcess = number;
+    }
+}
+
+/// Starts a command, found as a shell would find it, that shares this process's streams, and waits
+/// for its end. A signal that asks this process for an end meanwhile is passed on to the command,
+/// unless it came from the terminal, which tells both. One call at a time.
+/// @param more   of the environment, on top of this process's own
+/// @param error  why it was not started; untouched otherwise
+/// @return its exit code, or 128 and the number of the signal that ended it; nothing if it was
+///         not started
+std::optional<int> RunChild(std::vector<std::string> arguments,
+                            const std::map<std::string, std::string>& more, std::string& error)
+{
+    std::vector<std::string> environment = With(more);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t ours; // caught or ignored by this process; the command decides for itself
+    sigemptyset(&ours);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        sigaddset(&ours, number);
+    }
+    posix_spawnattr_setsigdefault(&attributes, &ours);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    std::array<struct sigaction, kStopSignals.size()> actions{};
+    for (struct sigaction& action : actions) {
+        action.sa_sigaction = PassOn;
+        action.sa_flags = SA_SIGINFO;
+    }
+    const auto exchangeActions = [&actions] { // and back at the second call
+        for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
+            const struct sigaction next = actions[i];
+            sigaction(kStopSignals[i], &next, &actions[i]);
+        }
+    };
+    signalBeforeProcess = 0;
+    exchangeActions();
+    pid_t process = 0;
+    const int failure = posix_spawnp(&process, arguments.front().c_str(), nullptr, &attributes,
+                                     Pointers(arguments).data(), Pointers(environment).data());
+    posix_spawnattr_destroy(&attributes);
+    int status = 0;
+    if (failure == 0) {
+        childProcess = process;
+        if (const int number = signalBeforeProcess.exchange(0); number != 0) {
+            kill(process, number);
+        }
+        // Its number stays taken until it has been waited for: no signal meets a stranger.
+        siginfo_t ended = {};
+        while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT) < 0 &&
+               errno == EINTR) {
+        }
+        childProcess = 0;
+        waitpid(process, &status, 0); // at once
+    }
+    exchangeActions();
+    if (failure != 0) {
+        error = std::generic_category().message(failure);
+        return std::nullopt;
+    }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 /// Shows the port and leaves the simulator alone until the user has had enough.
-ExitCode Serve(const Context& context, const simulator::Simulator& simulator)
+Ending Serve(const Context& context, const simulator::Simulator& simulator)
 {
     Report report;
     report.Add("port", text::kLabelPort, Value::Text(simulator.PortPath()));
     context.output.Done(report, simulator.PortPath() + "\n");
-    context.output.Note(Worded(text::kSaySimServes, {simulator.PortPath()}));
-    WaitForStop(context.world);
-    context.output.Note(Worded(text::kSayRequests, {std::to_string(simulator.RequestCount())}));
+    context.output.Note({text::kSaySimServes, {simulator.PortPath()}});
+    while (!context.world.StopRequested()) {
+        SystemClock::Instance().Sleep(std::chrono::milliseconds(50));
+    }
+    context.output.Note({text::kSayRequests, {std::to_string(simulator.RequestCount())}});
     return ExitCode::Done;
 }
 
-ExitCode StartCommand(const Context& context, const simulator::Simulator& simulator)
+Ending StartCommand(const Context& context, const simulator::Simulator& simulator)
 {
-    ChildProcess child;
-    child.arguments = context.userCommand;
-    for (std::string& argument : child.arguments) {
+    std::vector<std::string> arguments = context.userCommand;
+    for (std::string& argument : arguments) {
         constexpr std::string_view kPort = "{port}";
         for (std::size_t at = argument.find(kPort); at != std::string::npos;
              at = argument.find(kPort, at + simulator.PortPath().size())) {
@@ -78,30 +187,32 @@ ExitCode StartCommand(const Context& context, const simulator::Simulator& simula
         }
     }
     if (context.world.StopRequested()) {
-        return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+        return RequestFailure(CommandFault::Cancelled, "");
     }
-    child.environment = {{"FIELDCORE_PORT", simulator.PortPath()},
-                         {kSimulatedPort, simulator.PortPath()}};
     std::string error;
-    const std::optional<int> code = RunChild(child, error);
+    const std::optional<int> code = RunChild(
+        arguments,
+        {{"FIELDCORE_PORT", simulator.PortPath()}, {kSimulatedPort, simulator.PortPath()}}, error);
     if (!code) {
-        return context.output.Failed({ExitCode::Failed, "command-not-started",
-                                      Worded(text::kSayNotStarted, {child.arguments.front()}), "",
-                                      "", error});
+        return Failure{ExitCode::Failed,
+                       "command-not-started",
+                       Worded(text::kSayNotStarted, {arguments.front()}),
+                       "",
+                       "",
+                       error};
     }
     return static_cast<ExitCode>(*code); // the command's own, whatever it means there
 }
 
-ExitCode RunScenario(const Context& context, const SimOptions& options)
+Ending RunScenario(const Context& context, const SimOptions& options)
 {
     if (!context.userCommand.empty() && context.output.IsJson()) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayNoJsonHere), Worded(text::kSayNoJsonHereHint)));
+        return UsageFailure(text::kSayNoJsonHere, text::kSayNoJsonHereHint);
     }
     std::string error;
     std::optional<simulator::Scenario> scenario = simulator::LoadScenario(options.scenario, error);
     if (!scenario) {
-        return context.output.Failed(ScenarioFailure(error));
+        return ScenarioFailure(error);
     }
     if (options.speed > 0.0) {
         scenario->speed = options.speed;
@@ -110,7 +221,7 @@ ExitCode RunScenario(const Context& context, const SimOptions& options)
     simulator::Simulator simulator(*scenario, *context.world.clock,
                                    {options.link, options.record, options.replay});
     if (!simulator.Start(error)) {
-        return context.output.Failed(SimulatorFailure(ExitCode::LocalFile, error));
+        return SimulatorFailure(ExitCode::LocalFile, error);
     }
     context.output.Note(
         options.replay.empty() ? title : Worded(text::kSayReplaying, {options.replay.string()}));
@@ -122,23 +233,23 @@ ExitCode RunScenario(const Context& context, const SimOptions& options)
 
 Command AddSimCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<SimOptions>();
-    const auto addOptions = [options](CLI::App& run) {
-        CLI::Option* const scenario =
-            AddText(run, "--scenario", options->scenario, "NAME", text::kOptScenario);
-        AddText(run, "--record", options->record, "FILE", text::kOptRecord);
-        AddText(run, "--replay", options->replay, "FILE", text::kOptReplay)->excludes(scenario);
-        AddText(run, "--link", options->link, "PATH", text::kOptLink);
-        AddNumber(run, "--speed", options->speed,
-                  {FastClock::kLowestSpeed, FastClock::kHighestSpeed, Worded(text::kUnitTimes),
-                   Worded(text::kSayAsScenario)},
-                  "N", text::kOptSimSpeed);
-    };
-    return AddCommands(program, {"sim", text::kHelpSim, {}, {}},
-                       {{"list", text::kHelpSimList, {}, List},
-                        {"run", text::kHelpSimRun, addOptions, [options](const Context& context) {
-                             return RunScenario(context, *options);
-                         }}});
+    return AddCommand<SimOptions>(
+        program, {"sim", text::kHelpSim},
+        {{"list", text::kHelpSimList, nullptr, List},
+         {"run", text::kHelpSimRun,
+          [](CLI::App& parser, SimOptions& options) {
+              CLI::Option* const scenario =
+                  AddText(parser, "--scenario", options.scenario, "NAME", text::kOptScenario);
+              AddText(parser, "--record", options.record, "FILE", text::kOptRecord);
+              AddText(parser, "--replay", options.replay, "FILE", text::kOptReplay)
+                  ->excludes(scenario);
+              AddText(parser, "--link", options.link, "PATH", text::kOptLink);
+              AddNumber(parser, "--speed", options.speed,
+                        {FastClock::kLowestSpeed, FastClock::kHighestSpeed,
+                         Worded(text::kUnitTimes), Worded(text::kSayAsScenario)},
+                        "N", text::kOptSimSpeed);
+          },
+          RunScenario}});
 }
 
 } // namespace fieldcore::cli

@@ -7,13 +7,10 @@
 #include "core/planning/PlanCsv.h"
 #include "core/planning/SiteSkies.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <filesystem>
-#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -23,21 +20,8 @@ namespace fieldcore::cli {
 namespace {
 
 constexpr int kDopDecimals = 2;
+constexpr std::size_t kMostNames = 10; // in a warning
 constexpr const char* kTogether = "*"; // for programs
-
-std::string JoinedNames(const std::vector<std::string>& names)
-{
-    constexpr std::size_t kMostNames = 10;
-    std::string text;
-    for (std::size_t at = 0; at < names.size(); ++at) {
-        text += at == 0 ? "" : ", ";
-        if (at == kMostNames) {
-            return text + "...";
-        }
-        text += names[at];
-    }
-    return text;
-}
 
 /// The sites with what hides their skies: their own curtain, else the one that was asked for, else
 /// nothing.
@@ -56,7 +40,7 @@ std::optional<Failure> ReadSkies(const Context& context, const PlanOptions& opti
         } else if (file && std::filesystem::exists(*file, error)) {
             const CurtainText text = LoadCurtainText(*file);
             if (text.error) {
-                return TextFailure(*file, *text.error, Worded(text::kSayCurtainHint));
+                return TextFailure(*file, *text.error, text::kSayCurtainHint);
             }
             curtain = text.curtain;
         } else if (!options.curtain.empty()) {
@@ -69,16 +53,15 @@ std::optional<Failure> ReadSkies(const Context& context, const PlanOptions& opti
                          HasObstruction(curtain)});
     }
     if (!without.empty()) {
-        context.output.Message(
-            "warning", "", Worded(text::kSayNoSiteCurtain, {JoinedNames(without)}), Colour::Yellow);
-        context.output.Note(Worded(text::kSaySiteCurtainHint, {wanted.string()}));
+        context.output.Warn({text::kSayNoSiteCurtain, {Joined(without, kMostNames)}});
+        context.output.Note({text::kSaySiteCurtainHint, {wanted.string()}});
     }
     return std::nullopt;
 }
 
 Value SiteValue(const PlanSearch& search, std::size_t site)
 {
-    return site == search.Together() ? Value::Word(kTogether, Worded(text::kSayAllSites))
+    return site == search.Together() ? Term(kTogether, text::kSayAllSites)
                                      : Value::Text(std::wstring_view(search.Sites()[site].name));
 }
 
@@ -93,11 +76,6 @@ Value DateValue(const PlanSearch& search, int epoch)
     return Value::Text(JstText(search.UtcAt(epoch)).substr(0, kDateLength));
 }
 
-Value HoursValue(const PlanSearch& search, int intervals)
-{
-    return Value::Real(static_cast<double>(intervals * search.Interval().count()) / 60.0, 1);
-}
-
 } // namespace
 
 std::optional<Failure> RunSearch(const Context& context, const PlanOptions& options,
@@ -105,28 +83,29 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
                                  std::optional<PlanSearch>& search)
 {
     if (request.dates.size() > SearchHours::kMostDays) {
-        return UsageFailure(Worded(text::kSayMostDays, {std::to_string(SearchHours::kMostDays)}));
+        return UsageFailure({text::kSayMostDays, {std::to_string(SearchHours::kMostDays)}});
     }
     if (request.sites.size() > PlanSearch::kMostSites) {
-        return UsageFailure(Worded(text::kSayMostSites, {std::to_string(PlanSearch::kMostSites)}));
+        return UsageFailure({text::kSayMostSites, {std::to_string(PlanSearch::kMostSites)}});
     }
     if (plan.HasClockPerSystem()) {
-        return UsageFailure(Worded(text::kSayOneClock));
+        return UsageFailure(text::kSayOneClock);
     }
     std::vector<SearchSite> sites;
-    if (std::optional<Failure> failure = ReadSkies(context, options, request, plan, sites)) {
+    if (auto failure = ReadSkies(context, options, request, plan, sites)) {
         return failure;
     }
     const SearchHours hours{request.dates.front(), static_cast<int>(request.dates.size()),
-                            request.startHour, request.hours};
+                            request.settings.startHour, request.settings.hours};
     search.emplace(SearchOf(plan, std::move(sites), hours));
     while (search->Step()) {
         if (context.world.StopRequested() || !*context.world.out) {
             context.output.Progress("");
             return RequestFailure(CommandFault::Cancelled, "");
         }
-        context.output.Progress(Worded(text::kSaySearching, {std::to_string(search->StepsDone()),
-                                                             std::to_string(search->Steps())}));
+        context.output.Progress(
+            {text::kSaySearching,
+             {std::to_string(search->StepsDone()), std::to_string(search->Steps())}});
     }
     context.output.Progress("");
     return std::nullopt;
@@ -134,28 +113,23 @@ std::optional<Failure> RunSearch(const Context& context, const PlanOptions& opti
 
 Report::Table BestTable(const PlanSearch& search, const WindowLimits& limits, int days)
 {
-    Report::Table table{"windows",
-                        "",
-                        {{"site", text::kHeadSite},
-                         {"date", text::kHeadDate},
-                         {"from", text::kHeadFromJst},
-                         {"to", text::kHeadToJst},
-                         {"fewestSatellites", text::kHeadSatellites},
-                         {"highestPdop", "PDOP"},
-                         {"goodFrom", text::kHeadGoodFrom},
-                         {"goodTo", text::kHeadGoodTo}},
-                        {}};
+    Report::Table table{"windows"};
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         int left = days;
         for (const auto& [window, goodFirst, goodLast] : search.BestOfDays(site, limits)) {
             if (left-- == 0) {
                 break;
             }
-            table.rows.push_back({SiteValue(search, site), DateValue(search, window.first),
-                                  TimeValue(search, window.first), TimeValue(search, window.last),
-                                  Value::Integer(window.fewestSatellites),
-                                  Value::Real(window.highestPdop, kDopDecimals),
-                                  TimeValue(search, goodFirst), TimeValue(search, goodLast)});
+            table.rows.push_back(
+                {{"site", text::kHeadSite, SiteValue(search, site)},
+                 {"date", text::kHeadDate, DateValue(search, window.first)},
+                 {"from", text::kHeadFromJst, TimeValue(search, window.first)},
+                 {"to", text::kHeadToJst, TimeValue(search, window.last)},
+                 {"fewestSatellites", text::kHeadSatellites,
+                  Value::Integer(window.fewestSatellites)},
+                 {"highestPdop", "PDOP", Value::Real(window.highestPdop, kDopDecimals)},
+                 {"goodFrom", text::kHeadGoodFrom, TimeValue(search, goodFirst)},
+                 {"goodTo", text::kHeadGoodTo, TimeValue(search, goodLast)}});
         }
     }
     return table;
@@ -167,26 +141,18 @@ void WarnOfSitesWithout(Output& output, const PlanSearch& search, const Report::
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         const std::string name = SiteValue(search, site).Words();
         if (std::none_of(table.rows.begin(), table.rows.end(),
-                         [&](const auto& row) { return row.front().Words() == name; })) {
+                         [&](const auto& row) { return row.front().value.Words() == name; })) {
             without.push_back(name);
         }
     }
     if (!without.empty()) {
-        output.Message("warning", "", Worded(text::kSayNoWindowAt, {JoinedNames(without)}),
-                       Colour::Yellow);
+        output.Warn({text::kSayNoWindowAt, {Joined(without, kMostNames)}});
     }
 }
 
 Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
 {
-    Report::Table table{"sites",
-                        "",
-                        {{"site", text::kHeadSite},
-                         {"hasCurtain", text::kHeadCurtain},
-                         {"fewestSatellites", text::kHeadFewest},
-                         {"highestPdop", text::kHeadHighestPdop},
-                         {"goodHours", text::kHeadGoodHours}},
-                        {}};
+    Report::Table table{"sites"};
     for (std::size_t site = 0; site <= search.Together(); ++site) {
         const auto counts = search.Counts(site);
         const auto pdops = search.Pdops(site);
@@ -196,30 +162,32 @@ Report::Table SessionTable(const PlanSearch& search, const WindowLimits& limits)
         }
         const int fewest = *std::min_element(counts.begin(), counts.end());
         const double highest = *std::max_element(pdops.begin(), pdops.end());
-        table.rows.push_back({SiteValue(search, site),
-                              site == search.Together()
-                                  ? Value::Unknown()
-                                  : Value::YesNo(search.Sites()[site].hasCurtain),
-                              Value::Integer(fewest),
-                              Value::Real(fewest < kSatellitesForDop ? NAN : highest, kDopDecimals),
-                              HoursValue(search, good)});
+        table.rows.push_back(
+            {{"site", text::kHeadSite, SiteValue(search, site)},
+             {"hasCurtain", text::kHeadCurtain,
+              site == search.Together() ? Value::Unknown()
+                                        : Value::YesNo(search.Sites()[site].hasCurtain)},
+             {"fewestSatellites", text::kHeadFewest, Value::Integer(fewest)},
+             {"highestPdop", text::kHeadHighestPdop,
+              Value::Real(fewest < kSatellitesForDop ? NAN : highest, kDopDecimals)},
+             {"goodHours", text::kHeadGoodHours,
+              Value::Real(static_cast<double>(good * search.Interval().count()) / 60.0, 1)}});
     }
     return table;
 }
 
 Report::Table SessionSamples(const PlanSearch& search)
 {
-    Report::Table table{"samples",
-                        "",
-                        {{"time", "JST"}, {"satellites", text::kHeadSatellites}, {"pdop", "PDOP"}},
-                        {}};
+    Report::Table table{"samples"};
     const auto counts = search.Counts(search.Together());
     const auto pdops = search.Pdops(search.Together());
     for (int k = 0; k < search.EpochCount(); ++k) {
         const auto at = static_cast<std::size_t>(k);
         table.rows.push_back(
-            {TimeValue(search, k), Value::Integer(counts[at]),
-             Value::Real(counts[at] < kSatellitesForDop ? NAN : pdops[at], kDopDecimals)});
+            {{"time", "JST", TimeValue(search, k)},
+             {"satellites", text::kHeadSatellites, Value::Integer(counts[at])},
+             {"pdop", "PDOP",
+              Value::Real(counts[at] < kSatellitesForDop ? NAN : pdops[at], kDopDecimals)}});
     }
     return table;
 }
@@ -228,12 +196,12 @@ std::string TableCsv(const Report::Table& table, const std::string& almanac)
 {
     constexpr const char* kLineEnd = "\r\n";
     std::string text;
-    for (const Report::Column& column : table.columns) {
-        text += column.key + ",";
+    for (const Report::Cell& cell : table.rows.front()) {
+        text += std::string(cell.key) + ",";
     }
     text += std::string("almanac") + kLineEnd;
-    for (const std::vector<Value>& row : table.rows) {
-        for (const Value& value : row) {
+    for (const std::vector<Report::Cell>& row : table.rows) {
+        for (const auto& [key, head, value] : row) {
             const auto* const code = std::get_if<std::string>(&value.GetData());
             const auto* const yes = std::get_if<bool>(&value.GetData());
             text += value.IsUnknown() ? ""

@@ -1,12 +1,8 @@
 #include "cli/Command.h"
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
-#include "cli/TerminalHost.h"
 #include "cli/Watch.h"
 
-#include "core/resources/StringTable.h"
-
-#include <memory>
 #include <optional>
 
 namespace fieldcore::cli {
@@ -19,48 +15,45 @@ struct StatusOptions
     WatchOptions watch;
 };
 
-ExitCode ShowReading(const Context& context, const StatusReader& reader, bool isFirst)
-{
-    Report report;
-    AddStatus(report, reader.Reading());
-    AddAges(report, reader.Reading(), reader.View().now);
-    return context.output.Done(report,
-                               (isFirst ? WatchLine(nullptr) : "") + WatchLine(&reader.Reading()));
-}
+constexpr WatchColumn kColumns[] = {
+    {"utc", "TIME", 25},
+    {"fix", "FIX", 15},
+    {"satellitesTracked", "SATELLITES", 12},
+    {"pdop", "PDOP", 6},
+    {"batteryPercent", "BATTERY", 9},
+    {"latitudeDeg", "LATITUDE", 18},
+    {"longitudeDeg", "LONGITUDE", 18},
+    {"heightM", "HEIGHT", 0},
+};
 
-ExitCode Watch(const Context& context, PortSession& session, const StatusOptions& options)
+Ending Run(const Context& context, const StatusOptions& options)
 {
-    StatusReader reader(session);
-    return RunWatch(context.world, session.GetClock(), options.watch,
-                    [&](bool isFirst) -> std::optional<ExitCode> {
-                        const std::optional<Failure> failure = reader.Read();
-                        if (context.world.StopRequested()) {
-                            return std::nullopt;
-                        }
-                        return failure ? context.output.Failed(*failure)
-                                       : ShowReading(context, reader, isFirst);
-                    });
-}
-
-ExitCode Run(const Context& context, const StatusOptions& options)
-{
-    TerminalHost host(context.world, context.output);
-    PortSession session(context.world, context.output, host, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
-        return context.output.Failed(*failure);
+    PortSession session(context, options.port);
+    if (const auto failure = session.Connect()) {
+        return *failure;
     }
+    StatusReader reader(session);
+    const auto read = [&](Receiver& reading) {
+        std::optional<Failure> failure = reader.Read();
+        reading = reader.Reading();
+        return failure;
+    };
+    const auto tell = [&](Report& report, const Receiver& reading) {
+        AddStatus(report, reading);
+        AddAges(report, reading, reader.View().now);
+    };
     if (options.watch.IsWanted()) {
-        return Watch(context, session, options);
+        return RunWatch(context, session.GetClock(), options.watch, {read, tell, kColumns});
     }
-    StatusReader reader(session);
-    if (const std::optional<Failure> failure = reader.Read()) {
-        return context.output.Failed(*failure);
+    Receiver reading;
+    if (const auto failure = read(reading)) {
+        return *failure;
     }
     Report report;
-    AddStatus(report, reader.Reading());
+    AddStatus(report, reading);
     const std::string words = report.Words();
     // Of one reading no words: it is as old as its command.
-    AddAges(report, reader.Reading(), reader.View().now);
+    AddAges(report, reading, reader.View().now);
     return context.output.Done(report, words);
 }
 
@@ -68,14 +61,12 @@ ExitCode Run(const Context& context, const StatusOptions& options)
 
 Command AddStatusCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<StatusOptions>();
-    return AddCommand(program,
-                      {"status", text::kHelpStatus,
-                       [options](CLI::App& parser) {
-                           options->watch.AddTo(parser, 2.0);
-                           options->port.AddTo(parser);
-                       },
-                       [options](const Context& context) { return Run(context, *options); }});
+    return AddCommand<StatusOptions>(program, {"status", text::kHelpStatus,
+                                               [](CLI::App& parser, StatusOptions& options) {
+                                                   options.watch.AddTo(parser, 2.0);
+                                                   options.port.AddTo(parser);
+                                               },
+                                               Run});
 }
 
 } // namespace fieldcore::cli

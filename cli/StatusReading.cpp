@@ -1,64 +1,30 @@
 #include "cli/StatusReading.h"
 
 #include "cli/PortSession.h"
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
 
 #include "core/equipment/StatusRows.h"
 #include "core/equipment/VersionRows.h"
 #include "core/link/RecvInfo.h"
-#include "core/resources/StringTable.h"
 
-#include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstddef>
 #include <utility>
 #include <vector>
 
 namespace fieldcore::cli {
 
-namespace {
-
-struct WatchColumn
-{
-    const char* label;
-    const char* key;
-    std::size_t width;
-};
-
-constexpr std::array kWatchColumns{
-    WatchColumn{"TIME", "utc", 25},
-    WatchColumn{"FIX", "fix", 15},
-    WatchColumn{"SATELLITES", "satellitesTracked", 12},
-    WatchColumn{"PDOP", "pdop", 6},
-    WatchColumn{"BATTERY", "batteryPercent", 9},
-    WatchColumn{"LATITUDE", "latitudeDeg", 18},
-    WatchColumn{"LONGITUDE", "longitudeDeg", 18},
-    WatchColumn{"HEIGHT", "heightM", 0},
-};
-
-} // namespace
-
 StatusReader::StatusReader(PortSession& session)
     : m_session(session), m_questions(session.Command())
 {}
-
-/// @return whether the receiver answered all of it, in whatever way
-bool StatusReader::Ask(Receiver& reading)
-{
-    return m_questions.AskStatus(reading) && reading.status &&
-           (m_questions.AskIdentity(reading) || m_questions.IsAnswering()) &&
-           m_questions.AskPosition(reading) && m_questions.AskTime(reading) &&
-           m_questions.AskPowerSource(reading);
-}
 
 std::optional<Failure> StatusReader::Read()
 {
     Receiver fresh;
     fresh.link = LinkState::Connected;
     fresh.identity = m_reading.identity;
-    if (!Ask(fresh)) {
+    if (!m_questions.AskStatus(fresh) || !fresh.status ||
+        (!m_questions.AskIdentity(fresh) && !m_questions.IsAnswering()) ||
+        !m_questions.AskPosition(fresh) || !m_questions.AskTime(fresh) ||
+        !m_questions.AskPowerSource(fresh)) {
         return m_session.RequestFailed();
     }
     const auto sourceOf = [](const Receiver& receiver) {
@@ -91,24 +57,23 @@ void AddFields(Report& report, const Receiver& receiver, ReceiverField::Place pl
 void AddStatus(Report& report, const Receiver& receiver)
 {
     AddFields(report, receiver, ReceiverField::Report);
-    AddFields(report.AddSection("position", Worded(text::kLabelPosition)), receiver,
+    AddFields(report.AddSection("position", text::kLabelPosition), receiver,
               ReceiverField::PositionReport);
 }
 
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now)
 {
-    Report& ages = report.AddSection("agesS", Worded(text::kLabelAge));
-    const auto add = [&](const char* key, const std::string& label, FieldSource source) {
+    Report& ages = report.AddSection("agesS");
+    const auto add = [&](const char* key, FieldSource source) {
         const std::optional<Clock::Duration> at = TimeOf(source, receiver);
-        ages.Add(key, label,
-                 at ? Value::Real(std::chrono::duration<double>(now - *at).count(), 3, "s")
-                    : Value::Unknown());
+        ages.Add(key, at ? Value::Real(std::chrono::duration<double>(now - *at).count(), 3)
+                         : Value::Unknown());
     };
     // By the answer that they came with.
-    add("status", Worded(text::kLabelStatusAge), FieldSource::Status);
-    add("time", Worded(text::kLabelTime), FieldSource::Time);
-    add("position", Worded(text::kLabelPosition), FieldSource::Position);
-    add("powerSource", Worded(text::kFieldPowerSource), FieldSource::PowerSource);
+    add("status", FieldSource::Status);
+    add("time", FieldSource::Time);
+    add("position", FieldSource::Position);
+    add("powerSource", FieldSource::PowerSource);
 }
 
 void AddIdentity(Report& report, const ReceiverIdentity& identity)
@@ -126,18 +91,6 @@ void AddIdentity(Report& report, const ReceiverIdentity& identity)
         }
     }
     report.Add("options", text::kLabelOptions, Value::List(std::move(options), std::move(words)));
-}
-
-std::string WatchLine(const Receiver* receiver)
-{
-    std::vector<std::pair<std::string, std::size_t>> cells;
-    for (const WatchColumn& column : kWatchColumns) {
-        const ReceiverField& field = FieldOf(column.key);
-        const std::string head = WordedOr(column.label, field.textId);
-        cells.emplace_back(receiver != nullptr ? ReportField(field, *receiver).Words() : head,
-                           std::max(column.width, DisplayWidth(head) + 2));
-    }
-    return TableLine(cells);
 }
 
 } // namespace fieldcore::cli

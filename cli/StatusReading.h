@@ -8,7 +8,6 @@
 #include "core/equipment/ReceiverQuestions.h"
 
 #include <optional>
-#include <string>
 
 namespace fieldcore::cli {
 
@@ -31,8 +30,6 @@ public:
     [[nodiscard]] const StatusView& View() const { return m_view; }
 
 private:
-    bool Ask(Receiver& reading);
-
     PortSession& m_session;
     ReceiverQuestions m_questions;
     BatteryWatch m_watch;
@@ -48,9 +45,5 @@ void AddStatus(Report& report, const Receiver& receiver);
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now);
 /// Model, numbers, firmware and options of a receiver.
 void AddIdentity(Report& report, const ReceiverIdentity& identity);
-
-/// One line of the watch.
-/// @param receiver  null: the heads of its columns
-[[nodiscard]] std::string WatchLine(const Receiver* receiver);
 
 } // namespace fieldcore::cli

@@ -1,7 +1,9 @@
 #include "cli/TerminalHost.h"
 
-#include "cli/Utf8.h"
+#include "core/platform/Utf8.h"
 
+#include <array>
+#include <cstddef>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -16,46 +18,32 @@ struct Manner
     Colour colour;
 };
 
-Manner MannerOf(BoxIcon icon)
-{
-    switch (icon) {
-    case BoxIcon::Exclamation:
-        return {"warning", Colour::Yellow};
-    case BoxIcon::Stop:
-        return {"error", Colour::Red};
-    case BoxIcon::Question:
-        return {"question", Colour::Plain};
-    case BoxIcon::None:
-    case BoxIcon::Information:
-        break;
-    }
-    return {"information", Colour::Plain};
-}
+// In the order of BoxIcon.
+constexpr std::array kManners{
+    Manner{"information", Colour::Plain}, Manner{"information", Colour::Plain},
+    Manner{"warning", Colour::Yellow},    Manner{"error", Colour::Red},
+    Manner{"question", Colour::Plain},
+};
 
 } // namespace
 
 BoxAnswer TerminalHost::ShowMessage(std::wstring_view text, std::wstring_view caption,
                                     BoxStyle style)
 {
-    const Manner manner = MannerOf(style.icon);
+    const Manner& manner = kManners[static_cast<std::size_t>(style.icon)];
     m_output.Message(manner.kind, ToUtf8(caption), ToUtf8(text), manner.colour);
-    switch (style.buttons) {
-    case BoxButtons::Ok:
-        break;
-    case BoxButtons::OkCancel:
-        return Agrees() ? BoxAnswer::Ok : BoxAnswer::Cancel;
-    case BoxButtons::YesNo:
-        return Agrees() ? BoxAnswer::Yes : BoxAnswer::No;
-    case BoxButtons::RetryCancel:
-        return Agrees() ? BoxAnswer::Retry : BoxAnswer::Cancel;
+    const bool agrees = style.buttons == BoxButtons::Ok || Agrees();
+    if (style.buttons == BoxButtons::YesNo) {
+        return agrees ? BoxAnswer::Yes : BoxAnswer::No;
     }
-    return BoxAnswer::Ok;
+    const BoxAnswer yes =
+        style.buttons == BoxButtons::RetryCancel ? BoxAnswer::Retry : BoxAnswer::Ok;
+    return agrees ? yes : BoxAnswer::Cancel;
 }
 
-std::optional<Failure> TerminalHost::Ask(const std::string& question, std::string nobody,
-                                         std::string hint)
+std::optional<Failure> TerminalHost::Ask(const Wording& question, Wording nobody, Wording hint)
 {
-    if (m_answers == Answers::Ask && !m_world.CanAsk()) {
+    if (!m_hasAgreed && !m_world.CanAsk()) {
         return UsageFailure(std::move(nobody), std::move(hint));
     }
     return ShowMessage(FromUtf8(question), L"", {BoxButtons::YesNo, BoxIcon::Question}) ==
@@ -66,11 +54,8 @@ std::optional<Failure> TerminalHost::Ask(const std::string& question, std::strin
 
 bool TerminalHost::Agrees()
 {
-    if (m_answers == Answers::AllYes) {
-        return true;
-    }
-    if (!m_world.CanAsk()) {
-        return false;
+    if (m_hasAgreed || !m_world.CanAsk()) {
+        return m_hasAgreed;
     }
     *m_world.err << "[y/N] " << std::flush;
     std::string answer;

@@ -1,14 +1,11 @@
 #pragma once
 
-#include "cli/Output.h"
-#include "cli/World.h"
+#include "cli/Command.h"
 
 #include "core/host/Host.h"
 
-#include <string_view>
-
 #include <optional>
-#include <string>
+#include <string_view>
 
 namespace fieldcore::cli {
 
@@ -18,15 +15,10 @@ namespace fieldcore::cli {
 class TerminalHost final : public Host
 {
 public:
-    enum class Answers
-    {
-        Ask,
-        AllYes, ///< --yes: the user has agreed beforehand
-    };
-
-    /// Both outlive the host.
-    TerminalHost(const World& world, Output& output, Answers answers = Answers::Ask)
-        : m_world(world), m_output(output), m_answers(answers)
+    /// @param context   outlives the host
+    /// @param hasAgreed  --yes: the user has agreed beforehand to all there is to ask
+    explicit TerminalHost(const Context& context, bool hasAgreed = false)
+        : m_world(context.world), m_output(context.output), m_hasAgreed(hasAgreed)
     {}
 
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
@@ -36,15 +28,14 @@ public:
     /// Asks a question of a command's own.
     /// @param nobody  what is told where nobody can be asked, with @p hint
     /// @return why it must not be done
-    [[nodiscard]] std::optional<Failure> Ask(const std::string& question, std::string nobody,
-                                             std::string hint);
+    [[nodiscard]] std::optional<Failure> Ask(const Wording& question, Wording nobody, Wording hint);
 
 private:
     [[nodiscard]] bool Agrees();
 
     const World& m_world;
     Output& m_output;
-    const Answers m_answers;
+    const bool m_hasAgreed;
 };
 
 } // namespace fieldcore::cli

@@ -1,12 +1,9 @@
 #include "cli/Command.h"
 #include "cli/Options.h"
 #include "cli/PortSession.h"
-#include "cli/TerminalHost.h"
-#include "cli/TiltReport.h"
+#include "cli/StatusReading.h"
 #include "cli/Watch.h"
-#include "cli/Wording.h"
 
-#include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/CalibrationRun.h"
@@ -14,7 +11,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -31,63 +27,62 @@ struct TiltOptions
     bool yes = false;
 };
 
+constexpr WatchColumn kColumns[] = {
+    {"state", "STATE", 17},
+    {"tiltDeg", "TILT", 14},
+    {"t1Deg", "FIRST COMPONENT", 17},
+    {"t2Deg", "SECOND COMPONENT", 18},
+    {"calibration", "CALIBRATION", 0},
+};
+
 /// The receiver and its sensor for the time of one command.
 struct Sensor
 {
     PortSession& session;
-    TerminalHost& host;
     TiltSettings& tilt;
     const CReg& reg;
+
+    [[nodiscard]] std::optional<Failure> Read(Receiver& reading) const
+    {
+        tilt.Refresh();
+        reading = session.Command().Heard();
+        return tilt.Reading() ? std::nullopt : std::optional(session.RequestFailed());
+    }
 };
 
-/// Connects, and makes sure that there is a sensor that answers.
-ExitCode WithSensor(const Context& context, const TiltOptions& options,
-                    const std::function<ExitCode(Sensor&)>& act)
+void AddTilt(Report& report, const Receiver& reading)
 {
-    TerminalHost host(context.world, context.output,
-                      options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);
-    PortSession session(context.world, context.output, host, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
-        return context.output.Failed(*failure);
+    AddFields(report, reading, ReceiverField::Tilt);
+}
+
+/// Connects, and makes sure that there is a sensor that answers.
+Ending WithSensor(const Context& context, const TiltOptions& options,
+                  const std::function<Ending(Sensor&, Receiver&)>& act)
+{
+    PortSession session(context, options.port, options.yes);
+    if (const auto failure = session.Connect()) {
+        return *failure;
     }
     SettingsRoots roots{Folders(context.world.folders)};
     const HostReg reg(roots);
     TiltSettings tilt(&session.Command(), reg);
-    tilt.Refresh();
-    if (!tilt.Reading()) {
-        return context.output.Failed(session.RequestFailed());
+    Sensor sensor{session, tilt, reg};
+    Receiver reading;
+    if (const auto failure = sensor.Read(reading)) {
+        return *failure;
     }
-    Sensor sensor{session, host, tilt, reg};
-    return act(sensor);
+    return act(sensor, reading);
 }
 
-ExitCode Watch(const Context& context, const TiltOptions& options, Sensor& sensor)
+Ending Show(const Context& context, const TiltOptions& options)
 {
-    return RunWatch(context.world, sensor.session.GetClock(), options.watch,
-                    [&](bool isFirst) -> std::optional<ExitCode> {
-                        sensor.tilt.Refresh();
-                        if (context.world.StopRequested()) {
-                            return std::nullopt;
-                        }
-                        if (!sensor.tilt.Reading()) {
-                            return context.output.Failed(sensor.session.RequestFailed());
-                        }
-                        Report report;
-                        AddTilt(report, sensor.session.Command().Heard());
-                        return context.output.Done(report,
-                                                   (isFirst ? TiltHeader() : "") +
-                                                       TiltLine(sensor.session.Command().Heard()));
-                    });
-}
-
-ExitCode Show(const Context& context, const TiltOptions& options)
-{
-    return WithSensor(context, options, [&](Sensor& sensor) {
+    return WithSensor(context, options, [&](Sensor& sensor, Receiver& reading) -> Ending {
         if (options.watch.IsWanted()) {
-            return Watch(context, options, sensor);
+            return RunWatch(context, sensor.session.GetClock(), options.watch,
+                            {[&](Receiver& next) { return sensor.Read(next); }, AddTilt, kColumns});
         }
         Report report;
-        AddTilt(report, sensor.session.Command().Heard());
+        AddTilt(report, reading);
         return context.output.Done(report);
     });
 }
@@ -99,9 +94,8 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
     const Clock& clock = sensor.session.GetClock();
     for (run.Tick(command); !run.IsOver(); run.Tick(command)) {
         const bool isCancelling = run.GetState() == CalibrationRun::State::Cancelling;
-        context.output.Progress(
-            Worded(isCancelling ? text::kProgressCancels : text::kProgressCalibrates,
-                   {std::to_string(run.ProgressPercent())}));
+        context.output.Progress({isCancelling ? text::kProgressCancels : text::kProgressCalibrates,
+                                 {std::to_string(run.ProgressPercent())}});
         if (isCancelling) {
             clock.Sleep(CalibrationRun::kInterval);
         } else {
@@ -114,45 +108,43 @@ void Follow(const Context& context, Sensor& sensor, CalibrationRun& run)
         }
     }
     context.output.Progress("");
-    command.SetHost(sensor.host);
+    command.SetHost(sensor.session.GetHost());
 }
 
-ExitCode Calibrate(const Context& context, const TiltOptions& options)
+Ending Calibrate(const Context& context, const TiltOptions& options)
 {
     if (!options.yes && !context.dryRun && !context.world.CanAsk()) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayCalibrationNobody), Worded(text::kSayCalibrationHint)));
+        return UsageFailure(text::kSayCalibrationNobody, text::kSayCalibrationHint);
     }
-    return WithSensor(context, options, [&](Sensor& sensor) {
+    return WithSensor(context, options, [&](Sensor& sensor, Receiver& reading) -> Ending {
         Report report;
         if (context.dryRun) {
-            report.Add("outcome", text::kLabelOutcome,
-                       Value::Word("not-started", Worded(text::kWordNotStarted)));
-            AddTilt(report, sensor.session.Command().Heard());
+            report.Add("outcome", text::kLabelOutcome, Term("not-started", text::kWordNotStarted));
+            AddTilt(report, reading);
             return context.output.Done(report);
         }
-        if (!sensor.tilt.MayCalibrate(sensor.host)) {
-            return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+        if (!sensor.tilt.MayCalibrate(sensor.session.GetHost())) {
+            return RequestFailure(CommandFault::Cancelled, "");
         }
         CalibrationRun run;
         Follow(context, sensor, run);
         TiltSettings::LastRun() = run.Result();
         if (run.GetState() == CalibrationRun::State::Aborted) {
-            return context.output.Failed(RequestFailure(CommandFault::Cancelled, ""));
+            return RequestFailure(CommandFault::Cancelled, "");
         }
-        sensor.tilt.Refresh();
+        static_cast<void>(sensor.Read(reading));
         const bool isDone = run.GetState() == CalibrationRun::State::Done;
         const std::string outcome = isDone ? "completed" : "failed";
         report.Add("outcome", text::kLabelOutcome, Value::Word(outcome, Translated(outcome)));
-        AddTilt(report, sensor.session.Command().Heard());
+        AddTilt(report, reading);
         if (isDone) {
             return context.output.Done(report);
         }
         return context.output.Failed(run.Fault() != CommandFault::None
                                          ? RequestFailure(run.Fault(), "")
                                          : Failure{ExitCode::Failed, "calibration-failed",
-                                                   Worded(text::kSayCalibrationFailed),
-                                                   Worded(text::kSayCalibrationAgain)},
+                                                   text::kSayCalibrationFailed,
+                                                   text::kSayCalibrationAgain},
                                      &report);
     });
 }
@@ -160,27 +152,27 @@ ExitCode Calibrate(const Context& context, const TiltOptions& options)
 /// Tells the receiver a setting of its sensor.
 /// @param keep  stores it here once the receiver has it; 0 if it could not be stored. Null: only
 ///              the receiver keeps it.
-ExitCode Send(const Context& context, const TiltOptions& options, const char* key, int label,
-              Value value, const std::function<int(CCommand&)>& send,
-              const std::function<int(const CReg&)>& keep)
+Ending Send(const Context& context, const TiltOptions& options, const char* key, int label,
+            Value value, const std::function<int(CCommand&)>& send,
+            const std::function<int(const CReg&)>& keep)
 {
-    return WithSensor(context, options, [&](Sensor& sensor) {
+    return WithSensor(context, options, [&](Sensor& sensor, Receiver&) -> Ending {
         Report report;
         report.Add(key, label, value);
         if (!context.dryRun && send(sensor.session.Command()) == 0) {
-            return context.output.Failed(sensor.session.RequestFailed());
+            return sensor.session.RequestFailed();
         }
         report.Add("sent", text::kLabelSent, Value::YesNo(!context.dryRun));
         const bool isKept = keep != nullptr;
         if (!context.dryRun && isKept && keep(sensor.reg) == 0) {
             return context.output.Failed(
-                FileFailure(Worded(text::kSayTiltNotStored), "fieldcore-cli doctor"), &report);
+                FileFailure(text::kSayTiltNotStored, "fieldcore-cli doctor"), &report);
         }
         return isKept ? Kept(context, report) : context.output.Done(report);
     });
 }
 
-ExitCode SetExpiry(const Context& context, const TiltOptions& options)
+Ending SetExpiry(const Context& context, const TiltOptions& options)
 {
     return Send(
         context, options, "expiryHours", text::kFieldExpiry, Value::Integer(options.hours, "h"),
@@ -190,7 +182,7 @@ ExitCode SetExpiry(const Context& context, const TiltOptions& options)
         nullptr);
 }
 
-ExitCode SetSpeed(const Context& context, const TiltOptions& options)
+Ending SetSpeed(const Context& context, const TiltOptions& options)
 {
     const int viscosity = options.speed == "fast" ? 0 : options.speed == "medium" ? 1 : 2;
     return Send(
@@ -204,47 +196,45 @@ ExitCode SetSpeed(const Context& context, const TiltOptions& options)
         });
 }
 
+void AddSetting(CLI::App& parser, TiltOptions& options)
+{
+    AddDryRun(parser, text::kOptTiltDry);
+    options.port.AddTo(parser);
+}
+
 } // namespace
 
 Command AddTiltCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<TiltOptions>();
-    const auto doing = [options](ExitCode (*act)(const Context&, const TiltOptions&)) {
-        return [options, act](const Context& context) { return act(context, *options); };
-    };
-    const auto addSetting = [options](CLI::App& parser) {
-        AddDryRun(parser, text::kOptTiltDry);
-        options->port.AddTo(parser);
-    };
-    return AddCommands(program, {"tilt", text::kHelpTilt, {}, {}},
-                       {{"show", text::kHelpTiltShow,
-                         [options](CLI::App& parser) {
-                             options->watch.AddTo(parser, 0.2);
-                             options->port.AddTo(parser);
-                         },
-                         doing(Show)},
-                        {"calibrate", text::kHelpTiltCalibrate,
-                         [options](CLI::App& parser) {
-                             AddConsent(parser, options->yes, text::kOptCalibrateDry);
-                             options->port.AddTo(parser);
-                         },
-                         doing(Calibrate)},
-                        {"expiry", text::kHelpTiltExpiry,
-                         [=](CLI::App& parser) {
-                             AddNumber(parser, "HOURS", options->hours, {1.0, 30000.0, "h"}, "",
-                                       text::kOptHowLong)
-                                 ->required();
-                             addSetting(parser);
-                         },
-                         doing(SetExpiry)},
-                        {"speed", text::kHelpTiltSpeed,
-                         [=](CLI::App& parser) {
-                             AddWord(parser, "SPEED", options->speed, {"fast", "medium", "slow"},
-                                     "", text::kOptTiltSpeed)
-                                 ->required();
-                             addSetting(parser);
-                         },
-                         doing(SetSpeed)}});
+    return AddCommand<TiltOptions>(
+        program, {"tilt", text::kHelpTilt},
+        {{"show", text::kHelpTiltShow,
+          [](CLI::App& parser, TiltOptions& options) {
+              options.watch.AddTo(parser, 0.2);
+              options.port.AddTo(parser);
+          },
+          Show},
+         {"calibrate", text::kHelpTiltCalibrate,
+          [](CLI::App& parser, TiltOptions& options) {
+              AddConsent(parser, options.yes, text::kOptCalibrateDry);
+              options.port.AddTo(parser);
+          },
+          Calibrate},
+         {"expiry", text::kHelpTiltExpiry,
+          [](CLI::App& parser, TiltOptions& options) {
+              AddNumber(parser, "HOURS", options.hours, {1.0, 30000.0, "h"}, "", text::kOptHowLong)
+                  ->required();
+              AddSetting(parser, options);
+          },
+          SetExpiry},
+         {"speed", text::kHelpTiltSpeed,
+          [](CLI::App& parser, TiltOptions& options) {
+              AddWord(parser, "SPEED", options.speed, {"fast", "medium", "slow"}, "",
+                      text::kOptTiltSpeed)
+                  ->required();
+              AddSetting(parser, options);
+          },
+          SetSpeed}});
 }
 
 } // namespace fieldcore::cli

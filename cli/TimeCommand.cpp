@@ -2,14 +2,8 @@
 #include "cli/Options.h"
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
-#include "cli/TerminalHost.h"
-#include "cli/Wording.h"
-
-#include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <chrono>
-#include <memory>
 #include <string>
 
 namespace fieldcore::cli {
@@ -55,100 +49,78 @@ Clock::UtcTime TimeByNow(const StatusReader& reader, Clock::Duration now)
 
 Failure NotTrusted()
 {
-    return {ExitCode::Failed, "time-not-known", Worded(text::kSayTimeNotKnown),
-            Worded(text::kSayTimeNotKnownHint)};
+    return {ExitCode::Failed, "time-not-known", text::kSayTimeNotKnown, text::kSayTimeNotKnownHint};
 }
 
-Failure NotPermitted(const std::string& cause)
+Ending Run(const Context& context, const TimeOptions& options)
 {
-    return {ExitCode::Failed, "clock-not-set",
-            Worded(text::kSayClockNotSet, {cause.empty() ? "--" : cause}),
-            Worded(text::kSayClockHint)};
-}
-
-ExitCode Set(const Context& context, const TimeOptions& options, TerminalHost& host,
-             PortSession& session)
-{
+    if (options.set && !options.yes && !context.dryRun && !context.world.CanAsk()) {
+        return UsageFailure(text::kSayClockNobody, text::kSayYesSet);
+    }
+    PortSession session(context, options.port, options.yes);
+    if (const auto failure = session.Connect()) {
+        return *failure;
+    }
+    if (options.set && session.GetSimulator() != nullptr && !context.dryRun) {
+        return UsageFailure(text::kSayClockSimulated, text::kSayDryRunShows);
+    }
     StatusReader reader(session);
-    if (const std::optional<Failure> failure = reader.Read()) {
-        return context.output.Failed(*failure);
+    if (const auto failure = reader.Read()) {
+        return *failure;
     }
     const Report report = ReportOf(reader, false);
+    if (!options.set) {
+        return context.output.Done(report);
+    }
     if (!CanBeTrusted(reader)) {
         return context.output.Failed(NotTrusted(), &report);
     }
     const std::string time = UtcValue(TimeByNow(reader, reader.Reading().time->at)).Words();
     if (context.dryRun) {
-        context.output.Note(Worded(text::kSayClockWould, {time}));
+        context.output.Note({text::kSayClockWould, {time}});
         return context.output.Done(report);
     }
     if (!options.yes) {
-        if (const auto failure = host.Ask(Worded(text::kSayClockAsk, {time}), "", "")) {
+        if (const auto failure = session.GetHost().Ask({text::kSayClockAsk, {time}}, "", "")) {
             return context.output.Failed(*failure, &report);
         }
     }
     // The question may have waited for long.
-    if (const std::optional<Failure> failure = reader.Read()) {
-        return context.output.Failed(*failure);
+    if (const auto failure = reader.Read()) {
+        return *failure;
     }
     if (!CanBeTrusted(reader)) {
         return context.output.Failed(NotTrusted(), &report);
     }
-    if (!context.world.setClock) {
-        return context.output.Failed(NotPermitted(""), &report);
-    }
     // More was asked since the receiver told its time, and may have been asked twice.
     const std::string cause =
-        context.world.setClock(TimeByNow(reader, session.GetClock().Steady()));
+        context.world.setClock
+            ? context.world.setClock(TimeByNow(reader, session.GetClock().Steady()))
+            : Value::Unknown().Words();
     if (!cause.empty()) {
-        return context.output.Failed(NotPermitted(cause), &report);
+        return context.output.Failed({ExitCode::Failed, "clock-not-set",
+                                      Worded(text::kSayClockNotSet, {cause}), text::kSayClockHint},
+                                     &report);
     }
     return context.output.Done(ReportOf(reader, true));
-}
-
-ExitCode Run(const Context& context, const TimeOptions& options)
-{
-    if (options.set && !options.yes && !context.dryRun && !context.world.CanAsk()) {
-        return context.output.Failed(
-            UsageFailure(Worded(text::kSayClockNobody), Worded(text::kSayYesSet)));
-    }
-    TerminalHost host(context.world, context.output,
-                      options.yes ? TerminalHost::Answers::AllYes : TerminalHost::Answers::Ask);
-    PortSession session(context.world, context.output, host, options.port);
-    if (const std::optional<Failure> failure = session.Connect()) {
-        return context.output.Failed(*failure);
-    }
-    if (options.set) {
-        if (session.GetSimulator() != nullptr && !context.dryRun) {
-            return context.output.Failed(
-                UsageFailure(Worded(text::kSayClockSimulated), Worded(text::kSayDryRunShows)));
-        }
-        return Set(context, options, host, session);
-    }
-    StatusReader reader(session);
-    if (const std::optional<Failure> failure = reader.Read()) {
-        return context.output.Failed(*failure);
-    }
-    return context.output.Done(ReportOf(reader, false));
 }
 
 } // namespace
 
 Command AddTimeCommand(CLI::App& program)
 {
-    const auto options = std::make_shared<TimeOptions>();
-    return AddCommand(program,
-                      {"time", text::kHelpTime,
-                       [options](CLI::App& parser) {
-                           CLI::Option* const set =
-                               AddFlag(parser, "--set", options->set, text::kOptSetClock);
-                           AddConsent(parser, options->yes, text::kOptClockDry);
-                           for (const char* name : {"--yes", "--dry-run"}) {
-                               parser.get_option(name)->needs(set);
-                           }
-                           options->port.AddTo(parser);
-                       },
-                       [options](const Context& context) { return Run(context, *options); }});
+    return AddCommand<TimeOptions>(
+        program, {"time", text::kHelpTime,
+                  [](CLI::App& parser, TimeOptions& options) {
+                      CLI::Option* const set =
+                          AddFlag(parser, "--set", options.set, text::kOptSetClock);
+                      AddConsent(parser, options.yes, text::kOptClockDry);
+                      for (const char* name : {"--yes", "--dry-run"}) {
+                          parser.get_option(name)->needs(set);
+                      }
+                      options.port.AddTo(parser);
+                  },
+                  Run});
 }
 
 } // namespace fieldcore::cli

@@ -1,10 +1,8 @@
 #include "cli/Command.h"
 #include "cli/Options.h"
-#include "cli/Utf8.h"
-#include "cli/Wording.h"
 
 #include "core/link/FrameDescriber.h"
-#include "core/resources/StringTable.h"
+#include "core/platform/Utf8.h"
 #include "simulator/ExchangeRecord.h"
 
 #include <algorithm>
@@ -14,14 +12,12 @@
 #include <cstdio>
 #include <fstream>
 #include <istream>
-#include <memory>
 #include <optional>
 #include <ostream>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 namespace fieldcore::cli {
 
@@ -42,30 +38,12 @@ std::string HexByte(std::uint8_t byte)
     return text.data();
 }
 
-const char* KindCode(Kind kind)
-{
-    switch (kind) {
-    case Kind::Frame:
-        return "frame";
-    case Kind::Ack:
-        return "ack";
-    case Kind::Nak:
-        return "nak";
-    case Kind::Break:
-        return "break";
-    case Kind::Line:
-        return "line";
-    case Kind::Piece:
-        return "piece";
-    case Kind::Stray:
-        break;
-    }
-    return "stray";
-}
+// In the order of Kind.
+constexpr std::array kKindCodes{"frame", "ack", "nak", "break", "line", "piece", "stray"};
 
 std::string NameOf(const DescribedBytes& bytes)
 {
-    return IsEnglish() || bytes.title.empty() ? Translated(bytes.name) : bytes.title;
+    return WordedOr(Translated(bytes.name), bytes.title);
 }
 
 /// Several meanings, or a name behind its number.
@@ -78,11 +56,6 @@ std::string EachTranslated(const std::string& english, std::string_view separato
                 EachTranslated(english.substr(at + separator.size()), separator);
     }
     return words;
-}
-
-std::string NameWords(const DescribedField& field)
-{
-    return EachTranslated(field.name, ". ");
 }
 
 /// With the unit in the language of the run.
@@ -122,26 +95,20 @@ Value Checksum(const DescribedBytes& bytes)
         return Value::Unknown();
     }
     return bytes.checksumGood
-               ? Value::Word("good", Worded(text::kTraceChecksumGood))
-               : Value::Word("bad",
-                             Worded(text::kTraceChecksumBad,
-                                    {HexByte(bytes.checksum), HexByte(bytes.expectedChecksum)}));
+               ? Term("good", text::kTraceChecksumGood)
+               : Term("bad", {text::kTraceChecksumBad,
+                              {HexByte(bytes.checksum), HexByte(bytes.expectedChecksum)}});
 }
 
 /// The time at the start of a log line, minutes and seconds of an hour; empty if there is none, or
 /// only the text that is the same in every line.
 std::string TimeOf(const std::string& line)
 {
-    const std::string time = line.substr(0, std::min(line.find(' '), std::size_t{10}));
-    unsigned minutes = 0;
-    unsigned seconds = 0;
-    unsigned thousandths = 0;
-    int end = 0;
-    const int count =
-        std::sscanf(time.c_str(), "%2u:%2u.%3u%n", &minutes, &seconds, &thousandths, &end);
-    const bool isTime = count == 3 && static_cast<std::size_t>(end) == time.size() &&
-                        time.find_first_not_of("0123456789:.") == std::string::npos;
-    return isTime && time != "00:1.000" ? time : std::string();
+    static const std::regex kTime(R"(\d{1,2}:\d{1,2}\.\d{1,3}(?= |$))");
+    std::smatch time;
+    const bool isTime =
+        std::regex_search(line, time, kTime, std::regex_constants::match_continuous);
+    return isTime && time.str() != "00:1.000" ? time.str() : std::string();
 }
 
 /// One thing that went over the line, as a report of its own.
@@ -149,43 +116,43 @@ Report ReportOf(std::int64_t line, const std::string& time, Direction direction,
                 const DescribedBytes& bytes)
 {
     Report report;
-    report.Add("line", text::kLabelLine, Value::Integer(line));
-    report.Add("time", text::kLabelTime, time.empty() ? Value::Unknown() : Value::Text(time));
-    report.Add("direction", text::kLabelDirection,
-               Value::Text(std::string(direction == Direction::Sent ? "Tx" : "Rx")));
-    report.Add("kind", text::kLabelKind, Value::Word(KindCode(bytes.kind), KindWords(bytes)));
-    report.Add("type", text::kLabelType,
-               bytes.type ? Value::Text(HexByte(*bytes.type)) : Value::Unknown());
-    report.Add("name", text::kLabelName, Value::Text(bytes.name));
-    report.Add("length", text::kLabelLength,
-               Value::Integer(static_cast<std::int64_t>(bytes.length), "bytes"));
-    report.Add("checksum", text::kLabelChecksum, Checksum(bytes));
-    report.Add("fault", text::kLabelFault, Value::Text(bytes.fault));
-    Report::Table table{
-        "fields",
-        "",
-        {{"offset", ""}, {"name", ""}, {"value", ""}, {"unit", ""}, {"meaning", ""}},
-        {}};
+    report.Add("line", Value::Integer(line));
+    report.Add("time", time.empty() ? Value::Unknown() : Value::Text(time));
+    report.Add("direction", Value::Text(std::string(direction == Direction::Sent ? "Tx" : "Rx")));
+    report.Add("kind", Value::Text(std::string(kKindCodes[static_cast<std::size_t>(bytes.kind)])));
+    report.Add("type", bytes.type ? Value::Text(HexByte(*bytes.type)) : Value::Unknown());
+    report.Add("name", Value::Text(bytes.name));
+    report.Add("length", Value::Integer(static_cast<std::int64_t>(bytes.length), "bytes"));
+    report.Add("checksum", Checksum(bytes));
+    report.Add("fault", Value::Text(bytes.fault));
+    Report::Table table{"fields"};
     for (const DescribedField& field : bytes.fields) {
-        table.rows.push_back({Value::Integer(static_cast<std::int64_t>(field.offset)),
-                              Value::Text(field.name), field.value, Value::Text(field.value.Unit()),
-                              Value::Text(field.meaning)});
+        table.rows.push_back(
+            {{"offset", "", Value::Integer(static_cast<std::int64_t>(field.offset))},
+             {"name", "", Value::Text(field.name)},
+             {"value", "", field.value},
+             {"unit", "", Value::Text(field.value.Unit())},
+             {"meaning", "", Value::Text(field.meaning)}});
     }
     report.AddTable(std::move(table));
     return report;
+}
+
+std::string PaddedLeft(const std::string& number, std::size_t width)
+{
+    return std::string(width - std::min(width, number.size()), ' ') + number;
 }
 
 std::string FieldWords(const std::vector<DescribedField>& fields)
 {
     std::size_t nameWidth = 0;
     for (const DescribedField& field : fields) {
-        nameWidth = std::max(nameWidth, DisplayWidth(NameWords(field)));
+        nameWidth = std::max(nameWidth, DisplayWidth(EachTranslated(field.name, ". ")));
     }
     std::string text;
     for (const DescribedField& field : fields) {
-        const std::string offset = std::to_string(field.offset);
-        text += std::string(offset.size() < 7 ? 7 - offset.size() : 0, ' ') + offset + "  " +
-                Padded(NameWords(field), nameWidth + 2) + ValueWords(field.value);
+        text += PaddedLeft(std::to_string(field.offset), 7) + "  " +
+                Padded(EachTranslated(field.name, ". "), nameWidth + 2) + ValueWords(field.value);
         text += field.meaning.empty()
                     ? ""
                     : "  (" + Printable(EachTranslated(field.meaning, ", ")) + ")";
@@ -230,45 +197,35 @@ public:
     }
 
     /// @param failure  why not all of the log was read, if so
-    ExitCode Finish(const std::optional<Failure>& failure)
+    Ending Finish(const std::optional<Failure>& failure)
     {
-        m_report.Add("exchanged", text::kLabelExchanged, Value::Integer(m_told));
-        m_report.Add("faults", text::kLabelFaults, Value::Integer(m_faults));
-        m_report.Add("damagedLines", text::kLabelDamagedLines, Value::Integer(m_damagedLines));
-        if (failure) {
-            return m_context.output.Failed(*failure,
-                                           m_context.output.IsJson() ? &m_report : nullptr);
-        }
-        if (m_told == 0) {
+        m_report.Add("exchanged", Value::Integer(m_told));
+        m_report.Add("faults", Value::Integer(m_faults));
+        m_report.Add("damagedLines", Value::Integer(m_damagedLines));
+        if (failure || m_told == 0) {
             return m_context.output.Failed(
-                FileFailure(Worded(text::kSayNoExchange), Worded(text::kSayNoExchangeHint)),
+                failure ? *failure : FileFailure(text::kSayNoExchange, text::kSayNoExchangeHint),
                 m_context.output.IsJson() ? &m_report : nullptr);
         }
         const ExitCode code = m_context.output.Done(m_report, "");
         m_context.output.Note(
-            Worded(text::kSayExchanged, {std::to_string(m_told), std::to_string(m_faults),
-                                         std::to_string(m_damagedLines)}));
+            {text::kSayExchanged,
+             {std::to_string(m_told), std::to_string(m_faults), std::to_string(m_damagedLines)}});
         return code;
     }
 
 private:
-    [[nodiscard]] std::string LineNumber() const
-    {
-        const std::string number = std::to_string(m_line);
-        return std::string(number.size() < 5 ? 5 - number.size() : 0, ' ') + number + "  ";
-    }
-
     void TellDamage(const std::string& error)
     {
         if (m_context.output.IsJson()) {
             Report entry;
-            entry.Add("line", text::kLabelLine, Value::Integer(m_line));
-            entry.Add("kind", text::kLabelKind, Value::Text(std::string("damaged-line")));
-            entry.Add("fault", text::kLabelFault, Value::Text(error));
+            entry.Add("line", Value::Integer(m_line));
+            entry.Add("kind", Value::Text(std::string("damaged-line")));
+            entry.Add("fault", Value::Text(error));
             m_report.AddEntry("entries", std::move(entry));
             return;
         }
-        *m_context.world.out << LineNumber()
+        *m_context.world.out << PaddedLeft(std::to_string(m_line), 5) << "  "
                              << m_context.output.Painted(Worded(text::kTraceDamaged), Colour::Red)
                              << Printable(Translated(error)) << "\n";
     }
@@ -281,7 +238,8 @@ private:
             m_report.AddEntry("entries", ReportOf(m_line, m_time, direction, bytes));
             return;
         }
-        std::string text = LineNumber() + (m_time.empty() ? "" : Padded(m_time, 9) + "  ") +
+        std::string text = PaddedLeft(std::to_string(m_line), 5) + "  " +
+                           (m_time.empty() ? "" : Padded(m_time, 9) + "  ") +
                            (direction == Direction::Sent ? "Tx  " : "Rx  ") + KindWords(bytes) +
                            Worded(bytes.length == 1 ? text::kTraceByte : text::kTraceBytes,
                                   {std::to_string(bytes.length)});
@@ -327,15 +285,15 @@ std::optional<Failure> Read(const Context& context, std::istream& in, const std:
     }
     const std::string next = std::to_string(lines + 1);
     if (World::HasFailed(in)) {
-        return FileFailure(Worded(text::kSayReadTo, {name, next}));
+        return FileFailure({text::kSayReadTo, {name, next}});
     }
     if (in.fail() && !in.eof()) {
-        return FileFailure(Worded(text::kSayLineTooLong, {name, next}));
+        return FileFailure({text::kSayLineTooLong, {name, next}});
     }
     return std::nullopt;
 }
 
-ExitCode Run(const Context& context, const TraceOptions& options)
+Ending Run(const Context& context, const TraceOptions& options)
 {
     std::ifstream file;
     const bool fromStdin = options.file == "-";
@@ -343,15 +301,13 @@ ExitCode Run(const Context& context, const TraceOptions& options)
         file.open(options.file, std::ios::binary);
         // A folder opens and cannot be read.
         if (!file || (file.peek() == std::ifstream::traits_type::eof() && file.bad())) {
-            return context.output.Failed(FileFailure(Worded(text::kSayNotRead, {options.file}),
-                                                     Worded(text::kSayTraceHint)));
+            return FileFailure({text::kSayNotRead, {options.file}}, text::kSayTraceHint);
         }
         file.clear();
     }
     Tracer tracer(context, options.brief);
-    const std::optional<Failure> failure = fromStdin
-                                               ? Read(context, *context.world.in, "stdin", tracer)
-                                               : Read(context, file, options.file, tracer);
+    const auto failure = fromStdin ? Read(context, *context.world.in, "stdin", tracer)
+                                   : Read(context, file, options.file, tracer);
     return context.world.StopRequested()
                ? context.output.Failed(RequestFailure(CommandFault::Cancelled, ""))
                : tracer.Finish(failure);
@@ -361,11 +317,13 @@ ExitCode Run(const Context& context, const TraceOptions& options)
 
 Command AddTraceCommand(CLI::App& program)
 {
-    CLI::App& parser = AddParser(program, "trace", text::kHelpTrace);
-    auto options = std::make_shared<TraceOptions>();
-    AddText(parser, "file", options->file, "FILE", text::kOptTrace)->required();
-    AddFlag(parser, "--brief", options->brief, text::kOptBrief);
-    return {&parser, [options](const Context& context) { return Run(context, *options); }};
+    return AddCommand<TraceOptions>(
+        program, {"trace", text::kHelpTrace,
+                  [](CLI::App& parser, TraceOptions& options) {
+                      AddText(parser, "file", options.file, "FILE", text::kOptTrace)->required();
+                      AddFlag(parser, "--brief", options.brief, text::kOptBrief);
+                  },
+                  Run});
 }
 
 } // namespace fieldcore::cli

@@ -2,13 +2,32 @@
 
 #include "cli/Options.h"
 
-#include "core/resources/StringTable.h"
+#include "core/equipment/ReceiverFields.h"
 
 #include <algorithm>
 #include <chrono>
-#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace fieldcore::cli {
+
+namespace {
+
+/// @param receiver  null: the heads of the columns
+std::string Line(std::span<const WatchColumn> columns, const Receiver* receiver)
+{
+    std::vector<std::pair<std::string, std::size_t>> cells;
+    for (const WatchColumn& column : columns) {
+        const ReceiverField& field = FieldOf(column.key);
+        const std::string head = WordedOr(column.head, field.textId);
+        cells.emplace_back(receiver != nullptr ? ReportField(field, *receiver).Words() : head,
+                           std::max(column.width, DisplayWidth(head) + 2));
+    }
+    return TableLine(cells);
+}
+
+} // namespace
 
 void WatchOptions::AddTo(CLI::App& command, double usualS)
 {
@@ -36,8 +55,8 @@ void WaitUntil(const World& world, const Clock& clock, Clock::Duration end)
     }
 }
 
-ExitCode RunWatch(const World& world, const Clock& clock, const WatchOptions& options,
-                  const std::function<std::optional<ExitCode>(bool isFirst)>& read)
+ExitCode RunWatch(const Context& context, const Clock& clock, const WatchOptions& options,
+                  const Watched& watched)
 {
     const auto interval = std::chrono::duration_cast<Clock::Duration>(
         std::chrono::duration<double>(options.intervalS));
@@ -45,15 +64,23 @@ ExitCode RunWatch(const World& world, const Clock& clock, const WatchOptions& op
     bool anyGood = false;
     Clock::Duration next = clock.Steady();
     for (unsigned turn = 0; options.count == 0 || turn < options.count; ++turn) {
-        WaitUntil(world, clock, next);
+        WaitUntil(context.world, clock, next);
         next = std::max(next + interval, clock.Steady());
-        const std::optional<ExitCode> code = read(!anyGood);
-        if (!code) {
+        Receiver reading;
+        const auto failure = watched.read(reading);
+        if (context.world.StopRequested()) {
             break;
         }
-        last = *code;
-        anyGood = anyGood || last == ExitCode::Done;
-        if (last == ExitCode::NoPort || !*world.out) { // gone, or nobody reads on
+        Report report;
+        std::string words;
+        if (!failure) {
+            watched.report(report, reading);
+            words =
+                (anyGood ? "" : Line(watched.columns, nullptr)) + Line(watched.columns, &reading);
+        }
+        last = failure ? context.output.Failed(*failure) : context.output.Done(report, words);
+        anyGood = anyGood || !failure;
+        if (last == ExitCode::NoPort || !*context.world.out) { // gone, or nobody reads on
             return last;
         }
     }

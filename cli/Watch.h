@@ -1,17 +1,14 @@
 #pragma once
 
-#include "cli/ExitCode.h"
-#include "cli/World.h"
+#include "cli/Command.h"
 
+#include "core/link/Receiver.h"
 #include "core/platform/Clock.h"
 
+#include <cstddef>
 #include <functional>
 #include <optional>
-
-namespace CLI {
-class App;
-class Option;
-} // namespace CLI
+#include <span>
 
 namespace fieldcore::cli {
 
@@ -31,12 +28,27 @@ struct WatchOptions
 /// Waits until @p end, or until the user asks for an end.
 void WaitUntil(const World& world, const Clock& clock, Clock::Duration end);
 
-/// Reads again and again. A reading that fails is told and forgotten, as long as the port is
-/// there: a receiver that is switched on again goes on where it stopped.
-/// @param read  reads and shows; whether it is the first good one. Answers with an exit code, or
-///              nothing if the user has asked for an end meanwhile
+/// A column of a watch: a field of the receiver.
+struct WatchColumn
+{
+    const char* key;
+    const char* head; ///< in English
+    std::size_t width;
+};
+
+/// What is read again and again, and how it is told.
+struct Watched
+{
+    /// @return why it could not be read
+    std::function<std::optional<Failure>(Receiver&)> read;
+    std::function<void(Report&, const Receiver&)> report;
+    std::span<const WatchColumn> columns;
+};
+
+/// Reads again and again, a line each. A reading that fails is told and forgotten, as long as the
+/// port is there: a receiver that is switched on again goes on where it stopped.
 /// @return what the program ends with: Done if any reading was good
-[[nodiscard]] ExitCode RunWatch(const World& world, const Clock& clock, const WatchOptions& options,
-                                const std::function<std::optional<ExitCode>(bool isFirst)>& read);
+[[nodiscard]] ExitCode RunWatch(const Context& context, const Clock& clock,
+                                const WatchOptions& options, const Watched& watched);
 
 } // namespace fieldcore::cli

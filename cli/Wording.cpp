@@ -1,7 +1,6 @@
 #include "cli/Wording.h"
 
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -73,6 +72,15 @@ std::string InEnglish(int id, std::initializer_list<std::string> parts)
     return Filled(ToUtf8(Text(id, Language::English)), parts);
 }
 
+std::string Joined(std::span<const std::string> words, std::size_t most)
+{
+    std::string text;
+    for (const std::string& word : words.first(std::min(most, words.size()))) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return words.size() > most ? text + ", ..." : text;
+}
+
 std::string Translated(const std::string& english)
 {
     if (IsEnglish()) {
@@ -95,9 +103,14 @@ std::string Translated(const std::string& english)
     return english;
 }
 
+std::string WordedOr(const std::string& english, const std::string& words)
+{
+    return IsEnglish() || words.empty() ? english : words;
+}
+
 std::string WordedOr(const char* english, int id)
 {
-    return id != 0 && !IsEnglish() ? Worded(id) : english;
+    return WordedOr(std::string(english), id != 0 ? Worded(id) : std::string());
 }
 
 } // namespace fieldcore::cli

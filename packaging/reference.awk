@@ -11,6 +11,7 @@ $1 == "command" {
     sub(/^.* /, "", word)
     parent = $2
     if (!sub(/ [^ ]*$/, "", parent)) parent = ""
+    step[commands] = parent "/" word
     below[parent] = below[parent] (below[parent] == "" ? "" : " ") word
 }
 $1 == "option" {
@@ -69,6 +70,12 @@ function man(   i) {
     print ".fi"
 }
 
+# Goes from a command to the one that is typed behind it.
+function steps(indent, variable,   i) {
+    for (i = 1; i <= commands; ++i)
+        print indent "\"" step[i] "\") " variable "=\"" command[i] "\" ;;"
+}
+
 # The words of a command and of everything above it are offered.
 function bash(   i, name) {
     name = program
@@ -78,13 +85,7 @@ function bash(   i, name) {
     print "    local path='' word current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}"
     print "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do"
     print "        case \"$path/$word\" in"
-    for (i = 1; i <= commands; ++i) {
-        parent = command[i]
-        word = command[i]
-        sub(/^.* /, "", word)
-        if (!sub(/ [^ ]*$/, "", parent)) parent = ""
-        print "        \"" parent "/" word "\") path=\"" command[i] "\" ;;"
-    }
+    steps("        ", "path")
     print "        *) ;;"
     print "        esac"
     print "    done"
@@ -132,13 +133,7 @@ function zsh(   i, k, n, part, path) {
     print "local at= word"
     print "for word in ${words[2,CURRENT-1]}; do"
     print "    case \"$at/$word\" in"
-    for (i = 1; i <= commands; ++i) {
-        parent = command[i]
-        word = command[i]
-        sub(/^.* /, "", word)
-        if (!sub(/ [^ ]*$/, "", parent)) parent = ""
-        print "    \"" parent "/" word "\") at=\"" command[i] "\" ;;"
-    }
+    steps("    ", "at")
     print "    esac"
     print "done"
     print "case \"$at\" in"

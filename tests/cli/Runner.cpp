@@ -63,39 +63,56 @@ Outcome Runner::Run(const std::string& arguments)
     return Run(std::vector<std::string>(std::istream_iterator<std::string>(words), {}));
 }
 
-Outcome Runner::Run(std::vector<std::string> arguments)
+Outcome Runner::Run(std::vector<std::string> arguments, bool isTogether)
 {
     std::ostringstream out;
     std::ostringstream err;
     std::istringstream in(input);
     world.out = &out;
-    world.err = &err;
+    world.err = isTogether ? &out : &err;
     world.in = &in;
     const int code = RunCommandLine(world, std::move(arguments));
     return {code, out.str(), err.str()};
 }
 
-Outcome Runner::RunTogether(std::vector<std::string> arguments)
+nlohmann::json Runner::Result(const std::string& arguments)
 {
-    std::ostringstream both;
-    std::istringstream in(input);
-    world.out = &both;
-    world.err = &both;
-    world.in = &in;
-    const int code = RunCommandLine(world, std::move(arguments));
-    return {code, both.str(), ""};
+    const Outcome outcome = Run(arguments + " --json");
+    EXPECT_EQ(outcome.code, 0) << arguments << "\n" << outcome.err;
+    return outcome.Json()["result"];
 }
 
-Outcome Runner::RunProgram(const std::string& arguments) const
+void Runner::Expect(std::initializer_list<Told> rows)
+{
+    for (const Told& row : rows) {
+        SCOPED_TRACE(row.arguments);
+        const Outcome outcome = Run(row.arguments);
+        EXPECT_EQ(outcome.code, row.code) << outcome.err;
+        EXPECT_NE(outcome.err.find(row.told), std::string::npos) << outcome.err;
+        if (row.code == 0) {
+            EXPECT_EQ(outcome.err.empty(), row.told.empty()) << outcome.err;
+        } else if (row.arguments.find("--json") == std::string::npos) {
+            EXPECT_EQ(outcome.out, "");
+        }
+    }
+}
+
+Outcome Runner::RunInShell(const std::string& command) const
 {
     const std::string out = Path("stdout");
     const std::string err = Path("stderr");
     // Not the settings of whoever runs the tests.
-    const std::string command =
-        "FIELDCORE_HOME=" + Path("home") + " XDG_CONFIG_HOME=" + Path("config") + " exec " +
-        FIELDCORE_CLI + " " + Expanded(arguments) + " >" + out + " 2>" + err + " </dev/null";
-    const int status = std::system(command.c_str()); // NOLINT: a shell is what users have
+    const std::string whole =
+        "export FIELDCORE_HOME=" + Path("home") + " XDG_CONFIG_HOME=" + Path("config") +
+        " PATH=" + std::filesystem::path(FIELDCORE_CLI).parent_path().string() + ":$PATH; exec >" +
+        out + " 2>" + err + " </dev/null; " + command;
+    const int status = std::system(whole.c_str()); // NOLINT: a shell is what users have
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(out), Content(err)};
+}
+
+Outcome Runner::RunProgram(const std::string& arguments) const
+{
+    return RunInShell(std::string("exec ") + FIELDCORE_CLI + " " + Expanded(arguments));
 }
 
 std::string Content(const std::filesystem::path& file)

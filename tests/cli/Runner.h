@@ -4,9 +4,11 @@
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -24,6 +26,14 @@ struct Outcome
     [[nodiscard]] nlohmann::json Json() const;
 };
 
+/// How a command line has to end.
+struct Told
+{
+    std::string arguments;
+    int code;
+    std::string_view told = ""; ///< part of what stands on stderr; empty: nothing if the code is 0
+};
+
 /// A process and a machine of the test's own, in which command lines are run: empty folders, no
 /// serial ports, no terminal, no Ctrl-C, until the test says otherwise.
 class Runner
@@ -33,11 +43,16 @@ public:
 
     /// @param arguments  separated by blanks; "@/" begins a path below the runner's folder
     [[nodiscard]] Outcome Run(const std::string& arguments);
-    [[nodiscard]] Outcome Run(std::vector<std::string> arguments);
+    /// @param isTogether  both outputs are one, as a terminal shows them
+    [[nodiscard]] Outcome Run(std::vector<std::string> arguments, bool isTogether = false);
 
-    /// The same with both outputs in one, as a terminal shows them.
-    [[nodiscard]] Outcome RunTogether(std::vector<std::string> arguments);
+    /// The result of a command that succeeds, by its JSON document.
+    [[nodiscard]] nlohmann::json Result(const std::string& arguments);
+    /// Runs one after the other. What fails has no result on stdout.
+    void Expect(std::initializer_list<Told> rows);
 
+    /// A command of the shell, which finds the real program.
+    [[nodiscard]] Outcome RunInShell(const std::string& command) const;
     /// The same in the real program.
     [[nodiscard]] Outcome RunProgram(const std::string& arguments) const;
 

