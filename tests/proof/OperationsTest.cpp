@@ -218,5 +218,18 @@ TEST(Operations, StandThatThreadsRunOut)
     StandsScarcity(testing::Scarcity::Of::Threads, "threads refused");
 }
 
+TEST(Operations, StandThatThreadsRunOutForTheSimulator)
+{
+    const testing::VirtualClock clock;
+    testing::VirtualLine line(clock);
+    simulator::Simulator receiver(testing::ParsedScenario(""), clock, testing::On(line.FarPort()));
+    std::string error;
+    {
+        const testing::Scarcity scarcity(testing::Scarcity::Of::Threads, 1, true);
+        EXPECT_FALSE(receiver.Start(error));
+    }
+    EXPECT_TRUE(error.starts_with("no thread: ")) << error;
+}
+
 } // namespace
 } // namespace fieldcore
