@@ -206,9 +206,9 @@ void CSurveyPlan::BuildMenu()
             m_menu->AddSeparator(graphs);
         }
     }
-    m_menu->AddSeparator(graphs);
-    m_menu->AddItem(graphs, kTableItem, UiText(text::kSkyList));
     const int more = m_menu->AddPopup(UiText(text::kPlanMenuMore));
+    m_menu->AddItem(more, kTableItem, UiText(text::kSkyList));
+    m_menu->AddSeparator(more);
     m_menu->AddItem(more, kSearchItem, UiText(text::kSearchDays));
     m_menu->AddItem(more, kSessionItem, UiText(text::kSessionTitle));
     m_menu->AddSeparator(more);

@@ -143,7 +143,7 @@ TEST_F(SurveyPlanTest, HasTheMenusToTheLetter)
     EXPECT_EQ(UiText(text::kPlanMenuGraph), QStringLiteral(" グラフ "));
     EXPECT_EQ(items(0), "詳細設定 カーテン設定 - 軌道暦更新");
     EXPECT_EQ(items(1), "衛星数 - 方位角 高度角 - スカイプロット - PDOP GDOP TDOP");
-    EXPECT_EQ(items(2), "日を探す 同時観測 - 読込");
+    EXPECT_EQ(items(2), "一覧 - 日を探す 同時観測 - 読込");
     constexpr std::array kTypes{0, 2, 3, 1, 4, 5, 6};
     for (int item = 21901; item <= 21907; ++item) {
         SCOPED_TRACE(item);
