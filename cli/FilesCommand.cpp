@@ -53,6 +53,12 @@ std::string NameOf(const PlannedFile& file)
     return ToUtf8(file.record.Name());
 }
 
+/// In a sentence, which a name must not break.
+std::string Told(const PlannedFile& file)
+{
+    return Printable(NameOf(file));
+}
+
 std::string MessageOf(const PlannedFile& file)
 {
     const std::string cause = ToUtf8(file.CauseText()); // ends with what the system says
@@ -63,9 +69,9 @@ std::string MessageOf(const PlannedFile& file)
 /// What is said of a file that was not done.
 std::string Said(const PlannedFile& file)
 {
-    const std::string said = NameOf(file) + ": " + MessageOf(file);
+    const std::string said = Told(file) + ": " + MessageOf(file);
     if (file.nameFault != NameFault::None) {
-        return WordedOr("\"" + NameOf(file) + "\" " + MeaningOf(file.nameFault).words + ".", said);
+        return WordedOr("\"" + Told(file) + "\" " + MeaningOf(file.nameFault).words + ".", said);
     }
     if (file.outcome == FileOutcome::FolderRefused &&
         file.start.reason == AnewReason::NotOurs) { // somebody else's
@@ -238,7 +244,7 @@ private:
             if (isLogging &&
                 std::any_of(m_options.patterns.begin(), m_options.patterns.end(), names)) {
                 return Failure{ExitCode::Failed, "file-logging",
-                               Worded(text::kSayLogging, {NameOf(file)}), text::kSayEndLogging};
+                               Worded(text::kSayLogging, {Told(file)}), text::kSayEndLogging};
             }
             if (isLogging || file.outcome == FileOutcome::NameRefused) {
                 m_context.output.Warn({text::kSayLeftOut, {Said(file)}});
@@ -261,7 +267,7 @@ private:
             std::error_code ignored; // what cannot be looked at cannot be written either
             const fs::path path = m_plan.FolderOf(file) / NameOf(file);
             if (file.outcome == FileOutcome::Planned && (!fetches || fs::exists(path, ignored))) {
-                names.push_back(fetches ? path.string() : NameOf(file));
+                names.push_back(fetches ? path.string() : Told(file));
                 missing += file.isFetched ? 0 : 1;
             }
         }
@@ -306,7 +312,7 @@ private:
         };
         around.ended = [&](const PlannedFile& done) {
             if (m_plan.action != FileAction::Fetch) {
-                m_context.output.Progress(NameOf(done));
+                m_context.output.Progress(Told(done));
                 return;
             }
             const TransferStart& start = done.start;
@@ -316,9 +322,9 @@ private:
                 m_context.output.Message(
                     "note", "",
                     isAnew ? Worded(text::kSayAnew,
-                                    {NameOf(done), WordedOr(meaning.words, meaning.textId)})
+                                    {Told(done), WordedOr(meaning.words, meaning.textId)})
                            : Worded(text::kSayContinued,
-                                    {NameOf(done), std::to_string(start.continuedAt)}),
+                                    {Told(done), std::to_string(start.continuedAt)}),
                     Colour::Plain);
             }
         };

@@ -246,6 +246,7 @@ TEST_F(FilesTest, LeavesOutNamesThatCouldLeaveTheFolder)
         (std::set<std::string>{"down/there/HELD.Q01", "down/there/ONE.Q01", "down/there/TWO.Q01"}));
     EXPECT_EQ(outcome.out.find('\x1b') + outcome.err.find('\x1b') + 2, 0U)
         << "control characters reach the terminal";
+    EXPECT_EQ(outcome.err.find("\n?[31m"), std::string::npos) << "a name begins a line";
 }
 
 TEST_F(FilesTest, CtrlCEndsWithinABlockAndTheNextOneGoesOn)
