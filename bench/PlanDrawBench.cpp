@@ -5,9 +5,11 @@
 #include "core/orbits/SystemTime.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
+#include "ui/planning/CurtainView.h"
 #include "ui/planning/PlanGraphView.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QPixmap>
 
 #include <algorithm>
@@ -56,6 +58,20 @@ double ProcessorMs()
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
 }
 
+template <typename Turn>
+void MeasureTurns(benchmark::State& state, Turn turn)
+{
+    std::vector<double> turnsMs;
+    for (auto _ : state) {
+        const double startMs = ProcessorMs();
+        turn();
+        turnsMs.push_back(ProcessorMs() - startMs);
+    }
+    std::sort(turnsMs.begin(), turnsMs.end());
+    state.counters["median_ms"] = turnsMs[turnsMs.size() / 2];
+    state.counters["p95_ms"] = turnsMs[turnsMs.size() * 95 / 100];
+}
+
 struct Drawn
 {
     Drawn(int graph, int width, int height, bool isAll)
@@ -78,16 +94,10 @@ struct Drawn
     template <typename Change>
     void Run(benchmark::State& state, Change change)
     {
-        std::vector<double> turnsMs;
-        for (auto _ : state) {
-            const double startMs = ProcessorMs();
+        MeasureTurns(state, [&] {
             change();
             view.render(&pixels);
-            turnsMs.push_back(ProcessorMs() - startMs);
-        }
-        std::sort(turnsMs.begin(), turnsMs.end());
-        state.counters["median_ms"] = turnsMs[turnsMs.size() / 2];
-        state.counters["p95_ms"] = turnsMs[turnsMs.size() * 95 / 100];
+        });
     }
 
     ObservationPlan plan;
@@ -129,6 +139,28 @@ BENCHMARK(Slide)
     ->ArgNames({"graph", "all"})
     ->ArgsProduct({{1, 2, 3}, {0, 1}})
     ->Unit(benchmark::kMillisecond);
+
+/// A finger draws a curtain around the sky, ten degrees a turn.
+void DragCurtain(benchmark::State& state)
+{
+    CurtainEdit edit;
+    CurtainView view(edit);
+    view.resize(1280, 800);
+    QPixmap pixels(view.size());
+    const auto send = [&](QEvent::Type type, int azimuthDeg) {
+        const QPointF at = view.PointOf(azimuthDeg, 20.0 + azimuthDeg % 30);
+        QMouseEvent event(type, at, view.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
+        QApplication::sendEvent(&view, &event);
+    };
+    send(QEvent::MouseButtonPress, 0);
+    int azimuthDeg = 0;
+    MeasureTurns(state, [&] {
+        azimuthDeg = (azimuthDeg + 10) % 360;
+        send(QEvent::MouseMove, azimuthDeg);
+        view.render(&pixels);
+    });
+}
+BENCHMARK(DragCurtain)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace fieldcore::bench
