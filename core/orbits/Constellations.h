@@ -35,6 +35,7 @@ struct SystemState
 class Constellations
 {
 public:
+    /// Of one satellite, whatever was added.
     static constexpr std::size_t kMostRecords = 16;
 
     /// Adds @p records. Of a satellite the newest within two hours stays, of the same age the one
@@ -58,6 +59,8 @@ public:
     /// @return earth-fixed, metres; nothing if there is no healthy record, or it leads nowhere
     [[nodiscard]] std::optional<Ecef> Position(SatelliteId satellite, double gpsS) const;
 
+    /// How many satellites of @p system are known, and how old what is known of them is.
+    /// @param gpsS  seconds of GPS time since 1980-01-06 that the ages count to
     [[nodiscard]] SystemState StateOf(GnssSystem system, double gpsS) const;
 
 private:

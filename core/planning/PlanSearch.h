@@ -28,6 +28,7 @@ struct SearchHours
 {
     static constexpr int kMostDays = 31;
 
+    /// The first day; others follow it without a gap.
     std::chrono::year_month_day first{std::chrono::year(1980), std::chrono::January,
                                       std::chrono::day(7)};
     int days = 14;     ///< 1 to kMostDays; others count as the nearest of these
@@ -49,6 +50,7 @@ struct SearchWindow
 class PlanSearch
 {
 public:
+    /// More are left out.
     static constexpr std::size_t kMostSites = 500;
 
     /// With the GPS satellites of the almanac of @p calc that count.
@@ -66,12 +68,16 @@ public:
     [[nodiscard]] std::size_t Steps() const { return m_slots.size() + Chunks(); }
     [[nodiscard]] std::size_t StepsDone() const { return m_done; }
 
+    /// Those that are searched, as they were given.
     [[nodiscard]] std::span<const SearchSite> Sites() const { return m_sites; }
     /// Behind the sites: all of them together.
     [[nodiscard]] std::size_t Together() const { return m_sites.size(); }
 
+    /// Epochs of all days, in order of time; epoch 0 is the first of the first day.
     [[nodiscard]] int EpochCount() const { return static_cast<int>(m_gpsS.size()); }
+    /// From an epoch to the next one of the same day.
     [[nodiscard]] std::chrono::minutes Interval() const { return m_hours.interval; }
+    /// @param epoch  0 to EpochCount() - 1
     [[nodiscard]] std::chrono::sys_seconds UtcAt(int epoch) const;
     /// The day of the search, 0 on, to whose hours an epoch belongs.
     [[nodiscard]] int DayOf(int epoch) const;

@@ -61,6 +61,7 @@ public:
     void View(const LocalFrame& frame, const SkyLimits& limits, bool clockPerSystem,
               std::span<std::uint8_t> counts, std::span<DopValues> dops);
 
+    /// Those that were placed, in their order.
     [[nodiscard]] std::span<const SatelliteId> Satellites() const { return m_satellites; }
     /// @param satellite  index in Satellites()
     /// @return nothing unless it is visible; azimuth 0 to 2 pi
