@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -48,7 +49,6 @@ TEST(Folders, FollowTheEnvironment)
         {"default settings", "HOME=/h", &Folders::Settings, "/h/.config/fieldcore"},
         {"machine settings beside the user's", "HOME=/h", &Folders::MachineSettings,
          "/h/.config/fieldcore"},
-        {"default documents", "HOME=/h", &Folders::Documents, "/h/Documents"},
         {"data moved", "HOME=/h XDG_DATA_HOME=/d", &Folders::Program, "/d/fieldcore"},
         {"state moved", "HOME=/h XDG_STATE_HOME=/s", &Folders::BuiltInStorage, "/s/fieldcore"},
         {"settings moved", "HOME=/h XDG_CONFIG_HOME=/c", &Folders::Settings, "/c/fieldcore"},
@@ -77,13 +77,7 @@ TEST(Folders, FollowTheEnvironment)
 
 TEST(Folders, ReadTheDesktopsDocumentsFolder)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string file;
-        fs::path expected;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::string, fs::path> rows[] = {
         {"below home", "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n", "/h/Papers"},
         {"absolute, with a blank", "  XDG_DOCUMENTS_DIR=\"/data/my papers\"\n", "/data/my papers"},
         {"escaped sign", "XDG_DOCUMENTS_DIR=\"$HOME/A\\$B\\\"C\"\n", "/h/A$B\"C"},
@@ -96,10 +90,10 @@ TEST(Folders, ReadTheDesktopsDocumentsFolder)
     };
     const TemporaryFolder config;
     const Folders folders(Sources({{"HOME", "/h"}, {"XDG_CONFIG_HOME", config.Path().string()}}));
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        config.Write("user-dirs.dirs", row.file);
-        EXPECT_EQ(folders.Documents(), row.expected);
+    for (const auto& [fault, file, expected] : rows) {
+        SCOPED_TRACE(fault);
+        config.Write("user-dirs.dirs", file);
+        EXPECT_EQ(folders.Documents(), expected);
     }
 }
 
