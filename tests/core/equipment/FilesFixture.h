@@ -24,9 +24,9 @@ struct ReceiverScript
 {
     int typeCode = 31;             ///< 31 is a Lark, 27 the second Pica
     std::string version = "00369"; ///< hundredths
-    std::vector<Bytes> records;
-    std::map<std::string, Bytes> files; ///< that FileExists finds and the download delivers
-    std::set<std::string> refused;      ///< names answered by NAK; "list NAME": the question for it
+    std::vector<Bytes> records{};
+    std::map<std::string, Bytes> files{}; ///< that FileExists finds and the download delivers
+    std::set<std::string> refused{}; ///< names answered by NAK; "list NAME": the question for it
 
     ScriptedEnd::Answer operator()(const Bytes& request) const;
 

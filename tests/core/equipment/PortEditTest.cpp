@@ -207,15 +207,10 @@ TEST_F(PortEditTest, StoresWithoutAReceiver)
 
 TEST_F(PortEditTest, FindsTheRateOfASilentReceiver)
 {
-    for (const std::uint32_t rate : kBaudRates) {
-        SCOPED_TRACE(rate);
-        Start(rate);
-        m_rates.clear();
-        EXPECT_EQ(SearchRate(command, m_target, this), rate);
-        EXPECT_EQ(m_rates.front(), 38400U) << "the one it should be, first";
-        EXPECT_EQ(m_rates.back(), rate);
-        EXPECT_EQ(command.IsPortOpen(), 0);
-    }
+    Start(9600);
+    EXPECT_EQ(SearchRate(command, m_target, this), 9600U);
+    EXPECT_EQ(m_rates, (std::vector<std::uint32_t>{38400, 9600})) << "the one it should be, first";
+    EXPECT_EQ(command.IsPortOpen(), 0);
     Start(230400);
     m_rates.clear();
     m_target.settings.baudRate = 2400;

@@ -15,7 +15,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace fieldcore {
@@ -24,8 +23,8 @@ namespace {
 using namespace std::chrono_literals;
 using State = SkyRecorder::State;
 
-constexpr const char* kHere = "model 3017\nposition 35 139 70\nalmanacs 31\n"
-                              "start 2026-03-19 00:00:00\n";
+const std::string kHere = "model 3017\nposition 35 139 70\nalmanacs 31\n"
+                          "start 2026-03-19 00:00:00\n";
 constexpr int kWeek = 2410; // of that day
 constexpr std::uint32_t kToaS = 344064;
 
@@ -42,6 +41,13 @@ protected:
     {
         recorder = std::make_unique<SkyRecorder>(clock);
         recorder->Use(program, 0);
+    }
+    /// A receiver here from now on, with an almanac beside what is noted of it.
+    void Observe(const std::filesystem::path& program, const std::string& scenario = "")
+    {
+        PutAlmanac(program);
+        Plug(kHere + scenario);
+        Begin(program);
     }
     /// A list of what is tracked comes with every fifth round.
     void Live(Clock::Duration time)
@@ -135,10 +141,8 @@ TEST_F(SkyRecorderTest, NotesOnlyWhatCanBeBelieved)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        Plug(std::string(kHere) + row.scenario);
         const TemporaryFolder own;
-        PutAlmanac(own.Path());
-        Begin(own.Path());
+        Observe(own.Path(), row.scenario);
         Live(20min);
         EXPECT_EQ(recorder->GetNow().state, row.state);
         EXPECT_GE(Noted(), row.least);
@@ -172,9 +176,7 @@ TEST_F(SkyRecorderTest, TrustsNoAlmanacThatIsOldOrOfAnotherSky)
 /// What is tracked where it was open before: the one that fails while it still hears something.
 TEST_F(SkyRecorderTest, DoesNotTakeAFailingAntennaForAWall)
 {
-    PutAlmanac(folder.Path());
-    Plug(kHere);
-    Begin(folder.Path());
+    Observe(folder.Path());
     Live(30min);
     ASSERT_EQ(recorder->GetNow().state, State::Noting);
     const auto before = Noted();
@@ -194,18 +196,16 @@ TEST_F(SkyRecorderTest, DoesNotTakeAFailingAntennaForAWall)
 /// At 9600 bit/s, an answer after 150 ms, and some of them late, doubled, torn, damaged or lost.
 TEST_F(SkyRecorderTest, NotesNothingWrongOnABadLine)
 {
-    constexpr const char* kStreet = "obstruction 60 130 35\nobstruction 200 290 25\n";
+    const std::string kStreet = "obstruction 60 130 35\nobstruction 200 290 25\n";
     constexpr const char* kBadLine =
         "baud 9600\npacing baud\nlatency 150\nfault delay 4000 every 9\n"
         "fault duplicate skip 2 every 5\nfault drop skip 3 every 11\nfault corrupt skip 4 every "
         "13\n"
         "fault split 3 skip 1 every 7\n";
     std::vector<SkyRecord> records;
-    for (const char* const cable : {"", kBadLine}) {
-        Plug(std::string(kHere) + kStreet + cable);
+    for (const std::string cable : {"", kBadLine}) {
         const TemporaryFolder own;
-        PutAlmanac(own.Path());
-        Begin(own.Path());
+        Observe(own.Path(), kStreet + cable);
         Live(1h);
         ASSERT_TRUE(recorder->GetNow().record);
         records.push_back(*recorder->GetNow().record);
@@ -227,9 +227,7 @@ TEST_F(SkyRecorderTest, NotesNothingWrongOnABadLine)
 
 TEST_F(SkyRecorderTest, KeepsTheStoresApart)
 {
-    PutAlmanac(folder.Path());
-    Plug(kHere);
-    Begin(folder.Path());
+    Observe(folder.Path());
     Live(20min);
     const auto before = Noted();
     const TemporaryFolder other;
@@ -247,10 +245,8 @@ TEST_F(SkyRecorderTest, KeepsTheStoresApart)
 
 TEST_F(SkyRecorderTest, TellsOfADamagedRecord)
 {
-    PutAlmanac(folder.Path());
     folder.Write("SkyRecords/1_2.sky", "FCSKYREC, but cut");
-    Plug(kHere);
-    Begin(folder.Path());
+    Observe(folder.Path());
     Live(10min);
     EXPECT_EQ(recorder->GetNow().setAside, std::vector<std::string>{"1_2.sky.damaged-1"});
     EXPECT_GT(Noted(), 5min);

@@ -133,6 +133,28 @@ TEST_F(StatusPollTest, AsksASilentReceiverLessOften)
     EXPECT_EQ(link.Heard().position->at, last) << "the last one stays";
 }
 
+/// It finds a fix and loses it, drains its battery and changes its power source.
+TEST_F(StatusPollTest, FollowsAReceiverToItsLastCharge)
+{
+    using enum BatteryWatch::Warning;
+    Plug("model 3017\nfix searching 20 fixed 300 none\npower-source 1 120 2\nbattery 34 60\n");
+    std::vector<BatteryWatch::Warning> warnings;
+    while (clock.Steady() < 30min) {
+        Round(10s);
+        if (const auto warning = poll.TakeWarning(); warning != None) {
+            warnings.push_back(warning);
+        }
+    }
+    EXPECT_EQ(warnings, (std::vector{Low, VeryLow}));
+    ASSERT_TRUE(link.Heard().trend && link.Heard().trend->left);
+    EXPECT_NEAR(link.Heard().trend->percentPerHour, -60.0, 3.0);
+    EXPECT_LT(*link.Heard().trend->left, 10min);
+    EXPECT_EQ(link.Heard().powerSource->value, 2);
+    EXPECT_FALSE(poll.History().Samples().back().pdop);
+    EXPECT_TRUE(link.Heard().isSynchronised) << "the time stays trusted";
+    EXPECT_EQ(controller.asked.size(), 1U);
+}
+
 TEST(StatusHistory, KeepsAnHourAndNoMoreThanItHasRoomFor)
 {
     StatusHistory history;
