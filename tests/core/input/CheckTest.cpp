@@ -65,6 +65,7 @@ TEST(Check, TellsNumbersFromWhatOnlyLooksLikeOne)
         {"hexadecimal", L"0x10", 0},
         {"decimal comma", L"1,5", 0},
         {"full-width digits", L"１２", 0},
+        {"full-width minus", L"\uFF0D5", 0},
         {"ideographic space", L"\u30005", 0},
         {"digits of another script", L"\u0663", 0},
         {"NUL behind the number", std::wstring(L"5\0", 2), 0},

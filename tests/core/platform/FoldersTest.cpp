@@ -36,14 +36,8 @@ FolderSources Sources(Environment environment)
 
 TEST(Folders, FollowTheEnvironment)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string environment;
-        fs::path (Folders::*folder)() const;
-        fs::path expected;
-    };
-    const Row rows[] = {
+    using Folder = fs::path (Folders::*)() const;
+    const std::tuple<const char*, std::string, Folder, fs::path> rows[] = {
         {"default data", "HOME=/h", &Folders::Program, "/h/.local/share/fieldcore"},
         {"default state", "HOME=/h", &Folders::BuiltInStorage, "/h/.local/state/fieldcore"},
         {"default settings", "HOME=/h", &Folders::Settings, "/h/.config/fieldcore"},
@@ -63,15 +57,15 @@ TEST(Folders, FollowTheEnvironment)
         {"no home", "", &Folders::Settings, "/account/anna/.config/fieldcore"},
         {"relative home", "HOME=h", &Folders::Settings, "/account/anna/.config/fieldcore"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, variables, folder, expected] : rows) {
+        SCOPED_TRACE(fault);
         Environment environment;
-        std::istringstream words(row.environment);
+        std::istringstream words(variables);
         for (std::string word; words >> word;) {
             environment[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
         }
         const Folders folders(Sources(environment));
-        EXPECT_EQ((folders.*row.folder)(), row.expected);
+        EXPECT_EQ((folders.*folder)(), expected);
     }
 }
 

@@ -42,13 +42,8 @@ TEST(PortNames, ReadWhatAPersonWrites)
 
 TEST(PortNames, RefuseWithAReason)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string name;
-        const char* reason; // what the text must speak of
-    };
-    const Row rows[] = {
+    // A name, and what is said of it.
+    const std::tuple<const char*, std::string, const char*> rows[] = {
         {"nothing", "", "No port"},
         {"blanks", "  ", "No port"},
         {"COM0", "COM0", "1 to 256"},
@@ -65,11 +60,11 @@ TEST(PortNames, RefuseWithAReason)
         {"endless", std::string(5000, '/'), "too long"},
     };
     const PortNames names;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const PortNameResult result = names.Parse(row.name);
+    for (const auto& [fault, name, reason] : rows) {
+        SCOPED_TRACE(fault);
+        const PortNameResult result = names.Parse(name);
         EXPECT_FALSE(result.port);
-        EXPECT_NE(result.fault.find(row.reason), std::string::npos) << result.fault;
+        EXPECT_NE(result.fault.find(reason), std::string::npos) << result.fault;
     }
 }
 

@@ -157,68 +157,55 @@ TEST(Bubble, JudgesTheTolerance)
 
 TEST(Bubble, IsShownOnlyWhenTheSensorCanBeBelieved)
 {
-    struct Row
-    {
-        const char* fault;
-        bool present;
-        int state;
-        bool calibrated;
-        bool notReady, needsCalibration, shown;
+    // Whether there is a sensor, its state, whether it is calibrated, and what is shown.
+    const std::tuple<const char*, bool, int, bool, std::string> rows[] = {
+        {"measuring and calibrated", true, 1, true, "bubble"},
+        {"not calibrated", true, 1, false, "calibrate"},
+        {"moving too fast", true, 2, true, ""},
+        {"out of range", true, 3, true, ""},
+        {"out of range and not calibrated", true, 3, false, "calibrate"},
+        {"starting", true, 0, true, "not ready"},
+        {"no sensor", false, 1, true, "not ready"},
+        {"no sensor to calibrate", false, 1, false, "not ready"},
     };
-    const Row rows[] = {
-        {"measuring and calibrated", true, 1, true, false, false, true},
-        {"not calibrated", true, 1, false, false, true, false},
-        {"moving too fast", true, 2, true, false, false, false},
-        {"out of range", true, 3, true, false, false, false},
-        {"out of range and not calibrated", true, 3, false, false, true, false},
-        {"starting", true, 0, false, true, false, false},
-        {"no sensor", false, 1, true, true, false, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, present, state, calibrated, expected] : rows) {
+        SCOPED_TRACE(fault);
         TiltReading reading = Leaning(0, 0, 0);
-        reading.sensorPresent = row.present;
-        reading.state = row.state;
-        reading.calibrated = row.calibrated;
+        reading.sensorPresent = present;
+        reading.state = state;
+        reading.calibrated = calibrated;
         const BubblePicture picture = PictureOf(reading, {});
-        EXPECT_EQ(picture.isNotReady, row.notReady);
-        EXPECT_EQ(picture.needsCalibration, row.needsCalibration);
-        EXPECT_EQ(picture.showBubble, row.shown);
+        EXPECT_EQ(std::string(picture.isNotReady ? "not ready" : "") +
+                      (picture.needsCalibration ? "calibrate" : "") +
+                      (picture.showBubble ? "bubble" : ""),
+                  expected);
     }
 }
 
 TEST(TiltQuestion, TellsWhyThereIsNoReading)
 {
-    struct Row
-    {
-        const char* fault;
-        unsigned status;
-        bool answers;
-        const char* rule; // of the line
-        TiltState state;
-        bool isKnown; // the reading, afterwards
-    };
-    const Row rows[] = {
+    // What the sensor says, the line's fault, and whether there is a reading afterwards.
+    const std::tuple<const char*, unsigned, bool, const char*, TiltState, bool> rows[] = {
         {"there", 0x41, true, "", TiltState::Heard, true},
         {"unplugged", 0x00, true, "", TiltState::Absent, true},
         {"silent", 0x41, false, "", TiltState::Silent, false},
         {"never built in", 0x41, true, "nak on C8", TiltState::NotBuiltIn, false},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, status, answers, rule, state, isKnown] : rows) {
+        SCOPED_TRACE(fault);
         SensorLine line;
-        line.Say({.status = row.status, .answers = row.answers});
+        line.Say({.status = status, .answers = answers});
         EXPECT_EQ(AskTilt(line.command, true), TiltState::NoReceiver);
-        if (*row.rule == '\0') {
+        if (*rule == '\0') {
             ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::milliseconds(500)));
         } else {
             ASSERT_NO_FATAL_FAILURE(line.Start({}, std::chrono::seconds(20)));
-            line.simulator->AddFault(testing::ParsedRule(row.rule));
+            line.simulator->AddFault(testing::ParsedRule(rule));
         }
-        EXPECT_EQ(AskTilt(line.command, true), row.state);
+        EXPECT_EQ(AskTilt(line.command, true), state);
         const Receiver known = line.command.Heard();
-        EXPECT_EQ(known.tilt.has_value(), row.isKnown);
-        EXPECT_EQ(known.calibration.has_value(), row.isKnown) << "the record behind it";
+        EXPECT_EQ(known.tilt.has_value(), isKnown);
+        EXPECT_EQ(known.calibration.has_value(), isKnown) << "the record behind it";
         CCommand other(line.command, SilentHost::Instance());
         EXPECT_EQ(other.Heard(), known) << "one value for all faces of the line";
     }

@@ -20,42 +20,36 @@ using testing::SensorWords;
 
 TEST(CalibrationStatus, HasATextForEveryState)
 {
-    struct Row
-    {
-        const char* fault;
-        int state;
-        bool error1, error2, valid, aborted, failed;
-        const wchar_t* text;
+    const auto told = [](int state, bool error1 = false, bool error2 = false, bool valid = true) {
+        return TiltReading{.error1 = error1,
+                           .error2 = error2,
+                           .calibrationState = state,
+                           .calibrationValid = valid,
+                           .time = {}};
     };
-    const wchar_t* const kDefault = L"チルト調整が正常に終了していません。";
-    const wchar_t* const kDone = L"チルト調整が正常終了しました。";
-    const wchar_t* const kFailed = L"チルト調整が失敗しました。";
-    const wchar_t* const kAborted = L"チルト調整が中止されました。";
-    const Row rows[] = {
-        {"none", 0, false, false, true, false, false, kDefault},
-        {"completed", 1, false, false, true, false, false, kDone},
-        {"running", 2, false, false, true, false, false, L"チルト調整中です。"},
-        {"failed", 3, false, false, true, false, false, kFailed},
-        {"too old", 4, false, false, true, false, false, L"有効期限を過ぎました。"},
-        {"no such state", 7, false, false, true, false, false, kDefault},
-        {"first error", 1, true, false, true, false, false, kDefault},
-        {"second error", 4, false, true, true, false, false, kDefault},
-        {"not to be believed", 1, false, false, false, false, false, kDefault},
-        {"aborted", 4, false, false, true, true, false, kAborted},
-        {"failed wins", 0, false, false, true, true, true, kFailed},
-        {"completed wins over both", 1, false, false, true, true, true, kDone},
-        {"the last run counts in spite of errors", 0, true, true, false, true, false, kAborted},
+    const std::tuple<const char*, TiltReading, LastCalibrationRun, int> rows[] = {
+        {"none", told(0), {}, text::kTiltNotCompleted},
+        {"completed", told(1), {}, text::kTiltCompleted},
+        {"running", told(2), {}, text::kTiltRunning},
+        {"failed", told(3), {}, text::kTiltFailed},
+        {"too old", told(4), {}, text::kTiltExpired},
+        {"no such state", told(7), {}, text::kTiltNotCompleted},
+        {"first error", told(1, true), {}, text::kTiltNotCompleted},
+        {"second error", told(4, false, true), {}, text::kTiltNotCompleted},
+        {"not to be believed", told(1, false, false, false), {}, text::kTiltNotCompleted},
+        {"aborted", told(4), {true, false}, text::kTiltAborted},
+        {"failed wins", told(0), {true, true}, text::kTiltFailed},
+        {"completed wins over both", told(1), {true, true}, text::kTiltCompleted},
+        {"the last run counts in spite of errors",
+         told(0, true, true),
+         {true, false},
+         text::kTiltAborted},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        TiltReading reading;
-        reading.calibrationState = row.state;
-        reading.error1 = row.error1;
-        reading.error2 = row.error2;
-        reading.calibrationValid = row.valid;
-        EXPECT_STREQ(Text(CalibrationTextId(reading, {row.aborted, row.failed})), row.text);
+    for (const auto& [fault, reading, lastRun, textId] : rows) {
+        SCOPED_TRACE(fault);
+        EXPECT_EQ(CalibrationTextId(reading, lastRun), textId);
     }
-    EXPECT_STREQ(Text(CalibrationTextId(std::nullopt, {true, true})), kDefault);
+    EXPECT_EQ(CalibrationTextId(std::nullopt, {true, true}), text::kTiltNotCompleted);
 }
 
 TEST(CalibrationStatus, CountsTheTimeThatIsLeft)
