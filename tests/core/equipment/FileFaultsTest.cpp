@@ -107,11 +107,8 @@ std::vector<FileFault> FileFaults()
     const auto noFolder = [](Engine& engine) { engine.home.Write("Documents/2026-03-14", ""); };
     return {
         {"600 files", List, "files 600 10 20\n", "", FormatText(text::kFilesMore, 512), 512},
-        {"pages backwards", List, twenty + "listing backwards\n", "", L"", 20},
         {"a page never comes", List, twenty + "fault drop of 9D skip 1 count 1\n", "",
          part(timedOut), 12},
-        {"a page arrives damaged", List, twenty + "fault corrupt of 9D skip 1 count 1\n", "",
-         part(damaged), 12},
         {"the listing is refused", List, twenty + "fault nak on 9C\n", "", refused, 0},
         {"cable out at the second page", List, twenty + "fault hang-up of 9D skip 1\n", "",
          part(pulled), 8},
@@ -119,7 +116,6 @@ std::vector<FileFault> FileFaults()
         {"a block never comes", Fetch, three, "drop of 95 skip 1", timedOut, 3, first},
         {"every block is damaged", Fetch, three, "corrupt of 95", damaged, 3, first},
         {"the fetch is refused", Fetch, three, "nak on 96", refused, 3, first},
-        {"cable out between blocks", Fetch, three, "hang-up of 95 skip 1", pulled, 3, first},
         {"cable out in the last block", Fetch, three, "hang-up 500 of 95 skip 3", pulled, 3, first},
         {"it ends before its size", Fetch, "file A 1000 2026-03-14 01:30 announces 5000\n", "",
          Text(text::kFileCauseSize), 1, are(WrongSize)},

@@ -90,7 +90,9 @@ protected:
     void Start(const ReceiverScript& script, int mode = ReceiverFiles::Live)
     {
         command.ClosePort();
-        receiver.emplace(line, script);
+        receiver.emplace(line, [this, script](const Bytes& request) {
+            return isSilent && request[2] == 0x06 ? ScriptedEnd::Answer() : script(request);
+        });
         ASSERT_EQ(command.OpenPort("in memory"), 1) << command.LastError();
         host.boxes.clear();
         files = std::make_unique<ReceiverFiles>(command);
@@ -128,7 +130,8 @@ protected:
         return sent;
     }
 
-    bool cancel = false; // at the next breath
+    bool cancel = false;   // at the next breath
+    bool isSilent = false; // when it is asked what it is
     std::optional<ScriptedEnd> receiver;
     FileRowList rows;
     std::unique_ptr<ReceiverFiles> files;

@@ -49,16 +49,8 @@ protected:
 
 TEST(GPSError, AcceptsATimeWithAPossibleOffset)
 {
-    struct Row
-    {
-        const char* fault;
-        std::optional<int> offset; ///< nothing: no answer
-        int flag;
-        int synchronised;
-        int kept;
-        std::size_t set; ///< how often the clock was
-    };
-    const Row rows[] = {
+    // The offset that is told, the flag, what both become, and how often the clock is set.
+    const std::tuple<const char*, std::optional<int>, int, int, int, std::size_t> rows[] = {
         {"usual offset", 17, 1, 1, 17, 1},
         {"last accepted", 100, 1, 1, 100, 1},
         {"first refused", 101, 1, 0, 0, 0},
@@ -68,18 +60,18 @@ TEST(GPSError, AcceptsATimeWithAPossibleOffset)
         {"no answer", std::nullopt, 1, 0, 0, 0},
         {"the flag is kept as given, again", 17, 7, 7, 17, 1},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, offset, flag, synchronised, kept, set] : rows) {
+        SCOPED_TRACE(fault);
         HandClock clock;
         Told error(clock);
-        if (row.offset) {
-            error.time = GpsTimeReply{1000.0, kWeek, *row.offset};
+        if (offset) {
+            error.time = GpsTimeReply{1000.0, kWeek, *offset};
         }
-        error.SetTimeSynchro(row.flag);
-        EXPECT_EQ(error.GetTimeSynchro(), row.synchronised);
-        EXPECT_EQ(error.GetSingleFlag(), row.synchronised != 0 ? 1 : 0);
-        EXPECT_EQ(error.GetUTCOffsetTime(), row.kept);
-        EXPECT_EQ(clock.asked.size(), row.set);
+        error.SetTimeSynchro(flag);
+        EXPECT_EQ(error.GetTimeSynchro(), synchronised);
+        EXPECT_EQ(error.GetSingleFlag(), synchronised != 0 ? 1 : 0);
+        EXPECT_EQ(error.GetUTCOffsetTime(), kept);
+        EXPECT_EQ(clock.asked.size(), set);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string_view>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -67,16 +68,8 @@ TEST_F(ReceiverFilesTest, ListsEachFamilyInItsManner)
 
 TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
 {
-    struct Row
-    {
-        const char* label;
-        int typeCode;
-        const char* version;
-        bool recyclePage;
-        bool download;
-        std::string_view live; ///< pattern of a Lark
-    };
-    const Row table[] = {
+    // Type code and version; whether there is a recycle page, a download, and a Lark's pattern.
+    const std::tuple<const char*, int, const char*, bool, bool, std::string_view> table[] = {
         {"Lark 3.69", 31, "00369", true, true, "9C *.Q01"},
         {"Lark 3.7", 31, "00370", false, true, "9C *.Q01"},
         {"Lark 4.43, newer format", 31, "00443", false, true, "9C *.Q02"},
@@ -84,18 +77,18 @@ TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
         {"first Pica", 200, "00369", true, false, ""},
         {"second Pica", 27, "00369", true, false, ""},
     };
-    for (const Row& row : table) {
-        SCOPED_TRACE(row.label);
+    for (const auto& [label, typeCode, version, recyclePage, download, live] : table) {
+        SCOPED_TRACE(label);
         ReceiverScript script;
-        script.typeCode = row.typeCode;
-        script.version = row.version;
+        script.typeCode = typeCode;
+        script.version = version;
         Start(script);
-        EXPECT_EQ(files->HasRecyclePage(), row.recyclePage);
-        EXPECT_EQ(files->ShowsDeleteNote(), !row.recyclePage);
-        EXPECT_EQ(files->CanDownload(), row.download);
-        EXPECT_EQ(files->CanDeleteRecycled(), row.download);
+        EXPECT_EQ(files->HasRecyclePage(), recyclePage);
+        EXPECT_EQ(files->ShowsDeleteNote(), !recyclePage);
+        EXPECT_EQ(files->CanDownload(), download);
+        EXPECT_EQ(files->CanDeleteRecycled(), download);
         const auto sent = Sent();
-        EXPECT_EQ(sent.empty() ? "" : sent.front(), row.live);
+        EXPECT_EQ(sent.empty() ? "" : sent.front(), live);
     }
 }
 

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace fieldcore {
@@ -123,14 +124,10 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
 
 TEST_F(SkyRecorderTest, NotesOnlyWhatCanBeBelieved)
 {
-    struct Row
-    {
-        const char* what;
-        const char* scenario;
-        State state; // after 20 minutes
-        std::chrono::seconds least, most;
-    };
-    const Row rows[] = {
+    using Least = std::chrono::seconds;
+    using Most = std::chrono::seconds;
+    // What it says after 20 minutes, and how many of them are noted.
+    const std::tuple<const char*, const char*, State, Least, Most> rows[] = {
         {"all well, but for the first two minutes", "", State::Noting, 16min, 18min},
         {"no fix", "fix searching\n", State::NoFix, 0s, 0s},
         {"a fix that is lost and found again", "fix fixed 600 none 660 fixed\n", State::Noting,
@@ -139,14 +136,14 @@ TEST_F(SkyRecorderTest, NotesOnlyWhatCanBeBelieved)
         {"an antenna that dies", "antenna good 600 dead\n", State::DeafAntenna, 6min, 8min},
         {"nothing tracked at all", "mask 90\n", State::DeafAntenna, 0s, 0s},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, scenario, state, least, most] : rows) {
+        SCOPED_TRACE(what);
         const TemporaryFolder own;
-        Observe(own.Path(), row.scenario);
+        Observe(own.Path(), scenario);
         Live(20min);
-        EXPECT_EQ(recorder->GetNow().state, row.state);
-        EXPECT_GE(Noted(), row.least);
-        EXPECT_LE(Noted(), row.most);
+        EXPECT_EQ(recorder->GetNow().state, state);
+        EXPECT_GE(Noted(), least);
+        EXPECT_LE(Noted(), most);
         recorder.reset();
     }
 }

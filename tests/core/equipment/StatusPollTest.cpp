@@ -2,6 +2,8 @@
 
 #include "tests/core/equipment/PolledReceiver.h"
 
+#include <tuple>
+
 namespace fieldcore {
 namespace {
 
@@ -86,25 +88,21 @@ TEST_F(StatusPollTest, LeavesTheChannelToOthers)
 
 TEST_F(StatusPollTest, ShowsWhatTheReceiverKnows)
 {
-    struct Row
-    {
-        const char* fault;
-        bool position, time, source;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, bool, bool, bool> rows[] = {
         {"nak on 34", false, true, true}, // it knows the time, though not to the second
         {"nak on 14", true, false, true},
         {"nak on 41", true, true, false},
         {"wrong-type on 34", false, true, true},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Plug(kRover + std::string("serial ") + std::to_string(&row - rows) + "\n");
-        Fault(row.fault);
+    int serial = 0; // another receiver each time
+    for (const auto& [fault, position, time, source] : rows) {
+        SCOPED_TRACE(fault);
+        Plug(kRover + std::string("serial ") + std::to_string(serial++) + "\n");
+        Fault(fault);
         Round();
-        EXPECT_EQ(link.Heard().position.has_value(), row.position);
-        EXPECT_EQ(link.Heard().time.has_value(), row.time);
-        EXPECT_EQ(link.Heard().powerSource.has_value(), row.source);
+        EXPECT_EQ(link.Heard().position.has_value(), position);
+        EXPECT_EQ(link.Heard().time.has_value(), time);
+        EXPECT_EQ(link.Heard().powerSource.has_value(), source);
     }
 }
 
