@@ -9,6 +9,7 @@
 #include "tests/support/HandClock.h"
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -58,6 +59,15 @@ const Box kRecycled{L"ゴミ箱内のデータを削除すると、元に復帰�
 class FileManagerTest : public FilesTest
 {
 protected:
+    /// A Lark with the files A, B and C.
+    void StartLark(ReceiverScript script, int mode, std::uint8_t attributesOfB)
+    {
+        extension = mode == ReceiverFiles::Live ? ".Q01" : ".Q1D";
+        script.records = {LarkRecord("A" + extension, 1),
+                          LarkRecord("B" + extension, 1, attributesOfB),
+                          LarkRecord("C" + extension, 1)};
+        Start(script, mode);
+    }
     /// All of the rows, one behind the other.
     std::wstring Names() const
     {
@@ -67,6 +77,8 @@ protected:
         }
         return names;
     }
+
+    std::string extension;
 };
 
 TEST_F(FileManagerTest, AsksAndWarnsBefore)
@@ -98,12 +110,7 @@ TEST_F(FileManagerTest, AsksAndWarnsBefore)
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.label);
-        const std::string extension = row.mode == 1 ? ".Q01" : ".Q1D";
-        ReceiverScript script;
-        script.version = row.version;
-        script.records = {LarkRecord("A" + extension, 1), LarkRecord("B" + extension, 1, 1),
-                          LarkRecord("C" + extension, 1)};
-        Start(script, row.mode);
+        StartLark({.version = row.version}, row.mode, 1);
         for (const int selected : row.selected) {
             rows.Select(selected, true);
         }
@@ -126,39 +133,27 @@ TEST_F(FileManagerTest, SendsALarkTheseCommands)
         int mode;
         bool recover;
         std::string inReceiver; ///< recycled ones of these letters
-        std::set<std::string> refused;
-        std::string sent; ///< for the rows B and A, after the listing; "?" looks for a name
+        std::string refused;    ///< its name, or the question for it
+        std::string sent;       ///< for the rows B and A, after the listing; "?" looks for a name
     };
     const Row table[] = {
-        {"live", 1, false, "", {}, "?B.Q1D B.Q01 ?A.Q1D A.Q01 "},
-        {"live, with a recycled one of that name", 1, false, "B", {}, "?B.Q1D B.Q1D ?A.Q1D A.Q01 "},
-        {"live, the recycled one is refused",
-         1,
-         false,
-         "B",
-         {"B.Q1D"},
-         "?B.Q1D B.Q1D ?A.Q1D A.Q01 "},
-        {"live, the question for a recycled one is refused",
-         1,
-         false,
-         "",
-         {"list B.Q1D"},
+        {"live", 1, false, "", "", "?B.Q1D B.Q01 ?A.Q1D A.Q01 "},
+        {"live, with a recycled one of that name", 1, false, "B", "", "?B.Q1D B.Q1D ?A.Q1D A.Q01 "},
+        {"live, the recycled one is refused", 1, false, "B", "B.Q1D", "?B.Q1D B.Q1D ?A.Q1D A.Q01 "},
+        {"live, the question for a recycled one is refused", 1, false, "", "list B.Q1D",
          "?B.Q1D B.Q01 ?A.Q1D A.Q01 "},
-        {"recycled", 0, false, "AB", {}, "?B.Q1D B.Q1D B.Q01 ?A.Q1D A.Q1D A.Q01 "},
-        {"recycled, refused", 0, false, "AB", {"B.Q1D"}, "?B.Q1D B.Q1D ?A.Q1D A.Q1D A.Q01 "},
-        {"recovered, one refused", 0, true, "B", {"B.Q1D"}, "B.Q1D A.Q1D "},
+        {"recycled", 0, false, "AB", "", "?B.Q1D B.Q1D B.Q01 ?A.Q1D A.Q1D A.Q01 "},
+        {"recycled, refused", 0, false, "AB", "B.Q1D", "?B.Q1D B.Q1D ?A.Q1D A.Q1D A.Q01 "},
+        {"recovered, one refused", 0, true, "B", "B.Q1D", "B.Q1D A.Q1D "},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.label);
-        const std::string extension = row.mode == 1 ? ".Q01" : ".Q1D";
         ReceiverScript script;
-        script.records = {LarkRecord("A" + extension, 1), LarkRecord("B" + extension, 1),
-                          LarkRecord("C" + extension, 1)};
         for (const char letter : row.inReceiver) {
             script.files[std::string(1, letter) + ".Q1D"] = {};
         }
-        script.refused = row.refused;
-        Start(script, row.mode);
+        script.refused = {row.refused};
+        StartLark(script, row.mode, 0);
         rows.Select(0, true);
         rows.Select(1, true);
         host.answers = {BoxAnswer::Yes};
@@ -204,20 +199,10 @@ TEST_F(FileManagerTest, SendsAPicaTheseCommands)
 
 TEST_F(FileManagerTest, DoesNotGuessANameWhenItIsCancelled)
 {
-    ReceiverScript script;
-    script.records = {LarkRecord("A.Q01", 1), LarkRecord("B.Q01", 1)};
-    Start(script);
+    Start({.records = {LarkRecord("A.Q01", 1), LarkRecord("B.Q01", 1)}});
     // A cancelled look at the options is no reason to guess a name and delete it.
-    bool silent = false;
-    command.ClosePort();
-    receiver.emplace(line, [&](const testing::Bytes& request) {
-        return silent && request[2] == 0x06 ? testing::ScriptedEnd::Answer{} : script(request);
-    });
-    ASSERT_EQ(command.OpenPort("in memory"), 1);
-    files->GetFileData(*this);
-    ASSERT_EQ(rows.Count(), 2);
     rows.SelectAll();
-    silent = true;
+    isSilent = true;
     cancel = true;
     FileManager(*files).FileDelete();
     EXPECT_EQ(rows.Count(), 2);
@@ -324,26 +309,18 @@ TEST_F(FileFetchingTest, FetchesOnlyWhatIsNew)
 
 TEST(FileRunnerRules, SpaceHasToBeMoreThanOnePointTwoTimes)
 {
-    struct Row
-    {
-        std::uint32_t size;
-        std::uint64_t free;
-        bool enough;
-    };
-    const Row rows[] = {
+    const std::tuple<std::uint32_t, std::uint64_t, bool> rows[] = {
         {0, 0, false},
-        {0, 1, true},
         {1000, 1200, false},
         {1000, 1201, true},
         // 1.2 times 3579139413 is 4294967295.6, and 2^32 free bytes count as 4294967295.
         {3579139412, 4294967295, true},
         {3579139413, 0x100000000, false},
-        {4294967295, 0x200000000, true},
         {4294967295, 0x133333332, false},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.free);
-        EXPECT_EQ(FileRunner::IsEnough(row.size, row.free), row.enough);
+    for (const auto& [size, free, enough] : rows) {
+        SCOPED_TRACE(free);
+        EXPECT_EQ(FileRunner::IsEnough(size, free), enough);
     }
 }
 

@@ -24,9 +24,9 @@ struct ReceiverScript
 {
     int typeCode = 31;             ///< 31 is a Lark, 27 the second Pica
     std::string version = "00369"; ///< hundredths
-    std::vector<Bytes> records;
-    std::map<std::string, Bytes> files; ///< that FileExists finds and the download delivers
-    std::set<std::string> refused;      ///< names answered by NAK; "list NAME": the question for it
+    std::vector<Bytes> records{};
+    std::map<std::string, Bytes> files{}; ///< that FileExists finds and the download delivers
+    std::set<std::string> refused{}; ///< names answered by NAK; "list NAME": the question for it
 
     ScriptedEnd::Answer operator()(const Bytes& request) const;
 
@@ -90,7 +90,9 @@ protected:
     void Start(const ReceiverScript& script, int mode = ReceiverFiles::Live)
     {
         command.ClosePort();
-        receiver.emplace(line, script);
+        receiver.emplace(line, [this, script](const Bytes& request) {
+            return isSilent && request[2] == 0x06 ? ScriptedEnd::Answer() : script(request);
+        });
         ASSERT_EQ(command.OpenPort("in memory"), 1) << command.LastError();
         host.boxes.clear();
         files = std::make_unique<ReceiverFiles>(command);
@@ -128,7 +130,8 @@ protected:
         return sent;
     }
 
-    bool cancel = false; // at the next breath
+    bool cancel = false;   // at the next breath
+    bool isSilent = false; // when it is asked what it is
     std::optional<ScriptedEnd> receiver;
     FileRowList rows;
     std::unique_ptr<ReceiverFiles> files;
