@@ -1,4 +1,4 @@
-#include "core/resources/StringTable.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/SpinDouble.h"
@@ -6,21 +6,15 @@
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/Theme.h"
-#include "ui/controls/UiText.h"
 
 #include <QAbstractItemView>
 #include <QDoubleSpinBox>
-#include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 #include <QWheelEvent>
 
 #include <cmath>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -282,27 +276,19 @@ TEST(CPrgEndMes, AnswersAsTheProgramActs)
         {"Enter leaves the receiver on", Mode::Logging, {}, Qt::Key_Return, 1},
         {"end without a receiver", Mode::Normal, end, Qt::Key_unknown, 1},
     };
+    QWidget page;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        CPrgEndMes question(row.mode);
-        QTimer watchdog;
-        QObject::connect(&watchdog, &QTimer::timeout, &question, [&] {
-            ADD_FAILURE() << "still open";
-            question.Close(99);
-        });
-        watchdog.start(20000);
-        QTimer::singleShot(0, &question, [&] {
-            for (QPushButton* button : question.findChildren<QPushButton*>()) {
-                EXPECT_GE(button->height(), 44);
-                EXPECT_FALSE(row.mode == Mode::Normal && button->text() == powerOff);
-                if (!row.button.isEmpty() && button->text() == row.button) {
-                    QTest::mouseClick(button, Qt::LeftButton);
-                    return;
-                }
+        testing::Next<CPrgEndMes>(page, [&](CPrgEndMes& question) {
+            EXPECT_TRUE(row.mode == Mode::Logging ||
+                        testing::Called(question, powerOff) == nullptr);
+            if (row.button.isEmpty()) {
+                QTest::keyClick(question.focusWidget(), row.key);
+            } else {
+                QTest::mouseClick(testing::Called(question, row.button), Qt::LeftButton);
             }
-            QTest::keyClick(question.focusWidget(), row.key);
         });
-        EXPECT_EQ(question.DoModal(), row.result);
+        EXPECT_EQ(CPrgEndMes(row.mode).DoModal(), row.result);
     }
 }
 

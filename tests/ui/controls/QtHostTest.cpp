@@ -3,66 +3,41 @@
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
 #include "tests/support/HandClock.h"
+#include "tests/ui/controls/NothingCut.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/QtMessageTarget.h"
 #include "ui/controls/Theme.h"
-#include "ui/controls/UiText.h"
 
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QInputMethodEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPointingDevice>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSpinBox>
-#include <QTest>
-#include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QWindow>
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Next;
 
 void MoveTo(testing::HandClock& clock, Clock::Duration moment)
 {
     clock.Advance(moment - clock.Steady());
-}
-
-/// Does @p act as soon as a message box is there, and closes it if it is still there later.
-void OnMessage(QObject* context, const std::function<void(MessageDlg&)>& act)
-{
-    auto* const look = new QTimer(context);
-    QObject::connect(look, &QTimer::timeout, look, [look, act] {
-        auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget());
-        if (box == nullptr) {
-            return;
-        }
-        look->deleteLater();
-        look->stop();
-        act(*box);
-        QTimer::singleShot(20000, box, [box] {
-            ADD_FAILURE() << "nobody has answered";
-            box->close();
-        });
-    });
-    look->start(1);
 }
 
 /// A window with something to click and something to type into.
@@ -115,11 +90,10 @@ TEST(QtHost, AnswersByKeysAndClicks)
         {"a question with Ok", {kOkCancel, kAsks, Ok}, Ok, Cancel, {Cancel, Ok}},
         {"a default that is no button", {kYesNo, kAsks, Retry}, No, No, {Yes, No}},
     };
-    const Window window;
+    Window window;
     QtHost host;
     const auto ask = [&](BoxStyle style, const std::function<void(MessageDlg&)>& act) {
-        QObject context;
-        OnMessage(&context, act);
+        Next<MessageDlg>(window, act);
         return CMesBox(host).Show(L"text", L"caption", style);
     };
     for (const Row& row : rows) {
@@ -162,21 +136,16 @@ TEST(QtHost, ShowsTextCaptionAndIcon)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.drawing);
-        OnMessage(&window, [&](MessageDlg& box) {
-            bool told = false;
-            bool headed = false;
-            bool drawn = false;
-            for (const QLabel* label : box.findChildren<QLabel*>()) {
-                told |= label->text() == QStringLiteral("受信機設定を工場出荷状態へ戻しますか?");
-                headed |= label->text() == QStringLiteral("受信機強制初期化確認");
-                drawn |= label->accessibleName() == UiText(row.nameId) &&
-                         label->pixmap().toImage() == DrawIcon(QString::fromLatin1(row.drawing), 48,
-                                                               label->devicePixelRatioF(),
-                                                               theme.text, row.colour)
-                                                          .toImage();
-            }
-            EXPECT_TRUE(told && headed && drawn) << told << headed << drawn;
-            EXPECT_EQ(box.windowTitle(), QStringLiteral("受信機強制初期化確認"));
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
+            EXPECT_TRUE(testing::Says(box, UiText(text::kForceInitQuestion)));
+            EXPECT_TRUE(testing::Says(box, UiText(text::kForceInitCaption)));
+            EXPECT_EQ(box.windowTitle(), UiText(text::kForceInitCaption));
+            const auto* const icon = testing::Called<QLabel>(box, row.nameId);
+            ASSERT_NE(icon, nullptr);
+            EXPECT_EQ(icon->pixmap().toImage(),
+                      DrawIcon(QString::fromLatin1(row.drawing), 48, icon->devicePixelRatioF(),
+                               theme.text, row.colour)
+                          .toImage());
             QTest::keyClick(&box, Qt::Key_Escape);
         });
         CMesBox(host).Show(text::kForceInitQuestion, text::kForceInitCaption,
@@ -201,17 +170,12 @@ TEST(QtHost, CutsNoMessage)
     const QFont before = QApplication::font();
     QApplication::setFont(large);
     for (const std::wstring& said : {longest, endless}) {
-        OnMessage(&window, [&](MessageDlg& box) {
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
             EXPECT_LE(box.width(), window.width());
             EXPECT_LE(box.height(), window.height());
+            testing::ExpectNothingCut(box, box.size());
             for (const QPushButton* button : box.findChildren<QPushButton*>()) {
                 EXPECT_TRUE(box.rect().contains(button->geometry()));
-                EXPECT_GE(button->width(), button->sizeHint().width());
-            }
-            for (const QLabel* label : box.findChildren<QLabel*>()) {
-                if (label->isVisible() && label->hasHeightForWidth()) {
-                    EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-                }
             }
             QTest::keyClick(&box, Qt::Key_Escape);
         });
@@ -236,7 +200,7 @@ TEST(QtHost, NestsAndRestoresTheWaitCursor)
         host.ShowWaitCursor(false);
         EXPECT_EQ(shape(), Qt::WaitCursor);
         Window window;
-        OnMessage(&window, [&](MessageDlg& box) {
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
             EXPECT_EQ(shape(), Qt::ArrowCursor) << "a question is not waited for";
             QTest::keyClick(&box, Qt::Key_Escape);
         });
@@ -508,7 +472,7 @@ TEST_F(WaitTest, KeepsTheRestWhileATapWaits)
 TEST_F(WaitTest, PutsNoInputIntoADialogThatWasNotThere)
 {
     QObject::connect(window.button, &QPushButton::clicked, &window, [&] {
-        OnMessage(&window, [&](MessageDlg& box) {
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
             EXPECT_EQ(window.clicks, 1);
             Settle();
             EXPECT_TRUE(box.isVisible()) << "answered by what was typed before";
@@ -531,7 +495,7 @@ TEST_F(WaitTest, PutsNoInputIntoADialogThatWasNotThere)
     EXPECT_TRUE(During([&] { Type("1"); }));
     window.edit->setFocus();
     EXPECT_TRUE(During([&] {
-        OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        Next<MessageDlg>(window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
         CMesBox(host).Warn(L"text", L"caption");
     }));
     Type("2");
@@ -571,7 +535,7 @@ TEST_F(WaitTest, RefusesInputOnlyUnderTheStrip)
 
     // A dialog that a timer opens over the wait can be answered, or the program would hang.
     EXPECT_TRUE(During([&] {
-        OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        Next<MessageDlg>(window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
         CMesBox(host).Warn(L"text", L"caption");
     }));
 
