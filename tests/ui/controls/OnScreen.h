@@ -21,10 +21,11 @@ namespace fieldcore::testing {
 template <typename Control = QAbstractButton>
 [[nodiscard]] Control* Called(const QWidget& window, const QString& words)
 {
+    const QString name = words.trimmed(); // some have margins
     Control* found = nullptr;
     for (Control* const control : window.findChildren<Control*>()) {
         const bool isIt =
-            control->property("text").toString() == words || control->accessibleName() == words;
+            control->property("text").toString() == name || control->accessibleName() == name;
         if (isIt && (found == nullptr || !found->isVisible())) {
             found = control;
         }

@@ -313,19 +313,23 @@ protected:
         return on->mapTo(&window, on->rect().center());
     }
 
-    /// All that input can change.
+    /// What input has changed.
     [[nodiscard]] std::string State() const
     {
-        const QString marked = window.edit->selectedText();
-        return QStringLiteral("%1 clicks, '%2'%3, '%4', %5, %6 menus, %7 keys%8")
-            .arg(window.clicks)
-            .arg(window.edit->text(), marked.isEmpty() ? QString() : QStringLiteral(" marked"),
-                 other->text())
-            .arg(spin->value())
-            .arg(menus)
-            .arg(shortcuts)
-            .arg(window.isVisible() ? QString() : QStringLiteral(", closed"))
-            .toStdString();
+        QStringList all;
+        for (const auto& [count, of] : {std::pair(window.clicks, "clicks"),
+                                        {spin->value(), "turns"},
+                                        {menus, "menus"},
+                                        {shortcuts, "keys"}}) {
+            if (count != 0) {
+                all += QStringLiteral("%1 %2").arg(count).arg(QLatin1String(of));
+            }
+        }
+        all += {window.edit->text().mid(3), other->text()}; // the first one has abc
+        all += window.edit->hasSelectedText() ? QStringLiteral("marked") : QString();
+        all += window.isVisible() ? QString() : QStringLiteral("closed");
+        all.removeAll(QString());
+        return all.join(QStringLiteral(", ")).toStdString();
     }
 
     testing::HandClock clock;
@@ -357,18 +361,16 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
         const char* after;
     };
     const Row rows[] = {
-        {"a tap is lost", [&] { Tap(window.button); }, "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
+        {"a tap is lost", [&] { Tap(window.button); }, "1 clicks"},
         {"a tap is lost that comes to the widget",
-         [&] { QTest::mouseClick(window.button, Qt::LeftButton); },
-         "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
+         [&] { QTest::mouseClick(window.button, Qt::LeftButton); }, "1 clicks"},
         {"a finger is no mouse",
          [&] {
              QTest::touchEvent(window.windowHandle(), finger).press(1, PlaceOf(window.button));
              QTest::touchEvent(window.windowHandle(), finger).release(1, PlaceOf(window.button));
          },
-         "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
-        {"digits are lost or change places", [&] { Type("0.125"); },
-         "0 clicks, 'abc0.125', '', 0, 0 menus, 0 keys"},
+         "1 clicks"},
+        {"digits are lost or change places", [&] { Type("0.125"); }, "0.125"},
         {"digits go to where the focus was before the tap",
          [&] {
              Type("1");
@@ -378,7 +380,7 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
              Type("4");
              Tap(window.button);
          },
-         "1 clicks, 'abc14', '23', 0, 0 menus, 0 keys"},
+         "1 clicks, 14, 23"},
         {"a tap hits what has come to lie under it",
          [&] {
              Tap(window.button);
@@ -386,20 +388,20 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
              Type("5");
              window.layout()->setContentsMargins(0, 200, 0, 0);
          },
-         "1 clicks, 'abc', '5', 0, 0 menus, 0 keys"},
+         "1 clicks, 5"},
         {"a second click is none of its own",
          [&] {
              QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(window.edit));
          },
-         "0 clicks, 'abc' marked, '', 0, 0 menus, 0 keys"},
+         "marked"},
         {"a wheel is turned where the next tap is",
          [&] {
              wheel();
              Tap(window.button);
          },
-         "1 clicks, 'abc', '', 1, 0 menus, 0 keys"},
+         "1 clicks, 1 turns"},
         {"a shortcut is lost", [&] { QTest::keyClick(window.windowHandle(), Qt::Key_F5); },
-         "0 clicks, 'abc', '', 0, 0 menus, 1 keys"},
+         "1 keys"},
         {"what an input method puts together is lost",
          [&] {
              Tap(other);
@@ -407,23 +409,22 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
              composed.setCommitString(QStringLiteral("点"));
              QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
          },
-         "0 clicks, 'abc', '点', 0, 0 menus, 0 keys"},
+         "点"},
         {"a menu is not asked for",
          [&] {
              QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1},
                                      window.button->mapToGlobal(QPoint(1, 1)));
              QCoreApplication::sendEvent(window.button, &asked);
          },
-         "0 clicks, 'abc', '', 0, 1 menus, 0 keys"},
+         "1 menus"},
         {"the widget has gone",
          [&] {
              Tap(doomed);
              Type("6");
              delete doomed;
          },
-         "0 clicks, 'abc6', '', 0, 0 menus, 0 keys"},
-        {"the user cannot close it", [&] { window.windowHandle()->close(); },
-         "0 clicks, 'abc', '', 0, 0 menus, 0 keys, closed"},
+         "6"},
+        {"the user cannot close it", [&] { window.windowHandle()->close(); }, "closed"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
@@ -434,9 +435,8 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
         spin->setValue(0);
         window.edit->setFocus();
         Settle();
-        const std::string before = State();
         EXPECT_TRUE(During(row.act));
-        EXPECT_EQ(State(), before) << "while it waits";
+        EXPECT_EQ(State(), "") << "while it waits";
         Settle();
         EXPECT_EQ(State(), row.after);
     }

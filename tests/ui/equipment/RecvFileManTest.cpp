@@ -4,42 +4,27 @@
 
 #include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/equipment/FilesScreen.h"
-#include "ui/controls/PrgEndMes.h"
+#include "tests/ui/link/Leaving.h"
+#include "ui/controls/Icon.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
-#include <QCheckBox>
 #include <QHeaderView>
-#include <QRadioButton>
 #include <QTabBar>
 
 namespace fieldcore {
 namespace {
 
-using simulator::FileState;
 using testing::FilesScreen;
 
-ExpectedBox Told(const wchar_t* text, const wchar_t* caption, int icon)
+/// Presses the start button of the destination dialog.
+void Start(QWidget& front)
 {
-    return {text, caption, icon, {text::kButtonOk}, text::kButtonOk};
+    if (auto* const dialog = qobject_cast<CRecvFileSaveDlg*>(&front)) {
+        QTest::keyClick(dialog, Qt::Key_Return);
+    }
 }
-
-/// Presses the start button of the destination dialog, after what @p choose does there.
-std::function<void(QWidget&)> Starting(std::function<void(CRecvFileSaveDlg&)> choose = {})
-{
-    return [choose = std::move(choose)](QWidget& front) {
-        if (auto* const dialog = qobject_cast<CRecvFileSaveDlg*>(&front)) {
-            if (choose) {
-                choose(*dialog);
-            }
-            QTest::keyClick(dialog, Qt::Key_Return);
-        }
-    };
-}
-
-constexpr const wchar_t* kDone = L"すべてのデータの取得が完了しました。";
-constexpr const wchar_t* kDoneCaption = L"データ取得完了";
 
 /// One that logs into the last of its files.
 constexpr const char* kLogging =
@@ -48,7 +33,14 @@ constexpr const char* kLogging =
     "file A0318B00 65536 2026-03-18 05:00 open\n";
 
 class RecvFileManTest : public FilesScreen
-{};
+{
+protected:
+    void ShowOtherPage() const
+    {
+        QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
+        WaitForList();
+    }
+};
 
 TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
 {
@@ -83,8 +75,7 @@ TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
         EXPECT_EQ(Cell(0, 0) + QLatin1Char(' ') + Cell(0, 1) + QLatin1Char(' ') + Cell(0, 2),
                   QStringLiteral("A0314A00 26/03/14 47.1"));
         if (tabs.size() > 1) {
-            QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
-            WaitForList();
+            ShowOtherPage();
             EXPECT_EQ(sheet->GetMode(), 0);
             EXPECT_EQ(Find(RecvFilePage::kDelete)->isEnabled(), row.canDeleteRecycled);
         }
@@ -184,7 +175,7 @@ TEST_F(RecvFileManTest, ShowsRowsWhileTheListingRuns)
     EXPECT_GT(most, 400);
 }
 
-TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
+TEST_F(RecvFileManTest, FetchesTheSelectedFiles)
 {
     Connect("lark");
     Show();
@@ -192,20 +183,18 @@ TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
     Tap(1);
     Tap(5);
     Surveyor surveyor;
-    surveyor.onOther = Starting();
-    surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
+    surveyor.onOther = Start;
+    surveyor.boxes = {{L"すべてのデータの取得が完了しました。", L"データ取得完了",
+                       text::kMessageIconInformation}};
     QTest::keyClick(&List(), Qt::Key_Return); // the usual next step
-    EXPECT_EQ(ContentOf(Documents() / "2026-03-14" / "A0314A00.Q02"), Content("A0314A00.Q02"));
-    EXPECT_EQ(ContentOf(Documents() / "2026-03-14" / "A0314B00.Q02"), Content("A0314B00.Q02"));
-    EXPECT_TRUE(std::filesystem::exists(Documents() / "2026-03-18" / "A0318B00.Q02"));
+    for (const char* const file :
+         {"2026-03-14/A0314A00.Q02", "2026-03-14/A0314B00.Q02", "2026-03-18/A0318B00.Q02"}) {
+        EXPECT_TRUE(std::filesystem::exists(Documents() / file)) << file;
+    }
     EXPECT_FALSE(sheet->Progress().isVisible());
     const auto isMarked = [this](int row) {
-        return List()
-            .model()
-            ->index(row, 0)
-            .data(Qt::AccessibleTextRole)
-            .toString()
-            .endsWith(QStringLiteral("取得済み"));
+        const QVariant told = List().model()->index(row, 0).data(Qt::AccessibleTextRole);
+        return told.toString().endsWith(QStringLiteral("取得済み"));
     };
     EXPECT_TRUE(isMarked(0) && isMarked(1) && !isMarked(2));
     EXPECT_EQ(sheet->focusWidget(), &List());
@@ -239,24 +228,18 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
         EXPECT_TRUE(bars[0]->text().endsWith(QStringLiteral(" / 47.1 KB")));
         EXPECT_TRUE(bars[1]->text().startsWith(QStringLiteral("合計　")));
         EXPECT_GT(bars[0]->GetPos(), 3 * bars[1]->GetPos());
-        QStringList words;
-        for (const QLabel* const label : panel->findChildren<QLabel*>()) {
-            words += label->text();
+        for (const char* const words : {"1 / 2　A0314B00.Q02", " KB/s", "残り "}) {
+            EXPECT_TRUE(testing::Says(*panel, QString::fromUtf8(words), true)) << words;
         }
-        const QString all = words.join(QLatin1Char('\n'));
-        EXPECT_TRUE(all.contains(QStringLiteral("1 / 2　A0314B00.Q02"))) << all.toStdString();
-        EXPECT_TRUE(all.contains(QStringLiteral(" KB/s"))) << all.toStdString();
-        EXPECT_TRUE(all.contains(QStringLiteral("残り "))) << all.toStdString();
         atClick = 48213ULL * static_cast<unsigned>(bars[0]->GetPos()) / 1000;
         QTimer::singleShot(0, panel, [panel] {
             QTest::mouseClick(panel->findChild<QPushButton*>(), Qt::LeftButton);
         });
     };
     Surveyor surveyor;
-    surveyor.onOther = Starting();
-    surveyor.boxes = {
-        Told(L"データの取得を中止しました。\n取得が完了したファイルは保存されています。",
-             L"データ取得中止", text::kMessageIconInformation)};
+    surveyor.onOther = Start;
+    surveyor.boxes = {{L"データの取得を中止しました。\n取得が完了したファイルは保存されています。",
+                       L"データ取得中止", text::kMessageIconInformation}};
     Click(RecvFilePage::kFetch);
     ASSERT_GT(atClick, 0U);
     EXPECT_LE(std::filesystem::file_size(part), atClick + 2000)
@@ -272,18 +255,14 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
 
 TEST_F(RecvFileManTest, BringsFilesBack)
 {
-    for (const char* const name : {"pica", "lettered-power"}) {
-        SCOPED_TRACE(name);
-        Connect(name);
-        Show(1);
-        ASSERT_EQ(List().Count(), 2);
-        Tap(0);
-        Click(RecvFilePage::kRecover);
-        EXPECT_EQ(List().Count(), 1);
-        QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
-        WaitForList();
-        EXPECT_EQ(List().Count(), 4) << "the receiver lists it as live";
-    }
+    Connect("pica");
+    Show(1);
+    ASSERT_EQ(List().Count(), 2);
+    Tap(0);
+    Click(RecvFilePage::kRecover);
+    EXPECT_EQ(List().Count(), 1);
+    ShowOtherPage();
+    EXPECT_EQ(List().Count(), 4) << "the receiver lists it as live";
 }
 
 /// What can go wrong is a table of the engine's.
@@ -309,66 +288,32 @@ TEST_F(RecvFileManTest, SaysWhatWentWrong)
 
 TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
 {
-    struct Row
-    {
-        int loadWay;
-        int button; // 0: is not asked
-        bool closes;
-        bool portStaysOpen;
-    };
-    const Row rows[] = {
-        {0, 0, true, true},
-        {1, text::kButtonCancel, false, true},
-        {1, text::kEndProgram, true, false},
-        {1, text::kEndProgramPowerOff, true, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.button);
+    for (const testing::Leaving& row : testing::kLeavings) {
         Connect("lettered-power");
         Show(0, row.loadWay);
-        QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier); // both pages have been seen
-        WaitForList();
-        int asked = 0;
-        Surveyor surveyor;
-        surveyor.onOther = [&](QWidget& front) {
-            if (auto* const question = qobject_cast<CPrgEndMes*>(&front)) {
-                ++asked;
-                for (QPushButton* const button : question->findChildren<QPushButton*>()) {
-                    if (button->text() == UiText(row.button)) {
-                        QTest::mouseClick(button, Qt::LeftButton);
-                        return;
-                    }
-                }
-            }
-        };
-        QTest::keyClick(sheet.get(), Qt::Key_Escape);
-        EXPECT_EQ(asked, row.button != 0 ? 1 : 0);
-        EXPECT_EQ(!sheet->isVisible(), row.closes);
-        EXPECT_EQ(command->IsPortOpen() != 0, row.portStaysOpen);
-        const auto requests = receiver->Requests();
-        const bool switchedOff =
-            std::any_of(requests.begin(), requests.end(),
-                        [](const auto& frame) { return frame.size() > 2 && frame[2] == 0x84; });
-        EXPECT_EQ(switchedOff, row.button == text::kEndProgramPowerOff);
+        ShowOtherPage(); // each page could ask
+        testing::ExpectLeft(*sheet, row, *command, *receiver);
     }
 }
 
-TEST_F(RecvFileManTest, CutsNothingOff)
+/// The longest words there are.
+TEST_F(RecvFileManTest, CutsNothingOffOfTheProgress)
 {
     Connect(kLogging);
     testing::InEveryLook([&](QSize size) {
         Show(0, 1, size);
-        TransferProgress progress;
-        progress.file = 128;
-        progress.files = 512;
-        progress.name = L"A0314B00WW.Q02";
-        progress.fileBytes = 1010 * 1024;
-        progress.fileSize = 1023 * 1024;
-        progress.totalBytes = progress.totalSize = std::uint64_t{999} << 30U;
-        progress.bytesPerSecond = 999.0 * 1024;
-        progress.timeLeft = std::chrono::hours(99);
         auto* const panel = sheet->findChild<TransferPanel*>();
-        panel->Show(progress);
+        constexpr std::uint64_t kTotal = std::uint64_t{999} << 30U;
+        panel->Show({128,
+                     512,
+                     L"A0314B00WW.Q02",
+                     1010 * 1024,
+                     1023 * 1024,
+                     {},
+                     kTotal,
+                     kTotal,
+                     999.0 * 1024,
+                     std::chrono::hours(99)});
         QCoreApplication::processEvents();
         testing::ExpectNothingCut(*sheet, size);
         EXPECT_TRUE(sheet->rect().contains(panel->geometry()));

@@ -5,10 +5,7 @@
 #include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/equipment/FilesScreen.h"
 
-#include <QCheckBox>
-#include <QLabel>
 #include <QPushButton>
-#include <QRadioButton>
 
 namespace fieldcore {
 namespace {
@@ -31,13 +28,9 @@ protected:
     }
     [[nodiscard]] QAbstractButton* Button(const char* text) const
     {
-        for (QAbstractButton* const button : dialog->findChildren<QAbstractButton*>()) {
-            if (button->text() == QString::fromUtf8(text)) {
-                return button;
-            }
-        }
-        ADD_FAILURE() << "there is no button " << text;
-        return nullptr;
+        QAbstractButton* const button = testing::Called(*dialog, QString::fromUtf8(text));
+        EXPECT_NE(button, nullptr) << text;
+        return button;
     }
     /// Where a finger would aim: at the sign, not at the middle of the wide control.
     static void Tap(QAbstractButton* button)

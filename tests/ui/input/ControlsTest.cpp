@@ -2,21 +2,15 @@
 
 #include "core/input/Check.h"
 #include "core/input/Parts.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
-#include "ui/controls/TouchStyle.h"
-#include "ui/controls/UiText.h"
 #include "ui/input/ComboEntries.h"
 
-#include <QApplication>
 #include <QFormLayout>
 #include <QLineEdit>
-#include <QTest>
-#include <QTimer>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -32,8 +26,6 @@ public:
         form->addRow(QStringLiteral("方位角"), azimuth);
         form->addRow(MakeOkCancel());
         SetControlId(height, 1001);
-        TouchStyle::Install();
-        setWindowTitle(QStringLiteral("入力"));
     }
     QLineEdit* const height = new QLineEdit;
     QLineEdit* const azimuth = new QLineEdit;
@@ -71,22 +63,17 @@ TEST(Check, StandsOverItsDialogAndGoesBackToTheControl)
         InputDlg dialog(host);
         dialog.height->setText(row.height);
         dialog.azimuth->setText(row.azimuth);
-        dialog.resize(480, 640);
         dialog.show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
         (row.isHeight ? dialog.azimuth : dialog.height)->setFocus();
         QString told;
-        QTimer watch;
-        QObject::connect(&watch, &QTimer::timeout, [&] {
-            if (auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget())) {
-                told = box->accessibleDescription();
-                EXPECT_EQ(box->parentWidget(), &dialog);
-                QTest::keyClick(box, Qt::Key_Return);
-            }
+        testing::Next<MessageDlg>(dialog, [&](MessageDlg& box) {
+            told = box.accessibleDescription();
+            EXPECT_EQ(box.parentWidget(), &dialog);
+            QTest::keyClick(&box, Qt::Key_Return);
         });
-        watch.start(5);
         dialog.Close(Dialog::kOk);
-        EXPECT_EQ(told.toStdString(), (row.text != 0 ? UiText(row.text) : QString()).toStdString());
+        EXPECT_EQ(told, row.text != 0 ? UiText(row.text) : QString());
         EXPECT_EQ(dialog.isVisible(), row.text != 0);
         if (row.text != 0) {
             QLineEdit* const wrong = row.isHeight ? dialog.height : dialog.azimuth;

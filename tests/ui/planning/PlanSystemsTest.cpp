@@ -5,10 +5,7 @@
 
 #include <QAction>
 #include <QFile>
-#include <QLabel>
 #include <QListWidget>
-
-#include <algorithm>
 
 namespace fieldcore {
 namespace {
@@ -54,10 +51,7 @@ protected:
     [[nodiscard]] std::string Systems() const { return TextOf(plan->Session().Plan().Systems()); }
     static bool Says(const QWidget& window, const QString& words)
     {
-        const QList<QLabel*> labels = window.findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
-            return label->isVisible() && label->text().contains(words);
-        });
+        return testing::Says(window, words, true);
     }
 };
 
