@@ -140,6 +140,7 @@ TEST(QtHost, ShowsTextCaptionAndIcon)
             EXPECT_TRUE(testing::Says(box, UiText(text::kForceInitQuestion)));
             EXPECT_TRUE(testing::Says(box, UiText(text::kForceInitCaption)));
             EXPECT_EQ(box.windowTitle(), UiText(text::kForceInitCaption));
+            EXPECT_EQ(box.parentWidget(), &window);
             const auto* const icon = testing::Called<QLabel>(box, row.nameId);
             ASSERT_NE(icon, nullptr);
             EXPECT_EQ(icon->pixmap().toImage(),
@@ -347,87 +348,9 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
     doomed->setGeometry(0, 400, 100, 50);
     doomed->show();
     static QPointingDevice* const finger = QTest::createTouchDevice(); // of the whole program
-    const auto wheel = [&] {
-        const QPointF at = PlaceOf(spin);
-        QWheelEvent turned(at, window.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
-                           false);
-        QSpontaneKeyEvent::setSpontaneous(&turned); // as the system's own
-        qApp->notify(window.windowHandle(), &turned);
-    };
-    struct Row
-    {
-        const char* fault;
-        std::function<void()> act;
-        const char* after;
-    };
-    const Row rows[] = {
-        {"a tap is lost", [&] { Tap(window.button); }, "1 clicks"},
-        {"a tap is lost that comes to the widget",
-         [&] { QTest::mouseClick(window.button, Qt::LeftButton); }, "1 clicks"},
-        {"a finger is no mouse",
-         [&] {
-             QTest::touchEvent(window.windowHandle(), finger).press(1, PlaceOf(window.button));
-             QTest::touchEvent(window.windowHandle(), finger).release(1, PlaceOf(window.button));
-         },
-         "1 clicks"},
-        {"digits are lost or change places", [&] { Type("0.125"); }, "0.125"},
-        {"digits go to where the focus was before the tap",
-         [&] {
-             Type("1");
-             Tap(other);
-             Type("23");
-             Tap(window.edit);
-             Type("4");
-             Tap(window.button);
-         },
-         "1 clicks, 14, 23"},
-        {"a tap hits what has come to lie under it",
-         [&] {
-             Tap(window.button);
-             Tap(other);
-             Type("5");
-             window.layout()->setContentsMargins(0, 200, 0, 0);
-         },
-         "1 clicks, 5"},
-        {"a second click is none of its own",
-         [&] {
-             QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(window.edit));
-         },
-         "marked"},
-        {"a wheel is turned where the next tap is",
-         [&] {
-             wheel();
-             Tap(window.button);
-         },
-         "1 clicks, 1 turns"},
-        {"a shortcut is lost", [&] { QTest::keyClick(window.windowHandle(), Qt::Key_F5); },
-         "1 keys"},
-        {"what an input method puts together is lost",
-         [&] {
-             Tap(other);
-             QInputMethodEvent composed;
-             composed.setCommitString(QStringLiteral("点"));
-             QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
-         },
-         "点"},
-        {"a menu is not asked for",
-         [&] {
-             QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1},
-                                     window.button->mapToGlobal(QPoint(1, 1)));
-             QCoreApplication::sendEvent(window.button, &asked);
-         },
-         "1 menus"},
-        {"the widget has gone",
-         [&] {
-             Tap(doomed);
-             Type("6");
-             delete doomed;
-         },
-         "6"},
-        {"the user cannot close it", [&] { window.windowHandle()->close(); }, "closed"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto expect = [this](const char* fault, const char* after,
+                               const std::function<void()>& act) {
+        SCOPED_TRACE(fault);
         window.clicks = menus = shortcuts = 0;
         window.layout()->setContentsMargins({});
         window.edit->setText(QStringLiteral("abc"));
@@ -435,11 +358,63 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
         spin->setValue(0);
         window.edit->setFocus();
         Settle();
-        EXPECT_TRUE(During(row.act));
+        EXPECT_TRUE(During(act));
         EXPECT_EQ(State(), "") << "while it waits";
         Settle();
-        EXPECT_EQ(State(), row.after);
-    }
+        EXPECT_EQ(State(), after);
+    };
+    expect("a tap is lost", "1 clicks", [&] { Tap(window.button); });
+    expect("a tap is lost that comes to the widget", "1 clicks",
+           [&] { QTest::mouseClick(window.button, Qt::LeftButton); });
+    expect("a finger is no mouse", "1 clicks", [&] {
+        QTest::touchEvent(window.windowHandle(), finger).press(1, PlaceOf(window.button));
+        QTest::touchEvent(window.windowHandle(), finger).release(1, PlaceOf(window.button));
+    });
+    expect("digits are lost or change places", "0.125", [&] { Type("0.125"); });
+    expect("digits go to where the focus was before the tap", "1 clicks, 14, 23", [&] {
+        Type("1");
+        Tap(other);
+        Type("23");
+        Tap(window.edit);
+        Type("4");
+        Tap(window.button);
+    });
+    expect("a tap hits what has come to lie under it", "1 clicks, 5", [&] {
+        Tap(window.button);
+        Tap(other);
+        Type("5");
+        window.layout()->setContentsMargins(0, 200, 0, 0);
+    });
+    expect("a second click is none of its own", "marked", [&] {
+        QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(window.edit));
+    });
+    expect("a wheel is turned where the next tap is", "1 clicks, 1 turns", [&] {
+        const QPointF at = PlaceOf(spin);
+        QWheelEvent turned(at, window.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
+                           false);
+        QSpontaneKeyEvent::setSpontaneous(&turned); // as the system's own
+        qApp->notify(window.windowHandle(), &turned);
+        Tap(window.button);
+    });
+    expect("a shortcut is lost", "1 keys",
+           [&] { QTest::keyClick(window.windowHandle(), Qt::Key_F5); });
+    expect("what an input method puts together is lost", "点", [&] {
+        Tap(other);
+        QInputMethodEvent composed;
+        composed.setCommitString(QStringLiteral("点"));
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
+    });
+    expect("a menu is not asked for", "1 menus", [&] {
+        QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1},
+                                window.button->mapToGlobal(QPoint(1, 1)));
+        QCoreApplication::sendEvent(window.button, &asked);
+    });
+    expect("the widget has gone", "6", [&] {
+        Tap(doomed);
+        Type("6");
+        delete doomed;
+    });
+    expect("the user cannot close it", "closed", [&] { window.windowHandle()->close(); });
 }
 
 /// What is handed on may itself wait for the receiver, and what comes meanwhile goes behind.

@@ -250,6 +250,7 @@ TEST_F(AntennaDialog, DrawsEachMethodInItsOwnWay)
     const QImage none = picture(vertical);
     const QImage slant = picture(ReduceAntennaHeight(1.5, {0.1, 0.05, L""}));
     const QImage base = picture(ReduceAntennaHeight(1.5, {0.0, 0.05, L""}));
+    EXPECT_EQ(none, picture(vertical));
     EXPECT_NE(none, slant);
     EXPECT_NE(slant, base);
     EXPECT_NE(base, none);

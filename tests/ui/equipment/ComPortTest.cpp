@@ -21,31 +21,30 @@ protected:
     {
         simulator::Scenario scenario;
         scenario.checksRate = true;
-        m_receiver = testing::Started(scenario, m_clock);
+        m_receiver = testing::RunningReceiver(scenario, m_clock);
         m_target.devicePath = m_receiver->PortPath();
         m_target.settings.replyTimeout = std::chrono::seconds(40); // 2 s on a watch
     }
-    std::unique_ptr<CComPort> Open(int ports, int page = CComPort::kLastPage)
+    void Open(int ports, int page = CComPort::kLastPage)
     {
-        auto sheet = std::make_unique<CComPort>(
+        sheet = std::make_unique<CComPort>(
             &m_command, 1, QStringLiteral("通信設定"), nullptr, page,
             CComPort::Surroundings{&m_roots, ports, [this] { return std::optional(m_target); }});
         sheet->resize(480, 640);
         sheet->show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
-        return sheet;
+        ASSERT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
     }
-    static CTComboBox* Combo(CComPort& sheet, int page, int name)
+    [[nodiscard]] CTComboBox* Combo(int page, int name) const
     {
-        return testing::Called<CTComboBox>(*sheet.GetPage(page), name);
+        return testing::Called<CTComboBox>(*sheet->GetPage(page), name);
     }
-    static void Choose(CComPort& sheet, int page, int name, int index)
+    [[nodiscard]] std::string Shown(int page, int name) const
     {
-        Combo(sheet, page, name)->setCurrentIndex(index);
+        return Combo(page, name)->currentText().toStdString();
     }
-    static std::string Shown(CComPort& sheet, int page, int name)
+    static std::vector<ExpectedBox> Told(int text, int port)
     {
-        return Combo(sheet, page, name)->currentText().toStdString();
+        return {{FormatText(text, port), Text(text::kComFailedCaption), text::kMessageIconStop}};
     }
     std::wstring Stored(int port)
     {
@@ -62,33 +61,34 @@ protected:
     std::unique_ptr<simulator::Simulator> m_receiver;
     CCommand m_command{{&m_host, &m_clock, nullptr, nullptr}};
     ConnectTarget m_target;
+    std::unique_ptr<CComPort> sheet;
 };
 
 TEST_F(ComPortTest, SetsWhatWasSeenAndTellsThatTheLinkChanged)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);
-    auto sheet = Open(2);
+    Open(2);
     EXPECT_EQ(sheet->GetPortNo(), 2);
-    EXPECT_EQ(Shown(*sheet, 0, text::kComRate), "38400");
+    EXPECT_EQ(Shown(0, text::kComRate), "38400");
     sheet->SetActivePage(1);
-    EXPECT_EQ(Shown(*sheet, 1, text::kComRate), "9600");
-    Choose(*sheet, 1, text::kComFlow, 1);
+    EXPECT_EQ(Shown(1, text::kComRate), "9600");
+    Combo(1, text::kComFlow)->setCurrentIndex(1);
     sheet->Close(Dialog::kOk);
     EXPECT_FALSE(sheet->isVisible());
     EXPECT_FALSE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(2), L"9600-8-None-1-CTS");
 
-    sheet = Open(2);
+    Open(2);
     EXPECT_EQ(sheet->GetActiveIndex(), 1) << "the page that was open last";
     sheet->SetActivePage(0);
-    Choose(*sheet, 0, text::kComRate, 6);
+    Combo(0, text::kComRate)->setCurrentIndex(6);
     sheet->Close(Dialog::kCancelled);
     EXPECT_FALSE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(0), L"38400-8-None-1-None") << "cancelled";
 
-    sheet = Open(1, 7);
+    Open(1, 7);
     EXPECT_EQ(sheet->GetActiveIndex(), 0) << "there is no page beyond the last";
-    Choose(*sheet, 0, text::kComRate, 6);
+    Combo(0, text::kComRate)->setCurrentIndex(6);
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(0), L"115200-8-None-1-None");
@@ -108,10 +108,10 @@ TEST_F(ComPortTest, SendsNothingThatNobodyHasTouched)
          {Row{"only defaults", false, true, 0}, Row{"the default chosen again", true, true, 1},
           Row{"as it was told", false, false, 0}}) {
         SCOPED_TRACE(row.course);
-        auto sheet = Open(2, 1);
+        Open(2, 1);
         EXPECT_EQ(testing::Says(*sheet->GetPage(1), UiText(text::kComKnownDefault)), row.isNoted);
         if (row.isTouched) {
-            Q_EMIT Combo(*sheet, 1, text::kComRate)->activated(2);
+            Q_EMIT Combo(1, text::kComRate)->activated(2);
         }
         const std::size_t before = m_receiver->RequestCount();
         sheet->Close(Dialog::kOk);
@@ -122,10 +122,9 @@ TEST_F(ComPortTest, SendsNothingThatNobodyHasTouched)
 TEST_F(ComPortTest, FollowsAReceiverThatCouldNotBeStored)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);
-    auto sheet = Open(1);
-    Choose(*sheet, 0, text::kComRate, 6);
-    const Surveyor surveyor({{FormatText(text::kComMovedNotStored, 1),
-                              Text(text::kComFailedCaption), text::kMessageIconStop}});
+    Open(1);
+    Combo(0, text::kComRate)->setCurrentIndex(6);
+    const Surveyor surveyor(Told(text::kComMovedNotStored, 1));
     {
         const SettingsBatch other(HostReg(m_roots).Store()); // whose writer has not finished
         sheet->Close(Dialog::kOk);
@@ -138,23 +137,22 @@ TEST_F(ComPortTest, FollowsAReceiverThatCouldNotBeStored)
 
 TEST_F(ComPortTest, ShowsTheLinkOnThePortThatItIsToldToUse)
 {
-    CComPort sheet(nullptr, 1, QString(), nullptr, 1, {&m_roots, 2, {}});
-    EXPECT_EQ(sheet.SetIOPort(1), 0);
-    EXPECT_EQ(sheet.SetIOPort(2), 1);
-    EXPECT_EQ(sheet.GetIOPort(), 2);
-    EXPECT_EQ(sheet.GetActiveIndex(), 1);
-    EXPECT_EQ(Shown(sheet, 0, text::kComRate), "9600");
-    EXPECT_EQ(Shown(sheet, 1, text::kComRate), "38400");
+    Open(2, 1);
+    EXPECT_EQ(sheet->SetIOPort(1), 0);
+    EXPECT_EQ(sheet->SetIOPort(2), 1);
+    EXPECT_EQ(sheet->GetIOPort(), 2);
+    EXPECT_EQ(sheet->GetActiveIndex(), 1);
+    EXPECT_EQ(Shown(0, text::kComRate), "9600");
+    EXPECT_EQ(Shown(1, text::kComRate), "38400");
 }
 
 TEST_F(ComPortTest, StaysOpenWhereTheReceiverRefuses)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);
-    auto sheet = Open(3, 2); // a third page, of a port that this receiver does not have
-    Choose(*sheet, 2, text::kComRate, 0);
+    Open(3, 2); // a third page, of a port that this receiver does not have
+    Combo(2, text::kComRate)->setCurrentIndex(0);
     sheet->SetActivePage(0);
-    const Surveyor surveyor({{FormatText(text::kComRefused, 3), Text(text::kComFailedCaption),
-                              text::kMessageIconStop}});
+    const Surveyor surveyor(Told(text::kComRefused, 3));
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->isVisible());
     EXPECT_EQ(sheet->GetActiveIndex(), 2);
@@ -166,10 +164,10 @@ TEST_F(ComPortTest, FindsTheRateWithoutAConnection)
     CComPrmSet link(m_roots);
     ASSERT_EQ(link.SetPrmString(L"9600-8-None-1-CTS"), 1);
     ASSERT_EQ(link.WriteRegCommPrm(0), 1);
-    auto sheet = Open(1);
+    Open(1);
     testing::Click(*sheet, text::kComSearch);
-    EXPECT_EQ(Shown(*sheet, 0, text::kComRate), "38400");
-    EXPECT_EQ(Shown(*sheet, 0, text::kComFlow), "CTS");
+    EXPECT_EQ(Shown(0, text::kComRate), "38400");
+    EXPECT_EQ(Shown(0, text::kComFlow), "CTS");
     QApplication::processEvents(); // which takes the strip of the wait away
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->IsLinkChanged());

@@ -54,7 +54,7 @@ protected:
         sheet.reset();
         CRecvFileMan::Surroundings world;
         world.folders = OwnFolders();
-        world.freeBytes = [this](const std::filesystem::path&) { return freeBytes; };
+        world.freeBytes = [](const auto&) { return std::uint64_t{1} << 40U; };
         sheet = std::make_unique<CRecvFileMan>(command.get(), loadWay, nullptr, world, nullptr,
                                                startPage);
         ASSERT_EQ(sheet->Open(), ReceiverFiles::Opened);
@@ -93,7 +93,6 @@ protected:
     [[nodiscard]] std::filesystem::path Documents() const { return home.Path() / "Documents"; }
     [[nodiscard]] std::filesystem::path Card() const { return home.Path() / "card"; }
     bool hasCard = false;
-    std::optional<std::uint64_t> freeBytes = std::uint64_t{1} << 40U;
     TemporaryFolder home;
     BreathingHost host;
     simulator::Scenario model;

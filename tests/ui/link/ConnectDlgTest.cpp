@@ -53,7 +53,7 @@ protected:
     void Start(const Scenario& scenario) { StartBy(clock, scenario); }
     void StartBy(Clock& time, const Scenario& scenario)
     {
-        receiver = testing::Started(scenario, time);
+        receiver = testing::RunningReceiver(scenario, time);
         target.devicePath = receiver->PortPath();
     }
     void Start(const char* rule)
@@ -155,15 +155,17 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
     {
         const char* fault; ///< of the receiver; it talks at 9600
         bool offered;
-        int kept; ///< answer of who stores the rate
-        int text; ///< how it ends
+        int text;                  ///< how it ends
+        bool isBySettings = false; ///< which lead to the receiver, but not to its rate
     };
     const Row rows[] = {
-        {"", true, 1, text::kConnectRateKept},
-        {"", true, 0, text::kConnectRateNotKept},
-        {"drop", true, 1, text::kComSearchCancelled},
-        {"nak", false, 1, 0},
+        {"", true, text::kConnectRateKept, true},
+        {"", true, text::kConnectRateNotKept},
+        {"drop", true, text::kComSearchCancelled},
+        {"nak", false, 0},
     };
+    const TemporaryFolder home;
+    SettingsRoots roots(testing::FoldersBelow(home.Path()));
     CCommand patient({&host, nullptr, nullptr, nullptr}); // a search waits 0.6 s for each answer
     target.settings.replyTimeout = 600ms;
     for (const Row& row : rows) {
@@ -176,14 +178,14 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
         }
         StartBy(SystemClock::Instance(), scenario);
         Surveyor surveyor({Cable()});
-        std::vector<std::uint32_t> keptRates;
+        std::vector<std::uint32_t> found;
         bool isOver = false;
         surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
             if (!dialog.CloseButton()->isVisible() || std::exchange(isOver, true)) {
                 return;
             }
             EXPECT_EQ(dialog.SearchButton()->isVisible(), row.offered);
-            EXPECT_TRUE(keptRates.empty());
+            EXPECT_TRUE(found.empty());
             if (!row.offered) {
                 QTest::mouseClick(dialog.CloseButton(), Qt::LeftButton);
                 return;
@@ -198,42 +200,19 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
             EXPECT_EQ(dialog.accessibleDescription().toStdWString(), FormatText(row.text, 9600L));
             QTest::keyClick(&dialog, Qt::Key_Return);
         };
-        ConnectDlg dialog(patient, 0, target, &window);
-        dialog.OfferSearch([&](std::uint32_t rate) {
-            keptRates.push_back(rate);
-            return row.kept;
+        HostReg(roots).WriteString(L"GPS\\Connect", L"Port", FromUtf8(receiver->PortPath()));
+        ConnectDlg bySettings(patient, 0, &window, roots);
+        ConnectDlg byTarget(patient, 0, target, &window);
+        byTarget.OfferSearch([&found](std::uint32_t rate) {
+            found.push_back(rate);
+            return 0; // it cannot be kept
         });
-        EXPECT_EQ(dialog.DoModal(), CConnect::NotConnected);
+        EXPECT_EQ((row.isBySettings ? bySettings : byTarget).DoModal(), CConnect::NotConnected);
         EXPECT_TRUE(isOver);
-        EXPECT_EQ(keptRates.size(), row.offered && row.text != text::kComSearchCancelled ? 1U : 0U);
+        EXPECT_EQ(found.size(), row.text == text::kConnectRateNotKept ? 1U : 0U);
+        EXPECT_EQ(LinkSettings(roots).baudRate, 9600U)
+            << "what was found by the settings is stored";
         EXPECT_EQ(patient.IsPortOpen(), 0);
-    }
-}
-
-/// Where the settings lead to the receiver but not to its rate, the rate that is found is stored.
-TEST_F(ConnectDlgTest, OffersTheSearchWithThePortOfTheSettings)
-{
-    CCommand patient({&host, nullptr, nullptr, nullptr});
-    Scenario scenario;
-    scenario.checksRate = true;
-    scenario.baudRate = 9600;
-    StartBy(SystemClock::Instance(), scenario);
-    const TemporaryFolder home;
-    SettingsRoots roots(testing::FoldersBelow(home.Path()));
-    HostReg(roots).WriteString(L"GPS\\Connect", L"Port", FromUtf8(receiver->PortPath()));
-    for (const bool isKnown : {false, true}) {
-        Surveyor surveyor({Cable()});
-        bool searched = false;
-        surveyor.onProgress = [&](ConnectProgressDlg& dialog) {
-            if (dialog.CloseButton()->isVisible() && !std::exchange(searched, true)) {
-                QTest::mouseClick(dialog.SearchButton(), Qt::LeftButton);
-                QTest::keyClick(&dialog, Qt::Key_Return);
-            }
-        };
-        ConnectDlg dialog(patient, 0, &window, roots);
-        EXPECT_EQ(dialog.DoModal(), isKnown ? CConnect::Connected : CConnect::NotConnected);
-        EXPECT_EQ(searched, !isKnown);
-        EXPECT_EQ(LinkSettings(roots).baudRate, 9600U);
     }
 }
 

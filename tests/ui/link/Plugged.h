@@ -13,7 +13,7 @@ namespace fieldcore::testing {
 
 /// A simulated receiver behind a path, as a real one is. Where there is none the test fails.
 [[nodiscard]] inline std::unique_ptr<simulator::Simulator>
-Started(const simulator::Scenario& scenario, const Clock& clock = SystemClock::Instance())
+RunningReceiver(const simulator::Scenario& scenario, const Clock& clock = SystemClock::Instance())
 {
     auto receiver = std::make_unique<simulator::Simulator>(scenario, clock);
     std::string error;
@@ -29,7 +29,7 @@ Plugged(CCommand& command, const simulator::Scenario& scenario,
         std::chrono::milliseconds replyTimeout = std::chrono::seconds(10))
 {
     command.ClosePort();
-    auto receiver = Started(scenario, clock);
+    auto receiver = RunningReceiver(scenario, clock);
     PortSettings settings;
     settings.replyTimeout = replyTimeout;
     EXPECT_EQ(command.OpenPort(receiver->PortPath(), settings), 1) << command.LastError();

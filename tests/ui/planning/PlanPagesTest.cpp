@@ -43,7 +43,7 @@ protected:
             Click(sheet, button);
             sheet.close(); // where it has refused
         });
-        Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(21911);
+        Choose(text::kPlanDetail);
     }
     void InEditor(const std::function<void(CurtainEditor&)>& act, int button)
     {
@@ -52,7 +52,7 @@ protected:
             Click(editor, button);
             editor.close();
         });
-        Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(21913);
+        Choose(text::kPlanCurtain);
     }
     /// Enters a text as an input method does, Japanese too.
     static void Enter(QLineEdit* edit, const QString& text)
@@ -282,7 +282,7 @@ TEST_F(PlanPagesTest, StandAThousandRandomEvents)
                 hands.Play(window, kPerOpening);
                 window.close();
             });
-            Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(isCurtain ? 21913 : 21911);
+            Choose(isCurtain ? text::kPlanCurtain : text::kPlanDetail);
             const PlanSettings& settings = plan->Session().Settings();
             ASSERT_EQ(settings, Fitted(settings)) << "after " << hands.Count();
             for (const int elevation : plan->GetSurveyPlanCalc()->GetCurtain()) {

@@ -10,6 +10,8 @@
 #include "ui/controls/QtHost.h"
 #include "ui/planning/SurveyPlan.h"
 
+#include <QAction>
+
 #include <chrono>
 #include <memory>
 #include <string>
@@ -94,6 +96,17 @@ protected:
         plan->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(plan.get()));
         return *plan;
+    }
+    /// Chooses an item of the menus by its words.
+    void Choose(int textId) const
+    {
+        for (QAction* const action : plan->findChildren<QAction*>()) {
+            if (action->text() == UiText(textId)) {
+                action->trigger();
+                return;
+            }
+        }
+        FAIL() << textId;
     }
     template <typename Control = QWidget>
     [[nodiscard]] Control* Find(int id) const
