@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Names below @p folder with what is in them, "a/b: N bytes".
+/// The files below @p folder.
 std::set<std::string> FilesBelow(const fs::path& folder)
 {
     std::set<std::string> names;
@@ -50,10 +50,6 @@ protected:
         return OnSim("files " + arguments, receiver);
     }
     Outcome Run(const std::string& arguments) { return runner.Run(OnReceiver(arguments)); }
-    nlohmann::json Result(const std::string& arguments)
-    {
-        return Run(arguments + " --json").Json()["result"];
-    }
     void Expect(std::initializer_list<Told> rows)
     {
         for (Told row : rows) {
@@ -101,7 +97,7 @@ TEST(Wildcard, FitsWhatItShould)
 
 TEST_F(FilesTest, ListsBothPages)
 {
-    const nlohmann::json result = Result("ls");
+    const nlohmann::json result = runner.Result(OnReceiver("ls"));
     EXPECT_EQ(result["fileCount"], 4);
     EXPECT_EQ(result["totalBytes"], 3500);
     EXPECT_EQ(result["files"][0], nlohmann::json::parse(R"({"name":"ONE.Q01","sizeBytes":1500,
