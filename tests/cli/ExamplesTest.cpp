@@ -5,8 +5,8 @@
 #include "cli/Wording.h"
 #include "core/link/FrameLayouts.h"
 #include "core/resources/StringTable.h"
-#include "simulator/Simulator.h"
 #include "tests/cli/Runner.h"
+#include "tests/support/StartReceiver.h"
 
 #include <algorithm>
 #include <chrono>
@@ -134,10 +134,7 @@ protected:
     /// A serial port of the machine: that of a simulated receiver.
     void AddPort()
     {
-        std::string error;
-        m_receiver =
-            std::make_unique<simulator::Simulator>(*simulator::LoadScenario("lark", error));
-        ASSERT_TRUE(m_receiver->Start(error)) << error;
+        m_receiver = fieldcore::testing::StartReceiver("lark");
         const TemporaryFolder& machine = m_runner.Folder();
         machine.Link("sys/devices/port/driver", "some-driver");
         machine.Write("sys/devices/port/some-driver/name", "");
