@@ -119,6 +119,20 @@ TEST(Status, WatchFollowsTheBatteryAndTellsAges)
     EXPECT_TRUE(last["pdop"].is_null() && last["utc"].is_null()) << "nothing of the reading before";
 }
 
+TEST(Status, WatchWaitsTwoSecondsWhereNothingElseIsSaid)
+{
+    Runner runner;
+    const Outcome outcome =
+        runner.Run("status --json --watch --count 3 --speed 20 --timeout 60 --port sim:");
+    const std::vector<nlohmann::json> readings = Documents(outcome.out);
+    ASSERT_EQ(readings.size(), 3U) << outcome.err;
+    const auto second = [&](std::size_t k) {
+        return readings[k]["result"]["gpsSecondsOfWeek"].get<int>();
+    };
+    constexpr int kWeek = 604800;
+    EXPECT_GE((second(2) - second(0) + kWeek) % kWeek, 3);
+}
+
 TEST(Status, CtrlCEndsAWatchWell)
 {
     Runner runner;
