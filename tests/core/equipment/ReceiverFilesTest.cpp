@@ -94,12 +94,9 @@ TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
 
 TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
 {
-    const std::pair<int, int> types[] = {
-        {31, ReceiverFiles::Opened},    {27, ReceiverFiles::Opened},
-        {'r', ReceiverFiles::Opened},   {7, ReceiverFiles::NotOpened},
-        {24, ReceiverFiles::NotOpened}, {6, ReceiverFiles::NotOpened},
-    };
-    for (const auto& [code, result] : types) {
+    const std::pair<int, bool> types[] = {{31, true}, {27, true},  {'r', true},
+                                          {7, false}, {24, false}, {6, false}};
+    for (const auto& [code, isOne] : types) {
         SCOPED_TRACE(code);
         ReceiverScript script;
         script.typeCode = code;
@@ -107,8 +104,8 @@ TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
         ASSERT_EQ(command.OpenPort("in memory"), 1);
         CConnect connect(command, 0, ConnectTarget{}); // the port is open: it has nothing to ask
         ReceiverFiles opened(command);
-        EXPECT_EQ(opened.Open(connect), result);
-        EXPECT_EQ(command.IsPortOpen(), result == ReceiverFiles::Opened ? 1 : 0);
+        EXPECT_EQ(opened.Open(connect), isOne ? ReceiverFiles::Opened : ReceiverFiles::NotOpened);
+        EXPECT_EQ(command.IsPortOpen(), isOne ? 1 : 0);
         command.ClosePort();
     }
     CConnect refused(command, 0, ConnectTarget{});
