@@ -174,11 +174,10 @@ TEST_F(FileManagerTest, SendsAPicaTheseCommands)
         SCOPED_TRACE(recover);
         const std::uint8_t deleted = recover ? 0x80 : 0x00;
         const auto logged = static_cast<std::uint8_t>(deleted | 0x20);
-        ReceiverScript script;
-        script.typeCode = 27;
-        script.records = {PicaRecord(4, "A", deleted, day), PicaRecord(0x0102, "B", deleted, day),
-                          PicaRecord(6, "C", logged, day), PicaRecord(7, "D.E", deleted, day)};
-        Start(script, recover ? ReceiverFiles::Recycled : ReceiverFiles::Live);
+        Start({.typeCode = 27,
+               .records = {PicaRecord(4, "A", deleted, day), PicaRecord(0x0102, "B", deleted, day),
+                           PicaRecord(6, "C", logged, day), PicaRecord(7, "D.E", deleted, day)}},
+              recover ? ReceiverFiles::Recycled : ReceiverFiles::Live);
         rows.SelectAll();
         if (recover) {
             FileManager(*files).FileRecover();
@@ -311,6 +310,7 @@ TEST(FileRunnerRules, SpaceHasToBeMoreThanOnePointTwoTimes)
         // 1.2 times 3579139413 is 4294967295.6, and 2^32 free bytes count as 4294967295.
         {3579139412, 4294967295, true},
         {3579139413, 0x100000000, false},
+        {4294967295, 0x200000000, true},
         {4294967295, 0x133333332, false},
     };
     for (const auto& [size, free, enough] : rows) {

@@ -12,7 +12,6 @@
 #include <chrono>
 #include <limits>
 #include <optional>
-#include <string>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -45,7 +44,11 @@ protected:
         reply = time.value_or(reply);
         return time ? 1 : 0;
     }
-    int stRequestStatus(StatusReply&) override { return ++statusAsked; }
+    int stRequestStatus(StatusReply&) override
+    {
+        ++statusAsked;
+        return 1;
+    }
 };
 
 TEST(GPSError, AcceptsATimeWithAPossibleOffset)
@@ -59,6 +62,7 @@ TEST(GPSError, AcceptsATimeWithAPossibleOffset)
         {"first refused below", -101, 1, 0, 0, 0},
         {"no absolute value", std::numeric_limits<int>::min(), 1, 0, 0, 0},
         {"no answer", std::nullopt, 1, 0, 0, 0},
+        {"the flag is kept as given", 17, 0, 0, 17, 1},
         {"the flag is kept as given, again", 17, 7, 7, 17, 1},
     };
     for (const auto& [fault, offset, flag, synchronised, kept, set] : rows) {
@@ -150,6 +154,7 @@ TEST(GPSError, ShowsTheTimeInJapan)
         {"an hour that daylight saving leaves out elsewhere", 2408, 581418.0, 18,
          "023000-20260308"},
         {"an hour that comes twice elsewhere", 2442, 577818.0, 18, "013000-20261101"},
+        {"a week of ten bits", 999, 18.0, 18, "090000-20181014"},
         {"beyond all calendars", std::numeric_limits<int>::max(), 0.0, 18, "235959-99991231"},
     };
     for (const auto& [fault, week, seconds, offset, text] : rows) {
@@ -184,6 +189,7 @@ TEST(GPSError, ShowsOnlyAPdopThatIsOne)
         {"rounded as all screens do", 1.25F, L"1.2"},
         {"above the tie", 1.26F, L"1.3"},
         {"none", 0.0F, L"-.- "},
+        {"negative", -1.5F, L"-.- "},
         {"no number", std::numeric_limits<float>::quiet_NaN(), L"-.- "},
         {"infinite", std::numeric_limits<float>::infinity(), L"-.- "},
     };

@@ -66,6 +66,7 @@ TEST(ReceiverFields, SayTheSameToEverybody)
     const std::tuple<const char*, Change, const char*, const wchar_t*, const char*> rows[] = {
         {"battery", kNothing, "batteryPercent", L"80 %", "80 %"},
         {"battery above all", charge(105), "batteryPercent", L"不明", "--"},
+        {"full battery", charge(100), "batteryPercent", L"100 %", "100 %"},
         {"battery below nothing", charge(-1), "batteryPercent", L"不明", "--"},
         {"PDOP", kNothing, "pdop", L"2.0", "2.0"},
         {"large PDOP", pdop(99.5F), "pdop", L"99.5", "99.5"},
@@ -93,6 +94,7 @@ TEST(ReceiverFields, SayTheSameToEverybody)
          "latitudeDeg", L"--", "--"},
         {"height", kNothing, "heightM", L"70.123 m", "70.123 m"},
         {"nearest zone", kNothing, "planeZone", L"9 系", "9"},
+        {"no fix, no plane", fix(0), "planeXM", L"--", "--"},
         {"place beyond the zones", [](Receiver& r) { r.position->value.position.longitudeRad = 0; },
          "planeZone", L"--", "--"},
         {"HDOP", kNothing, "hdop", L"0.9", "0.9"},

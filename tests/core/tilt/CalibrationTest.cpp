@@ -64,6 +64,7 @@ TEST(CalibrationStatus, CountsTheTimeThatIsLeft)
         {"across weeks", 1, true, {{2403, 604799}}, start, L"あと2日0時間0分1秒"},
         {"the last second", 1, true, {{2404, 2 * 86400 - 1}}, start, L"あと0日0時間0分1秒"},
         {"over", 1, true, {{2404, 2 * 86400}}, start, kNone},
+        {"long over", 1, true, {{3000, 0}}, start, kNone},
         {"state", 2, true, {{2400, 3600}}, start, kNone},
         {"not calibrated", 1, false, {{2400, 3600}}, start, kNone},
         {"time of the reading unknown", 1, true, {}, start, kNone},

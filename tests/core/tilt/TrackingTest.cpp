@@ -51,6 +51,7 @@ TEST(PartsLists, FillLists)
         {"minutes", [](TextList& l) { CParts::SetIntervalStr(l, 2); }, 16, 0, L"1 分"},
         {"numbers with a unit, filled up", [](TextList& l) { CParts::SetMinSVsStr(l, 4); }, 6, 0,
          L"4  衛星"},
+        {"two digits", [](TextList& l) { CParts::SetMinSVsStr(l, 7); }, 6, 3, L"10 衛星"},
         {"hours of the day", [](TextList& l) { CParts::SetSvHourStr(l, 1); }, 24, 23, L"23 時"},
         {"hours long", [](TextList& l) { CParts::SetSvHourStr(l, 0); }, 24, 1, L"1  時間"},
         {"minutes of an hour", CParts::SetSvMinuteStr, 60, 59, L"59 分"},
