@@ -88,18 +88,18 @@ TEST_F(Catalogue, TakesWhateverTheFileHolds)
 
 TEST_F(Catalogue, CountsTo64)
 {
-    std::string text = "[ANTENNATYPE]\r\n";
+    std::string list = "[ANTENNATYPE]\r\n";
+    std::string sections;
     for (int n = 0; n <= 64; ++n) {
-        text += "DATA" + std::to_string(n) + "=T" + std::to_string(n) + "\r\n";
-    }
-    for (int n = 0; n <= 64; ++n) {
-        text += "[T" + std::to_string(n) + "]\r\n";
+        const std::string number = std::to_string(n);
+        list += "DATA" + number + "=T" + number + "\r\n";
+        sections += "[T" + number + "]\r\n";
         for (int m = 0; m <= 64; ++m) {
-            text += "MeasMethod" + std::to_string(m) + "=0." + std::to_string(m) + ",0." +
-                    std::to_string(n) + ",0,\"M\"\r\n";
+            const std::string method = std::to_string(m);
+            sections += "MeasMethod" + method + "=0." + method + ",0." + number + ",0,\"M\"\r\n";
         }
     }
-    Write(text);
+    Write(list + sections);
     ASSERT_EQ(m_catalogue.Update(), 1);
     EXPECT_EQ(m_catalogue.GetMaxCount(), 64);
     EXPECT_EQ(m_catalogue.Type(63)->name, L"T63");

@@ -260,7 +260,6 @@ TEST_F(Settings, KeepWhatTheCatalogueLacks)
         m_reg.WriteNumber(kKey, L"AntWay", row.way);
         EXPECT_EQ(m_antenna.ReadRegAnt(), 1);
         EXPECT_EQ(m_antenna.GetAntTypeStr(), row.name);
-        EXPECT_EQ(m_antenna.GetAntTypeStrEx(), row.name);
         EXPECT_EQ(m_antenna.GetAntWayStr(), row.method);
         EXPECT_DOUBLE_EQ(m_antenna.GetAntCalcH(), row.verticalM);
         EXPECT_EQ(m_antenna.ChoiceFault(), row.choice);

@@ -107,6 +107,7 @@ std::vector<FileFault> FileFaults()
     const auto noFolder = [](Engine& engine) { engine.home.Write("Documents/2026-03-14", ""); };
     return {
         {"600 files", List, "files 600 10 20\n", "", FormatText(text::kFilesMore, 512), 512},
+        {"pages backwards", List, twenty + "listing backwards\n", "", L"", 20},
         {"a page never comes", List, twenty + "fault drop of 9D skip 1 count 1\n", "",
          part(timedOut), 12},
         {"the listing is refused", List, twenty + "fault nak on 9C\n", "", refused, 0},

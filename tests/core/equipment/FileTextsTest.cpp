@@ -1,6 +1,5 @@
 #include "core/equipment/FileTexts.h"
 
-#include <string>
 #include <string_view>
 #include <tuple>
 

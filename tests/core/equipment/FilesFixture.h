@@ -5,7 +5,6 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <cstdio>
 #include <map>
 #include <memory>
 #include <optional>
@@ -108,23 +107,15 @@ protected:
     /// What was sent that changes or fetches something, in words: "A0 NAME", "60 4".
     std::vector<std::string> Sent()
     {
+        const std::map<int, std::string> named{
+            {0x96, "96 "}, {0x9C, "9C "}, {0xA0, "A0 "}, {0xA1, "A1 "}};
+        const std::map<int, std::string> numbered{{0x60, "60 "}, {0x68, "68 "}};
         std::vector<std::string> sent;
         for (const Bytes& request : receiver->Requests()) {
-            char type[4];
-            std::snprintf(type, sizeof type, "%02X ", request[2]);
-            switch (request[2]) {
-            case 0x60:
-            case 0x68:
-                sent.push_back(type + std::to_string(request[4] << 8 | request[5]));
-                break;
-            case 0x9C:
-            case 0x96:
-            case 0xA0:
-            case 0xA1:
-                sent.push_back(type + ReceiverScript::NameOf(request));
-                break;
-            default:
-                break;
+            if (const auto at = named.find(request[2]); at != named.end()) {
+                sent.push_back(at->second + ReceiverScript::NameOf(request));
+            } else if (const auto by = numbered.find(request[2]); by != numbered.end()) {
+                sent.push_back(by->second + std::to_string(request[4] << 8 | request[5]));
             }
         }
         return sent;

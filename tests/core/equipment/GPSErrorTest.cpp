@@ -3,6 +3,7 @@
 #include "core/equipment/GPSError.h"
 
 #include "core/link/Command.h"
+#include "core/platform/Utf8.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/support/HandClock.h"
 #include "tests/support/ScriptedEnd.h"
@@ -11,7 +12,6 @@
 #include <chrono>
 #include <limits>
 #include <optional>
-#include <string>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -44,7 +44,11 @@ protected:
         reply = time.value_or(reply);
         return time ? 1 : 0;
     }
-    int stRequestStatus(StatusReply&) override { return ++statusAsked; }
+    int stRequestStatus(StatusReply&) override
+    {
+        ++statusAsked;
+        return 1;
+    }
 };
 
 TEST(GPSError, AcceptsATimeWithAPossibleOffset)
@@ -58,6 +62,7 @@ TEST(GPSError, AcceptsATimeWithAPossibleOffset)
         {"first refused below", -101, 1, 0, 0, 0},
         {"no absolute value", std::numeric_limits<int>::min(), 1, 0, 0, 0},
         {"no answer", std::nullopt, 1, 0, 0, 0},
+        {"the flag is kept as given", 17, 0, 0, 17, 1},
         {"the flag is kept as given, again", 17, 7, 7, 17, 1},
     };
     for (const auto& [fault, offset, flag, synchronised, kept, set] : rows) {
@@ -149,10 +154,8 @@ TEST(GPSError, ShowsTheTimeInJapan)
         {"an hour that daylight saving leaves out elsewhere", 2408, 581418.0, 18,
          "023000-20260308"},
         {"an hour that comes twice elsewhere", 2442, 577818.0, 18, "013000-20261101"},
+        {"a week of ten bits", 999, 18.0, 18, "090000-20181014"},
         {"beyond all calendars", std::numeric_limits<int>::max(), 0.0, 18, "235959-99991231"},
-    };
-    const auto narrow = [](const std::wstring& text) {
-        return std::string(text.begin(), text.end());
     };
     for (const auto& [fault, week, seconds, offset, text] : rows) {
         SCOPED_TRACE(fault);
@@ -162,22 +165,22 @@ TEST(GPSError, ShowsTheTimeInJapan)
         error.GetRETPOS3()->fixKind = 2;
         error.GetRETPOS3()->week = static_cast<std::uint32_t>(week);
         error.GetRETPOS3()->secondsOfWeek = static_cast<std::uint32_t>(seconds);
-        EXPECT_EQ(narrow(error.GetJSTTime(0)), text);
+        EXPECT_EQ(ToUtf8(error.GetJSTTime(0)), text);
         EXPECT_EQ(error.timeAsked, 1) << "the stored status has the time";
     }
     HandClock clock;
     Told error(clock);
     error.time = GpsTimeReply{54017.0, kWeek, 17};
-    EXPECT_EQ(narrow(error.GetJSTTime(0)), "0000-20260316") << "the offset is not known yet";
-    EXPECT_EQ(narrow(error.GetJSTTime(1)), "00:00");
+    EXPECT_EQ(ToUtf8(error.GetJSTTime(0)), "0000-20260316") << "the offset is not known yet";
+    EXPECT_EQ(ToUtf8(error.GetJSTTime(1)), "00:00");
     EXPECT_EQ(error.timeAsked, 2) << "unsynchronised it is asked for";
     error.SetTimeSynchro(1);
     error.GetRETPOS3()->week = 2427;
     error.GetRETPOS3()->secondsOfWeek = 259217;
-    EXPECT_EQ(narrow(error.GetJSTTime(1)), "09:00:00");
+    EXPECT_EQ(ToUtf8(error.GetJSTTime(1)), "09:00:00");
     EXPECT_EQ(error.GetJSTCTime().GetHour(), 9) << "summer";
     EXPECT_EQ(error.GetJSTCTime().GetDay(), 15);
-    EXPECT_EQ(narrow(error.ChangeCTimetoString(CTime(2026, 7, 1, 1, 2, 3), 0)), "010203-20260701");
+    EXPECT_EQ(ToUtf8(error.ChangeCTimetoString(CTime(2026, 7, 1, 1, 2, 3), 0)), "010203-20260701");
 }
 
 TEST(GPSError, ShowsOnlyAPdopThatIsOne)
@@ -186,6 +189,7 @@ TEST(GPSError, ShowsOnlyAPdopThatIsOne)
         {"rounded as all screens do", 1.25F, L"1.2"},
         {"above the tie", 1.26F, L"1.3"},
         {"none", 0.0F, L"-.- "},
+        {"negative", -1.5F, L"-.- "},
         {"no number", std::numeric_limits<float>::quiet_NaN(), L"-.- "},
         {"infinite", std::numeric_limits<float>::infinity(), L"-.- "},
     };

@@ -4,7 +4,6 @@
 #include "tests/core/equipment/FilesFixture.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
-#include <array>
 #include <string_view>
 #include <tuple>
 
@@ -79,10 +78,7 @@ TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
     };
     for (const auto& [label, typeCode, version, recyclePage, download, live] : table) {
         SCOPED_TRACE(label);
-        ReceiverScript script;
-        script.typeCode = typeCode;
-        script.version = version;
-        Start(script);
+        Start({.typeCode = typeCode, .version = version});
         EXPECT_EQ(files->HasRecyclePage(), recyclePage);
         EXPECT_EQ(files->ShowsDeleteNote(), !recyclePage);
         EXPECT_EQ(files->CanDownload(), download);
@@ -94,21 +90,16 @@ TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
 
 TEST_F(ReceiverFilesTest, OpensForPicaAndLarkOnly)
 {
-    const std::pair<int, int> types[] = {
-        {31, ReceiverFiles::Opened},    {27, ReceiverFiles::Opened},
-        {'r', ReceiverFiles::Opened},   {7, ReceiverFiles::NotOpened},
-        {24, ReceiverFiles::NotOpened}, {6, ReceiverFiles::NotOpened},
-    };
-    for (const auto& [code, result] : types) {
+    const std::pair<int, bool> types[] = {{31, true}, {27, true},  {'r', true},
+                                          {7, false}, {24, false}, {6, false}};
+    for (const auto& [code, isOne] : types) {
         SCOPED_TRACE(code);
-        ReceiverScript script;
-        script.typeCode = code;
-        const ScriptedEnd far(line, script);
+        const ScriptedEnd far(line, ReceiverScript{.typeCode = code});
         ASSERT_EQ(command.OpenPort("in memory"), 1);
         CConnect connect(command, 0, ConnectTarget{}); // the port is open: it has nothing to ask
         ReceiverFiles opened(command);
-        EXPECT_EQ(opened.Open(connect), result);
-        EXPECT_EQ(command.IsPortOpen(), result == ReceiverFiles::Opened ? 1 : 0);
+        EXPECT_EQ(opened.Open(connect), isOne ? ReceiverFiles::Opened : ReceiverFiles::NotOpened);
+        EXPECT_EQ(command.IsPortOpen(), isOne ? 1 : 0);
         command.ClosePort();
     }
     CConnect refused(command, 0, ConnectTarget{});
@@ -131,9 +122,7 @@ public:
 
 TEST_F(ReceiverFilesTest, WhatIsLeftOfAnEarlierListingIsIgnored)
 {
-    ReceiverScript script;
-    script.records = {LarkRecord("A.Q01", 1), LarkRecord("B.Q01", 1)};
-    Start(script);
+    Start({.records = {LarkRecord("A.Q01", 1), LarkRecord("B.Q01", 1)}});
     QueueingTarget window;
     ASSERT_EQ(files->GetFileData(window), 1);
     ASSERT_EQ(files->GetFileData(window), 1);
@@ -170,13 +159,11 @@ TEST_F(ReceiverFilesTest, MarksWhatWasFetched)
     Start(script);
     files->SetFetchedFolders({folder.Path() / "plain", folder.Path() / "dated", "", "/nowhere"});
     files->GetFileData(*this);
-    constexpr std::array kFetched{true, true, false, false, false, false, false};
-    ASSERT_EQ(rows.Count(), 7);
-    for (int row = 0; row < 7; ++row) {
-        EXPECT_EQ(rows.At(row).mark == FileRow::Mark::Fetched,
-                  kFetched.at(static_cast<std::size_t>(row)))
-            << row;
+    std::string fetched;
+    for (int row = 0; row < rows.Count(); ++row) {
+        fetched += rows.At(row).mark == FileRow::Mark::Fetched ? 'x' : '-';
     }
+    EXPECT_EQ(fetched, "xx-----");
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -71,11 +70,9 @@ protected:
 
 TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
 {
-    std::string error;
-    std::optional<simulator::Scenario> street = simulator::LoadScenario("street", error);
-    ASSERT_TRUE(street) << error;
-    street->start = std::chrono::sys_days(2026y / 3 / 19);
-    Plug(*street);
+    simulator::Scenario street = testing::ShippedScenario("street");
+    street.start = std::chrono::sys_days(2026y / 3 / 19);
+    Plug(street);
     ASSERT_EQ(AlmanacStore(folder.Path()).Update(command), AlmanacResult::Done);
     Begin(folder.Path());
     Live(4h);
@@ -95,7 +92,7 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
         const auto at = static_cast<std::size_t>(azimuth);
         // The receiver does not track below 10 degrees, so nothing is to be known there.
         const auto above = [](double elevationDeg) { return std::max(elevationDeg, 10.0); };
-        const bool isObstructed = simulator::ObstructionDeg(*street, azimuth + 0.5) > 10.0;
+        const bool isObstructed = simulator::ObstructionDeg(street, azimuth + 0.5) > 10.0;
         obstructed += isObstructed ? 1 : 0;
         if (proposal->certainty[at] == SkylineCertainty::Unknown) {
             EXPECT_EQ(proposal->curtain[at], 7);
@@ -106,7 +103,7 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
         for (double side = -3.0; side <= 3.0; side += 0.5) {
             off = std::min(
                 off, std::abs(above(proposal->curtain[at]) -
-                              above(simulator::ObstructionDeg(*street, azimuth + 0.5 + side))));
+                              above(simulator::ObstructionDeg(street, azimuth + 0.5 + side))));
         }
         EXPECT_LE(off, 3.0);
     }

@@ -26,6 +26,7 @@ TEST(PointNameIncre, CountsLikeAnOdometer)
         {"no room in front", L"999", 3, L"999"},
         {"longer than allowed, but need not grow", L"P15", 2, L"P16"},
         {"full-width digits are separators", L"\uFF119", 20, L"\uFF1110"},
+        {"separator at the end", L"A-", 20, L"A-"},
         {"separator at the end, no room", L"A-", 2, L"A-"},
         {"no name", L"", 20, L""},
         {"as many nines as a name can have", nines, 255, nines},

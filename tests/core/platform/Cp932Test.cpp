@@ -40,6 +40,7 @@ TEST(Cp932, WritesText)
 {
     const std::tuple<const char*, std::wstring, std::string> rows[] = {
         {"NUL ends the text", L"A\0B"s, "A\0B"s},
+        {"half-width kana", L"\uFF9F", "\xDF"},
         {"wave dash", L"\u301C\uFF5E", "\x81\x60\x81\x60"},
         {"double vertical line", L"\u2016\u2225", "\x81\x61\x81\x61"},
         {"minus", L"\u2212\uFF0D", "\x81\x7C\x81\x7C"},

@@ -52,6 +52,7 @@ TEST(PortNames, RefuseWithAReason)
         {"beyond an int", "COM9999999999", "1 to 256"},
         {"plus", "COM+1", "1 to 256"},
         {"something behind", "COM3x", "1 to 256"},
+        {"two colons", "COM3::", "1 to 256"},
         {"device without its folder", "ttyUSB0", "whole path"},
         {"simulator without a colon", "sim", "sim:"},
         {"NUL", "/dev/tty\0USB0"s, "control"},

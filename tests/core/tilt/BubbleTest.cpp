@@ -107,7 +107,9 @@ TEST(Bubble, StandsWhereTheTiltPutsIt)
         {"the second coordinate follows from the cut first one", -0.1, -0.1, 40, -21, 22},
         {"signs below", 0.1, 0.1, 40, 21, -22},
         {"a sensitivity of 0 is drawn with 40", 0.0, 0.01, 0, 6, 0},
+        {"a negative one too", 0.0, 0.01, -8, 6, 0},
         {"one too small to divide by", 0.0, 0.01, 1e-320, 6, 0},
+        {"squares that fit no double", 1e200, -1e200, 40, -21, -22},
         {"huge tilts keep their direction", 1e308, -1e308, 40, -21, -22},
         {"huge against none", 0.0, -1e308, 1e-200, -31, 0},
     };

@@ -27,29 +27,30 @@ TEST(CalibrationStatus, HasATextForEveryState)
                            .calibrationValid = valid,
                            .time = {}};
     };
-    const std::tuple<const char*, TiltReading, LastCalibrationRun, int> rows[] = {
-        {"none", told(0), {}, text::kTiltNotCompleted},
-        {"completed", told(1), {}, text::kTiltCompleted},
-        {"running", told(2), {}, text::kTiltRunning},
-        {"failed", told(3), {}, text::kTiltFailed},
-        {"too old", told(4), {}, text::kTiltExpired},
-        {"no such state", told(7), {}, text::kTiltNotCompleted},
-        {"first error", told(1, true), {}, text::kTiltNotCompleted},
-        {"second error", told(4, false, true), {}, text::kTiltNotCompleted},
-        {"not to be believed", told(1, false, false, false), {}, text::kTiltNotCompleted},
-        {"aborted", told(4), {true, false}, text::kTiltAborted},
-        {"failed wins", told(0), {true, true}, text::kTiltFailed},
-        {"completed wins over both", told(1), {true, true}, text::kTiltCompleted},
-        {"the last run counts in spite of errors",
-         told(0, true, true),
-         {true, false},
-         text::kTiltAborted},
+    const wchar_t* const kNotDone = L"チルト調整が正常に終了していません。";
+    const wchar_t* const kDone = L"チルト調整が正常終了しました。";
+    const wchar_t* const kFailed = L"チルト調整が失敗しました。";
+    const wchar_t* const kAborted = L"チルト調整が中止されました。";
+    const std::tuple<const char*, TiltReading, LastCalibrationRun, const wchar_t*> rows[] = {
+        {"none", told(0), {}, kNotDone},
+        {"completed", told(1), {}, kDone},
+        {"running", told(2), {}, L"チルト調整中です。"},
+        {"failed", told(3), {}, kFailed},
+        {"too old", told(4), {}, L"有効期限を過ぎました。"},
+        {"no such state", told(7), {}, kNotDone},
+        {"first error", told(1, true), {}, kNotDone},
+        {"second error", told(4, false, true), {}, kNotDone},
+        {"not to be believed", told(1, false, false, false), {}, kNotDone},
+        {"aborted", told(4), {true, false}, kAborted},
+        {"failed wins", told(0), {true, true}, kFailed},
+        {"completed wins over both", told(1), {true, true}, kDone},
+        {"the last run counts before errors", told(0, true, true), {true, false}, kAborted},
     };
-    for (const auto& [fault, reading, lastRun, textId] : rows) {
+    for (const auto& [fault, reading, lastRun, text] : rows) {
         SCOPED_TRACE(fault);
-        EXPECT_EQ(CalibrationTextId(reading, lastRun), textId);
+        EXPECT_STREQ(Text(CalibrationTextId(reading, lastRun)), text);
     }
-    EXPECT_EQ(CalibrationTextId(std::nullopt, {true, true}), text::kTiltNotCompleted);
+    EXPECT_STREQ(Text(CalibrationTextId(std::nullopt, {true, true})), kNotDone);
 }
 
 TEST(CalibrationStatus, CountsTheTimeThatIsLeft)
@@ -63,6 +64,7 @@ TEST(CalibrationStatus, CountsTheTimeThatIsLeft)
         {"across weeks", 1, true, {{2403, 604799}}, start, L"あと2日0時間0分1秒"},
         {"the last second", 1, true, {{2404, 2 * 86400 - 1}}, start, L"あと0日0時間0分1秒"},
         {"over", 1, true, {{2404, 2 * 86400}}, start, kNone},
+        {"long over", 1, true, {{3000, 0}}, start, kNone},
         {"state", 2, true, {{2400, 3600}}, start, kNone},
         {"not calibrated", 1, false, {{2400, 3600}}, start, kNone},
         {"time of the reading unknown", 1, true, {}, start, kNone},
