@@ -96,7 +96,7 @@ void DayOfOneSite(benchmark::State& state)
     for (auto _ : state) {
         literalUs.push_back(Timed([&] {
             benchmark::DoNotOptimize(literal.Count());
-            benchmark::DoNotOptimize(literal.Dop(&DopValues::pdop));
+            benchmark::DoNotOptimize(literal.Dops());
         }));
         ourUs.push_back(Timed([&] {
             const long before = AllocationCount();
@@ -166,7 +166,7 @@ void ManySites(benchmark::State& state)
             for (const Observer& site : sites) {
                 literal.SetObserver(site);
                 benchmark::DoNotOptimize(literal.Count());
-                benchmark::DoNotOptimize(literal.Dop(&DopValues::pdop));
+                benchmark::DoNotOptimize(literal.Dops());
             }
         }));
         oneUs.push_back(Timed([&] { plan.ComputeSites(sites, views, 1); }));
@@ -303,11 +303,11 @@ void Differences(benchmark::State& state)
             const LiteralPlan literal(plan.Calc(), plan.Period());
             const auto skies = literal.Tracks();
             const auto counts = literal.Count();
-            const auto pdops = literal.Dop(&DopValues::pdop);
+            const auto dops = literal.Dops();
             for (int k = 0; k < plan.Division(); ++k) {
                 const auto at = static_cast<std::size_t>(k);
                 decisions += plan.CountAt(k) == counts[at] ? 0 : 1;
-                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / pdops[at] - 1.0));
+                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / dops[at].pdop - 1.0));
                 for (int prn = 0; prn < kMaxPrn; ++prn) {
                     ++cases;
                     const auto& from = skies[at][static_cast<std::size_t>(prn)];

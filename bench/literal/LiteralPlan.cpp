@@ -121,13 +121,13 @@ std::vector<double> LiteralPlan::Count() const
     return series;
 }
 
-std::vector<double> LiteralPlan::Dop(double DopValues::*value) const
+std::vector<DopValues> LiteralPlan::Dops() const
 {
-    std::vector<double> series;
+    std::vector<DopValues> series;
     CGPSTime time = m_period.Start();
     for (int k = 0; k < m_period.Division(); ++k) {
         time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
-        series.push_back(DopAt(ToEpoch(time)).*value);
+        series.push_back(DopAt(ToEpoch(time)));
     }
     return series;
 }

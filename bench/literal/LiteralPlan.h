@@ -38,8 +38,7 @@ public:
     // The series, one sample after the other.
 
     [[nodiscard]] std::vector<double> Count() const;
-    /// @param value  which dilution
-    [[nodiscard]] std::vector<double> Dop(double DopValues::*value) const;
+    [[nodiscard]] std::vector<DopValues> Dops() const;
 
     using Sky = std::array<std::optional<SkyDirection>, kMaxPrn>;
     /// Where every satellite stands, at the start and after each interval: one more than samples.

@@ -25,6 +25,18 @@ inline std::string With(std::string text, std::string_view from, std::string_vie
     return text.replace(at, from.size(), to);
 }
 
+/// @p text with every @p from become @p to.
+[[nodiscard]] inline std::string Replaced(std::string_view text, std::string_view from,
+                                          std::string_view to)
+{
+    std::string result;
+    for (std::size_t at = text.find(from); at != std::string_view::npos; at = text.find(from)) {
+        result.append(text.substr(0, at)).append(to);
+        text.remove_prefix(at + from.size());
+    }
+    return result.append(text);
+}
+
 /// @p text with the first GLONASS satellite in the middle of the earth.
 inline std::string WithoutPlace(std::string text)
 {

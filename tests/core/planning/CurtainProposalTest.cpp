@@ -6,12 +6,12 @@
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/SurveyPlanCalc.h"
 #include "simulator/Sky.h"
+#include "tests/core/planning/SampleSky.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -21,13 +21,9 @@ namespace {
 /// What a receiver with a mask of 10 degrees tracks and misses there.
 SkyRecord RecordOf(const simulator::Scenario& place, int fromHour, int hours)
 {
-    std::vector<std::uint8_t> content;
-    for (const AlmanacRecord& record : NominalConstellation(kNominalSatellites, 2410, 0)) {
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
-    }
     CSurveyPlanCalc calc;
-    EXPECT_TRUE(calc.LoadAlmanac(content));
+    EXPECT_TRUE(
+        calc.LoadAlmanac(testing::FileOf(NominalConstellation(kNominalSatellites, 2410, 0))));
     const Observer here{RadiansOf(35.0), RadiansOf(139.0), 70.0};
     calc.SetObserver(here);
     SkyRecord record(here);

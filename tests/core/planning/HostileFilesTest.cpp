@@ -27,20 +27,11 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::SampleFile;
-using testing::SampleSatellite;
+using testing::SampleSatellites;
 
 constexpr std::string_view kAlmanacName = "GSurveyPlan.alm";
 constexpr std::string_view kCurtainName = "CurTain.obs";
 constexpr std::string_view kTextName = "curtain.txt";
-
-std::vector<AlmanacRecord> SixSatellites()
-{
-    std::vector<AlmanacRecord> records;
-    for (int prn = 1; prn <= 6; ++prn) {
-        records.push_back(SampleSatellite(prn));
-    }
-    return records;
-}
 
 ObstructionCurtain Striped()
 {
@@ -143,7 +134,7 @@ TEST(HostileFiles, WhatIsNoFileIsNotReadAndNotReplaced)
             EXPECT_EQ(error->line, 0);
             EXPECT_EQ(error->message, "is no file that can be read");
         }
-        EXPECT_EQ(AlmanacStore(path).Import(SixSatellites()), AlmanacResult::NotReplaced);
+        EXPECT_EQ(AlmanacStore(path).Import(SampleSatellites(6)), AlmanacResult::NotReplaced);
         EXPECT_TRUE(SaveCurtain(path, Striped()));
         EXPECT_TRUE(SaveCurtainText(path / kTextName, Striped()));
         for (const std::string_view name : {kAlmanacName, kCurtainName, kTextName}) {
@@ -173,7 +164,7 @@ TEST(HostileFiles, APipeUnderTheTemporaryNameStopsNobody)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(SaveCurtain(folder.Path(), Striped()));
     ASSERT_EQ(mkfifo(AlmanacTemporaryPath(folder.Path()).c_str(), 0600), 0);
-    EXPECT_EQ(AlmanacStore(folder.Path()).Import(SixSatellites()), AlmanacResult::Done);
+    EXPECT_EQ(AlmanacStore(folder.Path()).Import(SampleSatellites(6)), AlmanacResult::Done);
     EXPECT_EQ(ReadAlmanacFile(folder.Path() / kAlmanacName), SampleFile(6));
 }
 

@@ -6,19 +6,19 @@
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/Degrees.h"
-#include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
-#include "simulator/Simulator.h"
+#include "simulator/Frame.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -28,59 +28,31 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Moves only by hand: the date of the receiver and the ages of the sky.
-class HandClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return m_steady; }
-    [[nodiscard]] UtcTime Utc() const override { return UtcTime(m_steady.load()); }
-    [[nodiscard]] bool SetUtc(UtcTime /*time*/) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-    void Advance(Duration duration) { m_steady = m_steady.load() + duration; }
-
-private:
-    std::atomic<Duration> m_steady{};
-};
-
 class LiveSkyPollTest : public ::testing::Test
 {
 protected:
-    void Start(const std::string& scenario)
+    void Start(std::string_view scenario)
     {
-        std::string error;
-        const auto parsed = simulator::ParseScenario(scenario, error);
-        ASSERT_TRUE(parsed) << error;
-        m_simulator = std::make_unique<simulator::Simulator>(*parsed, m_clock);
-        ASSERT_TRUE(m_simulator->Start(error)) << error;
-        PortSettings settings;
-        settings.replyTimeout = 200s; // 2 s of a watch
-        ASSERT_EQ(m_command.OpenPort(m_simulator->PortPath(), settings), 1)
-            << m_command.LastError();
-        m_command.SetLineObserver(
-            [this](Direction direction, LineUnit, std::span<const std::uint8_t> frame) {
-                if (direction == Direction::Sent) {
-                    m_asked.push_back(frame.size() > 2 ? frame[2] : 0);
-                }
-            });
-    }
-    void Fault(const std::string& text)
-    {
-        simulator::FaultRule rule;
-        std::string error;
-        ASSERT_TRUE(simulator::ParseFaultRule(text, rule, error)) << error;
-        m_simulator->AddFault(rule);
+        far.emplace(scenario).Open();
+        poll.emplace(far->clock, folder.Path());
     }
     [[nodiscard]] long Asked(std::uint8_t type) const
     {
-        return std::count(m_asked.begin(), m_asked.end(), type);
+        const auto requests = far->simulator.Requests();
+        return std::count_if(requests.begin(), requests.end(), [type](const auto& request) {
+            return request.size() > 2 && request[2] == type;
+        });
+    }
+    /// Time passes, and it asks.
+    bool PollAfter(Clock::Duration pause)
+    {
+        far->clock.Sleep(pause);
+        return poll->Poll(far->command);
     }
 
-    HandClock m_clock;
-    FastClock m_fast{100.0}; // for the time-outs, which must pass by themselves
-    std::unique_ptr<simulator::Simulator> m_simulator;
-    CCommand m_command{CCommand::Surroundings{nullptr, &m_fast, nullptr, {}}};
-    std::vector<std::uint8_t> m_asked;
-    TemporaryFolder m_folder;
+    TemporaryFolder folder;
+    std::optional<testing::VirtualReceiver> far;
+    std::optional<LiveSkyPoll> poll; // of a clock that is the receiver's, too
 };
 
 constexpr const char* kMovingSky = "start 2026-03-18 23:59:42\nposition -33.9 151.2 40\nmask 15\n"
@@ -89,20 +61,21 @@ constexpr const char* kMovingSky = "start 2026-03-18 23:59:42\nposition -33.9 15
 TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
 {
     Start(kMovingSky);
-    ASSERT_EQ(AlmanacStore(m_folder.Path()).Update(m_command), AlmanacResult::Done);
-    LiveSkyPoll poll(m_clock, m_folder.Path());
+    ASSERT_EQ(AlmanacStore(folder.Path()).Update(far->command), AlmanacResult::Done);
+    poll->LoadAlmanac();
     CSurveyPlanCalc calc;
-    ASSERT_TRUE(calc.LoadAlmanac(AlmanacPath(m_folder.Path())));
+    ASSERT_TRUE(calc.LoadAlmanac(AlmanacPath(folder.Path())));
     calc.SetObserver({RadiansOf(-33.9), RadiansOf(151.2), 40.0});
     for (const int hour : {0, 5}) {
         SCOPED_TRACE(hour);
-        ASSERT_TRUE(poll.Poll(m_command));
-        ASSERT_EQ(poll.GetNow().state, LiveSkyPoll::State::Good);
+        ASSERT_TRUE(PollAfter(std::chrono::hours(hour)));
+        ASSERT_EQ(poll->GetNow().state, LiveSkyPoll::State::Good);
         calc.SetTime(2410, 345600.0 + hour * 3600.0); // 2026-03-19 00:00:00 GPS time
         const int above = calc.CountVisible();
-        const std::vector<LiveSatellite> gps = poll.GetNow().sky.Satellites(Constellation::Gps);
+        const std::vector<LiveSatellite> gps = poll->GetNow().sky.Satellites(Constellation::Gps);
         ASSERT_EQ(static_cast<int>(gps.size()), above);
-        const std::vector<PredictedSatellite> predicted = poll.GetNow().sky.Predicted(std::nullopt);
+        const std::vector<PredictedSatellite> predicted =
+            poll->GetNow().sky.Predicted(std::nullopt);
         ASSERT_EQ(predicted.size(), gps.size());
         for (std::size_t i = 0; i < gps.size(); ++i) {
             SCOPED_TRACE(gps[i].number);
@@ -117,40 +90,35 @@ TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
             EXPECT_EQ(predicted[i].prn, gps[i].number);
             EXPECT_NEAR(predicted[i].direction.elevationRad, orbit.GetElevation(), 1e-6) << "rad";
         }
-        EXPECT_EQ(poll.GetNow().sky.Count(Constellation::Glonass).solid, 1);
-        m_clock.Advance(5h);
+        EXPECT_EQ(poll->GetNow().sky.Count(Constellation::Glonass).solid, 1);
     }
     EXPECT_EQ(Asked(0x30), 2) << "the site is asked for again after half a minute";
-    m_clock.Advance(10s);
-    EXPECT_TRUE(poll.Poll(m_command));
-    EXPECT_EQ(Asked(0x30), 3);
-    m_clock.Advance(29s);
-    EXPECT_TRUE(poll.Poll(m_command));
+    EXPECT_TRUE(PollAfter(29s));
+    EXPECT_EQ(Asked(0x30), 2);
+    EXPECT_TRUE(PollAfter(2s));
     EXPECT_EQ(Asked(0x30), 3);
 }
 
 TEST_F(LiveSkyPollTest, WorksWithoutAnAlmanac)
 {
     Start(kMovingSky);
-    LiveSkyPoll poll(m_clock, m_folder.Path());
-    EXPECT_FALSE(poll.GetNow().hasAlmanac);
-    EXPECT_TRUE(poll.Poll(m_command));
-    EXPECT_GT(poll.GetNow().sky.Count(Constellation::Gps).inView, 4);
-    EXPECT_TRUE(poll.GetNow().sky.Predicted(std::nullopt).empty());
+    EXPECT_FALSE(poll->GetNow().hasAlmanac);
+    EXPECT_TRUE(poll->Poll(far->command));
+    EXPECT_GT(poll->GetNow().sky.Count(Constellation::Gps).inView, 4);
+    EXPECT_TRUE(poll->GetNow().sky.Predicted(std::nullopt).empty());
     EXPECT_EQ(Asked(0x14) + Asked(0x30), 0) << "nothing to predict from";
 }
 
 TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
 {
     Start("satellite G5 118 37 45.3\nsatellite S129 181 48 39.2\nlist-form text1\n");
-    Fault("nak on 54");
+    far->AddFault("nak on 54");
     // The receiver of one frame: a request with a data byte is unknown to it.
-    Fault("nak on 16 count 1");
-    LiveSkyPoll poll(m_clock, m_folder.Path());
+    far->AddFault("nak on 16 count 1");
     for (int round = 0; round < 3; ++round) {
-        ASSERT_TRUE(poll.Poll(m_command));
-        ASSERT_EQ(poll.GetNow().state, LiveSkyPoll::State::Good);
-        const std::vector<LiveSatellite> all = poll.GetNow().sky.Satellites(std::nullopt);
+        ASSERT_TRUE(poll->Poll(far->command));
+        ASSERT_EQ(poll->GetNow().state, LiveSkyPoll::State::Good);
+        const std::vector<LiveSatellite> all = poll->GetNow().sky.Satellites(std::nullopt);
         ASSERT_EQ(all.size(), 2U);
         EXPECT_EQ(all[0].signals[0], 45.3);
         EXPECT_FALSE(all[0].isUsed) << "it was not told";
@@ -158,47 +126,33 @@ TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
     }
     EXPECT_EQ(Asked(0x16), 4) << "what was refused is not asked for again";
     EXPECT_EQ(Asked(0x54), 2) << "with GLONASS, without, then no more";
-    m_clock.Advance(30s);
-    EXPECT_TRUE(poll.Poll(m_command));
+    EXPECT_TRUE(PollAfter(30s));
     EXPECT_EQ(Asked(0x54), 3) << "but half a minute later";
-}
-
-/// A frame around @p data, as docs/protocol.md has it.
-std::vector<std::uint8_t> Framed(std::uint8_t type, const std::vector<std::uint8_t>& data)
-{
-    std::vector<std::uint8_t> frame{2, 0, type, static_cast<std::uint8_t>(data.size())};
-    frame.insert(frame.end(), data.begin(), data.end());
-    unsigned sum = 0;
-    for (std::size_t i = 1; i < frame.size(); ++i) {
-        sum += frame[i];
-    }
-    frame.push_back(static_cast<std::uint8_t>(sum & 0xFFU));
-    frame.push_back(3);
-    return frame;
 }
 
 TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
 {
     Start("model 3017\n");
-    m_simulator->SetScripted([](std::span<const std::uint8_t> request) {
+    far->simulator.SetScripted([](std::span<const std::uint8_t> request) {
         if (request[2] == 0x54) {
             std::vector<std::uint8_t> masks(71, 0);
             masks[18 + 3] = 0x30; // tracked: G5 and G6
             masks[26 + 3] = 0x10; // used: G5
             masks[62 + 2] = 0x0C; // tracked: R3 and R4
             masks[68 + 2] = 0x08; // used: R4
-            return Framed(0x55, masks);
+            return simulator::MakeFrame(0x55, masks);
         }
         if (request[2] != 0x16 || request[3] != 0) {
             return std::vector<std::uint8_t>{0x15};
         }
-        return Framed(0x17, {'0', '4', 1,                         //
-                             5,   10,  20, 160, 6,   10, 20, 160, //
-                             54,  0,   10, 20,  160, 55, 0,  10,  20, 160});
+        const std::vector<std::uint8_t> list{'0', '4', 1,                         // four
+                                             5,   10,  20, 160, 6,   10, 20, 160, // GPS
+                                             54,  0,   10, 20,  160, 55, 0,  10,
+                                             20,  160}; // GLONASS
+        return simulator::MakeFrame(0x17, list);
     });
-    LiveSkyPoll poll(m_clock, m_folder.Path());
-    ASSERT_TRUE(poll.Poll(m_command));
-    const std::vector<LiveSatellite> all = poll.GetNow().sky.Satellites(std::nullopt);
+    ASSERT_TRUE(poll->Poll(far->command));
+    const std::vector<LiveSatellite> all = poll->GetNow().sky.Satellites(std::nullopt);
     ASSERT_EQ(all.size(), 4U);
     const bool used[] = {true, false, false, true}; // G5, G6, R3, R4
     for (std::size_t i = 0; i < all.size(); ++i) {
@@ -223,20 +177,14 @@ TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        m_command.ClosePort();
         Start("satellite G5 118 37 45.3\nsatellite R4 334 62 47.25\n"); // one frame holds both
-        LiveSkyPoll poll(m_clock, m_folder.Path());
-        ASSERT_TRUE(poll.Poll(m_command));
-        Fault(row.fault);
-        if (row.state == LiveSkyPoll::State::Silent) {
-            m_command.SetReplyTimeout(5s);
-        }
-        m_clock.Advance(10s);
-        EXPECT_FALSE(poll.Poll(m_command));
-        EXPECT_EQ(poll.GetNow().state, row.state);
-        EXPECT_NE(Text(LiveSkyTextId(poll.GetNow().state)), std::wstring());
-        EXPECT_EQ(poll.GetNow().sky.Count(std::nullopt).inView, 2);
-        EXPECT_TRUE(poll.GetNow().sky.IsStale(m_clock.Steady()));
+        ASSERT_TRUE(poll->Poll(far->command));
+        far->AddFault(row.fault);
+        EXPECT_FALSE(PollAfter(10s));
+        EXPECT_EQ(poll->GetNow().state, row.state);
+        EXPECT_NE(Text(LiveSkyTextId(row.state)), std::wstring());
+        EXPECT_EQ(poll->GetNow().sky.Count(std::nullopt).inView, 2);
+        EXPECT_TRUE(poll->GetNow().sky.IsStale(far->clock.Steady()));
     }
 }
 

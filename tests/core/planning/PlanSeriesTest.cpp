@@ -3,6 +3,7 @@
 #include "core/planning/PlanSeries.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/SkySnapshot.h"
+#include "tests/core/planning/SampleSky.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,13 +21,8 @@ using namespace std::chrono_literals;
 /// A plan with @p satellites over 35 N 139 E, mask 15.
 ObservationPlan PlanOf(int satellites, int startHour, int hours)
 {
-    std::vector<std::uint8_t> content;
-    for (const AlmanacRecord& record : NominalConstellation(satellites, 2445, 405504)) {
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
-    }
     ObservationPlan plan;
-    plan.Calc().LoadAlmanac(content);
+    plan.Calc().LoadAlmanac(testing::FileOf(NominalConstellation(satellites, 2445, 405504)));
     plan.SetElMaskDeg(15);
     plan.Period() = {2026y / std::chrono::November / 21, startHour, hours};
     plan.Compute();

@@ -9,6 +9,7 @@
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/HandClock.h"
 
 #include <optional>
 #include <string>
@@ -20,21 +21,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A clock that stands still.
-class StoppedClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return {}; }
-    [[nodiscard]] UtcTime Utc() const override { return time; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-
-    UtcTime time = std::chrono::sys_days(2022y / std::chrono::March / 12) + 23h;
-};
-
 class PlanSessionTest : public ::testing::Test
 {
 protected:
+    PlanSessionTest()
+    {
+        m_clock.utc = std::chrono::sys_days(2022y / std::chrono::March / 12) + 23h;
+    }
     void WriteAlmanac() const
     {
         const std::vector<std::uint8_t> almanac = testing::SampleFile();
@@ -54,7 +47,7 @@ protected:
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     HostReg m_reg{m_roots};
-    StoppedClock m_clock;
+    testing::HandClock m_clock;
     PlanSession m_session{m_home.Path(), m_reg};
 };
 
@@ -92,7 +85,7 @@ TEST_F(PlanSessionTest, StopsAtAMissingAlmanacAndGoesOnWithItLater)
 TEST_F(PlanSessionTest, TellsOfAnOldAlmanacAndUsesIt)
 {
     WriteAlmanac();
-    m_clock.time += std::chrono::days(31);
+    m_clock.utc += std::chrono::days(31);
     EXPECT_EQ(m_session.Begin(m_clock).text, text::kAlmanacOld);
     EXPECT_EQ(m_session.Plan().Division(), 12);
     m_session.SetDate(2022y / std::chrono::March / 12);

@@ -4,15 +4,16 @@
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
+#include <chrono>
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
+
+using std::chrono::minutes;
 
 class PlanSettingsTest : public ::testing::Test
 {
@@ -24,36 +25,19 @@ protected:
 
 TEST_F(PlanSettingsTest, AreThoseOfANewUserAtFirst)
 {
-    EXPECT_EQ(LoadPlanSettings(m_reg), (PlanSettings{15,
-                                                     9,
-                                                     2,
-                                                     0,
-                                                     0,
-                                                     13,
-                                                     L"東京都千代田区",
-                                                     0,
-                                                     WindowLimits{},
-                                                     0,
-                                                     SystemSetOf(GnssSystem::Gps),
-                                                     false,
-                                                     {14, 8, 10, {}}}));
+    const PlanSettings fresh = LoadPlanSettings(m_reg);
+    EXPECT_EQ(fresh, PlanSettings());
+    EXPECT_EQ(fresh, (PlanSettings{15, 9, 2, 0, 0, 13, L"東京都千代田区", 0}));
+    EXPECT_EQ(fresh.systems, SystemSetOf(GnssSystem::Gps));
 }
 
 TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 {
-    const PlanSettings kept{25,
-                            7,
-                            12,
-                            4,
-                            1,
-                            27,
-                            L"自宅",
-                            99,
-                            {7, 2.35, std::chrono::minutes(45)},
-                            0x80000005,
-                            SystemSet(0b101),
-                            true,
-                            {5, 22, 9, {L"自宅", L"現場 2"}}};
+    PlanSettings kept{25, 7, 12, 4, 1, 27, L"自宅", 99, {7, 2.35, minutes(45)}};
+    kept.switchedOff = 0x80000005;
+    kept.systems = SystemSet(0b101);
+    kept.clockPerSystem = true;
+    kept.search = {5, 22, 9, {L"自宅", L"現場 2"}};
     EXPECT_EQ(SavePlanSettings(m_reg, kept), 1);
     SettingsRoots later(testing::FoldersBelow(m_home.Path()));
     EXPECT_EQ(LoadPlanSettings(HostReg(later)), kept);
@@ -66,51 +50,41 @@ TEST_F(PlanSettingsTest, ComeBackAsTheyWereSaved)
 
 TEST_F(PlanSettingsTest, FitTheControlsWhateverIsStored)
 {
+    using S = PlanSettings;
     struct Row
     {
         const char* fault;
+        const wchar_t* key; ///< below that of the plan
         const wchar_t* name;
         std::uint32_t stored;
-        int PlanSettings::*member;
-        int loaded;
+        void (*fit)(S&); ///< makes of the settings of a new user what is loaded
     };
+    const wchar_t* const own = L"";
+    const wchar_t* const limits = L"\\Conditions";
+    constexpr std::uint32_t kMost = 0xFFFFFFFF;
     const Row rows[] = {
-        {"mask above the zenith", L"ElMask", 91, &PlanSettings::elMaskDeg, 90},
-        {"mask below the horizon", L"ElMask", 0xFFFFFFF6, &PlanSettings::elMaskDeg, 0},
-        {"an hour too many", L"StartTime", 24, &PlanSettings::startHour, 23},
-        {"no hours", L"DispTime", 0, &PlanSettings::hours, 1},
-        {"beyond midnight", L"DispTime", 16, &PlanSettings::hours, 15}, // it starts at 9
-        {"an unknown graph is kept", L"DrawType", 7, &PlanSettings::drawType, 7},
+        {"mask above the zenith", own, L"ElMask", 91, [](S& s) { s.elMaskDeg = 90; }},
+        {"mask below the horizon", own, L"ElMask", kMost - 9, [](S& s) { s.elMaskDeg = 0; }},
+        {"an hour too many", own, L"StartTime", 24, [](S& s) { s.startHour = 23, s.hours = 1; }},
+        {"no hours", own, L"DispTime", 0, [](S& s) { s.hours = 1; }},
+        {"beyond midnight", own, L"DispTime", 16, [](S& s) { s.hours = 15; }}, // it starts at 9
+        {"an unknown graph is kept", own, L"DrawType", 7, [](S& s) { s.drawType = 7; }},
+        {"no fix", limits, L"MinSatellites", 3, [](S& s) { s.limits.minSatellites = 4; }},
+        {"no int", limits, L"MinSatellites", kMost, [](S& s) { s.limits.minSatellites = 12; }},
+        {"no dilution", limits, L"MaxPdop", 0, [](S& s) { s.limits.maxPdop = 1.0; }},
+        {"any dilution", limits, L"MaxPdop", kMost, [](S& s) { s.limits.maxPdop = 10.0; }},
+        {"no length", limits, L"MinMinutes", 0, [](S& s) { s.limits.minLength = minutes(5); }},
+        {"days", limits, L"MinMinutes", 1U << 31, [](S& s) { s.limits.minLength = minutes(720); }},
+        {"all satellites off", limits, L"SwitchedOff", kMost, [](S&) {}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        ASSERT_EQ(SavePlanSettings(m_reg, PlanSettings{}), 1);
-        ASSERT_EQ(m_reg.WriteNumber(L"GPS\\SurveyPlan", row.name, row.stored), 1);
-        EXPECT_EQ(LoadPlanSettings(m_reg).*row.member, row.loaded);
-    }
-    const wchar_t* const conditions = L"GPS\\SurveyPlan\\Conditions";
-    using std::chrono::minutes;
-    const WindowLimits fresh;
-    struct Condition
-    {
-        const char* fault;
-        const wchar_t* name;
-        std::uint32_t stored;
-        WindowLimits loaded;
-    };
-    for (const Condition& row :
-         {Condition{"fewer than fix a place", L"MinSatellites", 3, {4, 4.0, minutes(30)}},
-          Condition{"more than an int", L"MinSatellites", 0xFFFFFFFF, {12, 4.0, minutes(30)}},
-          Condition{"no dilution", L"MaxPdop", 0, {5, 1.0, minutes(30)}},
-          Condition{"any dilution", L"MaxPdop", 0xFFFFFFFF, {5, 10.0, minutes(30)}},
-          Condition{"no length", L"MinMinutes", 0, {5, 4.0, minutes(5)}},
-          Condition{"longer than days", L"MinMinutes", 0x80000000, {5, 4.0, minutes(720)}},
-          Condition{"all satellites off", L"SwitchedOff", 0xFFFFFFFF, fresh}}) {
-        SCOPED_TRACE(row.fault);
-        ASSERT_EQ(SavePlanSettings(m_reg, PlanSettings{}), 1);
-        ASSERT_EQ(m_reg.WriteNumber(conditions, row.name, row.stored), 1);
-        EXPECT_EQ(LoadPlanSettings(m_reg).limits, row.loaded);
-        EXPECT_EQ(LoadPlanSettings(m_reg).switchedOff, 0U);
+        ASSERT_EQ(SavePlanSettings(m_reg, {}), 1);
+        const std::wstring key = std::wstring(L"GPS\\SurveyPlan") + row.key;
+        ASSERT_EQ(m_reg.WriteNumber(key.c_str(), row.name, row.stored), 1);
+        PlanSettings expected;
+        row.fit(expected);
+        EXPECT_EQ(LoadPlanSettings(m_reg), expected);
     }
     ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"ElMask", L"thirty"), 1);
     ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"Position", std::wstring(256, L'x')), 1);

@@ -15,19 +15,10 @@
 namespace fieldcore {
 namespace {
 
+using testing::FileOf;
 using testing::kSampleWeek;
 using testing::SampleFile;
 using testing::SampleSatellite;
-
-std::vector<std::uint8_t> FileOf(std::initializer_list<AlmanacRecord> records)
-{
-    std::vector<std::uint8_t> content;
-    for (const AlmanacRecord& record : records) {
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
-    }
-    return content;
-}
 
 AlmanacRecord WithPrn(AlmanacRecord record, std::uint8_t prn)
 {
@@ -118,21 +109,19 @@ TEST(CSurveyPlanCalc, NeedsFourSatellitesForADilution)
     calc.SetTime(kSampleWeek, SampleSatellite(1).toaS);
     int left = calc.CountVisible();
     ASSERT_GT(left, 4);
-    for (int index = 0; left > 4; ++index) {
-        if (calc.GetSatellite(index).IsVisible() != 0) {
-            calc.SetUse(index, 0);
-            --left;
+    const auto leave = [&](int count) {
+        for (int index = 0; left > count; ++index) {
+            if (calc.GetSatellite(index).IsVisible() != 0) {
+                calc.SetUse(index, 0);
+                --left;
+            }
         }
-    }
-    EXPECT_EQ(calc.CountVisible(), 4);
+        return calc.CountVisible();
+    };
+    EXPECT_EQ(leave(4), 4);
     EXPECT_TRUE(std::isfinite(calc.ComputeDop().pdop));
     EXPECT_NE(calc.ComputeDop().pdop, 16.0);
-    for (int index = 0; left > 3; ++index) {
-        if (calc.GetSatellite(index).IsVisible() != 0) {
-            calc.SetUse(index, 0);
-            --left;
-        }
-    }
+    EXPECT_EQ(leave(3), 3);
     const DopValues none = calc.ComputeDop();
     EXPECT_EQ(none.pdop, 16.0);
     EXPECT_EQ(none.gdop, 16.0);
