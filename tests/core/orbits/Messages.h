@@ -1,10 +1,13 @@
 #pragma once
 
+#include "core/orbits/NavigationText.h"
+
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fieldcore::testing {
 
@@ -13,6 +16,20 @@ inline std::string Messages()
 {
     std::ifstream file(FIELDCORE_SOURCE_DIR "/tests/core/orbits/messages.rnx");
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Those messages of a satellite.
+inline std::vector<NavigationRecord> RecordsOf(std::string_view satellite)
+{
+    std::vector<NavigationRecord> records = ReadNavigation(Messages()).records;
+    std::erase_if(records, [&](const auto& r) { return r.satellite.Text() != satellite; });
+    return records;
+}
+
+/// A time of that day, 2020-06-25, GPS seconds.
+inline double GpsAt(int hour, int minute)
+{
+    return 14'781 * 86'400.0 + hour * 3600.0 + minute * 60.0;
 }
 
 /// @p text with the first @p from replaced.

@@ -17,28 +17,13 @@ namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::GpsAt;
 using testing::Messages;
-
-double GpsAt(int hour, int minute)
-{
-    const auto day = std::chrono::sys_days(2020y / 6 / 25) - std::chrono::sys_days(1980y / 1 / 6);
-    return static_cast<double>(std::chrono::seconds(day).count()) + hour * 3600.0 + minute * 60.0;
-}
+using testing::RecordsOf;
 
 double Distance(const Ecef& a, const Ecef& b)
 {
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
-}
-
-std::vector<NavigationRecord> RecordsOf(std::string_view name)
-{
-    std::vector<NavigationRecord> found;
-    for (const NavigationRecord& record : ReadNavigation(Messages()).records) {
-        if (record.satellite.Text() == name) {
-            found.push_back(record);
-        }
-    }
-    return found;
 }
 
 TEST(SatelliteId, IsReadAndWrittenAsItsSystemNamesIt)

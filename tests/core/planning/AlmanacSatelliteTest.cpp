@@ -2,10 +2,13 @@
 
 #include "tests/core/planning/IndependentSky.h"
 #include "tests/core/planning/SampleSky.h"
+#include "tests/support/Hex.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -104,12 +107,8 @@ TEST(CAlmanacSatellite, IsNotAboveTheHorizonWhenItsRecordIsUnusable)
 {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    struct Row
-    {
-        std::string_view fault;
-        void (*spoil)(AlmanacRecord&);
-    };
-    const Row rows[] = {
+    using Spoil = void (*)(AlmanacRecord&);
+    const std::pair<std::string_view, Spoil> rows[] = {
         {"unhealthy", [](AlmanacRecord& r) { r.health = 1; }},
         {"eccentricity 1", [](AlmanacRecord& r) { r.eccentricity = 1.0; }},
         {"eccentricity below 0", [](AlmanacRecord& r) { r.eccentricity = -1e-9; }},
@@ -130,20 +129,47 @@ TEST(CAlmanacSatellite, IsNotAboveTheHorizonWhenItsRecordIsUnusable)
     while (PlaceOf(SampleSatellite(prn), 1000.0, {}).elevationRad < 0.5) {
         ++prn;
     }
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, spoil] : rows) {
+        SCOPED_TRACE(fault);
         AlmanacRecord record = SampleSatellite(prn);
         CAlmanacSatellite satellite = Loaded(record);
         satellite.SetTime({kSampleWeek, record.toaS + 1000.0});
         ASSERT_TRUE(satellite.Compute());
         const double before = satellite.GetElevation();
-        row.spoil(record);
+        spoil(record);
         satellite.SetRecord(EncodeAlmanac(record));
         EXPECT_FALSE(satellite.Compute());
         EXPECT_FALSE(satellite.TestVisibility({}));
         EXPECT_EQ(satellite.IsVisible(), 0);
         EXPECT_EQ(satellite.GetElevation(), before) << "angles stay as they were";
     }
+}
+
+TEST(AlmanacRecord, HasEveryFieldWhereTheFileHasIt)
+{
+    AlmanacRecord record;
+    record.prn = 32;
+    record.timeStamp = 0x89ABCDEF;
+    record.week = -2;
+    record.toaS = 405504; // 0x63000
+    record.sqrtA = 1.5;   // 0x3FF8 and zeros
+    record.eccentricity = -2.0;
+    record.inclination = 2.5;
+    record.omegaDot = 3.0;
+    record.omega0 = 3.5;
+    record.omega = 5.0;
+    record.m0 = 6.0;
+    record.health = 63;
+    const auto bytes = testing::Hex("20000000 EFCDAB89 FEFF0000 00300600"
+                                    "000000000000F83F 00000000000000C0"
+                                    "0000000000000440 0000000000000840"
+                                    "0000000000000C40 0000000000001440"
+                                    "0000000000001840 3F00000000000000");
+    AlmanacBytes expected{};
+    ASSERT_EQ(bytes.size(), expected.size());
+    std::copy(bytes.begin(), bytes.end(), expected.begin());
+    EXPECT_EQ(EncodeAlmanac(record), expected);
+    EXPECT_EQ(EncodeAlmanac(DecodeAlmanac(expected)), expected);
 }
 
 } // namespace

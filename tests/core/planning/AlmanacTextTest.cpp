@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -115,12 +116,7 @@ TEST(AlmanacText, ToleratesHowAYumaTextIsWritten)
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     const std::string without7 = With(good, "******** Week 644 almanac for PRN-07 ********\n", "");
-    struct Row
-    {
-        std::string_view what;
-        std::string text;
-    };
-    const Row rows[] = {
+    const std::pair<std::string_view, std::string> rows[] = {
         {"CR LF", Replaced(good, "\n", "\r\n")},
         {"lower case", lower},
         {"D exponents", Replaced(good, "E-00", "D-00")},
@@ -134,9 +130,9 @@ TEST(AlmanacText, ToleratesHowAYumaTextIsWritten)
         {"no line end after the last week", good.substr(0, good.size() - 1)},
     };
     const AlmanacText expected = ParseAlmanacText(good, kToday);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const AlmanacText read = ParseAlmanacText(row.text, kToday);
+    for (const auto& [what, text] : rows) {
+        SCOPED_TRACE(what);
+        const AlmanacText read = ParseAlmanacText(text, kToday);
         EXPECT_FALSE(read.error) << Described(read);
         ASSERT_EQ(read.records.size(), 1U);
         EXPECT_EQ(Printed(read.records[0]), Printed(expected.records[0]));

@@ -19,6 +19,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -162,12 +163,7 @@ TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
 
 TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
 {
-    struct Row
-    {
-        const char* fault;
-        LiveSkyPoll::State state;
-    };
-    const Row rows[] = {
+    const std::pair<const char*, LiveSkyPoll::State> rows[] = {
         {"drop on 16", LiveSkyPoll::State::Silent},
         {"corrupt on 16", LiveSkyPoll::State::Damaged},
         {"wrong-type on 16", LiveSkyPoll::State::Damaged},
@@ -175,14 +171,14 @@ TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
         {"nak on 16", LiveSkyPoll::State::Refused},
         {"hang-up on 16", LiveSkyPoll::State::LinkLost},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, state] : rows) {
+        SCOPED_TRACE(fault);
         Start("satellite G5 118 37 45.3\nsatellite R4 334 62 47.25\n"); // one frame holds both
         ASSERT_TRUE(poll->Poll(far->command));
-        far->AddFault(row.fault);
+        far->AddFault(fault);
         EXPECT_FALSE(PollAfter(10s));
-        EXPECT_EQ(poll->GetNow().state, row.state);
-        EXPECT_NE(Text(LiveSkyTextId(row.state)), std::wstring());
+        EXPECT_EQ(poll->GetNow().state, state);
+        EXPECT_NE(Text(LiveSkyTextId(state)), std::wstring());
         EXPECT_EQ(poll->GetNow().sky.Count(std::nullopt).inView, 2);
         EXPECT_TRUE(poll->GetNow().sky.IsStale(far->clock.Steady()));
     }

@@ -6,8 +6,8 @@
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -82,12 +82,8 @@ TEST(SkyRecord, ComesBackFromItsFile)
 
 TEST(SkyRecord, SetsADamagedFileAside)
 {
-    struct Row
-    {
-        const char* damage;
-        std::function<void(Bytes&)> make;
-    };
-    const Row rows[] = {
+    using Damage = void (*)(Bytes&);
+    const std::pair<const char*, Damage> rows[] = {
         {"empty", [](Bytes& bytes) { bytes.clear(); }},
         {"cut", [](Bytes& bytes) { bytes.pop_back(); }},
         {"too long", [](Bytes& bytes) { bytes.push_back(0); }},
@@ -96,12 +92,12 @@ TEST(SkyRecord, SetsADamagedFileAside)
         {"a cell", [](Bytes& bytes) { ++bytes[5000]; }},
         {"the sum", [](Bytes& bytes) { ++bytes.back(); }},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.damage);
+    for (const auto& [what, damage] : rows) {
+        SCOPED_TRACE(what);
         const TemporaryFolder folder;
         ASSERT_FALSE(SaveSkyRecord(folder.Path(), Sample(40.0)));
         Bytes bytes = Sample().Bytes();
-        row.make(bytes);
+        damage(bytes);
         const auto file = folder.Write("SkyRecords/here.sky", TextOf(bytes));
         const SkyRecords loaded = LoadSkyRecords(folder.Path());
         EXPECT_EQ(loaded.records.size(), 1U) << "the others stay";
