@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -16,6 +17,13 @@ inline std::string Messages()
 {
     std::ifstream file(FIELDCORE_SOURCE_DIR "/tests/core/orbits/messages.rnx");
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// What is wrong with a text, and where.
+inline std::string Described(const std::optional<TextError>& error)
+{
+    return error ? std::to_string(error->line) + " " + error->field + ": " + error->message
+                 : "no error";
 }
 
 /// Those messages of a satellite.

@@ -14,15 +14,10 @@
 namespace fieldcore {
 namespace {
 
+using testing::Described;
 using testing::Messages;
 using testing::Replaced;
 using testing::With;
-
-std::string Described(const std::optional<TextError>& error)
-{
-    return error ? std::to_string(error->line) + " " + error->field + ": " + error->message
-                 : "no error";
-}
 
 void ExpectSame(const NavigationRecord& a, const NavigationRecord& b)
 {

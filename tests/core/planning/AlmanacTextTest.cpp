@@ -15,6 +15,7 @@
 namespace fieldcore {
 namespace {
 
+using testing::Described;
 using testing::Replaced;
 using testing::With;
 
@@ -78,13 +79,6 @@ constexpr std::string_view kSem = R"(2 INVENTED ALMANAC
 
 constexpr AlmanacWeek kToday{1700, {}};
 
-std::string Described(const AlmanacText& text)
-{
-    return text.error ? std::to_string(text.error->line) + " " + text.error->field + ": " +
-                            text.error->message
-                      : "no error";
-}
-
 /// All that a record holds, to eight digits: ten are written.
 std::string Printed(const AlmanacRecord& r)
 {
@@ -102,7 +96,7 @@ TEST(AlmanacText, GivesTheSameSatelliteFromBothKinds)
         "7 0 1668 405504 5153.625 0.0115 0.33333333 -2.5e-09 0.25 -0.5 0.125 63";
     for (const std::string_view text : {kYuma, kSem}) {
         const AlmanacText read = ParseAlmanacText(text, kToday);
-        ASSERT_FALSE(read.error) << Described(read);
+        ASSERT_FALSE(read.error) << Described(read.error);
         ASSERT_EQ(read.records.size(), 1U);
         EXPECT_EQ(Printed(read.records[0]), kExpected);
         EXPECT_EQ(read.skipped, 1);
@@ -133,7 +127,7 @@ TEST(AlmanacText, ToleratesHowAYumaTextIsWritten)
     for (const auto& [what, text] : rows) {
         SCOPED_TRACE(what);
         const AlmanacText read = ParseAlmanacText(text, kToday);
-        EXPECT_FALSE(read.error) << Described(read);
+        EXPECT_FALSE(read.error) << Described(read.error);
         ASSERT_EQ(read.records.size(), 1U);
         EXPECT_EQ(Printed(read.records[0]), Printed(expected.records[0]));
         EXPECT_EQ(read.skipped, 1);
@@ -198,9 +192,10 @@ TEST(AlmanacText, NamesTheLineAndTheFieldThatAreWrong)
         const AlmanacText read =
             ParseAlmanacText(With(std::string(row.text), row.from, row.to), kToday);
         ASSERT_TRUE(read.error);
-        EXPECT_EQ(read.error->line, row.line) << Described(read);
-        EXPECT_EQ(read.error->field, row.field) << Described(read);
-        EXPECT_NE(read.error->message.find(row.message), std::string::npos) << Described(read);
+        EXPECT_EQ(read.error->line, row.line) << Described(read.error);
+        EXPECT_EQ(read.error->field, row.field) << Described(read.error);
+        EXPECT_NE(read.error->message.find(row.message), std::string::npos)
+            << Described(read.error);
         EXPECT_TRUE(read.records.empty() && read.skipped == 0);
     }
 }
@@ -235,7 +230,7 @@ TEST(AlmanacText, FindsTheFullWeek)
         SCOPED_TRACE(row.what);
         const AlmanacText read = ParseAlmanacText(
             Replaced(kSem, " 644 ", " " + std::string(row.inText) + " "), row.rule);
-        ASSERT_EQ(read.error.has_value(), row.week < 0) << Described(read);
+        ASSERT_EQ(read.error.has_value(), row.week < 0) << Described(read.error);
         if (row.week >= 0) {
             EXPECT_EQ(read.records.at(0).week, row.week);
         } else {

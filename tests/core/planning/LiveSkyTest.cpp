@@ -1,16 +1,11 @@
 #include "core/planning/LiveSky.h"
 
 #include "core/planning/Degrees.h"
-#include "core/planning/SkyPlotSettings.h"
-#include "core/settings/HostReg.h"
-#include "tests/core/platform/FoldersBelow.h"
-#include "tests/core/platform/TemporaryFolder.h"
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -123,29 +118,6 @@ TEST(LiveSky, GrowsOldAndStale)
     EXPECT_EQ(sky.Count(std::nullopt).inView, 0);
     sky.Clear();
     EXPECT_FALSE(sky.HasReading());
-}
-
-class SkyPlotSettingsTest : public ::testing::Test
-{
-protected:
-    TemporaryFolder m_home;
-    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
-    HostReg m_reg{m_roots};
-};
-
-TEST_F(SkyPlotSettingsTest, ComeBackAndFitWhateverIsStored)
-{
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{});
-    const SkyPlotSettings chosen{Constellation::Unknown, SkyPlotSettings::View::List};
-    EXPECT_EQ(SaveSkyPlotSettings(m_reg, chosen), 1);
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), chosen);
-    std::uint32_t stored = 0;
-    EXPECT_EQ(m_reg.ReadNumber(L"GPS\\SkyPlot", L"Constellation", stored, 0), 1);
-    EXPECT_EQ(stored, 5U) << "the last of five, counted from 1";
-
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1);
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{}) << "beyond the last";
 }
 
 } // namespace

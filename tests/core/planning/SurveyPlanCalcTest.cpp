@@ -154,33 +154,33 @@ TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
 
 TEST(AlmanacTime, IsTheLatestOfTheValidSatellites)
 {
-    AlmanacRecord early = SampleSatellite(1);
-    AlmanacRecord late = SampleSatellite(2);
-    late.week = kSampleWeek + 1;
-    late.toaS = 61440;
-    AlmanacRecord broadcast = SampleSatellite(3);
-    broadcast.week = 176; // 1200 in the cycle before
-    AlmanacRecord broken = SampleSatellite(4);
-    broken.week = -1;
-    AlmanacRecord beyond = SampleSatellite(5);
-    beyond.toaS = 604801;
-    AlmanacRecord lastSecond = SampleSatellite(6);
-    lastSecond.week = 1100;
-    lastSecond.toaS = 604800;
+    const auto of = [](int prn, std::int16_t week, std::uint32_t toaS) {
+        AlmanacRecord record = SampleSatellite(prn);
+        record.week = week;
+        record.toaS = toaS;
+        return record;
+    };
     CSurveyPlanCalc calc;
     EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "no almanac";
-    ASSERT_TRUE(calc.LoadAlmanac(FileOf({early, late, broadcast, broken, beyond, lastSecond})));
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek + 1);
+    ASSERT_TRUE(calc.LoadAlmanac(
+        FileOf({of(1, kSampleWeek, 405504), of(2, kSampleWeek + 1, 61440),
+                of(3, 176, 405504), // 1200 in the cycle before
+                of(4, -1, 405504), of(5, kSampleWeek, 604801), of(6, 1100, 604800)})));
     EXPECT_EQ((AlmanacTime(calc).GetUtcTime() - CGPSTime::m_OriginalTime).GetTotalSeconds(),
               (kSampleWeek + 1) * 604800LL + 61440);
-    calc.SetUse(1, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek) << "switched off";
-    calc.SetUse(0, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1200) << "a 10-bit week";
-    calc.SetUse(2, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1101) << "at the very end of its week";
-    calc.SetUse(5, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "a time that is none never wins";
+    struct Row
+    {
+        const char* what;
+        int switchedOff; // besides those above
+        int week;
+    };
+    for (const Row& row : {Row{"the latest is switched off", 1, kSampleWeek},
+                           {"a 10-bit week", 0, 1200},
+                           {"at the very end of its week", 2, 1101},
+                           {"a time that is none never wins", 5, 1024}}) {
+        calc.SetUse(row.switchedOff, 0);
+        EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), row.week) << row.what;
+    }
 }
 
 TEST(AlmanacTime, IsOldAfterThirtyDays)
