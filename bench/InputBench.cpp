@@ -1,6 +1,6 @@
 // Whether the controller takes what the user taps and types while it asks its receiver how it is: a
 // hand that never looks works on the real windows, before a simulated receiver at 9600 bit/s that
-// thinks for a while about each answer. A line for each page; --json: one array.
+// thinks for a while about each answer. A line for each page.
 
 #include "app/Controller.h"
 #include "app/MainWindow.h"
@@ -26,7 +26,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -45,7 +44,7 @@ constexpr int kTolerances = 12;
 constexpr auto kStep = 40ms; // from one tap or digit to the next
 constexpr auto kHeld = 20ms; // a finger on a button
 constexpr std::uint32_t kBaudRate = 9600;
-constexpr int kLongestMs = 150; // that an answer is thought about
+constexpr int kLatencyMs = 150; // that an answer is thought about
 constexpr int kTiltRequest = 0xC8;
 
 struct Page
@@ -64,7 +63,6 @@ constexpr Page kPages[] = {
 struct Result
 {
     const char* page = "";
-    int latencyMs = 0;
     bool isSilent = false;
     int taps = 0;
     int digits = 0;
@@ -319,15 +317,15 @@ class World
 public:
     explicit World(Application& application) : m_application(application) {}
 
-    std::vector<Result> Work(int latencyMs);
+    std::vector<Result> Work();
     /// Request frames from the beginning of the connection up to the first complete status; 0: it
     /// never was.
     [[nodiscard]] int Frames() const { return m_frames; }
 
 private:
-    bool Begin(int latencyMs); // the program's
-    void LookForStatus();      // the program's
-    Result WorkOn(const Page& page, int latencyMs, bool isSilent);
+    bool Begin();         // the program's
+    void LookForStatus(); // the program's
+    Result WorkOn(const Page& page, bool isSilent);
     void ClearTheWay();
     int EnterTolerances();
 
@@ -338,13 +336,13 @@ private:
     int m_frames = 0;
 };
 
-bool World::Begin(int latencyMs)
+bool World::Begin()
 {
     std::string error;
     auto scenario = simulator::LoadScenario("tilted", error).value_or(simulator::Scenario());
     scenario.baudRate = kBaudRate;
     scenario.pacing = simulator::Pacing::Baud;
-    scenario.latencyMs = latencyMs;
+    scenario.latencyMs = kLatencyMs;
     m_receiver = std::make_unique<simulator::Simulator>(scenario);
     if (!m_receiver->Start(error)) {
         return false;
@@ -381,22 +379,20 @@ void World::LookForStatus()
     m_frames = asked[0] && asked[1] ? sent : 0;
 }
 
-std::vector<Result> World::Work(int latencyMs)
+std::vector<Result> World::Work()
 {
     std::vector<Result> results;
-    if (Ask([&] { return Begin(latencyMs); })) {
+    if (Ask([this] { return Begin(); })) {
         WaitFor(10s, [this] { return m_application.OpensInMs() >= 0; });
         ClearTheWay(); // which connects
         WaitFor(30s, [this] { return m_frames > 0; });
         for (const Page& page : kPages) {
-            results.push_back(WorkOn(page, latencyMs, false));
+            results.push_back(WorkOn(page, false));
         }
-        if (latencyMs == kLongestMs) {
-            simulator::FaultRule silent;
-            silent.requestType = kTiltRequest;
-            m_receiver->AddFault(silent);
-            results.push_back(WorkOn(kPages[std::size(kPages) - 1], latencyMs, true));
-        }
+        simulator::FaultRule silent;
+        silent.requestType = kTiltRequest;
+        m_receiver->AddFault(silent);
+        results.push_back(WorkOn(kPages[std::size(kPages) - 1], true));
     }
     Ask([this] {
         m_session.reset();
@@ -405,9 +401,9 @@ std::vector<Result> World::Work(int latencyMs)
     return results;
 }
 
-Result World::WorkOn(const Page& page, int latencyMs, bool isSilent)
+Result World::WorkOn(const Page& page, bool isSilent)
 {
-    Result result{page.name, latencyMs, isSilent};
+    Result result{page.name, isSilent};
     if (page.choice != 0) {
         Ask([this, page] {
             const auto choose = [this, page] { Q_EMIT m_session->Window().Chosen(page.choice); };
@@ -491,21 +487,15 @@ int World::EnterTolerances()
     return entered;
 }
 
-void Print(const Result& result, bool isJson)
+void Print(const Result& result)
 {
-    const char* const form =
-        isJson ? "{\"page\":\"%s\",\"latencyMs\":%d,\"silent\":%s,\"tapsSent\":%d,"
-                 "\"tapsArrived\":%d,\"digitsSent\":%d,\"digitsArrived\":%d,"
-                 "\"longestBlockMs\":%lld,\"opensInMs\":%lld"
-               : "%-7s %3d ms, silent %-5s  taps %d: %2d  digits %d: %2d  block %5lld ms  opens "
-                 "%5lld ms";
-    std::printf(form, result.page, result.latencyMs, result.isSilent ? "true" : "false", kPresses,
-                result.taps, kPresses, result.digits, result.longestBlockMs, result.opensInMs);
+    std::printf("%-7s silent %-5s  taps %d: %2d  digits %d: %2d  block %5lld ms  opens %5lld ms",
+                result.page, result.isSilent ? "true" : "false", kPresses, result.taps, kPresses,
+                result.digits, result.longestBlockMs, result.opensInMs);
     if (result.tolerances >= 0) {
-        std::printf(isJson ? ",\"tolerancesSent\":%d,\"tolerancesArrived\":%d" : "  0.125 %d: %2d",
-                    kTolerances, result.tolerances);
+        std::printf("  0.125 %d: %2d", kTolerances, result.tolerances);
     }
-    std::printf(isJson ? "},\n" : "\n");
+    std::printf("\n");
     std::fflush(stdout);
 }
 
@@ -520,21 +510,14 @@ int main(int argc, char** argv)
     qputenv("FIELDCORE_HOME", folder.filePath(QStringLiteral("home")).toUtf8());
     qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
     bench::Application application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false); // one controller follows another
+    QApplication::setQuitOnLastWindowClosed(false); // its pages come and go
     TouchStyle::Install();
-    const bool isJson = argc > 1 && std::strcmp(argv[1], "--json") == 0;
     std::thread user([&] {
-        int frames = 0;
-        std::fputs(isJson ? "[\n" : "", stdout);
-        for (const int latencyMs : {0, 60, bench::kLongestMs}) {
-            bench::World world(application);
-            for (const bench::Result& result : world.Work(latencyMs)) {
-                bench::Print(result, isJson);
-            }
-            frames = std::max(frames, world.Frames());
+        bench::World world(application);
+        for (const bench::Result& result : world.Work()) {
+            bench::Print(result);
         }
-        std::printf(isJson ? "{\"page\":\"connect\",\"frames\":%d}\n]\n" : "connect %d frames\n",
-                    frames);
+        std::printf("connect %d frames\n", world.Frames());
         bench::Post([] { QApplication::quit(); });
     });
     const int code = QApplication::exec();
