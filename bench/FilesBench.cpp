@@ -16,7 +16,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,6 +27,7 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -261,15 +261,9 @@ BENCHMARK(Listing)->Iterations(3)->UseRealTime();
 /// The most memory that this process has ever used, KiB.
 double PeakKib()
 {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        if (word == "VmHWM:") {
-            double kib = 0.0;
-            status >> kib;
-            return kib;
-        }
-    }
-    return 0.0;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss);
 }
 
 /// What a file of 64 MB needs more than one of 1 MB.

@@ -11,14 +11,12 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
+#include <sys/resource.h>
 
 namespace fieldcore::bench {
 namespace {
@@ -186,19 +184,11 @@ BENCHMARK(Bursts)->Arg(607)->Arg(1024)->Iterations(5)->UseRealTime();
 /// How often the threads of this process but the calling one were switched to.
 long SwitchesOfOthers()
 {
-    long switches = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        if (task.path().filename() == std::to_string(gettid())) {
-            continue;
-        }
-        std::ifstream status(task.path() / "status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.starts_with("voluntary_ctxt_switches:")) {
-                switches += std::stol(line.substr(line.find(':') + 1));
-            }
-        }
-    }
-    return switches;
+    rusage all{};
+    rusage own{};
+    getrusage(RUSAGE_SELF, &all);
+    getrusage(RUSAGE_THREAD, &own);
+    return all.ru_nvcsw - own.ru_nvcsw;
 }
 
 /// Wake-ups of the reader of an idle open port in ten seconds.

@@ -32,8 +32,6 @@ public:
 
     /// @return where the satellite stands; nothing if it is not usable
     [[nodiscard]] std::optional<SkyDirection> Test(int prnIndex, GpsEpoch epoch) const;
-    [[nodiscard]] int CountAt(GpsEpoch epoch) const;
-    [[nodiscard]] DopValues DopAt(GpsEpoch epoch) const;
 
     // The series, one sample after the other.
 
@@ -45,7 +43,8 @@ public:
     [[nodiscard]] std::vector<Sky> Tracks() const;
 
 private:
-    [[nodiscard]] Sky SkyAt(GpsEpoch epoch) const;
+    [[nodiscard]] int CountAt(GpsEpoch epoch) const;
+    [[nodiscard]] DopValues DopAt(GpsEpoch epoch) const;
 
     struct Satellite
     {

@@ -214,11 +214,6 @@ TEST_F(AlmanacStoreTest, SaysWhyItFailed)
     AlmanacStore nowhere(folder.Write("not-a-folder", ""));
     EXPECT_EQ(nowhere.Update(far->command), AlmanacResult::NotWritten);
     EXPECT_TRUE(nowhere.LastError());
-
-    fs::create_directories(AlmanacPath(folder.Path()) / "in the way");
-    EXPECT_EQ(store.Update(far->command), AlmanacResult::NotReplaced);
-    EXPECT_TRUE(store.LastError());
-    EXPECT_FALSE(HasTemporary());
 }
 
 TEST(AlmanacStore, NeedsFiveSatellites)
