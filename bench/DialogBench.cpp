@@ -7,6 +7,8 @@
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/PlanSite.h"
 #include "core/settings/HostReg.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
 #include "ui/controls/Theme.h"
 #include "ui/link/PortChooserDlg.h"
 #include "ui/planning/SkyPlotDlg.h"
@@ -14,7 +16,6 @@
 
 #include <QDialog>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QVBoxLayout>
 
 #include <functional>
@@ -34,19 +35,15 @@ struct World
     World()
     {
         Theme::Use(Theme::Kind::Daylight);
-        qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
-        InstallSampleSites(folder.path().toStdString());
+        InstallSampleSites(folder.Path());
         constexpr int kWeek = 2445;
         constexpr std::uint32_t kToa = 503808;
-        AlmanacStore(folder.path().toStdString())
-            .Import(NominalConstellation(kNominalSatellites, kWeek, kToa));
-        roots = std::make_unique<SettingsRoots>();
-        reg = std::make_unique<HostReg>(*roots);
+        AlmanacStore(folder.Path()).Import(NominalConstellation(kNominalSatellites, kWeek, kToa));
     }
 
-    QTemporaryDir folder;
-    std::unique_ptr<SettingsRoots> roots;
-    std::unique_ptr<HostReg> reg;
+    TemporaryFolder folder;
+    SettingsRoots roots{testing::FoldersBelow(folder.Path())};
+    HostReg reg{roots};
     CCommand command;
 };
 
@@ -91,8 +88,8 @@ void Plan(benchmark::State& state)
 {
     World world;
     PlanSurroundings plan;
-    plan.folder = world.folder.path().toStdString();
-    plan.roots = world.roots.get();
+    plan.folder = world.folder.Path();
+    plan.roots = &world.roots;
     Compare(state, [&] { return std::make_unique<CSurveyPlan>(&world.command, 0, plan); });
 }
 BENCHMARK(Plan)->Name("SurveyPlan")->Iterations(51)->UseRealTime();
@@ -100,7 +97,7 @@ BENCHMARK(Plan)->Name("SurveyPlan")->Iterations(51)->UseRealTime();
 void Sky(benchmark::State& state)
 {
     World world;
-    const CSkyPlot::Surroundings sky{world.reg.get(), nullptr, world.folder.path().toStdString()};
+    const CSkyPlot::Surroundings sky{&world.reg, nullptr, world.folder.Path()};
     Compare(state, [&] { return std::make_unique<CSkyPlot>(nullptr, 0, sky); });
 }
 BENCHMARK(Sky)->Name("SkyPlot")->Iterations(51)->UseRealTime();

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -66,22 +67,16 @@ TEST(NominalConstellation, StandsAtTheEpochWhereTheStandardSays)
 
 TEST(NominalConstellation, IsTheSameMotionFromEveryReferenceTime)
 {
-    struct Row
-    {
-        std::string_view what;
-        int week;
-        std::uint32_t toaS;
-    };
-    constexpr Row kRows[] = {
-        {"another moment of the week", 2410, 602'112},
-        {"the next week", 2411, 0},
-        {"a year later", 2462, 61'440},
-        {"twenty years earlier", 1367, 405'504},
+    constexpr std::pair<int, std::uint32_t> kTimes[] = {
+        {2410, 602'112}, // of the same week
+        {2411, 0},
+        {2462, 61'440},  // a year later
+        {1367, 405'504}, // twenty years earlier
     };
     const auto now = NominalConstellation(31, 2410, 344'064);
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.what);
-        const auto other = NominalConstellation(31, row.week, row.toaS);
+    for (const auto& [week, toaS] : kTimes) {
+        SCOPED_TRACE(week);
+        const auto other = NominalConstellation(31, week, toaS);
         ASSERT_EQ(other.size(), now.size());
         for (std::size_t i = 0; i < now.size(); ++i) {
             // 0.1 m: the anomaly of twenty years, 1e5 rad, is rounded to some 1e-11.
