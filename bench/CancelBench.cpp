@@ -4,7 +4,7 @@
 #include "bench/Measuring.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectSequence.h"
-#include "simulator/Simulator.h"
+#include "tests/core/link/FarEnd.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
 #include "ui/link/ConnectProgressDlg.h"
@@ -15,10 +15,7 @@
 #include <QTimer>
 
 #include <chrono>
-#include <cstdlib>
 #include <functional>
-#include <memory>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -37,20 +34,13 @@ struct Silence
         window.resize(480, 640);
         window.show();
         QApplication::setActiveWindow(&window);
-        std::string error;
-        simulator::Scenario scenario;
-        scenario.answers = false;
-        receiver = std::make_unique<simulator::Simulator>(scenario);
-        if (!receiver->Start(error)) {
-            std::abort();
-        }
-        target.devicePath = receiver->PortPath();
+        target.devicePath = end.Path();
         target.settings.replyTimeout = std::chrono::minutes(1);
     }
 
     QWidget window;
     QtHost host;
-    std::unique_ptr<simulator::Simulator> receiver;
+    testing::FarEnd end;
     CCommand command{{&host, nullptr, nullptr, nullptr}};
     ConnectTarget target;
 };

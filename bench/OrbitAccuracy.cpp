@@ -240,18 +240,15 @@ std::vector<Ecef> CarriedOn(const Parameters& p, double startS, std::size_t coun
 Parameters Solved(std::array<Parameters, std::tuple_size_v<Parameters>> a, Parameters b)
 {
     for (std::size_t i = 0; i < b.size(); ++i) {
-        for (std::size_t row = i + 1; row < b.size(); ++row) {
-            const double factor = a[row][i] / a[i][i];
+        for (std::size_t row = 0; row < b.size(); ++row) {
+            const double factor = row == i ? 0.0 : a[row][i] / a[i][i];
             for (std::size_t column = i; column < b.size(); ++column) {
                 a[row][column] -= factor * a[i][column];
             }
             b[row] -= factor * b[i];
         }
     }
-    for (std::size_t i = b.size(); i-- > 0;) {
-        for (std::size_t column = i + 1; column < b.size(); ++column) {
-            b[i] -= a[i][column] * b[column];
-        }
+    for (std::size_t i = 0; i < b.size(); ++i) {
         b[i] /= a[i][i];
     }
     return b;

@@ -193,29 +193,21 @@ void SearchOfTwoWeeks(benchmark::State& state)
     for (auto _ : state) {
         PlanSearch search(sites, hours, known, satellites);
         const long before = AllocationCount();
-        const double place = Timed(
-            [&] {
-                while (search.StepsDone() < satellites.size()) {
-                    search.Step();
-                }
-            },
-            kProcessor);
-        const double view = Timed(
-            [&] {
-                while (search.Step()) {
-                }
-            },
-            kProcessor);
+        const double start = SecondsOf(kProcessor);
+        while (search.StepsDone() < satellites.size()) {
+            search.Step();
+        }
+        const double placed = SecondsOf(kProcessor);
+        while (search.Step()) {
+        }
+        const double viewed = SecondsOf(kProcessor);
         allocations += AllocationCount() - before;
-        placeS.push_back(place);
-        allS.push_back(place + view);
-        windowsS.push_back(Timed(
-            [&] {
-                for (std::size_t site = 0; site <= sites.size(); ++site) {
-                    benchmark::DoNotOptimize(search.BestOfDays(site, {6, 3.0, minutes(60)}));
-                }
-            },
-            kProcessor));
+        for (std::size_t site = 0; site <= sites.size(); ++site) {
+            benchmark::DoNotOptimize(search.BestOfDays(site, {6, 3.0, minutes(60)}));
+        }
+        placeS.push_back(placed - start);
+        allS.push_back(viewed - start);
+        windowsS.push_back(SecondsOf(kProcessor) - viewed);
     }
     state.counters["satellites"] = static_cast<double>(satellites.size());
     state.counters["P6_ms"] = Quantile(allS) * 1e3;

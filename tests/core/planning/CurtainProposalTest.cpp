@@ -207,11 +207,6 @@ SkyRecord Sample(double latitudeDeg = 35.1234567, Clock::UtcTime now = Clock::Ut
     return record;
 }
 
-std::string TextOf(const Bytes& bytes)
-{
-    return {bytes.begin(), bytes.end()};
-}
-
 TEST(SkyRecord, TellsWhatIsOftenerAndForgetsSlowly)
 {
     SkyRecord record;
@@ -273,7 +268,8 @@ TEST(SkyRecord, SetsADamagedFileAside)
         ASSERT_FALSE(SaveSkyRecord(folder.Path(), Sample(40.0)));
         Bytes bytes = Sample().Bytes();
         damage(bytes);
-        const auto file = folder.Write("SkyRecords/here.sky", TextOf(bytes));
+        const auto file =
+            folder.Write("SkyRecords/here.sky", std::string(bytes.begin(), bytes.end()));
         const SkyRecords loaded = LoadSkyRecords(folder.Path());
         EXPECT_EQ(loaded.records.size(), 1U) << "the others stay";
         EXPECT_EQ(loaded.setAside, std::vector<std::string>{"here.sky.damaged-1"});
