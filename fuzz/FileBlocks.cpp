@@ -5,11 +5,9 @@
 #include "core/link/FileReplies.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
+#include "fuzz/Target.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <span>
@@ -19,13 +17,6 @@
 using namespace fieldcore;
 
 namespace {
-
-void Check(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 constexpr std::uint32_t kTime = 5; // of a file that can be gone on with
 
