@@ -18,7 +18,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const int chosen = isInMemory ? setenv("TMPDIR", "/dev/shm", 1) : 0;
     Check(chosen == 0);
     const TemporaryFolder folder;
-    SqliteSettingsStore store(folder.Write("user.db", TextOf(data, size)));
+    const std::filesystem::path file = folder.Write("user.db", TextOf(data, size));
+    SqliteSettingsStore store(file);
+    const std::filesystem::path aside = file.string() + ".damaged-1";
+    const bool isAside = store.TakeNotice().kind == SettingsNotice::Kind::SetAside;
+    Check(std::filesystem::exists(aside) == isAside);
+    Check(!isAside || std::filesystem::file_size(aside) >= size); // nothing is thrown away
     for (const std::wstring& key : store.Keys(L"").value_or(std::vector<std::wstring>())) {
         static_cast<void>(store.Values(key));
     }

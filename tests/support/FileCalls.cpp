@@ -25,17 +25,17 @@ namespace {
 std::atomic<bool> isWatched = false;
 std::mutex mutex;
 std::string below;               // guarded by mutex, as what follows
-FileCalls::Watcher watch;        //
+FileWatcher watch;               //
 std::map<int, std::string> open; // descriptors of the folder's files
 thread_local bool isInside = false;
 
-bool Fails(const char* name, const std::string& file, std::string_view data)
+bool Fails(const char* name, const std::string& file, std::string_view data, std::int64_t at = -1)
 {
     if (isInside || !watch || !file.starts_with(below)) {
         return false;
     }
     isInside = true; // what the watcher itself calls
-    const bool fails = watch({name, file, std::string(data)});
+    const bool fails = watch({name, file, std::string(data), at});
     isInside = false;
     errno = fails ? EIO : errno;
     return fails;
@@ -51,15 +51,15 @@ bool FailsFor(const char* name, const char* file, const char* data = "")
     return Fails(name, file, data);
 }
 
-bool FailsFor(const char* name, int descriptor, std::string_view data = {})
+bool FailsFor(const char* name, int descriptor, std::string_view data = {}, std::int64_t at = -1)
 {
     if (!isWatched) {
         return false;
     }
     const Spared spared;
     const std::lock_guard lock(mutex);
-    const auto at = open.find(descriptor);
-    return at != open.end() && Fails(name, at->second, data);
+    const auto file = open.find(descriptor);
+    return file != open.end() && Fails(name, file->second, data, at);
 }
 
 void Remember(int descriptor, const char* file)
@@ -83,7 +83,7 @@ Function* Next(Function*, const char* name)
 
 } // namespace
 
-FileCalls::FileCalls(std::string folder, Watcher watcher)
+FileCalls::FileCalls(std::string folder, FileWatcher watcher)
 {
     const std::lock_guard lock(mutex);
     below = std::move(folder);
@@ -118,7 +118,7 @@ int open(const char* path, int flags, ...)
         mode = va_arg(arguments, mode_t);
         va_end(arguments);
     }
-    if (FailsFor("open", path, (flags & O_CREAT) != 0 ? "new" : "")) {
+    if (FailsFor((flags & O_CREAT) != 0 ? "make" : "open", path)) {
         return -1;
     }
     const int descriptor = next(path, flags, mode);
@@ -136,7 +136,7 @@ int close(int descriptor)
 FILE* fopen64(const char* path, const char* mode)
 {
     static auto* const next = Next(fopen64, "fopen64");
-    if (FailsFor("open", path, mode[0] == 'r' ? "" : "new")) {
+    if (FailsFor(mode[0] == 'r' ? "open" : "make", path)) {
         return nullptr;
     }
     FILE* const file = next(path, mode);
@@ -170,7 +170,7 @@ ssize_t write(int descriptor, const void* from, size_t count)
 int ftruncate(int descriptor, off_t size) noexcept
 {
     static auto* const next = Next(ftruncate, "ftruncate");
-    return FailsFor("ftruncate", descriptor, std::to_string(size)) ? -1 : next(descriptor, size);
+    return FailsFor("truncate", descriptor, {}, size) ? -1 : next(descriptor, size);
 }
 
 int fchmod(int descriptor, mode_t mode) noexcept
@@ -187,7 +187,7 @@ int flock(int descriptor, int operation) noexcept
 
 int fsync(int descriptor)
 {
-    return FailsFor("fsync", descriptor) ? -1 : 0;
+    return FailsFor("sync", descriptor) ? -1 : 0;
 }
 
 int fdatasync(int)
