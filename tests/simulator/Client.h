@@ -30,8 +30,6 @@ public:
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
-    [[nodiscard]] bool IsOpen() const { return m_port >= 0; }
-
     bool Send(const Bytes& bytes) const
     {
         return write(m_port, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
@@ -60,6 +58,11 @@ public:
             bytes.insert(bytes.end(), some.begin(), some.begin() + got);
         }
         return bytes;
+    }
+
+    [[nodiscard]] Bytes Ask(const Bytes& request, std::size_t count) const
+    {
+        return Send(request) ? Receive(count) : Bytes();
     }
 
     /// Waits until the port hangs up; what still comes is read away.

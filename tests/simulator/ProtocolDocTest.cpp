@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -115,38 +116,23 @@ std::vector<Exchange> AllExchanges()
 /// A receiver that is in the state of which the document speaks.
 Scenario ScenarioFor(const Request& request)
 {
-    constexpr const char* kFiles = "file GONE1 1 2026-01-01 00:00 hidden\n"
-                                   "file GONE2 1 2026-01-01 00:00 hidden\n"
-                                   "file GONE3 1 2026-01-01 00:00 deleted\n"
-                                   "file A0314A00 48213 ";
+    const std::string files = "file GONE1 1 2026-01-01 00:00 hidden\n"
+                              "file GONE2 1 2026-01-01 00:00 hidden\n"
+                              "file GONE3 1 2026-01-01 00:00 deleted\n"
+                              "file A0314A00 48213 2026-03-14 01:30";
+    const std::map<int, std::string> states = {
+        {0x60, "model 3010\nfirmware 3.7\n" + files},
+        {0x68, "model 3010\n" + files + " deleted"},
+        {0x79, "model 3010\nfirmware 3.7\n" + files},
+        {0x96, "file A0314A00.Q01 12 2026-03-14 01:30 text Hello, field"},
+        {0x9C, "file A0314A00 48213 2026-03-19 00:00"},
+        {0xA0, "file A0314A00 1 2026-03-19 00:00"},
+        {0xA1, "file A0314A00.Q01 1 2026-03-19 00:00 deleted"},
+    };
     const int type = request.kind == Request::Kind::Frame ? request.Type() : -1;
-    std::string text;
-    switch (type) {
-    case 0x60:
-    case 0x79:
-        text = std::string("model 3010\nfirmware 3.7\n") + kFiles + "2026-03-14 01:30";
-        break;
-    case 0x68:
-        text = std::string("model 3010\n") + kFiles + "2026-03-14 01:30 deleted";
-        break;
-    case 0x96:
-        text = "file A0314A00.Q01 12 2026-03-14 01:30 text Hello, field";
-        break;
-    case 0x9C:
-        text = "file A0314A00 48213 2026-03-19 00:00";
-        break;
-    case 0xA0:
-        text = "file A0314A00 1 2026-03-19 00:00";
-        break;
-    case 0xA1:
-        text = "file A0314A00.Q01 1 2026-03-19 00:00 deleted";
-        break;
-    case 0xC8:
-        return Shipped("tilted");
-    default:
-        return Shipped("still-sky");
-    }
-    return Parsed(text);
+    const auto state = states.find(type);
+    return state != states.end() ? Parsed(state->second)
+                                 : Shipped(type == 0xC8 ? "tilted" : "still-sky");
 }
 
 } // namespace
@@ -183,14 +169,9 @@ TEST(ProtocolDoc, TheReceiverGivesTheDocumentedAnswers)
         ASSERT_TRUE(heard && heard->kind == exchange.request.kind) << "is no good request";
         Receiver receiver(ScenarioFor(exchange.request), clock);
         // What another file leaves behind must not stand in a list.
-        for (const char* index : {"00 01", "00 02"}) {
-            static_cast<void>(receiver.Answer(FrameRequest(MakeFrame(0x60, Hex(index)))));
-        }
-        std::vector<Bytes> answer = receiver.Answer(exchange.request);
-        while (std::optional<Bytes> more = receiver.NextFrame()) {
-            answer.push_back(*more);
-        }
-        EXPECT_EQ(answer, exchange.answer);
+        static_cast<void>(Ask(receiver, 0x60, "00 01"));
+        static_cast<void>(Ask(receiver, 0x60, "00 02"));
+        EXPECT_EQ(Ask(receiver, exchange.request), exchange.answer);
     }
 }
 
@@ -202,13 +183,15 @@ TEST(ProtocolDoc, TheTextListExampleIsWhatTheReceiverSends)
                              "satellite G12 203 71 49.5 44.0\n"
                              "satellite S129 181 48 39.2\n"),
                       SystemClock::Instance());
-    const auto answer = receiver.Answer(FrameRequest(Hex("02 00 16 00 16 03")));
+    const std::vector<Bytes> answer = Ask(receiver, 0x16);
+    ASSERT_EQ(answer.size(), 1U);
     const std::vector<Fence> fences = AllFences();
-    const auto example = std::find_if(fences.begin(), fences.end(), [](const Fence& fence) {
-        return fence.role == Role::Example && fence.type == 0x17;
-    });
-    ASSERT_NE(example, fences.end());
-    EXPECT_EQ(answer, std::vector<Bytes>{example->bytes});
+    EXPECT_EQ(std::ranges::count_if(fences,
+                                    [&](const Fence& fence) {
+                                        return fence.role == Role::Example && fence.type == 0x17 &&
+                                               fence.bytes == answer[0];
+                                    }),
+              1);
 }
 
 } // namespace fieldcore::simulator::test

@@ -11,14 +11,7 @@
 
 namespace fieldcore::simulator::test {
 
-namespace {
-
 using namespace std::chrono_literals;
-
-const std::vector<Bytes> kRefused{Bytes{kNak}};
-const std::vector<Bytes> kAccepted{Bytes{kAck}};
-
-} // namespace
 
 TEST(Receiver, RefusesWhatItDoesNotKnow)
 {
