@@ -20,6 +20,7 @@
 #include "tests/support/FileCalls.h"
 #include "tests/support/FragileDisk.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/Refusal.h"
 #include "tests/support/Scarcity.h"
 #include "tests/support/VirtualReceiver.h"
 
@@ -47,6 +48,7 @@ namespace fs = std::filesystem;
 using testing::FileCall;
 using testing::FileCalls;
 using testing::FragileDisk;
+using testing::Refusal;
 using testing::Scarcity;
 using testing::Spared;
 
@@ -226,24 +228,21 @@ enum class Refused
     Threads
 };
 
-/// How a store was written while one thing was refused, or none.
+/// How a store was written while something was refused.
 struct Attempt
 {
-    int asked = 0; ///< how often it could have been refused
     std::string failed;
     bool isUnsynced = false; ///< it was the folder that could not be synced
     bool isDone = false;     ///< as the store says
     bool hadMemory = true;   ///< false: it left with std::bad_alloc
 };
 
-/// @param n  the one that is refused, and with @p once false all later ones; 0: none
-Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, int n, bool once)
+Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, Refusal& refusal)
 {
     Attempt attempt;
     if (what == Refused::FileCalls) {
         const FileCalls watched(folder, [&](const FileCall& call) {
-            ++attempt.asked;
-            const bool fails = n > 0 && (once ? attempt.asked == n : attempt.asked >= n);
+            const bool fails = refusal.IsNext();
             if (fails && attempt.failed.empty()) {
                 attempt.failed = call.name + " " + call.file;
                 attempt.isUnsynced = fs::is_directory(call.file);
@@ -252,21 +251,21 @@ Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, i
         });
         attempt.isDone = store.write(folder, 2);
     } else {
-        const Scarcity scarcity(
-            what == Refused::Memory ? Scarcity::Of::Memory : Scarcity::Of::Threads, n, once);
+        const Scarcity scarcity(what == Refused::Memory ? Scarcity::Of::Memory
+                                                        : Scarcity::Of::Threads,
+                                refusal.n, refusal.once);
         try {
             attempt.isDone = store.write(folder, 2);
         } catch (const std::bad_alloc&) {
             attempt.hadMemory = false;
         }
-        attempt.asked = scarcity.Count();
+        refusal.asked = scarcity.Count();
     }
     return attempt;
 }
 
 void LeavesOldOrNew(Refused what, const char* measured)
 {
-    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     int cases = 0;
     for (const Store& store : kStores) {
         if (what == Refused::FileCalls && store.isInSettings) {
@@ -274,33 +273,25 @@ void LeavesOldOrNew(Refused what, const char* measured)
         }
         const std::string before = Expected(store, 1);
         const std::string after = Expected(store, 2);
-        int calls = 1;
-        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
-            for (const bool once : {true, false}) {
-                const TemporaryFolder folder;
-                ASSERT_TRUE(store.write(folder.Path(), 1));
-                const auto process = testing::CountProcess();
-                const long long blocks = testing::BlocksHeld();
-                const Attempt attempt = WriteWithout(store, folder.Path(), what, n, once);
-                ++cases;
-                SCOPED_TRACE(std::string(store.name) + ", " + std::to_string(n) + " of " +
-                             std::to_string(calls) + " " + attempt.failed +
-                             (once ? "" : ", and all later ones"));
-                const std::string found = Found(store, folder.Path());
-                const bool isWhole = found == after || (found == before && !attempt.isDone);
-                EXPECT_TRUE(isWhole) << found;
-                EXPECT_TRUE(attempt.isDone || attempt.isUnsynced || !attempt.hadMemory ||
-                            found == before)
-                    << "done, and told that it is not";
-                EXPECT_TRUE(n > 0 || attempt.isDone);
-                calls = n == 0 ? attempt.asked : calls;
-                EXPECT_EQ(testing::CountProcessAgain(process), process);
-                EXPECT_LE(testing::BlocksHeld(), blocks + 8) << "of memory are not given back";
-                EXPECT_TRUE(store.write(folder.Path(), 2));
-                EXPECT_EQ(Found(store, folder.Path()), after);
-            }
-        }
-        EXPECT_TRUE(calls > 4 || what == Refused::Threads) << store.name;
+        cases += testing::RefuseInTurn(store.name, [&](Refusal& refusal) {
+            const TemporaryFolder folder;
+            EXPECT_TRUE(store.write(folder.Path(), 1));
+            const auto process = testing::CountProcess();
+            const long long blocks = testing::BlocksHeld();
+            const Attempt attempt = WriteWithout(store, folder.Path(), what, refusal);
+            SCOPED_TRACE(attempt.failed);
+            const std::string found = Found(store, folder.Path());
+            EXPECT_TRUE(found == after || (found == before && !attempt.isDone)) << found;
+            EXPECT_TRUE(attempt.isDone || attempt.isUnsynced || !attempt.hadMemory ||
+                        found == before)
+                << "done, and told that it is not";
+            EXPECT_TRUE(refusal.n > 0 || attempt.isDone);
+            EXPECT_TRUE(refusal.n > 0 || refusal.asked > 4 || what == Refused::Threads);
+            EXPECT_EQ(testing::CountProcessAgain(process), process);
+            EXPECT_LE(testing::BlocksHeld(), blocks + 8) << "of memory are not given back";
+            EXPECT_TRUE(store.write(folder.Path(), 2));
+            EXPECT_EQ(Found(store, folder.Path()), after);
+        });
     }
     testing::Measured(cases, measured);
 }

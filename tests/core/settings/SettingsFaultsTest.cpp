@@ -5,6 +5,7 @@
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/FragileDisk.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/Refusal.h"
 #include "tests/support/SqliteFileLayer.h"
 
 #include <algorithm>
@@ -99,21 +100,21 @@ TEST(SettingsFaults, EveryCallMayFail)
         bool isNew; // there is no file yet
         std::function<bool(SettingsStore&)> run;
     };
+    const auto setInK = [](SettingsStore& store) {
+        return store.Set(L"K", L"n", std::uint32_t{7}, kCreate);
+    };
     const Row rows[] = {
         {"get", false, ReadsWhatWasStored},
         {"list", false, ListsWhatWasStored},
-        {"set", false,
-         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set", false, setInK},
         {"set in a new key", false,
          [](SettingsStore& store) { return store.Set(L"N\\K", L"n", std::uint32_t{7}, kCreate); }},
-        {"set in a new file", true,
-         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set in a new file", true, setInK},
         {"two together", false, StoresTwoTogether},
         {"delete a value", false,
          [](SettingsStore& store) { return store.DeleteValue(L"K", L"n"); }},
         {"delete a key", false, [](SettingsStore& store) { return store.DeleteKey(L"K"); }},
     };
-    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     const TemporaryFolder filled;
     Fill(filled.Path());
     for (std::size_t at = 0; at < 2 * std::size(rows); ++at) {
@@ -121,56 +122,40 @@ TEST(SettingsFaults, EveryCallMayFail)
         const bool isOfMemory = at % 2 == 1;
         std::string before;
         std::string after;
-        int calls = 1;
-        int cases = 0;
-        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
-            for (const bool once : {true, false}) {
-                ++cases;
-                const TemporaryFolder folder;
-                if (!row.isNew) {
-                    fs::copy(filled.Path(), folder.Path());
-                }
-                before = n == 0 ? FoundLater(folder) : before;
-                const auto memory = sqlite3_memory_used();
-                const auto process = testing::CountProcess();
-                int count = 0;
-                std::string failed;
-                bool isDone = false;
-                bool isTold = false;
-                {
-                    const SqliteFileLayer layer([&](const FileCall& call) {
-                        if ((call.name == "memory") != isOfMemory) {
-                            return false;
-                        }
-                        ++count;
-                        const bool fails = n > 0 && (once ? count == n : count >= n);
-                        failed = fails && failed.empty() ? call.name : failed;
-                        return fails;
-                    });
-                    try {
-                        SqliteSettingsStore store(folder.Path() / "user.db");
-                        isTold = !store.TakeNotice().IsEmpty();
-                        isDone = row.run(store);
-                        EXPECT_EQ(store.IsKept(), !isTold);
-                    } catch (const std::bad_alloc&) {
-                        EXPECT_TRUE(isOfMemory);
-                    }
-                }
-                SCOPED_TRACE(std::string(row.operation) + ", call " + std::to_string(n) + ", " +
-                             failed + (once ? "" : " and all later ones"));
-                EXPECT_EQ(sqlite3_memory_used(), memory);
-                EXPECT_EQ(testing::CountProcessAgain(process), process);
-                const std::string found = FoundLater(folder);
-                if (n == 0) {
-                    EXPECT_TRUE(isDone && !isTold);
-                    after = found;
-                    calls = count;
-                } else {
-                    EXPECT_TRUE(found == after || (found == before && (!isDone || isTold)))
-                        << found;
+        const int cases = testing::RefuseInTurn(row.operation, [&](testing::Refusal& refusal) {
+            const TemporaryFolder folder;
+            if (!row.isNew) {
+                fs::copy(filled.Path(), folder.Path());
+            }
+            before = refusal.n == 0 ? FoundLater(folder) : before;
+            const auto memory = sqlite3_memory_used();
+            const auto process = testing::CountProcess();
+            std::string failed;
+            bool isDone = false;
+            bool isTold = false;
+            {
+                const SqliteFileLayer layer([&](const FileCall& call) {
+                    const bool fails = (call.name == "memory") == isOfMemory && refusal.IsNext();
+                    failed = fails && failed.empty() ? call.name : failed;
+                    return fails;
+                });
+                try {
+                    SqliteSettingsStore store(folder.Path() / "user.db");
+                    isTold = !store.TakeNotice().IsEmpty();
+                    isDone = row.run(store);
+                    EXPECT_EQ(store.IsKept(), !isTold);
+                } catch (const std::bad_alloc&) {
+                    EXPECT_TRUE(isOfMemory);
                 }
             }
-        }
+            SCOPED_TRACE(failed);
+            EXPECT_EQ(sqlite3_memory_used(), memory);
+            EXPECT_EQ(testing::CountProcessAgain(process), process);
+            const std::string found = FoundLater(folder);
+            after = refusal.n == 0 ? found : after;
+            EXPECT_TRUE(found == after || (found == before && (!isDone || isTold))) << found;
+            EXPECT_TRUE(refusal.n > 0 || (isDone && !isTold));
+        });
         testing::Measured(cases, isOfMemory ? "allocations refused" : "failing calls");
     }
 }
