@@ -10,6 +10,7 @@
 #include "core/planning/PlanSite.h"
 #include "core/planning/SkyRecord.h"
 #include "core/platform/AtomicFile.h"
+#include "core/platform/Utf8.h"
 #include "core/settings/Profile.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/core/planning/SampleSky.h"
@@ -156,12 +157,11 @@ std::string FoundAntennas(const fs::path& folder)
 {
     SettingsRoots roots(testing::FoldersBelow(folder));
     const AntennaCatalogue catalogue(folder, roots);
-    std::string found;
+    std::wstring found;
     for (int type = 0; type < catalogue.GetMaxCount(); ++type) {
-        const std::wstring name = catalogue.Type(type).value_or(AntennaType()).name;
-        found += std::string(name.begin(), name.end()) + '\n';
+        found += catalogue.Type(type).value_or(AntennaType()).name + L'\n';
     }
-    return found;
+    return ToUtf8(found);
 }
 
 bool RememberEntries(const fs::path& folder, int version)
@@ -177,11 +177,11 @@ std::string FoundEntries(const fs::path& folder)
     SettingsRoots roots(testing::FoldersBelow(folder));
     TextEntries list;
     EXPECT_EQ(CParts::ReadRegPointName(list, 10, HostReg(roots)), 1);
-    std::string found;
+    std::wstring found;
     for (const std::wstring& text : list.Texts()) {
-        found += std::string(text.begin(), text.end()) + '\n';
+        found += text + L'\n';
     }
-    return found;
+    return ToUtf8(found);
 }
 
 const Store kStores[] = {

@@ -18,18 +18,9 @@ namespace fieldcore::simulator::test {
 
 namespace {
 
-enum class Role
-{
-    Request,
-    Reply,
-    Example
-};
-
+/// Bytes of the document and the line above them.
 struct Fence
 {
-    Role role;
-    int type;
-    bool toBreak;
     std::string label;
     Bytes bytes;
 };
@@ -51,29 +42,6 @@ std::vector<std::string> DocLines()
     return lines;
 }
 
-/// The two hexadecimal digits behind the first "0x"; -1 if there are none.
-int TypeIn(const std::string& text)
-{
-    const std::size_t at = text.find("0x");
-    const Bytes digits = Hex(at == std::string::npos ? "" : text.substr(at + 2, 2));
-    return digits.size() == 1 ? digits[0] : -1;
-}
-
-Fence ReadLabel(const std::string& label)
-{
-    Fence fence{Role::Example, TypeIn(label), false, label, {}};
-    if (label.starts_with("Request 0x")) {
-        fence.role = Role::Request;
-    } else if (label.starts_with("Reply 0x")) {
-        fence.role = Role::Reply;
-        fence.toBreak = label.ends_with(" to a BREAK:");
-    } else if (!label.starts_with("Example 0x")) {
-        ADD_FAILURE() << "no label that can be read: " << label;
-    }
-    EXPECT_TRUE(fence.type >= 0 && label.ends_with(':')) << label;
-    return fence;
-}
-
 /// Every fence; an answer of ACK, which is no frame, stands among them as one byte.
 std::vector<Fence> AllFences()
 {
@@ -83,14 +51,14 @@ std::vector<Fence> AllFences()
     for (const std::string& line : DocLines()) {
         if (line == "```hex") {
             inFence = true;
-            fences.push_back(ReadLabel(label));
+            fences.push_back({label, {}});
         } else if (line == "```") {
             inFence = false;
         } else if (inFence) {
             const Bytes more = Hex(line);
             fences.back().bytes.insert(fences.back().bytes.end(), more.begin(), more.end());
         } else if (line == "Reply ACK.") {
-            fences.push_back({Role::Reply, -1, false, line, {kAck}});
+            fences.push_back({line, {kAck}});
         } else if (!line.empty()) {
             label = line;
         }
@@ -101,13 +69,15 @@ std::vector<Fence> AllFences()
 std::vector<Exchange> AllExchanges()
 {
     std::vector<Exchange> exchanges;
-    for (const Fence& fence : AllFences()) {
-        if (fence.role == Role::Request) {
-            exchanges.push_back({fence.label, FrameRequest(fence.bytes), {}});
-        } else if (fence.toBreak) {
-            exchanges.push_back({fence.label, {Request::Kind::Break, {0x00}}, {fence.bytes}});
-        } else if (fence.role == Role::Reply && !exchanges.empty()) {
-            exchanges.back().answer.push_back(fence.bytes);
+    for (const auto& [label, bytes] : AllFences()) {
+        if (label.starts_with("Request 0x")) {
+            exchanges.push_back({label, FrameRequest(bytes), {}});
+        } else if (label.starts_with("Reply 0x") && label.ends_with(" to a BREAK:")) {
+            exchanges.push_back({label, {Request::Kind::Break, {0x00}}, {bytes}});
+        } else if (label.starts_with("Reply ")) {
+            exchanges.back().answer.push_back(bytes);
+        } else {
+            EXPECT_TRUE(label.starts_with("Example 0x")) << "cannot be read: " << label;
         }
     }
     return exchanges;
@@ -139,16 +109,14 @@ Scenario ScenarioFor(const Request& request)
 
 TEST(ProtocolDoc, EveryRequestOfTheTableHasAnExample)
 {
-    std::set<int> shown;
-    for (const Fence& fence : AllFences()) {
-        if (fence.role == Role::Request) {
-            shown.insert(fence.type);
-        }
+    std::set<std::string> shown;
+    for (const Exchange& exchange : AllExchanges()) {
+        shown.insert(exchange.label.substr(exchange.label.find("0x"), 4));
     }
     int rows = 0;
     for (const std::string& line : DocLines()) {
         if (line.starts_with("| 0x") && line.find("| [") != std::string::npos) {
-            EXPECT_EQ(shown.count(TypeIn(line)), 1U) << line;
+            EXPECT_TRUE(shown.contains(line.substr(2, 4))) << line;
             ++rows;
         }
     }
@@ -188,7 +156,7 @@ TEST(ProtocolDoc, TheTextListExampleIsWhatTheReceiverSends)
     const std::vector<Fence> fences = AllFences();
     EXPECT_EQ(std::ranges::count_if(fences,
                                     [&](const Fence& fence) {
-                                        return fence.role == Role::Example && fence.type == 0x17 &&
+                                        return fence.label.starts_with("Example 0x17") &&
                                                fence.bytes == answer[0];
                                     }),
               1);
