@@ -4,12 +4,6 @@
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
 
 namespace {

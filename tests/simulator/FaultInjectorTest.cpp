@@ -2,18 +2,10 @@
 #include "tests/simulator/Support.h"
 
 #include <algorithm>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 using RuleRow = std::pair<std::string_view, std::string_view>; ///< and what comes of it
 

@@ -7,12 +7,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <optional>
 #include <set>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 

@@ -2,18 +2,12 @@
 
 #include "simulator/FileNames.h"
 #include "simulator/FileStore.h"
-#include "simulator/Receiver.h"
 #include "simulator/ReceiverFile.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/simulator/Support.h"
 
 #include <iterator>
 #include <sstream>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 

@@ -2,16 +2,9 @@
 #include "simulator/SatelliteReplies.h"
 #include "tests/simulator/Support.h"
 
-#include <chrono>
 #include <cmath>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
-
-using namespace std::chrono_literals;
 
 TEST(Receiver, RefusesWhatItDoesNotKnow)
 {

@@ -2,13 +2,6 @@
 #include "simulator/ExchangeRecord.h"
 #include "tests/simulator/Support.h"
 
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
 
 namespace {

@@ -1,12 +1,6 @@
 #include "simulator/RequestParser.h"
 #include "tests/simulator/Support.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
 
 namespace {

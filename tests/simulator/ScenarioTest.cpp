@@ -2,11 +2,6 @@
 #include "tests/simulator/Support.h"
 
 #include <filesystem>
-#include <string>
-#include <string_view>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 

@@ -7,11 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 

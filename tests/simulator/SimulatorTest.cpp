@@ -9,25 +9,18 @@
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <numeric>
-#include <string>
-#include <string_view>
 #include <thread>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace fieldcore::simulator::test {
 
 namespace fs = std::filesystem;
-
-using namespace std::chrono_literals;
 
 TEST(Simulator, AnswersWhoOpensItsPort)
 {

@@ -3,11 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 

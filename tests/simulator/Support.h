@@ -1,3 +1,4 @@
+// What the tests of this folder share; what it includes they do not include again.
 #pragma once
 
 #include "simulator/Frame.h"
@@ -23,6 +24,7 @@
 
 namespace fieldcore::simulator::test {
 
+using namespace std::chrono_literals;
 using fieldcore::testing::HandClock;
 using fieldcore::testing::Hex;
 using fieldcore::testing::ParsedRule;

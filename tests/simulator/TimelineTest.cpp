@@ -4,21 +4,12 @@
 #include "tests/simulator/Support.h"
 
 #include <bit>
-#include <chrono>
 #include <cmath>
-#include <cstdint>
 #include <numbers>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 std::uint64_t Number(const Bytes& data, std::size_t at, std::size_t width)
 {
