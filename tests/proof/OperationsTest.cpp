@@ -80,28 +80,26 @@ TEST(Operations, StandAReceiverThatGoesAway)
     const auto process = testing::CountProcess();
     int cases = 0;
     for (const Operation& operation : kOperations) {
-        for (const char* const event : {"reboot 3000", "hang-up"}) {
-            for (int i = 0; i < rounds; ++i) {
-                const bool isPulled = std::string(event) == "hang-up";
-                const auto frame = std::abs(static_cast<int>(random()) % operation.frames);
-                const std::string rule =
-                    event + (isPulled ? " reply " + std::to_string(random() % 30) : "") + " skip " +
-                    std::to_string(frame) + " count 1";
-                SCOPED_TRACE(std::string(operation.name) + ", " + rule);
-                const TemporaryFolder folder;
-                VirtualReceiver receiver(kScenario);
-                receiver.Open(kReplyTimeout);
-                receiver.AddFault(rule);
-                const auto start = receiver.clock.Steady();
-                static_cast<void>(operation.run(receiver, folder.Path()));
-                EXPECT_LT(receiver.clock.Steady() - start, (operation.frames + 2) * kLongest);
-                receiver.simulator.ClearFaults();
-                receiver.clock.Sleep(4s);
-                EXPECT_TRUE(receiver.simulator.Plug());
-                receiver.Open(kReplyTimeout);
-                EXPECT_TRUE(operation.run(receiver, folder.Path())) << receiver.command.LastError();
-                ++cases;
-            }
+        for (int i = 0; i < 2 * rounds; ++i) {
+            const std::string skip =
+                " skip " + std::to_string(random() % static_cast<unsigned>(operation.frames));
+            const std::string rule =
+                (i < rounds ? "reboot 3000" : "hang-up reply " + std::to_string(random() % 30)) +
+                skip + " count 1";
+            SCOPED_TRACE(std::string(operation.name) + ", " + rule);
+            const TemporaryFolder folder;
+            VirtualReceiver receiver(kScenario);
+            receiver.Open(kReplyTimeout);
+            receiver.AddFault(rule);
+            const auto start = receiver.clock.Steady();
+            static_cast<void>(operation.run(receiver, folder.Path()));
+            EXPECT_LT(receiver.clock.Steady() - start, (operation.frames + 2) * kLongest);
+            receiver.simulator.ClearFaults();
+            receiver.clock.Sleep(4s);
+            EXPECT_TRUE(receiver.simulator.Plug());
+            receiver.Open(kReplyTimeout);
+            EXPECT_TRUE(operation.run(receiver, folder.Path())) << receiver.command.LastError();
+            ++cases;
         }
     }
     EXPECT_EQ(testing::CountProcessAgain(process), process);

@@ -221,13 +221,6 @@ std::string Expected(const Store& store, int version)
     return Found(store, folder.Path());
 }
 
-enum class Refused
-{
-    FileCalls,
-    Memory,
-    Threads
-};
-
 /// How a store was written while something was refused.
 struct Attempt
 {
@@ -237,10 +230,12 @@ struct Attempt
     bool hadMemory = true;   ///< false: it left with std::bad_alloc
 };
 
-Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, Refusal& refusal)
+/// @param scarce  what is refused; nothing: calls that use files
+Attempt WriteWithout(const Store& store, const fs::path& folder, std::optional<Scarcity::Of> scarce,
+                     Refusal& refusal)
 {
     Attempt attempt;
-    if (what == Refused::FileCalls) {
+    if (!scarce) {
         const FileCalls watched(folder, [&](const FileCall& call) {
             const bool fails = refusal.IsNext();
             if (fails && attempt.failed.empty()) {
@@ -251,9 +246,7 @@ Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, R
         });
         attempt.isDone = store.write(folder, 2);
     } else {
-        const Scarcity scarcity(what == Refused::Memory ? Scarcity::Of::Memory
-                                                        : Scarcity::Of::Threads,
-                                refusal.n, refusal.once);
+        const Scarcity scarcity(*scarce, refusal.n, refusal.once);
         try {
             attempt.isDone = store.write(folder, 2);
         } catch (const std::bad_alloc&) {
@@ -264,11 +257,11 @@ Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, R
     return attempt;
 }
 
-void LeavesOldOrNew(Refused what, const char* measured)
+void LeavesOldOrNew(std::optional<Scarcity::Of> scarce, const char* measured)
 {
     int cases = 0;
     for (const Store& store : kStores) {
-        if (what == Refused::FileCalls && store.isInSettings) {
+        if (!scarce && store.isInSettings) {
             continue; // these have tests of their own
         }
         const std::string before = Expected(store, 1);
@@ -278,7 +271,7 @@ void LeavesOldOrNew(Refused what, const char* measured)
             EXPECT_TRUE(store.write(folder.Path(), 1));
             const auto process = testing::CountProcess();
             const long long blocks = testing::BlocksHeld();
-            const Attempt attempt = WriteWithout(store, folder.Path(), what, refusal);
+            const Attempt attempt = WriteWithout(store, folder.Path(), scarce, refusal);
             SCOPED_TRACE(attempt.failed);
             const std::string found = Found(store, folder.Path());
             EXPECT_TRUE(found == after || (found == before && !attempt.isDone)) << found;
@@ -286,7 +279,7 @@ void LeavesOldOrNew(Refused what, const char* measured)
                         found == before)
                 << "done, and told that it is not";
             EXPECT_TRUE(refusal.n > 0 || attempt.isDone);
-            EXPECT_TRUE(refusal.n > 0 || refusal.asked > 4 || what == Refused::Threads);
+            EXPECT_TRUE(refusal.n > 0 || refusal.asked > 4 || scarce == Scarcity::Of::Threads);
             EXPECT_EQ(testing::CountProcessAgain(process), process);
             EXPECT_LE(testing::BlocksHeld(), blocks + 8) << "of memory are not given back";
             EXPECT_TRUE(store.write(folder.Path(), 2));
@@ -301,17 +294,17 @@ void LeavesOldOrNew(Refused what, const char* measured)
 /// open.
 TEST(Stores, EveryCallMayFail)
 {
-    LeavesOldOrNew(Refused::FileCalls, "failing calls");
+    LeavesOldOrNew(std::nullopt, "failing calls");
 }
 
 TEST(Stores, MemoryMayRunOut)
 {
-    LeavesOldOrNew(Refused::Memory, "allocations refused");
+    LeavesOldOrNew(Scarcity::Of::Memory, "allocations refused");
 }
 
 TEST(Stores, ThreadsMayRunOut)
 {
-    LeavesOldOrNew(Refused::Threads, "threads refused");
+    LeavesOldOrNew(Scarcity::Of::Threads, "threads refused");
 }
 
 TEST(Stores, APowerCutLeavesTheOldFileOrTheNew)

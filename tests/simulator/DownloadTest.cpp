@@ -4,6 +4,8 @@
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
 
+#include <thread>
+
 namespace fieldcore::simulator::test {
 
 namespace {
@@ -63,6 +65,12 @@ TEST(Download, ABlockThatHasNotBegunIsNotSentBehindAnAbort)
     const auto simulator = Started(scenario);
     const Client client(simulator->PortPath());
     ASSERT_EQ(client.Ask(Download("A.Q01"), 2 * kFullBlock).size(), 2 * kFullBlock);
+    // Behind whatever is read, before the next is, the late block is made.
+    const Bytes noise = Hex("41 0A");
+    ASSERT_TRUE(client.Send(noise));
+    while (simulator->Record().back().bytes != noise) {
+        std::this_thread::yield();
+    }
     EXPECT_EQ(client.Ask(kAbortRequest, 1), Bytes{kAck}) << "it waits behind the late block";
 }
 

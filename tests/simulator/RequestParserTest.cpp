@@ -11,14 +11,11 @@ std::string Describe(const Request& request)
     case Request::Kind::Frame:
         return "frame " + std::to_string(request.Type()) + "/" +
                std::to_string(request.Data().size());
-    case Request::Kind::Break:
-        return "break";
-    case Request::Kind::Line:
-        return "line";
     case Request::Kind::Damaged:
-        break;
+        return "damaged " + std::to_string(request.bytes.size());
+    default:
+        return request.kind == Request::Kind::Break ? "break" : "line";
     }
-    return "damaged " + std::to_string(request.bytes.size());
 }
 
 std::string ParseAll(const Bytes& bytes)

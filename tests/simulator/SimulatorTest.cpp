@@ -124,12 +124,9 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
             ++heard;
         } else {
             // Noise stands in the record, so that its arrival can be waited for.
-            const auto start = std::chrono::steady_clock::now();
-            while (simulator.Record().size() <= recorded &&
-                   std::chrono::steady_clock::now() - start < 10s) {
+            while (simulator.Record().size() <= recorded) {
                 std::this_thread::yield();
             }
-            EXPECT_GT(simulator.Record().size(), recorded);
         }
         EXPECT_EQ(simulator.RequestCount(), heard);
         clock.Advance(row.then);

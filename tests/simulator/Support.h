@@ -1,5 +1,6 @@
-// What the tests of this folder share; what it includes they do not include again.
 #pragma once
+
+// What the tests of this folder share. What is included here they do not include again.
 
 #include "simulator/Frame.h"
 #include "simulator/Receiver.h"

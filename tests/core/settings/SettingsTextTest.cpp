@@ -1,10 +1,10 @@
 #include "core/settings/SettingsText.h"
 
-#include "core/platform/Folders.h"
 #include "core/platform/SqliteSettingsStore.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsTree.h"
 #include "core/settings/StoredPorts.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <cstddef>
@@ -191,10 +191,7 @@ TEST(SettingsStore, DeletesOneValue)
 TEST(StoredPorts, GoToTheirComNumbers)
 {
     const TemporaryFolder home;
-    FolderSources sources;
-    sources.variable = [](const std::string&) { return std::nullopt; };
-    sources.passwdHome = home.Path();
-    SettingsRoots roots{Folders(sources)};
+    SettingsRoots roots(testing::FoldersBelow(home.Path()));
     PortNames names;
     EXPECT_TRUE(AssignStoredPorts(names, roots).empty());
     EXPECT_FALSE(std::filesystem::exists(roots.File(RootKey::CurrentUser))) << "made by reading";
