@@ -4,7 +4,6 @@
 #include "core/link/FrameDescriber.h"
 #include "fuzz/Target.h"
 
-#include <algorithm>
 #include <initializer_list>
 #include <span>
 #include <string>

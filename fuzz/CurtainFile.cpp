@@ -6,7 +6,6 @@
 #include "fuzz/Target.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
-#include <algorithm>
 #include <cmath>
 
 using namespace fieldcore;

@@ -7,12 +7,10 @@
 #include "core/link/ReceivedFile.h"
 #include "fuzz/Target.h"
 
-#include <algorithm>
 #include <map>
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 using namespace fieldcore;
 

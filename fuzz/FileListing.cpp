@@ -9,7 +9,6 @@
 #include "fuzz/Target.h"
 
 #include <filesystem>
-#include <string_view>
 
 using namespace fieldcore;
 

@@ -4,7 +4,6 @@
 #include "core/link/FrameAssembler.h"
 #include "fuzz/Target.h"
 
-#include <algorithm>
 #include <span>
 
 using namespace fieldcore;

@@ -4,7 +4,6 @@
 #include "core/link/Replies.h"
 #include "fuzz/Target.h"
 
-#include <algorithm>
 #include <array>
 
 using namespace fieldcore;

@@ -4,7 +4,6 @@
 #include "fuzz/Target.h"
 
 #include <string>
-#include <string_view>
 
 using namespace fieldcore;
 

@@ -3,8 +3,6 @@
 #include "core/settings/SettingsText.h"
 #include "fuzz/Target.h"
 
-#include <algorithm>
-
 using namespace fieldcore;
 
 namespace {

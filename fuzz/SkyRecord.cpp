@@ -6,7 +6,6 @@
 #include "core/platform/ContentSum.h"
 #include "fuzz/Target.h"
 
-#include <algorithm>
 #include <span>
 #include <vector>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// What the targets share. What is included here they do not include again.
+
 #include "core/platform/TextError.h"
 
 #include <algorithm>

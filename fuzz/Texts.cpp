@@ -12,7 +12,6 @@
 
 #include <cmath>
 #include <string>
-#include <string_view>
 
 using namespace fieldcore;
 
