@@ -6,7 +6,6 @@
 
 #include <initializer_list>
 #include <span>
-#include <string>
 
 using namespace fieldcore;
 

@@ -1,9 +1,6 @@
 #include "simulator/Receiver.h"
 #include "simulator/SatelliteReplies.h"
 #include "tests/simulator/Support.h"
-
-#include <cmath>
-
 namespace fieldcore::simulator::test {
 
 TEST(Receiver, RefusesWhatItDoesNotKnow)

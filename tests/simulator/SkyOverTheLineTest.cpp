@@ -11,7 +11,6 @@
 #include <cmath>
 #include <numbers>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
