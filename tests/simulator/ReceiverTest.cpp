@@ -1,6 +1,7 @@
 #include "simulator/Receiver.h"
 #include "simulator/SatelliteReplies.h"
 #include "tests/simulator/Support.h"
+
 namespace fieldcore::simulator::test {
 
 TEST(Receiver, RefusesWhatItDoesNotKnow)
