@@ -105,8 +105,9 @@ std::vector<FileFault> FileFaults()
     const auto fullCard = [](Engine& engine) { engine.free = 48000; }; // 1.2 times 40000
     const auto silentCard = [](Engine& engine) { engine.free.reset(); };
     const auto noFolder = [](Engine& engine) { engine.home.Write("Documents/2026-03-14", ""); };
-    return {
+    std::vector<FileFault> faults{
         {"600 files", List, "files 600 10 20\n", "", FormatText(text::kFilesMore, 512), 512},
+        {"pages backwards", List, twenty + "listing backwards\n", "", L"", 20},
         {"pages backwards", List, twenty + "listing backwards\n", "", L"", 20},
         {"a page never comes", List, twenty + "fault drop of 9D skip 1 count 1\n", "",
          part(timedOut), 12},
@@ -117,7 +118,6 @@ std::vector<FileFault> FileFaults()
         {"a block never comes", Fetch, three, "drop of 95 skip 1", timedOut, 3, first},
         {"every block is damaged", Fetch, three, "corrupt of 95", damaged, 3, first},
         {"the fetch is refused", Fetch, three, "nak on 96", refused, 3, first},
-        {"cable out in the last block", Fetch, three, "hang-up 500 of 95 skip 3", pulled, 3, first},
         {"it ends before its size", Fetch, "file A 1000 2026-03-14 01:30 announces 5000\n", "",
          Text(text::kFileCauseSize), 1, are(WrongSize)},
         {"a name that is a device's", Fetch, "file CON 10 2026-03-14 01:30\n", "",
@@ -139,6 +139,11 @@ std::vector<FileFault> FileFaults()
         {"cable out at the deletion", Delete, three, "hang-up on A0", pulled, 3,
          are(NotReached, NotReached, RequestFailed)},
     };
+    for (const char* const cableOut : {"hang-up of 95", "hang-up of 95 skip 1",
+                                       "hang-up of 95 skip 2", "hang-up 500 of 95 skip 3"}) {
+        faults.push_back({cableOut, Fetch, three, cableOut, pulled, 3, first});
+    }
+    return faults;
 }
 
 TEST(FileFaultsTest, TheEngineSaysWhy)

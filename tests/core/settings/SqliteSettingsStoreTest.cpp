@@ -193,16 +193,22 @@ TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
     // What is there can still be read, also where the path has what means something in an address.
     const fs::path made = FilledFile(folder);
     const std::string before = ContentOf(made);
-    for (const std::string below : {"plain-name", "what?mode=rw", "50%41", "a#b", "日本 語&x"}) {
+    const std::string later = "later-format"; // of which SQLite writes none
+    for (const std::string below :
+         {"plain-name", "what?mode=rw", "50%41", "a#b", "日本 語&x", later.c_str()}) {
         SCOPED_TRACE(below);
-        const fs::path file = folder.Path() / below / "user.db";
-        fs::create_directories(fs::path(file.string() + ".lock")); // so that it cannot be locked
-        fs::copy_file(made, file);
+        std::string bytes = before;
+        bytes[18] = below == later ? 3 : bytes[18];
+        const fs::path file = folder.Write(below + "/user.db", bytes);
+        if (below != later) {
+            fs::create_directories(fs::path(file.string() + ".lock")); // it cannot be locked
+        }
         SqliteSettingsStore readOnly(file);
         EXPECT_EQ(readOnly.TakeNotice().file, file.string());
         EXPECT_EQ(readOnly.Values(L"K").value().size(), 300U);
         EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-        EXPECT_EQ(ContentOf(file), before);
+        EXPECT_EQ(NumberIn(readOnly, L"K", L"n"), 7U);
+        EXPECT_EQ(ContentOf(file), bytes);
     }
 }
 
