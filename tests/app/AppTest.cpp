@@ -1,6 +1,5 @@
 // The controller's window by itself: what it was started with, what it shows, what is chosen.
 
-#include "app/HomePage.h"
 #include "app/MainWindow.h"
 #include "app/Options.h"
 #include "app/Overview.h"
@@ -229,29 +228,6 @@ TEST(MainWindow, StaysWhenItMayNotClose)
     mayClose = true;
     EXPECT_TRUE(window.close());
     EXPECT_FALSE(window.isVisible());
-}
-
-TEST(HomePage, PutsItsButtonsIntoColumns)
-{
-    HomePage page;
-    for (int id = 1; id <= 7; ++id) {
-        page.AddButton(id, QStringLiteral("plan"), QString::number(id));
-    }
-    const auto lefts = [&page] {
-        page.resize(page.sizeHint());
-        page.show();
-        QCoreApplication::processEvents();
-        QSet<int> positions;
-        for (const CIconButton* button : page.findChildren<CIconButton*>()) {
-            positions.insert(button->x());
-        }
-        return positions.size();
-    };
-    EXPECT_EQ(lefts(), 3);
-    page.Arrange(664, true);
-    EXPECT_EQ(lefts(), 2);
-    page.Arrange(200, true); // too low for two
-    EXPECT_EQ(lefts(), 3);
 }
 
 } // namespace

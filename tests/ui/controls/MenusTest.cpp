@@ -183,6 +183,30 @@ TEST(CButtonMenuDlg, ChoosesByClickAndByKeys)
     EXPECT_EQ(menu.GetMenuIndex(), 4);
 }
 
+TEST(CButtonMenuDlg, PutsItsButtonsIntoColumnsOfAWindow)
+{
+    CButtonMenuDlg page(QStringLiteral("メニュー"));
+    page.Embed();
+    for (int id = 1; id <= 7; ++id) {
+        page.AddButton(QStringLiteral("plan"), QString::number(id));
+    }
+    const auto lefts = [&page] {
+        page.resize(page.sizeHint());
+        page.show();
+        QCoreApplication::processEvents();
+        QSet<int> positions;
+        for (const CIconButton* button : page.findChildren<CIconButton*>()) {
+            positions.insert(button->x());
+        }
+        return positions.size();
+    };
+    EXPECT_EQ(lefts(), 3);
+    page.Arrange(664, true);
+    EXPECT_EQ(lefts(), 2);
+    page.Arrange(200, true); // too low for two
+    EXPECT_EQ(lefts(), 3);
+}
+
 /// Every drawing can be read, fills its square sensibly and has no colour of its own.
 TEST(Icons, AreDrawnInTheColoursThatAreAsked)
 {
