@@ -1,55 +1,46 @@
 #include "core/link/FileReplies.h"
 
 #include "tests/core/link/FileServer.h"
+#include "tests/support/Hex.h"
 
+#include <optional>
+#include <string>
 #include <string_view>
+#include <tuple>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Block;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::LarkRecord;
-using testing::Loaded;
-using testing::LongFrame;
-using testing::Page;
-using testing::PicaRecord;
+using namespace testing;
 
-// 2026-03-14 01:30 UTC is 16869 days and 5400 s after 1980-01-06; 9 hours are added.
-TEST(FileReplies, ReadsThePageOfAPica)
+/// What stands in a page with one file.
+void ExpectPage(const std::optional<FilePage>& page, std::wstring_view name, std::uint32_t time,
+                int fileIndex, int pageFlag)
 {
-    FrameBuffer frame = Loaded({0x02, 0x00, 0x79, 0x18, 0x00, 0x01, 0x00, 0x04, 0x41, 0x30,
-                                0x33, 0x31, 0x34, 0x41, 0x30, 0x30, 0x00, 0x00, 0xBC, 0x55,
-                                0x07, 0xEA, 0x03, 0x0E, 0x01, 0x1E, 0x00, 0x00, 0x72, 0x03});
-    const auto page = ParsePicaFilePage(frame.Reader());
-    ASSERT_TRUE(page);
-    EXPECT_TRUE(page->last);
-    ASSERT_EQ(page->count, 1U);
-    EXPECT_EQ(page->files[0].fileIndex, 4);
-    EXPECT_EQ(page->files[0].Name(), L"A0314A00");
-    EXPECT_EQ(page->files[0].size, 48213U);
-    EXPECT_EQ(page->files[0].time, 16869U * 86400 + 5400 + 9 * 3600);
-    EXPECT_EQ(page->files[0].pageFlag, 0);
-}
-
-TEST(FileReplies, ReadsThePageOfALark)
-{
-    FrameBuffer frame = Loaded({0x02, 0x00, 0x9D, 0x1A, 0x80, 0x01, 0x41, 0x30, 0x33, 0x31, 0x34,
-                                0x41, 0x30, 0x30, 0x2E, 0x51, 0x30, 0x31, 0x20, 0x20, 0x00, 0x00,
-                                0xBC, 0x55, 0x56, 0xE5, 0xFF, 0x00, 0x00, 0x00, 0x4D, 0x03});
-    const auto page = ParseLarkFilePage(frame.Reader());
     ASSERT_TRUE(page);
     EXPECT_TRUE(page->last);
     EXPECT_EQ(page->number, 0);
     ASSERT_EQ(page->count, 1U);
-    EXPECT_EQ(page->files[0].Name(), L"A0314A00.Q01");
-    EXPECT_EQ(page->files[0].size, 48213U);
-    EXPECT_EQ(page->files[0].time, 0x56E5FF00U);
-    EXPECT_EQ(page->files[0].pageFlag, 0x80);
+    const DirectoryListingData& file = page->files[0];
+    EXPECT_EQ(std::tuple(file.Name(), file.size, file.time, file.fileIndex, file.pageFlag),
+              std::tuple(name, 48213U, time, fileIndex, pageFlag));
+}
+
+TEST(FileReplies, ReadsThePagesOfBothFamilies)
+{
+    const FrameBuffer pica =
+        Loaded(Hex("02 00 79 18 00 01 00 04 41 30 33 31 34 41 30 30 00 00 BC 55"
+                   "07 EA 03 0E 01 1E 00 00 72 03"));
+    // 2026-03-14 01:30 UTC is 16869 days and 5400 s after 1980-01-06; 9 hours are added.
+    ExpectPage(ParsePicaFilePage(pica.Reader()), L"A0314A00", 16869U * 86400 + 5400 + 9 * 3600, 4,
+               0);
+    const FrameBuffer lark =
+        Loaded(Hex("02 00 9D 1A 80 01 41 30 33 31 34 41 30 30 2E 51 30 31 20 20"
+                   "00 00 BC 55 56 E5 FF 00 00 00 4D 03"));
+    ExpectPage(ParseLarkFilePage(lark.Reader()), L"A0314A00.Q01", 0x56E5FF00, 0, 0x80);
 }
 
 TEST(FileReplies, MakesNoTimeOfWhatIsNoDate)
@@ -87,31 +78,28 @@ TEST(FileReplies, RefusesWhatDoesNotFitItsLayout)
     {
         std::string_view fault;
         Bytes frame;
-        bool pica;
-        bool lark;
-        bool block;
+        std::string fits;
     };
     const Row rows[] = {
-        {"nine of a Pica", Page(0x79, 3, std::vector<Bytes>(9, pica)), true, false, false},
-        {"ten of a Pica", Page(0x79, 3, std::vector<Bytes>(10, pica)), false, false, false},
-        {"eight of a Lark", Page(0x9D, 3, std::vector<Bytes>(8, lark)), false, true, false},
-        {"nine of a Lark", Page(0x9D, 3, std::vector<Bytes>(9, lark)), false, false, false},
-        {"a Pica's record cut", Frame(0x79, Joined({{0, 2}, pica, Bytes(21)})), false, false,
-         false},
-        {"a Lark's record cut", Frame(0x9D, Joined({{0, 2}, lark, Bytes(23)})), false, false,
-         false},
-        {"no count", Frame(0x9D, {0x80}), false, false, false},
-        {"an empty page", Frame(0x9D, {0x80, 0}), false, true, false},
-        {"a block of 1000 bytes", Block(7, 1, Bytes(1000)), false, false, true},
-        {"a block of 1001 bytes", Block(7, 1, Bytes(1001)), false, false, false},
-        {"a block without flags", LongFrame({0, 0, 0, 7}), false, false, false},
+        {"nine of a Pica", Page(0x79, 3, std::vector<Bytes>(9, pica)), "Pica"},
+        {"ten of a Pica", Page(0x79, 3, std::vector<Bytes>(10, pica)), ""},
+        {"eight of a Lark", Page(0x9D, 3, std::vector<Bytes>(8, lark)), "Lark"},
+        {"nine of a Lark", Page(0x9D, 3, std::vector<Bytes>(9, lark)), ""},
+        {"a Pica's record cut", Frame(0x79, Joined({{0, 2}, pica, Bytes(21)})), ""},
+        {"a Lark's record cut", Frame(0x9D, Joined({{0, 2}, lark, Bytes(23)})), ""},
+        {"no count", Frame(0x9D, {0x80}), ""},
+        {"an empty page", Frame(0x9D, {0x80, 0}), "Lark"},
+        {"a block of 1000 bytes", Block(7, 1, Bytes(1000)), "block"},
+        {"a block of 1001 bytes", Block(7, 1, Bytes(1001)), ""},
+        {"a block without flags", LongFrame({0, 0, 0, 7}), ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        FrameBuffer frame = Loaded(row.frame);
-        EXPECT_EQ(ParsePicaFilePage(frame.Reader()).has_value(), row.pica);
-        EXPECT_EQ(ParseLarkFilePage(frame.Reader()).has_value(), row.lark);
-        EXPECT_EQ(ParseFileBlock(frame.Reader()).has_value(), row.block);
+        const FrameBuffer frame = Loaded(row.frame);
+        std::string fits = ParsePicaFilePage(frame.Reader()) ? "Pica" : "";
+        fits += ParseLarkFilePage(frame.Reader()) ? "Lark" : "";
+        fits += ParseFileBlock(frame.Reader()) ? "block" : "";
+        EXPECT_EQ(fits, row.fits);
     }
 }
 

@@ -7,63 +7,55 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <algorithm>
 #include <functional>
-#include <optional>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::ScriptedEnd;
+using namespace testing;
 
 Bytes Serial(const std::string& navVersion)
 {
     return Frame(0x07, Ascii("S1234567VX1     " + navVersion + "0034500120ANT00007AT0000"));
 }
 
-struct OptionByte
-{
-    std::size_t at;
-    std::uint8_t value;
-};
+using OptionBytes = std::initializer_list<std::pair<std::size_t, std::uint8_t>>; // place, value
 
-Bytes Options(std::initializer_list<OptionByte> bytes)
+Bytes Options(OptionBytes bytes, Bytes data = Bytes(51, 0))
 {
-    Bytes data(51, 0);
-    for (const OptionByte& byte : bytes) {
-        data[byte.at] = byte.value;
+    for (const auto& [at, value] : bytes) {
+        data[at] = value;
     }
     return Frame(0x4B, data);
 }
 
-Bytes Extended(std::initializer_list<OptionByte> bytes)
+Bytes Extended(OptionBytes bytes)
 {
-    Bytes data(34, 0);
-    data[0] = '[';
-    for (const OptionByte& byte : bytes) {
-        data[byte.at] = byte.value;
-    }
-    return Frame(0x4B, data);
+    return Options(bytes, testing::Joined({{'['}, Bytes(33, 0)}));
 }
 
 class RecvInfoTest : public ::testing::Test, protected testing::VirtualChannel
 {
 protected:
-    /// Reads everything from a receiver that answers so.
-    int Read(std::vector<ScriptedEnd::Answer> answers)
+    /// What @p ask answers with a receiver that answers so.
+    template <typename Ask>
+    auto Asked(std::vector<ScriptedEnd::Answer> answers, Ask ask)
     {
         const ScriptedEnd receiver(line, std::move(answers));
         Open();
-        const int result = info.GetOptionData(command);
+        const auto result = ask();
         command.ClosePort();
         requests = receiver.Requests();
         return result;
+    }
+    /// Reads everything.
+    int Read(std::vector<ScriptedEnd::Answer> answers)
+    {
+        return Asked(std::move(answers), [this] { return info.GetOptionData(command); });
     }
 
     CRecvInfo info;
@@ -96,12 +88,8 @@ TEST_F(RecvInfoTest, ReadsAllThreeBlocks)
     EXPECT_EQ(info.GetBootVer(), 1.2);
     EXPECT_EQ(info.GetRecvTypeNum(), 3012U);
     EXPECT_EQ(info.GetGLONASS(), 1);
-}
-
-TEST_F(RecvInfoTest, AnOlderReceiverIsNotAskedForMore)
-{
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, '2'}, {48, 0x7F}})}}), 1);
-    EXPECT_EQ(requests.size(), 2U);
+    EXPECT_EQ(requests.size(), 2U) << "an older one was asked for more";
     EXPECT_EQ(info.GetGLONASS(), 0);
 }
 
@@ -119,16 +107,12 @@ TEST_F(RecvInfoTest, AFailureForgetsTheBlock)
 
 TEST_F(RecvInfoTest, OptionsByBit)
 {
-    using Getter = std::function<int(const CRecvInfo&)>;
     struct Row
     {
         std::string_view option;
-        std::vector<OptionByte> bytes;
-        Getter get;
+        Bytes options;
+        std::function<int(const CRecvInfo&)> get;
         int value;
-    };
-    const auto with = [](int (CRecvInfo::*getter)() const) {
-        return [getter](const CRecvInfo& i) { return (i.*getter)(); };
     };
     const auto way = [](int (CRecvInfo::*getter)(int) const, int which) {
         return [getter, which](const CRecvInfo& i) { return (i.*getter)(which); };
@@ -136,47 +120,40 @@ TEST_F(RecvInfoTest, OptionsByBit)
     constexpr int kIn = CRecvInfo::Input;
     constexpr int kOut = CRecvInfo::Output;
     const Row rows[] = {
-        {"port", {{6, 3}}, with(&CRecvInfo::GetCurrentPortID), 3},
-        {"ports", {{7, 4}}, with(&CRecvInfo::GetPortsAvailable), 4},
-        {"memory", {{29, 1}, {30, 2}}, with(&CRecvInfo::GetRecvMemory), 258},
-        {"file naming", {{46, 0x10}}, with(&CRecvInfo::GetFileNaming), 1},
-        {"L1 and L2", {{8, 2}}, with(&CRecvInfo::GetL1L2Option), 1},
-        {"L1 only", {{8, 3}}, with(&CRecvInfo::GetL2), 0},
-        {"RTK survey", {{40, 8}}, with(&CRecvInfo::GetRtkSurvey), 1},
-        {"OTF", {{42, 0x08}}, with(&CRecvInfo::GetRtkOTF), 1},
-        {"NMEA", {{18, 9}}, with(&CRecvInfo::GetNMEA), 9},
-        {"CMR in, bit clear", {{42, 0xDF}}, way(&CRecvInfo::GetCMR, kIn), 1},
-        {"CMR in, bit set", {{42, 0x20}}, way(&CRecvInfo::GetCMR, kIn), 0},
-        {"CMR out, bit clear", {{42, 0xBF}}, way(&CRecvInfo::GetCMR, kOut), 1},
-        {"CMR out, bit set", {{42, 0x40}}, way(&CRecvInfo::GetCMR, kOut), 0},
-        {"CMR+", {{46, 0x04}}, with(&CRecvInfo::GetCMRp), 1},
-        {"VRS", {{48, 0x10}}, with(&CRecvInfo::GetRtkVRS), 1},
-        {"RTCM 1 in", {{19, 7}}, way(&CRecvInfo::GetRTCM1, kIn), 7},
-        {"RTCM 1 out", {{21, 1}}, way(&CRecvInfo::GetRTCM1, kOut), 1},
-        {"RTCM 1 out, of version bits", {{21, 2}}, way(&CRecvInfo::GetRTCM1, kOut), 0},
-        {"RTCM 2 in", {{20, 5}}, way(&CRecvInfo::GetRTCM2, kIn), 5},
-        {"RTCM 2 out", {{22, 6}}, way(&CRecvInfo::GetRTCM2, kOut), 6},
-        {"RTCM 2.1 in", {{43, 0x02}}, way(&CRecvInfo::GetRTCM21, kIn), 1},
-        {"RTCM 2.1 out", {{43, 0x04}}, way(&CRecvInfo::GetRTCM21, kOut), 1},
-        {"RTCM 2.2", {{46, 0x40}}, with(&CRecvInfo::GetRTCM22), 1},
-        {"RTCM 2.3", {{21, 0x02}}, with(&CRecvInfo::GetRTCM23), 1},
-        {"RTCM 3.0", {{21, 0x04}}, with(&CRecvInfo::GetRTCM30), 1},
-        {"Bluetooth", {{45, 0x10}}, with(&CRecvInfo::GetBlueTooth), 1},
-        {"2 Hz, masked", {{48, 0x02}}, with(&CRecvInfo::Get2HzLogging), 2},
-        {"Solace, masked", {{42, 0x80}}, with(&CRecvInfo::GetSolace), 128},
-        {"rate in hundreds",
-         {{4, 0xFF}, {5, 0xFF}},
-         [](const CRecvInfo& i) { return static_cast<int>(i.GetMaxLoggingRate()); },
+        {"port", Options({{6, 3}}), &CRecvInfo::GetCurrentPortID, 3},
+        {"ports", Options({{7, 4}}), &CRecvInfo::GetPortsAvailable, 4},
+        {"memory", Options({{29, 1}, {30, 2}}), &CRecvInfo::GetRecvMemory, 258},
+        {"file naming", Options({{46, 0x10}}), &CRecvInfo::GetFileNaming, 1},
+        {"L1 and L2", Options({{8, 2}}), &CRecvInfo::GetL1L2Option, 1},
+        {"L1 only", Options({{8, 3}}), &CRecvInfo::GetL2, 0},
+        {"RTK survey", Options({{40, 8}}), &CRecvInfo::GetRtkSurvey, 1},
+        {"OTF", Options({{42, 0x08}}), &CRecvInfo::GetRtkOTF, 1},
+        {"NMEA", Options({{18, 9}}), &CRecvInfo::GetNMEA, 9},
+        {"CMR in, bit clear", Options({{42, 0xDF}}), way(&CRecvInfo::GetCMR, kIn), 1},
+        {"CMR in, bit set", Options({{42, 0x20}}), way(&CRecvInfo::GetCMR, kIn), 0},
+        {"CMR out, bit clear", Options({{42, 0xBF}}), way(&CRecvInfo::GetCMR, kOut), 1},
+        {"CMR out, bit set", Options({{42, 0x40}}), way(&CRecvInfo::GetCMR, kOut), 0},
+        {"CMR+", Options({{46, 0x04}}), &CRecvInfo::GetCMRp, 1},
+        {"VRS", Options({{48, 0x10}}), &CRecvInfo::GetRtkVRS, 1},
+        {"RTCM 1 in", Options({{19, 7}}), way(&CRecvInfo::GetRTCM1, kIn), 7},
+        {"RTCM 1 out", Options({{21, 1}}), way(&CRecvInfo::GetRTCM1, kOut), 1},
+        {"RTCM 1 out, of version bits", Options({{21, 2}}), way(&CRecvInfo::GetRTCM1, kOut), 0},
+        {"RTCM 2 in", Options({{20, 5}}), way(&CRecvInfo::GetRTCM2, kIn), 5},
+        {"RTCM 2 out", Options({{22, 6}}), way(&CRecvInfo::GetRTCM2, kOut), 6},
+        {"RTCM 2.1 in", Options({{43, 0x02}}), way(&CRecvInfo::GetRTCM21, kIn), 1},
+        {"RTCM 2.1 out", Options({{43, 0x04}}), way(&CRecvInfo::GetRTCM21, kOut), 1},
+        {"RTCM 2.2", Options({{46, 0x40}}), &CRecvInfo::GetRTCM22, 1},
+        {"RTCM 2.3", Options({{21, 0x02}}), &CRecvInfo::GetRTCM23, 1},
+        {"RTCM 3.0", Options({{21, 0x04}}), &CRecvInfo::GetRTCM30, 1},
+        {"Bluetooth", Options({{45, 0x10}}), &CRecvInfo::GetBlueTooth, 1},
+        {"2 Hz, masked", Options({{48, 0x02}}), &CRecvInfo::Get2HzLogging, 2},
+        {"Solace, masked", Options({{42, 0x80}}), &CRecvInfo::GetSolace, 128},
+        {"rate in hundreds", Options({{4, 0xFF}, {5, 0xFF}}), &CRecvInfo::GetMaxLoggingRate,
          6553500},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.option);
-        Bytes data(51, 0);
-        for (const OptionByte& byte : row.bytes) {
-            data[byte.at] = byte.value;
-        }
-        data[48] &= 0x7F; // no extended options
-        ASSERT_EQ(Read({{Serial("00443")}, {Frame(0x4B, data)}}), 1);
+        ASSERT_EQ(Read({{Serial("00443")}, {row.options}}), 1);
         EXPECT_EQ(row.get(info), row.value);
     }
 }
@@ -238,19 +215,13 @@ TEST_F(RecvInfoTest, FreeFunctionsTryFiveTimes)
     const ScriptedEnd::Answer serial{Serial("00443")};
     const ScriptedEnd::Answer options{Options({{44, '2'}})};
     const ScriptedEnd::Answer nak{{0x15}};
-    {
-        const ScriptedEnd receiver(line, {nak, serial, nak, nak, nak, serial, options});
-        Open();
-        EXPECT_EQ(GetRecvTypeNum(command), 3012U);
-        command.ClosePort();
-    }
-    {
-        const ScriptedEnd receiver(line, {nak, nak, nak, nak, nak, serial, options});
-        Open();
-        EXPECT_EQ(GetRecvVer(command), 0.0);
-        command.ClosePort();
-        EXPECT_EQ(receiver.Requests().size(), 5U);
-    }
+    EXPECT_EQ(Asked({nak, serial, nak, nak, nak, serial, options},
+                    [this] { return GetRecvTypeNum(command); }),
+              3012U);
+    EXPECT_EQ(
+        Asked({nak, nak, nak, nak, nak, serial, options}, [this] { return GetRecvVer(command); }),
+        0.0);
+    EXPECT_EQ(requests.size(), 5U);
 }
 
 TEST(ReceiverTypes, NumberOfEveryCode)
