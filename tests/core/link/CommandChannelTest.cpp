@@ -4,6 +4,7 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 
@@ -13,11 +14,7 @@ namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::ScriptedEnd;
+using namespace testing;
 
 Bytes Damaged(Bytes frame)
 {
@@ -47,14 +44,19 @@ TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
     using enum fieldcore::Answer;
     using enum CommandFault;
     const Bytes good = Status();
-    const std::map<char, ScriptedEnd::Answer> answers{
-        {'g', {good}},
-        {'b', {Damaged(good)}},
-        {'a', {Bytes{0x06}}},
-        {'n', {Bytes{0x15}}},
-        {'f', {Bytes{0x41}}},
-        {'-', {}},
-        {'p', {Bytes(good.begin(), good.begin() + 3), Bytes(good.begin() + 3, good.end())}}};
+    struct Sent
+    {
+        ScriptedEnd::Answer answer;
+        LinkError error = LinkError::None;
+    };
+    const std::map<char, Sent> answers{
+        {'g', {{good}}},
+        {'b', {{Damaged(good)}}},
+        {'a', {{Bytes{0x06}}}},
+        {'n', {{Bytes{0x15}}, LinkError::Nak}},
+        {'f', {{Bytes{0x41}}, LinkError::Malformed}},
+        {'-', {{}, LinkError::TimedOut}},
+        {'p', {{Bytes(good.begin(), good.begin() + 3), Bytes(good.begin() + 3, good.end())}}}};
     struct Row
     {
         std::string_view fault;
@@ -85,7 +87,7 @@ TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
         SCOPED_TRACE(row.fault);
         std::vector<ScriptedEnd::Answer> script;
         for (const char answer : row.answers) {
-            script.push_back(answers.at(answer));
+            script.push_back(answers.at(answer).answer);
         }
         const ScriptedEnd receiver(line, script);
         Open();
@@ -94,23 +96,10 @@ TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
         EXPECT_EQ(command.GetLastResult(), row.result);
         EXPECT_EQ(command.Fault(), row.reason) << command.LastError();
         EXPECT_EQ(command.LastError().empty(), row.result == 1);
+        EXPECT_EQ(command.TakeLinkError(), answers.at(row.answers.front()).error);
+        EXPECT_EQ(command.TakeLinkError(), LinkError::None) << "reading the code must clear it";
         EXPECT_EQ(receiver.Requests(), std::vector<Bytes>(row.sends, Frame(0x08)));
     }
-}
-
-TEST_F(CommandChannelTest, KeepsWhatCameLast)
-{
-    const ScriptedEnd receiver(line, {{Status()}, {}, {}});
-    Open();
-    Build(0x08);
-    ASSERT_EQ(command.Exchange(CCommand::Answer::Reply), 1);
-    EXPECT_EQ(command.GetReplyType(), 0x09);
-    EXPECT_EQ(command.GetDataLength(), 21U);
-    Build(0x08);
-    ASSERT_EQ(command.Exchange(CCommand::Answer::Reply), 0);
-    const auto left = command.Bytes();
-    EXPECT_EQ(Bytes(left.begin(), left.end()), Bytes(kFrameBufferSize, 0))
-        << "a time-out leaves zeros";
 }
 
 TEST_F(CommandChannelTest, AFailedExchangeKeepsItsTime)
@@ -159,43 +148,35 @@ TEST_F(CommandChannelTest, ARequestInsideABreathIsRefusedAndHarmless)
 
 TEST_F(CommandChannelTest, TheUserCanEndAWait)
 {
-    for (const int breath : {3, 25}) { // while it waits, and in the pause between two attempts
+    struct Row
+    {
+        std::string_view what;
+        bool isHeld; ///< nobody reads at the far end, as behind flow control
+        bool identifies;
+        int breaths;
+        Bytes sent;
+    };
+    const Row rows[] = {
+        {"for an answer", false, false, 3, Frame(0x08)},
+        {"in the pause between two attempts", false, false, 25, Frame(0x08)},
+        {"for a line that takes nothing", true, false, 2, {}},
+        {"the same before a BREAK", true, true, 2, {}},
+        {"in a BREAK of six breaths", false, true, 2, {0x00}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
         Open();
+        line.TakeNothing(row.isHeld);
         host.breaths = 0;
-        host.inBreath = [&] { return host.breaths < breath; };
-        Build(0x08);
-        EXPECT_EQ(command.Exchange(CCommand::Answer::Reply), 0);
+        host.inBreath = [&] { return host.breaths < row.breaths; };
+        StatusReply status;
+        IdentificationRecord record;
+        EXPECT_EQ(row.identifies ? command.RequestIdentity(record) : command.RequestStatus(status),
+                  0);
         EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-        EXPECT_EQ(host.breaths, breath);
+        EXPECT_EQ(host.breaths, row.breaths);
+        EXPECT_EQ(line.TakeReceived(), row.sent);
     }
-}
-
-/// Nobody reads at the far end, as behind flow control that a receiver without power holds.
-TEST_F(CommandChannelTest, TheUserCanEndTheWaitForALineThatTakesNothing)
-{
-    Open();
-    line.TakeNothing();
-    host.inBreath = [&] { return host.breaths < 2; };
-    StatusReply status;
-    EXPECT_EQ(command.RequestStatus(status), 0);
-    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(host.breaths, 2);
-    host.breaths = 0;
-    IdentificationRecord record;
-    EXPECT_EQ(command.RequestIdentity(record), 0);
-    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(host.breaths, 2);
-}
-
-TEST_F(CommandChannelTest, TheUserCanEndABreak)
-{
-    Open();
-    host.inBreath = [&] { return host.breaths < 2; }; // 300 ms have six
-    IdentificationRecord record;
-    EXPECT_EQ(command.RequestIdentity(record), 0);
-    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(host.breaths, 2);
-    EXPECT_EQ(line.TakeReceived(), Bytes{0x00});
 }
 
 TEST_F(CommandChannelTest, WithoutAPortNothingHappens)
@@ -228,8 +209,11 @@ TEST_F(CommandChannelTest, SendAndCollectKeepsWhateverComes)
     Build(0x08);
     EXPECT_EQ(command.SendAndCollect(), 1);
     EXPECT_EQ(command.GetReplyType(), 0x09);
+    EXPECT_EQ(command.GetDataLength(), 21U);
     Build(0x08);
     EXPECT_EQ(command.SendAndCollect(), 1) << "silence is no failure here";
+    EXPECT_TRUE(std::ranges::equal(command.Bytes(), Bytes(kFrameBufferSize, 0)))
+        << "a time-out leaves zeros";
     EXPECT_EQ(receiver.Requests().size(), 2U) << "it must not send again";
 }
 
