@@ -4,6 +4,7 @@
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
+#include <array>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -74,10 +75,10 @@ TEST_F(ComPrmSetTest, ShowsAndWritesBackWhateverIsStored)
         SCOPED_TRACE(row.fault);
         m_reg.DeleteKey(L"GPS\\Com", L"Com2");
         m_reg.WriteNumber(L"GPS\\Com\\Com2", row.name, row.stored);
-        EXPECT_EQ(Shown(2), row.shown);
         CComPrmSet set(m_roots);
         EXPECT_EQ(set.ReadRegCommPrm(2), 1);
         set.ConvData2Flag();
+        EXPECT_EQ(set.GetPrmString(), row.shown);
         set.ConvFlag2Data();
         EXPECT_EQ(set.WriteRegCommPrm(2), 1);
         EXPECT_EQ(Stored(row.name), row.writtenBack);
@@ -159,9 +160,9 @@ TEST_F(ComPrmSetTest, TakesNothingBeyondItsLists)
 
 TEST_F(ComPrmSetTest, KeepsTheLinkUsable)
 {
-    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 14400), 1);
-    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Length", 200), 1);
-    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Flow", 2), 1);
+    m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 14400);
+    m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Length", 200);
+    m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Flow", 2);
     EXPECT_EQ(LinkSettings(m_roots).baudRate, 9600U);
     EXPECT_EQ(LinkSettings(m_roots).byteSize, 8);
     EXPECT_EQ(LinkSettings(m_roots).flowControl, FlowControl::RtsCts);
@@ -169,24 +170,16 @@ TEST_F(ComPrmSetTest, KeepsTheLinkUsable)
     EXPECT_EQ(SetLinkRate(115200, m_roots), 1);
     EXPECT_EQ(Shown(0), L"115200-8-None-1-CTS");
 
-    int first = 0;
-    int second = 0;
-    const int others[][3] = {{1, 3, 2}, {2, 3, 1}, {3, 2, 1}, {0, 2, 1}, {-5, 2, 1}};
-    for (const auto& row : others) {
-        CComPrmSet::GetOtherPorNo(row[0], first, second);
-        EXPECT_EQ(first, row[1]);
-        EXPECT_EQ(second, row[2]);
+    for (const auto& [own, first, second] :
+         {std::array{1, 3, 2}, {2, 3, 1}, {3, 2, 1}, {0, 2, 1}, {-5, 2, 1}}) {
+        std::array<int, 2> others{};
+        CComPrmSet::GetOtherPorNo(own, others[0], others[1]);
+        EXPECT_EQ(others, (std::array{first, second})) << own;
     }
 }
 
 TEST_F(ComPrmSetTest, TellsCableFromBluetooth)
 {
-    struct Row
-    {
-        const char* fault;
-        std::uint32_t stored;
-        int way;
-    };
     CComBlueToothSet set(m_roots);
     EXPECT_EQ(set.ReadReg(), 1);
     EXPECT_FALSE(set.IsStored());
@@ -194,13 +187,12 @@ TEST_F(ComPrmSetTest, TellsCableFromBluetooth)
     CReg machine(m_roots);
     machine.SetRootKey(RootKey::LocalMachine, 1);
     const wchar_t* const key = L"Software\\CorvaneTS Software\\Wexmain\\Data\\System\\Rtk";
-    for (const Row& row : {Row{"the cable", 1, 0}, Row{"Bluetooth", 5, 1},
-                           Row{"no COM number at all", 0xFFFFFFFF, 1}, Row{"none", 0, 1}}) {
-        SCOPED_TRACE(row.fault);
-        ASSERT_EQ(machine.WriteNumber(key, L"GpsPort", row.stored), 1);
+    for (const std::uint32_t stored : {1U, 5U, 0xFFFFFFFFU, 0U}) { // the last two: no COM number
+        SCOPED_TRACE(stored);
+        ASSERT_EQ(machine.WriteNumber(key, L"GpsPort", stored), 1);
         EXPECT_EQ(set.ReadReg(), 1);
-        EXPECT_EQ(set.GetConnectPort(), static_cast<int>(row.stored));
-        EXPECT_EQ(set.GetComConnectWay(), row.way);
+        EXPECT_EQ(set.GetConnectPort(), static_cast<int>(stored));
+        EXPECT_EQ(set.GetComConnectWay(), stored == 1 ? 0 : 1);
         EXPECT_EQ(set.WriteReg(), 1);
     }
     EXPECT_EQ(set.SetComConnectWay(7), 0) << "Bluetooth as before";

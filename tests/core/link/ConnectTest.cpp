@@ -9,6 +9,7 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,24 +34,13 @@ class ConnectTest : public ::testing::Test
 {
 protected:
     /// A new receiver, who plays this, and a new channel to it.
-    void Start(std::string_view scenario)
+    void Start(std::string_view scenario = {})
     {
         receiver.reset();
         receiver.emplace(scenario);
     }
     [[nodiscard]] CCommand& Command() { return receiver->command; }
     [[nodiscard]] testing::BoxKeepingHost& Host() { return receiver->host; }
-    void ExpectBoxes(const std::vector<Box>& boxes)
-    {
-        ASSERT_EQ(Host().boxes.size(), boxes.size());
-        for (std::size_t i = 0; i < boxes.size(); ++i) {
-            EXPECT_EQ(Host().boxes[i].text, boxes[i].text);
-            EXPECT_EQ(Host().boxes[i].caption, boxes[i].caption);
-            EXPECT_EQ(Host().boxes[i].style.buttons, boxes[i].style.buttons);
-            EXPECT_EQ(Host().boxes[i].style.icon, boxes[i].style.icon);
-        }
-    }
-
     std::optional<testing::VirtualReceiver> receiver{std::in_place};
     ConnectTarget target{1, "in memory", {}};
 };
@@ -86,7 +76,7 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
         target.port = row.port;
         CConnect connect(Command(), row.reconnect, target);
         EXPECT_EQ(connect.stStartMessage(), row.goesOn);
-        ExpectBoxes({row.asked});
+        EXPECT_EQ(Host().boxes, (std::vector<Box>{row.asked}));
     }
 }
 
@@ -140,18 +130,18 @@ TEST_F(ConnectTest, APortThatTalksIsNotTakenForADamagedLine)
         std::wstring caption;
     };
     const Row rows[] = {
-        {"positions",
-         testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45,M,,M,,*5C\r\n"),
+        {"positions", testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45,M,,M,,*5C"),
          L"通信ポート接続エラー"},
         {"corrections",
          {0xD3, 0x00, 0x13, 0x3E, 0xD0, 0x00, 0x03, 0x8A, 0x0E, 0xDE},
          L"通信ポート接続エラー"},
         {"noise", {0xF8, 0x00, 0x80, 0x78, 0x06, 0xFF, 0x24, 0x18}, L"受信機接続エラー"},
     };
+    receiver.reset(); // a thread takes part in one clock
+    testing::VirtualChannel channel;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        receiver.reset();
-        testing::VirtualChannel channel;
+        channel.host.boxes.clear();
         const testing::ScriptedEnd talks(channel.line, [&row](const testing::Bytes&) {
             return testing::ScriptedEnd::Answer{row.sends, row.sends, row.sends};
         });
@@ -214,7 +204,7 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        Start({});
+        Start();
         receiver->AddFault(row.rule);
         ConnectSequence sequence(Command(), target);
         EXPECT_EQ(sequence.Run(), 0);
@@ -250,56 +240,52 @@ TEST_F(ConnectTest, CancellingIsNotAFailure)
 
 TEST_F(ConnectTest, ChecksTypeAndFirmware)
 {
-    const std::wstring old =
+    const auto version = [](const wchar_t* text) {
+        return Box{text, L"受信機未対応バージョン警告", kWarning};
+    };
+    const auto type = [](const wchar_t* text) {
+        return Box{text, L"未対応受信機タイプ警告", kWarning};
+    };
+    const Box old = version(
         L"[ 3010 ]受信機対応ファームウェアは[ 1.23 ]以上です。\n[ 1.23 ]未満の受信機ファームウェア"
-        L"へのサポートは行っておりません。\nファームウェアをバージョンアップしてください。";
-    const std::wstring beta = L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\n"
-                              L"バージョンアップしてから行ってください。";
-    const std::wstring notSupported =
-        L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。";
-    const std::wstring never = L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。";
+        L"へのサポートは行っておりません。\nファームウェアをバージョンアップしてください。");
+    const Box beta = version(L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\n"
+                             L"バージョンアップしてから行ってください。");
+    const Box notDeclared =
+        type(L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。");
+    const Box talks{
+        L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
+        L"出力信号を停止させ、再度指定ポートへ接続してください。",
+        L"通信ポート接続エラー", kStop};
+    const Box never = type(L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。");
     struct Row
     {
         std::string_view name;
         const char* scenario;
-        bool flagged;
+        bool isDeclared;
         int accepted;
         std::vector<Box> told;
     };
-    const std::wstring version = L"受信機未対応バージョン警告";
-    const std::wstring type = L"未対応受信機タイプ警告";
     const Row rows[] = {
         {"good", "type-code 31\nfirmware 4.43", true, 1, {}},
-        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, {{old, version, kWarning}}},
+        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, {old}},
         {"just new enough", "type-code 10\nfirmware 1.23", true, 1, {}},
-        {"beta", "type-code 31\nfirmware 0.95", true, 1, {{beta, version, kWarning}}},
-        {"not declared", "type-code 31\nfirmware 4.43", false, 0, {{notSupported, type, kWarning}}},
-        {"never supported", "type-code 9\nfirmware 9.99", true, 0, {{never, type, kWarning}}},
+        {"beta", "type-code 31\nfirmware 0.95", true, 1, {beta}},
+        {"not declared", "type-code 31\nfirmware 4.43", false, 0, {notDeclared}},
+        {"never supported", "type-code 9\nfirmware 9.99", true, 0, {never}},
+        {"talks past us", "answers no", true, 0, {talks}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         Start(row.scenario);
-        ASSERT_EQ(Command().OpenPort(target.devicePath, target.settings), 1);
+        receiver->Open();
         CConnect connect(Command(), 0, target);
-        if (row.flagged) {
+        if (row.isDeclared) {
             connect.SupportAllTypes();
         }
         EXPECT_EQ(connect.CheckRecvType(), row.accepted);
-        ExpectBoxes(row.told);
-        Command().ClosePort();
+        EXPECT_EQ(Host().boxes, row.told);
     }
-}
-
-TEST_F(ConnectTest, AReceiverThatTalksPastUsIsTold)
-{
-    Start("answers no");
-    ASSERT_EQ(Command().OpenPort(target.devicePath, target.settings), 1);
-    CConnect connect(Command(), 0, target);
-    connect.SupportAllTypes();
-    EXPECT_EQ(connect.CheckRecvType(), 0);
-    ExpectBoxes({{L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
-                  L"出力信号を停止させ、再度指定ポートへ接続してください。",
-                  L"通信ポート接続エラー", kStop}});
 }
 
 TEST_F(ConnectTest, ForceInitAsksTwice)
@@ -319,37 +305,33 @@ TEST_F(ConnectTest, ForceInitAsksTwice)
     struct Row
     {
         std::string_view course;
-        std::vector<BoxAnswer> answers; // after the one about the cable
-        const char* rule;
+        std::vector<BoxAnswer> answers; // the first about the cable
         int result;
-        std::ptrdiff_t boxes;
-        std::size_t resets;
+        const char* rule = "delay 1"; // which does no harm
     };
     const Row rows[] = {
-        {"first question refused", {No}, nullptr, CRecvForceInit::NotDone, 1, 0},
-        {"second question refused", {Yes, Cancel}, nullptr, CRecvForceInit::NotDone, 2, 0},
-        {"done", {Yes, Ok, Ok}, nullptr, CRecvForceInit::Done, 3, 1},
-        {"not acknowledged is done too", {Yes, Ok, Ok}, "nak on 58", CRecvForceInit::Done, 3, 1},
+        {"first question refused", {Ok, No}, CRecvForceInit::NotDone},
+        {"second question refused", {Ok, Yes, Cancel}, CRecvForceInit::NotDone},
+        {"done", {Ok, Yes, Ok, Ok}, CRecvForceInit::Done},
+        {"not acknowledged is done too", {Ok, Yes, Ok, Ok}, CRecvForceInit::Done, "nak on 58"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        Start({});
-        if (row.rule != nullptr) {
-            receiver->AddFault(row.rule);
-        }
-        Host().answers = {Ok};
-        Host().answers.insert(Host().answers.end(), row.answers.begin(), row.answers.end());
+        Start();
+        receiver->AddFault(row.rule);
+        Host().answers = row.answers;
         CConnect connect(Command(), 0, target);
         CRecvForceInit forceInit(Command());
         EXPECT_EQ(forceInit.DoModal(connect), row.result);
         EXPECT_EQ(Command().IsPortOpen(), 0) << "the port must be closed whatever came of it";
-        ExpectBoxes({asked.begin(), asked.begin() + row.boxes + 1});
-        std::size_t resets = 0;
-        for (const auto& piece : receiver->simulator.Record()) {
-            resets += piece.direction == simulator::Direction::ToReceiver &&
-                      piece.bytes.size() == 13 && piece.bytes[2] == 0x58;
-        }
-        EXPECT_EQ(resets, row.resets);
+        const std::vector<Box> expected(asked.begin(), asked.begin() + std::ssize(row.answers));
+        EXPECT_EQ(Host().boxes, expected);
+        const auto pieces = receiver->simulator.Record();
+        const auto resets = std::ranges::count_if(pieces, [](const auto& piece) {
+            return piece.direction == simulator::Direction::ToReceiver &&
+                   piece.bytes.size() == 13 && piece.bytes[2] == 0x58;
+        });
+        EXPECT_EQ(resets, row.result == CRecvForceInit::Done ? 1 : 0);
     }
 }
 

@@ -1,7 +1,15 @@
+#include "tests/core/link/FarEnd.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
+#include <atomic>
+#include <iterator>
+#include <map>
+#include <ranges>
+#include <set>
 #include <span>
 #include <string>
 
@@ -140,20 +148,6 @@ TEST_P(FaultsTest, EveryExchangeEndsAsItMust)
 INSTANTIATE_TEST_SUITE_P(Link, FaultsTest, ::testing::ValuesIn(kFaults),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(VirtualReceiver, AnswersAtTheRateOfItsLine)
-{
-    constexpr int kBits = 10 * (6 + 27); // of a request and its reply
-    for (const int rate : {9600, 38400}) {
-        VirtualReceiver receiver("", static_cast<std::uint32_t>(rate));
-        receiver.Open(kReplyTimeout);
-        const auto start = receiver.clock.Steady();
-        StatusReply status;
-        EXPECT_EQ(receiver.command.RequestStatus(status), 1);
-        const std::chrono::duration<double> took = receiver.clock.Steady() - start;
-        EXPECT_NEAR(took.count(), 1.0 * kBits / rate, 1e-6); // seconds; a byte's time is rounded
-    }
-}
-
 /// Pulls the cable after every number of bytes of a request and of a reply.
 TEST(HangUp, AtEveryByteOfRequestAndReply)
 {
@@ -182,6 +176,69 @@ TEST(HangUp, AtEveryByteOfRequestAndReply)
     }
     EXPECT_EQ(testing::CountProcessAgain(before), before) << "threads or descriptors leaked";
     testing::Measured(kRequestLength + kReplyLength, "hang-ups");
+}
+
+/// Fails the n-th call of the device for every n, over opening, a status request, a BREAK and
+/// closing.
+TEST(FailingDevice, EveryCallMayFail)
+{
+    const testing::VirtualClock clock;
+    testing::VirtualLine line(clock);
+    const auto reply = testing::Frame(0x09, testing::Ascii("1008000080 1.85    10"));
+    const auto identity =
+        testing::Frame(0x6E, testing::Ascii("ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,"));
+    const auto before = testing::CountProcess();
+    const std::map<std::string, LinkError> openCodes{
+        {"Open", LinkError::Open},
+        {"SetQueueSizes", LinkError::None}, // closes the port; no code is assigned to it
+        {"ReadSettings", LinkError::LineSettings},
+        {"ApplySettings", LinkError::LineSettings},
+        {"ApplyTimeouts", LinkError::Timeouts},
+        {"SetEventMask", LinkError::EventMask},
+        {"WaitEvent", LinkError::WaitEvent}, // when the reader is quick
+    };
+    std::set<std::string> notYet{"Read", "Write", "Purge", "SetBreak", "ClearBreak", "Close"};
+    std::ranges::copy(std::views::keys(openCodes), std::inserter(notYet, notYet.end()));
+    for (int n = 1;; ++n) {
+        std::atomic<int> calls = 0;
+        std::atomic<const char*> failed = nullptr;
+        const testing::ScriptedEnd receiver(line,
+                                            {{reply}, {reply}, {reply}, {identity}, {identity}});
+        line.SetFailing([&](const char* call) {
+            if (++calls != n) {
+                return false;
+            }
+            failed = call;
+            return true;
+        });
+        CCommand command({nullptr, &clock, nullptr, [&] { return line.MakeDevice(); }});
+        if (command.OpenPort("in memory") == 0) {
+            ASSERT_NE(failed.load(), nullptr);
+            const auto expected = openCodes.find(failed.load());
+            ASSERT_NE(expected, openCodes.end()) << failed.load() << " failed the opening";
+            EXPECT_EQ(command.TakeLinkError(), expected->second) << failed.load();
+            EXPECT_FALSE(command.LastError().empty());
+            EXPECT_EQ(command.IsPortOpen(), 0);
+        } else {
+            StatusReply status;
+            IdentificationRecord record;
+            const int asked = command.RequestStatus(status);
+            const int identified = command.RequestIdentity(record);
+            if (failed.load() == nullptr) {
+                EXPECT_EQ(asked, 1) << command.LastError();
+            }
+            EXPECT_TRUE(identified == 1 || command.Fault() != CommandFault::None);
+            command.ClosePort();
+            EXPECT_EQ(command.IsPortOpen(), 0);
+        }
+        if (failed.load() == nullptr) { // a whole run had fewer calls than n
+            break;
+        }
+        notYet.erase(failed.load());
+        ASSERT_LT(n, 200);
+    }
+    EXPECT_EQ(notYet, std::set<std::string>()) << "were never made to fail";
+    EXPECT_EQ(testing::CountProcessAgain(before), before) << "threads or descriptors leaked";
 }
 
 } // namespace

@@ -2,12 +2,24 @@
 
 #include "tests/support/VirtualReceiver.h"
 
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+
+void WaitWhile(const std::function<bool()>& holds)
+{
+    while (holds()) {
+        std::this_thread::yield();
+    }
+}
 
 TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
 {
@@ -112,16 +124,12 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
         Questions& questions = command.Background();
         const auto endless = [&](CCommand& face) {
             ++begun;
-            while (face.GetHost().Breathe()) {
-                std::this_thread::yield();
-            }
+            WaitWhile([&face] { return face.GetHost().Breathe(); });
             ++ended;
             return false;
         };
         const auto id = questions.Add({1ms, 1ms}, endless);
-        while (begun == 0) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return begun == 0; });
         int before = 0;
         {
             const Questions::Quiet quiet(questions);
@@ -131,29 +139,19 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
             std::this_thread::sleep_for(20ms);
             EXPECT_EQ(begun, before) << "asked into the quiet";
         }
-        while (begun == before) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return begun == before; });
         questions.Remove(id);
         EXPECT_EQ(begun, ended);
         std::atomic<int> told = 0;
         questions.Once([&told](CCommand& face) {
             ++told;
-            while (told == 1 && face.GetHost().Breathe()) {
-                std::this_thread::yield();
-            }
+            WaitWhile([&] { return told == 1 && face.GetHost().Breathe(); });
         });
-        while (told == 0) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return told == 0; });
         static_cast<void>(Questions::Quiet(questions));
-        while (told == 1) { // for ever, if it is not told once more
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return told == 1; }); // for ever, if it is not told once more
         questions.Add({1ms, 1ms}, endless);
-        while (begun == ended) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return begun == ended; });
     } // the last one is under way when its channel goes
 }
 
