@@ -11,27 +11,6 @@
 
 using namespace fieldcore;
 
-namespace {
-
-bool Acknowledge()
-{
-    return write(STDOUT_FILENO, "+", 1) == 1;
-}
-
-int WriteSettings(const std::string& name, std::uint32_t count)
-{
-    const HostReg settings;
-    for (std::uint32_t number = 0; number < count; ++number) {
-        const std::wstring value = std::wstring(name.begin(), name.end()) + std::to_wstring(number);
-        if (settings.WriteNumber(L"GPS\\Kill", value, number) == 0 || !Acknowledge()) {
-            return EXIT_FAILURE;
-        }
-    }
-    return EXIT_SUCCESS;
-}
-
-} // namespace
-
 int main(int argc, char** argv)
 {
     if (argc != 4) {
@@ -40,5 +19,15 @@ int main(int argc, char** argv)
     // Before any thread: nobody else reads the environment yet.
     setenv("XDG_CONFIG_HOME", argv[1], 1);
     unsetenv("FIELDCORE_MACHINE_STORE");
-    return WriteSettings(argv[2], static_cast<std::uint32_t>(std::strtoul(argv[3], nullptr, 10)));
+    const std::string name = argv[2];
+    const unsigned long count = std::strtoul(argv[3], nullptr, 10);
+    const HostReg settings;
+    for (std::uint32_t number = 0; number < count; ++number) {
+        const std::wstring value = std::wstring(name.begin(), name.end()) + std::to_wstring(number);
+        if (settings.WriteNumber(L"GPS\\Kill", value, number) == 0 ||
+            write(STDOUT_FILENO, "+", 1) != 1) {
+            return EXIT_FAILURE;
+        }
+    }
+    return EXIT_SUCCESS;
 }

@@ -200,6 +200,8 @@ TEST_F(CommandChannelTest, ATooLongRequestIsNotSent)
     EXPECT_EQ(command.ShowLabel(1, 2, std::wstring(252, L'x')), 0);
     EXPECT_EQ(command.Fault(), CommandFault::TooLong);
     EXPECT_TRUE(line.TakeReceived().empty());
+    command.ShowLabel(1, 2, std::wstring(251, L'x'));
+    EXPECT_EQ(line.TakeReceived().size(), 261U) << "as long as it may be";
 }
 
 TEST_F(CommandChannelTest, SendAndCollectKeepsWhateverComes)

@@ -123,31 +123,20 @@ TEST_F(ConnectTest, AsksTheDefaultHostWhereNoneIsGiven)
 
 TEST_F(ConnectTest, APortThatTalksIsNotTakenForADamagedLine)
 {
-    struct Row
-    {
-        const char* course;
-        testing::Bytes sends;
-        std::wstring caption;
-    };
-    const Row rows[] = {
-        {"positions", testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45,M,,M,,*5C"),
-         L"通信ポート接続エラー"},
-        {"corrections",
-         {0xD3, 0x00, 0x13, 0x3E, 0xD0, 0x00, 0x03, 0x8A, 0x0E, 0xDE},
-         L"通信ポート接続エラー"},
-        {"noise", {0xF8, 0x00, 0x80, 0x78, 0x06, 0xFF, 0x24, 0x18}, L"受信機接続エラー"},
-    };
+    const testing::Bytes sentence =
+        testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8*5C");
+    const testing::Bytes noise{0xF8, 0x00, 0x80, 0x78, 0x06, 0xFF, 0x24, 0x18};
     receiver.reset(); // a thread takes part in one clock
     testing::VirtualChannel channel;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.course);
+    for (const testing::Bytes& sends : {sentence, noise}) {
         channel.host.boxes.clear();
-        const testing::ScriptedEnd talks(channel.line, [&row](const testing::Bytes&) {
-            return testing::ScriptedEnd::Answer{row.sends, row.sends, row.sends};
+        const testing::ScriptedEnd talks(channel.line, [&sends](const testing::Bytes&) {
+            return testing::ScriptedEnd::Answer{sends, sends, sends};
         });
         EXPECT_EQ(CConnect(channel.command, 0, target).DoModal(), CConnect::NotConnected);
         ASSERT_EQ(channel.host.boxes.size(), 2U);
-        EXPECT_EQ(channel.host.boxes[1].caption, row.caption);
+        EXPECT_EQ(channel.host.boxes[1].caption,
+                  sends == noise ? L"受信機接続エラー" : L"通信ポート接続エラー");
         EXPECT_EQ(channel.host.boxes[1].style.icon, BoxIcon::Stop);
     }
 }

@@ -74,6 +74,8 @@ TEST(FileReplies, RefusesWhatDoesNotFitItsLayout)
 {
     const Bytes pica = PicaRecord(1, "A", 0, {0x07, 0xEA, 1, 1, 0, 0});
     const Bytes lark = LarkRecord("A.Q01", 1);
+    Bytes withoutEnd = Block(7, 1, Bytes(20));
+    withoutEnd.back() = 0x00;
     struct Row
     {
         std::string_view fault;
@@ -92,6 +94,7 @@ TEST(FileReplies, RefusesWhatDoesNotFitItsLayout)
         {"a block of 1000 bytes", Block(7, 1, Bytes(1000)), "block"},
         {"a block of 1001 bytes", Block(7, 1, Bytes(1001)), ""},
         {"a block without flags", LongFrame({0, 0, 0, 7}), ""},
+        {"bytes were lost, and the sum of what fills them up fits by chance", withoutEnd, ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);

@@ -105,7 +105,7 @@ TEST_F(RecvInfoTest, AFailureForgetsTheBlock)
     EXPECT_EQ(info.GetRecvSN(), nullptr);
 }
 
-TEST_F(RecvInfoTest, OptionsByBit)
+TEST_F(RecvInfoTest, OptionsByBitAndVersion)
 {
     struct Row
     {
@@ -113,10 +113,12 @@ TEST_F(RecvInfoTest, OptionsByBit)
         Bytes options;
         std::function<int(const CRecvInfo&)> get;
         int value;
+        std::string version = "00443";
     };
     const auto way = [](int (CRecvInfo::*getter)(int) const, int which) {
         return [getter, which](const CRecvInfo& i) { return (i.*getter)(which); };
     };
+    const auto q02 = &CRecvInfo::GetQ02Format;
     constexpr int kIn = CRecvInfo::Input;
     constexpr int kOut = CRecvInfo::Output;
     const Row rows[] = {
@@ -150,10 +152,19 @@ TEST_F(RecvInfoTest, OptionsByBit)
         {"Solace, masked", Options({{42, 0x80}}), &CRecvInfo::GetSolace, 128},
         {"rate in hundreds", Options({{4, 0xFF}, {5, 0xFF}}), &CRecvInfo::GetMaxLoggingRate,
          6553500},
+        {"Q02: 4.42 taken", Options({}), q02, 0, "00442"},
+        {"Q02: 4.43 refused", Options({}), q02, 1},
+        {"Q02: G needs no version", Options({{44, 'G'}}), q02, 1, "00100"},
+        {"Q02: comma taken", Options({{44, ','}}), q02, 0},
+        {"Q02: 3 taken", Options({{44, '3'}}), q02, 0},
+        {"Q02: 5 taken", Options({{44, '5'}}), q02, 0},
+        {"Q02: @ taken", Options({{44, '@'}}), q02, 0},
+        {"Q02: r taken", Options({{44, 'r'}}), q02, 0},
+        {"Q02: 4 refused", Options({{44, '4'}}), q02, 1},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.option);
-        ASSERT_EQ(Read({{Serial("00443")}, {row.options}}), 1);
+        ASSERT_EQ(Read({{Serial(row.version)}, {row.options}}), 1);
         EXPECT_EQ(row.get(info), row.value);
     }
 }
@@ -171,33 +182,6 @@ TEST_F(RecvInfoTest, ExtendedOptionsNeedTheirBlock)
     EXPECT_EQ(info.GetCMRxInput(), 0);
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {48, 0x80}})}, {Extended({})}}), 1);
     EXPECT_EQ(info.GetMaxLoggingRate(), 700U) << "a rate of 0 is none";
-}
-
-TEST_F(RecvInfoTest, FileFormatByVersionAndType)
-{
-    struct Row
-    {
-        std::string_view fault;
-        std::string version;
-        std::uint8_t typeCode;
-        int has;
-    };
-    const Row rows[] = {
-        {"4.42 taken", "00442", 0, 0},
-        {"4.43 refused", "00443", 0, 1},
-        {"G needs no version", "00100", 'G', 1},
-        {"comma taken", "00500", ',', 0},
-        {"3 taken", "00500", '3', 0},
-        {"5 taken", "00500", '5', 0},
-        {"@ taken", "00500", '@', 0},
-        {"r taken", "00500", 'r', 0},
-        {"4 refused", "00500", '4', 1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        ASSERT_EQ(Read({{Serial(row.version)}, {Options({{44, row.typeCode}})}}), 1);
-        EXPECT_EQ(info.GetQ02Format(), row.has);
-    }
 }
 
 TEST_F(RecvInfoTest, TypeCodeOfOneModelNamesIt)
@@ -226,20 +210,15 @@ TEST_F(RecvInfoTest, FreeFunctionsTryFiveTimes)
 
 TEST(ReceiverTypes, NumberOfEveryCode)
 {
-    struct Row
-    {
-        int code;
-        std::uint32_t number;
-    };
-    constexpr Row kRows[] = {
+    constexpr std::pair<int, std::uint32_t> kRows[] = {
         {1, 2010},   {5, 2010},   {6, 2050},   {7, 2020},   {8, 2010},   {9, 2040},   {24, 2030},
         {27, 3020},  {31, 3017},  {32, 3028},  {44, 3022},  {48, 3034},  {50, 3012},  {51, 3026},
         {52, 3044},  {53, 3036},  {64, 3021},  {69, 3011},  {71, 3022},  {76, 3050},  {80, 3040},
         {100, 3030}, {114, 3024}, {115, 3015}, {136, 3046}, {151, 3042}, {152, 3038}, {168, 3051},
         {0, 3010},   {10, 3010},  {23, 3010},  {25, 3010},  {30, 3010},  {255, 3010},
     };
-    for (const Row& row : kRows) {
-        EXPECT_EQ(TypeNumberOfCode(static_cast<std::uint8_t>(row.code), 0), row.number) << row.code;
+    for (const auto& [code, number] : kRows) {
+        EXPECT_EQ(TypeNumberOfCode(static_cast<std::uint8_t>(code), 0), number) << code;
     }
     EXPECT_EQ(TypeNumberOfCode(0, 310), 3032U);
     EXPECT_EQ(TypeNumberOfCode(1, 310), 2010U);

@@ -6,6 +6,7 @@
 #include <numeric>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -83,39 +84,30 @@ TEST(SatelliteList, SignalsStandInTheirOrder)
 
 TEST(SatelliteList, RefusesWhatDoesNotFit)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes data;
-    };
-    const Row rows[] = {
+    const std::pair<std::string_view, Bytes> rows[] = {
         {"no format byte", Ascii("01")},
         {"fewer records than announced", {'0', '2', 0x00, 7, 90, 45}},
         {"text record cut off", Ascii("011051204541")},
         {"second signal cut off", Ascii("01205120454120432")},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_FALSE(List(row.data));
+    for (const auto& [fault, data] : rows) {
+        SCOPED_TRACE(fault);
+        EXPECT_FALSE(List(data));
     }
     EXPECT_EQ(List({'0', '0', 0x03}), SatelliteList()) << "no satellites are no failure";
 }
 
 TEST(SatelliteList, DropsWhatIsNoDirectionAndKeepsTheRest)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes data; ///< the second of three satellites
-    };
-    const Row rows[] = {
+    // The second of three satellites.
+    const std::pair<std::string_view, Bytes> rows[] = {
         {"azimuth beyond the circle", {'0', '3', 0x00, 7, 90, 45, 8, 0x69, 0x80 | 45, 9, 90, 45}},
         {"elevation beyond the zenith", {'0', '3', 0x00, 7, 90, 45, 8, 90, 91, 9, 90, 45}},
         {"azimuth in text beyond the circle", Ascii("031070904541208361454120909045412")},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto list = List(row.data);
+    for (const auto& [fault, data] : rows) {
+        SCOPED_TRACE(fault);
+        const auto list = List(data);
         ASSERT_TRUE(list);
         ASSERT_EQ(list->satellites.size(), 2U);
         EXPECT_EQ(list->satellites[1].number, 9);

@@ -6,9 +6,9 @@
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/VirtualLine.h"
 
-#include <fstream>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -83,19 +83,14 @@ TEST_F(VirtualLinkTest, HandOverHoldsTheNextFramesBack)
 
 TEST_F(VirtualLinkTest, AReaderThatHoldsBackCanBeFreed)
 {
-    struct Row
-    {
-        std::string_view by;
-        void (*free)(SerialLink& one);
-    };
-    const Row rows[] = {
+    const std::pair<std::string_view, void (*)(SerialLink&)> rows[] = {
         {"leaving hand-over mode", [](SerialLink& one) { one.SetHandOver(false); }},
         {"another request", [](SerialLink& one) { one.ResetFrameReady(); }},
         {"a reset", [](SerialLink& one) { one.ResetReceiveState(); }},
     };
     settings.replyTimeout = 60s;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.by);
+    for (const auto& [by, setFree] : rows) {
+        SCOPED_TRACE(by);
         SerialLink full(line.MakeDevice(), clock);
         ASSERT_EQ(full.Open("in memory", settings), 1);
         full.SetHandOver(true);
@@ -104,7 +99,7 @@ TEST_F(VirtualLinkTest, AReaderThatHoldsBackCanBeFreed)
         }
         clock.Sleep(20ms); // until it is full
         const auto start = clock.Steady();
-        row.free(full);
+        setFree(full);
         line.Send(kReply);
         Bytes taken(kFrameBufferSize);
         do {
@@ -225,12 +220,7 @@ TEST(SerialLink, OpensAndClosesInEveryState)
 {
     PortSettings settings;
     settings.replyTimeout = 10s;
-    struct State
-    {
-        std::string_view name;
-        void (*prepare)(SerialLink&, FarEnd&);
-    };
-    const State states[] = {
+    const std::pair<std::string_view, void (*)(SerialLink&, FarEnd&)> states[] = {
         {"idle", [](SerialLink&, FarEnd&) {}},
         {"right after a delivery",
          [](SerialLink& link, FarEnd& far) {
@@ -252,12 +242,12 @@ TEST(SerialLink, OpensAndClosesInEveryState)
     };
     const auto before = testing::CountProcess();
     for (int round = 0; round < 500; ++round) {
-        const State& state = states[static_cast<std::size_t>(round) % std::size(states)];
-        SCOPED_TRACE(state.name);
+        const auto& [name, prepare] = states[static_cast<std::size_t>(round) % std::size(states)];
+        SCOPED_TRACE(name);
         FarEnd far;
         SerialLink link;
         ASSERT_EQ(link.Open(far.Path(), settings), 1);
-        state.prepare(link, far);
+        prepare(link, far);
         const auto start = std::chrono::steady_clock::now();
         link.Close();
         ASSERT_LT(std::chrono::steady_clock::now() - start, 2s) << "closing waited for something";
@@ -308,9 +298,8 @@ TEST(LogFrame, AppendsADumpToTheBuiltInStorage)
     setenv("XDG_STATE_HOME", folder.Path().c_str(), 1);
     EXPECT_EQ(SerialLink::LogFrame(Direction::Sent, Frame(0x08)), 1);
     EXPECT_EQ(SerialLink::LogFrame(Direction::Received, Bytes{0xAB}), 1);
-    std::ifstream file(folder.Path() / "fieldcore" / "gnsslog.log", std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_EQ(text, "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [AB ]\r\n");
+    EXPECT_EQ(ContentOf(folder.Path() / "fieldcore" / "gnsslog.log"),
+              "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [AB ]\r\n");
     unsetenv("XDG_STATE_HOME");
 }
 
