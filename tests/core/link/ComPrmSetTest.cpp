@@ -46,43 +46,33 @@ TEST_F(ComPrmSetTest, IsTheFactorysAtFirst)
 
 TEST_F(ComPrmSetTest, ShowsAndWritesBackWhateverIsStored)
 {
-    struct Row
-    {
-        const char* fault;
-        const wchar_t* name;
-        std::uint32_t stored;
-        const wchar_t* shown;
-        std::uint32_t writtenBack;
-    };
-    const Row rows[] = {
-        {"slowest", L"Baudlate", 2400, L"2400-8-None-1-None", 2400},
-        {"fastest", L"Baudlate", 115200, L"115200-8-None-1-None", 115200},
-        {"unknown rate", L"Baudlate", 14400, L"9600-8-None-1-None", 9600},
-        {"rate beyond its field", L"Baudlate", 0xFFFFFFFF, L"9600-8-None-1-None", 9600},
-        {"7 bits", L"Length", 7, L"9600-7-None-1-None", 7},
-        {"unknown length", L"Length", 5, L"9600-8-None-1-None", 8},
-        {"low 8 bits count", L"Length", 0x107, L"9600-7-None-1-None", 7},
-        {"odd", L"Parity", 1, L"9600-8-Odd-1-None", 1},
-        {"even", L"Parity", 2, L"9600-8-Even-1-None", 2},
-        {"unknown parity is odd", L"Parity", 3, L"9600-8-Odd-1-None", 1},
-        {"two stop bits", L"Stopbit", 2, L"9600-8-None-2-None", 2},
-        {"one and a half", L"Stopbit", 1, L"9600-8-None-1-None", 0},
-        {"values and list differ: software", L"Flow", 1, L"9600-8-None-1-Xon/Xoff", 1},
-        {"values and list differ: hardware", L"Flow", 2, L"9600-8-None-1-CTS", 2},
-        {"unknown flow", L"Flow", 3, L"9600-8-None-1-None", 0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto kept = [this](const wchar_t* name, std::uint32_t stored) {
         m_reg.DeleteKey(L"GPS\\Com", L"Com2");
-        m_reg.WriteNumber(L"GPS\\Com\\Com2", row.name, row.stored);
+        m_reg.WriteNumber(L"GPS\\Com\\Com2", name, stored);
         CComPrmSet set(m_roots);
         EXPECT_EQ(set.ReadRegCommPrm(2), 1);
         set.ConvData2Flag();
-        EXPECT_EQ(set.GetPrmString(), row.shown);
+        const std::wstring shown = set.GetPrmString();
         set.ConvFlag2Data();
         EXPECT_EQ(set.WriteRegCommPrm(2), 1);
-        EXPECT_EQ(Stored(row.name), row.writtenBack);
-    }
+        return shown + L", " + std::to_wstring(Stored(name));
+    };
+    EXPECT_EQ(kept(L"Baudlate", 2400), L"2400-8-None-1-None, 2400");
+    EXPECT_EQ(kept(L"Baudlate", 115200), L"115200-8-None-1-None, 115200");
+    EXPECT_EQ(kept(L"Baudlate", 14400), L"9600-8-None-1-None, 9600") << "unknown rate";
+    EXPECT_EQ(kept(L"Baudlate", 0xFFFFFFFF), L"9600-8-None-1-None, 9600")
+        << "rate beyond its field";
+    EXPECT_EQ(kept(L"Length", 7), L"9600-7-None-1-None, 7");
+    EXPECT_EQ(kept(L"Length", 5), L"9600-8-None-1-None, 8") << "unknown length";
+    EXPECT_EQ(kept(L"Length", 0x107), L"9600-7-None-1-None, 7") << "low 8 bits count";
+    EXPECT_EQ(kept(L"Parity", 1), L"9600-8-Odd-1-None, 1");
+    EXPECT_EQ(kept(L"Parity", 2), L"9600-8-Even-1-None, 2");
+    EXPECT_EQ(kept(L"Parity", 3), L"9600-8-Odd-1-None, 1") << "unknown parity is odd";
+    EXPECT_EQ(kept(L"Stopbit", 2), L"9600-8-None-2-None, 2");
+    EXPECT_EQ(kept(L"Stopbit", 1), L"9600-8-None-1-None, 0") << "one and a half";
+    EXPECT_EQ(kept(L"Flow", 1), L"9600-8-None-1-Xon/Xoff, 1") << "values and list differ: software";
+    EXPECT_EQ(kept(L"Flow", 2), L"9600-8-None-1-CTS, 2") << "values and list differ: hardware";
+    EXPECT_EQ(kept(L"Flow", 3), L"9600-8-None-1-None, 0") << "unknown flow";
 }
 
 TEST_F(ComPrmSetTest, StopsAtWhatCannotBeRead)
@@ -126,33 +116,24 @@ TEST_F(ComPrmSetTest, ReadsItsTextOrLeavesAllAsItWas)
 
 TEST_F(ComPrmSetTest, TakesNothingBeyondItsLists)
 {
-    struct Row
-    {
-        const char* flag;
-        int (CComPrmSet::*set)(int);
-        int (CComPrmSet::*get)() const;
-        int other; ///< a choice that is not the default
-        int last;
-        int otherwise;
-    };
     using Set = CComPrmSet;
-    const Row rows[] = {{"rate", &Set::SetFlagBps, &Set::GetFlagBps, 4, 6, 2},
-                        {"bits", &Set::SetFlagDataBits, &Set::GetFlagDataBits, 1, 1, 0},
-                        {"parity", &Set::SetFlagParity, &Set::GetFlagParity, 1, 2, 0},
-                        {"stop bits", &Set::SetFlagStopBits, &Set::GetFlagStopBits, 1, 1, 0},
-                        {"flow", &Set::SetFlagFlowCtrl, &Set::GetFlagFlowCtrl, 1, 2, 0}};
-    CComPrmSet set(m_roots);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.flag);
-        for (const int beyond : {-1, row.last + 1}) {
-            EXPECT_EQ((set.*row.set)(row.other), 1);
-            EXPECT_EQ((set.*row.set)(row.other), 0) << "nothing changes";
-            EXPECT_EQ((set.*row.set)(beyond), 1);
-            EXPECT_EQ((set.*row.get)(), row.otherwise);
+    Set set(m_roots);
+    const auto check = [&set](int (Set::*change)(int), int (Set::*get)() const, int other, int last,
+                              int otherwise) {
+        for (const int beyond : {-1, last + 1}) {
+            EXPECT_EQ((set.*change)(other), 1);
+            EXPECT_EQ((set.*change)(other), 0) << "nothing changes";
+            EXPECT_EQ((set.*change)(beyond), 1);
+            EXPECT_EQ((set.*get)(), otherwise);
         }
-        (set.*row.set)(row.last);
-        EXPECT_EQ((set.*row.get)(), row.last);
-    }
+        (set.*change)(last);
+        EXPECT_EQ((set.*get)(), last);
+    };
+    check(&Set::SetFlagBps, &Set::GetFlagBps, 4, 6, 2);
+    check(&Set::SetFlagDataBits, &Set::GetFlagDataBits, 1, 1, 0);
+    check(&Set::SetFlagParity, &Set::GetFlagParity, 1, 2, 0);
+    check(&Set::SetFlagStopBits, &Set::GetFlagStopBits, 1, 1, 0);
+    check(&Set::SetFlagFlowCtrl, &Set::GetFlagFlowCtrl, 1, 2, 0);
     EXPECT_EQ(set.SetDataFlowCtrl(2), 1);
     EXPECT_EQ(set.SetDataFlowCtrl(3), 1);
     EXPECT_EQ(set.GetDataFlowCtrl(), 0);

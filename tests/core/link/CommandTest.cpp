@@ -207,32 +207,23 @@ TEST_F(CommandTest, EndsAnEndlessList)
 
 TEST_F(CommandTest, IdentifiesAfterABreak)
 {
-    const std::string text = "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,";
-    Bytes damaged = Frame(0x6E, Ascii(text));
-    damaged[10] ^= 1;
-    struct Row
-    {
-        std::string_view fault;
-        Bytes answer;
-        int result;
-        CommandFault reason;
-    };
-    const Row rows[] = {
-        {"good packet refused", Frame(0x6E, Ascii(text)), 1, CommandFault::None},
-        {"damaged packet taken", damaged, 0, CommandFault::BadChecksum},
-        {"other packet taken", Frame(0x09, Ascii(text)), 0, CommandFault::WrongType},
-        {"ACK taken", {0x06}, 0, CommandFault::WrongAnswer},
-        {"silence not told", {}, 0, CommandFault::TimedOut},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const ScriptedEnd receiver(line, {{row.answer}});
+    const auto faultOf = [this](const Bytes& answer) {
+        const ScriptedEnd receiver(line, {{answer}});
         Open();
         IdentificationRecord record;
-        EXPECT_EQ(command.RequestIdentity(record), row.result);
-        EXPECT_EQ(command.Fault(), row.reason);
+        const bool isRead = command.RequestIdentity(record) == 1;
+        EXPECT_EQ(isRead, command.Fault() == CommandFault::None);
         EXPECT_EQ(receiver.Requests(), (std::vector<Bytes>{{0x00}})) << "a BREAK is sent once";
-    }
+        return command.Fault();
+    };
+    const Bytes text = Ascii("ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,");
+    Bytes damaged = Frame(0x6E, text);
+    damaged[10] ^= 1;
+    EXPECT_EQ(faultOf(Frame(0x6E, text)), CommandFault::None);
+    EXPECT_EQ(faultOf(damaged), CommandFault::BadChecksum);
+    EXPECT_EQ(faultOf(Frame(0x09, text)), CommandFault::WrongType);
+    EXPECT_EQ(faultOf({0x06}), CommandFault::WrongAnswer);
+    EXPECT_EQ(faultOf({}), CommandFault::TimedOut);
 }
 
 TEST(SimulatedPort, IsOpenedByNameAndFailuresSayWhatToDo)

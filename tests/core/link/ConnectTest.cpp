@@ -47,14 +47,13 @@ protected:
 
 TEST_F(ConnectTest, AsksAsTheWayRequires)
 {
-    struct Row
-    {
-        std::string_view way;
-        int port;
-        int reconnect;
-        BoxAnswer answer;
-        int goesOn;
-        Box asked;
+    const auto asked = [this](int port, int reconnect, BoxAnswer answer) {
+        Host().boxes.clear();
+        Host().answers = {answer};
+        target.port = port;
+        EXPECT_EQ(CConnect(Command(), reconnect, target).stStartMessage(),
+                  answer == Cancel ? 0 : 1);
+        return Host().boxes;
     };
     const Box power{L"受信機の電源を入れてください。\nBluetoothで通信を行います。",
                     L"受信機電源確認",
@@ -62,22 +61,11 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
     const Box lost{L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？",
                    L"通信エラー検出",
                    {BoxButtons::RetryCancel, BoxIcon::Question}};
-    const Row rows[] = {
-        {"cable", 1, 0, Ok, 1, kCable},
-        {"cable, refused", 1, 1, Cancel, 0, kCable},
-        {"Bluetooth", 5, 0, Ok, 1, power},
-        {"Bluetooth lost", 5, 1, Retry, 1, lost},
-        {"Bluetooth given up", 5, 1, Cancel, 0, lost},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.way);
-        Host().boxes.clear();
-        Host().answers = {row.answer};
-        target.port = row.port;
-        CConnect connect(Command(), row.reconnect, target);
-        EXPECT_EQ(connect.stStartMessage(), row.goesOn);
-        EXPECT_EQ(Host().boxes, (std::vector<Box>{row.asked}));
-    }
+    EXPECT_EQ(asked(1, 0, Ok), std::vector{kCable});
+    EXPECT_EQ(asked(1, 1, Cancel), std::vector{kCable});
+    EXPECT_EQ(asked(5, 0, Ok), std::vector{power});
+    EXPECT_EQ(asked(5, 1, Retry), std::vector{lost});
+    EXPECT_EQ(asked(5, 1, Cancel), std::vector{lost}) << "given up";
 }
 
 TEST_F(ConnectTest, ConnectsAsTheSettingsSay)
@@ -180,6 +168,8 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
         std::wstring_view told;
     };
     const Row rows[] = {
+        {"no port", nullptr, ConnectStep::OpenPort, CommandFault::OpenFailed,
+         L"通信ポートを開けません"},
         {"silent receiver", "drop", ConnectStep::AskStatus, CommandFault::TimedOut,
          L"応答がありません"},
         {"refused options", "nak on 4A", ConnectStep::ReadOptions, CommandFault::Refused,
@@ -194,7 +184,11 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         Start();
-        receiver->AddFault(row.rule);
+        if (row.rule != nullptr) {
+            receiver->AddFault(row.rule);
+        } else {
+            receiver->simulator.HangUp();
+        }
         ConnectSequence sequence(Command(), target);
         EXPECT_EQ(sequence.Run(), 0);
         EXPECT_EQ(sequence.FailedStep(), row.step);
@@ -204,17 +198,6 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
         EXPECT_NE(message.find(StepText(row.step)), std::wstring::npos);
         EXPECT_NE(message.find(row.told), std::wstring::npos);
     }
-}
-
-TEST_F(ConnectTest, NoPortIsTold)
-{
-    receiver->simulator.HangUp();
-    CConnect connect(Command(), 0, target);
-    EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
-    ASSERT_EQ(Host().boxes.size(), 2U); // the question, then the failure
-    EXPECT_EQ(Host().boxes[1].caption, L"受信機接続エラー");
-    EXPECT_EQ(Host().boxes[1].style.icon, BoxIcon::Stop);
-    EXPECT_NE(Host().boxes[1].text.find(L"通信ポートを開けません"), std::wstring::npos);
 }
 
 TEST_F(ConnectTest, CancellingIsNotAFailure)
@@ -247,34 +230,23 @@ TEST_F(ConnectTest, ChecksTypeAndFirmware)
         L"出力信号を停止させ、再度指定ポートへ接続してください。",
         L"通信ポート接続エラー", kStop};
     const Box never = type(L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。");
-    struct Row
-    {
-        std::string_view name;
-        const char* scenario;
-        bool isDeclared;
-        int accepted;
-        std::vector<Box> told;
-    };
-    const Row rows[] = {
-        {"good", "type-code 31\nfirmware 4.43", true, 1, {}},
-        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, {old}},
-        {"just new enough", "type-code 10\nfirmware 1.23", true, 1, {}},
-        {"beta", "type-code 31\nfirmware 0.95", true, 1, {beta}},
-        {"not declared", "type-code 31\nfirmware 4.43", false, 0, {notDeclared}},
-        {"never supported", "type-code 9\nfirmware 9.99", true, 0, {never}},
-        {"talks past us", "answers no", true, 0, {talks}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        Start(row.scenario);
+    const auto told = [this](const char* scenario, int accepted, bool isDeclared = true) {
+        Start(scenario);
         receiver->Open();
         CConnect connect(Command(), 0, target);
-        if (row.isDeclared) {
+        if (isDeclared) {
             connect.SupportAllTypes();
         }
-        EXPECT_EQ(connect.CheckRecvType(), row.accepted);
-        EXPECT_EQ(Host().boxes, row.told);
-    }
+        EXPECT_EQ(connect.CheckRecvType(), accepted);
+        return Host().boxes;
+    };
+    EXPECT_EQ(told("type-code 31\nfirmware 4.43", 1), std::vector<Box>());
+    EXPECT_EQ(told("type-code 10\nfirmware 1.22", 0), std::vector{old});
+    EXPECT_EQ(told("type-code 10\nfirmware 1.23", 1), std::vector<Box>()) << "just new enough";
+    EXPECT_EQ(told("type-code 31\nfirmware 0.95", 1), std::vector{beta});
+    EXPECT_EQ(told("type-code 31\nfirmware 4.43", 0, false), std::vector{notDeclared});
+    EXPECT_EQ(told("type-code 9\nfirmware 9.99", 0), std::vector{never});
+    EXPECT_EQ(told("answers no", 0), std::vector{talks});
 }
 
 TEST_F(ConnectTest, ForceInitAsksTwice)

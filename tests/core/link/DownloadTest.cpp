@@ -40,10 +40,10 @@ struct FileServer
             return {Frame(0x09, Ascii("1008000080 1.85    10"))};
         }
         if (request[2] != 0x96) {
-            return {{testing::kAck}};
+            return {{kAck}};
         }
         if (WantedOffset(request) > 0 && refusesMiddle) {
-            return {{testing::kNak}};
+            return {{kNak}};
         }
         const std::size_t from = fromBeginning ? 0 : WantedOffset(request);
         Bytes all;
@@ -199,99 +199,73 @@ TEST_F(DownloadTest, MakesGoodWhatIsDamaged)
 
 TEST_F(DownloadTest, TakesExactlyTheAnnouncedSize)
 {
-    struct Row
-    {
-        const char* fault;
-        std::size_t size;
-        std::uint32_t announced;
-        std::int64_t bytes;
-    };
-    const Row rows[] = {
-        {"empty", 0, 0, 0},
-        {"whole blocks", 3000, 3000, 3000},
-        {"one byte less than announced", 2999, 3000, 2999},
-        {"one byte more, in the last block", 3001, 3000, -1},
-        {"one byte more, behind the last block", 3501, 3500, -1},
-        {"announced as 4 GiB", 5000, 0xFFFFFFFF, 5000},
-        {"announced as nothing", 10, 0, -1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto fetched = [this](std::size_t size, std::uint32_t announced) {
+        SCOPED_TRACE(std::to_string(size) + " of " + std::to_string(announced));
         fs::remove_all(day);
-        const ScriptedEnd receiver(line, FileServer{Content(row.size)});
+        const ScriptedEnd receiver(line, FileServer{Content(size)});
         Open();
-        EXPECT_EQ(Download(row.announced), row.bytes) << command.LastError();
+        const std::int64_t bytes = Download(announced);
         ExpectCleanLine();
-        const bool arrived = row.bytes == row.announced;
+        const bool arrived = bytes == announced;
         EXPECT_EQ(command.GetDownloadFault(),
                   arrived ? DownloadFault::None : DownloadFault::WrongSize);
         EXPECT_EQ(fs::exists(file), arrived);
         EXPECT_EQ(fs::exists(part), !arrived);
-        EXPECT_TRUE(arrived || fs::file_size(part) <= row.announced);
-    }
+        EXPECT_TRUE(arrived || fs::file_size(part) <= announced);
+        return bytes;
+    };
+    EXPECT_EQ(fetched(0, 0), 0);
+    EXPECT_EQ(fetched(3000, 3000), 3000) << "whole blocks";
+    EXPECT_EQ(fetched(2999, 3000), 2999);
+    EXPECT_EQ(fetched(3001, 3000), -1) << "one byte more, in the last block";
+    EXPECT_EQ(fetched(3501, 3500), -1) << "one byte more, behind the last block";
+    EXPECT_EQ(fetched(5000, 0xFFFFFFFF), 5000);
+    EXPECT_EQ(fetched(10, 0), -1);
 }
 
 TEST_F(DownloadTest, SaysWhyTheReceiverDoesNotSend)
 {
-    struct Row
-    {
-        const char* fault;
-        Bytes answer;
-        DownloadFault why;
-    };
-    const Row rows[] = {
-        {"no such file", Block(0, 3, {}), DownloadFault::NoSuchFile},
-        {"being logged", Block(0, 5, {1, 2, 3}), DownloadFault::BeingLogged},
-        {"refused", {testing::kNak}, DownloadFault::Link},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto why = [this](const Bytes& answer) {
         const ScriptedEnd receiver(line, [&](const Bytes& request) {
-            return ScriptedEnd::Answer{request[2] == 0x96 ? row.answer : Bytes{testing::kAck}};
+            return ScriptedEnd::Answer{request[2] == 0x96 ? answer : Bytes{kAck}};
         });
         Open();
         EXPECT_EQ(Download(), -1);
-        EXPECT_EQ(command.GetDownloadFault(), row.why);
-        command.ClosePort();
         EXPECT_EQ(Count(receiver.Requests(), 0x96), 1);
-    }
+        return command.GetDownloadFault();
+    };
+    EXPECT_EQ(why(Block(0, 3, {})), DownloadFault::NoSuchFile);
+    EXPECT_EQ(why(Block(0, 5, {1, 2, 3})), DownloadFault::BeingLogged);
+    EXPECT_EQ(why({kNak}), DownloadFault::Link);
 }
 
 TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string_view call;
-        int after;
-        DownloadFault why;
-    };
-    const Row rows[] = {
-        {"the file cannot be made", "open", 0, DownloadFault::Folder},
-        {"the disk is full", "write", 0, DownloadFault::Write},
-        {"it is full later", "write", 1, DownloadFault::Write},
-        {"it is full at the last piece", "write", 2, DownloadFault::Write},
-        {"the disk fails at the end", "sync", 0, DownloadFault::Write},
-        {"it cannot be renamed", "rename", 0, DownloadFault::Write},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto faultOf = [this](std::string_view call, int after = 0) {
+        SCOPED_TRACE(call);
         folder.Write("day/A.Q01", "old");
         FailingOperations operations;
-        operations.failing = row.call;
-        operations.after = row.after;
+        operations.failing = call;
+        operations.after = after;
         command.SetFileOperations(operations);
         const ScriptedEnd receiver(line, FileServer{Content(kLong)});
         Open();
         EXPECT_EQ(Download(kLong), -1);
-        EXPECT_EQ(command.GetDownloadFault(), row.why);
         EXPECT_EQ(command.GetFileError(), operations.kFull);
         EXPECT_EQ(ContentOf(file), "old");
+        const DownloadFault fault = command.GetDownloadFault();
         ExpectCleanLine();
         command.ClosePort();
-        EXPECT_EQ(Count(receiver.Requests(), 0x96), row.call == "open" ? 0 : 1);
-        EXPECT_EQ(Count(receiver.Requests(), 0x5A), row.call == "write" ? 1 : 0);
+        EXPECT_EQ(Count(receiver.Requests(), 0x96), call == "open" ? 0 : 1);
+        EXPECT_EQ(Count(receiver.Requests(), 0x5A), call == "write" ? 1 : 0);
+        return fault;
+    };
+    EXPECT_EQ(faultOf("open"), DownloadFault::Folder);
+    for (const int piece : {0, 1, 2}) {
+        EXPECT_EQ(faultOf("write", piece), DownloadFault::Write) << piece;
     }
+    EXPECT_EQ(faultOf("sync"), DownloadFault::Write);
+    EXPECT_EQ(faultOf("rename"), DownloadFault::Write);
 }
 
 TEST_F(DownloadTest, CancelsWithinOneBlock)
@@ -522,7 +496,7 @@ TEST_F(DownloadTest, KeepsWhatIsThereUntilTheFirstBlockComes)
         EXPECT_EQ(before.size(), 4000U);
     }
     const ScriptedEnd refusing(line, [](const Bytes& request) {
-        return ScriptedEnd::Answer{{request[2] == 0x96 ? testing::kNak : testing::kAck}};
+        return ScriptedEnd::Answer{{request[2] == 0x96 ? kNak : kAck}};
     });
     Open();
     EXPECT_EQ(Download(kSize, {}, 1), -1);

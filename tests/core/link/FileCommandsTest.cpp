@@ -131,8 +131,7 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         const ScriptedEnd receiver(line, [&](const Bytes& request) {
-            return ScriptedEnd::Answer{request[2] == 0x5A ? Bytes{testing::kAck}
-                                                          : row.answer(request)};
+            return ScriptedEnd::Answer{request[2] == 0x5A ? Bytes{kAck} : row.answer(request)};
         });
         Open();
         messages.clear();
@@ -154,8 +153,7 @@ TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
     for (const auto& ask : asks) {
         SCOPED_TRACE(&ask - asks);
         const ScriptedEnd receiver(line, [](const Bytes& request) {
-            return request[2] == 0x5A ? ScriptedEnd::Answer{{testing::kAck}}
-                                      : ScriptedEnd::Answer{};
+            return request[2] == 0x5A ? ScriptedEnd::Answer{{kAck}} : ScriptedEnd::Answer{};
         });
         Open();
         host.inBreath = [isPatient = false]() mutable { return std::exchange(isPatient, true); };
@@ -169,26 +167,19 @@ TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
 
 TEST_F(FileCommandsTest, AFileExistsUnderExactlyItsName)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes answer;
-        int exists;
-    };
-    const Row rows[] = {
-        {"it is there", Page(0x9D, 0x80, {LarkRecord("A.Q1D", 1)}), 1},
-        {"nothing is there", Page(0x9D, 0x80, {}), 0},
-        {"a longer name", Page(0x9D, 0x80, {LarkRecord("A.Q1D2", 1)}), 0},
-        {"other case", Page(0x9D, 0x80, {LarkRecord("a.Q1D", 1)}), 0},
-        {"second in the list", Page(0x9D, 0x80, {LarkRecord("B", 1), LarkRecord("A.Q1D", 1)}), 0},
-        {"refused", {testing::kNak}, 0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const ScriptedEnd receiver(line, {{row.answer}});
+    const auto exists = [this](const Bytes& answer) {
+        const ScriptedEnd receiver(line, {{answer}});
         Open();
-        EXPECT_EQ(command.FileExists(L"A.Q1D"), row.exists) << command.LastError();
-    }
+        return command.FileExists(L"A.Q1D");
+    };
+    const auto listed = [](const std::vector<Bytes>& records) { return Page(0x9D, 0x80, records); };
+    const Bytes own = LarkRecord("A.Q1D", 1);
+    EXPECT_EQ(exists(listed({own})), 1) << command.LastError();
+    EXPECT_EQ(exists(listed({})), 0) << "nothing is there";
+    EXPECT_EQ(exists(listed({LarkRecord("A.Q1D2", 1)})), 0) << "a longer name";
+    EXPECT_EQ(exists(listed({LarkRecord("a.Q1D", 1)})), 0) << "other case";
+    EXPECT_EQ(exists(listed({LarkRecord("B", 1), own})), 0) << "second in the list";
+    EXPECT_EQ(exists({kNak}), 0) << "refused";
 }
 
 } // namespace

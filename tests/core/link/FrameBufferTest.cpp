@@ -2,7 +2,6 @@
 
 #include "tests/core/link/FarEnd.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string_view>
 
@@ -15,28 +14,17 @@ using namespace testing;
 
 TEST(FrameBuffer, TextFieldsHaveTheirWidth)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::wstring text;
-        std::size_t width;
-        bool ownLength;
-        Bytes data;
-    };
-    const Row rows[] = {
-        {"long text is not cut", L"ABCDEF", 3, false, {0x41, 0x42, 0x43}},
-        {"a double-byte character is cut in half", L"Aあい", 4, false, {0x41, 0x82, 0xA0, 0x20}},
-        {"own length is ignored", L"ｱB", 9, true, {0xB1, 0x42}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto built = [](std::wstring_view text, std::size_t width, bool ownLength = false) {
         FrameBuffer frame;
         frame.BeginPacket(0x85, 0);
-        frame.PutText(row.text, row.width, row.ownLength);
+        frame.PutText(text, width, ownLength);
         frame.SetPacketLength(frame.GetCursor() - 4);
         frame.EndPacket();
-        EXPECT_TRUE(std::ranges::equal(frame.BuiltFrame(), Frame(0x85, row.data)));
-    }
+        return Bytes(frame.BuiltFrame().begin(), frame.BuiltFrame().end());
+    };
+    EXPECT_EQ(built(L"ABCDEF", 3), Frame(0x85, {0x41, 0x42, 0x43})) << "long text is not cut";
+    EXPECT_EQ(built(L"Aあい", 4), Frame(0x85, {0x41, 0x82, 0xA0, 0x20})) << "half a character sent";
+    EXPECT_EQ(built(L"ｱB", 9, true), Frame(0x85, {0xB1, 0x42})) << "own length is ignored";
 }
 
 TEST(FrameBuffer, StaysInsideItsBuffer)
@@ -100,40 +88,26 @@ TEST(FrameBuffer, DigitsBelowZeroAreZero)
 
 TEST(FrameBuffer, ChecksumTellsADamagedFrameFromAGoodOne)
 {
-    const Bytes shortFrame{0x02, 0x00, 0x09, 0x01, 0x34, 0x3E, 0x03};
-    const Bytes longFrame = LongFrame(Bytes(600, 0x5A));
-    struct Row
-    {
-        std::string_view fault;
-        const Bytes& good;
-        std::size_t at;
-        std::uint8_t becomes;
-        int accepted = 0;
+    const auto isGood = [](Bytes frame, std::size_t at, std::uint8_t becomes) {
+        frame[at] = becomes;
+        FrameBuffer buffer;
+        buffer.Load(frame);
+        return buffer.VerifyChecksum() == 1;
     };
-    const Row rows[] = {
-        {"nothing damaged", shortFrame, 0, 0x02, 1},
-        {"start byte lost", shortFrame, 0, 0x03},
-        {"status byte left out of the sum", shortFrame, 1, 0x01},
-        {"type left out of the sum", shortFrame, 2, 0x0A},
-        {"length points past the frame", shortFrame, 3, 0x40},
-        {"data byte left out of the sum", shortFrame, 4, 0x35},
-        {"check byte not compared", shortFrame, 5, 0x3F},
-        {"end byte must not matter", shortFrame, 6, 0x00, 1},
-        {"no checksum behind two length bytes", longFrame, 5, 0x5A, 1},
-        {"it is not compared", longFrame, 605, 0x00},
-        {"65,368 bytes are announced", longFrame, 3, 0xFF},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Bytes bytes = row.good;
-        bytes[row.at] = row.becomes;
-        FrameBuffer frame;
-        frame.Load(bytes);
-        EXPECT_EQ(frame.VerifyChecksum(), row.accepted);
-    }
-    FrameBuffer frame;
-    frame.Load(longFrame);
-    EXPECT_EQ(frame.GetDataLength(), 600U);
+    const Bytes one{0x02, 0x00, 0x09, 0x01, 0x34, 0x3E, 0x03};
+    EXPECT_TRUE(isGood(one, 0, 0x02)) << "nothing damaged";
+    EXPECT_FALSE(isGood(one, 0, 0x03)) << "start byte lost";
+    EXPECT_FALSE(isGood(one, 1, 0x01)) << "status byte left out of the sum";
+    EXPECT_FALSE(isGood(one, 2, 0x0A)) << "type left out of the sum";
+    EXPECT_FALSE(isGood(one, 3, 0x40)) << "length points past the frame";
+    EXPECT_FALSE(isGood(one, 4, 0x35)) << "data byte left out of the sum";
+    EXPECT_FALSE(isGood(one, 5, 0x3F)) << "check byte not compared";
+    EXPECT_TRUE(isGood(one, 6, 0x00)) << "end byte must not matter";
+    const Bytes large = LongFrame(Bytes(600, 0x5A)); // the checksum stands behind two length bytes
+    EXPECT_TRUE(isGood(large, 5, 0x5A)) << "no checksum behind two length bytes";
+    EXPECT_FALSE(isGood(large, 605, 0x00)) << "it is not compared";
+    EXPECT_FALSE(isGood(large, 3, 0xFF)) << "65,368 bytes are announced";
+    EXPECT_EQ(Loaded(large).GetDataLength(), 600U);
 }
 
 } // namespace

@@ -32,29 +32,23 @@ TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
         ++asked;
         return isAnswered;
     });
-    struct Row
-    {
-        const char* fault;
-        bool isAnswered;
-        Clock::Duration pause;
-    };
-    const Row rows[] = {{"not at once, or not in its rhythm", true, 2s},
-                        {"silence asked again as soon", false, 4s},
-                        {"the pause does not grow", false, 8s},
-                        {"nor on", false, 16s},
-                        {"beyond its bound", false, 16s},
-                        {"an answer does not end the patience", true, 2s}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        isAnswered = row.isAnswered;
+    const auto expectPause = [&](const char* fault, bool answers, Clock::Duration pause) {
+        SCOPED_TRACE(fault);
+        isAnswered = answers;
         const int before = asked;
-        EXPECT_EQ(questions.Step(), row.pause);
+        EXPECT_EQ(questions.Step(), pause);
         EXPECT_EQ(asked, before + 1);
-        clock.Sleep(row.pause - 1ms);
+        clock.Sleep(pause - 1ms);
         EXPECT_EQ(questions.Step(), 1ms);
         EXPECT_EQ(asked, before + 1);
         clock.Sleep(1ms);
-    }
+    };
+    expectPause("not at once, or not in its rhythm", true, 2s);
+    expectPause("silence asked again as soon", false, 4s);
+    expectPause("the pause does not grow", false, 8s);
+    expectPause("nor on", false, 16s);
+    expectPause("beyond its bound", false, 16s);
+    expectPause("an answer does not end the patience", true, 2s);
     questions.Step();
     const int before = asked;
     questions.Hurry(id);

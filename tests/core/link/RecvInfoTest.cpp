@@ -107,66 +107,55 @@ TEST_F(RecvInfoTest, AFailureForgetsTheBlock)
 
 TEST_F(RecvInfoTest, OptionsByBitAndVersion)
 {
-    struct Row
-    {
-        std::string_view option;
-        Bytes options;
-        std::function<int(const CRecvInfo&)> get;
-        int value;
-        std::string version = "00443";
+    const auto read = [this](OptionBytes options, auto getter, auto... way) {
+        EXPECT_EQ(Read({{Serial("00443")}, {Options(options)}}), 1);
+        return static_cast<int>(std::invoke(getter, info, way...));
     };
-    const auto way = [](int (CRecvInfo::*getter)(int) const, int which) {
-        return [getter, which](const CRecvInfo& i) { return (i.*getter)(which); };
+    const auto q02 = [this](const std::string& version, std::uint8_t typeCode) {
+        EXPECT_EQ(Read({{Serial(version)}, {Options({{44, typeCode}})}}), 1);
+        return info.GetQ02Format();
     };
-    const auto q02 = &CRecvInfo::GetQ02Format;
     constexpr int kIn = CRecvInfo::Input;
     constexpr int kOut = CRecvInfo::Output;
-    const Row rows[] = {
-        {"port", Options({{6, 3}}), &CRecvInfo::GetCurrentPortID, 3},
-        {"ports", Options({{7, 4}}), &CRecvInfo::GetPortsAvailable, 4},
-        {"memory", Options({{29, 1}, {30, 2}}), &CRecvInfo::GetRecvMemory, 258},
-        {"file naming", Options({{46, 0x10}}), &CRecvInfo::GetFileNaming, 1},
-        {"L1 and L2", Options({{8, 2}}), &CRecvInfo::GetL1L2Option, 1},
-        {"L1 only", Options({{8, 3}}), &CRecvInfo::GetL2, 0},
-        {"RTK survey", Options({{40, 8}}), &CRecvInfo::GetRtkSurvey, 1},
-        {"OTF", Options({{42, 0x08}}), &CRecvInfo::GetRtkOTF, 1},
-        {"NMEA", Options({{18, 9}}), &CRecvInfo::GetNMEA, 9},
-        {"CMR in, bit clear", Options({{42, 0xDF}}), way(&CRecvInfo::GetCMR, kIn), 1},
-        {"CMR in, bit set", Options({{42, 0x20}}), way(&CRecvInfo::GetCMR, kIn), 0},
-        {"CMR out, bit clear", Options({{42, 0xBF}}), way(&CRecvInfo::GetCMR, kOut), 1},
-        {"CMR out, bit set", Options({{42, 0x40}}), way(&CRecvInfo::GetCMR, kOut), 0},
-        {"CMR+", Options({{46, 0x04}}), &CRecvInfo::GetCMRp, 1},
-        {"VRS", Options({{48, 0x10}}), &CRecvInfo::GetRtkVRS, 1},
-        {"RTCM 1 in", Options({{19, 7}}), way(&CRecvInfo::GetRTCM1, kIn), 7},
-        {"RTCM 1 out", Options({{21, 1}}), way(&CRecvInfo::GetRTCM1, kOut), 1},
-        {"RTCM 1 out, of version bits", Options({{21, 2}}), way(&CRecvInfo::GetRTCM1, kOut), 0},
-        {"RTCM 2 in", Options({{20, 5}}), way(&CRecvInfo::GetRTCM2, kIn), 5},
-        {"RTCM 2 out", Options({{22, 6}}), way(&CRecvInfo::GetRTCM2, kOut), 6},
-        {"RTCM 2.1 in", Options({{43, 0x02}}), way(&CRecvInfo::GetRTCM21, kIn), 1},
-        {"RTCM 2.1 out", Options({{43, 0x04}}), way(&CRecvInfo::GetRTCM21, kOut), 1},
-        {"RTCM 2.2", Options({{46, 0x40}}), &CRecvInfo::GetRTCM22, 1},
-        {"RTCM 2.3", Options({{21, 0x02}}), &CRecvInfo::GetRTCM23, 1},
-        {"RTCM 3.0", Options({{21, 0x04}}), &CRecvInfo::GetRTCM30, 1},
-        {"Bluetooth", Options({{45, 0x10}}), &CRecvInfo::GetBlueTooth, 1},
-        {"2 Hz, masked", Options({{48, 0x02}}), &CRecvInfo::Get2HzLogging, 2},
-        {"Solace, masked", Options({{42, 0x80}}), &CRecvInfo::GetSolace, 128},
-        {"rate in hundreds", Options({{4, 0xFF}, {5, 0xFF}}), &CRecvInfo::GetMaxLoggingRate,
-         6553500},
-        {"Q02: 4.42 taken", Options({}), q02, 0, "00442"},
-        {"Q02: 4.43 refused", Options({}), q02, 1},
-        {"Q02: G needs no version", Options({{44, 'G'}}), q02, 1, "00100"},
-        {"Q02: comma taken", Options({{44, ','}}), q02, 0},
-        {"Q02: 3 taken", Options({{44, '3'}}), q02, 0},
-        {"Q02: 5 taken", Options({{44, '5'}}), q02, 0},
-        {"Q02: @ taken", Options({{44, '@'}}), q02, 0},
-        {"Q02: r taken", Options({{44, 'r'}}), q02, 0},
-        {"Q02: 4 refused", Options({{44, '4'}}), q02, 1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.option);
-        ASSERT_EQ(Read({{Serial(row.version)}, {row.options}}), 1);
-        EXPECT_EQ(row.get(info), row.value);
-    }
+    EXPECT_EQ(read({{6, 3}}, &CRecvInfo::GetCurrentPortID), 3);
+    EXPECT_EQ(read({{7, 4}}, &CRecvInfo::GetPortsAvailable), 4);
+    EXPECT_EQ(read({{29, 1}, {30, 2}}, &CRecvInfo::GetRecvMemory), 258);
+    EXPECT_EQ(read({{46, 0x10}}, &CRecvInfo::GetFileNaming), 1);
+    EXPECT_EQ(read({{8, 2}}, &CRecvInfo::GetL1L2Option), 1);
+    EXPECT_EQ(read({{8, 3}}, &CRecvInfo::GetL2), 0);
+    EXPECT_EQ(read({{40, 8}}, &CRecvInfo::GetRtkSurvey), 1);
+    EXPECT_EQ(read({{42, 0x08}}, &CRecvInfo::GetRtkOTF), 1);
+    EXPECT_EQ(read({{18, 9}}, &CRecvInfo::GetNMEA), 9);
+    EXPECT_EQ(read({{42, 0xDF}}, &CRecvInfo::GetCMR, kIn), 1) << "bit clear";
+    EXPECT_EQ(read({{42, 0x20}}, &CRecvInfo::GetCMR, kIn), 0) << "bit set";
+    EXPECT_EQ(read({{42, 0xBF}}, &CRecvInfo::GetCMR, kOut), 1) << "bit clear";
+    EXPECT_EQ(read({{42, 0x40}}, &CRecvInfo::GetCMR, kOut), 0) << "bit set";
+    EXPECT_EQ(read({{46, 0x04}}, &CRecvInfo::GetCMRp), 1);
+    EXPECT_EQ(read({{48, 0x10}}, &CRecvInfo::GetRtkVRS), 1);
+    EXPECT_EQ(read({{19, 7}}, &CRecvInfo::GetRTCM1, kIn), 7);
+    EXPECT_EQ(read({{21, 1}}, &CRecvInfo::GetRTCM1, kOut), 1);
+    EXPECT_EQ(read({{21, 2}}, &CRecvInfo::GetRTCM1, kOut), 0) << "of version bits";
+    EXPECT_EQ(read({{20, 5}}, &CRecvInfo::GetRTCM2, kIn), 5);
+    EXPECT_EQ(read({{22, 6}}, &CRecvInfo::GetRTCM2, kOut), 6);
+    EXPECT_EQ(read({{43, 0x02}}, &CRecvInfo::GetRTCM21, kIn), 1);
+    EXPECT_EQ(read({{43, 0x04}}, &CRecvInfo::GetRTCM21, kOut), 1);
+    EXPECT_EQ(read({{46, 0x40}}, &CRecvInfo::GetRTCM22), 1);
+    EXPECT_EQ(read({{21, 0x02}}, &CRecvInfo::GetRTCM23), 1);
+    EXPECT_EQ(read({{21, 0x04}}, &CRecvInfo::GetRTCM30), 1);
+    EXPECT_EQ(read({{45, 0x10}}, &CRecvInfo::GetBlueTooth), 1);
+    EXPECT_EQ(read({{48, 0x02}}, &CRecvInfo::Get2HzLogging), 2) << "masked";
+    EXPECT_EQ(read({{42, 0x80}}, &CRecvInfo::GetSolace), 128) << "masked";
+    EXPECT_EQ(read({{4, 0xFF}, {5, 0xFF}}, &CRecvInfo::GetMaxLoggingRate), 6553500)
+        << "rate in hundreds";
+    EXPECT_EQ(q02("00442", 0), 0);
+    EXPECT_EQ(q02("00443", 0), 1);
+    EXPECT_EQ(q02("00100", 'G'), 1) << "G needs no version";
+    EXPECT_EQ(q02("00500", ','), 0);
+    EXPECT_EQ(q02("00443", '3'), 0);
+    EXPECT_EQ(q02("00443", '5'), 0);
+    EXPECT_EQ(q02("00443", '@'), 0);
+    EXPECT_EQ(q02("00443", 'r'), 0);
+    EXPECT_EQ(q02("00443", '4'), 1);
 }
 
 TEST_F(RecvInfoTest, ExtendedOptionsNeedTheirBlock)

@@ -217,11 +217,9 @@ TEST(Replies, ExtendedOptions)
     const Reply none;
     const Reply signalsOnly{true, true, true, true, true, true};
     const Reply withBoard{true, true, true, true, true, true, true};
+    const Reply rateOnly{true, true, true, true, true, true, true, false, false, 500};
     const Reply withCmrx{true, true, true, true, true, true, true, true, true};
-    Reply withRate = withCmrx;
-    withRate.loggingRate = 500;
-    Reply rateOnly = withBoard;
-    rateOnly.loggingRate = 500;
+    const Reply withRate{true, true, true, true, true, true, true, true, true, 500};
     struct Row
     {
         std::string_view fault;
@@ -253,42 +251,32 @@ TEST(Replies, ExtendedOptions)
 
 TEST(NumberFields, ReadWhatStandsAtTheStart)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string text;
-        int integer;
-        double real;
+    const auto read = [](const std::string& text) {
+        return std::pair(IntegerField(Ascii(text)), RealField(Ascii(text)));
     };
-    const Row rows[] = {
-        {"empty field", "", 0, 0.0},
-        {"blanks in front", "  42", 42, 42.0},
-        {"blanks behind", "42  ", 42, 42.0},
-        {"blank inside", "4 2", 4, 4.0},
-        {"tab as a blank", "\t42", 42, 42.0},
-        {"zeros in front are no octal", "0017", 17, 17.0},
-        {"sign", "-18", -18, -18.0},
-        {"plus", "+18", 18, 18.0},
-        {"sign alone", "-", 0, 0.0},
-        {"two signs", "--5", 0, 0.0},
-        {"point", "1.85", 1, 1.85},
-        {"comma is no point", "1,85", 1, 1.0},
-        {"point first", ".5", 0, 0.5},
-        {"letters", "---", 0, 0.0},
-        {"letters behind", "12E", 12, 12.0},
-        {"exponent", "1e3", 1, 1000.0},
-        {"beyond int", "9999999999", 2147483647, 9999999999.0},
-        {"beyond long", "9999999999999999", 2147483647, 9999999999999999.0},
-        {"beyond int, negative", "-9999999999", -2147483647 - 1, -9999999999.0},
-        {"a zero byte ends it", std::string("1\0002", 3), 1, 1.0},
-        {"full-width digits", "\x82\x50\x82\x51", 0, 0.0},
-        {"a byte that other code pages call a blank", "\2407", 0, 0.0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(IntegerField(Ascii(row.text)), row.integer);
-        EXPECT_EQ(RealField(Ascii(row.text)), row.real);
-    }
+    EXPECT_EQ(read(""), std::pair(0, 0.0)) << "empty field";
+    EXPECT_EQ(read("  42"), std::pair(42, 42.0)) << "blanks in front";
+    EXPECT_EQ(read("42  "), std::pair(42, 42.0)) << "blanks behind";
+    EXPECT_EQ(read("4 2"), std::pair(4, 4.0)) << "blank inside";
+    EXPECT_EQ(read("\t42"), std::pair(42, 42.0)) << "tab as a blank";
+    EXPECT_EQ(read("0017"), std::pair(17, 17.0)) << "zeros in front are no octal";
+    EXPECT_EQ(read("-18"), std::pair(-18, -18.0)) << "sign";
+    EXPECT_EQ(read("+18"), std::pair(18, 18.0)) << "plus";
+    EXPECT_EQ(read("-"), std::pair(0, 0.0)) << "sign alone";
+    EXPECT_EQ(read("--5"), std::pair(0, 0.0)) << "two signs";
+    EXPECT_EQ(read("1.85"), std::pair(1, 1.85)) << "point";
+    EXPECT_EQ(read("1,85"), std::pair(1, 1.0)) << "comma is no point";
+    EXPECT_EQ(read(".5"), std::pair(0, 0.5)) << "point first";
+    EXPECT_EQ(read("---"), std::pair(0, 0.0)) << "letters";
+    EXPECT_EQ(read("12E"), std::pair(12, 12.0)) << "letters behind";
+    EXPECT_EQ(read("1e3"), std::pair(1, 1000.0)) << "exponent";
+    EXPECT_EQ(read("9999999999"), std::pair(2147483647, 9999999999.0)) << "beyond int";
+    EXPECT_EQ(read("9999999999999999"), std::pair(2147483647, 9999999999999999.0)) << "beyond long";
+    EXPECT_EQ(read("-9999999999"), std::pair(-2147483647 - 1, -9999999999.0))
+        << "beyond int, negative";
+    EXPECT_EQ(read(std::string("1\0002", 3)), std::pair(1, 1.0)) << "a zero byte ends it";
+    EXPECT_EQ(read("\x82\x50\x82\x51"), std::pair(0, 0.0)) << "full-width digits";
+    EXPECT_EQ(read("\2407"), std::pair(0, 0.0)) << "a byte that other code pages call a blank";
 }
 
 /// Words of a record, "refused" for none.
@@ -306,40 +294,36 @@ std::string Words(const std::optional<IdentificationRecord>& record)
 
 TEST(Identification, ReadsItsFields)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string text;
-        std::string read;
+    const auto read = [](const std::string& text) {
+        return Words(Parse(ParseIdentification, 0x6E, Ascii(text)));
     };
     const std::string end = ";PORT,0,38400,L,8,1,N,F;VER,4.43,";
-    const std::string read = ": port 1, 38400-8-0-0-0, 4.43";
-    const Row rows[] = {
-        {"example refused", "ID,3017" + end, "3017" + read},
-        {"even parity, two stop bits", "ID,3017;PORT,2,9600,L,7,2,E,T;VER,0.95,",
-         "3017: port 3, 9600-7-2-2-1, 0.95"},
-        {"odd parity", "ID,3017;PORT,1,38400,L,8,1,ODD,F;VER,4.43,",
-         "3017: port 2, 38400-8-1-0-0, 4.43"},
-        {"empty field counted", "ID,3017;PORT,,0,38400,L,8,1,N,F;VER,4.43,", "3017" + read},
-        {"leading delimiters not skipped", ",,ID,3017" + end, "3017" + read},
-        {"end without a comma refused", "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43", "3017" + read},
-        {"missing version taken", "ID,3017;PORT,0,38400,L,8,1,N,F;VER,", "refused"},
-        {"port beyond a byte taken", "ID,3017;PORT,255,38400,L,8,1,N,F;VER,4.43,", "refused"},
-        {"no text", "", "refused"},
-        {"four digits in front", "ID,3028X" + end, "3028" + read},
-        {"three digits", "ID,301" + end, "3010" + read},
-        {"a blank is no digit", "ID,30 7" + end, "3010" + read},
-        {"VX2", "ID,VX2" + end, "3028" + read},
-        {"VX1", "ID,VX1" + end, "3017" + read},
-        {"VX1-GNSS", "ID,VX1-GNSS" + end, "3012" + read},
-        {"only the beginning of it", "ID,VX1-" + end, "3010" + read},
-        {"small letters", "ID,vx1" + end, "3010" + read},
-        {"full-width digits", "ID,\x82\x52\x82\x4F\x82\x50\x82\x56" + end, "3010" + read},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(Words(Parse(ParseIdentification, 0x6E, Ascii(row.text))), row.read);
-    }
+    const std::string rest = ": port 1, 38400-8-0-0-0, 4.43";
+    EXPECT_EQ(read("ID,3017" + end), "3017" + rest) << "example refused";
+    EXPECT_EQ(read("ID,3017;PORT,2,9600,L,7,2,E,T;VER,0.95,"), "3017: port 3, 9600-7-2-2-1, 0.95")
+        << "even parity, two stop bits";
+    EXPECT_EQ(read("ID,3017;PORT,1,38400,L,8,1,ODD,F;VER,4.43,"),
+              "3017: port 2, 38400-8-1-0-0, 4.43")
+        << "odd parity";
+    EXPECT_EQ(read("ID,3017;PORT,,0,38400,L,8,1,N,F;VER,4.43,"), "3017" + rest)
+        << "empty field counted";
+    EXPECT_EQ(read(",,ID,3017" + end), "3017" + rest) << "leading delimiters not skipped";
+    EXPECT_EQ(read("ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43"), "3017" + rest)
+        << "end without a comma refused";
+    EXPECT_EQ(read("ID,3017;PORT,0,38400,L,8,1,N,F;VER,"), "refused") << "missing version taken";
+    EXPECT_EQ(read("ID,3017;PORT,255,38400,L,8,1,N,F;VER,4.43,"), "refused")
+        << "port beyond a byte taken";
+    EXPECT_EQ(read(""), "refused") << "no text";
+    EXPECT_EQ(read("ID,3028X" + end), "3028" + rest) << "four digits in front";
+    EXPECT_EQ(read("ID,301" + end), "3010" + rest) << "three digits";
+    EXPECT_EQ(read("ID,30 7" + end), "3010" + rest) << "a blank is no digit";
+    EXPECT_EQ(read("ID,VX2" + end), "3028" + rest) << "VX2";
+    EXPECT_EQ(read("ID,VX1" + end), "3017" + rest) << "VX1";
+    EXPECT_EQ(read("ID,VX1-GNSS" + end), "3012" + rest) << "VX1-GNSS";
+    EXPECT_EQ(read("ID,VX1-" + end), "3010" + rest) << "only the beginning of it";
+    EXPECT_EQ(read("ID,vx1" + end), "3010" + rest) << "small letters";
+    EXPECT_EQ(read("ID,\x82\x52\x82\x4F\x82\x50\x82\x56" + end), "3010" + rest)
+        << "full-width digits";
 }
 
 } // namespace

@@ -84,16 +84,10 @@ TEST(SatelliteList, SignalsStandInTheirOrder)
 
 TEST(SatelliteList, RefusesWhatDoesNotFit)
 {
-    const std::pair<std::string_view, Bytes> rows[] = {
-        {"no format byte", Ascii("01")},
-        {"fewer records than announced", {'0', '2', 0x00, 7, 90, 45}},
-        {"text record cut off", Ascii("011051204541")},
-        {"second signal cut off", Ascii("01205120454120432")},
-    };
-    for (const auto& [fault, data] : rows) {
-        SCOPED_TRACE(fault);
-        EXPECT_FALSE(List(data));
-    }
+    EXPECT_FALSE(List(Ascii("01"))) << "no format byte";
+    EXPECT_FALSE(List({'0', '2', 0x00, 7, 90, 45})) << "fewer records than announced";
+    EXPECT_FALSE(List(Ascii("011051204541"))) << "text record cut off";
+    EXPECT_FALSE(List(Ascii("01205120454120432"))) << "second signal cut off";
     EXPECT_EQ(List({'0', '0', 0x03}), SatelliteList()) << "no satellites are no failure";
 }
 

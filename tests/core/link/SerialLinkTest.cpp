@@ -185,35 +185,25 @@ TEST_F(SerialLinkTest, HangUpWakesTheWaiterAndIdlesTheReader)
 
 TEST_F(SerialLinkTest, RefusesWhatItCannotOpen)
 {
-    PortSettings rate = settings;
-    rate.baudRate = 12345;
-    PortSettings flow = settings;
-    flow.flowControl = static_cast<FlowControl>(4);
-    struct Row
-    {
-        std::string_view fault;
-        std::string path;
-        const PortSettings& with;
-        LinkError error;
+    const auto refusal = [](const std::string& path, const PortSettings& with) {
+        SerialLink other;
+        EXPECT_EQ(other.Open(path, with), 0);
+        EXPECT_FALSE(other.IsOpen());
+        const LinkError error = other.TakeErrorCode();
+        EXPECT_FALSE(other.GetDeviceFault().empty() && error == LinkError::Open);
+        return error;
     };
-    const Row rows[] = {
-        {"no device", "/dev/no-such-port", settings, LinkError::Open},
-        {"not a serial device", "/dev/null", settings, LinkError::Open},
-        {"a folder", "/", settings, LinkError::Open},
-        {"a rate that is none", farEnd.Path(), rate, LinkError::LineSettings},
-        {"a flow code that is none", farEnd.Path(), flow, LinkError::LineSettings},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(link.Open(row.path, row.with), 0);
-        EXPECT_EQ(link.TakeErrorCode(), row.error);
-        EXPECT_FALSE(link.GetDeviceFault().empty() && row.error == LinkError::Open);
-        EXPECT_FALSE(link.IsOpen());
-    }
+    EXPECT_EQ(refusal("/dev/no-such-port", settings), LinkError::Open);
+    EXPECT_EQ(refusal("/dev/null", settings), LinkError::Open) << "not a serial device";
+    EXPECT_EQ(refusal("/", settings), LinkError::Open) << "a folder";
+    PortSettings wrong = settings;
+    wrong.baudRate = 12345;
+    EXPECT_EQ(refusal(farEnd.Path(), wrong), LinkError::LineSettings) << "a rate that is none";
+    wrong = settings;
+    wrong.flowControl = static_cast<FlowControl>(4);
+    EXPECT_EQ(refusal(farEnd.Path(), wrong), LinkError::LineSettings) << "no flow code";
     Open();
-    SerialLink second;
-    EXPECT_EQ(second.Open(farEnd.Path(), settings), 0) << "a port in use was opened twice";
-    EXPECT_EQ(second.TakeErrorCode(), LinkError::Open);
+    EXPECT_EQ(refusal(farEnd.Path(), settings), LinkError::Open) << "opened twice";
 }
 
 TEST(SerialLink, OpensAndClosesInEveryState)
@@ -258,38 +248,28 @@ TEST(SerialLink, OpensAndClosesInEveryState)
 
 TEST(SettingsForLine, FollowsTheFlowControlTable)
 {
-    struct Row
-    {
-        FlowControl flow;
-        LineSettings line;
-    };
-    const Row rows[] = {
-        {FlowControl::None, {}},
-        {FlowControl::Software,
-         {.xonXoffOutput = true, .xonXoffInput = true, .sendAfterXoff = false}},
-        {FlowControl::RtsCts,
-         {.ctsOutputFlow = true,
-          .rtsHandshake = true,
-          .dsrSensitivity = true,
-          .dsrOutputFlow = true,
-          .dtrEnabled = true}},
-        {FlowControl::DsrDtr, {.dsrSensitivity = true, .dsrOutputFlow = true, .dtrEnabled = true}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(static_cast<int>(row.flow));
+    const auto lineFor = [](FlowControl flow) {
         PortSettings port;
-        port.flowControl = row.flow;
+        port.flowControl = flow;
         port.baudRate = 9600;
-        port.parity = 2;
-        LineSettings expected = row.line;
-        expected.parity = 2;
-        expected.checkParity = true;
         // As the port was left before: everything the other way round.
         LineSettings line{1200, 5,    1,    2,    false, false, true, true, true,
                           true, true, true, true, true,  true,  true, false};
-        ASSERT_TRUE(SettingsForLine(port, line));
-        EXPECT_EQ(line, expected);
-    }
+        EXPECT_TRUE(SettingsForLine(port, line));
+        return line;
+    };
+    LineSettings expected;
+    EXPECT_EQ(lineFor(FlowControl::None), expected);
+    expected.dsrSensitivity = expected.dsrOutputFlow = expected.dtrEnabled = true;
+    EXPECT_EQ(lineFor(FlowControl::DsrDtr), expected);
+    expected.ctsOutputFlow = expected.rtsHandshake = true;
+    EXPECT_EQ(lineFor(FlowControl::RtsCts), expected);
+    expected = {.xonXoffOutput = true, .xonXoffInput = true, .sendAfterXoff = false};
+    EXPECT_EQ(lineFor(FlowControl::Software), expected);
+    PortSettings even;
+    even.parity = 2;
+    ASSERT_TRUE(SettingsForLine(even, expected));
+    EXPECT_TRUE(expected.checkParity && expected.parity == 2);
 }
 
 TEST(LogFrame, AppendsADumpToTheBuiltInStorage)
