@@ -159,45 +159,31 @@ TEST_F(ConnectTest, ConnectsInItsSteps)
 
 TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
 {
-    struct Row
-    {
-        std::string_view fault;
-        const char* rule;
-        ConnectStep step;
-        CommandFault reason;
-        std::wstring_view told;
-    };
-    const Row rows[] = {
-        {"no port", nullptr, ConnectStep::OpenPort, CommandFault::OpenFailed,
-         L"通信ポートを開けません"},
-        {"silent receiver", "drop", ConnectStep::AskStatus, CommandFault::TimedOut,
-         L"応答がありません"},
-        {"refused options", "nak on 4A", ConnectStep::ReadOptions, CommandFault::Refused,
-         L"受け付けません"},
-        {"no options the third time", "nak on 4A skip 2", ConnectStep::ReadOptions,
-         CommandFault::Refused, L"受け付けません"},
-        {"wrong serial record", "wrong-type on 06", ConnectStep::ReadSerial,
-         CommandFault::WrongType, L"予期しない応答"},
-        {"pulled cable", "hang-up on 06 skip 1", ConnectStep::ReadSerial, CommandFault::LinkLost,
-         L"切断"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    using enum ConnectStep;
+    const auto expectFailure = [this](std::string_view rule, ConnectStep step, CommandFault reason,
+                                      std::wstring_view told) {
+        SCOPED_TRACE(rule);
         Start();
-        if (row.rule != nullptr) {
-            receiver->AddFault(row.rule);
-        } else {
+        if (rule.empty()) {
             receiver->simulator.HangUp();
+        } else {
+            receiver->AddFault(rule);
         }
         ConnectSequence sequence(Command(), target);
         EXPECT_EQ(sequence.Run(), 0);
-        EXPECT_EQ(sequence.FailedStep(), row.step);
-        EXPECT_EQ(sequence.FailedFault(), row.reason) << sequence.FailureDetail();
+        EXPECT_EQ(sequence.FailedStep(), step);
+        EXPECT_EQ(sequence.FailedFault(), reason) << sequence.FailureDetail();
         EXPECT_EQ(Command().IsPortOpen(), 0);
         const std::wstring message = sequence.FailureMessage();
-        EXPECT_NE(message.find(StepText(row.step)), std::wstring::npos);
-        EXPECT_NE(message.find(row.told), std::wstring::npos);
-    }
+        EXPECT_NE(message.find(StepText(step)), std::wstring::npos);
+        EXPECT_NE(message.find(told), std::wstring::npos);
+    };
+    expectFailure("", OpenPort, CommandFault::OpenFailed, L"通信ポートを開けません");
+    expectFailure("drop", AskStatus, CommandFault::TimedOut, L"応答がありません");
+    expectFailure("nak on 4A", ReadOptions, CommandFault::Refused, L"受け付けません");
+    expectFailure("nak on 4A skip 2", ReadOptions, CommandFault::Refused, L"受け付けません");
+    expectFailure("wrong-type on 06", ReadSerial, CommandFault::WrongType, L"予期しない応答");
+    expectFailure("hang-up on 06 skip 1", ReadSerial, CommandFault::LinkLost, L"切断");
 }
 
 TEST_F(ConnectTest, CancellingIsNotAFailure)

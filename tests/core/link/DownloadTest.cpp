@@ -135,66 +135,53 @@ constexpr std::uint32_t kLong = 90'000; // is written in several pieces
 
 TEST_F(DownloadTest, MakesGoodWhatIsDamaged)
 {
-    struct Row
-    {
-        const char* fault;
-        Damage damage;
-        int times;
-        bool arrives;
-        int asks; ///< 0: as it comes
-        bool endsThere = false;
-    };
-    const Damage flip = [](Bytes& block) { block[20] ^= 0x10; };
-    const Damage lose = [](Bytes& block) { block.clear(); };
-    const Row rows[] = {
-        {"nothing", nullptr, 0, true, 1},
-        {"checksum", flip, 1, true, 2},
-        {"offset, with the right checksum",
-         [](Bytes& block) {
-             block = Block(NumberAt(block, 5) ^ 1U, block[9],
-                           Bytes(block.begin() + 10, block.end() - 2));
-         },
-         1, true, 2},
-        {"length", [](Bytes& block) { block[3] ^= 0x01; }, 1, true, 0},
-        {"lost", lose, 1, true, 2},
-        {"repeated",
-         [](Bytes& block) {
-             block = Joined({block, block});
-         },
-         1, true, 0},
-        {"without bytes", [](Bytes& block) { block = Block(NumberAt(block, 5), 0, {}); }, 1, true,
-         2},
-        {"garbage",
-         [](Bytes& block) {
-             block = Joined({{0x55, 0x02, 0x00, 0x95, 0x02, 0x10}, block});
-         },
-         1, true, 0},
-        {"silence", lose, 1, true, 2, true},
-        {"three times", flip, 3, true, 4},
-        {"four times", flip, 4, false, 4},
-        {"silent for good", lose, 100, false, 4, true},
-    };
     const Bytes before = Ascii("the file of yesterday");
-    for (const Row& row : rows) {
+    // asks: how often the receiver is asked; 0: as it comes
+    const auto check = [&](const char* fault, Damage damage, int times, bool arrives, int asks,
+                           bool endsThere = false) {
         for (std::size_t at = 0; at < kBlocks; ++at) {
-            SCOPED_TRACE(std::string(row.fault) + " " + std::to_string(at));
+            SCOPED_TRACE(std::string(fault) + " " + std::to_string(at));
             fs::remove_all(day);
             folder.Write("day/A.Q01", "the file of yesterday");
-            FileServer server{Content(kSize - at * 13), row.damage, at, row.times, row.endsThere};
+            const FileServer server{Content(kSize - at * 13), damage, at, times, endsThere};
             const ScriptedEnd receiver(line, server);
             Open();
             const std::int64_t bytes = Download(server.content.size());
             ExpectCleanLine();
             command.ClosePort();
-            const auto asks = Count(receiver.Requests(), 0x96);
-            EXPECT_TRUE(asks == row.asks || (row.asks == 0 && asks <= 8)) << asks;
-            EXPECT_EQ(bytes, row.arrives ? static_cast<std::int64_t>(server.content.size()) : -1);
+            const auto asked = Count(receiver.Requests(), 0x96);
+            EXPECT_TRUE(asked == asks || (asks == 0 && asked <= 8)) << asked;
+            EXPECT_EQ(bytes, arrives ? std::ssize(server.content) : -1);
             EXPECT_EQ(command.GetDownloadFault(),
-                      row.arrives ? DownloadFault::None : DownloadFault::Link);
-            EXPECT_EQ(Ascii(ContentOf(file)), row.arrives ? server.content : before);
-            EXPECT_NE(fs::exists(part), row.arrives);
+                      arrives ? DownloadFault::None : DownloadFault::Link);
+            EXPECT_EQ(Ascii(ContentOf(file)), arrives ? server.content : before);
+            EXPECT_NE(fs::exists(part), arrives);
         }
-    }
+    };
+    const Damage flip = [](Bytes& block) { block[20] ^= 0x10; };
+    const Damage lose = [](Bytes& block) { block.clear(); };
+    const Damage move = [](Bytes& block) { // with the right checksum
+        block =
+            Block(NumberAt(block, 5) ^ 1U, block[9], Bytes(block.begin() + 10, block.end() - 2));
+    };
+    const Damage lengthen = [](Bytes& block) { block[3] ^= 0x01; };
+    const Damage repeat = [](Bytes& block) { block = Joined({block, block}); };
+    const Damage empty = [](Bytes& block) { block = Block(NumberAt(block, 5), 0, {}); };
+    const Damage precede = [](Bytes& block) {
+        block = Joined({{0x55, 0x02, 0x00, 0x95, 0x02, 0x10}, block});
+    };
+    check("nothing", nullptr, 0, true, 1);
+    check("checksum", flip, 1, true, 2);
+    check("offset", move, 1, true, 2);
+    check("length", lengthen, 1, true, 0);
+    check("lost", lose, 1, true, 2);
+    check("repeated", repeat, 1, true, 0);
+    check("without bytes", empty, 1, true, 2);
+    check("garbage in front", precede, 1, true, 0);
+    check("silence", lose, 1, true, 2, true);
+    check("three times", flip, 3, true, 4);
+    check("four times", flip, 4, false, 4);
+    check("silent for good", lose, 100, false, 4, true);
 }
 
 TEST_F(DownloadTest, TakesExactlyTheAnnouncedSize)

@@ -103,43 +103,30 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
         }
         return [all](const Bytes&) { return all; };
     };
-    struct Row
-    {
-        std::string_view fault;
-        bool isPica;
-        Answer answer;
-        int result;
-        std::size_t records;
-        std::size_t requests; ///< with the abort
-    };
-    const Row rows[] = {
-        {"Pica without end", true, picaPage, 1, 512, 57},
-        {"Pica answers with another page", true,
-         [&](const Bytes&) {
-             return picaPage({0, 0, 0, 0, 1});
-         },
-         0, 0, 1},
-        {"Lark with 64 pages", false, larkPages(64, 1, 0x80), 1, 512, 1},
-        {"Lark with more files than fit", false, larkPages(70, 1, 0x80), 1, 512, 1},
-        {"Lark without end", false, larkPages(300, 1), 0, 512, 2},
-        {"Lark that repeats itself", false, larkPages(300, 0), 0, 8, 2},
-        {"Lark that leaves pages out", false, larkPages(3, 2, 0x80), 0, 24, 2},
-        {"Lark with the marked page first", false, larkPages(2, 1, 0, Page(0x9D, 0x82, larks)), 1,
-         24, 1},
-        {"Lark that falls silent", false, larkPages(2, 1), 0, 16, 2},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto list = [&](bool isPica, const Answer& answer, std::size_t records,
+                          std::size_t requests) {
         const ScriptedEnd receiver(line, [&](const Bytes& request) {
-            return ScriptedEnd::Answer{request[2] == 0x5A ? Bytes{kAck} : row.answer(request)};
+            return ScriptedEnd::Answer{request[2] == 0x5A ? Bytes{kAck} : answer(request)};
         });
         Open();
         messages.clear();
-        EXPECT_EQ(row.isPica ? ListPica() : ListLark(), row.result) << command.LastError();
-        EXPECT_EQ(messages.size(), row.records + 1);
+        const int result = isPica ? ListPica() : ListLark();
+        EXPECT_EQ(messages.size(), records + 1);
         EXPECT_EQ(messages.back(), kEnd);
-        EXPECT_EQ(receiver.Requests().size(), row.requests);
-    }
+        EXPECT_EQ(receiver.Requests().size(), requests) << "with the abort";
+        return result;
+    };
+    const auto samePage = [&](const Bytes&) { return picaPage({0, 0, 0, 0, 1}); };
+    EXPECT_EQ(list(true, picaPage, 512, 57), 1) << "Pica without end";
+    EXPECT_EQ(list(true, samePage, 0, 1), 0) << "Pica answers with another page";
+    EXPECT_EQ(list(false, larkPages(64, 1, 0x80), 512, 1), 1) << "Lark with 64 pages";
+    EXPECT_EQ(list(false, larkPages(70, 1, 0x80), 512, 1), 1) << "more files than fit";
+    EXPECT_EQ(list(false, larkPages(300, 1), 512, 2), 0) << "Lark without end";
+    EXPECT_EQ(list(false, larkPages(300, 0), 8, 2), 0) << "Lark that repeats itself";
+    EXPECT_EQ(list(false, larkPages(3, 2, 0x80), 24, 2), 0) << "Lark that leaves pages out";
+    EXPECT_EQ(list(false, larkPages(2, 1, 0, Page(0x9D, 0x82, larks)), 24, 1), 1)
+        << "marked page first";
+    EXPECT_EQ(list(false, larkPages(2, 1), 16, 2), 0) << "Lark that falls silent";
     command.ClosePort();
     messages.clear();
     EXPECT_EQ(ListLark(), 0) << "no port";

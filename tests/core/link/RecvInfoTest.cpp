@@ -215,34 +215,25 @@ TEST(ReceiverTypes, NumberOfEveryCode)
 
 TEST(ReceiverTypes, MinimaFlagsAndNames)
 {
-    struct Row
-    {
-        std::uint32_t number;
-        double minimum;
-        bool hasFlag;
-        std::wstring_view named;
-    };
-    constexpr Row kRows[] = {
-        {2010, 1.0, true, L"2010"},
-        {2030, 1.3, true, L"2030"},
-        {2050, 9.99, false, L"2050"},
-        {3010, 1.23, true, L"3010"},
-        {3012, 1.0, true, L"Corvane VX1 GNSS"},
-        {3028, 2.03, true, L"Corvane VX2"},
-        {3051, 1.0, true, L"Corvane VX9s"},
-        {3052, 9.99, false, L"3052"}, // in no table
-    };
     CCommand command;
     CConnect connect(command, 0, ConnectTarget{});
     connect.SupportAllTypes();
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.number);
-        EXPECT_EQ(connect.stGetRecvVer(row.number), row.minimum);
-        EXPECT_EQ(connect.stGetRecvTypeFlag(row.number), row.hasFlag ? 1 : 0);
-        EXPECT_EQ(connect.stCreateWarMes(row.number), L"本ソフトウェアでは[ " +
-                                                          std::wstring(row.named) +
-                                                          L" ]受信機をサポートしておりません。");
-    }
+    const auto expectType = [&](std::uint32_t number, double minimum, int flag,
+                                const std::wstring& name) {
+        SCOPED_TRACE(number);
+        EXPECT_EQ(connect.stGetRecvVer(number), minimum);
+        EXPECT_EQ(connect.stGetRecvTypeFlag(number), flag);
+        EXPECT_EQ(connect.stCreateWarMes(number),
+                  L"本ソフトウェアでは[ " + name + L" ]受信機をサポートしておりません。");
+    };
+    expectType(2010, 1.0, 1, L"2010");
+    expectType(2030, 1.3, 1, L"2030");
+    expectType(2050, 9.99, 0, L"2050");
+    expectType(3010, 1.23, 1, L"3010");
+    expectType(3012, 1.0, 1, L"Corvane VX1 GNSS");
+    expectType(3028, 2.03, 1, L"Corvane VX2");
+    expectType(3051, 1.0, 1, L"Corvane VX9s");
+    expectType(3052, 9.99, 0, L"3052"); // in no table
     SupportedTypeFlags none;
     none.Set(2040, 1);
     EXPECT_EQ(none.Get(2040), 0) << "a type that can never be supported";

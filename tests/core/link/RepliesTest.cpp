@@ -8,6 +8,7 @@
 #include <numeric>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -150,33 +151,21 @@ TEST(Replies, WhatIsNoValueIsReadOrRefused)
 
 TEST(Replies, OptionsByLengthAndType)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::size_t length;
-        std::uint8_t typeCode;
-        std::uint8_t byte45;
-        std::uint16_t modelWord;
-        bool bluetooth;
-    };
-    const Row rows[] = {
-        {"Bluetooth flag ignored", 51, 50, 0x10, 0, true},
-        {"other bits taken for Bluetooth", 51, 50, 0xEF, 0, false},
-        {"model 310 without Bluetooth", 51, 0, 0, 310, true},
-        {"half a model word read", 50, 0, 0, 0, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Bytes data(row.length, 0);
-        data[44] = row.typeCode;
-        data[45] = row.byte45;
+    /// The model word, and whether there is Bluetooth.
+    const auto read = [](std::size_t length, std::uint8_t typeCode, std::uint8_t byte45) {
+        Bytes data(51, 0);
+        data[44] = typeCode;
+        data[45] = byte45;
         data[49] = 310 >> 8;
-        data.back() = row.length == 51 ? 310 & 0xFF : data.back();
-        const auto reply = Parse(ParseOptions, 0x4B, data);
-        ASSERT_TRUE(reply);
-        EXPECT_EQ(reply->modelWord, row.modelWord);
-        EXPECT_EQ(reply->bluetooth, row.bluetooth);
-    }
+        data[50] = 310 & 0xFF;
+        data.resize(length);
+        const auto reply = Parse(ParseOptions, 0x4B, data).value_or(OptionsReply());
+        return std::pair<int, bool>(reply.modelWord, reply.bluetooth);
+    };
+    EXPECT_EQ(read(51, 50, 0x10), std::pair(0, true)) << "Bluetooth flag ignored";
+    EXPECT_EQ(read(51, 50, 0xEF), std::pair(0, false)) << "other bits taken for Bluetooth";
+    EXPECT_EQ(read(51, 0, 0), std::pair(310, true)) << "model 310 without Bluetooth";
+    EXPECT_EQ(read(50, 0, 0), std::pair(0, false)) << "half a model word read";
 }
 
 TEST(Replies, ExtendedOptions)
