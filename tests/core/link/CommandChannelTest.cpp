@@ -74,8 +74,9 @@ TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
                                            : first == '-' ? LinkError::TimedOut
                                                           : LinkError::None);
         EXPECT_EQ(command.TakeLinkError(), LinkError::None) << "reading the code must clear it";
-        EXPECT_EQ(receiver.Requests().back(), Frame(0x08));
-        return std::pair(receiver.Requests().size(), command.Fault());
+        const std::size_t sends = receiver.Requests().size();
+        EXPECT_EQ(receiver.Requests(), std::vector<Bytes>(sends, Frame(0x08)));
+        return std::pair(sends, command.Fault());
     };
     EXPECT_EQ(tried(Reply, "g"), std::pair(1UL, None)) << "good reply refused";
     EXPECT_EQ(tried(Reply, "p"), std::pair(1UL, None)) << "reply in pieces refused";
@@ -184,8 +185,6 @@ TEST_F(CommandChannelTest, ATooLongRequestIsNotSent)
     EXPECT_EQ(command.ShowLabel(1, 2, std::wstring(252, L'x')), 0);
     EXPECT_EQ(command.Fault(), CommandFault::TooLong);
     EXPECT_TRUE(line.TakeReceived().empty());
-    command.ShowLabel(1, 2, std::wstring(251, L'x'));
-    EXPECT_EQ(line.TakeReceived().size(), 261U) << "as long as it may be";
 }
 
 TEST_F(CommandChannelTest, SendAndCollectKeepsWhateverComes)

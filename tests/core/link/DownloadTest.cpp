@@ -28,6 +28,7 @@ using namespace std::string_view_literals;
 
 constexpr std::size_t kBlocks = 8;
 constexpr std::size_t kSize = kBlocks * kBlockBytes - 300;
+
 /// What becomes of a block on its way.
 using Damage = void (*)(Bytes& block);
 
