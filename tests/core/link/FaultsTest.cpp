@@ -5,12 +5,10 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <iterator>
 #include <map>
-#include <ranges>
 #include <set>
 #include <span>
 #include <string>
@@ -198,7 +196,9 @@ TEST(FailingDevice, EveryCallMayFail)
         {"WaitEvent", LinkError::WaitEvent}, // when the reader is quick
     };
     std::set<std::string> notYet{"Read", "Write", "Purge", "SetBreak", "ClearBreak", "Close"};
-    std::ranges::copy(std::views::keys(openCodes), std::inserter(notYet, notYet.end()));
+    for (const auto& open : openCodes) {
+        notYet.insert(open.first);
+    }
     for (int n = 1; n < 200; ++n) {
         std::atomic<int> calls = 0;
         std::atomic<const char*> failed = "";

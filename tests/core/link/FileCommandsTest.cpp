@@ -37,6 +37,7 @@ protected:
     static std::vector<Message> Posted(const std::vector<std::intptr_t>& indexes)
     {
         std::vector<Message> posted;
+        posted.reserve(indexes.size() + 1);
         for (const std::intptr_t index : indexes) {
             posted.emplace_back(0x8005, 0, index);
         }
