@@ -364,7 +364,7 @@ bool HasLog(const fs::path& file)
 int MakeWritable(SqliteHandle& memory)
 {
     constexpr sqlite3_int64 kHeader = 100; // bytes
-    constexpr int kWriteVersion = 18;
+    constexpr int kWriteVersion = 18;      // where it is, and behind it that for reading
     if (const int result = ProveWritable(memory.get()); (result & 0xFF) != SQLITE_READONLY) {
         return result;
     }
@@ -375,7 +375,7 @@ int MakeWritable(SqliteHandle& memory)
         sqlite3_free(bytes);
         return SQLITE_NOMEM;
     }
-    bytes[kWriteVersion] = 1;
+    bytes[kWriteVersion] = bytes[kWriteVersion + 1] = 1; // without a log, which memory has not
     const int result = sqlite3_deserialize(
         writable.get(), "main", bytes, size, size,
         SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE); // frees them in any case

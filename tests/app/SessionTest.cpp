@@ -485,9 +485,7 @@ TEST_F(SessionTest, StandsAThousandRandomEvents)
         }
     }
     Theme::Use(Theme::Kind::Daylight);
-    // On a busy machine a receiver whose time runs so fast may seem silent once.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return controller.IsConnectedQuietly(); }, 60000))
-        << "it cannot be used any more";
+    EXPECT_TRUE(controller.IsConnectedQuietly()) << "it cannot be used any more";
 }
 
 TEST_F(SessionTest, DialogsStandAThousandRandomEvents)

@@ -43,10 +43,17 @@ struct Started : Controller
     explicit Started(const AppOptions& options) : Controller(options) { Begin(); }
     explicit Started(const QString& port, double speed = 5.0) : Started(OptionsFor(port, speed)) {}
 
+    /// On a busy machine a receiver whose time runs so fast may seem silent: it is tried again.
     [[nodiscard]] bool IsConnectedQuietly()
     {
+        constexpr int kAttempts = 50;
         std::wstring fault;
-        return ConnectQuietly(fault);
+        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+            if (ConnectQuietly(fault)) {
+                return true;
+            }
+        }
+        return false;
     }
 };
 

@@ -70,7 +70,8 @@ TEST(Doctor, FindsEachTroubleAndSaysWhatToDo)
     }
     Runner runner;
     std::filesystem::create_directories(runner.Path("home"));
-    for (const nlohmann::json& check : runner.Result("doctor")["checks"]) {
+    const nlohmann::json result = runner.Result("doctor");
+    for (const nlohmann::json& check : result["checks"]) {
         EXPECT_EQ(check["advice"].is_null(), check["health"] == "ok") << check;
     }
     EXPECT_TRUE(std::filesystem::is_empty(runner.Path("home"))) << "it changes something";

@@ -143,7 +143,8 @@ TEST_F(PlanTest, TakesWhatThePageKeeps)
         settings.limits.minLength = 10min;
         ASSERT_EQ(SavePlanSettings(HostReg(roots), settings), 1);
     }
-    for (const nlohmann::json& sample : Plans("--kind tracks")[0]["samples"]) {
+    const nlohmann::json tracks = Plans("--kind tracks");
+    for (const nlohmann::json& sample : tracks[0]["samples"]) {
         EXPECT_NE(sample["prn"], prn) << "switched off";
     }
     EXPECT_NE(Plans("")[0]["bestWindow"], best) << "by limits of its own";

@@ -199,7 +199,7 @@ TEST(TiltQuestion, TellsWhyThereIsNoReading)
         line.Say({.status = status, .answers = answers});
         EXPECT_EQ(AskTilt(line.command, true), TiltState::NoReceiver);
         if (*rule == '\0') {
-            ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::milliseconds(500)));
+            ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::seconds(answers ? 200 : 1)));
         } else {
             ASSERT_NO_FATAL_FAILURE(line.Start({}, std::chrono::seconds(20)));
             line.simulator->AddFault(testing::ParsedRule(rule));

@@ -82,7 +82,8 @@ struct SensorWords
 class SensorLine
 {
 public:
-    SensorLine()
+    /// @param speed  of its time; a reading is soon too old where that runs fast
+    explicit SensorLine(double speed = 100.0) : clock(speed)
     {
         eBubbleConfig::LoadBubbleData(reg);
         eBubbleConfig::SetBubbleExpiry(720);
@@ -156,7 +157,7 @@ public:
     TemporaryFolder folder;
     SettingsRoots roots{FoldersBelow(folder.Path())};
     HostReg reg{roots};
-    FastClock clock{100.0};
+    FastClock clock;
     std::unique_ptr<simulator::Simulator> simulator;
     CCommand command{CCommand::Surroundings{nullptr, &clock, nullptr, {}}};
 

@@ -500,11 +500,12 @@ TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 {
     const auto scenario = testing::ShippedScenario("swaying-pole");
-    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
+    testing::SensorLine pole(1.0);
+    ASSERT_NO_FATAL_FAILURE(pole.Start(scenario));
     testing::RandomHands hands;
     while (!hands.IsTired()) {
         TiltSensorDlg::SetAntH(hands.Below(4) - 1.0);
-        ASSERT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
+        ASSERT_EQ(TiltSensorDlg::StartUp(&pole.command, &window, &window), 1);
         hands.Play(*TiltSensorDlg::Instance(), 100);
         TiltSensorDlg::WindowHide(hands.Below(2));
         if (hands.Below(3) == 0) {
@@ -512,10 +513,11 @@ TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
             EXPECT_EQ(TiltSensorDlg::ShutDown(), 0);
         }
     }
-    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    TiltSensorDlg::StartUp(&pole.command, &window, &window);
     EXPECT_TRUE(QTest::qWaitFor(
-        [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 30000))
+        [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 60000))
         << "it follows the pole no more";
+    TiltSensorDlg::ShutDown(); // before its line
 }
 
 TEST_F(TiltTest, TheDialogsCutNothingOffAndStandRandomHands)
