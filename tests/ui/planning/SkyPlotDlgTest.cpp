@@ -215,8 +215,11 @@ TEST_F(SkyPlotTest, SaysWhatIsWrongAndCutsNothingOff)
         } else {
             m_simulator->AddFault(testing::ParsedRule(row.fault));
         }
-        ASSERT_TRUE(QTest::qWaitFor([&] { return problem.isVisible(); }, 20000));
-        EXPECT_TRUE(row.words == 0 || problem.text() == UiText(row.words));
+        // On a busy machine the receiver may seem silent first.
+        const auto isTold = [&] {
+            return problem.isVisible() && (row.words == 0 || problem.text() == UiText(row.words));
+        };
+        ASSERT_TRUE(QTest::qWaitFor(isTold, 60000)) << problem.text().toStdString();
         m_clock.Advance(3671s);
         ASSERT_TRUE(QTest::qWaitFor(
             [&] { return Words(CSkyPlot::kAge).contains(QStringLiteral("61分前")); }));
