@@ -1,14 +1,13 @@
 #include "app/MainWindow.h"
 
-#include "app/HomePage.h"
 #include "app/Overview.h"
 #include "core/equipment/StatusRows.h"
+#include "ui/controls/ButtonMenuDlg.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/UiText.h"
 
 #include <QCloseEvent>
 #include <QResizeEvent>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace fieldcore {
@@ -44,17 +43,16 @@ constexpr Entry kButtons[] = {
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QWidget(parent), m_status(new StatusStrip), m_home(new HomePage), m_scroll(new QScrollArea),
-      m_overview(new Overview), m_bubblePlace(new QWidget),
-      m_body(new QBoxLayout(QBoxLayout::TopToBottom)), m_menu(new CnMenuBar(1))
+    : QWidget(parent), m_status(new StatusStrip),
+      m_home(new CButtonMenuDlg(UiText(text::kAppTitle))), m_overview(new Overview),
+      m_bubblePlace(new QWidget), m_body(new QBoxLayout(QBoxLayout::TopToBottom)),
+      m_menu(new CnMenuBar(1))
 {
     setWindowTitle(UiText(text::kAppTitle));
+    m_home->Embed();
     for (const Entry& entry : kButtons) {
-        m_home->AddButton(entry.choice, QString::fromLatin1(entry.icon), UiText(entry.text));
+        m_home->AddButton(QString::fromLatin1(entry.icon), UiText(entry.text));
     }
-    m_scroll->setWidget(m_home);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setFrameShape(QFrame::NoFrame);
 
     const int link = m_menu->AddPopup(UiText(text::kAppMenuLink));
     m_menu->AddItem(link, kConnect, UiText(text::kAppConnect));
@@ -79,7 +77,7 @@ MainWindow::MainWindow(QWidget* parent)
     setMinimumSize(kLeast);
     column->addWidget(m_status);
     m_body->setSpacing(0);
-    m_body->addWidget(m_scroll, 2);
+    m_body->addWidget(m_home, 2);
     m_body->addWidget(m_overview, 1);
     column->addLayout(m_body, 1);
     constexpr int kBubbleRoom = 104; // of the small bubble, and some distance
@@ -88,7 +86,8 @@ MainWindow::MainWindow(QWidget* parent)
     column->addWidget(m_bubblePlace);
     column->addWidget(m_menu);
 
-    connect(m_home, &HomePage::Chosen, this, &MainWindow::Chosen);
+    connect(m_home, &CButtonMenuDlg::Chosen, this,
+            [this](int index) { Q_EMIT Chosen(kButtons[index].choice); });
     connect(m_menu, &CnMenuBar::ItemChosen, this, &MainWindow::Chosen);
     connect(m_menu, &CnMenuBar::CloseRequested, this, &QWidget::close);
 }
@@ -149,17 +148,11 @@ void MainWindow::Arrange()
     m_bubblePlace->setVisible(m_hasBubble && !isWide);
     const int bubble = m_hasBubble && !isWide ? m_bubblePlace->height() : 0;
     const int room = height() - heightOf(m_status) - heightOf(m_menu) - bubble;
-    m_home->Arrange(room, isWide);
+    const int over = room - m_home->Arrange(room, isWide).height();
     m_overview->SetWide(isWide);
-    const int over = room - m_home->minimumSizeHint().height();
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     m_body->setStretch(0, isWide ? 0 : 1);
     m_body->setStretch(1, isWide ? 1 : 0);
-    // A side bar is as wide as its buttons.
-    m_scroll->setHorizontalScrollBarPolicy(isWide ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
-    const int bar = m_home->minimumSizeHint().width();
-    m_scroll->setMinimumWidth(isWide ? bar : 0);
-    m_scroll->setMaximumWidth(isWide ? bar : QWIDGETSIZE_MAX);
     m_overview->setVisible(isWide || over >= heightOf(m_overview));
 }
 

@@ -8,12 +8,11 @@
 #include <utility>
 
 class QBoxLayout;
-class QScrollArea;
 
 namespace fieldcore {
 
+class CButtonMenuDlg;
 class CnMenuBar;
-class HomePage;
 class Overview;
 
 /// The window of the controller: status at the head, the buttons of the home page, the menu bar at
@@ -75,8 +74,7 @@ private:
     void Arrange();
 
     StatusStrip* m_status; // owned by the window, as is all that follows
-    HomePage* m_home;
-    QScrollArea* m_scroll;
+    CButtonMenuDlg* m_home;
     Overview* m_overview;
     QWidget* m_bubblePlace; // below the buttons
     QBoxLayout* m_body;

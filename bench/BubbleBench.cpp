@@ -2,18 +2,16 @@
 // asks a simulated receiver five times a second. Processor time of this process; the simulated
 // receiver's thread is part of it, which a real one would not be.
 
+#include "bench/Measuring.h"
 #include "core/link/Command.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
-#include "ui/controls/TouchStyle.h"
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QImage>
-
-#include <ctime>
 
 #include <benchmark/benchmark.h>
 
@@ -43,13 +41,6 @@ void BubbleTick(benchmark::State& state)
 }
 BENCHMARK(BubbleTick)->Arg(96)->Arg(480)->Unit(benchmark::kMicrosecond);
 
-double ProcessorS()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
 /// Share of one core while the window is open for five seconds.
 void OpenBubble(benchmark::State& state)
 {
@@ -66,13 +57,13 @@ void OpenBubble(benchmark::State& state)
     for (auto _ : state) {
         TiltSensorDlg::StartUp(&command, nullptr, nullptr);
         const std::size_t asked = receiver.RequestCount();
-        const double before = ProcessorS();
+        const double before = SecondsOf(CLOCK_PROCESS_CPUTIME_ID);
         QElapsedTimer watch;
         watch.start();
         while (watch.elapsed() < kForMs) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
-        share = (ProcessorS() - before) / (kForMs / 1000.0);
+        share = (SecondsOf(CLOCK_PROCESS_CPUTIME_ID) - before) / (kForMs / 1000.0);
         state.counters["polls"] = static_cast<double>(receiver.RequestCount() - asked);
         TiltSensorDlg::ShutDown();
     }
@@ -82,13 +73,3 @@ BENCHMARK(OpenBubble)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace fieldcore::bench
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    fieldcore::TouchStyle::Install();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

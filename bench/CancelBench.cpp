@@ -1,12 +1,12 @@
 // How long the user waits after a click on Cancel until the program is his again: from the click to
 // the return of what he has cancelled, before a receiver that never answers.
 
+#include "bench/Measuring.h"
 #include "core/link/Command.h"
 #include "core/link/ConnectSequence.h"
-#include "simulator/Simulator.h"
+#include "tests/core/link/FarEnd.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
-#include "ui/controls/TouchStyle.h"
 #include "ui/link/ConnectProgressDlg.h"
 
 #include <QApplication>
@@ -14,12 +14,8 @@
 #include <QPushButton>
 #include <QTimer>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <functional>
-#include <memory>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -38,20 +34,13 @@ struct Silence
         window.resize(480, 640);
         window.show();
         QApplication::setActiveWindow(&window);
-        std::string error;
-        simulator::Scenario scenario;
-        scenario.answers = false;
-        receiver = std::make_unique<simulator::Simulator>(scenario);
-        if (!receiver->Start(error)) {
-            std::abort();
-        }
-        target.devicePath = receiver->PortPath();
+        target.devicePath = end.Path();
         target.settings.replyTimeout = std::chrono::minutes(1);
     }
 
     QWidget window;
     QtHost host;
-    std::unique_ptr<simulator::Simulator> receiver;
+    testing::FarEnd end;
     CCommand command{{&host, nullptr, nullptr, nullptr}};
     ConnectTarget target;
 };
@@ -102,9 +91,8 @@ void Measure(benchmark::State& state, CCommand& command,
         command.ClosePort();
         QCoreApplication::processEvents(); // the strip goes
     }
-    std::sort(times.begin(), times.end());
-    state.counters["median_ms"] = times[times.size() / 2];
-    state.counters["worst_ms"] = times.back();
+    state.counters["median_ms"] = Quantile(times);
+    state.counters["worst_ms"] = Quantile(times, 1.0);
 }
 
 void CancelOnTheStrip(benchmark::State& state)
@@ -143,13 +131,3 @@ BENCHMARK(CancelWhileConnecting)->Iterations(25)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    fieldcore::TouchStyle::Install();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

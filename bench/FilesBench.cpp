@@ -3,9 +3,12 @@
 // counters: ratios of two things measured in turn.
 
 #include "bench/Allocations.h"
+#include "bench/Measuring.h"
 #include "core/link/Command.h"
+#include "simulator/Frame.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
+#include "tests/core/platform/TemporaryFolder.h"
 
 #include <algorithm>
 #include <array>
@@ -13,15 +16,18 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
+
+#include <csignal>
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -30,32 +36,17 @@ namespace fieldcore::bench {
 namespace {
 
 namespace fs = std::filesystem;
-using Seconds = std::chrono::duration<double>;
 
 constexpr std::size_t kBlock = 1000;      // bytes of a file in a frame
 constexpr std::size_t kBlockFrame = 1012; // and that frame on the line
 constexpr std::size_t kHead = 10;         // of a frame, before the file's bytes
 constexpr std::string_view kModel = "model 3017\nfirmware 3.20\noptions l2 rtk nmea glonass\n";
 
-/// A folder that is there as long as the program runs.
+/// As long as the program runs.
 const fs::path& Folder()
 {
-    struct Made
-    {
-        Made()
-        {
-            std::string name = (fs::temp_directory_path() / "fieldcore-bench-XXXXXX").string();
-            path = mkdtemp(name.data()) != nullptr ? fs::path(name) : fs::path();
-        }
-        ~Made()
-        {
-            std::error_code ignored;
-            fs::remove_all(path, ignored);
-        }
-        fs::path path;
-    };
-    static const Made made;
-    return made.path;
+    static const TemporaryFolder made;
+    return made.Path();
 }
 
 /// A simulated receiver in a process of its own, which ends with this object. Made before this
@@ -63,58 +54,37 @@ const fs::path& Folder()
 class OtherProcess
 {
 public:
-    explicit OtherProcess(const std::string& scenario)
+    explicit OtherProcess(const std::string& scenario) : m_child(fork())
     {
-        std::array<int, 2> down{};
-        std::array<int, 2> up{};
-        if (pipe(down.data()) != 0 || pipe(up.data()) != 0) {
-            return;
-        }
-        m_child = fork();
         if (m_child == 0) {
-            close(down[1]);
-            close(up[0]);
-            Serve(scenario, down[0], up[1]);
+            std::string error;
+            simulator::SimulatorOptions options;
+            options.link = m_path;
+            simulator::Simulator receiver(*simulator::ParseScenario(scenario, error),
+                                          SystemClock::Instance(), options);
+            if (receiver.Start(error)) {
+                pause(); // until it is killed
+            }
+            _exit(1);
         }
-        close(down[0]);
-        close(up[1]);
-        m_end = down[1];
-        char c = 0;
-        while (read(up[0], &c, 1) == 1 && c != '\n') {
-            m_path += c;
+        while (!fs::exists(m_path) && waitpid(m_child, nullptr, WNOHANG) == 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        close(up[0]);
     }
     ~OtherProcess()
     {
-        close(m_end);
+        kill(m_child, SIGKILL);
         waitpid(m_child, nullptr, 0);
+        fs::remove(m_path);
     }
     OtherProcess(const OtherProcess&) = delete;
     OtherProcess& operator=(const OtherProcess&) = delete;
 
-    [[nodiscard]] const std::string& Path() const { return m_path; }
+    [[nodiscard]] static fs::path Path() { return Folder() / "port"; }
 
 private:
-    [[noreturn]] static void Serve(const std::string& text, int end, int out)
-    {
-        {
-            std::string error;
-            const auto scenario = simulator::ParseScenario(text, error);
-            simulator::Simulator receiver(*scenario);
-            if (receiver.Start(error)) {
-                const std::string line = receiver.PortPath() + "\n";
-                static_cast<void>(write(out, line.data(), line.size()));
-                char c = 0;
-                static_cast<void>(read(end, &c, 1)); // until the other side is gone
-            }
-        }
-        _exit(0);
-    }
-
-    pid_t m_child = -1;
-    int m_end = -1;
-    std::string m_path;
+    const fs::path m_path = Path(); // made before the other process
+    const pid_t m_child;
 };
 
 std::string WithFile(std::uint32_t bytes, std::string_view more = "")
@@ -132,17 +102,9 @@ double FetchBarely(const std::string& port, std::uint32_t size)
     tcgetattr(line, &settings);
     cfmakeraw(&settings);
     tcsetattr(line, TCSANOW, &settings);
-    // Type and length, the name in 14 bytes, offset 0, and 0 blocks: all of them.
-    std::array<std::uint8_t, 26> request{0x02, 0x00, 0x96, 20};
-    constexpr std::string_view kName = "BIG.Q01       ";
-    std::copy(kName.begin(), kName.end(), request.begin() + 4);
-    unsigned sum = 0;
-    for (std::size_t at = 1; at < 24; ++at) {
-        sum += request.at(at);
-    }
-    request[24] = static_cast<std::uint8_t>(sum);
-    request[25] = 0x03;
-    const auto start = std::chrono::steady_clock::now();
+    // The name, offset 0, and 0 blocks: all of them.
+    const auto request = simulator::DataWriter().Text("BIG.Q01", 14).U32(0).U16(0).Frame(0x96);
+    const double start = SecondsOf(CLOCK_MONOTONIC);
     static_cast<void>(write(line, request.data(), request.size()));
 
     const fs::path part = Folder() / "bare.part";
@@ -171,32 +133,29 @@ double FetchBarely(const std::string& port, std::uint32_t size)
     close(file);
     std::error_code ignored;
     fs::rename(part, Folder() / "bare", ignored);
-    const double seconds = Seconds(std::chrono::steady_clock::now() - start).count();
+    const double seconds = SecondsOf(CLOCK_MONOTONIC) - start;
     close(line);
     return seconds;
 }
 
-double Median(std::vector<double>& values)
+/// @return whether there is a port
+bool Open(CCommand& command, benchmark::State& state, const PortSettings& settings = {})
 {
-    std::sort(values.begin(), values.end());
-    return values.empty() ? 0.0 : values[values.size() / 2];
-}
-
-template <typename Action>
-double Timed(Action action)
-{
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return Seconds(std::chrono::steady_clock::now() - start).count();
-}
-
-bool Open(CCommand& command, const OtherProcess& receiver, benchmark::State& state)
-{
-    if (command.OpenPort(receiver.Path()) == 0) {
+    const bool isOpen = command.OpenPort(OtherProcess::Path(), settings) != 0;
+    if (!isOpen) {
         state.SkipWithError("no port");
-        return false;
     }
-    return true;
+    return isOpen;
+}
+
+/// @return seconds
+double Fetch(CCommand& command, std::uint32_t size, benchmark::State& state)
+{
+    return Timed([&] {
+        if (command.DownloadFile(Folder(), L"BIG.Q01", size) != size) {
+            state.SkipWithError("not fetched");
+        }
+    });
 }
 
 /// A file as fast as it comes, bare and ours in turn; the ratio is the median of those of the
@@ -209,23 +168,19 @@ void Transfer(benchmark::State& state)
     std::vector<double> ours;
     std::vector<double> ratios;
     for (auto _ : state) {
-        bare.push_back(FetchBarely(receiver.Path(), kSize));
+        bare.push_back(FetchBarely(OtherProcess::Path(), kSize));
         CCommand command;
-        if (!Open(command, receiver, state)) {
+        if (!Open(command, state)) {
             break;
         }
-        ours.push_back(Timed([&] {
-            if (command.DownloadFile(Folder(), L"BIG.Q01", kSize) != kSize) {
-                state.SkipWithError("not fetched");
-            }
-        }));
+        ours.push_back(Fetch(command, kSize, state));
         ratios.push_back(bare.back() / ours.back());
     }
     const bool isSame = fs::file_size(Folder() / "bare") == fs::file_size(Folder() / "BIG.Q01");
     state.counters["same_size"] = isSame ? 1 : 0;
-    state.counters["bare_mb_per_s"] = kSize / 1e6 / Median(bare);
-    state.counters["ours_mb_per_s"] = kSize / 1e6 / Median(ours);
-    state.counters["F1_bare_over_ours"] = Median(ratios);
+    state.counters["bare_mb_per_s"] = kSize / 1e6 / Quantile(bare);
+    state.counters["ours_mb_per_s"] = kSize / 1e6 / Quantile(ours);
+    state.counters["F1_bare_over_ours"] = Quantile(ratios);
 }
 BENCHMARK(Transfer)->Iterations(31)->UseRealTime();
 
@@ -241,18 +196,13 @@ void PacedTransfer(benchmark::State& state)
         CCommand command;
         PortSettings settings;
         settings.baudRate = 115200;
-        if (command.OpenPort(receiver.Path(), settings) == 0) {
-            state.SkipWithError("no port");
+        if (!Open(command, state, settings)) {
             break;
         }
-        times.push_back(Timed([&] {
-            if (command.DownloadFile(Folder(), L"BIG.Q01", kSize) != kSize) {
-                state.SkipWithError("not fetched");
-            }
-        }));
+        times.push_back(Fetch(command, kSize, state));
     }
-    state.counters["bytes_per_s"] = kSize / Median(times);
-    state.counters["F2_of_payload_limit"] = kSize / Median(times) / kLimit;
+    state.counters["bytes_per_s"] = kSize / Quantile(times);
+    state.counters["F2_of_payload_limit"] = kSize / Quantile(times) / kLimit;
 }
 BENCHMARK(PacedTransfer)->Iterations(3)->UseRealTime();
 
@@ -263,11 +213,11 @@ public:
     void Post(unsigned, std::intptr_t wParam, std::intptr_t) override
     {
         if (wParam == 0 && rows++ == 0) {
-            first = std::chrono::steady_clock::now();
+            firstAtS = SecondsOf(CLOCK_MONOTONIC);
             pagesBefore = pages;
         }
     }
-    std::chrono::steady_clock::time_point first;
+    double firstAtS = 0.0;
     int rows = 0;
     int pages = 0;
     int pagesBefore = 0;
@@ -285,7 +235,7 @@ void Listing(benchmark::State& state)
     double pages = 0.0;
     for (auto _ : state) {
         CCommand command;
-        if (!Open(command, receiver, state)) {
+        if (!Open(command, state)) {
             break;
         }
         FirstRow rows;
@@ -294,16 +244,16 @@ void Listing(benchmark::State& state)
             rows.pages +=
                 direction == Direction::Received && frame.size() > 2 && frame[2] == kPage ? 1 : 0;
         });
-        const auto start = std::chrono::steady_clock::now();
+        const double startS = SecondsOf(CLOCK_MONOTONIC);
         all.push_back(Timed([&] { command.RequestFiles_Lark(L"*.Q01", *table, &rows); }));
-        first.push_back(Seconds(rows.first - start).count());
+        first.push_back(rows.firstAtS - startS);
         pages = std::max(pages, static_cast<double>(rows.pagesBefore));
         if (rows.rows != 512) {
             state.SkipWithError("not all files were listed");
         }
     }
-    state.counters["first_ms"] = 1000.0 * Median(first);
-    state.counters["all_ms"] = 1000.0 * Median(all);
+    state.counters["first_ms"] = 1000.0 * Quantile(first);
+    state.counters["all_ms"] = 1000.0 * Quantile(all);
     state.counters["F3_pages_before_first_row"] = pages;
 }
 BENCHMARK(Listing)->Iterations(3)->UseRealTime();
@@ -311,15 +261,9 @@ BENCHMARK(Listing)->Iterations(3)->UseRealTime();
 /// The most memory that this process has ever used, KiB.
 double PeakKib()
 {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        if (word == "VmHWM:") {
-            double kib = 0.0;
-            status >> kib;
-            return kib;
-        }
-    }
-    return 0.0;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss);
 }
 
 /// What a file of 64 MB needs more than one of 1 MB.
@@ -336,13 +280,11 @@ void Memory(benchmark::State& state)
             const std::uint32_t size = at == 0 ? kSmall : kBig;
             const OtherProcess receiver(WithFile(size));
             CCommand command;
-            if (!Open(command, receiver, state)) {
+            if (!Open(command, state)) {
                 return;
             }
             const long before = AllocationCount();
-            if (command.DownloadFile(Folder(), L"BIG.Q01", size) != size) {
-                state.SkipWithError("not fetched");
-            }
+            Fetch(command, size, state);
             counts.at(at) = static_cast<double>(AllocationCount() - before);
             peaks.at(at) = PeakKib();
         }

@@ -3,6 +3,7 @@
 
 #include "bench/Allocations.h"
 #include "bench/BareLink.h"
+#include "bench/Measuring.h"
 #include "core/link/Command.h"
 #include "core/platform/PosixSerialDevice.h"
 #include "tests/core/link/FarEnd.h"
@@ -10,15 +11,12 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
+#include <sys/resource.h>
 
 namespace fieldcore::bench {
 namespace {
@@ -28,7 +26,6 @@ using testing::Bytes;
 using testing::FarEnd;
 using testing::Frame;
 using testing::LongFrame;
-using Microseconds = std::chrono::duration<double, std::micro>;
 
 constexpr std::size_t kRequestLength = 6;
 constexpr std::size_t kReplyLength = 60;
@@ -62,27 +59,12 @@ private:
     std::thread m_thread;
 };
 
-double Quantile(std::vector<double>& values, double q)
-{
-    std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(q * static_cast<double>(values.size() - 1))];
-}
-
-template <typename Action>
-double Timed(Action action)
-{
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return Microseconds(std::chrono::steady_clock::now() - start).count();
-}
-
 /// A 6-byte request and its 60-byte reply, ours and bare in turn.
 void Exchange(benchmark::State& state)
 {
     Echo bareEnd;
     Echo ourEnd;
-    std::vector<double> bareUs;
-    std::vector<double> ourUs;
+    Comparison exchanges;
     long allocations = 0;
     {
         BareLink bare(bareEnd.Path());
@@ -90,54 +72,47 @@ void Exchange(benchmark::State& state)
         if (command.OpenPort(ourEnd.Path()) == 0) {
             state.SkipWithError("no port");
         }
-        bareUs.reserve(1'000'000);
-        ourUs.reserve(1'000'000);
         const Bytes request = Frame(0x08);
+        const auto exchangeBare = [&] {
+            bare.Write(request);
+            bare.Await(kReplyLength);
+        };
         for (auto _ : state) {
-            bareUs.push_back(Timed([&] {
-                bare.Write(request);
-                bare.Await(kReplyLength);
-            }));
             command.BeginPacket(0x08, 0);
             command.EndPacket();
-            const long before = AllocationCount();
-            ourUs.push_back(Timed([&] { command.Exchange(CCommand::Answer::Reply); }));
-            allocations += AllocationCount() - before;
+            exchanges.Turn(exchangeBare, [&] {
+                const long before = AllocationCount();
+                command.Exchange(CCommand::Answer::Reply);
+                allocations += AllocationCount() - before;
+            });
         }
         bare.Write(kStop);
         command.SendText(std::string_view("\0\0\0\0\0\0\0", kStop.size()));
         bareEnd.AwaitEnd();
         ourEnd.AwaitEnd();
     }
-    state.counters["bare_us"] = Quantile(bareUs, 0.5);
-    state.counters["ours_us"] = Quantile(ourUs, 0.5);
-    state.counters["L1_median_ratio"] = Quantile(ourUs, 0.5) / Quantile(bareUs, 0.5);
-    state.counters["L2_p99_ratio"] = Quantile(ourUs, 0.99) / Quantile(bareUs, 0.99);
+    state.counters["bare_us"] = exchanges.BareS() * 1e6;
+    state.counters["ours_us"] = exchanges.OursS() * 1e6;
+    state.counters["L1_median_ratio"] = exchanges.Ratio();
+    state.counters["L2_p99_ratio"] = exchanges.Ratio(0.99);
     state.counters["alloc_per_exchange"] =
-        static_cast<double>(allocations) / static_cast<double>(ourUs.size());
+        static_cast<double>(allocations) / static_cast<double>(state.iterations());
 }
 BENCHMARK(Exchange)->MinTime(3.0)->UseRealTime();
-
-double ProcessorSeconds(clockid_t clock)
-{
-    timespec time{};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 /// Streams long frames through @p wait and returns the processor time of all but the sender.
 template <typename Wait>
 double Streamed(const FarEnd& end, const Bytes& frames, Wait wait)
 {
-    const double before = ProcessorSeconds(CLOCK_PROCESS_CPUTIME_ID);
+    const double before = SecondsOf(CLOCK_PROCESS_CPUTIME_ID);
     double sender = 0.0;
     std::thread thread([&] {
         end.Send(frames);
-        sender = ProcessorSeconds(CLOCK_THREAD_CPUTIME_ID);
+        sender = SecondsOf(CLOCK_THREAD_CPUTIME_ID);
     });
     wait();
     thread.join();
-    return ProcessorSeconds(CLOCK_PROCESS_CPUTIME_ID) - before - sender;
+    return SecondsOf(CLOCK_PROCESS_CPUTIME_ID) - before - sender;
 }
 
 /// Processor time of reading and assembling long frames, against reading the same bytes.
@@ -176,7 +151,7 @@ void LongFrames(benchmark::State& state)
         state.counters["ours_us_per_frame"] = ourS / kFrames * 1e6;
         state.counters["bare_us_per_frame"] = bareS / kFrames * 1e6;
     }
-    state.counters["L4_ratio"] = Quantile(ratios, 0.5);
+    state.counters["L4_ratio"] = Quantile(ratios);
 }
 BENCHMARK(LongFrames)->Iterations(15)->UseRealTime();
 
@@ -209,19 +184,11 @@ BENCHMARK(Bursts)->Arg(607)->Arg(1024)->Iterations(5)->UseRealTime();
 /// How often the threads of this process but the calling one were switched to.
 long SwitchesOfOthers()
 {
-    long switches = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        if (task.path().filename() == std::to_string(gettid())) {
-            continue;
-        }
-        std::ifstream status(task.path() / "status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.starts_with("voluntary_ctxt_switches:")) {
-                switches += std::stol(line.substr(line.find(':') + 1));
-            }
-        }
-    }
-    return switches;
+    rusage all{};
+    rusage own{};
+    getrusage(RUSAGE_SELF, &all);
+    getrusage(RUSAGE_THREAD, &own);
+    return all.ru_nvcsw - own.ru_nvcsw;
 }
 
 /// Wake-ups of the reader of an idle open port in ten seconds.
@@ -249,7 +216,7 @@ void TimeOut(benchmark::State& state)
     static_cast<void>(link.Open(end.Path(), settings));
     double worst = 0.0;
     for (auto _ : state) {
-        worst = std::max(worst, Timed([&] { link.WaitDelivery(); }) / 1000.0 - 120.0);
+        worst = std::max(worst, Timed([&] { link.WaitDelivery(); }) * 1000.0 - 120.0);
     }
     state.counters["L7_worst_late_ms"] = worst;
 }
@@ -259,16 +226,16 @@ BENCHMARK(TimeOut)->Iterations(40)->UseRealTime();
 void OpenClose(benchmark::State& state)
 {
     const FarEnd end;
-    std::vector<double> us;
+    std::vector<double> seconds;
     for (auto _ : state) {
-        us.push_back(Timed([&] {
+        seconds.push_back(Timed([&] {
             SerialLink link;
             static_cast<void>(link.Open(end.Path(), {}));
             link.Close();
         }));
     }
-    state.counters["median_ms"] = Quantile(us, 0.5) / 1000.0;
-    state.counters["worst_ms"] = us.back() / 1000.0;
+    state.counters["median_ms"] = Quantile(seconds) * 1e3;
+    state.counters["worst_ms"] = Quantile(seconds, 1.0) * 1e3;
 }
 BENCHMARK(OpenClose)->Iterations(500)->UseRealTime();
 

@@ -18,11 +18,10 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
-#include <numbers>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -34,6 +33,27 @@ namespace {
 
 constexpr double kDayS = 86400.0;
 
+Ecef operator+(const Ecef& a, const Ecef& b)
+{
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+Ecef operator-(const Ecef& a, const Ecef& b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+Ecef operator*(double s, const Ecef& a)
+{
+    return {s * a.x, s * a.y, s * a.z};
+}
+double Dot(const Ecef& a, const Ecef& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+double Length(const Ecef& a)
+{
+    return std::sqrt(Dot(a, a));
+}
+
 struct Known
 {
     double gpsS;
@@ -42,18 +62,6 @@ struct Known
 };
 using Track = std::vector<Known>;
 using Truth = std::map<SatelliteId, Track>;
-
-double SecondsOf(const std::vector<std::string_view>& date)
-{
-    std::array<int, 5> parts{};
-    for (std::size_t i = 0; i < parts.size() && i < date.size(); ++i) {
-        parts[i] = std::atoi(std::string(date[i]).c_str());
-    }
-    using namespace std::chrono_literals;
-    const std::chrono::sys_days day{std::chrono::year(parts[0]) / parts[1] / parts[2]};
-    const auto days = (day - std::chrono::sys_days(1980y / 1 / 6)).count();
-    return static_cast<double>(days) * kDayS + parts[3] * 3600.0 + parts[4] * 60.0;
-}
 
 Truth ReadPrecise(const char* file)
 {
@@ -65,16 +73,21 @@ Truth ReadPrecise(const char* file)
     TextLines lines({reinterpret_cast<const char*>(content->data()), content->size()});
     double gpsS = 0.0;
     while (const auto line = lines.Next()) {
-        if (line->substr(0, 2) == "* ") {
-            gpsS = SecondsOf(Words(line->substr(1)));
-        } else if (line->substr(0, 1) == "P") {
-            const auto words = Words(line->substr(4));
-            const auto satellite = SatelliteId::Parse(line->substr(1, 3));
-            const auto metres = [&](std::size_t i) {
-                return 1000.0 * std::atof(std::string(words[i]).c_str());
-            };
-            if (satellite && words.size() >= 3 && metres(0) != 0.0) {
-                truth[*satellite].push_back({gpsS, {metres(0), metres(1), metres(2)}});
+        const std::string text(*line);
+        int year = 0, month = 0, day = 0, hour = 0, minute = 0;
+        std::array<char, 4> name{};
+        Ecef km{};
+        if (std::sscanf(text.c_str(), "* %d %d %d %d %d", &year, &month, &day, &hour, &minute) ==
+            5) {
+            using namespace std::chrono;
+            const auto days =
+                sys_days(std::chrono::year(year) / month / day) - sys_days(1980y / 1 / 6);
+            gpsS = static_cast<double>(days.count()) * kDayS + hour * 3600.0 + minute * 60.0;
+        } else if (std::sscanf(text.c_str(), "P%3c %lf %lf %lf", name.data(), &km.x, &km.y,
+                               &km.z) == 4 &&
+                   km.x != 0.0) {
+            if (const auto satellite = SatelliteId::Parse(name.data())) {
+                truth[*satellite].push_back({gpsS, 1000.0 * km});
             }
         }
     }
@@ -82,19 +95,6 @@ Truth ReadPrecise(const char* file)
 }
 
 // Where a satellite goes in a frame that does not turn: the equator and equinox of the day.
-
-struct Vector
-{
-    double x = 0.0, y = 0.0, z = 0.0;
-    friend Vector operator+(Vector a, Vector b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-    friend Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-    friend Vector operator*(double s, Vector a) { return {s * a.x, s * a.y, s * a.z}; }
-    [[nodiscard]] double Length() const { return std::hypot(x, y, z); }
-};
-double Dot(Vector a, Vector b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
 
 constexpr double kEarthGm = 3.986004418e14;
 constexpr double kRadius = 6378136.3;
@@ -114,20 +114,20 @@ double TurnAt(double gpsS)
     return RadiansOf(std::fmod(280.46061837 + 360.98564736629 * DaysAt(gpsS), 360.0));
 }
 
-Vector Turned(Vector v, double angle)
+Ecef Turned(Ecef v, double angle)
 {
     const double c = std::cos(angle);
     const double s = std::sin(angle);
     return {c * v.x - s * v.y, s * v.x + c * v.y, v.z};
 }
 
-Vector OfEcliptic(double longitudeDeg, double latitudeDeg, double length)
+Ecef OfEcliptic(double longitudeDeg, double latitudeDeg, double length)
 {
     const double tilt = RadiansOf(23.437);
     const double l = RadiansOf(longitudeDeg);
     const double b = RadiansOf(latitudeDeg);
-    const Vector v{length * std::cos(b) * std::cos(l), length * std::cos(b) * std::sin(l),
-                   length * std::sin(b)};
+    const Ecef v{length * std::cos(b) * std::cos(l), length * std::cos(b) * std::sin(l),
+                 length * std::sin(b)};
     return {v.x, std::cos(tilt) * v.y - std::sin(tilt) * v.z,
             std::sin(tilt) * v.y + std::cos(tilt) * v.z};
 }
@@ -142,7 +142,7 @@ double Cosine(double degrees)
 }
 
 /// To 0.01 degrees: Astronomical Almanac, page C5.
-Vector SunAt(double days)
+Ecef SunAt(double days)
 {
     const double g = 357.528 + 0.9856003 * days;
     const double au = 1.495978707e11;
@@ -151,7 +151,7 @@ Vector SunAt(double days)
 }
 
 /// To 0.3 degrees: the same, page D46.
-Vector MoonAt(double days)
+Ecef MoonAt(double days)
 {
     const double t = days / 36525.0;
     const double longitude = 218.32 + 481267.881 * t + 6.29 * Sine(135.0 + 477198.87 * t) -
@@ -174,84 +174,81 @@ constexpr Parameters kUnits{1e3, 1e3, 1e3, 0.1, 0.1, 0.1, 1e-8, 1e-9, 1e-6, 1e-6
 
 struct State
 {
-    Vector place, motion;
+    Ecef place, motion;
+    friend State operator+(const State& a, const State& b)
+    {
+        return {a.place + b.place, a.motion + b.motion};
+    }
+    friend State operator*(double s, const State& a) { return {s * a.place, s * a.motion}; }
 };
 
-Vector PullOn(const Vector& r, double gpsS, const Parameters& p)
+Ecef PullOn(const Ecef& r, double gpsS, const Parameters& p)
 {
-    const double length = r.Length();
+    const double length = Length(r);
     const double r2 = length * length;
     const double central = kEarthGm / (r2 * length);
     const double oblate = 1.5 * kJ2 * central * kRadius * kRadius / r2;
     const double tilt = 5.0 * r.z * r.z / r2;
-    Vector pull{-central * r.x - oblate * (1.0 - tilt) * r.x,
-                -central * r.y - oblate * (1.0 - tilt) * r.y,
-                -central * r.z - oblate * (3.0 - tilt) * r.z};
+    Ecef pull{-central * r.x - oblate * (1.0 - tilt) * r.x,
+              -central * r.y - oblate * (1.0 - tilt) * r.y,
+              -central * r.z - oblate * (3.0 - tilt) * r.z};
     // The equator is no circle: that turns with the earth.
     const double turn = TurnAt(gpsS);
-    const Vector f = Turned(r, -turn);
+    const Ecef f = Turned(r, -turn);
     const double scale = 3.0 * kEarthGm * kRadius * kRadius / (r2 * r2 * length);
     const double potential = scale * (kC22 * (f.x * f.x - f.y * f.y) + 2.0 * kS22 * f.x * f.y);
-    const Vector round = 2.0 * scale * Vector{kC22 * f.x + kS22 * f.y, kS22 * f.x - kC22 * f.y, 0};
+    const Ecef round = 2.0 * scale * Ecef{kC22 * f.x + kS22 * f.y, kS22 * f.x - kC22 * f.y, 0};
     pull = pull + Turned(round - 5.0 * potential / r2 * f, turn);
     const double days = DaysAt(gpsS);
-    const Vector sun = SunAt(days);
+    const Ecef sun = SunAt(days);
     for (const auto& [body, gm] : {std::pair(sun, kSunGm), {MoonAt(days), kMoonGm}}) {
-        const Vector to = body - r;
-        pull = pull + gm / std::pow(to.Length(), 3) * to - gm / std::pow(body.Length(), 3) * body;
+        const Ecef to = body - r;
+        pull = pull + gm / std::pow(Length(to), 3) * to - gm / std::pow(Length(body), 3) * body;
     }
-    const Vector away = 1.0 / (r - sun).Length() * (r - sun);
-    const Vector across{away.y * r.z - away.z * r.y, away.z * r.x - away.x * r.z,
-                        away.x * r.y - away.y * r.x};
-    return pull + p[6] * away + p[7] / across.Length() * across;
+    const Ecef away = 1.0 / Length(r - sun) * (r - sun);
+    const Ecef across{away.y * r.z - away.z * r.y, away.z * r.x - away.x * r.z,
+                      away.x * r.y - away.y * r.x};
+    return pull + p[6] * away + p[7] / Length(across) * across;
 }
 
 /// Earth-fixed places at @p count times, a quarter of an hour apart from @p startS on.
-std::vector<Vector> CarriedOn(const Parameters& p, double startS, std::size_t count)
+std::vector<Ecef> CarriedOn(const Parameters& p, double startS, std::size_t count)
 {
-    std::vector<Vector> places;
+    std::vector<Ecef> places;
     State s{{p[0], p[1], p[2]}, {p[3], p[4], p[5]}};
     constexpr int kSteps = static_cast<int>(900.0 / kStepS);
+    const auto rate = [&p](const State& at, double gpsS) {
+        return State{at.motion, PullOn(at.place, gpsS, p)};
+    };
     double t = startS;
     while (places.size() < count) {
-        const Vector f = Turned(s.place, -TurnAt(t));
-        places.push_back(f + Vector{p[9] * f.z, -p[8] * f.z, p[8] * f.y - p[9] * f.x});
+        const Ecef f = Turned(s.place, -TurnAt(t));
+        places.push_back(f + Ecef{p[9] * f.z, -p[8] * f.z, p[8] * f.y - p[9] * f.x});
         for (int step = 0; step < kSteps; ++step, t += kStepS) {
-            const double h = kStepS;
-            const Vector v1 = s.motion, a1 = PullOn(s.place, t, p);
-            const Vector v2 = s.motion + h / 2 * a1,
-                         a2 = PullOn(s.place + h / 2 * v1, t + h / 2, p);
-            const Vector v3 = s.motion + h / 2 * a2,
-                         a3 = PullOn(s.place + h / 2 * v2, t + h / 2, p);
-            const Vector v4 = s.motion + h * a3, a4 = PullOn(s.place + h * v3, t + h, p);
-            s = {s.place + h / 6 * (v1 + 2.0 * v2 + 2.0 * v3 + v4),
-                 s.motion + h / 6 * (a1 + 2.0 * a2 + 2.0 * a3 + a4)};
+            constexpr double h = kStepS;
+            const State k1 = rate(s, t);
+            const State k2 = rate(s + h / 2 * k1, t + h / 2);
+            const State k3 = rate(s + h / 2 * k2, t + h / 2);
+            const State k4 = rate(s + h * k3, t + h);
+            s = s + h / 6 * (k1 + 2.0 * k2 + 2.0 * k3 + k4);
         }
     }
     return places;
-}
-
-Vector VectorOf(const Ecef& e)
-{
-    return {e.x, e.y, e.z};
 }
 
 /// Least squares: solves @p a x = @p b, symmetric, by elimination.
 Parameters Solved(std::array<Parameters, std::tuple_size_v<Parameters>> a, Parameters b)
 {
     for (std::size_t i = 0; i < b.size(); ++i) {
-        for (std::size_t row = i + 1; row < b.size(); ++row) {
-            const double factor = a[row][i] / a[i][i];
+        for (std::size_t row = 0; row < b.size(); ++row) {
+            const double factor = row == i ? 0.0 : a[row][i] / a[i][i];
             for (std::size_t column = i; column < b.size(); ++column) {
                 a[row][column] -= factor * a[i][column];
             }
             b[row] -= factor * b[i];
         }
     }
-    for (std::size_t i = b.size(); i-- > 0;) {
-        for (std::size_t column = i + 1; column < b.size(); ++column) {
-            b[i] -= a[i][column] * b[column];
-        }
+    for (std::size_t i = 0; i < b.size(); ++i) {
         b[i] /= a[i][i];
     }
     return b;
@@ -262,19 +259,18 @@ Parameters Solved(std::array<Parameters, std::tuple_size_v<Parameters>> a, Param
 Parameters Fitted(const Track& track, std::size_t count)
 {
     const auto inertial = [&](std::size_t i) {
-        return Turned(VectorOf(track[i].position), TurnAt(track[i].gpsS));
+        return Turned(track[i].position, TurnAt(track[i].gpsS));
     };
     // By differences from the third place, carried back.
-    const Vector motion =
+    const Ecef motion =
         1.0 / (12.0 * 900.0) * ((inertial(0) - inertial(4)) + 8.0 * (inertial(3) - inertial(1)));
     const double startS = track[2].gpsS;
-    const Vector place = inertial(2);
+    const Ecef place = inertial(2);
     Parameters p{place.x, place.y, place.z, motion.x, motion.y, motion.z, 1e-7, 0.0, 0.0, 0.0};
-    for (int round = 0; round < 6; ++round) {
-        const std::size_t used = round < 2 ? 12 : count - 2; // the nearest first
-        const std::vector<Vector> base = CarriedOn(p, startS, used);
-        std::array<std::vector<Vector>, std::tuple_size_v<Parameters>> partials;
-        const std::size_t free = round < 2 ? 6 : p.size();
+    const std::size_t used = count - 2;
+    for (int round = 0; round < 5; ++round) {
+        const std::vector<Ecef> base = CarriedOn(p, startS, used);
+        std::array<std::vector<Ecef>, std::tuple_size_v<Parameters>> partials;
         std::array<Parameters, std::tuple_size_v<Parameters>> normal{};
         Parameters right{};
         for (std::size_t i = 0; i < p.size(); ++i) {
@@ -283,24 +279,11 @@ Parameters Fitted(const Track& track, std::size_t count)
             partials[i] = CarriedOn(moved, startS, used);
             for (std::size_t k = 0; k < used; ++k) {
                 partials[i][k] = partials[i][k] - base[k];
-            }
-        }
-        for (std::size_t i = 0; i < p.size(); ++i) {
-            for (std::size_t k = 0; k < used; ++k) {
-                right[i] += Dot(partials[i][k], VectorOf(track[k + 2].position) - base[k]);
-                for (std::size_t j = 0; j < p.size(); ++j) {
+                right[i] += Dot(partials[i][k], track[k + 2].position - base[k]);
+                for (std::size_t j = 0; j <= i; ++j) {
                     normal[i][j] += Dot(partials[i][k], partials[j][k]);
+                    normal[j][i] = normal[i][j];
                 }
-            }
-            if (i >= free) { // held
-                normal[i] = {};
-                normal[i][i] = 1.0;
-                right[i] = 0.0;
-            }
-        }
-        for (std::size_t i = 0; i < free; ++i) {
-            for (std::size_t j = free; j < p.size(); ++j) {
-                normal[i][j] = 0.0;
             }
         }
         const Parameters change = Solved(normal, right);
@@ -364,11 +347,10 @@ void PrintCheck(const LocalFrame& site, const Truth& truth)
     std::map<GnssSystem, std::vector<double>> ends;
     for (const auto& [satellite, track] : truth) {
         const std::size_t half = track.size() / 2;
-        const std::vector<Vector> carried =
+        const std::vector<Ecef> carried =
             CarriedOn(Fitted(track, half), track[2].gpsS, track.size() - 2);
-        const Vector& last = carried.back();
         ends[satellite.system].push_back(
-            DegreesBetween(site, track.back().position, {last.x, last.y, last.z}));
+            DegreesBetween(site, track.back().position, carried.back()));
     }
     for (auto& [system, degrees] : ends) {
         std::sort(degrees.begin(), degrees.end());
@@ -397,11 +379,9 @@ int main(int argc, char** argv)
     for (auto& [satellite, track] : truth) {
         constexpr std::size_t kCount = 15 * 96;
         const double startS = track[2].gpsS;
-        const std::vector<Vector> carried = CarriedOn(Fitted(track, track.size()), startS, kCount);
+        const std::vector<Ecef> carried = CarriedOn(Fitted(track, track.size()), startS, kCount);
         for (std::size_t k = track.size() - 2; k < kCount; ++k) {
-            track.push_back({startS + static_cast<double>(k) * 900.0,
-                             {carried[k].x, carried[k].y, carried[k].z},
-                             false});
+            track.push_back({startS + static_cast<double>(k) * 900.0, carried[k], false});
         }
     }
     for (const NavigationRecord& record : text.records) {

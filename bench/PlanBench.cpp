@@ -2,6 +2,7 @@
 // the counters: ratios of two things measured in turn, medians of all turns.
 
 #include "bench/Allocations.h"
+#include "bench/Measuring.h"
 #include "bench/literal/LiteralPlan.h"
 #include "core/orbits/SystemTime.h"
 #include "core/planning/NominalConstellation.h"
@@ -12,8 +13,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <ctime>
-#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -27,15 +26,13 @@ constexpr int kSites = 1000;
 /// A day over a site with a mask and a house to the south, all 32 satellites.
 void SetUp(ObservationPlan& plan)
 {
-    std::vector<std::uint8_t> content = testing::SampleFile();
+    std::vector<AlmanacRecord> records = testing::SampleSatellites(30);
     for (int prn = 31; prn <= 32; ++prn) {
-        AlmanacRecord record = testing::SampleSatellite(prn - 5);
-        record.prn = static_cast<std::uint8_t>(prn);
-        record.m0 += 0.2;
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
+        records.push_back(testing::SampleSatellite(prn - 5));
+        records.back().prn = static_cast<std::uint8_t>(prn);
+        records.back().m0 += 0.2;
     }
-    plan.Calc().LoadAlmanac(content);
+    plan.Calc().LoadAlmanac(testing::FileOf(records));
     ObstructionCurtain curtain{};
     std::fill(curtain.begin() + 150, curtain.begin() + 210, std::uint8_t{35});
     plan.Calc().SetCurtain(curtain);
@@ -44,29 +41,8 @@ void SetUp(ObservationPlan& plan)
     plan.Period() = {year(2022) / March / 10, 0, 24};
 }
 
-double Median(std::vector<double>& values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-double NowUs(clockid_t clock)
-{
-    timespec time{};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) * 1e-3;
-}
-
-/// By default processor time of this thread: on a busy machine the longer of two actions would
-/// lose more to others.
-template <typename Action>
-double Timed(Action action, clockid_t clock = CLOCK_THREAD_CPUTIME_ID)
-{
-    const double start = NowUs(clock);
-    action();
-    return NowUs(clock) - start;
-}
+/// Measured is the processor time of this thread.
+constexpr clockid_t kProcessor = CLOCK_THREAD_CPUTIME_ID;
 
 /// Vectors of at most as many doubles as the benchmark's argument says, for its time.
 class LanesOf
@@ -90,23 +66,22 @@ void DayOfOneSite(benchmark::State& state)
     SetUp(plan);
     plan.Compute();
     const LiteralPlan literal(plan.Calc(), plan.Period());
-    std::vector<double> literalUs;
-    std::vector<double> ourUs;
+    Comparison days(kProcessor);
     long allocations = 0;
+    const auto computeLiteral = [&] {
+        benchmark::DoNotOptimize(literal.Count());
+        benchmark::DoNotOptimize(literal.Dops());
+    };
     for (auto _ : state) {
-        literalUs.push_back(Timed([&] {
-            benchmark::DoNotOptimize(literal.Count());
-            benchmark::DoNotOptimize(literal.Dop(&DopValues::pdop));
-        }));
-        ourUs.push_back(Timed([&] {
+        days.Turn(computeLiteral, [&] {
             const long before = AllocationCount();
             plan.Compute();
             allocations += AllocationCount() - before;
-        }));
+        });
     }
-    state.counters["P1_ratio"] = Median(literalUs) / Median(ourUs);
-    state.counters["literal_us"] = Median(literalUs);
-    state.counters["ours_us"] = Median(ourUs);
+    state.counters["P1_ratio"] = 1.0 / days.Ratio();
+    state.counters["literal_us"] = days.BareS() * 1e6;
+    state.counters["ours_us"] = days.OursS() * 1e6;
     state.counters["P9_allocations"] = static_cast<double>(allocations);
 }
 BENCHMARK(DayOfOneSite)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->MinTime(1.0)->UseRealTime();
@@ -118,25 +93,24 @@ void OneSatellite(benchmark::State& state)
     CAlmanacSatellite satellite(7);
     satellite.SetRecord(EncodeAlmanac(testing::SampleSatellite(7)));
     const KeplerElements elements(testing::SampleSatellite(7));
-    std::vector<double> literalUs;
-    std::vector<double> ourUs;
+    Comparison positions(kProcessor);
+    const auto literal = [&] {
+        for (int i = 0; i < kTimes; ++i) {
+            const auto position = LiteralPosition(elements, {testing::kSampleWeek, i * 60.0});
+            benchmark::DoNotOptimize(ReferenceDirection(Observer{}, *position));
+        }
+    };
     for (auto _ : state) {
-        literalUs.push_back(Timed([&] {
-            for (int i = 0; i < kTimes; ++i) {
-                const auto position = LiteralPosition(elements, {testing::kSampleWeek, i * 60.0});
-                benchmark::DoNotOptimize(ReferenceDirection(Observer{}, *position));
-            }
-        }));
-        ourUs.push_back(Timed([&] {
+        positions.Turn(literal, [&] {
             for (int i = 0; i < kTimes; ++i) {
                 satellite.SetTime({testing::kSampleWeek, i * 60.0});
                 benchmark::DoNotOptimize(satellite.Compute());
             }
-        }));
+        });
     }
-    state.counters["P3_ratio"] = Median(literalUs) / Median(ourUs);
-    state.counters["literal_ns"] = Median(literalUs);
-    state.counters["ours_ns"] = Median(ourUs);
+    state.counters["P3_ratio"] = 1.0 / positions.Ratio();
+    state.counters["literal_ns"] = positions.BareS() * 1e9 / kTimes;
+    state.counters["ours_ns"] = positions.OursS() * 1e9 / kTimes;
 }
 BENCHMARK(OneSatellite)->MinTime(1.0)->UseRealTime();
 
@@ -158,22 +132,21 @@ void ManySites(benchmark::State& state)
     SetUp(plan);
     const std::vector<Observer> sites = Sites();
     std::vector<SiteView> views(sites.size());
-    std::vector<double> literalUs;
-    std::vector<double> oneUs;
+    Comparison days(kProcessor);
+    LiteralPlan literal(plan.Calc(), plan.Period());
+    const auto computeLiteral = [&] {
+        for (const Observer& site : sites) {
+            literal.SetObserver(site);
+            benchmark::DoNotOptimize(literal.Count());
+            benchmark::DoNotOptimize(literal.Dops());
+        }
+    };
     for (auto _ : state) {
-        LiteralPlan literal(plan.Calc(), plan.Period());
-        literalUs.push_back(Timed([&] {
-            for (const Observer& site : sites) {
-                literal.SetObserver(site);
-                benchmark::DoNotOptimize(literal.Count());
-                benchmark::DoNotOptimize(literal.Dop(&DopValues::pdop));
-            }
-        }));
-        oneUs.push_back(Timed([&] { plan.ComputeSites(sites, views, 1); }));
+        days.Turn(computeLiteral, [&] { plan.ComputeSites(sites, views, 1); });
     }
-    state.counters["P4_ratio"] = Median(literalUs) / Median(oneUs);
-    state.counters["literal_ms"] = Median(literalUs) / 1000.0;
-    state.counters["ours_ms"] = Median(oneUs) / 1000.0;
+    state.counters["P4_ratio"] = 1.0 / days.Ratio();
+    state.counters["literal_ms"] = days.BareS() * 1e3;
+    state.counters["ours_ms"] = days.OursS() * 1e3;
 }
 BENCHMARK(ManySites)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->Iterations(7)->UseRealTime();
 
@@ -185,15 +158,14 @@ void TwoThreads(benchmark::State& state)
     SetUp(plan);
     const std::vector<Observer> sites = Sites();
     std::vector<SiteView> views(sites.size());
-    double one = std::numeric_limits<double>::infinity();
-    double two = one;
+    Comparison threads; // one, and two of them
     for (auto _ : state) {
-        one = std::min(one, Timed([&] { plan.ComputeSites(sites, views, 1); }, CLOCK_MONOTONIC));
-        two = std::min(two, Timed([&] { plan.ComputeSites(sites, views, 2); }, CLOCK_MONOTONIC));
+        threads.Turn([&] { plan.ComputeSites(sites, views, 1); },
+                     [&] { plan.ComputeSites(sites, views, 2); });
     }
-    state.counters["P5_ratio"] = two / one;
-    state.counters["one_ms"] = one / 1000.0;
-    state.counters["two_ms"] = two / 1000.0;
+    state.counters["P5_ratio"] = threads.Ratio(0.0);
+    state.counters["one_ms"] = threads.BareS(0.0) * 1e3;
+    state.counters["two_ms"] = threads.OursS(0.0) * 1e3;
 }
 BENCHMARK(TwoThreads)->Iterations(100)->UseRealTime();
 
@@ -214,35 +186,33 @@ void SearchOfTwoWeeks(benchmark::State& state)
             sites.push_back({L"", site, SkyLimits(0.26, curtain)});
         }
     }
-    std::vector<double> placeUs;
-    std::vector<double> allUs;
-    placeUs.reserve(100); // so that only the search would allocate
-    allUs.reserve(100);
-    std::vector<double> windowsUs;
+    std::vector<double> placeS;
+    std::vector<double> allS;
+    std::vector<double> windowsS;
     long allocations = 0;
     for (auto _ : state) {
         PlanSearch search(sites, hours, known, satellites);
         const long before = AllocationCount();
-        placeUs.push_back(Timed([&] {
-            while (search.StepsDone() < satellites.size()) {
-                search.Step();
-            }
-        }));
-        allUs.push_back(placeUs.back() + Timed([&] {
-                            while (search.Step()) {
-                            }
-                        }));
+        const double start = SecondsOf(kProcessor);
+        while (search.StepsDone() < satellites.size()) {
+            search.Step();
+        }
+        const double placed = SecondsOf(kProcessor);
+        while (search.Step()) {
+        }
+        const double viewed = SecondsOf(kProcessor);
         allocations += AllocationCount() - before;
-        windowsUs.push_back(Timed([&] {
-            for (std::size_t site = 0; site <= sites.size(); ++site) {
-                benchmark::DoNotOptimize(search.BestOfDays(site, {6, 3.0, minutes(60)}));
-            }
-        }));
+        for (std::size_t site = 0; site <= sites.size(); ++site) {
+            benchmark::DoNotOptimize(search.BestOfDays(site, {6, 3.0, minutes(60)}));
+        }
+        placeS.push_back(placed - start);
+        allS.push_back(viewed - start);
+        windowsS.push_back(SecondsOf(kProcessor) - viewed);
     }
     state.counters["satellites"] = static_cast<double>(satellites.size());
-    state.counters["P6_ms"] = Median(allUs) / 1000.0;
-    state.counters["of_it_positions_ms"] = Median(placeUs) / 1000.0;
-    state.counters["windows_ms"] = Median(windowsUs) / 1000.0;
+    state.counters["P6_ms"] = Quantile(allS) * 1e3;
+    state.counters["of_it_positions_ms"] = Quantile(placeS) * 1e3;
+    state.counters["windows_ms"] = Quantile(windowsS) * 1e3;
     state.counters["P9_allocations"] = static_cast<double>(allocations);
 }
 BENCHMARK(SearchOfTwoWeeks)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->Iterations(7)->UseRealTime();
@@ -267,21 +237,20 @@ void AllGraphs(benchmark::State& state)
         }
         return sum;
     };
-    std::vector<double> oneUs;
-    std::vector<double> allUs;
+    Comparison graphs(kProcessor); // one, and all of them
+    const auto one = [&] {
+        plan.Compute();
+        benchmark::DoNotOptimize(read(PlanGraph::Count));
+    };
     for (auto _ : state) {
-        oneUs.push_back(Timed([&] {
-            plan.Compute();
-            benchmark::DoNotOptimize(read(PlanGraph::Count));
-        }));
-        allUs.push_back(Timed([&] {
+        graphs.Turn(one, [&] {
             plan.Compute();
             for (int graph = 0; graph <= 6; ++graph) {
                 benchmark::DoNotOptimize(read(static_cast<PlanGraph>(graph)));
             }
-        }));
+        });
     }
-    state.counters["P7_ratio"] = Median(allUs) / Median(oneUs);
+    state.counters["P7_ratio"] = graphs.Ratio();
 }
 BENCHMARK(AllGraphs)->MinTime(1.0)->UseRealTime();
 
@@ -303,24 +272,22 @@ void Differences(benchmark::State& state)
             const LiteralPlan literal(plan.Calc(), plan.Period());
             const auto skies = literal.Tracks();
             const auto counts = literal.Count();
-            const auto pdops = literal.Dop(&DopValues::pdop);
+            const auto dops = literal.Dops();
             for (int k = 0; k < plan.Division(); ++k) {
                 const auto at = static_cast<std::size_t>(k);
                 decisions += plan.CountAt(k) == counts[at] ? 0 : 1;
-                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / pdops[at] - 1.0));
+                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / dops[at].pdop - 1.0));
                 for (int prn = 0; prn < kMaxPrn; ++prn) {
                     ++cases;
-                    const auto& from = skies[at][static_cast<std::size_t>(prn)];
-                    const auto& to = skies[at + 1][static_cast<std::size_t>(prn)];
-                    const auto step = plan.TrackAt(prn, k);
-                    decisions += step.has_value() == (from && to) ? 0 : 1;
-                    if (step && from && to) {
+                    const auto& expected = skies[at][static_cast<std::size_t>(prn)];
+                    const auto ours = plan.DirectionAt(prn, k);
+                    decisions += ours.has_value() == expected.has_value() ? 0 : 1;
+                    if (ours && expected) {
                         // Two azimuths on both sides of north differ by a whole turn.
-                        angle = std::max(
-                            angle, std::abs(std::remainder(step->from.azimuthRad - from->azimuthRad,
-                                                           2.0 * std::numbers::pi)));
-                        angle =
-                            std::max(angle, std::abs(step->from.elevationRad - from->elevationRad));
+                        const double turn = std::remainder(ours->azimuthRad - expected->azimuthRad,
+                                                           2.0 * std::numbers::pi);
+                        angle = std::max({angle, std::abs(turn),
+                                          std::abs(ours->elevationRad - expected->elevationRad)});
                     }
                 }
             }

@@ -2,9 +2,11 @@
 // all satellites, a mask and a curtain. It has to keep up with a finger that drags a slider or the
 // mask: 16 ms.
 
+#include "bench/Measuring.h"
 #include "core/orbits/SystemTime.h"
 #include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
+#include "tests/core/planning/SampleSky.h"
 #include "ui/planning/CurtainView.h"
 #include "ui/planning/PlanGraphView.h"
 
@@ -15,7 +17,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <utility>
 #include <vector>
 
@@ -26,12 +27,8 @@ namespace {
 
 void SetUp(ObservationPlan& plan)
 {
-    std::vector<std::uint8_t> content;
-    for (const AlmanacRecord& record : NominalConstellation(kNominalSatellites, 2445, 405504)) {
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
-    }
-    plan.Calc().LoadAlmanac(content);
+    plan.Calc().LoadAlmanac(
+        testing::FileOf(NominalConstellation(kNominalSatellites, 2445, 405504)));
     plan.Calc().SetObserver({RadiansOf(35.69), RadiansOf(139.75), 60.0});
     ObstructionCurtain curtain{};
     std::fill(curtain.begin() + 150, curtain.begin() + 210, std::uint8_t{35});
@@ -50,26 +47,15 @@ void TakeAllSystems(ObservationPlan& plan)
     plan.SetSystems(SystemSet().set());
 }
 
-/// Of this thread: others use the machine, too.
-double ProcessorMs()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
-}
-
 template <typename Turn>
 void MeasureTurns(benchmark::State& state, Turn turn)
 {
-    std::vector<double> turnsMs;
+    std::vector<double> turnsS;
     for (auto _ : state) {
-        const double startMs = ProcessorMs();
-        turn();
-        turnsMs.push_back(ProcessorMs() - startMs);
+        turnsS.push_back(Timed(turn, CLOCK_THREAD_CPUTIME_ID));
     }
-    std::sort(turnsMs.begin(), turnsMs.end());
-    state.counters["median_ms"] = turnsMs[turnsMs.size() / 2];
-    state.counters["p95_ms"] = turnsMs[turnsMs.size() * 95 / 100];
+    state.counters["median_ms"] = Quantile(turnsS) * 1e3;
+    state.counters["p95_ms"] = Quantile(turnsS, 0.95) * 1e3;
 }
 
 struct Drawn
@@ -164,12 +150,3 @@ BENCHMARK(DragCurtain)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace fieldcore::bench
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

@@ -1,18 +1,15 @@
 // What settings cost, against SQLite used by hand and a bare durable append. The figures that
 // count are the counters: ratios of the medians of two things measured in turn.
 
+#include "bench/Measuring.h"
 #include "core/equipment/AntennaCatalogue.h"
 #include "core/settings/HostReg.h"
+#include "tests/core/platform/FoldersBelow.h"
+#include "tests/core/platform/TemporaryFolder.h"
 
-#include <algorithm>
 #include <array>
-#include <chrono>
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,64 +21,13 @@
 namespace fieldcore::bench {
 namespace {
 
-namespace fs = std::filesystem;
-using Microseconds = std::chrono::duration<double, std::micro>;
-
 constexpr const wchar_t* kKey = L"GPS\\Com\\Com0";
-
-/// A folder for one benchmark, on the disk that the programs' settings would be on.
-class Folder
-{
-public:
-    Folder()
-    {
-        std::string name = (fs::temp_directory_path() / "fieldcore-bench-XXXXXX").string();
-        m_path = mkdtemp(name.data());
-    }
-    ~Folder()
-    {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    [[nodiscard]] const fs::path& Path() const { return m_path; }
-
-    /// Folders whose settings are kept here.
-    [[nodiscard]] Folders AsHome() const
-    {
-        FolderSources sources;
-        sources.variable = [home = m_path.string()](const std::string& name) {
-            return name == "HOME" ? std::optional(home) : std::nullopt;
-        };
-        return Folders(sources);
-    }
-
-private:
-    fs::path m_path;
-};
-
-double Median(std::vector<double>& values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-template <typename Action>
-double Timed(Action action)
-{
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return Microseconds(std::chrono::steady_clock::now() - start).count();
-}
 
 /// One value read through the accessor, and by a prepared statement on a connection that is kept.
 void Read(benchmark::State& state)
 {
-    const Folder folder;
-    SettingsRoots roots(folder.AsHome());
+    const TemporaryFolder folder;
+    SettingsRoots roots(testing::FoldersBelow(folder.Path()));
     const HostReg reg(roots);
     {
         SettingsBatch batch(reg.Store()); // as many values as an antenna catalogue
@@ -93,7 +39,7 @@ void Read(benchmark::State& state)
             state.SkipWithError("cannot write");
         }
     }
-    const fs::path file = folder.Path() / "bare.db";
+    const std::filesystem::path file = folder.Path() / "bare.db";
     sqlite3* database = nullptr;
     sqlite3_open(file.c_str(), &database);
     sqlite3_exec(database,
@@ -108,10 +54,9 @@ void Read(benchmark::State& state)
     sqlite3_stmt* get = nullptr;
     sqlite3_prepare_v2(database, "SELECT data FROM s WHERE key = ?1 AND name = ?2", -1, &get,
                        nullptr);
-    std::vector<double> bareUs;
-    std::vector<double> ourUs;
+    Comparison reads;
     for (auto _ : state) {
-        bareUs.push_back(Timed([&] {
+        const auto bare = [&] {
             sqlite3_bind_text(get, 1, "software\\aldex-corvane\\olen+(gps)\\gps\\com\\com0", -1,
                               SQLITE_STATIC);
             sqlite3_bind_text(get, 2, "text", -1, SQLITE_STATIC);
@@ -119,45 +64,44 @@ void Read(benchmark::State& state)
             const std::string text(reinterpret_cast<const char*>(sqlite3_column_text(get, 0)));
             benchmark::DoNotOptimize(text.data());
             sqlite3_reset(get);
-        }));
-        ourUs.push_back(Timed([&] {
+        };
+        reads.Turn(bare, [&] {
             std::wstring text;
             if (reg.ReadString(kKey, L"Text", text, L"") == 0) {
                 state.SkipWithError("not found");
             }
             benchmark::DoNotOptimize(text.data());
-        }));
+        });
     }
     sqlite3_finalize(get);
     sqlite3_close(database);
-    state.counters["bare_us"] = Median(bareUs);
-    state.counters["ours_us"] = Median(ourUs);
-    state.counters["S1_ratio"] = Median(ourUs) / Median(bareUs);
+    state.counters["bare_us"] = reads.BareS() * 1e6;
+    state.counters["ours_us"] = reads.OursS() * 1e6;
+    state.counters["S1_ratio"] = reads.Ratio();
 }
 BENCHMARK(Read)->MinTime(1.0)->UseRealTime();
 
 /// One durable write, eight in a batch, and 64 bytes appended to a file and synced.
 void Write(benchmark::State& state)
 {
-    const Folder folder;
-    SettingsRoots roots(folder.AsHome());
+    const TemporaryFolder folder;
+    SettingsRoots roots(testing::FoldersBelow(folder.Path()));
     const HostReg reg(roots);
     const int append =
         open((folder.Path() / "append").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
     const std::array<char, 64> bytes{};
-    std::vector<double> appendUs;
-    std::vector<double> oneUs;
-    std::vector<double> eightUs;
+    Comparison writes; // of one value
+    std::vector<double> eightS;
     std::uint32_t number = 0;
     int done = 1;
     for (auto _ : state) {
-        appendUs.push_back(Timed([&] {
+        const auto append64 = [&] {
             const bool written =
                 write(append, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
             done &= written && fdatasync(append) == 0 ? 1 : 0;
-        }));
-        oneUs.push_back(Timed([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); }));
-        eightUs.push_back(Timed([&] {
+        };
+        writes.Turn(append64, [&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); });
+        eightS.push_back(Timed([&] {
             SettingsBatch batch(reg.Store());
             for (wchar_t name = L'a'; name < L'i'; ++name) {
                 done &= reg.WriteNumber(kKey, std::wstring(1, name), ++number);
@@ -169,11 +113,11 @@ void Write(benchmark::State& state)
     if (done == 0) {
         state.SkipWithError("cannot write");
     }
-    state.counters["append_us"] = Median(appendUs);
-    state.counters["one_us"] = Median(oneUs);
-    state.counters["eight_us"] = Median(eightUs);
-    state.counters["S2_ratio"] = Median(oneUs) / Median(appendUs);
-    state.counters["S4_ratio"] = Median(eightUs) / Median(oneUs);
+    state.counters["append_us"] = writes.BareS() * 1e6;
+    state.counters["one_us"] = writes.OursS() * 1e6;
+    state.counters["eight_us"] = Quantile(eightS) * 1e6;
+    state.counters["S2_ratio"] = writes.Ratio();
+    state.counters["S4_ratio"] = Quantile(eightS) / writes.OursS();
 }
 BENCHMARK(Write)->MinTime(2.0)->UseRealTime();
 
@@ -198,20 +142,19 @@ std::string LargestCatalogue()
 /// The import of that file, from its stamp to the values on the disk, against one durable write.
 void Import(benchmark::State& state)
 {
-    const Folder folder;
-    SettingsRoots roots(folder.AsHome());
+    const TemporaryFolder folder;
+    SettingsRoots roots(testing::FoldersBelow(folder.Path()));
     const HostReg reg(roots);
     AntennaCatalogue catalogue(folder.Path(), roots);
     const std::string text = LargestCatalogue();
-    std::vector<double> importUs;
-    std::vector<double> oneUs;
+    Comparison imports; // with the write of one value
     std::uint32_t number = 0;
     int done = 1;
     for (auto _ : state) {
         // Another size, so that it counts as changed.
         std::ofstream(AntennaFilePath(folder.Path())) << text << std::string(1 + number % 2, '\n');
-        oneUs.push_back(Timed([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); }));
-        importUs.push_back(Timed([&] { done &= catalogue.Update(); }));
+        imports.Turn([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); },
+                     [&] { done &= catalogue.Update(); });
         const auto last =
             catalogue.Method(AntennaCatalogue::kMaxTypes - 1, AntennaCatalogue::kMaxMethods - 1);
         done &= last && last->name == L"rim 63" ? 1 : 0;
@@ -219,9 +162,9 @@ void Import(benchmark::State& state)
     if (done == 0) {
         state.SkipWithError("not imported");
     }
-    state.counters["one_us"] = Median(oneUs);
-    state.counters["import_us"] = Median(importUs);
-    state.counters["import_ratio"] = Median(importUs) / Median(oneUs);
+    state.counters["one_us"] = imports.BareS() * 1e6;
+    state.counters["import_us"] = imports.OursS() * 1e6;
+    state.counters["import_ratio"] = imports.Ratio();
 }
 BENCHMARK(Import)->MinTime(1.0)->UseRealTime();
 

@@ -1,9 +1,9 @@
 // What it costs to start the programs, against the plainest program of their kind. Both sides run
 // in turn; the counters are the ratios of their medians.
 
-#include <algorithm>
+#include "bench/Measuring.h"
+
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <vector>
 
@@ -19,14 +19,15 @@ extern char** environ; // NOLINT(readability-redundant-declaration): POSIX leave
 namespace fieldcore::bench {
 namespace {
 
-struct Cost
+/// Of starts, one a row.
+struct Costs
 {
-    double seconds = 0.0;
-    double peakKib = 0.0;
+    std::vector<double> seconds;
+    std::vector<double> peakKib;
 };
 
 /// One start of a program until it has ended; what it prints is thrown away.
-Cost Start(const char* program, const char* argument)
+void Start(const char* program, const char* argument, Costs& costs)
 {
     std::array<char*, 3> arguments{const_cast<char*>(program), const_cast<char*>(argument),
                                    nullptr};
@@ -34,7 +35,7 @@ Cost Start(const char* program, const char* argument)
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    const auto began = std::chrono::steady_clock::now();
+    const double began = SecondsOf(CLOCK_MONOTONIC);
     pid_t child = 0;
     if (posix_spawn(&child, program, &actions, nullptr, arguments.data(), environ) != 0) {
         std::abort();
@@ -46,37 +47,29 @@ Cost Start(const char* program, const char* argument)
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         std::abort(); // a program that fails is quick
     }
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-    return {took.count(), static_cast<double>(usage.ru_maxrss)};
-}
-
-double Median(std::vector<Cost>& costs, double Cost::*which)
-{
-    const auto middle = costs.begin() + static_cast<std::ptrdiff_t>(costs.size() / 2);
-    std::nth_element(costs.begin(), middle, costs.end(),
-                     [which](const Cost& a, const Cost& b) { return a.*which < b.*which; });
-    return *middle.*which;
+    costs.seconds.push_back(SecondsOf(CLOCK_MONOTONIC) - began);
+    costs.peakKib.push_back(static_cast<double>(usage.ru_maxrss));
 }
 
 void Compare(benchmark::State& state, const char* ours, const char* argument, const char* bare)
 {
-    std::vector<Cost> ourCosts;
-    std::vector<Cost> bareCosts;
-    Start(ours, argument); // so that both are in memory
-    Start(bare, nullptr);
+    Costs first;
+    Start(ours, argument, first); // so that both are in memory
+    Start(bare, nullptr, first);
+    Costs ourCosts;
+    Costs bareCosts;
     for ([[maybe_unused]] const auto& turn : state) {
-        ourCosts.push_back(Start(ours, argument));
-        bareCosts.push_back(Start(bare, nullptr));
+        Start(ours, argument, ourCosts);
+        Start(bare, nullptr, bareCosts);
     }
-    const double ourMs = Median(ourCosts, &Cost::seconds) * 1e3;
-    const double bareMs = Median(bareCosts, &Cost::seconds) * 1e3;
-    const double ourPeak = Median(ourCosts, &Cost::peakKib) / 1024.0;
-    const double barePeak = Median(bareCosts, &Cost::peakKib) / 1024.0;
-    state.counters["ours_ms"] = ourMs;
-    state.counters["bare_ms"] = bareMs;
-    state.counters["time_ratio"] = ourMs / bareMs;
-    state.counters["ours_MiB"] = ourPeak;
-    state.counters["memory_ratio"] = ourPeak / barePeak;
+    const double ourS = Quantile(ourCosts.seconds);
+    const double bareS = Quantile(bareCosts.seconds);
+    const double ourKib = Quantile(ourCosts.peakKib);
+    state.counters["ours_ms"] = ourS * 1e3;
+    state.counters["bare_ms"] = bareS * 1e3;
+    state.counters["time_ratio"] = ourS / bareS;
+    state.counters["ours_MiB"] = ourKib / 1024.0;
+    state.counters["memory_ratio"] = ourKib / Quantile(bareCosts.peakKib);
 }
 
 void CommandLineVersion(benchmark::State& state)

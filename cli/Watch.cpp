@@ -32,9 +32,10 @@ std::string Line(std::span<const WatchColumn> columns, const Receiver* receiver)
 void WatchOptions::AddTo(CLI::App& command, double usualS)
 {
     intervalS = usualS;
-    const Limits limits{0.1, 86400.0, "s", usualS < 1.0 ? "0.2" : "2"};
-    watch = AddNumber(command, "--watch", intervalS, limits, "[SECONDS]", text::kOptWatch)
-                ->expected(0, 1);
+    watch =
+        AddNumber(command, "--watch", intervalS, {0.1, 86400.0, "s"}, "[SECONDS]", text::kOptWatch)
+            ->expected(0, 1)
+            ->default_str(usualS < 1.0 ? "0.2" : "2"); // where no number follows
     AddNumber(command, "--count", count, {1.0, 1e6}, "N", text::kOptCount)->needs(watch);
 }
 

@@ -5,27 +5,16 @@
 #include "core/link/FileReplies.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
+#include "fuzz/Target.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 using namespace fieldcore;
 
 namespace {
-
-void Check(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 constexpr std::uint32_t kTime = 5; // of a file that can be gone on with
 

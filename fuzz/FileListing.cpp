@@ -6,23 +6,13 @@
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedName.h"
 #include "core/platform/Utf8.h"
+#include "fuzz/Target.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <string_view>
 
 using namespace fieldcore;
 
 namespace {
-
-void Check(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void CheckPage(const FilePage& page, std::size_t most)
 {

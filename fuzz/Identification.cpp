@@ -1,14 +1,10 @@
 // The identification text: any bytes are refused or make a record.
 
-#include "core/link/Replies.h"
-
 #include "core/link/FrameBuffer.h"
+#include "core/link/Replies.h"
+#include "fuzz/Target.h"
 
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 
 using namespace fieldcore;
 
@@ -20,9 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::copy_n(data, length, bytes.begin() + 4);
     FrameBuffer frame;
     frame.Load(bytes);
-    const auto record = ParseIdentification(frame.Reader());
-    if (record && (record->port == 0 || record->parity > 2 || record->stopBits % 2 != 0)) {
-        std::abort();
+    if (const auto record = ParseIdentification(frame.Reader())) {
+        Check(record->port != 0 && record->parity <= 2 && record->stopBits % 2 == 0);
     }
     return 0;
 }

@@ -3,38 +3,25 @@
 
 #include "core/orbits/Constellations.h"
 #include "core/orbits/NavigationText.h"
-
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
+#include "fuzz/Target.h"
 
 using namespace fieldcore;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
-    const NavigationText read = ReadNavigation(text);
+    const NavigationText read = ReadNavigation(TextOf(data, size));
     if (read.error) {
-        const auto lines = std::count(text.begin(), text.end(), '\n') + 1;
-        if (!read.records.empty() || read.error->message.empty() || read.error->line < 0 ||
-            read.error->line > lines) {
-            std::abort();
-        }
+        Check(read.records.empty());
+        CheckRefusal(*read.error, TextOf(data, size));
         return 0;
     }
     for (const NavigationRecord& record : read.records) {
-        if (!OrbitMotion(record).At(record.ReferenceS())) {
-            std::abort();
-        }
+        Check(OrbitMotion(record).At(record.ReferenceS()).has_value());
         static_cast<void>(OrbitMotion(record).At(record.ReferenceS() + 86400.0));
     }
     Constellations known;
     known.Add(read.records);
     const NavigationText again = ReadNavigation(WriteNavigation(known.Records()));
-    if (again.error || again.records.size() != known.Records().size()) {
-        std::abort();
-    }
+    Check(!again.error && again.records.size() == known.Records().size());
     return 0;
 }

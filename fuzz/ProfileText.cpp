@@ -1,12 +1,9 @@
 // Profile files: any bytes can be read, and an entry that was set is found again with its value.
 
 #include "core/settings/ProfileText.h"
+#include "fuzz/Target.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
-#include <string_view>
 
 using namespace fieldcore;
 
@@ -16,9 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static_cast<void>(profile.Value(L"S", L"K"));
     profile.Visit(profile.Sections(), [](std::size_t, std::wstring_view, std::wstring_view) {});
     const auto changed = profile.WithEntry(L"S", L"K", L"value");
-    if (!changed || ProfileText(*changed).Value(L"S", L"K") != L"value" ||
-        ProfileText(*changed).WithEntry(L"S", L"K", L"value") != changed) {
-        std::abort();
-    }
+    Check(changed && ProfileText(*changed).Value(L"S", L"K") == L"value");
+    Check(ProfileText(*changed).WithEntry(L"S", L"K", L"value") == changed);
     return 0;
 }

@@ -18,8 +18,7 @@ int main(int argc, char** argv)
         std::error_code error;
         for (const auto& entry : std::filesystem::directory_iterator(argv[i], error)) {
             std::ifstream file(entry.path(), std::ios::binary);
-            const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-            const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
+            const std::vector<std::uint8_t> input{std::istreambuf_iterator<char>(file), {}};
             LLVMFuzzerTestOneInput(input.data(), input.size());
             ++replayed;
         }

@@ -1,26 +1,15 @@
 // Every reply parser on any bytes of any length: what it accepts must be what a receiver can mean.
 
 #include "core/link/Replies.h"
-
 #include "core/link/FrameBuffer.h"
 #include "core/link/SatelliteReplies.h"
+#include "fuzz/Target.h"
 
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <span>
 
 using namespace fieldcore;
 
 namespace {
-
-void Check(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void CheckList(const SatelliteList& list)
 {

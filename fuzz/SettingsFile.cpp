@@ -2,50 +2,32 @@
 // stored and read.
 
 #include "core/platform/SqliteSettingsStore.h"
+#include "fuzz/Target.h"
+#include "tests/core/platform/TemporaryFolder.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 using namespace fieldcore;
 
-namespace {
-
-/// In memory where the system has that: thousands of files are made.
-std::filesystem::path Scratch()
-{
-    const std::filesystem::path shared = "/dev/shm";
-    const std::filesystem::path base =
-        std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
-    std::string name = (base / "fieldcore-fuzz-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        std::abort();
-    }
-    return name;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::filesystem::path folder = Scratch();
-    const std::filesystem::path file = folder / "user.db";
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    {
-        SqliteSettingsStore store(file);
-        for (const std::wstring& key : store.Keys(L"").value_or(std::vector<std::wstring>())) {
-            static_cast<void>(store.Values(key));
-        }
-        if (!store.Set(L"K", L"n", std::uint32_t{7}, KeyOpening::Create) ||
-            store.Get(L"K", L"n").state != SettingsReadState::Found) {
-            std::abort();
-        }
+    // In memory where the system has that: thousands of files are made.
+    static const bool isInMemory = std::filesystem::is_directory("/dev/shm");
+    static const int chosen = isInMemory ? setenv("TMPDIR", "/dev/shm", 1) : 0;
+    Check(chosen == 0);
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.Write("user.db", TextOf(data, size));
+    SqliteSettingsStore store(file);
+    const std::filesystem::path aside = file.string() + ".damaged-1";
+    const bool isAside = store.TakeNotice().kind == SettingsNotice::Kind::SetAside;
+    Check(std::filesystem::exists(aside) == isAside);
+    Check(!isAside || std::filesystem::file_size(aside) >= size); // nothing is thrown away
+    for (const std::wstring& key : store.Keys(L"").value_or(std::vector<std::wstring>())) {
+        static_cast<void>(store.Values(key));
     }
-    std::filesystem::remove_all(folder);
+    Check(store.Set(L"K", L"n", std::uint32_t{7}, KeyOpening::Create));
+    Check(store.Get(L"K", L"n").state == SettingsReadState::Found);
     return 0;
 }

@@ -1,13 +1,11 @@
 // What a controller sends, in pieces as they may arrive: nothing may crash or hang the receiver,
 // and whatever it takes for a frame must be one.
 
+#include "fuzz/Target.h"
 #include "simulator/FaultInjector.h"
 #include "simulator/Receiver.h"
 #include "simulator/RequestParser.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <utility>
@@ -26,13 +24,6 @@ const Scenario& Tilted()
         return LoadScenario("tilted", error).value_or(Scenario());
     }();
     return scenario;
-}
-
-void Check(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
 }
 
 void CheckFrame(const Bytes& frame)

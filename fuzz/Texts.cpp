@@ -7,25 +7,15 @@
 #include "core/platform/Cp932.h"
 #include "core/platform/NumberText.h"
 #include "core/settings/SettingsText.h"
+#include "fuzz/Target.h"
 #include "simulator/ExchangeRecord.h"
 
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
-#include <string_view>
 
 using namespace fieldcore;
 
 namespace {
-
-void Check(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void CodePage(std::string_view bytes)
 {
@@ -78,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size > 0) {
         constexpr void (*kParsers[])(std::string_view) = {CodePage, Numbers, Sites, LogLine};
-        kParsers[data[0] % 4]({reinterpret_cast<const char*>(data + 1), size - 1});
+        kParsers[data[0] % 4](TextOf(data, size).substr(1));
     }
     return 0;
 }

@@ -11,6 +11,17 @@ namespace {
 
 constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
+/// The start of the period, the end, and what lies between, an interval apart.
+template <typename Each>
+void ForEachEpoch(const PlanPeriod& period, Each each)
+{
+    CGPSTime time = period.Start();
+    for (int k = 0; k <= period.Division(); ++k) {
+        each(ToEpoch(time), k);
+        time += CTimeSpan(0, 0, period.Interval().count(), 0);
+    }
+}
+
 } // namespace
 
 std::optional<Ecef> LiteralPosition(const KeplerElements& elements, GpsEpoch epoch) noexcept
@@ -113,42 +124,34 @@ DopValues LiteralPlan::DopAt(GpsEpoch epoch) const
 std::vector<double> LiteralPlan::Count() const
 {
     std::vector<double> series;
-    CGPSTime time = m_period.Start();
-    for (int k = 0; k < m_period.Division(); ++k) {
-        series.push_back(CountAt(ToEpoch(time)));
-        time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
-    }
+    ForEachEpoch(m_period, [&](GpsEpoch epoch, int k) {
+        if (k < m_period.Division()) {
+            series.push_back(CountAt(epoch));
+        }
+    });
     return series;
 }
 
-std::vector<double> LiteralPlan::Dop(double DopValues::*value) const
+std::vector<DopValues> LiteralPlan::Dops() const
 {
-    std::vector<double> series;
-    CGPSTime time = m_period.Start();
-    for (int k = 0; k < m_period.Division(); ++k) {
-        time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
-        series.push_back(DopAt(ToEpoch(time)).*value);
-    }
+    std::vector<DopValues> series;
+    ForEachEpoch(m_period, [&](GpsEpoch epoch, int k) {
+        if (k > 0) {
+            series.push_back(DopAt(epoch));
+        }
+    });
     return series;
-}
-
-LiteralPlan::Sky LiteralPlan::SkyAt(GpsEpoch epoch) const
-{
-    Sky sky;
-    for (int i = 0; i < kMaxPrn; ++i) {
-        sky[static_cast<std::size_t>(i)] = Test(i, epoch);
-    }
-    return sky;
 }
 
 std::vector<LiteralPlan::Sky> LiteralPlan::Tracks() const
 {
-    CGPSTime time = m_period.Start();
-    std::vector<Sky> skies{SkyAt(ToEpoch(time))};
-    for (int k = 0; k < m_period.Division(); ++k) {
-        time += CTimeSpan(0, 0, m_period.Interval().count(), 0);
-        skies.push_back(SkyAt(ToEpoch(time)));
-    }
+    std::vector<Sky> skies;
+    ForEachEpoch(m_period, [&](GpsEpoch epoch, int) {
+        skies.emplace_back();
+        for (int i = 0; i < kMaxPrn; ++i) {
+            skies.back()[static_cast<std::size_t>(i)] = Test(i, epoch);
+        }
+    });
     return skies;
 }
 

@@ -32,21 +32,19 @@ public:
 
     /// @return where the satellite stands; nothing if it is not usable
     [[nodiscard]] std::optional<SkyDirection> Test(int prnIndex, GpsEpoch epoch) const;
-    [[nodiscard]] int CountAt(GpsEpoch epoch) const;
-    [[nodiscard]] DopValues DopAt(GpsEpoch epoch) const;
 
     // The series, one sample after the other.
 
     [[nodiscard]] std::vector<double> Count() const;
-    /// @param value  which dilution
-    [[nodiscard]] std::vector<double> Dop(double DopValues::*value) const;
+    [[nodiscard]] std::vector<DopValues> Dops() const;
 
     using Sky = std::array<std::optional<SkyDirection>, kMaxPrn>;
     /// Where every satellite stands, at the start and after each interval: one more than samples.
     [[nodiscard]] std::vector<Sky> Tracks() const;
 
 private:
-    [[nodiscard]] Sky SkyAt(GpsEpoch epoch) const;
+    [[nodiscard]] int CountAt(GpsEpoch epoch) const;
+    [[nodiscard]] DopValues DopAt(GpsEpoch epoch) const;
 
     struct Satellite
     {

@@ -450,15 +450,18 @@ NavigationText Refused(std::string message)
     return result;
 }
 
-/// "%19.12E", in every language of the session.
+/// "%19.12E", in every language of the session; with a digit less where the exponent has three.
 std::string Written(double value)
 {
     std::array<char, 40> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                   std::chars_format::scientific, 12)
-                         .ptr;
-    const std::string text(digits.data(), end);
-    return std::string(kFieldWidth - std::min(text.size(), kFieldWidth), ' ') + text;
+    std::string text;
+    for (int decimals = 12; text.empty() || text.size() > kFieldWidth; --decimals) {
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                       std::chars_format::scientific, decimals)
+                             .ptr;
+        text.assign(digits.data(), end);
+    }
+    return std::string(kFieldWidth - text.size(), ' ') + text;
 }
 
 std::string WrittenEpoch(const NavigationRecord& record)

@@ -359,6 +359,30 @@ bool HasLog(const fs::path& file)
     return error ? error != std::errc::no_such_file_or_directory : size > 0;
 }
 
+/// A copy in memory has the version of the file's format, of which SQLite writes none above its
+/// own: puts one with a version that it writes in its place.
+int MakeWritable(SqliteHandle& memory)
+{
+    constexpr sqlite3_int64 kHeader = 100; // bytes
+    constexpr int kWriteVersion = 18;      // where it is, and behind it that for reading
+    if (const int result = ProveWritable(memory.get()); (result & 0xFF) != SQLITE_READONLY) {
+        return result;
+    }
+    sqlite3_int64 size = 0;
+    unsigned char* const bytes = sqlite3_serialize(memory.get(), "main", &size, 0);
+    SqliteHandle writable = OpenMemory();
+    if (bytes == nullptr || size < kHeader || !writable) {
+        sqlite3_free(bytes);
+        return SQLITE_NOMEM;
+    }
+    bytes[kWriteVersion] = bytes[kWriteVersion + 1] = 1; // without a log, which memory has not
+    const int result = sqlite3_deserialize(
+        writable.get(), "main", bytes, size, size,
+        SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE); // frees them in any case
+    memory = std::move(writable);
+    return result;
+}
+
 /// All that the file and its log hold, in memory.
 Attempt ReadAll(const fs::path& file)
 {
@@ -381,6 +405,7 @@ Attempt ReadAll(const fs::path& file)
         result =
             isEmpty ? Execute(memory.get(), kTables) : CopyAll(source.handle.get(), memory.get());
     }
+    result = result == SQLITE_OK ? MakeWritable(memory) : result;
     if (result == SQLITE_OK && HasLog(file) != hasLog) {
         result = SQLITE_BUSY; // somebody has begun to write meanwhile
     }

@@ -21,7 +21,6 @@
 #include "ui/controls/UiText.h"
 #include "ui/equipment/TransferPanel.h"
 #include "ui/link/ConnectProgressDlg.h"
-#include "ui/planning/CurtainEditor.h"
 #include "ui/planning/DateDlg.h"
 #include "ui/planning/PlanDet.h"
 #include "ui/planning/PlanGraphView.h"
@@ -281,10 +280,6 @@ void ExpectFileDialogsFit(QWidget& page, const QString& folder)
                 << dialog.width() << " x " << dialog.height();
             EXPECT_LE(dialog.minimumSizeHint().width(), dialog.width());
             EXPECT_LE(dialog.minimumSizeHint().height(), dialog.height());
-            KeepPicture(dialog, QStringLiteral("file-%1-%2-%3")
-                                    .arg(save)
-                                    .arg(static_cast<int>(CurrentLanguage()))
-                                    .arg(QFontInfo(QApplication::font()).pixelSize()));
             dialog.reject();
         });
         EXPECT_TRUE(ChooseFile(&page, save, QStringLiteral("CSV"),
@@ -424,8 +419,6 @@ TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
         TableDlg table(UiText(text::kPlanTitle), figures.heads, figures.rows, nullptr);
         LookAtAll(table, QStringLiteral("plan-table-%1").arg(static_cast<int>(graph)));
     }
-    CurtainEditor curtain(planned, plan.Surroundings(), controller.Host());
-    LookAtAll(curtain, QStringLiteral("curtain"));
     SiteDlg site(controller.ProgramFolder(), L"", {});
     LookAtAll(site, QStringLiteral("site"));
     DateDlg date(std::chrono::year(2026) / 11 / 20, std::chrono::year(2026) / 11 / 21);

@@ -3,6 +3,7 @@
 
 #include "core/platform/FastClock.h"
 #include "tests/cli/Runner.h"
+#include "tests/core/orbits/Messages.h"
 
 #include <chrono>
 #include <filesystem>
@@ -62,18 +63,15 @@ TEST(Almanac, SampleIsOfToday)
     ASSERT_EQ(runner.Run("almanac sample").code, 0);
     const nlohmann::json result = runner.Result("almanac show");
     EXPECT_EQ(result["satelliteCount"], 31);
-    EXPECT_EQ(result["satellites"].size(), 31U);
     EXPECT_EQ(result["satellites"][30]["prn"], 31);
-    EXPECT_EQ(result["satellites"][0]["week"], 2409);
     EXPECT_EQ(result["gpsTime"], "2026-03-14T00:29:52"); // second 127 * 4096 of the week
     EXPECT_EQ(result["old"], false);
 
     const std::string before = runner.Bytes();
-    EXPECT_EQ(runner.Run("almanac sample").code, 2) << "replaced unasked";
-    runner.world.inIsTerminal = runner.world.errIsTerminal = true;
-    runner.input = "n\n";
-    EXPECT_EQ(runner.Run("almanac sample").code, 7);
-    EXPECT_EQ(runner.Run("almanac sample --yes").code, 0);
+    runner.Expect({{"almanac sample", 2}}); // nobody can be asked
+    runner.Type("n\n");
+    runner.Expect(
+        {{"almanac sample", 7}, {"almanac sample --yes", 0, "The almanac has been updated."}});
     EXPECT_EQ(runner.Bytes(), before);
 }
 
@@ -84,17 +82,13 @@ TEST(Almanac, ImportTellsWhatIsWrongAndKeepsTheOldOne)
     const std::string before = runner.Bytes();
     const std::string good = Yuma(5, "2400", "0.0");
     runner.Folder().Write("good.alm", good);
-    runner.Folder().Write("none.alm", "Eccentricity");
     runner.Folder().Write("bad.alm", good + "ID: 6\nHealth: sick\n");
     runner.Folder().Write("few.alm", Yuma(4, "2400", "0.0"));
     runner.Expect({
-        {"almanac import @/none.alm", 8, "none.alm, line 1"},
-        {"almanac import @/bad.alm", 8, "line 77, \"Health\""},
+        {"almanac import @/bad.alm", 8, "bad.alm, line 77, \"Health\""},
         {"almanac import @/few.alm", 1, "The almanac has four satellites or fewer."},
         {"almanac import @/good.alm --week 32768", 2, "--week"},
-        {"almanac import @/good.alm --week next", 2, "--week"},
         {"almanac import @/missing", 8},
-        {"almanac import @/", 8},
     });
     EXPECT_EQ(runner.Bytes(), before);
 }
@@ -106,18 +100,13 @@ TEST(Almanac, ShowsWhatTheFileSays)
     EXPECT_EQ(runner.Result("almanac import @/file.alm")["gpsTime"], "2026-03-12T16:38:24");
     const nlohmann::json result = runner.Result("almanac show");
     EXPECT_EQ(result["healthyCount"], 4);
-    const nlohmann::json second = result["satellites"][1];
-    EXPECT_EQ(second["prn"], 2);
-    EXPECT_EQ(second["healthy"], false);
-    EXPECT_EQ(second["health"], 63);
-    EXPECT_EQ(second["week"], 2409);
-    EXPECT_EQ(second["eccentricity"], 0.0125);
-    EXPECT_EQ(second["inclinationDeg"], 45.0);
-    EXPECT_EQ(second["ageDays"], 1.4); // 32 h 51 min 36 s
+    EXPECT_EQ(result["satellites"][1], nlohmann::json::parse(R"({"prn":2,"healthy":false,
+        "health":63,"week":2409,"gpsTime":"2026-03-12T16:38:24","eccentricity":0.0125,
+        "inclinationDeg":45.0,"ageDays":1.4})")); // 32 h 51 min 36 s
 
     ASSERT_EQ(runner.Run("almanac import @/file.alm --week 2400").code, 0);
-    EXPECT_EQ(runner.Result("almanac show")["satellites"][1]["week"], 2400);
-    runner.Expect({{"almanac import @/file.alm --week 2500", 0, "--week"}});
+    runner.Expect({{"almanac show", 0, "30 days or more", "/result/satellites/1/week", 2400},
+                   {"almanac import @/file.alm --week 2500", 0, "--week"}});
 }
 
 TEST(Almanac, IsOldAfterMoreThanThirtyDays)
@@ -125,13 +114,11 @@ TEST(Almanac, IsOldAfterMoreThanThirtyDays)
     AlmanacRunner runner;
     runner.Folder().Write("file.alm", Yuma(5, "2400", "0")); // that week began on 2026-01-04
     ASSERT_EQ(runner.Run("almanac import @/file.alm").code, 0);
-    EXPECT_EQ(runner.Result("almanac show --date 2026-01-03")["ageDays"], -1.0);
-    EXPECT_EQ(runner.Result("almanac show --date 2026-02-03")["old"], false);
-    EXPECT_EQ(runner.Result("almanac show --date 2026-02-04")["old"], true);
-    runner.Expect({{"almanac show --date 2026-02-03", 0},
-                   {"almanac show --date 2026-02-04", 0, "30 days or more older"},
+    const std::string warning = "30 days or more older";
+    runner.Expect({{"almanac show --date 2026-01-03", 0, "", "/result/ageDays", -1.0},
+                   {"almanac show --date 2026-02-03", 0, "", "/result/old", false},
+                   {"almanac show --date 2026-02-04", 0, warning, "/result/old", true},
                    {"almanac show --date 2026-02-29", 2},
-                   {"almanac show --date 2026-13-01", 2},
                    {"almanac show --date 04-02-2026", 2},
                    {"almanac show --date 2026--1-01", 2}});
 }
@@ -139,58 +126,32 @@ TEST(Almanac, IsOldAfterMoreThanThirtyDays)
 TEST(Almanac, SaysHowToGetOneWhereThereIsNone)
 {
     AlmanacRunner runner;
-    runner.Expect({{"almanac show", 8, "almanac get"},
-                   {"almanac show", 8, "almanac import"},
-                   {"almanac show", 8, "The file could not be read."}});
+    runner.Expect({{"almanac show", 8, "almanac get"}, {"almanac show", 8, "almanac import"}});
     runner.Folder().Write("program/GSurveyPlan.alm", std::string(79, '\x01')); // a byte is missing
     runner.Expect({{"almanac show", 8, "holds no almanac"}});
-    runner.Folder().Write("program/GSurveyPlan.alm", std::string(80, '\xFF')); // of PRN 255
-    runner.Expect({{"almanac show", 8}});
 }
 
 TEST(Almanac, GetReplacesItOnlyByAWholeOne)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string scenario;
-        int code;
-        std::string error; ///< its code in the JSON document
-        int received;      ///< -1: nothing is replaced
-    };
-    const Row rows[] = {
-        {"a good receiver", "almanac-31", 0, "", 31},
-        {"just enough", "almanac-5", 0, "", 5},
-        {"too few", "almanac-4", 1, "almanac-too-few", -1},
-        {"cable pulled before there were enough", "almanac-hangs-up", 3, "link-lost", -1},
-        {"nobody there", "silent", 4, "no-answer", -1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        AlmanacRunner runner;
-        ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
-        const std::string before = runner.Bytes(kSimulated);
-        const Outcome outcome =
-            runner.Run("almanac get --json --speed 20 --timeout 40 --port sim:" + row.scenario);
-        EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        EXPECT_EQ(outcome.err.find("/32]"), std::string::npos) << "progress without a terminal";
-        const nlohmann::json document = outcome.Json();
-        if (row.received < 0) {
-            EXPECT_EQ(document["error"]["code"], row.error);
-            EXPECT_EQ(runner.Bytes(kSimulated), before);
-        } else {
-            EXPECT_EQ(document["result"]["received"], row.received);
-            EXPECT_EQ(document["result"]["satelliteCount"], row.received);
-            EXPECT_EQ(document["result"]["missing"], 32 - row.received);
-        }
-    }
+    AlmanacRunner runner;
+    ASSERT_EQ(runner.Run("almanac sample --port sim:").code, 0);
+    const std::string before = runner.Bytes(kSimulated);
+    const std::string get = "almanac get --speed 20 --timeout 40 --port sim:almanac-";
+    const std::string error = "/error/code";
+    runner.Expect({{get + "4", 1, "", error, "almanac-too-few"},
+                   {get + "hangs-up", 3, "", error, "link-lost"}});
+    EXPECT_EQ(runner.Bytes(kSimulated), before);
+    const Outcome good = runner.Run(get + "5 --json");
+    EXPECT_EQ(good.err.find("/32]"), std::string::npos) << "progress without a terminal";
+    EXPECT_EQ(good.Json()["result"]["satelliteCount"], 5);
+    EXPECT_EQ(good.Json()["result"]["received"], 5);
+    EXPECT_EQ(good.Json()["result"]["missing"], 27);
 }
 
 TEST(Almanac, TakesMessagesOfAllSystems)
 {
     AlmanacRunner runner;
-    const std::string messages =
-        Content(std::filesystem::path(FIELDCORE_SOURCE_DIR) / "tests/core/orbits/messages.rnx");
+    const std::string messages = testing::Messages();
     runner.Folder().Write("messages.rnx", messages);
     runner.Folder().Write("cut.rnx", messages.substr(0, 5000));
 
@@ -199,17 +160,14 @@ TEST(Almanac, TakesMessagesOfAllSystems)
     EXPECT_FALSE(std::filesystem::exists(runner.Path("program/GSurveyPlan.nav")));
     const nlohmann::json systems = runner.Result("almanac import @/messages.rnx")["systems"];
     ASSERT_EQ(systems.size(), 6U);
-    EXPECT_EQ(systems[1]["system"], "R");
-    EXPECT_EQ(systems[1]["messages"], 2);
     EXPECT_EQ(systems[1]["oldestGpsTime"], "2020-06-25T10:15:18");
-    EXPECT_EQ(systems[1]["newestGpsTime"], "2020-06-25T11:15:18");
     EXPECT_EQ(systems[5]["healthy"], 0);
 
     // Shown without an almanac, too, with its age: from noon of 2020-06-25 to midnight of the 26th.
-    const nlohmann::json shown = runner.Result("almanac show --date 2020-06-26")["systems"];
-    EXPECT_EQ(shown[4]["system"], "J");
-    EXPECT_EQ(shown[4]["ageDays"], 0.5);
-    EXPECT_EQ(shown[4]["tooOld"], false);
+    EXPECT_EQ(runner.Result("almanac show --date 2020-06-26")["systems"][4],
+              nlohmann::json::parse(R"({"system":"J","satellites":1,"healthy":1,"messages":2,
+                  "oldestGpsTime":"2020-06-25T11:00:00","newestGpsTime":"2020-06-25T12:00:00",
+                  "ageDays":0.5,"tooOld":false})"));
 
     // QZSS of an almanac text goes to the others, and GPS into the almanac.
     const std::string qzss = Yuma(1, "335", "405504");
@@ -217,19 +175,17 @@ TEST(Almanac, TakesMessagesOfAllSystems)
                           Yuma(6, "335", "405504") +
                               std::string(qzss).replace(qzss.find("ID: 1"), 5, "ID: 193"));
     ASSERT_EQ(runner.Run("almanac import @/file.alm").code, 0);
-    const nlohmann::json both = runner.Result("almanac show");
-    EXPECT_EQ(both["satelliteCount"], 6);
-    EXPECT_EQ(both["systems"][4]["messages"], 1); // years older: forgotten
-
-    const nlohmann::json made =
-        runner.Result("plan --systems erc --date 2020-06-25 --from 19 --hours 1 --kind tracks "
-                      "--clock-per-system")["plans"][0];
-    EXPECT_EQ(made["systems"], "REC");
-    EXPECT_EQ(made["clockPerSystem"], true);
-    EXPECT_FALSE(made.contains("almanac")) << "it is not of GPS";
-    EXPECT_EQ(made["samples"][0]["satellite"], "E11");
-    runner.Expect(
-        {{"plan --systems RS --date 2020-07-25", 0, "GLONASS"}, {"plan --systems GX", 2}});
+    const std::string others = "plan --systems erc --date 2020-06-25 --from 19 --hours 1 "
+                               "--kind tracks --clock-per-system";
+    const std::string warning = "30 days or more";
+    runner.Expect({{"almanac show", 0, warning, "/result/satelliteCount", 6},
+                   {"almanac show", 0, warning, "/result/systems/4/messages", 1}, // not older ones
+                   {others, 0, "", "/result/plans/0/systems", "REC"},
+                   {others, 0, "", "/result/plans/0/clockPerSystem", true},
+                   {others, 0, "", "/result/plans/0/almanac", nullptr}, // which is of GPS
+                   {others, 0, "", "/result/plans/0/samples/0/satellite", "E11"},
+                   {"plan --systems RS --date 2020-07-25", 0, "GLONASS"},
+                   {"plan --systems GX", 2}});
     // GPS alone is the plan that it was, whatever else is known.
     EXPECT_EQ(runner.Run("plan --systems G --kind pdop --csv").out,
               runner.Run("plan --kind pdop --csv").out);

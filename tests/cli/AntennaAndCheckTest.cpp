@@ -3,8 +3,9 @@
 #include "tests/cli/Runner.h"
 
 #include <fstream>
+#include <numbers>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -16,9 +17,8 @@ TEST(Antenna, ReducesASlantHeight)
     Runner runner;
     EXPECT_EQ(runner.Run("antenna height --slant 1.5 --r 0.1 --v 0.05").out,
               "1.547   sqrt(1.5000^2 - 0.10000^2) + 0.05000 = 1.546663\n");
-    const Outcome tooShort = runner.Run("antenna height --slant 0.05 --r 0.1 --v 0.05 --json");
-    EXPECT_EQ(tooShort.Json()["result"]["verticalM"], 0.1);
-    EXPECT_EQ(tooShort.Json()["messages"].size(), 1U) << "no warning";
+    runner.Expect({{"antenna height --slant 0.05 --r 0.1 --v 0.05", 0, "not longer",
+                    "/result/verticalM", 0.1}});
 }
 
 TEST(Antenna, StoresWhatIsNamedAndKeepsTheRest)
@@ -32,8 +32,8 @@ TEST(Antenna, StoresWhatIsNamedAndKeepsTheRest)
     runner.Expect({
         {"antenna set --type 3", 2}, // no height yet
         {"antenna set --height -0.1", 2},
-        {"antenna set --height 1e0", 2}, // nor at the screen
         {"antenna set --height 154.3", 2},
+        {"antenna set --height 1e0", 2}, // nor at the screen
         {"antenna set --height 1 --type 7", 2},
         {"antenna set --height 1 --type -1", 2},
         {"antenna set --height 1 --type 6 --method 2", 2},
@@ -42,21 +42,18 @@ TEST(Antenna, StoresWhatIsNamedAndKeepsTheRest)
         {"antenna set --from @/unknown", 1},
         {"antenna set --from @/none", 8},
         {"antenna set --height 1.543 --dry-run", 0, "nothing was changed"},
+        {"antenna show", 0, "", "/result/isMeasured", false},
+        {"antenna set --height 1.543 --type 3 --method 1 --serial A1", 0},
+        {"antenna set --height 1.6", 0, "", "/result/verticalM", 1.647}, // sqrt(2.56 - 0.01) + 0.05
+        {"antenna show", 0, "", "/result/type", 3},
+        {"antenna show", 0, "", "/result/method", 1},
+        {"antenna show", 0, "", "/result/serial", "A1"},
+        {"antenna set --type 4", 0, "", "/result/method", 0}, // not that of the antenna before
+        // What is named goes before the file.
+        {"antenna set --role rover --from @/logged --serial C3", 0, "", "/result/serial", "C3"},
+        {"antenna show --role rover", 0, "", "/result/measuredM", 1.543},
+        {"antenna show --role reference", 0, "", "/result/isMeasured", false},
     });
-    EXPECT_EQ(runner.Result("antenna show")["isMeasured"], false);
-    runner.Expect({{"antenna set --height 1.543 --type 3 --method 1 --serial A1", 0}});
-    nlohmann::json now = runner.Result("antenna set --height 1.6");
-    EXPECT_EQ(now["type"], 3);
-    EXPECT_EQ(now["method"], 1);
-    EXPECT_EQ(now["serial"], "A1");
-    EXPECT_EQ(now["verticalM"], 1.647); // sqrt(2.56 - 0.01) + 0.05 = 1.64687
-    now = runner.Result("antenna set --type 4");
-    EXPECT_EQ(now["method"], 0) << "a method of the antenna before";
-    now = runner.Run("antenna set --role rover-second --from @/logged --serial C3 --json").Json();
-    EXPECT_EQ(now["result"]["measuredM"], 1.543);
-    EXPECT_EQ(now["result"]["serial"], "C3") << "what is named goes before the file";
-    EXPECT_GT(now["result"]["number"], 0);
-    EXPECT_EQ(runner.Result("antenna show --role reference")["isMeasured"], false);
 }
 
 TEST(Antenna, IsNotReplacedByItsNeighbour)
@@ -66,60 +63,54 @@ TEST(Antenna, IsNotReplacedByItsNeighbour)
     const nlohmann::json list = runner.Result("antenna list");
     std::ofstream(list["file"].get<std::string>())
         << "[ANTENNATYPE]\nDATA0=A\n[A]\nMeasMethod0=0.1,0.05,0,\"m\"\n";
-    const Outcome show = runner.Run("antenna show --json");
-    EXPECT_EQ(show.Json()["result"]["type"], 6);
-    EXPECT_EQ(show.Json()["result"]["verticalM"], 1.5);
-    EXPECT_EQ(show.Json()["messages"].size(), 1U) << "nobody is told";
-    EXPECT_EQ(runner.Run("antenna set --height 1.6 --json").Json()["error"]["code"],
-              "antenna-unknown");
-    EXPECT_EQ(runner.Run("antenna set --type 0 --method 1").code, 0);
+    runner.Expect({{"antenna show", 0, "no type 6", "/result/type", 6},
+                   {"antenna show", 0, "no type 6", "/result/verticalM", 1.5},
+                   {"antenna set --height 1.6", 1, "", "/error/code", "antenna-unknown"},
+                   {"antenna set --type 0 --method 1", 0}});
 }
 
 TEST(Check, EndsWithTheVerdict)
 {
     Runner runner;
-    const auto codeOf = [&](std::vector<std::string> words) {
-        words.insert(words.begin(), "check");
-        return runner.Run(words).code;
+    const std::pair<std::string, int> rows[] = {
+        {"number -3.5", 0},
+        {"number 11 --max 10", 1},   // limit not passed on
+        {"number 1.5 --integer", 1}, // flag not passed on
+        {"number ''", 0},
+        {"number --text=-", 0}, // a lone minus is no option
+        {"point A-1", 0},
+        {"point 点", 1},
+        {"point A\xFF", 1},       // bytes that are no UTF-8
+        {"angle -10-30-00", 0},   // it begins with a minus
+        {"angle 91 --max 90", 1}, // degrees not passed on
+        {"number", 2},
+        {"number 1 --decimals 10", 2},
     };
-    EXPECT_EQ(codeOf({"number", "-3.5"}), 0);
-    EXPECT_EQ(codeOf({"number", "11", "--max", "10"}), 1) << "limit not passed on";
-    EXPECT_EQ(codeOf({"number", "1.5", "--integer"}), 1) << "flag not passed on";
-    EXPECT_EQ(codeOf({"number", ""}), 0);
-    EXPECT_EQ(codeOf({"number", "--text=-"}), 0) << "a lone minus is no option";
-    EXPECT_EQ(codeOf({"point", "A-1"}), 0);
-    EXPECT_EQ(codeOf({"point", "点"}), 1);
-    EXPECT_EQ(codeOf({"point", "A\xFF"}), 1) << "bytes that are no UTF-8";
-    EXPECT_EQ(codeOf({"angle", "-10-30-00"}), 0) << "it begins with a minus";
-    EXPECT_EQ(codeOf({"angle", "91", "--max", "90"}), 1) << "degrees not passed on";
-    EXPECT_EQ(codeOf({"number"}), 2);
-    EXPECT_EQ(codeOf({"number", "1", "--decimals", "10"}), 2);
+    for (const auto& [words, code] : rows) {
+        EXPECT_EQ(runner.Run("check " + words).code, code) << words;
+    }
 }
 
 TEST(Check, TellsTheValueOrTheMessage)
 {
-    Runner runner;
-    const nlohmann::json angle = runner.Result("check angle 90-30 --decimals 1");
-    EXPECT_NEAR(angle["rad"].get<double>(), 90.5 / 180.0 * 3.141592653589793, 1e-15);
-    EXPECT_EQ(angle["dms"], "90-30-00.0");
-    EXPECT_EQ(runner.Result("check number 1.2345 --decimals 2")["rounded"], 1.23);
-
-    const nlohmann::json refused = runner.Run("check number 11 --min 1 --max 10 --json").Json();
-    EXPECT_EQ(refused["result"]["valid"], false);
-    EXPECT_TRUE(refused["result"]["value"].is_null());
-    EXPECT_EQ(refused["error"]["code"], "not-valid");
-    EXPECT_EQ(refused["messages"][0]["text"],
-              "The value must lie between [ 1.000 ] and [ 10.000 ].");
+    const std::string refused = "check number 11 --min 1 --max 10";
+    const std::string why = "The value must lie between [ 1.000 ] and [ 10.000 ].";
+    const double right = std::numbers::pi / 2;
+    Runner().Expect({{"check angle 90", 0, "", "/result/rad", right},
+                     {"check angle 90-30 --decimals 1", 0, "", "/result/dms", "90-30-00.0"},
+                     {"check number 1.2345 --decimals 2", 0, "", "/result/rounded", 1.23},
+                     {refused, 1, why, "/error/code", "not-valid"},
+                     {refused, 1, why, "/messages/0/text", why},
+                     {refused, 1, why, "/result/value", nullptr},
+                     {refused, 1, why, "/result/valid", false}});
 }
 
 TEST(Next, CountsOn)
 {
-    Runner runner;
-    const nlohmann::json names = runner.Result("next A-8 --count 3 --max 3");
-    EXPECT_EQ(names["names"][0]["name"], "A-9");
-    EXPECT_EQ(names["names"][1]["name"], "A-9") << "there is no room for A-10";
-    EXPECT_EQ(names["names"][1]["changed"], false);
-    EXPECT_EQ(names["names"].size(), 3U);
+    EXPECT_EQ(Runner().Result("next A-8 --count 2 --max 3")["names"],
+              nlohmann::json::parse(R"([{"name":"A-9","changed":true},
+                                        {"name":"A-9","changed":false}])"))
+        << "there is no room for A-10";
 }
 
 } // namespace

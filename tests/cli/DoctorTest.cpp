@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <regex>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -16,12 +16,9 @@ TEST(Doctor, FindsEachTroubleAndSaysWhatToDo)
 {
     struct Row
     {
-        std::string_view trouble;
-        std::function<void(Runner&)> make;
-        std::string check;
-        std::string health;
-        std::string told; ///< part of what is found or advised
-        int code;
+        std::function<void(Runner&)> trouble;
+        std::string line; ///< state, check, and part of what is found or advised
+        int code = 0;
     };
     const auto group = [](World::SerialGroup found) {
         return [found = std::move(found)](Runner& runner) {
@@ -32,63 +29,52 @@ TEST(Doctor, FindsEachTroubleAndSaysWhatToDo)
         runner.world.listJapaneseFonts = [] { return std::nullopt; };
         runner.world.fontFolders = {runner.Path("fonts"), runner.Path("no-fonts")};
     };
+    const auto nothing = [](Runner&) {};
     const Row rows[] = {
-        {"nothing", [](Runner&) {}, "serial group", "ok", "dialout", 0},
-        {"not in the group", group({"uucp", false, false}), "serial group", "bad",
-         "sudo usermod -aG uucp", 1},
-        {"put into the group since", group({"dialout", false, true}), "serial group", "attention",
-         "log out and in", 0},
-        {"no such group", group({}), "serial group", "attention", "no group", 0},
-        {"no port", [](Runner&) {}, "serial ports", "attention", "sim:", 0},
-        {"nothing", [](Runner&) {}, "version", "ok", "JSON schema 1", 0},
-        {"no almanac", [](Runner&) {}, "almanac", "attention", "almanac get", 0},
-        {"a new almanac", [](Runner& runner) { EXPECT_EQ(runner.Run("almanac sample").code, 0); },
-         "almanac", "ok", "0.0 days old", 0},
-        {"the controller's port is gone",
-         [](Runner& runner) {
+        {nothing, "ok +version .*JSON schema 1"},
+        {nothing, "ok +serial group .*dialout"},
+        {nothing, "attention +serial ports .*sim:"},
+        {nothing, "attention +almanac .*almanac get"},
+        {nothing, "ok +settings .*is made when it is needed"},
+        {group({"uucp", false, false}), "bad +serial group .*sudo usermod -aG uucp", 1},
+        {group({"dialout", false, true}), "attention +serial group .*log out and in"},
+        {group({}), "attention +serial group .*no group"},
+        {[](Runner& runner) { EXPECT_EQ(runner.Run("almanac sample").code, 0); },
+         "ok +almanac .*0.0 days old"},
+        {[](Runner& runner) {
              EXPECT_EQ(runner.Run("settings set GPS\\Connect Port /no-such-port").code, 0);
          },
-         "port /no-such-port", "bad", "There is no /no-such-port", 1},
-        {"fonts cannot be listed, and there is no file", noFontList, "Japanese font", "attention",
-         "fonts-vlgothic", 0},
-        {"fonts cannot be listed, but there is a file",
-         [&noFontList](Runner& runner) {
+         "bad +port /no-such-port .*There is no /no-such-port", 1},
+        {noFontList, "attention +Japanese font .*fonts-vlgothic"},
+        {[&noFontList](Runner& runner) {
              noFontList(runner);
              runner.Folder().Write("fonts/truetype/vlgothic/VL-Gothic-Regular.ttf", "");
          },
-         "Japanese font", "ok", "VL-Gothic-Regular.ttf", 0},
-        {"folders that are not there yet", [](Runner&) {}, "settings", "ok",
-         "is made when it is needed", 0},
-        {"a file where a folder belongs",
-         [](Runner& runner) { runner.Folder().Write("home/.config", ""); }, "settings", "bad",
-         "is no folder", 1},
-        {"machine store elsewhere",
-         [](Runner& runner) {
+         "ok +Japanese font .*VL-Gothic-Regular.ttf"},
+        {[](Runner& runner) { runner.Folder().Write("home/.config", ""); },
+         "bad +settings .*is no folder", 1},
+        {[](Runner& runner) {
              runner.Folder().Write("shared/file", "");
              runner.variables["FIELDCORE_MACHINE_STORE"] = runner.Path("shared");
          },
-         "machine settings", "ok", "shared, ", 0},
+         "ok +machine settings .*shared, "},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.trouble);
+    for (const auto& [trouble, line, code] : rows) {
         Runner runner;
         std::filesystem::create_directories(runner.Path("home"));
-        row.make(runner);
-        const Outcome outcome = runner.Run("doctor --json");
-        EXPECT_EQ(outcome.code, row.code) << outcome.out;
-        if (row.trouble == "nothing") {
-            EXPECT_TRUE(std::filesystem::is_empty(runner.Path("home"))) << "it changes something";
-        }
-        const nlohmann::json document = outcome.Json();
-        nlohmann::json checks;
-        for (const nlohmann::json& each : document["result"]["checks"]) {
-            checks[each["check"].get<std::string>()] = each;
-        }
-        const nlohmann::json check = checks[row.check];
-        EXPECT_EQ(check["health"], row.health) << check;
-        EXPECT_NE(check.dump().find(row.told), std::string::npos) << check;
-        EXPECT_EQ(check["advice"].is_null(), row.health == "ok") << "all is well, or advice";
+        trouble(runner);
+        const Outcome outcome = runner.Run("doctor");
+        EXPECT_EQ(outcome.code, code) << line;
+        EXPECT_TRUE(std::regex_search(outcome.out, std::regex(line))) << line << "\n"
+                                                                      << outcome.out;
     }
+    Runner runner;
+    std::filesystem::create_directories(runner.Path("home"));
+    const nlohmann::json result = runner.Result("doctor");
+    for (const nlohmann::json& check : result["checks"]) {
+        EXPECT_EQ(check["advice"].is_null(), check["health"] == "ok") << check;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(runner.Path("home"))) << "it changes something";
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -31,42 +32,34 @@ std::vector<std::string> State(Runner& runner, bool isReal)
 
 TEST(SimulatedReceiver, LeadsToAStoreOfItsOwn)
 {
-    struct Row
-    {
-        std::string command;
-        std::string variable; ///< FIELDCORE_PORT
-        std::string kept;     ///< by the command, in the other store
+    // Commands, and FIELDCORE_PORT.
+    const std::pair<std::string, std::string> rows[] = {
+        {OnSim("almanac get", "almanac-5"), ""},
+        {OnSim("ports set 2 57600"), ""},
+        {"ports set 2 57600", "sim:"},
+        {"ports set 0 57600", "sim:"},
+        {"ports set 2 57600", "stored"},
+        {OnSim("signal set l2c"), ""},
+        {OnSim("tilt speed slow", "tilted"), ""},
+        {OnSim("identify --search --store"), ""},
+        {"antenna set --height 1.5 --type 3 --port sim:", ""},
+        {"settings set A n 2 --port sim:", ""},
     };
-    const Row rows[] = {
-        {"almanac get --speed 20 --timeout 60 --port sim:almanac-5", "", "almanac show --json"},
-        {"ports set 2 57600 --port sim:", "", ""},
-        {"ports set 2 57600", "sim:", ""},
-        {"ports set 0 57600", "sim:", ""},
-        {"ports set 2 57600", "stored", ""},
-        {"signal set l2c --port sim:", "", ""},
-        {"tilt speed slow --port sim:tilted", "", ""},
-        {"identify --search --store --port sim:", "", ""},
-        {"antenna set --height 1.5 --type 3 --port sim:", "", ""},
-        {"settings set A n 2 --port sim:", "", "settings get A n"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.command + " " + row.variable);
+    for (const auto& [command, variable] : rows) {
+        SCOPED_TRACE(command + " " + variable);
         Runner runner;
         ASSERT_EQ(runner.Run("almanac sample").code, 0);
         ASSERT_EQ(runner.Run("settings set A n 1").code, 0);
-        if (row.variable == "stored") {
+        if (variable == "stored") {
             ASSERT_EQ(runner.Run("settings set GPS\\Connect Port sim:").code, 0);
-        } else if (!row.variable.empty()) {
-            runner.variables["FIELDCORE_PORT"] = row.variable;
+        } else if (!variable.empty()) {
+            runner.variables["FIELDCORE_PORT"] = variable;
         }
-        const std::vector<std::string> before = State(runner, true);
-        const Outcome outcome = runner.Run(row.command);
-        EXPECT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_NE(outcome.err.find("Kept in the simulator's own store."), std::string::npos);
-        EXPECT_EQ(State(runner, true), before);
-        if (!row.kept.empty()) {
-            EXPECT_NE(runner.Run(row.kept).out, runner.Run(row.kept + " --port sim:").out);
-        }
+        const std::vector<std::string> real = State(runner, true);
+        const std::vector<std::string> all = State(runner, false);
+        runner.Expect({{command, 0, "Kept in the simulator's own store."}});
+        EXPECT_EQ(State(runner, true), real);
+        EXPECT_NE(State(runner, false), all) << "it is kept nowhere";
     }
 }
 
@@ -89,7 +82,7 @@ TEST(DryRun, ChangesNothing)
         "settings export @/out.txt",
         "settings import @/saved.txt",
         "ports set 0 9600",
-        "ports set 1 57600 --port sim:",
+        "ports set 1 57600 --port sim:", // the one in use, and another
         "ports set 2 57600 --port sim:",
         "signal set l5 --port sim:",
         "tilt speed slow --port sim:tilted",
@@ -106,13 +99,9 @@ TEST(DryRun, ChangesNothing)
         ASSERT_EQ(runner.Run(look).code, 0); // which installs the catalogue and makes defaults
     }
     const std::vector<std::string> before = State(runner, false);
-    for (const char* const command : commands) {
-        SCOPED_TRACE(command);
-        const Outcome outcome = runner.Run(std::string(command) + " --dry-run --json");
-        EXPECT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_EQ(outcome.Json().value("dryRun", false), true);
-        EXPECT_NE(outcome.err.find("nothing was changed"), std::string::npos) << "not told";
-        EXPECT_EQ(State(runner, false), before);
+    for (const std::string command : commands) {
+        runner.Expect({{command + " --dry-run", 0, "nothing was changed", "/dryRun", true}});
+        EXPECT_EQ(State(runner, false), before) << command;
     }
 }
 

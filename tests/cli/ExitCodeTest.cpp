@@ -1,8 +1,8 @@
 // Scripts stand on the exit codes and on one JSON document, whatever happens.
 
 #include "core/platform/PosixSerialDevice.h"
-#include "simulator/Simulator.h"
 #include "tests/cli/Runner.h"
+#include "tests/support/StartReceiver.h"
 
 #include <csignal>
 #include <memory>
@@ -14,62 +14,26 @@
 namespace fieldcore::cli::test {
 namespace {
 
-struct Row
+TEST(ExitCode, UsageIsTwoAndSaysWhatWouldBeRight)
 {
-    std::string_view fault;
-    std::string arguments;
-    int code;
-    std::string error; ///< its code in the JSON document
-};
-
-void ExpectFailure(Runner& runner, const Row& row)
-{
-    SCOPED_TRACE(row.fault);
-    const Outcome text = runner.Run(row.arguments);
-    EXPECT_EQ(text.code, row.code) << text.err;
-    EXPECT_NE(text.err, "");
-
-    const Outcome json = runner.Run("--json " + row.arguments);
-    EXPECT_EQ(json.code, row.code) << json.err;
-    const nlohmann::json document = json.Json();
-    EXPECT_EQ(document["schema"], 1);
-    EXPECT_EQ(document["ok"], false);
-    EXPECT_EQ(document["error"]["exitCode"], row.code);
-    EXPECT_EQ(document["error"]["code"], row.error);
-    EXPECT_FALSE(document["error"]["message"].get<std::string>().empty());
-}
-
-TEST(ExitCode, UsageIsTwoAndNothingIsOnStdout)
-{
-    Runner runner;
-    const char* const commands[] = {"",
-                                    "ports --port sim:",
-                                    "info",
-                                    "info --port ttyUSB0",
-                                    "info --port COM0",
-                                    "info --port sim:no-such",
-                                    "info --port sim: --baud 38401",
-                                    "info --port sim: --parity 9",
-                                    "info --port /dev/null --speed 2",
-                                    "sim run --scenario no-such",
-                                    "info --port sim: -- true",
-                                    "sim run --",
-                                    "reset --port sim:"};
-    for (const char* const command : commands) {
-        ExpectFailure(runner, {command, command, 2, "usage"});
-        EXPECT_EQ(runner.Run(command).out, "") << command;
-    }
-}
-
-TEST(ExitCode, UsageSaysWhatWouldBeRight)
-{
-    struct WordRow
+    struct Row
     {
         std::string arguments;
-        std::string_view wrong;
-        std::string_view right;
+        std::string_view wrong = "";
+        std::string_view right = "";
     };
-    const WordRow rows[] = {
+    const Row rows[] = {
+        {""},
+        {"info"},
+        {"info --port COM0"},
+        {"info --port sim:no-such"},
+        {"info --port /dev/null --speed 2"},
+        {"info --port sim: --baud 38401"},
+        {"info --port sim: --parity 9"},
+        {"info --port sim: -- true"},
+        {"sim run --scenario no-such"},
+        {"sim run --"},
+        {"reset --port sim:"},
         {"stauts --port sim: --watch", "no command stauts.", "mean status?"},
         {"stauts --help", "no command stauts.", "mean status?"},
         {"help sim rnu", "no command sim rnu.", "mean run?"},
@@ -87,59 +51,56 @@ TEST(ExitCode, UsageSaysWhatWouldBeRight)
         {"reset --yes --dry-run", "--yes does not go with --dry-run.", "reset --help"},
     };
     Runner runner;
-    for (const WordRow& row : rows) {
-        const std::string said = runner.Run(row.arguments).err;
-        EXPECT_NE(said.find(row.wrong), std::string::npos) << row.arguments << "\n" << said;
-        EXPECT_NE(said.find(row.right), std::string::npos) << row.arguments << "\n" << said;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.arguments);
+        const Outcome said = runner.Run(row.arguments);
+        EXPECT_EQ(said.code, 2);
+        EXPECT_EQ(said.out, "");
+        EXPECT_NE(said.err.find(row.wrong), std::string::npos) << said.err;
+        EXPECT_NE(said.err.find(row.right), std::string::npos) << said.err;
+        const nlohmann::json document = runner.Run("--json " + row.arguments).Json();
+        EXPECT_EQ(document["schema"], 1);
+        EXPECT_EQ(document["ok"], false);
+        EXPECT_EQ(document["error"]["exitCode"], 2);
+        EXPECT_EQ(document["error"]["code"], "usage");
+        EXPECT_NE(document["error"]["message"], "");
     }
 }
 
 TEST(ExitCode, TellsPortsReceiversAndFilesApart)
 {
     Runner runner;
-    const auto with = [&runner](const std::string& name, const std::string& lines) {
-        const std::string file = runner.Scenario(lines);
-        std::filesystem::rename(file, runner.Path(name));
-        return "sim:" + runner.Path(name) + " --speed 20 --timeout 60";
+    const auto with = [&runner](const std::string& lines) {
+        return "sim:" + runner.Scenario(lines) + " --speed 20 --timeout 60";
     };
-    const Row rows[] = {
-        {"a file", "info --port @/damaged", 3, "port-not-serial"},
-        {"COM port that is not there", "status --port COM9", 3, "port-absent"},
-        {"path that is not there", "identify --port @/nothing", 3, "port-absent"},
-        {"a silent receiver asked by BREAK", "identify --port sim:silent --speed 20", 4,
-         "no-answer"},
-        {"NAK", "info --port " + with("nak", "fault nak on 06 skip 1"), 6, "nak"},
-        {"NAK of a reset", "reset --yes --port " + with("nak-reset", "fault nak on 58"), 6, "nak"},
-        {"every answer damaged", "status --port " + with("damaged", "fault corrupt on 08"), 1,
-         "damaged-answer"},
-        {"answer of another type", "info --port " + with("wrong", "fault wrong-type 126 on 4A"), 1,
-         "unexpected-answer"},
-        {"cable pulled", "status --port " + with("pulled", "fault hang-up reply 4 on 34"), 3,
-         "link-lost"},
-        {"log in a folder that is not there", "info --port sim: --log @/none/log", 8, "local-file"},
-        {"log that is none", "trace @/damaged", 8, "local-file"},
-        {"log without a line", "trace /dev/null", 8, "local-file"},
-    };
-    for (const Row& row : rows) {
-        ExpectFailure(runner, row);
-    }
+    const std::string code = "/error/code";
+    runner.Expect({
+        {"info --port @/a-file-that-is-none --log @/log", 3, "", code, "port-absent"},
+        {"info --port @/log", 3, "", code, "port-not-serial"},
+        {"status --port COM9", 3, "", code, "port-absent"},
+        {"identify --port sim:silent --speed 20", 4, "", code, "no-answer"},
+        {"info --port " + with("fault nak on 06 skip 1"), 6, "", code, "nak"},
+        {"reset --yes --port " + with("fault nak on 58"), 6, "", code, "nak"},
+        {"status --port " + with("fault corrupt on 08"), 1, "", code, "damaged-answer"},
+        {"info --port " + with("fault wrong-type 126 on 4A"), 1, "", code, "unexpected-answer"},
+        {"status --port " + with("fault hang-up reply 4 on 34"), 3, "", code, "link-lost"},
+        {"info --port sim: --log @/none/log", 8, "", code, "local-file"},
+        {"trace @/log", 8, "", code, "local-file"}, // there is nothing in it
+    });
 }
 
 TEST(ExitCode, PortsOfThisMachineAreThree)
 {
-    std::string error;
-    simulator::Simulator receiver(*simulator::LoadScenario("lark", error));
-    ASSERT_TRUE(receiver.Start(error)) << error;
+    const auto receiver = fieldcore::testing::StartReceiver("lark");
     PosixSerialDevice other;
-    ASSERT_TRUE(other.Open(receiver.PortPath()));
+    ASSERT_TRUE(other.Open(receiver->PortPath()));
     Runner runner;
+    const std::string info = "info --port " + receiver->PortPath();
     runner.world.roots = {}; // who holds a port is seen in the real process table
-    ExpectFailure(runner, {"no serial port", "info --port /dev/null", 3, "port-not-serial"});
-    runner.world.roots.proc = runner.Folder().Path();
-    ExpectFailure(runner, {"port in use by somebody who is not to be seen",
-                           "info --port " + receiver.PortPath(), 3, "port-in-use"});
-    runner.world.roots = {};
-    ExpectFailure(runner, {"port in use", "info --port " + receiver.PortPath(), 3, "port-in-use"});
+    runner.Expect({{"info --port /dev/null", 3, "", "/error/code", "port-not-serial"},
+                   {info, 3, "", "/error/code", "port-in-use"}});
+    runner.world.roots.proc = runner.Folder().Path(); // somebody who is not to be seen
+    runner.Expect({{info, 3, "", "/error/code", "port-in-use"}});
 }
 
 TEST(ExitCode, CtrlCIsSeven)
@@ -174,8 +135,7 @@ TEST(ExitCode, ResetHappensOnlyWhenBothQuestionsAreAgreed)
     for (const auto& [input, code] : answers) {
         SCOPED_TRACE(input);
         Runner runner;
-        runner.world.inIsTerminal = runner.world.errIsTerminal = true;
-        runner.input = input;
+        runner.Type(input);
         EXPECT_EQ(runner.Run(reset).code, code);
         EXPECT_EQ(isSent(runner), code == 0);
     }
@@ -187,24 +147,27 @@ TEST(ExitCode, ResetHappensOnlyWhenBothQuestionsAreAgreed)
 TEST(LanguageOfARun, IsOne)
 {
     Runner runner;
-    const char* const commands[] = {"info --port sim:silent --timeout 0.1", "files ls --port sim:",
-                                    "almanac get --port sim:almanac-5 --speed 20"};
-    const auto saysJapanese = [](const Outcome& outcome) { // every kana and kanji begins so
-        return (outcome.out + outcome.err).find_first_of("\xE3\xE4\xE5\xE6\xE7\xE8\xE9") !=
-               std::string::npos;
+    const auto expect = [&runner](const std::string& before, const std::string& behind,
+                                  bool isOne) {
+        for (const std::string command :
+             {"info --port sim:silent --timeout 0.1",
+              "files ls --port sim:", "almanac get --port sim:almanac-5"}) {
+            const Outcome outcome = runner.Run(before + command + " --speed 20" + behind);
+            // Every kana and kanji begins so.
+            const auto at =
+                (outcome.out + outcome.err).find_first_of("\xE3\xE4\xE5\xE6\xE7\xE8\xE9");
+            EXPECT_EQ(at != std::string::npos, isOne) << before << command << behind;
+        }
     };
-    for (const char* const command : commands) {
-        SCOPED_TRACE(command);
-        EXPECT_FALSE(saysJapanese(runner.Run(command)));
-        EXPECT_TRUE(saysJapanese(runner.Run(std::string(command) + " --language ja")));
-        runner.variables["FIELDCORE_LANGUAGE"] = "ja";
-        EXPECT_TRUE(saysJapanese(runner.Run(command)));
-        EXPECT_FALSE(saysJapanese(runner.Run(std::string("--language en ") + command)));
-        runner.variables.clear();
-    }
-    runner.Expect({{"ports --language fr", 2}});
+    expect("", "", false);
+    expect("", " --language ja", true);
+    runner.variables["FIELDCORE_LANGUAGE"] = "ja";
+    expect("", "", true);
+    expect("--language en ", "", false);
     runner.variables["FIELDCORE_LANGUAGE"] = "japanese";
     runner.Expect({{"ports", 2}, {"ports --language ja", 0}}); // the option wins
+    runner.variables.clear();
+    runner.Expect({{"ports --language fr", 2}});
 }
 
 } // namespace

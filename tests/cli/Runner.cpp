@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -41,11 +42,18 @@ std::string Runner::Path(const std::string& name) const
     return (m_folder.Path() / name).string();
 }
 
-std::string Runner::Scenario(const std::string& lines) const
+std::string Runner::Scenario(const std::string& lines)
 {
     const std::string healthy =
         Content(std::filesystem::path(FIELDCORE_SOURCE_DIR) / "simulator/scenarios/lark.txt");
-    return m_folder.Write("scenario.txt", healthy + "\n" + lines + "\n").string();
+    const std::string name = "scenario" + std::to_string(++m_scenarios) + ".txt";
+    return m_folder.Write(name, healthy + "\n" + lines + "\n").string();
+}
+
+void Runner::Type(const std::string& answers)
+{
+    world.inIsTerminal = world.errIsTerminal = true;
+    input = answers;
 }
 
 std::string Runner::Expanded(const std::string& text) const
@@ -59,8 +67,12 @@ std::string Runner::Expanded(const std::string& text) const
 
 Outcome Runner::Run(const std::string& arguments)
 {
-    std::istringstream words(Expanded(arguments));
-    return Run(std::vector<std::string>(std::istream_iterator<std::string>(words), {}));
+    std::istringstream typed(Expanded(arguments));
+    std::vector<std::string> words;
+    for (std::string word; typed >> std::quoted(word, '\'');) {
+        words.push_back(word);
+    }
+    return Run(std::move(words));
 }
 
 Outcome Runner::Run(std::vector<std::string> arguments, bool isTogether)
@@ -86,13 +98,17 @@ void Runner::Expect(std::initializer_list<Told> rows)
 {
     for (const Told& row : rows) {
         SCOPED_TRACE(row.arguments);
-        const Outcome outcome = Run(row.arguments);
+        const bool isJson = !row.place.empty();
+        const Outcome outcome = Run(row.arguments + (isJson ? " --json" : ""));
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         EXPECT_NE(outcome.err.find(row.told), std::string::npos) << outcome.err;
         if (row.code == 0) {
             EXPECT_EQ(outcome.err.empty(), row.told.empty()) << outcome.err;
-        } else if (row.arguments.find("--json") == std::string::npos) {
+        } else if (!isJson) {
             EXPECT_EQ(outcome.out, "");
+        }
+        if (isJson) {
+            EXPECT_EQ(outcome.Json()[nlohmann::json::json_pointer(row.place)], row.value);
         }
     }
 }
@@ -113,6 +129,11 @@ Outcome Runner::RunInShell(const std::string& command) const
 Outcome Runner::RunProgram(const std::string& arguments) const
 {
     return RunInShell(std::string("exec ") + FIELDCORE_CLI + " " + Expanded(arguments));
+}
+
+std::string OnSim(const std::string& command, const std::string& scenario)
+{
+    return command + " --speed 20 --timeout 60 --port sim:" + scenario;
 }
 
 std::string Content(const std::filesystem::path& file)

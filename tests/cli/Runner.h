@@ -32,7 +32,12 @@ struct Told
     std::string arguments;
     int code;
     std::string_view told = ""; ///< part of what stands on stderr; empty: nothing if the code is 0
+    std::string place = "";     ///< JSON pointer into the document; empty: none is asked for
+    nlohmann::json value = nullptr; ///< what the document has at @c place
 };
+
+/// @p command on a simulated receiver, whose time runs fast.
+[[nodiscard]] std::string OnSim(const std::string& command, const std::string& scenario = "");
 
 /// A process and a machine of the test's own, in which command lines are run: empty folders, no
 /// serial ports, no terminal, no Ctrl-C, until the test says otherwise.
@@ -41,7 +46,8 @@ class Runner
 public:
     Runner();
 
-    /// @param arguments  separated by blanks; "@/" begins a path below the runner's folder
+    /// @param arguments  separated by blanks, but for what stands 'between quotes'; "@/" begins a
+    /// path below the runner's folder
     [[nodiscard]] Outcome Run(const std::string& arguments);
     /// @param isTogether  both outputs are one, as a terminal shows them
     [[nodiscard]] Outcome Run(std::vector<std::string> arguments, bool isTogether = false);
@@ -58,8 +64,11 @@ public:
 
     [[nodiscard]] const TemporaryFolder& Folder() const { return m_folder; }
     [[nodiscard]] std::string Path(const std::string& name) const;
-    /// Writes a scenario: the shipped healthy receiver's numbers with @p lines in addition.
-    [[nodiscard]] std::string Scenario(const std::string& lines) const;
+    /// The path of a new scenario: the shipped healthy receiver's numbers with @p lines in
+    /// addition.
+    [[nodiscard]] std::string Scenario(const std::string& lines);
+    /// Typed on a terminal from now on.
+    void Type(const std::string& answers);
 
     World world;
     std::map<std::string, std::string> variables;
@@ -69,6 +78,7 @@ private:
     [[nodiscard]] std::string Expanded(const std::string& text) const;
 
     TemporaryFolder m_folder;
+    int m_scenarios = 0;
 };
 
 /// The bytes of a file as they are.

@@ -3,15 +3,13 @@
 #include "tests/cli/Runner.h"
 
 #include <string>
-#include <vector>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 namespace fieldcore::cli::test {
 namespace {
-
-using Words = std::vector<std::string>;
 
 /// What the user's root holds, whole.
 std::string Saved(Runner& runner)
@@ -23,51 +21,46 @@ TEST(Settings, KeepTheTypeThatAValueHas)
 {
     struct Row
     {
-        std::string_view fault;
-        Words set; ///< behind "set Plan Value"
+        std::string set;
         int code;
         std::string type; ///< afterwards
         nlohmann::json value;
     };
     const Row rows[] = {
-        {"a new one is a text", {"17"}, 0, "text", "17"},
-        {"made a number", {"0x11", "--type", "number"}, 0, "number", 17},
-        {"stays a number", {"18"}, 0, "number", 18},
-        {"a number must be one", {"many"}, 2, "number", 18},
-        {"made bytes", {"00 fF1a", "--type", "binary"}, 0, "binary", "00 FF 1A"},
-        {"half a byte", {"0"}, 2, "binary", "00 FF 1A"},
-        {"a type that does not exist", {"1", "--type", "real"}, 2, "binary", "00 FF 1A"},
-        {"made a text", {"\xE6\xB8\xAC \"%\"", "--type", "text"}, 0, "text", "\xE6\xB8\xAC \"%\""},
-        {"an empty text", {""}, 0, "text", ""},
+        {"17", 0, "text", "17"},
+        {"0x11 --type number", 0, "number", 17},
+        {"18", 0, "number", 18},
+        {"many", 2, "number", 18},
+        {"'00 fF1a' --type binary", 0, "binary", "00 FF 1A"},
+        {"0", 2, "binary", "00 FF 1A"}, // half a byte
+        {"1 --type real", 2, "binary", "00 FF 1A"},
+        {"'\xE6\xB8\xAC \"%\"' --type text", 0, "text", "\xE6\xB8\xAC \"%\""},
+        {"''", 0, "text", ""},
     };
     Runner runner;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Words words{"settings", "set", "Plan", "Value"};
-        words.insert(words.end(), row.set.begin(), row.set.end());
-        const Outcome outcome = runner.Run(words);
-        EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        const nlohmann::json result = runner.Result("settings get plan value");
-        EXPECT_EQ(result["type"], row.type);
-        EXPECT_EQ(result["value"], row.value);
+    for (const auto& [set, code, type, value] : rows) {
+        SCOPED_TRACE(set);
+        EXPECT_EQ(runner.Run("settings set Plan Value " + set).code, code);
+        runner.Expect({{"settings get plan value", 0, "", "/result/type", type},
+                       {"settings get plan value", 0, "", "/result/value", value}});
     }
 }
 
 TEST(Settings, FindTheRootAndKeyThatAreMeant)
 {
     Runner runner;
-    ASSERT_EQ(runner.Run("settings set A n user").code, 0);
-    ASSERT_EQ(runner.Run("settings set A n machine --machine").code, 0);
-    ASSERT_EQ(runner.Run("settings set A n root --all").code, 0);
-    EXPECT_EQ(runner.Run("settings get A n").out, "user\n");
-    EXPECT_EQ(runner.Run("settings get A n --machine").out, "machine\n");
-    EXPECT_EQ(runner.Run("settings get A n --all").out, "root\n");
-    EXPECT_EQ(
-        runner.Run({"settings", "get", "Software\\Aldex-Corvane\\olen+(GPS)\\A", "n", "--all"}).out,
-        "user\n");
-    EXPECT_EQ(runner.Run("settings list").out, "Software\\Aldex-Corvane\\olen+(GPS)\\\n"
-                                               "  A\\\n"
-                                               "    n  text    user\n");
+    for (const std::string set : {"user", "machine --machine", "root --all"}) {
+        ASSERT_EQ(runner.Run("settings set A n " + set).code, 0);
+    }
+    const std::pair<std::string, std::string> rows[] = {
+        {"get A n", "user\n"},
+        {"get A n --machine", "machine\n"},
+        {"get A n --all", "root\n"},
+        {"get Software\\Aldex-Corvane\\olen+(GPS)\\A n --all", "user\n"},
+        {"list", "Software\\Aldex-Corvane\\olen+(GPS)\\\n  A\\\n    n  text    user\n"}};
+    for (const auto& [words, shown] : rows) {
+        EXPECT_EQ(runner.Run("settings " + words).out, shown) << words;
+    }
 }
 
 TEST(Settings, AStoreThatCannotBeReadIsToldByEveryCommand)
@@ -81,86 +74,61 @@ TEST(Settings, AStoreThatCannotBeReadIsToldByEveryCommand)
     EXPECT_EQ(sqlite3_exec(database, "DROP TABLE value", nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
     const std::string before = Content(file);
-    for (const char* const command :
+    for (const std::string command :
          {"list", "get A n", "set A n 2", "delete A --yes", "delete A n --yes", "export",
           "import @/saved", "import @/saved --dry-run"}) {
-        SCOPED_TRACE(command);
-        const Outcome outcome = runner.Run(std::string("settings ") + command);
-        EXPECT_EQ(outcome.code, 8);
-        EXPECT_NE(outcome.err.find("no such table: value"), std::string::npos) << outcome.err;
-        EXPECT_EQ(outcome.out, "");
+        runner.Expect({{"settings " + command, 8, "no such table: value"}});
     }
     EXPECT_EQ(Content(file), before);
 }
 
 TEST(Settings, AreDeletedOnlyWhenItIsAgreed)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string arguments;
-        std::string answer; ///< typed on a terminal; empty: there is none
-        int code;
-        std::string left; ///< keys and names
-    };
-    const std::string all = R"(A] A\B] "n" "m" "o")";
-    const Row rows[] = {
-        {"nobody can be asked", "delete A", "", 2, all},
-        {"declined", "delete A", "n\n", 7, all},
-        {"dry run", "delete A --dry-run", "", 0, all},
-        {"a value that is not there", "delete A x --yes", "", 1, all},
-        {"a key that is not there", "delete X --yes", "", 1, all},
-        {"the key all stands in", "delete \\ --yes", "", 2, all},
-        {"one value", "delete A n --yes", "", 0, R"(A] A\B] "m" "o")"},
-        {"agreed", "delete A\\B", "y\n", 0, R"(A] "n" "m")"},
-        {"with all below", "delete A --yes", "", 0, ""},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Runner runner;
-        for (const char* const value : {"A n", "A m", "A\\B o"}) {
-            ASSERT_EQ(runner.Run("settings set " + std::string(value) + " x").code, 0);
-        }
-        runner.world.inIsTerminal = runner.world.errIsTerminal = !row.answer.empty();
-        runner.input = row.answer;
-        EXPECT_EQ(runner.Run("settings " + row.arguments).code, row.code);
-        const std::string saved = Saved(runner);
-        for (const std::string name : {"A]", "A\\B]", "\"n\"", "\"m\"", "\"o\""}) {
-            const bool isLeft = row.left.find(name) != std::string::npos;
-            EXPECT_EQ(saved.find(name) != std::string::npos, isLeft) << name << " in " << saved;
-        }
+    Runner runner;
+    for (const std::string value : {"A n", "A m", "A\\B o", "C p"}) {
+        ASSERT_EQ(runner.Run("settings set " + value + " x").code, 0);
     }
+    const std::string all = Saved(runner);
+    runner.Expect({{"settings delete A", 2}, // nobody can be asked
+                   {"settings delete A x --yes", 1},
+                   {"settings delete X --yes", 1},
+                   {"settings delete \\ --yes", 2}}); // the key all stands in
+    runner.Type("n\n");
+    EXPECT_EQ(runner.Run("settings delete A").code, 7);
+    EXPECT_EQ(Saved(runner), all);
+    runner.Type("y\n");
+    EXPECT_EQ(runner.Run("settings delete A\\B").code, 0);
+    EXPECT_EQ(runner.Run("settings delete A n --yes").code, 0);
+    runner.Expect({{"settings get A\\B o", 1}, {"settings get A n", 1}, {"settings get A m", 0}});
+    EXPECT_EQ(runner.Run("settings delete A --yes").code, 0); // with all that is left below
+    runner.Expect({{"settings list A", 1}, {"settings get C p", 0}});
 }
 
 TEST(Settings, ComeBackFromAnExport)
 {
     Runner runner;
-    ASSERT_EQ(runner.Run("settings set A n 1 --type number").code, 0);
-    ASSERT_EQ(runner.Run("settings set A m old").code, 0);
+    runner.Expect({{"settings set A n 1 --type number", 0}, {"settings set A m old", 0}});
     const std::string before = Saved(runner);
-    ASSERT_EQ(runner.Run("settings export @/saved.txt").code, 0);
-    ASSERT_EQ(runner.Run("settings set A m new").code, 0);
-    ASSERT_EQ(runner.Run("settings set A added x").code, 0);
+    runner.Expect({{"settings export @/saved.txt", 0},
+                   {"settings set A m new", 0},
+                   {"settings set A added x", 0}});
     const std::string changed = Saved(runner);
 
     // One damaged line, behind a good one: nothing of it may be stored.
     const std::string good = Content(runner.Path("saved.txt"));
     runner.Folder().Write("bad.txt", good + "\"x\" = number 1,5\n");
     runner.Expect({{"settings import @/bad.txt", 8, "bad.txt, line 8: "}});
-    EXPECT_EQ(Saved(runner), changed);
-
     const nlohmann::json changes =
         runner.Result("settings import @/saved.txt --dry-run")["changes"];
     EXPECT_EQ(changes.size(), 1U);
     EXPECT_EQ(changes[0]["value"], "old");
     EXPECT_EQ(Saved(runner), changed);
 
-    EXPECT_EQ(runner.Run("settings import @/saved.txt").code, 0);
-    EXPECT_EQ(runner.Run("settings get A added").out, "x\n") << "what is not in the file stays";
-    ASSERT_EQ(runner.Run("settings delete A added --yes").code, 0);
+    runner.Expect({{"settings import @/saved.txt", 0},
+                   {"settings delete A added --yes", 0}}); // what is not in the file stays
     EXPECT_EQ(Saved(runner), before);
     runner.input = good;
-    EXPECT_EQ(runner.Run("settings import -").code, 0);
+    runner.Expect({{"settings import -", 0}});
 }
 
 TEST(Settings, ReplaceNoFileUnasked)
@@ -181,10 +149,7 @@ TEST(Settings, SayWhenTheyCannotBeKept)
 {
     Runner runner;
     runner.Folder().Write("home/.config", ""); // where the folder should be
-    const Outcome outcome = runner.Run("settings set A n 1 --json");
-    EXPECT_EQ(outcome.code, 8);
-    EXPECT_EQ(outcome.Json()["messages"][0]["kind"], "warning");
-    EXPECT_NE(outcome.err.find("cannot be saved"), std::string::npos) << outcome.err;
+    runner.Expect({{"settings set A n 1", 8, "cannot be saved", "/messages/0/kind", "warning"}});
     EXPECT_EQ(runner.Run("settings list").code, 0);
 }
 
@@ -192,12 +157,10 @@ TEST(Settings, SayWhichDeviceAComNumberMeans)
 {
     Runner runner;
     runner.Folder().Write("device", "");
-    ASSERT_EQ(runner.Run("settings set Ports COM9 @/device").code, 0);
-    const Outcome outcome = runner.Run("identify --port com9");
-    EXPECT_EQ(outcome.code, 3);
-    EXPECT_NE(outcome.err.find(runner.Path("device")), std::string::npos) << outcome.err;
-    const Outcome relative = runner.Run("settings set Ports COM8 ttyUSB0");
-    EXPECT_NE(relative.err.find("COM8"), std::string::npos) << "told only when it is used";
+    const std::string device = runner.Path("device");
+    runner.Expect({{"settings set Ports COM9 @/device", 0},
+                   {"identify --port com9", 3, device},
+                   {"settings set Ports COM8 ttyUSB0", 0, "COM8"}}); // not only when it is used
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 // The receiver's time against the controller's. Setting is only ever noted down.
 
 #include "core/platform/FastClock.h"
-#include "simulator/Simulator.h"
 #include "tests/cli/Runner.h"
+#include "tests/support/StartReceiver.h"
 
 #include <chrono>
 #include <memory>
@@ -14,23 +14,23 @@
 namespace fieldcore::cli::test {
 namespace {
 
-/// A simulator that stands where a real receiver would: behind a path.
 class TimeTest : public ::testing::Test
 {
 protected:
-    std::string Plug(const std::string& lines)
+    TimeTest()
     {
-        std::string error;
-        const auto scenario = simulator::LoadScenario(runner.Scenario(lines), error);
-        EXPECT_TRUE(scenario) << error;
-        receiver = std::make_unique<simulator::Simulator>(*scenario);
-        EXPECT_TRUE(receiver->Start(error)) << error;
         runner.world.clock = &clock; // the pauses of connecting go fast
         runner.world.setClock = [this](Clock::UtcTime time) {
             set.push_back(time);
             return refusal;
         };
-        return "time --json --timeout 60 --port " + receiver->PortPath();
+    }
+    /// The command at a receiver whose clock nearly stands still.
+    std::string Plug(const std::string& lines)
+    {
+        receiver = testing::StartReceiver(
+            runner.Scenario("start 2026-03-14 00:00:05\nspeed 0.001\n" + lines));
+        return "time --port " + receiver->PortPath();
     }
 
     FastClock clock{20.0};
@@ -40,73 +40,45 @@ protected:
     std::string refusal;
 };
 
-constexpr const char* kThen = "start 2026-03-14 00:00:05\nspeed 0.001";
-
 TEST_F(TimeTest, SetsTheClockOnlyWhenItMay)
 {
     using namespace std::chrono;
-    struct Row
-    {
-        std::string_view fault;
-        std::string scenario;
-        std::string options;
-        std::string refusal;
-        int code;
-        bool isSet; ///< tried
-    };
-    const Row rows[] = {
-        {"shown only", kThen, "", "", 0, false},
-        {"dry run", kThen, " --set --dry-run", "", 0, false},
-        {"nobody to ask", kThen, " --set", "", 2, false},
-        {"agreed beforehand", kThen, " --set --yes", "", 0, true},
-        {"no permission", kThen, " --set --yes", "Operation not permitted", 1, true},
-        {"no fix, no trust", std::string(kThen) + "\nfix searching", " --set --yes", "", 1, false},
-        {"no time, no trust", "time-valid no\nfix searching", " --set --yes", "", 1, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        set.clear();
-        const std::string command = Plug(row.scenario) + row.options;
-        refusal = row.refusal;
-        const Outcome outcome = runner.Run(command);
-        EXPECT_EQ(outcome.code, row.code) << outcome.err;
-        EXPECT_EQ(set.size(), row.isSet ? 1U : 0U);
-        const nlohmann::json document = outcome.Json();
-        if (row.code == 0) {
-            EXPECT_EQ(document["result"]["receiverUtc"], "2026-03-14T00:00:05Z");
-            EXPECT_EQ(document["result"]["set"], row.isSet);
-        }
-        if (row.isSet) { // within the offset after midnight, too, it is the day of UTC
-            const auto later = set.front() - (sys_days(2026y / 3 / 14) + 5s);
-            EXPECT_GE(later, 0s);
-            EXPECT_LT(later, 60s);
-        }
-        if (!row.refusal.empty()) {
-            EXPECT_NE(outcome.err.find(row.refusal), std::string::npos) << outcome.err;
-        }
+    std::string time = Plug("") + " --timeout 60";
+    const std::string isSet = "/result/set";
+    runner.Expect({{time, 0, "", "/result/receiverUtc", "2026-03-14T00:00:05Z"},
+                   {time, 0, "", isSet, false},
+                   {time + " --set --dry-run", 0, "nothing was changed", isSet, false},
+                   {time + " --set", 2}}); // nobody to ask
+    EXPECT_TRUE(set.empty());
+    runner.Expect({{time + " --set --yes", 0, "", isSet, true}});
+    ASSERT_EQ(set.size(), 1U);
+    // Within the offset after midnight, too, it is the day of UTC.
+    EXPECT_GE(set.front() - sys_days(2026y / 3 / 14), 5s);
+    EXPECT_LT(set.front() - sys_days(2026y / 3 / 14), 65s);
+    refusal = "Operation not permitted";
+    runner.Expect({{time + " --set --yes", 1, refusal, "/error/code", "clock-not-set"}});
+    EXPECT_EQ(set.size(), 2U) << "it is not even tried";
+    for (const std::string lines : {"fix searching", "time-valid no\nfix searching"}) { // no trust
+        time = Plug(lines) + " --timeout 60";
+        runner.Expect({{time + " --set --yes", 1, "", "/error/code", "time-not-known"}});
     }
+    EXPECT_EQ(set.size(), 2U);
 }
 
 TEST_F(TimeTest, CountsWhatPassesWhileAnAnswerIsLost)
 {
     using namespace std::chrono;
-    std::string command = Plug(std::string(kThen) + "\nfault drop on 41 skip 1 count 1");
-    command.replace(command.find("60"), 2, "5"); // seconds of the clock that runs fast
-    EXPECT_EQ(runner.Run(command + " --set --yes").code, 0);
+    // Seconds of the clock that runs fast.
+    runner.Expect({{Plug("fault drop on 41 skip 1 count 1") + " --timeout 5 --set --yes", 0}});
     ASSERT_EQ(set.size(), 1U);
     EXPECT_GE(set.front() - sys_days(2026y / 3 / 14), 10s) << "5 at first, and the wait";
 }
 
 TEST_F(TimeTest, NeverTakesTheTimeOfASimulator)
 {
-    runner.world.setClock = [this](Clock::UtcTime time) {
-        set.push_back(time);
-        return std::string();
-    };
-    const std::string command = "time --speed 20 --timeout 60 --port sim: --set";
-    EXPECT_EQ(runner.Run(command + " --yes").code, 2);
-    EXPECT_EQ(runner.Run(command + " --dry-run").code, 0);
-    EXPECT_EQ(runner.Run("time --port sim: --yes").code, 2) << "nothing to agree to";
+    runner.Expect({{OnSim("time --set --yes"), 2},
+                   {OnSim("time --set --dry-run"), 0, "nothing was changed"},
+                   {OnSim("time --yes"), 2}}); // nothing to agree to
     EXPECT_TRUE(set.empty());
 }
 

@@ -1,8 +1,10 @@
 #include "cli/CommandLine.h"
 #include "core/link/FrameDescriber.h"
 #include "tests/cli/Runner.h"
+#include "tests/support/Hex.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <fstream>
 #include <sstream>
@@ -15,18 +17,8 @@
 namespace fieldcore::cli::test {
 namespace {
 
+using fieldcore::testing::Hex;
 using Bytes = std::vector<std::uint8_t>;
-
-Bytes Hex(const std::string& text)
-{
-    std::istringstream words(text);
-    words >> std::hex;
-    Bytes bytes;
-    for (unsigned byte = 0; words >> byte;) {
-        bytes.push_back(static_cast<std::uint8_t>(byte));
-    }
-    return bytes;
-}
 
 struct DocFrame
 {
@@ -102,73 +94,54 @@ std::string Field(const std::vector<DescribedBytes>& described, std::string_view
 TEST(FrameDescriber, ReadsFieldsAsTheProtocolHasThem)
 {
     // What stands beside the examples of docs/protocol.md.
-    struct Row
-    {
-        std::string_view fault;
-        std::string label;
-        std::string field;
-        std::string value;
-    };
-    const Row rows[] = {
-        {"text", "Reply 0x07:", "short serial number", "00301701"},
-        {"hundredths", "Reply 0x07:", "navigation firmware", "4.43"},
-        {"digits in front", "Reply 0x09:", "battery", "85 %"},
-        {"digits with a point", "Reply 0x09:", "PDOP", "1.8"},
-        {"bits", "Reply 0x41:", "power input", "1"},
-        {"value in words", "Reply 0x09:", "fix", "5|RTK fixed"},
-        {"blank text", "Reply 0x09:", "running survey", "(blank)"},
-        {"angle in degrees too", "Reply 0x31:", "longitude",
-         "2.426007660272118 rad|139.00000000 deg"},
-        {"single precision", "Reply 0x35:", "HDOP", "1"},
-        {"unsigned of four bytes", "Request 0x5E SetRS232PortParameters:", "rate", "115200 bit/s"},
-        {"mask of satellites", "Reply 0x55:", "PRN", "7"},
-        {"record", "Reply 0x9D:", "1. name", "A0314A00.Q01"},
-        {"long frame", "Reply 0x95:", "flags", "1|last block"},
-        {"rest of the data", "Request 0x85 SetLabel:", "text", "POINT A1"},
-        {"low bits and single bits", "Reply 0xC8:", "state", "65|measuring, sensor present"},
-        {"satellite", "Reply 0x17:", "satellite",
-         "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
+    const std::array<std::string, 3> rows[] = {
+        {"Reply 0x07:", "short serial number", "00301701"},
+        {"Reply 0x07:", "navigation firmware", "4.43"}, // hundredths
+        {"Reply 0x09:", "battery", "85 %"},
+        {"Reply 0x09:", "PDOP", "1.8"}, // digits with a point
+        {"Reply 0x41:", "power input", "1"},
+        {"Reply 0x09:", "fix", "5|RTK fixed"},
+        {"Reply 0x09:", "running survey", "(blank)"},
+        {"Reply 0x31:", "longitude", "2.426007660272118 rad|139.00000000 deg"},
+        {"Reply 0x35:", "HDOP", "1"}, // single precision
+        {"Request 0x5E SetRS232PortParameters:", "rate", "115200 bit/s"},
+        {"Reply 0x55:", "PRN", "7"}, // mask of satellites
+        {"Reply 0x9D:", "1. name", "A0314A00.Q01"},
+        {"Reply 0x95:", "flags", "1|last block"}, // long frame
+        {"Request 0x85 SetLabel:", "text", "POINT A1"},
+        {"Reply 0xC8:", "state", "65|measuring, sensor present"}, // low bits and single bits
+        {"Reply 0x17:", "satellite", "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
     };
     const std::vector<DocFrame> frames = DocFrames();
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto found =
-            std::find_if(frames.begin(), frames.end(),
-                         [&row](const DocFrame& frame) { return frame.label == row.label; });
+    for (const auto& [label, field, value] : rows) {
+        SCOPED_TRACE(label + " " + field);
+        const auto found = std::find_if(frames.begin(), frames.end(),
+                                        [&row = label](const auto& f) { return f.label == row; });
         ASSERT_NE(found, frames.end());
-        EXPECT_EQ(Field(DescribeBytes(found->direction, found->bytes), row.field), row.value);
+        EXPECT_EQ(Field(DescribeBytes(found->direction, found->bytes), field), value);
     }
 }
 
 TEST(FrameDescriber, ReadsSatellitesAsTheParserDoes)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string data;
-        std::string satellite;
-        std::string dropped;
-    };
     const std::string none = "(not there)";
     const std::string text = "0709045412"; // and what each form makes of it
-    const Row rows[] = {
-        {"any digit is a form", "013" + text, "G7|azimuth 90, elevation 45 deg; 41.20 dB-Hz", none},
-        {"one of the two bits is enough", "01\x10" + text,
-         "G7|azimuth 90, elevation 45 deg; 41.20 dB-Hz", none},
-        {"a satellite of no system", "01\x01\x70\x5A\x2D\x08",
-         "unknown 112|azimuth 90, elevation 45 deg; 2.00 dB-Hz", none},
-        {"no direction", "01\x01\x07\x5A\x5B\x08",
+    const std::string good = "G7|azimuth 90, elevation 45 deg; 41.20 dB-Hz";
+    const std::array<std::string, 3> rows[] = {
+        {"013" + text, good, none},    // any digit is a form
+        {"01\x10" + text, good, none}, // one of the two bits is enough
+        {"01\x01\x70\x5A\x2D\x08", "unknown 112|azimuth 90, elevation 45 deg; 2.00 dB-Hz", none},
+        {"01\x01\x07\x5A\x5B\x08",
          "G7|azimuth 90, elevation 91 deg; 2.00 dB-Hz; dropped, that is no direction", "1"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Bytes frame{0x02, 0x00, 0x17, static_cast<std::uint8_t>(row.data.size())};
-        frame.insert(frame.end(), row.data.begin(), row.data.end());
+    for (const auto& [data, satellite, dropped] : rows) {
+        Bytes frame{0x02, 0x00, 0x17, static_cast<std::uint8_t>(data.size())};
+        frame.insert(frame.end(), data.begin(), data.end());
         frame.insert(frame.end(), {0x00, 0x03});
         const std::vector<DescribedBytes> described = DescribeBytes(Direction::Received, frame);
         EXPECT_EQ(described.front().fault, "");
-        EXPECT_EQ(Field(described, "satellite"), row.satellite);
-        EXPECT_EQ(Field(described, "dropped satellites"), row.dropped);
+        EXPECT_EQ(Field(described, "satellite"), satellite);
+        EXPECT_EQ(Field(described, "dropped satellites"), dropped);
     }
 }
 
@@ -228,7 +201,7 @@ TEST(Trace, ShowsGoodAndDamagedLines)
 
     const nlohmann::json result = runner.Result("trace @/log");
     EXPECT_EQ(result["damagedLines"], 2);
-    EXPECT_EQ(result["entries"].size(), 16U);
+    ASSERT_EQ(result["entries"].size(), 16U);
     EXPECT_EQ(result["entries"][12]["time"], nullptr);
     EXPECT_EQ(result["entries"][13]["time"], "59:9.250");
     EXPECT_EQ(result["entries"][1]["fields"][1],
@@ -246,25 +219,22 @@ TEST(Trace, ReadsWhatLogAndRecordWrite)
     EXPECT_GT(result["faults"], 0) << "that line damages every fifth answer";
     EXPECT_TRUE(result["entries"].front()["time"].is_string() ||
                 result["entries"].back()["time"].is_string());
-    ASSERT_EQ(runner.Run("identify --port sim: --log @/identified").code, 0);
-    EXPECT_NE(runner.Run("trace @/identified").out.find("Tx  BREAK"), std::string::npos);
-    const std::vector<std::string> arguments{
-        "sim",        "run",
-        "--record",   runner.Path("record"),
-        "--",         "sh",
-        "-c",         "ls -l /proc/self/fd | grep -q record && exit 9; \"$0\" identify >/dev/null",
-        FIELDCORE_CLI};
-    ASSERT_EQ(runner.Run(arguments).code, 0);
-    const Outcome outcome = runner.Run("trace --brief @/record");
-    EXPECT_NE(outcome.out.find("Tx  BREAK"), std::string::npos) << outcome.out;
-    EXPECT_NE(outcome.out.find("0x6E identification"), std::string::npos) << outcome.out;
+    // A record, which the command does not inherit.
+    ASSERT_EQ(runner
+                  .Run(std::string("sim run --record @/record -- sh -c 'ls -l /proc/self/fd | grep "
+                                   "-q record && exit 9; \"$0\" identify >/dev/null' ") +
+                       FIELDCORE_CLI)
+                  .code,
+              0);
+    const std::string record = runner.Run("trace --brief @/record").out;
+    EXPECT_NE(record.find("Tx  BREAK"), std::string::npos) << record;
+    EXPECT_NE(record.find("0x6E identification"), std::string::npos) << record;
 }
 
 TEST(Trace, ALogThatCannotBeWrittenIsToldOnce)
 {
-    Runner runner;
     const nlohmann::json told =
-        runner.Run("info --port sim: --log /dev/full --json").Json()["messages"];
+        Runner().Run("info --port sim: --log /dev/full --json").Json()["messages"];
     ASSERT_EQ(told.size(), 1U) << told;
     EXPECT_EQ(told[0]["text"], "The log /dev/full can no longer be written.");
 }
@@ -275,21 +245,15 @@ TEST(Trace, SaysWhereALogCannotBeReadOn)
     Runner runner;
     runner.Folder().Write("long", good + std::string(65536, ' ') + good + good);
     runner.Folder().Write("wide", std::string(65536 - good.size() + 1, ' ') + good + good);
+    const std::string isLonger = "is longer than any of a log.";
     runner.Expect({{"trace @/wide --brief", 0, "Exchanged: 2"},
-                   {"trace /dev/zero", 8, "line 1 is longer than any of a log."},
-                   {"trace @/", 8, "cannot be read"}});
-    const Outcome cut = runner.Run("trace @/long");
-    EXPECT_EQ(cut.code, 8);
-    EXPECT_NE(cut.err.find("line 2 is longer than any of a log."), std::string::npos) << cut.err;
-    EXPECT_EQ(cut.out, "    1  Tx  0x14 GPS time request, 6 bytes, checksum good\n");
+                   {"trace /dev/zero", 8, "line 1 " + isLonger},
+                   {"trace @/", 8, "cannot be read"},
+                   {"trace @/long", 8, "line 2 " + isLonger, "/result/exchanged", 1}});
 
-    EXPECT_EQ(runner
-                  .Run({"sim", "run", "--", "sh", "-c", "exec \"$0\" trace - </ 2>/dev/null",
-                        FIELDCORE_CLI})
-                  .code,
-              8)
-        << "a folder as stdin";
-    std::istream failing(nullptr); // every read of it fails
+    // A folder as stdin, and one of which every read fails.
+    EXPECT_EQ(runner.RunInShell(std::string(FIELDCORE_CLI) + " trace - </").code, 8);
+    std::istream failing(nullptr);
     std::ostringstream err;
     runner.world.in = &failing;
     runner.world.out = runner.world.err = &err;

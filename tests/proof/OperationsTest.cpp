@@ -10,6 +10,7 @@
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/Refusal.h"
 #include "tests/support/Scarcity.h"
 #include "tests/support/VirtualReceiver.h"
 
@@ -42,6 +43,7 @@ struct Operation
 };
 
 constexpr int kFileSize = 9000;
+constexpr auto kScenario = "file A.Q01 9000 2026-03-14 01:30\nalmanacs 31\n";
 
 const Operation kOperations[] = {
     {"poll", 4,
@@ -78,29 +80,26 @@ TEST(Operations, StandAReceiverThatGoesAway)
     const auto process = testing::CountProcess();
     int cases = 0;
     for (const Operation& operation : kOperations) {
-        for (const char* const event : {"reboot 3000", "hang-up"}) {
-            for (int i = 0; i < rounds; ++i) {
-                const bool isPulled = std::string(event) == "hang-up";
-                const auto frame = static_cast<int>(random()) % operation.frames;
-                const std::string rule =
-                    event + (isPulled ? " reply " + std::to_string(random() % 30) : "") + " skip " +
-                    std::to_string(std::abs(frame)) + " count 1";
-                SCOPED_TRACE(std::string(operation.name) + ", " + rule);
-                const TemporaryFolder folder;
-                VirtualReceiver receiver("file A.Q01 " + std::to_string(kFileSize) +
-                                         " 2026-03-14 01:30\nalmanacs 31\n");
-                receiver.Open(kReplyTimeout);
-                receiver.AddFault(rule);
-                const auto start = receiver.clock.Steady();
-                static_cast<void>(operation.run(receiver, folder.Path()));
-                EXPECT_LT(receiver.clock.Steady() - start, (operation.frames + 2) * kLongest);
-                receiver.simulator.ClearFaults();
-                receiver.clock.Sleep(4s);
-                EXPECT_TRUE(receiver.simulator.Plug());
-                receiver.Open(kReplyTimeout);
-                EXPECT_TRUE(operation.run(receiver, folder.Path())) << receiver.command.LastError();
-                ++cases;
-            }
+        for (int i = 0; i < 2 * rounds; ++i) {
+            const std::string skip =
+                " skip " + std::to_string(random() % static_cast<unsigned>(operation.frames));
+            const std::string rule =
+                (i < rounds ? "reboot 3000" : "hang-up reply " + std::to_string(random() % 30)) +
+                skip + " count 1";
+            SCOPED_TRACE(std::string(operation.name) + ", " + rule);
+            const TemporaryFolder folder;
+            VirtualReceiver receiver(kScenario);
+            receiver.Open(kReplyTimeout);
+            receiver.AddFault(rule);
+            const auto start = receiver.clock.Steady();
+            static_cast<void>(operation.run(receiver, folder.Path()));
+            EXPECT_LT(receiver.clock.Steady() - start, (operation.frames + 2) * kLongest);
+            receiver.simulator.ClearFaults();
+            receiver.clock.Sleep(4s);
+            EXPECT_TRUE(receiver.simulator.Plug());
+            receiver.Open(kReplyTimeout);
+            EXPECT_TRUE(operation.run(receiver, folder.Path())) << receiver.command.LastError();
+            ++cases;
         }
     }
     EXPECT_EQ(testing::CountProcessAgain(process), process);
@@ -158,51 +157,41 @@ void StandsScarcity(testing::Scarcity::Of what, const char* measured)
     std::vector<Operation> operations(std::begin(kOperations), std::end(kOperations));
     operations.insert(operations.end(), std::begin(kFurtherOperations),
                       std::end(kFurtherOperations));
-    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     PortSettings settings;
     settings.replyTimeout = kReplyTimeout;
     const auto process = testing::CountProcess();
     int cases = 0;
     for (const Operation& operation : operations) {
-        int calls = 1;
-        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing is refused
-            for (const bool once : {true, false}) {
-                SCOPED_TRACE(std::string(operation.name) + ", " + std::to_string(n) + " of " +
-                             std::to_string(calls) + (once ? "" : ", and all later ones"));
-                const TemporaryFolder folder;
-                VirtualReceiver receiver("file A.Q01 " + std::to_string(kFileSize) +
-                                         " 2026-03-14 01:30\nalmanacs 31\n");
-                FrameHistory seen(receiver.clock);
-                receiver.command.SetLineObserver(seen.Observer());
-                const auto start = receiver.clock.Steady();
-                bool isDone = false;
-                {
-                    const testing::Scarcity scarcity(what, n, once);
-                    try {
-                        isDone = receiver.command.OpenPort("in memory", settings) == 1 &&
-                                 operation.run(receiver, folder.Path());
-                    } catch (const std::bad_alloc&) {
-                        EXPECT_EQ(what, testing::Scarcity::Of::Memory);
-                    }
-                    if (!once) {
-                        receiver.command.ClosePort();
-                    }
-                    if (n == 0) {
-                        EXPECT_TRUE(isDone);
-                        calls = scarcity.Count();
-                    }
+        cases += testing::RefuseInTurn(operation.name, [&](testing::Refusal& refusal) {
+            const TemporaryFolder folder;
+            FrameHistory seen; // until the receiver's threads have ended
+            VirtualReceiver receiver(kScenario);
+            receiver.command.SetLineObserver(seen.Observer());
+            const auto start = receiver.clock.Steady();
+            bool isDone = false;
+            {
+                const testing::Scarcity scarcity(what, refusal.n, refusal.once);
+                try {
+                    isDone = receiver.command.OpenPort("in memory", settings) == 1 &&
+                             operation.run(receiver, folder.Path());
+                } catch (const std::bad_alloc&) {
+                    EXPECT_EQ(what, testing::Scarcity::Of::Memory);
                 }
-                const bool isDoneAgain = operation.run(receiver, folder.Path());
-                const CCommand& asked = receiver.command.HasBackground()
-                                            ? receiver.command.Background().Face()
-                                            : receiver.command;
-                EXPECT_TRUE(isDoneAgain || asked.Fault() != CommandFault::None);
-                EXPECT_LT(receiver.clock.Steady() - start, (2 * operation.frames + 4) * kLongest);
-                receiver.Open(kReplyTimeout);
-                EXPECT_TRUE(operation.run(receiver, folder.Path())) << receiver.command.LastError();
-                ++cases;
+                if (!refusal.once) {
+                    receiver.command.ClosePort();
+                }
+                refusal.asked = scarcity.Count();
             }
-        }
+            EXPECT_TRUE(refusal.n > 0 || isDone);
+            const bool isDoneAgain = operation.run(receiver, folder.Path());
+            const CCommand& asked = receiver.command.HasBackground()
+                                        ? receiver.command.Background().Face()
+                                        : receiver.command;
+            EXPECT_TRUE(isDoneAgain || asked.Fault() != CommandFault::None);
+            EXPECT_LT(receiver.clock.Steady() - start, (2 * operation.frames + 4) * kLongest);
+            receiver.Open(kReplyTimeout);
+            EXPECT_TRUE(operation.run(receiver, folder.Path())) << receiver.command.LastError();
+        });
     }
     EXPECT_EQ(testing::CountProcessAgain(process), process);
     Measured(cases, measured);

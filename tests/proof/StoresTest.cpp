@@ -4,52 +4,52 @@
 #include "core/input/EntryList.h"
 #include "core/input/Parts.h"
 #include "core/link/FrameHistory.h"
-#include "core/orbits/NavigationFile.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SkyRecord.h"
 #include "core/platform/AtomicFile.h"
+#include "core/platform/Utf8.h"
 #include "core/settings/Profile.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/core/settings/FileSizeLimit.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/FileCalls.h"
+#include "tests/support/FragileDisk.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/Refusal.h"
 #include "tests/support/Scarcity.h"
 #include "tests/support/VirtualReceiver.h"
 
 #include <cerrno>
-#include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
-#include <memory>
 #include <new>
 #include <optional>
 #include <random>
 #include <span>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fieldcore {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::FileCall;
 using testing::FileCalls;
+using testing::FragileDisk;
+using testing::Refusal;
 using testing::Scarcity;
 using testing::Spared;
 
@@ -90,7 +90,7 @@ bool WriteAlmanac(const fs::path& folder, int version)
 
 ObstructionCurtain Level(int version)
 {
-    ObstructionCurtain curtain{};
+    ObstructionCurtain curtain;
     curtain.fill(static_cast<std::uint8_t>(version % 90));
     return curtain;
 }
@@ -157,12 +157,11 @@ std::string FoundAntennas(const fs::path& folder)
 {
     SettingsRoots roots(testing::FoldersBelow(folder));
     const AntennaCatalogue catalogue(folder, roots);
-    std::string found;
+    std::wstring found;
     for (int type = 0; type < catalogue.GetMaxCount(); ++type) {
-        const std::wstring name = catalogue.Type(type).value_or(AntennaType()).name;
-        found += std::string(name.begin(), name.end()) + '\n';
+        found += catalogue.Type(type).value_or(AntennaType()).name + L'\n';
     }
-    return found;
+    return ToUtf8(found);
 }
 
 bool RememberEntries(const fs::path& folder, int version)
@@ -178,11 +177,11 @@ std::string FoundEntries(const fs::path& folder)
     SettingsRoots roots(testing::FoldersBelow(folder));
     TextEntries list;
     EXPECT_EQ(CParts::ReadRegPointName(list, 10, HostReg(roots)), 1);
-    std::string found;
+    std::wstring found;
     for (const std::wstring& text : list.Texts()) {
-        found += std::string(text.begin(), text.end()) + '\n';
+        found += text + L'\n';
     }
-    return found;
+    return ToUtf8(found);
 }
 
 const Store kStores[] = {
@@ -210,8 +209,8 @@ std::string Found(const Store& store, const fs::path& folder)
     if (store.found != nullptr) {
         return store.found(folder);
     }
-    std::ifstream in(folder / store.file, std::ios::binary);
-    return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "no file";
+    const fs::path file = folder / store.file;
+    return fs::exists(file) ? ContentOf(file) : "no file";
 }
 
 /// What is found where just this version was written.
@@ -222,31 +221,23 @@ std::string Expected(const Store& store, int version)
     return Found(store, folder.Path());
 }
 
-enum class Refused
-{
-    FileCalls,
-    Memory,
-    Threads
-};
-
-/// How a store was written while one thing was refused, or none.
+/// How a store was written while something was refused.
 struct Attempt
 {
-    int asked = 0; ///< how often it could have been refused
     std::string failed;
     bool isUnsynced = false; ///< it was the folder that could not be synced
     bool isDone = false;     ///< as the store says
     bool hadMemory = true;   ///< false: it left with std::bad_alloc
 };
 
-/// @param n  the one that is refused, and with @p once false all later ones; 0: none
-Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, int n, bool once)
+/// @param scarce  what is refused; nothing: calls that use files
+Attempt WriteWithout(const Store& store, const fs::path& folder, std::optional<Scarcity::Of> scarce,
+                     Refusal& refusal)
 {
     Attempt attempt;
-    if (what == Refused::FileCalls) {
-        const FileCalls watched(folder, [&](const FileCalls::Call& call) {
-            ++attempt.asked;
-            const bool fails = n > 0 && (once ? attempt.asked == n : attempt.asked >= n);
+    if (!scarce) {
+        const FileCalls watched(folder, [&](const FileCall& call) {
+            const bool fails = refusal.IsNext();
             if (fails && attempt.failed.empty()) {
                 attempt.failed = call.name + " " + call.file;
                 attempt.isUnsynced = fs::is_directory(call.file);
@@ -255,55 +246,45 @@ Attempt WriteWithout(const Store& store, const fs::path& folder, Refused what, i
         });
         attempt.isDone = store.write(folder, 2);
     } else {
-        const Scarcity scarcity(
-            what == Refused::Memory ? Scarcity::Of::Memory : Scarcity::Of::Threads, n, once);
+        const Scarcity scarcity(*scarce, refusal.n, refusal.once);
         try {
             attempt.isDone = store.write(folder, 2);
         } catch (const std::bad_alloc&) {
             attempt.hadMemory = false;
         }
-        attempt.asked = scarcity.Count();
+        refusal.asked = scarcity.Count();
     }
     return attempt;
 }
 
-void LeavesOldOrNew(Refused what, const char* measured)
+void LeavesOldOrNew(std::optional<Scarcity::Of> scarce, const char* measured)
 {
-    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     int cases = 0;
     for (const Store& store : kStores) {
-        if (what == Refused::FileCalls && store.isInSettings) {
+        if (!scarce && store.isInSettings) {
             continue; // these have tests of their own
         }
         const std::string before = Expected(store, 1);
         const std::string after = Expected(store, 2);
-        int calls = 1;
-        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
-            for (const bool once : {true, false}) {
-                const TemporaryFolder folder;
-                ASSERT_TRUE(store.write(folder.Path(), 1));
-                const auto process = testing::CountProcess();
-                const long long blocks = testing::BlocksHeld();
-                const Attempt attempt = WriteWithout(store, folder.Path(), what, n, once);
-                ++cases;
-                SCOPED_TRACE(std::string(store.name) + ", " + std::to_string(n) + " of " +
-                             std::to_string(calls) + " " + attempt.failed +
-                             (once ? "" : ", and all later ones"));
-                const std::string found = Found(store, folder.Path());
-                const bool isWhole = found == after || (found == before && !attempt.isDone);
-                EXPECT_TRUE(isWhole) << found;
-                EXPECT_TRUE(attempt.isDone || attempt.isUnsynced || !attempt.hadMemory ||
-                            found == before)
-                    << "done, and told that it is not";
-                EXPECT_TRUE(n > 0 || attempt.isDone);
-                calls = n == 0 ? attempt.asked : calls;
-                EXPECT_EQ(testing::CountProcessAgain(process), process);
-                EXPECT_LE(testing::BlocksHeld(), blocks + 8) << "of memory are not given back";
-                EXPECT_TRUE(store.write(folder.Path(), 2));
-                EXPECT_EQ(Found(store, folder.Path()), after);
-            }
-        }
-        EXPECT_TRUE(calls > 4 || what == Refused::Threads) << store.name;
+        cases += testing::RefuseInTurn(store.name, [&](Refusal& refusal) {
+            const TemporaryFolder folder;
+            EXPECT_TRUE(store.write(folder.Path(), 1));
+            const auto process = testing::CountProcess();
+            const long long blocks = testing::BlocksHeld();
+            const Attempt attempt = WriteWithout(store, folder.Path(), scarce, refusal);
+            SCOPED_TRACE(attempt.failed);
+            const std::string found = Found(store, folder.Path());
+            EXPECT_TRUE(found == after || (found == before && !attempt.isDone)) << found;
+            EXPECT_TRUE(attempt.isDone || attempt.isUnsynced || !attempt.hadMemory ||
+                        found == before)
+                << "done, and told that it is not";
+            EXPECT_TRUE(refusal.n > 0 || attempt.isDone);
+            EXPECT_TRUE(refusal.n > 0 || refusal.asked > 4 || scarce == Scarcity::Of::Threads);
+            EXPECT_EQ(testing::CountProcessAgain(process), process);
+            EXPECT_LE(testing::BlocksHeld(), blocks + 8) << "of memory are not given back";
+            EXPECT_TRUE(store.write(folder.Path(), 2));
+            EXPECT_EQ(Found(store, folder.Path()), after);
+        });
     }
     testing::Measured(cases, measured);
 }
@@ -313,105 +294,22 @@ void LeavesOldOrNew(Refused what, const char* measured)
 /// open.
 TEST(Stores, EveryCallMayFail)
 {
-    LeavesOldOrNew(Refused::FileCalls, "failing calls");
+    LeavesOldOrNew(std::nullopt, "failing calls");
 }
 
 TEST(Stores, MemoryMayRunOut)
 {
-    LeavesOldOrNew(Refused::Memory, "allocations refused");
+    LeavesOldOrNew(Scarcity::Of::Memory, "allocations refused");
 }
 
 TEST(Stores, ThreadsMayRunOut)
 {
-    LeavesOldOrNew(Refused::Threads, "threads refused");
+    LeavesOldOrNew(Scarcity::Of::Threads, "threads refused");
 }
-
-/// A disk that keeps for sure only what was synced: of the changes to names since the folder was,
-/// any first part may be there, and of what was written to a file nothing, half or all.
-class FragileDisk
-{
-public:
-    /// @param folder  whose files are all synced
-    explicit FragileDisk(const fs::path& folder) : m_folder(folder)
-    {
-        Names names;
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            std::ifstream in(entry.path(), std::ios::binary);
-            const std::string content{std::istreambuf_iterator<char>(in), {}};
-            names[entry.path().filename()] = m_files.size();
-            m_files.push_back({content, content});
-        }
-        m_states = {names};
-    }
-
-    void Do(const FileCalls::Call& call)
-    {
-        Names names = m_states.back();
-        const fs::path path = call.file;
-        if (path == m_folder) {
-            if (call.name == "fsync") {
-                m_states = {names};
-            }
-            return;
-        }
-        const std::string name = path.filename();
-        if (call.name == "open" && call.data == "new" && names.count(name) == 0) {
-            names[name] = m_files.size();
-            m_files.emplace_back();
-        } else if (call.name == "rename") {
-            names[fs::path(call.data).filename()] = names.at(name);
-            names.erase(name);
-        } else if (call.name == "unlink") {
-            names.erase(name);
-        } else if (names.count(name) != 0) {
-            File& file = m_files[names.at(name)];
-            if (call.name == "write") {
-                file.written += call.data;
-            } else if (call.name == "ftruncate") {
-                file.written.resize(std::stoul(call.data));
-            } else if (call.name == "fsync") {
-                file.synced = file.written;
-            }
-            return;
-        }
-        m_states.push_back(names);
-    }
-
-    /// Calls @p look with each folder that the power cut may leave now.
-    template <typename Look>
-    void Cut(Look look) const
-    {
-        for (const Names& names : m_states) {
-            for (const std::size_t kept : {0U, 1U, 2U}) { // halves of what was not synced
-                const TemporaryFolder left;
-                for (const auto& [name, at] : names) {
-                    const File& file = m_files[at];
-                    const bool isLonger = file.written.starts_with(file.synced);
-                    const std::size_t synced = isLonger ? file.synced.size() : 0;
-                    left.Write(name, kept == 0 ? file.synced
-                                               : file.written.substr(
-                                                     0, synced + (file.written.size() - synced) *
-                                                                     kept / 2));
-                }
-                look(left.Path());
-            }
-        }
-    }
-
-private:
-    using Names = std::map<std::string, std::size_t>;
-    struct File
-    {
-        std::string synced;
-        std::string written;
-    };
-    const fs::path m_folder;
-    std::vector<File> m_files;
-    std::vector<Names> m_states; // since the folder was synced
-};
 
 TEST(Stores, APowerCutLeavesTheOldFileOrTheNew)
 {
+    using Unsynced = FragileDisk::Unsynced;
     int cases = 0;
     for (const Store& store : kStores) {
         if (store.file == nullptr) {
@@ -420,9 +318,9 @@ TEST(Stores, APowerCutLeavesTheOldFileOrTheNew)
         const TemporaryFolder folder;
         ASSERT_TRUE(store.write(folder.Path(), 1));
         FragileDisk disk(folder.Path());
-        std::vector<FileCalls::Call> calls;
+        std::vector<FileCall> calls;
         {
-            const FileCalls watched(folder.Path(), [&](const FileCalls::Call& call) {
+            const FileCalls watched(folder.Path(), [&](const FileCall& call) {
                 calls.push_back(call);
                 return false;
             });
@@ -436,12 +334,14 @@ TEST(Stores, APowerCutLeavesTheOldFileOrTheNew)
             const bool isDone = step + 1 == calls.size();
             SCOPED_TRACE(std::string(store.name) + " behind " + calls[step].name + " " +
                          calls[step].file);
-            disk.Cut([&](const fs::path& left) {
-                ++cases;
-                const std::string found = Found(store, left);
-                EXPECT_TRUE(found == after || (found == before && !isDone)) << found;
-                EXPECT_TRUE(!isDone || store.write(left, 1)) << "what is left is in the way";
-            });
+            for (const auto unsynced : {Unsynced::Dropped, Unsynced::Halved, Unsynced::Kept}) {
+                disk.Cut(unsynced, unsynced, [&](const TemporaryFolder& left) {
+                    ++cases;
+                    const std::string found = Found(store, left.Path());
+                    EXPECT_TRUE(found == after || (found == before && !isDone)) << found;
+                    EXPECT_TRUE(!isDone || store.write(left.Path(), 1)) << "the rest is in the way";
+                });
+            }
         }
     }
     testing::Measured(cases, "power cuts");
@@ -455,29 +355,14 @@ TEST(Stores, LoseNothingWhenTheyAreKilled)
         const TemporaryFolder folder;
         int version = 0; // the last that was acknowledged
         for (int i = 0; i < kills; ++i) {
-            int ends[2];
-            ASSERT_EQ(pipe(ends), 0);
-            const pid_t child = fork();
-            if (child == 0) {
-                while (store.write(folder.Path(), ++version) && ::write(ends[1], "+", 1) == 1) {
+            testing::Worker writer([&](const testing::Worker::Acknowledge& acknowledge) {
+                for (int next = version + 1; store.write(folder.Path(), next); ++next) {
+                    acknowledge();
                 }
-                _exit(1);
-            }
-            close(ends[1]);
-            const unsigned wait = random() % 4;
-            char byte = 0;
-            for (unsigned came = 0; came < wait && read(ends[0], &byte, 1) == 1; ++came) {
-                ++version;
-            }
-            std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
-            kill(child, SIGKILL);
-            int status = 0;
-            waitpid(child, &status, 0);
-            while (read(ends[0], &byte, 1) == 1) {
-                ++version;
-            }
-            close(ends[0]);
-            ASSERT_TRUE(WIFSIGNALED(status)) << store.name << " could not write any more";
+            });
+            const auto wait = static_cast<int>(random() % 4);
+            ASSERT_EQ(writer.Await(wait), wait) << store.name << " could not write any more";
+            version += writer.Kill(std::chrono::microseconds(random() % 3000));
             // The last that was acknowledged, or the one that was under way.
             const std::string found = Found(store, folder.Path());
             const bool isNext = found == Expected(store, version + 1);
@@ -537,12 +422,9 @@ TEST(Stores, StayWhereNothingCanBeWritten)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         const TemporaryFolder folder;
-        fflush(nullptr);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
+        const int result = testing::ResultInAChild([&] {
             if (row.isMounted && !MountSmall(folder.Path())) {
-                _exit(kCannot);
+                return kCannot;
             }
             std::vector<std::string> before;
             for (const Store& store : kStores) {
@@ -552,22 +434,18 @@ TEST(Stores, StayWhereNothingCanBeWritten)
                 }
             }
             if (!row.spoil(folder.Path())) {
-                _exit(kCannot);
+                return kCannot;
             }
             for (std::size_t i = 0; i < before.size(); ++i) {
                 EXPECT_FALSE(kStores[i].write(folder.Path(), 2)) << kStores[i].name;
                 EXPECT_EQ(Found(kStores[i], folder.Path()), before[i]) << kStores[i].name;
             }
-            fflush(nullptr);
-            _exit(HasFailure() ? 1 : 0);
-        }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status));
-        if (WEXITSTATUS(status) == kCannot) {
+            return HasFailure() ? 1 : 0;
+        });
+        if (result == kCannot) {
             skipped += std::string(skipped.empty() ? "" : ", ") + row.what;
         } else {
-            EXPECT_EQ(WEXITSTATUS(status), 0) << "see above";
+            EXPECT_EQ(result, 0) << "see above";
             ++cases;
         }
         chmod(folder.Path().c_str(), 0755);

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <string>
 
 #include <fcntl.h>
@@ -29,8 +28,6 @@ public:
     }
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
-
-    [[nodiscard]] bool IsOpen() const { return m_port >= 0; }
 
     bool Send(const Bytes& bytes) const
     {
@@ -60,6 +57,11 @@ public:
             bytes.insert(bytes.end(), some.begin(), some.begin() + got);
         }
         return bytes;
+    }
+
+    [[nodiscard]] Bytes Ask(const Bytes& request, std::size_t count) const
+    {
+        return Send(request) ? Receive(count) : Bytes();
     }
 
     /// Waits until the port hangs up; what still comes is read away.

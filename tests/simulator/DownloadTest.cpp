@@ -4,11 +4,7 @@
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Support.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include <thread>
 
 namespace fieldcore::simulator::test {
 
@@ -16,7 +12,6 @@ namespace {
 
 constexpr std::size_t kFullBlock = 1012;
 constexpr std::string_view kOneFile = "file A 3000000 2026-03-14 01:30";
-const Bytes kAbort = Hex("02 00 5A 09 00 00 00 00 00 00 00 00 00 63 03");
 
 Bytes Download(std::string_view name, std::uint32_t offset = 0)
 {
@@ -33,9 +28,7 @@ int BlocksUntil(const Client& client, std::uint32_t offset)
         if (block.size() != kFullBlock || block[0] != kStx || block[2] != 0x95) {
             return 0;
         }
-        DataWriter wanted;
-        wanted.U32(offset);
-        if (std::equal(block.begin() + 5, block.begin() + 9, wanted.Data().begin())) {
+        if (Bytes(block.begin() + 5, block.begin() + 9) == DataWriter().U32(offset).Data()) {
             return blocks;
         }
     }
@@ -55,8 +48,7 @@ TEST(Download, EndsBetweenTwoBlocksWhenSomethingElseIsAsked)
     const int inThePipe = BlocksUntil(client, 1'000'500);
     EXPECT_GT(inThePipe, 0);
     EXPECT_LT(inThePipe, 100) << "the old download went on";
-    ASSERT_TRUE(client.Send(kAbort));
-    Bytes rest = client.Receive(1);
+    Bytes rest = client.Ask(kAbortRequest, 1);
     while (rest == Bytes{kStx}) {
         ASSERT_EQ(client.Receive(kFullBlock - 1).size(), kFullBlock - 1);
         rest = client.Receive(1);
@@ -72,10 +64,14 @@ TEST(Download, ABlockThatHasNotBegunIsNotSentBehindAnAbort)
     scenario.faults = {ParsedRule("delay 3600000 of 95 skip 2")};
     const auto simulator = Started(scenario);
     const Client client(simulator->PortPath());
-    ASSERT_TRUE(client.Send(Download("A.Q01")));
-    ASSERT_EQ(client.Receive(2 * kFullBlock).size(), 2 * kFullBlock);
-    ASSERT_TRUE(client.Send(kAbort));
-    EXPECT_EQ(client.Receive(1), Bytes{kAck}) << "it waits behind the late block";
+    ASSERT_EQ(client.Ask(Download("A.Q01"), 2 * kFullBlock).size(), 2 * kFullBlock);
+    // Behind whatever is read, before the next is, the late block is made.
+    const Bytes noise = Hex("41 0A");
+    ASSERT_TRUE(client.Send(noise));
+    while (simulator->Record().back().bytes != noise) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(client.Ask(kAbortRequest, 1), Bytes{kAck}) << "it waits behind the late block";
 }
 
 } // namespace fieldcore::simulator::test

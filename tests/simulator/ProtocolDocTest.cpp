@@ -6,29 +6,16 @@
 
 #include <algorithm>
 #include <fstream>
-#include <optional>
+#include <map>
 #include <set>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
 namespace {
 
-enum class Role
-{
-    Request,
-    Reply,
-    Example
-};
-
+/// Bytes of the document and the line above them.
 struct Fence
 {
-    Role role;
-    int type;
-    bool toBreak;
     std::string label;
     Bytes bytes;
 };
@@ -50,29 +37,6 @@ std::vector<std::string> DocLines()
     return lines;
 }
 
-/// The two hexadecimal digits behind the first "0x"; -1 if there are none.
-int TypeIn(const std::string& text)
-{
-    const std::size_t at = text.find("0x");
-    const Bytes digits = Hex(at == std::string::npos ? "" : text.substr(at + 2, 2));
-    return digits.size() == 1 ? digits[0] : -1;
-}
-
-Fence ReadLabel(const std::string& label)
-{
-    Fence fence{Role::Example, TypeIn(label), false, label, {}};
-    if (label.starts_with("Request 0x")) {
-        fence.role = Role::Request;
-    } else if (label.starts_with("Reply 0x")) {
-        fence.role = Role::Reply;
-        fence.toBreak = label.ends_with(" to a BREAK:");
-    } else if (!label.starts_with("Example 0x")) {
-        ADD_FAILURE() << "no label that can be read: " << label;
-    }
-    EXPECT_TRUE(fence.type >= 0 && label.ends_with(':')) << label;
-    return fence;
-}
-
 /// Every fence; an answer of ACK, which is no frame, stands among them as one byte.
 std::vector<Fence> AllFences()
 {
@@ -82,14 +46,14 @@ std::vector<Fence> AllFences()
     for (const std::string& line : DocLines()) {
         if (line == "```hex") {
             inFence = true;
-            fences.push_back(ReadLabel(label));
+            fences.push_back({label, {}});
         } else if (line == "```") {
             inFence = false;
         } else if (inFence) {
             const Bytes more = Hex(line);
             fences.back().bytes.insert(fences.back().bytes.end(), more.begin(), more.end());
         } else if (line == "Reply ACK.") {
-            fences.push_back({Role::Reply, -1, false, line, {kAck}});
+            fences.push_back({line, {kAck}});
         } else if (!line.empty()) {
             label = line;
         }
@@ -100,13 +64,15 @@ std::vector<Fence> AllFences()
 std::vector<Exchange> AllExchanges()
 {
     std::vector<Exchange> exchanges;
-    for (const Fence& fence : AllFences()) {
-        if (fence.role == Role::Request) {
-            exchanges.push_back({fence.label, FrameRequest(fence.bytes), {}});
-        } else if (fence.toBreak) {
-            exchanges.push_back({fence.label, {Request::Kind::Break, {0x00}}, {fence.bytes}});
-        } else if (fence.role == Role::Reply && !exchanges.empty()) {
-            exchanges.back().answer.push_back(fence.bytes);
+    for (const auto& [label, bytes] : AllFences()) {
+        if (label.starts_with("Request 0x")) {
+            exchanges.push_back({label, FrameRequest(bytes), {}});
+        } else if (label.starts_with("Reply 0x") && label.ends_with(" to a BREAK:")) {
+            exchanges.push_back({label, {Request::Kind::Break, {0x00}}, {bytes}});
+        } else if (label.starts_with("Reply ")) {
+            exchanges.back().answer.push_back(bytes);
+        } else {
+            EXPECT_TRUE(label.starts_with("Example 0x")) << "cannot be read: " << label;
         }
     }
     return exchanges;
@@ -115,54 +81,37 @@ std::vector<Exchange> AllExchanges()
 /// A receiver that is in the state of which the document speaks.
 Scenario ScenarioFor(const Request& request)
 {
-    constexpr const char* kFiles = "file GONE1 1 2026-01-01 00:00 hidden\n"
-                                   "file GONE2 1 2026-01-01 00:00 hidden\n"
-                                   "file GONE3 1 2026-01-01 00:00 deleted\n"
-                                   "file A0314A00 48213 ";
+    const std::string files = "file GONE1 1 2026-01-01 00:00 hidden\n"
+                              "file GONE2 1 2026-01-01 00:00 hidden\n"
+                              "file GONE3 1 2026-01-01 00:00 deleted\n"
+                              "file A0314A00 48213 2026-03-14 01:30";
+    const std::map<int, std::string> states = {
+        {0x60, "model 3010\nfirmware 3.7\n" + files},
+        {0x68, "model 3010\n" + files + " deleted"},
+        {0x79, "model 3010\nfirmware 3.7\n" + files},
+        {0x96, "file A0314A00.Q01 12 2026-03-14 01:30 text Hello, field"},
+        {0x9C, "file A0314A00 48213 2026-03-19 00:00"},
+        {0xA0, "file A0314A00 1 2026-03-19 00:00"},
+        {0xA1, "file A0314A00.Q01 1 2026-03-19 00:00 deleted"},
+    };
     const int type = request.kind == Request::Kind::Frame ? request.Type() : -1;
-    std::string text;
-    switch (type) {
-    case 0x60:
-    case 0x79:
-        text = std::string("model 3010\nfirmware 3.7\n") + kFiles + "2026-03-14 01:30";
-        break;
-    case 0x68:
-        text = std::string("model 3010\n") + kFiles + "2026-03-14 01:30 deleted";
-        break;
-    case 0x96:
-        text = "file A0314A00.Q01 12 2026-03-14 01:30 text Hello, field";
-        break;
-    case 0x9C:
-        text = "file A0314A00 48213 2026-03-19 00:00";
-        break;
-    case 0xA0:
-        text = "file A0314A00 1 2026-03-19 00:00";
-        break;
-    case 0xA1:
-        text = "file A0314A00.Q01 1 2026-03-19 00:00 deleted";
-        break;
-    case 0xC8:
-        return Shipped("tilted");
-    default:
-        return Shipped("still-sky");
-    }
-    return Parsed(text);
+    const auto state = states.find(type);
+    return state != states.end() ? Parsed(state->second)
+                                 : Shipped(type == 0xC8 ? "tilted" : "still-sky");
 }
 
 } // namespace
 
 TEST(ProtocolDoc, EveryRequestOfTheTableHasAnExample)
 {
-    std::set<int> shown;
-    for (const Fence& fence : AllFences()) {
-        if (fence.role == Role::Request) {
-            shown.insert(fence.type);
-        }
+    std::set<std::string> shown;
+    for (const Exchange& exchange : AllExchanges()) {
+        shown.insert(exchange.label.substr(exchange.label.find("0x"), 4));
     }
     int rows = 0;
     for (const std::string& line : DocLines()) {
         if (line.starts_with("| 0x") && line.find("| [") != std::string::npos) {
-            EXPECT_EQ(shown.count(TypeIn(line)), 1U) << line;
+            EXPECT_TRUE(shown.contains(line.substr(2, 4))) << line;
             ++rows;
         }
     }
@@ -183,14 +132,9 @@ TEST(ProtocolDoc, TheReceiverGivesTheDocumentedAnswers)
         ASSERT_TRUE(heard && heard->kind == exchange.request.kind) << "is no good request";
         Receiver receiver(ScenarioFor(exchange.request), clock);
         // What another file leaves behind must not stand in a list.
-        for (const char* index : {"00 01", "00 02"}) {
-            static_cast<void>(receiver.Answer(FrameRequest(MakeFrame(0x60, Hex(index)))));
-        }
-        std::vector<Bytes> answer = receiver.Answer(exchange.request);
-        while (std::optional<Bytes> more = receiver.NextFrame()) {
-            answer.push_back(*more);
-        }
-        EXPECT_EQ(answer, exchange.answer);
+        static_cast<void>(Ask(receiver, 0x60, "00 01"));
+        static_cast<void>(Ask(receiver, 0x60, "00 02"));
+        EXPECT_EQ(Ask(receiver, exchange.request), exchange.answer);
     }
 }
 
@@ -202,13 +146,15 @@ TEST(ProtocolDoc, TheTextListExampleIsWhatTheReceiverSends)
                              "satellite G12 203 71 49.5 44.0\n"
                              "satellite S129 181 48 39.2\n"),
                       SystemClock::Instance());
-    const auto answer = receiver.Answer(FrameRequest(Hex("02 00 16 00 16 03")));
+    const std::vector<Bytes> answer = Ask(receiver, 0x16);
+    ASSERT_EQ(answer.size(), 1U);
     const std::vector<Fence> fences = AllFences();
-    const auto example = std::find_if(fences.begin(), fences.end(), [](const Fence& fence) {
-        return fence.role == Role::Example && fence.type == 0x17;
-    });
-    ASSERT_NE(example, fences.end());
-    EXPECT_EQ(answer, std::vector<Bytes>{example->bytes});
+    EXPECT_EQ(std::ranges::count_if(fences,
+                                    [&](const Fence& fence) {
+                                        return fence.label.starts_with("Example 0x17") &&
+                                               fence.bytes == answer[0];
+                                    }),
+              1);
 }
 
 } // namespace fieldcore::simulator::test

@@ -2,45 +2,34 @@
 
 #include "simulator/FileNames.h"
 #include "simulator/FileStore.h"
-#include "simulator/Receiver.h"
 #include "simulator/ReceiverFile.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/simulator/Support.h"
 
-#include <fstream>
 #include <iterator>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include <sstream>
 
 namespace fieldcore::simulator::test {
 
 namespace {
 
-const std::vector<Bytes> kAccepted{Bytes{kAck}};
-const std::vector<Bytes> kRefused{Bytes{kNak}};
-
 Bytes Name(std::string_view name)
 {
-    DataWriter out;
-    return out.Text(name, 14).Data();
+    return DataWriter().Text(name, 14).Data();
 }
 
 Bytes DownloadData(std::string_view name, std::uint32_t offset, unsigned blocks)
 {
-    DataWriter out;
-    return out.Text(name, 14).U32(offset).U16(blocks).Data();
+    return DataWriter().Text(name, 14).U32(offset).U16(blocks).Data();
 }
 
-std::vector<Bytes> Ask(Receiver& receiver, std::uint8_t type, const Bytes& data)
+Bytes ContentFrom(std::string_view name, std::uint32_t offset, std::size_t bytes)
 {
-    std::vector<Bytes> answer = receiver.Answer(FrameRequest(MakeFrame(type, data)));
-    while (std::optional<Bytes> more = receiver.NextFrame()) {
-        answer.push_back(*std::move(more));
-    }
-    return answer;
+    ReceiverFile file;
+    file.name = name;
+    Bytes content(bytes);
+    ReadFileContent(file, offset, content);
+    return content;
 }
 
 /// Names in a list, with a blank behind each; "*" behind those being logged.
@@ -101,10 +90,8 @@ TEST(ReceiverFiles, DeletingAndRecoveringByNameFollowTheFirmware)
             Parsed("firmware " + std::string(row.firmware) + "\n" + std::string(kThreeFiles)),
             clock);
         std::string answers;
-        std::string_view left = row.commands;
-        while (!left.empty()) {
-            const std::string_view command = left.substr(0, left.find(' '));
-            left.remove_prefix(std::min(command.size() + 1, left.size()));
+        std::istringstream commands{std::string(row.commands)};
+        for (std::string command; commands >> command;) {
             const std::uint8_t type = command[0] == 'd' ? 0xA0 : 0xA1;
             answers += Ask(receiver, type, Name(command.substr(1))) == kAccepted ? '+' : '-';
         }
@@ -117,19 +104,18 @@ TEST(ReceiverFiles, APicaNamesFilesByAnIndexThatIsNever255)
 {
     const HandClock clock;
     Receiver receiver(Parsed("model 3010\nfirmware 1.23\nfiles 300 1 9"), clock);
-    EXPECT_EQ(Ask(receiver, 0x60, Hex("00 FF")), kRefused);
-    EXPECT_EQ(Ask(receiver, 0x68, Hex("00 02")), kRefused) << "it is not in the bin";
-    EXPECT_EQ(Ask(receiver, 0x60, Hex("00 02")), kAccepted);
-    const std::vector<Bytes> bin = Ask(receiver, 0x79, Hex("00 00 01"));
-    ASSERT_EQ(bin.size(), 1U);
-    EXPECT_EQ(bin[0].size(), 6U + 2 + 22) << "one file is in it";
-    EXPECT_EQ(bin[0][4 + 2 + 20], 0x80) << "deleted";
+    EXPECT_EQ(Ask(receiver, 0x60, "00 FF"), kRefused);
+    EXPECT_EQ(Ask(receiver, 0x68, "00 02"), kRefused) << "it is not in the bin";
+    EXPECT_EQ(Ask(receiver, 0x60, "00 02"), kAccepted);
+    const Bytes bin = Data(receiver, 0x79, "00 00 01");
+    ASSERT_EQ(bin.size(), 2U + 22) << "one file is in it";
+    EXPECT_EQ(bin[2 + 20], 0x80) << "deleted";
     // 299 files left: 33 pages of nine and one of two.
-    EXPECT_EQ(Ask(receiver, 0x79, Hex("20 01 01"))[0][5], 9);
-    EXPECT_EQ(Ask(receiver, 0x79, Hex("21 01 01"))[0][5], 2);
-    EXPECT_EQ(Ask(receiver, 0x79, Hex("22 01 01"))[0][5], 0);
-    EXPECT_EQ(Ask(receiver, 0x68, Hex("00 02")), kAccepted);
-    EXPECT_EQ(Ask(receiver, 0x79, Hex("21 01 01"))[0][5], 3);
+    EXPECT_EQ(Data(receiver, 0x79, "20 01 01")[1], 9);
+    EXPECT_EQ(Data(receiver, 0x79, "21 01 01")[1], 2);
+    EXPECT_EQ(Data(receiver, 0x79, "22 01 01")[1], 0);
+    EXPECT_EQ(Ask(receiver, 0x68, "00 02"), kAccepted);
+    EXPECT_EQ(Data(receiver, 0x79, "21 01 01")[1], 3);
 }
 
 TEST(ReceiverFiles, AListFollowsItsPatternAndItsManner)
@@ -204,26 +190,20 @@ TEST(ReceiverFiles, ADownloadBeginsAndEndsWhereItIsAskedTo)
         Bytes content;
         for (const Bytes& frame : frames) {
             ASSERT_EQ(frame[2], 0x95);
-            DataWriter offset;
-            offset.U32(row.offset + content.size());
-            EXPECT_EQ(Bytes(frame.begin() + 5, frame.begin() + 9), offset.Data());
+            EXPECT_EQ(Bytes(frame.begin() + 5, frame.begin() + 9),
+                      DataWriter().U32(row.offset + content.size()).Data());
             EXPECT_EQ(frame[9], &frame == &frames.back() ? row.lastFlags : 0);
             content.insert(content.end(), frame.begin() + 10, frame.end() - 2);
         }
-        ASSERT_EQ(content.size(), row.bytes);
-        ReceiverFile file;
-        file.name = row.name;
-        Bytes expected(row.bytes);
-        ReadFileContent(file, row.offset, expected);
-        EXPECT_EQ(content, expected);
+        EXPECT_EQ(content, ContentFrom(row.name, row.offset, row.bytes));
     }
 }
 
 TEST(ReceiverFiles, FreeMemoryFollowsThem)
 {
     const auto tenths = [](Receiver& receiver) {
-        const Bytes status = Ask(receiver, 0x6B, Bytes{})[0];
-        return std::string(status.begin() + 4 + 19, status.begin() + 4 + 21);
+        const Bytes status = Data(receiver, 0x6B);
+        return std::string(status.begin() + 19, status.begin() + 21);
     };
     const HandClock clock;
     const std::string files = "memory-mb 10\nfile A 3145728 2026-03-14 01:30\n"; // 3 MB
@@ -251,13 +231,8 @@ TEST(ReceiverFiles, AnExportStaysInItsFolderAndOverwritesNothing)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path() / "in"),
                             std::filesystem::directory_iterator()),
               1);
-    std::ifstream huge(folder.Path() / "in/side/HUGE.Q01", std::ios::binary);
-    const Bytes content{std::istreambuf_iterator<char>(huge), {}};
-    Bytes expected(20'000);
-    ReceiverFile file;
-    file.name = "HUGE";
-    ReadFileContent(file, 0, expected);
-    EXPECT_EQ(content, expected);
+    const std::string content = ContentOf(folder.Path() / "in/side/HUGE.Q01");
+    EXPECT_EQ(Bytes(content.begin(), content.end()), ContentFrom("HUGE", 0, 20'000));
     EXPECT_FALSE(ExportFiles(hostile, folder.Path() / "in/side", leftOut, error));
     EXPECT_NE(error.find("in/side/"), std::string::npos) << error;
 }
@@ -267,26 +242,25 @@ TEST(FileNames, APatternStandsForWhatItsStarsLeaveOpen)
     struct Row
     {
         std::string_view pattern;
-        std::string_view name;
-        bool fits;
+        std::vector<std::string_view> fit;
+        std::vector<std::string_view> others;
     };
-    constexpr Row kRows[] = {
-        {"*.Q01", "A.Q01", true},
-        {"*.Q01", ".Q01", true},
-        {"*.Q01", "A.Q01X", false},
-        {"*.Q01", "A.Q011", false},
-        {"A*1", "A.Q01", true},
-        {"A*1", "B.Q01", false},
-        {"*", "", true},
-        {"", "A", false},
-        {"**1*", "A.Q01", true},
-        {"A.Q01", "A.Q01", true},
-        {"A.Q01", "A.Q0", false},
-        {"*0*0*", "A.Q01", false},
+    const Row rows[] = {
+        {"*.Q01", {"A.Q01", ".Q01"}, {"A.Q01X", "A.Q011"}},
+        {"A*1", {"A.Q01"}, {"B.Q01"}},
+        {"*", {""}, {}},
+        {"", {}, {"A"}},
+        {"**1*", {"A.Q01"}, {}},
+        {"A.Q01", {"A.Q01"}, {"A.Q0"}},
+        {"*0*0*", {}, {"A.Q01"}},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(std::string(row.pattern) + " " + std::string(row.name));
-        EXPECT_EQ(FitsPattern(row.name, row.pattern), row.fits);
+    for (const Row& row : rows) {
+        for (const std::string_view name : row.fit) {
+            EXPECT_TRUE(FitsPattern(name, row.pattern)) << name << ' ' << row.pattern;
+        }
+        for (const std::string_view name : row.others) {
+            EXPECT_FALSE(FitsPattern(name, row.pattern)) << name << ' ' << row.pattern;
+        }
     }
 }
 

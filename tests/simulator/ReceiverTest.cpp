@@ -2,23 +2,7 @@
 #include "simulator/SatelliteReplies.h"
 #include "tests/simulator/Support.h"
 
-#include <chrono>
-#include <cmath>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
-
-namespace {
-
-using namespace std::chrono_literals;
-
-const std::vector<Bytes> kRefused{Bytes{kNak}};
-const std::vector<Bytes> kAccepted{Bytes{kAck}};
-
-} // namespace
 
 TEST(Receiver, RefusesWhatItDoesNotKnow)
 {

@@ -2,12 +2,6 @@
 #include "simulator/ExchangeRecord.h"
 #include "tests/simulator/Support.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
 
 namespace {
@@ -63,12 +57,7 @@ TEST(Replay, AnswersInTheOrderOfTheLogAndElseByTheRequest)
 
 TEST(Replay, ErrorsNameTheLineAndTheCause)
 {
-    struct Row
-    {
-        std::string_view log;
-        std::string_view error;
-    };
-    constexpr Row kRows[] = {
+    constexpr std::pair<std::string_view, std::string_view> kRows[] = {
         {"", R"(there is no request ("Rcvr Tx") in it)"},
         {"00:1.000 Rcvr Rx [06 ]", R"(there is no request ("Rcvr Tx") in it)"},
         {"\nhello", R"(line 2: neither "Rcvr Tx [" nor "Rcvr Rx [" stands in it)"},
@@ -78,12 +67,11 @@ TEST(Replay, ErrorsNameTheLineAndTheCause)
         {"00:1.000 Rcvr Tx [06]", R"(line 1: "06" is not two hexadecimal digits and a blank)"},
         {"00:1.000 Rcvr Tx [6 07 ]", R"(line 1: "6 0" is not two hexadecimal digits and a blank)"},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.log);
+    for (const auto& [log, expected] : kRows) {
         Replay replay;
         std::string error;
-        EXPECT_FALSE(replay.Parse(row.log, error));
-        EXPECT_EQ(error, row.error);
+        EXPECT_FALSE(replay.Parse(log, error)) << log;
+        EXPECT_EQ(error, expected);
     }
 }
 

@@ -1,12 +1,6 @@
 #include "simulator/RequestParser.h"
 #include "tests/simulator/Support.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
 
 namespace {
@@ -17,14 +11,11 @@ std::string Describe(const Request& request)
     case Request::Kind::Frame:
         return "frame " + std::to_string(request.Type()) + "/" +
                std::to_string(request.Data().size());
-    case Request::Kind::Break:
-        return "break";
-    case Request::Kind::Line:
-        return "line";
     case Request::Kind::Damaged:
-        break;
+        return "damaged " + std::to_string(request.bytes.size());
+    default:
+        return request.kind == Request::Kind::Break ? "break" : "line";
     }
-    return "damaged " + std::to_string(request.bytes.size());
 }
 
 std::string ParseAll(const Bytes& bytes)

@@ -2,21 +2,12 @@
 #include "tests/simulator/Support.h"
 
 #include <filesystem>
-#include <string>
-#include <string_view>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
 TEST(Scenario, ErrorsNameTheLineAndTheCause)
 {
-    struct Row
-    {
-        std::string_view text;
-        std::string_view error;
-    };
-    constexpr Row kRows[] = {
+    constexpr std::pair<std::string_view, std::string_view> kRows[] = {
         {"title-ja \xFF",
          "line 1: the Japanese title must be UTF-8 of 1 to 200 bytes, not \"\xFF\""},
         {"modle 3017", R"(line 1: "modle" is not known)"},
@@ -58,11 +49,10 @@ TEST(Scenario, ErrorsNameTheLineAndTheCause)
          "line 1: \"back\" is not understood here; a rule goes on with on, of, skip, every, first, "
          "chance, count, and back for a hang-up"},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.text);
+    for (const auto& [text, expected] : kRows) {
         std::string error;
-        EXPECT_FALSE(ParseScenario(row.text, error));
-        EXPECT_EQ(error, row.error);
+        EXPECT_FALSE(ParseScenario(text, error)) << text;
+        EXPECT_EQ(error, expected);
     }
 }
 

@@ -7,28 +7,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-const Bytes kSerialRequest = Hex("02 00 06 00 06 03");
-constexpr std::size_t kSerialSize = 61;
-
-std::string ReadAll(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-} // namespace
 
 TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
 {
@@ -38,23 +20,19 @@ TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
     {
         const auto simulator = Started(Shipped("lark"), {{}, log, {}});
         const Client client(simulator->PortPath());
-        ASSERT_TRUE(client.Send(kSerialRequest));
-        serial = client.Receive(kSerialSize);
+        serial = client.Ask(kSerialRequest, kSerialSize);
         const std::vector<RecordedBytes> record = simulator->Record();
         ASSERT_EQ(record.size(), 2U);
-        EXPECT_EQ(record[0].direction, Direction::ToReceiver);
         EXPECT_EQ(record[0].bytes, kSerialRequest);
-        EXPECT_EQ(record[1].direction, Direction::FromReceiver);
         EXPECT_EQ(record[1].bytes, serial);
         EXPECT_LE(record[0].time, record[1].time);
     }
-    EXPECT_EQ(ReadAll(log), "00:1.000 Rcvr Tx [02 00 06 00 06 03 ]\r\n" +
-                                LogLine(Direction::FromReceiver, serial));
+    EXPECT_EQ(ContentOf(log), "00:1.000 Rcvr Tx [02 00 06 00 06 03 ]\r\n" +
+                                  LogLine(Direction::FromReceiver, serial));
 
     const auto simulator = Started(Shipped("unsupported"), {{}, {}, log});
     const Client client(simulator->PortPath());
-    ASSERT_TRUE(client.Send(kSerialRequest));
-    EXPECT_EQ(client.Receive(kSerialSize), serial);
+    EXPECT_EQ(client.Ask(kSerialRequest, kSerialSize), serial);
 }
 
 TEST(SimulatorFiles, NeverOverwritesWhatIsNotItsOwnLink)
@@ -65,23 +43,18 @@ TEST(SimulatorFiles, NeverOverwritesWhatIsNotItsOwnLink)
     fs::create_symlink("nowhere", folder.Path() / "dangling");
     fs::create_symlink("/dev/pts/999999", folder.Path() / "stale");
     const auto first = Started(Shipped("lark"), {folder.Path() / "running", {}, {}});
-    struct Row
-    {
-        const char* name;
-        bool starts;
-    };
-    constexpr Row kRows[] = {{"file", false},     {"elsewhere", false}, {"dangling", false},
-                             {"running", false},  {"stale", true},      {"new", true},
-                             {"none/such", false}};
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.name);
+    constexpr std::pair<const char*, bool> kRows[] = {
+        {"file", false}, {"elsewhere", false}, {"dangling", false}, {"running", false},
+        {"stale", true}, {"new", true},        {"none/such", false}};
+    for (const auto& [name, starts] : kRows) {
+        SCOPED_TRACE(name);
         std::string error;
         Simulator simulator(Shipped("lark"), SystemClock::Instance(),
-                            {folder.Path() / row.name, {}, {}});
-        EXPECT_EQ(simulator.Start(error), row.starts) << error;
-        EXPECT_EQ(error.empty(), row.starts);
+                            {folder.Path() / name, {}, {}});
+        EXPECT_EQ(simulator.Start(error), starts) << error;
+        EXPECT_EQ(error.empty(), starts);
     }
-    EXPECT_EQ(ReadAll(folder.Path() / "file"), "precious");
+    EXPECT_EQ(ContentOf(folder.Path() / "file"), "precious");
     EXPECT_EQ(fs::read_symlink(folder.Path() / "elsewhere"), "/dev/null");
     EXPECT_FALSE(fs::exists(fs::symlink_status(folder.Path() / "stale")))
         << "its link stayed behind";

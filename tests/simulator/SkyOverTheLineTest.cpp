@@ -11,7 +11,6 @@
 #include <cmath>
 #include <numbers>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -27,10 +26,7 @@ constexpr double kDegree = std::numbers::pi / 180.0;
 void ExpectSeen(CSurveyPlanCalc& plan, double maskDeg, SatelliteList list)
 {
     plan.SetElMask(maskDeg * kDegree);
-    const auto byNumber = [](const ListedSatellite& a, const ListedSatellite& b) {
-        return a.number < b.number;
-    };
-    std::sort(list.satellites.begin(), list.satellites.end(), byNumber);
+    std::ranges::sort(list.satellites, {}, &ListedSatellite::number);
     auto listed = list.satellites.cbegin();
     for (int index = 0; index < CSurveyPlanCalc::kSatellites; ++index) {
         if (plan.TestVisibility(index) == 0) {
@@ -89,10 +85,7 @@ TEST(SkyOverTheLine, MovesAsThePlanOfTheReceiversAlmanacsSays)
         EXPECT_NEAR(position.pdop, pdop, 1e-6 * pdop) << "single precision";
         EXPECT_NEAR(std::hypot(position.hdop, position.vdop), pdop, 1e-6 * pdop);
 
-        std::sort(tracked.satellites.begin(), tracked.satellites.end(),
-                  [](const ListedSatellite& a, const ListedSatellite& b) {
-                      return a.elevationDeg < b.elevationDeg;
-                  });
+        std::ranges::sort(tracked.satellites, {}, &ListedSatellite::elevationDeg);
         for (std::size_t i = 1; i < tracked.satellites.size(); ++i) {
             const double low = tracked.satellites[i - 1].signals[0];
             EXPECT_LE(low, tracked.satellites[i].signals[0] + 0.25) << "higher up is stronger";

@@ -3,11 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
@@ -92,22 +87,12 @@ TEST(Sky, ObstructionsHideWhatMoves)
 {
     const Scenario street = Parsed("almanacs 31\nmask 0\nsatellite R3 90 5 46\n"
                                    "obstruction 60 120 30\nobstruction 350 10 0 40\n");
-    struct Row
-    {
-        double azimuthDeg, elevationDeg;
+    constexpr std::pair<double, double> kEdges[] = {
+        {59.9, 0.0},   {60.0, 30.0}, {120.0, 30.0}, {120.1, 0.0}, {349.9, 0.0},
+        {355.0, 10.0}, {0.0, 20.0},  {360.0, 20.0}, {5.0, 30.0},  {10.1, 0.0},
     };
-    for (const Row& row : {Row{59.9, 0.0},
-                           {60.0, 30.0},
-                           {120.0, 30.0},
-                           {120.1, 0.0},
-                           {349.9, 0.0},
-                           {355.0, 10.0},
-                           {0.0, 20.0},
-                           {360.0, 20.0},
-                           {5.0, 30.0},
-                           {10.1, 0.0}}) {
-        EXPECT_NEAR(ObstructionDeg(street, row.azimuthDeg), row.elevationDeg, 1e-9)
-            << row.azimuthDeg;
+    for (const auto& [azimuthDeg, elevationDeg] : kEdges) {
+        EXPECT_NEAR(ObstructionDeg(street, azimuthDeg), elevationDeg, 1e-9) << azimuthDeg;
     }
     EXPECT_EQ(ObstructionDeg(Parsed("obstruction 0 360 15"), 200.0), 15.0) << "all around";
     int hidden = 0;

@@ -4,28 +4,12 @@
 #include "tests/simulator/Support.h"
 
 #include <bit>
-#include <chrono>
 #include <cmath>
-#include <cstdint>
 #include <numbers>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::simulator::test {
 
 namespace {
-
-using namespace std::chrono_literals;
-
-const std::vector<Bytes> kAccepted{Bytes{kAck}};
-
-bool Accepts(Receiver& receiver, std::string_view tiltCommand)
-{
-    return receiver.Answer(FrameRequest(MakeFrame(0xC8, Hex(tiltCommand)))) == kAccepted;
-}
 
 std::uint64_t Number(const Bytes& data, std::size_t at, std::size_t width)
 {
@@ -34,13 +18,6 @@ std::uint64_t Number(const Bytes& data, std::size_t at, std::size_t width)
         value = value << 8U | data.at(at + i);
     }
     return value;
-}
-
-Scenario WithStart(std::string_view text)
-{
-    Scenario scenario = Parsed(text);
-    scenario.start = Shipped("lark").start;
-    return scenario;
 }
 
 } // namespace
@@ -61,9 +38,9 @@ TEST(Timeline, TheFixComesAndGoesAndTheRepliesAgree)
                              {120s, '5', '1', " 1.8", true, 3},  {300s, '0', '1', "99.9", false, 3},
                              {9999s, '0', '1', "99.9", false, 3}};
     HandClock clock;
-    Receiver receiver(WithStart("fix searching 20 single 60 fixed 300 none\n"
-                                "power-source 1 120 3\n"
-                                "satellite G2 41 63 48\n"),
+    Receiver receiver(Parsed("fix searching 20 single 60 fixed 300 none\n"
+                             "power-source 1 120 3\n"
+                             "satellite G2 41 63 48\n"),
                       clock);
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.at.count());
@@ -103,10 +80,10 @@ TEST(TiltSensor, ACalibrationTakesItsTimeAndEndsAsTheScenarioSays)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.fault);
         HandClock clock;
-        Receiver receiver(
-            WithStart("options tilt\ntilt-calibrated no\n" + std::string(row.scenario)), clock);
+        Receiver receiver(Parsed("options tilt\ntilt-calibrated no\n" + std::string(row.scenario)),
+                          clock);
         EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x08) << "not completed, believable";
-        ASSERT_TRUE(Accepts(receiver, "04"));
+        ASSERT_EQ(Ask(receiver, 0xC8, "04"), kAccepted);
         clock.Advance(20s);
         EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], row.after20s);
     }
@@ -116,31 +93,16 @@ TEST(TiltSensor, TellsHowFarACalibrationIsAndWhenItWasMade)
 {
     HandClock clock;
     Receiver receiver(Shipped("tilted"), clock);
-    ASSERT_TRUE(Accepts(receiver, "04"));
+    ASSERT_EQ(Ask(receiver, 0xC8, "04"), kAccepted);
     clock.Advance(5s);
     EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0A) << "running, believable, not calibrated";
     EXPECT_EQ(Data(receiver, 0xC8, "01 01"), Hex("01 01 02D0 FFFF 00000000 19")); // 25 %
     clock.Advance(25s);
     EXPECT_EQ(Data(receiver, 0xC8, "01 01"), Hex("01 01 02D0 096A 00054614 00"))
         << "second 345620, though nobody asked then";
-    ASSERT_TRUE(Accepts(receiver, "04"));
-    ASSERT_TRUE(Accepts(receiver, "05"));
+    ASSERT_EQ(Ask(receiver, 0xC8, "04"), kAccepted);
+    ASSERT_EQ(Ask(receiver, 0xC8, "05"), kAccepted);
     EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x08) << "cancelled: not completed";
-}
-
-TEST(TiltSensor, ACalibrationExpiresAndALongerPeriodBringsItBack)
-{
-    HandClock clock;
-    Receiver receiver(WithStart("options tilt\ntilt-validity 24\ntilt-calibrated 23.5\n"), clock);
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x19);
-    // 23.5 h before second 345600 of week 2410.
-    EXPECT_EQ(Number(Data(receiver, 0xC8, "01 01"), 6, 4), 345600U - 84600U);
-    clock.Advance(30min);
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0C) << "too old, not calibrated";
-    ASSERT_TRUE(Accepts(receiver, "03 00 19"));
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x19) << "valid for 25 h now";
-    ASSERT_TRUE(Accepts(receiver, "03 00 01"));
-    EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x0C);
 }
 
 TEST(TiltSensor, TheReadingFollowsThePole)
@@ -173,7 +135,7 @@ TEST(TiltSensor, TheReadingFollowsThePole)
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.fault);
         HandClock clock;
-        Receiver receiver(WithStart("options tilt\n" + std::string(row.pole)), clock);
+        Receiver receiver(Parsed("options tilt\n" + std::string(row.pole)), clock);
         clock.Advance(row.at);
         const Bytes reading = Data(receiver, 0xC8, "01 00");
         EXPECT_EQ(reading[2], row.state);
@@ -183,7 +145,8 @@ TEST(TiltSensor, TheReadingFollowsThePole)
         // 1e-9 degrees: far below what a sensor knows.
         EXPECT_NEAR(tilt * 180.0 / std::numbers::pi, row.tiltDeg, 1e-9);
         EXPECT_NEAR(std::sqrt(t1 * t1 + t2 * t2), tilt, 1e-12);
-        EXPECT_EQ(Accepts(receiver, "04"), row.state != 0) << "a sensor that is away does nothing";
+        EXPECT_EQ(Ask(receiver, 0xC8, "04") == kAccepted, row.state != 0)
+            << "a sensor that is away does nothing";
     }
 }
 

@@ -1,15 +1,9 @@
 #include "simulator/Transmitter.h"
 #include "tests/simulator/Support.h"
 
-#include <chrono>
-
-#include <gtest/gtest.h>
-
 namespace fieldcore::simulator::test {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 /// Everything that may go out by @p now, as the worker takes it.
 std::size_t Drain(Transmitter& transmitter, Clock::Duration now)

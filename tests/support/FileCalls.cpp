@@ -25,41 +25,39 @@ namespace {
 std::atomic<bool> isWatched = false;
 std::mutex mutex;
 std::string below;               // guarded by mutex, as what follows
-FileCalls::Watcher watch;        //
+FileWatcher watch;               //
 std::map<int, std::string> open; // descriptors of the folder's files
 thread_local bool isInside = false;
 
-bool Fails(const char* name, const std::string& file, std::string_view data)
+std::string PathOf(const char* file)
 {
-    if (isInside || !watch || !file.starts_with(below)) {
+    return file;
+}
+
+std::string PathOf(int descriptor)
+{
+    const auto file = open.find(descriptor);
+    return file == open.end() ? std::string() : file->second;
+}
+
+/// @param of  a path or a descriptor
+template <typename Of>
+bool Fails(const char* name, Of of, std::string_view data = {}, std::int64_t at = -1)
+{
+    if (!isWatched || isInside) {
+        return false;
+    }
+    const Spared spared;
+    const std::lock_guard lock(mutex);
+    const std::string file = PathOf(of);
+    if (!watch || !file.starts_with(below)) {
         return false;
     }
     isInside = true; // what the watcher itself calls
-    const bool fails = watch({name, file, std::string(data)});
+    const bool fails = watch({name, file, std::string(data), at});
     isInside = false;
     errno = fails ? EIO : errno;
     return fails;
-}
-
-bool FailsFor(const char* name, const char* file, const char* data = "")
-{
-    if (!isWatched) {
-        return false;
-    }
-    const Spared spared;
-    const std::lock_guard lock(mutex);
-    return Fails(name, file, data);
-}
-
-bool FailsFor(const char* name, int descriptor, std::string_view data = {})
-{
-    if (!isWatched) {
-        return false;
-    }
-    const Spared spared;
-    const std::lock_guard lock(mutex);
-    const auto at = open.find(descriptor);
-    return at != open.end() && Fails(name, at->second, data);
 }
 
 void Remember(int descriptor, const char* file)
@@ -83,7 +81,7 @@ Function* Next(Function*, const char* name)
 
 } // namespace
 
-FileCalls::FileCalls(std::string folder, Watcher watcher)
+FileCalls::FileCalls(std::string folder, FileWatcher watcher)
 {
     const std::lock_guard lock(mutex);
     below = std::move(folder);
@@ -102,7 +100,7 @@ FileCalls::~FileCalls()
 } // namespace fieldcore::testing
 
 // Found before those of the C library, by it that is, since they are the program's own.
-using fieldcore::testing::FailsFor;
+using fieldcore::testing::Fails;
 using fieldcore::testing::Next;
 
 extern "C" {
@@ -118,7 +116,7 @@ int open(const char* path, int flags, ...)
         mode = va_arg(arguments, mode_t);
         va_end(arguments);
     }
-    if (FailsFor("open", path, (flags & O_CREAT) != 0 ? "new" : "")) {
+    if (Fails((flags & O_CREAT) != 0 ? "make" : "open", path)) {
         return -1;
     }
     const int descriptor = next(path, flags, mode);
@@ -136,7 +134,7 @@ int close(int descriptor)
 FILE* fopen64(const char* path, const char* mode)
 {
     static auto* const next = Next(fopen64, "fopen64");
-    if (FailsFor("open", path, mode[0] == 'r' ? "" : "new")) {
+    if (Fails(mode[0] == 'r' ? "open" : "make", path)) {
         return nullptr;
     }
     FILE* const file = next(path, mode);
@@ -156,13 +154,13 @@ int fclose(FILE* file)
 ssize_t read(int descriptor, void* to, size_t count)
 {
     static auto* const next = Next(read, "read");
-    return FailsFor("read", descriptor) ? -1 : next(descriptor, to, count);
+    return Fails("read", descriptor) ? -1 : next(descriptor, to, count);
 }
 
 ssize_t write(int descriptor, const void* from, size_t count)
 {
     static auto* const next = Next(write, "write");
-    return FailsFor("write", descriptor, {static_cast<const char*>(from), count})
+    return Fails("write", descriptor, {static_cast<const char*>(from), count})
                ? -1
                : next(descriptor, from, count);
 }
@@ -170,24 +168,24 @@ ssize_t write(int descriptor, const void* from, size_t count)
 int ftruncate(int descriptor, off_t size) noexcept
 {
     static auto* const next = Next(ftruncate, "ftruncate");
-    return FailsFor("ftruncate", descriptor, std::to_string(size)) ? -1 : next(descriptor, size);
+    return Fails("truncate", descriptor, {}, size) ? -1 : next(descriptor, size);
 }
 
 int fchmod(int descriptor, mode_t mode) noexcept
 {
     static auto* const next = Next(fchmod, "fchmod");
-    return FailsFor("fchmod", descriptor) ? -1 : next(descriptor, mode);
+    return Fails("fchmod", descriptor) ? -1 : next(descriptor, mode);
 }
 
 int flock(int descriptor, int operation) noexcept
 {
     static auto* const next = Next(flock, "flock");
-    return FailsFor("flock", descriptor) ? -1 : next(descriptor, operation);
+    return Fails("flock", descriptor) ? -1 : next(descriptor, operation);
 }
 
 int fsync(int descriptor)
 {
-    return FailsFor("fsync", descriptor) ? -1 : 0;
+    return Fails("sync", descriptor) ? -1 : 0;
 }
 
 int fdatasync(int)
@@ -198,19 +196,19 @@ int fdatasync(int)
 int rename(const char* from, const char* to) noexcept
 {
     static auto* const next = Next(rename, "rename");
-    return FailsFor("rename", from, to) ? -1 : next(from, to);
+    return Fails("rename", from, to) ? -1 : next(from, to);
 }
 
 int unlink(const char* path) noexcept
 {
     static auto* const next = Next(unlink, "unlink");
-    return FailsFor("unlink", path) ? -1 : next(path);
+    return Fails("unlink", path) ? -1 : next(path);
 }
 
 int remove(const char* path) noexcept
 {
     static auto* const next = Next(remove, "remove");
-    return FailsFor("unlink", path) ? -1 : next(path);
+    return Fails("unlink", path) ? -1 : next(path);
 }
 
 } // extern "C"

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <functional>
+#include "tests/support/FileCall.h"
+
 #include <string>
 
 namespace fieldcore::testing {
@@ -11,16 +12,7 @@ namespace fieldcore::testing {
 class FileCalls
 {
 public:
-    struct Call
-    {
-        std::string name; ///< that of the C function
-        std::string file; ///< full path
-        std::string data; ///< written bytes; of rename() the new path; of ftruncate() the size
-    };
-    /// @return whether the call fails instead of being made
-    using Watcher = std::function<bool(const Call& call)>;
-
-    FileCalls(std::string folder, Watcher watcher);
+    FileCalls(std::string folder, FileWatcher watcher);
     ~FileCalls();
     FileCalls(const FileCalls&) = delete;
     FileCalls& operator=(const FileCalls&) = delete;

@@ -36,15 +36,6 @@ void* Allocated(std::size_t size)
     return block;
 }
 
-void* AllocatedOrThrown(std::size_t size)
-{
-    void* const block = Allocated(size);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-
 void Free(void* block)
 {
     blocks -= block != nullptr ? 1 : 0;
@@ -95,27 +86,21 @@ long long BlocksHeld()
 
 } // namespace fieldcore::testing
 
-// Found before those of the libraries, by them that is, since they are the program's own.
+// Found before those of the libraries, by them that is, since they are the program's own. Those of
+// arrays call these.
 using fieldcore::testing::Allocated;
-using fieldcore::testing::AllocatedOrThrown;
 using fieldcore::testing::Free;
 
 void* operator new(std::size_t size)
 {
-    return AllocatedOrThrown(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return AllocatedOrThrown(size);
+    void* const block = Allocated(size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Allocated(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
     return Allocated(size);
 }
@@ -125,17 +110,7 @@ void operator delete(void* block) noexcept
     Free(block);
 }
 
-void operator delete[](void* block) noexcept
-{
-    Free(block);
-}
-
 void operator delete(void* block, std::size_t) noexcept
-{
-    Free(block);
-}
-
-void operator delete[](void* block, std::size_t) noexcept
 {
     Free(block);
 }

@@ -147,11 +147,13 @@ void Dialog::showEvent(QShowEvent* event)
         if (OnInitDialog() && nextInFocusChain() != nullptr && focusWidget() == nullptr) {
             focusNextChild();
         }
-        if (parentWidget() != nullptr) {
+        if (isWindow() && parentWidget() != nullptr) {
             FitOnScreen(*this);
         }
     }
-    QDialog::showEvent(event);
+    if (isWindow()) { // a part of a window stands where its layout puts it
+        QDialog::showEvent(event);
+    }
 }
 
 void Dialog::timerEvent(QTimerEvent* event)

@@ -1,6 +1,7 @@
 #include "core/equipment/BatteryWatch.h"
 
 #include <chrono>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -13,13 +14,7 @@ using enum BatteryWatch::Warning;
 
 TEST(BatteryWatch, WarnsOnceUntilChargedAgain)
 {
-    struct Row
-    {
-        const char* fault;
-        std::vector<int> charges;
-        std::vector<BatteryWatch::Warning> warnings;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::vector<int>, std::vector<BatteryWatch::Warning>> rows[] = {
         {"at the limits", {21, 20, 11, 10, 0}, {None, Low, None, VeryLow, None}},
         {"low from the start", {15, 14}, {Low, None}},
         {"very low from the start says both", {8, 12, 20}, {VeryLow, None, None}},
@@ -28,14 +23,14 @@ TEST(BatteryWatch, WarnsOnceUntilChargedAgain)
         {"charged above the lower limit only", {10, 13, 10}, {VeryLow, None, VeryLow}},
         {"another battery", {5, 100, 20, 10}, {VeryLow, None, Low, VeryLow}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, charges, expected] : rows) {
+        SCOPED_TRACE(fault);
         BatteryWatch watch;
         std::vector<BatteryWatch::Warning> warnings;
-        for (const int charge : row.charges) {
+        for (const int charge : charges) {
             warnings.push_back(watch.Take(charge, 30s * warnings.size()));
         }
-        EXPECT_EQ(warnings, row.warnings);
+        EXPECT_EQ(warnings, expected);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "core/equipment/FileTexts.h"
 
-#include <string>
 #include <string_view>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -13,13 +13,7 @@ constexpr std::uint32_t kFirstOf2000 = 7300 * kDay; // 7300 days after 1980-01-0
 
 TEST(FileTexts, DatesAndTheirFolders)
 {
-    struct Row
-    {
-        std::uint32_t seconds;
-        std::wstring_view text;
-        std::wstring_view folder;
-    };
-    const Row rows[] = {
+    const std::tuple<std::uint32_t, std::wstring_view, std::wstring_view> rows[] = {
         {0, L"80/01/06", L"1980-01-06"},
         {kFirstOf2000 - 1, L"99/12/31", L"1999-12-31"},
         {kFirstOf2000, L"00/01/01", L"2000-01-01"},
@@ -30,10 +24,10 @@ TEST(FileTexts, DatesAndTheirFolders)
         {kFirstOf2000 + 36525 * kDay, L"100/01/01", L"2000-01-01"},
         {0xFFFFFFFF, L"116/02/12", L"2016-02-12"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.seconds);
-        EXPECT_EQ(FileDateText(row.seconds), row.text);
-        EXPECT_EQ(DateFolderName(row.text), row.folder);
+    for (const auto& [seconds, text, folder] : rows) {
+        SCOPED_TRACE(seconds);
+        EXPECT_EQ(FileDateText(seconds), text);
+        EXPECT_EQ(DateFolderName(text), folder);
     }
     for (const std::wstring_view text : {L"", L"1/2/3", L"../04/21", L"16-04-21", L"16/ab/21",
                                          L"16/04/..", L"/4/04/21", L"16/04/2/"}) {
@@ -43,12 +37,7 @@ TEST(FileTexts, DatesAndTheirFolders)
 
 TEST(FileTexts, SizesOfAFile)
 {
-    struct Row
-    {
-        double bytes;
-        std::wstring_view text;
-    };
-    const Row rows[] = {
+    const std::tuple<double, std::wstring_view> rows[] = {
         {0, L"0.0"},
         {1024, L"1.0"},
         {-1536, L"1.5"},
@@ -58,9 +47,9 @@ TEST(FileTexts, SizesOfAFile)
         {1024.0 * 1024 * 9.96, L"10.0M"},
         {4294967295.0, L"4096.0M"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.bytes);
-        EXPECT_EQ(FileSizeText(row.bytes), row.text);
+    for (const auto& [bytes, text] : rows) {
+        SCOPED_TRACE(bytes);
+        EXPECT_EQ(FileSizeText(bytes), text);
     }
 }
 
@@ -70,22 +59,15 @@ TEST(FileTexts, NamesAndExtensions)
     EXPECT_EQ(FileRowName(L"A.B.Q01"), L"A");
     EXPECT_EQ(FileRowName(L"ABCDEFGHIJKLMNOP"), L"ABCDEFGHIJKLMN");
     EXPECT_EQ(FileRowName(L".Q01"), L"");
-    struct Row
-    {
-        bool q02;
-        double version;
-        std::wstring_view live;
-        std::wstring_view deleted;
-    };
-    const Row rows[] = {
+    const std::tuple<bool, double, std::wstring_view, std::wstring_view> rows[] = {
         {false, 0.0, L".Q01", L".Q1D"}, {false, 0.99, L".Q01", L".Q1D"},
         {false, 1.0, L".Q00", L".Q0D"}, {false, 1.99, L".Q00", L".Q0D"},
         {false, 2.0, L".Q01", L".Q1D"}, {true, 1.5, L".Q02", L".Q02"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.version);
-        EXPECT_EQ(FileExtension(row.q02, row.version, true), row.live);
-        EXPECT_EQ(FileExtension(row.q02, row.version, false), row.deleted);
+    for (const auto& [q02, version, live, deleted] : rows) {
+        SCOPED_TRACE(version);
+        EXPECT_EQ(FileExtension(q02, version, true), live);
+        EXPECT_EQ(FileExtension(q02, version, false), deleted);
     }
 }
 
@@ -101,13 +83,7 @@ TEST(FileTexts, SummaryOfADownload)
     for (const auto& [bytes, text] : sizes) {
         EXPECT_EQ(TotalSizeText(bytes), text) << bytes;
     }
-    struct Row
-    {
-        std::uint64_t bytes;
-        std::uint32_t rate;
-        std::wstring_view text;
-    };
-    const Row times[] = {
+    const std::tuple<std::uint64_t, std::uint32_t, std::wstring_view> times[] = {
         {9599, 9600, L"10 秒未満"},
         {9600, 9600, L"約 20 秒"},
         {9600, 0, L"約 20 秒"},
@@ -116,8 +92,8 @@ TEST(FileTexts, SummaryOfADownload)
         {57600, 9600, L"約 2 分"},
         {512ULL << 32, 262144, L"約 1398102 分"}, // 83886080 s
     };
-    for (const Row& row : times) {
-        EXPECT_EQ(TransferTimeText(row.bytes, row.rate), row.text) << row.bytes;
+    for (const auto& [bytes, rate, text] : times) {
+        EXPECT_EQ(TransferTimeText(bytes, rate), text) << bytes;
     }
 }
 

@@ -5,7 +5,6 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <cstdio>
 #include <map>
 #include <memory>
 #include <optional>
@@ -24,9 +23,9 @@ struct ReceiverScript
 {
     int typeCode = 31;             ///< 31 is a Lark, 27 the second Pica
     std::string version = "00369"; ///< hundredths
-    std::vector<Bytes> records;
-    std::map<std::string, Bytes> files; ///< that FileExists finds and the download delivers
-    std::set<std::string> refused;      ///< names answered by NAK; "list NAME": the question for it
+    std::vector<Bytes> records{};
+    std::map<std::string, Bytes> files{}; ///< that FileExists finds and the download delivers
+    std::set<std::string> refused{}; ///< names answered by NAK; "list NAME": the question for it
 
     ScriptedEnd::Answer operator()(const Bytes& request) const;
 
@@ -90,7 +89,9 @@ protected:
     void Start(const ReceiverScript& script, int mode = ReceiverFiles::Live)
     {
         command.ClosePort();
-        receiver.emplace(line, script);
+        receiver.emplace(line, [this, script](const Bytes& request) {
+            return isSilent && request[2] == 0x06 ? ScriptedEnd::Answer() : script(request);
+        });
         ASSERT_EQ(command.OpenPort("in memory"), 1) << command.LastError();
         host.boxes.clear();
         files = std::make_unique<ReceiverFiles>(command);
@@ -106,29 +107,22 @@ protected:
     /// What was sent that changes or fetches something, in words: "A0 NAME", "60 4".
     std::vector<std::string> Sent()
     {
+        const std::map<int, std::string> named{
+            {0x96, "96 "}, {0x9C, "9C "}, {0xA0, "A0 "}, {0xA1, "A1 "}};
+        const std::map<int, std::string> numbered{{0x60, "60 "}, {0x68, "68 "}};
         std::vector<std::string> sent;
         for (const Bytes& request : receiver->Requests()) {
-            char type[4];
-            std::snprintf(type, sizeof type, "%02X ", request[2]);
-            switch (request[2]) {
-            case 0x60:
-            case 0x68:
-                sent.push_back(type + std::to_string(request[4] << 8 | request[5]));
-                break;
-            case 0x9C:
-            case 0x96:
-            case 0xA0:
-            case 0xA1:
-                sent.push_back(type + ReceiverScript::NameOf(request));
-                break;
-            default:
-                break;
+            if (const auto at = named.find(request[2]); at != named.end()) {
+                sent.push_back(at->second + ReceiverScript::NameOf(request));
+            } else if (const auto by = numbered.find(request[2]); by != numbered.end()) {
+                sent.push_back(by->second + std::to_string(request[4] << 8 | request[5]));
             }
         }
         return sent;
     }
 
-    bool cancel = false; // at the next breath
+    bool cancel = false;   // at the next breath
+    bool isSilent = false; // when it is asked what it is
     std::optional<ScriptedEnd> receiver;
     FileRowList rows;
     std::unique_ptr<ReceiverFiles> files;

@@ -12,6 +12,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -96,16 +97,10 @@ TEST_F(PortEditTest, SetsAnotherPortAndLeavesTheLinkAlone)
 
 TEST_F(PortEditTest, KnowsWhatItToldWhichReceiver)
 {
-    struct Row
-    {
-        const char* course;
-        const wchar_t* connected; ///< what is set with a receiver; null: nothing
-        const wchar_t* offline;   ///< what is set without one; null: nothing
-        const wchar_t* receiver;  ///< that is connected then
-        PortKnown known;
-    };
     constexpr const wchar_t* kChosen = L"57600-8-Odd-1-None";
-    const Row rows[] = {
+    using Set = const wchar_t*;
+    // What is set with a receiver and without one, null being nothing; which one is connected then.
+    const std::tuple<const char*, Set, Set, const wchar_t*, PortKnown> rows[] = {
         {"nothing was ever chosen", nullptr, nullptr, L"A", PortKnown::Default},
         {"the defaults, offline", nullptr, L"9600-8-None-1-None", L"A", PortKnown::Default},
         {"chosen offline", nullptr, kChosen, L"A", PortKnown::Waiting},
@@ -115,22 +110,22 @@ TEST_F(PortEditTest, KnowsWhatItToldWhichReceiver)
         {"told to another receiver", kChosen, nullptr, L"B", PortKnown::Stored},
     };
     Start(38400);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.course);
+    for (const auto& [course, connected, offline, receiver, known] : rows) {
+        SCOPED_TRACE(course);
         HostReg(m_roots).DeleteKey(L"GPS", L"Com");
-        for (const wchar_t* const parameters : {row.connected, row.offline}) {
+        for (const wchar_t* const parameters : {connected, offline}) {
             if (parameters != nullptr) {
                 command.ClosePort();
-                ASSERT_TRUE(parameters == row.offline || OpenTarget(command, m_target) == 1);
+                ASSERT_TRUE(parameters == offline || OpenTarget(command, m_target) == 1);
                 PortEdit edit(1, m_roots, std::nullopt, L"A");
                 ASSERT_EQ(edit.At(2).SetPrmString(parameters), 1);
                 ASSERT_EQ(edit.Set(2, &command), PortSet::Done);
             }
         }
-        PortEdit edit(1, m_roots, std::nullopt, row.receiver);
+        PortEdit edit(1, m_roots, std::nullopt, receiver);
         EXPECT_EQ(edit.Known(1), PortKnown::Same) << "the controller's own";
-        EXPECT_EQ(edit.Known(2), row.known);
-        EXPECT_EQ(edit.IsDue(2), row.known == PortKnown::Waiting);
+        EXPECT_EQ(edit.Known(2), known);
+        EXPECT_EQ(edit.IsDue(2), known == PortKnown::Waiting);
         ASSERT_EQ(edit.At(2).SetPrmString(L"115200-7"), 1);
         EXPECT_TRUE(edit.IsDue(2)) << "changed by the user";
     }
@@ -207,15 +202,10 @@ TEST_F(PortEditTest, StoresWithoutAReceiver)
 
 TEST_F(PortEditTest, FindsTheRateOfASilentReceiver)
 {
-    for (const std::uint32_t rate : kBaudRates) {
-        SCOPED_TRACE(rate);
-        Start(rate);
-        m_rates.clear();
-        EXPECT_EQ(SearchRate(command, m_target, this), rate);
-        EXPECT_EQ(m_rates.front(), 38400U) << "the one it should be, first";
-        EXPECT_EQ(m_rates.back(), rate);
-        EXPECT_EQ(command.IsPortOpen(), 0);
-    }
+    Start(9600);
+    EXPECT_EQ(SearchRate(command, m_target, this), 9600U);
+    EXPECT_EQ(m_rates, (std::vector<std::uint32_t>{38400, 9600})) << "the one it should be, first";
+    EXPECT_EQ(command.IsPortOpen(), 0);
     Start(230400);
     m_rates.clear();
     m_target.settings.baudRate = 2400;

@@ -13,6 +13,7 @@
 #include <limits>
 #include <numbers>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -45,10 +46,10 @@ TimedValue<SatelliteList> Sky(std::initializer_list<int> elevations)
 TEST(ReceiverFields, SayTheSameToEverybody)
 {
     constexpr auto kNothing = [](Receiver&) {};
-    constexpr auto kLeaning = [](Receiver& r) { // 0.01 rad; 1.8 m high, 18 mm off
-        r.tilt = {TiltReading{}, 100s};
-        r.tilt->value.tiltRad = 0.01;
+    const auto leaning = [](double rad) { // at 0.01 rad and 1.8 m it is 18 mm off
+        return [=](Receiver& r) { r.tilt = {TiltReading{.tiltRad = rad, .time = {}}, 100s}; };
     };
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
     constexpr auto kSky = [](Receiver& r) { r.tracked = Sky({14, 15, 80}); };
     constexpr auto kNoTrust = [](Receiver& r) { r.isSynchronised = false; };
     const auto charge = [](int percent) {
@@ -60,20 +61,13 @@ TEST(ReceiverFields, SayTheSameToEverybody)
     const auto fix = [](int kind) {
         return [=](Receiver& r) { r.position->value.fixKind = kind; };
     };
-    struct Row
-    {
-        const char* what;
-        std::function<void(Receiver&)> change;
-        const char* key;
-        const wchar_t* text;
-        const char* words; ///< of a report
-    };
-    const Row rows[] = {
+    using Change = std::function<void(Receiver&)>;
+    // What is changed, the field, its text, and its words in a report.
+    const std::tuple<const char*, Change, const char*, const wchar_t*, const char*> rows[] = {
         {"battery", kNothing, "batteryPercent", L"80 %", "80 %"},
         {"battery above all", charge(105), "batteryPercent", L"不明", "--"},
-        {"battery far above all", charge(250), "batteryPercent", L"不明", "--"},
-        {"battery below nothing", charge(-1), "batteryPercent", L"不明", "--"},
         {"full battery", charge(100), "batteryPercent", L"100 %", "100 %"},
+        {"battery below nothing", charge(-1), "batteryPercent", L"不明", "--"},
         {"PDOP", kNothing, "pdop", L"2.0", "2.0"},
         {"large PDOP", pdop(99.5F), "pdop", L"99.5", "99.5"},
         {"PDOP that says there is none", pdop(99.9F), "pdop", L"-.- ", "--"},
@@ -83,21 +77,20 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"time", kNothing, "jst", L"2026-03-19 09:00:01", "2026-03-19 09:00:00 JST"},
         {"time without trust", kNoTrust, "jst", L"2026-03-19 09:00", "2026-03-19 09:00 JST"},
         {"UTC without trust", kNoTrust, "utc", L"2026-03-19 00:00", "2026-03-19 00:00 UTC"},
-        {"seconds of the week without trust", kNoTrust, "gpsSecondsOfWeek", L"--", "--"},
         {"offset", kNothing, "utcOffsetS", L"18 秒", "18 s"},
         {"offset without trust", kNoTrust, "utcOffsetS", L"--", "--"},
         {"trust", kNothing, "synchronised", L"同期済み", "yes"},
         {"no trust", kNoTrust, "synchronised", L"未同期", "no"},
         {"controller's clock", kNothing, "controllerAheadS", L"+1.5 秒", "1.5 s"},
-        {"clock against a time that means nothing", kNoTrust, "controllerAheadS", L"--", "--"},
+        {"no fix", fix(0), "fix", L"測位なし", "no fix"},
+        {"searching", fix(1), "fix", L"衛星探索中", "searching"},
+        {"single", fix(2), "fix", L"単独測位", "single"},
+        {"float", fix(4), "fix", L"RTKフロート", "RTK float"},
         {"fix", kNothing, "fix", L"RTKフィックス", "RTK fixed"},
         {"kind that nobody knows", fix(6), "fix", L"--", "--"},
         {"latitude", kNothing, "latitudeDeg", L"36ﾟ00'00\".0000", "36.00000000 deg"},
         {"no fix, no place", fix(1), "latitudeDeg", L"--", "--"},
-        {"place that is no number",
-         [](Receiver& r) {
-             r.position->value.position.heightM = std::numeric_limits<double>::quiet_NaN();
-         },
+        {"place that is no number", [](Receiver& r) { r.position->value.position.heightM = kNaN; },
          "latitudeDeg", L"--", "--"},
         {"height", kNothing, "heightM", L"70.123 m", "70.123 m"},
         {"nearest zone", kNothing, "planeZone", L"9 系", "9"},
@@ -105,7 +98,6 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"place beyond the zones", [](Receiver& r) { r.position->value.position.longitudeRad = 0; },
          "planeZone", L"--", "--"},
         {"HDOP", kNothing, "hdop", L"0.9", "0.9"},
-        {"no dilution", [](Receiver& r) { r.position->value.hdop = 99.9F; }, "hdop", L"--", "--"},
         {"infinite dilution",
          [](Receiver& r) { r.position->value.vdop = std::numeric_limits<float>::infinity(); },
          "vdop", L"--", "--"},
@@ -114,10 +106,7 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"power source that was not told", [](Receiver& r) { r.powerSource.reset(); },
          "powerSourceName", L"--", "--"},
         {"trend", kNothing, "batteryTrendPercentPerHour", L"-12.0 %/時", "-12.0 %/h"},
-        {"charging",
-         [](Receiver& r) {
-             r.trend = BatteryTrend{3.04, std::nullopt};
-         },
+        {"charging", [](Receiver& r) { r.trend->percentPerHour = 3.04; },
          "batteryTrendPercentPerHour", L"+3.0 %/時", "3.0 %/h"},
         {"charge that lasts", kNothing, "batteryMinutesLeft", L"約5時間07分", "307 min"},
         {"memory", kNothing, "freeMemoryPercent", L"90 %", "90 %"},
@@ -129,33 +118,23 @@ TEST(ReceiverFields, SayTheSameToEverybody)
          "navigationFirmware", L"--", "--"},
         {"memory that was not told", [](Receiver& r) { r.identity.options->memory = 0; },
          "memoryMb", L"--", "--"},
-        {"tilt", kLeaning, "tiltDeg", L"0.57 °", "0.5730 deg"},
-        {"tilt that is no number",
-         [](Receiver& r) {
-             r.tilt = {TiltReading{}, 100s};
-             r.tilt->value.tiltRad = std::numeric_limits<double>::quiet_NaN();
-         },
-         "tiltDeg", L"--", "--"},
-        {"antenna beside the point", kLeaning, "tiltOffsetMm", L"18 mm", "--"},
-        {"pole upside down",
-         [](Receiver& r) {
-             r.tilt = {TiltReading{}, 100s};
-             r.tilt->value.tiltRad = 3.0;
-         },
-         "tiltOffsetMm", L"--", "--"},
+        {"tilt", leaning(0.01), "tiltDeg", L"0.57 °", "0.5730 deg"},
+        {"tilt that is no number", leaning(kNaN), "tiltDeg", L"--", "--"},
+        {"antenna beside the point", leaning(0.01), "tiltOffsetMm", L"18 mm", "--"},
+        {"pole upside down", leaning(3.0), "tiltOffsetMm", L"--", "--"},
         {"satellites above the mask", kSky, "satellitesAboveMask", L"2", "--"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, change, key, text, words] : rows) {
+        SCOPED_TRACE(what);
         Receiver receiver = KnownReceiver();
-        row.change(receiver);
-        const ReceiverField& field = FieldOf(row.key);
+        change(receiver);
+        const ReceiverField& field = FieldOf(key);
         StatusView view = At(101s);
         view.limits = ObservingLimits{15, 5, 7.0};
         view.antennaHeightM = 1.8;
-        EXPECT_EQ(FieldText(field, receiver, view), row.text);
+        EXPECT_EQ(FieldText(field, receiver, view), text);
         SetLanguage(Language::English);
-        EXPECT_EQ(ReportField(field, receiver).Words(), row.words);
+        EXPECT_EQ(ReportField(field, receiver).Words(), words);
         SetLanguage(Language::Japanese);
     }
     for (const ReceiverField& field : AllReceiverFields()) { // of nobody nothing is known
@@ -191,35 +170,24 @@ TEST(ReceiverFields, WarnWhenASurveysLimitsAreBroken)
 {
     const std::wstring kPdop = L"PDOP 2.1（制限 2.0）";
     const std::wstring kFew = L"高度角15度以上の衛星 2（最少 3）";
-    struct Row
-    {
-        const char* fault;
-        float pdop;
-        std::initializer_list<int> elevations;
-        Clock::Duration now;
-        bool hasLimits;
-        std::vector<std::wstring> broken;
+    const std::tuple<const char*, float, int, Clock::Duration, std::vector<std::wstring>> rows[] = {
+        {"on the limits", 2.0F, 15, 101s, {}},
+        {"PDOP that reads as its limit", 2.04F, 15, 101s, {}},
+        {"PDOP above", 2.1F, 15, 101s, {kPdop}},
+        {"one below the mask", 1.0F, 14, 101s, {kFew}},
+        {"both", 2.1F, 14, 101s, {kPdop, kFew}},
+        {"none that can be told", 99.9F, 14, 101s, {kFew}},
+        {"old values", 2.1F, 14, 200s, {}},
     };
-    const Row rows[] = {
-        {"on the limits", 2.0F, {15, 40, 70}, 101s, true, {}},
-        {"PDOP that reads as its limit", 2.04F, {15, 40, 70}, 101s, true, {}},
-        {"PDOP above", 2.1F, {15, 40, 70}, 101s, true, {kPdop}},
-        {"one below the mask", 1.0F, {14, 40, 70}, 101s, true, {kFew}},
-        {"both", 2.1F, {14, 40, 70}, 101s, true, {kPdop, kFew}},
-        {"no limits", 2.1F, {14}, 101s, false, {}},
-        {"none that can be told", 99.9F, {14, 40, 70}, 101s, true, {kFew}},
-        {"old values", 2.1F, {14, 40, 70}, 200s, true, {}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, pdop, lowestDeg, now, broken] : rows) {
+        SCOPED_TRACE(fault);
         Receiver receiver = KnownReceiver();
-        receiver.position->value.pdop = row.pdop;
-        receiver.tracked = Sky(row.elevations);
-        StatusView view = At(row.now);
-        if (row.hasLimits) {
-            view.limits = ObservingLimits{15, 3, 2.0};
-        }
-        EXPECT_EQ(BrokenLimits(receiver, view), row.broken);
+        receiver.position->value.pdop = pdop;
+        receiver.tracked = Sky({lowestDeg, 40, 70});
+        StatusView view = At(now);
+        EXPECT_TRUE(BrokenLimits(receiver, view).empty()) << "there are none";
+        view.limits = ObservingLimits{15, 3, 2.0};
+        EXPECT_EQ(BrokenLimits(receiver, view), broken);
     }
     EXPECT_TRUE(BrokenLimits({}, {101s, kUtc, 0, false, ObservingLimits{15, 3, 2.0}}).empty());
 }

@@ -13,9 +13,8 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace fieldcore {
@@ -24,8 +23,8 @@ namespace {
 using namespace std::chrono_literals;
 using State = SkyRecorder::State;
 
-constexpr const char* kHere = "model 3017\nposition 35 139 70\nalmanacs 31\n"
-                              "start 2026-03-19 00:00:00\n";
+const std::string kHere = "model 3017\nposition 35 139 70\nalmanacs 31\n"
+                          "start 2026-03-19 00:00:00\n";
 constexpr int kWeek = 2410; // of that day
 constexpr std::uint32_t kToaS = 344064;
 
@@ -42,6 +41,13 @@ protected:
     {
         recorder = std::make_unique<SkyRecorder>(clock);
         recorder->Use(program, 0);
+    }
+    /// A receiver here from now on, with an almanac beside what is noted of it.
+    void Observe(const std::filesystem::path& program, const std::string& scenario = "")
+    {
+        PutAlmanac(program);
+        Plug(kHere + scenario);
+        Begin(program);
     }
     /// A list of what is tracked comes with every fifth round.
     void Live(Clock::Duration time)
@@ -64,11 +70,9 @@ protected:
 
 TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
 {
-    std::string error;
-    std::optional<simulator::Scenario> street = simulator::LoadScenario("street", error);
-    ASSERT_TRUE(street) << error;
-    street->start = std::chrono::sys_days(2026y / 3 / 19);
-    Plug(*street);
+    simulator::Scenario street = testing::ShippedScenario("street");
+    street.start = std::chrono::sys_days(2026y / 3 / 19);
+    Plug(street);
     ASSERT_EQ(AlmanacStore(folder.Path()).Update(command), AlmanacResult::Done);
     Begin(folder.Path());
     Live(4h);
@@ -88,7 +92,7 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
         const auto at = static_cast<std::size_t>(azimuth);
         // The receiver does not track below 10 degrees, so nothing is to be known there.
         const auto above = [](double elevationDeg) { return std::max(elevationDeg, 10.0); };
-        const bool isObstructed = simulator::ObstructionDeg(*street, azimuth + 0.5) > 10.0;
+        const bool isObstructed = simulator::ObstructionDeg(street, azimuth + 0.5) > 10.0;
         obstructed += isObstructed ? 1 : 0;
         if (proposal->certainty[at] == SkylineCertainty::Unknown) {
             EXPECT_EQ(proposal->curtain[at], 7);
@@ -99,7 +103,7 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
         for (double side = -3.0; side <= 3.0; side += 0.5) {
             off = std::min(
                 off, std::abs(above(proposal->curtain[at]) -
-                              above(simulator::ObstructionDeg(*street, azimuth + 0.5 + side))));
+                              above(simulator::ObstructionDeg(street, azimuth + 0.5 + side))));
         }
         EXPECT_LE(off, 3.0);
     }
@@ -117,14 +121,10 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
 
 TEST_F(SkyRecorderTest, NotesOnlyWhatCanBeBelieved)
 {
-    struct Row
-    {
-        const char* what;
-        const char* scenario;
-        State state; // after 20 minutes
-        std::chrono::seconds least, most;
-    };
-    const Row rows[] = {
+    using Least = std::chrono::seconds;
+    using Most = std::chrono::seconds;
+    // What it says after 20 minutes, and how many of them are noted.
+    const std::tuple<const char*, const char*, State, Least, Most> rows[] = {
         {"all well, but for the first two minutes", "", State::Noting, 16min, 18min},
         {"no fix", "fix searching\n", State::NoFix, 0s, 0s},
         {"a fix that is lost and found again", "fix fixed 600 none 660 fixed\n", State::Noting,
@@ -133,16 +133,14 @@ TEST_F(SkyRecorderTest, NotesOnlyWhatCanBeBelieved)
         {"an antenna that dies", "antenna good 600 dead\n", State::DeafAntenna, 6min, 8min},
         {"nothing tracked at all", "mask 90\n", State::DeafAntenna, 0s, 0s},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        Plug(std::string(kHere) + row.scenario);
+    for (const auto& [what, scenario, state, least, most] : rows) {
+        SCOPED_TRACE(what);
         const TemporaryFolder own;
-        PutAlmanac(own.Path());
-        Begin(own.Path());
+        Observe(own.Path(), scenario);
         Live(20min);
-        EXPECT_EQ(recorder->GetNow().state, row.state);
-        EXPECT_GE(Noted(), row.least);
-        EXPECT_LE(Noted(), row.most);
+        EXPECT_EQ(recorder->GetNow().state, state);
+        EXPECT_GE(Noted(), least);
+        EXPECT_LE(Noted(), most);
         recorder.reset();
     }
 }
@@ -172,9 +170,7 @@ TEST_F(SkyRecorderTest, TrustsNoAlmanacThatIsOldOrOfAnotherSky)
 /// What is tracked where it was open before: the one that fails while it still hears something.
 TEST_F(SkyRecorderTest, DoesNotTakeAFailingAntennaForAWall)
 {
-    PutAlmanac(folder.Path());
-    Plug(kHere);
-    Begin(folder.Path());
+    Observe(folder.Path());
     Live(30min);
     ASSERT_EQ(recorder->GetNow().state, State::Noting);
     const auto before = Noted();
@@ -194,18 +190,16 @@ TEST_F(SkyRecorderTest, DoesNotTakeAFailingAntennaForAWall)
 /// At 9600 bit/s, an answer after 150 ms, and some of them late, doubled, torn, damaged or lost.
 TEST_F(SkyRecorderTest, NotesNothingWrongOnABadLine)
 {
-    constexpr const char* kStreet = "obstruction 60 130 35\nobstruction 200 290 25\n";
+    const std::string kStreet = "obstruction 60 130 35\nobstruction 200 290 25\n";
     constexpr const char* kBadLine =
         "baud 9600\npacing baud\nlatency 150\nfault delay 4000 every 9\n"
         "fault duplicate skip 2 every 5\nfault drop skip 3 every 11\nfault corrupt skip 4 every "
         "13\n"
         "fault split 3 skip 1 every 7\n";
     std::vector<SkyRecord> records;
-    for (const char* const cable : {"", kBadLine}) {
-        Plug(std::string(kHere) + kStreet + cable);
+    for (const std::string cable : {"", kBadLine}) {
         const TemporaryFolder own;
-        PutAlmanac(own.Path());
-        Begin(own.Path());
+        Observe(own.Path(), kStreet + cable);
         Live(1h);
         ASSERT_TRUE(recorder->GetNow().record);
         records.push_back(*recorder->GetNow().record);
@@ -227,9 +221,7 @@ TEST_F(SkyRecorderTest, NotesNothingWrongOnABadLine)
 
 TEST_F(SkyRecorderTest, KeepsTheStoresApart)
 {
-    PutAlmanac(folder.Path());
-    Plug(kHere);
-    Begin(folder.Path());
+    Observe(folder.Path());
     Live(20min);
     const auto before = Noted();
     const TemporaryFolder other;
@@ -247,10 +239,8 @@ TEST_F(SkyRecorderTest, KeepsTheStoresApart)
 
 TEST_F(SkyRecorderTest, TellsOfADamagedRecord)
 {
-    PutAlmanac(folder.Path());
     folder.Write("SkyRecords/1_2.sky", "FCSKYREC, but cut");
-    Plug(kHere);
-    Begin(folder.Path());
+    Observe(folder.Path());
     Live(10min);
     EXPECT_EQ(recorder->GetNow().setAside, std::vector<std::string>{"1_2.sky.damaged-1"});
     EXPECT_GT(Noted(), 5min);

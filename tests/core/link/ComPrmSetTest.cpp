@@ -4,6 +4,7 @@
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
+#include <array>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -45,43 +46,33 @@ TEST_F(ComPrmSetTest, IsTheFactorysAtFirst)
 
 TEST_F(ComPrmSetTest, ShowsAndWritesBackWhateverIsStored)
 {
-    struct Row
-    {
-        const char* fault;
-        const wchar_t* name;
-        std::uint32_t stored;
-        const wchar_t* shown;
-        std::uint32_t writtenBack;
-    };
-    const Row rows[] = {
-        {"slowest", L"Baudlate", 2400, L"2400-8-None-1-None", 2400},
-        {"fastest", L"Baudlate", 115200, L"115200-8-None-1-None", 115200},
-        {"unknown rate", L"Baudlate", 14400, L"9600-8-None-1-None", 9600},
-        {"rate beyond its field", L"Baudlate", 0xFFFFFFFF, L"9600-8-None-1-None", 9600},
-        {"7 bits", L"Length", 7, L"9600-7-None-1-None", 7},
-        {"unknown length", L"Length", 5, L"9600-8-None-1-None", 8},
-        {"low 8 bits count", L"Length", 0x107, L"9600-7-None-1-None", 7},
-        {"odd", L"Parity", 1, L"9600-8-Odd-1-None", 1},
-        {"even", L"Parity", 2, L"9600-8-Even-1-None", 2},
-        {"unknown parity is odd", L"Parity", 3, L"9600-8-Odd-1-None", 1},
-        {"two stop bits", L"Stopbit", 2, L"9600-8-None-2-None", 2},
-        {"one and a half", L"Stopbit", 1, L"9600-8-None-1-None", 0},
-        {"values and list differ: software", L"Flow", 1, L"9600-8-None-1-Xon/Xoff", 1},
-        {"values and list differ: hardware", L"Flow", 2, L"9600-8-None-1-CTS", 2},
-        {"unknown flow", L"Flow", 3, L"9600-8-None-1-None", 0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto kept = [this](const wchar_t* name, std::uint32_t stored) {
         m_reg.DeleteKey(L"GPS\\Com", L"Com2");
-        m_reg.WriteNumber(L"GPS\\Com\\Com2", row.name, row.stored);
-        EXPECT_EQ(Shown(2), row.shown);
+        m_reg.WriteNumber(L"GPS\\Com\\Com2", name, stored);
         CComPrmSet set(m_roots);
         EXPECT_EQ(set.ReadRegCommPrm(2), 1);
         set.ConvData2Flag();
+        const std::wstring shown = set.GetPrmString();
         set.ConvFlag2Data();
         EXPECT_EQ(set.WriteRegCommPrm(2), 1);
-        EXPECT_EQ(Stored(row.name), row.writtenBack);
-    }
+        return shown + L", " + std::to_wstring(Stored(name));
+    };
+    EXPECT_EQ(kept(L"Baudlate", 2400), L"2400-8-None-1-None, 2400");
+    EXPECT_EQ(kept(L"Baudlate", 115200), L"115200-8-None-1-None, 115200");
+    EXPECT_EQ(kept(L"Baudlate", 14400), L"9600-8-None-1-None, 9600") << "unknown rate";
+    EXPECT_EQ(kept(L"Baudlate", 0xFFFFFFFF), L"9600-8-None-1-None, 9600")
+        << "rate beyond its field";
+    EXPECT_EQ(kept(L"Length", 7), L"9600-7-None-1-None, 7");
+    EXPECT_EQ(kept(L"Length", 5), L"9600-8-None-1-None, 8") << "unknown length";
+    EXPECT_EQ(kept(L"Length", 0x107), L"9600-7-None-1-None, 7") << "low 8 bits count";
+    EXPECT_EQ(kept(L"Parity", 1), L"9600-8-Odd-1-None, 1");
+    EXPECT_EQ(kept(L"Parity", 2), L"9600-8-Even-1-None, 2");
+    EXPECT_EQ(kept(L"Parity", 3), L"9600-8-Odd-1-None, 1") << "unknown parity is odd";
+    EXPECT_EQ(kept(L"Stopbit", 2), L"9600-8-None-2-None, 2");
+    EXPECT_EQ(kept(L"Stopbit", 1), L"9600-8-None-1-None, 0") << "one and a half";
+    EXPECT_EQ(kept(L"Flow", 1), L"9600-8-None-1-Xon/Xoff, 1") << "values and list differ: software";
+    EXPECT_EQ(kept(L"Flow", 2), L"9600-8-None-1-CTS, 2") << "values and list differ: hardware";
+    EXPECT_EQ(kept(L"Flow", 3), L"9600-8-None-1-None, 0") << "unknown flow";
 }
 
 TEST_F(ComPrmSetTest, StopsAtWhatCannotBeRead)
@@ -125,33 +116,24 @@ TEST_F(ComPrmSetTest, ReadsItsTextOrLeavesAllAsItWas)
 
 TEST_F(ComPrmSetTest, TakesNothingBeyondItsLists)
 {
-    struct Row
-    {
-        const char* flag;
-        int (CComPrmSet::*set)(int);
-        int (CComPrmSet::*get)() const;
-        int other; ///< a choice that is not the default
-        int last;
-        int otherwise;
-    };
     using Set = CComPrmSet;
-    const Row rows[] = {{"rate", &Set::SetFlagBps, &Set::GetFlagBps, 4, 6, 2},
-                        {"bits", &Set::SetFlagDataBits, &Set::GetFlagDataBits, 1, 1, 0},
-                        {"parity", &Set::SetFlagParity, &Set::GetFlagParity, 1, 2, 0},
-                        {"stop bits", &Set::SetFlagStopBits, &Set::GetFlagStopBits, 1, 1, 0},
-                        {"flow", &Set::SetFlagFlowCtrl, &Set::GetFlagFlowCtrl, 1, 2, 0}};
-    CComPrmSet set(m_roots);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.flag);
-        for (const int beyond : {-1, row.last + 1}) {
-            EXPECT_EQ((set.*row.set)(row.other), 1);
-            EXPECT_EQ((set.*row.set)(row.other), 0) << "nothing changes";
-            EXPECT_EQ((set.*row.set)(beyond), 1);
-            EXPECT_EQ((set.*row.get)(), row.otherwise);
+    Set set(m_roots);
+    const auto check = [&set](int (Set::*change)(int), int (Set::*get)() const, int other, int last,
+                              int otherwise) {
+        for (const int beyond : {-1, last + 1}) {
+            EXPECT_EQ((set.*change)(other), 1);
+            EXPECT_EQ((set.*change)(other), 0) << "nothing changes";
+            EXPECT_EQ((set.*change)(beyond), 1);
+            EXPECT_EQ((set.*get)(), otherwise);
         }
-        (set.*row.set)(row.last);
-        EXPECT_EQ((set.*row.get)(), row.last);
-    }
+        (set.*change)(last);
+        EXPECT_EQ((set.*get)(), last);
+    };
+    check(&Set::SetFlagBps, &Set::GetFlagBps, 4, 6, 2);
+    check(&Set::SetFlagDataBits, &Set::GetFlagDataBits, 1, 1, 0);
+    check(&Set::SetFlagParity, &Set::GetFlagParity, 1, 2, 0);
+    check(&Set::SetFlagStopBits, &Set::GetFlagStopBits, 1, 1, 0);
+    check(&Set::SetFlagFlowCtrl, &Set::GetFlagFlowCtrl, 1, 2, 0);
     EXPECT_EQ(set.SetDataFlowCtrl(2), 1);
     EXPECT_EQ(set.SetDataFlowCtrl(3), 1);
     EXPECT_EQ(set.GetDataFlowCtrl(), 0);
@@ -159,9 +141,9 @@ TEST_F(ComPrmSetTest, TakesNothingBeyondItsLists)
 
 TEST_F(ComPrmSetTest, KeepsTheLinkUsable)
 {
-    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 14400), 1);
-    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Length", 200), 1);
-    ASSERT_EQ(m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Flow", 2), 1);
+    m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 14400);
+    m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Length", 200);
+    m_reg.WriteNumber(L"GPS\\Com\\Com0", L"Flow", 2);
     EXPECT_EQ(LinkSettings(m_roots).baudRate, 9600U);
     EXPECT_EQ(LinkSettings(m_roots).byteSize, 8);
     EXPECT_EQ(LinkSettings(m_roots).flowControl, FlowControl::RtsCts);
@@ -169,24 +151,16 @@ TEST_F(ComPrmSetTest, KeepsTheLinkUsable)
     EXPECT_EQ(SetLinkRate(115200, m_roots), 1);
     EXPECT_EQ(Shown(0), L"115200-8-None-1-CTS");
 
-    int first = 0;
-    int second = 0;
-    const int others[][3] = {{1, 3, 2}, {2, 3, 1}, {3, 2, 1}, {0, 2, 1}, {-5, 2, 1}};
-    for (const auto& row : others) {
-        CComPrmSet::GetOtherPorNo(row[0], first, second);
-        EXPECT_EQ(first, row[1]);
-        EXPECT_EQ(second, row[2]);
+    for (const auto& [own, first, second] :
+         {std::array{1, 3, 2}, {2, 3, 1}, {3, 2, 1}, {0, 2, 1}, {-5, 2, 1}}) {
+        std::array<int, 2> others{};
+        CComPrmSet::GetOtherPorNo(own, others[0], others[1]);
+        EXPECT_EQ(others, (std::array{first, second})) << own;
     }
 }
 
 TEST_F(ComPrmSetTest, TellsCableFromBluetooth)
 {
-    struct Row
-    {
-        const char* fault;
-        std::uint32_t stored;
-        int way;
-    };
     CComBlueToothSet set(m_roots);
     EXPECT_EQ(set.ReadReg(), 1);
     EXPECT_FALSE(set.IsStored());
@@ -194,13 +168,12 @@ TEST_F(ComPrmSetTest, TellsCableFromBluetooth)
     CReg machine(m_roots);
     machine.SetRootKey(RootKey::LocalMachine, 1);
     const wchar_t* const key = L"Software\\CorvaneTS Software\\Wexmain\\Data\\System\\Rtk";
-    for (const Row& row : {Row{"the cable", 1, 0}, Row{"Bluetooth", 5, 1},
-                           Row{"no COM number at all", 0xFFFFFFFF, 1}, Row{"none", 0, 1}}) {
-        SCOPED_TRACE(row.fault);
-        ASSERT_EQ(machine.WriteNumber(key, L"GpsPort", row.stored), 1);
+    for (const std::uint32_t stored : {1U, 5U, 0xFFFFFFFFU, 0U}) { // the last two: no COM number
+        SCOPED_TRACE(stored);
+        ASSERT_EQ(machine.WriteNumber(key, L"GpsPort", stored), 1);
         EXPECT_EQ(set.ReadReg(), 1);
-        EXPECT_EQ(set.GetConnectPort(), static_cast<int>(row.stored));
-        EXPECT_EQ(set.GetComConnectWay(), row.way);
+        EXPECT_EQ(set.GetConnectPort(), static_cast<int>(stored));
+        EXPECT_EQ(set.GetComConnectWay(), stored == 1 ? 0 : 1);
         EXPECT_EQ(set.WriteReg(), 1);
     }
     EXPECT_EQ(set.SetComConnectWay(7), 0) << "Bluetooth as before";

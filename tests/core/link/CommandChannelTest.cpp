@@ -4,8 +4,12 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <map>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -13,11 +17,7 @@ namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::ScriptedEnd;
+using namespace testing;
 
 Bytes Damaged(Bytes frame)
 {
@@ -47,6 +47,7 @@ TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
     using enum fieldcore::Answer;
     using enum CommandFault;
     const Bytes good = Status();
+    // Good, damaged, ACK, NAK, a foreign byte, silence, good in pieces.
     const std::map<char, ScriptedEnd::Answer> answers{
         {'g', {good}},
         {'b', {Damaged(good)}},
@@ -55,62 +56,45 @@ TEST_F(CommandChannelTest, TriesAgainExactlyWhereThatHelps)
         {'f', {Bytes{0x41}}},
         {'-', {}},
         {'p', {Bytes(good.begin(), good.begin() + 3), Bytes(good.begin() + 3, good.end())}}};
-    struct Row
-    {
-        std::string_view fault;
-        CCommand::Answer expected;
-        std::string_view answers; ///< good, bad, ACK, NAK, foreign byte, silence, good in pieces
-        int result;
-        std::size_t sends;
-        CommandFault reason;
-    };
-    constexpr Row kRows[] = {
-        {"good reply refused", Reply, "g", 1, 1, None},
-        {"reply in pieces refused", Reply, "p", 1, 1, None},
-        {"damaged reply not asked for again", Reply, "bg", 1, 2, None},
-        {"damaged reply asked for a third time", Reply, "bbg", 0, 2, BadChecksum},
-        {"silence not asked again", Reply, "-g", 1, 2, None},
-        {"silence asked a third time", Reply, "--g", 0, 2, TimedOut},
-        {"NAK asked again", Reply, "ng", 0, 1, Refused},
-        {"ACK taken for a reply", Reply, "ag", 0, 1, WrongAnswer},
-        {"foreign byte not asked again", Reply, "fg", 1, 2, None},
-        {"foreign bytes twice asked a third time", Reply, "ffg", 0, 2, Malformed},
-        {"ACK refused", Ack, "a", 1, 1, None},
-        {"NAK to a command sent again", Ack, "na", 0, 1, Refused},
-        {"frame taken for an ACK", Ack, "ga", 0, 1, WrongAnswer},
-        {"foreign byte to a command not sent again", Ack, "fa", 1, 2, None},
-        {"silence to a command not sent again", Ack, "-a", 1, 2, None},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
-        std::vector<ScriptedEnd::Answer> script;
-        for (const char answer : row.answers) {
-            script.push_back(answers.at(answer));
-        }
-        const ScriptedEnd receiver(line, script);
+    const auto tried = [&](CCommand::Answer expected, std::string_view script) {
+        SCOPED_TRACE(script);
+        std::vector<ScriptedEnd::Answer> sent;
+        std::ranges::transform(script, std::back_inserter(sent),
+                               [&](char c) { return answers.at(c); });
+        const ScriptedEnd receiver(line, sent);
         Open();
         Build(0x08);
-        EXPECT_EQ(command.Exchange(row.expected), row.result);
-        EXPECT_EQ(command.GetLastResult(), row.result);
-        EXPECT_EQ(command.Fault(), row.reason) << command.LastError();
-        EXPECT_EQ(command.LastError().empty(), row.result == 1);
-        EXPECT_EQ(receiver.Requests(), std::vector<Bytes>(row.sends, Frame(0x08)));
-    }
-}
-
-TEST_F(CommandChannelTest, KeepsWhatCameLast)
-{
-    const ScriptedEnd receiver(line, {{Status()}, {}, {}});
-    Open();
-    Build(0x08);
-    ASSERT_EQ(command.Exchange(CCommand::Answer::Reply), 1);
-    EXPECT_EQ(command.GetReplyType(), 0x09);
-    EXPECT_EQ(command.GetDataLength(), 21U);
-    Build(0x08);
-    ASSERT_EQ(command.Exchange(CCommand::Answer::Reply), 0);
-    const auto left = command.Bytes();
-    EXPECT_EQ(Bytes(left.begin(), left.end()), Bytes(kFrameBufferSize, 0))
-        << "a time-out leaves zeros";
+        const int result = command.Exchange(expected);
+        EXPECT_EQ(command.GetLastResult(), result);
+        EXPECT_EQ(command.LastError().empty(), result == 1) << command.LastError();
+        EXPECT_EQ(command.Fault() == None, result == 1);
+        const char first = script.front();
+        EXPECT_EQ(command.TakeLinkError(), first == 'n'   ? LinkError::Nak
+                                           : first == 'f' ? LinkError::Malformed
+                                           : first == '-' ? LinkError::TimedOut
+                                                          : LinkError::None);
+        EXPECT_EQ(command.TakeLinkError(), LinkError::None) << "reading the code must clear it";
+        const std::size_t sends = receiver.Requests().size();
+        EXPECT_EQ(receiver.Requests(), std::vector<Bytes>(sends, Frame(0x08)));
+        return std::pair(sends, command.Fault());
+    };
+    EXPECT_EQ(tried(Reply, "g"), std::pair(1UL, None)) << "good reply refused";
+    EXPECT_EQ(tried(Reply, "p"), std::pair(1UL, None)) << "reply in pieces refused";
+    EXPECT_EQ(tried(Reply, "bg"), std::pair(2UL, None)) << "damaged reply not asked for again";
+    EXPECT_EQ(tried(Reply, "bbg"), std::pair(2UL, BadChecksum))
+        << "damaged reply asked for a third time";
+    EXPECT_EQ(tried(Reply, "-g"), std::pair(2UL, None)) << "silence not asked again";
+    EXPECT_EQ(tried(Reply, "--g"), std::pair(2UL, TimedOut)) << "silence asked a third time";
+    EXPECT_EQ(tried(Reply, "ng"), std::pair(1UL, Refused)) << "NAK asked again";
+    EXPECT_EQ(tried(Reply, "ag"), std::pair(1UL, WrongAnswer)) << "ACK taken for a reply";
+    EXPECT_EQ(tried(Reply, "fg"), std::pair(2UL, None)) << "foreign byte not asked again";
+    EXPECT_EQ(tried(Reply, "ffg"), std::pair(2UL, Malformed))
+        << "foreign bytes twice asked a third time";
+    EXPECT_EQ(tried(Ack, "a"), std::pair(1UL, None)) << "ACK refused";
+    EXPECT_EQ(tried(Ack, "na"), std::pair(1UL, Refused)) << "NAK to a command sent again";
+    EXPECT_EQ(tried(Ack, "ga"), std::pair(1UL, WrongAnswer)) << "frame taken for an ACK";
+    EXPECT_EQ(tried(Ack, "fa"), std::pair(2UL, None)) << "foreign byte to a command not sent again";
+    EXPECT_EQ(tried(Ack, "-a"), std::pair(2UL, None)) << "silence to a command not sent again";
 }
 
 TEST_F(CommandChannelTest, AFailedExchangeKeepsItsTime)
@@ -159,43 +143,25 @@ TEST_F(CommandChannelTest, ARequestInsideABreathIsRefusedAndHarmless)
 
 TEST_F(CommandChannelTest, TheUserCanEndAWait)
 {
-    for (const int breath : {3, 25}) { // while it waits, and in the pause between two attempts
+    StatusReply status;
+    IdentificationRecord record;
+    const auto sentBefore = [this](int breaths, const std::function<int()>& ask) {
         Open();
         host.breaths = 0;
-        host.inBreath = [&] { return host.breaths < breath; };
-        Build(0x08);
-        EXPECT_EQ(command.Exchange(CCommand::Answer::Reply), 0);
+        host.inBreath = [&] { return host.breaths < breaths; };
+        EXPECT_EQ(ask(), 0);
         EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-        EXPECT_EQ(host.breaths, breath);
-    }
-}
-
-/// Nobody reads at the far end, as behind flow control that a receiver without power holds.
-TEST_F(CommandChannelTest, TheUserCanEndTheWaitForALineThatTakesNothing)
-{
-    Open();
-    line.TakeNothing();
-    host.inBreath = [&] { return host.breaths < 2; };
-    StatusReply status;
-    EXPECT_EQ(command.RequestStatus(status), 0);
-    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(host.breaths, 2);
-    host.breaths = 0;
-    IdentificationRecord record;
-    EXPECT_EQ(command.RequestIdentity(record), 0);
-    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(host.breaths, 2);
-}
-
-TEST_F(CommandChannelTest, TheUserCanEndABreak)
-{
-    Open();
-    host.inBreath = [&] { return host.breaths < 2; }; // 300 ms have six
-    IdentificationRecord record;
-    EXPECT_EQ(command.RequestIdentity(record), 0);
-    EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
-    EXPECT_EQ(host.breaths, 2);
-    EXPECT_EQ(line.TakeReceived(), Bytes{0x00});
+        EXPECT_EQ(host.breaths, breaths);
+        return line.TakeReceived();
+    };
+    const auto asks = [&] { return command.RequestStatus(status); };
+    const auto identifies = [&] { return command.RequestIdentity(record); };
+    EXPECT_EQ(sentBefore(3, asks), Frame(0x08)) << "for an answer";
+    EXPECT_EQ(sentBefore(25, asks), Frame(0x08)) << "in the pause between two attempts";
+    EXPECT_EQ(sentBefore(2, identifies), Bytes{0x00}) << "in a BREAK, which has six";
+    line.TakeNothing(); // as behind flow control that a receiver without power holds
+    EXPECT_EQ(sentBefore(2, asks), Bytes());
+    EXPECT_EQ(sentBefore(2, identifies), Bytes());
 }
 
 TEST_F(CommandChannelTest, WithoutAPortNothingHappens)
@@ -228,38 +194,35 @@ TEST_F(CommandChannelTest, SendAndCollectKeepsWhateverComes)
     Build(0x08);
     EXPECT_EQ(command.SendAndCollect(), 1);
     EXPECT_EQ(command.GetReplyType(), 0x09);
+    EXPECT_EQ(command.GetDataLength(), 21U);
     Build(0x08);
     EXPECT_EQ(command.SendAndCollect(), 1) << "silence is no failure here";
+    EXPECT_TRUE(std::ranges::equal(command.Bytes(), Bytes(kFrameBufferSize, 0)))
+        << "a time-out leaves zeros";
     EXPECT_EQ(receiver.Requests().size(), 2U) << "it must not send again";
 }
 
 TEST_F(CommandChannelTest, SendsAndReadsLines)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::wstring text;
-        Bytes sent;
-    };
-    const Row rows[] = {
-        {"no line end added", L"ID?", Ascii("ID?\r\n")},
-        {"a second line end added", L"ID?\r\n", Ascii("ID?\r\n")},
-        {"a long text not cut", std::wstring(300, L'x'), Joined({Bytes(256, 'x'), Ascii("\r\n")})},
-        {"not converted", L"ｱ", {0xB1, '\r', '\n'}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto sent = [this](const std::wstring& text) {
+        Bytes all;
         Open();
-        EXPECT_EQ(command.SendLine(row.text), 0) << "frames are expected, not lines";
+        EXPECT_EQ(command.SendLine(text), 0) << "frames are expected, not lines";
         command.SetFraming(SerialLink::Framing::Lines);
-        line.SetListener([&](std::span<const std::uint8_t> sent, Clock::Duration arrives) {
-            EXPECT_EQ(Bytes(sent.begin(), sent.end()), row.sent);
+        line.SetListener([&](std::span<const std::uint8_t> bytes, Clock::Duration arrives) {
+            all.insert(all.end(), bytes.begin(), bytes.end());
             line.Send(Ascii("OK\r\n"), arrives + 1ms);
         });
-        EXPECT_EQ(command.SendLine(row.text), 1) << command.LastError();
+        EXPECT_EQ(command.SendLine(text), 1) << command.LastError();
         EXPECT_EQ(command.GetDataLength(), 3U);
         EXPECT_EQ(command.Bytes()[0], 'O');
-    }
+        line.SetListener(nullptr);
+        return all;
+    };
+    EXPECT_EQ(sent(L"ID?"), Ascii("ID?\r\n")) << "no line end added";
+    EXPECT_EQ(sent(L"ID?\r\n"), Ascii("ID?\r\n")) << "a second line end added";
+    EXPECT_EQ(sent(std::wstring(300, L'x')), Joined({Bytes(256, 'x'), Ascii("\r\n")})) << "not cut";
+    EXPECT_EQ(sent(L"ｱ"), (Bytes{0xB1, '\r', '\n'})) << "not converted";
 }
 
 } // namespace

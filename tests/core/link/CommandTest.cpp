@@ -3,11 +3,11 @@
 #include "core/platform/SimulatedPort.h"
 #include "simulator/UseSimulator.h"
 #include "tests/core/link/FarEnd.h"
+#include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/Hex.h"
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <functional>
 #include <string_view>
 
 #include <gtest/gtest.h>
@@ -15,31 +15,36 @@
 namespace fieldcore {
 namespace {
 
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::ScriptedEnd;
+using namespace testing;
 
 class CommandTest : public ::testing::Test, protected testing::VirtualChannel
-{};
+{
+protected:
+    /// A request whose reply does not matter.
+    template <typename Reply>
+    int Ask(int (CCommand::*request)(Reply&))
+    {
+        Reply reply{};
+        return (command.*request)(reply);
+    }
+};
 
 TEST_F(CommandTest, SendsTheseBytes)
 {
-    SerialReply serial;
-    StatusReply status;
-    GpsTimeReply time;
+    // A refusal ends every request at once, so each is sent exactly once.
+    const ScriptedEnd receiver(line, [](const Bytes&) { return ScriptedEnd::Answer{{kNak}}; });
+    std::size_t count = 0;
+    const auto expectSent = [&](std::string_view typeAndData, std::int64_t /*result*/) {
+        SCOPED_TRACE(typeAndData);
+        const Bytes bytes = Hex(typeAndData);
+        ASSERT_EQ(receiver.Requests().size(), ++count);
+        EXPECT_EQ(receiver.Requests().back(),
+                  Frame(bytes[0], Bytes(bytes.begin() + 1, bytes.end())));
+    };
     SatelliteList list;
-    SiteReply site;
-    PositionStatusReply position;
-    int source = 0;
-    OptionsReply options;
-    ExtendedOptionsReply extended;
     AlmanacReply almanac;
     SatelliteDataReply data;
-    SettingsFlags flags{};
-    TiltReading tilt;
-    TiltCalibration calibration;
+    DirectoryTable table{};
     PortSettings port;
     port.baudRate = 115200;
     port.byteSize = 7;
@@ -47,66 +52,57 @@ TEST_F(CommandTest, SendsTheseBytes)
     port.stopBits = 2;
     port.flowControl = FlowControl::RtsCts;
     const Bytes signals{0x4E, 0x00, 0x00, 0x00, 0x84, 0x04};
-
-    struct Row
-    {
-        std::string_view name;
-        std::function<int()> send;
-        std::string_view request; ///< type and data
-    };
-    const Row rows[] = {
-        {"serial", [&] { return command.RequestSerial(serial); }, "06"},
-        {"status", [&] { return command.RequestStatus(status); }, "08"},
-        {"wake", [&] { return command.WakeReceiver(); }, "08"},
-        {"time", [&] { return command.RequestGpsTime(time); }, "14"},
-        {"satellites", [&] { return command.RequestSvList(list); }, "16"},
-        {"satellites tracked",
-         [&] { return command.RequestSvList(list, SatelliteListForm::Tracked); }, "16 01"},
-        {"satellites in view",
-         [&] { return command.RequestSvList(list, SatelliteListForm::InView); }, "16 02"},
-        {"site", [&] { return command.RequestSite(site); }, "30 12 00"},
-        {"host data", [&] { return command.RequestHostData(7, 9); }, "32 07 09"},
-        {"position", [&] { return command.RequestPositionStatus(position); }, "34"},
-        {"battery port", [&] { return command.RequestBatteryPort(source); }, "41"},
-        {"options", [&] { return command.RequestOptions(options); }, "4A"},
-        {"extended options", [&] { return command.RequestOptionsEx(extended); }, "4A 01"},
-        {"almanac", [&] { return command.RequestAlmanac(31, almanac); }, "54 02 1F 00"},
-        {"satellite data", [&] { return command.RequestSvData(data, false); }, "54 00 00 00"},
-        {"longer satellite data", [&] { return command.RequestSvData(data, true); }, "54 00 00 01"},
-        {"reset", [&] { return command.RequestReset(); }, "58 FF 02 52 45 53 45 54"},
-        {"abort", [&] { return command.SendAbort(); }, "5A 00 00 00 00 00 00 00 00 00"},
-        {"set port", [&] { return command.SetReceiverPort(3, port); },
-         "5E 03 00 01 C2 00 07 02 02 02 00"},
-        {"signals", [&] { return command.SetSignals(signals); }, "53 4E 00 00 00 84 04"},
-        {"board signals", [&] { return command.SetBoardSignals(0, 0, 0); }, "A3 00 00 00"},
-        {"settings flags", [&] { return command.RequestSettingsFlags(flags); }, "7A 01 00"},
-        {"file state", [&] { return command.RequestFileState(status); }, "6B"},
-        {"tilt sensor on", [&] { return command.StartTiltSensor(2); },
-         "64 00 00 00 03 00 01 00 07 0C 22 01 00 05 00 00 00 00 00 00 00 00"},
-        {"tilt sensor off", [&] { return command.StopTiltSensor(3); },
-         "64 00 00 00 03 00 01 00 07 05 FF 02 00 00 00"},
-        {"tilt reading", [&] { return command.RequestTiltReading(tilt); }, "C8 01 00"},
-        {"tilt calibration", [&] { return command.RequestTiltCalibration(calibration); },
-         "C8 01 01"},
-        {"tilt validity", [&] { return command.SetTiltValidity(0x0203); }, "C8 03 02 03"},
-        {"start calibration", [&] { return command.StartTiltCalibration(); }, "C8 04"},
-        {"cancel calibration", [&] { return command.CancelTiltCalibration(); }, "C8 05"},
-        {"tilt speed 0", [&] { return command.SetTiltSpeed(0); }, "C8 0A 16"},
-        {"tilt speed 1", [&] { return command.SetTiltSpeed(1); }, "C8 0A 2C"},
-        {"tilt speed 2", [&] { return command.SetTiltSpeed(2); }, "C8 0A 58"},
-        {"power off", [&] { return command.PowerOff(); }, "84 01 00"},
-        {"label", [&] { return command.ShowLabel(1, 0x0203, L"ｱB"); }, "85 01 02 03 00 B1 42"},
-    };
-    // A refusal ends every request at once, so each is sent exactly once.
-    const ScriptedEnd receiver(line, std::vector<ScriptedEnd::Answer>(std::size(rows), {{0x15}}));
+    const TemporaryFolder folder;
     Open();
-    std::vector<Bytes> expected;
-    for (const Row& row : rows) {
-        row.send();
-        const Bytes bytes = testing::Hex(row.request);
-        expected.push_back(Frame(bytes[0], Bytes(bytes.begin() + 1, bytes.end())));
-    }
-    EXPECT_EQ(receiver.Requests(), expected);
+    expectSent("06", Ask(&CCommand::RequestSerial));
+    expectSent("08", Ask(&CCommand::RequestStatus));
+    expectSent("08", command.WakeReceiver());
+    expectSent("14", Ask(&CCommand::RequestGpsTime));
+    expectSent("16", Ask(&CCommand::RequestSvList));
+    expectSent("16 01", command.RequestSvList(list, SatelliteListForm::Tracked));
+    expectSent("16 02", command.RequestSvList(list, SatelliteListForm::InView));
+    expectSent("30 12 00", Ask(&CCommand::RequestSite));
+    expectSent("32 07 09", command.RequestHostData(7, 9));
+    expectSent("34", Ask(&CCommand::RequestPositionStatus));
+    expectSent("41", Ask(&CCommand::RequestBatteryPort));
+    expectSent("4A", Ask(&CCommand::RequestOptions));
+    expectSent("4A 01", Ask(&CCommand::RequestOptionsEx));
+    expectSent("54 02 1F 00", command.RequestAlmanac(31, almanac));
+    expectSent("54 00 00 00", command.RequestSvData(data, false));
+    expectSent("54 00 00 01", command.RequestSvData(data, true));
+    expectSent("58 FF 02 52 45 53 45 54", command.RequestReset());
+    expectSent("5A 00 00 00 00 00 00 00 00 00", command.SendAbort());
+    expectSent("5E 03 00 01 C2 00 07 02 02 02 00", command.SetReceiverPort(3, port));
+    expectSent("53 4E 00 00 00 84 04", command.SetSignals(signals));
+    expectSent("A3 00 00 00", command.SetBoardSignals(0, 0, 0));
+    expectSent("7A 01 00", Ask(&CCommand::RequestSettingsFlags));
+    expectSent("6B", Ask(&CCommand::RequestFileState));
+    expectSent("64 00 00 00 03 00 01 00 07 0C 22 01 00 05 00 00 00 00 00 00 00 00",
+               command.StartTiltSensor(2));
+    expectSent("64 00 00 00 03 00 01 00 07 05 FF 02 00 00 00", command.StopTiltSensor(3));
+    expectSent("C8 01 00", Ask(&CCommand::RequestTiltReading));
+    expectSent("C8 01 01", Ask(&CCommand::RequestTiltCalibration));
+    expectSent("C8 03 02 03", command.SetTiltValidity(0x0203));
+    expectSent("C8 04", command.StartTiltCalibration());
+    expectSent("C8 05", command.CancelTiltCalibration());
+    expectSent("C8 0A 16", command.SetTiltSpeed(0));
+    expectSent("C8 0A 2C", command.SetTiltSpeed(1));
+    expectSent("C8 0A 58", command.SetTiltSpeed(2));
+    expectSent("84 01 00", command.PowerOff());
+    expectSent("85 01 02 03 00 B1 42", command.ShowLabel(1, 0x0203, L"ｱB"));
+    expectSent("79 00 01 01", command.RequestFiles_Pica(1, 3010, table, nullptr));
+    expectSent("79 00 00 02", command.RequestFiles_Pica(0, 3020, table, nullptr));
+    expectSent("9C 2A 2E 51 30 31 20 20 20 20 20 20 20 20 20",
+               command.RequestFiles_Lark(L"*.Q01", table, nullptr));
+    expectSent("9C 41 2E 51 31 44 20 20 20 20 20 20 20 20 20", command.FileExists(L"A.Q1D"));
+    expectSent("60 00 04", command.DeleteFile_Pica(4));
+    expectSent("68 01 04", command.RecoverFile_Pica(0x0104));
+    expectSent("A0 41 30 33 31 34 41 30 30 2E 51 30 31 20 20",
+               command.DeleteFile_Lark(L"A0314A00.Q01"));
+    expectSent("A1 41 30 33 31 34 41 30 30 2E 51 30 31 20 20",
+               command.RecoverFile_Lark(L"A0314A00.Q01"));
+    expectSent("96 41 2E 51 30 31 20 20 20 20 20 20 20 20 20 00 00 00 00 00 00",
+               command.DownloadFile(folder.Path(), L"A.Q01", 5));
 }
 
 TEST_F(CommandTest, AnAnswerOfAnotherTypeFailsTheRequest)
@@ -134,44 +130,31 @@ TEST_F(CommandTest, CollectsAListInSeveralFrames)
     const Bytes first = ListFrame(2, 0, false, 5);
     const Bytes second = ListFrame(2, 1, false, 6);
     const Bytes third = ListFrame(2, 2, true, 7);
+    const Bytes early = ListFrame(2, 1, true, 8);
     Bytes damaged = second;
     damaged[6] ^= 0x10;
-    struct Row
-    {
-        std::string_view fault;
-        ScriptedEnd::Answer pieces;
-        int result;
-        std::size_t satellites;
-    };
-    const Row rows[] = {
-        {"frames by themselves lost", {first, second, third}, 1, 3},
-        {"frames in one piece lost", {Joined({first, second, third})}, 1, 3},
-        {"frames after the last one taken",
-         {Joined({first, ListFrame(2, 1, true, 8), third})},
-         1,
-         2},
-        {"a frame out of order taken", {first, third, second}, 0, 0},
-        {"a repeated frame taken", {first, first, second, third}, 0, 0},
-        {"a damaged frame taken", {first, damaged, third}, 0, 0},
-        {"a missing end waited for without end", {first, second}, 0, 0},
-        {"another form taken", {ListFrame(1, 0, true, 5)}, 0, 0},
-        {"an acknowledgement in between taken", {first, {0x06}, second}, 0, 0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const ScriptedEnd receiver(line,
-                                   {row.pieces, {Frame(0x09, Ascii("1008000080 1.85    10"))}});
+    const auto listed = [this](const ScriptedEnd::Answer& pieces) {
+        const ScriptedEnd receiver(line, {pieces, {Frame(0x09, Ascii("1008000080 1.85    10"))}});
         Open();
         SatelliteList list;
-        EXPECT_EQ(command.RequestSvList(list, SatelliteListForm::InView), row.result)
-            << command.LastError();
-        EXPECT_EQ(list.satellites.size(), row.satellites);
+        const bool isWhole = command.RequestSvList(list, SatelliteListForm::InView) == 1;
+        EXPECT_TRUE(isWhole || list.satellites.empty());
         StatusReply status;
         // A frame behind the last one is nobody's; at worst it is taken for one answer.
         EXPECT_TRUE(command.RequestStatus(status) == 1 ||
-                    (row.result == 1 && command.RequestStatus(status) == 1))
+                    (isWhole && command.RequestStatus(status) == 1))
             << "what was left of the list spoils the line: " << command.LastError();
-    }
+        return isWhole ? std::ssize(list.satellites) : -1;
+    };
+    EXPECT_EQ(listed({first, second, third}), 3) << "frames by themselves lost";
+    EXPECT_EQ(listed({Joined({first, second, third})}), 3) << "frames in one piece lost";
+    EXPECT_EQ(listed({Joined({first, early, third})}), 2) << "frames after the last one taken";
+    EXPECT_EQ(listed({first, third, second}), -1) << "a frame out of order taken";
+    EXPECT_EQ(listed({first, first, second, third}), -1) << "a repeated frame taken";
+    EXPECT_EQ(listed({first, damaged, third}), -1) << "a damaged frame taken";
+    EXPECT_EQ(listed({first, second}), -1) << "a missing end waited for without end";
+    EXPECT_EQ(listed({ListFrame(1, 0, true, 5)}), -1) << "another form taken";
+    EXPECT_EQ(listed({first, {0x06}, second}), -1) << "an acknowledgement in between taken";
 }
 
 TEST_F(CommandTest, EndsAnEndlessList)
@@ -192,70 +175,47 @@ TEST_F(CommandTest, EndsAnEndlessList)
 
 TEST_F(CommandTest, IdentifiesAfterABreak)
 {
-    const std::string text = "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,";
-    Bytes damaged = Frame(0x6E, Ascii(text));
-    damaged[10] ^= 1;
-    struct Row
-    {
-        std::string_view fault;
-        Bytes answer;
-        int result;
-        CommandFault reason;
-    };
-    const Row rows[] = {
-        {"good packet refused", Frame(0x6E, Ascii(text)), 1, CommandFault::None},
-        {"damaged packet taken", damaged, 0, CommandFault::BadChecksum},
-        {"other packet taken", Frame(0x09, Ascii(text)), 0, CommandFault::WrongType},
-        {"ACK taken", {0x06}, 0, CommandFault::WrongAnswer},
-        {"silence not told", {}, 0, CommandFault::TimedOut},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const ScriptedEnd receiver(line, {{row.answer}});
+    const auto faultOf = [this](const Bytes& answer) {
+        const ScriptedEnd receiver(line, {{answer}});
         Open();
         IdentificationRecord record;
-        EXPECT_EQ(command.RequestIdentity(record), row.result);
-        EXPECT_EQ(command.Fault(), row.reason);
+        const bool isRead = command.RequestIdentity(record) == 1;
+        EXPECT_EQ(isRead, command.Fault() == CommandFault::None);
         EXPECT_EQ(receiver.Requests(), (std::vector<Bytes>{{0x00}})) << "a BREAK is sent once";
-    }
+        return command.Fault();
+    };
+    const Bytes text = Ascii("ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,");
+    Bytes damaged = Frame(0x6E, text);
+    damaged[10] ^= 1;
+    EXPECT_EQ(faultOf(Frame(0x6E, text)), CommandFault::None);
+    EXPECT_EQ(faultOf(damaged), CommandFault::BadChecksum);
+    EXPECT_EQ(faultOf(Frame(0x09, text)), CommandFault::WrongType);
+    EXPECT_EQ(faultOf({0x06}), CommandFault::WrongAnswer);
+    EXPECT_EQ(faultOf({}), CommandFault::TimedOut);
 }
 
 TEST(SimulatedPort, IsOpenedByNameAndFailuresSayWhatToDo)
 {
-    struct Row
-    {
-        const char* port;
-        bool isLinked;
-        const char* cause; ///< null: it opens
-        const char* advice;
-    };
-    const Row rows[] = {
-        {"sim:", false, "has no simulated receiver", "call fieldcore::UseSimulator()"},
-        {"sim:", true, nullptr, nullptr},
-        {"sim:pica", true, nullptr, nullptr},
-        {"sim:nosuch", true, "no scenario and no file named \"nosuch\"", "scenarios are lark"},
-        {"/nowhere/ttyUSB7", true, "There is no /nowhere/ttyUSB7.", "Try: fieldcore-cli ports"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.port);
-        SetSimulatorStarter({});
-        if (row.isLinked) {
-            UseSimulator();
-        }
+    const auto expectRefusal = [](const char* port, const char* cause, const char* advice) {
         CCommand command;
-        StatusReply status;
-        const int opened = command.OpenPort(row.port);
-        EXPECT_EQ(opened, row.cause == nullptr ? 1 : 0);
-        if (opened == 1) {
-            EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
-            command.ClosePort();
-            EXPECT_EQ(command.RequestStatus(status), 0);
-            EXPECT_EQ(command.OpenPort(row.port), 1) << "a second time: " << command.LastError();
-        } else {
-            const std::string said = command.LastError();
-            EXPECT_NE(said.find(row.cause), std::string::npos) << said;
-            EXPECT_NE(said.find(row.advice), std::string::npos) << said;
-        }
+        EXPECT_EQ(command.OpenPort(port), 0);
+        const std::string said = command.LastError();
+        EXPECT_NE(said.find(cause), std::string::npos) << said;
+        EXPECT_NE(said.find(advice), std::string::npos) << said;
+    };
+    SetSimulatorStarter({});
+    expectRefusal("sim:", "has no simulated receiver", "call fieldcore::UseSimulator()");
+    UseSimulator();
+    expectRefusal("sim:nosuch", "no scenario and no file named \"nosuch\"", "scenarios are lark");
+    expectRefusal("/nowhere/ttyUSB7", "There is no /nowhere/ttyUSB7.", "Try: fieldcore-cli ports");
+    CCommand command;
+    StatusReply status;
+    for (const char* port : {"sim:", "sim:pica", "sim:pica"}) {
+        SCOPED_TRACE(port);
+        EXPECT_EQ(command.OpenPort(port), 1) << command.LastError();
+        EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
+        command.ClosePort();
+        EXPECT_EQ(command.RequestStatus(status), 0);
     }
     SetSimulatorStarter({});
 }

@@ -9,6 +9,7 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,38 +34,26 @@ class ConnectTest : public ::testing::Test
 {
 protected:
     /// A new receiver, who plays this, and a new channel to it.
-    void Start(std::string_view scenario)
+    void Start(std::string_view scenario = {})
     {
         receiver.reset();
         receiver.emplace(scenario);
     }
     [[nodiscard]] CCommand& Command() { return receiver->command; }
     [[nodiscard]] testing::BoxKeepingHost& Host() { return receiver->host; }
-    void ExpectBoxes(const std::vector<Box>& boxes)
-    {
-        ASSERT_EQ(Host().boxes.size(), boxes.size());
-        for (std::size_t i = 0; i < boxes.size(); ++i) {
-            EXPECT_EQ(Host().boxes[i].text, boxes[i].text);
-            EXPECT_EQ(Host().boxes[i].caption, boxes[i].caption);
-            EXPECT_EQ(Host().boxes[i].style.buttons, boxes[i].style.buttons);
-            EXPECT_EQ(Host().boxes[i].style.icon, boxes[i].style.icon);
-        }
-    }
-
     std::optional<testing::VirtualReceiver> receiver{std::in_place};
     ConnectTarget target{1, "in memory", {}};
 };
 
 TEST_F(ConnectTest, AsksAsTheWayRequires)
 {
-    struct Row
-    {
-        std::string_view way;
-        int port;
-        int reconnect;
-        BoxAnswer answer;
-        int goesOn;
-        Box asked;
+    const auto asked = [this](int port, int reconnect, BoxAnswer answer) {
+        Host().boxes.clear();
+        Host().answers = {answer};
+        target.port = port;
+        EXPECT_EQ(CConnect(Command(), reconnect, target).stStartMessage(),
+                  answer == Cancel ? 0 : 1);
+        return Host().boxes;
     };
     const Box power{L"受信機の電源を入れてください。\nBluetoothで通信を行います。",
                     L"受信機電源確認",
@@ -72,22 +61,11 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
     const Box lost{L"Bluetooth通信が行えません。\nBluetooth通信接続を復帰しますか？",
                    L"通信エラー検出",
                    {BoxButtons::RetryCancel, BoxIcon::Question}};
-    const Row rows[] = {
-        {"cable", 1, 0, Ok, 1, kCable},
-        {"cable, refused", 1, 1, Cancel, 0, kCable},
-        {"Bluetooth", 5, 0, Ok, 1, power},
-        {"Bluetooth lost", 5, 1, Retry, 1, lost},
-        {"Bluetooth given up", 5, 1, Cancel, 0, lost},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.way);
-        Host().boxes.clear();
-        Host().answers = {row.answer};
-        target.port = row.port;
-        CConnect connect(Command(), row.reconnect, target);
-        EXPECT_EQ(connect.stStartMessage(), row.goesOn);
-        ExpectBoxes({row.asked});
-    }
+    EXPECT_EQ(asked(1, 0, Ok), std::vector{kCable});
+    EXPECT_EQ(asked(1, 1, Cancel), std::vector{kCable});
+    EXPECT_EQ(asked(5, 0, Ok), std::vector{power});
+    EXPECT_EQ(asked(5, 1, Retry), std::vector{lost});
+    EXPECT_EQ(asked(5, 1, Cancel), std::vector{lost}) << "given up";
 }
 
 TEST_F(ConnectTest, ConnectsAsTheSettingsSay)
@@ -133,31 +111,20 @@ TEST_F(ConnectTest, AsksTheDefaultHostWhereNoneIsGiven)
 
 TEST_F(ConnectTest, APortThatTalksIsNotTakenForADamagedLine)
 {
-    struct Row
-    {
-        const char* course;
-        testing::Bytes sends;
-        std::wstring caption;
-    };
-    const Row rows[] = {
-        {"positions",
-         testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45,M,,M,,*5C\r\n"),
-         L"通信ポート接続エラー"},
-        {"corrections",
-         {0xD3, 0x00, 0x13, 0x3E, 0xD0, 0x00, 0x03, 0x8A, 0x0E, 0xDE},
-         L"通信ポート接続エラー"},
-        {"noise", {0xF8, 0x00, 0x80, 0x78, 0x06, 0xFF, 0x24, 0x18}, L"受信機接続エラー"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.course);
-        receiver.reset();
-        testing::VirtualChannel channel;
-        const testing::ScriptedEnd talks(channel.line, [&row](const testing::Bytes&) {
-            return testing::ScriptedEnd::Answer{row.sends, row.sends, row.sends};
+    const testing::Bytes sentence =
+        testing::Ascii("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8*5C");
+    const testing::Bytes noise{0xF8, 0x00, 0x80, 0x78, 0x06, 0xFF, 0x24, 0x18};
+    receiver.reset(); // a thread takes part in one clock
+    testing::VirtualChannel channel;
+    for (const testing::Bytes& sends : {sentence, noise}) {
+        channel.host.boxes.clear();
+        const testing::ScriptedEnd talks(channel.line, [&sends](const testing::Bytes&) {
+            return testing::ScriptedEnd::Answer{sends, sends, sends};
         });
         EXPECT_EQ(CConnect(channel.command, 0, target).DoModal(), CConnect::NotConnected);
         ASSERT_EQ(channel.host.boxes.size(), 2U);
-        EXPECT_EQ(channel.host.boxes[1].caption, row.caption);
+        EXPECT_EQ(channel.host.boxes[1].caption,
+                  sends == noise ? L"受信機接続エラー" : L"通信ポート接続エラー");
         EXPECT_EQ(channel.host.boxes[1].style.icon, BoxIcon::Stop);
     }
 }
@@ -192,50 +159,31 @@ TEST_F(ConnectTest, ConnectsInItsSteps)
 
 TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
 {
-    struct Row
-    {
-        std::string_view fault;
-        const char* rule;
-        ConnectStep step;
-        CommandFault reason;
-        std::wstring_view told;
-    };
-    const Row rows[] = {
-        {"silent receiver", "drop", ConnectStep::AskStatus, CommandFault::TimedOut,
-         L"応答がありません"},
-        {"refused options", "nak on 4A", ConnectStep::ReadOptions, CommandFault::Refused,
-         L"受け付けません"},
-        {"no options the third time", "nak on 4A skip 2", ConnectStep::ReadOptions,
-         CommandFault::Refused, L"受け付けません"},
-        {"wrong serial record", "wrong-type on 06", ConnectStep::ReadSerial,
-         CommandFault::WrongType, L"予期しない応答"},
-        {"pulled cable", "hang-up on 06 skip 1", ConnectStep::ReadSerial, CommandFault::LinkLost,
-         L"切断"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        Start({});
-        receiver->AddFault(row.rule);
+    using enum ConnectStep;
+    const auto expectFailure = [this](std::string_view rule, ConnectStep step, CommandFault reason,
+                                      std::wstring_view told) {
+        SCOPED_TRACE(rule);
+        Start();
+        if (rule.empty()) {
+            receiver->simulator.HangUp();
+        } else {
+            receiver->AddFault(rule);
+        }
         ConnectSequence sequence(Command(), target);
         EXPECT_EQ(sequence.Run(), 0);
-        EXPECT_EQ(sequence.FailedStep(), row.step);
-        EXPECT_EQ(sequence.FailedFault(), row.reason) << sequence.FailureDetail();
+        EXPECT_EQ(sequence.FailedStep(), step);
+        EXPECT_EQ(sequence.FailedFault(), reason) << sequence.FailureDetail();
         EXPECT_EQ(Command().IsPortOpen(), 0);
         const std::wstring message = sequence.FailureMessage();
-        EXPECT_NE(message.find(StepText(row.step)), std::wstring::npos);
-        EXPECT_NE(message.find(row.told), std::wstring::npos);
-    }
-}
-
-TEST_F(ConnectTest, NoPortIsTold)
-{
-    receiver->simulator.HangUp();
-    CConnect connect(Command(), 0, target);
-    EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
-    ASSERT_EQ(Host().boxes.size(), 2U); // the question, then the failure
-    EXPECT_EQ(Host().boxes[1].caption, L"受信機接続エラー");
-    EXPECT_EQ(Host().boxes[1].style.icon, BoxIcon::Stop);
-    EXPECT_NE(Host().boxes[1].text.find(L"通信ポートを開けません"), std::wstring::npos);
+        EXPECT_NE(message.find(StepText(step)), std::wstring::npos);
+        EXPECT_NE(message.find(told), std::wstring::npos);
+    };
+    expectFailure("", OpenPort, CommandFault::OpenFailed, L"通信ポートを開けません");
+    expectFailure("drop", AskStatus, CommandFault::TimedOut, L"応答がありません");
+    expectFailure("nak on 4A", ReadOptions, CommandFault::Refused, L"受け付けません");
+    expectFailure("nak on 4A skip 2", ReadOptions, CommandFault::Refused, L"受け付けません");
+    expectFailure("wrong-type on 06", ReadSerial, CommandFault::WrongType, L"予期しない応答");
+    expectFailure("hang-up on 06 skip 1", ReadSerial, CommandFault::LinkLost, L"切断");
 }
 
 TEST_F(ConnectTest, CancellingIsNotAFailure)
@@ -250,56 +198,41 @@ TEST_F(ConnectTest, CancellingIsNotAFailure)
 
 TEST_F(ConnectTest, ChecksTypeAndFirmware)
 {
-    const std::wstring old =
+    const auto version = [](const wchar_t* text) {
+        return Box{text, L"受信機未対応バージョン警告", kWarning};
+    };
+    const auto type = [](const wchar_t* text) {
+        return Box{text, L"未対応受信機タイプ警告", kWarning};
+    };
+    const Box old = version(
         L"[ 3010 ]受信機対応ファームウェアは[ 1.23 ]以上です。\n[ 1.23 ]未満の受信機ファームウェア"
-        L"へのサポートは行っておりません。\nファームウェアをバージョンアップしてください。";
-    const std::wstring beta = L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\n"
-                              L"バージョンアップしてから行ってください。";
-    const std::wstring notSupported =
-        L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。";
-    const std::wstring never = L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。";
-    struct Row
-    {
-        std::string_view name;
-        const char* scenario;
-        bool flagged;
-        int accepted;
-        std::vector<Box> told;
-    };
-    const std::wstring version = L"受信機未対応バージョン警告";
-    const std::wstring type = L"未対応受信機タイプ警告";
-    const Row rows[] = {
-        {"good", "type-code 31\nfirmware 4.43", true, 1, {}},
-        {"a hair too old", "type-code 10\nfirmware 1.22", true, 0, {{old, version, kWarning}}},
-        {"just new enough", "type-code 10\nfirmware 1.23", true, 1, {}},
-        {"beta", "type-code 31\nfirmware 0.95", true, 1, {{beta, version, kWarning}}},
-        {"not declared", "type-code 31\nfirmware 4.43", false, 0, {{notSupported, type, kWarning}}},
-        {"never supported", "type-code 9\nfirmware 9.99", true, 0, {{never, type, kWarning}}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        Start(row.scenario);
-        ASSERT_EQ(Command().OpenPort(target.devicePath, target.settings), 1);
+        L"へのサポートは行っておりません。\nファームウェアをバージョンアップしてください。");
+    const Box beta = version(L"接続受信機ファームウェアはベータ版のため動作保証いたしません。\n"
+                             L"バージョンアップしてから行ってください。");
+    const Box notDeclared =
+        type(L"本ソフトウェアでは[ Corvane VX1 ]受信機をサポートしておりません。");
+    const Box talks{
+        L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
+        L"出力信号を停止させ、再度指定ポートへ接続してください。",
+        L"通信ポート接続エラー", kStop};
+    const Box never = type(L"本ソフトウェアでは[ 2040 ]受信機をサポートしておりません。");
+    const auto told = [this](const char* scenario, int accepted, bool isDeclared = true) {
+        Start(scenario);
+        receiver->Open();
         CConnect connect(Command(), 0, target);
-        if (row.flagged) {
+        if (isDeclared) {
             connect.SupportAllTypes();
         }
-        EXPECT_EQ(connect.CheckRecvType(), row.accepted);
-        ExpectBoxes(row.told);
-        Command().ClosePort();
-    }
-}
-
-TEST_F(ConnectTest, AReceiverThatTalksPastUsIsTold)
-{
-    Start("answers no");
-    ASSERT_EQ(Command().OpenPort(target.devicePath, target.settings), 1);
-    CConnect connect(Command(), 0, target);
-    connect.SupportAllTypes();
-    EXPECT_EQ(connect.CheckRecvType(), 0);
-    ExpectBoxes({{L"受信機接続ポートから[ RTK補正信号 ]又は、[ NMEA信号 ]などが出力されています。\n"
-                  L"出力信号を停止させ、再度指定ポートへ接続してください。",
-                  L"通信ポート接続エラー", kStop}});
+        EXPECT_EQ(connect.CheckRecvType(), accepted);
+        return Host().boxes;
+    };
+    EXPECT_EQ(told("type-code 31\nfirmware 4.43", 1), std::vector<Box>());
+    EXPECT_EQ(told("type-code 10\nfirmware 1.22", 0), std::vector{old});
+    EXPECT_EQ(told("type-code 10\nfirmware 1.23", 1), std::vector<Box>()) << "just new enough";
+    EXPECT_EQ(told("type-code 31\nfirmware 0.95", 1), std::vector{beta});
+    EXPECT_EQ(told("type-code 31\nfirmware 4.43", 0, false), std::vector{notDeclared});
+    EXPECT_EQ(told("type-code 9\nfirmware 9.99", 0), std::vector{never});
+    EXPECT_EQ(told("answers no", 0), std::vector{talks});
 }
 
 TEST_F(ConnectTest, ForceInitAsksTwice)
@@ -319,37 +252,33 @@ TEST_F(ConnectTest, ForceInitAsksTwice)
     struct Row
     {
         std::string_view course;
-        std::vector<BoxAnswer> answers; // after the one about the cable
-        const char* rule;
+        std::vector<BoxAnswer> answers; // the first about the cable
         int result;
-        std::ptrdiff_t boxes;
-        std::size_t resets;
+        const char* rule = "delay 1"; // which does no harm
     };
     const Row rows[] = {
-        {"first question refused", {No}, nullptr, CRecvForceInit::NotDone, 1, 0},
-        {"second question refused", {Yes, Cancel}, nullptr, CRecvForceInit::NotDone, 2, 0},
-        {"done", {Yes, Ok, Ok}, nullptr, CRecvForceInit::Done, 3, 1},
-        {"not acknowledged is done too", {Yes, Ok, Ok}, "nak on 58", CRecvForceInit::Done, 3, 1},
+        {"first question refused", {Ok, No}, CRecvForceInit::NotDone},
+        {"second question refused", {Ok, Yes, Cancel}, CRecvForceInit::NotDone},
+        {"done", {Ok, Yes, Ok, Ok}, CRecvForceInit::Done},
+        {"not acknowledged is done too", {Ok, Yes, Ok, Ok}, CRecvForceInit::Done, "nak on 58"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        Start({});
-        if (row.rule != nullptr) {
-            receiver->AddFault(row.rule);
-        }
-        Host().answers = {Ok};
-        Host().answers.insert(Host().answers.end(), row.answers.begin(), row.answers.end());
+        Start();
+        receiver->AddFault(row.rule);
+        Host().answers = row.answers;
         CConnect connect(Command(), 0, target);
         CRecvForceInit forceInit(Command());
         EXPECT_EQ(forceInit.DoModal(connect), row.result);
         EXPECT_EQ(Command().IsPortOpen(), 0) << "the port must be closed whatever came of it";
-        ExpectBoxes({asked.begin(), asked.begin() + row.boxes + 1});
-        std::size_t resets = 0;
-        for (const auto& piece : receiver->simulator.Record()) {
-            resets += piece.direction == simulator::Direction::ToReceiver &&
-                      piece.bytes.size() == 13 && piece.bytes[2] == 0x58;
-        }
-        EXPECT_EQ(resets, row.resets);
+        const std::vector<Box> expected(asked.begin(), asked.begin() + std::ssize(row.answers));
+        EXPECT_EQ(Host().boxes, expected);
+        const auto pieces = receiver->simulator.Record();
+        const auto resets = std::ranges::count_if(pieces, [](const auto& piece) {
+            return piece.direction == simulator::Direction::ToReceiver &&
+                   piece.bytes.size() == 13 && piece.bytes[2] == 0x58;
+        });
+        EXPECT_EQ(resets, row.result == CRecvForceInit::Done ? 1 : 0);
     }
 }
 

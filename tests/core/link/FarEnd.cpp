@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <numeric>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -15,18 +16,9 @@ namespace fieldcore::testing {
 
 namespace {
 
-std::uint8_t Sum(std::span<const std::uint8_t> bytes)
-{
-    unsigned sum = 0;
-    for (const std::uint8_t byte : bytes) {
-        sum += byte;
-    }
-    return static_cast<std::uint8_t>(sum);
-}
-
 Bytes Closed(Bytes frame)
 {
-    frame.push_back(Sum(std::span(frame).subspan(1)));
+    frame.push_back(static_cast<std::uint8_t>(std::accumulate(frame.begin() + 1, frame.end(), 0U)));
     frame.push_back(0x03);
     return frame;
 }

@@ -36,8 +36,6 @@ public:
     void Send(std::span<const std::uint8_t> bytes) const;
     /// Waits for @p count bytes, at most five seconds.
     [[nodiscard]] Bytes Receive(std::size_t count) const;
-    /// What has come so far, without waiting.
-    [[nodiscard]] Bytes ReceiveAll() const { return Receive(0); }
     /// Pulls the cable.
     void HangUp();
 

@@ -1,13 +1,12 @@
 #include "core/link/Command.h"
 
 #include "tests/core/link/FileServer.h"
-#include "tests/core/platform/TemporaryFolder.h"
-#include "tests/support/Hex.h"
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
 #include <functional>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -16,96 +15,40 @@
 namespace fieldcore {
 namespace {
 
-using namespace std::chrono_literals;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::LarkRecord;
-using testing::Page;
-using testing::PicaRecord;
-using testing::ScriptedEnd;
+using namespace testing;
 
 const Bytes kDay{0x07, 0xEA, 3, 14, 1, 30};
 
-/// Keeps the posted messages.
-class Window : public MessageTarget
-{
-public:
-    struct Message
-    {
-        unsigned number;
-        std::intptr_t wParam;
-        std::intptr_t lParam;
-        bool operator==(const Message&) const = default;
-    };
-    void Post(unsigned number, std::intptr_t wParam, std::intptr_t lParam) override
-    {
-        messages.push_back({number, wParam, lParam});
-    }
-
-    std::vector<Message> messages;
-};
-
-/// The messages of a listing that stores these records.
-std::vector<Window::Message> Posted(const std::vector<std::intptr_t>& indexes)
-{
-    std::vector<Window::Message> messages;
-    for (const std::intptr_t index : indexes) {
-        messages.push_back({0x8005, 0, index});
-    }
-    messages.push_back({0x8005, 1, 0});
-    return messages;
-}
-
-class FileCommandsTest : public ::testing::Test, protected testing::VirtualChannel
+class FileCommandsTest : public ::testing::Test,
+                         protected testing::VirtualChannel,
+                         protected MessageTarget
 {
 protected:
-    DirectoryTable table{};
-    Window window;
-    TemporaryFolder folder;
-};
+    /// Number, wParam, lParam.
+    using Message = std::tuple<unsigned, std::intptr_t, std::intptr_t>;
 
-TEST_F(FileCommandsTest, SendsTheseBytes)
-{
-    struct Row
+    void Post(unsigned number, std::intptr_t wParam, std::intptr_t lParam) override
     {
-        std::string_view name;
-        std::function<int()> send;
-        std::string_view request; ///< type and data; empty: none
-    };
-    const Row rows[] = {
-        {"list, first Pica", [&] { return command.RequestFiles_Pica(1, 3010, table, &window); },
-         "79 00 01 01"},
-        {"list deleted, second Pica",
-         [&] { return command.RequestFiles_Pica(0, 3020, table, &window); }, "79 00 00 02"},
-        {"list, Lark", [&] { return command.RequestFiles_Lark(L"*.Q01", table, &window); },
-         "9C 2A 2E 51 30 31 20 20 20 20 20 20 20 20 20"},
-        {"exists", [&] { return command.FileExists(L"A.Q1D"); },
-         "9C 41 2E 51 31 44 20 20 20 20 20 20 20 20 20"},
-        {"delete by index", [&] { return command.DeleteFile_Pica(4); }, "60 00 04"},
-        {"recover by index", [&] { return command.RecoverFile_Pica(0x0104); }, "68 01 04"},
-        {"delete by name", [&] { return command.DeleteFile_Lark(L"A0314A00.Q01"); },
-         "A0 41 30 33 31 34 41 30 30 2E 51 30 31 20 20"},
-        {"recover by name", [&] { return command.RecoverFile_Lark(L"A0314A00.Q01"); },
-         "A1 41 30 33 31 34 41 30 30 2E 51 30 31 20 20"},
-        {"download",
-         [&] { return static_cast<int>(command.DownloadFile(folder.Path(), L"A.Q01", 5)); },
-         "96 41 2E 51 30 31 20 20 20 20 20 20 20 20 20 00 00 00 00 00 00"},
-        {"download to where nothing can be kept",
-         [&] { return static_cast<int>(command.DownloadFile("/nowhere/at/all", L"A", 0)); }, ""},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const ScriptedEnd receiver(line, {{Bytes{testing::kNak}}});
-        Open();
-        row.send();
-        std::vector<Bytes> expected;
-        if (const Bytes bytes = testing::Hex(row.request); !bytes.empty()) {
-            expected.push_back(Frame(bytes[0], Bytes(bytes.begin() + 1, bytes.end())));
-        }
-        EXPECT_EQ(receiver.Requests(), expected);
+        messages.emplace_back(number, wParam, lParam);
     }
-}
+    int ListPica(int mode = 1) { return command.RequestFiles_Pica(mode, 3010, table, this); }
+    int ListLark() { return command.RequestFiles_Lark(L"*.Q01", table, this); }
+    /// The messages of a listing that stores these records.
+    static std::vector<Message> Posted(const std::vector<std::intptr_t>& indexes)
+    {
+        std::vector<Message> posted;
+        posted.reserve(indexes.size() + 1);
+        for (const std::intptr_t index : indexes) {
+            posted.emplace_back(0x8005, 0, index);
+        }
+        posted.push_back(kEnd);
+        return posted;
+    }
+
+    static constexpr Message kEnd{0x8005, 1, 0};
+    DirectoryTable table{};
+    std::vector<Message> messages;
+};
 
 TEST_F(FileCommandsTest, ANameThatWouldReachAnotherFileIsNotSent)
 {
@@ -126,19 +69,18 @@ TEST_F(FileCommandsTest, ANameThatWouldReachAnotherFileIsNotSent)
 
 TEST_F(FileCommandsTest, APicaListsWhatFitsTheMode)
 {
-    const std::vector<Bytes> full{PicaRecord(40, "A", 0x00, kDay), PicaRecord(41, "B", 0x01, kDay),
-                                  PicaRecord(42, "C", 0x80, kDay), PicaRecord(43, "D", 0x20, kDay),
-                                  PicaRecord(44, "E", 0x81, kDay), PicaRecord(45, "F", 0x00, kDay),
-                                  PicaRecord(46, "G", 0xA0, kDay), PicaRecord(47, "H", 0x7E, kDay),
-                                  PicaRecord(48, "I", 0x00, kDay)};
+    std::vector<Bytes> full;
+    for (const int attributes : {0x00, 0x01, 0x80, 0x20, 0x81, 0x00, 0xA0, 0x7E, 0x00}) {
+        full.push_back(PicaRecord(40, "A", static_cast<std::uint8_t>(attributes), kDay));
+    }
     const std::vector<Bytes> rest{PicaRecord(50, "J", 0x00, kDay)};
     for (const int mode : {1, 0}) {
         SCOPED_TRACE(mode);
         const ScriptedEnd receiver(line, {{Page(0x79, 0, full)}, {Page(0x79, 1, rest)}});
         Open();
-        window.messages.clear();
-        EXPECT_EQ(command.RequestFiles_Pica(mode, 3010, table, &window), 1) << command.LastError();
-        EXPECT_EQ(window.messages, mode == 1 ? Posted({0, 3, 5, 7, 8, 9}) : Posted({2, 6}));
+        messages.clear();
+        EXPECT_EQ(ListPica(mode), 1) << command.LastError();
+        EXPECT_EQ(messages, mode == 1 ? Posted({0, 3, 5, 7, 8, 9}) : Posted({2, 6}));
     }
     EXPECT_EQ(table[9].Name(), L"J");
     EXPECT_EQ(table[9].fileIndex, 50);
@@ -148,92 +90,62 @@ TEST_F(FileCommandsTest, APicaListsWhatFitsTheMode)
 
 TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
 {
-    const std::vector<Bytes> picas(9, PicaRecord(1, "A", 0, kDay));
+    using Answer = std::function<Bytes(const Bytes&)>;
+    const Answer picaPage = [](const Bytes& request) {
+        return Page(0x79, request[4], std::vector<Bytes>(9, PicaRecord(1, "A", 0, kDay)));
+    };
     const std::vector<Bytes> larks(8, LarkRecord("A.Q01", 1));
-    const auto larkPages = [&](int count, std::uint8_t step, bool last) {
-        Bytes all;
+    const auto larkPages = [&](int count, int step, int mark = 0,
+                               const Bytes& inFront = {}) -> Answer {
+        Bytes all = inFront;
         for (int i = 0; i < count; ++i) {
-            const auto number = static_cast<std::uint8_t>(i * step % 128);
-            const Bytes page = Page(0x9D, last && i == count - 1 ? number | 0x80 : number, larks);
-            all.insert(all.end(), page.begin(), page.end());
+            const int number = i * step % 128 | (i == count - 1 ? mark : 0);
+            all = Joined({all, Page(0x9D, static_cast<std::uint8_t>(number), larks)});
         }
-        return ScriptedEnd::Answer{all};
+        return [all](const Bytes&) { return all; };
     };
-    struct Row
-    {
-        std::string_view fault;
-        bool pica;
-        std::function<ScriptedEnd::Answer(const Bytes&)> answer;
-        int result;
-        std::size_t records;
-        std::size_t requests; ///< with the abort
-    };
-    const Row rows[] = {
-        {"Pica without end", true,
-         [&](const Bytes& r) { return ScriptedEnd::Answer{Page(0x79, r[4], picas)}; }, 1, 512, 57},
-        {"Pica answers with another page", true,
-         [&](const Bytes&) { return ScriptedEnd::Answer{Page(0x79, 1, picas)}; }, 0, 0, 1},
-        {"Lark with 64 pages", false, [&](const Bytes&) { return larkPages(64, 1, true); }, 1, 512,
-         1},
-        {"Lark with more files than fit", false,
-         [&](const Bytes&) { return larkPages(70, 1, true); }, 1, 512, 1},
-        {"Lark without end", false, [&](const Bytes&) { return larkPages(300, 1, false); }, 0, 512,
-         2},
-        {"Lark that repeats itself", false, [&](const Bytes&) { return larkPages(300, 0, false); },
-         0, 8, 2},
-        {"Lark that leaves pages out", false, [&](const Bytes&) { return larkPages(3, 2, true); },
-         0, 24, 2},
-        {"Lark with the marked page first", false,
-         [&](const Bytes&) {
-             return ScriptedEnd::Answer{
-                 Joined({Page(0x9D, 0x82, larks), Page(0x9D, 0, larks), Page(0x9D, 1, larks)})};
-         },
-         1, 24, 1},
-        {"Lark that falls silent", false, [&](const Bytes&) { return larkPages(2, 1, false); }, 0,
-         16, 2},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto list = [&](bool isPica, const Answer& answer, std::size_t records,
+                          std::size_t requests) {
         const ScriptedEnd receiver(line, [&](const Bytes& request) {
-            return request[2] == 0x5A ? ScriptedEnd::Answer{{testing::kAck}} : row.answer(request);
+            return ScriptedEnd::Answer{request[2] == 0x5A ? Bytes{kAck} : answer(request)};
         });
         Open();
-        window.messages.clear();
-        EXPECT_EQ(row.pica ? command.RequestFiles_Pica(1, 3010, table, &window)
-                           : command.RequestFiles_Lark(L"*.Q01", table, &window),
-                  row.result)
-            << command.LastError();
-        EXPECT_EQ(window.messages.size(), row.records + 1);
-        EXPECT_EQ(window.messages.back(), (Window::Message{0x8005, 1, 0}));
-        EXPECT_EQ(receiver.Requests().size(), row.requests);
-    }
+        messages.clear();
+        const int result = isPica ? ListPica() : ListLark();
+        EXPECT_EQ(messages.size(), records + 1);
+        EXPECT_EQ(messages.back(), kEnd);
+        EXPECT_EQ(receiver.Requests().size(), requests) << "with the abort";
+        return result;
+    };
+    const auto samePage = [&](const Bytes&) { return picaPage({0, 0, 0, 0, 1}); };
+    EXPECT_EQ(list(true, picaPage, 512, 57), 1) << "Pica without end";
+    EXPECT_EQ(list(true, samePage, 0, 1), 0) << "Pica answers with another page";
+    EXPECT_EQ(list(false, larkPages(64, 1, 0x80), 512, 1), 1) << "Lark with 64 pages";
+    EXPECT_EQ(list(false, larkPages(70, 1, 0x80), 512, 1), 1) << "more files than fit";
+    EXPECT_EQ(list(false, larkPages(300, 1), 512, 2), 0) << "Lark without end";
+    EXPECT_EQ(list(false, larkPages(300, 0), 8, 2), 0) << "Lark that repeats itself";
+    EXPECT_EQ(list(false, larkPages(3, 2, 0x80), 24, 2), 0) << "Lark that leaves pages out";
+    EXPECT_EQ(list(false, larkPages(2, 1, 0, Page(0x9D, 0x82, larks)), 24, 1), 1)
+        << "marked page first";
+    EXPECT_EQ(list(false, larkPages(2, 1), 16, 2), 0) << "Lark that falls silent";
     command.ClosePort();
-    window.messages.clear();
-    EXPECT_EQ(command.RequestFiles_Lark(L"*.Q01", table, &window), 0) << "no port";
-    EXPECT_EQ(window.messages, Posted({}));
+    messages.clear();
+    EXPECT_EQ(ListLark(), 0) << "no port";
+    EXPECT_EQ(messages, Posted({}));
 }
 
 TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
 {
-    struct Row
-    {
-        std::string_view what;
-        std::function<int()> ask;
-    };
-    const Row rows[] = {
-        {"listing of a Pica", [&] { return command.RequestFiles_Pica(1, 3010, table, &window); }},
-        {"listing of a Lark", [&] { return command.RequestFiles_Lark(L"*.Q01", table, &window); }},
-        {"whether a file exists", [&] { return command.FileExists(L"A.Q1D"); }},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    const std::function<int()> asks[] = {[&] { return ListPica(); }, [&] { return ListLark(); },
+                                         [&] { return command.FileExists(L"A.Q1D"); }};
+    for (const auto& ask : asks) {
+        SCOPED_TRACE(&ask - asks);
         const ScriptedEnd receiver(line, [](const Bytes& request) {
-            return request[2] == 0x5A ? ScriptedEnd::Answer{{testing::kAck}}
-                                      : ScriptedEnd::Answer{};
+            return request[2] == 0x5A ? ScriptedEnd::Answer{{kAck}} : ScriptedEnd::Answer{};
         });
         Open();
         host.inBreath = [isPatient = false]() mutable { return std::exchange(isPatient, true); };
-        EXPECT_EQ(row.ask(), 0);
+        EXPECT_EQ(ask(), 0);
         EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
         const auto& requests = receiver.Requests();
         ASSERT_EQ(requests.size(), 2U);
@@ -243,26 +155,19 @@ TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)
 
 TEST_F(FileCommandsTest, AFileExistsUnderExactlyItsName)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes answer;
-        int exists;
-    };
-    const Row rows[] = {
-        {"it is there", Page(0x9D, 0x80, {LarkRecord("A.Q1D", 1)}), 1},
-        {"nothing is there", Page(0x9D, 0x80, {}), 0},
-        {"a longer name", Page(0x9D, 0x80, {LarkRecord("A.Q1D2", 1)}), 0},
-        {"other case", Page(0x9D, 0x80, {LarkRecord("a.Q1D", 1)}), 0},
-        {"second in the list", Page(0x9D, 0x80, {LarkRecord("B", 1), LarkRecord("A.Q1D", 1)}), 0},
-        {"refused", {testing::kNak}, 0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const ScriptedEnd receiver(line, {{row.answer}});
+    const auto exists = [this](const Bytes& answer) {
+        const ScriptedEnd receiver(line, {{answer}});
         Open();
-        EXPECT_EQ(command.FileExists(L"A.Q1D"), row.exists) << command.LastError();
-    }
+        return command.FileExists(L"A.Q1D");
+    };
+    const auto listed = [](const std::vector<Bytes>& records) { return Page(0x9D, 0x80, records); };
+    const Bytes own = LarkRecord("A.Q1D", 1);
+    EXPECT_EQ(exists(listed({own})), 1) << command.LastError();
+    EXPECT_EQ(exists(listed({})), 0) << "nothing is there";
+    EXPECT_EQ(exists(listed({LarkRecord("A.Q1D2", 1)})), 0) << "a longer name";
+    EXPECT_EQ(exists(listed({LarkRecord("a.Q1D", 1)})), 0) << "other case";
+    EXPECT_EQ(exists(listed({LarkRecord("B", 1), own})), 0) << "second in the list";
+    EXPECT_EQ(exists({kNak}), 0) << "refused";
 }
 
 } // namespace

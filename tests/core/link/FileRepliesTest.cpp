@@ -1,118 +1,90 @@
 #include "core/link/FileReplies.h"
 
 #include "tests/core/link/FileServer.h"
+#include "tests/support/Hex.h"
 
+#include <optional>
+#include <string>
 #include <string_view>
+#include <tuple>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Block;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::LarkRecord;
-using testing::Loaded;
-using testing::LongFrame;
-using testing::Page;
-using testing::PicaRecord;
+using namespace testing;
 
-// 2026-03-14 01:30 UTC is 16869 days and 5400 s after 1980-01-06; 9 hours are added.
-TEST(FileReplies, ReadsThePageOfAPica)
+/// What stands in a page with one file.
+void ExpectPage(const std::optional<FilePage>& page, std::wstring_view name, std::uint32_t time,
+                int fileIndex, int pageFlag)
 {
-    FrameBuffer frame = Loaded({0x02, 0x00, 0x79, 0x18, 0x00, 0x01, 0x00, 0x04, 0x41, 0x30,
-                                0x33, 0x31, 0x34, 0x41, 0x30, 0x30, 0x00, 0x00, 0xBC, 0x55,
-                                0x07, 0xEA, 0x03, 0x0E, 0x01, 0x1E, 0x00, 0x00, 0x72, 0x03});
-    const auto page = ParsePicaFilePage(frame.Reader());
-    ASSERT_TRUE(page);
-    EXPECT_TRUE(page->last);
-    ASSERT_EQ(page->count, 1U);
-    EXPECT_EQ(page->files[0].fileIndex, 4);
-    EXPECT_EQ(page->files[0].Name(), L"A0314A00");
-    EXPECT_EQ(page->files[0].size, 48213U);
-    EXPECT_EQ(page->files[0].time, 16869U * 86400 + 5400 + 9 * 3600);
-    EXPECT_EQ(page->files[0].pageFlag, 0);
-}
-
-TEST(FileReplies, ReadsThePageOfALark)
-{
-    FrameBuffer frame = Loaded({0x02, 0x00, 0x9D, 0x1A, 0x80, 0x01, 0x41, 0x30, 0x33, 0x31, 0x34,
-                                0x41, 0x30, 0x30, 0x2E, 0x51, 0x30, 0x31, 0x20, 0x20, 0x00, 0x00,
-                                0xBC, 0x55, 0x56, 0xE5, 0xFF, 0x00, 0x00, 0x00, 0x4D, 0x03});
-    const auto page = ParseLarkFilePage(frame.Reader());
     ASSERT_TRUE(page);
     EXPECT_TRUE(page->last);
     EXPECT_EQ(page->number, 0);
     ASSERT_EQ(page->count, 1U);
-    EXPECT_EQ(page->files[0].Name(), L"A0314A00.Q01");
-    EXPECT_EQ(page->files[0].size, 48213U);
-    EXPECT_EQ(page->files[0].time, 0x56E5FF00U);
-    EXPECT_EQ(page->files[0].pageFlag, 0x80);
+    const DirectoryListingData& file = page->files[0];
+    EXPECT_EQ(std::tuple(file.Name(), file.size, file.time, file.fileIndex, file.pageFlag),
+              std::tuple(name, 48213U, time, fileIndex, pageFlag));
+}
+
+TEST(FileReplies, ReadsThePagesOfBothFamilies)
+{
+    const FrameBuffer pica =
+        Loaded(Hex("02 00 79 18 00 01 00 04 41 30 33 31 34 41 30 30 00 00 BC 55"
+                   "07 EA 03 0E 01 1E 00 00 72 03"));
+    // 2026-03-14 01:30 UTC is 16869 days and 5400 s after 1980-01-06; 9 hours are added.
+    ExpectPage(ParsePicaFilePage(pica.Reader()), L"A0314A00", 16869U * 86400 + 5400 + 9 * 3600, 4,
+               0);
+    const FrameBuffer lark =
+        Loaded(Hex("02 00 9D 1A 80 01 41 30 33 31 34 41 30 30 2E 51 30 31 20 20"
+                   "00 00 BC 55 56 E5 FF 00 00 00 4D 03"));
+    ExpectPage(ParseLarkFilePage(lark.Reader()), L"A0314A00.Q01", 0x56E5FF00, 0, 0x80);
 }
 
 TEST(FileReplies, MakesNoTimeOfWhatIsNoDate)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes dateAndTime; ///< u16 year, month, day, hour, minute
-        std::uint32_t time;
+    const auto timeOf = [](const Bytes& dateAndTime) { // u16 year, month, day, hour, minute
+        const FrameBuffer frame = Loaded(Page(0x79, 0, {PicaRecord(1, "A", 0, dateAndTime)}));
+        return ParsePicaFilePage(frame.Reader()).value_or(FilePage()).files[0].time;
     };
-    const Row rows[] = {
-        {"the epoch itself, nine hours on", {0x07, 0xBC, 1, 6, 0, 0}, 9 * 3600},
-        {"before the epoch", {0x07, 0xBC, 1, 4, 0, 0}, 0},
-        {"month 0", {0x07, 0xEA, 0, 1, 0, 0}, 0},
-        {"month 13", {0x07, 0xEA, 13, 1, 0, 0}, 0},
-        {"no leap year", {0x07, 0xEA, 2, 29, 0, 0}, 0},
-        {"hour 24", {0x07, 0xEA, 1, 1, 24, 0}, 0},
-        {"minute 60", {0x07, 0xEA, 1, 1, 0, 60}, 0},
-        {"beyond what the field holds", {0xFF, 0xFF, 12, 31, 0, 0}, 0xFFFFFFFF},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        FrameBuffer frame = Loaded(Page(0x79, 0, {PicaRecord(1, "A", 0, row.dateAndTime)}));
-        const auto page = ParsePicaFilePage(frame.Reader());
-        ASSERT_TRUE(page);
-        EXPECT_EQ(page->files[0].time, row.time);
-    }
+    EXPECT_EQ(timeOf({0x07, 0xBC, 1, 6, 0, 0}), 9U * 3600) << "the epoch itself, nine hours on";
+    EXPECT_EQ(timeOf({0x07, 0xBC, 1, 4, 0, 0}), 0U) << "before the epoch";
+    EXPECT_EQ(timeOf({0x07, 0xEA, 0, 1, 0, 0}), 0U) << "month 0";
+    EXPECT_EQ(timeOf({0x07, 0xEA, 13, 1, 0, 0}), 0U) << "month 13";
+    EXPECT_EQ(timeOf({0x07, 0xEA, 2, 29, 0, 0}), 0U) << "no leap year";
+    EXPECT_EQ(timeOf({0x07, 0xEA, 1, 1, 24, 0}), 0U) << "hour 24";
+    EXPECT_EQ(timeOf({0x07, 0xEA, 1, 1, 0, 60}), 0U) << "minute 60";
+    EXPECT_EQ(timeOf({0xFF, 0xFF, 12, 31, 0, 0}), 0xFFFFFFFFU) << "beyond what the field holds";
 }
 
 TEST(FileReplies, RefusesWhatDoesNotFitItsLayout)
 {
+    const auto fits = [](const Bytes& bytes) {
+        const FrameBuffer frame = Loaded(bytes);
+        std::string parsers = ParsePicaFilePage(frame.Reader()) ? "Pica" : "";
+        parsers += ParseLarkFilePage(frame.Reader()) ? "Lark" : "";
+        parsers += ParseFileBlock(frame.Reader()) ? "block" : "";
+        return parsers;
+    };
     const Bytes pica = PicaRecord(1, "A", 0, {0x07, 0xEA, 1, 1, 0, 0});
     const Bytes lark = LarkRecord("A.Q01", 1);
-    struct Row
-    {
-        std::string_view fault;
-        Bytes frame;
-        bool pica;
-        bool lark;
-        bool block;
-    };
-    const Row rows[] = {
-        {"nine of a Pica", Page(0x79, 3, std::vector<Bytes>(9, pica)), true, false, false},
-        {"ten of a Pica", Page(0x79, 3, std::vector<Bytes>(10, pica)), false, false, false},
-        {"eight of a Lark", Page(0x9D, 3, std::vector<Bytes>(8, lark)), false, true, false},
-        {"nine of a Lark", Page(0x9D, 3, std::vector<Bytes>(9, lark)), false, false, false},
-        {"a Pica's record cut", Frame(0x79, Joined({{0, 2}, pica, Bytes(21)})), false, false,
-         false},
-        {"a Lark's record cut", Frame(0x9D, Joined({{0, 2}, lark, Bytes(23)})), false, false,
-         false},
-        {"no count", Frame(0x9D, {0x80}), false, false, false},
-        {"an empty page", Frame(0x9D, {0x80, 0}), false, true, false},
-        {"a block of 1000 bytes", Block(7, 1, Bytes(1000)), false, false, true},
-        {"a block of 1001 bytes", Block(7, 1, Bytes(1001)), false, false, false},
-        {"a block without flags", LongFrame({0, 0, 0, 7}), false, false, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        FrameBuffer frame = Loaded(row.frame);
-        EXPECT_EQ(ParsePicaFilePage(frame.Reader()).has_value(), row.pica);
-        EXPECT_EQ(ParseLarkFilePage(frame.Reader()).has_value(), row.lark);
-        EXPECT_EQ(ParseFileBlock(frame.Reader()).has_value(), row.block);
-    }
+    Bytes withoutEnd = Block(7, 1, Bytes(20));
+    withoutEnd.back() = 0x00;
+    EXPECT_EQ(fits(Page(0x79, 3, std::vector<Bytes>(9, pica))), "Pica") << "nine of a Pica";
+    EXPECT_EQ(fits(Page(0x79, 3, std::vector<Bytes>(10, pica))), "") << "ten of a Pica";
+    EXPECT_EQ(fits(Page(0x9D, 3, std::vector<Bytes>(8, lark))), "Lark") << "eight of a Lark";
+    EXPECT_EQ(fits(Page(0x9D, 3, std::vector<Bytes>(9, lark))), "") << "nine of a Lark";
+    EXPECT_EQ(fits(Frame(0x79, Joined({{0, 2}, pica, Bytes(21)}))), "") << "a Pica's record cut";
+    EXPECT_EQ(fits(Frame(0x9D, Joined({{0, 2}, lark, Bytes(23)}))), "") << "a Lark's record cut";
+    EXPECT_EQ(fits(Frame(0x9D, {0x80})), "") << "no count";
+    EXPECT_EQ(fits(Frame(0x9D, {0x80, 0})), "Lark") << "an empty page";
+    EXPECT_EQ(fits(Block(7, 1, Bytes(1000))), "block") << "a block of 1000 bytes";
+    EXPECT_EQ(fits(Block(7, 1, Bytes(1001))), "") << "a block of 1001 bytes";
+    EXPECT_EQ(fits(LongFrame({0, 0, 0, 7})), "") << "a block without flags";
+    EXPECT_EQ(fits(withoutEnd), "")
+        << "bytes were lost, and the sum of what fills them up fits by chance";
 }
 
 } // namespace

@@ -9,8 +9,6 @@
 
 namespace fieldcore::testing {
 
-inline constexpr std::uint8_t kAck = 0x06;
-inline constexpr std::uint8_t kNak = 0x15;
 inline constexpr std::size_t kBlockBytes = 1000;
 
 [[nodiscard]] inline Bytes Number(std::uint32_t value, std::size_t width)

@@ -2,18 +2,15 @@
 
 #include "tests/core/link/FarEnd.h"
 
-#include <string_view>
+#include <algorithm>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
-using testing::LongFrame;
+using namespace testing;
 
 /// What came of one delivery, as a test wants to see it.
 struct Seen
@@ -33,30 +30,31 @@ Seen FrameSeen(const Bytes& frame)
     return {ExchangeState::Frame, frame};
 }
 
-constexpr std::size_t kStep = FrameAssembler::kLargestStep;
-
 /// Feeds the chunks one port event after the other and collects all deliveries.
 class Feed
 {
 public:
     void Push(const Bytes& chunk)
     {
-        std::copy(chunk.begin(), chunk.end(), m_queue.Free().begin());
+        std::ranges::copy(chunk, m_queue.Free().begin());
         m_queue.Commit(chunk.size());
         while (m_queue.Size() > 0) {
-            if (const auto delivery = m_assembler.AssembleFrame(m_queue, kStep)) {
-                const auto buffer = m_assembler.Buffer().first(delivery->length);
+            const auto delivery =
+                isText ? assembler.AssembleLine(m_queue)
+                       : assembler.AssembleFrame(m_queue, FrameAssembler::kLargestStep);
+            if (delivery) {
+                const auto buffer = assembler.Buffer().first(delivery->length);
                 seen.push_back({delivery->state, {buffer.begin(), buffer.end()}});
             }
         }
     }
-    FrameAssembler& Assembler() { return m_assembler; }
 
+    bool isText = false;
+    FrameAssembler assembler;
     std::vector<Seen> seen;
 
 private:
     ByteQueue m_queue{5120};
-    FrameAssembler m_assembler;
 };
 
 TEST(FrameAssembler, AssemblesOverAnySplit)
@@ -87,46 +85,42 @@ TEST(FrameAssembler, TellsWhatArrivesTogether)
     const Seen ack{ExchangeState::Ack, {0x06}};
     const Seen nak{ExchangeState::Nak, {0x15}};
     const Seen bad{ExchangeState::Malformed, {}};
-    struct Row
-    {
-        std::string_view fault;
-        Bytes chunk;
-        std::vector<Seen> seen;
-    };
-    const Row rows[] = {
-        {"two frames run together", Joined({a, b}), {FrameSeen(a), FrameSeen(b)}},
-        {"ACK not told", {0x06}, {ack}},
-        {"NAK not told", {0x15}, {nak}},
-        {"a lone foreign byte is taken", {0x41}, {bad}},
-        {"a lone STX is delivered", {0x02}, {}},
-        {"a byte behind a frame is lost", Joined({a, {0x06}}), {FrameSeen(a), ack}},
-        {"an unsolicited frame wakes somebody", aside, {}},
-        {"a frame behind an unsolicited one is lost", Joined({aside, a}), {FrameSeen(a)}},
-        {"five foreign bytes wait for more", {'G', 'P', 0, 0, 0}, {bad}},
-        {"four foreign bytes are taken", {'G', 'P', 'G', 'S'}, {}},
-        {"a full-size long frame is refused", big, {FrameSeen(big)}},
-        {"a queue of many frames starves",
-         Joined({big, big, a, b}),
-         {FrameSeen(big), FrameSeen(big), FrameSeen(a), FrameSeen(b)}},
-        {"an oversize length is believed", {0x02, 0, 0x95, 0x03, 0xFA}, {bad}},
-        {"the largest length is believed", {0x02, 0, 0x95, 0xFF, 0xFF}, {bad}},
-        {"a frame without data waits", Frame(0x09), {FrameSeen(Frame(0x09))}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto seen = [](const Bytes& chunk) {
         Feed feed;
-        feed.Push(row.chunk);
-        EXPECT_EQ(feed.seen, row.seen);
-    }
+        feed.Push(chunk);
+        return feed.seen;
+    };
+    EXPECT_EQ(seen(Joined({a, b})), (std::vector{FrameSeen(a), FrameSeen(b)}))
+        << "two frames run together";
+    EXPECT_EQ(seen({0x06}), std::vector{ack}) << "ACK not told";
+    EXPECT_EQ(seen({0x15}), std::vector{nak}) << "NAK not told";
+    EXPECT_EQ(seen({0x41}), std::vector{bad}) << "a lone foreign byte is taken";
+    EXPECT_EQ(seen({0x02}), std::vector<Seen>()) << "a lone STX is delivered";
+    EXPECT_EQ(seen(Joined({a, {0x06}})), (std::vector{FrameSeen(a), ack}))
+        << "a byte behind a frame is lost";
+    EXPECT_EQ(seen(aside), std::vector<Seen>()) << "an unsolicited frame wakes somebody";
+    EXPECT_EQ(seen(Joined({aside, a})), std::vector{FrameSeen(a)})
+        << "a frame behind an unsolicited one is lost";
+    EXPECT_EQ(seen({'G', 'P', 0, 0, 0}), std::vector{bad}) << "five foreign bytes wait for more";
+    EXPECT_EQ(seen({'G', 'P', 'G', 'S'}), std::vector<Seen>()) << "four foreign bytes are taken";
+    EXPECT_EQ(seen(big), std::vector{FrameSeen(big)}) << "a full-size long frame is refused";
+    EXPECT_EQ(seen(Joined({big, big, a, b})),
+              (std::vector{FrameSeen(big), FrameSeen(big), FrameSeen(a), FrameSeen(b)}))
+        << "a queue of many frames starves";
+    EXPECT_EQ(seen({0x02, 0, 0x95, 0x03, 0xFA}), std::vector{bad})
+        << "an oversize length is believed";
+    EXPECT_EQ(seen({0x02, 0, 0x95, 0xFF, 0xFF}), std::vector{bad})
+        << "the largest length is believed";
+    EXPECT_EQ(seen(Frame(0x09)), std::vector{FrameSeen(Frame(0x09))})
+        << "a frame without data waits";
 }
 
 TEST(FrameAssembler, KeepsTheLastUnsolicitedFrame)
 {
     Feed feed;
-    EXPECT_TRUE(feed.Assembler().Unsolicited().empty());
+    EXPECT_TRUE(feed.assembler.Unsolicited().empty());
     feed.Push(Joined({Frame(0x40, {1}), Frame(0x40, {2, 3}), Frame(0x09)}));
-    const auto kept = feed.Assembler().Unsolicited();
-    EXPECT_EQ(Bytes(kept.begin(), kept.end()), Frame(0x40, {2, 3}));
+    EXPECT_TRUE(std::ranges::equal(feed.assembler.Unsolicited(), Frame(0x40, {2, 3})));
 }
 
 TEST(FrameAssembler, TakesNothingInAStepThatIsTooLarge)
@@ -134,7 +128,7 @@ TEST(FrameAssembler, TakesNothingInAStepThatIsTooLarge)
     ByteQueue queue(5120);
     FrameAssembler assembler;
     const Bytes frame = LongFrame(Bytes(600, 1));
-    std::copy(frame.begin(), frame.end(), queue.Free().begin());
+    std::ranges::copy(frame, queue.Free().begin());
     queue.Commit(frame.size());
     EXPECT_FALSE(assembler.AssembleFrame(queue, queue.Size()).has_value());
     EXPECT_EQ(queue.Size(), frame.size() - 5) << "only the header was to be taken";
@@ -142,44 +136,27 @@ TEST(FrameAssembler, TakesNothingInAStepThatIsTooLarge)
 
 TEST(FrameAssembler, ReadsLinesOfText)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::vector<Bytes> chunks;
-        std::vector<Seen> seen;
-    };
-    const Seen bad{ExchangeState::Malformed, {}};
-    const Row rows[] = {
-        {"the LF is counted", {Ascii("OK\r\n")}, {{ExchangeState::Frame, Ascii("OK\r")}}},
-        {"a line in pieces is lost",
-         {Ascii("O"), Ascii("K"), Ascii("\r\n")},
-         {{ExchangeState::Frame, Ascii("OK\r")}}},
-        {"an early LF ends the line", {Ascii("\n\nA\n")}, {{ExchangeState::Frame, Ascii("\n\nA")}}},
-        {"bytes behind the LF are kept",
-         {Ascii("AB\nCD\n"), Ascii("EF\n")},
-         {{ExchangeState::Frame, Ascii("AB")}, {ExchangeState::Frame, Ascii("EF")}}},
-        {"more than 255 bytes are taken at once",
-         {Bytes(300, 'x'), Ascii("\n")},
-         {{ExchangeState::Frame, Bytes(255, 'x')}}},
-        {"an endless line overruns the buffer",
-         {Bytes(255, 'x'), Bytes(255, 'x'), Bytes(255, 'x'), Bytes(255, 'x'), Bytes(255, 'x')},
-         {bad}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        ByteQueue queue(5120);
-        FrameAssembler assembler;
-        std::vector<Seen> seen;
-        for (const Bytes& chunk : row.chunks) {
-            std::copy(chunk.begin(), chunk.end(), queue.Free().begin());
-            queue.Commit(chunk.size());
-            if (const auto delivery = assembler.AssembleLine(queue)) {
-                const auto buffer = assembler.Buffer().first(delivery->length);
-                seen.push_back({delivery->state, {buffer.begin(), buffer.end()}});
-            }
+    const auto read = [](const std::vector<Bytes>& chunks) {
+        Feed feed;
+        feed.isText = true;
+        for (const Bytes& chunk : chunks) {
+            feed.Push(chunk);
         }
-        EXPECT_EQ(seen, row.seen);
-    }
+        return feed.seen;
+    };
+    const Seen ok = FrameSeen(Ascii("OK\r"));
+    EXPECT_EQ(read({Ascii("OK\r\n")}), std::vector{ok}) << "the LF is counted";
+    EXPECT_EQ(read({Ascii("O"), Ascii("K"), Ascii("\r\n")}), std::vector{ok}) << "pieces are lost";
+    EXPECT_EQ(read({Ascii("\n\nA\n")}), std::vector{FrameSeen(Ascii("\n\nA"))})
+        << "an early LF ends it";
+    EXPECT_EQ(read({Ascii("AB\nCD\n"), Ascii("EF\n")}),
+              (std::vector{FrameSeen(Ascii("AB")), FrameSeen(Ascii("EF"))}))
+        << "bytes behind the LF are kept";
+    EXPECT_EQ(read({Bytes(300, 'x'), Ascii("\n")}), std::vector{FrameSeen(Bytes(255, 'x'))})
+        << "more than 255 are taken";
+    EXPECT_EQ(read(std::vector<Bytes>(5, Bytes(255, 'x'))),
+              (std::vector<Seen>{{ExchangeState::Malformed, {}}}))
+        << "the buffer overruns";
 }
 
 } // namespace

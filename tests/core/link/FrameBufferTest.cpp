@@ -2,7 +2,6 @@
 
 #include "tests/core/link/FarEnd.h"
 
-#include <array>
 #include <cmath>
 #include <string_view>
 
@@ -11,57 +10,21 @@
 namespace fieldcore {
 namespace {
 
-using testing::Bytes;
-using testing::Frame;
-using testing::LongFrame;
-
-Bytes Built(const FrameBuffer& frame)
-{
-    const auto bytes = frame.BuiltFrame();
-    return {bytes.begin(), bytes.end()};
-}
-
-TEST(FrameBuffer, BuildsHeaderDataChecksumAndEnd)
-{
-    FrameBuffer frame;
-    frame.BeginPacket(0x06, 0);
-    frame.EndPacket();
-    EXPECT_EQ(Built(frame), (Bytes{0x02, 0x00, 0x06, 0x00, 0x06, 0x03}));
-
-    frame.BeginPacket(0x5E, 7);
-    frame.PutByte(0x01);
-    frame.PutWord(0x0203);
-    frame.PutLong(0x04050607);
-    frame.EndPacket();
-    // 5E + 07 + (1 + 2 + ... + 7) = 81
-    EXPECT_EQ(Built(frame), (Bytes{0x02, 0x00, 0x5E, 0x07, 1, 2, 3, 4, 5, 6, 7, 0x81, 0x03}));
-}
+using namespace testing;
 
 TEST(FrameBuffer, TextFieldsHaveTheirWidth)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::wstring text;
-        std::size_t width;
-        bool ownLength;
-        Bytes data;
-    };
-    const Row rows[] = {
-        {"short text is not filled with blanks", L"AB", 5, false, {0x41, 0x42, 0x20, 0x20, 0x20}},
-        {"long text is not cut", L"ABCDEF", 3, false, {0x41, 0x42, 0x43}},
-        {"a double-byte character is cut in half", L"Aあい", 4, false, {0x41, 0x82, 0xA0, 0x20}},
-        {"own length is ignored", L"ｱB", 9, true, {0xB1, 0x42}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto built = [](std::wstring_view text, std::size_t width, bool ownLength = false) {
         FrameBuffer frame;
         frame.BeginPacket(0x85, 0);
-        frame.PutText(row.text, row.width, row.ownLength);
+        frame.PutText(text, width, ownLength);
         frame.SetPacketLength(frame.GetCursor() - 4);
         frame.EndPacket();
-        EXPECT_EQ(Built(frame), Frame(0x85, row.data));
-    }
+        return Bytes(frame.BuiltFrame().begin(), frame.BuiltFrame().end());
+    };
+    EXPECT_EQ(built(L"ABCDEF", 3), Frame(0x85, {0x41, 0x42, 0x43})) << "long text is not cut";
+    EXPECT_EQ(built(L"Aあい", 4), Frame(0x85, {0x41, 0x82, 0xA0, 0x20})) << "half a character sent";
+    EXPECT_EQ(built(L"ｱB", 9, true), Frame(0x85, {0xB1, 0x42})) << "own length is ignored";
 }
 
 TEST(FrameBuffer, RefusesAFrameThatIsTooLong)
@@ -125,63 +88,36 @@ TEST(FrameBuffer, ReadsFieldsInOrder)
 
 TEST(FrameBuffer, DigitsBelowZeroAreZero)
 {
-    struct Row
-    {
-        std::uint8_t byte;
-        std::uint8_t value;
-    };
-    for (const Row row :
-         {Row{'0', 0}, {'7', 7}, {' ', 0}, {'A', 17}, {0x00, 0}, {0x80, 0}, {0xFF, 0}}) {
-        FrameBuffer frame;
-        frame.Load(Frame(0x09, {row.byte}));
-        frame.ResetReadPos();
-        EXPECT_EQ(frame.GetByte(FrameBuffer::ByteForm::Digit), row.value) << int{row.byte};
+    FrameBuffer frame;
+    frame.Load(Frame(0x09, {'0', '7', ' ', 'A', 0x00, 0x80, 0xFF}));
+    frame.ResetReadPos();
+    for (const int value : {0, 7, 0, 17, 0, 0, 0}) {
+        EXPECT_EQ(frame.GetByte(FrameBuffer::ByteForm::Digit), value);
     }
 }
 
 TEST(FrameBuffer, ChecksumTellsADamagedFrameFromAGoodOne)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::size_t at;
-        std::uint8_t becomes;
-        int accepted;
+    const auto isGood = [](Bytes frame, std::size_t at, std::uint8_t becomes) {
+        frame[at] = becomes;
+        FrameBuffer buffer;
+        buffer.Load(frame);
+        return buffer.VerifyChecksum() == 1;
     };
-    constexpr Row kRows[] = {
-        {"nothing damaged", 0, 0x02, 1},
-        {"start byte lost", 0, 0x03, 0},
-        {"status byte left out of the sum", 1, 0x01, 0},
-        {"type left out of the sum", 2, 0x0A, 0},
-        {"length points past the frame", 3, 0x40, 0},
-        {"data byte left out of the sum", 4, 0x35, 0},
-        {"check byte not compared", 5, 0x3F, 0},
-        {"end byte must not matter", 6, 0x00, 1},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
-        Bytes bytes{0x02, 0x00, 0x09, 0x01, 0x34, 0x3E, 0x03};
-        bytes[row.at] = row.becomes;
-        FrameBuffer frame;
-        frame.Load(bytes);
-        EXPECT_EQ(frame.VerifyChecksum(), row.accepted);
-    }
-}
-
-TEST(FrameBuffer, LongFramesHaveTheirChecksumBehindTwoLengthBytes)
-{
-    Bytes bytes = LongFrame(Bytes(600, 0x5A));
-    FrameBuffer frame;
-    frame.Load(bytes);
-    EXPECT_EQ(frame.GetDataLength(), 600U);
-    EXPECT_EQ(frame.VerifyChecksum(), 1);
-    bytes[605] ^= 1;
-    frame.Load(bytes);
-    EXPECT_EQ(frame.VerifyChecksum(), 0);
-
-    bytes[3] = 0xFF; // announces 65,368 bytes
-    frame.Load(bytes);
-    EXPECT_EQ(frame.VerifyChecksum(), 0);
+    const Bytes one{0x02, 0x00, 0x09, 0x01, 0x34, 0x3E, 0x03};
+    EXPECT_TRUE(isGood(one, 0, 0x02)) << "nothing damaged";
+    EXPECT_FALSE(isGood(one, 0, 0x03)) << "start byte lost";
+    EXPECT_FALSE(isGood(one, 1, 0x01)) << "status byte left out of the sum";
+    EXPECT_FALSE(isGood(one, 2, 0x0A)) << "type left out of the sum";
+    EXPECT_FALSE(isGood(one, 3, 0x40)) << "length points past the frame";
+    EXPECT_FALSE(isGood(one, 4, 0x35)) << "data byte left out of the sum";
+    EXPECT_FALSE(isGood(one, 5, 0x3F)) << "check byte not compared";
+    EXPECT_TRUE(isGood(one, 6, 0x00)) << "end byte must not matter";
+    const Bytes large = LongFrame(Bytes(600, 0x5A)); // the checksum stands behind two length bytes
+    EXPECT_TRUE(isGood(large, 5, 0x5A)) << "no checksum behind two length bytes";
+    EXPECT_FALSE(isGood(large, 605, 0x00)) << "it is not compared";
+    EXPECT_FALSE(isGood(large, 3, 0xFF)) << "65,368 bytes are announced";
+    EXPECT_EQ(Loaded(large).GetDataLength(), 600U);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "core/link/FrameHistory.h"
 
-#include "core/platform/WholeFile.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <array>
@@ -71,9 +70,7 @@ TEST(FrameHistory, IsSavedAsAnExchangeLogOrNotAtAll)
         {4, day + 10h + 10s, Direction::Received, LineUnit::Noise, {0x99, 0xFF}}};
     const auto file = folder.Write("exchange.log", "old");
     ASSERT_FALSE(SaveFrameLog(file, frames));
-    const auto content = ReadWholeFile(file, 1000);
-    ASSERT_TRUE(content.has_value());
-    EXPECT_EQ(std::string(content->begin(), content->end()),
+    EXPECT_EQ(ContentOf(file),
               "07:4.050 Rcvr Tx [02 00 08 00 08 03 ]\r\n59:59.999 Rcvr Rx [15 ]\r\n"
               "00:0.000 Rcvr Tx [00 ]\r\n00:10.000 Rcvr Rx [99 FF ]\r\n");
     EXPECT_TRUE(SaveFrameLog(folder.Path() / "no-folder/exchange.log", frames));

@@ -2,12 +2,24 @@
 
 #include "tests/support/VirtualReceiver.h"
 
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+
+void WaitWhile(const std::function<bool()>& holds)
+{
+    while (holds()) {
+        std::this_thread::yield();
+    }
+}
 
 TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
 {
@@ -20,29 +32,23 @@ TEST(Questions, KeepTheirRhythmAndAskTheSilentLessOften)
         ++asked;
         return isAnswered;
     });
-    struct Row
-    {
-        const char* fault;
-        bool isAnswered;
-        Clock::Duration pause;
-    };
-    const Row rows[] = {{"not at once, or not in its rhythm", true, 2s},
-                        {"silence asked again as soon", false, 4s},
-                        {"the pause does not grow", false, 8s},
-                        {"nor on", false, 16s},
-                        {"beyond its bound", false, 16s},
-                        {"an answer does not end the patience", true, 2s}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        isAnswered = row.isAnswered;
+    const auto expectPause = [&](const char* fault, bool answers, Clock::Duration pause) {
+        SCOPED_TRACE(fault);
+        isAnswered = answers;
         const int before = asked;
-        EXPECT_EQ(questions.Step(), row.pause);
+        EXPECT_EQ(questions.Step(), pause);
         EXPECT_EQ(asked, before + 1);
-        clock.Sleep(row.pause - 1ms);
+        clock.Sleep(pause - 1ms);
         EXPECT_EQ(questions.Step(), 1ms);
         EXPECT_EQ(asked, before + 1);
         clock.Sleep(1ms);
-    }
+    };
+    expectPause("not at once, or not in its rhythm", true, 2s);
+    expectPause("silence asked again as soon", false, 4s);
+    expectPause("the pause does not grow", false, 8s);
+    expectPause("nor on", false, 16s);
+    expectPause("beyond its bound", false, 16s);
+    expectPause("an answer does not end the patience", true, 2s);
     questions.Step();
     const int before = asked;
     questions.Hurry(id);
@@ -112,16 +118,12 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
         Questions& questions = command.Background();
         const auto endless = [&](CCommand& face) {
             ++begun;
-            while (face.GetHost().Breathe()) {
-                std::this_thread::yield();
-            }
+            WaitWhile([&face] { return face.GetHost().Breathe(); });
             ++ended;
             return false;
         };
         const auto id = questions.Add({1ms, 1ms}, endless);
-        while (begun == 0) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return begun == 0; });
         int before = 0;
         {
             const Questions::Quiet quiet(questions);
@@ -131,29 +133,19 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
             std::this_thread::sleep_for(20ms);
             EXPECT_EQ(begun, before) << "asked into the quiet";
         }
-        while (begun == before) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return begun == before; });
         questions.Remove(id);
         EXPECT_EQ(begun, ended);
         std::atomic<int> told = 0;
         questions.Once([&told](CCommand& face) {
             ++told;
-            while (told == 1 && face.GetHost().Breathe()) {
-                std::this_thread::yield();
-            }
+            WaitWhile([&] { return told == 1 && face.GetHost().Breathe(); });
         });
-        while (told == 0) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return told == 0; });
         static_cast<void>(Questions::Quiet(questions));
-        while (told == 1) { // for ever, if it is not told once more
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return told == 1; }); // for ever, if it is not told once more
         questions.Add({1ms, 1ms}, endless);
-        while (begun == ended) {
-            std::this_thread::yield();
-        }
+        WaitWhile([&] { return begun == ended; });
     } // the last one is under way when its channel goes
 }
 

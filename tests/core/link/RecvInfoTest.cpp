@@ -7,63 +7,55 @@
 #include "tests/support/ScriptedEnd.h"
 #include "tests/support/VirtualReceiver.h"
 
-#include <algorithm>
 #include <functional>
-#include <optional>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::ScriptedEnd;
+using namespace testing;
 
 Bytes Serial(const std::string& navVersion)
 {
     return Frame(0x07, Ascii("S1234567VX1     " + navVersion + "0034500120ANT00007AT0000"));
 }
 
-struct OptionByte
-{
-    std::size_t at;
-    std::uint8_t value;
-};
+using OptionBytes = std::initializer_list<std::pair<std::size_t, std::uint8_t>>; // place, value
 
-Bytes Options(std::initializer_list<OptionByte> bytes)
+Bytes Options(OptionBytes bytes, Bytes data = Bytes(51, 0))
 {
-    Bytes data(51, 0);
-    for (const OptionByte& byte : bytes) {
-        data[byte.at] = byte.value;
+    for (const auto& [at, value] : bytes) {
+        data[at] = value;
     }
     return Frame(0x4B, data);
 }
 
-Bytes Extended(std::initializer_list<OptionByte> bytes)
+Bytes Extended(OptionBytes bytes)
 {
-    Bytes data(34, 0);
-    data[0] = '[';
-    for (const OptionByte& byte : bytes) {
-        data[byte.at] = byte.value;
-    }
-    return Frame(0x4B, data);
+    return Options(bytes, testing::Joined({{'['}, Bytes(33, 0)}));
 }
 
 class RecvInfoTest : public ::testing::Test, protected testing::VirtualChannel
 {
 protected:
-    /// Reads everything from a receiver that answers so.
-    int Read(std::vector<ScriptedEnd::Answer> answers)
+    /// What @p ask answers with a receiver that answers so.
+    template <typename Ask>
+    auto Asked(std::vector<ScriptedEnd::Answer> answers, Ask ask)
     {
         const ScriptedEnd receiver(line, std::move(answers));
         Open();
-        const int result = info.GetOptionData(command);
+        const auto result = ask();
         command.ClosePort();
         requests = receiver.Requests();
         return result;
+    }
+    /// Reads everything.
+    int Read(std::vector<ScriptedEnd::Answer> answers)
+    {
+        return Asked(std::move(answers), [this] { return info.GetOptionData(command); });
     }
 
     CRecvInfo info;
@@ -96,12 +88,8 @@ TEST_F(RecvInfoTest, ReadsAllThreeBlocks)
     EXPECT_EQ(info.GetBootVer(), 1.2);
     EXPECT_EQ(info.GetRecvTypeNum(), 3012U);
     EXPECT_EQ(info.GetGLONASS(), 1);
-}
-
-TEST_F(RecvInfoTest, AnOlderReceiverIsNotAskedForMore)
-{
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, '2'}, {48, 0x7F}})}}), 1);
-    EXPECT_EQ(requests.size(), 2U);
+    EXPECT_EQ(requests.size(), 2U) << "an older one was asked for more";
     EXPECT_EQ(info.GetGLONASS(), 0);
 }
 
@@ -117,68 +105,57 @@ TEST_F(RecvInfoTest, AFailureForgetsTheBlock)
     EXPECT_EQ(info.GetRecvSN(), nullptr);
 }
 
-TEST_F(RecvInfoTest, OptionsByBit)
+TEST_F(RecvInfoTest, OptionsByBitAndVersion)
 {
-    using Getter = std::function<int(const CRecvInfo&)>;
-    struct Row
-    {
-        std::string_view option;
-        std::vector<OptionByte> bytes;
-        Getter get;
-        int value;
+    const auto read = [this](OptionBytes options, auto getter, auto... way) {
+        EXPECT_EQ(Read({{Serial("00443")}, {Options(options)}}), 1);
+        return static_cast<int>(std::invoke(getter, info, way...));
     };
-    const auto with = [](int (CRecvInfo::*getter)() const) {
-        return [getter](const CRecvInfo& i) { return (i.*getter)(); };
-    };
-    const auto way = [](int (CRecvInfo::*getter)(int) const, int which) {
-        return [getter, which](const CRecvInfo& i) { return (i.*getter)(which); };
+    const auto q02 = [this](const std::string& version, std::uint8_t typeCode) {
+        EXPECT_EQ(Read({{Serial(version)}, {Options({{44, typeCode}})}}), 1);
+        return info.GetQ02Format();
     };
     constexpr int kIn = CRecvInfo::Input;
     constexpr int kOut = CRecvInfo::Output;
-    const Row rows[] = {
-        {"port", {{6, 3}}, with(&CRecvInfo::GetCurrentPortID), 3},
-        {"ports", {{7, 4}}, with(&CRecvInfo::GetPortsAvailable), 4},
-        {"memory", {{29, 1}, {30, 2}}, with(&CRecvInfo::GetRecvMemory), 258},
-        {"file naming", {{46, 0x10}}, with(&CRecvInfo::GetFileNaming), 1},
-        {"L1 and L2", {{8, 2}}, with(&CRecvInfo::GetL1L2Option), 1},
-        {"L1 only", {{8, 3}}, with(&CRecvInfo::GetL2), 0},
-        {"RTK survey", {{40, 8}}, with(&CRecvInfo::GetRtkSurvey), 1},
-        {"OTF", {{42, 0x08}}, with(&CRecvInfo::GetRtkOTF), 1},
-        {"NMEA", {{18, 9}}, with(&CRecvInfo::GetNMEA), 9},
-        {"CMR in, bit clear", {{42, 0xDF}}, way(&CRecvInfo::GetCMR, kIn), 1},
-        {"CMR in, bit set", {{42, 0x20}}, way(&CRecvInfo::GetCMR, kIn), 0},
-        {"CMR out, bit clear", {{42, 0xBF}}, way(&CRecvInfo::GetCMR, kOut), 1},
-        {"CMR out, bit set", {{42, 0x40}}, way(&CRecvInfo::GetCMR, kOut), 0},
-        {"CMR+", {{46, 0x04}}, with(&CRecvInfo::GetCMRp), 1},
-        {"VRS", {{48, 0x10}}, with(&CRecvInfo::GetRtkVRS), 1},
-        {"RTCM 1 in", {{19, 7}}, way(&CRecvInfo::GetRTCM1, kIn), 7},
-        {"RTCM 1 out", {{21, 1}}, way(&CRecvInfo::GetRTCM1, kOut), 1},
-        {"RTCM 1 out, of version bits", {{21, 2}}, way(&CRecvInfo::GetRTCM1, kOut), 0},
-        {"RTCM 2 in", {{20, 5}}, way(&CRecvInfo::GetRTCM2, kIn), 5},
-        {"RTCM 2 out", {{22, 6}}, way(&CRecvInfo::GetRTCM2, kOut), 6},
-        {"RTCM 2.1 in", {{43, 0x02}}, way(&CRecvInfo::GetRTCM21, kIn), 1},
-        {"RTCM 2.1 out", {{43, 0x04}}, way(&CRecvInfo::GetRTCM21, kOut), 1},
-        {"RTCM 2.2", {{46, 0x40}}, with(&CRecvInfo::GetRTCM22), 1},
-        {"RTCM 2.3", {{21, 0x02}}, with(&CRecvInfo::GetRTCM23), 1},
-        {"RTCM 3.0", {{21, 0x04}}, with(&CRecvInfo::GetRTCM30), 1},
-        {"Bluetooth", {{45, 0x10}}, with(&CRecvInfo::GetBlueTooth), 1},
-        {"2 Hz, masked", {{48, 0x02}}, with(&CRecvInfo::Get2HzLogging), 2},
-        {"Solace, masked", {{42, 0x80}}, with(&CRecvInfo::GetSolace), 128},
-        {"rate in hundreds",
-         {{4, 0xFF}, {5, 0xFF}},
-         [](const CRecvInfo& i) { return static_cast<int>(i.GetMaxLoggingRate()); },
-         6553500},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.option);
-        Bytes data(51, 0);
-        for (const OptionByte& byte : row.bytes) {
-            data[byte.at] = byte.value;
-        }
-        data[48] &= 0x7F; // no extended options
-        ASSERT_EQ(Read({{Serial("00443")}, {Frame(0x4B, data)}}), 1);
-        EXPECT_EQ(row.get(info), row.value);
-    }
+    EXPECT_EQ(read({{6, 3}}, &CRecvInfo::GetCurrentPortID), 3);
+    EXPECT_EQ(read({{7, 4}}, &CRecvInfo::GetPortsAvailable), 4);
+    EXPECT_EQ(read({{29, 1}, {30, 2}}, &CRecvInfo::GetRecvMemory), 258);
+    EXPECT_EQ(read({{46, 0x10}}, &CRecvInfo::GetFileNaming), 1);
+    EXPECT_EQ(read({{8, 2}}, &CRecvInfo::GetL1L2Option), 1);
+    EXPECT_EQ(read({{8, 3}}, &CRecvInfo::GetL2), 0);
+    EXPECT_EQ(read({{40, 8}}, &CRecvInfo::GetRtkSurvey), 1);
+    EXPECT_EQ(read({{42, 0x08}}, &CRecvInfo::GetRtkOTF), 1);
+    EXPECT_EQ(read({{18, 9}}, &CRecvInfo::GetNMEA), 9);
+    EXPECT_EQ(read({{42, 0xDF}}, &CRecvInfo::GetCMR, kIn), 1) << "bit clear";
+    EXPECT_EQ(read({{42, 0x20}}, &CRecvInfo::GetCMR, kIn), 0) << "bit set";
+    EXPECT_EQ(read({{42, 0xBF}}, &CRecvInfo::GetCMR, kOut), 1) << "bit clear";
+    EXPECT_EQ(read({{42, 0x40}}, &CRecvInfo::GetCMR, kOut), 0) << "bit set";
+    EXPECT_EQ(read({{46, 0x04}}, &CRecvInfo::GetCMRp), 1);
+    EXPECT_EQ(read({{48, 0x10}}, &CRecvInfo::GetRtkVRS), 1);
+    EXPECT_EQ(read({{19, 7}}, &CRecvInfo::GetRTCM1, kIn), 7);
+    EXPECT_EQ(read({{21, 1}}, &CRecvInfo::GetRTCM1, kOut), 1);
+    EXPECT_EQ(read({{21, 2}}, &CRecvInfo::GetRTCM1, kOut), 0) << "of version bits";
+    EXPECT_EQ(read({{20, 5}}, &CRecvInfo::GetRTCM2, kIn), 5);
+    EXPECT_EQ(read({{22, 6}}, &CRecvInfo::GetRTCM2, kOut), 6);
+    EXPECT_EQ(read({{43, 0x02}}, &CRecvInfo::GetRTCM21, kIn), 1);
+    EXPECT_EQ(read({{43, 0x04}}, &CRecvInfo::GetRTCM21, kOut), 1);
+    EXPECT_EQ(read({{46, 0x40}}, &CRecvInfo::GetRTCM22), 1);
+    EXPECT_EQ(read({{21, 0x02}}, &CRecvInfo::GetRTCM23), 1);
+    EXPECT_EQ(read({{21, 0x04}}, &CRecvInfo::GetRTCM30), 1);
+    EXPECT_EQ(read({{45, 0x10}}, &CRecvInfo::GetBlueTooth), 1);
+    EXPECT_EQ(read({{48, 0x02}}, &CRecvInfo::Get2HzLogging), 2) << "masked";
+    EXPECT_EQ(read({{42, 0x80}}, &CRecvInfo::GetSolace), 128) << "masked";
+    EXPECT_EQ(read({{4, 0xFF}, {5, 0xFF}}, &CRecvInfo::GetMaxLoggingRate), 6553500)
+        << "rate in hundreds";
+    EXPECT_EQ(q02("00442", 0), 0);
+    EXPECT_EQ(q02("00443", 0), 1);
+    EXPECT_EQ(q02("00100", 'G'), 1) << "G needs no version";
+    EXPECT_EQ(q02("00500", ','), 0);
+    EXPECT_EQ(q02("00443", '3'), 0);
+    EXPECT_EQ(q02("00443", '5'), 0);
+    EXPECT_EQ(q02("00443", '@'), 0);
+    EXPECT_EQ(q02("00443", 'r'), 0);
+    EXPECT_EQ(q02("00443", '4'), 1);
 }
 
 TEST_F(RecvInfoTest, ExtendedOptionsNeedTheirBlock)
@@ -196,33 +173,6 @@ TEST_F(RecvInfoTest, ExtendedOptionsNeedTheirBlock)
     EXPECT_EQ(info.GetMaxLoggingRate(), 700U) << "a rate of 0 is none";
 }
 
-TEST_F(RecvInfoTest, FileFormatByVersionAndType)
-{
-    struct Row
-    {
-        std::string_view fault;
-        std::string version;
-        std::uint8_t typeCode;
-        int has;
-    };
-    const Row rows[] = {
-        {"4.42 taken", "00442", 0, 0},
-        {"4.43 refused", "00443", 0, 1},
-        {"G needs no version", "00100", 'G', 1},
-        {"comma taken", "00500", ',', 0},
-        {"3 taken", "00500", '3', 0},
-        {"5 taken", "00500", '5', 0},
-        {"@ taken", "00500", '@', 0},
-        {"r taken", "00500", 'r', 0},
-        {"4 refused", "00500", '4', 1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        ASSERT_EQ(Read({{Serial(row.version)}, {Options({{44, row.typeCode}})}}), 1);
-        EXPECT_EQ(info.GetQ02Format(), row.has);
-    }
-}
-
 TEST_F(RecvInfoTest, TypeCodeOfOneModelNamesIt)
 {
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{44, 'r'}})}}), 1);
@@ -238,37 +188,26 @@ TEST_F(RecvInfoTest, FreeFunctionsTryFiveTimes)
     const ScriptedEnd::Answer serial{Serial("00443")};
     const ScriptedEnd::Answer options{Options({{44, '2'}})};
     const ScriptedEnd::Answer nak{{0x15}};
-    {
-        const ScriptedEnd receiver(line, {nak, serial, nak, nak, nak, serial, options});
-        Open();
-        EXPECT_EQ(GetRecvTypeNum(command), 3012U);
-        command.ClosePort();
-    }
-    {
-        const ScriptedEnd receiver(line, {nak, nak, nak, nak, nak, serial, options});
-        Open();
-        EXPECT_EQ(GetRecvVer(command), 0.0);
-        command.ClosePort();
-        EXPECT_EQ(receiver.Requests().size(), 5U);
-    }
+    EXPECT_EQ(Asked({nak, serial, nak, nak, nak, serial, options},
+                    [this] { return GetRecvTypeNum(command); }),
+              3012U);
+    EXPECT_EQ(
+        Asked({nak, nak, nak, nak, nak, serial, options}, [this] { return GetRecvVer(command); }),
+        0.0);
+    EXPECT_EQ(requests.size(), 5U);
 }
 
 TEST(ReceiverTypes, NumberOfEveryCode)
 {
-    struct Row
-    {
-        int code;
-        std::uint32_t number;
-    };
-    constexpr Row kRows[] = {
+    constexpr std::pair<int, std::uint32_t> kRows[] = {
         {1, 2010},   {5, 2010},   {6, 2050},   {7, 2020},   {8, 2010},   {9, 2040},   {24, 2030},
         {27, 3020},  {31, 3017},  {32, 3028},  {44, 3022},  {48, 3034},  {50, 3012},  {51, 3026},
         {52, 3044},  {53, 3036},  {64, 3021},  {69, 3011},  {71, 3022},  {76, 3050},  {80, 3040},
         {100, 3030}, {114, 3024}, {115, 3015}, {136, 3046}, {151, 3042}, {152, 3038}, {168, 3051},
         {0, 3010},   {10, 3010},  {23, 3010},  {25, 3010},  {30, 3010},  {255, 3010},
     };
-    for (const Row& row : kRows) {
-        EXPECT_EQ(TypeNumberOfCode(static_cast<std::uint8_t>(row.code), 0), row.number) << row.code;
+    for (const auto& [code, number] : kRows) {
+        EXPECT_EQ(TypeNumberOfCode(static_cast<std::uint8_t>(code), 0), number) << code;
     }
     EXPECT_EQ(TypeNumberOfCode(0, 310), 3032U);
     EXPECT_EQ(TypeNumberOfCode(1, 310), 2010U);
@@ -276,34 +215,25 @@ TEST(ReceiverTypes, NumberOfEveryCode)
 
 TEST(ReceiverTypes, MinimaFlagsAndNames)
 {
-    struct Row
-    {
-        std::uint32_t number;
-        double minimum;
-        bool hasFlag;
-        std::wstring_view named;
-    };
-    constexpr Row kRows[] = {
-        {2010, 1.0, true, L"2010"},
-        {2030, 1.3, true, L"2030"},
-        {2050, 9.99, false, L"2050"},
-        {3010, 1.23, true, L"3010"},
-        {3012, 1.0, true, L"Corvane VX1 GNSS"},
-        {3028, 2.03, true, L"Corvane VX2"},
-        {3051, 1.0, true, L"Corvane VX9s"},
-        {3052, 9.99, false, L"3052"}, // in no table
-    };
     CCommand command;
     CConnect connect(command, 0, ConnectTarget{});
     connect.SupportAllTypes();
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.number);
-        EXPECT_EQ(connect.stGetRecvVer(row.number), row.minimum);
-        EXPECT_EQ(connect.stGetRecvTypeFlag(row.number), row.hasFlag ? 1 : 0);
-        EXPECT_EQ(connect.stCreateWarMes(row.number), L"本ソフトウェアでは[ " +
-                                                          std::wstring(row.named) +
-                                                          L" ]受信機をサポートしておりません。");
-    }
+    const auto expectType = [&](std::uint32_t number, double minimum, int flag,
+                                const std::wstring& name) {
+        SCOPED_TRACE(number);
+        EXPECT_EQ(connect.stGetRecvVer(number), minimum);
+        EXPECT_EQ(connect.stGetRecvTypeFlag(number), flag);
+        EXPECT_EQ(connect.stCreateWarMes(number),
+                  L"本ソフトウェアでは[ " + name + L" ]受信機をサポートしておりません。");
+    };
+    expectType(2010, 1.0, 1, L"2010");
+    expectType(2030, 1.3, 1, L"2030");
+    expectType(2050, 9.99, 0, L"2050");
+    expectType(3010, 1.23, 1, L"3010");
+    expectType(3012, 1.0, 1, L"Corvane VX1 GNSS");
+    expectType(3028, 2.03, 1, L"Corvane VX2");
+    expectType(3051, 1.0, 1, L"Corvane VX9s");
+    expectType(3052, 9.99, 0, L"3052"); // in no table
     SupportedTypeFlags none;
     none.Set(2040, 1);
     EXPECT_EQ(none.Get(2040), 0) << "a type that can never be supported";

@@ -3,18 +3,19 @@
 #include "core/link/LayoutReader.h"
 #include "tests/core/link/FarEnd.h"
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <sstream>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
+using namespace testing;
 
 template <typename Reply>
 using Parser = std::optional<Reply> (*)(FrameReader);
@@ -36,420 +37,282 @@ Bytes F64(double value)
     return bytes;
 }
 
-const Bytes kSerialHead = Ascii("S1234567VX1     004430034500120ANT00007AT0000");
-
-TEST(Replies, ShorterThanTheirLayoutAreRefused)
+/// A site's place behind its sub-type.
+Bytes SiteData(const SiteReply& place, std::uint8_t second = 0)
 {
-    // The whole reply is read, one byte less is not, and another type never is.
-    const auto check = [](auto parser, std::uint8_t type, Bytes data) {
-        SCOPED_TRACE(int{type});
-        EXPECT_TRUE(Parse(parser, type, data).has_value());
-        EXPECT_FALSE(Parse(parser, static_cast<std::uint8_t>(type + 1), data).has_value());
-        data.pop_back();
-        EXPECT_FALSE(Parse(parser, type, data).has_value());
-    };
-    const Bytes place = Joined({F64(0.6), F64(2.4), F64(70.0)});
-    check(ParseSerial, 0x07, kSerialHead);
-    check(ParseOptions, 0x4B, Bytes(49, 1));
-    check(ParseExtendedOptions, 0x4B, Joined({{'['}, Bytes(19, 0)}));
-    check(ParseStatus, 0x09, Ascii("10080000801.855RTK 10"));
-    check(ParseGpsTime, 0x15, Ascii("345600.221018"));
-    check(ParseSite, 0x31, Joined({{18, 0}, place}));
-    check(ParsePositionStatus, 0x35, Joined({Bytes(22, 0), place}));
-    check(ParseBatteryPort, 0x41, {2});
-    check(ParseSettingsFlags, 0x7A, {1, 0, 5, 6, 7});
-    check(ParseTiltReading, 0xC8, Joined({{1, 0}, Bytes(32, 0)}));
-    check(ParseTiltCalibration, 0xC8, Joined({{1, 1}, Bytes(9, 0)}));
+    return Joined(
+        {{18, second}, F64(place.latitudeRad), F64(place.longitudeRad), F64(place.heightM)});
 }
 
-TEST(Replies, SerialRecord)
+/// The shortest reply reads so; one byte less is refused, and another type always is.
+template <typename Reply>
+void ExpectShortest(Parser<Reply> parser, std::uint8_t type, Bytes data, const Reply& expected)
 {
-    const auto reply = Parse(ParseSerial, 0x07, Joined({kSerialHead, Ascii("L123456789")}));
-    ASSERT_TRUE(reply);
-    EXPECT_EQ(reply->shortSerial, L"S1234567");
-    EXPECT_EQ(reply->receiverType, L"VX1");
-    EXPECT_EQ(reply->navVersion, L"00443");
-    EXPECT_EQ(reply->sigVersion, L"00345");
-    EXPECT_EQ(reply->bootVersion, L"00120");
-    EXPECT_EQ(reply->antennaSerial, L"ANT00007");
-    EXPECT_EQ(reply->antennaType, L"AT");
-    EXPECT_EQ(reply->longSerial, L"L123456789");
-    struct Row
-    {
-        std::string_view fault;
-        std::string tail;
-        std::wstring longSerial;
-    };
-    const Row rows[] = {
-        {"long serial invented at 45 bytes", "", L"S1234567"},
-        {"long serial not read at 46 bytes", "X", L"X"},
-        {"bytes behind the data read", "XYZ", L"XYZ"},
-        {"more than ten characters read", "0123456789ABC", L"0123456789"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto shorter = Parse(ParseSerial, 0x07, Joined({kSerialHead, Ascii(row.tail)}));
-        ASSERT_TRUE(shorter);
-        EXPECT_EQ(shorter->longSerial, row.longSerial);
+    SCOPED_TRACE(int{type});
+    EXPECT_EQ(Parse(parser, type, data), expected);
+    EXPECT_FALSE(Parse(parser, static_cast<std::uint8_t>(type + 1), data).has_value());
+    data.pop_back();
+    EXPECT_FALSE(Parse(parser, type, data).has_value());
+}
+
+const Bytes kSerialHead = Ascii("S1234567VX1     004430034500120ANT00007AT0000");
+const SerialReply kSerial{L"S1234567", L"VX1",      L"00443", L"00345",
+                          L"00120",    L"ANT00007", L"AT",    L"S1234567"};
+// 1.75 and 1, and behind them the place of a site
+const Bytes kPositionHead{5, 14,   0,    0, 0x09, 0x60, 0,    0x05, 0x46,
+                          0, 0x3F, 0xE0, 0, 0,    0x3F, 0x80, 0,    0};
+
+TEST(Replies, ReadTheirFieldsAndAreNoShorter)
+{
+    Bytes places(49, 0);
+    std::iota(places.begin(), places.end(), std::uint8_t{1}); // every byte tells its place
+    const SiteReply place{0.62, 2.44, 52.5};
+    const Bytes placeData = Joined({F64(0.62), F64(2.44), F64(52.5)});
+    ExpectShortest(ParseSerial, 0x07, kSerialHead, kSerial);
+    ExpectShortest(ParseOptions, 0x4B, places,
+                   OptionsReply{1,      0.2, 128600, 7,  8,  9,  19,    20, 21, 22, 23,
+                                0x1E1F, 33,  41,     43, 44, 45, false, 47, 49, 0});
+    ExpectShortest(ParseExtendedOptions, 0x4B, Joined({{'['}, Bytes(19, 0xFF)}),
+                   ExtendedOptionsReply{true, true, true, true, true, true});
+    ExpectShortest(ParseStatus, 0x09, Ascii("1712---0851.855RTK 08"),
+                   StatusReply{true, 12, 85, 1.85, 5, true, L"RTK ", 8});
+    ExpectShortest(ParseGpsTime, 0x15, Ascii("604799.240018"), GpsTimeReply{604799.0, 2400, 18});
+    ExpectShortest(ParseSite, 0x31, SiteData(place), place);
+    ExpectShortest(ParsePositionStatus, 0x35,
+                   Joined({kPositionHead, {0x40, 0x20, 0, 0}, placeData}),
+                   PositionStatusReply{5, 14, 2400, 345600, 1.75F, 1.0F, 2.5F, place});
+    ExpectShortest(ParseBatteryPort, 0x41, {2}, 2);
+    ExpectShortest(ParseSettingsFlags, 0x7A, {1, 0, 5, 6, 7}, SettingsFlags{5, 6, 7});
+    ExpectShortest(ParseTiltReading, 0xC8,
+                   Joined({{1, 0, 0x51, 0x19},
+                           F64(0.01),
+                           F64(-0.02),
+                           F64(HUGE_VAL),
+                           {0x09, 0x60, 0x00, 0x05, 0x46, 0x00}}),
+                   TiltReading{.state = 1,
+                               .error1 = true,
+                               .sensorPresent = true,
+                               .calibrationState = 1,
+                               .calibrationValid = true,
+                               .calibrated = true,
+                               .t1Rad = 0.01,
+                               .t2Rad = -0.02,
+                               .tiltRad = HUGE_VAL,
+                               .time = TiltTime{2400, 345600}});
+    ExpectShortest(ParseTiltCalibration, 0xC8, {1, 1, 0x02, 0xD0, 0x09, 0x60, 0, 0, 0, 60, 40},
+                   TiltCalibration{720, TiltTime{2400, 60}, 40});
+}
+
+TEST(Replies, NoOtherSubTypeIsTaken)
+{
+    EXPECT_FALSE(Parse(ParseSite, 0x31, SiteData({}, 1)));
+    EXPECT_FALSE(Parse(ParseTiltReading, 0xC8, Joined({{1, 1}, Bytes(32, 0)})));
+}
+
+TEST(Replies, OfASerialRecordTheLongNumberMayBeMissing)
+{
+    // From one character on it is there; of more than ten the rest does not count.
+    for (const std::string tail : {"X", "XYZ", "0123456789ABC"}) {
+        SCOPED_TRACE(tail);
+        SerialReply expected = kSerial;
+        expected.longSerial.assign(tail.begin(), tail.begin() + std::min(std::ssize(tail), 10L));
+        EXPECT_EQ(Parse(ParseSerial, 0x07, Joined({kSerialHead, Ascii(tail)})), expected);
     }
 }
 
-TEST(Replies, Status)
+TEST(Replies, WhatIsNoValueIsReadOrRefused)
 {
-    const auto reply = Parse(ParseStatus, 0x09, Ascii("1712---0851.855RTK 08"));
-    ASSERT_TRUE(reply);
-    EXPECT_TRUE(reply->timeValid);
-    EXPECT_EQ(reply->satellitesTracked, 12);
-    EXPECT_EQ(reply->batteryPercent, 85);
-    EXPECT_EQ(reply->pdop, 1.85);
-    EXPECT_EQ(reply->fixKind, 5);
-    EXPECT_TRUE(reply->rtkFixed);
-    EXPECT_EQ(reply->survey, L"RTK ");
-    EXPECT_EQ(reply->freeMemoryTenths, 8);
-
-    const auto empty = Parse(ParseStatus, 0x09, Bytes(21, ' '));
-    ASSERT_TRUE(empty);
-    EXPECT_FALSE(empty->timeValid);
-    EXPECT_EQ(empty->satellitesTracked, 0) << "a field without a number is 0";
-    EXPECT_EQ(empty->pdop, 0.0);
-    EXPECT_FALSE(empty->rtkFixed);
-}
-
-TEST(Replies, GpsTime)
-{
-    const auto reply = Parse(ParseGpsTime, 0x15, Ascii("604799.240018"));
-    ASSERT_TRUE(reply);
-    EXPECT_EQ(reply->secondsOfWeek, 604799.0);
-    EXPECT_EQ(reply->week, 2400);
-    EXPECT_EQ(reply->utcOffsetS, 18);
+    EXPECT_EQ(Parse(ParseStatus, 0x09, Bytes(21, ' ')), (StatusReply{.survey = L"    "}))
+        << "a field without a number is 0";
     const auto longer = Parse(ParseGpsTime, 0x15, Ascii("604799.2400-181"));
-    ASSERT_TRUE(longer);
-    EXPECT_EQ(longer->utcOffsetS, -1) << "the offset is two characters, whatever follows";
+    EXPECT_EQ(longer, (GpsTimeReply{604799.0, 2400, -1}))
+        << "the offset is two characters, whatever follows";
     for (const char* impossible :
          {"604800.240018", "-1.0000240018", "nan    240018", "inf    240018"}) {
         EXPECT_FALSE(Parse(ParseGpsTime, 0x15, Ascii(impossible))) << impossible;
     }
+    // beyond the pole, and what is no number
+    for (const SiteReply& place : {SiteReply{1.58, 0.0, 0.0}, SiteReply{std::nan(""), 0.0, 0.0},
+                                   SiteReply{0.0, HUGE_VAL, 0.0}, SiteReply{0.0, 0.0, -HUGE_VAL}}) {
+        EXPECT_FALSE(Parse(ParseSite, 0x31, SiteData(place)))
+            << place.latitudeRad << " " << place.longitudeRad << " " << place.heightM;
+    }
+    const auto position =
+        Parse(ParsePositionStatus, 0x35, Joined({kPositionHead, Bytes(28, 0xFF)}));
+    ASSERT_TRUE(position) << "no position is no failure";
+    EXPECT_TRUE(std::isnan(position->vdop) && std::isnan(position->position.longitudeRad));
+    Bytes tilt(34, 0);
+    tilt[0] = 1;
+    tilt[28] = tilt[29] = 0xFF; // the week
+    const auto reading = Parse(ParseTiltReading, 0xC8, tilt);
+    ASSERT_TRUE(reading);
+    EXPECT_FALSE(reading->time);
 }
 
-TEST(Replies, SiteMustBeOnEarth)
+TEST(Replies, OptionsByLengthAndType)
 {
-    struct Row
-    {
-        std::string_view fault;
-        double latitude;
-        double longitude;
-        double height;
-        bool accepted;
+    /// The model word, and whether there is Bluetooth.
+    const auto read = [](std::size_t length, std::uint8_t typeCode, std::uint8_t byte45) {
+        Bytes data(51, 0);
+        data[44] = typeCode;
+        data[45] = byte45;
+        data[49] = 310 >> 8;
+        data[50] = 310 & 0xFF;
+        data.resize(length);
+        const auto reply = Parse(ParseOptions, 0x4B, data).value_or(OptionsReply());
+        return std::pair<int, bool>(reply.modelWord, reply.bluetooth);
     };
-    const Row rows[] = {
-        {"a good place refused", 0.62, 2.44, 52.5, true},
-        {"beyond the pole", 1.58, 0.0, 0.0, false},
-        {"latitude no number", std::nan(""), 0.0, 0.0, false},
-        {"longitude infinite", 0.0, HUGE_VAL, 0.0, false},
-        {"height infinite", 0.0, 0.0, -HUGE_VAL, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const Bytes data =
-            Joined({{18, 0}, F64(row.latitude), F64(row.longitude), F64(row.height)});
-        EXPECT_EQ(Parse(ParseSite, 0x31, data).has_value(), row.accepted);
-    }
-    EXPECT_FALSE(Parse(ParseSite, 0x31, Joined({{18, 1}, Bytes(24, 0)}))) << "another sub-type";
-}
-
-TEST(Replies, PositionStatus)
-{
-    const Bytes dops{0x3F, 0xE0, 0, 0, 0x3F, 0x80, 0, 0, 0x7F, 0xC0, 0, 0}; // 1.75, 1, no number
-    const Bytes head{5, 14, 0, 0, 0x09, 0x60, 0, 0x05, 0x46, 0x00};
-    const auto reply = Parse(ParsePositionStatus, 0x35,
-                             Joined({head, dops, F64(0.62), F64(std::nan("")), F64(52.5)}));
-    ASSERT_TRUE(reply);
-    EXPECT_EQ(reply->fixKind, 5);
-    EXPECT_EQ(reply->satellitesUsed, 14);
-    EXPECT_EQ(reply->week, 2400U);
-    EXPECT_EQ(reply->secondsOfWeek, 345600U);
-    EXPECT_EQ(reply->pdop, 1.75F);
-    EXPECT_EQ(reply->hdop, 1.0F);
-    EXPECT_TRUE(std::isnan(reply->vdop));
-    EXPECT_EQ(reply->position.latitudeRad, 0.62);
-    EXPECT_TRUE(std::isnan(reply->position.longitudeRad)) << "no position is no failure";
-}
-
-TEST(Replies, Options)
-{
-    Bytes data(51, 0);
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        data[i] = static_cast<std::uint8_t>(i + 1); // every byte tells its place
-    }
-    data[44] = 0;
-    data[45] = 0;
-    auto reply = Parse(ParseOptions, 0x4B, data);
-    ASSERT_TRUE(reply);
-    EXPECT_EQ(reply->firstOption, 1);
-    EXPECT_EQ(reply->tenths, 0.2);
-    EXPECT_EQ(reply->byte32, 33) << "the others are options, which have their tests";
-    EXPECT_EQ(reply->modelWord, 0x3233);
-    EXPECT_FALSE(reply->bluetooth);
-
-    struct Row
-    {
-        std::string_view fault;
-        std::size_t length;
-        std::uint8_t typeCode;
-        std::uint8_t byte45;
-        std::uint16_t word;
-        std::uint16_t modelWord;
-        bool bluetooth;
-    };
-    const Row rows[] = {
-        {"Bluetooth flag ignored", 51, 50, 0x10, 0, 0, true},
-        {"other bits taken for Bluetooth", 51, 50, 0xEF, 0, 0, false},
-        {"model word read for another code", 51, 50, 0, 310, 0, false},
-        {"model 310 without Bluetooth", 51, 0, 0, 310, 310, true},
-        {"half a model word read", 50, 0, 0, 310, 0, false},
-        {"a missing model word read", 49, 0, 0, 310, 0, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        data[44] = row.typeCode;
-        data[45] = row.byte45;
-        data[49] = static_cast<std::uint8_t>(row.word >> 8);
-        data[50] = static_cast<std::uint8_t>(row.word & 0xFF);
-        reply = Parse(ParseOptions, 0x4B,
-                      Bytes(data.begin(), data.begin() + static_cast<long>(row.length)));
-        ASSERT_TRUE(reply);
-        EXPECT_EQ(reply->modelWord, row.modelWord);
-        EXPECT_EQ(reply->bluetooth, row.bluetooth);
-    }
+    EXPECT_EQ(read(51, 50, 0x10), std::pair(0, true)) << "Bluetooth flag ignored";
+    EXPECT_EQ(read(51, 50, 0xEF), std::pair(0, false)) << "other bits taken for Bluetooth";
+    EXPECT_EQ(read(51, 0, 0), std::pair(310, true)) << "model 310 without Bluetooth";
+    EXPECT_EQ(read(50, 0, 0), std::pair(0, false)) << "half a model word read";
 }
 
 TEST(Replies, ExtendedOptions)
 {
+    using Reply = ExtendedOptionsReply;
     // 0: mark, 8: w1, 12: w2, 16: w3, 28: b, 31: d, 32: rate
     struct Flag
     {
         std::string_view name;
         std::size_t at;
         std::uint8_t bit;
-        bool ExtendedOptionsReply::*flag;
+        bool Reply::*flag;
     };
     constexpr Flag kFlags[] = {
-        {"L5: w1 bit 29", 8, 0x20, &ExtendedOptionsReply::l5},
-        {"L2C: w1 bit 21", 9, 0x20, &ExtendedOptionsReply::l2c},
-        {"GLONASS: w2 bit 0", 15, 0x01, &ExtendedOptionsReply::glonass},
-        {"Galileo: w2 bit 19", 13, 0x08, &ExtendedOptionsReply::galileo},
-        {"Galileo: w2 bit 23", 13, 0x80, &ExtendedOptionsReply::galileo},
-        {"QZSS: w3 bit 2", 19, 0x04, &ExtendedOptionsReply::qzss},
-        {"tilt: w3 bit 1", 19, 0x02, &ExtendedOptionsReply::tilt},
-        {"board: b bit 6", 28, 0x40, &ExtendedOptionsReply::meridian},
+        {"L5: w1 bit 29", 8, 0x20, &Reply::l5},
+        {"L2C: w1 bit 21", 9, 0x20, &Reply::l2c},
+        {"GLONASS: w2 bit 0", 15, 0x01, &Reply::glonass},
+        {"Galileo: w2 bit 19", 13, 0x08, &Reply::galileo},
+        {"Galileo: w2 bit 23", 13, 0x80, &Reply::galileo},
+        {"QZSS: w3 bit 2", 19, 0x04, &Reply::qzss},
+        {"tilt: w3 bit 1", 19, 0x02, &Reply::tilt},
+        {"board: b bit 6", 28, 0x40, &Reply::meridian},
     };
-    const auto count = [](const ExtendedOptionsReply& r) {
-        return r.l5 + r.l2c + r.glonass + r.galileo + r.qzss + r.tilt + r.meridian + r.cmrxInput +
-               r.cmrxOutput;
-    };
-    Bytes clear(34, 0);
-    clear[0] = '[';
     for (const Flag& flag : kFlags) {
         SCOPED_TRACE(flag.name);
-        Bytes data = clear;
+        Bytes data(34, 0);
+        data[0] = '[';
         data[flag.at] = flag.bit;
-        const auto reply = Parse(ParseExtendedOptions, 0x4B, data);
-        ASSERT_TRUE(reply);
-        EXPECT_TRUE((*reply).*flag.flag);
-        EXPECT_EQ(count(*reply), 1) << "another flag rose too";
+        Reply expected;
+        expected.*flag.flag = true;
+        EXPECT_EQ(Parse(ParseExtendedOptions, 0x4B, data), expected);
     }
 
     Bytes full(34, 0xFF);
     full[0] = '[';
     full[32] = 0x01;
     full[33] = 0xF4;
+    const Reply none;
+    const Reply signalsOnly{true, true, true, true, true, true};
+    const Reply withBoard{true, true, true, true, true, true, true};
+    const Reply rateOnly{true, true, true, true, true, true, true, false, false, 500};
+    const Reply withCmrx{true, true, true, true, true, true, true, true, true};
+    const Reply withRate{true, true, true, true, true, true, true, true, true, 500};
     struct Row
     {
         std::string_view fault;
         std::size_t length;
-        bool meridian;
-        bool cmrx;
-        std::uint16_t rate;
+        std::uint8_t first;
+        std::uint8_t counts; ///< d
+        Reply expected;
     };
     const Row rows[] = {
-        {"whole reply not read", 34, true, true, 500},
-        {"half a rate read", 33, true, true, 0},
-        {"CMRx read at 32 bytes", 32, true, false, 0},
-        {"board flag lost at 29 bytes", 29, true, false, 0},
-        {"board flag read at 28 bytes", 28, false, false, 0},
+        {"whole reply not read", 34, '[', 0xFF, withRate},
+        {"half a rate read", 33, '[', 0xFF, withCmrx},
+        {"CMRx read at 32 bytes", 32, '[', 0xFF, withBoard},
+        {"board flag lost at 29 bytes", 29, '[', 0xFF, withBoard},
+        {"board flag read at 28 bytes", 28, '[', 0xFF, signalsOnly},
+        {"a rate that does not count read", 34, '[', 0x01, withCmrx},
+        {"CMRx that does not count read", 34, '[', 0x02, rateOnly},
+        {"no extended options taken for a failure", 34, 'X', 0xFF, none},
+        {"nothing taken for a failure", 0, '[', 0xFF, none},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        const auto reply = Parse(ParseExtendedOptions, 0x4B,
-                                 Bytes(full.begin(), full.begin() + static_cast<long>(row.length)));
-        ASSERT_TRUE(reply);
-        EXPECT_TRUE(reply->l5 && reply->tilt);
-        EXPECT_EQ(reply->meridian, row.meridian);
-        EXPECT_EQ(reply->cmrxInput && reply->cmrxOutput, row.cmrx);
-        EXPECT_EQ(reply->loggingRate, row.rate);
+        Bytes data = full;
+        data[0] = row.first;
+        data[31] = row.counts;
+        data.resize(row.length);
+        EXPECT_EQ(Parse(ParseExtendedOptions, 0x4B, data), row.expected);
     }
-    full[31] = 0x01; // CMRx only
-    EXPECT_EQ(Parse(ParseExtendedOptions, 0x4B, full)->loggingRate, 0);
-    full[31] = 0x02; // rate only
-    EXPECT_FALSE(Parse(ParseExtendedOptions, 0x4B, full)->cmrxInput);
-    full[0] = 'X';
-    const auto none = Parse(ParseExtendedOptions, 0x4B, full);
-    ASSERT_TRUE(none) << "a receiver without extended options is no failure";
-    EXPECT_EQ(count(*none), 0);
-    EXPECT_TRUE(Parse(ParseExtendedOptions, 0x4B, {})) << "nor is one that sends nothing";
 }
 
 TEST(NumberFields, ReadWhatStandsAtTheStart)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string text;
-        int integer;
-        double real;
+    const auto read = [](const std::string& text) {
+        return std::pair(IntegerField(Ascii(text)), RealField(Ascii(text)));
     };
-    const Row rows[] = {
-        {"empty field", "", 0, 0.0},
-        {"blanks in front", "  42", 42, 42.0},
-        {"blanks behind", "42  ", 42, 42.0},
-        {"blank inside", "4 2", 4, 4.0},
-        {"tab as a blank", "\t42", 42, 42.0},
-        {"zeros in front are no octal", "0017", 17, 17.0},
-        {"sign", "-18", -18, -18.0},
-        {"plus", "+18", 18, 18.0},
-        {"sign alone", "-", 0, 0.0},
-        {"two signs", "--5", 0, 0.0},
-        {"point", "1.85", 1, 1.85},
-        {"comma is no point", "1,85", 1, 1.0},
-        {"point first", ".5", 0, 0.5},
-        {"letters", "---", 0, 0.0},
-        {"letters behind", "12E", 12, 12.0},
-        {"exponent", "1e3", 1, 1000.0},
-        {"beyond int", "9999999999", 2147483647, 9999999999.0},
-        {"beyond long", "9999999999999999", 2147483647, 9999999999999999.0},
-        {"beyond int, negative", "-9999999999", -2147483647 - 1, -9999999999.0},
-        {"a zero byte ends it", std::string("1\0002", 3), 1, 1.0},
-        {"full-width digits", "\x82\x50\x82\x51", 0, 0.0},
-        {"a byte that other code pages call a blank",
-         "\xA0"
-         "7",
-         0, 0.0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(IntegerField(Ascii(row.text)), row.integer);
-        EXPECT_EQ(RealField(Ascii(row.text)), row.real);
+    EXPECT_EQ(read(""), std::pair(0, 0.0)) << "empty field";
+    EXPECT_EQ(read("  42"), std::pair(42, 42.0)) << "blanks in front";
+    EXPECT_EQ(read("42  "), std::pair(42, 42.0)) << "blanks behind";
+    EXPECT_EQ(read("4 2"), std::pair(4, 4.0)) << "blank inside";
+    EXPECT_EQ(read("\t42"), std::pair(42, 42.0)) << "tab as a blank";
+    EXPECT_EQ(read("0017"), std::pair(17, 17.0)) << "zeros in front are no octal";
+    EXPECT_EQ(read("-18"), std::pair(-18, -18.0)) << "sign";
+    EXPECT_EQ(read("+18"), std::pair(18, 18.0)) << "plus";
+    EXPECT_EQ(read("-"), std::pair(0, 0.0)) << "sign alone";
+    EXPECT_EQ(read("--5"), std::pair(0, 0.0)) << "two signs";
+    EXPECT_EQ(read("1.85"), std::pair(1, 1.85)) << "point";
+    EXPECT_EQ(read("1,85"), std::pair(1, 1.0)) << "comma is no point";
+    EXPECT_EQ(read(".5"), std::pair(0, 0.5)) << "point first";
+    EXPECT_EQ(read("---"), std::pair(0, 0.0)) << "letters";
+    EXPECT_EQ(read("12E"), std::pair(12, 12.0)) << "letters behind";
+    EXPECT_EQ(read("1e3"), std::pair(1, 1000.0)) << "exponent";
+    EXPECT_EQ(read("9999999999"), std::pair(2147483647, 9999999999.0)) << "beyond int";
+    EXPECT_EQ(read("9999999999999999"), std::pair(2147483647, 9999999999999999.0)) << "beyond long";
+    EXPECT_EQ(read("-9999999999"), std::pair(-2147483647 - 1, -9999999999.0))
+        << "beyond int, negative";
+    EXPECT_EQ(read(std::string("1\0002", 3)), std::pair(1, 1.0)) << "a zero byte ends it";
+    EXPECT_EQ(read("\x82\x50\x82\x51"), std::pair(0, 0.0)) << "full-width digits";
+    EXPECT_EQ(read("\2407"), std::pair(0, 0.0)) << "a byte that other code pages call a blank";
+}
+
+/// Words of a record, "refused" for none.
+std::string Words(const std::optional<IdentificationRecord>& record)
+{
+    if (!record) {
+        return "refused";
     }
-}
-
-TEST(Replies, TiltReading)
-{
-    const Bytes data = Joined({{1, 0, 0x51, 0x19},
-                               F64(0.01),
-                               F64(-0.02),
-                               F64(HUGE_VAL),
-                               {0x09, 0x60, 0x00, 0x05, 0x46, 0x00}});
-    auto reading = Parse(ParseTiltReading, 0xC8, data);
-    ASSERT_TRUE(reading);
-    EXPECT_EQ(reading->state, 1);
-    EXPECT_TRUE(reading->error1);
-    EXPECT_FALSE(reading->error2);
-    EXPECT_TRUE(reading->sensorPresent);
-    EXPECT_EQ(reading->calibrationState, 1);
-    EXPECT_TRUE(reading->calibrationValid);
-    EXPECT_TRUE(reading->calibrated);
-    EXPECT_EQ(reading->t1Rad, 0.01);
-    EXPECT_EQ(reading->t2Rad, -0.02);
-    EXPECT_EQ(reading->tiltRad, HUGE_VAL);
-    ASSERT_TRUE(reading->time);
-    EXPECT_EQ(reading->time->week, 2400);
-    EXPECT_EQ(reading->time->secondsOfWeek, 345600U);
-    Bytes unknown = data;
-    unknown[28] = unknown[29] = 0xFF;
-    EXPECT_FALSE(Parse(ParseTiltReading, 0xC8, unknown)->time);
-    unknown = data;
-    unknown[1] = 1; // a calibration record
-    EXPECT_FALSE(Parse(ParseTiltReading, 0xC8, unknown));
-}
-
-TEST(Replies, TiltCalibration)
-{
-    const auto record =
-        Parse(ParseTiltCalibration, 0xC8, {1, 1, 0x02, 0xD0, 0x09, 0x60, 0, 0, 0, 60, 40});
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->validityHours, 720);
-    ASSERT_TRUE(record->calibrated);
-    EXPECT_EQ(record->calibrated->secondsOfWeek, 60U);
-    EXPECT_EQ(record->progressPercent, 40);
+    std::ostringstream words;
+    words << record->typeNumber << ": port " << int{record->port} << ", " << record->baudRate << "-"
+          << int{record->byteSize} << "-" << int{record->parity} << "-" << int{record->stopBits}
+          << "-" << record->flowControl << ", " << record->version;
+    return words.str();
 }
 
 TEST(Identification, ReadsItsFields)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string text;
-        bool accepted;
-        std::uint32_t type;
-        std::uint8_t port;
-        std::uint8_t parity;
-        std::uint8_t stopBits;
-        bool flow;
+    const auto read = [](const std::string& text) {
+        return Words(Parse(ParseIdentification, 0x6E, Ascii(text)));
     };
-    const Row rows[] = {
-        {"example refused", "ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,", true, 3017, 1, 0, 0, false},
-        {"even parity, two stop bits", "ID,3017;PORT,2,38400,L,8,2,E,T;VER,4.43,", true, 3017, 3, 2,
-         2, true},
-        {"odd parity", "ID,3017;PORT,1,38400,L,8,1,ODD,F;VER,4.43,", true, 3017, 2, 1, 0, false},
-        {"empty field counted", "ID,3017;PORT,,0,38400,L,8,1,N,F;VER,4.43,", true, 3017, 1, 0, 0,
-         false},
-        {"leading delimiters not skipped", ",,ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43,", true, 3017,
-         1, 0, 0, false},
-        {"end without a comma refused", "ID,VX2;PORT,0,38400,L,8,1,N,F;VER,4.43", true, 3028, 1, 0,
-         0, false},
-        {"missing version taken", "ID,3017;PORT,0,38400,L,8,1,N,F;VER,", false, 0, 0, 0, 0, false},
-        {"port beyond a byte taken", "ID,3017;PORT,255,38400,L,8,1,N,F;VER,4.43,", false, 0, 0, 0,
-         0, false},
-        {"no text", "", false, 0, 0, 0, 0, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto record = Parse(ParseIdentification, 0x6E, Ascii(row.text));
-        ASSERT_EQ(record.has_value(), row.accepted);
-        if (record) {
-            EXPECT_EQ(record->typeNumber, row.type);
-            EXPECT_EQ(record->port, row.port);
-            EXPECT_EQ(record->baudRate, 38400U);
-            EXPECT_EQ(record->byteSize, 8);
-            EXPECT_EQ(record->parity, row.parity);
-            EXPECT_EQ(record->stopBits, row.stopBits);
-            EXPECT_EQ(record->flowControl, row.flow);
-            EXPECT_EQ(record->version, 4.43);
-        }
-    }
-}
-
-TEST(Identification, KnowsModelTexts)
-{
-    struct Row
-    {
-        std::string model;
-        std::uint32_t type;
-    };
-    for (const Row& row : {Row{"3017", 3017},
-                           {"3028X", 3028},
-                           {"301", 3010},
-                           {"30 7", 3010},
-                           {"VX2", 3028},
-                           {"VX1", 3017},
-                           {"VX1-GNSS", 3012},
-                           {"VX1-", 3010},
-                           {"vx1", 3010},
-                           {"\x82\x52\x82\x4F\x82\x50\x82\x56", 3010}}) { // full-width digits
-        const auto record = Parse(ParseIdentification, 0x6E,
-                                  Ascii("ID," + row.model + ";PORT,0,38400,L,8,1,N,F;VER,4.43,"));
-        EXPECT_EQ(record->typeNumber, row.type) << row.model;
-    }
+    const std::string end = ";PORT,0,38400,L,8,1,N,F;VER,4.43,";
+    const std::string rest = ": port 1, 38400-8-0-0-0, 4.43";
+    EXPECT_EQ(read("ID,3017" + end), "3017" + rest) << "example refused";
+    EXPECT_EQ(read("ID,3017;PORT,2,9600,L,7,2,E,T;VER,0.95,"), "3017: port 3, 9600-7-2-2-1, 0.95")
+        << "even parity, two stop bits";
+    EXPECT_EQ(read("ID,3017;PORT,1,38400,L,8,1,ODD,F;VER,4.43,"),
+              "3017: port 2, 38400-8-1-0-0, 4.43")
+        << "odd parity";
+    EXPECT_EQ(read("ID,3017;PORT,,0,38400,L,8,1,N,F;VER,4.43,"), "3017" + rest)
+        << "empty field counted";
+    EXPECT_EQ(read(",,ID,3017" + end), "3017" + rest) << "leading delimiters not skipped";
+    EXPECT_EQ(read("ID,3017;PORT,0,38400,L,8,1,N,F;VER,4.43"), "3017" + rest)
+        << "end without a comma refused";
+    EXPECT_EQ(read("ID,3017;PORT,0,38400,L,8,1,N,F;VER,"), "refused") << "missing version taken";
+    EXPECT_EQ(read("ID,3017;PORT,255,38400,L,8,1,N,F;VER,4.43,"), "refused")
+        << "port beyond a byte taken";
+    EXPECT_EQ(read(""), "refused") << "no text";
+    EXPECT_EQ(read("ID,3028X" + end), "3028" + rest) << "four digits in front";
+    EXPECT_EQ(read("ID,301" + end), "3010" + rest) << "three digits";
+    EXPECT_EQ(read("ID,30 7" + end), "3010" + rest) << "a blank is no digit";
+    EXPECT_EQ(read("ID,VX2" + end), "3028" + rest) << "VX2";
+    EXPECT_EQ(read("ID,VX1" + end), "3017" + rest) << "VX1";
+    EXPECT_EQ(read("ID,VX1-GNSS" + end), "3012" + rest) << "VX1-GNSS";
+    EXPECT_EQ(read("ID,VX1-" + end), "3010" + rest) << "only the beginning of it";
+    EXPECT_EQ(read("ID,vx1" + end), "3010" + rest) << "small letters";
+    EXPECT_EQ(read("ID,\x82\x52\x82\x4F\x82\x50\x82\x56" + end), "3010" + rest)
+        << "full-width digits";
 }
 
 } // namespace

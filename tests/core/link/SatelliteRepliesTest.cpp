@@ -2,18 +2,20 @@
 
 #include "tests/core/link/FarEnd.h"
 
-#include <bit>
+#include <array>
+#include <numeric>
 #include <string_view>
+#include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
-using testing::Ascii;
-using testing::Bytes;
-using testing::Frame;
-using testing::Joined;
+using namespace testing;
+
+constexpr double kNone = kNoSignal;
 
 FrameBuffer Loaded(std::uint8_t type, const Bytes& data)
 {
@@ -29,37 +31,16 @@ std::optional<SatelliteList> List(const Bytes& data)
 TEST(SatelliteList, TextRecords)
 {
     // Two satellites with two signals; 040 is SBAS 127.
-    const auto list = List(Ascii("022"
-                                 "051204541204321"
-                                 "4009015350-1234"));
-    ASSERT_TRUE(list);
-    ASSERT_EQ(list->satellites.size(), 2U);
-    const ListedSatellite& gps = list->satellites[0];
-    EXPECT_EQ(gps.system, ListedSatellite::Gps);
-    EXPECT_EQ(gps.number, 5);
-    EXPECT_EQ(gps.azimuthDeg, 120);
-    EXPECT_EQ(gps.elevationDeg, 45);
-    EXPECT_EQ(gps.signals[0], 41.2);
-    EXPECT_EQ(gps.signals[1], 43.21);
-    EXPECT_EQ(gps.signals[2], kNoSignal);
-    const ListedSatellite& sbas = list->satellites[1];
-    EXPECT_EQ(sbas.system, ListedSatellite::Sbas);
-    EXPECT_EQ(sbas.rawNumber, 40);
-    EXPECT_EQ(sbas.number, 127);
-    EXPECT_EQ(sbas.azimuthDeg, 90);
-    EXPECT_EQ(sbas.elevationDeg, 15);
-    EXPECT_EQ(sbas.signals[1], -12.34);
-    EXPECT_EQ(list->gpsCount, 1);
-
-    const auto single = List(Ascii("011"
-                                   "3300090350"));
-    ASSERT_TRUE(single);
-    EXPECT_EQ(single->satellites[0].number, 120) << "33 is the first that is not GPS";
-    EXPECT_EQ(single->satellites[0].signals[1], kNoSignal) << "format 1 has one signal value";
-    const auto other = List(Ascii("013"
-                                  "3200090350"));
-    ASSERT_TRUE(other) << "any other digit is a list with one signal value";
-    EXPECT_EQ(other->satellites[0].number, 32);
+    ListedSatellite gps{ListedSatellite::Gps, 5, 5, 0, 120, 45, {41.2, 43.21, kNone, kNone}};
+    ListedSatellite sbas{ListedSatellite::Sbas, 127, 40, 0, 90, 15, {35.0, -12.34, kNone, kNone}};
+    EXPECT_EQ(List(Ascii("0220512045412043214009015350-1234")), (SatelliteList{{gps, sbas}, 1}));
+    // One with a single signal; 33 is the first that is not GPS.
+    gps.signals[1] = sbas.signals[1] = kNone;
+    sbas.rawNumber = 33;
+    sbas.number = 120;
+    EXPECT_EQ(List(Ascii("0113309015350")), (SatelliteList{{sbas}, 0}));
+    gps.rawNumber = gps.number = 32;
+    EXPECT_EQ(List(Ascii("0133212045412")), (SatelliteList{{gps}, 1})) << "any other digit, too";
 }
 
 TEST(SatelliteList, BinaryRecordsBySystem)
@@ -69,31 +50,22 @@ TEST(SatelliteList, BinaryRecordsBySystem)
         std::uint8_t raw;
         std::uint8_t system;
         int number;
-        bool extraByte;
     };
     constexpr Row kRows[] = {
-        {1, 0, 1, false},   {32, 0, 32, false},     {33, 1, 120, false},    {51, 1, 138, false},
-        {52, 2, 1, true},   {75, 2, 24, true},      {76, 6, 0, false},      {109, 6, 33, false},
-        {0, 255, 0, false}, {110, 255, 110, false}, {255, 255, 255, false},
+        {1, 0, 1},  {32, 0, 32},  {33, 1, 120}, {51, 1, 138},    {52, 2, 1},      {75, 2, 24},
+        {76, 6, 0}, {109, 6, 33}, {0, 255, 0},  {110, 255, 110}, {255, 255, 255},
     };
     for (const Row& row : kRows) {
         SCOPED_TRACE(int{row.raw});
+        const bool isGlonass = row.system == ListedSatellite::Glonass;
         Bytes data{'0', '1', 0x01, row.raw};
-        if (row.extraByte) {
-            data.push_back(0xEE);
-        }
+        data.resize(isGlonass ? 5 : 4, 0xFE);          // with the channel
         data = Joined({data, {0x68, 0x80 | 45, 200}}); // azimuth 0x168 = 360
-        const auto list = List(data);
-        ASSERT_TRUE(list);
-        const ListedSatellite& satellite = list->satellites.at(0);
-        EXPECT_EQ(satellite.system, row.system);
-        EXPECT_EQ(satellite.number, row.number);
-        EXPECT_EQ(satellite.rawNumber, row.raw);
-        EXPECT_EQ(satellite.azimuthDeg, 360);
-        EXPECT_EQ(satellite.elevationDeg, 45);
-        EXPECT_EQ(satellite.signals[0], 50.0);
-        EXPECT_EQ(list->gpsCount, row.system == 0 ? 1 : 0);
-        EXPECT_EQ(list->glonassCount, row.system == 2 ? 1 : 0);
+        const int channel = isGlonass ? -2 : 0;
+        const ListedSatellite expected{
+            row.system, row.number, row.raw, channel, 360, 45, {50.0, kNone, kNone, kNone}};
+        EXPECT_EQ(List(data),
+                  (SatelliteList{{expected}, row.system == 0 ? 1 : 0, isGlonass ? 1 : 0}));
         data.pop_back();
         EXPECT_FALSE(List(data)) << "a record that is cut off";
     }
@@ -107,51 +79,29 @@ TEST(SatelliteList, SignalsStandInTheirOrder)
     EXPECT_EQ(all->satellites[0].signals, (std::array{1.0, 2.0, 4.0, 3.0}));
     const auto third = List({'0', '1', 0x08, 7, 90, 45, 10});
     ASSERT_TRUE(third);
-    EXPECT_EQ(third->satellites[0].signals, (std::array{kNoSignal, kNoSignal, 2.5, kNoSignal}));
+    EXPECT_EQ(third->satellites[0].signals, (std::array{kNone, kNone, 2.5, kNone}));
 }
 
 TEST(SatelliteList, RefusesWhatDoesNotFit)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes data;
-    };
-    const Row rows[] = {
-        {"no format byte", Ascii("01")},
-        {"fewer records than announced", {'0', '2', 0x00, 7, 90, 45}},
-        {"text record cut off", Ascii("011"
-                                      "051204541")},
-        {"second signal cut off", Ascii("012"
-                                        "05120454120432")},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_FALSE(List(row.data));
-    }
-    const auto none = List({'0', '0', 0x03});
-    ASSERT_TRUE(none) << "no satellites are no failure";
-    EXPECT_TRUE(none->satellites.empty());
+    EXPECT_FALSE(List(Ascii("01"))) << "no format byte";
+    EXPECT_FALSE(List({'0', '2', 0x00, 7, 90, 45})) << "fewer records than announced";
+    EXPECT_FALSE(List(Ascii("011051204541"))) << "text record cut off";
+    EXPECT_FALSE(List(Ascii("01205120454120432"))) << "second signal cut off";
+    EXPECT_EQ(List({'0', '0', 0x03}), SatelliteList()) << "no satellites are no failure";
 }
 
 TEST(SatelliteList, DropsWhatIsNoDirectionAndKeepsTheRest)
 {
-    struct Row
-    {
-        std::string_view fault;
-        Bytes data; ///< the second of three satellites
-    };
-    const Row rows[] = {
+    // The second of three satellites.
+    const std::pair<std::string_view, Bytes> rows[] = {
         {"azimuth beyond the circle", {'0', '3', 0x00, 7, 90, 45, 8, 0x69, 0x80 | 45, 9, 90, 45}},
         {"elevation beyond the zenith", {'0', '3', 0x00, 7, 90, 45, 8, 90, 91, 9, 90, 45}},
-        {"azimuth in text beyond the circle", Ascii("031"
-                                                    "0709045412"
-                                                    "0836145412"
-                                                    "0909045412")},
+        {"azimuth in text beyond the circle", Ascii("031070904541208361454120909045412")},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto list = List(row.data);
+    for (const auto& [fault, data] : rows) {
+        SCOPED_TRACE(fault);
+        const auto list = List(data);
         ASSERT_TRUE(list);
         ASSERT_EQ(list->satellites.size(), 2U);
         EXPECT_EQ(list->satellites[1].number, 9);
@@ -170,72 +120,65 @@ TEST(SatelliteList, DropsWhatIsNoDirectionAndKeepsTheRest)
 TEST(SatelliteData, Almanac)
 {
     Bytes data{2, 17, 0, 1, 2, 3, 0x09, 0x60, 0x00, 0x07, 0xB0, 0xC0};
-    for (int i = 1; i <= 7; ++i) {
+    for (int i = 1; i <= 7; ++i) { // 0x40n0... is 2^(n + 1)
         data = Joined({data, {0x40, static_cast<std::uint8_t>(i << 4), 0, 0, 0, 0, 0, 0}});
     }
     data.push_back(9);
-    FrameBuffer buffer = Loaded(0x55, data);
-    const auto almanac = ParseAlmanac(buffer.Reader(), 17);
+    const auto parse = [](const Bytes& sent) {
+        return ParseAlmanac(Loaded(0x55, sent).Reader(), 17);
+    };
+    const auto almanac = parse(data);
     ASSERT_TRUE(almanac);
-    EXPECT_EQ(almanac->prn, 17);
-    EXPECT_EQ(almanac->timeStamp, 0x00010203U);
-    EXPECT_EQ(almanac->week, 2400);
-    EXPECT_EQ(almanac->toaS, 504000U);
-    // 0x40n0... is 2^(n + 1): the seven reals in their order
-    EXPECT_EQ(almanac->sqrtA, 4.0);
-    EXPECT_EQ(almanac->eccentricity, 8.0);
-    EXPECT_EQ(almanac->inclination, 16.0);
-    EXPECT_EQ(almanac->omegaDot, 32.0);
-    EXPECT_EQ(almanac->omega0, 64.0);
-    EXPECT_EQ(almanac->omega, 128.0);
-    EXPECT_EQ(almanac->m0, 256.0);
-    EXPECT_EQ(almanac->health, 9);
-    EXPECT_FALSE(ParseAlmanac(buffer.Reader(), 18)) << "another satellite's almanac";
-    data[0] = 0;
-    buffer = Loaded(0x55, data);
-    EXPECT_FALSE(ParseAlmanac(buffer.Reader(), 17)) << "another sub-type";
-    data[0] = 2;
+    EXPECT_EQ(
+        std::tie(almanac->prn, almanac->timeStamp, almanac->week, almanac->toaS, almanac->health),
+        std::tuple(17, 0x00010203U, 2400, 504000U, 9));
+    EXPECT_EQ((std::array{almanac->sqrtA, almanac->eccentricity, almanac->inclination,
+                          almanac->omegaDot, almanac->omega0, almanac->omega, almanac->m0}),
+              (std::array{4.0, 8.0, 16.0, 32.0, 64.0, 128.0, 256.0}));
+    Bytes other = data;
+    other[1] = 18;
+    EXPECT_FALSE(parse(other)) << "another satellite's almanac";
+    other = data;
+    other[0] = 0;
+    EXPECT_FALSE(parse(other)) << "another sub-type";
     data.pop_back();
-    buffer = Loaded(0x55, data);
-    EXPECT_FALSE(ParseAlmanac(buffer.Reader(), 17)) << "cut off";
+    EXPECT_FALSE(parse(data)) << "cut off";
 }
 
 TEST(SatelliteData, GeneralWords)
 {
-    Bytes data{0, 0};
-    for (std::uint8_t i = 2; i < 71; ++i) {
-        data.push_back(i);
-    }
-    FrameBuffer buffer = Loaded(0x55, data);
-    const auto reply = ParseSatelliteData(buffer.Reader(), true);
+    Bytes data(71, 0);
+    std::iota(data.begin() + 2, data.end(), std::uint8_t{2});
+    const auto parse = [&data](bool withTriples) {
+        return ParseSatelliteData(Loaded(0x55, data).Reader(), withTriples);
+    };
+    const auto reply = parse(true);
     ASSERT_TRUE(reply);
     EXPECT_EQ(reply->words[0], 0x02030405U);
     EXPECT_EQ(reply->words[7], 0x1E1F2021U);
-    EXPECT_EQ(reply->shortWords[0], 0x2627) << "four bytes are to be skipped before it";
-    EXPECT_EQ(reply->shortWords[1], 0x2829);
+    EXPECT_EQ(reply->shortWords, (std::array<std::uint16_t, 2>{0x2627, 0x2829}))
+        << "four bytes are to be skipped before it";
     EXPECT_EQ(reply->moreWords[1], 0x2E2F3031U);
     EXPECT_EQ(reply->triples[0], 0x323334U);
     EXPECT_EQ(reply->triples[6], 0x444546U);
     data.resize(50);
-    buffer = Loaded(0x55, data);
-    EXPECT_TRUE(ParseSatelliteData(buffer.Reader(), false));
-    EXPECT_FALSE(ParseSatelliteData(buffer.Reader(), true)) << "the longer form was asked for";
+    EXPECT_TRUE(parse(false));
+    EXPECT_FALSE(parse(true)) << "the longer form was asked for";
 }
 
 TEST(SatelliteData, ExtraWords)
 {
+    const auto parse = [](const Bytes& form, const Bytes& words) {
+        return ParseSatelliteDataExtra(Loaded(0x55, Joined({form, words})).Reader());
+    };
     const Bytes words{0, 1, 0, 2, 0, 3, 0, 4, 0xFF, 0xFF};
-    FrameBuffer buffer = Loaded(0x55, Joined({{0x14, 0xC1, 4, 0, 2}, words}));
-    EXPECT_EQ(ParseSatelliteDataExtra(buffer.Reader()), (SatelliteDataExtra{1, 2, 3, 4, 0xFFFF}));
+    EXPECT_EQ(parse({0x14, 0xC1, 4, 0, 2}, words), (SatelliteDataExtra{1, 2, 3, 4, 0xFFFF}));
     for (const Bytes& other :
          {Bytes{0x14, 0xC1, 5, 0, 2}, {0x14, 0xC1, 4, 1, 2}, {0x14, 0xC1, 4, 0, 3}}) {
-        buffer = Loaded(0x55, Joined({other, words}));
-        EXPECT_EQ(ParseSatelliteDataExtra(buffer.Reader()), SatelliteDataExtra{});
+        EXPECT_EQ(parse(other, words), SatelliteDataExtra{});
     }
-    buffer = Loaded(0x55, {0x14, 0xC1, 4, 0, 2, 0, 1});
-    EXPECT_FALSE(ParseSatelliteDataExtra(buffer.Reader())) << "words cut off";
-    buffer = Loaded(0x55, Joined({{0x00, 0xC1, 4, 0, 2}, words}));
-    EXPECT_FALSE(ParseSatelliteDataExtra(buffer.Reader())) << "another sub-type";
+    EXPECT_FALSE(parse({0x14, 0xC1, 4, 0, 2}, {0, 1})) << "words cut off";
+    EXPECT_FALSE(parse({0x00, 0xC1, 4, 0, 2}, words)) << "another sub-type";
 }
 
 } // namespace

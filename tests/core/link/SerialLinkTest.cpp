@@ -3,26 +3,23 @@
 #include "core/platform/FastClock.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/core/link/ProcessCounts.h"
+#include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/VirtualLine.h"
 
-#include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::Bytes;
-using testing::FarEnd;
-using testing::Frame;
-using testing::Joined;
-using testing::LongFrame;
+using namespace testing;
+
+const Bytes kReply = Frame(0x09, Bytes(21, '1'));
 
 Bytes Take(SerialLink& link)
 {
@@ -58,31 +55,6 @@ protected:
     SerialLink link;
 };
 
-TEST_F(SerialLinkTest, ReportsWhatItCannotDeliver)
-{
-    struct Row
-    {
-        std::string_view fault;
-        Bytes sent;
-        ExchangeState state;
-        LinkError error;
-    };
-    const Row rows[] = {
-        {"NAK without its code", {0x15}, ExchangeState::Nak, LinkError::Nak},
-        {"foreign byte without its code", {0x41}, ExchangeState::Malformed, LinkError::Malformed},
-        {"ACK with a code", {0x06}, ExchangeState::Ack, LinkError::None},
-    };
-    Open();
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        farEnd.Send(row.sent);
-        ASSERT_EQ(link.WaitDelivery(), 1);
-        EXPECT_EQ(link.GetExchangeState(), row.state);
-        EXPECT_EQ(link.TakeErrorCode(), row.error);
-        EXPECT_EQ(link.TakeErrorCode(), LinkError::None) << "reading the code must clear it";
-    }
-}
-
 /// A frame that can be told from the others.
 Bytes Numbered(int number)
 {
@@ -111,34 +83,28 @@ TEST_F(VirtualLinkTest, HandOverHoldsTheNextFramesBack)
 
 TEST_F(VirtualLinkTest, AReaderThatHoldsBackCanBeFreed)
 {
-    struct Row
-    {
-        std::string_view by;
-        void (*free)(SerialLink& one);
-    };
-    const Row rows[] = {
+    const std::pair<std::string_view, void (*)(SerialLink&)> rows[] = {
         {"leaving hand-over mode", [](SerialLink& one) { one.SetHandOver(false); }},
         {"another request", [](SerialLink& one) { one.ResetFrameReady(); }},
         {"a reset", [](SerialLink& one) { one.ResetReceiveState(); }},
     };
     settings.replyTimeout = 60s;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.by);
+    for (const auto& [by, setFree] : rows) {
+        SCOPED_TRACE(by);
         SerialLink full(line.MakeDevice(), clock);
         ASSERT_EQ(full.Open("in memory", settings), 1);
         full.SetHandOver(true);
-        const Bytes last = Frame(0x09, Bytes(21, '1'));
         for (std::size_t i = 0; i < DeliveryQueue::kRoom + 2; ++i) {
             line.Send(Numbered(0));
         }
         clock.Sleep(20ms); // until it is full
         const auto start = clock.Steady();
-        row.free(full);
-        line.Send(last);
+        setFree(full);
+        line.Send(kReply);
         Bytes taken(kFrameBufferSize);
         do {
             ASSERT_EQ(full.WaitDelivery(), 1);
-        } while (full.TakeDelivery(taken).length != last.size());
+        } while (full.TakeDelivery(taken).length != kReply.size());
         EXPECT_LT(clock.Steady() - start, 1s) << "the reader stood still";
     }
 }
@@ -146,16 +112,15 @@ TEST_F(VirtualLinkTest, AReaderThatHoldsBackCanBeFreed)
 TEST_F(VirtualLinkTest, TimeOutForgetsTheHalfFrame)
 {
     Open();
-    const Bytes reply = Frame(0x09, Bytes(21, '1'));
-    line.Send(std::span(reply).first(9));
+    line.Send(std::span(kReply).first(9));
     EXPECT_EQ(link.WaitDelivery(), 0);
     EXPECT_EQ(link.TakeErrorCode(), LinkError::TimedOut);
     Bytes buffer(kFrameBufferSize, 0xEE);
     EXPECT_EQ(link.TakeDelivery(buffer).length, 0U);
     EXPECT_EQ(buffer, Bytes(kFrameBufferSize, 0)) << "nothing delivered must read as zeros";
-    line.Send(reply);
+    line.Send(kReply);
     ASSERT_EQ(link.WaitDelivery(), 1);
-    EXPECT_EQ(Take(link), reply);
+    EXPECT_EQ(Take(link), kReply);
 }
 
 TEST_F(SerialLinkTest, LosesNoFrameOfABurst)
@@ -220,137 +185,102 @@ TEST_F(SerialLinkTest, HangUpWakesTheWaiterAndIdlesTheReader)
 
 TEST_F(SerialLinkTest, RefusesWhatItCannotOpen)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string path;
-        std::uint32_t baudRate;
-        FlowControl flow;
-        LinkError error;
+    const auto refusal = [](const std::string& path, const PortSettings& with) {
+        SerialLink other;
+        EXPECT_EQ(other.Open(path, with), 0);
+        EXPECT_FALSE(other.IsOpen());
+        const LinkError error = other.TakeErrorCode();
+        EXPECT_FALSE(other.GetDeviceFault().empty() && error == LinkError::Open);
+        return error;
     };
-    const Row rows[] = {
-        {"no device", "/dev/no-such-port", 9600, FlowControl::None, LinkError::Open},
-        {"not a serial device", "/dev/null", 9600, FlowControl::None, LinkError::Open},
-        {"a folder", "/", 9600, FlowControl::None, LinkError::Open},
-        {"a rate that is none", farEnd.Path(), 12345, FlowControl::None, LinkError::LineSettings},
-        {"a flow code that is none", farEnd.Path(), 9600, static_cast<FlowControl>(4),
-         LinkError::LineSettings},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        settings.baudRate = row.baudRate;
-        settings.flowControl = row.flow;
-        EXPECT_EQ(link.Open(row.path, settings), 0);
-        EXPECT_EQ(link.TakeErrorCode(), row.error);
-        EXPECT_FALSE(link.GetDeviceFault().empty() && row.error == LinkError::Open);
-        EXPECT_FALSE(link.IsOpen());
-    }
-    settings.baudRate = 9600;
-    settings.flowControl = FlowControl::None;
+    EXPECT_EQ(refusal("/dev/no-such-port", settings), LinkError::Open);
+    EXPECT_EQ(refusal("/dev/null", settings), LinkError::Open) << "not a serial device";
+    EXPECT_EQ(refusal("/", settings), LinkError::Open) << "a folder";
+    PortSettings wrong = settings;
+    wrong.baudRate = 12345;
+    EXPECT_EQ(refusal(farEnd.Path(), wrong), LinkError::LineSettings) << "a rate that is none";
+    wrong = settings;
+    wrong.flowControl = static_cast<FlowControl>(4);
+    EXPECT_EQ(refusal(farEnd.Path(), wrong), LinkError::LineSettings) << "no flow code";
     Open();
-    SerialLink second;
-    EXPECT_EQ(second.Open(farEnd.Path(), settings), 0) << "a port in use was opened twice";
-    EXPECT_EQ(second.TakeErrorCode(), LinkError::Open);
+    EXPECT_EQ(refusal(farEnd.Path(), settings), LinkError::Open) << "opened twice";
 }
 
 TEST(SerialLink, OpensAndClosesInEveryState)
 {
     PortSettings settings;
     settings.replyTimeout = 10s;
-    const Bytes frame = Frame(0x09, Bytes(21, '1'));
-    using Prepare = void (*)(SerialLink&, FarEnd&, const Bytes&);
-    struct State
-    {
-        std::string_view name;
-        Prepare prepare;
-    };
-    const State states[] = {
-        {"idle", [](SerialLink&, FarEnd&, const Bytes&) {}},
+    const std::pair<std::string_view, void (*)(SerialLink&, FarEnd&)> states[] = {
+        {"idle", [](SerialLink&, FarEnd&) {}},
         {"right after a delivery",
-         [](SerialLink& link, FarEnd& far, const Bytes& f) {
-             far.Send(f);
+         [](SerialLink& link, FarEnd& far) {
+             far.Send(kReply);
              link.WaitDelivery();
          }},
         {"in the middle of a frame",
-         [](SerialLink&, FarEnd& far, const Bytes& f) { far.Send(std::span(f).first(7)); }},
+         [](SerialLink&, FarEnd& far) { far.Send(std::span(kReply).first(7)); }},
         {"with a frame handed over and not taken",
-         [](SerialLink& link, FarEnd& far, const Bytes& f) {
+         [](SerialLink& link, FarEnd& far) {
              link.SetHandOver(true);
-             far.Send(Joined({f, f}));
+             far.Send(Joined({kReply, kReply}));
              link.WaitDelivery();
          }},
-        {"during BREAK", [](SerialLink& link, FarEnd&, const Bytes&) { link.SetBreak(); }},
-        {"after a hang-up", [](SerialLink&, FarEnd& far, const Bytes&) { far.HangUp(); }},
+        {"during BREAK", [](SerialLink& link, FarEnd&) { link.SetBreak(); }},
+        {"after a hang-up", [](SerialLink&, FarEnd& far) { far.HangUp(); }},
         {"with its reader ended",
-         [](SerialLink& link, FarEnd&, const Bytes&) {
-             link.SetEventMask(SerialDevice::EventMask::None);
-         }},
+         [](SerialLink& link, FarEnd&) { link.SetEventMask(SerialDevice::EventMask::None); }},
     };
     const auto before = testing::CountProcess();
     for (int round = 0; round < 500; ++round) {
-        const State& state = states[static_cast<std::size_t>(round) % std::size(states)];
-        SCOPED_TRACE(state.name);
+        const auto& [name, prepare] = states[static_cast<std::size_t>(round) % std::size(states)];
+        SCOPED_TRACE(name);
         FarEnd far;
-        SerialLink fresh;
-        ASSERT_EQ(fresh.Open(far.Path(), settings), 1);
-        state.prepare(fresh, far, frame);
+        SerialLink link;
+        ASSERT_EQ(link.Open(far.Path(), settings), 1);
+        prepare(link, far);
         const auto start = std::chrono::steady_clock::now();
-        fresh.Close();
+        link.Close();
         ASSERT_LT(std::chrono::steady_clock::now() - start, 2s) << "closing waited for something";
-        ASSERT_FALSE(fresh.IsOpen());
+        ASSERT_FALSE(link.IsOpen());
     }
     EXPECT_EQ(testing::CountProcessAgain(before), before) << "threads or descriptors leaked";
 }
 
 TEST(SettingsForLine, FollowsTheFlowControlTable)
 {
-    struct Row
-    {
-        FlowControl flow;
-        bool cts;
-        bool rtsHandshake;
-        bool dsr;
-        bool dtr;
-        bool xonXoff;
-    };
-    constexpr Row kRows[] = {
-        {FlowControl::None, false, false, false, false, false},
-        {FlowControl::Software, false, false, false, false, true},
-        {FlowControl::RtsCts, true, true, true, true, false},
-        {FlowControl::DsrDtr, false, false, true, true, false},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(static_cast<int>(row.flow));
+    const auto lineFor = [](FlowControl flow) {
         PortSettings port;
-        port.flowControl = row.flow;
-        port.parity = 2;
-        LineSettings line;
-        ASSERT_TRUE(SettingsForLine(port, line));
-        EXPECT_TRUE(line.checkParity);
-        EXPECT_EQ(line.ctsOutputFlow, row.cts);
-        EXPECT_EQ(line.rtsHandshake, row.rtsHandshake);
-        EXPECT_EQ(line.dsrSensitivity, row.dsr);
-        EXPECT_EQ(line.dsrOutputFlow, row.dsr);
-        EXPECT_EQ(line.dtrEnabled, row.dtr);
-        EXPECT_EQ(line.xonXoffInput, row.xonXoff);
-        EXPECT_EQ(line.xonXoffOutput, row.xonXoff);
-        EXPECT_EQ(line.sendAfterXoff, !row.xonXoff);
-    }
+        port.flowControl = flow;
+        port.baudRate = 9600;
+        // As the port was left before: everything the other way round.
+        LineSettings line{1200, 5,    1,    2,    false, false, true, true, true,
+                          true, true, true, true, true,  true,  true, false};
+        EXPECT_TRUE(SettingsForLine(port, line));
+        return line;
+    };
+    LineSettings expected;
+    EXPECT_EQ(lineFor(FlowControl::None), expected);
+    expected.dsrSensitivity = expected.dsrOutputFlow = expected.dtrEnabled = true;
+    EXPECT_EQ(lineFor(FlowControl::DsrDtr), expected);
+    expected.ctsOutputFlow = expected.rtsHandshake = true;
+    EXPECT_EQ(lineFor(FlowControl::RtsCts), expected);
+    expected = {.xonXoffOutput = true, .xonXoffInput = true, .sendAfterXoff = false};
+    EXPECT_EQ(lineFor(FlowControl::Software), expected);
+    PortSettings even;
+    even.parity = 2;
+    ASSERT_TRUE(SettingsForLine(even, expected));
+    EXPECT_TRUE(expected.checkParity && expected.parity == 2);
 }
 
 TEST(LogFrame, AppendsADumpToTheBuiltInStorage)
 {
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("fieldcore-log-" + std::to_string(::getpid()));
-    setenv("XDG_STATE_HOME", folder.c_str(), 1);
-    const Bytes request{0x02, 0x00, 0x08, 0x00, 0x08, 0x03};
-    EXPECT_EQ(SerialLink::LogFrame(Direction::Sent, request), 1);
+    const TemporaryFolder folder;
+    setenv("XDG_STATE_HOME", folder.Path().c_str(), 1);
+    EXPECT_EQ(SerialLink::LogFrame(Direction::Sent, Frame(0x08)), 1);
     EXPECT_EQ(SerialLink::LogFrame(Direction::Received, Bytes{0xAB}), 1);
-    std::ifstream file(folder / "fieldcore" / "gnsslog.log", std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_EQ(text, "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [AB ]\r\n");
+    EXPECT_EQ(ContentOf(folder.Path() / "fieldcore" / "gnsslog.log"),
+              "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n00:1.000 Rcvr Rx [AB ]\r\n");
     unsetenv("XDG_STATE_HOME");
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace

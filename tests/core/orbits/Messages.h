@@ -1,10 +1,14 @@
 #pragma once
 
+#include "core/orbits/NavigationText.h"
+
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fieldcore::testing {
 
@@ -15,6 +19,27 @@ inline std::string Messages()
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+/// What is wrong with a text, and where.
+inline std::string Described(const std::optional<TextError>& error)
+{
+    return error ? std::to_string(error->line) + " " + error->field + ": " + error->message
+                 : "no error";
+}
+
+/// Those messages of a satellite.
+inline std::vector<NavigationRecord> RecordsOf(std::string_view satellite)
+{
+    std::vector<NavigationRecord> records = ReadNavigation(Messages()).records;
+    std::erase_if(records, [&](const auto& r) { return r.satellite.Text() != satellite; });
+    return records;
+}
+
+/// A time of that day, 2020-06-25, GPS seconds.
+inline double GpsAt(int hour, int minute)
+{
+    return 14'781 * 86'400.0 + hour * 3600.0 + minute * 60.0;
+}
+
 /// @p text with the first @p from replaced.
 inline std::string With(std::string text, std::string_view from, std::string_view to)
 {
@@ -23,6 +48,18 @@ inline std::string With(std::string text, std::string_view from, std::string_vie
         throw std::invalid_argument(std::string(from) + " is not in the text");
     }
     return text.replace(at, from.size(), to);
+}
+
+/// @p text with every @p from become @p to.
+[[nodiscard]] inline std::string Replaced(std::string_view text, std::string_view from,
+                                          std::string_view to)
+{
+    std::string result;
+    for (std::size_t at = text.find(from); at != std::string_view::npos; at = text.find(from)) {
+        result.append(text.substr(0, at)).append(to);
+        text.remove_prefix(at + from.size());
+    }
+    return result.append(text);
 }
 
 /// @p text with the first GLONASS satellite in the middle of the earth.

@@ -1,26 +1,23 @@
 #include "core/orbits/NavigationText.h"
 
-#include "core/orbits/SystemTime.h"
 #include "tests/core/orbits/Messages.h"
 
 #include <algorithm>
-#include <chrono>
+#include <cmath>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
+using testing::Described;
 using testing::Messages;
+using testing::Replaced;
 using testing::With;
-
-std::string Described(const std::optional<TextError>& error)
-{
-    return error ? std::to_string(error->line) + " " + error->field + ": " + error->message
-                 : "no error";
-}
 
 void ExpectSame(const NavigationRecord& a, const NavigationRecord& b)
 {
@@ -31,23 +28,35 @@ void ExpectSame(const NavigationRecord& a, const NavigationRecord& b)
     const auto placeA = OrbitMotion(a).At(a.ReferenceS() + 3600.0);
     const auto placeB = OrbitMotion(b).At(a.ReferenceS() + 3600.0);
     ASSERT_TRUE(placeA && placeB);
-    EXPECT_NEAR(placeA->x, placeB->x, 1e-3); // m; the last digit that is written
-    EXPECT_NEAR(placeA->y, placeB->y, 1e-3);
-    EXPECT_NEAR(placeA->z, placeB->z, 1e-3);
+    EXPECT_LT(std::hypot(placeA->x - placeB->x, placeA->y - placeB->y, placeA->z - placeB->z),
+              2e-3); // m; twice the last digit that is written
 }
+
+void ExpectAll(const std::vector<NavigationRecord>& found)
+{
+    const std::vector<NavigationRecord> expected = ReadNavigation(Messages()).records;
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        ExpectSame(found[i], expected[i]);
+    }
+}
+
+/// A text that is not as it should be, and where that is told.
+struct Fault
+{
+    std::string_view what;
+    std::string text;
+    int line;
+    std::string_view field;
+};
 
 TEST(NavigationText, KeepsEachSystemsTime)
 {
     const NavigationText text = ReadNavigation(Messages());
     ASSERT_FALSE(text.error) << Described(text.error);
     ASSERT_EQ(text.records.size(), 13U);
-    using namespace std::chrono_literals;
-    const auto day = std::chrono::sys_days(2020y / 6 / 25) - std::chrono::sys_days(1980y / 1 / 6);
-    const double midnight = static_cast<double>(std::chrono::seconds(day).count());
-    const auto record = [&](std::string_view name) {
-        return *std::find_if(text.records.begin(), text.records.end(),
-                             [&](const auto& r) { return r.satellite.Text() == name; });
-    };
+    const double midnight = testing::GpsAt(0, 0);
+    const auto record = [](std::string_view name) { return testing::RecordsOf(name).front(); };
     // As they stand in the text; by GPS time there are 18 leap seconds, and 14 that BeiDou had not.
     EXPECT_EQ(record("G05").systemS - midnight, 10 * 3600.0);
     EXPECT_EQ(record("G05").ReferenceS() - midnight, 10 * 3600.0);
@@ -64,39 +73,22 @@ TEST(NavigationText, TakesWhatFilesReallyHave)
     const std::string good = Messages();
     std::string dExponents = good;
     std::replace(dExponents.begin(), dExponents.end(), 'e', 'D');
-    std::string windows;
-    for (const char c : good) {
-        windows += c == '\n' ? "\r\n" : std::string(1, c);
-    }
-    std::string blanks;
-    for (const char c : good) {
-        blanks += c == '\n' ? "   \n" : std::string(1, c);
-    }
     const std::string other = "I02" + good.substr(good.find("G05") + 3);
-    struct Row
-    {
-        std::string_view what;
-        std::string text;
-    };
-    const Row rows[] = {
+    const std::pair<std::string_view, std::string> rows[] = {
         {"exponents with D", dExponents},
-        {"CR LF", windows},
-        {"blanks at the ends of lines", blanks},
+        {"CR LF", Replaced(good, "\n", "\r\n")},
+        {"blanks at the ends of lines", Replaced(good, "\n", "   \n")},
         {"no end of the last line", good.substr(0, good.size() - 1)},
         {"an empty line between records", With(good, "\nR09", "\n\nR09")},
         {"the week of another system, which is not needed",
          With(good, "2.111000000000e+03", "                  ")},
         {"a satellite of another system", good + other.substr(0, other.find("R09"))},
     };
-    const NavigationText expected = ReadNavigation(good);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const NavigationText text = ReadNavigation(row.text);
+    for (const auto& [what, variant] : rows) {
+        SCOPED_TRACE(what);
+        const NavigationText text = ReadNavigation(variant);
         EXPECT_FALSE(text.error) << Described(text.error);
-        ASSERT_EQ(text.records.size(), expected.records.size());
-        for (std::size_t i = 0; i < text.records.size(); ++i) {
-            ExpectSame(text.records[i], expected.records[i]);
-        }
+        ExpectAll(text.records);
     }
 }
 
@@ -104,18 +96,14 @@ TEST(NavigationText, ReadsVersion4ByTheKindsOfItsMessages)
 {
     // The records are the same, each behind a line that says what it is.
     std::string text = With(Messages(), "3.05", "4.00");
-    for (const std::string_view name : {"G05", "J01"}) {
-        const std::string line = "\n" + std::string(name) + " 2020";
-        for (std::size_t at = 0; (at = text.find(line, at)) != std::string::npos; at += 20) {
-            text.insert(at + 1, "> EPH " + std::string(name) + " LNAV\n");
-        }
-    }
     const auto mark = [&](std::string_view name, std::string_view kind) {
         const std::string line = "\n" + std::string(name) + " 2020";
         for (std::size_t at = 0; (at = text.find(line, at)) != std::string::npos; at += 30) {
             text.insert(at + 1, "> EPH " + std::string(name) + " " + std::string(kind) + "\n");
         }
     };
+    mark("G05", "LNAV");
+    mark("J01", "LNAV");
     mark("R09", "FDMA");
     mark("E11", "INAV");
     mark("C05", "D2");
@@ -133,14 +121,7 @@ TEST(NavigationText, ReadsVersion4ByTheKindsOfItsMessages)
 TEST(NavigationText, RefusesWithLineAndField)
 {
     const std::string good = Messages();
-    struct Row
-    {
-        std::string_view fault;
-        std::string text;
-        int line;
-        std::string_view field;
-    };
-    const Row rows[] = {
+    const Fault rows[] = {
         {"empty", "", 0, ""},
         {"another text", "30 CURRENT.ALM\n", 1, ""},
         {"RINEX 2", With(good, "     3.05", "     2.11"), 1, "version"},
@@ -163,8 +144,8 @@ TEST(NavigationText, RefusesWithLineAndField)
         {"compressed", std::string("\x1F\x8B\x08", 3) + good, 0, ""},
         {"too long", good + std::string(kMostNavigation, '\n'), 0, ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const Fault& row : rows) {
+        SCOPED_TRACE(row.what);
         const NavigationText text = ReadNavigation(row.text);
         EXPECT_TRUE(text.records.empty());
         ASSERT_TRUE(text.error);
@@ -177,21 +158,14 @@ TEST(NavigationText, RefusesWithLineAndField)
 TEST(NavigationText, LeavesOutWhatIsNoOrbit)
 {
     const std::string good = Messages();
-    struct Row
-    {
-        std::string_view what;
-        std::string text;
-        int line;
-        std::string_view field;
-    };
-    const Row rows[] = {
+    const Fault rows[] = {
         {"an orbit within the earth", With(good, "5.153692615509e+03", "2.500000000000e+03"), 6,
          "sqrt(A)"},
         {"a needed field is blank", With(good, "5.153692615509e+03", "                  "), 6,
          "sqrt(A)"},
         {"a state without a place", testing::WithoutPlace(good), 13, "X"},
     };
-    for (const Row& row : rows) {
+    for (const Fault& row : rows) {
         SCOPED_TRACE(row.what);
         const NavigationText text = ReadNavigation(row.text);
         EXPECT_FALSE(text.error) << Described(text.error);
@@ -220,13 +194,10 @@ TEST(NavigationText, CutAnywhereHasOnlyWholeRecords)
 
 TEST(NavigationText, ReadsWhatItWrites)
 {
-    const std::vector<NavigationRecord> records = ReadNavigation(Messages()).records;
-    const NavigationText again = ReadNavigation(WriteNavigation(records));
+    const NavigationText again =
+        ReadNavigation(WriteNavigation(ReadNavigation(Messages()).records));
     ASSERT_FALSE(again.error) << Described(again.error);
-    ASSERT_EQ(again.records.size(), records.size());
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        ExpectSame(again.records[i], records[i]);
-    }
+    ExpectAll(again.records);
 }
 
 } // namespace

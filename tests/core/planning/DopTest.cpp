@@ -22,30 +22,22 @@ Ecef Toward(double azimuthDeg, double elevationDeg)
 
 TEST(Dop, AgreesWithClosedForms)
 {
+    struct Ring
+    {
+        double elevationDeg;
+        int satellites; // evenly around
+    };
     struct Row
     {
         std::string_view geometry;
-        std::vector<Ecef> directions;
+        std::vector<Ring> rings;
         double hdop2, vdop2, tdop2; // squares
     };
     // By hand: rings and a zenith make the normal matrix diagonal but for up and clock.
     const Row rows[] = {
-        {"zenith and three on the horizon",
-         {Toward(0, 90), Toward(0, 0), Toward(120, 0), Toward(240, 0)},
-         4.0 / 3.0,
-         4.0 / 3.0,
-         1.0 / 3.0},
-        {"zenith and four at 30 degrees",
-         {Toward(0, 90), Toward(0, 30), Toward(90, 30), Toward(180, 30), Toward(270, 30)},
-         4.0 / 3.0,
-         5.0,
-         2.0},
-        {"rings of three at 0 and 30 degrees",
-         {Toward(0, 0), Toward(120, 0), Toward(240, 0), Toward(0, 30), Toward(120, 30),
-          Toward(240, 30)},
-         2.0 / 2.625,
-         8.0 / 3.0,
-         1.0 / 3.0},
+        {"zenith and three on the horizon", {{90, 1}, {0, 3}}, 4.0 / 3.0, 4.0 / 3.0, 1.0 / 3.0},
+        {"zenith and four at 30 degrees", {{90, 1}, {30, 4}}, 4.0 / 3.0, 5.0, 2.0},
+        {"rings of three at 0 and 30", {{0, 3}, {30, 3}}, 2.0 / 2.625, 8.0 / 3.0, 1.0 / 3.0},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.geometry);
@@ -53,11 +45,14 @@ TEST(Dop, AgreesWithClosedForms)
         std::vector<Ecef> satellites;
         const Ecef observer{-3.9e6, 3.3e6, 3.7e6};
         double range = 2.0e7;
-        for (const Ecef& d : row.directions) {
-            sums.Add(d.x, d.y, d.z);
-            satellites.push_back(
-                {observer.x + range * d.x, observer.y + range * d.y, observer.z + range * d.z});
-            range += 1.0e6; // distances must not matter
+        for (const auto& [elevationDeg, count] : row.rings) {
+            for (int i = 0; i < count; ++i) {
+                const Ecef d = Toward(360.0 * i / count, elevationDeg);
+                sums.Add(d.x, d.y, d.z);
+                satellites.push_back(
+                    {observer.x + range * d.x, observer.y + range * d.y, observer.z + range * d.z});
+                range += 1.0e6; // distances must not matter
+            }
         }
         const auto tight = sums.Solve();
         const auto local = sums.SolveLocal();

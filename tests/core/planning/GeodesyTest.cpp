@@ -1,6 +1,11 @@
 #include "core/planning/Geodesy.h"
 
+#include "core/planning/Degrees.h"
+#include "core/planning/PlaneRectangular.h"
+#include "core/planning/TokyoDatum.h"
+
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <numbers>
 #include <random>
@@ -13,7 +18,6 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr Ellipsoid kEllipsoids[] = {Ellipsoid::Grs80, Ellipsoid::Wgs84, Ellipsoid::Bessel1841};
 
 double Distance(const Ecef& a, const Ecef& b)
 {
@@ -39,28 +43,15 @@ TEST(Geodesy, MeetsTheAxesOfTheEllipsoids)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        struct Place
-        {
-            GeodeticPosition position;
-            Ecef point;
-        };
-        const Place places[] = {
-            {{0, 0, 0}, {row.a, 0, 0}},
-            {{0, kPi / 2, 100}, {0, row.a + 100, 0}},
-            {{0, kPi, -100}, {100 - row.a, 0, 0}},
-            {{0, -kPi / 2, 0}, {0, -row.a, 0}},
-            {{kPi / 2, 0, 0}, {0, 0, row.b}},
-            {{-kPi / 2, 0, 5000}, {0, 0, -row.b - 5000}},
-        };
-        for (const Place& place : places) {
-            const auto point = EcefOfGeodetic(place.position, row.ellipsoid);
-            ASSERT_TRUE(point);
-            EXPECT_LT(Distance(*point, place.point), row.toleranceM);
-            const auto back = GeodeticOfEcef(place.point, row.ellipsoid);
-            ASSERT_TRUE(back);
-            EXPECT_NEAR(back->latitudeRad, place.position.latitudeRad, 1e-11);
-            EXPECT_NEAR(back->heightM, place.position.heightM, row.toleranceM);
-        }
+        const auto east = EcefOfGeodetic({0, kPi / 2, 100}, row.ellipsoid);
+        ASSERT_TRUE(east);
+        EXPECT_LT(Distance(*east, {0, row.a + 100, 0}), row.toleranceM);
+        const Ecef south{0, 0, -row.b - 5000};
+        const auto pole = GeodeticOfEcef(south, row.ellipsoid);
+        ASSERT_TRUE(pole);
+        EXPECT_NEAR(pole->latitudeRad, -kPi / 2, 1e-11);
+        EXPECT_NEAR(pole->heightM, 5000, row.toleranceM);
+        EXPECT_LT(Distance(*EcefOfGeodetic(*pole, row.ellipsoid), south), row.toleranceM);
     }
 }
 
@@ -69,7 +60,7 @@ TEST(Geodesy, AgreesWithTheClosedForm)
 {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> unit(-1.0, 1.0);
-    for (const Ellipsoid ellipsoid : kEllipsoids) {
+    for (const Ellipsoid ellipsoid : {Ellipsoid::Grs80, Ellipsoid::Wgs84, Ellipsoid::Bessel1841}) {
         const auto [a, f] = ShapeOf(ellipsoid);
         const double e2 = 2 * f - f * f;
         for (int i = 0; i < 500; ++i) {
@@ -117,6 +108,184 @@ TEST(Geodesy, GivesNothingForNoPlace)
         EXPECT_FALSE(GeodeticOfEcef(point, Ellipsoid::Grs80))
             << point.x << ' ' << point.y << ' ' << point.z;
     }
+}
+
+constexpr double Dms(double degrees, double minutes, double seconds)
+{
+    return RadiansOf(degrees + minutes / 60 + seconds / 3600);
+}
+
+// The origin of longitude and latitude of Japan, by the law before 2002 and after it.
+constexpr GeodeticPosition kOldOrigin{Dms(35, 39, 17.5148), Dms(139, 44, 40.5020), 0.0};
+constexpr GeodeticPosition kNewOrigin{Dms(35, 39, 29.1572), Dms(139, 44, 28.8759), 0.0};
+
+// The translations fit the whole of Japan and not this place: 0.05" are 1.5 m, and an error of
+// direction would be twice the 12" between the datums.
+constexpr double kFitRad = Dms(0, 0, 0.05);
+
+TEST(TokyoDatum, ShiftsTheOriginOfJapan)
+{
+    const auto shifted = Jgd2000OfTokyo(kOldOrigin);
+    ASSERT_TRUE(shifted);
+    EXPECT_NEAR(shifted->latitudeRad, kNewOrigin.latitudeRad, kFitRad);
+    EXPECT_NEAR(shifted->longitudeRad, kNewOrigin.longitudeRad, kFitRad);
+
+    // Heights of the old datum are levelled, those of the new one stand on the ellipsoid: the
+    // geoid lies about 37 m above it there.
+    EXPECT_NEAR(shifted->heightM, 37.0, 1.0);
+}
+
+// From cape to cape, for what the place above would forgive: a wrong digit.
+TEST(TokyoDatum, MovesEarthFixedPointsByThePublishedMetres)
+{
+    const GeodeticPosition places[] = {
+        kOldOrigin,
+        {RadiansOf(45.5), RadiansOf(141.9), 10.0},
+        {RadiansOf(24.0), RadiansOf(123.8), 500.0},
+    };
+    for (const GeodeticPosition& place : places) {
+        const auto shifted = Jgd2000OfTokyo(place);
+        ASSERT_TRUE(shifted);
+        const auto from = EcefOfGeodetic(place, Ellipsoid::Bessel1841);
+        const auto to = EcefOfGeodetic(*shifted, Ellipsoid::Grs80);
+        ASSERT_TRUE(from && to);
+        EXPECT_NEAR(to->x - from->x, -146.414, 1e-7);
+        EXPECT_NEAR(to->y - from->y, 507.337, 1e-7);
+        EXPECT_NEAR(to->z - from->z, 680.507, 1e-7);
+
+        const auto back = TokyoOfJgd2000(*shifted);
+        ASSERT_TRUE(back);
+        EXPECT_NEAR(back->latitudeRad, place.latitudeRad, 1e-14);
+        EXPECT_NEAR(back->longitudeRad, place.longitudeRad, 1e-14);
+        EXPECT_NEAR(back->heightM, place.heightM, 1e-7);
+    }
+}
+
+GeodeticPosition Place(double latitudeDeg, double longitudeDeg)
+{
+    return {RadiansOf(latitudeDeg), RadiansOf(longitudeDeg), 0.0};
+}
+
+// The example of the calculation page of Japan's Geospatial Information Authority.
+TEST(PlaneRectangular, AgreesWithThePublishedExample)
+{
+    const GeodeticPosition place =
+        Place(36 + 6 / 60.0 + 13.58925 / 3600, 140 + 5 / 60.0 + 16.27815 / 3600);
+    const auto plane = PlaneOfGeodetic(9, place);
+    ASSERT_TRUE(plane);
+    EXPECT_NEAR(plane->position.xM, 11543.6883, 5e-5) << "half of the last digit given";
+    EXPECT_NEAR(plane->position.yM, 22916.2436, 5e-5);
+
+    const auto back = GeodeticOfPlane(9, {11543.6883, 22916.2436});
+    ASSERT_TRUE(back);
+    EXPECT_NEAR(back->latitudeRad, place.latitudeRad, 1e-11) << "5e-5 m";
+    EXPECT_NEAR(back->longitudeRad, place.longitudeRad, 1e-11);
+}
+
+// Degrees and minutes as the notification lists them.
+TEST(PlaneRectangular, HasTheOriginsOfTheNineteenZones)
+{
+    constexpr int kPublished[19][3] = {
+        {33, 129, 30}, {33, 131, 0},  {36, 132, 10}, {33, 133, 30}, {36, 134, 20},
+        {36, 136, 0},  {36, 137, 10}, {36, 138, 30}, {36, 139, 50}, {40, 140, 50},
+        {44, 140, 15}, {44, 142, 15}, {44, 144, 15}, {26, 142, 0},  {26, 127, 30},
+        {26, 124, 0},  {26, 131, 0},  {20, 136, 0},  {26, 154, 0},
+    };
+    for (int zone = 1; zone <= 19; ++zone) {
+        SCOPED_TRACE(zone);
+        const auto& [latitude, longitude, minutes] = kPublished[zone - 1];
+        const GeodeticPosition origin = Place(latitude, longitude + minutes / 60.0);
+        for (const Ellipsoid ellipsoid : {Ellipsoid::Grs80, Ellipsoid::Bessel1841}) {
+            const auto plane = PlaneOfGeodetic(zone, origin, ellipsoid);
+            ASSERT_TRUE(plane);
+            EXPECT_NEAR(plane->position.xM, 0.0, 1e-8);
+            EXPECT_NEAR(plane->position.yM, 0.0, 1e-8);
+            EXPECT_NEAR(plane->convergenceRad, 0.0, 1e-15);
+            EXPECT_NEAR(plane->scaleFactor, 0.9999, 1e-15);
+        }
+    }
+}
+
+// A step to the north on the ellipsoid and on the plane tells convergence and scale. As the origins
+// are right, so is every place that is reached with the right scale in the right direction.
+TEST(PlaneRectangular, KeepsScaleAndDirectionEverywhere)
+{
+    for (const Ellipsoid ellipsoid : {Ellipsoid::Grs80, Ellipsoid::Bessel1841}) {
+        for (const int zone : {2, 9, 13, 18}) {
+            for (const double northDeg : {-3.0, -0.7, 0.0, 1.9}) {
+                for (const double eastDeg : {-1.5, -0.4, 0.0, 0.01, 1.2}) {
+                    SCOPED_TRACE(testing::Message() << zone << ' ' << northDeg << ' ' << eastDeg);
+                    GeodeticPosition place = *PlaneOrigin(zone);
+                    place.latitudeRad += RadiansOf(northDeg);
+                    place.longitudeRad += RadiansOf(eastDeg);
+                    place.heightM = 55.0; // which a plane does not have
+                    const auto plane = PlaneOfGeodetic(zone, place, ellipsoid);
+                    ASSERT_TRUE(plane);
+
+                    // 6 m long and true to 1e-8 m: 2e-9.
+                    constexpr double kStep = 1e-6;
+                    const GeodeticPosition north{place.latitudeRad + kStep / 2, place.longitudeRad};
+                    const GeodeticPosition south{place.latitudeRad - kStep / 2, place.longitudeRad};
+                    const PlanePosition to = PlaneOfGeodetic(zone, north, ellipsoid)->position;
+                    const PlanePosition from = PlaneOfGeodetic(zone, south, ellipsoid)->position;
+                    const double dx = to.xM - from.xM;
+                    const double dy = to.yM - from.yM;
+                    EXPECT_NEAR(plane->convergenceRad, -std::atan2(dy, dx), 5e-9);
+                    const Ecef a = *EcefOfGeodetic(south, ellipsoid);
+                    const Ecef b = *EcefOfGeodetic(north, ellipsoid);
+                    EXPECT_NEAR(plane->scaleFactor, std::hypot(dx, dy) / Distance(a, b), 5e-9);
+
+                    const auto back = GeodeticOfPlane(zone, plane->position, ellipsoid);
+                    ASSERT_TRUE(back);
+                    EXPECT_NEAR(back->latitudeRad, place.latitudeRad, 1e-14);
+                    EXPECT_NEAR(back->longitudeRad, place.longitudeRad, 1e-14);
+                    EXPECT_EQ(back->heightM, 0.0);
+                }
+            }
+        }
+    }
+}
+
+TEST(PlaneRectangular, GivesNothingOutOfReach)
+{
+    struct Row
+    {
+        const char* fault;
+        int zone;
+        GeodeticPosition place;
+    };
+    const Row rows[] = {
+        {"zone 0", 0, Place(36, 140)},
+        {"zone 20", 20, Place(36, 140)},
+        {"latitude is no number", 9, Place(kNotANumber, 140)},
+        {"longitude is no number", 9, Place(36, kNotANumber)},
+        {"longitude is infinite", 9, Place(36, kInfinity)},
+        {"beyond the pole", 9, Place(90.1, 140)},
+        {"too far north", 9, Place(45.2, 139.8)},
+        {"too far east", 9, Place(36, 151.2)},
+        {"other side of the earth", 9, Place(36, -40.2)},
+        {"antipodes", 9, Place(-36, -40.2)},
+        {"where the projection has no end", 9, Place(0, 139 + 50 / 60.0 + 90)},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        EXPECT_FALSE(PlaneOfGeodetic(row.zone, row.place));
+    }
+    for (const PlanePosition& none : {PlanePosition{kNotANumber, 0}, PlanePosition{0, kNotANumber},
+                                      PlanePosition{1000001, 0}, PlanePosition{0, -kInfinity}}) {
+        EXPECT_FALSE(GeodeticOfPlane(9, none)) << none.xM << ' ' << none.yM;
+    }
+    for (const int zone : {0, 20}) {
+        EXPECT_FALSE(GeodeticOfPlane(zone, {0, 0}));
+        EXPECT_FALSE(PlaneOrigin(zone));
+    }
+
+    const auto corner = GeodeticOfPlane(9, {999999, -999999});
+    ASSERT_TRUE(corner);
+    const auto plane = PlaneOfGeodetic(9, *corner);
+    ASSERT_TRUE(plane);
+    EXPECT_NEAR(plane->position.xM, 999999, 1e-7);
+    EXPECT_NEAR(plane->position.yM, -999999, 1e-7);
 }
 
 } // namespace

@@ -12,11 +12,11 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <functional>
 #include <iterator>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -27,20 +27,11 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::SampleFile;
-using testing::SampleSatellite;
+using testing::SampleSatellites;
 
 constexpr std::string_view kAlmanacName = "GSurveyPlan.alm";
 constexpr std::string_view kCurtainName = "CurTain.obs";
 constexpr std::string_view kTextName = "curtain.txt";
-
-std::vector<AlmanacRecord> SixSatellites()
-{
-    std::vector<AlmanacRecord> records;
-    for (int prn = 1; prn <= 6; ++prn) {
-        records.push_back(SampleSatellite(prn));
-    }
-    return records;
-}
 
 ObstructionCurtain Striped()
 {
@@ -115,24 +106,18 @@ TEST(HostileFiles, CutAnywhereACurtainLosesOnlyWhatIsCutOff)
 
 TEST(HostileFiles, WhatIsNoFileIsNotReadAndNotReplaced)
 {
-    struct Row
-    {
-        const char* what;
-        std::function<void(const fs::path&)> make;
-        fs::file_type type; ///< that it has before and afterwards
+    using Make = void (*)(const fs::path&);
+    const std::pair<fs::file_type, Make> rows[] = {
+        {fs::file_type::directory, [](const fs::path& p) { fs::create_directories(p / "full"); }},
+        {fs::file_type::fifo, // that nobody writes to
+         [](const fs::path& p) { ASSERT_EQ(mkfifo(p.c_str(), 0600), 0); }},
     };
-    const Row rows[] = {
-        {"a folder", [](const fs::path& p) { fs::create_directories(p / "in the way"); },
-         fs::file_type::directory},
-        {"a pipe that nobody writes to",
-         [](const fs::path& p) { ASSERT_EQ(mkfifo(p.c_str(), 0600), 0); }, fs::file_type::fifo},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [type, make] : rows) {
+        SCOPED_TRACE(static_cast<int>(type));
         const TemporaryFolder folder;
         const fs::path& path = folder.Path();
         for (const std::string_view name : {kAlmanacName, kCurtainName, kTextName}) {
-            row.make(path / name);
+            make(path / name);
         }
         CSurveyPlanCalc calc;
         EXPECT_FALSE(calc.LoadAlmanac(path / kAlmanacName));
@@ -143,11 +128,11 @@ TEST(HostileFiles, WhatIsNoFileIsNotReadAndNotReplaced)
             EXPECT_EQ(error->line, 0);
             EXPECT_EQ(error->message, "is no file that can be read");
         }
-        EXPECT_EQ(AlmanacStore(path).Import(SixSatellites()), AlmanacResult::NotReplaced);
+        EXPECT_EQ(AlmanacStore(path).Import(SampleSatellites(6)), AlmanacResult::NotReplaced);
         EXPECT_TRUE(SaveCurtain(path, Striped()));
         EXPECT_TRUE(SaveCurtainText(path / kTextName, Striped()));
         for (const std::string_view name : {kAlmanacName, kCurtainName, kTextName}) {
-            EXPECT_EQ(fs::status(path / name).type(), row.type) << name;
+            EXPECT_EQ(fs::status(path / name).type(), type) << name;
         }
         EXPECT_EQ(std::distance(fs::directory_iterator(path), {}), 3) << "something was left";
     }
@@ -173,7 +158,7 @@ TEST(HostileFiles, APipeUnderTheTemporaryNameStopsNobody)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(SaveCurtain(folder.Path(), Striped()));
     ASSERT_EQ(mkfifo(AlmanacTemporaryPath(folder.Path()).c_str(), 0600), 0);
-    EXPECT_EQ(AlmanacStore(folder.Path()).Import(SixSatellites()), AlmanacResult::Done);
+    EXPECT_EQ(AlmanacStore(folder.Path()).Import(SampleSatellites(6)), AlmanacResult::Done);
     EXPECT_EQ(ReadAlmanacFile(folder.Path() / kAlmanacName), SampleFile(6));
 }
 

@@ -1,16 +1,28 @@
+// The sky as the receiver tells it, and rounds of questions to the simulator. Where the satellites
+// must be comes from the library's orbits over an almanac that is made here, not from what the
+// receiver tells of itself.
+
 #include "core/planning/LiveSky.h"
 
+#include "core/planning/AlmanacFile.h"
+#include "core/planning/AlmanacStore.h"
 #include "core/planning/Degrees.h"
-#include "core/planning/SkyPlotSettings.h"
-#include "core/settings/HostReg.h"
-#include "tests/core/platform/FoldersBelow.h"
+#include "core/planning/LiveSkyPoll.h"
+#include "core/resources/StringTable.h"
+#include "simulator/Frame.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -125,27 +137,159 @@ TEST(LiveSky, GrowsOldAndStale)
     EXPECT_FALSE(sky.HasReading());
 }
 
-class SkyPlotSettingsTest : public ::testing::Test
+class LiveSkyPollTest : public ::testing::Test
 {
 protected:
-    TemporaryFolder m_home;
-    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
-    HostReg m_reg{m_roots};
+    void Start(std::string_view scenario)
+    {
+        far.emplace(scenario).Open();
+        poll.emplace(far->clock, folder.Path());
+    }
+    [[nodiscard]] long Asked(std::uint8_t type) const
+    {
+        const auto requests = far->simulator.Requests();
+        return std::count_if(requests.begin(), requests.end(), [type](const auto& request) {
+            return request.size() > 2 && request[2] == type;
+        });
+    }
+    /// Time passes, and it asks.
+    bool PollAfter(Clock::Duration pause)
+    {
+        far->clock.Sleep(pause);
+        return poll->Poll(far->command);
+    }
+
+    TemporaryFolder folder;
+    std::optional<testing::VirtualReceiver> far;
+    std::optional<LiveSkyPoll> poll; // of a clock that is the receiver's, too
 };
 
-TEST_F(SkyPlotSettingsTest, ComeBackAndFitWhateverIsStored)
-{
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{});
-    const SkyPlotSettings chosen{Constellation::Unknown, SkyPlotSettings::View::List};
-    EXPECT_EQ(SaveSkyPlotSettings(m_reg, chosen), 1);
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), chosen);
-    std::uint32_t stored = 0;
-    EXPECT_EQ(m_reg.ReadNumber(L"GPS\\SkyPlot", L"Constellation", stored, 0), 1);
-    EXPECT_EQ(stored, 5U) << "the last of five, counted from 1";
+constexpr const char* kMovingSky = "start 2026-03-18 23:59:42\nposition -33.9 151.2 40\nmask 15\n"
+                                   "options l2 glonass\nalmanacs 31\nsatellite R4 334 62 47.25\n";
 
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1);
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{}) << "beyond the last";
+TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
+{
+    Start(kMovingSky);
+    ASSERT_EQ(AlmanacStore(folder.Path()).Update(far->command), AlmanacResult::Done);
+    poll->LoadAlmanac();
+    CSurveyPlanCalc calc;
+    ASSERT_TRUE(calc.LoadAlmanac(AlmanacPath(folder.Path())));
+    calc.SetObserver({RadiansOf(-33.9), RadiansOf(151.2), 40.0});
+    for (const int hour : {0, 5}) {
+        SCOPED_TRACE(hour);
+        ASSERT_TRUE(PollAfter(std::chrono::hours(hour)));
+        ASSERT_EQ(poll->GetNow().state, LiveSkyPoll::State::Good);
+        calc.SetTime(2410, 345600.0 + hour * 3600.0); // 2026-03-19 00:00:00 GPS time
+        const int above = calc.CountVisible();
+        const std::vector<LiveSatellite> gps = poll->GetNow().sky.Satellites(Constellation::Gps);
+        ASSERT_EQ(static_cast<int>(gps.size()), above);
+        const std::vector<PredictedSatellite> predicted =
+            poll->GetNow().sky.Predicted(std::nullopt);
+        ASSERT_EQ(predicted.size(), gps.size());
+        for (std::size_t i = 0; i < gps.size(); ++i) {
+            SCOPED_TRACE(gps[i].number);
+            const CAlmanacSatellite& orbit = calc.GetSatellite(gps[i].number - 1);
+            EXPECT_NEAR(DegreesOf(gps[i].direction.elevationRad), DegreesOf(orbit.GetElevation()),
+                        0.5001)
+                << "the wire has whole degrees";
+            const double turn =
+                DegreesOf(gps[i].direction.azimuthRad) - DegreesOf(orbit.GetAzimuth());
+            EXPECT_NEAR(std::remainder(turn, 360.0), 0.0, 0.5001);
+            EXPECT_EQ(gps[i].IsSolid(), DegreesOf(orbit.GetElevation()) >= 15.0);
+            EXPECT_EQ(predicted[i].prn, gps[i].number);
+            EXPECT_NEAR(predicted[i].direction.elevationRad, orbit.GetElevation(), 1e-6) << "rad";
+        }
+        EXPECT_EQ(poll->GetNow().sky.Count(Constellation::Glonass).solid, 1);
+    }
+    EXPECT_EQ(Asked(0x30), 2) << "the site is asked for again after half a minute";
+    EXPECT_TRUE(PollAfter(29s));
+    EXPECT_EQ(Asked(0x30), 2);
+    EXPECT_TRUE(PollAfter(2s));
+    EXPECT_EQ(Asked(0x30), 3);
+}
+
+TEST_F(LiveSkyPollTest, WorksWithoutAnAlmanac)
+{
+    Start(kMovingSky);
+    EXPECT_FALSE(poll->GetNow().hasAlmanac);
+    EXPECT_TRUE(poll->Poll(far->command));
+    EXPECT_GT(poll->GetNow().sky.Count(Constellation::Gps).inView, 4);
+    EXPECT_TRUE(poll->GetNow().sky.Predicted(std::nullopt).empty());
+    EXPECT_EQ(Asked(0x14) + Asked(0x30), 0) << "nothing to predict from";
+}
+
+TEST_F(LiveSkyPollTest, TakesTheListOfAnOlderReceiver)
+{
+    Start("satellite G5 118 37 45.3\nsatellite S129 181 48 39.2\nlist-form text1\n");
+    far->AddFault("nak on 54");
+    // The receiver of one frame: a request with a data byte is unknown to it.
+    far->AddFault("nak on 16 count 1");
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_TRUE(poll->Poll(far->command));
+        ASSERT_EQ(poll->GetNow().state, LiveSkyPoll::State::Good);
+        const std::vector<LiveSatellite> all = poll->GetNow().sky.Satellites(std::nullopt);
+        ASSERT_EQ(all.size(), 2U);
+        EXPECT_EQ(all[0].signals[0], 45.3);
+        EXPECT_FALSE(all[0].isUsed) << "it was not told";
+        EXPECT_TRUE(all[0].IsSolid());
+    }
+    EXPECT_EQ(Asked(0x16), 4) << "what was refused is not asked for again";
+    EXPECT_EQ(Asked(0x54), 2) << "with GLONASS, without, then no more";
+    EXPECT_TRUE(PollAfter(30s));
+    EXPECT_EQ(Asked(0x54), 3) << "but half a minute later";
+}
+
+TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
+{
+    Start("model 3017\n");
+    far->simulator.SetScripted([](std::span<const std::uint8_t> request) {
+        if (request[2] == 0x54) {
+            std::vector<std::uint8_t> masks(71, 0);
+            masks[18 + 3] = 0x30; // tracked: G5 and G6
+            masks[26 + 3] = 0x10; // used: G5
+            masks[62 + 2] = 0x0C; // tracked: R3 and R4
+            masks[68 + 2] = 0x08; // used: R4
+            return simulator::MakeFrame(0x55, masks);
+        }
+        if (request[2] != 0x16 || request[3] != 0) {
+            return std::vector<std::uint8_t>{0x15};
+        }
+        const std::vector<std::uint8_t> list{'0', '4', 1,                         // four
+                                             5,   10,  20, 160, 6,   10, 20, 160, // GPS
+                                             54,  0,   10, 20,  160, 55, 0,  10,
+                                             20,  160}; // GLONASS
+        return simulator::MakeFrame(0x17, list);
+    });
+    ASSERT_TRUE(poll->Poll(far->command));
+    const std::vector<LiveSatellite> all = poll->GetNow().sky.Satellites(std::nullopt);
+    ASSERT_EQ(all.size(), 4U);
+    const bool used[] = {true, false, false, true}; // G5, G6, R3, R4
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        EXPECT_EQ(all[i].isUsed, used[i]) << i;
+    }
+}
+
+TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
+{
+    const std::pair<const char*, LiveSkyPoll::State> rows[] = {
+        {"drop on 16", LiveSkyPoll::State::Silent},
+        {"corrupt on 16", LiveSkyPoll::State::Damaged},
+        {"wrong-type on 16", LiveSkyPoll::State::Damaged},
+        {"zero-length on 16", LiveSkyPoll::State::Damaged},
+        {"nak on 16", LiveSkyPoll::State::Refused},
+        {"hang-up on 16", LiveSkyPoll::State::LinkLost},
+    };
+    for (const auto& [fault, state] : rows) {
+        SCOPED_TRACE(fault);
+        Start("satellite G5 118 37 45.3\nsatellite R4 334 62 47.25\n"); // one frame holds both
+        ASSERT_TRUE(poll->Poll(far->command));
+        far->AddFault(fault);
+        EXPECT_FALSE(PollAfter(10s));
+        EXPECT_EQ(poll->GetNow().state, state);
+        EXPECT_NE(Text(LiveSkyTextId(state)), std::wstring());
+        EXPECT_EQ(poll->GetNow().sky.Count(std::nullopt).inView, 2);
+        EXPECT_TRUE(poll->GetNow().sky.IsStale(far->clock.Steady()));
+    }
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 #include "core/planning/NominalConstellation.h"
 
 #include "core/planning/AlmanacOrbit.h"
-#include "core/planning/LocalFrame.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -67,22 +67,16 @@ TEST(NominalConstellation, StandsAtTheEpochWhereTheStandardSays)
 
 TEST(NominalConstellation, IsTheSameMotionFromEveryReferenceTime)
 {
-    struct Row
-    {
-        std::string_view what;
-        int week;
-        std::uint32_t toaS;
-    };
-    constexpr Row kRows[] = {
-        {"another moment of the week", 2410, 602'112},
-        {"the next week", 2411, 0},
-        {"a year later", 2462, 61'440},
-        {"twenty years earlier", 1367, 405'504},
+    constexpr std::pair<int, std::uint32_t> kTimes[] = {
+        {2410, 602'112}, // of the same week
+        {2411, 0},
+        {2462, 61'440},  // a year later
+        {1367, 405'504}, // twenty years earlier
     };
     const auto now = NominalConstellation(31, 2410, 344'064);
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.what);
-        const auto other = NominalConstellation(31, row.week, row.toaS);
+    for (const auto& [week, toaS] : kTimes) {
+        SCOPED_TRACE(week);
+        const auto other = NominalConstellation(31, week, toaS);
         ASSERT_EQ(other.size(), now.size());
         for (std::size_t i = 0; i < now.size(); ++i) {
             // 0.1 m: the anomaly of twenty years, 1e5 rad, is rounded to some 1e-11.
@@ -115,21 +109,6 @@ TEST(NominalConstellation, GivesAsManyAsAreAskedFor)
     EXPECT_EQ(NominalConstellation(-1, 2410, 0).size(), 0U);
     EXPECT_EQ(NominalConstellation(4, 2410, 0).size(), 4U);
     EXPECT_EQ(NominalConstellation(99, 2410, 0).size(), 31U);
-    // The standard's promise for 24 slots: at least four above 5 degrees, here at all times of a
-    // day over Tokyo, the tropics and the north.
-    const auto slots = NominalConstellation(24, 2410, 0);
-    for (const double latitudeDeg : {35.0, 5.0, 65.0}) {
-        const LocalFrame frame({latitudeDeg * kDegree, 139.0 * kDegree, 0.0});
-        for (int sowS = 0; sowS < 86'400; sowS += 600) {
-            int above = 0;
-            for (const AlmanacRecord& record : slots) {
-                const EastNorthUp local = frame.ToLocal(PositionAt(record, {2410, double(sowS)}));
-                const bool isAbove = local.up > local.Range() * std::sin(5.0 * kDegree);
-                above += isAbove ? 1 : 0;
-            }
-            EXPECT_GE(above, 4) << latitudeDeg << " degrees, second " << sowS;
-        }
-    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "core/planning/PlanSearch.h"
 
+#include "core/planning/NominalConstellation.h"
 #include "core/planning/ObservationPlan.h"
 #include "core/planning/SiteSkies.h"
 #include "tests/core/planning/SampleSky.h"
@@ -19,14 +20,19 @@ using namespace std::chrono_literals;
 constexpr std::chrono::year_month_day kFirst = 2022y / std::chrono::March / 10;
 constexpr double kMaskRad = 0.2;
 
+/// A house to the south of B.
+ObstructionCurtain CurtainOf(const std::wstring& site)
+{
+    ObstructionCurtain curtain{};
+    std::fill(curtain.begin() + 90, curtain.begin() + 270, std::uint8_t(site == L"B" ? 50 : 0));
+    return curtain;
+}
+
 std::vector<SearchSite> SomeSites()
 {
-    ObstructionCurtain house{};
-    std::fill(house.begin() + 90, house.begin() + 270, std::uint8_t{50});
-    const SkyLimits open(kMaskRad, ObstructionCurtain{});
-    return {{L"A", {0.62, 2.43, 40.0}, open},
-            {L"B", {0.60, 2.40, 70.0}, SkyLimits(kMaskRad, house)},
-            {L"C", {0.75, 2.47, 10.0}, open}};
+    return {{L"A", {0.62, 2.43, 40.0}, SkyLimits(kMaskRad, CurtainOf(L"A"))},
+            {L"B", {0.60, 2.40, 70.0}, SkyLimits(kMaskRad, CurtainOf(L"B"))},
+            {L"C", {0.75, 2.47, 10.0}, SkyLimits(kMaskRad, CurtainOf(L"C"))}};
 }
 
 void Finish(PlanSearch& search)
@@ -54,11 +60,7 @@ TEST(PlanSearch, SeesWhatThePlanOfEachDaySees)
             for (const SearchSite& site : sites) {
                 plan.Calc().SetObserver(site.observer);
                 plan.Calc().SetElMask(kMaskRad);
-                ObstructionCurtain curtain{};
-                if (site.name == L"B") {
-                    std::fill(curtain.begin() + 90, curtain.begin() + 270, std::uint8_t{50});
-                }
-                plan.Calc().SetCurtain(curtain);
+                plan.Calc().SetCurtain(CurtainOf(site.name));
                 plan.Compute();
                 views.push_back(plan.View());
             }
@@ -84,26 +86,12 @@ TEST(PlanSearch, SeesWhatThePlanOfEachDaySees)
 
 TEST(PlanSearch, FollowsSatellitesOfAllSystems)
 {
-    // A GPS satellite as a message, and a state that hangs over Japan.
-    NavigationRecord turning;
-    turning.satellite = {GnssSystem::Gps, 5};
-    KeplerOrbit orbit;
-    orbit.referenceS = 1.33e9;
-    orbit.a = 2.656e7;
-    orbit.i0 = 0.96;
-    turning.orbit = orbit;
-    NavigationRecord hanging;
-    hanging.satellite = {GnssSystem::Sbas, 29};
-    StateVector state;
-    state.referenceS = 1.33e9;
-    state.position = {-3.34e7, 2.57e7, 0.0};
-    hanging.orbit = state;
     Constellations known;
-    const std::vector<NavigationRecord> records{turning, hanging};
-    known.Add(records);
-    const std::vector<SatelliteId> ids{turning.satellite,
-                                       hanging.satellite,
-                                       {GnssSystem::Galileo, 1}}; // of which nothing is known
+    known.Add(NominalMessages(1.33e9));
+    const std::vector<SatelliteId> ids{{GnssSystem::Gps, 5},
+                                       {GnssSystem::Glonass, 7},
+                                       {GnssSystem::Qzss, 2},
+                                       {GnssSystem::Sbas, 1}}; // of which nothing is known
     const std::vector<SearchSite> sites{SomeSites().front()};
     PlanSearch search(sites, {kFirst, 1, 0, 24, 10min}, known, ids);
     Finish(search);

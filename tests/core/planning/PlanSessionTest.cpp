@@ -1,17 +1,22 @@
+// The plan's page without a screen, and what it and the live sky keep between their runs.
+
 #include "core/planning/PlanSession.h"
 
-#include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
+#include "core/planning/PlanSettings.h"
 #include "core/planning/PlanSite.h"
-#include "core/platform/WholeFile.h"
+#include "core/planning/SkyPlotSettings.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/HandClock.h"
 
-#include <optional>
+#include <chrono>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -19,22 +24,107 @@ namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+using std::chrono::minutes;
 
-/// A clock that stands still.
-class StoppedClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override { return {}; }
-    [[nodiscard]] UtcTime Utc() const override { return time; }
-    [[nodiscard]] bool SetUtc(UtcTime) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-
-    UtcTime time = std::chrono::sys_days(2022y / std::chrono::March / 12) + 23h;
-};
-
-class PlanSessionTest : public ::testing::Test
+class SettingsTest : public ::testing::Test
 {
 protected:
+    TemporaryFolder m_home;
+    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    HostReg m_reg{m_roots};
+};
+
+TEST_F(SettingsTest, OfThePlanAreThoseOfANewUserAtFirst)
+{
+    const PlanSettings fresh = LoadPlanSettings(m_reg);
+    EXPECT_EQ(fresh, PlanSettings());
+    EXPECT_EQ(fresh, (PlanSettings{15, 9, 2, 0, 0, 13, L"東京都千代田区", 0}));
+    EXPECT_EQ(fresh.systems, SystemSetOf(GnssSystem::Gps));
+}
+
+TEST_F(SettingsTest, OfThePlanComeBackAsTheyWereSaved)
+{
+    PlanSettings kept{25, 7, 12, 4, 1, 27, L"自宅", 99, {7, 2.35, minutes(45)}};
+    kept.switchedOff = 0x80000005;
+    kept.systems = SystemSet(0b101);
+    kept.clockPerSystem = true;
+    kept.search = {5, 22, 9, {L"自宅", L"現場 2"}};
+    EXPECT_EQ(SavePlanSettings(m_reg, kept), 1);
+    SettingsRoots later(testing::FoldersBelow(m_home.Path()));
+    EXPECT_EQ(LoadPlanSettings(HostReg(later)), kept);
+
+    // Under the names that other programs of the controller know.
+    std::uint32_t mask = 0;
+    EXPECT_EQ(m_reg.ReadNumber(L"GPS\\SurveyPlan", L"ElMask", mask, 0), 1);
+    EXPECT_EQ(mask, 25U);
+}
+
+TEST_F(SettingsTest, OfThePlanFitTheControlsWhateverIsStored)
+{
+    using S = PlanSettings;
+    struct Row
+    {
+        const char* fault;
+        const wchar_t* key; ///< below that of the plan
+        const wchar_t* name;
+        std::uint32_t stored;
+        void (*fit)(S&); ///< makes of the settings of a new user what is loaded
+    };
+    const wchar_t* const own = L"";
+    const wchar_t* const limits = L"\\Conditions";
+    constexpr std::uint32_t kMost = 0xFFFFFFFF;
+    const Row rows[] = {
+        {"mask above the zenith", own, L"ElMask", 91, [](S& s) { s.elMaskDeg = 90; }},
+        {"mask below the horizon", own, L"ElMask", kMost - 9, [](S& s) { s.elMaskDeg = 0; }},
+        {"an hour too many", own, L"StartTime", 24, [](S& s) { s.startHour = 23, s.hours = 1; }},
+        {"no hours", own, L"DispTime", 0, [](S& s) { s.hours = 1; }},
+        {"beyond midnight", own, L"DispTime", 16, [](S& s) { s.hours = 15; }}, // it starts at 9
+        {"an unknown graph is kept", own, L"DrawType", 7, [](S& s) { s.drawType = 7; }},
+        {"no fix", limits, L"MinSatellites", 3, [](S& s) { s.limits.minSatellites = 4; }},
+        {"no int", limits, L"MinSatellites", kMost, [](S& s) { s.limits.minSatellites = 12; }},
+        {"no dilution", limits, L"MaxPdop", 0, [](S& s) { s.limits.maxPdop = 1.0; }},
+        {"any dilution", limits, L"MaxPdop", kMost, [](S& s) { s.limits.maxPdop = 10.0; }},
+        {"no length", limits, L"MinMinutes", 0, [](S& s) { s.limits.minLength = minutes(5); }},
+        {"days", limits, L"MinMinutes", 1U << 31, [](S& s) { s.limits.minLength = minutes(720); }},
+        {"all satellites off", limits, L"SwitchedOff", kMost, [](S&) {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        ASSERT_EQ(SavePlanSettings(m_reg, {}), 1);
+        const std::wstring key = std::wstring(L"GPS\\SurveyPlan") + row.key;
+        ASSERT_EQ(m_reg.WriteNumber(key.c_str(), row.name, row.stored), 1);
+        PlanSettings expected;
+        row.fit(expected);
+        EXPECT_EQ(LoadPlanSettings(m_reg), expected);
+    }
+    ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"ElMask", L"thirty"), 1);
+    ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"Position", std::wstring(256, L'x')), 1);
+    EXPECT_EQ(LoadPlanSettings(m_reg).elMaskDeg, 15) << "a text for a number";
+    EXPECT_EQ(LoadPlanSettings(m_reg).position, L"東京都千代田区") << "a text too long";
+}
+
+TEST_F(SettingsTest, OfTheSkyComeBackAndFitWhateverIsStored)
+{
+    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{});
+    const SkyPlotSettings chosen{Constellation::Unknown, SkyPlotSettings::View::List};
+    EXPECT_EQ(SaveSkyPlotSettings(m_reg, chosen), 1);
+    EXPECT_EQ(LoadSkyPlotSettings(m_reg), chosen);
+    std::uint32_t stored = 0;
+    EXPECT_EQ(m_reg.ReadNumber(L"GPS\\SkyPlot", L"Constellation", stored, 0), 1);
+    EXPECT_EQ(stored, 5U) << "the last of five, counted from 1";
+
+    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1);
+    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
+    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{}) << "beyond the last";
+}
+
+class PlanSessionTest : public SettingsTest
+{
+protected:
+    PlanSessionTest()
+    {
+        m_clock.utc = std::chrono::sys_days(2022y / std::chrono::March / 12) + 23h;
+    }
     void WriteAlmanac() const
     {
         const std::vector<std::uint8_t> almanac = testing::SampleFile();
@@ -51,10 +141,7 @@ protected:
         return (m_session.*move)(to);
     }
 
-    TemporaryFolder m_home;
-    SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
-    HostReg m_reg{m_roots};
-    StoppedClock m_clock;
+    testing::HandClock m_clock;
     PlanSession m_session{m_home.Path(), m_reg};
 };
 
@@ -92,7 +179,7 @@ TEST_F(PlanSessionTest, StopsAtAMissingAlmanacAndGoesOnWithItLater)
 TEST_F(PlanSessionTest, TellsOfAnOldAlmanacAndUsesIt)
 {
     WriteAlmanac();
-    m_clock.time += std::chrono::days(31);
+    m_clock.utc += std::chrono::days(31);
     EXPECT_EQ(m_session.Begin(m_clock).text, text::kAlmanacOld);
     EXPECT_EQ(m_session.Plan().Division(), 12);
     m_session.SetDate(2022y / std::chrono::March / 12);

@@ -31,15 +31,30 @@ inline constexpr int kSampleWeek = 2200;
     return record;
 }
 
-/// An almanac file with the first @p count satellites.
-[[nodiscard]] inline std::vector<std::uint8_t> SampleFile(int count = 30)
+/// Its first @p count satellites.
+[[nodiscard]] inline std::vector<AlmanacRecord> SampleSatellites(int count)
+{
+    std::vector<AlmanacRecord> records;
+    for (int prn = 1; prn <= count; ++prn) {
+        records.push_back(SampleSatellite(prn));
+    }
+    return records;
+}
+
+/// An almanac file.
+[[nodiscard]] inline std::vector<std::uint8_t> FileOf(const std::vector<AlmanacRecord>& records)
 {
     std::vector<std::uint8_t> content;
-    for (int prn = 1; prn <= count; ++prn) {
-        const AlmanacBytes bytes = EncodeAlmanac(SampleSatellite(prn));
+    for (const AlmanacRecord& record : records) {
+        const AlmanacBytes bytes = EncodeAlmanac(record);
         content.insert(content.end(), bytes.begin(), bytes.end());
     }
     return content;
+}
+
+[[nodiscard]] inline std::vector<std::uint8_t> SampleFile(int count = 30)
+{
+    return FileOf(SampleSatellites(count));
 }
 
 } // namespace fieldcore::testing

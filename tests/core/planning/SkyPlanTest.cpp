@@ -119,7 +119,7 @@ TEST(SkyPlan, LeavesThePlanOfGpsAloneAsItIs)
         EXPECT_NEAR(before->elevationRad, after->elevationRad, 0.005);
     }
 
-    plan.Calc().SetUse(4, 1);
+    plan.Calc().SetUse(4, 2);
     plan.SetSystems(*ParseSystems("G"));
     plan.Compute();
     EXPECT_EQ(plan.Satellites().size(), 32U);

@@ -1,13 +1,20 @@
+// The calculator, one of its satellites alone, and the records that it is given.
+
 #include "core/planning/SurveyPlanCalc.h"
 
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/CalendarTime.h"
 #include "tests/core/planning/IndependentSky.h"
 #include "tests/core/planning/SampleSky.h"
+#include "tests/support/Hex.h"
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <limits>
 #include <numbers>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,20 +22,166 @@
 namespace fieldcore {
 namespace {
 
+using testing::FileOf;
 using testing::kSampleWeek;
+using testing::PlaceOf;
 using testing::SampleFile;
 using testing::SampleSatellite;
 
-std::vector<std::uint8_t> FileOf(std::initializer_list<AlmanacRecord> records)
+constexpr double kWeekS = 604800.0;
+
+CAlmanacSatellite Loaded(const AlmanacRecord& record)
 {
-    std::vector<std::uint8_t> content;
-    for (const AlmanacRecord& record : records) {
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
-    }
-    return content;
+    CAlmanacSatellite satellite(record.prn);
+    satellite.SetRecord(EncodeAlmanac(record));
+    return satellite;
 }
 
+TEST(CAlmanacSatellite, StandsWhereAnIndependentComputationPutsIt)
+{
+    struct Row
+    {
+        std::string_view what;
+        double eccentricity;
+        double fromToaS;
+        int week; // of the request and, unless tk shifts it, of the almanac
+        Observer observer;
+    };
+    const Observer tokyo;
+    const Observer south{-0.6, -1.2, 2500.0};
+    const Row rows[] = {
+        {"at toa", 0.01, 0.0, kSampleWeek, tokyo},
+        {"circular", 0.0, 5000.0, kSampleWeek, tokyo},
+        {"some hours before toa", 0.02, -20000.0, kSampleWeek, tokyo},
+        {"a month on", 0.012, 2.6e6, kSampleWeek, tokyo},
+        {"weeks of ten bits", 0.012, 3600.0, 276, tokyo},
+        {"at the border of near and general orbits", 0.05, 12345.0, kSampleWeek, tokyo},
+        {"eccentric", 0.3, 12345.0, kSampleWeek, tokyo},
+        {"very eccentric", 0.9, 30000.0, kSampleWeek, tokyo},
+        {"southern and western", 0.008, 7000.0, kSampleWeek, south},
+        {"from the equator at Greenwich", 0.008, 7000.0, kSampleWeek, {0.0, 0.0, 0.0}},
+        {"from the north pole", 0.008, 7000.0, kSampleWeek, {1.5, 0.3, 0.0}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        for (int prn = 1; prn <= 30; ++prn) {
+            AlmanacRecord record = SampleSatellite(prn);
+            record.eccentricity = row.eccentricity;
+            record.week = static_cast<std::int16_t>(row.week);
+            CAlmanacSatellite satellite = Loaded(record);
+            const GpsEpoch epoch{row.week, record.toaS + row.fromToaS};
+            satellite.SetObserver(row.observer);
+            satellite.SetTime(epoch);
+            const auto expected = PlaceOf(record, row.fromToaS, row.observer);
+            EXPECT_EQ(satellite.Compute(), expected.elevationRad >= 0.0);
+            const Ecef position = satellite.GetPosition();
+            EXPECT_LT(std::hypot(position.x - expected.position.x, position.y - expected.position.y,
+                                 position.z - expected.position.z),
+                      1e-4)
+                << "m: a hundred times what rounding does over a month";
+            EXPECT_NEAR(satellite.GetAzimuth(), expected.azimuthRad, 1e-9);
+            EXPECT_NEAR(satellite.GetElevation(), expected.elevationRad, 1e-9);
+        }
+    }
+}
+
+TEST(CAlmanacSatellite, CountsWeeksInTheCycleOfTenBits)
+{
+    struct Row
+    {
+        std::string_view what;
+        int week;
+        std::int16_t almanacWeek;
+        double tkS;
+    };
+    const Row rows[] = {
+        {"both full", 2201, 2200, kWeekS},
+        {"request full, almanac 10-bit", 1300, 276, 0.0},
+        {"request 10-bit, almanac full", 276, 1300, 0.0},
+        {"one cycle is taken off, not all", 2100, 52, 1024 * kWeekS},
+        {"week 1023 stays", 1023, 1023, 0.0},
+        {"week 1024 is week 0", 1024, 1023, -1023 * kWeekS},
+        {"not folded into half a week", 105, 100, 5 * kWeekS},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        AlmanacRecord record = SampleSatellite(3);
+        record.week = row.almanacWeek;
+        const double toaS = AlmanacOrbit(record).Constants().toaCountS;
+        EXPECT_EQ(AlmanacOrbit::CountOf({row.week, record.toaS + 7.0}) - toaS, row.tkS + 7.0);
+    }
+}
+
+TEST(CAlmanacSatellite, IsNotAboveTheHorizonWhenItsRecordIsUnusable)
+{
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    using Spoil = void (*)(AlmanacRecord&);
+    const std::pair<std::string_view, Spoil> rows[] = {
+        {"unhealthy", [](AlmanacRecord& r) { r.health = 1; }},
+        {"eccentricity 1", [](AlmanacRecord& r) { r.eccentricity = 1.0; }},
+        {"eccentricity below 0", [](AlmanacRecord& r) { r.eccentricity = -1e-9; }},
+        {"eccentricity no number", [](AlmanacRecord& r) { r.eccentricity = kNan; }},
+        {"no size", [](AlmanacRecord& r) { r.sqrtA = 0.0; }},
+        {"infinite size", [](AlmanacRecord& r) { r.sqrtA = kInfinity; }},
+        {"an orbit that Newton's steps never settle on",
+         [](AlmanacRecord& r) {
+             r.sqrtA = 1e-6;
+             r.eccentricity = 0.5;
+         }},
+        {"node no number", [](AlmanacRecord& r) { r.omega0 = kNan; }},
+        {"anomaly infinite", [](AlmanacRecord& r) { r.m0 = -kInfinity; }},
+        {"inclination infinite", [](AlmanacRecord& r) { r.inclination = kInfinity; }},
+    };
+    // A satellite that stands high, found by the independent computation.
+    int prn = 1;
+    while (PlaceOf(SampleSatellite(prn), 1000.0, {}).elevationRad < 0.5) {
+        ++prn;
+    }
+    for (const auto& [fault, spoil] : rows) {
+        SCOPED_TRACE(fault);
+        AlmanacRecord record = SampleSatellite(prn);
+        CAlmanacSatellite satellite = Loaded(record);
+        satellite.SetTime({kSampleWeek, record.toaS + 1000.0});
+        ASSERT_TRUE(satellite.Compute());
+        const double before = satellite.GetElevation();
+        spoil(record);
+        satellite.SetRecord(EncodeAlmanac(record));
+        EXPECT_FALSE(satellite.Compute());
+        EXPECT_FALSE(satellite.TestVisibility({}));
+        EXPECT_EQ(satellite.IsVisible(), 0);
+        EXPECT_EQ(satellite.GetElevation(), before) << "angles stay as they were";
+    }
+}
+
+TEST(AlmanacRecord, HasEveryFieldWhereTheFileHasIt)
+{
+    AlmanacRecord record;
+    record.prn = 32;
+    record.timeStamp = 0x89ABCDEF;
+    record.week = -2;
+    record.toaS = 405504; // 0x63000
+    record.sqrtA = 1.5;   // 0x3FF8 and zeros
+    record.eccentricity = -2.0;
+    record.inclination = 2.5;
+    record.omegaDot = 3.0;
+    record.omega0 = 3.5;
+    record.omega = 5.0;
+    record.m0 = 6.0;
+    record.health = 63;
+    const auto bytes = testing::Hex("20000000 EFCDAB89 FEFF0000 00300600"
+                                    "000000000000F83F 00000000000000C0"
+                                    "0000000000000440 0000000000000840"
+                                    "0000000000000C40 0000000000001440"
+                                    "0000000000001840 3F00000000000000");
+    AlmanacBytes expected{};
+    ASSERT_EQ(bytes.size(), expected.size());
+    std::copy(bytes.begin(), bytes.end(), expected.begin());
+    EXPECT_EQ(EncodeAlmanac(record), expected);
+    EXPECT_EQ(EncodeAlmanac(DecodeAlmanac(expected)), expected);
+}
+
+using testing::FileOf;
 AlmanacRecord WithPrn(AlmanacRecord record, std::uint8_t prn)
 {
     record.prn = prn;
@@ -69,7 +222,7 @@ TEST(CSurveyPlanCalc, CountsWhatStandsAboveTheMask)
         int expected = 0;
         std::vector<Ecef> positions;
         for (int prn = 1; prn <= 30; ++prn) {
-            const auto place = testing::PlaceOf(SampleSatellite(prn), tkS, Observer{});
+            const auto place = PlaceOf(SampleSatellite(prn), tkS, Observer{});
             if (place.elevationRad >= 0.2) {
                 ++expected;
                 positions.push_back(place.position);
@@ -118,21 +271,19 @@ TEST(CSurveyPlanCalc, NeedsFourSatellitesForADilution)
     calc.SetTime(kSampleWeek, SampleSatellite(1).toaS);
     int left = calc.CountVisible();
     ASSERT_GT(left, 4);
-    for (int index = 0; left > 4; ++index) {
-        if (calc.GetSatellite(index).IsVisible() != 0) {
-            calc.SetUse(index, 0);
-            --left;
+    const auto leave = [&](int count) {
+        for (int index = 0; left > count; ++index) {
+            if (calc.GetSatellite(index).IsVisible() != 0) {
+                calc.SetUse(index, 0);
+                --left;
+            }
         }
-    }
-    EXPECT_EQ(calc.CountVisible(), 4);
+        return calc.CountVisible();
+    };
+    EXPECT_EQ(leave(4), 4);
     EXPECT_TRUE(std::isfinite(calc.ComputeDop().pdop));
     EXPECT_NE(calc.ComputeDop().pdop, 16.0);
-    for (int index = 0; left > 3; ++index) {
-        if (calc.GetSatellite(index).IsVisible() != 0) {
-            calc.SetUse(index, 0);
-            --left;
-        }
-    }
+    EXPECT_EQ(leave(3), 3);
     const DopValues none = calc.ComputeDop();
     EXPECT_EQ(none.pdop, 16.0);
     EXPECT_EQ(none.gdop, 16.0);
@@ -165,33 +316,33 @@ TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
 
 TEST(AlmanacTime, IsTheLatestOfTheValidSatellites)
 {
-    AlmanacRecord early = SampleSatellite(1);
-    AlmanacRecord late = SampleSatellite(2);
-    late.week = kSampleWeek + 1;
-    late.toaS = 61440;
-    AlmanacRecord broadcast = SampleSatellite(3);
-    broadcast.week = 176; // 1200 in the cycle before
-    AlmanacRecord broken = SampleSatellite(4);
-    broken.week = -1;
-    AlmanacRecord beyond = SampleSatellite(5);
-    beyond.toaS = 604801;
-    AlmanacRecord lastSecond = SampleSatellite(6);
-    lastSecond.week = 1100;
-    lastSecond.toaS = 604800;
+    const auto of = [](int prn, std::int16_t week, std::uint32_t toaS) {
+        AlmanacRecord record = SampleSatellite(prn);
+        record.week = week;
+        record.toaS = toaS;
+        return record;
+    };
     CSurveyPlanCalc calc;
     EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "no almanac";
-    ASSERT_TRUE(calc.LoadAlmanac(FileOf({early, late, broadcast, broken, beyond, lastSecond})));
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek + 1);
+    ASSERT_TRUE(calc.LoadAlmanac(
+        FileOf({of(1, kSampleWeek, 405504), of(2, kSampleWeek + 1, 61440),
+                of(3, 176, 405504), // 1200 in the cycle before
+                of(4, -1, 405504), of(5, kSampleWeek, 604801), of(6, 1100, 604800)})));
     EXPECT_EQ((AlmanacTime(calc).GetUtcTime() - CGPSTime::m_OriginalTime).GetTotalSeconds(),
               (kSampleWeek + 1) * 604800LL + 61440);
-    calc.SetUse(1, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), kSampleWeek) << "switched off";
-    calc.SetUse(0, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1200) << "a 10-bit week";
-    calc.SetUse(2, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1101) << "at the very end of its week";
-    calc.SetUse(5, 0);
-    EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), 1024) << "a time that is none never wins";
+    struct Row
+    {
+        const char* what;
+        int switchedOff; // besides those above
+        int week;
+    };
+    for (const Row& row : {Row{"the latest is switched off", 1, kSampleWeek},
+                           {"a 10-bit week", 0, 1200},
+                           {"at the very end of its week", 2, 1101},
+                           {"a time that is none never wins", 5, 1024}}) {
+        calc.SetUse(row.switchedOff, 0);
+        EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), row.week) << row.what;
+    }
 }
 
 TEST(AlmanacTime, IsOldAfterThirtyDays)

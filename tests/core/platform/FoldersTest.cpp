@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -35,20 +36,13 @@ FolderSources Sources(Environment environment)
 
 TEST(Folders, FollowTheEnvironment)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string environment;
-        fs::path (Folders::*folder)() const;
-        fs::path expected;
-    };
-    const Row rows[] = {
+    using Folder = fs::path (Folders::*)() const;
+    const std::tuple<const char*, std::string, Folder, fs::path> rows[] = {
         {"default data", "HOME=/h", &Folders::Program, "/h/.local/share/fieldcore"},
         {"default state", "HOME=/h", &Folders::BuiltInStorage, "/h/.local/state/fieldcore"},
         {"default settings", "HOME=/h", &Folders::Settings, "/h/.config/fieldcore"},
         {"machine settings beside the user's", "HOME=/h", &Folders::MachineSettings,
          "/h/.config/fieldcore"},
-        {"default documents", "HOME=/h", &Folders::Documents, "/h/Documents"},
         {"data moved", "HOME=/h XDG_DATA_HOME=/d", &Folders::Program, "/d/fieldcore"},
         {"state moved", "HOME=/h XDG_STATE_HOME=/s", &Folders::BuiltInStorage, "/s/fieldcore"},
         {"settings moved", "HOME=/h XDG_CONFIG_HOME=/c", &Folders::Settings, "/c/fieldcore"},
@@ -63,27 +57,21 @@ TEST(Folders, FollowTheEnvironment)
         {"no home", "", &Folders::Settings, "/account/anna/.config/fieldcore"},
         {"relative home", "HOME=h", &Folders::Settings, "/account/anna/.config/fieldcore"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, variables, folder, expected] : rows) {
+        SCOPED_TRACE(fault);
         Environment environment;
-        std::istringstream words(row.environment);
+        std::istringstream words(variables);
         for (std::string word; words >> word;) {
             environment[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
         }
         const Folders folders(Sources(environment));
-        EXPECT_EQ((folders.*row.folder)(), row.expected);
+        EXPECT_EQ((folders.*folder)(), expected);
     }
 }
 
 TEST(Folders, ReadTheDesktopsDocumentsFolder)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string file;
-        fs::path expected;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::string, fs::path> rows[] = {
         {"below home", "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n", "/h/Papers"},
         {"absolute, with a blank", "  XDG_DOCUMENTS_DIR=\"/data/my papers\"\n", "/data/my papers"},
         {"escaped sign", "XDG_DOCUMENTS_DIR=\"$HOME/A\\$B\\\"C\"\n", "/h/A$B\"C"},
@@ -96,10 +84,10 @@ TEST(Folders, ReadTheDesktopsDocumentsFolder)
     };
     const TemporaryFolder config;
     const Folders folders(Sources({{"HOME", "/h"}, {"XDG_CONFIG_HOME", config.Path().string()}}));
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        config.Write("user-dirs.dirs", row.file);
-        EXPECT_EQ(folders.Documents(), row.expected);
+    for (const auto& [fault, file, expected] : rows) {
+        SCOPED_TRACE(fault);
+        config.Write("user-dirs.dirs", file);
+        EXPECT_EQ(folders.Documents(), expected);
     }
 }
 

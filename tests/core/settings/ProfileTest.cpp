@@ -3,8 +3,7 @@
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
-#include <functional>
+#include <initializer_list>
 #include <string>
 #include <thread>
 
@@ -59,60 +58,37 @@ TEST(Profile, LeavesAloneWhatIsNoProfile)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const fs::path huge = folder.Write("huge.ini", "[S]\r\nK=v\r\n");
     fs::resize_file(huge, kMaxProfileBytes + 1);
-    struct Row
-    {
-        const char* fault;
-        fs::path file;
-    };
-    const Row rows[] = {
-        {"waits for a pipe", pipe},
-        {"a folder", folder.Path()},
-        {"a file too large", huge},
-        {"no folder to write in", folder.Path() / "missing" / "p.ini"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const fs::path& file : {pipe, folder.Path(), huge, folder.Path() / "missing" / "p.ini"}) {
+        SCOPED_TRACE(file);
         std::wstring value;
-        EXPECT_EQ(ReadProfile(L"S", L"K", L"default", value, row.file), 0);
+        EXPECT_EQ(ReadProfile(L"S", L"K", L"default", value, file), 0);
         EXPECT_EQ(value, L"default");
-        EXPECT_EQ(WriteProfile(L"S", L"K", L"v", row.file), 0);
+        EXPECT_EQ(WriteProfile(L"S", L"K", L"v", file), 0);
     }
 }
 
 TEST(Profile, WritesToNothingThatOthersLeftUnderTheTemporaryName)
 {
-    struct Row
-    {
-        const char* left;
-        std::function<void(const fs::path& victim, const fs::path& temporary)> make;
-    };
-    const Row rows[] = {
-        {"a link", [](const fs::path& victim,
-                      const fs::path& temporary) { fs::create_symlink(victim, temporary); }},
-        {"a second name of a file",
-         [](const fs::path& victim, const fs::path& temporary) {
-             fs::create_hard_link(victim, temporary);
-         }},
-        {"a pipe",
-         [](const fs::path&, const fs::path& temporary) {
-             ASSERT_EQ(mkfifo(temporary.c_str(), 0666), 0);
-         }},
-        {"a file that everybody may write to",
-         [](const fs::path&, const fs::path& temporary) {
-             std::ofstream(temporary) << "theirs";
-             ASSERT_EQ(chmod(temporary.c_str(), 0666), 0);
-             if (geteuid() == 0) { // else it is at least its mode
-                 ASSERT_EQ(chown(temporary.c_str(), 65534, 65534), 0);
-             }
-         }},
-    };
     const mode_t mask = umask(027);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.left);
+    for (const std::string left : {"link", "second name", "pipe", "file of everybody"}) {
+        SCOPED_TRACE(left);
         const TemporaryFolder folder;
         const fs::path victim = folder.Write("victim", "kept");
         const fs::path file = folder.Path() / "p.ini";
-        row.make(victim, folder.Path() / kTemporary);
+        const fs::path temporary = folder.Path() / kTemporary;
+        if (left == "link") {
+            fs::create_symlink(victim, temporary);
+        } else if (left == "second name") {
+            fs::create_hard_link(victim, temporary);
+        } else if (left == "pipe") {
+            ASSERT_EQ(mkfifo(temporary.c_str(), 0666), 0);
+        } else {
+            folder.Write(kTemporary, "theirs");
+            ASSERT_EQ(chmod(temporary.c_str(), 0666), 0);
+            if (geteuid() == 0) { // else it is at least its mode
+                ASSERT_EQ(chown(temporary.c_str(), 65534, 65534), 0);
+            }
+        }
         EXPECT_EQ(WriteProfile(L"S", L"K", L"v", file), 1);
         EXPECT_EQ(ContentOf(victim), "kept");
         struct stat written = {};

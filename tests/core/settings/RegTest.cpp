@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +23,15 @@ protected:
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     CReg m_reg{m_roots};
+
+    /// @return 0xDEAD, which no test writes, where there is none
+    [[nodiscard]] std::uint32_t NumberIn(std::wstring_view key, std::wstring_view name = L"n") const
+    {
+        std::uint32_t number = 0;
+        const int found = m_reg.ReadNumber(key, name, number, 0xDEAD);
+        EXPECT_EQ(found, number == 0xDEAD ? 0 : 1);
+        return number;
+    }
 };
 
 TEST_F(Reg, GivesTheDefaultForWhatItCannotRead)
@@ -123,27 +131,26 @@ TEST_F(Reg, MeansTheSameKeyByDifferentPaths)
         const wchar_t* base;
         const wchar_t* subkey;
         const wchar_t* name;
-        int found;
+        std::uint32_t number = 15;
     };
     m_reg.WriteNumber(L"Software\\Host\\GPS", L"Mask", 15);
     m_reg.WriteNumber(L"ключ\\Ωμέγα\\ＡＢＣ", L"Mask", 15);
     const Row rows[] = {
-        {"base and subkey not joined", L"Software\\Host", L"GPS", L"Mask", 1},
-        {"base alone", L"Software\\Host\\GPS", L"", L"Mask", 1},
-        {"subkey alone", L"", L"Software\\Host\\GPS", L"Mask", 1},
-        {"separator at the end", L"Software\\Host\\", L"GPS\\", L"Mask", 1},
-        {"case of a key", L"SOFTWARE\\host", L"gps", L"Mask", 1},
-        {"case of a value", L"Software\\Host", L"GPS", L"MASK", 1},
-        {"case of Greek, Cyrillic and wide letters", L"КЛЮЧ", L"ωΜέΓα\\ａｂｃ", L"Mask", 1},
-        {"another key", L"Software\\Host", L"GPS2", L"Mask", 0},
-        {"the key above", L"Software", L"Host", L"Mask", 0},
+        {"base and subkey not joined", L"Software\\Host", L"GPS", L"Mask"},
+        {"base alone", L"Software\\Host\\GPS", L"", L"Mask"},
+        {"subkey alone", L"", L"Software\\Host\\GPS", L"Mask"},
+        {"separator at the end", L"Software\\Host\\", L"GPS\\", L"Mask"},
+        {"case of a key", L"SOFTWARE\\host", L"gps", L"Mask"},
+        {"case of a value", L"Software\\Host", L"GPS", L"MASK"},
+        {"case of Greek, Cyrillic and wide letters", L"КЛЮЧ", L"ωΜέΓα\\ａｂｃ", L"Mask"},
+        {"another key", L"Software\\Host", L"GPS2", L"Mask", 0xDEAD},
+        {"the key above", L"Software", L"Host", L"Mask", 0xDEAD},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         m_reg.SetRootKey(RootKey::CurrentUser, 0);
         ASSERT_EQ(m_reg.SetBasePath(row.base), 1);
-        std::uint32_t number = 0;
-        EXPECT_EQ(m_reg.ReadNumber(row.subkey, row.name, number, 0), row.found);
+        EXPECT_EQ(NumberIn(row.subkey, row.name), row.number);
     }
 }
 
@@ -178,27 +185,13 @@ TEST_F(Reg, MakesKeysOnlyWithTheCreateFlag)
 
 TEST_F(Reg, ReadsBytesOfAnotherLength)
 {
-    struct Row
-    {
-        const char* fault;
-        Bytes stored;
-        int result;
-        Bytes read;
-    };
-    const Row rows[] = {
-        {"the rest is not default", {1, 2}, 1, {1, 2, 9, 0}},
-        {"cut although it does not fit", {1, 2, 3, 4, 5}, 0, {9, 9, 9, 0}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        m_reg.WriteBinary(L"K", L"bytes", row.stored);
+    for (const Bytes& stored : {Bytes{1, 2}, Bytes{1, 2, 3, 4, 5}}) {
+        const bool fits = stored.size() < 4;
+        m_reg.WriteBinary(L"K", L"bytes", stored);
         Bytes bytes(4, 0x55);
-        EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", bytes, Bytes{9, 9, 9}), row.result);
-        EXPECT_EQ(bytes, row.read);
-        Bytes kept(5);
-        m_reg.ReadBinary(L"K", L"bytes", kept, {});
-        kept.resize(row.stored.size());
-        EXPECT_EQ(kept, row.stored);
+        EXPECT_EQ(m_reg.ReadBinary(L"K", L"bytes", bytes, Bytes{9, 9, 9}), fits ? 1 : 0);
+        EXPECT_EQ(bytes, fits ? (Bytes{1, 2, 9, 0}) : (Bytes{9, 9, 9, 0}));
+        EXPECT_EQ(m_reg.Store().Get(L"K", L"bytes").value, SettingsValue(stored)) << "lost";
     }
 }
 
@@ -248,19 +241,14 @@ TEST_F(Reg, KeepsTheRootsApart)
 {
     m_reg.WriteNumber(L"K", L"n", 1);
     m_reg.SetRootKey(RootKey::LocalMachine, 1);
-    std::uint32_t number = 0;
-    EXPECT_EQ(m_reg.ReadNumber(L"K", L"n", number, 5), 0);
-    EXPECT_EQ(number, 5U);
+    EXPECT_EQ(NumberIn(L"K"), 0xDEADU);
 }
 
 TEST_F(Reg, OfTheHostStartsAtItsOwnKey)
 {
     EXPECT_EQ(HostReg(m_roots).WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 38400), 1);
-    std::uint32_t baud = 0;
-    EXPECT_EQ(m_reg.ReadNumber(L"Software\\Aldex-Corvane\\olen+(GPS)\\GPS\\Com\\Com0", L"Baudlate",
-                               baud, 0),
-              1);
-    EXPECT_EQ(baud, 38400U);
+    EXPECT_EQ(NumberIn(L"Software\\Aldex-Corvane\\olen+(GPS)\\GPS\\Com\\Com0", L"Baudlate"),
+              38400U);
 }
 
 TEST_F(Reg, StoresABatchAsAWhole)
@@ -271,18 +259,16 @@ TEST_F(Reg, StoresABatchAsAWhole)
         EXPECT_FALSE(SettingsBatch(m_reg.Store()).IsOpen()); // and does not end the first
         EXPECT_EQ(m_reg.WriteNumber(L"A", L"n", 1), 1);
         EXPECT_EQ(m_reg.DeleteKey(L"", L"Missing"), 0);
-        std::uint32_t number = 0;
-        EXPECT_EQ(m_reg.ReadNumber(L"A", L"n", number, 0), 1);
+        EXPECT_EQ(NumberIn(L"A"), 1U);
     }
     m_reg.SetRootKey(RootKey::CurrentUser, 0);
-    std::uint32_t number = 0;
-    EXPECT_EQ(m_reg.ReadNumber(L"A", L"n", number, 0), 0);
+    EXPECT_EQ(NumberIn(L"A"), 0xDEADU);
     m_reg.SetRootKey(RootKey::CurrentUser, 1);
     SettingsBatch batch(m_reg.Store());
     EXPECT_EQ(m_reg.WriteNumber(L"A", L"n", 1), 1);
     EXPECT_TRUE(batch.Commit());
     EXPECT_FALSE(batch.Commit());
-    EXPECT_EQ(m_reg.ReadNumber(L"A", L"n", number, 0), 1);
+    EXPECT_EQ(NumberIn(L"A"), 1U);
 }
 
 } // namespace

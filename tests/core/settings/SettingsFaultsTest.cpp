@@ -3,17 +3,17 @@
 #include "core/settings/SettingsTree.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/FragileDisk.h"
 #include "tests/support/ProofSize.h"
+#include "tests/support/Refusal.h"
 #include "tests/support/SqliteFileLayer.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iterator>
-#include <map>
 #include <new>
 #include <string>
 #include <utility>
@@ -26,6 +26,8 @@ namespace fieldcore {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::FileCall;
+using testing::FragileDisk;
 using testing::SqliteFileLayer;
 
 constexpr auto kCreate = KeyOpening::Create;
@@ -98,21 +100,21 @@ TEST(SettingsFaults, EveryCallMayFail)
         bool isNew; // there is no file yet
         std::function<bool(SettingsStore&)> run;
     };
+    const auto setInK = [](SettingsStore& store) {
+        return store.Set(L"K", L"n", std::uint32_t{7}, kCreate);
+    };
     const Row rows[] = {
         {"get", false, ReadsWhatWasStored},
         {"list", false, ListsWhatWasStored},
-        {"set", false,
-         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set", false, setInK},
         {"set in a new key", false,
          [](SettingsStore& store) { return store.Set(L"N\\K", L"n", std::uint32_t{7}, kCreate); }},
-        {"set in a new file", true,
-         [](SettingsStore& store) { return store.Set(L"K", L"n", std::uint32_t{7}, kCreate); }},
+        {"set in a new file", true, setInK},
         {"two together", false, StoresTwoTogether},
         {"delete a value", false,
          [](SettingsStore& store) { return store.DeleteValue(L"K", L"n"); }},
         {"delete a key", false, [](SettingsStore& store) { return store.DeleteKey(L"K"); }},
     };
-    const int stride = testing::ProofSize("FIELDCORE_STRIDE", 50); // behind the first 150
     const TemporaryFolder filled;
     Fill(filled.Path());
     for (std::size_t at = 0; at < 2 * std::size(rows); ++at) {
@@ -120,141 +122,43 @@ TEST(SettingsFaults, EveryCallMayFail)
         const bool isOfMemory = at % 2 == 1;
         std::string before;
         std::string after;
-        int calls = 1;
-        int cases = 0;
-        for (int n = 0; n <= calls; n += n < 150 ? 1 : stride) { // n == 0: nothing fails
-            for (const bool once : {true, false}) {
-                ++cases;
-                const TemporaryFolder folder;
-                if (!row.isNew) {
-                    fs::copy(filled.Path(), folder.Path());
-                }
-                before = n == 0 ? FoundLater(folder) : before;
-                const auto memory = sqlite3_memory_used();
-                const auto process = testing::CountProcess();
-                int count = 0;
-                std::string failed;
-                bool isDone = false;
-                bool isTold = false;
-                {
-                    const SqliteFileLayer layer([&](const SqliteFileLayer::Call& call) {
-                        if ((call.name == "memory") != isOfMemory) {
-                            return false;
-                        }
-                        ++count;
-                        const bool fails = n > 0 && (once ? count == n : count >= n);
-                        failed = fails && failed.empty() ? call.name : failed;
-                        return fails;
-                    });
-                    try {
-                        SqliteSettingsStore store(folder.Path() / "user.db");
-                        isTold = !store.TakeNotice().IsEmpty();
-                        isDone = row.run(store);
-                        EXPECT_EQ(store.IsKept(), !isTold);
-                    } catch (const std::bad_alloc&) {
-                        EXPECT_TRUE(isOfMemory);
-                    }
-                }
-                SCOPED_TRACE(std::string(row.operation) + ", call " + std::to_string(n) + ", " +
-                             failed + (once ? "" : " and all later ones"));
-                EXPECT_EQ(sqlite3_memory_used(), memory);
-                EXPECT_EQ(testing::CountProcessAgain(process), process);
-                const std::string found = FoundLater(folder);
-                if (n == 0) {
-                    EXPECT_TRUE(isDone && !isTold);
-                    after = found;
-                    calls = count;
-                } else {
-                    EXPECT_TRUE(found == after || (found == before && (!isDone || isTold)))
-                        << found;
+        const int cases = testing::RefuseInTurn(row.operation, [&](testing::Refusal& refusal) {
+            const TemporaryFolder folder;
+            if (!row.isNew) {
+                fs::copy(filled.Path(), folder.Path());
+            }
+            before = refusal.n == 0 ? FoundLater(folder) : before;
+            const auto memory = sqlite3_memory_used();
+            const auto process = testing::CountProcess();
+            std::string failed;
+            bool isDone = false;
+            bool isTold = false;
+            {
+                const SqliteFileLayer layer([&](const FileCall& call) {
+                    const bool fails = (call.name == "memory") == isOfMemory && refusal.IsNext();
+                    failed = fails && failed.empty() ? call.name : failed;
+                    return fails;
+                });
+                try {
+                    SqliteSettingsStore store(folder.Path() / "user.db");
+                    isTold = !store.TakeNotice().IsEmpty();
+                    isDone = row.run(store);
+                    EXPECT_EQ(store.IsKept(), !isTold);
+                } catch (const std::bad_alloc&) {
+                    EXPECT_TRUE(isOfMemory);
                 }
             }
-        }
+            SCOPED_TRACE(failed);
+            EXPECT_EQ(sqlite3_memory_used(), memory);
+            EXPECT_EQ(testing::CountProcessAgain(process), process);
+            const std::string found = FoundLater(folder);
+            after = refusal.n == 0 ? found : after;
+            EXPECT_TRUE(found == after || (found == before && (!isDone || isTold))) << found;
+            EXPECT_TRUE(refusal.n > 0 || (isDone && !isTold));
+        });
         testing::Measured(cases, isOfMemory ? "allocations refused" : "failing calls");
     }
 }
-
-/// The files of a store on a disk that keeps only what was synced for certain.
-class FragileDisk
-{
-public:
-    enum class Unsynced
-    {
-        Dropped,
-        Halved, ///< the first half of the writes, and the next one torn
-        Kept
-    };
-    struct Step
-    {
-        SqliteFileLayer::Call call;
-        std::vector<std::uint8_t> bytes;
-    };
-
-    void Do(const Step& step)
-    {
-        File& file = m_files[fs::path(step.call.file).filename().string()];
-        if (step.call.name == "sync") {
-            file.synced = After(file, Unsynced::Kept);
-            file.waiting.clear();
-        } else if (step.call.name == "delete") {
-            file = {};
-            file.isThere = false;
-        } else {
-            file.isThere = true;
-            file.waiting.push_back(&step);
-        }
-    }
-
-    /// Leaves the files as the power cut does.
-    /// @param log, others  what becomes of what was not synced
-    void Cut(const fs::path& folder, Unsynced log, Unsynced others) const
-    {
-        for (const auto& [name, file] : m_files) {
-            if (file.isThere) {
-                std::ofstream(folder / name, std::ios::binary)
-                    << After(file, name.ends_with("-wal") ? log : others);
-            }
-        }
-    }
-
-private:
-    struct File
-    {
-        bool isThere = true;
-        std::string synced;
-        std::vector<const Step*> waiting;
-    };
-
-    static void Apply(std::string& content, const Step& step, std::size_t count)
-    {
-        const auto at = static_cast<std::size_t>(step.call.at);
-        if (step.call.name == "truncate") {
-            content.resize(at);
-        } else {
-            content.resize(std::max(content.size(), at + count));
-            std::copy_n(step.bytes.begin(), count, content.begin() + step.call.at);
-        }
-    }
-
-    static std::string After(const File& file, Unsynced unsynced)
-    {
-        std::string content = file.synced;
-        const std::size_t count = file.waiting.size();
-        const std::size_t whole = unsynced == Unsynced::Kept     ? count
-                                  : unsynced == Unsynced::Halved ? count / 2
-                                                                 : 0;
-        for (std::size_t i = 0; i < whole; ++i) {
-            Apply(content, *file.waiting[i], file.waiting[i]->bytes.size());
-        }
-        if (unsynced == Unsynced::Halved && whole < count &&
-            file.waiting[whole]->call.name == "write") {
-            Apply(content, *file.waiting[whole], file.waiting[whole]->bytes.size() / 2);
-        }
-        return content;
-    }
-
-    std::map<std::string, File> m_files;
-};
 
 /// The power goes after each write, and of what was not synced any part is there: the settings are
 /// those of the last operation that was done, or of the one under way, and never a mixture.
@@ -262,7 +166,8 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
 {
     using Unsynced = FragileDisk::Unsynced;
     const TemporaryFolder folder;
-    std::vector<FragileDisk::Step> steps;
+    FragileDisk disk(folder.Path());
+    std::vector<FileCall> steps;
     struct Done
     {
         std::size_t steps;
@@ -270,10 +175,10 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
     };
     std::vector<Done> done;
     {
-        const SqliteFileLayer layer([&](const SqliteFileLayer::Call& call) {
+        const SqliteFileLayer layer([&](const FileCall& call) {
             for (const char* const change : {"write", "truncate", "sync", "delete"}) {
                 if (call.name == change) {
-                    steps.push_back({call, {call.bytes.begin(), call.bytes.end()}});
+                    steps.push_back(call);
                 }
             }
             return false;
@@ -295,7 +200,6 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
     done.front().steps = 0; // an empty store is what is there before it is made, too
     const auto stride = static_cast<std::size_t>(testing::ProofSize("FIELDCORE_STRIDE", 50));
     constexpr std::size_t kLastOnes = 80; // behind those that make the store
-    FragileDisk disk;
     int cases = 0;
     std::size_t last = 0;
     for (std::size_t step = 0; step < steps.size(); ++step) {
@@ -312,16 +216,16 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
             {Unsynced::Kept, Unsynced::Dropped},
         };
         for (const auto& [log, others] : kLeft) {
-            ++cases;
-            const TemporaryFolder after;
-            disk.Cut(after.Path(), log, others);
-            const std::string found = FoundLater(after);
-            const std::string& next = done[std::min(last + 1, done.size() - 1)].settings;
-            EXPECT_TRUE(found == done[last].settings || found == next)
-                << "cut behind step " << step << " of " << steps.size() << ", "
-                << steps[step].call.name << " of " << steps[step].call.file << ", log "
-                << static_cast<int>(log) << ", others " << static_cast<int>(others) << ": "
-                << found;
+            disk.Cut(log, others, [&](const TemporaryFolder& left) {
+                ++cases;
+                const std::string found = FoundLater(left);
+                const std::string& next = done[std::min(last + 1, done.size() - 1)].settings;
+                EXPECT_TRUE(found == done[last].settings || found == next)
+                    << "cut behind step " << step << " of " << steps.size() << ", "
+                    << steps[step].name << " of " << steps[step].file << ", log "
+                    << static_cast<int>(log) << ", others " << static_cast<int>(others) << ": "
+                    << found;
+            });
         }
     }
     testing::Measured(cases, "power cuts");

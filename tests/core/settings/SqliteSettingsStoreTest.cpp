@@ -1,9 +1,8 @@
 #include "core/platform/SqliteSettingsStore.h"
 
-#include "core/settings/HostReg.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/core/settings/FileSizeLimit.h"
-#include "tests/core/settings/Writer.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ProofSize.h"
 
 #include <chrono>
@@ -13,6 +12,7 @@
 #include <fstream>
 #include <functional>
 #include <initializer_list>
+#include <list>
 #include <random>
 #include <sstream>
 #include <string>
@@ -22,7 +22,6 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fieldcore {
@@ -30,7 +29,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::FileSizeLimit;
-using testing::Writer;
+using testing::Worker;
 
 constexpr auto kCreate = KeyOpening::Create;
 
@@ -130,6 +129,7 @@ TEST(SqliteSettingsStore, SetsADamagedFileAside)
         {"not a database", overwrite(0, 100), true},
         {"a page in the middle", overwrite(3 * 4096L, 2000), true},
         {"cut off", [](const fs::path& file) { fs::resize_file(file, 5000); }, true},
+        {"cut in its header", [](const fs::path& file) { fs::resize_file(file, 50); }, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
@@ -172,77 +172,43 @@ TEST(SqliteSettingsStore, LeavesASoundFileThatItCannotUse)
     }
 }
 
-TEST(SqliteSettingsStore, WorksAfterAnyDamage)
-{
-    const TemporaryFolder folder;
-    const fs::path sound = FilledFile(folder);
-    const std::string whole = ContentOf(sound);
-    std::mt19937 random(20261121);
-    for (int i = 0; i < 100; ++i) {
-        SCOPED_TRACE(i);
-        const fs::path file = folder.Path() / std::to_string(i) / "user.db";
-        std::string damaged = whole;
-        const std::size_t at = random() % whole.size();
-        if (i % 2 == 0) {
-            damaged.resize(at);
-        } else {
-            damaged[at] = static_cast<char>(damaged[at] ^ (1 << random() % 8));
-        }
-        folder.Write(file.lexically_relative(folder.Path()), damaged);
-        SqliteSettingsStore store(file);
-        const std::string notice = store.TakeNotice().Words();
-        const std::size_t values = store.Values(L"K").value().size();
-        EXPECT_TRUE(notice.empty() ? values <= 300 : values == 0) << notice;
-        if (!notice.empty()) {
-            const bool isLeft = notice.find("damaged") == std::string::npos;
-            EXPECT_EQ(ContentOf(isLeft ? file.string() : file.string() + ".damaged-1"), damaged)
-                << "nothing is thrown away";
-        }
-        EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-        EXPECT_EQ(NumberIn(store, L"K", L"n"), 7U);
-    }
-}
-
-TEST(SqliteSettingsStore, WorksWhereItsFileIsNoFile)
+TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
 {
     const TemporaryFolder folder;
     const fs::path pipe = folder.Path() / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const fs::path directory = folder.Path() / "folder";
-    fs::create_directory(directory);
-    for (const fs::path& file : {pipe, directory}) {
-        SCOPED_TRACE(file.filename());
+    const fs::path plain = folder.Write("folder/plain", "");
+    for (const fs::path& file : {pipe, plain.parent_path(), plain / "below" / "user.db"}) {
+        SCOPED_TRACE(file);
         SqliteSettingsStore store(file);
-        EXPECT_EQ(store.TakeNotice().kind, SettingsNotice::Kind::NotKept);
+        const SettingsNotice notice = store.TakeNotice();
+        EXPECT_EQ(notice.kind, SettingsNotice::Kind::NotKept);
+        EXPECT_NE(notice.Words().find("cannot be saved"), std::string::npos);
+        EXPECT_TRUE(store.TakeNotice().IsEmpty());
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-        EXPECT_EQ(NumberIn(store, L"K", L"n"), 7U);
+        EXPECT_EQ(NumberIn(store, L"k", L"N"), 7U);
     }
-    EXPECT_TRUE(fs::is_fifo(pipe) && fs::is_directory(directory)) << "they are not ours";
-}
-
-TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
-{
-    const TemporaryFolder folder;
-    const fs::path plain = folder.Write("plain", "");
-    SqliteSettingsStore nowhere(plain / "below" / "user.db");
-    EXPECT_NE(nowhere.TakeNotice().Words().find("cannot be saved"), std::string::npos);
-    EXPECT_TRUE(nowhere.TakeNotice().IsEmpty());
-    EXPECT_TRUE(nowhere.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-    EXPECT_EQ(NumberIn(nowhere, L"k", L"N"), 7U);
+    EXPECT_TRUE(fs::is_fifo(pipe) && fs::is_regular_file(plain)) << "they are not ours";
 
     // What is there can still be read, also where the path has what means something in an address.
     const fs::path made = FilledFile(folder);
     const std::string before = ContentOf(made);
-    for (const std::string below : {"plain-name", "what?mode=rw", "50%41", "a#b", "日本 語&x"}) {
+    const std::string later = "later-format"; // of which SQLite writes none
+    for (const std::string below :
+         {"plain-name", "what?mode=rw", "50%41", "a#b", "日本 語&x", later.c_str()}) {
         SCOPED_TRACE(below);
-        const fs::path file = folder.Path() / below / "user.db";
-        fs::create_directories(fs::path(file.string() + ".lock")); // so that it cannot be locked
-        fs::copy_file(made, file);
+        std::string bytes = before;
+        bytes[18] = below == later ? 3 : bytes[18];
+        const fs::path file = folder.Write(below + "/user.db", bytes);
+        if (below != later) {
+            fs::create_directories(fs::path(file.string() + ".lock")); // it cannot be locked
+        }
         SqliteSettingsStore readOnly(file);
         EXPECT_EQ(readOnly.TakeNotice().file, file.string());
         EXPECT_EQ(readOnly.Values(L"K").value().size(), 300U);
         EXPECT_TRUE(readOnly.Set(L"K", L"n", std::uint32_t{7}, kCreate));
-        EXPECT_EQ(ContentOf(file), before);
+        EXPECT_EQ(NumberIn(readOnly, L"K", L"n"), 7U);
+        EXPECT_EQ(ContentOf(file), bytes);
     }
 }
 
@@ -250,19 +216,15 @@ TEST(SqliteSettingsStore, WorksInMemoryWhereNothingCanBeWritten)
 /// one is the administrator's.
 void AsAnyUser(const std::function<void()>& check)
 {
-    constexpr uid_t kNobody = 65534;
-    const pid_t process = fork();
-    ASSERT_GE(process, 0);
-    if (process == 0) {
+    const int result = testing::ResultInAChild([&] {
+        constexpr uid_t kNobody = 65534;
         if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setuid(kNobody) != 0)) {
-            _exit(2);
+            return 2;
         }
         check();
-        _exit(::testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = 0;
-    waitpid(process, &status, 0);
-    EXPECT_EQ(status, 0);
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(result, 0);
 }
 
 TEST(SqliteSettingsStore, ReadsItsLogWithItOrSaysThatItCannot)
@@ -395,18 +357,28 @@ TEST(SqliteSettingsStore, LosesNothingOnAFullDisk)
     EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
 }
 
-/// The numbers that a writer stored, as far as they are what and where they should be.
-std::size_t StoredBy(const std::string& name, const fs::path& config, std::size_t atMost)
+/// Stores the numbers 0, 1, 2... under names that begin with @p name.
+void StoreNumbers(const fs::path& file, const std::wstring& name, std::uint32_t count,
+                  const Worker::Acknowledge& acknowledge)
 {
-    SqliteSettingsStore store(config / "fieldcore" / "user.db");
-    const std::wstring key = HostBasePath() + L"\\GPS\\Kill";
-    const std::wstring prefix(name.begin(), name.end());
+    SqliteSettingsStore store(file);
+    for (std::uint32_t number = 0; number < count; ++number) {
+        if (!store.Set(L"K", name + std::to_wstring(number), number, kCreate) || !acknowledge()) {
+            return;
+        }
+    }
+}
+
+/// How many of them are there, and what they should be.
+int StoredNumbers(const fs::path& file, const std::wstring& name)
+{
+    SqliteSettingsStore store(file);
     std::uint32_t count = 0;
-    while (count < atMost && NumberIn(store, key, prefix + std::to_wstring(count)) == count) {
+    while (NumberIn(store, L"K", name + std::to_wstring(count)) == count) {
         ++count;
     }
     EXPECT_TRUE(store.TakeNotice().IsEmpty());
-    return count;
+    return static_cast<int>(count);
 }
 
 TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
@@ -416,15 +388,18 @@ TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
     const int kills = testing::ProofSize("FIELDCORE_KILLS", 100);
     for (int i = 0; i < kills; ++i) {
         // Every fourth time a new file, so that some are killed while they make it.
-        const fs::path config = folder.Path() / std::to_string(i / 4);
-        const std::string name = "kill" + std::to_string(i) + "-";
-        Writer writer({config.string(), name, "1000000"});
-        writer.Await(random() % 8);
-        const std::size_t acknowledged =
+        const fs::path file = folder.Path() / std::to_string(i / 4) / "user.db";
+        const std::wstring name = L"kill" + std::to_wstring(i) + L"-";
+        Worker writer([&](const Worker::Acknowledge& acknowledge) {
+            StoreNumbers(file, name, 1'000'000, acknowledge);
+        });
+        const int wanted = static_cast<int>(random() % 8);
+        ASSERT_EQ(writer.Await(wanted), wanted) << i << " cannot write any more";
+        const int acknowledged =
             writer.Kill(std::chrono::microseconds(random() % (i % 2 == 0 ? 8000 : 500)));
         if (i % 3 != 0) { // else the next writer is the first to open what was left
-            ASSERT_EQ(StoredBy(name, config, acknowledged), acknowledged) << i;
-            ASSERT_EQ(Sql(config / "fieldcore" / "user.db", "PRAGMA integrity_check"), "ok") << i;
+            ASSERT_GE(StoredNumbers(file, name), acknowledged) << i;
+            ASSERT_EQ(Sql(file, "PRAGMA integrity_check"), "ok") << i;
         }
     }
     testing::Measured(kills, "kills");
@@ -433,15 +408,20 @@ TEST(SqliteSettingsStore, KeepsWhatWasWrittenBeforeAKill)
 TEST(SqliteSettingsStore, ServesSeveralProcesses)
 {
     const TemporaryFolder folder;
-    constexpr std::size_t kCount = 200;
-    Writer one({folder.Path().string(), "one", std::to_string(kCount)});
-    Writer two({folder.Path().string(), "two", std::to_string(kCount)});
-    Writer three({folder.Path().string(), "three", std::to_string(kCount)});
-    EXPECT_EQ(one.Finish(), 0);
-    EXPECT_EQ(two.Finish(), 0);
-    EXPECT_EQ(three.Finish(), 0);
-    for (const char* name : {"one", "two", "three"}) {
-        EXPECT_EQ(StoredBy(name, folder.Path(), kCount), kCount);
+    const fs::path file = folder.Path() / "user.db";
+    constexpr int kCount = 200;
+    const std::wstring names[] = {L"one", L"two", L"three"};
+    std::list<Worker> writers;
+    for (const std::wstring& name : names) {
+        writers.emplace_back([&](const Worker::Acknowledge& acknowledge) {
+            StoreNumbers(file, name, kCount, acknowledge);
+        });
+    }
+    for (Worker& writer : writers) {
+        EXPECT_EQ(writer.Await(), kCount);
+    }
+    for (const std::wstring& name : names) {
+        EXPECT_EQ(StoredNumbers(file, name), kCount);
     }
 }
 

@@ -7,9 +7,11 @@
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/TiltSettings.h"
 #include "simulator/Simulator.h"
+#include "tests/core/link/FileServer.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
+#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cstdint>
@@ -24,8 +26,6 @@
 
 namespace fieldcore::testing {
 
-using Bytes = std::vector<std::uint8_t>;
-
 /// What a sensor would say, put into bytes here and not by library or simulator.
 struct SensorWords
 {
@@ -34,11 +34,7 @@ struct SensorWords
     double t1Rad = 0.0;
     double t2Rad = 0.0;
     double tiltRad = 0.0;
-    unsigned week = 2400;
-    unsigned secondsOfWeek = 3600;
     unsigned validityH = 720;
-    unsigned calibratedWeek = 2400;
-    unsigned calibratedS = 0;
     unsigned percent = 0;
     bool answers = true; ///< queries
     bool takes = true;   ///< commands: ACK, else NAK
@@ -61,12 +57,12 @@ struct SensorWords
             for (const double angle : {t1Rad, t2Rad, tiltRad}) {
                 Put(data, std::bit_cast<std::uint64_t>(angle), 8);
             }
-            Put(data, week, 2);
-            Put(data, secondsOfWeek, 4);
+            Put(data, 2400, 2); // week
+            Put(data, 3600, 4); // and its second: an hour after the calibration
         } else {
             Put(data, validityH, 2);
-            Put(data, calibratedWeek, 2);
-            Put(data, calibratedS, 4);
+            Put(data, 2400, 2);
+            Put(data, 0, 4);
             Put(data, percent, 1);
         }
         return Frame(0xC8, data);
@@ -78,18 +74,6 @@ struct SensorWords
             to.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
         }
     }
-    static Bytes Frame(std::uint8_t type, const Bytes& data)
-    {
-        Bytes frame{2, 0, type, static_cast<std::uint8_t>(data.size())};
-        frame.insert(frame.end(), data.begin(), data.end());
-        unsigned sum = 0;
-        for (std::size_t i = 1; i < frame.size(); ++i) {
-            sum += frame[i];
-        }
-        frame.push_back(static_cast<std::uint8_t>(sum));
-        frame.push_back(3);
-        return frame;
-    }
 };
 
 /// A channel to a simulated receiver, or to a sensor whose words a test chooses; time runs fast.
@@ -98,7 +82,7 @@ struct SensorWords
 class SensorLine
 {
 public:
-    /// @param speed  of its time
+    /// @param speed  of its time; a reading is soon too old where that runs fast
     explicit SensorLine(double speed = 100.0) : clock(speed)
     {
         eBubbleConfig::LoadBubbleData(reg);
@@ -131,8 +115,7 @@ public:
         settings.replyTimeout = timeout;
         ASSERT_EQ(command.OpenPort(simulator->PortPath(), settings), 1) << command.LastError();
         command.Background().SetReplyTimeout(timeout);
-        const std::lock_guard lock(m_mutex);
-        m_sent.clear();
+        ForgetSent();
     }
     /// The sensor says what Say() was given last.
     void StartSensor(std::chrono::milliseconds timeout = std::chrono::seconds(200))
@@ -151,15 +134,11 @@ public:
     /// How many requests with that type and that beginning were sent.
     [[nodiscard]] int Sent(std::uint8_t type, std::initializer_list<std::uint8_t> data = {}) const
     {
-        const std::lock_guard lock(m_mutex);
-        int count = 0;
-        for (const Bytes& frame : m_sent) {
-            count += frame.size() >= 6 + data.size() && frame[2] == type &&
-                             std::equal(data.begin(), data.end(), frame.begin() + 4)
-                         ? 1
-                         : 0;
-        }
-        return count;
+        const std::vector<Bytes> sent = SentFrames();
+        return static_cast<int>(std::count_if(sent.begin(), sent.end(), [&](const Bytes& frame) {
+            return frame.size() >= 6 + data.size() && frame[2] == type &&
+                   std::equal(data.begin(), data.end(), frame.begin() + 4);
+        }));
     }
 
     void ForgetSent()

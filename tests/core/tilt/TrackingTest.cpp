@@ -9,7 +9,9 @@
 #include <functional>
 #include <limits>
 #include <set>
+#include <sstream>
 #include <string>
+#include <tuple>
 
 namespace fieldcore {
 namespace {
@@ -21,60 +23,29 @@ constexpr int kLeast = std::numeric_limits<int>::min();
 
 TEST(PartsLists, ConvertPlacesAndValues)
 {
-    struct Row
-    {
-        int (*rule)(int);
-        int given;
-        int expected;
+    const auto expect = [](int (*rule)(int), std::initializer_list<std::pair<int, int>> rows) {
+        for (const auto& [given, expected] : rows) {
+            EXPECT_EQ(rule(given), expected) << given;
+        }
     };
-    const Row rows[] = {
-        {CParts::ConvElMaskFlag2Data, 0, 0},        {CParts::ConvElMaskFlag2Data, 10, 50},
-        {CParts::ConvElMaskFlag2Data, 11, 60},      {CParts::ConvElMaskFlag2Data, 14, 90},
-        {CParts::ConvElMaskFlag2Data, 15, -1},      {CParts::ConvElMaskFlag2Data, kMost, -1},
-        {CParts::ConvElMaskFlag2Data, -3, -15},     {CParts::ConvElMaskFlag2Data, kLeast, kLeast},
-        {CParts::ConvElMaskData2Flag, 55, 10},      {CParts::ConvElMaskData2Flag, 50, 10},
-        {CParts::ConvElMaskData2Flag, 90, 14},      {CParts::ConvElMaskData2Flag, 91, -1},
-        {CParts::ConvElMaskData2Flag, 14, 2},       {CParts::ConvElMaskData2Flag, -4, 0},
-        {CParts::ConvElMaskData2Flag, -5, -1},      {CParts::ConvIntervalFlag2Data, 4, 5},
-        {CParts::ConvIntervalFlag2Data, 5, 10},     {CParts::ConvIntervalFlag2Data, 15, 60},
-        {CParts::ConvIntervalFlag2Data, 16, -1},    {CParts::ConvIntervalFlag2Data, kMost, -1},
-        {CParts::ConvIntervalData2Flag, 0, -1},     {CParts::ConvIntervalData2Flag, 5, 4},
-        {CParts::ConvIntervalData2Flag, 6, 5},      {CParts::ConvIntervalData2Flag, 9, 5},
-        {CParts::ConvIntervalData2Flag, 14, 5},     {CParts::ConvIntervalData2Flag, 15, 6},
-        {CParts::ConvIntervalData2Flag, 60, 15},    {CParts::ConvIntervalData2Flag, 61, -1},
-        {CParts::ConvIntervalData2Flag, kMost, -1}, {CParts::ConvIntervalData2Flag, kLeast, -1},
-    };
-    for (std::size_t i = 0; i < std::size(rows); ++i) {
-        EXPECT_EQ(rows[i].rule(rows[i].given), rows[i].expected) << "row " << i;
-    }
+    expect(CParts::ConvElMaskFlag2Data,
+           {{10, 50}, {11, 60}, {14, 90}, {15, -1}, {kMost, -1}, {-3, -15}, {kLeast, kLeast}});
+    expect(CParts::ConvElMaskData2Flag,
+           {{55, 10}, {50, 10}, {90, 14}, {91, -1}, {14, 2}, {-4, 0}, {-5, -1}});
+    expect(CParts::ConvIntervalFlag2Data, {{4, 5}, {5, 10}, {15, 60}, {16, -1}, {kMost, -1}});
+    expect(
+        CParts::ConvIntervalData2Flag,
+        {{0, -1}, {5, 4}, {6, 5}, {14, 5}, {15, 6}, {60, 15}, {61, -1}, {kMost, -1}, {kLeast, -1}});
     EXPECT_EQ(CParts::ConvMinSVsFlag2Data(2, 4), 6);
     EXPECT_EQ(CParts::ConvMinSVsData2Flag(6, 4), 2);
     EXPECT_EQ(CParts::ConvMinSVsFlag2Data(kMost, 1), kMost);
     EXPECT_EQ(CParts::ConvMinSVsData2Flag(kLeast, 1), kLeast);
 }
 
-class RecordedList final : public TextList
-{
-public:
-    void Insert(int position, std::wstring_view text) override
-    {
-        EXPECT_EQ(position, static_cast<int>(texts.size()));
-        texts.emplace_back(text);
-    }
-    std::vector<std::wstring> texts;
-};
-
 TEST(PartsLists, FillLists)
 {
-    struct Row
-    {
-        const char* fault;
-        std::function<void(TextList&)> fill;
-        std::size_t count;
-        std::size_t place;
-        const wchar_t* text;
-    };
-    const Row rows[] = {
+    using Fill = std::function<void(TextList&)>;
+    const std::tuple<const char*, Fill, std::size_t, std::size_t, const wchar_t*> rows[] = {
         {"masks", CParts::SetElMaskStr, 15, 11, L"60 度"},
         {"seconds", [](TextList& l) { CParts::SetIntervalStr(l, 0); }, 16, 15, L"60 秒"},
         {"minutes", [](TextList& l) { CParts::SetIntervalStr(l, 2); }, 16, 0, L"1 分"},
@@ -86,20 +57,17 @@ TEST(PartsLists, FillLists)
         {"minutes of an hour", CParts::SetSvMinuteStr, 60, 59, L"59 分"},
         {"not to use is first", CParts::SetSvEnableStr, 2, 0, L"利用しない"},
         {"to use", CParts::SetSvEnableStr, 2, 1, L"利用する"},
-        {"none",
-         [](TextList& l) {
-             CParts::SetComboBoxStr(l, -1, L"", 0);
-             l.Insert(0, L"x");
-         },
-         1, 0, L"x"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        RecordedList list;
-        row.fill(list);
-        ASSERT_EQ(list.texts.size(), row.count);
-        EXPECT_EQ(list.texts[row.place], row.text);
+    for (const auto& [fault, fill, count, place, text] : rows) {
+        SCOPED_TRACE(fault);
+        TextEntries list;
+        fill(list);
+        ASSERT_EQ(list.Texts().size(), count);
+        EXPECT_EQ(list.Texts()[place], text);
     }
+    TextEntries none;
+    CParts::SetComboBoxStr(none, -1, L"", 0);
+    EXPECT_TRUE(none.Texts().empty());
 }
 
 TEST(GpsPrm, KeepsTheLimitThatIsWorkedWithAboveAFloor)
@@ -112,17 +80,10 @@ TEST(GpsPrm, KeepsTheLimitThatIsWorkedWithAboveAFloor)
         EXPECT_EQ(parameters.GetPDOPMaskData(0), worked);
         EXPECT_EQ(parameters.GetPDOPMaskData(1), stored);
     }
-    EXPECT_EQ(parameters.SetGalileoData(1), 1);
-    EXPECT_EQ(parameters.SetGalileoData(1), 0);
     EXPECT_EQ(parameters.SetSurveyType(2, 1), 1);
     EXPECT_EQ(parameters.SetSurveyType(4096, 1), 1) << "another type of the same rover";
     EXPECT_EQ(parameters.SetSurveyType(4096, 1), 0);
-    CGPSPrm copy(parameters);
-    EXPECT_EQ(copy.GetSurveyType(), 4096U);
-    copy.SetGalileoData(0);
-    copy = parameters;
-    EXPECT_EQ(copy.GetGalileoData(), 1);
-    EXPECT_EQ(copy.Reg().WriteNumber(L"GPS", L"x", 1), 1) << "at the library's own key";
+    EXPECT_EQ(parameters.Reg().WriteNumber(L"GPS", L"x", 1), 1) << "at the library's own key";
     std::uint32_t x = 0;
     EXPECT_EQ(line.reg.ReadNumber(L"GPS", L"x", x, 0), 1);
 }
@@ -145,17 +106,23 @@ TEST(Tracking, KeepsEverySurveyByItself)
     SignalSet chosen;
     chosen.Set(Signal::L2c, true);
     ASSERT_EQ(SaveSignals(line.reg, 3017, chosen), 1);
-    int epochs = 100;
-    for (const SurveyKind& kind : AllSurveys()) {
+    const auto loaded = [&line](const SurveyKind& kind, std::uint32_t typeNumber) {
         CGPSPrm parameters(line.roots);
-        LoadTracking(line.reg, kind, 3017, parameters);
-        EXPECT_EQ(parameters.GetSvEpochData(), ++epochs);
-        EXPECT_EQ(parameters.GetPDOPMaskData(1), 4.5);
-        EXPECT_EQ(parameters.GetMSASData(), 1);
-        EXPECT_EQ(parameters.GetL2CData(), 1) << "the receiver's choice is that of every survey";
-        EXPECT_EQ(parameters.GetGLONASSData(), 0);
-        EXPECT_EQ(parameters.GetElMaskData(), 60);
+        LoadTracking(line.reg, kind, typeNumber, parameters);
         EXPECT_EQ(parameters.GetSurveyType(), kind.surveyType);
+        EXPECT_EQ(parameters.GetIntervalData(), kind.isPost ? 15 : 1);
+        std::ostringstream words;
+        words << parameters.GetSvEpochData() << " epochs, PDOP " << parameters.GetPDOPMaskData(1)
+              << ", MSAS " << parameters.GetMSASData() << ", mask " << parameters.GetElMaskData()
+              << ", L2C " << parameters.GetL2CData() << ", GLONASS " << parameters.GetGLONASSData()
+              << ", " << parameters.GetMinSVsData() << " satellites";
+        return words.str();
+    };
+    int epochs = 100; // the receiver's signals are those of every survey
+    for (const SurveyKind& kind : AllSurveys()) {
+        EXPECT_EQ(loaded(kind, 3017),
+                  std::to_string(++epochs) +
+                      " epochs, PDOP 4.5, MSAS 1, mask 60, L2C 1, GLONASS 0, 5 satellites");
     }
     // What nobody can have chosen is what a new user has.
     const SurveyKind& kind = AllSurveys().front();
@@ -165,14 +132,8 @@ TEST(Tracking, KeepsEverySurveyByItself)
     }
     line.reg.WriteNumber(key, L"ElMask", 55);
     line.reg.WriteString(key, L"PDOPMask", L"inf");
-    CGPSPrm parameters(line.roots);
-    LoadTracking(line.reg, kind, 0, parameters);
-    EXPECT_EQ(parameters.GetIntervalData(), 1);
-    EXPECT_EQ(parameters.GetElMaskData(), 15);
-    EXPECT_EQ(parameters.GetSvEpochData(), 10);
-    EXPECT_EQ(parameters.GetMinSVsData(), 5);
-    EXPECT_EQ(parameters.GetMSASData(), 0);
-    EXPECT_EQ(parameters.GetPDOPMaskData(1), 7.0);
+    EXPECT_EQ(loaded(kind, 0),
+              "10 epochs, PDOP 7, MSAS 0, mask 15, L2C 0, GLONASS 0, 5 satellites");
 
     EXPECT_EQ(LoadSurvey(line.reg), 0U) << "of a new user";
     ASSERT_EQ(SaveSurvey(line.reg, 9), 1);

@@ -1,4 +1,4 @@
-#include "core/resources/StringTable.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/SpinDouble.h"
@@ -6,21 +6,15 @@
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/controls/Theme.h"
-#include "ui/controls/UiText.h"
 
 #include <QAbstractItemView>
 #include <QDoubleSpinBox>
-#include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 #include <QWheelEvent>
 
 #include <cmath>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -192,60 +186,45 @@ protected:
 
 TEST_F(LabelSpinTest, TellsMovesAndTheirEnd)
 {
-    struct Row
-    {
-        const char* fault;
-        std::function<void()> act;
-        const char* told;
-        const char* shown;
-    };
-    const Row rows[] = {
-        {"set by the program", [&] { spin.setValue(22); }, "", "22:00"},
-        {"a click", [&] { QTest::mouseClick(plus, Qt::LeftButton); }, "23 end ", "23:00"},
-        {"against the end of the range", [&] { QTest::mouseClick(plus, Qt::LeftButton); },
-         "23 end ", "23:00"},
-        {"the end only when the button is let go",
-         [&] {
-             QTest::mousePress(minus, Qt::LeftButton);
-             told += "held ";
-             QTest::mouseRelease(minus, Qt::LeftButton);
-         },
-         "22 held end ", "22:00"},
-        {"a button that is left while held",
-         [&] {
-             QTest::mousePress(minus, Qt::LeftButton);
-             QTest::mouseMove(minus, QPoint(-50, -50));
-             QTest::mouseRelease(minus, Qt::LeftButton, {}, QPoint(-50, -50));
-         },
-         "21 end ", "21:00"},
-        {"a key that is held repeats",
-         [&] {
-             QTest::keyPress(&spin, Qt::Key_Up);
-             QKeyEvent released(QEvent::KeyRelease, Qt::Key_Up, {}, {}, true);
-             QCoreApplication::sendEvent(&spin, &released);
-             QTest::keyPress(&spin, Qt::Key_Up);
-             told += "held ";
-             QTest::keyRelease(&spin, Qt::Key_Up);
-         },
-         "22 23 held end ", "23:00"},
-        {"Home", [&] { QTest::keyClick(&spin, Qt::Key_Home); }, "0 end ", "00:00"},
-        {"a key that moves nothing", [&] { QTest::keyClick(&spin, Qt::Key_A); }, "", "00:00"},
-        {"the wheel", [&] { Wheel(&spin, 1); }, "1 end ", "01:00"},
-        {"the focus goes while a key is down",
-         [&] {
-             QTest::keyPress(&spin, Qt::Key_Right);
-             spin.clearFocus();
-         },
-         "2 end ", "02:00"},
-        {"the wheel of a page that scrolls", [&] { Wheel(&spin, 1); }, "", "02:00"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto expect = [this](const char* fault, const char* tells, const char* shows,
+                               const std::function<void()>& act) {
+        SCOPED_TRACE(fault);
         told.clear();
-        row.act();
-        EXPECT_EQ(told, row.told);
-        EXPECT_EQ(spin.LabelControl()->text(), QString::fromLatin1(row.shown));
-    }
+        act();
+        EXPECT_EQ(told, tells);
+        EXPECT_EQ(spin.LabelControl()->text(), QString::fromLatin1(shows));
+    };
+    const auto click = [&] { QTest::mouseClick(plus, Qt::LeftButton); };
+    const auto wheel = [&] { Wheel(&spin, 1); };
+    expect("set by the program", "", "22:00", [&] { spin.setValue(22); });
+    expect("a click", "23 end ", "23:00", click);
+    expect("against the end of the range", "23 end ", "23:00", click);
+    expect("the end only when the button is let go", "22 held end ", "22:00", [&] {
+        QTest::mousePress(minus, Qt::LeftButton);
+        told += "held ";
+        QTest::mouseRelease(minus, Qt::LeftButton);
+    });
+    expect("a button that is left while held", "21 end ", "21:00", [&] {
+        QTest::mousePress(minus, Qt::LeftButton);
+        QTest::mouseMove(minus, QPoint(-50, -50));
+        QTest::mouseRelease(minus, Qt::LeftButton, {}, QPoint(-50, -50));
+    });
+    expect("a key that is held repeats", "22 23 held end ", "23:00", [&] {
+        QTest::keyPress(&spin, Qt::Key_Up);
+        QKeyEvent released(QEvent::KeyRelease, Qt::Key_Up, {}, {}, true);
+        QCoreApplication::sendEvent(&spin, &released);
+        QTest::keyPress(&spin, Qt::Key_Up);
+        told += "held ";
+        QTest::keyRelease(&spin, Qt::Key_Up);
+    });
+    expect("Home", "0 end ", "00:00", [&] { QTest::keyClick(&spin, Qt::Key_Home); });
+    expect("moves nothing", "", "00:00", [&] { QTest::keyClick(&spin, Qt::Key_A); });
+    expect("the wheel", "1 end ", "01:00", wheel);
+    expect("the focus goes while a key is down", "2 end ", "02:00", [&] {
+        QTest::keyPress(&spin, Qt::Key_Right);
+        spin.clearFocus();
+    });
+    expect("the wheel of a page that scrolls", "", "02:00", wheel);
 }
 
 TEST_F(LabelSpinTest, GoesOnWhileAButtonIsHeld)
@@ -261,48 +240,31 @@ TEST_F(LabelSpinTest, GoesOnWhileAButtonIsHeld)
     EXPECT_EQ(told.substr(told.size() - 6), "0 end ");
 }
 
-TEST(CPrgEndMes, AnswersAsTheProgramActs)
+/// What its buttons do is tried with the screens that ask.
+TEST(CPrgEndMes, AnswersToKeys)
 {
     using Mode = CPrgEndMes::Mode;
     struct Row
     {
         const char* fault;
         Mode mode;
-        QString button; // empty: the key
         Qt::Key key;
         int result;
     };
-    const QString end = QStringLiteral("プログラムを終了");
-    const QString powerOff = QStringLiteral("プログラムを終了（受信機電源OFF)");
     const Row rows[] = {
-        {"end", Mode::Logging, end, Qt::Key_unknown, 1},
-        {"cancel", Mode::Logging, QStringLiteral("キャンセル"), Qt::Key_unknown, 2},
-        {"switch off", Mode::Logging, powerOff, Qt::Key_unknown, 3},
-        {"Esc stays", Mode::Logging, {}, Qt::Key_Escape, 2},
-        {"Enter leaves the receiver on", Mode::Logging, {}, Qt::Key_Return, 1},
-        {"end without a receiver", Mode::Normal, end, Qt::Key_unknown, 1},
+        {"Esc stays", Mode::Logging, Qt::Key_Escape, 2},
+        {"Enter leaves the receiver on", Mode::Logging, Qt::Key_Return, 1},
+        {"end without a receiver", Mode::Normal, Qt::Key_Return, 1},
     };
+    QWidget page;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        CPrgEndMes question(row.mode);
-        QTimer watchdog;
-        QObject::connect(&watchdog, &QTimer::timeout, &question, [&] {
-            ADD_FAILURE() << "still open";
-            question.Close(99);
-        });
-        watchdog.start(20000);
-        QTimer::singleShot(0, &question, [&] {
-            for (QPushButton* button : question.findChildren<QPushButton*>()) {
-                EXPECT_GE(button->height(), 44);
-                EXPECT_FALSE(row.mode == Mode::Normal && button->text() == powerOff);
-                if (!row.button.isEmpty() && button->text() == row.button) {
-                    QTest::mouseClick(button, Qt::LeftButton);
-                    return;
-                }
-            }
+        testing::Next<CPrgEndMes>(page, [&row](CPrgEndMes& question) {
+            EXPECT_EQ(testing::Called(question, text::kEndProgramPowerOff) != nullptr,
+                      row.mode == Mode::Logging);
             QTest::keyClick(question.focusWidget(), row.key);
         });
-        EXPECT_EQ(question.DoModal(), row.result);
+        EXPECT_EQ(CPrgEndMes(row.mode).DoModal(), row.result);
     }
 }
 

@@ -66,18 +66,16 @@ TEST(Dialog, OpensAsLargeAsItIsToBe)
         QSize opened; // empty: as the contents wish
     };
     const int character = QFontMetrics(QApplication::font()).horizontalAdvance(QChar(0x3042));
+    using enum Dialog::Extent;
+    const QSize form(40 * character, 45 * character);
     const QSize handheld(20 * character, 25 * character);
     const QSize desktop(48 * character, 47 * character); // the screen has room for it
     const Row rows[] = {
-        {"a form on a handheld", Dialog::Extent::Form, handheld, {}, handheld},
-        {"a form on a desktop",
-         Dialog::Extent::Form,
-         desktop,
-         {},
-         {40 * character, 45 * character}},
-        {"a page on a desktop", Dialog::Extent::Whole, desktop, {}, desktop},
-        {"a page of a given size", Dialog::Extent::Whole, desktop, handheld, handheld},
-        {"a message", Dialog::Extent::Natural, desktop, {}, {}},
+        {"a form on a handheld", Form, handheld, {}, handheld},
+        {"a form on a desktop", Form, desktop, {}, form},
+        {"a page on a desktop", Whole, desktop, {}, desktop},
+        {"a page of a given size", Whole, desktop, handheld, handheld},
+        {"a message", Natural, desktop, {}, {}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);

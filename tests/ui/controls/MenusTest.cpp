@@ -1,4 +1,4 @@
-#include "core/resources/StringTable.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/BarButton.h"
 #include "ui/controls/ButtonMenuDlg.h"
 #include "ui/controls/Icon.h"
@@ -6,13 +6,8 @@
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/NToolBar.h"
 #include "ui/controls/Theme.h"
-#include "ui/controls/UiText.h"
 
-#include <QApplication>
 #include <QMenu>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -40,14 +35,9 @@ public:
         bar->AddSeparator(0);
         bar->AddItem(0, 21912, QStringLiteral("軌道暦更新"));
         bar->AddPopup(QStringLiteral(" グラフ "));
-        const QStringList graphs{QStringLiteral("衛星数"), QStringLiteral("方位角"),
-                                 QStringLiteral("高度角"), QStringLiteral("スカイプロット"),
-                                 QStringLiteral("PDOP"),   QStringLiteral("GDOP"),
-                                 QStringLiteral("TDOP")};
-        for (int i = 0; i < graphs.size(); ++i) {
-            bar->AddItem(1, 21901 + i, graphs[i]);
+        for (int item = 21901; item <= 21907; ++item) {
+            bar->AddItem(1, item, QString::number(item));
         }
-        bar->CheckRadioItem(21901, 21907, 21904);
         connect(bar, &CnMenuBar::ItemChosen, this, [this](int id) { chosen.push_back(id); });
         connect(bar, &CnMenuBar::CloseRequested, this, [this] { ++closes; });
         resize(480, 640);
@@ -175,28 +165,46 @@ TEST(CButtonMenuDlg, ChoosesByClickAndByKeys)
         EXPECT_EQ(menu.AddButton(QStringLiteral("plan"), QStringLiteral("観測計画")), i);
     }
     menu.EnableButton(2, false);
-    const auto run = [&](const std::function<void()>& act) {
-        QTimer watchdog;
-        QObject::connect(&watchdog, &QTimer::timeout, &menu, [&] {
-            ADD_FAILURE() << "still open";
-            menu.Close(Dialog::kCancelled);
-        });
-        watchdog.start(20000);
-        QTimer::singleShot(0, &menu, act);
-        return menu.DoModal();
-    };
+    QWidget page;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        const int result = run([&] {
+        testing::Next(page, [&row](QWidget& shown) {
             for (const Qt::Key key : row.keys) {
-                QTest::keyClick(menu.focusWidget(), key);
+                QTest::keyClick(shown.focusWidget(), key);
             }
         });
+        EXPECT_EQ(menu.DoModal() == Dialog::kOk, row.index >= 0);
         EXPECT_EQ(menu.GetMenuIndex(), row.index);
-        EXPECT_EQ(result == Dialog::kOk, row.index >= 0);
     }
-    run([&] { QTest::mouseClick(menu.findChildren<CIconButton*>().at(4), Qt::LeftButton); });
+    testing::Next(page, [](QWidget& shown) {
+        QTest::mouseClick(shown.findChildren<CIconButton*>().at(4), Qt::LeftButton);
+    });
+    menu.DoModal();
     EXPECT_EQ(menu.GetMenuIndex(), 4);
+}
+
+TEST(CButtonMenuDlg, PutsItsButtonsIntoColumnsOfAWindow)
+{
+    CButtonMenuDlg page(QStringLiteral("メニュー"));
+    page.Embed();
+    for (int id = 1; id <= 7; ++id) {
+        page.AddButton(QStringLiteral("plan"), QString::number(id));
+    }
+    const auto lefts = [&page] {
+        page.resize(page.sizeHint());
+        page.show();
+        QCoreApplication::processEvents();
+        QSet<int> positions;
+        for (const CIconButton* button : page.findChildren<CIconButton*>()) {
+            positions.insert(button->x());
+        }
+        return positions.size();
+    };
+    EXPECT_EQ(lefts(), 3);
+    page.Arrange(664, true);
+    EXPECT_EQ(lefts(), 2);
+    page.Arrange(200, true); // too low for two
+    EXPECT_EQ(lefts(), 3);
 }
 
 /// Every drawing can be read, fills its square sensibly and has no colour of its own.

@@ -3,20 +3,13 @@
 
 #include "ui/controls/NumberPad.h"
 
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/SpinDouble.h"
-#include "ui/controls/UiText.h"
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QDialog>
-#include <QDoubleSpinBox>
 #include <QLineEdit>
-#include <QPointer>
 #include <QScreen>
-#include <QTest>
 #include <QVBoxLayout>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -46,12 +39,7 @@ void Press(const QString& keys)
 {
     for (const QString& key : keys.split(QLatin1Char(' '))) {
         ASSERT_NE(Pad(), nullptr) << "before " << key.toStdString();
-        for (QAbstractButton* const button : Pad()->findChildren<QAbstractButton*>()) {
-            if (button->text() == key) {
-                QTest::mouseClick(button, Qt::LeftButton);
-                break;
-            }
-        }
+        QTest::mouseClick(testing::Called(*Pad(), key), Qt::LeftButton);
     }
 }
 

@@ -1,21 +1,15 @@
 #include "ui/controls/PropertySheet.h"
 
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/QtHost.h"
 
-#include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QScrollArea>
 #include <QTabBar>
-#include <QTest>
 #include <QVBoxLayout>
 
-#include <memory>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -79,15 +73,6 @@ protected:
     {
         QTest::mouseClick(Tabs(), Qt::LeftButton, {}, Tabs()->tabRect(index).center());
     }
-    [[nodiscard]] QPushButton* Button(const QString& text) const
-    {
-        for (QPushButton* button : sheet.findChildren<QPushButton*>()) {
-            if (button->text() == text) {
-                return button;
-            }
-        }
-        return nullptr;
-    }
 
     std::string told;
     PropertySheet sheet;
@@ -104,7 +89,7 @@ TEST_F(PropertySheetTest, AsksOnlyThePagesThatWereSeen)
     EXPECT_EQ(Told(), "ckill aactive ");
     QTest::keyClick(&sheet, Qt::Key_PageUp, Qt::ControlModifier); // around to the last
     EXPECT_EQ(Told(), "akill cactive ");
-    QTest::mouseClick(Button(QStringLiteral("OK")), Qt::LeftButton);
+    testing::Click(sheet, text::kButtonOk);
     EXPECT_EQ(Told(), "ckill aok cok ");
     EXPECT_EQ(sheet.result(), Dialog::kOk);
     EXPECT_FALSE(sheet.isVisible());
@@ -140,7 +125,7 @@ TEST_F(PropertySheetTest, StaysWhereAPageRefuses)
     EXPECT_EQ(Told(), "acancel ");
     EXPECT_TRUE(sheet.isVisible());
     pages[0]->cancels = true;
-    QTest::mouseClick(Button(QStringLiteral("キャンセル")), Qt::LeftButton);
+    testing::Click(sheet, text::kButtonCancel);
     EXPECT_EQ(Told(), "acancel bcancel ");
     EXPECT_FALSE(sheet.isVisible());
     EXPECT_EQ(sheet.result(), Dialog::kCancelled);
@@ -164,8 +149,8 @@ TEST_F(PropertySheetTest, LosesAPageWithoutLosingItsPlace)
 TEST_F(PropertySheetTest, ScrollsWhatDoesNotFitAndKeepsTheButtons)
 {
     Show();
-    for (const QString& text : {QStringLiteral("OK"), QStringLiteral("キャンセル")}) {
-        QPushButton* const button = Button(text);
+    for (const int text : {text::kButtonOk, text::kButtonCancel}) {
+        const QAbstractButton* const button = testing::Called(sheet, text);
         EXPECT_TRUE(
             sheet.rect().contains(QRect(button->mapTo(&sheet, QPoint(0, 0)), button->size())));
         EXPECT_GE(button->height(), 44);

@@ -3,66 +3,41 @@
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
 #include "tests/support/HandClock.h"
+#include "tests/ui/controls/NothingCut.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/QtMessageTarget.h"
 #include "ui/controls/Theme.h"
-#include "ui/controls/UiText.h"
 
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QInputMethodEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPointingDevice>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSpinBox>
-#include <QTest>
-#include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QWindow>
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Next;
 
 void MoveTo(testing::HandClock& clock, Clock::Duration moment)
 {
     clock.Advance(moment - clock.Steady());
-}
-
-/// Does @p act as soon as a message box is there, and closes it if it is still there later.
-void OnMessage(QObject* context, const std::function<void(MessageDlg&)>& act)
-{
-    auto* const look = new QTimer(context);
-    QObject::connect(look, &QTimer::timeout, look, [look, act] {
-        auto* const box = qobject_cast<MessageDlg*>(QApplication::activeModalWidget());
-        if (box == nullptr) {
-            return;
-        }
-        look->deleteLater();
-        look->stop();
-        act(*box);
-        QTimer::singleShot(20000, box, [box] {
-            ADD_FAILURE() << "nobody has answered";
-            box->close();
-        });
-    });
-    look->start(1);
 }
 
 /// A window with something to click and something to type into.
@@ -115,11 +90,10 @@ TEST(QtHost, AnswersByKeysAndClicks)
         {"a question with Ok", {kOkCancel, kAsks, Ok}, Ok, Cancel, {Cancel, Ok}},
         {"a default that is no button", {kYesNo, kAsks, Retry}, No, No, {Yes, No}},
     };
-    const Window window;
+    Window window;
     QtHost host;
     const auto ask = [&](BoxStyle style, const std::function<void(MessageDlg&)>& act) {
-        QObject context;
-        OnMessage(&context, act);
+        Next<MessageDlg>(window, act);
         return CMesBox(host).Show(L"text", L"caption", style);
     };
     for (const Row& row : rows) {
@@ -162,21 +136,17 @@ TEST(QtHost, ShowsTextCaptionAndIcon)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.drawing);
-        OnMessage(&window, [&](MessageDlg& box) {
-            bool told = false;
-            bool headed = false;
-            bool drawn = false;
-            for (const QLabel* label : box.findChildren<QLabel*>()) {
-                told |= label->text() == QStringLiteral("受信機設定を工場出荷状態へ戻しますか?");
-                headed |= label->text() == QStringLiteral("受信機強制初期化確認");
-                drawn |= label->accessibleName() == UiText(row.nameId) &&
-                         label->pixmap().toImage() == DrawIcon(QString::fromLatin1(row.drawing), 48,
-                                                               label->devicePixelRatioF(),
-                                                               theme.text, row.colour)
-                                                          .toImage();
-            }
-            EXPECT_TRUE(told && headed && drawn) << told << headed << drawn;
-            EXPECT_EQ(box.windowTitle(), QStringLiteral("受信機強制初期化確認"));
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
+            EXPECT_TRUE(testing::Says(box, UiText(text::kForceInitQuestion)));
+            EXPECT_TRUE(testing::Says(box, UiText(text::kForceInitCaption)));
+            EXPECT_EQ(box.windowTitle(), UiText(text::kForceInitCaption));
+            EXPECT_EQ(box.parentWidget(), &window);
+            const auto* const icon = testing::Called<QLabel>(box, row.nameId);
+            ASSERT_NE(icon, nullptr);
+            EXPECT_EQ(icon->pixmap().toImage(),
+                      DrawIcon(QString::fromLatin1(row.drawing), 48, icon->devicePixelRatioF(),
+                               theme.text, row.colour)
+                          .toImage());
             QTest::keyClick(&box, Qt::Key_Escape);
         });
         CMesBox(host).Show(text::kForceInitQuestion, text::kForceInitCaption,
@@ -201,17 +171,12 @@ TEST(QtHost, CutsNoMessage)
     const QFont before = QApplication::font();
     QApplication::setFont(large);
     for (const std::wstring& said : {longest, endless}) {
-        OnMessage(&window, [&](MessageDlg& box) {
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
             EXPECT_LE(box.width(), window.width());
             EXPECT_LE(box.height(), window.height());
+            testing::ExpectNothingCut(box, box.size());
             for (const QPushButton* button : box.findChildren<QPushButton*>()) {
                 EXPECT_TRUE(box.rect().contains(button->geometry()));
-                EXPECT_GE(button->width(), button->sizeHint().width());
-            }
-            for (const QLabel* label : box.findChildren<QLabel*>()) {
-                if (label->isVisible() && label->hasHeightForWidth()) {
-                    EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-                }
             }
             QTest::keyClick(&box, Qt::Key_Escape);
         });
@@ -236,7 +201,7 @@ TEST(QtHost, NestsAndRestoresTheWaitCursor)
         host.ShowWaitCursor(false);
         EXPECT_EQ(shape(), Qt::WaitCursor);
         Window window;
-        OnMessage(&window, [&](MessageDlg& box) {
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
             EXPECT_EQ(shape(), Qt::ArrowCursor) << "a question is not waited for";
             QTest::keyClick(&box, Qt::Key_Escape);
         });
@@ -349,19 +314,23 @@ protected:
         return on->mapTo(&window, on->rect().center());
     }
 
-    /// All that input can change.
+    /// What input has changed.
     [[nodiscard]] std::string State() const
     {
-        const QString marked = window.edit->selectedText();
-        return QStringLiteral("%1 clicks, '%2'%3, '%4', %5, %6 menus, %7 keys%8")
-            .arg(window.clicks)
-            .arg(window.edit->text(), marked.isEmpty() ? QString() : QStringLiteral(" marked"),
-                 other->text())
-            .arg(spin->value())
-            .arg(menus)
-            .arg(shortcuts)
-            .arg(window.isVisible() ? QString() : QStringLiteral(", closed"))
-            .toStdString();
+        QStringList all;
+        for (const auto& [count, of] : {std::pair(window.clicks, "clicks"),
+                                        {spin->value(), "turns"},
+                                        {menus, "menus"},
+                                        {shortcuts, "keys"}}) {
+            if (count != 0) {
+                all += QStringLiteral("%1 %2").arg(count).arg(QLatin1String(of));
+            }
+        }
+        all += {window.edit->text().mid(3), other->text()}; // the first one has abc
+        all += window.edit->hasSelectedText() ? QStringLiteral("marked") : QString();
+        all += window.isVisible() ? QString() : QStringLiteral("closed");
+        all.removeAll(QString());
+        return all.join(QStringLiteral(", ")).toStdString();
     }
 
     testing::HandClock clock;
@@ -379,90 +348,9 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
     doomed->setGeometry(0, 400, 100, 50);
     doomed->show();
     static QPointingDevice* const finger = QTest::createTouchDevice(); // of the whole program
-    const auto wheel = [&] {
-        const QPointF at = PlaceOf(spin);
-        QWheelEvent turned(at, window.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
-                           false);
-        QSpontaneKeyEvent::setSpontaneous(&turned); // as the system's own
-        qApp->notify(window.windowHandle(), &turned);
-    };
-    struct Row
-    {
-        const char* fault;
-        std::function<void()> act;
-        const char* after;
-    };
-    const Row rows[] = {
-        {"a tap is lost", [&] { Tap(window.button); }, "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
-        {"a tap is lost that comes to the widget",
-         [&] { QTest::mouseClick(window.button, Qt::LeftButton); },
-         "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
-        {"a finger is no mouse",
-         [&] {
-             QTest::touchEvent(window.windowHandle(), finger).press(1, PlaceOf(window.button));
-             QTest::touchEvent(window.windowHandle(), finger).release(1, PlaceOf(window.button));
-         },
-         "1 clicks, 'abc', '', 0, 0 menus, 0 keys"},
-        {"digits are lost or change places", [&] { Type("0.125"); },
-         "0 clicks, 'abc0.125', '', 0, 0 menus, 0 keys"},
-        {"digits go to where the focus was before the tap",
-         [&] {
-             Type("1");
-             Tap(other);
-             Type("23");
-             Tap(window.edit);
-             Type("4");
-             Tap(window.button);
-         },
-         "1 clicks, 'abc14', '23', 0, 0 menus, 0 keys"},
-        {"a tap hits what has come to lie under it",
-         [&] {
-             Tap(window.button);
-             Tap(other);
-             Type("5");
-             window.layout()->setContentsMargins(0, 200, 0, 0);
-         },
-         "1 clicks, 'abc', '5', 0, 0 menus, 0 keys"},
-        {"a second click is none of its own",
-         [&] {
-             QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(window.edit));
-         },
-         "0 clicks, 'abc' marked, '', 0, 0 menus, 0 keys"},
-        {"a wheel is turned where the next tap is",
-         [&] {
-             wheel();
-             Tap(window.button);
-         },
-         "1 clicks, 'abc', '', 1, 0 menus, 0 keys"},
-        {"a shortcut is lost", [&] { QTest::keyClick(window.windowHandle(), Qt::Key_F5); },
-         "0 clicks, 'abc', '', 0, 0 menus, 1 keys"},
-        {"what an input method puts together is lost",
-         [&] {
-             Tap(other);
-             QInputMethodEvent composed;
-             composed.setCommitString(QStringLiteral("点"));
-             QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
-         },
-         "0 clicks, 'abc', '点', 0, 0 menus, 0 keys"},
-        {"a menu is not asked for",
-         [&] {
-             QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1},
-                                     window.button->mapToGlobal(QPoint(1, 1)));
-             QCoreApplication::sendEvent(window.button, &asked);
-         },
-         "0 clicks, 'abc', '', 0, 1 menus, 0 keys"},
-        {"the widget has gone",
-         [&] {
-             Tap(doomed);
-             Type("6");
-             delete doomed;
-         },
-         "0 clicks, 'abc6', '', 0, 0 menus, 0 keys"},
-        {"the user cannot close it", [&] { window.windowHandle()->close(); },
-         "0 clicks, 'abc', '', 0, 0 menus, 0 keys, closed"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto expect = [this](const char* fault, const char* after,
+                               const std::function<void()>& act) {
+        SCOPED_TRACE(fault);
         window.clicks = menus = shortcuts = 0;
         window.layout()->setContentsMargins({});
         window.edit->setText(QStringLiteral("abc"));
@@ -470,12 +358,63 @@ TEST_F(WaitTest, KeepsInputAndHandsItOnInOrder)
         spin->setValue(0);
         window.edit->setFocus();
         Settle();
-        const std::string before = State();
-        EXPECT_TRUE(During(row.act));
-        EXPECT_EQ(State(), before) << "while it waits";
+        EXPECT_TRUE(During(act));
+        EXPECT_EQ(State(), "") << "while it waits";
         Settle();
-        EXPECT_EQ(State(), row.after);
-    }
+        EXPECT_EQ(State(), after);
+    };
+    expect("a tap is lost", "1 clicks", [&] { Tap(window.button); });
+    expect("a tap is lost that comes to the widget", "1 clicks",
+           [&] { QTest::mouseClick(window.button, Qt::LeftButton); });
+    expect("a finger is no mouse", "1 clicks", [&] {
+        QTest::touchEvent(window.windowHandle(), finger).press(1, PlaceOf(window.button));
+        QTest::touchEvent(window.windowHandle(), finger).release(1, PlaceOf(window.button));
+    });
+    expect("digits are lost or change places", "0.125", [&] { Type("0.125"); });
+    expect("digits go to where the focus was before the tap", "1 clicks, 14, 23", [&] {
+        Type("1");
+        Tap(other);
+        Type("23");
+        Tap(window.edit);
+        Type("4");
+        Tap(window.button);
+    });
+    expect("a tap hits what has come to lie under it", "1 clicks, 5", [&] {
+        Tap(window.button);
+        Tap(other);
+        Type("5");
+        window.layout()->setContentsMargins(0, 200, 0, 0);
+    });
+    expect("a second click is none of its own", "marked", [&] {
+        QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, PlaceOf(window.edit));
+    });
+    expect("a wheel is turned where the next tap is", "1 clicks, 1 turns", [&] {
+        const QPointF at = PlaceOf(spin);
+        QWheelEvent turned(at, window.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
+                           false);
+        QSpontaneKeyEvent::setSpontaneous(&turned); // as the system's own
+        qApp->notify(window.windowHandle(), &turned);
+        Tap(window.button);
+    });
+    expect("a shortcut is lost", "1 keys",
+           [&] { QTest::keyClick(window.windowHandle(), Qt::Key_F5); });
+    expect("what an input method puts together is lost", "点", [&] {
+        Tap(other);
+        QInputMethodEvent composed;
+        composed.setCommitString(QStringLiteral("点"));
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &composed);
+    });
+    expect("a menu is not asked for", "1 menus", [&] {
+        QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1},
+                                window.button->mapToGlobal(QPoint(1, 1)));
+        QCoreApplication::sendEvent(window.button, &asked);
+    });
+    expect("the widget has gone", "6", [&] {
+        Tap(doomed);
+        Type("6");
+        delete doomed;
+    });
+    expect("the user cannot close it", "closed", [&] { window.windowHandle()->close(); });
 }
 
 /// What is handed on may itself wait for the receiver, and what comes meanwhile goes behind.
@@ -508,7 +447,7 @@ TEST_F(WaitTest, KeepsTheRestWhileATapWaits)
 TEST_F(WaitTest, PutsNoInputIntoADialogThatWasNotThere)
 {
     QObject::connect(window.button, &QPushButton::clicked, &window, [&] {
-        OnMessage(&window, [&](MessageDlg& box) {
+        Next<MessageDlg>(window, [&](MessageDlg& box) {
             EXPECT_EQ(window.clicks, 1);
             Settle();
             EXPECT_TRUE(box.isVisible()) << "answered by what was typed before";
@@ -531,7 +470,7 @@ TEST_F(WaitTest, PutsNoInputIntoADialogThatWasNotThere)
     EXPECT_TRUE(During([&] { Type("1"); }));
     window.edit->setFocus();
     EXPECT_TRUE(During([&] {
-        OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        Next<MessageDlg>(window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
         CMesBox(host).Warn(L"text", L"caption");
     }));
     Type("2");
@@ -571,7 +510,7 @@ TEST_F(WaitTest, RefusesInputOnlyUnderTheStrip)
 
     // A dialog that a timer opens over the wait can be answered, or the program would hang.
     EXPECT_TRUE(During([&] {
-        OnMessage(&window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        Next<MessageDlg>(window, [](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
         CMesBox(host).Warn(L"text", L"caption");
     }));
 

@@ -2,17 +2,14 @@
 
 #include "ui/equipment/ComPort.h"
 
-#include "core/link/Command.h"
 #include "core/platform/FastClock.h"
-#include "simulator/Simulator.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/ui/link/Clicks.h"
+#include "tests/ui/link/Plugged.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/equipment/ComPortPage.h"
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -24,30 +21,30 @@ protected:
     {
         simulator::Scenario scenario;
         scenario.checksRate = true;
-        m_receiver = std::make_unique<simulator::Simulator>(scenario, m_clock);
-        std::string error;
-        EXPECT_TRUE(m_receiver->Start(error)) << error;
+        m_receiver = testing::RunningReceiver(scenario, m_clock);
         m_target.devicePath = m_receiver->PortPath();
         m_target.settings.replyTimeout = std::chrono::seconds(40); // 2 s on a watch
     }
-    std::unique_ptr<CComPort> Open(int ports, int page = CComPort::kLastPage)
+    void Open(int ports, int page = CComPort::kLastPage)
     {
-        auto sheet = std::make_unique<CComPort>(
+        sheet = std::make_unique<CComPort>(
             &m_command, 1, QStringLiteral("通信設定"), nullptr, page,
             CComPort::Surroundings{&m_roots, ports, [this] { return std::optional(m_target); }});
         sheet->resize(480, 640);
         sheet->show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
-        return sheet;
+        ASSERT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
     }
-    static CTComboBox* Combo(CComPort& sheet, int page, int name)
+    [[nodiscard]] CTComboBox* Combo(int page, int name) const
     {
-        for (auto* combo : sheet.GetPage(page)->findChildren<CTComboBox*>()) {
-            if (combo->accessibleName() == UiText(name)) {
-                return combo;
-            }
-        }
-        return nullptr;
+        return testing::Called<CTComboBox>(*sheet->GetPage(page), name);
+    }
+    [[nodiscard]] std::string Shown(int page, int name) const
+    {
+        return Combo(page, name)->currentText().toStdString();
+    }
+    static std::vector<ExpectedBox> Told(int text, int port)
+    {
+        return {{FormatText(text, port), Text(text::kComFailedCaption), text::kMessageIconStop}};
     }
     std::wstring Stored(int port)
     {
@@ -64,33 +61,34 @@ protected:
     std::unique_ptr<simulator::Simulator> m_receiver;
     CCommand m_command{{&m_host, &m_clock, nullptr, nullptr}};
     ConnectTarget m_target;
+    std::unique_ptr<CComPort> sheet;
 };
 
 TEST_F(ComPortTest, SetsWhatWasSeenAndTellsThatTheLinkChanged)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);
-    auto sheet = Open(2);
+    Open(2);
     EXPECT_EQ(sheet->GetPortNo(), 2);
-    EXPECT_EQ(Combo(*sheet, 0, text::kComRate)->currentText(), QStringLiteral("38400"));
+    EXPECT_EQ(Shown(0, text::kComRate), "38400");
     sheet->SetActivePage(1);
-    EXPECT_EQ(Combo(*sheet, 1, text::kComRate)->currentText(), QStringLiteral("9600"));
-    Combo(*sheet, 1, text::kComFlow)->setCurrentIndex(1);
+    EXPECT_EQ(Shown(1, text::kComRate), "9600");
+    Combo(1, text::kComFlow)->setCurrentIndex(1);
     sheet->Close(Dialog::kOk);
     EXPECT_FALSE(sheet->isVisible());
     EXPECT_FALSE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(2), L"9600-8-None-1-CTS");
 
-    sheet = Open(2);
+    Open(2);
     EXPECT_EQ(sheet->GetActiveIndex(), 1) << "the page that was open last";
     sheet->SetActivePage(0);
-    Combo(*sheet, 0, text::kComRate)->setCurrentIndex(6);
+    Combo(0, text::kComRate)->setCurrentIndex(6);
     sheet->Close(Dialog::kCancelled);
     EXPECT_FALSE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(0), L"38400-8-None-1-None") << "cancelled";
 
-    sheet = Open(1, 7);
+    Open(1, 7);
     EXPECT_EQ(sheet->GetActiveIndex(), 0) << "there is no page beyond the last";
-    Combo(*sheet, 0, text::kComRate)->setCurrentIndex(6);
+    Combo(0, text::kComRate)->setCurrentIndex(6);
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->IsLinkChanged());
     EXPECT_EQ(Stored(0), L"115200-8-None-1-None");
@@ -103,21 +101,17 @@ TEST_F(ComPortTest, SendsNothingThatNobodyHasTouched)
     {
         const char* course;
         bool isTouched;
-        int note; ///< 0: none
+        bool isNoted; ///< that it is not known what the receiver was told
         std::size_t sent;
     };
-    for (const Row& row : {Row{"only defaults", false, text::kComKnownDefault, 0},
-                           Row{"the default chosen again", true, text::kComKnownDefault, 1},
-                           Row{"as it was told", false, 0, 0}}) {
+    for (const Row& row :
+         {Row{"only defaults", false, true, 0}, Row{"the default chosen again", true, true, 1},
+          Row{"as it was told", false, false, 0}}) {
         SCOPED_TRACE(row.course);
-        auto sheet = Open(2, 1);
-        bool isNoted = false;
-        for (const auto* const label : sheet->GetPage(1)->findChildren<QLabel*>()) {
-            isNoted = isNoted || (row.note != 0 && label->text() == UiText(row.note));
-        }
-        EXPECT_EQ(isNoted, row.note != 0);
+        Open(2, 1);
+        EXPECT_EQ(testing::Says(*sheet->GetPage(1), UiText(text::kComKnownDefault)), row.isNoted);
         if (row.isTouched) {
-            Q_EMIT Combo(*sheet, 1, text::kComRate)->activated(2);
+            Q_EMIT Combo(1, text::kComRate)->activated(2);
         }
         const std::size_t before = m_receiver->RequestCount();
         sheet->Close(Dialog::kOk);
@@ -128,14 +122,9 @@ TEST_F(ComPortTest, SendsNothingThatNobodyHasTouched)
 TEST_F(ComPortTest, FollowsAReceiverThatCouldNotBeStored)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);
-    auto sheet = Open(1);
-    Combo(*sheet, 0, text::kComRate)->setCurrentIndex(6);
-    Surveyor surveyor;
-    surveyor.boxes = {{FormatText(text::kComMovedNotStored, 1),
-                       Text(text::kComFailedCaption),
-                       text::kMessageIconStop,
-                       {text::kButtonOk},
-                       text::kButtonOk}};
+    Open(1);
+    Combo(0, text::kComRate)->setCurrentIndex(6);
+    const Surveyor surveyor(Told(text::kComMovedNotStored, 1));
     {
         const SettingsBatch other(HostReg(m_roots).Store()); // whose writer has not finished
         sheet->Close(Dialog::kOk);
@@ -148,27 +137,22 @@ TEST_F(ComPortTest, FollowsAReceiverThatCouldNotBeStored)
 
 TEST_F(ComPortTest, ShowsTheLinkOnThePortThatItIsToldToUse)
 {
-    CComPort sheet(nullptr, 1, QString(), nullptr, 1, {&m_roots, 2, {}});
-    EXPECT_EQ(sheet.SetIOPort(1), 0);
-    EXPECT_EQ(sheet.SetIOPort(2), 1);
-    EXPECT_EQ(sheet.GetIOPort(), 2);
-    EXPECT_EQ(sheet.GetActiveIndex(), 1);
-    EXPECT_EQ(Combo(sheet, 0, text::kComRate)->currentText(), QStringLiteral("9600"));
-    EXPECT_EQ(Combo(sheet, 1, text::kComRate)->currentText(), QStringLiteral("38400"));
+    Open(2, 1);
+    EXPECT_EQ(sheet->SetIOPort(1), 0);
+    EXPECT_EQ(sheet->SetIOPort(2), 1);
+    EXPECT_EQ(sheet->GetIOPort(), 2);
+    EXPECT_EQ(sheet->GetActiveIndex(), 1);
+    EXPECT_EQ(Shown(0, text::kComRate), "9600");
+    EXPECT_EQ(Shown(1, text::kComRate), "38400");
 }
 
 TEST_F(ComPortTest, StaysOpenWhereTheReceiverRefuses)
 {
     ASSERT_EQ(OpenTarget(m_command, m_target), 1);
-    auto sheet = Open(3, 2); // a third page, of a port that this receiver does not have
-    Combo(*sheet, 2, text::kComRate)->setCurrentIndex(0);
+    Open(3, 2); // a third page, of a port that this receiver does not have
+    Combo(2, text::kComRate)->setCurrentIndex(0);
     sheet->SetActivePage(0);
-    Surveyor surveyor;
-    surveyor.boxes = {{FormatText(text::kComRefused, 3),
-                       Text(text::kComFailedCaption),
-                       text::kMessageIconStop,
-                       {text::kButtonOk},
-                       text::kButtonOk}};
+    const Surveyor surveyor(Told(text::kComRefused, 3));
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->isVisible());
     EXPECT_EQ(sheet->GetActiveIndex(), 2);
@@ -180,12 +164,10 @@ TEST_F(ComPortTest, FindsTheRateWithoutAConnection)
     CComPrmSet link(m_roots);
     ASSERT_EQ(link.SetPrmString(L"9600-8-None-1-CTS"), 1);
     ASSERT_EQ(link.WriteRegCommPrm(0), 1);
-    auto sheet = Open(1);
-    for (auto* button : sheet->GetPage(0)->findChildren<QPushButton*>()) {
-        QTest::mouseClick(button, Qt::LeftButton);
-    }
-    EXPECT_EQ(Combo(*sheet, 0, text::kComRate)->currentText(), QStringLiteral("38400"));
-    EXPECT_EQ(Combo(*sheet, 0, text::kComFlow)->currentText(), QStringLiteral("CTS"));
+    Open(1);
+    testing::Click(*sheet, text::kComSearch);
+    EXPECT_EQ(Shown(0, text::kComRate), "38400");
+    EXPECT_EQ(Shown(0, text::kComFlow), "CTS");
     QApplication::processEvents(); // which takes the strip of the wait away
     sheet->Close(Dialog::kOk);
     EXPECT_TRUE(sheet->IsLinkChanged());

@@ -1,25 +1,14 @@
 #pragma once
 
-#include "core/link/Command.h"
-#include "simulator/ReceiverFile.h"
-#include "simulator/Scenario.h"
-#include "simulator/Simulator.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/VirtualReceiver.h"
 #include "tests/ui/link/Clicks.h"
+#include "tests/ui/link/Plugged.h"
 #include "ui/controls/QtHost.h"
-#include "ui/controls/UiText.h"
 #include "ui/equipment/RecvFileMan.h"
 #include "ui/equipment/RecvFilePage.h"
 
-#include <QAbstractButton>
-
 #include <filesystem>
-#include <functional>
-#include <memory>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::testing {
 
@@ -56,13 +45,7 @@ protected:
     {
         const bool isText = scenario.find(' ') != std::string::npos;
         model = isText ? ParsedScenario(scenario) : ShippedScenario(scenario);
-        command->ClosePort();
-        receiver = std::make_unique<simulator::Simulator>(model);
-        std::string error;
-        ASSERT_TRUE(receiver->Start(error)) << error;
-        PortSettings settings;
-        settings.replyTimeout = std::chrono::seconds(10);
-        ASSERT_EQ(command->OpenPort(receiver->PortPath(), settings), 1) << command->LastError();
+        receiver = Plugged(*command, model);
     }
 
     /// Opens the sheet as DoModal() does, without waiting for its end.
@@ -71,7 +54,7 @@ protected:
         sheet.reset();
         CRecvFileMan::Surroundings world;
         world.folders = OwnFolders();
-        world.freeBytes = [this](const std::filesystem::path&) { return freeBytes; };
+        world.freeBytes = [](const auto&) { return std::uint64_t{1} << 40U; };
         sheet = std::make_unique<CRecvFileMan>(command.get(), loadWay, nullptr, world, nullptr,
                                                startPage);
         ASSERT_EQ(sheet->Open(), ReceiverFiles::Opened);
@@ -109,32 +92,7 @@ protected:
 
     [[nodiscard]] std::filesystem::path Documents() const { return home.Path() / "Documents"; }
     [[nodiscard]] std::filesystem::path Card() const { return home.Path() / "card"; }
-    /// The bytes of one of the receiver's files.
-    [[nodiscard]] std::string Content(const std::string& name) const
-    {
-        for (const simulator::ReceiverFile& file : simulator::FilesAtStart(model)) {
-            if (file.name == name) {
-                std::vector<std::uint8_t> bytes(file.size);
-                simulator::ReadFileContent(file, 0, bytes);
-                return {bytes.begin(), bytes.end()};
-            }
-        }
-        ADD_FAILURE() << "the receiver has no " << name;
-        return {};
-    }
-    [[nodiscard]] simulator::FileState StateOf(const std::string& name) const
-    {
-        for (const simulator::ReceiverFile& file : receiver->Files()) {
-            if (file.name == name) {
-                return file.state;
-            }
-        }
-        ADD_FAILURE() << "the receiver has no " << name;
-        return {};
-    }
-
     bool hasCard = false;
-    std::optional<std::uint64_t> freeBytes = std::uint64_t{1} << 40U;
     TemporaryFolder home;
     BreathingHost host;
     simulator::Scenario model;

@@ -4,42 +4,27 @@
 
 #include "tests/ui/controls/ScreenTrial.h"
 #include "tests/ui/equipment/FilesScreen.h"
-#include "ui/controls/PrgEndMes.h"
+#include "tests/ui/link/Leaving.h"
+#include "ui/controls/Icon.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
-#include <QCheckBox>
 #include <QHeaderView>
-#include <QRadioButton>
 #include <QTabBar>
 
 namespace fieldcore {
 namespace {
 
-using simulator::FileState;
 using testing::FilesScreen;
 
-ExpectedBox Told(const wchar_t* text, const wchar_t* caption, int icon)
+/// Presses the start button of the destination dialog.
+void Start(QWidget& front)
 {
-    return {text, caption, icon, {text::kButtonOk}, text::kButtonOk};
+    if (auto* const dialog = qobject_cast<CRecvFileSaveDlg*>(&front)) {
+        QTest::keyClick(dialog, Qt::Key_Return);
+    }
 }
-
-/// Presses the start button of the destination dialog, after what @p choose does there.
-std::function<void(QWidget&)> Starting(std::function<void(CRecvFileSaveDlg&)> choose = {})
-{
-    return [choose = std::move(choose)](QWidget& front) {
-        if (auto* const dialog = qobject_cast<CRecvFileSaveDlg*>(&front)) {
-            if (choose) {
-                choose(*dialog);
-            }
-            QTest::keyClick(dialog, Qt::Key_Return);
-        }
-    };
-}
-
-constexpr const wchar_t* kDone = L"すべてのデータの取得が完了しました。";
-constexpr const wchar_t* kDoneCaption = L"データ取得完了";
 
 /// One that logs into the last of its files.
 constexpr const char* kLogging =
@@ -48,7 +33,14 @@ constexpr const char* kLogging =
     "file A0318B00 65536 2026-03-18 05:00 open\n";
 
 class RecvFileManTest : public FilesScreen
-{};
+{
+protected:
+    void ShowOtherPage() const
+    {
+        QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
+        WaitForList();
+    }
+};
 
 TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
 {
@@ -83,8 +75,7 @@ TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
         EXPECT_EQ(Cell(0, 0) + QLatin1Char(' ') + Cell(0, 1) + QLatin1Char(' ') + Cell(0, 2),
                   QStringLiteral("A0314A00 26/03/14 47.1"));
         if (tabs.size() > 1) {
-            QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
-            WaitForList();
+            ShowOtherPage();
             EXPECT_EQ(sheet->GetMode(), 0);
             EXPECT_EQ(Find(RecvFilePage::kDelete)->isEnabled(), row.canDeleteRecycled);
         }
@@ -97,50 +88,40 @@ TEST_F(RecvFileManTest, HasItsTextsAndColumnsToTheLetter)
     Connect("lettered-power");
     Show(1);
     EXPECT_EQ(sheet->GetActiveIndex(), 1) << "the page to start with";
-    const auto textOf = [this](int control) {
-        return qobject_cast<QAbstractButton*>(Find(control))->text();
-    };
-    EXPECT_EQ(textOf(RecvFilePage::kDelete) + textOf(RecvFilePage::kRecover) +
-                  textOf(RecvFilePage::kSelectAll),
-              QStringLiteral("削除復帰全選択"));
+    for (const char* const words : {"削除", "復帰", "全選択"}) {
+        EXPECT_NE(testing::Called(Page(), QString::fromUtf8(words)), nullptr) << words;
+    }
     QTest::mouseClick(sheet->findChild<QTabBar*>(), Qt::LeftButton, {}, QPoint(10, 10));
     WaitForList();
-    EXPECT_EQ(textOf(RecvFilePage::kFetch), QStringLiteral("取得"));
+    EXPECT_NE(testing::Called(Page(), QStringLiteral("取得")), nullptr);
     const QHeaderView& header = *List().header();
-    constexpr std::pair<const char*, int> kColumns[] = {
-        {"名前", 100}, {"日時", 70}, {"サイズ", 50}};
-    ASSERT_EQ(header.count(), 3);
-    for (int column = 0; column < 3; ++column) {
-        EXPECT_EQ(header.model()->headerData(column, Qt::Horizontal).toString(),
-                  QString::fromUtf8(kColumns[column].first));
-        EXPECT_GE(header.sectionSize(column), kColumns[column].second);
+    QStringList heads;
+    for (int column = 0; column < header.count(); ++column) {
+        heads += header.model()->headerData(column, Qt::Horizontal).toString();
     }
+    EXPECT_EQ(heads.join(QLatin1Char(' ')), QStringLiteral("名前 日時 サイズ"));
+    EXPECT_TRUE(header.sectionSize(0) >= 100 && header.sectionSize(1) >= 70 &&
+                header.sectionSize(2) >= 50);
     EXPECT_GE(List().visualRect(List().model()->index(0, 0)).height(), 44);
 }
 
 TEST_F(RecvFileManTest, TellsFilesApartByTheirIcons)
 {
-    struct Row
-    {
-        const char* receiver;
-        unsigned page;
-        int row;
-        const char* icon;
-    };
-    const Row rows[] = {
-        {kLogging, 0, 0, "file"},
-        {kLogging, 0, 2, "recording"},
-        {"lettered-power", 1, 0, "trash"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.icon);
-        Connect(row.receiver);
-        Show(row.page);
-        const auto icon = List().model()->index(row.row, 0).data(Qt::DecorationRole).value<QIcon>();
+    const auto expect = [this](int row, const char* drawing) {
+        const auto icon = List().model()->index(row, 0).data(Qt::DecorationRole).value<QIcon>();
         EXPECT_EQ(icon.pixmap(24, 24).toImage(),
-                  ThemeIcon(QLatin1String(row.icon)).pixmap(24, 24).toImage());
-        EXPECT_EQ(sheet->GetLogging(), row.receiver == kLogging ? 1 : 0);
-    }
+                  ThemeIcon(QLatin1String(drawing)).pixmap(24, 24).toImage())
+            << drawing;
+    };
+    Connect(kLogging);
+    Show();
+    expect(0, "file");
+    expect(2, "recording");
+    EXPECT_EQ(sheet->GetLogging(), 1);
+    Connect("lettered-power");
+    Show(1);
+    expect(0, "trash");
+    EXPECT_EQ(sheet->GetLogging(), 0);
 }
 
 TEST_F(RecvFileManTest, SelectsWholeRowsWithFingersAndKeys)
@@ -184,7 +165,7 @@ TEST_F(RecvFileManTest, ShowsRowsWhileTheListingRuns)
     EXPECT_GT(most, 400);
 }
 
-TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
+TEST_F(RecvFileManTest, FetchesTheSelectedFiles)
 {
     Connect("lark");
     Show();
@@ -192,20 +173,18 @@ TEST_F(RecvFileManTest, FetchesTheSelectedFilesByteByByte)
     Tap(1);
     Tap(5);
     Surveyor surveyor;
-    surveyor.onOther = Starting();
-    surveyor.boxes = {Told(kDone, kDoneCaption, text::kMessageIconInformation)};
+    surveyor.onOther = Start;
+    surveyor.boxes = {{L"すべてのデータの取得が完了しました。", L"データ取得完了",
+                       text::kMessageIconInformation}};
     QTest::keyClick(&List(), Qt::Key_Return); // the usual next step
-    EXPECT_EQ(ContentOf(Documents() / "2026-03-14" / "A0314A00.Q02"), Content("A0314A00.Q02"));
-    EXPECT_EQ(ContentOf(Documents() / "2026-03-14" / "A0314B00.Q02"), Content("A0314B00.Q02"));
-    EXPECT_TRUE(std::filesystem::exists(Documents() / "2026-03-18" / "A0318B00.Q02"));
+    for (const char* const file :
+         {"2026-03-14/A0314A00.Q02", "2026-03-14/A0314B00.Q02", "2026-03-18/A0318B00.Q02"}) {
+        EXPECT_TRUE(std::filesystem::exists(Documents() / file)) << file;
+    }
     EXPECT_FALSE(sheet->Progress().isVisible());
     const auto isMarked = [this](int row) {
-        return List()
-            .model()
-            ->index(row, 0)
-            .data(Qt::AccessibleTextRole)
-            .toString()
-            .endsWith(QStringLiteral("取得済み"));
+        const QVariant told = List().model()->index(row, 0).data(Qt::AccessibleTextRole);
+        return told.toString().endsWith(QStringLiteral("取得済み"));
     };
     EXPECT_TRUE(isMarked(0) && isMarked(1) && !isMarked(2));
     EXPECT_EQ(sheet->focusWidget(), &List());
@@ -239,24 +218,18 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
         EXPECT_TRUE(bars[0]->text().endsWith(QStringLiteral(" / 47.1 KB")));
         EXPECT_TRUE(bars[1]->text().startsWith(QStringLiteral("合計　")));
         EXPECT_GT(bars[0]->GetPos(), 3 * bars[1]->GetPos());
-        QStringList words;
-        for (const QLabel* const label : panel->findChildren<QLabel*>()) {
-            words += label->text();
+        for (const char* const words : {"1 / 2　A0314B00.Q02", " KB/s", "残り "}) {
+            EXPECT_TRUE(testing::Says(*panel, QString::fromUtf8(words), true)) << words;
         }
-        const QString all = words.join(QLatin1Char('\n'));
-        EXPECT_TRUE(all.contains(QStringLiteral("1 / 2　A0314B00.Q02"))) << all.toStdString();
-        EXPECT_TRUE(all.contains(QStringLiteral(" KB/s"))) << all.toStdString();
-        EXPECT_TRUE(all.contains(QStringLiteral("残り "))) << all.toStdString();
         atClick = 48213ULL * static_cast<unsigned>(bars[0]->GetPos()) / 1000;
         QTimer::singleShot(0, panel, [panel] {
             QTest::mouseClick(panel->findChild<QPushButton*>(), Qt::LeftButton);
         });
     };
     Surveyor surveyor;
-    surveyor.onOther = Starting();
-    surveyor.boxes = {
-        Told(L"データの取得を中止しました。\n取得が完了したファイルは保存されています。",
-             L"データ取得中止", text::kMessageIconInformation)};
+    surveyor.onOther = Start;
+    surveyor.boxes = {{L"データの取得を中止しました。\n取得が完了したファイルは保存されています。",
+                       L"データ取得中止", text::kMessageIconInformation}};
     Click(RecvFilePage::kFetch);
     ASSERT_GT(atClick, 0U);
     EXPECT_LE(std::filesystem::file_size(part), atClick + 2000)
@@ -272,18 +245,14 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
 
 TEST_F(RecvFileManTest, BringsFilesBack)
 {
-    for (const char* const name : {"pica", "lettered-power"}) {
-        SCOPED_TRACE(name);
-        Connect(name);
-        Show(1);
-        ASSERT_EQ(List().Count(), 2);
-        Tap(0);
-        Click(RecvFilePage::kRecover);
-        EXPECT_EQ(List().Count(), 1);
-        QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier);
-        WaitForList();
-        EXPECT_EQ(List().Count(), 4) << "the receiver lists it as live";
-    }
+    Connect("pica");
+    Show(1);
+    ASSERT_EQ(List().Count(), 2);
+    Tap(0);
+    Click(RecvFilePage::kRecover);
+    EXPECT_EQ(List().Count(), 1);
+    ShowOtherPage();
+    EXPECT_EQ(List().Count(), 4) << "the receiver lists it as live";
 }
 
 /// What can go wrong is a table of the engine's.
@@ -309,55 +278,21 @@ TEST_F(RecvFileManTest, SaysWhatWentWrong)
 
 TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
 {
-    struct Row
-    {
-        int loadWay;
-        int button; // 0: is not asked
-        bool closes;
-        bool portStaysOpen;
-    };
-    const Row rows[] = {
-        {0, 0, true, true},
-        {1, text::kButtonCancel, false, true},
-        {1, text::kEndProgram, true, false},
-        {1, text::kEndProgramPowerOff, true, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.button);
+    for (const testing::Leaving& row : testing::kLeavings) {
         Connect("lettered-power");
         Show(0, row.loadWay);
-        QTest::keyClick(sheet.get(), Qt::Key_Tab, Qt::ControlModifier); // both pages have been seen
-        WaitForList();
-        int asked = 0;
-        Surveyor surveyor;
-        surveyor.onOther = [&](QWidget& front) {
-            if (auto* const question = qobject_cast<CPrgEndMes*>(&front)) {
-                ++asked;
-                for (QPushButton* const button : question->findChildren<QPushButton*>()) {
-                    if (button->text() == UiText(row.button)) {
-                        QTest::mouseClick(button, Qt::LeftButton);
-                        return;
-                    }
-                }
-            }
-        };
-        QTest::keyClick(sheet.get(), Qt::Key_Escape);
-        EXPECT_EQ(asked, row.button != 0 ? 1 : 0);
-        EXPECT_EQ(!sheet->isVisible(), row.closes);
-        EXPECT_EQ(command->IsPortOpen() != 0, row.portStaysOpen);
-        const auto requests = receiver->Requests();
-        const bool switchedOff =
-            std::any_of(requests.begin(), requests.end(),
-                        [](const auto& frame) { return frame.size() > 2 && frame[2] == 0x84; });
-        EXPECT_EQ(switchedOff, row.button == text::kEndProgramPowerOff);
+        ShowOtherPage(); // each page could ask
+        testing::ExpectLeft(*sheet, row, *command, *receiver);
     }
 }
 
-TEST_F(RecvFileManTest, CutsNothingOff)
+/// The longest words there are.
+TEST_F(RecvFileManTest, CutsNothingOffOfTheProgress)
 {
     Connect(kLogging);
     testing::InEveryLook([&](QSize size) {
         Show(0, 1, size);
+        auto* const panel = sheet->findChild<TransferPanel*>();
         TransferProgress progress;
         progress.file = 128;
         progress.files = 512;
@@ -367,7 +302,6 @@ TEST_F(RecvFileManTest, CutsNothingOff)
         progress.totalBytes = progress.totalSize = std::uint64_t{999} << 30U;
         progress.bytesPerSecond = 999.0 * 1024;
         progress.timeLeft = std::chrono::hours(99);
-        auto* const panel = sheet->findChild<TransferPanel*>();
         panel->Show(progress);
         QCoreApplication::processEvents();
         testing::ExpectNothingCut(*sheet, size);

@@ -1,57 +1,38 @@
 // The screens of the receiver's state: what the user reads, and what the library may write there.
 
 #include "core/equipment/BattLevel.h"
-#include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
-#include "simulator/Simulator.h"
 #include "tests/core/equipment/KnownReceiver.h"
 #include "tests/support/VirtualReceiver.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "tests/ui/controls/ScreenTrial.h"
+#include "tests/ui/link/Plugged.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TextProgressCtrl.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 
-#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
-#include <QLabel>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTest>
-#include <QTimer>
 
-#include <algorithm>
 #include <chrono>
-#include <memory>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kReceiver = "model 3017\npower-source 2\nbattery 64\n";
-
 class StatusScreensTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        std::string error;
-        receiver = std::make_unique<simulator::Simulator>(testing::ParsedScenario(kReceiver));
-        ASSERT_TRUE(receiver->Start(error)) << error;
-        ASSERT_EQ(command.OpenPort(receiver->PortPath()), 1);
-        command.SetHost(host);
-    }
+    StatusScreensTest() { command.SetHost(host); }
 
     QtHost host;
-    std::unique_ptr<simulator::Simulator> receiver;
     CCommand command;
+    const std::unique_ptr<simulator::Simulator> receiver = testing::Plugged(
+        command, testing::ParsedScenario("model 3017\npower-source 2\nbattery 64\n"));
 };
 
 TEST_F(StatusScreensTest, ThePeriodicCallReachesBarAndText)
@@ -167,23 +148,18 @@ TEST(StatusPage, SaysWhatIsStale)
 {
     Receiver receiver = testing::KnownReceiver();
     const Clock::UtcTime utc = std::chrono::sys_days(2026y / 3 / 19);
-    const auto words = [](const StatusPage& page) {
-        QString all;
-        for (const QLabel* label : page.findChildren<QLabel*>()) {
-            all += label->text() + QLatin1Char('|');
-        }
-        return all;
-    };
     StatusPage page;
+    const auto says = [&page](const char* words) {
+        return testing::Says(page, QString::fromUtf8(words), true);
+    };
     page.Show(receiver, {}, {101s, utc});
-    EXPECT_TRUE(words(page).contains(QStringLiteral("RTKフィックス")));
-    EXPECT_FALSE(words(page).contains(QStringLiteral("最終受信")));
+    page.show();
+    EXPECT_TRUE(says("RTKフィックス") && !says("最終受信"));
     page.Show(receiver, {}, {111s, utc});
-    EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:49")));
+    EXPECT_TRUE(says("最終受信 08:59:49"));
     receiver.link = LinkState::Lost;
     page.Show(receiver, {}, {101s, utc});
-    EXPECT_TRUE(words(page).contains(QStringLiteral("▲ 切断")));
-    EXPECT_TRUE(words(page).contains(QStringLiteral("最終受信 08:59:59")));
+    EXPECT_TRUE(says("▲ 切断") && says("最終受信 08:59:59"));
 }
 
 /// A receiver as the status shows it with its longest words, and the versions.

@@ -1,18 +1,15 @@
 #include "ui/link/FramesView.h"
 
-#include "core/link/Command.h"
 #include "core/platform/WholeFile.h"
-#include "simulator/Simulator.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/ui/link/Clicks.h"
+#include "tests/ui/link/Plugged.h"
 #include "ui/controls/QtHost.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTableView>
-
-#include <string>
 
 namespace fieldcore {
 namespace {
@@ -36,16 +33,13 @@ protected:
     {
         return table->model()->index(row, column).data().toString();
     }
-    [[nodiscard]] QPushButton* Button(int textId) const
+    void Click(int textId) const { testing::Click(view, textId); }
+    /// What is told of the row that is selected.
+    [[nodiscard]] QString Detail() const
     {
-        for (QPushButton* const button : view.findChildren<QPushButton*>()) {
-            if (button->text() == UiText(textId)) {
-                return button;
-            }
-        }
-        return nullptr;
+        return view.findChild<QPlainTextEdit*>()->toPlainText();
     }
-    void Click(int textId) const { QTest::mouseClick(Button(textId), Qt::LeftButton); }
+    void Choose(int shown) const { view.findChild<QComboBox*>()->setCurrentIndex(shown); }
 
     FrameHistory history;
     FramesView view{history};
@@ -54,12 +48,9 @@ protected:
 
 TEST_F(FramesViewTest, ShowsWhatGoesOverTheLine)
 {
-    simulator::Simulator receiver{simulator::Scenario{}};
-    std::string error;
-    ASSERT_TRUE(receiver.Start(error)) << error;
     CCommand command;
     command.SetLineObserver(history.Observer());
-    ASSERT_EQ(command.OpenPort(receiver.PortPath()), 1);
+    const auto receiver = testing::Plugged(command, {});
     SerialReply serial;
     ASSERT_EQ(command.RequestSerial(serial), 1);
     view.Refresh();
@@ -70,8 +61,7 @@ TEST_F(FramesViewTest, ShowsWhatGoesOverTheLine)
     EXPECT_TRUE(Cell(1, FramesModel::Content).startsWith(QStringLiteral("07 ")));
     QTest::keyClick(table, Qt::Key_End);
     table->selectRow(1);
-    EXPECT_TRUE(view.findChild<QPlainTextEdit*>()->toPlainText().contains(
-        ToQt(serial.shortSerial).trimmed()));
+    EXPECT_TRUE(Detail().contains(ToQt(serial.shortSerial).trimmed()));
 }
 
 TEST_F(FramesViewTest, ShowsWhatIsNoFrame)
@@ -105,11 +95,10 @@ TEST_F(FramesViewTest, ShowsWhatIsNoFrame)
             << rows[i].fault;
         EXPECT_EQ(Cell(i, FramesModel::Time).size(), 12) << rows[i].fault;
     }
-    view.findChild<QComboBox*>()->setCurrentIndex(3);
+    Choose(3);
     EXPECT_EQ(table->model()->rowCount(), 2) << "both pieces that were no frame";
     table->selectRow(0);
-    EXPECT_TRUE(
-        view.findChild<QPlainTextEdit*>()->toPlainText().contains(UiText(text::kFramesNoise)));
+    EXPECT_TRUE(Detail().contains(UiText(text::kFramesNoise)));
 }
 
 TEST_F(FramesViewTest, FiltersHoldsAndClears)
@@ -119,10 +108,9 @@ TEST_F(FramesViewTest, FiltersHoldsAndClears)
     history.Add(Direction::Sent, LineUnit::Frame, kStatus);
     history.Add(Direction::Received, LineUnit::Frame, kNak);
     view.Refresh();
-    auto* const show = view.findChild<QComboBox*>();
     auto* const search = view.findChild<QLineEdit*>();
     const auto rowsFor = [&](int shown, const char* typed) {
-        show->setCurrentIndex(shown);
+        Choose(shown);
         search->clear();
         QTest::keyClicks(search, QString::fromLatin1(typed));
         return table->model()->rowCount();
@@ -149,7 +137,7 @@ TEST_F(FramesViewTest, FiltersHoldsAndClears)
     EXPECT_EQ(table->model()->rowCount(), 7);
     Click(text::kFramesClear);
     EXPECT_EQ(table->model()->rowCount(), 0);
-    EXPECT_FALSE(Button(text::kFramesSave)->isEnabled());
+    EXPECT_FALSE(testing::Called(view, text::kFramesSave)->isEnabled());
     history.Add(Direction::Sent, LineUnit::Frame, kStatus);
     view.Refresh();
     EXPECT_EQ(table->model()->rowCount(), 1);
@@ -167,7 +155,7 @@ TEST_F(FramesViewTest, KeepsTenThousandRowsAndNoMore)
     view.Refresh();
     EXPECT_EQ(table->model()->rowCount(), 10000);
     EXPECT_EQ(view.Model().Frames().front().number, 15001U);
-    view.findChild<QComboBox*>()->setCurrentIndex(1);
+    Choose(1);
     EXPECT_EQ(table->model()->rowCount(), 5000);
     for (int i = 0; i < 100; ++i) {
         history.Add(Direction::Received, LineUnit::Frame, kNak);
@@ -185,21 +173,13 @@ TEST_F(FramesViewTest, SavesWhatIsShown)
     history.Add(Direction::Sent, LineUnit::Frame, kStatus);
     history.Add(Direction::Received, LineUnit::Frame, kNak);
     view.Refresh();
-    view.findChild<QComboBox*>()->setCurrentIndex(2);
+    Choose(2);
     {
-        Surveyor surveyor;
-        surveyor.boxes = {
-            {L"通信記録を保存しました。",
-             L"通信記録",
-             text::kMessageIconInformation,
-             {text::kButtonOk},
-             text::kButtonOk},
-            {L"通信記録を保存できませんでした。\n原因：No such file or directory\n"
-             L"保存先の空き容量と書き込みの許可を確認して、もう一度保存してください。",
-             L"通信記録",
-             text::kMessageIconStop,
-             {text::kButtonOk},
-             0}};
+        const Surveyor surveyor(
+            {{L"通信記録を保存しました。", L"通信記録", text::kMessageIconInformation},
+             {L"通信記録を保存できませんでした。\n原因：No such file or directory\n"
+              L"保存先の空き容量と書き込みの許可を確認して、もう一度保存してください。",
+              L"通信記録", text::kMessageIconStop}});
         EXPECT_EQ(view.Save(file), 1);
         EXPECT_EQ(view.Save(folder.Path() / "no-folder" / "exchange.log"), 0);
     }

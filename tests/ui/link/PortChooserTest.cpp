@@ -2,23 +2,13 @@
 
 #include "simulator/Scenario.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/ui/controls/OnScreen.h"
 #include "tests/ui/controls/ScreenTrial.h"
-#include "ui/controls/UiText.h"
 
-#include <QApplication>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTest>
-
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -77,12 +67,7 @@ protected:
     template <typename Control>
     [[nodiscard]] Control* Find(int textId) const
     {
-        for (Control* const control : dialog->findChildren<Control*>()) {
-            if (control->accessibleName() == UiText(textId).remove(QLatin1Char('&'))) {
-                return control;
-            }
-        }
-        return nullptr;
+        return testing::Called<Control>(*dialog, UiText(textId).remove(QLatin1Char('&')));
     }
     [[nodiscard]] QListWidget* List() const { return Find<QListWidget>(text::kPortList); }
     [[nodiscard]] QLineEdit* Name() const { return Find<QLineEdit>(text::kPortName); }
@@ -157,11 +142,7 @@ TEST_F(PortChooserTest, TakesWhatIsTypedAndSaysWhatIsWrong)
         SCOPED_TRACE(row.typed);
         Type(QString::fromLatin1(row.typed));
         EXPECT_EQ(Connect()->isEnabled(), row.isPort);
-        bool complains = false;
-        for (const QLabel* const label : dialog->findChildren<QLabel*>()) {
-            complains |= label->isVisible() && label->text() == UiText(text::kPortNameFault);
-        }
-        EXPECT_EQ(complains, !row.isPort);
+        EXPECT_EQ(testing::Says(*dialog, UiText(text::kPortNameFault)), !row.isPort);
         EXPECT_EQ(Find<QComboBox>(text::kPortScenario)->isVisible(), row.isSimulator);
         EXPECT_EQ(List()->currentRow(), row.isSimulator ? 0 : -1);
     }

@@ -1,8 +1,6 @@
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
 #include "core/planning/Degrees.h"
-#include "core/platform/Cp932.h"
-#include "simulator/Simulator.h"
 #include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/planning/PlanScreen.h"
@@ -13,22 +11,15 @@
 #include "ui/controls/TComboBox.h"
 #include "ui/planning/CurtainEditor.h"
 #include "ui/planning/CurtainView.h"
-#include "ui/planning/DateDlg.h"
 #include "ui/planning/PlanDet.h"
 #include "ui/planning/PlanPos.h"
 #include "ui/planning/PlanSet.h"
-#include "ui/planning/SiteDlg.h"
 
 #include <QCalendarWidget>
 #include <QCheckBox>
 #include <QInputMethodEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
-
-#include <algorithm>
-#include <numeric>
 
 namespace fieldcore {
 namespace {
@@ -45,24 +36,23 @@ protected:
     template <typename Page>
     void OnPage(const std::function<void(Page&)>& act, int button = text::kButtonOk)
     {
-        Next(*plan, [&](QWidget& window) {
-            auto& sheet = dynamic_cast<PropertySheet&>(window);
+        Next<PropertySheet>(*plan, [&](PropertySheet& sheet) {
             auto* const page = sheet.findChild<Page*>();
             ASSERT_EQ(sheet.SetActivePage(page), 1);
             act(*page);
             Click(sheet, button);
             sheet.close(); // where it has refused
         });
-        Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(21911);
+        Choose(text::kPlanDetail);
     }
     void InEditor(const std::function<void(CurtainEditor&)>& act, int button)
     {
-        Next(*plan, [&](QWidget& window) {
-            act(dynamic_cast<CurtainEditor&>(window));
-            Click(window, button);
-            window.close();
+        Next<CurtainEditor>(*plan, [&](CurtainEditor& editor) {
+            act(editor);
+            Click(editor, button);
+            editor.close();
         });
-        Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(21913);
+        Choose(text::kPlanCurtain);
     }
     /// Enters a text as an input method does, Japanese too.
     static void Enter(QLineEdit* edit, const QString& text)
@@ -74,11 +64,7 @@ protected:
     }
     static void Type(QWidget& dialog, int textId, const QString& text)
     {
-        for (QLineEdit* const edit : dialog.findChildren<QLineEdit*>()) {
-            if (edit->accessibleName() == UiText(textId)) {
-                Enter(edit, text);
-            }
-        }
+        Enter(testing::Called<QLineEdit>(dialog, textId), text);
     }
     [[nodiscard]] QStringList Shown(CPlanPos& page) const
     {
@@ -128,8 +114,8 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
             Type(dialog, text::kSiteHeight, QStringLiteral("25"));
             QTest::keyClick(&dialog, Qt::Key_Return);
             EXPECT_TRUE(dialog.isVisible()) << "it was taken";
-            EXPECT_EQ(dynamic_cast<QLineEdit&>(*dialog.focusWidget()).text(),
-                      QStringLiteral("36.7000"));
+            EXPECT_EQ(dialog.focusWidget(),
+                      testing::Called<QLineEdit>(dialog, text::kSiteLatitude));
             Type(dialog, text::kSiteLatitude, QStringLiteral("36.3000"));
             QTest::keyClick(&dialog, Qt::Key_Return);
         });
@@ -138,7 +124,7 @@ TEST_F(PlanPagesTest, FindChooseAddChangeAndRemoveSites)
     });
     EXPECT_EQ(plan->GetPositionStr(), L"現場");
     EXPECT_EQ(plan->GetPositionData(), 48);
-    EXPECT_NEAR(plan->Session().Site().latitudeRad * 180.0 / 3.14159265358979, 36.5, 1e-9);
+    EXPECT_NEAR(DegreesOf(plan->Session().Site().latitudeRad), 36.5, 1e-9);
     EXPECT_EQ(plan->GetSurveyPlanCalc()->GetObserver().heightM, 25.0);
 
     OnPage<CPlanPos>([&](CPlanPos& page) {
@@ -176,17 +162,16 @@ TEST_F(PlanPagesTest, ThePlanStaysOnItsSite)
     };
     OnPage<CPlanPos>(rename, text::kButtonCancel);
     EXPECT_EQ(plan->GetPositionStr(), L"本社") << "renamed, and Cancel";
-    EXPECT_NEAR(plan->GetSurveyPlanCalc()->GetObserver().latitudeRad, 0.628318530718, 1e-9);
+    EXPECT_NEAR(DegreesOf(plan->GetSurveyPlanCalc()->GetObserver().latitudeRad), 36.0, 1e-9);
 
     // Neither a look at the page nor a search that is taken back changes it.
-    const PlanSettings before = plan->Session().Settings();
     OnPage<CPlanPos>([&](CPlanPos& page) {
         Enter(page.findChild<QLineEdit*>(), QStringLiteral("札幌"));
         EXPECT_EQ(page.Chosen(), L"北海道札幌市");
         page.findChild<QLineEdit*>()->clear();
         EXPECT_EQ(page.Chosen(), L"本社");
     });
-    EXPECT_EQ(plan->GetPositionStr(), before.position);
+    EXPECT_EQ(plan->GetPositionStr(), L"本社");
 
     // One that another program has taken out of the file stays as well, and says what is unknown.
     home.Write("GSurveyPlan.ini", "[A]\r\nLAT=35.0\r\n[B]\r\nLAT=35.0\r\nLON=139.0\r\nHGT=1\r\n");
@@ -242,24 +227,16 @@ TEST_F(PlanPagesTest, TakeASiteFromTheReceiver)
 {
     Show();
     OnPage<CPlanPos>([&](CPlanPos& page) {
-        for (const QPushButton* const button : page.findChildren<QPushButton*>()) {
-            EXPECT_EQ(button->isEnabled(), button->text() != UiText(text::kSiteFromReceiver))
-                << "not connected";
-        }
+        EXPECT_FALSE(testing::Called(page, text::kSiteFromReceiver)->isEnabled()) << "what from?";
     });
-    simulator::Simulator receiver(testing::ParsedScenario("position -33.9 151.2 40"));
-    std::string error;
-    ASSERT_TRUE(receiver.Start(error)) << error;
-    PortSettings settings;
-    settings.replyTimeout = 10s;
-    ASSERT_EQ(command->OpenPort(receiver.PortPath(), settings), 1);
+    receiver = testing::Plugged(*command, testing::ParsedScenario("position -33.9 151.2 40"));
     OnPage<CPlanPos>([&](CPlanPos& page) {
         Next(*page.window(), [](QWidget& dialog) { Click(dialog, text::kButtonOk); });
         Click(page, text::kSiteFromReceiver);
     });
     EXPECT_EQ(plan->GetPositionStr(), L"受信機の位置");
     EXPECT_EQ(plan->GetPositionID(), 1);
-    EXPECT_NEAR(plan->Session().Site().latitudeRad, -33.9 / 180.0 * 3.14159265358979, 1e-6);
+    EXPECT_NEAR(DegreesOf(plan->Session().Site().latitudeRad), -33.9, 1e-4);
 }
 
 TEST_F(PlanPagesTest, SwitchSatellitesOffButNotAll)
@@ -291,27 +268,21 @@ TEST_F(PlanPagesTest, SwitchSatellitesOffButNotAll)
 
 TEST_F(PlanPagesTest, StandAThousandRandomEvents)
 {
-    struct Row
-    {
-        const char* screen;
-        int item;
-        int page; ///< of the sheet; -1: it has none
-    };
-    for (const Row& row : {Row{"conditions", 21911, 0}, Row{"site", 21911, 1},
-                           Row{"satellites", 21911, 2}, Row{"curtain", 21913, -1}}) {
-        SCOPED_TRACE(row.screen);
+    for (int page = 0; page <= 3; ++page) {
+        const bool isCurtain = page == 3;
+        SCOPED_TRACE(page);
         Show();
         testing::RandomHands hands;
         constexpr int kPerOpening = 100;
         while (!hands.IsTired()) {
             Next(*plan, [&](QWidget& window) {
-                if (row.page >= 0) {
-                    dynamic_cast<PropertySheet&>(window).SetActivePage(row.page);
+                if (!isCurtain) {
+                    dynamic_cast<PropertySheet&>(window).SetActivePage(page);
                 }
                 hands.Play(window, kPerOpening);
                 window.close();
             });
-            Q_EMIT Find<CnMenuBar>(21201)->ItemChosen(row.item);
+            Choose(isCurtain ? text::kPlanCurtain : text::kPlanDetail);
             const PlanSettings& settings = plan->Session().Settings();
             ASSERT_EQ(settings, Fitted(settings)) << "after " << hands.Count();
             for (const int elevation : plan->GetSurveyPlanCalc()->GetCurtain()) {
@@ -341,12 +312,14 @@ TEST_F(PlanPagesTest, DrawACurtainWithFingerAndKeys)
     Show();
     const auto draw = [](CurtainEditor& editor) {
         CurtainView& view = editor.View();
-        const auto at = [&](double azimuth, double elevation) {
-            return view.PointOf(azimuth, elevation).toPoint();
+        const auto drag = [&view](QPointF from, QPointF to) { // azimuth and elevation, degrees
+            const QPoint begin = view.PointOf(from.x(), from.y()).toPoint();
+            const QPoint end = view.PointOf(to.x(), to.y()).toPoint();
+            QTest::mousePress(&view, Qt::LeftButton, {}, begin);
+            QTest::mouseMove(&view, end);
+            QTest::mouseRelease(&view, Qt::LeftButton, {}, end);
         };
-        QTest::mousePress(&view, Qt::LeftButton, {}, at(350.5, 40.0));
-        QTest::mouseMove(&view, at(10.5, 40.0));
-        QTest::mouseRelease(&view, Qt::LeftButton, {}, at(10.5, 40.0));
+        drag({350.5, 40.0}, {10.5, 40.0});
         // A pixel is half a degree of elevation, and a degree and a half of azimuth there.
         EXPECT_NEAR(editor.Edit().At(0), 40, 1);
         EXPECT_EQ(editor.Edit().At(180), 0);
@@ -356,29 +329,23 @@ TEST_F(PlanPagesTest, DrawACurtainWithFingerAndKeys)
         Click(editor, text::kCurtainUndo);
         EXPECT_NEAR(editor.Edit().At(0), 40, 1);
         Click(editor, text::kCurtainUnrolled);
-        QTest::mousePress(&view, Qt::LeftButton, {}, at(90.5, 20.0));
-        QTest::mouseMove(&view, at(180.5, 60.0));
-        QTest::mouseRelease(&view, Qt::LeftButton, {}, at(180.5, 60.0));
+        drag({90.5, 20.0}, {180.5, 60.0});
         EXPECT_NEAR(editor.Edit().At(135), 40, 1);
     };
     InEditor(draw, text::kButtonCancel);
     EXPECT_FALSE(std::filesystem::exists(CurtainPath(home.Path())));
     EXPECT_FALSE(HasObstruction(plan->GetSurveyPlanCalc()->GetCurtain()));
     const double before = plan->Session().Plan().CountAt(0);
-    InEditor(
-        [&](CurtainEditor& editor) {
-            draw(editor);
-            QTest::keyClick(&editor.View(), Qt::Key_End);
-            for (int i = 0; i < 9; ++i) {
-                QTest::keyClick(&editor.View(), Qt::Key_PageUp);
-            }
-            for (int i = 0; i < 36; ++i) { // all around
-                QTest::keyClick(&editor.View(), Qt::Key_Left,
-                                Qt::ShiftModifier | Qt::ControlModifier);
-            }
-        },
-        text::kButtonOk);
-    EXPECT_EQ(std::filesystem::file_size(CurtainPath(home.Path())), 360U);
+    const auto raiseAll = [](CurtainEditor& editor) {
+        QTest::keyClick(&editor.View(), Qt::Key_End);
+        for (int i = 0; i < 9; ++i) {
+            QTest::keyClick(&editor.View(), Qt::Key_PageUp);
+        }
+        for (int i = 0; i < 36; ++i) { // all around
+            QTest::keyClick(&editor.View(), Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier);
+        }
+    };
+    InEditor(raiseAll, text::kButtonOk);
     EXPECT_EQ(LoadCurtain(home.Path()), plan->GetSurveyPlanCalc()->GetCurtain());
     EXPECT_EQ(plan->GetSurveyPlanCalc()->GetCurtain()[77], 90);
     EXPECT_LT(plan->Session().Plan().CountAt(0), before);
@@ -409,7 +376,7 @@ TEST_F(PlanPagesTest, TakeOverTheCurtainOfWhatWasTracked)
             .text();
     };
     const auto button = [](CurtainEditor& editor) {
-        return dynamic_cast<QPushButton*>(Dialog::FindControl(&editor, CurtainEditor::kTakeButton));
+        return Dialog::FindControl(&editor, CurtainEditor::kTakeButton);
     };
     InEditor(
         [&](CurtainEditor& editor) {
@@ -438,11 +405,10 @@ TEST_F(PlanPagesTest, TakeOverTheCurtainOfWhatWasTracked)
         },
         text::kButtonOk);
     EXPECT_NEAR(LoadCurtain(home.Path())[90], 30, 2);
-    InEditor(
-        [&](CurtainEditor& editor) {
-            EXPECT_FALSE(button(editor)->isEnabled()) << "there is nothing left to take over";
-        },
-        text::kButtonCancel);
+    const auto look = [&](CurtainEditor& editor) {
+        EXPECT_FALSE(button(editor)->isEnabled()) << "there is nothing left to take over";
+    };
+    InEditor(look, text::kButtonCancel);
 }
 
 TEST_F(PlanPagesTest, TakeACurtainAsText)

@@ -1,31 +1,21 @@
 #pragma once
 
-#include "core/link/Command.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/PlanSite.h"
-#include "core/resources/StringTable.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/HandClock.h"
+#include "tests/ui/controls/OnScreen.h"
+#include "tests/ui/link/Plugged.h"
 #include "ui/controls/QtHost.h"
-#include "ui/controls/UiText.h"
 #include "ui/planning/SurveyPlan.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QLabel>
-#include <QPointer>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
+#include <QAction>
 
-#include <algorithm>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::testing {
 
@@ -38,6 +28,7 @@ public:
         std::wstring text;
         std::wstring caption;
         BoxIcon icon;
+        bool operator==(const Note&) const = default;
     };
     BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view caption,
                           BoxStyle style) override
@@ -62,51 +53,6 @@ public:
     using CSurveyPlan::OnTimer;
 };
 
-/// Does @p act with the next window or popup over @p below, from inside its loop; closes what is
-/// still open much later, so that nothing hangs.
-inline void Next(QWidget& below, const std::function<void(QWidget&)>& act)
-{
-    auto* const look = new QTimer(&below);
-    QObject::connect(look, &QTimer::timeout, look, [look, &below, act] {
-        QWidget* over = QApplication::activePopupWidget();
-        over = over != nullptr ? over : QApplication::activeModalWidget();
-        if (over == nullptr || over == &below || !over->isVisible()) {
-            return;
-        }
-        look->stop();
-        look->deleteLater();
-        QTimer::singleShot(30000, over, [over] {
-            ADD_FAILURE() << "nobody has answered";
-            over->close();
-        });
-        act(*over);
-    });
-    look->start(1);
-}
-
-/// Clicks the button of that text or name.
-inline void Click(QWidget& window, int textId)
-{
-    const QString text = UiText(textId);
-    for (QAbstractButton* const button : window.findChildren<QAbstractButton*>()) {
-        if (button->isVisible() && (button->text() == text || button->accessibleName() == text)) {
-            QTest::mouseClick(button, Qt::LeftButton);
-            return;
-        }
-    }
-    ADD_FAILURE() << "there is no button " << text.toStdString();
-}
-
-/// Whether a label that is seen says that, or has it in it.
-inline bool Says(const QWidget& window, const QString& words, bool inPart = false)
-{
-    const QList<QLabel*> labels = window.findChildren<QLabel*>();
-    return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
-        const QString said = label->text();
-        return label->isVisible() && (inPart ? said.contains(words) : said == words);
-    });
-}
-
 class PlanScreen : public ::testing::Test
 {
 protected:
@@ -114,9 +60,7 @@ protected:
 
     PlanScreen()
     {
-        CCommand::Surroundings surroundings;
-        surroundings.host = &host;
-        command = std::make_unique<CCommand>(surroundings);
+        command->SetHost(host);
         // Late in the UTC day, when Japan has the next one.
         clock.utc =
             std::chrono::sys_days(std::chrono::year(2026) / 11 / 20) + std::chrono::hours(23);
@@ -153,6 +97,17 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(plan.get()));
         return *plan;
     }
+    /// Chooses an item of the menus by its words.
+    void Choose(int textId) const
+    {
+        for (QAction* const action : plan->findChildren<QAction*>()) {
+            if (action->text() == UiText(textId)) {
+                action->trigger();
+                return;
+            }
+        }
+        FAIL() << textId;
+    }
     template <typename Control = QWidget>
     [[nodiscard]] Control* Find(int id) const
     {
@@ -160,21 +115,13 @@ protected:
         EXPECT_NE(found, nullptr) << id;
         return found;
     }
-    static Folders Below(const std::string& folder)
-    {
-        FolderSources sources;
-        sources.variable = [folder](const std::string& name) {
-            return name == "HOME" ? std::optional<std::string>(folder) : std::nullopt;
-        };
-        return Folders(sources);
-    }
-
     TemporaryFolder home;
-    SettingsRoots roots{Below(home.Path())};
+    SettingsRoots roots{FoldersBelow(home.Path())};
     HandClock clock;
     NotingHost host;
     std::filesystem::path chosenFile;
-    std::unique_ptr<CCommand> command;
+    std::unique_ptr<simulator::Simulator> receiver;
+    std::unique_ptr<CCommand> command = std::make_unique<CCommand>();
     std::unique_ptr<Screen> plan;
 };
 

@@ -3,12 +3,8 @@
 #include "ui/planning/ChoiceButton.h"
 #include "ui/planning/PlanSystemsBar.h"
 
-#include <QAction>
 #include <QFile>
-#include <QLabel>
 #include <QListWidget>
-
-#include <algorithm>
 
 namespace fieldcore {
 namespace {
@@ -26,21 +22,11 @@ protected:
         clock.utc = std::chrono::sys_days(std::chrono::year(2020) / 6 / 25) + std::chrono::hours(3);
         WriteAlmanac(2111);
     }
-    void Choose(int item) const
-    {
-        for (QAction* const action : plan->findChildren<QAction*>()) {
-            if (action->data().toInt() == item) {
-                action->trigger();
-                return;
-            }
-        }
-        FAIL() << item;
-    }
     void Import(const std::string& text)
     {
         home.Write("orbits.txt", text);
         chosenFile = home.Path() / "orbits.txt";
-        Choose(CSurveyPlan::kImportItem);
+        Choose(text::kOrbitsRead);
     }
     void Tap(GnssSystem system) const
     {
@@ -54,10 +40,7 @@ protected:
     [[nodiscard]] std::string Systems() const { return TextOf(plan->Session().Plan().Systems()); }
     static bool Says(const QWidget& window, const QString& words)
     {
-        const QList<QLabel*> labels = window.findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
-            return label->isVisible() && label->text().contains(words);
-        });
+        return testing::Says(window, words, true);
     }
 };
 
@@ -92,22 +75,18 @@ TEST_F(PlanSystemsTest, SaysOfEachSystemFromWhichAgeOnItIsTooOld)
     Import(testing::Messages());
     plan->Session().SetSystems(SystemSet().set());
     const auto buttons = plan->findChild<PlanSystemsBar*>()->findChildren<ChoiceButton*>();
-    struct Row
-    {
-        int days; // after the messages
-        const char* stale;
-    };
-    for (const Row& row :
-         {Row{0, ""}, {1, "S"}, {6, "S"}, {8, "CJS"}, {13, "CJS"}, {15, "GRECJS"}}) {
+    constexpr std::pair<int, const char*> kStale[] = {{0, ""},    {1, "S"},    {6, "S"},
+                                                      {8, "CJS"}, {13, "CJS"}, {15, "GRECJS"}};
+    for (const auto& [days, expected] : kStale) { // after the messages
         plan->SetSystemTime(std::chrono::sys_days(std::chrono::year(2020) / 6 / 25) +
-                            std::chrono::days(row.days));
+                            std::chrono::days(days));
         plan->DrawResults();
         SystemSet stale;
         for (std::size_t k = 0; k < kGnssSystems; ++k) {
             const QString words = buttons[static_cast<qsizetype>(k)]->accessibleName();
             stale.set(k, words.contains(QStringLiteral("0.5度以上ずれる")));
         }
-        EXPECT_EQ(TextOf(stale), row.stale) << row.days;
+        EXPECT_EQ(TextOf(stale), expected) << days;
     }
 }
 
@@ -140,7 +119,7 @@ TEST_F(PlanSystemsTest, SearchesDaysAndOpensThePlanOfTheOneThatIsTapped)
         }
         FAIL();
     });
-    Choose(CSurveyPlan::kSearchItem);
+    Choose(text::kSearchDays);
     const ObservationPlan& shown = plan->Session().Plan();
     EXPECT_FALSE(FindWindows(shown, plan->Session().Limits()).empty());
     Show(); // anew
@@ -154,7 +133,7 @@ TEST_F(PlanSystemsTest, SearchesDaysAndOpensThePlanOfTheOneThatIsTapped)
             QTest::qWaitFor([&] { return Says(dialog, UiText(text::kSearchEaseNothing)); }, 60000));
         dialog.close();
     });
-    Choose(CSurveyPlan::kSearchItem);
+    Choose(text::kSearchDays);
 }
 
 TEST_F(PlanSystemsTest, PlansASessionAndPrintsIt)
@@ -180,7 +159,7 @@ TEST_F(PlanSystemsTest, PlansASessionAndPrintsIt)
         dialog.close();
     });
     const Observer before = plan->Session().Plan().Calc().GetObserver();
-    Choose(CSurveyPlan::kSessionItem);
+    Choose(text::kSessionTitle);
     QFile sheet(chosenFile);
     ASSERT_TRUE(sheet.open(QIODevice::ReadOnly));
     EXPECT_TRUE(sheet.readAll().contains("/Count 2")) << "pages";

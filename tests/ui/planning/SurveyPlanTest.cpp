@@ -1,26 +1,18 @@
 #include "ui/planning/SurveyPlan.h"
 
 #include "core/planning/AlmanacFile.h"
-#include "core/platform/SettingsStore.h"
-#include "simulator/Simulator.h"
 #include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/ScreenTrial.h"
+#include "tests/ui/link/Leaving.h"
 #include "tests/ui/planning/PlanScreen.h"
-#include "ui/controls/BarButton.h"
 #include "ui/controls/LabelSpin.h"
 #include "ui/controls/NMenuBar.h"
-#include "ui/controls/PrgEndMes.h"
-#include "ui/controls/PropertySheet.h"
 #include "ui/controls/StepButton.h"
 #include "ui/planning/PlanGraphView.h"
 
 #include <QAbstractEventDispatcher>
-#include <QLabel>
 #include <QMenu>
-#include <QPushButton>
 #include <QSlider>
-
-#include <algorithm>
 
 namespace fieldcore {
 namespace {
@@ -31,51 +23,17 @@ using testing::ExpectNothingCut;
 using testing::Next;
 using testing::PlanScreen;
 using testing::Says;
+using Notes = std::vector<testing::NotingHost::Note>;
 
 class SurveyPlanTest : public PlanScreen
 {
 protected:
     [[nodiscard]] CnMenuBar* Menu() const { return Find<CnMenuBar>(21201); }
     [[nodiscard]] QString TextOf(int labelId) const { return Find<QLabel>(labelId)->text(); }
-    /// Presses the plus or minus button of a spin and lets it go.
-    void Step(int spinId, bool up)
-    {
-        const auto buttons = Find<LabelSpin>(spinId)->findChildren<StepButton*>();
-        ASSERT_EQ(buttons.size(), 2);
-        QTest::mouseClick(buttons[up ? 1 : 0], Qt::LeftButton);
-    }
-    void Choose(int item) const
-    {
-        const bool isGraph = item <= 21907;
-        for (BarButton* const button : Menu()->findChildren<BarButton*>()) {
-            if (button->accessibleDescription() ==
-                (isGraph ? QLatin1String("F2") : QLatin1String("F1"))) {
-                QTest::mouseClick(button, Qt::LeftButton);
-            }
-        }
-        QMenu* const menu = Menu()->Popup(isGraph ? 1 : 0);
-        ASSERT_TRUE(menu->isVisible());
-        const QString text = UiText(item);
-        for (QAction* const action : menu->actions()) {
-            if (action->text() == text) {
-                menu->setActiveAction(action);
-                QTest::keyClick(menu, Qt::Key_Return);
-                return;
-            }
-        }
-        FAIL() << item;
-    }
     void Connect(const char* scenarioText)
     {
-        std::string error;
-        receiver = std::make_unique<simulator::Simulator>(testing::ParsedScenario(scenarioText));
-        ASSERT_TRUE(receiver->Start(error)) << error;
-        PortSettings settings;
-        settings.replyTimeout = 10s;
-        ASSERT_EQ(command->OpenPort(receiver->PortPath(), settings), 1) << command->LastError();
+        receiver = testing::Plugged(*command, testing::ParsedScenario(scenarioText));
     }
-
-    std::unique_ptr<simulator::Simulator> receiver;
 };
 
 TEST_F(SurveyPlanTest, OpensWithWhatANewUserHas)
@@ -86,11 +44,7 @@ TEST_F(SurveyPlanTest, OpensWithWhatANewUserHas)
     EXPECT_EQ(TextOf(21376), QStringLiteral("11:00"));
     EXPECT_EQ(TextOf(21378), QStringLiteral("2026/11/20")) << "today in UTC";
     EXPECT_EQ(TextOf(21380), QStringLiteral("2026/11/19"));
-    EXPECT_EQ(plan->GetElMaskData(), 15);
-    EXPECT_EQ(plan->GetPositionStr(), L"東京都千代田区");
     EXPECT_EQ(plan->GetIntervalData(), 10);
-    EXPECT_EQ(plan->Session().Plan().Division(), 12);
-    EXPECT_TRUE(Menu()->IsItemChecked(21901));
     const QImage picture = Find(21373)->grab().toImage();
     EXPECT_EQ(picture.pixelColor(4, picture.height() - 5), QColor(255, 255, 150));
 }
@@ -201,7 +155,7 @@ TEST_F(SurveyPlanTest, RedrawsASecondAfterTheScrollsEnd)
     plan->OnTimer(256);
     EXPECT_FALSE(plan->IsTimerRunning(256));
     EXPECT_EQ(shown.startHour, 11);
-    Step(21375, true);
+    QTest::mouseClick(start->findChildren<StepButton*>().at(1), Qt::LeftButton);
     EXPECT_TRUE(plan->IsTimerRunning(256));
     plan->Close(Dialog::kCancelled);
     EXPECT_FALSE(plan->IsTimerRunning(256));
@@ -211,29 +165,20 @@ TEST_F(SurveyPlanTest, RemembersItsSettings)
 {
     Show();
     Choose(21906);
-    Step(21375, true);
+    QTest::keyClick(Find(21375), Qt::Key_Right);
     plan->SetElMaskData(20);
-    plan->SetListCoordData(1);
-    plan->SetPositionData(27);
     plan->SetPositionStr(L"大阪府大阪市");
-    plan->SetPositionID(3);
     plan->Close(Dialog::kCancelled);
     Show();
-    EXPECT_EQ(plan->Session().Settings(), (PlanSettings{20, 10, 2, 5, 1, 27, L"大阪府大阪市", 3}));
+    EXPECT_TRUE(host.notes.empty());
+    EXPECT_EQ(plan->Session().Settings(), (PlanSettings{20, 10, 2, 5, 0, 13, L"大阪府大阪市", 0}));
     EXPECT_TRUE(Menu()->IsItemChecked(21906));
-    EXPECT_NEAR(plan->Session().Site().latitudeRad, 0.60539, 1e-4) << "34.69 degrees: Osaka";
-}
-
-TEST_F(SurveyPlanTest, TellsOfAnOldAlmanac)
-{
-    clock.utc += std::chrono::days(40);
-    Show();
+    {
+        const SettingsBatch other(HostReg(roots).Store()); // whose writer has not finished
+        plan->Close(Dialog::kCancelled);
+    }
     ASSERT_EQ(host.notes.size(), 1U);
-    EXPECT_EQ(host.notes[0].text,
-              L"観測日より30日以上古い軌道暦を使用しています軌道暦を更新して下さい\n");
-    EXPECT_EQ(host.notes[0].caption, L"軌道暦エラー");
-    EXPECT_EQ(host.notes[0].icon, BoxIcon::Exclamation);
-    EXPECT_EQ(plan->Session().Plan().Division(), 12) << "it is used all the same";
+    EXPECT_TRUE(host.notes[0].text.starts_with(Text(text::kPlanNotKept))) << "what it is, then why";
 }
 
 TEST_F(SurveyPlanTest, GoesOnWithoutAnAlmanacAndTakesOneLater)
@@ -242,17 +187,13 @@ TEST_F(SurveyPlanTest, GoesOnWithoutAnAlmanacAndTakesOneLater)
     home.Write("CurTain.obs", std::string(360, 30));
     Connect("almanacs 31\nstart 2026-11-20 00:00:00");
     Show();
-    ASSERT_EQ(host.notes.size(), 1U);
-    EXPECT_EQ(host.notes[0].text, L"ファイル読み込みに失敗しました。");
-    EXPECT_EQ(host.notes[0].caption, L"ファイルエラー");
-    EXPECT_EQ(host.notes[0].icon, BoxIcon::Stop);
+    EXPECT_EQ(host.notes,
+              (Notes{{L"ファイル読み込みに失敗しました。", L"ファイルエラー", BoxIcon::Stop}}));
     EXPECT_EQ(TextOf(21380), QStringLiteral("--"));
     EXPECT_EQ(plan->GetSurveyPlanCalc()->GetCurtain()[0], 0) << "the later steps were not left out";
+    host.notes.clear();
     Choose(21912);
-    ASSERT_EQ(host.notes.size(), 2U);
-    EXPECT_EQ(host.notes[1].text, L"軌道暦を更新しました");
-    EXPECT_EQ(host.notes[1].caption, L"軌道暦更新");
-    EXPECT_EQ(host.notes[1].icon, BoxIcon::Information);
+    EXPECT_EQ(host.notes, (Notes{{L"軌道暦を更新しました", L"軌道暦更新", BoxIcon::Information}}));
     EXPECT_EQ(plan->GetSurveyPlanCalc()->GetCurtain()[0], 30);
     EXPECT_EQ(plan->Session().Plan().Division(), 12);
     EXPECT_NE(TextOf(21380), QStringLiteral("--"));
@@ -271,79 +212,25 @@ TEST_F(SurveyPlanTest, LeavesTheAlmanacWhereAnUpdateFails)
     host.cancelAt = host.breaths + 3;
     Choose(21912);
     EXPECT_TRUE(host.notes.empty()) << "the user knows that he has cancelled";
-    Choose(21912);
-    ASSERT_EQ(host.notes.size(), 1U);
-    EXPECT_EQ(host.notes[0].caption, L"軌道暦更新エラー");
-    EXPECT_EQ(
-        host.notes[0].text,
-        L"軌道暦データ数が4以下です。受信機へアンテナを接続し、衛星捕捉を15分以上行ってから再度"
-        L"暦データを取得してください。");
-    EXPECT_EQ(host.notes[0].icon, BoxIcon::Stop);
     EXPECT_EQ(TextOf(21380), QStringLiteral("2026/11/19"));
 }
 
-TEST_F(SurveyPlanTest, TellsThatItsSettingsCouldNotBeStored)
+TEST_F(SurveyPlanTest, TellsThatItsSiteIsMissing)
 {
-    Show();
-    {
-        const SettingsBatch other(HostReg(roots).Store()); // whose writer has not finished
-        plan->Close(Dialog::kCancelled);
-    }
-    ASSERT_EQ(host.notes.size(), 1U);
-    EXPECT_TRUE(host.notes[0].text.starts_with(Text(text::kPlanNotKept))) << "what it is, then why";
-    EXPECT_EQ(host.notes[0].icon, BoxIcon::Stop);
-}
-
-TEST_F(SurveyPlanTest, KeepsTheSlipOfAMissingSite)
-{
-    std::filesystem::remove(SitesPath(home.Path()));
-    Show();
-    EXPECT_TRUE(host.notes.empty());
-    EXPECT_EQ(plan->Session().Site().latitudeRad, 50.0);
-    EXPECT_EQ(plan->Session().Site().heightM, 70.0);
     const auto isTold = [this] { return Says(*plan, UiText(text::kPlanSiteMissing)); };
-    EXPECT_TRUE(isTold());
-    InstallSampleSites(home.Path());
     Show();
     EXPECT_FALSE(isTold());
+    std::filesystem::remove(SitesPath(home.Path()));
+    Show();
+    EXPECT_TRUE(isTold());
+    EXPECT_EQ(plan->Session().Site().latitudeRad, 50.0);
 }
 
 TEST_F(SurveyPlanTest, AsksHowToEndTheProgram)
 {
-    struct Row
-    {
-        int loadWay;
-        int button; // 0: is not asked
-        bool closes;
-        bool portStaysOpen;
-    };
-    const Row rows[] = {
-        {0, 0, true, true},
-        {1, text::kButtonCancel, false, true},
-        {1, text::kEndProgram, true, false},
-        {1, text::kEndProgramPowerOff, true, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.button);
+    for (const testing::Leaving& row : testing::kLeavings) {
         Connect("almanacs 31");
-        Show(row.loadWay);
-        bool asked = false;
-        bool switchedOff = false;
-        command->SetLineObserver([&](Direction, LineUnit, std::span<const std::uint8_t> frame) {
-            switchedOff = switchedOff || (frame.size() > 2 && frame[2] == 0x84);
-        });
-        if (row.button != 0) {
-            Next(*plan, [&](QWidget& question) {
-                asked = qobject_cast<CPrgEndMes*>(&question) != nullptr;
-                Click(question, row.button);
-            });
-        }
-        QTest::keyClick(plan.get(), Qt::Key_Escape);
-        EXPECT_EQ(asked, row.button != 0);
-        EXPECT_EQ(!plan->isVisible(), row.closes);
-        EXPECT_EQ(command->IsPortOpen() != 0, row.portStaysOpen);
-        EXPECT_EQ(switchedOff, row.button == text::kEndProgramPowerOff);
-        command->ClosePort();
+        testing::ExpectLeft(Show(row.loadWay), row, *command, *receiver);
     }
 }
 
@@ -352,8 +239,7 @@ TEST_F(SurveyPlanTest, SavesThePlanAndTellsWhere)
     Show();
     for (const int kind :
          {text::kPlanExportPdf, text::kPlanExportPng, text::kPlanExportSvg, text::kPlanExportCsv}) {
-        Next(*plan, [&](QWidget& popup) {
-            auto& menu = dynamic_cast<QMenu&>(popup);
+        Next<QMenu>(*plan, [kind](QMenu& menu) {
             for (QAction* const action : menu.actions()) {
                 if (action->text() == UiText(kind)) {
                     menu.setActiveAction(action);
@@ -382,16 +268,12 @@ TEST_F(SurveyPlanTest, DragsTheMaskAndMovesTheSatellites)
     EXPECT_EQ(plan->GetElMaskData(), 16);
     EXPECT_NEAR(plan->GetSurveyPlanCalc()->GetElMask(), 16.0 / 180.0 * 3.14159265, 1e-6);
     QTest::keyClick(graph, Qt::Key_Plus);
-    const QString undo = QStringLiteral("マスクを15°に戻す");
-    const auto buttons = plan->findChildren<QPushButton*>();
-    const auto found = std::find_if(buttons.begin(), buttons.end(), [&](const QPushButton* button) {
-        return button->isVisible() && button->text() == undo;
-    });
-    ASSERT_NE(found, buttons.end());
-    QTest::mouseClick(*found, Qt::LeftButton);
+    QAbstractButton* const undo = testing::Called(*plan, QStringLiteral("マスクを15°に戻す"));
+    ASSERT_TRUE(undo != nullptr && undo->isVisible());
+    QTest::mouseClick(undo, Qt::LeftButton);
     EXPECT_EQ(plan->GetElMaskData(), 15);
     EXPECT_EQ(graph->Drawing().maskDeg, 15);
-    EXPECT_FALSE((*found)->isVisible());
+    EXPECT_FALSE(undo->isVisible());
     auto* const time = plan->findChild<QSlider*>();
     ASSERT_TRUE(time->isVisible());
     QTest::keyClick(time, Qt::Key_End);

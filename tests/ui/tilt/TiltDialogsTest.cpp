@@ -1,7 +1,6 @@
 // The dialogs of the tilt sensor in front of sensors that behave and sensors that do not.
 
 #include "core/link/RecvInfo.h"
-#include "core/resources/StringTable.h"
 #include "core/settings/NotKept.h"
 #include "tests/core/tilt/SensorLine.h"
 #include "tests/support/VirtualReceiver.h"
@@ -9,7 +8,6 @@
 #include "tests/ui/link/Clicks.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/TComboBox.h"
-#include "ui/controls/UiText.h"
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltCalibDlg.h"
@@ -19,15 +17,12 @@
 #include "ui/tilt/TrackingDlg.h"
 
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QLineEdit>
-
-#include <memory>
-#include <utility>
 
 namespace fieldcore {
 namespace {
 
+using namespace std::chrono_literals;
 using testing::SensorLine;
 using testing::SensorWords;
 
@@ -37,6 +32,8 @@ protected:
     TiltTest()
     {
         line.command.SetHost(m_host);
+        window.resize(480, 640);
+        window.show();
         TiltSensorDlg::ForgetPlace();
         TiltSensorDlg::SetAntH(0.0);
     }
@@ -55,26 +52,39 @@ protected:
             QTest::keyClick(list, list->currentIndex() < place ? Qt::Key_Down : Qt::Key_Up);
         }
     }
+    static void Click(const Dialog& dialog, int id)
+    {
+        QTest::mouseClick(Find<QWidget>(dialog, id), Qt::LeftButton);
+    }
+    /// A sensor that says that.
+    void StartSensor(const SensorWords& words = {}, Clock::Duration timeout = 200s)
+    {
+        line.Say(words);
+        line.StartSensor(std::chrono::duration_cast<std::chrono::milliseconds>(timeout));
+    }
+    /// A label that shows @p textId sooner or later.
+    static void ExpectShown(const Dialog& dialog, int id, int textId)
+    {
+        const auto* const label = Find<QLabel>(dialog, id);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return label->isVisible() && label->text() == UiText(textId);
+        })) << label->text().toStdString();
+    }
 
     QtHost m_host{QtHost::Options{}};
     SensorLine line;
+    QWidget window; ///< that the bubble stands over
 };
 
 TEST_F(TiltTest, TheBubbleFollowsAndIsThereOnce)
 {
     SensorWords words;
     words.t2Rad = 0.01;
-    line.Say(words);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-    // The sensor is started at the port that the options name; here they cannot be read.
-    QWidget window;
-    window.resize(480, 640);
-    window.show();
+    StartSensor(words);
     EXPECT_EQ(TiltSensorDlg::IsShow(), 0);
     EXPECT_EQ(TiltSensorDlg::ShutDown(), 0);
     EXPECT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
     TiltSensorDlg* const first = TiltSensorDlg::Instance();
-    ASSERT_NE(first, nullptr);
     EXPECT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
     EXPECT_EQ(TiltSensorDlg::Instance(), first);
     EXPECT_EQ(TiltSensorDlg::IsShow(), 1);
@@ -108,8 +118,6 @@ TEST_F(TiltTest, StartsAndStopsTheSensorAtTheReceiversPort)
     auto scenario = testing::ShippedScenario("tilted");
     scenario.port = 2;
     ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
-    QWidget window;
-    window.show();
     const auto starts = [this] {
         return line.Sent(0x64, {0, 0, 0, 3, 0, 1, 0, 7, 12, 34, 1, 0, 5});
     };
@@ -135,17 +143,13 @@ TEST_F(TiltTest, MayBeShutDownInTheMiddleOfAQuestion)
 {
     SensorWords silent;
     silent.answers = false;
-    line.Say(silent);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::hours(10)));
-    QWidget window;
-    window.show();
+    StartSensor(silent, 10h);
     {
         TiltStatusDlg page(&line.command, line.reg);
         page.show();
         ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8) > 0; }));
         EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
     }
-    line.ForgetSent();
     TiltSensorDlg::StartUp(&line.command, &window, &window);
     EXPECT_TRUE(TiltSensorDlg::Instance()->isVisible());
     TiltSensorDlg::ShutDown();
@@ -163,8 +167,7 @@ TEST_F(TiltTest, ACalibrationIsCancelledWhateverTheReceiverDoes)
         SensorWords words;
         words.calibration = 0x0A;
         words.answers = !isSilent;
-        line.Say(words);
-        ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::hours(10)));
+        StartSensor(words, 10h);
         auto dialog = std::make_unique<TiltCalibDlg>(&line.command);
         dialog->show();
         ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8, {1}) > 0; }));
@@ -185,11 +188,10 @@ TEST_F(TiltTest, ACalibrationIsCancelledWhateverTheReceiverDoes)
 
 TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
 {
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+    StartSensor();
     TiltStatusDlg dialog(&line.command, line.reg);
     dialog.show();
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return Words(dialog, TiltStatusDlg::kStatus) == UiText(text::kTiltCompleted); }));
+    ExpectShown(dialog, TiltStatusDlg::kStatus, text::kTiltCompleted);
     EXPECT_EQ(Words(dialog, TiltStatusDlg::kRemain), QStringLiteral("あと29日23時間0分0秒"));
     EXPECT_EQ(Words(dialog, TiltStatusDlg::kExpiry), QStringLiteral("30日0時間"));
     auto* const sensitivity = Find<CTComboBox>(dialog, TiltStatusDlg::kSensitivity);
@@ -207,7 +209,7 @@ TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
     EXPECT_EQ(duration->text(), QStringLiteral("1.000"));
     EXPECT_TRUE(dialog.isVisible()) << "Enter leaves the box, not the dialog";
 
-    QTest::mouseClick(Find<QPushButton>(dialog, TiltStatusDlg::kChange), Qt::LeftButton);
+    Click(dialog, TiltStatusDlg::kChange);
     auto* const expiry = Find<QLineEdit>(dialog, TiltStatusDlg::kExpiryEdit);
     EXPECT_TRUE(expiry->isVisible());
     EXPECT_EQ(expiry->selectedText(), QStringLiteral("720"));
@@ -220,9 +222,8 @@ TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
     SensorWords expired;
     expired.calibration = 0x0C;
     line.Say(expired);
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return Words(dialog, TiltStatusDlg::kStatus) == UiText(text::kTiltExpired); }));
-    QTest::mouseClick(Find<QPushButton>(dialog, TiltStatusDlg::kBubble), Qt::LeftButton);
+    ExpectShown(dialog, TiltStatusDlg::kStatus, text::kTiltExpired);
+    Click(dialog, TiltStatusDlg::kBubble);
     EXPECT_EQ(TiltSensorDlg::IsShow(), 1);
     dialog.Close(Dialog::kCancelled);
     EXPECT_EQ(TiltSensorDlg::IsShow(), 0) << "the bubble goes with it";
@@ -234,59 +235,48 @@ TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
     {
         const char* fault;
         unsigned end; // calibration byte when the run is over
-        bool takesStart;
-        bool cancel;
         int status;
-        bool isClosed = false; // its window is, instead of a click
+        bool isCancelled = false; // by a click
+        bool isClosed = false;    // its window is
     };
     const Row rows[] = {
-        {"done", 0x19, true, false, text::kTiltCompleted},
-        {"failed", 0x08, true, false, text::kTiltFailed},
-        {"cancelled", 0x08, true, true, text::kTiltAborted},
-        {"closed while it runs", 0x08, true, true, text::kTiltAborted, true},
-        {"refused", 0x08, false, false, text::kTiltFailed},
+        {"done", 0x19, text::kTiltCompleted},
+        {"failed", 0x08, text::kTiltFailed},
+        {"cancelled", 0x08, text::kTiltAborted, true},
+        {"closed while it runs", 0x08, text::kTiltAborted, false, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
         SensorWords words;
-        words.takes = row.takesStart;
-        words.calibration = row.takesStart ? 0x0A : row.end;
+        words.calibration = 0x0A;
         words.percent = 40;
-        line.Say(words);
-        ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+        StartSensor(words);
         TiltStatusDlg dialog(&line.command, line.reg);
         dialog.show();
-        Surveyor surveyor;
-        surveyor.boxes = {{Text(text::kTiltStart),
-                           L"チルト調整",
-                           text::kMessageIconQuestion,
-                           {text::kButtonOk, text::kButtonCancel},
-                           text::kButtonOk}};
+        const bool isEnded = row.isCancelled || row.isClosed; // before its time
+        Surveyor surveyor({{Text(text::kTiltStart), L"チルト調整", text::kMessageIconQuestion}});
         bool wasSeen = false;
-        QTimer follow;
-        QObject::connect(&follow, &QTimer::timeout, [&] {
-            auto* const run = qobject_cast<TiltCalibDlg*>(QApplication::activeModalWidget());
+        surveyor.onOther = [&](QWidget& front) {
+            auto* const run = qobject_cast<TiltCalibDlg*>(&front);
             if (run == nullptr || line.Sent(0xC8, {4}) == 0 || line.command.IsBusy()) {
                 return;
             }
             const bool isFirst = !std::exchange(wasSeen, true);
             if (isFirst && row.isClosed) {
                 EXPECT_FALSE(run->close()) << "not before the receiver has stopped";
-            } else if (isFirst && row.cancel) {
+            } else if (isFirst && row.isCancelled) {
                 QTest::mouseClick(run->CancelButton(), Qt::LeftButton);
             }
-            if (!row.cancel || line.Sent(0xC8, {5}) > 0) { // it ends when it has been told
+            if (!isEnded || line.Sent(0xC8, {5}) > 0) { // it ends when it has been told
                 words.calibration = row.end;
                 line.Say(words);
             }
-        });
-        follow.start(5);
-        QTest::mouseClick(Find<QPushButton>(dialog, TiltStatusDlg::kCalibrate), Qt::LeftButton);
-        EXPECT_TRUE(wasSeen || !row.takesStart);
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] { return Words(dialog, TiltStatusDlg::kStatus) == UiText(row.status); }));
+        };
+        Click(dialog, TiltStatusDlg::kCalibrate);
+        EXPECT_TRUE(wasSeen);
+        ExpectShown(dialog, TiltStatusDlg::kStatus, row.status);
         // A busy machine may close the dialog first: then the receiver is told behind it.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8, {5}) == (row.cancel ? 1 : 0); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8, {5}) == (isEnded ? 1 : 0); }));
     }
 }
 
@@ -294,26 +284,17 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
 {
     SensorWords words;
     words.calibration = 0x08;
-    line.Say(words);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-    QWidget window;
-    window.show();
-    Surveyor surveyor;
-    surveyor.boxes = {{L"チルト調整がされていません。\n今すぐ調整を行いますか？",
-                       L"チルト調整",
-                       text::kMessageIconQuestion,
-                       {text::kButtonCancel, text::kButtonOk},
-                       0}}; // Enter agrees
+    StartSensor(words);
+    Surveyor surveyor({{L"チルト調整がされていません。\n今すぐ調整を行いますか？", L"チルト調整",
+                        text::kMessageIconQuestion, 0}}); // Enter agrees
     bool wasOpened = false;
-    QTimer leave;
-    QObject::connect(&leave, &QTimer::timeout, [&wasOpened] {
-        if (auto* const d = qobject_cast<TiltStatusDlg*>(QApplication::activeModalWidget())) {
+    surveyor.onOther = [&wasOpened](QWidget& front) {
+        if (auto* const opened = qobject_cast<TiltStatusDlg*>(&front)) {
             wasOpened = true;
-            Choose(Find<CTComboBox>(*d, TiltStatusDlg::kSensitivity), 4);
-            d->Close(Dialog::kCancelled);
+            Choose(Find<CTComboBox>(*opened, TiltStatusDlg::kSensitivity), 4);
+            opened->Close(Dialog::kCancelled);
         }
-    });
-    leave.start(5);
+    };
     TiltStatusChk::SetCheckCalib(&line.command, true, line.roots);
     TiltStatusChk::SttCheckCalib(&window, 7, 10);
     TiltStatusChk::SttCheckCalib(&window, 7, 10);
@@ -359,18 +340,21 @@ TEST_F(TiltTest, SendsSignalsOnOkOnly)
 
 TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
 {
-    for (const bool isSecond : {false, true}) {
+    {
+        TrackingDlg dialog(&line.command, line.roots);
+        dialog.show();
+        Choose(Find<CTComboBox>(dialog, TrackingDlg::kSurvey), 3);
+        dialog.findChild<QCheckBox*>()->setChecked(true);
+        dialog.Close(Dialog::kOk);
+    }
+    {
         TrackingDlg dialog(&line.command, line.roots);
         dialog.show();
         auto* const survey = Find<CTComboBox>(dialog, TrackingDlg::kSurvey);
-        auto* const msas = dialog.findChild<QCheckBox*>();
-        EXPECT_EQ(survey->currentIndex(), isSecond ? 3 : 0) << "the one that is run";
+        EXPECT_EQ(survey->currentIndex(), 3) << "the one that is run";
+        EXPECT_TRUE(dialog.findChild<QCheckBox*>()->isChecked());
         Choose(survey, 0);
-        EXPECT_EQ(msas->isChecked(), isSecond);
-        msas->setChecked(true);
-        Choose(survey, 3);
-        EXPECT_FALSE(msas->isChecked()) << "another survey";
-        dialog.Close(Dialog::kOk);
+        EXPECT_FALSE(dialog.findChild<QCheckBox*>()->isChecked()) << "another survey";
     }
     // The signals are those that are chosen for the receiver.
     const auto scenario = testing::ShippedScenario("lark");
@@ -409,16 +393,14 @@ TEST_F(TiltTest, SaysWhyThereIsNoReading)
         SensorWords words;
         words.answers = row.answers;
         words.status = row.status;
-        line.Say(words);
-        line.command.ClosePort();
-        if (row.hasPort) {
-            ASSERT_NO_FATAL_FAILURE(line.StartSensor(std::chrono::seconds(10)));
+        StartSensor(words, 10s);
+        if (!row.hasPort) {
+            line.command.ClosePort();
         }
         TiltStatusDlg dialog(&line.command, line.reg);
         dialog.show();
         EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] { return Words(dialog, TiltStatusDlg::kNotice) == UiText(row.notice); }));
+        ExpectShown(dialog, TiltStatusDlg::kNotice, row.notice);
         EXPECT_FALSE(Find<QLabel>(dialog, TiltStatusDlg::kStatus)->isVisible());
         EXPECT_EQ(Find<QPushButton>(dialog, TiltStatusDlg::kCalibrate)->isEnabled(),
                   row.mayCalibrate);
@@ -428,9 +410,7 @@ TEST_F(TiltTest, SaysWhyThereIsNoReading)
             QTest::qWaitFor([&] { return bubble->accessibleDescription() == UiText(row.bubble); }));
         if (row.hasPort) { // it is asked on
             line.Say(SensorWords());
-            ASSERT_TRUE(QTest::qWaitFor(
-                [&] { return Find<QLabel>(dialog, TiltStatusDlg::kStatus)->isVisible(); }));
-            EXPECT_EQ(Words(dialog, TiltStatusDlg::kStatus), UiText(text::kTiltCompleted));
+            ExpectShown(dialog, TiltStatusDlg::kStatus, text::kTiltCompleted);
             EXPECT_TRUE(Find<QPushButton>(dialog, TiltStatusDlg::kCalibrate)->isEnabled());
         }
         dialog.Close(Dialog::kCancelled);
@@ -441,13 +421,12 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
 {
     SensorWords words;
     words.tiltRad = words.t2Rad = 0.01;
-    line.Say(words);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
+    StartSensor(words);
     TiltSensorDlg::SetAntH(1.8);
     TiltStatusDlg page(&line.command, line.reg);
     page.resize(480, 640);
     page.show();
-    QTest::mouseClick(Find<QPushButton>(page, TiltStatusDlg::kBubble), Qt::LeftButton);
+    Click(page, TiltStatusDlg::kBubble);
     TiltSensorDlg* const bubble = TiltSensorDlg::Instance();
     ASSERT_NE(bubble, nullptr);
     for (const bool isAgain : {false, true}) { // over a button it does not come back
@@ -477,9 +456,6 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
 
     // In front of a page that takes all input it can still be used.
     TiltSensorDlg::ShutDown();
-    QWidget window;
-    window.resize(480, 640);
-    window.show();
     TiltSensorDlg::StartUp(&line.command, &window, &window);
     Dialog modal(&window);
     QTimer::singleShot(0, &modal, [&] {
@@ -498,9 +474,8 @@ TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 {
     testing::BoxKeepingHost host;
     line.command.SetHost(host);
-    ASSERT_NO_FATAL_FAILURE(line.StartSensor());
     TiltSettings settings(&line.command, line.reg);
-    ASSERT_EQ(settings.ChooseSensitivity(0), 1);
+    settings.ChooseSensitivity(0);
     EXPECT_TRUE(host.boxes.empty());
     {
         SettingsRoots others{testing::FoldersBelow(line.folder.Path())};
@@ -525,14 +500,12 @@ TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 {
     const auto scenario = testing::ShippedScenario("swaying-pole");
-    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
-    QWidget window;
-    window.resize(480, 640);
-    window.show();
+    testing::SensorLine pole(1.0);
+    ASSERT_NO_FATAL_FAILURE(pole.Start(scenario));
     testing::RandomHands hands;
     while (!hands.IsTired()) {
         TiltSensorDlg::SetAntH(hands.Below(4) - 1.0);
-        ASSERT_EQ(TiltSensorDlg::StartUp(&line.command, &window, &window), 1);
+        ASSERT_EQ(TiltSensorDlg::StartUp(&pole.command, &window, &window), 1);
         hands.Play(*TiltSensorDlg::Instance(), 100);
         TiltSensorDlg::WindowHide(hands.Below(2));
         if (hands.Below(3) == 0) {
@@ -540,10 +513,11 @@ TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
             EXPECT_EQ(TiltSensorDlg::ShutDown(), 0);
         }
     }
-    TiltSensorDlg::StartUp(&line.command, &window, &window);
+    TiltSensorDlg::StartUp(&pole.command, &window, &window);
     EXPECT_TRUE(QTest::qWaitFor(
-        [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 30000))
+        [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 60000))
         << "it follows the pole no more";
+    TiltSensorDlg::ShutDown(); // before its line
 }
 
 TEST_F(TiltTest, TheDialogsCutNothingOffAndStandRandomHands)
