@@ -32,14 +32,18 @@ if(FIELDCORE_COVERAGE)
     target_link_options(fieldcore_build INTERFACE ${coverage})
 endif()
 
-# fieldcore_precompile(TARGET [HEADER...]): these headers, and those of the standard library that most
-# files include, are compiled once. Only with FIELDCORE_PCH: what a file forgets to include then shows
-# in the presets without it.
+# fieldcore_precompile(TARGET [HEADER...]): with FIELDCORE_PCH these headers are compiled once. With a
+# sanitizer so are those of the standard library that most files include: GCC 12, where it optimises,
+# warns of them then, and what a file forgets to include shows in the presets without.
 function(fieldcore_precompile target)
-    if(FIELDCORE_PCH)
-        target_precompile_headers(${target} PRIVATE
+    set(headers ${ARGN})
+    if(FIELDCORE_SANITIZE)
+        list(APPEND headers
             <algorithm> <array> <chrono> <cmath> <cstdint> <filesystem> <functional> <map> <memory>
-            <optional> <span> <string> <string_view> <thread> <vector> ${ARGN})
+            <optional> <span> <string> <string_view> <thread> <vector>)
+    endif()
+    if(FIELDCORE_PCH AND headers)
+        target_precompile_headers(${target} PRIVATE ${headers})
     endif()
 endfunction()
 

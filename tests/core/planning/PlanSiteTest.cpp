@@ -291,6 +291,8 @@ TEST(SiteInput, IsReadOrTheFieldIsNamed)
         {&SiteInput::height, L"nan", SiteField::Height},
         {&SiteInput::height, L"10001", SiteField::Height},
         {&SiteInput::height, L"-400", std::nullopt},
+        {&SiteInput::height, L"12." + std::wstring(18, L'5'), std::nullopt}, // 21 characters
+        {&SiteInput::height, L"12." + std::wstring(19, L'5'), SiteField::Height},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(ToCp932(row.typed));
