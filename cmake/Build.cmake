@@ -38,7 +38,7 @@ endif()
 function(fieldcore_precompile target)
     set(headers ${ARGN})
     if(FIELDCORE_SANITIZE)
-        list(APPEND headers
+        list(PREPEND headers
             <algorithm> <array> <chrono> <cmath> <cstdint> <filesystem> <functional> <map> <memory>
             <optional> <span> <string> <string_view> <thread> <vector>)
     endif()
