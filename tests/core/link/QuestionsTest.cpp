@@ -88,6 +88,7 @@ TEST(Questions, LetOthersHaveTheLineBehindTheExchangeUnderWay)
         hasEnded.Set();
         return true;
     });
+    receiver.clock.Poke(); // the thread may have begun to wait before there was a question
     ASSERT_TRUE(receiver.clock.Wait(begins, 1s));
     receiver.clock.Sleep(50ms);
     receiver.host.inBreath = [&] {
