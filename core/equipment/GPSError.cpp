@@ -3,7 +3,6 @@
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
 #include "core/planning/GPSTime.h"
-#include "core/planning/JulianDate.h"
 #include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
@@ -25,6 +24,13 @@ constexpr std::uint8_t kPdopDecimals = 1;
 
 constexpr seconds kLast =
     std::chrono::sys_days(std::chrono::year(10000) / 1 / 1) - kGpsEpoch - seconds(1);
+
+constexpr double kUnixEpochJulianDate = 2440587.5; // 1970-01-01 00:00
+// Beyond these days a system clock in nanoseconds has no such time; since 1970.
+constexpr int kFirstDay =
+    std::chrono::sys_days(std::chrono::year(1680) / 1 / 1).time_since_epoch().count();
+constexpr int kLastDay =
+    std::chrono::sys_days(std::chrono::year(2260) / 12 / 31).time_since_epoch().count();
 
 } // namespace
 
@@ -48,10 +54,10 @@ std::optional<double> PdopOf(bool isSynchronised, double pdop)
 
 std::optional<Clock::UtcTime> ControllerTime(int week, double seconds, int utcOffsetS)
 {
-    const std::optional<std::chrono::year_month_day> date =
-        CalendarDateOfJulian(kGpsEpochJulianDate + (week * kWeekS + seconds) / kDayS);
-    // Beyond these years a system clock in nanoseconds has no such time.
-    if (!date || date->year() < std::chrono::year(1680) || date->year() > std::chrono::year(2260)) {
+    const double julianDate = kUnixEpochJulianDate + kGpsEpoch.time_since_epoch().count() +
+                              (week * kWeekS + seconds) / kDayS;
+    const double day = std::floor(julianDate - kUnixEpochJulianDate);
+    if (!(day >= kFirstDay && day <= kLastDay)) {
         return std::nullopt;
     }
     const double t = seconds - utcOffsetS;
@@ -59,7 +65,7 @@ std::optional<Clock::UtcTime> ControllerTime(int week, double seconds, int utcOf
     if (ofDay < 0.0) {
         ofDay += kDayS;
     }
-    return Clock::UtcTime(std::chrono::sys_days(*date)) +
+    return Clock::UtcTime(std::chrono::sys_days(std::chrono::days(static_cast<int>(day)))) +
            std::chrono::seconds(static_cast<std::int64_t>(ofDay));
 }
 

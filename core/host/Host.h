@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/host/FocusTarget.h"
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,6 +52,17 @@ struct BoxStyle
 /// where there is a question or a warning to agree to; trying again, and going on after a mere
 /// request, never does.
 [[nodiscard]] BoxAnswer DefaultAnswer(BoxStyle style);
+
+/// A control that somebody types into, for whoever finds a fault in what was typed. The control may
+/// go first: then nothing happens.
+class FocusTarget
+{
+public:
+    virtual ~FocusTarget() = default;
+
+    /// Puts the input focus into the control.
+    virtual void TakeFocus() = 0;
+};
 
 /// What the library asks of the application around it. A program with windows, a terminal
 /// program and a test each bring their own. Every call comes on the thread that uses the
