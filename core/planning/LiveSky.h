@@ -75,7 +75,6 @@ public:
 
     [[nodiscard]] bool HasReading() const { return m_readAt.has_value(); }
     /// Nothing without a reading.
-    [[nodiscard]] std::optional<Clock::Duration> ReadAt() const { return m_readAt; }
     [[nodiscard]] std::optional<std::chrono::seconds> Age(Clock::Duration now) const;
     /// Without a reading nothing is stale.
     [[nodiscard]] bool IsStale(Clock::Duration now) const;

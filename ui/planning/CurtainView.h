@@ -41,7 +41,6 @@ public:
     void SetProposal(const std::optional<CurtainProposal>& proposal);
     [[nodiscard]] const std::optional<CurtainProposal>& Proposal() const { return m_proposal; }
     void SetForm(Form form);
-    [[nodiscard]] Form GetForm() const { return m_form; }
     /// The entry under the cursor, 0 to 359 degrees.
     [[nodiscard]] int CursorDeg() const { return m_cursorDeg; }
 
