@@ -382,7 +382,7 @@ void Controller::PlanAhead()
         });
         if (next != windows.end()) {
             const QString when =
-                ahead == ahead.zero() ? QString() : UiText(text::kDayTomorrow) + QLatin1Char(' ');
+                ahead.count() == 0 ? QString() : UiText(text::kDayTomorrow) + QLatin1Char(' ');
             m_nextWindow = when + WindowText(session.Plan(), *next);
             break;
         }

@@ -100,7 +100,8 @@ void Overview::ShowSky(const Receiver& receiver, Clock::Duration now)
 
 void Overview::Show(const HomeState& state)
 {
-    const auto& [receiver, view, antenna, nextWindow, simulator] = state;
+    const Receiver& receiver = state.receiver;
+    const StatusView& view = state.view;
     switch (receiver.link) {
     case LinkState::Connected:
         m_headline->setText(ToQt(receiver.identity.Model()));
@@ -129,7 +130,7 @@ void Overview::Show(const HomeState& state)
         label->setText(ToQt(FieldText(FieldOf(key), receiver, view)));
         label->SetRole(roleOf(key));
     };
-    m_next->setText(nextWindow.isEmpty() ? UiText(text::kStatusUnknown) : nextWindow);
+    m_next->setText(state.nextWindow.isEmpty() ? UiText(text::kStatusUnknown) : state.nextWindow);
     ShowSky(receiver, view.now);
     show(m_satellites, "satellitesTracked");
     show(m_pdop, "pdop");

@@ -111,6 +111,7 @@ Command AddCommand(CLI::App& program, const CommandRow<Options>& row,
     };
     Command command = add(program, row);
     std::vector<Command> below;
+    below.reserve(rows.size());
     for (const CommandRow<Options>& one : rows) {
         below.push_back(add(*command.parser, one));
     }

@@ -27,6 +27,9 @@ Failure FileFailure(Wording message, Wording hint)
 Failure TextFailure(const std::filesystem::path& file, const TextError& error, Wording hint)
 {
     std::string place = file.string();
+    if (std::error_code ignored; error.line == 0 && !std::filesystem::exists(file, ignored)) {
+        return FileFailure({text::kSayNotThere, {place}});
+    }
     place += error.line > 0 ? Worded(text::kSayLine, {std::to_string(error.line)}) : "";
     place += error.field.empty() ? "" : Worded(text::kSayField, {error.field});
     return FileFailure(place + ": " + Translated(error.message), std::move(hint));

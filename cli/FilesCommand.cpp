@@ -69,7 +69,7 @@ std::string MessageOf(const PlannedFile& file)
 /// What is said of a file that was not done.
 std::string Said(const PlannedFile& file)
 {
-    const std::string said = Told(file) + ": " + MessageOf(file);
+    std::string said = Told(file) + ": " + MessageOf(file);
     if (file.nameFault != NameFault::None) {
         return WordedOr("\"" + Told(file) + "\" " + MeaningOf(file.nameFault).words + ".", said);
     }

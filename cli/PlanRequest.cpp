@@ -89,6 +89,7 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
     }
     if (found.size() > 1) {
         std::vector<std::string> names;
+        names.reserve(found.size());
         for (const NamedSite* candidate : found) {
             names.push_back(ToUtf8(candidate->name));
         }

@@ -160,7 +160,7 @@ std::optional<Failure> SetPort(PortSession& session, int port, PortEdit& edit,
     const bool moves = port == edit.LinkPort() && edit.MovesLink();
     const bool isStored = outcome == PortSet::Done && (!moves || edit.KeepLink() == 1);
     if (moves) {
-        if (const auto failure = Follow(session, edit, roots)) {
+        if (auto failure = Follow(session, edit, roots)) {
             return failure;
         }
     }

@@ -47,6 +47,8 @@ struct SatelliteId
     GnssSystem system = GnssSystem::Gps;
     std::uint8_t number = 0;
 
+    // The 0 that the comparison of the compiler's making compares with is no pointer.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     friend constexpr auto operator<=>(const SatelliteId&, const SatelliteId&) = default;
 
     /// "G05"
