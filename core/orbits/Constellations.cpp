@@ -73,7 +73,7 @@ void Constellations::Add(std::span<const NavigationRecord> records)
         }
         ofSatellite = isSame ? ofSatellite + 1 : 1;
         if (kept != record) {
-            *kept = std::move(*record);
+            *kept = *record;
         }
         ++kept;
     }

@@ -2,7 +2,7 @@
 
 namespace fieldcore {
 
-double NavigationRecord::ReferenceS() const noexcept
+double NavigationRecord::ReferenceS() const
 {
     return std::visit([](const auto& known) { return known.referenceS; }, orbit);
 }
@@ -27,7 +27,7 @@ bool NavigationRecord::IsHealthy() const noexcept
     return health == 0;
 }
 
-OrbitMotion::OrbitMotion(const NavigationRecord& record) noexcept
+OrbitMotion::OrbitMotion(const NavigationRecord& record)
 {
     if (const auto* elements = std::get_if<KeplerOrbit>(&record.orbit)) {
         m_way = *elements;
@@ -39,7 +39,7 @@ OrbitMotion::OrbitMotion(const NavigationRecord& record) noexcept
     }
 }
 
-std::optional<Ecef> OrbitMotion::At(double gpsS) noexcept
+std::optional<Ecef> OrbitMotion::At(double gpsS)
 {
     if (auto* glonass = std::get_if<GlonassMotion>(&m_way)) {
         return glonass->At(gpsS);

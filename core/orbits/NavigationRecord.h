@@ -21,7 +21,7 @@ struct NavigationRecord
     std::variant<KeplerOrbit, StateVector> orbit;
 
     /// Reference time, seconds of GPS time since 1980-01-06.
-    [[nodiscard]] double ReferenceS() const noexcept;
+    [[nodiscard]] double ReferenceS() const;
     /// Whether the satellite says that it may be used. QZSS: without regard to the last bit, which
     /// stands for a signal that not all of them have; SBAS: for ranging.
     [[nodiscard]] bool IsHealthy() const noexcept;
@@ -33,12 +33,12 @@ struct NavigationRecord
 class OrbitMotion
 {
 public:
-    explicit OrbitMotion(const NavigationRecord& record) noexcept;
+    explicit OrbitMotion(const NavigationRecord& record);
 
     /// @param gpsS  seconds of GPS time since 1980-01-06
     /// @return earth-fixed, metres; nothing if the orbit leads nowhere, or GLONASS is asked for a
     /// time more than a year away
-    [[nodiscard]] std::optional<Ecef> At(double gpsS) noexcept;
+    [[nodiscard]] std::optional<Ecef> At(double gpsS);
 
 private:
     std::variant<KeplerOrbit, GlonassMotion, Ecef> m_way;

@@ -16,7 +16,7 @@ namespace {
 std::wstring TakeDigits(std::wstring_view& text)
 {
     constexpr std::wstring_view kDigits = L"0123456789";
-    const std::wstring digits(text.substr(0, text.find_first_not_of(kDigits)));
+    std::wstring digits(text.substr(0, text.find_first_not_of(kDigits)));
     text.remove_prefix(digits.size());
     return digits;
 }

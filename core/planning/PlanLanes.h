@@ -44,13 +44,12 @@ struct alignas(64) SiteBlock
 class LimitJudge
 {
 public:
+    virtual ~LimitJudge() = default;
+
     /// @param direction  replaced by the exact one
     /// @return whether it passes
     [[nodiscard]] virtual bool Passes(std::size_t slot, std::size_t epochOfBlock,
                                       SkyDirection& direction) const = 0;
-
-protected:
-    ~LimitJudge() = default;
 };
 
 /// Satellites of one block of epochs as PlanGrid keeps them.
