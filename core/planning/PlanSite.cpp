@@ -45,6 +45,7 @@ std::vector<std::pair<std::wstring, SiteEntry>> EntriesOf(const ProfileText& pro
                                                           const std::vector<std::wstring>& names)
 {
     std::vector<std::pair<std::wstring, SiteEntry>> sites;
+    sites.reserve(names.size());
     for (const std::wstring& name : names) {
         sites.emplace_back(name, SiteEntry());
     }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 namespace fieldcore {
@@ -19,13 +18,13 @@ constexpr std::array<std::wstring_view, 6> kDevices{L"CON", L"PRN",    L"AUX",
 
 bool IsControl(wchar_t c)
 {
-    const auto code = static_cast<std::uint32_t>(c);
+    const auto code = static_cast<char32_t>(c);
     return code < 0x20 || (code >= 0x7F && code < 0xA0);
 }
 
 bool IsNoCharacter(wchar_t c)
 {
-    const auto code = static_cast<std::uint32_t>(c);
+    const auto code = static_cast<char32_t>(c);
     return (code >= 0xD800 && code < 0xE000) || code > 0x10FFFF;
 }
 
