@@ -251,6 +251,7 @@ TEST_F(UnshownCommands, SayNoEnglishInJapanese)
                                       "info --port sim:old-firmware",
                                       "next A-9",
                                       "plan",
+                                      "plan best",
                                       "plan session --site 札幌 --site 大阪",
                                       "ports set 1 57600 --port sim:",
                                       "reset --port sim: --dry-run",
