@@ -238,29 +238,28 @@ using UnshownCommands = ExamplesTest;
 /// Commands that say much, of which the page shows nothing.
 TEST_F(UnshownCommands, SayNoEnglishInJapanese)
 {
-    for (const char* const command : {"almanac get --port sim:",
-                                      "almanac show",
-                                      "antenna height --slant 1.5 --r 0.1 --v 0.05",
-                                      "check angle 135-07-04.5",
-                                      "demo",
-                                      "doctor",
-                                      "files ls --port sim:",
-                                      "geo ecef 35:41:22.4 139:41:30.1 45",
-                                      "identify --port sim:pica",
-                                      "info --port sim:",
-                                      "info --port sim:old-firmware",
-                                      "next A-9",
-                                      "plan",
-                                      "plan best",
-                                      "plan session --site 札幌 --site 大阪",
-                                      "ports set 1 57600 --port sim:",
-                                      "reset --port sim: --dry-run",
-                                      "settings list",
-                                      "signal set glonass qzss --port sim:",
-                                      "sim list",
-                                      "status --port sim: --watch 0.1 --count 1",
-                                      "tilt show --port sim:tilted",
-                                      "time --port sim:"}) {
+    const char* const commands[] = {"almanac get --port sim:",
+                                    "almanac show",
+                                    "antenna height --slant 1.5 --r 0.1 --v 0.05",
+                                    "check angle 135-07-04.5",
+                                    "demo",
+                                    "doctor",
+                                    "files get 'A0314*' --to surveys --by-date --port sim:",
+                                    "files ls --port sim:",
+                                    "geo ecef 35:41:22.4 139:41:30.1 45",
+                                    "identify --port sim:pica",
+                                    "info --port sim:old-firmware",
+                                    "plan",
+                                    "plan best",
+                                    "plan session --site 札幌 --site 大阪",
+                                    "ports set 1 57600 --port sim:",
+                                    "reset --port sim: --dry-run",
+                                    "signal set glonass qzss --port sim:",
+                                    "sim list",
+                                    "status --port sim: --watch 0.1 --count 1",
+                                    "tilt show --port sim:tilted",
+                                    "time --port sim:"};
+    for (const char* const command : commands) {
         ExpectJapanese(std::string("fieldcore-cli ") + command);
     }
 }
