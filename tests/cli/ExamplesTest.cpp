@@ -96,19 +96,11 @@ std::string Comparable(std::string text, const std::string& folder)
         text.erase(at, folder.size());
     }
     const std::pair<const char*, const char*> rules[] = {
-        {R"(/home/surveyor)", "/home"},
-        {R"(/tmp/fieldcore-sim-\w+)", "/tmp/SIM"},
-        {R"(\d\d:\d+\.\d\d\d)", "MM:SS.SSS"}, // in logs
         // How long it took until the receiver was asked shows in its seconds and in its sky.
         {R"((\d\d:\d\d):\d\d)", "$1:SS"},
-        {R"(((?:second of the|gpsSecondsOf)\W?[wW]eek\W+)\d+)", "$1S"},
-        {R"(((?:satellites |satellites[TU]|P?DOP|HDOP|VDOP|pdop|hdop|vdop)\w*\W+)[\d.]+)", "$1N"},
-        {R"((RTK fixed  +)\d+  +[\d.]+)", "$1N N"},
-        {R"(\d+ satellites\.)", "N satellites."},
-        {R"(\d+ MB free)", "N MB free"},
-        {R"(Linux [^\n]*)", "Linux"},
+        {R"((gpsSecondsOfWeek\W+)\d+)", "$1S"},
+        {R"(((?:satellites[TU]|pdop|hdop|vdop)\w*\W+)[\d.]+)", "$1N"},
         {R"("agesS":\{[^}]*\})", "\"agesS\":{}"},
-        {R"(ahead by  +-?\d+\.\d s)", "ahead by S s"},
         {R"(  +)", "  "}, // columns are as wide as the paths in them
     };
     for (const auto& [pattern, replacement] : rules) {
@@ -173,10 +165,6 @@ TEST_P(ExamplesTest, ShowWhatTheProgramSays)
 {
     for (const Example& example : GetParam().examples) {
         SCOPED_TRACE(example.command);
-        if (example.command.starts_with("cat ")) { // shows what the next one reads
-            m_runner.Folder().Write(example.command.substr(4), example.shown);
-            continue;
-        }
         if (example.command == "fieldcore-cli ports" || example.command == "fieldcore-cli doctor") {
             AddPort();
         }
@@ -250,11 +238,28 @@ using UnshownCommands = ExamplesTest;
 /// Commands that say much, of which the page shows nothing.
 TEST_F(UnshownCommands, SayNoEnglishInJapanese)
 {
-    for (const char* const command :
-         {"almanac get --port sim:", "almanac show", "demo", "doctor", "files ls --port sim:",
-          "info --port sim:old-firmware", "plan", "plan session --site 札幌 --site 大阪",
-          "ports set 1 57600 --port sim:", "reset --port sim: --dry-run", "sim list",
-          "status --port sim: --watch 0.1 --count 1"}) {
+    const char* const commands[] = {"almanac get --port sim:",
+                                    "almanac show",
+                                    "antenna height --slant 1.5 --r 0.1 --v 0.05",
+                                    "check angle 135-07-04.5",
+                                    "demo",
+                                    "doctor",
+                                    "files get 'A0314*' --to surveys --by-date --port sim:",
+                                    "files ls --port sim:",
+                                    "geo ecef 35:41:22.4 139:41:30.1 45",
+                                    "identify --port sim:pica",
+                                    "info --port sim:old-firmware",
+                                    "plan",
+                                    "plan best",
+                                    "plan session --site 札幌 --site 大阪",
+                                    "ports set 1 57600 --port sim:",
+                                    "reset --port sim: --dry-run",
+                                    "signal set glonass qzss --port sim:",
+                                    "sim list",
+                                    "status --port sim: --watch 0.1 --count 1",
+                                    "tilt show --port sim:tilted",
+                                    "time --port sim:"};
+    for (const char* const command : commands) {
         ExpectJapanese(std::string("fieldcore-cli ") + command);
     }
 }

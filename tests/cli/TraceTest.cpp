@@ -1,7 +1,7 @@
 #include "cli/CommandLine.h"
 #include "core/link/FrameDescriber.h"
+#include "simulator/ExchangeRecord.h"
 #include "tests/cli/Runner.h"
-#include "tests/support/Hex.h"
 
 #include <algorithm>
 #include <array>
@@ -17,35 +17,29 @@
 namespace fieldcore::cli::test {
 namespace {
 
-using fieldcore::testing::Hex;
 using Bytes = std::vector<std::uint8_t>;
 
 struct DocFrame
 {
-    std::string label;
+    std::string label; ///< as "Rx 09"
     Direction direction;
     Bytes bytes;
 };
 
-/// The examples of docs/protocol.md, each with the line above it.
+/// The frames of docs/exchanges.log.
 std::vector<DocFrame> DocFrames()
 {
-    std::ifstream doc(std::string(FIELDCORE_SOURCE_DIR) + "/docs/protocol.md");
+    std::ifstream log(std::string(FIELDCORE_SOURCE_DIR) + "/docs/exchanges.log");
     std::vector<DocFrame> frames;
-    std::string label;
-    bool inFrame = false;
-    for (std::string line; std::getline(doc, line);) {
-        if (line == "```hex") {
-            const bool sent = label.starts_with("Request") || label == "Example 0x08:";
-            frames.push_back({label, sent ? Direction::Sent : Direction::Received, {}});
-            inFrame = true;
-        } else if (line == "```") {
-            inFrame = false;
-        } else if (inFrame) {
-            const Bytes more = Hex(line);
-            frames.back().bytes.insert(frames.back().bytes.end(), more.begin(), more.end());
-        } else if (!line.empty()) {
-            label = line;
+    for (std::string line; std::getline(log, line);) {
+        simulator::RecordedBytes piece;
+        std::string error;
+        EXPECT_TRUE(simulator::ParseLogLine(line, piece, error)) << error;
+        const bool sent = piece.direction == simulator::Direction::ToReceiver;
+        if (piece.bytes.size() > 1) { // else BREAK or ACK
+            const std::size_t type = line.find('[') + 1 + 3 * 2;
+            frames.push_back({(sent ? "Tx " : "Rx ") + line.substr(type, 2),
+                              sent ? Direction::Sent : Direction::Received, piece.bytes});
         }
     }
     return frames;
@@ -93,24 +87,23 @@ std::string Field(const std::vector<DescribedBytes>& described, std::string_view
 
 TEST(FrameDescriber, ReadsFieldsAsTheProtocolHasThem)
 {
-    // What stands beside the examples of docs/protocol.md.
     const std::array<std::string, 3> rows[] = {
-        {"Reply 0x07:", "short serial number", "00301701"},
-        {"Reply 0x07:", "navigation firmware", "4.43"}, // hundredths
-        {"Reply 0x09:", "battery", "85 %"},
-        {"Reply 0x09:", "PDOP", "1.8"}, // digits with a point
-        {"Reply 0x41:", "power input", "1"},
-        {"Reply 0x09:", "fix", "5|RTK fixed"},
-        {"Reply 0x09:", "running survey", "(blank)"},
-        {"Reply 0x31:", "longitude", "2.426007660272118 rad|139.00000000 deg"},
-        {"Reply 0x35:", "HDOP", "1"}, // single precision
-        {"Request 0x5E SetRS232PortParameters:", "rate", "115200 bit/s"},
-        {"Reply 0x55:", "PRN", "7"}, // mask of satellites
-        {"Reply 0x9D:", "1. name", "A0314A00.Q01"},
-        {"Reply 0x95:", "flags", "1|last block"}, // long frame
-        {"Request 0x85 SetLabel:", "text", "POINT A1"},
-        {"Reply 0xC8:", "state", "65|measuring, sensor present"}, // low bits and single bits
-        {"Reply 0x17:", "satellite", "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
+        {"Rx 07", "short serial number", "00301701"},
+        {"Rx 07", "navigation firmware", "4.43"}, // hundredths
+        {"Rx 09", "battery", "85 %"},
+        {"Rx 09", "PDOP", "1.8"}, // digits with a point
+        {"Rx 41", "power input", "1"},
+        {"Rx 09", "fix", "5|RTK fixed"},
+        {"Rx 09", "running survey", "(blank)"},
+        {"Rx 31", "longitude", "2.426007660272118 rad|139.00000000 deg"},
+        {"Rx 35", "HDOP", "1"}, // single precision
+        {"Tx 5E", "rate", "115200 bit/s"},
+        {"Rx 55", "PRN", "7"}, // mask of satellites
+        {"Rx 9D", "1. name", "A0314A00.Q01"},
+        {"Rx 95", "flags", "1|last block"}, // long frame
+        {"Tx 85", "text", "POINT A1"},
+        {"Rx C8", "state", "65|measuring, sensor present"}, // low bits and single bits
+        {"Rx 17", "satellite", "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
     };
     const std::vector<DocFrame> frames = DocFrames();
     for (const auto& [label, field, value] : rows) {

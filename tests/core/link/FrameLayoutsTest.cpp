@@ -1,4 +1,4 @@
-// The tables of docs/protocol.md are printed from the layouts that the library reads by. The words
+// The layouts in docs/protocol.md are printed from the layouts that the library reads by. The words
 // around them are written by hand.
 
 #include "core/link/FrameLayouts.h"
@@ -9,6 +9,7 @@
 #include <cctype>
 #include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <set>
 #include <sstream>
 #include <string>
@@ -18,7 +19,7 @@
 namespace fieldcore {
 namespace {
 
-constexpr const char* kHead = "| offset | type | content |\n|---|---|---|\n";
+constexpr const char* kHead = "```layout\n";
 
 std::string TypeOf(const FieldLayout& field)
 {
@@ -82,60 +83,72 @@ std::string ContentOf(const FieldLayout& field)
     return std::string(field.name) + unit + MeaningsOf(field);
 }
 
+std::string Line(const std::string& place, const std::string& type, std::string content)
+{
+    constexpr std::size_t kWidth = 85; // of the content
+    std::ostringstream line;
+    line << std::setw(3) << place << "  " << std::left << std::setw(10) << type;
+    while (content.size() > kWidth) {
+        const std::size_t end = content.rfind(' ', kWidth);
+        line << content.substr(0, end) << '\n' << std::string(15, ' ');
+        content.erase(0, end + 1);
+    }
+    line << content << '\n';
+    return line.str();
+}
+
 /// Spare bytes at the start that tell frames of one type apart.
-std::string PrefixRow(const FrameLayout& layout)
+std::string PrefixLine(const FrameLayout& layout)
 {
     const std::string_view prefix = layout.prefix;
     std::string values;
     for (const char c : prefix) {
         values += (values.empty() ? "" : ", ") +
-                  (std::isgraph(c) != 0 ? "`" + std::string(1, c) + "`" : std::to_string(c));
+                  (std::isgraph(c) != 0 ? "'" + std::string(1, c) + "'" : std::to_string(c));
     }
-    return "| 0 | " + TypeOf({prefix.size(), FieldKind::Spare, ""}) + " | " + values + " |\n";
+    return Line("0", TypeOf({prefix.size(), FieldKind::Spare, ""}), values);
 }
 
-std::string RowsOf(std::span<const FieldLayout> fields, std::size_t offset, std::size_t skip)
+/// Spare bytes have a line at the end only, where it tells how many there are.
+std::string LinesOf(std::span<const FieldLayout> fields, std::size_t skip)
 {
-    std::string rows;
-    for (FieldLayout field : fields) {
-        const std::size_t hidden = std::min(skip, field.width);
-        skip -= hidden;
+    std::string lines;
+    std::size_t offset = 0;
+    for (std::size_t i = 0; i < fields.size(); offset += fields[i].width, ++i) {
+        FieldLayout field = fields[i];
+        const std::size_t hidden = std::min(skip > offset ? skip - offset : 0, field.width);
         field.width -= hidden;
-        if (field.width > 0 || hidden == 0) {
-            rows += "| " + std::to_string(offset) + " | " + TypeOf(field) + " | " +
-                    ContentOf(field) + " |\n";
-            offset += field.width;
+        if (field.kind != FieldKind::Spare || (i + 1 == fields.size() && field.width > 0)) {
+            lines += Line(std::to_string(offset + hidden), TypeOf(field), ContentOf(field));
         }
     }
-    return rows;
+    return lines;
 }
 
 /// Of a record whose fields are not all there: their order in place of their offsets.
-std::string OrderedTable(std::span<const FieldLayout> fields)
+std::string OrderedBlock(std::span<const FieldLayout> fields)
 {
-    std::string table = "| order | type | content |\n|---|---|---|\n";
+    std::string block = kHead;
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        table += "| " + std::to_string(i + 1) + " | " + TypeOf(fields[i]) + " | " +
-                 ContentOf(fields[i]) + " |\n";
+        block += Line(std::to_string(i + 1) + ".", TypeOf(fields[i]), ContentOf(fields[i]));
     }
-    return table;
+    return block + "```\n";
 }
 
-std::string TableOf(const FrameLayout& layout)
+std::string BlocksOf(const FrameLayout& layout)
 {
     std::array<char, 8> type{};
     std::snprintf(type.data(), type.size(), "0x%02X", layout.type);
-    std::string table =
-        "Data of " + std::string(type.data()) + ", " + std::string(layout.name) + ":\n\n" + kHead;
+    std::string blocks =
+        std::string(type.data()) + ", " + std::string(layout.name) + ":\n\n" + kHead;
     const bool tellsApart =
         !layout.prefix.empty() && layout.fields.front().kind == FieldKind::Spare;
-    const std::size_t skip = tellsApart ? layout.prefix.size() : 0;
-    table += tellsApart ? PrefixRow(layout) : "";
-    table += RowsOf(layout.fields, skip, skip);
+    blocks += tellsApart ? PrefixLine(layout) : "";
+    blocks += LinesOf(layout.fields, tellsApart ? layout.prefix.size() : 0) + "```\n";
     if (!layout.record.empty()) {
-        table += "\nEach record:\n\n" + (kHead + RowsOf(layout.record, 0, 0));
+        blocks += "\nEach record:\n\n" + (kHead + LinesOf(layout.record, 0)) + "```\n";
     }
-    return table;
+    return blocks;
 }
 
 std::size_t CountOf(const std::string& text, const std::string& part)
@@ -147,28 +160,28 @@ std::size_t CountOf(const std::string& text, const std::string& part)
     return count;
 }
 
-TEST(FrameLayouts, AreTheTablesOfTheProtocol)
+TEST(FrameLayouts, AreThoseOfTheProtocol)
 {
     std::ifstream file(FIELDCORE_SOURCE_DIR "/docs/protocol.md");
     std::ostringstream content;
     content << file.rdbuf();
     const std::string page = content.str() + "\n";
-    std::set<std::string> tables{OrderedTable(TextSatelliteLayout()),
-                                 OrderedTable(BinarySatelliteLayout())};
+    std::set<std::string> blocks{OrderedBlock(TextSatelliteLayout()),
+                                 OrderedBlock(BinarySatelliteLayout())};
     for (const FrameLayout& layout : FrameLayouts()) {
         // One field is told in the words around it.
         if (std::ranges::count_if(layout.fields, [](const FieldLayout& field) {
                 return field.kind != FieldKind::Spare;
             }) > 1) {
-            tables.insert(TableOf(layout));
+            blocks.insert(BlocksOf(layout));
         }
     }
     std::size_t heads = 0;
-    for (const std::string& table : tables) {
-        EXPECT_NE(page.find("\n" + table + "\n"), std::string::npos) << "missing:\n\n" << table;
-        heads += CountOf(table, kHead);
+    for (const std::string& block : blocks) {
+        EXPECT_NE(page.find("\n" + block + "\n"), std::string::npos) << "missing:\n\n" << block;
+        heads += CountOf(block, kHead);
     }
-    EXPECT_EQ(CountOf(page, kHead), heads) << "a table that stands for no frame";
+    EXPECT_EQ(CountOf(page, kHead), heads) << "a layout that stands for no frame";
 }
 
 } // namespace
