@@ -64,8 +64,7 @@ Controller::Controller(const AppOptions& options)
     for (const std::wstring& setting : AssignStoredPorts(m_names, m_ownRoots)) {
         m_notices += UiText(text::kNoticePort).arg(fieldcore::ToQt(setting));
     }
-    m_command = std::make_unique<CCommand>(
-        CCommand::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
+    m_command = std::make_unique<CCommand>(Environment{m_host.get(), m_clock, &m_names, nullptr});
     m_command->SetLineObserver(m_frames.Observer());
     m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);

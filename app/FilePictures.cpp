@@ -84,7 +84,7 @@ Pictures FilePictures(Controller& controller)
 {
     UseSimulator();
     const auto command = std::make_shared<CCommand>(
-        CCommand::Surroundings{&controller.Host(), &controller.GetClock(), nullptr, nullptr});
+        Environment{&controller.Host(), &controller.GetClock(), nullptr, nullptr});
     command->OpenPort("sim:lettered-power"); // which has a recycle bin
     return {{QStringLiteral("files"), [command] { return Sheet(*command, 0); }},
             {QStringLiteral("files-bin"), [command] { return Sheet(*command, 1); }},

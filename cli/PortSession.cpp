@@ -161,8 +161,7 @@ std::optional<Failure> PortSession::Prepare()
                                text::kSayLogHint);
         }
     }
-    m_command =
-        std::make_unique<CCommand>(CCommand::Surroundings{&m_host, &GetClock(), &m_names, nullptr});
+    m_command = std::make_unique<CCommand>(Environment{&m_host, &GetClock(), &m_names, nullptr});
     if (!m_options.log.empty()) {
         m_command->SetLineObserver(
             [this](Direction direction, LineUnit, std::span<const std::uint8_t> bytes) {

@@ -7,17 +7,6 @@
 
 namespace fieldcore {
 
-Channel::Channel(ChannelSurroundings surroundings)
-    : m_clock(surroundings.clock != nullptr ? *surroundings.clock : SystemClock::Instance()),
-      m_ports(surroundings.ports), m_makeDevice(std::move(surroundings.makeDevice))
-{
-    if (!m_makeDevice) {
-        m_makeDevice = [] { return std::make_unique<PosixSerialDevice>(); };
-    }
-}
-
-Channel::~Channel() = default;
-
 bool Channel::IsMine() const
 {
     const std::scoped_lock lock(m_turns);
@@ -40,7 +29,8 @@ void Channel::TellNext()
 
 std::string Channel::PathOf(int portNumber) const
 {
-    return (m_ports != nullptr ? *m_ports : PortNames()).DevicePath(portNumber);
+    return (m_environment.ports != nullptr ? *m_environment.ports : PortNames())
+        .DevicePath(portNumber);
 }
 
 int Channel::Open(const std::string& devicePath, const PortSettings& settings, int number)
@@ -49,7 +39,7 @@ int Channel::Open(const std::string& devicePath, const PortSettings& settings, i
     const PortNameResult named = PortNames().Parse(devicePath);
     if (named.port && named.port->kind == PortKind::Simulator) {
         std::string error;
-        simulated = StartSimulatedPort(named.port->scenario, m_clock, error);
+        simulated = StartSimulatedPort(named.port->scenario, GetClock(), error);
         if (!simulated) {
             const std::scoped_lock lock(m_mutex);
             m_linkError = LinkError::Open;
@@ -58,7 +48,10 @@ int Channel::Open(const std::string& devicePath, const PortSettings& settings, i
             return 0;
         }
     }
-    auto link = std::make_unique<SerialLink>(m_makeDevice(), m_clock);
+    auto link = std::make_unique<SerialLink>(m_environment.makeDevice
+                                                 ? m_environment.makeDevice()
+                                                 : std::make_unique<PosixSerialDevice>(),
+                                             GetClock());
     {
         const std::scoped_lock lock(m_mutex);
         link->SetObserver(m_observer);

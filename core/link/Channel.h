@@ -1,34 +1,22 @@
 #pragma once
 
-#include "core/host/Host.h"
 #include "core/link/Receiver.h"
 #include "core/link/SerialLink.h"
 #include "core/platform/AutoResetEvent.h"
-#include "core/platform/Clock.h"
-#include "core/platform/PortNames.h"
 #include "core/platform/SimulatedPort.h"
+#include "core/settings/Environment.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
-
-/// What the channel uses of the world around it. What is left out is this machine's own, the host
-/// that of SetDefaultHost(). All must outlive the channel.
-struct ChannelSurroundings
-{
-    Host* host = nullptr;
-    const Clock* clock = nullptr;
-    const PortNames* ports = nullptr; ///< resolves port numbers
-    std::function<std::unique_ptr<SerialDevice>()> makeDevice;
-};
 
 /// What is known of the receiver at the other end of a line, and the lock that guards it.
 struct KnownReceiver
@@ -42,12 +30,11 @@ struct KnownReceiver
 class Channel
 {
 public:
-    explicit Channel(ChannelSurroundings surroundings);
-    ~Channel();
+    explicit Channel(Environment environment) : m_environment(std::move(environment)) {}
     Channel(const Channel&) = delete;
     Channel& operator=(const Channel&) = delete;
 
-    [[nodiscard]] const Clock& GetClock() const { return m_clock; }
+    [[nodiscard]] const Clock& GetClock() const { return m_environment.GetClock(); }
     [[nodiscard]] std::string PathOf(int portNumber) const;
 
     [[nodiscard]] bool IsOpen() const { return m_isOpen; }
@@ -103,9 +90,7 @@ private:
     /// Keeps what @p link failed of.
     void NoteFault(SerialLink& link);
 
-    const Clock& m_clock;
-    const PortNames* const m_ports; // null: the defaults
-    std::function<std::unique_ptr<SerialDevice>()> m_makeDevice;
+    const Environment m_environment;
 
     mutable std::mutex m_turns;     // guards these
     std::thread::id m_owner;        // of the turn; none: nobody's

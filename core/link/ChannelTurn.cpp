@@ -64,7 +64,7 @@ bool ChannelTurn::Acquire()
     while (m_channel.m_owner != std::thread::id() || m_channel.m_waiting.front() != &self) {
         lock.unlock();
         const bool goesOn =
-            m_channel.m_clock.Wait(self.isNext, kBreathInterval) || m_host.Breathe();
+            m_channel.GetClock().Wait(self.isNext, kBreathInterval) || m_host.Breathe();
         lock.lock();
         if (!goesOn) {
             std::erase(m_channel.m_waiting, &self);
@@ -403,7 +403,7 @@ bool ChannelTurn::Pause(milliseconds duration)
         if (left <= Clock::Duration::zero()) {
             return true;
         }
-        m_channel.m_clock.Sleep(std::min<Clock::Duration>(left, kBreathInterval));
+        m_channel.GetClock().Sleep(std::min<Clock::Duration>(left, kBreathInterval));
         if (!Breathe()) {
             return false;
         }

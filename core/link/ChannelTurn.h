@@ -99,7 +99,7 @@ public:
     void Succeed() { m_fault = CommandFault::None; }
 
 private:
-    [[nodiscard]] Clock::Duration Now() const { return m_channel.m_clock.Steady(); }
+    [[nodiscard]] Clock::Duration Now() const { return m_channel.GetClock().Steady(); }
     bool Acquire();
     bool AwaitQuiet(bool changes);
     [[nodiscard]] Clock::Duration QuietUntil(const Arrivals& arrivals, bool changes) const;

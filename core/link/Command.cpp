@@ -43,12 +43,15 @@ CCommand* GetCCommand()
     return &command;
 }
 
-CCommand::CCommand(Surroundings surroundings)
-    : m_channel(std::make_shared<Channel>(surroundings)), m_host(surroundings.host)
+CCommand::CCommand(const Environment& environment)
+    : m_channel(std::make_shared<Channel>(environment)), m_environment(environment)
 {}
 
-CCommand::CCommand(const CCommand& shared, Host& host) : m_channel(shared.m_channel), m_host(&host)
-{}
+CCommand::CCommand(const CCommand& shared, Host& host)
+    : m_channel(shared.m_channel), m_environment(shared.m_environment)
+{
+    SetHost(host);
+}
 
 CCommand::~CCommand() = default;
 

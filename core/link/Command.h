@@ -46,14 +46,12 @@ class Questions;
 class CCommand : public FrameBuffer
 {
 public:
-    /// What it uses of the world around it; the kinds of answer; who is told of bytes.
-    using Surroundings = ChannelSurroundings;
+    /// The kinds of answer; who is told of bytes.
     using Answer = fieldcore::Answer;
     using BytesArrived = fieldcore::BytesArrived;
 
-    CCommand() : CCommand(Surroundings{}) {}
-    /// A line of its own. @param surroundings  what is pointed to must outlive the object
-    explicit CCommand(Surroundings surroundings);
+    /// A line of its own.
+    explicit CCommand(const Environment& environment = {});
     /// Another face of the same line, for another thread.
     /// @param host  that is asked and breathes here; must outlive the object
     CCommand(const CCommand& shared, Host& host);
@@ -62,10 +60,11 @@ public:
     CCommand& operator=(const CCommand&) = delete;
 
     /// Whom to ask and to let breathe from now on. @p host must outlive the face or the next call.
-    void SetHost(Host& host) { m_host = &host; }
-    /// The host that was given, else that of SetDefaultHost().
-    [[nodiscard]] Host& GetHost() const { return m_host != nullptr ? *m_host : DefaultHost(); }
-    [[nodiscard]] const Clock& GetClock() const { return m_channel->GetClock(); }
+    void SetHost(Host& host) { m_environment.host = &host; }
+    /// The world around it: what was given, with the host of this face.
+    [[nodiscard]] const Environment& GetEnvironment() const { return m_environment; }
+    [[nodiscard]] Host& GetHost() const { return m_environment.GetHost(); }
+    [[nodiscard]] const Clock& GetClock() const { return m_environment.GetClock(); }
 
     /// What is asked over this line in the background; its thread begins with the first call.
     [[nodiscard]] Questions& Background();
@@ -339,7 +338,7 @@ private:
     int List(std::uint8_t request, ListingTarget target, Work list);
 
     const std::shared_ptr<Channel> m_channel;
-    Host* m_host;                          // null: the default one
+    Environment m_environment;
     std::chrono::milliseconds m_timeout{}; // 0: that of the port
     Failed m_failed;
     int LastResult = 0;
@@ -353,5 +352,10 @@ private:
 
 /// The library's one channel to the receiver. It exists as long as the program.
 [[nodiscard]] CCommand* GetCCommand();
+/// The world around a channel; without one this machine's own.
+[[nodiscard]] inline Environment EnvironmentOf(const CCommand* command)
+{
+    return command != nullptr ? command->GetEnvironment() : Environment{};
+}
 
 } // namespace fieldcore

@@ -7,7 +7,7 @@
 
 namespace fieldcore {
 
-SettingsRoots::SettingsRoots(const Folders& folders)
+SettingsRoots::SettingsRoots(const Folders& folders) : m_folders(folders)
 {
     Use(folders);
 }
@@ -16,6 +16,7 @@ SettingsRoots::~SettingsRoots() = default;
 
 void SettingsRoots::Use(const Folders& folders)
 {
+    m_folders = folders;
     m_roots[0] = {folders.Settings() / "user.db", nullptr};
     m_roots[1] = {folders.MachineSettings() / "machine.db", nullptr};
 }

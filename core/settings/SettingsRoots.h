@@ -30,6 +30,8 @@ public:
     [[nodiscard]] SettingsStore& Store(RootKey root);
     /// Goes on with the stores of other folders; references to those of before end.
     void Use(const Folders& folders);
+    /// Those that the stores are in, and what belongs to them.
+    [[nodiscard]] const Folders& GetFolders() const { return m_folders; }
 
     /// The file of a root's store.
     [[nodiscard]] const std::filesystem::path& File(RootKey root) const;
@@ -48,6 +50,7 @@ private:
         std::unique_ptr<SettingsStore> store;
     };
 
+    Folders m_folders;
     std::array<Root, 2> m_roots; // in the order of RootKey
 };
 

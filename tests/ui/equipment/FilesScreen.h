@@ -98,7 +98,7 @@ protected:
     simulator::Scenario model;
     std::unique_ptr<simulator::Simulator> receiver;
     std::unique_ptr<CCommand> command =
-        std::make_unique<CCommand>(CCommand::Surroundings{&host, nullptr, nullptr, nullptr});
+        std::make_unique<CCommand>(Environment{&host, nullptr, nullptr, nullptr});
     std::unique_ptr<CRecvFileMan> sheet;
 
     [[nodiscard]] Folders OwnFolders() const

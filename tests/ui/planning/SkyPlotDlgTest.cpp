@@ -82,7 +82,7 @@ protected:
     FastClock m_fast{100.0};
     QtHost m_host{QtHost::Options{}};
     std::unique_ptr<simulator::Simulator> m_simulator;
-    CCommand m_command{CCommand::Surroundings{nullptr, &m_fast, nullptr, {}}};
+    CCommand m_command{Environment{nullptr, &m_fast, nullptr, {}}};
     std::unique_ptr<CSkyPlot> m_dialog;
 };
 
