@@ -10,6 +10,7 @@
 #include "core/planning/PlanSite.h"
 #include "core/platform/FastClock.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/Setting.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/TrackingSettings.h"
@@ -25,26 +26,6 @@
 
 namespace fieldcore {
 
-namespace {
-
-constexpr const wchar_t* kAppKey = L"GPS\\App";
-constexpr const wchar_t* kTheme = L"Theme";
-constexpr const wchar_t* kAntennaRole = L"AntennaRole";
-constexpr const wchar_t* kSetClock = L"SetClock";
-constexpr const wchar_t* kPlaneZone = L"PlaneZone";
-constexpr const wchar_t* kQ77 = L"Q77"; // 1: the controller with the taller screen
-
-/// A number of the program's own key. @return @p otherwise if it is not stored, or beyond @p last
-template <typename Number>
-Number Stored(const CReg& reg, const wchar_t* name, Number last, Number otherwise = {})
-{
-    std::uint32_t number = 0;
-    reg.ReadNumber(kAppKey, name, number, static_cast<std::uint32_t>(otherwise));
-    return number <= static_cast<std::uint32_t>(last) ? static_cast<Number>(number) : otherwise;
-}
-
-} // namespace
-
 Controller::Controller(const AppOptions& options)
     : m_options(options),
       m_fastClock(options.speed == 1.0 ? nullptr : std::make_unique<FastClock>(options.speed)),
@@ -53,7 +34,7 @@ Controller::Controller(const AppOptions& options)
       m_ownReg(m_ownRoots), m_reg(m_roots), m_frames(*m_clock)
 {
     QtHost::Options hostOptions;
-    hostOptions.isQ77 = m_options.isQ77 || Stored(m_ownReg, kQ77, 1) == 1;
+    hostOptions.isQ77 = m_options.isQ77 || StoredNumber(m_ownReg, L"GPS\\App\\Q77") == 1;
     if (m_fastClock) {
         hostOptions.clock = m_fastClock.get();
     }
@@ -95,8 +76,9 @@ Controller::~Controller()
 void Controller::Begin()
 {
     UseStore();
-    Theme::Use(m_options.theme.value_or(Stored(m_ownReg, kTheme, Theme::Kind::System)));
-    m_maySetClock = Stored(m_ownReg, kSetClock, 1) == 1;
+    const auto theme = static_cast<Theme::Kind>(StoredNumber(m_ownReg, L"GPS\\App\\Theme"));
+    Theme::Use(m_options.theme.value_or(theme));
+    m_maySetClock = StoredNumber(m_ownReg, L"GPS\\App\\SetClock") == 1;
     AllowClock();
 }
 
@@ -118,7 +100,7 @@ void Controller::UseStore()
     m_antenna = std::make_unique<AntennaSettings>(
         m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
     m_antenna->CheckReg();
-    m_antenna->SetRole(Stored(m_reg, kAntennaRole, AntennaRole::RoverSecond, AntennaRole::Rover));
+    m_antenna->SetRole(static_cast<AntennaRole>(StoredNumber(m_reg, L"GPS\\App\\AntennaRole")));
     ReadAntenna();
     ReadLimits();
     eBubbleConfig::LoadBubbleData(m_reg);
@@ -287,13 +269,13 @@ FoundTarget Controller::Target()
 void Controller::UseTheme(Theme::Kind kind)
 {
     Theme::Use(kind);
-    m_ownReg.WriteNumber(kAppKey, kTheme, static_cast<std::uint32_t>(kind));
+    Store(m_ownReg, L"GPS\\App\\Theme", static_cast<std::uint32_t>(kind));
 }
 
 void Controller::UseAntenna(AntennaRole role)
 {
     m_antenna->SetRole(role);
-    m_reg.WriteNumber(kAppKey, kAntennaRole, static_cast<std::uint32_t>(role));
+    Store(m_reg, L"GPS\\App\\AntennaRole", static_cast<std::uint32_t>(role));
     ReadAntenna();
 }
 
@@ -316,7 +298,7 @@ void Controller::ReadLimits()
 void Controller::SetMaySetClock(bool maySet)
 {
     m_maySetClock = maySet;
-    m_ownReg.WriteNumber(kAppKey, kSetClock, maySet ? 1 : 0);
+    Store(m_ownReg, L"GPS\\App\\SetClock", maySet ? 1U : 0U);
     AllowClock();
 }
 
@@ -329,9 +311,8 @@ void Controller::AllowClock()
 
 StatusView Controller::View() const
 {
-    constexpr int kLastZone = 19; // 0: the nearest one
-    return {m_clock->Steady(), m_clock->Utc(), Stored(m_ownReg, kPlaneZone, kLastZone),
-            m_maySetClock,     m_limits,       m_antennaHeightM};
+    const auto zone = static_cast<int>(StoredNumber(m_ownReg, L"GPS\\App\\PlaneZone"));
+    return {m_clock->Steady(), m_clock->Utc(), zone, m_maySetClock, m_limits, m_antennaHeightM};
 }
 
 void Controller::LookAtReceiver()

@@ -9,6 +9,7 @@
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/Setting.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,11 +19,11 @@ namespace fieldcore {
 
 namespace {
 
-constexpr const wchar_t* kType = L"AntType";
-constexpr const wchar_t* kWay = L"AntWay";
-constexpr const wchar_t* kHeight = L"AntH";
-constexpr const wchar_t* kSerial = L"AntSN";
-constexpr const wchar_t* kNoSerial = L"AntNoSN"; // 1: none, whatever is remembered
+constexpr KnownSetting kType = L"GPS\\Antenna\\*\\AntType";
+constexpr KnownSetting kWay = L"GPS\\Antenna\\*\\AntWay";
+constexpr KnownSetting kHeight = L"GPS\\Antenna\\*\\AntH*";
+constexpr KnownSetting kSerial = L"GPS\\Antenna\\*\\AntSN*";
+constexpr KnownSetting kNoSerial = L"GPS\\Antenna\\*\\AntNoSN";
 
 // Where what stands in a block, and how much of it.
 constexpr std::size_t kCodeAt = 0;
@@ -119,10 +120,9 @@ void AntennaSettings::SetRole(AntennaRole role)
     m_second = role == AntennaRole::RoverSecond;
 }
 
-std::wstring AntennaSettings::RoleKey() const
+const wchar_t* AntennaSettings::RoleName() const
 {
-    const wchar_t* const role = m_second ? L"PrmRovf" : m_rover ? L"PrmRov" : L"PrmRef";
-    return std::wstring(L"GPS\\Antenna\\") + role;
+    return m_second ? L"PrmRovf" : m_rover ? L"PrmRov" : L"PrmRef";
 }
 
 int AntennaSettings::SetAntTypeFlag(int type)
@@ -173,8 +173,8 @@ int AntennaSettings::ReadRegAntPrm()
 {
     std::uint32_t type = 0;
     std::uint32_t way = 0;
-    const int hasType = m_reg.ReadNumber(RoleKey(), kType, type, 0);
-    const int hasWay = m_reg.ReadNumber(RoleKey(), kWay, way, 0);
+    const int hasType = ReadSetting(m_reg, kType, type, RoleName());
+    const int hasWay = ReadSetting(m_reg, kWay, way, RoleName());
     SetAntTypeFlag(static_cast<int>(type));
     SetAntWayFlag(static_cast<int>(way));
     return hasType != 0 && hasWay != 0 ? 1 : 0;
@@ -182,44 +182,40 @@ int AntennaSettings::ReadRegAntPrm()
 
 int AntennaSettings::WriteRegAntType() const
 {
-    return m_reg.WriteNumber(RoleKey(), kType, static_cast<std::uint32_t>(m_type));
+    return Store(m_reg, kType, static_cast<std::uint32_t>(m_type), RoleName());
 }
 
 int AntennaSettings::WriteRegAntWay() const
 {
-    return m_reg.WriteNumber(RoleKey(), kWay, static_cast<std::uint32_t>(m_way));
+    return Store(m_reg, kWay, static_cast<std::uint32_t>(m_way), RoleName());
 }
 
-std::vector<std::wstring> AntennaSettings::ReadRemembered(const wchar_t* prefix) const
+std::vector<std::wstring> AntennaSettings::ReadRemembered(KnownSetting setting) const
 {
-    const auto fault = prefix == kHeight ? AntennaHeightFault : AntennaSerialFault;
-    std::vector<std::wstring> list = ReadList(prefix);
+    TextEntries entries;
+    CParts::RegReadComboBoxList(entries, m_reg, setting->Key(RoleName()), setting->Name(),
+                                kRemembered);
+    std::vector<std::wstring> list = entries.Texts();
+    const auto fault = setting->path == kHeight->path ? AntennaHeightFault : AntennaSerialFault;
     std::erase_if(list, [fault](const std::wstring& text) { return !fault(text).empty(); });
     return list;
 }
 
-std::vector<std::wstring> AntennaSettings::ReadList(const wchar_t* prefix) const
+bool AntennaSettings::WriteList(KnownSetting setting, const std::wstring& chosen) const
 {
-    TextEntries list;
-    CParts::RegReadComboBoxList(list, m_reg, RoleKey(), prefix, kRemembered);
-    return list.Texts();
-}
-
-bool AntennaSettings::WriteList(const wchar_t* prefix, const std::wstring& chosen) const
-{
-    TextEntries entries(ReadRemembered(prefix));
-    CParts::StackComboList(entries, chosen, kRemembered);
-    CParts::RegWriteComboBoxList(entries, m_reg, RoleKey(), prefix, kRemembered);
-    std::vector<std::wstring> list =
-        entries.Texts(); // nobody told whether all of them could be written
-    const auto first = std::find(list.begin(), list.end(), chosen);
-    if (first != list.end()) {
+    std::vector<std::wstring> list = ReadRemembered(setting);
+    if (!chosen.empty()) {
+        auto first = std::find(list.begin(), list.end(), chosen);
+        first = first != list.end() ? first : list.insert(first, chosen);
         std::rotate(list.begin(), first, first + 1);
     }
     list.resize(std::min<std::size_t>(list.size(), kRemembered));
-    std::vector<std::wstring> stored = ReadList(prefix);
-    stored.resize(std::min(stored.size(), list.size()));
-    return stored == list;
+    bool isStored = true;
+    for (std::size_t n = 0; isStored && n < list.size(); ++n) {
+        isStored = m_reg.WriteString(setting->Key(RoleName()), setting->Name(std::to_wstring(n)),
+                                     list[n]) == 1;
+    }
+    return isStored;
 }
 
 int AntennaSettings::ReadRegAnt()
@@ -237,7 +233,7 @@ int AntennaSettings::WriteRegAnt()
     SettingsBatch batch(m_reg.Store());
     const bool written = batch.IsOpen() && WriteRegAntType() != 0 && WriteRegAntWay() != 0 &&
                          WriteList(kHeight, GetAntInputStr()) && WriteList(kSerial, m_serial) &&
-                         m_reg.WriteNumber(RoleKey(), kNoSerial, m_serial.empty() ? 1 : 0) != 0 &&
+                         Store(m_reg, kNoSerial, m_serial.empty() ? 1U : 0U, RoleName()) != 0 &&
                          batch.Commit();
     if (written) {
         m_heights = ReadRemembered(kHeight);
@@ -297,9 +293,8 @@ int AntennaSettings::GetInternalAntTypeFromRecvType(std::uint32_t receiverType) 
 
 std::wstring AntennaSettings::GetAntTypeStrEx() const
 {
-    std::uint32_t type = 0;
-    m_reg.ReadNumber(RoleKey(), kType, type, 0);
-    return m_catalogue.Type(static_cast<int>(type)).value_or(AntennaType{}).name;
+    const auto type = static_cast<int>(StoredNumber(m_reg, kType, RoleName()));
+    return m_catalogue.Type(type).value_or(AntennaType{}).name;
 }
 
 std::wstring AntennaSettings::GetAntWayStr(int type, int way) const
@@ -327,10 +322,9 @@ double AntennaSettings::GetAntHExD() const
 
 std::wstring AntennaSettings::GetAntSNEx() const
 {
-    std::uint32_t none = 0;
-    m_reg.ReadNumber(RoleKey(), kNoSerial, none, 0);
     const std::vector<std::wstring> serials = ReadRemembered(kSerial);
-    return none != 0 || serials.empty() ? std::wstring() : serials.front();
+    return StoredNumber(m_reg, kNoSerial, RoleName()) != 0 || serials.empty() ? std::wstring()
+                                                                              : serials.front();
 }
 
 int AntennaSettings::GetAntFlag() const

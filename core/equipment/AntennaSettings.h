@@ -15,6 +15,7 @@
 namespace fieldcore {
 
 class CCommand;
+class KnownSetting;
 
 /// The greatest height that is taken, metres: no pole and no tripod is higher, and a height in
 /// centimetres is found out.
@@ -218,17 +219,16 @@ public:
     [[nodiscard]] const std::wstring& SourceCode() const { return m_sourceCode; }
 
 private:
-    [[nodiscard]] std::wstring RoleKey() const;
+    [[nodiscard]] const wchar_t* RoleName() const;
     /// The method of a way. A type that the catalogue does not have has none, although the values
     /// of its methods may be there under the name of another's.
     [[nodiscard]] std::optional<AntennaMethod> MethodOf(int type, int way) const;
     /// Those remembered, without what nobody could have typed.
-    /// @param prefix  of the heights' or of the serial numbers' names
-    [[nodiscard]] std::vector<std::wstring> ReadRemembered(const wchar_t* prefix) const;
-    [[nodiscard]] std::vector<std::wstring> ReadList(const wchar_t* prefix) const;
+    /// @param setting  the heights or the serial numbers
+    [[nodiscard]] std::vector<std::wstring> ReadRemembered(KnownSetting setting) const;
     /// Stores those remembered with @p chosen as the first.
     /// @return false if not all of it could be stored
-    [[nodiscard]] bool WriteList(const wchar_t* prefix, const std::wstring& chosen) const;
+    [[nodiscard]] bool WriteList(KnownSetting setting, const std::wstring& chosen) const;
 
     CCommand* const m_command;
     HostReg m_reg;

@@ -2,6 +2,7 @@
 
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/Setting.h"
 
 #include <utility>
 
@@ -10,7 +11,7 @@ namespace fieldcore {
 namespace {
 
 /// With the values of a port: which of them a receiver was told last, and its serial number.
-constexpr const wchar_t* kTold = L"Told";
+constexpr KnownSetting kTold = L"GPS\\Com\\Com*\\Told";
 
 PortSettings LineWithFlagsOf(CComPrmSet set)
 {
@@ -39,7 +40,7 @@ int ForgetPorts(SettingsRoots& roots)
 {
     int forgotten = 1;
     for (int port = 1; port <= CComPrmSet::kMostPorts; ++port) {
-        forgotten &= HostReg(roots).WriteString(CComPrmSet::KeyOf(port), kTold, L"");
+        forgotten &= Store(HostReg(roots), kTold, L"", std::to_wstring(port));
     }
     return forgotten;
 }
@@ -68,8 +69,7 @@ void PortEdit::Read(int port)
     Port& read = Of(port);
     read.set.ReadRegCommPrm(port);
     read.set.ConvData2Flag();
-    std::wstring told;
-    HostReg(m_roots).ReadString(CComPrmSet::KeyOf(port), kTold, told, L"");
+    const std::wstring told = StoredText(HostReg(m_roots), kTold, std::to_wstring(port));
     const bool isShown = told.starts_with(read.set.GetPrmString() + L" ");
     if (port == m_linkPort) {
         SetRS232PortParameters now;
@@ -109,10 +109,9 @@ PortSet PortEdit::Set(int port, CCommand* command)
             return PortSet::NoAnswer;
         }
     }
-    const bool isStored =
-        set.WriteRegCommPrm(port) == 1 &&
-        (!isConnected || isLink ||
-         HostReg(m_roots).WriteString(CComPrmSet::KeyOf(port), kTold, Told(set)) == 1);
+    const bool isStored = set.WriteRegCommPrm(port) == 1 &&
+                          (!isConnected || isLink ||
+                           Store(HostReg(m_roots), kTold, Told(set), std::to_wstring(port)) == 1);
     return isStored ? PortSet::Done : PortSet::NotStored;
 }
 

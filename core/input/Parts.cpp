@@ -4,6 +4,7 @@
 #include "core/platform/NumberText.h"
 #include "core/platform/SaturateCast.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/Setting.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,20 +15,9 @@ namespace fieldcore {
 
 namespace {
 
-constexpr const wchar_t* kPointName = L"PointName";
-constexpr const wchar_t* kPointNo = L"PointNo";
-constexpr const wchar_t* kAttrib = L"Attrib";
-
-/// The key of a group of settings, below the library's own.
-std::wstring GpsKey(const std::wstring& name)
-{
-    return L"GPS\\" + name;
-}
-
-std::wstring PointKey()
-{
-    return GpsKey(L"Point");
-}
+constexpr KnownSetting kPointName = L"GPS\\Point\\PointName*";
+constexpr KnownSetting kPointNo = L"GPS\\Point\\PointNo*";
+constexpr KnownSetting kAttrib = L"GPS\\Point\\Attrib*";
 
 using Wide = std::int64_t; // in which no sum of these rules overflows
 
@@ -188,44 +178,43 @@ int CParts::RegWriteComboBoxList(const EntryList& list, const CReg& reg, const s
 
 int CParts::ReadRegPointName(EntryList& list, int count, const CReg& reg)
 {
-    return RegReadComboBoxList(list, reg, PointKey(), kPointName, count);
+    return RegReadComboBoxList(list, reg, kPointName->Key(), kPointName->Name(), count);
 }
 
 int CParts::ReadRegPointNo(EntryList& list, int count, const CReg& reg)
 {
-    return RegReadComboBoxList(list, reg, PointKey(), kPointNo, count);
+    return RegReadComboBoxList(list, reg, kPointNo->Key(), kPointNo->Name(), count);
 }
 
 int CParts::ReadRegAttrib(EntryList& list, int count, const CReg& reg)
 {
-    return RegReadComboBoxList(list, reg, PointKey(), kAttrib, count);
+    return RegReadComboBoxList(list, reg, kAttrib->Key(), kAttrib->Name(), count);
 }
 
 int CParts::WriteRegPointName(const EntryList& list, int count, const CReg& reg)
 {
-    return RegWriteComboBoxList(list, reg, PointKey(), kPointName, count);
+    return RegWriteComboBoxList(list, reg, kPointName->Key(), kPointName->Name(), count);
 }
 
 int CParts::WriteRegPointNo(const EntryList& list, int count, const CReg& reg)
 {
-    return RegWriteComboBoxList(list, reg, PointKey(), kPointNo, count);
+    return RegWriteComboBoxList(list, reg, kPointNo->Key(), kPointNo->Name(), count);
 }
 
 int CParts::WriteRegAttrib(const EntryList& list, int count, const CReg& reg)
 {
-    return RegWriteComboBoxList(list, reg, PointKey(), kAttrib, count);
+    return RegWriteComboBoxList(list, reg, kAttrib->Key(), kAttrib->Name(), count);
 }
 
 int CParts::SetRegActivePage(int read, int& value, const std::wstring& dialogName, const CReg& reg)
 {
-    constexpr const wchar_t* kActivePage = L"ActivePage";
-    const std::wstring key = GpsKey(dialogName);
+    constexpr KnownSetting kActivePage = L"GPS\\*\\ActivePage";
     auto number = static_cast<std::uint32_t>(value);
     if (read != 0) {
-        reg.ReadNumber(key, kActivePage, number, number);
+        reg.ReadNumber(kActivePage->Key(dialogName), kActivePage->Name(), number, number);
         value = static_cast<int>(number);
     } else {
-        reg.WriteNumber(key, kActivePage, number);
+        Store(reg, kActivePage, number, dialogName);
     }
     return 1;
 }

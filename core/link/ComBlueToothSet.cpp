@@ -1,6 +1,6 @@
 #include "core/link/ComBlueToothSet.h"
 
-#include <cstdint>
+#include "core/settings/Setting.h"
 
 namespace fieldcore {
 
@@ -12,14 +12,12 @@ CComBlueToothSet::CComBlueToothSet(SettingsRoots& roots) : m_reg(roots)
 
 int CComBlueToothSet::ReadReg()
 {
-    constexpr std::uint32_t kCablePort = 1;
-    std::uint32_t port = kCablePort;
-    m_isStored = m_reg.ReadNumber(L"Data\\System\\Rtk", L"GpsPort", port, kCablePort) == 1;
+    constexpr KnownSetting kPort = L"Data\\System\\Rtk\\GpsPort";
+    std::uint32_t port = 0;
+    m_isStored = ReadSetting(m_reg, kPort, port) == 1;
     m_connectPort = static_cast<int>(port);
-    if (port == kCablePort) {
-        m_way = Cable;
-    } else {
-        m_way = BlueTooth;
+    m_way = port == kPort->number.byDefault ? Cable : BlueTooth;
+    if (m_way == BlueTooth) {
         m_blueToothPort = m_connectPort;
     }
     return 1;

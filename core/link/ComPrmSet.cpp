@@ -1,7 +1,7 @@
 #include "core/link/ComPrmSet.h"
 
 #include "core/platform/Assign.h"
-#include "core/platform/SettingsStore.h"
+#include "core/settings/Setting.h"
 
 #include <algorithm>
 #include <span>
@@ -29,16 +29,16 @@ constexpr Choice kFlows[] = {{L"None", 0}, {L"CTS", 2}, {L"Xon/Xoff", 1}};
 
 struct Parameter
 {
-    const wchar_t* setting; ///< its name
+    KnownSetting setting;
     std::span<const Choice> choices;
     int byDefault = 0; ///< flag in place of one beyond the list
     int unknown = 0;   ///< flag of a value that is no choice: of a parity Odd, not None
 };
-constexpr Parameter kParameters[] = {{L"Baudlate", kRates, 2, 2},
-                                     {L"Length", kDataBits},
-                                     {L"Parity", kParities, 0, 1},
-                                     {L"Stopbit", kStopBits},
-                                     {L"Flow", kFlows}};
+constexpr Parameter kParameters[] = {{L"GPS\\Com\\Com*\\Baudlate", kRates, 2, 2},
+                                     {L"GPS\\Com\\Com*\\Length", kDataBits},
+                                     {L"GPS\\Com\\Com*\\Parity", kParities, 0, 1},
+                                     {L"GPS\\Com\\Com*\\Stopbit", kStopBits},
+                                     {L"GPS\\Com\\Com*\\Flow", kFlows}};
 
 /// @return the flag of the first choice of which @p is holds, or @p otherwise
 template <typename Is>
@@ -75,21 +75,21 @@ PortSettings LineOf(const SetRS232PortParameters& parameters)
     return line;
 }
 
-CComPrmSet::CComPrmSet(SettingsRoots& roots) : m_reg(roots) {}
-
-std::wstring CComPrmSet::KeyOf(int port)
+CComPrmSet::CComPrmSet(SettingsRoots& roots) : m_reg(roots)
 {
-    return L"GPS\\Com\\Com" + std::to_wstring(port);
+    ConvFlag2Data();
 }
 
 int CComPrmSet::ReadRegCommPrm(int port)
 {
-    m_values = kDefaults;
+    std::ranges::transform(kParameters, m_values.begin(),
+                           [](const Parameter& p) { return p.setting->number.byDefault; });
     m_values[Bps] = port == kLinkPort ? kLinkRate : m_values[Bps];
     for (std::size_t part = 0; part < PartCount; ++part) {
         std::uint32_t& value = m_values[part];
-        const int read =
-            m_reg.ReadOrStoreNumber(KeyOf(port), kParameters[part].setting, value, value);
+        const KnownSetting setting = kParameters[part].setting;
+        const int read = m_reg.ReadOrStoreNumber(setting->Key(std::to_wstring(port)),
+                                                 setting->Name(), value, value);
         value &= part == Bps ? 0xFFFFFFFF : 0xFF;
         if (read == 0) {
             return 0;
@@ -100,12 +100,11 @@ int CComPrmSet::ReadRegCommPrm(int port)
 
 int CComPrmSet::WriteRegCommPrm(int port) const
 {
-    SettingsBatch batch(m_reg.Store());
-    bool written = batch.IsOpen();
-    for (std::size_t part = 0; written && part < PartCount; ++part) {
-        written = m_reg.WriteNumber(KeyOf(port), kParameters[part].setting, m_values[part]) == 1;
+    std::vector<SettingWrite> writes;
+    for (std::size_t part = 0; part < PartCount; ++part) {
+        writes.push_back({kParameters[part].setting, m_values[part], std::to_wstring(port)});
     }
-    return written && batch.Commit() ? 1 : 0;
+    return StoreAll(m_reg, writes);
 }
 
 void CComPrmSet::ConvData2Flag()

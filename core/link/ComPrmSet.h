@@ -45,9 +45,8 @@ public:
     /// @param roots  must outlive the object
     explicit CComPrmSet(SettingsRoots& roots = SettingsRoots::Instance());
 
-    /// Reads the values of a port, stored in the key GPS\Com\ComN. A missing one is the default
-    /// (8-None-1-None with 38400 for port 0, else 9600) and gets stored. Of a number that is larger
-    /// than its field the low 8 bits count.
+    /// Reads the values of a port. A missing one is the default (8-None-1-None with 38400 for port
+    /// 0, else 9600) and gets stored. Of a number larger than its field the low 8 bits count.
     /// @return 0 at the first value that can be neither read nor made, such as a text in its place:
     ///         it and the values behind it are the defaults then
     int ReadRegCommPrm(int port);
@@ -111,9 +110,6 @@ public:
     /// The other two ports of the receiver, the higher number first.
     static void GetOtherPorNo(int port, int& first, int& second);
 
-    /// The key of a port's values, below the library's own.
-    [[nodiscard]] static std::wstring KeyOf(int port);
-
     /// Whether the flags are the same.
     [[nodiscard]] bool HasFlagsOf(const CComPrmSet& other) const
     {
@@ -139,10 +135,8 @@ private:
         return static_cast<std::uint8_t>(m_values[part]);
     }
 
-    static constexpr std::array<std::uint32_t, PartCount> kDefaults{9600, 8, 0, 0, 0};
-
     HostReg m_reg;
-    std::array<std::uint32_t, PartCount> m_values = kDefaults;
+    std::array<std::uint32_t, PartCount> m_values{};
     std::array<int, PartCount> m_flags{2, 0, 0, 0, 0};
 };
 

@@ -4,6 +4,7 @@
 #include "core/link/ComPrmSet.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/Setting.h"
 #include "core/settings/StoredPorts.h"
 
 #include <algorithm>
@@ -16,8 +17,7 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::wstring_view kKey = L"GPS\\Connect";
-constexpr std::wstring_view kPort = L"Port";
+constexpr KnownSetting kPort = L"GPS\\Connect\\Port";
 constexpr std::string_view kBluetooth = "rfcomm";
 /// Stands for a Bluetooth port that no COM number means: rules that go by the number take it for
 /// one of Bluetooth.
@@ -66,8 +66,8 @@ FoundTarget Unusable(const std::string& port, int cause, std::string detail)
 
 std::optional<std::string> StoredPort(SettingsRoots& roots)
 {
-    const std::wstring key = HostBasePath() + L'\\' + std::wstring(kKey);
-    const SettingsRead read = roots.Store(RootKey::CurrentUser).Get(key, kPort);
+    const SettingsRead read =
+        roots.Store(RootKey::CurrentUser).Get(HostBasePath() + L'\\' + kPort->Key(), kPort->Name());
     if (read.state == SettingsReadState::Found) {
         const auto* const name = std::get_if<std::wstring>(&read.value);
         const auto* const number = std::get_if<std::uint32_t>(&read.value);
@@ -86,7 +86,7 @@ int SaveConnectChoice(const CReg& reg, const ConnectChoice& choice)
     if (port.size() > CReg::kMaxText || !PortNames().Parse(choice.port).port) {
         return 0;
     }
-    return reg.WriteString(kKey, kPort, port);
+    return Store(reg, kPort, port);
 }
 
 FoundTarget FindTarget(SettingsRoots& roots, const std::string& port, const SystemRoots& system)

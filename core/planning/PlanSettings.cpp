@@ -1,10 +1,11 @@
 #include "core/planning/PlanSettings.h"
 
+#include "core/input/EntryList.h"
+#include "core/input/Parts.h"
 #include "core/planning/PlanSearch.h"
-#include "core/platform/SettingsStore.h"
+#include "core/settings/Setting.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -13,57 +14,35 @@ namespace fieldcore {
 
 namespace {
 
-constexpr const wchar_t* kKey = L"GPS\\SurveyPlan";
-constexpr const wchar_t* kPosition = L"Position";
-constexpr const wchar_t* kConditions = L"GPS\\SurveyPlan\\Conditions";
-constexpr const wchar_t* kSearch = L"GPS\\SurveyPlan\\Search";
-constexpr const wchar_t* kFewest = L"MinSatellites";
-constexpr const wchar_t* kPdop = L"MaxPdop"; // hundredths
-constexpr const wchar_t* kMinutes = L"MinMinutes";
-constexpr const wchar_t* kSwitchedOff = L"SwitchedOff";
-constexpr const wchar_t* kSystems = L"Systems"; // bit k: the k-th GnssSystem
-constexpr const wchar_t* kClockPerSystem = L"ClockPerSystem";
-constexpr std::uint32_t kAllSatellites = 0xFFFFFFFF;
+constexpr KnownSetting kSite = L"GPS\\SurveyPlan\\Search\\Site*";
 constexpr double kHundredths = 100.0;
 
-struct NumberSetting
+/// Lets @p visit see each whole number with its setting.
+template <typename Visitor>
+void VisitNumbers(PlanSettings& s, Visitor visit)
 {
-    const wchar_t* key;
-    const wchar_t* name;
-    int& (*of)(PlanSettings&);
-};
-
-constexpr std::array<NumberSetting, 10> kNumbers{{
-    {kKey, L"ElMask", [](PlanSettings& s) -> int& { return s.elMaskDeg; }},
-    {kKey, L"StartTime", [](PlanSettings& s) -> int& { return s.startHour; }},
-    {kKey, L"DispTime", [](PlanSettings& s) -> int& { return s.hours; }},
-    {kKey, L"DrawType", [](PlanSettings& s) -> int& { return s.drawType; }},
-    {kKey, L"ListCoord", [](PlanSettings& s) -> int& { return s.listCoord; }},
-    {kKey, L"PositionNo", [](PlanSettings& s) -> int& { return s.positionNo; }},
-    {kKey, L"PositionID", [](PlanSettings& s) -> int& { return s.positionId; }},
-    {kSearch, L"Days", [](PlanSettings& s) -> int& { return s.search.days; }},
-    {kSearch, L"StartTime", [](PlanSettings& s) -> int& { return s.search.startHour; }},
-    {kSearch, L"Hours", [](PlanSettings& s) -> int& { return s.search.hours; }},
-}};
-
-std::wstring SiteName(std::size_t k)
-{
-    return L"Site" + std::to_wstring(k);
+    visit(L"GPS\\SurveyPlan\\ElMask", s.elMaskDeg);
+    visit(L"GPS\\SurveyPlan\\StartTime", s.startHour);
+    visit(L"GPS\\SurveyPlan\\DispTime", s.hours);
+    visit(L"GPS\\SurveyPlan\\DrawType", s.drawType);
+    visit(L"GPS\\SurveyPlan\\ListCoord", s.listCoord);
+    visit(L"GPS\\SurveyPlan\\PositionNo", s.positionNo);
+    visit(L"GPS\\SurveyPlan\\PositionID", s.positionId);
+    visit(L"GPS\\SurveyPlan\\Search\\Days", s.search.days);
+    visit(L"GPS\\SurveyPlan\\Search\\StartTime", s.search.startHour);
+    visit(L"GPS\\SurveyPlan\\Search\\Hours", s.search.hours);
 }
 
 } // namespace
 
 PlanSettings Fitted(PlanSettings settings)
 {
-    settings.elMaskDeg = std::clamp(settings.elMaskDeg, 0, 90);
-    settings.startHour = std::clamp(settings.startHour, 0, 23);
-    settings.hours = std::clamp(settings.hours, 1, 24 - settings.startHour);
-    SearchChoice& search = settings.search;
-    search.days = std::clamp(search.days, 1, SearchHours::kMostDays);
-    search.startHour = std::clamp(search.startHour, 0, 23);
-    search.hours = std::clamp(search.hours, 1, 24);
+    VisitNumbers(settings, [](KnownSetting setting, int& value) {
+        value = static_cast<int>(setting->number.Fit(value));
+    });
+    settings.hours = std::min(settings.hours, 24 - settings.startHour);
     settings.limits = Fitted(settings.limits);
-    settings.switchedOff = settings.switchedOff == kAllSatellites ? 0 : settings.switchedOff;
+    settings.switchedOff = settings.switchedOff == ~0U ? 0 : settings.switchedOff;
     settings.systems = settings.systems.none() ? PlanSettings().systems : settings.systems;
     return settings;
 }
@@ -82,66 +61,49 @@ void ApplySettings(const PlanSettings& settings, ObservationPlan& plan)
 PlanSettings LoadPlanSettings(const CReg& reg)
 {
     PlanSettings settings;
-    for (const NumberSetting& number : kNumbers) {
-        std::uint32_t value = 0;
-        int& member = number.of(settings);
-        reg.ReadNumber(number.key, number.name, value, static_cast<std::uint32_t>(member));
-        member = static_cast<int>(value);
-    }
-    std::wstring site;
-    for (std::size_t k = 0; k < PlanSearch::kMostSites; ++k) {
-        reg.ReadString(kSearch, SiteName(k).c_str(), site, L"");
-        if (site.empty()) {
-            break;
-        }
-        settings.search.sites.push_back(site);
-    }
-    const std::wstring defaultPosition = settings.position;
-    reg.ReadString(kKey, kPosition, settings.position, defaultPosition);
-    WindowLimits& limits = settings.limits;
-    const auto read = [&reg](const wchar_t* name, long whenMissing) {
-        std::uint32_t value = 0;
-        reg.ReadNumber(kConditions, name, value, static_cast<std::uint32_t>(whenMissing));
-        return value;
-    };
-    constexpr std::uint32_t kMost = 100'000; // of a number that becomes an int
-    limits.minSatellites = static_cast<int>(std::min(read(kFewest, limits.minSatellites), kMost));
-    limits.maxPdop = read(kPdop, std::lround(limits.maxPdop * kHundredths)) / kHundredths;
-    limits.minLength = std::chrono::minutes(
-        std::min(read(kMinutes, static_cast<long>(limits.minLength.count())), kMost));
-    settings.switchedOff = read(kSwitchedOff, 0);
-    settings.systems = SystemSet(read(kSystems, 0));
-    settings.clockPerSystem = read(kClockPerSystem, 0) != 0;
+    VisitNumbers(settings, [&reg](KnownSetting setting, int& value) {
+        std::uint32_t stored = 0;
+        ReadSetting(reg, setting, stored);
+        value = static_cast<int>(stored); // from 2^31 on negative
+    });
+    settings.limits = {
+        static_cast<int>(StoredNumber(reg, L"GPS\\SurveyPlan\\Conditions\\MinSatellites")),
+        StoredNumber(reg, L"GPS\\SurveyPlan\\Conditions\\MaxPdop") / kHundredths,
+        std::chrono::minutes(StoredNumber(reg, L"GPS\\SurveyPlan\\Conditions\\MinMinutes"))};
+    settings.switchedOff = StoredNumber(reg, L"GPS\\SurveyPlan\\Conditions\\SwitchedOff");
+    settings.systems = SystemSet(StoredNumber(reg, L"GPS\\SurveyPlan\\Conditions\\Systems"));
+    settings.clockPerSystem =
+        StoredNumber(reg, L"GPS\\SurveyPlan\\Conditions\\ClockPerSystem") != 0;
+    settings.position = StoredText(reg, L"GPS\\SurveyPlan\\Position");
+    TextEntries sites;
+    CParts::RegReadComboBoxList(sites, reg, kSite->Key(), kSite->Name(), PlanSearch::kMostSites);
+    settings.search.sites = sites.Texts();
     return Fitted(settings);
 }
 
 int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
 {
-    SettingsBatch batch(reg.Store());
-    bool stored = batch.IsOpen();
+    const WindowLimits& limits = settings.limits;
+    const auto whole = [](auto value) { return static_cast<std::uint32_t>(value); };
+    std::vector<SettingWrite> writes{
+        {L"GPS\\SurveyPlan\\Position", settings.position},
+        {L"GPS\\SurveyPlan\\Conditions\\MinSatellites", whole(limits.minSatellites)},
+        {L"GPS\\SurveyPlan\\Conditions\\MaxPdop", whole(std::lround(limits.maxPdop * kHundredths))},
+        {L"GPS\\SurveyPlan\\Conditions\\MinMinutes", whole(limits.minLength.count())},
+        {L"GPS\\SurveyPlan\\Conditions\\SwitchedOff", settings.switchedOff},
+        {L"GPS\\SurveyPlan\\Conditions\\Systems", whole(settings.systems.to_ulong())},
+        {L"GPS\\SurveyPlan\\Conditions\\ClockPerSystem", whole(settings.clockPerSystem)}};
     PlanSettings copy = settings;
-    for (const NumberSetting& number : kNumbers) {
-        const auto value = static_cast<std::uint32_t>(number.of(copy));
-        stored = stored && reg.WriteNumber(number.key, number.name, value) == 1;
-    }
+    VisitNumbers(copy, [&](KnownSetting setting, int value) {
+        writes.push_back({setting, whole(value)});
+    });
     std::vector<std::wstring>& sites = copy.search.sites;
     sites.resize(std::min(sites.size(), PlanSearch::kMostSites));
     sites.emplace_back(); // the end
     for (std::size_t k = 0; k < sites.size(); ++k) {
-        stored = stored && reg.WriteString(kSearch, SiteName(k).c_str(), sites[k]) == 1;
+        writes.push_back({kSite, sites[k], std::to_wstring(k)});
     }
-    stored = stored && reg.WriteString(kKey, kPosition, settings.position) == 1;
-    const WindowLimits& limits = settings.limits;
-    const auto write = [&reg](const wchar_t* name, auto value) {
-        return reg.WriteNumber(kConditions, name, static_cast<std::uint32_t>(value)) == 1;
-    };
-    stored = stored && write(kFewest, limits.minSatellites) &&
-             write(kPdop, std::lround(limits.maxPdop * kHundredths)) &&
-             write(kMinutes, limits.minLength.count()) &&
-             write(kSwitchedOff, settings.switchedOff) &&
-             write(kSystems, settings.systems.to_ulong()) &&
-             write(kClockPerSystem, settings.clockPerSystem ? 1 : 0);
-    return stored && batch.Commit() ? 1 : 0;
+    return StoreAll(reg, writes);
 }
 
 } // namespace fieldcore

@@ -11,7 +11,7 @@
 namespace fieldcore {
 
 /// What was last searched for, to be offered again: the search of days, and its sites for a
-/// session, too. It is kept in the key "Search" below that of the plan.
+/// session, too.
 struct SearchChoice
 {
     int days = 14;                   ///< 1 to SearchHours::kMostDays
@@ -23,8 +23,7 @@ struct SearchChoice
 };
 
 /// What the observation plan remembers between its runs, as it is for a user who has never chosen
-/// anything. It is kept in the key "GPS\SurveyPlan" below the library's own; what makes a good
-/// window in the key "Conditions" below that.
+/// anything.
 struct PlanSettings
 {
     int elMaskDeg = 15;  ///< elevation mask, whole degrees, 0 to 90
@@ -53,8 +52,7 @@ struct PlanSettings
 /// but that the terminal is told the systems each time.
 void ApplySettings(const PlanSettings& settings, ObservationPlan& plan);
 
-/// Settings that are missing, or of another type, are those of a new user; the
-/// others are Fitted().
+/// Those of a new user where they are missing, and Fitted().
 /// @param reg  one that starts at the library's own key
 [[nodiscard]] PlanSettings LoadPlanSettings(const CReg& reg);
 

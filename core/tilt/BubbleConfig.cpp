@@ -2,7 +2,7 @@
 
 #include "core/platform/Assign.h"
 #include "core/platform/NumberText.h"
-#include "core/platform/SettingsStore.h"
+#include "core/settings/Setting.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,17 +11,7 @@ namespace fieldcore {
 
 namespace {
 
-constexpr const wchar_t* kSensitivity = L"Sensitivity";
-constexpr const wchar_t* kViscosity = L"Viscosity";
-constexpr const wchar_t* kDuration = L"Duration";
 constexpr double kMmInM = 1000.0;
-
-int ReadWhole(const CReg& reg, const wchar_t* name, const wchar_t* defaultText)
-{
-    std::wstring text;
-    reg.ReadString(eBubbleConfig::GetKeyPrm(), name, text, defaultText);
-    return ParseWhole(text.c_str());
-}
 
 } // namespace
 
@@ -52,20 +42,16 @@ int eBubbleConfig::SetBubbleExpiry(int hours)
 
 void eBubbleConfig::LoadBubbleData(const CReg& reg)
 {
-    SetBubbleSensitivity(ReadWhole(reg, kSensitivity, L"40"));
-    SetBubbleViscosity(ReadWhole(reg, kViscosity, L"1"));
-    SetBubbleDuration(ReadWhole(reg, kDuration, L"20") / kMmInM);
+    SetBubbleSensitivity(ParseWhole(StoredText(reg, L"GPS\\eBubble\\Sensitivity").c_str()));
+    SetBubbleViscosity(ParseWhole(StoredText(reg, L"GPS\\eBubble\\Viscosity").c_str()));
+    SetBubbleDuration(ParseWhole(StoredText(reg, L"GPS\\eBubble\\Duration").c_str()) / kMmInM);
 }
 
 int eBubbleConfig::SaveBubbleData(const CReg& reg)
 {
-    const std::wstring key = GetKeyPrm();
-    SettingsBatch batch(reg.Store());
-    const bool stored = batch.IsOpen() &&
-                        reg.WriteString(key, kSensitivity, FormatFixed(s_sensitivity, 0)) == 1 &&
-                        reg.WriteString(key, kViscosity, std::to_wstring(s_viscosity)) == 1 &&
-                        reg.WriteString(key, kDuration, FormatFixed(s_durationM * kMmInM, 0)) == 1;
-    return stored && batch.Commit() ? 1 : 0;
+    return StoreAll(reg, {{L"GPS\\eBubble\\Sensitivity", FormatFixed(s_sensitivity, 0)},
+                          {L"GPS\\eBubble\\Viscosity", std::to_wstring(s_viscosity)},
+                          {L"GPS\\eBubble\\Duration", FormatFixed(s_durationM * kMmInM, 0)}});
 }
 
 std::wstring eBubbleConfig::GetKeyPrm()

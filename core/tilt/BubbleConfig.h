@@ -7,8 +7,7 @@
 namespace fieldcore {
 
 /// How the electronic bubble behaves. The values live as long as the program; three of them are
-/// kept as texts in the key "GPS\eBubble" below the library's own. The thread that uses the
-/// library.
+/// kept in the settings. The thread that uses the library.
 ///
 /// A setter brings what it is given into its range and answers 1 if the value changed, 0 if it was
 /// equal. What is no number, and an endless sensitivity, changes nothing.

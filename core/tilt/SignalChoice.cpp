@@ -1,7 +1,7 @@
 #include "core/tilt/SignalChoice.h"
 
-#include "core/platform/SettingsStore.h"
 #include "core/resources/StringTable.h"
+#include "core/settings/Setting.h"
 
 #include <string>
 
@@ -9,18 +9,12 @@ namespace fieldcore {
 
 namespace {
 
-/// By which they are stored, in their order.
-constexpr std::array<const wchar_t*, kAllSignals.size()> kNames{L"L2C", L"Glonass", L"Qzss",
-                                                                L"Galileo", L"L5"};
-
-const wchar_t* NameOf(Signal signal)
+KnownSetting SettingOf(Signal signal)
 {
-    return kNames[static_cast<std::size_t>(signal)];
-}
-
-std::wstring KeyOf(std::uint32_t typeNumber)
-{
-    return L"GPS\\Signal\\" + std::to_wstring(typeNumber);
+    constexpr KnownSetting kInTheirOrder[] = {L"GPS\\Signal\\*\\L2C", L"GPS\\Signal\\*\\Glonass",
+                                              L"GPS\\Signal\\*\\Qzss", L"GPS\\Signal\\*\\Galileo",
+                                              L"GPS\\Signal\\*\\L5"};
+    return kInTheirOrder[static_cast<std::size_t>(signal)];
 }
 
 } // namespace
@@ -74,24 +68,20 @@ std::vector<std::uint8_t> SignalCommand(const SignalSet& chosen, bool isSolace)
 SignalSet LoadSignals(const CReg& reg, std::uint32_t typeNumber)
 {
     SignalSet chosen;
-    const std::wstring key = KeyOf(typeNumber);
     for (const Signal signal : kAllSignals) {
-        std::uint32_t value = 0;
-        reg.ReadNumber(key, NameOf(signal), value, 0);
-        chosen.Set(signal, value != 0);
+        chosen.Set(signal, StoredNumber(reg, SettingOf(signal), std::to_wstring(typeNumber)) != 0);
     }
     return chosen;
 }
 
 int SaveSignals(const CReg& reg, std::uint32_t typeNumber, const SignalSet& chosen)
 {
-    const std::wstring key = KeyOf(typeNumber);
-    SettingsBatch batch(reg.Store());
-    bool stored = batch.IsOpen();
+    std::vector<SettingWrite> writes;
     for (const Signal signal : kAllSignals) {
-        stored = stored && reg.WriteNumber(key, NameOf(signal), chosen.Has(signal) ? 1 : 0) == 1;
+        writes.push_back(
+            {SettingOf(signal), chosen.Has(signal) ? 1U : 0U, std::to_wstring(typeNumber)});
     }
-    return stored && batch.Commit() ? 1 : 0;
+    return StoreAll(reg, writes);
 }
 
 SignalAnswers SignalSession::Ask(CCommand& command)

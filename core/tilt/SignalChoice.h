@@ -53,8 +53,7 @@ private:
 /// @return 3, 5 or 6 bytes
 [[nodiscard]] std::vector<std::uint8_t> SignalCommand(const SignalSet& chosen, bool isSolace);
 
-// The choice as it is kept, one for each receiver type, in the key "GPS\Signal\TYPE" below the
-// library's own.
+// The choice as it is kept, one for each receiver type.
 
 /// @param reg         one that starts at the library's own key
 /// @param typeNumber  of the receiver

@@ -2,7 +2,6 @@
 
 #include "core/input/Parts.h"
 #include "core/platform/NumberText.h"
-#include "core/platform/SettingsStore.h"
 #include "core/resources/StringTable.h"
 
 #include <string>
@@ -21,41 +20,27 @@ constexpr SurveyKind kKinds[] = {
     {true, 8, 0, text::kSurveyKinemaRov},
 };
 
-constexpr const wchar_t* kPdop = L"PDOPMask";
+constexpr KnownSetting kPdop = L"GPS\\Tracking\\*\\PDOPMask";
 
-/// A whole number of the set, and what may be stored of it.
+/// A whole number of the set; where it is chosen from a list, the places in it and back.
 struct Field
 {
-    const wchar_t* name;
+    KnownSetting setting;
     int (CGPSPrm::*get)() const;
     int (CGPSPrm::*set)(int);
-    bool (*isGood)(int);
+    int (*place)(int) = nullptr;
+    int (*entry)(int) = nullptr;
 };
-
-constexpr const wchar_t* kTracking = L"GPS\\Tracking";
-constexpr const wchar_t* kSurvey = L"Survey";
-constexpr const wchar_t* kMsas = L"MSAS";
 
 constexpr Field kFields[] = {
-    {L"Interval", &CGPSPrm::GetIntervalData, &CGPSPrm::SetIntervalData,
-     [](int v) {
-         return v > 0 && CParts::ConvIntervalFlag2Data(CParts::ConvIntervalData2Flag(v)) == v;
-     }},
-    {L"ElMask", &CGPSPrm::GetElMaskData, &CGPSPrm::SetElMaskData,
-     [](int v) {
-         return v >= 0 && CParts::ConvElMaskFlag2Data(CParts::ConvElMaskData2Flag(v)) == v;
-     }},
-    {L"SvEpoch", &CGPSPrm::GetSvEpochData, &CGPSPrm::SetSvEpochData,
-     [](int v) { return v >= 1 && v <= kMostEpochs; }},
-    {L"MinSVs", &CGPSPrm::GetMinSVsData, &CGPSPrm::SetMinSVsData,
-     [](int v) { return v >= kLeastSatellites && v < kLeastSatellites + 6; }},
-    {kMsas, &CGPSPrm::GetMSASData, &CGPSPrm::SetMSASData, [](int v) { return v == 0 || v == 1; }},
+    {L"GPS\\Tracking\\*\\Interval", &CGPSPrm::GetIntervalData, &CGPSPrm::SetIntervalData,
+     CParts::ConvIntervalData2Flag, CParts::ConvIntervalFlag2Data},
+    {L"GPS\\Tracking\\*\\ElMask", &CGPSPrm::GetElMaskData, &CGPSPrm::SetElMaskData,
+     CParts::ConvElMaskData2Flag, CParts::ConvElMaskFlag2Data},
+    {L"GPS\\Tracking\\*\\SvEpoch", &CGPSPrm::GetSvEpochData, &CGPSPrm::SetSvEpochData},
+    {L"GPS\\Tracking\\*\\MinSVs", &CGPSPrm::GetMinSVsData, &CGPSPrm::SetMinSVsData},
+    {L"GPS\\Tracking\\*\\MSAS", &CGPSPrm::GetMSASData, &CGPSPrm::SetMSASData},
 };
-
-std::wstring KeyOf(const SurveyKind& kind)
-{
-    return std::wstring(kTracking) + L"\\" + SectionOf(kind);
-}
 
 void TakeSignals(CGPSPrm& parameters, const SignalSet& chosen)
 {
@@ -83,12 +68,11 @@ const wchar_t* SectionOf(const SurveyKind& kind)
 void ResetTracking(CGPSPrm& parameters, const SurveyKind& kind)
 {
     parameters.SetSurveyType(kind.surveyType, kind.rover);
-    parameters.SetIntervalData(kind.isPost ? 15 : 1);
-    parameters.SetElMaskData(15);
-    parameters.SetSvEpochData(10);
-    parameters.SetMinSVsData(5);
-    parameters.SetPDOPMaskData(7.0);
-    parameters.SetMSASData(0);
+    for (const Field& field : kFields) {
+        (parameters.*field.set)(static_cast<int>(field.setting->number.byDefault));
+    }
+    parameters.SetIntervalData(kind.isPost ? 15 : parameters.GetIntervalData());
+    parameters.SetPDOPMaskData(ParseReal(kPdop->text));
     TakeSignals(parameters, SignalSet());
 }
 
@@ -97,57 +81,43 @@ void LoadTracking(const CReg& reg, const SurveyKind& kind, std::uint32_t typeNum
 {
     ResetTracking(parameters, kind);
     TakeSignals(parameters, LoadSignals(reg, typeNumber));
-    const std::wstring key = KeyOf(kind);
     for (const Field& field : kFields) {
         std::uint32_t stored = 0;
-        constexpr std::uint32_t kMost = kMostEpochs; // of all fields
-        if (reg.ReadNumber(key, field.name, stored, 0) == 1 && stored <= kMost &&
-            field.isGood(static_cast<int>(stored))) {
-            (parameters.*field.set)(static_cast<int>(stored));
+        const bool isStored = ReadSetting(reg, field.setting, stored, SectionOf(kind)) == 1;
+        const auto value = static_cast<int>(stored);
+        if (isStored && field.setting->number.Fit(stored) == stored &&
+            (field.place == nullptr || field.entry(field.place(value)) == value)) {
+            (parameters.*field.set)(value);
         }
     }
-    std::wstring pdop;
-    reg.ReadString(key, kPdop, pdop, L"");
-    const double value = ParseReal(pdop.c_str());
-    if (value >= kLeastPdop && value <= kMostPdop) {
-        parameters.SetPDOPMaskData(value);
+    const double pdop = ParseReal(StoredText(reg, kPdop, SectionOf(kind)).c_str());
+    if (pdop >= kLeastPdop && pdop <= kMostPdop) {
+        parameters.SetPDOPMaskData(pdop);
     }
 }
 
 int SaveTracking(const CReg& reg, const SurveyKind& kind, const CGPSPrm& parameters)
 {
-    const std::wstring key = KeyOf(kind);
-    SettingsBatch batch(reg.Store());
-    if (!batch.IsOpen()) {
-        return 0;
-    }
+    std::vector<SettingWrite> writes;
     for (const Field& field : kFields) {
         const int value = (parameters.*field.get)();
-        if (reg.WriteNumber(key, field.name, static_cast<std::uint32_t>(value)) == 0) {
-            return 0;
-        }
+        writes.push_back({field.setting, static_cast<std::uint32_t>(value), SectionOf(kind)});
     }
-    if (reg.WriteString(key, kPdop, FormatFixed(parameters.GetPDOPMaskData(1), 1)) == 0) {
-        return 0;
-    }
-    return batch.Commit() ? 1 : 0;
+    writes.push_back({kPdop, FormatFixed(parameters.GetPDOPMaskData(1), 1), SectionOf(kind)});
+    return StoreAll(reg, writes);
 }
 
 std::size_t LoadSurvey(const CReg& reg)
 {
-    std::wstring section;
-    reg.ReadString(kTracking, kSurvey, section, L"");
-    for (std::size_t i = 0; i < AllSurveys().size(); ++i) {
-        if (section == SectionOf(AllSurveys()[i])) {
-            return i;
-        }
-    }
-    return 0;
+    const auto* const found = std::ranges::find(
+        kKinds, StoredText(reg, L"GPS\\Tracking\\Survey"),
+        [](const SurveyKind& kind) { return std::wstring_view(SectionOf(kind)); });
+    return found != std::end(kKinds) ? static_cast<std::size_t>(found - kKinds) : 0;
 }
 
 int SaveSurvey(const CReg& reg, std::size_t place)
 {
-    return reg.WriteString(kTracking, kSurvey, SectionOf(AllSurveys()[place]));
+    return Store(reg, L"GPS\\Tracking\\Survey", SectionOf(AllSurveys()[place]));
 }
 
 } // namespace fieldcore

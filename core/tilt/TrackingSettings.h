@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/settings/Reg.h"
+#include "core/settings/Setting.h"
 #include "core/tilt/GPSPrm.h"
 #include "core/tilt/SignalChoice.h"
 
@@ -9,9 +9,8 @@
 
 namespace fieldcore {
 
-// The tracking parameters of every survey type, kept in the keys "GPS\Tracking\SECTION" below the
-// library's own. The sections are those of CParts. The signals are not among them: they are those
-// of the receiver, see SignalChoice.h. One of the surveys is the one that is run.
+// The tracking parameters of every survey type. The signals are not among them: they are those of
+// the receiver, see SignalChoice.h. One of the surveys is the one that is run.
 
 /// A survey type with a set of parameters of its own.
 struct SurveyKind
@@ -29,13 +28,12 @@ struct SurveyKind
 [[nodiscard]] const wchar_t* SectionOf(const SurveyKind& kind);
 
 // Bounds of what can be kept; both ends belong to them.
-inline constexpr int kLeastSatellites = 4; ///< to choose from: this and the five that follow
-inline constexpr int kMostEpochs = 9999;   ///< from 1
+inline constexpr int kLeastSatellites = KnownSetting(L"GPS\\Tracking\\*\\MinSVs")->number.least;
+inline constexpr int kMostEpochs = KnownSetting(L"GPS\\Tracking\\*\\SvEpoch")->number.most;
 inline constexpr double kLeastPdop = 1.0;
 inline constexpr double kMostPdop = 99.0;
 
-/// What a new user has: interval 1 (post-processing 15) s, mask 15 degrees, 10 epochs, 5
-/// satellites, PDOP 7.0, no signals.
+/// What a new user has: the defaults of the settings, and no signals.
 void ResetTracking(CGPSPrm& parameters, const SurveyKind& kind);
 
 /// Values that are missing, of another type or out of their bounds are those of a new user.

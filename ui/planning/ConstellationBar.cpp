@@ -46,9 +46,14 @@ ConstellationBar::ConstellationBar(QWidget* parent)
     Show(LiveSky());
 }
 
-void ConstellationBar::Choose(std::optional<Constellation> constellation)
+void ConstellationBar::Choose(std::uint32_t index)
 {
-    Button(constellation)->setChecked(true);
+    m_buttons[static_cast<int>(index)]->setChecked(true);
+}
+
+std::uint32_t ConstellationBar::Index() const
+{
+    return static_cast<std::uint32_t>(m_group->checkedId());
 }
 
 std::optional<Constellation> ConstellationBar::Chosen() const

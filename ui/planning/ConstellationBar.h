@@ -22,7 +22,9 @@ class ConstellationBar : public QWidget
 public:
     explicit ConstellationBar(QWidget* parent = nullptr);
 
-    void Choose(std::optional<Constellation> constellation);
+    /// @param index  0: all; else the number of the system, from 1
+    void Choose(std::uint32_t index);
+    [[nodiscard]] std::uint32_t Index() const;
     [[nodiscard]] std::optional<Constellation> Chosen() const;
     /// Writes the numbers of satellites in view; "--" without a reading. The button of unknown
     /// satellites is only there while there are such, or it is the one that is chosen.

@@ -4,6 +4,7 @@
 #include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/NotKept.h"
+#include "core/settings/Setting.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/TouchStyle.h"
@@ -35,6 +36,9 @@
 namespace fieldcore {
 
 namespace {
+
+constexpr KnownSetting kShown = L"GPS\\SkyPlot\\Constellation";
+static_assert(kShown->number.most == kConstellations);
 
 constexpr int kAgeTimer = 2;
 constexpr int kAgeTickMs = 1000;
@@ -71,8 +75,7 @@ CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundi
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
       m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
       m_clock(ClockOf(command, surroundings.clock)),
-      m_poll(std::make_shared<LiveSkyPoll>(m_clock, surroundings.program)),
-      m_settings(LoadSkyPlotSettings(m_reg))
+      m_poll(std::make_shared<LiveSkyPoll>(m_clock, surroundings.program))
 {
     setWindowTitle(UiText(text::kSkyTitle));
     OfferConnection();
@@ -114,7 +117,7 @@ void CSkyPlot::MakeHead(QBoxLayout* layout)
     layout->addWidget(m_head);
     m_constellations = new ConstellationBar;
     SetControlId(m_constellations, kConstellations);
-    m_constellations->Choose(m_settings.constellation);
+    m_constellations->Choose(StoredNumber(m_reg, kShown));
     connect(m_constellations, &ConstellationBar::Changed, this, &CSkyPlot::ChooseConstellation);
     layout->addWidget(m_constellations);
 }
@@ -151,10 +154,8 @@ void CSkyPlot::MakeDetails()
     group->addButton(m_showList);
     row->addWidget(m_showBars);
     row->addWidget(m_showList);
-    connect(m_showBars, &QPushButton::clicked, this,
-            [this] { ChooseView(SkyPlotSettings::View::Bars); });
-    connect(m_showList, &QPushButton::clicked, this,
-            [this] { ChooseView(SkyPlotSettings::View::List); });
+    (StoredNumber(m_reg, L"GPS\\SkyPlot\\View") == 1 ? m_showList : m_showBars)->setChecked(true);
+    connect(group, &QButtonGroup::idClicked, this, &CSkyPlot::ChooseView);
     column->addWidget(m_switch);
 
     m_bars = new SignalBars;
@@ -267,20 +268,20 @@ QString CSkyPlot::Notice() const
     if (!sky.HasReading()) {
         return UiText(LiveSkyTextId(m_now.state));
     }
-    if (sky.Count(m_settings.constellation).inView > 0) {
+    if (sky.Count(m_constellations->Chosen()).inView > 0) {
         return {};
     }
-    return UiText(m_settings.constellation ? text::kSkyNoneOfThese : text::kSkyEmpty);
+    return UiText(m_constellations->Chosen() ? text::kSkyNoneOfThese : text::kSkyEmpty);
 }
 
 void CSkyPlot::ShowSky()
 {
-    m_head->Show(m_now, m_settings.constellation, m_clock.Steady());
+    m_head->Show(m_now, m_constellations->Chosen(), m_clock.Steady());
     m_legend->setText(UiText(m_now.hasAlmanac ? text::kSkyLegend : text::kSkyLegendNoAlmanac));
     const LiveSky& sky = m_now.sky;
     LiveSkyView::Picture picture;
-    picture.satellites = sky.Satellites(m_settings.constellation);
-    picture.predicted = sky.Predicted(m_settings.constellation);
+    picture.satellites = sky.Satellites(m_constellations->Chosen());
+    picture.predicted = sky.Predicted(m_constellations->Chosen());
     picture.isStale = sky.IsStale(m_clock.Steady());
     picture.notice = Notice();
     m_constellations->Show(sky);
@@ -315,22 +316,22 @@ void CSkyPlot::ShowColumns()
 
 void CSkyPlot::ChooseConstellation()
 {
-    m_settings.constellation = m_constellations->Chosen();
     ShowSky();
     KeepSettings();
 }
 
-void CSkyPlot::ChooseView(SkyPlotSettings::View view)
+void CSkyPlot::ChooseView()
 {
-    m_settings.view = view;
     ArrangeDetails();
     KeepSettings();
 }
 
 void CSkyPlot::KeepSettings()
 {
-    KeptOrTold(SaveSkyPlotSettings(m_reg, m_settings), text::kSkyNotKept,
-               m_command != nullptr ? m_command->GetHost() : DefaultHost(), m_reg);
+    const int kept = StoreAll(m_reg, {{kShown, m_constellations->Index()},
+                                      {L"GPS\\SkyPlot\\View", m_showList->isChecked() ? 1U : 0U}});
+    KeptOrTold(kept, text::kSkyNotKept, m_command != nullptr ? m_command->GetHost() : DefaultHost(),
+               m_reg);
 }
 
 void CSkyPlot::ChooseSatellite(int row)
@@ -340,7 +341,7 @@ void CSkyPlot::ChooseSatellite(int row)
     }
     m_isShowing = true;
     m_sky->Choose(row);
-    const std::vector<LiveSatellite> satellites = m_now.sky.Satellites(m_settings.constellation);
+    const std::vector<LiveSatellite> satellites = m_now.sky.Satellites(m_constellations->Chosen());
     const bool isRow = row >= 0 && static_cast<std::size_t>(row) < satellites.size();
     m_bars->Choose(isRow ? std::optional(satellites[static_cast<std::size_t>(row)]) : std::nullopt);
     if (isRow) {
@@ -358,13 +359,11 @@ void CSkyPlot::ChooseSatellite(int row)
 void CSkyPlot::ArrangeDetails()
 {
     const bool isWide = width() >= kWide;
-    const bool isList = m_settings.view == SkyPlotSettings::View::List;
+    const bool isList = m_showList->isChecked();
     m_body->setStretch(0, isWide ? 1 : 3);
     m_body->setStretch(1, isWide ? 1 : 2);
     m_body->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     m_switch->setVisible(!isWide);
-    m_showBars->setChecked(!isList);
-    m_showList->setChecked(isList);
     m_barsScroll->setVisible(isWide || !isList);
     m_list->setVisible(isWide || isList);
     const int row = std::max(TouchStyle::kTarget, fontMetrics().height() + TouchStyle::kGrid);

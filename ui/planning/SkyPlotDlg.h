@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/planning/LiveSkyPoll.h"
-#include "core/planning/SkyPlotSettings.h"
 #include "core/platform/Clock.h"
 #include "core/settings/HostReg.h"
 #include "ui/controls/BackgroundQuestion.h"
@@ -50,8 +49,6 @@ public:
              QWidget* parent = nullptr);
     ~CSkyPlot() override;
 
-    // The numbers of the controls.
-
     /// Numbers of the controls.
     enum Control : int
     {
@@ -86,7 +83,7 @@ private:
     void ShowColumns();
     [[nodiscard]] QString Notice() const;
     void ChooseConstellation();
-    void ChooseView(SkyPlotSettings::View view);
+    void ChooseView();
     void KeepSettings();
     void ChooseSatellite(int row);
     void ArrangeDetails();
@@ -99,7 +96,6 @@ private:
     const std::shared_ptr<LiveSkyPoll> m_poll; // the question's while there is one
     LiveSkyPoll::Now m_now;
     std::unique_ptr<BackgroundQuestion> m_question; // while it is visible
-    SkyPlotSettings m_settings;
     bool m_isFromBelow = false;
     bool m_isShowing = false; // a choice is carried from one control to the others
 

@@ -1,13 +1,14 @@
-// The plan's page without a screen, and what it and the live sky keep between their runs.
+// The plan's page without a screen, and what it keeps between its runs.
 
 #include "core/planning/PlanSession.h"
 
 #include "core/planning/CurtainFile.h"
+#include "core/planning/PlanSearch.h"
 #include "core/planning/PlanSettings.h"
 #include "core/planning/PlanSite.h"
-#include "core/planning/SkyPlotSettings.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/HostReg.h"
+#include "core/settings/Setting.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
@@ -103,19 +104,19 @@ TEST_F(SettingsTest, OfThePlanFitTheControlsWhateverIsStored)
     EXPECT_EQ(LoadPlanSettings(m_reg).position, L"東京都千代田区") << "a text too long";
 }
 
-TEST_F(SettingsTest, OfTheSkyComeBackAndFitWhateverIsStored)
+TEST_F(SettingsTest, HaveTheRangesOfTheirControls)
 {
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{});
-    const SkyPlotSettings chosen{Constellation::Unknown, SkyPlotSettings::View::List};
-    EXPECT_EQ(SaveSkyPlotSettings(m_reg, chosen), 1);
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), chosen);
-    std::uint32_t stored = 0;
-    EXPECT_EQ(m_reg.ReadNumber(L"GPS\\SkyPlot", L"Constellation", stored, 0), 1);
-    EXPECT_EQ(stored, 5U) << "the last of five, counted from 1";
-
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1);
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
-    EXPECT_EQ(LoadSkyPlotSettings(m_reg), SkyPlotSettings{}) << "beyond the last";
+    using L = WindowLimits;
+    constexpr auto kSatellites = KnownSetting(L"GPS\\SurveyPlan\\Conditions\\MinSatellites");
+    constexpr auto kPdop = KnownSetting(L"GPS\\SurveyPlan\\Conditions\\MaxPdop");
+    constexpr auto kMinutes = KnownSetting(L"GPS\\SurveyPlan\\Conditions\\MinMinutes");
+    EXPECT_EQ(kSatellites->number.least, L::kFewestSatellites);
+    EXPECT_EQ(kSatellites->number.most, L::kMostSatellites);
+    EXPECT_EQ(kPdop->number.least / 100.0, L::kLowestPdop);
+    EXPECT_EQ(kPdop->number.most / 100.0, L::kHighestPdop);
+    EXPECT_EQ(minutes(kMinutes->number.least), L::kShortest);
+    EXPECT_EQ(minutes(kMinutes->number.most), L::kLongest);
+    EXPECT_EQ(KnownSetting(L"GPS\\SurveyPlan\\Search\\Days")->number.most, SearchHours::kMostDays);
 }
 
 class PlanSessionTest : public SettingsTest

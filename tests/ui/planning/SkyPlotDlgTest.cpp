@@ -142,6 +142,12 @@ TEST_F(SkyPlotTest, SortsChoosesAndRemembers)
     ASSERT_NO_FATAL_FAILURE(OpenAndRead());
     EXPECT_TRUE(List().isVisible());
     EXPECT_EQ(Rows(), 9);
+    m_dialog.reset();
+    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1) << "beyond the last";
+    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
+    ASSERT_NO_FATAL_FAILURE(OpenAndRead());
+    EXPECT_FALSE(List().isVisible());
+    EXPECT_EQ(Rows(), 16);
 }
 
 TEST_F(SkyPlotTest, AsksOnlyWhileItIsSeen)
