@@ -146,8 +146,8 @@ int main(int argc, char** argv)
     controller.Begin();
     Session session(controller);
     if (isDrawing) {
-        return ScreenPictures(controller, session.Window())
-            .Write(options.screenshots, &StopSignals::IsStopped);
+        return WritePictures(controller, session.Window(), options.screenshots,
+                             &StopSignals::IsStopped);
     }
     session.Begin();
     if (options.firstPage) {

@@ -516,13 +516,12 @@ TEST_F(SessionTest, WritesAPictureOfEveryScreen)
 {
     Started controller(QStringLiteral("sim:lark"));
     MainWindow window;
-    ScreenPictures pictures(controller, window);
     const QString folder = m_folder.filePath(QStringLiteral("pictures"));
-    EXPECT_EQ(pictures.Write(folder), 0);
+    EXPECT_EQ(WritePictures(controller, window, folder), 0);
     const QStringList files = QDir(folder).entryList({QStringLiteral("*.png")});
     EXPECT_EQ(files.filter(QStringLiteral("home")).size(), 4);
     EXPECT_GE(files.size(), 56);
-    EXPECT_EQ(pictures.Write(QStringLiteral("/dev/null/pictures")), 8);
+    EXPECT_EQ(WritePictures(controller, window, QStringLiteral("/dev/null/pictures")), 8);
 }
 
 } // namespace
