@@ -71,15 +71,22 @@ Controller::Controller(const AppOptions& options)
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);
     m_sky = std::make_unique<SkyRecorder>(*m_clock);
-    m_monitor = std::make_unique<LinkMonitor>(*m_command, *m_link, [this] {
-        if (m_poll->Tick()) {
-            m_sky->Take(m_link->Heard(), m_link->Connections());
-        }
-    });
-    connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
-    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::LookAtReceiver);
-    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskUser,
-            Qt::QueuedConnection); // not from inside of a round
+    m_link->SetObserver([this] { QMetaObject::invokeMethod(this, &Controller::Changed); });
+    constexpr std::chrono::milliseconds kInterval{250};
+    m_rounds = std::make_unique<BackgroundQuestion>(
+        *m_command, Rhythm{kInterval, kInterval}, // the link has a patience of its own
+        [this](CCommand& asking) {
+            m_link->Tick(asking);
+            if (m_poll->Tick()) {
+                m_sky->Take(m_link->Heard(), m_link->Connections());
+            }
+            return std::pair(true, 0);
+        },
+        [](int) {});
+    connect(&m_timer, &QTimer::timeout, this, &Controller::LookAtReceiver);
+    connect(&m_timer, &QTimer::timeout, this, &Controller::AskUser,
+            Qt::QueuedConnection); // or time would stand still while he is asked
+    m_timer.start(kInterval);
     m_choice.port = StoredPort(m_ownRoots).value_or(m_choice.port);
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
@@ -88,7 +95,8 @@ Controller::Controller(const AppOptions& options)
 
 Controller::~Controller()
 {
-    m_monitor.reset();
+    m_rounds.reset();
+    m_link->SetObserver({});
     m_command->ClosePort();
     SetDefaultHost(nullptr);
 }

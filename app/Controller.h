@@ -16,12 +16,13 @@
 #include "core/platform/PortNames.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/Theme.h"
 #include "ui/link/ConnectDlg.h"
-#include "ui/link/LinkMonitor.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <filesystem>
 #include <memory>
@@ -169,7 +170,8 @@ private:
     bool m_maySetClock = false;
     LinkState m_attempt = LinkState::NotConnected; // to connect: how far it is, or has come
     ConnectChoice m_choice;
-    std::unique_ptr<LinkMonitor> m_monitor;
+    std::unique_ptr<BackgroundQuestion> m_rounds; // of link, poll and sky
+    QTimer m_timer;                               // ages and countdowns move on
     QStringList m_notices;
 };
 

@@ -1,13 +1,13 @@
 #include "app/ScreenPictures.h"
 
 #include "app/Controller.h"
-#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
 #include "core/platform/Utf8.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
+#include "ui/link/FramesView.h"
 #include "ui/tilt/TrackingDlg.h"
 
 #include <QCoreApplication>
@@ -86,7 +86,7 @@ Pictures SettingsPictures(Controller& controller)
             return dialog;
         };
     };
-    return {{"frames", [&] { return std::make_unique<FramesDlg>(controller.Frames()); }},
+    return {{"frames", [&] { return std::make_unique<FramesView>(controller.Frames()); }},
             {"settings",
              [&] {
                  return std::make_unique<SettingsSheet>(controller.Ports(), Scenarios(),

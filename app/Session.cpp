@@ -1,6 +1,5 @@
 #include "app/Session.h"
 
-#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
@@ -16,6 +15,7 @@
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
+#include "ui/link/FramesView.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltSensorDlg.h"
 #include "ui/tilt/TiltStatusChk.h"
@@ -147,7 +147,7 @@ void Session::Open(int choice)
         TakeLinkOver();
         break;
     case MainWindow::kFrames:
-        FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
+        FramesView(m_controller.Frames(), m_window.get()).DoModal();
         break;
     case MainWindow::kPorts:
         ChangePorts();

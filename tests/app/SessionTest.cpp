@@ -1,7 +1,6 @@
 // The program as a user starts it: in folders of its own, on the simulated receiver.
 
 #include "app/Session.h"
-#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
@@ -20,6 +19,7 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/UiText.h"
+#include "ui/link/FramesView.h"
 #include "ui/planning/PlanDet.h"
 #include "ui/planning/PlanSet.h"
 #include "ui/planning/PlanWindowList.h"
@@ -225,7 +225,7 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
         {MainWindow::kTracking, "TrackingDlg", false},
         {MainWindow::kSignals, "SetSignal", true},
         {MainWindow::kTilt, "TiltStatusDlg", true},
-        {MainWindow::kFrames, "FramesDlg", true},
+        {MainWindow::kFrames, "FramesView", true},
         {MainWindow::kPorts, "CComPort", true},
         {MainWindow::kSettings, "SettingsSheet", false},
         {MainWindow::kForceInit, "MessageDlg", false},
@@ -496,7 +496,7 @@ TEST_F(SessionTest, DialogsStandAThousandRandomEvents)
     for (const bool isSheet : {true, false}) {
         testing::RandomHands hands;
         while (!hands.IsTired()) {
-            std::unique_ptr<QWidget> dialog = std::make_unique<FramesDlg>(controller.Frames());
+            std::unique_ptr<QWidget> dialog = std::make_unique<FramesView>(controller.Frames());
             if (isSheet) {
                 dialog = std::make_unique<SettingsSheet>(controller.Ports(), scenarios,
                                                          ConnectChoice{"sim:lark", 38400}, false);
