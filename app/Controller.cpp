@@ -4,6 +4,7 @@
 #include "core/equipment/AntennaCatalogue.h"
 #include "core/equipment/LinkSearch.h"
 #include "core/equipment/StatusRows.h"
+#include "core/host/MesBox.h"
 #include "core/link/Questions.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/PlanSession.h"
@@ -274,16 +275,10 @@ int Controller::FollowLink(PortEdit& edit)
     if (!isOpen || !ConnectQuietly(found, fault)) {
         Disconnect();
     }
-    switch (followed) {
-    case LinkFollowed::Stayed:
+    if (followed == LinkFollowed::Stayed) {
         return isBack ? text::kComLinkStayed : text::kComLinkNotTakenBack;
-    case LinkFollowed::Lost:
-        return text::kComLinkLost;
-    case LinkFollowed::Moved:
-    case LinkFollowed::Cancelled:
-        break;
     }
-    return 0;
+    return followed == LinkFollowed::Lost ? text::kComLinkLost : 0;
 }
 
 FoundTarget Controller::Target()
@@ -351,7 +346,10 @@ void Controller::LookAtReceiver()
         const int id =
             warning == BatteryWatch::Warning::Low ? text::kBatteryLow : text::kBatteryVeryLow;
         const int percent = BatteryPercent(m_link->Heard()).value_or(0);
-        Q_EMIT BatteryIsLow(fieldcore::ToQt(FormatText(id, percent)));
+        const std::wstring words = FormatText(id, percent);
+        QMetaObject::invokeMethod(
+            this, [this, words] { CMesBox(*m_host).Warn(words, text::kBatteryCaption); },
+            Qt::QueuedConnection); // or time would stand still until it is read
     }
     Q_EMIT Changed();
 }

@@ -126,8 +126,6 @@ public:
 Q_SIGNALS:
     /// The state may have changed: at least once a second.
     void Changed();
-    /// @param words  a warning about the receiver's battery, once for each limit
-    void BatteryIsLow(const QString& words);
 
 private:
     [[nodiscard]] CRecvInfo Info() const { return CRecvInfo(m_link->Heard().identity); }

@@ -68,21 +68,6 @@ void EndWhenAsked(const Controller& controller)
     });
 }
 
-/// Settings and folders of the program's own for as long as it lives, in place of the user's.
-class OwnFolders
-{
-public:
-    OwnFolders()
-    {
-        qputenv("FIELDCORE_HOME", m_folder.filePath(QStringLiteral("home")).toUtf8());
-        qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
-        qunsetenv("FIELDCORE_MACHINE_STORE");
-    }
-
-private:
-    QTemporaryDir m_folder;
-};
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -104,7 +89,12 @@ int main(int argc, char** argv)
         SetLanguage(Language::English); // or nothing could be read
     }
     const bool isDrawing = !options.screenshots.isEmpty();
-    const auto ownFolders = isDrawing ? std::make_unique<OwnFolders>() : nullptr;
+    const QTemporaryDir folder;
+    if (isDrawing) { // settings and folders of its own, in place of the user's
+        qputenv("FIELDCORE_HOME", folder.filePath(QStringLiteral("home")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
+        qunsetenv("FIELDCORE_MACHINE_STORE");
+    }
     Controller controller(options);
     EndWhenAsked(controller);
     controller.Begin();

@@ -87,12 +87,7 @@ Pictures SettingsPictures(Controller& controller)
         };
     };
     return {{"frames", [&] { return std::make_unique<FramesView>(controller.Frames()); }},
-            {"settings",
-             [&] {
-                 return std::make_unique<SettingsSheet>(controller.Ports(), Scenarios(),
-                                                        controller.Choice(),
-                                                        controller.MaySetClock());
-             }},
+            {"settings", [&] { return std::make_unique<SettingsSheet>(controller); }},
             {"port",
              [&] {
                  return std::make_unique<PortChooserDlg>(controller.Ports(), Scenarios(),
