@@ -1,6 +1,5 @@
 #include "app/Controller.h"
 
-#include "app/PortTarget.h"
 #include "core/equipment/AntennaCatalogue.h"
 #include "core/equipment/LinkSearch.h"
 #include "core/equipment/StatusRows.h"
@@ -10,10 +9,13 @@
 #include "core/planning/PlanSession.h"
 #include "core/planning/PlanSite.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/TrackingSettings.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/PlanWindowList.h"
 #include "ui/tilt/TiltSensorDlg.h"
@@ -68,7 +70,6 @@ Controller::Controller(const AppOptions& options)
     m_command = std::make_unique<CCommand>(
         CCommand::Surroundings{m_host.get(), m_clock, &m_names, nullptr});
     m_command->SetLineObserver(m_frames.Observer());
-    m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);
     m_sky = std::make_unique<SkyRecorder>(*m_clock);
@@ -113,8 +114,7 @@ void Controller::Begin()
 void Controller::UseStore()
 {
     FolderSources sources = FolderSources::System();
-    const PortNameResult port = m_names.Parse(m_choice.port);
-    sources.isSimulated = port.port && port.port->kind == PortKind::Simulator;
+    sources.isSimulated = IsSimulatorChosen();
     const Folders folders(sources);
     if (m_antenna && m_folder == folders.Program()) {
         return;
@@ -179,7 +179,7 @@ void Controller::Tell(LinkState reached)
 bool Controller::Connect(QWidget* parent, std::wstring& fault)
 {
     const FoundTarget found = Target();
-    if (!found.target || m_target->IsSimulated()) { // there is nothing to plug in
+    if (!found.target || m_simulator) { // there is nothing to plug in
         return ConnectQuietly(found, fault);
     }
     const auto dialog = MakeConnect(parent, 0, found);
@@ -281,11 +281,57 @@ int Controller::FollowLink(PortEdit& edit)
     return followed == LinkFollowed::Lost ? text::kComLinkLost : 0;
 }
 
+bool Controller::IsSimulatorChosen() const
+{
+    const PortNameResult port = m_names.Parse(m_choice.port);
+    return port.port && port.port->kind == PortKind::Simulator;
+}
+
 FoundTarget Controller::Target()
 {
-    FoundTarget found = m_target->Resolve(m_choice.port);
+    FoundTarget found = FindTarget(m_roots, m_choice.port);
+    if (found.target && m_simulator) {
+        m_command->ClosePort(); // or the port would pass for that of the device
+        m_simulator.reset();
+        m_scenario.clear();
+    }
+    if (found.scenario) {
+        const int cause =
+            StartSimulator(found.scenario->empty() ? "lark" : *found.scenario, found.detail);
+        found.fault.clear();
+        if (cause == 0) {
+            found.target = TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
+            found.detail.clear();
+        } else {
+            found.fault = FormatText(text::kPortUnusableTarget,
+                                     FromUtf8(m_choice.port).substr(0, 40).c_str(), Text(cause));
+        }
+    }
     AllowClock();
     return found;
+}
+
+int Controller::StartSimulator(const std::string& scenario, std::string& error)
+{
+    if (m_simulator && scenario == m_scenario) {
+        return 0;
+    }
+    std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    if (!loaded) {
+        std::error_code unknown;
+        return std::filesystem::exists(scenario, unknown) ? text::kScenarioDamaged
+                                                          : text::kScenarioUnknown;
+    }
+    constexpr int kThinkingMs = 60; // at least, as in the field: what is slow there shows here
+    loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
+    auto started = std::make_unique<simulator::Simulator>(*loaded, *m_clock);
+    if (!started->Start(error)) {
+        return text::kScenarioNotStarted;
+    }
+    m_command->ClosePort();
+    m_simulator = std::move(started);
+    m_scenario = scenario;
+    return 0;
 }
 
 void Controller::UseTheme(Theme::Kind kind)
@@ -327,7 +373,7 @@ void Controller::SetMaySetClock(bool maySet)
 /// A simulated receiver takes its time from this clock, or makes one up.
 void Controller::AllowClock()
 {
-    SystemClock::Instance().AllowSetting(m_maySetClock && !m_target->IsSimulated() &&
+    SystemClock::Instance().AllowSetting(m_maySetClock && !m_simulator &&
                                          m_options.screenshots.isEmpty());
 }
 
@@ -407,10 +453,8 @@ HomeState Controller::State() const
     if (state.receiver.link == LinkState::NotConnected) {
         state.receiver.link = m_attempt;
     }
-    const PortNameResult port = m_names.Parse(m_choice.port);
-    if (port.port && port.port->kind == PortKind::Simulator) {
-        const std::string& scenario = m_target->Scenario();
-        state.simulator = QString::fromStdString(scenario.empty() ? m_choice.port : scenario);
+    if (IsSimulatorChosen()) {
+        state.simulator = QString::fromStdString(m_scenario.empty() ? m_choice.port : m_scenario);
     }
     return state;
 }

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -89,10 +90,11 @@ int main(int argc, char** argv)
         SetLanguage(Language::English); // or nothing could be read
     }
     const bool isDrawing = !options.screenshots.isEmpty();
-    const QTemporaryDir folder;
-    if (isDrawing) { // settings and folders of its own, in place of the user's
-        qputenv("FIELDCORE_HOME", folder.filePath(QStringLiteral("home")).toUtf8());
-        qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
+    std::optional<QTemporaryDir> own; // settings and folders, in place of the user's
+    if (isDrawing) {
+        own.emplace();
+        qputenv("FIELDCORE_HOME", own->filePath(QStringLiteral("home")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", own->filePath(QStringLiteral("config")).toUtf8());
         qunsetenv("FIELDCORE_MACHINE_STORE");
     }
     Controller controller(options);
