@@ -1,19 +1,22 @@
 #include "app/Controller.h"
 
-#include "app/PortTarget.h"
 #include "core/equipment/AntennaCatalogue.h"
 #include "core/equipment/LinkSearch.h"
 #include "core/equipment/StatusRows.h"
+#include "core/host/MesBox.h"
 #include "core/link/Questions.h"
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/PlanSession.h"
 #include "core/planning/PlanSite.h"
 #include "core/platform/FastClock.h"
+#include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/Setting.h"
 #include "core/settings/StoredPorts.h"
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/TrackingSettings.h"
+#include "simulator/Scenario.h"
+#include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/PlanWindowList.h"
 #include "ui/tilt/TiltSensorDlg.h"
@@ -47,19 +50,25 @@ Controller::Controller(const AppOptions& options)
     }
     m_command = std::make_unique<CCommand>(Environment{m_host.get(), m_clock, &m_names, nullptr});
     m_command->SetLineObserver(m_frames.Observer());
-    m_target = std::make_unique<PortTarget>(*m_command, m_names, m_roots, *m_clock);
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);
     m_sky = std::make_unique<SkyRecorder>(*m_clock);
-    m_monitor = std::make_unique<LinkMonitor>(*m_command, *m_link, [this] {
-        if (m_poll->Tick()) {
-            m_sky->Take(m_link->Heard(), m_link->Connections());
-        }
-    });
-    connect(m_monitor.get(), &LinkMonitor::Changed, this, &Controller::Changed);
-    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::LookAtReceiver);
-    connect(m_monitor.get(), &LinkMonitor::Aged, this, &Controller::AskUser,
-            Qt::QueuedConnection); // not from inside of a round
+    m_link->SetObserver([this] { QMetaObject::invokeMethod(this, &Controller::Changed); });
+    constexpr std::chrono::milliseconds kInterval{250};
+    m_rounds = std::make_unique<BackgroundQuestion>(
+        *m_command, Rhythm{kInterval, kInterval}, // the link has a patience of its own
+        [this](CCommand& asking) {
+            m_link->Tick(asking);
+            if (m_poll->Tick()) {
+                m_sky->Take(m_link->Heard(), m_link->Connections());
+            }
+            return std::pair(true, 0);
+        },
+        [](int) {});
+    connect(&m_timer, &QTimer::timeout, this, &Controller::LookAtReceiver);
+    connect(&m_timer, &QTimer::timeout, this, &Controller::AskUser,
+            Qt::QueuedConnection); // or time would stand still while he is asked
+    m_timer.start(kInterval);
     m_choice.port = StoredPort(m_ownRoots).value_or(m_choice.port);
     if (!m_options.port.isEmpty()) {
         m_choice.port = m_options.port.toStdString();
@@ -68,7 +77,8 @@ Controller::Controller(const AppOptions& options)
 
 Controller::~Controller()
 {
-    m_monitor.reset();
+    m_rounds.reset();
+    m_link->SetObserver({});
     m_command->ClosePort();
     SetDefaultHost(nullptr);
 }
@@ -85,8 +95,7 @@ void Controller::Begin()
 void Controller::UseStore()
 {
     FolderSources sources = FolderSources::System();
-    const PortNameResult port = m_names.Parse(m_choice.port);
-    sources.isSimulated = port.port && port.port->kind == PortKind::Simulator;
+    sources.isSimulated = IsSimulatorChosen();
     const Folders folders(sources);
     if (m_antenna && m_folder == folders.Program()) {
         return;
@@ -151,7 +160,7 @@ void Controller::Tell(LinkState reached)
 bool Controller::Connect(QWidget* parent, std::wstring& fault)
 {
     const FoundTarget found = Target();
-    if (!found.target || m_target->IsSimulated()) { // there is nothing to plug in
+    if (!found.target || m_simulator) { // there is nothing to plug in
         return ConnectQuietly(found, fault);
     }
     const auto dialog = MakeConnect(parent, 0, found);
@@ -247,23 +256,63 @@ int Controller::FollowLink(PortEdit& edit)
     if (!isOpen || !ConnectQuietly(found, fault)) {
         Disconnect();
     }
-    switch (followed) {
-    case LinkFollowed::Stayed:
+    if (followed == LinkFollowed::Stayed) {
         return isBack ? text::kComLinkStayed : text::kComLinkNotTakenBack;
-    case LinkFollowed::Lost:
-        return text::kComLinkLost;
-    case LinkFollowed::Moved:
-    case LinkFollowed::Cancelled:
-        break;
     }
-    return 0;
+    return followed == LinkFollowed::Lost ? text::kComLinkLost : 0;
+}
+
+bool Controller::IsSimulatorChosen() const
+{
+    const PortNameResult port = m_names.Parse(m_choice.port);
+    return port.port && port.port->kind == PortKind::Simulator;
 }
 
 FoundTarget Controller::Target()
 {
-    FoundTarget found = m_target->Resolve(m_choice.port);
+    FoundTarget found = FindTarget(m_roots, m_choice.port);
+    if (found.target && m_simulator) {
+        m_command->ClosePort(); // or the port would pass for that of the device
+        m_simulator.reset();
+        m_scenario.clear();
+    }
+    if (found.scenario) {
+        const int cause =
+            StartSimulator(found.scenario->empty() ? "lark" : *found.scenario, found.detail);
+        found.fault.clear();
+        if (cause == 0) {
+            found.target = TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
+            found.detail.clear();
+        } else {
+            found.fault = FormatText(text::kPortUnusableTarget,
+                                     FromUtf8(m_choice.port).substr(0, 40).c_str(), Text(cause));
+        }
+    }
     AllowClock();
     return found;
+}
+
+int Controller::StartSimulator(const std::string& scenario, std::string& error)
+{
+    if (m_simulator && scenario == m_scenario) {
+        return 0;
+    }
+    std::optional<simulator::Scenario> loaded = simulator::LoadScenario(scenario, error);
+    if (!loaded) {
+        std::error_code unknown;
+        return std::filesystem::exists(scenario, unknown) ? text::kScenarioDamaged
+                                                          : text::kScenarioUnknown;
+    }
+    constexpr int kThinkingMs = 60; // at least, as in the field: what is slow there shows here
+    loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
+    auto started = std::make_unique<simulator::Simulator>(*loaded, *m_clock);
+    if (!started->Start(error)) {
+        return text::kScenarioNotStarted;
+    }
+    m_command->ClosePort();
+    m_simulator = std::move(started);
+    m_scenario = scenario;
+    return 0;
 }
 
 void Controller::UseTheme(Theme::Kind kind)
@@ -305,7 +354,7 @@ void Controller::SetMaySetClock(bool maySet)
 /// A simulated receiver takes its time from this clock, or makes one up.
 void Controller::AllowClock()
 {
-    SystemClock::Instance().AllowSetting(m_maySetClock && !m_target->IsSimulated() &&
+    SystemClock::Instance().AllowSetting(m_maySetClock && !m_simulator &&
                                          m_options.screenshots.isEmpty());
 }
 
@@ -323,7 +372,10 @@ void Controller::LookAtReceiver()
         const int id =
             warning == BatteryWatch::Warning::Low ? text::kBatteryLow : text::kBatteryVeryLow;
         const int percent = BatteryPercent(m_link->Heard()).value_or(0);
-        Q_EMIT BatteryIsLow(fieldcore::ToQt(FormatText(id, percent)));
+        const std::wstring words = FormatText(id, percent);
+        QMetaObject::invokeMethod(
+            this, [this, words] { CMesBox(*m_host).Warn(words, text::kBatteryCaption); },
+            Qt::QueuedConnection); // or time would stand still until it is read
     }
     Q_EMIT Changed();
 }
@@ -381,10 +433,8 @@ HomeState Controller::State() const
     if (state.receiver.link == LinkState::NotConnected) {
         state.receiver.link = m_attempt;
     }
-    const PortNameResult port = m_names.Parse(m_choice.port);
-    if (port.port && port.port->kind == PortKind::Simulator) {
-        const std::string& scenario = m_target->Scenario();
-        state.simulator = QString::fromStdString(scenario.empty() ? m_choice.port : scenario);
+    if (IsSimulatorChosen()) {
+        state.simulator = QString::fromStdString(m_scenario.empty() ? m_choice.port : m_scenario);
     }
     return state;
 }

@@ -16,12 +16,13 @@
 #include "core/platform/PortNames.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"
+#include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/Theme.h"
 #include "ui/link/ConnectDlg.h"
-#include "ui/link/LinkMonitor.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <filesystem>
 #include <memory>
@@ -31,7 +32,9 @@
 namespace fieldcore {
 
 class FastClock;
-class PortTarget;
+namespace simulator {
+class Simulator;
+}
 
 /// What the windows of the field controller work with: settings, the channel to the receiver, the
 /// link that is kept, and the simulated receiver if one is meant. User-interface thread only.
@@ -75,7 +78,9 @@ public:
     /// @return string-table number of what to tell the user, 0 if all is well
     int FollowLink(PortEdit& edit);
 
-    /// Where the chosen port is reached; starts the simulated receiver if that is meant.
+    /// Where the chosen port is reached. Starts the simulated receiver that is meant, unless it
+    /// runs, and ends it where none is.
+    /// @return as FindTarget(), with the port of the simulated receiver in place of its scenario
     [[nodiscard]] FoundTarget Target();
     /// The screen that connects to there, for every type of receiver.
     [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent)
@@ -125,8 +130,6 @@ public:
 Q_SIGNALS:
     /// The state may have changed: at least once a second.
     void Changed();
-    /// @param words  a warning about the receiver's battery, once for each limit
-    void BatteryIsLow(const QString& words);
 
 private:
     [[nodiscard]] CRecvInfo Info() const { return CRecvInfo(m_link->Heard().identity); }
@@ -136,6 +139,10 @@ private:
     void Tell(LinkState reached);
     [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent, int reconnect,
                                                           const FoundTarget& found);
+    /// @return 0, or the string-table number of the cause
+    int StartSimulator(const std::string& scenario, std::string& error);
+    /// Whether the chosen port is a simulated receiver's.
+    [[nodiscard]] bool IsSimulatorChosen() const;
     void AskUser();
     void UseStore();
     void ReadAntenna();
@@ -156,7 +163,8 @@ private:
     std::unique_ptr<QtHost> m_host;
     FrameHistory m_frames;
     std::unique_ptr<CCommand> m_command;
-    std::unique_ptr<PortTarget> m_target;
+    std::unique_ptr<simulator::Simulator> m_simulator; // null: a real port
+    std::string m_scenario;                            // that it plays
     std::unique_ptr<ReceiverLink> m_link;
     std::unique_ptr<AntennaSettings> m_antenna;
     QString m_antennaLine;
@@ -169,7 +177,8 @@ private:
     bool m_maySetClock = false;
     LinkState m_attempt = LinkState::NotConnected; // to connect: how far it is, or has come
     ConnectChoice m_choice;
-    std::unique_ptr<LinkMonitor> m_monitor;
+    std::unique_ptr<BackgroundQuestion> m_rounds; // of link, poll and sky
+    QTimer m_timer;                               // ages and countdowns move on
     QStringList m_notices;
 };
 

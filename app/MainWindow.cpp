@@ -10,6 +10,8 @@
 #include <QResizeEvent>
 #include <QVBoxLayout>
 
+#include <initializer_list>
+
 namespace fieldcore {
 
 namespace {
@@ -17,27 +19,20 @@ namespace {
 constexpr int kWide = 900;
 constexpr QSize kLeast(320, 320); // what has no room then scrolls
 
-struct Entry
+struct Button
 {
-    int choice;
     const char* icon;
     int text;
 };
 
 // Twelve fill the page; what is seldom needed, or destroys, stands in the menu alone.
-constexpr Entry kButtons[] = {
-    {MainWindow::kConnect, "connect", text::kAppConnect},
-    {MainWindow::kSkyPlot, "satellites", text::kAppSatellites},
-    {MainWindow::kPlan, "plan", text::kAppPlan},
-    {MainWindow::kStatus, "status", text::kAppStatusButton},
-    {MainWindow::kFiles, "files", text::kAppFiles},
-    {MainWindow::kAntenna, "antenna", text::kAppAntenna},
-    {MainWindow::kTracking, "tracking", text::kAppTracking},
-    {MainWindow::kSignals, "signal", text::kAppSignals},
-    {MainWindow::kTilt, "calibrate", text::kAppTilt},
-    {MainWindow::kBubble, "tilt", text::kBubbleTitle},
-    {MainWindow::kPorts, "port", text::kComTitle},
-    {MainWindow::kSettings, "settings", text::kAppSettings},
+constexpr Button kButtons[] = {
+    {"connect", text::kAppConnect},   {"satellites", text::kAppSatellites},
+    {"plan", text::kAppPlan},         {"status", text::kAppStatusButton},
+    {"files", text::kAppFiles},       {"antenna", text::kAppAntenna},
+    {"tracking", text::kAppTracking}, {"signal", text::kAppSignals},
+    {"calibrate", text::kAppTilt},    {"tilt", text::kBubbleTitle},
+    {"port", text::kComTitle},        {"settings", text::kAppSettings},
 };
 
 } // namespace
@@ -50,24 +45,21 @@ MainWindow::MainWindow(QWidget* parent)
 {
     setWindowTitle(UiText(text::kAppTitle));
     m_home->Embed();
-    for (const Entry& entry : kButtons) {
-        m_home->AddButton(QString::fromLatin1(entry.icon), UiText(entry.text));
+    for (const Button& button : kButtons) {
+        m_home->AddButton(QString::fromLatin1(button.icon), UiText(button.text));
     }
 
-    const int link = m_menu->AddPopup(UiText(text::kAppMenuLink));
-    m_menu->AddItem(link, kConnect, UiText(text::kAppConnect));
-    m_menu->AddItem(link, kDisconnect, UiText(text::kAppDisconnect));
-    m_menu->AddItem(link, kPorts, UiText(text::kComTitle));
-    m_menu->AddSeparator(link);
-    m_menu->AddItem(link, kFrames, UiText(text::kAppFrames));
-    m_menu->AddItem(link, kForceInit, UiText(text::kAppForceInit));
-    const int view = m_menu->AddPopup(UiText(text::kAppMenuView));
-    m_menu->AddItem(view, kThemeDaylight, UiText(text::kAppThemeDaylight));
-    m_menu->AddItem(view, kThemeDark, UiText(text::kAppThemeDark));
-    m_menu->AddItem(view, kThemeSystem, UiText(text::kAppThemeSystem));
-    const int help = m_menu->AddPopup(UiText(text::kAppMenuHelp));
-    m_menu->AddItem(help, kVersion, UiText(text::kVersionTitle));
-    m_menu->AddItem(help, kAbout, UiText(text::kAppAbout));
+    const auto addPopup = [this](int textId, std::initializer_list<int> entries) {
+        const int popup = m_menu->AddPopup(UiText(textId));
+        for (const int entry : entries) {
+            entry == 0 ? m_menu->AddSeparator(popup) : m_menu->AddItem(popup, entry, UiText(entry));
+        }
+    };
+    addPopup(text::kAppMenuLink, {text::kAppConnect, text::kAppDisconnect, text::kComTitle, 0,
+                                  text::kAppFrames, text::kAppForceInit});
+    addPopup(text::kAppMenuView,
+             {text::kAppThemeDaylight, text::kAppThemeDark, text::kAppThemeSystem});
+    addPopup(text::kAppMenuHelp, {text::kVersionTitle, text::kAppAbout});
 
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -87,7 +79,7 @@ MainWindow::MainWindow(QWidget* parent)
     column->addWidget(m_menu);
 
     connect(m_home, &CButtonMenuDlg::Chosen, this,
-            [this](int index) { Q_EMIT Chosen(kButtons[index].choice); });
+            [this](int index) { Q_EMIT Chosen(kButtons[index].text); });
     connect(m_menu, &CnMenuBar::ItemChosen, this, &MainWindow::Chosen);
     connect(m_menu, &CnMenuBar::CloseRequested, this, &QWidget::close);
 }
@@ -98,7 +90,7 @@ void MainWindow::ShowState(const HomeState& state)
     setWindowTitle(ToQt(
         FormatText(text::kAppWindowTitle, Text(text::kAppTitle), LinkText(state.receiver.link))));
     m_overview->Show(state);
-    m_menu->EnableItem(kDisconnect, HasReceiver(state.receiver.link));
+    m_menu->EnableItem(text::kAppDisconnect, HasReceiver(state.receiver.link));
 }
 
 void MainWindow::ShowBubble(bool isShown)
@@ -113,9 +105,10 @@ QWidget* MainWindow::BubbleAnchor() const
     return width() > kWide ? static_cast<QWidget*>(m_overview) : m_bubblePlace;
 }
 
-void MainWindow::CheckTheme(int choice)
+void MainWindow::CheckTheme(Theme::Kind kind)
 {
-    m_menu->CheckRadioItem(kThemeDaylight, kThemeSystem, choice);
+    m_menu->CheckRadioItem(text::kAppThemeDaylight, text::kAppThemeSystem,
+                           text::kAppThemeDaylight + static_cast<int>(kind));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

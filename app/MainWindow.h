@@ -17,38 +17,13 @@ class Overview;
 
 /// The window of the controller: status at the head, the buttons of the home page, the menu bar at
 /// the foot. The receiver's values stand large beside the buttons in a wide window, below them in
-/// one that is high enough. It decides nothing: what was chosen goes out as a number.
-/// User-interface thread only.
+/// one that is high enough. It decides nothing: what was chosen goes out as the number of its
+/// words. User-interface thread only.
 class MainWindow : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// What can be chosen, from the home page or from the menu bar.
-    enum Choice : int
-    {
-        kConnect = 1,
-        kDisconnect,
-        kPlan,
-        kSkyPlot,
-        kFiles,
-        kFrames,
-        kForceInit,
-        kPorts,
-        kStatus,
-        kVersion,
-        kSettings,
-        kAntenna,
-        kThemeDaylight,
-        kThemeDark,
-        kThemeSystem,
-        kAbout,
-        kSignals,
-        kTilt,
-        kTracking,
-        kBubble,
-    };
-
     explicit MainWindow(QWidget* parent = nullptr);
 
     /// Asked when the user wants to close the window. Empty: he may.
@@ -60,10 +35,11 @@ public:
     /// In the lower right corner of this part the bubble covers nothing.
     [[nodiscard]] QWidget* BubbleAnchor() const;
     /// Marks the theme that is in use among the choices.
-    void CheckTheme(int choice);
+    void CheckTheme(Theme::Kind kind);
 
 Q_SIGNALS:
-    void Chosen(int choice);
+    /// @param entry  of the home page or the menu bar: string-table number of its words
+    void Chosen(int entry);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -1,11 +1,10 @@
 #include "app/Options.h"
 
 #include "core/platform/FastClock.h"
+#include "core/platform/Version.h"
 #include "ui/controls/UiText.h"
 
 #include <QCommandLineParser>
-
-#include <map>
 
 namespace fieldcore {
 
@@ -22,21 +21,18 @@ void Refuse(const QCommandLineOption& option, const QString& value, AppOptions& 
 /// Of the option, else of the variable, else Japanese: counts from now on.
 void UseLanguage(const QStringList& arguments, AppOptions& options)
 {
-    constexpr QLatin1String kOption("--language");
-    QString source = QString::fromLatin1(kLanguageVariable);
-    QString name = qEnvironmentVariable(kLanguageVariable);
-    options.language = LanguageNamed(name.toStdString()).value_or(options.language);
-    for (int at = 1; at < arguments.size(); ++at) {
-        const bool isApart = arguments[at] == kOption && at + 1 < arguments.size();
-        if (isApart || arguments[at].startsWith(kOption + QLatin1Char('='))) {
-            source = kOption;
-            name = isApart ? arguments[at + 1] : arguments[at].mid(kOption.size() + 1);
-        }
+    const QString option = QStringLiteral("language");
+    QCommandLineParser parser; // the whole one has its texts, which have a language
+    parser.addOption({option, {}, option});
+    parser.parse(arguments);
+    const QString variable = qEnvironmentVariable(kLanguageVariable);
+    const QString name = parser.isSet(option) ? parser.value(option) : variable;
+    for (const QString& source : {variable, name}) {
+        options.language = LanguageNamed(source.toStdString()).value_or(options.language);
     }
-    const std::optional<Language> language = LanguageNamed(name.toStdString());
-    options.language = language.value_or(options.language);
     SetLanguage(options.language);
-    if (!language && (!name.isEmpty() || source == kOption)) {
+    if (!LanguageNamed(name.toStdString()) && (parser.isSet(option) || !name.isEmpty())) {
+        const auto source = QLatin1String(parser.isSet(option) ? "--language" : kLanguageVariable);
         options.fault = UiText(text::kSayCannotBe).arg(source, name);
         options.hint = UiText(text::kSayLanguages);
     }
@@ -46,13 +42,10 @@ void UseLanguage(const QStringList& arguments, AppOptions& options)
 
 AppOptions ParseArguments(const QStringList& arguments)
 {
-    const std::map<QString, Theme::Kind> themes{{QStringLiteral("daylight"), Theme::Kind::Daylight},
-                                                {QStringLiteral("dark"), Theme::Kind::Dark},
-                                                {QStringLiteral("system"), Theme::Kind::System}};
     AppOptions options;
     UseLanguage(arguments, options);
-    options.help = UiText(text::kAppPurpose) + UiText(text::kAppUsage);
-    options.reference = QStringLiteral("program\tfieldcore\t%1"
+    QString manual = UiText(text::kAppPurpose) + UiText(text::kAppUsage);
+    QString reference = QStringLiteral("program\tfieldcore\t%1"
                                        "example\t  fieldcore --port sim:\n"
                                        "example\t  fieldcore --port COM1\n")
                             .arg(UiText(text::kAppPurpose));
@@ -68,9 +61,9 @@ AppOptions ParseArguments(const QStringList& arguments)
         }
         QCommandLineOption option(all, UiText(purpose), QString::fromLatin1(value));
         const QString shown = QStringLiteral("  %1 %2").arg(typed, option.valueName());
-        options.help += shown.leftJustified(kColumn) + UiText(purpose) + QLatin1Char('\n');
-        options.reference += QStringLiteral("option\t\t%1\t%2\t%3\n")
-                                 .arg(typed, option.valueName(), UiText(purpose));
+        manual += shown.leftJustified(kColumn) + UiText(purpose) + QLatin1Char('\n');
+        reference += QStringLiteral("option\t\t%1\t%2\t%3\n")
+                         .arg(typed, option.valueName(), UiText(purpose));
         parser.addOption(option);
         return option;
     };
@@ -93,26 +86,32 @@ AppOptions ParseArguments(const QStringList& arguments)
     } else if (!isParsed) {
         options.fault = UiText(text::kSayNeedsValue).arg(arguments.last());
     }
-    options.showHelp = parser.isSet(help);
-    options.showVersion = parser.isSet(version);
+    if (parser.isSet(help)) {
+        options.answer = manual;
+    } else if (parser.isSet(version)) {
+        options.answer = QStringLiteral("fieldcore %1\n").arg(QLatin1String(Version()));
+    } else if (arguments.mid(1) == QStringList(QStringLiteral("--print-reference"))) {
+        options.answer = reference;
+    }
     options.port = parser.value(port);
     options.screenshots = parser.value(screenshots);
     options.isQ77 = parser.isSet(q77);
     options.firstPage = parser.isSet(firstPage);
     if (parser.isSet(speed)) {
-        bool isNumber = false;
-        options.speed = parser.value(speed).toDouble(&isNumber);
-        if (!isNumber || !(options.speed >= FastClock::kLowestSpeed &&
-                           options.speed <= FastClock::kHighestSpeed)) {
+        options.speed = parser.value(speed).toDouble(); // 0 if it is no number
+        if (!(options.speed >= FastClock::kLowestSpeed &&
+              options.speed <= FastClock::kHighestSpeed)) {
             Refuse(speed, parser.value(speed), options);
         }
     }
     if (parser.isSet(theme)) {
-        const auto named = themes.find(parser.value(theme));
-        if (named != themes.end()) {
-            options.theme = named->second;
-        } else {
+        const QStringList kinds{QStringLiteral("daylight"), QStringLiteral("dark"),
+                                QStringLiteral("system")};
+        const auto kind = kinds.indexOf(parser.value(theme));
+        if (kind < 0) {
             Refuse(theme, parser.value(theme), options);
+        } else {
+            options.theme = static_cast<Theme::Kind>(kind);
         }
     }
     return options;

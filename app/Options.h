@@ -20,12 +20,9 @@ struct AppOptions
     QString screenshots;    ///< folder; empty: an ordinary session
     bool isQ77 = false;     ///< the layouts of the taller controller, whatever is set
     bool firstPage = false; ///< end when the first page has been painted: for measuring
-    bool showVersion = false;
-    bool showHelp = false;
-    QString help;      ///< text of the help
-    QString reference; ///< the options as a table, as ReferencePrinter prints one
-    QString fault;     ///< what is wrong with the command line; empty: nothing
-    QString hint;      ///< what would be right; may be empty
+    QString answer; ///< what is asked for that needs no screen, such as the help; empty: nothing
+    QString fault;  ///< what is wrong with the command line; empty: nothing
+    QString hint;   ///< what would be right; may be empty
 };
 
 /// Everything is said in the language that is found first, which is set from then on.

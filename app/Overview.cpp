@@ -1,17 +1,17 @@
 #include "app/Overview.h"
 
 #include "core/equipment/BattLevel.h"
-#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TextProgressCtrl.h"
-#include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 #include "ui/equipment/BatteryBar.h"
 #include "ui/planning/LiveSkyView.h"
 
-#include <QFontInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+
+#include <initializer_list>
 
 namespace fieldcore {
 
@@ -20,31 +20,22 @@ namespace {
 constexpr double kLarge = 1.25; // of the text's own size
 constexpr int kMargin = 12;
 
-RoleLabel* MakeValue(const QFont& font)
-{
-    auto* const label = new RoleLabel(&Theme::text);
-    label->setFont(font);
-    return label;
-}
-
 } // namespace
 
 Overview::Overview(QWidget* parent)
-    : QFrame(parent), m_headline(new QLabel),
+    : QFrame(parent), m_headline(new QLabel), m_satellites(new RoleLabel(&Theme::text)),
+      m_pdop(new RoleLabel(&Theme::text)), m_battery(new CTextProgressCtrl),
+      m_received(new RoleLabel(&Theme::text)),
       m_nextHeading(new QLabel(UiText(text::kAppNextWindow))), m_next(new QLabel),
       m_sky(new LiveSkyView)
 {
-    QFont large = font();
-    large.setPixelSize(qRound(QFontInfo(large).pixelSize() * kLarge));
-    large.setBold(true);
-    m_headline->setFont(large);
-    m_headline->setWordWrap(true);
-    m_satellites = MakeValue(large);
-    m_pdop = MakeValue(large);
-    m_battery = new CTextProgressCtrl;
-    CBattLevel(nullptr).SetInit(m_battery);
-    m_received = MakeValue(large);
     setAccessibleName(UiText(text::kAppStatus));
+    for (QLabel* const label : std::initializer_list<QLabel*>{m_headline, m_satellites, m_pdop,
+                                                              m_received, m_nextHeading}) {
+        label->setFont(BoldFont(font(), kLarge));
+    }
+    m_headline->setWordWrap(true);
+    CBattLevel(nullptr).SetInit(m_battery);
 
     auto* const form = new QFormLayout;
     form->setHorizontalSpacing(4 * kMargin);
@@ -60,7 +51,6 @@ Overview::Overview(QWidget* parent)
     column->setSpacing(kMargin);
     column->addWidget(m_headline);
     column->addLayout(form);
-    m_nextHeading->setFont(large);
     m_next->setWordWrap(true);
     column->addSpacing(2 * kMargin);
     column->addWidget(m_nextHeading);
@@ -74,8 +64,7 @@ Overview::Overview(QWidget* parent)
 
 void Overview::SetWide(bool isWide)
 {
-    for (QWidget* const part : {static_cast<QWidget*>(m_nextHeading), static_cast<QWidget*>(m_next),
-                                static_cast<QWidget*>(m_sky)}) {
+    for (QWidget* const part : std::initializer_list<QWidget*>{m_nextHeading, m_next, m_sky}) {
         part->setVisible(isWide);
     }
 }
@@ -100,35 +89,21 @@ void Overview::ShowSky(const Receiver& receiver, Clock::Duration now)
 
 void Overview::Show(const HomeState& state)
 {
+    constexpr int kHints[] = {text::kAppConnectHint,
+                              text::kAppConnectingHint,
+                              0, // its name
+                              text::kAppLostHint,
+                              text::kAppLostHint,
+                              text::kAppFailedHint,
+                              text::kAppRefusedHint};
     const Receiver& receiver = state.receiver;
     const StatusView& view = state.view;
-    switch (receiver.link) {
-    case LinkState::Connected:
-        m_headline->setText(ToQt(receiver.identity.Model()));
-        break;
-    case LinkState::Connecting:
-        m_headline->setText(UiText(text::kAppConnectingHint));
-        break;
-    case LinkState::Lost:
-    case LinkState::Reconnecting:
-        m_headline->setText(UiText(text::kAppLostHint));
-        break;
-    case LinkState::Failed:
-        m_headline->setText(UiText(text::kAppFailedHint));
-        break;
-    case LinkState::Refused:
-        m_headline->setText(UiText(text::kAppRefusedHint));
-        break;
-    case LinkState::NotConnected:
-        m_headline->setText(UiText(text::kAppConnectHint));
-        break;
-    }
-    const auto roleOf = [&](std::string_view key) {
-        return IsStale(FieldOf(key), receiver, view) ? &Theme::stale : &Theme::text;
-    };
+    m_headline->setText(receiver.link == LinkState::Connected
+                            ? ToQt(receiver.identity.Model())
+                            : UiText(kHints[static_cast<std::size_t>(receiver.link)]));
     const auto show = [&](RoleLabel* label, std::string_view key) {
-        label->setText(ToQt(FieldText(FieldOf(key), receiver, view)));
-        label->SetRole(roleOf(key));
+        label->setText(state.Words(key));
+        label->SetRole(state.RoleOf(key));
     };
     m_next->setText(state.nextWindow.isEmpty() ? UiText(text::kStatusUnknown) : state.nextWindow);
     ShowSky(receiver, view.now);
@@ -138,7 +113,7 @@ void Overview::Show(const HomeState& state)
     m_received->setText(receiver.status
                             ? ToQt(ControllerTimeOfDay(view.utc - (view.now - receiver.status->at)))
                             : UiText(text::kStatusUnknown));
-    m_received->SetRole(roleOf(kHeartbeat));
+    m_received->SetRole(state.RoleOf(kHeartbeat));
 }
 
 } // namespace fieldcore

@@ -10,7 +10,6 @@ namespace fieldcore {
 
 class CTextProgressCtrl;
 class LiveSkyView;
-class RoleLabel;
 
 /// How the receiver is, large: fills the window where the buttons leave room. In a wide one the sky
 /// over it and the next good time of the plan stand there, too. Values that are not fresh are grey.

@@ -1,5 +1,6 @@
+#include "app/ScreenPictures.h"
+
 #include "app/Controller.h"
-#include "app/Picture.h"
 #include "app/Worlds.h"
 #include "core/orbits/NavigationFile.h"
 #include "core/orbits/SystemTime.h"
@@ -17,51 +18,45 @@
 #include "ui/planning/SessionDlg.h"
 #include "ui/planning/SessionSheet.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
-#include <QAction>
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QLabel>
 #include <QListWidget>
 #include <QPainter>
-#include <QPushButton>
 #include <QStackedWidget>
-#include <QToolButton>
 
 #include <algorithm>
 #include <chrono>
-#include <iterator>
 #include <span>
 
 namespace fieldcore {
 
 namespace {
 
-/// Processes events until @p isDone, five seconds at most.
-void WaitUntil(const std::function<bool()>& isDone)
-{
-    const QDeadlineTimer patience(std::chrono::seconds(5));
-    while (!isDone() && !patience.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-}
-
 void Press(QWidget& screen, int textId)
 {
-    for (QPushButton* const button : screen.findChildren<QPushButton*>()) {
-        if (button->text() == UiText(textId)) {
+    for (QAbstractButton* const button : screen.findChildren<QAbstractButton*>()) {
+        if (button->text() == UiText(textId) || button->accessibleName() == UiText(textId)) {
             button->click();
             return;
         }
     }
 }
 
-/// The plan with all systems, from made-up messages, and what opens from it.
-class AllSystems
+std::unique_ptr<QWidget> SkyNow(Controller& controller)
+{
+    auto dialog = std::make_unique<CSkyPlot>(&controller.Command(), 0, SkyWorld(controller));
+    dialog->show(); // which asks the receiver
+    const auto* const list = dialog->findChild<QAbstractItemView*>();
+    WaitUntil([list] { return list == nullptr || list->model()->rowCount() > 0; });
+    return dialog;
+}
+
+/// The plan, with all systems from made-up messages too, and what opens from that.
+class Plans
 {
 public:
-    explicit AllSystems(Controller& controller)
+    explicit Plans(Controller& controller)
         : m_controller(controller), m_world(PlanWorld(controller, nullptr))
     {
         m_world.skyNotes = [this] {
@@ -69,28 +64,31 @@ public:
         };
     }
 
-    std::unique_ptr<CSurveyPlan> Plan(PlanGraph graph)
+    std::unique_ptr<CSurveyPlan> Gps(PlanGraph graph)
+    {
+        auto plan = std::make_unique<CSurveyPlan>(&m_controller.Command(), 0, m_world);
+        plan->show();
+        plan->Session().SetGraph(static_cast<int>(graph));
+        plan->DrawResults();
+        return plan;
+    }
+
+    std::unique_ptr<CSurveyPlan> All(PlanGraph graph)
     {
         const auto now = std::chrono::floor<std::chrono::seconds>(m_controller.GetClock().Utc());
         const double nowS = GpsSecondsOfUtc(now);
         static_cast<void>(KeepMessages(m_world.folder, NominalMessages(nowS), nowS));
-        auto plan = std::make_unique<CSurveyPlan>(&m_controller.Command(), 0, m_world);
-        plan->show();
+        auto plan = Gps(graph);
         SystemSet all = SystemSet().set();
         plan->Session().SetSystems(all.reset(static_cast<std::size_t>(GnssSystem::Sbas)));
-        plan->Session().SetGraph(static_cast<int>(graph));
         plan->DrawResults();
         return plan;
     }
 
     std::unique_ptr<QWidget> LargeGraph()
     {
-        auto plan = Plan(PlanGraph::SkyPlot);
-        for (auto* const button : plan->findChildren<QToolButton*>()) {
-            if (button->accessibleName() == UiText(text::kPlanEnlarge)) {
-                button->click();
-            }
-        }
+        auto plan = All(PlanGraph::SkyPlot);
+        Press(*plan, text::kPlanEnlarge);
         return plan;
     }
 
@@ -171,7 +169,7 @@ private:
     PlanSession& Session()
     {
         if (!m_plan) {
-            m_plan = Plan(PlanGraph::SkyPlot);
+            m_plan = All(PlanGraph::SkyPlot);
             m_plan->hide();
         }
         return m_plan->Session();
@@ -222,49 +220,26 @@ private:
 
 Pictures PlanPictures(Controller& controller)
 {
-    Pictures made;
-    const char* const names[] = {"count", "skyplot", "azimuth", "elevation", "pdop"};
-    for (int drawType = 0; drawType < static_cast<int>(std::size(names)); ++drawType) {
-        made.push_back(
-            {QStringLiteral("plan-") + QLatin1String(names[drawType]), [&controller, drawType] {
-                 auto dialog = std::make_unique<CSurveyPlan>(&controller.Command(), 0,
-                                                             PlanWorld(controller, nullptr));
-                 dialog->show();
-                 for (QAction* action : dialog->findChildren<QAction*>()) {
-                     if (action->data().toInt() == CSurveyPlan::GetMenuID(drawType)) {
-                         action->trigger();
-                     }
-                 }
-                 return dialog;
-             }});
-    }
-    made.push_back(
-        {QStringLiteral("skyplot"), [&controller] {
-             auto dialog =
-                 std::make_unique<CSkyPlot>(&controller.Command(), 0, SkyWorld(controller));
-             dialog->show(); // which asks the receiver
-             const auto* const list = dialog->findChild<QAbstractItemView*>();
-             WaitUntil([list] { return list == nullptr || list->model()->rowCount() > 0; });
-             return dialog;
-         }});
-    const auto pictures = std::make_shared<AllSystems>(controller);
-    const Pictures more{
-        {QStringLiteral("plan-all-count"), [pictures] { return pictures->Plan(PlanGraph::Count); }},
-        {QStringLiteral("plan-all-skyplot"),
-         [pictures] { return pictures->Plan(PlanGraph::SkyPlot); }},
-        {QStringLiteral("plan-all-elevation"),
-         [pictures] { return pictures->Plan(PlanGraph::Elevation); }},
-        {QStringLiteral("plan-all-large"), [pictures] { return pictures->LargeGraph(); }},
-        {QStringLiteral("plan-import"), [pictures] { return pictures->Imported(); }},
-        {QStringLiteral("plan-search"), [pictures] { return pictures->Search(false); }},
-        {QStringLiteral("plan-search-calendar"), [pictures] { return pictures->Search(true); }},
-        {QStringLiteral("plan-session-sites"), [pictures] { return pictures->Sites(false); }},
-        {QStringLiteral("plan-session"), [pictures] { return pictures->Sites(true); }},
-        {QStringLiteral("plan-session-sheet"), [pictures] { return pictures->Sheet(); }},
-        {QStringLiteral("curtain-proposal"), [pictures] { return pictures->Curtain(); }},
+    const auto plans = std::make_shared<Plans>(controller);
+    return {
+        {"plan-count", [plans] { return plans->Gps(PlanGraph::Count); }},
+        {"plan-skyplot", [plans] { return plans->Gps(PlanGraph::SkyPlot); }},
+        {"plan-azimuth", [plans] { return plans->Gps(PlanGraph::Azimuth); }},
+        {"plan-elevation", [plans] { return plans->Gps(PlanGraph::Elevation); }},
+        {"plan-pdop", [plans] { return plans->Gps(PlanGraph::Pdop); }},
+        {"skyplot", [&controller] { return SkyNow(controller); }},
+        {"plan-all-count", [plans] { return plans->All(PlanGraph::Count); }},
+        {"plan-all-skyplot", [plans] { return plans->All(PlanGraph::SkyPlot); }},
+        {"plan-all-elevation", [plans] { return plans->All(PlanGraph::Elevation); }},
+        {"plan-all-large", [plans] { return plans->LargeGraph(); }},
+        {"plan-import", [plans] { return plans->Imported(); }},
+        {"plan-search", [plans] { return plans->Search(false); }},
+        {"plan-search-calendar", [plans] { return plans->Search(true); }},
+        {"plan-session-sites", [plans] { return plans->Sites(false); }},
+        {"plan-session", [plans] { return plans->Sites(true); }},
+        {"plan-session-sheet", [plans] { return plans->Sheet(); }},
+        {"curtain-proposal", [plans] { return plans->Curtain(); }},
     };
-    made.insert(made.end(), more.begin(), more.end());
-    return made;
 }
 
 } // namespace fieldcore

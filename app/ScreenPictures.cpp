@@ -1,13 +1,14 @@
 #include "app/ScreenPictures.h"
 
 #include "app/Controller.h"
-#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
 #include "core/platform/Utf8.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
+#include "ui/link/FramesView.h"
+#include "ui/tilt/TrackingDlg.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -15,7 +16,6 @@
 #include <QEventLoop>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <iterator>
 #include <span>
@@ -44,7 +44,7 @@ constexpr Look kTallLooks[] = {
     {"q77-480x640-daylight", {480, 640}, Theme::Kind::Daylight},
 };
 
-bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& folder)
+bool Grab(QWidget& window, const char* name, const Look& look, const QDir& folder)
 {
     if (window.minimumWidth() != window.maximumWidth()) { // a message has its own size
         window.resize(look.size);
@@ -53,8 +53,8 @@ bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& fo
     for (int i = 0; i < 3; ++i) { // some fill their lists behind the first painting
         QCoreApplication::processEvents();
     }
-    const QString file = folder.filePath(name + QLatin1Char('-') + QLatin1String(look.name) +
-                                         QStringLiteral(".png"));
+    const QString file = folder.filePath(
+        QStringLiteral("%1-%2.png").arg(QLatin1String(name), QLatin1String(look.name)));
     const bool saved = window.grab().save(file);
     if (!saved) {
         std::fprintf(stderr, "fieldcore: %s cannot be written.\n", qPrintable(file));
@@ -62,39 +62,17 @@ bool Grab(QWidget& window, const QString& name, const Look& look, const QDir& fo
     return saved;
 }
 
-Pictures Own(Controller& controller)
+/// What the controller is set to.
+Pictures SettingsPictures(Controller& controller)
 {
-    return {{QStringLiteral("frames"),
-             [&controller] { return std::make_unique<FramesDlg>(controller.Frames()); }},
-            {QStringLiteral("settings"),
-             [&controller] {
-                 return std::make_unique<SettingsSheet>(controller.Ports(), Scenarios(),
-                                                        controller.Choice(),
-                                                        controller.MaySetClock());
-             }},
-            {QStringLiteral("port"), [&controller] {
-                 return std::make_unique<PortChooserDlg>(controller.Ports(), Scenarios(),
-                                                         controller.Choice());
-             }}};
-}
-
-Pictures Ports(Controller& controller)
-{
-    Pictures made;
-    for (int count = 1; count <= 3; ++count) {
-        made.push_back({QStringLiteral("com-%1").arg(count), [&controller, count] {
-                            CComPort::Surroundings world = PortsWorld(controller);
-                            world.ports = count;
-                            return std::make_unique<CComPort>(
-                                &controller.Command(), controller.ReceiverPort(),
-                                UiText(text::kComTitle), nullptr, count - 1, world);
-                        }});
-    }
-    return made;
-}
-
-Pictures Antennas(Controller& controller)
-{
+    const auto ports = [&controller](int count) {
+        return [&controller, count] {
+            CComPort::Surroundings world = PortsWorld(controller);
+            world.ports = count;
+            return std::make_unique<CComPort>(&controller.Command(), controller.ReceiverPort(),
+                                              UiText(text::kComTitle), nullptr, count - 1, world);
+        };
+    };
     const auto antenna = [&controller](int way, double heightM) {
         return [&controller, way, heightM] {
             auto dialog = std::make_unique<CAntenna>(
@@ -108,19 +86,37 @@ Pictures Antennas(Controller& controller)
             return dialog;
         };
     };
-    return {{QStringLiteral("antenna-vertical"), antenna(0, 1.543)},
-            {QStringLiteral("antenna-slant"), antenna(1, 1.543)},
-            {QStringLiteral("antenna-base"), antenna(2, 1.543)},
-            {QStringLiteral("antenna-too-short"), antenna(1, 0.05)}};
+    return {{"frames", [&] { return std::make_unique<FramesView>(controller.Frames()); }},
+            {"settings", [&] { return std::make_unique<SettingsSheet>(controller); }},
+            {"port",
+             [&] {
+                 return std::make_unique<PortChooserDlg>(controller.Ports(), Scenarios(),
+                                                         controller.Choice());
+             }},
+            {"com-1", ports(1)},
+            {"com-2", ports(2)},
+            {"com-3", ports(3)},
+            {"antenna-vertical", antenna(0, 1.543)},
+            {"antenna-slant", antenna(1, 1.543)},
+            {"antenna-base", antenna(2, 1.543)},
+            {"antenna-too-short", antenna(1, 0.05)},
+            {"tracking", [&] {
+                 return std::make_unique<TrackingDlg>(&controller.Command(), controller.Roots());
+             }}};
 }
 
 } // namespace
 
-ScreenPictures::ScreenPictures(Controller& controller, MainWindow& window)
-    : m_controller(controller), m_window(window)
-{}
+Pictures AllPictures(Controller& controller)
+{
+    Pictures all = SettingsPictures(controller);
+    std::ranges::move(PlanPictures(controller), std::back_inserter(all));
+    std::ranges::move(ReceiverPictures(controller), std::back_inserter(all));
+    return all;
+}
 
-int ScreenPictures::Write(const QString& folder, const std::function<bool()>& stop)
+int WritePictures(Controller& controller, MainWindow& window, const QString& folder,
+                  const std::function<bool()>& stop)
 {
     constexpr int kNoPort = 3; // as of the command line
     constexpr int kCancelled = 7;
@@ -130,47 +126,42 @@ int ScreenPictures::Write(const QString& folder, const std::function<bool()>& st
         return kLocalFile;
     }
     std::wstring fault;
-    if (!m_controller.ConnectQuietly(fault) && !m_controller.Target().target) {
+    if (!controller.ConnectQuietly(fault) && !controller.Target().target) {
         std::fprintf(stderr, "fieldcore: %s\n", ToUtf8(fault).c_str());
         return kNoPort;
     }
-    const QDeadlineTimer patience(std::chrono::seconds(5));
-    while (!m_controller.Link().Heard().powerSource && !patience.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20); // which asks how it is
-    }
+    WaitUntil([&] { return controller.Link().Heard().powerSource.has_value(); });
     int written = 0;
     int failed = 0;
-    const bool isTall = m_controller.Host().IsQ77();
-    const auto looks = isTall ? std::span<const Look>(kTallLooks) : std::span(kLooks);
-    const auto grab = [&](QWidget& screen, const QString& name) {
+    const auto looks = controller.Host().IsQ77() ? std::span<const Look>(kTallLooks)
+                                                 : std::span<const Look>(kLooks);
+    const auto grab = [&](QWidget& screen, const char* name) {
         for (const Look& look : looks) {
             Theme::Use(look.theme);
-            m_window.ShowState(m_controller.State()); // in its colours
+            window.ShowState(controller.State()); // in its colours
             ++(Grab(screen, name, look, folder) ? written : failed);
         }
         screen.hide();
     };
-    grab(m_window, QStringLiteral("home"));
-    for (const Picture& picture : All()) {
+    grab(window, "home");
+    for (const Picture& picture : AllPictures(controller)) {
         if (stop()) {
-            m_controller.Disconnect();
+            controller.Disconnect();
             return kCancelled;
         }
         grab(*picture.make(), picture.name);
     }
-    m_controller.Disconnect();
+    controller.Disconnect();
     std::printf("%d pictures in %s\n", written, qPrintable(folder));
     return failed == 0 ? 0 : kLocalFile;
 }
 
-Pictures ScreenPictures::All()
+void WaitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds patience)
 {
-    Pictures all;
-    for (const auto& group :
-         {Own, Ports, FilePictures, PlanPictures, Antennas, StatusPictures, TiltPictures}) {
-        std::ranges::move(group(m_controller), std::back_inserter(all));
+    const QDeadlineTimer end(patience);
+    while (!isDone() && !end.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
-    return all;
 }
 
 } // namespace fieldcore

@@ -1,6 +1,5 @@
 #include "app/Session.h"
 
-#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
@@ -16,6 +15,7 @@
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
+#include "ui/link/FramesView.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltSensorDlg.h"
 #include "ui/tilt/TiltStatusChk.h"
@@ -24,6 +24,9 @@
 
 #include <QApplication>
 #include <QScreen>
+
+#include <functional>
+#include <map>
 
 namespace fieldcore {
 
@@ -49,10 +52,8 @@ Session::Session(Controller& controller)
     connect(&m_controller, &Controller::Changed, this,
             [this] { m_window->ShowState(m_controller.State()); });
     connect(&m_controller, &Controller::Changed, this, &Session::CheckTiltWhenKnown);
-    connect(&m_controller, &Controller::BatteryIsLow, this, &Session::WarnOfBattery,
-            Qt::QueuedConnection); // not from inside of a round
     m_window->SetMayClose([this] { return MayEnd(); });
-    ShowChosenTheme();
+    m_window->CheckTheme(Theme::Used());
 }
 
 Session::~Session()
@@ -124,73 +125,38 @@ bool Session::MayEnd()
     return true;
 }
 
-void Session::Open(int choice)
+void Session::Open(int entry)
 {
-    switch (choice) {
-    case MainWindow::kConnect:
-        ChoosePort();
-        break;
-    case MainWindow::kDisconnect:
-        m_controller.Disconnect();
-        break;
-    case MainWindow::kPlan:
-        CSurveyPlan(&m_controller.Command(), 0, PlanWorld(m_controller, m_window.get()),
-                    m_window.get())
-            .DoModal();
-        TakeLinkOver();
-        break;
-    case MainWindow::kSkyPlot:
-        CSkyPlot(&m_controller.Command(), 0, SkyWorld(m_controller), m_window.get()).DoModal();
-        break;
-    case MainWindow::kFiles:
-        ShowFiles();
-        TakeLinkOver();
-        break;
-    case MainWindow::kFrames:
-        FramesDlg(m_controller.Frames(), m_window.get()).DoModal();
-        break;
-    case MainWindow::kPorts:
-        ChangePorts();
-        break;
-    case MainWindow::kSettings:
-        ChangeSettings();
-        break;
-    case MainWindow::kAntenna:
-        ChangeAntenna();
-        break;
-    case MainWindow::kStatus:
-        ShowStatus();
-        break;
-    case MainWindow::kVersion:
-        ShowVersion(m_window.get());
-        break;
-    case MainWindow::kForceInit:
-        ForceInit();
-        break;
-    case MainWindow::kThemeDaylight:
-    case MainWindow::kThemeDark:
-    case MainWindow::kThemeSystem:
-        m_controller.UseTheme(static_cast<Theme::Kind>(choice - MainWindow::kThemeDaylight));
-        ShowChosenTheme();
-        break;
-    case MainWindow::kAbout:
-        ShowAbout();
-        break;
-    case MainWindow::kSignals:
-        SetSignal(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
-        break;
-    case MainWindow::kTilt:
-        ShowTilt();
-        break;
-    case MainWindow::kBubble:
-        m_bubble.trigger();
-        break;
-    case MainWindow::kTracking:
-        ChangeTracking();
-        break;
-    default:
-        break;
-    }
+    QWidget* const window = m_window.get();
+    CCommand* const command = &m_controller.Command();
+    const std::map<int, std::function<void()>> entries{
+        {text::kAppConnect, [this] { ChoosePort(); }},
+        {text::kAppDisconnect, [this] { m_controller.Disconnect(); }},
+        {text::kAppPlan,
+         [&] {
+             CSurveyPlan(command, 0, PlanWorld(m_controller, window), window).DoModal();
+             TakeLinkOver();
+         }},
+        {text::kAppSatellites,
+         [&] { CSkyPlot(command, 0, SkyWorld(m_controller), window).DoModal(); }},
+        {text::kAppFiles, [this] { ShowFiles(); }},
+        {text::kAppFrames, [&] { FramesView(m_controller.Frames(), window).DoModal(); }},
+        {text::kComTitle, [this] { ChangePorts(); }},
+        {text::kAppSettings, [this] { ChangeSettings(); }},
+        {text::kAppAntenna, [this] { ChangeAntenna(); }},
+        {text::kAppStatusButton, [this] { ShowStatus(); }},
+        {text::kVersionTitle, [&] { ShowVersion(window); }},
+        {text::kAppForceInit, [this] { ForceInit(); }},
+        {text::kAppThemeDaylight, [this] { UseTheme(Theme::Kind::Daylight); }},
+        {text::kAppThemeDark, [this] { UseTheme(Theme::Kind::Dark); }},
+        {text::kAppThemeSystem, [this] { UseTheme(Theme::Kind::System); }},
+        {text::kAppAbout, [this] { ShowAbout(); }},
+        {text::kAppSignals, [&] { SetSignal(command, m_controller.Reg(), window).DoModal(); }},
+        {text::kAppTilt, [this] { ShowTilt(); }},
+        {text::kBubbleTitle, [this] { m_bubble.trigger(); }},
+        {text::kAppTracking, [this] { ChangeTracking(); }},
+    };
+    entries.at(entry)();
 }
 
 void Session::ShowFiles()
@@ -202,6 +168,7 @@ void Session::ShowFiles()
     CRecvFileMan sheet(&m_controller.Command(), 0, nullptr,
                        FilesWorld(m_controller, m_window.get()), m_window.get());
     sheet.DoModal();
+    TakeLinkOver();
 }
 
 void Session::ChoosePort()
@@ -215,16 +182,11 @@ void Session::ChoosePort()
 
 void Session::ChangeSettings()
 {
-    SettingsSheet sheet(m_controller.Ports(), Scenarios(), m_controller.Choice(),
-                        m_controller.MaySetClock(), m_window.get());
+    SettingsSheet sheet(m_controller, m_window.get());
     if (sheet.DoModal() != Dialog::kOk) {
         return;
     }
-    m_controller.UseTheme(sheet.ChosenTheme());
-    if (sheet.MaySetClock() != m_controller.MaySetClock()) {
-        m_controller.SetMaySetClock(sheet.MaySetClock());
-    }
-    ShowChosenTheme();
+    m_window->CheckTheme(Theme::Used());
     const std::optional<ConnectChoice> port = sheet.ChosenPort();
     if (port && *port != m_controller.Choice()) {
         Use(*port);
@@ -376,14 +338,10 @@ void Session::ShowVersion(QWidget* parent)
     CVersion(&m_controller.Command(), parent, m_controller.Link().Heard().identity).DoModal();
 }
 
-void Session::WarnOfBattery(const QString& words)
+void Session::UseTheme(Theme::Kind kind)
 {
-    CMesBox(m_controller.Host()).Warn(words.toStdWString(), text::kBatteryCaption);
-}
-
-void Session::ShowChosenTheme()
-{
-    m_window->CheckTheme(MainWindow::kThemeDaylight + static_cast<int>(Theme::Used()));
+    m_controller.UseTheme(kind);
+    m_window->CheckTheme(Theme::Used());
 }
 
 } // namespace fieldcore

@@ -30,7 +30,8 @@ public:
     [[nodiscard]] MainWindow& Window() { return *m_window; }
 
 private:
-    void Open(int choice);
+    /// @param entry  as MainWindow::Chosen()
+    void Open(int entry);
     void ShowFiles();
     void ChoosePort();
     void ChangeSettings();
@@ -59,8 +60,7 @@ private:
     void ShowAbout();
     void ShowStatus();
     void ShowVersion(QWidget* parent);
-    void WarnOfBattery(const QString& words);
-    void ShowChosenTheme();
+    void UseTheme(Theme::Kind kind);
 
     Controller& m_controller;
     QAction m_bubble; // on every page

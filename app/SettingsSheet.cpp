@@ -1,5 +1,7 @@
 #include "app/SettingsSheet.h"
 
+#include "app/Controller.h"
+#include "app/Worlds.h"
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/UiText.h"
@@ -10,41 +12,41 @@
 
 namespace fieldcore {
 
-SettingsSheet::SettingsSheet(const PortNames& names, const std::vector<ScenarioChoice>& scenarios,
-                             const ConnectChoice& choice, bool maySetClock, QWidget* parent)
-    : PropertySheet(UiText(text::kAppSettings), parent),
+SettingsSheet::SettingsSheet(Controller& controller, QWidget* parent)
+    : PropertySheet(UiText(text::kAppSettings), parent), m_controller(controller),
       m_setClock(new QCheckBox(UiText(text::kAppSetClock))), m_theme(new CTComboBox),
-      m_ports(new PortChooser(names, scenarios))
+      m_ports(new PortChooser(controller.Ports(), Scenarios()))
 {
     auto* const look = new PropertyPage;
     auto* const form = new QFormLayout(look);
-    for (const auto& [kind, id] : {std::pair{Theme::Kind::Daylight, text::kAppThemeDaylight},
-                                   std::pair{Theme::Kind::Dark, text::kAppThemeDark},
-                                   std::pair{Theme::Kind::System, text::kAppThemeSystem}}) {
-        m_theme->AddEntry(UiText(id), static_cast<int>(kind));
+    for (const auto kind : {Theme::Kind::Daylight, Theme::Kind::Dark, Theme::Kind::System}) {
+        const int code = static_cast<int>(kind);
+        m_theme->AddEntry(UiText(text::kAppThemeDaylight + code), code);
     }
     m_theme->SelectCode(static_cast<int>(Theme::Used()));
     m_theme->setAccessibleName(UiText(text::kAppMenuView));
     form->addRow(UiText(text::kAppTheme), m_theme);
-    m_setClock->setChecked(maySetClock);
+    m_setClock->setChecked(controller.MaySetClock());
     form->addRow(m_setClock);
     AddPage(look, UiText(text::kAppMenuView));
 
     auto* const port = new PropertyPage;
     auto* const column = new QVBoxLayout(port);
-    m_ports->SetChoice(choice);
+    m_ports->SetChoice(controller.Choice());
     column->addWidget(m_ports);
     AddPage(port, UiText(text::kAppMenuLink));
 }
 
-Theme::Kind SettingsSheet::ChosenTheme() const
+bool SettingsSheet::OnClose(int result)
 {
-    return static_cast<Theme::Kind>(m_theme->GetCode()); // one is always selected
-}
-
-bool SettingsSheet::MaySetClock() const
-{
-    return m_setClock->isChecked();
+    if (!PropertySheet::OnClose(result)) {
+        return false;
+    }
+    if (result == kOk) {
+        m_controller.UseTheme(static_cast<Theme::Kind>(m_theme->GetCode()));
+        m_controller.SetMaySetClock(m_setClock->isChecked());
+    }
+    return true;
 }
 
 } // namespace fieldcore

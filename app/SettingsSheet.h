@@ -2,39 +2,37 @@
 
 #include "core/link/ConnectChoice.h"
 #include "ui/controls/PropertySheet.h"
-#include "ui/controls/Theme.h"
 #include "ui/link/PortChooser.h"
 
 #include <optional>
-#include <vector>
 
 class QCheckBox;
 
 namespace fieldcore {
 
 class CTComboBox;
+class Controller;
 
-/// The controller's own settings: colours, and where the receiver is. User-interface thread only.
+/// The controller's own settings: colours, whether the receiver sets the clock, and where the
+/// receiver is. OK keeps all but the last. User-interface thread only.
 class SettingsSheet : public PropertySheet
 {
     Q_OBJECT
 
 public:
-    /// @param choice  the port that is set now
-    /// @param maySetClock  whether the receiver sets the controller's clock now
-    SettingsSheet(const PortNames& names, const std::vector<ScenarioChoice>& scenarios,
-                  const ConnectChoice& choice, bool maySetClock, QWidget* parent = nullptr);
+    /// @param controller  must outlive the sheet
+    explicit SettingsSheet(Controller& controller, QWidget* parent = nullptr);
 
-    // What was chosen, once DoModal() has answered kOk.
-
-    [[nodiscard]] Theme::Kind ChosenTheme() const;
-    [[nodiscard]] bool MaySetClock() const;
     /// @return nothing while what is typed is no name of a port
     [[nodiscard]] std::optional<ConnectChoice> ChosenPort() const { return m_ports->Choice(); }
 
+protected:
+    bool OnClose(int result) override;
+
 private:
-    QCheckBox* m_setClock;
-    CTComboBox* m_theme; // owned by the sheet, as is the next
+    Controller& m_controller;
+    QCheckBox* m_setClock; // owned by the sheet, as are the next
+    CTComboBox* m_theme;
     PortChooser* m_ports;
 };
 

@@ -1,9 +1,8 @@
 #include "app/StatusStrip.h"
 
 #include "core/equipment/StatusRows.h"
-#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TouchStyle.h"
-#include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -23,23 +22,9 @@ constexpr int kRibbonHeight = 24;
 constexpr int kMargin = 12;
 constexpr int kGap = 8;
 
-RoleLabel::Role RoleOf(LinkState link)
-{
-    switch (link) {
-    case LinkState::Connected:
-        return &Theme::good;
-    case LinkState::Connecting:
-        return &Theme::attention;
-    case LinkState::Lost:
-    case LinkState::Reconnecting:
-    case LinkState::Failed:
-    case LinkState::Refused:
-        return &Theme::bad;
-    case LinkState::NotConnected:
-        break;
-    }
-    return &Theme::second;
-}
+/// By the state of the link.
+constexpr RoleLabel::Role kLamps[] = {&Theme::second, &Theme::attention, &Theme::good, &Theme::bad,
+                                      &Theme::bad,    &Theme::bad,       &Theme::bad};
 
 } // namespace
 
@@ -73,10 +58,8 @@ StatusStrip::StatusStrip(QWidget* parent, Place place)
     }
     m_time->setMinimumHeight(kRibbonHeight);
     m_ribbon->SetGround(&Theme::attention);
-    QFont bold = font();
-    bold.setBold(true);
-    m_broken->setFont(bold);
-    m_fix->setFont(bold);
+    m_broken->setFont(BoldFont(font()));
+    m_fix->setFont(BoldFont(font()));
     for (QLabel* const words : std::initializer_list<QLabel*>{m_broken, m_antenna, m_ribbon}) {
         words->setMinimumHeight(kRibbonHeight);
         words->setContentsMargins(kMargin, 0, kMargin, 0);
@@ -117,7 +100,7 @@ void StatusStrip::Show(const HomeState& state)
         m_connect->setVisible(!hasReceiver && link != LinkState::Connecting);
     }
     m_receiver->setToolTip(Name());
-    m_pdop->setText(QStringLiteral("PDOP ") + Words("pdop"));
+    m_pdop->setText(QStringLiteral("PDOP ") + m_state.Words("pdop"));
     m_time->setText(TimeWords());
     QStringList broken;
     for (const std::wstring& words : BrokenLimits(state.receiver, state.view)) {
@@ -133,21 +116,12 @@ void StatusStrip::Show(const HomeState& state)
     m_antenna->setText(state.antenna);
     m_ribbon->setVisible(isSimulated);
     m_ribbon->setText(UiText(text::kAppSimulator).arg(state.simulator));
-    const auto roleOf = [&state](std::string_view key) { // what has grown old is grey
-        return IsStale(FieldOf(key), state.receiver, state.view) ? &Theme::stale : &Theme::text;
-    };
-    m_lamp->SetRole(RoleOf(link));
-    m_fix->SetRole(roleOf("fix"));
-    m_pdop->SetRole(roleOf("pdop"));
-    m_battery->SetRole(roleOf("batteryPercent"));
-    m_time->SetRole(state.receiver.status ? roleOf(kHeartbeat) : &Theme::text);
+    m_lamp->SetRole(kLamps[static_cast<std::size_t>(link)]);
+    m_fix->SetRole(state.RoleOf("fix"));
+    m_pdop->SetRole(state.RoleOf("pdop"));
+    m_battery->SetRole(state.RoleOf("batteryPercent"));
+    m_time->SetRole(state.receiver.status ? state.RoleOf(kHeartbeat) : &Theme::text);
     Arrange();
-}
-
-/// A field of the receiver.
-QString StatusStrip::Words(std::string_view key) const
-{
-    return ToQt(FieldText(FieldOf(key), m_state.receiver, m_state.view));
 }
 
 /// The model, while there is a link or shall be one.
@@ -158,7 +132,8 @@ QString StatusStrip::Name() const
 
 QString StatusStrip::TimeWords() const
 {
-    const auto& [receiver, view, antenna, nextWindow, simulator] = m_state;
+    const Receiver& receiver = m_state.receiver;
+    const StatusView& view = m_state.view;
     if (receiver.status && IsStale(FieldOf(kHeartbeat), receiver, view)) {
         return ToQt(StatusRowOf(FieldOf(kHeartbeat), receiver, view).age);
     }
@@ -172,7 +147,7 @@ void StatusStrip::Arrange()
 {
     const QFontMetrics metrics = m_receiver->fontMetrics();
     const LinkState link = m_state.receiver.link;
-    const QString charge = Words("batteryPercent");
+    const QString charge = m_state.Words("batteryPercent");
     const QString name = Name();
     const QString word = ToQt(LinkText(link));
     m_lamp->setText(word);
@@ -202,7 +177,7 @@ void StatusStrip::Arrange()
     }
     room -= isBelow ? 0 : time;
     const bool hasSource = BatteryPercent(m_state.receiver) && m_state.receiver.powerSource;
-    const QString source = QLatin1Char(' ') + Words("powerSourceName");
+    const QString source = QLatin1Char(' ') + m_state.Words("powerSourceName");
     const int more = metrics.horizontalAdvance(source);
     if (hasSource && room - more >= metrics.horizontalAdvance(name)) {
         m_battery->setText(charge + source);

@@ -5,14 +5,10 @@
 #include <QLabel>
 #include <QWidget>
 
-#include <string_view>
-
 class QHBoxLayout;
 class QPushButton;
 
 namespace fieldcore {
-
-class RoleLabel;
 
 /// The lines at the head of the window, or of a page: is the receiver there, has it a fix, and is
 /// it well, what time it is, and how high the antenna is. Values that are not fresh are grey, and
@@ -49,7 +45,6 @@ private:
     void Arrange();
     [[nodiscard]] QString Name() const;
     [[nodiscard]] QString TimeWords() const;
-    [[nodiscard]] QString Words(std::string_view key) const;
 
     const Place m_place;
     HomeState m_state;

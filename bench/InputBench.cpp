@@ -55,10 +55,10 @@ struct Page
 };
 constexpr Page kPages[] = {
     {"home", 0},
-    {"status", MainWindow::kStatus},
-    {"sky", MainWindow::kSkyPlot},
-    {"plan", MainWindow::kPlan},
-    {"tilt", MainWindow::kTilt},
+    {"status", text::kAppStatusButton},
+    {"sky", text::kAppSatellites},
+    {"plan", text::kAppPlan},
+    {"tilt", text::kAppTilt},
 };
 
 struct Result
@@ -417,7 +417,7 @@ Result World::WorkOn(const Page& page, int latencyMs, bool isSilent)
     if (WaitFor(30s, [this] { return m_application.OpensInMs() >= 0; })) {
         result.opensInMs = Ask([this] { return m_application.OpensInMs(); });
     }
-    if (page.choice == MainWindow::kTilt) {
+    if (page.choice == text::kAppTilt) {
         Tap(Ask([] { return Find<QPushButton>(UiText(text::kTiltBubble)); }));
         std::this_thread::sleep_for(500ms);
     }
@@ -439,7 +439,7 @@ Result World::WorkOn(const Page& page, int latencyMs, bool isSilent)
     result.longestBlockMs = Ask([this] { return m_application.LongestBlockMs(); });
     result.taps = Ask([&] { return probe.taps; });
     result.digits = InOrder(sent, Ask(come).toStdString());
-    if (page.choice == MainWindow::kTilt) {
+    if (page.choice == text::kAppTilt) {
         result.tolerances = EnterTolerances();
     }
     Ask([&] {

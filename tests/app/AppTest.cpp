@@ -214,7 +214,7 @@ TEST(MainWindow, SaysWhatWasChosen)
     }
     ASSERT_EQ(chosen.count(), labels.size());
     EXPECT_EQ(chosen.at(static_cast<int>(labels.indexOf(QStringLiteral("観測計画")))).at(0).toInt(),
-              MainWindow::kPlan);
+              text::kAppPlan);
 }
 
 TEST(MainWindow, StaysWhenItMayNotClose)

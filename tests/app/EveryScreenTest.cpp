@@ -397,9 +397,8 @@ TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
     home.resize(480, 640); // which it can become again
     LookAtAll(home, QStringLiteral("home"));
     ExpectFileDialogsFit(home, m_folder.path());
-    ScreenPictures pictures(controller, home);
-    for (const Picture& screen : pictures.All()) {
-        LookAtAll(*screen.make(), screen.name);
+    for (const Picture& screen : AllPictures(controller)) {
+        LookAtAll(*screen.make(), QString::fromLatin1(screen.name));
     }
     CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, nullptr));
     PropertySheet details(UiText(text::kPlanDetail), &plan);

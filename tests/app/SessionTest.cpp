@@ -1,7 +1,6 @@
 // The program as a user starts it: in folders of its own, on the simulated receiver.
 
 #include "app/Session.h"
-#include "app/FramesDlg.h"
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
@@ -20,6 +19,7 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/UiText.h"
+#include "ui/link/FramesView.h"
 #include "ui/planning/PlanDet.h"
 #include "ui/planning/PlanSet.h"
 #include "ui/planning/PlanWindowList.h"
@@ -123,7 +123,7 @@ struct Running
     {
         session.Window().show();
     }
-    void Choose(MainWindow::Choice choice) { Q_EMIT session.Window().Chosen(choice); }
+    void Choose(int choice) { Q_EMIT session.Window().Chosen(choice); }
     [[nodiscard]] bool IsConnected() { return controller.Link().State() == LinkState::Connected; }
 
     Started controller;
@@ -142,8 +142,8 @@ TEST_F(SessionTest, APageConnectsAndAsksAgain)
                std::ranges::any_of(boxes, &QWidget::isEnabled);
     };
     Running program("sim:lark");
-    for (const auto choice : {MainWindow::kVersion, MainWindow::kPorts, MainWindow::kSignals}) {
-        SCOPED_TRACE(static_cast<int>(choice));
+    for (const auto choice : {text::kVersionTitle, text::kComTitle, text::kAppSignals}) {
+        SCOPED_TRACE(choice);
         program.controller.Disconnect();
         bool isAsked = false;
         bool hasAnswer = false;
@@ -211,26 +211,19 @@ TEST_F(SessionTest, LeavesEveryEntryWithEsc)
 {
     struct Row
     {
-        MainWindow::Choice choice;
+        int choice;
         const char* page;
         bool offers; ///< to connect, where there is no receiver
     };
     const Row rows[] = {
-        {MainWindow::kConnect, "PortChooserDlg", false},
-        {MainWindow::kSkyPlot, "CSkyPlot", true},
-        {MainWindow::kPlan, "CSurveyPlan", true},
-        {MainWindow::kStatus, "StatusPage", true},
-        {MainWindow::kFiles, "CRecvFileMan", false},
-        {MainWindow::kAntenna, "CAntenna", true},
-        {MainWindow::kTracking, "TrackingDlg", false},
-        {MainWindow::kSignals, "SetSignal", true},
-        {MainWindow::kTilt, "TiltStatusDlg", true},
-        {MainWindow::kFrames, "FramesDlg", true},
-        {MainWindow::kPorts, "CComPort", true},
-        {MainWindow::kSettings, "SettingsSheet", false},
-        {MainWindow::kForceInit, "MessageDlg", false},
-        {MainWindow::kVersion, "CVersion", true},
-        {MainWindow::kAbout, "MessageDlg", false},
+        {text::kAppConnect, "PortChooserDlg", false}, {text::kAppSatellites, "CSkyPlot", true},
+        {text::kAppPlan, "CSurveyPlan", true},        {text::kAppStatusButton, "StatusPage", true},
+        {text::kAppFiles, "CRecvFileMan", false},     {text::kAppAntenna, "CAntenna", true},
+        {text::kAppTracking, "TrackingDlg", false},   {text::kAppSignals, "SetSignal", true},
+        {text::kAppTilt, "TiltStatusDlg", true},      {text::kAppFrames, "FramesView", true},
+        {text::kComTitle, "CComPort", true},          {text::kAppSettings, "SettingsSheet", false},
+        {text::kAppForceInit, "MessageDlg", false},   {text::kVersionTitle, "CVersion", true},
+        {text::kAppAbout, "MessageDlg", false},
     };
     Running program("sim:lark", testing::kRealSpeed);
     Controller& controller = program.controller;
@@ -301,7 +294,7 @@ TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
     const auto isShown = [] {
         return TiltSensorDlg::Instance() != nullptr && TiltSensorDlg::Instance()->isVisible();
     };
-    const auto choose = [&program](MainWindow::Choice choice) {
+    const auto choose = [&program](int choice) {
         EscapeKey esc;
         program.Choose(choice);
     };
@@ -310,7 +303,7 @@ TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
         TiltSensorDlg::ForgetPlace();
         window.resize(size);
         QCoreApplication::processEvents();
-        choose(MainWindow::kBubble);
+        choose(text::kBubbleTitle);
         ASSERT_TRUE(isShown());
         QCoreApplication::processEvents();
         for (const CIconButton* button : window.findChildren<CIconButton*>()) {
@@ -325,17 +318,16 @@ TEST_F(SessionTest, TheBubbleStaysWhileOtherPagesAreUsed)
     ASSERT_TRUE(program.controller.IsConnectedQuietly());
     EXPECT_TRUE(QTest::qWaitFor(
         [] { return TiltSensorDlg::Instance()->View()->Picture().showBubble; }, 10000));
-    for (const MainWindow::Choice page :
-         {MainWindow::kStatus, MainWindow::kTracking, MainWindow::kTilt}) {
+    for (const int page : {text::kAppStatusButton, text::kAppTracking, text::kAppTilt}) {
         choose(page);
-        EXPECT_TRUE(isShown()) << static_cast<int>(page);
+        EXPECT_TRUE(isShown()) << page;
     }
     TiltSensorDlg::Instance()->Close(Dialog::kCancelled);
-    choose(MainWindow::kTilt);
+    choose(text::kAppTilt);
     EXPECT_FALSE(isShown()) << "the user has closed it";
-    choose(MainWindow::kBubble);
+    choose(text::kBubbleTitle);
     EXPECT_TRUE(isShown());
-    choose(MainWindow::kBubble);
+    choose(text::kBubbleTitle);
     EXPECT_FALSE(isShown());
 }
 
@@ -345,10 +337,10 @@ TEST_F(SessionTest, ComesBackUnderEveryPage)
     const auto receiver = testing::StartReceiver("lark");
     Running program(receiver->PortPath(), testing::kRealSpeed);
     ASSERT_TRUE(program.controller.IsConnectedQuietly());
-    for (const MainWindow::Choice choice :
-         {MainWindow::kSkyPlot, MainWindow::kStatus, MainWindow::kFiles, MainWindow::kTilt,
-          MainWindow::kPorts, MainWindow::kAntenna, MainWindow::kConnect, MainWindow::kVersion}) {
-        SCOPED_TRACE(static_cast<int>(choice));
+    for (const int choice :
+         {text::kAppSatellites, text::kAppStatusButton, text::kAppFiles, text::kAppTilt,
+          text::kComTitle, text::kAppAntenna, text::kAppConnect, text::kVersionTitle}) {
+        SCOPED_TRACE(choice);
         bool isOut = false;
         bool isBack = false;
         QDeadlineTimer patience(30s);
@@ -419,7 +411,7 @@ TEST_F(SessionTest, TakesOverALinkThatAPageHasMade)
         }
     });
     const Hand<MessageDlg> agree([](MessageDlg& box) { QTest::keyClick(&box, Qt::Key_Return); });
-    program.Choose(MainWindow::kPlan);
+    program.Choose(text::kAppPlan);
     EXPECT_TRUE(isConnected);
     EXPECT_TRUE(program.IsConnected());
 }
@@ -458,7 +450,7 @@ TEST_F(SessionTest, TheUserDecidesWhetherTheClockIsSet)
                 isDone = true;
                 sheet.Close(Dialog::kOk);
             });
-            program.Choose(MainWindow::kSettings);
+            program.Choose(text::kAppSettings);
             EXPECT_TRUE(isDone);
             EXPECT_EQ(controller.MaySetClock(), wanted);
             EXPECT_EQ(controller.View().maySetClock, wanted);
@@ -492,37 +484,33 @@ TEST_F(SessionTest, DialogsStandAThousandRandomEvents)
 {
     Started controller(QStringLiteral("sim:lark"));
     ASSERT_TRUE(controller.IsConnectedQuietly());
-    const std::vector<ScenarioChoice> scenarios{{"lark", QStringLiteral("正常な受信機")}};
     for (const bool isSheet : {true, false}) {
         testing::RandomHands hands;
         while (!hands.IsTired()) {
-            std::unique_ptr<QWidget> dialog = std::make_unique<FramesDlg>(controller.Frames());
+            std::unique_ptr<QWidget> dialog = std::make_unique<FramesView>(controller.Frames());
             if (isSheet) {
-                dialog = std::make_unique<SettingsSheet>(controller.Ports(), scenarios,
-                                                         ConnectChoice{"sim:lark", 38400}, false);
+                dialog = std::make_unique<SettingsSheet>(controller);
             }
             dialog->resize(480, 640);
             dialog->show();
             QApplication::setActiveWindow(dialog.get());
             hands.Play(*dialog);
-            const auto* const sheet = qobject_cast<SettingsSheet*>(dialog.get());
-            EXPECT_TRUE(sheet == nullptr || static_cast<unsigned>(sheet->ChosenTheme()) <= 2);
         }
         ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
     }
+    Theme::Use(Theme::Kind::Daylight);
 }
 
 TEST_F(SessionTest, WritesAPictureOfEveryScreen)
 {
     Started controller(QStringLiteral("sim:lark"));
     MainWindow window;
-    ScreenPictures pictures(controller, window);
     const QString folder = m_folder.filePath(QStringLiteral("pictures"));
-    EXPECT_EQ(pictures.Write(folder), 0);
+    EXPECT_EQ(WritePictures(controller, window, folder), 0);
     const QStringList files = QDir(folder).entryList({QStringLiteral("*.png")});
     EXPECT_EQ(files.filter(QStringLiteral("home")).size(), 4);
     EXPECT_GE(files.size(), 56);
-    EXPECT_EQ(pictures.Write(QStringLiteral("/dev/null/pictures")), 8);
+    EXPECT_EQ(WritePictures(controller, window, QStringLiteral("/dev/null/pictures")), 8);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/FileChoice.h"
+#include "ui/controls/NMenuBar.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/Widgets.h"
@@ -31,12 +32,15 @@ constexpr int kWide = 900; // logical pixels, from which on a desktop is assumed
 } // namespace
 
 FramesView::FramesView(FrameHistory& history, QWidget* parent)
-    : QWidget(parent), m_model(history), m_table(new QTableView), m_show(new QComboBox),
-      m_search(new QLineEdit), m_count(new QLabel), m_detail(new QPlainTextEdit),
-      m_hold(MakeButton(text::kFramesPause)), m_save(MakeButton(text::kFramesSave, "download")),
+    : Dialog(parent, Extent::Whole), m_model(history), m_table(new QTableView),
+      m_show(new QComboBox), m_search(new QLineEdit), m_count(new QLabel),
+      m_detail(new QPlainTextEdit), m_hold(MakeButton(text::kFramesPause)),
+      m_save(MakeButton(text::kFramesSave, "download")),
       m_clear(MakeButton(text::kFramesClear, "trash"))
 {
+    setWindowTitle(UiText(text::kFramesTitle));
     Build();
+    OfferConnection();
     connect(m_show, &QComboBox::currentIndexChanged, this, &FramesView::ApplyFilter);
     connect(m_search, &QLineEdit::textChanged, this, &FramesView::ApplyFilter);
     connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
@@ -97,7 +101,7 @@ void FramesView::Build()
     buttons->addStretch(1);
     buttons->addWidget(m_clear);
     buttons->addWidget(m_save);
-    auto* const layout = new QVBoxLayout(this);
+    auto* const layout = new QVBoxLayout;
     layout->setContentsMargins(12, 12, 12, 12);
     layout->setSpacing(kGrid);
     layout->addLayout(filter);
@@ -105,6 +109,13 @@ void FramesView::Build()
     layout->addWidget(m_count);
     layout->addWidget(m_detail);
     layout->addLayout(buttons);
+    auto* const menu = new CnMenuBar;
+    connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(layout, 1);
+    column->addWidget(menu);
 }
 
 void FramesView::Refresh()
@@ -186,20 +197,20 @@ void FramesView::showEvent(QShowEvent* event)
 {
     Refresh();
     m_timer.start(kInterval);
-    QWidget::showEvent(event);
+    Dialog::showEvent(event);
 }
 
 /// Where there is no room for the bytes of every row, those of the chosen one have to do.
 void FramesView::resizeEvent(QResizeEvent* event)
 {
     m_table->setColumnHidden(FramesModel::Bytes, width() < kWide);
-    QWidget::resizeEvent(event);
+    Dialog::resizeEvent(event);
 }
 
 void FramesView::hideEvent(QHideEvent* event)
 {
     m_timer.stop();
-    QWidget::hideEvent(event);
+    Dialog::hideEvent(event);
 }
 
 } // namespace fieldcore

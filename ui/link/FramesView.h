@@ -1,9 +1,9 @@
 #pragma once
 
+#include "ui/controls/Dialog.h"
 #include "ui/link/FramesModel.h"
 
 #include <QTimer>
-#include <QWidget>
 
 #include <filesystem>
 
@@ -16,17 +16,17 @@ class QTableView;
 
 namespace fieldcore {
 
-/// The frames that go over the line while they do: each with its time, way and meaning, to be
-/// filtered, held, and saved as an exchange log. User-interface thread only.
-class FramesView : public QWidget
+/// A page of the frames that go over the line while they do: each with its time, way and meaning,
+/// to be filtered, held, and saved as an exchange log. User-interface thread only.
+class FramesView : public Dialog
 {
     Q_OBJECT
 
 public:
-    /// @param history  not owned, must outlive the view; whoever has the channel fills it
+    /// @param history  not owned, must outlive the page; whoever has the channel fills it
     explicit FramesView(FrameHistory& history, QWidget* parent = nullptr);
 
-    /// Shows what is new. Called five times a second while the view is seen and not held.
+    /// Shows what is new. Called five times a second while the page is seen and not held.
     void Refresh();
     /// Saves the frames that are shown; says so when it fails.
     /// @return 1 if they were saved
@@ -49,7 +49,7 @@ private:
 
     FramesModel m_model;
     QTimer m_timer;
-    QTableView* m_table; // owned by the view, as are all that follow
+    QTableView* m_table; // owned by the page, as are all that follow
     QComboBox* m_show;
     QLineEdit* m_search;
     QLabel* m_count;
