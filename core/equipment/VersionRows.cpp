@@ -3,52 +3,51 @@
 #include "core/equipment/ReceiverFields.h"
 #include "core/resources/StringTable.h"
 
-#include <array>
-
 namespace fieldcore {
 
 namespace {
 
-using Info = const CRecvInfo&;
+using Info = CRecvInfo;
 constexpr int kIn = CRecvInfo::Input;
 constexpr int kOut = CRecvInfo::Output;
 
-constexpr std::array kOptions{
-    InstalledOption{"L1/L2", text::kOptionL2, [](Info i) { return i.GetL2(); }},
-    InstalledOption{"L2C", text::kOptionL2C, [](Info i) { return i.GetL2C(); }},
-    InstalledOption{"L5", text::kOptionL5, [](Info i) { return i.GetL5(); }},
-    InstalledOption{"GLONASS", text::kOptionGlonass, [](Info i) { return i.GetGLONASS(); }},
-    InstalledOption{"Galileo", text::kOptionGalileo, [](Info i) { return i.GetGalileo(); }},
-    InstalledOption{"QZSS", text::kOptionQzss, [](Info i) { return i.GetQZSS(); }},
-    InstalledOption{"RTK", text::kOptionRtk, [](Info i) { return i.GetRtkSurvey(); }},
-    InstalledOption{"on-the-fly initialisation", text::kOptionOtf,
-                    [](Info i) { return i.GetRtkOTF(); }},
-    InstalledOption{"VRS", text::kOptionVrs, [](Info i) { return i.GetRtkVRS(); }},
-    InstalledOption{"NMEA output", text::kOptionNmea, [](Info i) { return i.GetNMEA(); }},
-    InstalledOption{"CMR input", text::kOptionCmrIn, [](Info i) { return i.GetCMR(kIn); }},
-    InstalledOption{"CMR output", text::kOptionCmrOut, [](Info i) { return i.GetCMR(kOut); }},
-    InstalledOption{"CMR+", text::kOptionCmrPlus, [](Info i) { return i.GetCMRp(); }},
-    InstalledOption{"CMRx input", text::kOptionCmrxIn, [](Info i) { return i.GetCMRxInput(); }},
-    InstalledOption{"CMRx output", text::kOptionCmrxOut, [](Info i) { return i.GetCMRxOutput(); }},
-    InstalledOption{"RTCM input", text::kOptionRtcmIn, [](Info i) { return i.GetRTCM1(kIn); }},
-    InstalledOption{"RTCM output", text::kOptionRtcmOut, [](Info i) { return i.GetRTCM1(kOut); }},
-    InstalledOption{"RTCM 2 input", text::kOptionRtcm2In, [](Info i) { return i.GetRTCM2(kIn); }},
-    InstalledOption{"RTCM 2 output", text::kOptionRtcm2Out,
-                    [](Info i) { return i.GetRTCM2(kOut); }},
-    InstalledOption{"RTCM 2.1 input", text::kOptionRtcm21In,
-                    [](Info i) { return i.GetRTCM21(kIn); }},
-    InstalledOption{"RTCM 2.1 output", text::kOptionRtcm21Out,
-                    [](Info i) { return i.GetRTCM21(kOut); }},
-    InstalledOption{"RTCM 2.2", text::kOptionRtcm22, [](Info i) { return i.GetRTCM22(); }},
-    InstalledOption{"RTCM 2.3", text::kOptionRtcm23, [](Info i) { return i.GetRTCM23(); }},
-    InstalledOption{"RTCM 3.0", text::kOptionRtcm30, [](Info i) { return i.GetRTCM30(); }},
-    InstalledOption{"Bluetooth", text::kOptionBluetooth, [](Info i) { return i.GetBlueTooth(); }},
-    InstalledOption{"logging at 2 Hz", text::kOption2Hz, [](Info i) { return i.Get2HzLogging(); }},
-    InstalledOption{"Q02 files", text::kOptionQ02, [](Info i) { return i.GetQ02Format(); }},
-    InstalledOption{"tilt sensor", text::kOptionTilt, [](Info i) { return i.GetTilt(); }},
-    InstalledOption{"Solace board", text::kOptionSolace, [](Info i) { return i.GetSolace(); }},
-    InstalledOption{"Meridian board", text::kOptionMeridian,
-                    [](Info i) { return i.GetMeridian(); }},
+template <auto Get, auto... Way>
+int Has(const CRecvInfo& info)
+{
+    return (info.*Get)(Way...);
+}
+
+constexpr InstalledOption kOptions[] = {
+    {"L1/L2", text::kOptionL2, Has<&Info::GetL2>},
+    {"L2C", text::kOptionL2C, Has<&Info::GetL2C>},
+    {"L5", text::kOptionL5, Has<&Info::GetL5>},
+    {"GLONASS", text::kOptionGlonass, Has<&Info::GetGLONASS>},
+    {"Galileo", text::kOptionGalileo, Has<&Info::GetGalileo>},
+    {"QZSS", text::kOptionQzss, Has<&Info::GetQZSS>},
+    {"RTK", text::kOptionRtk, Has<&Info::GetRtkSurvey>},
+    {"on-the-fly initialisation", text::kOptionOtf, Has<&Info::GetRtkOTF>},
+    {"VRS", text::kOptionVrs, Has<&Info::GetRtkVRS>},
+    {"NMEA output", text::kOptionNmea, Has<&Info::GetNMEA>},
+    {"CMR input", text::kOptionCmrIn, Has<&Info::GetCMR, kIn>},
+    {"CMR output", text::kOptionCmrOut, Has<&Info::GetCMR, kOut>},
+    {"CMR+", text::kOptionCmrPlus, Has<&Info::GetCMRp>},
+    {"CMRx input", text::kOptionCmrxIn, Has<&Info::GetCMRxInput>},
+    {"CMRx output", text::kOptionCmrxOut, Has<&Info::GetCMRxOutput>},
+    {"RTCM input", text::kOptionRtcmIn, Has<&Info::GetRTCM1, kIn>},
+    {"RTCM output", text::kOptionRtcmOut, Has<&Info::GetRTCM1, kOut>},
+    {"RTCM 2 input", text::kOptionRtcm2In, Has<&Info::GetRTCM2, kIn>},
+    {"RTCM 2 output", text::kOptionRtcm2Out, Has<&Info::GetRTCM2, kOut>},
+    {"RTCM 2.1 input", text::kOptionRtcm21In, Has<&Info::GetRTCM21, kIn>},
+    {"RTCM 2.1 output", text::kOptionRtcm21Out, Has<&Info::GetRTCM21, kOut>},
+    {"RTCM 2.2", text::kOptionRtcm22, Has<&Info::GetRTCM22>},
+    {"RTCM 2.3", text::kOptionRtcm23, Has<&Info::GetRTCM23>},
+    {"RTCM 3.0", text::kOptionRtcm30, Has<&Info::GetRTCM30>},
+    {"Bluetooth", text::kOptionBluetooth, Has<&Info::GetBlueTooth>},
+    {"logging at 2 Hz", text::kOption2Hz, Has<&Info::Get2HzLogging>},
+    {"Q02 files", text::kOptionQ02, Has<&Info::GetQ02Format>},
+    {"tilt sensor", text::kOptionTilt, Has<&Info::GetTilt>},
+    {"Solace board", text::kOptionSolace, Has<&Info::GetSolace>},
+    {"Meridian board", text::kOptionMeridian, Has<&Info::GetMeridian>},
 };
 
 } // namespace
