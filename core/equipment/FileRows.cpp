@@ -2,6 +2,11 @@
 
 namespace fieldcore {
 
+bool FileRows::IsSelected(int /*row*/) const
+{
+    return false;
+}
+
 int FileRows::SelectedCount() const
 {
     int count = 0;
@@ -20,22 +25,24 @@ int FileRows::Find(std::size_t record) const
     return row;
 }
 
-void FileRowList::Insert(int row, const FileRow& content)
+void FileRows::Insert(int row, const FileRow& content)
 {
     m_rows.insert(m_rows.begin() + row, content);
-    m_selected.insert(m_selected.begin() + row, false);
 }
 
-void FileRowList::Remove(int row)
+void FileRows::Remove(int row)
 {
     m_rows.erase(m_rows.begin() + row);
-    m_selected.erase(m_selected.begin() + row);
 }
 
-void FileRowList::Clear()
+void FileRows::Clear()
 {
     m_rows.clear();
-    m_selected.clear();
+}
+
+void FileRows::SetMark(int row, FileRow::Mark mark)
+{
+    m_rows.at(static_cast<std::size_t>(row)).mark = mark;
 }
 
 } // namespace fieldcore

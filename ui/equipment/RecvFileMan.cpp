@@ -127,7 +127,7 @@ bool CRecvFileMan::IsWorking() const
 
 void CRecvFileMan::SetListCtrl(FileList* list)
 {
-    m_files.SetRows(list);
+    m_files.SetRows(&list->Rows());
 }
 
 void CRecvFileMan::InitListCtrl(FileList* list)
@@ -192,9 +192,8 @@ int CRecvFileMan::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
 
 void CRecvFileMan::ChoiceAll()
 {
-    FileList& list = Page()->List();
-    list.selectAll();
-    list.Focus();
+    Page()->List().selectAll();
+    Page()->List().setFocus();
 }
 
 void CRecvFileMan::FileDownload()

@@ -85,7 +85,7 @@ void RecvFilePage::OnInitDialog()
 {
     m_man.InitListCtrl(m_list);
     m_man.InitIcon(m_list, &m_images);
-    m_list->Focus();
+    m_list->setFocus();
 }
 
 void RecvFilePage::OnSetActive()
@@ -121,7 +121,7 @@ void RecvFilePage::ShowState()
     if (m_man.GetActivePage() != this) {
         return;
     }
-    const int count = m_list->Count();
+    const int count = m_list->Rows().Count();
     const ReceiverFiles& files = m_man.Files();
     QStringList trouble;
     if (!m_man.Notice().empty()) {
@@ -132,7 +132,8 @@ void RecvFilePage::ShowState()
     } else {
         const wchar_t* const cause = CauseText(files.ListFault());
         if (count > 0) {
-            m_state->setText(ToQt(FormatText(text::kFilesCount, count, m_list->SelectedCount())));
+            m_state->setText(
+                ToQt(FormatText(text::kFilesCount, count, m_list->Rows().SelectedCount())));
         } else {
             m_state->setText(UiText(m_man.WasListed() ? text::kFilesEmpty : text::kFilesNotListed));
         }

@@ -107,7 +107,7 @@ TEST_F(FileManagerTest, AsksAndWarnsBefore)
         SCOPED_TRACE(row.label);
         StartLark({.version = row.version}, row.mode, 1);
         for (const int selected : row.selected) {
-            rows.Select(selected, true);
+            rows.Select(selected);
         }
         host.answers = {row.answer};
         FileManager(*files).FileDelete();
@@ -149,8 +149,8 @@ TEST_F(FileManagerTest, SendsALarkTheseCommands)
         }
         script.refused = {row.refused};
         StartLark(script, row.mode, 0);
-        rows.Select(0, true);
-        rows.Select(1, true);
+        rows.Select(0);
+        rows.Select(1);
         host.answers = {BoxAnswer::Yes};
         if (row.recover) {
             FileManager(*files).FileRecover();
@@ -226,7 +226,7 @@ protected:
     {
         Start(script);
         for (const int row : selected) {
-            rows.Select(row, true);
+            rows.Select(row);
         }
         FileManager(*files, around).FileDownload();
     }
