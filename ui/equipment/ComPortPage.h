@@ -4,6 +4,9 @@
 #include "core/link/ComPrmSet.h"
 #include "ui/controls/PropertyPage.h"
 
+#include <array>
+#include <cstddef>
+
 class QLabel;
 class QPushButton;
 
@@ -17,6 +20,8 @@ class ComPortPage : public PropertyPage, public RateObserver
     Q_OBJECT
 
 public:
+    static constexpr std::size_t kLists = 5; ///< of choices
+
     /// @param port  of the receiver, from 1
     explicit ComPortPage(int port, QWidget* parent = nullptr);
 
@@ -41,11 +46,7 @@ Q_SIGNALS:
 
 private:
     const int m_port;
-    CTComboBox* m_bps; // owned by the page, as are all that follow
-    CTComboBox* m_dataBits;
-    CTComboBox* m_parity;
-    CTComboBox* m_stopBits;
-    CTComboBox* m_flow;
+    std::array<CTComboBox*, kLists> m_lists{}; // owned by the page, as are all that follow
     QLabel* m_note;
     QPushButton* m_search;
     QLabel* m_found;
