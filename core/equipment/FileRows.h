@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -45,17 +46,34 @@ public:
     {
         return m_rows.at(static_cast<std::size_t>(row));
     }
-    [[nodiscard]] virtual bool IsSelected(int row) const;
+    [[nodiscard]] virtual bool IsSelected(int /*row*/) const { return false; }
     /// How many rows are selected.
-    [[nodiscard]] int SelectedCount() const;
+    [[nodiscard]] int SelectedCount() const
+    {
+        int count = 0;
+        for (int row = 0; row < Count(); ++row) {
+            count += IsSelected(row) ? 1 : 0;
+        }
+        return count;
+    }
     /// The row of a record. @return -1 if it is not, or no longer, in the list
-    [[nodiscard]] int Find(std::size_t record) const;
+    [[nodiscard]] int Find(std::size_t record) const
+    {
+        const auto row = std::ranges::find(m_rows, record, &FileRow::record);
+        return row != m_rows.end() ? static_cast<int>(row - m_rows.begin()) : -1;
+    }
 
     /// @param row  0 to Count()
-    virtual void Insert(int row, const FileRow& content);
-    virtual void Remove(int row);
-    virtual void Clear();
-    virtual void SetMark(int row, FileRow::Mark mark);
+    virtual void Insert(int row, const FileRow& content)
+    {
+        m_rows.insert(m_rows.begin() + row, content);
+    }
+    virtual void Remove(int row) { m_rows.erase(m_rows.begin() + row); }
+    virtual void Clear() { m_rows.clear(); }
+    virtual void SetMark(int row, FileRow::Mark mark)
+    {
+        m_rows.at(static_cast<std::size_t>(row)).mark = mark;
+    }
 
     /// The listing has ended: draw everything again.
     virtual void Redraw() {}
