@@ -3,7 +3,6 @@
 #include "cli/PortSession.h"
 
 #include "core/equipment/StatusRows.h"
-#include "core/equipment/VersionRows.h"
 #include "core/link/RecvInfo.h"
 
 #include <chrono>

@@ -27,7 +27,7 @@ bool Answers(CCommand& command, const ConnectTarget& target)
 } // namespace
 
 std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
-                                        RateObserver* observer)
+                                        const RateWatch& watch)
 {
     std::vector<std::uint32_t> rates(kLikely.begin(), kLikely.end());
     std::erase(rates, target.settings.baudRate);
@@ -35,8 +35,8 @@ std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
     target.settings.replyTimeout = kAnswer;
     int done = 0;
     for (const std::uint32_t rate : rates) {
-        if (observer != nullptr) {
-            observer->OnRate(rate, done, static_cast<int>(rates.size()));
+        if (watch) {
+            watch(rate, done, static_cast<int>(rates.size()));
         }
         target.settings.baudRate = rate;
         const bool answered = Answers(command, target);

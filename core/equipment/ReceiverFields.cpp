@@ -171,6 +171,11 @@ Moment MomentOf(const ReceiverTime& t, R r, V /*view*/)
     return {t.jst - (IsJst ? seconds(0) : seconds(kJst)), r.isSynchronised, IsJst};
 }
 
+constexpr FieldReader kTrust{When<&Receiver::time>, [](R r, V /*view*/) {
+                                 return r.time || r.position ? Known(r.isSynchronised)
+                                                             : std::nullopt;
+                             }};
+
 const Term* ControllerClock(const ReceiverTime& /*t*/, R r, V view)
 {
     return r.clockChange && r.clockChange->isSet ? &kClockSet
@@ -325,12 +330,7 @@ constexpr ReceiverField kFields[] = {
      Told<&Receiver::status, &StatusReply::timeValid>()},
     {"utcOffsetS", "GPS time minus UTC", text::kStatusOffset, kStatus,
      Synchronised<[](const ReceiverTime&, R r, V) { return r.utcOffsetS; }>(), kOffset},
-    {"synchronised",
-     "time can be trusted",
-     text::kStatusSynchro,
-     kStatus,
-     {When<&Receiver::time>,
-      [](R r, V) { return r.time || r.position ? Known(r.isSynchronised) : std::nullopt; }}},
+    {"synchronised", "time can be trusted", text::kStatusSynchro, kStatus, kTrust},
     {"controllerAheadS", "controller ahead by", text::kStatusClock, F::Page,
      Synchronised<[](const ReceiverTime& t) {
          return std::chrono::duration<double>(t.controllerAhead).count();
@@ -431,12 +431,13 @@ struct MomentParts
 MomentParts PartsOf(std::chrono::local_seconds time, bool hasSeconds)
 {
     const CTime::LocalParts p = CalendarPartsOf(time);
-    std::array<char, 64> date{};
-    std::array<char, 64> timeOfDay{};
-    std::snprintf(date.data(), date.size(), "%04d-%02d-%02d", p.year, p.month, p.day);
-    std::snprintf(timeOfDay.data(), timeOfDay.size(), hasSeconds ? "%02d:%02d:%02d" : "%02d:%02d",
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", p.year, p.month, p.day,
                   p.hour, p.minute, p.second);
-    return {date.data(), timeOfDay.data()};
+    const std::string_view all(text.data());
+    const std::size_t blank = all.find(' ');
+    return {std::string(all.substr(0, blank)),
+            std::string(all.substr(blank + 1, hasSeconds ? 8 : 5))};
 }
 
 /// As ISO 8601 for programs.

@@ -1,5 +1,6 @@
 #include "ui/equipment/ComPort.h"
 
+#include "core/equipment/LinkSearch.h"
 #include "core/host/MesBox.h"
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
@@ -191,7 +192,11 @@ void CComPort::Search(ComPortPage* page)
     set.GetSETCOMMS(page->Port(), chosen);
     target->settings = LineOf(chosen);
     const Questions::Quiet quiet(*m_command); // a link that was lost is looked for, too
-    if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
+    const auto show = [page](std::uint32_t rate, int done, int total) {
+        page->ShowSearchResult(
+            ToQt(FormatText(text::kComSearching, static_cast<long>(rate), done + 1, total)));
+    };
+    if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, show)) {
         chosen.baudRate = *rate;
         set.SetSETCOMMS(chosen);
         page->InsertString(set);

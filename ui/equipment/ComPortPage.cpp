@@ -85,12 +85,6 @@ void ComPortPage::OfferSearch()
     m_search->show();
 }
 
-void ComPortPage::OnRate(std::uint32_t rate, int done, int total)
-{
-    ShowSearchResult(
-        ToQt(FormatText(text::kComSearching, static_cast<long>(rate), done + 1, total)));
-}
-
 void ComPortPage::ShowSearchResult(const QString& text)
 {
     m_found->setText(text);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/equipment/LinkSearch.h"
 #include "core/link/ComPrmSet.h"
 #include "ui/controls/PropertyPage.h"
 
@@ -15,7 +14,7 @@ namespace fieldcore {
 class CTComboBox;
 
 /// The page of one port of the receiver: its five parameters. User-interface thread only.
-class ComPortPage : public PropertyPage, public RateObserver
+class ComPortPage : public PropertyPage
 {
     Q_OBJECT
 
@@ -30,8 +29,7 @@ public:
     void ShowNote(const QString& note);
     /// Offers to look for the receiver's rate.
     void OfferSearch();
-    void OnRate(std::uint32_t rate, int done, int total) override;
-    /// @param text  how the search ended
+    /// @param text  how far the search is, or how it ended
     void ShowSearchResult(const QString& text);
 
     /// Fills the five lists with their choices, and selects those of @p set.

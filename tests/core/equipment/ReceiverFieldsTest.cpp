@@ -3,7 +3,6 @@
 #include "core/equipment/ReceiverFields.h"
 
 #include "core/equipment/StatusRows.h"
-#include "core/equipment/VersionRows.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/KnownReceiver.h"
