@@ -28,11 +28,6 @@ constexpr seconds kLast =
 
 } // namespace
 
-bool IsUsableUtcOffset(int offsetS)
-{
-    return offsetS < kFirstRefusedOffsetS && offsetS > -kFirstRefusedOffsetS;
-}
-
 bool IsPositionComputed(const ReturnPositionStatusInformation& status)
 {
     return status.fixKind >= kFirstComputedFix;
@@ -88,7 +83,8 @@ void CGPSError::SetTimeSynchro(int flag)
         return;
     }
     GpsTimeReply time;
-    if (stRequestGpsTime(time) == 0 || !IsUsableUtcOffset(time.utcOffsetS)) {
+    if (stRequestGpsTime(time) == 0 || time.utcOffsetS >= kFirstRefusedOffsetS ||
+        time.utcOffsetS <= -kFirstRefusedOffsetS) {
         m_utcOffsetS = 0;
         return;
     }

@@ -127,6 +127,16 @@ constexpr FieldReader Who()
     return {nullptr, [](R r, V /*view*/) { return Ask<Read>(CRecvInfo(r.identity)); }};
 }
 
+/// Whether a place is there: a position is computed, and it is one.
+bool HasPlace(const PositionStatusReply& position)
+{
+    const SiteReply& site = position.position;
+    return IsPositionComputed(position) && std::isfinite(site.latitudeRad) &&
+           std::isfinite(site.longitudeRad) && std::isfinite(site.heightM) &&
+           std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
+           std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
+}
+
 /// A place where there is one. @p Read may also take the view.
 template <auto Read>
 constexpr FieldReader Placed()
@@ -181,6 +191,26 @@ const Term* ControllerClock(const ReceiverTime& /*t*/, R r, V view)
     return r.clockChange && r.clockChange->isSet ? &kClockSet
            : view.maySetClock                    ? &kClockRefused
                                                  : &kClockLeft;
+}
+
+/// The plane zone whose origin is nearest to a place. Which zone a survey must use is a matter of
+/// the prefecture; this is a proposal.
+int NearestPlaneZone(const SiteReply& place)
+{
+    int nearest = kFirstPlaneZone;
+    double least = std::numeric_limits<double>::infinity();
+    for (int zone = kFirstPlaneZone; zone <= kLastPlaneZone; ++zone) {
+        const GeodeticPosition origin = PlaneOrigin(zone).value_or(GeodeticPosition{});
+        const double north = place.latitudeRad - origin.latitudeRad;
+        const double east =
+            (place.longitudeRad - origin.longitudeRad) * std::cos(origin.latitudeRad);
+        const double distance = std::hypot(north, east);
+        if (distance < least) {
+            least = distance;
+            nearest = zone;
+        }
+    }
+    return nearest;
 }
 
 struct PlanePlace
@@ -606,33 +636,6 @@ Value UtcValue(Clock::UtcTime utc)
 {
     const auto time = std::chrono::floor<seconds>(utc).time_since_epoch();
     return ReportMoment({std::chrono::local_seconds(time), true, false});
-}
-
-bool HasPlace(const PositionStatusReply& position)
-{
-    const SiteReply& site = position.position;
-    return IsPositionComputed(position) && std::isfinite(site.latitudeRad) &&
-           std::isfinite(site.longitudeRad) && std::isfinite(site.heightM) &&
-           std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
-           std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
-}
-
-int NearestPlaneZone(const SiteReply& place)
-{
-    int nearest = kFirstPlaneZone;
-    double least = std::numeric_limits<double>::infinity();
-    for (int zone = kFirstPlaneZone; zone <= kLastPlaneZone; ++zone) {
-        const GeodeticPosition origin = PlaneOrigin(zone).value_or(GeodeticPosition{});
-        const double north = place.latitudeRad - origin.latitudeRad;
-        const double east =
-            (place.longitudeRad - origin.longitudeRad) * std::cos(origin.latitudeRad);
-        const double distance = std::hypot(north, east);
-        if (distance < least) {
-            least = distance;
-            nearest = zone;
-        }
-    }
-    return nearest;
 }
 
 } // namespace fieldcore

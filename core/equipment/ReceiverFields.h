@@ -138,11 +138,4 @@ AgeOf(const ReceiverField& field, const Receiver& receiver, const StatusView& vi
 /// A moment of the controller's clock for reports, in UTC.
 [[nodiscard]] Value UtcValue(Clock::UtcTime utc);
 
-/// Whether a place is there to show: a position is computed, and it is one.
-[[nodiscard]] bool HasPlace(const PositionStatusReply& position);
-
-/// The plane zone whose origin is nearest to a place. Which zone a survey must use is a matter of
-/// the prefecture; this is a proposal.
-[[nodiscard]] int NearestPlaneZone(const SiteReply& place);
-
 } // namespace fieldcore

@@ -51,13 +51,23 @@ constexpr InstalledOption kOptions[] = {
     {"Meridian board", text::kOptionMeridian, Has<&Info::GetMeridian>},
 };
 
+/// How old a value is: seconds, then minutes.
+std::wstring AgeText(Clock::Duration age)
+{
+    const auto seconds = static_cast<int>(age / std::chrono::seconds(1));
+    return seconds < 120 ? FormatText(text::kAgeSeconds, seconds)
+                         : FormatText(text::kAgeMinutes, seconds / 60);
+}
+
 } // namespace
 
 StatusRow StatusRowOf(const ReceiverField& field, const Receiver& receiver, const StatusView& view)
 {
     StatusRow row{&field, FieldText(field, receiver, view), L"", IsStale(field, receiver, view)};
     if (const auto age = AgeOf(field, receiver, view)) {
-        row.age = row.isStale ? LastReceivedText(view.utc, *age) : AgeText(*age);
+        row.age = row.isStale ? FormatText(text::kStatusLastReceived,
+                                           ControllerTimeOfDay(view.utc - *age).c_str())
+                              : AgeText(*age);
     }
     return row;
 }
@@ -135,21 +145,6 @@ std::optional<int> BatteryPercent(const Receiver& receiver)
     const std::optional<FieldValue> percent = ReadField(FieldOf("batteryPercent"), receiver);
     return percent ? std::optional(static_cast<int>(std::get<std::int64_t>(*percent)))
                    : std::nullopt;
-}
-
-std::wstring AgeText(Clock::Duration age)
-{
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(age);
-    if (seconds < std::chrono::minutes(2)) {
-        return FormatText(text::kAgeSeconds, static_cast<int>(seconds.count()));
-    }
-    const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(seconds);
-    return FormatText(text::kAgeMinutes, static_cast<int>(minutes.count()));
-}
-
-std::wstring LastReceivedText(Clock::UtcTime utc, Clock::Duration age)
-{
-    return FormatText(text::kStatusLastReceived, ControllerTimeOfDay(utc - age).c_str());
 }
 
 std::span<const InstalledOption> AllInstalledOptions()

@@ -39,10 +39,6 @@ struct StatusRow
 [[nodiscard]] std::wstring BatteryText(const Receiver& receiver, const StatusView& view);
 /// The charge in percent; nothing if it is not known.
 [[nodiscard]] std::optional<int> BatteryPercent(const Receiver& receiver);
-/// How old a value is, for the user: seconds, then minutes.
-[[nodiscard]] std::wstring AgeText(Clock::Duration age);
-/// "最終受信 12:34:56": when a value of @p age came, by the controller's clock in Japan's time.
-[[nodiscard]] std::wstring LastReceivedText(Clock::UtcTime utc, Clock::Duration age);
 
 // The version display.
 

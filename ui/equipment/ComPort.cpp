@@ -16,11 +16,6 @@ namespace {
 
 constexpr const wchar_t* kName = L"Com"; // under which the open page is remembered
 
-QString TitleOf(int port)
-{
-    return ToQt(FormatText(text::kComPage, port));
-}
-
 } // namespace
 
 CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidget* parent,
@@ -59,7 +54,7 @@ void CComPort::AddPages(int count)
         auto* const page = new ComPortPage(port);
         page->InsertString(m_edit->At(port));
         connect(page, &ComPortPage::SearchWanted, this, [this, page] { Search(page); });
-        AddPage(page, TitleOf(port));
+        AddPage(page, ToQt(FormatText(text::kComPage, port)));
     }
 }
 
