@@ -42,7 +42,7 @@ private:
 
     PortSession& m_session;
     ReceiverFiles m_receiver;
-    FileRowList m_rows;
+    FileRows m_rows;
     std::optional<Failure> m_incomplete;
 };
 

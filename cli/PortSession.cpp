@@ -27,8 +27,8 @@ Failure SendingFailure(std::string detail)
             std::move(detail)};
 }
 
-/// Shows the steps of connecting, or the rates of a search, as they come.
-class ProgressPrinter final : public ConnectObserver, public RateObserver
+/// Shows the steps of connecting as they come.
+class ProgressPrinter final : public ConnectObserver
 {
 public:
     explicit ProgressPrinter(Output& output) : m_output(output) {}
@@ -36,10 +36,6 @@ public:
     void OnStep(ConnectStep step, int done, int total) override
     {
         m_output.ProgressOf(done + 1, total, ToUtf8(StepText(step)));
-    }
-    void OnRate(std::uint32_t rate, int done, int total) override
-    {
-        m_output.ProgressOf(done + 1, total, std::to_string(rate) + " bit/s");
     }
 
 private:
@@ -281,8 +277,10 @@ std::optional<Failure> PortSession::Search()
     if (auto failure = Prepare()) {
         return failure;
     }
-    ProgressPrinter printer(m_output);
-    const std::optional<std::uint32_t> rate = SearchRate(*m_command, m_target, &printer);
+    const std::optional<std::uint32_t> rate =
+        SearchRate(*m_command, m_target, [this](std::uint32_t tried, int done, int total) {
+            m_output.ProgressOf(done + 1, total, std::to_string(tried) + " bit/s");
+        });
     m_output.Progress("");
     if (rate) {
         m_target.settings.baudRate = *rate;

@@ -3,7 +3,6 @@
 #include "cli/PortSession.h"
 
 #include "core/equipment/StatusRows.h"
-#include "core/equipment/VersionRows.h"
 #include "core/link/RecvInfo.h"
 
 #include <chrono>
@@ -64,16 +63,15 @@ void AddStatus(Report& report, const Receiver& receiver)
 void AddAges(Report& report, const Receiver& receiver, Clock::Duration now)
 {
     Report& ages = report.AddSection("agesS");
-    const auto add = [&](const char* key, FieldSource source) {
-        const std::optional<Clock::Duration> at = TimeOf(source, receiver);
-        ages.Add(key, at ? Value::Real(std::chrono::duration<double>(now - *at).count(), 3)
-                         : Value::Unknown());
+    const auto add = [&](const char* key, const auto& reply) {
+        ages.Add(key, reply ? Value::Real(std::chrono::duration<double>(now - reply->at).count(), 3)
+                            : Value::Unknown());
     };
     // By the answer that they came with.
-    add("status", FieldSource::Status);
-    add("time", FieldSource::Time);
-    add("position", FieldSource::Position);
-    add("powerSource", FieldSource::PowerSource);
+    add("status", receiver.status);
+    add("time", receiver.time);
+    add("position", receiver.position);
+    add("powerSource", receiver.powerSource);
 }
 
 void AddIdentity(Report& report, const ReceiverIdentity& identity)

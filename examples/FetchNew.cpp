@@ -25,7 +25,7 @@ int main(int argc, char** argv)
     fieldcore::UseSimulator();
     fieldcore::CCommand receiver;
     fieldcore::ReceiverFiles files(receiver);
-    fieldcore::FileRowList rows;
+    fieldcore::FileRows rows;
     files.SetRows(&rows);
     fieldcore::FilePlan plan;
     plan.folder = argc > 2 ? argv[2] : "fetched";

@@ -22,7 +22,7 @@ void CheckPage(const FilePage& page, std::size_t most)
         Check(file.name[kLongestFileName] == L'\0');
         Check(file.Name().find(L'\0') == std::wstring_view::npos);
         Check(FileRowName(file.Name()).size() <= kLongestFileName);
-        Check(!DateFolderName(FileDateText(file.time)).empty());
+        Check(DateFolderName(file.time).size() == 10);
         Check(!FileSizeText(file.size).empty());
         if (CheckReceivedName(file.Name()) == NameFault::None) {
             const std::filesystem::path name(ToUtf8(file.Name()));

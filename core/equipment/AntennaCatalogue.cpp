@@ -19,7 +19,9 @@
 #include <cstdint>
 #include <cwchar>
 #include <fstream>
+#include <functional>
 #include <map>
+#include <set>
 #include <span>
 #include <system_error>
 #include <utility>
@@ -39,65 +41,50 @@ constexpr const wchar_t* kCharCode = L"CharCode";
 constexpr const wchar_t* kCode = L"Type";
 constexpr const wchar_t* kMethod = L"MeasMethod";
 
-/// The number behind @p prefix as the file has it, without zeros in front.
-/// @return nothing if @p key is another one, or the number is not below @p limit
-std::optional<int> NumberOf(std::wstring_view key, std::wstring_view prefix, int limit)
+/// The values of a section under the keys that count. Of an entry that is there twice the first
+/// does.
+using Values = std::map<std::wstring, std::optional<std::wstring>, std::less<>>;
+
+/// The keys of @p prefix with the numbers from 0 to before @p limit, as yet without values.
+Values NumberedKeys(const std::wstring& prefix, int limit)
 {
-    if (!key.starts_with(prefix)) {
-        return std::nullopt;
+    Values keys;
+    for (int number = 0; number < limit; ++number) {
+        keys[prefix + std::to_wstring(number)];
     }
-    key.remove_prefix(prefix.size());
-    int number = 0;
-    for (const wchar_t digit : key) {
-        if (digit < L'0' || digit > L'9' || number >= limit) {
-            return std::nullopt;
-        }
-        number = 10 * number + (digit - L'0');
-    }
-    return number < limit && key == std::to_wstring(number) ? std::optional(number) : std::nullopt;
+    return keys;
 }
 
-/// Values under numbers, of which the first counts.
-class Numbered
+/// The values under numbered keys, from 0 to before the first that is missing.
+std::vector<std::wstring> RowOf(const Values& values, const std::wstring& prefix)
 {
-public:
-    void Add(int number, std::wstring_view value) { m_values.try_emplace(number, value); }
-
-    /// Those from 0 to before the first that is missing.
-    [[nodiscard]] std::vector<std::wstring> Row() const
-    {
-        std::vector<std::wstring> row;
-        for (const auto& [number, value] : m_values) { // in order of the numbers
-            if (number != static_cast<int>(row.size())) {
-                break;
-            }
-            row.push_back(value);
+    std::vector<std::wstring> row;
+    for (;;) {
+        const auto value = values.find(prefix + std::to_wstring(row.size()));
+        if (value == values.end() || !value->second) {
+            return row;
         }
-        return row;
+        row.push_back(*value->second);
     }
+}
 
-private:
-    std::map<int, std::wstring> m_values;
-};
-
-/// What a section says of an antenna; several types may name the same one.
-struct Description
+/// What sections of a file say under some keys.
+std::map<std::wstring, Values> ReadSections(const ProfileText& file,
+                                            const std::set<std::wstring>& names, const Values& keys)
 {
-    std::optional<std::wstring> charCode;
-    std::optional<std::wstring> code;
-    Numbered methods;
-
-    void Add(std::wstring_view key, std::wstring_view value)
-    {
-        if (key == kCharCode && !charCode) {
-            charCode = value;
-        } else if (key == kCode && !code) {
-            code = value;
-        } else if (const auto method = NumberOf(key, kMethod, AntennaCatalogue::kMaxMethods)) {
-            methods.Add(*method, value.empty() ? Text(text::kAntennaDefaultMethod) : value);
-        }
+    const std::vector<std::wstring> sections(names.begin(), names.end());
+    std::map<std::wstring, Values> found;
+    for (const std::wstring& name : sections) {
+        found.emplace(name, keys);
     }
-};
+    file.Visit(sections, [&](std::size_t at, std::wstring_view key, std::wstring_view value) {
+        Values& values = found.at(sections[at]);
+        if (const auto known = values.find(key); known != values.end() && !known->second) {
+            known->second = value;
+        }
+    });
+    return found;
+}
 
 std::vector<AntennaFileType> ReadFile(const fs::path& file)
 {
@@ -176,48 +163,34 @@ AntennaMethod ParseAntennaMethod(std::wstring_view text)
 
 AntennaHeight ReduceAntennaHeight(double measuredM, const AntennaMethod& method)
 {
-    AntennaHeight height{measuredM, 0.0, 0.0, method, AntennaReduction::TooShort};
     const double h2 = measuredM * measuredM; // two products of their own: see Build.cmake
     const double r2 = method.radiusM * method.radiusM;
-    height.squareM2 = h2 - r2;
-    if (height.squareM2 > 0.0) {
-        height.verticalM = std::sqrt(height.squareM2) + method.verticalM;
-        height.reduction =
-            method.radiusM == 0.0 ? AntennaReduction::Upright : AntennaReduction::Slant;
-    } else {
-        height.verticalM = measuredM + method.verticalM;
-        if (method.radiusM == 0.0) {
-            height.reduction = AntennaReduction::Upright; // nothing was measured yet
-        }
-    }
-    return height;
+    const double square = h2 - r2;
+    const bool isLonger = square > 0.0;
+    return {measuredM, (isLonger ? std::sqrt(square) : measuredM) + method.verticalM, square,
+            method,
+            method.radiusM == 0.0 ? AntennaReduction::Upright // perhaps nothing was measured yet
+            : isLonger            ? AntennaReduction::Slant
+                                  : AntennaReduction::TooShort};
 }
 
 std::vector<AntennaFileType> ReadAntennaFile(std::string bytes)
 {
     const ProfileText file(std::move(bytes));
-    Numbered list;
-    const std::wstring head(kType);
-    file.Visit(std::span(&head, 1),
-               [&](std::size_t, std::wstring_view key, std::wstring_view name) {
-                   if (const auto type = NumberOf(key, L"DATA", AntennaCatalogue::kMaxTypes)) {
-                       list.Add(*type, name);
-                   }
-               });
-    const std::vector<std::wstring> names = list.Row();
-    std::vector<std::wstring> sections = names;
-    std::sort(sections.begin(), sections.end());
-    sections.erase(std::unique(sections.begin(), sections.end()), sections.end());
-    std::vector<Description> found(sections.size());
-    file.Visit(sections, [&](std::size_t at, std::wstring_view key, std::wstring_view value) {
-        found[at].Add(key, value);
-    });
+    const std::wstring data = L"DATA";
+    const std::vector<std::wstring> names = RowOf(
+        ReadSections(file, {kType}, NumberedKeys(data, AntennaCatalogue::kMaxTypes)).at(kType),
+        data);
+    Values keys = NumberedKeys(kMethod, AntennaCatalogue::kMaxMethods);
+    keys[kCharCode];
+    keys[kCode];
+    const auto sections = ReadSections(file, {names.begin(), names.end()}, keys);
     std::vector<AntennaFileType> types;
     for (const std::wstring& name : names) {
-        const auto at = std::lower_bound(sections.begin(), sections.end(), name);
-        const Description& section = found[static_cast<std::size_t>(at - sections.begin())];
-        types.push_back({name, section.charCode.value_or(L"  "), section.code.value_or(L"0"),
-                         section.methods.Row()});
+        const Values& values = sections.at(name); // several types may name the same section
+        types.push_back({name, values.at(kCharCode).value_or(L"  "),
+                         values.at(kCode).value_or(L"0"), RowOf(values, kMethod)});
+        std::ranges::replace(types.back().methods, L"", Text(text::kAntennaDefaultMethod));
     }
     return types;
 }

@@ -93,9 +93,8 @@ bool IsFetchedFile(const fs::path& folder, const DirectoryListingData& record,
         return false;
     }
     const fs::path file = ToUtf8(name);
-    const std::wstring day = DateFolderName(FileDateText(record.time));
     return IsFileOfSize(folder / file, record.size) ||
-           (!day.empty() && IsFileOfSize(folder / ToUtf8(day) / file, record.size));
+           IsFileOfSize(folder / ToUtf8(DateFolderName(record.time)) / file, record.size);
 }
 
 } // namespace fieldcore

@@ -48,7 +48,6 @@ public:
 
     /// What will be fetched: without what is there already, if that is left out.
     [[nodiscard]] std::uint64_t TotalBytes() const;
-    [[nodiscard]] std::uint32_t BitRate() const { return m_bitRate; }
     /// The total size and the estimated time, in two lines.
     [[nodiscard]] std::wstring Summary() const;
     /// Bytes that the user may still write to the chosen folder; nothing if the system does not

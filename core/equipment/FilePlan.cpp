@@ -24,7 +24,6 @@ struct Meaning
 
 constexpr const char* kOtherFolder = "Choose another folder with --to, or another medium.";
 
-// Of those that can fail, in their order.
 constexpr std::array kMeanings{
     Meaning{BeingLogged, text::kFileCauseLogging,
             TerminalFault{6, "file-logging",
@@ -52,28 +51,14 @@ constexpr std::array kMeanings{
                           "List the files again, then fetch it once more."}},
 };
 
-constexpr bool StandAtTheirPlaces()
-{
-    for (std::size_t i = 0; i < kMeanings.size(); ++i) {
-        if (static_cast<std::size_t>(kMeanings[i].outcome) !=
-            static_cast<std::size_t>(BeingLogged) + i) {
-            return false;
-        }
-    }
-    return kMeanings.back().outcome == WrongSize;
-}
-static_assert(StandAtTheirPlaces());
-
 /// @return null if the fault says it
 const Meaning* MeaningOf(const PlannedFile& file)
 {
     // Where nobody can say how much space there is, there is no folder.
     const FileOutcome outcome =
         file.outcome == NoSpace && file.error ? FolderRefused : file.outcome;
-    return outcome >= BeingLogged && outcome <= WrongSize
-               ? &kMeanings[static_cast<std::size_t>(outcome) -
-                            static_cast<std::size_t>(BeingLogged)]
-               : nullptr;
+    const auto* const meaning = std::ranges::find(kMeanings, outcome, &Meaning::outcome);
+    return meaning != kMeanings.end() ? meaning : nullptr;
 }
 
 } // namespace
@@ -133,9 +118,7 @@ std::uint64_t FilePlan::BytesAlreadyIn(const std::filesystem::path& where) const
 
 std::filesystem::path FilePlan::FolderOf(const PlannedFile& file) const
 {
-    const std::wstring day =
-        dateFolders ? DateFolderName(FileDateText(file.record.time)) : std::wstring();
-    return day.empty() ? folder : folder / ToUtf8(day);
+    return dateFolders ? folder / ToUtf8(DateFolderName(file.record.time)) : folder;
 }
 
 void FilePlan::LeaveOutFetched()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -33,54 +34,54 @@ struct FileRow
     std::size_t record = 0; ///< its index in the table of the listing
 };
 
-/// The rows of the active page: a list on a screen, or what stands for it in a terminal or a
-/// test. Rows are counted from 0. The thread that uses the library.
+/// The rows of the active page: a list on a screen, or what stands for it where there is none, and
+/// nothing is selected. Rows are counted from 0. The thread that uses the library.
 class FileRows
 {
 public:
     virtual ~FileRows() = default;
 
-    [[nodiscard]] virtual int Count() const = 0;
-    [[nodiscard]] virtual const FileRow& At(int row) const = 0;
-    [[nodiscard]] virtual bool IsSelected(int row) const = 0;
+    [[nodiscard]] int Count() const { return static_cast<int>(m_rows.size()); }
+    [[nodiscard]] const FileRow& At(int row) const
+    {
+        return m_rows.at(static_cast<std::size_t>(row));
+    }
+    [[nodiscard]] virtual bool IsSelected(int /*row*/) const { return false; }
+    /// How many rows are selected.
+    [[nodiscard]] int SelectedCount() const
+    {
+        int count = 0;
+        for (int row = 0; row < Count(); ++row) {
+            count += IsSelected(row) ? 1 : 0;
+        }
+        return count;
+    }
+    /// The row of a record. @return -1 if it is not, or no longer, in the list
+    [[nodiscard]] int Find(std::size_t record) const
+    {
+        const auto row = std::ranges::find(m_rows, record, &FileRow::record);
+        return row != m_rows.end() ? static_cast<int>(row - m_rows.begin()) : -1;
+    }
 
     /// @param row  0 to Count()
-    virtual void Insert(int row, const FileRow& content) = 0;
-    virtual void Remove(int row) = 0;
-    virtual void Clear() = 0;
+    virtual void Insert(int row, const FileRow& content)
+    {
+        m_rows.insert(m_rows.begin() + row, content);
+    }
+    virtual void Remove(int row) { m_rows.erase(m_rows.begin() + row); }
+    virtual void Clear() { m_rows.clear(); }
+    virtual void SetMark(int row, FileRow::Mark mark)
+    {
+        m_rows.at(static_cast<std::size_t>(row)).mark = mark;
+    }
 
-    virtual void SetMark(int row, FileRow::Mark mark) = 0;
     /// The listing has ended: draw everything again.
     virtual void Redraw() {}
     /// An operation has ended: the list gets the focus back.
     virtual void Focus() {}
 
-    /// How many rows are selected.
-    [[nodiscard]] int SelectedCount() const;
-    /// The row of a record. @return -1 if it is not, or no longer, in the list
-    [[nodiscard]] int Find(std::size_t record) const;
-};
-
-/// Rows that are kept in memory, for who has no list to show them in.
-class FileRowList final : public FileRows
-{
-public:
-    [[nodiscard]] int Count() const override { return static_cast<int>(m_rows.size()); }
-    [[nodiscard]] const FileRow& At(int row) const override { return m_rows.at(Place(row)); }
-    [[nodiscard]] bool IsSelected(int row) const override { return m_selected.at(Place(row)); }
-    void Insert(int row, const FileRow& content) override;
-    void Remove(int row) override;
-    void Clear() override;
-    void SetMark(int row, FileRow::Mark mark) override { m_rows.at(Place(row)).mark = mark; }
-
-    void Select(int row, bool selected) { m_selected.at(Place(row)) = selected; }
-    void SelectAll() { m_selected.assign(m_rows.size(), true); }
-
 private:
-    static std::size_t Place(int row) { return static_cast<std::size_t>(row); }
-
     std::vector<FileRow> m_rows;
-    std::vector<bool> m_selected; // as many
 };
 
 } // namespace fieldcore

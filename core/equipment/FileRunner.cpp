@@ -8,6 +8,7 @@
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <utility>
@@ -30,25 +31,14 @@ bool IsFull(std::error_code error)
 
 FileOutcome OutcomeOf(DownloadFault fault, std::error_code error)
 {
-    switch (fault) {
-    case DownloadFault::Name:
-        return FileOutcome::NameRefused;
-    case DownloadFault::Folder:
-        return IsFull(error) ? FileOutcome::DiskFull : FileOutcome::FolderRefused;
-    case DownloadFault::Write:
-        return IsFull(error) ? FileOutcome::DiskFull : FileOutcome::NotWritten;
-    case DownloadFault::NoSuchFile:
-        return FileOutcome::NoSuchFile;
-    case DownloadFault::BeingLogged:
-        return FileOutcome::BeingLogged;
-    case DownloadFault::None: // the bytes were counted, then
-    case DownloadFault::WrongSize:
-        return FileOutcome::WrongSize;
-    case DownloadFault::Link:
-    case DownloadFault::Cancelled:
-        break;
-    }
-    return FileOutcome::RequestFailed;
+    using enum FileOutcome;
+    // In the order of the faults; without one the bytes were counted.
+    constexpr std::array kOutcomes{WrongSize,  NameRefused,   FolderRefused,
+                                   NotWritten, NoSuchFile,    BeingLogged,
+                                   WrongSize,  RequestFailed, RequestFailed};
+    const FileOutcome outcome = kOutcomes.at(static_cast<std::size_t>(fault));
+    const bool isWritten = outcome == FolderRefused || outcome == NotWritten;
+    return isWritten && IsFull(error) ? DiskFull : outcome;
 }
 
 /// Whether a look for a file that ended so has told that there is none: it was listed without it,

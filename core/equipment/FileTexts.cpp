@@ -14,7 +14,6 @@ namespace fieldcore {
 
 namespace {
 
-constexpr std::size_t kShortYear = 2; // digits
 constexpr int kFirstYearOf1900s = 80;
 constexpr double kUnit = 1024.0;
 constexpr double kMostKilobytes = 1000.0;
@@ -23,9 +22,16 @@ constexpr std::uint64_t kMegabyte = 1024 * kKilobyte;
 constexpr std::uint32_t kUsualRate = 9600;
 constexpr std::uint64_t kBitsPerByte = 10; // with start and stop bit
 
-bool IsNumber(std::wstring_view text)
+std::chrono::year_month_day DayOf(std::uint32_t seconds)
 {
-    return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
+    return std::chrono::floor<std::chrono::days>(kGpsEpoch + std::chrono::seconds(seconds));
+}
+
+std::wstring WithMonthAndDay(int year, wchar_t between, std::chrono::year_month_day date)
+{
+    return FormatWhole(static_cast<std::uint32_t>(year), 2) + between +
+           FormatWhole(static_cast<unsigned>(date.month()), 2) + between +
+           FormatWhole(static_cast<unsigned>(date.day()), 2);
 }
 
 constexpr std::array kUnits{L" B", L" KB", L" MB", L" GB", L" TB"};
@@ -50,13 +56,16 @@ std::wstring FileRowName(std::wstring_view name)
 
 std::wstring FileDateText(std::uint32_t seconds)
 {
-    const std::chrono::year_month_day date(
-        std::chrono::floor<std::chrono::days>(kGpsEpoch + std::chrono::seconds(seconds)));
+    const std::chrono::year_month_day date = DayOf(seconds);
     const int year = static_cast<int>(date.year());
-    const int yearDigits = year < 2000 ? year - 1900 : year - 2000;
-    return FormatWhole(static_cast<std::uint32_t>(yearDigits), kShortYear) + L"/" +
-           FormatWhole(static_cast<unsigned>(date.month()), 2) + L"/" +
-           FormatWhole(static_cast<unsigned>(date.day()), 2);
+    return WithMonthAndDay(year < 2000 ? year - 1900 : year - 2000, L'/', date);
+}
+
+std::wstring DateFolderName(std::uint32_t seconds)
+{
+    const std::chrono::year_month_day date = DayOf(seconds);
+    const int year = static_cast<int>(date.year()) % 100;
+    return WithMonthAndDay(year + (year >= kFirstYearOf1900s ? 1900 : 2000), L'-', date);
 }
 
 std::wstring FileTimeText(std::uint32_t seconds)
@@ -77,25 +86,6 @@ std::wstring FileSizeText(double bytes)
 const wchar_t* FileSizeUnit(std::wstring_view sizeText)
 {
     return sizeText.ends_with(L'M') ? L"B" : L" KB";
-}
-
-std::wstring DateFolderName(std::wstring_view date)
-{
-    constexpr std::size_t kBehindYear = 6; // "/MM/DD"
-    if (date.size() < kShortYear + kBehindYear) {
-        return {};
-    }
-    const std::wstring_view wholeYear = date.substr(0, date.size() - kBehindYear);
-    const std::wstring_view rest = date.substr(wholeYear.size());
-    const std::wstring_view month = rest.substr(1, 2);
-    const std::wstring_view day = rest.substr(4, 2);
-    if (rest[0] != L'/' || rest[3] != L'/' || !IsNumber(wholeYear) || !IsNumber(month) ||
-        !IsNumber(day)) {
-        return {};
-    }
-    const std::wstring year(wholeYear.substr(wholeYear.size() - kShortYear));
-    const wchar_t* const century = CParts::atof(year) >= kFirstYearOf1900s ? L"19" : L"20";
-    return century + year + L"-" + std::wstring(month) + L"-" + std::wstring(day);
 }
 
 const wchar_t* FileExtension(bool q02Format, double version, bool live)

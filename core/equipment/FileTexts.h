@@ -16,6 +16,10 @@ namespace fieldcore {
 /// @param seconds  since 1980-01-06 00:00
 [[nodiscard]] std::wstring FileDateText(std::uint32_t seconds);
 
+/// The folder of that day, "2016-04-21". As it stands for the last two digits of the year, those of
+/// 80 and above lie in the last century, and the others in this one.
+[[nodiscard]] std::wstring DateFolderName(std::uint32_t seconds);
+
 /// "hh:mm" of the same moment.
 [[nodiscard]] std::wstring FileTimeText(std::uint32_t seconds);
 
@@ -23,11 +27,6 @@ namespace fieldcore {
 [[nodiscard]] std::wstring FileSizeText(double bytes);
 /// What stands behind such a text where there is room for a unit.
 [[nodiscard]] const wchar_t* FileSizeUnit(std::wstring_view sizeText);
-
-/// The folder of a day, "2016-04-21", from a row's date text. A year of 80 and above lies in the
-/// last century, and of a year with three digits the last two count.
-/// @return empty if @p date is no date text
-[[nodiscard]] std::wstring DateFolderName(std::wstring_view date);
 
 /// Extension of the receiver's files, with its dot.
 /// @param q02Format  the receiver writes the newer format

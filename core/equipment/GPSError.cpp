@@ -34,11 +34,6 @@ constexpr int kLastDay =
 
 } // namespace
 
-bool IsUsableUtcOffset(int offsetS)
-{
-    return offsetS < kFirstRefusedOffsetS && offsetS > -kFirstRefusedOffsetS;
-}
-
 bool IsPositionComputed(const ReturnPositionStatusInformation& status)
 {
     return status.fixKind >= kFirstComputedFix;
@@ -94,7 +89,8 @@ void CGPSError::SetTimeSynchro(int flag)
         return;
     }
     GpsTimeReply time;
-    if (stRequestGpsTime(time) == 0 || !IsUsableUtcOffset(time.utcOffsetS)) {
+    if (stRequestGpsTime(time) == 0 || time.utcOffsetS >= kFirstRefusedOffsetS ||
+        time.utcOffsetS <= -kFirstRefusedOffsetS) {
         m_utcOffsetS = 0;
         return;
     }

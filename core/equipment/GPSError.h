@@ -15,9 +15,6 @@ class CCommand;
 /// The receiver's last position status; see docs/protocol.md.
 using ReturnPositionStatusInformation = PositionStatusReply;
 
-/// Whether an offset of UTC from GPS time can be meant: nearer than 101 s.
-[[nodiscard]] bool IsUsableUtcOffset(int offsetS);
-
 /// Whether a position is being computed.
 [[nodiscard]] bool IsPositionComputed(const ReturnPositionStatusInformation& status);
 

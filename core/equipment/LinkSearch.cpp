@@ -16,10 +16,18 @@ constexpr std::array<std::uint32_t, 7> kLikely{38400, 9600, 115200, 57600, 19200
 /// Long enough for a status at 2400 bit/s.
 constexpr std::chrono::milliseconds kAnswer{600};
 
+/// Opens the port anew. The channel's fault says why there is no answer.
+bool Answers(CCommand& command, const ConnectTarget& target)
+{
+    command.ClosePort();
+    StatusReply status;
+    return OpenTarget(command, target) == 1 && command.RequestStatus(status) == 1;
+}
+
 } // namespace
 
 std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
-                                        RateObserver* observer)
+                                        const RateWatch& watch)
 {
     std::vector<std::uint32_t> rates(kLikely.begin(), kLikely.end());
     std::erase(rates, target.settings.baudRate);
@@ -27,14 +35,12 @@ std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
     target.settings.replyTimeout = kAnswer;
     int done = 0;
     for (const std::uint32_t rate : rates) {
-        if (observer != nullptr) {
-            observer->OnRate(rate, done, static_cast<int>(rates.size()));
+        if (watch) {
+            watch(rate, done, static_cast<int>(rates.size()));
         }
-        command.ClosePort();
         target.settings.baudRate = rate;
-        StatusReply status;
-        const bool opened = OpenTarget(command, target) == 1;
-        const bool answered = opened && command.RequestStatus(status) == 1;
+        const bool answered = Answers(command, target);
+        const bool opened = command.IsPortOpen() == 1;
         command.ClosePort();
         if (answered) {
             return rate;
@@ -59,23 +65,15 @@ LinkFollowed FollowLink(CCommand& command, const ConnectTarget& moved, const Por
 {
     // The receiver changes 200 ms after its answer.
     constexpr std::chrono::milliseconds kUntilChanged{300};
-    struct Way
-    {
-        const PortSettings& settings;
-        LinkFollowed found;
-    };
-    const Way ways[] = {{moved.settings, LinkFollowed::Moved}, {before, LinkFollowed::Stayed}};
     if (command.Rest(kUntilChanged) == 0) {
         command.ClosePort();
         return LinkFollowed::Cancelled;
     }
-    for (const Way& way : ways) {
-        command.ClosePort();
-        ConnectTarget target = moved;
-        target.settings = way.settings;
-        StatusReply status;
-        if (OpenTarget(command, target) == 1 && command.RequestStatus(status) == 1) {
-            return way.found;
+    ConnectTarget target = moved;
+    for (const LinkFollowed found : {LinkFollowed::Moved, LinkFollowed::Stayed}) {
+        target.settings = found == LinkFollowed::Moved ? moved.settings : before;
+        if (Answers(command, target)) {
+            return found;
         }
         if (command.Fault() == CommandFault::Cancelled) {
             command.ClosePort();

@@ -3,33 +3,28 @@
 #include "core/link/ConnectSequence.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 namespace fieldcore {
 
 class CCommand;
 
-/// Watches a search. Called on the thread that runs it.
-class RateObserver
-{
-public:
-    virtual ~RateObserver() = default;
-
-    /// @param rate  that is tried now, bit/s
-    /// @param done  how many are behind, of @p total
-    virtual void OnRate(std::uint32_t rate, int done, int total) = 0;
-};
+/// Told of each rate before it is tried, on the thread that searches.
+/// @param rate  bit/s
+/// @param done  how many are behind, of @p total
+using RateWatch = std::function<void(std::uint32_t rate, int done, int total)>;
 
 /// Looks for a receiver that does not answer at the rate it should: opens the port at each of the
 /// seven rates, the likely ones first, and asks for the status. A silent rate takes 1.75 s; the
 /// user cancels through the host's breath. The other parameters stay as they are. The port is
 /// closed before and after.
-/// @param target    where the receiver should be; its rate is tried first
-/// @param observer  may be null
+/// @param target  where the receiver should be; its rate is tried first
+/// @param watch   may be empty
 /// @return the rate at which it answered; nothing if none did, if the port does not open, or if the
 ///         user has cancelled: command.Fault() tells which
 [[nodiscard]] std::optional<std::uint32_t> SearchRate(CCommand& command, ConnectTarget target,
-                                                      RateObserver* observer = nullptr);
+                                                      const RateWatch& watch = {});
 
 /// Why no rate was found, for the user.
 /// @param fault  of the channel after the search

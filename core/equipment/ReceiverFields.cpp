@@ -18,6 +18,7 @@
 #include <cassert>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <iterator>
 #include <numbers>
 #include <type_traits>
@@ -69,18 +70,38 @@ constexpr std::array kCalibrations{
     Term{"expired", "too old", text::kTermTooOld},
 };
 
-/// A number or a text as a field has it.
-template <typename Raw>
-FieldValue Made(const Raw& raw)
+template <std::size_t Count>
+Known TermOf(const std::array<Term, Count>& terms, int number)
 {
-    if constexpr (std::is_same_v<Raw, bool>) {
-        return raw;
-    } else if constexpr (std::is_integral_v<Raw>) {
+    const bool isOne = number >= 0 && number < static_cast<int>(Count);
+    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
+}
+
+/// What was read as a field has it: a text without blanks at its end, and none for an empty one.
+template <typename Raw>
+Known Made(const Raw& raw)
+{
+    if constexpr (requires { raw.has_value(); }) {
+        return raw ? Known(*raw) : std::nullopt;
+    } else if constexpr (std::is_same_v<Raw, const wchar_t*>) {
+        const std::wstring_view text(raw != nullptr ? raw : L"");
+        const std::wstring trimmed(text.substr(0, text.find_last_not_of(L' ') + 1));
+        return trimmed.empty() ? std::nullopt : Known(trimmed);
+    } else if constexpr (std::is_integral_v<Raw> && !std::is_same_v<Raw, bool>) {
         return static_cast<std::int64_t>(raw);
-    } else if constexpr (std::is_floating_point_v<Raw>) {
-        return static_cast<double>(raw);
     } else {
         return raw;
+    }
+}
+
+/// What @p Read makes of a value: a member of it, or a function of it alone or of all.
+template <auto Read, typename Whole, typename... Rest>
+Known Ask(const Whole& value, const Rest&... rest)
+{
+    if constexpr (std::is_invocable_v<decltype(Read), const Whole&>) {
+        return Made(std::invoke(Read, value));
+    } else {
+        return Made(std::invoke(Read, value, rest...));
     }
 }
 
@@ -90,235 +111,180 @@ std::optional<Clock::Duration> When(R r)
     return r.*Reply ? std::optional((r.*Reply)->at) : std::nullopt;
 }
 
-/// A member of a reply, as it is.
-template <auto Reply, auto Member>
-Known Told(R r, V /*view*/)
+/// A reply of the receiver. @p Read may also take the receiver and the view.
+template <auto Reply, auto Read>
+constexpr FieldReader Told()
 {
-    const auto& timed = r.*Reply;
-    return timed ? Known(Made(timed->value.*Member)) : std::nullopt;
+    return {When<Reply>, [](R r, V view) {
+                return r.*Reply ? Ask<Read>((r.*Reply)->value, r, view) : std::nullopt;
+            }};
 }
 
-/// A dilution of precision, as a number that can be one.
-Known DopOf(R r, float PositionStatusReply::*member, bool isTrusted)
+/// Who the receiver is.
+template <auto Read>
+constexpr FieldReader Who()
 {
-    const auto dop = r.position ? PdopOf(isTrusted, r.position->value.*member) : std::nullopt;
-    return dop ? Known(*dop) : std::nullopt;
+    return {nullptr, [](R r, V /*view*/) { return Ask<Read>(CRecvInfo(r.identity)); }};
 }
 
-const SiteReply* PlaceOf(R r)
+/// Whether a place is there: a position is computed, and it is one.
+bool HasPlace(const PositionStatusReply& position)
 {
-    return r.position && HasPlace(r.position->value) ? &r.position->value.position : nullptr;
+    const SiteReply& site = position.position;
+    return IsPositionComputed(position) && std::isfinite(site.latitudeRad) &&
+           std::isfinite(site.longitudeRad) && std::isfinite(site.heightM) &&
+           std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
+           std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
 }
 
-Known AngleOf(R r, double SiteReply::*member)
+/// A place where there is one. @p Read may also take the view.
+template <auto Read>
+constexpr FieldReader Placed()
 {
-    const SiteReply* const place = PlaceOf(r);
-    return place != nullptr ? Known(Angle{place->*member}) : std::nullopt;
+    return Told<&Receiver::position, [](const PositionStatusReply& p, R /*r*/, V view) {
+        return HasPlace(p) ? Ask<Read>(p.position, view) : std::nullopt;
+    }>();
+}
+
+/// What only a time that has been accepted can tell. @p Read may also take the receiver and the
+/// view.
+template <auto Read>
+constexpr FieldReader Synchronised()
+{
+    return Told<&Receiver::time, [](const ReceiverTime& t, R r, V view) {
+        return r.isSynchronised ? Ask<Read>(t, r, view) : std::nullopt;
+    }>();
+}
+
+template <auto Member>
+Known Option(const CRecvInfo& info)
+{
+    const std::optional<OptionsReply>& options = info.Known().options;
+    return options ? Made((*options).*Member) : std::nullopt;
+}
+
+const wchar_t* Model(const CRecvInfo& info)
+{
+    const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
+    return type != nullptr ? type->model : nullptr;
+}
+
+Known Family(const CRecvInfo& info)
+{
+    const ReceiverType* const type = FindReceiverType(info.GetRecvTypeNum());
+    return type != nullptr ? TermOf(kFamilies, static_cast<int>(type->family)) : std::nullopt;
+}
+
+template <bool IsJst>
+Moment MomentOf(const ReceiverTime& t, R r, V /*view*/)
+{
+    return {t.jst - (IsJst ? seconds(0) : seconds(kJst)), r.isSynchronised, IsJst};
+}
+
+constexpr FieldReader kTrust{When<&Receiver::time>, [](R r, V /*view*/) {
+                                 return r.time || r.position ? Known(r.isSynchronised)
+                                                             : std::nullopt;
+                             }};
+
+const Term* ControllerClock(const ReceiverTime& /*t*/, R r, V view)
+{
+    return r.clockChange && r.clockChange->isSet ? &kClockSet
+           : view.maySetClock                    ? &kClockRefused
+                                                 : &kClockLeft;
+}
+
+/// The plane zone whose origin is nearest to a place. Which zone a survey must use is a matter of
+/// the prefecture; this is a proposal.
+int NearestPlaneZone(const SiteReply& place)
+{
+    int nearest = kFirstPlaneZone;
+    double least = std::numeric_limits<double>::infinity();
+    for (int zone = kFirstPlaneZone; zone <= kLastPlaneZone; ++zone) {
+        const GeodeticPosition origin = PlaneOrigin(zone).value_or(GeodeticPosition{});
+        const double north = place.latitudeRad - origin.latitudeRad;
+        const double east =
+            (place.longitudeRad - origin.longitudeRad) * std::cos(origin.latitudeRad);
+        const double distance = std::hypot(north, east);
+        if (distance < least) {
+            least = distance;
+            nearest = zone;
+        }
+    }
+    return nearest;
 }
 
 struct PlanePlace
 {
     int zone;
-    PlanePosition position;
+    double xM;
+    double yM;
 };
 
-std::optional<PlanePlace> PlaneOf(R r, V view)
-{
-    const SiteReply* const place = PlaceOf(r);
-    if (place == nullptr) {
-        return std::nullopt;
-    }
-    const int zone = view.planeZone != 0 ? view.planeZone : NearestPlaneZone(*place);
-    const std::optional<PlaneProjection> plane =
-        PlaneOfGeodetic(zone, {place->latitudeRad, place->longitudeRad, place->heightM});
-    return plane ? std::optional(PlanePlace{zone, plane->position}) : std::nullopt;
-}
-
-Known PlaneOf(R r, V view, double PlanePosition::*member)
-{
-    const std::optional<PlanePlace> plane = PlaneOf(r, view);
-    return plane ? Known(plane->position.*member) : std::nullopt;
-}
-
-Known MomentOf(R r, bool isJst)
-{
-    return r.time ? Known(Moment{r.time->value.jst - (isJst ? seconds(0) : seconds(kJst)),
-                                 r.isSynchronised, isJst})
-                  : std::nullopt;
-}
-
-/// What only a time that has been accepted can tell.
-template <typename Read>
-Known Synchronised(R r, Read read)
-{
-    return r.isSynchronised && r.time ? Known(read(r.time->value)) : std::nullopt;
-}
-
-Known TextOf(const wchar_t* text)
-{
-    std::wstring trimmed(text != nullptr ? text : L"");
-    trimmed.erase(trimmed.find_last_not_of(L' ') + 1);
-    return trimmed.empty() ? std::nullopt : Known(std::move(trimmed));
-}
-
-template <std::size_t Count>
-Known TermOf(const std::array<Term, Count>& terms, int number)
-{
-    const bool isOne = number >= 0 && number < static_cast<int>(Count);
-    return isOne ? Known(&terms[static_cast<std::size_t>(number)]) : std::nullopt;
-}
-
-const ReceiverType* TypeOf(R r)
-{
-    return FindReceiverType(r.identity.TypeNumber());
-}
-
-/// A member of the options.
 template <auto Member>
-Known Option(R r, V /*view*/)
+Known Plane(const SiteReply& place, V view)
 {
-    return r.identity.options ? Known(Made((*r.identity.options).*Member)) : std::nullopt;
+    const int zone = view.planeZone != 0 ? view.planeZone : NearestPlaneZone(place);
+    const std::optional<PlaneProjection> plane =
+        PlaneOfGeodetic(zone, {place.latitudeRad, place.longitudeRad, place.heightM});
+    return plane ? Made(PlanePlace{zone, plane->position.xM, plane->position.yM}.*Member)
+                 : std::nullopt;
 }
 
-Known Model(R r, V /*view*/)
-{
-    const ReceiverType* const type = TypeOf(r);
-    return type != nullptr ? TextOf(type->model) : std::nullopt;
-}
-
-Known Family(R r, V /*view*/)
-{
-    const ReceiverType* const type = TypeOf(r);
-    return type != nullptr ? TermOf(kFamilies, static_cast<int>(type->family)) : std::nullopt;
-}
-
-Known SecondsOfWeek(R r, V /*view*/)
-{
-    return Synchronised(r, [](const ReceiverTime& t) { // it tells whole ones
-        return Made(static_cast<std::int64_t>(t.secondsOfWeek));
-    });
-}
-
-Known ControllerAhead(R r, V /*view*/)
-{
-    return Synchronised(r, [](const ReceiverTime& t) {
-        return Made(std::chrono::duration<double>(t.controllerAhead).count());
-    });
-}
-
-Known ControllerClock(R r, V view)
-{
-    const Term& other = view.maySetClock ? kClockRefused : kClockLeft;
-    const bool isSet = r.clockChange && r.clockChange->isSet;
-    return Synchronised(
-        r, [&](const ReceiverTime&) { return FieldValue(isSet ? &kClockSet : &other); });
-}
-
-Known Fix(R r, V /*view*/)
-{
-    return r.position ? TermOf(kFixes, r.position->value.fixKind) : std::nullopt;
-}
-
-Known Height(R r, V /*view*/)
-{
-    const SiteReply* const place = PlaceOf(r);
-    return place != nullptr ? Known(place->heightM) : std::nullopt;
-}
-
-Known Zone(R r, V view)
-{
-    const std::optional<PlanePlace> plane = PlaneOf(r, view);
-    return plane ? Known(Made(plane->zone)) : std::nullopt;
-}
-
-Known PowerSource(R r, V /*view*/)
-{
-    return r.powerSource ? Known(Made(r.powerSource->value)) : std::nullopt;
-}
-
-Known NameOfPowerSource(R r, V /*view*/)
-{
-    return r.powerSource ? Known(PowerSourceName(r.identity.TypeNumber(), r.powerSource->value))
-                         : std::nullopt;
-}
-
-Known Trend(R r, V /*view*/)
+Known Trend(const StatusReply& /*status*/, R r, V /*view*/)
 {
     return r.trend ? Known(r.trend->percentPerHour) : std::nullopt;
 }
 
-Known TimeLeft(R r, V /*view*/)
+Known TimeLeft(const StatusReply& /*status*/, R r, V /*view*/)
 {
     return r.trend && r.trend->left
                ? Known(std::chrono::floor<std::chrono::minutes>(*r.trend->left))
                : std::nullopt;
 }
 
-Known FreeMemory(R r, V /*view*/)
+Known AboveMask(const SatelliteList& list, R /*r*/, V view)
 {
-    return r.status ? Known(Made(r.status->value.freeMemoryTenths * 10)) : std::nullopt;
-}
-
-/// Blank: none runs.
-Known Survey(R r, V /*view*/)
-{
-    return r.status ? Known(TextOf(r.status->value.survey.c_str()).value_or(std::wstring()))
-                    : std::nullopt;
-}
-
-Known AboveMask(R r, V view)
-{
-    if (!r.tracked || !view.limits) {
-        return std::nullopt;
-    }
-    const auto& all = r.tracked->value.satellites;
-    return Known(static_cast<std::int64_t>(std::count_if(
-        all.begin(), all.end(), [mask = view.limits->maskDeg](const ListedSatellite& satellite) {
-            return satellite.HasDirection() && satellite.elevationDeg >= mask;
-        })));
-}
-
-Known StateOfTilt(R r, V /*view*/)
-{
-    if (!r.tilt) {
-        return std::nullopt;
-    }
-    return r.tilt->value.sensorPresent ? TermOf(kTiltStates, r.tilt->value.state)
-                                       : Known(&kNoTiltSensor);
-}
-
-/// An angle of the reading, degrees.
-template <auto Member>
-Known TiltAngle(R r, V /*view*/)
-{
-    return r.tilt ? Known(DegreesOf(r.tilt->value.*Member)) : std::nullopt;
-}
-
-/// How far the antenna stands beside the point, mm.
-Known TiltOffset(R r, V view)
-{
-    constexpr double kMmInM = 1000.0;
-    return r.tilt && view.antennaHeightM > 0.0 && r.tilt->value.tiltRad <= std::numbers::pi / 2
-               ? Known(std::sin(r.tilt->value.tiltRad) * view.antennaHeightM * kMmInM)
+    return view.limits
+               ? Made(std::ranges::count_if(list.satellites,
+                                            [mask = view.limits->maskDeg](const auto& sv) {
+                                                return sv.HasDirection() && sv.elevationDeg >= mask;
+                                            }))
                : std::nullopt;
 }
 
-Known StateOfCalibration(R r, V /*view*/)
+template <auto Member>
+double Degrees(const TiltReading& tilt)
 {
-    const bool isTold =
-        r.tilt && r.tilt->value.calibrationValid && !r.tilt->value.error1 && !r.tilt->value.error2;
-    return isTold ? TermOf(kCalibrations, r.tilt->value.calibrationState) : std::nullopt;
+    return DegreesOf(tilt.*Member);
 }
 
-Known CalibrationLeft(R r, V /*view*/)
+/// How far the antenna stands beside the point, mm.
+Known TiltOffset(const TiltReading& tilt, R /*r*/, V view)
 {
-    return r.tilt && r.calibration ? Known(static_cast<std::int64_t>(
-                                         RemainingSeconds(r.calibration->value, r.tilt->value)))
-                                   : std::nullopt;
+    constexpr double kMmInM = 1000.0;
+    return view.antennaHeightM > 0.0 && tilt.tiltRad <= std::numbers::pi / 2
+               ? Known(std::sin(tilt.tiltRad) * view.antennaHeightM * kMmInM)
+               : std::nullopt;
+}
+
+Known StateOfTilt(const TiltReading& tilt)
+{
+    return tilt.sensorPresent ? TermOf(kTiltStates, tilt.state) : Known(&kNoTiltSensor);
+}
+
+Known StateOfCalibration(const TiltReading& tilt)
+{
+    const bool isTold = tilt.calibrationValid && !tilt.error1 && !tilt.error2;
+    return isTold ? TermOf(kCalibrations, tilt.calibrationState) : std::nullopt;
+}
+
+Known CalibrationLeft(const TiltCalibration& calibration, R r, V /*view*/)
+{
+    return r.tilt ? Made(RemainingSeconds(calibration, r.tilt->value)) : std::nullopt;
 }
 
 using F = ReceiverField;
-using S = FieldSource;
+using Info = CRecvInfo;
 
 constexpr unsigned kWho = F::Who | F::Version;
 constexpr unsigned kFirmware = F::Who | F::Firmware;
@@ -362,108 +328,121 @@ constexpr seconds kOfBubble{2};
 
 constexpr ReceiverField kFields[] = {
     // Who it is
-    {"model", "model", text::kVersionModel, kWho, S::Identity, Model},
-    {"typeNumber", "type number", text::kVersionTypeNumber, kWho, S::Identity,
-     [](R r, V) { return Known(Made(r.identity.TypeNumber())); }, kTypeNumber},
-    {"typeText", "type text", text::kVersionType, kWho, S::Identity,
-     [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvType()); }},
-    {"family", "family", text::kFieldFamily, F::Who, S::Identity, Family},
-    {"serial", "serial number", text::kVersionSerial, kWho, S::Identity,
-     [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSN()); }},
-    {"longSerial", "long serial number", text::kVersionLongSerial, kWho, S::Identity,
-     [](R r, V) { return TextOf(CRecvInfo(r.identity).GetRecvSNLong()); }},
-    {"navigationFirmware", "navigation firmware", text::kVersionNav, kFirmware, S::Identity,
-     [](R r, V) { return Known(CRecvInfo(r.identity).GetNavVer()); }, kVersion},
-    {"signalFirmware", "signal firmware", text::kVersionSig, kFirmware, S::Identity,
-     [](R r, V) { return Known(CRecvInfo(r.identity).GetSigVer()); }, kVersion},
-    {"bootFirmware", "boot firmware", text::kVersionBoot, kFirmware, S::Identity,
-     [](R r, V) { return Known(CRecvInfo(r.identity).GetBootVer()); }, kVersion},
-    {"memoryMb", "memory", text::kVersionMemory, kWho, S::Identity, Option<&OptionsReply::memory>,
-     kMegabytes},
-    {"port", "port in use", text::kFieldPort, F::Who, S::Identity,
-     Option<&OptionsReply::currentPort>},
-    {"ports", "ports", text::kFieldPorts, F::Who, S::Identity, Option<&OptionsReply::portCount>},
+    {"model", "model", text::kVersionModel, kWho, Who<Model>()},
+    {"typeNumber", "type number", text::kVersionTypeNumber, kWho, Who<&Info::GetRecvTypeNum>(),
+     kTypeNumber},
+    {"typeText", "type text", text::kVersionType, kWho, Who<&Info::GetRecvType>()},
+    {"family", "family", text::kFieldFamily, F::Who, Who<Family>()},
+    {"serial", "serial number", text::kVersionSerial, kWho, Who<&Info::GetRecvSN>()},
+    {"longSerial", "long serial number", text::kVersionLongSerial, kWho,
+     Who<&Info::GetRecvSNLong>()},
+    {"navigationFirmware", "navigation firmware", text::kVersionNav, kFirmware,
+     Who<&Info::GetNavVer>(), kVersion},
+    {"signalFirmware", "signal firmware", text::kVersionSig, kFirmware, Who<&Info::GetSigVer>(),
+     kVersion},
+    {"bootFirmware", "boot firmware", text::kVersionBoot, kFirmware, Who<&Info::GetBootVer>(),
+     kVersion},
+    {"memoryMb", "memory", text::kVersionMemory, kWho, Who<&Info::GetRecvMemory>(), kMegabytes},
+    {"port", "port in use", text::kFieldPort, F::Who, Who<Option<&OptionsReply::currentPort>>()},
+    {"ports", "ports", text::kFieldPorts, F::Who, Who<Option<&OptionsReply::portCount>>()},
 
     // Its time
-    {"utc", "time", text::kStatusUtc, kStatus, S::Time, [](R r, V) { return MomentOf(r, false); }},
-    {"jst", "", text::kStatusJst, kStatus, S::Time, [](R r, V) { return MomentOf(r, true); }},
-    {"gpsWeek", "GPS week", text::kFieldGpsWeek, F::Report, S::Time,
-     Told<&Receiver::time, &ReceiverTime::week>, kCount},
-    {"gpsSecondsOfWeek", "second of the week", text::kFieldSecondsOfWeek, F::Report, S::Time,
-     SecondsOfWeek, kOfWeek},
-    {"timeValid", "time is valid", text::kFieldTimeValid, F::Report, S::Status,
-     Told<&Receiver::status, &StatusReply::timeValid>},
-    {"utcOffsetS", "GPS time minus UTC", text::kStatusOffset, kStatus, S::Time,
-     [](R r, V) {
-         return Synchronised(r, [&](const ReceiverTime&) { return Made(r.utcOffsetS); });
-     },
-     kOffset},
-    {"synchronised", "time can be trusted", text::kStatusSynchro, kStatus, S::Time,
-     [](R r, V) { return r.time || r.position ? Known(r.isSynchronised) : std::nullopt; }},
-    {"controllerAheadS", "controller ahead by", text::kStatusClock, F::Page, S::Time,
-     ControllerAhead, kAhead},
-    {"controllerClock", "controller's clock", text::kStatusClockSetting, F::Page, S::Time,
-     ControllerClock},
+    {"utc", "time", text::kStatusUtc, kStatus, Told<&Receiver::time, MomentOf<false>>()},
+    {"jst", "", text::kStatusJst, kStatus, Told<&Receiver::time, MomentOf<true>>()},
+    {"gpsWeek", "GPS week", text::kFieldGpsWeek, F::Report,
+     Told<&Receiver::time, &ReceiverTime::week>(), kCount},
+    {"gpsSecondsOfWeek", "second of the week", text::kFieldSecondsOfWeek, F::Report,
+     Synchronised<[](const ReceiverTime& t) { // it tells whole ones
+         return static_cast<std::int64_t>(t.secondsOfWeek);
+     }>(),
+     kOfWeek},
+    {"timeValid", "time is valid", text::kFieldTimeValid, F::Report,
+     Told<&Receiver::status, &StatusReply::timeValid>()},
+    {"utcOffsetS", "GPS time minus UTC", text::kStatusOffset, kStatus,
+     Synchronised<[](const ReceiverTime&, R r, V) { return r.utcOffsetS; }>(), kOffset},
+    {"synchronised", "time can be trusted", text::kStatusSynchro, kStatus, kTrust},
+    {"controllerAheadS", "controller ahead by", text::kStatusClock, F::Page,
+     Synchronised<[](const ReceiverTime& t) {
+         return std::chrono::duration<double>(t.controllerAhead).count();
+     }>(),
+     kAhead},
+    {"controllerClock", "controller's clock", text::kStatusClockSetting, F::Page,
+     Synchronised<ControllerClock>()},
 
     // Its position
-    {"fix", "fix", text::kStatusFix, kPosition | F::Report, S::Position, Fix},
-    {"satellitesTracked", "satellites tracked", text::kStatusTracked, kStatus, S::Status,
-     Told<&Receiver::status, &StatusReply::satellitesTracked>, kCount},
-    {"satellitesUsed", "satellites used", text::kStatusUsed, kPosition, S::Position,
-     Told<&Receiver::position, &PositionStatusReply::satellitesUsed>, kCount},
+    {"fix", "fix", text::kStatusFix, kPosition | F::Report,
+     Told<&Receiver::position,
+          [](const PositionStatusReply& p) { return TermOf(kFixes, p.fixKind); }>()},
+    {"satellitesTracked", "satellites tracked", text::kStatusTracked, kStatus,
+     Told<&Receiver::status, &StatusReply::satellitesTracked>(), kCount},
+    {"satellitesUsed", "satellites used", text::kStatusUsed, kPosition,
+     Told<&Receiver::position, &PositionStatusReply::satellitesUsed>(), kCount},
     {"satellitesAboveMask", "satellites above the mask", text::kStatusAboveMask, F::Page,
-     S::Tracked, AboveMask, kCount, kTracked},
-    {"pdop", "PDOP", text::kGraphPdop, kPosition | F::Report, S::Position,
-     [](R r, V) { return DopOf(r, &PositionStatusReply::pdop, r.isSynchronised); }, kDop, kUsual,
-     text::kStatusNoPdop},
-    {"hdop", "HDOP", text::kStatusHdop, kPosition, S::Position,
-     [](R r, V) { return DopOf(r, &PositionStatusReply::hdop, true); }, kDop},
-    {"vdop", "VDOP", text::kStatusVdop, kPosition, S::Position,
-     [](R r, V) { return DopOf(r, &PositionStatusReply::vdop, true); }, kDop},
-    {"latitudeDeg", "latitude", text::kStatusLatitude, kPosition, S::Position,
-     [](R r, V) { return AngleOf(r, &SiteReply::latitudeRad); }},
-    {"longitudeDeg", "longitude", text::kStatusLongitude, kPosition, S::Position,
-     [](R r, V) { return AngleOf(r, &SiteReply::longitudeRad); }},
-    {"heightM", "ellipsoidal height", text::kStatusHeight, kPosition, S::Position, Height, kMetres},
-    {"planeZone", "plane zone", text::kStatusZone, kPosition, S::Position, Zone, kZone},
-    {"planeXM", "plane x", text::kStatusPlaneX, kPosition, S::Position,
-     [](R r, V view) { return PlaneOf(r, view, &PlanePosition::xM); }, kMetres},
-    {"planeYM", "plane y", text::kStatusPlaneY, kPosition, S::Position,
-     [](R r, V view) { return PlaneOf(r, view, &PlanePosition::yM); }, kMetres},
+     Told<&Receiver::tracked, AboveMask>(), kCount, kTracked},
+    {"pdop", "PDOP", text::kGraphPdop, kPosition | F::Report,
+     Told<&Receiver::position,
+          [](const PositionStatusReply& p, R r, V) { return PdopOf(r.isSynchronised, p.pdop); }>(),
+     kDop, kUsual, text::kStatusNoPdop},
+    {"hdop", "HDOP", text::kStatusHdop, kPosition,
+     Told<&Receiver::position, [](const PositionStatusReply& p) { return PdopOf(true, p.hdop); }>(),
+     kDop},
+    {"vdop", "VDOP", text::kStatusVdop, kPosition,
+     Told<&Receiver::position, [](const PositionStatusReply& p) { return PdopOf(true, p.vdop); }>(),
+     kDop},
+    {"latitudeDeg", "latitude", text::kStatusLatitude, kPosition,
+     Placed<[](const SiteReply& place) { return Angle{place.latitudeRad}; }>()},
+    {"longitudeDeg", "longitude", text::kStatusLongitude, kPosition,
+     Placed<[](const SiteReply& place) { return Angle{place.longitudeRad}; }>()},
+    {"heightM", "ellipsoidal height", text::kStatusHeight, kPosition, Placed<&SiteReply::heightM>(),
+     kMetres},
+    {"planeZone", "plane zone", text::kStatusZone, kPosition, Placed<Plane<&PlanePlace::zone>>(),
+     kZone},
+    {"planeXM", "plane x", text::kStatusPlaneX, kPosition, Placed<Plane<&PlanePlace::xM>>(),
+     kMetres},
+    {"planeYM", "plane y", text::kStatusPlaneY, kPosition, Placed<Plane<&PlanePlace::yM>>(),
+     kMetres},
 
     // Its battery and its memory
-    {"batteryPercent", "battery", text::kStatusBattery, kStatus, S::Status,
-     Told<&Receiver::status, &StatusReply::batteryPercent>, kPercent, kUsual,
+    {"batteryPercent", "battery", text::kStatusBattery, kStatus,
+     Told<&Receiver::status, &StatusReply::batteryPercent>(), kPercent, kUsual,
      text::kBatteryUnknown},
-    {"powerSource", "power source", text::kFieldPowerSource, F::Report, S::PowerSource, PowerSource,
-     kSource, kSeldom},
-    {"powerSourceName", "power source name", text::kStatusSource, kStatus, S::PowerSource,
-     NameOfPowerSource, kPlain, kSeldom},
-    {"batteryTrendPercentPerHour", "battery trend", text::kStatusTrend, kStatus, S::Status, Trend,
-     kPerHour, kSeldom},
-    {"batteryMinutesLeft", "battery lasts", text::kStatusLeft, kStatus, S::Status, TimeLeft,
-     kMinutes, kSeldom},
-    {"freeMemoryPercent", "free memory", text::kStatusMemory, kStatus, S::Status, FreeMemory,
+    {"powerSource", "power source", text::kFieldPowerSource, F::Report,
+     Told<&Receiver::powerSource, std::identity{}>(), kSource, kSeldom},
+    {"powerSourceName", "power source name", text::kStatusSource, kStatus,
+     Told<&Receiver::powerSource,
+          [](int source, R r, V) { return PowerSourceName(r.identity.TypeNumber(), source); }>(),
+     kPlain, kSeldom},
+    {"batteryTrendPercentPerHour", "battery trend", text::kStatusTrend, kStatus,
+     Told<&Receiver::status, Trend>(), kPerHour, kSeldom},
+    {"batteryMinutesLeft", "battery lasts", text::kStatusLeft, kStatus,
+     Told<&Receiver::status, TimeLeft>(), kMinutes, kSeldom},
+    {"freeMemoryPercent", "free memory", text::kStatusMemory, kStatus,
+     Told<&Receiver::status, [](const StatusReply& s) { return s.freeMemoryTenths * 10; }>(),
      kPercent},
-    {"survey", "running survey", text::kFieldSurvey, F::Report, S::Status, Survey},
+    {"survey", "running survey", text::kFieldSurvey, F::Report,
+     Told<&Receiver::status,
+          [](const StatusReply& s) { // blank: none runs
+              return Made(s.survey.c_str()).value_or(std::wstring());
+          }>()},
 
     // Its tilt sensor
-    {"state", "state", text::kFieldTiltState, F::Tilt, S::Tilt, StateOfTilt},
-    {"tiltDeg", "tilt", text::kTiltAngle, F::Tilt, S::Tilt, TiltAngle<&TiltReading::tiltRad>,
-     kTiltDegrees, kOfBubble},
-    {"t1Deg", "first component", text::kFieldTilt1, F::Tilt, S::Tilt,
-     TiltAngle<&TiltReading::t1Rad>, kTiltDegrees, kOfBubble},
-    {"t2Deg", "second component", text::kFieldTilt2, F::Tilt, S::Tilt,
-     TiltAngle<&TiltReading::t2Rad>, kTiltDegrees, kOfBubble},
-    {"tiltOffsetMm", "antenna beside the point", text::kTiltOffset, 0, S::Tilt, TiltOffset,
-     kMillimetres, kOfBubble},
-    {"calibrated", "calibrated", text::kFieldCalibrated, F::Tilt, S::Tilt,
-     Told<&Receiver::tilt, &TiltReading::calibrated>},
-    {"calibration", "calibration", text::kFieldCalibration, F::Tilt, S::Tilt, StateOfCalibration},
-    {"expiryHours", "valid for", text::kFieldExpiry, F::Tilt, S::Calibration,
-     Told<&Receiver::calibration, &TiltCalibration::validityHours>, kHours},
-    {"remainingSeconds", "still valid for", text::kFieldRemaining, F::Tilt, S::Calibration,
-     CalibrationLeft, kLeftS},
+    {"state", "state", text::kFieldTiltState, F::Tilt, Told<&Receiver::tilt, StateOfTilt>()},
+    {"tiltDeg", "tilt", text::kTiltAngle, F::Tilt,
+     Told<&Receiver::tilt, Degrees<&TiltReading::tiltRad>>(), kTiltDegrees, kOfBubble},
+    {"t1Deg", "first component", text::kFieldTilt1, F::Tilt,
+     Told<&Receiver::tilt, Degrees<&TiltReading::t1Rad>>(), kTiltDegrees, kOfBubble},
+    {"t2Deg", "second component", text::kFieldTilt2, F::Tilt,
+     Told<&Receiver::tilt, Degrees<&TiltReading::t2Rad>>(), kTiltDegrees, kOfBubble},
+    {"tiltOffsetMm", "antenna beside the point", text::kTiltOffset, 0,
+     Told<&Receiver::tilt, TiltOffset>(), kMillimetres, kOfBubble},
+    {"calibrated", "calibrated", text::kFieldCalibrated, F::Tilt,
+     Told<&Receiver::tilt, &TiltReading::calibrated>()},
+    {"calibration", "calibration", text::kFieldCalibration, F::Tilt,
+     Told<&Receiver::tilt, StateOfCalibration>()},
+    {"expiryHours", "valid for", text::kFieldExpiry, F::Tilt,
+     Told<&Receiver::calibration, &TiltCalibration::validityHours>(), kHours},
+    {"remainingSeconds", "still valid for", text::kFieldRemaining, F::Tilt,
+     Told<&Receiver::calibration, CalibrationLeft>(), kLeftS},
 };
 
 template <typename Number>
@@ -482,12 +461,13 @@ struct MomentParts
 MomentParts PartsOf(std::chrono::local_seconds time, bool hasSeconds)
 {
     const CTime::LocalParts p = CalendarPartsOf(time);
-    std::array<char, 64> date{};
-    std::array<char, 64> timeOfDay{};
-    std::snprintf(date.data(), date.size(), "%04d-%02d-%02d", p.year, p.month, p.day);
-    std::snprintf(timeOfDay.data(), timeOfDay.size(), hasSeconds ? "%02d:%02d:%02d" : "%02d:%02d",
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", p.year, p.month, p.day,
                   p.hour, p.minute, p.second);
-    return {date.data(), timeOfDay.data()};
+    const std::string_view all(text.data());
+    const std::size_t blank = all.find(' ');
+    return {std::string(all.substr(0, blank)),
+            std::string(all.substr(blank + 1, hasSeconds ? 8 : 5))};
 }
 
 /// As ISO 8601 for programs.
@@ -540,21 +520,10 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 
 } // namespace
 
-std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver)
-{
-    constexpr std::array kTimes{When<&Receiver::status>,     When<&Receiver::position>,
-                                When<&Receiver::time>,       When<&Receiver::powerSource>,
-                                When<&Receiver::tracked>,    When<&Receiver::tilt>,
-                                When<&Receiver::calibration>}; // in the order of the others
-    return source != FieldSource::Identity
-               ? kTimes.at(static_cast<std::size_t>(source) - 1)(receiver)
-               : std::nullopt;
-}
-
 std::optional<Clock::Duration> AgeOf(const ReceiverField& field, const Receiver& receiver,
                                      const StatusView& view)
 {
-    const std::optional<Clock::Duration> at = TimeOf(field.source, receiver);
+    const auto at = field.reader.at != nullptr ? field.reader.at(receiver) : std::nullopt;
     return at ? std::optional(std::max(view.now - *at, Clock::Duration::zero())) : std::nullopt;
 }
 
@@ -575,7 +544,7 @@ const ReceiverField& FieldOf(std::string_view key)
 std::optional<FieldValue> ReadField(const ReceiverField& field, const Receiver& receiver,
                                     const StatusView& view)
 {
-    const Known value = field.read(receiver, view);
+    const Known value = field.reader.read(receiver, view);
     if (!value) {
         return std::nullopt;
     }
@@ -667,33 +636,6 @@ Value UtcValue(Clock::UtcTime utc)
 {
     const auto time = std::chrono::floor<seconds>(utc).time_since_epoch();
     return ReportMoment({std::chrono::local_seconds(time), true, false});
-}
-
-bool HasPlace(const PositionStatusReply& position)
-{
-    const SiteReply& site = position.position;
-    return IsPositionComputed(position) && std::isfinite(site.latitudeRad) &&
-           std::isfinite(site.longitudeRad) && std::isfinite(site.heightM) &&
-           std::abs(site.latitudeRad) <= std::numbers::pi / 2 &&
-           std::abs(site.longitudeRad) <= 2 * std::numbers::pi;
-}
-
-int NearestPlaneZone(const SiteReply& place)
-{
-    int nearest = kFirstPlaneZone;
-    double least = std::numeric_limits<double>::infinity();
-    for (int zone = kFirstPlaneZone; zone <= kLastPlaneZone; ++zone) {
-        const GeodeticPosition origin = PlaneOrigin(zone).value_or(GeodeticPosition{});
-        const double north = place.latitudeRad - origin.latitudeRad;
-        const double east =
-            (place.longitudeRad - origin.longitudeRad) * std::cos(origin.latitudeRad);
-        const double distance = std::hypot(north, east);
-        if (distance < least) {
-            least = distance;
-            nearest = zone;
-        }
-    }
-    return nearest;
 }
 
 } // namespace fieldcore

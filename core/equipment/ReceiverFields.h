@@ -63,21 +63,14 @@ struct Moment
 using FieldValue = std::variant<bool, std::int64_t, double, std::wstring, const Term*, Angle,
                                 Moment, std::chrono::minutes>;
 
-/// The reply that a field comes from.
-enum class FieldSource
+/// Where a field comes from.
+struct FieldReader
 {
-    Identity,
-    Status,
-    Position,
-    Time,
-    PowerSource,
-    Tracked,
-    Tilt,
-    Calibration,
+    /// When its reply came; nothing if it has not. Null: it tells who the receiver is.
+    std::optional<Clock::Duration> (*at)(const Receiver& receiver);
+    /// What it says; nothing for what is not known. Its range is not checked.
+    std::optional<FieldValue> (*read)(const Receiver& receiver, const StatusView& view);
 };
-
-/// When a reply came; nothing if it has not, and for who the receiver is.
-[[nodiscard]] std::optional<Clock::Duration> TimeOf(FieldSource source, const Receiver& receiver);
 
 /// How a number is shown, and between what it lies.
 struct FieldNumber
@@ -109,10 +102,7 @@ struct ReceiverField
     const char* label; ///< its name in reports; empty: it stands below the field in front of it
     int textId;        ///< its name for the user, and in reports in Japanese
     unsigned places;
-    FieldSource source;
-    /// What it says; nothing for what is not known. Its range is not checked.
-    std::optional<FieldValue> (*read)(const Receiver& receiver, const StatusView& view);
-
+    FieldReader reader;
     FieldNumber number{};
     std::chrono::seconds stale{10}; ///< from this age on
     int unknownTextId = 0;          ///< for the user when it is not known; 0: "--"
@@ -147,12 +137,5 @@ AgeOf(const ReceiverField& field, const Receiver& receiver, const StatusView& vi
 
 /// A moment of the controller's clock for reports, in UTC.
 [[nodiscard]] Value UtcValue(Clock::UtcTime utc);
-
-/// Whether a place is there to show: a position is computed, and it is one.
-[[nodiscard]] bool HasPlace(const PositionStatusReply& position);
-
-/// The plane zone whose origin is nearest to a place. Which zone a survey must use is a matter of
-/// the prefecture; this is a proposal.
-[[nodiscard]] int NearestPlaneZone(const SiteReply& place);
 
 } // namespace fieldcore

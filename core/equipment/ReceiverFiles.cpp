@@ -41,8 +41,7 @@ int ReceiverFiles::Open(CConnect& connect)
         m_command.ClosePort();
         return NotOpened;
     }
-    m_typeNumber = fieldcore::GetRecvTypeNum(m_command);
-    SetRecvVer();
+    OpenConnected(); // its type has been accepted
     return Opened;
 }
 
@@ -82,11 +81,6 @@ ReceiverFamily ReceiverFiles::Family() const
 bool ReceiverFiles::HasRecyclePage() const
 {
     return m_version < kFirstWithoutRecycleBin;
-}
-
-void ReceiverFiles::SetFetchedFolders(std::vector<std::filesystem::path> folders)
-{
-    m_fetchedFolders = std::move(folders);
 }
 
 void ReceiverFiles::ShowWaitCursor(bool on)

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -75,7 +76,6 @@ public:
 
     /// Firmware from 3.7 on deletes for good: no recycle page, but a note that says so.
     [[nodiscard]] bool HasRecyclePage() const;
-    [[nodiscard]] bool ShowsDeleteNote() const { return !HasRecyclePage(); }
     [[nodiscard]] bool CanDownload() const { return Family() != ReceiverFamily::Pica; }
     /// Whether the recycle page's delete button is on.
     [[nodiscard]] bool CanDeleteRecycled() const { return Family() != ReceiverFamily::Pica; }
@@ -92,7 +92,10 @@ public:
     void SetRows(FileRows* rows) { m_rows = rows; }
     [[nodiscard]] FileRows* GetRows() const { return m_rows; }
     /// Folders in which a listed file counts as fetched, directly or in its date folder.
-    void SetFetchedFolders(std::vector<std::filesystem::path> folders);
+    void SetFetchedFolders(std::vector<std::filesystem::path> folders)
+    {
+        m_fetchedFolders = std::move(folders);
+    }
     [[nodiscard]] CCommand& GetCommand() const { return m_command; }
     [[nodiscard]] const DirectoryTable& GetTable() const { return m_table; }
 

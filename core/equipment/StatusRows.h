@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/equipment/ReceiverFields.h"
+#include "core/link/RecvInfo.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,9 +39,34 @@ struct StatusRow
 [[nodiscard]] std::wstring BatteryText(const Receiver& receiver, const StatusView& view);
 /// The charge in percent; nothing if it is not known.
 [[nodiscard]] std::optional<int> BatteryPercent(const Receiver& receiver);
-/// How old a value is, for the user: seconds, then minutes.
-[[nodiscard]] std::wstring AgeText(Clock::Duration age);
-/// "最終受信 12:34:56": when a value of @p age came, by the controller's clock in Japan's time.
-[[nodiscard]] std::wstring LastReceivedText(Clock::UtcTime utc, Clock::Duration age);
+
+// The version display.
+
+/// An option that may be installed in a receiver.
+struct InstalledOption
+{
+    const char* words; ///< its name in English, for reports
+    int textId;        ///< its name for the user
+    /// Not 0 if @p info has it.
+    int (*has)(const CRecvInfo& info);
+};
+
+/// All that the library knows, in the order in which they are listed.
+[[nodiscard]] std::span<const InstalledOption> AllInstalledOptions();
+
+/// A line of the version display.
+struct VersionRow
+{
+    std::wstring name;
+    std::wstring value; ///< "--" for what the receiver did not tell
+    bool isHeading = false;
+    bool isMissing = false; ///< an option that is not installed
+};
+
+/// Who the receiver is, its firmware and every option, as the version display lists them.
+[[nodiscard]] std::vector<VersionRow> VersionRowsOf(const ReceiverIdentity& identity);
+
+/// The list as text to copy: a row a line, name and value with a tab between.
+[[nodiscard]] std::wstring VersionText(const std::vector<VersionRow>& rows);
 
 } // namespace fieldcore

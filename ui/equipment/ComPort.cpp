@@ -1,5 +1,6 @@
 #include "ui/equipment/ComPort.h"
 
+#include "core/equipment/LinkSearch.h"
 #include "core/host/MesBox.h"
 #include "core/input/Parts.h"
 #include "core/link/Command.h"
@@ -14,11 +15,6 @@ namespace fieldcore {
 namespace {
 
 constexpr const wchar_t* kName = L"Com"; // under which the open page is remembered
-
-QString TitleOf(int port)
-{
-    return ToQt(FormatText(text::kComPage, port));
-}
 
 } // namespace
 
@@ -58,7 +54,7 @@ void CComPort::AddPages(int count)
         auto* const page = new ComPortPage(port);
         page->InsertString(m_edit->At(port));
         connect(page, &ComPortPage::SearchWanted, this, [this, page] { Search(page); });
-        AddPage(page, TitleOf(port));
+        AddPage(page, ToQt(FormatText(text::kComPage, port)));
     }
 }
 
@@ -191,7 +187,11 @@ void CComPort::Search(ComPortPage* page)
     set.GetSETCOMMS(page->Port(), chosen);
     target->settings = LineOf(chosen);
     const Questions::Quiet quiet(*m_command); // a link that was lost is looked for, too
-    if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
+    const auto show = [page](std::uint32_t rate, int done, int total) {
+        page->ShowSearchResult(
+            ToQt(FormatText(text::kComSearching, static_cast<long>(rate), done + 1, total)));
+    };
+    if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, show)) {
         chosen.baudRate = *rate;
         set.SetSETCOMMS(chosen);
         page->InsertString(set);

@@ -11,28 +11,36 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <iterator>
+
 namespace fieldcore {
 
 namespace {
 
-/// @param text  of a flag; its choices are 0 to @p count - 1
-template <typename Text>
-void Fill(CTComboBox* combo, int count, Text text, int selected)
+/// A list of choices, whose codes are the flags.
+struct Choice
 {
-    combo->clear();
-    for (int flag = 0; flag < count; ++flag) {
-        combo->AddEntry(ToQt(text(flag)), flag);
-    }
-    combo->setCurrentIndex(
-        combo->findText(ToQt(text(selected)))); // an unknown flag has a text, too
-}
+    int textId;
+    int count;
+    std::wstring (CComPrmSet::*text)(int flag) const;
+    int (CComPrmSet::*flag)() const;
+    int (CComPrmSet::*setFlag)(int flag);
+};
+
+using Set = CComPrmSet;
+constexpr std::array<Choice, ComPortPage::kLists> kChoices{{
+    {text::kComRate, std::size(kBaudRates), &Set::GetStrBps, &Set::GetFlagBps, &Set::SetFlagBps},
+    {text::kComDataBits, 2, &Set::GetStrDataBits, &Set::GetFlagDataBits, &Set::SetFlagDataBits},
+    {text::kComParity, 3, &Set::GetStrParity, &Set::GetFlagParity, &Set::SetFlagParity},
+    {text::kComStopBits, 2, &Set::GetStrStopBits, &Set::GetFlagStopBits, &Set::SetFlagStopBits},
+    {text::kComFlow, 3, &Set::GetStrFlowCtrl, &Set::GetFlagFlowCtrl, &Set::SetFlagFlowCtrl},
+}};
 
 } // namespace
 
 ComPortPage::ComPortPage(int port, QWidget* parent)
-    : PropertyPage(parent), m_port(port), m_bps(new CTComboBox), m_dataBits(new CTComboBox),
-      m_parity(new CTComboBox), m_stopBits(new CTComboBox), m_flow(new CTComboBox),
-      m_note(new QLabel), m_search(new QPushButton(UiText(text::kComSearch))), m_found(new QLabel)
+    : PropertyPage(parent), m_port(port), m_note(new QLabel),
+      m_search(new QPushButton(UiText(text::kComSearch))), m_found(new QLabel)
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(12, 12, 12, 12);
@@ -42,18 +50,14 @@ ComPortPage::ComPortPage(int port, QWidget* parent)
     form->setHorizontalSpacing(2 * TouchStyle::kGrid);
     form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    const auto add = [this, form](int id, CTComboBox* combo) {
+    for (std::size_t i = 0; i < kLists; ++i) {
+        auto* const combo = m_lists[i] = new CTComboBox;
         connect(combo, &QComboBox::activated, this, [this] { m_isTouched = true; });
-        combo->setAccessibleName(UiText(id));
+        combo->setAccessibleName(UiText(kChoices[i].textId));
         combo->setMaximumWidth(35 * TouchStyle::kGrid);
         combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        AddFormRow(*form, UiText(id), combo);
-    };
-    add(text::kComRate, m_bps);
-    add(text::kComDataBits, m_dataBits);
-    add(text::kComParity, m_parity);
-    add(text::kComStopBits, m_stopBits);
-    add(text::kComFlow, m_flow);
+        AddFormRow(*form, combo->accessibleName(), combo);
+    }
     m_search->setMinimumSize(20 * TouchStyle::kGrid, TouchStyle::kTarget);
     m_search->setAutoDefault(false);
     for (QLabel* const label : {m_note, m_found}) {
@@ -81,12 +85,6 @@ void ComPortPage::OfferSearch()
     m_search->show();
 }
 
-void ComPortPage::OnRate(std::uint32_t rate, int done, int total)
-{
-    ShowSearchResult(
-        ToQt(FormatText(text::kComSearching, static_cast<long>(rate), done + 1, total)));
-}
-
 void ComPortPage::ShowSearchResult(const QString& text)
 {
     m_found->setText(text);
@@ -96,26 +94,21 @@ void ComPortPage::ShowSearchResult(const QString& text)
 void ComPortPage::InsertString(const CComPrmSet& set)
 {
     m_isTouched = false;
-    Fill(
-        m_bps, static_cast<int>(kBaudRates.size()), [&](int f) { return set.GetStrBps(f); },
-        set.GetFlagBps());
-    Fill(
-        m_dataBits, 2, [&](int f) { return set.GetStrDataBits(f); }, set.GetFlagDataBits());
-    Fill(
-        m_parity, 3, [&](int f) { return set.GetStrParity(f); }, set.GetFlagParity());
-    Fill(
-        m_stopBits, 2, [&](int f) { return set.GetStrStopBits(f); }, set.GetFlagStopBits());
-    Fill(
-        m_flow, 3, [&](int f) { return set.GetStrFlowCtrl(f); }, set.GetFlagFlowCtrl());
+    for (std::size_t i = 0; i < kLists; ++i) {
+        const Choice& choice = kChoices[i];
+        m_lists[i]->clear();
+        for (int flag = 0; flag < choice.count; ++flag) {
+            m_lists[i]->AddEntry(ToQt((set.*choice.text)(flag)), flag);
+        }
+        m_lists[i]->SelectCode((set.*choice.flag)());
+    }
 }
 
 void ComPortPage::Take(CComPrmSet& set) const
 {
-    set.SetFlagBps(m_bps->GetCode());
-    set.SetFlagDataBits(m_dataBits->GetCode());
-    set.SetFlagParity(m_parity->GetCode());
-    set.SetFlagStopBits(m_stopBits->GetCode());
-    set.SetFlagFlowCtrl(m_flow->GetCode());
+    for (std::size_t i = 0; i < kLists; ++i) {
+        (set.*kChoices[i].setFlag)(m_lists[i]->GetCode());
+    }
 }
 
 } // namespace fieldcore

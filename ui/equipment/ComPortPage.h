@@ -1,8 +1,10 @@
 #pragma once
 
-#include "core/equipment/LinkSearch.h"
 #include "core/link/ComPrmSet.h"
 #include "ui/controls/PropertyPage.h"
+
+#include <array>
+#include <cstddef>
 
 class QLabel;
 class QPushButton;
@@ -12,11 +14,13 @@ namespace fieldcore {
 class CTComboBox;
 
 /// The page of one port of the receiver: its five parameters. User-interface thread only.
-class ComPortPage : public PropertyPage, public RateObserver
+class ComPortPage : public PropertyPage
 {
     Q_OBJECT
 
 public:
+    static constexpr std::size_t kLists = 5; ///< of choices
+
     /// @param port  of the receiver, from 1
     explicit ComPortPage(int port, QWidget* parent = nullptr);
 
@@ -25,8 +29,7 @@ public:
     void ShowNote(const QString& note);
     /// Offers to look for the receiver's rate.
     void OfferSearch();
-    void OnRate(std::uint32_t rate, int done, int total) override;
-    /// @param text  how the search ended
+    /// @param text  how far the search is, or how it ended
     void ShowSearchResult(const QString& text);
 
     /// Fills the five lists with their choices, and selects those of @p set.
@@ -41,11 +44,7 @@ Q_SIGNALS:
 
 private:
     const int m_port;
-    CTComboBox* m_bps; // owned by the page, as are all that follow
-    CTComboBox* m_dataBits;
-    CTComboBox* m_parity;
-    CTComboBox* m_stopBits;
-    CTComboBox* m_flow;
+    std::array<CTComboBox*, kLists> m_lists{}; // owned by the page, as are all that follow
     QLabel* m_note;
     QPushButton* m_search;
     QLabel* m_found;

@@ -15,7 +15,7 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
-#include <vector>
+#include <utility>
 
 namespace fieldcore {
 
@@ -59,7 +59,7 @@ QString Spoken(const FileRow& row, int column)
 } // namespace
 
 /// The rows of the list.
-class FileListModel : public QAbstractTableModel
+class FileListModel : public QAbstractTableModel, public FileRows
 {
 public:
     // What stands in small print.
@@ -67,7 +67,8 @@ public:
     static constexpr int kBelowRole = Qt::UserRole + 1; ///< below it
     static constexpr int kBelowColourRole = Qt::UserRole + 2;
 
-    using QAbstractTableModel::QAbstractTableModel;
+    /// @param list  that shows them, and owns the model
+    explicit FileListModel(FileList& list) : QAbstractTableModel(&list), m_list(list) {}
 
     void ShowColumns()
     {
@@ -86,41 +87,44 @@ public:
         }
     }
 
-    void Insert(int row, const FileRow& content)
+    [[nodiscard]] bool IsSelected(int row) const override
+    {
+        return m_list.selectionModel()->isRowSelected(row, {});
+    }
+
+    void Insert(int row, const FileRow& content) override
     {
         beginInsertRows({}, row, row);
-        m_rows.insert(m_rows.begin() + row, content);
+        FileRows::Insert(row, content);
         endInsertRows();
     }
 
-    void Remove(int row)
+    void Remove(int row) override
     {
         beginRemoveRows({}, row, row);
-        m_rows.erase(m_rows.begin() + row);
+        FileRows::Remove(row);
         endRemoveRows();
     }
 
-    void Clear()
+    void Clear() override
     {
         beginResetModel();
-        m_rows.clear();
+        FileRows::Clear();
         endResetModel();
     }
 
-    void SetMark(int row, FileRow::Mark mark)
+    void SetMark(int row, FileRow::Mark mark) override
     {
-        m_rows.at(static_cast<std::size_t>(row)).mark = mark;
+        FileRows::SetMark(row, mark);
         Q_EMIT dataChanged(index(row, 0), index(row, 0));
     }
 
-    [[nodiscard]] const FileRow& At(int row) const
-    {
-        return m_rows.at(static_cast<std::size_t>(row));
-    }
+    void Redraw() override { m_list.viewport()->update(); }
+    void Focus() override { m_list.setFocus(Qt::OtherFocusReason); }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override
     {
-        return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+        return parent.isValid() ? 0 : Count();
     }
 
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override
@@ -170,7 +174,7 @@ public:
     }
 
 private:
-    std::vector<FileRow> m_rows;
+    FileList& m_list;
     FileImageList m_images;
     int m_columns = 0;
 };
@@ -246,7 +250,7 @@ public:
 } // namespace
 
 FileList::FileList(int heightUnits, QWidget* parent)
-    : QTreeView(parent), m_heightUnits(heightUnits), m_model(new FileListModel(this))
+    : QTreeView(parent), m_heightUnits(heightUnits), m_model(new FileListModel(*this))
 {
     setModel(m_model);
     setItemDelegate(new RowPainter(this));
@@ -258,7 +262,6 @@ FileList::FileList(int heightUnits, QWidget* parent)
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::MultiSelection);
     header()->setSectionsMovable(false);
     header()->setMinimumHeight(TouchStyle::kTarget);
@@ -301,49 +304,9 @@ void FileList::SetImages(const FileImageList& images)
     m_model->SetImages(images);
 }
 
-int FileList::Count() const
+FileRows& FileList::Rows() const
 {
-    return m_model->rowCount();
-}
-
-const FileRow& FileList::At(int row) const
-{
-    return m_model->At(row);
-}
-
-bool FileList::IsSelected(int row) const
-{
-    return selectionModel()->isRowSelected(row, {});
-}
-
-void FileList::Insert(int row, const FileRow& content)
-{
-    m_model->Insert(row, content);
-}
-
-void FileList::Remove(int row)
-{
-    m_model->Remove(row);
-}
-
-void FileList::Clear()
-{
-    m_model->Clear();
-}
-
-void FileList::SetMark(int row, FileRow::Mark mark)
-{
-    m_model->SetMark(row, mark);
-}
-
-void FileList::Redraw()
-{
-    viewport()->update();
-}
-
-void FileList::Focus()
-{
-    setFocus(Qt::OtherFocusReason);
+    return *m_model;
 }
 
 QSize FileList::sizeHint() const

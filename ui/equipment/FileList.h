@@ -18,7 +18,7 @@ using FileImageList = std::array<QIcon, 3>;
 /// time of day, the unit and the mark in small print. A tap or the space bar takes a row into the
 /// selection or out of it, so that several are chosen without a second key; Ctrl+A takes all.
 /// User-interface thread only.
-class FileList : public QTreeView, public FileRows
+class FileList : public QTreeView
 {
     Q_OBJECT
 
@@ -38,17 +38,7 @@ public:
     void ShowColumns();
     void SetImages(const FileImageList& images);
 
-    // FileRows
-
-    [[nodiscard]] int Count() const override;
-    [[nodiscard]] const FileRow& At(int row) const override;
-    [[nodiscard]] bool IsSelected(int row) const override;
-    void Insert(int row, const FileRow& content) override;
-    void Remove(int row) override;
-    void Clear() override;
-    void SetMark(int row, FileRow::Mark mark) override;
-    void Redraw() override;
-    void Focus() override;
+    [[nodiscard]] FileRows& Rows() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;

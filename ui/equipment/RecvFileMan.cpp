@@ -56,7 +56,7 @@ CRecvFileMan::CRecvFileMan(CCommand* command, int loadWay, const wchar_t* captio
 CRecvFileMan::CRecvFileMan(CCommand* command, int loadWay, const wchar_t* caption,
                            Surroundings surroundings, QWidget* parent, unsigned startPage)
     : PropertySheet(caption != nullptr ? ToQt(caption) : UiText(text::kFilesTitle), parent),
-      m_command(*command), m_surroundings(std::move(surroundings)), m_files(m_command, loadWay),
+      ReceiverFiles(*command, loadWay), m_surroundings(std::move(surroundings)),
       m_target(this,
                [this](unsigned message, std::intptr_t wParam, std::intptr_t lParam) {
                    if (message == kFileListMessage) {
@@ -81,10 +81,10 @@ CRecvFileMan::~CRecvFileMan()
 int CRecvFileMan::Open()
 {
     const std::unique_ptr<CConnect> connect =
-        m_surroundings.makeConnect ? m_surroundings.makeConnect(m_command)
-                                   : std::make_unique<ConnectDlg>(m_command, 0, parentWidget());
-    const int result = m_files.Open(*connect);
-    if (result == ReceiverFiles::Opened && !m_files.HasRecyclePage()) {
+        m_surroundings.makeConnect ? m_surroundings.makeConnect(GetCommand())
+                                   : std::make_unique<ConnectDlg>(GetCommand(), 0, parentWidget());
+    const int result = ReceiverFiles::Open(*connect);
+    if (result == ReceiverFiles::Opened && !HasRecyclePage()) {
         RemovePage(kGomiPage);
     }
     return result;
@@ -117,7 +117,7 @@ RecvFilePage* CRecvFileMan::Page() const
 
 bool CRecvFileMan::CanWork() const
 {
-    return !m_isWorking && !m_command.IsBusy() && m_files.GetRows() != nullptr;
+    return !m_isWorking && !GetCommand().IsBusy() && GetRows() != nullptr;
 }
 
 bool CRecvFileMan::IsWorking() const
@@ -127,7 +127,7 @@ bool CRecvFileMan::IsWorking() const
 
 void CRecvFileMan::SetListCtrl(FileList* list)
 {
-    m_files.SetRows(list);
+    SetRows(&list->Rows());
 }
 
 void CRecvFileMan::InitListCtrl(FileList* list)
@@ -167,7 +167,7 @@ void CRecvFileMan::GetFileData()
     const Work work(*this);
     m_notice.clear();
     LookForFetched();
-    m_files.GetFileData(m_target);
+    ReceiverFiles::GetFileData(m_target);
 }
 
 /// Each time: a card comes and goes while the sheet is open.
@@ -178,12 +178,12 @@ void CRecvFileMan::LookForFetched()
     if (!cards.empty()) {
         fetched.push_back(cards.front());
     }
-    m_files.SetFetchedFolders(std::move(fetched));
+    SetFetchedFolders(std::move(fetched));
 }
 
 int CRecvFileMan::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
 {
-    m_files.OnRecvFileList(wParam, lParam);
+    ReceiverFiles::OnRecvFileList(wParam, lParam);
     if (wParam != 0) {
         Page()->ShowState();
     }
@@ -192,9 +192,8 @@ int CRecvFileMan::OnRecvFileList(std::intptr_t wParam, std::intptr_t lParam)
 
 void CRecvFileMan::ChoiceAll()
 {
-    FileList& list = Page()->List();
-    list.selectAll();
-    list.Focus();
+    Page()->List().selectAll();
+    Page()->List().setFocus();
 }
 
 void CRecvFileMan::FileDownload()
@@ -217,7 +216,7 @@ void CRecvFileMan::FileDownload()
         m_progress->Show(progress);
         return true; // its Cancel button ends the wait that the host has charge of
     };
-    FileManager(m_files, around).FileDownload();
+    FileManager(*this, around).FileDownload();
     m_progress->Reset();
 }
 
@@ -239,17 +238,17 @@ void CRecvFileMan::Change(void (FileManager::*action)())
     const Work work(*this);
     m_notice.clear();
     LookForFetched();
-    FileManager manager(m_files);
+    FileManager manager(*this);
     (manager.*action)();
     m_notice = manager.Notice();
     if (auto unanswered = manager.Unanswered(); !unanswered.empty()) {
-        m_files.ListAgain(m_target, std::move(unanswered));
+        ListAgain(m_target, std::move(unanswered));
     }
 }
 
 int CRecvFileMan::CheckIDCANCEL()
 {
-    return m_files.CheckIDCANCEL(CPrgEndMes(CPrgEndMes::Mode::Logging, this).DoModal());
+    return ReceiverFiles::CheckIDCANCEL(CPrgEndMes(CPrgEndMes::Mode::Logging, this).DoModal());
 }
 
 } // namespace fieldcore

@@ -22,7 +22,7 @@ class TransferPanel;
 /// of ReceiverFiles and FileManager. User-interface thread only.
 ///
 /// While the receiver is listened to, nothing on the sheet can be pressed but a Cancel button.
-class CRecvFileMan : public PropertySheet
+class CRecvFileMan : public PropertySheet, public ReceiverFiles
 {
     Q_OBJECT
 
@@ -56,21 +56,6 @@ public:
     /// What comes before the sheet can be shown. @return as ReceiverFiles::Open()
     int Open();
 
-    /// As ReceiverFiles says.
-    int SetRecvVer() { return m_files.SetRecvVer(); }
-    [[nodiscard]] double GetRecvVer() const { return m_files.GetRecvVer(); }
-    [[nodiscard]] std::uint32_t GetRecvTypeNum() const { return m_files.GetRecvTypeNum(); }
-    /// 1 live files, 0 the recycle bin.
-    void SetMode(int mode) { m_files.SetMode(mode); }
-    [[nodiscard]] int GetMode() const { return m_files.GetMode(); }
-    void SetLoadWay(int loadWay) { m_files.SetLoadWay(loadWay); }
-    [[nodiscard]] int GetLoadWay() const { return m_files.GetLoadWay(); }
-    /// Whether a listed file is being logged.
-    void SetLogging(int logging) { m_files.SetLogging(logging); }
-    [[nodiscard]] int GetLogging() const { return m_files.GetLogging(); }
-    /// Not 0 when the file is being logged. @param byRecord  0: @p index is a row
-    int GetFileAttr(int index, int byRecord) { return m_files.GetFileAttr(index, byRecord); }
-
     // The controls of the active page.
 
     /// The list that shows the files, and its pictures. Not owned.
@@ -102,10 +87,9 @@ public:
     /// Lists as soon as the sheet has been painted.
     void ListSoon();
     /// Whether the last listing came to its end.
-    [[nodiscard]] bool WasListed() const { return m_files.ListFault() == CommandFault::None; }
+    [[nodiscard]] bool WasListed() const { return ListFault() == CommandFault::None; }
     /// What went wrong with the last deletion or recovery; empty if nothing did.
     [[nodiscard]] const std::wstring& Notice() const { return m_notice; }
-    [[nodiscard]] ReceiverFiles& Files() { return m_files; }
     /// Whether something is being done, or a listing is about to begin.
     [[nodiscard]] bool IsWorking() const;
     [[nodiscard]] const TransferPanel& Progress() const { return *m_progress; }
@@ -122,9 +106,7 @@ private:
     void LookForFetched();
     void Change(void (FileManager::*action)());
 
-    CCommand& m_command;
     const Surroundings m_surroundings;
-    ReceiverFiles m_files;
     QtMessageTarget m_target;
     FileImageList* m_images = nullptr;
     bool m_isWorking = false;

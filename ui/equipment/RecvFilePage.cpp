@@ -25,8 +25,7 @@ constexpr int kListUnitsQ77 = 167; // on the controller with the taller screen
 
 RecvFilePage::RecvFilePage(CRecvFileMan& sheet, int mode)
     : m_man(sheet), m_mode(mode),
-      m_list(
-          new FileList(sheet.Files().GetCommand().GetHost().IsQ77() ? kListUnitsQ77 : kListUnits)),
+      m_list(new FileList(sheet.GetCommand().GetHost().IsQ77() ? kListUnitsQ77 : kListUnits)),
       m_state(new QLabel), m_trouble(new QLabel), m_buttons(new QWidget),
       m_row(new QHBoxLayout(m_buttons))
 {
@@ -85,7 +84,7 @@ void RecvFilePage::OnInitDialog()
 {
     m_man.InitListCtrl(m_list);
     m_man.InitIcon(m_list, &m_images);
-    m_list->Focus();
+    m_list->setFocus();
 }
 
 void RecvFilePage::OnSetActive()
@@ -121,27 +120,27 @@ void RecvFilePage::ShowState()
     if (m_man.GetActivePage() != this) {
         return;
     }
-    const int count = m_list->Count();
-    const ReceiverFiles& files = m_man.Files();
+    const int count = m_list->Rows().Count();
     QStringList trouble;
     if (!m_man.Notice().empty()) {
         trouble += ToQt(m_man.Notice());
     }
-    if (files.IsListing()) {
+    if (m_man.IsListing()) {
         m_state->setText(ToQt(FormatText(text::kFilesListing, count)));
     } else {
-        const wchar_t* const cause = CauseText(files.ListFault());
+        const wchar_t* const cause = CauseText(m_man.ListFault());
         if (count > 0) {
-            m_state->setText(ToQt(FormatText(text::kFilesCount, count, m_list->SelectedCount())));
+            m_state->setText(
+                ToQt(FormatText(text::kFilesCount, count, m_list->Rows().SelectedCount())));
         } else {
             m_state->setText(UiText(m_man.WasListed() ? text::kFilesEmpty : text::kFilesNotListed));
         }
-        if (files.IsOldList()) {
+        if (m_man.IsOldList()) {
             trouble += UiText(text::kFilesNotListed); // why, the notice says
         } else if (!m_man.WasListed()) {
             trouble += count > 0 ? ToQt(FormatText(text::kFilesPart, cause)) : ToQt(cause);
         }
-        if (files.HasMore()) {
+        if (m_man.HasMore()) {
             trouble += ToQt(FormatText(text::kFilesMore, count));
         }
     }
@@ -162,8 +161,8 @@ CRecvFile::CRecvFile(CRecvFileMan& sheet)
 
 void CRecvFile::OnInitDialog()
 {
-    m_note->setVisible(m_man.Files().ShowsDeleteNote());
-    m_fetch->setVisible(m_man.Files().CanDownload());
+    m_note->setVisible(!m_man.HasRecyclePage());
+    m_fetch->setVisible(m_man.CanDownload());
     RecvFilePage::OnInitDialog();
 }
 
@@ -177,7 +176,7 @@ CRecvGomi::CRecvGomi(CRecvFileMan& sheet) : RecvFilePage(sheet, ReceiverFiles::R
 
 void CRecvGomi::OnInitDialog()
 {
-    m_delete->setEnabled(m_man.Files().CanDeleteRecycled());
+    m_delete->setEnabled(m_man.CanDeleteRecycled());
     RecvFilePage::OnInitDialog();
 }
 

@@ -1,7 +1,7 @@
 #include "ui/equipment/RecvFileSaveDlg.h"
 
 #include "core/resources/StringTable.h"
-#include "ui/controls/Theme.h"
+#include "ui/controls/RoleLabel.h"
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/controls/Widgets.h"
@@ -41,7 +41,8 @@ CRecvFileSaveDlg::CRecvFileSaveDlg(FileDestination& destination, QWidget* parent
       m_card(new QRadioButton(UiText(text::kFileSaveCard))),
       m_memory(new QRadioButton(UiText(text::kFileSaveMemory))),
       m_cardFolder(MakeFolderLabel(destination.CardFolder())),
-      m_memoryFolder(MakeFolderLabel(destination.DocumentsFolder())), m_free(new QLabel),
+      m_memoryFolder(MakeFolderLabel(destination.DocumentsFolder())),
+      m_free(new RoleLabel(&Theme::text)),
       m_dateFolders(new QCheckBox(UiText(text::kFileSaveDateFolders))),
       m_onlyNew(new QCheckBox(UiText(text::kFileSaveOnlyNew)))
 {
@@ -118,11 +119,7 @@ void CRecvFileSaveDlg::ShowAmounts()
         words += QLatin1Char('\n') + UiText(text::kFileSaveTooLittle);
     }
     m_free->setText(words);
-    QPalette colours = palette();
-    if (isTooLittle) {
-        colours.setColor(QPalette::WindowText, Theme::Current().bad);
-    }
-    m_free->setPalette(colours);
+    m_free->SetRole(isTooLittle ? &Theme::bad : &Theme::text);
 }
 
 bool CRecvFileSaveDlg::OnClose(int result)

@@ -9,6 +9,8 @@ class QRadioButton;
 
 namespace fieldcore {
 
+class RoleLabel;
+
 /// Asks where fetched files go: to the memory card or into the documents folder, and whether each
 /// day gets a folder of its own. User-interface thread only.
 class CRecvFileSaveDlg : public Dialog
@@ -39,7 +41,7 @@ private:
     QRadioButton* m_memory;
     QLabel* m_cardFolder;
     QLabel* m_memoryFolder;
-    QLabel* m_free;
+    RoleLabel* m_free;
     QCheckBox* m_dateFolders;
     QCheckBox* m_onlyNew;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/equipment/VersionRows.h"
+#include "core/equipment/StatusRows.h"
 #include "ui/controls/Dialog.h"
 
 #include <vector>

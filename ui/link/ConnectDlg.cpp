@@ -86,7 +86,8 @@ void ConnectDlg::ShowFailure(const ConnectSequence& sequence)
 
 std::wstring ConnectDlg::Search()
 {
-    const std::optional<std::uint32_t> rate = SearchRate(m_command, *Target(), m_progress.get());
+    const std::optional<std::uint32_t> rate = SearchRate(
+        m_command, *Target(), std::bind_front(&ConnectProgressDlg::OnRate, m_progress.get()));
     if (!rate) {
         return Text(RateSearchText(m_command.Fault()));
     }

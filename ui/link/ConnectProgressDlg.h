@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/equipment/LinkSearch.h"
 #include "core/link/ConnectSequence.h"
 #include "core/platform/Clock.h"
 #include "ui/controls/Dialog.h"
@@ -25,7 +24,7 @@ namespace fieldcore {
 ///
 /// While the connection is made the dialog is shown without a loop of its own: the program's host
 /// breathes, see QtHost.
-class ConnectProgressDlg : public Dialog, public ConnectObserver, public RateObserver
+class ConnectProgressDlg : public Dialog, public ConnectObserver
 {
     Q_OBJECT
 
@@ -47,7 +46,8 @@ public:
     ///                 observer, and says how that ended; empty: not offered
     void ShowFailure(const QString& message, const QString& detail,
                      std::function<QString()> search = {});
-    void OnRate(std::uint32_t rate, int done, int total) override;
+    /// Shows a rate of a search, see SearchRate().
+    void OnRate(std::uint32_t rate, int done, int total);
 
     /// Whether @p step is under way.
     [[nodiscard]] bool IsRunning(ConnectStep step) const

@@ -3,6 +3,7 @@
 #include "core/equipment/FileManager.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Scenario.h"
+#include "tests/core/equipment/FilesFixture.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/core/settings/FileSizeLimit.h"
@@ -58,7 +59,7 @@ struct Engine : MessageTarget
     TemporaryFolder home;
     std::optional<std::uint64_t> free = std::uint64_t{1} << 40U;
     std::optional<testing::FileSizeLimit> limit;
-    FileRowList rows;
+    testing::SelectableRows rows;
     ReceiverFiles files{receiver.command};
     FileManager::Surroundings around;
     bool onlyNew = false;
@@ -107,7 +108,6 @@ std::vector<FileFault> FileFaults()
     const auto noFolder = [](Engine& engine) { engine.home.Write("Documents/2026-03-14", ""); };
     std::vector<FileFault> faults{
         {"600 files", List, "files 600 10 20\n", "", FormatText(text::kFilesMore, 512), 512},
-        {"pages backwards", List, twenty + "listing backwards\n", "", L"", 20},
         {"pages backwards", List, twenty + "listing backwards\n", "", L"", 20},
         {"a page never comes", List, twenty + "fault drop of 9D skip 1 count 1\n", "",
          part(timedOut), 12},

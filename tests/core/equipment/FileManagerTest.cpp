@@ -107,7 +107,7 @@ TEST_F(FileManagerTest, AsksAndWarnsBefore)
         SCOPED_TRACE(row.label);
         StartLark({.version = row.version}, row.mode, 1);
         for (const int selected : row.selected) {
-            rows.Select(selected, true);
+            rows.Select(selected);
         }
         host.answers = {row.answer};
         FileManager(*files).FileDelete();
@@ -149,8 +149,8 @@ TEST_F(FileManagerTest, SendsALarkTheseCommands)
         }
         script.refused = {row.refused};
         StartLark(script, row.mode, 0);
-        rows.Select(0, true);
-        rows.Select(1, true);
+        rows.Select(0);
+        rows.Select(1);
         host.answers = {BoxAnswer::Yes};
         if (row.recover) {
             FileManager(*files).FileRecover();
@@ -226,7 +226,7 @@ protected:
     {
         Start(script);
         for (const int row : selected) {
-            rows.Select(row, true);
+            rows.Select(row);
         }
         FileManager(*files, around).FileDownload();
     }
@@ -322,17 +322,18 @@ TEST(FileRunnerRules, SpaceHasToBeMoreThanOnePointTwoTimes)
 TEST(FileDestinationRules, CardFirstElseDocuments)
 {
     const TemporaryFolder home;
-    FileDestination without(1536, 4, 9600, testing::FoldersBelow(home.Path().string()));
+    FileDestination without(96000, 4, 9600, testing::FoldersBelow(home.Path().string()));
     EXPECT_FALSE(without.HasCard());
     EXPECT_EQ(without.kind, FileDestination::MainMemory);
     EXPECT_EQ(without.dateFolders, 1);
     EXPECT_EQ(without.Folder(), home.Path() / "Documents");
     EXPECT_TRUE(without.FreeBytes()) << "the folder is made later";
-    EXPECT_EQ(without.Summary(), L"合計データサイズ： 約 2 KB\n取得時間目安： 10 秒未満");
-    EXPECT_EQ(without.BitRate(), 262144U) << "Bluetooth";
+    EXPECT_EQ(without.Summary(), L"合計データサイズ： 約 94 KB\n取得時間目安： 10 秒未満")
+        << "Bluetooth";
     without.kind = FileDestination::Card;
     EXPECT_FALSE(without.FreeBytes());
-    EXPECT_EQ(FileDestination(1, 3, 9600, testing::FoldersBelow("/nowhere")).BitRate(), 9600U);
+    EXPECT_EQ(FileDestination(96000, 3, 9600, testing::FoldersBelow("/nowhere")).Summary(),
+              L"合計データサイズ： 約 94 KB\n取得時間目安： 約 2 分");
 }
 
 TEST(TransferMeterRules, RateAndTimeLeft)

@@ -78,6 +78,31 @@ inline ScriptedEnd::Answer ReceiverScript::operator()(const Bytes& request) cons
     }
 }
 
+/// Rows of which some are selected.
+class SelectableRows : public FileRows
+{
+public:
+    void Select(int row) { m_records.insert(At(row).record); }
+    void SelectAll()
+    {
+        for (int row = 0; row < Count(); ++row) {
+            Select(row);
+        }
+    }
+    [[nodiscard]] bool IsSelected(int row) const override
+    {
+        return m_records.contains(At(row).record);
+    }
+    void Clear() override
+    {
+        FileRows::Clear();
+        m_records.clear();
+    }
+
+private:
+    std::set<std::size_t> m_records;
+};
+
 /// The file manager over a scripted receiver. Messages arrive at once.
 class FilesTest : public ::testing::Test, protected VirtualChannel, protected MessageTarget
 {
@@ -124,7 +149,7 @@ protected:
     bool cancel = false;   // at the next breath
     bool isSilent = false; // when it is asked what it is
     std::optional<ScriptedEnd> receiver;
-    FileRowList rows;
+    SelectableRows rows;
     std::unique_ptr<ReceiverFiles> files;
 };
 

@@ -20,9 +20,7 @@
 namespace fieldcore {
 namespace {
 
-class PortEditTest : public ::testing::Test,
-                     protected testing::VirtualChannel,
-                     protected RateObserver
+class PortEditTest : public ::testing::Test, protected testing::VirtualChannel
 {
 protected:
     PortEditTest()
@@ -31,11 +29,13 @@ protected:
     }
     ~PortEditTest() override { command.ClosePort(); }
 
-    void OnRate(std::uint32_t rate, int done, int total) override
+    std::optional<std::uint32_t> Search()
     {
-        EXPECT_EQ(done, static_cast<int>(m_rates.size()));
-        EXPECT_EQ(total, 7);
-        m_rates.push_back(rate);
+        return SearchRate(command, m_target, [this](std::uint32_t rate, int done, int total) {
+            EXPECT_EQ(done, static_cast<int>(m_rates.size()));
+            EXPECT_EQ(total, 7);
+            m_rates.push_back(rate);
+        });
     }
     void Start(std::uint32_t rate, bool answers = true)
     {
@@ -203,18 +203,18 @@ TEST_F(PortEditTest, StoresWithoutAReceiver)
 TEST_F(PortEditTest, FindsTheRateOfASilentReceiver)
 {
     Start(9600);
-    EXPECT_EQ(SearchRate(command, m_target, this), 9600U);
+    EXPECT_EQ(Search(), 9600U);
     EXPECT_EQ(m_rates, (std::vector<std::uint32_t>{38400, 9600})) << "the one it should be, first";
     EXPECT_EQ(command.IsPortOpen(), 0);
     Start(230400);
     m_rates.clear();
     m_target.settings.baudRate = 2400;
-    EXPECT_EQ(SearchRate(command, m_target, this), std::nullopt);
+    EXPECT_EQ(Search(), std::nullopt);
     EXPECT_EQ(command.Fault(), CommandFault::TimedOut);
     EXPECT_EQ(m_rates, (std::vector<std::uint32_t>{2400, 38400, 9600, 115200, 57600, 19200, 4800}));
     m_rates.clear();
     m_endAt = 2;
-    EXPECT_EQ(SearchRate(command, m_target, this), std::nullopt);
+    EXPECT_EQ(Search(), std::nullopt);
     EXPECT_EQ(command.Fault(), CommandFault::Cancelled);
     EXPECT_EQ(m_rates.size(), 2U);
     m_lines.back().SetFailing([](const std::string& call) { return call == "Open"; });

@@ -3,7 +3,6 @@
 #include "core/equipment/ReceiverFields.h"
 
 #include "core/equipment/StatusRows.h"
-#include "core/equipment/VersionRows.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "tests/core/equipment/KnownReceiver.h"
@@ -61,6 +60,11 @@ TEST(ReceiverFields, SayTheSameToEverybody)
     const auto fix = [](int kind) {
         return [=](Receiver& r) { r.position->value.fixKind = kind; };
     };
+    const auto at = [](double latitudeDeg, double longitudeDeg) {
+        return [=](Receiver& r) {
+            r.position->value.position = {latitudeDeg * kRad, longitudeDeg * kRad, 0.0};
+        };
+    };
     using Change = std::function<void(Receiver&)>;
     // What is changed, the field, its text, and its words in a report.
     const std::tuple<const char*, Change, const char*, const wchar_t*, const char*> rows[] = {
@@ -71,8 +75,6 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"PDOP", kNothing, "pdop", L"2.0", "2.0"},
         {"large PDOP", pdop(99.5F), "pdop", L"99.5", "99.5"},
         {"PDOP that says there is none", pdop(99.9F), "pdop", L"-.- ", "--"},
-        {"no PDOP", pdop(0.0F), "pdop", L"-.- ", "--"},
-        {"PDOP of a tie, rounded alike", pdop(1.25F), "pdop", L"1.2", "1.2"},
         {"PDOP without trust", kNoTrust, "pdop", L"-.- ", "--"},
         {"time", kNothing, "jst", L"2026-03-19 09:00:01", "2026-03-19 09:00:00 JST"},
         {"time without trust", kNoTrust, "jst", L"2026-03-19 09:00", "2026-03-19 09:00 JST"},
@@ -93,7 +95,10 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"place that is no number", [](Receiver& r) { r.position->value.position.heightM = kNaN; },
          "latitudeDeg", L"--", "--"},
         {"height", kNothing, "heightM", L"70.123 m", "70.123 m"},
-        {"nearest zone", kNothing, "planeZone", L"9 系", "9"},
+        {"Tokyo", at(35.69, 139.69), "planeZone", L"9 系", "9"},
+        {"Sapporo", at(43.06, 141.35), "planeZone", L"12 系", "12"},
+        {"Naha", at(26.21, 127.68), "planeZone", L"15 系", "15"},
+        {"Ishigaki", at(24.34, 124.16), "planeZone", L"16 系", "16"},
         {"no fix, no plane", fix(0), "planeXM", L"--", "--"},
         {"place beyond the zones", [](Receiver& r) { r.position->value.position.longitudeRad = 0; },
          "planeZone", L"--", "--"},
@@ -190,19 +195,6 @@ TEST(ReceiverFields, WarnWhenASurveysLimitsAreBroken)
         EXPECT_EQ(BrokenLimits(receiver, view), broken);
     }
     EXPECT_TRUE(BrokenLimits({}, {101s, kUtc, 0, false, ObservingLimits{15, 3, 2.0}}).empty());
-}
-
-TEST(ReceiverFields, NameTheNearestZone)
-{
-    const std::pair<SiteReply, int> places[] = {
-        {{35.69 * kRad, 139.69 * kRad, 0.0}, 9},  // Tokyo
-        {{43.06 * kRad, 141.35 * kRad, 0.0}, 12}, // Sapporo
-        {{26.21 * kRad, 127.68 * kRad, 0.0}, 15}, // Naha
-        {{24.34 * kRad, 124.16 * kRad, 0.0}, 16}, // Ishigaki
-    };
-    for (const auto& [place, zone] : places) {
-        EXPECT_EQ(NearestPlaneZone(place), zone);
-    }
 }
 
 TEST(VersionRows, ListWhatIsThereAndWhatIsNot)

@@ -80,7 +80,6 @@ TEST_F(ReceiverFilesTest, PagesAndButtonsFollowTypeAndVersion)
         SCOPED_TRACE(label);
         Start({.typeCode = typeCode, .version = version});
         EXPECT_EQ(files->HasRecyclePage(), recyclePage);
-        EXPECT_EQ(files->ShowsDeleteNote(), !recyclePage);
         EXPECT_EQ(files->CanDownload(), download);
         EXPECT_EQ(files->CanDeleteRecycled(), download);
         const auto sent = Sent();

@@ -68,7 +68,7 @@ protected:
     {
         ASSERT_TRUE(QTest::qWaitFor([this] { return IsIdle(); }, 30000));
     }
-    [[nodiscard]] bool IsIdle() const { return !sheet->IsWorking() && !sheet->Files().IsListing(); }
+    [[nodiscard]] bool IsIdle() const { return !sheet->IsWorking() && !sheet->IsListing(); }
 
     [[nodiscard]] RecvFilePage& Page() const
     {

@@ -71,7 +71,7 @@ TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
         EXPECT_EQ(tabs.join(QLatin1Char(' ')), QString::fromUtf8(row.tabs));
         EXPECT_EQ(Find(RecvFilePage::kNote)->isVisible(), row.note);
         EXPECT_EQ(Find(RecvFilePage::kFetch)->isVisible(), row.canFetch);
-        EXPECT_EQ(List().Count(), row.files);
+        EXPECT_EQ(List().Rows().Count(), row.files);
         EXPECT_EQ(Cell(0, 0) + QLatin1Char(' ') + Cell(0, 1) + QLatin1Char(' ') + Cell(0, 2),
                   QStringLiteral("A0314A00 26/03/14 47.1"));
         if (tabs.size() > 1) {
@@ -130,20 +130,20 @@ TEST_F(RecvFileManTest, SelectsWholeRowsWithFingersAndKeys)
     Show();
     Tap(1);
     Tap(3);
-    EXPECT_TRUE(List().IsSelected(1) && List().IsSelected(3));
-    EXPECT_EQ(List().SelectedCount(), 2) << "the second tap must not undo the first";
+    EXPECT_TRUE(List().Rows().IsSelected(1) && List().Rows().IsSelected(3));
+    EXPECT_EQ(List().Rows().SelectedCount(), 2) << "the second tap must not undo the first";
     EXPECT_EQ(List().selectionModel()->selectedIndexes().size(), 6) << "all three columns of each";
     EXPECT_EQ(qobject_cast<QLabel*>(Find(RecvFilePage::kState))->text(),
               QStringLiteral("6 件　選択 2 件"));
     Tap(1);
-    EXPECT_EQ(List().SelectedCount(), 1);
+    EXPECT_EQ(List().Rows().SelectedCount(), 1);
     Click(RecvFilePage::kSelectAll);
-    EXPECT_EQ(List().SelectedCount(), 6);
+    EXPECT_EQ(List().Rows().SelectedCount(), 6);
     EXPECT_EQ(sheet->focusWidget(), &List());
     QTest::keyClick(&List(), Qt::Key_Home);
     QTest::keyClick(&List(), Qt::Key_Space);
-    EXPECT_FALSE(List().IsSelected(0));
-    EXPECT_EQ(List().SelectedCount(), 5);
+    EXPECT_FALSE(List().Rows().IsSelected(0));
+    EXPECT_EQ(List().Rows().SelectedCount(), 5);
 }
 
 TEST_F(RecvFileManTest, ShowsRowsWhileTheListingRuns)
@@ -153,13 +153,13 @@ TEST_F(RecvFileManTest, ShowsRowsWhileTheListingRuns)
     int seenFirst = 0;
     host.onBreath = [&] {
         if (sheet && sheet->isVisible() && sheet->IsWorking()) {
-            const int rows = List().Count();
+            const int rows = List().Rows().Count();
             seenFirst = seenFirst == 0 ? rows : seenFirst;
             most = std::max(most, rows);
         }
     };
     Show();
-    EXPECT_EQ(List().Count(), 512);
+    EXPECT_EQ(List().Rows().Count(), 512);
     EXPECT_GT(seenFirst, 0);
     EXPECT_LE(seenFirst, 16) << "the first rows waited for later pages";
     EXPECT_GT(most, 400);
@@ -239,7 +239,7 @@ TEST_F(RecvFileManTest, ShowsTheProgressAndEndsItWithinABlock)
     EXPECT_TRUE(Find(RecvFilePage::kFetch)->isEnabled() && Find(RecvFilePage::kFetch)->isVisible());
     Click(RecvFilePage::kReload);
     WaitForList();
-    EXPECT_EQ(List().Count(), 3) << "the line is free again";
+    EXPECT_EQ(List().Rows().Count(), 3) << "the line is free again";
     host.onBreath = {};
 }
 
@@ -247,12 +247,12 @@ TEST_F(RecvFileManTest, BringsFilesBack)
 {
     Connect("pica");
     Show(1);
-    ASSERT_EQ(List().Count(), 2);
+    ASSERT_EQ(List().Rows().Count(), 2);
     Tap(0);
     Click(RecvFilePage::kRecover);
-    EXPECT_EQ(List().Count(), 1);
+    EXPECT_EQ(List().Rows().Count(), 1);
     ShowOtherPage();
-    EXPECT_EQ(List().Count(), 4) << "the receiver lists it as live";
+    EXPECT_EQ(List().Rows().Count(), 4) << "the receiver lists it as live";
 }
 
 /// What can go wrong is a table of the engine's.
@@ -273,7 +273,7 @@ TEST_F(RecvFileManTest, SaysWhatWentWrong)
         EXPECT_TRUE(trouble->isVisible());
         EXPECT_NE(trouble->text().toStdWString().find(refused), std::wstring::npos);
     }
-    EXPECT_EQ(List().Count(), 0);
+    EXPECT_EQ(List().Rows().Count(), 0);
 }
 
 TEST_F(RecvFileManTest, AsksHowToEndTheProgram)
