@@ -2,7 +2,7 @@
 // exactly what the blocks that were taken said. Or what an earlier transfer has left, any bytes as
 // well, and blocks behind it.
 
-#include "core/link/FileReplies.h"
+#include "core/link/Replies.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
 #include "fuzz/Target.h"

@@ -5,6 +5,7 @@
 #include "core/platform/Calendar.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cwchar>
 #include <limits>
@@ -101,6 +102,47 @@ std::uint32_t TypeNumberOfModel(std::wstring_view model)
     return model == L"VX1-GNSS" ? 3012 : 3010;
 }
 
+// Files.
+
+constexpr std::uint8_t kLastPage = 0x80;
+constexpr std::uint8_t kMoreFollows = 128;
+constexpr std::size_t kMostBlockBytes = 1000;
+
+/// @return seconds since 1980-01-06 00:00, 0 if these are no date and time
+std::uint32_t RecordTime(int year, const std::array<std::uint8_t, 4>& rest)
+{
+    using namespace std::chrono;
+    const auto [month, day, hour, minute] = rest;
+    const year_month_day date{std::chrono::year(std::min(year, 9999)), std::chrono::month(month),
+                              std::chrono::day(day)};
+    if (!date.ok() || hour > 23 || minute > 59) {
+        return 0;
+    }
+    const seconds inJapan = sys_days(date) - kGpsEpoch + hours(hour) + minutes(minute) + kJst;
+    constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(inJapan.count(), 0, kMost));
+}
+
+/// Reads the next field as a file's name.
+void ReadName(LayoutReader& in, DirectoryListingData& file)
+{
+    std::wstring text;
+    in.Read(text);
+    text.resize(std::min(text.find_last_not_of(L' ') + 1, kLongestFileName));
+    std::copy(text.begin(), text.end(), file.name);
+}
+
+/// Reads each record of a page by @p readFile. @return whether the page can hold them and has them
+template <typename ReadFile>
+bool ReadFiles(LayoutReader& in, FilePage& page, std::size_t most, ReadFile readFile)
+{
+    for (std::size_t i = 0; i < std::min(page.count, most); ++i) {
+        in.BeginRecord();
+        readFile(page.files[i]);
+    }
+    return page.count <= most && in.IsComplete();
+}
+
 } // namespace
 
 std::optional<SerialReply> ParseSerial(FrameReader frame)
@@ -129,8 +171,6 @@ std::optional<OptionsReply> ParseOptions(FrameReader frame)
                 reply.rtcm21, reply.typeCode, radio, reply.flags1, reply.flags2);
         if (reply.typeCode == 0 && in.HasNext()) {
             in.Read(reply.modelWord);
-        } else {
-            in.Leave();
         }
         reply.tenths = tenths / 10.0;
         reply.loggingRate = loggingRate * 100U;
@@ -141,45 +181,22 @@ std::optional<OptionsReply> ParseOptions(FrameReader frame)
 
 std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame)
 {
-    ExtendedOptionsReply reply;
-    const bool holdsData = frame.DataLength() > 0 && FrameReader(frame).Byte() == '[';
-    if (frame.Type() == 0x4B && !holdsData) {
-        return reply; // a receiver without extended options
+    if (frame.Type() == 0x4B && (frame.DataLength() == 0 || FrameReader(frame).Byte() != '[')) {
+        return ExtendedOptionsReply(); // a receiver without extended options
     }
-    LayoutReader in(frame, 0x4B, "[");
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    std::uint32_t signals = 0;
-    std::uint32_t systems = 0;
-    std::uint32_t sensors = 0;
-    in.Read(signals, systems, sensors);
-    reply.l5 = Bit(signals, 29);
-    reply.l2c = Bit(signals, 21);
-    reply.glonass = Bit(systems, 0);
-    reply.galileo = Bit(systems, 19) || Bit(systems, 23);
-    reply.qzss = Bit(sensors, 2);
-    reply.tilt = Bit(sensors, 1);
-    if (!in.HasNext()) {
-        return reply;
-    }
-    std::uint8_t board = 0;
-    in.Read(board);
-    reply.meridian = Bit(board, 6);
-    if (frame.DataLength() < kCmrxLength) {
-        in.Leave(2);
-        return reply;
-    }
-    std::uint8_t counts = 0;
-    in.Read(counts);
-    if (Bit(counts, 1) && in.HasNext()) {
-        in.Read(reply.loggingRate);
-    } else {
-        in.Leave();
-    }
-    reply.cmrxInput = Bit(counts, 0) && Bit(board, 4);
-    reply.cmrxOutput = Bit(counts, 0) && Bit(board, 5);
-    return reply;
+    return ReadReply<ExtendedOptionsReply>(frame, 0x4B, "[", [frame](auto& in, auto& reply) {
+        in.Read(reply.signals, reply.systems, reply.sensors);
+        if (in.HasNext()) {
+            in.Read(reply.board);
+        }
+        if (frame.DataLength() >= kCmrxLength) {
+            in.Read(reply.counts);
+        }
+        if (Bit(reply.counts, 1) && in.HasNext()) {
+            in.Read(reply.loggingRate);
+        }
+        return true;
+    });
 }
 
 std::optional<StatusReply> ParseStatus(FrameReader frame)
@@ -231,7 +248,7 @@ std::optional<int> ParseBatteryPort(FrameReader frame)
 std::optional<SettingsFlags> ParseSettingsFlags(FrameReader frame)
 {
     return ReadReply<SettingsFlags>(frame, 0x7A, "", [](auto& in, auto& flags) {
-        in.Read(flags[0], flags[1], flags[2]);
+        in.Read(flags);
         return true;
     });
 }
@@ -296,6 +313,49 @@ std::optional<IdentificationRecord> ParseIdentification(FrameReader frame)
     record.flowControl = fields[9].front() != L'F';
     record.version = CParts::atof(fields[11]);
     return record;
+}
+
+std::optional<FilePage> ParsePicaFilePage(FrameReader frame)
+{
+    return ReadReply<FilePage>(frame, 0x79, "", [](auto& in, auto& page) {
+        in.Read(page.number, page.count);
+        page.last = page.count < kPicaPageFiles;
+        return ReadFiles(in, page, kPicaPageFiles, [&](DirectoryListingData& file) {
+            std::uint16_t year = 0;
+            std::array<std::uint8_t, 4> rest{}; // month, day, hour, minute
+            file.pageFlag = page.last ? 0 : kMoreFollows;
+            in.Read(file.fileIndex);
+            ReadName(in, file);
+            in.Read(file.size, year, rest, file.attributes);
+            file.time = RecordTime(year, rest);
+        });
+    });
+}
+
+std::optional<FilePage> ParseLarkFilePage(FrameReader frame)
+{
+    return ReadReply<FilePage>(frame, 0x9D, "", [](auto& in, auto& page) {
+        std::uint8_t first = 0;
+        in.Read(first, page.count);
+        page.number = first & ~kLastPage;
+        page.last = (first & kLastPage) != 0;
+        return ReadFiles(in, page, kLarkPageFiles, [&](DirectoryListingData& file) {
+            file.pageFlag = first;
+            ReadName(in, file);
+            in.Read(file.size, file.time, file.attributes);
+        });
+    });
+}
+
+std::optional<FileBlock> ParseFileBlock(FrameReader frame)
+{
+    return ReadReply<FileBlock>(frame, kLongFrameType, "", [&frame](auto& in, auto& block) {
+        in.Read(block.offset, block.flags, block.bytes);
+        frame.Skip(frame.Length() - 1 - kFrameDataStart);
+        // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum
+        // fits.
+        return frame.Byte() == kEtx && block.bytes.size() <= kMostBlockBytes;
+    });
 }
 
 } // namespace fieldcore
