@@ -2,6 +2,7 @@
 
 #include "core/resources/StringTable.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -60,22 +61,13 @@ constexpr std::array kMeanings{
     FaultMeaning{Cancelled, FaultClass::Cancelled, "cancelled", text::kCauseCancelled, kCancelled},
 };
 
-constexpr bool StandAtTheirPlaces()
-{
-    for (std::size_t i = 0; i < kMeanings.size(); ++i) {
-        if (static_cast<std::size_t>(kMeanings[i].fault) != i) {
-            return false;
-        }
-    }
-    return kMeanings.size() == static_cast<std::size_t>(Cancelled) + 1;
-}
-static_assert(StandAtTheirPlaces());
+static_assert(kMeanings.size() == static_cast<std::size_t>(Cancelled) + 1);
 
 } // namespace
 
 const FaultMeaning& MeaningOf(CommandFault fault)
 {
-    return kMeanings[static_cast<std::size_t>(fault)];
+    return *std::ranges::find(kMeanings, fault, &FaultMeaning::fault);
 }
 
 const wchar_t* CauseText(CommandFault fault)

@@ -60,12 +60,6 @@ constexpr std::array kTypeCodes{
 constexpr std::uint32_t kOtherCodes = 3010;
 constexpr std::uint16_t kModelWordOf3032 = 310;
 
-/// Where the flag of a row of the table stands.
-std::size_t FlagOf(const ReceiverType* type)
-{
-    return static_cast<std::size_t>(type - kTypes.data());
-}
-
 } // namespace
 
 std::span<const ReceiverType> AllReceiverTypes()
@@ -94,26 +88,18 @@ std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord)
     return row != kTypeCodes.end() ? row->number : kOtherCodes;
 }
 
-std::wstring ReceiverModelName(std::uint32_t typeNumber)
-{
-    const ReceiverType* type = FindReceiverType(typeNumber);
-    return type != nullptr && type->model != nullptr ? type->model : std::to_wstring(typeNumber);
-}
-
-SupportedTypeFlags::SupportedTypeFlags() : m_flags(kTypes.size()) {}
-
 void SupportedTypeFlags::Set(std::uint32_t typeNumber, int flag)
 {
     const ReceiverType* type = FindReceiverType(typeNumber);
     if (type != nullptr && type->canBeSupported) {
-        m_flags[FlagOf(type)] = flag;
+        m_flags[typeNumber] = flag;
     }
 }
 
 int SupportedTypeFlags::Get(std::uint32_t typeNumber) const
 {
-    const ReceiverType* type = FindReceiverType(typeNumber);
-    return type != nullptr ? m_flags[FlagOf(type)] : 0;
+    const auto flag = m_flags.find(typeNumber);
+    return flag != m_flags.end() ? flag->second : 0;
 }
 
 void SupportedTypeFlags::SetAll()
