@@ -28,11 +28,6 @@ constexpr bool Bit(std::uint32_t value, int bit)
     return (value >> bit & 1) != 0;
 }
 
-void ReadPlace(LayoutReader& in, SiteReply& place)
-{
-    in.Read(place.latitudeRad, place.longitudeRad, place.heightM);
-}
-
 /// Not so when one of the values is no number.
 bool IsOnEarth(const SiteReply& place)
 {
@@ -222,7 +217,7 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 std::optional<SiteReply> ParseSite(FrameReader frame)
 {
     return ReadReply<SiteReply>(frame, 0x31, "\x12\0"sv, [](auto& in, auto& place) {
-        ReadPlace(in, place);
+        in.Read(place.latitudeRad, place.longitudeRad, place.heightM);
         return IsOnEarth(place);
     });
 }
@@ -231,8 +226,8 @@ std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
 {
     return ReadReply<PositionStatusReply>(frame, 0x35, "", [](auto& in, auto& reply) {
         in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
-                reply.hdop, reply.vdop);
-        ReadPlace(in, reply.position);
+                reply.hdop, reply.vdop, reply.position.latitudeRad, reply.position.longitudeRad,
+                reply.position.heightM);
         return reply.secondsOfWeek < kWeekS;
     });
 }
