@@ -7,9 +7,7 @@
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cstdio>
 #include <numbers>
 #include <string_view>
 #include <utility>
@@ -25,19 +23,26 @@ std::string_view AsText(Bytes bytes)
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-std::string Hex(Bytes bytes)
+/// Of many bytes only the first.
+std::string ShortHexOf(Bytes bytes)
 {
     constexpr std::size_t kMost = 16;
-    std::string text;
-    for (const std::uint8_t byte : bytes.first(std::min(bytes.size(), kMost))) {
-        std::array<char, 4> digits{};
-        std::snprintf(digits.data(), digits.size(), "%02X ", byte);
-        text += digits.data();
-    }
     if (bytes.size() > kMost) {
-        return text + "... (" + std::to_string(bytes.size()) + " bytes)";
+        return HexOf(bytes.first(kMost)) + "... (" + std::to_string(bytes.size()) + " bytes)";
     }
-    return std::string(Trimmed(text));
+    return std::string(Trimmed(HexOf(bytes)));
+}
+
+std::string MeaningOf(const ReceivedField& field)
+{
+    const auto number = static_cast<std::uint32_t>(field.Whole());
+    std::string words;
+    for (const Meaning& meaning : field.layout.meanings) {
+        if ((number & meaning.bits) == meaning.value) {
+            words += (words.empty() ? "" : ", ") + std::string(meaning.words);
+        }
+    }
+    return words;
 }
 
 void DescribeDigits(const ReceivedField& field, DescribedField& described)
@@ -58,21 +63,8 @@ void DescribeDigits(const ReceivedField& field, DescribedField& described)
         described.value = Value::Real(number / 100.0, 2);
     } else {
         described.value = Value::Exact(number, std::string(field.layout.unit));
-        for (const Meaning& meaning : field.layout.meanings) {
-            described.meaning = number == meaning.value ? meaning.words : described.meaning;
-        }
+        described.meaning = MeaningOf(field);
     }
-}
-
-std::string MeaningOf(std::uint32_t number, std::span<const Meaning> meanings)
-{
-    std::string words;
-    for (const Meaning& meaning : meanings) {
-        if ((number & meaning.bits) == meaning.value) {
-            words += (words.empty() ? "" : ", ") + std::string(meaning.words);
-        }
-    }
-    return words;
 }
 
 std::string SatellitesOf(std::uint32_t mask)
@@ -96,7 +88,7 @@ DescribedField DescribeField(std::size_t offset, const ReceivedField& field)
     switch (layout.kind) {
     case FieldKind::Unsigned:
         described.value = Value::Integer(field.Whole(), unit);
-        described.meaning = MeaningOf(static_cast<std::uint32_t>(field.Whole()), layout.meanings);
+        described.meaning = MeaningOf(field);
         break;
     case FieldKind::Real:
         described.value = Value::Exact(field.Real(), unit);
@@ -115,12 +107,12 @@ DescribedField DescribeField(std::size_t offset, const ReceivedField& field)
             Value::Text(std::string(Trimmed(ToUtf8(FromCp932(AsText(field.bytes))))), "(blank)");
         break;
     case FieldKind::Mask:
-        described.value = Value::Text(Hex(field.bytes));
+        described.value = Value::Text(ShortHexOf(field.bytes));
         described.meaning = SatellitesOf(static_cast<std::uint32_t>(field.Whole()));
         break;
     case FieldKind::Pattern:
     case FieldKind::Spare:
-        described.value = Value::Text(Hex(field.bytes), "(none)");
+        described.value = Value::Text(ShortHexOf(field.bytes), "(none)");
         break;
     }
     return described;
@@ -201,11 +193,11 @@ bool ReadSatellites(LayoutReader& in, const SatelliteHead& head,
 bool ReadRecords(LayoutReader& in, Bytes data, const FrameLayout& layout,
                  std::vector<DescribedField>& fields)
 {
-    if (layout.records == Records::Satellites) {
+    if (layout.type == kSatelliteList) {
         LayoutReader anew(layout, data);
         return ReadSatellites(in, ReadSatelliteHead(anew, layout.prefix.empty()), fields);
     }
-    const unsigned count = layout.records == Records::Fixed ? data[in.Offset() - 1] : 0;
+    const unsigned count = layout.record.empty() ? 0 : data[in.Offset() - 1];
     bool isComplete = true;
     for (unsigned record = 1; isComplete && record <= count; ++record) {
         in.BeginRecord();

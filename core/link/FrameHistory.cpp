@@ -3,6 +3,7 @@
 #include "core/platform/AtomicFile.h"
 
 #include <algorithm>
+#include <functional>
 #include <string>
 
 namespace fieldcore {
@@ -31,9 +32,7 @@ void FrameHistory::Add(Direction direction, LineUnit unit, std::span<const std::
 
 LineObserver FrameHistory::Observer()
 {
-    return [this](Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes) {
-        Add(direction, unit, bytes);
-    };
+    return std::bind_front(&FrameHistory::Add, this);
 }
 
 std::vector<ExchangedFrame> FrameHistory::After(std::uint64_t last) const

@@ -124,7 +124,7 @@ constexpr FieldLayout kPower[] = {{1, Unsigned, "power input"}};
 
 constexpr Meaning kListForm[] = {Is(1, "tracked"), Is(2, "in view")};
 constexpr FieldLayout kListRequest[] = {{1, Unsigned, "list", "", kListForm}};
-constexpr FieldLayout kSatelliteList[] = {{2, Digits, "satellites"}, {1, Unsigned, "format"}};
+constexpr FieldLayout kSatelliteHead[] = {{2, Digits, "satellites"}, {1, Unsigned, "format"}};
 constexpr Meaning kHighAzimuth[] = {Bit(7, "azimuth + 256 deg")};
 constexpr FieldLayout kTextSatellite[] = {{2, Digits, "number"},
                                           {3, Digits, "azimuth", "deg"},
@@ -279,12 +279,11 @@ constexpr std::array kLayouts{
     FrameLayout{0x14, Tx, "", "GPS time request", "GPS時刻の要求"},
     FrameLayout{0x15, Rx, "", "GPS time", "GPS時刻", kTime},
     FrameLayout{0x16, Tx, "", "satellite list request", "衛星一覧の要求", kListRequest, 0},
-    FrameLayout{0x17, Rx, "\1"sv, "satellite list, one frame of several", "衛星一覧（分割）",
-                kSatelliteFrame, kWhole, Records::Satellites},
-    FrameLayout{0x17, Rx, "\2"sv, "satellite list, one frame of several", "衛星一覧（分割）",
-                kSatelliteFrame, kWhole, Records::Satellites},
-    FrameLayout{0x17, Rx, "", "satellite list", "衛星一覧", kSatelliteList, kWhole,
-                Records::Satellites},
+    FrameLayout{kSatelliteList, Rx, "\1"sv, "satellite list, one frame of several",
+                "衛星一覧（分割）", kSatelliteFrame},
+    FrameLayout{kSatelliteList, Rx, "\2"sv, "satellite list, one frame of several",
+                "衛星一覧（分割）", kSatelliteFrame},
+    FrameLayout{kSatelliteList, Rx, "", "satellite list", "衛星一覧", kSatelliteHead},
     FrameLayout{0x30, Tx, "", "site request", "設置位置の要求", kQuery},
     FrameLayout{0x31, Rx, "\x12\0"sv, "site", "設置位置", kSite},
     FrameLayout{0x32, Tx, "", "echo request", "折り返しの要求", kTwoBytes},
@@ -314,8 +313,7 @@ constexpr std::array kLayouts{
     FrameLayout{0x6B, Tx, "", "file memory state request", "ファイルメモリ状態の要求"},
     FrameLayout{0x6E, Rx, "", "identification", "機種情報", kIdentification},
     FrameLayout{0x79, Tx, "", "file list request", "ファイル一覧の要求", kPicaListRequest},
-    FrameLayout{0x79, Rx, "", "file list", "ファイル一覧", kPicaList, kWhole, Records::Fixed,
-                kPicaFile},
+    FrameLayout{0x79, Rx, "", "file list", "ファイル一覧", kPicaList, kWhole, kPicaFile},
     FrameLayout{0x7A, Tx, "", "settings flags request", "設定フラグの要求", kQuery},
     FrameLayout{0x7A, Rx, "", "settings flags", "設定フラグ", kFlags},
     FrameLayout{0x84, Tx, "", "power off", "電源断", kQuery},
@@ -323,8 +321,7 @@ constexpr std::array kLayouts{
     FrameLayout{0x95, Rx, "", "file block", "ファイルの一部", kBlock},
     FrameLayout{0x96, Tx, "", "file request", "ファイルの要求", kDownload},
     FrameLayout{0x9C, Tx, "", "file list request", "ファイル一覧の要求", kFileName},
-    FrameLayout{0x9D, Rx, "", "file list", "ファイル一覧", kLarkList, kWhole, Records::Fixed,
-                kLarkFile},
+    FrameLayout{0x9D, Rx, "", "file list", "ファイル一覧", kLarkList, kWhole, kLarkFile},
     FrameLayout{0xA0, Tx, "", "delete file", "ファイル削除", kFileName},
     FrameLayout{0xA1, Tx, "", "recover file", "ファイル復元", kFileName},
     FrameLayout{0xA3, Tx, "", "refresh the signals", "信号の更新", kSignals, 3},

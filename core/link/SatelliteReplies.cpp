@@ -130,7 +130,7 @@ ListedSatellite ReadSatellite(LayoutReader& in, const SatelliteHead& head)
 
 std::optional<SatelliteList> ParseSatelliteList(FrameReader frame)
 {
-    return ReadReply<SatelliteList>(frame, 0x17, "", [](auto& in, auto& list) {
+    return ReadReply<SatelliteList>(frame, kSatelliteList, "", [](auto& in, auto& list) {
         return AddAll(in, ReadSatelliteHead(in, true), list);
     });
 }
@@ -139,7 +139,7 @@ std::optional<bool> ParseSatelliteListFrame(FrameReader frame, SatelliteListForm
                                             SatelliteList& list)
 {
     const char prefix = static_cast<char>(form);
-    return ReadReply<bool>(frame, 0x17, {&prefix, 1}, [&](auto& in, bool& isLast) {
+    return ReadReply<bool>(frame, kSatelliteList, {&prefix, 1}, [&](auto& in, bool& isLast) {
         const SatelliteHead head = ReadSatelliteHead(in, false);
         isLast = head.last == 1;
         return head.frameNumber == number && AddAll(in, head, list);
