@@ -51,9 +51,7 @@ std::optional<TiltTime> ReadTiltTime(LayoutReader& in)
 constexpr std::size_t kModelDigits = 4;
 
 // What ends each field, in turn.
-constexpr std::array<wchar_t, 12> kDelimiters{L',', L';', L',', L',', L',', L',',
-                                              L',', L',', L',', L';', L',', L','};
-using Fields = std::array<std::wstring, kDelimiters.size()>;
+constexpr std::wstring_view kDelimiters = L",;,,,,,,,;,,";
 
 /// Takes the next field off @p text: delimiters in front of it are skipped, the one behind it
 /// goes with it.
@@ -82,19 +80,11 @@ std::uint8_t ParityCode(wchar_t letter)
 std::uint32_t TypeNumberOfModel(std::wstring_view model)
 {
     const std::wstring_view digits = model.substr(0, kModelDigits);
-    const bool numeric =
-        digits.size() == kModelDigits &&
-        std::all_of(digits.begin(), digits.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
-    if (numeric) {
+    if (digits.size() == kModelDigits &&
+        digits.find_first_not_of(L"0123456789") == std::wstring_view::npos) {
         return Number(std::wstring(digits));
     }
-    if (model == L"VX2") {
-        return 3028;
-    }
-    if (model == L"VX1") {
-        return 3017;
-    }
-    return model == L"VX1-GNSS" ? 3012 : 3010;
+    return model == L"VX2" ? 3028 : model == L"VX1" ? 3017 : model == L"VX1-GNSS" ? 3012 : 3010;
 }
 
 // Files.
@@ -278,36 +268,30 @@ std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame)
 
 std::optional<IdentificationRecord> ParseIdentification(FrameReader frame)
 {
-    LayoutReader in(frame, 0x6E);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    std::wstring text;
-    in.Read(text);
-    std::wstring_view rest = text;
-    Fields fields;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        fields[i] = NextField(rest, kDelimiters[i]);
-        if (fields[i].empty()) {
-            return std::nullopt;
+    return ReadReply<IdentificationRecord>(frame, 0x6E, "", [](auto& in, auto& record) {
+        std::wstring text;
+        in.Read(text);
+        std::wstring_view rest = text;
+        std::array<std::wstring, kDelimiters.size()> fields;
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            fields[i] = NextField(rest, kDelimiters[i]);
+            if (fields[i].empty()) {
+                return false;
+            }
         }
-    }
-    const std::uint32_t port = Number(fields[3]);
-    const std::uint32_t byteSize = Number(fields[6]);
-    if (port >= std::numeric_limits<std::uint8_t>::max() ||
-        byteSize > std::numeric_limits<std::uint8_t>::max()) {
-        return std::nullopt;
-    }
-    IdentificationRecord record;
-    record.typeNumber = TypeNumberOfModel(fields[1]);
-    record.port = static_cast<std::uint8_t>(port + 1);
-    record.baudRate = Number(fields[4]);
-    record.byteSize = static_cast<std::uint8_t>(byteSize);
-    record.stopBits = Number(fields[7]) == 2 ? 2 : 0;
-    record.parity = ParityCode(fields[8].front());
-    record.flowControl = fields[9].front() != L'F';
-    record.version = CParts::atof(fields[11]);
-    return record;
+        constexpr std::uint32_t kMost = std::numeric_limits<std::uint8_t>::max();
+        const std::uint32_t port = Number(fields[3]);
+        const std::uint32_t byteSize = Number(fields[6]);
+        record.typeNumber = TypeNumberOfModel(fields[1]);
+        record.port = static_cast<std::uint8_t>(port + 1);
+        record.baudRate = Number(fields[4]);
+        record.byteSize = static_cast<std::uint8_t>(byteSize);
+        record.stopBits = Number(fields[7]) == 2 ? 2 : 0;
+        record.parity = ParityCode(fields[8].front());
+        record.flowControl = fields[9].front() != L'F';
+        record.version = CParts::atof(fields[11]);
+        return port < kMost && byteSize <= kMost;
+    });
 }
 
 std::optional<FilePage> ParsePicaFilePage(FrameReader frame)

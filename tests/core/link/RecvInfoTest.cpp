@@ -249,12 +249,10 @@ TEST(ReceiverTypes, MinimaFlagsAndNames)
     expectType(3028, 2.03, 1, L"Corvane VX2");
     expectType(3051, 1.0, 1, L"Corvane VX9s");
     expectType(3052, 9.99, 0, L"3052"); // in no table
-    SupportedTypeFlags none;
-    none.Set(2040, 1);
-    EXPECT_EQ(none.Get(2040), 0) << "a type that can never be supported";
-    none.Set(3017, 1);
-    EXPECT_EQ(none.Get(3017), 1);
-    EXPECT_EQ(none.Get(3012), 0);
+    connect.SetRecvTypeFlag(3017, 0);
+    connect.SetRecvTypeFlag(2040, 1);
+    EXPECT_EQ(connect.stGetRecvTypeFlag(3017), 0);
+    EXPECT_EQ(connect.stGetRecvTypeFlag(2040), 0) << "a type that can never be supported";
 }
 
 } // namespace
