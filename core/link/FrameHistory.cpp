@@ -38,9 +38,7 @@ LineObserver FrameHistory::Observer()
 std::vector<ExchangedFrame> FrameHistory::After(std::uint64_t last) const
 {
     const std::lock_guard lock(m_mutex);
-    const auto first = std::upper_bound(
-        m_frames.begin(), m_frames.end(), last,
-        [](std::uint64_t number, const ExchangedFrame& frame) { return number < frame.number; });
+    const auto first = std::ranges::upper_bound(m_frames, last, {}, &ExchangedFrame::number);
     return {first, m_frames.end()};
 }
 

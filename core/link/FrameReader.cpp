@@ -87,10 +87,8 @@ std::string FrameReader::Chars(std::size_t count)
 
 std::wstring FrameReader::Text(std::size_t count)
 {
-    std::string bytes = Chars(count);
-    bytes.resize(std::min(bytes.size(), kLongestText));
-    bytes.resize(std::min(bytes.size(), bytes.find('\0')));
-    return FromCp932(bytes);
+    const std::string bytes = Chars(count).substr(0, kLongestText);
+    return FromCp932(bytes.c_str()); // up to the zero byte
 }
 
 std::uint32_t FrameReader::Unsigned(std::size_t width)

@@ -55,16 +55,11 @@ std::wstring ReceivedField::Text() const
 }
 
 LayoutReader::LayoutReader(const FrameLayout& layout, std::span<const std::uint8_t> data)
-    : m_layout(&layout), m_data(data), m_fits(data.size() >= layout.ShortestLength())
+    : m_layout(&layout), m_data(data),
+      m_fits(data.size() >= layout.ShortestLength() &&
+             FrameReader(data, 0).Chars(layout.prefix.size()) == layout.prefix)
 {
     GoOnWith(layout.fields);
-}
-
-LayoutReader::LayoutReader(FrameReader frame, std::uint8_t type, std::string_view prefix)
-    : LayoutReader(*FindFrameLayout(Direction::Received, type, prefix), frame.Data())
-{
-    m_fits =
-        m_fits && frame.Type() == type && FrameReader(m_data, 0).Chars(prefix.size()) == prefix;
 }
 
 bool LayoutReader::HasNext() const

@@ -39,11 +39,8 @@ class LayoutReader
 public:
     /// Of data that should be such a frame's.
     LayoutReader(const FrameLayout& layout, std::span<const std::uint8_t> data);
-    /// The frame expected is told by its type and by how its data begin.
-    /// @param prefix  as FrameLayouts() has it
-    LayoutReader(FrameReader frame, std::uint8_t type, std::string_view prefix = {});
 
-    /// Whether it is that frame and no shorter than its layout. A parser reads nothing else.
+    /// Whether they begin as its data do and are no shorter. A parser reads nothing else.
     [[nodiscard]] bool Fits() const { return m_fits; }
     /// Whether all that was taken was there.
     [[nodiscard]] bool IsComplete() const { return m_isComplete; }
@@ -102,15 +99,16 @@ private:
 };
 
 /// Reads a reply of one frame: @p read, of a LayoutReader& and a Reply&, puts the fields into a
-/// fresh one.
+/// fresh one. The frame expected is told by its type and by how its data begin.
+/// @param prefix  as FrameLayouts() has it
 /// @return nothing if it is not that frame, or if @p read finds a value that no receiver can mean
 template <typename Reply, typename Read>
 [[nodiscard]] std::optional<Reply> ReadReply(FrameReader frame, std::uint8_t type,
                                              std::string_view prefix, Read read)
 {
-    LayoutReader in(frame, type, prefix);
+    LayoutReader in(*FindFrameLayout(Direction::Received, type, prefix), frame.Data());
     std::optional<Reply> reply;
-    if (in.Fits() && !read(in, reply.emplace())) {
+    if (frame.Type() == type && in.Fits() && !read(in, reply.emplace())) {
         reply.reset();
     }
     return reply;

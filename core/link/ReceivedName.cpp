@@ -8,7 +8,6 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
-#include <array>
 #include <cstddef>
 #include <system_error>
 
@@ -18,16 +17,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::array kMeanings{
-    NameFaultMeaning{NameFault::None, "", 0},
-    NameFaultMeaning{NameFault::NotPlain, "is no name for a file here", text::kFileNameRefused},
-    NameFaultMeaning{NameFault::Hidden, "begins with a dot and would be hidden", text::kNameHidden},
-    NameFaultMeaning{NameFault::Obeyed, "is a name that systems obey", text::kNameObeyed},
-    NameFaultMeaning{NameFault::Unfinished, "is called like an unfinished transfer",
-                     text::kNameUnfinished},
-    NameFaultMeaning{NameFault::Unaskable, "cannot be asked for by its name", text::kNameUnaskable},
-    NameFaultMeaning{NameFault::Taken, "differs only in capitals from another name, or not at all",
-                     text::kNameTaken},
+constexpr NameFaultMeaning kMeanings[] = {
+    {NameFault::None, "", 0},
+    {NameFault::NotPlain, "is no name for a file here", text::kFileNameRefused},
+    {NameFault::Hidden, "begins with a dot and would be hidden", text::kNameHidden},
+    {NameFault::Obeyed, "is a name that systems obey", text::kNameObeyed},
+    {NameFault::Unfinished, "is called like an unfinished transfer", text::kNameUnfinished},
+    {NameFault::Unaskable, "cannot be asked for by its name", text::kNameUnaskable},
+    {NameFault::Taken, "differs only in capitals from another name, or not at all",
+     text::kNameTaken},
 };
 
 /// Whether something in the folder would be taken for a file of this name and is none.
