@@ -2,9 +2,9 @@
 // exactly what the blocks that were taken said. Or what an earlier transfer has left, any bytes as
 // well, and blocks behind it.
 
-#include "core/link/FileReplies.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
+#include "core/link/Replies.h"
 #include "fuzz/Target.h"
 
 #include <map>

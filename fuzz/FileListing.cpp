@@ -2,9 +2,9 @@
 // name may lead out of a folder.
 
 #include "core/equipment/FileTexts.h"
-#include "core/link/FileReplies.h"
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedName.h"
+#include "core/link/Replies.h"
 #include "core/platform/Utf8.h"
 #include "fuzz/Target.h"
 

@@ -2,8 +2,9 @@
 
 #include "core/resources/StringTable.h"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 
 namespace fieldcore {
 
@@ -31,51 +32,36 @@ constexpr TerminalFault kOther{
     "with fieldcore-cli trace FILE."};
 constexpr TerminalFault kCancelled{7, "cancelled", "Cancelled.", ""};
 
-constexpr std::array kMeanings{
-    FaultMeaning{None, FaultClass::Answered, "", 0, kNotMade},
-    FaultMeaning{Busy, FaultClass::Local, "another request is under way", text::kCauseBusy,
-                 kNotMade},
-    FaultMeaning{NotOpen, FaultClass::Gone, "no port is open", text::kCauseNotOpened, kNotOpen},
-    FaultMeaning{OpenFailed, FaultClass::Gone, "the port could not be opened",
-                 text::kCauseNotOpened, kNotOpen},
-    FaultMeaning{TooLong, FaultClass::Local, "the request does not fit into a frame",
-                 text::kCauseNotWritten, kNotMade},
-    FaultMeaning{WriteFailed, FaultClass::Gone, "the request could not be written",
-                 text::kCauseNotWritten, kNotWritten},
-    FaultMeaning{TimedOut, FaultClass::Silent, "no answer in time", text::kCauseNoAnswer,
-                 kNoAnswer},
-    FaultMeaning{Refused, FaultClass::Answered, "the receiver refused (NAK)", text::kCauseRefused,
-                 kNak},
-    FaultMeaning{Malformed, FaultClass::Damaged, "the answer was no frame", text::kCauseDamaged,
-                 kDamaged},
-    FaultMeaning{BadChecksum, FaultClass::Damaged, "the answer was damaged (checksum)",
-                 text::kCauseDamaged, kDamaged},
-    FaultMeaning{WrongAnswer, FaultClass::Answered,
-                 "an acknowledgement came for data, or data for an acknowledgement",
-                 text::kCauseOtherAnswer, kOther},
-    FaultMeaning{WrongType, FaultClass::Answered,
-                 "the answer was of another type or did not fit its layout",
-                 text::kCauseOtherAnswer, kOther},
-    FaultMeaning{LinkLost, FaultClass::Gone, "the link is gone", text::kCauseLinkLost, kLost},
-    FaultMeaning{Cancelled, FaultClass::Cancelled, "cancelled", text::kCauseCancelled, kCancelled},
+constexpr FaultMeaning kMeanings[] = {
+    {None, FaultClass::Answered, "", 0, kNotMade},
+    {Busy, FaultClass::Local, "another request is under way", text::kCauseBusy, kNotMade},
+    {NotOpen, FaultClass::Gone, "no port is open", text::kCauseNotOpened, kNotOpen},
+    {OpenFailed, FaultClass::Gone, "the port could not be opened", text::kCauseNotOpened, kNotOpen},
+    {TooLong, FaultClass::Local, "the request does not fit into a frame", text::kCauseNotWritten,
+     kNotMade},
+    {WriteFailed, FaultClass::Gone, "the request could not be written", text::kCauseNotWritten,
+     kNotWritten},
+    {TimedOut, FaultClass::Silent, "no answer in time", text::kCauseNoAnswer, kNoAnswer},
+    {Refused, FaultClass::Answered, "the receiver refused (NAK)", text::kCauseRefused, kNak},
+    {Malformed, FaultClass::Damaged, "the answer was no frame", text::kCauseDamaged, kDamaged},
+    {BadChecksum, FaultClass::Damaged, "the answer was damaged (checksum)", text::kCauseDamaged,
+     kDamaged},
+    {WrongAnswer, FaultClass::Answered,
+     "an acknowledgement came for data, or data for an acknowledgement", text::kCauseOtherAnswer,
+     kOther},
+    {WrongType, FaultClass::Answered, "the answer was of another type or did not fit its layout",
+     text::kCauseOtherAnswer, kOther},
+    {LinkLost, FaultClass::Gone, "the link is gone", text::kCauseLinkLost, kLost},
+    {Cancelled, FaultClass::Cancelled, "cancelled", text::kCauseCancelled, kCancelled},
 };
 
-constexpr bool StandAtTheirPlaces()
-{
-    for (std::size_t i = 0; i < kMeanings.size(); ++i) {
-        if (static_cast<std::size_t>(kMeanings[i].fault) != i) {
-            return false;
-        }
-    }
-    return kMeanings.size() == static_cast<std::size_t>(Cancelled) + 1;
-}
-static_assert(StandAtTheirPlaces());
+static_assert(std::size(kMeanings) == static_cast<std::size_t>(Cancelled) + 1);
 
 } // namespace
 
 const FaultMeaning& MeaningOf(CommandFault fault)
 {
-    return kMeanings[static_cast<std::size_t>(fault)];
+    return *std::ranges::find(kMeanings, fault, &FaultMeaning::fault);
 }
 
 const wchar_t* CauseText(CommandFault fault)

@@ -1,7 +1,7 @@
 #include "core/link/FileFetch.h"
 
 #include "core/link/DirectoryListing.h"
-#include "core/link/FileReplies.h"
+#include "core/link/Replies.h"
 
 namespace fieldcore {
 

@@ -1,6 +1,6 @@
 #include "core/link/FileListing.h"
 
-#include "core/link/FileReplies.h"
+#include "core/link/Replies.h"
 #include "core/platform/Cp932.h"
 
 #include <bitset>

@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::uint8_t kUnsolicitedType = 0x40;
 constexpr std::size_t kHeaderLength = 5; // enough to know the length of either kind of frame
-constexpr std::size_t kTailLength = 2;   // checksum and ETX
 constexpr std::size_t kLongestLinePiece = 255;
 constexpr std::size_t kShortestLine = 2; // an LF before this index is part of the line
 
@@ -35,8 +34,7 @@ std::optional<Delivery> FrameAssembler::AssembleFrame(ByteQueue& queue, std::siz
                 return std::nullopt;
             }
         }
-        const FrameReader frame(m_buffer);
-        const std::size_t expected = frame.DataStart() + frame.DataLength() + kTailLength;
+        const std::size_t expected = FrameReader(m_buffer).Length();
         if (expected > m_buffer.size()) {
             return Deliver(ExchangeState::Malformed, 0);
         }

@@ -88,7 +88,7 @@ public:
     void Load(std::span<const std::uint8_t> frame);
 
     /// @return 1 if STX stands first and the checksum is right (ETX is not looked at), else 0
-    [[nodiscard]] int VerifyChecksum() const { return Reader().IsIntact(m_dataLength) ? 1 : 0; }
+    [[nodiscard]] int VerifyChecksum() const { return Reader().IsIntact() ? 1 : 0; }
 
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return PacketBuffer; }
     /// The frame in the buffer, to be read from its data on.

@@ -7,9 +7,7 @@
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cstdio>
 #include <numbers>
 #include <string_view>
 #include <utility>
@@ -20,31 +18,37 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::size_t kTailLength = 2; // checksum and ETX
-
 std::string_view AsText(Bytes bytes)
 {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-std::string Hex(Bytes bytes)
+/// Of many bytes only the first.
+std::string ShortHexOf(Bytes bytes)
 {
     constexpr std::size_t kMost = 16;
-    std::string text;
-    for (const std::uint8_t byte : bytes.first(std::min(bytes.size(), kMost))) {
-        std::array<char, 4> digits{};
-        std::snprintf(digits.data(), digits.size(), "%02X ", byte);
-        text += digits.data();
-    }
     if (bytes.size() > kMost) {
-        return text + "... (" + std::to_string(bytes.size()) + " bytes)";
+        return HexOf(bytes.first(kMost)) + "... (" + std::to_string(bytes.size()) + " bytes)";
     }
-    return std::string(Trimmed(text));
+    return std::string(Trimmed(HexOf(bytes)));
 }
 
-void ReadDigits(Bytes bytes, const FieldLayout& layout, DescribedField& field)
+std::string MeaningOf(const ReceivedField& field)
 {
-    const std::string_view text = Trimmed(AsText(bytes));
+    const auto number = static_cast<std::uint32_t>(field.Whole());
+    std::string words;
+    for (const Meaning& meaning : field.layout.meanings) {
+        if ((number & meaning.bits) == meaning.value) {
+            words += (words.empty() ? "" : ", ") + std::string(meaning.words);
+        }
+    }
+    return words;
+}
+
+void DescribeDigits(const ReceivedField& field, DescribedField& described)
+{
+    const std::string_view whole = AsText(field.bytes);
+    const std::string_view text = Trimmed(whole);
     double number = 0.0;
     const char* const end = text.data() + text.size();
     const auto [stop, failure] =
@@ -52,29 +56,15 @@ void ReadDigits(Bytes bytes, const FieldLayout& layout, DescribedField& field)
     const bool isNumber = failure == std::errc() && stop == end &&
                           text.find_first_not_of("-0123456789.") == std::string::npos;
     if (!isNumber) {
-        field.value = Value::Text(AsText(bytes) == std::string(bytes.size(), ' ')
-                                      ? std::string()
-                                      : ToUtf8(FromCp932(AsText(bytes))));
-        field.meaning = "not a number";
-    } else if (layout.kind == FieldKind::Hundredths) {
-        field.value = Value::Real(number / 100.0, 2);
+        const bool isBlank = whole.find_first_not_of(' ') == std::string::npos;
+        described.value = Value::Text(isBlank ? std::string() : ToUtf8(FromCp932(whole)));
+        described.meaning = "not a number";
+    } else if (field.layout.kind == FieldKind::Hundredths) {
+        described.value = Value::Real(number / 100.0, 2);
     } else {
-        field.value = Value::Exact(number, std::string(layout.unit));
-        for (const Meaning& meaning : layout.meanings) {
-            field.meaning = number == meaning.value ? meaning.words : field.meaning;
-        }
+        described.value = Value::Exact(number, std::string(field.layout.unit));
+        described.meaning = MeaningOf(field);
     }
-}
-
-std::string MeaningOf(std::uint32_t number, std::span<const Meaning> meanings)
-{
-    std::string words;
-    for (const Meaning& meaning : meanings) {
-        if ((number & meaning.bits) == meaning.value) {
-            words += (words.empty() ? "" : ", ") + std::string(meaning.words);
-        }
-    }
-    return words;
 }
 
 std::string SatellitesOf(std::uint32_t mask)
@@ -88,69 +78,63 @@ std::string SatellitesOf(std::uint32_t mask)
     return numbers.empty() ? "none" : numbers;
 }
 
-DescribedField ReadField(Bytes bytes, std::size_t offset, const FieldLayout& layout)
+DescribedField DescribeField(std::size_t offset, const ReceivedField& field)
 {
-    DescribedField field;
-    field.offset = offset;
-    field.name = layout.name;
+    const FieldLayout& layout = field.layout;
+    DescribedField described;
+    described.offset = offset;
+    described.name = layout.name;
     const std::string unit(layout.unit);
-    FrameReader in(bytes, 0);
     switch (layout.kind) {
-    case FieldKind::Unsigned: {
-        const std::uint32_t number = in.Unsigned(layout.width);
-        field.value = Value::Integer(number, unit);
-        field.meaning = MeaningOf(number, layout.meanings);
+    case FieldKind::Unsigned:
+        described.value = Value::Integer(field.Whole(), unit);
+        described.meaning = MeaningOf(field);
         break;
-    }
     case FieldKind::Real:
-        field.value = Value::Exact(layout.width == sizeof(float) ? in.Float() : in.Double(), unit);
+        described.value = Value::Exact(field.Real(), unit);
         break;
-    case FieldKind::Angle: {
-        const double rad = in.Double();
-        field.value = Value::Exact(rad, "rad");
-        field.meaning = Value::Real(rad * 180.0 / std::numbers::pi, 8, "deg").Words();
+    case FieldKind::Angle:
+        described.value = Value::Exact(field.Real(), "rad");
+        described.meaning = Value::Real(field.Real() * 180.0 / std::numbers::pi, 8, "deg").Words();
         break;
-    }
     case FieldKind::Digit:
     case FieldKind::Digits:
     case FieldKind::Hundredths:
-        ReadDigits(bytes, layout, field);
+        DescribeDigits(field, described);
         break;
     case FieldKind::Text:
-        field.value =
-            Value::Text(std::string(Trimmed(ToUtf8(FromCp932(AsText(bytes))))), "(blank)");
+        described.value =
+            Value::Text(std::string(Trimmed(ToUtf8(FromCp932(AsText(field.bytes))))), "(blank)");
         break;
     case FieldKind::Mask:
-        field.value = Value::Text(Hex(bytes));
-        field.meaning = SatellitesOf(in.Unsigned(layout.width));
+        described.value = Value::Text(ShortHexOf(field.bytes));
+        described.meaning = SatellitesOf(static_cast<std::uint32_t>(field.Whole()));
         break;
     case FieldKind::Pattern:
     case FieldKind::Spare:
-        field.value = Value::Text(Hex(bytes), "(none)");
+        described.value = Value::Text(ShortHexOf(field.bytes), "(none)");
         break;
     }
-    return field;
+    return described;
 }
 
-/// Reads the fields of a layout from the data behind @p offset, which it moves on.
-/// @return false if the data end in a field
-bool ReadFields(Bytes data, std::size_t& offset, std::span<const FieldLayout> layouts,
-                const std::string& prefix, std::vector<DescribedField>& fields)
+/// Bytes that no layout has a field for.
+DescribedField DescribeRest(std::size_t offset, Bytes bytes, std::string_view name,
+                            FieldKind kind = FieldKind::Pattern)
 {
-    for (const FieldLayout& layout : layouts) {
-        const std::size_t left = data.size() - offset;
-        const bool isCutText = layout.kind == FieldKind::Text && left > 0 && left < layout.width;
-        const std::size_t width = layout.width == 0 || isCutText ? left : layout.width;
-        if (width > left) {
-            return false;
-        }
-        if (layout.kind != FieldKind::Spare) {
-            fields.push_back(ReadField(data.subspan(offset, width), offset, layout));
-            fields.back().name.insert(0, prefix);
-        }
-        offset += width;
+    return DescribeField(offset, {{bytes.size(), kind, name}, bytes});
+}
+
+/// Reads the fields of a layout as far as they are there.
+/// @return whether all are
+bool ReadFields(LayoutReader& in, const std::string& prefix, std::vector<DescribedField>& fields)
+{
+    while (in.HasNext()) {
+        const std::size_t offset = in.Offset();
+        fields.push_back(DescribeField(offset, in.Take()));
+        fields.back().name.insert(0, prefix);
     }
-    return true;
+    return in.IsDone();
 }
 
 std::string NameOf(const ListedSatellite& satellite)
@@ -182,59 +166,59 @@ DescribedField DescribeSatellite(std::size_t offset, const ListedSatellite& sate
                 (satellite.HasDirection() ? "" : "; dropped, that is no direction")};
 }
 
-/// Reads the records of a satellite list behind @p offset, which it moves on.
-/// @return false if the data end in one
-bool ReadSatellites(SatelliteRecords& records, std::size_t& offset,
+/// @return false if the data end in a record
+bool ReadSatellites(LayoutReader& in, const SatelliteHead& head,
                     std::vector<DescribedField>& fields)
 {
     std::int64_t dropped = 0;
-    for (; const std::optional<ListedSatellite> satellite = records.Next();
-         offset = records.Offset()) {
-        fields.push_back(DescribeSatellite(offset, *satellite));
-        dropped += satellite->HasDirection() ? 0 : 1;
+    bool isComplete = true;
+    for (int left = head.count; isComplete && left > 0; --left) {
+        LayoutReader next = in;
+        const ListedSatellite satellite = ReadSatellite(next, head);
+        isComplete = next.IsComplete();
+        if (isComplete) {
+            fields.push_back(DescribeSatellite(in.Offset(), satellite));
+            dropped += satellite.HasDirection() ? 0 : 1;
+            in = next;
+        }
     }
     if (dropped > 0) {
-        fields.push_back({offset, "dropped satellites", Value::Integer(dropped), ""});
+        fields.push_back({in.Offset(), "dropped satellites", Value::Integer(dropped), ""});
     }
-    return records.IsComplete();
+    return isComplete;
 }
 
-/// @param whole  the frame
-void ReadRecords(Bytes whole, Bytes data, std::size_t& offset, const FrameLayout& layout,
-                 DescribedBytes& frame)
+/// Reads the records behind the fields that @p in has read.
+/// @return false if the data end in one
+bool ReadRecords(LayoutReader& in, Bytes data, const FrameLayout& layout,
+                 std::vector<DescribedField>& fields)
 {
-    bool complete = true;
-    if (layout.records == Records::Fixed) {
-        const unsigned count = data[offset - 1];
-        for (unsigned record = 1; complete && record <= count; ++record) {
-            complete = ReadFields(data, offset, layout.record, std::to_string(record) + ". ",
-                                  frame.fields);
-        }
-    } else if (layout.records == Records::Satellites) {
-        SatelliteRecords records(FrameReader(whole), layout.prefix);
-        complete = ReadSatellites(records, offset, frame.fields);
+    if (layout.type == kSatelliteList) {
+        LayoutReader anew(layout, data);
+        return ReadSatellites(in, ReadSatelliteHead(anew, layout.prefix.empty()), fields);
     }
-    if (!complete) {
+    const unsigned count = layout.record.empty() ? 0 : data[in.Offset() - 1];
+    bool isComplete = true;
+    for (unsigned record = 1; isComplete && record <= count; ++record) {
+        in.BeginRecord();
+        isComplete = ReadFields(in, std::to_string(record) + ". ", fields);
+    }
+    return isComplete;
+}
+
+void ReadData(Bytes data, const FrameLayout& layout, DescribedBytes& frame)
+{
+    LayoutReader in(layout, data);
+    if (!in.Fits()) {
+        frame.fault = std::to_string(data.size()) + " data bytes where there should be " +
+                      std::to_string(layout.ShortestLength());
+    }
+    if (ReadFields(in, "", frame.fields) && !ReadRecords(in, data, layout, frame.fields)) {
         frame.fault = "it ends in the middle of its records";
     }
-}
-
-/// @param whole  the frame that has these data
-void ReadData(Bytes whole, Bytes data, const FrameLayout& layout, DescribedBytes& frame)
-{
-    const std::size_t shortest = layout.ShortestLength();
-    if (data.size() < shortest) {
-        frame.fault = std::to_string(data.size()) + " data bytes where there should be " +
-                      std::to_string(shortest);
-    }
-    std::size_t offset = layout.fields.empty() ? layout.prefix.size() : 0;
-    const bool complete = ReadFields(data, offset, layout.fields, "", frame.fields);
-    if (complete) {
-        ReadRecords(whole, data, offset, layout, frame);
-    }
-    if (offset < data.size()) {
-        frame.fields.push_back(
-            ReadField(data.subspan(offset), offset, {0, FieldKind::Pattern, "more"}));
+    const std::size_t end = std::max(in.Offset(), layout.fields.empty() ? layout.prefix.size() : 0);
+    if (end < data.size()) {
+        frame.fields.push_back(DescribeRest(end, data.subspan(end), "more"));
     }
 }
 
@@ -246,15 +230,13 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     if (bytes.size() > 2) {
         frame.type = bytes[2];
     }
-    const std::size_t start = FrameReader(bytes).DataStart();
-    if (bytes.size() < start) {
+    const FrameReader in(bytes);
+    if (bytes.size() < in.DataStart()) {
         frame.fault = "only " + std::to_string(bytes.size()) + " bytes of it are there";
         return frame;
     }
-    // The length stands right before the data.
-    const std::size_t dataLength = FrameReader(bytes, 3).Unsigned(start - 3);
-    const std::size_t length = start + dataLength + kTailLength;
-    const std::string_view content = AsText(bytes.subspan(start));
+    const std::size_t length = in.Length();
+    const std::string_view content = AsText(bytes.subspan(in.DataStart()));
     const FrameLayout* const layout = FindFrameLayout(direction, bytes[2], content);
     frame.name = layout != nullptr ? layout->name : "unknown type";
     frame.title = layout != nullptr ? layout->title : std::string_view();
@@ -266,13 +248,12 @@ DescribedBytes DescribeFrame(Direction direction, Bytes bytes)
     frame.kind = DescribedBytes::Kind::Frame;
     frame.length = length;
     frame.checksum = bytes[length - 2];
-    frame.expectedChecksum = FrameChecksum(bytes, length - kTailLength);
+    frame.expectedChecksum = FrameChecksum(bytes, length - 2);
     frame.checksumGood = frame.checksum == frame.expectedChecksum;
-    const Bytes data = bytes.subspan(start, dataLength);
     if (layout != nullptr) {
-        ReadData(bytes.first(length), data, *layout, frame);
-    } else if (!data.empty()) {
-        frame.fields.push_back(ReadField(data, 0, {0, FieldKind::Pattern, "data"}));
+        ReadData(in.Data(), *layout, frame);
+    } else if (!in.Data().empty()) {
+        frame.fields.push_back(DescribeRest(0, in.Data(), "data"));
     }
     if (bytes[length - 1] != kEtx) {
         frame.fault += (frame.fault.empty() ? "" : "; ") + std::string("no ETX at its end");
@@ -317,14 +298,12 @@ DescribedBytes Describe(Direction direction, Bytes bytes)
         described.kind = Kind::Line;
         described.length = length;
         const std::size_t shown = AsText(bytes.first(length)).find_last_not_of("\r\n") + 1;
-        described.fields.push_back(
-            ReadField(bytes.first(shown), 0, {shown, FieldKind::Text, "text"}));
+        described.fields.push_back(DescribeRest(0, bytes.first(shown), "text", FieldKind::Text));
         return described;
     }
     const auto next = std::find(bytes.begin(), bytes.end(), kStx);
     described.length = static_cast<std::size_t>(next - bytes.begin());
-    described.fields.push_back(ReadField(bytes.first(described.length), 0,
-                                         {described.length, FieldKind::Pattern, "bytes"}));
+    described.fields.push_back(DescribeRest(0, bytes.first(described.length), "bytes"));
     return described;
 }
 

@@ -3,6 +3,7 @@
 #include "core/platform/AtomicFile.h"
 
 #include <algorithm>
+#include <functional>
 #include <string>
 
 namespace fieldcore {
@@ -31,17 +32,13 @@ void FrameHistory::Add(Direction direction, LineUnit unit, std::span<const std::
 
 LineObserver FrameHistory::Observer()
 {
-    return [this](Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes) {
-        Add(direction, unit, bytes);
-    };
+    return std::bind_front(&FrameHistory::Add, this);
 }
 
 std::vector<ExchangedFrame> FrameHistory::After(std::uint64_t last) const
 {
     const std::lock_guard lock(m_mutex);
-    const auto first = std::upper_bound(
-        m_frames.begin(), m_frames.end(), last,
-        [](std::uint64_t number, const ExchangedFrame& frame) { return number < frame.number; });
+    const auto first = std::ranges::upper_bound(m_frames, last, {}, &ExchangedFrame::number);
     return {first, m_frames.end()};
 }
 

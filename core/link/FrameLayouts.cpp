@@ -1,7 +1,7 @@
 #include "core/link/FrameLayouts.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace fieldcore {
 
@@ -124,7 +124,7 @@ constexpr FieldLayout kPower[] = {{1, Unsigned, "power input"}};
 
 constexpr Meaning kListForm[] = {Is(1, "tracked"), Is(2, "in view")};
 constexpr FieldLayout kListRequest[] = {{1, Unsigned, "list", "", kListForm}};
-constexpr FieldLayout kSatelliteList[] = {{2, Digits, "satellites"}, {1, Unsigned, "format"}};
+constexpr FieldLayout kSatelliteHead[] = {{2, Digits, "satellites"}, {1, Unsigned, "format"}};
 constexpr Meaning kHighAzimuth[] = {Bit(7, "azimuth + 256 deg")};
 constexpr FieldLayout kTextSatellite[] = {{2, Digits, "number"},
                                           {3, Digits, "azimuth", "deg"},
@@ -271,72 +271,69 @@ constexpr FieldLayout kIdentification[] = {{0, Text, "text"}};
 constexpr auto Tx = Direction::Sent;
 constexpr auto Rx = Direction::Received;
 
-constexpr std::array kLayouts{
-    FrameLayout{0x06, Tx, "", "serial numbers request", "製造番号の要求"},
-    FrameLayout{0x07, Rx, "", "serial numbers", "製造番号", kSerial, 45},
-    FrameLayout{0x08, Tx, "", "status request", "状態の要求"},
-    FrameLayout{0x09, Rx, "", "status", "状態", kStatus},
-    FrameLayout{0x14, Tx, "", "GPS time request", "GPS時刻の要求"},
-    FrameLayout{0x15, Rx, "", "GPS time", "GPS時刻", kTime},
-    FrameLayout{0x16, Tx, "", "satellite list request", "衛星一覧の要求", kListRequest, 0},
-    FrameLayout{0x17, Rx, "\1"sv, "satellite list, one frame of several", "衛星一覧（分割）",
-                kSatelliteFrame, kWhole, Records::Satellites},
-    FrameLayout{0x17, Rx, "\2"sv, "satellite list, one frame of several", "衛星一覧（分割）",
-                kSatelliteFrame, kWhole, Records::Satellites},
-    FrameLayout{0x17, Rx, "", "satellite list", "衛星一覧", kSatelliteList, kWhole,
-                Records::Satellites},
-    FrameLayout{0x30, Tx, "", "site request", "設置位置の要求", kQuery},
-    FrameLayout{0x31, Rx, "\x12\0"sv, "site", "設置位置", kSite},
-    FrameLayout{0x32, Tx, "", "echo request", "折り返しの要求", kTwoBytes},
-    FrameLayout{0x33, Rx, "", "echo", "折り返し", kTwoBytes},
-    FrameLayout{0x34, Tx, "", "position request", "測位の要求"},
-    FrameLayout{0x35, Rx, "", "position", "測位", kPosition},
-    FrameLayout{0x40, Rx, "", "unsolicited", "自発の通知", kUnsolicited},
-    FrameLayout{0x41, Tx, "", "power source request", "電源の要求"},
-    FrameLayout{0x41, Rx, "", "power source", "電源", kPower},
-    FrameLayout{0x4A, Tx, "\1"sv, "extended options request", "拡張オプションの要求"},
-    FrameLayout{0x4A, Tx, "", "options request", "オプションの要求"},
-    FrameLayout{0x4B, Rx, "[", "extended options", "拡張オプション", kExtendedOptions, 20},
-    FrameLayout{0x4B, Rx, "", "options", "オプション", kOptions, 49},
-    FrameLayout{0x53, Tx, "", "choose signals", "信号の選択", kSignals, 3},
-    FrameLayout{0x54, Tx, "\2"sv, "almanac request", "軌道暦の要求", kAlmanacRequest},
-    FrameLayout{0x54, Tx, "\x14"sv, "other satellites request", "他の衛星系の要求", kOtherRequest},
-    FrameLayout{0x54, Tx, "\0"sv, "satellite state request", "衛星状態の要求", kStateRequest},
-    FrameLayout{0x55, Rx, "\2"sv, "almanac", "軌道暦", kAlmanac},
-    FrameLayout{0x55, Rx, "\x14"sv, "other satellites", "他の衛星系", kOtherState, 5},
-    FrameLayout{0x55, Rx, "\0"sv, "satellite state", "衛星状態", kSatelliteState, 50},
-    FrameLayout{0x58, Tx, "", "reset", "初期化", kReset},
-    FrameLayout{0x5A, Tx, "", "abort", "中止", kAbort},
-    FrameLayout{0x5E, Tx, "", "set port", "ポート設定", kSetPort},
-    FrameLayout{0x60, Tx, "", "delete file", "ファイル削除", kFileIndex},
-    FrameLayout{0x64, Tx, "", "application file", "設定ファイル", kApplicationFile, 14},
-    FrameLayout{0x68, Tx, "", "recover file", "ファイル復元", kFileIndex},
-    FrameLayout{0x6B, Tx, "", "file memory state request", "ファイルメモリ状態の要求"},
-    FrameLayout{0x6E, Rx, "", "identification", "機種情報", kIdentification},
-    FrameLayout{0x79, Tx, "", "file list request", "ファイル一覧の要求", kPicaListRequest},
-    FrameLayout{0x79, Rx, "", "file list", "ファイル一覧", kPicaList, kWhole, Records::Fixed,
-                kPicaFile},
-    FrameLayout{0x7A, Tx, "", "settings flags request", "設定フラグの要求", kQuery},
-    FrameLayout{0x7A, Rx, "", "settings flags", "設定フラグ", kFlags},
-    FrameLayout{0x84, Tx, "", "power off", "電源断", kQuery},
-    FrameLayout{0x85, Tx, "", "label", "表示ラベル", kLabel},
-    FrameLayout{0x95, Rx, "", "file block", "ファイルの一部", kBlock},
-    FrameLayout{0x96, Tx, "", "file request", "ファイルの要求", kDownload},
-    FrameLayout{0x9C, Tx, "", "file list request", "ファイル一覧の要求", kFileName},
-    FrameLayout{0x9D, Rx, "", "file list", "ファイル一覧", kLarkList, kWhole, Records::Fixed,
-                kLarkFile},
-    FrameLayout{0xA0, Tx, "", "delete file", "ファイル削除", kFileName},
-    FrameLayout{0xA1, Tx, "", "recover file", "ファイル復元", kFileName},
-    FrameLayout{0xA3, Tx, "", "refresh the signals", "信号の更新", kSignals, 3},
-    FrameLayout{0xC8, Tx, "\1\0"sv, "tilt reading request", "傾斜の要求"},
-    FrameLayout{0xC8, Tx, "\1\1"sv, "tilt calibration request", "傾斜校正の要求"},
-    FrameLayout{0xC8, Tx, "\3"sv, "set validity of the tilt calibration", "傾斜校正の有効期間設定",
-                kTiltValidity},
-    FrameLayout{0xC8, Tx, "\4"sv, "start the tilt calibration", "傾斜校正の開始"},
-    FrameLayout{0xC8, Tx, "\5"sv, "cancel the tilt calibration", "傾斜校正の取消"},
-    FrameLayout{0xC8, Tx, "\n"sv, "set speed of the bubble", "気泡の速さ設定", kTiltSpeed},
-    FrameLayout{0xC8, Rx, "\1\0"sv, "tilt reading", "傾斜", kTiltReading},
-    FrameLayout{0xC8, Rx, "\1\1"sv, "tilt calibration", "傾斜校正", kTiltRecord},
+constexpr FrameLayout kLayouts[] = {
+    {0x06, Tx, "", "serial numbers request", "製造番号の要求"},
+    {0x07, Rx, "", "serial numbers", "製造番号", kSerial, 45},
+    {0x08, Tx, "", "status request", "状態の要求"},
+    {0x09, Rx, "", "status", "状態", kStatus},
+    {0x14, Tx, "", "GPS time request", "GPS時刻の要求"},
+    {0x15, Rx, "", "GPS time", "GPS時刻", kTime},
+    {0x16, Tx, "", "satellite list request", "衛星一覧の要求", kListRequest, 0},
+    {kSatelliteList, Rx, "\1"sv, "satellite list, one frame of several", "衛星一覧（分割）",
+     kSatelliteFrame},
+    {kSatelliteList, Rx, "\2"sv, "satellite list, one frame of several", "衛星一覧（分割）",
+     kSatelliteFrame},
+    {kSatelliteList, Rx, "", "satellite list", "衛星一覧", kSatelliteHead},
+    {0x30, Tx, "", "site request", "設置位置の要求", kQuery},
+    {0x31, Rx, "\x12\0"sv, "site", "設置位置", kSite},
+    {0x32, Tx, "", "echo request", "折り返しの要求", kTwoBytes},
+    {0x33, Rx, "", "echo", "折り返し", kTwoBytes},
+    {0x34, Tx, "", "position request", "測位の要求"},
+    {0x35, Rx, "", "position", "測位", kPosition},
+    {0x40, Rx, "", "unsolicited", "自発の通知", kUnsolicited},
+    {0x41, Tx, "", "power source request", "電源の要求"},
+    {0x41, Rx, "", "power source", "電源", kPower},
+    {0x4A, Tx, "\1"sv, "extended options request", "拡張オプションの要求"},
+    {0x4A, Tx, "", "options request", "オプションの要求"},
+    {0x4B, Rx, "[", "extended options", "拡張オプション", kExtendedOptions, 20},
+    {0x4B, Rx, "", "options", "オプション", kOptions, 49},
+    {0x53, Tx, "", "choose signals", "信号の選択", kSignals, 3},
+    {0x54, Tx, "\2"sv, "almanac request", "軌道暦の要求", kAlmanacRequest},
+    {0x54, Tx, "\x14"sv, "other satellites request", "他の衛星系の要求", kOtherRequest},
+    {0x54, Tx, "\0"sv, "satellite state request", "衛星状態の要求", kStateRequest},
+    {0x55, Rx, "\2"sv, "almanac", "軌道暦", kAlmanac},
+    {0x55, Rx, "\x14"sv, "other satellites", "他の衛星系", kOtherState, 5},
+    {0x55, Rx, "\0"sv, "satellite state", "衛星状態", kSatelliteState, 50},
+    {0x58, Tx, "", "reset", "初期化", kReset},
+    {0x5A, Tx, "", "abort", "中止", kAbort},
+    {0x5E, Tx, "", "set port", "ポート設定", kSetPort},
+    {0x60, Tx, "", "delete file", "ファイル削除", kFileIndex},
+    {0x64, Tx, "", "application file", "設定ファイル", kApplicationFile, 14},
+    {0x68, Tx, "", "recover file", "ファイル復元", kFileIndex},
+    {0x6B, Tx, "", "file memory state request", "ファイルメモリ状態の要求"},
+    {0x6E, Rx, "", "identification", "機種情報", kIdentification},
+    {0x79, Tx, "", "file list request", "ファイル一覧の要求", kPicaListRequest},
+    {0x79, Rx, "", "file list", "ファイル一覧", kPicaList, kWhole, kPicaFile},
+    {0x7A, Tx, "", "settings flags request", "設定フラグの要求", kQuery},
+    {0x7A, Rx, "", "settings flags", "設定フラグ", kFlags},
+    {0x84, Tx, "", "power off", "電源断", kQuery},
+    {0x85, Tx, "", "label", "表示ラベル", kLabel},
+    {0x95, Rx, "", "file block", "ファイルの一部", kBlock},
+    {0x96, Tx, "", "file request", "ファイルの要求", kDownload},
+    {0x9C, Tx, "", "file list request", "ファイル一覧の要求", kFileName},
+    {0x9D, Rx, "", "file list", "ファイル一覧", kLarkList, kWhole, kLarkFile},
+    {0xA0, Tx, "", "delete file", "ファイル削除", kFileName},
+    {0xA1, Tx, "", "recover file", "ファイル復元", kFileName},
+    {0xA3, Tx, "", "refresh the signals", "信号の更新", kSignals, 3},
+    {0xC8, Tx, "\1\0"sv, "tilt reading request", "傾斜の要求"},
+    {0xC8, Tx, "\1\1"sv, "tilt calibration request", "傾斜校正の要求"},
+    {0xC8, Tx, "\3"sv, "set validity of the tilt calibration", "傾斜校正の有効期間設定",
+     kTiltValidity},
+    {0xC8, Tx, "\4"sv, "start the tilt calibration", "傾斜校正の開始"},
+    {0xC8, Tx, "\5"sv, "cancel the tilt calibration", "傾斜校正の取消"},
+    {0xC8, Tx, "\n"sv, "set speed of the bubble", "気泡の速さ設定", kTiltSpeed},
+    {0xC8, Rx, "\1\0"sv, "tilt reading", "傾斜", kTiltReading},
+    {0xC8, Rx, "\1\1"sv, "tilt calibration", "傾斜校正", kTiltRecord},
 };
 
 } // namespace
@@ -367,12 +364,11 @@ std::span<const FieldLayout> BinarySatelliteLayout()
 
 const FrameLayout* FindFrameLayout(Direction direction, std::uint8_t type, std::string_view data)
 {
-    const auto* const found =
-        std::find_if(kLayouts.begin(), kLayouts.end(), [&](const FrameLayout& layout) {
-            return layout.type == type && layout.direction == direction &&
-                   data.starts_with(layout.prefix);
-        });
-    return found == kLayouts.end() ? nullptr : found;
+    const auto* const found = std::ranges::find_if(kLayouts, [&](const FrameLayout& layout) {
+        return layout.type == type && layout.direction == direction &&
+               data.starts_with(layout.prefix);
+    });
+    return found == std::end(kLayouts) ? nullptr : found;
 }
 
 } // namespace fieldcore

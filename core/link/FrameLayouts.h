@@ -41,14 +41,6 @@ struct FieldLayout
     std::span<const Meaning> meanings = {};
 };
 
-/// What follows the fields that each frame of a type has.
-enum class Records : std::uint8_t
-{
-    None,
-    Fixed,     ///< of the layout's record fields, as many as the last byte before says
-    Satellites ///< see SatelliteRecords.h
-};
-
 /// Instead of a number of bytes: no field may be missing.
 inline constexpr std::size_t kWhole = ~std::size_t{0};
 
@@ -62,7 +54,7 @@ struct FrameLayout
     std::string_view title; ///< the same for the screens, Japanese, UTF-8
     std::span<const FieldLayout> fields = {};
     std::size_t endsFrom = kWhole; ///< data bytes from which on a field may be missing
-    Records records = Records::None;
+    /// Of each of the records that follow, as many as the byte before says.
     std::span<const FieldLayout> record = {};
 
     /// Data bytes that are there at least.
@@ -73,6 +65,9 @@ struct FrameLayout
 // what the tables of that page are compared with. The simulator writes its own bytes.
 
 [[nodiscard]] std::span<const FrameLayout> FrameLayouts();
+
+/// The type of the frames with a list of satellites.
+inline constexpr std::uint8_t kSatelliteList = 0x17;
 
 // The two kinds of records in a list of satellites. Which of the fields a record has depends on the
 // satellite and on the format of the list.

@@ -25,16 +25,19 @@ std::uint8_t FrameChecksum(std::span<const std::uint8_t> frame, std::size_t end)
 
 std::uint32_t FrameReader::DataLength() const
 {
-    if (m_bytes.size() <= kFrameDataStart) {
-        return 0;
-    }
-    return Type() == kLongFrameType ? static_cast<std::uint32_t>(m_bytes[3]) << 8 | m_bytes[4]
-                                    : m_bytes[3];
+    constexpr std::size_t kAt = 3;
+    const std::size_t start = DataStart(); // right behind the length
+    return m_bytes.size() < start ? 0 : FrameReader(m_bytes, kAt).Unsigned(start - kAt);
 }
 
-bool FrameReader::IsIntact(std::uint32_t dataLength) const
+std::span<const std::uint8_t> FrameReader::Data() const
 {
-    const std::size_t end = DataStart() + dataLength;
+    return FrameReader(m_bytes, DataStart()).Bytes(DataLength());
+}
+
+bool FrameReader::IsIntact() const
+{
+    const std::size_t end = DataStart() + DataLength();
     return end < m_bytes.size() && m_bytes[0] == kStx &&
            FrameChecksum(m_bytes, end) == m_bytes[end];
 }
@@ -68,11 +71,6 @@ double FrameReader::Double()
     return std::bit_cast<double>(bits);
 }
 
-float FrameReader::Float()
-{
-    return std::bit_cast<float>(Unsigned(sizeof(float)));
-}
-
 std::span<const std::uint8_t> FrameReader::Bytes(std::size_t count)
 {
     const std::size_t start = std::min(m_cursor, m_bytes.size());
@@ -89,10 +87,8 @@ std::string FrameReader::Chars(std::size_t count)
 
 std::wstring FrameReader::Text(std::size_t count)
 {
-    std::string bytes = Chars(count);
-    bytes.resize(std::min(bytes.size(), kLongestText));
-    bytes.resize(std::min(bytes.size(), bytes.find('\0')));
-    return FromCp932(bytes);
+    const std::string bytes = Chars(count).substr(0, kLongestText);
+    return FromCp932(bytes.c_str()); // up to the zero byte
 }
 
 std::uint32_t FrameReader::Unsigned(std::size_t width)

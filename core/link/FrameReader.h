@@ -57,9 +57,11 @@ public:
     /// The data length of the header; 0 if there is none.
     [[nodiscard]] std::uint32_t DataLength() const;
     /// Whether STX stands first and the checksum is right. ETX is not looked at.
-    [[nodiscard]] bool IsIntact() const { return IsIntact(DataLength()); }
-    /// The same with a data length that is known otherwise.
-    [[nodiscard]] bool IsIntact(std::uint32_t dataLength) const;
+    [[nodiscard]] bool IsIntact() const;
+    /// The data; empty if they are not there as a whole.
+    [[nodiscard]] std::span<const std::uint8_t> Data() const;
+    /// Bytes of the frame from STX to ETX, as its header announces them.
+    [[nodiscard]] std::size_t Length() const { return DataStart() + DataLength() + 2; }
 
     [[nodiscard]] std::size_t Cursor() const { return m_cursor; }
     void Skip(std::size_t count);
@@ -71,8 +73,6 @@ public:
     std::uint32_t Unsigned(std::size_t width);
     /// An IEEE 754 double; NaN if it is not there.
     double Double();
-    /// An IEEE 754 single; NaN if it is not there.
-    float Float();
     /// The next @p count bytes as they are; empty if they are not there.
     std::span<const std::uint8_t> Bytes(std::size_t count);
     /// The same as characters.

@@ -3,108 +3,112 @@
 #include "core/link/FrameLayouts.h"
 #include "core/link/FrameReader.h"
 
-#include <cassert>
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
 namespace fieldcore {
 
-// Numeric text fields: decimal digits of fixed width. A number stands at the start, behind blanks;
-// what follows it is ignored, and a field that holds none is 0. Nothing is allocated.
+/// A field as it stands in a frame. A view, as FrameReader is.
+struct ReceivedField
+{
+    FieldLayout layout;
+    std::span<const std::uint8_t> bytes; ///< empty if it is not there as a whole
 
-/// Values beyond the range of int are cut to it.
-[[nodiscard]] int IntegerField(std::span<const std::uint8_t> field);
-/// What the C library reads as a number counts as one: "inf" and "nan" do too.
-[[nodiscard]] double RealField(std::span<const std::uint8_t> field);
+    /// A number of bytes or of digits; all ones, or 0 of digits, if it is not there. Decimal digits
+    /// stand at the start, behind blanks; what follows them is ignored, and a field that holds none
+    /// is 0. Values beyond the range of int are cut to it.
+    [[nodiscard]] std::int64_t Whole() const;
+    /// The same with decimals; NaN, or 0 of digits, if it is not there. What the C library reads as
+    /// a number counts as one: "inf" and "nan" do too.
+    [[nodiscard]] double Real() const;
+    /// As it is, of digits too.
+    [[nodiscard]] std::wstring Text() const;
+};
 
-/// Reads the data of a received frame in the order of its layout: widths and kinds come from the
-/// table, and spare bytes are passed over. What lies behind the data is never read: of a field that
-/// is not there as a whole a number reads as all ones, a real number as NaN, and IsComplete() says
-/// so.
-///
-/// A parser reads or leaves every field that the frame has. Whoever forgets one is stopped by an
-/// assertion when the reader goes. A view, as FrameReader is.
+/// Takes the data of a frame apart in the order of its layout: widths and kinds come from the
+/// table, and spare bytes are passed over. What lies behind the data is never read. Nothing is
+/// allocated but for texts. A view, as FrameReader is.
 class LayoutReader
 {
 public:
-    /// The frame expected is told by its type and by how its data begin.
-    /// @param prefix  as FrameLayouts() has it
-    LayoutReader(FrameReader frame, std::uint8_t type, std::string_view prefix = {});
-    ~LayoutReader()
-    {
-        assert(!m_fits || !m_isComplete || !HasNext() || std::uncaught_exceptions() > 0);
-    }
-    LayoutReader(const LayoutReader&) = delete;
-    LayoutReader& operator=(const LayoutReader&) = delete;
+    /// Of data that should be such a frame's.
+    LayoutReader(const FrameLayout& layout, std::span<const std::uint8_t> data);
 
-    /// Whether it is that frame and no shorter than its layout. If not, nothing can be read.
+    /// Whether they begin as its data do and are no shorter. A parser reads nothing else.
     [[nodiscard]] bool Fits() const { return m_fits; }
-    /// Whether all that was read was there.
+    /// Whether all that was taken was there.
     [[nodiscard]] bool IsComplete() const { return m_isComplete; }
     /// Whether the next field is there: of a text its first byte, of anything else all of it.
     [[nodiscard]] bool HasNext() const;
+    /// Whether no field is left.
+    [[nodiscard]] bool IsDone() const { return m_fields.empty(); }
     /// From the first data byte to the next field.
-    [[nodiscard]] std::size_t Offset() const { return m_in.Cursor(); }
+    [[nodiscard]] std::size_t Offset() const { return m_offset; }
 
-    /// Reads a field into each of @p values: whole numbers, real numbers, texts (of digits too, as
-    /// they are; one at the end may be cut off), or the bytes as they are.
+    /// Takes the next field off the layout; there must be one.
+    ReceivedField Take();
+    /// Takes a field for each of @p values: whole numbers, real numbers, texts (one at the end may
+    /// be cut off), the bytes as they are, or arrays of these.
     template <typename... Values>
     void Read(Values&... values)
     {
         (ReadOne(values), ...);
     }
-    /// The next fields are not in this frame, or mean nothing in it: nothing is read of them.
-    void Leave(std::size_t count = 1);
-    /// A record with these fields follows.
-    void BeginRecord(std::span<const FieldLayout> fields);
-    /// The next of the records that the layout has.
-    void BeginRecord() { BeginRecord(m_layout->record); }
+    /// The next field is not in this frame, or means nothing in it: nothing is read of it.
+    void Leave();
+    /// Goes on with these fields, as a record has them.
+    void GoOnWith(std::span<const FieldLayout> fields);
+    /// Goes on with the next of the records that the layout has.
+    void BeginRecord() { GoOnWith(m_layout->record); }
 
 private:
-    void ReadOne(std::integral auto& value)
+    template <std::integral Number>
+    void ReadOne(Number& value)
     {
-        using Number = std::remove_reference_t<decltype(value)>;
-        value = static_cast<Number>(WholeNumber(sizeof(Number)));
+        value = static_cast<Number>(Take().Whole());
     }
-    void ReadOne(std::floating_point auto& value)
+    template <std::floating_point Number>
+    void ReadOne(Number& value)
     {
-        value = static_cast<std::remove_reference_t<decltype(value)>>(RealNumber());
+        value = static_cast<Number>(Take().Real());
     }
-    void ReadOne(std::wstring& value);
-    void ReadOne(std::span<const std::uint8_t>& value);
+    void ReadOne(std::wstring& value) { value = Take().Text(); }
+    void ReadOne(std::span<const std::uint8_t>& value) { value = Take().bytes; }
+    template <typename Item, std::size_t Count>
+    void ReadOne(std::array<Item, Count>& values)
+    {
+        for (Item& value : values) {
+            ReadOne(value);
+        }
+    }
 
-    /// Takes the next field off the layout.
-    FieldLayout Take();
-    void SkipSpare();
-    std::int64_t WholeNumber(std::size_t widest);
-    double RealNumber();
-    [[nodiscard]] std::size_t Left() const { return m_length - m_in.Cursor(); }
+    [[nodiscard]] std::size_t Left() const { return m_data.size() - m_offset; }
 
-    const FrameLayout* m_layout;           // of those that stay
-    FrameReader m_in;                      // of the data alone
-    std::size_t m_length = 0;              // of the data, bytes
-    std::span<const FieldLayout> m_fields; // still to be read; the first is no spare one
-    bool m_fits = false;
+    const FrameLayout* m_layout; // of those that stay
+    std::span<const std::uint8_t> m_data;
+    std::size_t m_offset = 0;
+    std::span<const FieldLayout> m_fields; // still to be taken; the first is no spare one
+    bool m_fits;
     bool m_isComplete = true;
 };
 
 /// Reads a reply of one frame: @p read, of a LayoutReader& and a Reply&, puts the fields into a
-/// fresh one.
+/// fresh one. The frame expected is told by its type and by how its data begin.
+/// @param prefix  as FrameLayouts() has it
 /// @return nothing if it is not that frame, or if @p read finds a value that no receiver can mean
 template <typename Reply, typename Read>
 [[nodiscard]] std::optional<Reply> ReadReply(FrameReader frame, std::uint8_t type,
                                              std::string_view prefix, Read read)
 {
-    LayoutReader in(frame, type, prefix);
+    LayoutReader in(*FindFrameLayout(Direction::Received, type, prefix), frame.Data());
     std::optional<Reply> reply;
-    if (in.Fits() && !read(in, reply.emplace())) {
+    if (frame.Type() == type && in.Fits() && !read(in, reply.emplace())) {
         reply.reset();
     }
     return reply;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/link/FileReplies.h"
 #include "core/link/ReceivedName.h"
+#include "core/link/Replies.h"
 #include "core/platform/AtomicFile.h"
 
 #include <cstddef>

@@ -12,10 +12,11 @@ std::uint32_t ReceiverIdentity::TypeNumber() const
 
 std::wstring ReceiverIdentity::Model() const
 {
-    if (options) {
-        return ReceiverModelName(TypeNumber());
+    if (!options) {
+        return serial ? serial->receiverType : std::wstring();
     }
-    return serial ? serial->receiverType : std::wstring();
+    const ReceiverType* const type = FindReceiverType(TypeNumber());
+    return type != nullptr && type->model != nullptr ? type->model : std::to_wstring(TypeNumber());
 }
 
 std::wstring ReceiverIdentity::Name() const

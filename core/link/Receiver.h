@@ -11,7 +11,7 @@
 
 namespace fieldcore {
 
-// What is known of a receiver, as plain values: copied, compared and put together at will, on any
+// What is known of a receiver, as plain values: copied and put together at will, on any
 // thread that has a copy of its own.
 
 /// A value with the time at which the receiver gave it.
@@ -20,8 +20,6 @@ struct TimedValue
 {
     Value value;
     Clock::Duration at; ///< of the channel's clock
-
-    friend bool operator==(const TimedValue&, const TimedValue&) = default;
 };
 
 enum class LinkState
@@ -54,8 +52,6 @@ struct ReceiverIdentity
     /// Whether both are the same receiver, whatever has been installed in it since. One that did
     /// not tell its serial number is the same as no other.
     [[nodiscard]] bool IsSame(const ReceiverIdentity& other) const;
-
-    friend bool operator==(const ReceiverIdentity&, const ReceiverIdentity&) = default;
 };
 
 /// The time that a receiver told.
@@ -65,8 +61,6 @@ struct ReceiverTime
     double secondsOfWeek = 0.0;                ///< of GPS time
     std::chrono::local_seconds jst;            ///< without synchronisation its seconds mean nothing
     std::chrono::milliseconds controllerAhead; ///< of the receiver; counts when synchronised
-
-    friend bool operator==(const ReceiverTime&, const ReceiverTime&) = default;
 };
 
 /// What was made of the controller's clock when a receiver's time was accepted.
@@ -75,8 +69,6 @@ struct ClockChange
     Clock::UtcTime was; ///< the controller's time
     Clock::UtcTime by;  ///< what it was to be set to
     bool isSet = false; ///< false: the clock may not be set, or the system refused
-
-    friend bool operator==(const ClockChange&, const ClockChange&) = default;
 };
 
 /// How the charge of a battery has changed.
@@ -84,8 +76,6 @@ struct BatteryTrend
 {
     double percentPerHour = 0.0;         ///< negative: it drains
     std::optional<Clock::Duration> left; ///< until it is empty; nothing unless it drains
-
-    friend bool operator==(const BatteryTrend&, const BatteryTrend&) = default;
 };
 
 /// What was last heard of a receiver, each reply with its time, and what was made of it. What has
@@ -111,8 +101,6 @@ struct Receiver
     std::optional<ClockChange> clockChange;
 
     std::optional<BatteryTrend> trend;
-
-    friend bool operator==(const Receiver&, const Receiver&) = default;
 };
 
 } // namespace fieldcore

@@ -1,7 +1,8 @@
 #include "core/link/ReceiverTypes.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <utility>
 
 namespace fieldcore {
 
@@ -11,60 +12,47 @@ using enum ReceiverFamily;
 
 constexpr double kNeverSupported = 9.99;
 
-constexpr std::array kTypes{
-    ReceiverType{2010, Oldest, true, 1.0, nullptr},
-    ReceiverType{2020, Oldest, true, 1.0, nullptr},
-    ReceiverType{2030, Oldest, true, 1.3, nullptr},
-    ReceiverType{2040, Oldest, false, kNeverSupported, nullptr},
-    ReceiverType{2050, Oldest, false, kNeverSupported, nullptr},
-    ReceiverType{3010, Pica, true, 1.23, nullptr},
-    ReceiverType{3011, Lark, true, 1.0, nullptr},
-    ReceiverType{3012, Lark, true, 1.0, L"Corvane VX1 GNSS"},
-    ReceiverType{3015, Lark, true, 1.0, L"Corvane VX5"},
-    ReceiverType{3017, Lark, true, 1.0, L"Corvane VX1"},
-    ReceiverType{3020, Pica, true, 2.03, nullptr},
-    ReceiverType{3021, Lark, true, 1.0, nullptr},
-    ReceiverType{3022, Lark, true, 1.0, L"Corvane VX2 GNSS"},
-    ReceiverType{3024, Lark, true, 1.0, L"Corvane VX4"},
-    ReceiverType{3026, Lark, true, 1.0, L"Corvane VX3"},
-    ReceiverType{3028, Lark, true, 2.03, L"Corvane VX2"},
-    ReceiverType{3030, Lark, true, 1.0, L"Corvane VX7"},
-    ReceiverType{3032, Lark, true, 1.0, L"Corvane VX8"},
-    ReceiverType{3034, Lark, true, 1.0, L"Corvane VX4"},
-    ReceiverType{3036, Lark, true, 1.0, L"Corvane VX3"},
-    ReceiverType{3038, Lark, true, 1.0, L"Corvane VX4"},
-    ReceiverType{3040, Lark, true, 1.0, L"Corvane VX3"},
-    ReceiverType{3042, Lark, true, 1.0, L"Corvane VX3"},
-    ReceiverType{3044, Lark, true, 1.0, L"Corvane VX2 GNSS"},
-    ReceiverType{3046, Lark, true, 1.0, L"Corvane VX2s"},
-    ReceiverType{3050, Lark, true, 1.0, L"Corvane BaseVX6"},
-    ReceiverType{3051, Lark, true, 1.0, L"Corvane VX9s"},
+constexpr ReceiverType kTypes[] = {
+    {2010, Oldest, true, 1.0, nullptr},
+    {2020, Oldest, true, 1.0, nullptr},
+    {2030, Oldest, true, 1.3, nullptr},
+    {2040, Oldest, false, kNeverSupported, nullptr},
+    {2050, Oldest, false, kNeverSupported, nullptr},
+    {3010, Pica, true, 1.23, nullptr},
+    {3011, Lark, true, 1.0, nullptr},
+    {3012, Lark, true, 1.0, L"Corvane VX1 GNSS"},
+    {3015, Lark, true, 1.0, L"Corvane VX5"},
+    {3017, Lark, true, 1.0, L"Corvane VX1"},
+    {3020, Pica, true, 2.03, nullptr},
+    {3021, Lark, true, 1.0, nullptr},
+    {3022, Lark, true, 1.0, L"Corvane VX2 GNSS"},
+    {3024, Lark, true, 1.0, L"Corvane VX4"},
+    {3026, Lark, true, 1.0, L"Corvane VX3"},
+    {3028, Lark, true, 2.03, L"Corvane VX2"},
+    {3030, Lark, true, 1.0, L"Corvane VX7"},
+    {3032, Lark, true, 1.0, L"Corvane VX8"},
+    {3034, Lark, true, 1.0, L"Corvane VX4"},
+    {3036, Lark, true, 1.0, L"Corvane VX3"},
+    {3038, Lark, true, 1.0, L"Corvane VX4"},
+    {3040, Lark, true, 1.0, L"Corvane VX3"},
+    {3042, Lark, true, 1.0, L"Corvane VX3"},
+    {3044, Lark, true, 1.0, L"Corvane VX2 GNSS"},
+    {3046, Lark, true, 1.0, L"Corvane VX2s"},
+    {3050, Lark, true, 1.0, L"Corvane BaseVX6"},
+    {3051, Lark, true, 1.0, L"Corvane VX9s"},
 };
 
-struct TypeCode
-{
-    std::uint8_t code;
-    std::uint32_t number;
-};
-
-constexpr std::array kTypeCodes{
-    TypeCode{1, 2010},   TypeCode{2, 2010},   TypeCode{3, 2010},   TypeCode{4, 2010},
-    TypeCode{5, 2010},   TypeCode{6, 2050},   TypeCode{7, 2020},   TypeCode{8, 2010},
-    TypeCode{9, 2040},   TypeCode{24, 2030},  TypeCode{27, 3020},  TypeCode{31, 3017},
-    TypeCode{' ', 3028}, TypeCode{',', 3022}, TypeCode{'0', 3034}, TypeCode{'2', 3012},
-    TypeCode{'3', 3026}, TypeCode{'4', 3044}, TypeCode{'5', 3036}, TypeCode{'@', 3021},
-    TypeCode{'E', 3011}, TypeCode{'G', 3022}, TypeCode{'L', 3050}, TypeCode{'P', 3040},
-    TypeCode{'d', 3030}, TypeCode{'r', 3024}, TypeCode{'s', 3015}, TypeCode{136, 3046},
-    TypeCode{151, 3042}, TypeCode{152, 3038}, TypeCode{168, 3051},
+/// Type codes of the options, and the type numbers that they stand for.
+using TypeCode = std::pair<std::uint8_t, std::uint32_t>;
+constexpr TypeCode kTypeCodes[] = {
+    {1, 2010},   {2, 2010},   {3, 2010},   {4, 2010},   {5, 2010},   {6, 2050},   {7, 2020},
+    {8, 2010},   {9, 2040},   {24, 2030},  {27, 3020},  {31, 3017},  {' ', 3028}, {',', 3022},
+    {'0', 3034}, {'2', 3012}, {'3', 3026}, {'4', 3044}, {'5', 3036}, {'@', 3021}, {'E', 3011},
+    {'G', 3022}, {'L', 3050}, {'P', 3040}, {'d', 3030}, {'r', 3024}, {'s', 3015}, {136, 3046},
+    {151, 3042}, {152, 3038}, {168, 3051},
 };
 constexpr std::uint32_t kOtherCodes = 3010;
 constexpr std::uint16_t kModelWordOf3032 = 310;
-
-/// Where the flag of a row of the table stands.
-std::size_t FlagOf(const ReceiverType* type)
-{
-    return static_cast<std::size_t>(type - kTypes.data());
-}
 
 } // namespace
 
@@ -76,7 +64,7 @@ std::span<const ReceiverType> AllReceiverTypes()
 const ReceiverType* FindReceiverType(std::uint32_t number)
 {
     const auto* row = std::ranges::find(kTypes, number, &ReceiverType::number);
-    return row != kTypes.end() ? row : nullptr;
+    return row != std::end(kTypes) ? row : nullptr;
 }
 
 double MinimumNavVersion(std::uint32_t typeNumber)
@@ -90,30 +78,22 @@ std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord)
     if (typeCode == 0 && modelWord == kModelWordOf3032) {
         return 3032;
     }
-    const auto* row = std::ranges::find(kTypeCodes, typeCode, &TypeCode::code);
-    return row != kTypeCodes.end() ? row->number : kOtherCodes;
+    const auto* row = std::ranges::find(kTypeCodes, typeCode, &TypeCode::first);
+    return row != std::end(kTypeCodes) ? row->second : kOtherCodes;
 }
-
-std::wstring ReceiverModelName(std::uint32_t typeNumber)
-{
-    const ReceiverType* type = FindReceiverType(typeNumber);
-    return type != nullptr && type->model != nullptr ? type->model : std::to_wstring(typeNumber);
-}
-
-SupportedTypeFlags::SupportedTypeFlags() : m_flags(kTypes.size()) {}
 
 void SupportedTypeFlags::Set(std::uint32_t typeNumber, int flag)
 {
     const ReceiverType* type = FindReceiverType(typeNumber);
     if (type != nullptr && type->canBeSupported) {
-        m_flags[FlagOf(type)] = flag;
+        m_flags[typeNumber] = flag;
     }
 }
 
 int SupportedTypeFlags::Get(std::uint32_t typeNumber) const
 {
-    const ReceiverType* type = FindReceiverType(typeNumber);
-    return type != nullptr ? m_flags[FlagOf(type)] : 0;
+    const auto flag = m_flags.find(typeNumber);
+    return flag != m_flags.end() ? flag->second : 0;
 }
 
 void SupportedTypeFlags::SetAll()

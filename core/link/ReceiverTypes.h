@@ -1,10 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <span>
-#include <string>
-#include <vector>
 
 namespace fieldcore {
 
@@ -39,15 +37,10 @@ struct ReceiverType
 /// @param modelWord  tells apart the two models of code 0
 [[nodiscard]] std::uint32_t TypeNumberOfCode(std::uint8_t typeCode, std::uint16_t modelWord);
 
-/// The model's name; the number for a type that has none or is in no table.
-[[nodiscard]] std::wstring ReceiverModelName(std::uint32_t typeNumber);
-
 /// Which receivers a host accepts. None at first.
 class SupportedTypeFlags
 {
 public:
-    SupportedTypeFlags();
-
     /// Numbers that no host can support are ignored.
     void Set(std::uint32_t typeNumber, int flag);
     /// @return 0 for a number that no host can support
@@ -56,7 +49,7 @@ public:
     void SetAll();
 
 private:
-    std::vector<int> m_flags; // one for each row of the type table
+    std::map<std::uint32_t, int> m_flags; // by type number
 };
 
 } // namespace fieldcore

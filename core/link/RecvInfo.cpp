@@ -143,14 +143,17 @@ int CRecvInfo::GetQ02Format() const
     return has ? 1 : 0;
 }
 
-int CRecvInfo::GetCMRxInput() const
+int CRecvInfo::GetGalileo() const
 {
-    return GetSolace() != 0 ? Extended(&ExtendedOptionsReply::cmrxInput) : 0;
+    using Reply = ExtendedOptionsReply;
+    return Extended(&Reply::systems, 19) | Extended(&Reply::systems, 23);
 }
 
-int CRecvInfo::GetCMRxOutput() const
+int CRecvInfo::CMRx(int boardBit) const
 {
-    return GetSolace() != 0 ? Extended(&ExtendedOptionsReply::cmrxOutput) : 0;
+    using Reply = ExtendedOptionsReply;
+    const bool counts = GetSolace() != 0 && Extended(&Reply::counts, 0) != 0;
+    return counts ? Extended(&Reply::board, boardBit) : 0;
 }
 
 std::uint32_t GetRecvTypeNum(CCommand& command)

@@ -85,15 +85,15 @@ public:
 
     // Extended options.
 
-    [[nodiscard]] int GetL5() const { return Extended(&ExtendedOptionsReply::l5); }
-    [[nodiscard]] int GetL2C() const { return Extended(&ExtendedOptionsReply::l2c); }
-    [[nodiscard]] int GetGLONASS() const { return Extended(&ExtendedOptionsReply::glonass); }
-    [[nodiscard]] int GetMeridian() const { return Extended(&ExtendedOptionsReply::meridian); }
-    [[nodiscard]] int GetGalileo() const { return Extended(&ExtendedOptionsReply::galileo); }
-    [[nodiscard]] int GetQZSS() const { return Extended(&ExtendedOptionsReply::qzss); }
-    [[nodiscard]] int GetTilt() const { return Extended(&ExtendedOptionsReply::tilt); }
-    [[nodiscard]] int GetCMRxInput() const;
-    [[nodiscard]] int GetCMRxOutput() const;
+    [[nodiscard]] int GetL5() const { return Extended(&ExtendedOptionsReply::signals, 29); }
+    [[nodiscard]] int GetL2C() const { return Extended(&ExtendedOptionsReply::signals, 21); }
+    [[nodiscard]] int GetGLONASS() const { return Extended(&ExtendedOptionsReply::systems, 0); }
+    [[nodiscard]] int GetMeridian() const { return Extended(&ExtendedOptionsReply::board, 6); }
+    [[nodiscard]] int GetGalileo() const;
+    [[nodiscard]] int GetQZSS() const { return Extended(&ExtendedOptionsReply::sensors, 2); }
+    [[nodiscard]] int GetTilt() const { return Extended(&ExtendedOptionsReply::sensors, 1); }
+    [[nodiscard]] int GetCMRxInput() const { return CMRx(4); }
+    [[nodiscard]] int GetCMRxOutput() const { return CMRx(5); }
 
 private:
     [[nodiscard]] const wchar_t* Text(std::wstring SerialReply::*field) const
@@ -111,10 +111,12 @@ private:
     {
         return Option(flags) >> bit & 1;
     }
-    [[nodiscard]] int Extended(bool ExtendedOptionsReply::*field) const
+    template <typename Value>
+    [[nodiscard]] int Extended(Value ExtendedOptionsReply::*flags, int bit) const
     {
-        return m_known.extended && (*m_known.extended).*field ? 1 : 0;
+        return m_known.extended && ((*m_known.extended).*flags >> bit & 1) != 0 ? 1 : 0;
     }
+    [[nodiscard]] int CMRx(int boardBit) const;
 
     ReceiverIdentity m_known;
 };

@@ -5,6 +5,7 @@
 #include "core/platform/Calendar.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cwchar>
 #include <limits>
@@ -25,11 +26,6 @@ constexpr int kRtkFixed = 5;
 constexpr bool Bit(std::uint32_t value, int bit)
 {
     return (value >> bit & 1) != 0;
-}
-
-void ReadPlace(LayoutReader& in, SiteReply& place)
-{
-    in.Read(place.latitudeRad, place.longitudeRad, place.heightM);
 }
 
 /// Not so when one of the values is no number.
@@ -55,9 +51,7 @@ std::optional<TiltTime> ReadTiltTime(LayoutReader& in)
 constexpr std::size_t kModelDigits = 4;
 
 // What ends each field, in turn.
-constexpr std::array<wchar_t, 12> kDelimiters{L',', L';', L',', L',', L',', L',',
-                                              L',', L',', L',', L';', L',', L','};
-using Fields = std::array<std::wstring, kDelimiters.size()>;
+constexpr std::wstring_view kDelimiters = L",;,,,,,,,;,,";
 
 /// Takes the next field off @p text: delimiters in front of it are skipped, the one behind it
 /// goes with it.
@@ -86,19 +80,52 @@ std::uint8_t ParityCode(wchar_t letter)
 std::uint32_t TypeNumberOfModel(std::wstring_view model)
 {
     const std::wstring_view digits = model.substr(0, kModelDigits);
-    const bool numeric =
-        digits.size() == kModelDigits &&
-        std::all_of(digits.begin(), digits.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
-    if (numeric) {
+    if (digits.size() == kModelDigits &&
+        digits.find_first_not_of(L"0123456789") == std::wstring_view::npos) {
         return Number(std::wstring(digits));
     }
-    if (model == L"VX2") {
-        return 3028;
+    return model == L"VX2" ? 3028 : model == L"VX1" ? 3017 : model == L"VX1-GNSS" ? 3012 : 3010;
+}
+
+// Files.
+
+constexpr std::uint8_t kLastPage = 0x80;
+constexpr std::uint8_t kMoreFollows = 128;
+constexpr std::size_t kMostBlockBytes = 1000;
+
+/// @return seconds since 1980-01-06 00:00, 0 if these are no date and time
+std::uint32_t RecordTime(int year, const std::array<std::uint8_t, 4>& rest)
+{
+    using namespace std::chrono;
+    const auto [month, day, hour, minute] = rest;
+    const year_month_day date{std::chrono::year(std::min(year, 9999)), std::chrono::month(month),
+                              std::chrono::day(day)};
+    if (!date.ok() || hour > 23 || minute > 59) {
+        return 0;
     }
-    if (model == L"VX1") {
-        return 3017;
+    const seconds inJapan = sys_days(date) - kGpsEpoch + hours(hour) + minutes(minute) + kJst;
+    constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(inJapan.count(), 0, kMost));
+}
+
+/// Reads the next field as a file's name.
+void ReadName(LayoutReader& in, DirectoryListingData& file)
+{
+    std::wstring text;
+    in.Read(text);
+    text.resize(std::min(text.find_last_not_of(L' ') + 1, kLongestFileName));
+    std::copy(text.begin(), text.end(), file.name);
+}
+
+/// Reads each record of a page by @p readFile. @return whether the page can hold them and has them
+template <typename ReadFile>
+bool ReadFiles(LayoutReader& in, FilePage& page, std::size_t most, ReadFile readFile)
+{
+    for (std::size_t i = 0; i < std::min(page.count, most); ++i) {
+        in.BeginRecord();
+        readFile(page.files[i]);
     }
-    return model == L"VX1-GNSS" ? 3012 : 3010;
+    return page.count <= most && in.IsComplete();
 }
 
 } // namespace
@@ -129,8 +156,6 @@ std::optional<OptionsReply> ParseOptions(FrameReader frame)
                 reply.rtcm21, reply.typeCode, radio, reply.flags1, reply.flags2);
         if (reply.typeCode == 0 && in.HasNext()) {
             in.Read(reply.modelWord);
-        } else {
-            in.Leave();
         }
         reply.tenths = tenths / 10.0;
         reply.loggingRate = loggingRate * 100U;
@@ -141,45 +166,22 @@ std::optional<OptionsReply> ParseOptions(FrameReader frame)
 
 std::optional<ExtendedOptionsReply> ParseExtendedOptions(FrameReader frame)
 {
-    ExtendedOptionsReply reply;
-    const bool holdsData = frame.DataLength() > 0 && FrameReader(frame).Byte() == '[';
-    if (frame.Type() == 0x4B && !holdsData) {
-        return reply; // a receiver without extended options
+    if (frame.Type() == 0x4B && (frame.DataLength() == 0 || FrameReader(frame).Byte() != '[')) {
+        return ExtendedOptionsReply(); // a receiver without extended options
     }
-    LayoutReader in(frame, 0x4B, "[");
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    std::uint32_t signals = 0;
-    std::uint32_t systems = 0;
-    std::uint32_t sensors = 0;
-    in.Read(signals, systems, sensors);
-    reply.l5 = Bit(signals, 29);
-    reply.l2c = Bit(signals, 21);
-    reply.glonass = Bit(systems, 0);
-    reply.galileo = Bit(systems, 19) || Bit(systems, 23);
-    reply.qzss = Bit(sensors, 2);
-    reply.tilt = Bit(sensors, 1);
-    if (!in.HasNext()) {
-        return reply;
-    }
-    std::uint8_t board = 0;
-    in.Read(board);
-    reply.meridian = Bit(board, 6);
-    if (frame.DataLength() < kCmrxLength) {
-        in.Leave(2);
-        return reply;
-    }
-    std::uint8_t counts = 0;
-    in.Read(counts);
-    if (Bit(counts, 1) && in.HasNext()) {
-        in.Read(reply.loggingRate);
-    } else {
-        in.Leave();
-    }
-    reply.cmrxInput = Bit(counts, 0) && Bit(board, 4);
-    reply.cmrxOutput = Bit(counts, 0) && Bit(board, 5);
-    return reply;
+    return ReadReply<ExtendedOptionsReply>(frame, 0x4B, "[", [frame](auto& in, auto& reply) {
+        in.Read(reply.signals, reply.systems, reply.sensors);
+        if (in.HasNext()) {
+            in.Read(reply.board);
+        }
+        if (frame.DataLength() >= kCmrxLength) {
+            in.Read(reply.counts);
+        }
+        if (Bit(reply.counts, 1) && in.HasNext()) {
+            in.Read(reply.loggingRate);
+        }
+        return true;
+    });
 }
 
 std::optional<StatusReply> ParseStatus(FrameReader frame)
@@ -205,7 +207,7 @@ std::optional<GpsTimeReply> ParseGpsTime(FrameReader frame)
 std::optional<SiteReply> ParseSite(FrameReader frame)
 {
     return ReadReply<SiteReply>(frame, 0x31, "\x12\0"sv, [](auto& in, auto& place) {
-        ReadPlace(in, place);
+        in.Read(place.latitudeRad, place.longitudeRad, place.heightM);
         return IsOnEarth(place);
     });
 }
@@ -214,8 +216,8 @@ std::optional<PositionStatusReply> ParsePositionStatus(FrameReader frame)
 {
     return ReadReply<PositionStatusReply>(frame, 0x35, "", [](auto& in, auto& reply) {
         in.Read(reply.fixKind, reply.satellitesUsed, reply.week, reply.secondsOfWeek, reply.pdop,
-                reply.hdop, reply.vdop);
-        ReadPlace(in, reply.position);
+                reply.hdop, reply.vdop, reply.position.latitudeRad, reply.position.longitudeRad,
+                reply.position.heightM);
         return reply.secondsOfWeek < kWeekS;
     });
 }
@@ -231,7 +233,7 @@ std::optional<int> ParseBatteryPort(FrameReader frame)
 std::optional<SettingsFlags> ParseSettingsFlags(FrameReader frame)
 {
     return ReadReply<SettingsFlags>(frame, 0x7A, "", [](auto& in, auto& flags) {
-        in.Read(flags[0], flags[1], flags[2]);
+        in.Read(flags);
         return true;
     });
 }
@@ -266,36 +268,73 @@ std::optional<TiltCalibration> ParseTiltCalibration(FrameReader frame)
 
 std::optional<IdentificationRecord> ParseIdentification(FrameReader frame)
 {
-    LayoutReader in(frame, 0x6E);
-    if (!in.Fits()) {
-        return std::nullopt;
-    }
-    std::wstring text;
-    in.Read(text);
-    std::wstring_view rest = text;
-    Fields fields;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        fields[i] = NextField(rest, kDelimiters[i]);
-        if (fields[i].empty()) {
-            return std::nullopt;
+    return ReadReply<IdentificationRecord>(frame, 0x6E, "", [](auto& in, auto& record) {
+        std::wstring text;
+        in.Read(text);
+        std::wstring_view rest = text;
+        std::array<std::wstring, kDelimiters.size()> fields;
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            fields[i] = NextField(rest, kDelimiters[i]);
+            if (fields[i].empty()) {
+                return false;
+            }
         }
-    }
-    const std::uint32_t port = Number(fields[3]);
-    const std::uint32_t byteSize = Number(fields[6]);
-    if (port >= std::numeric_limits<std::uint8_t>::max() ||
-        byteSize > std::numeric_limits<std::uint8_t>::max()) {
-        return std::nullopt;
-    }
-    IdentificationRecord record;
-    record.typeNumber = TypeNumberOfModel(fields[1]);
-    record.port = static_cast<std::uint8_t>(port + 1);
-    record.baudRate = Number(fields[4]);
-    record.byteSize = static_cast<std::uint8_t>(byteSize);
-    record.stopBits = Number(fields[7]) == 2 ? 2 : 0;
-    record.parity = ParityCode(fields[8].front());
-    record.flowControl = fields[9].front() != L'F';
-    record.version = CParts::atof(fields[11]);
-    return record;
+        constexpr std::uint32_t kMost = std::numeric_limits<std::uint8_t>::max();
+        const std::uint32_t port = Number(fields[3]);
+        const std::uint32_t byteSize = Number(fields[6]);
+        record.typeNumber = TypeNumberOfModel(fields[1]);
+        record.port = static_cast<std::uint8_t>(port + 1);
+        record.baudRate = Number(fields[4]);
+        record.byteSize = static_cast<std::uint8_t>(byteSize);
+        record.stopBits = Number(fields[7]) == 2 ? 2 : 0;
+        record.parity = ParityCode(fields[8].front());
+        record.flowControl = fields[9].front() != L'F';
+        record.version = CParts::atof(fields[11]);
+        return port < kMost && byteSize <= kMost;
+    });
+}
+
+std::optional<FilePage> ParsePicaFilePage(FrameReader frame)
+{
+    return ReadReply<FilePage>(frame, 0x79, "", [](auto& in, auto& page) {
+        in.Read(page.number, page.count);
+        page.last = page.count < kPicaPageFiles;
+        return ReadFiles(in, page, kPicaPageFiles, [&](DirectoryListingData& file) {
+            std::uint16_t year = 0;
+            std::array<std::uint8_t, 4> rest{}; // month, day, hour, minute
+            file.pageFlag = page.last ? 0 : kMoreFollows;
+            in.Read(file.fileIndex);
+            ReadName(in, file);
+            in.Read(file.size, year, rest, file.attributes);
+            file.time = RecordTime(year, rest);
+        });
+    });
+}
+
+std::optional<FilePage> ParseLarkFilePage(FrameReader frame)
+{
+    return ReadReply<FilePage>(frame, 0x9D, "", [](auto& in, auto& page) {
+        std::uint8_t first = 0;
+        in.Read(first, page.count);
+        page.number = first & ~kLastPage;
+        page.last = (first & kLastPage) != 0;
+        return ReadFiles(in, page, kLarkPageFiles, [&](DirectoryListingData& file) {
+            file.pageFlag = first;
+            ReadName(in, file);
+            in.Read(file.size, file.time, file.attributes);
+        });
+    });
+}
+
+std::optional<FileBlock> ParseFileBlock(FrameReader frame)
+{
+    return ReadReply<FileBlock>(frame, kLongFrameType, "", [&frame](auto& in, auto& block) {
+        in.Read(block.offset, block.flags, block.bytes);
+        frame.Skip(frame.Length() - 1 - kFrameDataStart);
+        // Where the line has lost bytes, the next frame fills them up: once in 256 times the sum
+        // fits.
+        return frame.Byte() == kEtx && block.bytes.size() <= kMostBlockBytes;
+    });
 }
 
 } // namespace fieldcore

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "core/link/DirectoryListing.h"
 #include "core/link/FrameReader.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace fieldcore {
@@ -59,18 +62,14 @@ struct OptionsReply
 [[nodiscard]] std::optional<OptionsReply> ParseOptions(FrameReader frame);
 
 /// Extended options, reply 0x4B to the request with the data byte 1. All clear when the receiver
-/// has none.
+/// has none. See CRecvInfo for what they mean.
 struct ExtendedOptionsReply
 {
-    bool l5 = false;
-    bool l2c = false;
-    bool glonass = false;
-    bool galileo = false;
-    bool qzss = false;
-    bool tilt = false;
-    bool meridian = false;
-    bool cmrxInput = false;
-    bool cmrxOutput = false;
+    std::uint32_t signals = 0; ///< bit 21: L2C, bit 29: L5
+    std::uint32_t systems = 0; ///< bit 0: GLONASS, bits 19 and 23: Galileo
+    std::uint32_t sensors = 0; ///< bit 1: tilt sensor, bit 2: QZSS
+    std::uint8_t board = 0;    ///< bit 4: CMRx input, bit 5: CMRx output, bit 6: Meridian board
+    std::uint8_t counts = 0;   ///< bit 0: the bits of CMRx count, bit 1: the logging rate does
     std::uint16_t loggingRate = 0;
 
     friend bool operator==(const ExtendedOptionsReply&, const ExtendedOptionsReply&) = default;
@@ -194,5 +193,44 @@ struct IdentificationRecord
 
 /// Empty fields do not count as fields. @return nothing for fewer than twelve, too
 [[nodiscard]] std::optional<IdentificationRecord> ParseIdentification(FrameReader frame);
+
+// About files: nothing, too, for a frame shorter than what it announces, or one with more records
+// than a page holds.
+
+inline constexpr std::size_t kPicaPageFiles = 9;
+inline constexpr std::size_t kLarkPageFiles = 8;
+
+/// One page of a listing.
+struct FilePage
+{
+    int number = 0;    ///< from 0; of a Lark 0 to 127
+    bool last = false; ///< no other follows
+    std::size_t count = 0;
+    std::array<DirectoryListingData, kPicaPageFiles> files; ///< the first @c count are valid
+};
+
+/// A page of a Pica, reply 0x79. The time is the record's date, hour and minute (UTC) and 9 hours;
+/// 0 where they are no date since 1980-01-06, the last second that fits where they are beyond it.
+[[nodiscard]] std::optional<FilePage> ParsePicaFilePage(FrameReader frame);
+
+/// A page of a Lark, frame 0x9D.
+[[nodiscard]] std::optional<FilePage> ParseLarkFilePage(FrameReader frame);
+
+/// A piece of a file, long frame 0x95.
+struct FileBlock
+{
+    enum Flag : std::uint8_t
+    {
+        Last = 0x01,
+        NoSuchFile = 0x02,
+        Open = 0x04, ///< being written by the receiver
+    };
+
+    std::uint32_t offset = 0; ///< in the file
+    std::uint8_t flags = 0;
+    std::span<const std::uint8_t> bytes; ///< at most 1000; inside the frame
+};
+/// Nothing either for a frame that does not end in ETX.
+[[nodiscard]] std::optional<FileBlock> ParseFileBlock(FrameReader frame);
 
 } // namespace fieldcore

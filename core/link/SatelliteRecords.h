@@ -3,43 +3,27 @@
 #include "core/link/LayoutReader.h"
 #include "core/link/SatelliteReplies.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string_view>
 
 namespace fieldcore {
 
-/// Goes through a satellite list, reply 0x17, record by record. A view, as FrameReader is.
-class SatelliteRecords
+// A satellite list, reply 0x17, record by record.
+
+/// What stands in front of the records.
+struct SatelliteHead
 {
-public:
-    /// @param prefix  as FrameLayouts() has it: empty for a list in a single frame
-    SatelliteRecords(FrameReader frame, std::string_view prefix);
-
-    /// Whether this is such a list. If not, it has no records.
-    [[nodiscard]] bool Fits() const { return m_in.Fits(); }
-    // Of a list in several frames:
-    [[nodiscard]] int FrameNumber() const { return m_frameNumber; }
-    [[nodiscard]] bool IsLast() const { return m_last == 1; }
-
-    /// From the first data byte to the next record.
-    [[nodiscard]] std::size_t Offset() const { return m_in.Offset(); }
-    /// @return nothing behind the last record, or if the data end in the next one
-    std::optional<ListedSatellite> Next();
-    /// Whether the records that were read were there as a whole.
-    [[nodiscard]] bool IsComplete() const { return m_in.IsComplete(); }
-
-private:
-    void ReadText(ListedSatellite& satellite);
-    void ReadBinary(ListedSatellite& satellite);
-
-    LayoutReader m_in;
-    int m_frameNumber = 0;
-    int m_last = 0;
-    int m_left = 0; // records
-    std::uint8_t m_format = 0;
-    bool m_isText = false;
+    int frameNumber = 0; // of a list in several frames, as the next
+    int last = 0;
+    std::uint8_t format = 0;
+    int count = 0;
+    bool isText = false; ///< the records' fields are digits
 };
+
+/// @param in          of the list's data, from their start
+/// @param isOneFrame  the layout is that of a list in a single frame
+[[nodiscard]] SatelliteHead ReadSatelliteHead(LayoutReader& in, bool isOneFrame);
+
+/// Reads the next record; in.IsComplete() says whether all of it is there.
+[[nodiscard]] ListedSatellite ReadSatellite(LayoutReader& in, const SatelliteHead& head);
 
 } // namespace fieldcore

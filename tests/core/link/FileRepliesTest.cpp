@@ -1,4 +1,4 @@
-#include "core/link/FileReplies.h"
+#include "core/link/Replies.h"
 
 #include "tests/core/link/FileServer.h"
 #include "tests/support/Hex.h"

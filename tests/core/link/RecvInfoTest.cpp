@@ -165,12 +165,27 @@ TEST_F(RecvInfoTest, ExtendedOptionsNeedTheirBlock)
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {42, 0x80}, {48, 0x80}})}, {extended}}),
               1);
     EXPECT_EQ(info.GetCMRxInput(), 1);
-    EXPECT_EQ(info.GetCMRxOutput(), 1);
     EXPECT_EQ(info.GetMaxLoggingRate(), 50U);
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {48, 0x80}})}, {extended}}), 1);
     EXPECT_EQ(info.GetCMRxInput(), 0);
     ASSERT_EQ(Read({{Serial("00443")}, {Options({{5, 7}, {48, 0x80}})}, {Extended({})}}), 1);
     EXPECT_EQ(info.GetMaxLoggingRate(), 700U) << "a rate of 0 is none";
+    const auto read = [this](OptionBytes bytes, auto getter) {
+        EXPECT_EQ(Read({{Serial("00443")}, {Options({{42, 0x80}, {48, 0x80}})}, {Extended(bytes)}}),
+                  1);
+        return static_cast<int>(std::invoke(getter, info));
+    };
+    EXPECT_EQ(read({{8, 0x20}}, &CRecvInfo::GetL5), 1);
+    EXPECT_EQ(read({{9, 0x20}}, &CRecvInfo::GetL2C), 1);
+    EXPECT_EQ(read({{15, 0x01}}, &CRecvInfo::GetGLONASS), 1);
+    EXPECT_EQ(read({{13, 0x08}}, &CRecvInfo::GetGalileo), 1);
+    EXPECT_EQ(read({{13, 0x80}}, &CRecvInfo::GetGalileo), 1);
+    EXPECT_EQ(read({{19, 0x04}}, &CRecvInfo::GetQZSS), 1);
+    EXPECT_EQ(read({{19, 0x02}}, &CRecvInfo::GetTilt), 1);
+    EXPECT_EQ(read({{28, 0x40}}, &CRecvInfo::GetMeridian), 1);
+    EXPECT_EQ(read({{28, 0x10}, {31, 0x01}}, &CRecvInfo::GetCMRxInput), 1);
+    EXPECT_EQ(read({{28, 0x20}, {31, 0x01}}, &CRecvInfo::GetCMRxOutput), 1);
+    EXPECT_EQ(read({{28, 0xFF}, {31, 0x02}}, &CRecvInfo::GetCMRxOutput), 0) << "it does not count";
 }
 
 TEST_F(RecvInfoTest, TypeCodeOfOneModelNamesIt)
@@ -234,12 +249,10 @@ TEST(ReceiverTypes, MinimaFlagsAndNames)
     expectType(3028, 2.03, 1, L"Corvane VX2");
     expectType(3051, 1.0, 1, L"Corvane VX9s");
     expectType(3052, 9.99, 0, L"3052"); // in no table
-    SupportedTypeFlags none;
-    none.Set(2040, 1);
-    EXPECT_EQ(none.Get(2040), 0) << "a type that can never be supported";
-    none.Set(3017, 1);
-    EXPECT_EQ(none.Get(3017), 1);
-    EXPECT_EQ(none.Get(3012), 0);
+    connect.SetRecvTypeFlag(3017, 0);
+    connect.SetRecvTypeFlag(2040, 1);
+    EXPECT_EQ(connect.stGetRecvTypeFlag(3017), 0);
+    EXPECT_EQ(connect.stGetRecvTypeFlag(2040), 0) << "a type that can never be supported";
 }
 
 } // namespace

@@ -61,6 +61,7 @@ const SerialReply kSerial{L"S1234567", L"VX1",      L"00443", L"00345",
 // 1.75 and 1, and behind them the place of a site
 const Bytes kPositionHead{5, 14,   0,    0, 0x09, 0x60, 0,    0x05, 0x46,
                           0, 0x3F, 0xE0, 0, 0,    0x3F, 0x80, 0,    0};
+constexpr ExtendedOptionsReply kAllSignals{0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF};
 
 TEST(Replies, ReadTheirFieldsAndAreNoShorter)
 {
@@ -73,7 +74,7 @@ TEST(Replies, ReadTheirFieldsAndAreNoShorter)
                    OptionsReply{1,      0.2, 128600, 7,  8,  9,  19,    20, 21, 22, 23,
                                 0x1E1F, 33,  41,     43, 44, 45, false, 47, 49, 0});
     ExpectShortest(ParseExtendedOptions, 0x4B, Joined({{'['}, Bytes(19, 0xFF)}),
-                   ExtendedOptionsReply{true, true, true, true, true, true});
+                   ExtendedOptionsReply{kAllSignals});
     ExpectShortest(ParseStatus, 0x09, Ascii("1712---0851.855RTK 08"),
                    StatusReply{true, 12, 85, 1.85, 5, true, L"RTK ", 8});
     ExpectShortest(ParseGpsTime, 0x15, Ascii("604799.240018"), GpsTimeReply{604799.0, 2400, 18});
@@ -103,12 +104,6 @@ TEST(Replies, ReadTheirFieldsAndAreNoShorter)
                    TiltCalibration{720, TiltTime{2400, 60}, 40});
 }
 
-TEST(Replies, NoOtherSubTypeIsTaken)
-{
-    EXPECT_FALSE(Parse(ParseSite, 0x31, SiteData({}, 1)));
-    EXPECT_FALSE(Parse(ParseTiltReading, 0xC8, Joined({{1, 1}, Bytes(32, 0)})));
-}
-
 TEST(Replies, OfASerialRecordTheLongNumberMayBeMissing)
 {
     // From one character on it is there; of more than ten the rest does not count.
@@ -127,10 +122,10 @@ TEST(Replies, WhatIsNoValueIsReadOrRefused)
     const auto longer = Parse(ParseGpsTime, 0x15, Ascii("604799.2400-181"));
     EXPECT_EQ(longer, (GpsTimeReply{604799.0, 2400, -1}))
         << "the offset is two characters, whatever follows";
-    for (const char* impossible :
-         {"604800.240018", "-1.0000240018", "nan    240018", "inf    240018"}) {
+    for (const char* impossible : {"604800.240018", "-1.0000240018", "nan    240018"}) {
         EXPECT_FALSE(Parse(ParseGpsTime, 0x15, Ascii(impossible))) << impossible;
     }
+    EXPECT_FALSE(Parse(ParseSite, 0x31, SiteData({}, 1))) << "another sub-type";
     // beyond the pole, and what is no number
     for (const SiteReply& place : {SiteReply{1.58, 0.0, 0.0}, SiteReply{std::nan(""), 0.0, 0.0},
                                    SiteReply{0.0, HUGE_VAL, 0.0}, SiteReply{0.0, 0.0, -HUGE_VAL}}) {
@@ -168,104 +163,54 @@ TEST(Replies, OptionsByLengthAndType)
     EXPECT_EQ(read(50, 0, 0), std::pair(0, false)) << "half a model word read";
 }
 
-TEST(Replies, ExtendedOptions)
+TEST(Replies, ExtendedOptionsByLength)
 {
-    using Reply = ExtendedOptionsReply;
-    // 0: mark, 8: w1, 12: w2, 16: w3, 28: b, 31: d, 32: rate
-    struct Flag
-    {
-        std::string_view name;
-        std::size_t at;
-        std::uint8_t bit;
-        bool Reply::*flag;
-    };
-    constexpr Flag kFlags[] = {
-        {"L5: w1 bit 29", 8, 0x20, &Reply::l5},
-        {"L2C: w1 bit 21", 9, 0x20, &Reply::l2c},
-        {"GLONASS: w2 bit 0", 15, 0x01, &Reply::glonass},
-        {"Galileo: w2 bit 19", 13, 0x08, &Reply::galileo},
-        {"Galileo: w2 bit 23", 13, 0x80, &Reply::galileo},
-        {"QZSS: w3 bit 2", 19, 0x04, &Reply::qzss},
-        {"tilt: w3 bit 1", 19, 0x02, &Reply::tilt},
-        {"board: b bit 6", 28, 0x40, &Reply::meridian},
-    };
-    for (const Flag& flag : kFlags) {
-        SCOPED_TRACE(flag.name);
-        Bytes data(34, 0);
-        data[0] = '[';
-        data[flag.at] = flag.bit;
-        Reply expected;
-        expected.*flag.flag = true;
-        EXPECT_EQ(Parse(ParseExtendedOptions, 0x4B, data), expected);
-    }
-
     Bytes full(34, 0xFF);
     full[0] = '[';
     full[32] = 0x01;
     full[33] = 0xF4;
-    const Reply none;
-    const Reply signalsOnly{true, true, true, true, true, true};
-    const Reply withBoard{true, true, true, true, true, true, true};
-    const Reply rateOnly{true, true, true, true, true, true, true, false, false, 500};
-    const Reply withCmrx{true, true, true, true, true, true, true, true, true};
-    const Reply withRate{true, true, true, true, true, true, true, true, true, 500};
-    struct Row
-    {
-        std::string_view fault;
-        std::size_t length;
-        std::uint8_t first;
-        std::uint8_t counts; ///< d
-        Reply expected;
-    };
-    const Row rows[] = {
-        {"whole reply not read", 34, '[', 0xFF, withRate},
-        {"half a rate read", 33, '[', 0xFF, withCmrx},
-        {"CMRx read at 32 bytes", 32, '[', 0xFF, withBoard},
-        {"board flag lost at 29 bytes", 29, '[', 0xFF, withBoard},
-        {"board flag read at 28 bytes", 28, '[', 0xFF, signalsOnly},
-        {"a rate that does not count read", 34, '[', 0x01, withCmrx},
-        {"CMRx that does not count read", 34, '[', 0x02, rateOnly},
-        {"no extended options taken for a failure", 34, 'X', 0xFF, none},
-        {"nothing taken for a failure", 0, '[', 0xFF, none},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    const auto read = [&full](std::size_t length, std::uint8_t counts = 0xFF) {
         Bytes data = full;
-        data[0] = row.first;
-        data[31] = row.counts;
-        data.resize(row.length);
-        EXPECT_EQ(Parse(ParseExtendedOptions, 0x4B, data), row.expected);
-    }
+        data[31] = counts;
+        data.resize(length);
+        return Parse(ParseExtendedOptions, 0x4B, data);
+    };
+    ExtendedOptionsReply expected{kAllSignals};
+    EXPECT_EQ(read(28), expected) << "board flags read at 28 bytes";
+    expected.board = 0xFF;
+    EXPECT_EQ(read(29), expected) << "board flags lost at 29 bytes";
+    EXPECT_EQ(read(32), expected) << "what counts read at 32 bytes";
+    expected.counts = 0xFF;
+    EXPECT_EQ(read(33), expected) << "half a rate read";
+    expected.loggingRate = 500;
+    EXPECT_EQ(read(34), expected) << "whole reply not read";
+    expected.counts = 0x01;
+    expected.loggingRate = 0;
+    EXPECT_EQ(read(34, 0x01), expected) << "a rate that does not count read";
+    EXPECT_EQ(read(0), ExtendedOptionsReply()) << "nothing taken for a failure";
+    full[0] = 'X';
+    EXPECT_EQ(read(34), ExtendedOptionsReply()) << "no extended options taken for a failure";
 }
 
-TEST(NumberFields, ReadWhatStandsAtTheStart)
+TEST(Replies, NumbersInDigitsStandAtTheStart)
 {
     const auto read = [](const std::string& text) {
-        return std::pair(IntegerField(Ascii(text)), RealField(Ascii(text)));
+        const Bytes bytes = Ascii(text);
+        const ReceivedField field{{bytes.size(), FieldKind::Digits, ""}, bytes};
+        return std::pair(field.Whole(), field.Real());
     };
-    EXPECT_EQ(read(""), std::pair(0, 0.0)) << "empty field";
-    EXPECT_EQ(read("  42"), std::pair(42, 42.0)) << "blanks in front";
-    EXPECT_EQ(read("42  "), std::pair(42, 42.0)) << "blanks behind";
-    EXPECT_EQ(read("4 2"), std::pair(4, 4.0)) << "blank inside";
-    EXPECT_EQ(read("\t42"), std::pair(42, 42.0)) << "tab as a blank";
-    EXPECT_EQ(read("0017"), std::pair(17, 17.0)) << "zeros in front are no octal";
-    EXPECT_EQ(read("-18"), std::pair(-18, -18.0)) << "sign";
-    EXPECT_EQ(read("+18"), std::pair(18, 18.0)) << "plus";
-    EXPECT_EQ(read("-"), std::pair(0, 0.0)) << "sign alone";
-    EXPECT_EQ(read("--5"), std::pair(0, 0.0)) << "two signs";
-    EXPECT_EQ(read("1.85"), std::pair(1, 1.85)) << "point";
-    EXPECT_EQ(read("1,85"), std::pair(1, 1.0)) << "comma is no point";
-    EXPECT_EQ(read(".5"), std::pair(0, 0.5)) << "point first";
-    EXPECT_EQ(read("---"), std::pair(0, 0.0)) << "letters";
-    EXPECT_EQ(read("12E"), std::pair(12, 12.0)) << "letters behind";
-    EXPECT_EQ(read("1e3"), std::pair(1, 1000.0)) << "exponent";
-    EXPECT_EQ(read("9999999999"), std::pair(2147483647, 9999999999.0)) << "beyond int";
-    EXPECT_EQ(read("9999999999999999"), std::pair(2147483647, 9999999999999999.0)) << "beyond long";
-    EXPECT_EQ(read("-9999999999"), std::pair(-2147483647 - 1, -9999999999.0))
-        << "beyond int, negative";
-    EXPECT_EQ(read(std::string("1\0002", 3)), std::pair(1, 1.0)) << "a zero byte ends it";
-    EXPECT_EQ(read("\x82\x50\x82\x51"), std::pair(0, 0.0)) << "full-width digits";
-    EXPECT_EQ(read("\2407"), std::pair(0, 0.0)) << "a byte that other code pages call a blank";
+    using Numbers = std::pair<std::int64_t, double>;
+    EXPECT_EQ(read(""), Numbers(0, 0.0)) << "empty field";
+    EXPECT_EQ(read("  42"), Numbers(42, 42.0)) << "blanks in front";
+    EXPECT_EQ(read("4 2"), Numbers(4, 4.0)) << "blank inside";
+    EXPECT_EQ(read("0017"), Numbers(17, 17.0)) << "zeros in front are no octal";
+    EXPECT_EQ(read("-18"), Numbers(-18, -18.0)) << "sign";
+    EXPECT_EQ(read("1.85"), Numbers(1, 1.85)) << "point";
+    EXPECT_EQ(read("---"), Numbers(0, 0.0)) << "no number";
+    EXPECT_EQ(read("9999999999999999"), Numbers(2147483647, 9999999999999999.0)) << "beyond int";
+    EXPECT_EQ(read("-9999999999"), Numbers(-2147483648, -9999999999.0)) << "the other end";
+    EXPECT_EQ(read(std::string("1\0002", 3)), Numbers(1, 1.0)) << "a zero byte ends it";
+    EXPECT_EQ(read("\2407"), Numbers(0, 0.0)) << "a byte that other code pages call a blank";
 }
 
 /// Words of a record, "refused" for none.
