@@ -25,7 +25,6 @@ constexpr milliseconds kWriteMultiplier{10}; // for each byte
 constexpr milliseconds kWakeInterval{20};
 // How long a waiter may keep the host from breathing.
 constexpr milliseconds kWaitSlice{50};
-constexpr std::size_t kMostNoise = 256;       // bytes that are kept
 constexpr milliseconds kSlowestCharacter{10}; // at 1200 bit/s 8.3
 
 } // namespace
@@ -72,24 +71,17 @@ SerialLink::~SerialLink()
 
 int SerialLink::Open(const std::string& devicePath, const PortSettings& settings)
 {
-    if (m_device->IsOpen()) {
-        return Fail(LinkError::Open);
-    }
-    if (!m_device->Open(devicePath)) {
+    if (m_device->IsOpen() || !m_device->Open(devicePath)) {
         return Fail(LinkError::Open);
     }
     {
-        const std::scoped_lock lock(m_intake, m_mutex);
+        const std::scoped_lock lock(m_intake, m_mutex, m_observing);
         m_error = LinkError::None;
         m_lost = false;
         m_replyTimeout = settings.replyTimeout;
         m_queue = ByteQueue(std::max(settings.receiveQueue, kFrameBufferSize));
         m_arrivals = {};
-    }
-    {
-        const std::scoped_lock lock(m_observing);
-        m_noise.clear();
-        m_noise.reserve(2 * kMostNoise);
+        m_noiseCount = 0;
     }
     ResetReceiveState();
     if (!Configure(settings) || !StartReader()) {
@@ -579,21 +571,21 @@ void SerialLink::SetObserver(LineObserver observer)
 {
     const std::scoped_lock lock(m_observing);
     m_observer = std::move(observer);
-    m_isObserved = static_cast<bool>(m_observer);
 }
 
 std::vector<std::uint8_t> SerialLink::RecentNoise() const
 {
     const std::scoped_lock lock(m_observing);
-    const std::size_t count = std::min(m_noise.size(), kMostNoise);
-    return {m_noise.end() - static_cast<std::ptrdiff_t>(count), m_noise.end()};
+    std::vector<std::uint8_t> recent;
+    for (std::size_t i = m_noiseCount - std::min(m_noiseCount, m_noise.size()); i < m_noiseCount;
+         ++i) {
+        recent.push_back(m_noise[i % m_noise.size()]);
+    }
+    return recent;
 }
 
 void SerialLink::Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)
 {
-    if (!m_isObserved && unit != LineUnit::Noise) {
-        return;
-    }
     const std::scoped_lock lock(m_observing);
     ObserveLocked(direction, unit, bytes);
 }
@@ -605,12 +597,9 @@ void SerialLink::ObserveLocked(Direction direction, LineUnit unit,
         return;
     }
     if (unit == LineUnit::Noise) {
-        if (m_noise.size() + bytes.size() > m_noise.capacity()) { // never grows: no allocation
-            m_noise.erase(m_noise.begin(), m_noise.end() - static_cast<std::ptrdiff_t>(std::min(
-                                                               m_noise.size(), kMostNoise)));
+        for (const std::uint8_t byte : bytes) {
+            m_noise[m_noiseCount++ % m_noise.size()] = byte;
         }
-        const auto last = bytes.last(std::min(bytes.size(), kMostNoise));
-        m_noise.insert(m_noise.end(), last.begin(), last.end());
     }
     if (m_observer) {
         m_observer(direction, unit, bytes);

@@ -48,7 +48,7 @@ class SerialLinkTest : public ::testing::Test
 protected:
     SerialLinkTest() { settings.replyTimeout = 1s; }
 
-    void Open() { ASSERT_EQ(link.Open(farEnd.Path(), settings), 1) << link.GetDeviceFault(); }
+    void Open() { ASSERT_EQ(link.Open(farEnd.Path(), settings), 1) << link.TakeFault().text; }
 
     FarEnd farEnd;
     PortSettings settings;
@@ -189,9 +189,9 @@ TEST_F(SerialLinkTest, RefusesWhatItCannotOpen)
         SerialLink other;
         EXPECT_EQ(other.Open(path, with), 0);
         EXPECT_FALSE(other.IsOpen());
-        const LinkError error = other.TakeErrorCode();
-        EXPECT_FALSE(other.GetDeviceFault().empty() && error == LinkError::Open);
-        return error;
+        const PortFault fault = other.TakeFault();
+        EXPECT_FALSE(fault.text.empty() && fault.error == LinkError::Open);
+        return fault.error;
     };
     EXPECT_EQ(refusal("/dev/no-such-port", settings), LinkError::Open);
     EXPECT_EQ(refusal("/dev/null", settings), LinkError::Open) << "not a serial device";
