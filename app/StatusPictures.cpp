@@ -88,7 +88,7 @@ std::optional<SimulatedHour> LiveAnHour()
     }
     CConnect connect(command, 0, target); // its port is open: it asks nothing
     connect.SupportAllTypes();
-    if (link.Adopt(connect, target) == 0) {
+    if (link.Adopt(connect) == 0) {
         return std::nullopt;
     }
     for (int round = 0; round < kLeaps + kRounds; ++round) {
