@@ -187,13 +187,11 @@ void CComPort::Search(ComPortPage* page)
     CComPrmSet& set = m_edit->At(page->Port());
     page->Take(set);
     set.ConvFlag2Data();
-    SetRS232PortParameters chosen;
-    set.GetSETCOMMS(page->Port(), chosen);
-    target->settings = LineOf(chosen);
+    target->settings = set.Line();
     const Questions::Quiet quiet(*m_command); // a link that was lost is looked for, too
     if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, page)) {
-        chosen.baudRate = *rate;
-        set.SetSETCOMMS(chosen);
+        target->settings.baudRate = *rate;
+        set.SetLine(target->settings);
         page->InsertString(set);
         page->ShowSearchResult(ToQt(FormatText(text::kComSearchFound, static_cast<long>(*rate))));
         return;
