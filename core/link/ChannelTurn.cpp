@@ -292,14 +292,11 @@ bool ChannelTurn::AwaitQuiet(bool changes)
             doubt.due = 0;
         }
         const Clock::Duration until = QuietUntil(arrivals, changes);
-        if (now >= until) {
+        if (now >= until || (now >= latest && !changes)) {
             break;
         }
-        if (now >= latest) {
-            if (changes) { // its acknowledgement could not be told from the rest
-                return Fail(CommandFault::Malformed);
-            }
-            break;
+        if (now >= latest) { // its acknowledgement could not be told from the rest
+            return Fail(CommandFault::Malformed);
         }
         const auto outcome = Link().WaitDelivery(m_host, std::min(until, latest) - now);
         if (outcome == SerialLink::WaitOutcome::TimedOut) {

@@ -5,7 +5,6 @@
 #include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/PortReport.h"
-#include "core/platform/PosixFileOperations.h"
 
 #include <algorithm>
 #include <array>
@@ -482,9 +481,7 @@ std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::ws
         m_transfer.fault = DownloadFault::Name;
         return -1;
     }
-    ReceivedFile file(folder, name, expectedSize, time,
-                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance(),
-                      m_transfer);
+    ReceivedFile file(folder, name, expectedSize, time, *m_operations, m_transfer);
     const int isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
         return file.Open() && FetchFile(turn, *this, name, file, arrived) ? 1 : 0;
     });

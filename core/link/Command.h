@@ -344,7 +344,7 @@ private:
     Failed m_failed;
     int LastResult = 0;
 
-    FileOperations* m_operations = nullptr; // null: the system's own
+    FileOperations* m_operations = &FileOperations::Instance();
     bool m_hasMoreFiles = false;
     Transfer m_transfer; // of the last download
 

@@ -19,7 +19,7 @@ Verdict EndBy(ChannelTurn& turn, CommandFault fault, Verdict end = Verdict::Agai
 }
 
 Verdict TakeBlock(ChannelTurn& turn, FrameReader frame, ReceivedFile& file,
-                 const BytesArrived& arrived)
+                  const BytesArrived& arrived)
 {
     if (!frame.IsIntact()) {
         return EndBy(turn, CommandFault::BadChecksum);

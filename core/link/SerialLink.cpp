@@ -21,7 +21,7 @@ constexpr milliseconds kReadInterval{500};
 constexpr milliseconds kReadMultiplier{10}; // for each byte
 constexpr milliseconds kReadConstant{1000};
 constexpr milliseconds kWriteMultiplier{10}; // for each byte
-// How often a reader that does not end is woken again while the port is closed.
+// How often a reader that does not begin is looked at, or one that does not end is woken again.
 constexpr milliseconds kWakeInterval{20};
 // How long a waiter may keep the host from breathing.
 constexpr milliseconds kWaitSlice{50};
@@ -121,7 +121,8 @@ bool SerialLink::StartReader()
         Fail(LinkError::Open);
         return false;
     }
-    m_threadState.Wait();
+    while (!m_threadState.Wait(kWakeInterval)) {
+    }
     if (IsLost()) {
         m_reader.join();
         return false;
@@ -232,7 +233,8 @@ std::size_t SerialLink::Read(std::span<std::uint8_t> buffer)
 
 int SerialLink::WaitDelivery()
 {
-    return WaitDelivery(SilentHost::Instance()) == WaitOutcome::Delivered ? 1 : 0;
+    const WaitOutcome outcome = WaitDelivery(SilentHost::Instance(), GetReplyTimeout());
+    return outcome == WaitOutcome::Delivered ? 1 : 0;
 }
 
 SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host, Clock::Duration limit)
@@ -294,15 +296,11 @@ Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination, Arrivals*
 void SerialLink::ResetFrameReady()
 {
     m_frameReady.Reset();
-    bool isHeld = false; // nobody else waits for room
     {
         const std::scoped_lock lock(m_mutex);
         m_deliveries.Clear();
-        isHeld = m_handOver;
     }
-    if (isHeld) {
-        m_consumed.Set();
-    }
+    m_consumed.Set();
 }
 
 void SerialLink::ResetReceiveState()
@@ -377,9 +375,7 @@ void SerialLink::SetHandOver(bool on)
         const std::scoped_lock lock(m_mutex);
         m_handOver = on;
     }
-    if (!on) {
-        m_consumed.Set(); // a reader that still waits for its frames to be taken goes on
-    }
+    m_consumed.Set(); // a reader that still waits for its frames to be taken looks at it
 }
 
 bool SerialLink::IsDeliveryWaiting() const
@@ -435,36 +431,21 @@ int SerialLink::LogFrame(Direction direction, std::span<const std::uint8_t> byte
 
 void SerialLink::ReadPort()
 {
-    const bool listening = m_device->SetEventMask(SerialDevice::EventMask::Received);
-    if (!listening) {
+    if (!m_device->SetEventMask(SerialDevice::EventMask::Received)) {
         LoseLink(LinkError::EventMask);
     }
     m_threadState.Set();
-    if (listening) {
-        try {
-            ReadUntilClosed();
-        } catch (const std::bad_alloc&) { // bytes are missing now
-            LoseLink(LinkError::Read);
-        }
-        m_threadState.Set();
-    }
-}
-
-void SerialLink::ReadUntilClosed()
-{
-    while (!m_closing) {
-        const SerialDevice::Event event = m_device->WaitEvent();
-        if (event != SerialDevice::Event::Received) {
-            if (!m_closing) {
-                LoseLink(LinkError::WaitEvent);
+    try {
+        while (!m_closing && !m_lost) {
+            const bool hasBytes = m_device->WaitEvent() == SerialDevice::Event::Received;
+            if (!m_closing && (!hasBytes || !TakeIn())) {
+                LoseLink(hasBytes ? LinkError::Read : LinkError::WaitEvent);
             }
-            return;
         }
-        if (!TakeIn()) {
-            LoseLink(LinkError::Read);
-            return;
-        }
+    } catch (const std::bad_alloc&) { // bytes are missing now
+        LoseLink(LinkError::Read);
     }
+    m_threadState.Set();
 }
 
 /// Reads the port and assembles what is queued. @return false if reading failed

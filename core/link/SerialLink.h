@@ -161,9 +161,8 @@ public:
     /// Waits for the next delivery, at most the reply time-out.
     /// @return 1; or 0 after resetting what was half assembled
     int WaitDelivery();
-    /// The same, in slices of 50 ms between which @p host may breathe.
-    WaitOutcome WaitDelivery(Host& host) { return WaitDelivery(host, GetReplyTimeout()); }
-    /// The same, at most @p limit of the link's clock.
+    /// The same, at most @p limit of the link's clock, in slices of 50 ms between which @p host may
+    /// breathe.
     WaitOutcome WaitDelivery(Host& host, Clock::Duration limit);
 
     /// Bytes that the reader has not seen yet count as arriving now.
@@ -261,7 +260,6 @@ private:
     void StopReader();
 
     void ReadPort();
-    void ReadUntilClosed();
     bool TakeIn();
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
