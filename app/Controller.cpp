@@ -148,7 +148,7 @@ LinkState Controller::TryQuietly(const FoundTarget& found, std::wstring& fault)
         connect.Take(sequence);
     }
     // Where it is not acceptable the user has been told.
-    return m_link->Adopt(connect, *target) == 0 ? LinkState::Refused : LinkState::Connected;
+    return m_link->Adopt(connect) == 0 ? LinkState::Refused : LinkState::Connected;
 }
 
 void Controller::Tell(LinkState reached)
@@ -165,7 +165,7 @@ bool Controller::Connect(QWidget* parent, std::wstring& fault)
     }
     const auto dialog = MakeConnect(parent, 0, found);
     Tell(LinkState::Connecting);
-    const bool isConnected = m_link->Connect(*dialog, *found.target) != 0;
+    const bool isConnected = m_link->Connect(*dialog) != 0;
     Tell(isConnected || dialog->Reached() != LinkState::Connected ? dialog->Reached()
                                                                   : LinkState::Refused);
     return isConnected; // if not, the user has been told
@@ -186,7 +186,8 @@ std::unique_ptr<ConnectDlg> Controller::MakeConnect(QWidget* parent, int reconne
 
 void Controller::AskUser()
 {
-    if (m_link->Question() == LinkQuestion::None || m_link->IsHeld() || m_command->IsBusy()) {
+    if (m_link->Question() == LinkQuestion::None || m_command->Background().IsQuiet() ||
+        m_command->IsBusy()) {
         return; // if it is not the time, it comes round again
     }
     QWidget* const modal = QApplication::activeModalWidget();

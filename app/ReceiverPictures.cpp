@@ -173,7 +173,7 @@ SimulatedHour LiveAnHour()
     target.devicePath = bench.simulator.PortPath();
     CConnect connect(bench.command, 0, target); // its port is open: it asks nothing
     connect.SupportAllTypes();
-    link.Adopt(connect, target);
+    link.Adopt(connect);
     for (int round = 0; round < kLeaps + kRounds; ++round) {
         clock.Leap(round < kLeaps ? kStep : StatusPoll::kInterval);
         link.Tick();

@@ -306,7 +306,7 @@ void Session::StartBubble()
 
 void Session::ForceInit()
 {
-    const ReceiverLink::Hold hold(m_controller.Link());
+    const Questions::Quiet quiet(m_controller.Command());
     CRecvForceInit reset(m_controller.Command());
     if (reset.DoModal(*m_controller.MakeConnect(m_window.get())) == CRecvForceInit::Done) {
         ForgetPorts(m_controller.Roots());

@@ -16,9 +16,7 @@ constexpr KnownSetting kTold = L"GPS\\Com\\Com*\\Told";
 PortSettings LineWithFlagsOf(CComPrmSet set)
 {
     set.ConvFlag2Data();
-    SetRS232PortParameters record;
-    set.GetSETCOMMS(CComPrmSet::kLinkPort, record);
-    return LineOf(record);
+    return set.Line();
 }
 
 } // namespace
@@ -55,8 +53,7 @@ PortEdit::PortEdit(int linkPort, SettingsRoots& roots, const std::optional<PortS
     m_link.ReadRegCommPrm(CComPrmSet::kLinkPort);
     m_link.ConvData2Flag();
     if (link) {
-        m_link.SetSETCOMMS({0, link->baudRate, link->byteSize, link->parity, link->stopBits,
-                            static_cast<std::uint8_t>(link->flowControl), 0});
+        m_link.SetLine(*link);
     }
     m_link.ConvFlag2Data();
     for (int port = 1; port <= CComPrmSet::kMostPorts; ++port) {
@@ -72,9 +69,7 @@ void PortEdit::Read(int port)
     const std::wstring told = StoredText(HostReg(m_roots), kTold, std::to_wstring(port));
     const bool isShown = told.starts_with(read.set.GetPrmString() + L" ");
     if (port == m_linkPort) {
-        SetRS232PortParameters now;
-        m_link.GetSETCOMMS(port, now);
-        read.set.SetSETCOMMS(now);
+        read.set.SetLine(m_link.Line());
     } else if (told.empty()) {
         const bool isDefault = read.set.HasFlagsOf(CComPrmSet(m_roots));
         read.known = isDefault ? PortKnown::Default : PortKnown::Waiting;

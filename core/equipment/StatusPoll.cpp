@@ -9,36 +9,13 @@
 
 namespace fieldcore {
 
-namespace {
-
-/// Polling must not stop the program for long.
-class ShortTimeout
-{
-public:
-    ShortTimeout(CCommand& command, std::chrono::milliseconds usual)
-        : m_command(command), m_usual(usual)
-    {
-        m_command.SetReplyTimeout(
-            std::min<std::chrono::milliseconds>(usual, ReceiverLink::kReplyTimeout));
-    }
-    ~ShortTimeout() { m_command.SetReplyTimeout(m_usual); }
-    ShortTimeout(const ShortTimeout&) = delete;
-    ShortTimeout& operator=(const ShortTimeout&) = delete;
-
-private:
-    CCommand& m_command;
-    const std::chrono::milliseconds m_usual;
-};
-
-} // namespace
-
 StatusPoll::StatusPoll(CCommand& command, ReceiverLink& link, Clock* clock)
     : m_command(command), m_link(link), m_questions(command, clock)
 {}
 
 bool StatusPoll::MayAsk() const
 {
-    return m_link.State() == LinkState::Connected && !m_link.IsHeld() && !m_command.IsBusy() &&
+    return m_link.State() == LinkState::Connected && !m_command.IsBusy() &&
            m_command.IsPortOpen() == 1;
 }
 
@@ -57,12 +34,7 @@ bool StatusPoll::Tick()
         return hasChanged;
     }
     m_isTicking = true;
-    bool isGood = false;
-    {
-        const ShortTimeout shorter(m_command, m_link.Target().settings.replyTimeout);
-        isGood = Round();
-    }
-    m_failures = isGood ? 0 : m_failures + 1;
+    m_failures = Round() ? 0 : m_failures + 1;
     m_due = m_command.GetClock().Steady() +
             std::min<Clock::Duration>(kInterval * (1 + m_failures), kLongestPause);
     m_isTicking = false;

@@ -38,13 +38,10 @@ int Channel::Open(const std::string& devicePath, const PortSettings& settings, i
     std::unique_ptr<SimulatedPort> simulated;
     const PortNameResult named = PortNames().Parse(devicePath);
     if (named.port && named.port->kind == PortKind::Simulator) {
-        std::string error;
-        simulated = StartSimulatedPort(named.port->scenario, GetClock(), error);
+        PortFault fault{LinkError::Open, {}, 0};
+        simulated = StartSimulatedPort(named.port->scenario, GetClock(), fault.text);
         if (!simulated) {
-            const std::scoped_lock lock(m_mutex);
-            m_linkError = LinkError::Open;
-            m_deviceFault = error;
-            m_deviceFaultCode = 0;
+            NoteFault(std::move(fault));
             return 0;
         }
     }
@@ -57,32 +54,27 @@ int Channel::Open(const std::string& devicePath, const PortSettings& settings, i
         link->SetObserver(m_observer);
     }
     if (link->Open(simulated ? simulated->Path() : devicePath, settings) == 0) {
-        NoteFault(*link);
+        NoteFault(link->TakeFault());
         return 0;
     }
     m_simulated = std::move(simulated);
     m_doubt = {};
     m_isOdd = false;
-    m_portNumber = number;
-    m_baudRate = link->AppliedLineSettings().baudRate;
     const std::scoped_lock lock(m_mutex);
     m_link = std::move(link);
-    m_isOpen = true;
+    m_portNumber = number;
     return 1;
 }
 
 void Channel::Close()
 {
-    if (!m_isOpen) {
+    if (!m_link) {
         return;
     }
     m_link->Close();
     {
         const std::scoped_lock lock(m_mutex);
         m_link.reset();
-        m_isOpen = false;
-        m_portNumber = 0;
-        m_baudRate = 0;
     }
     m_simulated.reset();
 }
@@ -96,32 +88,24 @@ void Channel::SetObserver(LineObserver observer)
     }
 }
 
-std::vector<std::uint8_t> Channel::RecentNoise() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_link ? m_link->RecentNoise() : std::vector<std::uint8_t>();
-}
-
 LinkError Channel::TakeLinkError()
 {
     const std::scoped_lock lock(m_mutex);
     const LinkError error = m_link ? m_link->TakeErrorCode() : LinkError::None;
-    const LinkError before = std::exchange(m_linkError, LinkError::None);
+    const LinkError before = std::exchange(m_fault.error, LinkError::None);
     return error != LinkError::None ? error : before;
 }
 
-std::string Channel::DeviceFault() const
+PortFault Channel::LastFault() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_deviceFault;
+    return m_fault;
 }
 
-void Channel::NoteFault(SerialLink& link)
+void Channel::NoteFault(PortFault fault)
 {
     const std::scoped_lock lock(m_mutex);
-    m_linkError = link.TakeErrorCode();
-    m_deviceFault = link.GetDeviceFault();
-    m_deviceFaultCode = link.GetDeviceFaultCode();
+    m_fault = std::move(fault);
 }
 
 } // namespace fieldcore

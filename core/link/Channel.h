@@ -13,6 +13,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -37,15 +38,24 @@ public:
     [[nodiscard]] const Clock& GetClock() const { return m_environment.GetClock(); }
     [[nodiscard]] std::string PathOf(int portNumber) const;
 
-    [[nodiscard]] bool IsOpen() const { return m_isOpen; }
+    [[nodiscard]] bool IsOpen() const
+    {
+        return OfLink([](const SerialLink&) { return true; });
+    }
     /// Whether the calling thread has the turn, or waits for it.
     [[nodiscard]] bool IsMine() const;
     /// An answer was not the one that was due: the line must be quiet before the next request.
     void NoteOdd() { m_isOdd = true; }
     /// Of the open port: its COM number, 0 if it is none or no port is open.
-    [[nodiscard]] int PortNumber() const { return m_portNumber; }
+    [[nodiscard]] int PortNumber() const
+    {
+        return OfLink([this](const SerialLink&) { return m_portNumber; });
+    }
     /// Of the open port, bit/s; 0 if none is open.
-    [[nodiscard]] std::uint32_t BaudRate() const { return m_baudRate; }
+    [[nodiscard]] std::uint32_t BaudRate() const
+    {
+        return OfLink([](const SerialLink& link) { return link.AppliedLineSettings().baudRate; });
+    }
 
     /// One for the line: whoever asks the receiver puts the answers here.
     [[nodiscard]] KnownReceiver& Known() { return m_known; }
@@ -53,13 +63,15 @@ public:
     /// Sees what passes the ports that are opened, see LineObserver. Empty: nobody does.
     void SetObserver(LineObserver observer);
     /// See SerialLink; empty while no port is open.
-    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const;
+    [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const
+    {
+        return OfLink([](const SerialLink& link) { return link.RecentNoise(); });
+    }
 
     /// The transport's last error; reading it clears it.
     LinkError TakeLinkError();
-    /// What the port failed of last: for developers, and as the system's number; 0 if it did not.
-    [[nodiscard]] std::string DeviceFault() const;
-    [[nodiscard]] int DeviceFaultCode() const { return m_deviceFaultCode; }
+    /// What the port failed of last.
+    [[nodiscard]] PortFault LastFault() const;
 
 private:
     friend class ChannelTurn;
@@ -87,8 +99,14 @@ private:
     void TellNext();
     [[nodiscard]] int Open(const std::string& devicePath, const PortSettings& settings, int number);
     void Close();
-    /// Keeps what @p link failed of.
-    void NoteFault(SerialLink& link);
+    void NoteFault(PortFault fault);
+    /// What @p read tells of the open port; zero or nothing while none is open.
+    template <typename Read>
+    std::invoke_result_t<Read, const SerialLink&> OfLink(Read read) const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_link ? read(*m_link) : std::invoke_result_t<Read, const SerialLink&>();
+    }
 
     const Environment m_environment;
 
@@ -102,15 +120,11 @@ private:
     std::unique_ptr<SimulatedPort> m_simulated; // the owner's alone; behind the open port, or null
     mutable std::mutex m_mutex;                 // guards these; the owner alone replaces the link
     std::unique_ptr<SerialLink> m_link;
+    int m_portNumber = 0;
     LineObserver m_observer;
-    LinkError m_linkError = LinkError::None;
-    std::string m_deviceFault;
+    PortFault m_fault;
 
     KnownReceiver m_known;
-    std::atomic<bool> m_isOpen = false;
-    std::atomic<int> m_portNumber = 0;
-    std::atomic<std::uint32_t> m_baudRate = 0;
-    std::atomic<int> m_deviceFaultCode = 0;
 };
 
 } // namespace fieldcore

@@ -46,7 +46,9 @@ ChannelTurn::~ChannelTurn()
     if (m_handsOver && m_channel.IsOpen()) {
         Link().SetHandOver(false);
     }
-    EndTurn();
+    const std::scoped_lock lock(m_channel.m_turns);
+    m_channel.m_owner = {};
+    m_channel.TellNext();
 }
 
 bool ChannelTurn::Acquire()
@@ -77,13 +79,6 @@ bool ChannelTurn::Acquire()
     return true;
 }
 
-void ChannelTurn::EndTurn()
-{
-    const std::scoped_lock lock(m_channel.m_turns);
-    m_channel.m_owner = {};
-    m_channel.TellNext();
-}
-
 bool ChannelTurn::MayAsk()
 {
     return m_isMine && (m_channel.IsOpen() || Fail(CommandFault::NotOpen));
@@ -91,12 +86,10 @@ bool ChannelTurn::MayAsk()
 
 int ChannelTurn::Open(const std::string& devicePath, const PortSettings& settings, int number)
 {
-    if (m_channel.IsOpen() || m_channel.Open(devicePath, settings, number) == 0) {
+    if (m_isMine && (m_channel.IsOpen() || m_channel.Open(devicePath, settings, number) == 0)) {
         Fail(CommandFault::OpenFailed);
-        return 0;
     }
-    Succeed();
-    return 1;
+    return m_fault == CommandFault::None ? 1 : 0;
 }
 
 // One request.
@@ -129,41 +122,36 @@ int ChannelTurn::Ask(std::span<const std::uint8_t> request, Answer expected)
     bool isFinal = false;
     for (int attempt = 1; attempt <= kAttempts && !isFinal; ++attempt) {
         isFinal = Write(kept, LineUnit::Frame)
-                      ? Judge(Next().state, expected, attempt == kAttempts)
+                      ? Judge(expected, attempt == kAttempts)
                       : m_fault != CommandFault::WriteFailed; // then it is tried again at once
     }
     m_deadline = {};
     return m_fault == CommandFault::None ? 1 : 0;
 }
 
-/// @return whether the request ends here
-bool ChannelTurn::Judge(ExchangeState state, Answer expected, bool isLast)
+/// Waits for the answer. @return whether the request ends with it
+bool ChannelTurn::Judge(Answer expected, bool isLast)
 {
-    switch (state) {
-    case ExchangeState::Frame:
-    case ExchangeState::Ack:
-        if ((state == ExchangeState::Ack) != (expected == Answer::Ack)) {
-            Fail(CommandFault::WrongAnswer);
-        } else if (state == ExchangeState::Frame && !FrameReader(m_answer).IsIntact()) {
-            Fail(CommandFault::BadChecksum);
-        } else {
-            return true;
-        }
-        NoteOdd();
-        return m_fault == CommandFault::WrongAnswer;
-    case ExchangeState::Nak: // an answer: asking again would get the same one
+    const ExchangeState state = Next().state;
+    if (m_fault != CommandFault::None) { // nothing came
+        return m_fault != CommandFault::TimedOut || !PauseAndPurge(isLast);
+    }
+    if (state == ExchangeState::Nak) { // an answer: asking again would get the same one
         Fail(CommandFault::Refused);
         return true;
-    case ExchangeState::Malformed:
+    }
+    if (state == ExchangeState::Malformed) {
         NoteOdd();
         Fail(CommandFault::Malformed);
         return expected == Answer::Reply && !PauseAndPurge(isLast);
-    case ExchangeState::Nothing:
-    case ExchangeState::TimedOut:
-        break;
     }
-    const bool lostOrCancelled = m_fault != CommandFault::TimedOut;
-    return lostOrCancelled || !PauseAndPurge(isLast);
+    const bool isDue = (state == ExchangeState::Ack) == (expected == Answer::Ack);
+    if (isDue && (state == ExchangeState::Ack || FrameReader(m_answer).IsIntact())) {
+        return true;
+    }
+    NoteOdd();
+    Fail(isDue ? CommandFault::BadChecksum : CommandFault::WrongAnswer);
+    return !isDue;
 }
 
 /// @return whether the request goes on
@@ -304,14 +292,11 @@ bool ChannelTurn::AwaitQuiet(bool changes)
             doubt.due = 0;
         }
         const Clock::Duration until = QuietUntil(arrivals, changes);
-        if (now >= until) {
+        if (now >= until || (now >= latest && !changes)) {
             break;
         }
-        if (now >= latest) {
-            if (changes) { // its acknowledgement could not be told from the rest
-                return Fail(CommandFault::Malformed);
-            }
-            break;
+        if (now >= latest) { // its acknowledgement could not be told from the rest
+            return Fail(CommandFault::Malformed);
         }
         const auto outcome = Link().WaitDelivery(m_host, std::min(until, latest) - now);
         if (outcome == SerialLink::WaitOutcome::TimedOut) {
@@ -447,7 +432,7 @@ bool ChannelTurn::Check(SerialLink::WaitOutcome outcome)
 
 bool ChannelTurn::FailOnWrite()
 {
-    m_channel.NoteFault(Link());
+    m_channel.NoteFault(Link().TakeFault());
     return Fail(Link().IsLost() ? CommandFault::LinkLost : CommandFault::WriteFailed);
 }
 

@@ -106,8 +106,7 @@ private:
     bool Write(std::span<const std::uint8_t> bytes, LineUnit unit);
     void CountSent();
     void CountArrived(const Arrivals& arrivals);
-    void EndTurn();
-    bool Judge(ExchangeState state, Answer expected, bool isLast);
+    bool Judge(Answer expected, bool isLast);
     bool PauseAndPurge(bool isLast);
     bool AwaitAbort();
     bool Check(SerialLink::WaitOutcome outcome);

@@ -63,18 +63,6 @@ const Choice& ChoiceOf(const Parameter& parameter, int flag)
 
 } // namespace
 
-PortSettings LineOf(const SetRS232PortParameters& parameters)
-{
-    PortSettings line;
-    line.baudRate = parameters.baudRate;
-    line.byteSize = parameters.dataLength;
-    line.parity = parameters.parity;
-    line.stopBits = parameters.stopBits;
-    const auto flow = static_cast<FlowControl>(parameters.flowControl);
-    line.flowControl = flow <= FlowControl::RtsCts ? flow : FlowControl::None;
-    return line;
-}
-
 CComPrmSet::CComPrmSet(SettingsRoots& roots) : m_reg(roots)
 {
     ConvFlag2Data();
@@ -180,10 +168,22 @@ void CComPrmSet::GetSETCOMMS(int port, SetRS232PortParameters& record) const
               0};
 }
 
-void CComPrmSet::SetSETCOMMS(const SetRS232PortParameters& record)
+PortSettings CComPrmSet::Line() const
 {
-    m_values = {record.baudRate, record.dataLength, record.parity, record.stopBits,
-                record.flowControl};
+    PortSettings line;
+    line.baudRate = m_values[Bps];
+    line.byteSize = ByteOf(DataBits);
+    line.parity = ByteOf(Parity);
+    line.stopBits = ByteOf(StopBits);
+    const auto flow = static_cast<FlowControl>(ByteOf(FlowCtrl));
+    line.flowControl = flow <= FlowControl::RtsCts ? flow : FlowControl::None;
+    return line;
+}
+
+void CComPrmSet::SetLine(const PortSettings& line)
+{
+    m_values = {line.baudRate, line.byteSize, line.parity, line.stopBits,
+                static_cast<std::uint8_t>(line.flowControl)};
     ConvData2Flag();
 }
 
@@ -199,9 +199,7 @@ PortSettings LinkSettings(SettingsRoots& roots)
     link.ReadRegCommPrm(CComPrmSet::kLinkPort); // what cannot be read is the default
     link.ConvData2Flag();
     link.ConvFlag2Data();
-    SetRS232PortParameters parameters;
-    link.GetSETCOMMS(CComPrmSet::kLinkPort, parameters);
-    return LineOf(parameters);
+    return link.Line();
 }
 
 int StoreLink(const CComPrmSet& line)
@@ -213,13 +211,12 @@ int SetLinkRate(std::uint32_t baudRate, SettingsRoots& roots)
 {
     CComPrmSet link(roots);
     link.ReadRegCommPrm(CComPrmSet::kLinkPort);
-    SetRS232PortParameters parameters;
-    link.GetSETCOMMS(CComPrmSet::kLinkPort, parameters);
-    if (parameters.baudRate == baudRate) {
+    PortSettings line = link.Line();
+    if (line.baudRate == baudRate) {
         return 1;
     }
-    parameters.baudRate = baudRate;
-    link.SetSETCOMMS(parameters);
+    line.baudRate = baudRate;
+    link.SetLine(line);
     link.ConvFlag2Data();
     return std::ranges::count(kBaudRates, baudRate) == 1 ? StoreLink(link) : 0;
 }

@@ -24,9 +24,6 @@ struct SetRS232PortParameters
     bool operator==(const SetRS232PortParameters&) const = default;
 };
 
-/// How the controller runs a line with these parameters.
-[[nodiscard]] PortSettings LineOf(const SetRS232PortParameters& parameters);
-
 /// One set of serial parameters: stored in the settings under a port's number, and shown as
 /// indexes into lists of choices, which are called flags. Port 0 is the controller's own link to
 /// the receiver, 1 to 3 are the ports of the receiver.
@@ -104,8 +101,10 @@ public:
 
     /// Fills the record for the receiver from the values.
     void GetSETCOMMS(int port, SetRS232PortParameters& record) const;
-    /// Takes the values of a record over, and sets the flags from them.
-    void SetSETCOMMS(const SetRS232PortParameters& record);
+    /// How the controller runs a line with the values.
+    [[nodiscard]] PortSettings Line() const;
+    /// Takes the values of such a line over, and sets the flags from them.
+    void SetLine(const PortSettings& line);
 
     /// The other two ports of the receiver, the higher number first.
     static void GetOtherPorNo(int port, int& first, int& second);

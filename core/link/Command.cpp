@@ -5,7 +5,6 @@
 #include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/PortReport.h"
-#include "core/platform/PosixFileOperations.h"
 
 #include <algorithm>
 #include <array>
@@ -87,34 +86,20 @@ int CCommand::OpenPort(int portNumber, const PortSettings& settings)
 int CCommand::OpenPort(const std::string& devicePath, const PortSettings& settings, int portNumber)
 {
     m_failed = {};
-    ChannelTurn turn(*m_channel, GetHost());
-    if (!turn.IsMine()) {
-        return Finish(turn, 0);
-    }
-    m_timeout = {};
     m_failed.port = devicePath;
+    ChannelTurn turn(*m_channel, GetHost());
     return Finish(turn, turn.Open(devicePath, settings, portNumber));
 }
 
 void CCommand::ClosePort()
 {
-    /// Lets the host breathe, but goes on waiting for the turn.
-    class Patient final : public SilentHost
-    {
-    public:
-        explicit Patient(Host& host) : m_host(host) {}
-        bool Breathe() override { return m_host.Breathe() || true; }
-
-    private:
-        Host& m_host;
-    };
-    if (IsPortOpen() == 0) {
-        return;
-    }
-    Patient host(GetHost());
-    ChannelTurn turn(*m_channel, host);
-    if (turn.IsMine()) {
-        turn.Close();
+    CommandFault fault = CommandFault::Cancelled; // by which nobody can keep it open
+    while (IsPortOpen() == 1 && fault == CommandFault::Cancelled) {
+        ChannelTurn turn(*m_channel, GetHost());
+        fault = turn.Fault();
+        if (turn.IsMine()) {
+            turn.Close();
+        }
     }
 }
 
@@ -125,18 +110,18 @@ int CCommand::PurgePort()
 
 void CCommand::SetFraming(SerialLink::Framing framing)
 {
-    ChannelTurn turn(*m_channel, GetHost());
-    if (turn.MayAsk()) {
+    InTurn(0, [framing](ChannelTurn& turn) {
         turn.Link().SetFraming(framing);
-    }
+        return 1;
+    });
 }
 
 void CCommand::SetHandOver(bool on)
 {
-    ChannelTurn turn(*m_channel, GetHost());
-    if (turn.MayAsk()) {
+    InTurn(0, [on](ChannelTurn& turn) {
         turn.Link().SetHandOver(on);
-    }
+        return 1;
+    });
 }
 
 // Exchanges.
@@ -155,7 +140,7 @@ int CCommand::Finish(ChannelTurn& turn, int result)
     m_failed.fault = turn.Fault();
     m_failed.answer = GetReplyType();
     if (ClassOf(turn.Fault()) == FaultClass::Gone && turn.Fault() != CommandFault::NotOpen) {
-        m_failed.device = m_channel->DeviceFault();
+        m_failed.device = m_channel->LastFault().text;
     }
     if (turn.Last().state == ExchangeState::Frame) {
         ReadDataLength();
@@ -499,9 +484,7 @@ std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::ws
         m_transfer.fault = DownloadFault::Name;
         return -1;
     }
-    ReceivedFile file(folder, name, expectedSize, time,
-                      m_operations != nullptr ? *m_operations : PosixFileOperations::Instance(),
-                      m_transfer);
+    ReceivedFile file(folder, name, expectedSize, time, *m_operations, m_transfer);
     const int isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
         return file.Open() && FetchFile(turn, *this, name, file, arrived) ? 1 : 0;
     });

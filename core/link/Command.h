@@ -97,7 +97,7 @@ public:
     /// Empties the queues and forgets what is half received.
     int PurgePort();
 
-    /// Of the requests of this face, until the next port is opened; before that the port's own.
+    /// Of the requests of this face from now on; 0, as at first: that of the port.
     void SetReplyTimeout(std::chrono::milliseconds timeout) { m_timeout = timeout; }
     // These need an open port; without one they do nothing.
     void SetFraming(SerialLink::Framing framing);
@@ -138,7 +138,7 @@ public:
     /// What went wrong last and with which request, for developers; empty if nothing did.
     [[nodiscard]] std::string FaultDetail() const;
     /// The system's number for what the port failed of last; 0 if it did not.
-    [[nodiscard]] int SystemError() const { return m_channel->DeviceFaultCode(); }
+    [[nodiscard]] int SystemError() const { return m_channel->LastFault().code; }
     /// The last bytes, at most 256, that came over the open port and were no frame.
     [[nodiscard]] std::vector<std::uint8_t> RecentNoise() const { return m_channel->RecentNoise(); }
     /// Sees everything that passes the line: on the thread that sends, and on that which reads the
@@ -343,7 +343,7 @@ private:
     Failed m_failed;
     int LastResult = 0;
 
-    FileOperations* m_operations = nullptr; // null: the system's own
+    FileOperations* m_operations = &FileOperations::Instance();
     bool m_hasMoreFiles = false;
     Transfer m_transfer; // of the last download
 

@@ -35,11 +35,11 @@ void CConnect::Find()
 
 int CConnect::DoModal()
 {
+    Find();
     if (m_command.IsPortOpen() != 0) {
         m_reached = LinkState::Connected;
         return Connected;
     }
-    Find();
     if (!m_found.target) {
         m_reached = LinkState::Failed;
         m_command.GetHost().ShowMessage(m_found.fault, Text(text::kConnectFailedCaption),
@@ -83,21 +83,17 @@ int CConnect::stStartMessage()
 {
     Find();
     Host& host = m_command.GetHost();
-    if (!m_found.target || !m_found.target->IsBluetooth()) {
-        const BoxAnswer answer =
-            host.ShowMessage(Text(text::kConnectCable), Text(text::kConnectCableCaption),
-                             {BoxButtons::OkCancel, BoxIcon::Information});
-        return answer == BoxAnswer::Ok ? 1 : 0;
-    }
-    if (m_reconnect != 0) {
+    const bool isBluetooth = m_found.target && m_found.target->IsBluetooth();
+    if (isBluetooth && m_reconnect != 0) {
         const BoxAnswer answer = host.ShowMessage(Text(text::kReconnectBluetooth),
                                                   Text(text::kReconnectBluetoothCaption),
                                                   {BoxButtons::RetryCancel, BoxIcon::Question});
         return answer == BoxAnswer::Retry ? 1 : 0;
     }
-    const BoxAnswer answer =
-        host.ShowMessage(Text(text::kConnectBluetooth), Text(text::kConnectBluetoothCaption),
-                         {BoxButtons::OkCancel, BoxIcon::Information});
+    const BoxAnswer answer = host.ShowMessage(
+        Text(isBluetooth ? text::kConnectBluetooth : text::kConnectCable),
+        Text(isBluetooth ? text::kConnectBluetoothCaption : text::kConnectCableCaption),
+        {BoxButtons::OkCancel, BoxIcon::Information});
     return answer == BoxAnswer::Ok ? 1 : 0;
 }
 

@@ -57,6 +57,8 @@ public:
     [[nodiscard]] const ReceiverIdentity& Identity() const { return m_identity; }
     /// How far DoModal() has come: Connected, Failed, or NotConnected if the user did not want it.
     [[nodiscard]] LinkState Reached() const { return m_reached; }
+    /// Where DoModal() has connected to; nothing before, or if there is no port.
+    [[nodiscard]] const std::optional<ConnectTarget>& Target() const { return m_found.target; }
     /// What the connect sequence was told; nothing if it was not needed.
     [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
 
@@ -68,8 +70,6 @@ public:
     int stStartMessage();
 
 protected:
-    /// Where DoModal() connects to; nothing before, or if there is no port.
-    [[nodiscard]] const std::optional<ConnectTarget>& Target() const { return m_found.target; }
     /// Runs the connect sequence. A screen overrides it to show the steps.
     /// @return 1 if connected
     virtual int RunSequence(ConnectSequence& sequence);

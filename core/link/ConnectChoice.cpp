@@ -30,20 +30,13 @@ std::string ComName(int number)
 
 int CauseOf(PortNameFault why)
 {
-    switch (why) {
-    case PortNameFault::TooLong:
-        return text::kPortNameTooLong;
-    case PortNameFault::ControlCharacter:
-        return text::kPortNameControl;
-    case PortNameFault::Empty:
-        return text::kPortNameEmpty;
-    case PortNameFault::NoComNumber:
-        return text::kPortNameCom;
-    case PortNameFault::None:
-    case PortNameFault::Unknown:
-        break;
-    }
-    return text::kPortNameUnknown;
+    constexpr int kTexts[] = {0,
+                              text::kPortNameTooLong,
+                              text::kPortNameControl,
+                              text::kPortNameEmpty,
+                              text::kPortNameCom,
+                              text::kPortNameUnknown};
+    return kTexts[static_cast<std::size_t>(why)];
 }
 
 FoundTarget Unusable(const std::string& port, int cause, std::string detail)

@@ -44,58 +44,54 @@ int ConnectSequence::Run(ConnectObserver* observer)
     m_identity = {};
     StatusReply status;
     const bool connected =
-        Do(ConnectStep::OpenPort, [this] { return OpenTarget(m_command, m_target); }) == 1 &&
-        Do(ConnectStep::WakeReceiver, [this] { return m_command.WakeReceiver(); }) == 1 &&
-        Do(ConnectStep::AskStatus,
-           [&] {
-               const int answered = m_command.RequestStatus(status);
-               m_status = {status, m_command.GetClock().Steady()};
-               return answered;
-           }) == 1 &&
-        Poll() == 1;
-    if (!connected) {
-        m_command.ClosePort();
+        Do(ConnectStep::OpenPort, [this] { return OpenTarget(m_command, m_target) == 1; }) &&
+        Do(ConnectStep::WakeReceiver, [this] { return m_command.WakeReceiver() == 1; }) &&
+        Do(ConnectStep::AskStatus, [&] { return m_command.RequestStatus(status) == 1; });
+    if (connected) {
+        m_status = {status, m_command.GetClock().Steady()};
     }
-    return connected ? 1 : 0;
+    if (!connected || !Poll()) {
+        m_command.ClosePort();
+        return 0;
+    }
+    return 1;
 }
 
-int ConnectSequence::Poll()
+bool ConnectSequence::Poll()
 {
     for (int poll = 0; poll < kPolls; ++poll) {
         OptionsReply options;
         SerialReply serial;
         const bool answered =
-            Do(ConnectStep::ReadOptions, [&] { return m_command.RequestOptions(options); }) == 1 &&
+            Do(ConnectStep::ReadOptions, [&] { return m_command.RequestOptions(options) == 1; }) &&
             Do(ConnectStep::ReadSerial, [&] {
-                return m_command.RequestSerial(serial) == 1 && m_command.Rest(kPollPause) == 1 ? 1
-                                                                                               : 0;
-            }) == 1;
+                return m_command.RequestSerial(serial) == 1 && m_command.Rest(kPollPause) == 1;
+            });
         if (!answered) {
-            return 0;
+            return false;
         }
-        m_identity.options = options;
-        m_identity.serial = serial;
+        m_identity = {serial, options, std::nullopt};
     }
-    return 1;
+    return true;
 }
 
 /// Runs one step, and keeps why it failed if it does.
 template <typename Request>
-int ConnectSequence::Do(ConnectStep step, Request request)
+bool ConnectSequence::Do(ConnectStep step, Request request)
 {
     m_step = step;
     if (m_observer != nullptr) {
         m_observer->OnStep(step, m_done, kTotalSteps);
     }
-    if (request() == 0) {
+    if (!request()) {
         m_fault = m_command.Fault();
         m_detail = m_command.FaultDetail();
         m_isSending =
             m_fault != CommandFault::Cancelled && LooksLikeOutput(m_command.RecentNoise());
-        return 0;
+        return false;
     }
     ++m_done;
-    return 1;
+    return true;
 }
 
 std::wstring ConnectSequence::FailureMessage() const

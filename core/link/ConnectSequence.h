@@ -74,9 +74,9 @@ public:
     [[nodiscard]] const std::string& FailureDetail() const { return m_detail; }
 
 private:
-    int Poll();
+    bool Poll();
     template <typename Request>
-    int Do(ConnectStep step, Request request);
+    bool Do(ConnectStep step, Request request);
 
     CCommand& m_command;
     const ConnectTarget m_target;

@@ -10,45 +10,39 @@ namespace {
 constexpr std::uint8_t kFetch = 0x96;
 constexpr int kMostAsks = 4; // for one block: the first and three more
 
-/// How one row of blocks, asked for by one request, ended.
-enum class RunEnd
-{
-    GoesOn, ///< it has not
-    Whole,
-    AskAgain,
-    GivenUp,
-};
+using Verdict = ReceivedFile::Verdict;
 
-RunEnd EndBy(ChannelTurn& turn, CommandFault fault, RunEnd end = RunEnd::AskAgain)
+Verdict EndBy(ChannelTurn& turn, CommandFault fault, Verdict end = Verdict::Again)
 {
     turn.Fail(fault);
     return end;
 }
 
-RunEnd TakeBlock(ChannelTurn& turn, FrameReader frame, ReceivedFile& file,
-                 const BytesArrived& arrived)
+Verdict TakeBlock(ChannelTurn& turn, FrameReader frame, ReceivedFile& file,
+                  const BytesArrived& arrived)
 {
     if (!frame.IsIntact()) {
         return EndBy(turn, CommandFault::BadChecksum);
     }
     const auto block = ParseFileBlock(frame);
-    const auto verdict = block ? file.Take(*block) : ReceivedFile::Verdict::Again;
-    if (verdict == ReceivedFile::Verdict::Again) {
+    const Verdict verdict = block ? file.Take(*block) : Verdict::Again;
+    if (verdict == Verdict::Again) {
         return EndBy(turn, CommandFault::WrongType);
     }
-    if (verdict == ReceivedFile::Verdict::Ended) {
-        return RunEnd::GivenUp;
+    if (verdict == Verdict::Ended) {
+        return verdict;
     }
     // A receiver that sends without a pause would leave the host no other moment to breathe.
     const bool wanted = !arrived || file.IsComparing() || arrived(file.Offset());
     if (!turn.Breathe() || !wanted) {
-        return EndBy(turn, CommandFault::Cancelled, RunEnd::GivenUp);
+        return EndBy(turn, CommandFault::Cancelled, Verdict::Ended);
     }
-    return verdict == ReceivedFile::Verdict::Whole ? RunEnd::Whole : RunEnd::GoesOn;
+    return verdict;
 }
 
-RunEnd TakeBlocks(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view name, ReceivedFile& file,
-                  const BytesArrived& arrived)
+/// Takes one row of blocks, which one request asks for. @return how it ended; not More
+Verdict TakeBlocks(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view name,
+                   ReceivedFile& file, const BytesArrived& arrived)
 {
     frame.BeginPacket(kFetch, kLongestFileName + 6);
     frame.PutText(name, kLongestFileName);
@@ -56,30 +50,26 @@ RunEnd TakeBlocks(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view name,
     frame.PutWord(0); // to the end
     frame.EndPacket();
     if (!turn.Send(frame.BuiltFrame())) {
-        return turn.Fault() == CommandFault::Cancelled ? RunEnd::GivenUp : RunEnd::AskAgain;
+        return turn.Fault() == CommandFault::Cancelled ? Verdict::Ended : Verdict::Again;
     }
-    RunEnd end = RunEnd::GoesOn;
+    Verdict end = Verdict::More;
     // It ends: every block that is taken brings the file nearer to its expected size.
-    for (bool first = true; end == RunEnd::GoesOn; first = false) {
-        switch (turn.Next().state) {
-        case ExchangeState::Frame:
+    for (bool first = true; end == Verdict::More; first = false) {
+        if (turn.NextFrame()) {
             end = TakeBlock(turn, frame.Reader(), file, arrived);
-            break;
-        case ExchangeState::Nak:
-            if (first && file.IsComparing() && file.Offset() > 0) {
-                file.BeginAnew(AnewReason::NotFromMiddle);
-            } else if (first) {
-                return EndBy(turn, CommandFault::Refused, RunEnd::GivenUp);
-            }
-            return EndBy(turn, CommandFault::WrongAnswer);
-        case ExchangeState::Ack:
-            return EndBy(turn, CommandFault::WrongAnswer);
-        case ExchangeState::Malformed:
-            return EndBy(turn, CommandFault::Malformed);
-        case ExchangeState::Nothing:
-        case ExchangeState::TimedOut:
-            return turn.Fault() == CommandFault::TimedOut ? RunEnd::AskAgain : RunEnd::GivenUp;
+            continue;
         }
+        const ExchangeState state = turn.Last().state;
+        if (state == ExchangeState::TimedOut) {
+            return turn.Fault() == CommandFault::TimedOut ? Verdict::Again : Verdict::Ended;
+        }
+        if (state == ExchangeState::Nak && first) {
+            if (!file.IsComparing() || file.Offset() == 0) {
+                return EndBy(turn, CommandFault::Refused, Verdict::Ended);
+            }
+            file.BeginAnew(AnewReason::NotFromMiddle);
+        }
+        return Verdict::Again;
     }
     return end;
 }
@@ -92,8 +82,8 @@ bool FetchFile(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view name, Re
     turn.TakeFramesInTurn();
     for (int ask = 0; ask < kMostAsks; ++ask) {
         const std::uint32_t from = file.Offset();
-        const RunEnd end = TakeBlocks(turn, frame, name, file, arrived);
-        if (end == RunEnd::Whole) {
+        const Verdict end = TakeBlocks(turn, frame, name, file, arrived);
+        if (end == Verdict::Whole) {
             turn.Succeed(); // whatever went wrong on the way was made good
             return true;
         }
@@ -101,7 +91,7 @@ bool FetchFile(ChannelTurn& turn, FrameBuffer& frame, std::wstring_view name, Re
             return false;
         }
         turn.Abort();
-        if (end == RunEnd::GivenUp || turn.Fault() == CommandFault::LinkLost) {
+        if (end == Verdict::Ended || turn.Fault() == CommandFault::LinkLost) {
             return false;
         }
         if (file.Offset() != from) {

@@ -25,24 +25,10 @@ std::wstring TitleOf(const SerialPort& port)
 
 const wchar_t* PortStateText(PortTrouble trouble)
 {
-    switch (trouble) {
-    case PortTrouble::None:
-        return Text(text::kPortFree);
-    case PortTrouble::InUse:
-        return Text(text::kPortInUse);
-    case PortTrouble::NotAllowed:
-        return Text(text::kPortNotAllowed);
-    case PortTrouble::LoginNeeded:
-        return Text(text::kPortLoginNeeded);
-    case PortTrouble::Absent:
-    case PortTrouble::Unplugged:
-        return Text(text::kPortGone);
-    case PortTrouble::NotADevice:
-    case PortTrouble::NotSerial:
-    case PortTrouble::NoHardware:
-        break;
-    }
-    return Text(text::kPortUnusable);
+    constexpr int kTexts[] = {text::kPortFree,       text::kPortGone,        text::kPortGone,
+                              text::kPortUnusable,   text::kPortUnusable,    text::kPortUnusable,
+                              text::kPortNotAllowed, text::kPortLoginNeeded, text::kPortInUse};
+    return Text(kTexts[static_cast<std::size_t>(trouble)]);
 }
 
 std::vector<PortChoice> ListPortChoices(const PortNames& names, const SystemRoots& roots)

@@ -98,10 +98,7 @@ void Questions::Hurry(Id id)
 }
 
 Questions::Quiet::Quiet(CCommand& command)
-    : Quiet(command.HasBackground() ? &command.Background() : nullptr)
-{}
-
-Questions::Quiet::Quiet(Questions* questions) : m_questions(questions)
+    : m_questions(command.HasBackground() ? &command.Background() : nullptr)
 {
     if (m_questions != nullptr) {
         std::unique_lock lock(m_questions->m_mutex);

@@ -68,8 +68,6 @@ public:
     class Quiet
     {
     public:
-        /// @param questions  must outlive the object
-        explicit Quiet(Questions& questions) : Quiet(&questions) {}
         /// Of the questions of @p command; nothing happens if there were none yet.
         explicit Quiet(CCommand& command);
         ~Quiet();
@@ -77,10 +75,10 @@ public:
         Quiet& operator=(const Quiet&) = delete;
 
     private:
-        explicit Quiet(Questions* questions);
-
         Questions* const m_questions;
     };
+    /// Whether somebody wants quiet: he may be talking to the user about the link.
+    [[nodiscard]] bool IsQuiet() const { return m_quiet > 0; }
 
     /// The face of the thread that asks: for what lives in a question.
     [[nodiscard]] CCommand& Face() { return m_command; }
@@ -124,8 +122,8 @@ private:
     std::condition_variable m_idle;
     std::list<Question> m_questions;
     Id m_lastId = 0;
-    Id m_running = 0; // 0: none
-    int m_quiet = 0;
+    Id m_running = 0;             // 0: none
+    std::atomic<int> m_quiet = 0; // read by anyone
     bool m_ends = false;
 
     std::thread m_thread;

@@ -13,16 +13,14 @@
 
 namespace fieldcore {
 
-ReceiverLink::ReceiverLink(CCommand& command) : ReceiverLink(command, command.Known()) {}
-
-ReceiverLink::ReceiverLink(CCommand& command, KnownReceiver& known)
-    : m_command(command), m_mutex(known.mutex), m_heard(known.receiver)
+ReceiverLink::ReceiverLink(CCommand& command)
+    : m_command(command), m_mutex(command.Known().mutex), m_heard(command.Known().receiver)
 {
     const std::scoped_lock lock(m_mutex);
     m_heard = {};
 }
 
-int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
+int ReceiverLink::Connect(CConnect& connect)
 {
     if (m_isTicking && m_command.IsBusy()) {
         return 0;
@@ -32,19 +30,14 @@ int ReceiverLink::Connect(CConnect& connect, const ConnectTarget& target)
         return 0;
     }
     m_command.ClosePort(); // that of the connection before, which may be to another receiver
-    return Adopt(connect, target);
+    return Adopt(connect);
 }
 
-int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
+int ReceiverLink::Adopt(CConnect& connect)
 {
     const Questions::Quiet quiet(m_command);
     if (m_isTicking || m_heard.link == LinkState::Connecting) {
         return 0;
-    }
-    const Hold hold(*this);
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_target = target;
     }
     m_supported = connect.SupportedTypes();
     m_missed = 0;
@@ -53,6 +46,10 @@ int ReceiverLink::Adopt(CConnect& connect, const ConnectTarget& target)
     if (!connected) {
         GiveUp(m_command);
         return 0;
+    }
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_target = connect.Target().value_or(ConnectTarget());
     }
     Meet(connect.Identity());
     if (connect.Status()) {
@@ -74,7 +71,7 @@ int ReceiverLink::Disconnect()
 
 void ReceiverLink::Tick(CCommand& asking)
 {
-    if (m_holds > 0 || asking.IsBusy() || m_isTicking.exchange(true)) {
+    if (asking.IsBusy() || m_isTicking.exchange(true)) {
         return;
     }
     if (m_heard.link == LinkState::Lost && m_question == LinkQuestion::None) {
@@ -91,11 +88,8 @@ void ReceiverLink::Poll(CCommand& asking)
 {
     const Clock& clock = asking.GetClock();
     m_due = clock.Steady() + kPollInterval;
-    ShortenTimeout(asking);
     StatusReply status;
-    const int answered = asking.RequestStatus(status);
-    asking.SetReplyTimeout(m_target.settings.replyTimeout);
-    if (answered == 1) {
+    if (asking.RequestStatus(status) == 1) {
         m_missed = 0;
         KeepStatus({std::move(status), clock.Steady()});
         Enter(LinkState::Connected);
@@ -137,7 +131,8 @@ void ReceiverLink::TryAgain(CCommand& asking)
     Enter(LinkState::Reconnecting);
     StatusReply status;
     SerialReply serial;
-    if (Reopen(asking, status, serial) == 1) {
+    if (OpenTarget(asking, m_target) == 1 && asking.RequestStatus(status) == 1 &&
+        asking.RequestSerial(serial) == 1) {
         const Clock::Duration at = asking.GetClock().Steady();
         if (IsOther(asking, serial)) {
             Enter(LinkState::Reconnecting, LinkQuestion::OtherReceiver);
@@ -156,17 +151,6 @@ void ReceiverLink::TryAgain(CCommand& asking)
         return;
     }
     Lose(asking, std::min<Clock::Duration>(m_pause + kPauseGrowth, kLongestPause));
-}
-
-int ReceiverLink::Reopen(CCommand& asking, StatusReply& status, SerialReply& serial)
-{
-    if (OpenTarget(asking, m_target) == 0) {
-        return 0;
-    }
-    ShortenTimeout(asking);
-    const bool answered = asking.RequestStatus(status) == 1 && asking.RequestSerial(serial) == 1;
-    asking.SetReplyTimeout(m_target.settings.replyTimeout);
-    return answered ? 1 : 0;
 }
 
 /// @param serial  what the receiver at the other end says now
@@ -190,17 +174,16 @@ bool ReceiverLink::IsOther(CCommand& asking, const SerialReply& serial)
 int ReceiverLink::AskUser(CConnect& connect)
 {
     const Questions::Quiet quiet(m_command);
-    if (m_isTicking || m_holds > 0 || m_command.IsBusy()) {
+    if (m_isTicking || m_command.IsBusy()) {
         return 0;
     }
-    return m_question == LinkQuestion::Reconnect       ? Connect(connect, Target())
+    return m_question == LinkQuestion::Reconnect       ? Connect(connect)
            : m_question == LinkQuestion::OtherReceiver ? MeetOther(connect)
                                                        : 0;
 }
 
 int ReceiverLink::MeetOther(CConnect& connect)
 {
-    const Hold hold(*this);
     Enter(LinkState::Reconnecting);
     m_command.GetHost().ShowMessage(
         FormatText(text::kOtherReceiver, m_heard.identity.Name().c_str(), m_other.Name().c_str()),
@@ -261,11 +244,6 @@ void ReceiverLink::Forget()
     fresh.link = m_heard.link;
     fresh.identity = std::move(m_heard.identity);
     m_heard = std::move(fresh);
-}
-
-void ReceiverLink::ShortenTimeout(CCommand& asking) const
-{
-    asking.SetReplyTimeout(std::min(m_target.settings.replyTimeout, kReplyTimeout));
 }
 
 /// A COM number may mean another device tomorrow, so only a path can be looked for.

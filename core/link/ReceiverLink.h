@@ -16,7 +16,6 @@ namespace fieldcore {
 
 class CCommand;
 class CConnect;
-struct KnownReceiver;
 
 /// What the user has to be asked before the link goes on.
 enum class LinkQuestion
@@ -52,22 +51,7 @@ public:
     static constexpr std::chrono::seconds kFirstPause{2};
     static constexpr std::chrono::seconds kPauseGrowth{2};
     static constexpr std::chrono::seconds kLongestPause{10};
-    static constexpr std::chrono::milliseconds kReplyTimeout{600}; ///< at most, while polling
     static constexpr int kMostMissed = 3;
-
-    /// Keeps the link off the channel as long as it lives: for a dialog that uses it.
-    class Hold
-    {
-    public:
-        /// @param link  must outlive the object
-        explicit Hold(ReceiverLink& link) : m_link(link) { ++m_link.m_holds; }
-        ~Hold() { --m_link.m_holds; }
-        Hold(const Hold&) = delete;
-        Hold& operator=(const Hold&) = delete;
-
-    private:
-        ReceiverLink& m_link;
-    };
 
     /// What is known of the receiver at the other end of @p command begins anew.
     /// @param command  not owned; must outlive this object
@@ -76,12 +60,12 @@ public:
     // The thread of the command channel.
 
     /// Lets the user connect, and checks that the receiver is acceptable.
-    /// @param connect  made for @p target and the same channel
+    /// @param connect  made for the same channel
     /// @return 1 if connected; 0 with the port closed, or with nothing changed while the channel is
     ///         busy
-    int Connect(CConnect& connect, const ConnectTarget& target);
+    int Connect(CConnect& connect);
     /// The same where the port is open already: nobody is asked to prepare a receiver.
-    int Adopt(CConnect& connect, const ConnectTarget& target);
+    int Adopt(CConnect& connect);
     /// Ends the connection, or the attempts to get it back.
     /// @return 0, and nothing changes, while the channel is busy
     int Disconnect();
@@ -89,8 +73,8 @@ public:
     /// again, or takes the other receiver if it is acceptable. Not from inside a request. What he
     /// does not want ends the connection.
     /// @param connect  made for Target() and the same channel, to reconnect
-    /// @return 1 if connected; 0 too with nothing changed while the channel is busy or held, or if
-    ///         there is no question
+    /// @return 1 if connected; 0 too with nothing changed while the channel is busy, or if there is
+    ///         no question
     int AskUser(CConnect& connect);
 
     /// Does what is due.
@@ -111,8 +95,6 @@ public:
     /// status, what is in view and the tilt stay as they are: others ask for them meanwhile.
     void Put(Receiver heard);
 
-    /// Whether a dialog uses the channel: polls leave it alone.
-    [[nodiscard]] bool IsHeld() const { return m_holds > 0; }
     /// How many times a connection has been made: another number may be another receiver.
     [[nodiscard]] unsigned Connections() const { return m_connections; }
     /// How many receivers there have been: one that comes back behind itself counts once.
@@ -123,8 +105,6 @@ public:
     void SetObserver(std::function<void()> observer) { m_observer = std::move(observer); }
 
 private:
-    ReceiverLink(CCommand& command, KnownReceiver& known);
-
     template <typename Value>
     [[nodiscard]] Value Copied(const Value& value) const
     {
@@ -135,7 +115,6 @@ private:
     void Poll(CCommand& asking);
     void Lose(CCommand& asking, Clock::Duration pause);
     void TryAgain(CCommand& asking);
-    [[nodiscard]] int Reopen(CCommand& asking, StatusReply& status, SerialReply& serial);
     [[nodiscard]] bool IsOther(CCommand& asking, const SerialReply& serial);
     int MeetOther(CConnect& connect);
     void Meet(ReceiverIdentity identity);
@@ -144,7 +123,6 @@ private:
     void Forget();
     [[nodiscard]] bool IsPortThere() const;
     void Enter(LinkState state, LinkQuestion question = LinkQuestion::None);
-    void ShortenTimeout(CCommand& asking) const;
 
     CCommand& m_command;
     SupportedTypeFlags m_supported; // by whoever connected last
@@ -153,7 +131,6 @@ private:
     Clock::Duration m_due{};        // of the next question or attempt
     Clock::Duration m_pause{};
     bool m_wasAway = false; // the port, when it was last looked for
-    std::atomic<int> m_holds = 0;
     std::atomic<unsigned> m_connections = 0;
     std::atomic<unsigned> m_receivers = 0;
     std::atomic<bool> m_isTicking = false;

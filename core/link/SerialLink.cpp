@@ -21,11 +21,10 @@ constexpr milliseconds kReadInterval{500};
 constexpr milliseconds kReadMultiplier{10}; // for each byte
 constexpr milliseconds kReadConstant{1000};
 constexpr milliseconds kWriteMultiplier{10}; // for each byte
-// How often a reader that does not end is woken again while the port is closed.
+// How often a reader that does not begin is looked at, or one that does not end is woken again.
 constexpr milliseconds kWakeInterval{20};
 // How long a waiter may keep the host from breathing.
 constexpr milliseconds kWaitSlice{50};
-constexpr std::size_t kMostNoise = 256;       // bytes that are kept
 constexpr milliseconds kSlowestCharacter{10}; // at 1200 bit/s 8.3
 
 } // namespace
@@ -72,24 +71,17 @@ SerialLink::~SerialLink()
 
 int SerialLink::Open(const std::string& devicePath, const PortSettings& settings)
 {
-    if (m_device->IsOpen()) {
-        return Fail(LinkError::Open);
-    }
-    if (!m_device->Open(devicePath)) {
+    if (m_device->IsOpen() || !m_device->Open(devicePath)) {
         return Fail(LinkError::Open);
     }
     {
-        const std::scoped_lock lock(m_intake, m_mutex);
+        const std::scoped_lock lock(m_intake, m_mutex, m_observing);
         m_error = LinkError::None;
         m_lost = false;
         m_replyTimeout = settings.replyTimeout;
         m_queue = ByteQueue(std::max(settings.receiveQueue, kFrameBufferSize));
         m_arrivals = {};
-    }
-    {
-        const std::scoped_lock lock(m_observing);
-        m_noise.clear();
-        m_noise.reserve(2 * kMostNoise);
+        m_noiseCount = 0;
     }
     ResetReceiveState();
     if (!Configure(settings) || !StartReader()) {
@@ -129,7 +121,8 @@ bool SerialLink::StartReader()
         Fail(LinkError::Open);
         return false;
     }
-    m_threadState.Wait();
+    while (!m_threadState.Wait(kWakeInterval)) {
+    }
     if (IsLost()) {
         m_reader.join();
         return false;
@@ -240,7 +233,8 @@ std::size_t SerialLink::Read(std::span<std::uint8_t> buffer)
 
 int SerialLink::WaitDelivery()
 {
-    return WaitDelivery(SilentHost::Instance()) == WaitOutcome::Delivered ? 1 : 0;
+    const WaitOutcome outcome = WaitDelivery(SilentHost::Instance(), GetReplyTimeout());
+    return outcome == WaitOutcome::Delivered ? 1 : 0;
 }
 
 SerialLink::WaitOutcome SerialLink::WaitDelivery(Host& host, Clock::Duration limit)
@@ -302,15 +296,11 @@ Delivery SerialLink::TakeDelivery(std::span<std::uint8_t> destination, Arrivals*
 void SerialLink::ResetFrameReady()
 {
     m_frameReady.Reset();
-    bool isHeld = false; // nobody else waits for room
     {
         const std::scoped_lock lock(m_mutex);
         m_deliveries.Clear();
-        isHeld = m_handOver;
     }
-    if (isHeld) {
-        m_consumed.Set();
-    }
+    m_consumed.Set();
 }
 
 void SerialLink::ResetReceiveState()
@@ -385,9 +375,7 @@ void SerialLink::SetHandOver(bool on)
         const std::scoped_lock lock(m_mutex);
         m_handOver = on;
     }
-    if (!on) {
-        m_consumed.Set(); // a reader that still waits for its frames to be taken goes on
-    }
+    m_consumed.Set(); // a reader that still waits for its frames to be taken looks at it
 }
 
 bool SerialLink::IsDeliveryWaiting() const
@@ -443,36 +431,21 @@ int SerialLink::LogFrame(Direction direction, std::span<const std::uint8_t> byte
 
 void SerialLink::ReadPort()
 {
-    const bool listening = m_device->SetEventMask(SerialDevice::EventMask::Received);
-    if (!listening) {
+    if (!m_device->SetEventMask(SerialDevice::EventMask::Received)) {
         LoseLink(LinkError::EventMask);
     }
     m_threadState.Set();
-    if (listening) {
-        try {
-            ReadUntilClosed();
-        } catch (const std::bad_alloc&) { // bytes are missing now
-            LoseLink(LinkError::Read);
-        }
-        m_threadState.Set();
-    }
-}
-
-void SerialLink::ReadUntilClosed()
-{
-    while (!m_closing) {
-        const SerialDevice::Event event = m_device->WaitEvent();
-        if (event != SerialDevice::Event::Received) {
-            if (!m_closing) {
-                LoseLink(LinkError::WaitEvent);
+    try {
+        while (!m_closing && !m_lost) {
+            const bool hasBytes = m_device->WaitEvent() == SerialDevice::Event::Received;
+            if (!m_closing && (!hasBytes || !TakeIn())) {
+                LoseLink(hasBytes ? LinkError::Read : LinkError::WaitEvent);
             }
-            return;
         }
-        if (!TakeIn()) {
-            LoseLink(LinkError::Read);
-            return;
-        }
+    } catch (const std::bad_alloc&) { // bytes are missing now
+        LoseLink(LinkError::Read);
     }
+    m_threadState.Set();
 }
 
 /// Reads the port and assembles what is queued. @return false if reading failed
@@ -579,21 +552,21 @@ void SerialLink::SetObserver(LineObserver observer)
 {
     const std::scoped_lock lock(m_observing);
     m_observer = std::move(observer);
-    m_isObserved = static_cast<bool>(m_observer);
 }
 
 std::vector<std::uint8_t> SerialLink::RecentNoise() const
 {
     const std::scoped_lock lock(m_observing);
-    const std::size_t count = std::min(m_noise.size(), kMostNoise);
-    return {m_noise.end() - static_cast<std::ptrdiff_t>(count), m_noise.end()};
+    std::vector<std::uint8_t> recent;
+    for (std::size_t i = m_noiseCount - std::min(m_noiseCount, m_noise.size()); i < m_noiseCount;
+         ++i) {
+        recent.push_back(m_noise[i % m_noise.size()]);
+    }
+    return recent;
 }
 
 void SerialLink::Observe(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)
 {
-    if (!m_isObserved && unit != LineUnit::Noise) {
-        return;
-    }
     const std::scoped_lock lock(m_observing);
     ObserveLocked(direction, unit, bytes);
 }
@@ -605,12 +578,9 @@ void SerialLink::ObserveLocked(Direction direction, LineUnit unit,
         return;
     }
     if (unit == LineUnit::Noise) {
-        if (m_noise.size() + bytes.size() > m_noise.capacity()) { // never grows: no allocation
-            m_noise.erase(m_noise.begin(), m_noise.end() - static_cast<std::ptrdiff_t>(std::min(
-                                                               m_noise.size(), kMostNoise)));
+        for (const std::uint8_t byte : bytes) {
+            m_noise[m_noiseCount++ % m_noise.size()] = byte;
         }
-        const auto last = bytes.last(std::min(bytes.size(), kMostNoise));
-        m_noise.insert(m_noise.end(), last.begin(), last.end());
     }
     if (m_observer) {
         m_observer(direction, unit, bytes);

@@ -8,6 +8,7 @@
 #include "core/platform/Clock.h"
 #include "core/platform/SerialDevice.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -42,6 +43,14 @@ enum class LinkError : int
     Nak = -200,
     Malformed = -201,
     TimedOut = -202,
+};
+
+/// What a port has failed of last.
+struct PortFault
+{
+    LinkError error = LinkError::None;
+    std::string text; ///< for developers; empty if the device has not failed
+    int code = 0;     ///< the system's number for that; 0: none
 };
 
 enum class FlowControl : int
@@ -152,9 +161,8 @@ public:
     /// Waits for the next delivery, at most the reply time-out.
     /// @return 1; or 0 after resetting what was half assembled
     int WaitDelivery();
-    /// The same, in slices of 50 ms between which @p host may breathe.
-    WaitOutcome WaitDelivery(Host& host) { return WaitDelivery(host, GetReplyTimeout()); }
-    /// The same, at most @p limit of the link's clock.
+    /// The same, at most @p limit of the link's clock, in slices of 50 ms between which @p host may
+    /// breathe.
     WaitOutcome WaitDelivery(Host& host, Clock::Duration limit);
 
     /// Bytes that the reader has not seen yet count as arriving now.
@@ -224,11 +232,12 @@ public:
     /// The last received frame of type 0x40, which is never delivered; empty if none came.
     [[nodiscard]] std::vector<std::uint8_t> GetUnsolicitedFrame() const;
 
-    /// The last failure; reading it clears it.
+    /// The last failure; reading it clears the code.
     LinkError TakeErrorCode();
-    /// What the device failed of last, for developers.
-    [[nodiscard]] std::string GetDeviceFault() const { return m_device->LastFault(); }
-    [[nodiscard]] int GetDeviceFaultCode() const { return m_device->LastFaultCode(); }
+    PortFault TakeFault()
+    {
+        return {TakeErrorCode(), m_device->LastFault(), m_device->LastFaultCode()};
+    }
 
     /// Empty: nobody. Any thread; once it is back the old observer is not called any more.
     void SetObserver(LineObserver observer);
@@ -251,7 +260,6 @@ private:
     void StopReader();
 
     void ReadPort();
-    void ReadUntilClosed();
     bool TakeIn();
     [[nodiscard]] bool Deliver(const Delivery& delivery);
     void AwaitConsumer();
@@ -288,10 +296,10 @@ private:
     DeliveryQueue m_deliveries;
     Arrivals m_arrivals;
 
-    std::atomic<bool> m_isObserved = false;
     mutable std::mutex m_observing; // guards these; taken last
     LineObserver m_observer;
-    std::vector<std::uint8_t> m_noise;
+    std::array<std::uint8_t, 256> m_noise{}; // written round and round
+    std::size_t m_noiseCount = 0;            // of all that came
 };
 
 /// The line settings that a port is opened with, on top of what @p current has.

@@ -6,8 +6,8 @@
 #include "core/planning/AlmanacRecord.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/platform/AtomicFile.h"
+#include "core/platform/FileOperations.h"
 #include "core/platform/Folders.h"
-#include "core/platform/PosixFileOperations.h"
 #include "core/resources/StringTable.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ namespace {
 struct Closing
 {
     const int handle;
-    ~Closing() { PosixFileOperations::Instance().Close(handle); }
+    ~Closing() { FileOperations::Instance().Close(handle); }
 };
 
 AlmanacBytes ToBytes(const AlmanacReply& reply)
@@ -123,7 +123,7 @@ std::error_code AlmanacStore::OpenTemporary(int& handle) const
     const fs::path temporary = AlmanacTemporaryPath(m_folder);
     // Not through whatever lies there: a link could lead out of the folder.
     Remove(temporary);
-    return PosixFileOperations::Instance().Open(temporary, AlmanacPath(m_folder), handle);
+    return FileOperations::Instance().Open(temporary, AlmanacPath(m_folder), handle);
 }
 
 AlmanacResult AlmanacStore::Receive(CCommand& command, int handle, std::size_t& size,
@@ -143,7 +143,7 @@ AlmanacResult AlmanacStore::Receive(CCommand& command, int handle, std::size_t& 
         } else {
             m_tally.Note(command.Fault());
         }
-        m_error = PosixFileOperations::Instance().Write(
+        m_error = FileOperations::Instance().Write(
             handle, {reinterpret_cast<const char*>(record.data()), record.size()});
         if (m_error) {
             break;
@@ -209,7 +209,7 @@ AlmanacResult AlmanacStore::Import(std::span<const AlmanacRecord> records,
         content.insert(content.end(), bytes.begin(), bytes.end());
     }
 
-    PosixFileOperations& files = PosixFileOperations::Instance();
+    FileOperations& files = FileOperations::Instance();
     int handle = -1;
     m_error = OpenTemporary(handle);
     if (!m_error) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/platform/FileOperations.h"
-#include "core/platform/PosixFileOperations.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,7 +31,7 @@ public:
     /// @param temporaryName  without a folder
     /// @param operations  must outlive the object
     AtomicFile(const std::filesystem::path& file, const std::filesystem::path& temporaryName,
-               FileOperations& operations = PosixFileOperations::Instance(),
+               FileOperations& operations = FileOperations::Instance(),
                Unfinished unfinished = Unfinished::Remove);
 
     /// Gives up what was not committed; the old file stays.

@@ -17,13 +17,6 @@ void AutoResetEvent::Reset()
     m_signalled = false;
 }
 
-void AutoResetEvent::Wait()
-{
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_signalled; });
-    m_signalled = false;
-}
-
 bool AutoResetEvent::Wait(std::chrono::nanoseconds limit)
 {
     std::unique_lock lock(m_mutex);

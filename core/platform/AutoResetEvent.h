@@ -17,9 +17,6 @@ public:
     /// Takes back a Set() that nobody has waited for yet.
     void Reset();
 
-    /// Waits without limit.
-    void Wait();
-
     /// @param limit  real time; 0 or less only looks
     /// @return false if @p limit passed first
     [[nodiscard]] bool Wait(std::chrono::nanoseconds limit);

@@ -1,6 +1,7 @@
 #include "core/platform/PortReport.h"
 
 #include "core/platform/FolderEntries.h"
+#include "core/platform/PosixSerialDevice.h"
 
 #include <algorithm>
 #include <array>
@@ -27,11 +28,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Major device numbers of the slave sides of pseudo-terminals; they have no entry among the
-// system's terminals.
-constexpr unsigned kFirstPtsMajor = 136;
-constexpr unsigned kLastPtsMajor = 143;
-
 constexpr std::string_view kListPorts = "fieldcore-cli ports";
 
 fs::path DeviceEntry(dev_t device, const SystemRoots& roots)
@@ -42,7 +38,7 @@ fs::path DeviceEntry(dev_t device, const SystemRoots& roots)
 
 bool IsSerial(dev_t device, const SystemRoots& roots)
 {
-    if (major(device) >= kFirstPtsMajor && major(device) <= kLastPtsMajor) {
+    if (IsPseudoTerminal(device)) { // they have no entry among the system's terminals
         return true;
     }
     std::error_code error;

@@ -38,10 +38,6 @@ constexpr std::array kBaudRates{
 
 constexpr std::array<tcflag_t, 4> kByteSizes{CS5, CS6, CS7, CS8}; // for 5 to 8 data bits
 
-// Major device numbers of the slave sides of pseudo-terminals.
-constexpr unsigned kFirstPtsMajor = 136;
-constexpr unsigned kLastPtsMajor = 143;
-
 // How often DSR is looked at while sending waits for it: no driver reports its changes.
 constexpr std::chrono::milliseconds kDsrPollInterval{5};
 
@@ -55,21 +51,22 @@ std::optional<speed_t> SpeedCode(std::uint32_t bitsPerSecond)
     return std::nullopt;
 }
 
-bool IsPseudoTerminal(int port)
-{
-    struct stat info = {};
-    if (fstat(port, &info) != 0) {
-        return false;
-    }
-    const unsigned number = major(info.st_rdev);
-    return number >= kFirstPtsMajor && number <= kLastPtsMajor;
-}
-
 int RemainingMs(SteadyTime deadline)
 {
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
     return left.count() > 0 ? static_cast<int>(left.count()) : 0;
+}
+
+/// What a call of the system answers when no signal interrupts it.
+template <typename Call>
+auto Uninterrupted(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR) {
+        result = call();
+    }
+    return result;
 }
 
 void SetFlag(tcflag_t& flags, tcflag_t bit, bool on)
@@ -88,6 +85,13 @@ bool SameLine(const termios& a, const termios& b)
 }
 
 } // namespace
+
+bool IsPseudoTerminal(dev_t device)
+{
+    constexpr unsigned kFirstMajor = 136; // of their slave sides
+    constexpr unsigned kLastMajor = 143;
+    return major(device) >= kFirstMajor && major(device) <= kLastMajor;
+}
 
 PosixSerialDevice::~PosixSerialDevice()
 {
@@ -114,7 +118,8 @@ bool PosixSerialDevice::Open(const std::string& path)
     if (flock(m_port, LOCK_EX | LOCK_NB) != 0) {
         return giveUp("lock", errno == EWOULDBLOCK ? EBUSY : errno);
     }
-    m_isPseudoTerminal = IsPseudoTerminal(m_port);
+    struct stat info = {};
+    m_isPseudoTerminal = fstat(m_port, &info) == 0 && IsPseudoTerminal(info.st_rdev);
     if (!m_isPseudoTerminal && ioctl(m_port, TIOCEXCL) != 0) {
         return giveUp("lock", errno);
     }
@@ -267,11 +272,7 @@ SerialDevice::Event PosixSerialDevice::WaitEvent()
         return Event::Woken;
     }
     std::array<pollfd, 2> watched{pollfd{m_port, POLLIN, 0}, pollfd{m_wake, POLLIN, 0}};
-    int ready = 0;
-    do {
-        ready = poll(watched.data(), watched.size(), -1);
-    } while (ready < 0 && errno == EINTR);
-    if (ready < 0) {
+    if (Uninterrupted([&] { return poll(watched.data(), watched.size(), -1); }) < 0) {
         Fail("wait for an event", errno);
         return Event::Failed;
     }
@@ -297,21 +298,9 @@ void PosixSerialDevice::Wake()
 
 std::optional<std::size_t> PosixSerialDevice::Read(std::span<std::uint8_t> buffer)
 {
-    ssize_t count = 0;
-    do {
-        count = read(m_port, buffer.data(), buffer.size());
-    } while (count < 0 && errno == EINTR);
-    if (count < 0) {
-        if (errno == EAGAIN) {
-            return 0;
-        }
-        Fail("read", errno);
-        return std::nullopt;
-    }
-    if (count > 0 && m_dsrSensitivity && DsrIsOff()) {
-        return 0;
-    }
-    return static_cast<std::size_t>(count);
+    const auto count =
+        Moved("read", Uninterrupted([&] { return read(m_port, buffer.data(), buffer.size()); }));
+    return count > 0U && m_dsrSensitivity && DsrIsOff() ? std::optional<std::size_t>(0) : count;
 }
 
 bool PosixSerialDevice::HasInput()
@@ -325,18 +314,16 @@ std::optional<std::size_t> PosixSerialDevice::Write(std::span<const std::uint8_t
     if (m_settings.dsrOutputFlow && DsrIsOff()) {
         return 0;
     }
-    ssize_t count = 0;
-    do {
-        count = write(m_port, bytes.data(), bytes.size());
-    } while (count < 0 && errno == EINTR);
-    if (count < 0) {
-        if (errno == EAGAIN) {
-            return 0;
-        }
-        Fail("write", errno);
-        return std::nullopt;
+    return Moved("write", Uninterrupted([&] { return write(m_port, bytes.data(), bytes.size()); }));
+}
+
+/// @return the number of bytes of a read or a write, 0 if the port is not ready
+std::optional<std::size_t> PosixSerialDevice::Moved(const char* operation, ssize_t count)
+{
+    if (count >= 0) {
+        return static_cast<std::size_t>(count);
     }
-    return static_cast<std::size_t>(count);
+    return errno == EAGAIN || Fail(operation, errno) ? std::optional<std::size_t>(0) : std::nullopt;
 }
 
 bool PosixSerialDevice::HasRoom(std::chrono::milliseconds limit)
@@ -379,17 +366,9 @@ bool PosixSerialDevice::SetModemLine(int line, bool on)
 
 bool PosixSerialDevice::EscapeFunction(Escape function)
 {
-    switch (function) {
-    case Escape::SetRts:
-        return SetModemLine(TIOCM_RTS, true);
-    case Escape::ClearRts:
-        return SetModemLine(TIOCM_RTS, false);
-    case Escape::SetDtr:
-        return SetModemLine(TIOCM_DTR, true);
-    case Escape::ClearDtr:
-        return SetModemLine(TIOCM_DTR, false);
-    }
-    return Fail("set a modem line", EINVAL);
+    const bool isRts = function == Escape::SetRts || function == Escape::ClearRts;
+    return SetModemLine(isRts ? TIOCM_RTS : TIOCM_DTR,
+                        function == Escape::SetRts || function == Escape::SetDtr);
 }
 
 bool PosixSerialDevice::ReadModemStatus(ModemStatus& status)

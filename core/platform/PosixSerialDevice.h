@@ -4,11 +4,17 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 #include <string>
+
+#include <sys/types.h>
 
 struct termios;
 
 namespace fieldcore {
+
+/// Whether it is a side of a pseudo-terminal that programs open.
+[[nodiscard]] bool IsPseudoTerminal(dev_t device);
 
 /// A serial port, USB or Bluetooth serial port or pseudo-terminal behind termios. See
 /// SerialDevice for what each operation does.
@@ -56,6 +62,7 @@ private:
     bool Fail(const char* operation, int error);
     bool Apply(const LineSettings& settings, termios& wanted);
     bool SetModemLine(int line, bool on);
+    std::optional<std::size_t> Moved(const char* operation, ssize_t count);
     bool DsrIsOff();
 
     int m_port = -1;

@@ -183,17 +183,15 @@ void CComPort::Search(ComPortPage* page)
     CComPrmSet& set = m_edit->At(page->Port());
     page->Take(set);
     set.ConvFlag2Data();
-    SetRS232PortParameters chosen;
-    set.GetSETCOMMS(page->Port(), chosen);
-    target->settings = LineOf(chosen);
+    target->settings = set.Line();
     const Questions::Quiet quiet(*m_command); // a link that was lost is looked for, too
     const auto show = [page](std::uint32_t rate, int done, int total) {
         page->ShowSearchResult(
             ToQt(FormatText(text::kComSearching, static_cast<long>(rate), done + 1, total)));
     };
     if (const std::optional<std::uint32_t> rate = SearchRate(*m_command, *target, show)) {
-        chosen.baudRate = *rate;
-        set.SetSETCOMMS(chosen);
+        target->settings.baudRate = *rate;
+        set.SetLine(target->settings);
         page->InsertString(set);
         page->ShowSearchResult(ToQt(FormatText(text::kComSearchFound, static_cast<long>(*rate))));
         return;

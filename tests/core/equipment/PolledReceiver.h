@@ -43,7 +43,7 @@ protected:
         ConnectTarget target;
         target.devicePath = "in memory";
         QuickConnect connect(command, target);
-        ASSERT_EQ(link.Connect(connect, target), 1);
+        ASSERT_EQ(link.Connect(connect), 1);
         command.SetLineObserver(
             [this](Direction direction, LineUnit, std::span<const std::uint8_t> frame) {
                 if (direction == Direction::Sent) {

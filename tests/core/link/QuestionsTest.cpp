@@ -127,7 +127,7 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
         WaitWhile([&] { return begun == 0; });
         int before = 0;
         {
-            const Questions::Quiet quiet(questions);
+            const Questions::Quiet quiet(command);
             EXPECT_EQ(begun, ended) << "still asking";
             before = begun;
             questions.Hurry(id);
@@ -143,7 +143,7 @@ TEST(Questions, AreGivenUpForWhoEndsThemOrWantsQuiet)
             WaitWhile([&] { return told == 1 && face.GetHost().Breathe(); });
         });
         WaitWhile([&] { return told == 0; });
-        static_cast<void>(Questions::Quiet(questions));
+        static_cast<void>(Questions::Quiet(command));
         WaitWhile([&] { return told == 1; }); // for ever, if it is not told once more
         questions.Add({1ms, 1ms}, endless);
         WaitWhile([&] { return begun == ended; });

@@ -37,7 +37,7 @@ protected:
     int Connect()
     {
         testing::QuickConnect connect(command, target);
-        return link.Connect(connect, target);
+        return link.Connect(connect);
     }
     /// @return how many requests the receiver got
     std::size_t TickAfter(Clock::Duration time)
@@ -92,12 +92,6 @@ TEST_F(ReceiverLinkTest, AsksTheStatusEveryTwoSecondsAndKnowsItsAge)
 TEST_F(ReceiverLinkTest, KeepsOffTheChannelWhileOthersUseIt)
 {
     ASSERT_EQ(Connect(), 1);
-    {
-        const ReceiverLink::Hold dialog(link);
-        const ReceiverLink::Hold question(link);
-        EXPECT_EQ(TickAfter(2s), 0U) << "asked over a dialog";
-    }
-    EXPECT_EQ(TickAfter(0s), 1U);
     // A tick in a breath of somebody else's exchange, and of its own.
     clock.Sleep(2s);
     int breaths = 0;
@@ -128,10 +122,6 @@ TEST_F(ReceiverLinkTest, ComesBackWhenTheCableDoes)
     TickAfter(60s);
     EXPECT_EQ(link.State(), Lost) << "tried a port that is not there";
     Plug();
-    {
-        const ReceiverLink::Hold dialog(link);
-        EXPECT_EQ(TickAfter(60s), 0U);
-    }
     EXPECT_EQ(TickAfter(0s), 2U) << "status and serial number; must not wait once it is back";
     EXPECT_EQ(link.State(), Connected);
     EXPECT_EQ(link.Heard().status->at, clock.Steady());
@@ -272,11 +262,6 @@ TEST_F(ReceiverLinkTest, AsksWhetherToReconnectBluetooth)
         EXPECT_EQ(TickAfter(1min), 0U);
         EXPECT_EQ(link.State(), Lost);
         testing::QuickConnect connect(command, target, 1);
-        {
-            const ReceiverLink::Hold page(link);
-            EXPECT_EQ(link.AskUser(connect), 0);
-            EXPECT_EQ(link.Question(), LinkQuestion::Reconnect) << "asked over a dialog's head";
-        }
         host.boxes.clear();
         host.answers = {retries ? BoxAnswer::Retry : BoxAnswer::Cancel};
         EXPECT_EQ(link.AskUser(connect), retries ? 1 : 0);

@@ -98,7 +98,7 @@ public:
     }
     ~SensorLine()
     {
-        const Questions::Quiet quiet(command.Background());
+        const Questions::Quiet quiet(command);
         command.ClosePort();
     }
     SensorLine(const SensorLine&) = delete;

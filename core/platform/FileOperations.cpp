@@ -1,4 +1,4 @@
-#include "core/platform/PosixFileOperations.h"
+#include "core/platform/FileOperations.h"
 
 #include "core/platform/FileLock.h"
 
@@ -85,13 +85,13 @@ std::error_code FreeName(const fs::path& file)
 
 } // namespace
 
-PosixFileOperations& PosixFileOperations::Instance()
+FileOperations& FileOperations::Instance()
 {
-    static PosixFileOperations instance;
+    static FileOperations instance;
     return instance;
 }
 
-std::error_code PosixFileOperations::Open(const fs::path& file, const fs::path& like, int& handle)
+std::error_code FileOperations::Open(const fs::path& file, const fs::path& like, int& handle)
 {
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
         constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
@@ -125,7 +125,7 @@ std::error_code PosixFileOperations::Open(const fs::path& file, const fs::path& 
     return std::make_error_code(std::errc::device_or_resource_busy);
 }
 
-std::error_code PosixFileOperations::OpenLeft(const fs::path& file, int& handle)
+std::error_code FileOperations::OpenLeft(const fs::path& file, int& handle)
 {
     const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (descriptor < 0) {
@@ -148,7 +148,7 @@ std::error_code PosixFileOperations::OpenLeft(const fs::path& file, int& handle)
     return {};
 }
 
-std::error_code PosixFileOperations::Read(int handle, std::span<char> bytes, std::size_t& count)
+std::error_code FileOperations::Read(int handle, std::span<char> bytes, std::size_t& count)
 {
     ssize_t got = 0;
     do {
@@ -161,14 +161,14 @@ std::error_code PosixFileOperations::Read(int handle, std::span<char> bytes, std
     return {};
 }
 
-std::error_code PosixFileOperations::Cut(int handle, std::uint64_t size)
+std::error_code FileOperations::Cut(int handle, std::uint64_t size)
 {
     const auto end = static_cast<off_t>(size);
     return ftruncate(handle, end) == 0 && lseek(handle, end, SEEK_SET) == end ? std::error_code()
                                                                               : LastError();
 }
 
-std::error_code PosixFileOperations::Write(int handle, std::string_view bytes)
+std::error_code FileOperations::Write(int handle, std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t written = write(handle, bytes.data(), bytes.size());
@@ -181,24 +181,24 @@ std::error_code PosixFileOperations::Write(int handle, std::string_view bytes)
     return {};
 }
 
-std::error_code PosixFileOperations::Sync(int handle)
+std::error_code FileOperations::Sync(int handle)
 {
     return fsync(handle) == 0 ? std::error_code() : LastError();
 }
 
-void PosixFileOperations::Close(int handle)
+void FileOperations::Close(int handle)
 {
     close(handle);
 }
 
-std::error_code PosixFileOperations::Rename(const fs::path& from, const fs::path& to)
+std::error_code FileOperations::Rename(const fs::path& from, const fs::path& to)
 {
     std::error_code error;
     fs::rename(from, to, error);
     return error;
 }
 
-std::error_code PosixFileOperations::SyncFolder(const fs::path& folder)
+std::error_code FileOperations::SyncFolder(const fs::path& folder)
 {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {
@@ -209,7 +209,7 @@ std::error_code PosixFileOperations::SyncFolder(const fs::path& folder)
     return error;
 }
 
-void PosixFileOperations::Remove(const fs::path& file)
+void FileOperations::Remove(const fs::path& file)
 {
     std::error_code ignored; // a left-over is removed by the next writer
     fs::remove(file, ignored);
