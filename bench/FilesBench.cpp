@@ -1,4 +1,4 @@
-// What fetching and listing the receiver's files cost, against the plainest loop that receives and
+// What fetching the receiver's files costs, against the plainest loop that receives and
 // writes the same blocks. The receiver runs in a process of its own. The figures that count are the
 // counters: ratios of two things measured in turn.
 
@@ -16,9 +16,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -40,7 +38,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kBlock = 1000;      // bytes of a file in a frame
 constexpr std::size_t kBlockFrame = 1012; // and that frame on the line
 constexpr std::size_t kHead = 10;         // of a frame, before the file's bytes
-constexpr std::string_view kModel = "model 3017\nfirmware 3.20\noptions l2 rtk nmea glonass\n";
 
 /// As long as the program runs.
 const fs::path& Folder()
@@ -87,10 +84,9 @@ private:
     const pid_t m_child;
 };
 
-std::string WithFile(std::uint32_t bytes, std::string_view more = "")
+std::string WithFile(std::uint32_t bytes)
 {
-    return std::string(kModel) + std::string(more) + "file BIG " + std::to_string(bytes) +
-           " 2026-03-14 01:30\n";
+    return "model 3017\nfile BIG " + std::to_string(bytes) + " 2026-03-14 01:30\n";
 }
 
 /// Asks for the file and writes what comes, frame by frame: no checks, no time-outs, no progress.
@@ -139,9 +135,9 @@ double FetchBarely(const std::string& port, std::uint32_t size)
 }
 
 /// @return whether there is a port
-bool Open(CCommand& command, benchmark::State& state, const PortSettings& settings = {})
+bool Open(CCommand& command, benchmark::State& state)
 {
-    const bool isOpen = command.OpenPort(OtherProcess::Path(), settings) != 0;
+    const bool isOpen = command.OpenPort(OtherProcess::Path()) != 0;
     if (!isOpen) {
         state.SkipWithError("no port");
     }
@@ -183,80 +179,6 @@ void Transfer(benchmark::State& state)
     state.counters["F1_bare_over_ours"] = Quantile(ratios);
 }
 BENCHMARK(Transfer)->Iterations(31)->UseRealTime();
-
-/// A file over a line of 115,200 bit/s: how much of what such a line can carry.
-void PacedTransfer(benchmark::State& state)
-{
-    constexpr std::uint32_t kSize = 100'000;
-    constexpr double kBytesPerS = 11520.0;
-    constexpr double kLimit = kBytesPerS * kBlock / kBlockFrame;
-    const OtherProcess receiver(WithFile(kSize, "baud 115200\npacing baud\n"));
-    std::vector<double> times;
-    for (auto _ : state) {
-        CCommand command;
-        PortSettings settings;
-        settings.baudRate = 115200;
-        if (!Open(command, state, settings)) {
-            break;
-        }
-        times.push_back(Fetch(command, kSize, state));
-    }
-    state.counters["bytes_per_s"] = kSize / Quantile(times);
-    state.counters["F2_of_payload_limit"] = kSize / Quantile(times) / kLimit;
-}
-BENCHMARK(PacedTransfer)->Iterations(3)->UseRealTime();
-
-/// Tells when the first record of a listing is posted, and how many pages had come by then.
-class FirstRow final : public MessageTarget
-{
-public:
-    void Post(unsigned, std::intptr_t wParam, std::intptr_t) override
-    {
-        if (wParam == 0 && rows++ == 0) {
-            firstAtS = SecondsOf(CLOCK_MONOTONIC);
-            pagesBefore = pages;
-        }
-    }
-    double firstAtS = 0.0;
-    int rows = 0;
-    int pages = 0;
-    int pagesBefore = 0;
-};
-
-/// A list of 512 files over a line of 38,400 bit/s.
-void Listing(benchmark::State& state)
-{
-    constexpr std::uint8_t kPage = 0x9D;
-    const OtherProcess receiver(std::string(kModel) +
-                                "pacing baud\nfree-memory files\nfiles 512 2048 2048\n");
-    auto table = std::make_unique<DirectoryTable>();
-    std::vector<double> first;
-    std::vector<double> all;
-    double pages = 0.0;
-    for (auto _ : state) {
-        CCommand command;
-        if (!Open(command, state)) {
-            break;
-        }
-        FirstRow rows;
-        command.SetLineObserver([&](Direction direction, LineUnit,
-                                    std::span<const std::uint8_t> frame) {
-            rows.pages +=
-                direction == Direction::Received && frame.size() > 2 && frame[2] == kPage ? 1 : 0;
-        });
-        const double startS = SecondsOf(CLOCK_MONOTONIC);
-        all.push_back(Timed([&] { command.RequestFiles_Lark(L"*.Q01", *table, &rows); }));
-        first.push_back(rows.firstAtS - startS);
-        pages = std::max(pages, static_cast<double>(rows.pagesBefore));
-        if (rows.rows != 512) {
-            state.SkipWithError("not all files were listed");
-        }
-    }
-    state.counters["first_ms"] = 1000.0 * Quantile(first);
-    state.counters["all_ms"] = 1000.0 * Quantile(all);
-    state.counters["F3_pages_before_first_row"] = pages;
-}
-BENCHMARK(Listing)->Iterations(3)->UseRealTime();
 
 /// The most memory that this process has ever used, KiB.
 double PeakKib()

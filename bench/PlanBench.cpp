@@ -12,8 +12,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <numbers>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -150,25 +148,6 @@ void ManySites(benchmark::State& state)
 }
 BENCHMARK(ManySites)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->Iterations(7)->UseRealTime();
 
-/// P5: the same on two threads. By the clock, and by the fastest turns: those in which both cores
-/// were free.
-void TwoThreads(benchmark::State& state)
-{
-    ObservationPlan plan;
-    SetUp(plan);
-    const std::vector<Observer> sites = Sites();
-    std::vector<SiteView> views(sites.size());
-    Comparison threads; // one, and two of them
-    for (auto _ : state) {
-        threads.Turn([&] { plan.ComputeSites(sites, views, 1); },
-                     [&] { plan.ComputeSites(sites, views, 2); });
-    }
-    state.counters["P5_ratio"] = threads.Ratio(0.0);
-    state.counters["one_ms"] = threads.BareS(0.0) * 1e3;
-    state.counters["two_ms"] = threads.OursS(0.0) * 1e3;
-}
-BENCHMARK(TwoThreads)->Iterations(100)->UseRealTime();
-
 /// P6, P9: 14 days of 20 sites with all systems, every ten minutes.
 void SearchOfTwoWeeks(benchmark::State& state)
 {
@@ -253,52 +232,6 @@ void AllGraphs(benchmark::State& state)
     state.counters["P7_ratio"] = graphs.Ratio();
 }
 BENCHMARK(AllGraphs)->MinTime(1.0)->UseRealTime();
-
-/// P8: the largest differences from the literal plan over all hours of many sites.
-void Differences(benchmark::State& state)
-{
-    ObservationPlan plan;
-    SetUp(plan);
-    double angle = 0.0;
-    double dop = 0.0;
-    long cases = 0;
-    long decisions = 0;
-    const std::vector<Observer> sites = Sites();
-    for (auto _ : state) {
-        for (int i = 0; i < kSites; ++i) {
-            plan.Calc().SetObserver(sites[static_cast<std::size_t>(i)]);
-            plan.SetElMaskDeg(i % 40);
-            plan.Compute();
-            const LiteralPlan literal(plan.Calc(), plan.Period());
-            const auto skies = literal.Tracks();
-            const auto counts = literal.Count();
-            const auto dops = literal.Dops();
-            for (int k = 0; k < plan.Division(); ++k) {
-                const auto at = static_cast<std::size_t>(k);
-                decisions += plan.CountAt(k) == counts[at] ? 0 : 1;
-                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / dops[at].pdop - 1.0));
-                for (int prn = 0; prn < kMaxPrn; ++prn) {
-                    ++cases;
-                    const auto& expected = skies[at][static_cast<std::size_t>(prn)];
-                    const auto ours = plan.DirectionAt(prn, k);
-                    decisions += ours.has_value() == expected.has_value() ? 0 : 1;
-                    if (ours && expected) {
-                        // Two azimuths on both sides of north differ by a whole turn.
-                        const double turn = std::remainder(ours->azimuthRad - expected->azimuthRad,
-                                                           2.0 * std::numbers::pi);
-                        angle = std::max({angle, std::abs(turn),
-                                          std::abs(ours->elevationRad - expected->elevationRad)});
-                    }
-                }
-            }
-        }
-    }
-    state.counters["P8_angle_rad"] = angle;
-    state.counters["P8_dop_relative"] = dop;
-    state.counters["P8_decisions"] = static_cast<double>(decisions);
-    state.counters["cases"] = static_cast<double>(cases);
-}
-BENCHMARK(Differences)->Iterations(1)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench
