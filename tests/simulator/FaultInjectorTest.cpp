@@ -168,28 +168,4 @@ TEST(FaultInjector, RulesActOneAfterTheOther)
     EXPECT_EQ(pieces[2].backAfter, 50ms);
 }
 
-TEST(FaultInjector, OnTheNoisyLineAskingTwiceIsEnough)
-{
-    const Scenario scenario = Shipped("noisy-line");
-    FaultInjector injector(scenario.chanceStart);
-    for (const FaultRule& rule : scenario.faults) {
-        injector.Add(rule);
-    }
-    int spoilt = 0;
-    bool wasWhole = true;
-    for (int i = 0; i < 1000; ++i) {
-        Bytes heard;
-        for (const Piece& piece : Apply(injector)) {
-            if (piece.bytes.size() <= 2 || piece.bytes[2] != 0x40) { // else it was not asked for
-                heard.insert(heard.end(), piece.bytes.begin(), piece.bytes.end());
-            }
-        }
-        const bool isWhole = heard == kReply;
-        ASSERT_TRUE(isWhole || wasWhole) << "answers " << i - 1 << " and " << i;
-        wasWhole = isWhole;
-        spoilt += isWhole ? 0 : 1;
-    }
-    EXPECT_GT(spoilt, 100) << "the line is not noisy";
-}
-
 } // namespace fieldcore::simulator::test

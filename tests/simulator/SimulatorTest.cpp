@@ -22,17 +22,6 @@ namespace fieldcore::simulator::test {
 
 namespace fs = std::filesystem;
 
-TEST(Simulator, AnswersWhoOpensItsPort)
-{
-    const auto simulator = Started(Shipped("lark"));
-    const Client client(simulator->PortPath());
-    EXPECT_EQ(client.Ask(kSerialRequest, kSerialSize).at(2), 0x07);
-    EXPECT_EQ(client.Ask({0x00}, 46).at(2), 0x6E);
-    EXPECT_EQ(client.Ask(kAbortRequest, 1), Bytes{kAck});
-    EXPECT_EQ(client.Ask(Hex("47 4F 0D 0A"), 4), Hex("4F 4B 0D 0A"));
-    EXPECT_EQ(simulator->RequestCount(), 4U);
-}
-
 TEST(Simulator, BytesSentWhileNobodyHasThePortOpenAreNotEchoed)
 {
     const auto simulator = Started(Shipped("lark"));

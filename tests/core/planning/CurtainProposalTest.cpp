@@ -105,10 +105,6 @@ TEST(CurtainProposal, IsAsSureAsItSays)
     EXPECT_LE(worstSure, 3.0) << "degrees";
     EXPECT_LE(off[fair], entries[fair] / 10);
     EXPECT_LE(entries[unknown], 18 * 360 * 3 / 4) << "something is known everywhere";
-    RecordProperty("sure", entries[static_cast<std::size_t>(SkylineCertainty::Sure)]);
-    RecordProperty("fair", entries[fair]);
-    RecordProperty("fairOff", off[fair]);
-    RecordProperty("unknown", entries[unknown]);
 }
 
 TEST(CurtainProposal, ADayKnowsNearlyAllOfIt)

@@ -42,19 +42,6 @@ ObstructionCurtain Striped()
     return curtain;
 }
 
-TEST(HostileFiles, CutAnywhereAnAlmanacKeepsItsWholeRecords)
-{
-    const auto content = SampleFile(3);
-    CSurveyPlanCalc calc;
-    for (std::size_t length = 0; length < content.size(); ++length) {
-        const auto whole = static_cast<int>(length / kAlmanacRecordSize);
-        EXPECT_EQ(calc.LoadAlmanac(std::span(content).first(length)), whole > 0) << length;
-        for (int index = 0; index < 3; ++index) {
-            EXPECT_EQ(calc.IsValid(index), index < whole ? 1 : 0) << length;
-        }
-    }
-}
-
 TEST(HostileFiles, AFlippedBitConcernsOneSatellite)
 {
     auto content = SampleFile(2);

@@ -181,7 +181,6 @@ TEST(AlmanacRecord, HasEveryFieldWhereTheFileHasIt)
     EXPECT_EQ(EncodeAlmanac(DecodeAlmanac(expected)), expected);
 }
 
-using testing::FileOf;
 AlmanacRecord WithPrn(AlmanacRecord record, std::uint8_t prn)
 {
     record.prn = prn;
