@@ -2,7 +2,6 @@
 // writes the same blocks. The receiver runs in a process of its own. The figures that count are the
 // counters: ratios of two things measured in turn.
 
-#include "bench/Allocations.h"
 #include "bench/Measuring.h"
 #include "core/link/Command.h"
 #include "simulator/Frame.h"
@@ -25,7 +24,6 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -179,44 +177,6 @@ void Transfer(benchmark::State& state)
     state.counters["F1_bare_over_ours"] = Quantile(ratios);
 }
 BENCHMARK(Transfer)->Iterations(31)->UseRealTime();
-
-/// The most memory that this process has ever used, KiB.
-double PeakKib()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss);
-}
-
-/// What a file of 64 MB needs more than one of 1 MB.
-void Memory(benchmark::State& state)
-{
-    constexpr std::uint32_t kSmall = 1'000'000;
-    constexpr std::uint32_t kBig = 64'000'000;
-    double peak = 0.0;
-    double allocations = 0.0;
-    for (auto _ : state) {
-        std::array<double, 2> peaks{};
-        std::array<double, 2> counts{};
-        for (std::size_t at = 0; at < 2; ++at) {
-            const std::uint32_t size = at == 0 ? kSmall : kBig;
-            const OtherProcess receiver(WithFile(size));
-            CCommand command;
-            if (!Open(command, state)) {
-                return;
-            }
-            const long before = AllocationCount();
-            Fetch(command, size, state);
-            counts.at(at) = static_cast<double>(AllocationCount() - before);
-            peaks.at(at) = PeakKib();
-        }
-        peak = peaks[1] - peaks[0];
-        allocations = counts[1] - counts[0];
-    }
-    state.counters["F4_peak_growth_kib"] = peak;
-    state.counters["allocations_more"] = allocations;
-}
-BENCHMARK(Memory)->Iterations(1)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench

@@ -1,6 +1,6 @@
-// Whether the controller takes what the user taps and types while it asks its receiver how it is: a
-// hand that never looks works on the real windows, before a simulated receiver at 9600 bit/s that
-// thinks for a while about each answer. A line for each page.
+// How long the controller's window takes no input while it asks its receiver how it is: the real
+// windows before a simulated receiver at 9600 bit/s that thinks for a while about each answer. A
+// line for each page.
 
 #include "app/Controller.h"
 #include "app/MainWindow.h"
@@ -13,33 +13,25 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QLineEdit>
-#include <QMouseEvent>
-#include <QPointer>
+#include <QEventLoop>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QThread>
 #include <QTimer>
-#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
-#include <functional>
-#include <memory>
 #include <string>
-#include <thread>
 
 namespace fieldcore::bench {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kPresses = 60;
-constexpr auto kStep = 40ms; // from one tap or digit to the next
-constexpr auto kHeld = 20ms; // a finger on a button
+constexpr auto kUntilItIsThere = 1s;
+constexpr auto kLooksFor = 6s;
 constexpr std::uint32_t kBaudRate = 9600;
 constexpr int kLatencyMs = 150; // that an answer is thought about
 constexpr int kTiltRequest = 0xC8;
@@ -69,28 +61,17 @@ public:
         m_beat.start(1);
     }
 
-    /// No event is being handled but the one that asks.
-    [[nodiscard]] bool IsFree() const { return m_depth == QThread::currentThread()->loopLevel(); }
-    /// Begins to look for the longest block.
+    /// Looks for the longest block from now on.
     void Begin()
     {
         m_last = m_watch.elapsed() - CrowdedOutMs();
         m_longest = 0;
+        m_beats = 0;
     }
-    [[nodiscard]] qint64 LongestBlockMs() const { return m_longest; }
-
-    /// The window that the user has in front of him.
-    [[nodiscard]] static QWidget* Front()
+    void Print(const char* page)
     {
-        if (QWidget* const modal = activeModalWidget()) {
-            return modal;
-        }
-        for (QWidget* const widget : topLevelWidgets()) {
-            if (qobject_cast<MainWindow*>(widget) != nullptr && widget->isVisible()) {
-                return widget;
-            }
-        }
-        return nullptr;
+        std::printf("%-12s longest block %4lld ms, free %d times\n", page, m_longest, m_beats);
+        std::fflush(stdout);
     }
 
     bool notify(QObject* receiver, QEvent* event) override
@@ -104,10 +85,11 @@ public:
 private:
     void Beat()
     {
-        if (IsFree()) {
+        if (m_depth == QThread::currentThread()->loopLevel()) { // no event but this is handled
             const qint64 now = m_watch.elapsed() - CrowdedOutMs();
             m_longest = std::max(m_longest, now - m_last);
             m_last = now;
+            ++m_beats;
         }
     }
 
@@ -116,206 +98,36 @@ private:
     int m_depth = 0;   // of events being handled
     qint64 m_last = 0; // without what it was crowded out
     qint64 m_longest = 0;
+    int m_beats = 0;
 };
 
-// The hand has a thread of its own. What it asks for is done in the program's, when that next looks
-// for events.
-
-template <typename Act>
-auto Ask(Act act)
+/// Looks at a page for some seconds. @param choice  0: the main window itself
+void Look(Application& application, MainWindow& home, const char* name, int choice)
 {
-    decltype(act()) answer{};
-    QMetaObject::invokeMethod(
-        qApp, [&] { answer = act(); }, Qt::BlockingQueuedConnection);
-    return answer;
-}
-
-bool WaitFor(const std::function<bool()>& isDone)
-{
-    const auto end = std::chrono::steady_clock::now() + 30s;
-    while (!Ask(isDone)) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(10ms);
-    }
-    return true;
-}
-
-/// Gives the window in front an event as the window system does, at a time of its own: it does not
-/// wait until it is looked at.
-template <typename Make>
-void Deliver(Make make)
-{
-    QMetaObject::invokeMethod(
-        qApp,
-        [make] {
-            if (QWidget* const front = Application::Front()) {
-                auto event = make(*front);
-                QSpontaneKeyEvent::setSpontaneous(&event);
-                qApp->notify(front->windowHandle(), &event);
-            }
-        },
-        Qt::QueuedConnection);
-}
-
-void Tap(const QPointer<QWidget>& on)
-{
-    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        Deliver([type, on](QWidget& front) {
-            const bool isThere = on != nullptr && on->window() == &front;
-            const QPointF at =
-                isThere ? on->mapTo(&front, QPointF(on->rect().center())) : QPointF();
-            return QMouseEvent(type, at, front.mapToGlobal(at), Qt::LeftButton,
-                               type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-                               Qt::NoModifier);
-        });
-        std::this_thread::sleep_for(kHeld);
-    }
-}
-
-void Type(char sign)
-{
-    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        Deliver([type, sign](QWidget&) {
-            return QKeyEvent(type, sign, Qt::NoModifier, QString(QLatin1Char(sign)));
-        });
-    }
-}
-
-/// A button and a box on the page in front, where everything that comes is counted.
-struct Probe
-{
-    Probe()
-    {
-        button = new QPushButton(Application::Front());
-        box = new QLineEdit(Application::Front());
-        button->setFocusPolicy(Qt::NoFocus);
-        QObject::connect(button, &QPushButton::clicked, button, [this] { ++taps; });
-        button->setGeometry(0, 0, 120, 60);
-        box->setGeometry(120, 0, 360, 60);
-        for (QWidget* const part : {static_cast<QWidget*>(button), static_cast<QWidget*>(box)}) {
-            part->show();
-            part->raise();
-        }
-        box->setFocus();
-    }
-    ~Probe()
-    {
-        delete button;
-        delete box;
-    }
-    Probe(const Probe&) = delete;
-    Probe& operator=(const Probe&) = delete;
-
-    QPointer<QPushButton> button; // of the page, which may go
-    QPointer<QLineEdit> box;
-    int taps = 0;
-};
-
-/// The controller before a receiver that takes its time to think. In the program's thread.
-struct World
-{
-    World()
-    {
-        std::string error;
-        auto scenario = simulator::LoadScenario("tilted", error).value_or(simulator::Scenario());
-        scenario.baudRate = kBaudRate;
-        scenario.pacing = simulator::Pacing::Baud;
-        scenario.latencyMs = kLatencyMs;
-        receiver = std::make_unique<simulator::Simulator>(scenario);
-        const bool isThere = receiver->Start(error);
-        controller.Begin();
-        controller.Choose({receiver->PortPath(), kBaudRate});
-        session = std::make_unique<Session>(controller);
-        session->Begin();
-        std::wstring fault;
-        if (!isThere || !controller.ConnectQuietly(fault)) {
-            std::fprintf(stderr, "input_bench: not connected\n");
-        }
-    }
-
-    std::unique_ptr<simulator::Simulator> receiver;
-    Controller controller{AppOptions()};
-    std::unique_ptr<Session> session;
-};
-
-/// Taps and types on a page and prints what came. @param choice  0: the main window itself
-void WorkOn(Application& application, World& world, const char* name, int choice)
-{
-    if (choice != 0) {
-        Ask([&] { // it has a loop of its own
-            QTimer::singleShot(0, qApp, [&] { Q_EMIT world.session->Window().Chosen(choice); });
-            return true;
-        });
-        WaitFor([&] { return QApplication::activeModalWidget() && application.IsFree(); });
-    }
-    if (choice == MainWindow::kTilt) {
-        Tap(Ask([] {
-            for (auto* const one : Application::Front()->findChildren<QPushButton*>()) {
-                if (one->text() == UiText(text::kTiltBubble)) {
-                    return QPointer<QWidget>(one);
-                }
-            }
-            return QPointer<QWidget>();
-        }));
-        std::this_thread::sleep_for(500ms);
-    }
-    std::unique_ptr<Probe> probe;
-    Ask([&] {
-        probe = std::make_unique<Probe>();
-        application.Begin();
-        return true;
-    });
-    QString sent;
-    for (int i = 0; i < kPresses; ++i) {
-        Tap(probe->button.data());
-        const char digit = static_cast<char>('0' + i * 7 % 10);
-        sent += QLatin1Char(digit);
-        Type(digit);
-        std::this_thread::sleep_for(kStep);
-    }
-    const auto come = [&] { return probe->box ? probe->box->text() : QString(); };
-    WaitFor([&] { return probe->taps == kPresses && come() == sent; });
-    Ask([&] {
-        std::printf("%-12s taps %d: %2d  digits %d: %2d%s  block %5lld ms\n", name, kPresses,
-                    probe->taps, kPresses, static_cast<int>(come().size()),
-                    sent.startsWith(come()) ? "" : ", some lost", application.LongestBlockMs());
-        std::fflush(stdout);
-        probe.reset();
-        return true;
-    });
-    WaitFor([&] {
+    QEventLoop loop;
+    QTimer::singleShot(kUntilItIsThere, qApp, [&] {
         QWidget* const page = QApplication::activeModalWidget();
-        if (page != nullptr && application.IsFree()) {
+        const auto buttons =
+            page != nullptr ? page->findChildren<QPushButton*>() : QList<QPushButton*>();
+        for (QPushButton* const button : buttons) {
+            if (button->text() == UiText(text::kTiltBubble)) {
+                QTimer::singleShot(0, button, &QPushButton::click);
+            }
+        }
+        application.Begin();
+    });
+    QTimer::singleShot(kUntilItIsThere + kLooksFor, qApp, [&] {
+        application.Print(name);
+        while (QWidget* const page = QApplication::activeModalWidget()) {
             page->close();
         }
-        return page == nullptr;
+        loop.quit();
     });
-}
-
-void WorkOnAll(Application& application)
-{
-    std::unique_ptr<World> world;
-    Ask([&] {
-        world = std::make_unique<World>();
-        return true;
-    });
-    WaitFor([&] { return world->controller.Link().Heard().status.has_value(); });
-    WorkOn(application, *world, "home", 0);
-    WorkOn(application, *world, "status", MainWindow::kStatus);
-    WorkOn(application, *world, "sky", MainWindow::kSkyPlot);
-    WorkOn(application, *world, "plan", MainWindow::kPlan);
-    WorkOn(application, *world, "tilt", MainWindow::kTilt);
-    simulator::FaultRule silent;
-    silent.requestType = kTiltRequest;
-    world->receiver->AddFault(silent);
-    WorkOn(application, *world, "tilt, silent", MainWindow::kTilt);
-    Ask([&] {
-        world.reset();
-        QApplication::quit();
-        return true;
-    });
+    if (choice == 0) {
+        loop.exec();
+    } else {
+        Q_EMIT home.Chosen(choice); // it has a loop of its own
+    }
 }
 
 } // namespace
@@ -330,8 +142,31 @@ int main(int argc, char** argv)
     qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
     bench::Application application(argc, argv);
     TouchStyle::Install();
-    std::thread user([&] { bench::WorkOnAll(application); });
-    const int code = QApplication::exec();
-    user.join();
-    return code;
+    std::string error;
+    auto scenario = simulator::LoadScenario("tilted", error).value_or(simulator::Scenario());
+    scenario.baudRate = bench::kBaudRate;
+    scenario.pacing = simulator::Pacing::Baud;
+    scenario.latencyMs = bench::kLatencyMs;
+    simulator::Simulator receiver(scenario);
+    const bool isThere = receiver.Start(error);
+    Controller controller{AppOptions()};
+    controller.Begin();
+    controller.Choose({receiver.PortPath(), bench::kBaudRate});
+    Session session(controller);
+    session.Begin();
+    std::wstring fault;
+    if (!isThere || !controller.ConnectQuietly(fault)) {
+        std::fprintf(stderr, "input_bench: not connected\n");
+        return 1;
+    }
+    bench::Look(application, session.Window(), "home", 0);
+    bench::Look(application, session.Window(), "status", MainWindow::kStatus);
+    bench::Look(application, session.Window(), "sky", MainWindow::kSkyPlot);
+    bench::Look(application, session.Window(), "plan", MainWindow::kPlan);
+    bench::Look(application, session.Window(), "tilt", MainWindow::kTilt);
+    simulator::FaultRule silent;
+    silent.requestType = bench::kTiltRequest;
+    receiver.AddFault(silent);
+    bench::Look(application, session.Window(), "tilt, silent", MainWindow::kTilt);
+    return 0;
 }
