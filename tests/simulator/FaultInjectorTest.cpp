@@ -57,7 +57,6 @@ TEST(FaultInjector, DoesToTheAnswerWhatTheRuleSays)
         {"split 3", "[02004B][0211228003]"},
         {"split", "[02][00][4B][02][11][22][80][03]"},
         {"split 8", "[02004B0211228003]"},
-        {"delay 700", "[02004B0211228003]"},
         {"duplicate", "[02004B0211228003][02004B0211228003]"},
         {"nak", "[15]"},
         {"nak-storm 3", "[151515]"},

@@ -65,20 +65,6 @@ TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
     }
 }
 
-TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
-{
-    HandClock clock;
-    const auto simulator = Started(Shipped("lark"), {}, clock);
-    simulator->AddFault(ParsedRule("reboot 5000 count 1"));
-    const Client client(simulator->PortPath());
-    ASSERT_TRUE(client.Send(kSerialRequest) && client.Send(kSerialRequest));
-    while (simulator->RequestCount() < 2) {
-        std::this_thread::yield();
-    }
-    clock.Advance(5s);
-    EXPECT_EQ(client.Ask(kAbortRequest, 1), Bytes{kAck}) << "something was answered in between";
-}
-
 TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 {
     HandClock clock;

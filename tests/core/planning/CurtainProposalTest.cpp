@@ -280,13 +280,8 @@ TEST(SkyRecord, KeepsSoManyPlaces)
     const auto old = std::filesystem::file_time_type::clock::now() - 24h;
     for (int i = 0; i <= static_cast<int>(kMostSkyRecords); ++i) {
         ASSERT_FALSE(SaveSkyRecord(folder.Path(), Sample(i, Clock::UtcTime(1h * i))));
-        for (const auto& file :
-             std::filesystem::directory_iterator(SkyRecordsPath(folder.Path()))) {
-            if (file.path().string().ends_with(std::to_string(i * 10'000'000) +
-                                               "_-1395000000.sky")) {
-                std::filesystem::last_write_time(file, old + 1min * i);
-            }
-        }
+        const auto file = std::to_string(i * 10'000'000) + "_-1395000000.sky";
+        std::filesystem::last_write_time(SkyRecordsPath(folder.Path()) / file, old + 1min * i);
     }
     const SkyRecords loaded = LoadSkyRecords(folder.Path());
     ASSERT_EQ(loaded.records.size(), kMostSkyRecords);

@@ -22,7 +22,7 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -277,22 +277,23 @@ TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
 
 TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
 {
-    const std::pair<const char*, LiveSkyPoll::State> rows[] = {
-        {"drop on 16", LiveSkyPoll::State::Silent},
-        {"corrupt on 16", LiveSkyPoll::State::Damaged},
-        {"wrong-type on 16", LiveSkyPoll::State::Damaged},
-        {"zero-length on 16", LiveSkyPoll::State::Damaged},
-        {"nak on 16", LiveSkyPoll::State::Refused},
-        {"hang-up on 16", LiveSkyPoll::State::LinkLost},
+    using State = LiveSkyPoll::State;
+    const std::tuple<const char*, State, int> rows[] = {
+        {"drop on 16", State::Silent, text::kSkySilent},
+        {"corrupt on 16", State::Damaged, text::kSkyDamaged},
+        {"wrong-type on 16", State::Damaged, text::kSkyDamaged},
+        {"zero-length on 16", State::Damaged, text::kSkyDamaged},
+        {"nak on 16", State::Refused, text::kSkyRefused},
+        {"hang-up on 16", State::LinkLost, text::kSkyLinkLost},
     };
-    for (const auto& [fault, state] : rows) {
+    for (const auto& [fault, state, words] : rows) {
         SCOPED_TRACE(fault);
         Start("satellite G5 118 37 45.3\nsatellite R4 334 62 47.25\n"); // one frame holds both
         ASSERT_TRUE(poll->Poll(far->command));
         far->AddFault(fault);
         EXPECT_FALSE(PollAfter(10s));
         EXPECT_EQ(poll->GetNow().state, state);
-        EXPECT_NE(Text(LiveSkyTextId(state)), std::wstring());
+        EXPECT_EQ(LiveSkyTextId(state), words);
         EXPECT_EQ(poll->GetNow().sky.Count(std::nullopt).inView, 2);
         EXPECT_TRUE(poll->GetNow().sky.IsStale(far->clock.Steady()));
     }

@@ -163,6 +163,7 @@ TEST_F(PlanSessionTest, StopsAtAMissingAlmanacAndGoesOnWithItLater)
     EXPECT_EQ(missing.icon, BoxIcon::Stop);
     EXPECT_FALSE(m_session.CanPlan() || m_session.IsAlmanacTooOld());
     EXPECT_EQ(m_session.Plan().Division(), 0) << "nothing is computed";
+    EXPECT_EQ(m_session.Plan().Calc().GetCurtain()[0], 0) << "the later steps were not left out";
     WriteAlmanac();
     EXPECT_EQ(m_session.ReloadAlmanac().text, 0);
     EXPECT_EQ(m_session.Plan().Calc().GetCurtain()[0], 30);
