@@ -1,8 +1,7 @@
-// What fetching and listing the receiver's files cost, against the plainest loop that receives and
+// What fetching the receiver's files costs, against the plainest loop that receives and
 // writes the same blocks. The receiver runs in a process of its own. The figures that count are the
 // counters: ratios of two things measured in turn.
 
-#include "bench/Allocations.h"
 #include "bench/Measuring.h"
 #include "core/link/Command.h"
 #include "simulator/Frame.h"
@@ -16,9 +15,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -27,7 +24,6 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -40,7 +36,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kBlock = 1000;      // bytes of a file in a frame
 constexpr std::size_t kBlockFrame = 1012; // and that frame on the line
 constexpr std::size_t kHead = 10;         // of a frame, before the file's bytes
-constexpr std::string_view kModel = "model 3017\nfirmware 3.20\noptions l2 rtk nmea glonass\n";
 
 /// As long as the program runs.
 const fs::path& Folder()
@@ -87,10 +82,9 @@ private:
     const pid_t m_child;
 };
 
-std::string WithFile(std::uint32_t bytes, std::string_view more = "")
+std::string WithFile(std::uint32_t bytes)
 {
-    return std::string(kModel) + std::string(more) + "file BIG " + std::to_string(bytes) +
-           " 2026-03-14 01:30\n";
+    return "model 3017\nfile BIG " + std::to_string(bytes) + " 2026-03-14 01:30\n";
 }
 
 /// Asks for the file and writes what comes, frame by frame: no checks, no time-outs, no progress.
@@ -139,9 +133,9 @@ double FetchBarely(const std::string& port, std::uint32_t size)
 }
 
 /// @return whether there is a port
-bool Open(CCommand& command, benchmark::State& state, const PortSettings& settings = {})
+bool Open(CCommand& command, benchmark::State& state)
 {
-    const bool isOpen = command.OpenPort(OtherProcess::Path(), settings) != 0;
+    const bool isOpen = command.OpenPort(OtherProcess::Path()) != 0;
     if (!isOpen) {
         state.SkipWithError("no port");
     }
@@ -183,118 +177,6 @@ void Transfer(benchmark::State& state)
     state.counters["F1_bare_over_ours"] = Quantile(ratios);
 }
 BENCHMARK(Transfer)->Iterations(31)->UseRealTime();
-
-/// A file over a line of 115,200 bit/s: how much of what such a line can carry.
-void PacedTransfer(benchmark::State& state)
-{
-    constexpr std::uint32_t kSize = 100'000;
-    constexpr double kBytesPerS = 11520.0;
-    constexpr double kLimit = kBytesPerS * kBlock / kBlockFrame;
-    const OtherProcess receiver(WithFile(kSize, "baud 115200\npacing baud\n"));
-    std::vector<double> times;
-    for (auto _ : state) {
-        CCommand command;
-        PortSettings settings;
-        settings.baudRate = 115200;
-        if (!Open(command, state, settings)) {
-            break;
-        }
-        times.push_back(Fetch(command, kSize, state));
-    }
-    state.counters["bytes_per_s"] = kSize / Quantile(times);
-    state.counters["F2_of_payload_limit"] = kSize / Quantile(times) / kLimit;
-}
-BENCHMARK(PacedTransfer)->Iterations(3)->UseRealTime();
-
-/// Tells when the first record of a listing is posted, and how many pages had come by then.
-class FirstRow final : public MessageTarget
-{
-public:
-    void Post(unsigned, std::intptr_t wParam, std::intptr_t) override
-    {
-        if (wParam == 0 && rows++ == 0) {
-            firstAtS = SecondsOf(CLOCK_MONOTONIC);
-            pagesBefore = pages;
-        }
-    }
-    double firstAtS = 0.0;
-    int rows = 0;
-    int pages = 0;
-    int pagesBefore = 0;
-};
-
-/// A list of 512 files over a line of 38,400 bit/s.
-void Listing(benchmark::State& state)
-{
-    constexpr std::uint8_t kPage = 0x9D;
-    const OtherProcess receiver(std::string(kModel) +
-                                "pacing baud\nfree-memory files\nfiles 512 2048 2048\n");
-    auto table = std::make_unique<DirectoryTable>();
-    std::vector<double> first;
-    std::vector<double> all;
-    double pages = 0.0;
-    for (auto _ : state) {
-        CCommand command;
-        if (!Open(command, state)) {
-            break;
-        }
-        FirstRow rows;
-        command.SetLineObserver([&](Direction direction, LineUnit,
-                                    std::span<const std::uint8_t> frame) {
-            rows.pages +=
-                direction == Direction::Received && frame.size() > 2 && frame[2] == kPage ? 1 : 0;
-        });
-        const double startS = SecondsOf(CLOCK_MONOTONIC);
-        all.push_back(Timed([&] { command.RequestFiles_Lark(L"*.Q01", *table, &rows); }));
-        first.push_back(rows.firstAtS - startS);
-        pages = std::max(pages, static_cast<double>(rows.pagesBefore));
-        if (rows.rows != 512) {
-            state.SkipWithError("not all files were listed");
-        }
-    }
-    state.counters["first_ms"] = 1000.0 * Quantile(first);
-    state.counters["all_ms"] = 1000.0 * Quantile(all);
-    state.counters["F3_pages_before_first_row"] = pages;
-}
-BENCHMARK(Listing)->Iterations(3)->UseRealTime();
-
-/// The most memory that this process has ever used, KiB.
-double PeakKib()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss);
-}
-
-/// What a file of 64 MB needs more than one of 1 MB.
-void Memory(benchmark::State& state)
-{
-    constexpr std::uint32_t kSmall = 1'000'000;
-    constexpr std::uint32_t kBig = 64'000'000;
-    double peak = 0.0;
-    double allocations = 0.0;
-    for (auto _ : state) {
-        std::array<double, 2> peaks{};
-        std::array<double, 2> counts{};
-        for (std::size_t at = 0; at < 2; ++at) {
-            const std::uint32_t size = at == 0 ? kSmall : kBig;
-            const OtherProcess receiver(WithFile(size));
-            CCommand command;
-            if (!Open(command, state)) {
-                return;
-            }
-            const long before = AllocationCount();
-            Fetch(command, size, state);
-            counts.at(at) = static_cast<double>(AllocationCount() - before);
-            peaks.at(at) = PeakKib();
-        }
-        peak = peaks[1] - peaks[0];
-        allocations = counts[1] - counts[0];
-    }
-    state.counters["F4_peak_growth_kib"] = peak;
-    state.counters["allocations_more"] = allocations;
-}
-BENCHMARK(Memory)->Iterations(1)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench

@@ -155,32 +155,6 @@ void LongFrames(benchmark::State& state)
 }
 BENCHMARK(LongFrames)->Iterations(15)->UseRealTime();
 
-/// Frames of 607 and 1024 bytes, each written in one piece: how many of 1000 are delivered.
-void Bursts(benchmark::State& state)
-{
-    const Bytes frame = LongFrame(Bytes(static_cast<std::size_t>(state.range(0)) - 7, 0x5A));
-    constexpr int kFrames = 1000;
-    for (auto _ : state) {
-        FarEnd end;
-        SerialLink link;
-        static_cast<void>(link.Open(end.Path(), {}));
-        link.SetHandOver(true);
-        std::thread sender([&] {
-            for (int i = 0; i < kFrames; ++i) {
-                end.Send(frame);
-            }
-        });
-        int delivered = 0;
-        Bytes taken(kFrameBufferSize);
-        while (delivered < kFrames && link.WaitDelivery() == 1) {
-            delivered += link.TakeDelivery(taken).length == frame.size() ? 1 : 0;
-        }
-        sender.join();
-        state.counters["L8_delivered_of_1000"] = delivered;
-    }
-}
-BENCHMARK(Bursts)->Arg(607)->Arg(1024)->Iterations(5)->UseRealTime();
-
 /// How often the threads of this process but the calling one were switched to.
 long SwitchesOfOthers()
 {
@@ -221,23 +195,6 @@ void TimeOut(benchmark::State& state)
     state.counters["L7_worst_late_ms"] = worst;
 }
 BENCHMARK(TimeOut)->Iterations(40)->UseRealTime();
-
-/// Opening and closing a port, with its reader.
-void OpenClose(benchmark::State& state)
-{
-    const FarEnd end;
-    std::vector<double> seconds;
-    for (auto _ : state) {
-        seconds.push_back(Timed([&] {
-            SerialLink link;
-            static_cast<void>(link.Open(end.Path(), {}));
-            link.Close();
-        }));
-    }
-    state.counters["median_ms"] = Quantile(seconds) * 1e3;
-    state.counters["worst_ms"] = Quantile(seconds, 1.0) * 1e3;
-}
-BENCHMARK(OpenClose)->Iterations(500)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench

@@ -7,11 +7,8 @@
 #include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
 #include "tests/core/planning/SampleSky.h"
-#include "ui/planning/CurtainView.h"
 #include "ui/planning/PlanGraphView.h"
 
-#include <QApplication>
-#include <QMouseEvent>
 #include <QPixmap>
 
 #include <algorithm>
@@ -47,17 +44,6 @@ void TakeAllSystems(ObservationPlan& plan)
     plan.SetSystems(SystemSet().set());
 }
 
-template <typename Turn>
-void MeasureTurns(benchmark::State& state, Turn turn)
-{
-    std::vector<double> turnsS;
-    for (auto _ : state) {
-        turnsS.push_back(Timed(turn, CLOCK_THREAD_CPUTIME_ID));
-    }
-    state.counters["median_ms"] = Quantile(turnsS) * 1e3;
-    state.counters["p95_ms"] = Quantile(turnsS, 0.95) * 1e3;
-}
-
 struct Drawn
 {
     Drawn(int graph, int width, int height, bool isAll)
@@ -80,10 +66,17 @@ struct Drawn
     template <typename Change>
     void Run(benchmark::State& state, Change change)
     {
-        MeasureTurns(state, [&] {
-            change();
-            view.render(&pixels);
-        });
+        std::vector<double> turnsS;
+        for (auto _ : state) {
+            turnsS.push_back(Timed(
+                [&] {
+                    change();
+                    view.render(&pixels);
+                },
+                CLOCK_THREAD_CPUTIME_ID));
+        }
+        state.counters["median_ms"] = Quantile(turnsS) * 1e3;
+        state.counters["p95_ms"] = Quantile(turnsS, 0.95) * 1e3;
     }
 
     ObservationPlan plan;
@@ -125,28 +118,6 @@ BENCHMARK(Slide)
     ->ArgNames({"graph", "all"})
     ->ArgsProduct({{1, 2, 3}, {0, 1}})
     ->Unit(benchmark::kMillisecond);
-
-/// A finger draws a curtain around the sky, ten degrees a turn.
-void DragCurtain(benchmark::State& state)
-{
-    CurtainEdit edit;
-    CurtainView view(edit);
-    view.resize(1280, 800);
-    QPixmap pixels(view.size());
-    const auto send = [&](QEvent::Type type, int azimuthDeg) {
-        const QPointF at = view.PointOf(azimuthDeg, 20.0 + azimuthDeg % 30);
-        QMouseEvent event(type, at, view.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
-        QApplication::sendEvent(&view, &event);
-    };
-    send(QEvent::MouseButtonPress, 0);
-    int azimuthDeg = 0;
-    MeasureTurns(state, [&] {
-        azimuthDeg = (azimuthDeg + 10) % 360;
-        send(QEvent::MouseMove, azimuthDeg);
-        view.render(&pixels);
-    });
-}
-BENCHMARK(DragCurtain)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace fieldcore::bench

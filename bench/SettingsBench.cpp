@@ -2,14 +2,12 @@
 // count are the counters: ratios of the medians of two things measured in turn.
 
 #include "bench/Measuring.h"
-#include "core/equipment/AntennaCatalogue.h"
 #include "core/settings/HostReg.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <array>
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -120,53 +118,6 @@ void Write(benchmark::State& state)
     state.counters["S4_ratio"] = Quantile(eightS) / writes.OursS();
 }
 BENCHMARK(Write)->MinTime(2.0)->UseRealTime();
-
-/// A catalogue file of 64 types with 64 methods each, as large as one can be.
-std::string LargestCatalogue()
-{
-    std::string text = "[ANTENNATYPE]\r\n";
-    for (int type = 0; type < AntennaCatalogue::kMaxTypes; ++type) {
-        text += "DATA" + std::to_string(type) + "=Antenna " + std::to_string(type) + "\r\n";
-    }
-    for (int type = 0; type < AntennaCatalogue::kMaxTypes; ++type) {
-        text += "[Antenna " + std::to_string(type) + "]\r\nCharCode=A" + std::to_string(type) +
-                "\r\nType=" + std::to_string(type) + "\r\n";
-        for (int method = 0; method < AntennaCatalogue::kMaxMethods; ++method) {
-            text += "MeasMethod" + std::to_string(method) + "=0.10000,0.05000,0.00000,\"rim " +
-                    std::to_string(method) + "\"\r\n";
-        }
-    }
-    return text;
-}
-
-/// The import of that file, from its stamp to the values on the disk, against one durable write.
-void Import(benchmark::State& state)
-{
-    const TemporaryFolder folder;
-    SettingsRoots roots(testing::FoldersBelow(folder.Path()));
-    const HostReg reg(roots);
-    AntennaCatalogue catalogue(folder.Path(), roots);
-    const std::string text = LargestCatalogue();
-    Comparison imports; // with the write of one value
-    std::uint32_t number = 0;
-    int done = 1;
-    for (auto _ : state) {
-        // Another size, so that it counts as changed.
-        std::ofstream(AntennaFilePath(folder.Path())) << text << std::string(1 + number % 2, '\n');
-        imports.Turn([&] { done &= reg.WriteNumber(kKey, L"Baudlate", ++number); },
-                     [&] { done &= catalogue.Update(); });
-        const auto last =
-            catalogue.Method(AntennaCatalogue::kMaxTypes - 1, AntennaCatalogue::kMaxMethods - 1);
-        done &= last && last->name == L"rim 63" ? 1 : 0;
-    }
-    if (done == 0) {
-        state.SkipWithError("not imported");
-    }
-    state.counters["one_us"] = imports.BareS() * 1e6;
-    state.counters["import_us"] = imports.OursS() * 1e6;
-    state.counters["import_ratio"] = imports.Ratio();
-}
-BENCHMARK(Import)->MinTime(1.0)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench

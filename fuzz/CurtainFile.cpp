@@ -12,6 +12,7 @@ using namespace fieldcore;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    KeepFilesInMemory();
     static const TemporaryFolder folder;
     folder.Write(CurtainPath(folder.Path()).filename(), TextOf(data, size));
     const ObstructionCurtain curtain = LoadCurtain(folder.Path());

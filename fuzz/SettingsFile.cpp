@@ -13,10 +13,7 @@ using namespace fieldcore;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    // In memory where the system has that: thousands of files are made.
-    static const bool isInMemory = std::filesystem::is_directory("/dev/shm");
-    static const int chosen = isInMemory ? setenv("TMPDIR", "/dev/shm", 1) : 0;
-    Check(chosen == 0);
+    KeepFilesInMemory();
     const TemporaryFolder folder;
     const std::filesystem::path file = folder.Write("user.db", TextOf(data, size));
     SqliteSettingsStore store(file);

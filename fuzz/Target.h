@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 
 namespace fieldcore {
@@ -18,6 +19,14 @@ inline void Check(bool holds)
     if (!holds) {
         std::abort();
     }
+}
+
+/// Temporary folders are in memory, where the system has that: thousands of files are made.
+inline void KeepFilesInMemory()
+{
+    static const bool isThere = std::filesystem::is_directory("/dev/shm");
+    static const int chosen = isThere ? setenv("TMPDIR", "/dev/shm", 1) : 0;
+    Check(chosen == 0);
 }
 
 [[nodiscard]] inline std::string_view TextOf(const std::uint8_t* data, std::size_t size)

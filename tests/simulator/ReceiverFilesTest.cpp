@@ -83,12 +83,11 @@ TEST(ReceiverFiles, DeletingAndRecoveringByNameFollowTheFirmware)
         {"a live file cannot come back", "3.69", "rA.Q01", "-", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
         {"no such file", "3.69", "dX.Q01 rX.Q1D dA", "---", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
     };
-    const HandClock clock;
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.fault);
         Receiver receiver(
             Parsed("firmware " + std::string(row.firmware) + "\n" + std::string(kThreeFiles)),
-            clock);
+            kStill);
         std::string answers;
         std::istringstream commands{std::string(row.commands)};
         for (std::string command; commands >> command;) {
@@ -102,8 +101,7 @@ TEST(ReceiverFiles, DeletingAndRecoveringByNameFollowTheFirmware)
 
 TEST(ReceiverFiles, APicaNamesFilesByAnIndexThatIsNever255)
 {
-    const HandClock clock;
-    Receiver receiver(Parsed("model 3010\nfirmware 1.23\nfiles 300 1 9"), clock);
+    Receiver receiver(Parsed("model 3010\nfirmware 1.23\nfiles 300 1 9"), kStill);
     EXPECT_EQ(Ask(receiver, 0x60, "00 FF"), kRefused);
     EXPECT_EQ(Ask(receiver, 0x68, "00 02"), kRefused) << "it is not in the bin";
     EXPECT_EQ(Ask(receiver, 0x60, "00 02"), kAccepted);
@@ -120,9 +118,8 @@ TEST(ReceiverFiles, APicaNamesFilesByAnIndexThatIsNever255)
 
 TEST(ReceiverFiles, AListFollowsItsPatternAndItsManner)
 {
-    const HandClock clock;
     const std::string files = "firmware 3.2\n" + std::string(kThreeFiles);
-    Receiver receiver(Parsed(files), clock);
+    Receiver receiver(Parsed(files), kStill);
     EXPECT_EQ(Listed(receiver, "*.Q01"), "A.Q01 B.Q01* C.Q01 ");
     EXPECT_EQ(Listed(receiver, "*.Q1D"), "A.Q1D ");
     EXPECT_EQ(Listed(receiver, "B.Q01"), "B.Q01* ");
@@ -130,18 +127,18 @@ TEST(ReceiverFiles, AListFollowsItsPatternAndItsManner)
     EXPECT_EQ(Ask(receiver, 0x9C, Name("*.Q09")),
               std::vector<Bytes>{MakeFrame(0x9D, Bytes{0x80, 0})});
 
-    Receiver many(Shipped("many-files"), clock);
+    Receiver many(Shipped("many-files"), kStill);
     const std::vector<Bytes> pages = Ask(many, 0x9C, Name("*.Q02"));
     ASSERT_EQ(pages.size(), 75U);
     for (std::size_t i = 0; i < pages.size(); ++i) {
         EXPECT_EQ(pages[i][4], i == 74 ? 0x80 | 74 : i);
     }
-    Receiver backwards(Parsed("listing backwards\nfiles 20 1 9"), clock);
+    Receiver backwards(Parsed("listing backwards\nfiles 20 1 9"), kStill);
     const std::vector<Bytes> turned = Ask(backwards, 0x9C, Name("*"));
     ASSERT_EQ(turned.size(), 3U);
     EXPECT_EQ(turned[0][4], 2);
     EXPECT_EQ(turned[2][4], 0x80) << "page 0 ends the list";
-    Receiver endless(Parsed("listing endless\nfiles 20 1 9"), clock);
+    Receiver endless(Parsed("listing endless\nfiles 20 1 9"), kStill);
     static_cast<void>(endless.Answer(FrameRequest(MakeFrame(0x9C, Name("*")))));
     for (int i = 0; i < 1000; ++i) {
         const std::optional<Bytes> page = endless.NextFrame();
@@ -175,14 +172,13 @@ TEST(ReceiverFiles, ADownloadBeginsAndEndsWhereItIsAskedTo)
         {"file in the bin", "D.Q1D", 0, 0, 1, 0, 2},
         {"file being logged", "O.Q01", 0, 0, 1, 0, 4},
     };
-    const HandClock clock;
     Receiver receiver(Parsed("firmware 3.2\n"
                              "file A 2500 2026-03-14 01:30 announces 4294967295\n"
                              "file B 2000 2026-03-14 01:30\n"
                              "file E 0 2026-03-14 01:30\n"
                              "file D 9 2026-03-14 01:30 deleted\n"
                              "file O 9 2026-03-14 01:30 open\n"),
-                      clock);
+                      kStill);
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.fault);
         const auto frames = Ask(receiver, 0x96, DownloadData(row.name, row.offset, row.blocks));
@@ -205,17 +201,16 @@ TEST(ReceiverFiles, FreeMemoryFollowsThem)
         const Bytes status = Data(receiver, 0x6B);
         return std::string(status.begin() + 19, status.begin() + 21);
     };
-    const HandClock clock;
     const std::string files = "memory-mb 10\nfile A 3145728 2026-03-14 01:30\n"; // 3 MB
-    Receiver computed(Parsed(files + "free-memory files"), clock);
+    Receiver computed(Parsed(files + "free-memory files"), kStill);
     EXPECT_EQ(tenths(computed), "07");
     EXPECT_EQ(Ask(computed, 0xA0, Name("A.Q01")), kAccepted);
     EXPECT_EQ(tenths(computed), "10");
-    Receiver said(Parsed(files + "free-memory 2"), clock);
+    Receiver said(Parsed(files + "free-memory 2"), kStill);
     EXPECT_EQ(tenths(said), "02");
     EXPECT_EQ(Ask(said, 0xA0, Name("A.Q01")), kAccepted);
     EXPECT_EQ(tenths(said), "05");
-    Receiver withBin(Parsed("firmware 3.2\nfree-memory files\n" + files), clock);
+    Receiver withBin(Parsed("firmware 3.2\nfree-memory files\n" + files), kStill);
     EXPECT_EQ(Ask(withBin, 0xA0, Name("A.Q01")), kAccepted);
     EXPECT_EQ(tenths(withBin), "07") << "the recycle bin is memory, too";
 }

@@ -30,10 +30,9 @@ TEST(Receiver, RefusesWhatItDoesNotKnow)
         {"signals of a wrong length", "lark", 0x53, "0E 00 00 00"},
         {"an unknown speed of the bubble", "tilted", 0xC8, "0A 15"},
     };
-    const HandClock clock;
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.fault);
-        Receiver receiver(Shipped(std::string(row.scenario)), clock);
+        Receiver receiver(Shipped(std::string(row.scenario)), kStill);
         EXPECT_EQ(Ask(receiver, row.type, row.data), kRefused);
     }
 }
@@ -60,8 +59,7 @@ TEST(Receiver, TimeAndBatteryRunWithTheClockAndTheSpeed)
 
 TEST(Receiver, CommandsChangeItsState)
 {
-    const HandClock clock;
-    Receiver receiver(Shipped("lark"), clock);
+    Receiver receiver(Shipped("lark"), kStill);
 
     EXPECT_EQ(Ask(receiver, 0x53, "9E 03 00"), kAccepted);
     EXPECT_EQ(receiver.Kept(0x53), Hex("9E 03 00"));
@@ -82,8 +80,7 @@ TEST(Receiver, CommandsChangeItsState)
 
 TEST(Receiver, SleepsWhenSwitchedOffUntilItIsAskedForItsStatus)
 {
-    const HandClock clock;
-    Receiver receiver(Shipped("lark"), clock);
+    Receiver receiver(Shipped("lark"), kStill);
     EXPECT_EQ(Ask(receiver, 0x84, "01 00"), kAccepted);
     EXPECT_TRUE(Ask(receiver, 0x06).empty());
     EXPECT_EQ(Ask(receiver, 0x08).size(), 1U);

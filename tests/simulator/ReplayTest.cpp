@@ -1,5 +1,4 @@
 #include "simulator/Replay.h"
-#include "simulator/ExchangeRecord.h"
 #include "tests/simulator/Support.h"
 
 namespace fieldcore::simulator::test {
@@ -18,13 +17,6 @@ constexpr std::string_view kLog = "00:1.000 Rcvr Rx [55 ]\r\n" // before any req
                                   "00:1.000 Rcvr Tx [03 ]";
 
 } // namespace
-
-TEST(ExchangeRecord, WritesALineAsTheLogHasIt)
-{
-    EXPECT_EQ(LogLine(Direction::ToReceiver, Hex("02 00 08 00 08 03")),
-              "00:1.000 Rcvr Tx [02 00 08 00 08 03 ]\r\n");
-    EXPECT_EQ(LogLine(Direction::FromReceiver, Hex("06 FA")), "00:1.000 Rcvr Rx [06 FA ]\r\n");
-}
 
 TEST(Replay, AnswersInTheOrderOfTheLogAndElseByTheRequest)
 {

@@ -22,17 +22,6 @@ namespace fieldcore::simulator::test {
 
 namespace fs = std::filesystem;
 
-TEST(Simulator, AnswersWhoOpensItsPort)
-{
-    const auto simulator = Started(Shipped("lark"));
-    const Client client(simulator->PortPath());
-    EXPECT_EQ(client.Ask(kSerialRequest, kSerialSize).at(2), 0x07);
-    EXPECT_EQ(client.Ask({0x00}, 46).at(2), 0x6E);
-    EXPECT_EQ(client.Ask(kAbortRequest, 1), Bytes{kAck});
-    EXPECT_EQ(client.Ask(Hex("47 4F 0D 0A"), 4), Hex("4F 4B 0D 0A"));
-    EXPECT_EQ(simulator->RequestCount(), 4U);
-}
-
 TEST(Simulator, BytesSentWhileNobodyHasThePortOpenAreNotEchoed)
 {
     const auto simulator = Started(Shipped("lark"));
@@ -74,20 +63,6 @@ TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
         EXPECT_TRUE(simulator->Plug()) << "plugged in already";
         EXPECT_EQ(simulator->PortPath(), path);
     }
-}
-
-TEST(Simulator, ARebootIsSilenceOnAPortThatStays)
-{
-    HandClock clock;
-    const auto simulator = Started(Shipped("lark"), {}, clock);
-    simulator->AddFault(ParsedRule("reboot 5000 count 1"));
-    const Client client(simulator->PortPath());
-    ASSERT_TRUE(client.Send(kSerialRequest) && client.Send(kSerialRequest));
-    while (simulator->RequestCount() < 2) {
-        std::this_thread::yield();
-    }
-    clock.Advance(5s);
-    EXPECT_EQ(client.Ask(kAbortRequest, 1), Bytes{kAck}) << "something was answered in between";
 }
 
 TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)

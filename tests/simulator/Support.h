@@ -30,6 +30,7 @@ using fieldcore::testing::HandClock;
 using fieldcore::testing::Hex;
 using fieldcore::testing::ParsedRule;
 
+inline const HandClock kStill; ///< for whom no time passes
 inline const std::vector<Bytes> kAccepted{Bytes{kAck}};
 inline const std::vector<Bytes> kRefused{Bytes{kNak}};
 inline const Bytes kSerialRequest = Hex("02 00 06 00 06 03");

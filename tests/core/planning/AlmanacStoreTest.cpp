@@ -6,7 +6,6 @@
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/SurveyPlanCalc.h"
 #include "core/platform/Utf8.h"
-#include "core/resources/StringTable.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/Hex.h"
@@ -281,20 +280,6 @@ TEST(AlmanacStore, RemembersWhereTheAlmanacComesFrom)
     EXPECT_EQ(source().origin, AlmanacOrigin::Nominal) << "made up, whatever it came through";
     ASSERT_EQ(store.Import(std::span(records).first(6)), AlmanacResult::Done);
     EXPECT_EQ(source().origin, AlmanacOrigin::Unknown);
-}
-
-TEST(AlmanacStore, TellsTheUserWhatHappened)
-{
-    const auto said = [](AlmanacResult result) {
-        return std::wstring(Text(MessageOf(result).text)) + L"|" + Text(MessageOf(result).caption);
-    };
-    EXPECT_EQ(said(AlmanacResult::Done), L"軌道暦を更新しました|軌道暦更新");
-    EXPECT_EQ(said(AlmanacResult::NotWritten), L"ファイル書き込みに失敗しました。|ファイルエラー");
-    EXPECT_EQ(said(AlmanacResult::NotRead), L"ファイル読み込みに失敗しました。|ファイルエラー");
-    EXPECT_EQ(said(AlmanacResult::TooFew),
-              L"軌道暦データ数が4以下です。受信機へアンテナを接続し、衛星捕捉を15分以上行ってから"
-              L"再度暦データを取得してください。|軌道暦更新エラー");
-    EXPECT_EQ(said(AlmanacResult::Cancelled), L"|") << "the user knows";
 }
 
 } // namespace

@@ -115,27 +115,10 @@ constexpr double Dms(double degrees, double minutes, double seconds)
     return RadiansOf(degrees + minutes / 60 + seconds / 3600);
 }
 
-// The origin of longitude and latitude of Japan, by the law before 2002 and after it.
+// The origin of longitude and latitude of Japan, by the law before 2002.
 constexpr GeodeticPosition kOldOrigin{Dms(35, 39, 17.5148), Dms(139, 44, 40.5020), 0.0};
-constexpr GeodeticPosition kNewOrigin{Dms(35, 39, 29.1572), Dms(139, 44, 28.8759), 0.0};
 
-// The translations fit the whole of Japan and not this place: 0.05" are 1.5 m, and an error of
-// direction would be twice the 12" between the datums.
-constexpr double kFitRad = Dms(0, 0, 0.05);
-
-TEST(TokyoDatum, ShiftsTheOriginOfJapan)
-{
-    const auto shifted = Jgd2000OfTokyo(kOldOrigin);
-    ASSERT_TRUE(shifted);
-    EXPECT_NEAR(shifted->latitudeRad, kNewOrigin.latitudeRad, kFitRad);
-    EXPECT_NEAR(shifted->longitudeRad, kNewOrigin.longitudeRad, kFitRad);
-
-    // Heights of the old datum are levelled, those of the new one stand on the ellipsoid: the
-    // geoid lies about 37 m above it there.
-    EXPECT_NEAR(shifted->heightM, 37.0, 1.0);
-}
-
-// From cape to cape, for what the place above would forgive: a wrong digit.
+// From cape to cape.
 TEST(TokyoDatum, MovesEarthFixedPointsByThePublishedMetres)
 {
     const GeodeticPosition places[] = {

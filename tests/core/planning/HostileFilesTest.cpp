@@ -10,10 +10,8 @@
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <iterator>
-#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -40,43 +38,6 @@ ObstructionCurtain Striped()
         curtain[k] = static_cast<std::uint8_t>(k % 2 == 0 ? 10 : 20);
     }
     return curtain;
-}
-
-TEST(HostileFiles, CutAnywhereAnAlmanacKeepsItsWholeRecords)
-{
-    const auto content = SampleFile(3);
-    CSurveyPlanCalc calc;
-    for (std::size_t length = 0; length < content.size(); ++length) {
-        const auto whole = static_cast<int>(length / kAlmanacRecordSize);
-        EXPECT_EQ(calc.LoadAlmanac(std::span(content).first(length)), whole > 0) << length;
-        for (int index = 0; index < 3; ++index) {
-            EXPECT_EQ(calc.IsValid(index), index < whole ? 1 : 0) << length;
-        }
-    }
-}
-
-TEST(HostileFiles, AFlippedBitConcernsOneSatellite)
-{
-    auto content = SampleFile(2);
-    CSurveyPlanCalc good;
-    CSurveyPlanCalc damaged;
-    ASSERT_TRUE(good.LoadAlmanac(content));
-    for (CSurveyPlanCalc* calc : {&good, &damaged}) {
-        calc->SetTime(testing::kSampleWeek, 400000.0);
-    }
-    static_cast<void>(good.TestVisibility(1));
-    const double x = good.GetSatellite(1).GetPosition().x;
-    ASSERT_NE(x, 0.0);
-    for (std::size_t bit = 0; bit < 8 * kAlmanacRecordSize; ++bit) {
-        content[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
-        ASSERT_TRUE(damaged.LoadAlmanac(content));
-        content[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
-        static_cast<void>(damaged.CountVisible());
-        static_cast<void>(damaged.ComputeDop());
-        EXPECT_EQ(damaged.GetSatellite(1).GetPosition().x, x) << bit;
-        const CAlmanacSatellite& first = damaged.GetSatellite(0);
-        EXPECT_TRUE(first.IsVisible() == 0 || std::isfinite(first.GetPosition().x)) << bit;
-    }
 }
 
 TEST(HostileFiles, CutAnywhereACurtainLosesOnlyWhatIsCutOff)

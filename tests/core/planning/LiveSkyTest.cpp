@@ -22,7 +22,7 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -165,7 +165,7 @@ protected:
 };
 
 constexpr const char* kMovingSky = "start 2026-03-18 23:59:42\nposition -33.9 151.2 40\nmask 15\n"
-                                   "options l2 glonass\nalmanacs 31\nsatellite R4 334 62 47.25\n";
+                                   "options l2\nalmanacs 31\n";
 
 TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
 {
@@ -179,6 +179,7 @@ TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
         SCOPED_TRACE(hour);
         ASSERT_TRUE(PollAfter(std::chrono::hours(hour)));
         ASSERT_EQ(poll->GetNow().state, LiveSkyPoll::State::Good);
+        calc.SetElMask(0.0);
         calc.SetTime(2410, 345600.0 + hour * 3600.0); // 2026-03-19 00:00:00 GPS time
         const int above = calc.CountVisible();
         const std::vector<LiveSatellite> gps = poll->GetNow().sky.Satellites(Constellation::Gps);
@@ -199,7 +200,12 @@ TEST_F(LiveSkyPollTest, ShowsSatellitesWhereTheirOrbitsHaveThem)
             EXPECT_EQ(predicted[i].prn, gps[i].number);
             EXPECT_NEAR(predicted[i].direction.elevationRad, orbit.GetElevation(), 1e-6) << "rad";
         }
-        EXPECT_EQ(poll->GetNow().sky.Count(Constellation::Glonass).solid, 1);
+        PositionStatusReply fix;
+        ASSERT_EQ(far->command.RequestPositionStatus(fix), 1);
+        calc.SetElMask(RadiansOf(15.0));
+        EXPECT_EQ(fix.satellitesUsed, calc.CountVisible());
+        EXPECT_NEAR(fix.pdop, calc.ComputeDop().pdop, 1e-6 * fix.pdop) << "single precision";
+        EXPECT_NEAR(std::hypot(fix.hdop, fix.vdop), fix.pdop, 1e-6 * fix.pdop);
     }
     EXPECT_EQ(Asked(0x30), 2) << "the site is asked for again after half a minute";
     EXPECT_TRUE(PollAfter(29s));
@@ -271,22 +277,23 @@ TEST_F(LiveSkyPollTest, TellsUsedSatellitesFromTrackedOnes)
 
 TEST_F(LiveSkyPollTest, KeepsTheLastSkyWhenTheReceiverFails)
 {
-    const std::pair<const char*, LiveSkyPoll::State> rows[] = {
-        {"drop on 16", LiveSkyPoll::State::Silent},
-        {"corrupt on 16", LiveSkyPoll::State::Damaged},
-        {"wrong-type on 16", LiveSkyPoll::State::Damaged},
-        {"zero-length on 16", LiveSkyPoll::State::Damaged},
-        {"nak on 16", LiveSkyPoll::State::Refused},
-        {"hang-up on 16", LiveSkyPoll::State::LinkLost},
+    using State = LiveSkyPoll::State;
+    const std::tuple<const char*, State, int> rows[] = {
+        {"drop on 16", State::Silent, text::kSkySilent},
+        {"corrupt on 16", State::Damaged, text::kSkyDamaged},
+        {"wrong-type on 16", State::Damaged, text::kSkyDamaged},
+        {"zero-length on 16", State::Damaged, text::kSkyDamaged},
+        {"nak on 16", State::Refused, text::kSkyRefused},
+        {"hang-up on 16", State::LinkLost, text::kSkyLinkLost},
     };
-    for (const auto& [fault, state] : rows) {
+    for (const auto& [fault, state, words] : rows) {
         SCOPED_TRACE(fault);
         Start("satellite G5 118 37 45.3\nsatellite R4 334 62 47.25\n"); // one frame holds both
         ASSERT_TRUE(poll->Poll(far->command));
         far->AddFault(fault);
         EXPECT_FALSE(PollAfter(10s));
         EXPECT_EQ(poll->GetNow().state, state);
-        EXPECT_NE(Text(LiveSkyTextId(state)), std::wstring());
+        EXPECT_EQ(LiveSkyTextId(state), words);
         EXPECT_EQ(poll->GetNow().sky.Count(std::nullopt).inView, 2);
         EXPECT_TRUE(poll->GetNow().sky.IsStale(far->clock.Steady()));
     }

@@ -85,32 +85,6 @@ TEST(PlanSite, IsReadFromTheSiteFile)
     }
 }
 
-TEST(PlanSite, SurvivesEveryDamageOfTheFile)
-{
-    const TemporaryFolder folder;
-    const std::string whole = ToCp932(L"[基準点]\r\nLAT=36.0\r\nLON=140.05\r\nHGT=72.5\r\n");
-    const auto read = [&](const std::string& content) {
-        folder.Write("GSurveyPlan.ini", content);
-        const SiteEntry entry = ReadSite(folder.Path(), L"基準点");
-        static_cast<void>(SiteNames(folder.Path()));
-        // Wherever the cut or the flipped bit is, what is read is a number or not there.
-        EXPECT_TRUE(!entry.latitudeRad || std::isfinite(*entry.latitudeRad));
-        return entry;
-    };
-    for (std::size_t length = 0; length <= whole.size(); ++length) {
-        const SiteEntry entry = read(whole.substr(0, length));
-        EXPECT_TRUE(entry.IsComplete() == (length >= whole.find("HGT=") + 4)) << length;
-    }
-    for (std::size_t bit = 0; bit < whole.size() * 8; ++bit) {
-        std::string damaged = whole;
-        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
-        static_cast<void>(read(damaged));
-    }
-    std::filesystem::remove(SitesPath(folder.Path()));
-    std::filesystem::create_directory(SitesPath(folder.Path()));
-    EXPECT_TRUE(ReadSite(folder.Path(), L"基準点").IsEmpty()) << "a folder";
-}
-
 TEST(PackedDegrees, AreWrittenAsTheyAreRead)
 {
     struct Row

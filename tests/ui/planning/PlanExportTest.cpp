@@ -1,7 +1,6 @@
 #include "ui/planning/PlanExport.h"
 
 #include "core/planning/PlanCsv.h"
-#include "core/platform/WholeFile.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/core/settings/FileSizeLimit.h"
 #include "tests/ui/planning/SamplePlan.h"
@@ -21,12 +20,6 @@ namespace {
 
 using testing::SampleDrawing;
 using testing::SamplePlan;
-
-std::string ContentOf(const std::filesystem::path& file)
-{
-    const auto content = ReadWholeFile(file, 10'000'000);
-    return content ? std::string(content->begin(), content->end()) : std::string("no file");
-}
 
 class PlanExportTest : public ::testing::Test
 {

@@ -2,6 +2,7 @@
 
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/PlanSite.h"
+#include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/HandClock.h"
@@ -71,12 +72,9 @@ protected:
 
     void WriteAlmanac(int week, int satellites = 31) const
     {
-        std::string content;
-        for (const AlmanacRecord& record : NominalConstellation(satellites, week, 405504)) {
-            const AlmanacBytes bytes = EncodeAlmanac(record);
-            content.append(bytes.begin(), bytes.end());
-        }
-        home.Write("GSurveyPlan.alm", content);
+        const auto content = FileOf(NominalConstellation(satellites, week, 405504));
+        home.Write("GSurveyPlan.alm",
+                   {reinterpret_cast<const char*>(content.data()), content.size()});
     }
     Screen& Show(int loadWay = 0, QSize size = {480, 640})
     {

@@ -220,17 +220,5 @@ TEST(LabelPlacer, WritesNoLabelOnAnother)
     EXPECT_FALSE(none.Draw(painter, {2.0, 2.0}, QStringLiteral("32"), 3.0)) << "out of bounds";
 }
 
-TEST(PaintGraph, SaysWhyThereIsNothing)
-{
-    const ObservationPlan empty = SamplePlan(0, 9, 4);
-    PlanDrawing drawing;
-    EXPECT_FALSE(drawing.Obstacle().isEmpty());
-    drawing = SampleDrawing(empty, PlanGraph::Pdop);
-    EXPECT_FALSE(drawing.Obstacle().isEmpty());
-    EXPECT_FALSE(PictureOf(drawing, PlotStyle::OnPaper()).isNull());
-    const ObservationPlan plan = SamplePlan(31, 9, 4);
-    EXPECT_EQ(SampleDrawing(plan, PlanGraph::Pdop).Obstacle(), QString());
-}
-
 } // namespace
 } // namespace fieldcore

@@ -2,11 +2,11 @@
 
 #include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
+#include "tests/core/planning/SampleSky.h"
 #include "ui/planning/PlanDrawing.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <vector>
 
 namespace fieldcore::testing {
 
@@ -14,13 +14,8 @@ namespace fieldcore::testing {
 [[nodiscard]] inline ObservationPlan SamplePlan(int satellites, int startHour, int hours)
 {
     using namespace std::chrono_literals;
-    std::vector<std::uint8_t> content;
-    for (const AlmanacRecord& record : NominalConstellation(satellites, 2445, 405504)) {
-        const AlmanacBytes bytes = EncodeAlmanac(record);
-        content.insert(content.end(), bytes.begin(), bytes.end());
-    }
     ObservationPlan plan;
-    plan.Calc().LoadAlmanac(content);
+    plan.Calc().LoadAlmanac(FileOf(NominalConstellation(satellites, 2445, 405504)));
     plan.Calc().SetObserver({RadiansOf(35.69), RadiansOf(139.75), 60.0});
     ObstructionCurtain curtain{};
     std::fill(curtain.begin() + 150, curtain.begin() + 210, std::uint8_t{35});
