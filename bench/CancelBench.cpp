@@ -3,7 +3,7 @@
 
 #include "bench/Measuring.h"
 #include "core/link/Command.h"
-#include "core/link/ConnectSequence.h"
+#include "core/link/Connect.h"
 #include "tests/core/link/FarEnd.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/QtHost.h"

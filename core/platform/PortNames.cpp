@@ -91,11 +91,6 @@ bool PortNames::Assign(int com, const std::string& path)
     return true;
 }
 
-void PortNames::Unassign(int com)
-{
-    m_assigned.erase(com);
-}
-
 std::string PortNames::DevicePath(int com) const
 {
     const auto assigned = m_assigned.find(com);

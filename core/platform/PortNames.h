@@ -60,9 +60,6 @@ public:
     /// absolute
     [[nodiscard]] bool Assign(int com, const std::string& path);
 
-    /// Gives COM @p com back to the built-in port.
-    void Unassign(int com);
-
     /// What was assigned, by COM number.
     [[nodiscard]] const std::map<int, std::string>& Assigned() const { return m_assigned; }
 

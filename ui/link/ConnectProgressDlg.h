@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/equipment/LinkSearch.h"
-#include "core/link/ConnectSequence.h"
+#include "core/link/Connect.h"
 #include "core/platform/Clock.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/RoleLabel.h"

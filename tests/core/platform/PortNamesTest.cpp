@@ -104,8 +104,6 @@ TEST(PortNames, BuiltInPortLosesItsNumberToAnAssignedOne)
 
     ASSERT_TRUE(names.Assign(2, "/dev/ttyUSB0"));
     EXPECT_EQ(names.ComNumber("/dev/ttyS1"), std::nullopt);
-    names.Unassign(2);
-    EXPECT_EQ(names.ComNumber("/dev/ttyS1"), 2);
 }
 
 } // namespace
