@@ -4,6 +4,7 @@
 #include "app/SettingsSheet.h"
 #include "app/Worlds.h"
 #include "core/host/MesBox.h"
+#include "core/link/Questions.h"
 #include "core/link/RecvForceInit.h"
 #include "core/platform/Version.h"
 #include "ui/controls/FileChoice.h"

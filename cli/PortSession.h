@@ -3,8 +3,8 @@
 #include "cli/TerminalHost.h"
 
 #include "core/link/Command.h"
+#include "core/link/Connect.h"
 #include "core/link/ConnectChoice.h"
-#include "core/link/ConnectSequence.h"
 #include "core/link/SerialLink.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/Folders.h"

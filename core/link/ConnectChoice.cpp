@@ -57,6 +57,13 @@ FoundTarget Unusable(const std::string& port, int cause, std::string detail)
 
 } // namespace
 
+int OpenTarget(CCommand& command, const ConnectTarget& target)
+{
+    return target.devicePath.empty()
+               ? command.OpenPort(target.port, target.settings)
+               : command.OpenPort(target.devicePath, target.settings, target.port);
+}
+
 std::optional<std::string> StoredPort(SettingsRoots& roots)
 {
     const SettingsRead read =

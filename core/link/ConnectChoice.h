@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/ConnectSequence.h"
+#include "core/link/Command.h"
 #include "core/platform/PortNames.h"
 #include "core/settings/Reg.h"
 #include "core/settings/SettingsRoots.h"
@@ -11,6 +11,19 @@
 #include <string>
 
 namespace fieldcore {
+
+/// Where the receiver is reached, and how.
+struct ConnectTarget
+{
+    int port = 1;           ///< COM number; 1 is the cable, any other a Bluetooth serial port
+    std::string devicePath; ///< a device of this machine in place of the COM number
+    PortSettings settings;
+
+    [[nodiscard]] bool IsBluetooth() const { return port != 1; }
+};
+
+/// Opens the port of the target. @return 1 if it is open
+int OpenTarget(CCommand& command, const ConnectTarget& target);
 
 /// The rates that a receiver's port can be set to, bit/s.
 inline constexpr std::array<std::uint32_t, 7> kBaudRates{2400,  4800,  9600,  19200,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/ConnectSequence.h"
+#include "core/link/ConnectChoice.h"
 #include "core/link/Receiver.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/link/Replies.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/ConnectSequence.h"
+#include "core/link/ConnectChoice.h"
 
 namespace fieldcore {
 

@@ -396,13 +396,6 @@ std::size_t SerialLink::GetDeliveredLength() const
     return m_deliveries.Next().length;
 }
 
-std::vector<std::uint8_t> SerialLink::GetUnsolicitedFrame() const
-{
-    const std::scoped_lock lock(m_intake);
-    const auto frame = m_assembler.Unsolicited();
-    return {frame.begin(), frame.end()};
-}
-
 LinkError SerialLink::TakeErrorCode()
 {
     const std::scoped_lock lock(m_mutex);

@@ -213,7 +213,6 @@ public:
 
     /// What was last applied with success.
     [[nodiscard]] const LineSettings& AppliedLineSettings() const { return m_lineSettings; }
-    [[nodiscard]] const PortTimeouts& AppliedTimeouts() const { return m_timeouts; }
 
     /// How long an answer may take, and what bytes are taken for.
     [[nodiscard]] std::chrono::milliseconds GetReplyTimeout() const { return m_replyTimeout; }
@@ -229,8 +228,6 @@ public:
     /// What was delivered last, and how many bytes.
     [[nodiscard]] ExchangeState GetExchangeState() const;
     [[nodiscard]] std::size_t GetDeliveredLength() const;
-    /// The last received frame of type 0x40, which is never delivered; empty if none came.
-    [[nodiscard]] std::vector<std::uint8_t> GetUnsolicitedFrame() const;
 
     /// The last failure; reading it clears the code.
     LinkError TakeErrorCode();

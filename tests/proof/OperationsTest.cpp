@@ -1,6 +1,6 @@
 // What is done over the line, where the receiver goes away or the machine has nothing to give.
 
-#include "core/link/ConnectSequence.h"
+#include "core/link/Connect.h"
 #include "core/link/DirectoryListing.h"
 #include "core/link/FrameHistory.h"
 #include "core/link/Questions.h"

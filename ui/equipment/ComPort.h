@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/equipment/PortEdit.h"
-#include "core/link/ConnectSequence.h"
+#include "core/link/ConnectChoice.h"
 #include "core/link/Questions.h"
 #include "ui/controls/PropertySheet.h"
 

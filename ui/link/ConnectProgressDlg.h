@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/link/ConnectSequence.h"
+#include "core/link/Connect.h"
 #include "core/platform/Clock.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/RoleLabel.h"

@@ -1,4 +1,4 @@
-#include "core/link/ConnectSequence.h"
+#include "core/link/Connect.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/support/ProofSize.h"
