@@ -9,7 +9,8 @@ namespace {
 std::wstring Filled(std::wstring_view part, std::wstring_view which)
 {
     const std::size_t star = part.find(L'*');
-    return star == part.npos ? std::wstring(part) : std::wstring(part).replace(star, 1, which);
+    return star == std::wstring_view::npos ? std::wstring(part)
+                                           : std::wstring(part).replace(star, 1, which);
 }
 
 } // namespace

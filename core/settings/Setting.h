@@ -13,8 +13,7 @@ namespace fieldcore {
 
 inline constexpr bool kNearest = true;
 
-/// A setting that the library or the controller keeps. What is missing or of another type reads as
-/// its default.
+/// A setting that is kept. What is missing or of another type reads as its default.
 struct Setting
 {
     struct Number
@@ -44,7 +43,7 @@ struct Setting
 
 /// All of them, as docs/settings.md has them.
 inline constexpr Setting kSettings[] = {
-    {L"Ports\\COM*", {}, "the device's path, best below `/dev/serial/by-id`", L""},
+    {L"Ports\\COM*", {}, "whole path of the device, best below `/dev/serial/by-id`", L""},
     {L"GPS\\Connect\\Port", {}, "how the receiver was last reached: COM1, a path, `sim:`", L""},
     {L"GPS\\Com\\Com*\\Baudlate", {9600}, "bit/s, 38400 of port 0; unknown: 9600"},
     {L"GPS\\Com\\Com*\\Length", {8}, "data bits, 8 or 7"},
@@ -52,7 +51,7 @@ inline constexpr Setting kSettings[] = {
     {L"GPS\\Com\\Com*\\Stopbit", {}, "0 one, 2 two"},
     {L"GPS\\Com\\Com*\\Flow", {}, "0 none, 1 Xon/Xoff, 2 CTS"},
     {L"GPS\\Com\\Com*\\Told", {}, "what a receiver was told last, and its serial number", L""},
-    {L"GPS\\*\\ActivePage", {}, "page that was open last: `Com`, of the ports"},
+    {L"GPS\\*\\ActivePage", {}, "page that was open last; `Com` of the ports"},
     {L"GPS\\Antenna\\*\\AntType", {}, "place of the type in the catalogue"},
     {L"GPS\\Antenna\\*\\AntWay", {}, "0 vertical height, else the method's place and 1"},
     {L"GPS\\Antenna\\*\\AntH*", {}, "the last ten heights, m, the one in use first", L""},
@@ -80,20 +79,22 @@ inline constexpr Setting kSettings[] = {
     {L"GPS\\SurveyPlan\\ElMask", {15, 0, 90, kNearest}, "mask, degrees"},
     {L"GPS\\SurveyPlan\\StartTime", {9, 0, 23, kNearest}, "first hour in Japan"},
     {L"GPS\\SurveyPlan\\DispTime", {2, 1, 24, kNearest}, "hours, not beyond midnight"},
-    {L"GPS\\SurveyPlan\\DrawType", {}, "0 count, 1 sky plot, 2 azimuth, 3 elevation, 4 to 6 DOP"},
+    {L"GPS\\SurveyPlan\\DrawType",
+     {},
+     "0 count, 1 sky plot, 2 azimuth, 3 elevation, 4 PDOP, 5 GDOP, 6 TDOP"},
     {L"GPS\\SurveyPlan\\ListCoord", {}, "0 degrees, minutes, seconds, 1 degrees"},
     {L"GPS\\SurveyPlan\\Position", {}, "site, a section of `GSurveyPlan.ini`", L"東京都千代田区"},
     {L"GPS\\SurveyPlan\\PositionNo", {13}, "its place in the list, from 1"},
     {L"GPS\\SurveyPlan\\PositionID", {}, "0 from the list, 1 from the receiver"},
-    {L"GPS\\SurveyPlan\\Conditions\\MinSatellites", {5, 4, 12, kNearest}, "least of a good window"},
-    {L"GPS\\SurveyPlan\\Conditions\\MaxPdop", {400, 100, 1000, kNearest}, "its PDOP, hundredths"},
-    {L"GPS\\SurveyPlan\\Conditions\\MinMinutes", {30, 5, 720, kNearest}, "its length"},
+    {L"GPS\\SurveyPlan\\Conditions\\MinSatellites", {5, 4, 12, kNearest}, "fewest of good windows"},
+    {L"GPS\\SurveyPlan\\Conditions\\MaxPdop", {400, 100, 1000, kNearest}, "their PDOP, hundredths"},
+    {L"GPS\\SurveyPlan\\Conditions\\MinMinutes", {30, 5, 720, kNearest}, "their length"},
     {L"GPS\\SurveyPlan\\Conditions\\SwitchedOff", {}, "not to count: bit k is PRN k + 1"},
     {L"GPS\\SurveyPlan\\Conditions\\Systems", {1}, "systems that count: bits for G R E C J S"},
     {L"GPS\\SurveyPlan\\Conditions\\ClockPerSystem", {}, "1 a clock for each"},
-    {L"GPS\\SurveyPlan\\Search\\Days", {14, 1, 31, kNearest}, "of the last search"},
+    {L"GPS\\SurveyPlan\\Search\\Days", {14, 1, 31, kNearest}, "days of the last search"},
     {L"GPS\\SurveyPlan\\Search\\StartTime", {8, 0, 23, kNearest}, "first hour in Japan"},
-    {L"GPS\\SurveyPlan\\Search\\Hours", {10, 1, 24, kNearest}, "of a day"},
+    {L"GPS\\SurveyPlan\\Search\\Hours", {10, 1, 24, kNearest}, "hours of a day"},
     {L"GPS\\SurveyPlan\\Search\\Site*", {}, "its sites, or a session's", L""},
     {L"GPS\\SkyPlot\\Constellation", {0, 0, 5}, "0 all systems, else the one shown"},
     {L"GPS\\SkyPlot\\View", {0, 0, 1}, "0 bars, 1 list"},

@@ -77,6 +77,7 @@ SignalSet LoadSignals(const CReg& reg, std::uint32_t typeNumber)
 int SaveSignals(const CReg& reg, std::uint32_t typeNumber, const SignalSet& chosen)
 {
     std::vector<SettingWrite> writes;
+    writes.reserve(kAllSignals.size());
     for (const Signal signal : kAllSignals) {
         writes.push_back(
             {SettingOf(signal), chosen.Has(signal) ? 1U : 0U, std::to_wstring(typeNumber)});

@@ -4,7 +4,7 @@
 #include "core/platform/NumberText.h"
 #include "core/resources/StringTable.h"
 
-#include <string>
+#include <algorithm>
 
 namespace fieldcore {
 

@@ -118,7 +118,10 @@ void CSkyPlot::MakeHead(QBoxLayout* layout)
     m_constellations = new ConstellationBar;
     SetControlId(m_constellations, kConstellations);
     m_constellations->Choose(StoredNumber(m_reg, kShown));
-    connect(m_constellations, &ConstellationBar::Changed, this, &CSkyPlot::ChooseConstellation);
+    connect(m_constellations, &ConstellationBar::Changed, this, [this] {
+        ShowSky();
+        KeepSettings();
+    });
     layout->addWidget(m_constellations);
 }
 
@@ -155,7 +158,10 @@ void CSkyPlot::MakeDetails()
     row->addWidget(m_showBars);
     row->addWidget(m_showList);
     (StoredNumber(m_reg, L"GPS\\SkyPlot\\View") == 1 ? m_showList : m_showBars)->setChecked(true);
-    connect(group, &QButtonGroup::idClicked, this, &CSkyPlot::ChooseView);
+    connect(group, &QButtonGroup::idClicked, this, [this] {
+        ArrangeDetails();
+        KeepSettings();
+    });
     column->addWidget(m_switch);
 
     m_bars = new SignalBars;
@@ -312,18 +318,6 @@ void CSkyPlot::ShowColumns()
     if (header->sectionResizeMode(0) != mode) {
         header->setSectionResizeMode(mode);
     }
-}
-
-void CSkyPlot::ChooseConstellation()
-{
-    ShowSky();
-    KeepSettings();
-}
-
-void CSkyPlot::ChooseView()
-{
-    ArrangeDetails();
-    KeepSettings();
 }
 
 void CSkyPlot::KeepSettings()

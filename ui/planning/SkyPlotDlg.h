@@ -82,8 +82,6 @@ private:
     void ShowSky();
     void ShowColumns();
     [[nodiscard]] QString Notice() const;
-    void ChooseConstellation();
-    void ChooseView();
     void KeepSettings();
     void ChooseSatellite(int row);
     void ArrangeDetails();
