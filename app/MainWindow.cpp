@@ -5,6 +5,7 @@
 #include "ui/controls/ButtonMenuDlg.h"
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/UiText.h"
+#include "ui/controls/Widgets.h"
 
 #include <QCloseEvent>
 #include <QResizeEvent>
@@ -61,22 +62,14 @@ MainWindow::MainWindow(QWidget* parent)
              {text::kAppThemeDaylight, text::kAppThemeDark, text::kAppThemeSystem});
     addPopup(text::kAppMenuHelp, {text::kVersionTitle, text::kAppAbout});
 
-    auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    // A wide window is arranged for its width, which must not keep it from becoming narrow again.
-    column->setSizeConstraint(QLayout::SetNoConstraint);
     setMinimumSize(kLeast);
-    column->addWidget(m_status);
-    m_body->setSpacing(0);
-    m_body->addWidget(m_home, 2);
-    m_body->addWidget(m_overview, 1);
-    column->addLayout(m_body, 1);
     constexpr int kBubbleRoom = 104; // of the small bubble, and some distance
     m_bubblePlace->setFixedHeight(kBubbleRoom);
     m_bubblePlace->hide();
-    column->addWidget(m_bubblePlace);
-    column->addWidget(m_menu);
+    LayOut(m_body, {}, 0, {{m_home, 2}, {m_overview, 1}});
+    // A wide window is arranged for its width, which must not keep it from becoming narrow again.
+    LayOut(new QVBoxLayout(this), {}, 0, {m_status, {m_body, 1}, m_bubblePlace, m_menu})
+        ->setSizeConstraint(QLayout::SetNoConstraint);
 
     connect(m_home, &CButtonMenuDlg::Chosen, this,
             [this](int index) { Q_EMIT Chosen(kButtons[index].text); });

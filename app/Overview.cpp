@@ -44,20 +44,12 @@ Overview::Overview(QWidget* parent)
     form->addRow(QStringLiteral("PDOP"), m_pdop);
     form->addRow(UiText(text::kAppBattery), m_battery);
     form->addRow(UiText(text::kAppReceived), m_received);
-    auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
-    row->setSpacing(2 * kMargin);
-    auto* const column = new QVBoxLayout;
-    column->setSpacing(kMargin);
-    column->addWidget(m_headline);
-    column->addLayout(form);
     m_next->setWordWrap(true);
-    column->addSpacing(2 * kMargin);
-    column->addWidget(m_nextHeading);
-    column->addWidget(m_next);
-    column->addStretch(1);
-    row->addLayout(column, 2);
-    row->addWidget(m_sky, 3);
+    QBoxLayout* const words = LayOut(
+        new QVBoxLayout, {}, kMargin,
+        {m_headline, form, BoxItem::Gap(2 * kMargin), m_nextHeading, m_next, BoxItem::Room()});
+    LayOut(new QHBoxLayout(this), {kMargin, kMargin, kMargin, kMargin}, 2 * kMargin,
+           {{words, 2}, {m_sky, 3}});
     SetWide(false);
     Show({});
 }

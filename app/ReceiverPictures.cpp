@@ -4,6 +4,7 @@
 #include "core/equipment/FileDestination.h"
 #include "core/equipment/FilePlan.h"
 #include "core/link/Connect.h"
+#include "core/platform/FastClock.h"
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "ui/controls/MessageDlg.h"
@@ -24,7 +25,6 @@
 #include <QGridLayout>
 #include <QPushButton>
 
-#include <atomic>
 #include <cmath>
 #include <iterator>
 #include <optional>
@@ -123,28 +123,6 @@ std::unique_ptr<QWidget> FileError()
 
 // How a receiver is.
 
-/// Goes with the real time, and leaps when told. Cannot be set.
-class LeapingClock final : public Clock
-{
-public:
-    [[nodiscard]] Duration Steady() const override
-    {
-        return SystemClock::Instance().Steady() + m_leapt.load();
-    }
-    [[nodiscard]] UtcTime Utc() const override
-    {
-        return UtcTime(std::chrono::sys_days(2026y / 3 / 19) + 3h) +
-               std::chrono::duration_cast<UtcTime::duration>(Steady() - m_began);
-    }
-    [[nodiscard]] bool SetUtc(UtcTime /*time*/) override { return false; }
-    [[nodiscard]] Duration RealTime(Duration duration) const override { return duration; }
-    void Leap(Duration duration) { m_leapt = m_leapt.load() + duration; }
-
-private:
-    std::atomic<Duration> m_leapt{};
-    const Duration m_began = SystemClock::Instance().Steady();
-};
-
 /// What an hour with a simulated receiver leaves behind.
 struct SimulatedHour
 {
@@ -162,7 +140,7 @@ SimulatedHour LiveAnHour()
     constexpr std::chrono::seconds kStep{10};
     constexpr int kRounds = 16; // at their usual pace, to end with a fresh battery
     std::string error;
-    LeapingClock clock;
+    FastClock clock(1.0, std::chrono::sys_days(2026y / 3 / 19) + 3h);
     Bench bench(simulator::ParseScenario("model 3017\nserial 00301701\noptions l2 rtk glonass\n"
                                          "almanacs 31\nmask 15\nbattery 34 16\npower-source 1\n",
                                          error),
@@ -323,7 +301,8 @@ Pictures ReceiverPictures(Controller& controller)
         {"tilt-cancelling",
          [bench = TiltBench("tilt-calibration succeeds 2\n")] {
              auto dialog = Calibrating(*bench);
-             dialog->CancelButton()->click();
+             bench->simulator.SetScripted([](auto) { return std::vector<std::uint8_t>(); });
+             dialog->CancelButton()->click(); // and the receiver takes its time
              return dialog;
          }},
         {"bubble-window",

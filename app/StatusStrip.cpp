@@ -39,19 +39,12 @@ StatusStrip::StatusStrip(QWidget* parent, Place place)
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::AlternateBase); // raised
     setAccessibleName(UiText(text::kAppStatus));
-    for (QHBoxLayout* const line : {m_line, m_below}) {
-        line->setContentsMargins(kMargin, 0, kMargin, 0);
-        line->setSpacing(kGap);
-    }
+    LayOut(m_line, {kMargin, 0, kMargin, 0}, kGap,
+           {m_lamp, m_fix, m_pdop, {m_receiver, 1}, m_time, m_battery});
+    LayOut(m_below, {kMargin, 0, kMargin, 0}, kGap, {});
     m_time->setMinimumWidth(1); // or the window could not become so narrow that it has to move
     m_receiver->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_time->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_line->addWidget(m_lamp);
-    m_line->addWidget(m_fix);
-    m_line->addWidget(m_pdop);
-    m_line->addWidget(m_receiver, 1);
-    m_line->addWidget(m_time);
-    m_line->addWidget(m_battery);
     for (QLabel* label :
          std::initializer_list<QLabel*>{m_lamp, m_fix, m_receiver, m_pdop, m_battery}) {
         label->setMinimumHeight(place == Place::Window ? kLineHeight : kSlimHeight);
@@ -65,14 +58,7 @@ StatusStrip::StatusStrip(QWidget* parent, Place place)
         words->setContentsMargins(kMargin, 0, kMargin, 0);
         words->setWordWrap(true);
     }
-    auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(m_line);
-    column->addLayout(m_below);
-    column->addWidget(m_broken);
-    column->addWidget(m_antenna);
-    column->addWidget(m_ribbon);
+    LayOut(new QVBoxLayout(this), {}, 0, {m_line, m_below, m_broken, m_antenna, m_ribbon});
     Show({});
 }
 

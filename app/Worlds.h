@@ -2,7 +2,7 @@
 
 #include "ui/equipment/ComPort.h"
 #include "ui/equipment/RecvFileMan.h"
-#include "ui/link/PortChooserDlg.h"
+#include "ui/link/PortChooser.h"
 #include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
 

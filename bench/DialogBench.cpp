@@ -10,7 +10,7 @@
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "ui/controls/Theme.h"
-#include "ui/link/PortChooserDlg.h"
+#include "ui/link/PortChooser.h"
 #include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
 

@@ -10,7 +10,7 @@ Clock::Duration FastClock::Steady() const
 {
     const std::chrono::duration<double, std::nano> real =
         std::chrono::steady_clock::now() - m_started;
-    return std::chrono::duration_cast<Duration>(real * m_speed);
+    return std::chrono::duration_cast<Duration>(real * m_speed) + m_leapt.load();
 }
 
 Clock::UtcTime FastClock::Utc() const

@@ -23,10 +23,14 @@ public:
     [[nodiscard]] bool SetUtc(UtcTime time) override;
     [[nodiscard]] Duration RealTime(Duration duration) const override;
 
+    /// Goes on at once by @p duration, 0 or more. Whoever waits does not notice.
+    void Leap(Duration duration) { m_leapt = m_leapt.load() + duration; }
+
 private:
     const double m_speed;
     const std::chrono::steady_clock::time_point m_started;
     std::atomic<UtcTime> m_dateAtStart;
+    std::atomic<Duration> m_leapt{};
 };
 
 } // namespace fieldcore

@@ -32,14 +32,8 @@ BusyStrip::BusyStrip(QWidget* window)
     setAccessibleName(UiText(text::kBusy));
     m_what->setWordWrap(true);
     m_cancel->setFocusPolicy(Qt::NoFocus); // the focus stays where the user left it
-    auto* const words = new QVBoxLayout;
-    words->setSpacing(0);
-    words->addWidget(m_what);
-    words->addWidget(m_seconds);
-    auto* const layout = new QHBoxLayout(m_bar);
-    layout->setContentsMargins(2 * kGrid, kGrid, kGrid, kGrid);
-    layout->addLayout(words, 1);
-    layout->addWidget(m_cancel);
+    LayOut(new QHBoxLayout(m_bar), {2 * kGrid, kGrid, kGrid, kGrid}, -1,
+           {{LayOut(new QVBoxLayout, {}, 0, {m_what, m_seconds}), 1}, m_cancel});
 }
 
 void BusyStrip::Update(int seconds)

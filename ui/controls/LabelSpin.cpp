@@ -30,12 +30,7 @@ LabelSpin::LabelSpin(QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_text->setAlignment(Qt::AlignCenter);
-    auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(TouchStyle::kGrid);
-    row->addWidget(m_minus);
-    row->addWidget(m_text, 1);
-    row->addWidget(m_plus);
+    LayOut(new QHBoxLayout(this), {}, TouchStyle::kGrid, {m_minus, {m_text, 1}, m_plus});
     connect(this, &QAbstractSlider::actionTriggered, this, [this] { m_isMoved = true; });
     Connect(m_minus, SliderSingleStepSub);
     Connect(m_plus, SliderSingleStepAdd);

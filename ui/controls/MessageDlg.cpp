@@ -101,22 +101,13 @@ MessageDlg::MessageDlg(const QString& text, const QString& caption, BoxStyle sty
     heading->setTextFormat(Qt::PlainText);
     m_text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
-    auto* const words = new QVBoxLayout;
-    words->addWidget(heading);
-    words->addWidget(m_scroll, 1);
-    auto* const top = new QHBoxLayout;
-    top->setSpacing(2 * kGrid);
-    top->addWidget(icon, 0, Qt::AlignTop);
-    top->addLayout(words, 1);
-    auto* const buttons = new QHBoxLayout;
-    buttons->setSpacing(kGrid);
-    buttons->addStretch(1);
+    QBoxLayout* const words = LayOut(new QVBoxLayout, {}, -1, {heading, {m_scroll, 1}});
+    QBoxLayout* const top =
+        LayOut(new QHBoxLayout, {}, 2 * kGrid, {{icon, 0, Qt::AlignTop}, {words, 1}});
+    QBoxLayout* const buttons = LayOut(new QHBoxLayout, {}, kGrid, {BoxItem::Room()});
     AddButtons(*buttons);
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
-    layout->setSpacing(2 * kGrid);
-    layout->addLayout(top, 1);
-    layout->addLayout(buttons);
+    constexpr QMargins kMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
+    LayOut(new QVBoxLayout(this), kMargins, 2 * kGrid, {{top, 1}, buttons});
 }
 
 void MessageDlg::AddButtons(QBoxLayout& row)

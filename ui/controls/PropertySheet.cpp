@@ -39,12 +39,7 @@ PropertySheet::PropertySheet(const QString& caption, QWidget* parent)
     row->setContentsMargins(12, kGrid, 12, 12);
     m_buttons->setLayout(row);
 
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, kGrid, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_tabs);
-    layout->addWidget(m_stack, 1);
-    layout->addWidget(m_buttons);
+    LayOut(new QVBoxLayout(this), {0, kGrid, 0, 0}, 0, {m_tabs, {m_stack, 1}, m_buttons});
 
     const auto turnBy = [this](const QKeySequence& keys, int step) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this,

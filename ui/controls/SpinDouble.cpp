@@ -2,6 +2,7 @@
 
 #include "ui/controls/StepButton.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/Widgets.h"
 
 #include <QDoubleSpinBox>
 #include <QHBoxLayout>
@@ -86,12 +87,7 @@ CSpinDouble::CSpinDouble(QWidget* parent)
     m_box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFocusProxy(m_box);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(TouchStyle::kGrid);
-    row->addWidget(m_minus);
-    row->addWidget(m_box, 1);
-    row->addWidget(m_plus);
+    LayOut(new QHBoxLayout(this), {}, TouchStyle::kGrid, {m_minus, {m_box, 1}, m_plus});
     connect(m_minus, &QAbstractButton::pressed, m_box, &QDoubleSpinBox::stepDown);
     connect(m_plus, &QAbstractButton::pressed, m_box, &QDoubleSpinBox::stepUp);
     connect(m_box, &QDoubleSpinBox::valueChanged, this, [this](double value) {

@@ -2,6 +2,7 @@
 
 #include "ui/controls/NMenuBar.h"
 #include "ui/controls/TouchStyle.h"
+#include "ui/controls/Widgets.h"
 
 #include <QHeaderView>
 #include <QTableWidget>
@@ -42,11 +43,7 @@ TableDlg::TableDlg(const QString& title, const QStringList& heads, const QList<Q
     }
     auto* const menu = new CnMenuBar;
     connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
-    auto* const whole = new QVBoxLayout(this);
-    whole->setContentsMargins(0, 0, 0, 0);
-    whole->setSpacing(0);
-    whole->addWidget(table, 1);
-    whole->addWidget(menu);
+    LayOut(new QVBoxLayout(this), {}, 0, {{table, 1}, menu});
     table->setFocus();
 }
 

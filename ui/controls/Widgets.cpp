@@ -46,6 +46,25 @@ QPushButton* MakeButton(int textId, const char* icon)
     return button;
 }
 
+QBoxLayout* LayOut(QBoxLayout* box, const QMargins& margins, int spacing,
+                   std::initializer_list<BoxItem> items)
+{
+    box->setContentsMargins(margins);
+    box->setSpacing(spacing);
+    for (const BoxItem& item : items) {
+        if (item.widget != nullptr) {
+            box->addWidget(item.widget, item.stretch, item.alignment);
+        } else if (item.layout != nullptr) {
+            box->addLayout(item.layout, item.stretch);
+        } else if (item.pixels > 0) {
+            box->addSpacing(item.pixels);
+        } else {
+            box->addStretch(item.stretch);
+        }
+    }
+    return box;
+}
+
 QScrollArea* MakeScroll(QWidget* content)
 {
     auto* const scroll = new QScrollArea;
@@ -71,12 +90,7 @@ void LayOutPage(Dialog& page, QWidget* content, QLayout* foot)
     auto* const menu = new CnMenuBar;
     QObject::connect(menu, &CnMenuBar::CloseRequested, &page, &Dialog::reject);
     foot->setContentsMargins(12, 0, 12, 0);
-    auto* const window = new QVBoxLayout(&page);
-    window->setContentsMargins({});
-    window->setSpacing(TouchStyle::kGrid);
-    window->addWidget(MakeScroll(content), 1);
-    window->addLayout(foot);
-    window->addWidget(menu);
+    LayOut(new QVBoxLayout(&page), {}, TouchStyle::kGrid, {{MakeScroll(content), 1}, foot, menu});
 }
 
 void AddFormRow(QFormLayout& form, const QString& label, QWidget* field)

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QBoxLayout>
 #include <QFont>
+
+#include <initializer_list>
 
 class QColor;
 class QFormLayout;
-class QLayout;
 class QPushButton;
 class QScrollArea;
 class QString;
@@ -24,6 +26,36 @@ class Dialog;
 /// A button as wide and high as those at the foot of a page.
 /// @param icon  name of one of the drawn icons; null: none
 [[nodiscard]] QPushButton* MakeButton(int textId, const char* icon = nullptr);
+
+/// What stands in a row or a column.
+struct BoxItem
+{
+    /// @param share  of the room that is left
+    BoxItem(QWidget* shown, int share = 0, Qt::Alignment where = {})
+        : widget(shown), stretch(share), alignment(where)
+    {}
+    BoxItem(QLayout* inner, int share = 0) : layout(inner), stretch(share) {}
+    /// The room that is left.
+    [[nodiscard]] static BoxItem Room() { return {static_cast<QWidget*>(nullptr), 1}; }
+    [[nodiscard]] static BoxItem Gap(int pixels)
+    {
+        BoxItem gap(static_cast<QWidget*>(nullptr));
+        gap.pixels = pixels;
+        return gap;
+    }
+
+    QWidget* widget = nullptr;
+    QLayout* layout = nullptr;
+    int stretch;
+    Qt::Alignment alignment;
+    int pixels = 0;
+};
+
+/// Fills a row or a column.
+/// @param spacing  between the items; -1: as the style or the layout around it has it
+/// @return @p box
+QBoxLayout* LayOut(QBoxLayout* box, const QMargins& margins, int spacing,
+                   std::initializer_list<BoxItem> items);
 
 /// What is higher than its page scrolls in here, and is as wide as the page. The focus goes to what
 /// is inside, and what has it is in sight.

@@ -100,37 +100,23 @@ void ConnectProgressDlg::Build(const QString& target)
         steps->addWidget(row.state, i, 2, Qt::AlignRight | Qt::AlignVCenter);
         ShowRow(row, RowState::Waiting);
     }
-    auto* const words = new QVBoxLayout(m_scroll->widget());
-    words->setContentsMargins({});
-    words->setSpacing(2 * kGrid);
-    words->addWidget(m_message);
-    words->addWidget(m_search, 0, Qt::AlignLeft);
-    words->addLayout(steps);
-    words->addWidget(m_detail);
-    words->addStretch(1);
-
-    auto* const far = new QHBoxLayout;
-    far->addWidget(m_hint, 1);
-    far->addWidget(m_elapsed, 0, Qt::AlignRight | Qt::AlignTop);
-    auto* const buttons = new QHBoxLayout;
-    buttons->setSpacing(kGrid);
-    buttons->addWidget(m_showDetail);
-    buttons->addStretch(1);
-    buttons->addWidget(m_cancel);
-    buttons->addWidget(m_close);
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
-    layout->setSpacing(kGrid);
-    layout->addWidget(m_heading);
-    layout->addWidget(where);
-    layout->addSpacing(kGrid);
-    layout->addWidget(m_scroll, 1);
-    layout->addSpacing(kGrid);
-    layout->addWidget(m_current);
-    layout->addWidget(m_progress);
-    layout->addLayout(far);
-    layout->addSpacing(kGrid);
-    layout->addLayout(buttons);
+    LayOut(new QVBoxLayout(m_scroll->widget()), {}, 2 * kGrid,
+           {m_message, {m_search, 0, Qt::AlignLeft}, steps, m_detail, BoxItem::Room()});
+    QBoxLayout* const far = LayOut(new QHBoxLayout, {}, -1,
+                                   {{m_hint, 1}, {m_elapsed, 0, Qt::AlignRight | Qt::AlignTop}});
+    QBoxLayout* const buttons =
+        LayOut(new QHBoxLayout, {}, kGrid, {m_showDetail, BoxItem::Room(), m_cancel, m_close});
+    LayOut(new QVBoxLayout(this), {2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid}, kGrid,
+           {m_heading,
+            where,
+            BoxItem::Gap(kGrid),
+            {m_scroll, 1},
+            BoxItem::Gap(kGrid),
+            m_current,
+            m_progress,
+            far,
+            BoxItem::Gap(kGrid),
+            buttons});
     for (QWidget* const later :
          std::initializer_list<QWidget*>{m_message, m_detail, m_showDetail, m_search, m_close}) {
         later->hide();

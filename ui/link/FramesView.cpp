@@ -91,31 +91,14 @@ void FramesView::Build()
     m_search->setPlaceholderText(UiText(text::kFramesSearch));
     m_search->setClearButtonEnabled(true);
     m_hold->setCheckable(true);
-    auto* const filter = new QHBoxLayout;
-    filter->setSpacing(kGrid);
-    filter->addWidget(m_show);
-    filter->addWidget(m_search, 1);
-    auto* const buttons = new QHBoxLayout;
-    buttons->setSpacing(kGrid);
-    buttons->addWidget(m_hold);
-    buttons->addStretch(1);
-    buttons->addWidget(m_clear);
-    buttons->addWidget(m_save);
-    auto* const layout = new QVBoxLayout;
-    layout->setContentsMargins(12, 12, 12, 12);
-    layout->setSpacing(kGrid);
-    layout->addLayout(filter);
-    layout->addWidget(m_table, 1);
-    layout->addWidget(m_count);
-    layout->addWidget(m_detail);
-    layout->addLayout(buttons);
     auto* const menu = new CnMenuBar;
     connect(menu, &CnMenuBar::CloseRequested, this, [this] { Close(kCancelled); });
-    auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(layout, 1);
-    column->addWidget(menu);
+    QBoxLayout* const filter = LayOut(new QHBoxLayout, {}, kGrid, {m_show, {m_search, 1}});
+    QBoxLayout* const buttons =
+        LayOut(new QHBoxLayout, {}, kGrid, {m_hold, BoxItem::Room(), m_clear, m_save});
+    QBoxLayout* const frames = LayOut(new QVBoxLayout, {12, 12, 12, 12}, kGrid,
+                                      {filter, {m_table, 1}, m_count, m_detail, buttons});
+    LayOut(new QVBoxLayout(this), {}, 0, {{frames, 1}, menu});
 }
 
 void FramesView::Refresh()

@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -93,12 +95,7 @@ void PortChooser::Build(const std::vector<ScenarioChoice>& scenarios)
     m_scenarioLabel->setMinimumHeight(TouchStyle::kTarget);
     form->addRow(m_scenarioLabel, m_scenario);
     AddFormRow(*form, UiText(text::kPortBaudRate), m_baudRate);
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins({});
-    layout->setSpacing(kGrid);
-    layout->addWidget(m_nothing);
-    layout->addWidget(m_list, 1);
-    layout->addLayout(form);
+    LayOut(new QVBoxLayout(this), {}, kGrid, {m_nothing, {m_list, 1}, form});
     m_fault->hide();
     m_nothing->hide(); // until it has been looked
 }
@@ -224,6 +221,41 @@ void PortChooser::hideEvent(QHideEvent* event)
     m_timer.stop();
     m_hasLooked = false;
     QWidget::hideEvent(event);
+}
+
+PortChooserDlg::PortChooserDlg(const PortNames& names, const std::vector<ScenarioChoice>& scenarios,
+                               const ConnectChoice& choice, const SystemRoots& roots,
+                               QWidget* parent)
+    : Dialog(parent, Extent::Form), m_choice(choice),
+      m_chooser(new PortChooser(names, scenarios, roots))
+{
+    setWindowTitle(UiText(text::kPortTitle));
+    auto* const heading = new QLabel(UiText(text::kPortTitle));
+    heading->setFont(BoldFont(font(), 1.25));
+    auto* const buttons = MakeOkCancel();
+    buttons->setContentsMargins({});
+    DefaultButton()->setText(UiText(text::kPortConnect));
+    DefaultButton()->setIcon(ThemeIcon(QStringLiteral("connect")));
+    connect(m_chooser, &PortChooser::Activated, this, [this] { Close(kOk); });
+    connect(m_chooser, &PortChooser::Chosen, this,
+            [this] { DefaultButton()->setEnabled(m_chooser->Choice().has_value()); });
+
+    auto* const scroll = MakeScroll(m_chooser);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    LayOut(new QVBoxLayout(this), {12, 12, 12, 12}, kGrid, {heading, {scroll, 1}, buttons});
+    m_chooser->SetChoice(choice);
+}
+
+bool PortChooserDlg::OnClose(int result)
+{
+    if (result != kOk) {
+        return true;
+    }
+    const std::optional<ConnectChoice> choice = m_chooser->Choice();
+    if (choice) {
+        m_choice = *choice;
+    }
+    return choice.has_value();
 }
 
 } // namespace fieldcore

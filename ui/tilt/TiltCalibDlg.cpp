@@ -22,14 +22,8 @@ TiltCalibDlg::TiltCalibDlg(CCommand* command, QWidget* parent)
     m_progress->setAccessibleName(UiText(text::kTiltCaption));
     m_cancel->setAutoDefault(false);
     connect(m_cancel, &QPushButton::clicked, this, [this] { Close(kCancelled); });
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid);
-    layout->setSpacing(2 * kGrid);
-    layout->addStretch(1);
-    layout->addWidget(m_words);
-    layout->addWidget(m_progress);
-    layout->addStretch(1);
-    layout->addWidget(m_cancel, 0, Qt::AlignRight);
+    LayOut(new QVBoxLayout(this), {2 * kGrid, 2 * kGrid, 2 * kGrid, 2 * kGrid}, 2 * kGrid,
+           {BoxItem::Room(), m_words, m_progress, BoxItem::Room(), {m_cancel, 0, Qt::AlignRight}});
     setMinimumWidth(42 * kGrid);
     Take({});
 }

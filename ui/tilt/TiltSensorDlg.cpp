@@ -161,14 +161,9 @@ TiltSensorDlg::TiltSensorDlg(CCommand* command, QWidget* parent)
                    Qt::WindowStaysOnTopHint);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setWindowTitle(UiText(text::kBubbleTitle));
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins({});
-    layout->setSpacing(0);
-    layout->setSizeConstraint(QLayout::SetNoConstraint); // what is hidden takes no room at once
+    LayOut(new QVBoxLayout(this), {}, 0, {{m_view, 1}, m_numbers, m_smaller})
+        ->setSizeConstraint(QLayout::SetNoConstraint); // what is hidden takes no room at once
     setMinimumSize(kVialWidth, kVialWidth);
-    layout->addWidget(m_view, 1);
-    layout->addWidget(m_numbers);
-    layout->addWidget(m_smaller);
     m_view->setToolTip(UiText(text::kBubbleLarger));
     m_numbers->setFont(BoldFont(font(), 1.5));
     m_numbers->setAlignment(Qt::AlignCenter);

@@ -39,6 +39,15 @@ TEST(FastClock, ConvertsWaits)
     EXPECT_EQ(FastClock(1000.0).RealTime(0s), 0s);
 }
 
+TEST(FastClock, LeapsWithItsDate)
+{
+    FastClock clock(2.0, kStart);
+    const Clock::Duration before = clock.Steady();
+    clock.Leap(1h);
+    EXPECT_GE(clock.Steady() - before, 1h);
+    EXPECT_GE(clock.Utc() - kStart, 1h);
+}
+
 TEST(FastClock, MovesItsDateOnly)
 {
     constexpr double kSpeed = 1e6;

@@ -1,4 +1,4 @@
-#include "ui/link/PortChooserDlg.h"
+#include "ui/link/PortChooser.h"
 
 #include "simulator/Scenario.h"
 #include "tests/core/platform/TemporaryFolder.h"
