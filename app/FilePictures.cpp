@@ -83,8 +83,7 @@ std::unique_ptr<QWidget> Error()
 Pictures FilePictures(Controller& controller)
 {
     UseSimulator();
-    const auto command = std::make_shared<CCommand>(
-        Environment{&controller.Host(), &controller.GetClock(), nullptr, nullptr});
+    const auto command = std::make_shared<CCommand>(controller.Command().GetEnvironment());
     command->OpenPort("sim:lettered-power"); // which has a recycle bin
     return {{QStringLiteral("files"), [command] { return Sheet(*command, 0); }},
             {QStringLiteral("files-bin"), [command] { return Sheet(*command, 1); }},

@@ -16,6 +16,7 @@
 #include "ui/planning/PlanSheet.h"
 #include "ui/planning/SessionDlg.h"
 #include "ui/planning/SessionSheet.h"
+#include "ui/planning/SkyPlotDlg.h"
 
 #include <QAbstractItemView>
 #include <QAction>
@@ -73,7 +74,7 @@ public:
     {
         const auto now = std::chrono::floor<std::chrono::seconds>(m_controller.GetClock().Utc());
         const double nowS = GpsSecondsOfUtc(now);
-        static_cast<void>(KeepMessages(m_world.folder, NominalMessages(nowS), nowS));
+        static_cast<void>(KeepMessages(m_controller.ProgramFolder(), NominalMessages(nowS), nowS));
         auto plan = std::make_unique<CSurveyPlan>(&m_controller.Command(), 0, m_world);
         plan->show();
         SystemSet all = SystemSet().set();
@@ -114,7 +115,7 @@ public:
 
     std::unique_ptr<QWidget> Search(bool isDone)
     {
-        auto dialog = std::make_unique<PlanSearchDlg>(Session(), m_controller.Host());
+        auto dialog = std::make_unique<PlanSearchDlg>(Session());
         dialog->show();
         if (isDone) {
             Press(*dialog, text::kSearchStart);
@@ -126,7 +127,7 @@ public:
 
     std::unique_ptr<QWidget> Sites(bool isDone)
     {
-        auto dialog = std::make_unique<SessionDlg>(Session(), m_world, m_controller.Host());
+        auto dialog = std::make_unique<SessionDlg>(Session(), m_world);
         dialog->show();
         auto* const list = dialog->findChild<QListWidget*>();
         for (const std::wstring& name : Names()) {
@@ -162,7 +163,7 @@ public:
 
     std::unique_ptr<QWidget> Curtain()
     {
-        auto dialog = std::make_unique<CurtainEditor>(Session(), m_world, m_controller.Host());
+        auto dialog = std::make_unique<CurtainEditor>(Session(), m_world);
         dialog->show();
         return dialog;
     }
@@ -189,7 +190,7 @@ private:
         const auto street = simulator::LoadScenario("street", error);
         CSurveyPlanCalc calc;
         SkyRecord record(Session().Site());
-        if (!street || !calc.LoadAlmanac(AlmanacPath(m_world.folder))) {
+        if (!street || !calc.LoadAlmanac(AlmanacPath(m_controller.ProgramFolder()))) {
             return record;
         }
         calc.SetObserver(Session().Site());
@@ -238,15 +239,14 @@ Pictures PlanPictures(Controller& controller)
                  return dialog;
              }});
     }
-    made.push_back(
-        {QStringLiteral("skyplot"), [&controller] {
-             auto dialog =
-                 std::make_unique<CSkyPlot>(&controller.Command(), 0, SkyWorld(controller));
-             dialog->show(); // which asks the receiver
-             const auto* const list = dialog->findChild<QAbstractItemView*>();
-             WaitUntil([list] { return list == nullptr || list->model()->rowCount() > 0; });
-             return dialog;
-         }});
+    made.push_back({QStringLiteral("skyplot"), [&controller] {
+                        auto dialog = std::make_unique<CSkyPlot>(&controller.Command());
+                        dialog->show(); // which asks the receiver
+                        const auto* const list = dialog->findChild<QAbstractItemView*>();
+                        WaitUntil(
+                            [list] { return list == nullptr || list->model()->rowCount() > 0; });
+                        return dialog;
+                    }});
     const auto pictures = std::make_shared<AllSystems>(controller);
     const Pictures more{
         {QStringLiteral("plan-all-count"), [pictures] { return pictures->Plan(PlanGraph::Count); }},

@@ -21,16 +21,14 @@ constexpr int kThinkingMs = 60; // at least, as in the field: what is slow there
 
 } // namespace
 
-PortTarget::PortTarget(CCommand& command, const PortNames& names, SettingsRoots& roots,
-                       const Clock& clock)
-    : m_command(command), m_names(names), m_roots(roots), m_clock(clock)
-{}
+PortTarget::PortTarget(CCommand& command) : m_command(command) {}
 
 PortTarget::~PortTarget() = default;
 
 FoundTarget PortTarget::Resolve(const std::string& port)
 {
-    FoundTarget found = FindTarget(m_roots, port);
+    const Environment& environment = m_command.GetEnvironment();
+    FoundTarget found = FindTarget(environment.Roots(), port);
     if (found.target && m_simulator) {
         m_command.ClosePort(); // or the port would pass for that of the device
         m_simulator.reset();
@@ -43,7 +41,8 @@ FoundTarget PortTarget::Resolve(const std::string& port)
         StartSimulator(found.scenario->empty() ? "lark" : *found.scenario, found.detail);
     found.fault.clear();
     if (cause == 0) {
-        found.target = TargetOf(m_simulator->PortPath(), LinkSettings(m_roots), m_names);
+        found.target = TargetOf(m_simulator->PortPath(), LinkSettings(environment.Roots()),
+                                *environment.ports);
         found.detail.clear();
     } else {
         found.fault = FormatText(text::kPortUnusableTarget, FromUtf8(port).substr(0, 40).c_str(),
@@ -64,7 +63,7 @@ int PortTarget::StartSimulator(const std::string& scenario, std::string& error)
                                                           : text::kScenarioUnknown;
     }
     loaded->latencyMs = std::max(loaded->latencyMs, kThinkingMs);
-    auto started = std::make_unique<simulator::Simulator>(*loaded, m_clock);
+    auto started = std::make_unique<simulator::Simulator>(*loaded, m_command.GetClock());
     if (!started->Start(error)) {
         return text::kScenarioNotStarted;
     }

@@ -8,9 +8,6 @@
 namespace fieldcore {
 
 class CCommand;
-class Clock;
-class PortNames;
-class SettingsRoots;
 namespace simulator {
 class Simulator;
 }
@@ -20,9 +17,9 @@ class Simulator;
 class PortTarget
 {
 public:
-    /// All of them must outlive the object.
-    /// @param command  is closed before its simulated receiver goes
-    PortTarget(CCommand& command, const PortNames& names, SettingsRoots& roots, const Clock& clock);
+    /// @param command  is closed before its simulated receiver goes; must outlive the object. Its
+    ///                 settings and clock count, and its names of ports
+    explicit PortTarget(CCommand& command);
     ~PortTarget();
     PortTarget(const PortTarget&) = delete;
     PortTarget& operator=(const PortTarget&) = delete;
@@ -41,9 +38,6 @@ private:
     int StartSimulator(const std::string& scenario, std::string& error);
 
     CCommand& m_command;
-    const PortNames& m_names;
-    SettingsRoots& m_roots;
-    const Clock& m_clock;
     std::unique_ptr<simulator::Simulator> m_simulator; // null: a real port
     std::string m_scenario;
 };

@@ -97,9 +97,7 @@ Pictures Antennas(Controller& controller)
 {
     const auto antenna = [&controller](int way, double heightM) {
         return [&controller, way, heightM] {
-            auto dialog = std::make_unique<CAntenna>(
-                &controller.Command(), 1, 0,
-                AntennaSettings::Surroundings{controller.ProgramFolder(), &controller.Roots()});
+            auto dialog = std::make_unique<CAntenna>(&controller.Command(), 1, 0);
             dialog->show(); // which reads the settings
             dialog->SetAntTypeFlag(std::min(3, dialog->GetMaxCount() - 1));
             dialog->SetAntWayFlag(way);

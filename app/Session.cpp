@@ -16,6 +16,7 @@
 #include "ui/equipment/Antenna.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
+#include "ui/planning/SkyPlotDlg.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltSensorDlg.h"
 #include "ui/tilt/TiltStatusChk.h"
@@ -140,7 +141,7 @@ void Session::Open(int choice)
         TakeLinkOver();
         break;
     case MainWindow::kSkyPlot:
-        CSkyPlot(&m_controller.Command(), 0, SkyWorld(m_controller), m_window.get()).DoModal();
+        CSkyPlot(&m_controller.Command(), 0, m_window.get()).DoModal();
         break;
     case MainWindow::kFiles:
         ShowFiles();
@@ -177,7 +178,7 @@ void Session::Open(int choice)
         ShowAbout();
         break;
     case MainWindow::kSignals:
-        SetSignal(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+        SetSignal(&m_controller.Command(), m_window.get()).DoModal();
         break;
     case MainWindow::kTilt:
         ShowTilt();
@@ -243,8 +244,7 @@ void Session::Use(const ConnectChoice& choice)
 void Session::ChangeAntenna()
 {
     const AntennaSettings& antenna = m_controller.Antenna();
-    CAntenna dialog(&m_controller.Command(), 0, 0,
-                    {m_controller.ProgramFolder(), &m_controller.Roots()}, m_window.get());
+    CAntenna dialog(&m_controller.Command(), 0, 0, m_window.get());
     dialog.SetRole(antenna.Role());
     dialog.OfferRoles();
     const bool isStored = dialog.DoModal() == Dialog::kOk;
@@ -303,14 +303,14 @@ void Session::CheckTiltWhenKnown()
     m_isTiltOpen = false;
     constexpr int kTimer = 1;
     constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
-    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true, m_controller.Roots());
+    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true);
     TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 
 /// The page shuts the bubble down at its end; who has switched it on wants it further on.
 void Session::ShowTilt()
 {
-    TiltStatusDlg(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+    TiltStatusDlg(&m_controller.Command(), m_window.get()).DoModal();
     if (m_isBubbleWanted) {
         StartBubble();
     }
@@ -318,7 +318,7 @@ void Session::ShowTilt()
 
 void Session::ChangeTracking()
 {
-    TrackingDlg(&m_controller.Command(), m_controller.Roots(), m_window.get()).DoModal();
+    TrackingDlg(&m_controller.Command(), m_window.get()).DoModal();
     m_controller.ReadLimits();
 }
 

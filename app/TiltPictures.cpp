@@ -60,9 +60,8 @@ struct Bench
     const bool isSilent;
     QTemporaryDir folder;
     SettingsRoots roots{FoldersBelow(folder.path().toStdString())};
-    HostReg reg{roots};
     std::unique_ptr<simulator::Simulator> simulator;
-    CCommand command;
+    CCommand command{{.roots = &roots}};
 };
 
 std::shared_ptr<Bench> MakeBench(const char* sensor)
@@ -82,7 +81,7 @@ void LetSomeTimePass(int ms = 700) // of a calibration of two seconds
 template <typename Page>
 std::unique_ptr<Page> Answered(Bench& bench)
 {
-    auto page = std::make_unique<Page>(&bench.command, bench.reg);
+    auto page = std::make_unique<Page>(&bench.command);
     page->show();
     constexpr int kUntilSilent = 2200; // ms
     LetSomeTimePass(bench.isSilent ? kUntilSilent : 700);
@@ -124,7 +123,7 @@ Picture LockedSignals()
     for (const Signal signal : {Signal::Glonass, Signal::Qzss, Signal::L5}) {
         chosen.Set(signal, true);
     }
-    SaveSignals(bench->reg, GetRecvTypeNum(bench->command), chosen);
+    SaveSignals(HostReg(bench->roots), GetRecvTypeNum(bench->command), chosen);
     return {QStringLiteral("signals-locked"), [bench] { return Answered<SetSignal>(*bench); }};
 }
 
@@ -174,7 +173,7 @@ std::unique_ptr<QWidget> SmallBubble(const std::shared_ptr<Bench>& bench)
     auto screen = std::make_unique<QWidget>();
     auto* const layers = new QGridLayout(screen.get());
     layers->setContentsMargins({});
-    auto* const under = new TiltStatusDlg(&bench->command, bench->reg);
+    auto* const under = new TiltStatusDlg(&bench->command);
     under->setWindowFlags(Qt::Widget);
     BubbleView* const view = View(Leaning(0.004, 0.012)).release();
     view->setFixedSize(kVialWidth, kVialWidth);
@@ -189,18 +188,15 @@ std::unique_ptr<QWidget> SmallBubble(const std::shared_ptr<Bench>& bench)
 Pictures TiltPictures(Controller& controller)
 {
     const auto bench = MakeBench("");
-    SettingsRoots& roots = controller.Roots();
     Pictures screens{
         {QStringLiteral("signals"), [bench] { return Answered<SetSignal>(*bench); }},
         LockedSignals(),
         {QStringLiteral("tracking"),
-         [&controller, &roots] {
-             return std::make_unique<TrackingDlg>(&controller.Command(), roots);
-         }},
+         [&controller] { return std::make_unique<TrackingDlg>(&controller.Command()); }},
         {QStringLiteral("tilt-no-receiver"),
-         [bench] { return std::make_unique<TiltStatusDlg>(nullptr, bench->reg); }},
+         [] { return std::make_unique<TiltStatusDlg>(nullptr); }},
         {QStringLiteral("signals-no-receiver"),
-         [bench] { return std::make_unique<SetSignal>(nullptr, bench->reg); }},
+         [] { return std::make_unique<SetSignal>(nullptr); }},
         Status("tilt-no-sensor", "tilt-present no\n", {}),
         Status("tilt-silent", "fault drop on C8\n", {}),
         Status("tilt-done", "tilt-calibrated 0.5\n", {}),

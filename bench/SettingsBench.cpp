@@ -145,7 +145,7 @@ void Import(benchmark::State& state)
     const TemporaryFolder folder;
     SettingsRoots roots(testing::FoldersBelow(folder.Path()));
     const HostReg reg(roots);
-    AntennaCatalogue catalogue(folder.Path(), roots);
+    AntennaCatalogue catalogue(roots);
     const std::string text = LargestCatalogue();
     Comparison imports; // with the write of one value
     std::uint32_t number = 0;

@@ -1,7 +1,6 @@
 #include "ui/planning/SkyPlotDlg.h"
 
 #include "core/link/Command.h"
-#include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/NotKept.h"
 #include "ui/controls/NMenuBar.h"
@@ -52,26 +51,12 @@ QPushButton* MakeSwitch(int control, int textId)
     return button;
 }
 
-const Clock& ClockOf(const CCommand* command, const Clock* given)
-{
-    if (given != nullptr) {
-        return *given;
-    }
-    return command != nullptr ? command->GetClock() : SystemClock::Instance();
-}
-
 } // namespace
 
 CSkyPlot::CSkyPlot(CCommand* command, int loadWay, QWidget* parent)
-    : CSkyPlot(command, loadWay, Surroundings{nullptr, nullptr, Folders().Program()}, parent)
-{}
-
-CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
-                   QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
-      m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
-      m_clock(ClockOf(command, surroundings.clock)),
-      m_poll(std::make_shared<LiveSkyPoll>(m_clock, surroundings.program)),
+      m_reg(EnvironmentOf(command).Roots()), m_clock(EnvironmentOf(command).GetClock()),
+      m_poll(std::make_shared<LiveSkyPoll>(m_clock, EnvironmentOf(command).GetFolders().Program())),
       m_settings(LoadSkyPlotSettings(m_reg))
 {
     setWindowTitle(UiText(text::kSkyTitle));
@@ -330,7 +315,7 @@ void CSkyPlot::ChooseView(SkyPlotSettings::View view)
 void CSkyPlot::KeepSettings()
 {
     KeptOrTold(SaveSkyPlotSettings(m_reg, m_settings), text::kSkyNotKept,
-               m_command != nullptr ? m_command->GetHost() : DefaultHost(), m_reg);
+               EnvironmentOf(m_command).GetHost(), m_reg);
 }
 
 void CSkyPlot::ChooseSatellite(int row)
