@@ -48,7 +48,8 @@ Controller::Controller(const AppOptions& options)
     for (const std::wstring& setting : AssignStoredPorts(m_names, m_ownRoots)) {
         m_notices += UiText(text::kNoticePort).arg(fieldcore::ToQt(setting));
     }
-    m_command = std::make_unique<CCommand>(Environment{m_host.get(), m_clock, &m_names, nullptr});
+    m_command =
+        std::make_unique<CCommand>(Environment{m_host.get(), m_clock, &m_names, nullptr, &m_roots});
     m_command->SetLineObserver(m_frames.Observer());
     m_link = std::make_unique<ReceiverLink>(*m_command);
     m_poll = std::make_unique<StatusPoll>(m_command->Background().Face(), *m_link);
@@ -97,17 +98,16 @@ void Controller::UseStore()
     FolderSources sources = FolderSources::System();
     sources.isSimulated = IsSimulatorChosen();
     const Folders folders(sources);
-    if (m_antenna && m_folder == folders.Program()) {
+    const std::filesystem::path folder = folders.Program();
+    if (m_antenna && ProgramFolder() == folder) {
         return;
     }
-    m_folder = folders.Program();
     m_roots.Use(folders);
-    m_sky->Use(m_folder, m_link->Connections());
-    InstallSampleSites(m_folder); // what is there stays
-    InstallSampleAntennas(m_folder);
-    AlmanacStore(m_folder).PutNominal(m_clock->Utc());
-    m_antenna = std::make_unique<AntennaSettings>(
-        m_command.get(), 1, 0, AntennaSettings::Surroundings{m_folder, &m_roots});
+    m_sky->Use(folder, m_link->Connections());
+    InstallSampleSites(folder); // what is there stays
+    InstallSampleAntennas(folder);
+    AlmanacStore(folder).PutNominal(m_clock->Utc());
+    m_antenna = std::make_unique<AntennaSettings>(m_command.get(), 1, 0);
     m_antenna->CheckReg();
     m_antenna->SetRole(static_cast<AntennaRole>(StoredNumber(m_reg, L"GPS\\App\\AntennaRole")));
     ReadAntenna();
@@ -393,8 +393,8 @@ void Controller::PlanAhead()
     }
     m_plannedAt = now;
     m_nextWindow.clear();
-    PlanSession session(m_folder, m_reg);
-    session.Begin(*m_clock);
+    PlanSession session(m_command->GetEnvironment());
+    session.Begin();
     if (!session.CanPlan()) {
         return;
     }

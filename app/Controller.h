@@ -117,7 +117,10 @@ public:
     /// What has gone over the line.
     [[nodiscard]] FrameHistory& Frames() { return m_frames; }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }
-    [[nodiscard]] const std::filesystem::path& ProgramFolder() const { return m_folder; }
+    [[nodiscard]] std::filesystem::path ProgramFolder() const
+    {
+        return m_roots.GetFolders().Program();
+    }
     [[nodiscard]] const PortNames& Ports() const { return m_names; }
 
     [[nodiscard]] HomeState State() const;
@@ -159,7 +162,6 @@ private:
     SettingsRoots m_roots; // of the receiver that is chosen, a simulated one apart
     HostReg m_reg;
     PortNames m_names;
-    std::filesystem::path m_folder;
     std::unique_ptr<QtHost> m_host;
     FrameHistory m_frames;
     std::unique_ptr<CCommand> m_command;

@@ -17,6 +17,7 @@
 #include "ui/planning/PlanSheet.h"
 #include "ui/planning/SessionDlg.h"
 #include "ui/planning/SessionSheet.h"
+#include "ui/planning/SkyPlotDlg.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -45,7 +46,7 @@ void Press(QWidget& screen, int textId)
 
 std::unique_ptr<QWidget> SkyNow(Controller& controller)
 {
-    auto dialog = std::make_unique<CSkyPlot>(&controller.Command(), 0, SkyWorld(controller));
+    auto dialog = std::make_unique<CSkyPlot>(&controller.Command());
     dialog->show(); // which asks the receiver
     const auto* const list = dialog->findChild<QAbstractItemView*>();
     WaitUntil([list] { return list == nullptr || list->model()->rowCount() > 0; });
@@ -77,7 +78,7 @@ public:
     {
         const auto now = std::chrono::floor<std::chrono::seconds>(m_controller.GetClock().Utc());
         const double nowS = GpsSecondsOfUtc(now);
-        static_cast<void>(KeepMessages(m_world.folder, NominalMessages(nowS), nowS));
+        static_cast<void>(KeepMessages(m_controller.ProgramFolder(), NominalMessages(nowS), nowS));
         auto plan = Gps(graph);
         SystemSet all = SystemSet().set();
         plan->Session().SetSystems(all.reset(static_cast<std::size_t>(GnssSystem::Sbas)));
@@ -112,7 +113,7 @@ public:
 
     std::unique_ptr<QWidget> Search(bool isDone)
     {
-        auto dialog = std::make_unique<PlanSearchDlg>(Session(), m_controller.Host());
+        auto dialog = std::make_unique<PlanSearchDlg>(Session());
         dialog->show();
         if (isDone) {
             Press(*dialog, text::kSearchStart);
@@ -124,7 +125,7 @@ public:
 
     std::unique_ptr<QWidget> Sites(bool isDone)
     {
-        auto dialog = std::make_unique<SessionDlg>(Session(), m_world, m_controller.Host());
+        auto dialog = std::make_unique<SessionDlg>(Session(), m_world);
         dialog->show();
         auto* const list = dialog->findChild<QListWidget*>();
         for (const std::wstring& name : Names()) {
@@ -160,7 +161,7 @@ public:
 
     std::unique_ptr<QWidget> Curtain()
     {
-        auto dialog = std::make_unique<CurtainEditor>(Session(), m_world, m_controller.Host());
+        auto dialog = std::make_unique<CurtainEditor>(Session(), m_world);
         dialog->show();
         return dialog;
     }
@@ -187,7 +188,7 @@ private:
         const auto street = simulator::LoadScenario("street", error);
         CSurveyPlanCalc calc;
         SkyRecord record(Session().Site());
-        if (!street || !calc.LoadAlmanac(AlmanacPath(m_world.folder))) {
+        if (!street || !calc.LoadAlmanac(AlmanacPath(m_controller.ProgramFolder()))) {
             return record;
         }
         calc.SetObserver(Session().Site());

@@ -41,9 +41,9 @@ using namespace std::chrono_literals;
 struct Bench
 {
     explicit Bench(const std::optional<simulator::Scenario>& scenario,
-                   const Clock& clock = SystemClock::Instance())
+                   const Clock& clock = SystemClock::Instance(), SettingsRoots* roots = nullptr)
         : simulator(scenario.value_or(simulator::Scenario()), clock),
-          command({&SilentHost::Instance(), &clock, nullptr, nullptr})
+          command({&SilentHost::Instance(), &clock, nullptr, nullptr, roots})
     {
         std::string error;
         if (simulator.Start(error)) {
@@ -56,12 +56,14 @@ struct Bench
 };
 
 /// @param more  lines of its scenario
-std::shared_ptr<Bench> TiltBench(const std::string& more = {})
+std::shared_ptr<Bench> TiltBench(SettingsRoots& roots, const std::string& more = {})
 {
     std::string error;
-    return std::make_shared<Bench>(simulator::ParseScenario(
-        "model 3051\noptions l2 rtk l5 l2c glonass galileo qzss tilt\nalmanacs 31\n" + more,
-        error));
+    return std::make_shared<Bench>(
+        simulator::ParseScenario(
+            "model 3051\noptions l2 rtk l5 l2c glonass galileo qzss tilt\nalmanacs 31\n" + more,
+            error),
+        SystemClock::Instance(), &roots);
 }
 
 void LetTimePass(std::chrono::milliseconds time)
@@ -249,14 +251,14 @@ Pictures ReceiverPictures(Controller& controller)
         simulator::LoadScenario("lettered-power", error)); // which has a recycle bin
     const auto destination = std::make_shared<FileDestination>(1134965, 1, 115200);
     static const SimulatedHour hour = LiveAnHour(); // once for all pictures
-    const auto tilt = TiltBench();
-    const CReg& reg = controller.Reg();
+    SettingsRoots& roots = controller.Roots();
+    const auto tilt = TiltBench(roots);
     // The status after a run that ended so.
-    const auto status = [&reg](const char* sensor, LastCalibrationRun lastRun = {},
+    const auto status = [&roots](const char* sensor, LastCalibrationRun lastRun = {},
                                std::chrono::milliseconds time = 700ms) {
-        return [&reg, lastRun, time, bench = TiltBench(sensor)] {
+        return [lastRun, time, bench = TiltBench(roots, sensor)] {
             const LastCalibrationRun before = std::exchange(TiltSettings::LastRun(), lastRun);
-            auto dialog = Shown(std::make_unique<TiltStatusDlg>(&bench->command, reg), time);
+            auto dialog = Shown(std::make_unique<TiltStatusDlg>(&bench->command), time);
             TiltSettings::LastRun() = before;
             return dialog;
         };
@@ -278,18 +280,18 @@ Pictures ReceiverPictures(Controller& controller)
         {"battery-low", LowBattery},
 
         {"signals",
-         [&reg, tilt] { return Shown(std::make_unique<SetSignal>(&tilt->command, reg)); }},
+         [tilt] { return Shown(std::make_unique<SetSignal>(&tilt->command)); }},
         {"signals-locked", // some are chosen
-         [&reg, bench = TiltBench("signals-locked yes\n")] {
+         [&controller, bench = TiltBench(roots, "signals-locked yes\n")] {
              SignalSet chosen;
              for (const Signal signal : {Signal::Glonass, Signal::Qzss, Signal::L5}) {
                  chosen.Set(signal, true);
              }
-             SaveSignals(reg, GetRecvTypeNum(bench->command), chosen);
-             return Shown(std::make_unique<SetSignal>(&bench->command, reg));
+             SaveSignals(controller.Reg(), GetRecvTypeNum(bench->command), chosen);
+             return Shown(std::make_unique<SetSignal>(&bench->command));
          }},
-        {"signals-no-receiver", [&reg] { return std::make_unique<SetSignal>(nullptr, reg); }},
-        {"tilt-no-receiver", [&reg] { return std::make_unique<TiltStatusDlg>(nullptr, reg); }},
+        {"signals-no-receiver", [] { return std::make_unique<SetSignal>(nullptr); }},
+        {"tilt-no-receiver", [] { return std::make_unique<TiltStatusDlg>(nullptr); }},
         {"tilt-no-sensor", status("tilt-present no\n")},
         {"tilt-silent", status("fault drop on C8\n", {}, 2200ms)},
         {"tilt-done", status("tilt-calibrated 0.5\n")},
@@ -297,18 +299,16 @@ Pictures ReceiverPictures(Controller& controller)
         {"tilt-aborted", status("tilt-calibrated no\n", {true, false})},
         {"tilt-expired", status("tilt-calibrated 800\n")},
         {"tilt-calibrating",
-         [bench = TiltBench("tilt-calibration succeeds 2\n")] { return Calibrating(*bench); }},
+         [bench = TiltBench(roots, "tilt-calibration succeeds 2\n")] { return Calibrating(*bench); }},
         {"tilt-cancelling",
-         [bench = TiltBench("tilt-calibration succeeds 2\n")] {
+         [bench = TiltBench(roots, "tilt-calibration succeeds 2\n")] {
              auto dialog = Calibrating(*bench);
              bench->simulator.SetScripted([](auto) { return std::vector<std::uint8_t>(); });
              dialog->CancelButton()->click(); // and the receiver takes its time
              return dialog;
          }},
         {"bubble-window",
-         [&reg, tilt] {
-             return SmallBubble(std::make_unique<TiltStatusDlg>(&tilt->command, reg));
-         }},
+         [tilt] { return SmallBubble(std::make_unique<TiltStatusDlg>(&tilt->command)); }},
         {"bubble-levelling", Levelling},
         {"bubble-not-ready", [] { return View({}); }},
         {"bubble-needs-calibration", [] { return View(Leaning(0.0, 0.0, false)); }},

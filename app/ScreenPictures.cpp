@@ -75,9 +75,7 @@ Pictures SettingsPictures(Controller& controller)
     };
     const auto antenna = [&controller](int way, double heightM) {
         return [&controller, way, heightM] {
-            auto dialog = std::make_unique<CAntenna>(
-                &controller.Command(), 1, 0,
-                AntennaSettings::Surroundings{controller.ProgramFolder(), &controller.Roots()});
+            auto dialog = std::make_unique<CAntenna>(&controller.Command(), 1, 0);
             dialog->show(); // which reads the settings
             dialog->SetAntTypeFlag(std::min(3, dialog->GetMaxCount() - 1));
             dialog->SetAntWayFlag(way);
@@ -101,7 +99,7 @@ Pictures SettingsPictures(Controller& controller)
             {"antenna-base", antenna(2, 1.543)},
             {"antenna-too-short", antenna(1, 0.05)},
             {"tracking", [&] {
-                 return std::make_unique<TrackingDlg>(&controller.Command(), controller.Roots());
+                 return std::make_unique<TrackingDlg>(&controller.Command());
              }}};
 }
 

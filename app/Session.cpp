@@ -17,6 +17,7 @@
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 #include "ui/link/FramesView.h"
+#include "ui/planning/SkyPlotDlg.h"
 #include "ui/tilt/SetSignal.h"
 #include "ui/tilt/TiltSensorDlg.h"
 #include "ui/tilt/TiltStatusChk.h"
@@ -138,8 +139,7 @@ void Session::Open(int entry)
              CSurveyPlan(command, 0, PlanWorld(m_controller, window), window).DoModal();
              TakeLinkOver();
          }},
-        {text::kAppSatellites,
-         [&] { CSkyPlot(command, 0, SkyWorld(m_controller), window).DoModal(); }},
+        {text::kAppSatellites, [&] { CSkyPlot(command, 0, window).DoModal(); }},
         {text::kAppFiles, [this] { ShowFiles(); }},
         {text::kAppFrames, [&] { FramesView(m_controller.Frames(), window).DoModal(); }},
         {text::kComTitle, [this] { ChangePorts(); }},
@@ -152,7 +152,7 @@ void Session::Open(int entry)
         {text::kAppThemeDark, [this] { UseTheme(Theme::Kind::Dark); }},
         {text::kAppThemeSystem, [this] { UseTheme(Theme::Kind::System); }},
         {text::kAppAbout, [this] { ShowAbout(); }},
-        {text::kAppSignals, [&] { SetSignal(command, m_controller.Reg(), window).DoModal(); }},
+        {text::kAppSignals, [&] { SetSignal(command, window).DoModal(); }},
         {text::kAppTilt, [this] { ShowTilt(); }},
         {text::kBubbleTitle, [this] { m_bubble.trigger(); }},
         {text::kAppTracking, [this] { ChangeTracking(); }},
@@ -206,8 +206,7 @@ void Session::Use(const ConnectChoice& choice)
 void Session::ChangeAntenna()
 {
     const AntennaSettings& antenna = m_controller.Antenna();
-    CAntenna dialog(&m_controller.Command(), 0, 0,
-                    {m_controller.ProgramFolder(), &m_controller.Roots()}, m_window.get());
+    CAntenna dialog(&m_controller.Command(), 0, 0, m_window.get());
     dialog.SetRole(antenna.Role());
     dialog.OfferRoles();
     const bool isStored = dialog.DoModal() == Dialog::kOk;
@@ -266,14 +265,14 @@ void Session::CheckTiltWhenKnown()
     m_isTiltOpen = false;
     constexpr int kTimer = 1;
     constexpr int kDelayMs = 1000; // a sensor that has just been switched on is not ready at once
-    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true, m_controller.Roots());
+    TiltStatusChk::SetCheckCalib(&m_controller.Command(), true);
     TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 
 /// The page shuts the bubble down at its end; who has switched it on wants it further on.
 void Session::ShowTilt()
 {
-    TiltStatusDlg(&m_controller.Command(), m_controller.Reg(), m_window.get()).DoModal();
+    TiltStatusDlg(&m_controller.Command(), m_window.get()).DoModal();
     if (m_isBubbleWanted) {
         StartBubble();
     }
@@ -281,7 +280,7 @@ void Session::ShowTilt()
 
 void Session::ChangeTracking()
 {
-    TrackingDlg(&m_controller.Command(), m_controller.Roots(), m_window.get()).DoModal();
+    TrackingDlg(&m_controller.Command(), m_window.get()).DoModal();
     m_controller.ReadLimits();
 }
 

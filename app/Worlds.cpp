@@ -14,9 +14,6 @@ namespace fieldcore {
 PlanSurroundings PlanWorld(Controller& controller, QWidget* parent)
 {
     PlanSurroundings world;
-    world.folder = controller.ProgramFolder();
-    world.roots = &controller.Roots();
-    world.clock = &controller.GetClock();
     world.makeConnect = [&controller, parent](CCommand&) { return controller.MakeConnect(parent); };
     world.conditions = [&controller] {
         const ObservingLimits& limits = controller.Limits();
@@ -24,11 +21,6 @@ PlanSurroundings PlanWorld(Controller& controller, QWidget* parent)
     };
     world.skyNotes = [&controller] { return controller.SkyNotes(); };
     return world;
-}
-
-CSkyPlot::Surroundings SkyWorld(const Controller& controller)
-{
-    return {&controller.Reg(), &controller.GetClock(), controller.ProgramFolder()};
 }
 
 CRecvFileMan::Surroundings FilesWorld(Controller& controller, QWidget* parent)
@@ -40,8 +32,8 @@ CRecvFileMan::Surroundings FilesWorld(Controller& controller, QWidget* parent)
 
 CComPort::Surroundings PortsWorld(Controller& controller)
 {
-    return {&controller.Roots(), controller.ReceiverPorts(),
-            [&controller] { return controller.Target().target; }, controller.ReceiverSerial()};
+    return {controller.ReceiverPorts(), [&controller] { return controller.Target().target; },
+            controller.ReceiverSerial()};
 }
 
 std::vector<ScenarioChoice> Scenarios()

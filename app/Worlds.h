@@ -3,7 +3,6 @@
 #include "ui/equipment/ComPort.h"
 #include "ui/equipment/RecvFileMan.h"
 #include "ui/link/PortChooser.h"
-#include "ui/planning/SkyPlotDlg.h"
 #include "ui/planning/SurveyPlan.h"
 
 #include <vector>
@@ -17,7 +16,6 @@ class Controller;
 
 /// @param parent  of the window that connects; may be null
 [[nodiscard]] PlanSurroundings PlanWorld(Controller& controller, QWidget* parent);
-[[nodiscard]] CSkyPlot::Surroundings SkyWorld(const Controller& controller);
 [[nodiscard]] CRecvFileMan::Surroundings FilesWorld(Controller& controller, QWidget* parent);
 [[nodiscard]] CComPort::Surroundings PortsWorld(Controller& controller);
 /// What the simulated receiver can play.

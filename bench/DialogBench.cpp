@@ -6,7 +6,6 @@
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/PlanSite.h"
-#include "core/settings/HostReg.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "ui/controls/Theme.h"
@@ -43,8 +42,7 @@ struct World
 
     TemporaryFolder folder;
     SettingsRoots roots{testing::FoldersBelow(folder.Path())};
-    HostReg reg{roots};
-    CCommand command;
+    CCommand command{{.roots = &roots}};
 };
 
 std::unique_ptr<QWidget> BareDialog()
@@ -87,18 +85,14 @@ void Compare(benchmark::State& state, const Make& make)
 void Plan(benchmark::State& state)
 {
     World world;
-    PlanSurroundings plan;
-    plan.folder = world.folder.Path();
-    plan.roots = &world.roots;
-    Compare(state, [&] { return std::make_unique<CSurveyPlan>(&world.command, 0, plan); });
+    Compare(state, [&] { return std::make_unique<CSurveyPlan>(&world.command, 0); });
 }
 BENCHMARK(Plan)->Name("SurveyPlan")->Iterations(51)->UseRealTime();
 
 void Sky(benchmark::State& state)
 {
     World world;
-    const CSkyPlot::Surroundings sky{&world.reg, nullptr, world.folder.Path()};
-    Compare(state, [&] { return std::make_unique<CSkyPlot>(nullptr, 0, sky); });
+    Compare(state, [&] { return std::make_unique<CSkyPlot>(&world.command, 0); });
 }
 BENCHMARK(Sky)->Name("SkyPlot")->Iterations(51)->UseRealTime();
 

@@ -38,7 +38,7 @@ struct AlmanacOptions
 
 std::filesystem::path FolderOf(const Context& context)
 {
-    return Folders(context.world.folders).Program();
+    return context.world.GetFolders().Program();
 }
 
 void ShowText(const Context& context, const AlmanacMessage& message)
@@ -197,7 +197,7 @@ double NowS(const Context& context)
 /// Adds @p records to what is kept, unless this is a dry run.
 std::optional<Failure> Keep(const Context& context, std::span<const NavigationRecord> records)
 {
-    const std::filesystem::path folder = Folders(context.world.folders).Program();
+    const std::filesystem::path folder = context.world.GetFolders().Program();
     if (LoadConstellations(folder).error) {
         context.output.Warn(text::kSayMessagesLost);
     }
@@ -220,7 +220,7 @@ Ending Take(const Context& context, std::span<const NavigationRecord> records)
     }
     Report report;
     report.Add("file", text::kLabelFile,
-               Value::Text(NavigationPath(Folders(context.world.folders).Program()).string()));
+               Value::Text(NavigationPath(context.world.GetFolders().Program()).string()));
     AddSystemTable(report, records, NowS(context));
     context.output.Note({text::kSayForSystems, {LettersOf(records)}});
     return Kept(context, report);

@@ -79,7 +79,7 @@ std::optional<CGPSTime> TimeOf(const KeplerElements& elements)
 
 CGPSTime GpsNow(const World& world)
 {
-    const auto since = world.clock->Utc() - kGpsEpoch;
+    const auto since = world.GetClock().Utc() - kGpsEpoch;
     return FromGpsSeconds(std::chrono::duration_cast<std::chrono::seconds>(since).count());
 }
 

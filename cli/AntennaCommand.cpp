@@ -4,6 +4,7 @@
 
 #include "core/equipment/AntennaSettings.h"
 #include "core/input/Parts.h"
+#include "core/link/Command.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"
@@ -36,10 +37,10 @@ struct AntennaOptions
 struct Access
 {
     Access(const Context& context, const AntennaOptions& options)
-        : folders(context.world.folders), roots(folders),
-          settings(nullptr, 0, 0, {folders.Program(), &roots})
+        : folder(context.world.GetFolders().Program()), command(context.world),
+          settings(&command, 0, 0)
     {
-        const bool hasFile = InstallSampleAntennas(folders.Program()) != 0;
+        const bool hasFile = InstallSampleAntennas(folder) != 0;
         if (!hasFile || settings.CheckReg() == 0) {
             context.output.Warn({text::kSayCatalogueOld, {File()}});
         }
@@ -49,10 +50,10 @@ struct Access
         settings.ReadRegAnt();
     }
 
-    [[nodiscard]] std::string File() const { return AntennaFilePath(folders.Program()).string(); }
+    [[nodiscard]] std::string File() const { return AntennaFilePath(folder).string(); }
 
-    Folders folders;
-    SettingsRoots roots;
+    std::filesystem::path folder;
+    CCommand command; ///< without a port
     AntennaSettings settings;
 };
 
@@ -228,7 +229,7 @@ Ending Set(const Context& context, const AntennaOptions& options)
     Access access(context, options);
     AntennaSettings& settings = access.settings;
     const Failure notStored = FileFailure(text::kSayAntennaNotStored, "fieldcore-cli doctor");
-    if (!context.dryRun && !access.roots.Store(RootKey::CurrentUser).IsKept()) {
+    if (!context.dryRun && !context.world.Roots().Store(RootKey::CurrentUser).IsKept()) {
         return notStored; // then there may be no catalogue either
     }
     std::optional<Failure> failure;

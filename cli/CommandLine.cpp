@@ -384,7 +384,9 @@ ExitCode Dispatch(const World& world, Program& program, std::vector<std::string>
     if (!userCommand.empty() && !isSimRun) {
         return output.Failed(UsageFailure(text::kSayOnlySimRun, "fieldcore-cli sim run --help"));
     }
-    const World own = WorldOf(world, program.parser);
+    World own = WorldOf(world, program.parser);
+    SettingsRoots roots{Folders(own.folders)};
+    own.roots = &roots;
     for (const Command& command : program.commands) {
         if (command.parser->parsed()) {
             const Ending ending = command.run({own, output, isDryRun, std::move(userCommand)});

@@ -75,7 +75,7 @@ Health HealthOf(PortTrouble trouble)
 
 Finding ExaminePort(const World& world, const std::string& path, const std::string& description)
 {
-    const PortReport report = ReportPort(path, 0, world.roots); // which knows who holds it
+    const PortReport report = ReportPort(path, 0, world.system); // which knows who holds it
     const bool free = report.trouble == PortTrouble::None;
     return {text::kDoctorPort, path, HealthOf(report.trouble),
             free ? Worded(text::kDoctorFree, {description}) : Translated(report.text),
@@ -84,16 +84,16 @@ Finding ExaminePort(const World& world, const std::string& path, const std::stri
 
 void ExaminePorts(const World& world, std::vector<Finding>& findings)
 {
-    const std::vector<SerialPort> ports = ListSerialPorts(PortNames(world.roots), world.roots);
+    const std::vector<SerialPort> ports = ListSerialPorts(PortNames(world.system), world.system);
     for (const SerialPort& port : ports) {
         findings.push_back(ExaminePort(world, port.path, Translated(port.description)));
     }
     // That of the controller, which may be none of these: one that is gone, or a simulator's.
-    SettingsRoots roots{Folders(world.folders)};
+    SettingsRoots& roots = world.Roots();
     std::error_code error; // a store that is not there is not made for this
     const bool isStored = fs::exists(roots.File(RootKey::CurrentUser), error) && StoredPort(roots);
     const FoundTarget chosen =
-        isStored ? FindTarget(roots, *StoredPort(roots), world.roots) : FoundTarget{};
+        isStored ? FindTarget(roots, *StoredPort(roots), world.system) : FoundTarget{};
     const std::string path = chosen.target ? chosen.target->devicePath : "";
     if (!chosen.detail.empty() && !chosen.scenario) {
         findings.push_back({text::kDoctorOwnPort, "", kBad, Translated(chosen.detail),
@@ -193,7 +193,7 @@ Finding ExamineAlmanac(const World& world)
     Finding finding{text::kLabelAlmanac, "", kAttention, Worded(text::kDoctorNoAlmanac),
                     "fieldcore-cli almanac get --port PORT"};
     CSurveyPlanCalc almanac;
-    const fs::path file = AlmanacPath(Folders(world.folders).Program());
+    const fs::path file = AlmanacPath(world.GetFolders().Program());
     std::error_code error;
     if (!almanac.LoadAlmanac(file)) {
         finding.found =
@@ -223,7 +223,7 @@ std::vector<Finding> Examine(const World& world)
     ExaminePorts(world, findings);
     findings.push_back(ExamineFont(world));
     findings.push_back(ExamineAlmanac(world));
-    const Folders folders(world.folders);
+    const Folders& folders = world.GetFolders();
     findings.push_back(ExamineFolder(text::kDoctorProgram, folders.Program()));
     findings.push_back(ExamineFolder(text::kDoctorDocuments, folders.Documents()));
     findings.push_back(ExamineFolder(text::kDoctorBuiltIn, folders.BuiltInStorage()));

@@ -195,7 +195,7 @@ private:
         std::optional<Failure> failure = m_session.Connect();
         if (!failure) {
             m_catalogue.emplace(m_session);
-            const Folders folders(m_context.world.folders);
+            const Folders& folders = m_context.world.GetFolders();
             std::vector<fs::path> kept = folders.StorageCards();
             kept.insert(kept.end(), {m_options.folder, folders.Documents()});
             m_catalogue->Receiver().SetFetchedFolders(std::move(kept));
@@ -302,7 +302,7 @@ private:
         FileRunner::Surroundings around;
         around.watch = [&](const TransferProgress& progress) {
             constexpr Clock::Duration kBetween = std::chrono::milliseconds(100);
-            const Clock::Duration now = m_context.world.clock->Steady();
+            const Clock::Duration now = m_context.world.GetClock().Steady();
             if (progress.file != file || now - shown >= kBetween) {
                 file = progress.file;
                 shown = now;

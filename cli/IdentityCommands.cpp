@@ -59,7 +59,7 @@ Ending Identify(const Context& context, const Options& options)
     if (options.search) {
         const std::uint32_t rate = session.Target().settings.baudRate;
         report.Add("answersAt", text::kLabelAnswersAt, Value::Integer(rate, "bit/s"));
-        SettingsRoots roots{Folders(context.world.folders)};
+        SettingsRoots& roots = context.world.Roots();
         if (options.store && !context.dryRun &&
             (!roots.Store(RootKey::CurrentUser).IsKept() || SetLinkRate(rate, roots) == 0)) {
             return FileFailure(

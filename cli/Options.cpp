@@ -76,7 +76,7 @@ std::optional<Failure> ReadDate(const std::string& text, int days, const World& 
     using namespace std::chrono_literals;
     constexpr std::chrono::sys_days kFirst = 1980y / std::chrono::January / 7;
     constexpr std::chrono::sys_days kLast = 2099y / std::chrono::December / 31;
-    const std::chrono::sys_days today = JapanDay(world.clock->Utc());
+    const std::chrono::sys_days today = JapanDay(world.GetClock().Utc());
     const std::optional<std::chrono::sys_days> first = text == "today" ? today
                                                        : text == "tomorrow"
                                                            ? today + std::chrono::days(1)

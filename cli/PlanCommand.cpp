@@ -44,13 +44,12 @@ struct Options
 std::optional<Failure> Prepare(const Context& context, const PlanOptions& options, bool wholeDay,
                                PlanRequest& request, ObservationPlan& plan)
 {
-    SettingsRoots roots{Folders(context.world.folders)};
-    const PlanSettings settings = LoadPlanSettings(HostReg(roots));
+    const PlanSettings settings = LoadPlanSettings(HostReg(context.world.Roots()));
     if (auto failure = Resolve(options, context.world, settings, wholeDay, request)) {
         return failure;
     }
     const bool isPut = options.almanac.empty() &&
-                       AlmanacStore(request.folder).PutNominal(context.world.clock->Utc());
+                       AlmanacStore(request.folder).PutNominal(context.world.GetClock().Utc());
     if (isPut) {
         context.output.Warn(text::kSayAlmanacPut);
         context.output.Note(text::kSayGetAlmanac);
@@ -257,7 +256,7 @@ Ending Session(const Context& context, const Options& options)
 Ending Sites(const Context& context, const Options& /*options*/)
 {
     Report::Table table{"sites"};
-    for (const NamedSite& site : KnownSites(Folders(context.world.folders).Program())) {
+    for (const NamedSite& site : KnownSites(context.world.GetFolders().Program())) {
         table.rows.push_back(
             {{"name", text::kHeadSite, Value::Text(std::wstring_view(site.name))},
              {"latitudeDeg", text::kHeadLatitude,

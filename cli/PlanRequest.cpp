@@ -178,7 +178,7 @@ std::vector<NamedSite> KnownSites(const std::filesystem::path& folder)
 std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
                                const PlanSettings& settings, bool wholeDay, PlanRequest& request)
 {
-    request.folder = Folders(world.folders).Program();
+    request.folder = world.GetFolders().Program();
     request.settings = settings;
     request.settings.elMaskDeg = options.maskDeg.value_or(settings.elMaskDeg);
     std::vector<std::string> names = options.sites;

@@ -44,11 +44,11 @@ private:
 
 } // namespace
 
-Folders RealFolders(const World& world)
+SettingsRoots RealSettings(const World& world)
 {
     FolderSources sources = world.folders;
     sources.isSimulated = false;
-    return Folders(std::move(sources));
+    return SettingsRoots{Folders(std::move(sources))};
 }
 
 std::string NamedPort(const World& world, const std::string& named)
@@ -58,17 +58,17 @@ std::string NamedPort(const World& world, const std::string& named)
 
 bool IsSimulated(const World& world, const std::string& port)
 {
-    SettingsRoots roots{RealFolders(world)};
+    SettingsRoots roots = RealSettings(world);
     const std::string name = !port.empty() ? port : StoredPort(roots).value_or("");
-    const PortNameResult parsed = PortNames(world.roots).Parse(name);
+    const PortNameResult parsed = PortNames(world.system).Parse(name);
     return parsed.port && (parsed.port->kind == PortKind::Simulator ||
                            parsed.port->path == world.variable(kSimulatedPort));
 }
 
 PortNames KnownPortNames(const World& world, Output& output)
 {
-    PortNames names(world.roots);
-    SettingsRoots roots{RealFolders(world)};
+    PortNames names(world.system);
+    SettingsRoots roots = RealSettings(world);
     for (const std::wstring& setting : AssignStoredPorts(names, roots)) {
         output.Warn({text::kSayPortSetting, {ToUtf8(setting), ToUtf8(kPortsKey)}});
     }
@@ -135,14 +135,14 @@ void PortOptions::AddSessionTo(CLI::App& command)
 
 PortSession::PortSession(const Context& context, const PortOptions& options, bool hasAgreed)
     : m_world(context.world), m_output(context.output), m_host(context, hasAgreed),
-      m_options(options), m_names(context.world.roots)
+      m_options(options), m_names(context.world.system)
 {}
 
 PortSession::~PortSession() = default;
 
 const Clock& PortSession::GetClock() const
 {
-    return m_fastClock ? *m_fastClock : *m_world.clock;
+    return m_fastClock ? *m_fastClock : m_world.GetClock();
 }
 
 std::optional<Failure> PortSession::Prepare()
@@ -157,7 +157,8 @@ std::optional<Failure> PortSession::Prepare()
                                text::kSayLogHint);
         }
     }
-    m_command = std::make_unique<CCommand>(Environment{&m_host, &GetClock(), &m_names, nullptr});
+    m_command = std::make_unique<CCommand>(
+        Environment{&m_host, &GetClock(), &m_names, m_world.makeDevice, &m_world.Roots()});
     if (!m_options.log.empty()) {
         m_command->SetLineObserver(
             [this](Direction direction, LineUnit, std::span<const std::uint8_t> bytes) {
@@ -169,16 +170,16 @@ std::optional<Failure> PortSession::Prepare()
 
 std::optional<Failure> PortSession::FindPort()
 {
-    SettingsRoots roots{RealFolders(m_world)};
+    SettingsRoots roots = RealSettings(m_world);
     const std::string named = NamedPort(m_world, m_options.port);
     if (named.empty() && !StoredPort(roots)) {
         std::string hint;
-        for (const SerialPort& port : ListSerialPorts(m_names, m_world.roots)) {
+        for (const SerialPort& port : ListSerialPorts(m_names, m_world.system)) {
             hint += "--port " + port.path + "  " + Translated(port.description) + "\n         ";
         }
         return UsageFailure(text::kSayNoPort, hint + Worded(text::kSaySimPort));
     }
-    const FoundTarget found = FindTarget(roots, named, m_world.roots);
+    const FoundTarget found = FindTarget(roots, named, m_world.system);
     if (found.scenario) {
         return StartSimulator(*found.scenario);
     }
@@ -205,14 +206,13 @@ std::optional<Failure> PortSession::StartSimulator(const std::string& scenario)
         return ScenarioFailure(error);
     }
     if (m_options.speed != 1.0) {
-        m_fastClock = std::make_unique<FastClock>(m_options.speed, m_world.clock->Utc());
+        m_fastClock = std::make_unique<FastClock>(m_options.speed, m_world.GetClock().Utc());
     }
     m_simulator = std::make_unique<simulator::Simulator>(*loaded, GetClock());
     if (!m_simulator->Start(error)) {
         return SimulatorFailure(ExitCode::Failed, error);
     }
-    SettingsRoots roots{Folders(m_world.folders)};
-    m_target = TargetOf(m_simulator->PortPath(), LinkSettings(roots), m_names);
+    m_target = TargetOf(m_simulator->PortPath(), LinkSettings(m_world.Roots()), m_names);
     return std::nullopt;
 }
 
@@ -246,7 +246,7 @@ std::optional<Failure> PortSession::OpenFound()
 Failure PortSession::NotOpened(std::string detail) const
 {
     return PortFailure(m_target.devicePath, m_command->SystemError(), std::move(detail),
-                       m_world.roots);
+                       m_world.system);
 }
 
 std::optional<Failure> PortSession::Connect()

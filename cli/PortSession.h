@@ -7,7 +7,6 @@
 #include "core/link/ConnectChoice.h"
 #include "core/link/SerialLink.h"
 #include "core/platform/FastClock.h"
-#include "core/platform/Folders.h"
 #include "core/platform/LogFile.h"
 #include "core/platform/PortNames.h"
 #include "simulator/Simulator.h"
@@ -101,9 +100,9 @@ private:
     std::unique_ptr<CCommand> m_command; // behind the simulator, whose port it opens
 };
 
-/// Where the real settings are, also for a command whose own are the simulator's: they say which
-/// port is meant.
-[[nodiscard]] Folders RealFolders(const World& world);
+/// The real settings, also for a command whose own are the simulator's: they say which port is
+/// meant.
+[[nodiscard]] SettingsRoots RealSettings(const World& world);
 /// The port of a command: what it names, else the variable FIELDCORE_PORT; empty: the stored one.
 [[nodiscard]] std::string NamedPort(const World& world, const std::string& named);
 /// Whether a simulated receiver is behind the port, also that of a "sim run" that started this.

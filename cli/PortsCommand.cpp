@@ -39,7 +39,7 @@ Value State(const PortReport& report)
 
 Ending Run(const Context& context, const PortsOptions& /*options*/)
 {
-    const SystemRoots& roots = context.world.roots;
+    const SystemRoots& roots = context.world.system;
     Report::Table table{"ports", text::kSayNoSerial};
     for (const SerialPort& port :
          ListSerialPorts(KnownPortNames(context.world, context.output), roots)) {
@@ -172,13 +172,12 @@ std::optional<Failure> SetPort(PortSession& session, int port, PortEdit& edit,
 
 Ending Show(const Context& context, const PortsOptions& /*options*/)
 {
-    SettingsRoots roots{Folders(context.world.folders)};
-    return context.output.Done(ReportOf(roots));
+    return context.output.Done(ReportOf(context.world.Roots()));
 }
 
 Ending Set(const Context& context, const PortsOptions& options)
 {
-    SettingsRoots roots{Folders(context.world.folders)};
+    SettingsRoots& roots = context.world.Roots();
     if (options.number == CComPrmSet::kLinkPort) {
         return SetLink(context, options, roots);
     }

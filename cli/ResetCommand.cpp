@@ -44,8 +44,7 @@ Ending Run(const Context& context, const ResetOptions& options)
     if (CRecvForceInit(session.Command()).stRecvForceInit() == 0) {
         return RequestFailure(CommandFault::Cancelled, "");
     }
-    SettingsRoots roots{Folders(context.world.folders)};
-    ForgetPorts(roots);
+    ForgetPorts(context.world.Roots());
     // The library does not look at the answer; whoever resets from a script wants to know.
     if (session.Command().Fault() != CommandFault::None) {
         return session.RequestFailed();

@@ -104,7 +104,7 @@ Report::Table Changes(SettingsStore& store, const std::vector<SettingsKey>& keys
 } // namespace
 
 SettingsAccess::SettingsAccess(const Context& context, const SettingsOptions& options)
-    : m_roots(Folders(context.world.folders)),
+    : m_roots(context.world.Roots()),
       m_root(options.machine ? RootKey::LocalMachine : RootKey::CurrentUser)
 {
     if (!options.whole) {

@@ -50,7 +50,7 @@ public:
     [[nodiscard]] Failure NotWritten() const;
 
 private:
-    SettingsRoots m_roots;
+    SettingsRoots& m_roots;
     const RootKey m_root;
     std::wstring m_key;
     bool m_canRead = true;

@@ -110,9 +110,7 @@ Ending WithSignals(const Context& context, const SignalOptions& options)
     if (const auto failure = port.Connect()) {
         return *failure;
     }
-    SettingsRoots roots{Folders(context.world.folders)};
-    const HostReg reg(roots);
-    SignalSession session(&port.Command(), reg);
+    SignalSession session(&port.Command());
     session.Open();
     return session.IsLocked() || session.IsKnown() ? Act(context, options, session)
                                                    : port.RequestFailed();

@@ -218,7 +218,7 @@ Ending RunScenario(const Context& context, const SimOptions& options)
         scenario->speed = options.speed;
     }
     const std::string title = TitleOf(*scenario);
-    simulator::Simulator simulator(*scenario, *context.world.clock,
+    simulator::Simulator simulator(*scenario, context.world.GetClock(),
                                    {options.link, options.record, options.replay});
     if (!simulator.Start(error)) {
         return SimulatorFailure(ExitCode::LocalFile, error);

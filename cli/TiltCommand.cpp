@@ -40,7 +40,6 @@ struct Sensor
 {
     PortSession& session;
     TiltSettings& tilt;
-    const CReg& reg;
 
     [[nodiscard]] std::optional<Failure> Read(Receiver& reading) const
     {
@@ -63,10 +62,8 @@ Ending WithSensor(const Context& context, const TiltOptions& options,
     if (const auto failure = session.Connect()) {
         return *failure;
     }
-    SettingsRoots roots{Folders(context.world.folders)};
-    const HostReg reg(roots);
-    TiltSettings tilt(&session.Command(), reg);
-    Sensor sensor{session, tilt, reg};
+    TiltSettings tilt(&session.Command());
+    Sensor sensor{session, tilt};
     Receiver reading;
     if (const auto failure = sensor.Read(reading)) {
         return *failure;
@@ -164,7 +161,7 @@ Ending Send(const Context& context, const TiltOptions& options, const char* key,
         }
         report.Add("sent", text::kLabelSent, Value::YesNo(!context.dryRun));
         const bool isKept = keep != nullptr;
-        if (!context.dryRun && isKept && keep(sensor.reg) == 0) {
+        if (!context.dryRun && isKept && keep(HostReg(context.world.Roots())) == 0) {
             return context.output.Failed(
                 FileFailure(text::kSayTiltNotStored, "fieldcore-cli doctor"), &report);
         }

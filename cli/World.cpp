@@ -124,7 +124,6 @@ World World::OfThisProcess()
     };
     world.variable = Variable;
     world.stopSignal = [] { return static_cast<int>(stopSignalNumber); };
-    world.clock = &SystemClock::Instance();
     world.setClock = SetMachineClock;
     world.folders = FolderSources::System();
     world.listJapaneseFonts = ListJapaneseFonts;

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "core/platform/Clock.h"
-#include "core/platform/Folders.h"
 #include "core/platform/SystemRoots.h"
+#include "core/settings/Environment.h"
 
 #include <filesystem>
 #include <functional>
@@ -13,8 +12,9 @@
 
 namespace fieldcore::cli {
 
-/// What the command line uses of the process and the machine around it. A test makes one up.
-struct World
+/// What the command line uses of the process and the machine around it. A test makes one up. The
+/// settings of its environment are those of the command that runs, see #folders.
+struct World : Environment
 {
     // Streams; they outlive the world.
     std::ostream* out = nullptr;
@@ -30,14 +30,13 @@ struct World
     std::function<std::optional<std::string>(const std::string& name)> variable;
     /// The signal with which the user asked for an end; 0 if there was none.
     std::function<int()> stopSignal;
-    const Clock* clock = nullptr; ///< outlives the world
 
     /// Sets the machine's date and time. @return empty, or why it was not set. Null: nothing can
     /// be set here.
     std::function<std::string(Clock::UtcTime)> setClock;
 
-    SystemRoots roots;
-    FolderSources folders;
+    SystemRoots system;    ///< where devices are looked for
+    FolderSources folders; ///< of the settings and of all other files
 
     /// Families of the fonts that have Japanese, one a line; nothing if they cannot be listed.
     std::function<std::optional<std::string>()> listJapaneseFonts;

@@ -74,10 +74,9 @@ int main(int argc, char** argv)
               << ", Galileo " << survey.GetGalileoData() << ", QZSS " << survey.GetQZSSData()
               << ", L2C " << survey.GetL2CData() << ", L5 " << survey.GetL5Data() << "\n";
 
-    const std::filesystem::path folder = fieldcore::Folders().Program();
-    fieldcore::InstallSampleAntennas(folder); // unless there is a catalogue
+    fieldcore::InstallSampleAntennas(fieldcore::Folders().Program()); // unless there is a catalogue
     constexpr int kRover = 1;
-    fieldcore::AntennaSettings antenna(&receiver, kRover, 1, {folder});
+    fieldcore::AntennaSettings antenna(&receiver, kRover, 1);
     antenna.CheckReg(); // which reads the catalogue
     if (antenna.TakeFromReceiver() != fieldcore::AntennaSettings::Taken::Yes) {
         std::cout << "antenna \"" << ToUtf8(antenna.SourceCode()) << "\" is not in the catalogue\n";

@@ -235,8 +235,8 @@ int InstallSampleAntennas(const fs::path& folder)
     return !error && !ReplaceFile(file, "$#TEMP.TMP", std::as_bytes(SampleAntennas())) ? 1 : 0;
 }
 
-AntennaCatalogue::AntennaCatalogue(fs::path folder, SettingsRoots& roots)
-    : m_folder(std::move(folder)), m_reg(roots)
+AntennaCatalogue::AntennaCatalogue(SettingsRoots& roots)
+    : m_folder(roots.GetFolders().Program()), m_reg(roots)
 {
     m_reg.SetRootKey(RootKey::CurrentUser, 0);
 }

@@ -110,10 +110,8 @@ public:
     /// Below HostBasePath().
     static constexpr const wchar_t* kKey = L"GPS\\Antenna\\List";
 
-    /// @param folder  the program's folder
-    /// @param roots   must outlive the object
-    explicit AntennaCatalogue(std::filesystem::path folder,
-                              SettingsRoots& roots = SettingsRoots::Instance());
+    /// That of the program's folder. @param roots  must outlive the object
+    explicit AntennaCatalogue(SettingsRoots& roots = SettingsRoots::Instance());
 
     /// Brings the settings up to date if the file is not the one that they were made of: its stamp
     /// is another, or its FileIdentity(), which sees what happens within a second. They change as a

@@ -100,11 +100,9 @@ std::optional<ApplicationFileDataBlock> FindAntennaBlock(std::span<const std::ui
     return last;
 }
 
-AntennaSettings::AntennaSettings(CCommand* command, int rover, int reConnect,
-                                 Surroundings surroundings)
-    : m_command(command), m_reg(*surroundings.roots),
-      m_catalogue(std::move(surroundings.folder), *surroundings.roots), m_rover(rover != 0),
-      m_reConnect(reConnect != 0)
+AntennaSettings::AntennaSettings(CCommand* command, int rover, int reConnect)
+    : m_command(command), m_reg(EnvironmentOf(command).Roots()),
+      m_catalogue(EnvironmentOf(command).Roots()), m_rover(rover != 0), m_reConnect(reConnect != 0)
 {}
 
 AntennaRole AntennaSettings::Role() const

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
@@ -89,18 +88,11 @@ public:
     /// How many heights and serial numbers are remembered.
     static constexpr int kRemembered = 10;
 
-    /// What it uses of the world around it.
-    struct Surroundings
-    {
-        std::filesystem::path folder;                      ///< of the program
-        SettingsRoots* roots = &SettingsRoots::Instance(); ///< must outlive the object
-    };
-
     /// @param command    channel to the receiver; not owned, may be null: then nothing is taken
     ///                   from it
     /// @param rover      0: reference station
     /// @param reConnect  see SetReConnect()
-    AntennaSettings(CCommand* command, int rover, int reConnect, Surroundings surroundings);
+    AntennaSettings(CCommand* command, int rover, int reConnect);
 
     // The role.
 

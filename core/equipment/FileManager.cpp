@@ -83,7 +83,8 @@ bool FileManager::AskDestination()
     CCommand& command = m_files.GetCommand();
     FileDestination destination(
         m_plan.Bytes(FileOutcome::Planned), command.GetPortNumber(), command.GetBaudRate(),
-        m_around.folders, [this](const auto& folder) { return m_plan.BytesAlreadyIn(folder); });
+        command.GetEnvironment().GetFolders(),
+        [this](const auto& folder) { return m_plan.BytesAlreadyIn(folder); });
     if (!m_around.askDestination || !m_around.askDestination(destination)) {
         return false;
     }

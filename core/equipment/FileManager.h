@@ -21,7 +21,6 @@ public:
     {
         /// Shows the destination dialog. @return false unless the user starts
         std::function<bool(FileDestination&)> askDestination{};
-        Folders folders = Folders();
         /// Of these, watch and freeBytes are used.
         FileRunner::Surroundings running{};
     };

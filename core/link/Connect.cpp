@@ -104,12 +104,8 @@ const wchar_t* ConnectSequence::FailureCaption() const
 
 // Asking, connecting and checking.
 
-CConnect::CConnect(CCommand& command, int reconnect, SettingsRoots& roots)
-    : m_command(command), m_reconnect(reconnect), m_roots(&roots)
-{}
-
 CConnect::CConnect(CCommand& command, int reconnect, FoundTarget found)
-    : m_command(command), m_reconnect(reconnect), m_roots(nullptr), m_found(std::move(found))
+    : m_command(command), m_reconnect(reconnect), m_found(std::move(found))
 {}
 
 CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
@@ -118,8 +114,8 @@ CConnect::CConnect(CCommand& command, int reconnect, ConnectTarget target)
 
 void CConnect::Find()
 {
-    if (m_roots != nullptr) {
-        m_found = FindTarget(*m_roots);
+    if (m_isBySettings) {
+        m_found = FindTarget(m_command.GetEnvironment().Roots());
     }
 }
 

@@ -92,9 +92,11 @@ public:
     };
 
     /// Connects as the settings say at the time, see FindTarget().
-    /// @param command    not owned; must outlive this object, as must @p roots
+    /// @param command    not owned; must outlive this object
     /// @param reconnect  not 0 when the host asks after a lost Bluetooth link
-    CConnect(CCommand& command, int reconnect, SettingsRoots& roots = SettingsRoots::Instance());
+    CConnect(CCommand& command, int reconnect)
+        : m_command(command), m_reconnect(reconnect), m_isBySettings(true)
+    {}
     /// Connects to @p found. One that is no port is told to the user.
     CConnect(CCommand& command, int reconnect, FoundTarget found);
     CConnect(CCommand& command, int reconnect, ConnectTarget target);
@@ -148,7 +150,7 @@ private:
 
     CCommand& m_command;
     const int m_reconnect;
-    SettingsRoots* const m_roots; // null: the target was given
+    const bool m_isBySettings = false;
     FoundTarget m_found;
     SupportedTypeFlags m_flags;
     ReceiverIdentity m_identity;

@@ -17,11 +17,12 @@ constexpr int kDayH = 24;
 
 } // namespace
 
-PlanSession::PlanSession(std::filesystem::path folder, const CReg& reg)
-    : m_folder(std::move(folder)), m_reg(reg)
+PlanSession::PlanSession(const Environment& environment)
+    : m_environment(environment), m_folder(environment.GetFolders().Program()),
+      m_reg(environment.Roots())
 {}
 
-AlmanacMessage PlanSession::Begin(const Clock& clock)
+AlmanacMessage PlanSession::Begin()
 {
     m_settings = LoadPlanSettings(m_reg);
     ApplySettings(m_settings, m_plan);
@@ -29,7 +30,7 @@ AlmanacMessage PlanSession::Begin(const Clock& clock)
         ReloadMessages();
     }
     ReadSite();
-    m_plan.Period().date = std::chrono::floor<std::chrono::days>(clock.Utc());
+    m_plan.Period().date = std::chrono::floor<std::chrono::days>(m_environment.GetClock().Utc());
     ResetSpins();
     return ReloadAlmanac();
 }

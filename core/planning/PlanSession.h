@@ -4,8 +4,9 @@
 #include "core/planning/ObservationPlan.h"
 #include "core/planning/PlanSettings.h"
 #include "core/planning/PlanWindows.h"
-#include "core/platform/Clock.h"
 #include "core/platform/TextError.h"
+#include "core/settings/Environment.h"
+#include "core/settings/HostReg.h"
 
 #include <filesystem>
 #include <optional>
@@ -18,15 +19,14 @@ namespace fieldcore {
 class PlanSession
 {
 public:
-    /// @param folder  the program's
-    /// @param reg     starts at the library's own key; must outlive the session
-    PlanSession(std::filesystem::path folder, const CReg& reg);
+    /// With the settings and the program's folder of @p environment.
+    explicit PlanSession(const Environment& environment);
 
     /// Begins: reads settings and site, takes today's date in UTC, loads almanac and curtain, and
     /// computes. Without an almanac it stops at that: what comes behind is left for
     /// ReloadAlmanac().
     /// @return what to tell the user; both numbers 0: nothing
-    AlmanacMessage Begin(const Clock& clock);
+    AlmanacMessage Begin();
 
     /// Reads the messages that were imported, which Begin() does only where they count.
     /// @return what is wrong with them: there are none then
@@ -98,6 +98,7 @@ public:
     /// The graph that is chosen; a number that is none stands for the sky plot.
     [[nodiscard]] PlanGraph Graph() const;
 
+    [[nodiscard]] const Environment& GetEnvironment() const { return m_environment; }
     /// The program's, where its files are.
     [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder; }
 
@@ -121,8 +122,9 @@ private:
     /// What the plan's satellites are to the user becomes a setting.
     void TakeUse();
 
-    std::filesystem::path m_folder;
-    const CReg& m_reg;
+    const Environment m_environment;
+    const std::filesystem::path m_folder;
+    const HostReg m_reg;
     PlanSettings m_settings;
     Spins m_spins;
     Observer m_site;

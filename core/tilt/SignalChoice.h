@@ -2,7 +2,7 @@
 
 #include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
-#include "core/settings/Reg.h"
+#include "core/settings/HostReg.h"
 
 #include <array>
 #include <cstddef>
@@ -84,9 +84,10 @@ struct SignalAnswers
 class SignalSession
 {
 public:
-    /// @param command  may be null; it and @p reg must outlive the object
-    /// @param reg      one that starts at the library's own key
-    SignalSession(CCommand* command, const CReg& reg) : m_command(command), m_reg(reg) {}
+    /// @param command  may be null; must outlive the object
+    explicit SignalSession(CCommand* command)
+        : m_command(command), m_reg(EnvironmentOf(command).Roots())
+    {}
 
     /// Asks the receiver. The thread of its face.
     [[nodiscard]] static SignalAnswers Ask(CCommand& command);
@@ -126,7 +127,7 @@ public:
 
 private:
     CCommand* const m_command;
-    const CReg& m_reg;
+    const HostReg m_reg;
     SignalAnswers m_told; // its info as far as it can be used
     SignalSet m_enabled;
     SignalSet m_checked;

@@ -114,8 +114,8 @@ bool TiltSettings::HasSensor() const
 
 void TiltSettings::Store() const
 {
-    Host& host = m_command != nullptr ? m_command->GetHost() : DefaultHost();
-    KeptOrTold(eBubbleConfig::SaveBubbleData(m_reg), text::kNotKeptBubble, host, m_reg);
+    KeptOrTold(eBubbleConfig::SaveBubbleData(m_reg), text::kNotKeptBubble,
+               EnvironmentOf(m_command).GetHost(), m_reg);
 }
 
 int TiltSettings::ChooseSensitivity(int place)

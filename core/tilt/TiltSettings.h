@@ -3,7 +3,7 @@
 #include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "core/link/Questions.h"
-#include "core/settings/Reg.h"
+#include "core/settings/HostReg.h"
 #include "core/tilt/CalibrationStatus.h"
 
 #include <chrono>
@@ -46,9 +46,10 @@ inline constexpr Rhythm kTiltRhythm{std::chrono::seconds(1), std::chrono::second
 class TiltSettings
 {
 public:
-    /// @param command  may be null; it and @p reg must outlive the object
-    /// @param reg      one that starts at the library's own key
-    TiltSettings(CCommand* command, const CReg& reg) : m_command(command), m_reg(reg) {}
+    /// @param command  may be null; must outlive the object
+    explicit TiltSettings(CCommand* command)
+        : m_command(command), m_reg(EnvironmentOf(command).Roots())
+    {}
 
     /// Takes over how long the receiver counts a calibration as valid.
     void Open();
@@ -94,7 +95,7 @@ private:
     void Store() const;
 
     CCommand* const m_command;
-    const CReg& m_reg;
+    const HostReg m_reg;
     TiltState m_state = TiltState::NotAsked;
 };
 

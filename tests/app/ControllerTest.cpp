@@ -137,7 +137,7 @@ TEST_F(ControllerTest, AsksOnceWhenBluetoothIsLost)
 TEST_F(ControllerTest, GivesTheBubbleTheAntennaOfItsRole)
 {
     Started controller(QStringLiteral("sim:tilted"), testing::kRealSpeed);
-    AntennaSettings antenna(nullptr, 1, 0, {controller.ProgramFolder(), &controller.Roots()});
+    AntennaSettings antenna(&controller.Command(), 1, 0);
     antenna.SetRole(AntennaRole::Rover);
     antenna.SetAntInputH(1.8);
     ASSERT_EQ(antenna.WriteRegAnt(), 1);

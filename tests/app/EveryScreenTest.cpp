@@ -406,8 +406,8 @@ TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
     details.AddPage(new CPlanPos(plan), UiText(text::kPlanPageSite));
     details.AddPage(new CPlanDet(plan), UiText(text::kPlanPageDetail));
     LookAtAll(details, QStringLiteral("plan-details"));
-    PlanSession planned(controller.ProgramFolder(), controller.Reg());
-    planned.Begin(controller.GetClock());
+    PlanSession planned(controller.Command().GetEnvironment());
+    planned.Begin();
     planned.Compute();
     PlanDrawing drawn;
     drawn.plan = &planned.Plan();

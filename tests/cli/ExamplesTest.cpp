@@ -117,7 +117,7 @@ protected:
         fs::create_directories(m_runner.Path("home"));
         fs::current_path(m_runner.Folder().Path());
         m_runner.world.clock = &m_clock;
-        m_runner.world.roots = {};
+        m_runner.world.system = {};
     }
     ~ExamplesTest() override { fs::current_path(m_before); }
     ExamplesTest(const ExamplesTest&) = delete;
@@ -133,8 +133,8 @@ protected:
         machine.Link("sys/devices/port/tty/ttyS0/device", "../..");
         machine.Link("sys/class/tty/ttyS0", "../../devices/port/tty/ttyS0");
         machine.Link("dev/ttyS0", m_receiver->PortPath());
-        m_runner.world.roots = {machine.Path() / "dev", machine.Path() / "sys",
-                                machine.Path() / "proc"};
+        m_runner.world.system = {machine.Path() / "dev", machine.Path() / "sys",
+                                 machine.Path() / "proc"};
     }
 
     /// In this process, with the clock of the page.

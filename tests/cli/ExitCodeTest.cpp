@@ -96,10 +96,10 @@ TEST(ExitCode, PortsOfThisMachineAreThree)
     ASSERT_TRUE(other.Open(receiver->PortPath()));
     Runner runner;
     const std::string info = "info --port " + receiver->PortPath();
-    runner.world.roots = {}; // who holds a port is seen in the real process table
+    runner.world.system = {}; // who holds a port is seen in the real process table
     runner.Expect({{"info --port /dev/null", 3, "", "/error/code", "port-not-serial"},
                    {info, 3, "", "/error/code", "port-in-use"}});
-    runner.world.roots.proc = runner.Folder().Path(); // somebody who is not to be seen
+    runner.world.system.proc = runner.Folder().Path(); // somebody who is not to be seen
     runner.Expect({{info, 3, "", "/error/code", "port-in-use"}});
 }
 

@@ -30,7 +30,7 @@ Runner::Runner()
     };
     world.stopSignal = [] { return 0; };
     world.clock = &SystemClock::Instance();
-    world.roots = {m_folder.Path() / "dev", m_folder.Path() / "sys", m_folder.Path() / "proc"};
+    world.system = {m_folder.Path() / "dev", m_folder.Path() / "sys", m_folder.Path() / "proc"};
     world.folders = {world.variable, m_folder.Path() / "home", "surveyor",
                      m_folder.Path() / "mounts"};
     world.listJapaneseFonts = [] { return std::optional<std::string>("VL Gothic\n"); };

@@ -150,13 +150,13 @@ bool ImportAntennas(const fs::path& folder, int version)
     std::ofstream(AntennaFilePath(folder))
         << "[ANTENNATYPE]\nDATA0=" << name << "\nDATA1=" << name << '\n';
     SettingsRoots roots(testing::FoldersBelow(folder));
-    return AntennaCatalogue(folder, roots).Update(SilentHost::Instance()) == 1;
+    return AntennaCatalogue(roots).Update(SilentHost::Instance()) == 1;
 }
 
 std::string FoundAntennas(const fs::path& folder)
 {
     SettingsRoots roots(testing::FoldersBelow(folder));
-    const AntennaCatalogue catalogue(folder, roots);
+    const AntennaCatalogue catalogue(roots);
     std::wstring found;
     for (int type = 0; type < catalogue.GetMaxCount(); ++type) {
         found += catalogue.Type(type).value_or(AntennaType()).name + L'\n';

@@ -7,13 +7,17 @@
 
 namespace fieldcore::testing {
 
-/// Stands until a test moves it, and keeps what it was set to. The machine's clock is never
-/// touched.
+/// Stands until a test moves it, or runs besides, and keeps what it was set to. The machine's clock
+/// is never touched.
 class HandClock final : public Clock
 {
 public:
-    [[nodiscard]] Duration Steady() const override { return m_steady; }
-    [[nodiscard]] UtcTime Utc() const override { return utc + m_steady.load(); }
+    [[nodiscard]] Duration Steady() const override
+    {
+        const Duration passed = SystemClock::Instance().Steady() - m_began;
+        return m_steady.load() + (runs ? passed * speed : Duration());
+    }
+    [[nodiscard]] UtcTime Utc() const override { return utc + Steady(); }
     [[nodiscard]] bool SetUtc(UtcTime time) override
     {
         asked.push_back(time);
@@ -25,10 +29,12 @@ public:
 
     UtcTime utc{}; ///< at its start
     bool maySet = true;
-    int speed = 1; ///< of waits
+    bool runs = false;
+    int speed = 1; ///< of waits, and at which it runs
     std::vector<UtcTime> asked;
 
 private:
+    const Duration m_began = SystemClock::Instance().Steady();
     std::atomic<Duration> m_steady{}; // a simulator reads it on its own thread
 };
 

@@ -3,6 +3,7 @@
 #include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "simulator/Simulator.h"
+#include "tests/core/platform/FoldersBelow.h"
 #include "tests/support/VirtualLine.h"
 
 #include <chrono>
@@ -62,8 +63,9 @@ struct VirtualChannel
     VirtualClock clock;
     VirtualLine line;
     BoxKeepingHost host;
-    VirtualLine* plugged = &line; ///< what the next port that is opened leads to
-    CCommand command{{&host, &clock, nullptr, [this] { return plugged->MakeDevice(); }}};
+    VirtualLine* plugged = &line;                   ///< what the next port that is opened leads to
+    SettingsRoots roots{FoldersBelow("/dev/null")}; ///< in memory, until a test uses others
+    CCommand command{{&host, &clock, nullptr, [this] { return plugged->MakeDevice(); }, &roots}};
 };
 
 /// How many exchanges a row of a table has: @p usual, or FIELDCORE_EXCHANGES of the environment.

@@ -88,15 +88,9 @@ int HowText(const AntennaHeight& height)
 } // namespace
 
 CAntenna::CAntenna(CCommand* command, int rover, int reConnect, QWidget* parent)
-    : CAntenna(command, rover, reConnect, {Folders().Program()}, parent)
-{}
-
-CAntenna::CAntenna(CCommand* command, int rover, int reConnect,
-                   AntennaSettings::Surroundings surroundings, QWidget* parent)
-    : Dialog(parent, Extent::Form),
-      AntennaSettings(command, rover, reConnect, std::move(surroundings)), m_role(new CTComboBox),
-      m_roleLabel(nullptr), m_antennaType(new CTComboBox), m_antennaWay(new CTComboBox),
-      m_height(MakeTyped(Qt::ImhFormattedNumbersOnly)),
+    : Dialog(parent, Extent::Form), AntennaSettings(command, rover, reConnect),
+      m_role(new CTComboBox), m_roleLabel(nullptr), m_antennaType(new CTComboBox),
+      m_antennaWay(new CTComboBox), m_height(MakeTyped(Qt::ImhFormattedNumbersOnly)),
       m_serial(MakeTyped(Qt::ImhLatinOnly | Qt::ImhNoPredictiveText)),
       m_drawing(new AntennaDrawing), m_how(new QLabel), m_vertical(new RoleLabel(&Theme::text)),
       m_warning(new RoleLabel(&Theme::bad)),

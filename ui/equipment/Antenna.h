@@ -28,9 +28,6 @@ public:
     /// @param rover      0: reference station
     /// @param reConnect  not 0: the receiver is asked for its antenna when the dialog opens
     CAntenna(CCommand* command, int rover, int reConnect, QWidget* parent = nullptr);
-    /// In a world of the host's own.
-    CAntenna(CCommand* command, int rover, int reConnect,
-             AntennaSettings::Surroundings surroundings, QWidget* parent = nullptr);
 
     /// Lets the user choose the role, too.
     void OfferRoles();

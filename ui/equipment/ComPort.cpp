@@ -26,7 +26,7 @@ CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidge
 CComPort::CComPort(CCommand* command, int ioPort, const QString& caption, QWidget* parent,
                    int startPage, Surroundings surroundings)
     : PropertySheet(caption, parent), m_command(command), m_surroundings(std::move(surroundings)),
-      m_roots(m_surroundings.roots != nullptr ? *m_surroundings.roots : SettingsRoots::Instance()),
+      m_roots(EnvironmentOf(command).Roots()),
       m_edit(std::in_place, ioPort, m_roots, std::nullopt, m_surroundings.receiver)
 {
     AddPages(m_surroundings.ports == 1 || m_surroundings.ports == 2 ? m_surroundings.ports
@@ -152,7 +152,7 @@ bool CComPort::Set(ComPortPage* page)
 
 void CComPort::Tell(int textId, int port) const
 {
-    (m_command != nullptr ? CMesBox(m_command->GetHost()) : CMesBox())
+    CMesBox(EnvironmentOf(m_command).GetHost())
         .Fail(FormatText(textId, port), text::kComFailedCaption);
 }
 

@@ -24,7 +24,6 @@ public:
     /// What the sheet works with beside the channel.
     struct Surroundings
     {
-        SettingsRoots* roots = nullptr;     ///< outlives the sheet; null: the ones of the process
         int ports = CComPrmSet::kMostPorts; ///< that the receiver has: 1 to 3 pages
         /// Where the receiver is looked for when the user wants its rate found; empty: not offered.
         std::function<std::optional<ConnectTarget>()> target;

@@ -173,8 +173,9 @@ void CRecvFileMan::GetFileData()
 /// Each time: a card comes and goes while the sheet is open.
 void CRecvFileMan::LookForFetched()
 {
-    std::vector<std::filesystem::path> fetched{m_surroundings.folders.Documents()};
-    const auto cards = m_surroundings.folders.StorageCards();
+    const Folders& folders = m_command.GetEnvironment().GetFolders();
+    std::vector<std::filesystem::path> fetched{folders.Documents()};
+    const auto cards = folders.StorageCards();
     if (!cards.empty()) {
         fetched.push_back(cards.front());
     }
@@ -204,7 +205,6 @@ void CRecvFileMan::FileDownload()
     const Work work(*this);
     m_notice.clear();
     FileManager::Surroundings around;
-    around.folders = m_surroundings.folders;
     around.running.freeBytes = m_surroundings.freeBytes;
     around.askDestination = [this](FileDestination& destination) {
         return CRecvFileSaveDlg(destination, this).DoModal() == kOk;

@@ -2,7 +2,6 @@
 
 #include "core/equipment/ReceiverFiles.h"
 #include "core/link/Connect.h"
-#include "core/platform/Folders.h"
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/QtMessageTarget.h"
 #include "ui/equipment/FileList.h"
@@ -33,7 +32,6 @@ public:
         /// Makes the screen that connects to the receiver; without one, it is a ConnectDlg to
         /// where the settings say.
         std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
-        Folders folders = Folders();
         /// Bytes that can be written to a folder.
         std::function<std::optional<std::uint64_t>(const std::filesystem::path&)> freeBytes;
     };

@@ -31,9 +31,11 @@ bool MayBeTheRate(CommandFault fault)
 
 } // namespace
 
-ConnectDlg::ConnectDlg(CCommand& command, int reconnect, QWidget* parent, SettingsRoots& roots)
-    : CConnect(command, reconnect, roots), m_command(command), m_parent(parent),
-      m_keepRate([&roots](std::uint32_t rate) { return SetLinkRate(rate, roots); })
+ConnectDlg::ConnectDlg(CCommand& command, int reconnect, QWidget* parent)
+    : CConnect(command, reconnect), m_command(command), m_parent(parent),
+      m_keepRate([&command](std::uint32_t rate) {
+          return SetLinkRate(rate, command.GetEnvironment().Roots());
+      })
 {}
 
 ConnectDlg::ConnectDlg(CCommand& command, int reconnect, FoundTarget found, QWidget* parent)

@@ -21,8 +21,7 @@ class ConnectDlg : public CConnect
 public:
     /// As CConnect: to where the settings say, or to a given port.
     /// @param parent  the window under the dialog, which must outlive DoModal(); nullptr for none
-    explicit ConnectDlg(CCommand& command, int reconnect = 0, QWidget* parent = nullptr,
-                        SettingsRoots& roots = SettingsRoots::Instance());
+    explicit ConnectDlg(CCommand& command, int reconnect = 0, QWidget* parent = nullptr);
     ConnectDlg(CCommand& command, int reconnect, FoundTarget found, QWidget* parent = nullptr);
     ConnectDlg(CCommand& command, int reconnect, ConnectTarget target, QWidget* parent = nullptr);
 

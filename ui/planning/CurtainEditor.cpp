@@ -41,9 +41,9 @@ std::wstring NoneYet(std::chrono::seconds observed)
 
 } // namespace
 
-CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
+CurtainEditor::CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings,
                              QWidget* parent, std::optional<SiteSky> site)
-    : Dialog(parent, Extent::Whole), m_session(session), m_surroundings(surroundings), m_host(host),
+    : Dialog(parent, Extent::Whole), m_session(session), m_surroundings(surroundings),
       m_site(std::move(site)), m_tools(new CnToolBar), m_view(new CurtainView(m_edit)),
       m_reading(new QLabel)
 {
@@ -237,14 +237,15 @@ void CurtainEditor::Update()
 void CurtainEditor::Import()
 {
     const std::filesystem::path file =
-        m_surroundings.chooseFile(this, false, m_surroundings.documents,
+        m_surroundings.chooseFile(this, false, m_session.GetEnvironment().GetFolders().Documents(),
                                   UiText(text::kCurtainImport) + QStringLiteral(" (*.txt)"));
     if (file.empty()) {
         return;
     }
     const CurtainText read = LoadCurtainText(file);
     if (read.error) {
-        CMesBox(m_host).Fail(TextErrorText(file, *read.error), text::kPlanFileCaption);
+        CMesBox(m_session.GetEnvironment().GetHost())
+            .Fail(TextErrorText(file, *read.error), text::kPlanFileCaption);
         return;
     }
     m_edit.Replace(read.curtain);
@@ -252,7 +253,7 @@ void CurtainEditor::Import()
 
 void CurtainEditor::Export()
 {
-    static_cast<void>(m_surroundings.Save(this, m_host, text::kCurtainExport,
+    static_cast<void>(m_surroundings.Save(this, m_session.GetEnvironment(), text::kCurtainExport,
                                           UiText(text::kCurtainFile), QStringLiteral(".txt"),
                                           [this](const std::filesystem::path& file) {
                                               return SaveCurtainText(file, m_edit.Curtain());
@@ -269,13 +270,14 @@ bool CurtainEditor::OnClose(int result)
         m_site ? KeepSiteCurtain(m_session.Folder(), m_site->name, m_edit.Curtain())
                : m_session.ChangeCurtain(m_edit.Curtain());
     if (error) {
-        CMesBox(m_host).Fail(
-            ExportFailureText(
-                m_site ? SiteCurtainPath(m_session.Folder(), m_site->name).value_or("Curtains")
-                       : CurtainPath(m_session.Folder()),
-                error)
-                .toStdWString(),
-            text::kPlanFileCaption);
+        CMesBox(m_session.GetEnvironment().GetHost())
+            .Fail(ExportFailureText(
+                      m_site
+                          ? SiteCurtainPath(m_session.Folder(), m_site->name).value_or("Curtains")
+                          : CurtainPath(m_session.Folder()),
+                      error)
+                      .toStdWString(),
+                  text::kPlanFileCaption);
         return false;
     }
     return true;

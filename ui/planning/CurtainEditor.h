@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/host/Host.h"
 #include "core/planning/CurtainEdit.h"
 #include "core/planning/SiteSkies.h"
 #include "core/planning/SkyRecord.h"
@@ -27,9 +26,9 @@ class CurtainEditor : public Dialog
     Q_OBJECT
 
 public:
-    /// @param session  all three must outlive the editor
+    /// @param session  must outlive the editor, as must @p surroundings
     /// @param site     whose curtain it is, to begin with; nothing: the plan's
-    CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
+    CurtainEditor(PlanSession& session, const PlanSurroundings& surroundings,
                   QWidget* parent = nullptr, std::optional<SiteSky> site = {});
 
     // Numbers of the tools.
@@ -63,7 +62,6 @@ private:
 
     PlanSession& m_session;
     const PlanSurroundings& m_surroundings;
-    Host& m_host;
     const std::optional<SiteSky> m_site;
     CurtainEdit m_edit;
     CnToolBar* m_tools; // owned by the dialog, as is all that follows

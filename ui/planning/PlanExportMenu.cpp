@@ -19,8 +19,9 @@ constexpr QSize kVectors{800, 600};
 } // namespace
 
 PlanExportMenu::PlanExportMenu(PlanDrawing drawing, const PlanSurroundings& surroundings,
-                               Host& host, QWidget* parent)
-    : QMenu(parent), m_drawing(std::move(drawing)), m_surroundings(surroundings), m_host(host)
+                               const Environment& environment, QWidget* parent)
+    : QMenu(parent), m_drawing(std::move(drawing)), m_surroundings(surroundings),
+      m_environment(environment)
 {
     setStyle(TouchStyle::Shared());
     setAccessibleName(UiText(text::kPlanExport));
@@ -48,7 +49,7 @@ void PlanExportMenu::SaveAs(int textId, const char* suffix, Save save)
 {
     const QString day = PlanDateText(m_drawing).remove(QLatin1Char('/'));
     m_surroundings.SaveAndTell(
-        parentWidget(), m_host, textId,
+        parentWidget(), m_environment, textId,
         ToQt(FormatText(text::kPlanExportFile, day.toStdWString().c_str())),
         QLatin1Char('.') + QLatin1String(suffix),
         [&](const std::filesystem::path& file) { return save(file, m_drawing); });

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/host/Host.h"
 #include "ui/planning/PlanDrawing.h"
 #include "ui/planning/PlanSurroundings.h"
 
@@ -17,9 +16,9 @@ class PlanExportMenu : public QMenu
     Q_OBJECT
 
 public:
-    /// @param surroundings  must outlive the menu, as must @p host
-    PlanExportMenu(PlanDrawing drawing, const PlanSurroundings& surroundings, Host& host,
-                   QWidget* parent);
+    /// @param surroundings  must outlive the menu, as must @p environment
+    PlanExportMenu(PlanDrawing drawing, const PlanSurroundings& surroundings,
+                   const Environment& environment, QWidget* parent);
 
 private:
     using Save = std::error_code (*)(const std::filesystem::path& file, const PlanDrawing& drawing);
@@ -28,7 +27,7 @@ private:
 
     const PlanDrawing m_drawing;
     const PlanSurroundings& m_surroundings;
-    Host& m_host;
+    const Environment& m_environment;
 };
 
 } // namespace fieldcore

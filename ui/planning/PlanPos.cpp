@@ -268,10 +268,9 @@ void CPlanPos::Remove()
 
 void CPlanPos::Import()
 {
-    const PlanSurroundings& surroundings = m_plan.Surroundings();
-    const std::filesystem::path file =
-        surroundings.chooseFile(this, false, surroundings.documents,
-                                UiText(text::kSiteImport) + QStringLiteral(" (*.csv *.txt)"));
+    const std::filesystem::path file = m_plan.Surroundings().chooseFile(
+        this, false, m_plan.Session().GetEnvironment().GetFolders().Documents(),
+        UiText(text::kSiteImport) + QStringLiteral(" (*.csv *.txt)"));
     if (file.empty()) {
         return;
     }

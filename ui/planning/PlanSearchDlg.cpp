@@ -114,8 +114,8 @@ QString EasedText(const std::optional<WindowLimits>& eased, const WindowLimits& 
 
 } // namespace
 
-PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
-    : Dialog(parent, Extent::Whole), m_session(session), m_host(host), m_pages(new QStackedWidget),
+PlanSearchDlg::PlanSearchDlg(PlanSession& session, QWidget* parent)
+    : Dialog(parent, Extent::Whole), m_session(session), m_pages(new QStackedWidget),
       m_systems(new PlanSystemsBar), m_siteList(new SiteChoice(session)), m_days(new LabelSpin),
       m_start(new LabelSpin), m_hoursSpin(new LabelSpin), m_minutes(new CSpinDouble),
       m_fewest(new CSpinDouble), m_pdop(new CSpinDouble), m_progress(new CTextProgressCtrl),
@@ -133,7 +133,7 @@ PlanSearchDlg::PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent)
     m_slices.setInterval(0);
     connect(&m_slices, &QTimer::timeout, this, &PlanSearchDlg::Slice);
     connect(m_systems, &PlanSystemsBar::Chosen, this, [this](GnssSystem system) {
-        ToggleSystem(m_session, system, m_host);
+        ToggleSystem(m_session, system);
         m_session.Compute();
         m_systems->Show(m_session.Plan());
     });
@@ -255,7 +255,7 @@ void PlanSearchDlg::Start()
 {
     m_sites = SkiesOfSites(m_session, m_siteList->Chosen());
     if (m_sites.empty()) {
-        CMesBox(m_host).Warn(text::kSearchNoSite, text::kSearchDays);
+        CMesBox(m_session.GetEnvironment().GetHost()).Warn(text::kSearchNoSite, text::kSearchDays);
         return;
     }
     m_hours = {m_session.Date(), m_days->value(), m_start->value(), m_hoursSpin->value()};

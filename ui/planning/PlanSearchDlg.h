@@ -32,7 +32,7 @@ class PlanSearchDlg : public Dialog
 
 public:
     /// @param session  whose site list, mask, systems and conditions count; must outlive the dialog
-    PlanSearchDlg(PlanSession& session, Host& host, QWidget* parent = nullptr);
+    PlanSearchDlg(PlanSession& session, QWidget* parent = nullptr);
 
     /// What the user has tapped: the plan to show. After DoModal() with kOk.
     [[nodiscard]] const std::optional<PlanHours>& Chosen() const { return m_chosen; }
@@ -55,7 +55,6 @@ private:
     [[nodiscard]] std::size_t Site() const;
 
     PlanSession& m_session;
-    Host& m_host;
     QTimer m_slices;
     std::vector<SiteSky> m_sites;
     std::optional<PlanSearch> m_search;

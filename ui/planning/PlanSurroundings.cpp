@@ -28,19 +28,9 @@ std::filesystem::path AskForFile(QWidget* parent, bool save, const std::filesyst
 
 PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given, QWidget* screen)
 {
-    const Folders folders;
-    if (given.folder.empty()) {
-        given.folder = folders.Program();
-    }
-    if (given.documents.empty()) {
-        given.documents = folders.Documents();
-    }
-    if (given.roots == nullptr) {
-        given.roots = &SettingsRoots::Instance();
-    }
     if (!given.makeConnect) {
-        given.makeConnect = [screen, roots = given.roots](CCommand& command) {
-            return std::make_unique<ConnectDlg>(command, 0, screen, *roots);
+        given.makeConnect = [screen](CCommand& command) {
+            return std::make_unique<ConnectDlg>(command, 0, screen);
         };
     }
     if (!given.chooseFile) {
@@ -50,12 +40,14 @@ PlanSurroundings PlanSurroundings::Completed(PlanSurroundings given, QWidget* sc
 }
 
 std::filesystem::path PlanSurroundings::Save(
-    QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+    QWidget* parent, const Environment& environment, int textId, const QString& name,
+    const QString& ending,
     const std::function<std::error_code(const std::filesystem::path& file)>& save) const
 {
-    std::filesystem::path file =
-        chooseFile(parent, true, documents / QFile::encodeName(name + ending).toStdString(),
-                   UiText(textId) + QStringLiteral(" (*%1)").arg(ending));
+    std::filesystem::path file = chooseFile(parent, true,
+                                            environment.GetFolders().Documents() /
+                                                QFile::encodeName(name + ending).toStdString(),
+                                            UiText(textId) + QStringLiteral(" (*%1)").arg(ending));
     if (file.empty()) {
         return {};
     }
@@ -65,20 +57,23 @@ std::filesystem::path PlanSurroundings::Save(
     // The folder that was suggested need not be there yet. Where it cannot be made, saving says so.
     static_cast<void>(Folders::Create(file.parent_path()));
     if (const std::error_code error = save(file)) {
-        CMesBox(host).Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
+        CMesBox(environment.GetHost())
+            .Fail(ExportFailureText(file, error).toStdWString(), text::kPlanFileCaption);
         return {};
     }
     return file;
 }
 
 void PlanSurroundings::SaveAndTell(
-    QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+    QWidget* parent, const Environment& environment, int textId, const QString& name,
+    const QString& ending,
     const std::function<std::error_code(const std::filesystem::path& file)>& save) const
 {
-    const std::filesystem::path file = Save(parent, host, textId, name, ending, save);
+    const std::filesystem::path file = Save(parent, environment, textId, name, ending, save);
     if (!file.empty()) {
-        CMesBox(host).Show(FormatText(text::kPlanExported, FromUtf8(file.string()).c_str()),
-                           text::kPlanExport, {BoxButtons::Ok, BoxIcon::Information});
+        CMesBox(environment.GetHost())
+            .Show(FormatText(text::kPlanExported, FromUtf8(file.string()).c_str()),
+                  text::kPlanExport, {BoxButtons::Ok, BoxIcon::Information});
     }
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "core/host/Host.h"
 #include "core/link/Connect.h"
 #include "core/planning/SkyRecorder.h"
-#include "core/settings/SettingsRoots.h"
+#include "core/settings/Environment.h"
 
 #include <QString>
 
@@ -18,17 +17,11 @@ namespace fieldcore {
 
 class CCommand;
 
-/// What the screen of the plan uses of the world around it. What is left out is this machine's own.
-/// What is pointed to must outlive the screen.
+/// What the screen of the plan uses of the program around it.
 struct PlanSurroundings
 {
-    std::filesystem::path folder;    ///< the program's: almanac, sites and curtain
-    std::filesystem::path documents; ///< where files are saved by default
-    SettingsRoots* roots = nullptr;
-    const Clock* clock = nullptr; ///< today's date; nullptr: that of the command channel
-
     /// Makes the screen that connects to the receiver; without one, it is a ConnectDlg to where
-    /// the settings of @ref roots say.
+    /// the settings say.
     std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
 
     /// What the survey that is run asks of the sky; empty: nobody knows.
@@ -44,27 +37,29 @@ struct PlanSurroundings
     /// what was noted before is there.
     std::function<SkyRecorder::Now()> skyNotes;
 
-    /// Asks for a file.
+    /// Asks for a file; without one, it is ChooseFile().
     /// @param suggested  where to begin: a file to be saved, or a folder to open one from
     /// @return empty if the user cancels
     std::function<std::filesystem::path(
         QWidget* parent, bool save, const std::filesystem::path& suggested, const QString& filter)>
         chooseFile;
 
-    /// Asks for a file to be saved, in #documents if the user takes no other folder, and saves it.
-    /// A failure is told.
+    /// Asks for a file to be saved, in the user's documents if he takes no other folder, and saves
+    /// it. A failure is told.
     /// @param textId  what it is, for the choice
     /// @param name    that is suggested, without its @p ending, such as ".pdf"
     /// @return where it was saved; empty: the user has cancelled, or it failed
     [[nodiscard]] std::filesystem::path
-    Save(QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+    Save(QWidget* parent, const Environment& environment, int textId, const QString& name,
+         const QString& ending,
          const std::function<std::error_code(const std::filesystem::path& file)>& save) const;
     /// The same, and tells where it was saved.
     void SaveAndTell(
-        QWidget* parent, Host& host, int textId, const QString& name, const QString& ending,
+        QWidget* parent, const Environment& environment, int textId, const QString& name,
+        const QString& ending,
         const std::function<std::error_code(const std::filesystem::path& file)>& save) const;
 
-    /// @p given with everything in it that was left out.
+    /// @p given with what connects and chooses, if that was left out.
     /// @param screen  the plan's, over which the rest is shown
     [[nodiscard]] static PlanSurroundings Completed(PlanSurroundings given, QWidget* screen);
 };

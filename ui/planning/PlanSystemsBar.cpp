@@ -23,14 +23,14 @@ constexpr int kSign = 16; // pixels
 
 } // namespace
 
-void ToggleSystem(PlanSession& session, GnssSystem system, Host& host)
+void ToggleSystem(PlanSession& session, GnssSystem system)
 {
     const SystemSet chosen = SystemSetOf(system);
     const ObservationPlan& plan = session.Plan();
     if (plan.StateOf(system).satellites == 0 && (plan.Systems() & chosen).none()) {
-        CMesBox(host).Warn(
-            FormatText(text::kSystemMissing, SystemText(system).toStdWString().c_str()),
-            text::kSystemsName);
+        CMesBox(session.GetEnvironment().GetHost())
+            .Warn(FormatText(text::kSystemMissing, SystemText(system).toStdWString().c_str()),
+                  text::kSystemsName);
         return;
     }
     session.SetSystems(plan.Systems() ^ chosen);

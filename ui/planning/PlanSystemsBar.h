@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/host/Host.h"
 #include "core/planning/PlanSession.h"
 
 #include <QWidget>
@@ -13,7 +12,7 @@ class ChoiceButton;
 
 /// Takes @p system in or out; the plan is then to be computed. One of which nothing is known is not
 /// taken in, and the user told why.
-void ToggleSystem(PlanSession& session, GnssSystem system, Host& host);
+void ToggleSystem(PlanSession& session, GnssSystem system);
 
 /// The systems of a plan as buttons in the colours and shapes of the live sky: how many satellites
 /// are known of each, in amber how old they are where that is too old, and which have none. They

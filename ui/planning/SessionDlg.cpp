@@ -54,9 +54,8 @@ QLabel* Wrapped(QLabel* label)
 
 } // namespace
 
-SessionDlg::SessionDlg(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
-                       QWidget* parent)
-    : Dialog(parent, Extent::Whole), m_session(session), m_surroundings(surroundings), m_host(host),
+SessionDlg::SessionDlg(PlanSession& session, const PlanSurroundings& surroundings, QWidget* parent)
+    : Dialog(parent, Extent::Whole), m_session(session), m_surroundings(surroundings),
       m_pages(new QStackedWidget), m_siteList(new SiteChoice(session)),
       m_heading(Wrapped(new RoleLabel(&Theme::second))), m_together(Bold({})),
       m_rows(new QScrollArea)
@@ -119,11 +118,12 @@ void SessionDlg::ShowRows()
     choice.sites = m_siteList->Chosen();
     m_session.SetSearch(choice);
     if (m_sites.size() < 2) {
-        CMesBox(m_host).Warn(text::kSessionNeedsTwo, text::kSessionTitle);
+        CMesBox(m_session.GetEnvironment().GetHost())
+            .Warn(text::kSessionNeedsTwo, text::kSessionTitle);
         return;
     }
     {
-        const WaitCursor wait(m_host);
+        const WaitCursor wait(m_session.GetEnvironment().GetHost());
         const PlanPeriod& period = m_session.Plan().Computed();
         m_search.emplace(
             SearchOf(m_session.Plan(), std::span<const SiteSky>(m_sites),
@@ -151,7 +151,7 @@ void SessionDlg::ShowRows()
         curtain->setMinimumHeight(TouchStyle::kTarget);
         curtain->setAccessibleDescription(ToQt(site.name));
         connect(curtain, &QPushButton::clicked, this, [this, site] {
-            CurtainEditor editor(m_session, m_surroundings, m_host, this, site);
+            CurtainEditor editor(m_session, m_surroundings, this, site);
             if (editor.DoModal() == kOk) {
                 // Later: the button that was pressed goes with its row.
                 QMetaObject::invokeMethod(this, &SessionDlg::ShowRows, Qt::QueuedConnection);
@@ -182,15 +182,16 @@ void SessionDlg::Export()
     drawing.plan = &m_session.Plan();
     const std::wstring day = PlanDateText(drawing).remove(QLatin1Char('/')).toStdWString();
     const QString title = UiText(text::kSessionSheet) + QLatin1Char(' ') + PlanDateText(drawing);
-    m_surroundings.SaveAndTell(
-        this, m_host, text::kSessionPdf, ToQt(FormatText(text::kSessionFile, day.c_str())),
-        QStringLiteral(".pdf"), [&](const std::filesystem::path& file) {
-            return ExportPages(file, title, session_sheet::PageCount(m_sites.size()),
-                               [this](QPainter& painter, int page) {
-                                   session_sheet::Paint(painter, m_session, m_sites, *m_search,
-                                                        page);
+    m_surroundings.SaveAndTell(this, m_session.GetEnvironment(), text::kSessionPdf,
+                               ToQt(FormatText(text::kSessionFile, day.c_str())),
+                               QStringLiteral(".pdf"), [&](const std::filesystem::path& file) {
+                                   return ExportPages(
+                                       file, title, session_sheet::PageCount(m_sites.size()),
+                                       [this](QPainter& painter, int page) {
+                                           session_sheet::Paint(painter, m_session, m_sites,
+                                                                *m_search, page);
+                                       });
                                });
-        });
 }
 
 } // namespace fieldcore

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/host/Host.h"
 #include "core/planning/SiteSkies.h"
 #include "ui/controls/Dialog.h"
 #include "ui/planning/PlanSurroundings.h"
@@ -24,7 +23,7 @@ class SessionDlg : public Dialog
 
 public:
     /// @param session  must outlive the dialog, as must the rest
-    SessionDlg(PlanSession& session, const PlanSurroundings& surroundings, Host& host,
+    SessionDlg(PlanSession& session, const PlanSurroundings& surroundings,
                QWidget* parent = nullptr);
 
 private:
@@ -35,7 +34,6 @@ private:
 
     PlanSession& m_session;
     const PlanSurroundings& m_surroundings;
-    Host& m_host;
     std::vector<SiteSky> m_sites;
     std::optional<PlanSearch> m_search;
     QStackedWidget* m_pages; // owned by the dialog, as is all that follows

@@ -1,7 +1,6 @@
 #include "ui/planning/SkyPlotDlg.h"
 
 #include "core/link/Command.h"
-#include "core/platform/Folders.h"
 #include "core/resources/StringTable.h"
 #include "core/settings/NotKept.h"
 #include "core/settings/Setting.h"
@@ -56,26 +55,12 @@ QPushButton* MakeSwitch(int control, int textId)
     return button;
 }
 
-const Clock& ClockOf(const CCommand* command, const Clock* given)
-{
-    if (given != nullptr) {
-        return *given;
-    }
-    return command != nullptr ? command->GetClock() : SystemClock::Instance();
-}
-
 } // namespace
 
 CSkyPlot::CSkyPlot(CCommand* command, int loadWay, QWidget* parent)
-    : CSkyPlot(command, loadWay, Surroundings{nullptr, nullptr, Folders().Program()}, parent)
-{}
-
-CSkyPlot::CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
-                   QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
-      m_reg(surroundings.reg != nullptr ? *surroundings.reg : m_ownReg),
-      m_clock(ClockOf(command, surroundings.clock)),
-      m_poll(std::make_shared<LiveSkyPoll>(m_clock, surroundings.program))
+      m_reg(EnvironmentOf(command).Roots()), m_clock(EnvironmentOf(command).GetClock()),
+      m_poll(std::make_shared<LiveSkyPoll>(m_clock, EnvironmentOf(command).GetFolders().Program()))
 {
     setWindowTitle(UiText(text::kSkyTitle));
     OfferConnection();
@@ -324,8 +309,7 @@ void CSkyPlot::KeepSettings()
 {
     const int kept = StoreAll(m_reg, {{kShown, m_constellations->Index()},
                                       {L"GPS\\SkyPlot\\View", m_showList->isChecked() ? 1U : 0U}});
-    KeptOrTold(kept, text::kSkyNotKept, m_command != nullptr ? m_command->GetHost() : DefaultHost(),
-               m_reg);
+    KeptOrTold(kept, text::kSkyNotKept, EnvironmentOf(m_command).GetHost(), m_reg);
 }
 
 void CSkyPlot::ChooseSatellite(int row)

@@ -6,7 +6,6 @@
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
 
-#include <filesystem>
 #include <memory>
 
 class QBoxLayout;
@@ -33,20 +32,10 @@ class CSkyPlot : public Dialog
     Q_OBJECT
 
 public:
-    /// What the dialog uses of the world around it. What is left out is the library's own.
-    struct Surroundings
-    {
-        const CReg* reg = nullptr;     ///< starts at the library's own key; outlives the dialog
-        const Clock* clock = nullptr;  ///< that ages are counted on; outlives the dialog
-        std::filesystem::path program; ///< the folder of the almanac
-    };
-
     /// @param command  receiver channel, may be null; not owned, must outlive the dialog
     /// @param loadWay  how it runs: 0 as a dialog, any other value as the host's program by itself,
     /// which closing asks how to end
     explicit CSkyPlot(CCommand* command, int loadWay = 0, QWidget* parent = nullptr);
-    CSkyPlot(CCommand* command, int loadWay, const Surroundings& surroundings,
-             QWidget* parent = nullptr);
     ~CSkyPlot() override;
 
     /// Numbers of the controls.
@@ -88,8 +77,7 @@ private:
 
     CCommand* const m_command;
     const int m_loadWay;
-    HostReg m_ownReg;
-    const CReg& m_reg;
+    const HostReg m_reg;
     const Clock& m_clock;
     const std::shared_ptr<LiveSkyPoll> m_poll; // the question's while there is one
     LiveSkyPoll::Now m_now;

@@ -85,8 +85,8 @@ CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, QWidget* parent)
 CSurveyPlan::CSurveyPlan(CCommand* command, int loadWay, const PlanSurroundings& surroundings,
                          QWidget* parent)
     : Dialog(parent, Extent::Whole), m_command(command), m_loadWay(loadWay),
-      m_surroundings(PlanSurroundings::Completed(surroundings, this)), m_reg(*m_surroundings.roots),
-      m_session(m_surroundings.folder, m_reg), m_isTall(GetHost().IsQ77())
+      m_surroundings(PlanSurroundings::Completed(surroundings, this)),
+      m_session(EnvironmentOf(command)), m_isTall(GetHost().IsQ77())
 {
     setWindowTitle(UiText(text::kPlanTitle));
     setAccessibleName(windowTitle());
@@ -100,25 +100,14 @@ CSurveyPlan::~CSurveyPlan()
     Destroy();
 }
 
-Host& CSurveyPlan::GetHost() const
-{
-    return m_command != nullptr ? m_command->GetHost() : DefaultHost();
-}
-
-const Clock& CSurveyPlan::GetClock() const
-{
-    const Clock& own = m_command != nullptr ? m_command->GetClock() : SystemClock::Instance();
-    return m_surroundings.clock != nullptr ? *m_surroundings.clock : own;
-}
-
 std::chrono::sys_days CSurveyPlan::Today() const
 {
-    return JapanDay(GetClock().Utc());
+    return JapanDay(m_session.GetEnvironment().GetClock().Utc());
 }
 
 bool CSurveyPlan::OnInitDialog()
 {
-    const AlmanacMessage almanac = m_session.Begin(GetClock());
+    const AlmanacMessage almanac = m_session.Begin();
     const std::optional<TextError> messages = m_session.ReloadMessages();
     BuildMenu();
     SetGround();
@@ -230,7 +219,7 @@ void CSurveyPlan::OnMenu(int id)
         SearchDays();
         return;
     case kSessionItem:
-        SessionDlg(m_session, m_surroundings, GetHost(), this).DoModal();
+        SessionDlg(m_session, m_surroundings, this).DoModal();
         return;
     case kTableItem:
         if (m_graph->Drawing().HasPlan()) {
@@ -288,8 +277,10 @@ void CSurveyPlan::OnTimer(int id)
 
 void CSurveyPlan::Import()
 {
-    const std::filesystem::path file = m_surroundings.chooseFile(
-        this, false, m_surroundings.documents, UiText(text::kOrbitsRead) + QStringLiteral(" (*)"));
+    const Environment& environment = m_session.GetEnvironment();
+    const std::filesystem::path file =
+        m_surroundings.chooseFile(this, false, environment.GetFolders().Documents(),
+                                  UiText(text::kOrbitsRead) + QStringLiteral(" (*)"));
     if (file.empty()) {
         return;
     }
@@ -297,7 +288,8 @@ void CSurveyPlan::Import()
     m_progress->SetText(UiText(text::kOrbitsReading));
     m_progress->show();
     OrbitImport import;
-    DoAside(*this, [&] { import = ImportOrbits(m_session.Folder(), file, GetClock().Utc()); });
+    DoAside(*this,
+            [&] { import = ImportOrbits(m_session.Folder(), file, environment.GetClock().Utc()); });
     m_progress->hide();
     const CMesBox box(GetHost());
     if (import.error) {
@@ -319,7 +311,7 @@ void CSurveyPlan::Import()
 
 void CSurveyPlan::SearchDays()
 {
-    PlanSearchDlg dialog(m_session, GetHost(), this);
+    PlanSearchDlg dialog(m_session, this);
     if (dialog.DoModal() == kOk && dialog.Chosen()) {
         const PlanHours& hours = *dialog.Chosen();
         SetStartTimeData(hours.startHour); // first: it decides how long the period may be
@@ -349,7 +341,7 @@ void CSurveyPlan::OnPlanSetDetail()
 
 void CSurveyPlan::OnPlanSetCurtain()
 {
-    CurtainEditor editor(m_session, m_surroundings, GetHost(), this);
+    CurtainEditor editor(m_session, m_surroundings, this);
     if (editor.DoModal() == kOk) {
         DrawResults();
     }
@@ -362,7 +354,8 @@ bool CSurveyPlan::OnClose(int result)
 
 void CSurveyPlan::OnDestroy()
 {
-    KeptOrTold(m_session.SaveSettings(), text::kPlanNotKept, GetHost(), m_reg);
+    KeptOrTold(m_session.SaveSettings(), text::kPlanNotKept, GetHost(),
+               HostReg(m_session.GetEnvironment().Roots()));
     KillTimer(kRefreshTimer);
 }
 

@@ -126,7 +126,7 @@ public:
     /// The plan without the screen, and what is around it.
     [[nodiscard]] PlanSession& Session() { return m_session; }
     [[nodiscard]] const PlanSurroundings& Surroundings() const { return m_surroundings; }
-    [[nodiscard]] Host& GetHost() const;
+    [[nodiscard]] Host& GetHost() const { return m_session.GetEnvironment().GetHost(); }
     /// The day that Japan has by the clock of the channel.
     [[nodiscard]] std::chrono::sys_days Today() const;
 
@@ -167,7 +167,6 @@ private:
     void DragMask(int maskDeg);
     void OfferOldMask();
     void UndoMask();
-    [[nodiscard]] const Clock& GetClock() const;
     void Export();
     void Import();
     void SearchDays();
@@ -180,7 +179,6 @@ private:
     CCommand* const m_command;
     int m_loadWay;
     const PlanSurroundings m_surroundings;
-    const HostReg m_reg;
     PlanSession m_session;
     const bool m_isTall; // the controller with the taller screen
     int m_intervalMin = 0;

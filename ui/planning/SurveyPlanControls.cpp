@@ -232,7 +232,7 @@ void CSurveyPlan::SetDay(std::chrono::year_month_day date)
 
 void CSurveyPlan::ChooseSystem(GnssSystem system)
 {
-    ToggleSystem(m_session, system, GetHost());
+    ToggleSystem(m_session, system);
     DrawResults();
 }
 
@@ -313,7 +313,7 @@ void CSurveyPlan::ShowSlider()
 
 void CSurveyPlan::Export()
 {
-    PlanExportMenu menu(Drawing(), m_surroundings, GetHost(), this);
+    PlanExportMenu menu(Drawing(), m_surroundings, m_session.GetEnvironment(), this);
     menu.exec(m_tools->mapToGlobal(QPoint(0, m_tools->height())));
 }
 

@@ -13,11 +13,10 @@
 
 namespace fieldcore {
 
-SetSignal::SetSignal(CCommand* command, QWidget* parent) : SetSignal(command, m_ownReg, parent) {}
-
-SetSignal::SetSignal(CCommand* command, const CReg& reg, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_command(command), m_reg(reg), m_session(command, reg),
-      m_hint(new QLabel(UiText(text::kSignalHint))), m_ok(MakeButton(text::kButtonOk))
+SetSignal::SetSignal(CCommand* command, QWidget* parent)
+    : Dialog(parent, Extent::Form), m_command(command), m_reg(EnvironmentOf(command).Roots()),
+      m_session(command), m_hint(new QLabel(UiText(text::kSignalHint))),
+      m_ok(MakeButton(text::kButtonOk))
 {
     setWindowTitle(UiText(text::kSignalTitle));
     OfferConnection([this] { OnInitDialog(); });
@@ -125,8 +124,7 @@ bool SetSignal::OnClose(int result)
         const SignalSession::Outcome outcome = m_session.Confirm();
         m_isConfirming = false;
         if (outcome.stored == 0) {
-            TellNotKept(text::kSignalTitle,
-                        m_command != nullptr ? m_command->GetHost() : DefaultHost(), m_reg);
+            TellNotKept(text::kSignalTitle, EnvironmentOf(m_command).GetHost(), m_reg);
         }
     }
     return true;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/settings/HostReg.h"
 #include "core/tilt/SignalChoice.h"
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
@@ -25,8 +24,6 @@ class SetSignal : public Dialog
 public:
     /// @param command  not owned; must outlive the dialog
     explicit SetSignal(CCommand* command, QWidget* parent = nullptr);
-    /// @param reg  one that starts at the library's own key; must outlive the dialog
-    SetSignal(CCommand* command, const CReg& reg, QWidget* parent = nullptr);
     ~SetSignal() override;
 
     /// Its controls, for tests and pictures.
@@ -46,9 +43,8 @@ private:
     void Take(const SignalAnswers& answers);
     void ShowSignals(int hintId);
 
-    const HostReg m_ownReg; // used unless another is given
     CCommand* const m_command;
-    const CReg& m_reg;
+    const HostReg m_reg;
     SignalSession m_session;
     std::unique_ptr<BackgroundQuestion> m_question; // until it has been answered
     bool m_isAsked = false;

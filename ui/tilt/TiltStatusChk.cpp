@@ -15,8 +15,7 @@ namespace fieldcore {
 
 namespace {
 
-CCommand* g_armed = nullptr; // whose sensor is to be looked at
-SettingsRoots* g_roots = nullptr;
+CCommand* g_armed = nullptr;                // whose sensor is to be looked at
 std::unique_ptr<BackgroundQuestion> g_look; // while it is under way
 
 void Offer(CCommand* command, QWidget* window)
@@ -25,17 +24,15 @@ void Offer(CCommand* command, QWidget* window)
     if (CMesBox(command->GetHost()).Show(text::kTiltCheck, text::kTiltCaption, kQuestion) ==
         BoxAnswer::Ok) {
         TiltSensorDlg::ShutDown();
-        const HostReg reg(*g_roots);
-        TiltStatusDlg(command, reg, window).DoModal();
+        TiltStatusDlg(command, window).DoModal();
     }
 }
 
 } // namespace
 
-void TiltStatusChk::SetCheckCalib(CCommand* command, bool isArmed, SettingsRoots& roots)
+void TiltStatusChk::SetCheckCalib(CCommand* command, bool isArmed)
 {
     g_look.reset();
-    g_roots = &roots;
     g_armed = isArmed ? command : nullptr;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/settings/SettingsRoots.h"
-
 class QWidget;
 
 namespace fieldcore {
@@ -13,10 +11,8 @@ class CCommand;
 class TiltStatusChk
 {
 public:
-    /// @param command  not owned; must outlive the check, as must @p roots
-    /// @param roots    where the settings of the bubble are kept
-    static void SetCheckCalib(CCommand* command, bool isArmed,
-                              SettingsRoots& roots = SettingsRoots::Instance());
+    /// @param command  not owned; must outlive the check
+    static void SetCheckCalib(CCommand* command, bool isArmed);
     /// Looks after a while. While an exchange is under way it waits for its end.
     /// @param window   under the question; without it nothing happens
     /// @param timerId  a timer of that window with the same number is started again

@@ -59,11 +59,7 @@ void Fill(CTComboBox& list, const Choices& choices)
 } // namespace
 
 TiltStatusDlg::TiltStatusDlg(CCommand* command, QWidget* parent)
-    : TiltStatusDlg(command, m_ownReg, parent)
-{}
-
-TiltStatusDlg::TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_command(command), m_tilt(command, reg), m_notice(new QLabel),
+    : Dialog(parent, Extent::Form), m_command(command), m_tilt(command), m_notice(new QLabel),
       m_status(new QLabel), m_remain(new QLabel), m_sensitivity(new CTComboBox),
       m_speed(new CTComboBox), m_duration(new QLineEdit), m_expiryPlace(new QStackedWidget),
       m_expiry(new QLabel), m_change(Button(text::kTiltChange, nullptr)),

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/settings/HostReg.h"
 #include "core/tilt/TiltSettings.h"
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/Dialog.h"
@@ -40,8 +39,6 @@ public:
 
     /// @param command  receiver channel; not owned, must outlive the dialog
     explicit TiltStatusDlg(CCommand* command, QWidget* parent = nullptr);
-    /// @param reg  one that starts at the library's own key; must outlive the dialog
-    TiltStatusDlg(CCommand* command, const CReg& reg, QWidget* parent = nullptr);
     ~TiltStatusDlg() override;
 
     bool OnInitDialog() override;
@@ -60,7 +57,6 @@ private:
     void Calibrate();
 
     CCommand* const m_command;
-    const HostReg m_ownReg; // used unless another is given
     TiltSettings m_tilt;
     bool m_hasRecord = false;                       // the receiver's record has been taken over
     std::unique_ptr<BackgroundQuestion> m_question; // null while a calibration runs

@@ -21,12 +21,12 @@
 
 namespace fieldcore {
 
-TrackingDlg::TrackingDlg(CCommand* command, SettingsRoots& roots, QWidget* parent)
-    : Dialog(parent, Extent::Form), m_command(command), m_reg(roots),
-      m_sets(AllSurveys().size(), CGPSPrm(roots)), m_survey(new CTComboBox),
-      m_interval(new CTComboBox), m_mask(new CTComboBox), m_satellites(new CTComboBox),
-      m_epochs(new CSpinDouble), m_pdop(new CSpinDouble), m_signals(new QLabel),
-      m_msas(new QCheckBox(UiText(text::kTrackingMsas)))
+TrackingDlg::TrackingDlg(CCommand* command, QWidget* parent)
+    : Dialog(parent, Extent::Form), m_command(command), m_reg(EnvironmentOf(command).Roots()),
+      m_sets(AllSurveys().size(), CGPSPrm(EnvironmentOf(command).Roots())),
+      m_survey(new CTComboBox), m_interval(new CTComboBox), m_mask(new CTComboBox),
+      m_satellites(new CTComboBox), m_epochs(new CSpinDouble), m_pdop(new CSpinDouble),
+      m_signals(new QLabel), m_msas(new QCheckBox(UiText(text::kTrackingMsas)))
 {
     constexpr int kGrid = TouchStyle::kGrid;
     setWindowTitle(UiText(text::kTrackingTitle));
@@ -134,7 +134,7 @@ void TrackingDlg::ShowSignals()
 
 void TrackingDlg::ChooseSignals()
 {
-    SetSignal(m_command, m_reg, this).DoModal();
+    SetSignal(m_command, this).DoModal();
     ShowSignals();
 }
 
@@ -171,8 +171,7 @@ bool TrackingDlg::OnClose(int result)
     if (SaveAll()) {
         return true;
     }
-    TellNotKept(text::kTrackingTitle, m_command != nullptr ? m_command->GetHost() : DefaultHost(),
-                m_reg);
+    TellNotKept(text::kTrackingTitle, EnvironmentOf(m_command).GetHost(), m_reg);
     return false;
 }
 

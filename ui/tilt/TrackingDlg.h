@@ -28,10 +28,8 @@ public:
 
     static constexpr int kSignals = 2; ///< number of the signals that are chosen
 
-    /// @param command  of the receiver; null: its signals cannot be chosen. It and @p roots must
-    ///                 outlive the dialog
-    explicit TrackingDlg(CCommand* command, SettingsRoots& roots = SettingsRoots::Instance(),
-                         QWidget* parent = nullptr);
+    /// @param command  of the receiver, must outlive the dialog; null: its signals cannot be chosen
+    explicit TrackingDlg(CCommand* command, QWidget* parent = nullptr);
     ~TrackingDlg() override;
 
 protected:

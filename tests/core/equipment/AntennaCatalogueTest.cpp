@@ -49,7 +49,7 @@ protected:
 
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
-    AntennaCatalogue m_catalogue{m_home.Path(), m_roots};
+    AntennaCatalogue m_catalogue{m_roots};
     HostReg m_reg{m_roots};
 };
 

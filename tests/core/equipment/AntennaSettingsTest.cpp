@@ -100,7 +100,8 @@ protected:
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     HostReg m_reg{m_roots};
-    AntennaSettings m_antenna{nullptr, 0, 0, {m_home.Path(), &m_roots}};
+    CCommand m_command{{.roots = &m_roots}};
+    AntennaSettings m_antenna{&m_command, 0, 0};
 };
 
 TEST_F(Settings, ReduceByTheChosenMethod)
@@ -347,8 +348,9 @@ TEST_F(Settings, AreTakenFromTheReceiver)
         scenario.antennaType = row.antennaType;
         scenario.antennaSerial = row.sent;
         testing::VirtualReceiver receiver(scenario);
+        receiver.roots.Use(testing::FoldersBelow(m_home.Path()));
         receiver.Open();
-        AntennaSettings antenna(&receiver.command, 1, 0, {m_home.Path(), &m_roots});
+        AntennaSettings antenna(&receiver.command, 1, 0);
         antenna.SetAntSN(L"OLD");
         EXPECT_EQ(antenna.TakeFromReceiver(), row.taken);
         EXPECT_EQ(antenna.GetAntTypeStr(), row.name);

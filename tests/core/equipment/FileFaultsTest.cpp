@@ -30,7 +30,7 @@ struct Engine : MessageTarget
         EXPECT_EQ(files.OpenConnected(), 1) << receiver.command.LastError();
         files.SetFetchedFolders({home.Path() / "Documents"});
         files.GetFileData(*this);
-        around.folders = testing::FoldersBelow(home.Path().string());
+        receiver.roots.Use(testing::FoldersBelow(home.Path()));
         around.askDestination = [this](FileDestination& destination) {
             destination.onlyNew = onlyNew;
             return true;

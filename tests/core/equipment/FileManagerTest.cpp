@@ -216,7 +216,7 @@ protected:
         script.files = {{"A.Q01", Content(1500)}, {"B.Q01", Content(10)}, {"C.Q01", Content(2000)}};
         script.records = {LarkRecord("A.Q01", 1500, 0, 86400), LarkRecord("B.Q01", 10, 0, 86400),
                           LarkRecord("C.Q01", 2000, 0, 2 * 86400), LarkRecord("D.Q01", 5, 1)};
-        around.folders = testing::FoldersBelow(home.Path().string());
+        roots.Use(testing::FoldersBelow(home.Path()));
         around.askDestination = [this](FileDestination& destination) {
             destination.dateFolders = 0;
             return starts;

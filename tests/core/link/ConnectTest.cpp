@@ -71,14 +71,15 @@ TEST_F(ConnectTest, AsksAsTheWayRequires)
 TEST_F(ConnectTest, ConnectsAsTheSettingsSay)
 {
     const TemporaryFolder home;
-    SettingsRoots roots(testing::FoldersBelow(home.Path()));
+    SettingsRoots& roots = receiver->roots;
+    roots.Use(testing::FoldersBelow(home.Path()));
     const HostReg reg(roots);
     reg.WriteString(L"Ports", L"COM5", L"/dev/ttyS9");
     reg.WriteNumber(L"GPS\\Com\\Com0", L"Baudlate", 57600);
     CReg machine(roots);
     machine.SetRootKey(RootKey::LocalMachine, 1);
     machine.WriteNumber(L"Software\\CorvaneTS Software\\Wexmain\\Data\\System\\Rtk", L"GpsPort", 5);
-    CConnect connect(Command(), 0, roots);
+    CConnect connect(Command(), 0);
     ASSERT_EQ(connect.DoModal(), CConnect::Connected);
     ASSERT_EQ(Host().boxes.size(), 1U);
     EXPECT_EQ(Host().boxes[0].caption, L"受信機電源確認") << "by Bluetooth";

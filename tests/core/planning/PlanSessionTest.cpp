@@ -136,7 +136,7 @@ protected:
     }
 
     testing::HandClock m_clock;
-    PlanSession m_session{m_home.Path(), m_reg};
+    PlanSession m_session{{.clock = &m_clock, .roots = &m_roots}};
 };
 
 TEST_F(PlanSessionTest, BeginsWithWhatIsKept)
@@ -145,7 +145,7 @@ TEST_F(PlanSessionTest, BeginsWithWhatIsKept)
     ASSERT_EQ(InstallSampleSites(m_home.Path()), 1);
     m_home.Write("CurTain.obs", std::string(360, 30));
     ASSERT_EQ(SavePlanSettings(m_reg, {20, 7, 3, 5, 0, 27, L"大阪府大阪市", 0}), 1);
-    EXPECT_EQ(m_session.Begin(m_clock).text, 0);
+    EXPECT_EQ(m_session.Begin().text, 0);
     EXPECT_EQ(m_session.Date(), 2022y / std::chrono::March / 12) << "the date of UTC";
     EXPECT_EQ(m_session.GetSpins().start, 7);
     EXPECT_EQ(m_session.GetSpins().end, 10);
@@ -159,7 +159,7 @@ TEST_F(PlanSessionTest, BeginsWithWhatIsKept)
 TEST_F(PlanSessionTest, StopsAtAMissingAlmanacAndGoesOnWithItLater)
 {
     m_home.Write("CurTain.obs", std::string(360, 30));
-    const AlmanacMessage missing = m_session.Begin(m_clock);
+    const AlmanacMessage missing = m_session.Begin();
     EXPECT_EQ(missing.text, text::kAlmanacNotRead);
     EXPECT_EQ(missing.icon, BoxIcon::Stop);
     EXPECT_FALSE(m_session.CanPlan() || m_session.IsAlmanacTooOld());
@@ -175,7 +175,7 @@ TEST_F(PlanSessionTest, TellsOfAnOldAlmanacAndUsesIt)
 {
     WriteAlmanac();
     m_clock.utc += std::chrono::days(31);
-    EXPECT_EQ(m_session.Begin(m_clock).text, text::kAlmanacOld);
+    EXPECT_EQ(m_session.Begin().text, text::kAlmanacOld);
     EXPECT_EQ(m_session.Plan().Division(), 12);
     m_session.SetDate(2022y / std::chrono::March / 12);
     EXPECT_FALSE(m_session.IsAlmanacTooOld());
@@ -234,7 +234,7 @@ TEST_F(PlanSessionTest, LeavesTheSpinsAloneForAnotherGraphOrMask)
 TEST_F(PlanSessionTest, KeepsACurtainThatIsChanged)
 {
     WriteAlmanac();
-    m_session.Begin(m_clock);
+    m_session.Begin();
     const double before = m_session.Plan().CountAt(0);
     ObstructionCurtain curtain;
     curtain.fill(89);

@@ -7,12 +7,12 @@
 
 namespace fieldcore::testing {
 
-/// Everything below a home of the test's own, and nothing of the environment.
+/// Everything below a home of the test's own, which is the program's folder, too.
 [[nodiscard]] inline Folders FoldersBelow(const std::string& home)
 {
     FolderSources sources;
     sources.variable = [home](const std::string& name) {
-        return name == "HOME" ? std::optional<std::string>(home) : std::nullopt;
+        return name == "HOME" || name == "FIELDCORE_HOME" ? std::optional(home) : std::nullopt;
     };
     return Folders(sources);
 }

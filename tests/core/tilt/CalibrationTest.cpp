@@ -121,7 +121,7 @@ TEST(TiltSettings, AsksBeforeACalibration)
         line.Say({.tiltRad = tiltRad});
         testing::BoxKeepingHost host;
         host.answers = answers;
-        EXPECT_EQ(TiltSettings(&line.command, line.reg).MayCalibrate(host), may);
+        EXPECT_EQ(TiltSettings(&line.command).MayCalibrate(host), may);
         ASSERT_EQ(host.boxes.size(), answers.size());
         for (const auto& box : host.boxes) {
             EXPECT_EQ(box.caption, &box == &host.boxes.front() ? L"チルト調整" : L"確認");
@@ -134,7 +134,7 @@ TEST(TiltSettings, StoresAndSendsWhatChanged)
 {
     SensorLine line;
     ASSERT_NO_FATAL_FAILURE(line.StartSensor());
-    TiltSettings settings(&line.command, line.reg);
+    TiltSettings settings(&line.command);
     constexpr std::pair<unsigned, int> kValidities[] = {{0, 720},       {65535, 720},   {1, 1},
                                                         {30001, 30000}, {65534, 30000}, {480, 480}};
     for (const auto& [told, kept] : kValidities) {
@@ -256,7 +256,7 @@ TEST_F(CalibrationRunTest, FollowsTheReceiver)
         EXPECT_EQ(line.SentCount(), asked) << "it is over";
 
         TiltSettings::LastRun() = run.Result();
-        TiltSettings settings(&line.command, line.reg);
+        TiltSettings settings(&line.command);
         ASSERT_TRUE(settings.Refresh());
         EXPECT_EQ(settings.StatusTextId(), row.textId);
         EXPECT_EQ(settings.Remain(), row.remain);

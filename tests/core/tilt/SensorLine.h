@@ -159,7 +159,7 @@ public:
     HostReg reg{roots};
     FastClock clock;
     std::unique_ptr<simulator::Simulator> simulator;
-    CCommand command{Environment{nullptr, &clock, nullptr, {}}};
+    CCommand command{{.clock = &clock, .roots = &roots}};
 
 private:
     mutable std::mutex m_mutex; // guards these

@@ -46,8 +46,7 @@ TEST(Signals, SendsEveryChoiceOfEveryReceiverAsItsBytes)
 {
     SensorLine line;
     // A folder that cannot be: the settings stay in memory, or every choice would wait for a disk.
-    SettingsRoots inMemory(testing::FoldersBelow("/dev/null"));
-    const HostReg reg(inMemory);
+    line.roots.Use(testing::FoldersBelow("/dev/null"));
     for (unsigned receiver = 0; receiver < kCombinations * 4; ++receiver) {
         const SignalSet has = SetOf(receiver);
         simulator::Scenario scenario;
@@ -62,7 +61,7 @@ TEST(Signals, SendsEveryChoiceOfEveryReceiverAsItsBytes)
         scenario.options.solace = isSolace;
         scenario.options.meridian = isMeridian;
         ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
-        SignalSession session(&line.command, reg);
+        SignalSession session(&line.command);
         session.Open();
         for (unsigned wanted = 0; wanted < kCombinations; ++wanted) {
             SCOPED_TRACE(::testing::Message() << "receiver " << receiver << ", choice " << wanted);
@@ -84,7 +83,7 @@ TEST(Signals, SendsEveryChoiceOfEveryReceiverAsItsBytes)
             }
             ASSERT_EQ(line.SentFrames(), expected);
             ASSERT_EQ(outcome.stored, 1);
-            ASSERT_EQ(LoadSignals(reg, 3017), chosen);
+            ASSERT_EQ(LoadSignals(line.reg, 3017), chosen);
         }
     }
 }
@@ -143,7 +142,7 @@ TEST(Signals, ShowsALockedOrUnknownReceiverAsItIs)
         if (*row.rule != '\0') {
             line.simulator->AddFault(testing::ParsedRule(row.rule));
         }
-        SignalSession session(&line.command, line.reg);
+        SignalSession session(&line.command);
         session.Open();
         EXPECT_EQ(session.IsLocked(), row.isLocked);
         for (const Signal signal : kAllSignals) {

@@ -64,7 +64,7 @@ protected:
     /// What was stored of the reference antenna; then it is chosen.
     void ChooseReference(int type, int way, double heightM)
     {
-        AntennaSettings reference(nullptr, 0, 0, {m_home.Path(), &m_roots});
+        AntennaSettings reference(&m_closed, 0, 0);
         reference.SetAntTypeFlag(type);
         reference.SetAntWayFlag(way);
         reference.SetAntInputH(heightM);
@@ -76,8 +76,9 @@ protected:
 
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
+    CCommand m_closed{{.roots = &m_roots}};
     Listener host;
-    CAntenna dialog{nullptr, 1, 0, {m_home.Path(), &m_roots}};
+    CAntenna dialog{&m_closed, 1, 0};
 };
 
 TEST_F(AntennaDialog, ReducesWhatIsTyped)
@@ -170,7 +171,7 @@ TEST_F(AntennaDialog, AsksAReceiverThatIsConnectedAnew)
          FormatText(text::kAntennaNotListed, L"??")},
         {"gone again", "01", 1, false, 4, L""},
     };
-    AntennaSettings stored(nullptr, 1, 0, {m_home.Path(), &m_roots});
+    AntennaSettings stored(&m_closed, 1, 0);
     stored.SetAntTypeFlag(4);
     ASSERT_EQ(stored.WriteRegAnt(), 1);
     for (const Row& row : rows) {
@@ -178,12 +179,12 @@ TEST_F(AntennaDialog, AsksAReceiverThatIsConnectedAnew)
         host.said.clear();
         simulator::Scenario scenario;
         scenario.antennaType = row.antennaType;
-        CCommand command;
+        CCommand command{{.roots = &m_roots}};
         const auto receiver = testing::Plugged(command, scenario);
         if (!row.isOpen) {
             command.ClosePort();
         }
-        CAntenna antenna(&command, 1, row.reConnect, {m_home.Path(), &m_roots});
+        CAntenna antenna(&command, 1, row.reConnect);
         antenna.show();
         const int known = stored.Catalogue().FindCharCode(L"01").value_or(-1);
         EXPECT_EQ(antenna.GetAntTypeFlag(), row.type < 0 ? known : row.type);

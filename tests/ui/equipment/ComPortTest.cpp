@@ -29,7 +29,7 @@ protected:
     {
         sheet = std::make_unique<CComPort>(
             &m_command, 1, QStringLiteral("通信設定"), nullptr, page,
-            CComPort::Surroundings{&m_roots, ports, [this] { return std::optional(m_target); }});
+            CComPort::Surroundings{ports, [this] { return std::optional(m_target); }});
         sheet->resize(480, 640);
         sheet->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(sheet.get()));
@@ -59,7 +59,7 @@ protected:
     FastClock m_clock{20.0};
     QtHost m_host;
     std::unique_ptr<simulator::Simulator> m_receiver;
-    CCommand m_command{{&m_host, &m_clock, nullptr, nullptr}};
+    CCommand m_command{{.host = &m_host, .clock = &m_clock, .roots = &m_roots}};
     ConnectTarget m_target;
     std::unique_ptr<CComPort> sheet;
 };

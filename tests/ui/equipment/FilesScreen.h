@@ -53,7 +53,7 @@ protected:
     {
         sheet.reset();
         CRecvFileMan::Surroundings world;
-        world.folders = OwnFolders();
+        roots.Use(OwnFolders());
         world.freeBytes = [](const auto&) { return std::uint64_t{1} << 40U; };
         sheet = std::make_unique<CRecvFileMan>(command.get(), loadWay, nullptr, world, nullptr,
                                                startPage);
@@ -97,8 +97,9 @@ protected:
     BreathingHost host;
     simulator::Scenario model;
     std::unique_ptr<simulator::Simulator> receiver;
+    SettingsRoots roots{OwnFolders()};
     std::unique_ptr<CCommand> command =
-        std::make_unique<CCommand>(Environment{&host, nullptr, nullptr, nullptr});
+        std::make_unique<CCommand>(Environment{.host = &host, .roots = &roots});
     std::unique_ptr<CRecvFileMan> sheet;
 
     [[nodiscard]] Folders OwnFolders() const

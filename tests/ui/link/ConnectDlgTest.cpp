@@ -166,7 +166,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
     };
     const TemporaryFolder home;
     SettingsRoots roots(testing::FoldersBelow(home.Path()));
-    CCommand patient({&host, nullptr, nullptr, nullptr}); // a search waits 0.6 s for each answer
+    CCommand patient({.host = &host, .roots = &roots}); // a search waits 0.6 s for each answer
     target.settings.replyTimeout = 600ms;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
@@ -201,7 +201,7 @@ TEST_F(ConnectDlgTest, SearchesTheRateOnlyWhenAsked)
             QTest::keyClick(&dialog, Qt::Key_Return);
         };
         HostReg(roots).WriteString(L"GPS\\Connect", L"Port", FromUtf8(receiver->PortPath()));
-        ConnectDlg bySettings(patient, 0, &window, roots);
+        ConnectDlg bySettings(patient, 0, &window);
         ConnectDlg byTarget(patient, 0, target, &window);
         byTarget.OfferSearch([&found](std::uint32_t rate) {
             found.push_back(rate);

@@ -61,7 +61,7 @@ protected:
 
     PlanScreen()
     {
-        command->SetHost(host);
+        clock.runs = true;
         // Late in the UTC day, when Japan has the next one.
         clock.utc =
             std::chrono::sys_days(std::chrono::year(2026) / 11 / 20) + std::chrono::hours(23);
@@ -79,10 +79,6 @@ protected:
     Screen& Show(int loadWay = 0, QSize size = {480, 640})
     {
         PlanSurroundings surroundings;
-        surroundings.folder = home.Path();
-        surroundings.documents = home.Path() / "documents";
-        surroundings.roots = &roots;
-        surroundings.clock = &clock;
         surroundings.chooseFile = [this](QWidget*, bool, const std::filesystem::path& suggested,
                                          const QString&) {
             return chosenFile.empty() ? suggested : chosenFile;
@@ -119,7 +115,8 @@ protected:
     NotingHost host;
     std::filesystem::path chosenFile;
     std::unique_ptr<simulator::Simulator> receiver;
-    std::unique_ptr<CCommand> command = std::make_unique<CCommand>();
+    std::unique_ptr<CCommand> command =
+        std::make_unique<CCommand>(Environment{.host = &host, .clock = &clock, .roots = &roots});
     std::unique_ptr<Screen> plan;
 };
 

@@ -27,8 +27,8 @@ class SkyPlotTest : public ::testing::Test
 protected:
     SkyPlotTest()
     {
-        m_command.SetHost(m_host);
-        m_clock.speed = 100; // pauses that are counted on it are over at once
+        m_clock.runs = true;
+        m_clock.speed = 100; // pauses are over at once
     }
 
     /// @param scenario  a shipped one
@@ -36,14 +36,13 @@ protected:
     {
         m_dialog.reset();
         m_simulator =
-            testing::Plugged(m_command, testing::ShippedScenario(scenario), m_fast, timeout);
+            testing::Plugged(m_command, testing::ShippedScenario(scenario), m_clock, timeout);
         m_command.SetReplyTimeout(timeout); // which another row may have made short
     }
     void Open()
     {
         m_dialog.reset();
-        m_dialog = std::make_unique<CSkyPlot>(
-            &m_command, 0, CSkyPlot::Surroundings{&m_reg, &m_clock, m_folder.Path()});
+        m_dialog = std::make_unique<CSkyPlot>(&m_command, 0);
         m_dialog->resize(480, 640);
         m_dialog->show();
     }
@@ -77,12 +76,10 @@ protected:
     }
     TemporaryFolder m_folder;
     SettingsRoots m_roots{testing::FoldersBelow(m_folder.Path())};
-    HostReg m_reg{m_roots};
     testing::HandClock m_clock;
-    FastClock m_fast{100.0};
     QtHost m_host{QtHost::Options{}};
     std::unique_ptr<simulator::Simulator> m_simulator;
-    CCommand m_command{Environment{nullptr, &m_fast, nullptr, {}}};
+    CCommand m_command{{.host = &m_host, .clock = &m_clock, .roots = &m_roots}};
     std::unique_ptr<CSkyPlot> m_dialog;
 };
 
@@ -90,7 +87,8 @@ TEST_F(SkyPlotTest, ShowsWhatTheReceiverSees)
 {
     Connect("still-sky");
     ASSERT_NO_FATAL_FAILURE(OpenAndRead());
-    EXPECT_EQ(Words(CSkyPlot::kAge), QStringLiteral("0秒前に受信"));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return Words(CSkyPlot::kAge).endsWith(QStringLiteral("秒前に受信")); }));
     EXPECT_EQ(Words(CSkyPlot::kCounts), QStringLiteral("使用14　追尾14　可視16"));
     ASSERT_EQ(Rows(), 16);
     // G5 of the scenario: azimuth 118, elevation 37, 45.25 and 39.00 dB-Hz.
@@ -170,7 +168,7 @@ TEST_F(SkyPlotTest, WorksWithoutAReceiver)
     QTest::mouseClick(&Find<QPushButton>(CSkyPlot::kShowList), Qt::LeftButton);
     ClickConstellation(Constellation::Sbas);
     EXPECT_EQ(Rows(), 0);
-    CSkyPlot none(nullptr, 1, CSkyPlot::Surroundings{&m_reg, nullptr, m_folder.Path()});
+    CSkyPlot none(nullptr, 1);
     none.show();
     QTest::qWait(20);
     for (const int answer : {text::kButtonCancel, text::kEndProgram}) {

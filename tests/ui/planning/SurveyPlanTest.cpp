@@ -229,7 +229,7 @@ TEST_F(SurveyPlanTest, SavesThePlanAndTellsWhere)
     }
     ASSERT_EQ(host.notes.size(), 4U);
     for (const char* const ending : {"pdf", "png", "svg", "csv"}) {
-        EXPECT_TRUE(std::filesystem::exists(home.Path() / "documents" /
+        EXPECT_TRUE(std::filesystem::exists(home.Path() / "Documents" /
                                             (std::string("観測計画_20261120.") + ending)))
             << ending;
     }

@@ -145,7 +145,7 @@ TEST_F(TiltTest, MayBeShutDownInTheMiddleOfAQuestion)
     silent.answers = false;
     StartSensor(silent, 10h);
     {
-        TiltStatusDlg page(&line.command, line.reg);
+        TiltStatusDlg page(&line.command);
         page.show();
         ASSERT_TRUE(QTest::qWaitFor([&] { return line.Sent(0xC8) > 0; }));
         EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
@@ -189,7 +189,7 @@ TEST_F(TiltTest, ACalibrationIsCancelledWhateverTheReceiverDoes)
 TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
 {
     StartSensor();
-    TiltStatusDlg dialog(&line.command, line.reg);
+    TiltStatusDlg dialog(&line.command);
     dialog.show();
     ExpectShown(dialog, TiltStatusDlg::kStatus, text::kTiltCompleted);
     EXPECT_EQ(Words(dialog, TiltStatusDlg::kRemain), QStringLiteral("あと29日23時間0分0秒"));
@@ -251,7 +251,7 @@ TEST_F(TiltTest, RunsACalibrationAndTellsHowItEnded)
         words.calibration = 0x0A;
         words.percent = 40;
         StartSensor(words);
-        TiltStatusDlg dialog(&line.command, line.reg);
+        TiltStatusDlg dialog(&line.command);
         dialog.show();
         const bool isEnded = row.isCancelled || row.isClosed; // before its time
         Surveyor surveyor({{Text(text::kTiltStart), L"チルト調整", text::kMessageIconQuestion}});
@@ -295,7 +295,7 @@ TEST_F(TiltTest, OffersACalibrationOnceAfterConnecting)
             opened->Close(Dialog::kCancelled);
         }
     };
-    TiltStatusChk::SetCheckCalib(&line.command, true, line.roots);
+    TiltStatusChk::SetCheckCalib(&line.command, true);
     TiltStatusChk::SttCheckCalib(&window, 7, 10);
     TiltStatusChk::SttCheckCalib(&window, 7, 10);
     ASSERT_TRUE(QTest::qWaitFor([&] { return wasOpened; }));
@@ -316,7 +316,7 @@ TEST_F(TiltTest, SendsSignalsOnOkOnly)
         scenario.signalsLocked = isLocked;
         ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
         {
-            SetSignal dialog(&line.command, line.reg);
+            SetSignal dialog(&line.command);
             dialog.show();
             EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
             EXPECT_FALSE(dialog.OkButton()->isEnabled()) << "nobody has answered yet";
@@ -328,7 +328,7 @@ TEST_F(TiltTest, SendsSignalsOnOkOnly)
             dialog.Close(Dialog::kCancelled);
         }
         EXPECT_EQ(line.Sent(0x53), 0);
-        SetSignal dialog(&line.command, line.reg);
+        SetSignal dialog(&line.command);
         dialog.show();
         ASSERT_TRUE(QTest::qWaitFor([&] { return dialog.OkButton()->isEnabled(); }));
         QTest::mouseClick(dialog.Box(Signal::Qzss), Qt::LeftButton, {}, QPoint(10, 22));
@@ -341,14 +341,14 @@ TEST_F(TiltTest, SendsSignalsOnOkOnly)
 TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
 {
     {
-        TrackingDlg dialog(&line.command, line.roots);
+        TrackingDlg dialog(&line.command);
         dialog.show();
         Choose(Find<CTComboBox>(dialog, TrackingDlg::kSurvey), 3);
         dialog.findChild<QCheckBox*>()->setChecked(true);
         dialog.Close(Dialog::kOk);
     }
     {
-        TrackingDlg dialog(&line.command, line.roots);
+        TrackingDlg dialog(&line.command);
         dialog.show();
         auto* const survey = Find<CTComboBox>(dialog, TrackingDlg::kSurvey);
         EXPECT_EQ(survey->currentIndex(), 3) << "the one that is run";
@@ -366,7 +366,7 @@ TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
     chosen.Set(Signal::Qzss, true);
     chosen.Set(Signal::L5, true);
     ASSERT_EQ(SaveSignals(line.reg, info.GetRecvTypeNum(), chosen), 1);
-    TrackingDlg dialog(&line.command, line.roots);
+    TrackingDlg dialog(&line.command);
     dialog.show();
     EXPECT_EQ(Words(dialog, TrackingDlg::kSignals), QStringLiteral("QZSS L5"));
 }
@@ -397,7 +397,7 @@ TEST_F(TiltTest, SaysWhyThereIsNoReading)
         if (!row.hasPort) {
             line.command.ClosePort();
         }
-        TiltStatusDlg dialog(&line.command, line.reg);
+        TiltStatusDlg dialog(&line.command);
         dialog.show();
         EXPECT_FALSE(line.command.IsBusy()) << "the window's thread waits";
         ExpectShown(dialog, TiltStatusDlg::kNotice, row.notice);
@@ -423,7 +423,7 @@ TEST_F(TiltTest, TheBubbleIsLargeOnRequestAndCoversNoButton)
     words.tiltRad = words.t2Rad = 0.01;
     StartSensor(words);
     TiltSensorDlg::SetAntH(1.8);
-    TiltStatusDlg page(&line.command, line.reg);
+    TiltStatusDlg page(&line.command);
     page.resize(480, 640);
     page.show();
     Click(page, TiltStatusDlg::kBubble);
@@ -474,7 +474,7 @@ TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 {
     testing::BoxKeepingHost host;
     line.command.SetHost(host);
-    TiltSettings settings(&line.command, line.reg);
+    TiltSettings settings(&line.command);
     settings.ChooseSensitivity(0);
     EXPECT_TRUE(host.boxes.empty());
     {
@@ -524,10 +524,10 @@ TEST_F(TiltTest, TheDialogsCutNothingOffAndStandRandomHands)
 {
     const auto scenario = testing::ShippedScenario("tilted");
     ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
-    testing::TryScreen([&] { return std::make_unique<SetSignal>(&line.command, line.reg); });
-    testing::TryScreen([&] { return std::make_unique<TiltStatusDlg>(&line.command, line.reg); });
+    testing::TryScreen([&] { return std::make_unique<SetSignal>(&line.command); });
+    testing::TryScreen([&] { return std::make_unique<TiltStatusDlg>(&line.command); });
     testing::TryScreen([&] { return std::make_unique<TiltCalibDlg>(&line.command); });
-    testing::TryScreen([&] { return std::make_unique<TrackingDlg>(&line.command, line.roots); });
+    testing::TryScreen([&] { return std::make_unique<TrackingDlg>(&line.command); });
     EXPECT_GE(eBubbleConfig::GetBubbleDuration(), 0.001);
     EXPECT_LE(eBubbleConfig::GetBubbleExpiry(), 30000);
 }
