@@ -82,60 +82,47 @@ std::string ContentOf(const FieldLayout& field)
     return std::string(field.name) + unit + MeaningsOf(field);
 }
 
-/// Spare bytes at the start that tell frames of one type apart.
-std::string PrefixRow(const FrameLayout& layout)
+/// Bytes that tell frames of one type apart.
+std::string ValuesOf(std::string_view prefix)
 {
-    const std::string_view prefix = layout.prefix;
     std::string values;
     for (const char c : prefix) {
         values += (values.empty() ? "" : ", ") +
                   (std::isgraph(c) != 0 ? "`" + std::string(1, c) + "`" : std::to_string(c));
     }
-    return "| 0 | " + TypeOf({prefix.size(), FieldKind::Spare, ""}) + " | " + values + " |\n";
+    return values;
 }
 
-std::string RowsOf(std::span<const FieldLayout> fields, std::size_t offset, std::size_t skip)
+/// @param prefix     that spare bytes at the start stand for
+/// @param isOrdered  not all fields may be there: their order in place of their offsets
+std::string RowsOf(std::span<const FieldLayout> fields, std::string_view prefix = {},
+                   bool isOrdered = false)
 {
     std::string rows;
-    for (FieldLayout field : fields) {
-        const std::size_t hidden = std::min(skip, field.width);
-        skip -= hidden;
-        field.width -= hidden;
-        if (field.width > 0 || hidden == 0) {
-            rows += "| " + std::to_string(offset) + " | " + TypeOf(field) + " | " +
-                    ContentOf(field) + " |\n";
-            offset += field.width;
-        }
+    std::size_t place = isOrdered ? 1 : 0;
+    for (const FieldLayout& field : fields) {
+        const bool tellsApart = rows.empty() && !prefix.empty() && field.kind == FieldKind::Spare;
+        rows += "| " + std::to_string(place) + " | " + TypeOf(field) + " | " +
+                (tellsApart ? ValuesOf(prefix) : ContentOf(field)) + " |\n";
+        place += isOrdered ? 1 : field.width;
     }
     return rows;
 }
 
-/// Of a record whose fields are not all there: their order in place of their offsets.
 std::string OrderedTable(std::span<const FieldLayout> fields)
 {
-    std::string table = "| order | type | content |\n|---|---|---|\n";
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        table += "| " + std::to_string(i + 1) + " | " + TypeOf(fields[i]) + " | " +
-                 ContentOf(fields[i]) + " |\n";
-    }
-    return table;
+    return "| order | type | content |\n|---|---|---|\n" + RowsOf(fields, {}, true);
 }
 
 std::string TableOf(const FrameLayout& layout)
 {
     std::array<char, 8> type{};
     std::snprintf(type.data(), type.size(), "0x%02X", layout.type);
-    std::string table =
-        "Data of " + std::string(type.data()) + ", " + std::string(layout.name) + ":\n\n" + kHead;
-    const bool tellsApart =
-        !layout.prefix.empty() && layout.fields.front().kind == FieldKind::Spare;
-    const std::size_t skip = tellsApart ? layout.prefix.size() : 0;
-    table += tellsApart ? PrefixRow(layout) : "";
-    table += RowsOf(layout.fields, skip, skip);
-    if (!layout.record.empty()) {
-        table += "\nEach record:\n\n" + (kHead + RowsOf(layout.record, 0, 0));
-    }
-    return table;
+    const std::string table = "Data of " + std::string(type.data()) + ", " +
+                              std::string(layout.name) + ":\n\n" + kHead +
+                              RowsOf(layout.fields, layout.prefix);
+    return table +
+           (layout.record.empty() ? "" : "\nEach record:\n\n" + (kHead + RowsOf(layout.record)));
 }
 
 TEST(FrameLayouts, AreTheTablesOfTheProtocol)
