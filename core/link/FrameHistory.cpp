@@ -8,17 +8,13 @@
 
 namespace fieldcore {
 
-FrameHistory::FrameHistory(const Clock& clock, std::size_t capacity)
-    : m_clock(clock), m_capacity(std::max<std::size_t>(capacity, 1))
-{}
-
 void FrameHistory::Add(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes)
 {
     const Clock::UtcTime now = m_clock.Utc();
     const std::lock_guard lock(m_mutex);
     // The oldest gives its memory to the newest, so that a full history does not allocate.
     ExchangedFrame frame;
-    if (m_frames.size() == m_capacity) {
+    if (m_frames.size() == kCapacity) {
         frame = std::move(m_frames.front());
         m_frames.pop_front();
     }

@@ -32,8 +32,7 @@ public:
     static constexpr std::size_t kCapacity = 10000; // frames
 
     /// @param clock  must outlive the object
-    explicit FrameHistory(const Clock& clock = SystemClock::Instance(),
-                          std::size_t capacity = kCapacity);
+    explicit FrameHistory(const Clock& clock = SystemClock::Instance()) : m_clock(clock) {}
 
     void Add(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
 
@@ -48,7 +47,6 @@ public:
 
 private:
     const Clock& m_clock;
-    const std::size_t m_capacity;
     mutable std::mutex m_mutex; // guards what follows
     std::deque<ExchangedFrame> m_frames;
     std::uint64_t m_count = 0;

@@ -84,7 +84,8 @@ constexpr Meaning kExtended3[] = {Bit(1, "tilt sensor"), Bit(2, "QZSS")};
 constexpr Meaning kBoard[] = {Bit(4, "CMRx input"), Bit(5, "CMRx output"),
                               Bit(6, "Meridian board")};
 constexpr Meaning kFollows[] = {Bit(0, "CMRx bits count"), Bit(1, "logging interval follows")};
-constexpr FieldLayout kExtendedOptions[] = {{8, Spare, ""},
+constexpr FieldLayout kExtendedOptions[] = {{1, Spare, ""},
+                                            {7, Spare, ""},
                                             {4, Unsigned, "signals", "", kExtended1},
                                             {4, Unsigned, "systems", "", kExtended2},
                                             {4, Unsigned, "sensors", "", kExtended3},
@@ -147,7 +148,8 @@ constexpr FieldLayout kSatelliteFrame[] = {{1, Unsigned, "list", "", kListForm},
 
 constexpr FieldLayout kAlmanacRequest[] = {{1, Spare, ""}, {1, Unsigned, "PRN"}, {1, Spare, ""}};
 constexpr Meaning kMasks[] = {Is(0, "GPS"), Is(1, "GPS and GLONASS")};
-constexpr FieldLayout kStateRequest[] = {{2, Spare, ""}, {1, Unsigned, "systems", "", kMasks}};
+constexpr FieldLayout kStateRequest[] = {
+    {1, Spare, ""}, {1, Spare, ""}, {1, Unsigned, "systems", "", kMasks}};
 constexpr FieldLayout kOtherRequest[] = {
     {1, Spare, ""}, {1, Unsigned, "number of bit 0"}, {2, Spare, ""}};
 constexpr FieldLayout kAlmanac[] = {{1, Spare, ""},
@@ -163,7 +165,8 @@ constexpr FieldLayout kAlmanac[] = {{1, Spare, ""},
                                     {8, Real, "argument of perigee", "semicircles"},
                                     {8, Real, "mean anomaly", "semicircles"},
                                     {1, Unsigned, "health"}};
-constexpr FieldLayout kSatelliteState[] = {{2, Spare, ""},
+constexpr FieldLayout kSatelliteState[] = {{1, Spare, ""},
+                                           {1, Spare, ""},
                                            {4, Mask, "GPS with an almanac"},
                                            {4, Mask, "GPS with an ephemeris"},
                                            {4, Mask, "GPS healthy"},

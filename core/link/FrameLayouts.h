@@ -52,6 +52,7 @@ struct FrameLayout
     std::string_view prefix; ///< how the data begin; tells frames of one type apart
     std::string_view name;
     std::string_view title; ///< the same for the screens, Japanese, UTF-8
+    /// The first stands for the prefix, where it is a spare one.
     std::span<const FieldLayout> fields = {};
     std::size_t endsFrom = kWhole; ///< data bytes from which on a field may be missing
     /// Of each of the records that follow, as many as the byte before says.

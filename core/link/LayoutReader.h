@@ -42,7 +42,7 @@ public:
 
     /// Whether they begin as its data do and are no shorter. A parser reads nothing else.
     [[nodiscard]] bool Fits() const { return m_fits; }
-    /// Whether all that was taken was there.
+    /// Whether all that was taken or passed over was there.
     [[nodiscard]] bool IsComplete() const { return m_isComplete; }
     /// Whether the next field is there: of a text its first byte, of anything else all of it.
     [[nodiscard]] bool HasNext() const;

@@ -8,7 +8,7 @@
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 
-#include <cstddef>
+#include <algorithm>
 #include <system_error>
 
 namespace fieldcore {
@@ -49,7 +49,7 @@ bool IsTakenIn(const fs::path& folder, std::wstring_view name)
 
 const NameFaultMeaning& MeaningOf(NameFault fault)
 {
-    return kMeanings[static_cast<std::size_t>(fault)];
+    return *std::ranges::find(kMeanings, fault, &NameFaultMeaning::fault);
 }
 
 bool IsReceiverFileName(std::wstring_view name)

@@ -14,25 +14,28 @@ namespace {
 
 TEST(FrameHistory, KeepsTheLastAndForgetsTheOldest)
 {
-    FrameHistory history(SystemClock::Instance(), 3);
+    FrameHistory history;
     const auto observe = history.Observer();
-    for (std::uint8_t i = 1; i <= 5; ++i) {
-        observe(i % 2 == 0 ? Direction::Received : Direction::Sent,
-                i == 5 ? LineUnit::Noise : LineUnit::Frame, std::vector<std::uint8_t>(i, i));
+    const std::vector<std::uint8_t> older(9, 9);
+    for (std::size_t i = 0; i < FrameHistory::kCapacity; ++i) {
+        observe(Direction::Received, LineUnit::Frame, older);
     }
+    const std::vector<std::uint8_t> last{0x99};
+    observe(Direction::Sent, LineUnit::Noise, last);
     const auto kept = history.After(0);
-    ASSERT_EQ(kept.size(), 3U);
-    EXPECT_EQ(kept.front().number, 3U);
-    EXPECT_EQ(kept.front().bytes, std::vector<std::uint8_t>(3, 3)) << "memory of an older frame";
+    ASSERT_EQ(kept.size(), FrameHistory::kCapacity);
+    EXPECT_EQ(kept.front().number, 2U);
+    EXPECT_EQ(kept.back().number, 10001U);
+    EXPECT_EQ(kept.back().bytes, last) << "memory of an older frame";
     EXPECT_EQ(kept.back().direction, Direction::Sent);
-    EXPECT_EQ(kept.front().unit, LineUnit::Frame);
     EXPECT_EQ(kept.back().unit, LineUnit::Noise) << "the unit of an older one";
-    EXPECT_EQ(history.After(4).size(), 1U);
-    EXPECT_TRUE(history.After(5).empty());
+    EXPECT_EQ(history.After(10000).size(), 1U);
+    EXPECT_TRUE(history.After(10001).empty());
     history.Clear();
-    observe(Direction::Sent, LineUnit::Frame, kept.front().bytes);
+    observe(Direction::Sent, LineUnit::Frame, last);
     ASSERT_EQ(history.After(0).size(), 1U);
-    EXPECT_EQ(history.After(5).front().number, 6U) << "numbers start anew under a reader's feet";
+    EXPECT_EQ(history.After(0).front().number, 10002U)
+        << "numbers start anew under a reader's feet";
 }
 
 TEST(FrameHistory, TakesFromOneThreadWhatAnotherReads)
