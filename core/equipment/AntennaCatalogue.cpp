@@ -124,7 +124,7 @@ std::wstring WithoutBlanks(std::wstring_view text)
 std::wstring TakeField(std::wstring_view& rest)
 {
     const std::size_t comma = rest.find(L',');
-    const std::wstring field(rest.substr(0, comma));
+    std::wstring field(rest.substr(0, comma));
     rest = comma == std::wstring_view::npos ? std::wstring_view() : rest.substr(comma + 1);
     return field;
 }

@@ -118,7 +118,6 @@ TEST(GPSError, TellsWhatItMadeOfTheClock)
         EXPECT_EQ(error.LastClockChange()->by, sys_days(2026y / 3 / 19));
         EXPECT_EQ(error.GetTimeSynchro(), 1) << "the receiver's time counts all the same";
     }
-    CGPSError real(nullptr);
     EXPECT_FALSE(SystemClock::Instance().SetUtc(sys_days(2026y / 3 / 1))) << "off unless allowed";
 }
 
