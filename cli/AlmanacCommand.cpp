@@ -24,9 +24,6 @@ namespace fieldcore::cli {
 
 namespace {
 
-constexpr std::int64_t kWeekS = 604800;
-constexpr std::int64_t kToaStepS = 4096; // what satellites send
-
 struct AlmanacOptions
 {
     PortOptions port;
@@ -67,7 +64,7 @@ void ShowAge(const Context& context, const CSurveyPlanCalc& almanac, const CGPST
     const CGPSTime time = AlmanacTime(almanac);
     if (IsAlmanacOld(time, date)) {
         ShowText(context, {text::kAlmanacOld, text::kAlmanacOldCaption, BoxIcon::Exclamation});
-    } else if (GpsSeconds(time) - GpsSeconds(GpsNow(context.world)) > kWeekS) {
+    } else if (time.GetUtcTime() - GpsNow(context.world).GetUtcTime() > CTimeSpan(7, 0, 0, 0)) {
         context.output.Warn(text::kSayWeekToCome);
     }
 }
@@ -174,12 +171,6 @@ Ending Show(const Context& context, const AlmanacOptions& options)
     return context.output.Done(report);
 }
 
-Ending Store(const Context& context, const std::vector<AlmanacRecord>& records,
-             const AlmanacSource& source)
-{
-    return Put(context, [&](AlmanacStore& store) { return store.Import(records, source); });
-}
-
 std::string LettersOf(std::span<const NavigationRecord> records)
 {
     SystemSet systems;
@@ -197,7 +188,7 @@ double NowS(const Context& context)
 /// Adds @p records to what is kept, unless this is a dry run.
 std::optional<Failure> Keep(const Context& context, std::span<const NavigationRecord> records)
 {
-    const std::filesystem::path folder = context.world.GetFolders().Program();
+    const std::filesystem::path folder = FolderOf(context);
     if (LoadConstellations(folder).error) {
         context.output.Warn(text::kSayMessagesLost);
     }
@@ -219,8 +210,7 @@ Ending Take(const Context& context, std::span<const NavigationRecord> records)
         return *failure;
     }
     Report report;
-    report.Add("file", text::kLabelFile,
-               Value::Text(NavigationPath(context.world.GetFolders().Program()).string()));
+    report.Add("file", text::kLabelFile, Value::Text(NavigationPath(FolderOf(context)).string()));
     AddSystemTable(report, records, NowS(context));
     context.output.Note({text::kSayForSystems, {LettersOf(records)}});
     return Kept(context, report);
@@ -271,7 +261,7 @@ Ending Import(const Context& context, const AlmanacOptions& options)
         return ImportNavigation(context, options.file);
     }
     AlmanacWeek week;
-    week.today = static_cast<int>(GpsSeconds(GpsNow(context.world)) / kWeekS);
+    week.today = GpsNow(context.world).GetGpsWeek();
     week.full = options.week;
     const AlmanacText text = LoadAlmanacText(options.file, week);
     if (text.error) {
@@ -290,9 +280,10 @@ Ending Import(const Context& context, const AlmanacOptions& options)
             return *failure;
         }
     }
-    return Store(
-        context, text.records,
-        {AlmanacOrigin::File, FromUtf8(std::filesystem::path(options.file).filename().string())});
+    const std::string name = std::filesystem::path(options.file).filename().string();
+    return Put(context, [&](AlmanacStore& store) {
+        return store.Import(text.records, {AlmanacOrigin::File, FromUtf8(name)});
+    });
 }
 
 Ending Sample(const Context& context, const AlmanacOptions& options)
@@ -305,12 +296,10 @@ Ending Sample(const Context& context, const AlmanacOptions& options)
             return *failure;
         }
     }
-    const std::int64_t now = GpsSeconds(GpsNow(context.world));
-    const std::int64_t toa = now % kWeekS / kToaStepS * kToaStepS;
-    return Store(context,
-                 NominalConstellation(kNominalSatellites, static_cast<int>(now / kWeekS),
-                                      static_cast<std::uint32_t>(toa)),
-                 {AlmanacOrigin::Nominal, {}});
+    return Put(context, [&](AlmanacStore& store) {
+        return store.Import(NominalAlmanac(context.world.GetClock().Utc()),
+                            {AlmanacOrigin::Nominal, {}});
+    });
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacTime.h"
 #include "core/planning/Degrees.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
@@ -20,13 +21,7 @@ namespace fieldcore::cli {
 
 namespace {
 
-using std::chrono::sys_days;
 using std::chrono::year_month_day;
-using namespace std::chrono_literals;
-
-constexpr sys_days kGpsEpoch{1980y / 1 / 6};
-constexpr double kDayS = 86400.0;
-constexpr int kSecondsPerWeek = 604800;
 
 CGPSTime FromGpsSeconds(std::int64_t seconds)
 {
@@ -67,7 +62,7 @@ void ForEachSystem(SystemSet systems, const auto& use)
 /// The reference time of a satellite; nothing if the record has none.
 std::optional<CGPSTime> TimeOf(const KeplerElements& elements)
 {
-    if (elements.week < 0 || elements.toaS > kSecondsPerWeek) {
+    if (elements.week < 0 || elements.toaS > kWeekS) {
         return std::nullopt;
     }
     CGPSTime time;
@@ -179,7 +174,7 @@ void AddAlmanacTable(Report& report, const CSurveyPlanCalc& almanac, const CGPST
              {"healthy", text::kHeadHealthy, Value::YesNo(satellite.IsHealthy() != 0)},
              {"health", text::kHeadHealth, Value::Integer(record.health)},
              {"week", text::kHeadWeek,
-              time ? Value::Integer(GpsSeconds(*time) / kSecondsPerWeek) : Value::Unknown()},
+              time ? Value::Integer(time->GetGpsWeek()) : Value::Unknown()},
              {"gpsTime", text::kHeadReferenceTimeGps,
               time ? DateValue(GpsSeconds(*time)) : Value::Unknown()},
              {"eccentricity", text::kHeadEccentricity, Value::Real(elements.eccentricity, 6)},

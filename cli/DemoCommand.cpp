@@ -84,7 +84,8 @@ private:
     void Say(const std::string& text)
     {
         if (!m_context.output.IsJson()) {
-            *m_context.world.out << text << "\n" << std::flush;
+            *m_context.world.out << text.substr(0, text.find_last_not_of('\n') + 1) << "\n"
+                                 << std::flush;
         }
     }
     void Heading(int id)
@@ -120,8 +121,7 @@ private:
         }
         Report& status = m_report.AddSection("status");
         AddStatus(status, reader.Reading());
-        const std::string words = status.Words();
-        Say(words.substr(0, words.find_last_not_of('\n') + 1));
+        Say(status.Words());
         return std::nullopt;
     }
 
@@ -230,8 +230,7 @@ private:
         plan.Period() = {request.dates.front(), request.settings.startHour, request.settings.hours};
         plan.Compute();
         m_report.AddEntry("plans", PlanReport(plan, request.sites.front(), request, std::nullopt));
-        const std::string words = PlanWords(plan, request.sites.front(), request, std::nullopt);
-        Say(words.substr(0, words.find_last_not_of('\n') + 1));
+        Say(PlanWords(plan, request.sites.front(), request, std::nullopt));
         return std::nullopt;
     }
 

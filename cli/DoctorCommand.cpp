@@ -4,6 +4,7 @@
 #include "core/link/ConnectChoice.h"
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacTime.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/Folders.h"
 #include "core/platform/PortList.h"
 #include "core/platform/PortNames.h"
@@ -200,7 +201,6 @@ Finding ExamineAlmanac(const World& world)
             fs::exists(file, error) ? Worded(text::kSayNotRead, {file.string()}) : finding.found;
         return finding;
     }
-    constexpr double kDayS = 86400.0;
     const CGPSTime time = AlmanacTime(almanac);
     const CGPSTime now = GpsNow(world);
     const double days = static_cast<double>(GpsSeconds(now) - GpsSeconds(time)) / kDayS;

@@ -49,12 +49,10 @@ Failure RequestFailure(CommandFault fault, std::string detail)
 {
     const FaultMeaning& meaning = MeaningOf(fault);
     const TerminalFault& said = meaning.terminal;
-    return {ExitCode{said.exitCode},
-            said.code,
-            WordedOr(said.message, meaning.textId),
-            HintOf(said),
-            "",
-            std::move(detail)};
+    Failure failure{ExitCode{said.exitCode}, said.code, WordedOr(said.message, meaning.textId),
+                    HintOf(said)};
+    failure.detail = std::move(detail);
+    return failure;
 }
 
 Failure PortFailure(const std::string& path, int systemError, std::string detail,

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <initializer_list>
 #include <map>
 #include <numbers>
 #include <vector>
@@ -222,32 +221,13 @@ Ending ShowAngle(const Context& context, const GeoOptions& options)
     return context.output.Done(report);
 }
 
-struct Positional
-{
-    const char* name;
-    std::string& value;
-    int purpose;
-};
-
-void AddTyped(CLI::App& parser, std::initializer_list<Positional> all)
-{
-    for (const Positional& one : all) {
-        AddText(parser, one.name, one.value, "", one.purpose)->required();
-    }
-}
-
 void AddPlaceOptions(CLI::App& parser, GeoOptions& options, bool withHeight)
 {
-    AddTyped(parser, {{"LAT", options.first, text::kOptLatitude},
-                      {"LON", options.second, text::kOptLongitude}});
+    AddText(parser, "LAT", options.first, "", text::kOptLatitude)->required();
+    AddText(parser, "LON", options.second, "", text::kOptLongitude)->required();
     if (withHeight) {
         AddText(parser, "H", options.third, "", text::kOptHeight);
     }
-}
-
-void AddPacked(CLI::App& parser, GeoOptions& options)
-{
-    AddFlag(parser, "--ddmmss", options.packed, text::kOptPacked);
 }
 
 /// @param isPlane  plane coordinates are of Japan
@@ -263,7 +243,7 @@ void AddForms(CLI::App& parser, GeoOptions& options, bool isPlane)
                     Worded(isPlane ? text::kOptEllipsoidPlane : text::kOptEllipsoid))
         ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
         ->type_name("NAME");
-    AddPacked(parser, options);
+    AddFlag(parser, "--ddmmss", options.packed, text::kOptPacked);
 }
 
 CLI::Option* AddZone(CLI::App& parser, GeoOptions& options)
@@ -286,9 +266,9 @@ Command AddGeoCommand(CLI::App& program)
           ToEcef},
          {"geodetic", text::kHelpGeoGeodetic,
           [](CLI::App& parser, GeoOptions& options) {
-              AddTyped(parser, {{"X", options.first, text::kOptEcefX},
-                                {"Y", options.second, text::kOptEcefY},
-                                {"Z", options.third, text::kOptEcefZ}});
+              AddText(parser, "X", options.first, "", text::kOptEcefX)->required();
+              AddText(parser, "Y", options.second, "", text::kOptEcefY)->required();
+              AddText(parser, "Z", options.third, "", text::kOptEcefZ)->required();
               AddForms(parser, options, false);
           },
           ToGeodetic},
@@ -301,8 +281,8 @@ Command AddGeoCommand(CLI::App& program)
           ToPlane},
          {"unplane", text::kHelpGeoUnplane,
           [](CLI::App& parser, GeoOptions& options) {
-              AddTyped(parser, {{"X", options.first, text::kOptPlaneX},
-                                {"Y", options.second, text::kOptPlaneY}});
+              AddText(parser, "X", options.first, "", text::kOptPlaneX)->required();
+              AddText(parser, "Y", options.second, "", text::kOptPlaneY)->required();
               AddZone(parser, options)->required();
               AddForms(parser, options, true);
           },
@@ -312,13 +292,13 @@ Command AddGeoCommand(CLI::App& program)
               AddPlaceOptions(parser, options, true);
               AddWord(parser, "--to", options.to, {"jgd", "tokyo"}, "DATUM", text::kOptDatum)
                   ->required();
-              AddPacked(parser, options);
+              AddFlag(parser, "--ddmmss", options.packed, text::kOptPacked);
           },
           ChangeDatum},
          {"angle", text::kHelpGeoAngle,
           [](CLI::App& parser, GeoOptions& options) {
-              AddTyped(parser, {{"ANGLE", options.first, text::kOptAngle}});
-              AddPacked(parser, options);
+              AddText(parser, "ANGLE", options.first, "", text::kOptAngle)->required();
+              AddFlag(parser, "--ddmmss", options.packed, text::kOptPacked);
           },
           ShowAngle}});
 }

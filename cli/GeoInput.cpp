@@ -8,11 +8,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <system_error>
 
 namespace fieldcore::cli {
 
@@ -20,14 +18,6 @@ namespace {
 
 constexpr double kMostDegrees = 360.0;
 constexpr std::string_view kDigits = "0123456789";
-
-std::optional<double> ParseReal(std::string_view text)
-{
-    double number = 0.0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool isWhole = error == std::errc() && end == text.data() + text.size();
-    return isWhole && std::isfinite(number) ? std::optional(number) : std::nullopt;
-}
 
 bool TakeOneOf(std::string_view& text, std::initializer_list<std::string_view> signs)
 {

@@ -79,14 +79,11 @@ Failure NotAccepted(const CRecvInfo& info)
         return {
             ExitCode::Refused, "type-refused", {text::kSayTypeRefused, {std::to_string(number)}}};
     }
-    return {ExitCode::Refused,
-            "firmware-refused",
+    return {ExitCode::Refused, "firmware-refused",
             Worded(text::kSayFirmwareRefused,
                    {Value::Real(info.GetNavVer(), 2).Words(), std::to_string(number),
                     Value::Real(MinimumNavVersion(number), 2).Words()}),
-            text::kSayUpdateFirmware,
-            "",
-            ""};
+            text::kSayUpdateFirmware};
 }
 
 Ending Info(const Context& context, const PortOptions& options)

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <string_view>
 
 namespace fieldcore::cli {
 
@@ -51,14 +50,19 @@ std::string LimitWords(const Limits& limits)
            (limits.fallback.empty() ? "" : Worded(text::kSayFallback, {limits.fallback}));
 }
 
+std::optional<double> ParseReal(std::string_view text)
+{
+    double number = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isWhole = error == std::errc() && end == text.data() + text.size();
+    return isWhole && std::isfinite(number) ? std::optional(number) : std::nullopt;
+}
+
 CLI::Validator Within(const Limits& limits)
 {
     return {[limits](const std::string& text) -> std::string {
-                double number = 0.0;
-                const char* const end = text.data() + text.size();
-                const auto [stop, error] = std::from_chars(text.data(), end, number);
-                const bool fits = error == std::errc() && stop == end && number >= limits.lowest &&
-                                  number <= limits.highest;
+                const std::optional<double> number = ParseReal(text);
+                const bool fits = number && *number >= limits.lowest && *number <= limits.highest;
                 return fits ? "" : "out of range";
             },
             ""};

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -25,6 +26,9 @@ struct Limits
 [[nodiscard]] std::string LimitWords(const Limits& limits);
 /// A finite number within the limits.
 [[nodiscard]] CLI::Validator Within(const Limits& limits);
+
+/// @p text as a finite number, with nothing before or behind it.
+[[nodiscard]] std::optional<double> ParseReal(std::string_view text);
 
 /// The groups of options that several commands have.
 inline constexpr const char* kPortGroup = "Port";

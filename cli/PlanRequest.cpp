@@ -16,8 +16,9 @@
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <charconv>
+#include <cmath>
 #include <limits>
+#include <sstream>
 #include <utility>
 
 namespace fieldcore::cli {
@@ -26,25 +27,15 @@ namespace {
 
 std::optional<Failure> UsePlace(const std::string& text, NamedSite& site)
 {
-    double numbers[3] = {0.0, 0.0, 0.0};
-    std::size_t count = 0;
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    while (count < std::size(numbers)) {
-        const std::from_chars_result read = std::from_chars(at, end, numbers[count]);
-        if (read.ec != std::errc()) {
-            count = 0;
-            break;
-        }
-        ++count;
-        at = read.ptr;
-        if (at == end || *at != ',') {
-            break;
-        }
-        ++at;
+    std::vector<double> numbers;
+    std::istringstream parts(text + ',');
+    for (std::string part; std::getline(parts, part, ',');) {
+        numbers.push_back(ParseReal(part).value_or(NAN)); // which is no place
     }
+    const bool hasPlace = numbers.size() == 2 || numbers.size() == 3;
+    numbers.resize(3); // without a height it is 0
     const GeodeticPosition place{RadiansOf(numbers[0]), RadiansOf(numbers[1]), numbers[2]};
-    if (count < 2 || at != end || !IsPlace(place)) {
+    if (!hasPlace || !IsPlace(place)) {
         return UsageFailure({text::kSayNotAPlace, {text}}, text::kSayNotAPlaceHint);
     }
     site = {FromUtf8(text), {place.latitudeRad, place.longitudeRad, place.heightM}};
@@ -97,21 +88,6 @@ std::optional<Failure> UseSite(const std::string& name, const std::vector<NamedS
     }
     site = *found.front();
     return site.isSample ? std::nullopt : CheckEntry(folder, site.name);
-}
-
-std::optional<Failure> UseList(const std::filesystem::path& file, PlanRequest& request)
-{
-    if (file.empty()) {
-        return std::nullopt;
-    }
-    SitesCsv list = LoadSitesCsv(file);
-    if (list.error) {
-        return TextFailure(file, *list.error, text::kSaySiteListHint);
-    }
-    for (ListedSite& site : list.sites) {
-        request.sites.push_back({std::move(site.name), site.observer});
-    }
-    return std::nullopt;
 }
 
 /// Fits the period into the day.
@@ -202,8 +178,14 @@ std::optional<Failure> Resolve(const PlanOptions& options, const World& world,
             return failure;
         }
     }
-    if (auto failure = UseList(options.siteList, request)) {
-        return failure;
+    if (!options.siteList.empty()) {
+        SitesCsv list = LoadSitesCsv(options.siteList);
+        if (list.error) {
+            return TextFailure(options.siteList, *list.error, text::kSaySiteListHint);
+        }
+        for (ListedSite& site : list.sites) {
+            request.sites.push_back({std::move(site.name), site.observer});
+        }
     }
     ResolvePeriod(options, wholeDay, request.settings);
     std::chrono::sys_days first;

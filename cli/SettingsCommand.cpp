@@ -211,14 +211,9 @@ Ending Delete(const Context& context, const SettingsOptions& options)
     return context.output.Done(report, Worded(text::kSayDeleted) + words);
 }
 
-void AddMachine(CLI::App& parser, SettingsOptions& options)
-{
-    AddFlag(parser, "--machine", options.machine, text::kOptMachine);
-}
-
 CLI::Option* AddKey(CLI::App& parser, SettingsOptions& options)
 {
-    AddMachine(parser, options);
+    AddFlag(parser, "--machine", options.machine, text::kOptMachine);
     CLI::Option* const key = AddText(parser, "KEY", options.key, "", text::kOptKey);
     AddFlag(parser, "--all", options.whole, text::kOptWholeKey);
     return key;
@@ -260,7 +255,7 @@ Command AddSettingsCommand(CLI::App& program)
           Delete},
          {"export", text::kHelpSettingsExport,
           [](CLI::App& parser, SettingsOptions& options) {
-              AddMachine(parser, options);
+              AddFlag(parser, "--machine", options.machine, text::kOptMachine);
               AddText(parser, "FILE", options.file, "", text::kOptExportTo);
               AddText(parser, "--key", options.key, "KEY", text::kOptOnlyKey);
               AddFlag(parser, "--all", options.whole, text::kOptFromRoot);
@@ -271,7 +266,7 @@ Command AddSettingsCommand(CLI::App& program)
           ExportSettings},
          {"import", text::kHelpSettingsImport,
           [](CLI::App& parser, SettingsOptions& options) {
-              AddMachine(parser, options);
+              AddFlag(parser, "--machine", options.machine, text::kOptMachine);
               AddText(parser, "FILE", options.file, "", text::kOptImportFrom)->required();
               AddDryRun(parser, text::kOptSettingsDry);
           },

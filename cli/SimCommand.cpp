@@ -194,12 +194,9 @@ Ending StartCommand(const Context& context, const simulator::Simulator& simulato
         arguments,
         {{"FIELDCORE_PORT", simulator.PortPath()}, {kSimulatedPort, simulator.PortPath()}}, error);
     if (!code) {
-        return Failure{ExitCode::Failed,
-                       "command-not-started",
-                       Worded(text::kSayNotStarted, {arguments.front()}),
-                       "",
-                       "",
-                       error};
+        return Failure{.code = "command-not-started",
+                       .message = Worded(text::kSayNotStarted, {arguments.front()}),
+                       .detail = error};
     }
     return static_cast<ExitCode>(*code); // the command's own, whatever it means there
 }

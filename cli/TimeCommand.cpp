@@ -3,6 +3,8 @@
 #include "cli/PortSession.h"
 #include "cli/StatusReading.h"
 
+#include "core/platform/Calendar.h"
+
 #include <chrono>
 #include <string>
 
@@ -42,7 +44,6 @@ Report ReportOf(const StatusReader& reader, bool isSet)
 /// The receiver's time by now, which has been accepted.
 Clock::UtcTime TimeByNow(const StatusReader& reader, Clock::Duration now)
 {
-    constexpr std::chrono::hours kJst{9};
     const TimedValue<ReceiverTime>& time = *reader.Reading().time;
     return Clock::UtcTime(time.value.jst.time_since_epoch() - kJst) + (now - time.at);
 }
