@@ -173,7 +173,7 @@ void CRecvFileMan::GetFileData()
 /// Each time: a card comes and goes while the sheet is open.
 void CRecvFileMan::LookForFetched()
 {
-    const Folders& folders = m_command.GetEnvironment().GetFolders();
+    const Folders& folders = GetCommand().GetEnvironment().GetFolders();
     std::vector<std::filesystem::path> fetched{folders.Documents()};
     const auto cards = folders.StorageCards();
     if (!cards.empty()) {
