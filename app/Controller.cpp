@@ -8,6 +8,7 @@
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/PlanSession.h"
 #include "core/planning/PlanSite.h"
+#include "core/platform/Calendar.h"
 #include "core/platform/FastClock.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
@@ -16,6 +17,7 @@
 #include "core/tilt/BubbleConfig.h"
 #include "core/tilt/TrackingSettings.h"
 #include "simulator/Scenario.h"
+#include "simulator/ShippedScenarios.h"
 #include "simulator/Simulator.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/PlanWindowList.h"
@@ -29,6 +31,21 @@
 
 namespace fieldcore {
 
+std::vector<ScenarioChoice> Scenarios()
+{
+    std::vector<ScenarioChoice> choices;
+    for (const simulator::ShippedScenario& shipped : simulator::AllShippedScenarios()) {
+        std::string error;
+        const auto scenario = simulator::LoadScenario(std::string(shipped.name), error);
+        const bool isJapanese = CurrentLanguage() == Language::Japanese;
+        choices.push_back(
+            {std::string(shipped.name),
+             scenario ? QString::fromStdString(isJapanese ? scenario->titleJa : scenario->title)
+                      : QString()});
+    }
+    return choices;
+}
+
 Controller::Controller(const AppOptions& options)
     : m_options(options),
       m_fastClock(options.speed == 1.0 ? nullptr : std::make_unique<FastClock>(options.speed)),
@@ -38,9 +55,7 @@ Controller::Controller(const AppOptions& options)
 {
     QtHost::Options hostOptions;
     hostOptions.isQ77 = m_options.isQ77 || StoredNumber(m_ownReg, L"GPS\\App\\Q77") == 1;
-    if (m_fastClock) {
-        hostOptions.clock = m_fastClock.get();
-    }
+    hostOptions.clock = m_clock;
     hostOptions.icon = QStringLiteral(":/fieldcore/icons/receiver.svg");
     QApplication::setWindowIcon(QIcon(hostOptions.icon));
     m_host = std::make_unique<QtHost>(hostOptions);
@@ -114,11 +129,6 @@ void Controller::UseStore()
     ReadLimits();
     eBubbleConfig::LoadBubbleData(m_reg);
     ReadLinkRate();
-}
-
-bool Controller::ConnectQuietly(std::wstring& fault)
-{
-    return ConnectQuietly(Target(), fault);
 }
 
 bool Controller::ConnectQuietly(const FoundTarget& found, std::wstring& fault)
@@ -197,18 +207,24 @@ void Controller::AskUser()
     Q_EMIT Changed();
 }
 
-std::wstring Controller::ReceiverSerial() const
+CComPort::Surroundings Controller::PortsWorld()
 {
     const CRecvInfo info = Info();
     const wchar_t* const serial = info.GetRecvSNLong();
-    return serial != nullptr ? serial : L"";
+    return {info.Known().options ? std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts)
+                                 : CComPrmSet::kMostPorts,
+            [this] { return Target().target; }, serial != nullptr ? serial : L""};
 }
 
-int Controller::ReceiverPorts() const
+PlanSurroundings Controller::PlanWorld(QWidget* parent)
 {
-    const CRecvInfo info = Info();
-    return info.Known().options ? std::clamp(info.GetPortsAvailable(), 1, CComPrmSet::kMostPorts)
-                                : CComPrmSet::kMostPorts;
+    PlanSurroundings world;
+    world.makeConnect = MakesConnect(parent);
+    world.conditions = [this] {
+        return PlanSurroundings::Conditions{m_limits.maskDeg, m_limits.satellites, m_limits.pdop};
+    };
+    world.skyNotes = [this] { return m_sky->GetNow(); };
+    return world;
 }
 
 void Controller::Disconnect()
@@ -386,7 +402,6 @@ void Controller::LookAtReceiver()
 void Controller::PlanAhead()
 {
     constexpr std::chrono::minutes kSeldom(1);
-    constexpr std::chrono::hours kJapan(9);
     const Clock::Duration now = m_clock->Steady();
     if (m_plannedAt && now - *m_plannedAt < kSeldom) {
         return;
@@ -399,7 +414,7 @@ void Controller::PlanAhead()
         return;
     }
     const std::chrono::sys_days day = JapanDay(m_clock->Utc());
-    const Clock::UtcTime::duration passed = m_clock->Utc() + kJapan - day;
+    const Clock::UtcTime::duration passed = m_clock->Utc() + kJst - day;
     PlanSettings settings = session.Settings();
     settings.startHour = static_cast<int>(passed / std::chrono::hours(1));
     for (const std::chrono::days ahead : {std::chrono::days(0), std::chrono::days(1)}) {

@@ -19,12 +19,16 @@
 #include "ui/controls/BackgroundQuestion.h"
 #include "ui/controls/QtHost.h"
 #include "ui/controls/Theme.h"
+#include "ui/equipment/ComPort.h"
 #include "ui/link/ConnectDlg.h"
+#include "ui/link/PortChooser.h"
+#include "ui/planning/SurveyPlan.h"
 
 #include <QObject>
 #include <QTimer>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,6 +39,9 @@ class FastClock;
 namespace simulator {
 class Simulator;
 }
+
+/// What the simulated receiver can play.
+[[nodiscard]] std::vector<ScenarioChoice> Scenarios();
 
 /// What the windows of the field controller work with: settings, the channel to the receiver, the
 /// link that is kept, and the simulated receiver if one is meant. User-interface thread only.
@@ -55,7 +62,7 @@ public:
     /// anything but what the receiver gives reason for.
     /// @return false if it is not connected; @p fault says why in words for the user, and stays
     /// empty if he has cancelled
-    bool ConnectQuietly(std::wstring& fault);
+    bool ConnectQuietly(std::wstring& fault) { return ConnectQuietly(Target(), fault); }
     /// Lets the user connect to the chosen port, with the questions and the steps on the screen. A
     /// simulated receiver has no cable that could be asked for.
     /// @return false if it is not connected; @p fault as above
@@ -67,12 +74,8 @@ public:
     bool Choose(const ConnectChoice& choice);
     [[nodiscard]] const ConnectChoice& Choice() const { return m_choice; }
 
-    /// The port of the receiver that the controller is plugged into, and how many it has, as it
-    /// said last; 1 and the most that there can be before it said anything.
+    /// The port of the receiver that the controller is plugged into; 1 before it said anything.
     [[nodiscard]] int ReceiverPort() const { return Info().GetCurrentPortID(); }
-    [[nodiscard]] int ReceiverPorts() const;
-    /// Empty before it said anything.
-    [[nodiscard]] std::wstring ReceiverSerial() const;
     /// Connects with the parameters of the line that @p edit wants, stored or not; goes back to
     /// those before if the receiver has stayed there.
     /// @return string-table number of what to tell the user, 0 if all is well
@@ -82,10 +85,16 @@ public:
     /// runs, and ends it where none is.
     /// @return as FindTarget(), with the port of the simulated receiver in place of its scenario
     [[nodiscard]] FoundTarget Target();
-    /// The screen that connects to there, for every type of receiver.
-    [[nodiscard]] std::unique_ptr<ConnectDlg> MakeConnect(QWidget* parent)
+
+    // What the library's screens get besides the channel; the controller must outlive them.
+
+    /// @param parent  of the window that connects; may be null
+    [[nodiscard]] PlanSurroundings PlanWorld(QWidget* parent);
+    [[nodiscard]] CComPort::Surroundings PortsWorld();
+    /// The screen that connects to the chosen port, for every type of receiver.
+    [[nodiscard]] std::function<std::unique_ptr<CConnect>(CCommand&)> MakesConnect(QWidget* parent)
     {
-        return MakeConnect(parent, 0, Target());
+        return [this, parent](CCommand&) { return MakeConnect(parent, 0, Target()); };
     }
 
     [[nodiscard]] const AppOptions& Options() const { return m_options; }
@@ -96,8 +105,6 @@ public:
     [[nodiscard]] bool MaySetClock() const { return m_maySetClock; }
     void SetMaySetClock(bool maySet);
     [[nodiscard]] const StatusPoll& Poll() const { return *m_poll; }
-    /// What is noted of the sky over the receiver.
-    [[nodiscard]] SkyRecorder::Now SkyNotes() const { return m_sky->GetNow(); }
     /// What is needed to show how the receiver is.
     [[nodiscard]] StatusView View() const;
 
@@ -113,7 +120,6 @@ public:
     void UseAntenna(AntennaRole role);
     /// Reads the limits of the survey that is run. Anew after changing the settings.
     void ReadLimits();
-    [[nodiscard]] const ObservingLimits& Limits() const { return m_limits; }
     /// What has gone over the line.
     [[nodiscard]] FrameHistory& Frames() { return m_frames; }
     [[nodiscard]] const Clock& GetClock() const { return *m_clock; }

@@ -1,7 +1,6 @@
 #include "app/ScreenPictures.h"
 
 #include "app/Controller.h"
-#include "app/Worlds.h"
 #include "core/orbits/NavigationFile.h"
 #include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacFile.h"
@@ -58,7 +57,7 @@ class Plans
 {
 public:
     explicit Plans(Controller& controller)
-        : m_controller(controller), m_world(PlanWorld(controller, nullptr))
+        : m_controller(controller), m_world(controller.PlanWorld(nullptr))
     {
         m_world.skyNotes = [this] {
             return SkyRecorder::Now{SkyRecorder::State::Noting, Noted(), {}, {}};

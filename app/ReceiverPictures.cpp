@@ -255,7 +255,7 @@ Pictures ReceiverPictures(Controller& controller)
     const auto tilt = TiltBench(roots);
     // The status after a run that ended so.
     const auto status = [&roots](const char* sensor, LastCalibrationRun lastRun = {},
-                               std::chrono::milliseconds time = 700ms) {
+                                 std::chrono::milliseconds time = 700ms) {
         return [lastRun, time, bench = TiltBench(roots, sensor)] {
             const LastCalibrationRun before = std::exchange(TiltSettings::LastRun(), lastRun);
             auto dialog = Shown(std::make_unique<TiltStatusDlg>(&bench->command), time);
@@ -279,8 +279,7 @@ Pictures ReceiverPictures(Controller& controller)
         {"version", [&] { return std::make_unique<CVersion>(&controller.Command()); }},
         {"battery-low", LowBattery},
 
-        {"signals",
-         [tilt] { return Shown(std::make_unique<SetSignal>(&tilt->command)); }},
+        {"signals", [tilt] { return Shown(std::make_unique<SetSignal>(&tilt->command)); }},
         {"signals-locked", // some are chosen
          [&controller, bench = TiltBench(roots, "signals-locked yes\n")] {
              SignalSet chosen;
@@ -299,7 +298,9 @@ Pictures ReceiverPictures(Controller& controller)
         {"tilt-aborted", status("tilt-calibrated no\n", {true, false})},
         {"tilt-expired", status("tilt-calibrated 800\n")},
         {"tilt-calibrating",
-         [bench = TiltBench(roots, "tilt-calibration succeeds 2\n")] { return Calibrating(*bench); }},
+         [bench = TiltBench(roots, "tilt-calibration succeeds 2\n")] {
+             return Calibrating(*bench);
+         }},
         {"tilt-cancelling",
          [bench = TiltBench(roots, "tilt-calibration succeeds 2\n")] {
              auto dialog = Calibrating(*bench);

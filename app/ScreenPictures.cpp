@@ -3,7 +3,6 @@
 #include "app/Controller.h"
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
-#include "app/Worlds.h"
 #include "core/platform/Utf8.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
@@ -36,10 +35,7 @@ constexpr Look kLooks[] = {
     {"480x640-dark", {480, 640}, Theme::Kind::Dark},
     {"1280x800-daylight", {1280, 800}, Theme::Kind::Daylight},
     {"1280x800-dark", {1280, 800}, Theme::Kind::Dark},
-};
-
-/// On the controller with the taller screen.
-constexpr Look kTallLooks[] = {
+    // On the controller with the taller screen.
     {"q77-480x800-daylight", {480, 800}, Theme::Kind::Daylight},
     {"q77-480x640-daylight", {480, 640}, Theme::Kind::Daylight},
 };
@@ -67,7 +63,7 @@ Pictures SettingsPictures(Controller& controller)
 {
     const auto ports = [&controller](int count) {
         return [&controller, count] {
-            CComPort::Surroundings world = PortsWorld(controller);
+            CComPort::Surroundings world = controller.PortsWorld();
             world.ports = count;
             return std::make_unique<CComPort>(&controller.Command(), controller.ReceiverPort(),
                                               UiText(text::kComTitle), nullptr, count - 1, world);
@@ -98,9 +94,7 @@ Pictures SettingsPictures(Controller& controller)
             {"antenna-slant", antenna(1, 1.543)},
             {"antenna-base", antenna(2, 1.543)},
             {"antenna-too-short", antenna(1, 0.05)},
-            {"tracking", [&] {
-                 return std::make_unique<TrackingDlg>(&controller.Command());
-             }}};
+            {"tracking", [&] { return std::make_unique<TrackingDlg>(&controller.Command()); }}};
 }
 
 } // namespace
@@ -131,8 +125,8 @@ int WritePictures(Controller& controller, MainWindow& window, const QString& fol
     WaitUntil([&] { return controller.Link().Heard().powerSource.has_value(); });
     int written = 0;
     int failed = 0;
-    const auto looks = controller.Host().IsQ77() ? std::span<const Look>(kTallLooks)
-                                                 : std::span<const Look>(kLooks);
+    const std::span all(kLooks);
+    const auto looks = controller.Host().IsQ77() ? all.last(2) : all.first(4);
     const auto grab = [&](QWidget& screen, const char* name) {
         for (const Look& look : looks) {
             Theme::Use(look.theme);

@@ -2,7 +2,6 @@
 
 #include "app/MainWindow.h"
 #include "app/SettingsSheet.h"
-#include "app/Worlds.h"
 #include "core/host/MesBox.h"
 #include "core/link/Questions.h"
 #include "core/link/RecvForceInit.h"
@@ -136,7 +135,7 @@ void Session::Open(int entry)
         {text::kAppDisconnect, [this] { m_controller.Disconnect(); }},
         {text::kAppPlan,
          [&] {
-             CSurveyPlan(command, 0, PlanWorld(m_controller, window), window).DoModal();
+             CSurveyPlan(command, 0, m_controller.PlanWorld(window), window).DoModal();
              TakeLinkOver();
          }},
         {text::kAppSatellites, [&] { CSkyPlot(command, 0, window).DoModal(); }},
@@ -153,9 +152,19 @@ void Session::Open(int entry)
         {text::kAppThemeSystem, [this] { UseTheme(Theme::Kind::System); }},
         {text::kAppAbout, [this] { ShowAbout(); }},
         {text::kAppSignals, [&] { SetSignal(command, window).DoModal(); }},
-        {text::kAppTilt, [this] { ShowTilt(); }},
+        {text::kAppTilt,
+         [&] {
+             TiltStatusDlg(command, window).DoModal();
+             if (m_isBubbleWanted) { // which the page shuts down at its end
+                 StartBubble();
+             }
+         }},
         {text::kBubbleTitle, [this] { m_bubble.trigger(); }},
-        {text::kAppTracking, [this] { ChangeTracking(); }},
+        {text::kAppTracking,
+         [&] {
+             TrackingDlg(command, window).DoModal();
+             m_controller.ReadLimits();
+         }},
     };
     entries.at(entry)();
 }
@@ -167,7 +176,7 @@ void Session::ShowFiles()
         return; // there is nothing to list
     }
     CRecvFileMan sheet(&m_controller.Command(), 0, nullptr,
-                       FilesWorld(m_controller, m_window.get()), m_window.get());
+                       {m_controller.MakesConnect(m_window.get())}, m_window.get());
     sheet.DoModal();
     TakeLinkOver();
 }
@@ -216,7 +225,7 @@ void Session::ChangeAntenna()
 void Session::ChangePorts()
 {
     CComPort sheet(&m_controller.Command(), m_controller.ReceiverPort(), UiText(text::kComTitle),
-                   m_window.get(), CComPort::kLastPage, PortsWorld(m_controller));
+                   m_window.get(), CComPort::kLastPage, m_controller.PortsWorld());
     const int result = sheet.DoModal();
     if (result == CComPort::kConnected) {
         ChangePorts();
@@ -269,21 +278,6 @@ void Session::CheckTiltWhenKnown()
     TiltStatusChk::SttCheckCalib(m_window.get(), kTimer, kDelayMs);
 }
 
-/// The page shuts the bubble down at its end; who has switched it on wants it further on.
-void Session::ShowTilt()
-{
-    TiltStatusDlg(&m_controller.Command(), m_window.get()).DoModal();
-    if (m_isBubbleWanted) {
-        StartBubble();
-    }
-}
-
-void Session::ChangeTracking()
-{
-    TrackingDlg(&m_controller.Command(), m_window.get()).DoModal();
-    m_controller.ReadLimits();
-}
-
 void Session::SwitchBubble(bool isWanted)
 {
     m_isBubbleWanted = isWanted;
@@ -308,7 +302,8 @@ void Session::ForceInit()
 {
     const Questions::Quiet quiet(m_controller.Command());
     CRecvForceInit reset(m_controller.Command());
-    if (reset.DoModal(*m_controller.MakeConnect(m_window.get())) == CRecvForceInit::Done) {
+    if (reset.DoModal(*m_controller.MakesConnect(m_window.get())(m_controller.Command())) ==
+        CRecvForceInit::Done) {
         ForgetPorts(m_controller.Roots());
     }
 }

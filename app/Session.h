@@ -51,8 +51,6 @@ private:
     void CheckTiltWhenKnown();
     /// Asks how to end, and does it but for closing the window.
     bool MayEnd();
-    void ShowTilt();
-    void ChangeTracking();
     /// @param isWanted  by the user, from wherever he is
     void SwitchBubble(bool isWanted);
     void StartBubble();

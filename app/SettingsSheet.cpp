@@ -1,7 +1,6 @@
 #include "app/SettingsSheet.h"
 
 #include "app/Controller.h"
-#include "app/Worlds.h"
 #include "ui/controls/PropertyPage.h"
 #include "ui/controls/TComboBox.h"
 #include "ui/controls/UiText.h"

@@ -262,7 +262,10 @@ TEST_F(ControllerTest, WhatIsTrackedIsNotedInTheBackground)
     ASSERT_TRUE(controller.IsConnectedQuietly());
     // The first list is looked at by the almanac of the simulated receiver's own folder.
     EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return controller.SkyNotes().state == SkyRecorder::State::Settling; }, 30000));
+        [&] {
+            return controller.PlanWorld(nullptr).skyNotes().state == SkyRecorder::State::Settling;
+        },
+        30000));
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "app/MainWindow.h"
 #include "app/ScreenPictures.h"
 #include "app/Session.h"
-#include "app/Worlds.h"
 #include "core/resources/StringTable.h"
 #include "tests/app/Started.h"
 #include "tests/core/equipment/KnownReceiver.h"
@@ -400,7 +399,7 @@ TEST_P(EveryScreen, IsWholeNamedReachedAndReadable)
     for (const Picture& screen : AllPictures(controller)) {
         LookAtAll(*screen.make(), QString::fromLatin1(screen.name));
     }
-    CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, nullptr));
+    CSurveyPlan plan(&controller.Command(), 0, controller.PlanWorld(nullptr));
     PropertySheet details(UiText(text::kPlanDetail), &plan);
     details.AddPage(new CPlanSet(plan), UiText(text::kPlanPageConditions));
     details.AddPage(new CPlanPos(plan), UiText(text::kPlanPageSite));

@@ -5,7 +5,6 @@
 #include "app/ScreenPictures.h"
 #include "app/SettingsSheet.h"
 #include "app/StatusStrip.h"
-#include "app/Worlds.h"
 #include "core/link/Connect.h"
 #include "core/link/Questions.h"
 #include "core/platform/Clock.h"
@@ -277,7 +276,7 @@ TEST_F(SessionTest, ThePlanTakesTheSurveysConditionsOver)
     ASSERT_EQ(SaveSurvey(controller.Reg(), 5), 1);
     controller.ReadLimits();
     EXPECT_EQ(controller.View().limits, (ObservingLimits{25, 6, 3.5}));
-    CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, nullptr));
+    CSurveyPlan plan(&controller.Command(), 0, controller.PlanWorld(nullptr));
     CPlanSet set(plan);
     CPlanDet details(plan);
     Click(set, text::kPlanTakeConditions);
@@ -381,7 +380,7 @@ TEST_F(SessionTest, UsesTheHeightOfTheTallerController)
         Session session(controller);
         session.Begin();
         EXPECT_EQ(session.Window().size(), QSize(480, 800));
-        CSurveyPlan plan(&controller.Command(), 0, PlanWorld(controller, &session.Window()),
+        CSurveyPlan plan(&controller.Command(), 0, controller.PlanWorld(&session.Window()),
                          &session.Window());
         for (const QSize size : {QSize(480, 640), QSize(480, 800)}) {
             plan.resize(size);
@@ -390,7 +389,7 @@ TEST_F(SessionTest, UsesTheHeightOfTheTallerController)
             EXPECT_TRUE(plan.findChild<PlanWindowList*>()->isVisible());
             testing::ExpectNothingCut(plan, size);
         }
-        CRecvFileMan files(&controller.Command(), 0, nullptr, FilesWorld(controller, nullptr),
+        CRecvFileMan files(&controller.Command(), 0, nullptr, {controller.MakesConnect(nullptr)},
                            &session.Window());
         files.show();
         EXPECT_GT(files.height(), 720) << "as high as the screen: a form of 45 lines is 720 high";

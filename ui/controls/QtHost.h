@@ -39,8 +39,9 @@ public:
     struct Options
     {
         bool isQ77 = false;
-        Clock* clock = nullptr; ///< that waits are measured on; nullptr: the system's. Not owned
-        QString icon = {};      ///< that all windows carry: file or resource; empty: none
+        const Clock* clock =
+            nullptr;       ///< that waits are measured on; nullptr: the system's. Not owned
+        QString icon = {}; ///< that all windows carry: file or resource; empty: none
     };
 
     /// How long a wait may last before the strip appears.
@@ -104,7 +105,7 @@ private:
 
     const bool m_isQ77;
     const QString m_icon;
-    Clock& m_clock;
+    const Clock& m_clock;
     int m_waitCursors = 0;
     QTimer m_back; // runs off when the program is back in its event loop
     std::deque<Kept> m_kept;

@@ -33,7 +33,7 @@ public:
         /// where the settings say.
         std::function<std::unique_ptr<CConnect>(CCommand& command)> makeConnect;
         /// Bytes that can be written to a folder.
-        std::function<std::optional<std::uint64_t>(const std::filesystem::path&)> freeBytes;
+        std::function<std::optional<std::uint64_t>(const std::filesystem::path&)> freeBytes{};
     };
 
     /// @param command    channel to the receiver, not owned
