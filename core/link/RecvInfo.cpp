@@ -11,7 +11,6 @@ namespace fieldcore {
 namespace {
 
 constexpr int kAttempts = 5;
-constexpr int kL1AndL2 = 2;
 constexpr double kFirstQ02Version = 4.43;
 constexpr std::string_view kWithoutQ02 = ",35@r"; // type codes
 
@@ -73,7 +72,7 @@ int CRecvInfo::GetRETOPT(CCommand& command)
 
 int CRecvInfo::GetRETOPTEX(CCommand& command)
 {
-    if (command.IsPortOpen() != 0 && Bit(&OptionsReply::flags2, 7) == 0) {
+    if (command.IsPortOpen() != 0 && Bit(Options().flags2, 7) == 0) {
         m_known.extended.reset();
         return 1;
     }
@@ -90,70 +89,53 @@ double CRecvInfo::Version(std::wstring SerialReply::*digits) const
 
 const wchar_t* CRecvInfo::GetRecvType() const
 {
-    return m_known.serial && Option(&OptionsReply::typeCode) == 'r'
-               ? L"VX4"
-               : Text(&SerialReply::receiverType);
-}
-
-int CRecvInfo::GetL1L2Option() const
-{
-    return Option(&OptionsReply::frequencies) == kL1AndL2 ? 1 : 0;
+    return m_known.serial && Options().typeCode == 'r' ? L"VX4" : Text(&SerialReply::receiverType);
 }
 
 int CRecvInfo::GetCMR(int way) const
 {
-    return m_known.options ? 1 - Bit(&OptionsReply::rtkFlags, way != Output ? 5 : 6) : 0;
+    return m_known.options ? 1 - Bit(Options().rtkFlags, way != Output ? 5 : 6) : 0;
 }
 
 int CRecvInfo::GetRTCM1(int way) const
 {
-    if (way != Output) {
-        return Option(&OptionsReply::rtcm1Input);
-    }
-    const int output = Option(&OptionsReply::rtcmOutput);
-    return output < 2 ? output : 0;
+    const int output = Options().rtcmOutput;
+    return way != Output ? Options().rtcm1Input : output < 2 ? output : 0;
 }
 
 int CRecvInfo::GetRTCM2(int way) const
 {
-    return Option(way != Output ? &OptionsReply::rtcm2Input : &OptionsReply::rtcm2Output);
+    return way != Output ? Options().rtcm2Input : Options().rtcm2Output;
 }
 
 int CRecvInfo::GetRTCM21(int way) const
 {
-    return Bit(&OptionsReply::rtcm21, way != Output ? 1 : 2);
+    return Bit(Options().rtcm21, way != Output ? 1 : 2);
 }
 
 std::uint32_t CRecvInfo::GetMaxLoggingRate() const
 {
-    if (m_known.extended && m_known.extended->loggingRate != 0) {
-        return m_known.extended->loggingRate;
-    }
-    return m_known.options ? m_known.options->loggingRate : 0;
+    const std::uint32_t extended = Extended().loggingRate;
+    return extended != 0 ? extended : Options().loggingRate;
 }
 
 int CRecvInfo::GetQ02Format() const
 {
-    if (!m_known.options) {
-        return 0;
-    }
-    const char code = static_cast<char>(m_known.options->typeCode);
-    const bool has = code == 'G' || (GetNavVer() >= kFirstQ02Version &&
+    const char code = static_cast<char>(Options().typeCode);
+    const bool has = code == 'G' || (m_known.options && GetNavVer() >= kFirstQ02Version &&
                                      kWithoutQ02.find(code) == std::string_view::npos);
     return has ? 1 : 0;
 }
 
 int CRecvInfo::GetGalileo() const
 {
-    using Reply = ExtendedOptionsReply;
-    return Extended(&Reply::systems, 19) | Extended(&Reply::systems, 23);
+    return Bit(Extended().systems, 19) | Bit(Extended().systems, 23);
 }
 
 int CRecvInfo::CMRx(int boardBit) const
 {
-    using Reply = ExtendedOptionsReply;
-    const bool counts = GetSolace() != 0 && Extended(&Reply::counts, 0) != 0;
-    return counts ? Extended(&Reply::board, boardBit) : 0;
+    const bool counts = GetSolace() != 0 && Bit(Extended().counts, 0) != 0;
+    return counts ? Bit(Extended().board, boardBit) : 0;
 }
 
 std::uint32_t GetRecvTypeNum(CCommand& command)

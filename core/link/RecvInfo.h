@@ -3,6 +3,7 @@
 #include "core/link/Receiver.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -55,43 +56,43 @@ public:
     // Options.
 
     [[nodiscard]] std::uint32_t GetRecvTypeNum() const { return m_known.TypeNumber(); }
-    [[nodiscard]] int GetRecvMemory() const { return Option(&OptionsReply::memory); }
+    [[nodiscard]] int GetRecvMemory() const { return Options().memory; }
     /// 1 when not read, as the next.
-    [[nodiscard]] int GetCurrentPortID() const { return Option(&OptionsReply::currentPort, 1); }
-    [[nodiscard]] int GetPortsAvailable() const { return Option(&OptionsReply::portCount, 1); }
-    [[nodiscard]] int GetFileNaming() const { return Bit(&OptionsReply::flags1, 4); }
-    [[nodiscard]] int GetL1L2Option() const;
+    [[nodiscard]] int GetCurrentPortID() const { return Options().currentPort; }
+    [[nodiscard]] int GetPortsAvailable() const { return Options().portCount; }
+    [[nodiscard]] int GetFileNaming() const { return Bit(Options().flags1, 4); }
+    [[nodiscard]] int GetL1L2Option() const { return Options().frequencies == 2 ? 1 : 0; }
     [[nodiscard]] int GetL2() const { return GetL1L2Option(); }
-    [[nodiscard]] int GetRtkSurvey() const { return Option(&OptionsReply::rtk) != 0 ? 1 : 0; }
-    [[nodiscard]] int GetRtkOTF() const { return Bit(&OptionsReply::rtkFlags, 3); }
-    [[nodiscard]] int GetNMEA() const { return Option(&OptionsReply::nmea); }
+    [[nodiscard]] int GetRtkSurvey() const { return Options().rtk != 0 ? 1 : 0; }
+    [[nodiscard]] int GetRtkOTF() const { return Bit(Options().rtkFlags, 3); }
+    [[nodiscard]] int GetNMEA() const { return Options().nmea; }
     [[nodiscard]] int GetCMR(int way) const;
-    [[nodiscard]] int GetCMRp() const { return Bit(&OptionsReply::flags1, 2); }
-    [[nodiscard]] int GetRtkVRS() const { return Bit(&OptionsReply::flags2, 4); }
+    [[nodiscard]] int GetCMRp() const { return Bit(Options().flags1, 2); }
+    [[nodiscard]] int GetRtkVRS() const { return Bit(Options().flags2, 4); }
     [[nodiscard]] int GetRTCM1(int way) const;
     [[nodiscard]] int GetRTCM2(int way) const;
     [[nodiscard]] int GetRTCM21(int way) const;
-    [[nodiscard]] int GetRTCM22() const { return Bit(&OptionsReply::flags1, 6); }
-    [[nodiscard]] int GetRTCM23() const { return Bit(&OptionsReply::rtcmOutput, 1); }
-    [[nodiscard]] int GetRTCM30() const { return Bit(&OptionsReply::rtcmOutput, 2); }
-    [[nodiscard]] int GetBlueTooth() const { return Option(&OptionsReply::bluetooth); }
+    [[nodiscard]] int GetRTCM22() const { return Bit(Options().flags1, 6); }
+    [[nodiscard]] int GetRTCM23() const { return Bit(Options().rtcmOutput, 1); }
+    [[nodiscard]] int GetRTCM30() const { return Bit(Options().rtcmOutput, 2); }
+    [[nodiscard]] int GetBlueTooth() const { return Options().bluetooth ? 1 : 0; }
     /// 0 or 2.
-    [[nodiscard]] int Get2HzLogging() const { return Option(&OptionsReply::flags2) & 0x02; }
+    [[nodiscard]] int Get2HzLogging() const { return Options().flags2 & 0x02; }
     /// The receiver's rate word, times 100 unless it comes from the extended options.
     [[nodiscard]] std::uint32_t GetMaxLoggingRate() const;
     [[nodiscard]] int GetQ02Format() const;
     /// 0 or 128.
-    [[nodiscard]] int GetSolace() const { return Option(&OptionsReply::rtkFlags) & 0x80; }
+    [[nodiscard]] int GetSolace() const { return Options().rtkFlags & 0x80; }
 
     // Extended options.
 
-    [[nodiscard]] int GetL5() const { return Extended(&ExtendedOptionsReply::signals, 29); }
-    [[nodiscard]] int GetL2C() const { return Extended(&ExtendedOptionsReply::signals, 21); }
-    [[nodiscard]] int GetGLONASS() const { return Extended(&ExtendedOptionsReply::systems, 0); }
-    [[nodiscard]] int GetMeridian() const { return Extended(&ExtendedOptionsReply::board, 6); }
+    [[nodiscard]] int GetL5() const { return Bit(Extended().signals, 29); }
+    [[nodiscard]] int GetL2C() const { return Bit(Extended().signals, 21); }
+    [[nodiscard]] int GetGLONASS() const { return Bit(Extended().systems, 0); }
+    [[nodiscard]] int GetMeridian() const { return Bit(Extended().board, 6); }
     [[nodiscard]] int GetGalileo() const;
-    [[nodiscard]] int GetQZSS() const { return Extended(&ExtendedOptionsReply::sensors, 2); }
-    [[nodiscard]] int GetTilt() const { return Extended(&ExtendedOptionsReply::sensors, 1); }
+    [[nodiscard]] int GetQZSS() const { return Bit(Extended().sensors, 2); }
+    [[nodiscard]] int GetTilt() const { return Bit(Extended().sensors, 1); }
     [[nodiscard]] int GetCMRxInput() const { return CMRx(4); }
     [[nodiscard]] int GetCMRxOutput() const { return CMRx(5); }
 
@@ -101,21 +102,16 @@ private:
         return m_known.serial ? ((*m_known.serial).*field).c_str() : nullptr;
     }
     [[nodiscard]] double Version(std::wstring SerialReply::*digits) const;
-    /// @param unread  what stands for it when the options were not read
-    template <typename Value>
-    [[nodiscard]] int Option(Value OptionsReply::*field, int unread = 0) const
+    /// A block, or what stands for one that was not read.
+    template <typename Block>
+    static const Block& Of(const std::optional<Block>& block)
     {
-        return m_known.options ? (*m_known.options).*field : unread;
+        static const Block kUnread;
+        return block ? *block : kUnread;
     }
-    [[nodiscard]] int Bit(std::uint8_t OptionsReply::*flags, int bit) const
-    {
-        return Option(flags) >> bit & 1;
-    }
-    template <typename Value>
-    [[nodiscard]] int Extended(Value ExtendedOptionsReply::*flags, int bit) const
-    {
-        return m_known.extended && ((*m_known.extended).*flags >> bit & 1) != 0 ? 1 : 0;
-    }
+    [[nodiscard]] const OptionsReply& Options() const { return Of(m_known.options); }
+    [[nodiscard]] const ExtendedOptionsReply& Extended() const { return Of(m_known.extended); }
+    static int Bit(std::uint32_t flags, int bit) { return (flags >> bit & 1) != 0 ? 1 : 0; }
     [[nodiscard]] int CMRx(int boardBit) const;
 
     ReceiverIdentity m_known;

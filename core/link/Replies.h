@@ -38,8 +38,8 @@ struct OptionsReply
     std::uint8_t firstOption = 0;  ///< kept; nothing reads it
     double tenths = 0.0;           ///< kept; nothing reads it
     std::uint32_t loggingRate = 0; ///< the rate word times 100
-    std::uint8_t currentPort = 0;
-    std::uint8_t portCount = 0;
+    std::uint8_t currentPort = 1;  ///< from 1; 1 while it is not told, as the next
+    std::uint8_t portCount = 1;
     std::uint8_t frequencies = 0; ///< 2: L1 and L2
     std::uint8_t nmea = 0;
     std::uint8_t rtcm1Input = 0;
