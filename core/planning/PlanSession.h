@@ -98,6 +98,7 @@ public:
     /// The graph that is chosen; a number that is none stands for the sky plot.
     [[nodiscard]] PlanGraph Graph() const;
 
+    /// What it was given.
     [[nodiscard]] const Environment& GetEnvironment() const { return m_environment; }
     /// The program's, where its files are.
     [[nodiscard]] const std::filesystem::path& Folder() const { return m_folder; }

@@ -16,21 +16,25 @@ namespace fieldcore {
 /// SetDefaultHost(). What is pointed to must outlive whoever was given it.
 struct Environment
 {
-    Host* host = nullptr;
-    const Clock* clock = nullptr;
+    Host* host = nullptr;                                        ///< asked, and breathes
+    const Clock* clock = nullptr;                                ///< of waits, ages and dates
     const PortNames* ports = nullptr;                            ///< resolves port numbers
     std::function<std::unique_ptr<SerialDevice>()> makeDevice{}; ///< of a port that is opened
     SettingsRoots* roots = nullptr;                              ///< settings, and the folders
 
+    /// What was given, else what is used without.
     [[nodiscard]] Host& GetHost() const { return host != nullptr ? *host : DefaultHost(); }
+    /// As GetHost().
     [[nodiscard]] const Clock& GetClock() const
     {
         return clock != nullptr ? *clock : SystemClock::Instance();
     }
+    /// As GetHost().
     [[nodiscard]] SettingsRoots& Roots() const
     {
         return roots != nullptr ? *roots : SettingsRoots::Instance();
     }
+    /// Those of Roots().
     [[nodiscard]] const Folders& GetFolders() const { return Roots().GetFolders(); }
 };
 
