@@ -13,6 +13,7 @@
 #include "ui/controls/TouchStyle.h"
 #include "ui/controls/UiText.h"
 #include "ui/equipment/Antenna.h"
+#include "ui/equipment/RecvFileMan.h"
 #include "ui/equipment/StatusPage.h"
 #include "ui/equipment/Version.h"
 #include "ui/link/FramesView.h"

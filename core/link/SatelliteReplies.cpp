@@ -74,7 +74,7 @@ ListedSatellite ReadBinary(LayoutReader& in, std::uint8_t format)
     if (satellite.system == ListedSatellite::Glonass) {
         std::int8_t channel = 0;
         in.Read(channel);
-        satellite.channel = channel;
+        satellite.channel = channel; // NOLINT(bugprone-signed-char-misuse): below 0, too
     } else {
         in.Leave();
     }

@@ -52,7 +52,7 @@ std::string ToUtf16(std::wstring_view text)
         bytes += static_cast<char>(unit >> 8U);
     };
     for (const wchar_t character : text) {
-        const auto code = static_cast<std::uint32_t>(character);
+        const auto code = static_cast<char32_t>(character);
         if (code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
             append(0x3F); // a question mark
         } else if (code > 0xFFFF) {

@@ -120,8 +120,6 @@ protected:
         m_runner.world.system = {};
     }
     ~ExamplesTest() override { fs::current_path(m_before); }
-    ExamplesTest(const ExamplesTest&) = delete;
-    ExamplesTest& operator=(const ExamplesTest&) = delete;
 
     /// A serial port of the machine: that of a simulated receiver.
     void AddPort()
