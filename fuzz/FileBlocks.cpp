@@ -5,7 +5,7 @@
 #include "core/link/FrameBuffer.h"
 #include "core/link/ReceivedFile.h"
 #include "core/link/Replies.h"
-#include "core/platform/PosixFileOperations.h"
+#include "core/platform/FileOperations.h"
 #include "fuzz/Target.h"
 #include "tests/core/platform/TemporaryFolder.h"
 

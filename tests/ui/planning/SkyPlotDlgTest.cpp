@@ -141,8 +141,9 @@ TEST_F(SkyPlotTest, SortsChoosesAndRemembers)
     EXPECT_TRUE(List().isVisible());
     EXPECT_EQ(Rows(), 9);
     m_dialog.reset();
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1) << "beyond the last";
-    EXPECT_EQ(m_reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
+    const HostReg reg(m_roots);
+    EXPECT_EQ(reg.WriteNumber(L"GPS\\SkyPlot", L"Constellation", 6), 1) << "beyond the last";
+    EXPECT_EQ(reg.WriteNumber(L"GPS\\SkyPlot", L"View", 2), 1);
     ASSERT_NO_FATAL_FAILURE(OpenAndRead());
     EXPECT_FALSE(List().isVisible());
     EXPECT_EQ(Rows(), 16);
