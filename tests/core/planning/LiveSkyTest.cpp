@@ -80,8 +80,7 @@ TEST(LiveSky, SortsSatellitesByConstellation)
         EXPECT_EQ(numbers, expected);
         const LiveSky::Counts counts = sky.Count(filter);
         EXPECT_EQ(counts.inView, static_cast<int>(expected.size()));
-        EXPECT_EQ(counts.tracked, tracked);
-        EXPECT_EQ(counts.solid, solid);
+        EXPECT_EQ(std::tie(counts.tracked, counts.solid), std::tie(tracked, solid));
         EXPECT_EQ(sky.Predicted(filter).size(), predicted);
     }
 }

@@ -87,13 +87,12 @@ TEST(PlanPeriod, IsDividedByItsLength)
 TEST(PlanPeriod, StartsNineHoursBeforeTheHourThatWasTyped)
 {
     const auto start = [](int hour) {
-        return PlanPeriod{kDay.date, hour, 1}.Start().GetUtcTime().GetLocalParts();
+        const auto parts = PlanPeriod{kDay.date, hour, 1}.Start().GetUtcTime().GetLocalParts();
+        return std::pair(parts.day, parts.hour);
     };
-    EXPECT_EQ(start(0).day, 9);
-    EXPECT_EQ(start(0).hour, 15);
-    EXPECT_EQ(start(9).day, 10);
-    EXPECT_EQ(start(9).hour, 0);
-    EXPECT_EQ(start(23).hour, 14);
+    EXPECT_EQ(start(0), std::pair(9, 15));
+    EXPECT_EQ(start(9), std::pair(10, 0));
+    EXPECT_EQ(start(23), std::pair(10, 14));
     const PlanPeriod tooEarly{1980y / std::chrono::January / 6, 8, 1};
     EXPECT_EQ(tooEarly.Start().GetUtcTime(), CGPSTime::m_OriginalTime);
 }

@@ -200,8 +200,7 @@ TEST_F(PlanSessionTest, KeepsTheRulesOfItsSpins)
     for (const auto& [rule, startHour, hours, move, to, expected, hoursThen] : rows) {
         SCOPED_TRACE(rule);
         const PlanSession::Spins spins = Moved(startHour, hours, move, to);
-        EXPECT_EQ(spins.start, expected.start);
-        EXPECT_EQ(spins.end, expected.end);
+        EXPECT_EQ(std::tie(spins.start, spins.end), std::tie(expected.start, expected.end));
         EXPECT_EQ(m_session.Settings().hours, hoursThen);
     }
 }

@@ -253,9 +253,7 @@ TEST(CSurveyPlanCalc, NeedsFourSatellitesForADilution)
     EXPECT_NE(calc.ComputeDop().pdop, 16.0);
     EXPECT_EQ(leave(3), 3);
     const DopValues none = calc.ComputeDop();
-    EXPECT_EQ(none.pdop, 16.0);
-    EXPECT_EQ(none.gdop, 16.0);
-    EXPECT_EQ(none.tdop, 16.0);
+    EXPECT_EQ(std::tie(none.pdop, none.gdop, none.tdop), std::tuple(16.0, 16.0, 16.0));
 }
 
 TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
