@@ -65,14 +65,9 @@ constexpr std::string_view kThreeFiles = "file A 10 2026-03-14 01:30\n"
 
 TEST(ReceiverFiles, DeletingAndRecoveringByNameFollowTheFirmware)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view firmware;
-        std::string_view commands; ///< "d" delete or "r" recover, then the name
-        std::string_view answers;  ///< "+" ACK, "-" NAK
-        std::string_view held;
-    };
+    // Told are "d" delete or "r" recover and the name, answered "+" ACK and "-" NAK.
+    using Row = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view,
+                           std::string_view>;
     constexpr Row kRows[] = {
         {"moved into the bin, over the older one", "3.69", "dA.Q01", "+", "-A.Q1D B.Q01 C.Q01 "},
         {"a second deletion is for good", "3.69", "dA.Q01 dA.Q1D", "++", "B.Q01 C.Q01 "},
@@ -83,19 +78,18 @@ TEST(ReceiverFiles, DeletingAndRecoveringByNameFollowTheFirmware)
         {"a live file cannot come back", "3.69", "rA.Q01", "-", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
         {"no such file", "3.69", "dX.Q01 rX.Q1D dA", "---", "A.Q01 B.Q01 C.Q01 -A.Q1D "},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, firmware, told, answered, held] : kRows) {
+        SCOPED_TRACE(fault);
         Receiver receiver(
-            Parsed("firmware " + std::string(row.firmware) + "\n" + std::string(kThreeFiles)),
-            kStill);
+            Parsed("firmware " + std::string(firmware) + "\n" + std::string(kThreeFiles)), kStill);
         std::string answers;
-        std::istringstream commands{std::string(row.commands)};
+        std::istringstream commands{std::string(told)};
         for (std::string command; commands >> command;) {
             const std::uint8_t type = command[0] == 'd' ? 0xA0 : 0xA1;
             answers += Ask(receiver, type, Name(command.substr(1))) == kAccepted ? '+' : '-';
         }
-        EXPECT_EQ(answers, row.answers);
-        EXPECT_EQ(Held(receiver), row.held);
+        EXPECT_EQ(answers, answered);
+        EXPECT_EQ(Held(receiver), held);
     }
 }
 
@@ -149,16 +143,8 @@ TEST(ReceiverFiles, AListFollowsItsPatternAndItsManner)
 
 TEST(ReceiverFiles, ADownloadBeginsAndEndsWhereItIsAskedTo)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view name;
-        std::uint32_t offset;
-        unsigned blocks;
-        std::size_t frames;
-        std::size_t bytes;
-        std::uint8_t lastFlags;
-    };
+    using Row = std::tuple<std::string_view, std::string_view, std::uint32_t, unsigned, std::size_t,
+                           std::size_t, std::uint8_t>;
     constexpr Row kRows[] = {
         {"whole file", "A.Q01", 0, 0, 3, 2500, 1},
         {"whole file, its blocks counted", "A.Q01", 0, 3, 3, 2500, 1},
@@ -179,19 +165,19 @@ TEST(ReceiverFiles, ADownloadBeginsAndEndsWhereItIsAskedTo)
                              "file D 9 2026-03-14 01:30 deleted\n"
                              "file O 9 2026-03-14 01:30 open\n"),
                       kStill);
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
-        const auto frames = Ask(receiver, 0x96, DownloadData(row.name, row.offset, row.blocks));
-        ASSERT_EQ(frames.size(), row.frames);
+    for (const auto& [fault, name, offset, blocks, blocksSent, bytes, lastFlags] : kRows) {
+        SCOPED_TRACE(fault);
+        const auto frames = Ask(receiver, 0x96, DownloadData(name, offset, blocks));
+        ASSERT_EQ(frames.size(), blocksSent);
         Bytes content;
         for (const Bytes& frame : frames) {
             ASSERT_EQ(frame[2], 0x95);
             EXPECT_EQ(Bytes(frame.begin() + 5, frame.begin() + 9),
-                      DataWriter().U32(row.offset + content.size()).Data());
-            EXPECT_EQ(frame[9], &frame == &frames.back() ? row.lastFlags : 0);
+                      DataWriter().U32(offset + content.size()).Data());
+            EXPECT_EQ(frame[9], &frame == &frames.back() ? lastFlags : 0);
             content.insert(content.end(), frame.begin() + 10, frame.end() - 2);
         }
-        EXPECT_EQ(content, ContentFrom(row.name, row.offset, row.bytes));
+        EXPECT_EQ(content, ContentFrom(name, offset, bytes));
     }
 }
 
@@ -234,12 +220,8 @@ TEST(ReceiverFiles, AnExportStaysInItsFolderAndOverwritesNothing)
 
 TEST(FileNames, APatternStandsForWhatItsStarsLeaveOpen)
 {
-    struct Row
-    {
-        std::string_view pattern;
-        std::vector<std::string_view> fit;
-        std::vector<std::string_view> others;
-    };
+    using Row =
+        std::tuple<std::string_view, std::vector<std::string_view>, std::vector<std::string_view>>;
     const Row rows[] = {
         {"*.Q01", {"A.Q01", ".Q01"}, {"A.Q01X", "A.Q011"}},
         {"A*1", {"A.Q01"}, {"B.Q01"}},
@@ -249,12 +231,12 @@ TEST(FileNames, APatternStandsForWhatItsStarsLeaveOpen)
         {"A.Q01", {"A.Q01"}, {"A.Q0"}},
         {"*0*0*", {}, {"A.Q01"}},
     };
-    for (const Row& row : rows) {
-        for (const std::string_view name : row.fit) {
-            EXPECT_TRUE(FitsPattern(name, row.pattern)) << name << ' ' << row.pattern;
+    for (const auto& [pattern, fit, others] : rows) {
+        for (const std::string_view name : fit) {
+            EXPECT_TRUE(FitsPattern(name, pattern)) << name << ' ' << pattern;
         }
-        for (const std::string_view name : row.others) {
-            EXPECT_FALSE(FitsPattern(name, row.pattern)) << name << ' ' << row.pattern;
+        for (const std::string_view name : others) {
+            EXPECT_FALSE(FitsPattern(name, pattern)) << name << ' ' << pattern;
         }
     }
 }

@@ -6,13 +6,7 @@ namespace fieldcore::simulator::test {
 
 TEST(Receiver, RefusesWhatItDoesNotKnow)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view scenario;
-        std::uint8_t type;
-        std::string_view data;
-    };
+    using Row = std::tuple<std::string_view, std::string_view, std::uint8_t, std::string_view>;
     constexpr Row kRows[] = {
         {"a type that no receiver has", "lark", 0x01, ""},
         {"data where there are none", "lark", 0x08, "00"},
@@ -30,10 +24,10 @@ TEST(Receiver, RefusesWhatItDoesNotKnow)
         {"signals of a wrong length", "lark", 0x53, "0E 00 00 00"},
         {"an unknown speed of the bubble", "tilted", 0xC8, "0A 15"},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
-        Receiver receiver(Shipped(std::string(row.scenario)), kStill);
-        EXPECT_EQ(Ask(receiver, row.type, row.data), kRefused);
+    for (const auto& [fault, scenario, type, data] : kRows) {
+        SCOPED_TRACE(fault);
+        Receiver receiver(Shipped(std::string(scenario)), kStill);
+        EXPECT_EQ(Ask(receiver, type, data), kRefused);
     }
 }
 

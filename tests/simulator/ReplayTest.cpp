@@ -24,13 +24,7 @@ TEST(Replay, AnswersInTheOrderOfTheLogAndElseByTheRequest)
     Replay replay;
     std::string error;
     ASSERT_TRUE(replay.Parse(kLog, error)) << error;
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view request;
-        Answer answer;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string_view, std::string_view, Answer> rows[] = {
         {"first request", "01", {Hex("0A")}},
         {"answer in several pieces", "02", {Hex("0B"), Hex("0C")}},
         {"equal request answered the same again", "01", {Hex("0D")}},
@@ -41,9 +35,8 @@ TEST(Replay, AnswersInTheOrderOfTheLogAndElseByTheRequest)
         {"a request that is not in the log", "04", {}},
         {"the place lost by it", "01", {Hex("0D")}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(replay.Answer(Hex(row.request)), row.answer);
+    for (const auto& [fault, request, answer] : rows) {
+        EXPECT_EQ(replay.Answer(Hex(request)), answer) << fault;
     }
 }
 

@@ -38,13 +38,7 @@ std::string ParseAll(const Bytes& bytes)
 
 TEST(RequestParser, CutsTheStreamIntoRequests)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view bytes;
-        std::string_view requests;
-    };
-    constexpr Row kRows[] = {
+    constexpr std::tuple<std::string_view, std::string_view, std::string_view> kRows[] = {
         {"a frame without data", "02 00 08 00 08 03", "frame 8/0"},
         {"a frame with data", "02 00 54 03 02 07 00 60 03", "frame 84/3"},
         {"two frames in one piece", "02 00 08 00 08 03 02 00 06 00 06 03", "frame 8/0, frame 6/0"},
@@ -64,9 +58,8 @@ TEST(RequestParser, CutsTheStreamIntoRequests)
         {"a frame that stops in the middle", "02 00 08", "damaged 3"},
         {"nothing", "", ""},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(ParseAll(Hex(row.bytes)), row.requests);
+    for (const auto& [fault, bytes, requests] : kRows) {
+        EXPECT_EQ(ParseAll(Hex(bytes)), requests) << fault;
     }
 }
 

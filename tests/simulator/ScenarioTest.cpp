@@ -1,6 +1,7 @@
 #include "simulator/Scenario.h"
 #include "tests/simulator/Support.h"
 
+#include <array>
 #include <filesystem>
 
 namespace fieldcore::simulator::test {
@@ -63,25 +64,20 @@ TEST(Scenario, ReadsWhatIsWrittenWithAnyLineEndAndComment)
                                         "fault hang-up reply 10 back 2000 on 4A skip 5 count 1",
                                         error);
     ASSERT_TRUE(scenario) << error;
-    EXPECT_EQ(scenario->title, "Two words");
-    EXPECT_EQ(scenario->titleJa, "二つの 語");
-    EXPECT_EQ(scenario->typeNumber, 3022);
-    EXPECT_EQ(scenario->typeText, "VX2 GNSS");
-    EXPECT_EQ(scenario->batteryPercent, 12.5);
-    EXPECT_EQ(scenario->batteryDrainPerHour, 3.0);
+    EXPECT_EQ(std::tie(scenario->title, scenario->titleJa, scenario->typeText),
+              std::tuple("Two words", "二つの 語", "VX2 GNSS"));
+    EXPECT_EQ(
+        std::tie(scenario->typeNumber, scenario->batteryPercent, scenario->batteryDrainPerHour),
+        std::tuple(3022, 12.5, 3.0));
     EXPECT_TRUE(scenario->options.extended) << "an extended option needs the request for it";
     ASSERT_EQ(scenario->satellites.size(), 1U);
-    EXPECT_EQ(scenario->satellites[0].signals[0], 48.0);
-    EXPECT_FALSE(scenario->satellites[0].signals[1]);
-    EXPECT_EQ(scenario->satellites[0].signals[2], 47.0);
+    EXPECT_EQ(scenario->satellites[0].signals,
+              (std::array<std::optional<double>, 4>{48.0, std::nullopt, 47.0}));
     ASSERT_EQ(scenario->faults.size(), 1U);
     const FaultRule& rule = scenario->faults[0];
-    EXPECT_EQ(rule.kind, FaultKind::HangUp);
-    EXPECT_EQ(rule.amount, 10);
-    EXPECT_EQ(rule.backAfter, std::chrono::seconds(2));
-    EXPECT_EQ(rule.requestType, 0x4A);
-    EXPECT_EQ(rule.skip, 5U);
-    EXPECT_EQ(rule.count, 1U);
+    EXPECT_EQ(std::tie(rule.kind, rule.amount, rule.requestType, rule.skip, rule.count),
+              std::tuple(FaultKind::HangUp, 10, 0x4A, 5U, 1U));
+    EXPECT_EQ(rule.backAfter, 2s);
 }
 
 TEST(Scenario, EveryShippedOneIsGoodAndHasATitleOfItsOwn)

@@ -72,15 +72,8 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
     Simulator& simulator = *started;
     const Client client(simulator.PortPath());
     const Bytes toSlow = MakeFrame(0x5E, Hex("01 00 00 25 80 08 00 00 00 00")); // 9600
-    struct Row
-    {
-        std::string_view fault;
-        speed_t rate;
-        Bytes request;
-        bool isHeard;
-        std::chrono::milliseconds then; ///< passes behind it
-    };
-    const Row rows[] = {
+    // The last is the time that passes behind it.
+    const std::tuple<std::string_view, speed_t, Bytes, bool, std::chrono::milliseconds> rows[] = {
         {"the rate of a fresh pseudo-terminal", B38400, kAbortRequest, false, 0ms},
         {"a BREAK, whose answer would be noise", B9600, {0x00}, false, 0ms},
         {"its rate", B115200, kAbortRequest, true, 0ms},
@@ -90,11 +83,11 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
         {"the new rate", B9600, kAbortRequest, true, 0ms},
     };
     std::size_t heard = 0;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, rate, request, isHeard, then] : rows) {
+        SCOPED_TRACE(fault);
         const std::size_t recorded = simulator.Record().size();
-        ASSERT_TRUE(client.SetRate(row.rate) && client.Send(row.request));
-        if (row.isHeard) {
+        ASSERT_TRUE(client.SetRate(rate) && client.Send(request));
+        if (isHeard) {
             EXPECT_EQ(client.Receive(1), Bytes{kAck});
             ++heard;
         } else {
@@ -104,7 +97,7 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
             }
         }
         EXPECT_EQ(simulator.RequestCount(), heard);
-        clock.Advance(row.then);
+        clock.Advance(then);
     }
 }
 

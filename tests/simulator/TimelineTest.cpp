@@ -24,15 +24,7 @@ std::uint64_t Number(const Bytes& data, std::size_t at, std::size_t width)
 
 TEST(Timeline, TheFixComesAndGoesAndTheRepliesAgree)
 {
-    struct Row
-    {
-        std::chrono::seconds at;
-        char fix;
-        char timeValid;
-        std::string_view pdop;
-        bool used;
-        std::uint8_t powerSource;
-    };
+    using Row = std::tuple<std::chrono::seconds, char, char, std::string_view, bool, std::uint8_t>;
     constexpr Row kRows[] = {{0s, '1', '0', "99.9", false, 1},   {19s, '1', '0', "99.9", false, 1},
                              {20s, '2', '1', " 1.8", true, 1},   {60s, '5', '1', " 1.8", true, 1},
                              {120s, '5', '1', " 1.8", true, 3},  {300s, '0', '1', "99.9", false, 3},
@@ -42,32 +34,27 @@ TEST(Timeline, TheFixComesAndGoesAndTheRepliesAgree)
                              "power-source 1 120 3\n"
                              "satellite G2 41 63 48\n"),
                       clock);
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.at.count());
-        clock.Advance(row.at - clock.Steady());
+    for (const auto& [at, fix, timeValid, pdopText, used, powerSource] : kRows) {
+        SCOPED_TRACE(at.count());
+        clock.Advance(at - clock.Steady());
         const Bytes status = Data(receiver, 0x08);
-        EXPECT_EQ(status[14], row.fix);
-        EXPECT_EQ(status[0], row.timeValid) << "known from the first position on";
-        EXPECT_EQ(std::string(status.begin() + 10, status.begin() + 14), row.pdop);
+        EXPECT_EQ(status[14], fix);
+        EXPECT_EQ(status[0], timeValid) << "known from the first position on";
+        EXPECT_EQ(std::string(status.begin() + 10, status.begin() + 14), pdopText);
         const Bytes position = Data(receiver, 0x34);
-        EXPECT_EQ(position[0], row.fix - '0');
-        EXPECT_EQ(position[1] > 0, row.used);
-        EXPECT_EQ(Number(position, 6, 4), 345600U + static_cast<std::uint64_t>(row.at.count()));
+        EXPECT_EQ(position[0], fix - '0');
+        EXPECT_EQ(position[1] > 0, used);
+        EXPECT_EQ(Number(position, 6, 4), 345600U + static_cast<std::uint64_t>(at.count()));
         const auto pdop = std::bit_cast<float>(static_cast<std::uint32_t>(Number(position, 10, 4)));
-        EXPECT_FLOAT_EQ(pdop, row.used ? 1.8F : 99.9F);
-        EXPECT_EQ(Data(receiver, 0x41)[0], row.powerSource);
+        EXPECT_FLOAT_EQ(pdop, used ? 1.8F : 99.9F);
+        EXPECT_EQ(Data(receiver, 0x41)[0], powerSource);
     }
 }
 
 TEST(TiltSensor, ACalibrationTakesItsTimeAndEndsAsTheScenarioSays)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view scenario;
-        std::uint8_t after20s; ///< the calibration byte
-    };
-    constexpr Row kRows[] = {
+    // With the calibration byte after 20 s.
+    constexpr std::tuple<std::string_view, std::string_view, std::uint8_t> kRows[] = {
         {"succeeds", "", 0x19},
         {"is still running", "tilt-calibration succeeds 21", 0x0A},
         {"fails", "tilt-calibration fails 20", 0x0B},
@@ -77,15 +64,15 @@ TEST(TiltSensor, ACalibrationTakesItsTimeAndEndsAsTheScenarioSays)
         {"the pole falls later", "tilt-pole falling 3 60", 0x19},
         {"the sensor goes away for a moment", "tilt-present yes 12 no 13 yes", 0x0B},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, scenario, after20s] : kRows) {
+        SCOPED_TRACE(fault);
         HandClock clock;
-        Receiver receiver(Parsed("options tilt\ntilt-calibrated no\n" + std::string(row.scenario)),
+        Receiver receiver(Parsed("options tilt\ntilt-calibrated no\n" + std::string(scenario)),
                           clock);
         EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], 0x08) << "not completed, believable";
         ASSERT_EQ(Ask(receiver, 0xC8, "04"), kAccepted);
         clock.Advance(20s);
-        EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], row.after20s);
+        EXPECT_EQ(Data(receiver, 0xC8, "01 00")[3], after20s);
     }
 }
 
@@ -107,14 +94,8 @@ TEST(TiltSensor, TellsHowFarACalibrationIsAndWhenItWasMade)
 
 TEST(TiltSensor, TheReadingFollowsThePole)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string_view pole;
-        std::chrono::milliseconds at;
-        std::uint8_t state;
-        double tiltDeg;
-    };
+    using Row = std::tuple<std::string_view, std::string_view, std::chrono::milliseconds,
+                           std::uint8_t, double>;
     constexpr Row kRows[] = {
         {"still", "tilt-pole still 3 4", 5s, 0x41, 5.0},
         {"beyond the range", "tilt-pole still 12 -16", 5s, 0x43, 20.0},
@@ -132,20 +113,20 @@ TEST(TiltSensor, TheReadingFollowsThePole)
         {"no sensor", "tilt-present no", 5s, 0x00, 0.0},
         {"unplugged", "tilt-present yes 5 no", 5s, 0x00, 0.0},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, pole, at, state, tiltDeg] : kRows) {
+        SCOPED_TRACE(fault);
         HandClock clock;
-        Receiver receiver(Parsed("options tilt\n" + std::string(row.pole)), clock);
-        clock.Advance(row.at);
+        Receiver receiver(Parsed("options tilt\n" + std::string(pole)), clock);
+        clock.Advance(at);
         const Bytes reading = Data(receiver, 0xC8, "01 00");
-        EXPECT_EQ(reading[2], row.state);
+        EXPECT_EQ(reading[2], state);
         const double t1 = std::bit_cast<double>(Number(reading, 4, 8));
         const double t2 = std::bit_cast<double>(Number(reading, 12, 8));
         const double tilt = std::bit_cast<double>(Number(reading, 20, 8));
         // 1e-9 degrees: far below what a sensor knows.
-        EXPECT_NEAR(tilt * 180.0 / std::numbers::pi, row.tiltDeg, 1e-9);
+        EXPECT_NEAR(tilt * 180.0 / std::numbers::pi, tiltDeg, 1e-9);
         EXPECT_NEAR(std::sqrt(t1 * t1 + t2 * t2), tilt, 1e-12);
-        EXPECT_EQ(Ask(receiver, 0xC8, "04") == kAccepted, row.state != 0)
+        EXPECT_EQ(Ask(receiver, 0xC8, "04") == kAccepted, state != 0)
             << "a sensor that is away does nothing";
     }
 }

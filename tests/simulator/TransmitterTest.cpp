@@ -27,15 +27,11 @@ TEST(Transmitter, PacedBytesTakeTenBitsEach)
 {
     Transmitter transmitter(true, 9600);
     transmitter.Queue({Piece{Bytes(960), 100ms}}, 0s);
-    struct Row
-    {
-        Clock::Duration now;
-        std::size_t bytes; ///< more of them since the row before
-    };
-    const Row rows[] = {{99ms, 0}, {100ms, 0}, {200ms, 96}, {600ms, 384}, {1100ms, 480}, {2s, 0}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.now.count());
-        EXPECT_EQ(Drain(transmitter, row.now), row.bytes);
+    // So many bytes more than at the row before.
+    const std::pair<Clock::Duration, std::size_t> rows[] = {
+        {99ms, 0}, {100ms, 0}, {200ms, 96}, {600ms, 384}, {1100ms, 480}, {2s, 0}};
+    for (const auto& [now, bytes] : rows) {
+        EXPECT_EQ(Drain(transmitter, now), bytes) << now.count();
     }
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -25,10 +26,9 @@ void ExpectSame(const NavigationRecord& a, const NavigationRecord& b)
     EXPECT_EQ(a.satellite, b.satellite);
     EXPECT_EQ(a.systemS, b.systemS);
     EXPECT_EQ(a.health, b.health);
-    const auto placeA = OrbitMotion(a).At(a.ReferenceS() + 3600.0);
-    const auto placeB = OrbitMotion(b).At(a.ReferenceS() + 3600.0);
-    ASSERT_TRUE(placeA && placeB);
-    EXPECT_LT(std::hypot(placeA->x - placeB->x, placeA->y - placeB->y, placeA->z - placeB->z),
+    const Ecef placeA = OrbitMotion(a).At(a.ReferenceS() + 3600.0).value();
+    const Ecef placeB = OrbitMotion(b).At(a.ReferenceS() + 3600.0).value();
+    EXPECT_LT(std::hypot(placeA.x - placeB.x, placeA.y - placeB.y, placeA.z - placeB.z),
               2e-3); // m; twice the last digit that is written
 }
 
@@ -41,14 +41,8 @@ void ExpectAll(const std::vector<NavigationRecord>& found)
     }
 }
 
-/// A text that is not as it should be, and where that is told.
-struct Fault
-{
-    std::string_view what;
-    std::string text;
-    int line;
-    std::string_view field;
-};
+/// A text that is not as it should be, and where that is told: the line and the field.
+using Fault = std::tuple<std::string_view, std::string, int, std::string_view>;
 
 TEST(NavigationText, KeepsEachSystemsTime)
 {
@@ -144,13 +138,12 @@ TEST(NavigationText, RefusesWithLineAndField)
         {"compressed", std::string("\x1F\x8B\x08", 3) + good, 0, ""},
         {"too long", good + std::string(kMostNavigation, '\n'), 0, ""},
     };
-    for (const Fault& row : rows) {
-        SCOPED_TRACE(row.what);
-        const NavigationText text = ReadNavigation(row.text);
+    for (const auto& [what, spoilt, line, field] : rows) {
+        SCOPED_TRACE(what);
+        const NavigationText text = ReadNavigation(spoilt);
         EXPECT_TRUE(text.records.empty());
         ASSERT_TRUE(text.error);
-        EXPECT_EQ(text.error->line, row.line) << Described(text.error);
-        EXPECT_EQ(text.error->field, row.field) << Described(text.error);
+        EXPECT_EQ(std::tie(text.error->line, text.error->field), std::tie(line, field));
         EXPECT_FALSE(text.error->message.empty());
     }
 }
@@ -165,15 +158,14 @@ TEST(NavigationText, LeavesOutWhatIsNoOrbit)
          "sqrt(A)"},
         {"a state without a place", testing::WithoutPlace(good), 13, "X"},
     };
-    for (const Fault& row : rows) {
-        SCOPED_TRACE(row.what);
-        const NavigationText text = ReadNavigation(row.text);
+    for (const auto& [what, spoilt, line, field] : rows) {
+        SCOPED_TRACE(what);
+        const NavigationText text = ReadNavigation(spoilt);
         EXPECT_FALSE(text.error) << Described(text.error);
         EXPECT_EQ(text.records.size(), 12U);
         EXPECT_EQ(text.odd, 1);
         ASSERT_TRUE(text.firstOdd);
-        EXPECT_EQ(text.firstOdd->line, row.line) << Described(text.firstOdd);
-        EXPECT_EQ(text.firstOdd->field, row.field) << Described(text.firstOdd);
+        EXPECT_EQ(std::tie(text.firstOdd->line, text.firstOdd->field), std::tie(line, field));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cmath>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -28,13 +29,8 @@ double Distance(const Ecef& a, const Ecef& b)
 
 TEST(SatelliteId, IsReadAndWrittenAsItsSystemNamesIt)
 {
-    struct Row
-    {
-        std::string_view text;
-        std::string_view written; // empty: no satellite
-        int prn;
-    };
-    constexpr Row rows[] = {
+    // What is written is empty where there is no satellite.
+    constexpr std::tuple<std::string_view, std::string_view, int> rows[] = {
         {"G05", "G05", 5},   {"G5", "G05", 5},    {"G 5", "G05", 5},   {"G33", "", 0},
         {"G00", "", 0},      {"R24", "R24", 0},   {"E36", "E36", 0},   {"E37", "", 0},
         {"C60", "C60", 0},   {"J01", "J01", 193}, {"J10", "J10", 202}, {"J11", "", 0},
@@ -42,13 +38,13 @@ TEST(SatelliteId, IsReadAndWrittenAsItsSystemNamesIt)
         {"g05", "", 0},      {"G", "", 0},        {"", "", 0},         {"G+5", "", 0},
         {"G005", "", 0},     {"G0x", "", 0},      {"G  ", "", 0},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const auto id = SatelliteId::Parse(row.text);
-        EXPECT_EQ(id ? id->Text() : "", row.written);
-        EXPECT_EQ(id ? id->Prn() : 0, row.prn);
-        if (row.prn != 0) {
-            EXPECT_EQ(SatelliteId::FromPrn(row.prn), id);
+    for (const auto& [text, written, prn] : rows) {
+        SCOPED_TRACE(text);
+        const auto id = SatelliteId::Parse(text);
+        EXPECT_EQ(id ? id->Text() : "", written);
+        EXPECT_EQ(id ? id->Prn() : 0, prn);
+        if (prn != 0) {
+            EXPECT_EQ(SatelliteId::FromPrn(prn), id);
         }
     }
     for (const int nobody : {-1, 0, 33, 119, 159, 192, 203}) {
@@ -69,14 +65,7 @@ TEST(SystemTime, TurnsIntoGpsTimeAndBack)
         return static_cast<double>((time - std::chrono::sys_days(1980y / 1 / 6)).count());
     };
     const auto newYear = std::chrono::sys_days(2017y / 1 / 1);
-    struct Row
-    {
-        std::string_view what;
-        GnssSystem system;
-        double systemS;
-        double gpsS;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string_view, GnssSystem, double, double> rows[] = {
         {"GPS is itself", GnssSystem::Gps, 1e9, 1e9},
         {"Galileo counts alike", GnssSystem::Galileo, 1e9, 1e9},
         {"BeiDou began with 14 leap seconds", GnssSystem::BeiDou, 1e9, 1e9 + 14},
@@ -87,10 +76,10 @@ TEST(SystemTime, TurnsIntoGpsTimeAndBack)
          utc(std::chrono::sys_days(1981y / 6 / 30)) + 10800,
          utc(std::chrono::sys_days(1981y / 6 / 30))},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(GpsSeconds(row.system, row.systemS), row.gpsS);
-        EXPECT_EQ(SystemSeconds(row.system, row.gpsS), row.systemS);
+    for (const auto& [what, system, systemS, gpsS] : rows) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(GpsSeconds(system, systemS), gpsS);
+        EXPECT_EQ(SystemSeconds(system, gpsS), systemS);
     }
     EXPECT_EQ(UtcOfGpsSeconds(GpsSecondsOfUtc(newYear)), newYear);
 }
@@ -98,14 +87,7 @@ TEST(SystemTime, TurnsIntoGpsTimeAndBack)
 TEST(Orbits, AgreeWithPreciseOrbitsOfTheDay)
 {
     // Earth-fixed, km, from the same day's precise orbits.
-    struct Row
-    {
-        std::string_view satellite;
-        int hour, minute;
-        Ecef km;
-        double withinM;
-    };
-    constexpr Row rows[] = {
+    constexpr std::tuple<std::string_view, int, int, Ecef, double> rows[] = {
         // Within the time that a message is for, some metres: a second is four kilometres.
         {"G05", 9, 0, {-964.235349, 22303.759858, 14096.444990}, 5},
         {"G05", 10, 0, {-5888.580209, 15709.482552, 20405.148688}, 5},
@@ -119,13 +101,12 @@ TEST(Orbits, AgreeWithPreciseOrbitsOfTheDay)
         {"R09", 11, 15, {11167.651563, -9503.553544, 20867.430235}, 100},
         {"R09", 16, 15, {9954.666978, 5475.801198, -22826.066658}, 2000},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.satellite);
-        OrbitMotion motion(RecordsOf(row.satellite).front());
-        const auto position = motion.At(GpsAt(row.hour, row.minute));
-        ASSERT_TRUE(position);
-        const Ecef metres{row.km.x * 1000, row.km.y * 1000, row.km.z * 1000};
-        EXPECT_LT(Distance(*position, metres), row.withinM);
+    for (const auto& [satellite, hour, minute, km, withinM] : rows) {
+        SCOPED_TRACE(satellite);
+        OrbitMotion motion(RecordsOf(satellite).front());
+        const auto position = motion.At(GpsAt(hour, minute)).value();
+        const Ecef metres{km.x * 1000, km.y * 1000, km.z * 1000};
+        EXPECT_LT(Distance(position, metres), withinM);
     }
 }
 
@@ -138,10 +119,8 @@ TEST(Orbits, GoOnWhereTheNextMessageIs)
         const std::vector<NavigationRecord> records = RecordsOf(name);
         ASSERT_EQ(records.size(), 2U);
         const double later = records[1].ReferenceS();
-        const auto expected = OrbitMotion(records[1]).At(later);
-        const auto position = OrbitMotion(records[0]).At(later);
-        ASSERT_TRUE(expected && position);
-        EXPECT_LT(Distance(*position, *expected), 20.0); // m
+        const Ecef expected = OrbitMotion(records[1]).At(later).value();
+        EXPECT_LT(Distance(OrbitMotion(records[0]).At(later).value(), expected), 20.0); // m
     }
     // Over China, at the height of all that stand still.
     const Ecef c05 = *OrbitMotion(RecordsOf("C05")[0]).At(GpsAt(10, 0));

@@ -12,9 +12,9 @@
 #include "tests/support/VirtualReceiver.h"
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -39,13 +39,6 @@ Scenario ReceiverWith(std::initializer_list<int> prns)
                                      r.inclination, r.omegaDot, r.omega0, r.omega, r.m0, r.health});
     }
     return scenario;
-}
-
-void WriteTemporary(const fs::path& folder, const std::vector<std::uint8_t>& content)
-{
-    std::ofstream(AlmanacTemporaryPath(folder), std::ios::binary)
-        .write(reinterpret_cast<const char*>(content.data()),
-               static_cast<std::streamsize>(content.size()));
 }
 
 class AlmanacStoreTest : public ::testing::Test
@@ -119,15 +112,8 @@ TEST_F(AlmanacStoreTest, ServesAHostThroughTheCalculator)
 
 TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
 {
-    struct Row
-    {
-        std::string_view what;
-        const char* scenario;
-        std::size_t skip; // requests before its fault
-        AlmanacResult result;
-        int satellites;
-    };
-    constexpr Row kRows[] = {
+    // The number is that of the requests before its fault.
+    constexpr std::tuple<std::string_view, const char*, std::size_t, AlmanacResult, int> kRows[] = {
         {"four are too few", "almanac-4", 0, AlmanacResult::TooFew, 0},
         {"five are enough", "almanac-5", 0, AlmanacResult::Done, 5},
         {"all there are", "almanac-31", 0, AlmanacResult::Done, 31},
@@ -135,28 +121,26 @@ TEST_F(AlmanacStoreTest, TakesWhatTheReceiverGivesBeforeItFails)
         {"hangs up at PRN 4", "almanac-hangs-up", 3, AlmanacResult::BrokenOff, 0},
         {"hangs up at PRN 13", "almanac-hangs-up", 12, AlmanacResult::Done, 12},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, shipped, skip, result, satellites] : kRows) {
+        SCOPED_TRACE(what);
         folder.Write("GSurveyPlan.alm", "old");
-        std::string error;
-        auto scenario = simulator::LoadScenario(row.scenario, error);
-        ASSERT_TRUE(scenario) << error;
-        for (simulator::FaultRule& fault : scenario->faults) {
-            fault.skip = row.skip;
+        Scenario scenario = testing::ShippedScenario(shipped);
+        for (simulator::FaultRule& fault : scenario.faults) {
+            fault.skip = skip;
         }
-        Start(*scenario);
-        EXPECT_EQ(store.Update(far->command), row.result);
+        Start(scenario);
+        EXPECT_EQ(store.Update(far->command), result);
         EXPECT_FALSE(HasTemporary());
         const auto content = Almanac();
-        if (row.result != AlmanacResult::Done) {
+        if (result != AlmanacResult::Done) {
             EXPECT_EQ(content, testing::Hex("6F6C64")) << "old";
         } else {
             EXPECT_EQ(content.size(), 32 * kAlmanacRecordSize);
-            EXPECT_EQ(CountAlmanacs(content), row.satellites);
+            EXPECT_EQ(CountAlmanacs(content), satellites);
         }
         const AlmanacTally& tally = store.Tally();
         EXPECT_EQ(tally.received + tally.missing + tally.lost, 32);
-        EXPECT_EQ(MessageOf(row.result, tally).words.empty(), tally.lost == 0);
+        EXPECT_EQ(MessageOf(result, tally).words.empty(), tally.lost == 0);
         if (far->command.Fault() == CommandFault::LinkLost) {
             EXPECT_EQ(tally.fault, CommandFault::LinkLost);
             ASSERT_TRUE(far->simulator.Plug());
@@ -213,15 +197,9 @@ TEST_F(AlmanacStoreTest, SaysWhyItFailed)
 
 TEST(AlmanacStore, NeedsFiveSatellites)
 {
-    struct Row
-    {
-        std::string_view what;
-        std::vector<std::uint8_t> content;
-        std::size_t size;
-        AlmanacResult result;
-    };
     std::vector<AlmanacRecord> twice = SampleSatellites(8);
     std::copy_n(twice.begin(), 4, twice.begin() + 4);
+    using Row = std::tuple<std::string_view, std::vector<std::uint8_t>, std::size_t, AlmanacResult>;
     const Row rows[] = {
         {"four", SampleFile(4), 320, AlmanacResult::TooFew},
         {"five", SampleFile(5), 400, AlmanacResult::Done},
@@ -229,12 +207,12 @@ TEST(AlmanacStore, NeedsFiveSatellites)
         {"five, but told to be four", SampleFile(5), 320, AlmanacResult::TooFew},
         {"nothing there", {}, 400, AlmanacResult::TooFew},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, content, size, result] : rows) {
+        SCOPED_TRACE(what);
         const TemporaryFolder folder;
-        WriteTemporary(folder.Path(), row.content);
-        EXPECT_EQ(AlmanacStore(folder.Path()).Commit(row.size), row.result);
-        EXPECT_EQ(fs::exists(AlmanacPath(folder.Path())), row.result == AlmanacResult::Done);
+        folder.Write(AlmanacTemporaryPath(""), std::string(content.begin(), content.end()));
+        EXPECT_EQ(AlmanacStore(folder.Path()).Commit(size), result);
+        EXPECT_EQ(fs::exists(AlmanacPath(folder.Path())), result == AlmanacResult::Done);
         EXPECT_FALSE(fs::exists(AlmanacTemporaryPath(folder.Path())));
     }
 }
@@ -271,8 +249,8 @@ TEST(AlmanacStore, RemembersWhereTheAlmanacComesFrom)
     EXPECT_EQ(source().origin, AlmanacOrigin::File);
     EXPECT_EQ(SourceText(source()), L"ファイル 現在.alm");
 
-    WriteTemporary(folder.Path(), SampleFile(7));
-    fs::rename(AlmanacTemporaryPath(folder.Path()), AlmanacPath(folder.Path()));
+    const std::vector<std::uint8_t> other = SampleFile(7);
+    folder.Write(AlmanacPath(""), std::string(other.begin(), other.end()));
     EXPECT_EQ(source().origin, AlmanacOrigin::Unknown) << "replaced by another program";
 
     records.push_back(NominalConstellation(7, 2445, 0).back());

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -136,15 +137,9 @@ TEST(AlmanacText, ToleratesHowAYumaTextIsWritten)
 
 TEST(AlmanacText, NamesTheLineAndTheFieldThatAreWrong)
 {
-    struct Row
-    {
-        std::string_view text;
-        std::string_view from; ///< its first occurrence is replaced
-        std::string_view to;
-        int line;
-        std::string_view field;
-        std::string_view message; ///< part of it
-    };
+    // The first of what stands second is replaced; of the message a part is given.
+    using Row = std::tuple<std::string_view, std::string_view, std::string_view, int,
+                           std::string_view, std::string_view>;
     const Row rows[] = {
         {kYuma, "Health:                     063\n", "", 2, "Health", "missing"},
         {kYuma, "week:                       644\n", "", 2, "week", "missing"},
@@ -187,29 +182,20 @@ TEST(AlmanacText, NamesTheLineAndTheFieldThatAreWrong)
         {"\nalmanac\n", "", "", 2, "", "neither a YUMA nor a SEM"},
         {"*****\n", "", "", 0, "", "no satellite"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.from) + " -> " + std::string(row.to));
-        const AlmanacText read =
-            ParseAlmanacText(With(std::string(row.text), row.from, row.to), kToday);
+    for (const auto& [text, from, to, line, field, message] : rows) {
+        SCOPED_TRACE(std::string(from) + " -> " + std::string(to));
+        const AlmanacText read = ParseAlmanacText(With(std::string(text), from, to), kToday);
         ASSERT_TRUE(read.error);
-        EXPECT_EQ(read.error->line, row.line) << Described(read.error);
-        EXPECT_EQ(read.error->field, row.field) << Described(read.error);
-        EXPECT_NE(read.error->message.find(row.message), std::string::npos)
-            << Described(read.error);
+        EXPECT_EQ(std::tie(read.error->line, read.error->field), std::tie(line, field));
+        EXPECT_NE(read.error->message.find(message), std::string::npos) << Described(read.error);
         EXPECT_TRUE(read.records.empty() && read.skipped == 0);
     }
 }
 
 TEST(AlmanacText, FindsTheFullWeek)
 {
-    struct Row
-    {
-        std::string_view what;
-        std::string_view inText;
-        AlmanacWeek rule;
-        int week; ///< -1: an error
-    };
-    const Row rows[] = {
+    // The last is the full week, or -1 for an error.
+    const std::tuple<std::string_view, std::string_view, AlmanacWeek, int> rows[] = {
         {"first cycle", "644", {700, {}}, 644},
         {"December 2011", "644", {1668, {}}, 1668},
         {"the cycle began anew since", "1023", {2048, {}}, 2047},
@@ -226,13 +212,13 @@ TEST(AlmanacText, FindsTheFullWeek)
         {"a clock that is far off", "1023", {2'000'000'000, {}}, 32767},
         {"a clock before all", "644", {-2'000'000'000, {}}, 644},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const AlmanacText read = ParseAlmanacText(
-            Replaced(kSem, " 644 ", " " + std::string(row.inText) + " "), row.rule);
-        ASSERT_EQ(read.error.has_value(), row.week < 0) << Described(read.error);
-        if (row.week >= 0) {
-            EXPECT_EQ(read.records.at(0).week, row.week);
+    for (const auto& [what, inText, rule, week] : rows) {
+        SCOPED_TRACE(what);
+        const AlmanacText read =
+            ParseAlmanacText(Replaced(kSem, " 644 ", " " + std::string(inText) + " "), rule);
+        ASSERT_EQ(read.error.has_value(), week < 0) << Described(read.error);
+        if (week >= 0) {
+            EXPECT_EQ(read.records.at(0).week, week);
         } else {
             EXPECT_EQ(read.error->field, "week");
         }

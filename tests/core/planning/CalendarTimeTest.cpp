@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <string_view>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -28,14 +29,8 @@ Parts PartsOf(CTime time)
 
 TEST(CalendarTime, SpansAddUpTheirParts)
 {
-    struct Row
-    {
-        const char* fault;
-        CTimeSpan span;
-        std::int64_t total;
-        std::array<std::int64_t, 4> parts; // days, hours, minutes, seconds
-    };
-    const Row rows[] = {
+    // The parts are days, hours, minutes, seconds.
+    const std::tuple<const char*, CTimeSpan, std::int64_t, std::array<std::int64_t, 4>> rows[] = {
         {"one of each", CTimeSpan(1, 2, 3, 4), 93784, {1, 2, 3, 4}},
         {"parts beyond their ranges", CTimeSpan(0, 25, 61, 61), 93721, {1, 2, 2, 1}},
         {"negative", CTimeSpan(-1, -2, -3, -4), -93784, {-1, -2, -3, -4}},
@@ -47,12 +42,12 @@ TEST(CalendarTime, SpansAddUpTheirParts)
          kFirst,
          {-106751991167300, -15, -30, -8}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(row.span.GetTotalSeconds(), row.total);
-        const std::array<std::int64_t, 4> parts{row.span.GetDays(), row.span.GetHours(),
-                                                row.span.GetMinutes(), row.span.GetSeconds()};
-        EXPECT_EQ(parts, row.parts);
+    for (const auto& [fault, span, total, expected] : rows) {
+        SCOPED_TRACE(fault);
+        EXPECT_EQ(span.GetTotalSeconds(), total);
+        const std::array<std::int64_t, 4> parts{span.GetDays(), span.GetHours(), span.GetMinutes(),
+                                                span.GetSeconds()};
+        EXPECT_EQ(parts, expected);
     }
 }
 
@@ -70,14 +65,8 @@ TEST(CalendarTime, ArithmeticStopsAtTheEnds)
 // Instants from a calendar library of another language.
 TEST(CalendarTime, IsReadAndBuiltInTheZone)
 {
-    struct Row
-    {
-        std::string_view zone;
-        const char* fault;
-        std::int64_t instant; // seconds since 1970, UTC
-        Parts parts;
-    };
-    const Row rows[] = {
+    // instant: seconds since 1970, UTC
+    const std::tuple<std::string_view, const char*, std::int64_t, Parts> rows[] = {
         {kTokyo, "start of the count", 0, {1970, 1, 1, 9, 0, 0, 4}},
         {kTokyo, "summer", 1719837296, {2024, 7, 1, 21, 34, 56, 1}},
         {kTokyo, "leap day", 951750000, {2000, 2, 29, 0, 0, 0, 2}},
@@ -90,33 +79,25 @@ TEST(CalendarTime, IsReadAndBuiltInTheZone)
         {kNewYork, "last second before the gap", 1710053999, {2024, 3, 10, 1, 59, 59, 0}},
         {kNewYork, "behind the gap", 1710054000, {2024, 3, 10, 3, 0, 0, 0}},
     };
-    for (const Row& row : RowsOfThisZone(rows)) {
-        SCOPED_TRACE(row.fault);
-        const auto& [year, month, day, hour, minute, second, dayOfWeek] = row.parts;
-        EXPECT_EQ(PartsOf(CTime(row.instant)), row.parts);
-        EXPECT_EQ(CTime(year, month, day, hour, minute, second).GetTime(), row.instant);
+    for (const auto& [zone, fault, instant, parts] : RowsOfThisZone(rows)) {
+        SCOPED_TRACE(fault);
+        const auto& [year, month, day, hour, minute, second, dayOfWeek] = parts;
+        EXPECT_EQ(PartsOf(CTime(instant)), parts);
+        EXPECT_EQ(CTime(year, month, day, hour, minute, second).GetTime(), instant);
     }
 }
 
 // 2024-11-03 01:30:00, which comes twice where daylight saving ends on that day.
 TEST(CalendarTime, ObeysTheDaylightSavingFlag)
 {
-    struct Row
-    {
-        std::string_view zone;
-        const char* fault;
-        int daylightSaving;
-        std::int64_t instant;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string_view, const char*, int, std::int64_t> rows[] = {
         {kTokyo, "standard time", 0, 1730565000},
         {kUtc, "standard time", 0, 1730597400},
         {kNewYork, "first time", 1, 1730611800},
         {kNewYork, "second time", 0, 1730615400},
     };
-    for (const Row& row : RowsOfThisZone(rows)) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(CTime(2024, 11, 3, 1, 30, 0, row.daylightSaving).GetTime(), row.instant);
+    for (const auto& [zone, fault, daylightSaving, instant] : RowsOfThisZone(rows)) {
+        EXPECT_EQ(CTime(2024, 11, 3, 1, 30, 0, daylightSaving).GetTime(), instant) << fault;
     }
 }
 

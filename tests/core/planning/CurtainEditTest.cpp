@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <numeric>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -15,14 +16,9 @@ int Sum(const CurtainEdit& edit)
 
 TEST(CurtainEdit, DrawsAStraightLineBetweenTwoPoints)
 {
-    struct Row
-    {
-        const char* fault;
-        double fromAz, fromEl, toAz, toEl;
-        int at;       ///< an entry of the way
-        int expected; ///< there
-        int sum;      ///< of all entries: that no other is touched
-    };
+    // From and to azimuth and elevation; an entry of the way and what is expected there; the sum of
+    // all entries: that no other is touched.
+    using Row = std::tuple<const char*, double, double, double, double, int, int, int>;
     const Row rows[] = {
         {"rising clockwise", 10.0, 0.0, 20.0, 20.0, 15, 10, 110},
         {"rising the other way", 20.0, 0.0, 10.0, 20.0, 15, 10, 110},
@@ -36,14 +32,14 @@ TEST(CurtainEdit, DrawsAStraightLineBetweenTwoPoints)
         {"below the horizon", 40.0, 30.0, 40.0, -4.0, 40, 0, 0},
         {"no number", 40.0, 30.0, std::numeric_limits<double>::quiet_NaN(), 50.0, 40, 30, 30},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, fromAz, fromEl, toAz, toEl, at, expected, sum] : rows) {
+        SCOPED_TRACE(fault);
         CurtainEdit edit;
-        edit.BeginStroke(row.fromAz, row.fromEl);
-        edit.StrokeTo(row.toAz, row.toEl);
+        edit.BeginStroke(fromAz, fromEl);
+        edit.StrokeTo(toAz, toEl);
         edit.EndStroke();
-        EXPECT_EQ(edit.At(row.at), row.expected);
-        EXPECT_EQ(Sum(edit), row.sum);
+        EXPECT_EQ(edit.At(at), expected);
+        EXPECT_EQ(Sum(edit), sum);
     }
 }
 

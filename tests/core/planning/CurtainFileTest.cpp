@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -66,14 +67,8 @@ TEST(CurtainText, HoldsAnElevationUpToTheNextLine)
 
 TEST(CurtainText, NamesTheLineAndTheFieldThatAreWrong)
 {
-    struct Row
-    {
-        std::string_view text;
-        int line;
-        std::string_view field;
-        std::string_view message; ///< part of it
-    };
-    const Row rows[] = {
+    // The message: a part of it.
+    const std::tuple<std::string_view, int, std::string_view, std::string_view> rows[] = {
         {"", 0, "", "empty"},
         {"\n \r\n", 0, "", "empty"},
         {"0 5\n360 5\n", 2, "azimuth", "0 to 359"},
@@ -89,13 +84,12 @@ TEST(CurtainText, NamesTheLineAndTheFieldThatAreWrong)
         {"0 5\n\n20 5\n20 6\n", 4, "azimuth", "greater than in the line before, 20"},
         {"20 5\n0 6\n", 2, "azimuth", "greater"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const CurtainText read = ParseCurtainText(row.text);
+    for (const auto& [text, line, field, message] : rows) {
+        SCOPED_TRACE(text);
+        const CurtainText read = ParseCurtainText(text);
         ASSERT_TRUE(read.error);
-        EXPECT_EQ(read.error->line, row.line);
-        EXPECT_EQ(read.error->field, row.field);
-        EXPECT_NE(read.error->message.find(row.message), std::string::npos) << read.error->message;
+        EXPECT_EQ(std::tie(read.error->line, read.error->field), std::tie(line, field));
+        EXPECT_NE(read.error->message.find(message), std::string::npos) << read.error->message;
         EXPECT_EQ(read.curtain, ObstructionCurtain{});
     }
     EXPECT_TRUE(ParseCurtainText(std::string((1 << 20) + 1, '#')).error);

@@ -86,12 +86,11 @@ TEST(CurtainProposal, IsAsSureAsItSays)
                               {turned(200), turned(245), 0.0, 25.0},
                               {turned(245), turned(290), 25.0, 0.0}};
         for (int hour = 0; hour < 24; hour += 8) {
-            const auto proposal = ProposeCurtain(RecordOf(place, hour, 4), {});
-            ASSERT_TRUE(proposal);
+            const auto proposal = ProposeCurtain(RecordOf(place, hour, 4), {}).value();
             for (int azimuth = 0; azimuth < 360; ++azimuth) {
-                const auto certainty = proposal->certainty[static_cast<std::size_t>(azimuth)];
+                const auto certainty = proposal.certainty[static_cast<std::size_t>(azimuth)];
                 const auto of = static_cast<std::size_t>(certainty);
-                const double by = OffAt(*proposal, place, azimuth);
+                const double by = OffAt(proposal, place, azimuth);
                 ++entries[of];
                 off[of] += by > 3.0 ? 1 : 0;
                 if (certainty == SkylineCertainty::Sure) {
@@ -114,17 +113,14 @@ TEST(CurtainProposal, ADayKnowsNearlyAllOfIt)
     const SkyRecord record = RecordOf(place, 0, 24);
     ObstructionCurtain current;
     current.fill(50);
-    const auto proposal = ProposeCurtain(record, current);
-    ASSERT_TRUE(proposal);
-    EXPECT_EQ(proposal->Percent(SkylineCertainty::Sure) +
-                  proposal->Percent(SkylineCertainty::Fair) +
-                  proposal->Percent(SkylineCertainty::Unknown),
+    const auto proposal = ProposeCurtain(record, current).value();
+    EXPECT_EQ(proposal.Percent(SkylineCertainty::Sure) + proposal.Percent(SkylineCertainty::Fair) +
+                  proposal.Percent(SkylineCertainty::Unknown),
               100);
-    EXPECT_LE(proposal->Percent(SkylineCertainty::Unknown), 25);
-    EXPECT_LE(proposal->curtain[180], 13) << "what was drawn too high comes down";
-    const auto again = ProposeCurtain(record, proposal->curtain);
-    ASSERT_TRUE(again);
-    EXPECT_EQ(again->curtain, proposal->curtain) << "what was taken over stays";
+    EXPECT_LE(proposal.Percent(SkylineCertainty::Unknown), 25);
+    EXPECT_LE(proposal.curtain[180], 13) << "what was drawn too high comes down";
+    const auto again = ProposeCurtain(record, proposal.curtain).value();
+    EXPECT_EQ(again.curtain, proposal.curtain) << "what was taken over stays";
 }
 
 /// North is a direction like any other.
@@ -133,8 +129,7 @@ TEST(CurtainProposal, TurnsWithItsSurroundings)
     simulator::Scenario place;
     place.obstructions = {{330.0, 60.0, 35.0, 35.0}};
     const SkyRecord record = RecordOf(place, 0, 8);
-    const auto straight = ProposeCurtain(record, {});
-    ASSERT_TRUE(straight);
+    const auto straight = ProposeCurtain(record, {}).value();
     for (int turn = 10; turn < SkyRecord::kAzimuths; turn += 17) {
         SkyRecord turned;
         for (int round = 0; round < 8 * 120; ++round) {
@@ -151,14 +146,13 @@ TEST(CurtainProposal, TurnsWithItsSurroundings)
                 }
             }
         }
-        auto proposal = ProposeCurtain(turned, {});
-        ASSERT_TRUE(proposal);
-        std::rotate(proposal->curtain.begin(), proposal->curtain.begin() + 2 * turn,
-                    proposal->curtain.end());
-        std::rotate(proposal->certainty.begin(), proposal->certainty.begin() + 2 * turn,
-                    proposal->certainty.end());
-        EXPECT_EQ(proposal->curtain, straight->curtain) << turn;
-        EXPECT_EQ(proposal->certainty, straight->certainty) << turn;
+        auto proposal = ProposeCurtain(turned, {}).value();
+        std::rotate(proposal.curtain.begin(), proposal.curtain.begin() + 2 * turn,
+                    proposal.curtain.end());
+        std::rotate(proposal.certainty.begin(), proposal.certainty.begin() + 2 * turn,
+                    proposal.certainty.end());
+        EXPECT_EQ(proposal.curtain, straight.curtain) << turn;
+        EXPECT_EQ(proposal.certainty, straight.certainty) << turn;
     }
 }
 
@@ -180,15 +174,14 @@ TEST(CurtainProposal, IsNotLedAstrayByOneCell)
     simulator::Scenario place;
     place.obstructions = {{60.0, 130.0, 35.0, 35.0}};
     SkyRecord record = RecordOf(place, 0, 24);
-    const auto before = ProposeCurtain(record, {});
+    const CurtainProposal before = ProposeCurtain(record, {}).value();
     for (int i = 0; i < 200; ++i) {
         record.NoteMissed(At(181.0, 50.5));
         record.NoteTracked(At(91.0, 15.5));
     }
-    const auto after = ProposeCurtain(record, {});
-    ASSERT_TRUE(before && after);
+    const CurtainProposal after = ProposeCurtain(record, {}).value();
     for (const std::size_t azimuth : {std::size_t{181}, std::size_t{91}}) {
-        EXPECT_NEAR(after->curtain[azimuth], before->curtain[azimuth], 1);
+        EXPECT_NEAR(after.curtain[azimuth], before.curtain[azimuth], 1);
     }
 }
 

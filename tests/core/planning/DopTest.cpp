@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,30 +24,22 @@ Ecef Toward(double azimuthDeg, double elevationDeg)
 
 TEST(Dop, AgreesWithClosedForms)
 {
-    struct Ring
-    {
-        double elevationDeg;
-        int satellites; // evenly around
-    };
-    struct Row
-    {
-        std::string_view geometry;
-        std::vector<Ring> rings;
-        double hdop2, vdop2, tdop2; // squares
-    };
+    // The elevation in degrees and the number of satellites, evenly around.
+    using Ring = std::pair<double, int>;
     // By hand: rings and a zenith make the normal matrix diagonal but for up and clock.
-    const Row rows[] = {
+    // With the squares of HDOP, VDOP and TDOP.
+    const std::tuple<std::string_view, std::vector<Ring>, double, double, double> rows[] = {
         {"zenith and three on the horizon", {{90, 1}, {0, 3}}, 4.0 / 3.0, 4.0 / 3.0, 1.0 / 3.0},
         {"zenith and four at 30 degrees", {{90, 1}, {30, 4}}, 4.0 / 3.0, 5.0, 2.0},
         {"rings of three at 0 and 30", {{0, 3}, {30, 3}}, 2.0 / 2.625, 8.0 / 3.0, 1.0 / 3.0},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.geometry);
+    for (const auto& [geometry, rings, hdop2, vdop2, tdop2] : rows) {
+        SCOPED_TRACE(geometry);
         DopSums sums;
         std::vector<Ecef> satellites;
         const Ecef observer{-3.9e6, 3.3e6, 3.7e6};
         double range = 2.0e7;
-        for (const auto& [elevationDeg, count] : row.rings) {
+        for (const auto& [elevationDeg, count] : rings) {
             for (int i = 0; i < count; ++i) {
                 const Ecef d = Toward(360.0 * i / count, elevationDeg);
                 sums.Add(d.x, d.y, d.z);
@@ -54,18 +48,17 @@ TEST(Dop, AgreesWithClosedForms)
                 range += 1.0e6; // distances must not matter
             }
         }
-        const auto tight = sums.Solve();
-        const auto local = sums.SolveLocal();
-        ASSERT_TRUE(tight && local);
-        const double pdop2 = row.hdop2 + row.vdop2;
-        EXPECT_NEAR(local->hdop, std::sqrt(row.hdop2), 1e-9);
-        EXPECT_NEAR(local->vdop, std::sqrt(row.vdop2), 1e-9);
-        EXPECT_NEAR(local->pdop, std::sqrt(pdop2), 1e-9);
-        for (const DopValues& dop : {*tight, ReferenceDop(observer, satellites)}) {
+        const DopValues tight = sums.Solve().value();
+        const LocalDop local = sums.SolveLocal().value();
+        const double pdop2 = hdop2 + vdop2;
+        EXPECT_NEAR(local.hdop, std::sqrt(hdop2), 1e-9);
+        EXPECT_NEAR(local.vdop, std::sqrt(vdop2), 1e-9);
+        EXPECT_NEAR(local.pdop, std::sqrt(pdop2), 1e-9);
+        for (const DopValues& dop : {tight, ReferenceDop(observer, satellites)}) {
             // 1e-9: positions of 1e7 m carry 1e-9 m.
             EXPECT_NEAR(dop.pdop, std::sqrt(pdop2), 1e-9);
-            EXPECT_NEAR(dop.tdop, std::sqrt(row.tdop2), 1e-9);
-            EXPECT_NEAR(dop.gdop, std::sqrt(pdop2 + row.tdop2), 1e-9);
+            EXPECT_NEAR(dop.tdop, std::sqrt(tdop2), 1e-9);
+            EXPECT_NEAR(dop.gdop, std::sqrt(pdop2 + tdop2), 1e-9);
         }
     }
 }

@@ -9,6 +9,7 @@
 #include <limits>
 #include <numbers>
 #include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -28,30 +29,20 @@ double Distance(const Ecef& a, const Ecef& b)
 // else enters.
 TEST(Geodesy, MeetsTheAxesOfTheEllipsoids)
 {
-    struct Row
-    {
-        const char* fault;
-        Ellipsoid ellipsoid;
-        double a;
-        double b;
-        double toleranceM;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, Ellipsoid, double, double, double> rows[] = {
         {"GRS80", Ellipsoid::Grs80, 6378137.0, 6356752.31414, 1e-5},
         {"WGS84", Ellipsoid::Wgs84, 6378137.0, 6356752.314245, 1e-5},
         {"Bessel", Ellipsoid::Bessel1841, 6377397.155, 6356078.963, 5e-4},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto east = EcefOfGeodetic({0, kPi / 2, 100}, row.ellipsoid);
-        ASSERT_TRUE(east);
-        EXPECT_LT(Distance(*east, {0, row.a + 100, 0}), row.toleranceM);
-        const Ecef south{0, 0, -row.b - 5000};
-        const auto pole = GeodeticOfEcef(south, row.ellipsoid);
-        ASSERT_TRUE(pole);
-        EXPECT_NEAR(pole->latitudeRad, -kPi / 2, 1e-11);
-        EXPECT_NEAR(pole->heightM, 5000, row.toleranceM);
-        EXPECT_LT(Distance(*EcefOfGeodetic(*pole, row.ellipsoid), south), row.toleranceM);
+    for (const auto& [fault, ellipsoid, a, b, toleranceM] : rows) {
+        SCOPED_TRACE(fault);
+        const auto east = EcefOfGeodetic({0, kPi / 2, 100}, ellipsoid).value();
+        EXPECT_LT(Distance(east, {0, a + 100, 0}), toleranceM);
+        const Ecef south{0, 0, -b - 5000};
+        const auto pole = GeodeticOfEcef(south, ellipsoid).value();
+        EXPECT_NEAR(pole.latitudeRad, -kPi / 2, 1e-11);
+        EXPECT_NEAR(pole.heightM, 5000, toleranceM);
+        EXPECT_LT(Distance(*EcefOfGeodetic(pole, ellipsoid), south), toleranceM);
     }
 }
 
@@ -71,16 +62,14 @@ TEST(Geodesy, AgreesWithTheClosedForm)
             const double r = (n + p.heightM) * std::cos(p.latitudeRad);
             const Ecef expected{r * std::cos(p.longitudeRad), r * std::sin(p.longitudeRad),
                                 (n * (1 - e2) + p.heightM) * sine};
-            const auto point = EcefOfGeodetic(p, ellipsoid);
-            ASSERT_TRUE(point);
+            const auto point = EcefOfGeodetic(p, ellipsoid).value();
             // The last bits of coordinates of up to 2.8e7 m are 4e-9 m.
-            ASSERT_LT(Distance(*point, expected), 2e-8);
-            const auto back = GeodeticOfEcef(*point, ellipsoid);
-            ASSERT_TRUE(back);
-            ASSERT_NEAR(back->latitudeRad, p.latitudeRad, 1e-14);
-            ASSERT_NEAR(back->heightM, p.heightM, 2e-8);
+            ASSERT_LT(Distance(point, expected), 2e-8);
+            const auto back = GeodeticOfEcef(point, ellipsoid).value();
+            ASSERT_NEAR(back.latitudeRad, p.latitudeRad, 1e-14);
+            ASSERT_NEAR(back.heightM, p.heightM, 2e-8);
             // Longitudes matter less and less towards the poles.
-            ASSERT_NEAR((back->longitudeRad - p.longitudeRad) * std::cos(p.latitudeRad), 0, 1e-14);
+            ASSERT_NEAR((back.longitudeRad - p.longitudeRad) * std::cos(p.latitudeRad), 0, 1e-14);
         }
     }
 }
@@ -127,20 +116,13 @@ TEST(TokyoDatum, MovesEarthFixedPointsByThePublishedMetres)
         {RadiansOf(24.0), RadiansOf(123.8), 500.0},
     };
     for (const GeodeticPosition& place : places) {
-        const auto shifted = Jgd2000OfTokyo(place);
-        ASSERT_TRUE(shifted);
-        const auto from = EcefOfGeodetic(place, Ellipsoid::Bessel1841);
-        const auto to = EcefOfGeodetic(*shifted, Ellipsoid::Grs80);
-        ASSERT_TRUE(from && to);
-        EXPECT_NEAR(to->x - from->x, -146.414, 1e-7);
-        EXPECT_NEAR(to->y - from->y, 507.337, 1e-7);
-        EXPECT_NEAR(to->z - from->z, 680.507, 1e-7);
+        const auto shifted = Jgd2000OfTokyo(place).value();
+        const Ecef from = EcefOfGeodetic(place, Ellipsoid::Bessel1841).value();
+        const Ecef to = EcefOfGeodetic(shifted, Ellipsoid::Grs80).value();
+        EXPECT_LT(Distance(to, {from.x - 146.414, from.y + 507.337, from.z + 680.507}), 1e-7);
 
-        const auto back = TokyoOfJgd2000(*shifted);
-        ASSERT_TRUE(back);
-        EXPECT_NEAR(back->latitudeRad, place.latitudeRad, 1e-14);
-        EXPECT_NEAR(back->longitudeRad, place.longitudeRad, 1e-14);
-        EXPECT_NEAR(back->heightM, place.heightM, 1e-7);
+        const auto back = TokyoOfJgd2000(shifted).value();
+        EXPECT_LT(Distance(EcefOfGeodetic(back, Ellipsoid::Bessel1841).value(), from), 1e-7);
     }
 }
 
@@ -154,15 +136,13 @@ TEST(PlaneRectangular, AgreesWithThePublishedExample)
 {
     const GeodeticPosition place =
         Place(36 + 6 / 60.0 + 13.58925 / 3600, 140 + 5 / 60.0 + 16.27815 / 3600);
-    const auto plane = PlaneOfGeodetic(9, place);
-    ASSERT_TRUE(plane);
-    EXPECT_NEAR(plane->position.xM, 11543.6883, 5e-5) << "half of the last digit given";
-    EXPECT_NEAR(plane->position.yM, 22916.2436, 5e-5);
+    const auto plane = PlaneOfGeodetic(9, place).value();
+    EXPECT_NEAR(plane.position.xM, 11543.6883, 5e-5) << "half of the last digit given";
+    EXPECT_NEAR(plane.position.yM, 22916.2436, 5e-5);
 
-    const auto back = GeodeticOfPlane(9, {11543.6883, 22916.2436});
-    ASSERT_TRUE(back);
-    EXPECT_NEAR(back->latitudeRad, place.latitudeRad, 1e-11) << "5e-5 m";
-    EXPECT_NEAR(back->longitudeRad, place.longitudeRad, 1e-11);
+    const auto back = GeodeticOfPlane(9, {11543.6883, 22916.2436}).value();
+    EXPECT_NEAR(back.latitudeRad, place.latitudeRad, 1e-11) << "5e-5 m";
+    EXPECT_NEAR(back.longitudeRad, place.longitudeRad, 1e-11);
 }
 
 // Degrees and minutes as the notification lists them.
@@ -179,12 +159,11 @@ TEST(PlaneRectangular, HasTheOriginsOfTheNineteenZones)
         const auto& [latitude, longitude, minutes] = kPublished[zone - 1];
         const GeodeticPosition origin = Place(latitude, longitude + minutes / 60.0);
         for (const Ellipsoid ellipsoid : {Ellipsoid::Grs80, Ellipsoid::Bessel1841}) {
-            const auto plane = PlaneOfGeodetic(zone, origin, ellipsoid);
-            ASSERT_TRUE(plane);
-            EXPECT_NEAR(plane->position.xM, 0.0, 1e-8);
-            EXPECT_NEAR(plane->position.yM, 0.0, 1e-8);
-            EXPECT_NEAR(plane->convergenceRad, 0.0, 1e-15);
-            EXPECT_NEAR(plane->scaleFactor, 0.9999, 1e-15);
+            const auto plane = PlaneOfGeodetic(zone, origin, ellipsoid).value();
+            EXPECT_NEAR(plane.position.xM, 0.0, 1e-8);
+            EXPECT_NEAR(plane.position.yM, 0.0, 1e-8);
+            EXPECT_NEAR(plane.convergenceRad, 0.0, 1e-15);
+            EXPECT_NEAR(plane.scaleFactor, 0.9999, 1e-15);
         }
     }
 }
@@ -202,8 +181,7 @@ TEST(PlaneRectangular, KeepsScaleAndDirectionEverywhere)
                     place.latitudeRad += RadiansOf(northDeg);
                     place.longitudeRad += RadiansOf(eastDeg);
                     place.heightM = 55.0; // which a plane does not have
-                    const auto plane = PlaneOfGeodetic(zone, place, ellipsoid);
-                    ASSERT_TRUE(plane);
+                    const auto plane = PlaneOfGeodetic(zone, place, ellipsoid).value();
 
                     // 6 m long and true to 1e-8 m: 2e-9.
                     constexpr double kStep = 1e-6;
@@ -213,16 +191,15 @@ TEST(PlaneRectangular, KeepsScaleAndDirectionEverywhere)
                     const PlanePosition from = PlaneOfGeodetic(zone, south, ellipsoid)->position;
                     const double dx = to.xM - from.xM;
                     const double dy = to.yM - from.yM;
-                    EXPECT_NEAR(plane->convergenceRad, -std::atan2(dy, dx), 5e-9);
+                    EXPECT_NEAR(plane.convergenceRad, -std::atan2(dy, dx), 5e-9);
                     const Ecef a = *EcefOfGeodetic(south, ellipsoid);
                     const Ecef b = *EcefOfGeodetic(north, ellipsoid);
-                    EXPECT_NEAR(plane->scaleFactor, std::hypot(dx, dy) / Distance(a, b), 5e-9);
+                    EXPECT_NEAR(plane.scaleFactor, std::hypot(dx, dy) / Distance(a, b), 5e-9);
 
-                    const auto back = GeodeticOfPlane(zone, plane->position, ellipsoid);
-                    ASSERT_TRUE(back);
-                    EXPECT_NEAR(back->latitudeRad, place.latitudeRad, 1e-14);
-                    EXPECT_NEAR(back->longitudeRad, place.longitudeRad, 1e-14);
-                    EXPECT_EQ(back->heightM, 0.0);
+                    const auto back = GeodeticOfPlane(zone, plane.position, ellipsoid).value();
+                    EXPECT_NEAR(back.latitudeRad, place.latitudeRad, 1e-14);
+                    EXPECT_NEAR(back.longitudeRad, place.longitudeRad, 1e-14);
+                    EXPECT_EQ(back.heightM, 0.0);
                 }
             }
         }
@@ -231,13 +208,7 @@ TEST(PlaneRectangular, KeepsScaleAndDirectionEverywhere)
 
 TEST(PlaneRectangular, GivesNothingOutOfReach)
 {
-    struct Row
-    {
-        const char* fault;
-        int zone;
-        GeodeticPosition place;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, int, GeodeticPosition> rows[] = {
         {"zone 0", 0, Place(36, 140)},
         {"zone 20", 20, Place(36, 140)},
         {"latitude is no number", 9, Place(kNotANumber, 140)},
@@ -250,9 +221,8 @@ TEST(PlaneRectangular, GivesNothingOutOfReach)
         {"antipodes", 9, Place(-36, -40.2)},
         {"where the projection has no end", 9, Place(0, 139 + 50 / 60.0 + 90)},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_FALSE(PlaneOfGeodetic(row.zone, row.place));
+    for (const auto& [fault, zone, place] : rows) {
+        EXPECT_FALSE(PlaneOfGeodetic(zone, place)) << fault;
     }
     for (const PlanePosition& none : {PlanePosition{kNotANumber, 0}, PlanePosition{0, kNotANumber},
                                       PlanePosition{1000001, 0}, PlanePosition{0, -kInfinity}}) {
@@ -263,12 +233,10 @@ TEST(PlaneRectangular, GivesNothingOutOfReach)
         EXPECT_FALSE(PlaneOrigin(zone));
     }
 
-    const auto corner = GeodeticOfPlane(9, {999999, -999999});
-    ASSERT_TRUE(corner);
-    const auto plane = PlaneOfGeodetic(9, *corner);
-    ASSERT_TRUE(plane);
-    EXPECT_NEAR(plane->position.xM, 999999, 1e-7);
-    EXPECT_NEAR(plane->position.yM, -999999, 1e-7);
+    const auto corner = GeodeticOfPlane(9, {999999, -999999}).value();
+    const auto plane = PlaneOfGeodetic(9, corner).value();
+    EXPECT_NEAR(plane.position.xM, 999999, 1e-7);
+    EXPECT_NEAR(plane.position.yM, -999999, 1e-7);
 }
 
 } // namespace

@@ -15,7 +15,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

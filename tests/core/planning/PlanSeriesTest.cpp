@@ -10,10 +10,10 @@
 #include "tests/core/planning/SampleSky.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -54,14 +54,7 @@ TEST(PlanSeries, HasNoSampleWhereThereIsNoSolution)
 TEST(PlanSeries, FindsTheSampleOfATime)
 {
     const ObservationPlan plan = PlanOf(31, 9, 4); // 8 samples
-    struct Row
-    {
-        const char* fault;
-        PlanGraph graph;
-        double epoch;
-        int sample;
-    };
-    constexpr Row rows[] = {
+    constexpr std::tuple<const char*, PlanGraph, double, int> rows[] = {
         {"a step holds from its beginning", PlanGraph::Count, 2.0, 2},
         {"and up to the next", PlanGraph::Count, 2.9, 2},
         {"a dilution is an interval behind", PlanGraph::Pdop, 3.0, 2},
@@ -73,8 +66,8 @@ TEST(PlanSeries, FindsTheSampleOfATime)
         {"the end has a dilution", PlanGraph::Pdop, 8.0, 7},
         {"behind the end", PlanGraph::Pdop, 99.0, 7},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(SampleNear(plan, row.graph, row.epoch), row.sample) << row.fault;
+    for (const auto& [fault, graph, epoch, sample] : rows) {
+        EXPECT_EQ(SampleNear(plan, graph, epoch), sample) << fault;
     }
     EXPECT_EQ(SampleNear(ObservationPlan(), PlanGraph::Pdop, 1.0), 0);
 }
@@ -119,11 +112,10 @@ TEST(SkySnapshot, AgreesWithThePlanAndShowsTheHidden)
                 continue;
             }
             visible |= 1U << (satellite.satellite.number - 1);
-            const auto expected = plan.DirectionAt(satellite.satellite.number - 1, k);
-            ASSERT_TRUE(expected);
+            const auto expected = plan.DirectionAt(satellite.satellite.number - 1, k).value();
             // 1e-9 rad: two ways to the same angle differ by rounding alone.
-            EXPECT_NEAR(satellite.direction.azimuthRad, expected->azimuthRad, 1e-9);
-            EXPECT_NEAR(satellite.direction.elevationRad, expected->elevationRad, 1e-9);
+            EXPECT_NEAR(satellite.direction.azimuthRad, expected.azimuthRad, 1e-9);
+            EXPECT_NEAR(satellite.direction.elevationRad, expected.elevationRad, 1e-9);
         }
         EXPECT_EQ(visible, plan.View().visible[static_cast<std::size_t>(k)]) << k;
     }

@@ -17,6 +17,7 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -56,17 +57,13 @@ TEST_F(SettingsTest, OfThePlanComeBackAsTheyWereSaved)
 TEST_F(SettingsTest, OfThePlanFitTheControlsWhateverIsStored)
 {
     using S = PlanSettings;
-    struct Row
-    {
-        const char* fault;
-        const wchar_t* key; ///< below that of the plan
-        const wchar_t* name;
-        std::uint32_t stored;
-        void (*fit)(S&); ///< makes of the settings of a new user what is loaded
-    };
     const wchar_t* const own = L"";
     const wchar_t* const limits = L"\\Conditions";
     constexpr std::uint32_t kMost = 0xFFFFFFFF;
+    // The keys are those below the key of the plan.
+    // Each row ends with what makes of the settings of a new user what is loaded.
+    using Row =
+        std::tuple<const char*, const wchar_t*, const wchar_t*, std::uint32_t, void (*)(S&)>;
     const Row rows[] = {
         {"mask above the zenith", own, L"ElMask", 91, [](S& s) { s.elMaskDeg = 90; }},
         {"mask below the horizon", own, L"ElMask", kMost - 9, [](S& s) { s.elMaskDeg = 0; }},
@@ -82,13 +79,13 @@ TEST_F(SettingsTest, OfThePlanFitTheControlsWhateverIsStored)
         {"days", limits, L"MinMinutes", 1U << 31, [](S& s) { s.limits.minLength = minutes(720); }},
         {"all satellites off", limits, L"SwitchedOff", kMost, [](S&) {}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, below, name, stored, fit] : rows) {
+        SCOPED_TRACE(fault);
         ASSERT_EQ(SavePlanSettings(m_reg, {}), 1);
-        const std::wstring key = std::wstring(L"GPS\\SurveyPlan") + row.key;
-        ASSERT_EQ(m_reg.WriteNumber(key.c_str(), row.name, row.stored), 1);
+        const std::wstring key = std::wstring(L"GPS\\SurveyPlan") + below;
+        ASSERT_EQ(m_reg.WriteNumber(key.c_str(), name, stored), 1);
         PlanSettings expected;
-        row.fit(expected);
+        fit(expected);
         EXPECT_EQ(LoadPlanSettings(m_reg), expected);
     }
     ASSERT_EQ(m_reg.WriteString(L"GPS\\SurveyPlan", L"ElMask", L"thirty"), 1);
@@ -183,18 +180,10 @@ TEST_F(PlanSessionTest, TellsOfAnOldAlmanacAndUsesIt)
 
 TEST_F(PlanSessionTest, KeepsTheRulesOfItsSpins)
 {
-    struct Row
-    {
-        const char* rule;
-        int startHour;
-        int hours;
-        PlanSession::Spins (PlanSession::*move)(int);
-        int to;
-        PlanSession::Spins spins;
-        int hoursThen;
-    };
     constexpr auto kStart = &PlanSession::MoveStart;
     constexpr auto kEnd = &PlanSession::MoveEnd;
+    using Row = std::tuple<const char*, int, int, PlanSession::Spins (PlanSession::*)(int), int,
+                           PlanSession::Spins, int>;
     const Row rows[] = {
         {"the period moves along", 9, 2, kStart, 10, {10, 12}, 2},
         {"midnight takes an hour", 22, 2, kStart, 23, {23, 24}, 1},
@@ -208,12 +197,11 @@ TEST_F(PlanSessionTest, KeepsTheRulesOfItsSpins)
         {"no hour of a day", 5, 4, kEnd, 0, {9, 11}, 2},
         {"nor this one", 5, 4, kEnd, 25, {9, 11}, 2},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.rule);
-        const PlanSession::Spins spins = Moved(row.startHour, row.hours, row.move, row.to);
-        EXPECT_EQ(spins.start, row.spins.start);
-        EXPECT_EQ(spins.end, row.spins.end);
-        EXPECT_EQ(m_session.Settings().hours, row.hoursThen);
+    for (const auto& [rule, startHour, hours, move, to, expected, hoursThen] : rows) {
+        SCOPED_TRACE(rule);
+        const PlanSession::Spins spins = Moved(startHour, hours, move, to);
+        EXPECT_EQ(std::tie(spins.start, spins.end), std::tie(expected.start, expected.end));
+        EXPECT_EQ(m_session.Settings().hours, hoursThen);
     }
 }
 

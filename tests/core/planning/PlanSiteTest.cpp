@@ -10,9 +10,9 @@
 #include "core/platform/Cp932.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
-#include <cmath>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -61,39 +61,26 @@ TEST(PlanSite, IsReadFromTheSiteFile)
     EXPECT_TRUE(ReadSite(folder.Path(), L"nothing").IsEmpty());
 
     constexpr double kKept = 99.0; // the height before
-    struct Row
-    {
-        const wchar_t* name;
-        double latitudeRad;
-        double longitudeDeg;
-        double heightM;
-    };
-    const Row rows[] = {
+    const std::tuple<const wchar_t*, double, double, double> rows[] = {
         {L"基準点", RadiansOf(36.0), 140.0 + 5.5 / 60.0, 72.5},
         {L"no height", 50.0, 140.0, kKept},
         {L"only height", RadiansOf(35.0), 139.0, -3.0},
         {L"nothing", 50.0, 139.0, kKept},
         {L"unknown", 50.0, 139.0, kKept},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ToCp932(row.name));
+    for (const auto& [name, latitudeRad, longitudeDeg, heightM] : rows) {
+        SCOPED_TRACE(ToCp932(name));
         Observer observer{1.0, 1.0, kKept};
-        ReadPosition(folder.Path(), row.name, observer);
-        EXPECT_NEAR(observer.latitudeRad, row.latitudeRad, 1e-15);
-        EXPECT_NEAR(DegreesOf(observer.longitudeRad), row.longitudeDeg, 1e-12);
-        EXPECT_EQ(observer.heightM, row.heightM);
+        ReadPosition(folder.Path(), name, observer);
+        EXPECT_NEAR(observer.latitudeRad, latitudeRad, 1e-15);
+        EXPECT_NEAR(DegreesOf(observer.longitudeRad), longitudeDeg, 1e-12);
+        EXPECT_EQ(observer.heightM, heightM);
     }
 }
 
 TEST(PackedDegrees, AreWrittenAsTheyAreRead)
 {
-    struct Row
-    {
-        double degrees;
-        int decimals;
-        const wchar_t* text;
-    };
-    const Row rows[] = {
+    const std::tuple<double, int, const wchar_t*> rows[] = {
         {35.0 + 41.0 / 60.0 + 38.25 / 3600.0, 2, L"35.413825"},
         {139.75, 0, L"139.4500"},
         {-0.5, 1, L"-0.30000"},
@@ -101,9 +88,8 @@ TEST(PackedDegrees, AreWrittenAsTheyAreRead)
         {0.0, 0, L"0.0000"},
         {-1e-12, 3, L"0.0000000"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(FormatPackedDegrees(RadiansOf(row.degrees), row.decimals), row.text)
-            << row.degrees;
+    for (const auto& [degrees, decimals, text] : rows) {
+        EXPECT_EQ(FormatPackedDegrees(RadiansOf(degrees), decimals), text) << degrees;
     }
 }
 
@@ -182,13 +168,7 @@ TEST(SitesCsv, AreReadOrTheLineIsNamed)
     EXPECT_EQ(good.sites[2].name, L"the \"rock\"");
     EXPECT_EQ(ParseSitesCsv(ToCp932(L"表,35,139")).sites.at(0).name, L"表");
 
-    struct Row
-    {
-        const char* text;
-        int line;
-        const char* field;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, int, const char*> rows[] = {
         {"", 0, ""},
         {"name,lat,lon\n", 0, ""},
         {"A,35,139\nB,35\n", 2, ""},
@@ -201,12 +181,11 @@ TEST(SitesCsv, AreReadOrTheLineIsNamed)
         {"A,nan,139\n", 1, "latitude"},
         {"lat,lon,name\n35,139,A\n", 2, "latitude"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const SitesCsv result = ParseSitesCsv(row.text);
+    for (const auto& [text, line, field] : rows) {
+        SCOPED_TRACE(text);
+        const SitesCsv result = ParseSitesCsv(text);
         ASSERT_TRUE(result.error && result.sites.empty());
-        EXPECT_EQ(result.error->line, row.line) << result.error->message;
-        EXPECT_EQ(result.error->field, row.field) << result.error->message;
+        EXPECT_EQ(std::tie(result.error->line, result.error->field), std::tie(line, field));
     }
 }
 
@@ -237,13 +216,7 @@ TEST(SiteInput, IsReadOrTheFieldIsNamed)
     EXPECT_NEAR(DegreesOf(site.observer.longitudeRad), -139.5, 1e-12);
     EXPECT_EQ(site.observer.heightM, 12.5);
 
-    struct Row
-    {
-        std::wstring SiteInput::*field;
-        std::wstring typed;
-        std::optional<SiteField> fault;
-    };
-    const Row rows[] = {
+    const std::tuple<std::wstring SiteInput::*, std::wstring, std::optional<SiteField>> rows[] = {
         {&SiteInput::name, L"\u3000", SiteField::Name},
         {&SiteInput::name, L"a]b", SiteField::Name},
         {&SiteInput::name, L"snow \u2603 man \U0001F600", SiteField::Name},
@@ -268,15 +241,15 @@ TEST(SiteInput, IsReadOrTheFieldIsNamed)
         {&SiteInput::height, L"12." + std::wstring(18, L'5'), std::nullopt}, // 21 characters
         {&SiteInput::height, L"12." + std::wstring(19, L'5'), SiteField::Height},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ToCp932(row.typed));
+    for (const auto& [field, typed, wrong] : rows) {
+        SCOPED_TRACE(ToCp932(typed));
         SiteInput input = good;
-        input.*row.field = row.typed;
+        input.*field = typed;
         ListedSite untouched{L"before", {}};
         const std::optional<SiteFault> fault = CheckSite(input, untouched);
-        ASSERT_EQ(fault.has_value(), row.fault.has_value());
+        ASSERT_EQ(fault.has_value(), wrong.has_value());
         if (fault) {
-            EXPECT_EQ(fault->field, *row.fault);
+            EXPECT_EQ(fault->field, *wrong);
             EXPECT_EQ(untouched.name, L"before");
         }
     }

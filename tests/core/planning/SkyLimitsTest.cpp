@@ -4,6 +4,7 @@
 #include <limits>
 #include <numbers>
 #include <string_view>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -33,15 +34,7 @@ TEST(SkyLimits, PassesWhatStandsOnALimitAndNothingBelow)
     house[90] = 30;
     house[200] = 91; // what nothing passes
     house[359] = 20;
-    struct Row
-    {
-        std::string_view what;
-        double maskRad;
-        double azimuthRad;
-        double elevationRad;
-        bool passes;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string_view, double, double, double, bool> rows[] = {
         {"on the horizon", 0.0, Rad(45), 0.0, true},
         {"below the horizon", 0.0, Rad(45), -1e-15, false},
         {"below the horizon, mask lower still", -1.0, Rad(45), -1e-15, false},
@@ -64,13 +57,13 @@ TEST(SkyLimits, PassesWhatStandsOnALimitAndNothingBelow)
         {"curtain above the zenith", 0.0, Rad(200.5), Rad(90), false},
         {"azimuth is no number", 0.0, kNan, Rad(50), false},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const SkyLimits limits(row.maskRad, house);
-        EXPECT_EQ(limits.Pass({row.azimuthRad, row.elevationRad}), row.passes);
-        const auto verdict = limits.Judge(At(row.azimuthRad, row.elevationRad));
+    for (const auto& [what, maskRad, azimuthRad, elevationRad, passes] : rows) {
+        SCOPED_TRACE(what);
+        const SkyLimits limits(maskRad, house);
+        EXPECT_EQ(limits.Pass({azimuthRad, elevationRad}), passes);
+        const auto verdict = limits.Judge(At(azimuthRad, elevationRad));
         if (verdict != SkyLimits::Verdict::TooClose) {
-            EXPECT_EQ(verdict == SkyLimits::Verdict::Visible, row.passes);
+            EXPECT_EQ(verdict == SkyLimits::Verdict::Visible, passes);
         }
     }
 }
@@ -79,15 +72,8 @@ TEST(SkyLimits, LeavesWhatRoundingDecidesToTheRule)
 {
     ObstructionCurtain house{};
     house[90] = 30;
-    struct Row
-    {
-        std::string_view what;
-        double azimuthDeg;
-        double elevationDeg;
-        SkyLimits::Verdict verdict;
-    };
     using enum SkyLimits::Verdict;
-    const Row rows[] = {
+    const std::tuple<std::string_view, double, double, SkyLimits::Verdict> rows[] = {
         {"at the mask", 45.5, 15.0, TooClose},
         {"at the curtain", 90.5, 30.0, TooClose},
         {"between curtain and open sky", 91.0, 20.0, TooClose},
@@ -97,10 +83,10 @@ TEST(SkyLimits, LeavesWhatRoundingDecidesToTheRule)
         {"below all limits an azimuth does not matter", 91.0, 10.0, Hidden},
     };
     const SkyLimits limits(Rad(15), house);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const EastNorthUp enu = At(Rad(row.azimuthDeg), Rad(row.elevationDeg));
-        EXPECT_EQ(limits.Judge(enu), row.verdict);
+    for (const auto& [what, azimuthDeg, elevationDeg, verdict] : rows) {
+        SCOPED_TRACE(what);
+        const EastNorthUp enu = At(Rad(azimuthDeg), Rad(elevationDeg));
+        EXPECT_EQ(limits.Judge(enu), verdict);
     }
 }
 

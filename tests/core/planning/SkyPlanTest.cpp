@@ -72,10 +72,11 @@ TEST(SkyPlan, SeesWhatStandsOverTheSite)
         const double gpsS = GpsSecondsOfUtc(std::chrono::sys_days(2020y / 6 / 25) + 10h + k * 5min);
         int count = 0;
         for (int index = 0; index < 6; ++index) {
-            const auto place = plan.GetConstellations().Position(
-                plan.Satellites()[static_cast<std::size_t>(index)], gpsS);
-            ASSERT_TRUE(place);
-            const EastNorthUp enu = frame.ToLocal(*place);
+            const auto place =
+                plan.GetConstellations()
+                    .Position(plan.Satellites()[static_cast<std::size_t>(index)], gpsS)
+                    .value();
+            const EastNorthUp enu = frame.ToLocal(place);
             const SkyDirection expected = enu.ToDirection(enu.Range());
             const auto direction = plan.DirectionAt(index, k);
             ASSERT_EQ(direction.has_value(), expected.elevationRad >= 10 * std::numbers::pi / 180);

@@ -8,12 +8,11 @@
 #include "tests/core/planning/SampleSky.h"
 #include "tests/support/Hex.h"
 
-#include <algorithm>
 #include <cmath>
-#include <initializer_list>
 #include <limits>
 #include <numbers>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -39,17 +38,10 @@ CAlmanacSatellite Loaded(const AlmanacRecord& record)
 
 TEST(CAlmanacSatellite, StandsWhereAnIndependentComputationPutsIt)
 {
-    struct Row
-    {
-        std::string_view what;
-        double eccentricity;
-        double fromToaS;
-        int week; // of the request and, unless tk shifts it, of the almanac
-        Observer observer;
-    };
     const Observer tokyo;
     const Observer south{-0.6, -1.2, 2500.0};
-    const Row rows[] = {
+    // The week is that of the request and, unless tk shifts it, of the almanac.
+    const std::tuple<std::string_view, double, double, int, Observer> rows[] = {
         {"at toa", 0.01, 0.0, kSampleWeek, tokyo},
         {"circular", 0.0, 5000.0, kSampleWeek, tokyo},
         {"some hours before toa", 0.02, -20000.0, kSampleWeek, tokyo},
@@ -62,17 +54,17 @@ TEST(CAlmanacSatellite, StandsWhereAnIndependentComputationPutsIt)
         {"from the equator at Greenwich", 0.008, 7000.0, kSampleWeek, {0.0, 0.0, 0.0}},
         {"from the north pole", 0.008, 7000.0, kSampleWeek, {1.5, 0.3, 0.0}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, eccentricity, fromToaS, week, observer] : rows) {
+        SCOPED_TRACE(what);
         for (int prn = 1; prn <= 30; ++prn) {
             AlmanacRecord record = SampleSatellite(prn);
-            record.eccentricity = row.eccentricity;
-            record.week = static_cast<std::int16_t>(row.week);
+            record.eccentricity = eccentricity;
+            record.week = static_cast<std::int16_t>(week);
             CAlmanacSatellite satellite = Loaded(record);
-            const GpsEpoch epoch{row.week, record.toaS + row.fromToaS};
-            satellite.SetObserver(row.observer);
+            const GpsEpoch epoch{week, record.toaS + fromToaS};
+            satellite.SetObserver(observer);
             satellite.SetTime(epoch);
-            const auto expected = PlaceOf(record, row.fromToaS, row.observer);
+            const auto expected = PlaceOf(record, fromToaS, observer);
             EXPECT_EQ(satellite.Compute(), expected.elevationRad >= 0.0);
             const Ecef position = satellite.GetPosition();
             EXPECT_LT(std::hypot(position.x - expected.position.x, position.y - expected.position.y,
@@ -87,14 +79,7 @@ TEST(CAlmanacSatellite, StandsWhereAnIndependentComputationPutsIt)
 
 TEST(CAlmanacSatellite, CountsWeeksInTheCycleOfTenBits)
 {
-    struct Row
-    {
-        std::string_view what;
-        int week;
-        std::int16_t almanacWeek;
-        double tkS;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string_view, int, std::int16_t, double> rows[] = {
         {"both full", 2201, 2200, kWeekS},
         {"request full, almanac 10-bit", 1300, 276, 0.0},
         {"request 10-bit, almanac full", 276, 1300, 0.0},
@@ -103,12 +88,12 @@ TEST(CAlmanacSatellite, CountsWeeksInTheCycleOfTenBits)
         {"week 1024 is week 0", 1024, 1023, -1023 * kWeekS},
         {"not folded into half a week", 105, 100, 5 * kWeekS},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, week, almanacWeek, tkS] : rows) {
+        SCOPED_TRACE(what);
         AlmanacRecord record = SampleSatellite(3);
-        record.week = row.almanacWeek;
+        record.week = almanacWeek;
         const double toaS = AlmanacOrbit(record).Constants().toaCountS;
-        EXPECT_EQ(AlmanacOrbit::CountOf({row.week, record.toaS + 7.0}) - toaS, row.tkS + 7.0);
+        EXPECT_EQ(AlmanacOrbit::CountOf({week, record.toaS + 7.0}) - toaS, tkS + 7.0);
     }
 }
 
@@ -156,29 +141,16 @@ TEST(CAlmanacSatellite, IsNotAboveTheHorizonWhenItsRecordIsUnusable)
 
 TEST(AlmanacRecord, HasEveryFieldWhereTheFileHasIt)
 {
-    AlmanacRecord record;
-    record.prn = 32;
-    record.timeStamp = 0x89ABCDEF;
-    record.week = -2;
-    record.toaS = 405504; // 0x63000
-    record.sqrtA = 1.5;   // 0x3FF8 and zeros
-    record.eccentricity = -2.0;
-    record.inclination = 2.5;
-    record.omegaDot = 3.0;
-    record.omega0 = 3.5;
-    record.omega = 5.0;
-    record.m0 = 6.0;
-    record.health = 63;
-    const auto bytes = testing::Hex("20000000 EFCDAB89 FEFF0000 00300600"
-                                    "000000000000F83F 00000000000000C0"
-                                    "0000000000000440 0000000000000840"
-                                    "0000000000000C40 0000000000001440"
-                                    "0000000000001840 3F00000000000000");
-    AlmanacBytes expected{};
-    ASSERT_EQ(bytes.size(), expected.size());
-    std::copy(bytes.begin(), bytes.end(), expected.begin());
-    EXPECT_EQ(EncodeAlmanac(record), expected);
-    EXPECT_EQ(EncodeAlmanac(DecodeAlmanac(expected)), expected);
+    // 405504 is 0x63000, and 1.5 is 0x3FF8 and zeros.
+    const AlmanacRecord record{32, 0x89ABCDEF, -2, 405504, 1.5, -2.0, 2.5, 3.0, 3.5, 5.0, 6.0, 63};
+    const AlmanacBytes encoded = EncodeAlmanac(record);
+    EXPECT_EQ(std::vector<std::uint8_t>(encoded.begin(), encoded.end()),
+              testing::Hex("20000000 EFCDAB89 FEFF0000 00300600"
+                           "000000000000F83F 00000000000000C0"
+                           "0000000000000440 0000000000000840"
+                           "0000000000000C40 0000000000001440"
+                           "0000000000001840 3F00000000000000"));
+    EXPECT_EQ(EncodeAlmanac(DecodeAlmanac(encoded)), encoded);
 }
 
 AlmanacRecord WithPrn(AlmanacRecord record, std::uint8_t prn)
@@ -281,9 +253,7 @@ TEST(CSurveyPlanCalc, NeedsFourSatellitesForADilution)
     EXPECT_NE(calc.ComputeDop().pdop, 16.0);
     EXPECT_EQ(leave(3), 3);
     const DopValues none = calc.ComputeDop();
-    EXPECT_EQ(none.pdop, 16.0);
-    EXPECT_EQ(none.gdop, 16.0);
-    EXPECT_EQ(none.tdop, 16.0);
+    EXPECT_EQ(std::tie(none.pdop, none.gdop, none.tdop), std::tuple(16.0, 16.0, 16.0));
 }
 
 TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
@@ -295,15 +265,14 @@ TEST(CSurveyPlanCalc, PassesASatelliteThatStandsExactlyOnTheMask)
         ASSERT_TRUE(calc.LoadAlmanac(FileOf({SampleSatellite(prn)})));
         calc.SetTime(epoch.week, epoch.sowS);
         const auto position =
-            PositionOf(OrbitOf(KeplerElements(SampleSatellite(prn))), AlmanacOrbit::CountOf(epoch));
-        ASSERT_TRUE(position);
-        const auto direction = ReferenceDirection(Observer{}, *position);
-        ASSERT_TRUE(direction);
-        if (direction->elevationRad > 0.0) {
+            PositionOf(OrbitOf(KeplerElements(SampleSatellite(prn))), AlmanacOrbit::CountOf(epoch))
+                .value();
+        const auto direction = ReferenceDirection(Observer{}, position).value();
+        if (direction.elevationRad > 0.0) {
             ++tested;
-            calc.SetElMask(direction->elevationRad);
+            calc.SetElMask(direction.elevationRad);
             EXPECT_EQ(calc.TestVisibility(prn - 1), 1) << prn;
-            calc.SetElMask(std::nextafter(direction->elevationRad, 2.0));
+            calc.SetElMask(std::nextafter(direction.elevationRad, 2.0));
             EXPECT_EQ(calc.TestVisibility(prn - 1), 0) << prn;
         }
     }
@@ -326,18 +295,15 @@ TEST(AlmanacTime, IsTheLatestOfTheValidSatellites)
                 of(4, -1, 405504), of(5, kSampleWeek, 604801), of(6, 1100, 604800)})));
     EXPECT_EQ((AlmanacTime(calc).GetUtcTime() - CGPSTime::m_OriginalTime).GetTotalSeconds(),
               (kSampleWeek + 1) * 604800LL + 61440);
-    struct Row
-    {
-        const char* what;
-        int switchedOff; // besides those above
-        int week;
-    };
-    for (const Row& row : {Row{"the latest is switched off", 1, kSampleWeek},
-                           {"a 10-bit week", 0, 1200},
-                           {"at the very end of its week", 2, 1101},
-                           {"a time that is none never wins", 5, 1024}}) {
-        calc.SetUse(row.switchedOff, 0);
-        EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), row.week) << row.what;
+    // Each is switched off besides those above.
+    constexpr std::tuple<const char*, int, int> kRows[] = {
+        {"the latest is switched off", 1, kSampleWeek},
+        {"a 10-bit week", 0, 1200},
+        {"at the very end of its week", 2, 1101},
+        {"a time that is none never wins", 5, 1024}};
+    for (const auto& [what, switchedOff, week] : kRows) {
+        calc.SetUse(switchedOff, 0);
+        EXPECT_EQ(AlmanacTime(calc).GetGpsWeek(), week) << what;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -21,13 +22,13 @@ inline constexpr std::string_view kTokyo = "Asia/Tokyo";
 inline constexpr std::string_view kUtc = "UTC";
 inline constexpr std::string_view kNewYork = "America/New_York";
 
-/// The rows of a table that are for this zone.
+/// The rows of a table that are for this zone, which stands first in them.
 template <class Row, std::size_t count>
 std::vector<Row> RowsOfThisZone(const Row (&rows)[count])
 {
     std::vector<Row> mine;
     for (const Row& row : rows) {
-        if (row.zone == Zone()) {
+        if (std::get<0>(row) == Zone()) {
             mine.push_back(row);
         }
     }

@@ -31,8 +31,7 @@ TEST(Cp932, ReadsBytes)
         {"lead byte before such a byte", "\x93\xFF\x93\x8C", L"??\u6771"},
     };
     for (const auto& [fault, bytes, text] : rows) {
-        SCOPED_TRACE(fault);
-        EXPECT_EQ(FromCp932(bytes), text);
+        EXPECT_EQ(FromCp932(bytes), text) << fault;
     }
 }
 
@@ -58,8 +57,7 @@ TEST(Cp932, WritesText)
         {"beyond Unicode", std::wstring(1, static_cast<wchar_t>(0x7FFFFFFF)), "?"},
     };
     for (const auto& [fault, text, bytes] : rows) {
-        SCOPED_TRACE(fault);
-        EXPECT_EQ(ToCp932(text), bytes);
+        EXPECT_EQ(ToCp932(text), bytes) << fault;
     }
 }
 
@@ -76,8 +74,7 @@ TEST(Cp932, FillsAField)
         {"no room", L"A", 0, ""},
     };
     for (const auto& [fault, text, width, field] : rows) {
-        SCOPED_TRACE(fault);
-        EXPECT_EQ(ToCp932Field(text, width), field);
+        EXPECT_EQ(ToCp932Field(text, width), field) << fault;
     }
 }
 

@@ -38,8 +38,7 @@ TEST(NumberText, ReadsTheNumberAtTheStart)
         {"too large", L"1e999", kInfinity},
     };
     for (const auto& [fault, text, value] : rows) {
-        SCOPED_TRACE(fault);
-        EXPECT_EQ(ParseReal(text), value);
+        EXPECT_EQ(ParseReal(text), value) << fault;
     }
     EXPECT_TRUE(std::isnan(ParseReal(L"nan")));
 }
@@ -56,8 +55,7 @@ TEST(NumberText, WritesDecimals)
         {"infinity", -kInfinity, 2, L"-inf"},
     };
     for (const auto& [fault, value, decimals, text] : rows) {
-        SCOPED_TRACE(fault);
-        EXPECT_EQ(FormatFixed(value, decimals), text);
+        EXPECT_EQ(FormatFixed(value, decimals), text) << fault;
     }
     EXPECT_EQ(FormatFixed(-std::numeric_limits<double>::max(), 255).size(), 1U + 309U + 1U + 255U);
     EXPECT_EQ(FormatGeneral(1e30), L"1e+30");

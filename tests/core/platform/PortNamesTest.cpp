@@ -34,9 +34,8 @@ TEST(PortNames, ReadWhatAPersonWrites)
         SCOPED_TRACE(fault);
         const PortNameResult result = names.Parse(name);
         ASSERT_TRUE(result.port) << result.fault;
-        EXPECT_EQ(result.port->kind, kind);
-        EXPECT_EQ(result.port->path, path);
-        EXPECT_EQ(result.port->scenario, scenario);
+        const NamedPort& port = *result.port;
+        EXPECT_EQ(std::tie(port.kind, port.path, port.scenario), std::tie(kind, path, scenario));
     }
 }
 

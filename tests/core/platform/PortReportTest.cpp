@@ -79,8 +79,7 @@ TEST(PortReport, NamesTheTroubleAndTheCommand)
         PortFacts facts = GoodPort();
         spoil(facts);
         const PortReport report = ExplainPort(facts);
-        EXPECT_EQ(report.trouble, trouble);
-        EXPECT_EQ(report.command, command);
+        EXPECT_EQ(std::tie(report.trouble, report.command), std::tie(trouble, command));
         EXPECT_FALSE(report.text.empty());
     }
 }

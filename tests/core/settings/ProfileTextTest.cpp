@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -24,14 +25,9 @@ std::string Utf16(std::wstring_view text)
 
 TEST(ProfileText, FindsTheEntry)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string content;
-        std::optional<std::wstring> value; ///< of K in section S
-    };
     const std::string fill(254, 'x');
-    const Row rows[] = {
+    // The value is that of K in section S.
+    const std::tuple<const char*, std::string, std::optional<std::wstring>> rows[] = {
         {"plain", "[S]\r\nK=v\r\n", L"v"},
         {"empty file", "", std::nullopt},
         {"empty value taken for none", "[S]\r\nK=\r\n", L""},
@@ -77,9 +73,8 @@ TEST(ProfileText, FindsTheEntry)
         {"UTF-16 with half a character", Utf16(L"[S]\r\nK=v") + "x", L"v"},
         {"only a mark", "\xFF\xFE", std::nullopt},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(ProfileText(row.content).Value(L"S", L"K"), row.value);
+    for (const auto& [fault, content, value] : rows) {
+        EXPECT_EQ(ProfileText(content).Value(L"S", L"K"), value) << fault;
     }
 }
 
@@ -95,14 +90,9 @@ TEST(ProfileText, ReadsNamesWhoseSecondByteIsABracketOrBackslash)
 
 TEST(ProfileText, SetsAnEntry)
 {
-    struct Row
-    {
-        const char* fault;
-        std::string before;
-        std::optional<std::string> after; ///< K=v set in section S
-    };
     const std::string far(300, 'y');
-    const Row rows[] = {
+    // Before and after K=v is set in section S.
+    const std::tuple<const char*, std::string, std::optional<std::string>> rows[] = {
         {"new file", "", "[S]\r\nK=v\r\n"},
         {"new section", "[A]\r\nK=a\r\n", "[A]\r\nK=a\r\n[S]\r\nK=v\r\n"},
         {"new section behind a line without end", "[A]", "[A]\r\n[S]\r\nK=v\r\n"},
@@ -126,23 +116,14 @@ TEST(ProfileText, SetsAnEntry)
         {"UTF-16 without line end", Utf16(L"[S]\r\nA=1"), Utf16(L"[S]\r\nA=1\r\nK=v\r\n")},
         {"UTF-16 with half a character", Utf16(L"[S]\r\n") + "x", Utf16(L"[S]\r\nK=v\r\n")},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(ProfileText(row.before).WithEntry(L"S", L"K", L"v"), row.after);
+    for (const auto& [fault, before, after] : rows) {
+        EXPECT_EQ(ProfileText(before).WithEntry(L"S", L"K", L"v"), after) << fault;
     }
 }
 
 TEST(ProfileText, RefusesWhatItCouldNotFindAgain)
 {
-    struct Row
-    {
-        const char* fault;
-        std::wstring section;
-        std::wstring key;
-        std::wstring value;
-        bool written;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::wstring, std::wstring, std::wstring, bool> rows[] = {
         {"the longest line", L"S", L"K", std::wstring(254, L'v'), true},
         {"line too long", L"S", L"K", std::wstring(255, L'v'), false},
         {"the longest section", std::wstring(254, L's'), L"K", L"v", true},
@@ -155,12 +136,12 @@ TEST(ProfileText, RefusesWhatItCouldNotFindAgain)
         {"line end in a section", L"S]\n[T", L"K", L"v", false},
         {"NUL in a value", L"S", L"K", std::wstring(L"v\0", 2), false},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const auto written = ProfileText("").WithEntry(row.section, row.key, row.value);
-        EXPECT_EQ(written.has_value(), row.written);
+    for (const auto& [fault, section, key, value, isWritten] : rows) {
+        SCOPED_TRACE(fault);
+        const auto written = ProfileText("").WithEntry(section, key, value);
+        EXPECT_EQ(written.has_value(), isWritten);
         if (written) {
-            EXPECT_TRUE(ProfileText(*written).Value(row.section, row.key));
+            EXPECT_TRUE(ProfileText(*written).Value(section, key));
         }
     }
 }
@@ -170,14 +151,10 @@ TEST(ProfileText, SetsManySectionsAtOnce)
     const ProfileEntry both[] = {{L"K", L"1"}, {L"L", L"2"}};
     const ProfileEntry twice[] = {{L"K", L"0"}, {L"K", L"1"}};
     const ProfileSection known[] = {{L"S", both}, {L"T", both}};
-    struct Row
-    {
-        std::string_view what;
-        std::span<const ProfileSection> sections;
-        std::string_view before, after;
-    };
     const ProfileSection again[] = {{L"T", twice}};
     const ProfileSection added[] = {{L"N", both}, {L"S", both}};
+    using Row = std::tuple<std::string_view, std::span<const ProfileSection>, std::string_view,
+                           std::string_view>;
     const Row rows[] = {
         {"one entry replaced, one put before the empty line", known,
          "[S]\r\nL=9\r\nx\r\n\r\ny\r\n[T]\r\nK=9",
@@ -189,9 +166,8 @@ TEST(ProfileText, SetsManySectionsAtOnce)
         {"a new section behind a known one without a line end", added, "[S]",
          "[S]\r\nK=1\r\nL=2\r\n[N]\r\nK=1\r\nL=2\r\n"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(ProfileText(std::string(row.before)).WithSections(row.sections), row.after);
+    for (const auto& [what, sections, before, after] : rows) {
+        EXPECT_EQ(ProfileText(std::string(before)).WithSections(sections), after) << what;
     }
     const ProfileSection newTwice[] = {{L"N", both}, {L"N", both}};
     EXPECT_EQ(ProfileText("").WithSections(newTwice), std::nullopt);

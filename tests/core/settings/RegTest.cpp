@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -43,16 +44,7 @@ TEST_F(Reg, GivesTheDefaultForWhatItCannotRead)
     m_reg.WriteString(L"K", L"digits", L"7");
     m_reg.WriteNumber(L"K\\Removed", L"number", 7);
     m_reg.DeleteKey(L"K", L"Removed");
-    struct Row
-    {
-        const char* fault;
-        const wchar_t* key;
-        const wchar_t* name;
-        int asText;
-        int asNumber;
-        int asBytes;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const wchar_t*, const wchar_t*, int, int, int> rows[] = {
         {"a number read as text or bytes", L"K", L"number", 0, 1, 0},
         {"a text read as number or bytes", L"K", L"text", 1, 0, 0},
         {"bytes read as text or number", L"K", L"bytes", 0, 0, 1},
@@ -60,29 +52,23 @@ TEST_F(Reg, GivesTheDefaultForWhatItCannotRead)
         {"found without its name", L"K", L"missing", 0, 0, 1}, // bytes get their default written
         {"found in a removed key", L"K\\Removed", L"number", 0, 0, 1},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, key, name, asText, asNumber, asBytes] : rows) {
+        SCOPED_TRACE(fault);
         std::wstring text = L"before";
-        EXPECT_EQ(m_reg.ReadString(row.key, row.name, text, L"default"), row.asText);
-        EXPECT_EQ(text == L"default", row.asText == 0);
+        EXPECT_EQ(m_reg.ReadString(key, name, text, L"default"), asText);
+        EXPECT_EQ(text == L"default", asText == 0);
         std::uint32_t number = 1;
-        EXPECT_EQ(m_reg.ReadNumber(row.key, row.name, number, 99), row.asNumber);
-        EXPECT_EQ(number, row.asNumber != 0 ? 7U : 99U);
+        EXPECT_EQ(m_reg.ReadNumber(key, name, number, 99), asNumber);
+        EXPECT_EQ(number, asNumber != 0 ? 7U : 99U);
         std::array<std::uint8_t, 3> bytes{1, 1, 1};
-        EXPECT_EQ(m_reg.ReadBinary(row.key, row.name, bytes, Bytes{9, 9, 9}), row.asBytes);
-        EXPECT_EQ(bytes[2], row.asBytes != 0 && bytes[0] == 7 ? 7 : 9);
+        EXPECT_EQ(m_reg.ReadBinary(key, name, bytes, Bytes{9, 9, 9}), asBytes);
+        EXPECT_EQ(bytes[2], asBytes != 0 && bytes[0] == 7 ? 7 : 9);
     }
 }
 
 TEST_F(Reg, ReadsTextOfAtMost255Units)
 {
-    struct Row
-    {
-        const char* fault;
-        std::wstring stored;
-        int read;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::wstring, int> rows[] = {
         {"the longest text refused", std::wstring(255, L'x'), 1},
         {"one too many accepted", std::wstring(256, L'x'), 0},
         {"units not counted, but bytes", std::wstring(255, L'\u6E2C'), 1},
@@ -91,71 +77,60 @@ TEST_F(Reg, ReadsTextOfAtMost255Units)
         {"empty text taken for missing", L"", 1},
         {"not cut at a NUL", std::wstring(L"a\0b", 3), 1},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(m_reg.WriteString(L"K", L"text", row.stored), 1);
+    for (const auto& [fault, stored, read] : rows) {
+        SCOPED_TRACE(fault);
+        EXPECT_EQ(m_reg.WriteString(L"K", L"text", stored), 1);
         std::wstring text;
-        EXPECT_EQ(m_reg.ReadString(L"K", L"text", text, L"default"), row.read);
-        EXPECT_EQ(text, row.read != 0 ? row.stored.c_str() : L"default");
+        EXPECT_EQ(m_reg.ReadString(L"K", L"text", text, L"default"), read);
+        EXPECT_EQ(text, read != 0 ? stored.c_str() : L"default");
     }
 }
 
 TEST_F(Reg, MeansTheSameKeyByDifferentPaths)
 {
-    struct Row
-    {
-        const char* fault;
-        const wchar_t* base;
-        const wchar_t* subkey;
-        const wchar_t* name;
-        std::uint32_t number = 15;
-    };
     m_reg.WriteNumber(L"Software\\Host\\GPS", L"Mask", 15);
     m_reg.WriteNumber(L"ключ\\Ωμέγα\\ＡＢＣ", L"Mask", 15);
+    using Row =
+        std::tuple<const char*, const wchar_t*, const wchar_t*, const wchar_t*, std::uint32_t>;
     const Row rows[] = {
-        {"base and subkey not joined", L"Software\\Host", L"GPS", L"Mask"},
-        {"base alone", L"Software\\Host\\GPS", L"", L"Mask"},
-        {"subkey alone", L"", L"Software\\Host\\GPS", L"Mask"},
-        {"separator at the end", L"Software\\Host\\", L"GPS\\", L"Mask"},
-        {"case of a key", L"SOFTWARE\\host", L"gps", L"Mask"},
-        {"case of a value", L"Software\\Host", L"GPS", L"MASK"},
-        {"case of Greek, Cyrillic and wide letters", L"КЛЮЧ", L"ωΜέΓα\\ａｂｃ", L"Mask"},
+        {"base and subkey not joined", L"Software\\Host", L"GPS", L"Mask", 15},
+        {"base alone", L"Software\\Host\\GPS", L"", L"Mask", 15},
+        {"subkey alone", L"", L"Software\\Host\\GPS", L"Mask", 15},
+        {"separator at the end", L"Software\\Host\\", L"GPS\\", L"Mask", 15},
+        {"case of a key", L"SOFTWARE\\host", L"gps", L"Mask", 15},
+        {"case of a value", L"Software\\Host", L"GPS", L"MASK", 15},
+        {"case of Greek, Cyrillic and wide letters", L"КЛЮЧ", L"ωΜέΓα\\ａｂｃ", L"Mask", 15},
         {"another key", L"Software\\Host", L"GPS2", L"Mask", 0xDEAD},
         {"the key above", L"Software", L"Host", L"Mask", 0xDEAD},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, base, subkey, name, number] : rows) {
+        SCOPED_TRACE(fault);
         m_reg.SetRootKey(RootKey::CurrentUser, 0);
-        ASSERT_EQ(m_reg.SetBasePath(row.base), 1);
-        EXPECT_EQ(NumberIn(row.subkey, row.name), row.number);
+        ASSERT_EQ(m_reg.SetBasePath(base), 1);
+        EXPECT_EQ(NumberIn(subkey, name), number);
     }
 }
 
 TEST_F(Reg, MakesKeysOnlyWithTheCreateFlag)
 {
-    struct Row
-    {
-        const char* fault;
-        std::function<int(const CReg&)> operation;
-        int result; ///< with the create flag
-    };
     std::uint32_t number = 0;
     std::array<std::uint8_t, 1> bytes{};
-    const Row rows[] = {
+    // The result is that with the create flag.
+    const std::tuple<const char*, std::function<int(const CReg&)>, int> rows[] = {
         {"write", [](const CReg& reg) { return reg.WriteNumber(L"A\\B", L"n", 1); }, 1},
         {"read", [&](const CReg& reg) { return reg.ReadNumber(L"A\\B", L"n", number, 1); }, 0},
         {"read binary",
          [&](const CReg& reg) { return reg.ReadBinary(L"A\\B", L"n", bytes, bytes); }, 1},
         {"delete", [](const CReg& reg) { return reg.DeleteKey(L"A\\B", L"C"); }, 0},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, operation, result] : rows) {
+        SCOPED_TRACE(fault);
         m_reg.DeleteKey(L"", L"A");
         m_reg.SetRootKey(RootKey::CurrentUser, 0);
-        EXPECT_EQ(row.operation(m_reg), 0);
+        EXPECT_EQ(operation(m_reg), 0);
         EXPECT_FALSE(m_reg.Store().OpenKey(L"A", KeyOpening::Existing));
         m_reg.SetRootKey(RootKey::CurrentUser, 1);
-        EXPECT_EQ(row.operation(m_reg), row.result);
+        EXPECT_EQ(operation(m_reg), result);
         EXPECT_TRUE(m_reg.Store().OpenKey(L"a\\b", KeyOpening::Existing));
     }
 }
@@ -194,23 +169,15 @@ TEST_F(Reg, DeletesAKeyWithAllBelowIt)
 TEST_F(Reg, RefusesNamesThatARegistryHasNoRoomFor)
 {
     const std::wstring longest(255, L'n');
-    struct Row
-    {
-        const char* fault;
-        std::wstring key;
-        std::wstring name;
-        int result;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::wstring, std::wstring, int> rows[] = {
         {"the longest names", longest, longest, 1},
         {"key name too long", L"A\\" + longest + L"n", L"n", 0},
         {"value name too long", L"A", longest + L"n", 0},
         {"NUL in a key", std::wstring(L"a\0b", 3), L"n", 0},
         {"NUL in a name", L"A", std::wstring(L"a\0b", 3), 0},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        EXPECT_EQ(m_reg.WriteNumber(row.key, row.name, 1), row.result);
+    for (const auto& [fault, key, name, result] : rows) {
+        EXPECT_EQ(m_reg.WriteNumber(key, name, 1), result) << fault;
     }
     EXPECT_EQ(m_reg.SetBasePath(std::wstring(259, L'b')), 1);
     EXPECT_EQ(m_reg.SetBasePath(std::wstring(260, L'b')), 0);

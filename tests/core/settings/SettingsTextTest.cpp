@@ -13,6 +13,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -73,14 +74,9 @@ TEST(SettingsText, ReadsWhatAPersonWrites)
 
 TEST(SettingsText, NamesTheLineAndWhatIsWrongWithIt)
 {
-    struct Row
-    {
-        std::string_view fault;
-        std::string text; ///< behind the first line and a key, that is from line 3 on
-        std::string_view told;
-    };
     const std::string longName(256, 'n');
-    const Row rows[] = {
+    // The texts stand behind the first line and a key, that is from line 3 on.
+    const std::tuple<std::string_view, std::string, std::string_view> rows[] = {
         {"a line of something else", "Rate=1\n", "begins with"},
         {"key without its end", "[GPS\n", "]"},
         {"name in a key too long", "[" + longName + "]\n", "255"},
@@ -107,13 +103,12 @@ TEST(SettingsText, NamesTheLineAndWhatIsWrongWithIt)
          "line 3"},
         {"last line cut", "\"Rate\" = number 384", "does not end"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        const SettingsTextResult result =
-            ParseSettingsText("fieldcore-settings 1\n[GPS]\n" + row.text);
+    for (const auto& [fault, text, told] : rows) {
+        SCOPED_TRACE(fault);
+        const SettingsTextResult result = ParseSettingsText("fieldcore-settings 1\n[GPS]\n" + text);
         ASSERT_TRUE(result.fault);
-        EXPECT_EQ(result.fault->line, row.fault == "twice in another case" ? 5U : 3U);
-        EXPECT_NE(result.fault->message.find(row.told), std::string::npos) << result.fault->message;
+        EXPECT_EQ(result.fault->line, fault == "twice in another case" ? 5U : 3U);
+        EXPECT_NE(result.fault->message.find(told), std::string::npos) << result.fault->message;
         EXPECT_TRUE(result.keys.empty());
     }
     for (const std::string text : {"", "[GPS]\n", "fieldcore-settings 2\n"}) {

@@ -16,6 +16,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <grp.h>
@@ -79,13 +80,7 @@ fs::path FilledFile(const TemporaryFolder& folder)
 
 TEST(SqliteSettingsStore, RefusesRowsThatAreNoSetting)
 {
-    struct Row
-    {
-        const char* fault;
-        const char* change;
-        SettingsReadState state;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, SettingsReadState> rows[] = {
         {"nothing wrong", "data = 5", SettingsReadState::Found},
         {"negative number", "data = -1", SettingsReadState::Failed},
         {"number of more than 32 bits", "data = 4294967296", SettingsReadState::Failed},
@@ -100,53 +95,46 @@ TEST(SqliteSettingsStore, RefusesRowsThatAreNoSetting)
     const TemporaryFolder folder;
     const fs::path file = folder.Path() / "user.db";
     SqliteSettingsStore store(file);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, change, state] : rows) {
+        SCOPED_TRACE(fault);
         ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{5}, kCreate));
-        Sql(file, std::string("UPDATE value SET ") + row.change + " WHERE folded_name = 'n'");
-        EXPECT_EQ(store.Get(L"K", L"n").state, row.state);
-        EXPECT_EQ(store.Values(L"K").value().size(),
-                  row.state == SettingsReadState::Found ? 1U : 0U);
+        Sql(file, std::string("UPDATE value SET ") + change + " WHERE folded_name = 'n'");
+        EXPECT_EQ(store.Get(L"K", L"n").state, state);
+        EXPECT_EQ(store.Values(L"K").value().size(), state == SettingsReadState::Found ? 1U : 0U);
     }
 }
 
 TEST(SqliteSettingsStore, SetsADamagedFileAside)
 {
-    struct Row
-    {
-        const char* fault;
-        std::function<void(const fs::path&)> damage;
-        bool setAside;
-    };
     const auto overwrite = [](std::streamoff at, std::size_t count) {
         return [at, count](const fs::path& file) {
             std::fstream out(file, std::ios::binary | std::ios::in | std::ios::out);
             out.seekp(at) << std::string(count, '\xA5');
         };
     };
-    const Row rows[] = {
+    const std::tuple<const char*, std::function<void(const fs::path&)>, bool> rows[] = {
         {"a sound file not kept", [](const fs::path&) {}, false},
         {"not a database", overwrite(0, 100), true},
         {"a page in the middle", overwrite(3 * 4096L, 2000), true},
         {"cut off", [](const fs::path& file) { fs::resize_file(file, 5000); }, true},
         {"cut in its header", [](const fs::path& file) { fs::resize_file(file, 50); }, true},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, damage, setAside] : rows) {
+        SCOPED_TRACE(fault);
         const TemporaryFolder folder;
         const fs::path file = FilledFile(folder);
-        row.damage(file);
+        damage(file);
         const std::string damaged = ContentOf(file);
         folder.Write("user.db.damaged-1", "an older one");
         SqliteSettingsStore store(file);
         const fs::path aside = folder.Path() / "user.db.damaged-2";
         const SettingsNotice notice = store.TakeNotice();
-        EXPECT_EQ(notice.kind == SettingsNotice::Kind::SetAside, row.setAside);
-        EXPECT_EQ(notice.Words().find(aside.string()) != std::string::npos, row.setAside);
+        EXPECT_EQ(notice.kind == SettingsNotice::Kind::SetAside, setAside);
+        EXPECT_EQ(notice.Words().find(aside.string()) != std::string::npos, setAside);
         EXPECT_TRUE(store.TakeNotice().IsEmpty());
-        EXPECT_EQ(ContentOf(aside) == damaged, row.setAside);
+        EXPECT_EQ(ContentOf(aside) == damaged, setAside);
         EXPECT_EQ(ContentOf(folder.Path() / "user.db.damaged-1"), "an older one");
-        EXPECT_EQ(store.Values(L"K").value().size(), row.setAside ? 0U : 300U);
+        EXPECT_EQ(store.Values(L"K").value().size(), setAside ? 0U : 300U);
         EXPECT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
         EXPECT_EQ(Sql(file, "PRAGMA integrity_check"), "ok");
     }
@@ -229,16 +217,11 @@ void AsAnyUser(const std::function<void()>& check)
 
 TEST(SqliteSettingsStore, ReadsItsLogWithItOrSaysThatItCannot)
 {
-    struct Row
-    {
-        const char* fault;
-        std::vector<std::string> files; // behind "user.db" that are there
-        std::string unreadable;
-        SettingsNotice::Kind told;
-        std::uint32_t number;
-    };
     constexpr auto kNotKept = SettingsNotice::Kind::NotKept;
     constexpr auto kNotRead = SettingsNotice::Kind::NotRead;
+    // The suffixes behind "user.db" of the files that are there, and of the unreadable one.
+    using Row = std::tuple<const char*, std::vector<std::string>, std::string, SettingsNotice::Kind,
+                           std::uint32_t>;
     const Row rows[] = {
         {"the log is not read", {"", "-wal", "-shm"}, "none", kNotKept, 2},
         {"an old file without a log is not read", {""}, "none", kNotKept, 1},
@@ -250,26 +233,26 @@ TEST(SqliteSettingsStore, ReadsItsLogWithItOrSaysThatItCannot)
     ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{1}, kCreate));
     Sql(made.Path() / "user.db", "PRAGMA wal_checkpoint");
     ASSERT_TRUE(store.Set(L"K", L"n", std::uint32_t{2}, kCreate)); // in the log only
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
+    for (const auto& [fault, files, unreadable, told, number] : rows) {
+        SCOPED_TRACE(fault);
         const TemporaryFolder folder;
         const std::string file = folder.Path() / "user.db";
         std::vector<std::string> before;
-        for (const std::string& suffix : row.files) {
+        for (const std::string& suffix : files) {
             fs::copy_file(made.Path() / ("user.db" + suffix), file + suffix);
             before.push_back(ContentOf(file + suffix));
-            chmod((file + suffix).c_str(), suffix == row.unreadable ? 0 : 0444);
+            chmod((file + suffix).c_str(), suffix == unreadable ? 0 : 0444);
         }
         chmod(folder.Path().c_str(), 0555);
-        AsAnyUser([&] {
+        AsAnyUser([&, number = number, told = told] {
             SqliteSettingsStore readOnly(file);
-            EXPECT_EQ(NumberIn(readOnly, L"K", L"n"), row.number);
-            EXPECT_EQ(readOnly.TakeNotice().kind, row.told);
+            EXPECT_EQ(NumberIn(readOnly, L"K", L"n"), number);
+            EXPECT_EQ(readOnly.TakeNotice().kind, told);
             EXPECT_FALSE(readOnly.IsKept());
         });
         chmod(folder.Path().c_str(), 0755);
-        for (std::size_t i = 0; i < row.files.size(); ++i) {
-            EXPECT_EQ(ContentOf(file + row.files[i]), before[i]);
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            EXPECT_EQ(ContentOf(file + files[i]), before[i]);
         }
     }
 }

@@ -11,6 +11,8 @@
 
 #include <cmath>
 #include <optional>
+#include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -55,14 +57,9 @@ QImage PictureOf(const PlanDrawing& drawing, const PlotStyle& style)
 TEST(SkyPlot, PutsDirectionsWhereTheyAre)
 {
     const ObservationPlan plan = SamplePlan(31, 9, 4);
-    struct Row
-    {
-        const char* fault;
-        double azimuthDeg, elevationDeg;
-        double right, down; // of the radius
-    };
     const double slant = std::sqrt(0.5);
-    const Row rows[] = {
+    // Azimuth and elevation in degrees; how far to the right and down, of the radius.
+    const std::tuple<const char*, double, double, double, double> rows[] = {
         {"north is up", 0.0, 0.0, 0.0, -1.0},
         {"east is right", 90.0, 0.0, 1.0, 0.0},
         {"south is down", 180.0, 0.0, 0.0, 1.0},
@@ -77,15 +74,14 @@ TEST(SkyPlot, PutsDirectionsWhereTheyAre)
     for (const bool isFromBelow : {false, true}) {
         drawing.isFromBelow = isFromBelow;
         const SkyPlot plot(drawing, style, QRectF(QPointF(), kSize));
-        for (const Row& row : rows) {
-            SCOPED_TRACE(row.fault);
+        for (const auto& [fault, azimuthDeg, elevationDeg, right, down] : rows) {
+            SCOPED_TRACE(fault);
             const QPointF from =
-                plot.PointOf({RadiansOf(row.azimuthDeg), RadiansOf(row.elevationDeg)}) -
-                plot.Centre();
+                plot.PointOf({RadiansOf(azimuthDeg), RadiansOf(elevationDeg)}) - plot.Centre();
             const double side = isFromBelow ? -1.0 : 1.0;
-            EXPECT_NEAR(from.x(), side * row.right * plot.Radius(), 1e-6); // pixels
-            EXPECT_NEAR(from.y(), row.down * plot.Radius(), 1e-6);
-            EXPECT_NEAR(plot.ElevationDegAt(plot.Centre() + from), std::max(row.elevationDeg, 0.0),
+            EXPECT_NEAR(from.x(), side * right * plot.Radius(), 1e-6); // pixels
+            EXPECT_NEAR(from.y(), down * plot.Radius(), 1e-6);
+            EXPECT_NEAR(plot.ElevationDegAt(plot.Centre() + from), std::max(elevationDeg, 0.0),
                         1e-6);
         }
     }
@@ -116,18 +112,16 @@ TEST(TimePlot, PutsTimesAndValuesWhereTheyAre)
 {
     const ObservationPlan plan = SamplePlan(31, 9, 4);
     const PlotStyle style = PlotStyle::OnPaper();
-    struct Row
-    {
-        PlanGraph graph;
-        double half; // half of the scale
-    };
-    for (const Row& row : {Row{PlanGraph::Count, 6.0}, Row{PlanGraph::Pdop, 6.0},
-                           Row{PlanGraph::Azimuth, 180.0}, Row{PlanGraph::Elevation, 45.0}}) {
-        const PlanDrawing drawing = SampleDrawing(plan, row.graph);
+    // Each with half of its scale.
+    for (const auto& [graph, half] : {std::pair(PlanGraph::Count, 6.0),
+                                      {PlanGraph::Pdop, 6.0},
+                                      {PlanGraph::Azimuth, 180.0},
+                                      {PlanGraph::Elevation, 45.0}}) {
+        const PlanDrawing drawing = SampleDrawing(plan, graph);
         const TimePlot plot(drawing, style, QRectF(QPointF(), kSize));
         const QRectF& box = plot.Axes().Plot();
         EXPECT_TRUE(QRectF(QPointF(), kSize).contains(box));
-        const QPointF middle = plot.PointOf(120.0, row.half);
+        const QPointF middle = plot.PointOf(120.0, half);
         EXPECT_NEAR(middle.x(), box.center().x(), 1e-6);
         EXPECT_NEAR(middle.y(), box.center().y(), 1e-6);
         EXPECT_NEAR(plot.PointOf(0.0, 0.0).x(), box.left(), 1e-6);
