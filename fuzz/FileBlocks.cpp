@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Transfer transfer;
         ReceivedFile file(folder.Path(), L"A.Q01", expected,
                           isNew ? std::nullopt : std::optional(kTime),
-                          PosixFileOperations::Instance(), transfer);
+                          FileOperations::Instance(), transfer);
         Check(file.Open() && file.Offset() <= expected);
         FrameBuffer frame;
         auto verdict = ReceivedFile::Verdict::More;

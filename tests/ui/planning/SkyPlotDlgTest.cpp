@@ -5,6 +5,7 @@
 #include "core/planning/AlmanacStore.h"
 #include "core/planning/Degrees.h"
 #include "core/platform/FastClock.h"
+#include "core/settings/HostReg.h"
 #include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/planning/PlanScreen.h"
