@@ -12,7 +12,6 @@
 #include "core/link/ReceiverLink.h"
 #include "core/link/RecvInfo.h"
 #include "core/planning/SkyRecorder.h"
-#include "core/platform/Folders.h"
 #include "core/platform/PortNames.h"
 #include "core/settings/HostReg.h"
 #include "core/settings/SettingsRoots.h"

@@ -4,7 +4,6 @@
 
 #include <QAction>
 #include <QObject>
-#include <QString>
 
 #include <memory>
 

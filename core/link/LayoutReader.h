@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace fieldcore {
 
@@ -107,11 +108,9 @@ template <typename Reply, typename Read>
                                              std::string_view prefix, Read read)
 {
     LayoutReader in(*FindFrameLayout(Direction::Received, type, prefix), frame.Data());
-    std::optional<Reply> reply;
-    if (frame.Type() == type && in.Fits() && !read(in, reply.emplace())) {
-        reply.reset();
-    }
-    return reply;
+    Reply reply{};
+    const bool isRead = frame.Type() == type && in.Fits() && read(in, reply);
+    return isRead ? std::optional<Reply>(std::move(reply)) : std::nullopt;
 }
 
 } // namespace fieldcore
