@@ -1,7 +1,5 @@
 #include "core/link/Command.h"
 
-#include "core/platform/SimulatedPort.h"
-#include "simulator/UseSimulator.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/Hex.h"
@@ -192,32 +190,6 @@ TEST_F(CommandTest, IdentifiesAfterABreak)
     EXPECT_EQ(faultOf(Frame(0x09, text)), CommandFault::WrongType);
     EXPECT_EQ(faultOf({0x06}), CommandFault::WrongAnswer);
     EXPECT_EQ(faultOf({}), CommandFault::TimedOut);
-}
-
-TEST(SimulatedPort, IsOpenedByNameAndFailuresSayWhatToDo)
-{
-    const auto expectRefusal = [](const char* port, const char* cause, const char* advice) {
-        CCommand command;
-        EXPECT_EQ(command.OpenPort(port), 0);
-        const std::string said = command.LastError();
-        EXPECT_NE(said.find(cause), std::string::npos) << said;
-        EXPECT_NE(said.find(advice), std::string::npos) << said;
-    };
-    SetSimulatorStarter({});
-    expectRefusal("sim:", "has no simulated receiver", "call fieldcore::UseSimulator()");
-    UseSimulator();
-    expectRefusal("sim:nosuch", "no scenario and no file named \"nosuch\"", "scenarios are lark");
-    expectRefusal("/nowhere/ttyUSB7", "There is no /nowhere/ttyUSB7.", "Try: fieldcore-cli ports");
-    CCommand command;
-    StatusReply status;
-    for (const char* port : {"sim:", "sim:pica", "sim:pica"}) {
-        SCOPED_TRACE(port);
-        EXPECT_EQ(command.OpenPort(port), 1) << command.LastError();
-        EXPECT_EQ(command.RequestStatus(status), 1) << command.LastError();
-        command.ClosePort();
-        EXPECT_EQ(command.RequestStatus(status), 0);
-    }
-    SetSimulatorStarter({});
 }
 
 } // namespace

@@ -50,7 +50,6 @@ TEST(ConnectChoice, ComposesTheTargetOfTheSettings)
         {"two numbers for a device", {}, L"COM7", "/dev/assigned", 7, L""},
         {"Bluetooth without a number", {}, L"/dev/rfcomm1", "/dev/rfcomm1", 257, L""},
         {"the suite's number is too large", 300, nullptr, "", 0, L"COM番号は1から256までです。"},
-        {"the user's, too", {}, L"COM0", "", 0, L"COM番号は1から256までです。"},
         {"no name", {}, L"receiver", "", 0, L"ポートの名前ではありません。"},
         {"empty", {}, L"", "", 0, L"名前がありません。"},
         {"a control character", {}, L"/dev/\x1B[2J", "", 0, L"使用できない文字が含まれています。"},

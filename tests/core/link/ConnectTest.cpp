@@ -187,16 +187,6 @@ TEST_F(ConnectTest, AFailureNamesItsStepAndClosesThePort)
     expectFailure("hang-up on 06 skip 1", ReadSerial, CommandFault::LinkLost, L"切断");
 }
 
-TEST_F(ConnectTest, CancellingIsNotAFailure)
-{
-    Start("answers no");
-    Host().inBreath = [] { return false; };
-    CConnect connect(Command(), 0, target);
-    EXPECT_EQ(connect.DoModal(), CConnect::NotConnected);
-    EXPECT_EQ(Host().boxes.size(), 1U) << "who cancelled needs no message";
-    EXPECT_EQ(Command().IsPortOpen(), 0);
-}
-
 TEST_F(ConnectTest, ChecksTypeAndFirmware)
 {
     const auto version = [](const wchar_t* text) {

@@ -72,33 +72,13 @@ struct FileServer
     bool fromBeginning = false; ///< whatever is asked for
 };
 
-/// Lets the n-th call of one kind fail.
-class FailingOperations final : public FileOperations
+/// A disk on which nothing gets its name.
+class NoRenaming final : public FileOperations
 {
 public:
-    std::error_code Open(const fs::path& file, const fs::path& like, int& handle) override
-    {
-        return Fails("open") ? kFull : FileOperations::Open(file, like, handle);
-    }
-    std::error_code Write(int handle, std::string_view bytes) override
-    {
-        return Fails("write") ? kFull : FileOperations::Write(handle, bytes);
-    }
-    std::error_code Sync(int handle) override
-    {
-        return Fails("sync") ? kFull : FileOperations::Sync(handle);
-    }
-    std::error_code Rename(const fs::path& from, const fs::path& to) override
-    {
-        return Fails("rename") ? kFull : FileOperations::Rename(from, to);
-    }
+    std::error_code Rename(const fs::path&, const fs::path&) override { return kFull; }
 
     const std::error_code kFull = std::make_error_code(std::errc::no_space_on_device);
-    std::string_view failing;
-    int after = 0; ///< calls that succeed first
-
-private:
-    bool Fails(std::string_view call) { return call == failing && after-- <= 0; }
 };
 
 class DownloadTest : public ::testing::Test, protected VirtualChannel
@@ -161,22 +141,13 @@ TEST_F(DownloadTest, MakesGoodWhatIsDamaged)
     };
     const Damage flip = [](Bytes& block) { block[20] ^= 0x10; };
     const Damage lose = [](Bytes& block) { block.clear(); };
-    const Damage move = [](Bytes& block) { // with the right checksum
-        block =
-            Block(NumberAt(block, 5) ^ 1U, block[9], Bytes(block.begin() + 10, block.end() - 2));
-    };
-    const Damage lengthen = [](Bytes& block) { block[3] ^= 0x01; };
-    const Damage repeat = [](Bytes& block) { block = Joined({block, block}); };
     const Damage empty = [](Bytes& block) { block = Block(NumberAt(block, 5), 0, {}); };
     const Damage precede = [](Bytes& block) {
         block = Joined({{0x55, 0x02, 0x00, 0x95, 0x02, 0x10}, block});
     };
     check("nothing", nullptr, 0, true, 1);
     check("checksum", flip, 1, true, 2);
-    check("offset", move, 1, true, 2);
-    check("length", lengthen, 1, true, 0);
     check("lost", lose, 1, true, 2);
-    check("repeated", repeat, 1, true, 0);
     check("without bytes", empty, 1, true, 2);
     check("garbage in front", precede, 1, true, 0);
     check("silence", lose, 1, true, 2, true);
@@ -225,35 +196,6 @@ TEST_F(DownloadTest, SaysWhyTheReceiverDoesNotSend)
     EXPECT_EQ(why(Block(0, 3, {})), DownloadFault::NoSuchFile);
     EXPECT_EQ(why(Block(0, 5, {1, 2, 3})), DownloadFault::BeingLogged);
     EXPECT_EQ(why({kNak}), DownloadFault::Link);
-}
-
-TEST_F(DownloadTest, WhatCannotBeWrittenLeavesTheOldFile)
-{
-    const auto faultOf = [this](std::string_view call, int after = 0) {
-        SCOPED_TRACE(call);
-        folder.Write("day/A.Q01", "old");
-        FailingOperations operations;
-        operations.failing = call;
-        operations.after = after;
-        command.SetFileOperations(operations);
-        const ScriptedEnd receiver(line, FileServer{Content(kLong)});
-        Open();
-        EXPECT_EQ(Download(kLong), -1);
-        EXPECT_EQ(command.GetFileError(), operations.kFull);
-        EXPECT_EQ(ContentOf(file), "old");
-        const DownloadFault fault = command.GetDownloadFault();
-        ExpectCleanLine();
-        command.ClosePort();
-        EXPECT_EQ(Count(receiver.Requests(), 0x96), call == "open" ? 0 : 1);
-        EXPECT_EQ(Count(receiver.Requests(), 0x5A), call == "write" ? 1 : 0);
-        return fault;
-    };
-    EXPECT_EQ(faultOf("open"), DownloadFault::Folder);
-    for (const int piece : {0, 1, 2}) {
-        EXPECT_EQ(faultOf("write", piece), DownloadFault::Write) << piece;
-    }
-    EXPECT_EQ(faultOf("sync"), DownloadFault::Write);
-    EXPECT_EQ(faultOf("rename"), DownloadFault::Write);
 }
 
 TEST_F(DownloadTest, CancelsWithinOneBlock)
@@ -447,14 +389,15 @@ TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
 /// What has arrived as a whole and could not get its name.
 TEST_F(DownloadTest, AsksOnlyForTheLastBlockOfWhatIsThere)
 {
-    FailingOperations operations;
-    operations.failing = "rename";
-    command.SetFileOperations(operations);
+    NoRenaming full;
+    command.SetFileOperations(full);
     FileServer server;
     const ScriptedEnd receiver(line, server);
     Open();
     EXPECT_EQ(Download(kSize, {}, 1), -1);
-    operations.failing = "";
+    EXPECT_EQ(command.GetDownloadFault(), DownloadFault::Write);
+    EXPECT_EQ(command.GetFileError(), full.kFull);
+    command.SetFileOperations(FileOperations::Instance());
     EXPECT_EQ(Download(kSize, {}, 1), kSize);
     EXPECT_EQ(command.GetTransferStart().continuedAt, kSize);
     EXPECT_EQ(WantedOffset(receiver.Requests().back()), 7000U);
@@ -466,12 +409,11 @@ TEST_F(DownloadTest, KeepsWhatIsThereUntilTheFirstBlockComes)
 {
     std::string before;
     {
-        const ScriptedEnd receiver(line, FileServer{.damage = [](Bytes& block) { block.clear(); },
-                                                    .at = 4,
-                                                    .times = 100,
-                                                    .endsThere = true});
+        const ScriptedEnd receiver(line, FileServer());
         Open();
-        EXPECT_EQ(Download(kSize, {}, 1), -1);
+        EXPECT_EQ(Download(
+                      kSize, [](std::uint32_t bytes) { return bytes < 4000; }, 1),
+                  -1);
         before = ContentOf(part);
         EXPECT_EQ(before.size(), 4000U);
     }

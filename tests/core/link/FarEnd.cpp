@@ -1,14 +1,11 @@
 #include "tests/core/link/FarEnd.h"
 
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <numeric>
 #include <stdexcept>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -87,25 +84,6 @@ void FarEnd::Send(std::span<const std::uint8_t> bytes) const
             return; // the test will miss the bytes and say so
         }
         bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-}
-
-Bytes FarEnd::Receive(std::size_t count) const
-{
-    Bytes received;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    for (;;) {
-        const bool enough = received.size() >= count;
-        pollfd watched{m_master, POLLIN, 0};
-        const int ready = poll(&watched, 1, enough ? 0 : 50);
-        if (ready > 0 && (watched.revents & POLLIN) != 0) {
-            std::array<std::uint8_t, 512> buffer{};
-            const ssize_t got = read(m_master, buffer.data(), buffer.size());
-            received.insert(received.end(), buffer.begin(),
-                            buffer.begin() + std::max<ssize_t>(got, 0));
-        } else if (enough || std::chrono::steady_clock::now() > deadline) {
-            return received;
-        }
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "core/link/FrameBuffer.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <span>
@@ -22,8 +21,7 @@ using Bytes = std::vector<std::uint8_t>;
 [[nodiscard]] Bytes Joined(std::initializer_list<Bytes> pieces);
 [[nodiscard]] Bytes Ascii(const std::string& text);
 
-/// The other end of a pseudo-terminal, moved by hand: a test sends what it likes and sees the
-/// raw bytes that came.
+/// The other end of a pseudo-terminal, moved by hand: a test sends what it likes.
 class FarEnd
 {
 public:
@@ -34,8 +32,6 @@ public:
 
     [[nodiscard]] const std::string& Path() const { return m_path; }
     void Send(std::span<const std::uint8_t> bytes) const;
-    /// Waits for @p count bytes, at most five seconds.
-    [[nodiscard]] Bytes Receive(std::size_t count) const;
     /// Pulls the cable.
     void HangUp();
 

@@ -359,19 +359,14 @@ TEST(LateAnswers, NeverAnswerACommandThatChangesTheReceiver)
 /// A receiver at 9600 bit/s that wakes up slowly.
 TEST(LateAnswers, DoNotKeepASlowReceiverFromBeingConnected)
 {
-    int connected = 0;
-    constexpr int kRounds = 20;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int delayMs = 2050; delayMs <= 3000; delayMs += 50) {
         VirtualReceiver receiver("", 9600);
-        receiver.AddFault("delay " + std::to_string(2050 + 50 * round) + " count 1");
+        receiver.AddFault("delay " + std::to_string(delayMs) + " count 1");
         ConnectTarget target;
         target.devicePath = receiver.line.FarPort().Path();
         ConnectSequence sequence(receiver.command, target);
-        connected += sequence.Run();
-        EXPECT_EQ(receiver.command.IsPortOpen(), 1)
-            << 2050 + 50 * round << " ms: " << sequence.FailureDetail();
+        EXPECT_EQ(sequence.Run(), 1) << delayMs << " ms: " << sequence.FailureDetail();
     }
-    EXPECT_EQ(connected, kRounds);
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <string_view>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -24,30 +23,18 @@ class FileCommandsTest : public ::testing::Test,
                          protected MessageTarget
 {
 protected:
-    /// Number, wParam, lParam.
-    using Message = std::tuple<unsigned, std::intptr_t, std::intptr_t>;
-
     void Post(unsigned number, std::intptr_t wParam, std::intptr_t lParam) override
     {
-        messages.emplace_back(number, wParam, lParam);
+        EXPECT_EQ(number, 0x8005U);
+        EXPECT_TRUE(wParam == 0 || lParam == 0);
+        posted.push_back(wParam == 0 ? lParam : kEnd);
     }
     int ListPica(int mode = 1) { return command.RequestFiles_Pica(mode, 3010, table, this); }
     int ListLark() { return command.RequestFiles_Lark(L"*.Q01", table, this); }
-    /// The messages of a listing that stores these records.
-    static std::vector<Message> Posted(const std::vector<std::intptr_t>& indexes)
-    {
-        std::vector<Message> posted;
-        posted.reserve(indexes.size() + 1);
-        for (const std::intptr_t index : indexes) {
-            posted.emplace_back(0x8005, 0, index);
-        }
-        posted.push_back(kEnd);
-        return posted;
-    }
 
-    static constexpr Message kEnd{0x8005, 1, 0};
+    static constexpr std::intptr_t kEnd = -1;
     DirectoryTable table{};
-    std::vector<Message> messages;
+    std::vector<std::intptr_t> posted; // the records that a listing stored
 };
 
 TEST_F(FileCommandsTest, ANameThatWouldReachAnotherFileIsNotSent)
@@ -78,9 +65,10 @@ TEST_F(FileCommandsTest, APicaListsWhatFitsTheMode)
         SCOPED_TRACE(mode);
         const ScriptedEnd receiver(line, {{Page(0x79, 0, full)}, {Page(0x79, 1, rest)}});
         Open();
-        messages.clear();
+        posted.clear();
         EXPECT_EQ(ListPica(mode), 1) << command.LastError();
-        EXPECT_EQ(messages, mode == 1 ? Posted({0, 3, 5, 7, 8, 9}) : Posted({2, 6}));
+        EXPECT_EQ(posted, (mode == 1 ? std::vector<std::intptr_t>{0, 3, 5, 7, 8, 9, kEnd}
+                                     : std::vector<std::intptr_t>{2, 6, kEnd}));
     }
     EXPECT_EQ(table[9].Name(), L"J");
     EXPECT_EQ(table[9].fileIndex, 50);
@@ -110,10 +98,10 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
             return ScriptedEnd::Answer{request[2] == 0x5A ? Bytes{kAck} : answer(request)};
         });
         Open();
-        messages.clear();
+        posted.clear();
         const int result = isPica ? ListPica() : ListLark();
-        EXPECT_EQ(messages.size(), records + 1);
-        EXPECT_EQ(messages.back(), kEnd);
+        EXPECT_EQ(posted.size(), records + 1);
+        EXPECT_EQ(posted.back(), kEnd);
         EXPECT_EQ(receiver.Requests().size(), requests) << "with the abort";
         return result;
     };
@@ -129,9 +117,9 @@ TEST_F(FileCommandsTest, ListingsEndWhateverTheReceiverSends)
         << "marked page first";
     EXPECT_EQ(list(false, larkPages(2, 1), 16, 2), 0) << "Lark that falls silent";
     command.ClosePort();
-    messages.clear();
+    posted.clear();
     EXPECT_EQ(ListLark(), 0) << "no port";
-    EXPECT_EQ(messages, Posted({}));
+    EXPECT_EQ(posted, std::vector{kEnd});
 }
 
 TEST_F(FileCommandsTest, TheReceiverIsToldWhenTheUserCancels)

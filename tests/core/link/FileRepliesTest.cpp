@@ -1,12 +1,8 @@
 #include "core/link/Replies.h"
 
 #include "tests/core/link/FileServer.h"
-#include "tests/support/Hex.h"
 
-#include <optional>
 #include <string>
-#include <string_view>
-#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,33 +11,6 @@ namespace fieldcore {
 namespace {
 
 using namespace testing;
-
-/// What stands in a page with one file.
-void ExpectPage(const std::optional<FilePage>& page, std::wstring_view name, std::uint32_t time,
-                int fileIndex, int pageFlag)
-{
-    ASSERT_TRUE(page);
-    EXPECT_TRUE(page->last);
-    EXPECT_EQ(page->number, 0);
-    ASSERT_EQ(page->count, 1U);
-    const DirectoryListingData& file = page->files[0];
-    EXPECT_EQ(std::tuple(file.Name(), file.size, file.time, file.fileIndex, file.pageFlag),
-              std::tuple(name, 48213U, time, fileIndex, pageFlag));
-}
-
-TEST(FileReplies, ReadsThePagesOfBothFamilies)
-{
-    const FrameBuffer pica =
-        Loaded(Hex("02 00 79 18 00 01 00 04 41 30 33 31 34 41 30 30 00 00 BC 55"
-                   "07 EA 03 0E 01 1E 00 00 72 03"));
-    // 2026-03-14 01:30 UTC is 16869 days and 5400 s after 1980-01-06; 9 hours are added.
-    ExpectPage(ParsePicaFilePage(pica.Reader()), L"A0314A00", 16869U * 86400 + 5400 + 9 * 3600, 4,
-               0);
-    const FrameBuffer lark =
-        Loaded(Hex("02 00 9D 1A 80 01 41 30 33 31 34 41 30 30 2E 51 30 31 20 20"
-                   "00 00 BC 55 56 E5 FF 00 00 00 4D 03"));
-    ExpectPage(ParseLarkFilePage(lark.Reader()), L"A0314A00.Q01", 0x56E5FF00, 0, 0x80);
-}
 
 TEST(FileReplies, MakesNoTimeOfWhatIsNoDate)
 {

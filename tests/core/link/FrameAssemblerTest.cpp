@@ -3,6 +3,7 @@
 #include "tests/core/link/FarEnd.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,18 +13,8 @@ namespace {
 
 using namespace testing;
 
-/// What came of one delivery, as a test wants to see it.
-struct Seen
-{
-    ExchangeState state;
-    Bytes bytes;
-    bool operator==(const Seen&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Seen& seen)
-{
-    return out << static_cast<int>(seen.state) << " with " << seen.bytes.size() << " bytes";
-}
+/// What came of one delivery, and its bytes.
+using Seen = std::pair<ExchangeState, Bytes>;
 
 Seen FrameSeen(const Bytes& frame)
 {
@@ -44,7 +35,7 @@ public:
                        : assembler.AssembleFrame(m_queue, FrameAssembler::kLargestStep);
             if (delivery) {
                 const auto buffer = assembler.Buffer().first(delivery->length);
-                seen.push_back({delivery->state, {buffer.begin(), buffer.end()}});
+                seen.emplace_back(delivery->state, Bytes(buffer.begin(), buffer.end()));
             }
         }
     }

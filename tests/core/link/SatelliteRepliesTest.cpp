@@ -45,27 +45,21 @@ TEST(SatelliteList, TextRecords)
 
 TEST(SatelliteList, BinaryRecordsBySystem)
 {
-    struct Row
-    {
-        std::uint8_t raw;
-        std::uint8_t system;
-        int number;
-    };
-    constexpr Row kRows[] = {
+    // On the wire, the system, and the number there.
+    constexpr std::tuple<std::uint8_t, std::uint8_t, int> kRows[] = {
         {1, 0, 1},  {32, 0, 32},  {33, 1, 120}, {51, 1, 138},    {52, 2, 1},      {75, 2, 24},
         {76, 6, 0}, {109, 6, 33}, {0, 255, 0},  {110, 255, 110}, {255, 255, 255},
     };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(int{row.raw});
-        const bool isGlonass = row.system == ListedSatellite::Glonass;
-        Bytes data{'0', '1', 0x01, row.raw};
+    for (const auto& [raw, system, number] : kRows) {
+        SCOPED_TRACE(int{raw});
+        const bool isGlonass = system == ListedSatellite::Glonass;
+        Bytes data{'0', '1', 0x01, raw};
         data.resize(isGlonass ? 5 : 4, 0xFE);          // with the channel
         data = Joined({data, {0x68, 0x80 | 45, 200}}); // azimuth 0x168 = 360
         const int channel = isGlonass ? -2 : 0;
         const ListedSatellite expected{
-            row.system, row.number, row.raw, channel, 360, 45, {50.0, kNone, kNone, kNone}};
-        EXPECT_EQ(List(data),
-                  (SatelliteList{{expected}, row.system == 0 ? 1 : 0, isGlonass ? 1 : 0}));
+            system, number, raw, channel, 360, 45, {50.0, kNone, kNone, kNone}};
+        EXPECT_EQ(List(data), (SatelliteList{{expected}, system == 0 ? 1 : 0, isGlonass ? 1 : 0}));
         data.pop_back();
         EXPECT_FALSE(List(data)) << "a record that is cut off";
     }
