@@ -75,13 +75,13 @@ Outcome Runner::Run(const std::string& arguments)
     return Run(std::move(words));
 }
 
-Outcome Runner::Run(std::vector<std::string> arguments, bool isTogether)
+Outcome Runner::Run(std::vector<std::string> arguments)
 {
     std::ostringstream out;
     std::ostringstream err;
     std::istringstream in(input);
     world.out = &out;
-    world.err = isTogether ? &out : &err;
+    world.err = &err;
     world.in = &in;
     const int code = RunCommandLine(world, std::move(arguments));
     return {code, out.str(), err.str()};

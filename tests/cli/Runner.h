@@ -49,8 +49,7 @@ public:
     /// @param arguments  separated by blanks, but for what stands 'between quotes'; "@/" begins a
     /// path below the runner's folder
     [[nodiscard]] Outcome Run(const std::string& arguments);
-    /// @param isTogether  both outputs are one, as a terminal shows them
-    [[nodiscard]] Outcome Run(std::vector<std::string> arguments, bool isTogether = false);
+    [[nodiscard]] Outcome Run(std::vector<std::string> arguments);
 
     /// The result of a command that succeeds, by its JSON document.
     [[nodiscard]] nlohmann::json Result(const std::string& arguments);

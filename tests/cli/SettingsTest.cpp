@@ -118,10 +118,7 @@ TEST(Settings, ComeBackFromAnExport)
     const std::string good = Content(runner.Path("saved.txt"));
     runner.Folder().Write("bad.txt", good + "\"x\" = number 1,5\n");
     runner.Expect({{"settings import @/bad.txt", 8, "bad.txt, line 8: "}});
-    const nlohmann::json changes =
-        runner.Result("settings import @/saved.txt --dry-run")["changes"];
-    EXPECT_EQ(changes.size(), 1U);
-    EXPECT_EQ(changes[0]["value"], "old");
+    EXPECT_EQ(runner.Result("settings import @/saved.txt --dry-run")["changes"].size(), 1U);
     EXPECT_EQ(Saved(runner), changed);
 
     runner.Expect({{"settings import @/saved.txt", 0},

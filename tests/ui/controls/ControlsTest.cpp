@@ -244,28 +244,18 @@ TEST_F(LabelSpinTest, GoesOnWhileAButtonIsHeld)
 TEST(CPrgEndMes, AnswersToKeys)
 {
     using Mode = CPrgEndMes::Mode;
-    struct Row
-    {
-        const char* fault;
-        Mode mode;
-        Qt::Key key;
-        int result;
-    };
-    const Row rows[] = {
-        {"Esc stays", Mode::Logging, Qt::Key_Escape, 2},
-        {"Enter leaves the receiver on", Mode::Logging, Qt::Key_Return, 1},
-        {"end without a receiver", Mode::Normal, Qt::Key_Return, 1},
-    };
     QWidget page;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        testing::Next<CPrgEndMes>(page, [&row](CPrgEndMes& question) {
+    const auto answer = [&page](Mode mode, Qt::Key key) {
+        testing::Next<CPrgEndMes>(page, [&](CPrgEndMes& question) {
             EXPECT_EQ(testing::Called(question, text::kEndProgramPowerOff) != nullptr,
-                      row.mode == Mode::Logging);
-            QTest::keyClick(question.focusWidget(), row.key);
+                      mode == Mode::Logging);
+            QTest::keyClick(question.focusWidget(), key);
         });
-        EXPECT_EQ(CPrgEndMes(row.mode).DoModal(), row.result);
-    }
+        return CPrgEndMes(mode).DoModal();
+    };
+    EXPECT_EQ(answer(Mode::Logging, Qt::Key_Escape), 2) << "Esc stays";
+    EXPECT_EQ(answer(Mode::Logging, Qt::Key_Return), 1) << "Enter leaves the receiver on";
+    EXPECT_EQ(answer(Mode::Normal, Qt::Key_Return), 1) << "without a receiver";
 }
 
 } // namespace

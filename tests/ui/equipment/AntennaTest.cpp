@@ -4,6 +4,7 @@
 
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/OnScreen.h"
 #include "tests/ui/link/Plugged.h"
 #include "ui/controls/TComboBox.h"
@@ -17,28 +18,25 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-/// Keeps the messages that are shown.
-class Listener final : public Host
-{
-public:
-    Listener() { SetDefaultHost(this); }
-    ~Listener() override { SetDefaultHost(nullptr); }
-    BoxAnswer ShowMessage(std::wstring_view text, std::wstring_view, BoxStyle) override
-    {
-        said.emplace_back(text);
-        return answer;
-    }
-    Texts said;
-    BoxAnswer answer = BoxAnswer::Ok;
-};
-
 class AntennaDialog : public ::testing::Test
 {
 protected:
     AntennaDialog()
     {
+        SetDefaultHost(&host);
         InstallSampleAntennas(m_home.Path());
         dialog.show();
+    }
+    ~AntennaDialog() override { SetDefaultHost(nullptr); }
+
+    /// The messages since it was asked last.
+    Texts Told()
+    {
+        Texts told;
+        for (const auto& box : std::exchange(host.boxes, {})) {
+            told.push_back(box.text);
+        }
+        return told;
     }
 
     [[nodiscard]] CTComboBox* Box(int id) { return testing::Called<CTComboBox>(dialog, id); }
@@ -77,7 +75,7 @@ protected:
     TemporaryFolder m_home;
     SettingsRoots m_roots{testing::FoldersBelow(m_home.Path())};
     CCommand m_closed{{.roots = &m_roots}};
-    Listener host;
+    testing::BoxKeepingHost host;
     CAntenna dialog{&m_closed, 1, 0};
 };
 
@@ -132,7 +130,6 @@ TEST_F(AntennaDialog, StoresOnlyWhatIsGood)
                                        HostReg(m_roots).Store()); // whose writer has not finished
     for (const Row& row : rows) {
         SCOPED_TRACE(row.fault);
-        host.said.clear();
         Type(text::kAntennaHeight, QString::fromUtf8(row.height));
         Type(text::kAntennaSerial, QString::fromLatin1(row.serial));
         if (row.said.empty()) {
@@ -140,7 +137,7 @@ TEST_F(AntennaDialog, StoresOnlyWhatIsGood)
         }
         QTest::keyClick(&dialog, Qt::Key_Return);
         EXPECT_EQ(dialog.isVisible(), !row.said.empty());
-        EXPECT_EQ(host.said, row.said.empty() ? Texts() : Texts{row.said});
+        EXPECT_EQ(Told(), row.said.empty() ? Texts() : Texts{row.said});
         EXPECT_EQ(dialog.GetAntFlag(), row.said.empty() ? 1 : 0);
         if (!row.said.empty() && row.said != Text(text::kAntennaNotStored)) {
             const bool isSerial = *row.serial != '\0';
@@ -176,7 +173,6 @@ TEST_F(AntennaDialog, AsksAReceiverThatIsConnectedAnew)
     ASSERT_EQ(stored.WriteRegAnt(), 1);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.course);
-        host.said.clear();
         simulator::Scenario scenario;
         scenario.antennaType = row.antennaType;
         CCommand command{{.roots = &m_roots}};
@@ -190,7 +186,7 @@ TEST_F(AntennaDialog, AsksAReceiverThatIsConnectedAnew)
         EXPECT_EQ(antenna.GetAntTypeFlag(), row.type < 0 ? known : row.type);
         EXPECT_EQ(antenna.GetAntSN(), row.type < 0 ? L"A0001" : L"");
         EXPECT_EQ(antenna.GetReConnect(), 0) << "asked once";
-        EXPECT_EQ(host.said, row.said.empty() ? Texts() : Texts{row.said});
+        EXPECT_EQ(Told(), row.said.empty() ? Texts() : Texts{row.said});
     }
 }
 
@@ -198,17 +194,18 @@ TEST_F(AntennaDialog, AsksBeforeItDropsWhatWasTyped)
 {
     EXPECT_FALSE(Box(text::kAntennaRole)->isVisible());
     ChooseReference(4, 2, 1.2);
-    EXPECT_EQ(host.said, Texts()) << "nothing was typed";
+    EXPECT_EQ(Told(), Texts()) << "nothing was typed";
+    host.answers = {BoxAnswer::No};
     EXPECT_EQ(Box(text::kAntennaMethod)->GetCode(), 2);
     EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QStringLiteral("1.200"));
     Choose(text::kAntennaRole, static_cast<int>(AntennaRole::Rover));
     Type(text::kAntennaHeight, QStringLiteral("1.5"));
     Choose(text::kAntennaRole, kReference);
-    EXPECT_EQ(host.said, Texts{Text(text::kAntennaChangeRole)});
+    EXPECT_EQ(Told(), Texts{Text(text::kAntennaChangeRole)});
     EXPECT_EQ(dialog.Role(), AntennaRole::Rover);
     EXPECT_EQ(Box(text::kAntennaRole)->currentText(), UiText(text::kAntennaRover));
     EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QStringLiteral("1.5"));
-    host.answer = BoxAnswer::Yes;
+    host.answers = {BoxAnswer::Yes};
     Choose(text::kAntennaRole, kReference);
     EXPECT_EQ(dialog.Role(), AntennaRole::Reference);
     EXPECT_EQ(Box(text::kAntennaHeight)->currentText(), QStringLiteral("1.200"));
@@ -223,7 +220,7 @@ TEST_F(AntennaDialog, HasAnAntennaChosenThatIsGone)
     EXPECT_TRUE(Says(Text(text::kAntennaTypeUnknown)));
     dialog.Close(Dialog::kOk);
     EXPECT_TRUE(dialog.isVisible());
-    EXPECT_EQ(host.said, Texts{Text(text::kAntennaTypeUnknown)});
+    EXPECT_EQ(Told(), Texts{Text(text::kAntennaTypeUnknown)});
     Choose(text::kAntennaType, 3);
     EXPECT_EQ(Box(text::kAntennaMethod)->GetCode(), 0);
     dialog.Close(Dialog::kOk);

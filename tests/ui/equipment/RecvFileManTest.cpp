@@ -10,7 +10,6 @@
 #include "ui/equipment/RecvFileSaveDlg.h"
 #include "ui/equipment/TransferPanel.h"
 
-#include <QHeaderView>
 #include <QTabBar>
 
 namespace fieldcore {
@@ -83,29 +82,7 @@ TEST_F(RecvFileManTest, ShowsWhatTheReceiverHasAndCanDo)
     }
 }
 
-TEST_F(RecvFileManTest, HasItsTextsAndColumnsToTheLetter)
-{
-    Connect("lettered-power");
-    Show(1);
-    EXPECT_EQ(sheet->GetActiveIndex(), 1) << "the page to start with";
-    for (const char* const words : {"削除", "復帰", "全選択"}) {
-        EXPECT_NE(testing::Called(Page(), QString::fromUtf8(words)), nullptr) << words;
-    }
-    QTest::mouseClick(sheet->findChild<QTabBar*>(), Qt::LeftButton, {}, QPoint(10, 10));
-    WaitForList();
-    EXPECT_NE(testing::Called(Page(), QStringLiteral("取得")), nullptr);
-    const QHeaderView& header = *List().header();
-    QStringList heads;
-    for (int column = 0; column < header.count(); ++column) {
-        heads += header.model()->headerData(column, Qt::Horizontal).toString();
-    }
-    EXPECT_EQ(heads.join(QLatin1Char(' ')), QStringLiteral("名前 日時 サイズ"));
-    EXPECT_TRUE(header.sectionSize(0) >= 100 && header.sectionSize(1) >= 70 &&
-                header.sectionSize(2) >= 50);
-    EXPECT_GE(List().visualRect(List().model()->index(0, 0)).height(), 44);
-}
-
-TEST_F(RecvFileManTest, TellsFilesApartByTheirIcons)
+TEST_F(RecvFileManTest, HasItsTextsAndIconsToTheLetter)
 {
     const auto expect = [this](int row, const char* drawing) {
         const auto icon = List().model()->index(row, 0).data(Qt::DecorationRole).value<QIcon>();
@@ -113,15 +90,28 @@ TEST_F(RecvFileManTest, TellsFilesApartByTheirIcons)
                   ThemeIcon(QLatin1String(drawing)).pixmap(24, 24).toImage())
             << drawing;
     };
+    const auto says = [this](int control, const char* words) {
+        EXPECT_EQ(Find(control)->property("text").toString(), QString::fromUtf8(words));
+    };
     Connect(kLogging);
     Show();
     expect(0, "file");
     expect(2, "recording");
     EXPECT_EQ(sheet->GetLogging(), 1);
+    says(RecvFilePage::kFetch, "取得");
+    const QAbstractItemModel* const cells = List().model();
+    for (const auto& [column, words] : {std::pair(0, "名前"), {1, "日時"}, {2, "サイズ"}}) {
+        EXPECT_EQ(cells->headerData(column, Qt::Horizontal).toString(), QString::fromUtf8(words));
+    }
     Connect("lettered-power");
     Show(1);
+    EXPECT_EQ(sheet->GetActiveIndex(), 1) << "the page to start with";
     expect(0, "trash");
     EXPECT_EQ(sheet->GetLogging(), 0);
+    says(RecvFilePage::kDelete, "削除");
+    says(RecvFilePage::kRecover, "復帰");
+    says(RecvFilePage::kSelectAll, "全選択");
+    EXPECT_GE(List().visualRect(List().model()->index(0, 0)).height(), 44);
 }
 
 TEST_F(RecvFileManTest, SelectsWholeRowsWithFingersAndKeys)

@@ -71,15 +71,6 @@ protected:
     }
     [[nodiscard]] QListWidget* List() const { return Find<QListWidget>(text::kPortList); }
     [[nodiscard]] QLineEdit* Name() const { return Find<QLineEdit>(text::kPortName); }
-    [[nodiscard]] QPushButton* Connect() const
-    {
-        for (QPushButton* const button : dialog->findChildren<QPushButton*>()) {
-            if (button->isDefault()) {
-                return button;
-            }
-        }
-        return nullptr;
-    }
     void Type(const QString& name) const
     {
         Name()->setFocus();
@@ -141,7 +132,7 @@ TEST_F(PortChooserTest, TakesWhatIsTypedAndSaysWhatIsWrong)
           Row{"receiver", false, false}, Row{"sim:pica", true, true}, Row{" sim: ", true, true}}) {
         SCOPED_TRACE(row.typed);
         Type(QString::fromLatin1(row.typed));
-        EXPECT_EQ(Connect()->isEnabled(), row.isPort);
+        EXPECT_EQ(testing::Called(*dialog, text::kPortConnect)->isEnabled(), row.isPort);
         EXPECT_EQ(testing::Says(*dialog, UiText(text::kPortNameFault)), !row.isPort);
         EXPECT_EQ(Find<QComboBox>(text::kPortScenario)->isVisible(), row.isSimulator);
         EXPECT_EQ(List()->currentRow(), row.isSimulator ? 0 : -1);
