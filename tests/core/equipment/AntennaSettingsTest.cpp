@@ -230,18 +230,11 @@ TEST_F(Settings, WithstandWhatStandsInTheStore)
 
 TEST_F(Settings, KeepWhatTheCatalogueLacks)
 {
-    struct Row
-    {
-        const char* fault;
-        std::uint32_t type;
-        std::uint32_t way;
-        const wchar_t* name;
-        const wchar_t* method;
-        double verticalM; ///< of 1.5 m
-        int choice;
-    };
     const std::wstring upright = Text(text::kAntennaPhaseCentre);
-    const Row rows[] = {
+    using Stored = std::uint32_t;
+    using Name = const wchar_t*;
+    // What is stored; the two names, what 1.5 m come to, and what is said of the choice.
+    const std::tuple<const char*, Stored, Stored, Name, Name, double, int> rows[] = {
         {"all of it is there", 1, 1, L"Small", L"base", 1.52, 0},
         {"a type that is gone", 5, 1, L"", L"", 1.5, text::kAntennaTypeUnknown},
         {"vertical, of a type that is gone", 5, 0, L"", upright.c_str(), 1.5,
@@ -255,24 +248,23 @@ TEST_F(Settings, KeepWhatTheCatalogueLacks)
     m_reg.WriteString(AntennaCatalogue::kKey, L"MeasMethod111", L"0.5,0,0,\"of type 1\"");
     m_antenna.SetAntInputH(1.5);
     ASSERT_EQ(m_antenna.WriteRegAnt(), 1);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.fault);
-        m_reg.WriteNumber(kKey, L"AntType", row.type);
-        m_reg.WriteNumber(kKey, L"AntWay", row.way);
+    for (const auto& [fault, type, way, name, method, verticalM, choice] : rows) {
+        SCOPED_TRACE(fault);
+        m_reg.WriteNumber(kKey, L"AntType", type);
+        m_reg.WriteNumber(kKey, L"AntWay", way);
         EXPECT_EQ(m_antenna.ReadRegAnt(), 1);
-        EXPECT_EQ(m_antenna.GetAntTypeStr(), row.name);
-        EXPECT_EQ(m_antenna.GetAntWayStr(), row.method);
-        EXPECT_DOUBLE_EQ(m_antenna.GetAntCalcH(), row.verticalM);
-        EXPECT_EQ(m_antenna.ChoiceFault(), row.choice);
-        const bool isUnknown = row.way != 0 && row.choice != 0;
+        EXPECT_EQ(m_antenna.GetAntTypeStr(), name);
+        EXPECT_EQ(m_antenna.GetAntWayStr(), method);
+        EXPECT_DOUBLE_EQ(m_antenna.GetAntCalcH(), verticalM);
+        EXPECT_EQ(m_antenna.ChoiceFault(), choice);
+        const bool isUnknown = way != 0 && choice != 0;
         EXPECT_EQ(m_antenna.GetAntLine() == FormatText(text::kAntennaStripUnknown, 1.5), isUnknown);
         EXPECT_EQ(m_antenna.WriteRegAnt(), 1);
-        std::uint32_t type = 0;
-        std::uint32_t way = 0;
-        m_reg.ReadNumber(kKey, L"AntType", type, 0);
-        m_reg.ReadNumber(kKey, L"AntWay", way, 0);
-        EXPECT_EQ(type, row.type);
-        EXPECT_EQ(way, row.way);
+        std::uint32_t kept = 0;
+        m_reg.ReadNumber(kKey, L"AntType", kept, 0);
+        EXPECT_EQ(kept, type);
+        m_reg.ReadNumber(kKey, L"AntWay", kept, 0);
+        EXPECT_EQ(kept, way);
     }
     m_reg.WriteNumber(AntennaCatalogue::kKey, L"MaxCount", 0);
     m_antenna.SetAntWayFlag(0);

@@ -135,26 +135,21 @@ TEST_F(PortEditTest, KnowsWhatItToldWhichReceiver)
 
 TEST_F(PortEditTest, FollowsTheReceiverToItsNewRate)
 {
-    struct Row
-    {
-        const char* fault;
-        const char* rule; ///< what goes wrong; empty: nothing
-        LinkFollowed followed;
-        std::uint32_t answersAt;
-    };
-    for (const Row& row :
+    // What goes wrong, empty being nothing, and at which rate it answers then.
+    using Row = std::tuple<const char*, const char*, LinkFollowed, std::uint32_t>;
+    for (const auto& [fault, rule, followed, answersAt] :
          {Row{"all is well", "", LinkFollowed::Moved, 115200},
           Row{"the answer is lost", "drop on 5E count 2", LinkFollowed::Moved, 115200},
           Row{"the request is lost", "drop-request", LinkFollowed::Stayed, 38400}}) {
-        SCOPED_TRACE(row.fault);
+        SCOPED_TRACE(fault);
         command.ClosePort();
         ASSERT_EQ(SetLinkRate(38400, m_roots), 1);
         Start(38400);
         ASSERT_EQ(OpenTarget(command, m_target), 1);
-        if (row.rule == std::string("drop-request")) {
+        if (rule == std::string("drop-request")) {
             m_receiver->SetScripted([](auto) { return std::vector<std::uint8_t>{}; });
-        } else if (*row.rule != '\0') {
-            m_receiver->AddFault(testing::ParsedRule(row.rule));
+        } else if (*rule != '\0') {
+            m_receiver->AddFault(testing::ParsedRule(rule));
         }
         PortEdit edit(1, m_roots);
         ASSERT_EQ(edit.At(1).SetPrmString(L"115200"), 1);
@@ -165,12 +160,12 @@ TEST_F(PortEditTest, FollowsTheReceiverToItsNewRate)
         m_receiver->SetScripted(nullptr);
         m_target.settings = LinkSettings(m_roots);
         EXPECT_EQ(m_target.settings.baudRate, 115200U);
-        EXPECT_EQ(FollowLink(command, m_target, edit.LinkBefore()), row.followed);
+        EXPECT_EQ(FollowLink(command, m_target, edit.LinkBefore()), followed);
         EXPECT_TRUE(Answers());
-        if (row.followed == LinkFollowed::Stayed) {
+        if (followed == LinkFollowed::Stayed) {
             ASSERT_EQ(edit.TakeLinkBack(), 1);
         }
-        EXPECT_EQ(LinkSettings(m_roots).baudRate, row.answersAt);
+        EXPECT_EQ(LinkSettings(m_roots).baudRate, answersAt);
     }
 }
 

@@ -171,6 +171,8 @@ TEST_F(CommandChannelTest, ATooLongRequestIsNotSent)
     EXPECT_EQ(command.ShowLabel(1, 2, std::wstring(252, L'x')), 0);
     EXPECT_EQ(command.Fault(), CommandFault::TooLong);
     EXPECT_TRUE(line.TakeReceived().empty());
+    EXPECT_EQ(command.ShowLabel(1, 2, std::wstring(251, L'x')), 1) << "the longest that fits";
+    EXPECT_EQ(line.TakeReceived().size(), 261U);
 }
 
 TEST_F(CommandChannelTest, SendAndCollectKeepsWhateverComes)

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -303,15 +304,9 @@ TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
     };
     std::optional<std::uint32_t> time;
     FileServer server;
-    struct Row
-    {
-        const char* change;
-        std::function<void()> make;
-        std::uint32_t continuedAt;
-        AnewReason reason;
-    };
     using enum AnewReason;
-    const Row rows[] = {
+    // What is changed, where the transfer is continued, and why it begins anew.
+    const std::tuple<const char*, std::function<void()>, std::uint32_t, AnewReason> rows[] = {
         {"nothing", [] {}, kAt * 1000, None},
         {"the time", [&] { ++*time; }, 0, OtherFile},
         {"the size", [&] { server.content.push_back(1); }, 0, OtherFile},
@@ -336,9 +331,9 @@ TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
          NotFromMiddle},
     };
     for (const bool cancelled : {false, true}) {
-        for (const Row& row : rows) {
-            SCOPED_TRACE(row.change);
-            if (std::string_view(row.change) == "another user's" && geteuid() != 0) {
+        for (const auto& [change, make, continuedAt, reason] : rows) {
+            SCOPED_TRACE(change);
+            if (std::string_view(change) == "another user's" && geteuid() != 0) {
                 continue; // nobody else can give a file away
             }
             fs::remove_all(day);
@@ -358,7 +353,7 @@ TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
             EXPECT_EQ(Download(kLong, breakOff, time), -1);
             EXPECT_EQ(fs::file_size(part), kAt * 1000);
             server.times = 0;
-            row.make();
+            make();
             const std::string before = ContentOf(other);
             receiver.emplace(line, server);
             Open();
@@ -372,9 +367,9 @@ TEST_F(DownloadTest, GoesOnWhereItBrokeOffOrSaysWhyNot)
                 << command.LastError();
             ExpectCleanLine();
             const TransferStart start = command.GetTransferStart();
-            EXPECT_EQ(start.continuedAt, row.continuedAt);
-            EXPECT_EQ(start.reason, row.reason);
-            EXPECT_EQ(first, std::max(row.continuedAt, 1000U));
+            EXPECT_EQ(start.continuedAt, continuedAt);
+            EXPECT_EQ(start.reason, reason);
+            EXPECT_EQ(first, std::max(continuedAt, 1000U));
             EXPECT_TRUE(Ascii(ContentOf(file)) == server.content);
             EXPECT_EQ(ContentOf(other), before) << "what had another name was written to";
             EXPECT_EQ(std::distance(fs::directory_iterator(day), {}), 1);

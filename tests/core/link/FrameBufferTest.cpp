@@ -27,16 +27,6 @@ TEST(FrameBuffer, TextFieldsHaveTheirWidth)
     EXPECT_EQ(built(L"ｱB", 9, true), Frame(0x85, {0xB1, 0x42})) << "own length is ignored";
 }
 
-TEST(FrameBuffer, RefusesAFrameThatIsTooLong)
-{
-    FrameBuffer frame;
-    frame.BeginPacket(0x85, 256);
-    frame.EndPacket();
-    EXPECT_TRUE(frame.BuiltFrame().empty());
-    frame.SetPacketLength(255);
-    EXPECT_EQ(frame.BuiltFrame().size(), 261U);
-}
-
 TEST(FrameBuffer, StaysInsideItsBuffer)
 {
     FrameBuffer frame;

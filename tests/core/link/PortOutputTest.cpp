@@ -19,7 +19,6 @@ TEST(PortOutput, IsToldFromDamage)
     EXPECT_TRUE(looks("$GPGGA,120000.00,3541.1,N,13945.2,E,4,12,0.8,45.2,M,,M,,*5C\r\n"sv))
         << "a sentence";
     EXPECT_TRUE(looks("1,N,13945.2*5C\r\n$GNRMC,12"sv)) << "in the middle of others";
-    EXPECT_TRUE(looks("$PXYZA,QA,1"sv)) << "a maker's own";
     EXPECT_TRUE(looks("!AIVDM,1,1,,A,"sv)) << "a wrapped one of ships";
     EXPECT_FALSE(looks("$GPGGA"sv)) << "cut before its comma";
     EXPECT_FALSE(looks("$GP,1"sv)) << "a short name";

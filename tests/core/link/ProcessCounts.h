@@ -4,23 +4,13 @@
 #include <cstddef>
 #include <filesystem>
 #include <iterator>
-#include <ostream>
 #include <thread>
+#include <utility>
 
 namespace fieldcore::testing {
 
 /// How many threads and descriptors this process has.
-struct ProcessCounts
-{
-    std::ptrdiff_t threads;
-    std::ptrdiff_t descriptors;
-    bool operator==(const ProcessCounts&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const ProcessCounts& counts)
-{
-    return out << counts.threads << " threads, " << counts.descriptors << " descriptors";
-}
+using ProcessCounts = std::pair<std::ptrdiff_t, std::ptrdiff_t>;
 
 [[nodiscard]] inline ProcessCounts CountProcess()
 {
