@@ -18,6 +18,7 @@
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/SpinDouble.h"
 #include "ui/controls/UiText.h"
+#include "ui/equipment/RecvFileMan.h"
 #include "ui/link/FramesView.h"
 #include "ui/planning/PlanDet.h"
 #include "ui/planning/PlanSet.h"
