@@ -8,7 +8,6 @@
 #include "tests/app/Started.h"
 #include "tests/core/equipment/KnownReceiver.h"
 #include "tests/ui/controls/NothingCut.h"
-#include "tests/ui/controls/Pictures.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/GraphicsBase.h"
 #include "ui/controls/IconButton.h"
@@ -311,14 +310,10 @@ protected:
         Theme::Use(Theme::Kind::Daylight);
     }
 
-    /// @param name  of a screen that stands in the window
+    /// @param name  of what the window shows
     static void Look(QWidget& window, const QString& name)
     {
         SCOPED_TRACE(name.toStdString());
-        const QString look = QStringLiteral("%1-%2-%3")
-                                 .arg(name)
-                                 .arg(static_cast<int>(GetParam().first))
-                                 .arg(GetParam().second);
         for (const QSize size : {QSize(480, 640), QSize(1280, 800)}) {
             SCOPED_TRACE(size.width());
             window.resize(size);
@@ -327,7 +322,6 @@ protected:
             QCoreApplication::processEvents();
             const bool hasOwnWidth = window.minimumWidth() == window.maximumWidth();
             testing::ExpectNothingCut(window, hasOwnWidth ? window.size() : size);
-            KeepPicture(window, look + QStringLiteral("-%1").arg(size.width()));
             for (const QScrollArea* const area : window.findChildren<QScrollArea*>()) {
                 EXPECT_TRUE(!area->isVisible() || IsOneOf<CGraphicsBase>(*area->widget()) ||
                             area->widget()->width() <= area->viewport()->width())
