@@ -261,21 +261,6 @@ void Type(char sign)
     }
 }
 
-/// How many of @p sent have come in their order.
-int InOrder(const std::string& sent, const std::string& come)
-{
-    std::vector<int> most(come.size() + 1, 0); // longest common subsequence so far
-    for (const char sign : sent) {
-        int before = 0;
-        for (std::size_t i = 1; i <= come.size(); ++i) {
-            const int above = most[i];
-            most[i] = sign == come[i - 1] ? before + 1 : std::max(most[i], most[i - 1]);
-            before = above;
-        }
-    }
-    return most.back();
-}
-
 /// A button and a box on the page in front, where everything that comes is counted.
 struct Probe
 {
@@ -438,7 +423,8 @@ Result World::WorkOn(const Page& page, int latencyMs, bool isSilent)
     WaitFor(3s, [&] { return probe.taps == kPresses && come().size() == kPresses; });
     result.longestBlockMs = Ask([this] { return m_application.LongestBlockMs(); });
     result.taps = Ask([&] { return probe.taps; });
-    result.digits = InOrder(sent, Ask(come).toStdString());
+    const std::string typed = Ask(come).toStdString(); // the first that is missing spoils the rest
+    result.digits = static_cast<int>(std::ranges::mismatch(sent, typed).in1 - sent.begin());
     if (page.choice == text::kAppTilt) {
         result.tolerances = EnterTolerances();
     }

@@ -12,8 +12,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <numbers>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -186,33 +184,20 @@ void SearchOfTwoWeeks(benchmark::State& state)
             sites.push_back({L"", site, SkyLimits(0.26, curtain)});
         }
     }
-    std::vector<double> placeS;
     std::vector<double> allS;
-    std::vector<double> windowsS;
     long allocations = 0;
     for (auto _ : state) {
         PlanSearch search(sites, hours, known, satellites);
         const long before = AllocationCount();
         const double start = SecondsOf(kProcessor);
-        while (search.StepsDone() < satellites.size()) {
-            search.Step();
-        }
-        const double placed = SecondsOf(kProcessor);
         while (search.Step()) {
         }
-        const double viewed = SecondsOf(kProcessor);
+        const double end = SecondsOf(kProcessor);
         allocations += AllocationCount() - before;
-        for (std::size_t site = 0; site <= sites.size(); ++site) {
-            benchmark::DoNotOptimize(search.BestOfDays(site, {6, 3.0, minutes(60)}));
-        }
-        placeS.push_back(placed - start);
-        allS.push_back(viewed - start);
-        windowsS.push_back(SecondsOf(kProcessor) - viewed);
+        allS.push_back(end - start);
     }
     state.counters["satellites"] = static_cast<double>(satellites.size());
     state.counters["P6_ms"] = Quantile(allS) * 1e3;
-    state.counters["of_it_positions_ms"] = Quantile(placeS) * 1e3;
-    state.counters["windows_ms"] = Quantile(windowsS) * 1e3;
     state.counters["P9_allocations"] = static_cast<double>(allocations);
 }
 BENCHMARK(SearchOfTwoWeeks)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->Iterations(7)->UseRealTime();
@@ -253,52 +238,6 @@ void AllGraphs(benchmark::State& state)
     state.counters["P7_ratio"] = graphs.Ratio();
 }
 BENCHMARK(AllGraphs)->MinTime(1.0)->UseRealTime();
-
-/// P8: the largest differences from the literal plan over all hours of many sites.
-void Differences(benchmark::State& state)
-{
-    ObservationPlan plan;
-    SetUp(plan);
-    double angle = 0.0;
-    double dop = 0.0;
-    long cases = 0;
-    long decisions = 0;
-    const std::vector<Observer> sites = Sites();
-    for (auto _ : state) {
-        for (int i = 0; i < kSites; ++i) {
-            plan.Calc().SetObserver(sites[static_cast<std::size_t>(i)]);
-            plan.SetElMaskDeg(i % 40);
-            plan.Compute();
-            const LiteralPlan literal(plan.Calc(), plan.Period());
-            const auto skies = literal.Tracks();
-            const auto counts = literal.Count();
-            const auto dops = literal.Dops();
-            for (int k = 0; k < plan.Division(); ++k) {
-                const auto at = static_cast<std::size_t>(k);
-                decisions += plan.CountAt(k) == counts[at] ? 0 : 1;
-                dop = std::max(dop, std::abs(plan.DopAt(PlanGraph::Pdop, k) / dops[at].pdop - 1.0));
-                for (int prn = 0; prn < kMaxPrn; ++prn) {
-                    ++cases;
-                    const auto& expected = skies[at][static_cast<std::size_t>(prn)];
-                    const auto ours = plan.DirectionAt(prn, k);
-                    decisions += ours.has_value() == expected.has_value() ? 0 : 1;
-                    if (ours && expected) {
-                        // Two azimuths on both sides of north differ by a whole turn.
-                        const double turn = std::remainder(ours->azimuthRad - expected->azimuthRad,
-                                                           2.0 * std::numbers::pi);
-                        angle = std::max({angle, std::abs(turn),
-                                          std::abs(ours->elevationRad - expected->elevationRad)});
-                    }
-                }
-            }
-        }
-    }
-    state.counters["P8_angle_rad"] = angle;
-    state.counters["P8_dop_relative"] = dop;
-    state.counters["P8_decisions"] = static_cast<double>(decisions);
-    state.counters["cases"] = static_cast<double>(cases);
-}
-BENCHMARK(Differences)->Iterations(1)->UseRealTime();
 
 } // namespace
 } // namespace fieldcore::bench
