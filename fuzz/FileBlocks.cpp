@@ -66,8 +66,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     {
         Transfer transfer;
         ReceivedFile file(folder.Path(), L"A.Q01", expected,
-                          isNew ? std::nullopt : std::optional(kTime),
-                          FileOperations::Instance(), transfer);
+                          isNew ? std::nullopt : std::optional(kTime), FileOperations::Instance(),
+                          transfer);
         Check(file.Open() && file.Offset() <= expected);
         FrameBuffer frame;
         auto verdict = ReceivedFile::Verdict::More;
