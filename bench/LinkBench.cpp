@@ -47,7 +47,10 @@ private:
         const Bytes reply = Frame(0x09, Bytes(kReplyLength - 6, '1'));
         for (;;) {
             // Exactly one request at a time, or an extra reply would put the bare side ahead.
-            const Bytes request = m_farEnd.Receive(kRequestLength);
+            Bytes request = m_farEnd.Receive();
+            while (request.size() < kRequestLength) {
+                request = testing::Joined({request, m_farEnd.Receive()});
+            }
             if (request.size() != kRequestLength) {
                 return;
             }

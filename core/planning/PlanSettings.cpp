@@ -95,7 +95,7 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
         {L"GPS\\SurveyPlan\\Conditions\\ClockPerSystem", whole(settings.clockPerSystem)}};
     PlanSettings copy = settings;
     VisitNumbers(copy, [&](KnownSetting setting, int value) {
-        writes.push_back({setting, whole(value)});
+        writes.emplace_back(setting).value = whole(value);
     });
     std::vector<std::wstring>& sites = copy.search.sites;
     sites.resize(std::min(sites.size(), PlanSearch::kMostSites));

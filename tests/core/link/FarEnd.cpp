@@ -87,6 +87,14 @@ void FarEnd::Send(std::span<const std::uint8_t> bytes) const
     }
 }
 
+Bytes FarEnd::Receive() const
+{
+    Bytes received(64);
+    const ssize_t got = read(m_master, received.data(), received.size());
+    received.resize(static_cast<std::size_t>(got > 0 ? got : 0));
+    return received;
+}
+
 void FarEnd::HangUp()
 {
     if (m_master >= 0) {

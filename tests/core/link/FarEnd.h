@@ -32,6 +32,8 @@ public:
 
     [[nodiscard]] const std::string& Path() const { return m_path; }
     void Send(std::span<const std::uint8_t> bytes) const;
+    /// Waits for what comes next.
+    [[nodiscard]] Bytes Receive() const;
     /// Pulls the cable.
     void HangUp();
 
