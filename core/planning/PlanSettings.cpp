@@ -94,9 +94,8 @@ int SavePlanSettings(const CReg& reg, const PlanSettings& settings)
         {L"GPS\\SurveyPlan\\Conditions\\Systems", whole(settings.systems.to_ulong())},
         {L"GPS\\SurveyPlan\\Conditions\\ClockPerSystem", whole(settings.clockPerSystem)}};
     PlanSettings copy = settings;
-    VisitNumbers(copy, [&](KnownSetting setting, int value) {
-        writes.emplace_back(setting).value = whole(value);
-    });
+    VisitNumbers(
+        copy, [&](KnownSetting setting, int value) { writes.emplace_back(setting, whole(value)); });
     std::vector<std::wstring>& sites = copy.search.sites;
     sites.resize(std::min(sites.size(), PlanSearch::kMostSites));
     sites.emplace_back(); // the end

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -140,9 +141,13 @@ int Store(const CReg& reg, KnownSetting setting, const SettingsValue& value,
 /// A setting and what is to be stored.
 struct SettingWrite
 {
+    SettingWrite(KnownSetting known, SettingsValue stored, std::wstring_view star = {})
+        : setting(known), value(std::move(stored)), which(star)
+    {}
+
     KnownSetting setting;
     SettingsValue value;
-    std::wstring which = {};
+    std::wstring which; ///< in place of "*"
 };
 /// Stores all of them, or none. @return 1, or 0 if they could not be stored
 int StoreAll(const CReg& reg, const std::vector<SettingWrite>& settings);
