@@ -79,7 +79,10 @@ void Questions::Remove(Id id)
 {
     std::unique_lock lock(m_mutex);
     if (m_running == id) {
+        ++m_quiet; // or it could be asked anew before this thread has seen its end
         AwaitEnd(lock);
+        --m_quiet;
+        m_wake.Set();
     }
     m_questions.remove_if([id](const Question& question) { return question.id == id; });
 }
