@@ -6,7 +6,7 @@
 #include "core/equipment/FilePlan.h"
 #include "core/equipment/FileRows.h"
 #include "core/equipment/ReceiverFiles.h"
-#include "core/host/MessageTarget.h"
+#include "core/host/Host.h"
 #include "core/platform/Value.h"
 
 #include <cstdint>

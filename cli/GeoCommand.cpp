@@ -5,7 +5,6 @@
 #include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PlaneRectangular.h"
-#include "core/planning/TokyoDatum.h"
 
 #include <algorithm>
 #include <cmath>

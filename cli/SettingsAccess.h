@@ -5,7 +5,7 @@
 #include "cli/Report.h"
 
 #include "core/settings/SettingsRoots.h"
-#include "core/settings/SettingsTree.h"
+#include "core/settings/SettingsText.h"
 
 #include <optional>
 #include <string>

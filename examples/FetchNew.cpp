@@ -2,7 +2,7 @@
 
 #include <fieldcore/core/equipment/FileRunner.h>
 #include <fieldcore/core/equipment/ReceiverFiles.h>
-#include <fieldcore/core/host/MessageTarget.h>
+#include <fieldcore/core/host/Host.h>
 #include <fieldcore/core/link/Command.h>
 #include <fieldcore/core/platform/Utf8.h>
 #include <fieldcore/simulator/UseSimulator.h>

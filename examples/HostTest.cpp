@@ -1,7 +1,6 @@
 // How does a host test its own code against a receiver that misbehaves?
 
 #include <fieldcore/core/link/Command.h>
-#include <fieldcore/simulator/FaultRule.h>
 #include <fieldcore/simulator/Simulator.h>
 
 #include <cstdio>

@@ -6,7 +6,7 @@
 #include <fieldcore/core/equipment/AntennaSettings.h>
 #include <fieldcore/core/equipment/BattLevel.h>
 #include <fieldcore/core/equipment/GPSError.h>
-#include <fieldcore/core/host/ProgressBar.h>
+#include <fieldcore/core/host/Host.h>
 #include <fieldcore/core/link/Command.h>
 #include <fieldcore/core/link/RecvInfo.h>
 #include <fieldcore/core/platform/Folders.h>

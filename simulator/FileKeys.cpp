@@ -1,4 +1,4 @@
-#include "simulator/FileKeys.h"
+#include "simulator/ScenarioKeys.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "simulator/FileReplies.h"
+#include "simulator/Replies.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "simulator/FileNames.h"
-#include "simulator/FileReplies.h"
 #include "simulator/FileStore.h"
 #include "simulator/Frame.h"
+#include "simulator/Replies.h"
 #include "simulator/Scenario.h"
 
 #include <cstdint>

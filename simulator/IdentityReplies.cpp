@@ -1,4 +1,4 @@
-#include "simulator/IdentityReplies.h"
+#include "simulator/Replies.h"
 
 #include <array>
 #include <cmath>

@@ -1,9 +1,7 @@
 #include "simulator/Receiver.h"
 
-#include "simulator/IdentityReplies.h"
 #include "simulator/Models.h"
-#include "simulator/SatelliteReplies.h"
-#include "simulator/StateReplies.h"
+#include "simulator/Replies.h"
 
 #include <algorithm>
 #include <cmath>

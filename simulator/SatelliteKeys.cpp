@@ -1,4 +1,4 @@
-#include "simulator/SatelliteKeys.h"
+#include "simulator/ScenarioKeys.h"
 
 namespace fieldcore::simulator {
 

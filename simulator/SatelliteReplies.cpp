@@ -1,4 +1,4 @@
-#include "simulator/SatelliteReplies.h"
+#include "simulator/Replies.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,8 @@
 #include "simulator/Scenario.h"
 
 #include "core/planning/NominalConstellation.h"
-#include "simulator/FileKeys.h"
 #include "simulator/Models.h"
-#include "simulator/SatelliteKeys.h"
-#include "simulator/StateKeys.h"
+#include "simulator/ScenarioKeys.h"
 #include "simulator/Words.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "simulator/StateKeys.h"
+#include "simulator/ScenarioKeys.h"
 
 #include <algorithm>
 #include <numbers>

@@ -1,4 +1,4 @@
-#include "simulator/StateReplies.h"
+#include "simulator/Replies.h"
 
 #include <algorithm>
 #include <array>

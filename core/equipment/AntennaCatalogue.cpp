@@ -1,6 +1,6 @@
 #include "core/equipment/AntennaCatalogue.h"
 
-#include "core/host/WaitCursor.h"
+#include "core/host/Host.h"
 #include "core/input/Parts.h"
 #include "core/planning/CalendarTime.h"
 #include "core/platform/AtomicFile.h"

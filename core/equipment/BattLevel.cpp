@@ -1,7 +1,6 @@
 #include "core/equipment/BattLevel.h"
 
 #include "core/host/Host.h"
-#include "core/host/ProgressBar.h"
 #include "core/link/Command.h"
 #include "core/link/RecvInfo.h"
 #include "core/resources/StringTable.h"

@@ -1,8 +1,8 @@
 #include "core/equipment/FileManager.h"
 
 #include "core/equipment/FileTexts.h"
+#include "core/host/Host.h"
 #include "core/host/MesBox.h"
-#include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
 #include "core/resources/StringTable.h"
 

@@ -3,7 +3,7 @@
 #include "core/equipment/FilePlan.h"
 #include "core/equipment/FileRows.h"
 #include "core/equipment/FileTexts.h"
-#include "core/host/MessageTarget.h"
+#include "core/host/Host.h"
 #include "core/link/Connect.h"
 #include "core/link/DirectoryListing.h"
 #include "core/link/ReceiverTypes.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -129,5 +130,45 @@ public:
 
 /// @param host  must outlive its use; nullptr goes back to SilentHost. Any thread.
 void SetDefaultHost(Host* host);
+
+/// A window, or whatever stands for one, that is told something later: a message is queued and
+/// handled on the thread that uses the library, after what runs there now.
+class MessageTarget
+{
+public:
+    virtual ~MessageTarget() = default;
+
+    /// Queues a message. Messages arrive in the order in which one thread posts them; those for a
+    /// receiver that is gone are dropped. Any thread.
+    /// @param message  number of the kind of message
+    /// @param wParam   first value, its meaning belongs to the kind
+    /// @param lParam   second value
+    virtual void Post(unsigned message, std::intptr_t wParam, std::intptr_t lParam) = 0;
+};
+
+/// A progress bar as the library moves it; a window, a terminal or a test brings its own.
+class ProgressBar
+{
+public:
+    virtual ~ProgressBar() = default;
+
+    /// Both ends belong to the range.
+    virtual void SetRange(int first, int last) = 0;
+    virtual void SetPos(int position) = 0;
+};
+
+/// Shows the host's wait cursor as long as it lives.
+class WaitCursor
+{
+public:
+    /// Shows the cursor. @param host  must outlive the object
+    explicit WaitCursor(Host& host) : m_host(host) { m_host.ShowWaitCursor(true); }
+    ~WaitCursor() { m_host.ShowWaitCursor(false); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+private:
+    Host& m_host;
+};
 
 } // namespace fieldcore

@@ -1,7 +1,5 @@
 #include "core/link/Command.h"
 
-#include "core/link/FileFetch.h"
-#include "core/link/FileListing.h"
 #include "core/link/Questions.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/PortReport.h"
@@ -21,11 +19,6 @@ constexpr milliseconds kBreakDuration{300};
 constexpr int kMostListFrames = 256;      // they are numbered by a byte
 constexpr std::size_t kLongestLine = 256; // bytes, without the CR LF that is added
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::uint8_t kListPica = 0x79;
-constexpr std::uint8_t kFetch = 0x96;
-constexpr std::uint8_t kListLark = 0x9C;
-constexpr std::uint32_t kSecondPica = 3020;
-constexpr std::intptr_t kListEnded = 1;
 
 /// The parity, stop-bit and flow codes of the receiver are those of the port settings, but for
 /// flow control: it knows none, XON/XOFF and the hardware lines.
@@ -125,14 +118,6 @@ void CCommand::SetHandOver(bool on)
 }
 
 // Exchanges.
-
-template <typename Work>
-int CCommand::InTurn(std::uint8_t request, Work work)
-{
-    m_failed = {CommandFault::None, request, 0, {}};
-    ChannelTurn turn(*m_channel, GetHost(), PacketBuffer, m_timeout);
-    return Finish(turn, turn.MayAsk() ? work(turn) : 0);
-}
 
 /// Keeps how the turn went.
 int CCommand::Finish(ChannelTurn& turn, int result)
@@ -424,45 +409,6 @@ int CCommand::ShowLabel(std::uint8_t place, std::uint16_t number, std::wstring_v
     return SendAndCollect();
 }
 
-// Files.
-
-/// A listing in a turn, whose end is posted whatever came of it.
-template <typename Work>
-int CCommand::List(std::uint8_t request, ListingTarget target, Work list)
-{
-    const int result = InTurn(request, [&](ChannelTurn& turn) { return list(turn, target); });
-    m_hasMoreFiles = target.hasMore;
-    if (target.window != nullptr) {
-        target.window->Post(target.message, kListEnded, 0);
-    }
-    return result;
-}
-
-int CCommand::RequestFiles_Pica(int mode, std::uint32_t typeNumber, DirectoryTable& table,
-                                MessageTarget* window, unsigned message)
-{
-    const std::uint8_t variant = typeNumber == kSecondPica ? 2 : 1;
-    return List(kListPica, {table, window, message}, [&](ChannelTurn& turn, ListingTarget& target) {
-        return ListPicaFiles(turn, *this, mode, variant, target);
-    });
-}
-
-int CCommand::RequestFiles_Lark(std::wstring_view pattern, DirectoryTable& table,
-                                MessageTarget* window, unsigned message)
-{
-    return List(kListLark, {table, window, message}, [&](ChannelTurn& turn, ListingTarget& target) {
-        return ListLarkFiles(turn, *this, pattern, target);
-    });
-}
-
-int CCommand::FileExists(std::wstring_view name)
-{
-    if (!IsReceiverFileName(name)) {
-        return Fail(CommandFault::TooLong);
-    }
-    return InTurn(kListLark, [&](ChannelTurn& turn) { return HasLarkFile(turn, *this, name); });
-}
-
 int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)
 {
     if (!IsReceiverFileName(name)) {
@@ -472,32 +418,6 @@ int CCommand::CommandByName(std::uint8_t type, std::wstring_view name)
     PutText(name, kLongestFileName);
     EndPacket();
     return Exchange(Answer::Ack);
-}
-
-std::int64_t CCommand::DownloadFile(const std::filesystem::path& folder, std::wstring_view name,
-                                    std::uint32_t expectedSize, const BytesArrived& arrived,
-                                    std::optional<std::uint32_t> time)
-{
-    m_transfer = {};
-    m_transfer.name = CheckReceivedName(name, folder);
-    if (m_transfer.name != NameFault::None) {
-        m_transfer.fault = DownloadFault::Name;
-        return -1;
-    }
-    ReceivedFile file(folder, name, expectedSize, time, *m_operations, m_transfer);
-    const int isWhole = InTurn(kFetch, [&](ChannelTurn& turn) {
-        return file.Open() && FetchFile(turn, *this, name, file, arrived) ? 1 : 0;
-    });
-    if (isWhole == 0) {
-        if (m_transfer.fault == DownloadFault::None) {
-            m_transfer.fault =
-                Fault() == CommandFault::Cancelled ? DownloadFault::Cancelled : DownloadFault::Link;
-        }
-        return -1;
-    }
-    return file.Finish() || m_transfer.fault == DownloadFault::WrongSize
-               ? std::int64_t{file.Offset()}
-               : -1;
 }
 
 } // namespace fieldcore

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/host/MessageTarget.h"
+#include "core/host/Host.h"
 #include "core/link/Channel.h"
 #include "core/link/ChannelTurn.h"
 #include "core/link/DirectoryListing.h"
@@ -349,6 +349,14 @@ private:
 
     std::unique_ptr<Questions> m_questions; // null until they are asked for
 };
+
+template <typename Work>
+int CCommand::InTurn(std::uint8_t request, Work work)
+{
+    m_failed = {CommandFault::None, request, 0, {}};
+    ChannelTurn turn(*m_channel, GetHost(), PacketBuffer, m_timeout);
+    return Finish(turn, turn.MayAsk() ? work(turn) : 0);
+}
 
 /// The library's one channel to the receiver. It exists as long as the program.
 [[nodiscard]] CCommand* GetCCommand();

@@ -1,5 +1,5 @@
 #include "simulator/Receiver.h"
-#include "simulator/SatelliteReplies.h"
+#include "simulator/Replies.h"
 #include "tests/simulator/Support.h"
 
 namespace fieldcore::simulator::test {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/host/MessageTarget.h"
+#include "core/host/Host.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/host/ProgressBar.h"
+#include "core/host/Host.h"
 
 #include <QProgressBar>
 

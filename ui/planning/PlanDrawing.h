@@ -2,7 +2,6 @@
 
 #include "core/planning/ObservationPlan.h"
 #include "core/planning/PlanWindows.h"
-#include "core/planning/SkySnapshot.h"
 
 #include <QList>
 #include <QString>

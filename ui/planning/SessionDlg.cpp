@@ -1,7 +1,7 @@
 #include "ui/planning/SessionDlg.h"
 
+#include "core/host/Host.h"
 #include "core/host/MesBox.h"
-#include "core/host/WaitCursor.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/RoleLabel.h"

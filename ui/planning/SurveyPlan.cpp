@@ -1,7 +1,7 @@
 #include "ui/planning/SurveyPlan.h"
 
+#include "core/host/Host.h"
 #include "core/host/MesBox.h"
-#include "core/host/WaitCursor.h"
 #include "core/link/Command.h"
 #include "core/orbits/NavigationFile.h"
 #include "core/orbits/SystemTime.h"

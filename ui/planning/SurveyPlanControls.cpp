@@ -2,7 +2,7 @@
 
 #include "ui/planning/SurveyPlan.h"
 
-#include "core/host/WaitCursor.h"
+#include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "core/planning/PlanSeries.h"
 #include "core/resources/StringTable.h"
@@ -16,7 +16,7 @@
 #include "ui/controls/UiText.h"
 #include "ui/planning/ChoiceButton.h"
 #include "ui/planning/DateDlg.h"
-#include "ui/planning/PlanExportMenu.h"
+#include "ui/planning/PlanExport.h"
 #include "ui/planning/PlanGraphView.h"
 #include "ui/planning/PlanHeader.h"
 #include "ui/planning/PlanSystemsBar.h"
@@ -31,7 +31,9 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <QMenu>
 #include <algorithm>
+#include <system_error>
 
 namespace fieldcore {
 
@@ -43,6 +45,27 @@ constexpr int kWide = 900;
 
 constexpr int kExportTool = 1;
 constexpr int kFromBelowTool = 2;
+
+/// What a plan can be saved as.
+struct ExportForm
+{
+    int textId;
+    const char* icon;
+    const char* suffix;
+    std::error_code (*save)(const std::filesystem::path& file, const PlanDrawing& drawing);
+};
+constexpr ExportForm kExportForms[] = {
+    {text::kPlanExportPdf, "plan", ".pdf", &ExportPdf},
+    {text::kPlanExportPng, "chart", ".png",
+     [](const std::filesystem::path& file, const PlanDrawing& drawing) {
+         return ExportPng(file, drawing, {1600, 1200}, 192.0);
+     }},
+    {text::kPlanExportSvg, "chart", ".svg",
+     [](const std::filesystem::path& file, const PlanDrawing& drawing) {
+         return ExportSvg(file, drawing, {800, 600});
+     }},
+    {text::kPlanExportCsv, "file", ".csv", &ExportCsv},
+};
 
 LabelSpin* MakeHourSpin(int id, int labelId, int nameId, int first, int last)
 {
@@ -313,7 +336,23 @@ void CSurveyPlan::ShowSlider()
 
 void CSurveyPlan::Export()
 {
-    PlanExportMenu menu(Drawing(), m_surroundings, m_session.GetEnvironment(), this);
+    const PlanDrawing drawing = Drawing();
+    QMenu menu(this);
+    menu.setStyle(TouchStyle::Shared());
+    menu.setAccessibleName(UiText(text::kPlanExport));
+    for (const ExportForm& form : kExportForms) {
+        QAction* const item =
+            menu.addAction(ThemeIcon(QString::fromLatin1(form.icon)), UiText(form.textId));
+        item->setEnabled(drawing.Obstacle().isEmpty());
+        connect(item, &QAction::triggered, this, [this, &drawing, &form] {
+            const QString day = PlanDateText(drawing).remove(QLatin1Char('/'));
+            m_surroundings.SaveAndTell(
+                this, m_session.GetEnvironment(), form.textId,
+                ToQt(FormatText(text::kPlanExportFile, day.toStdWString().c_str())),
+                QString::fromLatin1(form.suffix),
+                [&](const std::filesystem::path& file) { return form.save(file, drawing); });
+        });
+    }
     menu.exec(m_tools->mapToGlobal(QPoint(0, m_tools->height())));
 }
 

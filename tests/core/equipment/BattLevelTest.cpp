@@ -1,6 +1,6 @@
 #include "core/equipment/BattLevel.h"
 
-#include "core/host/ProgressBar.h"
+#include "core/host/Host.h"
 #include "core/link/Command.h"
 #include "tests/core/link/FarEnd.h"
 #include "tests/support/ScriptedEnd.h"

@@ -2,7 +2,6 @@
 
 #include "core/planning/Degrees.h"
 #include "core/planning/PlaneRectangular.h"
-#include "core/planning/TokyoDatum.h"
 
 #include <cmath>
 #include <initializer_list>

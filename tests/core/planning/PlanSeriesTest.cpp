@@ -4,9 +4,9 @@
 #include "core/planning/PlanSeries.h"
 
 #include "core/planning/NominalConstellation.h"
+#include "core/planning/ObservationPlan.h"
 #include "core/planning/PlanCsv.h"
 #include "core/planning/PlanWindows.h"
-#include "core/planning/SkySnapshot.h"
 #include "tests/core/planning/SampleSky.h"
 
 #include <algorithm>

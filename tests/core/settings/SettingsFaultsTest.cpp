@@ -1,6 +1,6 @@
 #include "core/platform/SqliteSettingsStore.h"
 
-#include "core/settings/SettingsTree.h"
+#include "core/settings/SettingsText.h"
 #include "tests/core/link/ProcessCounts.h"
 #include "tests/core/platform/TemporaryFolder.h"
 #include "tests/support/FragileDisk.h"

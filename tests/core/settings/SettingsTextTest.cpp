@@ -2,7 +2,6 @@
 
 #include "core/platform/SqliteSettingsStore.h"
 #include "core/settings/HostReg.h"
-#include "core/settings/SettingsTree.h"
 #include "core/settings/StoredPorts.h"
 #include "tests/core/platform/FoldersBelow.h"
 #include "tests/core/platform/TemporaryFolder.h"

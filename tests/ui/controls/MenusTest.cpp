@@ -1,5 +1,4 @@
 #include "tests/ui/controls/OnScreen.h"
-#include "ui/controls/BarButton.h"
 #include "ui/controls/ButtonMenuDlg.h"
 #include "ui/controls/Icon.h"
 #include "ui/controls/IconButton.h"
@@ -45,7 +44,10 @@ public:
         activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(this));
     }
-    [[nodiscard]] QList<BarButton*> Buttons() const { return findChildren<BarButton*>(); }
+    [[nodiscard]] QList<QAbstractButton*> Buttons() const
+    {
+        return findChildren<QAbstractButton*>();
+    }
 
     CnMenuBar* bar;
     std::vector<int> chosen;
@@ -115,7 +117,7 @@ TEST(CnMenuBar, LeavesTheScreenAsItWasLoaded)
          {std::pair(0, text::kButtonClose), std::pair(1, text::kButtonEndProgram)}) {
         Screen screen(loadWay);
         EXPECT_EQ(screen.bar->GetLoadWay(), loadWay);
-        BarButton* const close = screen.Buttons().front();
+        QAbstractButton* const close = screen.Buttons().front();
         EXPECT_EQ(close->text(), UiText(textId));
         QTest::mouseClick(close, Qt::LeftButton);
         QTest::keyClick(&screen, Qt::Key_Escape);
