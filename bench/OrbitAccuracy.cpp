@@ -11,8 +11,8 @@
 
 #include "core/orbits/NavigationText.h"
 #include "core/orbits/SystemTime.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/LocalFrame.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/TextLines.h"
 #include "core/platform/WholeFile.h"
 

@@ -4,8 +4,8 @@
 
 #include "bench/Measuring.h"
 #include "core/orbits/SystemTime.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
+#include "core/platform/Degrees.h"
 #include "tests/core/planning/SampleSky.h"
 #include "ui/planning/PlanGraphView.h"
 

@@ -2,8 +2,8 @@
 
 #include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacTime.h"
-#include "core/planning/Degrees.h"
 #include "core/platform/Calendar.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
@@ -12,10 +12,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <map>
 #include <string>
 #include <utility>
+
+#include <fmt/chrono.h>
 
 namespace fieldcore::cli {
 
@@ -105,20 +106,8 @@ Value DateValue(std::int64_t gpsSeconds, bool hasSeconds)
 
 Value DateValue(std::chrono::sys_seconds gps, bool hasSeconds)
 {
-    const auto day = std::chrono::floor<std::chrono::days>(gps);
-    const year_month_day date(day);
-    const std::chrono::hh_mm_ss clock(gps - day);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d",
-                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    constexpr std::size_t kUntilSeconds = 16;
-    std::string words =
-        std::string(text.data()).substr(0, hasSeconds ? text.size() : kUntilSeconds);
-    words[words.find('T')] = ' ';
-    return Value::Word(text.data(), std::move(words));
+    return Value::Word(fmt::format("{:%FT%T}", gps),
+                       hasSeconds ? fmt::format("{:%F %T}", gps) : fmt::format("{:%F %H:%M}", gps));
 }
 
 Failure AlmanacFailure(AlmanacResult result, const AlmanacStore& store,

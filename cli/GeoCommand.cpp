@@ -2,9 +2,9 @@
 #include "cli/GeoInput.h"
 #include "cli/Options.h"
 
-#include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PlaneRectangular.h"
+#include "core/platform/Degrees.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include "cli/Options.h"
 
 #include "core/input/Check.h"
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>

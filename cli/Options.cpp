@@ -4,11 +4,11 @@
 
 #include "core/planning/PlanPeriod.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
+
+#include <fmt/format.h>
 
 namespace fieldcore::cli {
 
@@ -16,9 +16,7 @@ namespace {
 
 std::string Shortest(double number)
 {
-    std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), std::abs(number) < 1e9 ? "%.10g" : "%g", number);
-    return text.data();
+    return std::abs(number) < 1e9 ? fmt::format("{:.10g}", number) : fmt::format("{:g}", number);
 }
 
 /// A day written 2026-11-21.

@@ -7,10 +7,10 @@
 
 #include "core/planning/AlmanacState.h"
 #include "core/planning/AlmanacStore.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/PlanCsv.h"
 #include "core/planning/PlanSettings.h"
 #include "core/planning/PlanWindows.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
 #include "core/settings/HostReg.h"

@@ -3,8 +3,8 @@
 #include "cli/AlmanacReport.h"
 
 #include "core/planning/AlmanacState.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>

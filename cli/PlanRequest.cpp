@@ -6,12 +6,12 @@
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PackedDegrees.h"
 #include "core/planning/PlanSite.h"
 #include "core/planning/SampleSites.h"
 #include "core/planning/SitesCsv.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/Folders.h"
 #include "core/platform/Utf8.h"
 

@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <fstream>
 #include <istream>
 #include <optional>
@@ -18,6 +17,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <fmt/format.h>
 
 namespace fieldcore::cli {
 
@@ -33,9 +34,7 @@ struct TraceOptions
 
 std::string HexByte(std::uint8_t byte)
 {
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), "0x%02X", byte);
-    return text.data();
+    return fmt::format("0x{:02X}", byte);
 }
 
 // In the order of Kind.

@@ -2,6 +2,10 @@
 # root; hosts see those of build/include alone, see Headers.cmake.
 add_library(fieldcore_build INTERFACE)
 target_include_directories(fieldcore_build INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/made)
+# Formats, on the headers of a library: nothing of it is loaded or exported.
+target_include_directories(fieldcore_build SYSTEM INTERFACE
+    $<TARGET_PROPERTY:fmt::fmt-header-only,INTERFACE_INCLUDE_DIRECTORIES>)
+target_compile_definitions(fieldcore_build INTERFACE FMT_HEADER_ONLY=1)
 target_compile_features(fieldcore_build INTERFACE cxx_std_20)
 target_compile_options(fieldcore_build INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
@@ -77,10 +81,12 @@ function(fieldcore_library target component)
         LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/fieldcore.map)
     target_compile_features(${target} PUBLIC cxx_std_20)
     # Not linked: what is exported could not name it.
-    foreach(kind COMPILE_OPTIONS INCLUDE_DIRECTORIES LINK_OPTIONS)
+    foreach(kind COMPILE_OPTIONS COMPILE_DEFINITIONS INCLUDE_DIRECTORIES LINK_OPTIONS)
         set(value $<TARGET_PROPERTY:fieldcore_build,INTERFACE_${kind}>)
         if(kind STREQUAL "COMPILE_OPTIONS")
             target_compile_options(${target} PRIVATE ${value})
+        elseif(kind STREQUAL "COMPILE_DEFINITIONS")
+            target_compile_definitions(${target} PRIVATE ${value})
         elseif(kind STREQUAL "INCLUDE_DIRECTORIES")
             target_include_directories(${target} PRIVATE ${value})
         else()

@@ -1,11 +1,11 @@
 #include "simulator/ScenarioKeys.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <chrono>
-#include <cstdio>
 #include <string>
+
+#include <fmt/chrono.h>
 
 namespace fieldcore::simulator {
 
@@ -87,13 +87,8 @@ bool AddFile(Words& words, Scenario& scenario, ReceiverFile file)
 std::string SessionName(Clock::UtcTime time)
 {
     using namespace std::chrono;
-    const sys_days day = floor<days>(time);
-    const year_month_day date(day);
-    const auto hour = static_cast<int>(floor<hours>(time - day).count());
-    std::array<char, 16> name{};
-    std::snprintf(name.data(), name.size(), "A%02u%02u%c00", static_cast<unsigned>(date.month()),
-                  static_cast<unsigned>(date.day()), 'A' + hour);
-    return name.data();
+    const auto hour = static_cast<int>(floor<hours>(time - floor<days>(time)).count());
+    return fmt::format("A{:%m%d}{:c}00", time, 'A' + hour);
 }
 
 } // namespace

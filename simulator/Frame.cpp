@@ -1,12 +1,12 @@
 #include "simulator/Frame.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cassert>
-#include <cstdio>
 #include <numeric>
 #include <string>
+
+#include <fmt/format.h>
 
 namespace fieldcore::simulator {
 
@@ -79,13 +79,11 @@ DataWriter& DataWriter::Digits(long value, std::size_t width)
 
 DataWriter& DataWriter::Tenths(double value, std::size_t width)
 {
-    std::array<char, 32> text{};
-    const int length =
-        std::snprintf(text.data(), text.size(), "%*.1f", static_cast<int>(width), value);
-    if (length != static_cast<int>(width)) {
+    const std::string text = fmt::format("{:{}.1f}", value, width);
+    if (text.size() != width) {
         return Text(std::string(width - 2, '9') + ".9", width);
     }
-    return Text({text.data(), width}, width);
+    return Text(text, width);
 }
 
 } // namespace fieldcore::simulator

@@ -1,8 +1,8 @@
 #include "simulator/Replies.h"
 
-#include <array>
 #include <cmath>
-#include <cstdio>
+
+#include <fmt/format.h>
 
 namespace fieldcore::simulator {
 
@@ -93,10 +93,9 @@ Bytes IdentityReply(const Scenario& scenario, std::uint32_t baudRate)
 {
     const std::string model =
         scenario.identity.empty() ? std::to_string(scenario.typeNumber) : scenario.identity;
-    std::array<char, 128> text{};
-    std::snprintf(text.data(), text.size(), "ID,%s;PORT,%d,%u,L,8,1,N,F;VER,%.2f,", model.c_str(),
-                  scenario.port - 1, baudRate, scenario.navVersion);
-    return MakeFrame(kIdentity, std::string_view(text.data()));
+    return MakeFrame(
+        kIdentity, std::string_view(fmt::format("ID,{};PORT,{},{},L,8,1,N,F;VER,{:.2f},", model,
+                                                scenario.port - 1, baudRate, scenario.navVersion)));
 }
 
 } // namespace fieldcore::simulator

@@ -3,18 +3,16 @@
 #include "core/planning/AlmanacOrbit.h"
 #include "core/planning/LocalFrame.h"
 #include "core/planning/NominalConstellation.h"
+#include "core/platform/Degrees.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <numbers>
 #include <optional>
 
 namespace fieldcore::simulator {
 
 namespace {
-
-constexpr double kDegree = std::numbers::pi / 180.0;
 
 Almanac FromRecord(const AlmanacRecord& r)
 {
@@ -72,12 +70,12 @@ Satellite Seen(const Scenario& scenario, int prn, const SkyDirection& direction)
 {
     Satellite satellite;
     satellite.number = prn;
-    const double elevationDeg = direction.elevationRad / kDegree;
+    const double elevationDeg = DegreesOf(direction.elevationRad);
     satellite.azimuthDeg =
-        static_cast<int>(std::lround(direction.azimuthRad / kDegree + 360.0)) % 360;
+        static_cast<int>(std::lround(DegreesOf(direction.azimuthRad) + 360.0)) % 360;
     satellite.elevationDeg = static_cast<int>(std::lround(elevationDeg));
     if (elevationDeg >= scenario.maskDeg &&
-        elevationDeg >= ObstructionDeg(scenario, direction.azimuthRad / kDegree)) {
+        elevationDeg >= ObstructionDeg(scenario, DegreesOf(direction.azimuthRad))) {
         satellite.signals[0] = Signal(50.0, direction.elevationRad);
         if (scenario.options.l2) {
             satellite.signals[1] = Signal(44.0, direction.elevationRad);
@@ -109,8 +107,8 @@ void Dampen(Satellite& satellite, AntennaState antenna)
 
 EastNorthUp Towards(const Satellite& satellite)
 {
-    const double azimuth = satellite.azimuthDeg * kDegree;
-    const double elevation = satellite.elevationDeg * kDegree;
+    const double azimuth = RadiansOf(satellite.azimuthDeg);
+    const double elevation = RadiansOf(satellite.elevationDeg);
     return {std::sin(azimuth) * std::cos(elevation), std::cos(azimuth) * std::cos(elevation),
             std::sin(elevation)};
 }
@@ -192,7 +190,7 @@ Sky SkyAt(const Scenario& scenario, const GpsTime& now, double elapsedS)
     const bool moves = Moves(scenario);
     if (moves) {
         const LocalFrame frame(
-            {scenario.latitudeDeg * kDegree, scenario.longitudeDeg * kDegree, scenario.heightM});
+            {RadiansOf(scenario.latitudeDeg), RadiansOf(scenario.longitudeDeg), scenario.heightM});
         const int last = scenario.nominalAlmanacs ? kNominalSatellites : 0;
         for (const Almanac& almanac : Almanacs(scenario, now, last)) {
             const auto position = OrbitOf(almanac, now).Position({now.week, now.sowS});

@@ -1,7 +1,8 @@
 #include "simulator/ScenarioKeys.h"
 
+#include "core/platform/Degrees.h"
+
 #include <algorithm>
-#include <numbers>
 #include <span>
 #include <string>
 #include <string_view>
@@ -72,7 +73,7 @@ bool ReadAngle(Words& words, std::string_view what, double maxDeg, double& rad)
 {
     double deg = 0.0;
     const bool good = words.Real(what, -maxDeg, maxDeg, deg);
-    rad = deg * std::numbers::pi / 180.0;
+    rad = RadiansOf(deg);
     return good;
 }
 
@@ -120,7 +121,7 @@ bool ReadTiltPole(Words& words, Scenario& scenario)
         tilt.motion = PoleMotion::Falling;
         double degS = 0.0;
         const bool good = words.Real("degrees a second", 0.0, 90.0, degS);
-        tilt.fallRadS = degS * std::numbers::pi / 180.0;
+        tilt.fallRadS = RadiansOf(degS);
         return good &&
                (words.AtEnd() || words.Real("the second of the fall", 0.0, kMaxS, tilt.fallFromS));
     }

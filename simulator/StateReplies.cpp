@@ -1,9 +1,10 @@
 #include "simulator/Replies.h"
 
+#include "core/platform/Degrees.h"
+
 #include <algorithm>
-#include <array>
-#include <cstdio>
-#include <numbers>
+
+#include <fmt/format.h>
 
 namespace fieldcore::simulator {
 
@@ -15,11 +16,6 @@ constexpr std::uint8_t kSite = 0x31;
 constexpr std::uint8_t kPosition = 0x35;
 
 constexpr int kFirstPosition = 2; // single
-
-double Radians(double degrees)
-{
-    return degrees * std::numbers::pi / 180.0;
-}
 
 } // namespace
 
@@ -63,9 +59,8 @@ Bytes TimeReply(const GpsTime& time, int utcOffsetS)
     DataWriter out;
     out.Digits(static_cast<long>(time.sowS), 7).Digits(time.week, 4);
     // The field has two characters; what does not fit makes the reply longer.
-    std::array<char, 16> offset{};
-    const int width = std::snprintf(offset.data(), offset.size(), "%0*d", 2, utcOffsetS);
-    out.Text(offset.data(), static_cast<std::size_t>(width));
+    const std::string offset = fmt::format("{:02}", utcOffsetS);
+    out.Text(offset, offset.size());
     return out.Frame(kTime);
 }
 
@@ -73,7 +68,7 @@ Bytes SiteReply(const Scenario& scenario)
 {
     DataWriter out;
     out.U8(18).U8(0);
-    out.F64(Radians(scenario.latitudeDeg)).F64(Radians(scenario.longitudeDeg));
+    out.F64(RadiansOf(scenario.latitudeDeg)).F64(RadiansOf(scenario.longitudeDeg));
     out.F64(scenario.heightM);
     return out.Frame(kSite);
 }
@@ -87,7 +82,7 @@ Bytes PositionReply(const Scenario& scenario, const Sky& sky, const Solution& so
     out.U8(hasPosition ? static_cast<unsigned>(TrackedSatellites(scenario, sky)) : 0U);
     out.U32(static_cast<unsigned>(time.week)).U32(static_cast<std::uint64_t>(time.sowS));
     out.F32(solution.dop.pdop).F32(solution.dop.hdop).F32(solution.dop.vdop);
-    out.F64(Radians(scenario.latitudeDeg)).F64(Radians(scenario.longitudeDeg));
+    out.F64(RadiansOf(scenario.latitudeDeg)).F64(RadiansOf(scenario.longitudeDeg));
     out.F64(scenario.heightM);
     return out.Frame(kPosition);
 }

@@ -3,13 +3,13 @@
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <system_error>
 #include <utility>
+
+#include <fmt/format.h>
 
 namespace fieldcore::simulator {
 
@@ -36,9 +36,7 @@ bool ReadWhole(std::string_view word, Number& value)
 
 std::string Short(double value)
 {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%g", value);
-    return text.data();
+    return fmt::format("{:g}", value);
 }
 
 } // namespace

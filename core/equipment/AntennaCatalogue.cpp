@@ -13,11 +13,9 @@
 #include "core/settings/ProfileText.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <cwchar>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -26,6 +24,8 @@
 #include <system_error>
 #include <utility>
 #include <vector>
+
+#include <fmt/xchar.h>
 
 namespace fieldcore {
 
@@ -218,10 +218,8 @@ std::wstring AntennaFileStamp(const fs::path& folder)
     const CTime::LocalParts t =
         CTime(std::chrono::floor<std::chrono::seconds>(utc).time_since_epoch().count())
             .GetLocalParts();
-    std::array<wchar_t, 100> stamp{};
-    std::swprintf(stamp.data(), stamp.size(), L"%d/%d/%d %02d:%02d:%02d %ld", t.year, t.month,
-                  t.day, t.hour, t.minute, t.second, static_cast<long>(size));
-    return stamp.data();
+    return fmt::format(L"{}/{}/{} {:02}:{:02}:{:02} {}", t.year, t.month, t.day, t.hour, t.minute,
+                       t.second, size);
 }
 
 int InstallSampleAntennas(const fs::path& folder)

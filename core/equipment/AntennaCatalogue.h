@@ -111,7 +111,7 @@ public:
     static constexpr const wchar_t* kKey = L"GPS\\Antenna\\List";
 
     /// That of the program's folder. @param roots  must outlive the object
-    explicit AntennaCatalogue(SettingsRoots& roots = SettingsRoots::Instance());
+    explicit AntennaCatalogue(SettingsRoots& roots);
 
     /// Brings the settings up to date if the file is not the one that they were made of: its stamp
     /// is another, or its FileIdentity(), which sees what happens within a second. They change as a

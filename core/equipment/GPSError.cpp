@@ -32,6 +32,22 @@ constexpr int kFirstDay =
 constexpr int kLastDay =
     std::chrono::sys_days(std::chrono::year(2260) / 12 / 31).time_since_epoch().count();
 
+/// The parts of a date and time that no zone moves.
+CTime::LocalParts CalendarPartsOf(local_seconds time)
+{
+    const auto day = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day date(day);
+    const auto number = [](unsigned part) { return static_cast<int>(part); };
+    const auto second = static_cast<int>((time - day).count());
+    return {static_cast<int>(date.year()),
+            number(static_cast<unsigned>(date.month())),
+            number(static_cast<unsigned>(date.day())),
+            second / 3600,
+            second / 60 % 60,
+            second % 60,
+            number(std::chrono::weekday(day).c_encoding())};
+}
+
 } // namespace
 
 bool IsPositionComputed(const ReturnPositionStatusInformation& status)
@@ -62,21 +78,6 @@ std::optional<Clock::UtcTime> ControllerTime(int week, double seconds, int utcOf
     }
     return Clock::UtcTime(std::chrono::sys_days(std::chrono::days(static_cast<int>(day)))) +
            std::chrono::seconds(static_cast<std::int64_t>(ofDay));
-}
-
-CTime::LocalParts CalendarPartsOf(local_seconds time)
-{
-    const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(day);
-    const auto number = [](unsigned part) { return static_cast<int>(part); };
-    const auto second = static_cast<int>((time - day).count());
-    return {static_cast<int>(date.year()),
-            number(static_cast<unsigned>(date.month())),
-            number(static_cast<unsigned>(date.day())),
-            second / 3600,
-            second / 60 % 60,
-            second % 60,
-            number(std::chrono::weekday(day).c_encoding())};
 }
 
 CGPSError::CGPSError(CCommand* command, Clock* clock)

@@ -34,9 +34,6 @@ using ReturnPositionStatusInformation = PositionStatusReply;
 [[nodiscard]] std::optional<Clock::UtcTime> ControllerTime(int week, double seconds,
                                                            int utcOffsetS);
 
-/// The parts of a date and time that no zone moves.
-[[nodiscard]] CTime::LocalParts CalendarPartsOf(std::chrono::local_seconds time);
-
 /// Keeps the receiver's last position status, decides whether its time may be trusted, and sets
 /// the controller's clock by it if that clock allows it. Once the time has been accepted it stays
 /// so for the object's life. The thread of the command channel; what asks the receiver says so.

@@ -37,7 +37,7 @@ enum class PortKnown
 
 /// Forgets what receivers were told: one was returned to its factory settings, and what is stored
 /// for its ports waits to be sent again. @return 1, or 0 if it could not be stored
-int ForgetPorts(SettingsRoots& roots = SettingsRoots::Instance());
+int ForgetPorts(SettingsRoots& roots);
 
 /// The parameters of the receiver's ports while somebody changes them, from the settings to the
 /// receiver and back. The port through which the controller talks is special: what it has is what
@@ -53,7 +53,7 @@ public:
     /// @param link      how the link runs, if not as it is stored
     /// @param receiver  serial number of the one that is, or was last, connected: what is known of
     ///                  a port is known of one receiver
-    explicit PortEdit(int linkPort, SettingsRoots& roots = SettingsRoots::Instance(),
+    explicit PortEdit(int linkPort, SettingsRoots& roots,
                       const std::optional<PortSettings>& link = std::nullopt,
                       std::wstring receiver = {});
 

@@ -5,9 +5,9 @@
 #include "core/input/Angles.h"
 #include "core/link/ReceiverTypes.h"
 #include "core/link/RecvInfo.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/PlaneRectangular.h"
 #include "core/platform/Calendar.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/resources/StringTable.h"
@@ -17,12 +17,13 @@
 #include <array>
 #include <cassert>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <iterator>
 #include <numbers>
 #include <type_traits>
 #include <utility>
+
+#include <fmt/chrono.h>
 
 namespace fieldcore {
 
@@ -460,14 +461,9 @@ struct MomentParts
 
 MomentParts PartsOf(std::chrono::local_seconds time, bool hasSeconds)
 {
-    const CTime::LocalParts p = CalendarPartsOf(time);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", p.year, p.month, p.day,
-                  p.hour, p.minute, p.second);
-    const std::string_view all(text.data());
-    const std::size_t blank = all.find(' ');
-    return {std::string(all.substr(0, blank)),
-            std::string(all.substr(blank + 1, hasSeconds ? 8 : 5))};
+    const std::chrono::sys_seconds t(time.time_since_epoch()); // as it is called there
+    return {fmt::format("{:%F}", t),
+            hasSeconds ? fmt::format("{:%T}", t) : fmt::format("{:%H:%M}", t)};
 }
 
 /// As ISO 8601 for programs.

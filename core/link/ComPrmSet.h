@@ -141,7 +141,7 @@ private:
 
 /// The parameters with which the controller's own line is to be run: those of port 0, brought to
 /// what the lists offer.
-[[nodiscard]] PortSettings LinkSettings(SettingsRoots& roots = SettingsRoots::Instance());
+[[nodiscard]] PortSettings LinkSettings(SettingsRoots& roots);
 
 /// Stores the parameters of the controller's own line: all that changes it comes through here.
 /// @return 1, or 0 if they could not be stored
@@ -149,6 +149,6 @@ int StoreLink(const CComPrmSet& line);
 
 /// Stores another rate for the controller's own line; the other parameters stay.
 /// @return 1; 0 if the rate is none of kBaudRates, or could not be stored
-int SetLinkRate(std::uint32_t baudRate, SettingsRoots& roots = SettingsRoots::Instance());
+int SetLinkRate(std::uint32_t baudRate, SettingsRoots& roots);
 
 } // namespace fieldcore

@@ -5,8 +5,8 @@
 #include "core/platform/PortReport.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+
+#include <fmt/format.h>
 
 namespace fieldcore {
 
@@ -224,14 +224,11 @@ std::string CCommand::FaultDetail() const
         return {};
     }
     std::string text = MeaningOf(m_failed.fault).words;
-    std::array<char, 40> buffer{};
     if (m_failed.request != 0) {
-        std::snprintf(buffer.data(), buffer.size(), "request 0x%02X: ", m_failed.request);
-        text.insert(0, buffer.data());
+        text.insert(0, fmt::format("request 0x{:02X}: ", m_failed.request));
     }
     if (m_failed.fault == CommandFault::WrongType) {
-        std::snprintf(buffer.data(), buffer.size(), " (type 0x%02X)", m_failed.answer);
-        text += buffer.data();
+        text += fmt::format(" (type 0x{:02X})", m_failed.answer);
     }
     if (!m_failed.device.empty()) {
         text += " (" + m_failed.device + ")";

@@ -64,8 +64,8 @@ struct FoundTarget
 /// that cannot be used. Opens no port.
 /// @param port    name of the port; empty: StoredPort(), and the cable on COM1 where none is stored
 /// @param system  where devices are looked for
-[[nodiscard]] FoundTarget FindTarget(SettingsRoots& roots = SettingsRoots::Instance(),
-                                     const std::string& port = {}, const SystemRoots& system = {});
+[[nodiscard]] FoundTarget FindTarget(SettingsRoots& roots, const std::string& port = {},
+                                     const SystemRoots& system = {});
 
 /// How a device is reached. COM1, and a device that has neither another COM number nor a Bluetooth
 /// name, is the cable. A Bluetooth device without a COM number counts as one above all of them.

@@ -3,12 +3,12 @@
 #include "core/link/FrameLayouts.h"
 #include "core/link/SatelliteRecords.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/TextLines.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
 #include <charconv>
-#include <numbers>
 #include <string_view>
 #include <utility>
 
@@ -95,7 +95,7 @@ DescribedField DescribeField(std::size_t offset, const ReceivedField& field)
         break;
     case FieldKind::Angle:
         described.value = Value::Exact(field.Real(), "rad");
-        described.meaning = Value::Real(field.Real() * 180.0 / std::numbers::pi, 8, "deg").Words();
+        described.meaning = Value::Real(DegreesOf(field.Real()), 8, "deg").Words();
         break;
     case FieldKind::Digit:
     case FieldKind::Digits:

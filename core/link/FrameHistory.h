@@ -32,7 +32,7 @@ public:
     static constexpr std::size_t kCapacity = 10000; // frames
 
     /// @param clock  must outlive the object
-    explicit FrameHistory(const Clock& clock = SystemClock::Instance()) : m_clock(clock) {}
+    explicit FrameHistory(const Clock& clock) : m_clock(clock) {}
 
     void Add(Direction direction, LineUnit unit, std::span<const std::uint8_t> bytes);
 

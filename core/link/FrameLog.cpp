@@ -1,9 +1,9 @@
 #include "core/link/FrameLog.h"
 
-#include <array>
 #include <chrono>
-#include <cstdio>
 #include <string_view>
+
+#include <fmt/format.h>
 
 namespace fieldcore {
 
@@ -23,12 +23,9 @@ std::string FrameLogLine(Direction direction, std::span<const std::uint8_t> byte
 {
     using namespace std::chrono;
     const hh_mm_ss ofHour(floor<milliseconds>(time - floor<hours>(time)));
-    std::array<char, 48> head{};
-    std::snprintf(
-        head.data(), head.size(), "%02d:%d.%03d Rcvr %s [",
-        static_cast<int>(ofHour.minutes().count()), static_cast<int>(ofHour.seconds().count()),
-        static_cast<int>(ofHour.subseconds().count()), direction == Direction::Sent ? "Tx" : "Rx");
-    return head.data() + HexOf(bytes) + "]\r\n";
+    return fmt::format("{:02}:{}.{:03} Rcvr {} [{}]\r\n", ofHour.minutes().count(),
+                       ofHour.seconds().count(), ofHour.subseconds().count(),
+                       direction == Direction::Sent ? "Tx" : "Rx", HexOf(bytes));
 }
 
 } // namespace fieldcore

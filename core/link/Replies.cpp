@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cwchar>
 #include <limits>
+#include <numbers>
 #include <string_view>
 
 namespace fieldcore {
@@ -31,7 +32,7 @@ constexpr bool Bit(std::uint32_t value, int bit)
 /// Not so when one of the values is no number.
 bool IsOnEarth(const SiteReply& place)
 {
-    constexpr double kHalfTurn = 3.141592653589793;
+    constexpr double kHalfTurn = std::numbers::pi;
     return std::abs(place.latitudeRad) <= kHalfTurn / 2 &&
            std::abs(place.longitudeRad) <= 2 * kHalfTurn && std::isfinite(place.heightM);
 }

@@ -1,5 +1,7 @@
 #include "core/orbits/KeplerOrbit.h"
 
+#include "core/platform/Degrees.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -12,7 +14,7 @@ constexpr double kTwoPi = 2.0 * std::numbers::pi;
 constexpr int kMostNewtonSteps = 1000;
 /// Of the frame of BeiDou's geostationary satellites against the equator, so that their nodes mean
 /// something.
-constexpr double kGeostationaryTilt = -5.0 * std::numbers::pi / 180.0;
+constexpr double kGeostationaryTilt = RadiansOf(-5.0);
 
 } // namespace
 

@@ -10,9 +10,10 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <utility>
+
+#include <fmt/chrono.h>
 
 namespace fieldcore {
 
@@ -40,12 +41,11 @@ constexpr FieldRange kSpeed{-10, 10, false, "-10 to 10 km/s"};
 constexpr FieldRange kPull{-1e-4, 1e-4, false, "-1e-4 to 1e-4 km/s^2"};
 
 using namespace std::chrono_literals;
-constexpr std::chrono::sys_days kEpoch{1980y / 1 / 6};
 constexpr std::chrono::sys_days kEnd{2200y / 1 / 1}; // of the times that are read
 
 double SinceEpoch(std::chrono::sys_days day)
 {
-    return static_cast<double>(std::chrono::seconds(day - kEpoch).count());
+    return static_cast<double>(std::chrono::seconds(day - kGpsEpoch).count());
 }
 
 /// A field that is needed: the line of its record, counted from 0, and its place in that, from 0.
@@ -468,18 +468,8 @@ std::string WrittenEpoch(const NavigationRecord& record)
 {
     const double shown =
         record.systemS - (record.satellite.system == GnssSystem::Glonass ? kMoscowAheadS : 0.0);
-    const auto instant = kEpoch + std::chrono::seconds(std::llround(shown));
-    const auto day = std::chrono::floor<std::chrono::days>(instant);
-    const std::chrono::year_month_day date(day);
-    const std::chrono::hh_mm_ss clock(instant - day);
-    std::array<char, 80> text{};
-    std::snprintf(text.data(), text.size(), "%s %04d %02u %02u %02d %02d %02d",
-                  record.satellite.Text().c_str(), static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                  static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    return text.data();
+    return fmt::format("{} {:%Y %m %d %H %M %S}", record.satellite.Text(),
+                       kGpsEpoch + std::chrono::seconds(std::llround(shown)));
 }
 
 using Rows = std::array<std::array<double, kFieldsPerLine>, kElementLines>;

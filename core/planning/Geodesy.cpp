@@ -4,7 +4,7 @@
 
 #include <GeographicLib/Geocentric.hpp>
 
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 
 namespace fieldcore {
 namespace {

@@ -1,6 +1,6 @@
 #include "core/planning/LiveSky.h"
 
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 
 #include <algorithm>
 #include <iterator>

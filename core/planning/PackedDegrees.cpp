@@ -1,12 +1,12 @@
 #include "core/planning/PackedDegrees.h"
 
+#include "core/platform/Degrees.h"
 #include "core/platform/NumberText.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <numbers>
 #include <string>
 
 namespace fieldcore {
@@ -45,14 +45,13 @@ double ParsePackedDegrees(std::wstring_view text)
     packed.resize(std::max(packed.size(), kMinutesAndSeconds), L'0');
     const double minutes = Number(packed.substr(0, 2));
     const double seconds = Number(packed.substr(2, 2) + L'.' + packed.substr(4));
-    const double angle = (degrees + minutes / 60.0 + seconds / 3600.0) * (std::numbers::pi / 180.0);
+    const double angle = RadiansOf(degrees + minutes / 60.0 + seconds / 3600.0);
     return negative ? -angle : angle;
 }
 
 std::wstring FormatPackedDegrees(double angleRad, int decimals)
 {
-    const double degrees =
-        std::isfinite(angleRad) ? std::abs(angleRad) / std::numbers::pi * 180.0 : 0.0;
+    const double degrees = std::isfinite(angleRad) ? DegreesOf(std::abs(angleRad)) : 0.0;
     // In units of the last decimal: then nothing can round up to 60.
     const std::int64_t unit = std::llround(std::pow(10.0, decimals));
     const std::int64_t count = std::llround(degrees * 3600.0 * static_cast<double>(unit));

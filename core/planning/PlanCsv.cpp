@@ -2,8 +2,8 @@
 
 #include "core/orbits/SystemTime.h"
 #include "core/planning/AlmanacState.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 

@@ -1,5 +1,7 @@
 #include "core/planning/PlanLanes.h"
 
+#include "core/platform/Degrees.h"
+
 #include <algorithm>
 #include <iterator>
 #include <numbers>
@@ -232,13 +234,12 @@ public:
         if (hn::AllTrue(m_d, isAbove)) {
             return {isAbove, hn::Not(isAbove)};
         }
-        const V degrees = azimuth() * hn::Set(m_d, 180.0 / kPi);
+        const V degrees = azimuth() * hn::Set(m_d, DegreesOf(1.0));
         const V rounder = hn::Set(m_d, kRounder);
         const V fromWhole = hn::Abs(degrees - (degrees + rounder - rounder));
         // Azimuths lose their meaning towards the zenith.
         const V horizontal = hn::Sqrt(hn::MulAdd(east, east, north * north)) * perRange;
-        const M isAzimuthSure =
-            fromWhole * horizontal > hn::Set(m_d, SkyLimits::kClose * 180.0 / kPi);
+        const M isAzimuthSure = fromWhole * horizontal > hn::Set(m_d, DegreesOf(SkyLimits::kClose));
         // To the next whole degree below; on a whole one it is not sure.
         const hn::RebindToSigned<D> integers;
         const auto entry =

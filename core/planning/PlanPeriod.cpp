@@ -1,19 +1,14 @@
 #include "core/planning/PlanPeriod.h"
 
 #include "core/planning/CalendarTime.h"
+#include "core/platform/Calendar.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <cstdio>
+
+#include <fmt/chrono.h>
 
 namespace fieldcore {
-
-namespace {
-
-constexpr int kJapanBehindUtcH = 9;
-
-} // namespace
 
 std::chrono::minutes PlanPeriod::Interval() const
 {
@@ -31,26 +26,17 @@ CGPSTime PlanPeriod::Start() const
     const CTime midnight(static_cast<int>(date.year()),
                          static_cast<int>(static_cast<unsigned>(date.month())),
                          static_cast<int>(static_cast<unsigned>(date.day())), 0, 0, 0);
-    return {midnight + CTimeSpan(0, startHour - kJapanBehindUtcH, 0, 0)};
+    return {midnight + CTimeSpan(0, startHour - static_cast<int>(kJst.count()), 0, 0)};
 }
 
 std::string JstText(std::chrono::sys_seconds utc)
 {
-    const auto jst = utc + std::chrono::hours(kJapanBehindUtcH);
-    const auto day = std::chrono::floor<std::chrono::days>(jst);
-    const std::chrono::year_month_day calendar(day);
-    const auto minutes = std::chrono::floor<std::chrono::minutes>(jst - day).count();
-    std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d+09:00",
-                  static_cast<int>(calendar.year()), static_cast<unsigned>(calendar.month()),
-                  static_cast<unsigned>(calendar.day()), static_cast<int>(minutes / 60),
-                  static_cast<int>(minutes % 60));
-    return text.data();
+    return fmt::format("{:%FT%H:%M}+09:00", utc + kJst);
 }
 
 std::chrono::sys_seconds PlanPeriod::UtcAfter(int samples) const
 {
-    return std::chrono::sys_days(date) + std::chrono::hours(startHour - kJapanBehindUtcH) +
+    return std::chrono::sys_days(date) + std::chrono::hours(startHour) - kJst +
            samples * Interval();
 }
 
@@ -61,17 +47,15 @@ std::string PlanPeriod::JstText(int samples) const
 
 std::string PlanPeriod::ClockText(int samples) const
 {
-    constexpr std::size_t kClockAt = 11;
-    constexpr std::size_t kClockLength = 5;
     const std::chrono::sys_seconds midnight =
-        std::chrono::sys_days(date) + std::chrono::hours(24 - kJapanBehindUtcH);
+        std::chrono::sys_days(date) + std::chrono::days(1) - kJst;
     return UtcAfter(samples) == midnight ? "24:00"
-                                         : JstText(samples).substr(kClockAt, kClockLength);
+                                         : fmt::format("{:%H:%M}", UtcAfter(samples) + kJst);
 }
 
 std::chrono::sys_days JapanDay(Clock::UtcTime utc)
 {
-    return std::chrono::floor<std::chrono::days>(utc + std::chrono::hours(kJapanBehindUtcH));
+    return std::chrono::floor<std::chrono::days>(utc + kJst);
 }
 
 GpsEpoch ToEpoch(const CGPSTime& time)

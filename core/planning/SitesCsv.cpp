@@ -1,8 +1,8 @@
 #include "core/planning/SitesCsv.h"
 
-#include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/TextLines.h"
 #include "core/platform/Utf8.h"
 #include "core/platform/WholeFile.h"

@@ -1,9 +1,9 @@
 #include "core/planning/SkyRecord.h"
 
-#include "core/planning/Degrees.h"
 #include "core/planning/SkyLimits.h"
 #include "core/platform/AtomicFile.h"
 #include "core/platform/ContentSum.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/FolderEntries.h"
 #include "core/platform/Folders.h"
 #include "core/platform/WholeFile.h"

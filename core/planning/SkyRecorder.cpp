@@ -2,7 +2,7 @@
 
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacTime.h"
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/WholeFile.h"
 #include "core/resources/StringTable.h"
 

@@ -114,7 +114,7 @@ std::string FoundSky(const fs::path& folder)
 
 bool SaveFrames(const fs::path& folder, int version)
 {
-    FrameHistory history;
+    FrameHistory history(SystemClock::Instance());
     history.Add(Direction::Sent, LineUnit::Frame,
                 std::vector<std::uint8_t>(60, static_cast<std::uint8_t>(version)));
     auto frames = history.After(0);

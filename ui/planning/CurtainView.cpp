@@ -1,5 +1,6 @@
 #include "ui/planning/CurtainView.h"
 
+#include "core/platform/Degrees.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/TouchStyle.h"
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace fieldcore {
 
@@ -81,7 +81,7 @@ QPointF CurtainView::PointOf(double azimuthDeg, double elevationDeg) const
                 sky.bottom() - sky.height() * elevationDeg / kZenith};
     }
     const double away = sky.width() / 2.0 * (1.0 - elevationDeg / kZenith);
-    const double angle = azimuthDeg / 180.0 * std::numbers::pi;
+    const double angle = RadiansOf(azimuthDeg);
     return sky.center() + QPointF(away * std::sin(angle), -away * std::cos(angle));
 }
 
@@ -94,7 +94,7 @@ CurtainView::Direction CurtainView::DirectionAt(const QPointF& point) const
                 (sky.bottom() - point.y()) / sky.height() * kZenith};
     }
     const QPointF from = point - sky.center();
-    const double azimuth = std::atan2(from.x(), -from.y()) * 180.0 / std::numbers::pi;
+    const double azimuth = DegreesOf(std::atan2(from.x(), -from.y()));
     const double away = std::hypot(from.x(), from.y());
     return {azimuth, kZenith * (1.0 - away / (sky.width() / 2.0))};
 }

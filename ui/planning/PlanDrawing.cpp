@@ -1,8 +1,8 @@
 #include "ui/planning/PlanDrawing.h"
 
 #include "core/planning/AlmanacState.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/PlanSeries.h"
+#include "core/platform/Degrees.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/LiveSkyStyle.h"
 

@@ -1,7 +1,7 @@
 #include "ui/planning/PlanSheet.h"
 
 #include "core/planning/AlmanacState.h"
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/PlanPainter.h"
 

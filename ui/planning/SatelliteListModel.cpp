@@ -1,6 +1,6 @@
 #include "ui/planning/SatelliteListModel.h"
 
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "core/resources/StringTable.h"
 #include "ui/controls/Theme.h"
 #include "ui/controls/UiText.h"

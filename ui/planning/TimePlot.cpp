@@ -1,6 +1,6 @@
 #include "ui/planning/TimePlot.h"
 
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "ui/controls/UiText.h"
 #include "ui/planning/LiveSkyStyle.h"
 

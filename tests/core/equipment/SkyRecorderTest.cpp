@@ -92,10 +92,10 @@ TEST_F(SkyRecorderTest, FourHoursProposeTheWallAndTheHill)
         // The receiver does not track below 10 degrees, so nothing is to be known there.
         const auto above = [](double elevationDeg) { return std::max(elevationDeg, 10.0); };
         double off = 90.0; // 3 degrees to the side count as right: an edge
-        for (double side = -3.0; side <= 3.0; side += 0.5) {
-            const double is = above(simulator::ObstructionDeg(street, azimuth + 0.5 + side));
+        for (int half = -6; half <= 6; ++half) {
+            const double is = above(simulator::ObstructionDeg(street, azimuth + 0.5 + 0.5 * half));
             off = std::min(off, std::abs(above(proposal->curtain[at]) - is));
-            known += side == 0.0 && is > 10.0 ? 1 : 0;
+            known += half == 0 && is > 10.0 ? 1 : 0;
         }
         EXPECT_LE(off, 3.0) << azimuth;
     }

@@ -14,7 +14,7 @@ namespace {
 
 TEST(FrameHistory, KeepsTheLastAndForgetsTheOldest)
 {
-    FrameHistory history;
+    FrameHistory history(SystemClock::Instance());
     const auto observe = history.Observer();
     const std::vector<std::uint8_t> older(9, 9);
     for (std::size_t i = 0; i < FrameHistory::kCapacity; ++i) {
@@ -40,7 +40,7 @@ TEST(FrameHistory, KeepsTheLastAndForgetsTheOldest)
 
 TEST(FrameHistory, TakesFromOneThreadWhatAnotherReads)
 {
-    FrameHistory history;
+    FrameHistory history(SystemClock::Instance());
     constexpr std::uint64_t kFrames = 25000;
     std::thread writer([&] {
         const std::array<std::uint8_t, 6> frame{0x02, 0x00, 0x08, 0x00, 0x08, 0x03};

@@ -37,7 +37,7 @@ long long MemoryInUse()
         return static_cast<long long>(__sanitizer_get_current_allocated_bytes());
     }
     const auto info = mallinfo2();
-    return static_cast<long long>(info.uordblks + info.hblkhd);
+    return static_cast<long long>(info.uordblks) + static_cast<long long>(info.hblkhd);
 }
 
 /// Asks one of several things, and checks what comes against what the receiver holds.

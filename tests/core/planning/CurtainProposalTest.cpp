@@ -3,10 +3,10 @@
 
 #include "core/planning/CurtainProposal.h"
 
-#include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
 #include "core/planning/SkyRecord.h"
 #include "core/planning/SurveyPlanCalc.h"
+#include "core/platform/Degrees.h"
 #include "simulator/Sky.h"
 #include "tests/core/planning/SampleSky.h"
 #include "tests/core/platform/TemporaryFolder.h"

@@ -1,7 +1,7 @@
 #include "core/planning/Geodesy.h"
 
-#include "core/planning/Degrees.h"
 #include "core/planning/PlaneRectangular.h"
+#include "core/platform/Degrees.h"
 
 #include <cmath>
 #include <initializer_list>

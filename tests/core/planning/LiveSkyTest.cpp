@@ -6,8 +6,8 @@
 
 #include "core/planning/AlmanacFile.h"
 #include "core/planning/AlmanacStore.h"
-#include "core/planning/Degrees.h"
 #include "core/planning/LiveSkyPoll.h"
+#include "core/platform/Degrees.h"
 #include "core/resources/StringTable.h"
 #include "simulator/Frame.h"
 #include "tests/core/platform/TemporaryFolder.h"

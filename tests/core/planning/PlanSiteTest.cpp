@@ -1,6 +1,5 @@
 #include "core/planning/PlanSite.h"
 
-#include "core/planning/Degrees.h"
 #include "core/planning/Geodesy.h"
 #include "core/planning/PackedDegrees.h"
 #include "core/planning/PlanSettings.h"
@@ -8,6 +7,7 @@
 #include "core/planning/SiteInput.h"
 #include "core/planning/SitesCsv.h"
 #include "core/platform/Cp932.h"
+#include "core/platform/Degrees.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
 #include <set>

@@ -1,6 +1,6 @@
 #include "core/planning/CurtainFile.h"
 #include "core/planning/CurtainText.h"
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/RandomHands.h"
 #include "tests/ui/planning/PlanScreen.h"

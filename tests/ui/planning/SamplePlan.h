@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/planning/Degrees.h"
 #include "core/planning/NominalConstellation.h"
+#include "core/platform/Degrees.h"
 #include "tests/core/planning/SampleSky.h"
 #include "ui/planning/PlanDrawing.h"
 

@@ -3,7 +3,7 @@
 #include "ui/planning/SkyPlotDlg.h"
 
 #include "core/planning/AlmanacStore.h"
-#include "core/planning/Degrees.h"
+#include "core/platform/Degrees.h"
 #include "core/platform/FastClock.h"
 #include "core/settings/HostReg.h"
 #include "tests/support/VirtualReceiver.h"
