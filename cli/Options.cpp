@@ -3,8 +3,8 @@
 #include "cli/Command.h"
 
 #include "core/planning/PlanPeriod.h"
+#include "core/platform/NumberText.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 
@@ -23,19 +23,17 @@ std::string Shortest(double number)
 std::optional<std::chrono::sys_days> ParseDay(std::string_view text)
 {
     constexpr std::string_view kForm = "2026-11-21";
-    int year = 0;
-    unsigned month = 0;
-    unsigned day = 0;
-    const auto read = [text](std::size_t at, std::size_t length, auto& number) {
-        const char* const end = text.data() + at + length;
-        return text[at] != '-' && std::from_chars(text.data() + at, end, number).ptr == end;
-    };
-    if (text.size() != kForm.size() || text[4] != '-' || text[7] != '-' || !read(0, 4, year) ||
-        !read(5, 2, month) || !read(8, 2, day)) {
+    if (text.size() != kForm.size() || text[4] != '-' || text[7] != '-') {
         return std::nullopt;
     }
-    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                           std::chrono::day(day)};
+    const auto year = NumberOf<unsigned>(text.substr(0, 4));
+    const auto month = NumberOf<unsigned>(text.substr(5, 2));
+    const auto day = NumberOf<unsigned>(text.substr(8));
+    if (!year || !month || !day) {
+        return std::nullopt;
+    }
+    const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(*year)),
+                                           std::chrono::month(*month), std::chrono::day(*day)};
     return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
 }
 
@@ -50,10 +48,8 @@ std::string LimitWords(const Limits& limits)
 
 std::optional<double> ParseReal(std::string_view text)
 {
-    double number = 0.0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool isWhole = error == std::errc() && end == text.data() + text.size();
-    return isWhole && std::isfinite(number) ? std::optional(number) : std::nullopt;
+    const std::optional<double> number = NumberOf<double>(text);
+    return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
 CLI::Validator Within(const Limits& limits)

@@ -1,6 +1,7 @@
 #include "simulator/ExchangeRecord.h"
 
-#include <charconv>
+#include "core/platform/NumberText.h"
+
 #include <system_error>
 #include <utility>
 
@@ -49,16 +50,12 @@ bool ParseLogLine(std::string_view line, RecordedBytes& piece, std::string& erro
     }
     hex = hex.substr(0, close);
     while (!hex.empty()) {
-        std::uint8_t byte = 0;
-        const std::string_view digits = hex.substr(0, 2);
-        const char* const end = digits.data() + digits.size();
-        const auto [stop, failure] = std::from_chars(digits.data(), end, byte, 16);
-        if (failure != std::errc() || stop != end || digits.size() != 2 || hex.size() < 3 ||
-            hex[2] != ' ') {
+        const auto byte = NumberOf<std::uint8_t>(hex.substr(0, 2), 16);
+        if (!byte || hex.size() < 3 || hex[2] != ' ') {
             return fail("\"" + std::string(hex.substr(0, 3)) +
                         "\" is not two hexadecimal digits and a blank");
         }
-        read.bytes.push_back(byte);
+        read.bytes.push_back(*byte);
         hex.remove_prefix(3);
     }
     if (read.bytes.empty()) {

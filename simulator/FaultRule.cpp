@@ -1,10 +1,10 @@
 #include "simulator/FaultRule.h"
 
+#include "core/platform/NumberText.h"
 #include "simulator/Words.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace fieldcore::simulator {
 
@@ -81,13 +81,11 @@ bool ReadKind(Words& words, FaultRule& rule)
 /// @param wanted  what else may stand there, for the error
 bool ReadType(Words& words, std::string_view word, std::string_view wanted, int& type)
 {
-    int read = 0;
-    const char* const end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, read, 16);
-    if (error != std::errc() || stop != end || word.size() != 2 || read < 0) {
+    const auto read = NumberOf<std::uint8_t>(word, 16);
+    if (!read || word.size() != 2) {
         return words.Fail(std::string(wanted) + ", not \"" + std::string(word) + "\"");
     }
-    type = read;
+    type = *read;
     return true;
 }
 

@@ -1,7 +1,8 @@
 #include "simulator/ScenarioKeys.h"
 
+#include "core/platform/NumberText.h"
+
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <string>
 
@@ -34,13 +35,11 @@ bool ReadName(Words& words, std::string& name)
             continue;
         }
         const std::string_view digits = word.substr(i + 1, 2);
-        unsigned byte = 0;
-        const char* const end = digits.data() + digits.size();
-        const auto [stop, error] = std::from_chars(digits.data(), end, byte, 16);
-        if (digits.size() != 2 || error != std::errc() || stop != end) {
+        const auto byte = NumberOf<std::uint8_t>(digits, 16);
+        if (!byte || digits.size() != 2) {
             return words.Fail("behind % in a file's name two hexadecimal digits must stand");
         }
-        name += static_cast<char>(byte);
+        name += static_cast<char>(*byte);
         i += 2;
     }
     if (name.empty() || name.size() > kMaxName) {

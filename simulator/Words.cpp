@@ -1,9 +1,9 @@
 #include "simulator/Words.h"
 
+#include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <system_error>
@@ -24,14 +24,6 @@ std::string_view WithoutBlanks(std::string_view text)
         return {};
     }
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-template <typename Number>
-bool ReadWhole(std::string_view word, Number& value)
-{
-    const char* const end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, value);
-    return error == std::errc() && stop == end && !word.empty();
 }
 
 std::string Short(double value)
@@ -63,13 +55,13 @@ std::string_view Words::TakeRest()
 bool Words::Integer(std::string_view what, long min, long max, long& value)
 {
     const std::string_view word = Take();
-    long read = 0;
-    if (!ReadWhole(word, read) || read < min || read > max) {
+    const auto read = NumberOf<long>(word);
+    if (!read || *read < min || *read > max) {
         return FailAt(what,
                       "a whole number from " + std::to_string(min) + " to " + std::to_string(max),
                       word);
     }
-    value = read;
+    value = *read;
     return true;
 }
 
@@ -86,11 +78,11 @@ bool Words::Integer(std::string_view what, long min, long max, int& value)
 bool Words::Real(std::string_view what, double min, double max, double& value)
 {
     const std::string_view word = Take();
-    double read = 0.0;
-    if (!ReadWhole(word, read) || !std::isfinite(read) || read < min || read > max) {
+    const auto read = NumberOf<double>(word);
+    if (!read || !std::isfinite(*read) || *read < min || *read > max) {
         return FailAt(what, "a number from " + Short(min) + " to " + Short(max), word);
     }
-    value = read;
+    value = *read;
     return true;
 }
 

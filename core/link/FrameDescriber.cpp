@@ -4,11 +4,11 @@
 #include "core/link/SatelliteRecords.h"
 #include "core/platform/Cp932.h"
 #include "core/platform/Degrees.h"
+#include "core/platform/NumberText.h"
 #include "core/platform/TextLines.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string_view>
 #include <utility>
 
@@ -49,20 +49,16 @@ void DescribeDigits(const ReceivedField& field, DescribedField& described)
 {
     const std::string_view whole = AsText(field.bytes);
     const std::string_view text = Trimmed(whole);
-    double number = 0.0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, failure] =
-        std::from_chars(text.data(), end, number, std::chars_format::fixed);
-    const bool isNumber = failure == std::errc() && stop == end &&
-                          text.find_first_not_of("-0123456789.") == std::string::npos;
-    if (!isNumber) {
+    const bool isPlain = text.find_first_not_of("-0123456789.") == std::string::npos;
+    const std::optional<double> number = isPlain ? NumberOf<double>(text) : std::nullopt;
+    if (!number) {
         const bool isBlank = whole.find_first_not_of(' ') == std::string::npos;
         described.value = Value::Text(isBlank ? std::string() : ToUtf8(FromCp932(whole)));
         described.meaning = "not a number";
     } else if (field.layout.kind == FieldKind::Hundredths) {
-        described.value = Value::Real(number / 100.0, 2);
+        described.value = Value::Real(*number / 100.0, 2);
     } else {
-        described.value = Value::Exact(number, std::string(field.layout.unit));
+        described.value = Value::Exact(*number, std::string(field.layout.unit));
         described.meaning = MeaningOf(field);
     }
 }

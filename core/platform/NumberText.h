@@ -1,8 +1,13 @@
 #pragma once
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
 
 namespace fieldcore {
 
@@ -22,6 +27,23 @@ namespace fieldcore {
 /// @param text  zero-terminated; a null pointer is read like an empty text
 /// @return 0 if there is no number; the nearest int if there are too many digits
 [[nodiscard]] int ParseWhole(const wchar_t* text);
+
+/// The number that @p text is from its first to its last character; nothing if it is anything else
+/// or beyond what a Number holds.
+/// @param base  of a whole number, whose digits have no prefix
+template <typename Number>
+[[nodiscard]] std::optional<Number> NumberOf(std::string_view text, int base = 10)
+{
+    Number number{};
+    const char* const end = text.data() + text.size();
+    std::from_chars_result read{};
+    if constexpr (std::is_integral_v<Number>) {
+        read = std::from_chars(text.data(), end, number, base);
+    } else {
+        read = std::from_chars(text.data(), end, number);
+    }
+    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+}
 
 /// As printf's "%.*f": the decimal nearest to the exact value of the double, ties to even.
 /// @param decimals  digits behind the point; with none there is no point either

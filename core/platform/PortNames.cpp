@@ -1,9 +1,9 @@
 #include "core/platform/PortNames.h"
 
 #include "core/platform/FolderEntries.h"
+#include "core/platform/NumberText.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <filesystem>
 #include <system_error>
@@ -53,11 +53,8 @@ std::optional<int> ComNumberOf(std::string_view text)
     if (text.ends_with(':')) {
         text.remove_suffix(1);
     }
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool whole = error == std::errc{} && end == text.data() + text.size();
-    return whole && number >= 1 && number <= PortNames::kMaxCom ? std::optional<int>(number)
-                                                                : std::nullopt;
+    const std::optional<int> number = NumberOf<int>(text);
+    return number && *number >= 1 && *number <= PortNames::kMaxCom ? number : std::nullopt;
 }
 
 /// The device itself, behind all links; the path as it is if there is nothing.
@@ -109,14 +106,13 @@ std::optional<int> PortNames::ComNumber(const std::string& path) const
     }
     constexpr std::string_view kBuiltIn = "ttyS";
     const std::string name = device.filename().string();
-    int place = 0;
-    const char* const end = name.data() + name.size();
-    if (!name.starts_with(kBuiltIn) ||
-        std::from_chars(name.data() + kBuiltIn.size(), end, place).ptr != end || place < 0 ||
-        place >= kMaxCom) {
+    const std::optional<int> place =
+        name.starts_with(kBuiltIn) ? NumberOf<int>(std::string_view(name).substr(kBuiltIn.size()))
+                                   : std::nullopt;
+    if (!place || *place < 0 || *place >= kMaxCom) {
         return std::nullopt;
     }
-    const int com = place + 1;
+    const int com = *place + 1;
     return Resolved(DevicePath(com)) == device ? std::optional<int>(com) : std::nullopt;
 }
 

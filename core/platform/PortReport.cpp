@@ -1,12 +1,12 @@
 #include "core/platform/PortReport.h"
 
 #include "core/platform/FolderEntries.h"
+#include "core/platform/NumberText.h"
 #include "core/platform/PosixSerialDevice.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -100,14 +100,6 @@ void FindGroup(gid_t id, PortFacts& facts)
     }
 }
 
-std::optional<pid_t> ProcessNumber(const std::string& name)
-{
-    pid_t pid = 0;
-    const char* const end = name.data() + name.size();
-    const auto [stop, error] = std::from_chars(name.data(), end, pid);
-    return error == std::errc{} && stop == end ? std::optional<pid_t>(pid) : std::nullopt;
-}
-
 bool HasOpen(const fs::path& process, dev_t device)
 {
     std::error_code error;
@@ -125,7 +117,7 @@ std::vector<PortHolder> FindHolders(dev_t device, const SystemRoots& roots)
     std::vector<PortHolder> holders;
     std::error_code error;
     for (const fs::path& at : FolderEntries(roots.proc, error)) {
-        const std::optional<pid_t> pid = ProcessNumber(at.filename().string());
+        const std::optional<pid_t> pid = NumberOf<pid_t>(at.filename().string());
         if (pid && HasOpen(at, device)) {
             std::string name;
             std::ifstream comm(at / "comm");

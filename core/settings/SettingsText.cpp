@@ -1,9 +1,9 @@
 #include "core/settings/SettingsText.h"
 
+#include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -36,21 +36,10 @@ std::string_view Trimmed(std::string_view text)
                : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-std::optional<unsigned> HexDigit(char digit)
-{
-    const char capital =
-        digit >= 'a' && digit <= 'f' ? static_cast<char>(digit - 'a' + 'A') : digit;
-    const std::size_t value = kDigits.find(capital);
-    return value == std::string_view::npos ? std::nullopt
-                                           : std::optional(static_cast<unsigned>(value));
-}
-
 /// The byte of the two digits that @p text begins with.
-std::optional<unsigned> HexByte(std::string_view text)
+std::optional<std::uint8_t> HexByte(std::string_view text)
 {
-    const auto high = text.size() < 2 ? std::nullopt : HexDigit(text[0]);
-    const auto low = text.size() < 2 ? std::nullopt : HexDigit(text[1]);
-    return high && low ? std::optional(*high << 4U | *low) : std::nullopt;
+    return text.size() < 2 ? std::nullopt : NumberOf<std::uint8_t>(text.substr(0, 2), 16);
 }
 
 void AppendHex(std::string& text, unsigned byte)
@@ -93,7 +82,7 @@ std::wstring Unescaped(std::string_view text, std::string& fault)
             plain += static_cast<wchar_t>(*code);
             continue;
         }
-        const std::optional<unsigned> escaped = HexByte(text);
+        const std::optional<std::uint8_t> escaped = HexByte(text);
         if (!escaped || *escaped == 0 || *escaped >= 0xA0) {
             fault = "Behind % stand two hexadecimal digits from 01 to 9F; the sign itself is %25.";
             return {};
@@ -324,22 +313,18 @@ std::optional<std::uint32_t> ParseSettingNumber(std::string_view text)
 {
     const bool isHex = text.starts_with("0x") || text.starts_with("0X");
     text.remove_prefix(isHex ? 2 : 0);
-    std::uint32_t number = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), number, isHex ? 16 : 10);
-    const bool isWhole = error == std::errc() && end == text.data() + text.size();
-    return isWhole ? std::optional(number) : std::nullopt;
+    return NumberOf<std::uint32_t>(text, isHex ? 16 : 10);
 }
 
 std::optional<std::vector<std::uint8_t>> ParseSettingBytes(std::string_view text)
 {
     std::vector<std::uint8_t> bytes;
     for (text = Trimmed(text); !text.empty(); text = Trimmed(text)) {
-        const std::optional<unsigned> byte = HexByte(text);
+        const std::optional<std::uint8_t> byte = HexByte(text);
         if (!byte) {
             return std::nullopt;
         }
-        bytes.push_back(static_cast<std::uint8_t>(*byte));
+        bytes.push_back(*byte);
         text.remove_prefix(2);
     }
     return bytes;

@@ -1,9 +1,9 @@
 #include "core/settings/StoredPorts.h"
 
+#include "core/platform/NumberText.h"
 #include "core/platform/Utf8.h"
 #include "core/settings/HostReg.h"
 
-#include <charconv>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -18,13 +18,8 @@ std::optional<int> ComNumberOf(const std::wstring& name)
 {
     const std::string text = ToUtf8(FoldCase(name));
     constexpr std::string_view kCom = "com";
-    if (!text.starts_with(kCom)) {
-        return std::nullopt;
-    }
-    int number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data() + kCom.size(), end, number);
-    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+    return text.starts_with(kCom) ? NumberOf<int>(std::string_view(text).substr(kCom.size()))
+                                  : std::nullopt;
 }
 
 } // namespace

@@ -157,6 +157,7 @@ TEST(Check, SaysWhatIsWrongAndGoesBackToTheControl)
     EXPECT_EQ(check.CheckDeg(L"360", 9, 1), 0);
     check.SetNumMinMax(-1.0e24, 4294967.0);
     EXPECT_EQ(check.CheckNum(L"5000000", 7, 0, 1), 0);
+    // NOLINTBEGIN(bugprone-suspicious-missing-comma): messages of several lines
     const Told expected{
         L"制限値オーバー: 入力値は[ 1.000 ]～[ 10.000 ]までです。",
         L"focus 7",
@@ -176,6 +177,7 @@ TEST(Check, SaysWhatIsWrongAndGoesBackToTheControl)
         L"制限値オーバー: 入力値は[ -1e+24 ]～[ 4294967.000 ]までです。",
         L"focus 7",
     };
+    // NOLINTEND(bugprone-suspicious-missing-comma)
     EXPECT_EQ(screen.told, expected);
 
     screen.told.clear();
