@@ -91,6 +91,7 @@ TEST(ReceiverFields, SayTheSameToEverybody)
         {"height", kNothing, "heightM", L"70.123 m", "70.123 m"},
         {"Tokyo", at(35.69, 139.69), "planeZone", L"9 系", "9"},
         {"Ishigaki", at(24.34, 124.16), "planeZone", L"16 系", "16"},
+        {"Minamitorishima", at(24.28, 153.98), "planeZone", L"19 系", "19"},
         {"no fix, no plane", fix(0), "planeXM", L"--", "--"},
         {"place beyond the zones", [](Receiver& r) { r.position->value.position.longitudeRad = 0; },
          "planeZone", L"--", "--"},

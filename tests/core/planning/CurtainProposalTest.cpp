@@ -65,8 +65,8 @@ SkyRecord RecordOf(const simulator::Scenario& place, int fromHour, int hours)
 double OffAt(const CurtainProposal& proposal, const simulator::Scenario& place, int azimuth)
 {
     double off = 90.0;
-    for (double side = -3.0; side <= 3.0; side += 0.5) {
-        const double truth = simulator::ObstructionDeg(place, azimuth + 0.5 + side);
+    for (int half = -6; half <= 6; ++half) {
+        const double truth = simulator::ObstructionDeg(place, azimuth + 0.5 + 0.5 * half);
         const double said = proposal.curtain[static_cast<std::size_t>(azimuth)];
         off =
             std::min(off, std::abs(std::max(truth, place.maskDeg) - std::max(said, place.maskDeg)));

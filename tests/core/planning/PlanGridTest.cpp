@@ -53,6 +53,7 @@ TEST(PlanGrid, ShowsAsManySatellitesAndEpochsAsItHasRoomFor)
         const AlmanacOrbit orbit(testing::SampleSatellite(prn));
         grid.Set(slot, orbit);
         std::vector<Ecef> positions;
+        positions.reserve(std::size(epochs));
         for (const GpsEpoch& epoch : epochs) {
             positions.push_back(positions.size() < kMissing ? orbit.Position(epoch).value_or(Ecef{})
                                                             : Ecef{kNaN, kNaN, kNaN});

@@ -58,14 +58,15 @@ TEST(PortList, OffersOnlyPortsThatAreThereAndSaysWhatTheyAre)
     std::vector<std::string> listed;
     for (const SerialPort& port : ListSerialPorts(names, roots)) {
         const std::string stable = fs::path(port.stablePath).filename().string();
-        listed.push_back(fs::path(port.path).lexically_relative(dev).string() + ": " +
+        listed.push_back("SUB"[static_cast<int>(port.kind)] + std::string(" ") +
+                         fs::path(port.path).lexically_relative(dev).string() + ": " +
                          port.description + "; " + port.comName + "; " + stable);
     }
     const std::vector<std::string> expected{
-        "rfcomm0: Bluetooth serial port to 00:11:22:33:44:55; ; ",
-        "ttyS0: built-in serial port; COM1; ",
-        "ttyUSB2: Field [2JCable, serial number F100; COM5; usb-F100",
-        "ttyUSB10: USB serial adapter; ; ",
+        "B rfcomm0: Bluetooth serial port to 00:11:22:33:44:55; ; ",
+        "S ttyS0: built-in serial port; COM1; ",
+        "U ttyUSB2: Field [2JCable, serial number F100; COM5; usb-F100",
+        "U ttyUSB10: USB serial adapter; ; ",
     };
     EXPECT_EQ(listed, expected);
 }

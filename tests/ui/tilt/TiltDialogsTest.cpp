@@ -223,6 +223,9 @@ TEST_F(TiltTest, ShowsTheStatusAndKeepsTheSettings)
     expired.calibration = 0x0C;
     line.Say(expired);
     ExpectShown(dialog, TiltStatusDlg::kStatus, text::kTiltExpired);
+    expired.calibration = 0x0D; // a state that nobody knows
+    line.Say(expired);
+    ExpectShown(dialog, TiltStatusDlg::kStatus, text::kTiltNotCompleted);
     Click(dialog, TiltStatusDlg::kBubble);
     EXPECT_EQ(TiltSensorDlg::IsShow(), 1);
     dialog.Close(Dialog::kCancelled);
