@@ -25,12 +25,14 @@ public:
 class EntryList : public TextList
 {
 public:
+    /// How many texts there are.
     [[nodiscard]] virtual int GetCount() const = 0;
     /// @param index  0 to GetCount() - 1
     [[nodiscard]] virtual std::wstring GetText(int index) const = 0;
     /// -1 if nothing is selected.
     [[nodiscard]] virtual int GetSelected() const = 0;
 
+    /// @param index  -1: none
     virtual void Select(int index) = 0;
     /// What is selected, or that nothing is, stays.
     void Insert(int position, std::wstring_view text) override = 0;
@@ -41,10 +43,12 @@ public:
 class TextEntries final : public EntryList
 {
 public:
+    /// @param selected  as GetSelected()
     explicit TextEntries(std::vector<std::wstring> texts = {}, int selected = -1)
         : m_texts(std::move(texts)), m_selected(selected)
     {}
 
+    /// In their order.
     [[nodiscard]] const std::vector<std::wstring>& Texts() const { return m_texts; }
 
     [[nodiscard]] int GetCount() const override { return static_cast<int>(m_texts.size()); }

@@ -50,7 +50,9 @@ public:
     [[nodiscard]] const ReceiverIdentity& Identity() const { return m_identity; }
     [[nodiscard]] const std::optional<TimedValue<StatusReply>>& Status() const { return m_status; }
 
+    /// Of a sequence that has failed, as what follows.
     [[nodiscard]] ConnectStep FailedStep() const { return m_step; }
+    /// By which it failed.
     [[nodiscard]] CommandFault FailedFault() const { return m_fault; }
     /// Whether the port puts something out by itself, which its settings must stop: what came in
     /// place of an answer looks like NMEA or corrections.

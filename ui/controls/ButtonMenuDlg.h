@@ -52,6 +52,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
+    /// @param index  of the button that was pressed
     void Chosen(int index);
 
 protected:
