@@ -164,7 +164,7 @@ void StandsScarcity(testing::Scarcity::Of what, const char* measured)
     for (const Operation& operation : operations) {
         cases += testing::RefuseInTurn(operation.name, [&](testing::Refusal& refusal) {
             const TemporaryFolder folder;
-            FrameHistory seen; // until the receiver's threads have ended
+            FrameHistory seen(SystemClock::Instance()); // until the receiver's threads have ended
             VirtualReceiver receiver(kScenario);
             receiver.command.SetLineObserver(seen.Observer());
             const auto start = receiver.clock.Steady();
