@@ -16,8 +16,6 @@
 #include <string>
 #include <utility>
 
-#include <fmt/chrono.h>
-
 namespace fieldcore::cli {
 
 namespace {
@@ -106,8 +104,8 @@ Value DateValue(std::int64_t gpsSeconds, bool hasSeconds)
 
 Value DateValue(std::chrono::sys_seconds gps, bool hasSeconds)
 {
-    return Value::Word(fmt::format("{:%FT%T}", gps),
-                       hasSeconds ? fmt::format("{:%F %T}", gps) : fmt::format("{:%F %H:%M}", gps));
+    return Value::Word(FormatDate(gps, "%FT%T"),
+                       FormatDate(gps, hasSeconds ? "%F %T" : "%F %H:%M"));
 }
 
 Failure AlmanacFailure(AlmanacResult result, const AlmanacStore& store,

@@ -1,12 +1,11 @@
 #include "simulator/ScenarioKeys.h"
 
+#include "core/platform/Calendar.h"
 #include "core/platform/NumberText.h"
 
 #include <algorithm>
 #include <chrono>
 #include <string>
-
-#include <fmt/chrono.h>
 
 namespace fieldcore::simulator {
 
@@ -87,7 +86,7 @@ std::string SessionName(Clock::UtcTime time)
 {
     using namespace std::chrono;
     const auto hour = static_cast<int>(floor<hours>(time - floor<days>(time)).count());
-    return fmt::format("A{:%m%d}{:c}00", time, 'A' + hour);
+    return FormatDate(floor<seconds>(time), "A%m%d") + static_cast<char>('A' + hour) + "00";
 }
 
 } // namespace

@@ -23,8 +23,6 @@
 #include <type_traits>
 #include <utility>
 
-#include <fmt/chrono.h>
-
 namespace fieldcore {
 
 namespace {
@@ -462,8 +460,7 @@ struct MomentParts
 MomentParts PartsOf(std::chrono::local_seconds time, bool hasSeconds)
 {
     const std::chrono::sys_seconds t(time.time_since_epoch()); // as it is called there
-    return {fmt::format("{:%F}", t),
-            hasSeconds ? fmt::format("{:%T}", t) : fmt::format("{:%H:%M}", t)};
+    return {FormatDate(t, "%F"), FormatDate(t, hasSeconds ? "%T" : "%H:%M")};
 }
 
 /// As ISO 8601 for programs.

@@ -13,8 +13,6 @@
 #include <limits>
 #include <utility>
 
-#include <fmt/chrono.h>
-
 namespace fieldcore {
 
 namespace {
@@ -468,8 +466,8 @@ std::string WrittenEpoch(const NavigationRecord& record)
 {
     const double shown =
         record.systemS - (record.satellite.system == GnssSystem::Glonass ? kMoscowAheadS : 0.0);
-    return fmt::format("{} {:%Y %m %d %H %M %S}", record.satellite.Text(),
-                       kGpsEpoch + std::chrono::seconds(std::llround(shown)));
+    return record.satellite.Text() +
+           FormatDate(kGpsEpoch + std::chrono::seconds(std::llround(shown)), " %Y %m %d %H %M %S");
 }
 
 using Rows = std::array<std::array<double, kFieldsPerLine>, kElementLines>;

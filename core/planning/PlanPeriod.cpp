@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include <fmt/chrono.h>
-
 namespace fieldcore {
 
 std::chrono::minutes PlanPeriod::Interval() const
@@ -31,7 +29,7 @@ CGPSTime PlanPeriod::Start() const
 
 std::string JstText(std::chrono::sys_seconds utc)
 {
-    return fmt::format("{:%FT%H:%M}+09:00", utc + kJst);
+    return FormatDate(utc + kJst, "%FT%H:%M+09:00");
 }
 
 std::chrono::sys_seconds PlanPeriod::UtcAfter(int samples) const
@@ -49,8 +47,7 @@ std::string PlanPeriod::ClockText(int samples) const
 {
     const std::chrono::sys_seconds midnight =
         std::chrono::sys_days(date) + std::chrono::days(1) - kJst;
-    return UtcAfter(samples) == midnight ? "24:00"
-                                         : fmt::format("{:%H:%M}", UtcAfter(samples) + kJst);
+    return UtcAfter(samples) == midnight ? "24:00" : FormatDate(UtcAfter(samples) + kJst, "%H:%M");
 }
 
 std::chrono::sys_days JapanDay(Clock::UtcTime utc)

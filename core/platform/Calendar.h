@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <string>
 
 namespace fieldcore {
 
@@ -13,5 +14,9 @@ inline constexpr double kWeekS = 7 * kDayS;
 
 /// How far Japan is ahead of UTC; it has no daylight saving time.
 inline constexpr std::chrono::hours kJst{9};
+
+/// A date and time as it is, in no zone of the machine's.
+/// @param format  as of strftime: "%F %T" is 2026-11-22 09:05:00
+[[nodiscard]] std::string FormatDate(std::chrono::sys_seconds time, const std::string& format);
 
 } // namespace fieldcore
