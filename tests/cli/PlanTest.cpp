@@ -98,7 +98,7 @@ TEST_F(PlanTest, BeginsWithANominalAlmanac)
     const Outcome first = m_runner.Run("plan");
     EXPECT_EQ(first.code, 0);
     EXPECT_NE(first.err.find("There was no"), std::string::npos) << first.err;
-    EXPECT_NE(first.out.find("31 satellites"), std::string::npos) << first.out;
+    EXPECT_NE(first.out.find("31 satellites, 31 healthy"), std::string::npos) << first.out;
     EXPECT_EQ(m_runner.Run("plan").err.find("There was no"), std::string::npos) << "told once";
     // And every time that it is made up.
     const std::string made = "nominal almanac (sample)";
