@@ -2,7 +2,7 @@
 // from Japan: orbit_accuracy NAVIGATION PRECISE
 //   NAVIGATION  messages of one day, RINEX 3 or 4
 //   PRECISE     orbits of the same day, every 15 minutes, SP3
-// Prints the tables of docs/planning.md.
+// Prints what docs/planning.md has the worst of.
 //
 // Within the day the truth is PRECISE where it has the satellite; else what the satellite itself
 // said at the later time. For later days nothing was measured: there the orbits of PRECISE are

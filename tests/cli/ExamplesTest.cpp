@@ -89,11 +89,14 @@ protected:
                       std::chrono::hours(17) + std::chrono::minutes(13);
         m_runner.world.clock = &m_clock;
         EXPECT_EQ(m_runner.Run("settings set Ports COM1 @/dev/ttyS0").code, 0);
+        fs::current_path(machine.Path()); // where the examples write
     }
+    ~ExamplesTest() override { fs::current_path(m_workingFolder); }
 
     Runner m_runner;
 
 private:
+    const fs::path m_workingFolder = fs::current_path();
     fieldcore::testing::HandClock m_clock;
     const std::unique_ptr<simulator::Simulator> m_receiver =
         fieldcore::testing::StartReceiver("lark");

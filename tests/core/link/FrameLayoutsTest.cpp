@@ -139,8 +139,7 @@ std::string BlocksOf(const FrameLayout& layout)
 {
     std::array<char, 8> type{};
     std::snprintf(type.data(), type.size(), "0x%02X", layout.type);
-    std::string blocks =
-        std::string(type.data()) + ", " + std::string(layout.name) + ":\n\n" + kHead;
+    std::string blocks = std::string(type.data()) + ":\n\n" + kHead;
     const bool tellsApart =
         !layout.prefix.empty() && layout.fields.front().kind == FieldKind::Spare;
     blocks += tellsApart ? PrefixLine(layout) : "";

@@ -16,20 +16,20 @@
 namespace fieldcore {
 namespace {
 
-constexpr const char* kHead = "| setting | default | range | is |\n|---|---|---|---|\n";
+constexpr const char* kHead = "| setting | default | is |\n|---|---|---|\n";
 
 std::string RowOf(const Setting& setting)
 {
     const Setting::Number& number = setting.number;
-    std::string range = setting.text != nullptr ? "text" : "";
+    std::string range = setting.text != nullptr ? "text; " : "";
     if (number.most != 0) {
         range = std::to_string(number.least) + " to " + std::to_string(number.most) +
-                (number.isNearest ? ", nearest" : "");
+                (number.isNearest ? ", nearest; " : "; ");
     }
     const std::string byDefault =
         setting.text != nullptr ? ToUtf8(setting.text) : std::to_string(number.byDefault);
     return "| `" + ToUtf8(setting.path) + "` | " + byDefault + (byDefault.empty() ? "| " : " | ") +
-           range + (range.empty() ? "| " : " | ") + setting.meaning + " |\n";
+           range + setting.meaning + " |\n";
 }
 
 TEST(Settings, AreTheTableOfTheDocument)
