@@ -41,7 +41,7 @@ protected:
     }
     void Choose(int shown) const { view.findChild<QComboBox*>()->setCurrentIndex(shown); }
 
-    FrameHistory history(SystemClock::Instance());
+    FrameHistory history{SystemClock::Instance()};
     FramesView view{history};
     QTableView* const table = view.findChild<QTableView*>();
 };
