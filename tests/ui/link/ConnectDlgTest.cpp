@@ -53,7 +53,7 @@ protected:
     void Start(const Scenario& scenario) { StartBy(clock, scenario); }
     void StartBy(Clock& time, const Scenario& scenario)
     {
-        receiver = testing::RunningReceiver(scenario, time);
+        receiver = testing::StartReceiver(scenario, time);
         target.devicePath = receiver->PortPath();
     }
     void Start(const char* rule)
