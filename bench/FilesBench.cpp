@@ -8,23 +8,19 @@
 #include "simulator/Scenario.h"
 #include "simulator/Simulator.h"
 #include "tests/core/platform/TemporaryFolder.h"
+#include "tests/support/ChildProcess.h"
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
-
-#include <csignal>
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -33,9 +29,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kBlock = 1000;      // bytes of a file in a frame
-constexpr std::size_t kBlockFrame = 1012; // and that frame on the line
-constexpr std::size_t kHead = 10;         // of a frame, before the file's bytes
+constexpr std::size_t kBlock = 1000;       // bytes of a file in a frame
+constexpr std::size_t kBlockFrame = 1012;  // and that frame on the line
+constexpr std::size_t kHead = 10;          // of a frame, before the file's bytes
+constexpr std::uint32_t kSize = 4'000'000; // of the file
 
 /// As long as the program runs.
 const fs::path& Folder()
@@ -44,54 +41,30 @@ const fs::path& Folder()
     return made.Path();
 }
 
-/// A simulated receiver in a process of its own, which ends with this object. Made before this
-/// program has threads.
-class OtherProcess
+fs::path Port()
 {
-public:
-    explicit OtherProcess(const std::string& scenario) : m_child(fork())
-    {
-        if (m_child == 0) {
-            std::string error;
-            simulator::SimulatorOptions options;
-            options.link = m_path;
-            simulator::Simulator receiver(*simulator::ParseScenario(scenario, error),
-                                          SystemClock::Instance(), options);
-            if (receiver.Start(error)) {
-                pause(); // until it is killed
-            }
-            _exit(1);
-        }
-        while (!fs::exists(m_path) && waitpid(m_child, nullptr, WNOHANG) == 0) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    }
-    ~OtherProcess()
-    {
-        kill(m_child, SIGKILL);
-        waitpid(m_child, nullptr, 0);
-        fs::remove(m_path);
-    }
-    OtherProcess(const OtherProcess&) = delete;
-    OtherProcess& operator=(const OtherProcess&) = delete;
+    return Folder() / "port";
+}
 
-    [[nodiscard]] static fs::path Path() { return Folder() / "port"; }
-
-private:
-    const fs::path m_path = Path(); // made before the other process
-    const pid_t m_child;
-};
-
-std::string WithFile(std::uint32_t bytes)
+/// A simulated receiver with that file, in a process of its own. It tells when its port is there.
+void Serve(const testing::Worker::Acknowledge& isReady)
 {
-    return "model 3017\nfile BIG " + std::to_string(bytes) + " 2026-03-14 01:30\n";
+    std::string error;
+    simulator::SimulatorOptions options;
+    options.link = Port();
+    const auto scenario = simulator::ParseScenario(
+        "model 3017\nfile BIG " + std::to_string(kSize) + " 2026-03-14 01:30\n", error);
+    simulator::Simulator receiver(*scenario, SystemClock::Instance(), options);
+    if (receiver.Start(error) && isReady()) {
+        pause(); // until it is killed
+    }
 }
 
 /// Asks for the file and writes what comes, frame by frame: no checks, no time-outs, no progress.
 /// @return seconds, from the request on
-double FetchBarely(const std::string& port, std::uint32_t size)
+double FetchBarely()
 {
-    const int line = open(port.c_str(), O_RDWR | O_NOCTTY);
+    const int line = open(Port().c_str(), O_RDWR | O_NOCTTY);
     termios settings{};
     tcgetattr(line, &settings);
     cfmakeraw(&settings);
@@ -106,8 +79,8 @@ double FetchBarely(const std::string& port, std::uint32_t size)
     std::array<std::uint8_t, 8192> buffer{};
     std::size_t held = 0;
     std::uint32_t got = 0;
-    while (got < size) {
-        const std::size_t block = std::min<std::size_t>(kBlock, size - got);
+    while (got < kSize) {
+        const std::size_t block = std::min<std::size_t>(kBlock, kSize - got);
         const std::size_t frame = block + (kBlockFrame - kBlock);
         while (held < frame) {
             pollfd wait{line, POLLIN, 0};
@@ -132,45 +105,31 @@ double FetchBarely(const std::string& port, std::uint32_t size)
     return seconds;
 }
 
-/// @return whether there is a port
-bool Open(CCommand& command, benchmark::State& state)
-{
-    const bool isOpen = command.OpenPort(OtherProcess::Path()) != 0;
-    if (!isOpen) {
-        state.SkipWithError("no port");
-    }
-    return isOpen;
-}
-
-/// @return seconds
-double Fetch(CCommand& command, std::uint32_t size, benchmark::State& state)
-{
-    return Timed([&] {
-        if (command.DownloadFile(Folder(), L"BIG.Q01", size) != size) {
-            state.SkipWithError("not fetched");
-        }
-    });
-}
-
 /// A file as fast as it comes, bare and ours in turn; the ratio is the median of those of the
 /// pairs, since other programs come and go.
 void Transfer(benchmark::State& state)
 {
-    constexpr std::uint32_t kSize = 4'000'000;
-    const OtherProcess receiver(WithFile(kSize));
+    const fs::path& folder = Folder();
+    testing::Worker receiver(Serve); // behind its folder, and before this program has threads
+    receiver.Await(1);
     std::vector<double> bare;
     std::vector<double> ours;
     std::vector<double> ratios;
     for (auto _ : state) {
-        bare.push_back(FetchBarely(OtherProcess::Path(), kSize));
+        bare.push_back(FetchBarely());
         CCommand command;
-        if (!Open(command, state)) {
+        std::int64_t fetched = 0;
+        if (command.OpenPort(Port()) != 0) {
+            ours.push_back(
+                Timed([&] { fetched = command.DownloadFile(folder, L"BIG.Q01", kSize); }));
+        }
+        if (fetched != kSize) {
+            state.SkipWithError("not fetched");
             break;
         }
-        ours.push_back(Fetch(command, kSize, state));
         ratios.push_back(bare.back() / ours.back());
     }
-    const bool isSame = fs::file_size(Folder() / "bare") == fs::file_size(Folder() / "BIG.Q01");
+    const bool isSame = fs::file_size(folder / "bare") == fs::file_size(folder / "BIG.Q01");
     state.counters["same_size"] = isSame ? 1 : 0;
     state.counters["bare_mb_per_s"] = kSize / 1e6 / Quantile(bare);
     state.counters["ours_mb_per_s"] = kSize / 1e6 / Quantile(ours);

@@ -4,16 +4,12 @@
 
 #include "bench/Measuring.h"
 #include "core/orbits/SystemTime.h"
-#include "core/planning/NominalConstellation.h"
-#include "core/platform/Degrees.h"
-#include "tests/core/planning/SampleSky.h"
+#include "tests/ui/planning/SamplePlan.h"
 #include "ui/planning/PlanGraphView.h"
 
 #include <QPixmap>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -22,19 +18,7 @@
 namespace fieldcore::bench {
 namespace {
 
-void SetUp(ObservationPlan& plan)
-{
-    plan.Calc().LoadAlmanac(
-        testing::FileOf(NominalConstellation(kNominalSatellites, 2445, 405504)));
-    plan.Calc().SetObserver({RadiansOf(35.69), RadiansOf(139.75), 60.0});
-    ObstructionCurtain curtain{};
-    std::fill(curtain.begin() + 150, curtain.begin() + 210, std::uint8_t{35});
-    plan.Calc().SetCurtain(curtain);
-    using namespace std::chrono;
-    plan.Period() = {year(2026) / November / 21, 0, 24};
-}
-
-/// The same from messages of 130 satellites that are a week old.
+/// From messages of 130 satellites that are a week old.
 void TakeAllSystems(ObservationPlan& plan)
 {
     using namespace std::chrono;
@@ -48,17 +32,12 @@ struct Drawn
 {
     Drawn(int graph, int width, int height, bool isAll)
     {
-        SetUp(plan);
         if (isAll) {
             TakeAllSystems(plan);
+            plan.Compute();
         }
-        plan.Compute();
         view.resize(width, height);
-        PlanDrawing drawing;
-        drawing.plan = &plan;
-        drawing.graph = static_cast<PlanGraph>(graph);
-        drawing.site = L"東京都千代田区";
-        view.SetDrawing(drawing);
+        view.SetDrawing(testing::SampleDrawing(plan, static_cast<PlanGraph>(graph)));
         pixels = QPixmap(view.size());
     }
 
@@ -79,7 +58,7 @@ struct Drawn
         state.counters["p95_ms"] = Quantile(turnsS, 0.95) * 1e3;
     }
 
-    ObservationPlan plan;
+    ObservationPlan plan = testing::SamplePlan(kNominalSatellites, 0, 24);
     PlanGraphView view;
     QPixmap pixels;
 };

@@ -76,7 +76,7 @@ HomeState KnownState()
     return state;
 }
 
-TEST(Screens, TellFreshFromStale)
+TEST(Screens, TellFreshFromStaleAndGoodFromBad)
 {
     StatusStrip strip;
     StatusPage page;
@@ -93,6 +93,9 @@ TEST(Screens, TellFreshFromStale)
               QStringLiteral("● 接続済み|FIX 16衛星|PDOP 2.0|Corvane VX1|09:00:02 JST|80 %"))
         << "the receiver's time, not the controller's";
     EXPECT_FALSE(onPage(state).contains(QStringLiteral("最終受信")));
+    state.view.limits = ObservingLimits{15, 5, 1.5};
+    const QString broken = QStringLiteral("▲ 観測条件外：PDOP 2.0（制限 1.5）");
+    EXPECT_TRUE(onPage(state).contains(broken) && words(state).contains(broken));
     state.view.now = 110s;
     EXPECT_TRUE(onPage(state).contains(QStringLiteral("最終受信 12:03:55")));
     EXPECT_TRUE(words(state).contains(QStringLiteral("|最終受信 12:03:55|")));
@@ -184,29 +187,11 @@ TEST(Screens, ShowWhatTheFieldsSay)
     };
     HomeState state = KnownState();
     expect(state, "2.0", QStringLiteral("80 %"), "09:00:02 JST", 90);
-    state.receiver.status->value.batteryPercent = 105;
-    expect(state, "2.0", QStringLiteral("不明"), "09:00:02 JST", 0);
-    state = KnownState();
     state.receiver.isSynchronised = false; // the offset was refused
     expect(state, "-.- ", QStringLiteral("80 %"), "09:00 JST", 90);
     state.receiver = {}; // nothing was heard yet
     state.receiver.link = LinkState::Connected;
     expect(state, "-.- ", QStringLiteral("不明"), "端末時計 12:04:05", 0);
-}
-
-TEST(Screens, WarnWhenTheSurveysLimitsAreBroken)
-{
-    for (const bool isBroken : {false, true}) {
-        HomeState state = KnownState();
-        state.view.limits = ObservingLimits{15, 5, isBroken ? 1.5 : 2.0};
-        StatusStrip strip;
-        StatusPage page;
-        strip.Show(state);
-        page.Show(state.receiver, {}, state.view);
-        const QString words = QStringLiteral("▲ 観測条件外：PDOP 2.0（制限 1.5）");
-        EXPECT_EQ(WordsOf<QLabel>(strip).contains(words), isBroken);
-        EXPECT_EQ(WordsOf<QLabel>(page).contains(words), isBroken);
-    }
 }
 
 TEST(MainWindow, SaysWhatWasChosen)

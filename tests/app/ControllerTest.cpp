@@ -14,15 +14,10 @@
 #include "ui/tilt/TiltSensorDlg.h"
 
 #include <QPushButton>
-#include <QTest>
-#include <QTimer>
 
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {

@@ -7,7 +7,7 @@
 #include "core/resources/StringTable.h"
 #include "tests/app/Started.h"
 #include "tests/core/equipment/KnownReceiver.h"
-#include "tests/ui/controls/NothingCut.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "ui/controls/FileChoice.h"
 #include "ui/controls/GraphicsBase.h"
 #include "ui/controls/IconButton.h"
@@ -16,7 +16,6 @@
 #include "ui/controls/PropertySheet.h"
 #include "ui/controls/StepButton.h"
 #include "ui/controls/TableDlg.h"
-#include "ui/controls/UiText.h"
 #include "ui/equipment/TransferPanel.h"
 #include "ui/link/ConnectProgressDlg.h"
 #include "ui/planning/DateDlg.h"
@@ -31,32 +30,23 @@
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QAccessible>
-#include <QApplication>
 #include <QButtonGroup>
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDialog>
 #include <QHeaderView>
 #include <QImage>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QTest>
 
-#include <algorithm>
 #include <cmath>
 #include <map>
-#include <memory>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {

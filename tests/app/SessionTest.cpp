@@ -10,14 +10,13 @@
 #include "core/platform/Clock.h"
 #include "core/tilt/TrackingSettings.h"
 #include "tests/app/Started.h"
-#include "tests/ui/controls/NothingCut.h"
-#include "tests/ui/controls/RandomHands.h"
+#include "tests/ui/controls/OnScreen.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/IconButton.h"
 #include "ui/controls/MessageDlg.h"
 #include "ui/controls/PrgEndMes.h"
 #include "ui/controls/SpinDouble.h"
-#include "ui/controls/UiText.h"
 #include "ui/equipment/RecvFileMan.h"
 #include "ui/link/FramesView.h"
 #include "ui/planning/PlanDet.h"
@@ -27,24 +26,16 @@
 #include "ui/tilt/BubbleView.h"
 #include "ui/tilt/TiltSensorDlg.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTest>
 #include <QToolButton>
 
-#include <algorithm>
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -99,15 +90,6 @@ private:
     QList<bool> m_offers;
     const Hand<> m_hand;
 };
-
-void Click(const QWidget& page, int textId)
-{
-    for (QPushButton* const button : page.findChildren<QPushButton*>()) {
-        if (button->text() == UiText(textId)) {
-            button->click();
-        }
-    }
-}
 
 class SessionTest : public ::testing::Test, protected testing::OwnFolders
 {
@@ -181,7 +163,7 @@ TEST_F(SessionTest, TellsOfAReceiverThatCannotBeSwitchedOff)
             return;
         }
         receiver->HangUp();
-        Click(page, text::kEndProgramPowerOff);
+        testing::Click(page, text::kEndProgramPowerOff);
     };
     const Hand<> hand(act, kCalmly);
     EXPECT_FALSE(program.session.Window().close()) << "the user could do nothing about it";
@@ -280,8 +262,8 @@ TEST_F(SessionTest, ThePlanTakesTheSurveysConditionsOver)
     CSurveyPlan plan(&controller.Command(), 0, controller.PlanWorld(nullptr));
     CPlanSet set(plan);
     CPlanDet details(plan);
-    Click(set, text::kPlanTakeConditions);
-    Click(details, text::kPlanTakeConditions);
+    testing::Called(set, text::kPlanTakeConditions)->click();
+    testing::Called(details, text::kPlanTakeConditions)->click();
     EXPECT_EQ(set.findChildren<CSpinDouble*>().value(0)->GetValue(), 25.0);
     EXPECT_EQ(details.findChildren<CSpinDouble*>().value(0)->GetValue(), 6.0);
     EXPECT_EQ(details.findChildren<CSpinDouble*>().value(1)->GetValue(), 3.5);
@@ -484,20 +466,8 @@ TEST_F(SessionTest, DialogsStandAThousandRandomEvents)
 {
     Started controller(QStringLiteral("sim:lark"));
     ASSERT_TRUE(controller.IsConnectedQuietly());
-    for (const bool isSheet : {true, false}) {
-        testing::RandomHands hands;
-        while (!hands.IsTired()) {
-            std::unique_ptr<QWidget> dialog = std::make_unique<FramesView>(controller.Frames());
-            if (isSheet) {
-                dialog = std::make_unique<SettingsSheet>(controller);
-            }
-            dialog->resize(480, 640);
-            dialog->show();
-            QApplication::setActiveWindow(dialog.get());
-            hands.Play(*dialog);
-        }
-        ASSERT_EQ(QApplication::activeModalWidget(), nullptr);
-    }
+    testing::TryScreen([&] { return std::make_unique<FramesView>(controller.Frames()); });
+    testing::TryScreen([&] { return std::make_unique<SettingsSheet>(controller); });
     Theme::Use(Theme::Kind::Daylight);
 }
 

@@ -2,14 +2,11 @@
 
 #include "app/Controller.h"
 #include "tests/support/StartReceiver.h"
+#include "tests/ui/controls/OnScreen.h"
 
-#include <QApplication>
 #include <QTemporaryDir>
-#include <QTimer>
 
-#include <functional>
 #include <string>
-#include <utility>
 
 namespace fieldcore::testing {
 
@@ -55,25 +52,6 @@ struct Started : Controller
         }
         return false;
     }
-};
-
-/// Does something again and again while such a page is in front.
-template <typename Page = QWidget>
-class Hand
-{
-public:
-    explicit Hand(std::function<void(Page& page)> act, int everyMs = 10)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [act = std::move(act)] {
-            if (auto* const page = dynamic_cast<Page*>(QApplication::activeModalWidget())) {
-                act(*page);
-            }
-        });
-        m_timer.start(everyMs);
-    }
-
-private:
-    QTimer m_timer;
 };
 
 } // namespace fieldcore::testing

@@ -4,10 +4,6 @@
 
 #include <fstream>
 #include <numbers>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {

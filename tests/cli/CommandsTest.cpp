@@ -6,16 +6,8 @@
 
 #include <chrono>
 #include <csignal>
-#include <map>
 #include <set>
-#include <sstream>
-#include <string>
-#include <string_view>
 #include <thread>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {

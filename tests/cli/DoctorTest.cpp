@@ -1,13 +1,8 @@
 #include "tests/cli/Runner.h"
 
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <regex>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {

@@ -3,12 +3,6 @@
 #include "tests/cli/Runner.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {
@@ -23,7 +17,7 @@ std::vector<std::string> State(Runner& runner, bool isReal)
          std::filesystem::recursive_directory_iterator(runner.Folder().Path())) {
         const std::string path = entry.path().string();
         if (!isReal || path.find("/simulator") == std::string::npos) {
-            all.push_back(path + (path.ends_with(".alm") ? Content(path) : ""));
+            all.push_back(path + (path.ends_with(".alm") ? ContentOf(path) : ""));
         }
     }
     std::sort(all.begin(), all.end());

@@ -10,17 +10,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <regex>
 #include <set>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {
@@ -36,7 +28,7 @@ struct Example
 
 std::vector<Example> Examples()
 {
-    std::istringstream text(Content(fs::path(FIELDCORE_SOURCE_DIR) / "docs/cli.md"));
+    std::istringstream text(ContentOf(fs::path(FIELDCORE_SOURCE_DIR) / "docs/cli.md"));
     std::vector<Example> examples;
     bool isInside = false;
     for (std::string line; std::getline(text, line);) {

@@ -6,10 +6,6 @@
 
 #include <csignal>
 #include <memory>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {
@@ -127,7 +123,7 @@ TEST(ExitCode, ResetHappensOnlyWhenBothQuestionsAreAgreed)
 {
     const std::string reset = "reset --port sim: --speed 20 --timeout 60 --log @/log";
     const auto isSent = [](const Runner& runner) {
-        return Content(runner.Path("log")).find("[02 00 58 07 FF 02 52 45 53 45 54 E3 03 ]") !=
+        return ContentOf(runner.Path("log")).find("[02 00 58 07 FF 02 52 45 53 45 54 E3 03 ]") !=
                std::string::npos;
     };
     const std::pair<std::string, int> answers[] = {

@@ -5,12 +5,7 @@
 #include "tests/core/settings/FileSizeLimit.h"
 
 #include <csignal>
-#include <filesystem>
-#include <initializer_list>
 #include <set>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {
@@ -146,10 +141,10 @@ TEST_F(FilesTest, DoesNotReplaceUnasked)
     runner.Type("n\n");
     EXPECT_EQ(Run(get).code, 7);
     EXPECT_EQ(Run(get + " --dry-run").code, 0);
-    EXPECT_EQ(Content(file), "mine");
+    EXPECT_EQ(ContentOf(file), "mine");
     runner.Type("y\n");
     EXPECT_EQ(Run(get).code, 0);
-    EXPECT_EQ(Content(file).size(), 1500U);
+    EXPECT_EQ(ContentOf(file).size(), 1500U);
     runner.world.inIsTerminal = runner.world.errIsTerminal = false;
     fs::resize_file(file, 1499); // is another one, then
     EXPECT_EQ(Run(get + " --new").code, 2);

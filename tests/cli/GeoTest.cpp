@@ -4,11 +4,6 @@
 #include "tests/cli/Runner.h"
 
 #include <array>
-#include <initializer_list>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {

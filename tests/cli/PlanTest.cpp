@@ -9,9 +9,6 @@
 #include <algorithm>
 #include <csignal>
 #include <numbers>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {

@@ -3,13 +3,9 @@
 #include "cli/CommandLine.h"
 
 #include <cstdlib>
-#include <fstream>
 #include <iomanip>
-#include <iterator>
 #include <optional>
-#include <utility>
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 namespace fieldcore::cli::test {
@@ -45,7 +41,7 @@ std::string Runner::Path(const std::string& name) const
 std::string Runner::Scenario(const std::string& lines)
 {
     const std::string healthy =
-        Content(std::filesystem::path(FIELDCORE_SOURCE_DIR) / "simulator/scenarios/lark.txt");
+        ContentOf(std::filesystem::path(FIELDCORE_SOURCE_DIR) / "simulator/scenarios/lark.txt");
     const std::string name = "scenario" + std::to_string(++m_scenarios) + ".txt";
     return m_folder.Write(name, healthy + "\n" + lines + "\n").string();
 }
@@ -123,7 +119,7 @@ Outcome Runner::RunInShell(const std::string& command) const
         " PATH=" + std::filesystem::path(FIELDCORE_CLI).parent_path().string() + ":$PATH; exec >" +
         out + " 2>" + err + " </dev/null; " + command;
     const int status = std::system(whole.c_str()); // NOLINT: a shell is what users have
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(out), Content(err)};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ContentOf(out), ContentOf(err)};
 }
 
 Outcome Runner::RunProgram(const std::string& arguments) const
@@ -134,12 +130,6 @@ Outcome Runner::RunProgram(const std::string& arguments) const
 std::string OnSim(const std::string& command, const std::string& scenario)
 {
     return command + " --speed 20 --timeout 60 --port sim:" + scenario;
-}
-
-std::string Content(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 } // namespace fieldcore::cli::test

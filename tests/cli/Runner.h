@@ -1,5 +1,7 @@
 #pragma once
 
+// What is included here the tests of this folder do not include again.
+
 #include "cli/World.h"
 #include "tests/core/platform/TemporaryFolder.h"
 
@@ -9,8 +11,10 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace fieldcore::cli::test {
@@ -79,8 +83,5 @@ private:
     TemporaryFolder m_folder;
     int m_scenarios = 0;
 };
-
-/// The bytes of a file as they are.
-[[nodiscard]] std::string Content(const std::filesystem::path& file);
 
 } // namespace fieldcore::cli::test

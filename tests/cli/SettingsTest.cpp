@@ -2,10 +2,6 @@
 
 #include "tests/cli/Runner.h"
 
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 namespace fieldcore::cli::test {
@@ -73,13 +69,13 @@ TEST(Settings, AStoreThatCannotBeReadIsToldByEveryCommand)
     sqlite3_open(file.c_str(), &database);
     EXPECT_EQ(sqlite3_exec(database, "DROP TABLE value", nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
-    const std::string before = Content(file);
+    const std::string before = ContentOf(file);
     for (const std::string command :
          {"list", "get A n", "set A n 2", "delete A --yes", "delete A n --yes", "export",
           "import @/saved", "import @/saved --dry-run"}) {
         runner.Expect({{"settings " + command, 8, "no such table: value"}});
     }
-    EXPECT_EQ(Content(file), before);
+    EXPECT_EQ(ContentOf(file), before);
 }
 
 TEST(Settings, AreDeletedOnlyWhenItIsAgreed)
@@ -115,7 +111,7 @@ TEST(Settings, ComeBackFromAnExport)
     const std::string changed = Saved(runner);
 
     // One damaged line, behind a good one: nothing of it may be stored.
-    const std::string good = Content(runner.Path("saved.txt"));
+    const std::string good = ContentOf(runner.Path("saved.txt"));
     runner.Folder().Write("bad.txt", good + "\"x\" = number 1,5\n");
     runner.Expect({{"settings import @/bad.txt", 8, "bad.txt, line 8: "}});
     EXPECT_EQ(runner.Result("settings import @/saved.txt --dry-run")["changes"].size(), 1U);
@@ -133,13 +129,13 @@ TEST(Settings, ReplaceNoFileUnasked)
     Runner runner;
     runner.Folder().Write("mine.txt", "mine");
     runner.Expect({{"settings export @/mine.txt", 2}});
-    EXPECT_EQ(Content(runner.Path("mine.txt")), "mine");
+    EXPECT_EQ(ContentOf(runner.Path("mine.txt")), "mine");
     runner.Expect({{"settings export @/mine.txt --yes", 0},
                    {"settings export --yes @/", 8}, // a folder
                    {"settings export @/none/file", 8},
                    {"settings import @/", 8},
                    {"settings import @/none", 8}});
-    EXPECT_NE(Content(runner.Path("mine.txt")), "mine");
+    EXPECT_NE(ContentOf(runner.Path("mine.txt")), "mine");
 }
 
 TEST(Settings, SayWhenTheyCannotBeKept)

@@ -4,9 +4,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {
@@ -71,7 +68,7 @@ TEST(Tilt, CtrlCCancelsACalibrationAtTheReceiver)
     runner.world.stopSignal = [&looks] { return ++looks > 40 ? SIGINT : 0; };
     const std::string calibrate = "tilt calibrate --yes --port sim:tilted --speed 2 --timeout 4";
     EXPECT_EQ(runner.Run(calibrate + " --log @/log").code, 7);
-    EXPECT_NE(Content(runner.Path("log")).find("C8 01 05 CE"), std::string::npos)
+    EXPECT_NE(ContentOf(runner.Path("log")).find("C8 01 05 CE"), std::string::npos)
         << "the cancel command";
 }
 

@@ -6,10 +6,6 @@
 
 #include <chrono>
 #include <memory>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore::cli::test {
 namespace {

@@ -1,66 +1,61 @@
 #include "cli/CommandLine.h"
 #include "core/link/FrameDescriber.h"
-#include "simulator/ExchangeRecord.h"
 #include "tests/cli/Runner.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include <regex>
 
 namespace fieldcore::cli::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-struct DocFrame
-{
-    std::string label; ///< as "Rx 09"
-    Direction direction;
-    Bytes bytes;
-};
+const std::string kTraceOfExamples = "trace '" FIELDCORE_SOURCE_DIR "/docs/exchanges.log'";
 
-/// The frames of docs/exchanges.log.
-std::vector<DocFrame> DocFrames()
+TEST(Trace, KnowsEveryExampleOfTheProtocol)
 {
-    std::ifstream log(std::string(FIELDCORE_SOURCE_DIR) + "/docs/exchanges.log");
-    std::vector<DocFrame> frames;
-    for (std::string line; std::getline(log, line);) {
-        simulator::RecordedBytes piece;
-        std::string error;
-        EXPECT_TRUE(simulator::ParseLogLine(line, piece, error)) << error;
-        const bool sent = piece.direction == simulator::Direction::ToReceiver;
-        if (piece.bytes.size() > 1) { // else BREAK or ACK
-            const std::size_t type = line.find('[') + 1 + 3 * 2;
-            frames.push_back({(sent ? "Tx " : "Rx ") + line.substr(type, 2),
-                              sent ? Direction::Sent : Direction::Received, piece.bytes});
+    const nlohmann::json result = Runner().Result(kTraceOfExamples);
+    EXPECT_GT(result["exchanged"], 70);
+    EXPECT_EQ(result["faults"], 0);
+    EXPECT_EQ(result["damagedLines"], 0);
+    for (const nlohmann::json& entry : result["entries"]) {
+        EXPECT_TRUE(entry["kind"] == "frame" || entry["length"] == 1) << entry;
+        EXPECT_NE(entry["name"], "unknown type") << entry;
+        for (const nlohmann::json& field : entry["fields"]) {
+            EXPECT_NE(field["name"], "more") << "bytes that no field stands for: " << entry;
+            EXPECT_NE(field["meaning"], "not a number") << entry;
         }
     }
-    return frames;
 }
 
-TEST(FrameDescriber, KnowsEveryExampleOfTheProtocol)
+TEST(Trace, ReadsFieldsAsTheProtocolHasThem)
 {
-    const std::vector<DocFrame> frames = DocFrames();
-    ASSERT_GT(frames.size(), 50U);
-    for (const DocFrame& frame : frames) {
-        SCOPED_TRACE(frame.label);
-        const std::vector<DescribedBytes> described = DescribeBytes(frame.direction, frame.bytes);
-        ASSERT_EQ(described.size(), 1U);
-        EXPECT_EQ(described[0].kind, DescribedBytes::Kind::Frame);
-        EXPECT_NE(described[0].name, "unknown type");
-        EXPECT_TRUE(described[0].checksumGood);
-        EXPECT_EQ(described[0].fault, "");
-        for (const DescribedField& field : described[0].fields) {
-            EXPECT_NE(field.name, "more") << "bytes that no field stands for";
-            EXPECT_NE(field.meaning, "not a number") << field.name;
-        }
+    const std::pair<std::string, std::string> rows[] = {
+        {"Rx  0x07", "short serial number  00301701"},
+        {"Rx  0x07", "navigation firmware  4.43"}, // hundredths
+        {"Rx  0x09", "battery  85 %"},
+        {"Rx  0x09", "PDOP  1.8"}, // digits with a point
+        {"Rx  0x41", "power input  1"},
+        {"Rx  0x09", "fix  5  (RTK fixed)"},
+        {"Rx  0x09", "running survey  (blank)"},
+        {"Rx  0x31", "longitude  2.426007660272118 rad  (139.00000000 deg)"},
+        {"Rx  0x35", "HDOP  1"}, // single precision
+        {"Tx  0x5E", "rate  115200 bit/s"},
+        {"Rx  0x55", "PRN  7"}, // mask of satellites
+        {"Rx  0x9D", "1. name  A0314A00.Q01"},
+        {"Rx  0x95", "flags  1  (last block)"}, // long frame
+        {"Tx  0x85", "text  POINT A1"},
+        {"Rx  0xC8", "state  65  (measuring, sensor present)"}, // low bits and single bits
+        {"Rx  0x17", "satellite  G2  (azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz)"},
+    };
+    const std::string trace =
+        std::regex_replace(Runner().Run(kTraceOfExamples).out, std::regex("  +"), "  ");
+    for (const auto& [frame, field] : rows) {
+        const std::size_t at = trace.find("checksum", trace.find(frame));
+        ASSERT_NE(at, std::string::npos) << frame;
+        const std::string told = trace.substr(at, trace.find("checksum", at + 1) - at);
+        EXPECT_NE(told.find("  " + field + "\n"), std::string::npos) << frame << ", " << told;
     }
 }
 
@@ -73,36 +68,6 @@ std::string Field(const std::vector<DescribedBytes>& described, std::string_view
         }
     }
     return "(not there)";
-}
-
-TEST(FrameDescriber, ReadsFieldsAsTheProtocolHasThem)
-{
-    const std::array<std::string, 3> rows[] = {
-        {"Rx 07", "short serial number", "00301701"},
-        {"Rx 07", "navigation firmware", "4.43"}, // hundredths
-        {"Rx 09", "battery", "85 %"},
-        {"Rx 09", "PDOP", "1.8"}, // digits with a point
-        {"Rx 41", "power input", "1"},
-        {"Rx 09", "fix", "5|RTK fixed"},
-        {"Rx 09", "running survey", "(blank)"},
-        {"Rx 31", "longitude", "2.426007660272118 rad|139.00000000 deg"},
-        {"Rx 35", "HDOP", "1"}, // single precision
-        {"Tx 5E", "rate", "115200 bit/s"},
-        {"Rx 55", "PRN", "7"}, // mask of satellites
-        {"Rx 9D", "1. name", "A0314A00.Q01"},
-        {"Rx 95", "flags", "1|last block"}, // long frame
-        {"Tx 85", "text", "POINT A1"},
-        {"Rx C8", "state", "65|measuring, sensor present"}, // low bits and single bits
-        {"Rx 17", "satellite", "G2|azimuth 41, elevation 63 deg; 48.00 42.50 dB-Hz"},
-    };
-    const std::vector<DocFrame> frames = DocFrames();
-    for (const auto& [label, field, value] : rows) {
-        SCOPED_TRACE(label + " " + field);
-        const auto found = std::find_if(frames.begin(), frames.end(),
-                                        [&row = label](const auto& f) { return f.label == row; });
-        ASSERT_NE(found, frames.end());
-        EXPECT_EQ(Field(DescribeBytes(found->direction, found->bytes), field), value);
-    }
 }
 
 TEST(FrameDescriber, ReadsSatellitesAsTheParserDoes)

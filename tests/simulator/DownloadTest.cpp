@@ -39,7 +39,7 @@ int BlocksUntil(const Client& client, std::uint32_t offset)
 
 TEST(Download, EndsBetweenTwoBlocksWhenSomethingElseIsAsked)
 {
-    const auto simulator = Started(Parsed(kOneFile));
+    const auto simulator = StartReceiver(Parsed(kOneFile));
     const Client client(simulator->PortPath());
     ASSERT_TRUE(client.Send(Download("A.Q01")));
     ASSERT_EQ(BlocksUntil(client, 5000), 6);
@@ -62,7 +62,7 @@ TEST(Download, ABlockThatHasNotBegunIsNotSentBehindAnAbort)
 {
     Scenario scenario = Parsed(kOneFile);
     scenario.faults = {ParsedRule("delay 3600000 of 95 skip 2")};
-    const auto simulator = Started(scenario);
+    const auto simulator = StartReceiver(scenario);
     const Client client(simulator->PortPath());
     ASSERT_EQ(client.Ask(Download("A.Q01"), 2 * kFullBlock).size(), 2 * kFullBlock);
     // Behind whatever is read, before the next is, the late block is made.

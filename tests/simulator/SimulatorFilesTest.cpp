@@ -18,7 +18,8 @@ TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
     const fs::path log = folder.Path() / "exchange.log";
     Bytes serial;
     {
-        const auto simulator = Started(Shipped("lark"), {{}, log, {}});
+        const auto simulator =
+            StartReceiver(Shipped("lark"), SystemClock::Instance(), {{}, log, {}});
         const Client client(simulator->PortPath());
         serial = client.Ask(kSerialRequest, kSerialSize);
         const std::vector<RecordedBytes> record = simulator->Record();
@@ -30,7 +31,8 @@ TEST(SimulatorFiles, RecordsWhatWasSaidAndReplaysIt)
     EXPECT_EQ(ContentOf(log), "00:1.000 Rcvr Tx [02 00 06 00 06 03 ]\r\n" +
                                   LogLine(Direction::FromReceiver, serial));
 
-    const auto simulator = Started(Shipped("unsupported"), {{}, {}, log});
+    const auto simulator =
+        StartReceiver(Shipped("unsupported"), SystemClock::Instance(), {{}, {}, log});
     const Client client(simulator->PortPath());
     EXPECT_EQ(client.Ask(kSerialRequest, kSerialSize), serial);
 }
@@ -42,7 +44,8 @@ TEST(SimulatorFiles, NeverOverwritesWhatIsNotItsOwnLink)
     fs::create_symlink("/dev/null", folder.Path() / "elsewhere");
     fs::create_symlink("nowhere", folder.Path() / "dangling");
     fs::create_symlink("/dev/pts/999999", folder.Path() / "stale");
-    const auto first = Started(Shipped("lark"), {folder.Path() / "running", {}, {}});
+    const auto first = StartReceiver(Shipped("lark"), SystemClock::Instance(),
+                                     {folder.Path() / "running", {}, {}});
     constexpr std::pair<const char*, bool> kRows[] = {
         {"file", false}, {"elsewhere", false}, {"dangling", false}, {"running", false},
         {"stale", true}, {"new", true},        {"none/such", false}};

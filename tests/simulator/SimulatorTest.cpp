@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 TEST(Simulator, BytesSentWhileNobodyHasThePortOpenAreNotEchoed)
 {
-    const auto simulator = Started(Shipped("lark"));
+    const auto simulator = StartReceiver(Shipped("lark"));
     simulator->Send(Hex("02 00 40 00 40 03")); // an echo would be a request of type 0x40
     const Client client(simulator->PortPath());
     EXPECT_EQ(client.Receive(6), Hex("02 00 40 00 40 03"));
@@ -34,7 +34,7 @@ TEST(Simulator, BytesSentWhileNobodyHasThePortOpenAreNotEchoed)
 
 TEST(Simulator, EveryByteValuePassesUnchangedInBothDirections)
 {
-    const auto simulator = Started(Shipped("lark"));
+    const auto simulator = StartReceiver(Shipped("lark"));
     Bytes heard;
     simulator->SetScripted([&](std::span<const std::uint8_t> request) {
         heard.assign(request.begin(), request.end());
@@ -51,7 +51,7 @@ TEST(Simulator, EveryByteValuePassesUnchangedInBothDirections)
 
 TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
 {
-    const auto simulator = Started(Shipped("lark"));
+    const auto simulator = StartReceiver(Shipped("lark"));
     const std::string path = simulator->PortPath();
     for (int turn = 0; turn < 3; ++turn) {
         const Client client(path);
@@ -68,7 +68,7 @@ TEST(Simulator, PullingTheCableHangsUpAndPluggingItInBringsThePortBack)
 TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 {
     HandClock clock;
-    const auto started = Started(Shipped("other-rate"), {}, clock);
+    const auto started = StartReceiver(Shipped("other-rate"), clock);
     Simulator& simulator = *started;
     const Client client(simulator.PortPath());
     const Bytes toSlow = MakeFrame(0x5E, Hex("01 00 00 25 80 08 00 00 00 00")); // 9600
@@ -104,7 +104,7 @@ TEST(Simulator, HearsOnlyItsRateAndFollowsASetPortAfterItsAnswer)
 TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
 {
     const FastClock clock(100.0);
-    const auto simulator = Started(Shipped("lark"), {}, clock);
+    const auto simulator = StartReceiver(Shipped("lark"), clock);
     const Client client(simulator->PortPath());
     ASSERT_TRUE(client.Send(Hex("02 00 84 FF"))); // announces 255 bytes that never come
     while (simulator->Record().empty()) {
@@ -115,7 +115,7 @@ TEST(Simulator, ARequestThatStopsInTheMiddleIsForgotten)
 
 TEST(Simulator, MayBeScriptedFromOtherThreadsWhileItAnswers)
 {
-    const auto simulator = Started(Shipped("lark"));
+    const auto simulator = StartReceiver(Shipped("lark"));
     std::thread meddler([&] {
         FaultRule rule;
         rule.kind = FaultKind::Duplicate;
@@ -138,12 +138,12 @@ TEST(Simulator, MayBeScriptedFromOtherThreadsWhileItAnswers)
 TEST(Simulator, LeavesNoDescriptorThreadOrLinkBehind)
 {
     {
-        const auto warmUp = Started(Shipped("lark"));
+        const auto warmUp = StartReceiver(Shipped("lark"));
     }
     const auto process = fieldcore::testing::CountProcess();
     std::string path;
     for (int i = 0; i < 200; ++i) {
-        const auto simulator = Started(Shipped("lark"));
+        const auto simulator = StartReceiver(Shipped("lark"));
         path = simulator->PortPath();
         if (i % 2 == 0) {
             simulator->HangUp();

@@ -5,10 +5,9 @@
 #include "simulator/Frame.h"
 #include "simulator/Receiver.h"
 #include "simulator/RequestParser.h"
-#include "simulator/Scenario.h"
-#include "simulator/Simulator.h"
 #include "tests/support/HandClock.h"
 #include "tests/support/Hex.h"
+#include "tests/support/StartReceiver.h"
 #include "tests/support/VirtualReceiver.h"
 
 #include <chrono>
@@ -30,6 +29,7 @@ using namespace std::chrono_literals;
 using fieldcore::testing::HandClock;
 using fieldcore::testing::Hex;
 using fieldcore::testing::ParsedRule;
+using fieldcore::testing::StartReceiver;
 
 inline const HandClock kStill; ///< for whom no time passes
 inline const std::vector<Bytes> kAccepted{Bytes{kAck}};
@@ -59,16 +59,6 @@ inline Scenario Shipped(const std::string& name)
 inline Scenario Parsed(std::string_view text)
 {
     return WithStart(fieldcore::testing::ParsedScenario(text));
-}
-
-/// A simulator that runs.
-inline std::unique_ptr<Simulator> Started(const Scenario& scenario, SimulatorOptions options = {},
-                                          const Clock& clock = SystemClock::Instance())
-{
-    auto simulator = std::make_unique<Simulator>(scenario, clock, std::move(options));
-    std::string error;
-    EXPECT_TRUE(simulator->Start(error)) << error;
-    return simulator;
 }
 
 /// All frames that answer.

@@ -13,10 +13,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
-#include <functional>
 #include <string>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {
@@ -96,16 +93,12 @@ protected:
         spin.SetStep(0.1);
         spin.SetUnit(QStringLiteral(" m"));
         QObject::connect(&spin, &CSpinDouble::ValueChanged, &spin, [this] { ++changes; });
-        const auto buttons = spin.findChildren<StepButton*>();
-        minus = buttons.at(0);
-        plus = buttons.at(1);
-        box = spin.findChild<QDoubleSpinBox*>();
         Show(spin);
     }
     CSpinDouble spin;
-    StepButton* minus;
-    StepButton* plus;
-    QDoubleSpinBox* box;
+    StepButton* const minus = spin.findChildren<StepButton*>().at(0);
+    StepButton* const plus = spin.findChildren<StepButton*>().at(1);
+    QDoubleSpinBox* const box = spin.findChild<QDoubleSpinBox*>();
     int changes = 0;
 };
 
@@ -173,14 +166,11 @@ protected:
         QObject::connect(&spin, &LabelSpin::SpinMoved, &spin,
                          [this](int value) { told += std::to_string(value) + " "; });
         QObject::connect(&spin, &LabelSpin::ScrollEnded, &spin, [this] { told += "end "; });
-        const auto buttons = spin.findChildren<StepButton*>();
-        minus = buttons.at(0);
-        plus = buttons.at(1);
         Show(spin);
     }
     LabelSpin spin;
-    StepButton* minus;
-    StepButton* plus;
+    StepButton* const minus = spin.findChildren<StepButton*>().at(0);
+    StepButton* const plus = spin.findChildren<StepButton*>().at(1);
     std::string told;
 };
 

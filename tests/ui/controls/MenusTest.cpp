@@ -10,10 +10,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include <functional>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace fieldcore {
 namespace {

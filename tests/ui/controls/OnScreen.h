@@ -1,5 +1,7 @@
 #pragma once
 
+// What is included here the tests of screens do not include again.
+
 #include "ui/controls/UiText.h"
 
 #include <QAbstractButton>
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <functional>
 #include <type_traits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -80,5 +83,24 @@ void Next(QWidget& below, const std::type_identity_t<std::function<void(Window&)
     });
     look->start(1);
 }
+
+/// Does something again and again while such a page is in front.
+template <typename Page = QWidget>
+class Hand
+{
+public:
+    explicit Hand(std::function<void(Page& page)> act, int everyMs = 10)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [act = std::move(act)] {
+            if (auto* const page = dynamic_cast<Page*>(QApplication::activeModalWidget())) {
+                act(*page);
+            }
+        });
+        m_timer.start(everyMs);
+    }
+
+private:
+    QTimer m_timer;
+};
 
 } // namespace fieldcore::testing

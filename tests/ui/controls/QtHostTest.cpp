@@ -3,8 +3,8 @@
 #include "core/host/MesBox.h"
 #include "core/resources/StringTable.h"
 #include "tests/support/HandClock.h"
-#include "tests/ui/controls/NothingCut.h"
 #include "tests/ui/controls/OnScreen.h"
+#include "tests/ui/controls/ScreenTrial.h"
 #include "ui/controls/BusyStrip.h"
 #include "ui/controls/Dialog.h"
 #include "ui/controls/Icon.h"
@@ -47,8 +47,6 @@ public:
     Window()
     {
         auto* const layout = new QVBoxLayout(this);
-        button = new QPushButton;
-        edit = new QLineEdit(QStringLiteral("abc"));
         layout->addWidget(button);
         layout->addWidget(edit);
         layout->addStretch(1);
@@ -61,8 +59,8 @@ public:
     }
     [[nodiscard]] BusyStrip* Strip() const { return findChild<BusyStrip*>(); }
 
-    QPushButton* button;
-    QLineEdit* edit;
+    QPushButton* const button = new QPushButton;
+    QLineEdit* const edit = new QLineEdit(QStringLiteral("abc"));
     int clicks = 0;
 };
 
@@ -166,23 +164,21 @@ TEST(QtHost, CutsNoMessage)
     for (int i = 0; i < 30; ++i) {
         endless += longest;
     }
-    QFont large = QApplication::font();
-    large.setPixelSize(21); // 30 % above 16
-    const QFont before = QApplication::font();
-    QApplication::setFont(large);
-    for (const std::wstring& said : {longest, endless}) {
-        Next<MessageDlg>(window, [&](MessageDlg& box) {
-            EXPECT_LE(box.width(), window.width());
-            EXPECT_LE(box.height(), window.height());
-            testing::ExpectNothingCut(box, box.size());
-            for (const QPushButton* button : box.findChildren<QPushButton*>()) {
-                EXPECT_TRUE(box.rect().contains(button->geometry()));
-            }
-            QTest::keyClick(&box, Qt::Key_Escape);
-        });
-        CMesBox(host).Fail(said, text::kPortIsSendingCaption);
-    }
-    QApplication::setFont(before);
+    testing::InEveryLook([&](QSize size) {
+        window.resize(size);
+        for (const std::wstring& said : {longest, endless}) {
+            Next<MessageDlg>(window, [&](MessageDlg& box) {
+                EXPECT_LE(box.width(), window.width());
+                EXPECT_LE(box.height(), window.height());
+                testing::ExpectNothingCut(box, box.size());
+                for (const QPushButton* button : box.findChildren<QPushButton*>()) {
+                    EXPECT_TRUE(box.rect().contains(button->geometry()));
+                }
+                QTest::keyClick(&box, Qt::Key_Escape);
+            });
+            CMesBox(host).Fail(said, text::kPortIsSendingCaption);
+        }
+    });
 }
 
 TEST(QtHost, NestsAndRestoresTheWaitCursor)

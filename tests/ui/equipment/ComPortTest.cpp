@@ -21,7 +21,7 @@ protected:
     {
         simulator::Scenario scenario;
         scenario.checksRate = true;
-        m_receiver = testing::RunningReceiver(scenario, m_clock);
+        m_receiver = testing::StartReceiver(scenario, m_clock);
         m_target.devicePath = m_receiver->PortPath();
         m_target.settings.replyTimeout = std::chrono::seconds(40); // 2 s on a watch
     }

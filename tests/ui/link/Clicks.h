@@ -25,17 +25,9 @@ struct ExpectedBox
 class Surveyor
 {
 public:
-    Surveyor()
+    explicit Surveyor(std::vector<ExpectedBox> expected = {}) : boxes(std::move(expected))
     {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { Look(); });
-        m_timer.start(1);
-        m_watchdog.setSingleShot(true);
-        QObject::connect(&m_watchdog, &QTimer::timeout, &m_watchdog, [this] { GiveUp(); });
-        m_watchdog.start(60000);
-    }
-    explicit Surveyor(std::vector<ExpectedBox> expected) : Surveyor()
-    {
-        boxes = std::move(expected);
+        QTimer::singleShot(60000, &m_watchdog, &Surveyor::GiveUp);
     }
     ~Surveyor() { EXPECT_EQ(m_answered, boxes.size()) << "fewer message boxes than expected"; }
     Surveyor(const Surveyor&) = delete;
@@ -48,17 +40,16 @@ public:
     std::function<void(QWidget&)> onOther;
 
 private:
-    void Look()
+    void Look(QWidget& front)
     {
-        QWidget* const front = QApplication::activeModalWidget();
-        if (auto* const box = qobject_cast<MessageDlg*>(front)) {
+        if (auto* const box = qobject_cast<MessageDlg*>(&front)) {
             Answer(*box);
-        } else if (auto* const progress = qobject_cast<ConnectProgressDlg*>(front)) {
+        } else if (auto* const progress = qobject_cast<ConnectProgressDlg*>(&front)) {
             if (onProgress) {
                 onProgress(*progress);
             }
-        } else if (front != nullptr && onOther) {
-            onOther(*front);
+        } else if (onOther) {
+            onOther(front);
         }
     }
     void Answer(MessageDlg& box)
@@ -78,7 +69,7 @@ private:
             QTest::keyClick(&box, Qt::Key_Return);
         }
     }
-    void GiveUp()
+    static void GiveUp()
     {
         ADD_FAILURE() << "a dialog hangs";
         for (QWidget* const window : QApplication::topLevelWidgets()) {
@@ -88,9 +79,9 @@ private:
         }
     }
 
-    QTimer m_timer;
-    QTimer m_watchdog;
     std::size_t m_answered = 0;
+    QObject m_watchdog;
+    const testing::Hand<> m_hand{[this](QWidget& front) { Look(front); }, 1};
 };
 
 } // namespace fieldcore

@@ -21,7 +21,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace fieldcore {
@@ -53,7 +52,7 @@ protected:
     void Start(const Scenario& scenario) { StartBy(clock, scenario); }
     void StartBy(Clock& time, const Scenario& scenario)
     {
-        receiver = testing::RunningReceiver(scenario, time);
+        receiver = testing::StartReceiver(scenario, time);
         target.devicePath = receiver->PortPath();
     }
     void Start(const char* rule)
@@ -306,16 +305,14 @@ TEST_F(ConnectDlgTest, StandsAThousandRandomEvents)
     scenario.faults = {ParsedRule("nak every 7"), ParsedRule("delay 5000 every 5")};
     Start(scenario);
     testing::RandomHands hands;
-    QTimer tick;
-    QObject::connect(&tick, &QTimer::timeout, &tick, [&hands] {
-        QWidget* const front = QApplication::activeModalWidget();
-        if (front != nullptr && hands.IsTired()) {
-            front->close();
-        } else if (front != nullptr) {
-            hands.Play(*front, 1);
+    const auto play = [&hands](QWidget& front) {
+        if (hands.IsTired()) {
+            front.close();
+        } else {
+            hands.Play(front, 1);
         }
-    });
-    tick.start(1);
+    };
+    const testing::Hand<> hand(play, 1);
     while (!hands.IsTired()) {
         {
             RecvForceInitDlg dialog(command, target, &window);

@@ -1,27 +1,16 @@
 #pragma once
 
 #include "core/link/Command.h"
-#include "simulator/Simulator.h"
+#include "tests/support/StartReceiver.h"
 
 #include <chrono>
 #include <memory>
-#include <string>
 
 #include <gtest/gtest.h>
 
 namespace fieldcore::testing {
 
-/// A simulated receiver behind a path, as a real one is. Where there is none the test fails.
-[[nodiscard]] inline std::unique_ptr<simulator::Simulator>
-RunningReceiver(const simulator::Scenario& scenario, const Clock& clock = SystemClock::Instance())
-{
-    auto receiver = std::make_unique<simulator::Simulator>(scenario, clock);
-    std::string error;
-    EXPECT_TRUE(receiver->Start(error)) << error;
-    return receiver;
-}
-
-/// The same, and @p command is connected to it and to nothing else.
+/// A simulated receiver, and @p command is connected to it and to nothing else.
 /// @param replyTimeout  so long that a busy machine is not taken for a silent receiver
 [[nodiscard]] inline std::unique_ptr<simulator::Simulator>
 Plugged(CCommand& command, const simulator::Scenario& scenario,
@@ -29,7 +18,7 @@ Plugged(CCommand& command, const simulator::Scenario& scenario,
         std::chrono::milliseconds replyTimeout = std::chrono::seconds(10))
 {
     command.ClosePort();
-    auto receiver = RunningReceiver(scenario, clock);
+    auto receiver = StartReceiver(scenario, clock);
     PortSettings settings;
     settings.replyTimeout = replyTimeout;
     EXPECT_EQ(command.OpenPort(receiver->PortPath(), settings), 1) << command.LastError();

@@ -5,7 +5,6 @@
 #include "ui/planning/SkyPlot.h"
 #include "ui/planning/TimePlot.h"
 
-#include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
 

@@ -4,7 +4,6 @@
 
 #include "core/planning/AlmanacStore.h"
 #include "core/platform/Degrees.h"
-#include "core/platform/FastClock.h"
 #include "core/settings/HostReg.h"
 #include "tests/support/VirtualReceiver.h"
 #include "tests/ui/controls/RandomHands.h"

@@ -360,8 +360,7 @@ TEST_F(TiltTest, KeepsTrackingParametersOfEachSurvey)
         EXPECT_FALSE(dialog.findChild<QCheckBox*>()->isChecked()) << "another survey";
     }
     // The signals are those that are chosen for the receiver.
-    const auto scenario = testing::ShippedScenario("lark");
-    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
+    ASSERT_NO_FATAL_FAILURE(line.Start(testing::ShippedScenario("lark")));
     CRecvInfo info;
     ASSERT_EQ(info.GetOptionData(line.command), 1);
     line.command.Hear([&](Receiver& known) { known.identity = info.Known(); });
@@ -502,9 +501,8 @@ TEST_F(TiltTest, TellsOnceWhatCouldNotBeStored)
 /// The bubble among them, which is there once and comes back where it was.
 TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 {
-    const auto scenario = testing::ShippedScenario("swaying-pole");
     testing::SensorLine pole(1.0);
-    ASSERT_NO_FATAL_FAILURE(pole.Start(scenario));
+    ASSERT_NO_FATAL_FAILURE(pole.Start(testing::ShippedScenario("swaying-pole")));
     testing::RandomHands hands;
     while (!hands.IsTired()) {
         TiltSensorDlg::SetAntH(hands.Below(4) - 1.0);
@@ -525,8 +523,7 @@ TEST_F(TiltTest, TheBubbleStandsAThousandEvents)
 
 TEST_F(TiltTest, TheDialogsCutNothingOffAndStandRandomHands)
 {
-    const auto scenario = testing::ShippedScenario("tilted");
-    ASSERT_NO_FATAL_FAILURE(line.Start(scenario));
+    ASSERT_NO_FATAL_FAILURE(line.Start(testing::ShippedScenario("tilted")));
     testing::TryScreen([&] { return std::make_unique<SetSignal>(&line.command); });
     testing::TryScreen([&] { return std::make_unique<TiltStatusDlg>(&line.command); });
     testing::TryScreen([&] { return std::make_unique<TiltCalibDlg>(&line.command); });
