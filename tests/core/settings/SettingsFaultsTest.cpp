@@ -215,16 +215,16 @@ TEST(SettingsFaults, APowerCutLosesNothingThatWasDone)
             {Unsynced::Kept, Unsynced::Kept},       {Unsynced::Dropped, Unsynced::Kept},
             {Unsynced::Kept, Unsynced::Dropped},
         };
-        for (const auto& [log, others] : kLeft) {
-            disk.Cut(log, others, [&](const TemporaryFolder& left) {
+        for (const auto& kinds : kLeft) {
+            disk.Cut(kinds.first, kinds.second, [&](const TemporaryFolder& left) {
                 ++cases;
                 const std::string found = FoundLater(left);
                 const std::string& next = done[std::min(last + 1, done.size() - 1)].settings;
                 EXPECT_TRUE(found == done[last].settings || found == next)
                     << "cut behind step " << step << " of " << steps.size() << ", "
                     << steps[step].name << " of " << steps[step].file << ", log "
-                    << static_cast<int>(log) << ", others " << static_cast<int>(others) << ": "
-                    << found;
+                    << static_cast<int>(kinds.first) << ", others "
+                    << static_cast<int>(kinds.second) << ": " << found;
             });
         }
     }
