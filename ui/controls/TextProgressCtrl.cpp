@@ -20,8 +20,8 @@ constexpr int kGrid = TouchStyle::kGrid;
 CTextProgressCtrl::CTextProgressCtrl(QWidget* parent) : QProgressBar(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    SetRange(0, 100);
-    SetPos(0);
+    setRange(0, 100);
+    setValue(0);
 }
 
 void CTextProgressCtrl::SetRange(int first, int last)

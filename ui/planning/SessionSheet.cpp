@@ -156,8 +156,9 @@ void Paint(QPainter& painter, PlanSession& session, std::span<const SiteSky> sit
         session.Plan().Calc().SetObserver(site.observer);
         session.Plan().Calc().SetCurtain(site.curtain);
         session.Plan().ComputeView();
+        const std::size_t row = k / columns;
         const QRectF area(QPointF(kMargin + static_cast<qreal>(k % columns) * cell.width(),
-                                  y + static_cast<qreal>(k / columns) * cell.height()),
+                                  y + static_cast<qreal>(row) * cell.height()),
                           cell);
         painter.setFont(style.font);
         painter.setPen(style.text);
