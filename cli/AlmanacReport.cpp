@@ -20,8 +20,6 @@ namespace fieldcore::cli {
 
 namespace {
 
-using std::chrono::year_month_day;
-
 CGPSTime FromGpsSeconds(std::int64_t seconds)
 {
     return {CGPSTime::m_OriginalTime + CTimeSpan(seconds)};

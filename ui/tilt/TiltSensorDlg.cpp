@@ -239,7 +239,7 @@ void TiltSensorDlg::ShowBubble()
     view.antennaHeightM = g_antennaHeightM;
     BubblePicture picture;
     Source source = Source::NotReceived;
-    if (known.tilt && m_command->IsPortOpen() != 0) {
+    if (m_command != nullptr && m_command->IsPortOpen() != 0 && known.tilt) {
         view.now = m_command->GetClock().Steady();
         // What cannot be drawn leaves what was.
         picture = IsUsable(known.tilt->value)
