@@ -154,6 +154,7 @@ public:
 
     /// Both ends belong to the range.
     virtual void SetRange(int first, int last) = 0;
+    /// @param position  within the range
     virtual void SetPos(int position) = 0;
 };
 

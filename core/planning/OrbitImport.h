@@ -25,6 +25,7 @@ struct OrbitImport
     bool isTooFew = false;          ///< GPS satellites for an almanac
     std::error_code notKept;        ///< the program's folder
 
+    /// Whether something came and is kept.
     [[nodiscard]] bool IsDone() const { return !error && !isTooFew && !notKept; }
 };
 
